@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: Apache-2.0
+# tarn_layer(NAME): an object library of all .cpp files of the current folder.
+function(tarn_layer name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(folder IN LISTS ARGN)
+    file(GLOB more CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+    list(APPEND sources ${more})
+  endforeach()
+  if(NOT sources)
+    file(TOUCH ${CMAKE_BINARY_DIR}/empty.cpp)
+    set(sources ${CMAKE_BINARY_DIR}/empty.cpp)
+  endif()
+  add_library(tarn_${name} OBJECT ${sources})
+  target_link_libraries(tarn_${name} PUBLIC tarn_options)
+endfunction()

@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: Apache-2.0
+# Compiler and linker options that every target shares.
+add_library(tarn_options INTERFACE)
+target_compile_options(tarn_options INTERFACE
+  -Wall -Wextra $<$<COMPILE_LANGUAGE:CXX>:-Wconversion> -Werror -ffunction-sections)
+target_include_directories(tarn_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+
+find_program(MOLD mold)
+if(MOLD)
+  target_link_options(tarn_options INTERFACE -fuse-ld=mold)
+endif()
+if(TARNWICK_TINY)
+  target_compile_definitions(tarn_options INTERFACE TARNWICK_TINY=1)
+endif()
+if(TARNWICK_SANITIZE)
+  target_compile_options(tarn_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tarn_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(TARNWICK_FUZZ)
+  target_compile_options(tarn_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+  target_link_options(tarn_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The library class that every module sees without naming it. Its functions leave errors in the cell for the
+// caller's next stamp. Positions are 1-based byte positions.
+#pragma once
+
+#include "kernel/windowing.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+// ---- strings ----
+int STRFIND(std::string_view what, std::string_view text, int from = 1, bool ignoreCase = true);  // 0: not found
+std::string STRLEFT(std::string_view text, int count);
+std::string STRRIGHT(std::string_view text, int count);
+std::string STRTRIM(std::string_view text);    // blanks, tabs, CR, LF on both sides
+std::string STRLTRIM(std::string_view text);
+std::string STRRTRIM(std::string_view text);
+std::string STRRTRIMCRLF(std::string_view text);
+std::string STRLOWER(std::string_view text);   // ASCII letters
+std::string STRUPPER(std::string_view text);
+bool STREQUAL(std::string_view a, std::string_view b);  // without regard to case
+int STRLINES(std::string_view text);                    // the number of newlines
+std::string STRLINE(std::string_view text, int n);      // line n without its line end; empty outside
+std::string STRNL2CRNL(std::string_view text);
+std::string STRADDQUOTES(std::string_view text);
+std::string STRREMOVEQUOTES(std::string_view text);
+std::string STRREPLACE(std::string_view text, std::string_view what, std::string_view with, bool ignoreCase = true);
+std::string STRMAKE(int count, int character);
+std::string STRNAMECASE(std::string_view text);
+// More than 40 lines are cut to 39 and "...(more)...".
+std::string LIMITLINES(std::string_view text, int most = 40);
+std::string STR(int value);
+std::string HEXSTR(std::uint32_t value, int width);
+std::uint32_t HEXVAL(std::string_view text);
+bool ISDIGITS(std::string_view text);
+// A whole text that is an integer (optional sign, digits); `ok` tells.
+int CVTI(std::string_view text, bool& ok);
+std::string KEYSTR(int keyCode);
+
+// ---- files: both separators are understood; composed paths use the platform's ----
+struct PathParts {
+    std::string drive, directory, name, extension;
+};
+PathParts SPLITPATH(std::string_view path);
+std::string FILEGETDRIVE(std::string_view path);
+std::string FILEGETDIR(std::string_view path);   // drive and directory, with its last separator
+std::string FILEGETFNAME(std::string_view path);  // name and extension
+std::string FILEGETEXT(std::string_view path);    // with its dot
+std::string FILEBASENAME(std::string_view path);  // name without folder and extension
+std::string FILECHANGEEXT(std::string_view path, std::string_view extension);
+bool DIRCHK(std::string_view path);
+bool FILECHK(std::string_view path);
+bool ISROOTED(std::string_view path);             // has a drive or begins with a separator
+std::int64_t FileSize(const std::string& path);   // -1 if it does not exist
+std::string FILETIME(const std::string& path);    // "YYYY-MM-DD hh:mm:ss", empty if it does not exist
+// An unused name in `directory`: the stem, a number from 1, the extension.
+std::string FILETEMPNAME(std::string_view directory, std::string_view stem, std::string_view extension);
+std::string FILEADDSEPARATOR(std::string_view directory);  // "/" added if it has none at its end
+std::string GETCURDIR();
+void SETCURDIR(const std::string& directory);
+// The first of the folders in `paths` (separated by ";") that holds `file`; empty if none does.
+std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file);
+// Replaces each `mark` and the file-name characters behind it by base + those characters, in double quotes.
+std::string FILESUBSTITUTENAME(std::string_view line, std::string_view mark, std::string_view base);
+
+// Whole files as text. A failure sets 651 to 654 or 657 and `false`; SAVEFILE keeps the old contents then.
+bool LOADFILE(const std::string& file, std::string& text);
+bool SAVEFILE(const std::string& file, std::string_view text);
+// What the last failed SAVEFILE says to the user: what went wrong and where the text is safe.
+std::string SAVEFILEREPORT();
+void FILEDELETE(const std::string& file);
+
+// ---- programs ----
+// Runs a program. `mode`: low four bits the window state; then 0 disable the windows and wait, 32 wait with the
+// windows enabled, 16 wait at most 5000 ms. Failures set 901 to 909. A tool that is waited for can be stopped by the
+// user; one that dies by a signal counts as failed.
+struct ExecResult {
+    bool started = false, stopped = false;  // stopped: by the user
+    int code = 0, signal = 0;
+};
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode);
+// An argument line split as the tools read it: blanks separate, double quotes enclose.
+std::vector<std::string> SPLITARGUMENTS(std::string_view line);
+// The file to start for a tool's name: `x.exe`, else `x` beside it; empty if neither is there with content.
+std::string FINDTOOL(const std::string& path);
+
+// ---- words ----
+bool ISRESERVEDWORD(std::string_view word);
+bool ISFUTURERESERVEDWORD(std::string_view word);
+// The token reader that all text-form parsers share; `position` is 1-based.
+std::string NextWord(std::string_view text, std::size_t& position);
+
+// ---- windows ----
+Object FINDCONTROL(const Object& window, std::string_view name);
+void MSGBOX(const std::string& title, const std::string& text);  // one OK
+void MULTIHELP(int owner, const std::string& helpFile, int command, const std::string& topic);
+
+}  // namespace tarn

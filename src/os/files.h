@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Files as the layers above see them. `FileSystem` is the narrow set of calls that touch the disk; every one of
+// them can be made to fail (see steerable.h), and everything else in this header is built from them. Code above
+// this layer reaches the disk only through `files()` or the functions below.
+//
+// Paths are bytes. Both `/` and `\` separate on the way in (`native` turns `\` into `/`); results use `/`.
+// Cost: each call is one system call, unless said otherwise.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::os {
+
+enum class FileError {
+    None,
+    NotFound,     // the file, or a folder on its way, does not exist
+    Exists,       // it exists and must not
+    Denied,       // no permission, or a read-only file system
+    IsFolder,     // a folder where a file is needed
+    NotFolder,    // a file where a folder is needed
+    DiskFull,     // no space, or a quota reached
+    BadName,      // the name is too long, or not a name
+    Vanished,     // it was there and has gone during the operation
+    ReadFailed,   // any other fault while reading
+    WriteFailed,  // any other fault while writing
+};
+
+// A short text for the user ("The disk is full."); empty for None.
+std::string_view describe(FileError error);
+
+struct FileInfo {
+    bool exists = false;
+    bool folder = false;
+    bool writable = false;       // by this user
+    std::int64_t size = 0;       // bytes
+    std::int64_t modified = 0;   // nanoseconds since 1970-01-01 UTC
+    std::uint32_t mode = 0;      // permission bits
+    std::uint64_t device = 0, inode = 0;  // equal for two names of one file
+};
+
+enum class OpenMode {
+    Read,       // must exist
+    CreateNew,  // must not exist
+    Truncate,   // made or emptied
+    Append,     // made if absent
+    ReadWrite,  // must exist, contents kept
+};
+
+using Handle = int;  // negative: none
+
+// The calls that touch the disk. Each gives FileError::None on success.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+    virtual FileError open(const std::string& path, OpenMode mode, std::uint32_t permissions, Handle& handle) = 0;
+    // Reads at most `count` bytes at `offset`; `got` 0 means the end.
+    virtual FileError read(Handle handle, std::int64_t offset, char* into, std::size_t count, std::size_t& got) = 0;
+    // Writes all of `bytes` at `offset` (Append: at the end), or fails having written some of it.
+    virtual FileError write(Handle handle, std::int64_t offset, std::string_view bytes) = 0;
+    virtual FileError truncate(Handle handle, std::int64_t size) = 0;
+    virtual FileError sync(Handle handle) = 0;
+    virtual FileError close(Handle handle) = 0;
+    virtual FileError rename(const std::string& from, const std::string& to) = 0;
+    virtual FileError remove(const std::string& path) = 0;
+    virtual FileError makeFolder(const std::string& path) = 0;
+    virtual FileError removeFolder(const std::string& path) = 0;
+    virtual FileError syncFolder(const std::string& path) = 0;
+    virtual FileError setMode(const std::string& path, std::uint32_t mode) = 0;
+    virtual FileError setModified(const std::string& path, std::int64_t nanoseconds) = 0;
+    virtual FileError link(const std::string& target, const std::string& path) = 0;  // a symbolic link
+    // Follows symbolic links. A file that does not exist is no error: `exists` is false.
+    virtual FileError info(const std::string& path, FileInfo& info) = 0;
+    // Names in a folder, sorted by bytes, without "." and "..".
+    virtual FileError list(const std::string& path, std::vector<std::string>& names) = 0;
+    // The path with all symbolic links followed; a last part that does not exist is kept.
+    virtual FileError resolve(const std::string& path, std::string& resolved) = 0;
+    // Free bytes for this user on the disk that holds `path`.
+    virtual FileError freeSpace(const std::string& path, std::int64_t& bytes) = 0;
+    virtual std::string currentFolder() = 0;
+    virtual FileError setCurrentFolder(const std::string& path) = 0;
+};
+
+// The file system in force; the real one unless a test has put another in its place.
+FileSystem& files();
+FileSystem& realFiles();
+// Puts `system` in force and returns the one before it; null means the real one.
+FileSystem* useFiles(FileSystem* system);
+
+std::string native(std::string_view path);
+
+FileInfo infoOf(const std::string& path);  // exists = false on any failure
+// The size in bytes, -1 if there is no such file (or it is a folder).
+std::int64_t sizeOf(const std::string& path);
+
+// The whole of a file. On failure `bytes` is empty. Cost: linear; one allocation.
+FileError readFile(const std::string& path, std::string& bytes);
+
+enum class Durability {
+    Synced,    // survives the death of the machine once the call has returned
+    Unsynced,  // survives the death of the process (settings, results that can be made again)
+};
+
+// What became of a save.
+struct SaveResult {
+    FileError error = FileError::None;
+    bool inPlace = false;    // the folder could not be written, so the file itself was
+    std::string rescueCopy;  // where the new bytes stand if the save failed half-way in place; else empty
+    [[nodiscard]] bool ok() const { return error == FileError::None; }
+};
+
+// Replaces the contents of `path` by `bytes`, so that the old or the new contents are on disk at every moment.
+// The way: a temporary beside the target, sync, rename, sync of the folder. Permissions are kept and a symbolic
+// link is written through. In a folder that cannot be written a synced rescue copy in `rescueFolder()` comes
+// first, then the file is written in place, and the copy goes when that worked.
+// On failure the old contents are whole (or `rescueCopy` names the new ones) and no temporary is left.
+[[nodiscard]] SaveResult saveFile(const std::string& path, std::string_view bytes,
+                                  Durability durability = Durability::Synced);
+
+// Where rescue copies go: $XDG_STATE_HOME/tarnwick/rescue, made when first needed.
+std::string rescueFolder();
+
+// All folders of `path` that are missing. Existing ones are no error.
+FileError makeFolders(const std::string& path);
+
+}  // namespace tarn::os

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Child processes, and facts about this one. Programs start with argument lists, never through a shell.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarn::os {
+
+enum class StartError {
+    None,
+    NotFound,       // no such program or path
+    NotExecutable,  // it is there and is no program, or may not be run
+    NoMemory,
+    BadArguments,   // an argument list that is too long
+    BadOutput,      // the file for the output cannot be written
+    Other,
+};
+
+struct StartRequest {
+    std::string program;                 // full path
+    std::vector<std::string> arguments;  // without the program's name
+    std::string folder;                  // to start in; empty: this process's
+    std::string outputFile;              // standard output and error go there; empty: inherited
+};
+
+struct ExitState {
+    bool ended = false;
+    int code = 0;    // exit code when it ended by itself
+    int signal = 0;  // the signal that ended it, 0 if none
+};
+
+// A child that was started. Destroying it does not end the child.
+class Child {
+public:
+    virtual ~Child() = default;
+    virtual ExitState poll() = 0;             // never waits
+    virtual ExitState wait(int milliseconds) = 0;  // waits at most that long
+    // Ends the child and everything it started: asks first, and forces after `graceMilliseconds`.
+    virtual void stop(int graceMilliseconds) = 0;
+    [[nodiscard]] virtual int id() const = 0;
+};
+
+class Processes {
+public:
+    virtual ~Processes() = default;
+    // Null on failure, with the reason in `error`. The child leads a process group of its own.
+    virtual std::unique_ptr<Child> start(const StartRequest& request, StartError& error) = 0;
+};
+
+Processes& processes();
+Processes* useProcesses(Processes* processes);  // returns the one before; null means the real one
+
+std::string executablePath();                // full path of this program, as it was called (links not followed)
+std::string executableFolder();              // its folder, with "/" at the end
+const std::vector<std::string>& commandLine();  // arguments, without the program's name; see setCommandLine
+void setCommandLine(int argc, char** argv);  // once, at the start of main
+std::string environment(const char* name);   // empty if unset
+bool debuggerAttached();
+void debugOutput(const std::string& text);   // standard error
+
+// Ends this process at once: no destructor runs.
+[[noreturn]] void endProcess(int code);
+// Tests put a function here that is called instead; it must not return (throw).
+using EndHook = void (*)(int code);
+EndHook useEndHook(EndHook hook);
+
+// Folders of this user: settings ($XDG_CONFIG_HOME/tarnwick/), state ($XDG_STATE_HOME/tarnwick/) and run time
+// ($XDG_RUNTIME_DIR/tarnwick/, else one of this user's alone under the temporary folder). With "/" at the end.
+std::string settingsFolder();
+std::string stateFolder();
+std::string runtimeFolder();
+
+}  // namespace tarn::os

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The object model: what is known of every loaded window and control, with or without a screen. Views read it and
+// report the user's doings through the `user...` functions, which change the state and send the events.
+#pragma once
+
+#include "platform/model/view.h"
+#include "platform/object.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarn::platform {
+
+struct Row {
+    std::string text, picture;
+};
+
+class Control {
+public:
+    virtual ~Control() = default;
+    Object object;
+    Type type = Type::None;
+    std::string name;    // as in the resource file
+    int handle = 0;      // unique among all objects ever loaded
+    std::string array;   // name of the control array it belongs to, else empty
+    int index = 0;       // its place there
+    int level = 0;       // menu items: 1 for the menu bar, 2 below it, ...
+    int shortcut = 0;    // menu items: key + 0x1000 Ctrl + 0x2000 Shift + 0x4000 Alt; 0 none
+
+    std::string caption, tokens, picture, hint;
+    std::unique_ptr<TextStore> text;  // edit windows, edits, combo boxes
+    std::vector<Row> rows;
+    int listIndex = 0;
+    int value = 0, minimum = 0, maximum = 100, maxLength = 0, passwordChar = 0, comboStyle = 1, flags = 0;
+    bool checked = false, enabled = true, visible = true, readonly = false;
+    bool isDefault = false, isCancel = false;  // push buttons: what Return and Esc press
+    bool tabStop = true;
+    int multiline = 0;      // edits: 1 if several lines
+    int alignment = 0;      // 0 left, 1 right, 2 centre
+    Rect position;          // pixels, in the window's client area; a window: its frame on the screen
+    Rect units;             // as in the resource file, resource units
+    Font font;
+    int foreColour = -1, backColour = -1;  // 0xBBGGRR, -1: the desktop's
+    void* widget = nullptr;  // the view's
+};
+
+class Window : public Control {
+public:
+    WindowFunction function = nullptr;
+    std::vector<std::unique_ptr<Control>> controls;   // in the order of the resource file
+    std::vector<std::unique_ptr<Control>> menuItems;  // in order; `level` tells the nesting
+    std::map<std::string, std::string> values;        // named values
+    Rect minimum_, maximum_;
+    int borderStyle = 2;    // 0 none, 1 fixed, 2 sizable
+    int state = 0;          // 0 normal, 1 minimised, 2 maximised
+    bool shown = false, modal = false, closing = false;
+    std::string resourceFile;  // where it came from
+};
+
+// All loaded windows in the order of loading.
+const std::vector<std::unique_ptr<Window>>& windows();
+Window* findWindow(const Object& object);    // the window of an object; null if it is not loaded
+Control* findControl(const Object& object);  // the control, or the window itself
+
+// What the user did. Each changes the model first and then sends the event; the view has nothing else to do.
+void userCommand(Control& control);                    // pressed, picked
+void userChange(Control& control);                     // edits: after the TextStore changed
+void userValue(Control& control, int value);           // check box, radio button, scroll bar
+void userRow(Control& control, int row);               // list or combo box selection
+void userDoubleClick(Control& control, int x, int y);
+bool userKey(Window& window, Control* focus, int key);  // true: handled, goes no further
+void userClose(Window& window);                        // the window's close button
+void userActivate(Window& window);
+void userMoved(Window& window, const Rect& frame, int state);
+void userInfo(Control& control, int x, int y);
+void timerFired(Control& owner);
+
+// The text store of the model itself.
+std::unique_ptr<TextStore> makePlainText();
+
+}  // namespace tarn::platform

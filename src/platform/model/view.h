@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What draws the object model. The model holds all state; a view is told of every change and reports what the user
+// does through the functions of model.h (`userCommand`, `userClose`, ...). The headless view does nothing but keep
+// modal waits going, so that the whole program runs without a screen; the Qt view makes widgets.
+#pragma once
+
+#include "platform/object.h"
+#include "platform/windowing.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace tarn::platform {
+
+class Control;
+class Window;
+
+enum class Property {
+    Caption, Text, Tokens, Selection, Value, Checked, Modify, Readonly, MaxLength, Password, Range, Enabled, Visible,
+    Flags, Picture, Rows, ListIndex, Position, MinMax, Font, Colour, State, MenuItems,
+};
+
+// The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own in
+// its place, so that a text stands once. All positions are 1-based byte positions.
+class TextStore {
+public:
+    virtual ~TextStore() = default;
+    [[nodiscard]] virtual std::string text() const = 0;
+    virtual void setText(std::string_view text) = 0;  // empties the undo list and clears the modify mark
+    [[nodiscard]] virtual int length() const = 0;
+    [[nodiscard]] virtual Selection selection() const = 0;
+    virtual void select(int start, int length) = 0;  // scrolls it into view
+    virtual void replaceSelection(std::string_view text) = 0;
+    [[nodiscard]] virtual bool modified() const = 0;
+    virtual void setModified(bool modified) = 0;
+};
+
+// A question that waits for the user, for views and for whoever plays the user.
+struct Question {
+    enum class Kind { Message, Input, List, OpenFile, SaveFile, Folder } kind = Kind::Message;
+    std::string title, text;
+    std::vector<std::string> buttons;  // Message: captions with "&"
+    std::vector<std::string> rows;     // List
+    std::string value;                 // Input: default text; files: where to start
+    std::string filter;
+    BoxIcon icon = BoxIcon::None;
+    int defaultButton = 1;
+};
+
+class View {
+public:
+    virtual ~View() = default;
+    // Windows. `load` may put a TextStore of its own into edit windows and edit controls.
+    virtual void load(Window& window) = 0;
+    virtual void unload(Window& window) = 0;
+    virtual void show(Window& window) = 0;  // shows, raises and activates
+    virtual void hide(Window& window) = 0;
+    // The model has changed `control` (which may be the window itself).
+    virtual void changed(Control& control, Property property) = 0;
+
+    // Event loops. Runs until `until` is true; calls the idle function whenever nothing else is to be done.
+    virtual void loop(const std::function<bool()>& until) = 0;
+    virtual void pump() = 0;                             // handles what waits, once
+    virtual void wait(int milliseconds, bool inputEnds) = 0;
+    virtual void setIdle(std::function<void()> idle) = 0;  // for whoever plays the user; null: none
+
+    // The answer: the caption of a button, a text, a row, a path; empty for a box that was closed.
+    virtual std::string ask(const Question& question) = 0;
+
+    // Measures, in pixels.
+    virtual int textWidth(const Control& control, std::string_view text) = 0;
+    virtual int textHeight(const Control& control, std::string_view text) = 0;
+    virtual Rect screen() = 0;
+    virtual int dpi() = 0;
+
+    virtual void sound() = 0;
+    virtual void playSound(const std::string& file) = 0;
+    virtual void setIcon(const std::string& file) = 0;
+    virtual void setBusy(bool busy) = 0;
+    virtual void setTimer(Control& owner, int milliseconds) = 0;
+    virtual void openUrl(const std::string& url) = 0;
+    virtual void toolProgress(const std::string& text) = 0;
+    virtual bool toolStopPressed() = 0;
+    virtual void showSplash(const std::string& picture, const std::vector<std::string>& lines) = 0;
+    virtual void closeSplash() = 0;
+    virtual void watch(int descriptor, std::function<void()> ready) = 0;  // -1 stops watching
+    virtual void raise(Window& window) = 0;  // to the foreground, as after a hand-over
+};
+
+// The view in force, made when first needed: the Qt view if there is a screen and it can be loaded
+// (libtarnwick-qt.so beside libtarnwick.so), else the headless one.
+View& view();
+std::unique_ptr<View> useView(std::unique_ptr<View> view);  // returns the one before; for tests
+// `answer` plays the user at every question; without it each one is answered by closing its box.
+std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer = {});
+
+// What libtarnwick-qt.so exports under the name "tarn_make_view".
+using MakeView = View* (*)();
+
+}  // namespace tarn::platform

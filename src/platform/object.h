@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Names of windows and controls, and the constants of events, keys and types.
+//
+// A window is named by its name in the resource file, a control by its window and its number there. An Object is
+// such a name: it may be made before the window is loaded and outlives it, and two are equal if they name the same
+// control. Window names compare without regard to case.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::platform {
+
+class Object {
+public:
+    Object() = default;  // names nothing
+    explicit Object(std::string_view window, int number = 0);
+    [[nodiscard]] const std::string& window() const { return *window_; }  // as it was first written
+    [[nodiscard]] int number() const { return number_; }                  // 0: the window itself
+    [[nodiscard]] bool isWindow() const { return number_ == 0; }
+    [[nodiscard]] bool empty() const;
+    [[nodiscard]] Object owner() const;  // the window
+    friend bool operator==(const Object&, const Object&) = default;
+
+private:
+    const std::string* window_ = &none();  // interned: equal names, equal pointers
+    int number_ = 0;
+    static const std::string& none();
+};
+
+enum class Type {
+    None, Dialog, Editwindow, Richeditwindow, Label, Edit, Combobox, Listbox, Iconlist, Pushbutton, Bitmapbutton,
+    Checkbox, Radiobutton, Groupbox, Scrollbar, Progressbar, Shape, Icon, Image, Menuitem, Screen, Printer, Clipboard,
+};
+std::string_view typeName(Type type);         // "Dialog", ...
+Type typeFromName(std::string_view name);     // any case; None if there is no such type
+inline bool isWindowType(Type t) { return t == Type::Dialog || t == Type::Editwindow || t == Type::Richeditwindow; }
+inline bool isEditWindowType(Type t) { return t == Type::Editwindow || t == Type::Richeditwindow; }
+
+inline namespace constants {
+
+enum Event : int {
+    ACTIVATE_EVENT = 32769,
+    CHANGE_EVENT = 32770,
+    MOUSEDOWN_EVENT = 32771,
+    COMMAND_EVENT = 32772,
+    DBLCLICK_EVENT = 32773,
+    KEYPRESS_EVENT = 32775,
+    LOAD_EVENT = 32776,
+    INFO_EVENT = 32777,
+    RESIZE_EVENT = 32778,
+    TIMER_EVENT = 32780,
+    CLOSE_EVENT = 32781,
+};
+
+enum Key : int {
+    KEY_RETURN = 13, KEY_ESCAPE = 27, KEY_LEFT = 37, KEY_UP = 38, KEY_RIGHT = 39, KEY_DOWN = 40, KEY_DELETE = 46,
+    KEY_F1 = 112, KEY_F2 = 113, KEY_F3 = 114, KEY_F4 = 115,
+};
+
+// Flags of an edit window.
+enum EditFlag : int {
+    ALLOWOVERWRITE = 16, AUTOINDENT = 32, HILITE = 64, READONLY = 128, SELECTALL = 256, STATUSBAR = 512,
+    TABSHIFT = 1024, PRIVATE_MODIFY = 2048, NUMBERBAR = 4096,
+};
+
+}  // namespace constants
+
+// A window function: true means handled or, for CLOSE_EVENT, veto. A key that is handled goes no further.
+// `parameter` is told beside each event; for a COMMAND_EVENT that came through `Command` it is 1 and
+// `commandText()` (windowing.h) holds the text, otherwise 0.
+using WindowFunction = bool (*)(const Object& window, int event, const Object& control, int parameter);
+
+struct Rect {
+    int x = 0, y = 0, w = 0, h = 0;  // pixels
+    friend bool operator==(const Rect&, const Rect&) = default;
+};
+
+inline namespace constants {
+enum Unit : int {
+    WINDOW_UNIT = 0,  // the frame, in screen pixels (a window); the control's rectangle in its window (a control)
+    CLIENT_UNIT = 1,  // the area inside the frame (a window); as WINDOW_UNIT (a control)
+};
+}  // namespace constants
+
+// What an operation of this layer gives back: 0 or a code of the kernel's table of run-time errors.
+using Code = std::int32_t;
+inline constexpr Code Ok = 0;
+inline constexpr Code WindowNotLoaded = 702;
+inline constexpr Code NoSuchProperty = 703;
+inline constexpr Code NotAControlArray = 707;
+inline constexpr Code WindowNotInResources = 721;
+inline constexpr Code ControlNotInResources = 723;
+inline constexpr Code ControlInvalid = 727;
+
+template <class T>
+struct Answer {
+    T value{};
+    Code code = Ok;
+};
+
+}  // namespace tarn::platform
