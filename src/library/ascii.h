@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Letter case and character classes of ASCII, whatever the locale; bytes from 128 up are no letters and never change.
-// These helpers neither fail nor call out, so they have no frame.
+// Letter case and character classes of ASCII, whatever the locale; bytes from 128 up are no letters and never
+// change. These helpers neither fail nor call out, so they have no frame.
 #pragma once
 
 #include <cstddef>
@@ -10,15 +10,33 @@
 
 namespace tarn::ascii {
 
-constexpr bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
-constexpr bool isLower(char c) { return c >= 'a' && c <= 'z'; }
-constexpr bool isLetter(char c) { return isUpper(c) || isLower(c); }
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool isSymbol(char c) { return isLetter(c) || isDigit(c) || c == '_'; }
-constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
-constexpr bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-constexpr char upper(char c) { return isLower(c) ? static_cast<char>(c - 32) : c; }
-constexpr char lower(char c) { return isUpper(c) ? static_cast<char>(c + 32) : c; }
+constexpr bool isUpper(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+constexpr bool isLower(char c) {
+    return c >= 'a' && c <= 'z';
+}
+constexpr bool isLetter(char c) {
+    return isUpper(c) || isLower(c);
+}
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+constexpr bool isSymbol(char c) {
+    return isLetter(c) || isDigit(c) || c == '_';
+}
+constexpr bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+constexpr bool isSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+constexpr char upper(char c) {
+    return isLower(c) ? static_cast<char>(c - 32) : c;
+}
+constexpr char lower(char c) {
+    return isUpper(c) ? static_cast<char>(c + 32) : c;
+}
 
 constexpr bool equal(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How the failures of files become run-time errors: 651 cannot be read, 652 cannot be written, 653 it disappeared,
-// 654 the disk is full, 657 the name is not allowed.
+// How the failures of files become run-time errors: 651 cannot be read, 652 cannot be written, 653 it
+// disappeared, 654 the disk is full, 657 the name is not allowed.
 #pragma once
 
 #include "os/files.h"

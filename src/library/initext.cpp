@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// See initext.h. A section is sought by its "[" alone, which is rare in such files, and only the lines of the section
-// found are looked at one by one. None of these functions can fail or calls out, so they have no frames.
+// See initext.h. A section is sought by its "[" alone, which is rare in such files, and only the lines of the
+// section found are looked at one by one. None of these functions can fail or calls out, so they have no
+// frames.
 #include "library/initext.h"
 
 #include "library/ascii.h"
@@ -14,7 +15,9 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-bool isSectionChar(char c) { return ascii::isSymbol(c) || c == ' ' || c == '.'; }
+bool isSectionChar(char c) {
+    return ascii::isSymbol(c) || c == ' ' || c == '.';
+}
 
 // The name in a header line; empty if the line is no header.
 std::string_view headerName(std::string_view line) {
@@ -32,7 +35,8 @@ std::size_t lineEnd(std::string_view text, std::size_t start) {
     return end == npos ? text.size() : end + 1;
 }
 
-// The offset of the first "[" in column 1 from `from` (the start of a line) on; the text's size if there is none.
+// The offset of the first "[" in column 1 from `from` (the start of a line) on; the text's size if there is
+// none.
 std::size_t nextBracket(std::string_view text, std::size_t from) {
     for (std::size_t at = text.find('[', from); at != npos; at = text.find('[', at + 1))
         if (at == 0 || text[at - 1] == '\n') return at;
@@ -87,7 +91,8 @@ Line findEntry(std::string_view text, const Section& section, std::string_view k
 }
 
 std::string_view withoutQuotes(std::string_view value) {
-    if (value.size() >= 2 && value.front() == '"' && value.back() == '"') return value.substr(1, value.size() - 2);
+    if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+        return value.substr(1, value.size() - 2);
     return value;
 }
 

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The text of a settings file: finding, listing and changing its sections and entries, without touching the disk.
+// The text of a settings file: finding, listing and changing its sections and entries, without touching the
+// disk.
 //
-// A line ends at LF; a CR before it belongs to the line end. A header is a line "[name]" from column 1, with letters,
-// digits, underscore, blank and full stop in the name; no other line that starts with "[" can be found, but it ends
-// the section above it. An entry is key=value from column 1, its key made of letters, digits and underscore. A line
-// whose first character is ";" is a comment. Names compare without regard to the case of ASCII letters.
+// A line ends at LF; a CR before it belongs to the line end. A header is a line "[name]" from column 1, with
+// letters, digits, underscore, blank and full stop in the name; no other line that starts with "[" can be
+// found, but it ends the section above it. An entry is key=value from column 1, its key made of letters,
+// digits and underscore. A line whose first character is ";" is a comment. Names compare without regard to
+// the case of ASCII letters.
 //
-// What is written ends in CR LF; lines that are not written keep their bytes. Line ends inside a name or a value that
-// is written become blanks, so that an entry always stays one line.
+// What is written ends in CR LF; lines that are not written keep their bytes. Line ends inside a name or a
+// value that is written become blanks, so that an entry always stays one line.
 //
-// Cost: reading operations are one pass without allocation but for the result; writing ones build the new text once.
+// Cost: reading operations are one pass without allocation but for the result; writing ones build the new
+// text once.
 #pragma once
 
 #include <string>

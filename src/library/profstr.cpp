@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Profile strings over files: each call reads the whole file and a change writes the whole file (see initext.h for
-// what happens to its text). A file that is there and cannot be read is never written: its text would be lost.
+// Profile strings over files: each call reads the whole file and a change writes the whole file (see
+// initext.h for what happens to its text). A file that is there and cannot be read is never written: its text
+// would be lost.
 #include "library/profstr.h"
 
 #include "library/ascii.h"
@@ -18,7 +19,8 @@ namespace tarn {
 namespace detail {
 
 const std::string& readProfile(const std::string& file, bool& readable) {
-    // The buffer keeps its room from call to call, so that a read allocates nothing; a huge one is given back.
+    // The buffer keeps its room from call to call, so that a read allocates nothing; a huge one is given
+    // back.
     static std::string buffer;
     constexpr std::size_t KeptRoom = 1 << 20;
     if (buffer.capacity() > KeptRoom) buffer = std::string();
@@ -73,7 +75,8 @@ std::string PROFILESTRSECTIONS(const std::string& file) {
     return ini::sections(readText(file));
 }
 
-void PROFILESTRPUT(const std::string& file, std::string_view section, std::string_view key, std::string_view value) {
+void PROFILESTRPUT(const std::string& file, std::string_view section, std::string_view key,
+                   std::string_view value) {
     FRAME(PROFILESTRPUT);
     if (file.empty() || section.empty()) return;
     bool readable = false;

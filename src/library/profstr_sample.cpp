@@ -16,29 +16,78 @@ namespace {
 constexpr std::string_view Articles[] = {"the", "a"};
 
 constexpr std::string_view Adjectives[] = {
-    "avaricious",     "bedraggled", "carnivorous", "dopey",     "effervescent", "fat",       "goodly", "hairy",
-    "hidden",         "ingenious",  "juicy",       "knowledgeable", "little",   "merciful",  "nimble", "nocturnal",
-    "obese",          "over-paid",  "pedantic",    "quick",     "rapid",        "stripey",   "thrifty", "undernourished",
-    "virtuous",       "well-preserved", "xenophobic", "yucky",  "zealous"};
+    "avaricious", "bedraggled",     "carnivorous", "dopey",     "effervescent", "fat",
+    "goodly",     "hairy",          "hidden",      "ingenious", "juicy",        "knowledgeable",
+    "little",     "merciful",       "nimble",      "nocturnal", "obese",        "over-paid",
+    "pedantic",   "quick",          "rapid",       "stripey",   "thrifty",      "undernourished",
+    "virtuous",   "well-preserved", "xenophobic",  "yucky",     "zealous"};
 
 constexpr std::string_view Animals[] = {
-    "aardvark", "bandicoot", "crocodile",  "dingo",   "emu",     "fruitbat", "giraffe",  "hippo",    "iguana",
-    "journalist", "kangaroo", "lawyer",    "microbe", "necromancer", "ostrich", "programmer", "quokka", "reptile",
-    "spaceman", "traffic warden", "unicorn", "vulture", "wildebeest", "xanthaphobe", "yak", "zebra"};
+    "aardvark", "bandicoot",  "crocodile",   "dingo",    "emu",      "fruitbat",       "giraffe",
+    "hippo",    "iguana",     "journalist",  "kangaroo", "lawyer",   "microbe",        "necromancer",
+    "ostrich",  "programmer", "quokka",      "reptile",  "spaceman", "traffic warden", "unicorn",
+    "vulture",  "wildebeest", "xanthaphobe", "yak",      "zebra"};
 
-constexpr std::string_view Verbs[] = {
-    "ate",         "broke",       "contemplated", "defoliated", "drooled over",   "educated",
-    "fumigated",   "greatly annoyed", "helped",   "irritated",  "jinxed",         "kept",
-    "looked at",   "made off with", "nibbled",    "organized",  "praised",        "purlioned",
-    "quickly escaped from", "ran away from", "sat on", "swallowed", "tripped over", "uselessly conversed with",
-    "visited",     "wished for",  "xeroxed",      "yodelled in", "zealously searched"};
+constexpr std::string_view Verbs[] = {"ate",
+                                      "broke",
+                                      "contemplated",
+                                      "defoliated",
+                                      "drooled over",
+                                      "educated",
+                                      "fumigated",
+                                      "greatly annoyed",
+                                      "helped",
+                                      "irritated",
+                                      "jinxed",
+                                      "kept",
+                                      "looked at",
+                                      "made off with",
+                                      "nibbled",
+                                      "organized",
+                                      "praised",
+                                      "purlioned",
+                                      "quickly escaped from",
+                                      "ran away from",
+                                      "sat on",
+                                      "swallowed",
+                                      "tripped over",
+                                      "uselessly conversed with",
+                                      "visited",
+                                      "wished for",
+                                      "xeroxed",
+                                      "yodelled in",
+                                      "zealously searched"};
 
-constexpr std::string_view Things[] = {
-    "alien artifact", "banana", "book", "computer", "doormat", "edible fungus", "fish", "granite obelisk",
-    "herbaceous border", "insect", "juniper bush", "kiwi fruit", "lavatory brush", "mat", "noxious weed", "orange",
-    "pineapple", "quickly-disappearing piglet", "rose bush", "shrubbery", "threadbare hearthrug", "toadstool",
-    "turnip", "undiscovered treasure", "valuable manuscript", "watery soup", "xenophobic travel agent", "yacht",
-    "yurt", "zoological specimen"};
+constexpr std::string_view Things[] = {"alien artifact",
+                                       "banana",
+                                       "book",
+                                       "computer",
+                                       "doormat",
+                                       "edible fungus",
+                                       "fish",
+                                       "granite obelisk",
+                                       "herbaceous border",
+                                       "insect",
+                                       "juniper bush",
+                                       "kiwi fruit",
+                                       "lavatory brush",
+                                       "mat",
+                                       "noxious weed",
+                                       "orange",
+                                       "pineapple",
+                                       "quickly-disappearing piglet",
+                                       "rose bush",
+                                       "shrubbery",
+                                       "threadbare hearthrug",
+                                       "toadstool",
+                                       "turnip",
+                                       "undiscovered treasure",
+                                       "valuable manuscript",
+                                       "watery soup",
+                                       "xenophobic travel agent",
+                                       "yacht",
+                                       "yurt",
+                                       "zoological specimen"};
 
 unsigned systemRandom(unsigned bound) {
     static std::random_device device;
@@ -52,7 +101,9 @@ std::string_view draw(const std::string_view (&words)[N]) {
     return words[randomSource(static_cast<unsigned>(N)) % N];
 }
 
-bool isVowel(char c) { return std::string_view("aeiou").find(ascii::lower(c)) != std::string_view::npos; }
+bool isVowel(char c) {
+    return std::string_view("aeiou").find(ascii::lower(c)) != std::string_view::npos;
+}
 
 // The article as it stands before a word that starts with `next`; other words unchanged.
 std::string_view articleBefore(std::string_view word, char next) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The controls, position and font of a window kept in a settings file. The file is read once a call, and saved once.
+// The controls, position and font of a window kept in a settings file. The file is read once a call, and
+// saved once.
 #include "library/profstr.h"
 
 #include "library/ascii.h"
@@ -13,9 +14,9 @@ MODULE("profstr", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 namespace tarn {
 namespace {
 
-constexpr int DropDownList = 2;    // the combo box style without an edit field
-constexpr int SizableBorder = 2;   // the border style of a window that the user may size
-constexpr int Maximised = 2;       // window state
+constexpr int DropDownList = 2;   // the combo box style without an edit field
+constexpr int SizableBorder = 2;  // the border style of a window that the user may size
+constexpr int Maximised = 2;      // window state
 
 enum class Kept { Nothing, Number, Text, Combo };
 
@@ -27,7 +28,9 @@ Kept keptBy(const Object& control) {
     return Kept::Nothing;
 }
 
-bool takesPart(const Object& control) { return GetEnabled(control) || GetVisible(control); }
+bool takesPart(const Object& control) {
+    return GetEnabled(control) || GetVisible(control);
+}
 
 int number(std::string_view text) {
     bool ok = false;
@@ -85,7 +88,8 @@ bool storedText(const Object& control, std::string& value) {
 void loadPosition(const Object& window, std::string_view text) {
     if (STRWORDCOUNT(text) < 4) return;  // never stored, or not a position
     const Rect old = GetPosition(window, WINDOW_UNIT);
-    Rect r{number(STRWORD(text, 1)), number(STRWORD(text, 2)), number(STRWORD(text, 3)), number(STRWORD(text, 4))};
+    Rect r{number(STRWORD(text, 1)), number(STRWORD(text, 2)), number(STRWORD(text, 3)),
+           number(STRWORD(text, 4))};
     if (GetBorderStyle(window) != SizableBorder) {
         r.w = old.w;
         r.h = old.h;
@@ -101,8 +105,8 @@ std::string positionText(const Object& window, std::string_view old) {
     Rect most = GetMaxPosition(window);
     if (most == Rect{}) most = ScreenSize();
     const bool maximised = GetWindowState(window) == Maximised || (r.w == most.w && r.h == most.h);
-    const Rect kept = maximised ? Rect{number(STRWORD(old, 1)), number(STRWORD(old, 2)), number(STRWORD(old, 3)),
-                                       number(STRWORD(old, 4))}
+    const Rect kept = maximised ? Rect{number(STRWORD(old, 1)), number(STRWORD(old, 2)),
+                                       number(STRWORD(old, 3)), number(STRWORD(old, 4))}
                                 : r;
     return STR(kept.x) + " " + STR(kept.y) + " " + STR(kept.w) + " " + STR(kept.h);
 }

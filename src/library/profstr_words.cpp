@@ -11,14 +11,17 @@ namespace {
 
 constexpr std::string_view::size_type npos = std::string_view::npos;
 
-bool isWordChar(char c) { return c >= 33 && c <= 126; }
+bool isWordChar(char c) {
+    return c >= 33 && c <= 126;
+}
 
 struct Piece {
     std::size_t start = 0, end = 0;
     [[nodiscard]] bool empty() const { return start == end; }
 };
 
-// The end of the piece that starts at `start`. A quoted token without its second quote runs to the end of the text.
+// The end of the piece that starts at `start`. A quoted token without its second quote runs to the end of the
+// text.
 std::size_t pieceEnd(std::string_view text, std::size_t start, bool quotes) {
     if (quotes && text[start] == '"') {
         const std::size_t close = text.find('"', start + 1);
@@ -48,34 +51,48 @@ Piece findPiece(std::string_view text, int n, bool quotes) {
     return p;
 }
 
-int position(const Piece& piece) { return piece.empty() ? 0 : static_cast<int>(piece.start) + 1; }
+int position(const Piece& piece) {
+    return piece.empty() ? 0 : static_cast<int>(piece.start) + 1;
+}
 
 }  // namespace
 
-int STRWORDCOUNT(std::string_view text) { return countPieces(text, false); }
+int STRWORDCOUNT(std::string_view text) {
+    return countPieces(text, false);
+}
 
 std::string STRWORD(std::string_view text, int n) {
     const Piece p = findPiece(text, n, false);
     return std::string(text.substr(p.start, p.end - p.start));
 }
 
-int STRWORDPOS(std::string_view text, int n) { return position(findPiece(text, n, false)); }
+int STRWORDPOS(std::string_view text, int n) {
+    return position(findPiece(text, n, false));
+}
 
-int STRTOKENCOUNT(std::string_view text) { return countPieces(text, true); }
+int STRTOKENCOUNT(std::string_view text) {
+    return countPieces(text, true);
+}
 
 std::string STRTOKEN(std::string_view text, int n) {
     const Piece p = findPiece(text, n, true);
     return std::string(text.substr(p.start, p.end - p.start));
 }
 
-int STRTOKENPOS(std::string_view text, int n) { return position(findPiece(text, n, true)); }
+int STRTOKENPOS(std::string_view text, int n) {
+    return position(findPiece(text, n, true));
+}
 
 void ADDWORD(std::string_view word, std::string_view separator, std::string& text) {
     if (!text.empty() && text.back() != '\n') text.append(separator);
     text.append(word);
 }
 
-int TOUPPER(int character) { return character >= 'a' && character <= 'z' ? character - 32 : character; }
-int TOLOWER(int character) { return character >= 'A' && character <= 'Z' ? character + 32 : character; }
+int TOUPPER(int character) {
+    return character >= 'a' && character <= 'z' ? character - 32 : character;
+}
+int TOLOWER(int character) {
+    return character >= 'A' && character <= 'Z' ? character + 32 : character;
+}
 
 }  // namespace tarn
