@@ -15,16 +15,16 @@ enum class StartError {
     NotFound,       // no such program or path
     NotExecutable,  // it is there and is no program, or may not be run
     NoMemory,
-    BadArguments,   // an argument list that is too long
-    BadOutput,      // the file for the output cannot be written
+    BadArguments,  // an argument list that is too long
+    BadOutput,     // the file for the output cannot be written
     Other,
 };
 
 struct StartRequest {
-    std::string program;                 // full path
+    std::string program;                 // full path; `/` or `\` separates in paths, arguments go as they are
     std::vector<std::string> arguments;  // without the program's name
     std::string folder;                  // to start in; empty: this process's
-    std::string outputFile;              // standard output and error go there; empty: inherited
+    std::string outputFile;  // standard output and error go there (made or emptied); empty: inherited
 };
 
 struct ExitState {
@@ -33,13 +33,17 @@ struct ExitState {
     int signal = 0;  // the signal that ended it, 0 if none
 };
 
-// A child that was started. Destroying it does not end the child.
+// A child that was started. Destroying it does not end the child. What the system keeps of an ended child
+// (its number, so that `stop` can never hit a stranger) goes with this object, or when the next program is
+// started.
 class Child {
 public:
     virtual ~Child() = default;
-    virtual ExitState poll() = 0;             // never waits
+    virtual ExitState poll() = 0;                  // never waits
     virtual ExitState wait(int milliseconds) = 0;  // waits at most that long
-    // Ends the child and everything it started: asks first, and forces after `graceMilliseconds`.
+    // Ends the child and everything it started: asks first, and forces after `graceMilliseconds`. Also ends
+    // what a child that has ended left running. Only processes that left the child's process group escape.
+    // Returns at most a second after the grace.
     virtual void stop(int graceMilliseconds) = 0;
     [[nodiscard]] virtual int id() const = 0;
 };
@@ -47,20 +51,24 @@ public:
 class Processes {
 public:
     virtual ~Processes() = default;
-    // Null on failure, with the reason in `error`. The child leads a process group of its own.
+    // Null on failure, with the reason in `error`. The child leads a process group of its own, reads nothing
+    // (its standard input is empty) and inherits no open file but the standard ones, no signal mask and no
+    // ignored signal.
     virtual std::unique_ptr<Child> start(const StartRequest& request, StartError& error) = 0;
 };
 
 Processes& processes();
 Processes* useProcesses(Processes* processes);  // returns the one before; null means the real one
 
-std::string executablePath();                // full path of this program, as it was called (links not followed)
-std::string executableFolder();              // its folder, with "/" at the end
+// Full path of this program as it was called (links not followed); where that cannot be told, with links
+// followed.
+std::string executablePath();
+std::string executableFolder();                 // its folder, with "/" at the end
 const std::vector<std::string>& commandLine();  // arguments, without the program's name; see setCommandLine
-void setCommandLine(int argc, char** argv);  // once, at the start of main
-std::string environment(const char* name);   // empty if unset
+void setCommandLine(int argc, char** argv);     // once, at the start of main
+std::string environment(const char* name);      // empty if unset
 bool debuggerAttached();
-void debugOutput(const std::string& text);   // standard error
+void debugOutput(const std::string& text);  // standard error
 
 // Ends this process at once: no destructor runs.
 [[noreturn]] void endProcess(int code);
@@ -69,7 +77,9 @@ using EndHook = void (*)(int code);
 EndHook useEndHook(EndHook hook);
 
 // Folders of this user: settings ($XDG_CONFIG_HOME/tarnwick/), state ($XDG_STATE_HOME/tarnwick/) and run time
-// ($XDG_RUNTIME_DIR/tarnwick/, else one of this user's alone under the temporary folder). With "/" at the end.
+// ($XDG_RUNTIME_DIR/tarnwick/, else one of this user's alone under the temporary folder). With "/" at the
+// end. They need not exist. A variable that is unset or no full path counts as its usual value in the home
+// folder; a run-time folder that belongs to someone else is not used.
 std::string settingsFolder();
 std::string stateFolder();
 std::string runtimeFolder();

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Starting and ending programs.
+//
+// An ended child is looked at without being reaped until its object goes: as long as it is not reaped, the
+// system gives its number to nobody else, so that the signals of `stop` reach this child's group and no
+// other.
+#include "os/process.h"
+
+#include "os/files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace tarn::os {
+
+namespace {
+
+struct Mapping {
+    int number;
+    StartError error;
+};
+
+constexpr Mapping mappings[] = {
+    {ENOENT, StartError::NotFound},       {ENOTDIR, StartError::NotFound},
+    {ELOOP, StartError::NotFound},        {ENAMETOOLONG, StartError::NotFound},
+    {EACCES, StartError::NotExecutable},  {EPERM, StartError::NotExecutable},
+    {ENOEXEC, StartError::NotExecutable}, {EISDIR, StartError::NotExecutable},
+    {ETXTBSY, StartError::NotExecutable}, {ELIBBAD, StartError::NotExecutable},
+    {ENOMEM, StartError::NoMemory},       {EAGAIN, StartError::NoMemory},
+    {E2BIG, StartError::BadArguments},
+};
+
+StartError startError(int number, const std::string& program) {
+    // The system gives the same error when the interpreter is what is missing.
+    if (number == ENOENT && infoOf(program).exists) return StartError::NotExecutable;
+    for (const Mapping& one : mappings) {
+        if (one.number == number) return one.error;
+    }
+    return StartError::Other;
+}
+
+std::int64_t millisecondsNow() {
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    return time.tv_sec * 1000 + time.tv_nsec / 1'000'000;
+}
+
+// Asks `done` until it is true or the time is over; false if it is over. The pauses grow with the time that
+// has gone, from a quarter of a millisecond to five.
+template <class Done>
+bool waitUntil(int milliseconds, Done done) {
+    const std::int64_t start = millisecondsNow();
+    for (;;) {
+        if (done()) return true;
+        const std::int64_t gone = millisecondsNow() - start;
+        if (gone >= milliseconds) return false;
+        const std::int64_t microseconds = std::clamp<std::int64_t>(gone * 1000 / 8, 250, 5000);
+        const timespec pause{0, static_cast<long>(microseconds * 1000)};
+        ::nanosleep(&pause, nullptr);
+    }
+}
+
+// Children whose objects have gone while they ran; each start reaps those that have ended since.
+std::vector<pid_t>& abandoned() {
+    static std::vector<pid_t> list;
+    return list;
+}
+
+void reapAbandoned() {
+    std::erase_if(abandoned(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
+}
+
+class RealChild : public Child {
+public:
+    explicit RealChild(pid_t pid) : pid_(pid) {}
+    RealChild(const RealChild&) = delete;
+    RealChild& operator=(const RealChild&) = delete;
+    ~RealChild() override {
+        if (!reaped_ && ::waitpid(pid_, nullptr, WNOHANG) == 0) abandoned().push_back(pid_);
+    }
+
+    ExitState poll() override {
+        if (state_.ended) return state_;
+        siginfo_t info{};
+        if (::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT) < 0) {
+            if (errno == ECHILD) state_.ended = reaped_ = true;  // somebody else has reaped it
+            return state_;
+        }
+        if (info.si_pid == 0) return state_;
+        state_.ended = true;
+        (info.si_code == CLD_EXITED ? state_.code : state_.signal) = info.si_status;
+        return state_;
+    }
+
+    ExitState wait(int milliseconds) override {
+        waitUntil(milliseconds, [this] { return poll().ended; });
+        return state_;
+    }
+
+    void stop(int graceMilliseconds) override {
+        constexpr int forcedMilliseconds = 1000;  // for the system to end what was forced
+        if (groupGone()) return;
+        ::kill(-pid_, SIGTERM);
+        ::kill(-pid_, SIGCONT);  // a process that was halted must be able to hear it
+        if (waitUntil(graceMilliseconds, [this] { return groupGone(); })) return;
+        ::kill(-pid_, SIGKILL);
+        waitUntil(forcedMilliseconds, [this] { return groupGone(); });
+    }
+
+    [[nodiscard]] int id() const override { return pid_; }
+
+private:
+    // Reaps the child once it has ended; from then on the number is kept from others by the rest of the group
+    // alone, so that it must not be used again when the group has been seen empty.
+    bool groupGone() {
+        if (gone_) return true;
+        if (!poll().ended) return false;
+        if (!reaped_) ::waitpid(pid_, nullptr, 0);
+        reaped_ = true;
+        gone_ = ::kill(-pid_, 0) < 0 && errno == ESRCH;
+        return gone_;
+    }
+
+    pid_t pid_;
+    ExitState state_;
+    bool reaped_ = false;
+    bool gone_ = false;
+};
+
+class File {
+public:
+    File(const std::string& path, int flags)
+        : number_(::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, 0666)) {}
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (number_ >= 0) ::close(number_);
+    }
+    [[nodiscard]] int number() const { return number_; }
+
+private:
+    int number_;
+};
+
+// What the child does before it becomes the program.
+class Preparation {
+public:
+    Preparation() {
+        ::posix_spawnattr_init(&attributes_);
+        ::posix_spawn_file_actions_init(&actions_);
+        sigset_t none, all;
+        ::sigemptyset(&none);
+        ::sigfillset(&all);
+        ::sigdelset(&all, SIGKILL);
+        ::sigdelset(&all, SIGSTOP);
+        ::posix_spawnattr_setsigmask(&attributes_, &none);
+        ::posix_spawnattr_setsigdefault(&attributes_, &all);
+        ::posix_spawnattr_setpgroup(&attributes_, 0);
+        ::posix_spawnattr_setflags(&attributes_,
+                                   POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    Preparation(const Preparation&) = delete;
+    Preparation& operator=(const Preparation&) = delete;
+    ~Preparation() {
+        ::posix_spawn_file_actions_destroy(&actions_);
+        ::posix_spawnattr_destroy(&attributes_);
+    }
+
+    void input(int file) { ::posix_spawn_file_actions_adddup2(&actions_, file, STDIN_FILENO); }
+    void output(int file) {
+        ::posix_spawn_file_actions_adddup2(&actions_, file, STDOUT_FILENO);
+        ::posix_spawn_file_actions_adddup2(&actions_, file, STDERR_FILENO);
+    }
+    void folder(const std::string& path) { ::posix_spawn_file_actions_addchdir_np(&actions_, path.c_str()); }
+    void closeOthers() { ::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1); }
+
+    int spawn(const std::string& program, char* const* arguments, pid_t& pid) {
+        return ::posix_spawn(&pid, program.c_str(), &actions_, &attributes_, arguments, environ);
+    }
+
+private:
+    posix_spawnattr_t attributes_{};
+    posix_spawn_file_actions_t actions_{};
+};
+
+bool holdsZero(const std::string& text) {
+    return text.find('\0') != std::string::npos;
+}
+
+// What can be told before the system is asked. Paths are the system's own.
+StartError check(const StartRequest& request) {
+    if (request.program.empty() || holdsZero(request.program) || holdsZero(request.folder))
+        return StartError::NotFound;
+    if (std::any_of(request.arguments.begin(), request.arguments.end(), holdsZero))
+        return StartError::BadArguments;
+    if (holdsZero(request.outputFile)) return StartError::BadOutput;
+    // A folder that is missing would give the same error as a program that is missing.
+    if (!request.folder.empty() && !infoOf(request.folder).folder) return StartError::NotFound;
+    return StartError::None;
+}
+
+// If this process was started with SIGCHLD ignored, exit codes would be lost.
+void hearOfChildren() {
+    struct sigaction action {};
+    ::sigaction(SIGCHLD, nullptr, &action);
+    if (action.sa_handler == SIG_IGN) std::signal(SIGCHLD, SIG_DFL);
+}
+
+StartError spawn(const StartRequest& request, pid_t& pid) {
+    if (const StartError error = check(request); error != StartError::None) return error;
+    Preparation preparation;
+    const File input("/dev/null", O_RDONLY);
+    if (input.number() >= 0) preparation.input(input.number());
+    const File output(request.outputFile, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK);
+    if (!request.outputFile.empty()) {
+        if (output.number() < 0) return StartError::BadOutput;
+        ::fcntl(output.number(), F_SETFL,
+                O_WRONLY);  // the program expects to wait where the file makes it wait
+        preparation.output(output.number());
+    }
+    if (!request.folder.empty()) preparation.folder(request.folder);
+    preparation.closeOthers();
+    std::vector<char*> arguments{const_cast<char*>(request.program.c_str())};
+    for (const std::string& one : request.arguments) arguments.push_back(const_cast<char*>(one.c_str()));
+    arguments.push_back(nullptr);
+    hearOfChildren();
+    const int failed = preparation.spawn(request.program, arguments.data(), pid);
+    return failed != 0 ? startError(failed, request.program) : StartError::None;
+}
+
+class RealProcesses : public Processes {
+public:
+    std::unique_ptr<Child> start(const StartRequest& request, StartError& error) override {
+        reapAbandoned();
+        StartRequest one = request;
+        one.program = native(one.program);
+        one.folder = native(one.folder);
+        one.outputFile = native(one.outputFile);
+        pid_t pid = 0;
+        error = spawn(one, pid);
+        return error == StartError::None ? std::make_unique<RealChild>(pid) : nullptr;
+    }
+};
+
+Processes* inForce = nullptr;  // null: the real ones
+
+}  // namespace
+
+Processes& processes() {
+    static RealProcesses real;
+    return inForce != nullptr ? *inForce : real;
+}
+
+Processes* useProcesses(Processes* processes) {
+    Processes* const before = inForce;
+    inForce = processes;
+    return before;
+}
+
+}  // namespace tarn::os

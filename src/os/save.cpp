@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Whole-file saves. Every step is a call of `FileSystem`; nothing here relies on a destructor to clean up on
+// the disk, so that the death of the process between two calls is what it is in life: the end of all calls.
+//
+//     replace    temporary beside the target, write, owner, mode, sync, close, rename, sync of the folder
+//     in place   rescue copy (the same steps, in the rescue folder), then the file itself: first what it
+//     grows by,
+//                so that a full disk shows before an old byte is touched
+#include "os/files.h"
+
+#include "os/paths.h"
+#include "os/process.h"
+
+#include <unistd.h>
+
+namespace tarn::os {
+
+namespace {
+
+constexpr std::uint32_t privateMode = 0600;
+constexpr std::uint32_t usualMode = 0666;  // the user's mask takes its part away
+
+struct Target {
+    std::string path;  // links followed
+    FileInfo info;
+};
+
+// A file that did not exist before, open for writing.
+struct NewFile {
+    std::string path;
+    Handle handle = -1;
+};
+
+struct Replacement {
+    FileError error = FileError::None;
+    bool impossible = false;  // the file cannot be replaced; writing it in place may work
+};
+
+FileError findTarget(const std::string& path, Target& target) {
+    if (const FileError error = files().resolve(path, target.path); error != FileError::None) return error;
+    if (const FileError error = files().info(target.path, target.info); error != FileError::None)
+        return error;
+    if (target.info.folder) return FileError::IsFolder;
+    return target.info.exists && !target.info.writable ? FileError::Denied : FileError::None;
+}
+
+// Makes a file of a name that nobody has: `start`, the process and a count.
+FileError makeUnique(const std::string& start, const std::string& end, std::uint32_t mode, NewFile& made) {
+    static unsigned count = 0;
+    constexpr int attempts = 100;  // names left by dead processes that had this number
+    FileError error = FileError::Exists;
+    for (int i = 0; i < attempts && error == FileError::Exists; ++i) {
+        made.path = start + std::to_string(::getpid()) + "-" + std::to_string(++count) + end;
+        error = files().open(made.path, OpenMode::CreateNew, mode, made.handle);
+    }
+    return error;
+}
+
+// Gives the new file the owner and the permissions of the one it replaces. Denied if this user cannot.
+FileError takeOver(const FileInfo& old, const std::string& path) {
+    FileInfo info;
+    if (const FileError error = files().info(path, info); error != FileError::None) return error;
+    if (info.owner != old.owner || info.group != old.group) {
+        const FileError error = files().setOwner(path, old.owner, old.group);
+        if (error != FileError::None) return error;
+    }
+    return files().setMode(path, old.mode);
+}
+
+FileError finish(Handle handle, Durability durability) {
+    const FileError synced = durability == Durability::Synced ? files().sync(handle) : FileError::None;
+    const FileError closed = files().close(handle);
+    return synced != FileError::None ? synced : closed;
+}
+
+// Writes, syncs and closes the new file, and removes it if anything of that fails.
+FileError fill(const NewFile& made, std::string_view bytes, const FileInfo* old, Durability durability) {
+    FileError error = files().write(made.handle, 0, bytes);
+    if (error == FileError::None && old != nullptr) error = takeOver(*old, made.path);
+    if (error == FileError::None) {
+        error = finish(made.handle, durability);
+    } else {
+        files().close(made.handle);
+    }
+    if (error != FileError::None) files().remove(made.path);
+    return error;
+}
+
+Replacement replace(const Target& target, std::string_view bytes, Durability durability) {
+    const std::string folder = folderOf(target.path);
+    const FileInfo* const old = target.info.exists ? &target.info : nullptr;
+    const auto result = [&](FileError error) {
+        return Replacement{error, error == FileError::Denied && old != nullptr};
+    };
+    NewFile made;
+    const std::string start = joined(folder, ".tarnwick-");
+    FileError error = makeUnique(start, ".tmp", old != nullptr ? privateMode : usualMode, made);
+    if (error != FileError::None) return result(error);
+    error = fill(made, bytes, old, durability);
+    if (error != FileError::None) return result(error);
+    error = files().rename(made.path, target.path);
+    if (error != FileError::None) {
+        files().remove(made.path);
+        return result(error == FileError::NotFound ? FileError::Vanished : error);
+    }
+    return {durability == Durability::Synced ? files().syncFolder(folder) : FileError::None, false};
+}
+
+FileError writeRescueCopy(const Target& target, std::string_view bytes, Durability durability,
+                          std::string& copy) {
+    constexpr std::size_t longestStart = 200;  // leaves room for the rest in a name of 255 bytes
+    const std::string folder = rescueFolder();
+    if (const FileError error = makeFolders(folder, durability); error != FileError::None) return error;
+    NewFile made;
+    const std::string start = folder + nameOf(target.path).substr(0, longestStart) + ".";
+    if (const FileError error = makeUnique(start, "", privateMode, made); error != FileError::None)
+        return error;
+    FileError error = fill(made, bytes, nullptr, durability);
+    if (error == FileError::None && durability == Durability::Synced) {
+        error = files().syncFolder(folder);
+        if (error != FileError::None) files().remove(made.path);
+    }
+    copy = made.path;
+    return error;
+}
+
+// Writes over the open file. `touched` tells whether an old byte may have changed.
+FileError overwrite(Handle handle, std::int64_t oldSize, std::string_view bytes, bool& touched) {
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    if (size > oldSize) {
+        const auto growth = bytes.substr(static_cast<std::size_t>(oldSize));
+        const FileError error = files().write(handle, oldSize, growth);
+        if (error != FileError::None) {
+            touched = files().truncate(handle, oldSize) != FileError::None;
+            return error;
+        }
+        bytes.remove_suffix(growth.size());
+    }
+    touched = true;
+    if (const FileError error = files().write(handle, 0, bytes); error != FileError::None) return error;
+    return size < oldSize ? files().truncate(handle, size) : FileError::None;
+}
+
+FileError writeTarget(const Target& target, std::string_view bytes, Durability durability, bool& touched) {
+    Handle handle = -1;
+    if (const FileError error = files().open(target.path, OpenMode::ReadWrite, 0, handle);
+        error != FileError::None) {
+        return error == FileError::NotFound ? FileError::Vanished : error;
+    }
+    const FileError error = overwrite(handle, target.info.size, bytes, touched);
+    if (error == FileError::None) return finish(handle, durability);
+    files().close(handle);
+    return error;
+}
+
+SaveResult saveInPlace(const Target& target, std::string_view bytes, Durability durability) {
+    SaveResult result;
+    result.inPlace = true;
+    std::string copy;
+    result.error = writeRescueCopy(target, bytes, durability, copy);
+    if (!result.ok()) return result;
+    bool touched = false;
+    result.error = writeTarget(target, bytes, durability, touched);
+    if (result.ok() || !touched) {
+        files().remove(copy);
+    } else {
+        result.rescueCopy = copy;
+    }
+    return result;
+}
+
+// A device or a pipe takes the bytes as they come; it has no old contents.
+SaveResult saveToDevice(const Target& target, std::string_view bytes) {
+    SaveResult result;
+    result.inPlace = true;
+    Handle handle = -1;
+    result.error = files().open(target.path, OpenMode::ReadWrite, 0, handle);
+    if (!result.ok()) return result;
+    const FileError written = files().write(handle, 0, bytes);
+    const FileError closed = files().close(handle);
+    result.error = written != FileError::None ? written : closed;
+    return result;
+}
+
+}  // namespace
+
+SaveResult saveFile(const std::string& path, std::string_view bytes, Durability durability) {
+    Target target;
+    if (const FileError error = findTarget(path, target); error != FileError::None) return {error, false, {}};
+    if (target.info.special) return saveToDevice(target, bytes);
+    if (target.info.links > 1) return saveInPlace(target, bytes, durability);
+    const Replacement result = replace(target, bytes, durability);
+    if (result.impossible) return saveInPlace(target, bytes, durability);
+    return {result.error, false, {}};
+}
+
+std::string rescueFolder() {
+    return stateFolder() + "rescue/";
+}
+
+}  // namespace tarn::os
