@@ -225,6 +225,7 @@ private:
         functionItem_ = &item;
         function_ = &head;
         reported_.clear();
+        if (head.hasErrors) return;
         functionHead(item, head);
         if (head.bodyLine == 0) return add(item.line, Problem::NoBody, {item.name});
         declareLocals(head);
@@ -527,6 +528,7 @@ private:
         if (target->kind != DeclarationKind::Function) return wrongKind(*target, "function", item.line);
         item.target = target;
         const Function& head = *target->function;
+        if (head.headHasErrors) return;
         item.type = head.result.type;
         if (!countFits(item, head.parameters.size())) return;
         for (std::size_t i = 0; i < head.parameters.size(); ++i)

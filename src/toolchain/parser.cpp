@@ -232,21 +232,30 @@ private:
         if (!newName(text)) return;
         auto item = declare(DeclarationKind::Constant, text, line, isPublic);
         if (accept(":")) item->type = typeReference();
-        if (!expect("=")) return;
-        item->initial = expression();
+        if (!panic_ && expect("=")) item->initial = expression();
         item->signature = textBetween(begin, position_);
+        if (panic_) forget(*item);
         addToClass(std::move(item));
+    }
+
+    // The name is known and no more: uses of it give no further message.
+    static void forget(Declaration& item) {
+        item.type = {};
+        item.type.type = Type::Unknown;
+        item.initial.reset();
+        item.evaluation = Declaration::Evaluation::Done;
     }
 
     void type(bool isPublic, std::size_t begin) {
         advance();
         const int line = here().line;
         std::string text;
-        if (!newName(text) || !expect(":")) return;
+        if (!newName(text)) return;
         auto item = declare(DeclarationKind::Type, text, line, isPublic);
-        item->type = typeReference();
+        if (expect(":")) item->type = typeReference();
         item->signature = textBetween(begin, position_);
-        if (!panic_) addToClass(std::move(item));
+        if (panic_) forget(*item);
+        addToClass(std::move(item));
     }
 
     // One `name, name : type [:= value]`.
@@ -259,16 +268,15 @@ private:
             if (!newName(text)) return false;
             names.emplace_back(text, line);
         } while (accept(","));
-        if (!expect(":")) return false;
-        const TypeRef reference = typeReference();
-        if (panic_) return false;
+        const TypeRef reference = expect(":") ? typeReference() : TypeRef{};
         const std::size_t end = position_;
         for (const auto& [text, line] : names) {
             items.push_back(declare(kind, text, line, isPublic));
             items.back()->type = reference;
             items.back()->signature = textBetween(begin, end);
+            if (panic_) forget(*items.back());
         }
-        if (!accept(":=")) return true;
+        if (panic_ || !accept(":=")) return !panic_;
         if (names.size() > 1) {
             --position_;
             reportExpected("the end of the declaration");
@@ -331,17 +339,24 @@ private:
         Function& head = *item->function;
         head.isOnerror = accept(Word::Onerror);
         if (!head.isOnerror && !newName(item->name)) return;
-        parameters(*item);
-        if (!panic_ && accept(Word::Return)) head.result = typeReference();
-        if (!panic_ && head.isOnerror && accept(Word::From)) errorRange(head);
+        functionHead(*item);
         item->signature = textBetween(begin, position_);
+        const std::size_t before = messages_.count();
         if (panic_) {
             // The body is read all the same, so that its own errors come in the same run.
+            head.headHasErrors = true;
             synchronise();
-            if (beginsDeclaration(here().word)) return;
         }
         if (!atForwardEnd()) body(*item);
+        head.hasErrors = head.headHasErrors || messages_.count() != before;
         addFunction(std::move(item));
+    }
+
+    void functionHead(Declaration& item) {
+        Function& head = *item.function;
+        parameters(item);
+        if (!panic_ && accept(Word::Return)) head.result = typeReference();
+        if (!panic_ && head.isOnerror && accept(Word::From)) errorRange(head);
     }
 
     bool atForwardEnd() const {
@@ -382,6 +397,7 @@ private:
         Function& head = *item.function;
         head.bodyLine = item.line;
         result_ = head.result.type != Type::None || !head.result.name.empty();
+        headKnown_ = !head.headHasErrors;
         for (;;) {
             const int line = here().line;
             if (accept(Word::Precond)) head.preconditions.push_back({line, expression()});
@@ -419,7 +435,8 @@ private:
     void addFunction(std::unique_ptr<Declaration> item) {
         Declaration* earlier = findDeclaration(*tree_, fold(item->name));
         const bool completes = earlier != nullptr && earlier->kind == DeclarationKind::Function &&
-                               earlier->function->bodyLine == 0 && item->function->bodyLine != 0;
+                               earlier->function->bodyLine == 0 &&
+                               item->function->bodyLine != 0 && !item->function->headHasErrors;
         if (!completes) return addToClass(std::move(item));
         if (!sameName(headOf(*earlier), headOf(*item))) {
             const std::string line = std::to_string(earlier->line);
@@ -612,7 +629,8 @@ private:
     StatementPtr returnStatement(int line) {
         advance();
         auto result = make(StatementKind::Return, line);
-        if (result_) result->value = expression();
+        const bool guess = !headKnown_ && here().line == line && !atEnd();
+        if (headKnown_ ? result_ : guess) result->value = expression();
         return result;
     }
 
@@ -805,7 +823,8 @@ private:
     ClassTree* tree_ = nullptr;
     int depth_ = 0;
     bool panic_ = false;
-    bool result_ = false;  // the function being read has one
+    bool result_ = false;    // the function being read has one
+    bool headKnown_ = true;  // its head could be read
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "os/process.h"
 #include "toolchain/classes.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarn::toolchain {
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::string_view LibraryFile = "libtarnwick.so";
 constexpr std::array<std::string_view, 3> SystemFolders = {"../lib/tarnwick/", "../lib/", "../"};
+constexpr int MostOutputLines = 20;
 constexpr int Forever = 3600 * 1000;  // a wait is taken up again until the tool ends
 
 const char* describeStart(os::StartError error) {
@@ -28,6 +30,13 @@ const char* describeStart(os::StartError error) {
 std::string describeEnd(const os::ExitState& state) {
     if (state.signal != 0) return "it was ended by signal " + std::to_string(state.signal);
     return state.code != 0 ? "it ended with code " + std::to_string(state.code) : std::string();
+}
+
+// What a person reads of a tool's output; a linker can write thousands of lines.
+std::string firstLines(const std::string& text) {
+    std::size_t end = 0;
+    for (int line = 0; line < MostOutputLines && end < text.size(); ++line) end = std::min(text.find('\n', end), text.size() - 1) + 1;
+    return end < text.size() ? text.substr(0, end) + "...(more)...\n" : text;
 }
 
 bool isProgram(const std::string& path) {
@@ -53,6 +62,7 @@ ToolRun runTool(const std::string& program, const std::vector<std::string>& argu
     run.failure = describeEnd(state);
     if (!outputFile.empty()) {
         os::readFile(outputFile, run.output);
+        run.output = firstLines(run.output);
         os::files().remove(outputFile);
     }
     return run;

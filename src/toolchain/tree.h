@@ -120,6 +120,8 @@ struct Function {
     int bodyLine = 0;  // line of the head of the body; 0: no body yet
     int endLine = 0;
     bool isOnerror = false;
+    bool hasErrors = false;      // the parser gave a message for its body
+    bool headHasErrors = false;  // its parameters and result are not known
 };
 
 struct Declaration {
