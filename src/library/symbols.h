@@ -20,6 +20,7 @@ bool ISDECLARATIONSYMBOL(std::string_view word);  // a word in upper case
 
 // Lists the functions of a class; flags: low 4 bits the mode, 1024 "()" behind each name, 2048 " start end",
 // 4096 names with a ".", 8192 other declarations, 16384 three blanks in front. One line each.
+// A name with a "." is an event handler of a callback: "DLG.load_event", or with 1024 "DLG().load_event".
 std::string SYMSCANSOURCE(const std::string& source, int flags);
 bool ISMAINCLASS(const std::string& file);  // extension ".cls" and a function main()
 

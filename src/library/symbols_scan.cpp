@@ -37,6 +37,7 @@ struct Item {
     ItemKind kind;
     std::string name;
     int first = 0, last = 0;  // lines
+    std::string event;        // of a handler: the word behind "case"
 };
 
 struct FirstWords {
@@ -99,7 +100,7 @@ private:
         item_ = handler_ = None;
         if (!isName(name)) return;  // nothing to list, but what stood above it has ended
         item_ = items_.size();
-        items_.push_back({kind, name, line_, line_});
+        items_.push_back({kind, name, line_, line_, {}});
     }
 
     void readHandler(LineWords& words) {
@@ -112,8 +113,7 @@ private:
         if (words.next() != "=>") return;
         if (handler_ != None) items_[handler_].last = line_ - 1;
         handler_ = items_.size();
-        const std::string control = event.substr(0, event.size() - Suffix.size());
-        items_.push_back({ItemKind::Handler, items_[item_].name + "." + control, line_, line_});
+        items_.push_back({ItemKind::Handler, items_[item_].name, line_, line_, event});
     }
 
     void endItem(int last) {
@@ -141,6 +141,7 @@ std::string listing(const Item& item, int flags) {
     std::string out = (flags & WithBlanks) != 0 ? "   " : "";
     out += item.name;
     if ((flags & WithParentheses) != 0) out += "()";
+    if (item.kind == ItemKind::Handler) out += "." + item.event;
     if ((flags & WithLines) != 0) out += " " + STR(item.first) + " " + STR(item.last);
     return out + "\n";
 }

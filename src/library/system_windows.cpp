@@ -38,11 +38,11 @@ std::string escapedForUrl(std::string_view text) {
     return out;
 }
 
-// The page with the anchor of the topic.
+// The page with the anchor of the topic, which has "_" for each blank.
 std::string pageUrl(const std::string& file, const std::string& topic) {
     const std::string path =
         STRREPLACE(ISROOTED(file) ? file : FILEADDSEPARATOR(GETCURDIR()) + file, "\\", "/");
-    return "file://" + escapedForUrl(path) + (topic.empty() ? std::string() : "#" + escapedForUrl(topic));
+    return "file://" + escapedForUrl(path) + (topic.empty() ? std::string() : "#" + escapedForUrl(STRREPLACE(topic, " ", "_")));
 }
 
 }  // namespace
