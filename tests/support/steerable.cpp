@@ -355,8 +355,8 @@ FileError SteeredFiles::count(FileCall kind, const std::string& text) {
         dying_ = midway_ && kind == FileCall::Write;
         if (!dying_) throw ProcessDeath{};
     }
-    if (failure_.at == calls_) return failure_.error;
-    if (kindFailures_[at].at == kindCalls_[at]) return kindFailures_[at].error;
+    if (failure_.at == calls_) return std::exchange(failure_, {}).error;
+    if (kindFailures_[at].at == kindCalls_[at]) return std::exchange(kindFailures_[at], {}).error;
     return always_[at];
 }
 
