@@ -241,7 +241,7 @@ TEST_F(InstanceTest, aFolderThatIsALinkIsRefused) {
 TEST_F(InstanceTest, anyNameMakesALock) {
     const std::string odd[] = {
         "../../escape", std::string(300, 'n'), std::string(300, 'n') + "m", "\xff\x01", "", "a\\b"};
-    std::vector<std::string> before, after;
+    std::vector<std::string> after;
     for (const std::string& one : odd) EXPECT_EQ(acquireInstanceLock(one, 0), LockState::Acquired) << one;
     EXPECT_EQ(files().list(folder_ / "tarnwick", after), FileError::None);
     EXPECT_EQ(after.size(), std::size(odd));
@@ -369,7 +369,9 @@ TEST_F(InstanceTest, clientsThatHangHoldUpNobody) {
     std::vector<int> clients;
     for (int i = 0; i < 40; ++i) {
         clients.push_back(rawClient());
-        if (i % 2 == 0) EXPECT_EQ(::send(clients.back(), "\x20\0", 2, MSG_NOSIGNAL), 2);
+        if (i % 2 == 0) {
+            EXPECT_EQ(::send(clients.back(), "\x20\0", 2, MSG_NOSIGNAL), 2);
+        }
         serveInstanceCommands();
     }
     int dropped = 0;
