@@ -113,6 +113,23 @@ TEST_F(SteeredFilesTest, theTwinFailsTheCallThatWasNamed) {
     EXPECT_EQ(disk_.makeFolder("/d"), FileError::None);
 }
 
+TEST_F(SteeredFilesTest, readingFailsWhenToldAndIsNotCountedWithTheChanges) {
+    disk_.put("/f", std::string(10'000, 'x'));
+    const Steered inForce(disk_);
+    std::string bytes;
+    disk_.failAt(FileCall::Read, 2, FileError::ReadFailed);
+    EXPECT_EQ(readFile("/f", bytes), FileError::ReadFailed);
+    EXPECT_EQ(bytes, "");
+    disk_.failAt(FileCall::OpenRead, 1, FileError::Denied);
+    EXPECT_EQ(readFile("/f", bytes), FileError::Denied);
+    disk_.failAt(FileCall::OpenRead, 1, FileError::NotFound);
+    EXPECT_EQ(readFile("/f", bytes), FileError::Vanished);
+    EXPECT_EQ(readFile("/f", bytes), FileError::None);
+    EXPECT_EQ(bytes.size(), 10'000U);
+    EXPECT_EQ(disk_.calls(), 0);
+    EXPECT_EQ(disk_.openHandles(), 0);
+}
+
 TEST_F(SteeredFilesTest, aFullDiskTakesWhatFits) {
     const Handle handle = make("/f", "");
     disk_.setFreeBytes(5);
