@@ -344,19 +344,22 @@ void SteeredFiles::afterMachineDeath(Names names) {
     forget(root_, names, seen);
 }
 
+// The failure of this call, if one was ordered for it.
 FileError SteeredFiles::count(FileCall kind, const std::string& text) {
     if (dead_) throw ProcessDeath{};
     const auto at = static_cast<std::size_t>(kind);
-    ++calls_;
     ++kindCalls_[at];
-    log_.push_back(text);
-    if (dieAt_ == calls_) {
-        dead_ = true;
-        dying_ = midway_ && kind == FileCall::Write;
-        if (!dying_) throw ProcessDeath{};
+    if (kind < FileCall::OpenRead) {
+        ++calls_;
+        log_.push_back(text);
+        if (dieAt_ == calls_) {
+            dead_ = true;
+            dying_ = midway_ && kind == FileCall::Write;
+            if (!dying_) throw ProcessDeath{};
+        }
+        if (failure_.at == calls_) return std::exchange(failure_, {}).error;
     }
-    if (failure_.at == calls_) return failure_.error;
-    if (kindFailures_[at].at == kindCalls_[at]) return kindFailures_[at].error;
+    if (kindFailures_[at].at == kindCalls_[at]) return std::exchange(kindFailures_[at], {}).error;
     return always_[at];
 }
 
@@ -417,15 +420,12 @@ FileError SteeredFiles::open(const std::string& path, OpenMode mode, std::uint32
                              Handle& handle) {
     static constexpr const char* words[] = {"read", "new", "truncate", "append", "change"};
     handle = -1;
-    if (dead_) throw ProcessDeath{};
-    if (mode != OpenMode::Read) {
-        const FileError error =
-            count(FileCall::Open, "open " + native(path) + " " + words[static_cast<int>(mode)]);
-        if (error != FileError::None) return error;
-    }
+    const FileCall kind = mode == OpenMode::Read ? FileCall::OpenRead : FileCall::Open;
+    FileError error = count(kind, "open " + native(path) + " " + words[static_cast<int>(mode)]);
+    if (error != FileError::None) return error;
     Place place;
     // A new file does not go through a link that stands there.
-    FileError error = find(path, mode != OpenMode::CreateNew, place);
+    error = find(path, mode != OpenMode::CreateNew, place);
     if (error != FileError::None) return error;
     NodePointer node;
     error = openNode(place, mode, permissions, node);
@@ -435,14 +435,15 @@ FileError SteeredFiles::open(const std::string& path, OpenMode mode, std::uint32
     return FileError::None;
 }
 
-FileError SteeredFiles::read(Handle handle, std::int64_t offset, char* into, std::size_t count,
+FileError SteeredFiles::read(Handle handle, std::int64_t offset, char* into, std::size_t wanted,
                              std::size_t& got) {
     got = 0;
     const OpenFile* const file = opened(handle);
+    if (const FileError error = count(FileCall::Read, ""); error != FileError::None) return error;
     if (file == nullptr || file->mode == OpenMode::Append || offset < 0) return FileError::ReadFailed;
     const std::string& bytes = file->node->state.bytes;
     if (static_cast<std::size_t>(offset) >= bytes.size()) return FileError::None;
-    got = bytes.copy(into, count, static_cast<std::size_t>(offset));
+    got = bytes.copy(into, wanted, static_cast<std::size_t>(offset));
     return FileError::None;
 }
 
@@ -636,7 +637,7 @@ FileError SteeredFiles::info(const std::string& path, FileInfo& info) {
 
 FileError SteeredFiles::list(const std::string& path, std::vector<std::string>& names) {
     names.clear();
-    if (dead_) throw ProcessDeath{};
+    if (const FileError error = count(FileCall::List, ""); error != FileError::None) return error;
     NodePointer node;
     if (const FileError error = findNode(path, node); error != FileError::None) return error;
     if (node->kind != AFolder) return FileError::NotFolder;
