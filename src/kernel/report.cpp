@@ -28,7 +28,9 @@ std::string place() {
            std::to_string(tarn_current_line) + "\n";
 }
 
-bool continuable(std::int32_t code) { return code >= ERR_FIRST_CONTINUABLE && code <= ERR_LAST_CONTINUABLE; }
+bool continuable(std::int32_t code) {
+    return code >= ERR_FIRST_CONTINUABLE && code <= ERR_LAST_CONTINUABLE;
+}
 
 }  // namespace
 
@@ -52,7 +54,9 @@ bool BeginReport() {
     return true;
 }
 
-void EndReport() { reporting = false; }
+void EndReport() {
+    reporting = false;
+}
 
 Reporting::Reporting() : entered_(BeginReport()) {}
 
@@ -80,8 +84,10 @@ void DefaultErrorHandler(std::int32_t code) {
 
 void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
     if (const std::int32_t code = tarn_error_cell; code != 0) {
-        if (action == ClearErrors) tarn_error_cell = 0;
-        else if (action == ReportErrors) (handler != nullptr ? handler : DefaultErrorHandler)(code);
+        if (action == ClearErrors)
+            tarn_error_cell = 0;
+        else if (action == ReportErrors)
+            (handler != nullptr ? handler : DefaultErrorHandler)(code);
     }
     if (line != 0) tarn_current_line = line;
 }

@@ -30,8 +30,8 @@ void appendToFile(const std::string& line) {
 std::string now() {
     const os::CivilTime time = os::clock().local(os::clock().now());
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day, time.hour,
-                  time.minute, time.second);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day,
+                  time.hour, time.minute, time.second);
     return text;
 }
 
@@ -40,8 +40,10 @@ std::string now() {
 void Trace(std::string_view text) {
     if (traceMode == 0) return;
     const std::string line = std::string(text) + "\n";
-    if (traceMode == 1) os::debugOutput(line);
-    else appendToFile(line);
+    if (traceMode == 1)
+        os::debugOutput(line);
+    else
+        appendToFile(line);
 }
 
 void SetTraceMode(std::int32_t mode) {
@@ -54,6 +56,8 @@ void SetTraceMode(std::int32_t mode) {
     Trace(dashes);
 }
 
-std::int32_t GetTraceMode() { return traceMode; }
+std::int32_t GetTraceMode() {
+    return traceMode;
+}
 
 }  // namespace tarn
