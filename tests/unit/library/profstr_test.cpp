@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Profile strings on a file system in memory: reading, the places where entries go, hostile files, failing disks, and
-// a random comparison with a simple model.
+// Profile strings on a file system in memory: reading, the places where entries go, hostile files, failing
+// disks, and a random comparison with a simple model.
 #include "library/ascii.h"
 #include "library/profstr.h"
 #include "support/steerable.h"
@@ -23,7 +23,9 @@ protected:
     void TearDown() override { ClearError(); }
     void start(std::string_view text) { files.put(File, text); }
     std::string text() { return files.contents(File); }
-    std::string get(std::string_view section, std::string_view key) { return PROFILESTRGET(File, section, key); }
+    std::string get(std::string_view section, std::string_view key) {
+        return PROFILESTRGET(File, section, key);
+    }
 
     os::SteeredFiles files;
     os::Steered steered{files};
@@ -95,7 +97,8 @@ TEST_F(Profile, UmlautsAreComparedByteByByteAndOnlyAsciiLettersFold) {
 }
 
 TEST_F(Profile, AWholeSectionReadEndsAtABlankLineWhileKeysGoOn) {
-    start("[L]\r\n1=\"first\"\r\n;2=no\r\nno equals\r\n =odd\r\n3=a=b\r\n4=\r\n\r\n5=behind\r\n[M]\r\n6=x\r\n");
+    start(
+        "[L]\r\n1=\"first\"\r\n;2=no\r\nno equals\r\n =odd\r\n3=a=b\r\n4=\r\n\r\n5=behind\r\n[M]\r\n6=x\r\n");
     EXPECT_EQ(get("L", ""), "first\nodd\na=b\n\n");
     EXPECT_EQ(PROFILESTRKEYS(File, "L"), "1\n3\n4\n5\n");
     EXPECT_EQ(get("L", "5"), "behind");
@@ -104,10 +107,12 @@ TEST_F(Profile, AWholeSectionReadEndsAtABlankLineWhileKeysGoOn) {
 }
 
 TEST_F(Profile, NumbersThatDoNotConvertReadAsZero) {
-    start("[N]\na=12\nb=-7\nc=+3\nd=12x\ne=\nf=99999999999\ng= 5\nh=\"8\"\ni=2147483647\nj=-2147483648\nk=2147483648\n");
-    const std::pair<const char*, int> cases[] = {{"a", 12}, {"b", -7}, {"c", 3},  {"d", 0},
-                                                 {"e", 0},  {"f", 0},  {"g", 0},  {"h", 8},
-                                                 {"i", 2147483647}, {"j", -2147483647 - 1}, {"k", 0}, {"z", 0}};
+    start("[N]\na=12\nb=-7\nc=+3\nd=12x\ne=\nf=99999999999\ng= "
+          "5\nh=\"8\"\ni=2147483647\nj=-2147483648\nk=2147483648\n");
+    const std::pair<const char*, int> cases[] = {
+        {"a", 12}, {"b", -7}, {"c", 3}, {"d", 0},          {"e", 0},
+        {"f", 0},  {"g", 0},  {"h", 8}, {"i", 2147483647}, {"j", -2147483647 - 1},
+        {"k", 0},  {"z", 0}};
     for (const auto& [key, value] : cases) EXPECT_EQ(PROFILESTRGETINT(File, "N", key), value) << key;
 }
 
@@ -140,7 +145,8 @@ const Put puts[] = {
      "[A]\r\nKEY=3\r\ny=2\r\n"},
     {"present key behind a blank line", "[A]\r\n\r\nk=1\r\n", "A", "k", "2", "[A]\r\n\r\nk=2\r\n"},
     {"present key in the last line", "[A]\nx=1\nk=1", "A", "k", "2", "[A]\nx=1\nk=2\r\n"},
-    {"commented entry stays, the new one follows", "[A]\r\n;k=1\r\n", "A", "k", "2", "[A]\r\n;k=1\r\nk=2\r\n"},
+    {"commented entry stays, the new one follows", "[A]\r\n;k=1\r\n", "A", "k", "2",
+     "[A]\r\n;k=1\r\nk=2\r\n"},
     {"first of two equal sections", "[A]\r\nx=1\r\n[A]\r\nk=1\r\n", "A", "k", "2",
      "[A]\r\nx=1\r\nk=2\r\n[A]\r\nk=1\r\n"},
     {"header with a hyphen ends the section", "[A]\r\n[b-c]\r\nk=1\r\n", "A", "k", "2",
@@ -149,8 +155,8 @@ const Put puts[] = {
      "[b-c]\r\nk=1\r\n\r\n[b-c]\r\nk=2\r\n"},
     {"line ends in a value become blanks", "[A]\r\n", "A", "k", "a\n[B]\r\nc\n", "[A]\r\nk=a [B]  c\r\n"},
     {"list in an absent section", "x", "L", "", "a\nb\n", "x\r\n[L]\r\n1=a\r\n2=b\r\n"},
-    {"shorter list over a longer one", "[L]\r\n1=a\r\n2=b\r\n3=c\r\n4=d\r\n5=e\r\n\r\n[M]\r\n", "L", "", "x\r\ny\nz",
-     "[L]\r\n1=x\r\n2=y\r\n3=z\r\n\r\n[M]\r\n"},
+    {"shorter list over a longer one", "[L]\r\n1=a\r\n2=b\r\n3=c\r\n4=d\r\n5=e\r\n\r\n[M]\r\n", "L", "",
+     "x\r\ny\nz", "[L]\r\n1=x\r\n2=y\r\n3=z\r\n\r\n[M]\r\n"},
     {"list drops comments and keeps what follows", "[L]\r\n;c\r\nk=1\r\n rest\r\n2=b\r\n", "L", "", "x\n",
      "[L]\r\n1=x\r\n rest\r\n2=b\r\n"},
     {"empty list", "[L]\r\n1=a\r\n[M]\r\n", "L", "", "", "[L]\r\n[M]\r\n"},
@@ -300,7 +306,8 @@ TEST_F(Profile, HostileFilesAreReadAndKeptByteForByte) {
     PROFILESTRPUT(File, "A", "k", "v");
     EXPECT_EQ(text(), "[A]\rk=1\r[B]\rk=2\r\r\n[A]\r\nk=v\r\n");
 
-    for (const char* shape : {"", "\n", "\r\n", "[", "]", "[]", "=", ";", "[A", "[A]", "[A]\n=", "[A]\n[", "\n\n\n"}) {
+    for (const char* shape :
+         {"", "\n", "\r\n", "[", "]", "[]", "=", ";", "[A", "[A]", "[A]\n=", "[A]\n[", "\n\n\n"}) {
         start(shape);
         EXPECT_EQ(get("A", "k"), "") << shape;
         PROFILESTRPUT(File, "A", "k", "v");
@@ -371,13 +378,17 @@ private:
 };
 
 std::string unquoted(const std::string& value) {
-    return value.size() >= 2 && value.front() == '"' && value.back() == '"' ? value.substr(1, value.size() - 2) : value;
+    return value.size() >= 2 && value.front() == '"' && value.back() == '"'
+               ? value.substr(1, value.size() - 2)
+               : value;
 }
 
 TEST_F(Profile, RandomChangesAgreeWithASimpleModel) {
     const char* sections[] = {"Main", "MAIN", "MRU", "Hilite.cls", "two words", "x_1"};
     const char* keys[] = {"a", "A", "key", "Key_2", "1", "2"};
-    const char* values[] = {"", "v", "\"quoted\"", "\"", "a=b", ";c", "[x]", " blank ", "\xC3\xA4", "long long text"};
+    const char* values[] = {"",   "v",   "\"quoted\"", "\"",       "a=b",
+                            ";c", "[x]", " blank ",    "\xC3\xA4", "long long text"};
+    files.putFolder("/home/user");
     std::mt19937 random(7);
     const auto pick = [&](auto& from) { return std::string(from[random() % std::size(from)]); };
     Model model;
@@ -389,7 +400,8 @@ TEST_F(Profile, RandomChangesAgreeWithASimpleModel) {
         case 2: {
             std::vector<std::string> lines;
             std::string text;
-            for (auto n = random() % 4; n > 0; --n) text += (lines.emplace_back(pick(values)), lines.back()) + "\n";
+            for (auto n = random() % 4; n > 0; --n)
+                text += (lines.emplace_back(pick(values)), lines.back()) + "\n";
             model.putList(section, lines);
             PROFILESTRPUT(File, section, "", text);
             break;

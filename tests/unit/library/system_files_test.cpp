@@ -61,7 +61,8 @@ TEST_F(Files, LoadingFailsWithTheCodeOfItsCause) {
         const char* path;
         int code;
     };
-    for (const Case& c : {Case{"/a/absent", 651}, Case{"/a/secret", 651}, Case{"/a", 651}, Case{"/a/secret/x", 651}}) {
+    for (const Case& c :
+         {Case{"/a/absent", 651}, Case{"/a/secret", 651}, Case{"/a", 651}, Case{"/a/secret/x", 651}}) {
         std::string text = "old";
         EXPECT_FALSE(LOADFILE(c.path, text)) << c.path;
         EXPECT_EQ(text, "") << c.path;
@@ -124,7 +125,8 @@ TEST_F(Files, FreeNamesCountOnFromTheHighest) {
     files.putFolder("/a");
     EXPECT_EQ(FILETEMPNAME("/a", "New", ".cls"), "/a/New1.cls");
     EXPECT_EQ(FILETEMPNAMES("/a", "New", ".cls").last, "/a/New.cls");
-    for (const char* name : {"/a/New1.cls", "/a/new7.CLS", "/a/New9.rc", "/a/NewX8.cls", "/a/New.cls", "/a/Other20.cls"})
+    for (const char* name :
+         {"/a/New1.cls", "/a/new7.CLS", "/a/New9.rc", "/a/NewX8.cls", "/a/New.cls", "/a/Other20.cls"})
         files.put(name, "");
     EXPECT_EQ(FILETEMPNAME("/a/", "New", "cls"), "/a/New8.cls");
     EXPECT_EQ(FILETEMPNAMES("/a", "New", ".cls").last, "/a/New7.cls");
@@ -175,7 +177,8 @@ TEST_F(Files, ACopyOntoItselfDestroysNothing) {
     files.put("/a/x", "bytes");
     files.putLink("/a/x", "/a/link");
     files.putHardLink("/a/x", "/a/hard");
-    for (const char* dest : {"/a/x", "x", "/a/link", "/a/hard"}) EXPECT_TRUE(FILECOPY("/a/x", dest, false)) << dest;
+    for (const char* dest : {"/a/x", "x", "/a/link", "/a/hard"})
+        EXPECT_TRUE(FILECOPY("/a/x", dest, false)) << dest;
     files.put("/a/X", "other");
     EXPECT_FALSE(FILECOPY("/a/x", "/a/X", false));  // the same name but for case: left alone
     EXPECT_EQ(files.contents("/a/x"), "bytes");
@@ -186,8 +189,8 @@ TEST_F(Files, ACopyOntoItselfDestroysNothing) {
 TEST_F(Files, ACopyThatCannotBeMadeSaysSo) {
     files.put("/a/x", "bytes");
     files.put("/a/y", "old");
-    EXPECT_FALSE(FILECOPY("x", "/a/z", false));        // no full path
-    EXPECT_FALSE(FILECOPY("/a/x", "/a/b*c", false));   // no file name
+    EXPECT_FALSE(FILECOPY("x", "/a/z", false));       // no full path
+    EXPECT_FALSE(FILECOPY("/a/x", "/a/b*c", false));  // no file name
     EXPECT_EQ(takeError(), 0);
     EXPECT_FALSE(FILECOPY("/a/none", "/a/z", false));
     EXPECT_EQ(takeError(), 651);
@@ -257,9 +260,12 @@ TEST_F(Programs, OutputGoesWhereTheArgumentsSay) {
         int code;
     };
     const Case cases[] = {
-        {"-x > \"/o/a b.txt\"", "/o/a b.txt", {"-x"}, 0}, {"> /o/x", "/o/x", {}, 0},
-        {"\"a > b\"", "", {"a > b"}, 0},                  {"a>b", "", {"a>b"}, 0},
-        {"a >", "", {}, 907},                             {"a > b c", "", {}, 907},
+        {"-x > \"/o/a b.txt\"", "/o/a b.txt", {"-x"}, 0},
+        {"> /o/x", "/o/x", {}, 0},
+        {"\"a > b\"", "", {"a > b"}, 0},
+        {"a>b", "", {"a>b"}, 0},
+        {"a >", "", {}, 907},
+        {"a > b c", "", {}, 907},
         {"\">\" x", "", {">", "x"}, 0},
     };
     for (const Case& c : cases) {
@@ -275,7 +281,10 @@ TEST_F(Programs, OutputGoesWhereTheArgumentsSay) {
 }
 
 TEST_F(Programs, FailuresToStartHaveTheirCodes) {
-    files.put("/t/elf.exe", "\x7F" "ELF...", 0755);
+    files.put("/t/elf.exe",
+              "\x7F"
+              "ELF...",
+              0755);
     files.put("/t/text.exe", "hello", 0755);
     struct Case {
         const char* program;
@@ -283,11 +292,16 @@ TEST_F(Programs, FailuresToStartHaveTheirCodes) {
         int code;
     };
     const Case cases[] = {
-        {"/t/none.exe", os::StartError::None, 901},       {"/t/tool.exe", os::StartError::NotFound, 901},
-        {"/t/text.exe", os::StartError::NotExecutable, 902}, {"/t/tool.exe", os::StartError::NoMemory, 903},
-        {"/t/tool.exe", os::StartError::BadArguments, 906},  {"/t/tool.exe", os::StartError::BadOutput, 907},
-        {"/t/elf.exe", os::StartError::NotExecutable, 908},  {"/t/tool.exe", os::StartError::Other, 909},
-        {"", os::StartError::None, 906},                     {"tool-that-is-on-no-path.exe", os::StartError::None, 901},
+        {"/t/none.exe", os::StartError::None, 901},
+        {"/t/tool.exe", os::StartError::NotFound, 901},
+        {"/t/text.exe", os::StartError::NotExecutable, 902},
+        {"/t/tool.exe", os::StartError::NoMemory, 903},
+        {"/t/tool.exe", os::StartError::BadArguments, 906},
+        {"/t/tool.exe", os::StartError::BadOutput, 907},
+        {"/t/elf.exe", os::StartError::NotExecutable, 908},
+        {"/t/tool.exe", os::StartError::Other, 909},
+        {"", os::StartError::None, 906},
+        {"tool-that-is-on-no-path.exe", os::StartError::None, 901},
     };
     for (const Case& c : cases) {
         play({.error = c.error});
