@@ -5,8 +5,7 @@
 //
 //     replace    temporary beside the target, write, owner, mode, sync, close, rename, sync of the folder
 //     in place   rescue copy (the same steps, in the rescue folder), then the file itself: first what it
-//     grows by,
-//                so that a full disk shows before an old byte is touched
+//                grows by, so that a full disk shows before an old byte is touched
 #include "os/files.h"
 
 #include "os/paths.h"

@@ -122,6 +122,7 @@ inline constexpr Code Ok = 0;
 inline constexpr Code WindowNotLoaded = 702;
 inline constexpr Code NoSuchProperty = 703;
 inline constexpr Code NotAControlArray = 707;
+inline constexpr Code BitmapInvalid = 710;
 inline constexpr Code WindowNotInResources = 721;
 inline constexpr Code ControlNotInResources = 723;
 inline constexpr Code ControlInvalid = 727;
