@@ -16,7 +16,7 @@ using platform::Object;
 using platform::Rect;
 using platform::Selection;
 using platform::Type;
-using platform::Unit;
+using platform::constants::Unit;
 using platform::WindowFunction;
 using namespace platform::constants;
 

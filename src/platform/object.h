@@ -14,6 +14,10 @@
 
 namespace tarn::platform {
 
+// The types stand in a namespace of their own, so that a call that passes one of them does not find the operations
+// of this layer beside the wrappers that the kernel makes of them.
+namespace types {
+
 class Object {
 public:
     Object() = default;  // names nothing
@@ -35,12 +39,15 @@ enum class Type {
     None, Dialog, Editwindow, Richeditwindow, Label, Edit, Combobox, Listbox, Iconlist, Pushbutton, Bitmapbutton,
     Checkbox, Radiobutton, Groupbox, Scrollbar, Progressbar, Shape, Icon, Image, Menuitem, Screen, Printer, Clipboard,
 };
-std::string_view typeName(Type type);         // "Dialog", ...
-Type typeFromName(std::string_view name);     // any case; None if there is no such type
+}  // namespace types
+using namespace types;
+
+std::string_view typeName(Type type);      // "Dialog", ...
+Type typeFromName(std::string_view name);  // any case; None if there is no such type
 inline bool isWindowType(Type t) { return t == Type::Dialog || t == Type::Editwindow || t == Type::Richeditwindow; }
 inline bool isEditWindowType(Type t) { return t == Type::Editwindow || t == Type::Richeditwindow; }
 
-inline namespace constants {
+namespace constants {
 
 enum Event : int {
     ACTIVATE_EVENT = 32769,
@@ -68,18 +75,41 @@ enum EditFlag : int {
 };
 
 }  // namespace constants
+using namespace constants;
 
 // A window function: true means handled or, for CLOSE_EVENT, veto. A key that is handled goes no further.
 // `parameter` is told beside each event; for a COMMAND_EVENT that came through `Command` it is 1 and
 // `commandText()` (windowing.h) holds the text, otherwise 0.
 using WindowFunction = bool (*)(const Object& window, int event, const Object& control, int parameter);
 
+namespace types {
+
 struct Rect {
     int x = 0, y = 0, w = 0, h = 0;  // pixels
     friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-inline namespace constants {
+struct Selection {
+    int start = 1;   // 1-based byte position
+    int length = 0;  // bytes
+};
+
+struct Bounds {
+    int lower = 0, upper = -1;
+};
+
+struct Font {
+    std::string name;  // empty: the desktop's (a fixed-width one in edit windows)
+    int size = 0;      // points; 0: the desktop's
+    bool bold = false, italic = false;
+    friend bool operator==(const Font&, const Font&) = default;
+};
+
+enum class BoxIcon { None, Information, Question, Warning, Error };
+
+}  // namespace types
+
+namespace constants {
 enum Unit : int {
     WINDOW_UNIT = 0,  // the frame, in screen pixels (a window); the control's rectangle in its window (a control)
     CLIENT_UNIT = 1,  // the area inside the frame (a window); as WINDOW_UNIT (a control)
@@ -92,6 +122,7 @@ inline constexpr Code Ok = 0;
 inline constexpr Code WindowNotLoaded = 702;
 inline constexpr Code NoSuchProperty = 703;
 inline constexpr Code NotAControlArray = 707;
+inline constexpr Code BitmapInvalid = 710;
 inline constexpr Code WindowNotInResources = 721;
 inline constexpr Code ControlNotInResources = 723;
 inline constexpr Code ControlInvalid = 727;

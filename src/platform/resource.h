@@ -8,6 +8,8 @@
 // `error` results are texts, empty on success.
 #pragma once
 
+#include "platform/object.h"
+
 #include <array>
 #include <string>
 #include <vector>
@@ -30,8 +32,21 @@ std::string ResourceDelete(const std::string& file, const std::string& name);
 std::string ResourceRename(const std::string& file, const std::string& oldName, const std::string& newName);
 std::string ResourceWriteText(const std::string& file, const std::string& line);
 int ResourceValue(const std::string& name);  // a symbol of the application's own resources; 0 if there is none
+bool ResourceCommonId(const std::string& name);  // IDOK, IDCANCEL, ...: identifiers that need no definition
 
-// Compiles the .rc files into one .rcx. Errors come as "file(line) : error number text" lines.
-std::string CompileResources(const std::vector<std::string>& rcFiles, const std::string& rcxFile);
+// A placeholder at the start of a path in a resource file, such as "<RESOURCEDIR>", and the folder it stands for.
+struct ResourceFolder {
+    std::string placeholder, folder;
+};
+
+// Compiles the .rc files into one .rcx, which carries the bytes of all bitmaps. Relative paths start from the folder
+// of their .rc file. Errors come as "file(line) : error number text" lines; nothing is written then.
+std::string CompileResources(const std::vector<std::string>& rcFiles, const std::string& rcxFile,
+                             const std::vector<ResourceFolder>& folders = {});
+
+// The bytes of a picture (png, bmp, svg, ico): a BITMAP of the application's resources of that name, in any case,
+// else the file, where a relative name starts from the folder of the application's resources. Code 710 if there is
+// none.
+Answer<std::string> PictureBytes(const std::string& name);
 
 }  // namespace tarn::platform

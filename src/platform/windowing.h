@@ -76,10 +76,6 @@ Answer<std::string> GetTokens(const Object& object);
 Code SetTokens(const Object& object, std::string_view tokens);
 Answer<std::string> GetSelText(const Object& object);
 Code SetSelText(const Object& object, std::string_view text);  // replaces the selection; one undo step
-struct Selection {
-    int start = 1;   // 1-based byte position
-    int length = 0;  // bytes
-};
 Answer<Selection> GetSelection(const Object& object);
 Code SetSelection(const Object& object, int start, int length);  // scrolls it into view
 Answer<int> GetValue(const Object& object);                      // check box, radio button, scroll and progress bar
@@ -137,9 +133,6 @@ int GetDpi();
 
 // ---- control arrays -------------------------------------------------------------------------------------------------------
 
-struct Bounds {
-    int lower = 0, upper = -1;
-};
 Answer<Bounds> ControlBounds(const Object& element);             // of the array that `element` belongs to
 Object ControlElement(const Object& element, int index);         // another element; empty outside the bounds
 Answer<int> ControlIndex(const Object& element);                 // 707 if it is in no array
@@ -149,12 +142,6 @@ Code RemoveMenuitem(const Object& item);                          // shrinks its
 
 // ---- fonts and colours -----------------------------------------------------------------------------------------------------
 
-struct Font {
-    std::string name;  // empty: the desktop's (a fixed-width one in edit windows)
-    int size = 0;      // points; 0: the desktop's
-    bool bold = false, italic = false;
-    friend bool operator==(const Font&, const Font&) = default;
-};
 Answer<Font> GetFont(const Object& object);
 Code SetFont(const Object& object, const Font& font);
 
@@ -162,7 +149,6 @@ Code SetFont(const Object& object, const Font& font);
 
 // `buttons`: a caption on each line, empty for one "OK". The answer is the caption of the button pressed, with its
 // "&", or empty if the box was closed. The first button is the default one, unless `defaultButton` (1-based).
-enum class BoxIcon { None, Information, Question, Warning, Error };
 std::string MsgBox(const std::string& title, const std::string& text, const std::string& buttons,
                    BoxIcon icon = BoxIcon::None, int defaultButton = 1);
 // The numeric form. Flags: 0 OK, 1 OK Cancel, 3 Yes No Cancel, 4 Yes No, 5 Retry Cancel; 16 error, 32 question,

@@ -78,6 +78,14 @@ void userMoved(Window& window, const Rect& frame, int state);
 void userInfo(Control& control, int x, int y);
 void timerFired(Control& owner);
 
+// What is going on, for views and for whoever plays the user.
+Window* topModal();  // the innermost window that is shown modally; null if none is
+int eventDepth();    // how many window functions are running, one inside the other
+bool waiting();      // inside WaitEvents: a tool runs, or the splash is shown
+bool busy();         // SetBusy is on
+// False while the window takes no input: a modal one is open above it, or the program is busy.
+bool takesInput(const Window& window);
+
 // The text store of the model itself.
 std::unique_ptr<TextStore> makePlainText();
 

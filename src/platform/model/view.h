@@ -73,6 +73,9 @@ public:
     virtual int textWidth(const Control& control, std::string_view text) = 0;
     virtual int textHeight(const Control& control, std::string_view text) = 0;
     virtual Rect screen() = 0;
+    // What the frame of `window` adds to its client area: x and y are the offset of the client area in the frame,
+    // w and h the pixels that the frame has more than the client area. A menu bar belongs to the frame.
+    virtual Rect frameExtents(const Window& window) { (void)window; return {}; }
     virtual int dpi() = 0;
 
     virtual void sound() = 0;
@@ -87,6 +90,20 @@ public:
     virtual void closeSplash() = 0;
     virtual void watch(int descriptor, std::function<void()> ready) = 0;  // -1 stops watching
     virtual void raise(Window& window) = 0;  // to the foreground, as after a hand-over
+
+    // For whoever plays the user, from the idle function. The question whose box is open now, null if none is, and
+    // its answer, given as the user would: the caption of a button (with or without its "&"), a text, a row, a path,
+    // empty to close the box. False if the box has no such button or row.
+    virtual const Question* asking() { return nullptr; }
+    virtual bool answer(const std::string& text) {
+        static_cast<void>(text);
+        return false;
+    }
+    // Real input: `line` is "key F1", "key Ctrl+S", "type text" or "mouse WINDOW CONTROL". False if this view has none.
+    virtual bool input(const std::string& line) {
+        static_cast<void>(line);
+        return false;
+    }
 };
 
 // The view in force, made when first needed: the Qt view if there is a screen and it can be loaded

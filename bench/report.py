@@ -1,0 +1,57 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""report.py FOLDER: one table of the figures in FOLDER, each beside its peer, the ratio and the budget."""
+import json
+import os
+import sys
+
+SCALE = {"ns": 1, "us": 1e3, "ms": 1e6}
+
+
+def medians(path):
+    if not os.path.exists(path):
+        return {}
+    return {b["run_name"].removesuffix("/min_time:2.000"): b["real_time"] * SCALE[b["time_unit"]]
+            for b in json.load(open(path))["benchmarks"] if b["aggregate_name"] == "median"}
+
+
+def text(ns):
+    for unit, factor in (("ms", 1e6), ("us", 1e3)):
+        if ns >= factor:
+            return f"{ns / factor:.2f} {unit}"
+    return f"{ns:.2f} ns"
+
+
+def main():
+    folder = sys.argv[1]
+    all_ = {}
+    for name in ("kernel_bench", "library_bench", "os_bench", "edit_bench"):
+        all_.update(medians(f"{folder}/{name}.json"))
+    start = json.load(open(f"{folder}/start.json")) if os.path.exists(f"{folder}/start.json") else {}
+    for name, row in start.items():
+        all_["start " + name] = row["ms"] * 1e6
+    # name, peer, the budget as a ratio to the peer or as nanoseconds
+    rows = [
+        ("stampInline", None, 1), ("stampCalled", None, 2), ("frame", None, None),
+        ("concatKernel/40", "concatStd/40", 0.5), ("concatKernel/4000", "concatStd/4000", None),
+        ("profilestrget/50", "gkeyfile/50", 0.4), ("profilestrget/1000", "gkeyfile/1000", 0.4),
+        ("saveDurable", "writeAndSync", None),
+        ("start ide", "start geany", 0.6), ("start ide", "start qt", None),
+        ("openLarge", "openSmall", None), ("keyToPaint", "plainKeyToPaint", None),
+    ]
+    print(f"{'work':22} {'here':>12} {'peer':>12} {'ratio':>7}  budget")
+    for name, peer, budget in rows:
+        if name not in all_:
+            continue
+        here, other = all_[name], all_.get(peer)
+        ratio = f"{here / other:.2f}" if other else ""
+        met = ""
+        if budget is not None:
+            value = here / other if other else here
+            met = f"{budget}{' x' if peer else ' ns'} {'met' if value <= budget else 'MISSED'}"
+        print(f"{name:22} {text(here):>12} {text(other) if other else '':>12} {ratio:>7}  {met}")
+    if "ide" in start:
+        print("memory after start: " + ", ".join(f"{n} {r['mb']:.0f} MB" for n, r in start.items()) + " (budget 110 MB)")
+
+
+main()

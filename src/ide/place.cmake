@@ -1,0 +1,18 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Lays what the environment reads at run time beside the executable of a build tree.
+foreach(file IN ITEMS mainicon.ico logo.bmp)
+  file(COPY_FILE ${SOURCE_DIR}/src/ide/pictures/${file} ${BIN_DIR}/${file} ONLY_IF_DIFFERENT)
+endforeach()
+if(NOT EXISTS ${BIN_DIR}/ide.ini)
+  file(COPY_FILE ${SOURCE_DIR}/src/ide/ide.ini ${BIN_DIR}/ide.ini)
+endif()
+foreach(folder IN ITEMS examples help)
+  if(folder STREQUAL help)
+    set(source ${SOURCE_DIR}/docs/help)
+  else()
+    set(source ${SOURCE_DIR}/${folder})
+  endif()
+  if(NOT EXISTS ${BIN_DIR}/${folder})
+    file(CREATE_LINK ${source} ${BIN_DIR}/${folder} SYMBOLIC)
+  endif()
+endforeach()

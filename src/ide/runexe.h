@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Starts a built program, which then runs by itself.
+#pragma once
+
+#include <string>
+
+namespace tarn {
+
+// Notes the debug settings for the program, adds the arguments of Run-Arguments and starts it without waiting.
+void RUNEXEFILE(const std::string& exe, int trace, bool singleStep);
+
+}  // namespace tarn

@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/runmenu.h"
+
+#include "ide/idecore.h"
+#include "ide/projedit.h"
+#include "ide/runexe.h"
+#include "ide/textedit.h"
+#include "ide/textview.h"
+#include "ide/windows.h"
+#include "library/profstr.h"
+#include "library/symbols.h"
+#include "library/system.h"
+
+namespace tarn {
+namespace {
+
+void onerror(std::int32_t code) {
+    if (code < 901 || code > 909) return DefaultErrorHandler(code);
+    const Reporting report;
+    if (!report.entered()) return;
+    Sound();
+    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\nCannot run external program.", "OK",
+           BoxIcon::Error);
+    ContinueAfterError();
+}
+
+}  // namespace
+}  // namespace tarn
+
+MODULE("runmenu", tarn::onerror)
+
+namespace tarn {
+namespace {
+
+bool isOpenFile(const std::string& file) {
+    return STREQUAL(file, PROJECTGETMAINFILE()) || STREQUAL(file, EDITWNDGETFILENAME(SDIEdit));
+}
+
+bool hasUnsavedClass() {
+    return IsLoaded(SDIEdit) && GetModify(SDIEdit) && ISCLASSFILE(EDITWNDGETFILENAME(SDIEdit));
+}
+
+void showTitled(const std::string& title, const std::string& text) { MSGBOX(title, text); }
+
+// ---- what may be built ---------------------------------------------------------------------------------------
+
+bool mayBuildUntitled(const std::string& title, std::string& file) {
+    SAVEALL();
+    file = EDITWNDGETFILENAME(SDIEdit);
+    if (ISCLASSFILE(file)) return FileSize(file) > 0;
+    SHOWNOCLASSERROR(title, file == Untitled ? "" : file);
+    return false;
+}
+
+bool mayBuildOpenFile(const std::string& title) {
+    SAVEALL();
+    if (!hasUnsavedClass()) return true;
+    showTitled(title, "You must save this class before using '" + title + "'.");
+    return false;
+}
+
+bool mayBuildOtherFile(const std::string& title, const std::string& file) {
+    if (FileSize(file) > 0) return true;
+    showTitled(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
+                          "'\n\nis empty or does not exist.");
+    return false;
+}
+
+bool mayBuild(const std::string& title, std::string& file) {
+    if (file == Untitled) return mayBuildUntitled(title, file);
+    if (!ISCLASSFILE(file)) {
+        SHOWNOCLASSERROR(title, file);
+        return false;
+    }
+    return isOpenFile(file) ? mayBuildOpenFile(title) : mayBuildOtherFile(title, file);
+}
+
+bool isMain(const std::string& title, const std::string& file) {
+    if (ISMAINCLASS(file)) return true;
+    showTitled(title, "File '" + file + "' is not a main class.\n'" + title +
+                          "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
+                          "command.");
+    return false;
+}
+
+bool hasMakeTool(const std::string& title) {
+    const std::string tool = GETORDOEXE();
+    if (!FINDTOOL(tool).empty()) return true;
+    showTitled(title, "Cannot find the ORDO program. It should be in the following file:\n'" + tool +
+                          "'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\ncontains the "
+                          "ORDO.EXE program file.");
+    return false;
+}
+
+// Runs the make tool. What it could not say itself, because it was stopped or died, is written where its messages
+// would stand, so that the error window shows it.
+void make(const std::string& options, const std::string& file) {
+    const std::string folder = GETCOMPILERDIR();
+    const std::string errors = folder + "sarn.err";
+    FILEDELETE(errors);
+    FILEDELETE(folder + "ordo.err");
+    const std::string line =
+        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + folder + "ordo.err\"";
+    const ExecResult run = EXEC(FINDTOOL(GETORDOEXE()), line, 0 + 1);
+    std::string fault;
+    if (!run.started) fault = "The make tool could not be started.";
+    else if (run.stopped) fault = "The build was stopped before it had finished.";
+    else if (run.signal != 0) fault = "The make tool ended by signal " + STR(run.signal) + ".";
+    else if (run.code != 0 && FileSize(errors) < 1)
+        fault = "The make tool failed with exit code " + STR(run.code) + " and gave no message.";
+    if (fault.empty()) return;
+    std::string text;
+    if (FileSize(errors) > 0) LOADFILE(errors, text);
+    text = STRREPLACE(text, ": 0 errors.", ":");
+    SAVEFILE(errors, text + fault + "\nCheck the compiler file path in Tools-Options-Paths, or build again.\n");
+}
+
+}  // namespace
+
+// ---- build -----------------------------------------------------------------------------------------------------
+
+void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::string& file, bool& ok) {
+    FRAME(RUN_BUILD);
+    ok = false;
+    STAMP();
+    if (!hasMakeTool(title)) return;
+    STAMP();
+    if (!mayBuild(title, file) || file.empty()) return;
+    STAMP();
+    if (!isMain(title, file)) return;
+    STAMP();
+    make(makeOptions, file);
+    STAMP();
+    ok = UPDATEERRORWINDOW(GETCOMPILERDIR());
+}
+
+bool UPDATEERRORWINDOW(const std::string& compilerDir) {
+    FRAME(UPDATEERRORWINDOW);
+    const std::string file = compilerDir + "sarn.err";
+    std::string text;
+    STAMP();
+    if (FileSize(file) > 0) LOADFILE(file, text);
+    STAMP();
+    if (text.empty() || STRFIND(": 0 errors.", text) != 0) {
+        if (IsLoaded(ViewDlg)) SetText(ViewDlg, "");
+        return true;
+    }
+    VIEWDIALOG("View Errors", file, GetFont(SDIEdit));
+    return false;
+}
+
+void SHOWNOCLASSERROR(const std::string& title, const std::string& file) {
+    FRAME(SHOWNOCLASSERROR);
+    const std::string first = "It is not possible to use the '" + title + "' command.\n";
+    STAMP();
+    showTitled(title, first + (file.empty() ? "There is no file to build or run."
+                                            : "'" + file + "' is not a class, it does not have the correct "
+                                                           "extension (*.cls)."));
+}
+
+namespace {
+
+void build(const std::string& title, const std::string& options, bool showMessage, bool& ok) {
+    std::string file = COMPILERGETMAINFILE();
+    RUN_BUILD(title, options, file, ok);
+    if (ok && showMessage)
+        MsgBox(title, "Finished rebuilding '" + file + "'\nThe class was rebuilt with no errors.", "OK",
+               BoxIcon::Information);
+}
+
+}  // namespace
+
+void DO_QUICKBUILD(bool showMessage, bool& ok) {
+    FRAME(DO_QUICKBUILD);
+    STAMP();
+    build("Run-Quickbuild", "-fm", showMessage, ok);
+}
+
+void DO_REBUILD() {
+    FRAME(DO_REBUILD);
+    bool ok = false;
+    STAMP();
+    build("Run-Full Rebuild", "-fa", true, ok);
+}
+
+void DO_COMPILE() {
+    FRAME(DO_COMPILE);
+    STAMP();
+    RUN_COMPILE(SDIEdit);
+}
+
+void RUN_COMPILE(const Object& window) {
+    FRAME(RUN_COMPILE);
+    const std::string title = "Run-Compile";
+    STAMP();
+    if (EDITWNDGETFILENAME(window).empty())
+        return showTitled(title, "There is no file to compile.\nUse File-Open to open a file first.");
+    if (!SYMISCLASS(0, GetText(window), ProductWord, "CLASS"))
+        return showTitled(title, "This file cannot be compiled because it is not a class.\nOpen a class then try "
+                                 "again.");
+    STAMP();
+    if (GetModify(window)) EDITWNDSAVE(window, false);
+    STAMP();
+    if (GetModify(window)) return showTitled(title, "You have to save this class before compiling it.");
+    const std::string file = EDITWNDGETFILENAME(window);
+    if (!ISCLASSFILE(file))
+        return showTitled(title, "The following class:\n\n'" + file +
+                                     "'\n\ncannot be compiled because it does not have the correct extension "
+                                     "(*.cls)\nSave the class with the extension '.cls' then recompile it.");
+    STAMP();
+    COMPILESINGLEFILE(file, 1);
+}
+
+// ---- start -------------------------------------------------------------------------------------------------------
+
+bool ISUPTODATE(const std::string& file) {
+    FRAME(ISUPTODATE);
+    STAMP();
+    if (file.empty() || file == Untitled || !ISCLASSFILE(file)) return false;
+    if (isOpenFile(file) && hasUnsavedClass()) return false;
+    if (!isOpenFile(file) && FileSize(file) < 1) return false;
+    STAMP();
+    const DependencyList stale = LOADDEPLIST(file, "/fq", true);
+    return stale.files.empty() && stale.error.empty();
+}
+
+namespace {
+
+bool isStartable(const std::string& file) {
+    if (file == Untitled) return SYMISCLASS(0, GetText(SDIEdit), ProductWord, "CLASS");
+    return ISCLASSFILE(file);
+}
+
+}  // namespace
+
+void RUN_START(const std::string& title, const std::string& startFile) {
+    FRAME(RUN_START);
+    std::string file = startFile;
+    STAMP();
+    if (!isStartable(file)) return SHOWNOCLASSERROR(title, file == Untitled ? "" : file);
+    STAMP();
+    const bool current = ISUPTODATE(file) && FileSize(FILECHANGEEXT(file, ".exe")) > 0;
+    STAMP();
+    bool ok = current;
+    if (!current) RUN_BUILD(title, "-fq", file, ok);
+    STAMP();
+    if (!ok) return;
+    const int trace = PROFILESTRGETINT(GETIDEINIFILE(), "DebugOptionsDlg", "Traceprogram");
+    RUNEXEFILE(FILECHANGEEXT(file, ".exe"), trace, false);
+    STAMP();
+}
+
+void DO_START() {
+    FRAME(DO_START);
+    STAMP();
+    RUN_START("Run-Start", COMPILERGETMAINFILE());
+}
+
+void DO_START_EXAMPLE(const std::string& file) {
+    FRAME(DO_START_EXAMPLE);
+    STAMP();
+    RUN_START("Run-Example program", file);
+}
+
+// ---- arguments -----------------------------------------------------------------------------------------------------
+
+namespace {
+
+bool argumentsButton(const Object& window, const std::string& name) {
+    if (name == "pushbutton1") SAVEINIFILE(GETIDEINIFILE(), window);
+    if (name == "pushbutton1" || name == "pushbutton2") Unload(window);
+    if (name == "pushbutton3") SHOWHELP(HELPTOPIC(GetCaption(window)));
+    return true;
+}
+
+bool argumentsKey(const Object& window, int key) {
+    if (key == KEY_ESCAPE) Unload(window);
+    if (key == KEY_F1) SHOWHELP(HELPTOPIC(GetCaption(window)));
+    return key == KEY_ESCAPE || key == KEY_F1;
+}
+
+}  // namespace
+
+bool ARGUMENTSDLG(const Object& window, int event, const Object& control, int parameter) {
+    FRAME(ARGUMENTSDLG);
+    STAMP();
+    switch (event) {
+    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window); return true;
+    case COMMAND_EVENT: return argumentsButton(window, GetName(control));
+    case KEYPRESS_EVENT: return argumentsKey(window, parameter);
+    default: return false;
+    }
+}
+
+void DO_ARGUMENTS() {
+    FRAME(DO_ARGUMENTS);
+    STAMP();
+    Load(ArgumentsDlg);
+    STAMP();
+    Show(ArgumentsDlg, true);
+}
+
+}  // namespace tarn

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/startup.h"
+
+#include "ide/filemenu.h"
+#include "ide/idecore.h"
+#include "ide/windows.h"
+#include "library/profstr.h"
+#include "library/system.h"
+
+MODULE("ide")
+
+namespace tarn {
+namespace {
+
+// The choices of the radio group, in its order.
+enum Choice { LastProgram = 1, NewTextFile, NewProgram, GettingStarted, Examples };
+
+Object choices(const Object& window, int which) {
+    return ControlElement(FINDCONTROL(window, "rblastprogram"), which);
+}
+
+void restore(const Object& window) {
+    LOADINIFILE(GETIDEINIFILE(), window);
+    SetValue(FINDCONTROL(window, "checkbox1"), 0);
+    const std::string last = STRTRIM(PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"));
+    SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : "'" + last + "'");
+    // What has no command yet cannot be chosen.
+    for (const int absent : {NewProgram, GettingStarted, Examples})
+        SetEnabled(choices(window, absent), absent == GettingStarted);
+    SetEnabled(FINDCONTROL(window, "rbnewprogram"), false);
+    const Object first = choices(window, LastProgram);
+    if (!last.empty()) return;
+    if (Controlselectionpos(first) == LastProgram) SetValue(choices(window, NewTextFile), 1);
+    SetEnabled(first, false);
+}
+
+bool buttonPressed(const Object& window, const std::string& name) {
+    if (name == "pushbutton1") {
+        SAVEINIFILE(GETIDEINIFILE(), window);
+        Hide(window);
+    } else if (name == "pushbutton2") {
+        Unload(window);
+    } else if (name == "pushbutton3") {
+        SHOWHELP(HELPTOPIC(GetCaption(window)));
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool keyPressed(const Object& window, int key) {
+    if (key == KEY_ESCAPE) Unload(window);
+    if (key == KEY_F1) SHOWHELP(HELPTOPIC(GetCaption(window)));
+    return key == KEY_ESCAPE || key == KEY_F1;
+}
+
+// Stores what every later start begins with; nothing is carried out now.
+void storeChoice(const Object& window) {
+    int chosen = 0;
+    if (GetValue(FINDCONTROL(window, "rbnewtextfile")) == 1) chosen = 1;
+    else if (GetValue(FINDCONTROL(window, "rbnewprogram")) == 1) chosen = 2;
+    for (int i = 0; i <= 3; i++)
+        PROFILESTRPUT(GETIDEINIFILE(), "GenOptionsDlg", "rbStartup" + STR(i), i == chosen ? "1" : "0");
+}
+
+void carryOut(int choice) {
+    const Object program = MAINCONTROL("programlabel");
+    const Object recent = MAINCONTROL("file_mru_1");
+    if (choice == LastProgram) DO_MRU(recent, recent, PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"), program);
+    if (choice == NewTextFile) DO_NEW_TEXTFILE(MAINCONTROL("codelabel"));
+    if (choice == GettingStarted) SHOWHELP("Getting Started");
+}
+
+}  // namespace
+
+bool STARTUPDLG(const Object& window, int event, const Object& control, int parameter) {
+    FRAME(STARTUPDLG);
+    STAMP();
+    switch (event) {
+    case LOAD_EVENT: restore(window); return true;
+    case COMMAND_EVENT: return buttonPressed(window, GetName(control));
+    case KEYPRESS_EVENT: return keyPressed(window, parameter);
+    default: return false;
+    }
+}
+
+void STARTUPDIALOG() {
+    FRAME(STARTUPDIALOG);
+    STAMP();
+    Load(StartupDlg);
+    STAMP();
+    Show(StartupDlg, true);
+    STAMP();
+    if (!IsLoaded(StartupDlg)) return;
+    const bool store = GetValue(FINDCONTROL(StartupDlg, "checkbox1")) == 1;
+    const int choice = Controlselectionpos(choices(StartupDlg, LastProgram));
+    STAMP();
+    if (store) storeChoice(StartupDlg);
+    Unload(StartupDlg);
+    STAMP();
+    if (!store) carryOut(choice);
+}
+
+}  // namespace tarn

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/textview.h"
+
+#include "ide/idecore.h"
+#include "ide/projedit.h"
+#include "ide/textedit.h"
+#include "ide/windows.h"
+#include "library/dbutil.h"
+#include "library/profstr.h"
+#include "library/system.h"
+
+MODULE("textview")
+
+namespace tarn {
+namespace {
+
+// The folder of the Code window's class is searched first, then that of the main file, then the inherited paths.
+std::string searchPath() {
+    std::string paths = GETINHERITEDPATHS();
+    for (const std::string& file : {COMPILERGETMAINFILE(), EDITWNDGETFILENAME(SDIEdit)}) {
+        if (ISCLASSFILE(file)) paths = FILEGETDIR(file) + ";" + paths;
+    }
+    return paths;
+}
+
+struct Message {
+    std::string file;
+    int line = 0, number = 0;
+};
+
+Message messageAtCursor(const Object& window) {
+    const std::string result = FILEGETERROR(GetText(window), GetSelection(window).start, searchPath());
+    Message message;
+    bool ok = false;
+    message.file = STRREMOVEQUOTES(STRTOKEN(result, 1));
+    message.line = CVTI(STRTOKEN(result, 2), ok);
+    message.number = CVTI(STRTOKEN(result, 3), ok);
+    if (message.file == "-") message.file.clear();
+    return message;
+}
+
+void jumpToSource(const Object& window) {
+    const Message message = messageAtCursor(window);
+    if (message.file.empty() || message.line == 0)
+        return MSGBOX("View Errors", "Cannot jump to source code.\nThe file name and line number of the source file "
+                                     "cannot be found.");
+    if (FileSize(message.file) < 0)
+        return MSGBOX("View Errors", "Cannot jump to source code. The following source file:\n\n\t'" + message.file +
+                                         "'\n\ndoes not exist.");
+    EDITWNDOPEN(SDIEdit, message.file, false, message.line);
+    Show(window, false);  // stays above the editor
+    SetCaption(MAINCONTROL("codelabel"), EDITWNDGETFILENAME(SDIEdit));
+}
+
+void helpOnError(const Object& window) {
+    const Message message = messageAtCursor(window);
+    if (message.number == 0)
+        return MSGBOX("View Errors", "Cannot get help for the error.\nThe error number cannot be found.");
+    SHOWHELP(STR(message.number));
+}
+
+bool keyPressed(const Object& window, int key) {
+    switch (key) {
+    case KEY_ESCAPE: Unload(window); return true;
+    case KEY_RETURN: jumpToSource(window); return true;
+    case KEY_F1: helpOnError(window); return true;
+    default: return false;
+    }
+}
+
+}  // namespace
+
+bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
+    FRAME(VIEWDLG);
+    STAMP();
+    switch (event) {
+    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window, true, false); return true;
+    case CLOSE_EVENT: SAVEINIFILE(GETIDEINIFILE(), window, true, false); return false;
+    case KEYPRESS_EVENT: return keyPressed(window, parameter);
+    case DBLCLICK_EVENT: jumpToSource(window); return true;
+    default: return false;
+    }
+}
+
+void VIEWDIALOG(const std::string& title, const std::string& file, const Font& font) {
+    FRAME(VIEWDIALOG);
+    STAMP();
+    if (!IsLoaded(ViewDlg)) Load(ViewDlg);
+    std::string text;
+    STAMP();
+    LOADFILE(file, text);
+    STAMP();
+    SetCaption(ViewDlg, title);
+    SetFont(ViewDlg, font);
+    SetText(ViewDlg, text);
+    STAMP();
+    SetSelection(ViewDlg, 1, 0);
+    Show(ViewDlg, false);
+}
+
+}  // namespace tarn

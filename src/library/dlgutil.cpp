@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "library/dlgutil.h"
+
+#include "library/profstr.h"
+#include "library/system.h"
+#include "platform/resource.h"
+
+MODULE("dlgutil")
+
+namespace tarn {
+
+int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog, const std::string& control) {
+    FRAME(GETVISUALOBJECTINFO);
+    if (resourceFile.empty() || dialog.empty() || control.empty()) return 0;
+    const std::string lines = platform::ResourceInfo(resourceFile, "Controls", dialog).text;
+    for (int i = 1; i <= STRLINES(lines); i++) {
+        const std::string line = STRLINE(lines, i);
+        if (!STREQUAL(STRTOKEN(line, 1), control)) continue;
+        bool ok = false;
+        const int number = CVTI(STRTOKEN(line, 2), ok);
+        return ok ? number : 0;
+    }
+    return 0;
+}
+
+OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption, const std::string& control) {
+    FRAME(FINDOTHERCONTROL);
+    OtherControl found;
+    found.windowClass = WindowClassName("Dialog");
+    STAMP();
+    found.window = FindOtherWindow(found.windowClass, caption);
+    found.control = GETVISUALOBJECTINFO(FILECHANGEEXT(executable, ".rcx"), "Main", control);
+    return found;
+}
+
+}  // namespace tarn

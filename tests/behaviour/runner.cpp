@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Runs one behaviour case:  user_runner MODE CASE     (MODE: model, offscreen or screen)
+//
+// The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is another
+// one beside it, made of links, so that the case has its own settings; what lies in the case's `profile` folder
+// replaces what is linked. Exit status 0: as expected; 77: skipped; 1: not, with what was on screen.
+#include "behaviour/hands.h"
+#include "ide/ide.h"
+#include "kernel/runtime.h"
+#include "os/files.h"
+#include "os/process.h"
+#include "platform/model/view.h"
+#include "support/user_script.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string root;  // of this run; removed at the end
+tarn::UserDriver* driver = nullptr;
+
+std::string readAll(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+[[noreturn]] void end(int code) {
+    std::fflush(nullptr);
+    std::error_code ignored;
+    if (!root.empty()) fs::remove_all(root, ignored);
+    _exit(code);
+}
+
+// The program has halted: what is left of the script must need no program.
+void programEnded(int) {
+    driver->programEnded();
+    if (driver->failed()) std::printf("%s", driver->failure().c_str());
+    end(driver->failed() ? 1 : 0);
+}
+
+void prepareProfile(const std::string& profile, const std::string& files) {
+    fs::create_directories(profile);
+    for (const char* name : {"ide.rcx", "logo.bmp", "mainicon.ico", "quarn.exe", "ordo.exe", "libtarnwick.so",
+                             "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
+        if (fs::exists(std::string(BINARY_DIR "/") + name)) fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
+    }
+    fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + "ide.ini");
+    if (!fs::exists(files + "profile")) return;
+    for (const auto& entry : fs::directory_iterator(files + "profile")) {
+        const std::string to = profile + entry.path().filename().string();
+        fs::remove(to);
+        fs::copy(entry.path(), to);
+    }
+}
+
+void prepareEnvironment() {
+    setenv("HOME", root.c_str(), 1);
+    for (const auto& [name, folder] : {std::pair{"XDG_CONFIG_HOME", "config"}, {"XDG_STATE_HOME", "state"},
+                                       {"XDG_RUNTIME_DIR", "run"}}) {
+        fs::create_directories(root + folder);
+        fs::permissions(root + folder, fs::perms(0700));
+        setenv(name, (root + folder).c_str(), 1);
+    }
+}
+
+void setProgram(const std::string& profile, const std::vector<std::string>& arguments) {
+    static std::vector<std::string> words;
+    words = {profile + "ide"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    static std::vector<char*> pointers;
+    pointers.clear();
+    for (std::string& word : words) pointers.push_back(word.data());
+    tarn::os::setCommandLine(static_cast<int>(pointers.size()), pointers.data());
+}
+
+// A second copy: the model alone, its boxes written to a file and closed.
+int runSecond(int argc, char** argv) {
+    setProgram(getenv("TARNWICK_SECOND"), {argv + 2, argv + argc});
+    tarn::platform::useView(tarn::platform::makeHeadlessView([](const tarn::platform::Question& question) {
+        std::ofstream log(getenv("TARNWICK_SECOND_LOG"), std::ios::app);
+        log << question.title << "\n" << question.text << "\n";
+        return std::string();
+    }));
+    tarn::RunProtected(tarn::RUNIDE);
+    return 0;
+}
+
+int skip(const char* why) {
+    std::printf("skipped: %s\n", why);
+    return 77;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc >= 2 && std::string(argv[1]) == "second") return runSecond(argc, argv);
+    if (argc != 3) return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE\n"), 2;
+    const std::string mode = argv[1], from = fs::absolute(argv[2]).string() + "/";
+    std::string pattern = (fs::temp_directory_path() / "tarnwick-case-XXXXXX").string();
+    root = std::string(mkdtemp(pattern.data())) + "/";
+    const std::string dir = root + "case/", profile = root + "profile/";
+    fs::copy(from, dir, fs::copy_options::recursive);
+    prepareProfile(profile, from);
+    tarn::Script script = tarn::parseScript(readAll(from + "script"), dir, profile);
+    if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
+    if (mode == "model" && script.realInput) end(skip("it needs real input"));
+    if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
+    prepareEnvironment();
+    fs::current_path(dir);
+    setProgram(profile, script.arguments);
+    tarn::os::useEndHook(programEnded);
+    const std::unique_ptr<tarn::Hands> hands = tarn::makeHands(mode);
+    tarn::UserDriver user(script, dir, profile, *hands);
+    driver = &user;
+    tarn::platform::view().setIdle([&user] {
+        user.idle();
+        if (!user.failed() && !user.finished()) return;
+        std::printf("%s", user.failure().c_str());
+        end(user.failed() ? 1 : 0);
+    });
+    tarn::RunProtected(tarn::RUNIDE);
+    end(1);
+}

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The environment on the object model alone, in a folder of its own: private settings, scripted answers, no screen.
+#pragma once
+
+#include "ide/ide.h"
+#include "ide/idecore.h"
+#include "ide/textedit.h"
+#include "ide/windows.h"
+#include "library/profstr.h"
+#include "library/system.h"
+#include "os/files.h"
+#include "os/process.h"
+#include "platform/model/model.h"
+#include "platform/model/view.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tarn {
+
+class IdeTest : public ::testing::Test {
+protected:
+    std::string dir;                                // with a "/" at its end
+    std::deque<std::string> answers;                // given to the questions in turn; closed boxes when none is left
+    std::vector<platform::Question> asked;
+
+    void SetUp() override {
+        std::string pattern = (std::filesystem::temp_directory_path() / "ide-test-XXXXXX").string();
+        dir = std::string(mkdtemp(pattern.data())) + "/";
+        std::filesystem::copy_file(SOURCE_DIR "/src/ide/ide.ini", dir + "ide.ini");
+        std::filesystem::copy_file(BINARY_DIR "/ide.rcx", dir + "ide.rcx");
+        setenv("XDG_STATE_HOME", (dir + "state").c_str(), 1);
+        setenv("XDG_CONFIG_HOME", (dir + "config").c_str(), 1);
+        std::string program = dir + "ide";
+        char* arguments[] = {program.data(), nullptr};
+        os::setCommandLine(1, arguments);
+        platform::SetApplicationResources(dir + "ide.rcx");
+        before_ = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
+            asked.push_back(question);
+            if (answers.empty()) return std::string();
+            std::string answer = answers.front();
+            answers.pop_front();
+            return answer;
+        }));
+        ClearError();
+        DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
+    }
+
+    void TearDown() override {
+        platform::DestroyAllWindows();
+        platform::useView(std::move(before_));
+        ClearError();
+        std::filesystem::current_path("/");
+        std::filesystem::remove_all(dir);
+    }
+
+    // Makes Main and the Code window as the start does, without the splash's wait.
+    void loadWindows() {
+        platform::RegisterWindow(SDIEdit, SDIEDIT);
+        Load(SDIEdit);
+        ASSERT_TRUE(IsLoaded(SDIEdit)) << ErrorDetails();
+    }
+
+    std::string write(const std::string& name, std::string_view bytes) {
+        EXPECT_TRUE(os::saveFile(dir + name, bytes, os::Durability::Unsynced).ok());
+        return dir + name;
+    }
+    std::string read(const std::string& path) {
+        std::string bytes;
+        os::readFile(path, bytes);
+        return bytes;
+    }
+    std::string ini() const { return dir + "ide.ini"; }
+    std::string lastText() const { return asked.empty() ? "" : asked.back().text; }
+
+private:
+    std::unique_ptr<platform::View> before_;
+};
+
+}  // namespace tarn

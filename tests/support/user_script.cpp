@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "support/user_script.h"
+
+#include "os/clock.h"
+#include "os/files.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <thread>
+#include <unistd.h>
+
+namespace tarn {
+
+using namespace platform;
+
+// ---- reading -------------------------------------------------------------------------------------------------
+
+namespace {
+
+// What each line may be: the least number of words behind its name, and whether it needs real input.
+struct LineForm {
+    std::size_t least;
+    bool realInput = false;
+};
+const std::map<std::string, LineForm> forms = {
+    {"command", {1}},   {"press", {2}},   {"set", {3}},        {"edit", {2}},       {"select", {1}},
+    {"dblclick", {2}},  {"close", {1}},   {"answer", {1}},     {"choose-file", {1}}, {"input", {1}},
+    {"pick", {1}},      {"start", {1}},   {"stop-tool", {0}},  {"clock", {1}},      {"key", {1, true}},
+    {"type", {1, true}}, {"click", {2, true}}, {"screenshot", {1}}, {"dump", {1}},  {"wait", {1}},
+    {"expect", {1}},    {"run", {1}}};
+
+const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
+
+char unescape(char c) { return c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c; }
+
+// Splits a line into its words; false when a quote stays open.
+bool splitWords(const std::string& line, std::vector<std::string>& words) {
+    std::size_t at = 0;
+    while (true) {
+        while (at < line.size() && (line[at] == ' ' || line[at] == '\t')) at++;
+        if (at == line.size()) return true;
+        std::string word;
+        if (line[at] != '"') {
+            while (at < line.size() && line[at] != ' ' && line[at] != '\t') word += line[at++];
+        } else {
+            for (at++; at < line.size() && line[at] != '"'; at++)
+                word += line[at] == '\\' && at + 1 < line.size() ? unescape(line[++at]) : line[at];
+            if (at++ == line.size()) return false;
+        }
+        words.push_back(word);
+    }
+}
+
+void substitute(std::string& text, const std::string& mark, const std::string& value) {
+    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += value.size())
+        text.replace(at, mark.size(), value);
+}
+
+std::string lineFault(const std::vector<std::string>& words) {
+    const auto form = forms.find(words[0]);
+    if (form == forms.end()) return "there is no '" + words[0] + "'";
+    if (words.size() <= form->second.least) return "'" + words[0] + "' lacks a word";
+    return {};
+}
+
+}  // namespace
+
+Script parseScript(const std::string& text, const std::string& dir, const std::string& profile) {
+    Script script;
+    int number = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        ScriptLine line{++number, {}};
+        const bool whole = splitWords(text.substr(at, end - at), line.words);
+        at = end + 1;
+        if (line.words.empty() || line.words[0][0] == '#') continue;
+        for (std::string& word : line.words) {
+            substitute(word, "{dir}", dir);
+            substitute(word, "{profile}", profile);
+        }
+        if (line.words[0] == "args") {
+            script.arguments.assign(line.words.begin() + 1, line.words.end());
+            continue;
+        }
+        const std::string fault = whole ? lineFault(line.words) : "a quote stays open";
+        if (!fault.empty() && script.error.empty()) script.error = "line " + std::to_string(number) + ": " + fault;
+        if (fault.empty()) script.realInput |= forms.at(line.words[0]).realInput;
+        script.lines.push_back(line);
+    }
+    return script;
+}
+
+// ---- what is on screen -----------------------------------------------------------------------------------------
+
+std::string dumpWindow(const Object& object) {
+    const Window* window = findWindow(object);
+    if (window == nullptr) return "(" + object.window() + " is not loaded)\n";
+    std::string text = window->name + " '" + window->caption + "'" + (window->shown ? "" : " hidden") + "\n";
+    const auto show = [&](const Control& control) {
+        text += "  " + std::string(typeName(control.type)) + " " + control.name + " '" + control.caption + "'" +
+                (control.enabled ? "" : " disabled") + (control.visible ? "" : " hidden") +
+                (control.checked ? " checked" : "") + "\n";
+    };
+    for (const auto& control : window->controls) show(*control);
+    for (const auto& item : window->menuItems) show(*item);
+    return text;
+}
+
+std::string UserDriver::onScreen() const {
+    std::string text;
+    if (const auto question = hands_.question()) {
+        text += "question '" + question->title + "': " + question->text + "\n";
+        for (const std::string& button : question->buttons) text += "  button '" + button + "'\n";
+    }
+    for (const auto& window : windows()) {
+        if (window->shown) text += "window " + window->name + " '" + window->caption + "'\n";
+    }
+    return text;
+}
+
+// ---- the walk --------------------------------------------------------------------------------------------------
+
+UserDriver::UserDriver(Script script, std::string dir, std::string profile, Hands& hands)
+    : script_(std::move(script)), dir_(std::move(dir)), profile_(std::move(profile)), hands_(hands),
+      since_(std::chrono::steady_clock::now()) {}
+
+void UserDriver::fail(const std::string& why) {
+    std::string line;
+    if (!finished()) {
+        line = "line " + std::to_string(script_.lines[at_].number) + ":";
+        for (const std::string& word : script_.lines[at_].words) line += " " + word;
+    }
+    failure_ = line + "\n" + why + "\n" + onScreen();
+}
+
+void UserDriver::idle() {
+    if (failed() || finished()) return;
+    hands_.endSplash();
+    const ScriptLine line = script_.lines[at_];
+    const Outcome outcome = ready(line);
+    if (outcome == Outcome::Failed) return;
+    if (outcome == Outcome::NotYet) {
+        if (std::chrono::steady_clock::now() - since_ > std::chrono::seconds(20))
+            fail("What the line waits for did not come. " + lastSeen_);
+        else
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        return;
+    }
+    at_++;
+    since_ = std::chrono::steady_clock::now();
+    lastSeen_.clear();
+    act(line);
+}
+
+void UserDriver::programEnded() {
+    ended_ = true;
+    for (; !failed() && !finished(); at_++) {
+        const ScriptLine& line = script_.lines[at_];
+        if (line.words[0] == "run") act(line);
+        else if (line.words[0] != "expect" || !expect(line)) fail("The program had ended. " + lastSeen_);
+        if (failed()) return;
+    }
+}
+
+UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
+    const auto& w = line.words;
+    const bool open = hands_.question().has_value();
+    const bool answers = answerLines.count(w[0]) != 0;
+    const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run";
+    if (open && !answers && !looks) {
+        fail("A question is open that nobody expects.");
+        return Outcome::Failed;
+    }
+    if (answers) return open ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "expect") return expect(line) ? Outcome::Done : Outcome::NotYet;
+    const auto shown = [](const Object& object) {
+        const Window* window = findWindow(object);
+        return window != nullptr && window->shown;
+    };
+    if (w[0] == "command") {
+        const Control* item = findControl(FindControl(Object("Main"), w[1]));
+        lastSeen_ = item == nullptr ? "There is no such control." : "It is disabled.";
+        return item != nullptr && item->enabled && shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
+    }
+    if (w[0] == "press" || w[0] == "set" || w[0] == "click") {
+        const Control* control = findControl(FindControl(Object(w[1]), w[2]));
+        return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done : Outcome::NotYet;
+    }
+    if (w[0] == "dblclick" || w[0] == "close" || w[0] == "wait")
+        return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
+    return shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
+}
+
+// ---- doing -----------------------------------------------------------------------------------------------------
+
+namespace {
+
+// The 1-based position of a line's start and its length without the line end; start 0 if there is no such line.
+Selection lineOf(const std::string& text, int number) {
+    std::size_t at = 0;
+    for (int i = 1; i < number; i++) {
+        at = text.find('\n', at);
+        if (at == std::string::npos) return {0, 0};
+        at++;
+    }
+    const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());
+    return {static_cast<int>(at) + 1, static_cast<int>(end - at)};
+}
+
+std::int64_t seconds(const std::string& text) { return std::atoll(text.c_str() + (text[0] == '+' ? 1 : 0)); }
+
+}  // namespace
+
+void UserDriver::act(const ScriptLine& line) {
+    const auto& w = line.words;
+    const std::string& what = w[0];
+    if (what == "command") userCommand(*findControl(FindControl(Object("Main"), w[1])));
+    else if (what == "press") userCommand(*findControl(FindControl(Object(w[1]), w[2])));
+    else if (what == "set") set(FindControl(Object(w[1]), w[2]), w[3]);
+    else if (what == "edit") edit(w[1], w[2]);
+    else if (what == "select") SetSelection(Object("SDIEdit"), lineOf(GetText(Object("SDIEdit")).value, std::atoi(w[1].c_str())).start, 0);
+    else if (what == "dblclick") doubleClick(Object(w[1]), std::atoi(w[2].c_str()));
+    else if (what == "close") userClose(*findWindow(Object(w[1])));
+    else if (what == "answer" && !hands_.answer(w[1])) at_--, fail("The question has no such button.");
+    else if (what == "choose-file" || what == "input" || what == "pick") {
+        if (!hands_.enter(w[1])) at_--, fail("The open question takes no such answer.");
+    } else if (what == "start") startSecond(line);
+    else if (what == "clock") os::clock().sleep(seconds(w[1]) * 1'000'000'000);
+    else if (what == "key" && !hands_.key(w[1])) at_--, fail("There is no such key.");
+    else if (what == "type") hands_.type(w[1]);
+    else if (what == "click") hands_.click(FindControl(Object(w[1]), w[2]));
+    else if (what == "screenshot") hands_.screenshot(w[1]);
+    else if (what == "dump") std::printf("%s", dumpWindow(Object(w[1])).c_str());
+    else if (what == "run") {
+        std::string command = "cd '" + dir_ + "' &&";
+        for (std::size_t i = 1; i < w.size(); i++) command += " " + w[i];
+        if (std::system(command.c_str()) != 0) at_--, fail("The command failed.");
+    }
+}
+
+void UserDriver::set(const Object& object, const std::string& value) {
+    Control& control = *findControl(object);
+    if (control.type == Type::Checkbox || control.type == Type::Radiobutton)
+        return userValue(control, std::atoi(value.c_str()));
+    if (control.type == Type::Listbox || control.type == Type::Iconlist) return userRow(control, std::atoi(value.c_str()));
+    control.text->setText(value);
+    userChange(control);
+}
+
+void UserDriver::edit(const std::string& from, const std::string& to) {
+    const Object window("SDIEdit");
+    const std::size_t at = GetText(window).value.find(from);
+    if (at == std::string::npos) {
+        at_--;
+        return fail("The Code window does not hold that text.");
+    }
+    SetSelection(window, static_cast<int>(at) + 1, static_cast<int>(from.size()));
+    SetSelText(window, to);
+}
+
+void UserDriver::doubleClick(const Object& window, int number) {
+    Window& target = *findWindow(window);
+    const Selection line = lineOf(GetText(window).value, number);
+    SetSelection(window, line.start, line.length);
+    userDoubleClick(target, 0, 0);
+}
+
+// The second copy is this program again, in the model mode and with nobody to answer it.
+void UserDriver::startSecond(const ScriptLine& line) {
+    std::string command = "TARNWICK_SECOND='" + profile_ + "' TARNWICK_SECOND_LOG='" + dir_ + line.words[1] + ".log' ";
+    command += "'/proc/" + std::to_string(getpid()) + "/exe' second";
+    for (std::size_t i = 2; i < line.words.size(); i++) command += " '" + line.words[i] + "'";
+    command += " >/dev/null 2>&1 &";
+    if (std::system(command.c_str()) != 0) at_--, fail("The second copy could not be started.");
+}
+
+// ---- expecting -------------------------------------------------------------------------------------------------
+
+namespace {
+
+std::string shownRows(const Control& control) {
+    std::string text;
+    for (const Row& row : control.rows) text += row.text + "\n";
+    return text;
+}
+
+std::string flag(bool on) { return on ? "1" : "0"; }
+
+const std::map<std::string, std::string (*)(const Control&)> properties = {
+    {"caption", [](const Control& c) { return c.caption; }},
+    {"text", [](const Control& c) { return c.text ? c.text->text() : std::string(); }},
+    {"value", [](const Control& c) { return std::to_string(c.value); }},
+    {"enabled", [](const Control& c) { return flag(c.enabled); }},
+    {"visible", [](const Control& c) { return flag(c.visible); }},
+    {"checked", [](const Control& c) { return flag(c.checked); }},
+    {"rows", shownRows},
+};
+
+}  // namespace
+
+bool UserDriver::expectControl(const ScriptLine& line) {
+    const auto& w = line.words;
+    const bool ofWindow = w.size() == 4;
+    const Object object = ofWindow ? Object(w[2]) : FindControl(Object(w[2]), w[3]);
+    const Control* control = findControl(object);
+    lastSeen_ = "There is no such control.";
+    if (control == nullptr) return false;
+    const std::string seen = properties.at(w[1])(*control);
+    lastSeen_ = "Seen: " + seen;
+    return seen == w.back();
+}
+
+bool UserDriver::expectFile(const ScriptLine& line) {
+    const auto& w = line.words;
+    std::string bytes;
+    const bool exists = os::readFile(w[2], bytes) == os::FileError::None;
+    lastSeen_ = exists ? "Seen: " + bytes.substr(0, 2000) : "There is no such file.";
+    if (w[1] == "no-file") return !exists;
+    if (w[1] == "file-has") return exists && bytes.find(w[3]) != std::string::npos;
+    return exists && bytes == w[3];
+}
+
+bool UserDriver::expect(const ScriptLine& line) {
+    const auto& w = line.words;
+    const std::string& what = w[1];
+    if (what == "file" || what == "no-file" || what == "file-has") return expectFile(line);
+    if (ended_) return false;
+    if (what == "message") {
+        const auto question = hands_.question();
+        lastSeen_ = question ? "Seen: '" + question->title + "' " + question->text : "No question is open.";
+        return question && question->title == w[2] && question->text.starts_with(w[3]);
+    }
+    if (what == "active") {
+        lastSeen_ = "Active: " + ActiveWindow().window();
+        return ActiveWindow() == Object(w[2]);
+    }
+    if (what == "hidden") {
+        const Window* window = findWindow(Object(w[2]));
+        return window == nullptr || !window->shown;
+    }
+    if (what == "line") {
+        const std::string text = GetText(Object("SDIEdit")).value;
+        const int start = GetSelection(Object("SDIEdit")).value.start;
+        const auto here = 1 + std::count(text.begin(), text.begin() + std::min<std::ptrdiff_t>(start - 1, std::ssize(text)), '\n');
+        lastSeen_ = "Line " + std::to_string(here);
+        return std::to_string(here) == w[2];
+    }
+    if (properties.count(what) != 0) return expectControl(line);
+    fail("There is no such expectation.");
+    return false;
+}
+
+}  // namespace tarn

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A user as a script of plain lines, who works the program through the object model or through real widgets.
+//
+//   args FILE ...                   command line of the program (first line only)
+//   command NAME                    picks a menu item or button of Main
+//   press WINDOW CONTROL            presses a control
+//   set WINDOW CONTROL VALUE        types a text, ticks a box, picks a row
+//   edit "old" "new"                replaces a text in the Code window
+//   select LINE                     puts the caret at a line of the Code window
+//   dblclick WINDOW LINE            double click on a line of an edit window or a row of a list
+//   close WINDOW                    the window's close button
+//   answer "&Yes"                   a button of the question that is open
+//   choose-file F, input T, pick R  what the open file, input or list box is given ("" cancels)
+//   start NAME FILE ...             a second copy of the program; its boxes go to {dir}/NAME.log
+//   stop-tool                       the Stop button while a tool runs
+//   clock +3s                       lets time go by
+//   key F1, type TEXT, click WINDOW CONTROL     real input (such a case is skipped in the model mode)
+//   screenshot NAME                 a picture of the screen, where there is one
+//   run COMMAND ...                 a shell command in {dir}
+//   dump WINDOW                     prints names, captions and states, without geometry
+//   wait WINDOW                     until it is visible
+//   expect caption|text|value|enabled|visible|checked|rows WINDOW [CONTROL] VALUE
+//   expect active WINDOW, expect hidden WINDOW, expect line N (caret of the Code window)
+//   expect message TITLE TEXT       the open question, its text beginning so
+//   expect file F TEXT, expect file-has F TEXT, expect no-file F, expect ini SECTION KEY VALUE
+//
+// Words are separated by blanks; a word in double quotes may hold blanks, \n, \t, \" and \\. {dir} is the case's
+// folder, {profile} the folder of the program. `#` begins a comment line. A line waits up to 20 seconds for what it
+// needs. A question that the next line does not answer, or an answer without a question, fails the case.
+#pragma once
+
+#include "platform/model/model.h"
+#include "platform/model/view.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn {
+
+struct ScriptLine {
+    int number = 0;
+    std::vector<std::string> words;
+};
+
+struct Script {
+    std::vector<std::string> arguments;  // of the program
+    std::vector<ScriptLine> lines;
+    bool realInput = false;
+    std::string error;  // of the script's own text; empty if it is well formed
+};
+Script parseScript(const std::string& text, const std::string& dir, const std::string& profile);
+
+// A question as the user sees it.
+struct ShownQuestion {
+    std::string title, text;
+    std::vector<std::string> buttons;
+};
+
+// How the user reaches questions and keys: through the headless view, or through widgets.
+class Hands {
+public:
+    virtual ~Hands() = default;
+    virtual std::optional<ShownQuestion> question() = 0;
+    virtual bool answer(const std::string& caption) = 0;  // false: there is no such button
+    virtual bool enter(const std::string& text) = 0;      // file, input and list boxes; empty cancels
+    virtual bool key(const std::string& name) = 0;
+    virtual bool type(const std::string& text) = 0;
+    virtual bool click(const platform::Object& control) = 0;
+    virtual bool stopTool() = 0;
+    virtual void endSplash() = 0;
+    virtual void screenshot(const std::string& path) = 0;
+};
+
+class UserDriver {
+public:
+    UserDriver(Script script, std::string dir, std::string profile, Hands& hands);
+    void idle();                   // does the next line if it can be done now
+    void programEnded();           // does the lines that need no program
+    [[nodiscard]] bool failed() const { return !failure_.empty(); }
+    [[nodiscard]] bool finished() const { return at_ >= script_.lines.size(); }
+    [[nodiscard]] const std::string& failure() const { return failure_; }
+
+private:
+    enum class Outcome { Done, NotYet, Failed };
+    Script script_;
+    std::string dir_, profile_;
+    Hands& hands_;
+    std::size_t at_ = 0;
+    std::string failure_, lastSeen_;
+    bool ended_ = false;
+    std::chrono::steady_clock::time_point since_;
+
+    void fail(const std::string& why);
+    Outcome ready(const ScriptLine& line);
+    void act(const ScriptLine& line);
+    bool expect(const ScriptLine& line);
+    bool expectControl(const ScriptLine& line);
+    bool expectFile(const ScriptLine& line);
+    void set(const platform::Object& object, const std::string& value);
+    void edit(const std::string& from, const std::string& to);
+    void doubleClick(const platform::Object& window, int line);
+    void startSecond(const ScriptLine& line);
+    [[nodiscard]] std::string onScreen() const;
+};
+
+std::string dumpWindow(const platform::Object& window);
+
+}  // namespace tarn
