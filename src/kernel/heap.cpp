@@ -91,8 +91,7 @@ struct Heap {
 };
 Heap heap;
 
-// ---- the range
-// ------------------------------------------------------------------------------------------------
+// ---- the range ----------------------------------------------------------------------------------
 
 bool reserve() {
     for (std::uint64_t bytes = largestReserve; bytes >= smallestReserve; bytes /= 2) {
@@ -122,8 +121,7 @@ Offset extend(std::int32_t bytes) {
     return block;
 }
 
-// ---- raw blocks
-// -----------------------------------------------------------------------------------------------
+// ---- raw blocks ---------------------------------------------------------------------------------
 
 // Tells the address sanitizer which bytes of a block of class `index` may be touched.
 void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_unused]] std::int32_t bytes) {
@@ -202,8 +200,7 @@ void giveRaw(Offset block, std::int32_t bytes) {
     pushFree(block, index);
 }
 
-// ---- guarded blocks
-// -------------------------------------------------------------------------------------------
+// ---- guarded blocks -----------------------------------------------------------------------------
 
 using Guard = std::array<char, 4>;
 constexpr Guard headGuard{'L', 'M', 'L', 'M'}, edgeGuard{'<', '>', '<', '>'};
@@ -306,8 +303,7 @@ std::int32_t plausible(Offset block, std::int32_t size) {
     return ERR_NONE;
 }
 
-// ---- requests
-// -------------------------------------------------------------------------------------------------
+// ---- requests -----------------------------------------------------------------------------------
 
 bool sizeAllowed(std::int32_t size) {
     if (size >= 1 && size <= MaxBlock) [[likely]]
@@ -406,6 +402,13 @@ bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
     std::memcpy(At(moved), At(block), static_cast<std::size_t>(std::min(oldSize, newSize)));
     release(block, oldSize);
     block = moved;
+    return true;
+}
+
+bool ResizeInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize) {
+    if (block == 0 || heap.checking || newSize < 1 || newSize > MaxBlock) return false;
+    if (plausible(block, oldSize) != ERR_NONE || classOf(oldSize) != classOf(newSize)) return false;
+    resizeInPlace(block, newSize);
     return true;
 }
 
