@@ -73,6 +73,9 @@ public:
     virtual int textWidth(const Control& control, std::string_view text) = 0;
     virtual int textHeight(const Control& control, std::string_view text) = 0;
     virtual Rect screen() = 0;
+    // What the frame of `window` adds to its client area: x and y are the offset of the client area in the frame,
+    // w and h the pixels that the frame has more than the client area. A menu bar belongs to the frame.
+    virtual Rect frameExtents(const Window& window) { (void)window; return {}; }
     virtual int dpi() = 0;
 
     virtual void sound() = 0;
@@ -109,6 +112,9 @@ View& view();
 std::unique_ptr<View> useView(std::unique_ptr<View> view);  // returns the one before; for tests
 // `answer` plays the user at every question; without it each one is answered by closing its box.
 std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer = {});
+// Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the progress
+// is hidden. False if none is shown.
+bool pressToolStop();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();
