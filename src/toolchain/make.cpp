@@ -157,7 +157,7 @@ private:
     // The program is made under another name and put in its place, so that one that still runs is not disturbed.
     void runLinker(const std::string& compiler, const std::string& library, const std::string& start) {
         const std::string made = workFolder(main_.path) + stemOf(main_.path) + ".new";
-        std::vector<std::string> arguments = {"-w", "-o", made, start};
+        std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-o", made, start};
         for (const SourceClass& item : sources_.classes) arguments.push_back(objectFile(item.path));
         for (const std::string& word : {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
                                         "-Wl,-rpath," + library})
