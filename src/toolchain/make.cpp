@@ -37,6 +37,16 @@ std::string compilerLine() {
     return line.empty() ? "\"" + toolFolder() + "quarn.exe\" /p1 /d1 /q /s3000 ^.cls" : line;
 }
 
+// What the placeholders of paths in resource files stand for.
+std::vector<platform::ResourceFolder> resourceFolders(const std::string& compilerFolder) {
+    const std::string settings = settingsFile();
+    const std::string folder = settings.empty() ? std::string() : PROFILESTRGET(settings, "PathsOptionsDlg", "Edit5");
+    return {{"<RESOURCEDIR>", folder},
+            {"{RESOURCEDIR}", folder},
+            {"<COMPILERDIR>", compilerFolder},
+            {"{COMPILERDIR}", compilerFolder}};
+}
+
 bool isPathOption(const std::string& word) {
     return word.size() > 2 && (word[0] == '/' || word[0] == '-') && (word[1] == 'i' || word[1] == 'I') &&
            !isClassFile(word);
@@ -124,7 +134,8 @@ private:
         std::vector<std::string> files;
         for (const SourceClass& item : sources_.classes)
             if (!item.resource.empty()) files.push_back(item.resource);
-        const std::string errors = platform::CompileResources(files, sources_.companion);
+        const std::string errors =
+            platform::CompileResources(files, sources_.companion, resourceFolders(result_.compilerFolder));
         if (errors.empty()) return;
         const bool isMessage = errors.find(" : error ") != std::string::npos;
         if (isMessage) result_.report += errors;
@@ -146,7 +157,7 @@ private:
     // The program is made under another name and put in its place, so that one that still runs is not disturbed.
     void runLinker(const std::string& compiler, const std::string& library, const std::string& start) {
         const std::string made = workFolder(main_.path) + stemOf(main_.path) + ".new";
-        std::vector<std::string> arguments = {"-w", "-o", made, start};
+        std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-o", made, start};
         for (const SourceClass& item : sources_.classes) arguments.push_back(objectFile(item.path));
         for (const std::string& word : {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
                                         "-Wl,-rpath," + library})

@@ -19,7 +19,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::BadNumber, "% is not a number"},
     {Problem::NameTooLong, "the name '%' is longer than 40 characters"},
 
-    {Problem::Expected, "% is expected here, not %"},
+    {Problem::Expected, "% is expected, but % follows"},
     {Problem::TooDeep, "this is nested too deeply (more than 100 levels)"},
     {Problem::NoClass, "a class begins with '% Class' and its name"},
     {Problem::TextBehindClass, "nothing but comments may stand behind 'End class'"},

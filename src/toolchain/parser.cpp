@@ -84,6 +84,7 @@ private:
     }
 
     void report(Problem problem, std::initializer_list<std::string_view> values = {}) {
+        if (!panic_) errorLine_ = here().line;
         reportAt(here().line, problem, values);
         panic_ = true;
     }
@@ -91,11 +92,13 @@ private:
         if (!panic_ && here().kind != TokenKind::Bad) messages_.add(path_, line, problem, values);
         tree_->complete = false;
     }
+    // What is missing is missing at the end of the line before, if a new line has begun.
     void reportExpected(std::string_view what) {
-        if (isWord(Word::Later))
-            report(Problem::NotAccepted, {here().text});
-        else
-            report(Problem::Expected, {what, found()});
+        if (isWord(Word::Later) && !here().firstOnLine) return report(Problem::NotAccepted, {here().text});
+        const int line = here().firstOnLine && position_ > 0 ? tokens_[position_ - 1].line : here().line;
+        if (!panic_) errorLine_ = line;
+        reportAt(line, Problem::Expected, {what, found()});
+        panic_ = true;
     }
     bool expect(Word word) {
         if (accept(word)) return true;
@@ -111,11 +114,10 @@ private:
     // Goes on behind an error: at the first token of a later line that can begin a statement, a declaration or the
     // end of a block.
     void synchronise() {
-        const int line = here().line;
         while (!atEnd()) {
             const Token& token = here();
             const bool begins = token.kind == TokenKind::Name || endsBlock(token.word) || isStatementWord(token.word);
-            if (token.firstOnLine && token.line > line && begins) break;
+            if (token.firstOnLine && token.line > errorLine_ && begins) break;
             if (token.firstOnLine && endsBlock(token.word) && position_ != lastSynchronised_) break;
             advance();
         }
@@ -181,7 +183,7 @@ private:
         else if (isWord(Word::Function)) function(isPublic, begin);
         else if (isWord(Word::Var) && hasScope) classVariables(isPublic, begin);
         else if (isWord(Word::Var)) report(Problem::BareClassVariable);
-        else reportExpected("a declaration or 'end class'");
+        else report(Problem::Expected, {"a declaration or 'end class'", found()});
         if (panic_) synchroniseDeclaration(begin);
     }
 
@@ -475,7 +477,8 @@ private:
     void block(Block& statements) {
         if (++depth_ > MaxNesting) {
             report(Problem::TooDeep);
-            while (!atEnd() && !atForwardEnd()) advance();
+            while (!atEnd() && !atForwardEnd() && !(isWord(Word::End) && peek(1).word == Word::Function)) advance();
+            lastUnclosed_ = position_;
         }
         while (!atEnd() && !endsBlock(here().word)) {
             const std::size_t begin = position_;
@@ -497,7 +500,8 @@ private:
             if (accept(word)) return;
             --position_;
         }
-        if (panic_) return;
+        // Several blocks that end at one place are told once, by the innermost.
+        if (panic_ || std::exchange(lastUnclosed_, position_) == position_) return;
         const std::string what(spelling(word));
         reportAt(here().line, Problem::NotClosed, {what, std::to_string(line), "end " + what, found()});
         if (isWord(Word::End) && !outer) {
@@ -588,10 +592,6 @@ private:
     StatementPtr forStatement(int line) {
         advance();
         auto result = make(StatementKind::For, line);
-        if (isWord(Word::Later)) {
-            report(Problem::NotAccepted, {here().text});
-            return nullptr;
-        }
         std::string text;
         if (name(text, "the name of a variable")) {
             result->target = makeName(text, line);
@@ -819,9 +819,10 @@ private:
     const std::string path_;
     Messages& messages_;
     std::vector<Token> tokens_;
-    std::size_t position_ = 0, lastSynchronised_ = 0;
+    std::size_t position_ = 0, lastSynchronised_ = 0, lastUnclosed_ = 0;
     ClassTree* tree_ = nullptr;
     int depth_ = 0;
+    int errorLine_ = 0;  // of the last message
     bool panic_ = false;
     bool result_ = false;    // the function being read has one
     bool headKnown_ = true;  // its head could be read

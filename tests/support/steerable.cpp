@@ -95,6 +95,7 @@ struct SteeredFiles::Node {
     std::uint64_t inode = 0;
     std::uint32_t links = 1;
     State state, lasting;
+    bool everSynced = false;
     std::map<std::string, NodePointer> names, lastingNames;  // of a folder
 };
 
@@ -115,7 +116,7 @@ SteeredFiles::NodePointer SteeredFiles::newNode(int kind, std::uint32_t mode) {
     node->inode = nextInode_++;
     node->state.mode = mode;
     node->state.modified = clock().now();
-    if (kind != AFile) node->lasting = node->state;
+    if (kind != AFile) settle(*node);
     return node;
 }
 
@@ -188,6 +189,7 @@ bool SteeredFiles::may(const Node& node, std::uint32_t bits) const {
 void SteeredFiles::settle(Node& node) {
     node.lasting = node.state;
     node.lastingNames = node.names;
+    node.everSynced = true;
 }
 
 SteeredFiles::Place SteeredFiles::prepare(const std::string& path) {
@@ -328,20 +330,21 @@ void SteeredFiles::revive() {
     open_.clear();
 }
 
-void SteeredFiles::forget(const NodePointer& node, Names names, std::vector<const Node*>& seen) {
+void SteeredFiles::forget(const NodePointer& node, Names names, Overwritten overwritten,
+                          std::vector<const Node*>& seen) {
     if (std::find(seen.begin(), seen.end(), node.get()) != seen.end()) return;
     seen.push_back(node.get());
-    node->state = node->lasting;
+    if (overwritten == Overwritten::Lost || !node->everSynced) node->state = node->lasting;
     if (names == Names::Lost) node->names = node->lastingNames;
-    node->lastingNames = node->names;
-    for (const auto& [name, child] : node->names) forget(child, names, seen);
+    settle(*node);
+    for (const auto& [name, child] : node->names) forget(child, names, overwritten, seen);
 }
 
-void SteeredFiles::afterMachineDeath(Names names) {
+void SteeredFiles::afterMachineDeath(Names names, Overwritten overwritten) {
     revive();
     current_ = "/";
     std::vector<const Node*> seen;
-    forget(root_, names, seen);
+    forget(root_, names, overwritten, seen);
 }
 
 // The failure of this call, if one was ordered for it.
@@ -488,6 +491,7 @@ FileError SteeredFiles::sync(Handle handle) {
     if (error != FileError::None) return error;
     if (file == nullptr) return FileError::WriteFailed;
     file->node->lasting = file->node->state;
+    file->node->everSynced = true;
     return FileError::None;
 }
 
