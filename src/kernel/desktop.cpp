@@ -19,7 +19,7 @@ void close() {
     platform::DestroyAllWindows();
 }
 
-Desktop desktop{platform::Sound, box, platform::SetTrace, close};
+Desktop desktop{[] { platform::Sound(); }, box, [](int mode) { platform::SetTrace(mode); }, close};
 
 }  // namespace
 

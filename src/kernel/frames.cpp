@@ -151,7 +151,7 @@ void RegisterVariable(std::string_view name, char role, std::int32_t kind, void*
     if (variableTable == nullptr || variableTable->count >= MaxVariables) return;
     if (role == 0 || roles.find(role) == std::string_view::npos) return;
     if (kind < 1 || kind > 12 || address == nullptr) return;
-    Variable& entry = variableTable->entries[variableTable->count++];
+    VariableEntry& entry = variableTable->entries[variableTable->count++];
     entry.name[name.copy(entry.name, MaxName)] = 0;
     entry.role = role;
     entry.kind = kind;

@@ -31,7 +31,7 @@ struct FrameStack {
     FrameRecord frames[MaxFrames];
 };
 
-struct Variable {
+struct VariableEntry {
     char name[MaxName + 1];
     char role;          // C, I, N, O or V
     std::int32_t kind;  // 1 to 12
@@ -41,7 +41,7 @@ struct Variable {
 
 struct VariableTable {
     std::int32_t count;
-    Variable entries[MaxVariables];
+    VariableEntry entries[MaxVariables];
 };
 
 struct ClassEntry {

@@ -167,13 +167,17 @@ TEST_F(Errors, EveryOtherCodeIsAnApplicationError) {
     std::set<std::int32_t> known{0};
     for (const auto& row : texts) known.insert(row.code);
     for (std::int32_t code = -100; code < 2000; ++code) {
-        if (known.count(code) == 0) { EXPECT_EQ(ErrorMessage(code), "Application defined error") << code; }
+        if (known.count(code) == 0) {
+            EXPECT_EQ(ErrorMessage(code), "Application defined error") << code;
+        }
     }
     for (const std::int32_t code : {INT32_MIN, INT32_MAX, 32768, 65535})
         EXPECT_EQ(ErrorMessage(code), "Application defined error") << code;
 }
 
-TEST_F(Errors, ZeroHasTheEmptyText) { EXPECT_EQ(ErrorMessage(0), ""); }
+TEST_F(Errors, ZeroHasTheEmptyText) {
+    EXPECT_EQ(ErrorMessage(0), "");
+}
 
 TEST_F(Errors, ConstantsNameTheirCodes) {
     EXPECT_EQ(ERR_ACCESS_VIOLATION, 5);

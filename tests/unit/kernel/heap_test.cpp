@@ -116,7 +116,8 @@ TEST_P(BothHeaps, ResizeKeepsTheFirstBytes) {
     for (const std::int32_t next : {11, 16, 17, 300, 5000, 4096000, 40, 10, 4}) {
         EXPECT_TRUE(Resize(block, size, next));
         size = next;
-        EXPECT_EQ(std::memcmp(At(block), "0123456789", static_cast<std::size_t>(std::min(10, next))), 0) << next;
+        EXPECT_EQ(std::memcmp(At(block), "0123456789", static_cast<std::size_t>(std::min(10, next))), 0)
+            << next;
     }
     Free(block, size);
     EXPECT_EQ(takeError(), 0);
@@ -136,9 +137,7 @@ TEST_P(BothHeaps, ResizeStaysInPlaceInsideItsClass) {
 }
 
 TEST_P(BothHeaps, AFailedResizeLeavesTheBlock) {
-    constexpr struct {
-        std::int32_t size, error;
-    } rows[] = {{0, 821}, {-5, 804}, {4096001, 804}};
+    constexpr struct { std::int32_t size, error; } rows[] = {{0, 821}, {-5, 804}, {4096001, 804}};
     Offset block = make(3);
     std::memcpy(At(block), "abc", 3);
     const Offset was = block;

@@ -25,11 +25,24 @@ TEST_F(Numbers, DivisionRoundsTowardsMinusInfinity) {
     constexpr struct {
         std::int32_t a, b, quotient, rest;
     } rows[] = {
-        {-7, 2, -4, 1},  {7, -2, -4, -1}, {-7, -2, 3, -1}, {7, 2, 3, 1},      {6, 3, 2, 0},         {-6, 3, -2, 0},
-        {0, 5, 0, 0},    {0, -5, 0, 0},   {1, -2, -1, -1}, {-1, 2, -1, 1},    {1, INT_MIN, -1, INT_MIN + 1},
-        {INT_MIN, 1, INT_MIN, 0},         {INT_MIN, -1, INT_MIN, 0},          {INT_MIN, 2, INT_MIN / 2, 0},
-        {INT_MIN, INT_MAX, -2, INT_MAX - 1},               {INT_MAX, INT_MIN, -1, -1},
-        {INT_MIN, INT_MIN, 1, 0},         {INT_MAX, -1, -INT_MAX, 0},
+        {-7, 2, -4, 1},
+        {7, -2, -4, -1},
+        {-7, -2, 3, -1},
+        {7, 2, 3, 1},
+        {6, 3, 2, 0},
+        {-6, 3, -2, 0},
+        {0, 5, 0, 0},
+        {0, -5, 0, 0},
+        {1, -2, -1, -1},
+        {-1, 2, -1, 1},
+        {1, INT_MIN, -1, INT_MIN + 1},
+        {INT_MIN, 1, INT_MIN, 0},
+        {INT_MIN, -1, INT_MIN, 0},
+        {INT_MIN, 2, INT_MIN / 2, 0},
+        {INT_MIN, INT_MAX, -2, INT_MAX - 1},
+        {INT_MAX, INT_MIN, -1, -1},
+        {INT_MIN, INT_MIN, 1, 0},
+        {INT_MAX, -1, -INT_MAX, 0},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(IntegerDiv(row.a, row.b), row.quotient) << row.a << " " << row.b;
@@ -155,9 +168,10 @@ TEST_F(Numbers, BooleansAreWords) {
     constexpr struct {
         std::string_view text;
         bool ok, value;
-    } rows[] = {{"True", true, true},     {"tRUE", true, true},    {"Yes", true, true},   {"yes", true, true},
-                {"False", true, false},   {"FALSE", true, false},  {"No", true, false},   {"", false, true},
-                {"Trueness", false, true}, {"Tru", false, true},    {" True", false, true}, {"1", false, true}};
+    } rows[] = {{"True", true, true}, {"tRUE", true, true},   {"Yes", true, true},
+                {"yes", true, true},  {"False", true, false}, {"FALSE", true, false},
+                {"No", true, false},  {"", false, true},      {"Trueness", false, true},
+                {"Tru", false, true}, {" True", false, true}, {"1", false, true}};
     for (const auto& row : rows) {
         bool value = true, ok = !row.ok;
         if (row.ok) value = !row.value;
@@ -180,8 +194,14 @@ TEST_F(Numbers, CheckSums) {
 TEST_F(Numbers, Base64) {
     constexpr struct {
         std::string_view bytes, text;
-    } rows[] = {{"", ""},         {"f", "Zg=="},         {"fo", "Zm8="},         {"foo", "Zm9v"},
-                {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"}, {"\xFF\xFE\xFD", "//79"}};
+    } rows[] = {{"", ""},
+                {"f", "Zg=="},
+                {"fo", "Zm8="},
+                {"foo", "Zm9v"},
+                {"foob", "Zm9vYg=="},
+                {"fooba", "Zm9vYmE="},
+                {"foobar", "Zm9vYmFy"},
+                {"\xFF\xFE\xFD", "//79"}};
     for (const auto& row : rows) {
         EXPECT_EQ(Base64Encode(row.bytes), row.text);
         std::string bytes = "old";

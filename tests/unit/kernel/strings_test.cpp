@@ -263,13 +263,20 @@ TEST_F(Strings, BuffersAssignByEncoding) {
         std::int32_t count;
         std::string_view text;
     } rows[] = {
-        {"ASCII", "abc", 3, "abc"},        {"ASCII", "abc", 2, "ab"},
-        {"ASCII", "a\0c"sv, 3, "a"},       {"ASCII", "abc", 0, ""},
-        {"ASCII", "abc", -1, ""},          {"WCHAR", "a\0b\0c\0"sv, 6, "abc"},
-        {"WCHAR", "a\0b\0c\0"sv, 5, "abc"}, {"WCHAR", "a\0b\0c\0"sv, 4, "ab"},
-        {"WCHAR", "a\0\0\0c\0"sv, 6, "a"}, {"WCHAR", "a\1b\2"sv, 4, "ab"},
-        {"WCHAR", "a\0"sv, 1, "a"},        {"OTHER", "abc", 3, ""},
-        {"ascii", "abc", 3, ""},           {"", "abc", 3, ""},
+        {"ASCII", "abc", 3, "abc"},
+        {"ASCII", "abc", 2, "ab"},
+        {"ASCII", "a\0c"sv, 3, "a"},
+        {"ASCII", "abc", 0, ""},
+        {"ASCII", "abc", -1, ""},
+        {"WCHAR", "a\0b\0c\0"sv, 6, "abc"},
+        {"WCHAR", "a\0b\0c\0"sv, 5, "abc"},
+        {"WCHAR", "a\0b\0c\0"sv, 4, "ab"},
+        {"WCHAR", "a\0\0\0c\0"sv, 6, "a"},
+        {"WCHAR", "a\1b\2"sv, 4, "ab"},
+        {"WCHAR", "a\0"sv, 1, "a"},
+        {"OTHER", "abc", 3, ""},
+        {"ascii", "abc", 3, ""},
+        {"", "abc", 3, ""},
     };
     for (const auto& row : rows) {
         String s(std::string_view("before"));
@@ -286,9 +293,12 @@ TEST_F(Strings, ConcatIntoFixedStringsKeepsWhatFits) {
         std::string_view a, b, text;
         std::int32_t error;
     } rows[] = {
-        {"", "abcdefghijk", "abcdefghij", 615}, {"abcdefghijk", "", "abcdefghij", 615},
-        {"abcdef", "ghijkl", "abcdefghij", 615}, {"abcdefghijk", "z", "abcdefghij", 615},
-        {"abcde", "fghij", "abcdefghij", 0},     {"", "", "", 0},
+        {"", "abcdefghijk", "abcdefghij", 615},
+        {"abcdefghijk", "", "abcdefghij", 615},
+        {"abcdef", "ghijkl", "abcdefghij", 615},
+        {"abcdefghijk", "z", "abcdefghij", 615},
+        {"abcde", "fghij", "abcdefghij", 0},
+        {"", "", "", 0},
         {"a", "b", "ab", 0},
     };
     for (const auto& row : rows) {
@@ -380,9 +390,12 @@ TEST_F(Strings, AppendsFillFixedStringsAndNothingElse) {
         std::int32_t capacity;
         std::string_view text, more, result;
     } rows[] = {
-        {8, "1234", "EFGHIJ", "1234EFGH"},   {10, "PQRSTUVWXY", "R", "PQRSTUVWXY"},
-        {10, "1234", "ABCD", "1234ABCD"},    {10, "123456", "ABCDEF", "123456ABCD"},
-        {UNBOUNDED, "1234", "ABCD", "1234"}, {UNBOUNDED, "", "ABCD", ""},
+        {8, "1234", "EFGHIJ", "1234EFGH"},
+        {10, "PQRSTUVWXY", "R", "PQRSTUVWXY"},
+        {10, "1234", "ABCD", "1234ABCD"},
+        {10, "123456", "ABCDEF", "123456ABCD"},
+        {UNBOUNDED, "1234", "ABCD", "1234"},
+        {UNBOUNDED, "", "ABCD", ""},
         {4, "", "", ""},
     };
     for (const auto& row : rows) {
@@ -390,7 +403,8 @@ TEST_F(Strings, AppendsFillFixedStringsAndNothingElse) {
         std::string shortText(1, static_cast<char>(row.more.size()));
         shortText += row.more;
         String a = fixed(row.capacity, row.text), b = fixed(row.capacity, row.text),
-               c = fixed(row.capacity, row.text), d = fixed(row.capacity, row.text), e = fixed(row.capacity, row.text);
+               c = fixed(row.capacity, row.text), d = fixed(row.capacity, row.text),
+               e = fixed(row.capacity, row.text);
         StringAppend(a.get(), more.get());
         StringAppendShort(b.get(), reinterpret_cast<const unsigned char*>(shortText.data()));
         StringAppendText(c.get(), std::string(row.more).c_str());
@@ -435,10 +449,10 @@ TEST_F(Strings, DeleteCutsAStretch) {
         std::int32_t position, count;
         std::string_view text;
     } rows[] = {
-        {6, 4, "123450"},  {2, 8, "10"},      {2, 2, "14567890"},       {6, 5, "12345"},
-        {6, 6, "12345"},   {6, all, "12345"}, {1, 5, "67890"},          {1, 10, ""},
-        {1, 11, ""},       {1, all, ""},      {0, all, "1234567890"},   {11, all, "1234567890"},
-        {10, 1, "123456789"}, {1, 0, "1234567890"}, {1, -1, "1234567890"}, {INT32_MIN, all, "1234567890"},
+        {6, 4, "123450"},     {2, 8, "10"},         {2, 2, "14567890"},     {6, 5, "12345"},
+        {6, 6, "12345"},      {6, all, "12345"},    {1, 5, "67890"},        {1, 10, ""},
+        {1, 11, ""},          {1, all, ""},         {0, all, "1234567890"}, {11, all, "1234567890"},
+        {10, 1, "123456789"}, {1, 0, "1234567890"}, {1, -1, "1234567890"},  {INT32_MIN, all, "1234567890"},
     };
     for (const auto& row : rows) {
         String s = fixed(10, "1234567890");
@@ -499,11 +513,11 @@ TEST_F(Strings, ComparisonsGoByTheFirstDifference) {
         std::string_view a, b;
         std::int32_t exact, folded;
     } rows[] = {
-        {"", "", 0, 0},          {"A", "a", -1, 0},       {"A", "B", -1, -1},      {"a", "B", 1, -1},
-        {"AZZ", "azz", -1, 0},   {"AZZ", "BZZ", -1, -1},  {"ZAZ", "ZBZ", -1, -1},  {"ZZA", "ZZB", -1, -1},
-        {"BZZ", "AZZ", 1, 1},    {"", "a", -1, -1},       {"abc", "ab", 1, 1},     {"ab", "abc", -1, -1},
-        {"\x80", "z", 1, 1},     {"\xFF", "\x01", 1, 1},  {"a\0b"sv, "a\0c"sv, -1, -1},
-        {"[", "a", -1, -1},      {"_", "A", 1, -1},       {"\xC4", "\xE4", -1, -1},
+        {"", "", 0, 0},        {"A", "a", -1, 0},        {"A", "B", -1, -1},           {"a", "B", 1, -1},
+        {"AZZ", "azz", -1, 0}, {"AZZ", "BZZ", -1, -1},   {"ZAZ", "ZBZ", -1, -1},       {"ZZA", "ZZB", -1, -1},
+        {"BZZ", "AZZ", 1, 1},  {"", "a", -1, -1},        {"abc", "ab", 1, 1},          {"ab", "abc", -1, -1},
+        {"\x80", "z", 1, 1},   {"\xFF", "\x01", 1, 1},   {"a\0b"sv, "a\0c"sv, -1, -1}, {"[", "a", -1, -1},
+        {"_", "A", 1, -1},     {"\xC4", "\xE4", -1, -1},
     };
     for (const auto& row : rows) {
         const String a(row.a), b(row.b);
@@ -515,8 +529,8 @@ TEST_F(Strings, ComparisonsGoByTheFirstDifference) {
         const struct {
             const char* op;
             bool holds;
-        } ops[] = {{"EQ", exact == 0}, {"NE", exact != 0}, {"GT", exact > 0}, {"LT", exact < 0}, {"GE", exact >= 0},
-                   {"LE", exact <= 0}};
+        } ops[] = {{"EQ", exact == 0}, {"NE", exact != 0}, {"GT", exact > 0},
+                   {"LT", exact < 0},  {"GE", exact >= 0}, {"LE", exact <= 0}};
         for (const auto& op : ops) {
             EXPECT_EQ(StringCompareOp(op.op, a.get(), b.get()), op.holds ? 1 : 0) << op.op;
             EXPECT_EQ(StringCompareOp(op.op, row.a, b.get()), op.holds ? 1 : 0) << op.op;
@@ -528,8 +542,10 @@ TEST_F(Strings, ComparisonsGoByTheFirstDifference) {
 
 TEST_F(Strings, OperatorsAreReadFromTwoCharactersInAnyCase) {
     const String a(std::string_view("a"));
-    for (const char* op : {"eq", "Eq", "eQ", "equal", "LE", "ge"}) EXPECT_EQ(StringCompareOp(op, a.get(), a.get()), 1);
-    for (const char* op : {"", "E", "=", "XX", "QE"}) EXPECT_EQ(StringCompareOp(op, a.get(), a.get()), 0) << op;
+    for (const char* op : {"eq", "Eq", "eQ", "equal", "LE", "ge"})
+        EXPECT_EQ(StringCompareOp(op, a.get(), a.get()), 1);
+    for (const char* op : {"", "E", "=", "XX", "QE"})
+        EXPECT_EQ(StringCompareOp(op, a.get(), a.get()), 0) << op;
 }
 
 TEST_F(Strings, CharactersOutsideTheTextReadAsZeroAndWriteNothing) {
@@ -548,15 +564,16 @@ TEST_F(Strings, TheDatabaseNullIsSixCharacters) {
     const struct {
         std::string_view text;
         bool null;
-    } rows[] = {{"\0NULL\0"sv, true}, {"NULL", false}, {"\0NULL"sv, false}, {"\0NULL\0\0"sv, false},
-                {"\0null\0"sv, false}, {"", false}};
+    } rows[] = {{"\0NULL\0"sv, true},    {"NULL", false},       {"\0NULL"sv, false},
+                {"\0NULL\0\0"sv, false}, {"\0null\0"sv, false}, {"", false}};
     for (const auto& row : rows) {
         const String s(row.text);
         EXPECT_EQ(StringIsNull(s.get()), row.null);
     }
 }
 
-// Each operation that needs memory, with the n-th request failing: 802, the destination empty or unchanged, no leak.
+// Each operation that needs memory, with the n-th request failing: 802, the destination empty or unchanged,
+// no leak.
 TEST_F(Strings, EveryOperationSurvivesAnAllocatorThatFails) {
     const String a(std::string_view("first")), b(std::string(500, 'b'));
     const struct {
@@ -565,7 +582,10 @@ TEST_F(Strings, EveryOperationSurvivesAnAllocatorThatFails) {
     } operations[] = {
         {"assign", [&](StringDescriptor* s) { StringAssign(s, b.get()); }},
         {"text", [&](StringDescriptor* s) { StringAssignText(s, "some text"); }},
-        {"short", [&](StringDescriptor* s) { StringAssignShort(s, reinterpret_cast<const unsigned char*>("\4abcd")); }},
+        {"short",
+         [&](StringDescriptor* s) {
+             StringAssignShort(s, reinterpret_cast<const unsigned char*>("\4abcd"));
+         }},
         {"view", [&](StringDescriptor* s) { StringAssignView(s, "xy"); }},
         {"buffer", [&](StringDescriptor* s) { StringAssignBuffer("xy", "ASCII", 2, s); }},
         {"concat", [&](StringDescriptor* s) { StringConcat(a.get(), b.get(), s); }},
@@ -653,7 +673,8 @@ public:
     void step() {
         const std::size_t d = pick(), a = pick(), b = pick();
         const std::string text = someText();
-        const auto position = static_cast<std::int32_t>(random_() % 40), count = static_cast<std::int32_t>(random_() % 30);
+        const auto position = static_cast<std::int32_t>(random_() % 40),
+                   count = static_cast<std::int32_t>(random_() % 30);
         switch (random_() % 9) {
         case 0: StringAssign(at(d), at(a)), set(d, texts_[a]); break;
         case 1: StringAssignView(at(d), text), set(d, text); break;
@@ -663,8 +684,10 @@ public:
         case 5: StringDelete(at(d), position, count), erase(d, position, count); break;
         case 6: StringPutChar(at(d), position, 'p'), putChar(d, position); break;
         case 7: StringClear(at(d)), texts_[d].clear(); break;
-        default: StringAssignView(at(d), StringView(at(d)).substr(texts_[d].size() / 2)),
-            set(d, texts_[d].substr(texts_[d].size() / 2)); break;
+        default:
+            StringAssignView(at(d), StringView(at(d)).substr(texts_[d].size() / 2)),
+                set(d, texts_[d].substr(texts_[d].size() / 2));
+            break;
         }
         // Unbounded strings would double for ever.
         if (texts_[d].size() > 400) StringAssignView(at(d), "short"), set(d, "short");
@@ -693,7 +716,8 @@ private:
     }
     void erase(std::size_t i, std::int32_t position, std::int32_t count) {
         std::string& text = texts_[i];
-        if (capacities[i] == UNBOUNDED || position < 1 || static_cast<std::size_t>(position) > text.size()) return;
+        if (capacities[i] == UNBOUNDED || position < 1 || static_cast<std::size_t>(position) > text.size())
+            return;
         text.erase(static_cast<std::size_t>(position) - 1, static_cast<std::size_t>(count));
     }
     void putChar(std::size_t i, std::int32_t position) {
