@@ -133,16 +133,44 @@ void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_un
 #endif
 }
 
+Offset popFree(int index) {
+    const Offset block = heap.free[index];
+    std::memcpy(&heap.free[index], tarn_heap_base + block, sizeof(Offset));
+    return block;
+}
+
+void pushFree(Offset block, int index) {
+    allow(block, index, sizeof(Offset));
+    std::memcpy(tarn_heap_base + block, &heap.free[index], sizeof(Offset));
+    heap.free[index] = block;
+}
+
+// When the range is used up: a block of class `index` out of a free one of a larger class; the rest of it becomes free
+// blocks as large as they can be. 0 if no larger one is free.
+Offset splitLarger(int index) {
+    int larger = index + 1;
+    while (larger < classCount && heap.free[larger] == 0) ++larger;
+    if (larger == classCount) return 0;
+    const Offset block = popFree(larger);
+    Offset rest = block + static_cast<Offset>(classBytes(index));
+    std::int32_t left = classBytes(larger) - classBytes(index);
+    for (int piece = larger - 1; left > 0; --piece) {
+        while (left >= classBytes(piece)) {
+            pushFree(rest, piece);
+            rest += static_cast<Offset>(classBytes(piece));
+            left -= classBytes(piece);
+        }
+    }
+    return block;
+}
+
 Offset takeRaw(std::int32_t bytes) {
     const int index = classOf(bytes);
-    Offset block = heap.free[index];
-    if (block != 0) {
-        std::memcpy(&heap.free[index], tarn_heap_base + block, sizeof(Offset));
-    } else {
-        block = extend(classBytes(index));
-        if (block == 0) return 0;
-    }
-    allow(block, index, bytes);
+    Offset block = 0;
+    if (heap.free[index] != 0) block = popFree(index);
+    else block = extend(classBytes(index));
+    if (block == 0) block = splitLarger(index);
+    if (block != 0) allow(block, index, bytes);
     return block;
 }
 
@@ -169,9 +197,7 @@ void wipe(char* bytes, std::int32_t count) {
 void giveRaw(Offset block, std::int32_t bytes) {
     const int index = classOf(bytes);
     wipe(tarn_heap_base + block, bytes);
-    allow(block, index, sizeof(Offset));
-    std::memcpy(tarn_heap_base + block, &heap.free[index], sizeof(Offset));
-    heap.free[index] = block;
+    pushFree(block, index);
 }
 
 // ---- guarded blocks

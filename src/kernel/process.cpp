@@ -7,7 +7,6 @@
 #include "kernel/strings.h"
 #include "os/instance.h"
 #include "os/process.h"
-#include "platform/windowing.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -119,8 +118,7 @@ void Halt() {
     ending = true;
     runExitHooks();
     if (std::exchange(lockHeld, false)) os::releaseInstanceLock();
-    platform::PlaySound({});
-    platform::DestroyAllWindows();
+    TheDesktop().close();
     os::endProcess(0);
 }
 

@@ -9,11 +9,16 @@
 
 namespace tarn {
 
-// Shows an error report and gives the caption of the button pressed. By default the desktop's beep and
-// MsgBox.
-using ReportBox = std::string (*)(const std::string& title, const std::string& text,
-                                  const std::string& buttons);
-ReportBox SetReportBox(ReportBox box);  // returns the one before; null means the default
+// What the kernel itself needs of the desktop. By default the operations of the platform.
+struct Desktop {
+    void (*sound)();  // the beep
+    // A box; gives the caption of the button pressed.
+    std::string (*box)(const std::string& title, const std::string& text, const std::string& buttons);
+    void (*setTrace)(int mode);  // is told of every change of the trace mode
+    void (*close)();             // for the halt: stops sounds and destroys all windows
+};
+Desktop UseDesktop(const Desktop& desktop);  // returns the one before
+const Desktop& TheDesktop();
 
 // Shows the box of last resort and waits until it is closed. It runs after hardware faults too, so a function
 // here must not allocate. By default the text goes to standard error and, where there is a screen, to the

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The trace: a line for each call of a function, to the debug output or to the end of a file.
+#include "kernel/report.h"
 #include "kernel/runtime.h"
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/process.h"
-#include "platform/windowing.h"
 
 #include <cstdio>
 
@@ -49,7 +49,7 @@ void Trace(std::string_view text) {
 void SetTraceMode(std::int32_t mode) {
     if (mode < 0 || mode > 2) return;
     traceMode = mode;
-    platform::SetTrace(mode);
+    TheDesktop().setTrace(mode);
     const std::string dashes(40, '-');
     Trace(dashes);
     Trace(os::executablePath() + " " + now() + " trace=" + std::to_string(mode));

@@ -95,6 +95,7 @@ struct SteeredFiles::Node {
     std::uint64_t inode = 0;
     std::uint32_t links = 1;
     State state, lasting;
+    bool everSynced = false;
     std::map<std::string, NodePointer> names, lastingNames;  // of a folder
 };
 
@@ -115,7 +116,7 @@ SteeredFiles::NodePointer SteeredFiles::newNode(int kind, std::uint32_t mode) {
     node->inode = nextInode_++;
     node->state.mode = mode;
     node->state.modified = clock().now();
-    if (kind != AFile) node->lasting = node->state;
+    if (kind != AFile) settle(*node);
     return node;
 }
 
@@ -188,6 +189,7 @@ bool SteeredFiles::may(const Node& node, std::uint32_t bits) const {
 void SteeredFiles::settle(Node& node) {
     node.lasting = node.state;
     node.lastingNames = node.names;
+    node.everSynced = true;
 }
 
 SteeredFiles::Place SteeredFiles::prepare(const std::string& path) {
@@ -328,35 +330,39 @@ void SteeredFiles::revive() {
     open_.clear();
 }
 
-void SteeredFiles::forget(const NodePointer& node, Names names, std::vector<const Node*>& seen) {
+void SteeredFiles::forget(const NodePointer& node, Names names, Overwritten overwritten,
+                          std::vector<const Node*>& seen) {
     if (std::find(seen.begin(), seen.end(), node.get()) != seen.end()) return;
     seen.push_back(node.get());
-    node->state = node->lasting;
+    if (overwritten == Overwritten::Lost || !node->everSynced) node->state = node->lasting;
     if (names == Names::Lost) node->names = node->lastingNames;
-    node->lastingNames = node->names;
-    for (const auto& [name, child] : node->names) forget(child, names, seen);
+    settle(*node);
+    for (const auto& [name, child] : node->names) forget(child, names, overwritten, seen);
 }
 
-void SteeredFiles::afterMachineDeath(Names names) {
+void SteeredFiles::afterMachineDeath(Names names, Overwritten overwritten) {
     revive();
     current_ = "/";
     std::vector<const Node*> seen;
-    forget(root_, names, seen);
+    forget(root_, names, overwritten, seen);
 }
 
+// The failure of this call, if one was ordered for it.
 FileError SteeredFiles::count(FileCall kind, const std::string& text) {
     if (dead_) throw ProcessDeath{};
     const auto at = static_cast<std::size_t>(kind);
-    ++calls_;
     ++kindCalls_[at];
-    log_.push_back(text);
-    if (dieAt_ == calls_) {
-        dead_ = true;
-        dying_ = midway_ && kind == FileCall::Write;
-        if (!dying_) throw ProcessDeath{};
+    if (kind < FileCall::OpenRead) {
+        ++calls_;
+        log_.push_back(text);
+        if (dieAt_ == calls_) {
+            dead_ = true;
+            dying_ = midway_ && kind == FileCall::Write;
+            if (!dying_) throw ProcessDeath{};
+        }
+        if (failure_.at == calls_) return std::exchange(failure_, {}).error;
     }
-    if (failure_.at == calls_) return failure_.error;
-    if (kindFailures_[at].at == kindCalls_[at]) return kindFailures_[at].error;
+    if (kindFailures_[at].at == kindCalls_[at]) return std::exchange(kindFailures_[at], {}).error;
     return always_[at];
 }
 
@@ -417,15 +423,12 @@ FileError SteeredFiles::open(const std::string& path, OpenMode mode, std::uint32
                              Handle& handle) {
     static constexpr const char* words[] = {"read", "new", "truncate", "append", "change"};
     handle = -1;
-    if (dead_) throw ProcessDeath{};
-    if (mode != OpenMode::Read) {
-        const FileError error =
-            count(FileCall::Open, "open " + native(path) + " " + words[static_cast<int>(mode)]);
-        if (error != FileError::None) return error;
-    }
+    const FileCall kind = mode == OpenMode::Read ? FileCall::OpenRead : FileCall::Open;
+    FileError error = count(kind, "open " + native(path) + " " + words[static_cast<int>(mode)]);
+    if (error != FileError::None) return error;
     Place place;
     // A new file does not go through a link that stands there.
-    FileError error = find(path, mode != OpenMode::CreateNew, place);
+    error = find(path, mode != OpenMode::CreateNew, place);
     if (error != FileError::None) return error;
     NodePointer node;
     error = openNode(place, mode, permissions, node);
@@ -435,14 +438,15 @@ FileError SteeredFiles::open(const std::string& path, OpenMode mode, std::uint32
     return FileError::None;
 }
 
-FileError SteeredFiles::read(Handle handle, std::int64_t offset, char* into, std::size_t count,
+FileError SteeredFiles::read(Handle handle, std::int64_t offset, char* into, std::size_t wanted,
                              std::size_t& got) {
     got = 0;
     const OpenFile* const file = opened(handle);
+    if (const FileError error = count(FileCall::Read, ""); error != FileError::None) return error;
     if (file == nullptr || file->mode == OpenMode::Append || offset < 0) return FileError::ReadFailed;
     const std::string& bytes = file->node->state.bytes;
     if (static_cast<std::size_t>(offset) >= bytes.size()) return FileError::None;
-    got = bytes.copy(into, count, static_cast<std::size_t>(offset));
+    got = bytes.copy(into, wanted, static_cast<std::size_t>(offset));
     return FileError::None;
 }
 
@@ -487,6 +491,7 @@ FileError SteeredFiles::sync(Handle handle) {
     if (error != FileError::None) return error;
     if (file == nullptr) return FileError::WriteFailed;
     file->node->lasting = file->node->state;
+    file->node->everSynced = true;
     return FileError::None;
 }
 
@@ -636,7 +641,7 @@ FileError SteeredFiles::info(const std::string& path, FileInfo& info) {
 
 FileError SteeredFiles::list(const std::string& path, std::vector<std::string>& names) {
     names.clear();
-    if (dead_) throw ProcessDeath{};
+    if (const FileError error = count(FileCall::List, ""); error != FileError::None) return error;
     NodePointer node;
     if (const FileError error = findNode(path, node); error != FileError::None) return error;
     if (node->kind != AFolder) return FileError::NotFolder;

@@ -73,6 +73,9 @@ public:
     virtual int textWidth(const Control& control, std::string_view text) = 0;
     virtual int textHeight(const Control& control, std::string_view text) = 0;
     virtual Rect screen() = 0;
+    // What the frame of `window` adds to its client area: x and y are the offset of the client area in the frame,
+    // w and h the pixels that the frame has more than the client area. A menu bar belongs to the frame.
+    virtual Rect frameExtents(const Window& window) { (void)window; return {}; }
     virtual int dpi() = 0;
 
     virtual void sound() = 0;
