@@ -162,8 +162,8 @@ void PREPARESETTINGS() {
     }
     STAMP();
     const std::string known = FILEGETDIR(ini) + "ide";
-    if (platform::RegGetSetting(platform::AppPathsKey, "") != known)
-        platform::RegSaveSetting(platform::AppPathsKey, "", known);
+    const std::string key = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe";
+    if (platform::RegGetSetting(key, "") != known) platform::RegSaveSetting(key, "", known);
 }
 
 std::string HELPTOPIC(std::string_view caption) {

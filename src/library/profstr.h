@@ -2,7 +2,9 @@
 //
 // Profile strings: settings files of sections and key=value lines, words and tokens, and the controls of a dialog
 // kept in such a file. Every call reads the whole file, and a write saves the whole file; nothing stays open.
-// A missing file reads as empty. An empty file name or section makes a write do nothing.
+// A missing file reads as empty; one that is there and cannot be read reads as empty, sets 651 and is not written.
+// An empty file name or section makes a write do nothing. A failed write sets 652 to 654 or 657 and leaves the old
+// file whole.
 //
 // Cost: one pass over the file per call.
 #pragma once
@@ -23,6 +25,8 @@ std::string PROFILESTRSECTIONS(const std::string& file);                        
 void PROFILESTRPUT(const std::string& file, std::string_view section, std::string_view key, std::string_view value);
 void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key);
 
+// The values of a window's check boxes, radio buttons, edits and combo boxes, in the section of the window's name.
+// Saving writes the file once.
 void LOADINIFILE(const std::string& file, const Object& window, bool withPosition = false, bool withFont = false);
 void SAVEINIFILE(const std::string& file, const Object& window, bool withPosition = false, bool withFont = false);
 
@@ -40,8 +44,12 @@ int TOUPPER(int character);
 int TOLOWER(int character);
 std::string CREATEAUTOSENTENCE();
 std::string CREATEAUTOTEXT(int length, std::string_view separator);
+// "a" before a vowel becomes "an", "an" before anything else "a".
 std::string FIXINDEFINITEPART(std::string_view sentence);
+// What the sample text draws from: a number from 0 to bound - 1. Null restores the system's; gives the one before.
+using RandomSource = unsigned (*)(unsigned bound);
+RandomSource useRandomSource(RandomSource source);
 
-std::string PROFILESTROSDIR();
+std::string PROFILESTROSDIR();  // the variable WINDIR with a separator at its end; empty if it is not set
 
 }  // namespace tarn

@@ -33,6 +33,7 @@ std::string STRREPLACE(std::string_view text, std::string_view what, std::string
 std::string STRMAKE(int count, int character);
 std::string STRNAMECASE(std::string_view text);
 // More than 40 lines are cut to 39 and "...(more)...".
+// (`most` other than 40: as many lines, one less and the mark.)
 std::string LIMITLINES(std::string_view text, int most = 40);
 std::string STR(int value);
 std::string HEXSTR(std::uint32_t value, int width);
@@ -58,10 +59,18 @@ bool FILECHK(std::string_view path);
 bool ISROOTED(std::string_view path);             // has a drive or begins with a separator
 std::int64_t FileSize(const std::string& path);   // -1 if it does not exist
 std::string FILETIME(const std::string& path);    // "YYYY-MM-DD hh:mm:ss", empty if it does not exist
-// An unused name in `directory`: the stem, a number from 1, the extension.
+// Names in `directory` (which they begin with) of the form stem, number, extension, digits at the end of the stem and
+// the case of letters aside: the one with the highest number there is (stem and extension if there is none), and the
+// next, counting from 1. The extension may stand without its dot.
+struct TempNames {
+    std::string last, next;
+};
+TempNames FILETEMPNAMES(std::string_view directory, std::string_view stem, std::string_view extension);
+// The next of them: an unused name.
 std::string FILETEMPNAME(std::string_view directory, std::string_view stem, std::string_view extension);
-std::string FILEADDSEPARATOR(std::string_view directory);  // "/" added if it has none at its end
-std::string GETCURDIR();
+// "/" added if it has no separator at its end; the empty text stays empty, so that it never becomes the root.
+std::string FILEADDSEPARATOR(std::string_view directory);
+std::string GETCURDIR();  // without a separator at its end
 void SETCURDIR(const std::string& directory);
 // The first of the folders in `paths` (separated by ";") that holds `file`; empty if none does.
 std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file);
@@ -73,12 +82,17 @@ bool LOADFILE(const std::string& file, std::string& text);
 bool SAVEFILE(const std::string& file, std::string_view text);
 // What the last failed SAVEFILE says to the user: what went wrong and where the text is safe.
 std::string SAVEFILEREPORT();
-void FILEDELETE(const std::string& file);
+void FILEDELETE(const std::string& file);  // one that does not exist is no error
+// Copies bytes, permissions and time; both must be full paths (FILECHK). A destination without a folder lies beside
+// the source; one that ends with a separator gets the source's name. With `confirm` the user is asked before a file
+// is replaced. False when nothing was copied (659 if the copy has another size); a copy onto itself is true.
+bool FILECOPY(const std::string& source, const std::string& dest, bool confirm);
 
 // ---- programs ----
 // Runs a program. `mode`: low four bits the window state; then 0 disable the windows and wait, 32 wait with the
 // windows enabled, 16 wait at most 5000 ms. Failures set 901 to 909. A tool that is waited for can be stopped by the
-// user; one that dies by a signal counts as failed.
+// user; one that dies by a signal counts as failed: its code is then 128 + the signal. " > file" behind the arguments
+// sends the output there. A program without a folder is sought on PATH.
 struct ExecResult {
     bool started = false, stopped = false;  // stopped: by the user
     int code = 0, signal = 0;
@@ -92,12 +106,14 @@ std::string FINDTOOL(const std::string& path);
 // ---- words ----
 bool ISRESERVEDWORD(std::string_view word);
 bool ISFUTURERESERVEDWORD(std::string_view word);
-// The token reader that all text-form parsers share; `position` is 1-based.
+// The token reader that all text-form parsers share; `position` is 1-based and ends behind the token. Empty at the end
+// of the text, and where no token stands: `position` then stays at that character.
 std::string NextWord(std::string_view text, std::size_t& position);
 
 // ---- windows ----
 Object FINDCONTROL(const Object& window, std::string_view name);
 void MSGBOX(const std::string& title, const std::string& text);  // one OK
+// Pages of the web open in the browser at the topic's anchor; all that cannot be shown is told in a box.
 void MULTIHELP(int owner, const std::string& helpFile, int command, const std::string& topic);
 
 }  // namespace tarn

@@ -26,7 +26,7 @@ constexpr Description descriptions[] = {
     {FileError::Denied, "There is no permission to do this, or the file is read-only."},
     {FileError::IsFolder, "There is a folder of that name."},
     {FileError::NotFolder, "There is a file where a folder is needed."},
-    {FileError::DiskFull, "The disk is full, or the space allowed on it is used up."},
+    {FileError::DiskFull, "The disk is full."},
     {FileError::BadName, "The name is too long or not a valid name."},
     {FileError::Vanished, "The file or its folder has gone in the meantime."},
     {FileError::ReadFailed, "The disk cannot be read."},

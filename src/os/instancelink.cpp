@@ -49,8 +49,7 @@ std::int64_t millisecondsNow() {
     return time.tv_sec * 1000 + time.tv_nsec / 1'000'000;
 }
 
-// Messages
-// ------------------------------------------------------------------------------------------------------
+// ---- Messages
 
 struct Question {
     char kind = 0;
@@ -113,8 +112,7 @@ bool decode(const std::string& bytes, Question& question) {
     return at == bytes.size();
 }
 
-// Sockets
-// -------------------------------------------------------------------------------------------------------
+// ---- Sockets
 
 // The address goes through the folder's descriptor, so that a long path of the folder does not matter.
 sockaddr_un addressOf(int folder, const std::string& name) {
@@ -135,8 +133,7 @@ Descriptor newSocket() {
     return Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
-// The server
-// ----------------------------------------------------------------------------------------------------
+// ---- The server
 
 struct Client {
     Descriptor socket;
@@ -291,8 +288,7 @@ std::unique_ptr<Server>& running() {
     return server;
 }
 
-// The client
-// ----------------------------------------------------------------------------------------------------
+// ---- The client
 
 class Asker {
 public:

@@ -5,8 +5,7 @@
 //
 //     replace    temporary beside the target, write, owner, mode, sync, close, rename, sync of the folder
 //     in place   rescue copy (the same steps, in the rescue folder), then the file itself: first what it
-//     grows by,
-//                so that a full disk shows before an old byte is touched
+//                grows by, so that a full disk shows before an old byte is touched
 #include "os/files.h"
 
 #include "os/paths.h"
@@ -65,7 +64,8 @@ FileError takeOver(const FileInfo& old, const std::string& path) {
         const FileError error = files().setOwner(path, old.owner, old.group);
         if (error != FileError::None) return error;
     }
-    return files().setMode(path, old.mode);
+    // Where all files have the mode that the disk was mounted with, setting it would be an error.
+    return info.mode != old.mode ? files().setMode(path, old.mode) : FileError::None;
 }
 
 FileError finish(Handle handle, Durability durability) {

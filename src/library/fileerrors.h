@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How the failures of files become run-time errors: 651 cannot be read, 652 cannot be written, 653 it
+// disappeared, 654 the disk is full, 657 the name is not allowed.
+#pragma once
+
+#include "os/files.h"
+
+#include <cstdint>
+
+namespace tarn::detail {
+
+std::int32_t readErrorCode(os::FileError error);   // 0 for None
+std::int32_t writeErrorCode(os::FileError error);  // 0 for None
+// Whether a failed read means that there is no such file.
+bool isMissing(os::FileError error);
+
+}  // namespace tarn::detail

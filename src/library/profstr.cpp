@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Profile strings over files: each call reads the whole file and a change writes the whole file (see
+// initext.h for what happens to its text). A file that is there and cannot be read is never written: its text
+// would be lost.
+#include "library/profstr.h"
+
+#include "library/ascii.h"
+#include "library/fileerrors.h"
+#include "library/initext.h"
+#include "library/profstr_file.h"
+#include "library/system.h"
+#include "os/files.h"
+#include "os/process.h"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+MODULE("profstr", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+
+namespace tarn {
+namespace detail {
+
+namespace {
+
+constexpr std::size_t FirstRoom = 64 << 10, KeptRoom = 1 << 20;
+
+// Reads to the end into `room`, which grows as needed; `size` is what was read.
+os::FileError readAll(os::Handle handle, std::vector<char>& room, std::size_t& size) {
+    for (;;) {
+        if (size == room.size()) room.resize(std::max(FirstRoom, 2 * size));
+        std::size_t got = 0;
+        const os::FileError error = os::files().read(handle, static_cast<std::int64_t>(size),
+                                                     room.data() + size, room.size() - size, got);
+        if (error != os::FileError::None || got == 0) return error;
+        size += got;
+    }
+}
+
+os::FileError readWhole(const std::string& file, std::vector<char>& room, std::size_t& size) {
+    os::Handle handle = -1;
+    os::FileError error = os::files().open(os::native(file), os::OpenMode::Read, 0, handle);
+    if (error != os::FileError::None) return error;
+    try {
+        error = readAll(handle, room, size);
+    } catch (const std::bad_alloc&) {
+        error = os::FileError::ReadFailed;
+    } catch (const std::length_error&) {
+        error = os::FileError::ReadFailed;
+    }
+    os::files().close(handle);
+    return error;
+}
+
+}  // namespace
+
+std::string_view readProfile(const std::string& file, bool& readable) {
+    // The room is kept from call to call, so that a read allocates nothing; a huge one is given back. Nothing
+    // is asked about the file ahead of the read: the calls to the system are most of what a read costs.
+    static std::vector<char> room;
+    if (room.size() > KeptRoom) room = std::vector<char>();
+    std::size_t size = 0;
+    const os::FileError error = file.empty() ? os::FileError::NotFound : readWhole(file, room, size);
+    readable = error == os::FileError::None || isMissing(error);
+    if (!readable) SetError(readErrorCode(error));
+    return {room.data(), error == os::FileError::None ? size : 0};
+}
+
+bool writeProfile(const std::string& file, std::string_view text) {
+    const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
+    if (!result.ok()) SetError(writeErrorCode(result.error));
+    return result.ok();
+}
+
+}  // namespace detail
+
+namespace {
+
+std::string_view readText(const std::string& file) {
+    bool readable = false;
+    return detail::readProfile(file, readable);
+}
+
+}  // namespace
+
+std::string PROFILESTRGET(const std::string& file, std::string_view section, std::string_view key) {
+    FRAME(PROFILESTRGET);
+    STAMP();
+    const std::string_view text = readText(file);
+    return key.empty() ? ini::values(text, section) : std::string(ini::get(text, section, key));
+}
+
+int PROFILESTRGETINT(const std::string& file, std::string_view section, std::string_view key) {
+    FRAME(PROFILESTRGETINT);
+    bool ok = false;
+    STAMP();
+    const int number = CVTI(PROFILESTRGET(file, section, key), ok);
+    return ok ? number : 0;
+}
+
+std::string PROFILESTRKEYS(const std::string& file, std::string_view section) {
+    FRAME(PROFILESTRKEYS);
+    STAMP();
+    return ini::keys(readText(file), section);
+}
+
+std::string PROFILESTRSECTIONS(const std::string& file) {
+    FRAME(PROFILESTRSECTIONS);
+    STAMP();
+    return ini::sections(readText(file));
+}
+
+void PROFILESTRPUT(const std::string& file, std::string_view section, std::string_view key,
+                   std::string_view value) {
+    FRAME(PROFILESTRPUT);
+    if (file.empty() || section.empty()) return;
+    bool readable = false;
+    STAMP();
+    std::string text(detail::readProfile(file, readable));
+    if (!readable) return;
+    if (key.empty())
+        ini::putList(text, section, value);
+    else
+        ini::put(text, section, key, value);
+    STAMP();
+    detail::writeProfile(file, text);
+}
+
+void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key) {
+    FRAME(PROFILESTRDEL);
+    if (file.empty() || section.empty()) return;
+    bool readable = false;
+    STAMP();
+    std::string text(detail::readProfile(file, readable));
+    if (!readable || !ini::remove(text, section, key)) return;
+    STAMP();
+    detail::writeProfile(file, text);
+}
+
+std::string PROFILESTROSDIR() {
+    FRAME(PROFILESTROSDIR);
+    return FILEADDSEPARATOR(os::environment("WINDIR"));
+}
+
+}  // namespace tarn

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Changes of a class text by lines: the Uses clause. A text of more than 8000 lines is refused.
+#include "library/symbols.h"
+
+#include "library/ascii.h"
+#include "library/symbols_text.h"
+#include "library/system.h"
+
+#include <vector>
+
+MODULE("symbols", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+
+namespace tarn {
+namespace {
+
+#ifdef TARNWICK_TINY
+constexpr std::size_t MaxLines = 80;
+#else
+constexpr std::size_t MaxLines = 8000;
+#endif
+
+using Lines = std::vector<std::string>;  // each without its line end
+
+// False, and no lines, if there are too many.
+bool splitLines(std::string_view text, Lines& lines) {
+    lines.clear();
+    while (!text.empty()) {
+        if (lines.size() == MaxLines) {
+            lines.clear();
+            return false;
+        }
+        lines.emplace_back(ascii::withoutLineEnd(ascii::takeLine(text)));
+    }
+    return true;
+}
+
+std::string joinLines(const Lines& lines) {
+    std::string text;
+    for (const std::string& line : lines) text.append(line).append("\r\n");
+    return text;
+}
+
+// Lines of the head of a class, from 1; 0 for what is not there.
+struct Head {
+    std::size_t classLine = 0, usesLine = 0, lastNameLine = 0;
+    std::size_t usesColumn = 0;  // characters in front of the word
+};
+
+Head findHead(std::string_view text) {
+    Head head;
+    bool collecting = false, names = false;
+    std::size_t line = 1, counted = 0;  // `counted`: characters whose newlines are in `line`
+    for (detail::TokenWalk walk(text); walk.next();) {
+        if (walk.word.empty()) continue;
+        for (; counted < walk.start - 1; ++counted)
+            if (text[counted] == '\n') ++line;
+        if (ISDECLARATIONSYMBOL(walk.upper)) break;
+        if (walk.upper == "USES") {
+            if (names) break;
+            collecting = true;
+            head.usesLine = head.lastNameLine = line;
+            const std::size_t before = text.substr(0, walk.start - 1).rfind('\n');
+            head.usesColumn = walk.start - 1 - (before == std::string_view::npos ? 0 : before + 1);
+        } else if (collecting) {
+            names = true;
+            head.lastNameLine = line;
+        } else if (walk.upper == "CLASS" && head.classLine == 0) {
+            head.classLine = line;
+        }
+    }
+    return head;
+}
+
+// False if nothing is to be changed.
+bool changeUses(const Head& head, const std::string& names, Lines& lines) {
+    const std::string clause = "Uses " + names;
+    if (head.usesLine != 0) {
+        const auto first = lines.begin() + static_cast<std::ptrdiff_t>(head.usesLine - 1);
+        const auto behind = lines.begin() + static_cast<std::ptrdiff_t>(head.lastNameLine);
+        // A class whose name stands on the same line keeps it.
+        const std::string front =
+            head.usesLine == head.classLine ? STRRTRIM(first->substr(0, head.usesColumn)) : "";
+        Lines wanted;
+        if (!front.empty()) wanted.push_back(front);
+        if (!names.empty()) wanted.push_back(clause);
+        const auto place = lines.erase(first, behind);
+        lines.insert(place, wanted.begin(), wanted.end());
+        return true;
+    }
+    if (head.classLine == 0 || names.empty()) return false;
+    lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(head.classLine), clause);
+    return true;
+}
+
+}  // namespace
+
+std::string SYMSETUSES(const std::string& names, int mode, std::string& source) {
+    FRAME(SYMSETUSES);
+    const std::string text = detail::loadSource(mode, source);
+    Lines lines;
+    if (!splitLines(text, lines))
+        return "Class has too many lines, maximum is " + std::to_string(MaxLines) + ".";
+    if (!changeUses(findHead(text), STRTRIM(names), lines)) return {};
+    STAMP();
+    return detail::storeSource(mode, source, joinLines(lines));
+}
+
+}  // namespace tarn

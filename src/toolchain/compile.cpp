@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "toolchain/compile.h"
+
+#include "os/files.h"
+#include "toolchain/checker.h"
+#include "toolchain/classes.h"
+#include "toolchain/generator.h"
+#include "toolchain/symfile.h"
+#include "toolchain/tools.h"
+
+namespace tarn::toolchain {
+namespace {
+
+bool save(const std::string& file, const std::string& text, const std::string& classFile,
+          Messages& messages) {
+    const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
+    if (!result.ok()) messages.add(classFile, 0, Problem::CannotWrite, {file, os::describe(result.error)});
+    return result.ok();
+}
+
+bool makeWorkFolder(const std::string& file, Messages& messages) {
+    const os::FileError error = os::makeFolders(workFolder(file));
+    if (error == os::FileError::None) return true;
+    messages.add(file, 0, Problem::CannotWrite, {workFolder(file), os::describe(error)});
+    return false;
+}
+
+void countSymbols(const CompilerOptions& options, const ClassTree& tree, Messages& messages) {
+    const std::size_t count = symbolsOf(tree).size();
+    if (options.maxSymbols > 0 && count > static_cast<std::size_t>(options.maxSymbols))
+        messages.add(tree.path, tree.line, Problem::TooManySymbols,
+                     {std::to_string(count), std::to_string(options.maxSymbols)});
+}
+
+void runCCompiler(const std::string& file, Messages& messages) {
+    const std::string compiler = findCCompiler();
+    if (compiler.empty()) return messages.add(file, 0, Problem::NoCCompiler);
+    // Written under another name first: what make looks at is the object of a compile that ended well.
+    const std::string object = objectFile(file), made = object + ".new";
+    const ToolRun run = runTool(
+        compiler, {"-std=c11", "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)},
+        object + ".log");
+    const bool whole = run.failure.empty() && os::sizeOf(made) > 0;
+    if (whole && os::files().rename(made, object) == os::FileError::None) return;
+    os::files().remove(made);
+    const std::string why = run.failure.empty() ? "it wrote no object file" : run.failure;
+    messages.add(file, 0, Problem::CCompilerFailed, {why + (run.output.empty() ? "" : "\n" + run.output)});
+}
+
+void generate(const CompilerOptions& options, const ClassTree& tree, Messages& messages) {
+    const Generated made = generateC(tree, {options.precond, options.debug});
+    if (!makeWorkFolder(tree.path, messages)) return;
+    if (!save(generatedFile(tree.path), made.text, tree.path, messages)) return;
+    runCCompiler(tree.path, messages);
+    if (!messages.empty()) return;
+    save(changeExtension(tree.path, ".sym"), symbolFile(tree, describeOptions(options), made.codeLines),
+         tree.path, messages);
+}
+
+}  // namespace
+
+void compileClass(const CompilerOptions& options, Messages& messages) {
+    const std::string file = fullPath(options.file);
+    os::files().remove(objectFile(file));
+    ClassLoader loader(options.inheritedPath);
+    ClassTree* tree = loader.load(file, messages);
+    if (tree == nullptr) return;
+    if (!tree->name.empty()) checkClass(*tree, messages);
+    if (messages.empty()) countSymbols(options, *tree, messages);
+    if (messages.empty()) generate(options, *tree, messages);
+    if (!messages.empty()) os::files().remove(objectFile(file));
+}
+
+}  // namespace tarn::toolchain

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// ordo: builds a program from its main class, or answers what it consists of. The answer, or the result of
+// the build, goes to the file of -o, else to standard output. After a build the compiler's messages of the
+// whole run stand in `sarn.err` beside the compiler. The exit code is 0 only if nothing went wrong.
+#include "os/files.h"
+#include "os/process.h"
+#include "toolchain/classes.h"
+#include "toolchain/make.h"
+
+#include <cstdio>
+
+namespace {
+
+using namespace tarn;
+
+constexpr int Failed = 1, CannotReport = 2;
+
+bool write(const std::string& file, const std::string& text) {
+    if (file.empty()) return std::fputs(text.c_str(), stdout) >= 0;
+    if (os::saveFile(file, text, os::Durability::Unsynced).ok()) return true;
+    std::fprintf(stderr, "ordo: cannot write '%s'\n%s", file.c_str(), text.c_str());
+    return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    os::setCommandLine(argc, argv);
+    toolchain::Messages messages;
+    toolchain::MakeOptions options = toolchain::readMakeOptions(os::commandLine(), messages);
+    if (!options.outputFile.empty()) os::files().remove(options.outputFile);
+    options.file = toolchain::fullPath(options.file);
+    if (messages.empty() && os::sizeOf(options.file) < 0)
+        messages.add(options.file, 0, toolchain::Problem::CannotRead,
+                     {os::describe(os::FileError::NotFound)});
+    if (!messages.empty()) {
+        write(options.outputFile, messages.report("ordo"));
+        return Failed;
+    }
+    const toolchain::Sources sources = toolchain::findSources(options.file, options.inheritedPath);
+    if (options.query)
+        return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
+    const toolchain::BuildResult result = toolchain::build(options, sources);
+    const bool written = write(options.outputFile, result.report);
+    const bool reported = write(result.compilerFolder + "sarn.err", result.report);
+    return !written || !reported ? CannotReport : result.ok ? 0 : Failed;
+}

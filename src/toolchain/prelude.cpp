@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "toolchain/interface.h"
+
+namespace tarn::toolchain {
+
+const std::string_view PreludeText = R"(
+static inline void quarn_msgbox(const tarn_string *title, const tarn_string *text)
+{
+    tarn_string buttons, answer;
+    tarn_string_init(&buttons, TARN_UNBOUNDED);
+    tarn_string_init(&answer, TARN_UNBOUNDED);
+    tarn_sys_msgbox(title, text, &buttons, &answer);
+    tarn_string_free(&answer);
+    tarn_string_free(&buttons);
+}
+static inline int32_t quarn_strfind(const tarn_string *text, const tarn_string *what)
+{
+    return tarn_sys_strfind(text, what, 1, 0);
+}
+)";
+
+}  // namespace tarn::toolchain
