@@ -4,12 +4,14 @@
 #include "platform/qt/edit/colours.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarn::platform::qt {
 
@@ -29,11 +31,10 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     configure();
     applyColours();
     connect(this, qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED), this,
-            [this](int position, int type, const char* text, int length, int added, int, int, int, int, int) {
-                onModified(position, type, text, length, added);
-            });
+            [this] { onModified(); });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
     connect(this, &TextArea::SCN_UPDATEUI, this, [this](int what) {
+        if ((what & SC_UPDATE_CONTENT) != 0) applyNumberBar();
         if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) != 0) emit moved();
     });
     connect(this, &TextArea::SCN_SAVEPOINTLEFT, this, [this] { emit moved(); });
@@ -50,7 +51,9 @@ long TextArea::sendBytes(unsigned message, long w, const char* bytes) const {
 
 void TextArea::configure() {
     send(SCI_SETCODEPAGE, SC_CP_UTF8);
-    send(SCI_SETMODEVENTMASK, SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT);
+    // Told before, not after: the control answers an insertion by counting the characters in front of it for screen
+    // readers, which at the end of 4,000,000 bytes costs 20 ms a key.
+    send(SCI_SETMODEVENTMASK, SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE);
     send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     send(SCI_SETWRAPMODE, SC_WRAP_NONE);
     send(SCI_SETSCROLLWIDTH, 1);
@@ -68,8 +71,8 @@ void TextArea::configure() {
     send(SCI_SETMARGINLEFT, 0, Gap);
     // Keys of the control that write control characters or change the text in ways that nobody here asked for.
     for (const int key : {'D', 'L', 'T', 'U', 'B', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'M', 'N', 'O', 'P', 'Q', 'R', 'S', 'W'})
-        for (const int modifiers : {SCMOD_CTRL, SCMOD_CTRL | SCMOD_SHIFT})
-            send(SCI_CLEARCMDKEY, key + (static_cast<long>(modifiers) << 16));
+        for (const long modifiers : {long(SCMOD_CTRL), long(SCMOD_CTRL) | long(SCMOD_SHIFT)})
+            send(SCI_CLEARCMDKEY, key + (modifiers << 16));
 }
 
 // ---- text -----------------------------------------------------------------------------------------------------------
@@ -162,8 +165,7 @@ void TextArea::setModified(bool modified) {
     emit moved();
 }
 
-void TextArea::onModified(int, int, const char*, int, int linesAdded) {
-    if (linesAdded != 0 && !setting_) applyNumberBar();
+void TextArea::onModified() {
     if (setting_ || changed_) return;
     changed_ = true;
     // Whatever changed the text, a menu or a drop too, is reported when it is over.
@@ -230,7 +232,7 @@ void TextArea::applyColours() {
         send(SCI_STYLESETITALIC, number, italic);
     };
     sendBytes(SCI_STYLESETFONT, STYLE_DEFAULT, family.toUtf8().constData());
-    send(SCI_STYLESETSIZEFRACTIONAL, STYLE_DEFAULT, static_cast<long>(points * SC_FONT_SIZE_MULTIPLIER));
+    send(SCI_STYLESETSIZEFRACTIONAL, STYLE_DEFAULT, std::lround(points * int(SC_FONT_SIZE_MULTIPLIER)));
     style(STYLE_DEFAULT, ink, paper, font_.bold, font_.italic);
     send(SCI_STYLECLEARALL);
     const QColor bar = mixed(paper, palette.color(QPalette::Window), 0.6);
@@ -333,6 +335,7 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
     const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool plain = modifiers == Qt::NoModifier, shift = modifiers == Qt::ShiftModifier;
     const bool writable = (flags_ & READONLY) == 0;
+    if (writable && event->matches(QKeySequence::Paste) && pasteBytes()) return;
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -354,6 +357,15 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Insert) emit moved();
 }
 
+// The control ends a pasted text at its first NUL.
+bool TextArea::pasteBytes() {
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
+    if (!bytes.contains('\0')) return false;
+    replaceSelection({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    return true;
+}
+
 void TextArea::focusInEvent(QFocusEvent* event) {
     QsciScintillaBase::focusInEvent(event);
     if ((flags_ & SELECTALL) != 0) send(SCI_SELECTALL);
@@ -372,7 +384,12 @@ void TextArea::changeEvent(QEvent* event) {
 // Text leaves with its bytes beside it, so that a cut and paste inside the program keeps those that are no UTF-8.
 QMimeData* TextArea::toMimeData(const QByteArray& text, bool rectangular) const {
     QMimeData* data = QsciScintillaBase::toMimeData(text, rectangular);
-    data->setData(QString::fromLatin1(BytesType), text);
+    const Selection marked = selection();
+    // The text that comes here has blanks in the place of NUL.
+    if (!rectangular && text.size() == marked.length && marked.length > 0) {
+        const std::string_view bytes = range(marked.start - 1, marked.start - 1 + marked.length);
+        data->setData(QString::fromLatin1(BytesType), QByteArray(bytes.data(), text.size()));
+    }
     return data;
 }
 

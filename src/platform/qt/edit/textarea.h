@@ -58,7 +58,7 @@ protected:
 private:
     long send(unsigned message, long w = 0, long l = 0) const;
     long sendBytes(unsigned message, long w, const char* bytes) const;
-    void onModified(int position, int type, const char* text, int length, int linesAdded);
+    void onModified();                         // comes before the text changes
     void onStyleNeeded(int end);
     void configure();
     void applyColours();
@@ -66,6 +66,7 @@ private:
     void adoptLineEnd(std::string_view text);
     void flush();                              // reports what has changed since the last time
     void newLine();
+    bool pasteBytes();                         // true: there was a text with NUL in it, and it is in
     bool shiftBlock(bool left);                // true: it was a block
     [[nodiscard]] std::string_view range(int from, int to) const;
     [[nodiscard]] int lineOf(int position) const;
