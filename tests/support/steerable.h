@@ -141,6 +141,7 @@ private:
     struct Node;
     using NodePointer = std::shared_ptr<Node>;
     struct Place;
+    struct Walk;
     struct OpenFile {
         NodePointer node;
         OpenMode mode;
@@ -150,6 +151,7 @@ private:
         FileError error = FileError::None;
     };
 
+    FileError step(Walk& walk, bool followLast) const;
     [[nodiscard]] FileError find(const std::string& path, bool followLast, Place& place) const;
     [[nodiscard]] FileError findNode(const std::string& path, NodePointer& node) const;
     [[nodiscard]] FileError findEntry(const std::string& path, Place& place) const;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A folder of sources for tests of the toolchain, with tools of its own: links to the built programs, whose results
-// lie beside the links, and private settings.
+// A folder of sources for tests of the toolchain, with tools of its own: links to the built programs, whose
+// results lie beside the links, and private settings.
 #pragma once
 
 #include "os/files.h"

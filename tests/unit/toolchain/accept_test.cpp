@@ -19,8 +19,8 @@ struct Case {
 };
 
 std::string inMain(const std::string& statements) {
-    return "Tarnwick Class Main\nfunction main()\nvar i, j : integer\n s, t : string\n b : boolean\n" + statements +
-           "\nend function\nEnd class\n";
+    return "Tarnwick Class Main\nfunction main()\nvar i, j : integer\n s, t : string\n b : boolean\n" +
+           statements + "\nend function\nEnd class\n";
 }
 
 std::string repeated(const std::string& text, int count) {
@@ -40,7 +40,8 @@ protected:
         if (messages.empty()) generateC(*tree, {2, 2});
         std::string found;
         for (const Message& message : messages.list())
-            found += (found.empty() ? "" : ", ") + std::to_string(message.line) + " " + std::to_string(message.number);
+            found += (found.empty() ? "" : ", ") + std::to_string(message.line) + " " +
+                     std::to_string(message.number);
         report = messages.report(file);
         return found;
     }
@@ -56,7 +57,8 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
         {"no end", "Tarnwick Class a\n", "1 1101"},
         {"text behind the end", "Tarnwick Class a\nEnd class\nfunction", "3 1104"},
         {"a comment behind the end", "Tarnwick Class a\nEnd class // done", ""},
-        {"Windows line ends", "Tarnwick Class a\r\nfunction f()\r\nx\r\nend function\r\nEnd class\r\n", "3 1101"},
+        {"Windows line ends", "Tarnwick Class a\r\nfunction f()\r\nx\r\nend function\r\nEnd class\r\n",
+         "3 1101"},
         {"an open string", inMain("s := \"abc\ni := 1"), "6 1002"},
         {"two quotes", inMain("s := \"a\"\"b\""), ""},
         {"a bad character", inMain("i := 1 ? 2"), "6 1001"},
@@ -82,17 +84,22 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
         {"too few arguments", inMain("s := STRLEFT(s)"), "6 1303"},
         {"no such form", inMain("s := STR(s)"), "6 1319"},
         {"a value for an out argument", inMain("LOADFILE(s, \"x\")"), "6 1304"},
-        {"a constant assigned", "Tarnwick Class a\nconst c = 1\nfunction f()\nc := 2\nend function\nEnd class", "4 1305"},
-        {"an argument assigned", "Tarnwick Class a\nfunction f(x : integer)\nx := 2\nend function\nEnd class", "3 1305"},
+        {"a constant assigned",
+         "Tarnwick Class a\nconst c = 1\nfunction f()\nc := 2\nend function\nEnd class", "4 1305"},
+        {"an argument assigned", "Tarnwick Class a\nfunction f(x : integer)\nx := 2\nend function\nEnd class",
+         "3 1305"},
         {"a result not used", inMain("STR(1)"), "6 1307"},
         {"no result", inMain("s := PRINT(s)"), "6 1306"},
-        {"a variable in a constant", "Tarnwick Class a\nprivate var v : integer\nconst c = v\nEnd class", "3 1308"},
+        {"a variable in a constant", "Tarnwick Class a\nprivate var v : integer\nconst c = v\nEnd class",
+         "3 1308"},
         {"constants in any order", "Tarnwick Class a\nconst a = b + 1\nconst b = 2\nEnd class", ""},
         {"constants in a circle", "Tarnwick Class a\nconst a = b\nconst b = a\nEnd class", "2 1313"},
         {"division by zero", "Tarnwick Class a\nconst a = 1 div 0\nEnd class", "2 1318"},
         {"string of no length", "Tarnwick Class a\ntype t : string[0]\nEnd class", "2 1309"},
         {"a way without return",
-         "Tarnwick Class a\nfunction f() return integer\nif true then\nreturn 1\nend if\nend function\nEnd class", "6 1310"},
+         "Tarnwick Class a\nfunction f() return integer\nif true then\nreturn 1\nend if\nend function\nEnd "
+         "class",
+         "6 1310"},
         {"all ways return",
          "Tarnwick Class a\nfunction f() return integer\nif true then\nreturn 1\nelse\nreturn 2\nend if\nend "
          "function\nEnd class",
@@ -102,10 +109,13 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
         {"exit outside", inMain("exit"), "6 1311"},
         {"a case twice", inMain("select i\ncase 1, 2 =>\ncase 2 =>\nend select"), "8 1312"},
         {"a case of another type", inMain("select i\ncase \"a\" =>\nend select"), "7 1301"},
-        {"main with arguments", "Tarnwick Class a\nfunction main(x : integer)\nend function\nEnd class", "2 1314"},
+        {"main with arguments", "Tarnwick Class a\nfunction main(x : integer)\nend function\nEnd class",
+         "2 1314"},
         {"a head that differs",
-         "Tarnwick Class a\nfunction f(x : integer)\nfunction f(x : string)\nend function\nEnd class", "3 1315"},
-        {"a head ahead", "Tarnwick Class a\nfunction f(x : integer)\nfunction f(x : integer)\nend function\nEnd class", ""},
+         "Tarnwick Class a\nfunction f(x : integer)\nfunction f(x : string)\nend function\nEnd class",
+         "3 1315"},
+        {"a head ahead",
+         "Tarnwick Class a\nfunction f(x : integer)\nfunction f(x : integer)\nend function\nEnd class", ""},
         {"no body", "Tarnwick Class a\nfunction f()\nEnd class", "2 1316"},
         {"a step of nothing", inMain("for i from 1 to 2 by 0 loop\nend loop"), "6 1317"},
         {"a loop closed as if", inMain("loop\ni := 1\nend if\ni := 2"), "8 1109"},
@@ -114,20 +124,25 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
         {"a bad head does not hide the body",
          "Tarnwick Class a\nfunction f(x)\nx := \nend function\nfunction g()\nf(1)\nend function\nEnd class",
          "2 1101, 3 1101"},
-        {"onerror", "Tarnwick Class a\nfunction onerror(n : integer) from 901 to 909\nend function\nEnd class", ""},
-        {"onerror without argument", "Tarnwick Class a\nfunction onerror()\nend function\nEnd class", "2 1320"},
+        {"onerror",
+         "Tarnwick Class a\nfunction onerror(n : integer) from 901 to 909\nend function\nEnd class", ""},
+        {"onerror without argument", "Tarnwick Class a\nfunction onerror()\nend function\nEnd class",
+         "2 1320"},
         {"postcondition of the result",
-         "Tarnwick Class a\nfunction f() return integer\npostcond f > 0\nreturn 1\nend function\nEnd class", ""},
-        {"a limited result", "Tarnwick Class a\nfunction f() return string[5]\nreturn \"\"\nend function\nEnd class",
-         "2 1321"},
+         "Tarnwick Class a\nfunction f() return integer\npostcond f > 0\nreturn 1\nend function\nEnd class",
+         ""},
+        {"a limited result",
+         "Tarnwick Class a\nfunction f() return string[5]\nreturn \"\"\nend function\nEnd class", "2 1321"},
         {"100 levels of parentheses", inMain("i := " + repeated("(", 99) + "1" + repeated(")", 99)), ""},
         {"too many parentheses", inMain("i := " + repeated("(", 100000) + "1"), "6 1102"},
         {"too many blocks", inMain(repeated("if b then\n", 100000)), "106 1102"},
         {"a long chain", inMain("i := 1" + repeated(" + i", 20000)), ""},
         {"a long text", inMain("s := \"\"" + repeated(" + s + \"x\"", 5000)), ""},
-        {"many nots and signs", inMain("b := " + repeated("not ", 5000) + "b\ni := " + repeated("- ", 5001) + "i"), ""},
+        {"many nots and signs",
+         inMain("b := " + repeated("not ", 5000) + "b\ni := " + repeated("- ", 5001) + "i"), ""},
     };
-    for (const Case& item : cases) EXPECT_EQ(check(item.source), item.expected) << item.name << "\n" << report;
+    for (const Case& item : cases)
+        EXPECT_EQ(check(item.source), item.expected) << item.name << "\n" << report;
 }
 
 TEST_F(Acceptance, ALongAlternativeNeedsNoDepth) {
@@ -152,13 +167,18 @@ TEST_F(Acceptance, HostileBytesEndInMessages) {
 }
 
 TEST_F(Acceptance, UsedClassesGiveTheirPublicItemsOnly) {
-    write("other.cls", "Tarnwick Class Other\npublic const C = 1\nconst HIDDEN = 2\npublic function F(out x : integer)\n"
-                       "end function\nEnd class");
-    EXPECT_EQ(check("Tarnwick Class a\nUses other\nfunction g()\nvar i : integer\ni := C\nF(i)\ni := other.c\n"
-                    "end function\nEnd class"), "");
-    EXPECT_EQ(check("Tarnwick Class a\nUses other\nfunction g()\nvar i : integer\ni := HIDDEN\nend function\nEnd class"),
+    write("other.cls",
+          "Tarnwick Class Other\npublic const C = 1\nconst HIDDEN = 2\npublic function F(out x : integer)\n"
+          "end function\nEnd class");
+    EXPECT_EQ(
+        check("Tarnwick Class a\nUses other\nfunction g()\nvar i : integer\ni := C\nF(i)\ni := other.c\n"
+              "end function\nEnd class"),
+        "");
+    EXPECT_EQ(check("Tarnwick Class a\nUses other\nfunction g()\nvar i : integer\ni := HIDDEN\nend "
+                    "function\nEnd class"),
               "5 1201");
-    EXPECT_EQ(check("Tarnwick Class a\nUses other\nfunction g()\nvar i : integer\ni := elsewhere.C\nend function\nEnd class"),
+    EXPECT_EQ(check("Tarnwick Class a\nUses other\nfunction g()\nvar i : integer\ni := elsewhere.C\nend "
+                    "function\nEnd class"),
               "5 1207");
 }
 

@@ -21,8 +21,8 @@ CompilerOptions options(const std::vector<std::string>& arguments, std::size_t e
 }
 
 TEST(CompilerOptions, TheWholeLineOfTheEnvironmentIsUnderstood) {
-    const CompilerOptions read =
-        options({"/p2", "/d1", "/q", "/v", "/om", "/os", "/s3000", "/i/a b;/c", "/r/res", "/lw1", "/gdv10", "/tmp/x.cls"});
+    const CompilerOptions read = options({"/p2", "/d1", "/q", "/v", "/om", "/os", "/s3000", "/i/a b;/c",
+                                          "/r/res", "/lw1", "/gdv10", "/tmp/x.cls"});
     EXPECT_EQ(read.file, "/tmp/x.cls");
     EXPECT_EQ(read.precond, 2);
     EXPECT_EQ(read.debug, 1);
@@ -33,7 +33,8 @@ TEST(CompilerOptions, TheWholeLineOfTheEnvironmentIsUnderstood) {
 }
 
 TEST(CompilerOptions, PathsThatLookLikeOptionsArePaths) {
-    for (const char* file : {"/p1.cls", "/d2/x.cls", "/inn/x.cls", "/root/x.cls", "/q.cls", "/s3/x.CLS", "/gx/y.cls"})
+    for (const char* file :
+         {"/p1.cls", "/d2/x.cls", "/inn/x.cls", "/root/x.cls", "/q.cls", "/s3/x.CLS", "/gx/y.cls"})
         EXPECT_EQ(options({file}).file, file);
     EXPECT_EQ(options({"-D2", "-P1", "x.cls"}).debug, 2);
     EXPECT_EQ(describeOptions(options({"x.cls"})), "-d0 -p0");
@@ -79,7 +80,8 @@ TEST_F(Quarn, TooManySymbolsAreAnError) {
     write("a.cls", "Tarnwick Class A\nconst b = 1\nconst c = 1\nEnd class\n");
     EXPECT_EQ(quarn({"/s3", dir + "a.cls"}), 0);
     EXPECT_EQ(quarn({"/s2", dir + "a.cls"}), 1);
-    EXPECT_NE(errors().find("a.cls(1) : error 1907 the class has 3 symbols, and the limit is 2"), std::string::npos)
+    EXPECT_NE(errors().find("a.cls(1) : error 1907 the class has 3 symbols, and the limit is 2"),
+              std::string::npos)
         << errors();
 }
 
@@ -108,16 +110,16 @@ TEST(SymbolFile, CellsAreOneLineOfPrintableCharacters) {
 }
 
 TEST_F(Quarn, TheSymbolFileNamesItemsOptionsAndLinesOfCode) {
-    write("a.cls", "Tarnwick Class A\n"                                     // 1
-                   "public const C = 7\n"                                   // 2
-                   "private var v : string[9] := \"x\"\n"                   // 3
+    write("a.cls", "Tarnwick Class A\n"                                        // 1
+                   "public const C = 7\n"                                      // 2
+                   "private var v : string[9] := \"x\"\n"                      // 3
                    "function f(x : integer, out y : string) return boolean\n"  // 4
-                   "precond x > 0\n"                                        // 5
-                   "    if x > C then\n"                                    // 6
-                   "        return true\n"                                  // 7
-                   "    end if\n"                                           // 8
-                   "    return v = \"\"\n"                                  // 9
-                   "end function\n"                                         // 10
+                   "precond x > 0\n"                                           // 5
+                   "    if x > C then\n"                                       // 6
+                   "        return true\n"                                     // 7
+                   "    end if\n"                                              // 8
+                   "    return v = \"\"\n"                                     // 9
+                   "end function\n"                                            // 10
                    "End class\n");
     EXPECT_EQ(quarn({"/d2", "/p1", dir + "a.cls"}), 0) << errors();
     std::vector<bool> lines(10);
@@ -125,13 +127,16 @@ TEST_F(Quarn, TheSymbolFileNamesItemsOptionsAndLinesOfCode) {
     EXPECT_EQ(read("a.sym"),
               "\"A\",1,\"\",\"class\",1,1,0,\"A\",0,0,0,0,0,0,\"\",\"\",0,0,\"\"\n"
               "\"C\",1,\"public const C = 7\",\"const\",2,2,6,\"A\",0,0,0,0,0,0,\"\",\"integer\",0,7,\"\"\n"
-              "\"v\",2,\"private var v : string[9]\",\"variable\",3,3,9,\"A\",9,0,0,0,0,0,\"\",\"string\",0,0,\"\"\n"
-              "\"f\",2,\"function f(x : integer, out y : string) return boolean\",\"function\",4,4,0,\"A\",0,0,0,0,0,0,"
+              "\"v\",2,\"private var v : "
+              "string[9]\",\"variable\",3,3,9,\"A\",9,0,0,0,0,0,\"\",\"string\",0,0,\"\"\n"
+              "\"f\",2,\"function f(x : integer, out y : string) return "
+              "boolean\",\"function\",4,4,0,\"A\",0,0,0,0,0,0,"
               "\"\",\"boolean\",0,0,\"\"\n"
               "\"x\",3,\"x : integer\",\"variable\",4,4,5,\"A\",0,0,0,0,0,0,\"\",\"integer\",0,0,\"f\"\n"
               "\"y\",3,\"y : string\",\"variable\",4,4,0,\"A\",0,0,0,0,0,0,\"\",\"string\",0,0,\"f\"\n"
               "\"program\",2,\"\",\"program\",0,0,0,\"A\",0,0,0,0,0,0,\"\",\"\",0,0,\"-d2 -p1\"\n"
-              "\"debug\",2,\"\",\"debug\",0,0,0,\"A\",0,0,0,0,0,0,\"\",\"\",0,0," + quotedCell(codeLineBitmap(lines)) + "\n");
+              "\"debug\",2,\"\",\"debug\",0,0,0,\"A\",0,0,0,0,0,0,\"\",\"\",0,0," +
+                  quotedCell(codeLineBitmap(lines)) + "\n");
 }
 
 TEST(Scanner, CountsLinesAndMarksTheFirstOfEach) {
