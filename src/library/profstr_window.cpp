@@ -103,7 +103,8 @@ void loadPosition(const Object& window, std::string_view text) {
 std::string positionText(const Object& window, std::string_view old) {
     const Rect r = GetPosition(window, WINDOW_UNIT);
     Rect most = GetMaxPosition(window);
-    if (most == Rect{}) most = ScreenSize();
+    if (most.w == 0) most.w = ScreenSize().w;
+    if (most.h == 0) most.h = ScreenSize().h;
     const bool maximised = GetWindowState(window) == Maximised || (r.w == most.w && r.h == most.h);
     const Rect kept = maximised ? Rect{number(STRWORD(old, 1)), number(STRWORD(old, 2)),
                                        number(STRWORD(old, 3)), number(STRWORD(old, 4))}
@@ -137,7 +138,7 @@ void LOADINIFILE(const std::string& file, const Object& window, bool withPositio
     bool readable = false;
     STAMP();
     // A copy: what is set below runs window functions, which may read settings themselves.
-    const std::string text = detail::readProfile(file, readable);
+    const std::string text(detail::readProfile(file, readable));
     STAMP();
     const std::string section = sectionName(window);
     for (const Object& control : ControlList(window)) {
@@ -155,7 +156,7 @@ void SAVEINIFILE(const std::string& file, const Object& window, bool withPositio
     if (file.empty() || !IsLoaded(window)) return;
     bool readable = false;
     STAMP();
-    std::string text = detail::readProfile(file, readable);
+    std::string text(detail::readProfile(file, readable));
     if (!readable) return;
     const std::string before = text;
     STAMP();

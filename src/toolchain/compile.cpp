@@ -11,7 +11,8 @@
 namespace tarn::toolchain {
 namespace {
 
-bool save(const std::string& file, const std::string& text, const std::string& classFile, Messages& messages) {
+bool save(const std::string& file, const std::string& text, const std::string& classFile,
+          Messages& messages) {
     const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
     if (!result.ok()) messages.add(classFile, 0, Problem::CannotWrite, {file, os::describe(result.error)});
     return result.ok();
@@ -31,13 +32,14 @@ void countSymbols(const CompilerOptions& options, const ClassTree& tree, Message
                      {std::to_string(count), std::to_string(options.maxSymbols)});
 }
 
-void runCCompiler(const std::string& file, Messages& messages) {
+void runCCompiler(const std::string& file, bool debugged, Messages& messages) {
     const std::string compiler = findCCompiler();
     if (compiler.empty()) return messages.add(file, 0, Problem::NoCCompiler);
     // Written under another name first: what make looks at is the object of a compile that ended well.
     const std::string object = objectFile(file), made = object + ".new";
     const ToolRun run = runTool(
-        compiler, {"-std=c11", "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)}, object + ".log");
+        compiler, {"-std=c11", debugged ? "-O0" : "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)},
+        object + ".log");
     const bool whole = run.failure.empty() && os::sizeOf(made) > 0;
     if (whole && os::files().rename(made, object) == os::FileError::None) return;
     os::files().remove(made);
@@ -49,10 +51,11 @@ void generate(const CompilerOptions& options, const ClassTree& tree, Messages& m
     const Generated made = generateC(tree, {options.precond, options.debug});
     if (!makeWorkFolder(tree.path, messages)) return;
     if (!save(generatedFile(tree.path), made.text, tree.path, messages)) return;
-    runCCompiler(tree.path, messages);
+    // What is stepped through is compiled often: quickly then, and without shortcuts.
+    runCCompiler(tree.path, options.debug == 2, messages);
     if (!messages.empty()) return;
-    save(changeExtension(tree.path, ".sym"), symbolFile(tree, describeOptions(options), made.codeLines), tree.path,
-         messages);
+    save(changeExtension(tree.path, ".sym"), symbolFile(tree, describeOptions(options), made.codeLines),
+         tree.path, messages);
 }
 
 }  // namespace

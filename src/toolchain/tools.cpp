@@ -35,7 +35,8 @@ std::string describeEnd(const os::ExitState& state) {
 // What a person reads of a tool's output; a linker can write thousands of lines.
 std::string firstLines(const std::string& text) {
     std::size_t end = 0;
-    for (int line = 0; line < MostOutputLines && end < text.size(); ++line) end = std::min(text.find('\n', end), text.size() - 1) + 1;
+    for (int line = 0; line < MostOutputLines && end < text.size(); ++line)
+        end = std::min(text.find('\n', end), text.size() - 1) + 1;
     return end < text.size() ? text.substr(0, end) + "...(more)...\n" : text;
 }
 
@@ -46,7 +47,8 @@ bool isProgram(const std::string& path) {
 
 }  // namespace
 
-ToolRun runTool(const std::string& program, const std::vector<std::string>& arguments, const std::string& outputFile) {
+ToolRun runTool(const std::string& program, const std::vector<std::string>& arguments,
+                const std::string& outputFile) {
     ToolRun run;
     os::StartError error = os::StartError::None;
     const auto child = os::processes().start({program, arguments, {}, outputFile}, error);
@@ -81,20 +83,29 @@ std::string findCCompiler() {
     return {};
 }
 
-std::string toolFolder() { return os::executableFolder(); }
+std::string toolFolder() {
+    return os::executableFolder();
+}
 
 std::string libraryFolder() {
     std::string resolved;
     os::files().resolve(os::executablePath(), resolved);
     std::vector<std::string> folders = {toolFolder(), folderOf(resolved)};
-    for (const std::string_view folder : SystemFolders) folders.push_back(folderOf(resolved) + std::string(folder));
+    for (const std::string_view folder : SystemFolders)
+        folders.push_back(folderOf(resolved) + std::string(folder));
     for (const std::string& folder : folders)
         if (os::sizeOf(folder + std::string(LibraryFile)) > 0) return folder.substr(0, folder.size() - 1);
     return {};
 }
 
-std::string workFolder(const std::string& classFile) { return folderOf(classFile) + ".tarnwick/"; }
-std::string objectFile(const std::string& classFile) { return workFolder(classFile) + stemOf(classFile) + ".o"; }
-std::string generatedFile(const std::string& classFile) { return workFolder(classFile) + stemOf(classFile) + ".c"; }
+std::string workFolder(const std::string& classFile) {
+    return folderOf(classFile) + ".tarnwick/";
+}
+std::string objectFile(const std::string& classFile) {
+    return workFolder(classFile) + stemOf(classFile) + ".o";
+}
+std::string generatedFile(const std::string& classFile) {
+    return workFolder(classFile) + stemOf(classFile) + ".c";
+}
 
 }  // namespace tarn::toolchain

@@ -102,10 +102,11 @@ public:
     [[nodiscard]] bool dead() const { return dead_; }
     void revive();  // a new process: nothing is open
 
-    // What of the unsynced names is on the disk when the machine has died. The contents of files go back to
-    // what was synced in both.
+    // What is on the disk when the machine has died, of what was not synced: the changed names of files, and
+    // what was written over contents that had been synced. A file that was never synced is empty in any case.
     enum class Names { Lost, Kept };
-    void afterMachineDeath(Names names);  // also revives
+    enum class Overwritten { Lost, Kept };
+    void afterMachineDeath(Names names, Overwritten overwritten = Overwritten::Lost);  // also revives
 
     [[nodiscard]] int calls() const { return calls_; }  // counted since the last order or `clearLog`
     [[nodiscard]] const std::vector<std::string>& log() const { return log_; }
@@ -140,6 +141,7 @@ private:
     struct Node;
     using NodePointer = std::shared_ptr<Node>;
     struct Place;
+    struct Walk;
     struct OpenFile {
         NodePointer node;
         OpenMode mode;
@@ -149,6 +151,7 @@ private:
         FileError error = FileError::None;
     };
 
+    FileError step(Walk& walk, bool followLast) const;
     [[nodiscard]] FileError find(const std::string& path, bool followLast, Place& place) const;
     [[nodiscard]] FileError findNode(const std::string& path, NodePointer& node) const;
     [[nodiscard]] FileError findEntry(const std::string& path, Place& place) const;
@@ -163,7 +166,8 @@ private:
     NodePointer newNode(int kind, std::uint32_t mode);
     Place prepare(const std::string& path);
     static void settle(Node& node);
-    static void forget(const NodePointer& node, Names names, std::vector<const Node*>& seen);
+    static void forget(const NodePointer& node, Names names, Overwritten overwritten,
+                       std::vector<const Node*>& seen);
     void collect(const Node& node, const std::string& path, std::vector<std::string>& paths) const;
 
     NodePointer root_;

@@ -304,7 +304,7 @@ TEST_F(FilesTest, aSaveTakesAnyNameThatTheDiskTakes) {
 }
 
 TEST_F(FilesTest, aSaveKeepsPermissionsAndLinks) {
-    for (const mode_t mode : {0600, 0644, 0755, 0640, 0777, 0200, 04755}) {
+    for (const mode_t mode : {0600U, 0644U, 0755U, 0640U, 0777U, 0200U, 04755U}) {
         put("f", "old", mode);
         ASSERT_TRUE(saveFile(at("f"), "new").ok());
         EXPECT_EQ(infoOf(at("f")).mode, mode);

@@ -56,6 +56,17 @@ TEST_F(SteeredFilesTest, namesMayOutliveContents) {
     EXPECT_EQ(disk_.contents("/f"), "");
 }
 
+TEST_F(SteeredFilesTest, whatWasWrittenOverSyncedContentsMayStay) {
+    disk_.put("/f", "old");
+    Handle handle = -1;
+    ASSERT_EQ(disk_.open("/f", OpenMode::ReadWrite, 0, handle), FileError::None);
+    ASSERT_EQ(disk_.write(handle, 0, "ne"), FileError::None);
+    disk_.close(make("/g", "never synced"));
+    disk_.afterMachineDeath(SteeredFiles::Names::Kept, SteeredFiles::Overwritten::Kept);
+    EXPECT_EQ(disk_.contents("/f"), "ned");
+    EXPECT_EQ(disk_.contents("/g"), "");
+}
+
 TEST_F(SteeredFilesTest, renamesAndRemovalsComeBackUnlessTheFolderIsSynced) {
     disk_.put("/a", "1");
     disk_.put("/b", "2");
