@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A compile in which the n-th change to the disk fails, or during which the process dies there: a failure is a
-// message, and what is left is either whole or counts as out of date.
+// A compile in which the n-th change to the disk fails, or during which the process dies there: a failure is
+// a message, and what is left is either whole or counts as out of date.
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 #include "toolchain/classes.h"
