@@ -54,6 +54,17 @@ void offer(const std::string& stem) {
     FILEDELETE(stem + std::string(textEnd));
 }
 
+// A copy that a save left because it was interrupted while it wrote the file in place.
+void offerCopy(const std::string& copy) {
+    const std::string answer = MsgBox("Rescued Text",
+                                      "A save was interrupted while it wrote its file in place. The whole new text was "
+                                      "kept in the following file:\n\n\t'" +
+                                          copy + "'\n\nOpen it, delete it, or be asked again at the next start?",
+                                      "&Open\n&Delete\n&Later", BoxIcon::Question);
+    if (answer == "&Open") EDITWNDOPEN(SDIEdit, copy, false, 0);
+    if (answer == "&Delete") FILEDELETE(copy);
+}
+
 }  // namespace
 
 void RESCUETEXT() {
@@ -71,7 +82,9 @@ void OFFERRESCUEDTEXT() {
     os::files().list(os::rescueFolder(), names);
     for (const std::string& name : names) {
         STAMP();
-        if (name.ends_with(nameEnd)) offer(os::rescueFolder() + name.substr(0, name.size() - nameEnd.size()));
+        const std::string path = os::rescueFolder() + name;
+        if (name.ends_with(nameEnd)) offer(path.substr(0, path.size() - nameEnd.size()));
+        else if (!name.ends_with(textEnd)) offerCopy(path);
     }
     STAMP();
 }

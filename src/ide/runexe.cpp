@@ -32,8 +32,13 @@ void RUNEXEFILE(const std::string& exe, int trace, bool singleStep) {
     STAMP();
     PROFILESTRPUT(ini, "debug", "TraceProgram", STR(trace));
     PROFILESTRPUT(ini, "debug", "SingleStep", singleStep ? "1" : "0");
+    // A program runs in its own folder, where the files lie that it names without one.
+    const std::string folder = GETCURDIR();
+    STAMP();
+    SETCURDIR(FILEGETDIR(exe));
     STAMP();
     EXEC(exe, PROFILESTRGET(ini, "ArgumentsDlg", "Edit1"), 16 + 1);
+    SETCURDIR(folder);
     STAMP();
 }
 

@@ -25,7 +25,9 @@ struct ErrorRow {
 constexpr std::array errorRows{TARN_ERRORS(TARN_ERROR_ROW)};
 #undef TARN_ERROR_ROW
 
-constexpr bool byCode(const ErrorRow& a, const ErrorRow& b) { return a.code < b.code; }
+constexpr bool byCode(const ErrorRow& a, const ErrorRow& b) {
+    return a.code < b.code;
+}
 static_assert(std::is_sorted(errorRows.begin(), errorRows.end(), byCode));
 
 constexpr std::size_t AssertTextLimit = 255;
@@ -41,9 +43,13 @@ const char* ErrorText(std::int32_t code) {
     return row != errorRows.end() && row->code == code ? row->text : "Application defined error";
 }
 
-std::string ErrorMessage(std::int32_t code) { return ErrorText(code); }
+std::string ErrorMessage(std::int32_t code) {
+    return ErrorText(code);
+}
 
-std::int32_t LastError() { return lastError; }
+std::int32_t LastError() {
+    return lastError;
+}
 
 void ClearError() {
     tarn_error_cell = 0;
@@ -55,7 +61,9 @@ void ContinueAfterError() {
     tarn_error_cell = 0;
 }
 
-void Assert(bool condition) { Assert(condition, {}); }
+void Assert(bool condition) {
+    Assert(condition, {});
+}
 
 void Assert(bool condition, std::string_view text) {
     if (condition || tarn_error_cell != 0) return;
@@ -71,6 +79,8 @@ void Postcondition(bool condition) {
     if (!condition) SetError(ERR_POSTCONDITION);
 }
 
-std::string AssertText() { return assertText; }
+std::string AssertText() {
+    return assertText;
+}
 
 }  // namespace tarn

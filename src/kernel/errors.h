@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The codes of all run-time errors with their texts. One table gives both the named constants (ERR_...) and what
-// ErrorMessage says. Ranges: below 600 hardware faults, 6xx values and files, 7xx windows and type errors, 8xx process
-// and memory, 9xx external programs, printers, ports and conversions.
+// The codes of all run-time errors with their texts. One table gives both the named constants (ERR_...) and
+// what ErrorMessage says. Ranges: below 600 hardware faults, 6xx values and files, 7xx windows and type
+// errors, 8xx process and memory, 9xx external programs, printers, ports and conversions.
 //
-// Codes from ERR_FIRST_CONTINUABLE to ERR_LAST_CONTINUABLE let the user go on; every other one ends the program.
+// Codes from ERR_FIRST_CONTINUABLE to ERR_LAST_CONTINUABLE let the user go on; every other one ends the
+// program.
 #pragma once
 
 #include <cstdint>
@@ -158,8 +159,8 @@ enum ErrorCode : std::int32_t { ERR_NONE = 0, TARN_ERRORS(TARN_ERROR_CONSTANT) }
 inline constexpr std::int32_t ERR_FIRST_EXECUTABLE = 901, ERR_LAST_EXECUTABLE = 909;
 inline constexpr std::int32_t ERR_FIRST_CONTINUABLE = 901, ERR_LAST_CONTINUABLE = 992;
 
-// The text of a code: empty for 0, "Application defined error" for a code that is not in the table. Never allocates, so
-// that a report about a broken process can use it.
+// The text of a code: empty for 0, "Application defined error" for a code that is not in the table. Never
+// allocates, so that a report about a broken process can use it.
 const char* ErrorText(std::int32_t code);
 
 }  // namespace tarn

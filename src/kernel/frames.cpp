@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The stack of call frames, the debug mode that says whether there is one, and the tables of the debugger that calls of
-// a program fill: variables and classes.
+// The stack of call frames, the debug mode that says whether there is one, and the tables of the debugger
+// that calls of a program fill: variables and classes.
 #include "kernel/runtime.h"
 #include "kernel/state.h"
 #include "os/files.h"
@@ -34,8 +34,12 @@ void freeTable(Table*& table) {
     table = nullptr;
 }
 
-bool recorded(std::int32_t count) { return count >= 1 && count <= MaxFrames; }
-FrameRecord& frameAt(std::int32_t count) { return frameStack->frames[count - 1]; }
+bool recorded(std::int32_t count) {
+    return count >= 1 && count <= MaxFrames;
+}
+FrameRecord& frameAt(std::int32_t count) {
+    return frameStack->frames[count - 1];
+}
 
 void lowerCase(char* text) {
     for (; *text != 0; ++text) {
@@ -76,7 +80,8 @@ void traceCall(const char* className, const char* functionName, std::int32_t lin
 void FunctionEnter(const char* className, const char* functionName, std::int32_t line) {
     if (frameStack != nullptr) pushFrame(className, functionName, line);
     tarn_current_line = line;
-    if (GetTraceMode() != 0) [[unlikely]] traceCall(className, functionName, line);
+    if (GetTraceMode() != 0) [[unlikely]]
+        traceCall(className, functionName, line);
 }
 
 void FunctionLeave() {
@@ -105,7 +110,9 @@ std::string CurrentClassName() {
     return top != nullptr ? top->className : "";
 }
 
-std::int32_t FrameCount() { return frameStack != nullptr ? frameStack->count : 0; }
+std::int32_t FrameCount() {
+    return frameStack != nullptr ? frameStack->count : 0;
+}
 
 void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_view /*version*/,
                 std::string_view /*build*/, std::string_view mainSource) {
@@ -127,7 +134,9 @@ void DebugEnd() {
     debugMode = 0;
 }
 
-std::int32_t DebugMode() { return debugMode; }
+std::int32_t DebugMode() {
+    return debugMode;
+}
 
 void RegisterClass(std::string_view sourcePath, std::string_view className) {
     if (classTable == nullptr || classTable->count >= MaxClasses) return;
@@ -142,7 +151,7 @@ void RegisterVariable(std::string_view name, char role, std::int32_t kind, void*
     if (variableTable == nullptr || variableTable->count >= MaxVariables) return;
     if (role == 0 || roles.find(role) == std::string_view::npos) return;
     if (kind < 1 || kind > 12 || address == nullptr) return;
-    Variable& entry = variableTable->entries[variableTable->count++];
+    VariableEntry& entry = variableTable->entries[variableTable->count++];
     entry.name[name.copy(entry.name, MaxName)] = 0;
     entry.role = role;
     entry.kind = kind;

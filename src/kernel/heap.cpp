@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A block without memory checking is nothing but its bytes: the caller's size says its class. With memory checking:
+// A block without memory checking is nothing but its bytes: the caller's size says its class. With memory
+// checking:
 //
 //   offset size  guarded block (offsets from the block's start; the caller's bytes begin at 20)
 //        0    4  head guard "LMLM"
@@ -11,7 +12,8 @@
 //       20    n  the caller's bytes
 //     20+n    4  tail guard "<><>"
 //
-// The newest block heads the list. A free block holds the offset of the next free one of its class in its first word.
+// The newest block heads the list. A free block holds the offset of the next free one of its class in its
+// first word.
 #include "kernel/heap.h"
 
 #include "kernel/errors.h"
@@ -71,9 +73,11 @@ constexpr std::int32_t classBytes(int index) {
     const int doubling = (index - smallClasses) / 4 + 8, quarter = (index - smallClasses) % 4;
     return (5 + quarter) << (doubling - 2);
 }
-static_assert(classOf(1) == 0 && classOf(16) == 0 && classOf(17) == 1 && classOf(256) == 15 && classOf(257) == 16);
+static_assert(classOf(1) == 0 && classOf(16) == 0 && classOf(17) == 1 && classOf(256) == 15 &&
+              classOf(257) == 16);
 static_assert(classBytes(16) == 320 && classOf(320) == 16 && classOf(321) == 17);
-static_assert(classOf(MaxBlock + GuardBytes) < classCount && classBytes(classCount - 1) >= MaxBlock + GuardBytes);
+static_assert(classOf(MaxBlock + GuardBytes) < classCount &&
+              classBytes(classCount - 1) >= MaxBlock + GuardBytes);
 
 struct Heap {
     std::uint64_t reserved = 0;   // bytes of the range
@@ -87,7 +91,8 @@ struct Heap {
 };
 Heap heap;
 
-// ---- the range ------------------------------------------------------------------------------------------------
+// ---- the range
+// ------------------------------------------------------------------------------------------------
 
 bool reserve() {
     for (std::uint64_t bytes = largestReserve; bytes >= smallestReserve; bytes /= 2) {
@@ -102,7 +107,8 @@ bool reserve() {
 
 bool commit(std::uint64_t upTo) {
     const std::uint64_t goal = std::min((upTo + commitStep - 1) / commitStep * commitStep, heap.reserved);
-    if (mprotect(tarn_heap_base + heap.committed, goal - heap.committed, PROT_READ | PROT_WRITE) != 0) return false;
+    if (mprotect(tarn_heap_base + heap.committed, goal - heap.committed, PROT_READ | PROT_WRITE) != 0)
+        return false;
     heap.committed = goal;
     return true;
 }
@@ -116,7 +122,8 @@ Offset extend(std::int32_t bytes) {
     return block;
 }
 
-// ---- raw blocks -----------------------------------------------------------------------------------------------
+// ---- raw blocks
+// -----------------------------------------------------------------------------------------------
 
 // Tells the address sanitizer which bytes of a block of class `index` may be touched.
 void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_unused]] std::int32_t bytes) {
@@ -126,16 +133,44 @@ void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_un
 #endif
 }
 
+Offset popFree(int index) {
+    const Offset block = heap.free[index];
+    std::memcpy(&heap.free[index], tarn_heap_base + block, sizeof(Offset));
+    return block;
+}
+
+void pushFree(Offset block, int index) {
+    allow(block, index, sizeof(Offset));
+    std::memcpy(tarn_heap_base + block, &heap.free[index], sizeof(Offset));
+    heap.free[index] = block;
+}
+
+// When the range is used up: a block of class `index` out of a free one of a larger class; the rest of it becomes free
+// blocks as large as they can be. 0 if no larger one is free.
+Offset splitLarger(int index) {
+    int larger = index + 1;
+    while (larger < classCount && heap.free[larger] == 0) ++larger;
+    if (larger == classCount) return 0;
+    const Offset block = popFree(larger);
+    Offset rest = block + static_cast<Offset>(classBytes(index));
+    std::int32_t left = classBytes(larger) - classBytes(index);
+    for (int piece = larger - 1; left > 0; --piece) {
+        while (left >= classBytes(piece)) {
+            pushFree(rest, piece);
+            rest += static_cast<Offset>(classBytes(piece));
+            left -= classBytes(piece);
+        }
+    }
+    return block;
+}
+
 Offset takeRaw(std::int32_t bytes) {
     const int index = classOf(bytes);
-    Offset block = heap.free[index];
-    if (block != 0) {
-        std::memcpy(&heap.free[index], tarn_heap_base + block, sizeof(Offset));
-    } else {
-        block = extend(classBytes(index));
-        if (block == 0) return 0;
-    }
-    allow(block, index, bytes);
+    Offset block = 0;
+    if (heap.free[index] != 0) block = popFree(index);
+    else block = extend(classBytes(index));
+    if (block == 0) block = splitLarger(index);
+    if (block != 0) allow(block, index, bytes);
     return block;
 }
 
@@ -150,7 +185,8 @@ void wipe(char* bytes, std::int32_t count) {
     // Whole pages given back read as zero, and cost nothing until they are used again.
     const std::uintptr_t begin = reinterpret_cast<std::uintptr_t>(bytes);
     const std::uintptr_t firstPage = (begin + pageBytes - 1) / pageBytes * pageBytes;
-    const std::uintptr_t end = begin + static_cast<std::uintptr_t>(count), lastPage = end / pageBytes * pageBytes;
+    const std::uintptr_t end = begin + static_cast<std::uintptr_t>(count),
+                         lastPage = end / pageBytes * pageBytes;
     std::memset(bytes, 0, firstPage - begin);
     if (madvise(bytes + (firstPage - begin), lastPage - firstPage, MADV_DONTNEED) != 0)
         std::memset(bytes + (firstPage - begin), 0, lastPage - firstPage);
@@ -161,12 +197,11 @@ void wipe(char* bytes, std::int32_t count) {
 void giveRaw(Offset block, std::int32_t bytes) {
     const int index = classOf(bytes);
     wipe(tarn_heap_base + block, bytes);
-    allow(block, index, sizeof(Offset));
-    std::memcpy(tarn_heap_base + block, &heap.free[index], sizeof(Offset));
-    heap.free[index] = block;
+    pushFree(block, index);
 }
 
-// ---- guarded blocks -------------------------------------------------------------------------------------------
+// ---- guarded blocks
+// -------------------------------------------------------------------------------------------
 
 struct Head {
     char guard[4];
@@ -176,9 +211,15 @@ struct Head {
 };
 static_assert(sizeof(Head) == headBytes);
 
-Head& headOf(Offset block) { return *reinterpret_cast<Head*>(tarn_heap_base + block - headBytes); }
-char* tailOf(Offset block, std::int32_t size) { return tarn_heap_base + block + size; }
-bool isGuard(const char* bytes, const char* guard) { return std::memcmp(bytes, guard, 4) == 0; }
+Head& headOf(Offset block) {
+    return *reinterpret_cast<Head*>(tarn_heap_base + block - headBytes);
+}
+char* tailOf(Offset block, std::int32_t size) {
+    return tarn_heap_base + block + size;
+}
+bool isGuard(const char* bytes, const char* guard) {
+    return std::memcmp(bytes, guard, 4) == 0;
+}
 
 // Can a guarded block start here? Guards against links and pointers that were overwritten.
 bool mayBeGuarded(Offset block) {
@@ -203,13 +244,15 @@ void link(Offset block, std::int32_t size) {
 
 void unlink(Offset block) {
     const Head& head = headOf(block);
-    if (head.newer != 0) headOf(head.newer).older = head.older;
-    else heap.newest = head.older;
+    if (head.newer != 0)
+        headOf(head.newer).older = head.older;
+    else
+        heap.newest = head.older;
     if (head.older != 0) headOf(head.older).newer = head.newer;
 }
 
-// A step of the walk from the newest block: false when what stands at `block` is no intact member of the list. The
-// back link is part of that, so a damaged list cannot lead the walk round in a circle.
+// A step of the walk from the newest block: false when what stands at `block` is no intact member of the
+// list. The back link is part of that, so a damaged list cannot lead the walk round in a circle.
 bool intact(Offset block, Offset newer) {
     return mayBeGuarded(block) && isGuard(headOf(block).guard, headGuard) && headOf(block).newer == newer;
 }
@@ -222,7 +265,8 @@ std::int32_t examine(Offset block, std::int32_t size) {
         if (at != block) continue;
         const Head& head = headOf(at);
         if (head.size != size) return ERR_WRONG_BLOCK_SIZE;
-        if (!sizeInRange(at, size) || !isGuard(head.second, edgeGuard) || !isGuard(tailOf(at, size), edgeGuard))
+        if (!sizeInRange(at, size) || !isGuard(head.second, edgeGuard) ||
+            !isGuard(tailOf(at, size), edgeGuard))
             return ERR_BLOCK_OVERWRITTEN;
         const Offset older = head.older;
         if (older != 0 && (!mayBeGuarded(older) || headOf(older).newer != at)) return ERR_BLOCK_LIST_CORRUPT;
@@ -239,16 +283,19 @@ std::int32_t plausible(Offset block, std::int32_t size) {
     return ERR_NONE;
 }
 
-// ---- requests -------------------------------------------------------------------------------------------------
+// ---- requests
+// -------------------------------------------------------------------------------------------------
 
 bool sizeAllowed(std::int32_t size) {
-    if (size >= 1 && size <= MaxBlock) [[likely]] return true;
+    if (size >= 1 && size <= MaxBlock) [[likely]]
+        return true;
     SetError(size == 0 ? ERR_EMPTY_BLOCK : ERR_BLOCK_TOO_LARGE);
     return false;
 }
 
 bool refused() {
-    if (heap.failAfter < 0) [[likely]] return false;
+    if (heap.failAfter < 0) [[likely]]
+        return false;
     return heap.failAfter-- == 0;
 }
 
@@ -311,38 +358,41 @@ void Free(Offset& block, std::int32_t size) {
     block = 0;
 }
 
-void Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
+bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
     if (block == 0) {
         Allocate(block, newSize);
-        return;
+        return block != 0;
     }
-    if (!sizeAllowed(newSize)) return;
+    if (!sizeAllowed(newSize)) return false;
     const std::int32_t error = heap.checking ? examine(block, oldSize) : plausible(block, oldSize);
     if (error != ERR_NONE) [[unlikely]] {
         SetError(error);
-        return;
+        return false;
     }
     const bool denied = newSize > oldSize && refused();
     const int extra = heap.checking ? GuardBytes : 0;
     if (!denied && classOf(oldSize + extra) == classOf(newSize + extra)) {
         resizeInPlace(block, newSize);
-        return;
+        return true;
     }
     const Offset moved = denied ? 0 : obtain(newSize);
     if (moved == 0) {
         SetError(ERR_OUT_OF_MEMORY);
-        return;
+        return false;
     }
     std::memcpy(At(moved), At(block), static_cast<std::size_t>(std::min(oldSize, newSize)));
     release(block, oldSize);
     block = moved;
+    return true;
 }
 
 void SetMemoryChecking(bool on) {
     if (heap.live == 0) heap.checking = on;
 }
 
-bool MemoryChecking() { return heap.checking; }
+bool MemoryChecking() {
+    return heap.checking;
+}
 
 Leaks CountLeaks() {
     Leaks leaks;
@@ -361,8 +411,12 @@ Leaks CountLeaks() {
     return leaks;
 }
 
-std::int64_t LiveBlocks() { return heap.live; }
+std::int64_t LiveBlocks() {
+    return heap.live;
+}
 
-void FailAllocation(std::int64_t n) { heap.failAfter = n < 0 ? -1 : n; }
+void FailAllocation(std::int64_t n) {
+    heap.failAfter = n < 0 ? -1 : n;
+}
 
 }  // namespace tarn

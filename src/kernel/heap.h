@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The heap of kernel values: one reserved address range of at most 4 GiB, committed as it grows. A block is named
-// by its 32-bit offset into the range (0 is null), so that descriptors keep their exact sizes on a 64-bit machine
-// and a bad reference cannot leave the range. Size-class free lists; a free is O(1); a block grows in place inside
-// its class. With memory checking on every block carries 24 bytes of guards and links, and a free walks the list.
+// The heap of kernel values: one reserved address range of at most 4 GiB, committed as it grows. A block is
+// named by its 32-bit offset into the range (0 is null), so that descriptors keep their exact sizes on a
+// 64-bit machine and a bad reference cannot leave the range. Size-class free lists; a free is O(1); a block
+// grows in place inside its class. With memory checking on every block carries 24 bytes of guards and links,
+// and a free walks the list.
 //
-// Costs: Allocate and Free some nanoseconds beyond the clearing of the freed bytes; Resize the same, and a copy when the
-// class changes (four classes for each doubling, so growing one byte at a time copies each byte about four times).
-// Memory is kept for later blocks of its class; the pages of large blocks go back to the system when they are freed.
+// Costs: Allocate and Free some nanoseconds beyond the clearing of the freed bytes; Resize the same, and a
+// copy when the class changes (four classes for each doubling, so growing one byte at a time copies each byte
+// about four times). Memory is kept for later blocks of its class; the pages of large blocks go back to the
+// system when they are freed.
 #pragma once
 
 #include <cstdint>
@@ -23,19 +25,22 @@ using Offset = std::uint32_t;  // into the heap; 0 is null
 inline constexpr std::int32_t MaxBlock = 4096000;  // bytes, the most that one block may hold
 inline constexpr std::int32_t GuardBytes = 24;     // what memory checking adds to a block
 
-inline char* At(Offset offset) { return offset == 0 ? nullptr : tarn_heap_base + offset; }
+inline char* At(Offset offset) {
+    return offset == 0 ? nullptr : tarn_heap_base + offset;
+}
 Offset OffsetOf(const void* address);  // 0 for null and for what lies outside the heap
 
 // 821 for size 0, 804 for other sizes outside 1 to MaxBlock, 802 when memory is exhausted; `block` is then 0.
 // The bytes of a new block are not set.
 void Allocate(Offset& block, std::int32_t size);
 // `size` is that of the allocation. The freed block is zeroed and `block` set to 0. With memory checking on a
-// wrong call sets 822 to 825 and frees nothing. Without it, freeing 0 does nothing, and an offset or size that no block
-// can have sets 823 or 824.
+// wrong call sets 822 to 825 and frees nothing. Without it, freeing 0 does nothing, and an offset or size
+// that no block can have sets 823 or 824.
 void Free(Offset& block, std::int32_t size);
-// Makes `block` hold `newSize` bytes, the first of them kept; in place when its class allows. A block of 0 is allocated.
-// On error (as Allocate; with memory checking on also as Free) the block is as it was.
-void Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize);
+// Makes `block` hold `newSize` bytes, the first of them kept; in place when its class allows. A block of 0 is
+// allocated. On error (as Allocate; with memory checking on also as Free) the block is as it was and the
+// result is false.
+bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize);
 
 // Has effect only while no block is allocated: the two kinds of block do not mix.
 void SetMemoryChecking(bool on);
@@ -50,8 +55,8 @@ Leaks CountLeaks();  // memory checking on only; otherwise nothing is found
 // Blocks that are allocated now, in either mode.
 std::int64_t LiveBlocks();
 
-// Tests make the n-th request from now fail with 802 (0: the next; -1: none). A request is an Allocate of a valid size,
-// or a Resize to a valid size that grows.
+// Tests make the n-th request from now fail with 802 (0: the next; -1: none). A request is an Allocate of a
+// valid size, or a Resize to a valid size that grows.
 void FailAllocation(std::int64_t n);
 
 }  // namespace tarn

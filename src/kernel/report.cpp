@@ -6,20 +6,12 @@
 #include "kernel/errors.h"
 #include "kernel/runtime.h"
 #include "kernel/state.h"
-#include "platform/windowing.h"
 
 namespace tarn {
 
 namespace {
 
 bool reporting = false;
-
-std::string platformBox(const std::string& title, const std::string& text, const std::string& buttons) {
-    platform::Sound();
-    return platform::MsgBox(title, text, buttons, platform::BoxIcon::Error);
-}
-
-ReportBox reportBox = platformBox;
 
 std::string place() {
     const FrameRecord* top = TopFrame();
@@ -28,15 +20,16 @@ std::string place() {
            std::to_string(tarn_current_line) + "\n";
 }
 
-bool continuable(std::int32_t code) { return code >= ERR_FIRST_CONTINUABLE && code <= ERR_LAST_CONTINUABLE; }
+bool continuable(std::int32_t code) {
+    return code >= ERR_FIRST_CONTINUABLE && code <= ERR_LAST_CONTINUABLE;
+}
+
+std::string show(const std::string& title, const std::string& buttons) {
+    TheDesktop().sound();
+    return TheDesktop().box(title, ErrorDetails(), buttons);
+}
 
 }  // namespace
-
-ReportBox SetReportBox(ReportBox box) {
-    const ReportBox before = reportBox;
-    reportBox = box != nullptr ? box : platformBox;
-    return before;
-}
 
 std::string ErrorDetails() {
     const std::int32_t code = tarn_error_cell;
@@ -52,7 +45,9 @@ bool BeginReport() {
     return true;
 }
 
-void EndReport() { reporting = false; }
+void EndReport() {
+    reporting = false;
+}
 
 Reporting::Reporting() : entered_(BeginReport()) {}
 
@@ -67,10 +62,10 @@ void DefaultErrorHandler(std::int32_t code) {
         const std::string title = "Error " + std::to_string(code);
         if (!continuable(code)) {
             RescueOnce();  // before the box: the user may never come back to it
-            reportBox(title, ErrorDetails(), "OK");
+            show(title, "OK");
             Halt();
         }
-        if (reportBox(title, ErrorDetails(), "Continue\nHalt") != "Continue") {
+        if (show(title, "Continue\nHalt") != "Continue") {
             RescueOnce();
             Halt();
         }
@@ -80,8 +75,10 @@ void DefaultErrorHandler(std::int32_t code) {
 
 void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
     if (const std::int32_t code = tarn_error_cell; code != 0) {
-        if (action == ClearErrors) tarn_error_cell = 0;
-        else if (action == ReportErrors) (handler != nullptr ? handler : DefaultErrorHandler)(code);
+        if (action == ClearErrors)
+            tarn_error_cell = 0;
+        else if (action == ReportErrors)
+            (handler != nullptr ? handler : DefaultErrorHandler)(code);
     }
     if (line != 0) tarn_current_line = line;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The boxes by which the kernel reports errors, as seams: tests put functions of their own there. Modules need none
-// of this.
+// The boxes by which the kernel reports errors, as seams: tests put functions of their own there. Modules
+// need none of this.
 #pragma once
 
 #include <cstdint>
@@ -9,13 +9,20 @@
 
 namespace tarn {
 
-// Shows an error report and gives the caption of the button pressed. By default the desktop's beep and MsgBox.
-using ReportBox = std::string (*)(const std::string& title, const std::string& text, const std::string& buttons);
-ReportBox SetReportBox(ReportBox box);  // returns the one before; null means the default
+// What the kernel itself needs of the desktop. By default the operations of the platform.
+struct Desktop {
+    void (*sound)();  // the beep
+    // A box; gives the caption of the button pressed.
+    std::string (*box)(const std::string& title, const std::string& text, const std::string& buttons);
+    void (*setTrace)(int mode);  // is told of every change of the trace mode
+    void (*close)();             // for the halt: stops sounds and destroys all windows
+};
+Desktop UseDesktop(const Desktop& desktop);  // returns the one before
+const Desktop& TheDesktop();
 
-// Shows the box of last resort and waits until it is closed. It runs after hardware faults too, so a function here
-// must not allocate. By default the text goes to standard error and, where there is a screen, to the program
-// tarnwick-fatal.
+// Shows the box of last resort and waits until it is closed. It runs after hardware faults too, so a function
+// here must not allocate. By default the text goes to standard error and, where there is a screen, to the
+// program tarnwick-fatal.
 using FatalBox = void (*)(const char* title, const char* text);
 FatalBox SetFatalBox(FatalBox box);  // returns the one before; null means the default
 void ShowFatalBox(const char* title, const char* text);
@@ -23,8 +30,8 @@ void ShowFatalBox(const char* title, const char* text);
 void LocateFatalProgram();
 
 // Builds title and text of a fatal report and shows them. Never allocates. Null texts count as empty.
-void ReportFatal(std::int32_t code, const char* message, const char* file, const char* function, std::int32_t line,
-                 const char* extra);
+void ReportFatal(std::int32_t code, const char* message, const char* file, const char* function,
+                 std::int32_t line, const char* extra);
 // The same with the class, function and line that run now.
 void ReportFatalHere(std::int32_t code);
 

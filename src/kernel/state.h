@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the files of the run-time share among themselves: the frame stack and the debugger's tables. Other layers use
-// runtime.h. All tables have their full size from the start, so that no call of a program allocates here; a table that
-// could not be allocated is null, and whoever uses one tests for that.
+// What the files of the run-time share among themselves: the frame stack and the debugger's tables. Other
+// layers use runtime.h. All tables have their full size from the start, so that no call of a program
+// allocates here; a table that could not be allocated is null, and whoever uses one tests for that.
 #pragma once
 
 #include "kernel/runtime.h"
@@ -31,7 +31,7 @@ struct FrameStack {
     FrameRecord frames[MaxFrames];
 };
 
-struct Variable {
+struct VariableEntry {
     char name[MaxName + 1];
     char role;          // C, I, N, O or V
     std::int32_t kind;  // 1 to 12
@@ -41,7 +41,7 @@ struct Variable {
 
 struct VariableTable {
     std::int32_t count;
-    Variable entries[MaxVariables];
+    VariableEntry entries[MaxVariables];
 };
 
 struct ClassEntry {

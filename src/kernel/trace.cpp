@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The trace: a line for each call of a function, to the debug output or to the end of a file.
+#include "kernel/report.h"
 #include "kernel/runtime.h"
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/process.h"
-#include "platform/windowing.h"
 
 #include <cstdio>
 
@@ -30,8 +30,8 @@ void appendToFile(const std::string& line) {
 std::string now() {
     const os::CivilTime time = os::clock().local(os::clock().now());
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day, time.hour,
-                  time.minute, time.second);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day,
+                  time.hour, time.minute, time.second);
     return text;
 }
 
@@ -40,20 +40,24 @@ std::string now() {
 void Trace(std::string_view text) {
     if (traceMode == 0) return;
     const std::string line = std::string(text) + "\n";
-    if (traceMode == 1) os::debugOutput(line);
-    else appendToFile(line);
+    if (traceMode == 1)
+        os::debugOutput(line);
+    else
+        appendToFile(line);
 }
 
 void SetTraceMode(std::int32_t mode) {
     if (mode < 0 || mode > 2) return;
     traceMode = mode;
-    platform::SetTrace(mode);
+    TheDesktop().setTrace(mode);
     const std::string dashes(40, '-');
     Trace(dashes);
     Trace(os::executablePath() + " " + now() + " trace=" + std::to_string(mode));
     Trace(dashes);
 }
 
-std::int32_t GetTraceMode() { return traceMode; }
+std::int32_t GetTraceMode() {
+    return traceMode;
+}
 
 }  // namespace tarn

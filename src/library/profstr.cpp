@@ -13,22 +13,59 @@
 #include "os/files.h"
 #include "os/process.h"
 
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
 MODULE("profstr", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
 namespace detail {
 
-const std::string& readProfile(const std::string& file, bool& readable) {
-    // The buffer keeps its room from call to call, so that a read allocates nothing; a huge one is given
-    // back.
-    static std::string buffer;
-    constexpr std::size_t KeptRoom = 1 << 20;
-    if (buffer.capacity() > KeptRoom) buffer = std::string();
-    const os::FileError error = file.empty() ? os::FileError::NotFound : os::readFile(file, buffer);
+namespace {
+
+constexpr std::size_t FirstRoom = 64 << 10, KeptRoom = 1 << 20;
+
+// Reads to the end into `room`, which grows as needed; `size` is what was read.
+os::FileError readAll(os::Handle handle, std::vector<char>& room, std::size_t& size) {
+    for (;;) {
+        if (size == room.size()) room.resize(std::max(FirstRoom, 2 * size));
+        std::size_t got = 0;
+        const os::FileError error = os::files().read(handle, static_cast<std::int64_t>(size),
+                                                     room.data() + size, room.size() - size, got);
+        if (error != os::FileError::None || got == 0) return error;
+        size += got;
+    }
+}
+
+os::FileError readWhole(const std::string& file, std::vector<char>& room, std::size_t& size) {
+    os::Handle handle = -1;
+    os::FileError error = os::files().open(os::native(file), os::OpenMode::Read, 0, handle);
+    if (error != os::FileError::None) return error;
+    try {
+        error = readAll(handle, room, size);
+    } catch (const std::bad_alloc&) {
+        error = os::FileError::ReadFailed;
+    } catch (const std::length_error&) {
+        error = os::FileError::ReadFailed;
+    }
+    os::files().close(handle);
+    return error;
+}
+
+}  // namespace
+
+std::string_view readProfile(const std::string& file, bool& readable) {
+    // The room is kept from call to call, so that a read allocates nothing; a huge one is given back. Nothing
+    // is asked about the file ahead of the read: the calls to the system are most of what a read costs.
+    static std::vector<char> room;
+    if (room.size() > KeptRoom) room = std::vector<char>();
+    std::size_t size = 0;
+    const os::FileError error = file.empty() ? os::FileError::NotFound : readWhole(file, room, size);
     readable = error == os::FileError::None || isMissing(error);
     if (!readable) SetError(readErrorCode(error));
-    if (error != os::FileError::None) buffer.clear();
-    return buffer;
+    return {room.data(), error == os::FileError::None ? size : 0};
 }
 
 bool writeProfile(const std::string& file, std::string_view text) {
@@ -81,7 +118,7 @@ void PROFILESTRPUT(const std::string& file, std::string_view section, std::strin
     if (file.empty() || section.empty()) return;
     bool readable = false;
     STAMP();
-    std::string text = detail::readProfile(file, readable);
+    std::string text(detail::readProfile(file, readable));
     if (!readable) return;
     if (key.empty())
         ini::putList(text, section, value);
@@ -96,7 +133,7 @@ void PROFILESTRDEL(const std::string& file, std::string_view section, std::strin
     if (file.empty() || section.empty()) return;
     bool readable = false;
     STAMP();
-    std::string text = detail::readProfile(file, readable);
+    std::string text(detail::readProfile(file, readable));
     if (!readable || !ini::remove(text, section, key)) return;
     STAMP();
     detail::writeProfile(file, text);

@@ -11,7 +11,7 @@ namespace tarn::detail {
 
 // The text of the file; valid until the next call. A missing file and an empty name read as empty. `readable`
 // is false when the file is there and cannot be read: nothing may be written then.
-const std::string& readProfile(const std::string& file, bool& readable);
+std::string_view readProfile(const std::string& file, bool& readable);
 bool writeProfile(const std::string& file, std::string_view text);
 
 }  // namespace tarn::detail

@@ -137,7 +137,7 @@ void LOADINIFILE(const std::string& file, const Object& window, bool withPositio
     bool readable = false;
     STAMP();
     // A copy: what is set below runs window functions, which may read settings themselves.
-    const std::string text = detail::readProfile(file, readable);
+    const std::string text(detail::readProfile(file, readable));
     STAMP();
     const std::string section = sectionName(window);
     for (const Object& control : ControlList(window)) {
@@ -155,7 +155,7 @@ void SAVEINIFILE(const std::string& file, const Object& window, bool withPositio
     if (file.empty() || !IsLoaded(window)) return;
     bool readable = false;
     STAMP();
-    std::string text = detail::readProfile(file, readable);
+    std::string text(detail::readProfile(file, readable));
     if (!readable) return;
     const std::string before = text;
     STAMP();

@@ -59,7 +59,7 @@ std::string GETHILITELIST(const std::string& iniFile, std::string_view section, 
 std::string MAKETOKENSTR(const std::string& iniFile, std::string_view extension) {
     FRAME(MAKETOKENSTR);
     std::string ext = STRLOWER(extension);
-    if (!ext.starts_with('.')) ext.insert(0, ".");
+    if (!ext.starts_with('.')) ext = "." + ext;
     if (ext.size() < 2) return {};
     const std::string section = "hilite" + ext;
     STAMP();

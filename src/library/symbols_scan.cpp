@@ -141,8 +141,8 @@ std::string listing(const Item& item, int flags) {
     std::string out = (flags & WithBlanks) != 0 ? "   " : "";
     out += item.name;
     if ((flags & WithParentheses) != 0) out += "()";
-    if (item.kind == ItemKind::Handler) out += "." + item.event;
-    if ((flags & WithLines) != 0) out += " " + STR(item.first) + " " + STR(item.last);
+    if (item.kind == ItemKind::Handler) out.append(".").append(item.event);
+    if ((flags & WithLines) != 0) out.append(" ").append(STR(item.first)).append(" ").append(STR(item.last));
     return out + "\n";
 }
 

@@ -29,11 +29,11 @@ enum ExecError : std::int32_t {
 enum WaitMode { WaitDisabled = 0, WaitIdle = 1, WaitEnabled = 2 };
 
 constexpr int PollMilliseconds = 50;        // the longest time between two looks at the child
-constexpr int SliceMilliseconds = 10;       // of it, how long events may stay unhandled
+constexpr int SliceMilliseconds = 5;        // how long events may stay unhandled, or an end unseen
 constexpr int IdleMilliseconds = 5000;      // the most that a start is waited for
 constexpr int ProgressMilliseconds = 1000;  // a tool that takes longer can be stopped
 constexpr int GraceMilliseconds = 2000;     // what a stopped tool has to end by itself
-static_assert(SliceMilliseconds <= PollMilliseconds);
+static_assert(2 * SliceMilliseconds <= PollMilliseconds);
 
 bool hasContent(const std::string& path) {
     return os::sizeOf(path) > 0;
@@ -132,13 +132,14 @@ std::unique_ptr<os::Child> start(const std::string& program, const std::string& 
 // Waits until the child has ended or the user has stopped it.
 void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, os::ExitState& state) {
     bool shown = false;
-    for (int waited = 0; !state.ended; waited = std::min(waited + SliceMilliseconds, ProgressMilliseconds)) {
+    state = child.poll();
+    for (int waited = 0; !state.ended; waited = std::min(waited + 2 * SliceMilliseconds, ProgressMilliseconds)) {
         if (!shown && waited >= ProgressMilliseconds) {
             ShowToolProgress("Running " + name);
             shown = true;
         }
+        WaitEvents(SliceMilliseconds, false);
         state = child.wait(SliceMilliseconds);
-        DoEvents();
         if (state.ended || !ToolStopPressed()) continue;
         result.stopped = true;
         child.stop(GraceMilliseconds);
@@ -162,8 +163,8 @@ bool isIdle(int process) {
 void waitForIdle(os::Child& child, os::ExitState& state) {
     int idle = 0;
     for (int waited = 0; waited < IdleMilliseconds && idle < 2 && !state.ended; waited += PollMilliseconds) {
-        state = child.wait(PollMilliseconds);
-        DoEvents();
+        WaitEvents(SliceMilliseconds, false);
+        state = child.wait(PollMilliseconds - SliceMilliseconds);
         idle = isIdle(child.id()) ? idle + 1 : 0;
     }
 }

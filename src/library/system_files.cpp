@@ -107,8 +107,8 @@ TempNames FILETEMPNAMES(std::string_view directory, std::string_view stem, std::
     FRAME(FILETEMPNAMES);
     std::string_view base = stem;
     while (!base.empty() && ascii::isDigit(base.back())) base.remove_suffix(1);
-    std::string ext(extension);
-    if (!ext.empty() && ext[0] != '.') ext.insert(0, ".");
+    std::string ext(extension.empty() || extension[0] == '.' ? "" : ".");
+    ext.append(extension);
     const std::string folder = FILEADDSEPARATOR(directory);
     std::vector<std::string> names;
     STAMP();

@@ -238,7 +238,7 @@ std::string KEYSTR(int keyCode) {
                                      {0x24, "Home"}, {0x22, "PgDn"}, {0x21, "PgUp"}};
     if (keyCode >= 0x1141 && keyCode <= 0x115A)
         return std::string("Ctrl+") + static_cast<char>('A' + (keyCode - 0x1141));
-    if (keyCode >= 0x70 && keyCode <= 0x7B) return "F" + STR(keyCode - 0x70 + 1);
+    if (keyCode >= 0x70 && keyCode <= 0x7B) return std::string("F").append(STR(keyCode - 0x70 + 1));
     for (const Name& name : names)
         if (name.code == keyCode) return name.text;
     return {};

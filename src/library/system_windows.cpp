@@ -33,7 +33,7 @@ std::string escapedForUrl(std::string_view text) {
         if (isPlainInUrl(c))
             out += c;
         else
-            out += "%" + HEXSTR(static_cast<unsigned char>(c), 2);
+            out.append("%").append(HEXSTR(static_cast<unsigned char>(c), 2));
     }
     return out;
 }

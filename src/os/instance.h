@@ -39,7 +39,7 @@ struct InstanceCommand {
 // each command. Poll with `serveInstanceCommands` (from the event loop; `instanceSocket` is the descriptor to
 // watch for reading, -1 if there is none). `run` may serve again, as a dialog's event loop does, and may stop
 // the server; the commands are run in the order in which they came. The one who sent a command does not wait
-// for the end of `run`.
+// for the end of `run`. `knows` only looks: it must neither serve nor stop the server.
 struct InstanceServer {
     std::function<bool(const std::string& windowClass, const std::string& caption)> knows;
     std::function<void(const InstanceCommand&)> run;

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -77,6 +79,32 @@ void reapAbandoned() {
     std::erase_if(abandoned(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
 }
 
+// Whether the process is in the group and has not ended. Ended ones stay in it until their parent reaps them,
+// which the first process of a container may do late or never.
+bool runsIn(const std::string& process, pid_t group) {
+    char status[512];
+    std::size_t got = 0;
+    Handle handle = -1;
+    const std::string path = "/proc/" + process + "/stat";
+    if (realFiles().open(path, OpenMode::Read, 0, handle) != FileError::None) return false;
+    realFiles().read(handle, 0, status, sizeof status - 1, got);
+    realFiles().close(handle);
+    status[got] = '\0';
+    const char* const name = std::strrchr(status, ')');  // the program's own name may hold anything
+    char state = 0;
+    int parent = 0, its = 0;
+    if (name == nullptr || std::sscanf(name + 1, " %c %d %d", &state, &parent, &its) != 3) return false;
+    return its == group && state != 'Z' && state != 'X';
+}
+
+bool groupRuns(pid_t group) {
+    std::vector<std::string> names;
+    realFiles().list("/proc", names);
+    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return name.front() >= '0' && name.front() <= '9' && runsIn(name, group);
+    });
+}
+
 class RealChild : public Child {
 public:
     explicit RealChild(pid_t pid) : pid_(pid) {}
@@ -125,6 +153,10 @@ private:
         if (!reaped_) ::waitpid(pid_, nullptr, 0);
         reaped_ = true;
         gone_ = ::kill(-pid_, 0) < 0 && errno == ESRCH;
+        if (!gone_ && !groupRuns(pid_)) {
+            ::kill(-pid_, SIGKILL);  // one that was made while the others were looked at
+            gone_ = true;
+        }
         return gone_;
     }
 

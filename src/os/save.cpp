@@ -64,7 +64,8 @@ FileError takeOver(const FileInfo& old, const std::string& path) {
         const FileError error = files().setOwner(path, old.owner, old.group);
         if (error != FileError::None) return error;
     }
-    return files().setMode(path, old.mode);
+    // Where all files have the mode that the disk was mounted with, setting it would be an error.
+    return info.mode != old.mode ? files().setMode(path, old.mode) : FileError::None;
 }
 
 FileError finish(Handle handle, Durability durability) {

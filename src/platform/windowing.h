@@ -75,7 +75,8 @@ Answer<int> GetTextLength(const Object& object);
 Answer<std::string> GetTokens(const Object& object);
 Code SetTokens(const Object& object, std::string_view tokens);
 Answer<std::string> GetSelText(const Object& object);
-Code SetSelText(const Object& object, std::string_view text);  // replaces the selection; one undo step
+// Replaces the selection, in one undo step, and sends CHANGE_EVENT as a user's edit does (SetText sends none).
+Code SetSelText(const Object& object, std::string_view text);
 Answer<Selection> GetSelection(const Object& object);
 Code SetSelection(const Object& object, int start, int length);  // scrolls it into view
 Answer<int> GetValue(const Object& object);                      // check box, radio button, scroll and progress bar
@@ -122,6 +123,7 @@ Code SetArrayValue(const Object& window, std::string_view name, std::string_view
 
 Answer<Rect> GetPosition(const Object& object, Unit unit);
 Code SetPosition(const Object& object, Unit unit, const Rect& rect);
+// Limits of a window: width and height of its client area, 0 for none; x and y only tell where a maximised window goes.
 Answer<Rect> GetMinPosition(const Object& window);
 Code SetMinPosition(const Object& window, const Rect& rect);
 Answer<Rect> GetMaxPosition(const Object& window);  // all zero: the whole screen
@@ -177,7 +179,8 @@ bool ToolStopPressed();
 // Splash picture: `lines` drawn over the picture file; shown until closed.
 void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines);
 void CloseSplash();
-void SetTrace(int mode);
+void SetTrace(int mode);                // the level that whoever traces reads with GetTrace; 0 is off
+int GetTrace();
 int GetUserBreak();
 void SetUserBreak(int value);
 void DestroyAllWindows();              // for the halt: no events are sent

@@ -13,7 +13,9 @@ namespace {
 
 constexpr int MaxConstantDepth = 200;  // of constants that are named in constants
 
-std::int32_t wrap(std::int64_t number) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(number)); }
+std::int32_t wrap(std::int64_t number) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(number));
+}
 
 std::int64_t floorDiv(std::int64_t a, std::int64_t b) {
     const std::int64_t quotient = a / b;
@@ -53,7 +55,9 @@ int compareValues(const Value& a, const Value& b) {
     return a.number < b.number ? -1 : a.number > b.number ? 1 : 0;
 }
 
-bool isComparison(Operator op) { return op >= Operator::Eq; }
+bool isComparison(Operator op) {
+    return op >= Operator::Eq;
+}
 
 class Checker {
 public:
@@ -105,8 +109,10 @@ private:
 
     void finishConstant(Declaration& item) {
         const Expression& initial = *item.initial;
-        if (item.type.type == Type::None) item.type.type = initial.type;
-        else require(initial, item.type.type);
+        if (item.type.type == Type::None)
+            item.type.type = initial.type;
+        else
+            require(initial, item.type.type);
         item.value = initial.constant;
         if (!item.value && initial.type != Type::Unknown) add(item.line, Problem::ConstantNeeded, {});
     }
@@ -115,10 +121,13 @@ private:
 
     void resolve(TypeRef& reference) {
         for (int steps = 0; !reference.name.empty(); ++steps) {
-            const Declaration* item = steps > MaxNesting ? nullptr : lookUp({}, reference.name, reference.line);
+            const Declaration* item =
+                steps > MaxNesting ? nullptr : lookUp({}, reference.name, reference.line);
             if (item == nullptr || item->kind != DeclarationKind::Type) {
-                if (item != nullptr) wrongKind(*item, "type", reference.line);
-                else if (steps > MaxNesting) unknown(reference.name, reference.line);
+                if (item != nullptr)
+                    wrongKind(*item, "type", reference.line);
+                else if (steps > MaxNesting)
+                    unknown(reference.name, reference.line);
                 reference.type = Type::Unknown;
                 reference.name.clear();
                 return;
@@ -136,7 +145,8 @@ private:
     // ---- names ----
 
     // Null when nothing is found; a message was given then, unless `quiet`.
-    const Declaration* lookUp(const std::string& qualifier, const std::string& name, int line, bool quiet = false) {
+    const Declaration* lookUp(const std::string& qualifier, const std::string& name, int line,
+                              bool quiet = false) {
         const std::string folded = fold(name);
         const Declaration* found = nullptr;
         if (qualifier.empty()) {
@@ -170,8 +180,8 @@ private:
         return found;
     }
 
-    const Declaration* lookUpIn(const std::string& qualifier, const std::string& folded, const std::string& name,
-                                int line) {
+    const Declaration* lookUpIn(const std::string& qualifier, const std::string& folded,
+                                const std::string& name, int line) {
         if (sameName(qualifier, tree_.name)) return findDeclaration(tree_, folded);
         for (const UsedClass& used : tree_.uses) {
             if (!sameName(qualifier, used.name)) continue;
@@ -225,6 +235,7 @@ private:
         functionItem_ = &item;
         function_ = &head;
         reported_.clear();
+        if (head.hasErrors) return;
         functionHead(item, head);
         if (head.bodyLine == 0) return add(item.line, Problem::NoBody, {item.name});
         declareLocals(head);
@@ -268,8 +279,9 @@ private:
             case StatementKind::Loop: return !leavesLoop(item->body);
             case StatementKind::If:
             case StatementKind::Select:
-                return item->hasElse && std::all_of(item->branches.begin(), item->branches.end(),
-                                                    [](const Branch& branch) { return alwaysReturns(branch.body); });
+                return item->hasElse &&
+                       std::all_of(item->branches.begin(), item->branches.end(),
+                                   [](const Branch& branch) { return alwaysReturns(branch.body); });
             default: return false;
             }
         });
@@ -335,10 +347,12 @@ private:
         const bool place = item.kind == ExpressionKind::Name || item.kind == ExpressionKind::Element;
         if (!place || item.target == nullptr) return false;
         const Declaration& target = *item.target;
-        const bool constant =
-            target.kind == DeclarationKind::Constant || target.kind == DeclarationKind::Function ||
-            target.kind == DeclarationKind::Type || (target.kind == DeclarationKind::Parameter && target.mode == Mode::In);
-        if (constant && tell) add(item.line, Problem::CannotAssign, {target.name, declarationName(target.kind)});
+        const bool constant = target.kind == DeclarationKind::Constant ||
+                              target.kind == DeclarationKind::Function ||
+                              target.kind == DeclarationKind::Type ||
+                              (target.kind == DeclarationKind::Parameter && target.mode == Mode::In);
+        if (constant && tell)
+            add(item.line, Problem::CannotAssign, {target.name, declarationName(target.kind)});
         return !constant;
     }
 
@@ -392,8 +406,10 @@ private:
     bool require(const Expression& item, Type type) {
         if (item.type == Type::Unknown || type == Type::Unknown) return false;
         if (item.type == type) return true;
-        if (item.type == Type::None) add(item.line, Problem::NoValue, {item.name});
-        else add(item.line, Problem::TypeMismatch, {typeName(type), typeName(item.type)});
+        if (item.type == Type::None)
+            add(item.line, Problem::NoValue, {item.name});
+        else
+            add(item.line, Problem::TypeMismatch, {typeName(type), typeName(item.type)});
         return false;
     }
 
@@ -451,9 +467,9 @@ private:
             return;
         }
         const Type type = item.target->type.type;
-        const bool variable =
-            item.target->kind != DeclarationKind::Function && item.target->kind != DeclarationKind::Type &&
-            item.target->kind != DeclarationKind::Constant;
+        const bool variable = item.target->kind != DeclarationKind::Function &&
+                              item.target->kind != DeclarationKind::Type &&
+                              item.target->kind != DeclarationKind::Constant;
         if (!variable) {
             wrongKind(*item.target, "string variable", item.line);
             item.target = nullptr;
@@ -468,8 +484,9 @@ private:
         item.type = require(operand, type) ? type : Type::Unknown;
         if (item.type == Type::Unknown || !operand.constant) return;
         item.constant = *operand.constant;
-        item.constant->number = type == Type::Boolean ? !operand.constant->number
-                                                      : wrap(-static_cast<std::int64_t>(operand.constant->number));
+        item.constant->number = type == Type::Boolean
+                                    ? !operand.constant->number
+                                    : wrap(-static_cast<std::int64_t>(operand.constant->number));
     }
 
     void chain(Expression& item) {
@@ -488,11 +505,13 @@ private:
             }
             if (isComparison(item.operators[i])) item.type = Type::Boolean;
         }
-        const bool constant = std::all_of(item.operands.begin(), item.operands.end(),
-                                          [](const ExpressionPtr& operand) { return operand->constant.has_value(); });
+        const bool constant =
+            std::all_of(item.operands.begin(), item.operands.end(),
+                        [](const ExpressionPtr& operand) { return operand->constant.has_value(); });
         if (!constant) return;
         Value value;
-        if (foldChain(item, value)) item.constant = std::move(value);
+        if (foldChain(item, value))
+            item.constant = std::move(value);
         else if (constantDepth_ > 0) {
             add(item.line, Problem::ConstantArithmetic, {});
             item.type = Type::Unknown;
@@ -527,6 +546,7 @@ private:
         if (target->kind != DeclarationKind::Function) return wrongKind(*target, "function", item.line);
         item.target = target;
         const Function& head = *target->function;
+        if (head.headHasErrors) return;
         item.type = head.result.type;
         if (!countFits(item, head.parameters.size())) return;
         for (std::size_t i = 0; i < head.parameters.size(); ++i)
@@ -551,11 +571,13 @@ private:
         const LibraryFunction* form = formFor(item, forms);
         if (form == nullptr) {
             const bool counted = forms.size() == 1 && !countFits(item, forms[0]->parameters.size());
-            const bool known = std::none_of(item.operands.begin(), item.operands.end(), [](const ExpressionPtr& value) {
-                return value->type == Type::Unknown;
-            });
-            if (forms.size() == 1 && !counted) form = forms[0];
-            else if (!counted && known) add(item.line, Problem::NoForm, {item.name});
+            const bool known =
+                std::none_of(item.operands.begin(), item.operands.end(),
+                             [](const ExpressionPtr& value) { return value->type == Type::Unknown; });
+            if (forms.size() == 1 && !counted)
+                form = forms[0];
+            else if (!counted && known)
+                add(item.line, Problem::NoForm, {item.name});
         }
         if (form == nullptr) return;
         item.library = form;
@@ -565,7 +587,8 @@ private:
         foldLibraryCall(item);
     }
 
-    static const LibraryFunction* formFor(const Expression& item, const std::vector<const LibraryFunction*>& forms) {
+    static const LibraryFunction* formFor(const Expression& item,
+                                          const std::vector<const LibraryFunction*>& forms) {
         const auto fits = [&](const LibraryFunction* form) {
             if (form->parameters.size() != item.operands.size()) return false;
             for (std::size_t i = 0; i < item.operands.size(); ++i)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tree of a class means: names, types, constants, and the rules of the language that the grammar cannot
-// say. It completes the tree for the generator.
+// What the tree of a class means: names, types, constants, and the rules of the language that the grammar
+// cannot say. It completes the tree for the generator.
 #pragma once
 
 #include "toolchain/messages.h"

@@ -80,9 +80,12 @@ std::string changeExtension(const std::string& path, std::string_view extension)
     return path.substr(0, path.size() - extensionOf(path).size()) + std::string(extension);
 }
 
-bool isClassFile(const std::string& path) { return sameName(extensionOf(path), ".cls"); }
+bool isClassFile(const std::string& path) {
+    return sameName(extensionOf(path), ".cls");
+}
 
-std::string findClassFile(const std::string& name, const std::string& folder, const std::vector<std::string>& path) {
+std::string findClassFile(const std::string& name, const std::string& folder,
+                          const std::vector<std::string>& path) {
     std::string found = findInFolder(name + ".cls", folder);
     for (auto next = path.begin(); found.empty() && next != path.end(); ++next) {
         std::string place = fullPath(*next);
@@ -92,7 +95,9 @@ std::string findClassFile(const std::string& name, const std::string& folder, co
     return found;
 }
 
-bool isBuiltInClass(std::string_view name) { return sameName(name, "system"); }
+bool isBuiltInClass(std::string_view name) {
+    return sameName(name, "system");
+}
 
 ClassTree* ClassLoader::read(const std::string& file, Messages& messages) {
     const auto known = trees_.find(file);

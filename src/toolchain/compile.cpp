@@ -11,7 +11,8 @@
 namespace tarn::toolchain {
 namespace {
 
-bool save(const std::string& file, const std::string& text, const std::string& classFile, Messages& messages) {
+bool save(const std::string& file, const std::string& text, const std::string& classFile,
+          Messages& messages) {
     const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
     if (!result.ok()) messages.add(classFile, 0, Problem::CannotWrite, {file, os::describe(result.error)});
     return result.ok();
@@ -37,7 +38,8 @@ void runCCompiler(const std::string& file, Messages& messages) {
     // Written under another name first: what make looks at is the object of a compile that ended well.
     const std::string object = objectFile(file), made = object + ".new";
     const ToolRun run = runTool(
-        compiler, {"-std=c11", "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)}, object + ".log");
+        compiler, {"-std=c11", "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)},
+        object + ".log");
     const bool whole = run.failure.empty() && os::sizeOf(made) > 0;
     if (whole && os::files().rename(made, object) == os::FileError::None) return;
     os::files().remove(made);
@@ -51,8 +53,8 @@ void generate(const CompilerOptions& options, const ClassTree& tree, Messages& m
     if (!save(generatedFile(tree.path), made.text, tree.path, messages)) return;
     runCCompiler(tree.path, messages);
     if (!messages.empty()) return;
-    save(changeExtension(tree.path, ".sym"), symbolFile(tree, describeOptions(options), made.codeLines), tree.path,
-         messages);
+    save(changeExtension(tree.path, ".sym"), symbolFile(tree, describeOptions(options), made.codeLines),
+         tree.path, messages);
 }
 
 }  // namespace

@@ -8,8 +8,9 @@
 
 namespace tarn::toolchain {
 
-// Reads and checks the class, then writes `name.sym` beside it, and `name.c` and `name.o` into its work folder. With
-// a message added, none of them is there that is not from this source: a stale object never survives a failure.
+// Reads and checks the class, then writes `name.sym` beside it, and `name.c` and `name.o` into its work
+// folder. With a message added, none of them is there that is not from this source: a stale object never
+// survives a failure.
 void compileClass(const CompilerOptions& options, Messages& messages);
 
 }  // namespace tarn::toolchain

@@ -30,13 +30,17 @@ constexpr std::size_t MostNested = 16;  // C operations in one another, which th
 
 }  // namespace
 
-std::string ExpressionGenerator::takeLines() { return std::exchange(lines_, {}); }
+std::string ExpressionGenerator::takeLines() {
+    return std::exchange(lines_, {});
+}
 
 void ExpressionGenerator::line(const std::string& text) {
     lines_.append(static_cast<std::size_t>(indent_ < 20 ? indent_ : 20) * 4, ' ').append(text).append("\n");
 }
 
-std::string ExpressionGenerator::newName() { return "n" + std::to_string(++names_); }
+std::string ExpressionGenerator::newName() {
+    return "n" + std::to_string(++names_);
+}
 
 std::string ExpressionGenerator::newTemporary() {
     const std::string name = "&t[" + std::to_string(inUse_++) + "]";
@@ -52,7 +56,8 @@ std::string ExpressionGenerator::place(const Declaration& item) {
     const std::string name = "v_" + fold(item.name);
     const bool reference = item.kind == DeclarationKind::Parameter && item.mode != Mode::In;
     if (item.type.type != Type::String) return reference ? "(*" + name + ")" : name;
-    const bool passed = item.kind == DeclarationKind::Parameter && (reference || item.type.maxLength == Unbounded);
+    const bool passed =
+        item.kind == DeclarationKind::Parameter && (reference || item.type.maxLength == Unbounded);
     return passed ? name : "&" + name;
 }
 
@@ -163,7 +168,8 @@ std::string ExpressionGenerator::comparison(const Expression& item) {
     return "(tarn_string_compare(" + first + ", " + text(right) + ") " + op + " 0)";
 }
 
-// An operand whose calls need statements is computed in a block of its own, which is entered only if it counts.
+// An operand whose calls need statements is computed in a block of its own, which is entered only if it
+// counts.
 std::string ExpressionGenerator::truthChain(const Expression& item) {
     const bool isAnd = item.operators[0] == Operator::And;
     std::string value = number(*item.operands[0]);
@@ -192,12 +198,13 @@ std::string ExpressionGenerator::truthChain(const Expression& item) {
 std::string ExpressionGenerator::numberChain(const Expression& item) {
     static constexpr const char* Names[] = {"add", "sub", "mul", "div", "mod"};
     std::vector<unsigned> later(item.operands.size(), None);
-    for (std::size_t i = item.operands.size() - 1; i-- > 0;) later[i] = later[i + 1] | effects(*item.operands[i + 1]);
+    for (std::size_t i = item.operands.size() - 1; i-- > 0;)
+        later[i] = later[i + 1] | effects(*item.operands[i + 1]);
     std::string value = keptNumber(*item.operands[0], later[0]);
     for (std::size_t i = 1; i < item.operands.size(); ++i) {
         const std::string right = number(*item.operands[i]);
-        value = std::string("tarn_integer_") + Names[static_cast<int>(item.operators[i - 1])] + "(" + value + ", " +
-                right + ")";
+        value = std::string("tarn_integer_") + Names[static_cast<int>(item.operators[i - 1])] + "(" + value +
+                ", " + right + ")";
         if (later[i] == None && i % MostNested != 0) continue;
         const std::string name = newName();
         line("const int32_t " + name + " = " + value + ";");
@@ -232,9 +239,12 @@ void ExpressionGenerator::textChain(const Expression& item, const std::string& d
 
 // ---- calls ----
 
-void ExpressionGenerator::call(const Expression& item) { line(callText(item, {}) + ";"); }
+void ExpressionGenerator::call(const Expression& item) {
+    line(callText(item, {}) + ";");
+}
 
-std::string ExpressionGenerator::argument(const Expression& item, std::size_t index, Mode mode, unsigned later) {
+std::string ExpressionGenerator::argument(const Expression& item, std::size_t index, Mode mode,
+                                          unsigned later) {
     const Expression& value = *item.operands[index];
     if (mode != Mode::In) {
         const std::string where = place(*value.target);
@@ -243,8 +253,8 @@ std::string ExpressionGenerator::argument(const Expression& item, std::size_t in
     return value.type == Type::String ? keptText(value, later) : keptNumber(value, later);
 }
 
-// A string argument is read by the called function while it runs, so what the call itself changes counts too; a
-// number is copied when the call is made.
+// A string argument is read by the called function while it runs, so what the call itself changes counts too;
+// a number is copied when the call is made.
 std::string ExpressionGenerator::callText(const Expression& item, const std::string& result) {
     const std::size_t count = item.operands.size();
     unsigned own = None;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Expressions to C. An expression becomes a C expression without side effects on the program's variables, and C
-// statements ahead of it that make its calls, in order from left to right.
+// Expressions to C. An expression becomes a C expression without side effects on the program's variables, and
+// C statements ahead of it that make its calls, in order from left to right.
 #pragma once
 
 #include "toolchain/functiongen.h"
@@ -27,7 +27,7 @@ public:
     std::string number(const Expression& item);  // an integer or boolean value
     std::string text(const Expression& item);    // a pointer to a string
     void textInto(const Expression& item, const std::string& destination);
-    void call(const Expression& item);           // a call without a result
+    void call(const Expression& item);  // a call without a result
     // The place of a variable: a C lvalue, of a string a pointer.
     std::string place(const Declaration& item);
     // The number of an element, kept while `later` is computed.

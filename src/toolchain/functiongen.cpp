@@ -11,12 +11,16 @@ namespace {
 
 std::string parameterText(const Declaration& item) {
     const std::string name = "v_" + fold(item.name);
-    if (item.type.type != Type::String) return cType(item.type.type) + std::string(item.mode == Mode::In ? " " : " *") + name;
+    if (item.type.type != Type::String)
+        return cType(item.type.type) + std::string(item.mode == Mode::In ? " " : " *") + name;
     if (item.mode != Mode::In) return "tarn_string *" + name;
-    return std::string("const tarn_string *") + (item.type.maxLength == Unbounded ? "v_" : "a_") + fold(item.name);
+    return std::string("const tarn_string *") + (item.type.maxLength == Unbounded ? "v_" : "a_") +
+           fold(item.name);
 }
 
-bool isString(const Declaration& item) { return item.type.type == Type::String; }
+bool isString(const Declaration& item) {
+    return item.type.type == Type::String;
+}
 
 // A parameter of mode in with a length is a variable of its own, so that its length holds.
 bool isCopied(const Declaration& item) {
@@ -57,7 +61,8 @@ public:
         out_.line("tarn_stamp(0, 0, H);");
         const std::string body = out_.takeLines();
         leave();
-        return finish(functionHead(item_), body, head_.result.type == Type::None || stringResult() ? "" : "    return r;\n");
+        return finish(functionHead(item_), body,
+                      head_.result.type == Type::None || stringResult() ? "" : "    return r;\n");
     }
 
 private:
@@ -73,8 +78,10 @@ private:
 
     void enter() {
         locals();
-        if (stringResult()) out_.line("tarn_string_assign_bytes(result, \"\", 0);");
-        else if (head_.result.type != Type::None) out_.line(std::string(cType(head_.result.type)) + " r = 0;");
+        if (stringResult())
+            out_.line("tarn_string_assign_bytes(result, \"\", 0);");
+        else if (head_.result.type != Type::None)
+            out_.line(std::string(cType(head_.result.type)) + " r = 0;");
         out_.line("tarn_enter(" + cString(item_.owner->name) + ", " + cString(item_.name) + ", " +
                   std::to_string(head_.bodyLine) + ");");
         if (options_.debug == 2) registerVariables();
@@ -94,7 +101,8 @@ private:
                 initialise(name, item->type.maxLength);
                 out_.line("tarn_string_assign(&" + name + ", a_" + fold(item->name) + ");");
             } else if (item->mode == Mode::Out) {
-                out_.line(isString(*item) ? "tarn_string_assign_bytes(" + name + ", \"\", 0);" : "*" + name + " = 0;");
+                out_.line(isString(*item) ? "tarn_string_assign_bytes(" + name + ", \"\", 0);"
+                                          : "*" + name + " = 0;");
             }
         }
     }
@@ -104,7 +112,8 @@ private:
 
     void registerVariables() {
         static constexpr char Roles[] = {'I', 'O', 'N'};
-        for (const auto& item : head_.parameters) registerVariable(*item, Roles[static_cast<int>(item->mode)]);
+        for (const auto& item : head_.parameters)
+            registerVariable(*item, Roles[static_cast<int>(item->mode)]);
         for (const auto& item : head_.variables) registerVariable(*item, 'V');
         for (const auto& item : item_.owner->declarations)
             if (item->kind == DeclarationKind::ClassVariable) registerVariable(*item, 'C');
@@ -124,7 +133,8 @@ private:
         if (!head_.isOnerror) out_.line("tarn_leave();");
     }
 
-    // The handler works in the frame where the error arose: it has none of its own, and does not move its line.
+    // The handler works in the frame where the error arose: it has none of its own, and does not move its
+    // line.
     std::string onerror() {
         stamps_ = false;
         locals();
@@ -204,7 +214,8 @@ private:
             const std::string index = out_.numberBefore(*target.operands[0], *item.value);
             const std::string value = out_.number(*item.value);
             out_.line("tarn_string_put(" + out_.place(*target.target) + ", " + index + ", " + value + ");");
-        } else if (target.type == Type::String && item.value->kind == ExpressionKind::Call && !item.value->constant) {
+        } else if (target.type == Type::String && item.value->kind == ExpressionKind::Call &&
+                   !item.value->constant) {
             // The call's result may not be a variable that the call can see.
             const std::string value = out_.text(*item.value);
             out_.line("tarn_string_assign(" + out_.place(*target.target) + ", " + value + ");");
@@ -253,8 +264,8 @@ private:
         out_.line("int64_t " + counter + " = " + out_.number(*item.value) + ";");
         out_.line("const int64_t " + limit + " = " + out_.number(*item.limit) + ";");
         out_.line("const int64_t " + step + " = " + (item.step ? out_.number(*item.step) : "1") + ";");
-        open("for (; " + step + " > 0 && " + counter + (item.down ? " >= " : " <= ") + limit + "; " + counter +
-             (item.down ? " -= " : " += ") + step + stampText(item.line) + ") {");
+        open("for (; " + step + " > 0 && " + counter + (item.down ? " >= " : " <= ") + limit + "; " +
+             counter + (item.down ? " -= " : " += ") + step + stampText(item.line) + ") {");
         out_.line(out_.place(*item.target->target) + " = (int32_t)" + counter + ";");
         block(item.body);
         close();
@@ -294,8 +305,10 @@ private:
 
     void returned(const Statement& item) {
         stamp(item.line);
-        if (item.value && stringResult()) out_.textInto(*item.value, "result");
-        else if (item.value) out_.line("r = " + cast(head_.result.type) + out_.number(*item.value) + ";");
+        if (item.value && stringResult())
+            out_.textInto(*item.value, "result");
+        else if (item.value)
+            out_.line("r = " + cast(head_.result.type) + out_.number(*item.value) + ";");
         out_.line("goto leave;");
     }
 
@@ -354,8 +367,8 @@ std::string generateInitialValues(const ClassTree& tree, Shared& shared) {
     }
     const std::string body = out.takeLines();
     if (body.empty()) return {};
-    return "    tarn_enter(" + cString(tree.name) + ", \"initialise\", " + std::to_string(tree.line) + ");\n" +
-           temporaryStrings(out.temporaries()) + body + "    tarn_stamp(0, 0, H);\n" +
+    return "    tarn_enter(" + cString(tree.name) + ", \"initialise\", " + std::to_string(tree.line) +
+           ");\n" + temporaryStrings(out.temporaries()) + body + "    tarn_stamp(0, 0, H);\n" +
            freeTemporaryStrings(out.temporaries()) + "    tarn_leave();\n";
 }
 

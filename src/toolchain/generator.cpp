@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/generator.h"
 
+#include "toolchain/functiongen.h"
 #include "toolchain/interface.h"
 #include "toolchain/library.h"
 #include "toolchain/literals.h"
 #include "toolchain/names.h"
-#include "toolchain/functiongen.h"
 #include "toolchain/words.h"
 
 #include <set>
@@ -19,11 +19,12 @@ public:
 
     Generated run() {
         for (const auto& item : tree_.declarations)
-            if (item->kind == DeclarationKind::Function) bodies_ += generateFunction(*item, options_, shared_);
+            if (item->kind == DeclarationKind::Function)
+                bodies_ += generateFunction(*item, options_, shared_);
         const std::string start = startFunction();
         Generated result;
-        result.text = head() + variables() + prototypes() + shared_.literals.definition() + bodies_ + setupFunction() +
-                      start + finishFunction() + programRecord();
+        result.text = head() + variables() + prototypes() + shared_.literals.definition() + bodies_ +
+                      setupFunction() + start + finishFunction() + programRecord();
         result.codeLines = std::move(shared_.codeLines);
         return result;
     }
@@ -56,8 +57,10 @@ private:
             if (item->kind == DeclarationKind::Function && !item->function->isOnerror)
                 result += functionHead(*item) + ";\n";
         for (const Declaration* item : shared_.foreign)
-            if (item->owner != &tree_) result += isVariable(*item) ? "extern " + std::string(cType(item->type.type)) + " " + itemSymbol(*item) + ";\n"
-                                        : functionHead(*item) + ";\n";
+            if (item->owner != &tree_)
+                result += isVariable(*item) ? "extern " + std::string(cType(item->type.type)) + " " +
+                                                  itemSymbol(*item) + ";\n"
+                                            : functionHead(*item) + ";\n";
         return result;
     }
 
@@ -78,15 +81,16 @@ private:
                "(void)\n{\n    static int done;\n    if (done)\n        return;\n    done = 1;\n";
     }
 
-    // Literals and variables of all classes exist before the first initial value is computed, so that classes that
-    // use each other find them.
+    // Literals and variables of all classes exist before the first initial value is computed, so that classes
+    // that use each other find them.
     std::string setupFunction() const {
         std::string result = stepHead("setup") + step("setup") + shared_.literals.initialisation();
         for (const auto& item : tree_.declarations)
             if (isVariable(*item) && item->type.type == Type::String)
-                result += "    tarn_string_init(&" + itemSymbol(*item) + ", " + std::to_string(item->type.maxLength) +
-                          ");\n";
-        return result + "    tarn_register_class(" + cString(tree_.path) + ", " + cString(tree_.name) + ");\n}\n";
+                result += "    tarn_string_init(&" + itemSymbol(*item) + ", " +
+                          std::to_string(item->type.maxLength) + ");\n";
+        return result + "    tarn_register_class(" + cString(tree_.path) + ", " + cString(tree_.name) +
+               ");\n}\n";
     }
 
     std::string startFunction() {
@@ -104,10 +108,12 @@ private:
     std::string programRecord() const {
         if (!hasMain(tree_)) return {};
         const std::string initialise = classSymbol(tree_.name, "initialise");
-        return "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") + "();\n    " +
-               classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " + classSymbol(tree_.name, "program") +
-               " = {" + cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
-               ", " + itemSymbol(*findDeclaration(tree_, "main")) + ", " + classSymbol(tree_.name, "finish") + "};\n";
+        return "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") +
+               "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
+               classSymbol(tree_.name, "program") + " = {" + cString(tree_.path) + ", " +
+               (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise + ", " +
+               itemSymbol(*findDeclaration(tree_, "main")) + ", " + classSymbol(tree_.name, "finish") +
+               "};\n";
     }
 
     const ClassTree& tree_;

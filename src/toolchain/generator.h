@@ -2,10 +2,10 @@
 //
 // A checked class to C for the kernel's C interface. The C file is complete: it carries the interface's text.
 //
-// A function of the class becomes a C function that enters its frame, sets up its locals, runs its statements, each
-// behind a stamp with its line, frees its locals in reverse order and leaves. Every call is a C statement of its
-// own, so that operands are evaluated from left to right; strings that a call could change meanwhile are copied
-// first. Temporary strings belong to the function and are freed with its locals.
+// A function of the class becomes a C function that enters its frame, sets up its locals, runs its
+// statements, each behind a stamp with its line, frees its locals in reverse order and leaves. Every call is
+// a C statement of its own, so that operands are evaluated from left to right; strings that a call could
+// change meanwhile are copied first. Temporary strings belong to the function and are freed with its locals.
 #pragma once
 
 #include "toolchain/tree.h"

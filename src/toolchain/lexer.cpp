@@ -7,9 +7,15 @@
 namespace tarn::toolchain {
 namespace {
 
-bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isNamePart(char c) { return isLetter(c) || isDigit(c) || c == '_'; }
+bool isLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isNamePart(char c) {
+    return isLetter(c) || isDigit(c) || c == '_';
+}
 
 int hexDigit(char c) {
     if (isDigit(c)) return c - '0';
@@ -20,7 +26,7 @@ int hexDigit(char c) {
 
 // Longest first.
 constexpr std::array<std::string_view, 18> Symbols = {":=", "<>", "<=", ">=", "=>", "(", ")", "[", "]",
-                                                       ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*"};
+                                                      ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*"};
 
 class Scanner {
 public:
@@ -81,7 +87,8 @@ private:
         Token result = token(TokenKind::Name, begin);
         result.word = wordOf(result.text);
         if (result.word != Word::None) result.kind = TokenKind::Word;
-        if (result.text.size() > MaxNameLength) messages_.add(file_, line_, Problem::NameTooLong, {result.text});
+        if (result.text.size() > MaxNameLength)
+            messages_.add(file_, line_, Problem::NameTooLong, {result.text});
         return result;
     }
 
@@ -92,12 +99,14 @@ private:
         std::string_view digits = result.text;
         const bool hex = digits.size() > 2 && (digits[1] == 'x' || digits[1] == 'X') && digits[0] == '0';
         if (hex) digits.remove_prefix(2);
-        if (hex && digits.size() > 1 && (digits.back() == 'L' || digits.back() == 'l')) digits.remove_suffix(1);
+        if (hex && digits.size() > 1 && (digits.back() == 'L' || digits.back() == 'l'))
+            digits.remove_suffix(1);
         readDigits(digits, hex, result);
         return result;
     }
 
-    // A decimal number may be 2^31, which only the minus sign before it makes an integer; the parser sees to that.
+    // A decimal number may be 2^31, which only the minus sign before it makes an integer; the parser sees to
+    // that.
     void readDigits(std::string_view digits, bool hex, Token& result) {
         const std::int64_t most = hex ? 0xFFFFFFFFLL : 0x80000000LL;
         bool large = false;

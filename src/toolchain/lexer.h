@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Source text to tokens. Blanks, tabs, line ends and comments (`//` to the end of the line) separate tokens and
-// have no other meaning.
+// Source text to tokens. Blanks, tabs, line ends and comments (`//` to the end of the line) separate tokens
+// and have no other meaning.
 //
 // Cost: linear; a token is a view into the source, which must outlive it.
 #pragma once
@@ -23,7 +23,7 @@ struct Token {
     Word word = Word::None;
     bool firstOnLine = false;
     int line = 1;
-    std::string_view text;  // as written; a string with its quotes
+    std::string_view text;    // as written; a string with its quotes
     std::int64_t number = 0;  // of an integer; at most 2^32
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library functions that a class sees without naming them: a table of their forms, each with the name of the C
-// function behind it. A string result is the last argument of that C function.
+// The library functions that a class sees without naming them: a table of their forms, each with the name of
+// the C function behind it. A string result is the last argument of that C function.
 #pragma once
 
 #include "toolchain/tree.h"
@@ -17,7 +17,7 @@ struct LibraryParameter {
 };
 
 struct LibraryFunction {
-    const char* name;   // folded
+    const char* name;  // folded
     const char* cName;
     Type result;
     std::vector<LibraryParameter> parameters;

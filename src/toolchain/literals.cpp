@@ -14,9 +14,11 @@ std::string Literals::pointerTo(const std::string& text) {
 std::string Literals::definition() const {
     if (texts_.empty()) return {};
     const std::string count = std::to_string(texts_.size());
-    std::string result = "static tarn_string k[" + count + "];\nstatic const struct { const char *bytes; int32_t count; } kb[" +
-                         count + "] = {\n";
-    for (const std::string* text : texts_) result += "    {" + cString(*text) + ", " + std::to_string(text->size()) + "},\n";
+    std::string result = "static tarn_string k[" + count +
+                         "];\nstatic const struct { const char *bytes; int32_t count; } kb[" + count +
+                         "] = {\n";
+    for (const std::string* text : texts_)
+        result += "    {" + cString(*text) + ", " + std::to_string(text->size()) + "},\n";
     return result + "};\n";
 }
 
@@ -29,7 +31,8 @@ std::string Literals::initialisation() const {
 
 std::string Literals::release() const {
     if (texts_.empty()) return {};
-    return "    for (int i = " + std::to_string(texts_.size()) + "; i-- > 0;)\n        tarn_string_free(&k[i]);\n";
+    return "    for (int i = " + std::to_string(texts_.size()) +
+           "; i-- > 0;)\n        tarn_string_free(&k[i]);\n";
 }
 
 }  // namespace tarn::toolchain

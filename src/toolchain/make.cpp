@@ -37,6 +37,17 @@ std::string compilerLine() {
     return line.empty() ? "\"" + toolFolder() + "quarn.exe\" /p1 /d1 /q /s3000 ^.cls" : line;
 }
 
+// What the placeholders of paths in resource files stand for.
+std::vector<platform::ResourceFolder> resourceFolders(const std::string& compilerFolder) {
+    const std::string settings = settingsFile();
+    const std::string folder =
+        settings.empty() ? std::string() : PROFILESTRGET(settings, "PathsOptionsDlg", "Edit5");
+    return {{"<RESOURCEDIR>", folder},
+            {"{RESOURCEDIR}", folder},
+            {"<COMPILERDIR>", compilerFolder},
+            {"{COMPILERDIR}", compilerFolder}};
+}
+
 bool isPathOption(const std::string& word) {
     return word.size() > 2 && (word[0] == '/' || word[0] == '-') && (word[1] == 'i' || word[1] == 'I') &&
            !isClassFile(word);
@@ -47,8 +58,8 @@ struct Command {
     std::vector<std::string> arguments;
 };
 
-// The line for one class. The folder of the main class leads the inherited path, so that every class of the program
-// finds the others from wherever it is compiled.
+// The line for one class. The folder of the main class leads the inherited path, so that every class of the
+// program finds the others from wherever it is compiled.
 Command commandFor(const std::string& line, const std::string& file, const std::string& mainFolder,
                    const std::vector<std::string>& inheritedPath) {
     const std::string base = changeExtension(file, "");
@@ -57,9 +68,12 @@ Command commandFor(const std::string& line, const std::string& file, const std::
     std::string path = mainFolder;
     for (const std::string& folder : inheritedPath) path += ";" + folder;
     for (std::size_t i = 0; i < words.size(); ++i) {
-        if (i == 0) command.program = words[i];
-        else if (isPathOption(words[i])) path += inheritedPath.empty() ? ";" + words[i].substr(2) : "";
-        else command.arguments.push_back(words[i] == base + ".cls" ? file : words[i]);
+        if (i == 0)
+            command.program = words[i];
+        else if (isPathOption(words[i]))
+            path += inheritedPath.empty() ? ";" + words[i].substr(2) : "";
+        else
+            command.arguments.push_back(words[i] == base + ".cls" ? file : words[i]);
     }
     command.arguments.push_back("-i" + path);
     const std::string found = FINDTOOL(command.program);
@@ -108,7 +122,8 @@ private:
         result_.compilerFolder = folderOf(commandFor(line_, main_.path, mainFolder, {}).program);
         for (const SourceClass& item : sources_.classes) {
             if (!isClassFile(item.path) || (!all() && !isOutOfDate(item))) continue;
-            result_.report += compile(commandFor(line_, item.path, mainFolder, options_.inheritedPath), item.path);
+            result_.report +=
+                compile(commandFor(line_, item.path, mainFolder, options_.inheritedPath), item.path);
             compiled_ = true;
         }
     }
@@ -124,11 +139,14 @@ private:
         std::vector<std::string> files;
         for (const SourceClass& item : sources_.classes)
             if (!item.resource.empty()) files.push_back(item.resource);
-        const std::string errors = platform::CompileResources(files, sources_.companion);
+        const std::string errors =
+            platform::CompileResources(files, sources_.companion, resourceFolders(result_.compilerFolder));
         if (errors.empty()) return;
         const bool isMessage = errors.find(" : error ") != std::string::npos;
-        if (isMessage) result_.report += errors;
-        else fail(Problem::ResourcesFailed, {errors});
+        if (isMessage)
+            result_.report += errors;
+        else
+            fail(Problem::ResourcesFailed, {errors});
     }
 
     void link() {
@@ -136,20 +154,23 @@ private:
         if (!main_.isMain) return fail(Problem::NotAMainClass);
         const std::string compiler = findCCompiler(), library = libraryFolder();
         if (compiler.empty()) return fail(Problem::NoCCompiler);
-        if (library.empty()) return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
+        if (library.empty())
+            return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
         const std::string start = workFolder(main_.path) + stemOf(main_.path) + ".main.c";
-        const os::SaveResult saved = os::saveFile(start, generateProgram(main_.name), os::Durability::Unsynced);
+        const os::SaveResult saved =
+            os::saveFile(start, generateProgram(main_.name), os::Durability::Unsynced);
         if (!saved.ok()) return fail(Problem::CannotWrite, {start, os::describe(saved.error)});
         runLinker(compiler, library, start);
     }
 
-    // The program is made under another name and put in its place, so that one that still runs is not disturbed.
+    // The program is made under another name and put in its place, so that one that still runs is not
+    // disturbed.
     void runLinker(const std::string& compiler, const std::string& library, const std::string& start) {
         const std::string made = workFolder(main_.path) + stemOf(main_.path) + ".new";
-        std::vector<std::string> arguments = {"-w", "-o", made, start};
+        std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-o", made, start};
         for (const SourceClass& item : sources_.classes) arguments.push_back(objectFile(item.path));
-        for (const std::string& word : {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
-                                        "-Wl,-rpath," + library})
+        for (const std::string& word : {"-L" + library, std::string("-ltarnwick"),
+                                        std::string("-Wl,-rpath,$ORIGIN"), "-Wl,-rpath," + library})
             arguments.push_back(word);
         const ToolRun run = runTool(compiler, arguments, made + ".log");
         if (!run.failure.empty() || os::sizeOf(made) <= 0) {
@@ -171,6 +192,8 @@ private:
 
 }  // namespace
 
-BuildResult build(const MakeOptions& options, const Sources& sources) { return Builder(options, sources).run(); }
+BuildResult build(const MakeOptions& options, const Sources& sources) {
+    return Builder(options, sources).run();
+}
 
 }  // namespace tarn::toolchain

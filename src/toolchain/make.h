@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The classes of a program, what of them is out of date, and their build. A class is out of date when its object or
-// symbol file is missing or older than its source or than the source of a class that it uses, directly or not; the
-// resources when their companion is older than one of the `.rc` twins; the program when it is older than an object.
+// The classes of a program, what of them is out of date, and their build. A class is out of date when its
+// object or symbol file is missing or older than its source or than the source of a class that it uses,
+// directly or not; the resources when their companion is older than one of the `.rc` twins; the program when
+// it is older than an object.
 #pragma once
 
 #include "toolchain/messages.h"

@@ -19,7 +19,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::BadNumber, "% is not a number"},
     {Problem::NameTooLong, "the name '%' is longer than 40 characters"},
 
-    {Problem::Expected, "% is expected here, not %"},
+    {Problem::Expected, "% is expected, but % follows"},
     {Problem::TooDeep, "this is nested too deeply (more than 100 levels)"},
     {Problem::NoClass, "a class begins with '% Class' and its name"},
     {Problem::TextBehindClass, "nothing but comments may stand behind 'End class'"},
@@ -31,7 +31,8 @@ constexpr auto Texts = std::to_array<Entry>({
 
     {Problem::UnknownName, "'%' is not declared"},
     {Problem::DeclaredTwice, "'%' is declared already, in line %"},
-    {Problem::ClassNotFound, "the class '%' is not found in the folder of the program or on the inherited path"},
+    {Problem::ClassNotFound,
+     "the class '%' is not found in the folder of the program or on the inherited path"},
     {Problem::OtherClassName, "the file of class '%' holds the class '%'"},
     {Problem::Ambiguous, "'%' is declared in '%' and in '%': write the class and a full stop in front of it"},
     {Problem::UsedClassHasErrors, "the class '%', which is used here, has errors"},
@@ -89,8 +90,8 @@ std::string continued(std::string_view text) {
 }  // namespace
 
 std::string problemText(Problem problem, std::initializer_list<std::string_view> values) {
-    const auto found =
-        std::find_if(Texts.begin(), Texts.end(), [&](const Entry& entry) { return entry.problem == problem; });
+    const auto found = std::find_if(Texts.begin(), Texts.end(),
+                                    [&](const Entry& entry) { return entry.problem == problem; });
     std::string result;
     auto value = values.begin();
     for (const char c : found->text) {

@@ -2,9 +2,9 @@
 //
 // The messages of the compiler and the make tool: a table of numbers and texts, and the list of a run.
 //
-// A message line reads `file(line) : error number text`; the environment jumps to the file and the line, and asks
-// for help by the number. A line that begins with ">" continues the message above it. The text ": 0 errors." stands
-// in a run's messages exactly when nothing went wrong.
+// A message line reads `file(line) : error number text`; the environment jumps to the file and the line, and
+// asks for help by the number. A line that begins with ">" continues the message above it. The text ": 0
+// errors." stands in a run's messages exactly when nothing went wrong.
 #pragma once
 
 #include <initializer_list>
@@ -93,7 +93,8 @@ class Messages {
 public:
     static constexpr std::size_t MostMessages = 50;
 
-    void add(const std::string& file, int line, Problem problem, std::initializer_list<std::string_view> values = {});
+    void add(const std::string& file, int line, Problem problem,
+             std::initializer_list<std::string_view> values = {});
     [[nodiscard]] bool empty() const { return count_ == 0; }
     [[nodiscard]] std::size_t count() const { return count_; }
     [[nodiscard]] const std::vector<Message>& list() const { return list_; }

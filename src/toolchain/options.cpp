@@ -15,11 +15,13 @@ bool isOptionSign(const std::string& argument) {
 }
 
 bool allDigits(std::string_view text) {
-    return !text.empty() && text.size() < 10 && text.find_first_not_of("0123456789") == std::string_view::npos;
+    return !text.empty() && text.size() < 10 &&
+           text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 bool allLetters(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); });
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); });
 }
 
 // Quotes that reached the tool as they stood.
@@ -58,7 +60,8 @@ bool pathOption(const std::string& argument, CompilerOptions& options) {
     const char letter = fold(argument.substr(1, 1))[0];
     if ((letter != 'i' && letter != 'r') || argument.size() < 3) return false;
     if (argument[0] == '/' && isClassFile(argument)) return false;
-    (letter == 'i' ? options.inheritedPath : options.resourcePath) = splitPathList(unquoted(argument.substr(2)));
+    (letter == 'i' ? options.inheritedPath : options.resourcePath) =
+        splitPathList(unquoted(argument.substr(2)));
     return true;
 }
 
@@ -96,7 +99,8 @@ MakeOptions readMakeOptions(const std::vector<std::string>& arguments, Messages&
     for (const std::string& argument : arguments) {
         if (argument.empty()) continue;
         const std::string word = isOptionSign(argument) ? fold(argument.substr(1)) : std::string();
-        const bool isMode = word.size() >= 2 && word[0] == 'f' && std::string_view("maqst").find(word[1]) != std::string_view::npos;
+        const bool isMode = word.size() >= 2 && word[0] == 'f' &&
+                            std::string_view("maqst").find(word[1]) != std::string_view::npos;
         // The file may stand right behind the mode: -fm"a.cls".
         if (isMode && (word.size() == 2 || (!modeGiven && os::sizeOf(argument) < 0))) {
             options.mode = static_cast<MakeMode>(word[1]);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The command lines of the two tools. Options begin with `/` or `-`. Option words are matched whole; anything else
-// that begins with `/` is a path. docs/language.md lists the options.
+// The command lines of the two tools. Options begin with `/` or `-`. Option words are matched whole; anything
+// else that begins with `/` is a path. docs/language.md lists the options.
 #pragma once
 
 #include "toolchain/messages.h"
@@ -22,15 +22,16 @@ struct CompilerOptions {
 
 // What is wrong is added to `messages`, without a line.
 CompilerOptions readCompilerOptions(const std::vector<std::string>& arguments, Messages& messages);
-// The options as the symbol file keeps them, in lower case with "-" in front; the debug level is always there.
+// The options as the symbol file keeps them, in lower case with "-" in front; the debug level is always
+// there.
 std::string describeOptions(const CompilerOptions& options);
 
 enum class MakeMode : char {
-    Make = 'm',        // build what is out of date
-    All = 'a',         // build all; as a query: all classes
-    Quick = 'q',       // as Make; as a query: what is out of date
-    Sources = 's',     // query: all inputs
-    Targets = 't',     // query: all outputs
+    Make = 'm',     // build what is out of date
+    All = 'a',      // build all; as a query: all classes
+    Quick = 'q',    // as Make; as a query: what is out of date
+    Sources = 's',  // query: all inputs
+    Targets = 't',  // query: all outputs
 };
 
 struct MakeOptions {

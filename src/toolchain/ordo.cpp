@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ordo: builds a program from its main class, or answers what it consists of. The answer, or the result of the
-// build, goes to the file of -o, else to standard output. After a build the compiler's messages of the whole run
-// stand in `sarn.err` beside the compiler. The exit code is 0 only if nothing went wrong.
+// ordo: builds a program from its main class, or answers what it consists of. The answer, or the result of
+// the build, goes to the file of -o, else to standard output. After a build the compiler's messages of the
+// whole run stand in `sarn.err` beside the compiler. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
 #include "os/process.h"
 #include "toolchain/classes.h"
@@ -32,13 +32,15 @@ int main(int argc, char** argv) {
     if (!options.outputFile.empty()) os::files().remove(options.outputFile);
     options.file = toolchain::fullPath(options.file);
     if (messages.empty() && os::sizeOf(options.file) < 0)
-        messages.add(options.file, 0, toolchain::Problem::CannotRead, {os::describe(os::FileError::NotFound)});
+        messages.add(options.file, 0, toolchain::Problem::CannotRead,
+                     {os::describe(os::FileError::NotFound)});
     if (!messages.empty()) {
         write(options.outputFile, messages.report("ordo"));
         return Failed;
     }
     const toolchain::Sources sources = toolchain::findSources(options.file, options.inheritedPath);
-    if (options.query) return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
+    if (options.query)
+        return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
     const toolchain::BuildResult result = toolchain::build(options, sources);
     const bool written = write(options.outputFile, result.report);
     const bool reported = write(result.compilerFolder + "sarn.err", result.report);

@@ -29,10 +29,19 @@ struct LevelEntry {
 
 // Levels from loose to tight; `not` stands between 1 and 2, the minus sign behind 4.
 constexpr auto Levels = std::to_array<LevelEntry>({
-    {0, "or", Operator::Or},   {1, "and", Operator::And}, {2, "=", Operator::Eq},    {2, "<>", Operator::Ne},
-    {2, "<", Operator::Lt},    {2, "<=", Operator::Le},   {2, ">", Operator::Gt},    {2, ">=", Operator::Ge},
-    {3, "+", Operator::Add},   {3, "-", Operator::Subtract}, {4, "*", Operator::Multiply},
-    {4, "div", Operator::Div}, {4, "mod", Operator::Mod},
+    {0, "or", Operator::Or},
+    {1, "and", Operator::And},
+    {2, "=", Operator::Eq},
+    {2, "<>", Operator::Ne},
+    {2, "<", Operator::Lt},
+    {2, "<=", Operator::Le},
+    {2, ">", Operator::Gt},
+    {2, ">=", Operator::Ge},
+    {3, "+", Operator::Add},
+    {3, "-", Operator::Subtract},
+    {4, "*", Operator::Multiply},
+    {4, "div", Operator::Div},
+    {4, "mod", Operator::Mod},
 });
 constexpr int ComparisonLevel = 2;
 constexpr int TightestLevel = 4;
@@ -62,7 +71,9 @@ private:
     }
     bool atEnd() const { return here().kind == TokenKind::End; }
     bool isWord(Word word) const { return here().word == word; }
-    bool isSymbol(std::string_view text) const { return here().kind == TokenKind::Symbol && here().text == text; }
+    bool isSymbol(std::string_view text) const {
+        return here().kind == TokenKind::Symbol && here().text == text;
+    }
     void advance() {
         if (!atEnd()) ++position_;
     }
@@ -84,6 +95,7 @@ private:
     }
 
     void report(Problem problem, std::initializer_list<std::string_view> values = {}) {
+        if (!panic_) errorLine_ = here().line;
         reportAt(here().line, problem, values);
         panic_ = true;
     }
@@ -91,11 +103,13 @@ private:
         if (!panic_ && here().kind != TokenKind::Bad) messages_.add(path_, line, problem, values);
         tree_->complete = false;
     }
+    // What is missing is missing at the end of the line before, if a new line has begun.
     void reportExpected(std::string_view what) {
-        if (isWord(Word::Later))
-            report(Problem::NotAccepted, {here().text});
-        else
-            report(Problem::Expected, {what, found()});
+        if (isWord(Word::Later) && !here().firstOnLine) return report(Problem::NotAccepted, {here().text});
+        const int line = here().firstOnLine && position_ > 0 ? tokens_[position_ - 1].line : here().line;
+        if (!panic_) errorLine_ = line;
+        reportAt(line, Problem::Expected, {what, found()});
+        panic_ = true;
     }
     bool expect(Word word) {
         if (accept(word)) return true;
@@ -108,14 +122,14 @@ private:
         return false;
     }
 
-    // Goes on behind an error: at the first token of a later line that can begin a statement, a declaration or the
-    // end of a block.
+    // Goes on behind an error: at the first token of a later line that can begin a statement, a declaration
+    // or the end of a block.
     void synchronise() {
-        const int line = here().line;
         while (!atEnd()) {
             const Token& token = here();
-            const bool begins = token.kind == TokenKind::Name || endsBlock(token.word) || isStatementWord(token.word);
-            if (token.firstOnLine && token.line > line && begins) break;
+            const bool begins =
+                token.kind == TokenKind::Name || endsBlock(token.word) || isStatementWord(token.word);
+            if (token.firstOnLine && token.line > errorLine_ && begins) break;
             if (token.firstOnLine && endsBlock(token.word) && position_ != lastSynchronised_) break;
             advance();
         }
@@ -176,12 +190,18 @@ private:
         const bool isPublic = isWord(Word::Public);
         const bool hasScope = isPublic || isWord(Word::Private);
         if (hasScope) advance();
-        if (isWord(Word::Const)) constant(isPublic, begin);
-        else if (isWord(Word::Type)) type(isPublic, begin);
-        else if (isWord(Word::Function)) function(isPublic, begin);
-        else if (isWord(Word::Var) && hasScope) classVariables(isPublic, begin);
-        else if (isWord(Word::Var)) report(Problem::BareClassVariable);
-        else reportExpected("a declaration or 'end class'");
+        if (isWord(Word::Const))
+            constant(isPublic, begin);
+        else if (isWord(Word::Type))
+            type(isPublic, begin);
+        else if (isWord(Word::Function))
+            function(isPublic, begin);
+        else if (isWord(Word::Var) && hasScope)
+            classVariables(isPublic, begin);
+        else if (isWord(Word::Var))
+            report(Problem::BareClassVariable);
+        else
+            report(Problem::Expected, {"a declaration or 'end class'", found()});
         if (panic_) synchroniseDeclaration(begin);
     }
 
@@ -205,7 +225,8 @@ private:
         return text.substr(0, 657);
     }
 
-    std::unique_ptr<Declaration> declare(DeclarationKind kind, const std::string& text, int line, bool isPublic) {
+    std::unique_ptr<Declaration> declare(DeclarationKind kind, const std::string& text, int line,
+                                         bool isPublic) {
         auto result = std::make_unique<Declaration>();
         result->kind = kind;
         result->name = text;
@@ -232,21 +253,30 @@ private:
         if (!newName(text)) return;
         auto item = declare(DeclarationKind::Constant, text, line, isPublic);
         if (accept(":")) item->type = typeReference();
-        if (!expect("=")) return;
-        item->initial = expression();
+        if (!panic_ && expect("=")) item->initial = expression();
         item->signature = textBetween(begin, position_);
+        if (panic_) forget(*item);
         addToClass(std::move(item));
+    }
+
+    // The name is known and no more: uses of it give no further message.
+    static void forget(Declaration& item) {
+        item.type = {};
+        item.type.type = Type::Unknown;
+        item.initial.reset();
+        item.evaluation = Declaration::Evaluation::Done;
     }
 
     void type(bool isPublic, std::size_t begin) {
         advance();
         const int line = here().line;
         std::string text;
-        if (!newName(text) || !expect(":")) return;
+        if (!newName(text)) return;
         auto item = declare(DeclarationKind::Type, text, line, isPublic);
-        item->type = typeReference();
+        if (expect(":")) item->type = typeReference();
         item->signature = textBetween(begin, position_);
-        if (!panic_) addToClass(std::move(item));
+        if (panic_) forget(*item);
+        addToClass(std::move(item));
     }
 
     // One `name, name : type [:= value]`.
@@ -259,16 +289,15 @@ private:
             if (!newName(text)) return false;
             names.emplace_back(text, line);
         } while (accept(","));
-        if (!expect(":")) return false;
-        const TypeRef reference = typeReference();
-        if (panic_) return false;
+        const TypeRef reference = expect(":") ? typeReference() : TypeRef{};
         const std::size_t end = position_;
         for (const auto& [text, line] : names) {
             items.push_back(declare(kind, text, line, isPublic));
             items.back()->type = reference;
             items.back()->signature = textBetween(begin, end);
+            if (panic_) forget(*items.back());
         }
-        if (!accept(":=")) return true;
+        if (panic_ || !accept(":=")) return !panic_;
         if (names.size() > 1) {
             --position_;
             reportExpected("the end of the declaration");
@@ -331,21 +360,29 @@ private:
         Function& head = *item->function;
         head.isOnerror = accept(Word::Onerror);
         if (!head.isOnerror && !newName(item->name)) return;
-        parameters(*item);
-        if (!panic_ && accept(Word::Return)) head.result = typeReference();
-        if (!panic_ && head.isOnerror && accept(Word::From)) errorRange(head);
+        functionHead(*item);
         item->signature = textBetween(begin, position_);
+        const std::size_t before = messages_.count();
         if (panic_) {
             // The body is read all the same, so that its own errors come in the same run.
+            head.headHasErrors = true;
             synchronise();
-            if (beginsDeclaration(here().word)) return;
         }
         if (!atForwardEnd()) body(*item);
+        head.hasErrors = head.headHasErrors || messages_.count() != before;
         addFunction(std::move(item));
     }
 
+    void functionHead(Declaration& item) {
+        Function& head = *item.function;
+        parameters(item);
+        if (!panic_ && accept(Word::Return)) head.result = typeReference();
+        if (!panic_ && head.isOnerror && accept(Word::From)) errorRange(head);
+    }
+
     bool atForwardEnd() const {
-        return atEnd() || beginsDeclaration(here().word) || (isWord(Word::End) && peek(1).word == Word::Class);
+        return atEnd() || beginsDeclaration(here().word) ||
+               (isWord(Word::End) && peek(1).word == Word::Class);
     }
 
     void errorRange(Function& head) {
@@ -363,9 +400,12 @@ private:
         if (accept(")")) return;
         do {
             Mode mode = Mode::In;
-            if (accept(Word::Out)) mode = Mode::Out;
-            else if (accept(Word::Inout)) mode = Mode::Inout;
-            else accept(Word::In);
+            if (accept(Word::Out))
+                mode = Mode::Out;
+            else if (accept(Word::Inout))
+                mode = Mode::Inout;
+            else
+                accept(Word::In);
             const int line = here().line;
             std::string text;
             if (!newName(text) || !expect(":")) return;
@@ -382,11 +422,15 @@ private:
         Function& head = *item.function;
         head.bodyLine = item.line;
         result_ = head.result.type != Type::None || !head.result.name.empty();
+        headKnown_ = !head.headHasErrors;
         for (;;) {
             const int line = here().line;
-            if (accept(Word::Precond)) head.preconditions.push_back({line, expression()});
-            else if (accept(Word::Postcond)) head.postconditions.push_back({line, expression()});
-            else break;
+            if (accept(Word::Precond))
+                head.preconditions.push_back({line, expression()});
+            else if (accept(Word::Postcond))
+                head.postconditions.push_back({line, expression()});
+            else
+                break;
             if (panic_) synchronise();
         }
         while (accept(Word::Var)) variables(head);
@@ -419,7 +463,8 @@ private:
     void addFunction(std::unique_ptr<Declaration> item) {
         Declaration* earlier = findDeclaration(*tree_, fold(item->name));
         const bool completes = earlier != nullptr && earlier->kind == DeclarationKind::Function &&
-                               earlier->function->bodyLine == 0 && item->function->bodyLine != 0;
+                               earlier->function->bodyLine == 0 && item->function->bodyLine != 0 &&
+                               !item->function->headHasErrors;
         if (!completes) return addToClass(std::move(item));
         if (!sameName(headOf(*earlier), headOf(*item))) {
             const std::string line = std::to_string(earlier->line);
@@ -458,7 +503,9 @@ private:
     void block(Block& statements) {
         if (++depth_ > MaxNesting) {
             report(Problem::TooDeep);
-            while (!atEnd() && !atForwardEnd()) advance();
+            while (!atEnd() && !atForwardEnd() && !(isWord(Word::End) && peek(1).word == Word::Function))
+                advance();
+            lastUnclosed_ = position_;
         }
         while (!atEnd() && !endsBlock(here().word)) {
             const std::size_t begin = position_;
@@ -480,7 +527,8 @@ private:
             if (accept(word)) return;
             --position_;
         }
-        if (panic_) return;
+        // Several blocks that end at one place are told once, by the innermost.
+        if (panic_ || std::exchange(lastUnclosed_, position_) == position_) return;
         const std::string what(spelling(word));
         reportAt(here().line, Problem::NotClosed, {what, std::to_string(line), "end " + what, found()});
         if (isWord(Word::End) && !outer) {
@@ -505,8 +553,10 @@ private:
         default: break;
         }
         if (here().kind == TokenKind::Name) return assignmentOrCall(line);
-        if (isWord(Word::Later)) report(Problem::NotAccepted, {here().text});
-        else report(Problem::StatementExpected, {found()});
+        if (isWord(Word::Later))
+            report(Problem::NotAccepted, {here().text});
+        else
+            report(Problem::StatementExpected, {found()});
         return nullptr;
     }
 
@@ -571,10 +621,6 @@ private:
     StatementPtr forStatement(int line) {
         advance();
         auto result = make(StatementKind::For, line);
-        if (isWord(Word::Later)) {
-            report(Problem::NotAccepted, {here().text});
-            return nullptr;
-        }
         std::string text;
         if (name(text, "the name of a variable")) {
             result->target = makeName(text, line);
@@ -589,8 +635,10 @@ private:
         statement.value = expression();
         if (panic_) return;
         statement.down = isWord(Word::Downto);
-        if (statement.down) advance();
-        else if (!expect(Word::To)) return;
+        if (statement.down)
+            advance();
+        else if (!expect(Word::To))
+            return;
         statement.limit = expression();
         if (!panic_ && accept(Word::By)) statement.step = expression();
     }
@@ -612,7 +660,8 @@ private:
     StatementPtr returnStatement(int line) {
         advance();
         auto result = make(StatementKind::Return, line);
-        if (result_) result->value = expression();
+        const bool guess = !headKnown_ && here().line == line && !atEnd();
+        if (headKnown_ ? result_ : guess) result->value = expression();
         return result;
     }
 
@@ -777,8 +826,10 @@ private:
             result->name.clear();
             if (!name(result->name, "a name")) return result;
         }
-        if (isSymbol("(")) arguments(*result, ")", ExpressionKind::Call);
-        else if (isSymbol("[")) arguments(*result, "]", ExpressionKind::Element);
+        if (isSymbol("("))
+            arguments(*result, ")", ExpressionKind::Call);
+        else if (isSymbol("["))
+            arguments(*result, "]", ExpressionKind::Element);
         return result;
     }
 
@@ -801,11 +852,13 @@ private:
     const std::string path_;
     Messages& messages_;
     std::vector<Token> tokens_;
-    std::size_t position_ = 0, lastSynchronised_ = 0;
+    std::size_t position_ = 0, lastSynchronised_ = 0, lastUnclosed_ = 0;
     ClassTree* tree_ = nullptr;
     int depth_ = 0;
+    int errorLine_ = 0;  // of the last message
     bool panic_ = false;
-    bool result_ = false;  // the function being read has one
+    bool result_ = false;    // the function being read has one
+    bool headKnown_ = true;  // its head could be read
 };
 
 }  // namespace

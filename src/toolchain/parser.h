@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Class text to tree. docs/language.md holds the grammar. The parser reports every error that it can tell apart and
-// goes on at the next statement or declaration; after an error it stays silent until it has found one.
+// Class text to tree. docs/language.md holds the grammar. The parser reports every error that it can tell
+// apart and goes on at the next statement or declaration; after an error it stays silent until it has found
+// one.
 //
 // Cost: linear. The depth of its recursion is bounded by MaxNesting.
 #pragma once

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// quarn: compiles one class. Its messages go to `sarn.err` beside the name that it was called by, and, unless it was
-// told to be quiet, to standard output. The exit code is 0 only if nothing went wrong.
+// quarn: compiles one class. Its messages go to `sarn.err` beside the name that it was called by, and, unless
+// it was told to be quiet, to standard output. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
 #include "os/process.h"
 #include "toolchain/compile.h"

@@ -28,7 +28,8 @@ std::string twinOf(const std::string& file) {
 // Reads the classes breadth first, then puts them in order.
 class Finder {
 public:
-    Finder(const std::string& mainFile, const std::vector<std::string>& inheritedPath) : path_(inheritedPath) {
+    Finder(const std::string& mainFile, const std::vector<std::string>& inheritedPath)
+        : path_(inheritedPath) {
         path_.insert(path_.begin(), folderOf(mainFile));
         add(mainFile);
         for (std::size_t i = 0; i < found_.size(); ++i) read(i);
@@ -80,8 +81,10 @@ private:
         for (const UsedClass& used : tree->uses) {
             if (isBuiltInClass(used.name)) continue;
             const std::string place = findClassFile(used.name, folderOf(file), path_);
-            if (place.empty()) item.missingUse = true;
-            else if (place != file) item.uses.push_back(add(place));
+            if (place.empty())
+                item.missingUse = true;
+            else if (place != file)
+                item.uses.push_back(add(place));
         }
         found_[number] = std::move(item);
     }
@@ -114,7 +117,9 @@ private:
     std::map<std::string, std::size_t> numbers_;
 };
 
-bool hasResources(const Sources& sources) { return !sources.companion.empty(); }
+bool hasResources(const Sources& sources) {
+    return !sources.companion.empty();
+}
 
 std::string changedFiles(const Sources& sources) {
     std::string text;
@@ -122,7 +127,8 @@ std::string changedFiles(const Sources& sources) {
         if (isOutOfDate(item)) text += item.path + "\n";
     if (companionIsOutOfDate(sources))
         for (const SourceClass& item : sources.classes)
-            if (!item.resource.empty() && timeOf(item.resource) > timeOf(sources.companion)) text += item.resource + "\n";
+            if (!item.resource.empty() && timeOf(item.resource) > timeOf(sources.companion))
+                text += item.resource + "\n";
     if (text.empty() && exeIsOutOfDate(sources)) text = sources.exe + "\n";
     return text;
 }

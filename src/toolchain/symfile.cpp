@@ -36,7 +36,9 @@ void addLocals(const Declaration& item, std::vector<Symbol>& symbols) {
 
 std::string record(const Symbol& symbol) {
     std::string line;
-    const auto text = [&line](const std::string& cell) { line += (line.empty() ? "" : ",") + quotedCell(cell); };
+    const auto text = [&line](const std::string& cell) {
+        line += (line.empty() ? "" : ",") + quotedCell(cell);
+    };
     const auto number = [&line](int cell) { line += "," + std::to_string(cell); };
     text(symbol.name);
     number(symbol.scope);
@@ -69,13 +71,20 @@ std::string quotedCell(std::string_view text) {
     std::string result = "\"";
     for (const char c : text) {
         const auto code = static_cast<unsigned char>(c);
-        if (c == '"') result += "\"\"";
-        else if (c == '\\') result += "\\\\";
-        else if (c == '\t') result += "\\t";
-        else if (c == '\n') result += "\\n";
-        else if (c == '\r') result += "\\r";
-        else if (code >= 32 && code < 127) result += c;
-        else result.append("\\x").append(1, Digits[code >> 4]).append(1, Digits[code & 15]);
+        if (c == '"')
+            result += "\"\"";
+        else if (c == '\\')
+            result += "\\\\";
+        else if (c == '\t')
+            result += "\\t";
+        else if (c == '\n')
+            result += "\\n";
+        else if (c == '\r')
+            result += "\\r";
+        else if (code >= 32 && code < 127)
+            result += c;
+        else
+            result.append("\\x").append(1, Digits[code >> 4]).append(1, Digits[code & 15]);
     }
     return result + "\"";
 }
@@ -88,8 +97,10 @@ std::vector<Symbol> symbolsOf(const ClassTree& tree) {
     self.decline = self.impline = tree.line;
     symbols.push_back(self);
     for (const auto& item : tree.declarations) {
-        static constexpr std::array<const char*, 6> Sorts = {"const", "type", "variable", "variable", "variable", "function"};
-        symbols.push_back(symbolOf(*item, Sorts[static_cast<std::size_t>(item->kind)], item->isPublic ? 1 : 2));
+        static constexpr std::array<const char*, 6> Sorts = {"const",    "type",     "variable",
+                                                             "variable", "variable", "function"};
+        symbols.push_back(
+            symbolOf(*item, Sorts[static_cast<std::size_t>(item->kind)], item->isPublic ? 1 : 2));
         if (item->function) addLocals(*item, symbols);
     }
     return symbols;
@@ -98,7 +109,8 @@ std::vector<Symbol> symbolsOf(const ClassTree& tree) {
 std::string codeLineBitmap(const std::vector<bool>& codeLines) {
     std::string bitmap(CodeLineBytes, '\0');
     for (std::size_t line = 1; line < codeLines.size() && line <= CodeLineBytes * 8; ++line)
-        if (codeLines[line]) bitmap[(line - 1) / 8] = static_cast<char>(bitmap[(line - 1) / 8] | (1 << ((line - 1) % 8)));
+        if (codeLines[line])
+            bitmap[(line - 1) / 8] = static_cast<char>(bitmap[(line - 1) / 8] | (1 << ((line - 1) % 8)));
     return bitmap;
 }
 

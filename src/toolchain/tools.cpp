@@ -5,6 +5,7 @@
 #include "os/process.h"
 #include "toolchain/classes.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarn::toolchain {
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::string_view LibraryFile = "libtarnwick.so";
 constexpr std::array<std::string_view, 3> SystemFolders = {"../lib/tarnwick/", "../lib/", "../"};
+constexpr int MostOutputLines = 20;
 constexpr int Forever = 3600 * 1000;  // a wait is taken up again until the tool ends
 
 const char* describeStart(os::StartError error) {
@@ -30,6 +32,14 @@ std::string describeEnd(const os::ExitState& state) {
     return state.code != 0 ? "it ended with code " + std::to_string(state.code) : std::string();
 }
 
+// What a person reads of a tool's output; a linker can write thousands of lines.
+std::string firstLines(const std::string& text) {
+    std::size_t end = 0;
+    for (int line = 0; line < MostOutputLines && end < text.size(); ++line)
+        end = std::min(text.find('\n', end), text.size() - 1) + 1;
+    return end < text.size() ? text.substr(0, end) + "...(more)...\n" : text;
+}
+
 bool isProgram(const std::string& path) {
     const os::FileInfo info = os::infoOf(path);
     return info.exists && !info.folder && (info.mode & 0111U) != 0;
@@ -37,7 +47,8 @@ bool isProgram(const std::string& path) {
 
 }  // namespace
 
-ToolRun runTool(const std::string& program, const std::vector<std::string>& arguments, const std::string& outputFile) {
+ToolRun runTool(const std::string& program, const std::vector<std::string>& arguments,
+                const std::string& outputFile) {
     ToolRun run;
     os::StartError error = os::StartError::None;
     const auto child = os::processes().start({program, arguments, {}, outputFile}, error);
@@ -53,6 +64,7 @@ ToolRun runTool(const std::string& program, const std::vector<std::string>& argu
     run.failure = describeEnd(state);
     if (!outputFile.empty()) {
         os::readFile(outputFile, run.output);
+        run.output = firstLines(run.output);
         os::files().remove(outputFile);
     }
     return run;
@@ -71,20 +83,29 @@ std::string findCCompiler() {
     return {};
 }
 
-std::string toolFolder() { return os::executableFolder(); }
+std::string toolFolder() {
+    return os::executableFolder();
+}
 
 std::string libraryFolder() {
     std::string resolved;
     os::files().resolve(os::executablePath(), resolved);
     std::vector<std::string> folders = {toolFolder(), folderOf(resolved)};
-    for (const std::string_view folder : SystemFolders) folders.push_back(folderOf(resolved) + std::string(folder));
+    for (const std::string_view folder : SystemFolders)
+        folders.push_back(folderOf(resolved) + std::string(folder));
     for (const std::string& folder : folders)
         if (os::sizeOf(folder + std::string(LibraryFile)) > 0) return folder.substr(0, folder.size() - 1);
     return {};
 }
 
-std::string workFolder(const std::string& classFile) { return folderOf(classFile) + ".tarnwick/"; }
-std::string objectFile(const std::string& classFile) { return workFolder(classFile) + stemOf(classFile) + ".o"; }
-std::string generatedFile(const std::string& classFile) { return workFolder(classFile) + stemOf(classFile) + ".c"; }
+std::string workFolder(const std::string& classFile) {
+    return folderOf(classFile) + ".tarnwick/";
+}
+std::string objectFile(const std::string& classFile) {
+    return workFolder(classFile) + stemOf(classFile) + ".o";
+}
+std::string generatedFile(const std::string& classFile) {
+    return workFolder(classFile) + stemOf(classFile) + ".c";
+}
 
 }  // namespace tarn::toolchain

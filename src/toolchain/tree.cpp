@@ -15,7 +15,8 @@ const char* typeName(Type type) {
 }
 
 const char* operatorText(Operator op) {
-    static constexpr const char* Texts[] = {"+", "-", "*", "div", "mod", "and", "or", "=", "<>", "<", "<=", ">", ">="};
+    static constexpr const char* Texts[] = {"+", "-",  "*", "div", "mod", "and", "or",
+                                            "=", "<>", "<", "<=",  ">",   ">="};
     return Texts[static_cast<int>(op)];
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The tree of one class: what the parser makes, the checker completes and the generator reads. Chains of operators
-// of one level, branches and cases are vectors, so that the depth of the tree is bounded by the nesting that the
-// parser admits (MaxNesting), however long the source is.
+// The tree of one class: what the parser makes, the checker completes and the generator reads. Chains of
+// operators of one level, branches and cases are vectors, so that the depth of the tree is bounded by the
+// nesting that the parser admits (MaxNesting), however long the source is.
 //
 // The tree owns its text; it does not refer to the source once it is made.
 #pragma once
@@ -64,8 +64,8 @@ struct Expression {
 
     // Set by the checker.
     Type type = Type::Unknown;
-    const Declaration* target = nullptr;        // Name, Element, Call of a class's function
-    const LibraryFunction* library = nullptr;   // Call of a library function
+    const Declaration* target = nullptr;       // Name, Element, Call of a class's function
+    const LibraryFunction* library = nullptr;  // Call of a library function
     std::optional<Value> constant;
     bool isResult = false;  // the name of the function in its postcondition: its result
 };
@@ -86,7 +86,18 @@ struct Branch {
     Block body;
 };
 
-enum class StatementKind : unsigned char { Assign, Call, If, While, Loop, For, Exit, Iterate, Select, Return };
+enum class StatementKind : unsigned char {
+    Assign,
+    Call,
+    If,
+    While,
+    Loop,
+    For,
+    Exit,
+    Iterate,
+    Select,
+    Return
+};
 
 struct Statement {
     StatementKind kind = StatementKind::Call;
@@ -120,14 +131,16 @@ struct Function {
     int bodyLine = 0;  // line of the head of the body; 0: no body yet
     int endLine = 0;
     bool isOnerror = false;
+    bool hasErrors = false;      // the parser gave a message for its body
+    bool headHasErrors = false;  // its parameters and result are not known
 };
 
 struct Declaration {
     DeclarationKind kind = DeclarationKind::Variable;
     std::string name;
-    int line = 0;     // of the (forward) declaration
+    int line = 0;  // of the (forward) declaration
     bool isPublic = false;
-    TypeRef type;     // of a constant too, once it is known
+    TypeRef type;  // of a constant too, once it is known
     Mode mode = Mode::In;
     ExpressionPtr initial;               // of a constant or a class variable
     std::unique_ptr<Function> function;  // of a function

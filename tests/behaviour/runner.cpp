@@ -52,6 +52,8 @@ void prepareProfile(const std::string& profile, const std::string& files) {
                              "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name)) fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }
+    // A name of this program, so that the folder counts as its own.
+    fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
     fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + "ide.ini");
     if (!fs::exists(files + "profile")) return;
     for (const auto& entry : fs::directory_iterator(files + "profile")) {

@@ -37,7 +37,8 @@ protected:
         std::filesystem::copy_file(BINARY_DIR "/ide.rcx", dir + "ide.rcx");
         setenv("XDG_STATE_HOME", (dir + "state").c_str(), 1);
         setenv("XDG_CONFIG_HOME", (dir + "config").c_str(), 1);
-        std::string program = dir + "ide";
+        std::string program = dir + "ide";  // a name of this program, so that the folder counts as its own
+        std::filesystem::create_symlink(std::filesystem::read_symlink("/proc/self/exe"), program);
         char* arguments[] = {program.data(), nullptr};
         os::setCommandLine(1, arguments);
         platform::SetApplicationResources(dir + "ide.rcx");

@@ -95,6 +95,7 @@ struct SteeredFiles::Node {
     std::uint64_t inode = 0;
     std::uint32_t links = 1;
     State state, lasting;
+    bool everSynced = false;
     std::map<std::string, NodePointer> names, lastingNames;  // of a folder
 };
 
@@ -115,50 +116,60 @@ SteeredFiles::NodePointer SteeredFiles::newNode(int kind, std::uint32_t mode) {
     node->inode = nextInode_++;
     node->state.mode = mode;
     node->state.modified = clock().now();
-    if (kind != AFile) node->lasting = node->state;
+    if (kind != AFile) settle(*node);
     return node;
 }
 
-// Walks part by part; the parts of a link are put before those that are left.
+// A walk along a path: the parts that are left, and the nodes that were passed (the last may be none).
+struct SteeredFiles::Walk {
+    std::vector<std::string> left;
+    std::vector<std::pair<std::string, NodePointer>> passed;
+    int links = 0;
+};
+
+// Takes one part. The parts of a link are put before those that are left.
+FileError SteeredFiles::step(Walk& walk, bool followLast) const {
+    const std::string part = walk.left.front();
+    walk.left.erase(walk.left.begin());
+    if (part.size() > longestName) return FileError::BadName;
+    const NodePointer folder = walk.passed.back().second;
+    if (folder == nullptr) return FileError::NotFound;
+    if (folder->kind != AFolder) return FileError::NotFolder;
+    if (part == ".") return FileError::None;
+    if (part == "..") {
+        if (walk.passed.size() > 1) walk.passed.pop_back();
+        return FileError::None;
+    }
+    const auto found = folder->names.find(part);
+    const NodePointer node = found == folder->names.end() ? nullptr : found->second;
+    if (node == nullptr || node->kind != ALink || (walk.left.empty() && !followLast)) {
+        walk.passed.emplace_back(part, node);
+        return FileError::None;
+    }
+    if (++walk.links > mostLinks) return FileError::BadName;
+    const std::vector<std::string> parts = partsOf(node->state.bytes);
+    walk.left.insert(walk.left.begin(), parts.begin(), parts.end());
+    if (node->state.bytes.front() == '/') walk.passed.resize(1);
+    return FileError::None;
+}
+
 FileError SteeredFiles::find(const std::string& path, bool followLast, Place& place) const {
     const std::string name = native(path);
-    if (name.empty() || name.size() > longestPath || name.find('\0') != std::string::npos)
-        return FileError::BadName;
-    std::vector<std::string> left = partsOf(name.front() == '/' ? name : current_ + "/" + name);
-    std::vector<std::pair<std::string, NodePointer>> way{{"", root_}};
-    int links = 0;
+    const bool holdsZero = name.find('\0') != std::string::npos;
+    if (name.empty() || name.size() > longestPath || holdsZero) return FileError::BadName;
+    Walk walk{partsOf(name.front() == '/' ? name : current_ + "/" + name), {{"", root_}}};
     place = {};
-    while (!left.empty()) {
-        const std::string part = left.front();
-        left.erase(left.begin());
-        if (part.size() > longestName) return FileError::BadName;
-        const NodePointer folder = way.back().second;
-        if (folder == nullptr) return FileError::NotFound;
-        if (folder->kind != AFolder) return FileError::NotFolder;
-        if (part == ".") continue;
-        if (part == "..") {
-            if (way.size() > 1) way.pop_back();
-            continue;
-        }
-        const auto found = folder->names.find(part);
-        const NodePointer node = found == folder->names.end() ? nullptr : found->second;
-        if (node == nullptr || node->kind != ALink || (left.empty() && !followLast)) {
-            way.emplace_back(part, node);
-            continue;
-        }
-        if (++links > mostLinks) return FileError::BadName;
-        const std::string& target = node->state.bytes;
-        const std::vector<std::string> parts = partsOf(target);
-        left.insert(left.begin(), parts.begin(), parts.end());
-        if (target.front() == '/') way.resize(1);
+    while (!walk.left.empty()) {
+        if (const FileError error = step(walk, followLast); error != FileError::None) return error;
     }
-    place.node = way.back().second;
-    place.name = way.back().first;
-    place.folder = way.size() > 1 ? way[way.size() - 2].second : root_;
-    for (std::size_t i = 1; i < way.size(); ++i) place.path += "/" + way[i].first;
+    const auto& passed = walk.passed;
+    place.name = passed.back().first;
+    place.node = passed.back().second;
+    place.folder = passed.size() > 1 ? passed[passed.size() - 2].second : root_;
+    for (std::size_t i = 1; i < passed.size(); ++i) place.path += "/" + passed[i].first;
     if (place.path.empty()) place.path = "/";
-    return name.back() == '/' && place.node != nullptr && place.node->kind == AFile ? FileError::NotFolder
-                                                                                    : FileError::None;
+    const bool file = place.node != nullptr && place.node->kind == AFile;
+    return file && name.back() == '/' ? FileError::NotFolder : FileError::None;
 }
 
 FileError SteeredFiles::findNode(const std::string& path, NodePointer& node) const {
@@ -188,6 +199,7 @@ bool SteeredFiles::may(const Node& node, std::uint32_t bits) const {
 void SteeredFiles::settle(Node& node) {
     node.lasting = node.state;
     node.lastingNames = node.names;
+    node.everSynced = true;
 }
 
 SteeredFiles::Place SteeredFiles::prepare(const std::string& path) {
@@ -328,35 +340,39 @@ void SteeredFiles::revive() {
     open_.clear();
 }
 
-void SteeredFiles::forget(const NodePointer& node, Names names, std::vector<const Node*>& seen) {
+void SteeredFiles::forget(const NodePointer& node, Names names, Overwritten overwritten,
+                          std::vector<const Node*>& seen) {
     if (std::find(seen.begin(), seen.end(), node.get()) != seen.end()) return;
     seen.push_back(node.get());
-    node->state = node->lasting;
+    if (overwritten == Overwritten::Lost || !node->everSynced) node->state = node->lasting;
     if (names == Names::Lost) node->names = node->lastingNames;
-    node->lastingNames = node->names;
-    for (const auto& [name, child] : node->names) forget(child, names, seen);
+    settle(*node);
+    for (const auto& [name, child] : node->names) forget(child, names, overwritten, seen);
 }
 
-void SteeredFiles::afterMachineDeath(Names names) {
+void SteeredFiles::afterMachineDeath(Names names, Overwritten overwritten) {
     revive();
     current_ = "/";
     std::vector<const Node*> seen;
-    forget(root_, names, seen);
+    forget(root_, names, overwritten, seen);
 }
 
+// The failure of this call, if one was ordered for it.
 FileError SteeredFiles::count(FileCall kind, const std::string& text) {
     if (dead_) throw ProcessDeath{};
     const auto at = static_cast<std::size_t>(kind);
-    ++calls_;
     ++kindCalls_[at];
-    log_.push_back(text);
-    if (dieAt_ == calls_) {
-        dead_ = true;
-        dying_ = midway_ && kind == FileCall::Write;
-        if (!dying_) throw ProcessDeath{};
+    if (kind < FileCall::OpenRead) {
+        ++calls_;
+        log_.push_back(text);
+        if (dieAt_ == calls_) {
+            dead_ = true;
+            dying_ = midway_ && kind == FileCall::Write;
+            if (!dying_) throw ProcessDeath{};
+        }
+        if (failure_.at == calls_) return std::exchange(failure_, {}).error;
     }
-    if (failure_.at == calls_) return failure_.error;
-    if (kindFailures_[at].at == kindCalls_[at]) return kindFailures_[at].error;
+    if (kindFailures_[at].at == kindCalls_[at]) return std::exchange(kindFailures_[at], {}).error;
     return always_[at];
 }
 
@@ -417,15 +433,12 @@ FileError SteeredFiles::open(const std::string& path, OpenMode mode, std::uint32
                              Handle& handle) {
     static constexpr const char* words[] = {"read", "new", "truncate", "append", "change"};
     handle = -1;
-    if (dead_) throw ProcessDeath{};
-    if (mode != OpenMode::Read) {
-        const FileError error =
-            count(FileCall::Open, "open " + native(path) + " " + words[static_cast<int>(mode)]);
-        if (error != FileError::None) return error;
-    }
+    const FileCall kind = mode == OpenMode::Read ? FileCall::OpenRead : FileCall::Open;
+    FileError error = count(kind, "open " + native(path) + " " + words[static_cast<int>(mode)]);
+    if (error != FileError::None) return error;
     Place place;
     // A new file does not go through a link that stands there.
-    FileError error = find(path, mode != OpenMode::CreateNew, place);
+    error = find(path, mode != OpenMode::CreateNew, place);
     if (error != FileError::None) return error;
     NodePointer node;
     error = openNode(place, mode, permissions, node);
@@ -435,14 +448,15 @@ FileError SteeredFiles::open(const std::string& path, OpenMode mode, std::uint32
     return FileError::None;
 }
 
-FileError SteeredFiles::read(Handle handle, std::int64_t offset, char* into, std::size_t count,
+FileError SteeredFiles::read(Handle handle, std::int64_t offset, char* into, std::size_t wanted,
                              std::size_t& got) {
     got = 0;
     const OpenFile* const file = opened(handle);
+    if (const FileError error = count(FileCall::Read, ""); error != FileError::None) return error;
     if (file == nullptr || file->mode == OpenMode::Append || offset < 0) return FileError::ReadFailed;
     const std::string& bytes = file->node->state.bytes;
     if (static_cast<std::size_t>(offset) >= bytes.size()) return FileError::None;
-    got = bytes.copy(into, count, static_cast<std::size_t>(offset));
+    got = bytes.copy(into, wanted, static_cast<std::size_t>(offset));
     return FileError::None;
 }
 
@@ -487,6 +501,7 @@ FileError SteeredFiles::sync(Handle handle) {
     if (error != FileError::None) return error;
     if (file == nullptr) return FileError::WriteFailed;
     file->node->lasting = file->node->state;
+    file->node->everSynced = true;
     return FileError::None;
 }
 
@@ -636,7 +651,7 @@ FileError SteeredFiles::info(const std::string& path, FileInfo& info) {
 
 FileError SteeredFiles::list(const std::string& path, std::vector<std::string>& names) {
     names.clear();
-    if (dead_) throw ProcessDeath{};
+    if (const FileError error = count(FileCall::List, ""); error != FileError::None) return error;
     NodePointer node;
     if (const FileError error = findNode(path, node); error != FileError::None) return error;
     if (node->kind != AFolder) return FileError::NotFolder;

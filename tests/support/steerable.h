@@ -38,8 +38,8 @@ private:
     int offset_ = 0;
 };
 
-// The kinds of calls that can be counted and made to fail. Opening to read, reading and looking are not among
-// them.
+// The kinds of calls that can be made to fail. Those from `OpenRead` on change nothing: they are counted for
+// their kind alone, are not in the log, and no process dies at them.
 enum class FileCall {
     Open,
     Write,
@@ -55,8 +55,11 @@ enum class FileCall {
     SetOwner,
     SetModified,
     Link,
+    OpenRead,
+    Read,
+    List,
 };
-inline constexpr std::size_t fileCallKinds = 14;
+inline constexpr std::size_t fileCallKinds = 17;
 
 // Thrown by the call at which the process "dies", and by all calls until `revive`.
 struct ProcessDeath {};
@@ -83,8 +86,8 @@ public:
     [[nodiscard]] std::string contents(const std::string& path) const;  // of a file; "" if there is none
     [[nodiscard]] std::vector<std::string> allFiles() const;  // full paths of files and links, sorted
 
-    // Failing. Calls are counted from 1, beginning now; each order holds for one call and replaces the one
-    // before.
+    // Failing. Calls that change something are counted from 1, beginning now; each order holds for one call
+    // and replaces the one before.
     void failAt(int call, FileError error);
     void failAt(FileCall kind, int call, FileError error);
     void failAlways(FileCall kind, FileError error);  // None ends it
@@ -99,10 +102,11 @@ public:
     [[nodiscard]] bool dead() const { return dead_; }
     void revive();  // a new process: nothing is open
 
-    // What of the unsynced names is on the disk when the machine has died. The contents of files go back to
-    // what was synced in both.
+    // What is on the disk when the machine has died, of what was not synced: the changed names of files, and
+    // what was written over contents that had been synced. A file that was never synced is empty in any case.
     enum class Names { Lost, Kept };
-    void afterMachineDeath(Names names);  // also revives
+    enum class Overwritten { Lost, Kept };
+    void afterMachineDeath(Names names, Overwritten overwritten = Overwritten::Lost);  // also revives
 
     [[nodiscard]] int calls() const { return calls_; }  // counted since the last order or `clearLog`
     [[nodiscard]] const std::vector<std::string>& log() const { return log_; }
@@ -137,6 +141,7 @@ private:
     struct Node;
     using NodePointer = std::shared_ptr<Node>;
     struct Place;
+    struct Walk;
     struct OpenFile {
         NodePointer node;
         OpenMode mode;
@@ -146,6 +151,7 @@ private:
         FileError error = FileError::None;
     };
 
+    FileError step(Walk& walk, bool followLast) const;
     [[nodiscard]] FileError find(const std::string& path, bool followLast, Place& place) const;
     [[nodiscard]] FileError findNode(const std::string& path, NodePointer& node) const;
     [[nodiscard]] FileError findEntry(const std::string& path, Place& place) const;
@@ -160,7 +166,8 @@ private:
     NodePointer newNode(int kind, std::uint32_t mode);
     Place prepare(const std::string& path);
     static void settle(Node& node);
-    static void forget(const NodePointer& node, Names names, std::vector<const Node*>& seen);
+    static void forget(const NodePointer& node, Names names, Overwritten overwritten,
+                       std::vector<const Node*>& seen);
     void collect(const Node& node, const std::string& path, std::vector<std::string>& paths) const;
 
     NodePointer root_;

@@ -39,7 +39,12 @@ public:
     bool isDefault = false, isCancel = false;  // push buttons: what Return and Esc press
     bool tabStop = true;
     int multiline = 0;      // edits: 1 if several lines
-    int alignment = 0;      // 0 left, 1 right, 2 centre
+    int alignment = 0;      // 0 left, 1 right, 2 centre; check boxes and radio buttons: 0 mark on the right, 1 left;
+                            // bars: 0 by their shape, 4 horizontal, 5 vertical
+    int border = 0;         // 0 none; labels, images, bars, shapes: 1 line, 2 sunken; others: 1 as usual
+    int scrollBars = 0;     // 1 horizontal, 2 vertical, 3 both
+    int shape = 0;          // shapes: 0 rectangle, 1 round rectangle, 2 ellipse, 3, 4 horizontal, vertical line
+    bool useTabStops = false;  // icon lists: TAB parts columns
     Rect position;          // pixels, in the window's client area; a window: its frame on the screen
     Rect units;             // as in the resource file, resource units
     Font font;
@@ -53,7 +58,10 @@ public:
     std::vector<std::unique_ptr<Control>> controls;   // in the order of the resource file
     std::vector<std::unique_ptr<Control>> menuItems;  // in order; `level` tells the nesting
     std::map<std::string, std::string> values;        // named values
+    // Limits of the client area's size, pixels; 0 is none. x and y of the largest one are where a maximised window goes.
     Rect minimum_, maximum_;
+    bool closeBox = true, maxButton = true, minButton = true;
+    bool owned = false;  // stays above the main window
     int borderStyle = 2;    // 0 none, 1 fixed, 2 sizable
     int state = 0;          // 0 normal, 1 minimised, 2 maximised
     bool shown = false, modal = false, closing = false;

@@ -112,6 +112,9 @@ View& view();
 std::unique_ptr<View> useView(std::unique_ptr<View> view);  // returns the one before; for tests
 // `answer` plays the user at every question; without it each one is answered by closing its box.
 std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer = {});
+// Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the progress
+// is hidden. False if none is shown.
+bool pressToolStop();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();

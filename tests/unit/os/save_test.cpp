@@ -200,18 +200,20 @@ TEST_P(SaveTest, losesNothingWhenTheProcessDiesAtAnyCall) {
 }
 
 TEST_P(SaveTest, losesNothingWhenTheMachineDiesAtAnyCall) {
+    using Names = SteeredFiles::Names;
+    using Overwritten = SteeredFiles::Overwritten;
     const int calls = callsOfSave(Durability::Synced);
-    for (const auto names : {SteeredFiles::Names::Lost, SteeredFiles::Names::Kept}) {
-        for (const bool midway : {false, true}) {
-            for (int call = 1; call <= calls; ++call) {
-                SCOPED_TRACE(testing::Message() << "death at call " << call << (midway ? " midway" : ""));
-                begin();
-                disk_->dieAt(call, midway);
-                EXPECT_THROW((void)save(), ProcessDeath);
-                disk_->afterMachineDeath(names);
-                EXPECT_TRUE(nothingLost());
-            }
-        }
+    for (int death = 0; death < 8 * calls; ++death) {
+        const int call = death / 8 + 1;
+        const bool midway = (death & 1) != 0;
+        const Names names = (death & 2) != 0 ? Names::Kept : Names::Lost;
+        const Overwritten overwritten = (death & 4) != 0 ? Overwritten::Kept : Overwritten::Lost;
+        SCOPED_TRACE(testing::Message() << "death " << death % 8 << " at call " << call);
+        begin();
+        disk_->dieAt(call, midway);
+        EXPECT_THROW((void)save(), ProcessDeath);
+        disk_->afterMachineDeath(names, overwritten);
+        EXPECT_TRUE(nothingLost());
     }
 }
 

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/process.h"
+
+#include "kernel/errors.h"
+#include "kernel/heap.h"
+#include "kernel/report.h"
+#include "kernel/strings.h"
+#include "os/instance.h"
+#include "os/process.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <sys/utsname.h>
+#include <utility>
+#include <vector>
+
+namespace tarn {
+
+namespace {
+
+constexpr int lockMilliseconds = 1000;
+
+bool lockHeld = false;
+bool ending = false;
+StringDescriptor commandLine;  // all zero until ProcessStart
+
+std::vector<void (*)()>& exitHooks() {
+    static std::vector<void (*)()> hooks;
+    return hooks;
+}
+
+// A system below version 4 lacks calls that the layers below use. One that does not say its version may have
+// them.
+bool systemTooOld() {
+    utsname name{};
+    if (uname(&name) != 0 || std::isdigit(static_cast<unsigned char>(name.release[0])) == 0) return false;
+    return std::atoi(name.release) < 4;
+}
+
+void keepCommandLine() {
+    std::string text;
+    for (const std::string& argument : os::commandLine()) {
+        if (!text.empty()) text += ' ';
+        text += argument;
+    }
+    StringFree(&commandLine);
+    StringInit(&commandLine, UNBOUNDED);
+    StringAssignView(&commandLine, text);
+}
+
+void takeLock() {
+    lockHeld = os::acquireInstanceLock(InstanceName(), lockMilliseconds) == os::LockState::Acquired;
+    if (!lockHeld) SetError(ERR_ALREADY_RUNNING);
+}
+
+void runExitHooks() {
+    while (!exitHooks().empty()) {
+        const auto hook = exitHooks().back();
+        exitHooks().pop_back();
+        hook();
+    }
+}
+
+// What is left in the heap, as the end of the report about it.
+std::string leakText(const Leaks& leaks) {
+    return "\n(" + std::to_string(leaks.bytes) + " byte(s) in " + std::to_string(leaks.blocks) + " block(s))";
+}
+
+}  // namespace
+
+std::string InstanceName() {
+    std::string name = os::executablePath();
+    name.erase(0, name.find_last_of("/\\") + 1);
+    if (const std::size_t dot = name.rfind('.'); dot != std::string::npos) name.erase(dot);
+    for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return name;
+}
+
+void ProcessStart(bool memoryChecking) {
+    ProcessStart(ProcessOptions{memoryChecking, true});
+}
+
+void ProcessStart(const ProcessOptions& options) {
+    ending = false;
+    SetMemoryChecking(options.memoryChecking);
+    if (options.singleInstance) takeLock();
+    if (os::debuggerAttached()) os::debugOutput("Hello debugger from " + os::executablePath() + "\n");
+    if (!SelfTest() || systemTooOld()) SetError(ERR_CANNOT_INITIALIZE);
+    keepCommandLine();
+}
+
+std::string_view CommandLineText() {
+    return commandLine.tag == TagString ? StringView(&commandLine) : std::string_view();
+}
+
+void ProcessStop() {
+    StringFree(&commandLine);
+    Leaks leaks;
+    if (MemoryChecking()) leaks = CountLeaks();
+    if (leaks.bytes != 0) SetError(ERR_MEMORY_LEAK);
+    if (const std::int32_t code = ErrorCell(); code != 0) {
+        LocateFatalProgram();
+        const std::string extra = code == ERR_MEMORY_LEAK ? leakText(leaks) : std::string();
+        ReportFatal(code, ErrorText(code), "", "", 0, extra.c_str());
+    }
+    Halt();
+}
+
+void AddExitHook(void (*hook)()) {
+    exitHooks().push_back(hook);
+}
+
+bool ProcessIsEnding() {
+    return ending;
+}
+
+void Halt() {
+    ending = true;
+    runExitHooks();
+    if (std::exchange(lockHeld, false)) os::releaseInstanceLock();
+    TheDesktop().close();
+    os::endProcess(0);
+}
+
+}  // namespace tarn

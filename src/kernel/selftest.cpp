@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The tests that each start of a process runs: a machine or a build on which they fail must not touch
+// anybody's data.
+#include "kernel/errors.h"
+#include "kernel/numbers.h"
+#include "kernel/process.h"
+#include "kernel/strings.h"
+
+#include <cstddef>
+
+namespace tarn {
+
+namespace {
+
+// Runs the tests with an error cell of their own.
+class OwnErrorCell {
+public:
+    OwnErrorCell() : kept_(tarn_error_cell) { tarn_error_cell = 0; }
+    ~OwnErrorCell() { tarn_error_cell = kept_; }
+    OwnErrorCell(const OwnErrorCell&) = delete;
+    OwnErrorCell& operator=(const OwnErrorCell&) = delete;
+
+private:
+    std::int32_t kept_;
+};
+
+std::int32_t takeError() {
+    const std::int32_t error = tarn_error_cell;
+    tarn_error_cell = 0;
+    return error;
+}
+
+std::string narrow(const String& s) {
+    std::string text(static_cast<std::size_t>(s.length()) + 1, 0);
+    if (s.length() > 0) StringToText(text.data(), s.length(), s.get());
+    text.pop_back();
+    return text;
+}
+
+bool joins() {
+    constexpr struct {
+        std::int32_t capacity;
+        std::string_view a, b, result;
+        std::int32_t error;
+    } rows[] = {
+        {10, "", "abcdefghijk", "abcdefghij", ERR_FIXED_STRING},
+        {10, "abcdefghijk", "", "abcdefghij", ERR_FIXED_STRING},
+        {10, "abcdef", "ghijkl", "abcdefghij", ERR_FIXED_STRING},
+        {10, "abcde", "fghij", "abcdefghij", ERR_NONE},
+        {UNBOUNDED, "abcdef", "ghijkl", "abcdefghijkl", ERR_NONE},
+        {UNBOUNDED, "", "", "", ERR_NONE},
+    };
+    for (const auto& row : rows) {
+        String s(row.capacity), a(row.a), b(row.b);
+        StringConcat(a.get(), b.get(), s.get());
+        if (narrow(s) != row.result || takeError() != row.error) return false;
+    }
+    return true;
+}
+
+bool appends() {
+    constexpr struct {
+        std::int32_t capacity;
+        std::string_view text, more, result;
+    } rows[] = {
+        {8, "1234", "EFGHIJ", "1234EFGH"},   {10, "PQRSTUVWXY", "R", "PQRSTUVWXY"},
+        {10, "1234", "ABCD", "1234ABCD"},    {10, "123456", "ABCDEF", "123456ABCD"},
+        {UNBOUNDED, "1234", "ABCD", "1234"},
+    };
+    for (const auto& row : rows) {
+        String s(row.capacity);
+        const String more(row.more);
+        s.assign(row.text);
+        StringAppend(s.get(), more.get());
+        if (narrow(s) != row.result || takeError() != ERR_NONE) return false;
+    }
+    return true;
+}
+
+bool deletes() {
+    constexpr std::int32_t all = INT32_MAX;
+    constexpr struct {
+        std::int32_t position, count;
+        std::string_view result;
+    } rows[] = {
+        {6, 4, "123450"}, {2, 8, "10"},      {2, 2, "14567890"},     {6, 5, "12345"},
+        {6, 6, "12345"},  {6, all, "12345"}, {1, 5, "67890"},        {1, 10, ""},
+        {1, 11, ""},      {1, all, ""},      {0, all, "1234567890"}, {11, all, "1234567890"},
+    };
+    for (const auto& row : rows) {
+        String s(10);
+        s.assign("1234567890");
+        StringDelete(s.get(), row.position, row.count);
+        if (narrow(s) != row.result || takeError() != ERR_NONE) return false;
+    }
+    return true;
+}
+
+bool comparisons() {
+    constexpr struct {
+        std::string_view a, b;
+        std::int32_t exact, folded;
+    } rows[] = {
+        {"", "", 0, 0},        {"A", "a", -1, 0},      {"A", "B", -1, -1},     {"a", "B", 1, -1},
+        {"AZZ", "azz", -1, 0}, {"AZZ", "BZZ", -1, -1}, {"ZAZ", "ZBZ", -1, -1}, {"ZZA", "ZZB", -1, -1},
+        {"A", "", 1, 1},       {"AB", "A", 1, 1},      {"\x80", "A", 1, 1},
+    };
+    for (const auto& row : rows) {
+        const String a(row.a), b(row.b);
+        std::int32_t exact = 9, folded = 9;
+        StringCompare(a.get(), b.get(), false, exact);
+        StringCompare(a.get(), b.get(), true, folded);
+        if (exact != row.exact || folded != row.folded) return false;
+        if ((StringCompareOp("eq", a.get(), b.get()) != 0) != (row.exact == 0)) return false;
+        if ((StringCompareOp("LT", a.get(), b.get()) != 0) != (row.exact < 0)) return false;
+        if ((StringCompareOp("Ge", a.get(), b.get()) != 0) != (row.exact >= 0)) return false;
+    }
+    return takeError() == ERR_NONE;
+}
+
+bool divisions() {
+    constexpr struct {
+        std::int32_t a, b, quotient, rest, error;
+    } rows[] = {
+        {-7, 2, -4, 1, 0},
+        {7, -2, -4, -1, 0},
+        {-7, -2, 3, -1, 0},
+        {7, 2, 3, 1, 0},
+        {INT32_MIN, -1, INT32_MIN, 0, 0},
+        {5, 0, 0, 0, ERR_DIVISION_BY_ZERO},
+    };
+    for (const auto& row : rows) {
+        if (IntegerDiv(row.a, row.b) != row.quotient || takeError() != row.error) return false;
+        if (IntegerMod(row.a, row.b) != row.rest || takeError() != row.error) return false;
+    }
+    return true;
+}
+
+bool integerTexts() {
+    constexpr struct {
+        std::int32_t value, width;
+        std::string_view text;
+    } rows[] = {
+        {0, 1, "0"},
+        {123456789, 12, "   123456789"},
+        {-123456789, 12, "  -123456789"},
+        {0, 12, "           0"},
+        {123456789, -12, "123456789   "},
+        {-123456789, -12, "-123456789  "},
+        {0, -12, "0           "},
+    };
+    for (const auto& row : rows) {
+        if (IntegerToText(row.value, row.width) != row.text) return false;
+    }
+    std::int32_t plus = 0, minus = 0;
+    std::size_t end = 0;
+    IntegerFromText("+987654321", plus, end);
+    IntegerFromText("-987654321", minus, end);
+    return plus == 987654321 && minus == -987654321 && end == 10;
+}
+
+bool booleanTexts() {
+    constexpr struct {
+        std::string_view text;
+        bool ok, value;
+    } rows[] = {{"True", true, true},
+                {"YES", true, true},
+                {"false", true, false},
+                {"No", true, false},
+                {"maybe", false, false}};
+    for (const auto& row : rows) {
+        bool value = false, ok = false;
+        BooleanFromText(row.text, value, ok);
+        if (ok != row.ok || value != row.value) return false;
+    }
+    return BooleanToText(true) == "True" && BooleanToText(false) == "False";
+}
+
+bool checkSums() {
+    return Crc32("ABC", 3) == 0xA3830348U && Crc32("abc", 3) == 0x352441C2U && Crc32("", 0) == 0 &&
+           Crc32("This is a string", 16) == 0x0876633FU;
+}
+
+}  // namespace
+
+bool SelfTest() {
+    const OwnErrorCell cell;
+    return joins() && appends() && deletes() && comparisons() && divisions() && integerTexts() &&
+           booleanTexts() && checkSums();
+}
+
+}  // namespace tarn

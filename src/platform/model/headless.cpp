@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The view without a screen: fixed measures, timers, and loops that let whoever plays the user go on.
+#include "platform/model/state.h"
+
+#include "os/clock.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <poll.h>
+
+namespace tarn::platform {
+
+namespace {
+
+constexpr int letterWidth = 6, letterHeight = 13;
+constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
+
+struct Timer {
+    int handle = 0, milliseconds = 0;
+    std::int64_t due = 0;
+    bool fired = false;  // since the loop began that runs now
+};
+
+class Headless : public View {
+public:
+    explicit Headless(std::function<std::string(const Question&)> answer) : answer_(std::move(answer)) {}
+
+    void load(Window&) override {}
+    void unload(Window& window) override {
+        dropTimer(window.handle);
+        for (const auto& control : window.controls) dropTimer(control->handle);
+    }
+    void show(Window&) override {}
+    void hide(Window&) override {}
+    void changed(Control&, Property) override {}
+
+    void loop(const std::function<bool()>& until) override {
+        for (Timer& timer : timers_) timer.fired = false;
+        while (!until()) {
+            step();
+            if (until()) break;
+            if (idle_) idle_();
+            else if (!sleepToTimer()) break;  // nobody can end this wait
+        }
+    }
+    void pump() override { step(); }
+    void wait(int milliseconds, bool) override {
+        os::clock().sleep(milliseconds * nanosecondsPerMillisecond);
+        step();
+        if (idle_) idle_();
+    }
+    void setIdle(std::function<void()> idle) override { idle_ = std::move(idle); }
+
+    std::string ask(const Question& question) override;
+    const Question* asking() override { return asking_.empty() ? nullptr : asking_.back().question; }
+    bool answer(const std::string& text) override;
+
+    int textWidth(const Control&, std::string_view text) override;
+    int textHeight(const Control&, std::string_view text) override {
+        return letterHeight * static_cast<int>(1 + std::count(text.begin(), text.end(), '\n'));
+    }
+    Rect screen() override { return {0, 0, 1920, 1080}; }
+    int dpi() override { return 96; }
+
+    void sound() override {}
+    void playSound(const std::string&) override {}
+    void setIcon(const std::string&) override {}
+    void setBusy(bool) override {}
+    void setTimer(Control& owner, int milliseconds) override {
+        dropTimer(owner.handle);
+        if (milliseconds > 0) timers_.push_back({owner.handle, milliseconds, dueAfter(milliseconds), false});
+    }
+    void openUrl(const std::string&) override {}
+    void toolProgress(const std::string& text) override {
+        progress_ = !text.empty();
+        stopped_ = stopped_ && progress_;
+    }
+    bool toolStopPressed() override { return stopped_; }
+    bool pressStop() { return stopped_ = progress_; }
+    void showSplash(const std::string&, const std::vector<std::string>&) override {}
+    void closeSplash() override {}
+    void watch(int descriptor, std::function<void()> ready) override {
+        watched_ = descriptor;
+        ready_ = std::move(ready);
+    }
+    void raise(Window&) override {}
+
+private:
+    struct Asked {
+        const Question* question = nullptr;
+        bool answered = false;
+        std::string answer;
+    };
+
+    static std::int64_t dueAfter(int milliseconds) {
+        return os::clock().steady() + milliseconds * nanosecondsPerMillisecond;
+    }
+    void dropTimer(int handle) {
+        std::erase_if(timers_, [=](const Timer& timer) { return timer.handle == handle; });
+    }
+    void step();
+    void fireTimers();
+    bool sleepToTimer();
+
+    std::function<std::string(const Question&)> answer_;
+    std::function<void()> idle_, ready_;
+    int watched_ = -1;
+    bool progress_ = false, stopped_ = false;  // of a tool
+    std::vector<Timer> timers_;
+    std::vector<Asked> asking_;
+};
+
+void Headless::fireTimers() {
+    std::vector<int> due;
+    for (Timer& timer : timers_) {
+        if (timer.due > os::clock().steady()) continue;
+        timer.due = dueAfter(timer.milliseconds);
+        timer.fired = true;
+        due.push_back(timer.handle);
+    }
+    for (const int handle : due) {
+        const auto place = state().byHandle.find(handle);
+        if (place != state().byHandle.end()) timerFired(*place->second);
+    }
+}
+
+void Headless::step() {
+    pollfd descriptor{watched_, POLLIN, 0};
+    const int patience = idle_ ? 1 : 0;  // milliseconds; an idle function may be waiting for another process
+    if (::poll(&descriptor, watched_ >= 0 ? 1 : 0, patience) > 0 && ready_) ready_();
+    fireTimers();
+}
+
+// Without a user only a timer can end a wait. One that has fired once in vain would do so for ever.
+bool Headless::sleepToTimer() {
+    const Timer* next = nullptr;
+    for (const Timer& timer : timers_)
+        if (!timer.fired && (next == nullptr || timer.due < next->due)) next = &timer;
+    if (next == nullptr) return false;
+    os::clock().sleep(std::max<std::int64_t>(next->due - os::clock().steady(), 0));
+    return true;
+}
+
+std::string Headless::ask(const Question& question) {
+    if (answer_) return answer_(question);
+    if (!idle_) return "";
+    asking_.push_back({&question, false, ""});
+    const std::size_t level = asking_.size();
+    while (asking_.size() == level && !asking_.back().answered && idle_) {
+        step();
+        if (idle_) idle_();
+    }
+    const std::string text = asking_.back().answer;
+    asking_.pop_back();
+    return text;
+}
+
+std::string withoutMark(std::string_view caption) {
+    std::string text(caption);
+    std::erase(text, '&');
+    return text;
+}
+
+bool Headless::answer(const std::string& text) {
+    if (asking_.empty()) return false;
+    Asked& asked = asking_.back();
+    const Question& question = *asked.question;
+    std::string given = text;
+    const auto choose = [&](const std::vector<std::string>& from) {
+        const auto same = [&](const std::string& one) { return one == text || withoutMark(one) == text; };
+        const auto place = std::find_if(from.begin(), from.end(), same);
+        if (place == from.end()) return false;
+        given = *place;
+        return true;
+    };
+    if (!text.empty() && question.kind == Question::Kind::Message && !choose(question.buttons)) return false;
+    if (!text.empty() && question.kind == Question::Kind::List && !choose(question.rows)) return false;
+    asked.answer = given;
+    return asked.answered = true;
+}
+
+int Headless::textWidth(const Control&, std::string_view text) {
+    int widest = 0, letters = 0;
+    for (const char c : text) {
+        if (c == '\n') letters = 0;
+        else if ((static_cast<unsigned char>(c) & 0xc0U) != 0x80U) ++letters;  // a letter of several bytes is one
+        widest = std::max(widest, letters);
+    }
+    return widest * letterWidth;
+}
+
+}  // namespace
+
+std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer) {
+    return std::make_unique<Headless>(std::move(answer));
+}
+
+bool pressToolStop() {
+    auto* const headless = dynamic_cast<Headless*>(&view());
+    return headless != nullptr && headless->pressStop();
+}
+
+}  // namespace tarn::platform

@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Windowing operations: loading, showing, event loops, commands, and finding.
+#include "platform/windowing.h"
+
+#include "os/files.h"
+#include "os/process.h"
+#include "platform/model/state.h"
+#include "platform/text.h"
+
+#include <utility>
+
+namespace tarn::platform {
+
+namespace {
+
+constexpr std::string_view version = "1.3", build = "2207";
+constexpr Code resourceFileMissing = 704;
+
+// The name by which copies of this program find each other.
+std::string instanceName() {
+    const std::string path = os::executablePath();
+    std::string name = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = name.rfind('.');
+    if (dot != std::string::npos && dot > 0) name.resize(dot);
+    return upper(name);
+}
+
+Window* windowWith(const std::string& windowClass, const std::string& caption) {
+    for (const auto& window : state().windows)
+        if (window->caption == caption && WindowClassName(typeName(window->type)) == windowClass) return window.get();
+    return nullptr;
+}
+
+void send(const Object& window, int control, const std::string& text) {
+    const std::string before = std::exchange(state().commandText, text);
+    sendEvent(window, COMMAND_EVENT, Object(window.window(), control), 1);
+    state().commandText = before;
+}
+
+void serve() {
+    os::InstanceServer server;
+    server.knows = [](const std::string& windowClass, const std::string& caption) {
+        return windowWith(windowClass, caption) != nullptr;
+    };
+    server.run = [](const os::InstanceCommand& command) {
+        state().commands.push_back(command);
+        runCommands();
+    };
+    if (os::startInstanceServer(instanceName(), std::move(server)))
+        view().watch(os::instanceSocket(), [] { os::serveInstanceCommands(); });
+}
+
+void stopServing() {
+    if (os::instanceSocket() >= 0) view().watch(-1, {});
+    os::stopInstanceServer();
+}
+
+// A modal wait that nobody can end any more is over: the window is closed as its close button would, or else hidden.
+void endModal(int handle) {
+    if (Window* const window = windowOfHandle(handle)) static_cast<void>(Unload(window->object));
+    if (Window* const window = windowOfHandle(handle)) setShown(*window, false);
+}
+
+void waitModal(int handle) {
+    const auto ended = [handle] {
+        const Window* const window = windowOfHandle(handle);
+        return window == nullptr || !window->shown;
+    };
+    if (!runLoop(ended)) endModal(handle);
+    std::erase(state().modal, handle);
+    if (Window* const window = windowOfHandle(handle)) window->modal = false;
+    runCommands();
+}
+
+}  // namespace
+
+void RegisterWindow(const Object& object, WindowFunction function) {
+    state().functions[&object.window()] = function;
+    if (Window* const window = findWindow(object)) window->function = function;
+}
+
+Code Load(const Object& object) {
+    if (object.empty()) return WindowNotInResources;
+    const Object window = object.owner();
+    if (findWindow(window) != nullptr) return Ok;
+    WindowTemplate from;
+    if (applicationResources().empty()) return resourceFileMissing;
+    if (!applicationResources().window(window.window(), from)) return WindowNotInResources;
+    return makeWindow(window, from, ApplicationResources());
+}
+
+std::string Load(const Object& object, const std::string& file, const std::string& name) {
+    const Object window = object.owner();
+    if (window.empty()) return "There is no name for the window.";
+    if (findWindow(window) != nullptr) return "The window '" + window.window() + "' is already loaded.";
+    std::string bytes;
+    const os::FileError error = os::readFile(file, bytes);
+    if (error != os::FileError::None) return "'" + file + "' cannot be read. " + std::string(os::describe(error));
+    WindowTemplate from;
+    if (isCompiledResource(bytes)) {
+        CompiledResources compiled;
+        if (std::string fault = compiled.open(std::move(bytes)); !fault.empty()) return "'" + file + "': " + fault;
+        if (!compiled.window(name, from)) return "'" + name + "' was not found in '" + file + "'.";
+    } else {
+        const RcFile parsed = parseResourceText(std::move(bytes));
+        const RcFault fault = !parsed.fault.empty() ? parsed.fault : makeTemplate(parsed, name, from);
+        if (!fault.empty()) return "'" + file + "', line " + std::to_string(fault.line) + ": " + fault.text;
+    }
+    makeWindow(window, from, file);
+    return "";
+}
+
+Code Show(const Object& object, bool modal) {
+    Window* const window = findWindow(object.owner());
+    if (window == nullptr || object.empty()) return WindowNotLoaded;
+    const int handle = window->handle;
+    const bool newModal = modal && !(window->modal && window->shown);
+    if (newModal) {
+        window->modal = true;
+        state().modal.push_back(handle);
+    }
+    window->shown = window->visible = true;
+    view().show(*window);
+    if (windowOfHandle(handle) != nullptr) activate(*window);
+    if (newModal) waitModal(handle);
+    return Ok;
+}
+
+Code Hide(const Object& object) {
+    Window* const window = findWindow(object.owner());
+    if (window == nullptr || object.empty()) return WindowNotLoaded;
+    setShown(*window, false);
+    return Ok;
+}
+
+Code Unload(const Object& object) {
+    Window* const window = findWindow(object.owner());
+    if (window == nullptr || object.empty()) return WindowNotLoaded;
+    if (window->closing) return Ok;
+    const int handle = window->handle;
+    window->closing = true;
+    const bool veto = sendEvent(window->object, CLOSE_EVENT, window->object, 0);
+    Window* const left = windowOfHandle(handle);
+    if (left == nullptr) return Ok;
+    left->closing = false;
+    if (!veto) destroy(*left);
+    return Ok;
+}
+
+bool IsLoaded(const Object& object) { return findControl(object) != nullptr; }
+
+bool IsModal(const Object& object) {
+    const Window* const window = findWindow(object);
+    return window != nullptr && window->modal && window->shown;
+}
+
+Answer<bool> GetVisible(const Object& object) {
+    const Control* const control = findControl(object);
+    if (control == nullptr) return {false, findWindow(object) == nullptr ? WindowNotLoaded : ControlInvalid};
+    return {object.isWindow() ? static_cast<const Window*>(control)->shown : control->visible, Ok};
+}
+
+Code SetVisible(const Object& object, bool visible) {
+    if (object.isWindow()) return visible ? Show(object, false) : Hide(object);
+    Control* const control = findControl(object);
+    if (control == nullptr) return findWindow(object) == nullptr ? WindowNotLoaded : ControlInvalid;
+    if (control->visible == visible) return Ok;
+    control->visible = visible;
+    view().changed(*control, Property::Visible);
+    return Ok;
+}
+
+Answer<int> GetWindowState(const Object& object) {
+    const Window* const window = findWindow(object);
+    return window == nullptr ? Answer<int>{0, WindowNotLoaded} : Answer<int>{window->state, Ok};
+}
+
+Code SetWindowState(const Object& object, int value) {
+    Window* const window = findWindow(object);
+    if (window == nullptr) return WindowNotLoaded;
+    if (value < 0 || value > 2 || value == window->state) return Ok;
+    window->state = value;
+    view().changed(*window, Property::State);
+    return Ok;
+}
+
+// ---- loops ------------------------------------------------------------------------------------------------------------
+
+void MainLoop(const Object& main) {
+    const Window* const window = findWindow(main);
+    if (window == nullptr) return;
+    const int handle = window->handle;
+    state().main = main.owner();
+    serve();
+    runLoop([handle] { return windowOfHandle(handle) == nullptr; });
+    stopServing();
+    state().main = Object();
+    settle();
+}
+
+void DoEvents() {
+    view().pump();
+    settle();
+    runCommands();
+}
+
+void WaitEvents(int milliseconds, bool inputEnds) {
+    ++state().waiting;
+    view().wait(milliseconds, inputEnds);
+    --state().waiting;
+}
+
+void QuitMainLoop() { state().quit = state().loops > 0; }
+
+// ---- commands ---------------------------------------------------------------------------------------------------------
+
+Code Command(int windowHandle, int control, const std::string& text) {
+    const Window* const window = windowOfHandle(windowHandle);
+    if (window == nullptr) return WindowNotLoaded;
+    const Object object = window->object;
+    if (findControl(Object(object.window(), control)) == nullptr) return ControlInvalid;
+    send(object, control, text);
+    return Ok;
+}
+
+std::string commandText() { return state().commandText; }
+
+void runCommands() {
+    State& s = state();
+    while (s.depth == 0 && s.waiting == 0 && topModal() == nullptr && !s.commands.empty()) {
+        const os::InstanceCommand command = std::move(s.commands.front());
+        s.commands.pop_front();
+        Window* const window = windowWith(command.windowClass, command.caption);
+        if (window == nullptr) continue;
+        view().raise(*window);
+        if (isAlive(*window)) send(window->object, command.control, command.text);
+    }
+}
+
+bool FindOtherWindow(const std::string& windowClass, const std::string& caption) {
+    return windowWith(windowClass, caption) != nullptr ||
+           os::findInstanceWindow(instanceName(), windowClass, caption);
+}
+
+bool CommandOtherWindow(const std::string& windowClass, const std::string& caption, int control,
+                        const std::string& text) {
+    if (const Window* const window = windowWith(windowClass, caption)) return Command(window->handle, control, text) == Ok;
+    return os::sendInstanceCommand(instanceName(), {windowClass, caption, control, text});
+}
+
+std::string WindowClassName(std::string_view typeWord) {
+    return std::string(typeWord).append(".").append(version).append(".").append(build);
+}
+
+// ---- finding ------------------------------------------------------------------------------------------------------------
+
+std::vector<Object> WindowList() {
+    std::vector<Object> list;
+    for (const auto& window : state().windows) list.push_back(window->object);
+    return list;
+}
+
+Object FindControl(const Object& object, std::string_view name) {
+    const Window* const window = findWindow(object);
+    if (window == nullptr || name.empty()) return {};
+    const auto find = [&](std::string Control::*field) -> Object {
+        for (const auto* controls : {&window->controls, &window->menuItems})
+            for (const auto& control : *controls)
+                if (sameText((*control).*field, name)) return control->object;
+        return {};
+    };
+    const Object named = find(&Control::name);
+    return named.empty() ? find(&Control::array) : named;  // an array stands for its first member
+}
+
+Object FindWindow(std::string_view name) {
+    for (const auto& window : state().windows)
+        if (sameText(window->object.window(), name)) return window->object;
+    return {};
+}
+
+Object FindHandle(int handle) {
+    const auto place = state().byHandle.find(handle);
+    return place == state().byHandle.end() ? Object() : place->second->object;
+}
+
+Object ActiveWindow() {
+    const std::vector<int>& order = state().activation;
+    const Window* const window = order.empty() ? nullptr : windowOfHandle(order.back());
+    return window == nullptr || !window->shown ? Object() : window->object;
+}
+
+std::string GetTypeof(const Object& object) {
+    const Control* const control = findControl(object);
+    return control == nullptr ? "" : std::string(typeName(control->type));
+}
+
+Answer<std::vector<Object>> ControlList(const Object& object) {
+    const Window* const window = findWindow(object);
+    if (window == nullptr) return {{}, WindowNotLoaded};
+    Answer<std::vector<Object>> answer;
+    for (const auto* controls : {&window->controls, &window->menuItems})
+        for (const auto& control : *controls) answer.value.push_back(control->object);
+    return answer;
+}
+
+void DestroyAllWindows() {
+    State& s = state();
+    for (const auto& window : s.windows) window->function = nullptr;
+    while (!s.windows.empty()) destroy(*s.windows.back());
+    s.modal.clear();
+    s.commands.clear();
+    s.main = Object();
+    if (s.busy > 0) view().setBusy(false);
+    s.busy = 0;
+    settle();
+}
+
+}  // namespace tarn::platform

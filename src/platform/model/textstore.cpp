@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/model/model.h"
+
+#include <algorithm>
+
+namespace tarn::platform {
+
+namespace {
+
+class PlainText : public TextStore {
+public:
+    std::string text() const override { return text_; }
+    void setText(std::string_view text) override {
+        text_ = text;
+        selection_ = {};
+        modified_ = false;
+    }
+    int length() const override { return static_cast<int>(text_.size()); }
+    Selection selection() const override { return selection_; }
+    void select(int start, int length) override {
+        selection_.start = std::clamp(start, 1, this->length() + 1);
+        selection_.length = std::clamp(length, 0, this->length() + 1 - selection_.start);
+    }
+    void replaceSelection(std::string_view text) override {
+        text_.replace(static_cast<std::size_t>(selection_.start - 1), static_cast<std::size_t>(selection_.length), text);
+        selection_ = {selection_.start + static_cast<int>(text.size()), 0};
+        modified_ = true;
+    }
+    bool modified() const override { return modified_; }
+    void setModified(bool modified) override { modified_ = modified; }
+
+private:
+    std::string text_;
+    Selection selection_;
+    bool modified_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<TextStore> makePlainText() { return std::make_unique<PlainText>(); }
+
+}  // namespace tarn::platform

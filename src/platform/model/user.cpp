@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the user did, as a view reports it. Each function changes the model and then sends the event; what it was given
+// may be gone when it returns. A window that takes no input hears nothing.
+#include "platform/model/state.h"
+
+#include <algorithm>
+
+namespace tarn::platform {
+
+namespace {
+
+// Whether the user could have done something to the control.
+bool reachable(const Control& control) {
+    if (!isAlive(control)) return false;
+    return takesInput(windowOf(control)) && control.enabled;
+}
+
+int place(int x, int y) { return (y & 0xffff) << 16 | (x & 0xffff); }
+
+void send(const Control& control, int event, int parameter = 0) {
+    sendEvent(control.object.owner(), event, control.object, parameter);
+}
+
+Control* buttonFor(Window& window, int key, const Control* focus) {
+    if (key == KEY_RETURN && focus != nullptr && focus->type == Type::Pushbutton) return const_cast<Control*>(focus);
+    for (const auto& control : window.controls) {
+        const bool meant = key == KEY_RETURN ? control->isDefault : control->isCancel;
+        if (control->type == Type::Pushbutton && meant && control->enabled && control->visible) return control.get();
+    }
+    return nullptr;
+}
+
+bool takesReturn(const Window& window, const Control* focus) {
+    return isEditWindowType(window.type) || (focus != nullptr && focus->type == Type::Edit && focus->multiline != 0);
+}
+
+}  // namespace
+
+void userCommand(Control& control) {
+    if (reachable(control)) send(control, COMMAND_EVENT);
+}
+
+void userChange(Control& control) {
+    if (!isAlive(control)) return;
+    if (control.type == Type::Combobox) control.listIndex = 0;
+    send(control, CHANGE_EVENT);
+}
+
+void userValue(Control& control, int value) {
+    if (!reachable(control)) return;
+    if (control.type == Type::Scrollbar) {
+        control.value = std::clamp(value, control.minimum, std::max(control.minimum, control.maximum));
+        return send(control, CHANGE_EVENT);
+    }
+    if (control.type == Type::Radiobutton) setRadio(control, value);
+    else control.value = value;
+    send(control, COMMAND_EVENT);
+}
+
+void userRow(Control& control, int row) {
+    if (!reachable(control) || !hasRows(control.type)) return;
+    setRow(control, row);
+    send(control, CHANGE_EVENT);
+}
+
+void userDoubleClick(Control& control, int x, int y) {
+    if (reachable(control)) send(control, DBLCLICK_EVENT, place(x, y));
+}
+
+bool userKey(Window& window, Control* focus, int key) {
+    if (!isAlive(window) || !takesInput(window)) return false;
+    if (focus != nullptr && !isAlive(*focus)) focus = nullptr;
+    const Object object = window.object;
+    const Object sender = focus != nullptr ? focus->object : object;
+    if (sendEvent(object, KEYPRESS_EVENT, sender, key)) return true;
+    Window* const left = findWindow(object);
+    if (left == nullptr || !left->shown) return true;  // the key closed it
+    if (key != KEY_RETURN && key != KEY_ESCAPE) return false;
+    focus = findControl(sender);
+    if (key == KEY_RETURN && takesReturn(*left, focus)) return false;
+    Control* const button = buttonFor(*left, key, focus);
+    if (button == nullptr) return false;
+    userCommand(*button);
+    return true;
+}
+
+void userClose(Window& window) {
+    if (isAlive(window) && takesInput(window)) static_cast<void>(Unload(window.object));
+}
+
+void userActivate(Window& window) {
+    if (isAlive(window) && window.shown) activate(window);
+}
+
+void userMoved(Window& window, const Rect& frame, int state) {
+    if (!isAlive(window)) return;
+    const bool resized = frame.w != window.position.w || frame.h != window.position.h || state != window.state;
+    window.position = frame;
+    window.state = state;
+    if (resized) sendEvent(window.object, RESIZE_EVENT, window.object, 0);
+}
+
+void userInfo(Control& control, int x, int y) {
+    if (isAlive(control) && takesInput(windowOf(control))) send(control, INFO_EVENT, place(x, y));
+}
+
+void timerFired(Control& owner) {
+    if (isAlive(owner)) send(owner, TIMER_EVENT);
+}
+
+}  // namespace tarn::platform
