@@ -130,8 +130,10 @@ public:
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
         if (control.useTabStops) list.setItemDelegate(columns_ = new ColumnDelegate(&list));
         list.doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
-        connect(list.selectionModel(), &QItemSelectionModel::currentChanged, this,
-                [this](const QModelIndex& now) { if (!quiet_ && control_ != nullptr) reportRow(*control_, now.row() + 1); });
+        // The focus alone makes a row current, but only a choice selects it.
+        connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& now) {
+            if (!quiet_ && control_ != nullptr && !now.isEmpty()) reportRow(*control_, now.first().top() + 1);
+        });
     }
 
     void apply(Property property) override {
@@ -229,8 +231,9 @@ public:
         takeStore(control, makeLineStore(*line_));
         connect(line_, &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
         list_->doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
-        connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-                [this](const QModelIndex& now) { if (!quiet_ && control_ != nullptr && now.isValid()) reportRow(*control_, now.row() + 1); });
+        connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& now) {
+            if (!quiet_ && control_ != nullptr && !now.isEmpty()) reportRow(*control_, now.first().top() + 1);
+        });
     }
     void apply(Property property) override {
         quiet_ = true;
