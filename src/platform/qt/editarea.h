@@ -16,8 +16,8 @@ class QWidget;
 
 namespace tarn::platform::qt {
 
-// Told what the user does in an edit window. `changed` comes once the edit is complete, also for a text that replaced
-// the selection; it does not come for a text that was set.
+// Told what the user does in an edit window. `changed` comes once an edit is complete; it does not come for what was
+// done through the store.
 class EditEvents {
 public:
     virtual ~EditEvents() = default;

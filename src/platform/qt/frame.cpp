@@ -47,9 +47,11 @@ private:
 
 Qt::WindowFlags flagsOf(const Window& window) {
     if (window.borderStyle == 0) return Qt::Window | Qt::FramelessWindowHint;
-    Qt::WindowFlags flags = Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
-    if (window.borderStyle == 2) flags |= Qt::WindowMinMaxButtonsHint;
-    return flags | (window.borderStyle == 1 ? Qt::CustomizeWindowHint : Qt::WindowFlags());
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    if (window.closeBox) flags |= Qt::WindowCloseButtonHint;
+    if (window.borderStyle == 2 && window.maxButton) flags |= Qt::WindowMaximizeButtonHint;
+    if (window.borderStyle == 2 && window.minButton) flags |= Qt::WindowMinimizeButtonHint;
+    return flags;
 }
 
 bool isButton(Type type) { return type == Type::Pushbutton || type == Type::Bitmapbutton; }
@@ -68,6 +70,12 @@ QRect rectOf(const Control& control, const QWidget& widget) {
     int height = r.h;
     if (qobject_cast<const QComboBox*>(&widget) != nullptr) height = std::min(height, widget.sizeHint().height());
     return {r.x, r.y, std::max(r.w, 0), std::max(height, 0)};
+}
+
+// How wide frames are, by border style; learnt from the first window of a kind that the window system has framed.
+QMargins& knownMargins(int borderStyle) {
+    static QMargins known[3];
+    return known[std::clamp(borderStyle, 0, 2)];
 }
 
 QColor colourOf(int value) { return {value & 0xFF, value >> 8 & 0xFF, value >> 16 & 0xFF}; }
@@ -96,6 +104,8 @@ Frame::Frame(Window& window)
     buildMenu(*bar_, window);
     bar_->setVisible(!window.menuItems.empty());
     applyTitle();
+    first_ = window.position;
+    assumed_ = knownMargins(window.borderStyle);
     place();
 }
 
@@ -242,8 +252,8 @@ int Frame::barHeight() const {
 }
 
 Rect Frame::extents() const {
-    QMargins margins;
-    if (windowHandle() != nullptr) margins = windowHandle()->frameMargins();
+    QMargins margins = assumed_;
+    if (windowHandle() != nullptr && isVisible()) margins = windowHandle()->frameMargins();
     const int bar = barHeight();
     return {margins.left(), margins.top() + bar, margins.left() + margins.right(),
             margins.top() + margins.bottom() + bar};
@@ -314,13 +324,23 @@ void Frame::report() {
     userMoved(*window_, now, state);
 }
 
-// The width of the frame is known only once the window system has drawn it: the size of the frame is what the model
-// asked for, so the client area gives way.
+// The width of the frame is known only once the window system has drawn it. A window as its resources made it keeps
+// its client area, since its controls were measured for that; one that was given a place keeps its frame.
 void Frame::settle() {
-    const Rect& wanted = window_->position;
-    const QRect frame = frameGeometry();
-    const bool plain = window_->state == 0 && !isMaximized() && !large_;
-    if (plain && window_->borderStyle == 2 && frame.size() != QSize(wanted.w, wanted.h)) place();
+    if (windowHandle() == nullptr || !isVisible()) return;
+    const QMargins margins = windowHandle()->frameMargins();
+    const bool news = margins != assumed_;
+    const QSize before(window_->position.w - assumed_.left() - assumed_.right(),
+                       window_->position.h - assumed_.top() - assumed_.bottom() - barHeight());
+    assumed_ = knownMargins(window_->borderStyle) = margins;
+    if (news && window_->state == 0 && !isMaximized() && !large_) {
+        const Flag quiet(applying_);
+        if (before == QSize(first_.w, first_.h)) {
+            window_->position.w += margins.left() + margins.right();
+            window_->position.h += margins.top() + margins.bottom();
+        }
+        place();
+    }
     report();
 }
 
@@ -331,7 +351,9 @@ void Frame::applyModality() {
     if (windowModality() != wanted && !isVisible()) setWindowModality(wanted);
     Frame* below = frameOfWidget(QApplication::activeWindow());
     winId();
-    const bool owned = window_->modal && below != nullptr && below != this;
+    if (window_->owned && !window_->modal)
+        if (const Window* main = findWindow(Object("Main")); main != nullptr) below = frameOf(*main);
+    const bool owned = (window_->modal || window_->owned) && below != nullptr && below != this;
     windowHandle()->setTransientParent(owned ? below->windowHandle() : nullptr);
     if (!window_->modal || seen_ || window_->position.x != 0 || window_->position.y != 0) return;
     // A dialog that says nothing of its place opens over the window it belongs to.
@@ -367,7 +389,7 @@ void Frame::focusFirst() {
     if (focusWidget() != nullptr && focusWidget() != this) return;
     for (const auto& control : window_->controls) {
         if (!control->visible || !control->enabled || !control->tabStop || !takesFocus(*control)) continue;
-        if (control->type == Type::Radiobutton && !control->checked) continue;
+        if (control->type == Type::Radiobutton && control->value == 0 && !control->checked) continue;
         if (!window_->menuItems.empty() && isButton(control->type)) continue;
         QWidget* widget = peerOf(*control)->focusWidget();
         widget->setFocus(Qt::TabFocusReason);
@@ -426,16 +448,6 @@ Control* Frame::controlOf(const QWidget* widget) const {
         for (const auto& control : window_->controls)
             if (const Peer* peer = peerOf(*control); peer != nullptr && peer->widget() == widget) return control.get();
     return nullptr;
-}
-
-void Frame::pressDefault(bool cancel) {
-    if (!cancel)
-        if (auto* focused = qobject_cast<QPushButton*>(focusWidget()); focused != nullptr) return focused->click();
-    for (const auto& control : window_->controls) {
-        if (!(cancel ? control->isCancel : control->isDefault) || !control->enabled || !control->visible) continue;
-        if (auto* button = qobject_cast<QAbstractButton*>(peerOf(*control)->widget()); button != nullptr)
-            return button->click();
-    }
 }
 
 void Frame::release() {

@@ -28,7 +28,6 @@ public:
     void menuChanged();                                     // items came or went; rebuilt once for a burst
     [[nodiscard]] Rect extents() const;                     // see View::frameExtents
     [[nodiscard]] Control* controlOf(const QWidget* widget) const;  // null: the window itself
-    void pressDefault(bool cancel);                         // what Return and Esc press, if there is such a button
     void release();                                         // before the model's window goes
 
 protected:
@@ -65,6 +64,8 @@ private:
     bool applying_ = false;  // what happens now is the model's doing
     bool rebuild_ = false;
     bool seen_ = false;
+    Rect first_;             // where the resources put the window: position, and size of the client area
+    QMargins assumed_;       // of the frame, while the window system has not told
 };
 
 Frame* frameOf(const Window& window);           // null if it has none

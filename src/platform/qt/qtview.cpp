@@ -368,12 +368,7 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
         if (command(*frame, modelShortcut(event))) return true;
         if (openMainMenu(*frame, event)) return true;
     }
-    const bool plain = (event.modifiers() & ~Qt::KeypadModifier) == 0;
-    const bool editor = focus != nullptr && (focus->inherits("QPlainTextEdit") || focus->inherits("QsciScintillaBase"));
-    if (plain && event.key() == Qt::Key_Escape) frame->pressDefault(true);
-    else if (plain && !editor && (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)) frame->pressDefault(false);
-    else return false;
-    return true;
+    return false;
 }
 
 bool QtView::command(Frame& frame, int shortcut) {

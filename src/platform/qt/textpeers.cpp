@@ -23,7 +23,7 @@ namespace {
 template <class Widget>
 class WidgetStore : public TextStore {
 public:
-    WidgetStore(Widget& widget, std::function<void()> changed) : widget_(&widget), changed_(std::move(changed)) {}
+    explicit WidgetStore(Widget& widget) : widget_(&widget) {}
 
     std::string text() const override { return current(); }
     int length() const override { return static_cast<int>(current().size()); }
@@ -57,12 +57,9 @@ public:
 
     void replaceSelection(std::string_view text) override {
         if (widget_ == nullptr) return;
-        {
-            const QSignalBlocker quiet(widget_);
-            insert(shown(text));
-            modified_ = true;
-        }
-        if (changed_) changed_();
+        const QSignalBlocker quiet(widget_);
+        insert(shown(text));
+        modified_ = true;
     }
 
     bool modified() const override { return modified_ || (widget_ != nullptr && current() != saved_); }
@@ -114,7 +111,6 @@ private:
         return out;
     }
 
-    std::function<void()> changed_;
     mutable std::string bytes_;
     mutable QString shown_;
     std::string saved_;
@@ -161,7 +157,7 @@ protected:
 class LinePeer : public Peer {
 public:
     LinePeer(Control& control, QLineEdit& line) : Peer(control, line), line_(line) {
-        takeStore(control, makeLineStore(line, [this] { if (control_ != nullptr) userChange(*control_); }));
+        takeStore(control, makeLineStore(line));
         connect(&line, &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
     }
 
@@ -186,7 +182,7 @@ class LinesPeer : public Peer {
 public:
     LinesPeer(Control& control, QPlainTextEdit& lines) : Peer(control, lines), lines_(lines) {
         lines.setTabChangesFocus(true);
-        takeStore(control, std::make_unique<LinesStore>(lines, [this] { if (control_ != nullptr) userChange(*control_); }));
+        takeStore(control, std::make_unique<LinesStore>(lines));
         connect(&lines, &QPlainTextEdit::textChanged, this, [this] { if (control_ != nullptr) userChange(*control_); });
     }
     void apply(Property property) override {
@@ -261,8 +257,8 @@ protected:
 
 }  // namespace
 
-std::unique_ptr<TextStore> makeLineStore(QLineEdit& line, std::function<void()> changed) {
-    return std::make_unique<LineStore>(line, std::move(changed));
+std::unique_ptr<TextStore> makeLineStore(QLineEdit& line) {
+    return std::make_unique<LineStore>(line);
 }
 
 void takeStore(Control& control, std::unique_ptr<TextStore> store) {

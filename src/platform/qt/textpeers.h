@@ -10,8 +10,8 @@ class QLineEdit;
 
 namespace tarn::platform::qt {
 
-// A store over a line, safe when the line is gone. `changed` is called after a selection was replaced.
-std::unique_ptr<TextStore> makeLineStore(QLineEdit& line, std::function<void()> changed);
+// A store over a line, safe when the line is gone.
+std::unique_ptr<TextStore> makeLineStore(QLineEdit& line);
 void takeStore(Control& control, std::unique_ptr<TextStore> store);  // keeps the text that stood in the old one
 void giveBackText(Control& control);  // puts a plain store in the place of the widget's
 

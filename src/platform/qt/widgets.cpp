@@ -22,8 +22,7 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QStylePainter>
-#include <QStyleOptionProgressBar>
+#include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -62,6 +61,8 @@ private:
     int count_ = 0;
 };
 
+bool isOn(const Control& control) { return control.checked || control.value != 0; }
+
 // Finishes a row's choice: reports it only if it is news to the model.
 void reportRow(Control& control, int row) {
     if (row != control.listIndex) userRow(control, row);
@@ -83,14 +84,56 @@ protected:
     }
 };
 
+// Rows in which TAB parts columns, each column as wide as its widest cell among the first rows.
+class ColumnDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void measure(const std::vector<Row>& rows, const QFontMetrics& metrics) {
+        constexpr std::size_t sample = 500;
+        widths_.clear();
+        for (std::size_t i = 0; i < std::min(rows.size(), sample); ++i) {
+            const QStringList cells = shown(rows[i].text).split(u'\t');
+            for (qsizetype c = 0; c + 1 < cells.size(); ++c) {
+                if (static_cast<std::size_t>(c) >= widths_.size()) widths_.push_back(0);
+                int& width = widths_[static_cast<std::size_t>(c)];
+                width = std::max(width, metrics.horizontalAdvance(cells[c]) + 2 * metrics.averageCharWidth());
+            }
+        }
+    }
+    void paint(QPainter* painter, const QStyleOptionViewItem& given, const QModelIndex& index) const override {
+        QStyleOptionViewItem option = given;
+        initStyleOption(&option, index);
+        const QStringList cells = option.text.split(u'\t');
+        if (cells.size() < 2) return QStyledItemDelegate::paint(painter, given, index);
+        option.text.clear();
+        const QStyle& style = *option.widget->style();
+        style.drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
+        option.text = QStringLiteral("x");
+        QRect place = style.subElementRect(QStyle::SE_ItemViewItemText, &option, option.widget);
+        place.adjust(3, 0, -3, 0);
+        const bool marked = option.state.testFlag(QStyle::State_Selected);
+        painter->setPen(option.palette.color(marked ? QPalette::HighlightedText : QPalette::Text));
+        for (qsizetype c = 0; c < cells.size(); ++c) {
+            painter->drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, cells[c]);
+            if (static_cast<std::size_t>(c) < widths_.size()) place.setLeft(place.left() + widths_[static_cast<std::size_t>(c)]);
+        }
+    }
+
+private:
+    std::vector<int> widths_;
+};
+
 class RowsPeer : public Peer {
 public:
     RowsPeer(Control& control, RowsView& list) : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
         list.setModel(rows_);
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
+        if (control.useTabStops) list.setItemDelegate(columns_ = new ColumnDelegate(&list));
         list.doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
-        connect(list.selectionModel(), &QItemSelectionModel::currentChanged, this,
-                [this](const QModelIndex& now) { if (!quiet_ && control_ != nullptr) reportRow(*control_, now.row() + 1); });
+        // The focus alone makes a row current, but only a choice selects it.
+        connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& now) {
+            if (!quiet_ && control_ != nullptr && !now.isEmpty()) reportRow(*control_, now.first().top() + 1);
+        });
     }
 
     void apply(Property property) override {
@@ -111,12 +154,14 @@ public:
 private:
     void refreshInPlace() {
         const int top = list_.verticalScrollBar()->value();
+        if (columns_ != nullptr) columns_->measure(control_->rows, list_.fontMetrics());
         rows_->refresh();
         list_.verticalScrollBar()->setValue(top);
     }
 
     RowsView& list_;
     RowModel* rows_;
+    ColumnDelegate* columns_ = nullptr;
     bool quiet_ = false;
 };
 
@@ -129,7 +174,7 @@ public:
         box.setModel(rows_);
         if (box.isEditable()) {
             box.setCompleter(nullptr);
-            takeStore(control, makeLineStore(*box.lineEdit(), [this] { if (control_ != nullptr) userChange(*control_); }));
+            takeStore(control, makeLineStore(*box.lineEdit()));
             connect(box.lineEdit(), &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
         }
         connect(&box, &QComboBox::activated, this, [this](int row) { if (control_ != nullptr) userRow(*control_, row + 1); });
@@ -183,11 +228,12 @@ public:
         layout->addWidget(list_);
         list_->setModel(rows_);
         holder.setFocusProxy(line_);
-        takeStore(control, makeLineStore(*line_, [this] { if (control_ != nullptr) userChange(*control_); }));
+        takeStore(control, makeLineStore(*line_));
         connect(line_, &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
         list_->doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
-        connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-                [this](const QModelIndex& now) { if (!quiet_ && control_ != nullptr && now.isValid()) reportRow(*control_, now.row() + 1); });
+        connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& now) {
+            if (!quiet_ && control_ != nullptr && !now.isEmpty()) reportRow(*control_, now.first().top() + 1);
+        });
     }
     void apply(Property property) override {
         quiet_ = true;
@@ -216,6 +262,8 @@ class LabelPeer : public Peer {
 public:
     LabelPeer(Control& control, QLabel& label) : Peer(control, label), label_(label) {
         label.setTextFormat(Qt::PlainText);
+        static constexpr int frames[] = {QFrame::NoFrame, QFrame::Box | QFrame::Plain, QFrame::Panel | QFrame::Sunken};
+        label.setFrameStyle(frames[std::clamp(control.border, 0, 2)]);
     }
     void apply(Property property) override {
         if (property == Property::Caption) label_.setText(shown(control_->caption));
@@ -289,7 +337,7 @@ public:
     void apply(Property property) override {
         const QSignalBlocker quiet(&button_);
         if (property == Property::Caption) button_.setText(shown(control_->caption));
-        if (property == Property::Checked || property == Property::Value) button_.setChecked(control_->checked);
+        if (property == Property::Checked || property == Property::Value) button_.setChecked(isOn(*control_));
     }
 
 private:
@@ -303,7 +351,7 @@ public:
         button.setAutoExclusive(false);
         if (!control.array.empty()) join(button.parentWidget());
         connect(&button, &QRadioButton::clicked, this, [this] {
-            if (control_ != nullptr && !control_->checked) userValue(*control_, 1);
+            if (control_ != nullptr && !isOn(*control_)) userValue(*control_, 1);
             if (control_ != nullptr) settle();
         });
     }
@@ -324,11 +372,11 @@ private:
     }
     // All buttons of the group as the model has them; a group without a set button is possible.
     void settle() {
-        if (group_ == nullptr) return set(button_, control_->checked);
+        if (group_ == nullptr) return set(button_, isOn(*control_));
         group_->setExclusive(false);
         for (QAbstractButton* button : group_->buttons())
             if (const auto* peer = dynamic_cast<RadioPeer*>(Peer::of(*button)); peer != nullptr)
-                set(*button, peer->control().checked);
+                set(*button, isOn(peer->control()));
         group_->setExclusive(true);
     }
     static void set(QAbstractButton& button, bool on) {
@@ -353,6 +401,10 @@ private:
     QGroupBox& box_;
 };
 
+bool isHorizontal(const Control& bar) {
+    return bar.alignment == 4 || (bar.alignment != 5 && bar.position.w >= bar.position.h);
+}
+
 class ScrollPeer : public Peer {
 public:
     ScrollPeer(Control& control, QScrollBar& bar) : Peer(control, bar), bar_(bar) {
@@ -372,7 +424,10 @@ private:
 
 class ProgressPeer : public Peer {
 public:
-    ProgressPeer(Control& control, QProgressBar& bar) : Peer(control, bar), bar_(bar) { bar.setTextVisible(false); }
+    ProgressPeer(Control& control, QProgressBar& bar) : Peer(control, bar), bar_(bar) { 
+        bar.setTextVisible(false);
+        bar.setOrientation(isHorizontal(control) ? Qt::Horizontal : Qt::Vertical);
+    }
     void apply(Property property) override {
         if (property != Property::Range && property != Property::Value) return;
         bar_.setRange(control_->minimum, std::max(control_->minimum, control_->maximum));
@@ -388,27 +443,40 @@ class PictureWidget : public QWidget {
 public:
     using QWidget::QWidget;
     QIcon icon;
-    bool framed = false;
+    int shape = -1;  // as in the model; -1: a picture
+    int border = 0;
     std::function<void(QPoint)> doubleClicked;
 
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        if (framed) {
-            painter.setPen(palette().color(QPalette::Mid));
-            painter.drawRect(rect().adjusted(0, 0, -1, -1));
-        }
+        painter.setPen(palette().color(shape >= 0 ? QPalette::WindowText : QPalette::Mid));
+        if (shape >= 0 || border != 0) drawShape(painter);
         if (!icon.isNull()) icon.paint(&painter, rect(), Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
     }
     void mouseDoubleClickEvent(QMouseEvent* event) override { if (doubleClicked) doubleClicked(event->pos()); }
+
+private:
+    void drawShape(QPainter& painter) const {
+        const QRect edge = rect().adjusted(0, 0, -1, -1);
+        painter.setRenderHint(QPainter::Antialiasing, shape == 1 || shape == 2);
+        switch (shape) {
+        case 1: painter.drawRoundedRect(edge, 8, 8); break;
+        case 2: painter.drawEllipse(edge); break;
+        case 3: painter.drawLine(0, height() / 2, width() - 1, height() / 2); break;
+        case 4: painter.drawLine(width() / 2, 0, width() / 2, height() - 1); break;
+        default: painter.drawRect(edge); break;
+        }
+    }
 };
 
 class ImagePeer : public Peer {
 public:
     ImagePeer(Control& control, PictureWidget& picture) : Peer(control, picture), picture_(picture) {
-        picture.framed = control.type == Type::Shape;
+        picture.shape = control.type == Type::Shape ? control.shape : -1;
+        picture.border = control.border;
         picture.doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
-        if (picture.framed) picture.setAttribute(Qt::WA_TransparentForMouseEvents);
+        if (picture.shape >= 0) picture.setAttribute(Qt::WA_TransparentForMouseEvents);
     }
     void apply(Property property) override {
         if (property != Property::Picture) return;
@@ -436,7 +504,7 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
     case Type::Groupbox: return new GroupPeer(control, *new QGroupBox(parent));
     case Type::Scrollbar:
         return new ScrollPeer(control, *new QScrollBar(
-            control.position.w >= control.position.h ? Qt::Horizontal : Qt::Vertical, parent));
+            isHorizontal(control) ? Qt::Horizontal : Qt::Vertical, parent));
     case Type::Progressbar: return new ProgressPeer(control, *new QProgressBar(parent));
     case Type::Editwindow:
     case Type::Richeditwindow: return makeEditAreaPeer(control, parent);

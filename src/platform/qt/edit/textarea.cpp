@@ -145,6 +145,12 @@ void TextArea::select(int start, int length) {
 }
 
 void TextArea::replaceSelection(std::string_view text) {
+    flush();
+    insert(text);
+    changed_ = false;
+}
+
+void TextArea::insert(std::string_view text) {
     const long start = send(SCI_GETSELECTIONSTART), end = send(SCI_GETSELECTIONEND);
     send(SCI_SETREADONLY, 0);
     send(SCI_BEGINUNDOACTION);
@@ -154,7 +160,6 @@ void TextArea::replaceSelection(std::string_view text) {
     send(SCI_SETEMPTYSELECTION, start + static_cast<long>(text.size()));
     send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
     send(SCI_SCROLLCARET);
-    flush();
 }
 
 bool TextArea::modified() const { return marked_ || send(SCI_GETMODIFY) != 0; }
@@ -302,7 +307,7 @@ void TextArea::newLine() {
         const std::string_view head = caret > start ? range(start, caret) : std::string_view();
         text += head.substr(0, std::min(head.find_first_not_of(" \t"), head.size()));
     }
-    replaceSelection(text);
+    insert(text);
     send(SCI_CHOOSECARETX);
 }
 
@@ -343,7 +348,7 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
         break;
     case Qt::Key_Tab:
         if (!writable || !plain) break;
-        if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) replaceSelection("\t");
+        if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) insert("\t");
         return;
     case Qt::Key_Backtab:
         if (writable && (flags_ & TABSHIFT) != 0) shiftBlock(true);
@@ -362,7 +367,7 @@ bool TextArea::pasteBytes() {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
     if (!bytes.contains('\0')) return false;
-    replaceSelection({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    insert({bytes.constData(), static_cast<std::size_t>(bytes.size())});
     return true;
 }
 

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] int length() const;
     [[nodiscard]] Selection selection() const;
     void select(int start, int length);    // scrolls it into view
-    void replaceSelection(std::string_view text);
+    void replaceSelection(std::string_view text);  // one undo step; not reported
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
 
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] bool overwriting() const;
 
 signals:
-    void edited();       // the user, or a text in the place of the selection, changed the text; after the change
+    void edited();       // the user changed the text; after the change
     void moved();        // caret, modified mark, length or mode
     void pressedTwice(QPoint at);
 
@@ -65,6 +65,7 @@ private:
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
     void flush();                              // reports what has changed since the last time
+    void insert(std::string_view text);        // in the place of the selection, as the user
     void newLine();
     bool pasteBytes();                         // true: there was a text with NUL in it, and it is in
     bool shiftBlock(bool left);                // true: it was a block
