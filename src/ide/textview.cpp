@@ -9,7 +9,7 @@
 #include "library/profstr.h"
 #include "library/system.h"
 
-MODULE("textview")
+MODULE("textview", tarn::TOOL_ONERROR)
 
 namespace tarn {
 namespace {
@@ -73,13 +73,19 @@ bool keyPressed(const Object& window, int key) {
 bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
     FRAME(VIEWDLG);
     STAMP();
+    bool result = true;
     switch (event) {
-    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window, true, false); return true;
-    case CLOSE_EVENT: SAVEINIFILE(GETIDEINIFILE(), window, true, false); return false;
-    case KEYPRESS_EVENT: return keyPressed(window, parameter);
-    case DBLCLICK_EVENT: jumpToSource(window); return true;
-    default: return false;
+    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window, true, false); break;
+    case CLOSE_EVENT:
+        SAVEINIFILE(GETIDEINIFILE(), window, true, false);
+        result = false;
+        break;
+    case KEYPRESS_EVENT: result = keyPressed(window, parameter); break;
+    case DBLCLICK_EVENT: jumpToSource(window); break;
+    default: result = false;
     }
+    STAMP();
+    return result;
 }
 
 void VIEWDIALOG(const std::string& title, const std::string& file, const Font& font) {
@@ -88,7 +94,7 @@ void VIEWDIALOG(const std::string& title, const std::string& file, const Font& f
     if (!IsLoaded(ViewDlg)) Load(ViewDlg);
     std::string text;
     STAMP();
-    LOADFILE(file, text);
+    if (FileSize(file) >= 0) LOADFILE(file, text);
     STAMP();
     SetCaption(ViewDlg, title);
     SetFont(ViewDlg, font);

@@ -105,9 +105,8 @@ private:
 QtView::QtView() : application_(makeApplication()) {
     QApplication::setQuitOnLastWindowClosed(false);
     qApp->installEventFilter(this);
-    connect(&idleTimer_, &QTimer::timeout, this, [this] {
-        if (idle_) idle_();
-    });
+    idleTimer_.setSingleShot(true);
+    connect(&idleTimer_, &QTimer::timeout, this, [this] { runIdle(); });
     connect(qApp, &QGuiApplication::focusWindowChanged, this,
             [this] { QTimer::singleShot(0, this, [this] { activated(); }); });
 }
@@ -232,6 +231,15 @@ void QtView::setIdle(std::function<void()> idle) {
         idleTimer_.start(0);
     else
         idleTimer_.stop();
+}
+
+// The idle function may open a box whose loop needs it again, and a timer does not fire while its own handler runs;
+// so the next turn is a call of its own.
+void QtView::runIdle() {
+    if (!idle_) return;
+    QTimer::singleShot(0, this, [this] { runIdle(); });
+    const auto idle = idle_;
+    idle();
 }
 
 // ---- questions
