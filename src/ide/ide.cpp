@@ -152,6 +152,16 @@ void placeMainWindow(const std::string& ini) {
     SetPosition(Main, WINDOW_UNIT, honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{screen.x, screen.y, screen.w, 1});
 }
 
+// At the first start the Code window takes the room below the main window and leaves the error window's at the bottom.
+void placeCodeWindow(const std::string& ini) {
+    if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
+    WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
+    const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
+    const int top = main.y + main.h;
+    EDITWNDSETMAXSIZE(SDIEdit, Main);
+    SetPosition(SDIEdit, WINDOW_UNIT, Rect{screen.x, top, screen.w * 3 / 4, (screen.y + screen.h - top) * 3 / 4});
+}
+
 void showToolbarAsSet(const std::string& ini) {
     const Object item = MAINCONTROL("view_std_toolbar");
     SetChecked(item, PROFILESTRGET(ini, "Main", "VIEW_STD_TOOLBAR") != "1");
@@ -260,7 +270,7 @@ void DO_LOAD() {
     STAMP();
     EDITWNDSETMAXSIZE(SDIEdit, Main);
     STAMP();
-    AppIcon("mainicon.ico");
+    AppIcon(GETAPPDIR() + "mainicon.ico");
     STAMP();
     const std::string file = GETCOMMANDLINEFILE();
     goToLastFolder(ini);
@@ -270,6 +280,8 @@ void DO_LOAD() {
     Show(Main, false);
     STAMP();
     SPLASHDLG_UNLOAD();
+    STAMP();
+    placeCodeWindow(ini);
     STAMP();
     const bool restored = OFFERRESCUEDTEXT();
     STAMP();

@@ -59,6 +59,16 @@ void helpOnError(const Object& window) {
     SHOWHELP(STR(message.number));
 }
 
+// Where it was last; at first below the Code window's place, over the width of the screen.
+void place(const Object& window) {
+    const std::string ini = GETIDEINIFILE();
+    LOADINIFILE(ini, window, true, false);
+    if (!PROFILESTRGET(ini, "Viewdlg", "_Position").empty()) return;
+    const Rect screen = ScreenSize();
+    const int height = screen.h / 5;
+    SetPosition(window, WINDOW_UNIT, Rect{screen.x, screen.y + screen.h - height, screen.w, height});
+}
+
 bool keyPressed(const Object& window, int key) {
     switch (key) {
     case KEY_ESCAPE: Unload(window); return true;
@@ -75,7 +85,7 @@ bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
     STAMP();
     bool result = true;
     switch (event) {
-    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window, true, false); break;
+    case LOAD_EVENT: place(window); break;
     case CLOSE_EVENT:
         SAVEINIFILE(GETIDEINIFILE(), window, true, false);
         result = false;

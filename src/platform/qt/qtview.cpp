@@ -365,6 +365,7 @@ void QtView::showSplash(const std::string& picture, const std::vector<std::strin
     splash_ = std::make_unique<Splash>(picture, lines);
     splash_->show();
     splash_->raise();
+    splash_->activateWindow();
     pump();
 }
 
