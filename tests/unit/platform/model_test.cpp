@@ -947,9 +947,10 @@ TEST_F(ModelTest, MenuArraysShrinkAndGrowAgainWithConsecutiveNumbers) {
     ASSERT_EQ(AddMenuitem(ControlElement(first, 3), "more"), Ok);
     EXPECT_EQ(ControlElement(first, 4).number(), 207) << "the next number that nothing has";
     const Window& window = *findWindow(main);
-    EXPECT_EQ(window.menuItems[3]->caption, "c3");
-    EXPECT_EQ(window.menuItems[4]->caption, "more");
-    EXPECT_EQ(window.menuItems[4]->level, 2);
+    EXPECT_EQ(window.menuItems[2]->name, "below") << "it hangs below the first one now";
+    EXPECT_EQ(window.menuItems[4]->caption, "c3");
+    EXPECT_EQ(window.menuItems[5]->caption, "more");
+    EXPECT_EQ(window.menuItems[5]->level, 2);
 }
 
 TEST_F(ModelTest, AnItemIsAddedBehindWhatHangsBelowTheOneBefore) {
@@ -971,8 +972,9 @@ TEST_F(ModelTest, OnlyMenuArraysGrowAndShrink) {
 TEST_F(ModelTest, AnItemMayBeRemovedInItsOwnEvent) {
     loadMain();
     handler = [&](const Object&, int event, const Object& sender, int) {
-        if (event == COMMAND_EVENT) EXPECT_EQ(RemoveMenuitem(sender), Ok);
-        return false;
+        if (event != COMMAND_EVENT) return false;
+        EXPECT_EQ(RemoveMenuitem(sender), Ok);
+        return true;
     };
     userCommand(control("item_02"));
     EXPECT_EQ(ControlBounds(mine("item_01")).value.upper, 2);
