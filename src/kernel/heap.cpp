@@ -20,6 +20,7 @@
 #include "kernel/runtime.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <sys/mman.h>
@@ -56,7 +57,6 @@ constexpr std::int32_t releaseFrom = 1 << 20;  // pages of freed blocks of this 
 
 constexpr std::int32_t headBytes = 20, tailBytes = 4;
 static_assert(headBytes + tailBytes == GuardBytes);
-constexpr char headGuard[5] = "LMLM", edgeGuard[5] = "<><>";
 
 // Classes: every 16 bytes up to 256, then four for each doubling.
 constexpr int smallClasses = 16, smallStep = 16, smallLimit = 256;
@@ -91,8 +91,7 @@ struct Heap {
 };
 Heap heap;
 
-// ---- the range
-// ------------------------------------------------------------------------------------------------
+// ---- the range ----------------------------------------------------------------------------------
 
 bool reserve() {
     for (std::uint64_t bytes = largestReserve; bytes >= smallestReserve; bytes /= 2) {
@@ -122,8 +121,7 @@ Offset extend(std::int32_t bytes) {
     return block;
 }
 
-// ---- raw blocks
-// -----------------------------------------------------------------------------------------------
+// ---- raw blocks ---------------------------------------------------------------------------------
 
 // Tells the address sanitizer which bytes of a block of class `index` may be touched.
 void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_unused]] std::int32_t bytes) {
@@ -145,8 +143,8 @@ void pushFree(Offset block, int index) {
     heap.free[index] = block;
 }
 
-// When the range is used up: a block of class `index` out of a free one of a larger class; the rest of it becomes free
-// blocks as large as they can be. 0 if no larger one is free.
+// When the range is used up: a block of class `index` out of a free one of a larger class; the rest of it
+// becomes free blocks as large as they can be. 0 if no larger one is free.
 Offset splitLarger(int index) {
     int larger = index + 1;
     while (larger < classCount && heap.free[larger] == 0) ++larger;
@@ -167,8 +165,10 @@ Offset splitLarger(int index) {
 Offset takeRaw(std::int32_t bytes) {
     const int index = classOf(bytes);
     Offset block = 0;
-    if (heap.free[index] != 0) block = popFree(index);
-    else block = extend(classBytes(index));
+    if (heap.free[index] != 0)
+        block = popFree(index);
+    else
+        block = extend(classBytes(index));
     if (block == 0) block = splitLarger(index);
     if (block != 0) allow(block, index, bytes);
     return block;
@@ -200,14 +200,16 @@ void giveRaw(Offset block, std::int32_t bytes) {
     pushFree(block, index);
 }
 
-// ---- guarded blocks
-// -------------------------------------------------------------------------------------------
+// ---- guarded blocks -----------------------------------------------------------------------------
+
+using Guard = std::array<char, 4>;
+constexpr Guard headGuard{'L', 'M', 'L', 'M'}, edgeGuard{'<', '>', '<', '>'};
 
 struct Head {
-    char guard[4];
+    Guard guard;
     Offset older, newer;
     std::int32_t size;
-    char second[4];
+    Guard second;
 };
 static_assert(sizeof(Head) == headBytes);
 
@@ -217,8 +219,30 @@ Head& headOf(Offset block) {
 char* tailOf(Offset block, std::int32_t size) {
     return tarn_heap_base + block + size;
 }
-bool isGuard(const char* bytes, const char* guard) {
-    return std::memcmp(bytes, guard, 4) == 0;
+
+// Reads what stands at an offset, be it a block or not: links that were overwritten lead anywhere in the
+// range.
+#ifdef TARN_ASAN
+template <class Value>
+__attribute__((no_sanitize_address)) Value look(Offset at) {
+    Value copy;
+    const volatile char* from = tarn_heap_base + at;
+    for (std::size_t i = 0; i < sizeof copy; ++i) reinterpret_cast<char*>(&copy)[i] = from[i];
+    return copy;
+}
+#else
+template <class Value>
+Value look(Offset at) {
+    Value value;
+    std::memcpy(&value, tarn_heap_base + at, sizeof value);
+    return value;
+}
+#endif
+Head headAt(Offset block) {
+    return look<Head>(block - headBytes);
+}
+bool tailHolds(Offset block, std::int32_t size) {
+    return look<Guard>(block + static_cast<Offset>(size)) == edgeGuard;
 }
 
 // Can a guarded block start here? Guards against links and pointers that were overwritten.
@@ -231,13 +255,8 @@ bool sizeInRange(Offset block, std::int32_t size) {
 }
 
 void link(Offset block, std::int32_t size) {
-    Head& head = headOf(block);
-    std::memcpy(head.guard, headGuard, 4);
-    head.older = heap.newest;
-    head.newer = 0;
-    head.size = size;
-    std::memcpy(head.second, edgeGuard, 4);
-    std::memcpy(tailOf(block, size), edgeGuard, 4);
+    headOf(block) = {headGuard, heap.newest, 0, size, edgeGuard};
+    std::memcpy(tailOf(block, size), edgeGuard.data(), tailBytes);
     if (heap.newest != 0) headOf(heap.newest).newer = block;
     heap.newest = block;
 }
@@ -254,23 +273,24 @@ void unlink(Offset block) {
 // A step of the walk from the newest block: false when what stands at `block` is no intact member of the
 // list. The back link is part of that, so a damaged list cannot lead the walk round in a circle.
 bool intact(Offset block, Offset newer) {
-    return mayBeGuarded(block) && isGuard(headOf(block).guard, headGuard) && headOf(block).newer == newer;
+    if (!mayBeGuarded(block)) return false;
+    const Head head = headAt(block);
+    return head.guard == headGuard && head.newer == newer;
 }
 
 // 0 when `block` is an undamaged block of `size` bytes, otherwise the error of freeing it.
 std::int32_t examine(Offset block, std::int32_t size) {
     Offset newer = 0;
-    for (Offset at = heap.newest; at != 0; newer = at, at = headOf(at).older) {
+    for (Offset at = heap.newest; at != 0; newer = at, at = headAt(at).older) {
         if (!intact(at, newer)) return ERR_BLOCK_LIST_CORRUPT;
         if (at != block) continue;
-        const Head& head = headOf(at);
+        const Head head = headAt(at);
         if (head.size != size) return ERR_WRONG_BLOCK_SIZE;
-        if (!sizeInRange(at, size) || !isGuard(head.second, edgeGuard) ||
-            !isGuard(tailOf(at, size), edgeGuard))
+        if (!sizeInRange(at, size) || head.second != edgeGuard || !tailHolds(at, size))
             return ERR_BLOCK_OVERWRITTEN;
-        const Offset older = head.older;
-        if (older != 0 && (!mayBeGuarded(older) || headOf(older).newer != at)) return ERR_BLOCK_LIST_CORRUPT;
-        return ERR_NONE;
+        // Taking the block out of the list will write to its older neighbour, so that must be there.
+        const bool linked = head.older == 0 || (mayBeGuarded(head.older) && headAt(head.older).newer == at);
+        return linked ? ERR_NONE : ERR_BLOCK_LIST_CORRUPT;
     }
     return ERR_NO_SUCH_BLOCK;
 }
@@ -283,8 +303,7 @@ std::int32_t plausible(Offset block, std::int32_t size) {
     return ERR_NONE;
 }
 
-// ---- requests
-// -------------------------------------------------------------------------------------------------
+// ---- requests -----------------------------------------------------------------------------------
 
 bool sizeAllowed(std::int32_t size) {
     if (size >= 1 && size <= MaxBlock) [[likely]]
@@ -328,7 +347,7 @@ void resizeInPlace(Offset block, std::int32_t newSize) {
     }
     allow(block - headBytes, index, newSize + GuardBytes);
     headOf(block).size = newSize;
-    std::memcpy(tailOf(block, newSize), edgeGuard, 4);
+    std::memcpy(tailOf(block, newSize), edgeGuard.data(), tailBytes);
 }
 
 }  // namespace
@@ -386,6 +405,13 @@ bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
     return true;
 }
 
+bool ResizeInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize) {
+    if (block == 0 || heap.checking || newSize < 1 || newSize > MaxBlock) return false;
+    if (plausible(block, oldSize) != ERR_NONE || classOf(oldSize) != classOf(newSize)) return false;
+    resizeInPlace(block, newSize);
+    return true;
+}
+
 void SetMemoryChecking(bool on) {
     if (heap.live == 0) heap.checking = on;
 }
@@ -397,15 +423,15 @@ bool MemoryChecking() {
 Leaks CountLeaks() {
     Leaks leaks;
     Offset newer = 0;
-    for (Offset at = heap.newest; at != 0; newer = at, at = headOf(at).older) {
-        const bool whole = intact(at, newer) && sizeInRange(at, headOf(at).size) &&
-                           isGuard(tailOf(at, headOf(at).size), edgeGuard);
-        if (!whole) {
+    for (Offset at = heap.newest; at != 0; newer = at, at = headAt(at).older) {
+        const bool whole = intact(at, newer);
+        const std::int32_t size = whole ? headAt(at).size : 0;
+        if (!whole || !sizeInRange(at, size) || !tailHolds(at, size)) {
             leaks.bytes = -1;
             return leaks;
         }
-        leaks.bytes = static_cast<std::int32_t>(
-            std::min<std::int64_t>(INT32_MAX, std::int64_t{leaks.bytes} + headOf(at).size));
+        leaks.bytes =
+            static_cast<std::int32_t>(std::min<std::int64_t>(INT32_MAX, std::int64_t{leaks.bytes} + size));
         ++leaks.blocks;
     }
     return leaks;

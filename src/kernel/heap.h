@@ -41,6 +41,10 @@ void Free(Offset& block, std::int32_t size);
 // allocated. On error (as Allocate; with memory checking on also as Free) the block is as it was and the
 // result is false.
 bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize);
+// True when the block of `oldSize` bytes now holds `newSize`, because both are of one class; false, with
+// nothing changed, when it would have to move, when there is no block, for a size out of range, and with
+// memory checking on.
+bool ResizeInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize);
 
 // Has effect only while no block is allocated: the two kinds of block do not mix.
 void SetMemoryChecking(bool on);

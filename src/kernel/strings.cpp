@@ -110,8 +110,7 @@ bool liesIn(const Text& text, const StringDescriptor& s) {
     return s.data != 0 && text.bytes >= At(s.data) && text.bytes < At(s.data) + s.size;
 }
 
-// ---- assignment
-// -----------------------------------------------------------------------------------------------
+// ---- assignment ---------------------------------------------------------------------------------
 
 void assignFixed(StringDescriptor& dest, const Text& text) {
     const std::int32_t count = std::min(text.count, capacityOf(dest));
@@ -130,8 +129,9 @@ void assign(StringDescriptor& dest, const Text& text) {
         return;
     }
     const std::int32_t size = blockSize(text.count);
-    if (size == dest.size) {
+    if (!liesIn(text, dest) && ResizeInPlace(dest.data, dest.size, size)) {
         put(At(dest.data), 0, text, text.count);
+        dest.size = size;
         dest.length = text.count;
         return;
     }
@@ -145,8 +145,7 @@ void assign(StringDescriptor& dest, const Text& text) {
     takeBlock(dest, block, size, text.count);
 }
 
-// ---- joining
-// --------------------------------------------------------------------------------------------------
+// ---- joining ------------------------------------------------------------------------------------
 
 // Both texts go straight to their places, in the order that does not overwrite what is still to be read.
 void concatFixed(StringDescriptor& dest, Text a, const Text& b) {
@@ -198,15 +197,20 @@ void concat(const Text& a, const Text& b, StringDescriptor& dest) {
         extend(dest, b, size);
         return;
     }
-    Offset block = 0;
-    Allocate(block, size);
+    const bool apart = !liesIn(a, dest) && !liesIn(b, dest);
+    const bool inPlace = apart && ResizeInPlace(dest.data, dest.size, size);
+    Offset block = inPlace ? dest.data : 0;
+    if (!inPlace) Allocate(block, size);
     if (block == 0) {
         drop(dest);
         return;
     }
     put(At(block), 0, a, a.count);
     put(At(block), a.count, b, b.count);
-    takeBlock(dest, block, size, static_cast<std::int32_t>(count));
+    if (!inPlace && dest.size != 0) Free(dest.data, dest.size);
+    dest.data = block;
+    dest.size = size;
+    dest.length = static_cast<std::int32_t>(count);
 }
 
 void append(StringDescriptor* dest, const Text& text) {
@@ -226,8 +230,7 @@ std::string_view shortText(const unsigned char* text) {
     return {reinterpret_cast<const char*>(text) + 1, static_cast<std::size_t>(text[0])};
 }
 
-// ---- comparing
-// ------------------------------------------------------------------------------------------------
+// ---- comparing ----------------------------------------------------------------------------------
 
 std::int32_t fold(std::int32_t c) {
     return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c;
@@ -290,8 +293,7 @@ std::string readBuffer(const char* src, std::int32_t characters, std::size_t ste
 
 }  // namespace
 
-// ---- life
-// -----------------------------------------------------------------------------------------------------
+// ---- life ---------------------------------------------------------------------------------------
 
 void StringInit(StringDescriptor* s, std::int32_t maxlength) {
     if (s == nullptr) {
@@ -314,8 +316,7 @@ void StringFree(StringDescriptor* s) {
     *s = {};
 }
 
-// ---- assignment
-// -----------------------------------------------------------------------------------------------
+// ---- assignment ---------------------------------------------------------------------------------
 
 void StringAssign(StringDescriptor* dest, const StringDescriptor* src) {
     if (accept(dest, src)) assign(*dest, textOf(src));
@@ -367,8 +368,7 @@ void StringToShort(unsigned char* buffer, std::int32_t limit, const StringDescri
     buffer[0] = static_cast<unsigned char>(count);
 }
 
-// ---- joining
-// --------------------------------------------------------------------------------------------------
+// ---- joining ------------------------------------------------------------------------------------
 
 void StringConcat(const StringDescriptor* a, const StringDescriptor* b, StringDescriptor* dest) {
     if (accept(a, b, dest)) concat(textOf(a), textOf(b), *dest);
@@ -440,8 +440,7 @@ void StringTerminate(StringDescriptor* s) {
     storeCharacter(At(s->data) + bytesOf(s->length), 0);
 }
 
-// ---- looking
-// --------------------------------------------------------------------------------------------------
+// ---- looking ------------------------------------------------------------------------------------
 
 void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ignoreCase,
                    std::int32_t& result) {

@@ -103,7 +103,8 @@ void loadPosition(const Object& window, std::string_view text) {
 std::string positionText(const Object& window, std::string_view old) {
     const Rect r = GetPosition(window, WINDOW_UNIT);
     Rect most = GetMaxPosition(window);
-    if (most == Rect{}) most = ScreenSize();
+    if (most.w == 0) most.w = ScreenSize().w;
+    if (most.h == 0) most.h = ScreenSize().h;
     const bool maximised = GetWindowState(window) == Maximised || (r.w == most.w && r.h == most.h);
     const Rect kept = maximised ? Rect{number(STRWORD(old, 1)), number(STRWORD(old, 2)),
                                        number(STRWORD(old, 3)), number(STRWORD(old, 4))}

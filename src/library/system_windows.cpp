@@ -42,7 +42,8 @@ std::string escapedForUrl(std::string_view text) {
 std::string pageUrl(const std::string& file, const std::string& topic) {
     const std::string path =
         STRREPLACE(ISROOTED(file) ? file : FILEADDSEPARATOR(GETCURDIR()) + file, "\\", "/");
-    return "file://" + escapedForUrl(path) + (topic.empty() ? std::string() : "#" + escapedForUrl(STRREPLACE(topic, " ", "_")));
+    return "file://" + escapedForUrl(path) +
+           (topic.empty() ? std::string() : "#" + escapedForUrl(STRREPLACE(topic, " ", "_")));
 }
 
 }  // namespace

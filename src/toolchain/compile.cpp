@@ -32,13 +32,13 @@ void countSymbols(const CompilerOptions& options, const ClassTree& tree, Message
                      {std::to_string(count), std::to_string(options.maxSymbols)});
 }
 
-void runCCompiler(const std::string& file, Messages& messages) {
+void runCCompiler(const std::string& file, bool debugged, Messages& messages) {
     const std::string compiler = findCCompiler();
     if (compiler.empty()) return messages.add(file, 0, Problem::NoCCompiler);
     // Written under another name first: what make looks at is the object of a compile that ended well.
     const std::string object = objectFile(file), made = object + ".new";
     const ToolRun run = runTool(
-        compiler, {"-std=c11", "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)},
+        compiler, {"-std=c11", debugged ? "-O0" : "-O1", "-w", "-fwrapv", "-pipe", "-c", "-o", made, generatedFile(file)},
         object + ".log");
     const bool whole = run.failure.empty() && os::sizeOf(made) > 0;
     if (whole && os::files().rename(made, object) == os::FileError::None) return;
@@ -51,7 +51,8 @@ void generate(const CompilerOptions& options, const ClassTree& tree, Messages& m
     const Generated made = generateC(tree, {options.precond, options.debug});
     if (!makeWorkFolder(tree.path, messages)) return;
     if (!save(generatedFile(tree.path), made.text, tree.path, messages)) return;
-    runCCompiler(tree.path, messages);
+    // What is stepped through is compiled often: quickly then, and without shortcuts.
+    runCCompiler(tree.path, options.debug == 2, messages);
     if (!messages.empty()) return;
     save(changeExtension(tree.path, ".sym"), symbolFile(tree, describeOptions(options), made.codeLines),
          tree.path, messages);

@@ -8,9 +8,8 @@
 
 namespace tarn::toolchain {
 
-// Reads and checks the class, then writes `name.sym` beside it, and `name.c` and `name.o` into its work
-// folder. With a message added, none of them is there that is not from this source: a stale object never
-// survives a failure.
+// Reads and checks the class, then writes `name.c` and `name.o` into its work folder and `name.sym` beside it. After a
+// failure, which is a message, there is no object file, so that the next make compiles the class again.
 void compileClass(const CompilerOptions& options, Messages& messages);
 
 }  // namespace tarn::toolchain

@@ -27,7 +27,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::BareClassVariable, "a variable of the class begins with 'private var' or 'public var'"},
     {Problem::StatementExpected, "a statement is expected here, not %"},
     {Problem::NameReserved, "'%' is reserved and cannot be a name"},
-    {Problem::NotClosed, "'%' of line % is not closed: '%' is expected here, not %"},
+    {Problem::NotClosed, "'%' of line % is not closed: '%' is expected, but % follows"},
 
     {Problem::UnknownName, "'%' is not declared"},
     {Problem::DeclaredTwice, "'%' is declared already, in line %"},
@@ -42,7 +42,7 @@ constexpr auto Texts = std::to_array<Entry>({
 
     {Problem::TypeMismatch, "a % is needed here, and this is a %"},
     {Problem::OperandType, "'%' cannot work on a % and a %"},
-    {Problem::ArgumentCount, "'%' takes % arguments, and here are %"},
+    {Problem::ArgumentCount, "'%' takes % argument(s), and here are %"},
     {Problem::VariableNeeded, "argument % of '%' is returned, so a variable is needed"},
     {Problem::CannotAssign, "'%' is a % and cannot be changed"},
     {Problem::NoValue, "'%' gives no value"},

@@ -530,7 +530,9 @@ private:
         // Several blocks that end at one place are told once, by the innermost.
         if (panic_ || std::exchange(lastUnclosed_, position_) == position_) return;
         const std::string what(spelling(word));
-        reportAt(here().line, Problem::NotClosed, {what, std::to_string(line), "end " + what, found()});
+        const std::string other =
+            isWord(Word::End) ? "'end " + std::string(peek(1).text.substr(0, 40)) + "'" : found();
+        reportAt(here().line, Problem::NotClosed, {what, std::to_string(line), "end " + what, other});
         if (isWord(Word::End) && !outer) {
             advance();
             advance();

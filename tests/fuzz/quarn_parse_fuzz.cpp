@@ -3,6 +3,7 @@
 // Any bytes as a class: parser and checker end, with messages or without; what is free of messages becomes C, and a
 // symbol file of whole lines.
 #include "toolchain/checker.h"
+#include "toolchain/classes.h"
 #include "toolchain/generator.h"
 #include "toolchain/parser.h"
 #include "toolchain/symfile.h"
@@ -19,6 +20,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!tree->name.empty()) checkClass(*tree, messages);
     const std::string report = messages.report("fuzz.cls");
     if (messages.empty() != (report.find(": 0 errors.") != std::string::npos)) std::abort();
+    // Classes that it uses were not read; in a compile that is a message.
+    for (const UsedClass& used : tree->uses)
+        if (!isBuiltInClass(used.name)) return 0;
     if (!messages.empty()) return 0;
     const Generated made = generateC(*tree, {2, 2});
     const std::string symbols = symbolFile(*tree, "-d2", made.codeLines);

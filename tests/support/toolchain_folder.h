@@ -6,10 +6,12 @@
 
 #include "os/files.h"
 #include "os/process.h"
+#include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -32,11 +34,10 @@ protected:
         std::filesystem::create_directories(dir + "tools");
         for (const char* tool : {"quarn.exe", "ordo.exe"})
             std::filesystem::create_symlink(std::string(BINARY_DIR "/") + tool, dir + "tools/" + tool);
-        setenv("XDG_CONFIG_HOME", (dir + "config").c_str(), 1);
-        setenv("XDG_STATE_HOME", (dir + "state").c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
-        unsetenv("DISPLAY");
-        unsetenv("WAYLAND_DISPLAY");
+        variables_.emplace_back("XDG_CONFIG_HOME", dir + "config");
+        variables_.emplace_back("XDG_STATE_HOME", dir + "state");
+        variables_.emplace_back("XDG_RUNTIME_DIR", dir);
+        for (const char* screen : {"DISPLAY", "WAYLAND_DISPLAY"}) variables_.emplace_back(screen, nullptr);
     }
 
     std::string write(const std::string& name, std::string_view text) {
@@ -67,6 +68,9 @@ protected:
     std::string errors() const { return read("tools/sarn.err"); }
 
     std::string output;
+
+private:
+    std::deque<Variable> variables_;
 };
 
 }  // namespace tarn::toolchain

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Reads the include lines of all sources and fails on one that does not point downward, and on a Qt header outside
 # the view. Run as: cmake -DSOURCE_DIR=... -P layering_test.cmake
+cmake_policy(SET CMP0057 NEW)  # IN_LIST
 set(allowed_os os)
 set(allowed_platform platform os)
 set(allowed_kernel kernel platform os)

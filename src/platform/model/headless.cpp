@@ -4,6 +4,7 @@
 #include "platform/model/state.h"
 
 #include "os/clock.h"
+#include "os/process.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -144,7 +145,11 @@ bool Headless::sleepToTimer() {
 
 std::string Headless::ask(const Question& question) {
     if (answer_) return answer_(question);
-    if (!idle_) return "";
+    if (!idle_) {
+        // Nobody can answer: what a program says must not be lost all the same.
+        os::debugOutput(question.title + (question.title.empty() ? "" : ": ") + question.text + "\n");
+        return "";
+    }
     asking_.push_back({&question, false, ""});
     const std::size_t level = asking_.size();
     while (asking_.size() == level && !asking_.back().answered && idle_) {

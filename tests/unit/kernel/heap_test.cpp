@@ -136,6 +136,16 @@ TEST_P(BothHeaps, ResizeStaysInPlaceInsideItsClass) {
     EXPECT_EQ(takeError(), 0);
 }
 
+TEST_P(BothHeaps, ResizeInPlaceNeverMoves) {
+    Offset block = make(300);
+    EXPECT_EQ(ResizeInPlace(block, 300, 320), !GetParam());
+    const std::int32_t size = GetParam() ? 300 : 320;
+    for (const std::int32_t next : {321, 200, 0, -1, 4096001}) EXPECT_FALSE(ResizeInPlace(block, size, next));
+    EXPECT_FALSE(ResizeInPlace(0, 300, 300));
+    Free(block, size);
+    EXPECT_EQ(takeError(), 0);
+}
+
 TEST_P(BothHeaps, AFailedResizeLeavesTheBlock) {
     constexpr struct { std::int32_t size, error; } rows[] = {{0, 821}, {-5, 804}, {4096001, 804}};
     Offset block = make(3);

@@ -233,6 +233,21 @@ TEST_F(Make, NamesWithBlanksAndOtherBytesWork) {
     EXPECT_EQ(output, "\xC3\xA4\xFF\n");
 }
 
+TEST_F(Make, ResourceTwinsBecomeOneCompanionOfTheProgram) {
+    write("b.rc", "First DIALOG\n    POSITION=20 20 240 160\nEND\n");
+    write("main.rc", "Main DIALOG\n    POSITION=20 20 240 160\nEND\n");
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 0) << errors();
+    EXPECT_TRUE(exists("main.rcx"));
+    EXPECT_FALSE(exists("b.rcx"));
+    EXPECT_EQ(query("/fq"), "");
+    EXPECT_EQ(ordo({"-fm", dir + "b.rc", "-o" + dir + "o"}), 0) << errors();
+    EXPECT_TRUE(exists("b.rcx"));
+    write("b.rc", "what is this\n");
+    EXPECT_EQ(query("/fq"), "b.rc ");
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 1);
+    EXPECT_NE(errors().find(dir + "b.rc(1) : error "), std::string::npos) << errors();
+}
+
 TEST_F(Make, AWorkFolderThatCannotBeMadeIsAnError) {
     write(".tarnwick", "in the way");
     EXPECT_EQ(quarn({"-q", dir + "c.cls"}), 1);

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The edit window as the view sees it: text and status bar in one widget, and the store over the text.
+#include "platform/qt/edit/colours.h"
+#include "platform/qt/edit/statusbar.h"
+#include "platform/qt/edit/textarea.h"
+#include "platform/qt/editarea.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QLocale>
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+class Store : public TextStore {
+public:
+    explicit Store(TextArea& area) : area_(&area) {}
+    std::string text() const override { return area_ != nullptr ? area_->bytes() : std::string(); }
+    void setText(std::string_view text) override {
+        if (area_ != nullptr) area_->setBytes(text);
+    }
+    int length() const override { return area_ != nullptr ? area_->length() : 0; }
+    Selection selection() const override { return area_ != nullptr ? area_->selection() : Selection{}; }
+    void select(int start, int length) override {
+        if (area_ != nullptr) area_->select(start, length);
+    }
+    void replaceSelection(std::string_view text) override {
+        if (area_ != nullptr) area_->replaceSelection(text);
+    }
+    bool modified() const override { return area_ != nullptr && area_->modified(); }
+    void setModified(bool modified) override {
+        if (area_ != nullptr) area_->setModified(modified);
+    }
+
+private:
+    QPointer<TextArea> area_;
+};
+
+// What a screen reader is told of the text. The interface that comes with the control counts characters from
+// the start of the text at every key, which a text of millions of bytes makes slow; name, role and the line
+// are enough.
+class LightAccessible : public QAccessibleWidget {
+public:
+    explicit LightAccessible(TextArea* area) : QAccessibleWidget(area, QAccessible::EditableText) {}
+    QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Value) return line();
+        return QAccessibleWidget::text(kind);
+    }
+
+private:
+    QString line() const {
+        const auto* area = static_cast<const TextArea*>(object());
+        const long number = area->place().line - 1;
+        const long size =
+            area->SendScintilla(QsciScintillaBase::SCI_LINELENGTH, static_cast<unsigned long>(number));
+        if (size > 4096) return {};
+        QByteArray bytes(size, '\0');
+        area->SendScintilla(QsciScintillaBase::SCI_GETLINE, static_cast<unsigned long>(number),
+                            static_cast<void*>(bytes.data()));
+        return QString::fromUtf8(bytes).trimmed();
+    }
+};
+
+QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+    if (auto* area = qobject_cast<TextArea*>(object); area != nullptr) return new LightAccessible(area);
+    return nullptr;
+}
+
+class EditBox : public QWidget, public EditArea {
+public:
+    EditBox(QWidget* parent, EditEvents& events)
+        : QWidget(parent), events_(events), text_(new TextArea(this)), bar_(new StatusBar(this)) {
+        setFocusProxy(text_);
+        bar_->hide();
+        connect(text_, &TextArea::edited, this, [this] { events_.changed(); });
+        connect(text_, &TextArea::moved, this, [this] { tellSoon(); });
+        connect(text_, &TextArea::pressedTwice, this,
+                [this](QPoint at) { events_.doubleClicked(text_->mapTo(this, at)); });
+        bar_->rightClicked = [this](QPoint at) { events_.infoAsked(bar_->mapTo(this, at)); };
+        tellSoon();
+    }
+
+    QWidget* widget() override { return this; }
+    QWidget* textWidget() override { return text_; }
+    std::unique_ptr<TextStore> store() override { return std::make_unique<Store>(*text_); }
+    void setFlags(int flags) override {
+        text_->setFlags(flags);
+        bar_->setVisible((flags & STATUSBAR) != 0);
+        layOut();
+    }
+    void setTokens(std::string_view tokens) override { text_->setTokens(tokens); }
+    void setFont(const Font& font) override { text_->setTextFont(font); }
+    void setName(const QString& name) override {
+        text_->setAccessibleName(name);
+        text_->setObjectName(name.isEmpty() ? QStringLiteral("text") : name);
+    }
+
+protected:
+    void resizeEvent(QResizeEvent*) override { layOut(); }
+
+private:
+    void layOut() {
+        const int bar = bar_->isVisibleTo(this) ? bar_->sizeHint().height() : 0;
+        text_->setGeometry(0, 0, width(), height() - bar);
+        bar_->setGeometry(0, height() - bar, width(), bar);
+    }
+    // Once for all that a key does.
+    void tellSoon() {
+        if (told_) return;
+        told_ = true;
+        QTimer::singleShot(0, this, [this] { tell(); });
+    }
+    void tell() {
+        told_ = false;
+        if (!bar_->isVisibleTo(this)) return;
+        const auto place = text_->place();
+        const QLocale locale;
+        bar_->setParts({tr("Line %1, column %2").arg(place.line).arg(place.column),
+                        text_->overwriting() ? tr("Overwrite") : tr("Insert"),
+                        text_->modified() ? tr("Modified") : QString(),
+                        tr("%1 bytes").arg(locale.toString(text_->length()))});
+    }
+
+    EditEvents& events_;
+    TextArea* text_;
+    StatusBar* bar_;
+    bool told_ = false;
+};
+
+}  // namespace
+
+}  // namespace tarn::platform::qt
+
+extern "C" __attribute__((visibility("default"))) tarn::platform::qt::EditArea*
+tarn_make_edit_area(QWidget* parent, tarn::platform::qt::EditEvents& events) {
+    using namespace tarn::platform::qt;
+    [[maybe_unused]] static const bool once = (QAccessible::installFactory(makeAccessible), true);
+    return new EditBox(parent, events);
+}

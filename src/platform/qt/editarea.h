@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the view knows of an edit window. It stands in a library of its own (libtarnwick-edit.so), which is
+// loaded when the first edit window is; without it a plain text widget takes its place.
+#pragma once
+
+#include "platform/model/view.h"
+#include "platform/object.h"
+
+#include <QPoint>
+
+#include <memory>
+#include <string_view>
+
+class QWidget;
+
+namespace tarn::platform::qt {
+
+// Told what the user does in an edit window. `changed` comes once an edit is complete; it does not come for
+// what was done through the store.
+class EditEvents {
+public:
+    virtual ~EditEvents() = default;
+    virtual void changed() = 0;
+    virtual void doubleClicked(QPoint position) = 0;  // pixels, in the edit window
+    virtual void infoAsked(QPoint position) = 0;      // right click on the status bar
+};
+
+class EditArea {
+public:
+    virtual ~EditArea() = default;
+    virtual QWidget* widget() = 0;      // text, number bar and status bar; belongs to its parent widget
+    virtual QWidget* textWidget() = 0;  // what takes the focus
+    // A store that stays safe to call when the widget is gone (it is then empty).
+    virtual std::unique_ptr<TextStore> store() = 0;
+    virtual void setFlags(int flags) = 0;
+    virtual void setTokens(std::string_view tokens) = 0;
+    virtual void setFont(const Font& font) = 0;
+    virtual void setName(const QString& name) = 0;  // for screen readers
+};
+
+// Exported under the name "tarn_make_edit_area". The area belongs to its widget; `events` must outlive it.
+using MakeEditArea = EditArea* (*)(QWidget* parent, EditEvents& events);
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,500 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/frame.h"
+
+#include "platform/qt/menus.h"
+#include "platform/qt/pictures.h"
+#include "platform/qt/textpeers.h"
+#include "platform/qt/texts.h"
+#include "platform/qt/widgets.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QStyle>
+#include <QTimer>
+#include <QWindow>
+
+#include <algorithm>
+#include <set>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+// Every frame that lives; a widget's window is looked up here, since a frame has no class name of its own.
+std::set<const QWidget*>& frames() {
+    static std::set<const QWidget*> all;
+    return all;
+}
+
+class Flag {  // sets a flag for a scope
+public:
+    explicit Flag(bool& flag) : flag_(flag), before_(flag) { flag = true; }
+    ~Flag() { flag_ = before_; }
+    Flag(const Flag&) = delete;
+    Flag& operator=(const Flag&) = delete;
+
+private:
+    bool& flag_;
+    bool before_;
+};
+
+Qt::WindowFlags flagsOf(const Window& window) {
+    if (window.borderStyle == 0) return Qt::Window | Qt::FramelessWindowHint;
+    Qt::WindowFlags flags =
+        Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    if (window.closeBox) flags |= Qt::WindowCloseButtonHint;
+    if (window.borderStyle == 2 && window.maxButton) flags |= Qt::WindowMaximizeButtonHint;
+    if (window.borderStyle == 2 && window.minButton) flags |= Qt::WindowMinimizeButtonHint;
+    return flags;
+}
+
+bool isButton(Type type) {
+    return type == Type::Pushbutton || type == Type::Bitmapbutton;
+}
+
+bool takesFocus(const Control& control) {
+    switch (control.type) {
+    case Type::Label:
+    case Type::Groupbox:
+    case Type::Progressbar:
+    case Type::Shape:
+    case Type::Icon:
+    case Type::Image: return false;
+    default: return true;
+    }
+}
+
+// Drop-down boxes have the height of their line; a resource file gives them that of the dropped list.
+QRect rectOf(const Control& control, const QWidget& widget) {
+    const Rect& r = control.position;
+    int height = r.h;
+    if (qobject_cast<const QComboBox*>(&widget) != nullptr)
+        height = std::min(height, widget.sizeHint().height());
+    return {r.x, r.y, std::max(r.w, 0), std::max(height, 0)};
+}
+
+// How wide frames are, by border style; learnt from the first window of a kind that the window system has
+// framed.
+QMargins& knownMargins(int borderStyle) {
+    static QMargins known[3];
+    return known[std::clamp(borderStyle, 0, 2)];
+}
+
+QColor colourOf(int value) {
+    return {value & 0xFF, value >> 8 & 0xFF, value >> 16 & 0xFF};
+}
+
+}  // namespace
+
+Frame* frameOf(const Window& window) {
+    if (window.widget == nullptr) return nullptr;
+    return static_cast<Frame*>(window.widget);
+}
+
+Frame* frameOfWidget(const QWidget* widget) {
+    const QWidget* top = widget != nullptr ? widget->window() : nullptr;
+    return frames().count(top) != 0 ? static_cast<Frame*>(const_cast<QWidget*>(top)) : nullptr;
+}
+
+Frame::Frame(Window& window)
+    : QWidget(nullptr, flagsOf(window)), window_(&window), bar_(new QMenuBar(this)),
+      client_(new QWidget(this)) {
+    const Flag quiet(applying_);
+    frames().insert(this);
+    window.widget = this;
+    setObjectName(shown(window.name.empty() ? window.object.window() : window.name));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    applyFont(*client_, window.font, {});
+    makeControls();
+    buildMenu(*bar_, window);
+    bar_->setVisible(!window.menuItems.empty());
+    applyTitle();
+    first_ = window.position;
+    assumed_ = knownMargins(window.borderStyle);
+    place();
+}
+
+Frame::~Frame() {
+    frames().erase(this);
+}
+
+void Frame::makeControls() {
+    if (isEditWindowType(window_->type)) {
+        Peer* peer = makeEditAreaPeer(*window_, client_);
+        client_->setProperty("peer", QVariant::fromValue(static_cast<void*>(peer)));
+        window_->widget = this;
+        for (const Property property : {Property::Font, Property::Flags, Property::Tokens})
+            peer->apply(property);
+    }
+    for (const auto& control : window_->controls) {
+        Peer* peer = makePeer(*control, client_, !window_->menuItems.empty());
+        applyFont(*peer->widget(), control->font, window_->font);
+        applyColours(*control);
+        peer->widget()->setEnabled(control->enabled);
+        placeControl(*control);
+        peer->widget()->setVisible(control->visible);
+    }
+    nameControls();
+    orderTabs();
+}
+
+// Screen readers tell a control by the label before it; a mnemonic of that label leads to it.
+void Frame::nameControls() {
+    const Control* label = nullptr;
+    for (const auto& control : window_->controls) {
+        Peer* peer = peerOf(*control);
+        QString name = withoutMnemonic(shown(control->caption));
+        if (name.isEmpty() && label != nullptr) name = withoutMnemonic(shown(label->caption));
+        if (name.isEmpty()) name = shown(control->hint.empty() ? control->name : control->hint);
+        if (!control->hint.empty() && control->type == Type::Bitmapbutton)
+            name = withoutMnemonic(shown(control->hint));
+        while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
+        peer->widget()->setAccessibleName(name);
+        if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
+        if (label != nullptr && takesFocus(*control) && label->caption.find('&') != std::string::npos)
+            if (auto* text = qobject_cast<QLabel*>(peerOf(*label)->widget()); text != nullptr)
+                text->setBuddy(peer->focusWidget());
+        label = control->type == Type::Label && control->visible ? control.get() : nullptr;
+    }
+}
+
+void Frame::orderTabs() {
+    QWidget* before = nullptr;
+    for (const auto& control : window_->controls) {
+        QWidget* widget = peerOf(*control)->focusWidget();
+        if (!takesFocus(*control)) continue;
+        if (!control->tabStop && control->type != Type::Radiobutton) widget->setFocusPolicy(Qt::ClickFocus);
+        if (before != nullptr) setTabOrder(before, widget);
+        before = widget;
+    }
+}
+
+void Frame::applyColours(Control& control) {
+    QWidget& widget = *peerOf(control)->widget();
+    // Black on white is what a resource file says that means nothing special; the desktop's colours stand for
+    // it.
+    const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
+    if ((control.foreColour < 0 && control.backColour < 0) || plain) {
+        widget.setPalette(QPalette());
+        return;
+    }
+    QPalette palette = QApplication::palette(&widget);
+    if (control.foreColour >= 0)
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            palette.setColor(role, colourOf(control.foreColour));
+    if (control.backColour >= 0)
+        for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
+            palette.setColor(role, colourOf(control.backColour));
+    widget.setPalette(palette);
+    widget.setAutoFillBackground(control.backColour >= 0);
+}
+
+// ---- properties
+// -----------------------------------------------------------------------------------------------------
+
+void Frame::applyTitle() {
+    setWindowTitle(shown(window_->caption));
+}
+
+void Frame::apply(Property property) {
+    const Flag quiet(applying_);
+    switch (property) {
+    case Property::Caption: applyTitle(); break;
+    case Property::Position: place(); break;
+    case Property::MinMax: applyLimits(); break;
+    case Property::State: applyState(); break;
+    case Property::Enabled: setEnabled(window_->enabled); break;
+    case Property::Visible:
+        if (!window_->visible && !window_->shown) QWidget::hide();
+        break;
+    case Property::Font:
+        applyFont(*client_, window_->font, {});
+        for (const auto& control : window_->controls) applyTo(*control, Property::Font);
+        break;
+    case Property::MenuItems: menuChanged(); break;
+    case Property::Picture: setWindowIcon(iconOf(window_->picture)); break;
+    default: break;
+    }
+    if (isEditWindowType(window_->type)) Peer::of(*client_)->apply(property);
+}
+
+void Frame::applyTo(Control& control, Property property) {
+    if (control.type == Type::Menuitem) {
+        if (property == Property::MenuItems)
+            menuChanged();
+        else if (!rebuild_)
+            updateMenuItem(control);
+        return;
+    }
+    Peer* peer = peerOf(control);
+    if (peer == nullptr) return;
+    QWidget& widget = *peer->widget();
+    switch (property) {
+    case Property::Enabled: widget.setEnabled(control.enabled); break;
+    case Property::Visible: widget.setVisible(control.visible); break;
+    case Property::Position: placeControl(control); break;
+    case Property::Font: applyFont(widget, control.font, window_->font); break;
+    case Property::Colour: applyColours(control); break;
+    default: break;
+    }
+    peer->apply(property);
+}
+
+void Frame::placeControl(Control& control) {
+    Peer* peer = peerOf(control);
+    peer->widget()->setGeometry(rectOf(control, *peer->widget()));
+    peer->apply(Property::Position);
+}
+
+void Frame::menuChanged() {
+    if (rebuild_) return;
+    rebuild_ = true;
+    QTimer::singleShot(0, this, [this] {
+        rebuild_ = false;
+        // A menu that is open stays as it is until it closes.
+        if (QApplication::activePopupWidget() != nullptr) return menuChanged();
+        buildMenu(*bar_, *window_);
+        layOut();
+    });
+}
+
+// ---- position
+// -------------------------------------------------------------------------------------------------------
+
+int Frame::barHeight() const {
+    if (window_->menuItems.empty()) return 0;
+    const int height = bar_->heightForWidth(std::max(width(), 1));
+    return height > 0 ? height : bar_->sizeHint().height();
+}
+
+Rect Frame::extents() const {
+    QMargins margins = assumed_;
+    if (windowHandle() != nullptr && isVisible()) margins = windowHandle()->frameMargins();
+    const int bar = barHeight();
+    return {margins.left(), margins.top() + bar, margins.left() + margins.right(),
+            margins.top() + margins.bottom() + bar};
+}
+
+bool Frame::capped() const {
+    return window_->maximum_.w > 0 && window_->maximum_.h > 0;
+}
+
+void Frame::applyLimits() {
+    const Rect &low = window_->minimum_, &high = window_->maximum_;
+    const int bar = barHeight();
+    if (window_->borderStyle != 2) return;
+    setMinimumSize(std::max(low.w, 0), low.h > 0 ? low.h + bar : 0);
+    setMaximumSize(high.w > 0 ? std::max(high.w, low.w) : QWIDGETSIZE_MAX,
+                   high.h > 0 ? std::max(high.h, low.h) + bar : QWIDGETSIZE_MAX);
+}
+
+void Frame::place() {
+    if (window_->state != 0 && seen_) return;
+    applyLimits();
+    const Rect margins = extents();
+    const Rect& frame = window_->position;
+    const int bar = barHeight();
+    const QSize size(std::max(frame.w - margins.w, 1), std::max(frame.h - margins.h, 0) + bar);
+    if (window_->borderStyle == 2)
+        resize(size);
+    else
+        setFixedSize(size);
+    move(frame.x, frame.y);
+    layOut();
+}
+
+void Frame::layOut() {
+    const int bar = barHeight();
+    bar_->setGeometry(0, 0, width(), bar);
+    client_->setGeometry(0, bar, width(), std::max(height() - bar, 0));
+    if (isEditWindowType(window_->type)) Peer::of(*client_)->widget()->setGeometry(client_->rect());
+}
+
+void Frame::maximiseWithin() {
+    const Flag quiet(applying_);
+    if (!large_) normal_ = geometry();
+    large_ = true;
+    showNormal();
+    const Rect& to = window_->maximum_;
+    const QRect room = screen()->availableGeometry();
+    const Rect margins = extents();
+    const int bar = barHeight();
+    resize(std::min(to.w, room.width() - margins.w), std::min(to.h + bar, room.height() - margins.h + bar));
+    move(to.x, to.y);
+}
+
+void Frame::applyState() {
+    const int state = window_->state;
+    if (state == 2 && capped()) return maximiseWithin();
+    if (state == 0 && large_) {
+        large_ = false;
+        setGeometry(normal_);
+    }
+    if (!seen_) return;
+    const Qt::WindowStates wanted = state == 1   ? Qt::WindowMinimized
+                                    : state == 2 ? Qt::WindowMaximized
+                                                 : Qt::WindowNoState;
+    if (isVisible()) setWindowState((windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized)) | wanted);
+}
+
+void Frame::report() {
+    if (applying_ || !isVisible() || window_->closing) return;
+    const int state = isMinimized() ? 1 : isMaximized() || large_ ? 2 : 0;
+    const QRect frame = frameGeometry();
+    const Rect now =
+        state == 1 ? window_->position : Rect{frame.x(), frame.y(), frame.width(), frame.height()};
+    if (now == window_->position && state == window_->state) return;
+    userMoved(*window_, now, state);
+}
+
+// The width of the frame is known only once the window system has drawn it. A window as its resources made it
+// keeps its client area, since its controls were measured for that; one that was given a place keeps its
+// frame.
+void Frame::settle() {
+    if (windowHandle() == nullptr || !isVisible()) return;
+    const QMargins margins = windowHandle()->frameMargins();
+    const bool news = margins != assumed_;
+    const QSize before(window_->position.w - assumed_.left() - assumed_.right(),
+                       window_->position.h - assumed_.top() - assumed_.bottom() - barHeight());
+    assumed_ = knownMargins(window_->borderStyle) = margins;
+    if (news && window_->state == 0 && !isMaximized() && !large_) {
+        const Flag quiet(applying_);
+        if (before == QSize(first_.w, first_.h)) {
+            window_->position.w += margins.left() + margins.right();
+            window_->position.h += margins.top() + margins.bottom();
+        }
+        place();
+    }
+    report();
+}
+
+// ---- showing
+// --------------------------------------------------------------------------------------------------------
+
+void Frame::applyModality() {
+    const Qt::WindowModality wanted = window_->modal ? Qt::ApplicationModal : Qt::NonModal;
+    if (windowModality() != wanted && !isVisible()) setWindowModality(wanted);
+    Frame* below = frameOfWidget(QApplication::activeWindow());
+    winId();
+    if (window_->owned && !window_->modal)
+        if (const Window* main = findWindow(Object("Main")); main != nullptr) below = frameOf(*main);
+    const bool owned = (window_->modal || window_->owned) && below != nullptr && below != this;
+    windowHandle()->setTransientParent(owned ? below->windowHandle() : nullptr);
+    if (!window_->modal || seen_ || window_->position.x != 0 || window_->position.y != 0) return;
+    // A dialog that says nothing of its place opens over the window it belongs to.
+    const QRect over = below != nullptr ? below->frameGeometry() : screen()->availableGeometry();
+    QRect mine(QPoint(), size());
+    mine.moveCenter(over.center());
+    const QRect room = screen()->availableGeometry();
+    mine.moveLeft(std::clamp(mine.left(), room.left(), std::max(room.left(), room.right() - mine.width())));
+    mine.moveTop(std::clamp(mine.top(), room.top(), std::max(room.top(), room.bottom() - mine.height())));
+    window_->position.x = mine.x();
+    window_->position.y = mine.y();
+    move(mine.topLeft());
+}
+
+void Frame::bringUp() {
+    const bool first = !isVisible();
+    {
+        const Flag quiet(applying_);
+        applyModality();
+        if (window_->state == 1 && first) window_->state = 0;
+        if (isMinimized()) showNormal();
+        if (window_->state == 2 && !capped() && first)
+            showMaximized();
+        else
+            show();
+        seen_ = true;
+    }
+    raise();
+    activateWindow();
+    if (first) focusFirst();
+}
+
+void Frame::focusFirst() {
+    if (isEditWindowType(window_->type)) return Peer::of(*client_)->focusWidget()->setFocus();
+    if (focusWidget() != nullptr && focusWidget() != this) return;
+    for (const auto& control : window_->controls) {
+        if (!control->visible || !control->enabled || !control->tabStop || !takesFocus(*control)) continue;
+        if (control->type == Type::Radiobutton && control->value == 0 && !control->checked) continue;
+        if (!window_->menuItems.empty() && isButton(control->type)) continue;
+        QWidget* widget = peerOf(*control)->focusWidget();
+        widget->setFocus(Qt::TabFocusReason);
+        return;
+    }
+    setFocus();
+}
+
+void Frame::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    layOut();
+    QTimer::singleShot(60, this, [this] { settle(); });
+}
+
+void Frame::closeEvent(QCloseEvent* event) {
+    event->ignore();  // the model decides, and hides or destroys the frame itself
+    if (!takesInput(*window_)) return;
+    const QPointer<Frame> self(this);
+    userClose(*window_);
+}
+
+void Frame::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    report();
+}
+
+void Frame::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    layOut();
+    report();
+}
+
+void Frame::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange || applying_) return;
+    if (!isMaximized() || !capped()) return report();
+    // The window system has taken the whole screen: shrink to the largest position, or go back from it.
+    QTimer::singleShot(0, this, [this] {
+        if (!isMaximized()) return;
+        if (large_) {
+            const Flag quiet(applying_);
+            large_ = false;
+            showNormal();
+            setGeometry(normal_);
+        } else {
+            maximiseWithin();
+        }
+        report();
+    });
+}
+
+// ---- keys
+// -----------------------------------------------------------------------------------------------------------
+
+Control* Frame::controlOf(const QWidget* widget) const {
+    for (; widget != nullptr && widget != this; widget = widget->parentWidget())
+        for (const auto& control : window_->controls)
+            if (const Peer* peer = peerOf(*control); peer != nullptr && peer->widget() == widget)
+                return control.get();
+    return nullptr;
+}
+
+void Frame::release() {
+    const Flag quiet(applying_);
+    for (const auto& control : window_->controls) {
+        if (Peer* peer = peerOf(*control); peer != nullptr) peer->release();
+        control->widget = nullptr;
+    }
+    for (const auto& item : window_->menuItems) item->widget = nullptr;
+    if (isEditWindowType(window_->type)) Peer::of(*client_)->release();
+    window_->widget = nullptr;
+}
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A window of the model on the screen: menu bar, client area and its controls at the places that the model
+// gives. It reports moves, changes of state and the wish to close; it decides nothing.
+#pragma once
+
+#include "platform/model/model.h"
+
+#include <QPointer>
+#include <QWidget>
+
+class QMenuBar;
+
+namespace tarn::platform::qt {
+
+class Peer;
+
+class Frame : public QWidget {
+public:
+    explicit Frame(Window& window);
+    ~Frame() override;
+
+    [[nodiscard]] Window& window() const { return *window_; }
+    [[nodiscard]] QMenuBar& bar() const { return *bar_; }
+    void apply(Property property);                      // of the window itself
+    void applyTo(Control& control, Property property);  // of one of its controls
+    void bringUp();                                     // shows, raises and activates
+    void menuChanged();                                 // items came or went; rebuilt once for a burst
+    [[nodiscard]] Rect extents() const;                 // see View::frameExtents
+    [[nodiscard]] Control* controlOf(const QWidget* widget) const;  // null: the window itself
+    void release();                                                 // before the model's window goes
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void makeControls();
+    void nameControls();
+    void orderTabs();
+    void place();  // the model's position and limits to the screen
+    void placeControl(Control& control);
+    void layOut();
+    void applyState();
+    void applyLimits();
+    void applyTitle();
+    void applyModality();
+    void applyColours(Control& control);
+    void maximiseWithin();              // to the largest position, which may be less than the screen
+    void report();                      // the frame's place, if it is news to the model
+    void settle();                      // after the window system has told how wide the frame is
+    [[nodiscard]] bool capped() const;  // has a largest position
+    [[nodiscard]] int barHeight() const;
+    void focusFirst();
+
+    Window* window_;
+    QMenuBar* bar_;
+    QWidget* client_;
+    QRect normal_;           // where a window at its largest position came from
+    bool large_ = false;     // at its largest position
+    bool applying_ = false;  // what happens now is the model's doing
+    bool rebuild_ = false;
+    bool seen_ = false;
+    Rect first_;        // where the resources put the window: position, and size of the client area
+    QMargins assumed_;  // of the frame, while the window system has not told
+};
+
+Frame* frameOf(const Window& window);         // null if it has none
+Frame* frameOfWidget(const QWidget* widget);  // the frame that holds it; null if none does
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/keys.h"
+
+#include <QAbstractItemView>
+#include <QAbstractScrollArea>
+#include <QAbstractSlider>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+constexpr int Ctrl = 0x1000, Shift = 0x2000, Alt = 0x4000, KeyMask = 0xFFF;
+
+struct Pair {
+    int qt, model;
+};
+constexpr Pair Named[] = {
+    {Qt::Key_Backspace, 8}, {Qt::Key_Tab, 9},     {Qt::Key_Backtab, 9}, {Qt::Key_Return, 13},
+    {Qt::Key_Enter, 13},    {Qt::Key_Escape, 27}, {Qt::Key_Space, 32},  {Qt::Key_PageUp, 33},
+    {Qt::Key_PageDown, 34}, {Qt::Key_End, 35},    {Qt::Key_Home, 36},   {Qt::Key_Left, 37},
+    {Qt::Key_Up, 38},       {Qt::Key_Right, 39},  {Qt::Key_Down, 40},   {Qt::Key_Insert, 45},
+    {Qt::Key_Delete, 46},
+};
+
+bool isText(const QWidget& widget) {
+    if (const auto* box = qobject_cast<const QComboBox*>(&widget)) return box->isEditable();
+    return qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+           qobject_cast<const QPlainTextEdit*>(&widget) != nullptr || widget.inherits("QsciScintillaBase");
+}
+
+bool isList(const QWidget& widget) {
+    return qobject_cast<const QAbstractItemView*>(&widget) != nullptr ||
+           qobject_cast<const QComboBox*>(&widget) != nullptr ||
+           qobject_cast<const QAbstractSlider*>(&widget) != nullptr ||
+           qobject_cast<const QRadioButton*>(&widget) != nullptr;
+}
+
+bool isArrow(int key) {
+    return key >= Qt::Key_Left && key <= Qt::Key_Down;
+}
+
+bool textNeeds(int shortcut) {
+    static constexpr int keys[] = {
+        Ctrl + 'A', Ctrl + 'C', Ctrl + 'V', Ctrl + 'X', Ctrl + 'Z', Ctrl + 'Y', Ctrl + Shift + 'Z', Ctrl + 45,
+        Shift + 45, Shift + 46, 45,         46,         8,          Ctrl + 8,   Ctrl + 46,
+    };
+    if (std::find(std::begin(keys), std::end(keys), shortcut) != std::end(keys)) return true;
+    const int key = shortcut & KeyMask;
+    return key >= 33 && key <= 40 && (shortcut & Alt) == 0;
+}
+
+}  // namespace
+
+int modelKey(int key) {
+    for (const auto& pair : Named)
+        if (pair.qt == key) return pair.model;
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F24) return key - Qt::Key_F1 + 112;
+    return key > 32 && key < 127 ? key : 0;
+}
+
+int modelShortcut(const QKeyEvent& event) {
+    const int key = modelKey(event.key());
+    if (key == 0) return 0;
+    const auto modifiers = event.modifiers();
+    return key + (modifiers.testFlag(Qt::ControlModifier) ? Ctrl : 0) +
+           (modifiers.testFlag(Qt::ShiftModifier) ? Shift : 0) +
+           (modifiers.testFlag(Qt::AltModifier) ? Alt : 0);
+}
+
+QString shortcutText(int shortcut) {
+    const int code = shortcut & KeyMask;
+    if (code == 0) return {};
+    int key = code >= 112 && code < 136 ? Qt::Key_F1 + code - 112 : code;
+    for (const auto& pair : Named)
+        if (pair.model == code && pair.qt != Qt::Key_Backtab && pair.qt != Qt::Key_Enter) key = pair.qt;
+    if ((shortcut & Ctrl) != 0) key |= static_cast<int>(Qt::CTRL);
+    if ((shortcut & Shift) != 0) key |= static_cast<int>(Qt::SHIFT);
+    if ((shortcut & Alt) != 0) key |= static_cast<int>(Qt::ALT);
+    return QKeySequence(key).toString(QKeySequence::NativeText);
+}
+
+bool widgetNeeds(const QWidget& focus, const QKeyEvent& event) {
+    if (isText(focus)) {
+        if (textNeeds(modelShortcut(event))) return true;
+        const bool command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
+        return !command && !event.text().isEmpty() && event.text()[0] >= u' ';
+    }
+    return isList(focus) && event.modifiers() == Qt::NoModifier &&
+           (isArrow(event.key()) || event.key() == Qt::Key_Space);
+}
+
+bool windowHears(const QWidget* focus, const QKeyEvent& event) {
+    if ((event.modifiers() & ~Qt::KeypadModifier) != 0) return false;
+    const int key = event.key();
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F12) return true;
+    if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) return true;
+    const bool text = focus != nullptr && isText(*focus);
+    if (key == Qt::Key_Delete) return !text;
+    if (key == Qt::Key_Left || key == Qt::Key_Right) {
+        // A list has no use for them itself, so trees of rows are made of them.
+        return !text && (focus == nullptr || !isList(*focus) ||
+                         qobject_cast<const QAbstractItemView*>(focus) != nullptr);
+    }
+    return isArrow(key) && !text && (focus == nullptr || !isList(*focus));
+}
+
+}  // namespace tarn::platform::qt

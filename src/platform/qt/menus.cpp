@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/menus.h"
+
+#include "platform/qt/keys.h"
+#include "platform/qt/pictures.h"
+#include "platform/qt/texts.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+
+#include <vector>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+bool isSeparator(const Control& item) {
+    return item.caption == "-" || item.caption.empty();
+}
+
+void apply(QAction& action, const Control& item) {
+    QString text = shown(item.caption);
+    // Names of files stand in menus: their "&" has to be told from a mnemonic by whoever makes the caption.
+    if (const QString key = shortcutText(item.shortcut); !key.isEmpty() && !text.contains(u'\t'))
+        text += u'\t' + key;
+    if (action.text() != text) action.setText(text);
+    action.setCheckable(item.checked);
+    action.setChecked(item.checked);
+    action.setEnabled(item.enabled);
+    action.setVisible(item.visible);
+    if (!item.picture.empty()) action.setIcon(iconOf(item.picture));
+    if (!item.hint.empty()) action.setStatusTip(shown(item.hint));
+}
+
+// The control of an action may be gone by the time it is triggered, so the action knows its name only.
+void pick(const Object& object) {
+    Control* item = findControl(object);
+    if (item == nullptr || !item->enabled) return;
+    userCommand(*item);
+    if (Control* still = findControl(object); still != nullptr && still->widget != nullptr)
+        updateMenuItem(*still);
+}
+
+QAction* addItem(QMenu& menu, Control& item) {
+    if (isSeparator(item)) {
+        QAction* line = menu.addSeparator();
+        line->setVisible(item.visible);
+        return line;
+    }
+    QAction* action = menu.addAction(QString());
+    QObject::connect(action, &QAction::triggered, action, [object = item.object] { pick(object); });
+    return action;
+}
+
+}  // namespace
+
+void buildMenu(QMenuBar& bar, Window& window) {
+    for (QAction* old : bar.actions()) {
+        bar.removeAction(old);
+        if (QMenu* menu = old->menu(); menu != nullptr)
+            menu->deleteLater();
+        else
+            old->deleteLater();
+    }
+    std::vector<QMenu*> open;  // the menu at each level
+    const auto& items = window.menuItems;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        Control& item = *items[i];
+        const auto level = static_cast<std::size_t>(std::max(item.level, 1));
+        const bool parent = level == 1 || (i + 1 < items.size() && items[i + 1]->level > item.level);
+        open.resize(std::min(open.size(), level - 1));
+        QAction* action = nullptr;
+        if (parent) {
+            auto* menu = new QMenu(&bar);
+            action = open.empty() ? bar.addMenu(menu) : open.back()->addMenu(menu);
+            open.push_back(menu);
+        } else if (!open.empty()) {
+            action = addItem(*open.back(), item);
+        }
+        if (action == nullptr) continue;
+        item.widget = action;
+        if (!action->isSeparator()) apply(*action, item);
+    }
+    bar.setVisible(!items.empty());
+}
+
+void updateMenuItem(Control& item) {
+    if (auto* action = static_cast<QAction*>(item.widget); action != nullptr) {
+        if (action->isSeparator() == isSeparator(item) && !action->isSeparator())
+            apply(*action, item);
+        else
+            action->setVisible(item.visible);
+    }
+}
+
+Control* findShortcut(Window& window, int shortcut) {
+    if (shortcut == 0) return nullptr;
+    for (const auto& item : window.menuItems)
+        if (item->shortcut == shortcut && item->enabled && item->visible) return item.get();
+    return nullptr;
+}
+
+}  // namespace tarn::platform::qt

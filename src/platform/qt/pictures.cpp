@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/pictures.h"
+
+#include "os/files.h"
+#include "platform/qt/texts.h"
+#include "platform/resource.h"
+
+#include <QApplication>
+#include <QIconEngine>
+#include <QImage>
+#include <QPainter>
+#include <QPalette>
+#include <QPixmapCache>
+#include <QSvgRenderer>
+
+#include <algorithm>
+#include <map>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+bool isSvg(const QByteArray& bytes) {
+    return bytes.left(512).contains("<svg");
+}
+
+QByteArray qtBytes(const std::string& bytes) {
+    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
+}
+
+QByteArray fileBytes(const std::string& file) {
+    std::string bytes;
+    if (file.empty() || os::readFile(file, bytes) != os::FileError::None) return {};
+    return qtBytes(bytes);
+}
+
+std::string withSvg(const std::string& file) {
+    const auto dot = file.rfind('.');
+    const auto slash = file.rfind('/');
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return file + ".svg";
+    return file.substr(0, dot) + ".svg";
+}
+
+// Bitmaps have no transparency of their own: pure magenta stands for it.
+QImage withoutMagenta(const QImage& image) {
+    if (image.isNull() || image.hasAlphaChannel()) return image;
+    QImage result = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < result.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(result.scanLine(y));
+        std::replace(line, line + result.width(), qRgb(255, 0, 255), qRgba(0, 0, 0, 0));
+    }
+    return result;
+}
+
+// Draws SVG text, with `currentColor` being the text colour of the palette in force.
+class SvgEngine : public QIconEngine {
+public:
+    explicit SvgEngine(QByteArray bytes)
+        : bytes_(std::move(bytes)), symbolic_(bytes_.contains("currentColor")), key_(qHash(bytes_)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const qreal ratio = painter->device() != nullptr ? painter->device()->devicePixelRatioF() : 1.0;
+        painter->drawPixmap(rect, scaledPixmap(rect.size() * ratio, mode, state, 1.0));
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return scaledPixmap(size, mode, state, 1.0);
+    }
+
+    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal) override {
+        const QColor colour = colourOf(mode);
+        const QString key = QStringLiteral("tarn-svg-%1-%2-%3-%4-%5")
+                                .arg(key_)
+                                .arg(size.width())
+                                .arg(size.height())
+                                .arg(colour.rgba())
+                                .arg(int(mode));
+        QPixmap pixmap;
+        if (QPixmapCache::find(key, &pixmap)) return pixmap;
+        pixmap = draw(size, colour, mode);
+        QPixmapCache::insert(key, pixmap);
+        return pixmap;
+    }
+
+    QIconEngine* clone() const override { return new SvgEngine(*this); }
+
+private:
+    static QColor colourOf(QIcon::Mode mode) {
+        const QPalette palette = QApplication::palette();
+        if (mode == QIcon::Disabled) return palette.color(QPalette::Disabled, QPalette::ButtonText);
+        if (mode == QIcon::Selected) return palette.color(QPalette::HighlightedText);
+        return palette.color(QPalette::Active, QPalette::ButtonText);
+    }
+
+    QPixmap draw(const QSize& size, const QColor& colour, QIcon::Mode mode) const {
+        QByteArray text = bytes_;
+        if (symbolic_) text.replace("currentColor", colour.name().toLatin1());
+        QSvgRenderer renderer(text);
+        renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+        QPixmap pixmap(size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        if (!symbolic_ && mode == QIcon::Disabled) painter.setOpacity(0.4);
+        renderer.render(&painter);
+        return pixmap;
+    }
+
+    QByteArray bytes_;
+    bool symbolic_;
+    std::size_t key_;
+};
+
+QIcon iconOfBytes(const QByteArray& bytes) {
+    if (bytes.isEmpty()) return {};
+    if (isSvg(bytes)) return QIcon(new SvgEngine(bytes));
+    const QImage image = withoutMagenta(QImage::fromData(bytes));
+    return image.isNull() ? QIcon() : QIcon(QPixmap::fromImage(image));
+}
+
+}  // namespace
+
+QIcon iconOf(const std::string& picture) {
+    static std::map<std::string, QIcon> known;
+    if (picture.empty()) return {};
+    if (const auto found = known.find(picture); found != known.end()) return found->second;
+    const QIcon icon = iconOfBytes(qtBytes(PictureBytes(picture).value));
+    if (!icon.isNull()) known[picture] = icon;  // one that is missing may come later
+    return icon;
+}
+
+QIcon iconOfFile(const std::string& file) {
+    const QByteArray sharp = fileBytes(withSvg(file));
+    if (isSvg(sharp)) return QIcon(new SvgEngine(sharp));
+    const QByteArray bytes = fileBytes(file);
+    if (isSvg(bytes)) return QIcon(new SvgEngine(bytes));
+    // The file's own reader knows of the several sizes that an icon file holds.
+    return bytes.isEmpty() ? QIcon() : QIcon(shown(file));
+}
+
+QPixmap pictureOfFile(const std::string& file, qreal ratio) {
+    QByteArray bytes = fileBytes(withSvg(file));
+    if (!isSvg(bytes)) bytes = fileBytes(file);
+    QPixmap pixmap;
+    if (isSvg(bytes)) {
+        QSvgRenderer renderer(bytes);
+        pixmap = QPixmap((QSizeF(renderer.defaultSize()) * ratio).toSize());
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        renderer.render(&painter);
+    } else {
+        const QImage image = withoutMagenta(QImage::fromData(bytes));
+        if (image.isNull()) return {};
+        pixmap = QPixmap::fromImage(
+            image.scaled(image.size() * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    }
+    pixmap.setDevicePixelRatio(ratio);
+    return pixmap;
+}
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,447 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/qtview.h"
+
+#include "os/process.h"
+#include "platform/model/model.h"
+#include "platform/qt/frame.h"
+#include "platform/qt/keys.h"
+#include "platform/qt/menus.h"
+#include "platform/qt/pictures.h"
+#include "platform/qt/popups.h"
+#include "platform/qt/questions.h"
+#include "platform/qt/texts.h"
+#include "platform/qt/widgets.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QElapsedTimer>
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QScreen>
+#include <QSocketNotifier>
+#include <QStandardPaths>
+#include <QStyle>
+#include <QStyleFactory>
+#include <QUrl>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+// Qt keeps references to these for as long as the application lives.
+int argumentCount = 1;
+char programName[] = "tarnwick";
+char* arguments[] = {programName, nullptr};
+
+std::unique_ptr<QApplication> makeApplication() {
+    if (QCoreApplication::instance() != nullptr) return nullptr;
+    auto application = std::make_unique<QApplication>(argumentCount, arguments);
+    QApplication::setApplicationName(QStringLiteral("tarnwick"));
+    QApplication::setApplicationDisplayName(QString());
+    QGuiApplication::setDesktopFileName(QStringLiteral("tarnwick"));
+    // A bare X server names no style; the plain "windows" one is for machines of another time.
+    const QString style = QApplication::style()->name();
+    if (style.isEmpty() || style == u"windows") QApplication::setStyle(QStringLiteral("fusion"));
+    return application;
+}
+
+bool isInput(QEvent::Type type) {
+    switch (type) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::TouchEnd:
+    case QEvent::ContextMenu:
+    case QEvent::Drop:
+    case QEvent::DragEnter:
+    case QEvent::Close:
+    case QEvent::HoverEnter:
+    case QEvent::Enter: return true;
+    default: return false;
+    }
+}
+
+// The window whose menu holds for the whole program.
+Frame* mainFrame() {
+    static const Object name("Main");
+    if (Window* window = findWindow(name); window != nullptr) return frameOf(*window);
+    return nullptr;
+}
+
+QFont fontOf(const Control& control) {
+    const Window* window = findWindow(control.object.owner());
+    const Font& font = control.font == Font{} && window != nullptr ? window->font : control.font;
+    const bool editor = isEditWindowType(control.type);
+    const QFont base = editor ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : QApplication::font();
+    return font == Font{} ? base : qtFont(font, base);
+}
+
+class Depth {
+public:
+    explicit Depth(int& depth) : depth_(depth) { ++depth_; }
+    ~Depth() { --depth_; }
+    Depth(const Depth&) = delete;
+    Depth& operator=(const Depth&) = delete;
+
+private:
+    int& depth_;
+};
+
+}  // namespace
+
+QtView::QtView() : application_(makeApplication()) {
+    QApplication::setQuitOnLastWindowClosed(false);
+    qApp->installEventFilter(this);
+    connect(&idleTimer_, &QTimer::timeout, this, [this] {
+        if (idle_) idle_();
+    });
+    connect(qApp, &QGuiApplication::focusWindowChanged, this,
+            [this] { QTimer::singleShot(0, this, [this] { activated(); }); });
+}
+
+QtView::~QtView() {
+    closeQuestions();
+    for (const auto& window : windows())
+        if (frameOf(*window) != nullptr) unload(*window);
+    splash_.reset();
+    progress_.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    if (qApp != nullptr) qApp->removeEventFilter(this);
+}
+
+// ---- windows
+// --------------------------------------------------------------------------------------------------------
+
+void QtView::load(Window& window) {
+    if (frameOf(window) == nullptr) new Frame(window);
+}
+
+void QtView::unload(Window& window) {
+    timers_.erase(window.handle);
+    for (const auto& control : window.controls) timers_.erase(control->handle);
+    Frame* frame = frameOf(window);
+    if (frame == nullptr) return;
+    const bool active = frame->isActiveWindow();
+    frame->release();
+    frame->hide();
+    if (active) activateBelow(frame);
+    frame->deleteLater();
+}
+
+void QtView::show(Window& window) {
+    if (Frame* frame = frameOf(window); frame != nullptr) frame->bringUp();
+}
+
+void QtView::hide(Window& window) {
+    Frame* frame = frameOf(window);
+    if (frame == nullptr || !frame->isVisible()) return;
+    const bool active = frame->isActiveWindow();
+    frame->hide();
+    if (active) activateBelow(frame);
+}
+
+void QtView::raise(Window& window) {
+    Frame* frame = frameOf(window);
+    if (frame == nullptr) return;
+    frame->bringUp();
+    QApplication::alert(frame);  // where the desktop does not let a program push itself forward
+}
+
+void QtView::changed(Control& control, Property property) {
+    Window* window = findWindow(control.object);
+    Frame* frame = window != nullptr ? frameOf(*window) : nullptr;
+    if (frame == nullptr) return;
+    if (&control == window)
+        frame->apply(property);
+    else
+        frame->applyTo(control, property);
+}
+
+void QtView::activateBelow(Frame* gone) {
+    std::erase_if(order_, [gone](const QPointer<Frame>& frame) { return frame.isNull() || frame == gone; });
+    for (auto frame = order_.rbegin(); frame != order_.rend(); ++frame) {
+        if (!(*frame)->isVisible() || !(*frame)->windowHandle() || !takesInput((*frame)->window())) continue;
+        (*frame)->raise();
+        (*frame)->activateWindow();
+        return;
+    }
+}
+
+void QtView::activated() {
+    Frame* frame = frameOfWidget(QApplication::activeWindow());
+    std::erase_if(order_, [](const QPointer<Frame>& other) { return other.isNull(); });
+    if (frame == nullptr || frame->window().widget == nullptr || !frame->isVisible()) return;
+    if (!order_.empty() && order_.back() == frame) return;
+    std::erase(order_, QPointer<Frame>(frame));
+    order_.emplace_back(frame);
+    userActivate(frame->window());
+}
+
+// ---- loops
+// ----------------------------------------------------------------------------------------------------------
+
+void QtView::sweep() {
+    // Widgets ask for their end from inside their own signals, which have returned only out here.
+    if (depth_ == 1) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void QtView::loop(const std::function<bool()>& until) {
+    const Depth level(depth_);
+    while (!until()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+        sweep();
+    }
+}
+
+void QtView::pump() {
+    const Depth level(depth_);
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    sweep();
+}
+
+void QtView::wait(int milliseconds, bool inputEnds) {
+    const Depth level(depth_);
+    QElapsedTimer clock;
+    clock.start();
+    input_ = false;
+    QTimer wake;
+    wake.setSingleShot(true);
+    wake.setTimerType(Qt::PreciseTimer);
+    wake.start(std::max(milliseconds, 0));
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    while (clock.elapsed() < milliseconds && !(inputEnds && input_))
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+}
+
+void QtView::setIdle(std::function<void()> idle) {
+    idle_ = std::move(idle);
+    if (idle_)
+        idleTimer_.start(0);
+    else
+        idleTimer_.stop();
+}
+
+// ---- questions
+// ------------------------------------------------------------------------------------------------------
+
+std::string QtView::ask(const Question& question) {
+    const bool busy = busy_;
+    if (busy) setBusy(false);
+    QWidget* parent = QApplication::activeWindow();
+    if (parent == nullptr && !order_.empty() && !order_.back().isNull()) parent = order_.back();
+    const QPointer<QWidget> below(parent != nullptr && parent->isVisible() ? parent : nullptr);
+    if (splash_ != nullptr) splash_->lower();
+    const std::string answer = askUser(question, below);
+    if (busy) setBusy(true);
+    if (below != nullptr && below->isVisible()) below->activateWindow();
+    return answer;
+}
+
+const Question* QtView::asking() {
+    return qt::asking();
+}
+
+bool QtView::answer(const std::string& text) {
+    return answerQuestion(text);
+}
+
+// ---- measures
+// -------------------------------------------------------------------------------------------------------
+
+int QtView::textWidth(const Control& control, std::string_view text) {
+    return QFontMetrics(fontOf(control)).horizontalAdvance(shown(text));
+}
+
+int QtView::textHeight(const Control& control, std::string_view text) {
+    const int lines = 1 + static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+    return QFontMetrics(fontOf(control)).height() * lines;
+}
+
+Rect QtView::screen() {
+    const QWidget* active = QApplication::activeWindow();
+    const QScreen* screen = active != nullptr ? active->screen() : QGuiApplication::primaryScreen();
+    if (screen == nullptr) return {0, 0, 1024, 768};
+    const QRect area = screen->availableGeometry();
+    return {area.x(), area.y(), area.width(), area.height()};
+}
+
+Rect QtView::frameExtents(const Window& window) {
+    const Frame* frame = frameOf(window);
+    return frame != nullptr ? frame->extents() : Rect{};
+}
+
+int QtView::dpi() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen != nullptr ? static_cast<int>(screen->logicalDotsPerInch()) : 96;
+}
+
+// ---- system
+// ---------------------------------------------------------------------------------------------------------
+
+void QtView::sound() {
+    QApplication::beep();
+}
+
+void QtView::playSound(const std::string& file) {
+    for (const char* player : {"paplay", "aplay"}) {
+        const QString path = QStandardPaths::findExecutable(QString::fromLatin1(player));
+        if (path.isEmpty()) continue;
+        os::StartRequest request;
+        request.program = path.toStdString();
+        request.arguments = {file};
+        os::StartError error{};
+        // The child plays on by itself; nobody waits for its end.
+        static std::unique_ptr<os::Child> playing;
+        playing = os::processes().start(request, error);
+        return;
+    }
+}
+
+void QtView::setIcon(const std::string& file) {
+    const QIcon icon = iconOfFile(file);
+    if (!icon.isNull()) QApplication::setWindowIcon(icon);
+}
+
+void QtView::setBusy(bool busy) {
+    if (busy == busy_) return;
+    busy_ = busy;
+    if (busy)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
+}
+
+void QtView::setTimer(Control& owner, int milliseconds) {
+    timers_.erase(owner.handle);
+    if (milliseconds <= 0) return;
+    auto timer = std::make_unique<QTimer>();
+    // The timer may be replaced or stopped by what it calls, so it knows the control by name only.
+    connect(
+        timer.get(), &QTimer::timeout, this,
+        [object = owner.object] {
+            if (Control* control = findControl(object); control != nullptr) timerFired(*control);
+        },
+        Qt::QueuedConnection);
+    timer->start(milliseconds);
+    timers_[owner.handle] = std::move(timer);
+}
+
+void QtView::openUrl(const std::string& url) {
+    QDesktopServices::openUrl(QUrl(shown(url)));
+}
+
+void QtView::toolProgress(const std::string& text) {
+    if (progress_ == nullptr && text.empty()) return;
+    if (progress_ == nullptr) progress_ = std::make_unique<ToolProgress>();
+    progress_->setText(text);
+}
+
+bool QtView::toolStopPressed() {
+    return progress_ != nullptr && progress_->stopPressed();
+}
+
+void QtView::showSplash(const std::string& picture, const std::vector<std::string>& lines) {
+    splash_ = std::make_unique<Splash>(picture, lines);
+    splash_->show();
+    splash_->raise();
+    pump();
+}
+
+void QtView::closeSplash() {
+    splash_.reset();
+}
+
+void QtView::watch(int descriptor, std::function<void()> ready) {
+    watched_.clear();
+    if (descriptor < 0) return;
+    auto notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+    connect(notifier.get(), &QSocketNotifier::activated, this, [ready = std::move(ready)] {
+        const auto call = ready;  // the watch may end inside
+        call();
+    });
+    watched_[descriptor] = std::move(notifier);
+}
+
+// ---- events of the whole program
+// --------------------------------------------------------------------------------------
+
+bool QtView::eventFilter(QObject* receiver, QEvent* event) {
+    const auto type = event->type();
+    if (!isInput(type)) return false;
+    if (type == QEvent::KeyPress || type == QEvent::MouseButtonPress) input_ = true;
+    auto* widget = receiver->isWidgetType() ? static_cast<QWidget*>(receiver) : nullptr;
+    if (widget == nullptr) return false;
+    if (busy_ && frameOfWidget(widget) != nullptr) {
+        if (type == QEvent::Close) event->ignore();
+        return true;
+    }
+    return type == QEvent::KeyPress && key(receiver, *static_cast<QKeyEvent*>(event));
+}
+
+bool QtView::key(QObject* receiver, QKeyEvent& event) {
+    auto* widget = static_cast<QWidget*>(receiver);
+    Frame* frame = frameOfWidget(widget);
+    if (frame == nullptr || frame->window().widget == nullptr) return false;
+    // A key that a widget ignores climbs to its parents; it is looked at once, where it starts.
+    const QWidget* focus = frame->focusWidget();
+    if (widget != (focus != nullptr ? focus : frame)) return false;
+    const QPointer<Frame> alive(frame);
+    if (windowHears(focus, event)) {
+        Control* control = frame->controlOf(focus);
+        if (userKey(frame->window(), control, modelKey(event.key()))) return true;
+        if (alive.isNull() || frame->window().widget == nullptr) return true;
+    }
+    if (focus == nullptr || !widgetNeeds(*focus, event)) {
+        if (command(*frame, modelShortcut(event))) return true;
+        if (openMainMenu(*frame, event)) return true;
+    }
+    return false;
+}
+
+bool QtView::command(Frame& frame, int shortcut) {
+    Control* item = findShortcut(frame.window(), shortcut);
+    Frame* main = mainFrame();
+    if (item == nullptr && main != nullptr && main != &frame && takesInput(main->window()))
+        item = findShortcut(main->window(), shortcut);
+    if (item == nullptr) return false;
+    userCommand(*item);
+    return true;
+}
+
+bool QtView::openMainMenu(Frame& frame, QKeyEvent& event) {
+    Frame* main = mainFrame();
+    if (main == nullptr || main == &frame || event.modifiers() != Qt::AltModifier ||
+        !frame.window().menuItems.empty())
+        return false;
+    if (!main->isVisible() || !takesInput(main->window()) || event.key() < Qt::Key_A ||
+        event.key() > Qt::Key_Z)
+        return false;
+    const QKeySequence wanted(QKeyCombination(Qt::AltModifier, static_cast<Qt::Key>(event.key())));
+    for (QAction* action : main->bar().actions()) {
+        if (QKeySequence::mnemonic(action->text()) != wanted || !action->isEnabled()) continue;
+        main->raise();
+        main->activateWindow();
+        main->bar().setActiveAction(action);
+        return true;
+    }
+    return false;
+}
+
+}  // namespace tarn::platform::qt
+
+extern "C" __attribute__((visibility("default"))) tarn::platform::View* tarn_make_view() {
+    return new tarn::platform::qt::QtView;
+}

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The view of the object model on Qt widgets. It makes the application object when it is made itself, and
+// holds everything that is no single window's: loops, keys that go to the program as a whole, busy state,
+// timers, activation.
+#pragma once
+
+#include "platform/model/view.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <map>
+#include <memory>
+
+class QApplication;
+class QKeyEvent;
+class QSocketNotifier;
+
+namespace tarn::platform::qt {
+
+class Frame;
+class Splash;
+class ToolProgress;
+
+class QtView : public QObject, public View {
+public:
+    QtView();
+    ~QtView() override;
+
+    void load(Window& window) override;
+    void unload(Window& window) override;
+    void show(Window& window) override;
+    void hide(Window& window) override;
+    void changed(Control& control, Property property) override;
+
+    void loop(const std::function<bool()>& until) override;
+    void pump() override;
+    void wait(int milliseconds, bool inputEnds) override;
+    void setIdle(std::function<void()> idle) override;
+
+    std::string ask(const Question& question) override;
+    const Question* asking() override;
+    bool answer(const std::string& text) override;
+
+    int textWidth(const Control& control, std::string_view text) override;
+    int textHeight(const Control& control, std::string_view text) override;
+    Rect screen() override;
+    Rect frameExtents(const Window& window) override;
+    int dpi() override;
+
+    void sound() override;
+    void playSound(const std::string& file) override;
+    void setIcon(const std::string& file) override;
+    void setBusy(bool busy) override;
+    void setTimer(Control& owner, int milliseconds) override;
+    void openUrl(const std::string& url) override;
+    void toolProgress(const std::string& text) override;
+    bool toolStopPressed() override;
+    void showSplash(const std::string& picture, const std::vector<std::string>& lines) override;
+    void closeSplash() override;
+    void watch(int descriptor, std::function<void()> ready) override;
+    void raise(Window& window) override;
+
+protected:
+    // Sees every event of the program first.
+    bool eventFilter(QObject* receiver, QEvent* event) override;
+
+private:
+    bool key(QObject* receiver, QKeyEvent& event);  // true: handled
+    bool command(Frame& frame, int shortcut);       // a menu's shortcut, this window's or the main window's
+    bool openMainMenu(Frame& frame, QKeyEvent& event);  // Alt and the letter of a menu of the main window
+    void activated();                 // tells the model which window is active, if that is news
+    void activateBelow(Frame* gone);  // after a window has gone, the one before it
+    void sweep();                     // deletes what asked to be deleted, at the outermost level
+
+    std::unique_ptr<QApplication> application_;  // null if the program had made one before
+    std::function<void()> idle_;
+    QTimer idleTimer_;
+    std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
+    std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
+    std::unique_ptr<Splash> splash_;
+    std::unique_ptr<ToolProgress> progress_;
+    std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
+    int depth_ = 0;                       // loops, one inside the other
+    bool busy_ = false;
+    bool input_ = false;  // a key or a click since the wait began
+};
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,344 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/questions.h"
+
+#include "platform/qt/texts.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <vector>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+struct Open {
+    const Question* question;
+    QDialog* box;
+};
+std::vector<Open>& open() {
+    static std::vector<Open> all;
+    return all;
+}
+
+// Runs a box and keeps it in the list of open ones.
+int run(const Question& question, QDialog& box) {
+    open().push_back({&question, &box});
+    const int result = box.exec();
+    open().pop_back();
+    return result;
+}
+
+QStyle::StandardPixmap pixmapOf(BoxIcon icon) {
+    switch (icon) {
+    case BoxIcon::Warning: return QStyle::SP_MessageBoxWarning;
+    case BoxIcon::Error: return QStyle::SP_MessageBoxCritical;
+    case BoxIcon::Question: return QStyle::SP_MessageBoxQuestion;
+    default: return QStyle::SP_MessageBoxInformation;
+    }
+}
+
+// A text that can be selected. One that is too large for the screen scrolls.
+QWidget* makeText(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    label->setFocusPolicy(Qt::ClickFocus);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    label->setObjectName(QStringLiteral("text"));
+    const QSize room = parent->screen()->availableSize();
+    if (label->sizeHint().width() > room.width() * 6 / 10) {
+        label->setWordWrap(true);
+        label->setMinimumWidth(room.width() / 2);
+    }
+    const int height =
+        label->wordWrap() ? label->heightForWidth(room.width() / 2) : label->sizeHint().height();
+    if (height <= room.height() * 6 / 10) return label;
+    auto* area = new QScrollArea(parent);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(label);
+    area->setMinimumSize(label->sizeHint().width() + area->style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
+                             8,
+                         room.height() * 6 / 10);
+    return area;
+}
+
+void prepare(QDialog& box, const Question& question) {
+    box.setWindowTitle(shown(question.title));
+    box.setWindowModality(Qt::ApplicationModal);
+    box.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+}
+
+QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
+    auto* button = new QPushButton(caption, &box);
+    button->setMinimumWidth(box.fontMetrics().averageCharWidth() * 12);
+    button->setAutoDefault(true);
+    row.addWidget(button);
+    return button;
+}
+
+// ---- message
+// ----------------------------------------------------------------------------------------------------------
+
+std::string askMessage(const Question& question, QWidget* parent) {
+    QDialog box(parent);
+    prepare(box, question);
+    auto* layout = new QVBoxLayout(&box);
+    layout->setContentsMargins(16, 16, 16, 12);
+    layout->setSpacing(16);
+    auto* top = new QHBoxLayout;
+    top->setSpacing(16);
+    if (question.icon != BoxIcon::None) {
+        auto* icon = new QLabel(&box);
+        const int side = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
+        icon->setPixmap(box.style()->standardIcon(pixmapOf(question.icon), nullptr, &box).pixmap(side, side));
+        top->addWidget(icon, 0, Qt::AlignTop);
+    }
+    top->addWidget(makeText(shown(question.text), &box), 1);
+    layout->addLayout(top);
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    std::vector<std::string> captions = question.buttons;
+    if (captions.empty()) captions.emplace_back("OK");
+    std::string answer;
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+        QPushButton* button = addButton(*row, shown(captions[i]), box);
+        QObject::connect(button, &QPushButton::clicked, &box, [&, i] {
+            answer = captions[i];
+            box.accept();
+        });
+        if (static_cast<int>(i) + 1 == question.defaultButton || i == 0) {
+            button->setDefault(true);
+            button->setFocus();
+        }
+    }
+    layout->addLayout(row);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    return run(question, box) == QDialog::Accepted ? answer : std::string();
+}
+
+// ---- a line, a row
+// --------------------------------------------------------------------------------------------------------
+
+QHBoxLayout* okAndCancel(QDialog& box) {
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    QPushButton* ok = addButton(*row, QObject::tr("OK"), box);
+    ok->setDefault(true);
+    QObject::connect(ok, &QPushButton::clicked, &box, &QDialog::accept);
+    QPushButton* cancel = addButton(*row, QObject::tr("Cancel"), box);
+    cancel->setAutoDefault(false);
+    QObject::connect(cancel, &QPushButton::clicked, &box, &QDialog::reject);
+    return row;
+}
+
+QLabel* addPrompt(QVBoxLayout& layout, const Question& question, QDialog& box) {
+    auto* prompt = new QLabel(shown(question.text), &box);
+    prompt->setTextFormat(Qt::PlainText);
+    prompt->setWordWrap(prompt->sizeHint().width() > box.screen()->availableSize().width() / 2);
+    prompt->setVisible(!question.text.empty());
+    layout.addWidget(prompt);
+    return prompt;
+}
+
+std::string askLine(const Question& question, QWidget* parent) {
+    QDialog box(parent);
+    prepare(box, question);
+    auto* layout = new QVBoxLayout(&box);
+    addPrompt(*layout, question, box);
+    auto* line = new QLineEdit(shown(question.value), &box);
+    line->setMaxLength(1024);
+    line->setMinimumWidth(box.fontMetrics().averageCharWidth() * 48);
+    line->setAccessibleName(shown(question.text));
+    line->selectAll();
+    layout->addWidget(line);
+    layout->addLayout(okAndCancel(box));
+    line->setFocus();
+    if (run(question, box) != QDialog::Accepted) return {};
+    return bytesOf(line->text(), question.value);
+}
+
+void filterRows(QListWidget& list, const QString& text) {
+    QListWidgetItem* first = nullptr;
+    for (int i = 0; i < list.count(); ++i) {
+        QListWidgetItem* item = list.item(i);
+        item->setHidden(!item->text().contains(text, Qt::CaseInsensitive));
+        if (first == nullptr && !item->isHidden()) first = item;
+    }
+    if (list.currentItem() == nullptr || list.currentItem()->isHidden()) list.setCurrentItem(first);
+}
+
+// Typing narrows the rows; the arrows walk them without leaving the line.
+class FilterLine : public QLineEdit {
+public:
+    FilterLine(QListWidget& list, QWidget* parent) : QLineEdit(parent), list_(list) {}
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool walk = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down ||
+                          event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
+        if (walk)
+            QApplication::sendEvent(&list_, event);
+        else
+            QLineEdit::keyPressEvent(event);
+    }
+
+private:
+    QListWidget& list_;
+};
+
+std::string askRow(const Question& question, QWidget* parent) {
+    QDialog box(parent);
+    prepare(box, question);
+    auto* layout = new QVBoxLayout(&box);
+    addPrompt(*layout, question, box);
+    auto* list = new QListWidget(&box);
+    auto* line = new FilterLine(*list, &box);
+    line->setPlaceholderText(QObject::tr("Filter"));
+    line->setAccessibleName(QObject::tr("Filter"));
+    line->setClearButtonEnabled(true);
+    line->setVisible(question.rows.size() > 8);
+    list->setUniformItemSizes(true);
+    list->setAccessibleName(shown(question.text.empty() ? question.title : question.text));
+    for (const auto& row : question.rows) list->addItem(shown(row));
+    if (list->count() > 0) list->setCurrentRow(0);
+    list->setMinimumSize(
+        std::clamp(list->sizeHintForColumn(0) + 40, 320, box.screen()->availableSize().width() / 2),
+        std::clamp(static_cast<int>(question.rows.size()) * 24, 160, 360));
+    QObject::connect(line, &QLineEdit::textChanged, list,
+                     [list](const QString& text) { filterRows(*list, text); });
+    QObject::connect(list, &QListWidget::itemDoubleClicked, &box, &QDialog::accept);
+    layout->addWidget(line);
+    layout->addWidget(list, 1);
+    layout->addLayout(okAndCancel(box));
+    (line->isVisibleTo(&box) ? static_cast<QWidget*>(line) : list)->setFocus();
+    if (run(question, box) != QDialog::Accepted || list->currentItem() == nullptr) return {};
+    return question.rows[static_cast<std::size_t>(list->currentRow())];
+}
+
+// ---- files
+// -------------------------------------------------------------------------------------------------------------------
+
+// "Text (*.ext)|*.ext|" rows, or a bare pattern.
+QStringList filtersOf(const std::string& filter) {
+    QStringList filters;
+    const QStringList parts = shown(filter).split(u'|', Qt::SkipEmptyParts);
+    for (qsizetype i = 0; i < parts.size(); i += 2) {
+        QString text = parts[i].trimmed();
+        QString pattern = (i + 1 < parts.size() ? parts[i + 1] : text).trimmed();
+        pattern.replace(u';', u' ');
+        text = text.section(u'(', 0, 0).trimmed();
+        filters << (text.isEmpty() || text == pattern ? QObject::tr("Files") : text) +
+                       QStringLiteral(" (%1)").arg(pattern);
+    }
+    const bool all =
+        std::any_of(filters.begin(), filters.end(), [](const QString& f) { return f.endsWith(u"(*)"); });
+    if (!filters.isEmpty() && !all) filters << QObject::tr("All files") + QStringLiteral(" (*)");
+    return filters;
+}
+
+std::string askFile(const Question& question, QWidget* parent) {
+    QFileDialog box(parent, shown(question.title));
+    box.setWindowModality(Qt::ApplicationModal);
+    const bool save = question.kind == Question::Kind::SaveFile,
+               folder = question.kind == Question::Kind::Folder;
+    box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    box.setFileMode(save     ? QFileDialog::AnyFile
+                    : folder ? QFileDialog::Directory
+                             : QFileDialog::ExistingFile);
+    box.setOption(QFileDialog::ShowDirsOnly, folder);
+    if (const QStringList filters = filtersOf(question.filter); !filters.isEmpty() && !folder)
+        box.setNameFilters(filters);
+    const QFileInfo start(shown(question.value));
+    if (!question.value.empty()) {
+        const bool isFolder = start.isDir();
+        box.setDirectory(isFolder ? start.filePath() : start.path());
+        if (!isFolder && !start.fileName().contains(u'*')) box.selectFile(start.fileName());
+    }
+    if (run(question, box) != QDialog::Accepted || box.selectedFiles().isEmpty()) return {};
+    const QByteArray path = QFile::encodeName(box.selectedFiles().constFirst());
+    return {path.constData(), static_cast<std::size_t>(path.size())};
+}
+
+std::string bare(std::string_view caption) {
+    return withoutMnemonic(shown(caption)).toStdString();
+}
+
+bool press(QDialog& box, const std::string& caption) {
+    for (auto* button : box.findChildren<QPushButton*>())
+        if (bare(button->text().toStdString()) == bare(caption)) {
+            button->click();
+            return true;
+        }
+    return false;
+}
+
+bool choose(QDialog& box, const std::string& text) {
+    auto* list = box.findChild<QListWidget*>();
+    if (list == nullptr) return false;
+    const auto found = list->findItems(shown(text), Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (found.isEmpty()) return false;
+    list->setCurrentItem(found.constFirst());
+    box.accept();
+    return true;
+}
+
+}  // namespace
+
+std::string askUser(const Question& question, QWidget* parent) {
+    switch (question.kind) {
+    case Question::Kind::Message: return askMessage(question, parent);
+    case Question::Kind::Input: return askLine(question, parent);
+    case Question::Kind::List: return askRow(question, parent);
+    default: return askFile(question, parent);
+    }
+}
+
+const Question* asking() {
+    return open().empty() ? nullptr : open().back().question;
+}
+
+bool answerQuestion(const std::string& text) {
+    if (open().empty()) return false;
+    const auto [question, box] = open().back();
+    if (text.empty()) {
+        box->reject();
+        return true;
+    }
+    if (question->kind == Question::Kind::Message) return press(*box, text);
+    if (question->kind == Question::Kind::List) return choose(*box, text);
+    if (auto* files = qobject_cast<QFileDialog*>(box); files != nullptr) {
+        files->selectFile(shown(text));
+        auto* line = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (line != nullptr) line->setText(shown(text));
+        QMetaObject::invokeMethod(files, "accept");
+        return true;
+    }
+    auto* line = box->findChild<QLineEdit*>();
+    line->setText(shown(text));
+    box->accept();
+    return true;
+}
+
+void closeQuestions() {
+    for (auto i = open().rbegin(); i != open().rend(); ++i) i->box->reject();
+}
+
+}  // namespace tarn::platform::qt

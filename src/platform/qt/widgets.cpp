@@ -1,0 +1,604 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/widgets.h"
+
+#include "platform/qt/pictures.h"
+#include "platform/qt/textpeers.h"
+#include "platform/qt/texts.h"
+
+#include <QAbstractListModel>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QStyledItemDelegate>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+// The rows of a control, read where they stand.
+class RowModel : public QAbstractListModel {
+public:
+    RowModel(Control& control, QObject* parent) : QAbstractListModel(parent), control_(&control) {}
+    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : count_; }
+    QVariant data(const QModelIndex& index, int role) const override {
+        const auto row = static_cast<std::size_t>(index.row());
+        if (!index.isValid() || control_ == nullptr || row >= control_->rows.size()) return {};
+        if (role == Qt::DisplayRole || role == Qt::EditRole) return shown(control_->rows[row].text);
+        if (role == Qt::DecorationRole && !control_->rows[row].picture.empty())
+            return iconOf(control_->rows[row].picture);
+        return {};
+    }
+    void refresh() {
+        beginResetModel();
+        count_ = static_cast<int>(control_->rows.size());
+        endResetModel();
+    }
+    void detach() {
+        control_ = nullptr;
+        beginResetModel();
+        count_ = 0;
+        endResetModel();
+    }
+
+private:
+    Control* control_;
+    int count_ = 0;
+};
+
+bool isOn(const Control& control) {
+    return control.checked || control.value != 0;
+}
+
+// Finishes a row's choice: reports it only if it is news to the model.
+void reportRow(Control& control, int row) {
+    if (row != control.listIndex) userRow(control, row);
+}
+
+class RowsView : public QListView {
+public:
+    explicit RowsView(QWidget* parent) : QListView(parent) {
+        setUniformItemSizes(true);
+        setEditTriggers(NoEditTriggers);
+        setHorizontalScrollMode(ScrollPerPixel);
+    }
+    std::function<void(QPoint)> doubleClicked;
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        QListView::mouseDoubleClickEvent(event);
+        if (event->button() == Qt::LeftButton && doubleClicked) doubleClicked(event->pos());
+    }
+};
+
+// Rows in which TAB parts columns, each column as wide as its widest cell among the first rows.
+class ColumnDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void measure(const std::vector<Row>& rows, const QFontMetrics& metrics) {
+        constexpr std::size_t sample = 500;
+        widths_.clear();
+        for (std::size_t i = 0; i < std::min(rows.size(), sample); ++i) {
+            const QStringList cells = shown(rows[i].text).split(u'\t');
+            for (qsizetype c = 0; c + 1 < cells.size(); ++c) {
+                if (static_cast<std::size_t>(c) >= widths_.size()) widths_.push_back(0);
+                int& width = widths_[static_cast<std::size_t>(c)];
+                width = std::max(width, metrics.horizontalAdvance(cells[c]) + 2 * metrics.averageCharWidth());
+            }
+        }
+    }
+    void paint(QPainter* painter, const QStyleOptionViewItem& given,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem option = given;
+        initStyleOption(&option, index);
+        const QStringList cells = option.text.split(u'\t');
+        if (cells.size() < 2) return QStyledItemDelegate::paint(painter, given, index);
+        option.text.clear();
+        const QStyle& style = *option.widget->style();
+        style.drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
+        option.text = QStringLiteral("x");
+        QRect place = style.subElementRect(QStyle::SE_ItemViewItemText, &option, option.widget);
+        place.adjust(3, 0, -3, 0);
+        const bool marked = option.state.testFlag(QStyle::State_Selected);
+        painter->setPen(option.palette.color(marked ? QPalette::HighlightedText : QPalette::Text));
+        for (qsizetype c = 0; c < cells.size(); ++c) {
+            painter->drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, cells[c]);
+            if (static_cast<std::size_t>(c) < widths_.size())
+                place.setLeft(place.left() + widths_[static_cast<std::size_t>(c)]);
+        }
+    }
+
+private:
+    std::vector<int> widths_;
+};
+
+class RowsPeer : public Peer {
+public:
+    RowsPeer(Control& control, RowsView& list)
+        : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
+        list.setModel(rows_);
+        if (control.type == Type::Iconlist) list.setIconSize({20, 20});
+        if (control.useTabStops) list.setItemDelegate(columns_ = new ColumnDelegate(&list));
+        list.doubleClicked = [this](QPoint at) {
+            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+        };
+        // The focus alone makes a row current, but only a choice selects it.
+        connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+                [this](const QItemSelection& now) {
+                    if (!quiet_ && control_ != nullptr && !now.isEmpty())
+                        reportRow(*control_, now.first().top() + 1);
+                });
+    }
+
+    void apply(Property property) override {
+        if (property != Property::Rows && property != Property::ListIndex) return;
+        quiet_ = true;
+        if (property == Property::Rows) refreshInPlace();
+        const QModelIndex row = rows_->index(control_->listIndex - 1);
+        if (control_->listIndex > 0)
+            list_.setCurrentIndex(row);
+        else
+            list_.selectionModel()->clear();
+        quiet_ = false;
+    }
+
+    void letGo() override {
+        quiet_ = true;
+        rows_->detach();
+    }
+
+private:
+    void refreshInPlace() {
+        const int top = list_.verticalScrollBar()->value();
+        if (columns_ != nullptr) columns_->measure(control_->rows, list_.fontMetrics());
+        rows_->refresh();
+        list_.verticalScrollBar()->setValue(top);
+    }
+
+    RowsView& list_;
+    RowModel* rows_;
+    ColumnDelegate* columns_ = nullptr;
+    bool quiet_ = false;
+};
+
+// Style 1 is a line with a list to drop down, style 2 the list alone.
+class DropPeer : public Peer {
+public:
+    DropPeer(Control& control, QComboBox& box)
+        : Peer(control, box), box_(box), rows_(new RowModel(control, &box)) {
+        box.setEditable(control.comboStyle != 2);
+        box.setInsertPolicy(QComboBox::NoInsert);
+        box.setModel(rows_);
+        if (box.isEditable()) {
+            box.setCompleter(nullptr);
+            takeStore(control, makeLineStore(*box.lineEdit()));
+            connect(box.lineEdit(), &QLineEdit::textEdited, this, [this] {
+                if (control_ != nullptr) userChange(*control_);
+            });
+        }
+        connect(&box, &QComboBox::activated, this, [this](int row) {
+            if (control_ != nullptr) userRow(*control_, row + 1);
+        });
+    }
+
+    void apply(Property property) override {
+        const QSignalBlocker quiet(&box_);
+        if (property == Property::MaxLength && box_.isEditable())
+            box_.lineEdit()->setMaxLength(control_->maxLength > 0 ? control_->maxLength : 32767);
+        if (property == Property::Rows) refresh();
+        if (property == Property::ListIndex) choose();
+    }
+    void letGo() override {
+        if (box_.isEditable()) giveBackText(*control_);
+        const QSignalBlocker quiet(&box_);
+        rows_->detach();
+    }
+
+private:
+    void refresh() {
+        const QString typed = box_.isEditable() ? box_.lineEdit()->text() : QString();
+        rows_->refresh();
+        choose();
+        if (box_.isEditable()) keepLine(typed);
+    }
+    void choose() {
+        const QString typed = box_.isEditable() ? box_.lineEdit()->text() : QString();
+        box_.setCurrentIndex(control_->listIndex - 1);
+        // The model says itself when a row's text goes into the line.
+        if (box_.isEditable()) keepLine(typed);
+    }
+    void keepLine(const QString& text) {
+        const QSignalBlocker quiet(box_.lineEdit());
+        if (box_.lineEdit()->text() != text) box_.lineEdit()->setText(text);
+    }
+
+    QComboBox& box_;
+    RowModel* rows_;
+};
+
+// Style 0: a line above a list that is always there.
+class SimpleComboPeer : public Peer {
+public:
+    SimpleComboPeer(Control& control, QWidget& holder)
+        : Peer(control, holder), line_(new QLineEdit(&holder)), list_(new RowsView(&holder)),
+          rows_(new RowModel(control, &holder)) {
+        auto* layout = new QVBoxLayout(&holder);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(0);
+        layout->addWidget(line_);
+        layout->addWidget(list_);
+        list_->setModel(rows_);
+        holder.setFocusProxy(line_);
+        takeStore(control, makeLineStore(*line_));
+        connect(line_, &QLineEdit::textEdited, this, [this] {
+            if (control_ != nullptr) userChange(*control_);
+        });
+        list_->doubleClicked = [this](QPoint at) {
+            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+        };
+        connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+                [this](const QItemSelection& now) {
+                    if (!quiet_ && control_ != nullptr && !now.isEmpty())
+                        reportRow(*control_, now.first().top() + 1);
+                });
+    }
+    void apply(Property property) override {
+        quiet_ = true;
+        if (property == Property::Rows) rows_->refresh();
+        if (property == Property::Rows || property == Property::ListIndex) {
+            if (control_->listIndex > 0)
+                list_->setCurrentIndex(rows_->index(control_->listIndex - 1));
+            else
+                list_->selectionModel()->clear();
+        }
+        quiet_ = false;
+    }
+    QWidget* focusWidget() override { return line_; }
+    void letGo() override {
+        giveBackText(*control_);
+        quiet_ = true;
+        rows_->detach();
+    }
+
+private:
+    QLineEdit* line_;
+    RowsView* list_;
+    RowModel* rows_;
+    bool quiet_ = false;
+};
+
+class LabelPeer : public Peer {
+public:
+    LabelPeer(Control& control, QLabel& label) : Peer(control, label), label_(label) {
+        label.setTextFormat(Qt::PlainText);
+        static constexpr int frames[] = {QFrame::NoFrame, QFrame::Box | QFrame::Plain,
+                                         QFrame::Panel | QFrame::Sunken};
+        label.setFrameStyle(frames[std::clamp(control.border, 0, 2)]);
+    }
+    void apply(Property property) override {
+        if (property == Property::Caption) label_.setText(shown(control_->caption));
+        if (property == Property::Position || property == Property::Caption) wrap();
+    }
+
+private:
+    void wrap() {
+        const bool tall = control_->position.h > label_.fontMetrics().height() * 3 / 2;
+        label_.setWordWrap(tall);
+        static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
+        label_.setAlignment(sides[std::clamp(control_->alignment, 0, 2)] |
+                            (tall ? Qt::AlignTop : Qt::AlignVCenter));
+    }
+    QLabel& label_;
+};
+
+class PushPeer : public Peer {
+public:
+    PushPeer(Control& control, QPushButton& button) : Peer(control, button), button_(button) {
+        button.setAutoDefault(false);
+        button.setDefault(control.isDefault);
+        connect(&button, &QPushButton::clicked, this, [this] {
+            if (control_ != nullptr) userCommand(*control_);
+        });
+    }
+    void apply(Property property) override {
+        if (property == Property::Caption) button_.setText(shown(control_->caption));
+        if (property == Property::Picture) button_.setIcon(iconOf(control_->picture));
+    }
+
+private:
+    QPushButton& button_;
+};
+
+// A picture to press. On a toolbar it is flat and its caption only names it.
+class PicturePeer : public Peer {
+public:
+    PicturePeer(Control& control, QToolButton& button, bool flat)
+        : Peer(control, button), button_(button), flat_(flat) {
+        button.setAutoRaise(flat);
+        button.setFocusPolicy(flat ? Qt::TabFocus : Qt::StrongFocus);
+        connect(&button, &QToolButton::clicked, this, [this] {
+            if (control_ != nullptr) userCommand(*control_);
+        });
+    }
+    void apply(Property property) override {
+        if (property == Property::Caption || property == Property::Picture) dress();
+        if (property == Property::Position) {
+            const int side = std::min(control_->position.w, control_->position.h);
+            button_.setIconSize(QSize(1, 1) * std::clamp(side - 10, 16, 48));
+        }
+    }
+
+private:
+    void dress() {
+        const QIcon icon = iconOf(control_->picture);
+        button_.setIcon(icon);
+        button_.setText(shown(control_->caption));
+        const bool caption = !control_->caption.empty() && !flat_;
+        button_.setToolButtonStyle(icon.isNull() ? Qt::ToolButtonTextOnly
+                                   : caption     ? Qt::ToolButtonTextBesideIcon
+                                                 : Qt::ToolButtonIconOnly);
+    }
+    QToolButton& button_;
+    bool flat_;
+};
+
+class CheckPeer : public Peer {
+public:
+    CheckPeer(Control& control, QAbstractButton& button) : Peer(control, button), button_(button) {
+        if (control.alignment == 0) button.setLayoutDirection(Qt::RightToLeft);
+        connect(&button, &QAbstractButton::clicked, this, [this](bool on) {
+            if (control_ != nullptr) userValue(*control_, on ? 1 : 0);
+            if (control_ != nullptr) apply(Property::Checked);  // the model may have decided otherwise
+        });
+    }
+    void apply(Property property) override {
+        const QSignalBlocker quiet(&button_);
+        if (property == Property::Caption) button_.setText(shown(control_->caption));
+        if (property == Property::Checked || property == Property::Value) button_.setChecked(isOn(*control_));
+    }
+
+private:
+    QAbstractButton& button_;
+};
+
+// Radio buttons of one control array make a group; one without an array stands for itself.
+class RadioPeer : public Peer {
+public:
+    RadioPeer(Control& control, QRadioButton& button) : Peer(control, button), button_(button) {
+        button.setAutoExclusive(false);
+        if (control.alignment == 0) button.setLayoutDirection(Qt::RightToLeft);
+        if (!control.array.empty()) join(button.parentWidget());
+        connect(&button, &QRadioButton::clicked, this, [this] {
+            if (control_ != nullptr && !isOn(*control_)) userValue(*control_, 1);
+            if (control_ != nullptr) settle();
+        });
+    }
+    void apply(Property property) override {
+        if (property == Property::Caption) button_.setText(shown(control_->caption));
+        if (property == Property::Checked || property == Property::Value) settle();
+    }
+
+private:
+    void join(QWidget* parent) {
+        const QString name = QStringLiteral("radio ") + shown(control_->array).toLower();
+        group_ = parent->findChild<QButtonGroup*>(name, Qt::FindDirectChildrenOnly);
+        if (group_ == nullptr) {
+            group_ = new QButtonGroup(parent);
+            group_->setObjectName(name);
+        }
+        group_->addButton(&button_);
+    }
+    // All buttons of the group as the model has them; a group without a set button is possible.
+    void settle() {
+        if (group_ == nullptr) return set(button_, isOn(*control_));
+        group_->setExclusive(false);
+        for (QAbstractButton* button : group_->buttons())
+            if (const auto* peer = dynamic_cast<RadioPeer*>(Peer::of(*button)); peer != nullptr)
+                set(*button, isOn(peer->control()));
+        group_->setExclusive(true);
+    }
+    static void set(QAbstractButton& button, bool on) {
+        const QSignalBlocker quiet(&button);
+        button.setChecked(on);
+    }
+    QRadioButton& button_;
+    QButtonGroup* group_ = nullptr;
+};
+
+class GroupPeer : public Peer {
+public:
+    GroupPeer(Control& control, QGroupBox& box) : Peer(control, box), box_(box) {
+        box.setAttribute(Qt::WA_TransparentForMouseEvents);
+        box.lower();  // what it frames are its siblings
+    }
+    void apply(Property property) override {
+        if (property == Property::Caption) box_.setTitle(shown(control_->caption));
+    }
+
+private:
+    QGroupBox& box_;
+};
+
+bool isHorizontal(const Control& bar) {
+    return bar.alignment == 4 || (bar.alignment != 5 && bar.position.w >= bar.position.h);
+}
+
+class ScrollPeer : public Peer {
+public:
+    ScrollPeer(Control& control, QScrollBar& bar) : Peer(control, bar), bar_(bar) {
+        connect(&bar, &QScrollBar::valueChanged, this, [this](int value) {
+            if (control_ != nullptr) userValue(*control_, value);
+        });
+    }
+    void apply(Property property) override {
+        if (property != Property::Range && property != Property::Value) return;
+        const QSignalBlocker quiet(&bar_);
+        bar_.setRange(control_->minimum, std::max(control_->minimum, control_->maximum));
+        bar_.setPageStep(std::max(1, (control_->maximum - control_->minimum) / 10));
+        bar_.setValue(control_->value);
+    }
+
+private:
+    QScrollBar& bar_;
+};
+
+class ProgressPeer : public Peer {
+public:
+    ProgressPeer(Control& control, QProgressBar& bar) : Peer(control, bar), bar_(bar) {
+        bar.setTextVisible(false);
+        bar.setOrientation(isHorizontal(control) ? Qt::Horizontal : Qt::Vertical);
+    }
+    void apply(Property property) override {
+        if (property != Property::Range && property != Property::Value) return;
+        bar_.setRange(control_->minimum, std::max(control_->minimum, control_->maximum));
+        bar_.setValue(
+            std::clamp(control_->value, control_->minimum, std::max(control_->minimum, control_->maximum)));
+    }
+
+private:
+    QProgressBar& bar_;
+};
+
+// A picture as large as its place allows, in its own proportions.
+class PictureWidget : public QWidget {
+public:
+    using QWidget::QWidget;
+    QIcon icon;
+    int shape = -1;  // as in the model; -1: a picture
+    int border = 0;
+    std::function<void(QPoint)> doubleClicked;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setPen(palette().color(shape >= 0 ? QPalette::WindowText : QPalette::Mid));
+        if (shape >= 0 || border != 0) drawShape(painter);
+        if (!icon.isNull())
+            icon.paint(&painter, rect(), Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+    }
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        if (doubleClicked) doubleClicked(event->pos());
+    }
+
+private:
+    void drawShape(QPainter& painter) const {
+        const QRect edge = rect().adjusted(0, 0, -1, -1);
+        painter.setRenderHint(QPainter::Antialiasing, shape == 1 || shape == 2);
+        switch (shape) {
+        case 1: painter.drawRoundedRect(edge, 8, 8); break;
+        case 2: painter.drawEllipse(edge); break;
+        case 3: painter.drawLine(0, height() / 2, width() - 1, height() / 2); break;
+        case 4: painter.drawLine(width() / 2, 0, width() / 2, height() - 1); break;
+        default: painter.drawRect(edge); break;
+        }
+    }
+};
+
+class ImagePeer : public Peer {
+public:
+    ImagePeer(Control& control, PictureWidget& picture) : Peer(control, picture), picture_(picture) {
+        picture.shape = control.type == Type::Shape ? control.shape : -1;
+        picture.border = control.border;
+        picture.doubleClicked = [this](QPoint at) {
+            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+        };
+        if (picture.shape >= 0) picture.setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+    void apply(Property property) override {
+        if (property != Property::Picture) return;
+        picture_.icon = iconOf(control_->picture);
+        picture_.update();
+    }
+
+private:
+    PictureWidget& picture_;
+};
+
+Peer* make(Control& control, QWidget* parent, bool flat) {
+    switch (control.type) {
+    case Type::Label: return new LabelPeer(control, *new QLabel(parent));
+    case Type::Edit:
+        return control.multiline != 0 ? makeLinesPeer(control, parent) : makeLinePeer(control, parent);
+    case Type::Combobox:
+        if (control.comboStyle == 0) return new SimpleComboPeer(control, *new QWidget(parent));
+        return new DropPeer(control, *new QComboBox(parent));
+    case Type::Listbox:
+    case Type::Iconlist: return new RowsPeer(control, *new RowsView(parent));
+    case Type::Pushbutton: return new PushPeer(control, *new QPushButton(parent));
+    case Type::Bitmapbutton: return new PicturePeer(control, *new QToolButton(parent), flat);
+    case Type::Checkbox: return new CheckPeer(control, *new QCheckBox(parent));
+    case Type::Radiobutton: return new RadioPeer(control, *new QRadioButton(parent));
+    case Type::Groupbox: return new GroupPeer(control, *new QGroupBox(parent));
+    case Type::Scrollbar:
+        return new ScrollPeer(control,
+                              *new QScrollBar(isHorizontal(control) ? Qt::Horizontal : Qt::Vertical, parent));
+    case Type::Progressbar: return new ProgressPeer(control, *new QProgressBar(parent));
+    case Type::Editwindow:
+    case Type::Richeditwindow: return makeEditAreaPeer(control, parent);
+    default: return new ImagePeer(control, *new PictureWidget(parent));
+    }
+}
+
+constexpr Property All[] = {
+    Property::Caption,   Property::Picture,  Property::Rows,    Property::ListIndex,
+    Property::Range,     Property::Value,    Property::Checked, Property::Readonly,
+    Property::MaxLength, Property::Password, Property::Flags,   Property::Tokens,
+};
+
+}  // namespace
+
+Peer::Peer(Control& control, QWidget& widget) : QObject(&widget), control_(&control), widget_(&widget) {
+    widget.setProperty("peer", QVariant::fromValue(static_cast<void*>(this)));
+}
+
+Peer* Peer::of(const QWidget& widget) {
+    return static_cast<Peer*>(widget.property("peer").value<void*>());
+}
+
+Peer* makePeer(Control& control, QWidget* parent, bool flat) {
+    Peer* peer = make(control, parent, flat);
+    control.widget = peer;
+    peer->widget()->setObjectName(shown(control.name));
+    if (!control.hint.empty()) peer->widget()->setToolTip(shown(control.hint));
+    for (const Property property : All) peer->apply(property);
+    return peer;
+}
+
+Peer* peerOf(const Control& control) {
+    return control.type == Type::Menuitem ? nullptr : static_cast<Peer*>(control.widget);
+}
+
+QFont qtFont(const Font& font, const QFont& base) {
+    QFont result = base;
+    if (!font.name.empty()) result.setFamily(shown(font.name));
+    if (font.size > 0) result.setPointSize(font.size);
+    result.setBold(font.bold);
+    result.setItalic(font.italic);
+    return result;
+}
+
+void applyFont(QWidget& widget, const Font& own, const Font& inherited) {
+    const Font& font = own == Font{} ? inherited : own;
+    if (font == Font{})
+        widget.setFont(QFont());
+    else
+        widget.setFont(qtFont(font, QApplication::font(&widget)));
+}
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,463 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The edit window by itself: its library, without a model behind it.
+#include "platform/qt/editarea.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPalette>
+#include <QTest>
+#include <QWidget>
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+using namespace std::string_literals;
+
+class EditTest : public ::testing::Test, public EditEvents {
+protected:
+    void SetUp() override {
+        static void* library = dlopen(BINARY_DIR "/libtarnwick-edit.so", RTLD_NOW | RTLD_GLOBAL);
+        ASSERT_NE(library, nullptr) << dlerror();
+        const auto make = reinterpret_cast<MakeEditArea>(dlsym(library, "tarn_make_edit_area"));
+        ASSERT_NE(make, nullptr);
+        window.resize(600, 400);
+        area = make(&window, *this);
+        area->widget()->setGeometry(window.rect());
+        store = area->store();
+        area->setFlags(0);
+        window.show();
+        window.activateWindow();
+        area->textWidget()->setFocus();
+        QApplication::processEvents();
+    }
+
+    void changed() override { ++changes; }
+    void doubleClicked(QPoint) override { ++doubles; }
+    void infoAsked(QPoint) override { ++infos; }
+
+    // A key with the text that it makes.
+    void press(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent down(QEvent::KeyPress, code, modifiers, text);
+        QApplication::sendEvent(area->textWidget(), &down);
+    }
+    void type(const QString& text) {
+        for (const QChar c : text) {
+            if (c == u'\n')
+                press(Qt::Key_Return, QStringLiteral("\r"));
+            else
+                press(0, QString(c));
+        }
+    }
+    void caret(int position) { store->select(position, 0); }
+
+    // A message of the control itself, for looking at what has no other way out.
+    long ask(unsigned message, unsigned long w = 0, long l = 0) {
+        long result = 0;
+        static const auto send = reinterpret_cast<long (*)(const void*, unsigned, unsigned long, long)>(
+            dlsym(RTLD_DEFAULT, "_ZNK17QsciScintillaBase13SendScintillaEjml"));
+        if (send != nullptr) result = send(area->textWidget(), message, w, l);
+        return result;
+    }
+    int styleAt(int position) {
+        ask(4003, 0, -1);  // colourise all
+        return static_cast<int>(ask(2010, static_cast<unsigned long>(position - 1)));
+    }
+    int foreOf(int style) { return static_cast<int>(ask(2481, static_cast<unsigned long>(style))); }
+
+    QWidget window;
+    EditArea* area = nullptr;
+    std::unique_ptr<TextStore> store;
+    int changes = 0, doubles = 0, infos = 0;
+};
+
+TEST_F(EditTest, KeepsEveryByteOfAnyText) {
+    std::string all;
+    for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
+    const std::string texts[] = {
+        "",
+        "x",
+        "\n",
+        "\r",
+        "\r\n",
+        "no line end",
+        "a\nb\r\nc\rd",
+        "nul\0nul\0"s,
+        "\0"s,
+        all,
+        all + all,
+        "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
+        "\xC3",
+        "\x80\xFF\xFE",
+        "cut \xE2\x82",
+        "\xEF\xBB\xBFmark",
+        "\xC0\x80",
+        "\xED\xA0\x80",
+        std::string(100000, 'x'),
+        std::string(5000, '\n'),
+        "\t \t\n  \v\f\x1B[0m",
+    };
+    for (const auto& text : texts) {
+        store->setText(text);
+        EXPECT_EQ(store->text(), text);
+        EXPECT_EQ(store->length(), static_cast<int>(text.size()));
+        EXPECT_FALSE(store->modified());
+    }
+}
+
+TEST_F(EditTest, KeepsTheOtherBytesWhenOneIsTyped) {
+    const std::string text = "a\xFF\r\n\0b\xC3\n"s;
+    store->setText(text);
+    caret(1);
+    type(QStringLiteral("x"));
+    EXPECT_EQ(store->text(), "x" + text);
+    EXPECT_TRUE(store->modified());
+}
+
+TEST_F(EditTest, TypedLinesEndAsMostLinesOfTheFile) {
+    struct Case {
+        std::string text, end;
+    };
+    const Case cases[] = {{"a\nb\n", "\n"},          {"a\r\nb\r\n", "\r\n"}, {"a\rb\r", "\r"},
+                          {"a\r\nb\r\nc\n", "\r\n"}, {"a\nb\nc\r\n", "\n"},  {"", "\n"},
+                          {"one line", "\n"}};
+    for (const auto& [text, end] : cases) {
+        store->setText(text);
+        caret(1);
+        type(QStringLiteral("\n"));
+        EXPECT_EQ(store->text(), end + text);
+    }
+}
+
+TEST_F(EditTest, SelectionsAreBytePositionsFromOne) {
+    store->setText("a\xC3\xA9z\nend");
+    store->select(2, 2);
+    EXPECT_EQ(store->selection().start, 2);
+    EXPECT_EQ(store->selection().length, 2);
+    store->select(4, 0);
+    EXPECT_EQ(store->selection().start, 4);
+    EXPECT_EQ(store->selection().length, 0);
+    store->select(6, 3);
+    EXPECT_EQ(store->selection().start, 6);
+    EXPECT_EQ(store->selection().length, 3);
+}
+
+TEST_F(EditTest, SelectionsOutsideTheTextAreCutToIt) {
+    store->setText("abc");
+    store->select(-5, 100);
+    EXPECT_EQ(store->selection().start, 1);
+    EXPECT_EQ(store->selection().length, 3);
+    store->select(100, 5);
+    EXPECT_EQ(store->selection().start, 4);
+    EXPECT_EQ(store->selection().length, 0);
+    store->select(2, -1);
+    EXPECT_EQ(store->selection().length, 0);
+}
+
+TEST_F(EditTest, SelectingALineFarAwayScrollsToIt) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i) text += "line\n";
+    store->setText(text);
+    store->select(500 * 5 + 1, 0);
+    store->select(500 * 5 + 1, 5);
+    const long first = ask(2152);
+    EXPECT_LT(first, 500);
+    EXPECT_GT(first, 500 - ask(2370));
+}
+
+TEST_F(EditTest, ReplacingTheSelectionIsOneUndoStepAndNotReported) {
+    store->setText("one two\0three"s);
+    store->select(5, 3);
+    store->replaceSelection("2\0\xFF\r\n"s);
+    EXPECT_EQ(store->text(), "one 2\0\xFF\r\n\0three"s);
+    EXPECT_EQ(store->selection().start, 10);
+    EXPECT_EQ(store->selection().length, 0);
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    ask(2176);
+    QApplication::processEvents();
+    EXPECT_EQ(store->text(), "one two\0three"s);
+    EXPECT_FALSE(store->modified());
+    EXPECT_EQ(changes, 1) << "undoing is an edit of the user";
+}
+
+TEST_F(EditTest, SettingATextIsNoChangeAndCannotBeUndone) {
+    type(QStringLiteral("x"));
+    changes = 0;
+    store->setText("new");
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(ask(2174), 0);
+    ask(2176);
+    EXPECT_EQ(store->text(), "new");
+}
+
+TEST_F(EditTest, TellsEachTypedCharacterOnce) {
+    type(QStringLiteral("abc"));
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 3);
+    press(Qt::Key_Left);
+    press(Qt::Key_Home);
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 3);
+}
+
+TEST_F(EditTest, TheModifiedMarkCanBeSetAndTakenOff) {
+    store->setText("x");
+    store->setModified(true);
+    EXPECT_TRUE(store->modified());
+    store->setModified(false);
+    EXPECT_FALSE(store->modified());
+    type(QStringLiteral("y"));
+    EXPECT_TRUE(store->modified());
+    store->setModified(false);
+    ask(2176);
+    EXPECT_TRUE(store->modified()) << "undone beyond the saved text";
+}
+
+TEST_F(EditTest, ReadonlyTextsCannotBeTypedInButSet) {
+    area->setFlags(READONLY);
+    store->setText("x\n");
+    type(QStringLiteral("y\n"));
+    press(Qt::Key_Delete);
+    press(Qt::Key_Tab, QStringLiteral("\t"));
+    EXPECT_EQ(store->text(), "x\n");
+    store->setText("z");
+    EXPECT_EQ(store->text(), "z");
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(EditTest, IndentsANewLineAsTheOneBefore) {
+    area->setFlags(AUTOINDENT);
+    store->setText("\t  x y\n");
+    caret(6);
+    type(QStringLiteral("\n"));
+    EXPECT_EQ(store->text(), "\t  x \n\t  y\n");
+    store->setText("\tabc");
+    caret(5);
+    type(QStringLiteral("\nd"));
+    EXPECT_EQ(store->text(), "\tabc\n\td");
+    area->setFlags(0);
+    store->setText("\tabc");
+    caret(5);
+    type(QStringLiteral("\nd"));
+    EXPECT_EQ(store->text(), "\tabc\nd");
+}
+
+TEST_F(EditTest, DoesNotIndentBeyondTheCaret) {
+    area->setFlags(AUTOINDENT);
+    store->setText("    x");
+    caret(3);
+    type(QStringLiteral("\n"));
+    EXPECT_EQ(store->text(), "  \n    x");
+}
+
+TEST_F(EditTest, TabAndShiftTabMoveASelectedBlock) {
+    area->setFlags(TABSHIFT);
+    store->setText("a\n  b\n\nc\n");
+    store->select(1, 7);
+    press(Qt::Key_Tab, QStringLiteral("\t"));
+    EXPECT_EQ(store->text(), "\ta\n\t  b\n\nc\n");
+    press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+    EXPECT_EQ(store->text(), "a\n  b\n\nc\n");
+    press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+    EXPECT_EQ(store->text(), "a\nb\n\nc\n");
+}
+
+TEST_F(EditTest, WithoutBlockShiftTabReplacesTheSelection) {
+    store->setText("a\nb\nc");
+    store->select(1, 4);
+    press(Qt::Key_Tab, QStringLiteral("\t"));
+    EXPECT_EQ(store->text(), "\tc");
+}
+
+TEST_F(EditTest, OverwritesOnlyWhereThatIsAllowed) {
+    store->setText("abc");
+    caret(1);
+    press(Qt::Key_Insert);
+    type(QStringLiteral("x"));
+    EXPECT_EQ(store->text(), "xabc");
+    area->setFlags(ALLOWOVERWRITE);
+    press(Qt::Key_Insert);
+    type(QStringLiteral("y"));
+    EXPECT_EQ(store->text(), "xybc");
+    area->setFlags(0);
+    type(QStringLiteral("z"));
+    EXPECT_EQ(store->text(), "xyzbc");
+}
+
+TEST_F(EditTest, TheNumberBarGrowsWithTheText) {
+    const auto width = [this] { return ask(2243, 0); };
+    EXPECT_EQ(width(), 0);
+    area->setFlags(NUMBERBAR);
+    const long narrow = width();
+    EXPECT_GT(narrow, 0);
+    store->setText(std::string(20000, '\n'));
+    EXPECT_GT(width(), narrow);
+    store->setText("");
+    EXPECT_EQ(width(), narrow);
+}
+
+TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
+    area->setFlags(STATUSBAR);
+    store->setText("ab\ncd\n");
+    store->select(5, 0);
+    QApplication::processEvents();
+    auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
+    ASSERT_NE(bar, nullptr);
+    EXPECT_TRUE(bar->isVisible());
+    EXPECT_EQ(bar->accessibleDescription().toStdString(), "Line 2, column 2, Insert, , 6 bytes");
+    QTest::mouseClick(bar, Qt::RightButton);
+    EXPECT_EQ(infos, 1);
+    area->setFlags(0);
+    EXPECT_FALSE(bar->isVisible());
+}
+
+TEST_F(EditTest, ColoursWordsStringsAndComments) {
+    area->setFlags(HILITE);
+    area->setTokens("begin - 0xFF0000 BOLD\nEnd - 0xFF0000 BOLD\n\"' - 0x0000FF\n// ##EOL 0x008000 "
+                    "ITALIC\nrem ##EOL 0x008000\n");
+    store->setText("BEGIN x \"end\" 'it' // end\nend beginx rem_1 rem x\n\"open\nend");
+    const int plain = styleAt(7), word = styleAt(1), string = styleAt(9), comment = styleAt(20);
+    EXPECT_EQ(plain, 0);
+    EXPECT_NE(word, plain);
+    EXPECT_NE(string, word);
+    EXPECT_NE(comment, string);
+    EXPECT_EQ(styleAt(10), string) << "a word in a string";
+    EXPECT_EQ(styleAt(15), string);
+    EXPECT_EQ(styleAt(23), comment) << "a word in a comment";
+    EXPECT_EQ(styleAt(27), word);
+    EXPECT_EQ(styleAt(31), plain) << "part of a longer word";
+    EXPECT_EQ(styleAt(38), plain) << "a starter that is part of a word";
+    EXPECT_EQ(styleAt(44), styleAt(48));
+    EXPECT_NE(styleAt(44), plain);
+    EXPECT_EQ(styleAt(51), string);
+    EXPECT_EQ(styleAt(56), word) << "a string ends with its line";
+}
+
+TEST_F(EditTest, ColoursNothingWithoutTheFlagOrWithoutRules) {
+    area->setTokens("end - 0xFF0000\n");
+    store->setText("end");
+    EXPECT_EQ(styleAt(1), 0);
+    area->setFlags(HILITE);
+    EXPECT_NE(styleAt(1), 0);
+    area->setTokens("");
+    EXPECT_EQ(styleAt(1), 0);
+}
+
+TEST_F(EditTest, RulesThatAreNoneArePassedOver) {
+    area->setFlags(HILITE);
+    area->setTokens("\n - 0xFF\nx -\n##EOL\n ##EOL 0xFF\nnonsense\nend - zzz\nok - 0x0000FF\n");
+    store->setText("x nonsense ok");
+    EXPECT_EQ(styleAt(1), 0);
+    EXPECT_EQ(styleAt(3), 0);
+    EXPECT_NE(styleAt(12), 0);
+}
+
+TEST_F(EditTest, TypingRecoloursTheLine) {
+    area->setFlags(HILITE);
+    area->setTokens("end - 0x0000FF\n// ##EOL 0x008000\n");
+    store->setText("end\nend\n");
+    const int word = styleAt(1);
+    caret(1);
+    type(QStringLiteral("//"));
+    EXPECT_NE(styleAt(3), word);
+    EXPECT_EQ(styleAt(7), word);
+}
+
+TEST_F(EditTest, DarkColoursBecomeReadableOnADarkPalette) {
+    const QPalette before = QApplication::palette();
+    QPalette dark = before;
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, QColor(230, 230, 230));
+    area->setFlags(HILITE);
+    area->setTokens("end - 0x800000\n");
+    store->setText("end");
+    const int style = styleAt(1), light = foreOf(style);
+    EXPECT_EQ(light, 0x800000);
+    QApplication::setPalette(dark);
+    QApplication::processEvents();
+    const int shown = foreOf(style);
+    EXPECT_NE(shown, light);
+    const QColor colour(shown & 255, shown >> 8 & 255, shown >> 16 & 255);
+    EXPECT_GT(colour.lightness(), 90);
+    QApplication::setPalette(before);
+    QApplication::processEvents();
+    EXPECT_EQ(foreOf(style), light);
+}
+
+TEST_F(EditTest, CutAndPasteKeepsBytes) {
+    const std::string odd = "a\xFF\xC3\0z"s;
+    store->setText(odd);
+    press(Qt::Key_A, {}, Qt::ControlModifier);
+    press(Qt::Key_X, {}, Qt::ControlModifier);
+    EXPECT_EQ(store->text(), "");
+    press(Qt::Key_V, {}, Qt::ControlModifier);
+    EXPECT_EQ(store->text(), odd);
+}
+
+TEST_F(EditTest, HasANameForScreenReaders) {
+    area->setName(QStringLiteral("Code"));
+    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(area->textWidget());
+    ASSERT_NE(face, nullptr);
+    EXPECT_EQ(face->text(QAccessible::Name).toStdString(), "Code");
+    EXPECT_EQ(face->role(), QAccessible::EditableText);
+    store->setText("one\ntwo\n");
+    store->select(5, 0);
+    EXPECT_EQ(face->text(QAccessible::Value).toStdString(), "two");
+}
+
+TEST_F(EditTest, DoubleClicksAreTold) {
+    store->setText("word word");
+    QTest::mouseDClick(area->textWidget()->findChild<QWidget*>(QStringLiteral("qt_scrollarea_viewport")),
+                       Qt::LeftButton, {}, {30, 5});
+    EXPECT_EQ(doubles, 1);
+}
+
+TEST_F(EditTest, TypingAtTheEndOfALargeTextIsQuick) {
+    std::string text;
+    while (text.size() < 4'000'000) text += "if total > 10 then print \"enough\" end // of it\n";
+    area->setFlags(HILITE | NUMBERBAR | STATUSBAR | AUTOINDENT);
+    area->setTokens(
+        "if - 0x800000 BOLD\nthen - 0x800000 BOLD\nend - 0x800000\n\" - 0x0000FF\n// ##EOL 0x008000\n");
+    QElapsedTimer clock;
+    clock.start();
+    store->setText(text);
+    window.repaint();
+    QApplication::processEvents();
+    const auto loaded = clock.nsecsElapsed() / 1000;
+    clock.restart();
+    caret(static_cast<int>(text.size()) + 1);
+    QApplication::processEvents();
+    const auto jumped = clock.nsecsElapsed() / 1000;
+    std::vector<qint64> keys;
+    for (int i = 0; i < 50; ++i) {
+        clock.restart();
+        type(QStringLiteral("x"));
+        QApplication::processEvents();
+        keys.push_back(clock.nsecsElapsed() / 1000);
+    }
+    std::sort(keys.begin(), keys.end());
+    std::printf("load %lld us, jump to the end %lld us, key median %lld us, 95 of 100 %lld us\n",
+                static_cast<long long>(loaded), static_cast<long long>(jumped),
+                static_cast<long long>(keys[25]), static_cast<long long>(keys[47]));
+    EXPECT_LT(loaded, 2'000'000);
+    EXPECT_LT(keys[25], 100'000);
+}
+
+}  // namespace
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A compile in which the n-th change to the disk fails, or during which the process dies there: a failure is
+// a message, and what is left is either whole or counts as out of date.
+#include "support/steerable.h"
+#include "support/tempfolder.h"
+#include "toolchain/classes.h"
+#include "toolchain/compile.h"
+#include "toolchain/make.h"
+#include "toolchain/tools.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace tarn::toolchain {
+namespace {
+
+constexpr int MostCalls = 200;
+
+class Failure : public ::testing::Test {
+protected:
+    const std::string file_ = "/home/user/a.cls";
+    const Variable path_{"PATH", "/usr/bin"};
+    os::SteeredClock clock_;
+
+    void prepare(os::SteeredFiles& files, os::SteeredProcesses& processes) {
+        files.put("/usr/bin/cc", "program", 0755);
+        files.put(file_, "Tarnwick Class A\npublic const C = 1\nEnd class\n");
+        files.putOwner("/home/user", os::SteeredFiles::user, os::SteeredFiles::user);
+        files.putOwner(file_, os::SteeredFiles::user, os::SteeredFiles::user);
+        processes.play([this](const os::StartRequest& request) {
+            clock_.advance(1'000'000'000);
+            const auto& words = request.arguments;
+            const auto object = std::find(words.begin(), words.end(), "-o");
+            os::Played played;
+            if (!os::saveFile(*(object + 1), "object", os::Durability::Unsynced).ok()) played.code = 1;
+            static_cast<void>(os::saveFile(request.outputFile, "", os::Durability::Unsynced));
+            return played;
+        });
+    }
+    std::size_t compile() {
+        CompilerOptions options;
+        options.file = file_;
+        Messages messages;
+        compileClass(options, messages);
+        return messages.count();
+    }
+    bool outOfDate() { return isOutOfDate(findSources(file_, {}).classes[0]); }
+};
+
+TEST_F(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
+    const os::Steered clock(clock_);
+    for (int call = 1; call < MostCalls; ++call) {
+        os::SteeredFiles files;
+        os::SteeredProcesses processes;
+        const os::Steered steeredFiles(files);
+        const os::Steered steeredProcesses(processes);
+        prepare(files, processes);
+        ASSERT_EQ(compile(), 0U);
+        clock_.advance(1'000'000'000);
+        files.put(file_, "Tarnwick Class A\npublic const C = 2\nEnd class\n");
+        clock_.advance(1'000'000'000);
+        files.failAt(call, os::FileError::DiskFull);
+        const std::size_t messages = compile();
+        const bool reached = files.calls() >= call;
+        files.stopFailing();
+        EXPECT_EQ(outOfDate(), messages != 0) << "call " << call;
+        if (messages == 0) {
+            EXPECT_NE(files.contents("/home/user/a.sym").find(",2,\"\"\n"), std::string::npos) << call;
+        }
+        EXPECT_EQ(files.openHandles(), 0);
+        if (!reached) return;
+    }
+    FAIL() << "a compile takes too many calls";
+}
+
+TEST_F(Failure, AnInterruptedCompileIsDoneAgain) {
+    const os::Steered clock(clock_);
+    for (int call = 1; call < MostCalls; ++call) {
+        os::SteeredFiles files;
+        os::SteeredProcesses processes;
+        const os::Steered steeredFiles(files);
+        const os::Steered steeredProcesses(processes);
+        prepare(files, processes);
+        files.dieAt(call, true);
+        bool died = false;
+        try {
+            compile();
+        } catch (const os::ProcessDeath&) {
+            died = true;
+        }
+        if (!died) return;
+        files.revive();
+        EXPECT_TRUE(outOfDate() || files.has("/home/user/a.sym")) << call;
+        EXPECT_EQ(compile(), 0U) << "call " << call;
+        EXPECT_FALSE(outOfDate()) << "call " << call;
+    }
+    FAIL() << "a compile takes too many calls";
+}
+
+}  // namespace
+}  // namespace tarn::toolchain
