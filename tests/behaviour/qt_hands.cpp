@@ -13,7 +13,6 @@
 #include <QWidget>
 
 #include <cstdlib>
-#include <unistd.h>
 
 namespace tarn {
 namespace {
@@ -39,8 +38,10 @@ class QtHands : public Hands {
 public:
     explicit QtHands(bool onScreen) : onScreen_(onScreen) {}
 
+    // The window manager places and focuses windows in its own time, and real input goes where they are.
+    int patience() override { return onScreen_ ? 400 : 0; }
+
     bool key(const std::string& name) override {
-        if (onScreen_) settle();
         if (onScreen_) return std::system(("xdotool key --clearmodifiers '" + xName(name) + "'").c_str()) == 0;
         const QKeySequence sequence = QKeySequence::fromString(decoded(name));
         QWidget* target = keyTarget();
@@ -51,7 +52,6 @@ public:
     }
 
     bool type(const std::string& text) override {
-        if (onScreen_) settle();
         if (onScreen_) return std::system(("xdotool type --delay 5 '" + text + "'").c_str()) == 0;
         QTest::keyClicks(keyTarget(), decoded(text));
         return true;
@@ -93,9 +93,6 @@ public:
 
 private:
     bool onScreen_;
-
-    // The window manager moves the focus in its own time, and a real key goes where it is.
-    static void settle() { usleep(200'000); }
 
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {

@@ -184,6 +184,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     }
     if (answers) return open ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "expect") return expect(line) ? Outcome::Done : Outcome::NotYet;
+    const auto waited = std::chrono::steady_clock::now() - since_;
+    if (forms.at(w[0]).realInput && waited < std::chrono::milliseconds(hands_.patience())) return Outcome::NotYet;
     const auto shown = [](const Object& object) {
         const Window* window = findWindow(object);
         return window != nullptr && window->shown;

@@ -58,6 +58,7 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
 class Hands {
 public:
     virtual ~Hands() = default;
+    virtual int patience() { return 0; }  // milliseconds that a line of real input waits before it is done
     virtual bool key(const std::string& name) = 0;
     virtual bool type(const std::string& text) = 0;
     virtual bool click(const platform::Object& control) = 0;
