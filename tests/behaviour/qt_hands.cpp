@@ -1,25 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The user's hands on real widgets: buttons by their captions, keys as key events, offscreen or on a display.
+// The user's keys and mouse on real widgets: as events offscreen, through the X server on a display.
 #include "behaviour/hands.h"
 
 #include "os/process.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDialog>
-#include <QFileDialog>
 #include <QKeyEvent>
 #include <QKeySequence>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListView>
-#include <QMessageBox>
 #include <QMouseEvent>
-#include <QPixmap>
-#include <QPushButton>
-#include <QScreen>
-#include <QTimer>
 #include <QWindow>
 
 #include <cstdlib>
@@ -30,16 +20,6 @@ namespace {
 using namespace platform;
 
 QString decoded(const std::string& bytes) { return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size())); }
-std::string encoded(const QString& text) { return text.toStdString(); }
-
-// The modal question of the toolkit: a message, file, input or list box, as opposed to a dialog of the program.
-QDialog* questionDialog() {
-    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    const bool ofProgram = dialog != nullptr && findWindow(Object(encoded(dialog->objectName()))) != nullptr &&
-                           !dialog->objectName().isEmpty();
-    if (ofProgram || (dialog != nullptr && dialog->objectName() == "answered")) return nullptr;
-    return dialog;
-}
 
 // The widget that gets the keys; a program without an active window, as offscreen after a dialog, gets one.
 QWidget* keyTarget() {
@@ -73,53 +53,6 @@ void sendKey(QWidget* target, int key, Qt::KeyboardModifiers modifiers, const QS
 class QtHands : public Hands {
 public:
     explicit QtHands(bool onScreen) : onScreen_(onScreen) {}
-
-    std::optional<ShownQuestion> question() override {
-        QDialog* dialog = questionDialog();
-        if (dialog == nullptr) return std::nullopt;
-        ShownQuestion shown;
-        shown.title = encoded(dialog->windowTitle());
-        if (const auto* box = qobject_cast<QMessageBox*>(dialog)) shown.text = encoded(box->text());
-        else if (const auto* label = dialog->findChild<QLabel*>("question")) shown.text = encoded(label->text());
-        for (const QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
-            if (!button->text().isEmpty()) shown.buttons.push_back(encoded(button->text()));
-        }
-        return shown;
-    }
-
-    bool answer(const std::string& caption) override {
-        QDialog* dialog = questionDialog();
-        for (QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
-            if (encoded(button->text()) != caption || !button->isVisible()) continue;
-            QTimer::singleShot(0, button, &QAbstractButton::click);
-            settle(dialog);
-            return true;
-        }
-        return false;
-    }
-
-    bool enter(const std::string& text) override {
-        QDialog* dialog = questionDialog();
-        if (text.empty()) {
-            QTimer::singleShot(0, dialog, &QDialog::reject);
-        } else if (auto* files = qobject_cast<QFileDialog*>(dialog)) {
-            if (auto* name = files->findChild<QLineEdit*>("fileNameEdit")) name->setText(decoded(text));
-            QTimer::singleShot(0, files, [files] { QMetaObject::invokeMethod(files, "accept"); });
-        } else if (auto* list = dialog->findChild<QListView*>()) {
-            const auto found = list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, decoded(text), 1,
-                                                    Qt::MatchExactly);
-            if (found.isEmpty()) return false;
-            list->setCurrentIndex(found.front());
-            QTimer::singleShot(0, dialog, &QDialog::accept);
-        } else if (auto* line = dialog->findChild<QLineEdit*>()) {
-            line->setText(decoded(text));
-            QTimer::singleShot(0, dialog, &QDialog::accept);
-        } else {
-            return false;
-        }
-        settle(dialog);
-        return true;
-    }
 
     bool key(const std::string& name) override {
         if (onScreen_) return std::system(("xdotool key --clearmodifiers '" + xName(name) + "'").c_str()) == 0;
@@ -180,9 +113,6 @@ public:
 
 private:
     bool onScreen_;
-
-    // The next line must not take this box for its own: it waits until the box has gone.
-    static void settle(QDialog* dialog) { dialog->setObjectName("answered"); }
 
     static std::string xName(std::string name) {
         const std::pair<std::string, std::string> names[] = {

@@ -110,7 +110,7 @@ std::string dumpWindow(const Object& object) {
 
 std::string UserDriver::onScreen() const {
     std::string text;
-    if (const auto question = hands_.question()) {
+    if (const Question* question = view().asking()) {
         text += "question '" + question->title + "': " + question->text + "\n";
         for (const std::string& button : question->buttons) text += "  button '" + button + "'\n";
     }
@@ -166,7 +166,7 @@ void UserDriver::programEnded() {
 
 UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     const auto& w = line.words;
-    const bool open = hands_.question().has_value();
+    const bool open = view().asking() != nullptr;
     const bool answers = answerLines.count(w[0]) != 0;
     const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run";
     if (open && !answers && !looks) {
@@ -225,9 +225,8 @@ void UserDriver::act(const ScriptLine& line) {
     else if (what == "select") SetSelection(Object("SDIEdit"), lineOf(GetText(Object("SDIEdit")).value, std::atoi(w[1].c_str())).start, 0);
     else if (what == "dblclick") doubleClick(Object(w[1]), std::atoi(w[2].c_str()));
     else if (what == "close") userClose(*findWindow(Object(w[1])));
-    else if (what == "answer" && !hands_.answer(w[1])) at_--, fail("The question has no such button.");
-    else if (what == "choose-file" || what == "input" || what == "pick") {
-        if (!hands_.enter(w[1])) at_--, fail("The open question takes no such answer.");
+    else if (answerLines.count(what) != 0) {
+        if (!view().answer(w[1])) at_--, fail("The open question takes no such answer.");
     } else if (what == "start") startSecond(line);
     else if (what == "clock") os::clock().sleep(seconds(w[1]) * 1'000'000'000);
     else if (what == "key" && !hands_.key(w[1])) at_--, fail("There is no such key.");
@@ -330,9 +329,9 @@ bool UserDriver::expect(const ScriptLine& line) {
     if (what == "file" || what == "no-file" || what == "file-has") return expectFile(line);
     if (ended_) return false;
     if (what == "message") {
-        const auto question = hands_.question();
+        const Question* question = view().asking();
         lastSeen_ = question ? "Seen: '" + question->title + "' " + question->text : "No question is open.";
-        return question && question->title == w[2] && question->text.starts_with(w[3]);
+        return question != nullptr && question->title == w[2] && question->text.starts_with(w[3]);
     }
     if (what == "active") {
         lastSeen_ = "Active: " + ActiveWindow().window();

@@ -34,7 +34,6 @@
 #include "platform/model/view.h"
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,23 +52,14 @@ struct Script {
 };
 Script parseScript(const std::string& text, const std::string& dir, const std::string& profile);
 
-// A question as the user sees it.
-struct ShownQuestion {
-    std::string title, text;
-    std::vector<std::string> buttons;
-};
-
-// How the user reaches questions and keys: through the headless view, or through widgets.
+// What the user does beside the object model: real keys and the mouse, tools and the splash window.
 class Hands {
 public:
     virtual ~Hands() = default;
-    virtual std::optional<ShownQuestion> question() = 0;
-    virtual bool answer(const std::string& caption) = 0;  // false: there is no such button
-    virtual bool enter(const std::string& text) = 0;      // file, input and list boxes; empty cancels
     virtual bool key(const std::string& name) = 0;
     virtual bool type(const std::string& text) = 0;
     virtual bool click(const platform::Object& control) = 0;
-    virtual bool stopTool() = 0;
+    virtual bool stopTool() = 0;  // false: no tool runs that could be stopped
     virtual void endSplash() = 0;
     virtual void screenshot(const std::string& path) = 0;
 };

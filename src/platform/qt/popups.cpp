@@ -62,7 +62,8 @@ void centre(QWidget& widget) {
 }  // namespace
 
 Splash::Splash(const std::string& picture, const std::vector<std::string>& lines)
-    : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint), picture_(picture) {
+    // A window of the splash kind would get no focus, and so no key that ends its wait.
+    : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint), picture_(picture) {
     setObjectName(QStringLiteral("splash"));
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);

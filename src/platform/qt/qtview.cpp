@@ -105,9 +105,8 @@ private:
 QtView::QtView() : application_(makeApplication()) {
     QApplication::setQuitOnLastWindowClosed(false);
     qApp->installEventFilter(this);
-    connect(&idleTimer_, &QTimer::timeout, this, [this] {
-        if (idle_) idle_();
-    });
+    idleTimer_.setSingleShot(true);
+    connect(&idleTimer_, &QTimer::timeout, this, [this] { runIdle(); });
     connect(qApp, &QGuiApplication::focusWindowChanged, this,
             [this] { QTimer::singleShot(0, this, [this] { activated(); }); });
 }
@@ -234,6 +233,15 @@ void QtView::setIdle(std::function<void()> idle) {
         idleTimer_.stop();
 }
 
+// The idle function may open a box whose loop needs it again, and a timer does not fire while its own handler runs;
+// so the next turn is a call of its own.
+void QtView::runIdle() {
+    if (!idle_) return;
+    QTimer::singleShot(0, this, [this] { runIdle(); });
+    const auto idle = idle_;
+    idle();
+}
+
 // ---- questions
 // ------------------------------------------------------------------------------------------------------
 
@@ -357,6 +365,7 @@ void QtView::showSplash(const std::string& picture, const std::vector<std::strin
     splash_ = std::make_unique<Splash>(picture, lines);
     splash_->show();
     splash_->raise();
+    splash_->activateWindow();
     pump();
 }
 

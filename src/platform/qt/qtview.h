@@ -77,6 +77,7 @@ private:
 
     std::unique_ptr<QApplication> application_;  // null if the program had made one before
     std::function<void()> idle_;
+    void runIdle();
     QTimer idleTimer_;
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;

@@ -152,7 +152,7 @@ TEST_F(CodeWindow, CancelAtTheClassNameSavesNothing) {
     EDITWNDSAVE(SDIEdit, false);
     EXPECT_FALSE(std::filesystem::exists(dir + "other.cls"));
     EXPECT_TRUE(GetModify(SDIEdit));
-    EXPECT_EQ(caption(), "<untitled> *");
+    EXPECT_EQ(caption(), dir + "other.cls *");
 }
 
 TEST_F(CodeWindow, SaysThatThereIsNothingToSave) {
