@@ -12,9 +12,10 @@ namespace {
 
 // In the order of the enumeration.
 constexpr std::array<std::string_view, 23> typeNames = {
-    "",          "Dialog",      "Editwindow",  "Richeditwindow", "Label",     "Edit",    "Combobox", "Listbox",
-    "Iconlist",  "Pushbutton",  "Bitmapbutton", "Checkbox",      "Radiobutton", "Groupbox", "Scrollbar", "Progressbar",
-    "Shape",     "Icon",        "Image",       "Menuitem",       "Screen",    "Printer", "Clipboard"};
+    "",          "Dialog",      "Editwindow", "Richeditwindow", "Label",    "Edit",        "Combobox",
+    "Listbox",   "Iconlist",    "Pushbutton", "Bitmapbutton",   "Checkbox", "Radiobutton", "Groupbox",
+    "Scrollbar", "Progressbar", "Shape",      "Icon",           "Image",    "Menuitem",    "Screen",
+    "Printer",   "Clipboard"};
 
 // The names ever used. They are never freed: an Object may outlive everything else, and there are few.
 const std::string* intern(std::string_view name) {
@@ -33,7 +34,9 @@ const std::string& Object::none() {
 
 Object::Object(std::string_view window, int number) : window_(intern(window)), number_(number) {}
 
-bool Object::empty() const { return window_->empty(); }
+bool Object::empty() const {
+    return window_->empty();
+}
 
 Object Object::owner() const {
     Object window = *this;
@@ -41,7 +44,9 @@ Object Object::owner() const {
     return window;
 }
 
-std::string_view typeName(Type type) { return typeNames[static_cast<std::size_t>(type)]; }
+std::string_view typeName(Type type) {
+    return typeNames[static_cast<std::size_t>(type)];
+}
 
 Type typeFromName(std::string_view name) {
     for (std::size_t i = 1; i < typeNames.size(); ++i)

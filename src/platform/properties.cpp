@@ -53,47 +53,110 @@ constexpr PropertyRow fontBoldRow = {"FONTBOLD", no, "0"};
 constexpr PropertyRow fontItalicRow = {"FONTITALIC", no, "0"};
 constexpr std::string_view frame = "INTEGER(2-\"Sizable\",1-\"Fixed\",0-\"None\")";
 
-constexpr PropertyRow dialog[] = {
-    nameRow, typeRow, positionRow, captionRow, menuRow, {"BORDERSTYLE", frame, "1"}, {"CLOSEBOX", yes, "1"},
-    {"MAXBUTTON", no, "0"}, {"MINBUTTON", no, "0"}, fontNameRow, fontSizeRow, fontBoldRow, fontItalicRow, ownerRow};
-constexpr PropertyRow editWindow[] = {
-    nameRow, typeRow, positionRow, captionRow, menuRow, {"BORDERSTYLE", frame, "2"}, {"CLOSEBOX", yes, "1"},
-    {"MAXBUTTON", yes, "1"}, {"MINBUTTON", yes, "1"}, fontNameRow, fontSizeRow, fontBoldRow, fontItalicRow, ownerRow,
-    {"FLAGS", flags, "0"}, maxLengthRow};
-constexpr PropertyRow label[] = {nameRow, typeRow, positionRow, captionRow, alignmentRow, boxRow, enabledRow,
-                                 visibleRow, arrayRow, hintRow};
-constexpr PropertyRow edit[] = {
-    nameRow, typeRow, positionRow, textRow, alignmentRow, sunkenRow, {"READONLY", no, "0"}, {"MULTILINE", no, "0"},
-    barsRow, maxLengthRow, {"PASSWORDCHAR", "INTEGER(0:255)", "0"}, enabledRow, visibleRow, tabStopRow, arrayRow,
-    hintRow};
+constexpr PropertyRow dialog[] = {nameRow,
+                                  typeRow,
+                                  positionRow,
+                                  captionRow,
+                                  menuRow,
+                                  {"BORDERSTYLE", frame, "1"},
+                                  {"CLOSEBOX", yes, "1"},
+                                  {"MAXBUTTON", no, "0"},
+                                  {"MINBUTTON", no, "0"},
+                                  fontNameRow,
+                                  fontSizeRow,
+                                  fontBoldRow,
+                                  fontItalicRow,
+                                  ownerRow};
+constexpr PropertyRow editWindow[] = {nameRow,
+                                      typeRow,
+                                      positionRow,
+                                      captionRow,
+                                      menuRow,
+                                      {"BORDERSTYLE", frame, "2"},
+                                      {"CLOSEBOX", yes, "1"},
+                                      {"MAXBUTTON", yes, "1"},
+                                      {"MINBUTTON", yes, "1"},
+                                      fontNameRow,
+                                      fontSizeRow,
+                                      fontBoldRow,
+                                      fontItalicRow,
+                                      ownerRow,
+                                      {"FLAGS", flags, "0"},
+                                      maxLengthRow};
+constexpr PropertyRow label[] = {nameRow, typeRow,    positionRow, captionRow, alignmentRow,
+                                 boxRow,  enabledRow, visibleRow,  arrayRow,   hintRow};
+constexpr PropertyRow edit[] = {nameRow,
+                                typeRow,
+                                positionRow,
+                                textRow,
+                                alignmentRow,
+                                sunkenRow,
+                                {"READONLY", no, "0"},
+                                {"MULTILINE", no, "0"},
+                                barsRow,
+                                maxLengthRow,
+                                {"PASSWORDCHAR", "INTEGER(0:255)", "0"},
+                                enabledRow,
+                                visibleRow,
+                                tabStopRow,
+                                arrayRow,
+                                hintRow};
 constexpr PropertyRow combobox[] = {
-    nameRow, typeRow, positionRow, textRow,
-    {"COMBOSTYLE", "INTEGER(1-\"Drop-down\",2-\"Drop-down list\",0-\"Simple\")", "1"}, rowsRow, maxLengthRow,
-    enabledRow, visibleRow, tabStopRow, arrayRow, hintRow};
-constexpr PropertyRow listbox[] = {nameRow, typeRow, positionRow, sunkenRow, verticalRow, rowsRow, enabledRow,
-                                   visibleRow, tabStopRow, arrayRow, hintRow};
-constexpr PropertyRow iconlist[] = {nameRow, typeRow, positionRow, sunkenRow, verticalRow, {"USETABSTOPS", no, "0"},
-                                    rowsRow, enabledRow, visibleRow, tabStopRow, arrayRow, hintRow};
-constexpr PropertyRow pushbutton[] = {nameRow, typeRow, positionRow, captionRow, {"DEFAULT", no, "0"},
-                                      {"CANCEL", no, "0"}, enabledRow, visibleRow, tabStopRow, arrayRow, hintRow};
-constexpr PropertyRow bitmapbutton[] = {nameRow, typeRow, positionRow, captionRow, pictureRow, enabledRow, visibleRow,
-                                        {"TABSTOP", no, "0"}, arrayRow, hintRow};
-constexpr PropertyRow mark[] = {nameRow, typeRow, positionRow, captionRow, sideRow, markRow, enabledRow, visibleRow,
-                                tabStopRow, arrayRow, hintRow};
-constexpr PropertyRow groupbox[] = {nameRow, typeRow, positionRow, captionRow, enabledRow, visibleRow, arrayRow,
-                                    hintRow};
-constexpr PropertyRow scrollbar[] = {nameRow, typeRow, positionRow, directionRow, minimumRow, maximumRow, numberRow,
-                                     enabledRow, visibleRow, tabStopRow, arrayRow, hintRow};
-constexpr PropertyRow progressbar[] = {nameRow, typeRow, positionRow, directionRow, boxRow, backRow, foreRow,
-                                       minimumRow, maximumRow, numberRow, visibleRow, arrayRow, hintRow};
+    nameRow,
+    typeRow,
+    positionRow,
+    textRow,
+    {"COMBOSTYLE", "INTEGER(1-\"Drop-down\",2-\"Drop-down list\",0-\"Simple\")", "1"},
+    rowsRow,
+    maxLengthRow,
+    enabledRow,
+    visibleRow,
+    tabStopRow,
+    arrayRow,
+    hintRow};
+constexpr PropertyRow listbox[] = {nameRow,    typeRow,    positionRow, sunkenRow, verticalRow, rowsRow,
+                                   enabledRow, visibleRow, tabStopRow,  arrayRow,  hintRow};
+constexpr PropertyRow iconlist[] = {
+    nameRow, typeRow,    positionRow, sunkenRow,  verticalRow, {"USETABSTOPS", no, "0"},
+    rowsRow, enabledRow, visibleRow,  tabStopRow, arrayRow,    hintRow};
+constexpr PropertyRow pushbutton[] = {
+    nameRow,    typeRow,    positionRow, captionRow, {"DEFAULT", no, "0"}, {"CANCEL", no, "0"}, enabledRow,
+    visibleRow, tabStopRow, arrayRow,    hintRow};
+constexpr PropertyRow bitmapbutton[] = {nameRow,    typeRow,    positionRow,          captionRow, pictureRow,
+                                        enabledRow, visibleRow, {"TABSTOP", no, "0"}, arrayRow,   hintRow};
+constexpr PropertyRow mark[] = {nameRow,    typeRow,    positionRow, captionRow, sideRow, markRow,
+                                enabledRow, visibleRow, tabStopRow,  arrayRow,   hintRow};
+constexpr PropertyRow groupbox[] = {nameRow,    typeRow,    positionRow, captionRow,
+                                    enabledRow, visibleRow, arrayRow,    hintRow};
+constexpr PropertyRow scrollbar[] = {nameRow,   typeRow,    positionRow, directionRow, minimumRow, maximumRow,
+                                     numberRow, enabledRow, visibleRow,  tabStopRow,   arrayRow,   hintRow};
+constexpr PropertyRow progressbar[] = {nameRow,    typeRow,  positionRow, directionRow, boxRow,
+                                       backRow,    foreRow,  minimumRow,  maximumRow,   numberRow,
+                                       visibleRow, arrayRow, hintRow};
 constexpr PropertyRow shape[] = {
-    nameRow, typeRow, positionRow, boxRow, backRow, foreRow,
-    {"SHAPE", "ENUM(Rectangle,RoundRectangle,Ellipse,HorizontalLine,VerticalLine)", "0"}, visibleRow, arrayRow};
+    nameRow,
+    typeRow,
+    positionRow,
+    boxRow,
+    backRow,
+    foreRow,
+    {"SHAPE", "ENUM(Rectangle,RoundRectangle,Ellipse,HorizontalLine,VerticalLine)", "0"},
+    visibleRow,
+    arrayRow};
 constexpr PropertyRow icon[] = {nameRow, typeRow, positionRow, pictureRow, visibleRow, arrayRow, hintRow};
-constexpr PropertyRow image[] = {nameRow, typeRow, positionRow, boxRow, pictureRow, visibleRow, arrayRow, hintRow};
-constexpr PropertyRow menuitem[] = {
-    {"NAME", "NAME(0:40)", ""}, typeRow, {"POSITION", "INTEGER(0:11)", "0"}, captionRow, {"CHECKED", no, "0"},
-    enabledRow, visibleRow, {"SHORTCUT", "STRING", "", ValueKind::Text}, pictureRow, arrayRow, hintRow};
+constexpr PropertyRow image[] = {nameRow,    typeRow,    positionRow, boxRow,
+                                 pictureRow, visibleRow, arrayRow,    hintRow};
+constexpr PropertyRow menuitem[] = {{"NAME", "NAME(0:40)", ""},
+                                    typeRow,
+                                    {"POSITION", "INTEGER(0:11)", "0"},
+                                    captionRow,
+                                    {"CHECKED", no, "0"},
+                                    enabledRow,
+                                    visibleRow,
+                                    {"SHORTCUT", "STRING", "", ValueKind::Text},
+                                    pictureRow,
+                                    arrayRow,
+                                    hintRow};
 
 }  // namespace
 
@@ -143,9 +206,15 @@ std::string_view valueOf(const Properties& properties, Type type, std::string_vi
 namespace {
 
 // The letter that stands for a control character in a list, 0 if the character stands for itself.
-char letterFor(char c) { return c == '\n' ? 'n' : c == '\r' ? 'r' : c == '\0' ? '0' : '\0'; }
-char controlFor(char letter) { return letter == 'n' ? '\n' : letter == 'r' ? '\r' : '\0'; }
-bool isLetterOfControl(char c) { return c == 'n' || c == 'r' || c == '0'; }
+char letterFor(char c) {
+    return c == '\n' ? 'n' : c == '\r' ? 'r' : c == '\0' ? '0' : '\0';
+}
+char controlFor(char letter) {
+    return letter == 'n' ? '\n' : letter == 'r' ? '\r' : '\0';
+}
+bool isLetterOfControl(char c) {
+    return c == 'n' || c == 'r' || c == '0';
+}
 
 std::string escaped(std::string_view value) {
     std::string result;
@@ -175,12 +244,15 @@ std::string unescaped(std::string_view text) {
     return result;
 }
 
-bool isQuoted(std::string_view text) { return text.size() >= 2 && text.front() == '"' && text.back() == '"'; }
+bool isQuoted(std::string_view text) {
+    return text.size() >= 2 && text.front() == '"' && text.back() == '"';
+}
 
 // A line of a list cannot hold a line end; in a plain value it could only come from a damaged file.
 std::string oneLine(std::string_view value) {
     std::string result(value);
-    std::replace_if(result.begin(), result.end(), [](char c) { return letterFor(c) != '\0'; }, ' ');
+    std::replace_if(
+        result.begin(), result.end(), [](char c) { return letterFor(c) != '\0'; }, ' ');
     return result;
 }
 
@@ -203,9 +275,12 @@ std::string makePropertyList(std::string_view name, Type type, const Properties&
         list.append(key).append("=").append(toListValue(kind, value)).append("\n");
     };
     for (const PropertyRow& row : propertiesOf(type)) {
-        if (row.name == nameRow.name) add(row.name, row.kind, name);
-        else if (row.name == typeRow.name) add(row.name, row.kind, typeName(type));
-        else add(row.name, row.kind, valueOf(properties, type, row.name));
+        if (row.name == nameRow.name)
+            add(row.name, row.kind, name);
+        else if (row.name == typeRow.name)
+            add(row.name, row.kind, typeName(type));
+        else
+            add(row.name, row.kind, valueOf(properties, type, row.name));
     }
     for (const auto& [key, value] : properties)
         if (findProperty(type, key) == nullptr) add(key, ValueKind::Plain, value);
@@ -218,7 +293,8 @@ namespace {
 std::string plainValue(Type type, std::string_view name, std::string_view listValue) {
     const PropertyRow* const row = findProperty(type, name);
     std::string value = fromListValue(row == nullptr ? ValueKind::Plain : row->kind, listValue);
-    if (row == nullptr || (!row->options.starts_with("ENUM") && !row->options.starts_with("INTEGER("))) return value;
+    if (row == nullptr || (!row->options.starts_with("ENUM") && !row->options.starts_with("INTEGER(")))
+        return value;
     const std::size_t dash = value.find('-', 1);
     if (dash != std::string::npos && wholeNumber(std::string_view(value).substr(0, dash))) value.resize(dash);
     return value;

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The properties of each object type: their names in the order of a property list, what a value may be (in the
-// language of options texts), and the value of one that a resource file does not mention. These tables alone decide
-// what `ResourceTypelist` tells, what is read and what is written.
+// The properties of each object type: their names in the order of a property list, what a value may be (in
+// the language of options texts), and the value of one that a resource file does not mention. These tables
+// alone decide what `ResourceTypelist` tells, what is read and what is written.
 //
-// A value has two forms. In memory it is the plain value: a text of any bytes. In a property list it stands on one
-// line: texts in double quotes, and LF, CR and NUL as "\n", "\r" and "\0". A backslash is doubled only in a run that
-// stands before n, r or 0, so that paths keep their look and every line has exactly one meaning.
+// A value has two forms. In memory it is the plain value: a text of any bytes. In a property list it stands
+// on one line: texts in double quotes, and LF, CR and NUL as "\n", "\r" and "\0". A backslash is doubled only
+// in a run that stands before n, r or 0, so that paths keep their look and every line has exactly one
+// meaning.
 #pragma once
 
 #include "platform/object.h"
@@ -34,7 +35,8 @@ struct PropertyRow {
 
 // The rows of a type; empty for types that no resource file holds.
 std::span<const PropertyRow> propertiesOf(Type type);
-const PropertyRow* findProperty(Type type, std::string_view name);  // any case; null if the type has no such one
+const PropertyRow* findProperty(Type type,
+                                std::string_view name);  // any case; null if the type has no such one
 
 using Properties = std::vector<std::pair<std::string, std::string>>;  // upper-case name, plain value
 
@@ -45,7 +47,8 @@ std::string toListValue(ValueKind kind, std::string_view value);
 std::string fromListValue(ValueKind kind, std::string_view listValue);
 ValueKind kindOf(Type type, std::string_view name);  // of a property that the type lacks: Plain
 
-// A whole property list: NAME, TYPEOF, then all of the type in the order of its table, then what else there is.
+// A whole property list: NAME, TYPEOF, then all of the type in the order of its table, then what else there
+// is.
 std::string makePropertyList(std::string_view name, Type type, const Properties& properties);
 
 struct ParsedList {

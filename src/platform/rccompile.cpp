@@ -50,8 +50,8 @@ private:
 };
 
 void Compiler::fail(const Source& source, const RcFault& fault) {
-    errors_ += source.name + "(" + std::to_string(fault.line) + ") : error " + std::to_string(fault.number) + " " +
-               fault.text + "\n";
+    errors_ += source.name + "(" + std::to_string(fault.line) + ") : error " + std::to_string(fault.number) +
+               " " + fault.text + "\n";
 }
 
 void Compiler::read(const std::string& name) {
@@ -71,11 +71,14 @@ void Compiler::collect() {
             if (statement.kind == RcKind::Unknown) {
                 fail(source, {statement.lineNumber, wrongSyntax, "This is not a resource statement."});
             } else if (statement.kind == RcKind::Define) {
-                const auto [place, isNew] = symbols_.emplace(statement.name, source.file.symbol(statement.name));
+                const auto [place, isNew] =
+                    symbols_.emplace(statement.name, source.file.symbol(statement.name));
                 if (!isNew && place->second != wholeNumber(statement.id))
-                    fail(source, {statement.lineNumber, wrongSyntax, "'" + statement.name + "' is already defined."});
+                    fail(source,
+                         {statement.lineNumber, wrongSyntax, "'" + statement.name + "' is already defined."});
             } else if (!names_.emplace(statement.name, Found{&source, &statement}).second) {
-                fail(source, {statement.lineNumber, wrongSyntax, "'" + statement.name + "' is already a name."});
+                fail(source,
+                     {statement.lineNumber, wrongSyntax, "'" + statement.name + "' is already a name."});
             } else if (statement.kind == RcKind::Menu) {
                 menus_.emplace(statement.name, Found{&source, &statement});
             }
@@ -88,11 +91,13 @@ void Compiler::window(const Source& source, const RcStatement& statement) {
     WindowTemplate made;
     const RcFile* const menuFile = found.source == nullptr ? nullptr : &found.source->file;
     const RcFault fault = makeTemplate(source.file, statement, menuFile, found.statement, made);
-    if (!fault.empty()) return fail(fault.number == 726 && found.source != nullptr ? *found.source : source, fault);
+    if (!fault.empty())
+        return fail(fault.number == 726 && found.source != nullptr ? *found.source : source, fault);
     for (const auto* objects : {&made.controls, &made.menu})
         for (const ObjectTemplate& object : *objects)
             if (!object.name.empty()) symbols_.emplace(object.name, object.number);
-    entries_.push_back({statement.kindWord, statement.name, resourceLine(source.file, statement, false), encodeWindow(made)});
+    entries_.push_back({statement.kindWord, statement.name, resourceLine(source.file, statement, false),
+                        encodeWindow(made)});
 }
 
 std::string Compiler::pathOf(const Source& source, const std::string& written) const {
@@ -110,10 +115,12 @@ void Compiler::picture(const Source& source, const RcStatement& statement) {
     std::string bytes;
     const os::FileError error = os::readFile(pathOf(source, statement.path), bytes);
     if (error != os::FileError::None || bytes.empty())
-        return fail(source, {statement.lineNumber, bitmapInvalid,
-                             "The picture '" + statement.path + "' cannot be read. " +
-                                 std::string(error == os::FileError::None ? "It is empty." : os::describe(error))});
-    entries_.push_back({"BITMAP", statement.name, resourceLine(source.file, statement, false), std::move(bytes)});
+        return fail(source,
+                    {statement.lineNumber, bitmapInvalid,
+                     "The picture '" + statement.path + "' cannot be read. " +
+                         std::string(error == os::FileError::None ? "It is empty." : os::describe(error))});
+    entries_.push_back(
+        {"BITMAP", statement.name, resourceLine(source.file, statement, false), std::move(bytes)});
 }
 
 void Compiler::compile() {
@@ -125,7 +132,8 @@ void Compiler::compile() {
             } else if (statement.kind == RcKind::File && statement.kindWord == "BITMAP") {
                 picture(source, statement);
             } else if (version || statement.kind == RcKind::Menu || statement.kind == RcKind::File) {
-                entries_.push_back({statement.kindWord, statement.name, resourceLine(source.file, statement, false),
+                entries_.push_back({statement.kindWord, statement.name,
+                                    resourceLine(source.file, statement, false),
                                     version ? resourceLine(source.file, statement, true) : ""});
             }
         }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reading and changing one resource in the text of a resource file. A change takes the statement apart, keeps the
-// bytes of each block that says what it shall say, and puts the new text into the place of the old; all other bytes
-// of the file stay.
+// Reading and changing one resource in the text of a resource file. A change takes the statement apart, keeps
+// the bytes of each block that says what it shall say, and puts the new text into the place of the old; all
+// other bytes of the file stay.
 #include "platform/rctext.h"
 #include "platform/resource.h"
 
@@ -38,7 +38,8 @@ std::string notThere(const std::string& file, const std::string& name) {
     return "'" + name + "' was not found in '" + file + "'.";
 }
 
-// ---- writing ---------------------------------------------------------------------------------------------------------
+// ---- writing
+// ---------------------------------------------------------------------------------------------------------
 
 struct Writer {
     const RcFile& file;
@@ -50,9 +51,12 @@ struct Writer {
         return std::to_string(++nextNumber);
     }
     [[nodiscard]] int highestNumber() const;
-    [[nodiscard]] std::string bytes(Span span) const { return file.text.substr(span.begin, span.end - span.begin); }
+    [[nodiscard]] std::string bytes(Span span) const {
+        return file.text.substr(span.begin, span.end - span.begin);
+    }
     [[nodiscard]] std::string indentOf(Span line) const;
-    [[nodiscard]] std::string propertyLine(const std::string& indent, Type type, const std::string& name, std::string_view value) const;
+    [[nodiscard]] std::string propertyLine(const std::string& indent, Type type, const std::string& name,
+                                           std::string_view value) const;
     [[nodiscard]] std::string patched(const RcObject& block, const ParsedList& wanted) const;
     [[nodiscard]] std::string patchedHead(const RcObject& block, const ParsedList& wanted) const;
     std::string fresh(const ParsedList& wanted, bool menu);
@@ -97,7 +101,9 @@ bool mentions(const RcObject& block, const std::string& name) {
                        [&](const RcProperty& property) { return property.name == name; });
 }
 
-std::string windowKind(Type type) { return upper(typeName(type)); }
+std::string windowKind(Type type) {
+    return upper(typeName(type));
+}
 
 std::string Writer::patchedHead(const RcObject& block, const ParsedList& wanted) const {
     std::string head = bytes({block.span.begin, block.head.end});
@@ -110,7 +116,8 @@ std::string Writer::patchedHead(const RcObject& block, const ParsedList& wanted)
     };
     const auto type = [&] {
         if (wanted.type == block.type) return;
-        replace(block.typeSpan, isWindowType(wanted.type) ? windowKind(wanted.type) : std::string(typeName(wanted.type)));
+        replace(block.typeSpan,
+                isWindowType(wanted.type) ? windowKind(wanted.type) : std::string(typeName(wanted.type)));
     };
     // The later one first, so that the place of the other stays right.
     if (typeFirst) return name(), type(), head;
@@ -146,7 +153,8 @@ std::string Writer::patched(const RcObject& block, const ParsedList& wanted) con
 }
 
 std::string Writer::fresh(const ParsedList& wanted, bool menu) {
-    std::string result = std::string(menu ? "  Menuitem" : "  ") + (menu ? "" : std::string(typeName(wanted.type)));
+    std::string result =
+        std::string(menu ? "  Menuitem" : "  ") + (menu ? "" : std::string(typeName(wanted.type)));
     if (!wanted.name.empty()) {
         result += " " + wanted.name;
         if (file.symbol(wanted.name) == 0) result += " " + newNumber();
@@ -158,8 +166,8 @@ std::string Writer::fresh(const ParsedList& wanted, bool menu) {
     return result;
 }
 
-// Which old block each new object continues: the next one of its name, else one that is left over, in order and of
-// its type (an object that was renamed).
+// Which old block each new object continues: the next one of its name, else one that is left over, in order
+// and of its type (an object that was renamed).
 std::vector<const RcObject*> match(const std::vector<RcObject>& old, const std::vector<ParsedList>& wanted) {
     std::vector<const RcObject*> result(wanted.size());
     std::vector<bool> taken(old.size());
@@ -199,7 +207,8 @@ std::string Writer::statement(const RcStatement* old, const ObjectArray& objects
     if (old == nullptr) {
         std::string result = self.name + " " + (menu ? "MENU" : windowKind(self.type)) + eol;
         for (const auto& [name, value] : self.properties)
-            if (!goesWithoutSaying(self.type, name, value)) result += propertyLine("  ", self.type, name, value);
+            if (!goesWithoutSaying(self.type, name, value))
+                result += propertyLine("  ", self.type, name, value);
         for (const ParsedList& one : wanted) result += fresh(one, menu);
         return result + "END" + eol;
     }
@@ -217,11 +226,15 @@ std::string refusal(const ObjectArray& objects, bool menu) {
     const std::string what = menu ? "menu" : "dialog";
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         const ParsedList& one = wanted[i];
-        if (i == 0 && !isIdentifier(one.name)) return "The name of the " + what + " is not valid: '" + one.name + "'.";
-        if (i == 0 && !menu && !isWindowType(one.type)) return "The type of '" + one.name + "' is no type of a window.";
+        if (i == 0 && !isIdentifier(one.name))
+            return "The name of the " + what + " is not valid: '" + one.name + "'.";
+        if (i == 0 && !menu && !isWindowType(one.type))
+            return "The type of '" + one.name + "' is no type of a window.";
         if (i == 0) continue;
-        if (!one.name.empty() && !isIdentifier(one.name)) return "The name of an object is not valid: '" + one.name + "'.";
-        const bool fits = !propertiesOf(one.type).empty() && !isWindowType(one.type) && (one.type == Type::Menuitem) == menu;
+        if (!one.name.empty() && !isIdentifier(one.name))
+            return "The name of an object is not valid: '" + one.name + "'.";
+        const bool fits = !propertiesOf(one.type).empty() && !isWindowType(one.type) &&
+                          (one.type == Type::Menuitem) == menu;
         if (!fits) return "An object of the type of '" + one.name + "' cannot stand in a " + what + ".";
         for (const auto& [name, value] : one.properties)
             if (!isIdentifier(name)) return "'" + name + "' is no name of a property.";
@@ -239,12 +252,15 @@ void append(std::string& text, const std::string& statement, const std::string& 
 std::string writeOne(RcFile& parsed, const ObjectArray& objects, bool menu) {
     const std::string name = parsePropertyList(objects[0]).name;
     const RcStatement* const old = parsed.find(menu ? RcKind::Menu : RcKind::Window, name);
-    if (old == nullptr && parsed.find(name) != nullptr) return "'" + name + "' is the name of another resource.";
+    if (old == nullptr && parsed.find(name) != nullptr)
+        return "'" + name + "' is the name of another resource.";
     Writer writer{parsed};
     const std::string statement = writer.statement(old, objects, menu);
     std::string text = parsed.text;
-    if (old == nullptr) append(text, statement, writer.eol);
-    else text.replace(old->span.begin, old->span.end - old->span.begin, statement);
+    if (old == nullptr)
+        append(text, statement, writer.eol);
+    else
+        text.replace(old->span.begin, old->span.end - old->span.begin, statement);
     parsed = parseResourceText(std::move(text));
     return parsed.fault.empty() ? "" : parsed.fault.text;
 }
@@ -287,7 +303,8 @@ std::string ResourceDelete(const std::string& file, const std::string& name) {
     if (parsed.find(name) == nullptr) return notThere(file, name);
     std::string text = parsed.text;
     for (auto statement = parsed.statements.rbegin(); statement != parsed.statements.rend(); ++statement)
-        if (statement->kind != RcKind::Define && statement->kind != RcKind::Unknown && sameText(statement->name, name))
+        if (statement->kind != RcKind::Define && statement->kind != RcKind::Unknown &&
+            sameText(statement->name, name))
             text.erase(statement->span.begin, statement->span.end - statement->span.begin);
     return save(file, text);
 }
@@ -300,7 +317,8 @@ struct Change {
 };
 
 // The places that name the resource: its head, the menu of a dialog, the picture of a control, its symbol.
-std::vector<Change> renameChanges(const RcFile& parsed, const std::string& oldName, const std::string& newName) {
+std::vector<Change> renameChanges(const RcFile& parsed, const std::string& oldName,
+                                  const std::string& newName) {
     std::vector<Change> changes;
     const auto see = [&](const RcObject& object, bool menu, bool picture) {
         for (const RcProperty& property : object.properties)
@@ -329,9 +347,11 @@ std::string ResourceRename(const std::string& file, const std::string& oldName, 
     if (!sameText(oldName, newName) && parsed.find(newName) != nullptr)
         return "'" + newName + "' is already a name in '" + file + "'.";
     std::vector<Change> changes = renameChanges(parsed, oldName, newName);
-    std::sort(changes.begin(), changes.end(), [](const Change& a, const Change& b) { return a.span.begin > b.span.begin; });
+    std::sort(changes.begin(), changes.end(),
+              [](const Change& a, const Change& b) { return a.span.begin > b.span.begin; });
     std::string text = parsed.text;
-    for (const Change& change : changes) text.replace(change.span.begin, change.span.end - change.span.begin, change.text);
+    for (const Change& change : changes)
+        text.replace(change.span.begin, change.span.end - change.span.begin, change.text);
     return save(file, text);
 }
 

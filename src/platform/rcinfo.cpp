@@ -42,7 +42,8 @@ std::string controlLines(const RcFile& file, const RcStatement& dialog) {
         if (!name.empty()) text += name + " " + std::to_string(file.numberOf(object)) + "\n";
     };
     for (const RcObject& control : dialog.objects) add(control);
-    const RcStatement* const menu = file.find(RcKind::Menu, valueOf(dialog.self.values(), dialog.self.type, "MENU"));
+    const RcStatement* const menu =
+        file.find(RcKind::Menu, valueOf(dialog.self.values(), dialog.self.type, "MENU"));
     if (menu != nullptr)
         for (const RcObject& item : menu->objects) add(item);
     return text;
@@ -82,9 +83,11 @@ std::string resourceLine(const RcFile& file, const RcStatement& statement, bool 
 ResourceText ResourceInfo(const std::string& file, const std::string& kind, const std::string& name) {
     std::string bytes;
     const os::FileError error = os::readFile(file, bytes);
-    if (error == os::FileError::NotFound || error == os::FileError::NotFolder || error == os::FileError::BadName)
+    if (error == os::FileError::NotFound || error == os::FileError::NotFolder ||
+        error == os::FileError::BadName)
         return {};
-    if (error != os::FileError::None) return {"", "'" + file + "' cannot be read. " + std::string(os::describe(error))};
+    if (error != os::FileError::None)
+        return {"", "'" + file + "' cannot be read. " + std::string(os::describe(error))};
     if (isCompiledResource(bytes)) {
         CompiledResources compiled;
         std::string fault = compiled.open(std::move(bytes));
@@ -104,6 +107,8 @@ std::string ResourceTypelist(const std::string& type) {
     return text;
 }
 
-bool ResourceCommonId(const std::string& name) { return commonId(name) != 0; }
+bool ResourceCommonId(const std::string& name) {
+    return commonId(name) != 0;
+}
 
 }  // namespace tarn::platform

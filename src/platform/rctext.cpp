@@ -12,14 +12,15 @@ namespace {
 
 constexpr int windowSyntax = 725, menuSyntax = 726;
 
-constexpr std::pair<std::string_view, int> commonIds[] = {
-    {"IDOK", 1},     {"IDCANCEL", 2}, {"IDABORT", 3}, {"IDRETRY", 4}, {"IDIGNORE", 5},
-    {"IDYES", 6},    {"IDNO", 7},     {"IDCLOSE", 8}, {"IDHELP", 9}};
+constexpr std::pair<std::string_view, int> commonIds[] = {{"IDOK", 1},    {"IDCANCEL", 2}, {"IDABORT", 3},
+                                                          {"IDRETRY", 4}, {"IDIGNORE", 5}, {"IDYES", 6},
+                                                          {"IDNO", 7},    {"IDCLOSE", 8},  {"IDHELP", 9}};
 
-constexpr std::string_view memoryOptions[] = {"PRELOAD",     "LOADONCALL", "FIXED",  "MOVEABLE", "DISCARDABLE",
-                                              "PURE",        "IMPURE",     "SHARED", "NONSHARED"};
+constexpr std::string_view memoryOptions[] = {"PRELOAD", "LOADONCALL", "FIXED",  "MOVEABLE", "DISCARDABLE",
+                                              "PURE",    "IMPURE",     "SHARED", "NONSHARED"};
 
-// ---- tokens of one line --------------------------------------------------------------------------------------------
+// ---- tokens of one line
+// --------------------------------------------------------------------------------------------
 
 enum class TokenKind { Word, String, Other };
 
@@ -30,8 +31,8 @@ struct Token {
 };
 
 bool isWordByte(char c) {
-    return (upper(c) >= 'A' && upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' || c == '-' ||
-           c == '+';
+    return (upper(c) >= 'A' && upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' ||
+           c == '-' || c == '+';
 }
 
 int hexDigit(char c) {
@@ -60,8 +61,10 @@ bool readString(std::string_view line, std::size_t& at, bool path, std::string& 
     into.clear();
     for (++at; at < line.size();) {
         if (line[at] == '"') return ++at, true;
-        if (line[at] == '\\') at += readEscape(line, at, path, into);
-        else into += line[at++];
+        if (line[at] == '\\')
+            at += readEscape(line, at, path, into);
+        else
+            into += line[at++];
     }
     return false;
 }
@@ -71,7 +74,9 @@ std::size_t skipBlanks(std::string_view line, std::size_t at) {
     return at;
 }
 
-bool atComment(std::string_view line, std::size_t at) { return line.substr(at, 2) == "//"; }
+bool atComment(std::string_view line, std::size_t at) {
+    return line.substr(at, 2) == "//";
+}
 
 struct Tokens {
     std::vector<Token> list;
@@ -84,7 +89,8 @@ struct Tokens {
 // Strings of a statement are paths, where only the doubled backslash and the quote are escapes.
 Tokens tokenize(std::string_view line, std::size_t lineBegin) {
     Tokens tokens;
-    for (std::size_t at = skipBlanks(line, 0); at < line.size() && !atComment(line, at); at = skipBlanks(line, at)) {
+    for (std::size_t at = skipBlanks(line, 0); at < line.size() && !atComment(line, at);
+         at = skipBlanks(line, at)) {
         Token token;
         const std::size_t begin = at;
         if (line[at] == '"') {
@@ -103,11 +109,16 @@ Tokens tokenize(std::string_view line, std::size_t lineBegin) {
     return tokens;
 }
 
-bool isWindowKind(std::string_view word) { return isWindowType(typeFromName(word)); }
+bool isWindowKind(std::string_view word) {
+    return isWindowType(typeFromName(word));
+}
 
-bool isNumberOrSymbol(std::string_view word) { return isIdentifier(word) || wholeNumber(word).has_value(); }
+bool isNumberOrSymbol(std::string_view word) {
+    return isIdentifier(word) || wholeNumber(word).has_value();
+}
 
-// ---- the parser --------------------------------------------------------------------------------------------------------
+// ---- the parser
+// --------------------------------------------------------------------------------------------------------
 
 class Parser {
 public:
@@ -131,9 +142,9 @@ private:
 
     RcFile& file_;
     std::string_view text_;
-    std::size_t at_ = 0;       // where the next line begins
+    std::size_t at_ = 0;  // where the next line begins
     std::size_t lineBegin_ = 0;
-    std::string_view line_;    // without its line end
+    std::string_view line_;  // without its line end
     int lineNumber_ = 0;
 };
 
@@ -153,9 +164,11 @@ void Parser::fail(int line, int number, std::string text) {
 }
 
 void Parser::run() {
-    if (text_.size() > largestResourceText) return fail(1, windowSyntax, "The file is too large for a resource file.");
+    if (text_.size() > largestResourceText)
+        return fail(1, windowSyntax, "The file is too large for a resource file.");
     if (const std::size_t zero = text_.find('\0'); zero != std::string_view::npos) {
-        const auto before = std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
+        const auto before =
+            std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
         return fail(static_cast<int>(before) + 1, windowSyntax, "There is a zero byte, so this is no text.");
     }
     while (file_.fault.empty() && nextLine()) statement();
@@ -183,8 +196,8 @@ void Parser::statement() {
     if (list.empty() && !tokens.unterminated) return;  // blank, or a comment
     if (tokens.word(0, "#define")) return define(tokens);
     if (tokens.word(0, "BEGIN") && list.size() == 1) return unknownBlock();
-    const bool named = list.size() >= 2 && list[0].kind == TokenKind::Word && list[1].kind == TokenKind::Word &&
-                       isIdentifier(list[0].text);
+    const bool named = list.size() >= 2 && list[0].kind == TokenKind::Word &&
+                       list[1].kind == TokenKind::Word && isIdentifier(list[0].text);
     if (named && list.size() == 2 && isWindowKind(list[1].text)) return block(tokens, RcKind::Window);
     if (named && list.size() == 2 && tokens.word(1, "MENU")) return block(tokens, RcKind::Menu);
     if (named && list.size() == 2 && tokens.word(1, "VERSIONINFO")) return version(tokens);
@@ -197,8 +210,8 @@ void Parser::statement() {
 void Parser::define(const Tokens& tokens) {
     const std::vector<Token>& list = tokens.list;
     const bool good = list.size() == 3 && isIdentifier(list[1].text) && wholeNumber(list[2].text);
-    RcStatement result = begin(good ? RcKind::Define : RcKind::Unknown, list[std::min<std::size_t>(1, list.size() - 1)],
-                               "#DEFINE");
+    RcStatement result = begin(good ? RcKind::Define : RcKind::Unknown,
+                               list[std::min<std::size_t>(1, list.size() - 1)], "#DEFINE");
     if (good) {
         result.id = list[2].text;
         file_.symbols.emplace(result.name, *wholeNumber(result.id));
@@ -224,7 +237,8 @@ void Parser::version(const Tokens& tokens) {
     int depth = 0;
     do {
         if (!nextLine())
-            return fail(result.lineNumber, windowSyntax, "The END of the version block '" + result.name + "' is missing.");
+            return fail(result.lineNumber, windowSyntax,
+                        "The END of the version block '" + result.name + "' is missing.");
         const Tokens line = tokenize(line_, lineBegin_);
         if (line.word(0, "BEGIN")) ++depth;
         if (line.word(0, "END") && --depth < 0)
@@ -266,7 +280,8 @@ void Parser::block(const Tokens& tokens, RcKind kind) {
             if (file_.fault.empty()) end(std::move(result));
             return;
         }
-    fail(result.lineNumber, kind == RcKind::Menu ? menuSyntax : windowSyntax, "The END of '" + result.name + "' is missing.");
+    fail(result.lineNumber, kind == RcKind::Menu ? menuSyntax : windowSyntax,
+         "The END of '" + result.name + "' is missing.");
 }
 
 // False when the block has ended, well or with a fault.
@@ -288,7 +303,8 @@ bool Parser::propertyLine(RcStatement& statement, std::size_t& bodyEnd) {
     const std::size_t equals = line_.find('=');
     RcProperty property;
     property.name = upper(trim(line_.substr(0, equals)));
-    if (!isIdentifier(property.name)) return fail(lineNumber_, number, "There is no property name before the \"=\"."), false;
+    if (!isIdentifier(property.name))
+        return fail(lineNumber_, number, "There is no property name before the \"=\"."), false;
     if (property.name == "NAME" || property.name == "TYPEOF")
         return fail(lineNumber_, number, property.name + " is told by the head of the block."), false;
     std::size_t at = skipBlanks(line_, equals + 1);
@@ -319,8 +335,12 @@ bool Parser::headLine(RcStatement& statement, const Tokens& tokens, std::size_t&
     const std::vector<Token>& list = tokens.list;
     RcObject object;
     object.type = list.empty() || list[0].kind != TokenKind::Word ? Type::None : typeFromName(list[0].text);
-    if (propertiesOf(object.type).empty() || isWindowType(object.type) || (object.type == Type::Menuitem) != menu)
-        return fail(lineNumber_, number, "A property, a " + std::string(menu ? "Menuitem" : "control") + " or END should stand here."), false;
+    if (propertiesOf(object.type).empty() || isWindowType(object.type) ||
+        (object.type == Type::Menuitem) != menu)
+        return fail(lineNumber_, number,
+                    "A property, a " + std::string(menu ? "Menuitem" : "control") +
+                        " or END should stand here."),
+               false;
     std::size_t at = 1;
     if (at < list.size() && list[at].kind == TokenKind::Word && isIdentifier(list[at].text)) {
         object.name = list[at].text;
@@ -329,7 +349,8 @@ bool Parser::headLine(RcStatement& statement, const Tokens& tokens, std::size_t&
     if (at < list.size() && list[at].kind == TokenKind::Word && isNumberOrSymbol(list[at].text))
         object.number = list[at++].text;
     if (at < list.size() || tokens.unterminated)
-        return fail(lineNumber_, number, "Behind the type stand a name and a number, and nothing else."), false;
+        return fail(lineNumber_, number, "Behind the type stand a name and a number, and nothing else."),
+               false;
     object.typeSpan = list[0].span;
     object.head = {lineBegin_, at_};
     object.span = {bodyEnd, at_};
@@ -341,9 +362,8 @@ bool Parser::headLine(RcStatement& statement, const Tokens& tokens, std::size_t&
 
 bool needsQuotes(std::string_view value) {
     if (value.find("//") != std::string_view::npos || value != trim(value)) return true;
-    return std::any_of(value.begin(), value.end(), [](char c) {
-        return static_cast<unsigned char>(c) < ' ' || c == '"' || c == 0x7f;
-    });
+    return std::any_of(value.begin(), value.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '"' || c == 0x7f; });
 }
 
 }  // namespace
@@ -352,7 +372,8 @@ Properties RcObject::values() const {
     Properties result;
     for (const RcProperty& property : properties) {
         const auto same = [&](const auto& seen) { return seen.first == property.name; };
-        if (std::none_of(result.begin(), result.end(), same)) result.emplace_back(property.name, property.value);
+        if (std::none_of(result.begin(), result.end(), same))
+            result.emplace_back(property.name, property.value);
     }
     return result;
 }
@@ -365,7 +386,8 @@ const RcStatement* RcFile::find(RcKind kind, std::string_view name) const {
 
 const RcStatement* RcFile::find(std::string_view name) const {
     for (const RcStatement& statement : statements)
-        if (statement.kind != RcKind::Define && statement.kind != RcKind::Unknown && sameText(statement.name, name))
+        if (statement.kind != RcKind::Define && statement.kind != RcKind::Unknown &&
+            sameText(statement.name, name))
             return &statement;
     return nullptr;
 }
@@ -409,13 +431,20 @@ std::string quoted(std::string_view text) {
     std::string result = "\"";
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') result += {'\\', c};
-        else if (c == '\n') result += "\\n";
-        else if (c == '\r') result += "\\r";
-        else if (c == '\t') result += "\\t";
-        else if (c == '\0') result += "\\0";
-        else if (byte < ' ' || byte == 0x7f) result += {'\\', 'x', digits[byte >> 4U], digits[byte & 15U]};
-        else result += c;
+        if (c == '"' || c == '\\')
+            result += {'\\', c};
+        else if (c == '\n')
+            result += "\\n";
+        else if (c == '\r')
+            result += "\\r";
+        else if (c == '\t')
+            result += "\\t";
+        else if (c == '\0')
+            result += "\\0";
+        else if (byte < ' ' || byte == 0x7f)
+            result += {'\\', 'x', digits[byte >> 4U], digits[byte & 15U]};
+        else
+            result += c;
     }
     return result + "\"";
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The text of a resource file taken apart, with the bytes that each part stands on, so that one part can be written
-// again and all others keep theirs. docs/formats/resource.md describes the grammar. Cost: linear in the text.
+// The text of a resource file taken apart, with the bytes that each part stands on, so that one part can be
+// written again and all others keep theirs. docs/formats/resource.md describes the grammar. Cost: linear in
+// the text.
 #pragma once
 
 #include "platform/object.h"
@@ -35,8 +36,8 @@ struct RcProperty {
     int lineNumber = 0;
 };
 
-// The head of a block with the properties below it. `span` begins behind the last line of the block before it, so
-// that comments belong to what they stand above.
+// The head of a block with the properties below it. `span` begins behind the last line of the block before
+// it, so that comments belong to what they stand above.
 struct RcObject {
     Type type = Type::None;
     std::string name;
@@ -68,10 +69,10 @@ struct RcFile {
     std::string text;
     std::vector<RcStatement> statements;
     std::map<std::string, int, LessText> symbols;  // of the #define lines; the first one of a name counts
-    RcFault fault;  // the first one; the statements are those before it
+    RcFault fault;                                 // the first one; the statements are those before it
 
     [[nodiscard]] const RcStatement* find(RcKind kind, std::string_view name) const;  // any case
-    [[nodiscard]] const RcStatement* find(std::string_view name) const;  // no Define, no Unknown
+    [[nodiscard]] const RcStatement* find(std::string_view name) const;               // no Define, no Unknown
     // The number of a symbol: a #define of this file, or a common identifier; 0 if it has none.
     [[nodiscard]] int symbol(std::string_view name) const;
     // The number that an object has by its head or by a #define of its name; 0 if it has none.
@@ -83,10 +84,11 @@ inline constexpr std::size_t largestResourceText = 64U << 20U;
 
 RcFile parseResourceText(std::string text);
 
-int commonId(std::string_view name);             // 0 if it is none
-bool isMemoryOption(std::string_view word);      // PRELOAD, FIXED, ...: words between kind and path
-std::string quoted(std::string_view text);       // in double quotes with escapes
-std::string quotedPath(std::string_view path);   // in double quotes, backslashes doubled
-std::string valueText(Type type, std::string_view name, std::string_view value);  // as it stands behind the "="
+int commonId(std::string_view name);            // 0 if it is none
+bool isMemoryOption(std::string_view word);     // PRELOAD, FIXED, ...: words between kind and path
+std::string quoted(std::string_view text);      // in double quotes with escapes
+std::string quotedPath(std::string_view path);  // in double quotes, backslashes doubled
+std::string valueText(Type type, std::string_view name,
+                      std::string_view value);  // as it stands behind the "="
 
 }  // namespace tarn::platform

@@ -20,7 +20,8 @@ constexpr std::string_view magic = "TRCX";
 constexpr std::uint32_t formatVersion = 1;
 constexpr std::size_t headerSize = 32;
 
-// ---- bytes -----------------------------------------------------------------------------------------------------------
+// ---- bytes
+// -----------------------------------------------------------------------------------------------------------
 
 void put(std::string& bytes, std::uint64_t number, int size) {
     for (int i = 0; i < size; ++i, number >>= 8U) bytes += static_cast<char>(number & 255U);
@@ -110,7 +111,9 @@ std::vector<ObjectTemplate> readObjects(Reader& reader, bool menu) {
 
 }  // namespace
 
-bool isCompiledResource(std::string_view bytes) { return bytes.starts_with(magic); }
+bool isCompiledResource(std::string_view bytes) {
+    return bytes.starts_with(magic);
+}
 
 std::string encodeWindow(const WindowTemplate& window) {
     std::string bytes;
@@ -125,7 +128,8 @@ std::string encodeWindow(const WindowTemplate& window) {
 std::string encodeResources(const std::vector<CompiledEntry>& entries,
                             const std::map<std::string, int, LessText>& symbols) {
     std::size_t dataBegin = headerSize, offset = 0;
-    for (const CompiledEntry& entry : entries) dataBegin += 20 + entry.kind.size() + entry.name.size() + entry.line.size();
+    for (const CompiledEntry& entry : entries)
+        dataBegin += 20 + entry.kind.size() + entry.name.size() + entry.line.size();
     for (const auto& [name, number] : symbols) dataBegin += 8 + name.size();
     std::string rest;
     for (const CompiledEntry& entry : entries) {
@@ -140,7 +144,8 @@ std::string encodeResources(const std::vector<CompiledEntry>& entries,
     }
     for (const CompiledEntry& entry : entries) rest += entry.data;
     std::string bytes(magic);
-    for (const std::size_t number : {std::size_t{formatVersion}, headerSize + rest.size(), entries.size(), symbols.size(), dataBegin})
+    for (const std::size_t number :
+         {std::size_t{formatVersion}, headerSize + rest.size(), entries.size(), symbols.size(), dataBegin})
         put(bytes, number, 4);
     put(bytes, checksum(rest), 8);
     return bytes + rest;
@@ -166,7 +171,8 @@ std::string CompiledResources::open(std::string bytes) {
         entry.name = reader.text();
         entry.line = reader.text();
         const std::size_t offset = reader.number(4), size = reader.number(4);
-        if (reader.bad || offset < dataBegin || offset > bytes_.size() || size > bytes_.size() - offset) return damaged();
+        if (reader.bad || offset < dataBegin || offset > bytes_.size() || size > bytes_.size() - offset)
+            return damaged();
         entry.data = std::string_view(bytes_).substr(offset, size);
         if (isWindowType(typeFromName(entry.kind))) windows_.emplace(entry.name, i);
         if (entry.kind == "BITMAP") pictures_.emplace(entry.name, i);
@@ -233,15 +239,18 @@ std::string CompiledResources::info(const std::string& kind, const std::string& 
     return text;
 }
 
-// ---- from text -----------------------------------------------------------------------------------------------------------
+// ---- from text
+// -----------------------------------------------------------------------------------------------------------
 
 namespace {
 
 bool isNumeric(const PropertyRow& row) {
-    return row.options.starts_with("INTEGER") || row.options.starts_with("ENUM") || row.options.starts_with("COLOUR");
+    return row.options.starts_with("INTEGER") || row.options.starts_with("ENUM") ||
+           row.options.starts_with("COLOUR");
 }
 
-// The number that a choice means by its word, "Centre" in ENUM(Left,Right,Centre); none if it is no such word.
+// The number that a choice means by its word, "Centre" in ENUM(Left,Right,Centre); none if it is no such
+// word.
 std::optional<int> choice(std::string_view options, std::string_view word) {
     if (!options.starts_with("ENUM(")) return {};
     options.remove_prefix(5);
@@ -267,7 +276,8 @@ bool isNumberList(std::string_view value, int count) {
 // What is wrong with a value; empty if it is right.
 std::string wrongValue(const RcObject& object, const RcProperty& property) {
     const PropertyRow* const row = findProperty(object.type, property.name);
-    if (row == nullptr) return "A " + std::string(typeName(object.type)) + " has no property " + property.name + ".";
+    if (row == nullptr)
+        return "A " + std::string(typeName(object.type)) + " has no property " + property.name + ".";
     if (!isNumeric(*row)) return "";
     const bool list = row->options.starts_with("INTEGER[");
     const bool good = list ? isNumberList(property.value, 4)
@@ -291,7 +301,8 @@ public:
     RcFault make(const RcStatement& window, const RcStatement* menu, WindowTemplate& result);
 
 private:
-    bool objects(const RcFile& file, const std::vector<RcObject>& from, int syntax, std::vector<ObjectTemplate>& to);
+    bool objects(const RcFile& file, const std::vector<RcObject>& from, int syntax,
+                 std::vector<ObjectTemplate>& to);
     bool fail(int line, int number, std::string text) {
         fault_ = {line, number, std::move(text)};
         return false;
@@ -309,13 +320,15 @@ bool TemplateMaker::objects(const RcFile& file, const std::vector<RcObject>& fro
                             std::vector<ObjectTemplate>& to) {
     for (const RcObject& object : from) {
         int line = object.lineNumber;
-        if (std::string text = propertyFault(object, line); !text.empty()) return fail(line, syntax, std::move(text));
+        if (std::string text = propertyFault(object, line); !text.empty())
+            return fail(line, syntax, std::move(text));
         const int number = file.numberOf(object);
         if (number == 0 && !object.number.empty())
             return fail(object.lineNumber, 723, "'" + object.number + "' is no number and no symbol.");
         if (number < 0) return fail(object.lineNumber, 723, "The number of a control must be positive.");
         if (number != 0 && !used_.insert(number).second)
-            return fail(object.lineNumber, 723, "The number " + std::to_string(number) + " is already used in this window.");
+            return fail(object.lineNumber, 723,
+                        "The number " + std::to_string(number) + " is already used in this window.");
         to.push_back({object.type, number, object.name, object.values()});
     }
     return true;
@@ -332,9 +345,11 @@ void TemplateMaker::numberTheRest(std::vector<ObjectTemplate>& objects) {
 RcFault TemplateMaker::make(const RcStatement& window, const RcStatement* menu, WindowTemplate& result) {
     result = {};
     int line = window.lineNumber;
-    if (std::string text = propertyFault(window.self, line); !text.empty()) return fail(line, 725, std::move(text)), fault_;
+    if (std::string text = propertyFault(window.self, line); !text.empty())
+        return fail(line, 725, std::move(text)), fault_;
     if (window.objects.size() > MAX_CONTROLS || (menu != nullptr && menu->objects.size() > MAX_CONTROLS))
-        return {window.lineNumber, 725, "'" + window.name + "' has more than " + std::to_string(MAX_CONTROLS) + " objects."};
+        return {window.lineNumber, 725,
+                "'" + window.name + "' has more than " + std::to_string(MAX_CONTROLS) + " objects."};
     result.window = {window.self.type, 0, window.name, window.self.values()};
     const std::string_view menuName = valueOf(result.window.properties, window.self.type, "MENU");
     if (!menuName.empty() && menu == nullptr)
@@ -362,8 +377,8 @@ void resolveChoices(WindowTemplate& window) {
 
 }  // namespace
 
-RcFault makeTemplate(const RcFile& file, const RcStatement& window, const RcFile* menuFile, const RcStatement* menu,
-                     WindowTemplate& result) {
+RcFault makeTemplate(const RcFile& file, const RcStatement& window, const RcFile* menuFile,
+                     const RcStatement* menu, WindowTemplate& result) {
     RcFault fault = TemplateMaker(file, menuFile).make(window, menu, result);
     resolveChoices(result);
     return fault;
@@ -376,7 +391,8 @@ RcFault makeTemplate(const RcFile& file, std::string_view name, WindowTemplate& 
     return makeTemplate(file, *window, &file, menu.empty() ? nullptr : file.find(RcKind::Menu, menu), result);
 }
 
-// ---- the application ------------------------------------------------------------------------------------------------------
+// ---- the application
+// ------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -420,13 +436,17 @@ const CompiledResources& applicationResources() {
     return *app.resources;
 }
 
-int ResourceValue(const std::string& name) { return applicationResources().symbol(name); }
+int ResourceValue(const std::string& name) {
+    return applicationResources().symbol(name);
+}
 
 Answer<std::string> PictureBytes(const std::string& name) {
     if (name.empty()) return {"", BitmapInvalid};
-    if (const std::string_view* const bytes = applicationResources().picture(name)) return {std::string(*bytes), Ok};
+    if (const std::string_view* const bytes = applicationResources().picture(name))
+        return {std::string(*bytes), Ok};
     std::string path = os::native(name), bytes;
-    if (!path.starts_with('/')) path = ApplicationResources().substr(0, ApplicationResources().rfind('/') + 1) + path;
+    if (!path.starts_with('/'))
+        path = ApplicationResources().substr(0, ApplicationResources().rfind('/') + 1) + path;
     if (os::readFile(path, bytes) != os::FileError::None || bytes.empty()) return {"", BitmapInvalid};
     return {std::move(bytes), Ok};
 }

@@ -17,12 +17,13 @@
 //                   symbols: name (text), number (4 bytes)
 //                   the data
 //
-// The data of a window is its object, the number of its controls, those, the number of its menu items, those. An
-// object is its type (1 byte), number (4 bytes), name, count of properties (2 bytes), and for each a name and a value.
-// The data of a BITMAP is the bytes of its file, that of a VERSIONINFO its text; other kinds have none.
+// The data of a window is its object, the number of its controls, those, the number of its menu items, those.
+// An object is its type (1 byte), number (4 bytes), name, count of properties (2 bytes), and for each a name
+// and a value. The data of a BITMAP is the bytes of its file, that of a VERSIONINFO its text; other kinds
+// have none.
 //
-// Cost: opening is linear in the entries and checks the sum of all bytes; a window is found by its name and decoded
-// in a pass over its data.
+// Cost: opening is linear in the entries and checks the sum of all bytes; a window is found by its name and
+// decoded in a pass over its data.
 #pragma once
 
 #include "platform/properties.h"
@@ -56,7 +57,8 @@ public:
     CompiledResources(CompiledResources&&) = delete;  // entries point into the bytes
     std::string open(std::string bytes);  // an error text, empty on success; on failure it holds nothing
     [[nodiscard]] std::string info(const std::string& kind, const std::string& name) const;
-    [[nodiscard]] bool window(std::string_view name, WindowTemplate& result) const;  // false: none, or damaged
+    [[nodiscard]] bool window(std::string_view name,
+                              WindowTemplate& result) const;  // false: none, or damaged
     [[nodiscard]] bool empty() const { return entries_.empty() && symbols_.empty(); }
     [[nodiscard]] const std::string_view* picture(std::string_view name) const;  // null if there is none
     [[nodiscard]] int symbol(std::string_view name) const;
@@ -75,19 +77,20 @@ private:
     std::map<std::string, int, LessText> symbols_;
 };
 
-// The window `name` of a text file, numbered, with its menu. A fault tells what is wrong; its text is empty if there
-// is none.
+// The window `name` of a text file, numbered, with its menu. A fault tells what is wrong; its text is empty
+// if there is none.
 RcFault makeTemplate(const RcFile& file, std::string_view name, WindowTemplate& result);
 // The same with the menus of other files beside; `menu` may be null.
-RcFault makeTemplate(const RcFile& file, const RcStatement& window, const RcFile* menuFile, const RcStatement* menu,
-                     WindowTemplate& result);
+RcFault makeTemplate(const RcFile& file, const RcStatement& window, const RcFile* menuFile,
+                     const RcStatement* menu, WindowTemplate& result);
 
 // Parts of a compiled file, for the compiler.
 std::string encodeWindow(const WindowTemplate& window);
 struct CompiledEntry {
     std::string kind, name, line, data;
 };
-std::string encodeResources(const std::vector<CompiledEntry>& entries, const std::map<std::string, int, LessText>& symbols);
+std::string encodeResources(const std::vector<CompiledEntry>& entries,
+                            const std::map<std::string, int, LessText>& symbols);
 
 // The line of a resource as ResourceInfo gives it; of a version block the text if `whole`.
 std::string resourceLine(const RcFile& file, const RcStatement& statement, bool whole);

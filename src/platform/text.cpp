@@ -52,7 +52,8 @@ std::optional<int> wholeNumber(std::string_view text) {
 int leadingNumber(std::string_view text) {
     text = trim(text);
     std::size_t length = text.starts_with('-') || text.starts_with('+') ? 1 : 0;
-    const bool hexadecimal = text.size() > length + 2 && text[length] == '0' && upper(text[length + 1]) == 'X';
+    const bool hexadecimal =
+        text.size() > length + 2 && text[length] == '0' && upper(text[length + 1]) == 'X';
     if (hexadecimal) length += 2;
     const auto digit = [&](char c) {
         return (c >= '0' && c <= '9') || (hexadecimal && upper(c) >= 'A' && upper(c) <= 'F');

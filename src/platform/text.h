@@ -10,7 +10,9 @@
 
 namespace tarn::platform {
 
-inline char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+inline char upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 std::string upper(std::string_view text);
 bool sameText(std::string_view a, std::string_view b);  // without regard to case
 bool lessText(std::string_view a, std::string_view b);  // an order without regard to case

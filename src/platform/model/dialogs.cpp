@@ -49,7 +49,8 @@ BoxIcon iconOf(int flags) {
     }
 }
 
-std::string askFile(Question::Kind kind, const std::string& title, const std::string& start, const std::string& filter) {
+std::string askFile(Question::Kind kind, const std::string& title, const std::string& start,
+                    const std::string& filter) {
     Question question;
     question.kind = kind;
     question.title = title;
@@ -62,8 +63,8 @@ int trace = 0, userBreak = 0;
 
 }  // namespace
 
-std::string MsgBox(const std::string& title, const std::string& text, const std::string& buttons, BoxIcon icon,
-                   int defaultButton) {
+std::string MsgBox(const std::string& title, const std::string& text, const std::string& buttons,
+                   BoxIcon icon, int defaultButton) {
     Question question;
     question.title = title;
     question.text = text;
@@ -117,26 +118,34 @@ std::string OpenFolderDialog(const std::string& title, const std::string& start)
     return askFile(Question::Kind::Folder, title, start, "");
 }
 
-void Sound() { view().sound(); }
-void PlaySound(const std::string& wavFile) { view().playSound(wavFile); }
+void Sound() {
+    view().sound();
+}
+void PlaySound(const std::string& wavFile) {
+    view().playSound(wavFile);
+}
 
 std::string SystemInfo() {
     utsname names{};
     std::string text;
     if (os::readFile("/etc/os-release", text) == os::FileError::None)
         for (const std::string& line : linesOf(text))
-            if (line.starts_with("PRETTY_NAME=\"") && line.ends_with('"')) return line.substr(13, line.size() - 14);
+            if (line.starts_with("PRETTY_NAME=\"") && line.ends_with('"'))
+                return line.substr(13, line.size() - 14);
     return ::uname(&names) == 0 ? names.sysname : "Linux";
 }
 
 Answer<std::int64_t> DiskSpace(const std::string& folder) {
     const std::string path = os::native(folder);
     std::int64_t bytes = 0;
-    if (!os::infoOf(path).folder || os::files().freeSpace(path, bytes) != os::FileError::None) return {-1, Ok};
+    if (!os::infoOf(path).folder || os::files().freeSpace(path, bytes) != os::FileError::None)
+        return {-1, Ok};
     return {bytes, Ok};
 }
 
-void AppIcon(const std::string& file) { view().setIcon(file); }
+void AppIcon(const std::string& file) {
+    view().setIcon(file);
+}
 
 void SetBusy(bool busy) {
     int& depth = state().busy;
@@ -149,14 +158,32 @@ void SetTimer(const Object& owner, int milliseconds) {
     if (Control* const control = findControl(owner)) view().setTimer(*control, std::max(milliseconds, 0));
 }
 
-void OpenUrl(const std::string& url) { view().openUrl(url); }
-void ShowToolProgress(const std::string& text) { view().toolProgress(text); }
-bool ToolStopPressed() { return view().toolStopPressed(); }
-void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines) { view().showSplash(pictureFile, lines); }
-void CloseSplash() { view().closeSplash(); }
-void SetTrace(int mode) { trace = mode; }
-int GetTrace() { return trace; }
-int GetUserBreak() { return userBreak; }
-void SetUserBreak(int value) { userBreak = value; }
+void OpenUrl(const std::string& url) {
+    view().openUrl(url);
+}
+void ShowToolProgress(const std::string& text) {
+    view().toolProgress(text);
+}
+bool ToolStopPressed() {
+    return view().toolStopPressed();
+}
+void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines) {
+    view().showSplash(pictureFile, lines);
+}
+void CloseSplash() {
+    view().closeSplash();
+}
+void SetTrace(int mode) {
+    trace = mode;
+}
+int GetTrace() {
+    return trace;
+}
+int GetUserBreak() {
+    return userBreak;
+}
+void SetUserBreak(int value) {
+    userBreak = value;
+}
 
 }  // namespace tarn::platform

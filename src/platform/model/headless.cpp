@@ -41,13 +41,16 @@ public:
         while (!until()) {
             step();
             if (until()) break;
-            if (idle_) idle_();
-            else if (!sleepToTimer()) break;  // nobody can end this wait
+            if (idle_)
+                idle_();
+            else if (!sleepToTimer())
+                break;  // nobody can end this wait
         }
     }
     void pump() override { step(); }
-    void wait(int milliseconds, bool) override {
-        os::clock().sleep(milliseconds * nanosecondsPerMillisecond);
+    // What a key or a click may end is there to be looked at, and nobody looks.
+    void wait(int milliseconds, bool inputEnds) override {
+        if (!inputEnds) os::clock().sleep(milliseconds * nanosecondsPerMillisecond);
         step();
         if (idle_) idle_();
     }
@@ -188,8 +191,10 @@ bool Headless::answer(const std::string& text) {
 int Headless::textWidth(const Control&, std::string_view text) {
     int widest = 0, letters = 0;
     for (const char c : text) {
-        if (c == '\n') letters = 0;
-        else if ((static_cast<unsigned char>(c) & 0xc0U) != 0x80U) ++letters;  // a letter of several bytes is one
+        if (c == '\n')
+            letters = 0;
+        else if ((static_cast<unsigned char>(c) & 0xc0U) != 0x80U)
+            ++letters;  // a letter of several bytes is one
         widest = std::max(widest, letters);
     }
     return widest * letterWidth;

@@ -28,7 +28,8 @@ std::string instanceName() {
 
 Window* windowWith(const std::string& windowClass, const std::string& caption) {
     for (const auto& window : state().windows)
-        if (window->caption == caption && WindowClassName(typeName(window->type)) == windowClass) return window.get();
+        if (window->caption == caption && WindowClassName(typeName(window->type)) == windowClass)
+            return window.get();
     return nullptr;
 }
 
@@ -56,7 +57,8 @@ void stopServing() {
     os::stopInstanceServer();
 }
 
-// A modal wait that nobody can end any more is over: the window is closed as its close button would, or else hidden.
+// A modal wait that nobody can end any more is over: the window is closed as its close button would, or else
+// hidden.
 void endModal(int handle) {
     if (Window* const window = windowOfHandle(handle)) static_cast<void>(Unload(window->object));
     if (Window* const window = windowOfHandle(handle)) setShown(*window, false);
@@ -96,11 +98,13 @@ std::string Load(const Object& object, const std::string& file, const std::strin
     if (findWindow(window) != nullptr) return "The window '" + window.window() + "' is already loaded.";
     std::string bytes;
     const os::FileError error = os::readFile(file, bytes);
-    if (error != os::FileError::None) return "'" + file + "' cannot be read. " + std::string(os::describe(error));
+    if (error != os::FileError::None)
+        return "'" + file + "' cannot be read. " + std::string(os::describe(error));
     WindowTemplate from;
     if (isCompiledResource(bytes)) {
         CompiledResources compiled;
-        if (std::string fault = compiled.open(std::move(bytes)); !fault.empty()) return "'" + file + "': " + fault;
+        if (std::string fault = compiled.open(std::move(bytes)); !fault.empty())
+            return "'" + file + "': " + fault;
         if (!compiled.window(name, from)) return "'" + name + "' was not found in '" + file + "'.";
     } else {
         const RcFile parsed = parseResourceText(std::move(bytes));
@@ -148,7 +152,9 @@ Code Unload(const Object& object) {
     return Ok;
 }
 
-bool IsLoaded(const Object& object) { return findControl(object) != nullptr; }
+bool IsLoaded(const Object& object) {
+    return findControl(object) != nullptr;
+}
 
 bool IsModal(const Object& object) {
     const Window* const window = findWindow(object);
@@ -157,7 +163,8 @@ bool IsModal(const Object& object) {
 
 Answer<bool> GetVisible(const Object& object) {
     const Control* const control = findControl(object);
-    if (control == nullptr) return {false, object.empty() || findWindow(object) != nullptr ? ControlInvalid : WindowNotLoaded};
+    if (control == nullptr)
+        return {false, object.empty() || findWindow(object) != nullptr ? ControlInvalid : WindowNotLoaded};
     return {object.isWindow() ? static_cast<const Window*>(control)->shown : control->visible, Ok};
 }
 
@@ -185,7 +192,8 @@ Code SetWindowState(const Object& object, int value) {
     return Ok;
 }
 
-// ---- loops ------------------------------------------------------------------------------------------------------------
+// ---- loops
+// ------------------------------------------------------------------------------------------------------------
 
 void MainLoop(const Object& main) {
     const Window* const window = findWindow(main);
@@ -211,9 +219,12 @@ void WaitEvents(int milliseconds, bool inputEnds) {
     --state().waiting;
 }
 
-void QuitMainLoop() { state().quit = state().loops > 0; }
+void QuitMainLoop() {
+    state().quit = state().loops > 0;
+}
 
-// ---- commands ---------------------------------------------------------------------------------------------------------
+// ---- commands
+// ---------------------------------------------------------------------------------------------------------
 
 Code Command(int windowHandle, int control, const std::string& text) {
     const Window* const window = windowOfHandle(windowHandle);
@@ -224,7 +235,9 @@ Code Command(int windowHandle, int control, const std::string& text) {
     return Ok;
 }
 
-std::string commandText() { return state().commandText; }
+std::string commandText() {
+    return state().commandText;
+}
 
 void runCommands() {
     State& s = state();
@@ -245,7 +258,8 @@ bool FindOtherWindow(const std::string& windowClass, const std::string& caption)
 
 bool CommandOtherWindow(const std::string& windowClass, const std::string& caption, int control,
                         const std::string& text) {
-    if (const Window* const window = windowWith(windowClass, caption)) return Command(window->handle, control, text) == Ok;
+    if (const Window* const window = windowWith(windowClass, caption))
+        return Command(window->handle, control, text) == Ok;
     return os::sendInstanceCommand(instanceName(), {windowClass, caption, control, text});
 }
 
@@ -253,7 +267,8 @@ std::string WindowClassName(std::string_view typeWord) {
     return std::string(typeWord).append(".").append(version).append(".").append(build);
 }
 
-// ---- finding ------------------------------------------------------------------------------------------------------------
+// ---- finding
+// ------------------------------------------------------------------------------------------------------------
 
 std::vector<Object> WindowList() {
     std::vector<Object> list;

@@ -27,8 +27,10 @@ std::array<int, 4> numbers(std::string_view text) {
 
 void setPosition(Control& control, std::string_view value) {
     const auto [x, y, w, h] = numbers(value);
-    if (control.type == Type::Menuitem) control.level = x;
-    else control.units = {x, y, w, h};
+    if (control.type == Type::Menuitem)
+        control.level = x;
+    else
+        control.units = {x, y, w, h};
 }
 
 void setRows(Control& control, std::string_view value) {
@@ -41,9 +43,13 @@ void setRows(Control& control, std::string_view value) {
     }
 }
 
-bool flag(std::string_view value) { return leadingNumber(value) != 0; }
+bool flag(std::string_view value) {
+    return leadingNumber(value) != 0;
+}
 
-Window& asWindow(Control& control) { return static_cast<Window&>(control); }
+Window& asWindow(Control& control) {
+    return static_cast<Window&>(control);
+}
 
 using Setter = void (*)(Control& control, std::string_view value);
 
@@ -51,7 +57,10 @@ using Setter = void (*)(Control& control, std::string_view value);
 const std::unordered_map<std::string_view, Setter> setters = {
     {"POSITION", setPosition},
     {"CAPTION", [](Control& c, std::string_view v) { c.caption = v; }},
-    {"TEXT", [](Control& c, std::string_view v) { if (c.text) c.text->setText(v); }},
+    {"TEXT",
+     [](Control& c, std::string_view v) {
+         if (c.text) c.text->setText(v);
+     }},
     {"HINT", [](Control& c, std::string_view v) { c.hint = v; }},
     {"PICTURE", [](Control& c, std::string_view v) { c.picture = v; }},
     {"ROWS", setRows},
@@ -78,7 +87,11 @@ const std::unordered_map<std::string_view, Setter> setters = {
     {"CHECKED", [](Control& c, std::string_view v) { c.checked = flag(v); }},
     {"SHORTCUT", [](Control& c, std::string_view v) { c.shortcut = shortcutFromText(v); }},
     {"SHAPE", [](Control& c, std::string_view v) { c.shape = leadingNumber(v); }},
-    {"FLAGS", [](Control& c, std::string_view v) { c.flags = leadingNumber(v); c.readonly = (c.flags & READONLY) != 0; }},
+    {"FLAGS",
+     [](Control& c, std::string_view v) {
+         c.flags = leadingNumber(v);
+         c.readonly = (c.flags & READONLY) != 0;
+     }},
     {"FONTNAME", [](Control& c, std::string_view v) { c.font.name = v; }},
     {"FONTSIZE", [](Control& c, std::string_view v) { c.font.size = leadingNumber(v); }},
     {"FONTBOLD", [](Control& c, std::string_view v) { c.font.bold = flag(v); }},
@@ -137,7 +150,8 @@ struct TextOf {
 std::vector<TextOf> textsOf(const Window& window) {
     std::vector<TextOf> texts;
     const auto see = [&](const Control& control) {
-        if (control.text != nullptr && control.text->length() > 0) texts.push_back({control.handle, control.text->text()});
+        if (control.text != nullptr && control.text->length() > 0)
+            texts.push_back({control.handle, control.text->text()});
     };
     see(window);
     for (const auto& control : window.controls) see(*control);
@@ -159,12 +173,18 @@ void place(Window& window) {
 
 }  // namespace
 
-bool hasText(Type type) { return isEditWindowType(type) || type == Type::Edit || type == Type::Combobox; }
-bool hasRows(Type type) { return type == Type::Listbox || type == Type::Iconlist || type == Type::Combobox; }
+bool hasText(Type type) {
+    return isEditWindowType(type) || type == Type::Edit || type == Type::Combobox;
+}
+bool hasRows(Type type) {
+    return type == Type::Listbox || type == Type::Iconlist || type == Type::Combobox;
+}
 
 void numberArrays(Window& window) {
     std::map<std::string, int, LessText> counts;
-    const auto number = [&](Control& control) { control.index = control.array.empty() ? 0 : ++counts[control.array]; };
+    const auto number = [&](Control& control) {
+        control.index = control.array.empty() ? 0 : ++counts[control.array];
+    };
     for (const auto& control : window.controls) number(*control);
     for (const auto& item : window.menuItems) number(*item);
 }
@@ -221,16 +241,17 @@ struct NamedKey {
 };
 
 constexpr NamedKey namedKeys[] = {
-    {"Up", 38},     {"Down", 40},   {"Left", 37},      {"Right", 39},  {"Del", 46},      {"Delete", 46},
-    {"Ins", 45},    {"Insert", 45}, {"End", 35},       {"Home", 36},   {"Enter", 13},    {"Return", 13},
-    {"Escape", 27}, {"Esc", 27},    {"PgDn", 34},      {"PgUp", 33},   {"PageDown", 34}, {"PageUp", 33},
+    {"Up", 38},     {"Down", 40},   {"Left", 37},     {"Right", 39}, {"Del", 46},      {"Delete", 46},
+    {"Ins", 45},    {"Insert", 45}, {"End", 35},      {"Home", 36},  {"Enter", 13},    {"Return", 13},
+    {"Escape", 27}, {"Esc", 27},    {"PgDn", 34},     {"PgUp", 33},  {"PageDown", 34}, {"PageUp", 33},
     {"Space", 32},  {"Tab", 9},     {"Backspace", 8},
 };
 
 int keyFromText(std::string_view text) {
     if (text.size() == 1) return static_cast<unsigned char>(upper(text[0]));
     if (upper(text[0]) == 'F')
-        if (const auto number = wholeNumber(text.substr(1)); number && *number >= 1 && *number <= 24) return 111 + *number;
+        if (const auto number = wholeNumber(text.substr(1)); number && *number >= 1 && *number <= 24)
+            return 111 + *number;
     for (const NamedKey& key : namedKeys)
         if (sameText(key.name, text)) return key.code;
     return 0;

@@ -16,7 +16,9 @@ State& state() {
     return one;
 }
 
-const std::vector<std::unique_ptr<Window>>& windows() { return state().windows; }
+const std::vector<std::unique_ptr<Window>>& windows() {
+    return state().windows;
+}
 
 Window* findWindow(const Object& object) {
     for (const auto& window : state().windows)
@@ -44,16 +46,21 @@ bool isAlive(const Control& control) {
     return place != state().byHandle.end() && place->second == &control;
 }
 
-Window& windowOf(const Control& control) { return *findWindow(control.object); }
+Window& windowOf(const Control& control) {
+    return *findWindow(control.object);
+}
 
-int newHandle() { return ++state().lastHandle; }
+int newHandle() {
+    return ++state().lastHandle;
+}
 
 void enroll(Control& control) {
     control.handle = newHandle();
     state().byHandle.emplace(control.handle, &control);
 }
 
-// ---- events -------------------------------------------------------------------------------------------------------------
+// ---- events
+// -------------------------------------------------------------------------------------------------------------
 
 bool sendEvent(const Object& object, int event, const Object& sender, int parameter) {
     settle();
@@ -74,9 +81,15 @@ void settle() {
     s.removed.clear();
 }
 
-int eventDepth() { return state().depth; }
-bool waiting() { return state().waiting > 0; }
-bool busy() { return state().busy > 0; }
+int eventDepth() {
+    return state().depth;
+}
+bool waiting() {
+    return state().waiting > 0;
+}
+bool busy() {
+    return state().busy > 0;
+}
 
 Window* topModal() {
     const std::vector<int>& modal = state().modal;
@@ -90,7 +103,8 @@ bool takesInput(const Window& window) {
     return !busy() && window.shown && (top == nullptr || top == &window);
 }
 
-// ---- showing ------------------------------------------------------------------------------------------------------------
+// ---- showing
+// ------------------------------------------------------------------------------------------------------------
 
 void activate(Window& window) {
     State& s = state();
@@ -141,8 +155,8 @@ void destroy(Window& window) {
     for (const auto* controls : {&window.controls, &window.menuItems})
         for (const auto& control : *controls) s.byHandle.erase(control->handle);
     std::erase(s.activation, handle);
-    const auto place =
-        std::find_if(s.windows.begin(), s.windows.end(), [&](const auto& one) { return one.get() == &window; });
+    const auto place = std::find_if(s.windows.begin(), s.windows.end(),
+                                    [&](const auto& one) { return one.get() == &window; });
     s.unloaded.push_back(std::move(*place));
     s.windows.erase(place);
 }
@@ -157,7 +171,8 @@ bool runLoop(const std::function<bool()>& until) {
     return ended;
 }
 
-// ---- arrays ------------------------------------------------------------------------------------------------------------
+// ---- arrays
+// ------------------------------------------------------------------------------------------------------------
 
 std::vector<Control*> arrayOf(Control& control) {
     std::vector<Control*> members;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The model's own state and the ways through which everything in it is made, reached and destroyed. Only the files of
-// this folder include it.
+// The model's own state and the ways through which everything in it is made, reached and destroyed. Only the
+// files of this folder include it.
 //
-// Window functions may unload any window, their own too. So nothing here keeps a pointer to a window or a control over
-// an event: handles are kept instead, and what was unloaded is freed only when the next event begins with no other
-// one running.
+// Window functions may unload any window, their own too. So nothing here keeps a pointer to a window or a
+// control over an event: handles are kept instead, and what was unloaded is freed only when the next event
+// begins with no other one running.
 #pragma once
 
 #include "os/instance.h"
@@ -21,12 +21,12 @@ namespace tarn::platform {
 
 struct State {
     std::vector<std::unique_ptr<Window>> windows;
-    std::vector<std::unique_ptr<Window>> unloaded;   // to be freed
-    std::vector<std::unique_ptr<Control>> removed;   // menu items, to be freed
-    std::unordered_map<int, Control*> byHandle;      // windows and controls that are alive
+    std::vector<std::unique_ptr<Window>> unloaded;  // to be freed
+    std::vector<std::unique_ptr<Control>> removed;  // menu items, to be freed
+    std::unordered_map<int, Control*> byHandle;     // windows and controls that are alive
     std::unordered_map<const std::string*, WindowFunction> functions;
-    std::vector<int> modal;       // handles of the windows shown modally, the innermost last
-    std::vector<int> activation;  // handles of the windows that were active, the active one last
+    std::vector<int> modal;                    // handles of the windows shown modally, the innermost last
+    std::vector<int> activation;               // handles of the windows that were active, the active one last
     std::deque<os::InstanceCommand> commands;  // of later copies, not yet run
     Object main;                               // set by MainLoop
     std::string commandText;

@@ -22,7 +22,8 @@ public:
         selection_.length = std::clamp(length, 0, this->length() + 1 - selection_.start);
     }
     void replaceSelection(std::string_view text) override {
-        text_.replace(static_cast<std::size_t>(selection_.start - 1), static_cast<std::size_t>(selection_.length), text);
+        text_.replace(static_cast<std::size_t>(selection_.start - 1),
+                      static_cast<std::size_t>(selection_.length), text);
         selection_ = {selection_.start + static_cast<int>(text.size()), 0};
         modified_ = true;
     }
@@ -37,6 +38,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<TextStore> makePlainText() { return std::make_unique<PlainText>(); }
+std::unique_ptr<TextStore> makePlainText() {
+    return std::make_unique<PlainText>();
+}
 
 }  // namespace tarn::platform

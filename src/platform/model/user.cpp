@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the user did, as a view reports it. Each function changes the model and then sends the event; what it was given
-// may be gone when it returns. A window that takes no input hears nothing.
+// What the user did, as a view reports it. Each function changes the model and then sends the event; what it
+// was given may be gone when it returns. A window that takes no input hears nothing.
 #include "platform/model/state.h"
 
 #include <algorithm>
@@ -16,23 +16,28 @@ bool reachable(const Control& control) {
     return takesInput(windowOf(control)) && control.enabled;
 }
 
-int place(int x, int y) { return (y & 0xffff) << 16 | (x & 0xffff); }
+int place(int x, int y) {
+    return (y & 0xffff) << 16 | (x & 0xffff);
+}
 
 void send(const Control& control, int event, int parameter = 0) {
     sendEvent(control.object.owner(), event, control.object, parameter);
 }
 
 Control* buttonFor(Window& window, int key, const Control* focus) {
-    if (key == KEY_RETURN && focus != nullptr && focus->type == Type::Pushbutton) return const_cast<Control*>(focus);
+    if (key == KEY_RETURN && focus != nullptr && focus->type == Type::Pushbutton)
+        return const_cast<Control*>(focus);
     for (const auto& control : window.controls) {
         const bool meant = key == KEY_RETURN ? control->isDefault : control->isCancel;
-        if (control->type == Type::Pushbutton && meant && control->enabled && control->visible) return control.get();
+        if (control->type == Type::Pushbutton && meant && control->enabled && control->visible)
+            return control.get();
     }
     return nullptr;
 }
 
 bool takesReturn(const Window& window, const Control* focus) {
-    return isEditWindowType(window.type) || (focus != nullptr && focus->type == Type::Edit && focus->multiline != 0);
+    return isEditWindowType(window.type) ||
+           (focus != nullptr && focus->type == Type::Edit && focus->multiline != 0);
 }
 
 }  // namespace
@@ -53,8 +58,10 @@ void userValue(Control& control, int value) {
         control.value = std::clamp(value, control.minimum, std::max(control.minimum, control.maximum));
         return send(control, CHANGE_EVENT);
     }
-    if (control.type == Type::Radiobutton) setRadio(control, value);
-    else control.value = value;
+    if (control.type == Type::Radiobutton)
+        setRadio(control, value);
+    else
+        control.value = value;
     send(control, COMMAND_EVENT);
 }
 
@@ -95,7 +102,8 @@ void userActivate(Window& window) {
 
 void userMoved(Window& window, const Rect& frame, int state) {
     if (!isAlive(window)) return;
-    const bool resized = frame.w != window.position.w || frame.h != window.position.h || state != window.state;
+    const bool resized =
+        frame.w != window.position.w || frame.h != window.position.h || state != window.state;
     window.position = frame;
     window.state = state;
     if (resized) sendEvent(window.object, RESIZE_EVENT, window.object, 0);

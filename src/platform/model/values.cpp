@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Windowing operations: captions, texts, values, list rows, positions, arrays and fonts. Each looks its object up,
-// changes the model and tells the view; a control that lacks the property answers with an empty value.
+// Windowing operations: captions, texts, values, list rows, positions, arrays and fonts. Each looks its
+// object up, changes the model and tells the view; a control that lacks the property answers with an empty
+// value.
 #include "platform/windowing.h"
 
 #include "platform/model/state.h"
@@ -41,9 +42,15 @@ bool assign(T& field, T value) {
     return true;
 }
 
-bool isRange(Type type) { return type == Type::Scrollbar || type == Type::Progressbar; }
-bool isMark(Type type) { return type == Type::Checkbox || type == Type::Radiobutton; }
-bool isDropList(const Control& c) { return c.type == Type::Combobox && c.comboStyle == 2; }
+bool isRange(Type type) {
+    return type == Type::Scrollbar || type == Type::Progressbar;
+}
+bool isMark(Type type) {
+    return type == Type::Checkbox || type == Type::Radiobutton;
+}
+bool isDropList(const Control& c) {
+    return c.type == Type::Combobox && c.comboStyle == 2;
+}
 
 std::string selectedRow(const Control& c) {
     return c.listIndex > 0 ? c.rows[static_cast<std::size_t>(c.listIndex - 1)].text : std::string();
@@ -54,10 +61,12 @@ std::string textOf(const Control& c) {
     return c.text != nullptr ? c.text->text() : std::string();
 }
 
-// Selects the row that equals the text, with the case as it is or else without; none leaves the selection alone.
+// Selects the row that equals the text, with the case as it is or else without; none leaves the selection
+// alone.
 bool selectRowOf(Control& c, std::string_view text) {
     const auto find = [&](auto same) {
-        const auto row = std::find_if(c.rows.begin(), c.rows.end(), [&](const Row& one) { return same(one.text, text); });
+        const auto row =
+            std::find_if(c.rows.begin(), c.rows.end(), [&](const Row& one) { return same(one.text, text); });
         return row == c.rows.end() ? 0 : static_cast<int>(row - c.rows.begin()) + 1;
     };
     int row = find([](std::string_view a, std::string_view b) { return a == b; });
@@ -82,7 +91,8 @@ Answer<int> GetHandle(const Object& object) {
 }
 
 Answer<std::string> GetName(const Object& object) {
-    return ask<std::string>(object, [&](const Control& c) { return object.isWindow() ? c.object.window() : c.name; });
+    return ask<std::string>(object,
+                            [&](const Control& c) { return object.isWindow() ? c.object.window() : c.name; });
 }
 
 Answer<std::string> GetCaption(const Object& object) {
@@ -90,10 +100,13 @@ Answer<std::string> GetCaption(const Object& object) {
 }
 
 Code SetCaption(const Object& object, std::string_view caption) {
-    return tell(object, Property::Caption, [&](Control& c) { return assign(c.caption, std::string(caption)); });
+    return tell(object, Property::Caption,
+                [&](Control& c) { return assign(c.caption, std::string(caption)); });
 }
 
-Answer<std::string> GetText(const Object& object) { return ask<std::string>(object, textOf); }
+Answer<std::string> GetText(const Object& object) {
+    return ask<std::string>(object, textOf);
+}
 
 Code SetText(const Object& object, std::string_view text) {
     return tell(object, Property::Text, [&](Control& c) { return setText(c, text); });
@@ -136,7 +149,8 @@ Code SetSelText(const Object& object, std::string_view text) {
 }
 
 Answer<Selection> GetSelection(const Object& object) {
-    return ask<Selection>(object, [](const Control& c) { return c.text == nullptr ? Selection() : c.text->selection(); });
+    return ask<Selection>(
+        object, [](const Control& c) { return c.text == nullptr ? Selection() : c.text->selection(); });
 }
 
 Code SetSelection(const Object& object, int start, int length) {
@@ -154,7 +168,8 @@ Code SetValue(const Object& object, int value) {
     return tell(object, Property::Value, [&](Control& c) {
         if (c.type == Type::Radiobutton) return setRadio(c, value != 0 ? 1 : 0), false;
         if (c.type == Type::Checkbox) return assign(c.value, value != 0 ? 1 : 0);
-        return isRange(c.type) && assign(c.value, std::clamp(value, c.minimum, std::max(c.minimum, c.maximum)));
+        return isRange(c.type) &&
+               assign(c.value, std::clamp(value, c.minimum, std::max(c.minimum, c.maximum)));
     });
 }
 
@@ -165,9 +180,8 @@ Answer<bool> GetChecked(const Object& object) {
 Code SetChecked(const Object& object, bool checked) {
     if (const Control* const control = findControl(object); control != nullptr && isMark(control->type))
         return SetValue(object, checked ? 1 : 0);
-    return tell(object, Property::Checked, [&](Control& c) {
-        return c.type == Type::Menuitem && assign(c.checked, checked);
-    });
+    return tell(object, Property::Checked,
+                [&](Control& c) { return c.type == Type::Menuitem && assign(c.checked, checked); });
 }
 
 Answer<bool> GetModify(const Object& object) {
@@ -190,9 +204,8 @@ Answer<int> GetMaxLength(const Object& object) {
 }
 
 Code SetMaxLength(const Object& object, int length) {
-    return tell(object, Property::MaxLength, [&](Control& c) {
-        return c.text != nullptr && assign(c.maxLength, std::max(length, 0));
-    });
+    return tell(object, Property::MaxLength,
+                [&](Control& c) { return c.text != nullptr && assign(c.maxLength, std::max(length, 0)); });
 }
 
 Answer<int> GetPasswordChar(const Object& object) {
@@ -200,17 +213,18 @@ Answer<int> GetPasswordChar(const Object& object) {
 }
 
 Code SetPasswordChar(const Object& object, int character) {
-    return tell(object, Property::Password, [&](Control& c) {
-        return c.type == Type::Edit && assign(c.passwordChar, character);
-    });
+    return tell(object, Property::Password,
+                [&](Control& c) { return c.type == Type::Edit && assign(c.passwordChar, character); });
 }
 
 Answer<std::string> GetCombotext(const Object& object) {
-    return ask<std::string>(object, [](const Control& c) { return c.type == Type::Combobox ? textOf(c) : ""; });
+    return ask<std::string>(object,
+                            [](const Control& c) { return c.type == Type::Combobox ? textOf(c) : ""; });
 }
 
 Code SetCombotext(const Object& object, std::string_view text) {
-    return tell(object, Property::Text, [&](Control& c) { return c.type == Type::Combobox && setText(c, text); });
+    return tell(object, Property::Text,
+                [&](Control& c) { return c.type == Type::Combobox && setText(c, text); });
 }
 
 Answer<int> GetCombostyle(const Object& object) {
@@ -222,7 +236,8 @@ Answer<int> GetMin(const Object& object) {
 }
 
 Code SetMin(const Object& object, int value) {
-    return tell(object, Property::Range, [&](Control& c) { return isRange(c.type) && assign(c.minimum, value); });
+    return tell(object, Property::Range,
+                [&](Control& c) { return isRange(c.type) && assign(c.minimum, value); });
 }
 
 Answer<int> GetMax(const Object& object) {
@@ -230,7 +245,8 @@ Answer<int> GetMax(const Object& object) {
 }
 
 Code SetMax(const Object& object, int value) {
-    return tell(object, Property::Range, [&](Control& c) { return isRange(c.type) && assign(c.maximum, value); });
+    return tell(object, Property::Range,
+                [&](Control& c) { return isRange(c.type) && assign(c.maximum, value); });
 }
 
 Answer<bool> GetEnabled(const Object& object) {
@@ -264,10 +280,12 @@ Answer<std::string> GetPicture(const Object& object) {
 }
 
 Code SetPicture(const Object& object, std::string_view picture) {
-    return tell(object, Property::Picture, [&](Control& c) { return assign(c.picture, std::string(picture)); });
+    return tell(object, Property::Picture,
+                [&](Control& c) { return assign(c.picture, std::string(picture)); });
 }
 
-// ---- list controls ---------------------------------------------------------------------------------------------------
+// ---- list controls
+// ---------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -278,7 +296,9 @@ std::string rowText(std::string_view text) {
     return std::string(text);
 }
 
-bool hasRow(const Control& c, int row) { return row >= 1 && row <= static_cast<int>(c.rows.size()); }
+bool hasRow(const Control& c, int row) {
+    return row >= 1 && row <= static_cast<int>(c.rows.size());
+}
 
 bool insertRow(Control& c, int row, std::string_view text, std::string_view picture) {
     if (!hasRows(c.type)) return false;
@@ -329,8 +349,10 @@ Code RemoveItem(const Object& list, int row) {
     return tell(list, Property::Rows, [&](Control& c) {
         if (!hasRow(c, row)) return false;
         c.rows.erase(c.rows.begin() + (row - 1));
-        if (c.listIndex == row) c.listIndex = 0;
-        else if (c.listIndex > row) --c.listIndex;
+        if (c.listIndex == row)
+            c.listIndex = 0;
+        else if (c.listIndex > row)
+            --c.listIndex;
         return true;
     });
 }
@@ -361,12 +383,14 @@ Code SetArrayValue(const Object& object, std::string_view name, std::string_view
     return Ok;
 }
 
-// ---- position ---------------------------------------------------------------------------------------------------------
+// ---- position
+// ---------------------------------------------------------------------------------------------------------
 
 namespace {
 
 Rect inside(const Rect& frame, const Rect& extents) {
-    return {frame.x + extents.x, frame.y + extents.y, std::max(0, frame.w - extents.w), std::max(0, frame.h - extents.h)};
+    return {frame.x + extents.x, frame.y + extents.y, std::max(0, frame.w - extents.w),
+            std::max(0, frame.h - extents.h)};
 }
 
 // A size of the frame within the limits of its client area; a limit of 0 is none.
@@ -407,16 +431,27 @@ Answer<Rect> GetPosition(const Object& object, Unit unit) {
 
 Code SetPosition(const Object& object, Unit unit, const Rect& rect) {
     return tell(object, Property::Position, [&](Control& c) {
-        return assign(c.position, object.isWindow() ? frameFor(static_cast<const Window&>(c), unit, rect) : rect);
+        return assign(c.position,
+                      object.isWindow() ? frameFor(static_cast<const Window&>(c), unit, rect) : rect);
     });
 }
 
-Answer<Rect> GetMinPosition(const Object& window) { return limit(window, &Window::minimum_); }
-Code SetMinPosition(const Object& window, const Rect& rect) { return setLimit(window, &Window::minimum_, rect); }
-Answer<Rect> GetMaxPosition(const Object& window) { return limit(window, &Window::maximum_); }
-Code SetMaxPosition(const Object& window, const Rect& rect) { return setLimit(window, &Window::maximum_, rect); }
+Answer<Rect> GetMinPosition(const Object& window) {
+    return limit(window, &Window::minimum_);
+}
+Code SetMinPosition(const Object& window, const Rect& rect) {
+    return setLimit(window, &Window::minimum_, rect);
+}
+Answer<Rect> GetMaxPosition(const Object& window) {
+    return limit(window, &Window::maximum_);
+}
+Code SetMaxPosition(const Object& window, const Rect& rect) {
+    return setLimit(window, &Window::maximum_, rect);
+}
 
-Rect ScreenSize() { return view().screen(); }
+Rect ScreenSize() {
+    return view().screen();
+}
 
 Answer<int> TextWidth(const Object& object, std::string_view text) {
     return ask<int>(object, [&](const Control& c) { return view().textWidth(c, text); });
@@ -426,9 +461,12 @@ Answer<int> TextHeight(const Object& object, std::string_view text) {
     return ask<int>(object, [&](const Control& c) { return view().textHeight(c, text); });
 }
 
-int GetDpi() { return view().dpi(); }
+int GetDpi() {
+    return view().dpi();
+}
 
-// ---- control arrays ---------------------------------------------------------------------------------------------------
+// ---- control arrays
+// ---------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -456,7 +494,8 @@ Answer<Bounds> ControlBounds(const Object& element) {
 
 Object ControlElement(const Object& element, int index) {
     std::vector<Control*> members;
-    const bool found = arrayFor(element, members) == Ok && index >= 1 && index <= static_cast<int>(members.size());
+    const bool found =
+        arrayFor(element, members) == Ok && index >= 1 && index <= static_cast<int>(members.size());
     return found ? members[static_cast<std::size_t>(index - 1)]->object : Object();
 }
 
@@ -504,7 +543,8 @@ Code RemoveMenuitem(const Object& object) {
     return Ok;
 }
 
-// ---- fonts ------------------------------------------------------------------------------------------------------------
+// ---- fonts
+// ------------------------------------------------------------------------------------------------------------
 
 Answer<Font> GetFont(const Object& object) {
     return ask<Font>(object, [](const Control& c) { return c.font; });

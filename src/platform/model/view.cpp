@@ -26,7 +26,8 @@ bool hasScreen() {
 // The folder of the library, or of the program, that this code is in.
 std::string ownFolder() {
     Dl_info info{};
-    if (::dladdr(reinterpret_cast<const void*>(&hasScreen), &info) == 0 || info.dli_fname == nullptr) return "";
+    if (::dladdr(reinterpret_cast<const void*>(&hasScreen), &info) == 0 || info.dli_fname == nullptr)
+        return "";
     const std::string path = info.dli_fname;
     return path.substr(0, path.rfind('/') + 1);
 }
@@ -48,6 +49,8 @@ View& view() {
     return *one;
 }
 
-std::unique_ptr<View> useView(std::unique_ptr<View> view) { return std::exchange(current(), std::move(view)); }
+std::unique_ptr<View> useView(std::unique_ptr<View> view) {
+    return std::exchange(current(), std::move(view));
+}
 
 }  // namespace tarn::platform

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// tarn-rcx OUT.rcx IN.rc...: compiles resource files. Messages go to standard error; the exit code is 1 if there is
-// one, 2 if the command line is wrong.
+// tarn-rcx OUT.rcx IN.rc...: compiles resource files. Messages go to standard error; the exit code is 1 if
+// there is one, 2 if the command line is wrong.
 #include "platform/resource.h"
 
 #include <cstdio>

@@ -13,6 +13,8 @@
 #include <deque>
 #include <functional>
 #include <set>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace tarn::platform {
 namespace {
@@ -175,7 +177,8 @@ protected:
     Control& control(const char* name) { return *findControl(mine(name)); }
 };
 
-// ---- names -------------------------------------------------------------------------------------------------------------
+// ---- names
+// -------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, ObjectsCompareWithoutRegardToCase) {
     EXPECT_EQ(Object("main"), main);
@@ -236,7 +239,8 @@ TEST_F(ModelTest, TypesAreTold) {
     EXPECT_EQ(GetTypeof(editor), "Editwindow");
 }
 
-// ---- life --------------------------------------------------------------------------------------------------------------
+// ---- life
+// --------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, LoadSendsLoadEventOnceBeforeTheWindowIsShown) {
     handler = [](const Object& window, int event, const Object&, int) {
@@ -260,9 +264,11 @@ TEST_F(ModelTest, LoadOfWhatIsNotThereTellsWhy) {
     EXPECT_EQ(Load(Object()), WindowNotInResources);
     SetApplicationResources(folder / "absent.rcx");
     EXPECT_EQ(Load(main), 704);
-    EXPECT_EQ(Load(main, folder / "absent.rc", "Main"), "'" + (folder / "absent.rc") + "' cannot be read. " +
-                                                            std::string(os::describe(os::FileError::NotFound)));
-    EXPECT_EQ(Load(main, folder / "a.rc", "None"), "'" + (folder / "a.rc") + "', line 1: 'None' was not found.");
+    EXPECT_EQ(Load(main, folder / "absent.rc", "Main"),
+              "'" + (folder / "absent.rc") + "' cannot be read. " +
+                  std::string(os::describe(os::FileError::NotFound)));
+    EXPECT_EQ(Load(main, folder / "a.rc", "None"),
+              "'" + (folder / "a.rc") + "', line 1: 'None' was not found.");
     EXPECT_FALSE(IsLoaded(main));
 }
 
@@ -298,28 +304,82 @@ TEST_F(ModelTest, UnloadSendsCloseAndObeysAVeto) {
 
 TEST_F(ModelTest, EveryOperationOnWhatIsNotLoadedGives702AndOnANumberThatIsNot727) {
     const auto codes = [](const Object& o) {
-        return std::vector<Code>{
-            GetCaption(o).code, SetCaption(o, ""), GetText(o).code, SetText(o, ""), GetTextLength(o).code,
-            GetTokens(o).code, SetTokens(o, ""), GetSelText(o).code, SetSelText(o, ""), GetSelection(o).code,
-            SetSelection(o, 1, 1), GetValue(o).code, SetValue(o, 1), GetChecked(o).code, SetChecked(o, true),
-            GetModify(o).code, SetModify(o, true), GetReadonly(o).code, GetMaxLength(o).code, SetMaxLength(o, 1),
-            GetPasswordChar(o).code, SetPasswordChar(o, 1), GetCombotext(o).code, SetCombotext(o, ""),
-            GetCombostyle(o).code, GetMin(o).code, SetMin(o, 0), GetMax(o).code, SetMax(o, 1), GetEnabled(o).code,
-            SetEnabled(o, true), GetFlags(o).code, SetFlags(o, 0), GetBorderStyle(o).code, GetPicture(o).code,
-            SetPicture(o, ""), GetListCount(o).code, GetListIndex(o).code, SetListIndex(o, 0), GetList(o, 1).code,
-            SetList(o, 1, ""), AddItem(o, ""), AddItem(o, 1, ""), RemoveItem(o, 1), Clear(o),
-            GetPosition(o, WINDOW_UNIT).code, SetPosition(o, CLIENT_UNIT, {}), TextWidth(o, "").code,
-            TextHeight(o, "").code, ControlBounds(o).code, ControlIndex(o).code, Controlselectionpos(o).code,
-            AddMenuitem(o, ""), RemoveMenuitem(o), GetFont(o).code, SetFont(o, {}), GetVisible(o).code,
-            GetHandle(o).code, GetName(o).code};
+        return std::vector<Code>{GetCaption(o).code,
+                                 SetCaption(o, ""),
+                                 GetText(o).code,
+                                 SetText(o, ""),
+                                 GetTextLength(o).code,
+                                 GetTokens(o).code,
+                                 SetTokens(o, ""),
+                                 GetSelText(o).code,
+                                 SetSelText(o, ""),
+                                 GetSelection(o).code,
+                                 SetSelection(o, 1, 1),
+                                 GetValue(o).code,
+                                 SetValue(o, 1),
+                                 GetChecked(o).code,
+                                 SetChecked(o, true),
+                                 GetModify(o).code,
+                                 SetModify(o, true),
+                                 GetReadonly(o).code,
+                                 GetMaxLength(o).code,
+                                 SetMaxLength(o, 1),
+                                 GetPasswordChar(o).code,
+                                 SetPasswordChar(o, 1),
+                                 GetCombotext(o).code,
+                                 SetCombotext(o, ""),
+                                 GetCombostyle(o).code,
+                                 GetMin(o).code,
+                                 SetMin(o, 0),
+                                 GetMax(o).code,
+                                 SetMax(o, 1),
+                                 GetEnabled(o).code,
+                                 SetEnabled(o, true),
+                                 GetFlags(o).code,
+                                 SetFlags(o, 0),
+                                 GetBorderStyle(o).code,
+                                 GetPicture(o).code,
+                                 SetPicture(o, ""),
+                                 GetListCount(o).code,
+                                 GetListIndex(o).code,
+                                 SetListIndex(o, 0),
+                                 GetList(o, 1).code,
+                                 SetList(o, 1, ""),
+                                 AddItem(o, ""),
+                                 AddItem(o, 1, ""),
+                                 RemoveItem(o, 1),
+                                 Clear(o),
+                                 GetPosition(o, WINDOW_UNIT).code,
+                                 SetPosition(o, CLIENT_UNIT, {}),
+                                 TextWidth(o, "").code,
+                                 TextHeight(o, "").code,
+                                 ControlBounds(o).code,
+                                 ControlIndex(o).code,
+                                 Controlselectionpos(o).code,
+                                 AddMenuitem(o, ""),
+                                 RemoveMenuitem(o),
+                                 GetFont(o).code,
+                                 SetFont(o, {}),
+                                 GetVisible(o).code,
+                                 GetHandle(o).code,
+                                 GetName(o).code};
     };
     for (const Code code : codes(Object("Main", 101))) EXPECT_EQ(code, WindowNotLoaded);
     for (const Code code : codes(main)) EXPECT_EQ(code, WindowNotLoaded);
     for (const Code code : codes(Object())) EXPECT_EQ(code, ControlInvalid);
-    const std::vector<Code> window = {Show(main, true), Hide(main), GetWindowState(main).code, SetWindowState(main, 1),
-                                      SetVisible(main, true), ControlList(main).code, GetArrayValue(main, "a").code,
-                                      SetArrayValue(main, "a", ""), GetMinPosition(main).code, SetMinPosition(main, {}),
-                                      GetMaxPosition(main).code, SetMaxPosition(main, {}), Command(1, 1, "")};
+    const std::vector<Code> window = {Show(main, true),
+                                      Hide(main),
+                                      GetWindowState(main).code,
+                                      SetWindowState(main, 1),
+                                      SetVisible(main, true),
+                                      ControlList(main).code,
+                                      GetArrayValue(main, "a").code,
+                                      SetArrayValue(main, "a", ""),
+                                      GetMinPosition(main).code,
+                                      SetMinPosition(main, {}),
+                                      GetMaxPosition(main).code,
+                                      SetMaxPosition(main, {}),
+                                      Command(1, 1, "")};
     for (const Code code : window) EXPECT_EQ(code, WindowNotLoaded);
     loadMain();
     for (const Code code : codes(Object("Main", 4711))) EXPECT_EQ(code, ControlInvalid);
@@ -344,8 +404,8 @@ TEST_F(ModelTest, AControlWithoutThePropertyAnswersEmptyWithoutAnError) {
 }
 
 TEST_F(ModelTest, AWindowMayUnloadItselfInAnyOfItsEvents) {
-    for (const int event : {LOAD_EVENT, ACTIVATE_EVENT, COMMAND_EVENT, CHANGE_EVENT, KEYPRESS_EVENT, DBLCLICK_EVENT,
-                            INFO_EVENT, RESIZE_EVENT, TIMER_EVENT, CLOSE_EVENT}) {
+    for (const int event : {LOAD_EVENT, ACTIVATE_EVENT, COMMAND_EVENT, CHANGE_EVENT, KEYPRESS_EVENT,
+                            DBLCLICK_EVENT, INFO_EVENT, RESIZE_EVENT, TIMER_EVENT, CLOSE_EVENT}) {
         SCOPED_TRACE(event);
         handler = [&](const Object& window, int now, const Object& sender, int) {
             if (now != event) return false;
@@ -396,7 +456,8 @@ TEST_F(ModelTest, WindowsAreListedInTheOrderOfLoading) {
     for (const Sent& sent : events) EXPECT_EQ(sent.event, LOAD_EVENT) << "the halt sends nothing";
 }
 
-// ---- showing -----------------------------------------------------------------------------------------------------------
+// ---- showing
+// -----------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, ShowActivatesAndTellsTheMainWindow) {
     ASSERT_EQ(Load(main), Ok);
@@ -461,8 +522,7 @@ TEST_F(ModelTest, ModalWaitsNest) {
         return true;
     };
     play({[&] { userCommand(*findControl(in(second, "ok"))); },
-          [&] { userCommand(*findControl(in(third, "ok"))); },
-          [&] { userClose(*findWindow(third)); }});
+          [&] { userCommand(*findControl(in(third, "ok"))); }, [&] { userClose(*findWindow(third)); }});
     userCommand(control("ok"));
     EXPECT_EQ(order, (std::vector<std::string>{"second is hidden", "third is over", "second is over"}));
     EXPECT_EQ(eventDepth(), 0);
@@ -518,11 +578,18 @@ TEST_F(ModelTest, TheMainLoopEndsWithItsWindowOrWhenItIsQuit) {
     EXPECT_FALSE(IsLoaded(main));
     loadMain();
     Load(second);
-    play({[&] { Show(second, true); ++rounds; }, [&] { QuitMainLoop(); }});
+    play({[&] {
+              Show(second, true);
+              ++rounds;
+          },
+          [&] { QuitMainLoop(); }});
     MainLoop(main);
     EXPECT_EQ(rounds, 2) << "modal waits end too";
     EXPECT_TRUE(IsLoaded(main));
-    play({[&] { ++rounds; Unload(main); }});
+    play({[&] {
+        ++rounds;
+        Unload(main);
+    }});
     MainLoop(main);
     EXPECT_EQ(rounds, 3) << "the next loop runs again";
 }
@@ -530,7 +597,8 @@ TEST_F(ModelTest, TheMainLoopEndsWithItsWindowOrWhenItIsQuit) {
 TEST_F(ModelTest, TimersFireAgainAndAgainUntilTheyAreStopped) {
     loadMain();
     const auto fired = [] {
-        return std::count_if(events.begin(), events.end(), [](const Sent& s) { return s.event == TIMER_EVENT; });
+        return std::count_if(events.begin(), events.end(),
+                             [](const Sent& s) { return s.event == TIMER_EVENT; });
     };
     SetTimer(mine("label1"), 1000);
     DoEvents();
@@ -569,7 +637,8 @@ TEST_F(ModelTest, ATimerMayEndAModalWaitWithoutAUser) {
     EXPECT_FALSE(IsLoaded(second));
 }
 
-// ---- events ------------------------------------------------------------------------------------------------------------
+// ---- events
+// ------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, TheUsersDoingsChangeTheModelFirstAndThenSendTheirEvent) {
     loadMain();
@@ -621,7 +690,8 @@ TEST_F(ModelTest, ReturnAndEscapePressTheirButtonsUnlessTheKeyWasHandled) {
     loadMain();
     Window& window = *findWindow(main);
     EXPECT_TRUE(userKey(window, &control("edit1"), KEY_RETURN));
-    EXPECT_EQ(events, (std::vector<Sent>{{"Main", KEYPRESS_EVENT, "edit1", KEY_RETURN}, {"Main", COMMAND_EVENT, "ok", 0}}));
+    EXPECT_EQ(events, (std::vector<Sent>{{"Main", KEYPRESS_EVENT, "edit1", KEY_RETURN},
+                                         {"Main", COMMAND_EVENT, "ok", 0}}));
     events.clear();
     EXPECT_TRUE(userKey(window, nullptr, KEY_ESCAPE));
     EXPECT_EQ(events.back(), (Sent{"Main", COMMAND_EVENT, "cancel", 0}));
@@ -670,7 +740,69 @@ TEST_F(ModelTest, AWindowOfThisCopyIsFoundByClassAndCaption) {
     EXPECT_FALSE(CommandOtherWindow(dialog, "other", 107, ""));
 }
 
-// ---- values ------------------------------------------------------------------------------------------------------------
+// Runs `client` as another process does, while this one waits in its main loop.
+pid_t another(const std::function<bool()>& client) {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(client() ? 0 : 1);
+    return child;
+}
+
+int exitCode(pid_t child) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(ModelTest, ALaterCopyFindsTheWindowAndItsCommandWaitsForTheModalOneToEnd) {
+    const Variable folderOfUser("XDG_RUNTIME_DIR", folder.path());
+    loadMain();
+    Load(second);
+    pid_t child = 0;
+    std::vector<std::string> order;
+    handler = [&](const Object& window, int event, const Object& sender, int parameter) {
+        if (event != COMMAND_EVENT) return false;
+        if (parameter == 1) {
+            order.push_back(window.window() + " " + GetName(sender).value + " " + commandText());
+            EXPECT_EQ(eventDepth(), 1);
+        } else {
+            Show(second, true);
+            order.push_back("the modal window is closed");
+        }
+        return true;
+    };
+    int rounds = 0, code = -1;
+    view().setIdle([&] {
+        if (++rounds == 1)
+            userCommand(control("ok"));
+        else if (child == 0)
+            child = another([] {
+                const std::string dialog = WindowClassName("Dialog");
+                DestroyAllWindows();  // those of the copy are its own
+                return FindOtherWindow(dialog, "Main") && !FindOtherWindow(dialog, "None") &&
+                       CommandOtherWindow(dialog, "Main", 120, "/a b.cls");
+            });
+        else if (code < 0 && topModal() != nullptr) {
+            int status = 0;
+            if (::waitpid(child, &status, WNOHANG) != child) return;
+            code = WIFEXITED(status) ? WEXITSTATUS(status) : 99;
+            EXPECT_TRUE(order.empty()) << "it waits";
+            Hide(second);
+        } else {
+            userClose(*findWindow(main));
+        }
+    });
+    MainLoop(main);
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(order, (std::vector<std::string>{"the modal window is closed", "Main tool /a b.cls"}));
+    const pid_t late = another([] {
+        DestroyAllWindows();
+        return !FindOtherWindow(WindowClassName("Dialog"), "Main");
+    });
+    EXPECT_EQ(exitCode(late), 0) << "nobody answers when the loop is over";
+}
+
+// ---- values
+// ------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, LoadSetsWhatTheResourcesSay) {
     loadMain();
@@ -702,7 +834,8 @@ TEST_F(ModelTest, LoadSetsWhatTheResourcesSay) {
 
 TEST_F(ModelTest, ResourceUnitsBecomePixelsByTheFontsMeasures) {
     loadMain();
-    EXPECT_EQ(GetPosition(mine("label1"), WINDOW_UNIT).value, (Rect{6, 13, 6, 13})) << "6 by 13 pixels for 4 by 8 units";
+    EXPECT_EQ(GetPosition(mine("label1"), WINDOW_UNIT).value, (Rect{6, 13, 6, 13}))
+        << "6 by 13 pixels for 4 by 8 units";
     EXPECT_EQ(GetPosition(main, CLIENT_UNIT).value, (Rect{6, 13, 60, 130}));
 }
 
@@ -730,8 +863,8 @@ TEST_F(ModelTest, TextsOfAnyBytesAreKept) {
 TEST_F(ModelTest, SelectionsStayInTheText) {
     Load(editor);
     SetText(editor, "12345");
-    const int cases[][4] = {{2, 3, 2, 3}, {0, 1, 1, 1}, {-9, 2, 1, 2}, {6, 5, 6, 0}, {99, 1, 6, 0},
-                            {4, 99, 4, 2}, {3, -1, 3, 0}, {1, INT32_MAX, 1, 5}};
+    const int cases[][4] = {{2, 3, 2, 3},  {0, 1, 1, 1},  {-9, 2, 1, 2}, {6, 5, 6, 0},
+                            {99, 1, 6, 0}, {4, 99, 4, 2}, {3, -1, 3, 0}, {1, INT32_MAX, 1, 5}};
     for (const auto& [start, length, wantedStart, wantedLength] : cases) {
         SetSelection(editor, start, length);
         EXPECT_EQ(GetSelection(editor).value.start, wantedStart);
@@ -793,7 +926,8 @@ TEST_F(ModelTest, RadioButtonsExcludeEachOtherInTheirGroup) {
     EXPECT_EQ(Controlselectionpos(mine("free1")).code, NotAControlArray);
 }
 
-// ---- lists ---------------------------------------------------------------------------------------------------------------
+// ---- lists
+// ---------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, RowsAreNumberedFromOneAndHaveNoLineEnd) {
     loadMain();
@@ -860,7 +994,8 @@ TEST_F(ModelTest, NamedValuesOfAWindow) {
     EXPECT_EQ(GetArrayValue(main, "Name").value, "");
 }
 
-// ---- positions -------------------------------------------------------------------------------------------------------------
+// ---- positions
+// -------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, PositionsAreKeptInTheLimitsOfTheWindow) {
     loadMain();
@@ -909,7 +1044,8 @@ TEST_F(ModelTest, FontsAreKept) {
     EXPECT_EQ(GetFont(mine("ok")).value, Font());
 }
 
-// ---- arrays -----------------------------------------------------------------------------------------------------------------
+// ---- arrays
+// -----------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, ArraysHaveBoundsFromOne) {
     loadMain();
@@ -934,7 +1070,8 @@ TEST_F(ModelTest, MenuArraysShrinkAndGrowAgainWithConsecutiveNumbers) {
     EXPECT_EQ(ControlBounds(first).value.upper, 1);
     EXPECT_EQ(GetTypeof(first), "Menuitem");
     for (const int handle : before) EXPECT_TRUE(FindHandle(handle).empty());
-    for (int i = 2; i <= 3; ++i) ASSERT_EQ(AddMenuitem(ControlElement(first, i - 1), "c" + std::to_string(i)), Ok);
+    for (int i = 2; i <= 3; ++i)
+        ASSERT_EQ(AddMenuitem(ControlElement(first, i - 1), "c" + std::to_string(i)), Ok);
     EXPECT_EQ(ControlBounds(first).value.upper, 3);
     for (int i = 1; i <= 3; ++i) {
         const Object item = ControlElement(first, i);
@@ -980,7 +1117,8 @@ TEST_F(ModelTest, AnItemMayBeRemovedInItsOwnEvent) {
     EXPECT_EQ(ControlBounds(mine("item_01")).value.upper, 2);
 }
 
-// ---- dialogs ----------------------------------------------------------------------------------------------------------------
+// ---- dialogs
+// ----------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, MessageBoxesAskWithTheirButtons) {
     answers = {"&No", "", "OK"};
@@ -1003,11 +1141,16 @@ struct Numeric {
 
 TEST_F(ModelTest, NumericMessageBoxes) {
     const Numeric cases[] = {
-        {0, "OK", 1, 1, BoxIcon::None},           {0, "", 1, 1, BoxIcon::None},
-        {1 + 16, "Cancel", 2, 1, BoxIcon::Error}, {1, "", 2, 1, BoxIcon::None},
-        {3 + 32 + 512, "&Yes", 6, 3, BoxIcon::Question}, {3, "", 2, 1, BoxIcon::None},
-        {4 + 48 + 256, "&No", 7, 2, BoxIcon::Warning},   {4, "", 7, 1, BoxIcon::None},
-        {5 + 64, "&Retry", 4, 1, BoxIcon::Information},  {5, "", 2, 1, BoxIcon::None},
+        {0, "OK", 1, 1, BoxIcon::None},
+        {0, "", 1, 1, BoxIcon::None},
+        {1 + 16, "Cancel", 2, 1, BoxIcon::Error},
+        {1, "", 2, 1, BoxIcon::None},
+        {3 + 32 + 512, "&Yes", 6, 3, BoxIcon::Question},
+        {3, "", 2, 1, BoxIcon::None},
+        {4 + 48 + 256, "&No", 7, 2, BoxIcon::Warning},
+        {4, "", 7, 1, BoxIcon::None},
+        {5 + 64, "&Retry", 4, 1, BoxIcon::Information},
+        {5, "", 2, 1, BoxIcon::None},
     };
     for (const Numeric& one : cases) {
         answers = {one.answer};
@@ -1051,7 +1194,8 @@ TEST_F(ModelTest, WhoeverPlaysTheUserAnswersTheOpenQuestion) {
     EXPECT_EQ(ListBox("t", "p", "a\nb"), "");
 }
 
-// ---- system -----------------------------------------------------------------------------------------------------------------
+// ---- system
+// -----------------------------------------------------------------------------------------------------------------
 
 TEST_F(ModelTest, DiskSpaceOfAFolderThatDoesNotExistIsMinusOne) {
     EXPECT_GT(DiskSpace(folder.path()).value, 0);
@@ -1076,6 +1220,8 @@ TEST_F(ModelTest, WaitingLetsTimeAndTimersGoBy) {
     SetTimer(main, 500);
     const std::int64_t start = clock.steady();
     WaitEvents(3000, true);
+    EXPECT_EQ(clock.steady(), start) << "nobody looks at a splash without a screen";
+    WaitEvents(3000, false);
     EXPECT_EQ(clock.steady() - start, 3'000'000'000);
     EXPECT_EQ(events.back().event, TIMER_EVENT);
     EXPECT_FALSE(waiting());

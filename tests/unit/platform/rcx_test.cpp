@@ -29,22 +29,26 @@ protected:
     }
     std::string compile(const std::string& text) { return CompileResources({write("a.rc", text)}, rcx); }
     std::string errorAt(int line, int number, const std::string& text) {
-        return (folder / "a.rc") + "(" + std::to_string(line) + ") : error " + std::to_string(number) + " " + text + "\n";
+        return (folder / "a.rc") + "(" + std::to_string(line) + ") : error " + std::to_string(number) + " " +
+               text + "\n";
     }
 };
 
 TEST_F(CompileTest, TellsOfTheCompiledFileWhatItTellsOfTheText) {
     write("logo.bmp", "picture bytes");
-    const std::string text = "#define two 2\nlogo BITMAP \"logo.bmp\"\ninc INCFILE \"a\\\\b.txt\"\n"
-                             "Main DIALOG\nMENU=M\nLabel one 1\nLabel two\nEND\nM MENU\nMenuitem File_Open 3\nEND\n"
-                             "V VERSIONINFO\nBEGIN\nEND\nE EDITWINDOW\nEND\n";
+    const std::string text =
+        "#define two 2\nlogo BITMAP \"logo.bmp\"\ninc INCFILE \"a\\\\b.txt\"\n"
+        "Main DIALOG\nMENU=M\nLabel one 1\nLabel two\nEND\nM MENU\nMenuitem File_Open 3\nEND\n"
+        "V VERSIONINFO\nBEGIN\nEND\nE EDITWINDOW\nEND\n";
     ASSERT_EQ(compile(text), "");
     const std::string rc = folder / "a.rc";
     const std::pair<const char*, const char*> forms[] = {
-        {"*", "*"}, {"DIALOG", "*"}, {"MENU", "*"}, {"BITMAP", "*"}, {"INCFILE", "inc"}, {"VERSIONINFO", "v"},
-        {"VERSIONINFO", "*"}, {"DIALOG", "main"}, {"DIALOG", "none"}, {"Controls", "MAIN"}, {"CONTROLS", "none"}};
+        {"*", "*"},         {"DIALOG", "*"},      {"MENU", "*"},        {"BITMAP", "*"},
+        {"INCFILE", "inc"}, {"VERSIONINFO", "v"}, {"VERSIONINFO", "*"}, {"DIALOG", "main"},
+        {"DIALOG", "none"}, {"Controls", "MAIN"}, {"CONTROLS", "none"}};
     for (const auto& [kind, name] : forms) {
-        EXPECT_EQ(ResourceInfo(rcx, kind, name).text, ResourceInfo(rc, kind, name).text) << kind << " " << name;
+        EXPECT_EQ(ResourceInfo(rcx, kind, name).text, ResourceInfo(rc, kind, name).text)
+            << kind << " " << name;
         EXPECT_EQ(ResourceInfo(rcx, kind, name).error, "");
     }
     EXPECT_EQ(ResourceInfo(rcx, "Controls", "Main").text, "one 1\ntwo 2\nFile_Open 3\n");
@@ -53,7 +57,10 @@ TEST_F(CompileTest, TellsOfTheCompiledFileWhatItTellsOfTheText) {
 TEST_F(CompileTest, CarriesPicturesAndSymbols) {
     write("logo.bmp", "BM12");
     write("own.png", "PNG");
-    ASSERT_EQ(compile("#define A 7\n#define NEG -5\nlogo BITMAP \"logo.bmp\"\nD DIALOG\nLabel x 41\nLabel IDOK\nEND\n"), "");
+    ASSERT_EQ(
+        compile(
+            "#define A 7\n#define NEG -5\nlogo BITMAP \"logo.bmp\"\nD DIALOG\nLabel x 41\nLabel IDOK\nEND\n"),
+        "");
     SetApplicationResources(rcx);
     EXPECT_EQ(PictureBytes("LOGO").value, "BM12");
     EXPECT_EQ(PictureBytes("own.png").value, "PNG") << "files beside the resources";
@@ -68,7 +75,8 @@ TEST_F(CompileTest, CarriesPicturesAndSymbols) {
 }
 
 TEST_F(CompileTest, JoinsFilesAndFindsTheMenuOfAnother) {
-    const std::string a = write("a.rc", "D DIALOG\nMENU=m\nEND\n"), b = write("b.rc", "M MENU\nMenuitem x 5\nEND\n");
+    const std::string a = write("a.rc", "D DIALOG\nMENU=m\nEND\n"),
+                      b = write("b.rc", "M MENU\nMenuitem x 5\nEND\n");
     EXPECT_EQ(CompileResources({a, b}, rcx), "");
     EXPECT_EQ(ResourceInfo(rcx, "CONTROLS", "D").text, "x 5\n");
     EXPECT_EQ(CompileResources({a}, rcx), a + "(1) : error 722 The menu 'm' was not found.\n");
@@ -77,19 +85,27 @@ TEST_F(CompileTest, JoinsFilesAndFindsTheMenuOfAnother) {
 }
 
 TEST_F(CompileTest, ReportsEveryFaultWithItsLine) {
-    EXPECT_EQ(compile("D DIALOG\nLabel a 1\nLabel b 1\nEND\n"), errorAt(3, 723, "The number 1 is already used in this window."));
-    EXPECT_EQ(compile("D DIALOG\nLabel a -1\nEND\n"), errorAt(2, 723, "The number of a control must be positive."));
-    EXPECT_EQ(compile("D DIALOG\nLabel a NOSUCH\nEND\n"), errorAt(2, 723, "'NOSUCH' is no number and no symbol."));
-    EXPECT_EQ(compile("D DIALOG\nLabel a\nCOLOR=1\nEND\n"), errorAt(3, 725, "A Label has no property COLOR."));
-    EXPECT_EQ(compile("D DIALOG\nPOSITION=1 2 3\nEND\n"), errorAt(2, 725, "POSITION should be four numbers."));
-    EXPECT_EQ(compile("D DIALOG\nLabel a\nENABLED=maybe\nEND\n"), errorAt(3, 725, "ENABLED should be a number."));
+    EXPECT_EQ(compile("D DIALOG\nLabel a 1\nLabel b 1\nEND\n"),
+              errorAt(3, 723, "The number 1 is already used in this window."));
+    EXPECT_EQ(compile("D DIALOG\nLabel a -1\nEND\n"),
+              errorAt(2, 723, "The number of a control must be positive."));
+    EXPECT_EQ(compile("D DIALOG\nLabel a NOSUCH\nEND\n"),
+              errorAt(2, 723, "'NOSUCH' is no number and no symbol."));
+    EXPECT_EQ(compile("D DIALOG\nLabel a\nCOLOR=1\nEND\n"),
+              errorAt(3, 725, "A Label has no property COLOR."));
+    EXPECT_EQ(compile("D DIALOG\nPOSITION=1 2 3\nEND\n"),
+              errorAt(2, 725, "POSITION should be four numbers."));
+    EXPECT_EQ(compile("D DIALOG\nLabel a\nENABLED=maybe\nEND\n"),
+              errorAt(3, 725, "ENABLED should be a number."));
     EXPECT_EQ(compile("M MENU\nMenuitem\nTEXT=\"\"\nEND\nD DIALOG\nMENU=M\nEND\n"),
               errorAt(3, 726, "A Menuitem has no property TEXT."));
     EXPECT_EQ(compile("what is this\n\nor this\n"), errorAt(1, 725, "This is not a resource statement.") +
-                                                       errorAt(3, 725, "This is not a resource statement."));
+                                                        errorAt(3, 725, "This is not a resource statement."));
     EXPECT_EQ(compile("D DIALOG\n"), errorAt(1, 725, "The END of 'D' is missing."));
     EXPECT_EQ(compile("p BITMAP \"none.bmp\"\n"),
-              errorAt(1, 710, "The picture 'none.bmp' cannot be read. " + std::string(os::describe(os::FileError::NotFound))));
+              errorAt(1, 710,
+                      "The picture 'none.bmp' cannot be read. " +
+                          std::string(os::describe(os::FileError::NotFound))));
     EXPECT_EQ(CompileResources({folder / "none.rc"}, rcx).substr(0, (folder / "none.rc").size() + 15),
               (folder / "none.rc") + "(1) : error 704");
     EXPECT_FALSE(os::infoOf(rcx).exists) << "nothing is written when there is an error";
@@ -136,7 +152,9 @@ TEST_F(CompileTest, AnyChangedByteIsRefused) {
 
 // The sum protects from accidents; a file made on purpose has the right one and must do no harm either.
 TEST_F(CompileTest, DamageUnderARightSumNeverReadsOutside) {
-    WindowTemplate window{{Type::Dialog, 0, "D", {{"CAPTION", "x"}}}, {{Type::Label, 1, "a", {}}}, {{Type::Menuitem, 2, "", {}}}};
+    WindowTemplate window{{Type::Dialog, 0, "D", {{"CAPTION", "x"}}},
+                          {{Type::Label, 1, "a", {}}},
+                          {{Type::Menuitem, 2, "", {}}}};
     const std::string data = encodeWindow(window);
     for (std::size_t at = 0; at < data.size(); ++at)
         for (const int change : {0x01, 0x80, 0xff}) {
@@ -157,7 +175,9 @@ TEST_F(CompileTest, DamageUnderARightSumNeverReadsOutside) {
 }
 
 TEST_F(CompileTest, ObjectsWithoutANumberGetOneEach) {
-    ASSERT_EQ(compile("D DIALOG\nMENU=M\nLabel a\nLabel\nLabel b 20000\nEND\nM MENU\nMenuitem\nMenuitem c\nEND\n"), "");
+    ASSERT_EQ(
+        compile("D DIALOG\nMENU=M\nLabel a\nLabel\nLabel b 20000\nEND\nM MENU\nMenuitem\nMenuitem c\nEND\n"),
+        "");
     CompiledResources resources;
     ASSERT_EQ(resources.open(read(rcx)), "");
     WindowTemplate window;
@@ -191,7 +211,8 @@ constexpr Operation operations[] = {
         return ResourceWrite(array, {}, file);
     }};
 
-// Runs `operation` on a disk of its own that `prepare` makes fail; gives the error and what the file holds then.
+// Runs `operation` on a disk of its own that `prepare` makes fail; gives the error and what the file holds
+// then.
 template <class Prepare>
 std::pair<std::string, std::string> runOn(os::SteeredFiles& disk, Operation operation, Prepare prepare) {
     disk.put(savedPath, savedText);
@@ -214,8 +235,9 @@ TEST(ResourceSave, ThatFailsAtAnyCallIsToldAndKeepsTheOldText) {
         int told = 0;
         for (int call = 1; call <= calls; ++call) {
             os::SteeredFiles failing;
-            const auto [fault, after] =
-                runOn(failing, operation, [=](os::SteeredFiles& one) { one.failAt(call, os::FileError::DiskFull); });
+            const auto [fault, after] = runOn(failing, operation, [=](os::SteeredFiles& one) {
+                one.failAt(call, os::FileError::DiskFull);
+            });
             EXPECT_TRUE(after == savedText || after == written) << call << ": " << after;
             EXPECT_TRUE(!fault.empty() || after == written) << call;
             told += fault.empty() ? 0 : 1;

@@ -108,14 +108,16 @@ protected:
     }
 };
 
-// ---- reading -----------------------------------------------------------------------------------------------------------
+// ---- reading
+// -----------------------------------------------------------------------------------------------------------
 
 TEST_F(ResourceTest, ReadGivesNameTypePositionThenTheTypesOrderThenWhatIsUnknown) {
     const ObjectArray array = objects("main");
     ASSERT_EQ(count(array), 5u);
-    EXPECT_EQ(array[0], "NAME=Main\nTYPEOF=Dialog\nPOSITION=0 0 320 14\nCAPTION=\"Tarnwick\"\nMENU=MainMenu\n"
-                        "BORDERSTYLE=1\nCLOSEBOX=1\nMAXBUTTON=0\nMINBUTTON=0\nFONTNAME=\"\"\nFONTSIZE=0\nFONTBOLD=0\n"
-                        "FONTITALIC=0\nOWNER=0\n");
+    EXPECT_EQ(array[0],
+              "NAME=Main\nTYPEOF=Dialog\nPOSITION=0 0 320 14\nCAPTION=\"Tarnwick\"\nMENU=MainMenu\n"
+              "BORDERSTYLE=1\nCLOSEBOX=1\nMAXBUTTON=0\nMINBUTTON=0\nFONTNAME=\"\"\nFONTSIZE=0\nFONTBOLD=0\n"
+              "FONTITALIC=0\nOWNER=0\n");
     EXPECT_EQ(array[1], "NAME=btnfile_open\nTYPEOF=Bitmapbutton\nPOSITION=2 1 16 12\nCAPTION=\"\"\n"
                         "PICTURE=\"C:\\new\\open.bmp\"\nENABLED=1\nVISIBLE=1\nTABSTOP=0\nARRAY=\n"
                         "HINT=\"Open\\na \"file\"\"\n");
@@ -127,7 +129,8 @@ TEST_F(ResourceTest, ReadOfAMenuGivesLevels) {
     const ObjectArray array = objects("MAINMENU");
     ASSERT_EQ(count(array), 4u);
     EXPECT_TRUE(array[0].starts_with("NAME=MainMenu\nTYPEOF=Menuitem\nPOSITION=0\n")) << array[0];
-    EXPECT_TRUE(array[1].starts_with("NAME=\nTYPEOF=Menuitem\nPOSITION=1\nCAPTION=\"&File\"\nCHECKED=0\nENABLED=1\n"));
+    EXPECT_TRUE(array[1].starts_with(
+        "NAME=\nTYPEOF=Menuitem\nPOSITION=1\nCAPTION=\"&File\"\nCHECKED=0\nENABLED=1\n"));
     EXPECT_TRUE(array[2].starts_with("NAME=file_open\nTYPEOF=Menuitem\nPOSITION=2\n"));
 }
 
@@ -153,7 +156,8 @@ TEST_F(ResourceTest, StringsOfTheElementsCapacitySurviveARoundTrip) {
     }
 }
 
-// ---- writing -----------------------------------------------------------------------------------------------------------
+// ---- writing
+// -----------------------------------------------------------------------------------------------------------
 
 TEST_F(ResourceTest, WritingUnchangedChangesNoByte) {
     for (const std::string& text : {example, replaced(example, "// the end", ""), example + "\n\n\n"}) {
@@ -188,11 +192,14 @@ TEST_F(ResourceTest, AChangedPropertyChangesItsLineOnly) {
         {"a number", 0, "POSITION=0 0 320 14", "POSITION=1 2 3 4", "POSITION=0 0 320 14", "POSITION=1 2 3 4"},
         {"a text before a comment", 0, "\"Tarnwick\"", "\"A \\ B\"", "\"Tarnwick\" ", "\"A \\\\ B\" "},
         {"a text without quotes", 0, "\"Tarnwick\"", "Plain", "\"Tarnwick\"", "\"Plain\""},
-        {"a path", 1, "C:\\new\\open.bmp", "<RESOURCEDIR>\\r.bmp", "C:\\\\new\\\\open.bmp", "<RESOURCEDIR>\\\\r.bmp"},
+        {"a path", 1, "C:\\new\\open.bmp", "<RESOURCEDIR>\\r.bmp", "C:\\\\new\\\\open.bmp",
+         "<RESOURCEDIR>\\\\r.bmp"},
         {"an unknown one", 2, "WEIGHT=12", "WEIGHT=13", "WEIGHT=12", "WEIGHT=13"},
-        {"one that was not mentioned", 2, "DEFAULT=0", "DEFAULT=1", "WEIGHT=12\n", "WEIGHT=12\n    DEFAULT=1\n"},
+        {"one that was not mentioned", 2, "DEFAULT=0", "DEFAULT=1", "WEIGHT=12\n",
+         "WEIGHT=12\n    DEFAULT=1\n"},
         {"a choice with its label", 3, "VISIBLE=0", "VISIBLE=1-Yes", "VISIBLE=0", "VISIBLE=1"},
-        {"the name", 1, "NAME=btnfile_open", "NAME=other", "Bitmapbutton btnfile_open 1201", "Bitmapbutton other 1201"},
+        {"the name", 1, "NAME=btnfile_open", "NAME=other", "Bitmapbutton btnfile_open 1201",
+         "Bitmapbutton other 1201"},
         {"a line feed", 0, "\"Tarnwick\"", "\"a\\nb\"", "\"Tarnwick\"", "\"a\\nb\""},
     };
     for (const Edit& edit : edits) {
@@ -207,8 +214,10 @@ TEST_F(ResourceTest, AChangedPropertyChangesItsLineOnly) {
 
 TEST_F(ResourceTest, WhatIsWrittenIsReadBackPropertyForProperty) {
     ObjectArray array{}, menu{};
-    array[0] = "NAME=New\nTYPEOF=Dialog\nPOSITION=1 2 3 4\nCAPTION=\"a \"b\" \\\\srv\\new\\0\"\nMENU=NewMenu\nOWNER=1\n";
-    array[1] = "NAME=edit1\nTYPEOF=Edit\nPOSITION=1 1 1 1\nTEXT=\"// no comment\"\nODD= // two \nMULTILINE=1\n";
+    array[0] = "NAME=New\nTYPEOF=Dialog\nPOSITION=1 2 3 4\nCAPTION=\"a \"b\" "
+               "\\\\srv\\new\\0\"\nMENU=NewMenu\nOWNER=1\n";
+    array[1] =
+        "NAME=edit1\nTYPEOF=Edit\nPOSITION=1 1 1 1\nTEXT=\"// no comment\"\nODD= // two \nMULTILINE=1\n";
     array[2] = "NAME=edit1\nTYPEOF=Label\nPOSITION=1 1 1 1\nCAPTION=\xff\xfe\x01 plain\n";
     menu[0] = "NAME=NewMenu\nTYPEOF=Menuitem\nPOSITION=0\n";
     menu[1] = "NAME=\nTYPEOF=Menuitem\nPOSITION=1\nCAPTION=&One\n";
@@ -232,7 +241,8 @@ TEST_F(ResourceTest, WhatIsWrittenIsReadBackPropertyForProperty) {
 TEST_F(ResourceTest, EveryByteSurvivesInATextOfAList) {
     std::string all;
     for (int c = 0; c < 256; ++c) all += static_cast<char>(c);
-    const char* const texts[] = {"\\n", "\\\\n", "\\\\\\0", "\\", "\\\\", "n", "\"", "\"\"", "x\\\r\n", "\\\n\\n\\\\n"};
+    const char* const texts[] = {"\\n", "\\\\n", "\\\\\\0", "\\",      "\\\\",
+                                 "n",   "\"",    "\"\"",    "x\\\r\n", "\\\n\\n\\\\n"};
     std::vector<std::string> values = {all, "", std::string("\0\0", 2)};
     values.insert(values.end(), std::begin(texts), std::end(texts));
     for (const std::string& value : values) {
@@ -260,8 +270,11 @@ TEST_F(ResourceTest, ControlsKeepTheirCommentsAndNumbersWhenTheyMove) {
     array[5] = "NAME=added\nTYPEOF=Label\nPOSITION=9 9 9 9\nCAPTION=\"new\"\n";
     ASSERT_EQ(ResourceWrite(array, {}, rc), "");
     const std::string text = read(rc);
-    EXPECT_LT(text.find("IDOK"), text.find("// The first button.\n  Bitmapbutton btnfile_open 1201\n")) << text;
-    EXPECT_NE(text.find("  Label added 1202\n    POSITION=9 9 9 9\n    CAPTION=\"new\"\n  // last words\nEND\n"), std::string::npos)
+    EXPECT_LT(text.find("IDOK"), text.find("// The first button.\n  Bitmapbutton btnfile_open 1201\n"))
+        << text;
+    EXPECT_NE(
+        text.find("  Label added 1202\n    POSITION=9 9 9 9\n    CAPTION=\"new\"\n  // last words\nEND\n"),
+        std::string::npos)
         << text;
     EXPECT_TRUE(text.ends_with(example.substr(example.find("\nMainMenu MENU")))) << "the rest stays";
 }
@@ -315,7 +328,8 @@ TEST_F(ResourceTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
     EXPECT_EQ(refused("NAME=logo\nTYPEOF=Dialog\n", "", ""), "'logo' is the name of another resource.");
 }
 
-// ---- lists -------------------------------------------------------------------------------------------------------------
+// ---- lists
+// -------------------------------------------------------------------------------------------------------------
 
 TEST_F(ResourceTest, InfoListsInEveryForm) {
     EXPECT_EQ(info("*", "*"), "logo\nreadme\npeople\nMain\nMainMenu\nVS_VERSION_INFO\n");
@@ -323,7 +337,8 @@ TEST_F(ResourceTest, InfoListsInEveryForm) {
     EXPECT_EQ(info("MENU", "*"), "MainMenu MENU\n");
     EXPECT_EQ(info("VERSIONINFO", "*"), "VS_VERSION_INFO VERSIONINFO\n");
     EXPECT_EQ(info("BITMAP", "*"), "logo logo BITMAP \"logo.bmp\"\n");
-    EXPECT_EQ(info("INCFILE", "readme"), "readme readme INCFILE FIXED \"<RESOURCEDIR>\\\\doc\\\\readme.txt\"\n");
+    EXPECT_EQ(info("INCFILE", "readme"),
+              "readme readme INCFILE FIXED \"<RESOURCEDIR>\\\\doc\\\\readme.txt\"\n");
     EXPECT_EQ(info("DBFILE", "PEOPLE"), "people people DBFILE PRELOAD \"people.dbf\"\n");
     EXPECT_EQ(info("DIALOG", "main"), "Main DIALOG\n");
     EXPECT_EQ(info("DIALOG", "absent"), "");
@@ -355,8 +370,10 @@ TEST_F(ResourceTest, InfoOfAFileThatDoesNotExistIsEmptyWithoutAnError) {
 }
 
 TEST_F(ResourceTest, IdsOfFilesAreNumbersOrSymbols) {
-    write(rc, "#define a 7\na BITMAP \"x\"\nb 12 BITMAP \"x\"\nc IDC BITMAP PRELOAD \"x\"\nd BITMAP PRELOAD \"x\"\n");
-    EXPECT_EQ(info("BITMAP", "*"), "a 7 BITMAP \"x\"\nb 12 BITMAP \"x\"\nc IDC BITMAP PRELOAD \"x\"\nd d BITMAP PRELOAD \"x\"\n");
+    write(rc, "#define a 7\na BITMAP \"x\"\nb 12 BITMAP \"x\"\nc IDC BITMAP PRELOAD \"x\"\nd BITMAP PRELOAD "
+              "\"x\"\n");
+    EXPECT_EQ(info("BITMAP", "*"),
+              "a 7 BITMAP \"x\"\nb 12 BITMAP \"x\"\nc IDC BITMAP PRELOAD \"x\"\nd d BITMAP PRELOAD \"x\"\n");
 }
 
 TEST_F(ResourceTest, ALineOfInfoIsAStatementAgain) {
@@ -365,7 +382,8 @@ TEST_F(ResourceTest, ALineOfInfoIsAStatementAgain) {
     EXPECT_EQ(ResourceInfo((folder / "b.rc"), "INCFILE", "readme").text, line);
 }
 
-// ---- deleting, renaming, appending ---------------------------------------------------------------------------------------
+// ---- deleting, renaming, appending
+// ---------------------------------------------------------------------------------------
 
 TEST_F(ResourceTest, DeleteRemovesItsLinesOnly) {
     EXPECT_EQ(ResourceDelete(rc, "MAIN"), "");
@@ -383,10 +401,12 @@ TEST_F(ResourceTest, DeleteRemovesItsLinesOnly) {
 
 TEST_F(ResourceTest, RenameChangesTheReferencesToo) {
     EXPECT_EQ(ResourceRename(rc, "mainmenu", "Other"), "");
-    EXPECT_EQ(read(rc), replaced(replaced(example, "MENU=MainMenu", "MENU=Other"), "\nMainMenu MENU", "\nOther MENU"));
+    EXPECT_EQ(read(rc),
+              replaced(replaced(example, "MENU=MainMenu", "MENU=Other"), "\nMainMenu MENU", "\nOther MENU"));
     write(rc, "a BITMAP \"x\"\nD DIALOG\nImage i\nPICTURE=\"A\"\nImage j\nPICTURE=\"a.bmp\"\nEND\n");
     EXPECT_EQ(ResourceRename(rc, "a", "b"), "");
-    EXPECT_EQ(read(rc), "b BITMAP \"x\"\nD DIALOG\nImage i\nPICTURE=\"b\"\nImage j\nPICTURE=\"a.bmp\"\nEND\n");
+    EXPECT_EQ(read(rc),
+              "b BITMAP \"x\"\nD DIALOG\nImage i\nPICTURE=\"b\"\nImage j\nPICTURE=\"a.bmp\"\nEND\n");
 }
 
 TEST_F(ResourceTest, RenameRefusesWhatIsTakenOrNoName) {
@@ -414,12 +434,14 @@ TEST_F(ResourceTest, WriteTextReplacesTheResourceOfItsNameAndKind) {
 }
 
 TEST_F(ResourceTest, WriteTextRefusesWhatIsNotOneStatement) {
-    for (const char* line : {"", "\n", "what is this", "a BITMAP \"x\"\nb BITMAP \"y\"\n", "a BITMAP \"x", "A DIALOG\n"})
+    for (const char* line :
+         {"", "\n", "what is this", "a BITMAP \"x\"\nb BITMAP \"y\"\n", "a BITMAP \"x", "A DIALOG\n"})
         EXPECT_NE(ResourceWriteText(rc, line), "") << line;
     EXPECT_EQ(read(rc), example);
 }
 
-// ---- types -------------------------------------------------------------------------------------------------------------
+// ---- types
+// -------------------------------------------------------------------------------------------------------------
 
 TEST_F(ResourceTest, TypelistBeginsWithNameTypeAndPositionForEveryType) {
     for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i) {
@@ -435,7 +457,9 @@ TEST_F(ResourceTest, TypelistBeginsWithNameTypeAndPositionForEveryType) {
 
 TEST_F(ResourceTest, TypelistHoldsThePropertiesThatTheDesignersRead) {
     const std::pair<const char*, std::vector<const char*>> wanted[] = {
-        {"Dialog", {"CAPTION", "MENU", "FONTNAME", "FONTSIZE", "OWNER", "BORDERSTYLE", "CLOSEBOX", "MAXBUTTON", "MINBUTTON"}},
+        {"Dialog",
+         {"CAPTION", "MENU", "FONTNAME", "FONTSIZE", "OWNER", "BORDERSTYLE", "CLOSEBOX", "MAXBUTTON",
+          "MINBUTTON"}},
         {"Bitmapbutton", {"PICTURE"}},
         {"Checkbox", {"ALIGNMENT", "CAPTION"}},
         {"Combobox", {"COMBOSTYLE"}},
@@ -455,7 +479,8 @@ TEST_F(ResourceTest, TypelistHoldsThePropertiesThatTheDesignersRead) {
     };
     for (const auto& [type, names] : wanted)
         for (const char* name : names)
-            EXPECT_NE(ResourceTypelist(type).find("\n" + std::string(name) + " "), std::string::npos) << type << " " << name;
+            EXPECT_NE(ResourceTypelist(type).find("\n" + std::string(name) + " "), std::string::npos)
+                << type << " " << name;
 }
 
 TEST_F(ResourceTest, MissingValuesFitTheirOptions) {
@@ -470,11 +495,13 @@ TEST_F(ResourceTest, MissingValuesFitTheirOptions) {
 }
 
 TEST_F(ResourceTest, CommonIdentifiersAreKnown) {
-    for (const char* name : {"IDOK", "idcancel", "IDRETRY", "IDHELP"}) EXPECT_TRUE(ResourceCommonId(name)) << name;
+    for (const char* name : {"IDOK", "idcancel", "IDRETRY", "IDHELP"})
+        EXPECT_TRUE(ResourceCommonId(name)) << name;
     for (const char* name : {"", "IDNOTHING", "pushbutton1"}) EXPECT_FALSE(ResourceCommonId(name)) << name;
 }
 
-// ---- damaged and hostile files ----------------------------------------------------------------------------------------------
+// ---- damaged and hostile files
+// ----------------------------------------------------------------------------------------------
 
 struct Broken {
     const char* text;
@@ -546,7 +573,8 @@ TEST_F(ResourceTest, ACutAtAnyByteNeverHarms) {
             ASSERT_LE(statement.span.begin, statement.span.end);
             ASSERT_LE(statement.span.end, size);
             WindowTemplate made;
-            if (statement.kind == RcKind::Window) static_cast<void>(makeTemplate(parsed, statement.name, made));
+            if (statement.kind == RcKind::Window)
+                static_cast<void>(makeTemplate(parsed, statement.name, made));
         }
     }
 }
