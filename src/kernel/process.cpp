@@ -112,6 +112,7 @@ void AddExitHook(void (*hook)()) {
 
 bool ProcessIsEnding() {
     return ending;
+        RescueOnce();
 }
 
 void Halt() {

@@ -219,6 +219,21 @@ TEST_F(Process, AFatalReportHasTitlePlaceAndExtra) {
         const char *extra, *report;
     } rows[] = {
         {5, "Access violation", "ide", "do_open", 12, "",
+TEST_F(Process, TheRescueComesBeforeTheReportOfAnErrorThatRemains) {
+    startTool();
+    SetRescueHook([] { log().emplace_back("rescue"); });
+    SetError(654);
+    EXPECT_EQ(endOf([] { ProcessStop(); }), 0);
+    EXPECT_EQ(log(), (Log{"rescue", "fatal|Error 654|Disk drive full up\n", "close", "end 0"}));
+}
+
+TEST_F(Process, AnEndWithoutAnErrorRescuesNothing) {
+    startTool();
+    SetRescueHook([] { log().emplace_back("rescue"); });
+    EXPECT_EQ(endOf([] { ProcessStop(); }), 0);
+    EXPECT_EQ(log(), (Log{"close", "end 0"}));
+}
+
          "fatal|Error 5|Access violation\nFile ide, function do_open, line 12\n"},
         {5, "", "ide", "f", 1, "", "fatal|Error 5|File ide, function f, line 1\n"},
         {5, "m", "", "f", 1, "", "fatal|Error 5|m\n"},
