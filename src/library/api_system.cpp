@@ -5,9 +5,10 @@
 // assigned last.
 #include "kernel/api.h"
 
+#include "kernel/errors.h"
+#include "kernel/process.h"
 #include "kernel/strings.h"
 #include "library/system.h"
-#include "os/process.h"
 
 #include <cstdio>
 
@@ -133,13 +134,7 @@ int32_t tarn_sys_filesize(const tarn_string* file) {
 
 // Arguments that hold blanks are put in quotes, so that the text can be split again.
 void tarn_sys_arguments(tarn_string* result) {
-    std::string line;
-    for (const std::string& argument : os::commandLine()) {
-        const bool quotes = argument.empty() || argument.find_first_of(" \t") != std::string::npos;
-        if (!line.empty()) line += ' ';
-        line += quotes ? STRADDQUOTES(argument) : argument;
-    }
-    assign(result, line);
+    assign(result, JoinedArguments());
 }
 
 void tarn_sys_errormessage(int32_t code, tarn_string* result) {

@@ -106,6 +106,19 @@ TEST_F(Process, TheLockIsNamedAfterTheProgram) {
 TEST_F(Process, StartTakesTheLockAndHaltReleasesIt) {
     ProcessStart(true);
     EXPECT_EQ(ErrorCell(), 0);
+    const std::pair<const char*, const char*> names[] = {
+        {"/usr/bin/ide", "IDE"},
+        {"ide.exe", "IDE"},
+        {"/a.b/ide", "IDE"},
+        {"/a/my.ide.exe", "MY.IDE"},
+        {"/a/.ide", ".IDE"},
+        {"/a/.ide.exe", ".IDE"},
+        {"/a/..", "."},
+        {"C:\\x\\Tool_9.exe", "TOOL_9"},
+        {"/a/t\xC3\xA4.x", "T\xC3\xA4"},
+        {"/a/", ""},
+    };
+    for (const auto& [path, name] : names) EXPECT_EQ(InstanceNameOf(path), name) << path;
     EXPECT_FALSE(anotherCanLock());
     EXPECT_EQ(endOf([] { ProcessStop(); }), 0);
     EXPECT_TRUE(anotherCanLock());
@@ -151,7 +164,7 @@ TEST_F(Process, TheCommandLineIsKeptAndFreed) {
     os::setCommandLine(3, arguments);
     EXPECT_EQ(CommandLineText(), "");
     startTool();
-    EXPECT_EQ(CommandLineText(), "one two words");
+    EXPECT_EQ(CommandLineText(), "one \"two words\"");
     EXPECT_EQ(CountLeaks().blocks, 1);
     EXPECT_EQ(endOf([] { ProcessStop(); }), 0);
     EXPECT_EQ(CommandLineText(), "");
