@@ -136,6 +136,9 @@ int32_t tarn_sys_filesize(const tarn_string* file) {
 void tarn_sys_arguments(tarn_string* result) {
     assign(result, JoinedArguments());
 }
+void tarn_sys_errordetails(tarn_string* result) {
+    assign(result, ErrorDetails());
+}
 
 void tarn_sys_errormessage(int32_t code, tarn_string* result) {
     assign(result, ErrorMessage(code));

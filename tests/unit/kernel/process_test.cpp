@@ -283,6 +283,7 @@ tarn_program program(void (*main)()) {
     made.memory_checking = 1;
     made.main = main;
     return made;
+    made.library_version = "1.3";
 }
 
 int run(const tarn_program& made) {
@@ -307,6 +308,45 @@ TEST_F(Process, AProgramUsesStringsThroughTheCInterface) {
     static int32_t order, third;
     const tarn_program made = program([] {
         tarn_string a, b;
+TEST_F(Process, AProgramForAnotherVersionReports806AtItsFirstStamp) {
+    for (const char* version : {"1.2", "", "1.30", static_cast<const char*>(nullptr)}) {
+        log().clear();
+        ClearError();
+        tarn_program made = program([] {
+            tarn_stamp(1, 0, tarn_default_onerror);
+            log().emplace_back("went on");
+        });
+        made.library_version = version;
+        EXPECT_EQ(endOf([&] { run(made); }), 0);
+        EXPECT_EQ(log(), (Log{"beep", "box|Error 806|DLL is wrong version\n|OK", "close", "end 0"}));
+        ClearError();
+        endOf([] { ProcessStop(); });
+    }
+}
+
+TEST_F(Process, AProgramAssertsAndClearsErrorsThroughTheCInterface) {
+    static Log seen;
+    seen.clear();
+    endOf([&] {
+        run(program([] {
+            tarn_string text;
+            tarn_string_init(&text, TARN_UNBOUNDED);
+            tarn_string_assign_bytes(&text, "n > 0", 5);
+            tarn_assert(1, &text);
+            seen.push_back(std::to_string(tarn_error_cell));
+            tarn_assert(0, &text);
+            seen.push_back(std::to_string(tarn_error_cell) + AssertText());
+            tarn_clear_error();
+            seen.push_back(std::to_string(tarn_error_cell) + std::to_string(LastError()));
+            tarn_assert(0, nullptr);
+            seen.push_back(std::to_string(tarn_error_cell) + AssertText());
+            tarn_clear_error();
+            tarn_string_free(&text);
+        }));
+    });
+    EXPECT_EQ(seen, (Log{"0", "687n > 0", "00", "687"}));
+}
+
         tarn_string_init(&a, TARN_UNBOUNDED);
         tarn_string_init(&b, 4);
         tarn_string_assign_bytes(&a, "abc", 3);
