@@ -130,7 +130,7 @@ void PROFILESTRPUT(const std::string& file, std::string_view section, std::strin
 
 void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key) {
     FRAME(PROFILESTRDEL);
-    if (file.empty() || section.empty()) return;
+    if (file.empty() || section.empty() || !(key.empty() || ini::isKey(key))) return;
     bool readable = false;
     STAMP();
     std::string text(detail::readProfile(file, readable));
