@@ -118,6 +118,60 @@ TEST_F(Windows, ControlsAreSavedUnderRaisedNames) {
 }
 
 TEST_F(Windows, NothingHappensWithoutANameOrAWindow) {
+TEST_F(Windows, AFileThatCannotBeReadEmptiesNoControlAndIsNotWritten) {
+    load(dialog);
+    SetValue(control("checkOne"), 1);
+    SetText(control("editone"), "typed");
+    SetPosition(dialog, WINDOW_UNIT, {11, 22, 333, 222});
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    files.put("/x/a.ini", "[Testdlg]\r\nEditone=stored\r\n", 0000);
+    LOADINIFILE("/x/a.ini", dialog, true, true);
+    EXPECT_EQ(GetValue(control("checkOne")), 1);
+    EXPECT_EQ(GetText(control("editone")), "typed");
+    EXPECT_EQ(GetPosition(dialog, WINDOW_UNIT), (Rect{11, 22, 333, 222}));
+    SAVEINIFILE("/x/a.ini", dialog, true, true);
+    EXPECT_EQ(files.contents("/x/a.ini"), "[Testdlg]\r\nEditone=stored\r\n");
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_TRUE(asked[0].text.starts_with("Cannot read from file (error 651).\n")) << asked[0].text;
+    os::files().remove("/x/a.ini");
+    LOADINIFILE("/x/a.ini", dialog);  // a file that is missing is read as empty
+    EXPECT_EQ(GetText(control("editone")), "");
+}
+
+TEST_F(Windows, AWindowThatCannotBeSavedIsToldAndLeavesTheFile) {
+    load(dialog);
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    const std::string before = "[Testdlg]\r\nEditone=stored\r\n";
+    files.put("/x/b.ini", before);
+    files.failAlways(os::FileCall::Write, os::FileError::DiskFull);
+    SetText(control("editone"), "typed");
+    SAVEINIFILE("/x/b.ini", dialog);
+    EXPECT_EQ(files.contents("/x/b.ini"), before);
+    EXPECT_EQ(LastError(), 654);
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_TRUE(asked[0].text.starts_with("Disk drive full up (error 654).\n")) << asked[0].text;
+    files.failAlways(os::FileCall::Write, os::FileError::None);
+    SAVEINIFILE("/x/b.ini", dialog);
+    EXPECT_EQ(PROFILESTRGET("/x/b.ini", "Testdlg", "Editone"), "typed");
+}
+
+TEST_F(Windows, AWindowThatHasNotChangedIsNotWritten) {
+    load(dialog);
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    files.putFolder("/x");
+    SAVEINIFILE("/x/c.ini", dialog, true, true);
+    ASSERT_TRUE(files.has("/x/c.ini"));
+    files.clearLog();
+    SAVEINIFILE("/x/c.ini", dialog, true, true);
+    EXPECT_EQ(files.calls(), 0);
+    SetValue(control("checkOne"), 1);
+    SAVEINIFILE("/x/c.ini", dialog, true, true);
+    EXPECT_GT(files.calls(), 0);
+}
+
     LOADINIFILE(ini, dialog, true, true);
     SAVEINIFILE(ini, dialog, true, true);
     EXPECT_FALSE(os::infoOf(ini).exists);
