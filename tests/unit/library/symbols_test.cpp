@@ -137,6 +137,14 @@ TEST_F(Symbols, TheUsesLineIsReplacedAddedAndRemoved) {
         {"on the line of the class", "X", "Class A uses B\nend class\n",
          "Class A\r\nUses X\r\nend class\r\n"},
         {"without names", "X", "Class A\nUses\nend class\n", "Class A\r\nUses X\r\nend class\r\n"},
+        {"a declaration behind the names stays", "X", "Class A\nUses B const c = 1\nend class\n",
+         "Class A\r\nUses X\r\nconst c = 1\r\nend class\r\n"},
+        {"also when the names go", "", "Class A\nUses B\n  C const c = 1\nend class\n",
+         "Class A\r\nconst c = 1\r\nend class\r\n"},
+        {"also without names", "X", "Class A\nUses const c = 1\n", "Class A\r\nUses X\r\nconst c = 1\r\n"},
+        {"a comment behind the names stays", "X Y", "Class A\n\tUses B // why\nend class\n",
+         "Class A\r\nUses X Y\r\n// why\r\nend class\r\n"},
+        {"all on one line", "X", "Class A uses B function f\n", "Class A\r\nUses X\r\nfunction f\r\n"},
         {"at the end", "X", "Class A\nUses B", "Class A\r\nUses X\r\n"},
     };
     for (const Case& c : cases) {
