@@ -208,14 +208,21 @@ const char* const Source = "Tarnwick Class Demo\n"                           // 
 TEST_F(Symbols, TheScanListsFunctionsByTheFirstWordsOfTheirLines) {
     EXPECT_EQ(SYMSCANSOURCE(Source, 0), "Early\nDLG\nEarly\nmain\n");
     EXPECT_EQ(SYMSCANSOURCE(Source, 1024), "Early()\nDLG()\nEarly()\nmain()\n");
-    EXPECT_EQ(SYMSCANSOURCE(Source, 2048), "Early 8 8\nDLG 9 17\nEarly 18 21\nmain 22 23\n");
+    EXPECT_EQ(SYMSCANSOURCE(Source, 2048), "Early 8 8\nDLG 9 17\nEarly 18 21\nmain 22 22\n");
     EXPECT_EQ(
         SYMSCANSOURCE(Source, 1024 + 2048 + 8192 + 16384),
-        "   max() 3 3\n   Trow() 5 7\n   Early() 8 8\n   DLG() 9 17\n   Early() 18 21\n   main() 22 23\n");
+        "   max() 3 3\n   Trow() 5 7\n   Early() 8 8\n   DLG() 9 17\n   Early() 18 21\n   main() 22 22\n");
     EXPECT_EQ(SYMSCANSOURCE(Source, 4096), "Early\nDLG\nDLG.load_event\nDLG.close_event\nEarly\nmain\n");
     EXPECT_EQ(SYMSCANSOURCE(Source, 1024 + 2048 + 4096),
               "Early() 8 8\nDLG() 9 17\nDLG().load_event 12 13\nDLG().close_event 14 17\nEarly() 18 "
-              "21\nmain() 22 23\n");
+              "21\nmain() 22 22\n");
+}
+
+TEST_F(Symbols, AnItemEndsBeforeTheEndOfItsClass) {
+    EXPECT_EQ(SYMSCANSOURCE("Class A\nfunction f\nend function\n\nEnd class\n", 2048), "f 2 4\n");
+    EXPECT_EQ(SYMSCANSOURCE("callback function d\ncase x_event =>\nend class", 2048 + 4096),
+              "d 1 2\nd.x_event 2 2\n");
+    EXPECT_EQ(SYMSCANSOURCE("const a = 1\nend class\n", 2048 + 8192), "a 1 1\n");
 }
 
 TEST_F(Symbols, TheScanReadsAnyTextToItsEnd) {
@@ -267,6 +274,9 @@ TEST_F(Symbols, TokensComeFromTheSectionOfTheExtension) {
 TEST_F(Symbols, TheEndOfTheSettingsKeyChoosesTheRule) {
     files.put("/i", "[S]\nMYSTRINGS=0x1\nl=\"\"'\"\"\nblockComments=0x2\nc=-- rem\nx=0x3\n");
     EXPECT_EQ(GETHILITELIST("/i", "S", "myStrings", "l"), "' - 0x1\n");
+    files.put("/q", "[S]\nStrings=0x1\nl=\"\nm=\"\"\n");
+    EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "l"), "\" - 0x1\n");
+    EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "m"), "");
     EXPECT_EQ(GETHILITELIST("/i", "S", "BLOCKCOMMENTS", "c"), "-- ##EOL 0x2\nrem ##EOL 0x2\n");
     EXPECT_EQ(GETHILITELIST("/i", "S", "x", "none"), "");
     EXPECT_EQ(GETHILITELIST("/i", "S", "Strings", "none"), "");
