@@ -80,7 +80,8 @@ std::string FILESUBSTITUTENAME(std::string_view line, std::string_view mark, std
 // Whole files as text. A failure sets 651 to 654 or 657 and `false`; SAVEFILE keeps the old contents then.
 bool LOADFILE(const std::string& file, std::string& text);
 bool SAVEFILE(const std::string& file, std::string_view text);
-// What the last failed SAVEFILE says to the user: what went wrong and where the text is safe.
+// What a failed SAVEFILE says to the user: what went wrong and where the text is safe. Empty unless the last of
+// all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
 std::string SAVEFILEREPORT();
 void FILEDELETE(const std::string& file);  // one that does not exist is no error
 // Copies bytes, permissions and time; both must be full paths (FILECHK). A destination without a folder lies beside

@@ -18,9 +18,7 @@ MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 namespace tarn {
 namespace {
 
-constexpr std::int32_t WrongSizeAfterCopy = 659;
-
-// What the last failed save was about, for the report that the caller asks for next.
+// What the save before was about if it failed, for the report that the caller asks for next.
 struct FailedSave {
     std::string file;
     os::SaveResult result;
@@ -154,6 +152,7 @@ bool LOADFILE(const std::string& file, std::string& text) {
     FRAME(LOADFILE);
     STAMP();
     const os::FileError error = os::readFile(file, text);
+    lastFailedSave() = {};
     if (error != os::FileError::None) text.clear();
     SetError(detail::readErrorCode(error));
     return error == os::FileError::None;
@@ -164,6 +163,7 @@ bool SAVEFILE(const std::string& file, std::string_view text) {
     STAMP();
     const os::SaveResult result = os::saveFile(file, text);
     if (result.ok()) return true;
+    lastFailedSave() = {};
     lastFailedSave() = {file, result};
     SetError(detail::writeErrorCode(result.error));
     return false;
