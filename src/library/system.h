@@ -84,9 +84,9 @@ bool SAVEFILE(const std::string& file, std::string_view text);
 // all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
 std::string SAVEFILEREPORT();
 void FILEDELETE(const std::string& file);  // one that does not exist is no error
-// Copies bytes, permissions and time; both must be full paths (FILECHK). A destination without a folder lies beside
-// the source; one that ends with a separator gets the source's name. With `confirm` the user is asked before a file
-// is replaced. False when nothing was copied (659 if the copy has another size); a copy onto itself is true.
+// Copies bytes, time and, where it can, permissions; both must be full paths (FILECHK). A destination without a
+// folder lies beside the source, on its drive; one that ends with a separator gets the source's name. With `confirm`
+// the user is asked before a file is replaced. False when nothing was copied (659 if the copy has another size); a copy onto itself is true.
 bool FILECOPY(const std::string& source, const std::string& dest, bool confirm);
 
 // ---- programs ----

@@ -199,6 +199,26 @@ TEST_F(Files, ACopyHasTheBytesTheModeAndTheTimeOfItsSource) {
 
 TEST_F(Files, ACopyOntoItselfDestroysNothing) {
     files.put("/a/x", "bytes");
+TEST_F(Files, ACopyIsGoodWhereThereAreNoPermissionsToSet) {
+    files.put("/a/x", "bytes", 0755);
+    files.failAlways(os::FileCall::SetMode, os::FileError::Denied);
+    EXPECT_TRUE(FILECOPY("/a/x", "/a/y", false));
+    EXPECT_EQ(files.contents("/a/y"), "bytes");
+    EXPECT_EQ(takeError(), 0);
+    files.failAlways(os::FileCall::SetModified, os::FileError::Denied);
+    EXPECT_FALSE(FILECOPY("/a/x", "/a/y", false));
+    EXPECT_EQ(takeError(), 652);
+}
+
+TEST_F(Files, ACopyWithoutAFolderLiesBesideItsSourceWhateverItsDrive) {
+    files.put("/a/x", "bytes");
+    EXPECT_TRUE(FILECOPY("/a/x", "c:y.z", false));
+    EXPECT_EQ(files.contents("/a/y.z"), "bytes");
+    EXPECT_TRUE(FILECOPY("/a/x", "c:", false));  // its own name: itself
+    EXPECT_EQ(files.allFiles(), (std::vector<std::string>{"/a/x", "/a/y.z"}));
+    EXPECT_EQ(takeError(), 0);
+}
+
     files.putLink("/a/x", "/a/link");
     files.putHardLink("/a/x", "/a/hard");
     for (const char* dest : {"/a/x", "x", "/a/link", "/a/hard"})
