@@ -92,7 +92,8 @@ bool FILECOPY(const std::string& source, const std::string& dest, bool confirm);
 // ---- programs ----
 // Runs a program. `mode`: low four bits the window state; then 0 disable the windows and wait, 32 wait with the
 // windows enabled, 16 wait at most 5000 ms. Failures set 901 to 909. A tool that is waited for can be stopped by the
-// user; one that dies by a signal counts as failed: its code is then 128 + the signal. " > file" behind the arguments
+// user; one that dies by a signal counts as failed: its code is then 128 + the signal. One that cannot even be forced to
+// end counts as killed. " > file" behind the arguments
 // sends the output there. A program without a folder is sought on PATH.
 struct ExecResult {
     bool started = false, stopped = false;  // stopped: by the user

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+#include <climits>
+#include <csignal>
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
@@ -83,10 +85,20 @@ std::string findProgram(const std::string& program) {
 
 // Whether the file begins as programs and scripts do.
 bool looksLikeProgram(const std::string& path) {
-    std::string bytes;
-    return os::readFile(path, bytes) == os::FileError::None && (bytes.starts_with("\x7F"
-                                                                                  "ELF") ||
-                                                                bytes.starts_with("#!"));
+    constexpr std::string_view Elf("\177ELF"), Script("#!");
+    os::Handle file = -1;
+    if (os::files().open(path, os::OpenMode::Read, 0, file) != os::FileError::None) return false;
+    char bytes[Elf.size()];
+    std::size_t got = 0;
+    os::files().read(file, 0, bytes, sizeof bytes, got);
+    os::files().close(file);
+    const std::string_view start(bytes, got);
+    return start.starts_with(Elf) || start.starts_with(Script);
+}
+
+// False for what no file can be named, wherever it is looked for.
+bool isProgramName(const std::string& program) {
+    return !program.empty() && program.size() < PATH_MAX && program.find('\0') == std::string::npos;
 }
 
 std::int32_t errorCode(os::StartError error, const std::string& program) {
@@ -94,10 +106,10 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
     case os::StartError::None: return 0;
     case os::StartError::NotFound: return ProgramNotFound;
     case os::StartError::NotExecutable:
-        return looksLikeProgram(program) ? PermissionsRequired : InvalidProgramFormat;
-    case os::StartError::NoMemory: return NotEnoughMemory;
-    case os::StartError::BadArguments: return InvalidCommandLine;
-    case os::StartError::BadOutput: return InvalidOutputFile;
+        return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
+    case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
+    case os::StartError::BadArguments: return ERR_EXEC_COMMAND_LINE;
+    case os::StartError::BadOutput: return ERR_EXEC_OUTPUT_FILE;
     case os::StartError::Other: break;
     }
     return OtherExecError;
@@ -106,8 +118,8 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
 // Null, with the error cell set, if the program cannot be started.
 std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments) {
     CommandLine command = parseCommandLine(arguments);
-    if (program.empty() || program.find('\0') != std::string::npos || holdsNul(command.arguments)) {
-        SetError(InvalidCommandLine);
+    if (!isProgramName(program) || holdsNul(command.arguments)) {
+        SetError(ERR_EXEC_COMMAND_LINE);
         return nullptr;
     }
     if (command.redirected && (command.outputFiles.size() != 1 || holdsNul(command.outputFiles))) {
@@ -135,6 +147,7 @@ void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, o
     state = child.poll();
     for (int waited = 0; !state.ended; waited = std::min(waited + 2 * SliceMilliseconds, ProgressMilliseconds)) {
         if (!shown && waited >= ProgressMilliseconds) {
+        if (!state.ended) state.signal = SIGKILL;  // it cannot be ended: it has failed, though it still runs
             ShowToolProgress("Running " + name);
             shown = true;
         }

@@ -4,6 +4,7 @@
 // help, and tools that are waited for, on the object model without a screen.
 #include "library/profstr.h"
 #include "library/system.h"
+#include "os/clock.h"
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
@@ -117,7 +118,6 @@ TEST_F(Windows, ControlsAreSavedUnderRaisedNames) {
     EXPECT_EQ(get("ComboList"), "Red");
 }
 
-TEST_F(Windows, NothingHappensWithoutANameOrAWindow) {
 TEST_F(Windows, AFileThatCannotBeReadEmptiesNoControlAndIsNotWritten) {
     load(dialog);
     SetValue(control("checkOne"), 1);
@@ -172,6 +172,7 @@ TEST_F(Windows, AWindowThatHasNotChangedIsNotWritten) {
     EXPECT_GT(files.calls(), 0);
 }
 
+TEST_F(Windows, NothingHappensWithoutANameOrAWindow) {
     LOADINIFILE(ini, dialog, true, true);
     SAVEINIFILE(ini, dialog, true, true);
     EXPECT_FALSE(os::infoOf(ini).exists);
@@ -336,6 +337,44 @@ TEST_F(Windows, TheUserCanStopAToolThatHangs) {
         EXPECT_FALSE(ToolStopPressed());  // the button has gone
     }
     platform::view().setIdle(nullptr);
+}
+
+// A child that nothing ends.
+class Undying : public os::Processes {
+public:
+    std::unique_ptr<os::Child> start(const os::StartRequest&, os::StartError& error) override {
+        error = os::StartError::None;
+        return std::make_unique<Immortal>();
+    }
+
+private:
+    class Immortal : public os::Child {
+        os::ExitState poll() override { return {}; }
+        os::ExitState wait(int milliseconds) override {
+            os::clock().sleep(milliseconds * std::int64_t{1'000'000});
+            return {};
+        }
+        void stop(int) override {}
+        [[nodiscard]] int id() const override { return 1; }
+    };
+};
+
+TEST_F(Windows, AToolThatOutlivesItsStopHasFailed) {
+    ASSERT_TRUE(os::saveFile(folder / "tool", "#!/bin/sh\n").ok());
+    os::SteeredClock clock;
+    Undying processes;
+    const os::Steered steeredClock(clock);
+    os::Processes* const processesBefore = os::useProcesses(&processes);
+    platform::view().setIdle([] { platform::pressToolStop(); });
+    for (const int mode : {1, 32 + 1}) {
+        const ExecResult result = EXEC(folder / "tool.exe", "", mode);
+        EXPECT_TRUE(result.stopped);
+        EXPECT_EQ(result.signal, 9);
+        EXPECT_EQ(result.code, 128 + 9);
+        EXPECT_FALSE(platform::busy());
+    }
+    platform::view().setIdle(nullptr);
+    os::useProcesses(processesBefore);
 }
 
 TEST_F(Windows, WindowsAreDisabledWhileAToolRunsInMode0Only) {
