@@ -5,28 +5,19 @@
 // milliseconds, and the wait ends as soon as the tool does. After a second the user gets a Stop button.
 #include "library/system.h"
 
+#include "kernel/errors.h"
 #include "library/ascii.h"
 #include "os/files.h"
 #include "os/process.h"
 
 #include <algorithm>
-
 #include <climits>
 #include <csignal>
+
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
 namespace {
-
-enum ExecError : std::int32_t {
-    ProgramNotFound = 901,
-    InvalidProgramFormat = 902,
-    NotEnoughMemory = 903,
-    InvalidCommandLine = 906,
-    InvalidOutputFile = 907,
-    PermissionsRequired = 908,
-    OtherExecError = 909,
-};
 
 enum WaitMode { WaitDisabled = 0, WaitIdle = 1, WaitEnabled = 2 };
 
@@ -104,7 +95,7 @@ bool isProgramName(const std::string& program) {
 std::int32_t errorCode(os::StartError error, const std::string& program) {
     switch (error) {
     case os::StartError::None: return 0;
-    case os::StartError::NotFound: return ProgramNotFound;
+    case os::StartError::NotFound: return ERR_EXEC_NOT_FOUND;
     case os::StartError::NotExecutable:
         return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
     case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
@@ -112,7 +103,7 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
     case os::StartError::BadOutput: return ERR_EXEC_OUTPUT_FILE;
     case os::StartError::Other: break;
     }
-    return OtherExecError;
+    return ERR_EXEC_OTHER;
 }
 
 // Null, with the error cell set, if the program cannot be started.
@@ -123,13 +114,13 @@ std::unique_ptr<os::Child> start(const std::string& program, const std::string& 
         return nullptr;
     }
     if (command.redirected && (command.outputFiles.size() != 1 || holdsNul(command.outputFiles))) {
-        SetError(InvalidOutputFile);
+        SetError(ERR_EXEC_OUTPUT_FILE);
         return nullptr;
     }
     os::StartRequest request;
     request.program = findProgram(program);
     if (request.program.empty()) {
-        SetError(ProgramNotFound);
+        SetError(ERR_EXEC_NOT_FOUND);
         return nullptr;
     }
     request.arguments = std::move(command.arguments);
@@ -147,7 +138,6 @@ void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, o
     state = child.poll();
     for (int waited = 0; !state.ended; waited = std::min(waited + 2 * SliceMilliseconds, ProgressMilliseconds)) {
         if (!shown && waited >= ProgressMilliseconds) {
-        if (!state.ended) state.signal = SIGKILL;  // it cannot be ended: it has failed, though it still runs
             ShowToolProgress("Running " + name);
             shown = true;
         }
@@ -157,6 +147,7 @@ void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, o
         result.stopped = true;
         child.stop(GraceMilliseconds);
         state = child.wait(GraceMilliseconds);
+        if (!state.ended) state.signal = SIGKILL;  // it cannot be ended: it has failed, though it still runs
         break;
     }
     if (shown) ShowToolProgress({});

@@ -5,13 +5,13 @@
 // told.
 #include "library/system.h"
 
+#include "kernel/errors.h"
 #include "library/ascii.h"
 #include "library/fileerrors.h"
 #include "os/clock.h"
 #include "os/files.h"
 
 #include <algorithm>
-#include <charconv>
 
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
@@ -67,14 +67,14 @@ bool copyBytes(const std::string& source, const std::string& dest) {
     if (!LOADFILE(source, bytes) || !SAVEFILE(dest, bytes)) return false;
     const os::FileInfo info = os::infoOf(source);
     if (FileSize(dest) != info.size) {
-        SetError(WrongSizeAfterCopy);
+        SetError(ERR_FILE_COPY_SIZE);
         return false;
     }
     // Some file systems have no permissions to set; the copy is good without them.
     (void)os::files().setMode(os::native(dest), info.mode);
     const os::FileError time = os::files().setModified(os::native(dest), info.modified);
-    for (const os::FileError error : {mode, time}) SetError(detail::writeErrorCode(error));
-    return mode == os::FileError::None && time == os::FileError::None;
+    SetError(detail::writeErrorCode(time));
+    return time == os::FileError::None;
 }
 
 }  // namespace
@@ -152,9 +152,9 @@ std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file) {
 
 bool LOADFILE(const std::string& file, std::string& text) {
     FRAME(LOADFILE);
+    lastFailedSave() = {};
     STAMP();
     const os::FileError error = os::readFile(file, text);
-    lastFailedSave() = {};
     if (error != os::FileError::None) text.clear();
     SetError(detail::readErrorCode(error));
     return error == os::FileError::None;
@@ -163,9 +163,9 @@ bool LOADFILE(const std::string& file, std::string& text) {
 bool SAVEFILE(const std::string& file, std::string_view text) {
     FRAME(SAVEFILE);
     STAMP();
+    lastFailedSave() = {};
     const os::SaveResult result = os::saveFile(file, text);
     if (result.ok()) return true;
-    lastFailedSave() = {};
     lastFailedSave() = {file, result};
     SetError(detail::writeErrorCode(result.error));
     return false;
