@@ -10,7 +10,6 @@
 #include "ide/wndmenu.h"
 #include "library/system.h"
 
-
 MODULE("ide", tarn::IDE_ONERROR)
 
 namespace tarn {
@@ -153,10 +152,9 @@ bool inArrayOf(const Object& control, const Object& first) {
     return control.number() >= first.number() && control.number() <= last.number();
 }
 
-bool matches(const Row& row, const Object& control) {
-    const Object item = MAINCONTROL(row.control);
-    if (row.isArray) return inArrayOf(control, item);
-    return control == item || (!row.button.empty() && control == MAINCONTROL(row.button));
+bool matches(const Row& row, const Object& control, const std::string& name) {
+    if (row.isArray) return inArrayOf(control, MAINCONTROL(row.control));
+    return name == row.control || (!row.button.empty() && name == row.button);
 }
 
 }  // namespace
@@ -164,8 +162,9 @@ bool matches(const Row& row, const Object& control) {
 void DO_COMMAND(const Object& control, int parameter) {
     FRAME(DO_COMMAND);
     STAMP();
+    const std::string name = GetName(control);
     for (const Row& row : rows) {
-        if (!matches(row, control)) continue;
+        if (!matches(row, control, name)) continue;
         STAMP();
         if (row.handler != nullptr) row.handler(Fired{control, parameter});
         break;

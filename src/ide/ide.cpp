@@ -16,6 +16,7 @@
 #include "library/dlgutil.h"
 #include "library/profstr.h"
 #include "library/system.h"
+#include "os/files.h"
 #include "os/process.h"
 
 #include <algorithm>
@@ -34,11 +35,9 @@ void handOver() {
     if (IsLoaded(Main)) SetCaption(Main, "");  // so that the search cannot find this copy
     const OtherControl found = FINDOTHERCONTROL(os::executablePath(), GETMAINCAPTIONSTR(), "File_Open");
     if (found.window && found.control != 0) {
-        if (FileSize(file) > 0) {
-            CommandOtherWindow(found.windowClass, GETMAINCAPTIONSTR(), found.control, file);
-            return;
-        }
-        if (!file.empty()) {
+        const bool content = FileSize(file) > 0;
+        if (content && CommandOtherWindow(found.windowClass, GETMAINCAPTIONSTR(), found.control, file)) return;
+        if (!content && !file.empty()) {
             Sound();
             MsgBox("Error",
                    "The following file:\n\n\t'" + file +
@@ -62,8 +61,9 @@ void IDE_ONERROR(std::int32_t code) {
         handOver();
         Halt();
     }
-    Sound();
     const bool offer = mayContinue(code);
+    if (!offer) RESCUETEXT();  // the user may never close the box
+    Sound();
     const std::string answer =
         MsgBox("Error " + STR(code), ErrorDetails(), offer ? "Continue\nHalt" : "OK", BoxIcon::Error);
     if (!offer || answer != "Continue") {
@@ -101,7 +101,7 @@ void checkSettings(const std::string& ini) {
     Sound();
     const std::string answer =
         MsgBox("Error",
-               "The INI file '\n" + ini + "\n' is missing or invalid.\n" +
+               "The INI file '" + ini + "' is missing or invalid.\n" +
                    "One or more of the following sections are missing:\n\n" + indented(LIMITLINES(missing)) +
                    "\nThis may prevent the compiler from working, or may cause the IDE\n"
                    "to run slowly. The INI file should be restored from a backup.\n" +
@@ -149,7 +149,17 @@ void placeMainWindow(const std::string& ini) {
     }
     const bool honoured = numbers && n[0] >= -margin && n[0] <= screen.w - margin && n[1] >= -margin &&
                           n[1] <= screen.h - margin && n[2] > 0 && n[3] > 0;
-    SetPosition(Main, WINDOW_UNIT, honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{0, 0, screen.w, 1});
+    SetPosition(Main, WINDOW_UNIT, honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{screen.x, screen.y, screen.w, 1});
+}
+
+// At the first start the Code window takes the room below the main window and leaves the error window's at the bottom.
+void placeCodeWindow(const std::string& ini) {
+    if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
+    WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
+    const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
+    const int top = main.y + main.h;
+    EDITWNDSETMAXSIZE(SDIEdit, Main);
+    SetPosition(SDIEdit, WINDOW_UNIT, Rect{screen.x, top, screen.w * 3 / 4, (screen.y + screen.h - top) * 3 / 4});
 }
 
 void showToolbarAsSet(const std::string& ini) {
@@ -206,6 +216,15 @@ void noteUndoItems() {
     }
 }
 
+// The menu items that were noted must still be there whenever the menu is made anew.
+void checkUndoItems() {
+    const std::string text = undoHandleText();
+    Assert(STRLINES(text) == undoItems, "aControls was setup wrongly under the Load event: " + STR(STRLINES(text)));
+    Assert(isMenuitem(MAINCONTROL("edit_undo_01")),
+           "aControls[1] is invalid after being re-loaded from Main.edtMenuarray, type: " +
+               GetTypeof(MAINCONTROL("edit_undo_01")));
+}
+
 void chooseOpeningAction(const std::string& ini, const std::string& file) {
     if (!file.empty()) return DO_OPEN(file, MAINCONTROL("programlabel"));
     const auto chosen = [&](std::string_view key) { return PROFILESTRGET(ini, "GenOptionsDlg", key) == "1"; };
@@ -216,7 +235,8 @@ void chooseOpeningAction(const std::string& ini, const std::string& file) {
 
 void goToLastFolder(const std::string& ini) {
     const std::string last = PROFILESTRGET(ini, "Main", "LastPath");
-    if (PROFILESTRGET(ini, "GenOptionsDlg", "SavePath") == "1" && !last.empty()) SETCURDIR(last);
+    const bool wanted = PROFILESTRGET(ini, "GenOptionsDlg", "SavePath") == "1" && !last.empty();
+    if (wanted && os::infoOf(last).folder) SETCURDIR(last);  // it may have gone since
 }
 
 }  // namespace
@@ -225,7 +245,7 @@ void DO_LOAD() {
     FRAME(DO_LOAD);
     STAMP();
     const std::string ini = GETIDEINIFILE();
-    SPLASHDLG_SHOW();
+    SPLASHDLG_SHOWWITHBUTTONS();
     STAMP();
     checkSettings(ini);
     STAMP();
@@ -250,7 +270,7 @@ void DO_LOAD() {
     STAMP();
     EDITWNDSETMAXSIZE(SDIEdit, Main);
     STAMP();
-    AppIcon("mainicon.ico");
+    AppIcon(GETAPPDIR() + "mainicon.ico");
     STAMP();
     const std::string file = GETCOMMANDLINEFILE();
     goToLastFolder(ini);
@@ -261,9 +281,11 @@ void DO_LOAD() {
     STAMP();
     SPLASHDLG_UNLOAD();
     STAMP();
-    OFFERRESCUEDTEXT();
+    placeCodeWindow(ini);
     STAMP();
-    chooseOpeningAction(ini, file);
+    const bool restored = OFFERRESCUEDTEXT();
+    STAMP();
+    if (!restored) chooseOpeningAction(ini, file);
     STAMP();
     UPDATEMAINWINDOW();
     STAMP();
@@ -313,8 +335,7 @@ void REACTIVATELASTWINDOW() {
 void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
     FRAME(POPULATEMENUITEMS);
     STAMP();
-    int handles[undoItems] = {};
-    handlesFromText(undoHandleText(), handles);
+    checkUndoItems();
     while (ControlBounds(menuArray).upper > 1) RemoveMenuitem(ControlElement(menuArray, 2));
     STAMP();
     Assert(ControlBounds(menuArray).lower == 1 && ControlBounds(menuArray).upper == 1 && isMenuitem(menuArray));
@@ -343,8 +364,6 @@ namespace {
 
 void enable(std::string_view control, bool on) { SetEnabled(MAINCONTROL(control), on && HASHANDLER(control)); }
 
-bool isVisible(const Object& window) { return IsLoaded(window) && GetVisible(window); }
-
 void enableCommands(bool programIsClass, bool codeIsClass) {
     const Object program = MAINCONTROL("program_add_dialog");
     const Bounds bounds = ControlBounds(program);
@@ -355,11 +374,11 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     for (const std::string_view name :
          {"run_quickbuild", "run_rebuild", "run_compile", "run_start", "run_debug", "run_info"})
         enable(name, programIsClass || codeIsClass);
-    enable("window_program", isVisible(ProjectEditorDlg));
-    enable("window_code", isVisible(SDIEdit));
-    enable("window_dialog", isVisible(DialogDlg));
-    enable("window_browser", isVisible(BrowseInfoDlg));
-    enable("window_error", isVisible(ViewDlg));
+    enable("window_program", ISSHOWN(ProjectEditorDlg));
+    enable("window_code", ISSHOWN(SDIEdit));
+    enable("window_dialog", ISSHOWN(DialogDlg));
+    enable("window_browser", ISSHOWN(BrowseInfoDlg));
+    enable("window_error", ISSHOWN(ViewDlg));
 }
 
 }  // namespace
@@ -375,7 +394,7 @@ void UPDATEMAINWINDOW() {
     STAMP();
     LOADMRULIST(GETIDEINIFILE(), "MRU", 5, MAINCONTROL("file_mru_1"));
     STAMP();
-    enable("view_toolbox", isVisible(DialogDlg));
+    enable("view_toolbox", ISSHOWN(DialogDlg));
     STAMP();
     POPULATEMENUITEMS(MAINCONTROL("edit_undo_01"), "");
     STAMP();

@@ -9,19 +9,10 @@
 #include "os/process.h"
 #include "platform/registry.h"
 
+#include <algorithm>
+
 namespace tarn {
 namespace {
-
-// A tool that cannot be started is told to the user in a box, and the program goes on.
-void onerror(std::int32_t code) {
-    if (code < 901 || code > 909) return DefaultErrorHandler(code);
-    const Reporting report;
-    if (!report.entered()) return;
-    Sound();
-    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\nCannot run external program.", "OK",
-           BoxIcon::Error);
-    ContinueAfterError();
-}
 
 std::string pathSetting(std::string_view key) {
     return PROFILESTRGET(GETIDEINIFILE(), "PathsOptionsDlg", key);
@@ -39,9 +30,24 @@ int compilerNumber(std::string_view key) {
 }  // namespace
 }  // namespace tarn
 
-MODULE("idecore", tarn::onerror)
+MODULE("idecore", tarn::TOOL_ONERROR)
 
 namespace tarn {
+
+void TOOL_ONERROR(std::int32_t code) {
+    const bool tool = code >= 901 && code <= 909, file = code >= 651 && code <= 659;
+    if (!tool && !file) return DefaultErrorHandler(code);
+    const Reporting report;
+    if (!report.entered()) return;
+    Sound();
+    MsgBox("Error",
+           ErrorMessage(code) + " (error " + STR(code) + ").\n" +
+               (tool ? "Cannot run external program."
+                     : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
+                       "compiler file path that you may write."),
+           "OK", BoxIcon::Error);
+    ContinueAfterError();
+}
 
 // ---- where things are ----------------------------------------------------------------------------------------
 
@@ -297,55 +303,54 @@ std::string compileObstacle(const std::string& file) {
     return {};
 }
 
-// What a run of a tool says beside its messages: it was stopped, died, or failed without a word.
-std::string runFault(const ExecResult& run, const std::string& tool, bool saidSomething) {
-    const std::string name = FILEGETFNAME(tool);
-    if (run.stopped) return "'" + name + "' was stopped before it had finished.\n";
-    if (run.signal != 0)
-        return "'" + name + "' ended by signal " + STR(run.signal) +
-               " and its results cannot be used.\nTry again, or check the compiler file path in "
-               "Tools-Options-Paths.\n";
-    if (run.code != 0 && !saidSomething)
-        return "'" + name + "' failed with exit code " + STR(run.code) +
-               " and gave no message.\nCheck the compiler file path in Tools-Options-Paths.\n";
-    return {};
-}
+struct CompilerRun {
+    bool started = false;
+    std::string failure;  // empty if it went well
+};
 
-// Runs the compiler on the file; the failure text, empty if it went well.
-std::string runCompiler(const std::string& file) {
-    CompilerOptions options = GETCOMPILEROPTIONS();
-    std::string line = SAVECOMMANDLINE(options, 1, false);
+CompilerRun runCompiler(const std::string& file, int windowMode) {
+    std::string line = SAVECOMMANDLINE(GETCOMPILEROPTIONS(), 1, false);
     line = FILESUBSTITUTENAME(line, "^", FILEGETDIR(file) + FILEBASENAME(file));
-    const std::size_t afterProgram = STRTOKEN(line, 1).size();
+    const std::string arguments = STRTRIM(std::string_view(line).substr(STRTOKEN(line, 1).size()));
     const std::string compiler = FINDTOOL(GETCOMPILEREXE());
     const std::string errorFile = FILEGETDIR(compiler) + "sarn.err";
     FILEDELETE(errorFile);
-    const ExecResult run = EXEC(compiler, STRTRIM(std::string_view(line).substr(afterProgram)), 0 + 1);
-    if (!run.started) return "The compiler could not be started.\n";
+    const ExecResult run = EXEC(compiler, arguments, 0 + windowMode);
+    if (!run.started) return {};
     std::string text;
     if (FileSize(errorFile) > 0) LOADFILE(errorFile, text);
-    const std::string fault = runFault(run, compiler, !text.empty());
     FILEDELETE(errorFile);
-    if (!fault.empty()) return fault + text;
-    return text.empty() || STRFIND(": 0 errors.", text) != 0 ? std::string() : text;
+    const bool clean = text.empty() || STRFIND(NoErrors, text) != 0;
+    const std::string fault = RUNFAULT(run, compiler, !clean);
+    return {true, fault + (clean ? "" : text)};
 }
 
 }  // namespace
 
-void COMPILESINGLEFILE(const std::string& file, int) {
+std::string RUNFAULT(const ExecResult& run, const std::string& tool, bool hasMessages) {
+    FRAME(RUNFAULT);
+    const std::string name = "'" + FILEGETFNAME(tool) + "' ";
+    const std::string advice = "\nCheck the compiler file path in Tools-Options-Paths, or try again.\n";
+    if (run.stopped) return name + "was stopped before it had finished.\n";
+    if (run.signal != 0) return name + "ended by signal " + STR(run.signal) + "." + advice;
+    if (run.code == 0 || hasMessages) return {};
+    return name + "failed with exit code " + STR(run.code) + " and gave no message." + advice;
+}
+
+void COMPILESINGLEFILE(const std::string& file, int windowMode) {
     FRAME(COMPILESINGLEFILE);
+    if (windowMode < 0 || windowMode > 11) windowMode = 1;
     STAMP();
-    std::string failure = compileObstacle(file);
-    const bool ran = failure.empty();
+    CompilerRun run{true, compileObstacle(file)};
     STAMP();
-    if (ran) failure = runCompiler(file);
-    STAMP();
-    if (failure.empty()) {
+    if (run.failure.empty()) run = runCompiler(file, windowMode);
+    STAMP();  // tells why a compiler could not be started
+    if (!run.started) return;
+    if (run.failure.empty()) {
         MsgBox("Run-Compile", "Successfully compiled '" + file + "'", "OK", BoxIcon::Information);
         return;
     }
-    const std::string text = ran ? "Cannot compile '" + file + "'\n\n" + LIMITLINES(failure) : failure;
-    MsgBox("Run-Compile", text, "OK", BoxIcon::Error);
+    MsgBox("Run-Compile", "Cannot compile '" + file + "'\n\n" + LIMITLINES(run.failure), "OK", BoxIcon::Error);
 }
 
 // ---- the make tool's lists -----------------------------------------------------------------------------------
@@ -388,7 +393,10 @@ DependencyList LOADDEPLIST(const std::string& file, const std::string& options, 
         return result;
     }
     if (FileSize(output) > 0) LOADFILE(output, result.files);
-    result.error = STRRTRIMCRLF(runFault(run, tool, false));
+    STAMP();
+    result.error = RUNFAULT(run, tool, !result.files.empty());
+    if (run.code != 0) result.error += result.files;
+    result.error = STRRTRIMCRLF(result.error);
     if (!result.error.empty()) result.files.clear();
     if (!result.files.empty() && result.files.back() != '\n') result.files += '\n';
     if (!fullPaths) result.files = namesOnly(result.files);

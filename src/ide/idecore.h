@@ -5,6 +5,8 @@
 // at each use.
 #pragma once
 
+#include "library/system.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +39,11 @@ std::string HELPTOPIC(std::string_view caption);
 void SHOWHELP(const std::string& topic);
 
 // ---- compiler and make tool ----
+// The error handler of modules that start tools and read what they leave: a tool that cannot be run (901 to 909) and
+// a file that cannot be read or written (651 to 659) are told in a box, and the program goes on.
+void TOOL_ONERROR(std::int32_t code);
+// What a run says beside the tool's messages: it was stopped, died, or failed without a word; empty if none of these.
+std::string RUNFAULT(const ExecResult& run, const std::string& tool, bool hasMessages);
 std::string GETCOMPILEREXE();
 std::string GETORDOEXE();
 
@@ -46,6 +53,8 @@ struct CompilerOptions {
     std::string extra, inheritPaths, resourcePaths;
 };
 CompilerOptions GETCOMPILEROPTIONS();
+// The compiler's success mark, which its messages hold exactly when nothing went wrong.
+inline constexpr std::string_view NoErrors = ": 0 errors.";
 // The compiler's command line; with `write` it also goes to the settings, where the make tool finds it.
 std::string SAVECOMMANDLINE(const CompilerOptions& options, int windowMode, bool write);
 void REFRESHCOMMANDLINE();  // from the settings, written back

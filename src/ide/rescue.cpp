@@ -22,14 +22,25 @@ std::string rescueStem(const std::string& file) {
     return os::rescueFolder() + base + "." + STR(static_cast<int>(getpid()));
 }
 
-// Shows the rescued text as an unsaved change of its file.
+std::vector<std::string> rescuedFiles() {
+    std::vector<std::string> names;
+    os::files().list(os::rescueFolder(), names);
+    for (std::string& name : names) name = os::rescueFolder() + name;
+    return names;
+}
+
+// A failure is no reason to disturb the user: the file is offered again.
+void removePair(const std::string& stem) {
+    os::files().remove(stem + std::string(nameEnd));
+    os::files().remove(stem + std::string(textEnd));
+}
+
+// Shows the rescued text as an unsaved change of its file; false if the user keeps another text.
 bool bringBack(const std::string& file, const std::string& text) {
-    EDITWNDCLOSE(SDIEdit, false);
-    if (!EDITWNDGETFILENAME(SDIEdit).empty()) return false;
-    if (file != Untitled && FileSize(file) >= 0) EDITWNDOPEN(SDIEdit, file, false, 0);
-    else EDITWNDNEW(SDIEdit, "");
-    if (EDITWNDGETFILENAME(SDIEdit).empty()) return false;
-    if (file != Untitled) SetCaption(SDIEdit, file);
+    EDITWNDNEW(SDIEdit, "");
+    if (EDITWNDGETFILENAME(SDIEdit) != Untitled) return false;
+    SetCaption(SDIEdit, file);
+    EDITWNDSETTOKENS(SDIEdit, GETTOKENLEVEL());
     SetText(SDIEdit, text);
     SetModify(SDIEdit, true);
     SETMODIFYPRIVATE(SDIEdit, true);
@@ -38,31 +49,30 @@ bool bringBack(const std::string& file, const std::string& text) {
     return true;
 }
 
-void offer(const std::string& stem) {
+bool offerPair(const std::string& stem) {
     std::string file, text;
     const bool whole = os::readFile(stem + std::string(nameEnd), file) == os::FileError::None &&
                        os::readFile(stem + std::string(textEnd), text) == os::FileError::None;
-    if (!whole) return;
+    if (!whole) return false;
     const std::string answer = MsgBox(
         "Rescued Text",
         "The environment was stopped by an error while the following file had unsaved changes:\n\n\t'" + file +
             "'\n\nIts text was kept. Restore it as an unsaved change, delete it, or be asked again at the next start?",
         "&Restore\n&Delete\n&Later", BoxIcon::Question);
-    const bool restored = answer == "&Restore" && bringBack(file, text);
-    if (!restored && answer != "&Delete") return;
-    FILEDELETE(stem + std::string(nameEnd));
-    FILEDELETE(stem + std::string(textEnd));
+    if (answer == "&Delete") removePair(stem);
+    return answer == "&Restore" && bringBack(file, text);
 }
 
-// A copy that a save left because it was interrupted while it wrote the file in place.
-void offerCopy(const std::string& copy) {
+// A copy that a save left because it was interrupted while it wrote the file in place, or a text whose name was lost.
+bool offerCopy(const std::string& copy) {
     const std::string answer = MsgBox("Rescued Text",
-                                      "A save was interrupted while it wrote its file in place. The whole new text was "
-                                      "kept in the following file:\n\n\t'" +
+                                      "A save was interrupted before it had finished. The whole text was kept in the "
+                                      "following file:\n\n\t'" +
                                           copy + "'\n\nOpen it, delete it, or be asked again at the next start?",
                                       "&Open\n&Delete\n&Later", BoxIcon::Question);
+    if (answer == "&Delete") os::files().remove(copy);
     if (answer == "&Open") EDITWNDOPEN(SDIEdit, copy, false, 0);
-    if (answer == "&Delete") FILEDELETE(copy);
+    return answer == "&Open";
 }
 
 }  // namespace
@@ -76,17 +86,28 @@ void RESCUETEXT() {
         static_cast<void>(os::saveFile(stem + std::string(nameEnd), file));
 }
 
-void OFFERRESCUEDTEXT() {
+bool OFFERRESCUEDTEXT() {
     FRAME(OFFERRESCUEDTEXT);
-    std::vector<std::string> names;
-    os::files().list(os::rescueFolder(), names);
-    for (const std::string& name : names) {
+    bool shown = false;
+    for (const std::string& path : rescuedFiles()) {
         STAMP();
-        const std::string path = os::rescueFolder() + name;
-        if (name.ends_with(nameEnd)) offer(path.substr(0, path.size() - nameEnd.size()));
-        else if (!name.ends_with(textEnd)) offerCopy(path);
+        if (shown) break;  // the others are offered at the next start: one text fits in the window
+        const std::string stem = path.substr(0, path.size() - textEnd.size());
+        const bool hasName = os::infoOf(stem + std::string(nameEnd)).exists;
+        if (path.ends_with(nameEnd)) shown = offerPair(stem);
+        else if (!path.ends_with(textEnd) || !hasName) shown = offerCopy(path);
     }
     STAMP();
+    return shown;
+}
+
+void DROPRESCUEDTEXT(const std::string& file) {
+    FRAME(DROPRESCUEDTEXT);
+    for (const std::string& path : rescuedFiles()) {
+        std::string name;
+        const bool ofFile = path.ends_with(nameEnd) && os::readFile(path, name) == os::FileError::None && name == file;
+        if (ofFile) removePair(path.substr(0, path.size() - nameEnd.size()));
+    }
 }
 
 }  // namespace tarn

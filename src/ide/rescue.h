@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Rescue of unsaved text. Before a halt that an error causes, the changed text of the Code window goes to the
-// rescue folder: `NAME.PID.text` with the bytes and `NAME.PID.name` with the full path of its file. The next start
-// offers each of them; what the user leaves stays for the start after that.
+// rescue folder: `NAME.PID.text` with the bytes and then `NAME.PID.name` with the full path of its file. The next
+// start offers each pair, and each copy that an interrupted save has left there; what the user leaves stays for the
+// start after that. A restored text keeps its pair until it has been saved or thrown away.
 #pragma once
+
+#include <string>
 
 namespace tarn {
 
-void RESCUETEXT();         // works on the object model alone, so it may run after a fault
-void OFFERRESCUEDTEXT();
+void RESCUETEXT();        // reads the Code window and writes two files; nothing if there is no change
+bool OFFERRESCUEDTEXT();  // true if the Code window holds one of the texts now
+void DROPRESCUEDTEXT(const std::string& file);  // the pairs of this file, which is saved or was given up
 
 }  // namespace tarn

@@ -11,23 +11,7 @@
 #include "library/symbols.h"
 #include "library/system.h"
 
-namespace tarn {
-namespace {
-
-void onerror(std::int32_t code) {
-    if (code < 901 || code > 909) return DefaultErrorHandler(code);
-    const Reporting report;
-    if (!report.entered()) return;
-    Sound();
-    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\nCannot run external program.", "OK",
-           BoxIcon::Error);
-    ContinueAfterError();
-}
-
-}  // namespace
-}  // namespace tarn
-
-MODULE("runmenu", tarn::onerror)
+MODULE("runmenu", tarn::TOOL_ONERROR)
 
 namespace tarn {
 namespace {
@@ -40,28 +24,26 @@ bool hasUnsavedClass() {
     return IsLoaded(SDIEdit) && GetModify(SDIEdit) && ISCLASSFILE(EDITWNDGETFILENAME(SDIEdit));
 }
 
-void showTitled(const std::string& title, const std::string& text) { MSGBOX(title, text); }
-
 // ---- what may be built ---------------------------------------------------------------------------------------
 
 bool mayBuildUntitled(const std::string& title, std::string& file) {
     SAVEALL();
     file = EDITWNDGETFILENAME(SDIEdit);
     if (ISCLASSFILE(file)) return FileSize(file) > 0;
-    SHOWNOCLASSERROR(title, file == Untitled ? "" : file);
+    SHOWNOCLASSERROR(title, file);
     return false;
 }
 
 bool mayBuildOpenFile(const std::string& title) {
     SAVEALL();
     if (!hasUnsavedClass()) return true;
-    showTitled(title, "You must save this class before using '" + title + "'.");
+    MSGBOX(title, "You must save this class before using '" + title + "'.");
     return false;
 }
 
 bool mayBuildOtherFile(const std::string& title, const std::string& file) {
     if (FileSize(file) > 0) return true;
-    showTitled(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
+    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
                           "'\n\nis empty or does not exist.");
     return false;
 }
@@ -77,7 +59,7 @@ bool mayBuild(const std::string& title, std::string& file) {
 
 bool isMain(const std::string& title, const std::string& file) {
     if (ISMAINCLASS(file)) return true;
-    showTitled(title, "File '" + file + "' is not a main class.\n'" + title +
+    MSGBOX(title, "File '" + file + "' is not a main class.\n'" + title +
                           "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
                           "command.");
     return false;
@@ -86,33 +68,35 @@ bool isMain(const std::string& title, const std::string& file) {
 bool hasMakeTool(const std::string& title) {
     const std::string tool = GETORDOEXE();
     if (!FINDTOOL(tool).empty()) return true;
-    showTitled(title, "Cannot find the ORDO program. It should be in the following file:\n'" + tool +
+    MSGBOX(title, "Cannot find the ORDO program. It should be in the following file:\n'" + tool +
                           "'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\ncontains the "
                           "ORDO.EXE program file.");
     return false;
 }
 
-// Runs the make tool. What it could not say itself, because it was stopped or died, is written where its messages
-// would stand, so that the error window shows it.
-void make(const std::string& options, const std::string& file) {
-    const std::string folder = GETCOMPILERDIR();
-    const std::string errors = folder + "sarn.err";
-    FILEDELETE(errors);
-    FILEDELETE(folder + "ordo.err");
-    const std::string line =
-        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + folder + "ordo.err\"";
-    const ExecResult run = EXEC(FINDTOOL(GETORDOEXE()), line, 0 + 1);
-    std::string fault;
-    if (!run.started) fault = "The make tool could not be started.";
-    else if (run.stopped) fault = "The build was stopped before it had finished.";
-    else if (run.signal != 0) fault = "The make tool ended by signal " + STR(run.signal) + ".";
-    else if (run.code != 0 && FileSize(errors) < 1)
-        fault = "The make tool failed with exit code " + STR(run.code) + " and gave no message.";
-    if (fault.empty()) return;
+std::string readIfThere(const std::string& file) {
     std::string text;
-    if (FileSize(errors) > 0) LOADFILE(errors, text);
-    text = STRREPLACE(text, ": 0 errors.", ":");
-    SAVEFILE(errors, text + fault + "\nCheck the compiler file path in Tools-Options-Paths, or build again.\n");
+    if (FileSize(file) > 0) LOADFILE(file, text);
+    return text;
+}
+
+// Runs the make tool; false if it could not be started. What it could not say itself, because it was stopped or died,
+// is written where its messages would stand, so that the error window shows it.
+bool make(const std::string& options, const std::string& file) {
+    const std::string folder = GETCOMPILERDIR(), tool = FINDTOOL(GETORDOEXE());
+    const std::string errors = folder + "sarn.err", output = folder + "ordo.err";
+    FILEDELETE(errors);
+    FILEDELETE(output);
+    const ExecResult run =
+        EXEC(tool, options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + output + "\"", 0 + 1);
+    if (!run.started) return false;
+    std::string text = readIfThere(errors);
+    if (run.code != 0 && text.empty()) text = readIfThere(output);
+    const bool clean = text.empty() || STRFIND(NoErrors, text) != 0;
+    const std::string fault = RUNFAULT(run, tool, !clean);
+    if (!fault.empty()) SAVEFILE(errors, fault + (clean ? "" : text));
+    else if (!clean && FileSize(errors) < 1) SAVEFILE(errors, text);
+    return true;
 }
 
 }  // namespace
@@ -129,8 +113,9 @@ void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::st
     STAMP();
     if (!isMain(title, file)) return;
     STAMP();
-    make(makeOptions, file);
+    const bool ran = make(makeOptions, file);
     STAMP();
+    if (!ran) return;
     ok = UPDATEERRORWINDOW(GETCOMPILERDIR());
 }
 
@@ -153,7 +138,7 @@ void SHOWNOCLASSERROR(const std::string& title, const std::string& file) {
     FRAME(SHOWNOCLASSERROR);
     const std::string first = "It is not possible to use the '" + title + "' command.\n";
     STAMP();
-    showTitled(title, first + (file.empty() ? "There is no file to build or run."
+    MSGBOX(title, first + (file.empty() ? "There is no file to build or run."
                                             : "'" + file + "' is not a class, it does not have the correct "
                                                            "extension (*.cls)."));
 }
@@ -194,17 +179,17 @@ void RUN_COMPILE(const Object& window) {
     const std::string title = "Run-Compile";
     STAMP();
     if (EDITWNDGETFILENAME(window).empty())
-        return showTitled(title, "There is no file to compile.\nUse File-Open to open a file first.");
+        return MSGBOX(title, "There is no file to compile.\nUse File-Open to open a file first.");
     if (!SYMISCLASS(0, GetText(window), ProductWord, "CLASS"))
-        return showTitled(title, "This file cannot be compiled because it is not a class.\nOpen a class then try "
+        return MSGBOX(title, "This file cannot be compiled because it is not a class.\nOpen a class then try "
                                  "again.");
     STAMP();
     if (GetModify(window)) EDITWNDSAVE(window, false);
     STAMP();
-    if (GetModify(window)) return showTitled(title, "You have to save this class before compiling it.");
+    if (GetModify(window)) return MSGBOX(title, "You have to save this class before compiling it.");
     const std::string file = EDITWNDGETFILENAME(window);
     if (!ISCLASSFILE(file))
-        return showTitled(title, "The following class:\n\n'" + file +
+        return MSGBOX(title, "The following class:\n\n'" + file +
                                      "'\n\ncannot be compiled because it does not have the correct extension "
                                      "(*.cls)\nSave the class with the extension '.cls' then recompile it.");
     STAMP();
@@ -231,21 +216,31 @@ bool isStartable(const std::string& file) {
     return ISCLASSFILE(file);
 }
 
+void traceStart(const std::string& file, bool upToDate) {
+    const bool fullDebugging = PROFILESTRGET(GETIDEINIFILE(), "CompOptionsDlg", "Debug2") == "1";
+    Trace("StartFile = " + file);
+    Trace("SingleStep = 0");
+    Trace(std::string("fUpToDate = ") + (upToDate ? "1" : "0"));
+    Trace(std::string("fCompOptionsHasD2 = ") + (fullDebugging ? "1" : "0"));
+}
+
 }  // namespace
 
 void RUN_START(const std::string& title, const std::string& startFile) {
     FRAME(RUN_START);
     std::string file = startFile;
     STAMP();
-    if (!isStartable(file)) return SHOWNOCLASSERROR(title, file == Untitled ? "" : file);
+    const bool upToDate = ISUPTODATE(file);
     STAMP();
-    const bool current = ISUPTODATE(file) && FileSize(FILECHANGEEXT(file, ".exe")) > 0;
+    const int trace = PROFILESTRGETINT(GETIDEINIFILE(), "DebugOptionsDlg", "Traceprogram");
+    traceStart(file, upToDate);
     STAMP();
+    if (!isStartable(file)) return SHOWNOCLASSERROR(title, file);
+    const bool current = upToDate && FileSize(FILECHANGEEXT(file, ".exe")) > 0;
     bool ok = current;
     if (!current) RUN_BUILD(title, "-fq", file, ok);
     STAMP();
     if (!ok) return;
-    const int trace = PROFILESTRGETINT(GETIDEINIFILE(), "DebugOptionsDlg", "Traceprogram");
     RUNEXEFILE(FILECHANGEEXT(file, ".exe"), trace, false);
     STAMP();
 }
@@ -284,12 +279,15 @@ bool argumentsKey(const Object& window, int key) {
 bool ARGUMENTSDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(ARGUMENTSDLG);
     STAMP();
+    bool result = true;
     switch (event) {
-    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window); return true;
-    case COMMAND_EVENT: return argumentsButton(window, GetName(control));
-    case KEYPRESS_EVENT: return argumentsKey(window, parameter);
-    default: return false;
+    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window); break;
+    case COMMAND_EVENT: result = argumentsButton(window, GetName(control)); break;
+    case KEYPRESS_EVENT: result = argumentsKey(window, parameter); break;
+    default: result = false;
     }
+    STAMP();
+    return result;
 }
 
 void DO_ARGUMENTS() {

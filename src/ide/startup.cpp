@@ -2,12 +2,13 @@
 #include "ide/startup.h"
 
 #include "ide/filemenu.h"
+#include "ide/ide.h"
 #include "ide/idecore.h"
 #include "ide/windows.h"
 #include "library/profstr.h"
 #include "library/system.h"
 
-MODULE("ide")
+MODULE("ide", tarn::IDE_ONERROR)
 
 namespace tarn {
 namespace {
@@ -25,8 +26,7 @@ void restore(const Object& window) {
     const std::string last = STRTRIM(PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"));
     SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : "'" + last + "'");
     // What has no command yet cannot be chosen.
-    for (const int absent : {NewProgram, GettingStarted, Examples})
-        SetEnabled(choices(window, absent), absent == GettingStarted);
+    for (const int absent : {NewProgram, Examples}) SetEnabled(choices(window, absent), false);
     SetEnabled(FINDCONTROL(window, "rbnewprogram"), false);
     const Object first = choices(window, LastProgram);
     if (!last.empty()) return;
@@ -76,12 +76,15 @@ void carryOut(int choice) {
 bool STARTUPDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(STARTUPDLG);
     STAMP();
+    bool result = true;
     switch (event) {
-    case LOAD_EVENT: restore(window); return true;
-    case COMMAND_EVENT: return buttonPressed(window, GetName(control));
-    case KEYPRESS_EVENT: return keyPressed(window, parameter);
-    default: return false;
+    case LOAD_EVENT: restore(window); break;
+    case COMMAND_EVENT: result = buttonPressed(window, GetName(control)); break;
+    case KEYPRESS_EVENT: result = keyPressed(window, parameter); break;
+    default: result = false;
     }
+    STAMP();
+    return result;
 }
 
 void STARTUPDIALOG() {
@@ -96,9 +99,10 @@ void STARTUPDIALOG() {
     const int choice = Controlselectionpos(choices(StartupDlg, LastProgram));
     STAMP();
     if (store) storeChoice(StartupDlg);
-    Unload(StartupDlg);
+    else carryOut(choice);
     STAMP();
-    if (!store) carryOut(choice);
+    if (IsLoaded(StartupDlg)) Unload(StartupDlg);
+    STAMP();
 }
 
 }  // namespace tarn

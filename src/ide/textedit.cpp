@@ -3,11 +3,13 @@
 
 #include "ide/idecore.h"
 #include "ide/projedit.h"
+#include "ide/rescue.h"
 #include "ide/windows.h"
 #include "library/profstr.h"
 #include "library/symbols.h"
 #include "library/system.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarn {
@@ -18,12 +20,13 @@ void onerror(std::int32_t code) {
     if (code < 651 || code > 659) return DefaultErrorHandler(code);
     const Reporting report;
     if (!report.entered()) return;
-    const std::string safe = SAVEFILEREPORT();
+    const std::string failedSave = SAVEFILEREPORT();
+    const std::string sentence =
+        !failedSave.empty() ? failedSave
+        : code == 651       ? "The file was not opened. Check that it exists and that you may read it."
+                            : "Nothing was written. Check that you may write to it and that the disk has room.";
     Sound();
-    MsgBox("Error",
-           ErrorMessage(code) + " (error " + STR(code) + ").\n" +
-               (safe.empty() ? "The file was not opened. Check that it exists and that you may read it." : safe),
-           "OK", BoxIcon::Error);
+    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + sentence, "OK", BoxIcon::Error);
     ContinueAfterError();
 }
 
@@ -201,7 +204,10 @@ void showLine(const Object& window, const std::string& file, int line) {
 // Puts the file into the empty window; false if it cannot be read, which leaves the window empty.
 bool loadIntoWindow(const Object& window, const std::string& file) {
     std::string text;
-    if (!LOADFILE(file, text)) return false;
+    if (!LOADFILE(file, text)) {
+        Hide(window);
+        return false;
+    }
     SetCaption(window, file);
     Show(window, false);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
@@ -290,7 +296,8 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
                                 3 + 32);
     if (answer == 7) return true;
     if (answer != 6) return false;
-    SYMSETCLASSNAME(base, 0, ProductWord, text);
+    const std::string error = SYMSETCLASSNAME(base, 0, ProductWord, text);
+    if (!error.empty()) MSGBOX("Save File", error);
     SetText(window, text);
     SetModify(window, true);
     return true;
@@ -298,9 +305,18 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
 
 bool writeText(const Object& window, const std::string& file) {
     if (!SAVEFILE(file, GetText(window))) return false;
+    DROPRESCUEDTEXT(file);
     SetModify(window, false);
     SETMODIFYPRIVATE(window, false);
     return true;
+}
+
+// A text that could not be stored under its new name keeps the old one, and the class in it too.
+void takeBackName(const Object& window, const std::string& name, const std::string& text) {
+    if (GetText(window) != text) SetText(window, text);
+    SetModify(window, true);
+    SetCaption(window, name);
+    EDITWNDSETTOKENS(window, GETTOKENLEVEL());
 }
 
 }  // namespace
@@ -310,6 +326,7 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     STAMP();
     const std::string before = EDITWNDGETFILENAME(window);
     if (before.empty()) return MSGBOX("File-Save", "There is no file to save.");
+    const std::string textBefore = GetText(window);
     std::string file = before;
     STAMP();
     if (before == Untitled || saveAs) file = askForName(window, before);
@@ -324,11 +341,7 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     STAMP();
     const bool written = go && writeText(window, file);
     STAMP();
-    if (!written && file != before && !file.empty()) {
-        // The text was not stored under the new name, so it keeps the old one.
-        SetCaption(window, before);
-        EDITWNDSETTOKENS(window, GETTOKENLEVEL());
-    }
+    if (go && !written) takeBackName(window, before, textBefore);
     STAMP();
     DRAWMODIFYINDICATOR(window);
 }
@@ -349,6 +362,7 @@ void EDITWNDCLOSE(const Object& window, bool hide) {
     }
     STAMP();
     if (!discard && GetModify(window)) return;
+    if (discard) DROPRESCUEDTEXT(EDITWNDGETFILENAME(window));
     if (hide) Hide(window);
     STAMP();
     INITFILE(window);
@@ -403,7 +417,9 @@ void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow) {
     if (fullScreen != "0") return;
     const Rect screen = ScreenSize();
     const int below = GetPosition(mainWindow, WINDOW_UNIT).h;
-    SetMaxPosition(window, Rect{0, below, screen.w, screen.h - below});
+    const Rect frame = GetPosition(window, WINDOW_UNIT), client = GetPosition(window, CLIENT_UNIT);
+    SetMaxPosition(window, Rect{screen.x, screen.y + below, screen.w - (frame.w - client.w),
+                                screen.h - below - (frame.h - client.h)});
 }
 
 // ---- recent files ------------------------------------------------------------------------------------------------------
@@ -435,6 +451,7 @@ void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int lim
     }
     STAMP();
     PROFILESTRPUT(iniFile, section, "", list);
+    STAMP();
 }
 
 void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const std::string& name) {
@@ -448,6 +465,7 @@ void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const
     }
     STAMP();
     PROFILESTRPUT(iniFile, section, "", list);
+    STAMP();
 }
 
 // ---- file information --------------------------------------------------------------------------------------------------
@@ -455,17 +473,15 @@ void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const
 namespace {
 
 std::string sizeText(const std::string& text) {
-    int lines = STRLINES(text);
-    if (!text.empty() && text.back() != '\n') lines++;
     const auto length = static_cast<int>(text.size());
-    return STR(length) + (length == 1 ? " Byte" : " Bytes") + ", " + STR(lines) + " lines";
+    return STR(length) + (length == 1 ? " Byte" : " Bytes") + ", " + STR(STRLINES(text)) + " lines";
 }
 
 void fillFileInfo(const Object& dialog) {
     const std::string file = EDITWNDGETFILENAME(SDIEdit);
     const std::string text = GetText(SDIEdit);
     const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
-    const bool isMain = STRFIND("main()\n", SYMSCANSOURCE(text, 1024)) != 0;
+    const bool isMain = STRFIND("\nmain()\n", "\n" + SYMSCANSOURCE(text, 1024)) != 0;
     const std::string time = FILETIME(file);
     const std::pair<std::string_view, std::string> values[] = {
         {"label2", file},
@@ -484,16 +500,15 @@ void fillFileInfo(const Object& dialog) {
 bool FILEINFODLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(FILEINFODLG);
     STAMP();
+    const std::string name = event == COMMAND_EVENT ? GetName(control) : "";
+    const int key = event == KEYPRESS_EVENT ? parameter : 0;
+    STAMP();
     if (event == LOAD_EVENT) fillFileInfo(window);
-    if (event == KEYPRESS_EVENT && parameter == KEY_F1) SHOWHELP(HELPTOPIC(GetCaption(window)));
-    if (event == KEYPRESS_EVENT && parameter == KEY_ESCAPE) Unload(window);
+    if (key == KEY_F1 || name == "pushbutton3") SHOWHELP(HELPTOPIC(GetCaption(window)));
     STAMP();
-    if (event != COMMAND_EVENT) return event == KEYPRESS_EVENT && (parameter == KEY_F1 || parameter == KEY_ESCAPE);
-    const std::string name = GetName(control);
+    if (key == KEY_ESCAPE || name == "pushbutton1") Unload(window);
     STAMP();
-    if (name == "pushbutton3") SHOWHELP(HELPTOPIC(GetCaption(window)));
-    if (name == "pushbutton1") Unload(window);
-    return true;
+    return event == LOAD_EVENT || event == COMMAND_EVENT || key == KEY_F1 || key == KEY_ESCAPE;
 }
 
 void FILEINFODIALOG() {

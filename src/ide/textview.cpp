@@ -9,7 +9,7 @@
 #include "library/profstr.h"
 #include "library/system.h"
 
-MODULE("textview")
+MODULE("textview", tarn::TOOL_ONERROR)
 
 namespace tarn {
 namespace {
@@ -59,6 +59,16 @@ void helpOnError(const Object& window) {
     SHOWHELP(STR(message.number));
 }
 
+// Where it was last; at first below the Code window's place, over the width of the screen.
+void place(const Object& window) {
+    const std::string ini = GETIDEINIFILE();
+    LOADINIFILE(ini, window, true, false);
+    if (!PROFILESTRGET(ini, "Viewdlg", "_Position").empty()) return;
+    const Rect screen = ScreenSize();
+    const int height = screen.h / 5;
+    SetPosition(window, WINDOW_UNIT, Rect{screen.x, screen.y + screen.h - height, screen.w, height});
+}
+
 bool keyPressed(const Object& window, int key) {
     switch (key) {
     case KEY_ESCAPE: Unload(window); return true;
@@ -73,13 +83,19 @@ bool keyPressed(const Object& window, int key) {
 bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
     FRAME(VIEWDLG);
     STAMP();
+    bool result = true;
     switch (event) {
-    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window, true, false); return true;
-    case CLOSE_EVENT: SAVEINIFILE(GETIDEINIFILE(), window, true, false); return false;
-    case KEYPRESS_EVENT: return keyPressed(window, parameter);
-    case DBLCLICK_EVENT: jumpToSource(window); return true;
-    default: return false;
+    case LOAD_EVENT: place(window); break;
+    case CLOSE_EVENT:
+        SAVEINIFILE(GETIDEINIFILE(), window, true, false);
+        result = false;
+        break;
+    case KEYPRESS_EVENT: result = keyPressed(window, parameter); break;
+    case DBLCLICK_EVENT: jumpToSource(window); break;
+    default: result = false;
     }
+    STAMP();
+    return result;
 }
 
 void VIEWDIALOG(const std::string& title, const std::string& file, const Font& font) {
@@ -88,7 +104,7 @@ void VIEWDIALOG(const std::string& title, const std::string& file, const Font& f
     if (!IsLoaded(ViewDlg)) Load(ViewDlg);
     std::string text;
     STAMP();
-    LOADFILE(file, text);
+    if (FileSize(file) >= 0) LOADFILE(file, text);
     STAMP();
     SetCaption(ViewDlg, title);
     SetFont(ViewDlg, font);

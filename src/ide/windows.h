@@ -23,6 +23,8 @@ inline const Object ArgumentsDlg("ArgumentsDlg");
 
 inline Object MAINCONTROL(std::string_view name) { return FINDCONTROL(Main, name); }
 
+inline bool ISSHOWN(const Object& window) { return IsLoaded(window) && GetVisible(window); }
+
 inline constexpr std::string_view ClassExtension = ".cls";
 inline constexpr std::string_view ResourceExtension = ".rc";
 inline constexpr std::string_view Untitled = "<untitled>";

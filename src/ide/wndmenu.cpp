@@ -10,10 +10,8 @@ MODULE("wndmenu")
 namespace tarn {
 namespace {
 
-bool isVisible(const Object& window) { return IsLoaded(window) && GetVisible(window); }
-
 void bringForward(const Object& window) {
-    if (isVisible(window)) Show(window, false);
+    if (ISSHOWN(window)) Show(window, false);
 }
 
 void moveTo(const Object& window, const Rect& place) {
@@ -22,14 +20,14 @@ void moveTo(const Object& window, const Rect& place) {
 }
 
 void moveKeepingSize(const Object& window, int x, int y) {
-    if (!isVisible(window)) return;
+    if (!ISSHOWN(window)) return;
     const Rect now = GetPosition(window, WINDOW_UNIT);
     moveTo(window, Rect{x, y, now.w, now.h});
 }
 
 // The Code window keeps a size that fills the work area, and otherwise takes what the others leave.
 void placeCodeWindow(const Rect& work, int errorHeight, int programWidth) {
-    if (!isVisible(SDIEdit)) return;
+    if (!ISSHOWN(SDIEdit)) return;
     const Rect now = GetPosition(SDIEdit, WINDOW_UNIT);
     if (now.w >= work.w && now.h >= work.h) return moveTo(SDIEdit, Rect{work.x, work.y, now.w, now.h});
     moveTo(SDIEdit, Rect{work.x, work.y, work.w - programWidth, work.h - errorHeight});
@@ -46,7 +44,7 @@ void DO_WINDOW_ARRANGE() {
     const Rect work{main.x, top, screen.w, screen.h - top};
     int errorHeight = 0, programWidth = 0;
     STAMP();
-    if (isVisible(ViewDlg)) {
+    if (ISSHOWN(ViewDlg)) {
         errorHeight = 5 * GetPosition(MAINCONTROL("codelabel"), CLIENT_UNIT).h;
         moveTo(ViewDlg, Rect{work.x, work.y + work.h - errorHeight, work.w, errorHeight});
     }
@@ -54,7 +52,7 @@ void DO_WINDOW_ARRANGE() {
     moveKeepingSize(DialogDlg, work.x + 20, work.y + 20);
     moveKeepingSize(BrowseInfoDlg, work.x + 40, work.y + 40);
     STAMP();
-    if (isVisible(ProjectEditorDlg)) {
+    if (ISSHOWN(ProjectEditorDlg)) {
         programWidth = GetPosition(ProjectEditorDlg, WINDOW_UNIT).w;
         moveTo(ProjectEditorDlg,
                Rect{work.x + work.w - programWidth, work.y, programWidth, work.h - errorHeight});

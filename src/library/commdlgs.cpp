@@ -14,8 +14,8 @@ void SPLASHDLG_SPLASHTEXT(const std::string& line1, const std::string& line2, co
     ShowSplash(os::executableFolder() + "logo.bmp", {line1, line2, line3});
 }
 
-void SPLASHDLG_SHOW() {
-    FRAME(SPLASHDLG_SHOW);
+void SPLASHDLG_SHOWWITHBUTTONS() {
+    FRAME(SPLASHDLG_SHOWWITHBUTTONS);
     const std::string product(ProductWord);
     STAMP();
     SPLASHDLG_SPLASHTEXT(product, "Developer Studio", product + " v" + std::string(ProductVersion));

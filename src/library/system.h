@@ -99,7 +99,8 @@ struct ExecResult {
     bool started = false, stopped = false;  // stopped: by the user
     int code = 0, signal = 0;
 };
-ExecResult EXEC(const std::string& program, const std::string& arguments, int mode);
+// It starts in `folder`; an empty one is the current folder.
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode, const std::string& folder = {});
 // An argument line split as the tools read it: blanks separate, double quotes enclose.
 std::vector<std::string> SPLITARGUMENTS(std::string_view line);
 // The file to start for a tool's name: `x.exe`, else `x` beside it; empty if neither is there with content.

@@ -107,7 +107,7 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
 }
 
 // Null, with the error cell set, if the program cannot be started.
-std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments) {
+std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments, const std::string& folder) {
     CommandLine command = parseCommandLine(arguments);
     if (!isProgramName(program) || holdsNul(command.arguments)) {
         SetError(ERR_EXEC_COMMAND_LINE);
@@ -124,6 +124,7 @@ std::unique_ptr<os::Child> start(const std::string& program, const std::string& 
         return nullptr;
     }
     request.arguments = std::move(command.arguments);
+    request.folder = os::native(folder);
     if (command.redirected) request.outputFile = os::native(command.outputFiles.front());
     os::StartError error = os::StartError::None;
     std::unique_ptr<os::Child> child = os::processes().start(request, error);
@@ -193,11 +194,11 @@ std::string FINDTOOL(const std::string& path) {
     return !FILEBASENAME(bare).empty() && hasContent(bare) ? bare : std::string();
 }
 
-ExecResult EXEC(const std::string& program, const std::string& arguments, int mode) {
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode, const std::string& folder) {
     FRAME(EXEC);
     ExecResult result;
     STAMP();
-    const std::unique_ptr<os::Child> child = start(program, arguments);
+    const std::unique_ptr<os::Child> child = start(program, arguments, folder);
     if (child == nullptr) return result;
     result.started = true;
     os::ExitState state;

@@ -154,11 +154,11 @@ void Parser::fail(int line, int number, std::string text) {
 
 void Parser::run() {
     if (text_.size() > largestResourceText) return fail(1, windowSyntax, "The file is too large for a resource file.");
-    while (file_.fault.empty() && nextLine()) {
-        if (line_.find('\0') != std::string_view::npos)
-            return fail(lineNumber_, windowSyntax, "There is a zero byte, so this is no text.");
-        statement();
+    if (const std::size_t zero = text_.find('\0'); zero != std::string_view::npos) {
+        const auto before = std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
+        return fail(static_cast<int>(before) + 1, windowSyntax, "There is a zero byte, so this is no text.");
     }
+    while (file_.fault.empty() && nextLine()) statement();
 }
 
 RcStatement Parser::begin(RcKind kind, const Token& name, std::string_view kindWord) const {
@@ -271,9 +271,6 @@ void Parser::block(const Tokens& tokens, RcKind kind) {
 
 // False when the block has ended, well or with a fault.
 bool Parser::bodyLine(RcStatement& statement, std::size_t& bodyEnd) {
-    const int number = statement.kind == RcKind::Menu ? menuSyntax : windowSyntax;
-    if (line_.find('\0') != std::string_view::npos)
-        return fail(lineNumber_, number, "There is a zero byte, so this is no text."), false;
     const std::size_t first = skipBlanks(line_, 0);
     if (first >= line_.size() || atComment(line_, first)) return true;
     std::size_t wordEnd = first;

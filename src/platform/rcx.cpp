@@ -178,6 +178,7 @@ std::string CompiledResources::open(std::string bytes) {
         if (reader.bad) return damaged();
         symbols_.emplace(name, number);
     }
+    if (bytes_.size() - reader.rest.size() != dataBegin) return damaged();
     return "";
 }
 

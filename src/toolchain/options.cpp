@@ -58,7 +58,8 @@ bool plainOption(const std::string& word, CompilerOptions& options) {
 // `/i` and `/r` have their value behind them without a blank; `/inn/x.cls` is a path all the same.
 bool pathOption(const std::string& argument, CompilerOptions& options) {
     const char letter = fold(argument.substr(1, 1))[0];
-    if ((letter != 'i' && letter != 'r') || argument.size() < 3) return false;
+    if (letter != 'i' && letter != 'r') return false;
+    if (argument[0] == '/' && argument.size() < 3) return false;
     if (argument[0] == '/' && isClassFile(argument)) return false;
     (letter == 'i' ? options.inheritedPath : options.resourcePath) =
         splitPathList(unquoted(argument.substr(2)));
@@ -108,9 +109,9 @@ MakeOptions readMakeOptions(const std::vector<std::string>& arguments, Messages&
             if (word.size() > 2) options.file = unquoted(argument.substr(3));
         } else if (word == "n") {
             options.query = true;
-        } else if (argument[0] == '-' && word.size() > 1 && word[0] == 'i') {
+        } else if (argument[0] == '-' && word[0] == 'i') {
             options.inheritedPath = splitPathList(unquoted(argument.substr(2)));
-        } else if (argument[0] == '-' && word.size() > 1 && word[0] == 'o') {
+        } else if (argument[0] == '-' && word[0] == 'o') {
             options.outputFile = unquoted(argument.substr(2));
         } else if (argument[0] == '-') {
             messages.add("ordo", 0, Problem::BadOption, {argument});

@@ -11,7 +11,6 @@
 namespace tarn {
 
 std::unique_ptr<Hands> makeHands(const std::string& mode);
-std::unique_ptr<Hands> makeModelHands();
 std::unique_ptr<Hands> makeQtHands(bool onScreen);
 
 }  // namespace tarn

@@ -1,26 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The user's hands on real widgets: buttons by their captions, keys as key events, offscreen or on a display.
+// The user's keys and mouse on real widgets: as events offscreen, through the X server on a display.
 #include "behaviour/hands.h"
 
 #include "os/process.h"
 
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QApplication>
-#include <QDialog>
-#include <QFileDialog>
-#include <QKeyEvent>
 #include <QKeySequence>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListView>
-#include <QMessageBox>
-#include <QMouseEvent>
-#include <QPixmap>
-#include <QPushButton>
-#include <QScreen>
-#include <QTimer>
-#include <QWindow>
+#include <QTest>
+#include <QWidget>
 
 #include <cstdlib>
 
@@ -30,16 +20,6 @@ namespace {
 using namespace platform;
 
 QString decoded(const std::string& bytes) { return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size())); }
-std::string encoded(const QString& text) { return text.toStdString(); }
-
-// The modal question of the toolkit: a message, file, input or list box, as opposed to a dialog of the program.
-QDialog* questionDialog() {
-    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    const bool ofProgram = dialog != nullptr && findWindow(Object(encoded(dialog->objectName()))) != nullptr &&
-                           !dialog->objectName().isEmpty();
-    if (ofProgram || (dialog != nullptr && dialog->objectName() == "answered")) return nullptr;
-    return dialog;
-}
 
 // The widget that gets the keys; a program without an active window, as offscreen after a dialog, gets one.
 QWidget* keyTarget() {
@@ -54,72 +34,12 @@ QWidget* keyTarget() {
     return window->focusWidget() != nullptr ? window->focusWidget() : window;
 }
 
-void sendKey(QWidget* target, int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-    // Through the window system's queue, so that shortcuts see it as they see a real key.
-    QWindow* window = target->window()->windowHandle();
-    QKeyEvent shortcut(QEvent::ShortcutOverride, key, modifiers, text);
-    QApplication::sendEvent(target, &shortcut);
-    QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
-    QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
-    if (window != nullptr) {
-        QApplication::sendEvent(window, &press);
-        QApplication::sendEvent(window, &release);
-    } else {
-        QApplication::sendEvent(target, &press);
-        QApplication::sendEvent(target, &release);
-    }
-}
-
 class QtHands : public Hands {
 public:
     explicit QtHands(bool onScreen) : onScreen_(onScreen) {}
 
-    std::optional<ShownQuestion> question() override {
-        QDialog* dialog = questionDialog();
-        if (dialog == nullptr) return std::nullopt;
-        ShownQuestion shown;
-        shown.title = encoded(dialog->windowTitle());
-        if (const auto* box = qobject_cast<QMessageBox*>(dialog)) shown.text = encoded(box->text());
-        else if (const auto* label = dialog->findChild<QLabel*>("question")) shown.text = encoded(label->text());
-        for (const QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
-            if (!button->text().isEmpty()) shown.buttons.push_back(encoded(button->text()));
-        }
-        return shown;
-    }
-
-    bool answer(const std::string& caption) override {
-        QDialog* dialog = questionDialog();
-        for (QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
-            if (encoded(button->text()) != caption || !button->isVisible()) continue;
-            QTimer::singleShot(0, button, &QAbstractButton::click);
-            settle(dialog);
-            return true;
-        }
-        return false;
-    }
-
-    bool enter(const std::string& text) override {
-        QDialog* dialog = questionDialog();
-        if (text.empty()) {
-            QTimer::singleShot(0, dialog, &QDialog::reject);
-        } else if (auto* files = qobject_cast<QFileDialog*>(dialog)) {
-            if (auto* name = files->findChild<QLineEdit*>("fileNameEdit")) name->setText(decoded(text));
-            QTimer::singleShot(0, files, [files] { QMetaObject::invokeMethod(files, "accept"); });
-        } else if (auto* list = dialog->findChild<QListView*>()) {
-            const auto found = list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, decoded(text), 1,
-                                                    Qt::MatchExactly);
-            if (found.isEmpty()) return false;
-            list->setCurrentIndex(found.front());
-            QTimer::singleShot(0, dialog, &QDialog::accept);
-        } else if (auto* line = dialog->findChild<QLineEdit*>()) {
-            line->setText(decoded(text));
-            QTimer::singleShot(0, dialog, &QDialog::accept);
-        } else {
-            return false;
-        }
-        settle(dialog);
-        return true;
-    }
+    // The window manager places and focuses windows in its own time, and real input goes where they are.
+    int patience() override { return onScreen_ ? 400 : 0; }
 
     bool key(const std::string& name) override {
         if (onScreen_) return std::system(("xdotool key --clearmodifiers '" + xName(name) + "'").c_str()) == 0;
@@ -127,34 +47,27 @@ public:
         QWidget* target = keyTarget();
         if (sequence.isEmpty() || target == nullptr) return false;
         const QKeyCombination combination = sequence[0];
-        sendKey(target, combination.key(), combination.keyboardModifiers(), {});
+        QTest::keyClick(target, combination.key(), combination.keyboardModifiers());
         return true;
     }
 
     bool type(const std::string& text) override {
         if (onScreen_) return std::system(("xdotool type --delay 5 '" + text + "'").c_str()) == 0;
-        for (const QChar c : decoded(text)) {
-            QWidget* target = keyTarget();
-            if (target != nullptr) sendKey(target, c.toUpper().unicode(), Qt::NoModifier, QString(c));
-        }
+        QTest::keyClicks(keyTarget(), decoded(text));
         return true;
     }
 
     bool click(const Object& object) override {
-        const Control* control = findControl(object);
-        auto* widget = static_cast<QWidget*>(control->widget);
+        auto* widget = static_cast<QWidget*>(findControl(object)->widget);
+        return widget != nullptr && press(*widget, widget->rect().center(), 1);
+    }
+
+    bool mouse(const Object& window, int x, int y, int clicks) override {
+        auto* widget = static_cast<QWidget*>(findWindow(window)->widget);
         if (widget == nullptr) return false;
-        const QPoint middle = widget->rect().center();
-        if (onScreen_) {
-            const QPoint place = widget->mapToGlobal(middle);
-            return std::system(("xdotool mousemove " + std::to_string(place.x()) + " " + std::to_string(place.y()) +
-                                " click 1").c_str()) == 0;
-        }
-        for (const QEvent::Type kind : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-            QMouseEvent event(kind, middle, widget->mapToGlobal(middle), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(widget, &event);
-        }
-        return true;
+        auto* area = qobject_cast<QAbstractScrollArea*>(widget);
+        if (area == nullptr) area = widget->findChild<QAbstractScrollArea*>();
+        return area != nullptr && press(*area->viewport(), QPoint(x, y), clicks);
     }
 
     bool stopTool() override {
@@ -170,7 +83,7 @@ public:
     void endSplash() override {
         for (QWidget* window : QApplication::topLevelWidgets()) {
             if (window->objectName() == "splash" && window->isVisible())
-                sendKey(window, Qt::Key_Space, Qt::NoModifier, " ");
+                QTest::keyClick(window, Qt::Key_Space);
         }
     }
 
@@ -181,8 +94,17 @@ public:
 private:
     bool onScreen_;
 
-    // The next line must not take this box for its own: it waits until the box has gone.
-    static void settle(QDialog* dialog) { dialog->setObjectName("answered"); }
+    bool press(QWidget& widget, const QPoint& place, int clicks) const {
+        if (onScreen_) {
+            const QPoint at = widget.mapToGlobal(place);
+            return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " + std::to_string(at.y()) +
+                                " click --repeat " + std::to_string(clicks) + " --delay 40 1")
+                                   .c_str()) == 0;
+        }
+        QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
+        if (clicks == 2) QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
+        return true;
+    }
 
     static std::string xName(std::string name) {
         const std::pair<std::string, std::string> names[] = {

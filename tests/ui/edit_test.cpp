@@ -56,8 +56,10 @@ protected:
     }
     void type(const QString& text) {
         for (const QChar c : text) {
-            if (c == u'\n') press(Qt::Key_Return, QStringLiteral("\r"));
-            else press(0, QString(c));
+            if (c == u'\n')
+                press(Qt::Key_Return, QStringLiteral("\r"));
+            else
+                press(0, QString(c));
         }
     }
     void caret(int position) { store->select(position, 0); }
@@ -86,9 +88,27 @@ TEST_F(EditTest, KeepsEveryByteOfAnyText) {
     std::string all;
     for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
     const std::string texts[] = {
-        "", "x", "\n", "\r", "\r\n", "no line end", "a\nb\r\nc\rd", "nul\0nul\0"s, "\0"s, all, all + all,
-        "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3", "\x80\xFF\xFE", "cut \xE2\x82", "\xEF\xBB\xBFmark", "\xC0\x80",
-        "\xED\xA0\x80", std::string(100000, 'x'), std::string(5000, '\n'), "\t \t\n  \v\f\x1B[0m",
+        "",
+        "x",
+        "\n",
+        "\r",
+        "\r\n",
+        "no line end",
+        "a\nb\r\nc\rd",
+        "nul\0nul\0"s,
+        "\0"s,
+        all,
+        all + all,
+        "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
+        "\xC3",
+        "\x80\xFF\xFE",
+        "cut \xE2\x82",
+        "\xEF\xBB\xBFmark",
+        "\xC0\x80",
+        "\xED\xA0\x80",
+        std::string(100000, 'x'),
+        std::string(5000, '\n'),
+        "\t \t\n  \v\f\x1B[0m",
     };
     for (const auto& text : texts) {
         store->setText(text);
@@ -111,8 +131,9 @@ TEST_F(EditTest, TypedLinesEndAsMostLinesOfTheFile) {
     struct Case {
         std::string text, end;
     };
-    const Case cases[] = {{"a\nb\n", "\n"}, {"a\r\nb\r\n", "\r\n"}, {"a\rb\r", "\r"}, {"a\r\nb\r\nc\n", "\r\n"},
-                          {"a\nb\nc\r\n", "\n"}, {"", "\n"}, {"one line", "\n"}};
+    const Case cases[] = {{"a\nb\n", "\n"},          {"a\r\nb\r\n", "\r\n"}, {"a\rb\r", "\r"},
+                          {"a\r\nb\r\nc\n", "\r\n"}, {"a\nb\nc\r\n", "\n"},  {"", "\n"},
+                          {"one line", "\n"}};
     for (const auto& [text, end] : cases) {
         store->setText(text);
         caret(1);
@@ -307,7 +328,8 @@ TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
 
 TEST_F(EditTest, ColoursWordsStringsAndComments) {
     area->setFlags(HILITE);
-    area->setTokens("begin - 0xFF0000 BOLD\nEnd - 0xFF0000 BOLD\n\"' - 0x0000FF\n// ##EOL 0x008000 ITALIC\nrem ##EOL 0x008000\n");
+    area->setTokens("begin - 0xFF0000 BOLD\nEnd - 0xFF0000 BOLD\n\"' - 0x0000FF\n// ##EOL 0x008000 "
+                    "ITALIC\nrem ##EOL 0x008000\n");
     store->setText("BEGIN x \"end\" 'it' // end\nend beginx rem_1 rem x\n\"open\nend");
     const int plain = styleAt(7), word = styleAt(1), string = styleAt(9), comment = styleAt(20);
     EXPECT_EQ(plain, 0);
@@ -400,7 +422,8 @@ TEST_F(EditTest, HasANameForScreenReaders) {
 
 TEST_F(EditTest, DoubleClicksAreTold) {
     store->setText("word word");
-    QTest::mouseDClick(area->textWidget()->findChild<QWidget*>(QStringLiteral("qt_scrollarea_viewport")), Qt::LeftButton, {}, {30, 5});
+    QTest::mouseDClick(area->textWidget()->findChild<QWidget*>(QStringLiteral("qt_scrollarea_viewport")),
+                       Qt::LeftButton, {}, {30, 5});
     EXPECT_EQ(doubles, 1);
 }
 
@@ -408,7 +431,8 @@ TEST_F(EditTest, TypingAtTheEndOfALargeTextIsQuick) {
     std::string text;
     while (text.size() < 4'000'000) text += "if total > 10 then print \"enough\" end // of it\n";
     area->setFlags(HILITE | NUMBERBAR | STATUSBAR | AUTOINDENT);
-    area->setTokens("if - 0x800000 BOLD\nthen - 0x800000 BOLD\nend - 0x800000\n\" - 0x0000FF\n// ##EOL 0x008000\n");
+    area->setTokens(
+        "if - 0x800000 BOLD\nthen - 0x800000 BOLD\nend - 0x800000\n\" - 0x0000FF\n// ##EOL 0x008000\n");
     QElapsedTimer clock;
     clock.start();
     store->setText(text);
@@ -427,8 +451,9 @@ TEST_F(EditTest, TypingAtTheEndOfALargeTextIsQuick) {
         keys.push_back(clock.nsecsElapsed() / 1000);
     }
     std::sort(keys.begin(), keys.end());
-    std::printf("load %lld us, jump to the end %lld us, key median %lld us, 95 of 100 %lld us\n", static_cast<long long>(loaded),
-                static_cast<long long>(jumped), static_cast<long long>(keys[25]), static_cast<long long>(keys[47]));
+    std::printf("load %lld us, jump to the end %lld us, key median %lld us, 95 of 100 %lld us\n",
+                static_cast<long long>(loaded), static_cast<long long>(jumped),
+                static_cast<long long>(keys[25]), static_cast<long long>(keys[47]));
     EXPECT_LT(loaded, 2'000'000);
     EXPECT_LT(keys[25], 100'000);
 }

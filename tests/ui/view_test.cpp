@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The view on windows made from resource text: what the model says reaches the widgets, what the user does reaches the
-// window function, and nothing comes back from what the program did itself.
+// The view on windows made from resource text: what the model says reaches the widgets, what the user does
+// reaches the window function, and nothing comes back from what the program did itself.
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
@@ -24,8 +24,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScrollBar>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -166,7 +166,9 @@ int count(int event, int control = -1) {
 }
 
 const Object Main("Main"), Code("Code"), Form("Form");
-Object in(const Object& window, int number) { return Object(window.window(), number); }
+Object in(const Object& window, int number) {
+    return Object(window.window(), number);
+}
 
 class ViewTest : public ::testing::Test {
 protected:
@@ -205,7 +207,8 @@ protected:
         Show(window, false);
         settle();
     }
-    static void press(QWidget* to, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {}) {
+    static void press(QWidget* to, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+                      const QString& text = {}) {
         QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
         QApplication::sendEvent(to, &event);
         DoEvents();
@@ -397,7 +400,8 @@ TEST_F(ViewTest, RowsChosenReachTheModel) {
     list->setCurrentIndex(list->model()->index(1, 0));
     EXPECT_EQ(GetListIndex(in(Form, 305)).value, 2);
     EXPECT_EQ(count(CHANGE_EVENT, 305), 1);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(1, 0)).center());
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {},
+                       list->visualRect(list->model()->index(1, 0)).center());
     EXPECT_EQ(count(DBLCLICK_EVENT, 305), 1);
     SetListIndex(in(Form, 305), 0);
     EXPECT_FALSE(list->currentIndex().isValid());
@@ -559,7 +563,8 @@ TEST_F(ViewTest, ToolProgressAppearsAfterAWhileAndItsStopWorksWhileBusy) {
     WaitEvents(50, false);
     const auto stop = []() -> QPushButton* {
         for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* button = widget->findChild<QPushButton*>(QStringLiteral("toolstop")); button != nullptr && button->isVisible())
+            if (auto* button = widget->findChild<QPushButton*>(QStringLiteral("toolstop"));
+                button != nullptr && button->isVisible())
                 return button;
         return nullptr;
     };

@@ -157,14 +157,14 @@ bool IsModal(const Object& object) {
 
 Answer<bool> GetVisible(const Object& object) {
     const Control* const control = findControl(object);
-    if (control == nullptr) return {false, findWindow(object) == nullptr ? WindowNotLoaded : ControlInvalid};
+    if (control == nullptr) return {false, object.empty() || findWindow(object) != nullptr ? ControlInvalid : WindowNotLoaded};
     return {object.isWindow() ? static_cast<const Window*>(control)->shown : control->visible, Ok};
 }
 
 Code SetVisible(const Object& object, bool visible) {
     if (object.isWindow()) return visible ? Show(object, false) : Hide(object);
     Control* const control = findControl(object);
-    if (control == nullptr) return findWindow(object) == nullptr ? WindowNotLoaded : ControlInvalid;
+    if (control == nullptr) return GetVisible(object).code;
     if (control->visible == visible) return Ok;
     control->visible = visible;
     view().changed(*control, Property::Visible);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the view knows of an edit window. It stands in a library of its own (libtarnwick-edit.so), which is loaded
-// when the first edit window is; without it a plain text widget takes its place.
+// What the view knows of an edit window. It stands in a library of its own (libtarnwick-edit.so), which is
+// loaded when the first edit window is; without it a plain text widget takes its place.
 #pragma once
 
 #include "platform/model/view.h"
@@ -16,8 +16,8 @@ class QWidget;
 
 namespace tarn::platform::qt {
 
-// Told what the user does in an edit window. `changed` comes once an edit is complete; it does not come for what was
-// done through the store.
+// Told what the user does in an edit window. `changed` comes once an edit is complete; it does not come for
+// what was done through the store.
 class EditEvents {
 public:
     virtual ~EditEvents() = default;

@@ -3,8 +3,8 @@
 
 #include "platform/qt/menus.h"
 #include "platform/qt/pictures.h"
-#include "platform/qt/texts.h"
 #include "platform/qt/textpeers.h"
+#include "platform/qt/texts.h"
 #include "platform/qt/widgets.h"
 
 #include <QApplication>
@@ -47,19 +47,26 @@ private:
 
 Qt::WindowFlags flagsOf(const Window& window) {
     if (window.borderStyle == 0) return Qt::Window | Qt::FramelessWindowHint;
-    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    Qt::WindowFlags flags =
+        Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
     if (window.closeBox) flags |= Qt::WindowCloseButtonHint;
     if (window.borderStyle == 2 && window.maxButton) flags |= Qt::WindowMaximizeButtonHint;
     if (window.borderStyle == 2 && window.minButton) flags |= Qt::WindowMinimizeButtonHint;
     return flags;
 }
 
-bool isButton(Type type) { return type == Type::Pushbutton || type == Type::Bitmapbutton; }
+bool isButton(Type type) {
+    return type == Type::Pushbutton || type == Type::Bitmapbutton;
+}
 
 bool takesFocus(const Control& control) {
     switch (control.type) {
-    case Type::Label: case Type::Groupbox: case Type::Progressbar: case Type::Shape: case Type::Icon: case Type::Image:
-        return false;
+    case Type::Label:
+    case Type::Groupbox:
+    case Type::Progressbar:
+    case Type::Shape:
+    case Type::Icon:
+    case Type::Image: return false;
     default: return true;
     }
 }
@@ -68,17 +75,21 @@ bool takesFocus(const Control& control) {
 QRect rectOf(const Control& control, const QWidget& widget) {
     const Rect& r = control.position;
     int height = r.h;
-    if (qobject_cast<const QComboBox*>(&widget) != nullptr) height = std::min(height, widget.sizeHint().height());
+    if (qobject_cast<const QComboBox*>(&widget) != nullptr)
+        height = std::min(height, widget.sizeHint().height());
     return {r.x, r.y, std::max(r.w, 0), std::max(height, 0)};
 }
 
-// How wide frames are, by border style; learnt from the first window of a kind that the window system has framed.
+// How wide frames are, by border style; learnt from the first window of a kind that the window system has
+// framed.
 QMargins& knownMargins(int borderStyle) {
     static QMargins known[3];
     return known[std::clamp(borderStyle, 0, 2)];
 }
 
-QColor colourOf(int value) { return {value & 0xFF, value >> 8 & 0xFF, value >> 16 & 0xFF}; }
+QColor colourOf(int value) {
+    return {value & 0xFF, value >> 8 & 0xFF, value >> 16 & 0xFF};
+}
 
 }  // namespace
 
@@ -93,7 +104,8 @@ Frame* frameOfWidget(const QWidget* widget) {
 }
 
 Frame::Frame(Window& window)
-    : QWidget(nullptr, flagsOf(window)), window_(&window), bar_(new QMenuBar(this)), client_(new QWidget(this)) {
+    : QWidget(nullptr, flagsOf(window)), window_(&window), bar_(new QMenuBar(this)),
+      client_(new QWidget(this)) {
     const Flag quiet(applying_);
     frames().insert(this);
     window.widget = this;
@@ -109,14 +121,17 @@ Frame::Frame(Window& window)
     place();
 }
 
-Frame::~Frame() { frames().erase(this); }
+Frame::~Frame() {
+    frames().erase(this);
+}
 
 void Frame::makeControls() {
     if (isEditWindowType(window_->type)) {
         Peer* peer = makeEditAreaPeer(*window_, client_);
         client_->setProperty("peer", QVariant::fromValue(static_cast<void*>(peer)));
         window_->widget = this;
-        for (const Property property : {Property::Font, Property::Flags, Property::Tokens}) peer->apply(property);
+        for (const Property property : {Property::Font, Property::Flags, Property::Tokens})
+            peer->apply(property);
     }
     for (const auto& control : window_->controls) {
         Peer* peer = makePeer(*control, client_, !window_->menuItems.empty());
@@ -138,7 +153,8 @@ void Frame::nameControls() {
         QString name = withoutMnemonic(shown(control->caption));
         if (name.isEmpty() && label != nullptr) name = withoutMnemonic(shown(label->caption));
         if (name.isEmpty()) name = shown(control->hint.empty() ? control->name : control->hint);
-        if (!control->hint.empty() && control->type == Type::Bitmapbutton) name = withoutMnemonic(shown(control->hint));
+        if (!control->hint.empty() && control->type == Type::Bitmapbutton)
+            name = withoutMnemonic(shown(control->hint));
         while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
         peer->widget()->setAccessibleName(name);
         if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
@@ -162,7 +178,8 @@ void Frame::orderTabs() {
 
 void Frame::applyColours(Control& control) {
     QWidget& widget = *peerOf(control)->widget();
-    // Black on white is what a resource file says that means nothing special; the desktop's colours stand for it.
+    // Black on white is what a resource file says that means nothing special; the desktop's colours stand for
+    // it.
     const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
     if ((control.foreColour < 0 && control.backColour < 0) || plain) {
         widget.setPalette(QPalette());
@@ -179,9 +196,12 @@ void Frame::applyColours(Control& control) {
     widget.setAutoFillBackground(control.backColour >= 0);
 }
 
-// ---- properties -----------------------------------------------------------------------------------------------------
+// ---- properties
+// -----------------------------------------------------------------------------------------------------
 
-void Frame::applyTitle() { setWindowTitle(shown(window_->caption)); }
+void Frame::applyTitle() {
+    setWindowTitle(shown(window_->caption));
+}
 
 void Frame::apply(Property property) {
     const Flag quiet(applying_);
@@ -207,8 +227,10 @@ void Frame::apply(Property property) {
 
 void Frame::applyTo(Control& control, Property property) {
     if (control.type == Type::Menuitem) {
-        if (property == Property::MenuItems) menuChanged();
-        else if (!rebuild_) updateMenuItem(control);
+        if (property == Property::MenuItems)
+            menuChanged();
+        else if (!rebuild_)
+            updateMenuItem(control);
         return;
     }
     Peer* peer = peerOf(control);
@@ -243,7 +265,8 @@ void Frame::menuChanged() {
     });
 }
 
-// ---- position -------------------------------------------------------------------------------------------------------
+// ---- position
+// -------------------------------------------------------------------------------------------------------
 
 int Frame::barHeight() const {
     if (window_->menuItems.empty()) return 0;
@@ -259,7 +282,9 @@ Rect Frame::extents() const {
             margins.top() + margins.bottom() + bar};
 }
 
-bool Frame::capped() const { return window_->maximum_.w > 0 && window_->maximum_.h > 0; }
+bool Frame::capped() const {
+    return window_->maximum_.w > 0 && window_->maximum_.h > 0;
+}
 
 void Frame::applyLimits() {
     const Rect &low = window_->minimum_, &high = window_->maximum_;
@@ -277,8 +302,10 @@ void Frame::place() {
     const Rect& frame = window_->position;
     const int bar = barHeight();
     const QSize size(std::max(frame.w - margins.w, 1), std::max(frame.h - margins.h, 0) + bar);
-    if (window_->borderStyle == 2) resize(size);
-    else setFixedSize(size);
+    if (window_->borderStyle == 2)
+        resize(size);
+    else
+        setFixedSize(size);
     move(frame.x, frame.y);
     layOut();
 }
@@ -311,7 +338,9 @@ void Frame::applyState() {
         setGeometry(normal_);
     }
     if (!seen_) return;
-    const Qt::WindowStates wanted = state == 1 ? Qt::WindowMinimized : state == 2 ? Qt::WindowMaximized : Qt::WindowNoState;
+    const Qt::WindowStates wanted = state == 1   ? Qt::WindowMinimized
+                                    : state == 2 ? Qt::WindowMaximized
+                                                 : Qt::WindowNoState;
     if (isVisible()) setWindowState((windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized)) | wanted);
 }
 
@@ -319,13 +348,15 @@ void Frame::report() {
     if (applying_ || !isVisible() || window_->closing) return;
     const int state = isMinimized() ? 1 : isMaximized() || large_ ? 2 : 0;
     const QRect frame = frameGeometry();
-    const Rect now = state == 1 ? window_->position : Rect{frame.x(), frame.y(), frame.width(), frame.height()};
+    const Rect now =
+        state == 1 ? window_->position : Rect{frame.x(), frame.y(), frame.width(), frame.height()};
     if (now == window_->position && state == window_->state) return;
     userMoved(*window_, now, state);
 }
 
-// The width of the frame is known only once the window system has drawn it. A window as its resources made it keeps
-// its client area, since its controls were measured for that; one that was given a place keeps its frame.
+// The width of the frame is known only once the window system has drawn it. A window as its resources made it
+// keeps its client area, since its controls were measured for that; one that was given a place keeps its
+// frame.
 void Frame::settle() {
     if (windowHandle() == nullptr || !isVisible()) return;
     const QMargins margins = windowHandle()->frameMargins();
@@ -344,7 +375,8 @@ void Frame::settle() {
     report();
 }
 
-// ---- showing --------------------------------------------------------------------------------------------------------
+// ---- showing
+// --------------------------------------------------------------------------------------------------------
 
 void Frame::applyModality() {
     const Qt::WindowModality wanted = window_->modal ? Qt::ApplicationModal : Qt::NonModal;
@@ -375,8 +407,10 @@ void Frame::bringUp() {
         applyModality();
         if (window_->state == 1 && first) window_->state = 0;
         if (isMinimized()) showNormal();
-        if (window_->state == 2 && !capped() && first) showMaximized();
-        else show();
+        if (window_->state == 2 && !capped() && first)
+            showMaximized();
+        else
+            show();
         seen_ = true;
     }
     raise();
@@ -441,12 +475,14 @@ void Frame::changeEvent(QEvent* event) {
     });
 }
 
-// ---- keys -----------------------------------------------------------------------------------------------------------
+// ---- keys
+// -----------------------------------------------------------------------------------------------------------
 
 Control* Frame::controlOf(const QWidget* widget) const {
     for (; widget != nullptr && widget != this; widget = widget->parentWidget())
         for (const auto& control : window_->controls)
-            if (const Peer* peer = peerOf(*control); peer != nullptr && peer->widget() == widget) return control.get();
+            if (const Peer* peer = peerOf(*control); peer != nullptr && peer->widget() == widget)
+                return control.get();
     return nullptr;
 }
 

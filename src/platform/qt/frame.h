@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A window of the model on the screen: menu bar, client area and its controls at the places that the model gives.
-// It reports moves, changes of state and the wish to close; it decides nothing.
+// A window of the model on the screen: menu bar, client area and its controls at the places that the model
+// gives. It reports moves, changes of state and the wish to close; it decides nothing.
 #pragma once
 
 #include "platform/model/model.h"
@@ -22,13 +22,13 @@ public:
 
     [[nodiscard]] Window& window() const { return *window_; }
     [[nodiscard]] QMenuBar& bar() const { return *bar_; }
-    void apply(Property property);                          // of the window itself
-    void applyTo(Control& control, Property property);      // of one of its controls
-    void bringUp();                                         // shows, raises and activates
-    void menuChanged();                                     // items came or went; rebuilt once for a burst
-    [[nodiscard]] Rect extents() const;                     // see View::frameExtents
+    void apply(Property property);                      // of the window itself
+    void applyTo(Control& control, Property property);  // of one of its controls
+    void bringUp();                                     // shows, raises and activates
+    void menuChanged();                                 // items came or went; rebuilt once for a burst
+    [[nodiscard]] Rect extents() const;                 // see View::frameExtents
     [[nodiscard]] Control* controlOf(const QWidget* widget) const;  // null: the window itself
-    void release();                                         // before the model's window goes
+    void release();                                                 // before the model's window goes
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -41,7 +41,7 @@ private:
     void makeControls();
     void nameControls();
     void orderTabs();
-    void place();            // the model's position and limits to the screen
+    void place();  // the model's position and limits to the screen
     void placeControl(Control& control);
     void layOut();
     void applyState();
@@ -49,9 +49,9 @@ private:
     void applyTitle();
     void applyModality();
     void applyColours(Control& control);
-    void maximiseWithin();   // to the largest position, which may be less than the screen
-    void report();           // the frame's place, if it is news to the model
-    void settle();           // after the window system has told how wide the frame is
+    void maximiseWithin();              // to the largest position, which may be less than the screen
+    void report();                      // the frame's place, if it is news to the model
+    void settle();                      // after the window system has told how wide the frame is
     [[nodiscard]] bool capped() const;  // has a largest position
     [[nodiscard]] int barHeight() const;
     void focusFirst();
@@ -64,11 +64,11 @@ private:
     bool applying_ = false;  // what happens now is the model's doing
     bool rebuild_ = false;
     bool seen_ = false;
-    Rect first_;             // where the resources put the window: position, and size of the client area
-    QMargins assumed_;       // of the frame, while the window system has not told
+    Rect first_;        // where the resources put the window: position, and size of the client area
+    QMargins assumed_;  // of the frame, while the window system has not told
 };
 
-Frame* frameOf(const Window& window);           // null if it has none
-Frame* frameOfWidget(const QWidget* widget);    // the frame that holds it; null if none does
+Frame* frameOf(const Window& window);         // null if it has none
+Frame* frameOfWidget(const QWidget* widget);  // the frame that holds it; null if none does
 
 }  // namespace tarn::platform::qt

@@ -25,10 +25,11 @@ struct Pair {
     int qt, model;
 };
 constexpr Pair Named[] = {
-    {Qt::Key_Backspace, 8}, {Qt::Key_Tab, 9},    {Qt::Key_Backtab, 9},   {Qt::Key_Return, 13}, {Qt::Key_Enter, 13},
-    {Qt::Key_Escape, 27},   {Qt::Key_Space, 32}, {Qt::Key_PageUp, 33},   {Qt::Key_PageDown, 34}, {Qt::Key_End, 35},
-    {Qt::Key_Home, 36},     {Qt::Key_Left, 37},  {Qt::Key_Up, 38},       {Qt::Key_Right, 39},  {Qt::Key_Down, 40},
-    {Qt::Key_Insert, 45},   {Qt::Key_Delete, 46},
+    {Qt::Key_Backspace, 8}, {Qt::Key_Tab, 9},     {Qt::Key_Backtab, 9}, {Qt::Key_Return, 13},
+    {Qt::Key_Enter, 13},    {Qt::Key_Escape, 27}, {Qt::Key_Space, 32},  {Qt::Key_PageUp, 33},
+    {Qt::Key_PageDown, 34}, {Qt::Key_End, 35},    {Qt::Key_Home, 36},   {Qt::Key_Left, 37},
+    {Qt::Key_Up, 38},       {Qt::Key_Right, 39},  {Qt::Key_Down, 40},   {Qt::Key_Insert, 45},
+    {Qt::Key_Delete, 46},
 };
 
 bool isText(const QWidget& widget) {
@@ -44,12 +45,14 @@ bool isList(const QWidget& widget) {
            qobject_cast<const QRadioButton*>(&widget) != nullptr;
 }
 
-bool isArrow(int key) { return key >= Qt::Key_Left && key <= Qt::Key_Down; }
+bool isArrow(int key) {
+    return key >= Qt::Key_Left && key <= Qt::Key_Down;
+}
 
 bool textNeeds(int shortcut) {
     static constexpr int keys[] = {
         Ctrl + 'A', Ctrl + 'C', Ctrl + 'V', Ctrl + 'X', Ctrl + 'Z', Ctrl + 'Y', Ctrl + Shift + 'Z', Ctrl + 45,
-        Shift + 45, Shift + 46, 45, 46, 8, Ctrl + 8, Ctrl + 46,
+        Shift + 45, Shift + 46, 45,         46,         8,          Ctrl + 8,   Ctrl + 46,
     };
     if (std::find(std::begin(keys), std::end(keys), shortcut) != std::end(keys)) return true;
     const int key = shortcut & KeyMask;
@@ -70,7 +73,8 @@ int modelShortcut(const QKeyEvent& event) {
     if (key == 0) return 0;
     const auto modifiers = event.modifiers();
     return key + (modifiers.testFlag(Qt::ControlModifier) ? Ctrl : 0) +
-           (modifiers.testFlag(Qt::ShiftModifier) ? Shift : 0) + (modifiers.testFlag(Qt::AltModifier) ? Alt : 0);
+           (modifiers.testFlag(Qt::ShiftModifier) ? Shift : 0) +
+           (modifiers.testFlag(Qt::AltModifier) ? Alt : 0);
 }
 
 QString shortcutText(int shortcut) {
@@ -91,7 +95,8 @@ bool widgetNeeds(const QWidget& focus, const QKeyEvent& event) {
         const bool command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
         return !command && !event.text().isEmpty() && event.text()[0] >= u' ';
     }
-    return isList(focus) && event.modifiers() == Qt::NoModifier && (isArrow(event.key()) || event.key() == Qt::Key_Space);
+    return isList(focus) && event.modifiers() == Qt::NoModifier &&
+           (isArrow(event.key()) || event.key() == Qt::Key_Space);
 }
 
 bool windowHears(const QWidget* focus, const QKeyEvent& event) {
@@ -103,7 +108,8 @@ bool windowHears(const QWidget* focus, const QKeyEvent& event) {
     if (key == Qt::Key_Delete) return !text;
     if (key == Qt::Key_Left || key == Qt::Key_Right) {
         // A list has no use for them itself, so trees of rows are made of them.
-        return !text && (focus == nullptr || !isList(*focus) || qobject_cast<const QAbstractItemView*>(focus) != nullptr);
+        return !text && (focus == nullptr || !isList(*focus) ||
+                         qobject_cast<const QAbstractItemView*>(focus) != nullptr);
     }
     return isArrow(key) && !text && (focus == nullptr || !isList(*focus));
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Keys of the model (object.h) and keys of Qt. A shortcut of the model is the key code plus 0x1000 for Ctrl, 0x2000
-// for Shift and 0x4000 for Alt.
+// Keys of the model (object.h) and keys of Qt. A shortcut of the model is the key code plus 0x1000 for Ctrl,
+// 0x2000 for Shift and 0x4000 for Alt.
 #pragma once
 
 #include <QString>
@@ -11,11 +11,12 @@ class QWidget;
 
 namespace tarn::platform::qt {
 
-int modelKey(int qtKey);                      // 0 if the model knows no such key
-int modelShortcut(const QKeyEvent& event);    // 0 likewise
-QString shortcutText(int shortcut);           // "Ctrl+S" in the user's language; empty for 0
+int modelKey(int qtKey);                    // 0 if the model knows no such key
+int modelShortcut(const QKeyEvent& event);  // 0 likewise
+QString shortcutText(int shortcut);         // "Ctrl+S" in the user's language; empty for 0
 
-// Keys that the focused widget needs for itself whatever the menus say: a text its editing keys, a list its arrows.
+// Keys that the focused widget needs for itself whatever the menus say: a text its editing keys, a list its
+// arrows.
 bool widgetNeeds(const QWidget& focus, const QKeyEvent& event);
 // Plain keys that a window function hears of before anything else, given where the focus is.
 bool windowHears(const QWidget* focus, const QKeyEvent& event);

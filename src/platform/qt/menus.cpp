@@ -16,17 +16,21 @@ namespace tarn::platform::qt {
 
 namespace {
 
-bool isSeparator(const Control& item) { return item.caption == "-" || item.caption.empty(); }
+bool isSeparator(const Control& item) {
+    return item.caption == "-" || item.caption.empty();
+}
 
 void apply(QAction& action, const Control& item) {
     QString text = shown(item.caption);
     // Names of files stand in menus: their "&" has to be told from a mnemonic by whoever makes the caption.
-    if (const QString key = shortcutText(item.shortcut); !key.isEmpty() && !text.contains(u'\t')) text += u'\t' + key;
+    if (const QString key = shortcutText(item.shortcut); !key.isEmpty() && !text.contains(u'\t'))
+        text += u'\t' + key;
     if (action.text() != text) action.setText(text);
     action.setCheckable(item.checked);
     action.setChecked(item.checked);
     action.setEnabled(item.enabled);
     action.setVisible(item.visible);
+    if (!item.picture.empty()) action.setIcon(iconOf(item.picture));
     if (!item.hint.empty()) action.setStatusTip(shown(item.hint));
 }
 
@@ -35,7 +39,8 @@ void pick(const Object& object) {
     Control* item = findControl(object);
     if (item == nullptr || !item->enabled) return;
     userCommand(*item);
-    if (Control* still = findControl(object); still != nullptr && still->widget != nullptr) updateMenuItem(*still);
+    if (Control* still = findControl(object); still != nullptr && still->widget != nullptr)
+        updateMenuItem(*still);
 }
 
 QAction* addItem(QMenu& menu, Control& item) {
@@ -54,8 +59,10 @@ QAction* addItem(QMenu& menu, Control& item) {
 void buildMenu(QMenuBar& bar, Window& window) {
     for (QAction* old : bar.actions()) {
         bar.removeAction(old);
-        if (QMenu* menu = old->menu(); menu != nullptr) menu->deleteLater();
-        else old->deleteLater();
+        if (QMenu* menu = old->menu(); menu != nullptr)
+            menu->deleteLater();
+        else
+            old->deleteLater();
     }
     std::vector<QMenu*> open;  // the menu at each level
     const auto& items = window.menuItems;
@@ -81,8 +88,10 @@ void buildMenu(QMenuBar& bar, Window& window) {
 
 void updateMenuItem(Control& item) {
     if (auto* action = static_cast<QAction*>(item.widget); action != nullptr) {
-        if (action->isSeparator() == isSeparator(item) && !action->isSeparator()) apply(*action, item);
-        else action->setVisible(item.visible);
+        if (action->isSeparator() == isSeparator(item) && !action->isSeparator())
+            apply(*action, item);
+        else
+            action->setVisible(item.visible);
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The menu bar of a window, made from its flat list of items with levels. Shortcuts are only shown here: the view
-// itself routes keys (see qtview.h), since those of the main window hold in every window of the program.
+// The menu bar of a window, made from its flat list of items with levels. Shortcuts are only shown here: the
+// view itself routes keys (see qtview.h), since those of the main window hold in every window of the program.
 // Cost: one action for each item when the list has changed, otherwise one property.
 #pragma once
 

@@ -20,9 +20,13 @@ namespace tarn::platform::qt {
 
 namespace {
 
-bool isSvg(const QByteArray& bytes) { return bytes.left(512).contains("<svg"); }
+bool isSvg(const QByteArray& bytes) {
+    return bytes.left(512).contains("<svg");
+}
 
-QByteArray qtBytes(const std::string& bytes) { return {bytes.data(), static_cast<qsizetype>(bytes.size())}; }
+QByteArray qtBytes(const std::string& bytes) {
+    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
+}
 
 QByteArray fileBytes(const std::string& file) {
     std::string bytes;
@@ -66,7 +70,11 @@ public:
     QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal) override {
         const QColor colour = colourOf(mode);
         const QString key = QStringLiteral("tarn-svg-%1-%2-%3-%4-%5")
-                                .arg(key_).arg(size.width()).arg(size.height()).arg(colour.rgba()).arg(int(mode));
+                                .arg(key_)
+                                .arg(size.width())
+                                .arg(size.height())
+                                .arg(colour.rgba())
+                                .arg(int(mode));
         QPixmap pixmap;
         if (QPixmapCache::find(key, &pixmap)) return pixmap;
         pixmap = draw(size, colour, mode);
@@ -142,7 +150,8 @@ QPixmap pictureOfFile(const std::string& file, qreal ratio) {
     } else {
         const QImage image = withoutMagenta(QImage::fromData(bytes));
         if (image.isNull()) return {};
-        pixmap = QPixmap::fromImage(image.scaled(image.size() * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+        pixmap = QPixmap::fromImage(
+            image.scaled(image.size() * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation));
     }
     pixmap.setDevicePixelRatio(ratio);
     return pixmap;

@@ -33,9 +33,12 @@ QFont biggestFont(const QString& text, const QRect& band) {
         const int size = (low + high + 1) / 2;
         font.setPixelSize(size);
         const QFontMetrics metrics(font);
-        const bool fits = metrics.height() <= band.height() && metrics.horizontalAdvance(text) <= band.width();
-        if (fits) low = size;
-        else high = size - 1;
+        const bool fits =
+            metrics.height() <= band.height() && metrics.horizontalAdvance(text) <= band.width();
+        if (fits)
+            low = size;
+        else
+            high = size - 1;
     }
     font.setPixelSize(low);
     return font;
@@ -44,7 +47,8 @@ QFont biggestFont(const QString& text, const QRect& band) {
 void drawLine(QPainter& painter, const QString& text, const QRect& band) {
     painter.setFont(biggestFont(text, band));
     painter.setPen(QColor(60, 50, 10));
-    for (int shift = 1; shift <= 4; ++shift) painter.drawText(band.translated(shift, shift), Qt::AlignLeft, text);
+    for (int shift = 1; shift <= 4; ++shift)
+        painter.drawText(band.translated(shift, shift), Qt::AlignLeft, text);
     painter.setPen(QColor(240, 170, 50));
     painter.drawText(band, Qt::AlignLeft, text);
 }
@@ -58,7 +62,8 @@ void centre(QWidget& widget) {
 }  // namespace
 
 Splash::Splash(const std::string& picture, const std::vector<std::string>& lines)
-    : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint), picture_(picture) {
+    // A window of the splash kind would get no focus, and so no key that ends its wait.
+    : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint), picture_(picture) {
     setObjectName(QStringLiteral("splash"));
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
@@ -73,8 +78,10 @@ void Splash::paintEvent(QPaintEvent*) {
     if (!qFuzzyCompare(pixmap_.devicePixelRatio(), devicePixelRatioF()) && !pixmap_.isNull())
         pixmap_ = pictureOfFile(picture_, devicePixelRatioF());
     QPainter painter(this);
-    if (pixmap_.isNull()) painter.fillRect(rect(), QColor(29, 53, 87));
-    else painter.drawPixmap(0, 0, pixmap_);
+    if (pixmap_.isNull())
+        painter.fillRect(rect(), QColor(29, 53, 87));
+    else
+        painter.drawPixmap(0, 0, pixmap_);
     const QRect inner = rect().adjusted(Margin, Margin, -Margin, -Margin);
     const int height = inner.height() / Bands;
     for (int i = 0; i < static_cast<int>(lines_.size()) && i < Bands; ++i)

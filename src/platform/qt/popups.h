@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The two small windows that stand apart from the model: the splash picture, and the progress of a tool with its
-// Stop button.
+// The two small windows that stand apart from the model: the splash picture, and the progress of a tool with
+// its Stop button.
 #pragma once
 
 #include <QTimer>

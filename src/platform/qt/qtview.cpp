@@ -54,11 +54,22 @@ std::unique_ptr<QApplication> makeApplication() {
 
 bool isInput(QEvent::Type type) {
     switch (type) {
-    case QEvent::KeyPress: case QEvent::KeyRelease: case QEvent::ShortcutOverride: case QEvent::Shortcut:
-    case QEvent::MouseButtonPress: case QEvent::MouseButtonRelease: case QEvent::MouseButtonDblClick:
-    case QEvent::Wheel: case QEvent::TouchBegin: case QEvent::TouchEnd: case QEvent::ContextMenu: case QEvent::Drop:
-    case QEvent::DragEnter: case QEvent::Close: case QEvent::HoverEnter: case QEvent::Enter:
-        return true;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::TouchEnd:
+    case QEvent::ContextMenu:
+    case QEvent::Drop:
+    case QEvent::DragEnter:
+    case QEvent::Close:
+    case QEvent::HoverEnter:
+    case QEvent::Enter: return true;
     default: return false;
     }
 }
@@ -94,7 +105,8 @@ private:
 QtView::QtView() : application_(makeApplication()) {
     QApplication::setQuitOnLastWindowClosed(false);
     qApp->installEventFilter(this);
-    connect(&idleTimer_, &QTimer::timeout, this, [this] { if (idle_) idle_(); });
+    idleTimer_.setSingleShot(true);
+    connect(&idleTimer_, &QTimer::timeout, this, [this] { runIdle(); });
     connect(qApp, &QGuiApplication::focusWindowChanged, this,
             [this] { QTimer::singleShot(0, this, [this] { activated(); }); });
 }
@@ -109,7 +121,8 @@ QtView::~QtView() {
     if (qApp != nullptr) qApp->removeEventFilter(this);
 }
 
-// ---- windows --------------------------------------------------------------------------------------------------------
+// ---- windows
+// --------------------------------------------------------------------------------------------------------
 
 void QtView::load(Window& window) {
     if (frameOf(window) == nullptr) new Frame(window);
@@ -150,8 +163,10 @@ void QtView::changed(Control& control, Property property) {
     Window* window = findWindow(control.object);
     Frame* frame = window != nullptr ? frameOf(*window) : nullptr;
     if (frame == nullptr) return;
-    if (&control == window) frame->apply(property);
-    else frame->applyTo(control, property);
+    if (&control == window)
+        frame->apply(property);
+    else
+        frame->applyTo(control, property);
 }
 
 void QtView::activateBelow(Frame* gone) {
@@ -174,7 +189,8 @@ void QtView::activated() {
     userActivate(frame->window());
 }
 
-// ---- loops ----------------------------------------------------------------------------------------------------------
+// ---- loops
+// ----------------------------------------------------------------------------------------------------------
 
 void QtView::sweep() {
     // Widgets ask for their end from inside their own signals, which have returned only out here.
@@ -211,11 +227,23 @@ void QtView::wait(int milliseconds, bool inputEnds) {
 
 void QtView::setIdle(std::function<void()> idle) {
     idle_ = std::move(idle);
-    if (idle_) idleTimer_.start(0);
-    else idleTimer_.stop();
+    if (idle_)
+        idleTimer_.start(0);
+    else
+        idleTimer_.stop();
 }
 
-// ---- questions ------------------------------------------------------------------------------------------------------
+// The idle function may open a box whose loop needs it again, and a timer does not fire while its own handler runs;
+// so the next turn is a call of its own.
+void QtView::runIdle() {
+    if (!idle_) return;
+    QTimer::singleShot(0, this, [this] { runIdle(); });
+    const auto idle = idle_;
+    idle();
+}
+
+// ---- questions
+// ------------------------------------------------------------------------------------------------------
 
 std::string QtView::ask(const Question& question) {
     const bool busy = busy_;
@@ -230,11 +258,16 @@ std::string QtView::ask(const Question& question) {
     return answer;
 }
 
-const Question* QtView::asking() { return qt::asking(); }
+const Question* QtView::asking() {
+    return qt::asking();
+}
 
-bool QtView::answer(const std::string& text) { return answerQuestion(text); }
+bool QtView::answer(const std::string& text) {
+    return answerQuestion(text);
+}
 
-// ---- measures -------------------------------------------------------------------------------------------------------
+// ---- measures
+// -------------------------------------------------------------------------------------------------------
 
 int QtView::textWidth(const Control& control, std::string_view text) {
     return QFontMetrics(fontOf(control)).horizontalAdvance(shown(text));
@@ -263,9 +296,12 @@ int QtView::dpi() {
     return screen != nullptr ? static_cast<int>(screen->logicalDotsPerInch()) : 96;
 }
 
-// ---- system ---------------------------------------------------------------------------------------------------------
+// ---- system
+// ---------------------------------------------------------------------------------------------------------
 
-void QtView::sound() { QApplication::beep(); }
+void QtView::sound() {
+    QApplication::beep();
+}
 
 void QtView::playSound(const std::string& file) {
     for (const char* player : {"paplay", "aplay"}) {
@@ -290,8 +326,10 @@ void QtView::setIcon(const std::string& file) {
 void QtView::setBusy(bool busy) {
     if (busy == busy_) return;
     busy_ = busy;
-    if (busy) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    else QGuiApplication::restoreOverrideCursor();
+    if (busy)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
 }
 
 void QtView::setTimer(Control& owner, int milliseconds) {
@@ -299,14 +337,19 @@ void QtView::setTimer(Control& owner, int milliseconds) {
     if (milliseconds <= 0) return;
     auto timer = std::make_unique<QTimer>();
     // The timer may be replaced or stopped by what it calls, so it knows the control by name only.
-    connect(timer.get(), &QTimer::timeout, this, [object = owner.object] {
-        if (Control* control = findControl(object); control != nullptr) timerFired(*control);
-    }, Qt::QueuedConnection);
+    connect(
+        timer.get(), &QTimer::timeout, this,
+        [object = owner.object] {
+            if (Control* control = findControl(object); control != nullptr) timerFired(*control);
+        },
+        Qt::QueuedConnection);
     timer->start(milliseconds);
     timers_[owner.handle] = std::move(timer);
 }
 
-void QtView::openUrl(const std::string& url) { QDesktopServices::openUrl(QUrl(shown(url))); }
+void QtView::openUrl(const std::string& url) {
+    QDesktopServices::openUrl(QUrl(shown(url)));
+}
 
 void QtView::toolProgress(const std::string& text) {
     if (progress_ == nullptr && text.empty()) return;
@@ -314,16 +357,21 @@ void QtView::toolProgress(const std::string& text) {
     progress_->setText(text);
 }
 
-bool QtView::toolStopPressed() { return progress_ != nullptr && progress_->stopPressed(); }
+bool QtView::toolStopPressed() {
+    return progress_ != nullptr && progress_->stopPressed();
+}
 
 void QtView::showSplash(const std::string& picture, const std::vector<std::string>& lines) {
     splash_ = std::make_unique<Splash>(picture, lines);
     splash_->show();
     splash_->raise();
+    splash_->activateWindow();
     pump();
 }
 
-void QtView::closeSplash() { splash_.reset(); }
+void QtView::closeSplash() {
+    splash_.reset();
+}
 
 void QtView::watch(int descriptor, std::function<void()> ready) {
     watched_.clear();
@@ -336,7 +384,8 @@ void QtView::watch(int descriptor, std::function<void()> ready) {
     watched_[descriptor] = std::move(notifier);
 }
 
-// ---- events of the whole program --------------------------------------------------------------------------------------
+// ---- events of the whole program
+// --------------------------------------------------------------------------------------
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     const auto type = event->type();
@@ -383,9 +432,12 @@ bool QtView::command(Frame& frame, int shortcut) {
 
 bool QtView::openMainMenu(Frame& frame, QKeyEvent& event) {
     Frame* main = mainFrame();
-    if (main == nullptr || main == &frame || event.modifiers() != Qt::AltModifier || !frame.window().menuItems.empty())
+    if (main == nullptr || main == &frame || event.modifiers() != Qt::AltModifier ||
+        !frame.window().menuItems.empty())
         return false;
-    if (!main->isVisible() || !takesInput(main->window()) || event.key() < Qt::Key_A || event.key() > Qt::Key_Z) return false;
+    if (!main->isVisible() || !takesInput(main->window()) || event.key() < Qt::Key_A ||
+        event.key() > Qt::Key_Z)
+        return false;
     const QKeySequence wanted(QKeyCombination(Qt::AltModifier, static_cast<Qt::Key>(event.key())));
     for (QAction* action : main->bar().actions()) {
         if (QKeySequence::mnemonic(action->text()) != wanted || !action->isEnabled()) continue;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The view of the object model on Qt widgets. It makes the application object when it is made itself, and holds
-// everything that is no single window's: loops, keys that go to the program as a whole, busy state, timers, activation.
+// The view of the object model on Qt widgets. It makes the application object when it is made itself, and
+// holds everything that is no single window's: loops, keys that go to the program as a whole, busy state,
+// timers, activation.
 #pragma once
 
 #include "platform/model/view.h"
@@ -67,24 +68,25 @@ protected:
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
 private:
-    bool key(QObject* receiver, QKeyEvent& event);   // true: handled
-    bool command(Frame& frame, int shortcut);        // a menu's shortcut, this window's or the main window's
+    bool key(QObject* receiver, QKeyEvent& event);  // true: handled
+    bool command(Frame& frame, int shortcut);       // a menu's shortcut, this window's or the main window's
     bool openMainMenu(Frame& frame, QKeyEvent& event);  // Alt and the letter of a menu of the main window
-    void activated();                                // tells the model which window is active, if that is news
-    void activateBelow(Frame* gone);                 // after a window has gone, the one before it
-    void sweep();                                    // deletes what asked to be deleted, at the outermost level
+    void activated();                 // tells the model which window is active, if that is news
+    void activateBelow(Frame* gone);  // after a window has gone, the one before it
+    void sweep();                     // deletes what asked to be deleted, at the outermost level
 
-    std::unique_ptr<QApplication> application_;      // null if the program had made one before
+    std::unique_ptr<QApplication> application_;  // null if the program had made one before
     std::function<void()> idle_;
+    void runIdle();
     QTimer idleTimer_;
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
     std::unique_ptr<Splash> splash_;
     std::unique_ptr<ToolProgress> progress_;
-    std::vector<QPointer<Frame>> order_;             // the active window and those before it, latest last
-    int depth_ = 0;                                  // loops, one inside the other
+    std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
+    int depth_ = 0;                       // loops, one inside the other
     bool busy_ = false;
-    bool input_ = false;                             // a key or a click since the wait began
+    bool input_ = false;  // a key or a click since the wait began
 };
 
 }  // namespace tarn::platform::qt

@@ -67,13 +67,15 @@ QWidget* makeText(const QString& text, QWidget* parent) {
         label->setWordWrap(true);
         label->setMinimumWidth(room.width() / 2);
     }
-    const int height = label->wordWrap() ? label->heightForWidth(room.width() / 2) : label->sizeHint().height();
+    const int height =
+        label->wordWrap() ? label->heightForWidth(room.width() / 2) : label->sizeHint().height();
     if (height <= room.height() * 6 / 10) return label;
     auto* area = new QScrollArea(parent);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setWidget(label);
-    area->setMinimumSize(label->sizeHint().width() + area->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 8,
+    area->setMinimumSize(label->sizeHint().width() + area->style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
+                             8,
                          room.height() * 6 / 10);
     return area;
 }
@@ -92,7 +94,8 @@ QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
     return button;
 }
 
-// ---- message ----------------------------------------------------------------------------------------------------------
+// ---- message
+// ----------------------------------------------------------------------------------------------------------
 
 std::string askMessage(const Question& question, QWidget* parent) {
     QDialog box(parent);
@@ -131,7 +134,8 @@ std::string askMessage(const Question& question, QWidget* parent) {
     return run(question, box) == QDialog::Accepted ? answer : std::string();
 }
 
-// ---- a line, a row --------------------------------------------------------------------------------------------------------
+// ---- a line, a row
+// --------------------------------------------------------------------------------------------------------
 
 QHBoxLayout* okAndCancel(QDialog& box) {
     auto* row = new QHBoxLayout;
@@ -190,8 +194,10 @@ protected:
     void keyPressEvent(QKeyEvent* event) override {
         const bool walk = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down ||
                           event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
-        if (walk) QApplication::sendEvent(&list_, event);
-        else QLineEdit::keyPressEvent(event);
+        if (walk)
+            QApplication::sendEvent(&list_, event);
+        else
+            QLineEdit::keyPressEvent(event);
     }
 
 private:
@@ -213,9 +219,11 @@ std::string askRow(const Question& question, QWidget* parent) {
     list->setAccessibleName(shown(question.text.empty() ? question.title : question.text));
     for (const auto& row : question.rows) list->addItem(shown(row));
     if (list->count() > 0) list->setCurrentRow(0);
-    list->setMinimumSize(std::clamp(list->sizeHintForColumn(0) + 40, 320, box.screen()->availableSize().width() / 2),
-                         std::clamp(static_cast<int>(question.rows.size()) * 24, 160, 360));
-    QObject::connect(line, &QLineEdit::textChanged, list, [list](const QString& text) { filterRows(*list, text); });
+    list->setMinimumSize(
+        std::clamp(list->sizeHintForColumn(0) + 40, 320, box.screen()->availableSize().width() / 2),
+        std::clamp(static_cast<int>(question.rows.size()) * 24, 160, 360));
+    QObject::connect(line, &QLineEdit::textChanged, list,
+                     [list](const QString& text) { filterRows(*list, text); });
     QObject::connect(list, &QListWidget::itemDoubleClicked, &box, &QDialog::accept);
     layout->addWidget(line);
     layout->addWidget(list, 1);
@@ -225,7 +233,8 @@ std::string askRow(const Question& question, QWidget* parent) {
     return question.rows[static_cast<std::size_t>(list->currentRow())];
 }
 
-// ---- files -------------------------------------------------------------------------------------------------------------------
+// ---- files
+// -------------------------------------------------------------------------------------------------------------------
 
 // "Text (*.ext)|*.ext|" rows, or a bare pattern.
 QStringList filtersOf(const std::string& filter) {
@@ -236,9 +245,11 @@ QStringList filtersOf(const std::string& filter) {
         QString pattern = (i + 1 < parts.size() ? parts[i + 1] : text).trimmed();
         pattern.replace(u';', u' ');
         text = text.section(u'(', 0, 0).trimmed();
-        filters << (text.isEmpty() || text == pattern ? QObject::tr("Files") : text) + QStringLiteral(" (%1)").arg(pattern);
+        filters << (text.isEmpty() || text == pattern ? QObject::tr("Files") : text) +
+                       QStringLiteral(" (%1)").arg(pattern);
     }
-    const bool all = std::any_of(filters.begin(), filters.end(), [](const QString& f) { return f.endsWith(u"(*)"); });
+    const bool all =
+        std::any_of(filters.begin(), filters.end(), [](const QString& f) { return f.endsWith(u"(*)"); });
     if (!filters.isEmpty() && !all) filters << QObject::tr("All files") + QStringLiteral(" (*)");
     return filters;
 }
@@ -246,11 +257,15 @@ QStringList filtersOf(const std::string& filter) {
 std::string askFile(const Question& question, QWidget* parent) {
     QFileDialog box(parent, shown(question.title));
     box.setWindowModality(Qt::ApplicationModal);
-    const bool save = question.kind == Question::Kind::SaveFile, folder = question.kind == Question::Kind::Folder;
+    const bool save = question.kind == Question::Kind::SaveFile,
+               folder = question.kind == Question::Kind::Folder;
     box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    box.setFileMode(save ? QFileDialog::AnyFile : folder ? QFileDialog::Directory : QFileDialog::ExistingFile);
+    box.setFileMode(save     ? QFileDialog::AnyFile
+                    : folder ? QFileDialog::Directory
+                             : QFileDialog::ExistingFile);
     box.setOption(QFileDialog::ShowDirsOnly, folder);
-    if (const QStringList filters = filtersOf(question.filter); !filters.isEmpty() && !folder) box.setNameFilters(filters);
+    if (const QStringList filters = filtersOf(question.filter); !filters.isEmpty() && !folder)
+        box.setNameFilters(filters);
     const QFileInfo start(shown(question.value));
     if (!question.value.empty()) {
         const bool isFolder = start.isDir();
@@ -262,7 +277,9 @@ std::string askFile(const Question& question, QWidget* parent) {
     return {path.constData(), static_cast<std::size_t>(path.size())};
 }
 
-std::string bare(std::string_view caption) { return withoutMnemonic(shown(caption)).toStdString(); }
+std::string bare(std::string_view caption) {
+    return withoutMnemonic(shown(caption)).toStdString();
+}
 
 bool press(QDialog& box, const std::string& caption) {
     for (auto* button : box.findChildren<QPushButton*>())
@@ -294,7 +311,9 @@ std::string askUser(const Question& question, QWidget* parent) {
     }
 }
 
-const Question* asking() { return open().empty() ? nullptr : open().back().question; }
+const Question* asking() {
+    return open().empty() ? nullptr : open().back().question;
+}
 
 bool answerQuestion(const std::string& text) {
     if (open().empty()) return false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Boxes that wait for the user. Each runs a loop of its own and gives the answer as view.h tells; a box that is
-// closed gives the empty text. `asking` and `answerQuestion` are for whoever plays the user meanwhile.
+// Boxes that wait for the user. Each runs a loop of its own and gives the answer as view.h tells; a box that
+// is closed gives the empty text. `asking` and `answerQuestion` are for whoever plays the user meanwhile.
 #pragma once
 
 #include "platform/model/view.h"

@@ -98,7 +98,8 @@ private:
         const std::string& bytes = current();
         int position = textOffset(bytes, byte);
         if (!returns_) return position;
-        for (auto at = bytes.find("\r\n"); at != std::string::npos && static_cast<int>(at) < byte; at = bytes.find("\r\n", at + 2))
+        for (auto at = bytes.find("\r\n"); at != std::string::npos && static_cast<int>(at) < byte;
+             at = bytes.find("\r\n", at + 2))
             --position;
         return position;
     }
@@ -157,15 +158,22 @@ protected:
 class LinePeer : public Peer {
 public:
     LinePeer(Control& control, QLineEdit& line) : Peer(control, line), line_(line) {
+        static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
+        line.setAlignment(sides[std::clamp(control.alignment, 0, 2)] | Qt::AlignVCenter);
+        line.setFrame(control.border != 0);
         takeStore(control, makeLineStore(line));
-        connect(&line, &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
+        connect(&line, &QLineEdit::textEdited, this, [this] {
+            if (control_ != nullptr) userChange(*control_);
+        });
     }
 
     void apply(Property property) override {
         const QSignalBlocker quiet(&line_);
         switch (property) {
         case Property::Readonly: line_.setReadOnly(control_->readonly); break;
-        case Property::MaxLength: line_.setMaxLength(control_->maxLength > 0 ? control_->maxLength : 32767); break;
+        case Property::MaxLength:
+            line_.setMaxLength(control_->maxLength > 0 ? control_->maxLength : 32767);
+            break;
         case Property::Password:
             line_.setEchoMode(control_->passwordChar != 0 ? QLineEdit::Password : QLineEdit::Normal);
             break;
@@ -183,7 +191,9 @@ public:
     LinesPeer(Control& control, QPlainTextEdit& lines) : Peer(control, lines), lines_(lines) {
         lines.setTabChangesFocus(true);
         takeStore(control, std::make_unique<LinesStore>(lines));
-        connect(&lines, &QPlainTextEdit::textChanged, this, [this] { if (control_ != nullptr) userChange(*control_); });
+        connect(&lines, &QPlainTextEdit::textChanged, this, [this] {
+            if (control_ != nullptr) userChange(*control_);
+        });
     }
     void apply(Property property) override {
         if (property == Property::Readonly) lines_.setReadOnly(control_->readonly);
@@ -194,7 +204,8 @@ private:
     QPlainTextEdit& lines_;
 };
 
-// ---- the edit window -----------------------------------------------------------------------------------------------
+// ---- the edit window
+// -----------------------------------------------------------------------------------------------
 
 MakeEditArea loadEditLibrary() {
     static const MakeEditArea make = [] {
@@ -235,9 +246,15 @@ public:
     }
     void letGo() override { giveBackText(*control_); }
 
-    void changed() override { if (control_ != nullptr) userChange(*control_); }
-    void doubleClicked(QPoint at) override { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); }
-    void infoAsked(QPoint at) override { if (control_ != nullptr) userInfo(*control_, at.x(), at.y()); }
+    void changed() override {
+        if (control_ != nullptr) userChange(*control_);
+    }
+    void doubleClicked(QPoint at) override {
+        if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+    }
+    void infoAsked(QPoint at) override {
+        if (control_ != nullptr) userInfo(*control_, at.x(), at.y());
+    }
 
 private:
     EditArea* area_ = nullptr;
@@ -280,9 +297,13 @@ void giveBackText(Control& control) {
     control.text = std::move(plain);
 }
 
-Peer* makeLinePeer(Control& control, QWidget* parent) { return new LinePeer(control, *new QLineEdit(parent)); }
+Peer* makeLinePeer(Control& control, QWidget* parent) {
+    return new LinePeer(control, *new QLineEdit(parent));
+}
 
-Peer* makeLinesPeer(Control& control, QWidget* parent) { return new LinesPeer(control, *new QPlainTextEdit(parent)); }
+Peer* makeLinesPeer(Control& control, QWidget* parent) {
+    return new LinesPeer(control, *new QPlainTextEdit(parent));
+}
 
 Peer* makeEditAreaPeer(Control& control, QWidget* parent) {
     if (loadEditLibrary() == nullptr) {

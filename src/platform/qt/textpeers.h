@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Controls that hold a text: one line, several lines, a combo box's line, an edit window. The text stands in the
-// widget alone: the control's TextStore is the widget's.
+// Controls that hold a text: one line, several lines, a combo box's line, an edit window. The text stands in
+// the widget alone: the control's TextStore is the widget's.
 #pragma once
 
 #include "platform/qt/widgets.h"
@@ -12,8 +12,9 @@ namespace tarn::platform::qt {
 
 // A store over a line, safe when the line is gone.
 std::unique_ptr<TextStore> makeLineStore(QLineEdit& line);
-void takeStore(Control& control, std::unique_ptr<TextStore> store);  // keeps the text that stood in the old one
-void giveBackText(Control& control);  // puts a plain store in the place of the widget's
+void takeStore(Control& control,
+               std::unique_ptr<TextStore> store);  // keeps the text that stood in the old one
+void giveBackText(Control& control);               // puts a plain store in the place of the widget's
 
 Peer* makeLinePeer(Control& control, QWidget* parent);
 Peer* makeLinesPeer(Control& control, QWidget* parent);

@@ -9,7 +9,9 @@ namespace tarn::platform::qt {
 
 namespace {
 
-qsizetype sizeOf(std::string_view bytes) { return static_cast<qsizetype>(bytes.size()); }
+qsizetype sizeOf(std::string_view bytes) {
+    return static_cast<qsizetype>(bytes.size());
+}
 
 bool fitsLatin1(const QString& text) {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 256; });
@@ -28,7 +30,8 @@ std::string latin1(const QString& text) {
 }  // namespace
 
 bool isUtf8(std::string_view bytes) {
-    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; })) return true;
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; }))
+        return true;
     return QByteArrayView(bytes.data(), sizeOf(bytes)).isValidUtf8();
 }
 

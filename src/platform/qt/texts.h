@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Between the bytes of the model and the texts that Qt shows. Bytes that are valid UTF-8 are shown as such, any other
-// bytes as Latin-1. The way back keeps the encoding in which the text came, and bytes that nobody changed.
-// Cost: linear; short texts of plain ASCII take the fast road of Qt's own conversion.
+// Between the bytes of the model and the texts that Qt shows. Bytes that are valid UTF-8 are shown as such,
+// any other bytes as Latin-1. The way back keeps the encoding in which the text came, and bytes that nobody
+// changed. Cost: linear; short texts of plain ASCII take the fast road of Qt's own conversion.
 #pragma once
 
 #include <QString>
@@ -15,8 +15,8 @@ namespace tarn::platform::qt {
 bool isUtf8(std::string_view bytes);
 QString shown(std::string_view bytes);
 
-// The bytes for `text`, which the user made out of `before`: unchanged texts give `before` itself, and a text that
-// came as Latin-1 stays Latin-1 as long as it can.
+// The bytes for `text`, which the user made out of `before`: unchanged texts give `before` itself, and a text
+// that came as Latin-1 stays Latin-1 as long as it can.
 std::string bytesOf(const QString& text, std::string_view before = {});
 
 // Between a 0-based position in the shown text (UTF-16 units) and the 0-based byte position in `bytes`.

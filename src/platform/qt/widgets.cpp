@@ -41,7 +41,8 @@ public:
         const auto row = static_cast<std::size_t>(index.row());
         if (!index.isValid() || control_ == nullptr || row >= control_->rows.size()) return {};
         if (role == Qt::DisplayRole || role == Qt::EditRole) return shown(control_->rows[row].text);
-        if (role == Qt::DecorationRole && !control_->rows[row].picture.empty()) return iconOf(control_->rows[row].picture);
+        if (role == Qt::DecorationRole && !control_->rows[row].picture.empty())
+            return iconOf(control_->rows[row].picture);
         return {};
     }
     void refresh() {
@@ -61,7 +62,9 @@ private:
     int count_ = 0;
 };
 
-bool isOn(const Control& control) { return control.checked || control.value != 0; }
+bool isOn(const Control& control) {
+    return control.checked || control.value != 0;
+}
 
 // Finishes a row's choice: reports it only if it is news to the model.
 void reportRow(Control& control, int row) {
@@ -100,7 +103,8 @@ public:
             }
         }
     }
-    void paint(QPainter* painter, const QStyleOptionViewItem& given, const QModelIndex& index) const override {
+    void paint(QPainter* painter, const QStyleOptionViewItem& given,
+               const QModelIndex& index) const override {
         QStyleOptionViewItem option = given;
         initStyleOption(&option, index);
         const QStringList cells = option.text.split(u'\t');
@@ -115,7 +119,8 @@ public:
         painter->setPen(option.palette.color(marked ? QPalette::HighlightedText : QPalette::Text));
         for (qsizetype c = 0; c < cells.size(); ++c) {
             painter->drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, cells[c]);
-            if (static_cast<std::size_t>(c) < widths_.size()) place.setLeft(place.left() + widths_[static_cast<std::size_t>(c)]);
+            if (static_cast<std::size_t>(c) < widths_.size())
+                place.setLeft(place.left() + widths_[static_cast<std::size_t>(c)]);
         }
     }
 
@@ -125,15 +130,20 @@ private:
 
 class RowsPeer : public Peer {
 public:
-    RowsPeer(Control& control, RowsView& list) : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
+    RowsPeer(Control& control, RowsView& list)
+        : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
         list.setModel(rows_);
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
         if (control.useTabStops) list.setItemDelegate(columns_ = new ColumnDelegate(&list));
-        list.doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
+        list.doubleClicked = [this](QPoint at) {
+            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+        };
         // The focus alone makes a row current, but only a choice selects it.
-        connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& now) {
-            if (!quiet_ && control_ != nullptr && !now.isEmpty()) reportRow(*control_, now.first().top() + 1);
-        });
+        connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+                [this](const QItemSelection& now) {
+                    if (!quiet_ && control_ != nullptr && !now.isEmpty())
+                        reportRow(*control_, now.first().top() + 1);
+                });
     }
 
     void apply(Property property) override {
@@ -141,8 +151,10 @@ public:
         quiet_ = true;
         if (property == Property::Rows) refreshInPlace();
         const QModelIndex row = rows_->index(control_->listIndex - 1);
-        if (control_->listIndex > 0) list_.setCurrentIndex(row);
-        else list_.selectionModel()->clear();
+        if (control_->listIndex > 0)
+            list_.setCurrentIndex(row);
+        else
+            list_.selectionModel()->clear();
         quiet_ = false;
     }
 
@@ -168,16 +180,21 @@ private:
 // Style 1 is a line with a list to drop down, style 2 the list alone.
 class DropPeer : public Peer {
 public:
-    DropPeer(Control& control, QComboBox& box) : Peer(control, box), box_(box), rows_(new RowModel(control, &box)) {
+    DropPeer(Control& control, QComboBox& box)
+        : Peer(control, box), box_(box), rows_(new RowModel(control, &box)) {
         box.setEditable(control.comboStyle != 2);
         box.setInsertPolicy(QComboBox::NoInsert);
         box.setModel(rows_);
         if (box.isEditable()) {
             box.setCompleter(nullptr);
             takeStore(control, makeLineStore(*box.lineEdit()));
-            connect(box.lineEdit(), &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
+            connect(box.lineEdit(), &QLineEdit::textEdited, this, [this] {
+                if (control_ != nullptr) userChange(*control_);
+            });
         }
-        connect(&box, &QComboBox::activated, this, [this](int row) { if (control_ != nullptr) userRow(*control_, row + 1); });
+        connect(&box, &QComboBox::activated, this, [this](int row) {
+            if (control_ != nullptr) userRow(*control_, row + 1);
+        });
     }
 
     void apply(Property property) override {
@@ -229,18 +246,26 @@ public:
         list_->setModel(rows_);
         holder.setFocusProxy(line_);
         takeStore(control, makeLineStore(*line_));
-        connect(line_, &QLineEdit::textEdited, this, [this] { if (control_ != nullptr) userChange(*control_); });
-        list_->doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
-        connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& now) {
-            if (!quiet_ && control_ != nullptr && !now.isEmpty()) reportRow(*control_, now.first().top() + 1);
+        connect(line_, &QLineEdit::textEdited, this, [this] {
+            if (control_ != nullptr) userChange(*control_);
         });
+        list_->doubleClicked = [this](QPoint at) {
+            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+        };
+        connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+                [this](const QItemSelection& now) {
+                    if (!quiet_ && control_ != nullptr && !now.isEmpty())
+                        reportRow(*control_, now.first().top() + 1);
+                });
     }
     void apply(Property property) override {
         quiet_ = true;
         if (property == Property::Rows) rows_->refresh();
         if (property == Property::Rows || property == Property::ListIndex) {
-            if (control_->listIndex > 0) list_->setCurrentIndex(rows_->index(control_->listIndex - 1));
-            else list_->selectionModel()->clear();
+            if (control_->listIndex > 0)
+                list_->setCurrentIndex(rows_->index(control_->listIndex - 1));
+            else
+                list_->selectionModel()->clear();
         }
         quiet_ = false;
     }
@@ -262,7 +287,8 @@ class LabelPeer : public Peer {
 public:
     LabelPeer(Control& control, QLabel& label) : Peer(control, label), label_(label) {
         label.setTextFormat(Qt::PlainText);
-        static constexpr int frames[] = {QFrame::NoFrame, QFrame::Box | QFrame::Plain, QFrame::Panel | QFrame::Sunken};
+        static constexpr int frames[] = {QFrame::NoFrame, QFrame::Box | QFrame::Plain,
+                                         QFrame::Panel | QFrame::Sunken};
         label.setFrameStyle(frames[std::clamp(control.border, 0, 2)]);
     }
     void apply(Property property) override {
@@ -275,7 +301,8 @@ private:
         const bool tall = control_->position.h > label_.fontMetrics().height() * 3 / 2;
         label_.setWordWrap(tall);
         static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
-        label_.setAlignment(sides[std::clamp(control_->alignment, 0, 2)] | (tall ? Qt::AlignTop : Qt::AlignVCenter));
+        label_.setAlignment(sides[std::clamp(control_->alignment, 0, 2)] |
+                            (tall ? Qt::AlignTop : Qt::AlignVCenter));
     }
     QLabel& label_;
 };
@@ -285,7 +312,9 @@ public:
     PushPeer(Control& control, QPushButton& button) : Peer(control, button), button_(button) {
         button.setAutoDefault(false);
         button.setDefault(control.isDefault);
-        connect(&button, &QPushButton::clicked, this, [this] { if (control_ != nullptr) userCommand(*control_); });
+        connect(&button, &QPushButton::clicked, this, [this] {
+            if (control_ != nullptr) userCommand(*control_);
+        });
     }
     void apply(Property property) override {
         if (property == Property::Caption) button_.setText(shown(control_->caption));
@@ -299,10 +328,13 @@ private:
 // A picture to press. On a toolbar it is flat and its caption only names it.
 class PicturePeer : public Peer {
 public:
-    PicturePeer(Control& control, QToolButton& button, bool flat) : Peer(control, button), button_(button), flat_(flat) {
+    PicturePeer(Control& control, QToolButton& button, bool flat)
+        : Peer(control, button), button_(button), flat_(flat) {
         button.setAutoRaise(flat);
         button.setFocusPolicy(flat ? Qt::TabFocus : Qt::StrongFocus);
-        connect(&button, &QToolButton::clicked, this, [this] { if (control_ != nullptr) userCommand(*control_); });
+        connect(&button, &QToolButton::clicked, this, [this] {
+            if (control_ != nullptr) userCommand(*control_);
+        });
     }
     void apply(Property property) override {
         if (property == Property::Caption || property == Property::Picture) dress();
@@ -329,6 +361,7 @@ private:
 class CheckPeer : public Peer {
 public:
     CheckPeer(Control& control, QAbstractButton& button) : Peer(control, button), button_(button) {
+        if (control.alignment == 0) button.setLayoutDirection(Qt::RightToLeft);
         connect(&button, &QAbstractButton::clicked, this, [this](bool on) {
             if (control_ != nullptr) userValue(*control_, on ? 1 : 0);
             if (control_ != nullptr) apply(Property::Checked);  // the model may have decided otherwise
@@ -349,6 +382,7 @@ class RadioPeer : public Peer {
 public:
     RadioPeer(Control& control, QRadioButton& button) : Peer(control, button), button_(button) {
         button.setAutoExclusive(false);
+        if (control.alignment == 0) button.setLayoutDirection(Qt::RightToLeft);
         if (!control.array.empty()) join(button.parentWidget());
         connect(&button, &QRadioButton::clicked, this, [this] {
             if (control_ != nullptr && !isOn(*control_)) userValue(*control_, 1);
@@ -408,7 +442,9 @@ bool isHorizontal(const Control& bar) {
 class ScrollPeer : public Peer {
 public:
     ScrollPeer(Control& control, QScrollBar& bar) : Peer(control, bar), bar_(bar) {
-        connect(&bar, &QScrollBar::valueChanged, this, [this](int value) { if (control_ != nullptr) userValue(*control_, value); });
+        connect(&bar, &QScrollBar::valueChanged, this, [this](int value) {
+            if (control_ != nullptr) userValue(*control_, value);
+        });
     }
     void apply(Property property) override {
         if (property != Property::Range && property != Property::Value) return;
@@ -424,14 +460,15 @@ private:
 
 class ProgressPeer : public Peer {
 public:
-    ProgressPeer(Control& control, QProgressBar& bar) : Peer(control, bar), bar_(bar) { 
+    ProgressPeer(Control& control, QProgressBar& bar) : Peer(control, bar), bar_(bar) {
         bar.setTextVisible(false);
         bar.setOrientation(isHorizontal(control) ? Qt::Horizontal : Qt::Vertical);
     }
     void apply(Property property) override {
         if (property != Property::Range && property != Property::Value) return;
         bar_.setRange(control_->minimum, std::max(control_->minimum, control_->maximum));
-        bar_.setValue(std::clamp(control_->value, control_->minimum, std::max(control_->minimum, control_->maximum)));
+        bar_.setValue(
+            std::clamp(control_->value, control_->minimum, std::max(control_->minimum, control_->maximum)));
     }
 
 private:
@@ -452,9 +489,12 @@ protected:
         QPainter painter(this);
         painter.setPen(palette().color(shape >= 0 ? QPalette::WindowText : QPalette::Mid));
         if (shape >= 0 || border != 0) drawShape(painter);
-        if (!icon.isNull()) icon.paint(&painter, rect(), Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+        if (!icon.isNull())
+            icon.paint(&painter, rect(), Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
     }
-    void mouseDoubleClickEvent(QMouseEvent* event) override { if (doubleClicked) doubleClicked(event->pos()); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        if (doubleClicked) doubleClicked(event->pos());
+    }
 
 private:
     void drawShape(QPainter& painter) const {
@@ -475,7 +515,9 @@ public:
     ImagePeer(Control& control, PictureWidget& picture) : Peer(control, picture), picture_(picture) {
         picture.shape = control.type == Type::Shape ? control.shape : -1;
         picture.border = control.border;
-        picture.doubleClicked = [this](QPoint at) { if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y()); };
+        picture.doubleClicked = [this](QPoint at) {
+            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
+        };
         if (picture.shape >= 0) picture.setAttribute(Qt::WA_TransparentForMouseEvents);
     }
     void apply(Property property) override {
@@ -491,7 +533,8 @@ private:
 Peer* make(Control& control, QWidget* parent, bool flat) {
     switch (control.type) {
     case Type::Label: return new LabelPeer(control, *new QLabel(parent));
-    case Type::Edit: return control.multiline != 0 ? makeLinesPeer(control, parent) : makeLinePeer(control, parent);
+    case Type::Edit:
+        return control.multiline != 0 ? makeLinesPeer(control, parent) : makeLinePeer(control, parent);
     case Type::Combobox:
         if (control.comboStyle == 0) return new SimpleComboPeer(control, *new QWidget(parent));
         return new DropPeer(control, *new QComboBox(parent));
@@ -503,8 +546,8 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
     case Type::Radiobutton: return new RadioPeer(control, *new QRadioButton(parent));
     case Type::Groupbox: return new GroupPeer(control, *new QGroupBox(parent));
     case Type::Scrollbar:
-        return new ScrollPeer(control, *new QScrollBar(
-            isHorizontal(control) ? Qt::Horizontal : Qt::Vertical, parent));
+        return new ScrollPeer(control,
+                              *new QScrollBar(isHorizontal(control) ? Qt::Horizontal : Qt::Vertical, parent));
     case Type::Progressbar: return new ProgressPeer(control, *new QProgressBar(parent));
     case Type::Editwindow:
     case Type::Richeditwindow: return makeEditAreaPeer(control, parent);
@@ -513,8 +556,9 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
 }
 
 constexpr Property All[] = {
-    Property::Caption, Property::Picture, Property::Rows, Property::ListIndex, Property::Range, Property::Value,
-    Property::Checked, Property::Readonly, Property::MaxLength, Property::Password, Property::Flags, Property::Tokens,
+    Property::Caption,   Property::Picture,  Property::Rows,    Property::ListIndex,
+    Property::Range,     Property::Value,    Property::Checked, Property::Readonly,
+    Property::MaxLength, Property::Password, Property::Flags,   Property::Tokens,
 };
 
 }  // namespace
@@ -523,7 +567,9 @@ Peer::Peer(Control& control, QWidget& widget) : QObject(&widget), control_(&cont
     widget.setProperty("peer", QVariant::fromValue(static_cast<void*>(this)));
 }
 
-Peer* Peer::of(const QWidget& widget) { return static_cast<Peer*>(widget.property("peer").value<void*>()); }
+Peer* Peer::of(const QWidget& widget) {
+    return static_cast<Peer*>(widget.property("peer").value<void*>());
+}
 
 Peer* makePeer(Control& control, QWidget* parent, bool flat) {
     Peer* peer = make(control, parent, flat);
@@ -549,8 +595,10 @@ QFont qtFont(const Font& font, const QFont& base) {
 
 void applyFont(QWidget& widget, const Font& own, const Font& inherited) {
     const Font& font = own == Font{} ? inherited : own;
-    if (font == Font{}) widget.setFont(QFont());
-    else widget.setFont(qtFont(font, QApplication::font(&widget)));
+    if (font == Font{})
+        widget.setFont(QFont());
+    else
+        widget.setFont(qtFont(font, QApplication::font(&widget)));
 }
 
 }  // namespace tarn::platform::qt

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The controls of a window as widgets: making one, bringing a property of the model to it, and reporting what the
-// user does to it. While the model writes to a widget the widget's signals are blocked, so nothing comes back.
+// The controls of a window as widgets: making one, bringing a property of the model to it, and reporting what
+// the user does to it. While the model writes to a widget the widget's signals are blocked, so nothing comes
+// back.
 #pragma once
 
 #include "platform/model/model.h"

@@ -140,15 +140,16 @@ TEST_F(Idecore, CompileNamesWhatStandsInItsWay) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "tools");
     const std::string cls = write("a.cls", "no class");
     COMPILESINGLEFILE(cls, 1);
-    EXPECT_EQ(lastText(), "Cannot find the compiler. It should be in the following file:\n'" + dir +
+    EXPECT_EQ(lastText(), "Cannot compile '" + cls + "'\n\nCannot find the compiler. It should be in the following file:\n'" + dir +
                               "tools/quarn.exe'\n\nUse Tools-Options-Paths to make sure it is in the directory "
                               "specified by the compiler file path.\n");
     write("tools/quarn.exe", "x");
     COMPILESINGLEFILE(write("a.txt", "x"), 1);
-    EXPECT_EQ(lastText(), "Cannot compile '" + dir + "a.txt'\nThe file cannot be found, or it does not have the "
+    EXPECT_EQ(lastText(), "Cannot compile '" + dir + "a.txt'\n\nCannot compile '" + dir + "a.txt'\nThe file cannot be found, or it does not have the "
                                                      "correct extension (*.cls)\n");
     COMPILESINGLEFILE(cls, 1);
-    EXPECT_EQ(lastText(), "Cannot compile '" + cls + "'\nThis file is not a valid class.\n");
+    EXPECT_EQ(lastText(),
+              "Cannot compile '" + cls + "'\n\nCannot compile '" + cls + "'\nThis file is not a valid class.\n");
 }
 
 }  // namespace

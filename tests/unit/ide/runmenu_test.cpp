@@ -93,7 +93,7 @@ TEST_F(Build, ShowsTheMessagesOfAFailure) {
 TEST_F(Build, ToolThatDiesCountsAsFailedAndSaysSo) {
     tool("ordo.exe", "echo 'prog.cls : 0 errors.' > sarn.err; kill -SEGV $$");
     EXPECT_FALSE(build(main));
-    EXPECT_NE(GetText(ViewDlg).find("The make tool ended by signal 11."), std::string::npos) << GetText(ViewDlg);
+    EXPECT_NE(GetText(ViewDlg).find("'ordo.exe' ended by signal 11."), std::string::npos) << GetText(ViewDlg);
     tool("ordo.exe", "exit 3");
     EXPECT_FALSE(build(main));
     EXPECT_NE(GetText(ViewDlg).find("failed with exit code 3"), std::string::npos) << GetText(ViewDlg);
@@ -118,14 +118,26 @@ TEST_F(Build, DoesNotGoOnWhenTheSaveWasCancelled) {
     EDITWNDNEW(SDIEdit, "Tarnwick Class x\nEnd class\n");
     EXPECT_FALSE(build("<untitled>"));
     EXPECT_EQ(log("ordo.exe"), "");
-    EXPECT_EQ(lastText(),
-              "It is not possible to use the 'Run-Quickbuild' command.\nThere is no file to build or run.");
+    EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Quickbuild' command.\n'<untitled>' is not a class, it "
+                          "does not have the correct extension (*.cls).");
+}
+
+TEST_F(Build, ToolThatFailsWithTheMarkOfSuccessHasFailed) {
+    tool("ordo.exe", "echo 'prog.cls : 0 errors.' > sarn.err; exit 3");
+    EXPECT_FALSE(build(main));
+    EXPECT_NE(GetText(ViewDlg).find("failed with exit code 3"), std::string::npos) << GetText(ViewDlg);
+}
+
+TEST_F(Build, ToolThatOnlyLeftItsOwnReportIsShownByIt) {
+    tool("ordo.exe", "echo 'ordo : error 1906 the option is not known' > ordo.err; exit 1");
+    EXPECT_FALSE(build(main));
+    EXPECT_EQ(GetText(ViewDlg), "ordo : error 1906 the option is not known\n");
 }
 
 using Start = Build;
 
 TEST_F(Start, RebuildsAMissingProgramWithoutAQuestionAndStartsIt) {
-    tool("ordo.exe", "printf '#!/bin/sh\\ntouch \"%s\"\\n' \"" + dir + "ran\" > ../prog.exe; chmod +x ../prog.exe");
+    tool("ordo.exe", "case \"$*\" in *-n*) echo prog.exe > ordo.err; exit;; esac; printf '#!/bin/sh\\ntouch \"%s\"\\n' \"" + dir + "ran\" > ../prog.exe; chmod +x ../prog.exe");
     RUN_START("Run-Start", main);
     for (int i = 0; i < 100 && !std::filesystem::exists(dir + "ran"); i++) DoEvents(), usleep(20000);
     EXPECT_TRUE(std::filesystem::exists(dir + "ran"));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Colours that stay readable: a colour chosen for white paper keeps its hue on a dark background and changes its
-// lightness until the contrast suffices.
+// Colours that stay readable: a colour chosen for white paper keeps its hue on a dark background and changes
+// its lightness until the contrast suffices.
 #pragma once
 
 #include <QColor>

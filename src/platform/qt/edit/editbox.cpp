@@ -21,20 +21,29 @@ class Store : public TextStore {
 public:
     explicit Store(TextArea& area) : area_(&area) {}
     std::string text() const override { return area_ != nullptr ? area_->bytes() : std::string(); }
-    void setText(std::string_view text) override { if (area_ != nullptr) area_->setBytes(text); }
+    void setText(std::string_view text) override {
+        if (area_ != nullptr) area_->setBytes(text);
+    }
     int length() const override { return area_ != nullptr ? area_->length() : 0; }
     Selection selection() const override { return area_ != nullptr ? area_->selection() : Selection{}; }
-    void select(int start, int length) override { if (area_ != nullptr) area_->select(start, length); }
-    void replaceSelection(std::string_view text) override { if (area_ != nullptr) area_->replaceSelection(text); }
+    void select(int start, int length) override {
+        if (area_ != nullptr) area_->select(start, length);
+    }
+    void replaceSelection(std::string_view text) override {
+        if (area_ != nullptr) area_->replaceSelection(text);
+    }
     bool modified() const override { return area_ != nullptr && area_->modified(); }
-    void setModified(bool modified) override { if (area_ != nullptr) area_->setModified(modified); }
+    void setModified(bool modified) override {
+        if (area_ != nullptr) area_->setModified(modified);
+    }
 
 private:
     QPointer<TextArea> area_;
 };
 
-// What a screen reader is told of the text. The interface that comes with the control counts characters from the
-// start of the text at every key, which a text of millions of bytes makes slow; name, role and the line are enough.
+// What a screen reader is told of the text. The interface that comes with the control counts characters from
+// the start of the text at every key, which a text of millions of bytes makes slow; name, role and the line
+// are enough.
 class LightAccessible : public QAccessibleWidget {
 public:
     explicit LightAccessible(TextArea* area) : QAccessibleWidget(area, QAccessible::EditableText) {}
@@ -47,10 +56,12 @@ private:
     QString line() const {
         const auto* area = static_cast<const TextArea*>(object());
         const long number = area->place().line - 1;
-        const long size = area->SendScintilla(QsciScintillaBase::SCI_LINELENGTH, static_cast<unsigned long>(number));
+        const long size =
+            area->SendScintilla(QsciScintillaBase::SCI_LINELENGTH, static_cast<unsigned long>(number));
         if (size > 4096) return {};
         QByteArray bytes(size, '\0');
-        area->SendScintilla(QsciScintillaBase::SCI_GETLINE, static_cast<unsigned long>(number), static_cast<void*>(bytes.data()));
+        area->SendScintilla(QsciScintillaBase::SCI_GETLINE, static_cast<unsigned long>(number),
+                            static_cast<void*>(bytes.data()));
         return QString::fromUtf8(bytes).trimmed();
     }
 };

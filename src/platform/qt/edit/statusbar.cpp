@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/edit/statusbar.h"
 
+#include "platform/qt/edit/colours.h"
+
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -19,7 +21,9 @@ StatusBar::StatusBar(QWidget* parent) : QWidget(parent) {
     setAccessibleName(tr("Status"));
 }
 
-QSize StatusBar::sizeHint() const { return {100, fontMetrics().height() + 8}; }
+QSize StatusBar::sizeHint() const {
+    return {100, fontMetrics().height() + 8};
+}
 
 void StatusBar::setParts(const QStringList& parts) {
     if (parts == parts_) return;
@@ -30,7 +34,8 @@ void StatusBar::setParts(const QStringList& parts) {
 
 void StatusBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QColor line = palette().color(QPalette::Mid), ink = palette().color(QPalette::WindowText);
+    const QColor ink = palette().color(QPalette::WindowText);
+    const QColor line = mixed(palette().color(QPalette::Window), ink, 0.2);
     painter.fillRect(rect(), palette().color(QPalette::Window));
     painter.setPen(line);
     painter.drawLine(0, 0, width(), 0);
@@ -40,7 +45,8 @@ void StatusBar::paintEvent(QPaintEvent*) {
         const bool last = i + 1 == parts_.size();
         const int wide = fontMetrics().horizontalAdvance(parts_[i]) + 2 * Pad;
         const int w = std::max(wide, i == 0 ? cell * 2 : cell);
-        const QRect place = last ? QRect(std::max(x, width() - wide), 1, wide, height() - 1) : QRect(x, 1, w, height() - 1);
+        const QRect place =
+            last ? QRect(std::max(x, width() - wide), 1, wide, height() - 1) : QRect(x, 1, w, height() - 1);
         painter.setPen(ink);
         painter.drawText(place.adjusted(Pad, 0, -Pad, 0), Qt::AlignVCenter | Qt::AlignLeft, parts_[i]);
         if (last) break;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The status bar of an edit window: caret, mode, modified mark and size, painted without any layout so that a key
-// costs one small repaint.
+// The status bar of an edit window: caret, mode, modified mark and size, painted without any layout so that a
+// key costs one small repaint.
 #pragma once
 
 #include <QStringList>

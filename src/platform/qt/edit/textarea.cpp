@@ -20,6 +20,7 @@ namespace {
 constexpr char BytesType[] = "application/x-tarnwick-bytes";
 constexpr int TabWidth = 4;
 constexpr int FirstStyle = 1;        // style numbers of the rules; 0 is plain
+constexpr int SelectionAlpha = 110;  // of 255
 constexpr int Gap = 6;               // pixels between number bar and text
 constexpr int LongLine = 65536;      // beyond this a column is not counted in characters
 constexpr int Piece = 65536;         // bytes coloured at a time
@@ -30,8 +31,9 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     setFrameShape(QFrame::NoFrame);
     configure();
     applyColours();
-    connect(this, qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED), this,
-            [this] { onModified(); });
+    connect(this,
+            qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
+            this, [this] { onModified(); });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
     connect(this, &TextArea::SCN_UPDATEUI, this, [this](int what) {
         if ((what & SC_UPDATE_CONTENT) != 0) applyNumberBar();
@@ -51,8 +53,8 @@ long TextArea::sendBytes(unsigned message, long w, const char* bytes) const {
 
 void TextArea::configure() {
     send(SCI_SETCODEPAGE, SC_CP_UTF8);
-    // Told before, not after: the control answers an insertion by counting the characters in front of it for screen
-    // readers, which at the end of 4,000,000 bytes costs 20 ms a key.
+    // Told before, not after: the control answers an insertion by counting the characters in front of it for
+    // screen readers, which at the end of 4,000,000 bytes costs 20 ms a key.
     send(SCI_SETMODEVENTMASK, SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE);
     send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     send(SCI_SETWRAPMODE, SC_WRAP_NONE);
@@ -69,20 +71,25 @@ void TextArea::configure() {
     for (int margin = 0; margin < 5; ++margin) send(SCI_SETMARGINWIDTHN, margin, 0);
     send(SCI_SETMARGINTYPEN, 0, SC_MARGIN_NUMBER);
     send(SCI_SETMARGINLEFT, 0, Gap);
-    // Keys of the control that write control characters or change the text in ways that nobody here asked for.
-    for (const int key : {'D', 'L', 'T', 'U', 'B', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'M', 'N', 'O', 'P', 'Q', 'R', 'S', 'W'})
+    // Keys of the control that write control characters or change the text in ways that nobody here asked
+    // for.
+    for (const int key :
+         {'D', 'L', 'T', 'U', 'B', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'M', 'N', 'O', 'P', 'Q', 'R', 'S', 'W'})
         for (const long modifiers : {long(SCMOD_CTRL), long(SCMOD_CTRL) | long(SCMOD_SHIFT)})
             send(SCI_CLEARCMDKEY, key + (modifiers << 16));
 }
 
-// ---- text -----------------------------------------------------------------------------------------------------------
+// ---- text
+// -----------------------------------------------------------------------------------------------------------
 
 std::string_view TextArea::range(int from, int to) const {
     const auto* start = reinterpret_cast<const char*>(send(SCI_GETRANGEPOINTER, from, to - from));
     return {start, static_cast<std::size_t>(to - from)};
 }
 
-int TextArea::length() const { return static_cast<int>(send(SCI_GETLENGTH)); }
+int TextArea::length() const {
+    return static_cast<int>(send(SCI_GETLENGTH));
+}
 
 std::string TextArea::bytes() const {
     const int size = length();
@@ -90,20 +97,29 @@ std::string TextArea::bytes() const {
     return std::string(range(0, size));
 }
 
-int TextArea::lineOf(int position) const { return static_cast<int>(send(SCI_LINEFROMPOSITION, position)); }
+int TextArea::lineOf(int position) const {
+    return static_cast<int>(send(SCI_LINEFROMPOSITION, position));
+}
 
-int TextArea::startOfLine(int line) const { return static_cast<int>(send(SCI_POSITIONFROMLINE, line)); }
+int TextArea::startOfLine(int line) const {
+    return static_cast<int>(send(SCI_POSITIONFROMLINE, line));
+}
 
 // New lines end as most do in the first part of the file.
 void TextArea::adoptLineEnd(std::string_view text) {
     text = text.substr(0, 65536);
     long pairs = 0, feeds = 0, returns = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\n') ++feeds;
-        else if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++pairs, ++i;
-        else if (text[i] == '\r') ++returns;
+        if (text[i] == '\n')
+            ++feeds;
+        else if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
+            ++pairs, ++i;
+        else if (text[i] == '\r')
+            ++returns;
     }
-    const long mode = pairs > feeds && pairs >= returns ? SC_EOL_CRLF : returns > feeds ? SC_EOL_CR : SC_EOL_LF;
+    const long mode = pairs > feeds && pairs >= returns ? SC_EOL_CRLF
+                      : returns > feeds                 ? SC_EOL_CR
+                                                        : SC_EOL_LF;
     send(SCI_SETEOLMODE, mode);
 }
 
@@ -128,7 +144,8 @@ void TextArea::setBytes(std::string_view text) {
 }
 
 Selection TextArea::selection() const {
-    const int start = static_cast<int>(send(SCI_GETSELECTIONSTART)), end = static_cast<int>(send(SCI_GETSELECTIONEND));
+    const int start = static_cast<int>(send(SCI_GETSELECTIONSTART)),
+              end = static_cast<int>(send(SCI_GETSELECTIONEND));
     return {start + 1, end - start};
 }
 
@@ -162,7 +179,9 @@ void TextArea::insert(std::string_view text) {
     send(SCI_SCROLLCARET);
 }
 
-bool TextArea::modified() const { return marked_ || send(SCI_GETMODIFY) != 0; }
+bool TextArea::modified() const {
+    return marked_ || send(SCI_GETMODIFY) != 0;
+}
 
 void TextArea::setModified(bool modified) {
     if (!modified) send(SCI_SETSAVEPOINT);
@@ -183,7 +202,8 @@ void TextArea::flush() {
     emit edited();
 }
 
-// ---- look -----------------------------------------------------------------------------------------------------------
+// ---- look
+// -----------------------------------------------------------------------------------------------------------
 
 void TextArea::setFlags(int flags) {
     flags_ = flags;
@@ -249,8 +269,11 @@ void TextArea::applyColours() {
     }
     SendScintilla(SCI_SETCARETFORE, ink);
     SendScintilla(SCI_SETCARETLINEBACK, mixed(paper, ink, 0.05));
+    // Translucent, so that texts keep their colours and stay readable, also in the grey that the control
+    // paints when another program holds the selection.
     SendScintilla(SCI_SETSELBACK, 1UL, palette.color(QPalette::Highlight));
-    SendScintilla(SCI_SETSELFORE, 1UL, palette.color(QPalette::HighlightedText));
+    send(SCI_SETSELFORE, 0, 0);
+    send(SCI_SETSELALPHA, SelectionAlpha);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }
 
@@ -282,9 +305,12 @@ TextArea::Place TextArea::place() const {
     return {line + 1, static_cast<int>(send(SCI_GETCOLUMN, caret)) + 1};
 }
 
-bool TextArea::overwriting() const { return send(SCI_GETOVERTYPE) != 0; }
+bool TextArea::overwriting() const {
+    return send(SCI_GETOVERTYPE) != 0;
+}
 
-// ---- the user -------------------------------------------------------------------------------------------------------
+// ---- the user
+// -------------------------------------------------------------------------------------------------------
 
 bool TextArea::event(QEvent* event) {
     const bool handled = QsciScintillaBase::event(event);
@@ -313,7 +339,8 @@ void TextArea::newLine() {
 
 // Moves the lines of a selection that spans several by one tab.
 bool TextArea::shiftBlock(bool left) {
-    const int start = static_cast<int>(send(SCI_GETSELECTIONSTART)), end = static_cast<int>(send(SCI_GETSELECTIONEND));
+    const int start = static_cast<int>(send(SCI_GETSELECTIONSTART)),
+              end = static_cast<int>(send(SCI_GETSELECTIONEND));
     const int first = lineOf(start);
     int last = lineOf(end);
     if (last > first && end == startOfLine(last)) --last;
@@ -328,11 +355,14 @@ bool TextArea::shiftBlock(bool left) {
         }
         const std::string_view text = stop > at ? range(at, stop) : std::string_view();
         const auto blanks = std::min(text.find_first_not_of(' '), text.size());
-        const long remove = !text.empty() && text[0] == '\t' ? 1 : static_cast<long>(std::min<std::size_t>(blanks, TabWidth));
+        const long remove =
+            !text.empty() && text[0] == '\t' ? 1 : static_cast<long>(std::min<std::size_t>(blanks, TabWidth));
         if (remove > 0) send(SCI_DELETERANGE, at, remove);
     }
     send(SCI_ENDUNDOACTION);
-    if (whole) send(SCI_SETSELECTION, last + 1 < send(SCI_GETLINECOUNT) ? startOfLine(last + 1) : length(), startOfLine(first));
+    if (whole)
+        send(SCI_SETSELECTION, last + 1 < send(SCI_GETLINECOUNT) ? startOfLine(last + 1) : length(),
+             startOfLine(first));
     return true;
 }
 
@@ -386,7 +416,8 @@ void TextArea::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) applyColours();
 }
 
-// Text leaves with its bytes beside it, so that a cut and paste inside the program keeps those that are no UTF-8.
+// Text leaves with its bytes beside it, so that a cut and paste inside the program keeps those that are no
+// UTF-8.
 QMimeData* TextArea::toMimeData(const QByteArray& text, bool rectangular) const {
     QMimeData* data = QsciScintillaBase::toMimeData(text, rectangular);
     const Selection marked = selection();

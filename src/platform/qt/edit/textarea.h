@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The text of an edit window on Scintilla, by bytes: every byte of any file is kept, positions count bytes, a line
-// typed ends like most lines of the file. Lines are coloured when they are first painted.
-// Cost: a key restyles its line only; setting a text is one copy, and nothing is scanned until it is painted.
+// The text of an edit window on Scintilla, by bytes: every byte of any file is kept, positions count bytes, a
+// line typed ends like most lines of the file. Lines are coloured when they are first painted. Cost: a key
+// restyles its line only; setting a text is one copy, and nothing is scanned until it is painted.
 #pragma once
 
 #include "platform/object.h"
@@ -25,7 +25,7 @@ public:
     void setBytes(std::string_view text);  // empties the undo list; no change is reported
     [[nodiscard]] int length() const;
     [[nodiscard]] Selection selection() const;
-    void select(int start, int length);    // scrolls it into view
+    void select(int start, int length);            // scrolls it into view
     void replaceSelection(std::string_view text);  // one undo step; not reported
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
@@ -37,12 +37,12 @@ public:
     struct Place {
         int line = 1, column = 1;
     };
-    [[nodiscard]] Place place() const;     // of the caret, for the status bar
+    [[nodiscard]] Place place() const;  // of the caret, for the status bar
     [[nodiscard]] bool overwriting() const;
 
 signals:
-    void edited();       // the user changed the text; after the change
-    void moved();        // caret, modified mark, length or mode
+    void edited();  // the user changed the text; after the change
+    void moved();   // caret, modified mark, length or mode
     void pressedTwice(QPoint at);
 
 protected:
@@ -58,30 +58,30 @@ protected:
 private:
     long send(unsigned message, long w = 0, long l = 0) const;
     long sendBytes(unsigned message, long w, const char* bytes) const;
-    void onModified();                         // comes before the text changes
+    void onModified();  // comes before the text changes
     void onStyleNeeded(int end);
     void configure();
     void applyColours();
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
-    void flush();                              // reports what has changed since the last time
-    void insert(std::string_view text);        // in the place of the selection, as the user
+    void flush();                        // reports what has changed since the last time
+    void insert(std::string_view text);  // in the place of the selection, as the user
     void newLine();
-    bool pasteBytes();                         // true: there was a text with NUL in it, and it is in
-    bool shiftBlock(bool left);                // true: it was a block
+    bool pasteBytes();           // true: there was a text with NUL in it, and it is in
+    bool shiftBlock(bool left);  // true: it was a block
     [[nodiscard]] std::string_view range(int from, int to) const;
     [[nodiscard]] int lineOf(int position) const;
     [[nodiscard]] int startOfLine(int line) const;
 
     TokenRules rules_;
     std::string tokens_;
-    std::string styles_;       // kept from one call to the next
+    std::string styles_;  // kept from one call to the next
     Font font_;
     int flags_ = 0;
-    int digits_ = 0;           // for which the number bar is wide enough
-    bool setting_ = false;     // a text is being set: nothing to report
-    bool changed_ = false;     // something to report
-    bool marked_ = false;      // modified by decree, whatever the undo list says
+    int digits_ = 0;        // for which the number bar is wide enough
+    bool setting_ = false;  // a text is being set: nothing to report
+    bool changed_ = false;  // something to report
+    bool marked_ = false;   // modified by decree, whatever the undo list says
 };
 
 }  // namespace tarn::platform::qt

@@ -8,9 +8,13 @@ namespace tarn::platform::qt {
 
 namespace {
 
-unsigned char byteOf(char c) { return static_cast<unsigned char>(c); }
+unsigned char byteOf(char c) {
+    return static_cast<unsigned char>(c);
+}
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
 
 bool isWord(char c) {
     const unsigned char b = byteOf(c);
@@ -24,7 +28,8 @@ bool same(std::string_view a, std::string_view b) {
 
 std::string_view trim(std::string_view text) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r')) text.remove_suffix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r'))
+        text.remove_suffix(1);
     return text;
 }
 
@@ -38,15 +43,19 @@ std::string_view nextWord(std::string_view& text) {
 TokenStyle parseSetting(std::string_view text) {
     TokenStyle style;
     for (auto word = nextWord(text); !word.empty(); word = nextWord(text)) {
-        if (same(word, "BOLD")) style.bold = true;
-        else if (same(word, "ITALIC")) style.italic = true;
+        if (same(word, "BOLD"))
+            style.bold = true;
+        else if (same(word, "ITALIC"))
+            style.italic = true;
         else if (word.size() > 2 && same(word.substr(0, 2), "0x"))
             std::from_chars(word.data() + 2, word.data() + word.size(), style.colour, 16);
     }
     return style;
 }
 
-bool endsLine(char c) { return c == '\n' || c == '\r'; }
+bool endsLine(char c) {
+    return c == '\n' || c == '\r';
+}
 
 }  // namespace
 
@@ -56,7 +65,9 @@ std::size_t TokenRules::Hash::operator()(std::string_view word) const {
     return hash;
 }
 
-bool TokenRules::Same::operator()(std::string_view a, std::string_view b) const { return same(a, b); }
+bool TokenRules::Same::operator()(std::string_view a, std::string_view b) const {
+    return same(a, b);
+}
 
 TokenRules::TokenRules(std::string_view text) {
     while (!text.empty()) {
@@ -74,7 +85,8 @@ void TokenRules::addRule(std::string_view line) {
         if (starter.empty()) return;
         comments_.emplace_back(starter, styleOf(line.substr(at + toEnd.size())));
         starts_[byteOf(starter[0])] = starts_[byteOf(lower(starter[0]))] = true;
-        if (const char c = lower(starter[0]); c >= 'a' && c <= 'z') starts_[byteOf(static_cast<char>(c - 32))] = true;
+        if (const char c = lower(starter[0]); c >= 'a' && c <= 'z')
+            starts_[byteOf(static_cast<char>(c - 32))] = true;
         return;
     }
     const auto dash = line.rfind(" - ");
@@ -100,7 +112,8 @@ char TokenRules::styleOf(std::string_view setting) {
     return static_cast<char>(found - styles_.begin() + 1);
 }
 
-// The length of the comment starter that stands at `at`, 0 if none does. A starter that ends in a letter is a word.
+// The length of the comment starter that stands at `at`, 0 if none does. A starter that ends in a letter is a
+// word.
 std::size_t TokenRules::commentAt(std::string_view text, std::size_t at, char& style) const {
     for (const auto& [starter, number] : comments_) {
         if (!same(text.substr(at, starter.size()), starter)) continue;
@@ -115,7 +128,8 @@ std::size_t TokenRules::commentAt(std::string_view text, std::size_t at, char& s
 void TokenRules::colour(std::string_view text, std::string& styles) const {
     styles.assign(text.size(), 0);
     const auto fill = [&](std::size_t from, std::size_t to, char style) {
-        std::fill(styles.begin() + static_cast<std::ptrdiff_t>(from), styles.begin() + static_cast<std::ptrdiff_t>(to), style);
+        std::fill(styles.begin() + static_cast<std::ptrdiff_t>(from),
+                  styles.begin() + static_cast<std::ptrdiff_t>(to), style);
     };
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t start = i;

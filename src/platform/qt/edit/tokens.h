@@ -2,10 +2,11 @@
 //
 // Colouring rules and the scanner that follows them. The rules come as one text, a rule on each line:
 //   word - setting              a word, in any case
-//   delimiters - setting        each character begins and ends a string, which ends with its line at the latest
-//   starter ##EOL setting       from here to the end of the line
+//   delimiters - setting        each character begins and ends a string, which ends with its line at the
+//   latest starter ##EOL setting       from here to the end of the line
 // A setting is "0xBBGGRR" and the words BOLD and ITALIC. A line that is no rule is passed over.
-// Every line is coloured by itself, so a change needs its own line only. Cost: linear in the text, one hash a word.
+// Every line is coloured by itself, so a change needs its own line only. Cost: linear in the text, one hash a
+// word.
 #pragma once
 
 #include <string>
@@ -49,8 +50,8 @@ private:
     std::vector<TokenStyle> styles_;
     std::unordered_map<std::string, char, Hash, Same> words_;
     std::vector<std::pair<std::string, char>> comments_;
-    char strings_[256] = {};   // style of the string that a character begins, 0 if it begins none
-    bool starts_[256] = {};    // a comment may begin with this character
+    char strings_[256] = {};  // style of the string that a character begins, 0 if it begins none
+    bool starts_[256] = {};   // a comment may begin with this character
 };
 
 }  // namespace tarn::platform::qt
