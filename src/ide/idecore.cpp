@@ -155,13 +155,32 @@ std::string GETCOMMANDLINEFILE() {
     return file;
 }
 
+namespace {
+
+// Where the compiler and the make tool are called: they write beside the name they are called by, so a user who may
+// not write beside the executable gets links to them in a folder of their own.
+std::string toolFolder(const std::string& app) {
+    if (os::infoOf(app).writable) return app;
+    const std::string folder = os::settingsFolder() + "tools/";
+    os::makeFolders(folder);
+    for (const char* name : {"quarn.exe", "ordo.exe", "libtarnwick.so"}) {
+        if (os::infoOf(app + name).exists && !os::infoOf(folder + name).exists) {
+            os::files().remove(folder + name);  // a link that has lost its target
+            os::files().link(app + name, folder + name);
+        }
+    }
+    return folder;
+}
+
+}  // namespace
+
 void PREPARESETTINGS() {
     FRAME(PREPARESETTINGS);
     const std::string ini = GETIDEINIFILE();
     if (FileSize(ini) < 1) return;
     const std::string app = os::executableFolder();
     const std::pair<const char*, std::string> places[] = {
-        {"Edit2", app + "help/"}, {"Edit3", app}, {"Edit4", app + "examples/"}, {"Edit5", app}};
+        {"Edit2", app + "help/"}, {"Edit3", toolFolder(app)}, {"Edit4", app + "examples/"}, {"Edit5", app}};
     for (const auto& [key, folder] : places) {
         STAMP();
         if (pathSetting(key).empty()) PROFILESTRPUT(ini, "PathsOptionsDlg", key, folder);
