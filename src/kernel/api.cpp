@@ -4,6 +4,7 @@
 // layouts are checked here, once.
 #include "kernel/api.h"
 
+#include "kernel/errors.h"
 #include "kernel/numbers.h"
 #include "kernel/process.h"
 #include "kernel/report.h"
@@ -50,6 +51,7 @@ void runProgram() {
     tarn::ProcessStart({program.memory_checking != 0, program.single_instance != 0});
     tarn::DebugStart(program.debug_mode, tarn::ProductWord, tarn::ProductVersion, tarn::ProductBuild,
                      text(program.main_source));
+    if (text(program.library_version) != tarn::ProductVersion) tarn::SetError(tarn::ERR_LIBRARY_VERSION);
     call(program.initialise);
     call(program.main);
     call(program.finalise);
@@ -85,6 +87,12 @@ void tarn_register_class(const char* source_path, const char* class_name) {
 }
 void tarn_register_variable(const char* name, char role, int32_t kind, void* address) {
     tarn::RegisterVariable(text(name), role, kind, address);
+}
+void tarn_clear_error(void) {
+    tarn::ClearError();
+}
+void tarn_assert(int32_t condition, const tarn_string* s) {
+    if (condition == 0) tarn::Assert(false, s != nullptr ? tarn::StringView(string(s)) : std::string_view());
 }
 void tarn_precondition(int32_t condition) {
     tarn::Precondition(condition != 0);

@@ -59,12 +59,15 @@ static inline void tarn_set_error(int32_t code)
 }
 void tarn_register_class(const char *source_path, const char *class_name);
 void tarn_register_variable(const char *name, char role, int32_t kind, void *address);
+void tarn_assert(int32_t condition, const tarn_string *text); /* 687; a null text is the empty one */
+void tarn_clear_error(void); /* error cell and last error := 0 */
 void tarn_precondition(int32_t condition);
 void tarn_postcondition(int32_t condition);
 
 /* ---- the program ---- */
 
 typedef struct tarn_program {
+    const char *library_version; /* the one it was compiled for; stays the first field. Another one is error 806 */
     const char *main_source;     /* full path of the main class's source */
     int32_t debug_mode;          /* 0, 1, 2 */
     int32_t memory_checking;     /* 0 or 1 */
@@ -127,6 +130,7 @@ void tarn_sys_strmake(int32_t count, int32_t character, tarn_string *result);
 int32_t tarn_sys_filesize(const tarn_string *file);
 void tarn_sys_arguments(tarn_string *result); /* the program's arguments, separated by blanks */
 void tarn_sys_errormessage(int32_t code, tarn_string *result);
+void tarn_sys_errordetails(tarn_string *result); /* the whole text of a report */
 void tarn_sys_print(const tarn_string *text); /* a line to standard output */
 
 #ifdef __cplusplus

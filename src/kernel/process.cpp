@@ -38,14 +38,9 @@ bool systemTooOld() {
 }
 
 void keepCommandLine() {
-    std::string text;
-    for (const std::string& argument : os::commandLine()) {
-        if (!text.empty()) text += ' ';
-        text += argument;
-    }
     StringFree(&commandLine);
     StringInit(&commandLine, UNBOUNDED);
-    StringAssignView(&commandLine, text);
+    StringAssignView(&commandLine, JoinedArguments());
 }
 
 void takeLock() {
@@ -69,11 +64,28 @@ std::string leakText(const Leaks& leaks) {
 }  // namespace
 
 std::string InstanceName() {
-    std::string name = os::executablePath();
-    name.erase(0, name.find_last_of("/\\") + 1);
-    if (const std::size_t dot = name.rfind('.'); dot != std::string::npos) name.erase(dot);
-    for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return name;
+    return InstanceNameOf(os::executablePath());
+}
+
+std::string InstanceNameOf(std::string path) {
+    path.erase(0, path.find_last_of("/\\") + 1);
+    // A name that begins with its only dot has no extension: an empty lock name would be that of all such
+    // programs.
+    if (const std::size_t dot = path.rfind('.'); dot != std::string::npos && dot > 0) path.erase(dot);
+    for (char& c : path) {
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    }
+    return path;
+}
+
+std::string JoinedArguments() {
+    std::string line;
+    for (const std::string& argument : os::commandLine()) {
+        const bool quotes = argument.empty() || argument.find_first_of(" \t\r\n") != std::string::npos;
+        if (!line.empty()) line += ' ';
+        line += quotes ? "\"" + argument + "\"" : argument;
+    }
+    return line;
 }
 
 void ProcessStart(bool memoryChecking) {
@@ -100,6 +112,7 @@ void ProcessStop() {
     if (leaks.bytes != 0) SetError(ERR_MEMORY_LEAK);
     if (const std::int32_t code = ErrorCell(); code != 0) {
         LocateFatalProgram();
+        RescueOnce();
         const std::string extra = code == ERR_MEMORY_LEAK ? leakText(leaks) : std::string();
         ReportFatal(code, ErrorText(code), "", "", 0, extra.c_str());
     }

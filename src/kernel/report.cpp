@@ -6,12 +6,21 @@
 #include "kernel/errors.h"
 #include "kernel/runtime.h"
 #include "kernel/state.h"
+#include "platform/windowing.h"
+
+#include <utility>
 
 namespace tarn {
+
+DebuggerStop DebugStop = nullptr;
 
 namespace {
 
 bool reporting = false;
+
+bool debugging() {
+    return tarn_debugger_window != nullptr && DebugStop != nullptr;
+}
 
 std::string place() {
     const FrameRecord* top = TopFrame();
@@ -29,14 +38,36 @@ std::string show(const std::string& title, const std::string& buttons) {
     return TheDesktop().box(title, ErrorDetails(), buttons);
 }
 
+// In the debugger the user looks at the place of the error, and the program goes on behind it.
+void report(std::int32_t code, ErrorHandler handler) {
+    if (debugging()) {
+        DebugStop(true);
+        ContinueAfterError();
+    } else {
+        (handler != nullptr ? handler : DefaultErrorHandler)(code);
+    }
+}
+
+// The user's break stops whatever the breakpoints say, once.
+void pollDebugger() {
+    const bool broken = platform::GetUserBreak() == 1;
+    if (broken) platform::SetUserBreak(0);
+    DebugStop(broken);
+}
+
 }  // namespace
+
+std::string CutReport(std::string text) {
+    if (text.size() > MaxReport) text.resize(MaxReport);
+    return text;
+}
 
 std::string ErrorDetails() {
     const std::int32_t code = tarn_error_cell;
     if (code == 0) return LastError() != 0 ? ErrorMessage(LastError()) : std::string();
     std::string text = ErrorMessage(code) + "\n" + place();
     if (code == ERR_ASSERT && !AssertText().empty()) text += AssertText() + "\n";
-    return text.substr(0, MaxReport);
+    return CutReport(std::move(text));
 }
 
 bool BeginReport() {
@@ -78,9 +109,11 @@ void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
         if (action == ClearErrors)
             tarn_error_cell = 0;
         else if (action == ReportErrors)
-            (handler != nullptr ? handler : DefaultErrorHandler)(code);
+            report(code, handler);
     }
-    if (line != 0) tarn_current_line = line;
+    if (line == 0) return;
+    tarn_current_line = line;
+    if (debugging()) pollDebugger();
 }
 
 }  // namespace tarn

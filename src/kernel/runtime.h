@@ -50,7 +50,8 @@ std::int32_t FrameCount();
 // What a module's `onerror` gets; DefaultErrorHandler is the frame of each such handler.
 using ErrorHandler = void (*)(std::int32_t code);
 void DefaultErrorHandler(std::int32_t code);
-// Marks a report as going on. `entered()` is false when one goes on already: return at once then.
+// Marks a report as going on. `entered()` is false when one goes on already: return at once then. (report.h has the
+// same mark as a pair of functions, for handlers in C, where no destructor ends it.)
 class Reporting {
 public:
     Reporting();

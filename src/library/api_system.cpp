@@ -5,9 +5,10 @@
 // assigned last.
 #include "kernel/api.h"
 
+#include "kernel/errors.h"
+#include "kernel/process.h"
 #include "kernel/strings.h"
 #include "library/system.h"
-#include "os/process.h"
 
 #include <cstdio>
 
@@ -16,9 +17,6 @@ namespace {
 using namespace tarn;
 
 static_assert(sizeof(tarn_string) == sizeof(StringDescriptor));
-
-constexpr std::int32_t IntegerConversionError = 983;
-constexpr std::int32_t BlockTooLarge = 804;
 
 // A null or foreign descriptor sets 756 in the kernel and reads as empty.
 std::string_view view(const tarn_string* s) {
@@ -61,7 +59,7 @@ int32_t tarn_sys_cvti(const tarn_string* s) {
     if (STREQUAL(view(s), "NULL")) return 0;
     bool ok = false;
     const int value = CVTI(view(s), ok);
-    if (!ok) SetError(IntegerConversionError);
+    if (!ok) SetError(ERR_INTEGER_CONVERSION);
     return ok ? value : 0;
 }
 
@@ -122,7 +120,7 @@ void tarn_sys_strline(const tarn_string* s, int32_t line, tarn_string* result) {
 }
 
 void tarn_sys_strmake(int32_t count, int32_t character, tarn_string* result) {
-    if (count > MaxBlock) SetError(BlockTooLarge);
+    if (count > MaxBlock) SetError(ERR_BLOCK_TOO_LARGE);
     assign(result, count > MaxBlock ? std::string() : STRMAKE(count, character));
 }
 
@@ -131,19 +129,15 @@ int32_t tarn_sys_filesize(const tarn_string* file) {
     return size > INT32_MAX ? INT32_MAX : static_cast<int32_t>(size);
 }
 
-// Arguments that hold blanks are put in quotes, so that the text can be split again.
 void tarn_sys_arguments(tarn_string* result) {
-    std::string line;
-    for (const std::string& argument : os::commandLine()) {
-        const bool quotes = argument.empty() || argument.find_first_of(" \t") != std::string::npos;
-        if (!line.empty()) line += ' ';
-        line += quotes ? STRADDQUOTES(argument) : argument;
-    }
-    assign(result, line);
+    assign(result, JoinedArguments());
 }
 
 void tarn_sys_errormessage(int32_t code, tarn_string* result) {
     assign(result, ErrorMessage(code));
+}
+void tarn_sys_errordetails(tarn_string* result) {
+    assign(result, ErrorDetails());
 }
 
 void tarn_sys_print(const tarn_string* s) {

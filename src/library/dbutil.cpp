@@ -47,13 +47,10 @@ public:
     // The number in parentheses; 0 without reading anything if there is none.
     int lineNumber() {
         const std::string_view before = rest_;
-        blanks();
-        if (!accept('(')) return rest_ = before, 0;
-        blanks();
-        const int value = number();
-        blanks();
-        if (!accept(')')) return rest_ = before, 0;
-        return value;
+        int value = 0;
+        if (parenthesised(value)) return value;
+        rest_ = before;
+        return 0;
     }
 
     int errorNumber() {
@@ -67,6 +64,14 @@ public:
     }
 
 private:
+    bool parenthesised(int& value) {
+        blanks();
+        if (!accept('(')) return false;
+        blanks();
+        value = number();
+        blanks();
+        return accept(')');
+    }
     void blanks() {
         while (!rest_.empty() && ascii::isBlank(rest_[0])) rest_.remove_prefix(1);
     }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/dlgutil.h"
 
+#include "kernel/resources.h"
 #include "library/profstr.h"
 #include "library/system.h"
-#include "platform/resource.h"
 
 MODULE("dlgutil")
 
@@ -12,7 +12,7 @@ namespace tarn {
 int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog, const std::string& control) {
     FRAME(GETVISUALOBJECTINFO);
     if (resourceFile.empty() || dialog.empty() || control.empty()) return 0;
-    const std::string lines = platform::ResourceInfo(resourceFile, "Controls", dialog).text;
+    const std::string lines = ResourceInfo(resourceFile, "Controls", dialog).text;
     for (int i = 1; i <= STRLINES(lines); i++) {
         const std::string line = STRLINE(lines, i);
         if (!STREQUAL(STRTOKEN(line, 1), control)) continue;

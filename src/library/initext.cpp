@@ -7,7 +7,7 @@
 
 #include "library/ascii.h"
 
-#include <cstring>
+#include <algorithm>
 #include <iterator>
 
 namespace tarn::ini {
@@ -183,7 +183,12 @@ std::string sections(std::string_view text) {
     return out;
 }
 
+bool isKey(std::string_view key) {
+    return !key.empty() && std::all_of(key.begin(), key.end(), ascii::isSymbol);
+}
+
 void put(std::string& text, std::string_view section, std::string_view key, std::string_view value) {
+    if (!isKey(key)) return;
     std::string line = entryLine(key, value);
     const Section at = findSection(text, section);
     if (!at.found()) {

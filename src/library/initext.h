@@ -28,6 +28,9 @@ std::string values(std::string_view text, std::string_view section);
 std::string keys(std::string_view text, std::string_view section);  // one per line
 std::string sections(std::string_view text);                        // one per line
 
+// Whether a key can be found again; no other key is ever written.
+bool isKey(std::string_view key);
+// Changes nothing if `key` is no key.
 void put(std::string& text, std::string_view section, std::string_view key, std::string_view value);
 // The entries and comments at the head of the section become the numbered lines of `value`.
 void putList(std::string& text, std::string_view section, std::string_view value);

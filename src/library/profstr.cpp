@@ -5,6 +5,7 @@
 // would be lost.
 #include "library/profstr.h"
 
+#include "kernel/errors.h"
 #include "library/ascii.h"
 #include "library/fileerrors.h"
 #include "library/initext.h"
@@ -14,11 +15,12 @@
 #include "os/process.h"
 
 #include <algorithm>
+#include <map>
 #include <new>
 #include <stdexcept>
 #include <vector>
 
-MODULE("profstr", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+MODULE("profstr", tarn::detail::settingsError, tarn::LeaveErrors)
 
 namespace tarn {
 namespace detail {
@@ -54,7 +56,62 @@ os::FileError readWhole(const std::string& file, std::vector<char>& room, std::s
     return error;
 }
 
+// What the handler says about the failure that it is called for, and what was told before.
+struct Failure {
+    std::string advice;
+    bool told = false;
+};
+Failure failure;
+
+// The failures of one kind that the user knows: the code by the file's name.
+using Told = std::map<std::string, std::int32_t>;
+Told toldReads, toldWrites;
+
+// Ends a read or a write: behind a failure, what a stamp on its line would do.
+void settle(Told& told, const std::string& file, std::int32_t code, const std::string& advice) {
+    if (code == 0) {
+        if (!told.empty()) told.erase(file);
+        return;
+    }
+    if (ErrorCell() != 0) return;
+    const auto known = told.find(file);
+    failure = {advice, known != told.end() && known->second == code};
+    SetError(code);
+    Stamp(0, ReportErrors, settingsError);
+    const bool blocked = ErrorCell() == code;  // another report goes on: this one is lost, and may come later
+    if (blocked)
+        ContinueAfterError();
+    else
+        told[file] = code;
+}
+
+std::string readAdvice(const std::string& file) {
+    return "The settings in '" + file +
+           "' were not read, and nothing is written there. Check that you may read this file, and try again.";
+}
+
+std::string writeAdvice(const std::string& file, const os::SaveResult& result) {
+    if (!result.rescueCopy.empty())
+        return "The settings in '" + file + "' may be damaged. Copy '" + result.rescueCopy +
+               "', which is whole, over them.";
+    return "The settings in '" + file +
+           "' were not saved and are as they were. Check that you may write this file and that its disk has "
+           "room, and try again.";
+}
+
 }  // namespace
+
+void settingsError(std::int32_t code) {
+    if (code < ERR_FILE_READ || code > ERR_FILE_NAME) return DefaultErrorHandler(code);
+    const Reporting report;
+    if (!report.entered()) return;
+    if (!failure.told) {
+        Sound();
+        MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + failure.advice, "OK",
+               BoxIcon::Error);
+    }
+    ContinueAfterError();
+}
 
 std::string_view readProfile(const std::string& file, bool& readable) {
     // The room is kept from call to call, so that a read allocates nothing; a huge one is given back. Nothing
@@ -64,13 +121,17 @@ std::string_view readProfile(const std::string& file, bool& readable) {
     std::size_t size = 0;
     const os::FileError error = file.empty() ? os::FileError::NotFound : readWhole(file, room, size);
     readable = error == os::FileError::None || isMissing(error);
-    if (!readable) SetError(readErrorCode(error));
+    if (readable)
+        settle(toldReads, file, 0, {});
+    else
+        settle(toldReads, file, readErrorCode(error), readAdvice(file));
     return {room.data(), error == os::FileError::None ? size : 0};
 }
 
 bool writeProfile(const std::string& file, std::string_view text) {
     const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
-    if (!result.ok()) SetError(writeErrorCode(result.error));
+    settle(toldWrites, file, writeErrorCode(result.error),
+           result.ok() ? std::string() : writeAdvice(file, result));
     return result.ok();
 }
 
@@ -115,7 +176,7 @@ std::string PROFILESTRSECTIONS(const std::string& file) {
 void PROFILESTRPUT(const std::string& file, std::string_view section, std::string_view key,
                    std::string_view value) {
     FRAME(PROFILESTRPUT);
-    if (file.empty() || section.empty()) return;
+    if (file.empty() || section.empty() || !(key.empty() || ini::isKey(key))) return;
     bool readable = false;
     STAMP();
     std::string text(detail::readProfile(file, readable));

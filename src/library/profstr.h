@@ -2,9 +2,12 @@
 //
 // Profile strings: settings files of sections and key=value lines, words and tokens, and the controls of a dialog
 // kept in such a file. Every call reads the whole file, and a write saves the whole file; nothing stays open.
-// A missing file reads as empty; one that is there and cannot be read reads as empty, sets 651 and is not written.
-// An empty file name or section makes a write do nothing. A failed write sets 652 to 654 or 657 and leaves the old
-// file whole.
+// A missing file reads as empty; one that is there and cannot be read reads as empty and is not written. An empty file
+// name or section makes a write do nothing, and so does a key with other characters than letters, digits and "_": it
+// could never be found again. A failed write leaves the old file whole.
+//
+// A file that cannot be read or written is told in a box (651 to 654, 657), and the program goes on: LastError has the
+// code then. It is told once for a file and a code until the same file could be read, or written, again.
 //
 // Cost: one pass over the file per call.
 #pragma once
@@ -26,7 +29,7 @@ void PROFILESTRPUT(const std::string& file, std::string_view section, std::strin
 void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key);
 
 // The values of a window's check boxes, radio buttons, edits and combo boxes, in the section of the window's name.
-// Saving writes the file once.
+// Saving writes the file once, and not at all if nothing has changed; a file that cannot be read changes no control.
 void LOADINIFILE(const std::string& file, const Object& window, bool withPosition = false, bool withFont = false);
 void SAVEINIFILE(const std::string& file, const Object& window, bool withPosition = false, bool withFont = false);
 

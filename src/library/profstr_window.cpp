@@ -9,7 +9,7 @@
 #include "library/profstr_file.h"
 #include "library/system.h"
 
-MODULE("profstr", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+MODULE("profstr", tarn::detail::settingsError, tarn::LeaveErrors)
 
 namespace tarn {
 namespace {
@@ -139,6 +139,7 @@ void LOADINIFILE(const std::string& file, const Object& window, bool withPositio
     STAMP();
     // A copy: what is set below runs window functions, which may read settings themselves.
     const std::string text(detail::readProfile(file, readable));
+    if (!readable) return;  // empty controls would be saved over what the file holds
     STAMP();
     const std::string section = sectionName(window);
     for (const Object& control : ControlList(window)) {

@@ -45,7 +45,14 @@ std::string joinLines(const Lines& lines) {
 struct Head {
     std::size_t classLine = 0, usesLine = 0, lastNameLine = 0;
     std::size_t usesColumn = 0;  // characters in front of the word
+    std::size_t namesEnd = 0;    // characters up to the end of the last name, in its line
 };
+
+// The offset of `at` in its line.
+std::size_t columnOf(std::string_view text, std::size_t at) {
+    const std::size_t before = text.substr(0, at).rfind('\n');
+    return before == std::string_view::npos ? at : at - before - 1;
+}
 
 Head findHead(std::string_view text) {
     Head head;
@@ -60,11 +67,12 @@ Head findHead(std::string_view text) {
             if (names) break;
             collecting = true;
             head.usesLine = head.lastNameLine = line;
-            const std::size_t before = text.substr(0, walk.start - 1).rfind('\n');
-            head.usesColumn = walk.start - 1 - (before == std::string_view::npos ? 0 : before + 1);
+            head.usesColumn = columnOf(text, walk.start - 1);
+            head.namesEnd = columnOf(text, walk.position - 1);
         } else if (collecting) {
             names = true;
             head.lastNameLine = line;
+            head.namesEnd = columnOf(text, walk.position - 1);
         } else if (walk.upper == "CLASS" && head.classLine == 0) {
             head.classLine = line;
         }
@@ -81,9 +89,12 @@ bool changeUses(const Head& head, const std::string& names, Lines& lines) {
         // A class whose name stands on the same line keeps it.
         const std::string front =
             head.usesLine == head.classLine ? STRRTRIM(first->substr(0, head.usesColumn)) : "";
+        // So does what stands behind the last name, a declaration or a comment.
+        const std::string rest = STRTRIM((behind - 1)->substr(head.namesEnd));
         Lines wanted;
         if (!front.empty()) wanted.push_back(front);
         if (!names.empty()) wanted.push_back(clause);
+        if (!rest.empty()) wanted.push_back(rest);
         const auto place = lines.erase(first, behind);
         lines.insert(place, wanted.begin(), wanted.end());
         return true;

@@ -3,10 +3,10 @@
 // The source scan: the functions, and where asked for the constants, types and event handlers, of a class
 // text.
 //
-// An item is known by the first words of its line. It runs to the line before the next item, or to the end of
-// the class. The handlers inside a callback (lines "case xxx_event =>") do not end their function: each runs
-// to the next handler or to the end of the function. Cost: one pass over the lines; only the first few words
-// of each are read.
+// An item is known by the first words of its line. It runs to the line before the next item, before "End
+// class", or to the end of the text. The handlers inside a callback (lines "case xxx_event =>") do not end
+// their function: each runs to the next handler or to the end of the function. Cost: one pass over the lines;
+// only the first few words of each are read.
 #include "library/symbols.h"
 
 #include "library/ascii.h"
@@ -68,7 +68,7 @@ public:
             ++line_;
             readLine(ascii::withoutLineEnd(ascii::takeLine(text)));
         }
-        endItem(line_);
+        endItem(ended_ ? line_ - 1 : line_);
         return std::move(items_);
     }
 

@@ -80,18 +80,20 @@ std::string FILESUBSTITUTENAME(std::string_view line, std::string_view mark, std
 // Whole files as text. A failure sets 651 to 654 or 657 and `false`; SAVEFILE keeps the old contents then.
 bool LOADFILE(const std::string& file, std::string& text);
 bool SAVEFILE(const std::string& file, std::string_view text);
-// What the last failed SAVEFILE says to the user: what went wrong and where the text is safe.
+// What a failed SAVEFILE says to the user: what went wrong and where the text is safe. Empty unless the last of
+// all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
 std::string SAVEFILEREPORT();
 void FILEDELETE(const std::string& file);  // one that does not exist is no error
-// Copies bytes, permissions and time; both must be full paths (FILECHK). A destination without a folder lies beside
-// the source; one that ends with a separator gets the source's name. With `confirm` the user is asked before a file
-// is replaced. False when nothing was copied (659 if the copy has another size); a copy onto itself is true.
+// Copies bytes, time and, where it can, permissions; both must be full paths (FILECHK). A destination without a
+// folder lies beside the source, on its drive; one that ends with a separator gets the source's name. With `confirm`
+// the user is asked before a file is replaced. False when nothing was copied (659 if the copy has another size); a copy onto itself is true.
 bool FILECOPY(const std::string& source, const std::string& dest, bool confirm);
 
 // ---- programs ----
 // Runs a program. `mode`: low four bits the window state; then 0 disable the windows and wait, 32 wait with the
 // windows enabled, 16 wait at most 5000 ms. Failures set 901 to 909. A tool that is waited for can be stopped by the
-// user; one that dies by a signal counts as failed: its code is then 128 + the signal. " > file" behind the arguments
+// user; one that dies by a signal counts as failed: its code is then 128 + the signal. One that cannot even be forced to
+// end counts as killed. " > file" behind the arguments
 // sends the output there. A program without a folder is sought on PATH.
 struct ExecResult {
     bool started = false, stopped = false;  // stopped: by the user

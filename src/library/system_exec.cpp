@@ -5,26 +5,19 @@
 // milliseconds, and the wait ends as soon as the tool does. After a second the user gets a Stop button.
 #include "library/system.h"
 
+#include "kernel/errors.h"
 #include "library/ascii.h"
 #include "os/files.h"
 #include "os/process.h"
 
 #include <algorithm>
+#include <climits>
+#include <csignal>
 
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
 namespace {
-
-enum ExecError : std::int32_t {
-    ProgramNotFound = 901,
-    InvalidProgramFormat = 902,
-    NotEnoughMemory = 903,
-    InvalidCommandLine = 906,
-    InvalidOutputFile = 907,
-    PermissionsRequired = 908,
-    OtherExecError = 909,
-};
 
 enum WaitMode { WaitDisabled = 0, WaitIdle = 1, WaitEnabled = 2 };
 
@@ -83,41 +76,51 @@ std::string findProgram(const std::string& program) {
 
 // Whether the file begins as programs and scripts do.
 bool looksLikeProgram(const std::string& path) {
-    std::string bytes;
-    return os::readFile(path, bytes) == os::FileError::None && (bytes.starts_with("\x7F"
-                                                                                  "ELF") ||
-                                                                bytes.starts_with("#!"));
+    constexpr std::string_view Elf("\177ELF"), Script("#!");
+    os::Handle file = -1;
+    if (os::files().open(path, os::OpenMode::Read, 0, file) != os::FileError::None) return false;
+    char bytes[Elf.size()];
+    std::size_t got = 0;
+    os::files().read(file, 0, bytes, sizeof bytes, got);
+    os::files().close(file);
+    const std::string_view start(bytes, got);
+    return start.starts_with(Elf) || start.starts_with(Script);
+}
+
+// False for what no file can be named, wherever it is looked for.
+bool isProgramName(const std::string& program) {
+    return !program.empty() && program.size() < PATH_MAX && program.find('\0') == std::string::npos;
 }
 
 std::int32_t errorCode(os::StartError error, const std::string& program) {
     switch (error) {
     case os::StartError::None: return 0;
-    case os::StartError::NotFound: return ProgramNotFound;
+    case os::StartError::NotFound: return ERR_EXEC_NOT_FOUND;
     case os::StartError::NotExecutable:
-        return looksLikeProgram(program) ? PermissionsRequired : InvalidProgramFormat;
-    case os::StartError::NoMemory: return NotEnoughMemory;
-    case os::StartError::BadArguments: return InvalidCommandLine;
-    case os::StartError::BadOutput: return InvalidOutputFile;
+        return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
+    case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
+    case os::StartError::BadArguments: return ERR_EXEC_COMMAND_LINE;
+    case os::StartError::BadOutput: return ERR_EXEC_OUTPUT_FILE;
     case os::StartError::Other: break;
     }
-    return OtherExecError;
+    return ERR_EXEC_OTHER;
 }
 
 // Null, with the error cell set, if the program cannot be started.
 std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments, const std::string& folder) {
     CommandLine command = parseCommandLine(arguments);
-    if (program.empty() || program.find('\0') != std::string::npos || holdsNul(command.arguments)) {
-        SetError(InvalidCommandLine);
+    if (!isProgramName(program) || holdsNul(command.arguments)) {
+        SetError(ERR_EXEC_COMMAND_LINE);
         return nullptr;
     }
     if (command.redirected && (command.outputFiles.size() != 1 || holdsNul(command.outputFiles))) {
-        SetError(InvalidOutputFile);
+        SetError(ERR_EXEC_OUTPUT_FILE);
         return nullptr;
     }
     os::StartRequest request;
     request.program = findProgram(program);
     if (request.program.empty()) {
-        SetError(ProgramNotFound);
+        SetError(ERR_EXEC_NOT_FOUND);
         return nullptr;
     }
     request.arguments = std::move(command.arguments);
@@ -145,6 +148,7 @@ void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, o
         result.stopped = true;
         child.stop(GraceMilliseconds);
         state = child.wait(GraceMilliseconds);
+        if (!state.ended) state.signal = SIGKILL;  // it cannot be ended: it has failed, though it still runs
         break;
     }
     if (shown) ShowToolProgress({});

@@ -5,22 +5,20 @@
 // told.
 #include "library/system.h"
 
+#include "kernel/errors.h"
 #include "library/ascii.h"
 #include "library/fileerrors.h"
 #include "os/clock.h"
 #include "os/files.h"
 
 #include <algorithm>
-#include <charconv>
 
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
 namespace {
 
-constexpr std::int32_t WrongSizeAfterCopy = 659;
-
-// What the last failed save was about, for the report that the caller asks for next.
+// What the save before was about if it failed, for the report that the caller asks for next.
 struct FailedSave {
     std::string file;
     os::SaveResult result;
@@ -54,27 +52,29 @@ bool isSameFile(const std::string& a, const std::string& b) {
     return first.exists && second.exists && first.device == second.device && first.inode == second.inode;
 }
 
-// A destination without a folder lies beside the source; one that is a folder gets the source's name.
+// A destination without a folder lies beside the source, whatever its drive; one that is a folder gets the
+// source's name.
 std::string completeDestination(const std::string& source, const std::string& dest) {
     const PathParts parts = SPLITPATH(dest);
-    std::string out = parts.drive.empty() && parts.directory.empty() ? FILEGETDIR(source) + dest : dest;
+    std::string out = parts.directory.empty() ? FILEGETDIR(source) + parts.name + parts.extension : dest;
     if (out.ends_with('/') || out.ends_with('\\')) out += FILEGETFNAME(source);
     return out;
 }
 
-// The copy has the bytes, the permissions and the time of the source.
+// The copy has the bytes and the time of the source, and its permissions where they can be given.
 bool copyBytes(const std::string& source, const std::string& dest) {
     std::string bytes;
     if (!LOADFILE(source, bytes) || !SAVEFILE(dest, bytes)) return false;
     const os::FileInfo info = os::infoOf(source);
     if (FileSize(dest) != info.size) {
-        SetError(WrongSizeAfterCopy);
+        SetError(ERR_FILE_COPY_SIZE);
         return false;
     }
-    const os::FileError mode = os::files().setMode(os::native(dest), info.mode);
+    // Some file systems have no permissions to set; the copy is good without them.
+    (void)os::files().setMode(os::native(dest), info.mode);
     const os::FileError time = os::files().setModified(os::native(dest), info.modified);
-    for (const os::FileError error : {mode, time}) SetError(detail::writeErrorCode(error));
-    return mode == os::FileError::None && time == os::FileError::None;
+    SetError(detail::writeErrorCode(time));
+    return time == os::FileError::None;
 }
 
 }  // namespace
@@ -152,6 +152,7 @@ std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file) {
 
 bool LOADFILE(const std::string& file, std::string& text) {
     FRAME(LOADFILE);
+    lastFailedSave() = {};
     STAMP();
     const os::FileError error = os::readFile(file, text);
     if (error != os::FileError::None) text.clear();
@@ -162,6 +163,7 @@ bool LOADFILE(const std::string& file, std::string& text) {
 bool SAVEFILE(const std::string& file, std::string_view text) {
     FRAME(SAVEFILE);
     STAMP();
+    lastFailedSave() = {};
     const os::SaveResult result = os::saveFile(file, text);
     if (result.ok()) return true;
     lastFailedSave() = {file, result};

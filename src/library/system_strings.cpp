@@ -5,10 +5,10 @@
 // they are.
 #include "library/system.h"
 
+#include "kernel/numbers.h"
 #include "library/ascii.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 
 namespace tarn {
@@ -218,13 +218,10 @@ bool ISDIGITS(std::string_view text) {
 }
 
 int CVTI(std::string_view text, bool& ok) {
-    ok = false;
-    std::string_view digits = text;
-    if (digits.starts_with('+') || digits.starts_with('-')) digits.remove_prefix(1);
-    if (!ISDIGITS(digits)) return 0;
-    if (text.front() == '+') text = digits;
-    int value = 0;
-    ok = std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc();
+    std::int32_t value = 0;
+    std::size_t end = 0;
+    IntegerFromText(text, value, end);
+    ok = end != 0 && end == text.size();
     return ok ? value : 0;
 }
 

@@ -175,13 +175,12 @@ public:
         const char c = peek();
         if (c == '"') return string();
         if (ascii::isLetter(c)) return symbols();
-        if (c == '#' || c == '$') return ++at_, symbols();
+        if (c == '#' || c == '$') return accept(c) && symbols();
         if (c == '+' || c == '-' || ascii::isDigit(c)) return number();
         if (c == '[') return set();
-        if (c == '=') return ++at_, accept('>'), true;
-        if (c == '<') return ++at_, accept('>');
-        return at_ < text_.size() && std::string_view("(),.{|}").find(c) != std::string_view::npos &&
-               (++at_, true);
+        if (c == '=') return equals();
+        if (c == '<') return accept(c) && accept('>');
+        return std::string_view("(),.{|}").find(c) != std::string_view::npos && accept(c);
     }
 
 private:
@@ -191,6 +190,11 @@ private:
     bool accept(char c) {
         if (at_ >= text_.size() || text_[at_] != c) return false;
         ++at_;
+        return true;
+    }
+    bool equals() {
+        accept('=');
+        accept('>');
         return true;
     }
     bool symbols() {
@@ -210,8 +214,8 @@ private:
         for (++at_; at_ < text_.size(); ++at_) {
             if (static_cast<unsigned char>(text_[at_]) < 32) return false;
             if (text_[at_] != '"') continue;
-            if (peek(1) != '"') return ++at_, true;
             ++at_;
+            if (peek() != '"') return true;
         }
         return false;
     }
@@ -224,7 +228,10 @@ private:
             return true;
         }
         if (!digits()) return false;
-        if (peek() == '.' && ascii::isDigit(peek(1))) ++at_, digits();
+        if (peek() == '.' && ascii::isDigit(peek(1))) {
+            ++at_;
+            digits();
+        }
         return exponent();
     }
     bool exponent() {

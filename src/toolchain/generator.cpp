@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/generator.h"
 
+#include "kernel/runtime.h"
 #include "toolchain/functiongen.h"
 #include "toolchain/interface.h"
 #include "toolchain/library.h"
@@ -110,9 +111,9 @@ private:
         const std::string initialise = classSymbol(tree_.name, "initialise");
         return "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") +
                "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
-               classSymbol(tree_.name, "program") + " = {" + cString(tree_.path) + ", " +
-               (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise + ", " +
-               itemSymbol(*findDeclaration(tree_, "main")) + ", " + classSymbol(tree_.name, "finish") +
+               classSymbol(tree_.name, "program") + " = {" + cString(std::string(ProductVersion)) + ", " +
+               cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
+               ", " + itemSymbol(*findDeclaration(tree_, "main")) + ", " + classSymbol(tree_.name, "finish") +
                "};\n";
     }
 

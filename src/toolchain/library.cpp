@@ -12,8 +12,12 @@ constexpr LibraryParameter OutText{Type::String, Mode::Out}, InoutText{Type::Str
 const std::vector<LibraryFunction>& libraryFunctions() {
     static const std::vector<LibraryFunction> functions = {
         {"arguments", "tarn_sys_arguments", Type::String, {}},
+        {"assert", "quarn_assert", Type::None, {Truth}},
+        {"assert", "tarn_assert", Type::None, {Truth, Text}},
         {"chr", "tarn_sys_chr", Type::String, {Number}},
+        {"clearerror", "tarn_clear_error", Type::None, {}},
         {"cvti", "tarn_sys_cvti", Type::Integer, {Text}},
+        {"errordetails", "tarn_sys_errordetails", Type::String, {}},
         {"errormessage", "tarn_sys_errormessage", Type::String, {Number}},
         {"filesize", "tarn_sys_filesize", Type::Integer, {Text}},
         {"length", "tarn_string_length", Type::Integer, {Text}},

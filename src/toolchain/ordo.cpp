@@ -5,6 +5,7 @@
 // whole run stand in `sarn.err` beside the compiler. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
 #include "os/process.h"
+#include "platform/model/view.h"
 #include "toolchain/classes.h"
 #include "toolchain/make.h"
 
@@ -27,6 +28,8 @@ bool write(const std::string& file, const std::string& text) {
 
 int main(int argc, char** argv) {
     os::setCommandLine(argc, argv);
+    // What the library tells in boxes goes to standard error.
+    platform::useView(platform::makeHeadlessView());
     toolchain::Messages messages;
     toolchain::MakeOptions options = toolchain::readMakeOptions(os::commandLine(), messages);
     if (!options.outputFile.empty()) os::files().remove(options.outputFile);

@@ -13,6 +13,10 @@ static inline void quarn_msgbox(const tarn_string *title, const tarn_string *tex
     tarn_string_free(&answer);
     tarn_string_free(&buttons);
 }
+static inline void quarn_assert(int32_t condition)
+{
+    tarn_assert(condition, 0);
+}
 static inline int32_t quarn_strfind(const tarn_string *text, const tarn_string *what)
 {
     return tarn_sys_strfind(text, what, 1, 0);

@@ -11,6 +11,7 @@ public:
     bool key(const std::string&) override { return false; }
     bool type(const std::string&) override { return false; }
     bool click(const platform::Object&) override { return false; }
+    bool mouse(const platform::Object&, int, int, int) override { return false; }
     bool stopTool() override { return platform::pressToolStop(); }
     void endSplash() override {}
     void screenshot(const std::string&) override {}

@@ -6,11 +6,11 @@
 #include "os/process.h"
 
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QApplication>
-#include <QKeyEvent>
 #include <QKeySequence>
-#include <QMouseEvent>
-#include <QWindow>
+#include <QTest>
+#include <QWidget>
 
 #include <cstdlib>
 
@@ -34,25 +34,12 @@ QWidget* keyTarget() {
     return window->focusWidget() != nullptr ? window->focusWidget() : window;
 }
 
-void sendKey(QWidget* target, int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-    // Through the window system's queue, so that shortcuts see it as they see a real key.
-    QWindow* window = target->window()->windowHandle();
-    QKeyEvent shortcut(QEvent::ShortcutOverride, key, modifiers, text);
-    QApplication::sendEvent(target, &shortcut);
-    QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
-    QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
-    if (window != nullptr) {
-        QApplication::sendEvent(window, &press);
-        QApplication::sendEvent(window, &release);
-    } else {
-        QApplication::sendEvent(target, &press);
-        QApplication::sendEvent(target, &release);
-    }
-}
-
 class QtHands : public Hands {
 public:
     explicit QtHands(bool onScreen) : onScreen_(onScreen) {}
+
+    // The window manager places and focuses windows in its own time, and real input goes where they are.
+    int patience() override { return onScreen_ ? 400 : 0; }
 
     bool key(const std::string& name) override {
         if (onScreen_) return std::system(("xdotool key --clearmodifiers '" + xName(name) + "'").c_str()) == 0;
@@ -60,34 +47,27 @@ public:
         QWidget* target = keyTarget();
         if (sequence.isEmpty() || target == nullptr) return false;
         const QKeyCombination combination = sequence[0];
-        sendKey(target, combination.key(), combination.keyboardModifiers(), {});
+        QTest::keyClick(target, combination.key(), combination.keyboardModifiers());
         return true;
     }
 
     bool type(const std::string& text) override {
         if (onScreen_) return std::system(("xdotool type --delay 5 '" + text + "'").c_str()) == 0;
-        for (const QChar c : decoded(text)) {
-            QWidget* target = keyTarget();
-            if (target != nullptr) sendKey(target, c.toUpper().unicode(), Qt::NoModifier, QString(c));
-        }
+        QTest::keyClicks(keyTarget(), decoded(text));
         return true;
     }
 
     bool click(const Object& object) override {
-        const Control* control = findControl(object);
-        auto* widget = static_cast<QWidget*>(control->widget);
+        auto* widget = static_cast<QWidget*>(findControl(object)->widget);
+        return widget != nullptr && press(*widget, widget->rect().center(), 1);
+    }
+
+    bool mouse(const Object& window, int x, int y, int clicks) override {
+        auto* widget = static_cast<QWidget*>(findWindow(window)->widget);
         if (widget == nullptr) return false;
-        const QPoint middle = widget->rect().center();
-        if (onScreen_) {
-            const QPoint place = widget->mapToGlobal(middle);
-            return std::system(("xdotool mousemove " + std::to_string(place.x()) + " " + std::to_string(place.y()) +
-                                " click 1").c_str()) == 0;
-        }
-        for (const QEvent::Type kind : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-            QMouseEvent event(kind, middle, widget->mapToGlobal(middle), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(widget, &event);
-        }
-        return true;
+        auto* area = qobject_cast<QAbstractScrollArea*>(widget);
+        if (area == nullptr) area = widget->findChild<QAbstractScrollArea*>();
+        return area != nullptr && press(*area->viewport(), QPoint(x, y), clicks);
     }
 
     bool stopTool() override {
@@ -103,7 +83,7 @@ public:
     void endSplash() override {
         for (QWidget* window : QApplication::topLevelWidgets()) {
             if (window->objectName() == "splash" && window->isVisible())
-                sendKey(window, Qt::Key_Space, Qt::NoModifier, " ");
+                QTest::keyClick(window, Qt::Key_Space);
         }
     }
 
@@ -113,6 +93,18 @@ public:
 
 private:
     bool onScreen_;
+
+    bool press(QWidget& widget, const QPoint& place, int clicks) const {
+        if (onScreen_) {
+            const QPoint at = widget.mapToGlobal(place);
+            return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " + std::to_string(at.y()) +
+                                " click --repeat " + std::to_string(clicks) + " --delay 40 1")
+                                   .c_str()) == 0;
+        }
+        QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
+        if (clicks == 2) QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
+        return true;
+    }
 
     static std::string xName(std::string name) {
         const std::pair<std::string, std::string> names[] = {

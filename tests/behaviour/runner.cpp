@@ -111,9 +111,9 @@ int main(int argc, char** argv) {
     const std::string dir = root + "case/", profile = root + "profile/";
     fs::copy(from, dir, fs::copy_options::recursive);
     prepareProfile(profile, from);
-    tarn::Script script = tarn::parseScript(readAll(from + "script"), dir, profile);
+    tarn::Script script = tarn::parseScript(readAll(from + "script"), dir, profile, mode != "model");
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
-    if (mode == "model" && script.realInput) end(skip("it needs real input"));
+    if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
     prepareEnvironment();
     fs::current_path(dir);

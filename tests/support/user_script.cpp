@@ -28,7 +28,7 @@ const std::map<std::string, LineForm> forms = {
     {"command", {1}},   {"press", {2}},   {"set", {3}},        {"edit", {2}},       {"select", {1}},
     {"dblclick", {2}},  {"close", {1}},   {"answer", {1}},     {"choose-file", {1}}, {"input", {1}},
     {"pick", {1}},      {"start", {1}},   {"stop-tool", {0}},  {"clock", {1}},      {"key", {1, true}},
-    {"type", {1, true}}, {"click", {2, true}}, {"screenshot", {1}}, {"dump", {1}},  {"wait", {1}},
+    {"type", {1, true}}, {"click", {2, true}}, {"mouse", {4, true}}, {"screenshot", {1}}, {"dump", {1}},  {"wait", {1}},
     {"expect", {1}},    {"run", {1}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
@@ -58,6 +58,14 @@ void substitute(std::string& text, const std::string& mark, const std::string& v
         text.replace(at, mark.size(), value);
 }
 
+// Of "REAL or MEANING" keeps the one that this mode does.
+void chooseAlternative(std::vector<std::string>& words, bool realInput) {
+    const auto middle = std::find(words.begin(), words.end(), "or");
+    if (middle == words.end()) return;
+    if (realInput) words.erase(middle, words.end());
+    else words.erase(words.begin(), middle + 1);
+}
+
 std::string lineFault(const std::vector<std::string>& words) {
     const auto form = forms.find(words[0]);
     if (form == forms.end()) return "there is no '" + words[0] + "'";
@@ -67,7 +75,7 @@ std::string lineFault(const std::vector<std::string>& words) {
 
 }  // namespace
 
-Script parseScript(const std::string& text, const std::string& dir, const std::string& profile) {
+Script parseScript(const std::string& text, const std::string& dir, const std::string& profile, bool realInput) {
     Script script;
     int number = 0;
     for (std::size_t at = 0; at < text.size();) {
@@ -76,6 +84,7 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
         const bool whole = splitWords(text.substr(at, end - at), line.words);
         at = end + 1;
         if (line.words.empty() || line.words[0][0] == '#') continue;
+        chooseAlternative(line.words, realInput);
         for (std::string& word : line.words) {
             substitute(word, "{dir}", dir);
             substitute(word, "{profile}", profile);
@@ -86,7 +95,7 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
         }
         const std::string fault = whole ? lineFault(line.words) : "a quote stays open";
         if (!fault.empty() && script.error.empty()) script.error = "line " + std::to_string(number) + ": " + fault;
-        if (fault.empty()) script.realInput |= forms.at(line.words[0]).realInput;
+        if (fault.empty()) script.needsRealInput |= forms.at(line.words[0]).realInput;
         script.lines.push_back(line);
     }
     return script;
@@ -175,6 +184,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     }
     if (answers) return open ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "expect") return expect(line) ? Outcome::Done : Outcome::NotYet;
+    const auto waited = std::chrono::steady_clock::now() - since_;
+    if (forms.at(w[0]).realInput && waited < std::chrono::milliseconds(hands_.patience())) return Outcome::NotYet;
     const auto shown = [](const Object& object) {
         const Window* window = findWindow(object);
         return window != nullptr && window->shown;
@@ -188,7 +199,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         const Control* control = findControl(FindControl(Object(w[1]), w[2]));
         return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done : Outcome::NotYet;
     }
-    if (w[0] == "dblclick" || w[0] == "close" || w[0] == "wait")
+    if (w[0] == "dblclick" || w[0] == "close" || w[0] == "wait" || w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
@@ -231,6 +242,7 @@ void UserDriver::act(const ScriptLine& line) {
     else if (what == "clock") os::clock().sleep(seconds(w[1]) * 1'000'000'000);
     else if (what == "key" && !hands_.key(w[1])) at_--, fail("There is no such key.");
     else if (what == "type") hands_.type(w[1]);
+    else if (what == "mouse") hands_.mouse(Object(w[1]), std::atoi(w[2].c_str()), std::atoi(w[3].c_str()), std::atoi(w[4].c_str()));
     else if (what == "click") hands_.click(FindControl(Object(w[1]), w[2]));
     else if (what == "screenshot") hands_.screenshot(w[1]);
     else if (what == "dump") std::printf("%s", dumpWindow(Object(w[1])).c_str());

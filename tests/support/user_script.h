@@ -15,7 +15,9 @@
 //   start NAME FILE ...             a second copy of the program; its boxes go to {dir}/NAME.log
 //   stop-tool                       the Stop button while a tool runs
 //   clock +3s                       lets time go by
-//   key F1, type TEXT, click WINDOW CONTROL     real input (such a case is skipped in the model mode)
+//   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)    real input
+//   REAL or MEANING                 with real input the first, in the model mode the second; a case with a line of
+//                                   real input that has no second is skipped in the model mode
 //   screenshot NAME                 a picture of the screen, where there is one
 //   run COMMAND ...                 a shell command in {dir}
 //   dump WINDOW                     prints names, captions and states, without geometry
@@ -47,18 +49,20 @@ struct ScriptLine {
 struct Script {
     std::vector<std::string> arguments;  // of the program
     std::vector<ScriptLine> lines;
-    bool realInput = false;
+    bool needsRealInput = false;
     std::string error;  // of the script's own text; empty if it is well formed
 };
-Script parseScript(const std::string& text, const std::string& dir, const std::string& profile);
+Script parseScript(const std::string& text, const std::string& dir, const std::string& profile, bool realInput);
 
 // What the user does beside the object model: real keys and the mouse, tools and the splash window.
 class Hands {
 public:
     virtual ~Hands() = default;
+    virtual int patience() { return 0; }  // milliseconds that a line of real input waits before it is done
     virtual bool key(const std::string& name) = 0;
     virtual bool type(const std::string& text) = 0;
     virtual bool click(const platform::Object& control) = 0;
+    virtual bool mouse(const platform::Object& window, int x, int y, int clicks) = 0;
     virtual bool stopTool() = 0;  // false: no tool runs that could be stopped
     virtual void endSplash() = 0;
     virtual void screenshot(const std::string& path) = 0;

@@ -378,6 +378,24 @@ TEST_F(EditTest, TypingRecoloursTheLine) {
     EXPECT_EQ(styleAt(7), word);
 }
 
+TEST_F(EditTest, FlagsAndRulesThatChangeLaterKeepTheTextColoured) {
+    area->setFlags(HILITE);
+    area->setTokens("end - 0x0000FF\n");
+    store->setText("end\nend\n");
+    const int word = styleAt(1), plain = styleAt(4);
+    ASSERT_NE(word, plain);
+    area->setFlags(HILITE | PRIVATE_MODIFY);
+    EXPECT_EQ(styleAt(1), word);
+    area->setFlags(0);
+    EXPECT_EQ(styleAt(1), plain);
+    area->setFlags(HILITE);
+    EXPECT_EQ(styleAt(1), word);
+    area->setTokens("other - 0x0000FF\n");
+    EXPECT_EQ(styleAt(1), plain);
+    area->setTokens("end - 0x0000FF\n");
+    EXPECT_EQ(styleAt(1), word);
+}
+
 TEST_F(EditTest, DarkColoursBecomeReadableOnADarkPalette) {
     const QPalette before = QApplication::palette();
     QPalette dark = before;

@@ -32,6 +32,14 @@ TEST_F(CodeWindow, ShowsAFileUnderItsName) {
     EXPECT_FALSE(GetModify(SDIEdit));
 }
 
+TEST_F(CodeWindow, ColoursAClassByTheSettings) {
+    EDITWNDOPEN(SDIEdit, write("a.cls", "Tarnwick Class a\nEnd class\n"), false, 0);
+    EXPECT_NE(GetTokens(SDIEdit).find("class - 0x"), std::string::npos) << GetTokens(SDIEdit).substr(0, 200);
+    EXPECT_NE(GetFlags(SDIEdit) & HILITE, 0);
+    EDITWNDOPEN(SDIEdit, write("a.txt", "class\n"), false, 0);
+    EXPECT_EQ(GetTokens(SDIEdit), "");
+}
+
 TEST_F(CodeWindow, MarksAndUnmarksAChange) {
     const std::string file = write("a.txt", "one\n");
     EDITWNDOPEN(SDIEdit, file, false, 0);

@@ -3,6 +3,7 @@
 
 #include "kernel/api.h"
 #include "kernel/errors.h"
+#include "platform/windowing.h"
 
 using namespace tarn;
 
@@ -109,8 +110,14 @@ TEST_F(Report, DetailsEndWithTheAssertText) {
 TEST_F(Report, DetailsHaveAtMost1024Characters) {
     FunctionEnter(std::string(40, 'c').c_str(), std::string(40, 'f').c_str(), 2000000000);
     Assert(false, std::string(255, 't'));
-    EXPECT_LE(ErrorDetails().size(), 1024U);
-    EXPECT_EQ(ErrorDetails().back(), '\n');
+    // The longest details there can be are not cut; what would be longer is.
+    EXPECT_EQ(ErrorDetails(), "Assert check failed\nFile " + std::string(40, 'c') + ", function " +
+                                  std::string(40, 'f') + ", line 2000000000\n" + std::string(255, 't') +
+                                  "\n");
+    for (const std::size_t size : {0U, 1U, 1023U, 1024U})
+        EXPECT_EQ(CutReport(std::string(size, 'x')), std::string(size, 'x'));
+    for (const std::size_t size : {1025U, 100000U})
+        EXPECT_EQ(CutReport(std::string(size, 'x')), std::string(1024, 'x'));
 }
 
 TEST_F(Report, DetailsWithoutAnErrorAreEmpty) {
@@ -232,6 +239,82 @@ TEST_F(Report, AModulesOwnHandlerContinues) {
     SetError(922);
     Stamp(1, ReportErrors, +handler);
     EXPECT_EQ(log().size(), 3U);
+}
+
+// A debugger that is only a window and a list of its stops.
+class Debugged : public Report {
+protected:
+    void SetUp() override {
+        Report::SetUp();
+        handled().clear();
+        tarn_debugger_window = &window_;
+        DebugStop = [](bool force) {
+            log().push_back((force ? "stop " : "look ") + std::to_string(tarn_current_line) + " " +
+                            std::to_string(ErrorCell()));
+        };
+    }
+    void TearDown() override {
+        DebugStop = nullptr;
+        tarn_debugger_window = nullptr;
+        platform::SetUserBreak(0);
+        Report::TearDown();
+    }
+
+private:
+    int window_ = 0;
+};
+
+TEST_F(Debugged, EveryStampLooksBehindTheNewLine) {
+    Stamp(7, ReportErrors, note);
+    Stamp(8, LeaveErrors, note);
+    EXPECT_EQ(log(), (Log{"look 7 0", "look 8 0"}));
+    EXPECT_EQ(tarn_current_line, 8);
+}
+
+TEST_F(Debugged, AnErrorIsAForcedStopOnItsOwnLineAndThenTheLastError) {
+    Stamp(7, ReportErrors, note);
+    SetError(601);
+    Stamp(8, ReportErrors, note);
+    EXPECT_EQ(log(), (Log{"look 7 0", "stop 7 601", "look 8 0"}));
+    EXPECT_TRUE(handled().empty());
+    EXPECT_EQ(ErrorCell(), 0);
+    EXPECT_EQ(LastError(), 601);
+}
+
+TEST_F(Debugged, ErrorsAreClearedAndLeftAsWithoutADebugger) {
+    SetError(901);
+    Stamp(5, LeaveErrors, note);
+    EXPECT_EQ(ErrorCell(), 901);
+    Stamp(6, ClearErrors, note);
+    EXPECT_EQ(ErrorCell(), 0);
+    EXPECT_EQ(LastError(), 0);
+    EXPECT_EQ(log(), (Log{"look 5 901", "look 6 0"}));
+}
+
+TEST_F(Debugged, TheUsersBreakStopsOnce) {
+    platform::SetUserBreak(1);
+    Stamp(7, ReportErrors, note);
+    EXPECT_EQ(platform::GetUserBreak(), 0);
+    Stamp(8, ReportErrors, note);
+    EXPECT_EQ(log(), (Log{"stop 7 0", "look 8 0"}));
+}
+
+TEST_F(Debugged, StampZeroOnlyReports) {
+    platform::SetUserBreak(1);
+    Stamp(0, ReportErrors, note);
+    EXPECT_TRUE(log().empty());
+    EXPECT_EQ(platform::GetUserBreak(), 1);
+    SetError(601);
+    Stamp(0, ReportErrors, note);
+    EXPECT_EQ(log(), (Log{"stop 0 601"}));
+}
+
+TEST_F(Debugged, AWindowWithoutADebuggerBehindItReportsInABox) {
+    DebugStop = nullptr;
+    SetError(601);
+    Stamp(4, ReportErrors, note);
+    EXPECT_EQ(handled(), std::vector<std::int32_t>{601});
+    EXPECT_EQ(tarn_current_line, 4);
 }
 
 TEST_F(Report, TheCInterfaceReportsTheSameWay) {

@@ -89,6 +89,22 @@ TEST_F(TraceLines, AFileThatCannotBeWrittenRaisesNoError) {
     EXPECT_EQ(tarn_current_line, 1);
 }
 
+TEST_F(TraceLines, AFullDiskTakesNoLineAndRaisesNoError) {
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    files.put(file(), "old\n");
+    files.setFreeBytes(0);
+    SetTraceMode(2);
+    Trace("lost");
+    FunctionEnter("c", "F", 1);
+    EXPECT_EQ(files.contents(file()), "old\n");
+    EXPECT_EQ(files.openHandles(), 0);
+    EXPECT_EQ(ErrorCell(), 0);
+    files.setFreeBytes(100);
+    Trace("kept");
+    EXPECT_EQ(files.contents(file()), "old\nkept\n");
+}
+
 TEST_F(TraceLines, AStateFolderThatCannotBeMadeRaisesNoError) {
     const Variable elsewhere("XDG_STATE_HOME", "/proc/none");
     SetTraceMode(2);

@@ -157,6 +157,25 @@ TEST_F(Api, ArgumentsWithBlanksAreQuoted) {
     Text result;
     tarn_sys_arguments(result);
     EXPECT_EQ(result.str(), "\"a b\" c \"\"");
+    std::vector<std::string> restored{"library_test"};
+    restored.insert(restored.end(), before.begin(), before.end());
+    std::vector<char*> arguments;
+    for (std::string& argument : restored) arguments.push_back(argument.data());
+    os::setCommandLine(static_cast<int>(arguments.size()), arguments.data());
+    EXPECT_EQ(os::commandLine(), before);
+}
+
+TEST_F(Api, DetailsAreThoseOfTheErrorThatIsPendingOrWasTheLast) {
+    Text result;
+    SetError(654);
+    tarn_sys_errordetails(result);
+    EXPECT_TRUE(result.str().starts_with("Disk drive full up\n")) << result.str();
+    ContinueAfterError();
+    tarn_sys_errordetails(result);
+    EXPECT_EQ(result.str(), "Disk drive full up");
+    tarn_clear_error();
+    tarn_sys_errordetails(result);
+    EXPECT_EQ(result.str(), "");
 }
 
 TEST_F(Api, MessagesAndLinesComeOut) {

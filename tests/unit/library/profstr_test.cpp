@@ -4,10 +4,13 @@
 // disks, and a random comparison with a simple model.
 #include "library/ascii.h"
 #include "library/profstr.h"
+#include "os/files.h"
+#include "platform/model/view.h"
 #include "support/steerable.h"
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 #include <utility>
 #include <vector>
@@ -19,8 +22,40 @@ const std::string File = "/home/user/ide.ini";
 
 class Profile : public ::testing::Test {
 protected:
-    void SetUp() override { ClearError(); }
-    void TearDown() override { ClearError(); }
+    void SetUp() override {
+        ClearError();
+        before = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
+            asked.push_back(question);
+            return "OK";
+        }));
+        // What an earlier test was told is forgotten once the file could be read and written.
+        start("[A]\r\n");
+        PROFILESTRPUT(File, "A", "k", "v");
+        files.putFolder("/home/user");
+        os::files().remove(File);
+        files.clearLog();
+    }
+    void TearDown() override {
+        platform::useView(std::move(before));
+        ClearError();
+    }
+    // The code that was told in a box since the last call; 0 if none was. None is ever left for the caller.
+    int takeTold() {
+        EXPECT_EQ(ErrorCell(), 0);
+        const int code = LastError();
+        EXPECT_EQ(asked.size(), code == 0 ? 0U : 1U);
+        if (!asked.empty()) {
+            EXPECT_EQ(asked[0].title, "Error");
+            EXPECT_EQ(asked[0].buttons, std::vector<std::string>{"OK"});
+            EXPECT_TRUE(
+                asked[0].text.starts_with(ErrorMessage(code) + " (error " + std::to_string(code) + ").\n"))
+                << asked[0].text;
+            EXPECT_NE(asked[0].text.find("'" + File + "'"), std::string::npos) << asked[0].text;
+        }
+        asked.clear();
+        ClearError();
+        return code;
+    }
     void start(std::string_view text) { files.put(File, text); }
     std::string text() { return files.contents(File); }
     std::string get(std::string_view section, std::string_view key) {
@@ -29,6 +64,8 @@ protected:
 
     os::SteeredFiles files;
     os::Steered steered{files};
+    std::vector<platform::Question> asked;
+    std::unique_ptr<platform::View> before;
 };
 
 // ---- reading ----
@@ -225,7 +262,7 @@ TEST_F(Profile, DeletingFromAMissingFileDoesNotMakeIt) {
 
 // ---- failures ----
 
-TEST_F(Profile, AFailureAtAnyCallOfAWriteSetsTheErrorAndLeavesTheOldFileWhole) {
+TEST_F(Profile, AFailureAtAnyCallOfAWriteIsToldAndLeavesTheOldFileWhole) {
     const std::string before = "[A]\r\nk=old\r\n", after = "[A]\r\nk=new\r\n";
     start(before);
     files.clearLog();
@@ -240,15 +277,15 @@ TEST_F(Profile, AFailureAtAnyCallOfAWriteSetsTheErrorAndLeavesTheOldFileWhole) {
         PROFILESTRPUT(File, "A", "k", "new");
         const std::string now = text();
         EXPECT_TRUE(now == before || now == after) << call << ": " << now;
-        if (ErrorCell() != 0) {
-            EXPECT_EQ(ErrorCell(), 654) << call;
+        if (const int code = takeTold(); code != 0) {
+            EXPECT_EQ(code, 654) << call;
             EXPECT_EQ(now, before) << call;
             ++failures;
         } else {
             EXPECT_EQ(now, after) << call;
         }
-        ClearError();
         files.stopFailing();
+        PROFILESTRPUT(File, "A", "k", "written");  // so that the next failure is told again
     }
     EXPECT_GT(failures, 0);
     EXPECT_EQ(files.openHandles(), 0);
@@ -258,30 +295,92 @@ TEST_F(Profile, AFullDiskAndAReadOnlyPlaceKeepTheOldFile) {
     start("[A]\r\nk=old\r\n");
     files.setFreeBytes(3);
     PROFILESTRPUT(File, "A", "k", "a longer value");
-    EXPECT_EQ(ErrorCell(), 654);
+    EXPECT_EQ(takeTold(), 654);
     EXPECT_EQ(text(), "[A]\r\nk=old\r\n");
     files.stopFailing();
     files.setFreeBytes(1 << 20);
-    ClearError();
     files.putFolder("/home/user", 0555);
     files.put(File, "[A]\r\nk=old\r\n", 0444);
     PROFILESTRPUT(File, "A", "k", "new");
-    EXPECT_EQ(ErrorCell(), 652);
+    EXPECT_EQ(takeTold(), 652);
     EXPECT_EQ(text(), "[A]\r\nk=old\r\n");
+}
+
+TEST_F(Profile, AReadOnlyFileIsToldOnceForAllTheSettingsOfAStart) {
+    files.putFolder("/home/user", 0555);
+    files.put(File, "[A]\r\nk=old\r\n", 0444);
+    for (const char* key : {"a", "b", "k", "c"}) {
+        PROFILESTRPUT(File, "A", key, "new");
+        EXPECT_EQ(get("A", "k"), "old");
+        EXPECT_EQ(ErrorCell(), 0);
+    }
+    EXPECT_EQ(takeTold(), 652);
+    PROFILESTRDEL(File, "A", "k");
+    EXPECT_TRUE(asked.empty());
+    files.putFolder("/home/user", 0755);
+    files.put(File, "[A]\r\nk=old\r\n", 0644);
+    ClearError();
+    PROFILESTRPUT(File, "A", "k", "new");
+    EXPECT_EQ(text(), "[A]\r\nk=new\r\n");
+    EXPECT_EQ(takeTold(), 0);
+    files.failAlways(os::FileCall::Write, os::FileError::DiskFull);  // another cause, after a success
+    PROFILESTRPUT(File, "A", "k", "newer");
+    EXPECT_EQ(takeTold(), 654);
+    files.failAlways(os::FileCall::Write, os::FileError::WriteFailed);  // another code
+    PROFILESTRPUT(File, "A", "k", "newer");
+    EXPECT_EQ(takeTold(), 652);
+}
+
+TEST_F(Profile, EachFileIsToldForItself) {
+    const std::string other = "/home/user/other.ini";
+    files.put(other, "[A]\r\nk=1\r\n", 0000);
+    files.put(File, "[A]\r\nk=1\r\n", 0000);
+    for (int i = 0; i < 3; ++i) {
+        PROFILESTRGET(File, "A", "k");
+        PROFILESTRGET(other, "A", "k");
+    }
+    EXPECT_EQ(asked.size(), 2U);
+    os::files().remove(other);
+    PROFILESTRGET(other, "A", "k");
+}
+
+TEST_F(Profile, AFailureWhileAnotherReportGoesOnNeitherEndsTheProgramNorCountsAsTold) {
+    start("[A]\r\nk=old\r\n");
+    files.failAlways(os::FileCall::Write, os::FileError::DiskFull);
+    {
+        const Reporting outer;
+        ASSERT_TRUE(outer.entered());
+        PROFILESTRPUT(File, "A", "k", "new");
+        EXPECT_EQ(ErrorCell(), 0);
+        EXPECT_TRUE(asked.empty());
+    }
+    ClearError();
+    PROFILESTRPUT(File, "A", "k", "new");
+    EXPECT_EQ(takeTold(), 654);
+}
+
+TEST_F(Profile, AKeyThatCouldNotBeFoundAgainIsNotWritten) {
+    start("[A]\r\nx=1\r\n");
+    files.clearLog();
+    for (const char* key : {"a b", "a-b", "k.1", "k=", "k(1)", " k", ";k", "\xC3\xA4"}) {
+        PROFILESTRPUT(File, "A", key, "v");
+        PROFILESTRPUT(File, "B", key, "v");
+    }
+    EXPECT_EQ(files.calls(), 0);
+    EXPECT_EQ(text(), "[A]\r\nx=1\r\n");
+    EXPECT_EQ(takeTold(), 0);
 }
 
 TEST_F(Profile, AFileThatCannotBeReadIsNeverWritten) {
     files.put(File, "[A]\r\nk=old\r\n", 0000);
     EXPECT_EQ(get("A", "k"), "");
-    EXPECT_EQ(ErrorCell(), 651);
-    ClearError();
+    EXPECT_EQ(takeTold(), 651);
     PROFILESTRPUT(File, "B", "k", "new");
-    EXPECT_EQ(ErrorCell(), 651);
     EXPECT_EQ(text(), "[A]\r\nk=old\r\n");
-    ClearError();
     PROFILESTRDEL(File, "A", "");
-    EXPECT_EQ(ErrorCell(), 651);
     EXPECT_EQ(text(), "[A]\r\nk=old\r\n");
+    EXPECT_EQ(ErrorCell(), 0);
+    EXPECT_TRUE(asked.empty());  // told once
 }
 
 TEST_F(Profile, AnEarlierErrorStaysInTheCell) {
@@ -290,6 +389,7 @@ TEST_F(Profile, AnEarlierErrorStaysInTheCell) {
     files.failAlways(os::FileCall::Open, os::FileError::Denied);
     PROFILESTRPUT(File, "A", "k", "v");
     EXPECT_EQ(ErrorCell(), 602);
+    EXPECT_TRUE(asked.empty());
 }
 
 // ---- hostile files ----

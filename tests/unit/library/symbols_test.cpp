@@ -137,6 +137,14 @@ TEST_F(Symbols, TheUsesLineIsReplacedAddedAndRemoved) {
         {"on the line of the class", "X", "Class A uses B\nend class\n",
          "Class A\r\nUses X\r\nend class\r\n"},
         {"without names", "X", "Class A\nUses\nend class\n", "Class A\r\nUses X\r\nend class\r\n"},
+        {"a declaration behind the names stays", "X", "Class A\nUses B const c = 1\nend class\n",
+         "Class A\r\nUses X\r\nconst c = 1\r\nend class\r\n"},
+        {"also when the names go", "", "Class A\nUses B\n  C const c = 1\nend class\n",
+         "Class A\r\nconst c = 1\r\nend class\r\n"},
+        {"also without names", "X", "Class A\nUses const c = 1\n", "Class A\r\nUses X\r\nconst c = 1\r\n"},
+        {"a comment behind the names stays", "X Y", "Class A\n\tUses B // why\nend class\n",
+         "Class A\r\nUses X Y\r\n// why\r\nend class\r\n"},
+        {"all on one line", "X", "Class A uses B function f\n", "Class A\r\nUses X\r\nfunction f\r\n"},
         {"at the end", "X", "Class A\nUses B", "Class A\r\nUses X\r\n"},
     };
     for (const Case& c : cases) {
@@ -200,14 +208,21 @@ const char* const Source = "Tarnwick Class Demo\n"                           // 
 TEST_F(Symbols, TheScanListsFunctionsByTheFirstWordsOfTheirLines) {
     EXPECT_EQ(SYMSCANSOURCE(Source, 0), "Early\nDLG\nEarly\nmain\n");
     EXPECT_EQ(SYMSCANSOURCE(Source, 1024), "Early()\nDLG()\nEarly()\nmain()\n");
-    EXPECT_EQ(SYMSCANSOURCE(Source, 2048), "Early 8 8\nDLG 9 17\nEarly 18 21\nmain 22 23\n");
+    EXPECT_EQ(SYMSCANSOURCE(Source, 2048), "Early 8 8\nDLG 9 17\nEarly 18 21\nmain 22 22\n");
     EXPECT_EQ(
         SYMSCANSOURCE(Source, 1024 + 2048 + 8192 + 16384),
-        "   max() 3 3\n   Trow() 5 7\n   Early() 8 8\n   DLG() 9 17\n   Early() 18 21\n   main() 22 23\n");
+        "   max() 3 3\n   Trow() 5 7\n   Early() 8 8\n   DLG() 9 17\n   Early() 18 21\n   main() 22 22\n");
     EXPECT_EQ(SYMSCANSOURCE(Source, 4096), "Early\nDLG\nDLG.load_event\nDLG.close_event\nEarly\nmain\n");
     EXPECT_EQ(SYMSCANSOURCE(Source, 1024 + 2048 + 4096),
               "Early() 8 8\nDLG() 9 17\nDLG().load_event 12 13\nDLG().close_event 14 17\nEarly() 18 "
-              "21\nmain() 22 23\n");
+              "21\nmain() 22 22\n");
+}
+
+TEST_F(Symbols, AnItemEndsBeforeTheEndOfItsClass) {
+    EXPECT_EQ(SYMSCANSOURCE("Class A\nfunction f\nend function\n\nEnd class\n", 2048), "f 2 4\n");
+    EXPECT_EQ(SYMSCANSOURCE("callback function d\ncase x_event =>\nend class", 2048 + 4096),
+              "d 1 2\nd.x_event 2 2\n");
+    EXPECT_EQ(SYMSCANSOURCE("const a = 1\nend class\n", 2048 + 8192), "a 1 1\n");
 }
 
 TEST_F(Symbols, TheScanReadsAnyTextToItsEnd) {
@@ -259,6 +274,9 @@ TEST_F(Symbols, TokensComeFromTheSectionOfTheExtension) {
 TEST_F(Symbols, TheEndOfTheSettingsKeyChoosesTheRule) {
     files.put("/i", "[S]\nMYSTRINGS=0x1\nl=\"\"'\"\"\nblockComments=0x2\nc=-- rem\nx=0x3\n");
     EXPECT_EQ(GETHILITELIST("/i", "S", "myStrings", "l"), "' - 0x1\n");
+    files.put("/q", "[S]\nStrings=0x1\nl=\"\nm=\"\"\n");
+    EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "l"), "\" - 0x1\n");
+    EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "m"), "");
     EXPECT_EQ(GETHILITELIST("/i", "S", "BLOCKCOMMENTS", "c"), "-- ##EOL 0x2\nrem ##EOL 0x2\n");
     EXPECT_EQ(GETHILITELIST("/i", "S", "x", "none"), "");
     EXPECT_EQ(GETHILITELIST("/i", "S", "Strings", "none"), "");

@@ -4,6 +4,7 @@
 // help, and tools that are waited for, on the object model without a screen.
 #include "library/profstr.h"
 #include "library/system.h"
+#include "os/clock.h"
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
@@ -115,6 +116,60 @@ TEST_F(Windows, ControlsAreSavedUnderRaisedNames) {
     SetListIndex(control("comboList"), 1);
     SAVEINIFILE(ini, dialog);
     EXPECT_EQ(get("ComboList"), "Red");
+}
+
+TEST_F(Windows, AFileThatCannotBeReadEmptiesNoControlAndIsNotWritten) {
+    load(dialog);
+    SetValue(control("checkOne"), 1);
+    SetText(control("editone"), "typed");
+    SetPosition(dialog, WINDOW_UNIT, {11, 22, 333, 222});
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    files.put("/x/a.ini", "[Testdlg]\r\nEditone=stored\r\n", 0000);
+    LOADINIFILE("/x/a.ini", dialog, true, true);
+    EXPECT_EQ(GetValue(control("checkOne")), 1);
+    EXPECT_EQ(GetText(control("editone")), "typed");
+    EXPECT_EQ(GetPosition(dialog, WINDOW_UNIT), (Rect{11, 22, 333, 222}));
+    SAVEINIFILE("/x/a.ini", dialog, true, true);
+    EXPECT_EQ(files.contents("/x/a.ini"), "[Testdlg]\r\nEditone=stored\r\n");
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_TRUE(asked[0].text.starts_with("Cannot read from file (error 651).\n")) << asked[0].text;
+    os::files().remove("/x/a.ini");
+    LOADINIFILE("/x/a.ini", dialog);  // a file that is missing is read as empty
+    EXPECT_EQ(GetText(control("editone")), "");
+}
+
+TEST_F(Windows, AWindowThatCannotBeSavedIsToldAndLeavesTheFile) {
+    load(dialog);
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    const std::string before = "[Testdlg]\r\nEditone=stored\r\n";
+    files.put("/x/b.ini", before);
+    files.failAlways(os::FileCall::Write, os::FileError::DiskFull);
+    SetText(control("editone"), "typed");
+    SAVEINIFILE("/x/b.ini", dialog);
+    EXPECT_EQ(files.contents("/x/b.ini"), before);
+    EXPECT_EQ(LastError(), 654);
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_TRUE(asked[0].text.starts_with("Disk drive full up (error 654).\n")) << asked[0].text;
+    files.failAlways(os::FileCall::Write, os::FileError::None);
+    SAVEINIFILE("/x/b.ini", dialog);
+    EXPECT_EQ(PROFILESTRGET("/x/b.ini", "Testdlg", "Editone"), "typed");
+}
+
+TEST_F(Windows, AWindowThatHasNotChangedIsNotWritten) {
+    load(dialog);
+    os::SteeredFiles files;
+    const os::Steered steered(files);
+    files.putFolder("/x");
+    SAVEINIFILE("/x/c.ini", dialog, true, true);
+    ASSERT_TRUE(files.has("/x/c.ini"));
+    files.clearLog();
+    SAVEINIFILE("/x/c.ini", dialog, true, true);
+    EXPECT_EQ(files.calls(), 0);
+    SetValue(control("checkOne"), 1);
+    SAVEINIFILE("/x/c.ini", dialog, true, true);
+    EXPECT_GT(files.calls(), 0);
 }
 
 TEST_F(Windows, NothingHappensWithoutANameOrAWindow) {
@@ -282,6 +337,44 @@ TEST_F(Windows, TheUserCanStopAToolThatHangs) {
         EXPECT_FALSE(ToolStopPressed());  // the button has gone
     }
     platform::view().setIdle(nullptr);
+}
+
+// A child that nothing ends.
+class Undying : public os::Processes {
+public:
+    std::unique_ptr<os::Child> start(const os::StartRequest&, os::StartError& error) override {
+        error = os::StartError::None;
+        return std::make_unique<Immortal>();
+    }
+
+private:
+    class Immortal : public os::Child {
+        os::ExitState poll() override { return {}; }
+        os::ExitState wait(int milliseconds) override {
+            os::clock().sleep(milliseconds * std::int64_t{1'000'000});
+            return {};
+        }
+        void stop(int) override {}
+        [[nodiscard]] int id() const override { return 1; }
+    };
+};
+
+TEST_F(Windows, AToolThatOutlivesItsStopHasFailed) {
+    ASSERT_TRUE(os::saveFile(folder / "tool", "#!/bin/sh\n").ok());
+    os::SteeredClock clock;
+    Undying processes;
+    const os::Steered steeredClock(clock);
+    os::Processes* const processesBefore = os::useProcesses(&processes);
+    platform::view().setIdle([] { platform::pressToolStop(); });
+    for (const int mode : {1, 32 + 1}) {
+        const ExecResult result = EXEC(folder / "tool.exe", "", mode);
+        EXPECT_TRUE(result.stopped);
+        EXPECT_EQ(result.signal, 9);
+        EXPECT_EQ(result.code, 128 + 9);
+        EXPECT_FALSE(platform::busy());
+    }
+    platform::view().setIdle(nullptr);
+    os::useProcesses(processesBefore);
 }
 
 TEST_F(Windows, WindowsAreDisabledWhileAToolRunsInMode0Only) {

@@ -236,6 +236,18 @@ TEST_F(Run, OnerrorTakesTheErrorsOfItsRangeAndTheProgramGoesOn) {
         "handled 983 Integer type conversion error\n");
 }
 
+TEST_F(Run, AssertionsAndErrorsAreInTheHandsOfTheProgram) {
+    const std::string handler =
+        "function onerror(n : integer) from 687 to 687\nPRINT(ERRORDETAILS())\nend function\n";
+    EXPECT_EQ(
+        runProgram({{"main.cls", program(handler, "ASSERT(1 = 1)\nASSERT(true, \"no\")\nPRINT(\"ok\")\n"
+                                                  "ASSERT(1 = 2, \"one \" + \"two\")\n"
+                                                  "PRINT(ERRORDETAILS())\nCLEARERROR()\n"
+                                                  "PRINT(\"[\" + ERRORDETAILS() + \"]\")\nASSERT(false)")}}),
+        "ok\nAssert check failed\nFile Main, function main, line 12\none two\n\n"
+        "Assert check failed\n[]\nAssert check failed\nFile Main, function main, line 16\n\n");
+}
+
 TEST_F(Run, TheExamplesBuildAndWork) {
     std::filesystem::copy(SOURCE_DIR "/examples/wordcount", dir + "wordcount");
     EXPECT_EQ(ordo({"-fa", dir + "wordcount/wordcount.cls", "-o" + dir + "o"}), 0) << errors();

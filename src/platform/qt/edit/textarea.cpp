@@ -206,13 +206,14 @@ void TextArea::flush() {
 // -----------------------------------------------------------------------------------------------------------
 
 void TextArea::setFlags(int flags) {
+    const int changed = flags_ ^ flags;
     flags_ = flags;
     send(SCI_SETREADONLY, (flags & READONLY) != 0);
     if ((flags & ALLOWOVERWRITE) == 0) send(SCI_SETOVERTYPE, 0);
     send(SCI_SETCARETLINEVISIBLE, (flags & READONLY) == 0);
     digits_ = 0;
     applyNumberBar();
-    send(SCI_CLEARDOCUMENTSTYLE);
+    if ((changed & HILITE) != 0) colourAnew();
     emit moved();
 }
 
@@ -234,7 +235,13 @@ void TextArea::setTokens(std::string_view tokens) {
     tokens_ = tokens;
     rules_ = TokenRules(tokens);
     applyColours();
+    colourAnew();
+}
+
+// Clearing the styles counts the whole text as coloured; starting at 0 lets the next paint ask for them again.
+void TextArea::colourAnew() {
     send(SCI_CLEARDOCUMENTSTYLE);
+    send(SCI_STARTSTYLING, 0);
 }
 
 void TextArea::setTextFont(const Font& font) {

@@ -62,6 +62,7 @@ private:
     void onStyleNeeded(int end);
     void configure();
     void applyColours();
+    void colourAnew();
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
     void flush();                        // reports what has changed since the last time
