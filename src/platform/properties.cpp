@@ -258,15 +258,28 @@ std::string oneLine(std::string_view value) {
 
 }  // namespace
 
+namespace {
+
+// Whether a plain value would not come back as it was from a line.
+bool needsQuotesInList(std::string_view value) {
+    const bool control = std::any_of(value.begin(), value.end(), [](char c) { return letterFor(c) != '\0'; });
+    return control || isQuoted(value) || value != trim(value);
+}
+
+}  // namespace
+
 std::string toListValue(ValueKind kind, std::string_view value) {
-    if (kind == ValueKind::Plain) return oneLine(value);
-    return "\"" + (kind == ValueKind::Text ? escaped(value) : oneLine(value)) + "\"";
+    if (kind == ValueKind::Plain && !needsQuotesInList(value)) return std::string(value);
+    return "\"" + (kind == ValueKind::File ? oneLine(value) : escaped(value)) + "\"";
 }
 
 std::string fromListValue(ValueKind kind, std::string_view listValue) {
-    if (isQuoted(listValue)) listValue = listValue.substr(1, listValue.size() - 2);
-    if (kind == ValueKind::Text) return unescaped(listValue);
-    return std::string(kind == ValueKind::Plain ? trim(listValue) : listValue);
+    if (!isQuoted(listValue)) {
+        if (kind == ValueKind::Text) return unescaped(listValue);
+        return std::string(kind == ValueKind::Plain ? trim(listValue) : listValue);
+    }
+    listValue = listValue.substr(1, listValue.size() - 2);
+    return kind == ValueKind::File ? std::string(listValue) : unescaped(listValue);
 }
 
 std::string makePropertyList(std::string_view name, Type type, const Properties& properties) {
@@ -301,6 +314,10 @@ std::string plainValue(Type type, std::string_view name, std::string_view listVa
 }
 
 }  // namespace
+
+std::string normalValue(Type type, std::string_view name, std::string_view value) {
+    return plainValue(type, name, toListValue(kindOf(type, name), value));
+}
 
 ParsedList parsePropertyList(std::string_view list) {
     ParsedList parsed;

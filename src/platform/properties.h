@@ -47,6 +47,10 @@ std::string toListValue(ValueKind kind, std::string_view value);
 std::string fromListValue(ValueKind kind, std::string_view listValue);
 ValueKind kindOf(Type type, std::string_view name);  // of a property that the type lacks: Plain
 
+// The value as it comes back from a property list: the same, but for a choice with its label ("1-Yes" is "1")
+// and for line ends in a path.
+std::string normalValue(Type type, std::string_view name, std::string_view value);
+
 // A whole property list: NAME, TYPEOF, then all of the type in the order of its table, then what else there
 // is.
 std::string makePropertyList(std::string_view name, Type type, const Properties& properties);

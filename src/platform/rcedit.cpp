@@ -137,7 +137,7 @@ std::string Writer::patched(const RcObject& block, const ParsedList& wanted) con
         const std::string* const value = wantedValue(wanted, property.name);
         const bool again = std::find(seen.begin(), seen.end(), property.name) != seen.end();
         seen.push_back(property.name);
-        if (again || (value != nullptr && *value == property.value)) {
+        if (again || (value != nullptr && *value == normalValue(block.type, property.name, property.value))) {
             result += bytes(property.line);
         } else if (value != nullptr) {
             result += bytes({property.line.begin, property.valueSpan.begin});

@@ -238,6 +238,18 @@ TEST_F(ResourceTest, WhatIsWrittenIsReadBackPropertyForProperty) {
     EXPECT_EQ(objects("NewMenu"), firstMenu);
 }
 
+TEST_F(ResourceTest, WritingUnchangedKeepsWhatNobodyWouldWriteThatWay) {
+    const std::string text =
+        "D DIALOG\nODD=\"a\\n\\0b \"\nPOSITION=\"1 2\\r3 4\"\nLabel a\nENABLED=1-Yes\nALIGNMENT=Centre\n"
+        "CAPTION=unquoted // text\nCAPTION=\"again\"\nODD=\"\\\"q\\\"\"\nEND";
+    write(rc, text);
+    const ObjectArray array = objects("D");
+    EXPECT_NE(array[0].find("ODD=\"a\\n\\0b \"\n"), std::string::npos) << array[0];
+    EXPECT_NE(array[1].find("ENABLED=1-Yes\n"), std::string::npos) << array[1];
+    EXPECT_EQ(ResourceWrite(array, {}, rc), "");
+    EXPECT_EQ(read(rc), text);
+}
+
 TEST_F(ResourceTest, EveryByteSurvivesInATextOfAList) {
     std::string all;
     for (int c = 0; c < 256; ++c) all += static_cast<char>(c);
