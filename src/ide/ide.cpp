@@ -445,10 +445,8 @@ bool MAIN(const Object&, int event, const Object& control, int parameter) {
 
 // ---- the program -----------------------------------------------------------------------------------------------------
 
-namespace {
-
-void registerWindows() {
-    FRAME(registerWindows);
+void REGISTERWINDOWS() {
+    FRAME(REGISTERWINDOWS);
     STAMP();
     RegisterWindow(Main, MAIN);
     RegisterWindow(SDIEdit, SDIEDIT);
@@ -460,12 +458,10 @@ void registerWindows() {
     STAMP();
 }
 
-}  // namespace
-
 void RUNIDE() {
     ProcessStart(false);
     DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
-    registerWindows();
+    REGISTERWINDOWS();
     {
         FRAME(RUNIDE);
         STAMP();

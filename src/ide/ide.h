@@ -9,6 +9,7 @@
 
 namespace tarn {
 
+void REGISTERWINDOWS();  // binds each window to its function
 // Runs the environment; returns when the main window has gone, and then ends the process.
 void RUNIDE();
 

@@ -61,11 +61,31 @@ protected:
         std::filesystem::remove_all(dir);
     }
 
-    // Makes Main and the Code window as the start does, without the splash's wait.
+    // The Code window alone.
     void loadWindows() {
-        platform::RegisterWindow(SDIEdit, SDIEDIT);
+        REGISTERWINDOWS();
         Load(SDIEdit);
         ASSERT_TRUE(IsLoaded(SDIEdit)) << ErrorDetails();
+    }
+
+    // The whole start up to the event loop, with the given arguments.
+    void start(std::vector<std::string> arguments = {}) {
+        arguments.insert(arguments.begin(), dir + "ide");
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments) pointers.push_back(argument.data());
+        os::setCommandLine(static_cast<int>(pointers.size()), pointers.data());
+        REGISTERWINDOWS();
+        Load(Main);
+        Stamp(0, ReportErrors, DefaultErrorHandler);
+        ASSERT_TRUE(IsLoaded(Main)) << ErrorDetails();
+    }
+    static void pick(const std::string& control) {
+        platform::userCommand(*platform::findControl(MAINCONTROL(control)));
+    }
+    static bool isEnabled(const std::string& control) { return GetEnabled(MAINCONTROL(control)); }
+    static void type(const std::string& text) {
+        SetSelection(SDIEdit, GetTextLength(SDIEdit) + 1, 0);
+        SetSelText(SDIEdit, text);
     }
 
     std::string write(const std::string& name, std::string_view bytes) {

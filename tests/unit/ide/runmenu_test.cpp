@@ -16,7 +16,6 @@ protected:
     void SetUp() override {
         IdeTest::SetUp();
         loadWindows();
-        platform::RegisterWindow(ViewDlg, VIEWDLG);
         tools = dir + "tools/";
         std::filesystem::create_directory(tools);
         PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit1", "");
@@ -36,10 +35,7 @@ protected:
         return ok;
     }
     void open(const std::string& file) { EDITWNDOPEN(SDIEdit, file, false, 0); }
-    void change() {
-        SetSelection(SDIEdit, GetTextLength(SDIEdit) + 1, 0);
-        SetSelText(SDIEdit, "// changed\n");
-    }
+    void change() { type("// changed\n"); }
 };
 
 TEST_F(Build, NeedsTheMakeTool) {

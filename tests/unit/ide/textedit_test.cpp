@@ -10,10 +10,6 @@ protected:
         IdeTest::SetUp();
         loadWindows();
     }
-    void type(const std::string& text) {
-        SetSelection(SDIEdit, GetTextLength(SDIEdit) + 1, 0);
-        SetSelText(SDIEdit, text);
-    }
     std::string caption() { return GetCaption(SDIEdit); }
 };
 
