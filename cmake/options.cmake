@@ -4,7 +4,9 @@ add_library(tarn_options INTERFACE)
 target_compile_options(tarn_options INTERFACE
   -Wall -Wextra $<$<COMPILE_LANGUAGE:CXX>:-Wconversion>
   # g++ 12 warns falsely of overlapping copies in every "literal" + std::string once it optimises.
-  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict> -Werror -ffunction-sections)
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict> -Werror -ffunction-sections
+  # Descriptors are seen as kernel types and as those of the C interface.
+  -fno-strict-aliasing)
 target_include_directories(tarn_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
 find_program(MOLD mold)
