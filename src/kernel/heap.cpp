@@ -65,7 +65,7 @@ constexpr int classCount = smallClasses + 14 * 4;
 constexpr int classOf(std::int32_t bytes) {
     const auto last = static_cast<std::uint32_t>(bytes) - 1;
     if (bytes <= smallLimit) return static_cast<int>(last) / smallStep;
-    const int doubling = std::bit_width(last) - 1;
+    const int doubling = static_cast<int>(std::bit_width(last)) - 1;
     return smallClasses + (doubling - 8) * 4 + static_cast<int>((last >> (doubling - 2)) & 3);
 }
 constexpr std::int32_t classBytes(int index) {
