@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // edit_bench RCX: the Code window with 4,000,000 bytes: opening, and key to paint at its end; the peer is
-// QPlainTextEdit with the same text. Prints Google Benchmark's form of medians, so that report.py reads all alike.
+// QPlainTextEdit with the same text. Prints Google Benchmark's form of medians, so that report.py reads all
+// alike.
 #include "kernel/windowing.h"
 #include "library/symbols.h"
 #include "platform/model/model.h"
@@ -21,7 +22,8 @@
 namespace {
 
 std::string sourceText(std::size_t size) {
-    const std::string line = "    if count > 0 then result := result + STR(count) // the sum of \"all\" counts\r\n";
+    const std::string line =
+        "    if count > 0 then result := result + STR(count) // the sum of \"all\" counts\r\n";
     std::string text;
     while (text.size() + line.size() <= size) text += line;
     text.resize(size, ' ');
@@ -91,9 +93,10 @@ struct Figure {
 void print(const std::vector<Figure>& figures) {
     std::printf("{\"benchmarks\": [\n");
     for (std::size_t i = 0; i < figures.size(); i++)
-        std::printf(" {\"run_name\": \"%s\", \"aggregate_name\": \"median\", \"real_time\": %.6f, \"time_unit\": "
-                    "\"ms\"}%s\n",
-                    figures[i].name.c_str(), figures[i].milliseconds, i + 1 < figures.size() ? "," : "");
+        std::printf(
+            " {\"run_name\": \"%s\", \"aggregate_name\": \"median\", \"real_time\": %.6f, \"time_unit\": "
+            "\"ms\"}%s\n",
+            figures[i].name.c_str(), figures[i].milliseconds, i + 1 < figures.size() ? "," : "");
     std::printf("]}\n");
 }
 
@@ -126,7 +129,8 @@ int main(int, char** argv) {
     plain.resize(widget->size());
     plain.show();
     QApplication::setActiveWindow(&plain);
-    figures.push_back({"plainOpenLarge", openTime(&plain, [&] { plain.setPlainText(QString::fromStdString(large)); })});
+    figures.push_back(
+        {"plainOpenLarge", openTime(&plain, [&] { plain.setPlainText(QString::fromStdString(large)); })});
     toEnd(&plain);
     figures.push_back({"plainKeyToPaint", keyToPaint(&plain)});
     print(figures);

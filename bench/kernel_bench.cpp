@@ -19,7 +19,9 @@ void stampInline(benchmark::State& state) {
 }
 BENCHMARK(stampInline);
 
-__attribute__((noinline)) void stampOutOfLine() { STAMP(); }
+__attribute__((noinline)) void stampOutOfLine() {
+    STAMP();
+}
 
 void stampCalled(benchmark::State& state) {
     for (auto _ : state) {

@@ -24,7 +24,8 @@ std::string makeFile(int keys) {
 void profilestrget(benchmark::State& state) {
     const int keys = static_cast<int>(state.range(0));
     const std::string path = makeFile(keys);
-    const std::string section = "Section" + std::to_string((keys - 1) / 10), key = "Key" + std::to_string(keys - 1);
+    const std::string section = "Section" + std::to_string((keys - 1) / 10),
+                      key = "Key" + std::to_string(keys - 1);
     for (auto _ : state) {
         std::string value = tarn::PROFILESTRGET(path, section, key);
         if (value.empty()) state.SkipWithError("no value");
@@ -37,7 +38,8 @@ BENCHMARK(profilestrget)->Arg(50)->Arg(1000);
 void gkeyfile(benchmark::State& state) {
     const int keys = static_cast<int>(state.range(0));
     const std::string path = makeFile(keys);
-    const std::string section = "Section" + std::to_string((keys - 1) / 10), key = "Key" + std::to_string(keys - 1);
+    const std::string section = "Section" + std::to_string((keys - 1) / 10),
+                      key = "Key" + std::to_string(keys - 1);
     for (auto _ : state) {
         GKeyFile* file = g_key_file_new();
         g_key_file_load_from_file(file, path.c_str(), G_KEY_FILE_NONE, nullptr);

@@ -28,7 +28,9 @@ struct Row {
     bool isArray = false;              // `control` is the first element of a control array
 };
 
-std::string lastActive() { return GetCaption(MAINCONTROL("lbllastactive")); }
+std::string lastActive() {
+    return GetCaption(MAINCONTROL("lbllastactive"));
+}
 
 void openFile(const Fired& fired) {
     DO_OPEN(fired.parameter == 0 ? std::string() : commandText(), MAINCONTROL("programlabel"));

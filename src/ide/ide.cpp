@@ -25,7 +25,7 @@ MODULE("ide", tarn::IDE_ONERROR)
 
 namespace tarn {
 
-// ---- second instance and errors ------------------------------------------------------------------------------
+// ---- second instance and errors ----
 
 namespace {
 
@@ -36,7 +36,8 @@ void handOver() {
     const OtherControl found = FINDOTHERCONTROL(os::executablePath(), GETMAINCAPTIONSTR(), "File_Open");
     if (found.window && found.control != 0) {
         const bool content = FileSize(file) > 0;
-        if (content && CommandOtherWindow(found.windowClass, GETMAINCAPTIONSTR(), found.control, file)) return;
+        if (content && CommandOtherWindow(found.windowClass, GETMAINCAPTIONSTR(), found.control, file))
+            return;
         if (!content && !file.empty()) {
             Sound();
             MsgBox("Error",
@@ -50,7 +51,9 @@ void handOver() {
     MsgBox("Error 807", ErrorDetails(), "OK", BoxIcon::Error);
 }
 
-bool mayContinue(std::int32_t code) { return code == 687 || code == 727 || (code >= 901 && code <= 992); }
+bool mayContinue(std::int32_t code) {
+    return code == 687 || code == 727 || (code >= 901 && code <= 992);
+}
 
 }  // namespace
 
@@ -73,19 +76,39 @@ void IDE_ONERROR(std::int32_t code) {
     ContinueAfterError();
 }
 
-// ---- settings check --------------------------------------------------------------------------------------------
+// ---- settings check ----
 
 namespace {
 
-constexpr std::string_view requiredSections[] = {
-    "Edit_Find", "Edit_Replace", "ordo", "Compoptionsdlg", "Debugoptionsdlg", "Editoroptionsdlg", "Genoptionsdlg",
-    "Pathsoptionsdlg", "Sdiedit", "Viewdlg", "Projecteditordlg", "Main", "Gotofuncdlg", "debug", "Argumentsdlg",
-    "Confirmremovedlg", "BrowseInfoDlg", "MRU"};
+constexpr std::string_view requiredSections[] = {"Edit_Find",
+                                                 "Edit_Replace",
+                                                 "ordo",
+                                                 "Compoptionsdlg",
+                                                 "Debugoptionsdlg",
+                                                 "Editoroptionsdlg",
+                                                 "Genoptionsdlg",
+                                                 "Pathsoptionsdlg",
+                                                 "Sdiedit",
+                                                 "Viewdlg",
+                                                 "Projecteditordlg",
+                                                 "Main",
+                                                 "Gotofuncdlg",
+                                                 "debug",
+                                                 "Argumentsdlg",
+                                                 "Confirmremovedlg",
+                                                 "BrowseInfoDlg",
+                                                 "MRU"};
 
 // These have the class extension behind them.
-constexpr std::string_view requiredStems[] = {
-    "Hilite", "Template.NewNonMainClass", "Template.NewMainClass", "Template.NewDialog", "Template.FunctionBody",
-    "Template.DialogBody", "Template.DataViewDialog", "Template.TableDeclaration", "Template.DatabaseDialog"};
+constexpr std::string_view requiredStems[] = {"Hilite",
+                                              "Template.NewNonMainClass",
+                                              "Template.NewMainClass",
+                                              "Template.NewDialog",
+                                              "Template.FunctionBody",
+                                              "Template.DialogBody",
+                                              "Template.DataViewDialog",
+                                              "Template.TableDeclaration",
+                                              "Template.DatabaseDialog"};
 
 std::string indented(const std::string& lines) {
     std::string result;
@@ -97,7 +120,8 @@ void checkSettings(const std::string& ini) {
     const std::string backup = FILECHANGEEXT(ini, ".bak");
     const std::string missing = CHECKINIFILE(ini);
     if (missing.empty()) return;
-    const std::string backupLine = FileSize(backup) > 0 ? "(There is a backup INI file in '" + backup + "')" : "";
+    const std::string backupLine =
+        FileSize(backup) > 0 ? "(There is a backup INI file in '" + backup + "')" : "";
     Sound();
     const std::string answer =
         MsgBox("Error",
@@ -121,11 +145,12 @@ std::string CHECKINIFILE(const std::string& iniFile) {
         if (STRFIND("\n" + section + "\n", names) == 0) missing += section + "\n";
     };
     for (const std::string_view section : requiredSections) require(std::string(section));
-    for (const std::string_view stem : requiredStems) require(std::string(stem) + std::string(ClassExtension));
+    for (const std::string_view stem : requiredStems)
+        require(std::string(stem) + std::string(ClassExtension));
     return missing;
 }
 
-// ---- load --------------------------------------------------------------------------------------------------------
+// ---- load ----
 
 namespace {
 
@@ -149,17 +174,20 @@ void placeMainWindow(const std::string& ini) {
     }
     const bool honoured = numbers && n[0] >= -margin && n[0] <= screen.w - margin && n[1] >= -margin &&
                           n[1] <= screen.h - margin && n[2] > 0 && n[3] > 0;
-    SetPosition(Main, WINDOW_UNIT, honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{screen.x, screen.y, screen.w, 1});
+    SetPosition(Main, WINDOW_UNIT,
+                honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{screen.x, screen.y, screen.w, 1});
 }
 
-// At the first start the Code window takes the room below the main window and leaves the error window's at the bottom.
+// At the first start the Code window takes the room below the main window and leaves the error window's at
+// the bottom.
 void placeCodeWindow(const std::string& ini) {
     if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
     WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
     const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
     const int top = main.y + main.h;
     EDITWNDSETMAXSIZE(SDIEdit, Main);
-    SetPosition(SDIEdit, WINDOW_UNIT, Rect{screen.x, top, screen.w * 3 / 4, (screen.y + screen.h - top) * 3 / 4});
+    SetPosition(SDIEdit, WINDOW_UNIT,
+                Rect{screen.x, top, screen.w * 3 / 4, (screen.y + screen.h - top) * 3 / 4});
 }
 
 void showToolbarAsSet(const std::string& ini) {
@@ -168,11 +196,13 @@ void showToolbarAsSet(const std::string& ini) {
     DO_STD_TOOLBAR(Main, MAINCONTROL("codelabel"), item);
 }
 
-// ---- the Edit-Undo menu items: 50 handles kept as text, since the array shrinks when items are removed -------------
+// ---- the Edit-Undo menu items: 50 handles kept as text, since the array shrinks when items are removed ----
 
 constexpr int undoItems = 50;
 
-bool isMenuitem(const Object& item) { return STREQUAL(GetTypeof(item), "Menuitem"); }
+bool isMenuitem(const Object& item) {
+    return STREQUAL(GetTypeof(item), "Menuitem");
+}
 
 std::string handlesAsText(const int (&handles)[undoItems]) {
     std::string text;
@@ -187,7 +217,9 @@ void handlesFromText(const std::string& text, int (&handles)[undoItems]) {
     }
 }
 
-std::string undoHandleText() { return STRREPLACE(GetText(MAINCONTROL("edtmenuarray")), "\r\n", "\n"); }
+std::string undoHandleText() {
+    return STRREPLACE(GetText(MAINCONTROL("edtmenuarray")), "\r\n", "\n");
+}
 
 void noteUndoItems() {
     const Object store = MAINCONTROL("edtmenuarray");
@@ -207,11 +239,11 @@ void noteUndoItems() {
     SetText(store, handlesAsText(handles));
     int again[undoItems] = {};
     handlesFromText(undoHandleText(), again);
-    Assert(handlesAsText(again) == handlesAsText(handles), "aControls[] did not correctly convert into a string");
+    Assert(handlesAsText(again) == handlesAsText(handles),
+           "aControls[] did not correctly convert into a string");
     for (int i = 0; i < undoItems; i++) {
         const std::string place = "aControls[" + STR(i + 1) + "] ";
-        Assert(again[i] == handles[i],
-               place + "was not copied: " + STR(handles[i]) + " : " + STR(again[i]));
+        Assert(again[i] == handles[i], place + "was not copied: " + STR(handles[i]) + " : " + STR(again[i]));
         Assert(isMenuitem(FindHandle(again[i])), place + "is not a valid menuitem: " + STR(again[i]));
     }
 }
@@ -219,7 +251,8 @@ void noteUndoItems() {
 // The menu items that were noted must still be there whenever the menu is made anew.
 void checkUndoItems() {
     const std::string text = undoHandleText();
-    Assert(STRLINES(text) == undoItems, "aControls was setup wrongly under the Load event: " + STR(STRLINES(text)));
+    Assert(STRLINES(text) == undoItems,
+           "aControls was setup wrongly under the Load event: " + STR(STRLINES(text)));
     Assert(isMenuitem(MAINCONTROL("edit_undo_01")),
            "aControls[1] is invalid after being re-loaded from Main.edtMenuarray, type: " +
                GetTypeof(MAINCONTROL("edit_undo_01")));
@@ -291,7 +324,7 @@ void DO_LOAD() {
     STAMP();
 }
 
-// ---- unload --------------------------------------------------------------------------------------------------------
+// ---- unload ----
 
 void DO_UNLOAD() {
     FRAME(DO_UNLOAD);
@@ -305,7 +338,7 @@ void DO_UNLOAD() {
     STAMP();
 }
 
-// ---- bringing the window up to date ------------------------------------------------------------------------------
+// ---- bringing the window up to date ----
 
 bool ISSDIWINDOW(const Object& window) {
     FRAME(ISSDIWINDOW);
@@ -338,7 +371,8 @@ void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
     checkUndoItems();
     while (ControlBounds(menuArray).upper > 1) RemoveMenuitem(ControlElement(menuArray, 2));
     STAMP();
-    Assert(ControlBounds(menuArray).lower == 1 && ControlBounds(menuArray).upper == 1 && isMenuitem(menuArray));
+    Assert(ControlBounds(menuArray).lower == 1 && ControlBounds(menuArray).upper == 1 &&
+           isMenuitem(menuArray));
     STAMP();
     if (items.empty()) {
         SetCaption(menuArray, " ------ No backups ------ ");
@@ -362,7 +396,9 @@ void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
 
 namespace {
 
-void enable(std::string_view control, bool on) { SetEnabled(MAINCONTROL(control), on && HASHANDLER(control)); }
+void enable(std::string_view control, bool on) {
+    SetEnabled(MAINCONTROL(control), on && HASHANDLER(control));
+}
 
 void enableCommands(bool programIsClass, bool codeIsClass) {
     const Object program = MAINCONTROL("program_add_dialog");
@@ -402,7 +438,7 @@ void UPDATEMAINWINDOW() {
     STAMP();
 }
 
-// ---- events --------------------------------------------------------------------------------------------------------
+// ---- events ----
 
 namespace {
 
@@ -443,7 +479,7 @@ bool MAIN(const Object&, int event, const Object& control, int parameter) {
     return result;
 }
 
-// ---- the program -----------------------------------------------------------------------------------------------------
+// ---- the program ----
 
 void REGISTERWINDOWS() {
     FRAME(REGISTERWINDOWS);

@@ -40,16 +40,17 @@ void TOOL_ONERROR(std::int32_t code) {
     const Reporting report;
     if (!report.entered()) return;
     Sound();
-    MsgBox("Error",
-           ErrorMessage(code) + " (error " + STR(code) + ").\n" +
-               (tool ? "Cannot run external program."
-                     : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
-                       "compiler file path that you may write."),
-           "OK", BoxIcon::Error);
+    MsgBox(
+        "Error",
+        ErrorMessage(code) + " (error " + STR(code) + ").\n" +
+            (tool ? "Cannot run external program."
+                  : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
+                    "compiler file path that you may write."),
+        "OK", BoxIcon::Error);
     ContinueAfterError();
 }
 
-// ---- where things are ----------------------------------------------------------------------------------------
+// ---- where things are ----
 
 std::string GETAPPDIR() {
     FRAME(GETAPPDIR);
@@ -157,8 +158,8 @@ std::string GETCOMMANDLINEFILE() {
 
 namespace {
 
-// Where the compiler and the make tool are called: they write beside the name they are called by, so a user who may
-// not write beside the executable gets links to them in a folder of their own.
+// Where the compiler and the make tool are called: they write beside the name they are called by, so a user
+// who may not write beside the executable gets links to them in a folder of their own.
 std::string toolFolder(const std::string& app) {
     if (os::infoOf(app).writable) return app;
     const std::string folder = os::settingsFolder() + "tools/";
@@ -206,11 +207,12 @@ void SHOWHELP(const std::string& topic) {
     MULTIHELP(0, GETHELPFILE(), 257, topic);
 }
 
-// ---- the compiler's command line -----------------------------------------------------------------------------
+// ---- the compiler's command line ----
 
 namespace {
 
-// The product version in a Windows program's version block: the UTF-16 text behind the key, empty without one.
+// The product version in a Windows program's version block: the UTF-16 text behind the key, empty without
+// one.
 std::string productVersion(const std::string& file) {
     std::string bytes;
     if (os::readFile(file, bytes) != os::FileError::None) return {};
@@ -303,7 +305,7 @@ void REFRESHCOMMANDLINE() {
     SAVECOMMANDLINE(GETCOMPILEROPTIONS(), 0, true);
 }
 
-// ---- compile one class ---------------------------------------------------------------------------------------
+// ---- compile one class ----
 
 namespace {
 
@@ -312,7 +314,8 @@ std::string compileObstacle(const std::string& file) {
     const std::string compiler = GETCOMPILEREXE();
     if (FINDTOOL(compiler).empty())
         return "Cannot find the compiler. It should be in the following file:\n'" + compiler +
-               "'\n\nUse Tools-Options-Paths to make sure it is in the directory specified by the compiler file "
+               "'\n\nUse Tools-Options-Paths to make sure it is in the directory specified by the compiler "
+               "file "
                "path.\n";
     if (!ISCLASSFILE(file) || FileSize(file) < 1)
         return "Cannot compile '" + file +
@@ -369,10 +372,11 @@ void COMPILESINGLEFILE(const std::string& file, int windowMode) {
         MsgBox("Run-Compile", "Successfully compiled '" + file + "'", "OK", BoxIcon::Information);
         return;
     }
-    MsgBox("Run-Compile", "Cannot compile '" + file + "'\n\n" + LIMITLINES(run.failure), "OK", BoxIcon::Error);
+    MsgBox("Run-Compile", "Cannot compile '" + file + "'\n\n" + LIMITLINES(run.failure), "OK",
+           BoxIcon::Error);
 }
 
-// ---- the make tool's lists -----------------------------------------------------------------------------------
+// ---- the make tool's lists ----
 
 namespace {
 
@@ -399,7 +403,8 @@ DependencyList LOADDEPLIST(const std::string& file, const std::string& options, 
     DependencyList result;
     const std::string tool = GETORDOEXE();
     const std::string output = GETCOMPILERDIR() + "ordo.err";
-    const std::string line = options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -n -o\"" + output + "\"";
+    const std::string line =
+        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -n -o\"" + output + "\"";
     STAMP();
     FILEDELETE(output);
     result.error = dependencyObstacle(file, tool);

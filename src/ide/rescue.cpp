@@ -56,20 +56,24 @@ bool offerPair(const std::string& stem) {
     if (!whole) return false;
     const std::string answer = MsgBox(
         "Rescued Text",
-        "The environment was stopped by an error while the following file had unsaved changes:\n\n\t'" + file +
-            "'\n\nIts text was kept. Restore it as an unsaved change, delete it, or be asked again at the next start?",
+        "The environment was stopped by an error while the following file had unsaved changes:\n\n\t'" +
+            file +
+            "'\n\nIts text was kept. Restore it as an unsaved change, delete it, or be asked again at the "
+            "next start?",
         "&Restore\n&Delete\n&Later", BoxIcon::Question);
     if (answer == "&Delete") removePair(stem);
     return answer == "&Restore" && bringBack(file, text);
 }
 
-// A copy that a save left because it was interrupted while it wrote the file in place, or a text whose name was lost.
+// A copy that a save left because it was interrupted while it wrote the file in place, or a text whose name
+// was lost.
 bool offerCopy(const std::string& copy) {
-    const std::string answer = MsgBox("Rescued Text",
-                                      "A save was interrupted before it had finished. The whole text was kept in the "
-                                      "following file:\n\n\t'" +
-                                          copy + "'\n\nOpen it, delete it, or be asked again at the next start?",
-                                      "&Open\n&Delete\n&Later", BoxIcon::Question);
+    const std::string answer =
+        MsgBox("Rescued Text",
+               "A save was interrupted before it had finished. The whole text was kept in the "
+               "following file:\n\n\t'" +
+                   copy + "'\n\nOpen it, delete it, or be asked again at the next start?",
+               "&Open\n&Delete\n&Later", BoxIcon::Question);
     if (answer == "&Delete") os::files().remove(copy);
     if (answer == "&Open") EDITWNDOPEN(SDIEdit, copy, false, 0);
     return answer == "&Open";
@@ -94,8 +98,10 @@ bool OFFERRESCUEDTEXT() {
         if (shown) break;  // the others are offered at the next start: one text fits in the window
         const std::string stem = path.substr(0, path.size() - textEnd.size());
         const bool hasName = os::infoOf(stem + std::string(nameEnd)).exists;
-        if (path.ends_with(nameEnd)) shown = offerPair(stem);
-        else if (!path.ends_with(textEnd) || !hasName) shown = offerCopy(path);
+        if (path.ends_with(nameEnd))
+            shown = offerPair(stem);
+        else if (!path.ends_with(textEnd) || !hasName)
+            shown = offerCopy(path);
     }
     STAMP();
     return shown;
@@ -105,7 +111,8 @@ void DROPRESCUEDTEXT(const std::string& file) {
     FRAME(DROPRESCUEDTEXT);
     for (const std::string& path : rescuedFiles()) {
         std::string name;
-        const bool ofFile = path.ends_with(nameEnd) && os::readFile(path, name) == os::FileError::None && name == file;
+        const bool ofFile =
+            path.ends_with(nameEnd) && os::readFile(path, name) == os::FileError::None && name == file;
         if (ofFile) removePair(path.substr(0, path.size() - nameEnd.size()));
     }
 }

@@ -7,7 +7,8 @@
 
 namespace tarn {
 
-// Notes the debug settings for the program, adds the arguments of Run-Arguments and starts it without waiting.
+// Notes the debug settings for the program, adds the arguments of Run-Arguments and starts it without
+// waiting.
 void RUNEXEFILE(const std::string& exe, int trace, bool singleStep);
 
 }  // namespace tarn

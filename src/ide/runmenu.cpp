@@ -24,7 +24,7 @@ bool hasUnsavedClass() {
     return IsLoaded(SDIEdit) && GetModify(SDIEdit) && ISCLASSFILE(EDITWNDGETFILENAME(SDIEdit));
 }
 
-// ---- what may be built ---------------------------------------------------------------------------------------
+// ---- what may be built ----
 
 bool mayBuildUntitled(const std::string& title, std::string& file) {
     SAVEALL();
@@ -44,7 +44,7 @@ bool mayBuildOpenFile(const std::string& title) {
 bool mayBuildOtherFile(const std::string& title, const std::string& file) {
     if (FileSize(file) > 0) return true;
     MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
-                          "'\n\nis empty or does not exist.");
+                      "'\n\nis empty or does not exist.");
     return false;
 }
 
@@ -59,9 +59,10 @@ bool mayBuild(const std::string& title, std::string& file) {
 
 bool isMain(const std::string& title, const std::string& file) {
     if (ISMAINCLASS(file)) return true;
-    MSGBOX(title, "File '" + file + "' is not a main class.\n'" + title +
-                          "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
-                          "command.");
+    MSGBOX(title,
+           "File '" + file + "' is not a main class.\n'" + title +
+               "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
+               "command.");
     return false;
 }
 
@@ -69,8 +70,8 @@ bool hasMakeTool(const std::string& title) {
     const std::string tool = GETORDOEXE();
     if (!FINDTOOL(tool).empty()) return true;
     MSGBOX(title, "Cannot find the ORDO program. It should be in the following file:\n'" + tool +
-                          "'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\ncontains the "
-                          "ORDO.EXE program file.");
+                      "'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\ncontains the "
+                      "ORDO.EXE program file.");
     return false;
 }
 
@@ -80,28 +81,30 @@ std::string readIfThere(const std::string& file) {
     return text;
 }
 
-// Runs the make tool; false if it could not be started. What it could not say itself, because it was stopped or died,
-// is written where its messages would stand, so that the error window shows it.
+// Runs the make tool; false if it could not be started. What it could not say itself, because it was stopped
+// or died, is written where its messages would stand, so that the error window shows it.
 bool make(const std::string& options, const std::string& file) {
     const std::string folder = GETCOMPILERDIR(), tool = FINDTOOL(GETORDOEXE());
     const std::string errors = folder + "sarn.err", output = folder + "ordo.err";
     FILEDELETE(errors);
     FILEDELETE(output);
-    const ExecResult run =
-        EXEC(tool, options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + output + "\"", 0 + 1);
+    const ExecResult run = EXEC(
+        tool, options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + output + "\"", 0 + 1);
     if (!run.started) return false;
     std::string text = readIfThere(errors);
     if (run.code != 0 && text.empty()) text = readIfThere(output);
     const bool clean = text.empty() || STRFIND(NoErrors, text) != 0;
     const std::string fault = RUNFAULT(run, tool, !clean);
-    if (!fault.empty()) SAVEFILE(errors, fault + (clean ? "" : text));
-    else if (!clean && FileSize(errors) < 1) SAVEFILE(errors, text);
+    if (!fault.empty())
+        SAVEFILE(errors, fault + (clean ? "" : text));
+    else if (!clean && FileSize(errors) < 1)
+        SAVEFILE(errors, text);
     return true;
 }
 
 }  // namespace
 
-// ---- build -----------------------------------------------------------------------------------------------------
+// ---- build ----
 
 void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::string& file, bool& ok) {
     FRAME(RUN_BUILD);
@@ -139,8 +142,9 @@ void SHOWNOCLASSERROR(const std::string& title, const std::string& file) {
     const std::string first = "It is not possible to use the '" + title + "' command.\n";
     STAMP();
     MSGBOX(title, first + (file.empty() ? "There is no file to build or run."
-                                            : "'" + file + "' is not a class, it does not have the correct "
-                                                           "extension (*.cls)."));
+                                        : "'" + file +
+                                              "' is not a class, it does not have the correct "
+                                              "extension (*.cls)."));
 }
 
 namespace {
@@ -182,7 +186,7 @@ void RUN_COMPILE(const Object& window) {
         return MSGBOX(title, "There is no file to compile.\nUse File-Open to open a file first.");
     if (!SYMISCLASS(0, GetText(window), ProductWord, "CLASS"))
         return MSGBOX(title, "This file cannot be compiled because it is not a class.\nOpen a class then try "
-                                 "again.");
+                             "again.");
     STAMP();
     if (GetModify(window)) EDITWNDSAVE(window, false);
     STAMP();
@@ -190,13 +194,13 @@ void RUN_COMPILE(const Object& window) {
     const std::string file = EDITWNDGETFILENAME(window);
     if (!ISCLASSFILE(file))
         return MSGBOX(title, "The following class:\n\n'" + file +
-                                     "'\n\ncannot be compiled because it does not have the correct extension "
-                                     "(*.cls)\nSave the class with the extension '.cls' then recompile it.");
+                                 "'\n\ncannot be compiled because it does not have the correct extension "
+                                 "(*.cls)\nSave the class with the extension '.cls' then recompile it.");
     STAMP();
     COMPILESINGLEFILE(file, 1);
 }
 
-// ---- start -------------------------------------------------------------------------------------------------------
+// ---- start ----
 
 bool ISUPTODATE(const std::string& file) {
     FRAME(ISUPTODATE);
@@ -257,7 +261,7 @@ void DO_START_EXAMPLE(const std::string& file) {
     RUN_START("Run-Example program", file);
 }
 
-// ---- arguments -----------------------------------------------------------------------------------------------------
+// ---- arguments ----
 
 namespace {
 

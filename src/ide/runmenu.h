@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The Run menu: what is compiled, whether a program is current, and how it is started. The truth is in the files:
-// the make tool is asked each time.
+// The Run menu: what is compiled, whether a program is current, and how it is started. The truth is in the
+// files: the make tool is asked each time.
 #pragma once
 
 #include "kernel/windowing.h"

@@ -57,8 +57,10 @@ bool keyPressed(const Object& window, int key) {
 // Stores what every later start begins with; nothing is carried out now.
 void storeChoice(const Object& window) {
     int chosen = 0;
-    if (GetValue(FINDCONTROL(window, "rbnewtextfile")) == 1) chosen = 1;
-    else if (GetValue(FINDCONTROL(window, "rbnewprogram")) == 1) chosen = 2;
+    if (GetValue(FINDCONTROL(window, "rbnewtextfile")) == 1)
+        chosen = 1;
+    else if (GetValue(FINDCONTROL(window, "rbnewprogram")) == 1)
+        chosen = 2;
     for (int i = 0; i <= 3; i++)
         PROFILESTRPUT(GETIDEINIFILE(), "GenOptionsDlg", "rbStartup" + STR(i), i == chosen ? "1" : "0");
 }
@@ -98,8 +100,10 @@ void STARTUPDIALOG() {
     const bool store = GetValue(FINDCONTROL(StartupDlg, "checkbox1")) == 1;
     const int choice = Controlselectionpos(choices(StartupDlg, LastProgram));
     STAMP();
-    if (store) storeChoice(StartupDlg);
-    else carryOut(choice);
+    if (store)
+        storeChoice(StartupDlg);
+    else
+        carryOut(choice);
     STAMP();
     if (IsLoaded(StartupDlg)) Unload(StartupDlg);
     STAMP();

@@ -15,7 +15,8 @@
 namespace tarn {
 namespace {
 
-// A file that cannot be read or written is told in a box; the text stays where it was and the program goes on.
+// A file that cannot be read or written is told in a box; the text stays where it was and the program goes
+// on.
 void onerror(std::int32_t code) {
     if (code < 651 || code > 659) return DefaultErrorHandler(code);
     const Reporting report;
@@ -24,7 +25,7 @@ void onerror(std::int32_t code) {
     const std::string sentence =
         !failedSave.empty() ? failedSave
         : code == 651       ? "The file was not opened. Check that it exists and that you may read it."
-                            : "Nothing was written. Check that you may write to it and that the disk has room.";
+                      : "Nothing was written. Check that you may write to it and that the disk has room.";
     Sound();
     MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + sentence, "OK", BoxIcon::Error);
     ContinueAfterError();
@@ -37,14 +38,19 @@ MODULE("textedit", tarn::onerror)
 
 namespace tarn {
 
-// ---- flags -----------------------------------------------------------------------------------------------------
+// ---- flags ----
 
 namespace {
 
-constexpr std::pair<int, std::string_view> flagNames[] = {
-    {ALLOWOVERWRITE, "ALLOWOVERWRITE"}, {AUTOINDENT, "AUTOINDENT"}, {HILITE, "HILITE"},
-    {READONLY, "READONLY"},             {SELECTALL, "SELECTALL"},   {STATUSBAR, "STATUSBAR"},
-    {TABSHIFT, "TABSHIFT"},             {PRIVATE_MODIFY, "PRIVATE_MODIFY"}, {NUMBERBAR, "NUMBERBAR"}};
+constexpr std::pair<int, std::string_view> flagNames[] = {{ALLOWOVERWRITE, "ALLOWOVERWRITE"},
+                                                          {AUTOINDENT, "AUTOINDENT"},
+                                                          {HILITE, "HILITE"},
+                                                          {READONLY, "READONLY"},
+                                                          {SELECTALL, "SELECTALL"},
+                                                          {STATUSBAR, "STATUSBAR"},
+                                                          {TABSHIFT, "TABSHIFT"},
+                                                          {PRIVATE_MODIFY, "PRIVATE_MODIFY"},
+                                                          {NUMBERBAR, "NUMBERBAR"}};
 
 void setFlag(const Object& window, int flag, bool on) {
     const int flags = GetFlags(window);
@@ -116,7 +122,7 @@ void EDITWNDSETTOKENS(const Object& window, int level) {
     SetTokens(window, tokens);
 }
 
-// ---- name, size and marks ----------------------------------------------------------------------------------------
+// ---- name, size and marks ----
 
 std::string EDITWNDGETFILENAME(const Object& window) {
     FRAME(EDITWNDGETFILENAME);
@@ -149,7 +155,8 @@ void DRAWMODIFYINDICATOR(const Object& window) {
     const bool modified = GetModify(window);
     STAMP();
     if (modified && !marked) SetCaption(window, caption + " *");
-    if (!modified && marked) SetCaption(window, STRTRIM(std::string_view(caption).substr(0, caption.size() - 1)));
+    if (!modified && marked)
+        SetCaption(window, STRTRIM(std::string_view(caption).substr(0, caption.size() - 1)));
 }
 
 void INITFILE(const Object& window) {
@@ -163,7 +170,7 @@ void INITFILE(const Object& window) {
     SETMODIFYPRIVATE(window, false);
 }
 
-// ---- open --------------------------------------------------------------------------------------------------------
+// ---- open ----
 
 namespace {
 
@@ -197,8 +204,8 @@ void markLine(const Object& window, const LineSpan& span) {
 void showLine(const Object& window, const std::string& file, int line) {
     const LineSpan span = findLine(GetText(window), line);
     if (span.start != 0) return markLine(window, span);
-    MSGBOX("File-Open", "File: " + file + "\nCannot hilight line " + STR(line) + ".\nThere are " + STR(span.count) +
-                            " line(s) in the file.");
+    MSGBOX("File-Open", "File: " + file + "\nCannot hilight line " + STR(line) + ".\nThere are " +
+                            STR(span.count) + " line(s) in the file.");
 }
 
 // Puts the file into the empty window; false if it cannot be read, which leaves the window empty.
@@ -236,8 +243,8 @@ void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int
     STAMP();
     const int most = EDITWNDGETMAXLENGTH(window);
     if (FileSize(file) > most) {
-        MSGBOX("File-Open", "The following file is too big to be loaded:\n\n\t" + file + "\n\nThe maximum size is " +
-                                STR(most) + " bytes.");
+        MSGBOX("File-Open", "The following file is too big to be loaded:\n\n\t" + file +
+                                "\n\nThe maximum size is " + STR(most) + " bytes.");
         return;
     }
     STAMP();
@@ -266,7 +273,7 @@ void EDITWNDNEW(const Object& window, const std::string& text) {
     DRAWMODIFYINDICATOR(window);
 }
 
-// ---- save and close ------------------------------------------------------------------------------------------------
+// ---- save and close ----
 
 namespace {
 
@@ -291,8 +298,8 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
     if (className.empty() || STREQUAL(className, base)) return true;
     const int answer = MsgBoxEx("Save File",
-                                "The classname '" + className + "' does not match the file being saved (" + base +
-                                    ".cls).\nDo you want the classname to be changed to match?",
+                                "The classname '" + className + "' does not match the file being saved (" +
+                                    base + ".cls).\nDo you want the classname to be changed to match?",
                                 3 + 32);
     if (answer == 7) return true;
     if (answer != 6) return false;
@@ -352,10 +359,10 @@ void EDITWNDCLOSE(const Object& window, bool hide) {
     if (!IsLoaded(window)) return;
     bool discard = false;
     if (GetModify(window)) {
-        const std::string answer = MsgBox("Save Changes?",
-                                          EDITWNDGETFILENAME(window) +
-                                              "\nThis file has been changed. Do you want to save the changes?",
-                                          "&Yes\n&No\n&Cancel", BoxIcon::Question);
+        const std::string answer = MsgBox(
+            "Save Changes?",
+            EDITWNDGETFILENAME(window) + "\nThis file has been changed. Do you want to save the changes?",
+            "&Yes\n&No\n&Cancel", BoxIcon::Question);
         STAMP();
         if (answer == "&Yes") EDITWNDSAVE(window, false);
         discard = answer == "&No";
@@ -368,7 +375,7 @@ void EDITWNDCLOSE(const Object& window, bool hide) {
     INITFILE(window);
 }
 
-// ---- selection -------------------------------------------------------------------------------------------------------
+// ---- selection ----
 
 void EDITWNDSELECTLINES(const Object& window) {
     FRAME(EDITWNDSELECTLINES);
@@ -422,7 +429,7 @@ void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow) {
                                 screen.h - below - (frame.h - client.h)});
 }
 
-// ---- recent files ------------------------------------------------------------------------------------------------------
+// ---- recent files ----
 
 void LOADMRULIST(const std::string& iniFile, const std::string& section, int count, const Object& firstItem) {
     FRAME(LOADMRULIST);
@@ -468,7 +475,7 @@ void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const
     STAMP();
 }
 
-// ---- file information --------------------------------------------------------------------------------------------------
+// ---- file information ----
 
 namespace {
 
@@ -486,7 +493,9 @@ void fillFileInfo(const Object& dialog) {
     const std::pair<std::string_view, std::string> values[] = {
         {"label2", file},
         {"label4", className},
-        {"label6", className.empty() ? "" : isMain ? "Main class" : "Non-main class"},
+        {"label6", className.empty() ? ""
+                   : isMain          ? "Main class"
+                                     : "Non-main class"},
         {"label8", sizeText(text)},
         {"label10", time.empty() ? "(not saved)" : time},
         {"label12", STR(GetModify(SDIEdit) ? 1 : 0)},
@@ -519,7 +528,7 @@ void FILEINFODIALOG() {
     Show(FileInfoDlg, true);
 }
 
-// ---- the window's events -------------------------------------------------------------------------------------------------
+// ---- the window's events ----
 
 namespace {
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The Code window: one top-level edit window that shows one file at a time. Its caption is the document's name:
+// The Code window: one top-level edit window that shows one file at a time. Its caption is the document's
+// name:
 // "" no file, "<untitled>" a new one, else a full path, with " *" behind it while the text is changed.
-// A file's bytes reach the disk again as they came unless they were edited; a save that fails leaves the old file
-// whole and the text in the window.
+// A file's bytes reach the disk again as they came unless they were edited; a save that fails leaves the old
+// file whole and the text in the window.
 #pragma once
 
 #include "kernel/windowing.h"
@@ -15,8 +16,8 @@ namespace tarn {
 bool SDIEDIT(const Object& window, int event, const Object& control, int parameter);
 
 void EDITWNDNEW(const Object& window, const std::string& text);
-// Loads and shows; selects `line` unless it is 0. `reload`: a changed copy of the same file is asked about and read
-// again.
+// Loads and shows; selects `line` unless it is 0. `reload`: a changed copy of the same file is asked about
+// and read again.
 void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int line);
 void EDITWNDSAVE(const Object& window, bool saveAs);
 // Asks about changes and empties the window. A window that still has a name afterwards was kept by the user.

@@ -14,7 +14,8 @@ MODULE("textview", tarn::TOOL_ONERROR)
 namespace tarn {
 namespace {
 
-// The folder of the Code window's class is searched first, then that of the main file, then the inherited paths.
+// The folder of the Code window's class is searched first, then that of the main file, then the inherited
+// paths.
 std::string searchPath() {
     std::string paths = GETINHERITEDPATHS();
     for (const std::string& file : {COMPILERGETMAINFILE(), EDITWNDGETFILENAME(SDIEdit)}) {
@@ -42,11 +43,12 @@ Message messageAtCursor(const Object& window) {
 void jumpToSource(const Object& window) {
     const Message message = messageAtCursor(window);
     if (message.file.empty() || message.line == 0)
-        return MSGBOX("View Errors", "Cannot jump to source code.\nThe file name and line number of the source file "
-                                     "cannot be found.");
+        return MSGBOX("View Errors",
+                      "Cannot jump to source code.\nThe file name and line number of the source file "
+                      "cannot be found.");
     if (FileSize(message.file) < 0)
-        return MSGBOX("View Errors", "Cannot jump to source code. The following source file:\n\n\t'" + message.file +
-                                         "'\n\ndoes not exist.");
+        return MSGBOX("View Errors", "Cannot jump to source code. The following source file:\n\n\t'" +
+                                         message.file + "'\n\ndoes not exist.");
     EDITWNDOPEN(SDIEdit, message.file, false, message.line);
     Show(window, false);  // stays above the editor
     SetCaption(MAINCONTROL("codelabel"), EDITWNDGETFILENAME(SDIEdit));

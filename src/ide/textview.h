@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The error window: the compiler's messages as plain text. A double click or Return on a message opens the source
-// at its line; F1 opens help on its number.
+// The error window: the compiler's messages as plain text. A double click or Return on a message opens the
+// source at its line; F1 opens help on its number.
 #pragma once
 
 #include "kernel/windowing.h"

@@ -91,7 +91,7 @@ struct Heap {
 };
 Heap heap;
 
-// ---- the range ----------------------------------------------------------------------------------
+// ---- the range ----
 
 bool reserve() {
     for (std::uint64_t bytes = largestReserve; bytes >= smallestReserve; bytes /= 2) {
@@ -121,7 +121,7 @@ Offset extend(std::int32_t bytes) {
     return block;
 }
 
-// ---- raw blocks ---------------------------------------------------------------------------------
+// ---- raw blocks ----
 
 // Tells the address sanitizer which bytes of a block of class `index` may be touched.
 void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_unused]] std::int32_t bytes) {
@@ -200,7 +200,7 @@ void giveRaw(Offset block, std::int32_t bytes) {
     pushFree(block, index);
 }
 
-// ---- guarded blocks -----------------------------------------------------------------------------
+// ---- guarded blocks ----
 
 using Guard = std::array<char, 4>;
 constexpr Guard headGuard{'L', 'M', 'L', 'M'}, edgeGuard{'<', '>', '<', '>'};
@@ -303,7 +303,7 @@ std::int32_t plausible(Offset block, std::int32_t size) {
     return ERR_NONE;
 }
 
-// ---- requests -----------------------------------------------------------------------------------
+// ---- requests ----
 
 bool sizeAllowed(std::int32_t size) {
     if (size >= 1 && size <= MaxBlock) [[likely]]

@@ -22,12 +22,14 @@ struct ProcessOptions {
 // tests (805) and keeps the command line. ProcessStart(bool) is this with the lock.
 void ProcessStart(const ProcessOptions& options);
 
-// The name of the lock: the executable's file name without folder and extension, the ASCII letters upper-cased.
+// The name of the lock: the executable's file name without folder and extension, the ASCII letters
+// upper-cased.
 std::string InstanceName();
-std::string InstanceNameOf(std::string path);  // the same for any executable; a leading dot begins no extension
+std::string
+InstanceNameOf(std::string path);  // the same for any executable; a leading dot begins no extension
 
-// The arguments of the program, separated by blanks; those that are empty or hold blanks, tabs or line ends stand
-// in double quotes, so that the text can be split again.
+// The arguments of the program, separated by blanks; those that are empty or hold blanks, tabs or line ends
+// stand in double quotes, so that the text can be split again.
 std::string JoinedArguments();
 // The same as it was at ProcessStart; empty outside ProcessStart to ProcessStop.
 std::string_view CommandLineText();

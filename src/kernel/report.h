@@ -46,8 +46,8 @@ void EndReport();
 // The text cut to what a report holds, 1024 characters.
 std::string CutReport(std::string text);
 
-// The stop of the debugger, which a stamp calls while there is a debugger window; null until a debugger has put
-// itself there, and a stamp then does as without a window. `force` stops in any case; without it the call
+// The stop of the debugger, which a stamp calls while there is a debugger window; null until a debugger has
+// put itself there, and a stamp then does as without a window. `force` stops in any case; without it the call
 // returns at once unless a breakpoint or a step asks for a stop.
 using DebuggerStop = void (*)(bool force);
 extern DebuggerStop DebugStop;

@@ -2,9 +2,10 @@
 //
 // Call frames, line stamps and run-time errors: what every function of every module stands on.
 //
-// There is no unwinding. A failing operation sets the error cell if it is 0 and returns a harmless value; the next
-// stamp reports. A module file opens with MODULE("filemenu"); each of its functions opens with FRAME(DO_OPEN);
-// STAMP(); stands before each statement whose calls can set the cell, and at the head of loops.
+// There is no unwinding. A failing operation sets the error cell if it is 0 and returns a harmless value; the
+// next stamp reports. A module file opens with MODULE("filemenu"); each of its functions opens with
+// FRAME(DO_OPEN); STAMP(); stands before each statement whose calls can set the cell, and at the head of
+// loops.
 //
 // Cost: a stamp is two tests and one store; entering and leaving a function copies one fixed-size record.
 #pragma once
@@ -22,13 +23,15 @@ extern void* tarn_debugger_window;      // null: no debugger is attached
 
 namespace tarn {
 
-// ---- errors -------------------------------------------------------------------------------------------------
+// ---- errors ----
 
 // Sets the error cell unless an earlier error is pending.
 inline void SetError(std::int32_t code) {
     if (tarn_error_cell == 0) tarn_error_cell = code;
 }
-inline std::int32_t ErrorCell() { return tarn_error_cell; }
+inline std::int32_t ErrorCell() {
+    return tarn_error_cell;
+}
 std::int32_t LastError();
 void ClearError();                            // error cell and last error := 0
 std::string ErrorMessage(std::int32_t code);  // the text of a code; see errors.h for the names of the codes
@@ -39,7 +42,7 @@ void Precondition(bool condition);                   // 684
 void Postcondition(bool condition);                  // 685
 std::string AssertText();
 
-// ---- frames and stamps ----------------------------------------------------------------------------------------
+// ---- frames and stamps ----
 
 void FunctionEnter(const char* className, const char* functionName, std::int32_t line);
 void FunctionLeave();
@@ -50,8 +53,8 @@ std::int32_t FrameCount();
 // What a module's `onerror` gets; DefaultErrorHandler is the frame of each such handler.
 using ErrorHandler = void (*)(std::int32_t code);
 void DefaultErrorHandler(std::int32_t code);
-// Marks a report as going on. `entered()` is false when one goes on already: return at once then. (report.h has the
-// same mark as a pair of functions, for handlers in C, where no destructor ends it.)
+// Marks a report as going on. `entered()` is false when one goes on already: return at once then. (report.h
+// has the same mark as a pair of functions, for handlers in C, where no destructor ends it.)
 class Reporting {
 public:
     Reporting();
@@ -93,20 +96,20 @@ public:
     Frame& operator=(const Frame&) = delete;
 };
 
-#define MODULE(...)                                                                                                  \
-    namespace {                                                                                                      \
-    constexpr ::tarn::ModuleInfo thisModule{__VA_ARGS__};                                                            \
+#define MODULE(...)                                                                                          \
+    namespace {                                                                                              \
+    constexpr ::tarn::ModuleInfo thisModule{__VA_ARGS__};                                                    \
     }
 #define FRAME(function) const ::tarn::Frame frameOfThisFunction(thisModule, #function, __LINE__)
 #define STAMP() ::tarn::Stamp(__LINE__, thisModule.action, thisModule.onerror)
 
-// ---- trace ----------------------------------------------------------------------------------------------------
+// ---- trace ----
 
-void Trace(std::string_view text);  // one line, to where the trace mode says; never fails
+void Trace(std::string_view text);     // one line, to where the trace mode says; never fails
 void SetTraceMode(std::int32_t mode);  // 0 off, 1 debug output, 2 the trace file; other values are ignored
 std::int32_t GetTraceMode();
 
-// ---- process --------------------------------------------------------------------------------------------------
+// ---- process ----
 
 void ProcessStart(bool memoryChecking);
 void ProcessStop();  // does not return
@@ -119,7 +122,8 @@ void RunProtected(void (*program)());
 using RescueHook = void (*)();
 void SetRescueHook(RescueHook hook);
 
-// 0 no frames, 1 frames, 2 frames and the debugger (falls back to 1 while the main source is missing or empty).
+// 0 no frames, 1 frames, 2 frames and the debugger (falls back to 1 while the main source is missing or
+// empty).
 void DebugStart(std::int32_t mode, std::string_view product, std::string_view version, std::string_view build,
                 std::string_view mainSource);
 void DebugEnd();

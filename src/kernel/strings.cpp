@@ -110,7 +110,7 @@ bool liesIn(const Text& text, const StringDescriptor& s) {
     return s.data != 0 && text.bytes >= At(s.data) && text.bytes < At(s.data) + s.size;
 }
 
-// ---- assignment ---------------------------------------------------------------------------------
+// ---- assignment ----
 
 void assignFixed(StringDescriptor& dest, const Text& text) {
     const std::int32_t count = std::min(text.count, capacityOf(dest));
@@ -145,7 +145,7 @@ void assign(StringDescriptor& dest, const Text& text) {
     takeBlock(dest, block, size, text.count);
 }
 
-// ---- joining ------------------------------------------------------------------------------------
+// ---- joining ----
 
 // Both texts go straight to their places, in the order that does not overwrite what is still to be read.
 void concatFixed(StringDescriptor& dest, Text a, const Text& b) {
@@ -230,7 +230,7 @@ std::string_view shortText(const unsigned char* text) {
     return {reinterpret_cast<const char*>(text) + 1, static_cast<std::size_t>(text[0])};
 }
 
-// ---- comparing ----------------------------------------------------------------------------------
+// ---- comparing ----
 
 std::int32_t fold(std::int32_t c) {
     return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c;
@@ -293,7 +293,7 @@ std::string readBuffer(const char* src, std::int32_t characters, std::size_t ste
 
 }  // namespace
 
-// ---- life ---------------------------------------------------------------------------------------
+// ---- life ----
 
 void StringInit(StringDescriptor* s, std::int32_t maxlength) {
     if (s == nullptr) {
@@ -316,7 +316,7 @@ void StringFree(StringDescriptor* s) {
     *s = {};
 }
 
-// ---- assignment ---------------------------------------------------------------------------------
+// ---- assignment ----
 
 void StringAssign(StringDescriptor* dest, const StringDescriptor* src) {
     if (accept(dest, src)) assign(*dest, textOf(src));
@@ -368,7 +368,7 @@ void StringToShort(unsigned char* buffer, std::int32_t limit, const StringDescri
     buffer[0] = static_cast<unsigned char>(count);
 }
 
-// ---- joining ------------------------------------------------------------------------------------
+// ---- joining ----
 
 void StringConcat(const StringDescriptor* a, const StringDescriptor* b, StringDescriptor* dest) {
     if (accept(a, b, dest)) concat(textOf(a), textOf(b), *dest);
@@ -440,7 +440,7 @@ void StringTerminate(StringDescriptor* s) {
     storeCharacter(At(s->data) + bytesOf(s->length), 0);
 }
 
-// ---- looking ------------------------------------------------------------------------------------
+// ---- looking ----
 
 void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ignoreCase,
                    std::int32_t& result) {

@@ -62,7 +62,7 @@ struct StringDescriptor {
 };
 static_assert(sizeof(StringDescriptor) == 24);
 
-// ---- life ---------------------------------------------------------------------------------------
+// ---- life ----
 
 // `s` need not hold anything valid. A fixed capacity is allocated at once: 821 for 0, 804 and 802 as
 // Allocate.
@@ -70,7 +70,7 @@ void StringInit(StringDescriptor* s, std::int32_t maxlength);
 // Frees the block and zeroes the descriptor. A zeroed one stays as it is.
 void StringFree(StringDescriptor* s);
 
-// ---- assignment ---------------------------------------------------------------------------------
+// ---- assignment ----
 
 void StringAssign(StringDescriptor* dest, const StringDescriptor* src);
 void StringAssignText(StringDescriptor* dest, const char* text);            // NUL-ended
@@ -88,7 +88,7 @@ void StringClear(StringDescriptor* s);  // length := 0; the block stays until th
 void StringToText(char* buffer, std::int32_t limit, const StringDescriptor* src);
 void StringToShort(unsigned char* buffer, std::int32_t limit, const StringDescriptor* src);  // at most 255
 
-// ---- joining ------------------------------------------------------------------------------------
+// ---- joining ----
 
 // dest := a + b, for every pair of texts.
 void StringConcat(const StringDescriptor* a, const StringDescriptor* b, StringDescriptor* dest);
@@ -112,7 +112,7 @@ void StringDelete(StringDescriptor* s, std::int32_t position, std::int32_t count
 // string, or an unbounded one as large as a block can be, gets it in place of its last character.
 void StringTerminate(StringDescriptor* s);
 
-// ---- looking ------------------------------------------------------------------------------------
+// ---- looking ----
 
 // -1, 0 or 1 by unsigned characters; `ignoreCase` folds A to Z only.
 void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ignoreCase,
@@ -133,7 +133,7 @@ std::int32_t StringMaxLength(const StringDescriptor* s);  // likewise
 // The stored bytes (CharacterWidth for each character); valid until the string changes.
 std::string_view StringView(const StringDescriptor* s);
 
-// ---- the owning type of the modules -------------------------------------------------------------
+// ---- the owning type of the modules ----
 
 // A string that is freed when it leaves its scope.
 class String {

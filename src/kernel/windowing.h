@@ -16,8 +16,8 @@ using platform::Object;
 using platform::Rect;
 using platform::Selection;
 using platform::Type;
-using platform::constants::Unit;
 using platform::WindowFunction;
+using platform::constants::Unit;
 using namespace platform::constants;
 
 namespace detail {
@@ -29,7 +29,7 @@ T take(platform::Answer<T> answer) {
     check(answer.code);
     return std::move(answer.value);
 }
-} // namespace detail
+}  // namespace detail
 
 inline void Load(const Object& window) {
     detail::check(platform::Load(window));
@@ -305,4 +305,4 @@ inline std::string Load(const Object& window, const std::string& resourceFile, c
     return platform::Load(window, resourceFile, name);
 }
 
-} // namespace tarn
+}  // namespace tarn

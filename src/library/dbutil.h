@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-// `position` at least 1: the message at that character; below 1: all messages, a line each. A message reads as
-// "file" line number; "- 0 0" if there is none. A file without drive and folder is looked up in
+// `position` at least 1: the message at that character; below 1: all messages, a line each. A message reads
+// as "file" line number; "- 0 0" if there is none. A file without drive and folder is looked up in
 // `searchPaths`.
 std::string FILEGETERROR(std::string_view text, int position, std::string_view searchPaths);
 

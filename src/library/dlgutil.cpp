@@ -9,7 +9,8 @@ MODULE("dlgutil")
 
 namespace tarn {
 
-int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog, const std::string& control) {
+int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog,
+                        const std::string& control) {
     FRAME(GETVISUALOBJECTINFO);
     if (resourceFile.empty() || dialog.empty() || control.empty()) return 0;
     const std::string lines = ResourceInfo(resourceFile, "Controls", dialog).text;
@@ -23,7 +24,8 @@ int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dial
     return 0;
 }
 
-OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption, const std::string& control) {
+OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption,
+                              const std::string& control) {
     FRAME(FINDOTHERCONTROL);
     OtherControl found;
     found.windowClass = WindowClassName("Dialog");

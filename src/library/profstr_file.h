@@ -2,10 +2,10 @@
 //
 // How the parts of the module profstr read and write a whole settings file.
 //
-// A file of settings that cannot be read or written must not end a program, nor cost what it holds: the failure is
-// told by the module's own handler, behind the read or write itself, and the program goes on. An error that was
-// pending before stays the caller's. The box comes once for a file and a code until that file is read, or written,
-// again: a start that writes ten settings into a read-only file tells it once.
+// A file of settings that cannot be read or written must not end a program, nor cost what it holds: the
+// failure is told by the module's own handler, behind the read or write itself, and the program goes on. An
+// error that was pending before stays the caller's. The box comes once for a file and a code until that file
+// is read, or written, again: a start that writes ten settings into a read-only file tells it once.
 #pragma once
 
 #include <cstdint>

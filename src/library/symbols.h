@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Class text read and changed by light token scanning. `mode` 1: the source is a file's name; 0: it is the text.
-// Errors are texts, empty on success; on an error the source is unchanged.
+// Class text read and changed by light token scanning. `mode` 1: the source is a file's name; 0: it is the
+// text. Errors are texts, empty on success; on an error the source is unchanged.
 #pragma once
 
 #include <string>
@@ -24,7 +24,8 @@ bool ISDECLARATIONSYMBOL(std::string_view word);  // a word in upper case
 std::string SYMSCANSOURCE(const std::string& source, int flags);
 bool ISMAINCLASS(const std::string& file);  // extension ".cls" and a function main()
 
-// The token string that colours a file of an extension (with or without its dot), made from the settings file.
+// The token string that colours a file of an extension (with or without its dot), made from the settings
+// file.
 std::string MAKETOKENSTR(const std::string& iniFile, std::string_view extension);
 std::string GETHILITELIST(const std::string& iniFile, std::string_view section, std::string_view settingKey,
                           std::string_view listKey);

@@ -14,14 +14,15 @@
 namespace tarn {
 
 // ---- strings ----
-int STRFIND(std::string_view what, std::string_view text, int from = 1, bool ignoreCase = true);  // 0: not found
+int STRFIND(std::string_view what, std::string_view text, int from = 1,
+            bool ignoreCase = true);  // 0: not found
 std::string STRLEFT(std::string_view text, int count);
 std::string STRRIGHT(std::string_view text, int count);
-std::string STRTRIM(std::string_view text);    // blanks, tabs, CR, LF on both sides
+std::string STRTRIM(std::string_view text);  // blanks, tabs, CR, LF on both sides
 std::string STRLTRIM(std::string_view text);
 std::string STRRTRIM(std::string_view text);
 std::string STRRTRIMCRLF(std::string_view text);
-std::string STRLOWER(std::string_view text);   // ASCII letters
+std::string STRLOWER(std::string_view text);  // ASCII letters
 std::string STRUPPER(std::string_view text);
 bool STREQUAL(std::string_view a, std::string_view b);  // without regard to case
 int STRLINES(std::string_view text);                    // the number of newlines
@@ -29,7 +30,8 @@ std::string STRLINE(std::string_view text, int n);      // line n without its li
 std::string STRNL2CRNL(std::string_view text);
 std::string STRADDQUOTES(std::string_view text);
 std::string STRREMOVEQUOTES(std::string_view text);
-std::string STRREPLACE(std::string_view text, std::string_view what, std::string_view with, bool ignoreCase = true);
+std::string STRREPLACE(std::string_view text, std::string_view what, std::string_view with,
+                       bool ignoreCase = true);
 std::string STRMAKE(int count, int character);
 std::string STRNAMECASE(std::string_view text);
 // More than 40 lines are cut to 39 and "...(more)...".
@@ -49,19 +51,19 @@ struct PathParts {
 };
 PathParts SPLITPATH(std::string_view path);
 std::string FILEGETDRIVE(std::string_view path);
-std::string FILEGETDIR(std::string_view path);   // drive and directory, with its last separator
+std::string FILEGETDIR(std::string_view path);    // drive and directory, with its last separator
 std::string FILEGETFNAME(std::string_view path);  // name and extension
 std::string FILEGETEXT(std::string_view path);    // with its dot
 std::string FILEBASENAME(std::string_view path);  // name without folder and extension
 std::string FILECHANGEEXT(std::string_view path, std::string_view extension);
 bool DIRCHK(std::string_view path);
 bool FILECHK(std::string_view path);
-bool ISROOTED(std::string_view path);             // has a drive or begins with a separator
-std::int64_t FileSize(const std::string& path);   // -1 if it does not exist
-std::string FILETIME(const std::string& path);    // "YYYY-MM-DD hh:mm:ss", empty if it does not exist
-// Names in `directory` (which they begin with) of the form stem, number, extension, digits at the end of the stem and
-// the case of letters aside: the one with the highest number there is (stem and extension if there is none), and the
-// next, counting from 1. The extension may stand without its dot.
+bool ISROOTED(std::string_view path);            // has a drive or begins with a separator
+std::int64_t FileSize(const std::string& path);  // -1 if it does not exist
+std::string FILETIME(const std::string& path);   // "YYYY-MM-DD hh:mm:ss", empty if it does not exist
+// Names in `directory` (which they begin with) of the form stem, number, extension, digits at the end of the
+// stem and the case of letters aside: the one with the highest number there is (stem and extension if there
+// is none), and the next, counting from 1. The extension may stand without its dot.
 struct TempNames {
     std::string last, next;
 };
@@ -80,27 +82,29 @@ std::string FILESUBSTITUTENAME(std::string_view line, std::string_view mark, std
 // Whole files as text. A failure sets 651 to 654 or 657 and `false`; SAVEFILE keeps the old contents then.
 bool LOADFILE(const std::string& file, std::string& text);
 bool SAVEFILE(const std::string& file, std::string_view text);
-// What a failed SAVEFILE says to the user: what went wrong and where the text is safe. Empty unless the last of
-// all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
+// What a failed SAVEFILE says to the user: what went wrong and where the text is safe. Empty unless the last
+// of all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
 std::string SAVEFILEREPORT();
 void FILEDELETE(const std::string& file);  // one that does not exist is no error
-// Copies bytes, time and, where it can, permissions; both must be full paths (FILECHK). A destination without a
-// folder lies beside the source, on its drive; one that ends with a separator gets the source's name. With `confirm`
-// the user is asked before a file is replaced. False when nothing was copied (659 if the copy has another size); a copy onto itself is true.
+// Copies bytes, time and, where it can, permissions; both must be full paths (FILECHK). A destination without
+// a folder lies beside the source, on its drive; one that ends with a separator gets the source's name. With
+// `confirm` the user is asked before a file is replaced. False when nothing was copied (659 if the copy has
+// another size); a copy onto itself is true.
 bool FILECOPY(const std::string& source, const std::string& dest, bool confirm);
 
 // ---- programs ----
-// Runs a program. `mode`: low four bits the window state; then 0 disable the windows and wait, 32 wait with the
-// windows enabled, 16 wait at most 5000 ms. Failures set 901 to 909. A tool that is waited for can be stopped by the
-// user; one that dies by a signal counts as failed: its code is then 128 + the signal. One that cannot even be forced to
-// end counts as killed. " > file" behind the arguments
-// sends the output there. A program without a folder is sought on PATH.
+// Runs a program. `mode`: low four bits the window state; then 0 disable the windows and wait, 32 wait with
+// the windows enabled, 16 wait at most 5000 ms. Failures set 901 to 909. A tool that is waited for can be
+// stopped by the user; one that dies by a signal counts as failed: its code is then 128 + the signal. One
+// that cannot even be forced to end counts as killed. " > file" behind the arguments sends the output there.
+// A program without a folder is sought on PATH.
 struct ExecResult {
     bool started = false, stopped = false;  // stopped: by the user
     int code = 0, signal = 0;
 };
 // It starts in `folder`; an empty one is the current folder.
-ExecResult EXEC(const std::string& program, const std::string& arguments, int mode, const std::string& folder = {});
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode,
+                const std::string& folder = {});
 // An argument line split as the tools read it: blanks separate, double quotes enclose.
 std::vector<std::string> SPLITARGUMENTS(std::string_view line);
 // The file to start for a tool's name: `x.exe`, else `x` beside it; empty if neither is there with content.
@@ -109,8 +113,8 @@ std::string FINDTOOL(const std::string& path);
 // ---- words ----
 bool ISRESERVEDWORD(std::string_view word);
 bool ISFUTURERESERVEDWORD(std::string_view word);
-// The token reader that all text-form parsers share; `position` is 1-based and ends behind the token. Empty at the end
-// of the text, and where no token stands: `position` then stays at that character.
+// The token reader that all text-form parsers share; `position` is 1-based and ends behind the token. Empty
+// at the end of the text, and where no token stands: `position` then stays at that character.
 std::string NextWord(std::string_view text, std::size_t& position);
 
 // ---- windows ----

@@ -107,7 +107,8 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
 }
 
 // Null, with the error cell set, if the program cannot be started.
-std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments, const std::string& folder) {
+std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments,
+                                 const std::string& folder) {
     CommandLine command = parseCommandLine(arguments);
     if (!isProgramName(program) || holdsNul(command.arguments)) {
         SetError(ERR_EXEC_COMMAND_LINE);
@@ -137,7 +138,8 @@ std::unique_ptr<os::Child> start(const std::string& program, const std::string& 
 void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, os::ExitState& state) {
     bool shown = false;
     state = child.poll();
-    for (int waited = 0; !state.ended; waited = std::min(waited + 2 * SliceMilliseconds, ProgressMilliseconds)) {
+    for (int waited = 0; !state.ended;
+         waited = std::min(waited + 2 * SliceMilliseconds, ProgressMilliseconds)) {
         if (!shown && waited >= ProgressMilliseconds) {
             ShowToolProgress("Running " + name);
             shown = true;
@@ -194,7 +196,8 @@ std::string FINDTOOL(const std::string& path) {
     return !FILEBASENAME(bare).empty() && hasContent(bare) ? bare : std::string();
 }
 
-ExecResult EXEC(const std::string& program, const std::string& arguments, int mode, const std::string& folder) {
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode,
+                const std::string& folder) {
     FRAME(EXEC);
     ExecResult result;
     STAMP();

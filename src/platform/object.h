@@ -2,9 +2,9 @@
 //
 // Names of windows and controls, and the constants of events, keys and types.
 //
-// A window is named by its name in the resource file, a control by its window and its number there. An Object is
-// such a name: it may be made before the window is loaded and outlives it, and two are equal if they name the same
-// control. Window names compare without regard to case.
+// A window is named by its name in the resource file, a control by its window and its number there. An Object
+// is such a name: it may be made before the window is loaded and outlives it, and two are equal if they name
+// the same control. Window names compare without regard to case.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@
 
 namespace tarn::platform {
 
-// The types stand in a namespace of their own, so that a call that passes one of them does not find the operations
-// of this layer beside the wrappers that the kernel makes of them.
+// The types stand in a namespace of their own, so that a call that passes one of them does not find the
+// operations of this layer beside the wrappers that the kernel makes of them.
 namespace types {
 
 class Object {
@@ -36,16 +36,41 @@ private:
 };
 
 enum class Type {
-    None, Dialog, Editwindow, Richeditwindow, Label, Edit, Combobox, Listbox, Iconlist, Pushbutton, Bitmapbutton,
-    Checkbox, Radiobutton, Groupbox, Scrollbar, Progressbar, Shape, Icon, Image, Menuitem, Screen, Printer, Clipboard,
+    None,
+    Dialog,
+    Editwindow,
+    Richeditwindow,
+    Label,
+    Edit,
+    Combobox,
+    Listbox,
+    Iconlist,
+    Pushbutton,
+    Bitmapbutton,
+    Checkbox,
+    Radiobutton,
+    Groupbox,
+    Scrollbar,
+    Progressbar,
+    Shape,
+    Icon,
+    Image,
+    Menuitem,
+    Screen,
+    Printer,
+    Clipboard,
 };
 }  // namespace types
 using namespace types;
 
 std::string_view typeName(Type type);      // "Dialog", ...
 Type typeFromName(std::string_view name);  // any case; None if there is no such type
-inline bool isWindowType(Type t) { return t == Type::Dialog || t == Type::Editwindow || t == Type::Richeditwindow; }
-inline bool isEditWindowType(Type t) { return t == Type::Editwindow || t == Type::Richeditwindow; }
+inline bool isWindowType(Type t) {
+    return t == Type::Dialog || t == Type::Editwindow || t == Type::Richeditwindow;
+}
+inline bool isEditWindowType(Type t) {
+    return t == Type::Editwindow || t == Type::Richeditwindow;
+}
 
 namespace constants {
 
@@ -64,14 +89,30 @@ enum Event : int {
 };
 
 enum Key : int {
-    KEY_RETURN = 13, KEY_ESCAPE = 27, KEY_LEFT = 37, KEY_UP = 38, KEY_RIGHT = 39, KEY_DOWN = 40, KEY_DELETE = 46,
-    KEY_F1 = 112, KEY_F2 = 113, KEY_F3 = 114, KEY_F4 = 115,
+    KEY_RETURN = 13,
+    KEY_ESCAPE = 27,
+    KEY_LEFT = 37,
+    KEY_UP = 38,
+    KEY_RIGHT = 39,
+    KEY_DOWN = 40,
+    KEY_DELETE = 46,
+    KEY_F1 = 112,
+    KEY_F2 = 113,
+    KEY_F3 = 114,
+    KEY_F4 = 115,
 };
 
 // Flags of an edit window.
 enum EditFlag : int {
-    ALLOWOVERWRITE = 16, AUTOINDENT = 32, HILITE = 64, READONLY = 128, SELECTALL = 256, STATUSBAR = 512,
-    TABSHIFT = 1024, PRIVATE_MODIFY = 2048, NUMBERBAR = 4096,
+    ALLOWOVERWRITE = 16,
+    AUTOINDENT = 32,
+    HILITE = 64,
+    READONLY = 128,
+    SELECTALL = 256,
+    STATUSBAR = 512,
+    TABSHIFT = 1024,
+    PRIVATE_MODIFY = 2048,
+    NUMBERBAR = 4096,
 };
 
 }  // namespace constants
@@ -111,7 +152,8 @@ enum class BoxIcon { None, Information, Question, Warning, Error };
 
 namespace constants {
 enum Unit : int {
-    WINDOW_UNIT = 0,  // the frame, in screen pixels (a window); the control's rectangle in its window (a control)
+    WINDOW_UNIT =
+        0,  // the frame, in screen pixels (a window); the control's rectangle in its window (a control)
     CLIENT_UNIT = 1,  // the area inside the frame (a window); as WINDOW_UNIT (a control)
 };
 }  // namespace constants

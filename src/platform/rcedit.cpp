@@ -38,8 +38,7 @@ std::string notThere(const std::string& file, const std::string& name) {
     return "'" + name + "' was not found in '" + file + "'.";
 }
 
-// ---- writing
-// ---------------------------------------------------------------------------------------------------------
+// ---- writing ----
 
 struct Writer {
     const RcFile& file;

@@ -19,8 +19,7 @@ constexpr std::pair<std::string_view, int> commonIds[] = {{"IDOK", 1},    {"IDCA
 constexpr std::string_view memoryOptions[] = {"PRELOAD", "LOADONCALL", "FIXED",  "MOVEABLE", "DISCARDABLE",
                                               "PURE",    "IMPURE",     "SHARED", "NONSHARED"};
 
-// ---- tokens of one line
-// --------------------------------------------------------------------------------------------
+// ---- tokens of one line ----
 
 enum class TokenKind { Word, String, Other };
 
@@ -117,8 +116,7 @@ bool isNumberOrSymbol(std::string_view word) {
     return isIdentifier(word) || wholeNumber(word).has_value();
 }
 
-// ---- the parser
-// --------------------------------------------------------------------------------------------------------
+// ---- the parser ----
 
 class Parser {
 public:

@@ -20,8 +20,7 @@ constexpr std::string_view magic = "TRCX";
 constexpr std::uint32_t formatVersion = 1;
 constexpr std::size_t headerSize = 32;
 
-// ---- bytes
-// -----------------------------------------------------------------------------------------------------------
+// ---- bytes ----
 
 void put(std::string& bytes, std::uint64_t number, int size) {
     for (int i = 0; i < size; ++i, number >>= 8U) bytes += static_cast<char>(number & 255U);
@@ -239,8 +238,7 @@ std::string CompiledResources::info(const std::string& kind, const std::string& 
     return text;
 }
 
-// ---- from text
-// -----------------------------------------------------------------------------------------------------------
+// ---- from text ----
 
 namespace {
 
@@ -391,8 +389,7 @@ RcFault makeTemplate(const RcFile& file, std::string_view name, WindowTemplate& 
     return makeTemplate(file, *window, &file, menu.empty() ? nullptr : file.find(RcKind::Menu, menu), result);
 }
 
-// ---- the application
-// ------------------------------------------------------------------------------------------------------
+// ---- the application ----
 
 namespace {
 

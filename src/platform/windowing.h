@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // All windowing operations, under the names that the modules know them by. They work on the object model
-// (model/model.h), with or without a screen. They return codes and texts and know no error cell; modules call the
-// wrappers of kernel/windowing.h, which set it.
+// (model/model.h), with or without a screen. They return codes and texts and know no error cell; modules call
+// the wrappers of kernel/windowing.h, which set it.
 //
 // Captions, texts, rows and values are bytes. Positions in texts and rows are 1-based; lengths count bytes.
-// An operation on a control that does not exist or is not loaded gives 702 or 727 and an empty value. One on a
-// control that lacks the property gives an empty value and no error.
+// An operation on a control that does not exist or is not loaded gives 702 or 727 and an empty value. One on
+// a control that lacks the property gives an empty value and no error.
 #pragma once
 
 #include "platform/object.h"
 
 namespace tarn::platform {
 
-// ---- resources of the application ---------------------------------------------------------------------------------
+// ---- resources of the application ----
 
 // The compiled resource file from which `Load` takes windows; by default the executable's path with ".rcx".
 void SetApplicationResources(const std::string& rcxFile);
@@ -21,9 +21,10 @@ const std::string& ApplicationResources();
 // Binds a window to its window function; done once by the module that owns the window.
 void RegisterWindow(const Object& window, WindowFunction function);
 
-// ---- window life ----------------------------------------------------------------------------------------------------
+// ---- window life ----
 
-// Makes the window from the application's resources and sends LOAD_EVENT. Loading a loaded window does nothing.
+// Makes the window from the application's resources and sends LOAD_EVENT. Loading a loaded window does
+// nothing.
 Code Load(const Object& window);
 // From a given .rc or .rcx file, under its name there; a failure gives a text.
 std::string Load(const Object& window, const std::string& resourceFile, const std::string& name);
@@ -53,11 +54,11 @@ std::string commandText();  // of the COMMAND_EVENT that is being handled
 bool FindOtherWindow(const std::string& windowClass, const std::string& caption);
 bool CommandOtherWindow(const std::string& windowClass, const std::string& caption, int control,
                         const std::string& text);
-std::string WindowClassName(std::string_view typeWord);  // type name, ".", version, ".", build
-std::vector<Object> WindowList();                        // loaded windows in the order of loading
+std::string WindowClassName(std::string_view typeWord);           // type name, ".", version, ".", build
+std::vector<Object> WindowList();                                 // loaded windows in the order of loading
 Object FindControl(const Object& window, std::string_view name);  // any case; empty if there is none
-Object FindWindow(std::string_view name);                         // a loaded window of that name, any case; else empty
-Object FindHandle(int handle);                                    // empty if nothing has it
+Object FindWindow(std::string_view name);  // a loaded window of that name, any case; else empty
+Object FindHandle(int handle);             // empty if nothing has it
 Answer<int> GetHandle(const Object& object);
 Object ActiveWindow();  // empty if none of this program is active
 Answer<std::string> GetName(const Object& object);
@@ -65,7 +66,7 @@ std::string GetTypeof(const Object& object);  // the type word; empty for what d
 // All controls of a window in the order of the resource file, menu items behind them.
 Answer<std::vector<Object>> ControlList(const Object& window);
 
-// ---- captions, text, values -----------------------------------------------------------------------------------------
+// ---- captions, text, values ----
 
 Answer<std::string> GetCaption(const Object& object);
 Code SetCaption(const Object& object, std::string_view caption);
@@ -75,11 +76,12 @@ Answer<int> GetTextLength(const Object& object);
 Answer<std::string> GetTokens(const Object& object);
 Code SetTokens(const Object& object, std::string_view tokens);
 Answer<std::string> GetSelText(const Object& object);
-// Replaces the selection, in one undo step, and sends CHANGE_EVENT as a user's edit does (SetText sends none).
+// Replaces the selection, in one undo step, and sends CHANGE_EVENT as a user's edit does (SetText sends
+// none).
 Code SetSelText(const Object& object, std::string_view text);
 Answer<Selection> GetSelection(const Object& object);
 Code SetSelection(const Object& object, int start, int length);  // scrolls it into view
-Answer<int> GetValue(const Object& object);                      // check box, radio button, scroll and progress bar
+Answer<int> GetValue(const Object& object);  // check box, radio button, scroll and progress bar
 Code SetValue(const Object& object, int value);
 Answer<bool> GetChecked(const Object& object);
 Code SetChecked(const Object& object, bool checked);
@@ -101,11 +103,11 @@ Answer<bool> GetEnabled(const Object& object);
 Code SetEnabled(const Object& object, bool enabled);
 Answer<int> GetFlags(const Object& object);
 Code SetFlags(const Object& object, int flags);
-Answer<int> GetBorderStyle(const Object& window);  // 0 none, 1 fixed, 2 sizable
+Answer<int> GetBorderStyle(const Object& window);      // 0 none, 1 fixed, 2 sizable
 Answer<std::string> GetPicture(const Object& object);  // a picture is named by its resource name or file
 Code SetPicture(const Object& object, std::string_view picture);
 
-// ---- list controls ----------------------------------------------------------------------------------------------------
+// ---- list controls ----
 
 Answer<int> GetListCount(const Object& list);
 Answer<int> GetListIndex(const Object& list);  // 0 for none
@@ -119,11 +121,12 @@ Code Clear(const Object& list);
 Answer<std::string> GetArrayValue(const Object& window, std::string_view name);
 Code SetArrayValue(const Object& window, std::string_view name, std::string_view value);
 
-// ---- position -----------------------------------------------------------------------------------------------------------
+// ---- position ----
 
 Answer<Rect> GetPosition(const Object& object, Unit unit);
 Code SetPosition(const Object& object, Unit unit, const Rect& rect);
-// Limits of a window: width and height of its client area, 0 for none; x and y only tell where a maximised window goes.
+// Limits of a window: width and height of its client area, 0 for none; x and y only tell where a maximised
+// window goes.
 Answer<Rect> GetMinPosition(const Object& window);
 Code SetMinPosition(const Object& window, const Rect& rect);
 Answer<Rect> GetMaxPosition(const Object& window);  // all zero: the whole screen
@@ -133,28 +136,30 @@ Answer<int> TextWidth(const Object& window, std::string_view text);
 Answer<int> TextHeight(const Object& window, std::string_view text);
 int GetDpi();
 
-// ---- control arrays -------------------------------------------------------------------------------------------------------
+// ---- control arrays ----
 
-Answer<Bounds> ControlBounds(const Object& element);             // of the array that `element` belongs to
-Object ControlElement(const Object& element, int index);         // another element; empty outside the bounds
-Answer<int> ControlIndex(const Object& element);                 // 707 if it is in no array
-Answer<int> Controlselectionpos(const Object& element);          // which radio button of the array is set; 0 none
+Answer<Bounds> ControlBounds(const Object& element);      // of the array that `element` belongs to
+Object ControlElement(const Object& element, int index);  // another element; empty outside the bounds
+Answer<int> ControlIndex(const Object& element);          // 707 if it is in no array
+Answer<int> Controlselectionpos(const Object& element);   // which radio button of the array is set; 0 none
 Code AddMenuitem(const Object& after, std::string_view caption);  // grows the control array of `after` by one
 Code RemoveMenuitem(const Object& item);                          // shrinks its control array
 
-// ---- fonts and colours -----------------------------------------------------------------------------------------------------
+// ---- fonts and colours ----
 
 Answer<Font> GetFont(const Object& object);
 Code SetFont(const Object& object, const Font& font);
 
-// ---- common dialogs ----------------------------------------------------------------------------------------------------------
+// ---- common dialogs ----
 
-// `buttons`: a caption on each line, empty for one "OK". The answer is the caption of the button pressed, with its
+// `buttons`: a caption on each line, empty for one "OK". The answer is the caption of the button pressed,
+// with its
 // "&", or empty if the box was closed. The first button is the default one, unless `defaultButton` (1-based).
 std::string MsgBox(const std::string& title, const std::string& text, const std::string& buttons,
                    BoxIcon icon = BoxIcon::None, int defaultButton = 1);
-// The numeric form. Flags: 0 OK, 1 OK Cancel, 3 Yes No Cancel, 4 Yes No, 5 Retry Cancel; 16 error, 32 question,
-// 48 warning, 64 information; 256 second button default, 512 third. Answers: 1 OK, 2 Cancel, 4 Retry, 6 Yes, 7 No.
+// The numeric form. Flags: 0 OK, 1 OK Cancel, 3 Yes No Cancel, 4 Yes No, 5 Retry Cancel; 16 error, 32
+// question, 48 warning, 64 information; 256 second button default, 512 third. Answers: 1 OK, 2 Cancel, 4
+// Retry, 6 Yes, 7 No.
 int MsgBoxEx(const std::string& title, const std::string& text, int flags);
 std::string InputBox(const std::string& title, const std::string& prompt, const std::string& value);
 std::string ListBox(const std::string& title, const std::string& prompt, const std::string& rows);
@@ -163,26 +168,28 @@ std::string OpenFileDialog(const std::string& title, const std::string& start, c
 std::string SaveAsDialog(const std::string& title, const std::string& start, const std::string& filter);
 std::string OpenFolderDialog(const std::string& title, const std::string& start);
 
-// ---- system -------------------------------------------------------------------------------------------------------------------
+// ---- system ----
 
-void Sound();                          // the desktop's beep
+void Sound();  // the desktop's beep
 void PlaySound(const std::string& wavFile);
-std::string SystemInfo();              // the name of the operating system
+std::string SystemInfo();                                   // the name of the operating system
 Answer<std::int64_t> DiskSpace(const std::string& folder);  // free bytes, -1 for a folder that does not exist
 void AppIcon(const std::string& file);
-void SetBusy(bool busy);               // the wait cursor, and all windows of the program disabled; nests
-void SetTimer(const Object& owner, int milliseconds);  // sends TIMER_EVENT to its window again and again; 0 stops it
+void SetBusy(bool busy);  // the wait cursor, and all windows of the program disabled; nests
+void SetTimer(const Object& owner,
+              int milliseconds);       // sends TIMER_EVENT to its window again and again; 0 stops it
 void OpenUrl(const std::string& url);  // with the desktop's program for it
-// While a tool runs: shows a small window with `text` and a Stop button; see ToolStopPressed. Empty text hides it.
+// While a tool runs: shows a small window with `text` and a Stop button; see ToolStopPressed. Empty text
+// hides it.
 void ShowToolProgress(const std::string& text);
 bool ToolStopPressed();
 // Splash picture: `lines` drawn over the picture file; shown until closed.
 void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines);
 void CloseSplash();
-void SetTrace(int mode);                // the level that whoever traces reads with GetTrace; 0 is off
+void SetTrace(int mode);  // the level that whoever traces reads with GetTrace; 0 is off
 int GetTrace();
 int GetUserBreak();
 void SetUserBreak(int value);
-void DestroyAllWindows();              // for the halt: no events are sent
+void DestroyAllWindows();  // for the halt: no events are sent
 
 }  // namespace tarn::platform

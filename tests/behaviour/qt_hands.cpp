@@ -19,7 +19,9 @@ namespace {
 
 using namespace platform;
 
-QString decoded(const std::string& bytes) { return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size())); }
+QString decoded(const std::string& bytes) {
+    return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+}
 
 // The widget that gets the keys; a program without an active window, as offscreen after a dialog, gets one.
 QWidget* keyTarget() {
@@ -42,7 +44,8 @@ public:
     int patience() override { return onScreen_ ? 400 : 0; }
 
     bool key(const std::string& name) override {
-        if (onScreen_) return std::system(("xdotool key --clearmodifiers '" + xName(name) + "'").c_str()) == 0;
+        if (onScreen_)
+            return std::system(("xdotool key --clearmodifiers '" + xName(name) + "'").c_str()) == 0;
         const QKeySequence sequence = QKeySequence::fromString(decoded(name));
         QWidget* target = keyTarget();
         if (sequence.isEmpty() || target == nullptr) return false;
@@ -97,8 +100,9 @@ private:
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
-            return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " + std::to_string(at.y()) +
-                                " click --repeat " + std::to_string(clicks) + " --delay 40 1")
+            return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
+                                std::to_string(at.y()) + " click --repeat " + std::to_string(clicks) +
+                                " --delay 40 1")
                                    .c_str()) == 0;
         }
         QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
@@ -107,16 +111,16 @@ private:
     }
 
     static std::string xName(std::string name) {
-        const std::pair<std::string, std::string> names[] = {
-            {"Ctrl+", "ctrl+"}, {"Alt+", "alt+"}, {"Shift+", "shift+"}, {"Esc", "Escape"}, {"Return", "Return"},
-            {"Del", "Delete"}};
+        const std::pair<std::string, std::string> names[] = {{"Ctrl+", "ctrl+"},   {"Alt+", "alt+"},
+                                                             {"Shift+", "shift+"}, {"Esc", "Escape"},
+                                                             {"Return", "Return"}, {"Del", "Delete"}};
         for (const auto& [from, to] : names) {
             const std::size_t at = name.find(from);
             if (at != std::string::npos) name.replace(at, from.size(), to);
         }
-        return name.size() > 1 && name[name.size() - 2] == '+' ? name.substr(0, name.size() - 1) +
-                                                                      static_cast<char>(std::tolower(name.back()))
-                                                                : name;
+        return name.size() > 1 && name[name.size() - 2] == '+'
+                   ? name.substr(0, name.size() - 1) + static_cast<char>(std::tolower(name.back()))
+                   : name;
     }
 };
 

@@ -2,9 +2,10 @@
 //
 // Runs one behaviour case:  user_runner MODE CASE     (MODE: model, offscreen or screen)
 //
-// The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is another
-// one beside it, made of links, so that the case has its own settings; what lies in the case's `profile` folder
-// replaces what is linked. Exit status 0: as expected; 77: skipped; 1: not, with what was on screen.
+// The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is
+// another one beside it, made of links, so that the case has its own settings; what lies in the case's
+// `profile` folder replaces what is linked. Exit status 0: as expected; 77: skipped; 1: not, with what was on
+// screen.
 #include "behaviour/hands.h"
 #include "ide/ide.h"
 #include "kernel/runtime.h"
@@ -48,9 +49,11 @@ void programEnded(int) {
 
 void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
-    for (const char* name : {"ide.rcx", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "quarn.exe", "ordo.exe", "libtarnwick.so",
-                             "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
-        if (fs::exists(std::string(BINARY_DIR "/") + name)) fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
+    for (const char* name :
+         {"ide.rcx", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "quarn.exe", "ordo.exe",
+          "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
+        if (fs::exists(std::string(BINARY_DIR "/") + name))
+            fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }
     // A name of this program, so that the folder counts as its own.
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
@@ -65,8 +68,8 @@ void prepareProfile(const std::string& profile, const std::string& files) {
 
 void prepareEnvironment() {
     setenv("HOME", root.c_str(), 1);
-    for (const auto& [name, folder] : {std::pair{"XDG_CONFIG_HOME", "config"}, {"XDG_STATE_HOME", "state"},
-                                       {"XDG_RUNTIME_DIR", "run"}}) {
+    for (const auto& [name, folder] :
+         {std::pair{"XDG_CONFIG_HOME", "config"}, {"XDG_STATE_HOME", "state"}, {"XDG_RUNTIME_DIR", "run"}}) {
         fs::create_directories(root + folder);
         fs::permissions(root + folder, fs::perms(0700));
         setenv(name, (root + folder).c_str(), 1);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The environment on the object model alone, in a folder of its own: private settings, scripted answers, no screen.
+// The environment on the object model alone, in a folder of its own: private settings, scripted answers, no
+// screen.
 #pragma once
 
 #include "ide/ide.h"
@@ -26,8 +27,8 @@ namespace tarn {
 
 class IdeTest : public ::testing::Test {
 protected:
-    std::string dir;                                // with a "/" at its end
-    std::deque<std::string> answers;                // given to the questions in turn; closed boxes when none is left
+    std::string dir;                  // with a "/" at its end
+    std::deque<std::string> answers;  // given to the questions in turn; closed boxes when none is left
     std::vector<platform::Question> asked;
 
     void SetUp() override {

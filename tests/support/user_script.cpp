@@ -15,7 +15,7 @@ namespace tarn {
 
 using namespace platform;
 
-// ---- reading -------------------------------------------------------------------------------------------------
+// ---- reading ----
 
 namespace {
 
@@ -25,15 +25,17 @@ struct LineForm {
     bool realInput = false;
 };
 const std::map<std::string, LineForm> forms = {
-    {"command", {1}},   {"press", {2}},   {"set", {3}},        {"edit", {2}},       {"select", {1}},
-    {"dblclick", {2}},  {"close", {1}},   {"answer", {1}},     {"choose-file", {1}}, {"input", {1}},
-    {"pick", {1}},      {"start", {1}},   {"stop-tool", {0}},  {"clock", {1}},      {"key", {1, true}},
-    {"type", {1, true}}, {"click", {2, true}}, {"mouse", {4, true}}, {"screenshot", {1}}, {"dump", {1}},  {"wait", {1}},
-    {"expect", {1}},    {"run", {1}}};
+    {"command", {1}},    {"press", {2}},       {"set", {3}},         {"edit", {2}},        {"select", {1}},
+    {"dblclick", {2}},   {"close", {1}},       {"answer", {1}},      {"choose-file", {1}}, {"input", {1}},
+    {"pick", {1}},       {"start", {1}},       {"stop-tool", {0}},   {"clock", {1}},       {"key", {1, true}},
+    {"type", {1, true}}, {"click", {2, true}}, {"mouse", {4, true}}, {"screenshot", {1}},  {"dump", {1}},
+    {"wait", {1}},       {"expect", {1}},      {"run", {1}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
-char unescape(char c) { return c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c; }
+char unescape(char c) {
+    return c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c;
+}
 
 // Splits a line into its words; false when a quote stays open.
 bool splitWords(const std::string& line, std::vector<std::string>& words) {
@@ -62,8 +64,10 @@ void substitute(std::string& text, const std::string& mark, const std::string& v
 void chooseAlternative(std::vector<std::string>& words, bool realInput) {
     const auto middle = std::find(words.begin(), words.end(), "or");
     if (middle == words.end()) return;
-    if (realInput) words.erase(middle, words.end());
-    else words.erase(words.begin(), middle + 1);
+    if (realInput)
+        words.erase(middle, words.end());
+    else
+        words.erase(words.begin(), middle + 1);
 }
 
 std::string lineFault(const std::vector<std::string>& words) {
@@ -75,7 +79,8 @@ std::string lineFault(const std::vector<std::string>& words) {
 
 }  // namespace
 
-Script parseScript(const std::string& text, const std::string& dir, const std::string& profile, bool realInput) {
+Script parseScript(const std::string& text, const std::string& dir, const std::string& profile,
+                   bool realInput) {
     Script script;
     int number = 0;
     for (std::size_t at = 0; at < text.size();) {
@@ -94,22 +99,23 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
             continue;
         }
         const std::string fault = whole ? lineFault(line.words) : "a quote stays open";
-        if (!fault.empty() && script.error.empty()) script.error = "line " + std::to_string(number) + ": " + fault;
+        if (!fault.empty() && script.error.empty())
+            script.error = "line " + std::to_string(number) + ": " + fault;
         if (fault.empty()) script.needsRealInput |= forms.at(line.words[0]).realInput;
         script.lines.push_back(line);
     }
     return script;
 }
 
-// ---- what is on screen -----------------------------------------------------------------------------------------
+// ---- what is on screen ----
 
 std::string dumpWindow(const Object& object) {
     const Window* window = findWindow(object);
     if (window == nullptr) return "(" + object.window() + " is not loaded)\n";
     std::string text = window->name + " '" + window->caption + "'" + (window->shown ? "" : " hidden") + "\n";
     const auto show = [&](const Control& control) {
-        text += "  " + std::string(typeName(control.type)) + " " + control.name + " '" + control.caption + "'" +
-                (control.enabled ? "" : " disabled") + (control.visible ? "" : " hidden") +
+        text += "  " + std::string(typeName(control.type)) + " " + control.name + " '" + control.caption +
+                "'" + (control.enabled ? "" : " disabled") + (control.visible ? "" : " hidden") +
                 (control.checked ? " checked" : "") + "\n";
     };
     for (const auto& control : window->controls) show(*control);
@@ -129,7 +135,7 @@ std::string UserDriver::onScreen() const {
     return text;
 }
 
-// ---- the walk --------------------------------------------------------------------------------------------------
+// ---- the walk ----
 
 UserDriver::UserDriver(Script script, std::string dir, std::string profile, Hands& hands)
     : script_(std::move(script)), dir_(std::move(dir)), profile_(std::move(profile)), hands_(hands),
@@ -167,8 +173,10 @@ void UserDriver::programEnded() {
     ended_ = true;
     for (; !failed() && !finished(); at_++) {
         const ScriptLine& line = script_.lines[at_];
-        if (line.words[0] == "run") act(line);
-        else if (line.words[0] != "expect" || !expect(line)) fail("The program had ended. " + lastSeen_);
+        if (line.words[0] == "run")
+            act(line);
+        else if (line.words[0] != "expect" || !expect(line))
+            fail("The program had ended. " + lastSeen_);
         if (failed()) return;
     }
 }
@@ -185,7 +193,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     if (answers) return open ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "expect") return expect(line) ? Outcome::Done : Outcome::NotYet;
     const auto waited = std::chrono::steady_clock::now() - since_;
-    if (forms.at(w[0]).realInput && waited < std::chrono::milliseconds(hands_.patience())) return Outcome::NotYet;
+    if (forms.at(w[0]).realInput && waited < std::chrono::milliseconds(hands_.patience()))
+        return Outcome::NotYet;
     const auto shown = [](const Object& object) {
         const Window* window = findWindow(object);
         return window != nullptr && window->shown;
@@ -197,7 +206,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     }
     if (w[0] == "press" || w[0] == "set" || w[0] == "click") {
         const Control* control = findControl(FindControl(Object(w[1]), w[2]));
-        return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done : Outcome::NotYet;
+        return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
+                                                                             : Outcome::NotYet;
     }
     if (w[0] == "dblclick" || w[0] == "close" || w[0] == "wait" || w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
@@ -206,11 +216,12 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     return shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
 }
 
-// ---- doing -----------------------------------------------------------------------------------------------------
+// ---- doing ----
 
 namespace {
 
-// The 1-based position of a line's start and its length without the line end; start 0 if there is no such line.
+// The 1-based position of a line's start and its length without the line end; start 0 if there is no such
+// line.
 Selection lineOf(const std::string& text, int number) {
     std::size_t at = 0;
     for (int i = 1; i < number; i++) {
@@ -222,30 +233,48 @@ Selection lineOf(const std::string& text, int number) {
     return {static_cast<int>(at) + 1, static_cast<int>(end - at)};
 }
 
-std::int64_t seconds(const std::string& text) { return std::atoll(text.c_str() + (text[0] == '+' ? 1 : 0)); }
+std::int64_t seconds(const std::string& text) {
+    return std::atoll(text.c_str() + (text[0] == '+' ? 1 : 0));
+}
 
 }  // namespace
 
 void UserDriver::act(const ScriptLine& line) {
     const auto& w = line.words;
     const std::string& what = w[0];
-    if (what == "command") userCommand(*findControl(FindControl(Object("Main"), w[1])));
-    else if (what == "press") userCommand(*findControl(FindControl(Object(w[1]), w[2])));
-    else if (what == "set") set(FindControl(Object(w[1]), w[2]), w[3]);
-    else if (what == "edit") edit(w[1], w[2]);
-    else if (what == "select") SetSelection(Object("SDIEdit"), lineOf(GetText(Object("SDIEdit")).value, std::atoi(w[1].c_str())).start, 0);
-    else if (what == "dblclick") doubleClick(Object(w[1]), std::atoi(w[2].c_str()));
-    else if (what == "close") userClose(*findWindow(Object(w[1])));
+    if (what == "command")
+        userCommand(*findControl(FindControl(Object("Main"), w[1])));
+    else if (what == "press")
+        userCommand(*findControl(FindControl(Object(w[1]), w[2])));
+    else if (what == "set")
+        set(FindControl(Object(w[1]), w[2]), w[3]);
+    else if (what == "edit")
+        edit(w[1], w[2]);
+    else if (what == "select")
+        SetSelection(Object("SDIEdit"),
+                     lineOf(GetText(Object("SDIEdit")).value, std::atoi(w[1].c_str())).start, 0);
+    else if (what == "dblclick")
+        doubleClick(Object(w[1]), std::atoi(w[2].c_str()));
+    else if (what == "close")
+        userClose(*findWindow(Object(w[1])));
     else if (answerLines.count(what) != 0) {
         if (!view().answer(w[1])) at_--, fail("The open question takes no such answer.");
-    } else if (what == "start") startSecond(line);
-    else if (what == "clock") os::clock().sleep(seconds(w[1]) * 1'000'000'000);
-    else if (what == "key" && !hands_.key(w[1])) at_--, fail("There is no such key.");
-    else if (what == "type") hands_.type(w[1]);
-    else if (what == "mouse") hands_.mouse(Object(w[1]), std::atoi(w[2].c_str()), std::atoi(w[3].c_str()), std::atoi(w[4].c_str()));
-    else if (what == "click") hands_.click(FindControl(Object(w[1]), w[2]));
-    else if (what == "screenshot") hands_.screenshot(w[1]);
-    else if (what == "dump") std::printf("%s", dumpWindow(Object(w[1])).c_str());
+    } else if (what == "start")
+        startSecond(line);
+    else if (what == "clock")
+        os::clock().sleep(seconds(w[1]) * 1'000'000'000);
+    else if (what == "key" && !hands_.key(w[1]))
+        at_--, fail("There is no such key.");
+    else if (what == "type")
+        hands_.type(w[1]);
+    else if (what == "mouse")
+        hands_.mouse(Object(w[1]), std::atoi(w[2].c_str()), std::atoi(w[3].c_str()), std::atoi(w[4].c_str()));
+    else if (what == "click")
+        hands_.click(FindControl(Object(w[1]), w[2]));
+    else if (what == "screenshot")
+        hands_.screenshot(w[1]);
+    else if (what == "dump")
+        std::printf("%s", dumpWindow(Object(w[1])).c_str());
     else if (what == "run") {
         std::string command = "cd '" + dir_ + "' &&";
         for (std::size_t i = 1; i < w.size(); i++) command += " " + w[i];
@@ -257,7 +286,8 @@ void UserDriver::set(const Object& object, const std::string& value) {
     Control& control = *findControl(object);
     if (control.type == Type::Checkbox || control.type == Type::Radiobutton)
         return userValue(control, std::atoi(value.c_str()));
-    if (control.type == Type::Listbox || control.type == Type::Iconlist) return userRow(control, std::atoi(value.c_str()));
+    if (control.type == Type::Listbox || control.type == Type::Iconlist)
+        return userRow(control, std::atoi(value.c_str()));
     control.text->setText(value);
     userChange(control);
 }
@@ -282,14 +312,15 @@ void UserDriver::doubleClick(const Object& window, int number) {
 
 // The second copy is this program again, in the model mode and with nobody to answer it.
 void UserDriver::startSecond(const ScriptLine& line) {
-    std::string command = "TARNWICK_SECOND='" + profile_ + "' TARNWICK_SECOND_LOG='" + dir_ + line.words[1] + ".log' ";
+    std::string command =
+        "TARNWICK_SECOND='" + profile_ + "' TARNWICK_SECOND_LOG='" + dir_ + line.words[1] + ".log' ";
     command += "'/proc/" + std::to_string(getpid()) + "/exe' second";
     for (std::size_t i = 2; i < line.words.size(); i++) command += " '" + line.words[i] + "'";
     command += " >/dev/null 2>&1 &";
     if (std::system(command.c_str()) != 0) at_--, fail("The second copy could not be started.");
 }
 
-// ---- expecting -------------------------------------------------------------------------------------------------
+// ---- expecting ----
 
 namespace {
 
@@ -299,7 +330,9 @@ std::string shownRows(const Control& control) {
     return text;
 }
 
-std::string flag(bool on) { return on ? "1" : "0"; }
+std::string flag(bool on) {
+    return on ? "1" : "0";
+}
 
 const std::map<std::string, std::string (*)(const Control&)> properties = {
     {"caption", [](const Control& c) { return c.caption; }},
@@ -356,7 +389,9 @@ bool UserDriver::expect(const ScriptLine& line) {
     if (what == "line") {
         const std::string text = GetText(Object("SDIEdit")).value;
         const int start = GetSelection(Object("SDIEdit")).value.start;
-        const auto here = 1 + std::count(text.begin(), text.begin() + std::min<std::ptrdiff_t>(start - 1, std::ssize(text)), '\n');
+        const auto here =
+            1 + std::count(text.begin(), text.begin() + std::min<std::ptrdiff_t>(start - 1, std::ssize(text)),
+                           '\n');
         lastSeen_ = "Line " + std::to_string(here);
         return std::to_string(here) == w[2];
     }

@@ -15,8 +15,9 @@
 //   start NAME FILE ...             a second copy of the program; its boxes go to {dir}/NAME.log
 //   stop-tool                       the Stop button while a tool runs
 //   clock +3s                       lets time go by
-//   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)    real input
-//   REAL or MEANING                 with real input the first, in the model mode the second; a case with a line of
+//   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)    real
+//   input REAL or MEANING                 with real input the first, in the model mode the second; a case
+//   with a line of
 //                                   real input that has no second is skipped in the model mode
 //   screenshot NAME                 a picture of the screen, where there is one
 //   run COMMAND ...                 a shell command in {dir}
@@ -27,9 +28,10 @@
 //   expect message TITLE TEXT       the open question, its text beginning so
 //   expect file F TEXT, expect file-has F TEXT, expect no-file F, expect ini SECTION KEY VALUE
 //
-// Words are separated by blanks; a word in double quotes may hold blanks, \n, \t, \" and \\. {dir} is the case's
-// folder, {profile} the folder of the program. `#` begins a comment line. A line waits up to 20 seconds for what it
-// needs. A question that the next line does not answer, or an answer without a question, fails the case.
+// Words are separated by blanks; a word in double quotes may hold blanks, \n, \t, \" and \\. {dir} is the
+// case's folder, {profile} the folder of the program. `#` begins a comment line. A line waits up to 20
+// seconds for what it needs. A question that the next line does not answer, or an answer without a question,
+// fails the case.
 #pragma once
 
 #include "platform/model/model.h"
@@ -52,7 +54,8 @@ struct Script {
     bool needsRealInput = false;
     std::string error;  // of the script's own text; empty if it is well formed
 };
-Script parseScript(const std::string& text, const std::string& dir, const std::string& profile, bool realInput);
+Script parseScript(const std::string& text, const std::string& dir, const std::string& profile,
+                   bool realInput);
 
 // What the user does beside the object model: real keys and the mouse, tools and the splash window.
 class Hands {
@@ -71,8 +74,8 @@ public:
 class UserDriver {
 public:
     UserDriver(Script script, std::string dir, std::string profile, Hands& hands);
-    void idle();                   // does the next line if it can be done now
-    void programEnded();           // does the lines that need no program
+    void idle();          // does the next line if it can be done now
+    void programEnded();  // does the lines that need no program
     [[nodiscard]] bool failed() const { return !failure_.empty(); }
     [[nodiscard]] bool finished() const { return at_ >= script_.lines.size(); }
     [[nodiscard]] const std::string& failure() const { return failure_; }

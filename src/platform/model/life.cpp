@@ -192,8 +192,7 @@ Code SetWindowState(const Object& object, int value) {
     return Ok;
 }
 
-// ---- loops
-// ------------------------------------------------------------------------------------------------------------
+// ---- loops ----
 
 void MainLoop(const Object& main) {
     const Window* const window = findWindow(main);
@@ -223,8 +222,7 @@ void QuitMainLoop() {
     state().quit = state().loops > 0;
 }
 
-// ---- commands
-// ---------------------------------------------------------------------------------------------------------
+// ---- commands ----
 
 Code Command(int windowHandle, int control, const std::string& text) {
     const Window* const window = windowOfHandle(windowHandle);
@@ -267,8 +265,7 @@ std::string WindowClassName(std::string_view typeWord) {
     return std::string(typeWord).append(".").append(version).append(".").append(build);
 }
 
-// ---- finding
-// ------------------------------------------------------------------------------------------------------------
+// ---- finding ----
 
 std::vector<Object> WindowList() {
     std::vector<Object> list;

@@ -59,8 +59,7 @@ void enroll(Control& control) {
     state().byHandle.emplace(control.handle, &control);
 }
 
-// ---- events
-// -------------------------------------------------------------------------------------------------------------
+// ---- events ----
 
 bool sendEvent(const Object& object, int event, const Object& sender, int parameter) {
     settle();
@@ -103,8 +102,7 @@ bool takesInput(const Window& window) {
     return !busy() && window.shown && (top == nullptr || top == &window);
 }
 
-// ---- showing
-// ------------------------------------------------------------------------------------------------------------
+// ---- showing ----
 
 void activate(Window& window) {
     State& s = state();
@@ -171,8 +169,7 @@ bool runLoop(const std::function<bool()>& until) {
     return ended;
 }
 
-// ---- arrays
-// ------------------------------------------------------------------------------------------------------------
+// ---- arrays ----
 
 std::vector<Control*> arrayOf(Control& control) {
     std::vector<Control*> members;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The object model: what is known of every loaded window and control, with or without a screen. Views read it and
-// report the user's doings through the `user...` functions, which change the state and send the events.
+// The object model: what is known of every loaded window and control, with or without a screen. Views read it
+// and report the user's doings through the `user...` functions, which change the state and send the events.
 #pragma once
 
 #include "platform/model/view.h"
@@ -23,12 +23,12 @@ public:
     virtual ~Control() = default;
     Object object;
     Type type = Type::None;
-    std::string name;    // as in the resource file
-    int handle = 0;      // unique among all objects ever loaded
-    std::string array;   // name of the control array it belongs to, else empty
-    int index = 0;       // its place there
-    int level = 0;       // menu items: 1 for the menu bar, 2 below it, ...
-    int shortcut = 0;    // menu items: key + 0x1000 Ctrl + 0x2000 Shift + 0x4000 Alt; 0 none
+    std::string name;   // as in the resource file
+    int handle = 0;     // unique among all objects ever loaded
+    std::string array;  // name of the control array it belongs to, else empty
+    int index = 0;      // its place there
+    int level = 0;      // menu items: 1 for the menu bar, 2 below it, ...
+    int shortcut = 0;   // menu items: key + 0x1000 Ctrl + 0x2000 Shift + 0x4000 Alt; 0 none
 
     std::string caption, tokens, picture, hint;
     std::unique_ptr<TextStore> text;  // edit windows, edits, combo boxes
@@ -38,18 +38,18 @@ public:
     bool checked = false, enabled = true, visible = true, readonly = false;
     bool isDefault = false, isCancel = false;  // push buttons: what Return and Esc press
     bool tabStop = true;
-    int multiline = 0;      // edits: 1 if several lines
-    int alignment = 0;      // 0 left, 1 right, 2 centre; check boxes and radio buttons: 0 mark on the right, 1 left;
-                            // bars: 0 by their shape, 4 horizontal, 5 vertical
-    int border = 0;         // 0 none; labels, images, bars, shapes: 1 line, 2 sunken; others: 1 as usual
-    int scrollBars = 0;     // 1 horizontal, 2 vertical, 3 both
-    int shape = 0;          // shapes: 0 rectangle, 1 round rectangle, 2 ellipse, 3, 4 horizontal, vertical line
+    int multiline = 0;  // edits: 1 if several lines
+    int alignment = 0;  // 0 left, 1 right, 2 centre; check boxes and radio buttons: 0 mark on the right, 1
+                        // left; bars: 0 by their shape, 4 horizontal, 5 vertical
+    int border = 0;      // 0 none; labels, images, bars, shapes: 1 line, 2 sunken; others: 1 as usual
+    int scrollBars = 0;  // 1 horizontal, 2 vertical, 3 both
+    int shape = 0;       // shapes: 0 rectangle, 1 round rectangle, 2 ellipse, 3, 4 horizontal, vertical line
     bool useTabStops = false;  // icon lists: TAB parts columns
-    Rect position;          // pixels, in the window's client area; a window: its frame on the screen
-    Rect units;             // as in the resource file, resource units
+    Rect position;             // pixels, in the window's client area; a window: its frame on the screen
+    Rect units;                // as in the resource file, resource units
     Font font;
     int foreColour = -1, backColour = -1;  // 0xBBGGRR, -1: the desktop's
-    void* widget = nullptr;  // the view's
+    void* widget = nullptr;                // the view's
 };
 
 class Window : public Control {
@@ -58,12 +58,13 @@ public:
     std::vector<std::unique_ptr<Control>> controls;   // in the order of the resource file
     std::vector<std::unique_ptr<Control>> menuItems;  // in order; `level` tells the nesting
     std::map<std::string, std::string> values;        // named values
-    // Limits of the client area's size, pixels; 0 is none. x and y of the largest one are where a maximised window goes.
+    // Limits of the client area's size, pixels; 0 is none. x and y of the largest one are where a maximised
+    // window goes.
     Rect minimum_, maximum_;
     bool closeBox = true, maxButton = true, minButton = true;
-    bool owned = false;  // stays above the main window
-    int borderStyle = 2;    // 0 none, 1 fixed, 2 sizable
-    int state = 0;          // 0 normal, 1 minimised, 2 maximised
+    bool owned = false;   // stays above the main window
+    int borderStyle = 2;  // 0 none, 1 fixed, 2 sizable
+    int state = 0;        // 0 normal, 1 minimised, 2 maximised
     bool shown = false, modal = false, closing = false;
     std::string resourceFile;  // where it came from
 };
@@ -74,13 +75,13 @@ Window* findWindow(const Object& object);    // the window of an object; null if
 Control* findControl(const Object& object);  // the control, or the window itself
 
 // What the user did. Each changes the model first and then sends the event; the view has nothing else to do.
-void userCommand(Control& control);                    // pressed, picked
-void userChange(Control& control);                     // edits: after the TextStore changed
-void userValue(Control& control, int value);           // check box, radio button, scroll bar
-void userRow(Control& control, int row);               // list or combo box selection
+void userCommand(Control& control);           // pressed, picked
+void userChange(Control& control);            // edits: after the TextStore changed
+void userValue(Control& control, int value);  // check box, radio button, scroll bar
+void userRow(Control& control, int row);      // list or combo box selection
 void userDoubleClick(Control& control, int x, int y);
 bool userKey(Window& window, Control* focus, int key);  // true: handled, goes no further
-void userClose(Window& window);                        // the window's close button
+void userClose(Window& window);                         // the window's close button
 void userActivate(Window& window);
 void userMoved(Window& window, const Rect& frame, int state);
 void userInfo(Control& control, int x, int y);

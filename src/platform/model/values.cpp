@@ -284,8 +284,7 @@ Code SetPicture(const Object& object, std::string_view picture) {
                 [&](Control& c) { return assign(c.picture, std::string(picture)); });
 }
 
-// ---- list controls
-// ---------------------------------------------------------------------------------------------------
+// ---- list controls ----
 
 namespace {
 
@@ -383,8 +382,7 @@ Code SetArrayValue(const Object& object, std::string_view name, std::string_view
     return Ok;
 }
 
-// ---- position
-// ---------------------------------------------------------------------------------------------------------
+// ---- position ----
 
 namespace {
 
@@ -465,8 +463,7 @@ int GetDpi() {
     return view().dpi();
 }
 
-// ---- control arrays
-// ---------------------------------------------------------------------------------------------------
+// ---- control arrays ----
 
 namespace {
 
@@ -543,8 +540,7 @@ Code RemoveMenuitem(const Object& object) {
     return Ok;
 }
 
-// ---- fonts
-// ------------------------------------------------------------------------------------------------------------
+// ---- fonts ----
 
 Answer<Font> GetFont(const Object& object) {
     return ask<Font>(object, [](const Control& c) { return c.font; });

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What draws the object model. The model holds all state; a view is told of every change and reports what the user
-// does through the functions of model.h (`userCommand`, `userClose`, ...). The headless view does nothing but keep
-// modal waits going, so that the whole program runs without a screen; the Qt view makes widgets.
+// What draws the object model. The model holds all state; a view is told of every change and reports what the
+// user does through the functions of model.h (`userCommand`, `userClose`, ...). The headless view does
+// nothing but keep modal waits going, so that the whole program runs without a screen; the Qt view makes
+// widgets.
 #pragma once
 
 #include "platform/object.h"
@@ -18,12 +19,33 @@ class Control;
 class Window;
 
 enum class Property {
-    Caption, Text, Tokens, Selection, Value, Checked, Modify, Readonly, MaxLength, Password, Range, Enabled, Visible,
-    Flags, Picture, Rows, ListIndex, Position, MinMax, Font, Colour, State, MenuItems,
+    Caption,
+    Text,
+    Tokens,
+    Selection,
+    Value,
+    Checked,
+    Modify,
+    Readonly,
+    MaxLength,
+    Password,
+    Range,
+    Enabled,
+    Visible,
+    Flags,
+    Picture,
+    Rows,
+    ListIndex,
+    Position,
+    MinMax,
+    Font,
+    Colour,
+    State,
+    MenuItems,
 };
 
-// The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own in
-// its place, so that a text stands once. All positions are 1-based byte positions.
+// The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
+// in its place, so that a text stands once. All positions are 1-based byte positions.
 class TextStore {
 public:
     virtual ~TextStore() = default;
@@ -62,7 +84,7 @@ public:
 
     // Event loops. Runs until `until` is true; calls the idle function whenever nothing else is to be done.
     virtual void loop(const std::function<bool()>& until) = 0;
-    virtual void pump() = 0;                             // handles what waits, once
+    virtual void pump() = 0;  // handles what waits, once
     virtual void wait(int milliseconds, bool inputEnds) = 0;
     virtual void setIdle(std::function<void()> idle) = 0;  // for whoever plays the user; null: none
 
@@ -73,9 +95,13 @@ public:
     virtual int textWidth(const Control& control, std::string_view text) = 0;
     virtual int textHeight(const Control& control, std::string_view text) = 0;
     virtual Rect screen() = 0;
-    // What the frame of `window` adds to its client area: x and y are the offset of the client area in the frame,
-    // w and h the pixels that the frame has more than the client area. A menu bar belongs to the frame.
-    virtual Rect frameExtents(const Window& window) { (void)window; return {}; }
+    // What the frame of `window` adds to its client area: x and y are the offset of the client area in the
+    // frame, w and h the pixels that the frame has more than the client area. A menu bar belongs to the
+    // frame.
+    virtual Rect frameExtents(const Window& window) {
+        (void)window;
+        return {};
+    }
     virtual int dpi() = 0;
 
     virtual void sound() = 0;
@@ -91,15 +117,16 @@ public:
     virtual void watch(int descriptor, std::function<void()> ready) = 0;  // -1 stops watching
     virtual void raise(Window& window) = 0;  // to the foreground, as after a hand-over
 
-    // For whoever plays the user, from the idle function. The question whose box is open now, null if none is, and
-    // its answer, given as the user would: the caption of a button (with or without its "&"), a text, a row, a path,
-    // empty to close the box. False if the box has no such button or row.
+    // For whoever plays the user, from the idle function. The question whose box is open now, null if none
+    // is, and its answer, given as the user would: the caption of a button (with or without its "&"), a text,
+    // a row, a path, empty to close the box. False if the box has no such button or row.
     virtual const Question* asking() { return nullptr; }
     virtual bool answer(const std::string& text) {
         static_cast<void>(text);
         return false;
     }
-    // Real input: `line` is "key F1", "key Ctrl+S", "type text" or "mouse WINDOW CONTROL". False if this view has none.
+    // Real input: `line` is "key F1", "key Ctrl+S", "type text" or "mouse WINDOW CONTROL". False if this view
+    // has none.
     virtual bool input(const std::string& line) {
         static_cast<void>(line);
         return false;
@@ -112,8 +139,8 @@ View& view();
 std::unique_ptr<View> useView(std::unique_ptr<View> view);  // returns the one before; for tests
 // `answer` plays the user at every question; without it each one is answered by closing its box.
 std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer = {});
-// Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the progress
-// is hidden. False if none is shown.
+// Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the
+// progress is hidden. False if none is shown.
 bool pressToolStop();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".

@@ -196,8 +196,7 @@ void Frame::applyColours(Control& control) {
     widget.setAutoFillBackground(control.backColour >= 0);
 }
 
-// ---- properties
-// -----------------------------------------------------------------------------------------------------
+// ---- properties ----
 
 void Frame::applyTitle() {
     setWindowTitle(shown(window_->caption));
@@ -265,8 +264,7 @@ void Frame::menuChanged() {
     });
 }
 
-// ---- position
-// -------------------------------------------------------------------------------------------------------
+// ---- position ----
 
 int Frame::barHeight() const {
     if (window_->menuItems.empty()) return 0;
@@ -375,8 +373,7 @@ void Frame::settle() {
     report();
 }
 
-// ---- showing
-// --------------------------------------------------------------------------------------------------------
+// ---- showing ----
 
 void Frame::applyModality() {
     const Qt::WindowModality wanted = window_->modal ? Qt::ApplicationModal : Qt::NonModal;
@@ -475,8 +472,7 @@ void Frame::changeEvent(QEvent* event) {
     });
 }
 
-// ---- keys
-// -----------------------------------------------------------------------------------------------------------
+// ---- keys ----
 
 Control* Frame::controlOf(const QWidget* widget) const {
     for (; widget != nullptr && widget != this; widget = widget->parentWidget())

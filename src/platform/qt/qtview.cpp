@@ -121,8 +121,7 @@ QtView::~QtView() {
     if (qApp != nullptr) qApp->removeEventFilter(this);
 }
 
-// ---- windows
-// --------------------------------------------------------------------------------------------------------
+// ---- windows ----
 
 void QtView::load(Window& window) {
     if (frameOf(window) == nullptr) new Frame(window);
@@ -189,8 +188,7 @@ void QtView::activated() {
     userActivate(frame->window());
 }
 
-// ---- loops
-// ----------------------------------------------------------------------------------------------------------
+// ---- loops ----
 
 void QtView::sweep() {
     // Widgets ask for their end from inside their own signals, which have returned only out here.
@@ -233,8 +231,8 @@ void QtView::setIdle(std::function<void()> idle) {
         idleTimer_.stop();
 }
 
-// The idle function may open a box whose loop needs it again, and a timer does not fire while its own handler runs;
-// so the next turn is a call of its own.
+// The idle function may open a box whose loop needs it again, and a timer does not fire while its own handler
+// runs; so the next turn is a call of its own.
 void QtView::runIdle() {
     if (!idle_) return;
     QTimer::singleShot(0, this, [this] { runIdle(); });
@@ -242,8 +240,7 @@ void QtView::runIdle() {
     idle();
 }
 
-// ---- questions
-// ------------------------------------------------------------------------------------------------------
+// ---- questions ----
 
 std::string QtView::ask(const Question& question) {
     const bool busy = busy_;
@@ -266,8 +263,7 @@ bool QtView::answer(const std::string& text) {
     return answerQuestion(text);
 }
 
-// ---- measures
-// -------------------------------------------------------------------------------------------------------
+// ---- measures ----
 
 int QtView::textWidth(const Control& control, std::string_view text) {
     return QFontMetrics(fontOf(control)).horizontalAdvance(shown(text));
@@ -296,8 +292,7 @@ int QtView::dpi() {
     return screen != nullptr ? static_cast<int>(screen->logicalDotsPerInch()) : 96;
 }
 
-// ---- system
-// ---------------------------------------------------------------------------------------------------------
+// ---- system ----
 
 void QtView::sound() {
     QApplication::beep();
@@ -384,8 +379,7 @@ void QtView::watch(int descriptor, std::function<void()> ready) {
     watched_[descriptor] = std::move(notifier);
 }
 
-// ---- events of the whole program
-// --------------------------------------------------------------------------------------
+// ---- events of the whole program ----
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     const auto type = event->type();

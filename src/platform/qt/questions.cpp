@@ -94,8 +94,7 @@ QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
     return button;
 }
 
-// ---- message
-// ----------------------------------------------------------------------------------------------------------
+// ---- message ----
 
 std::string askMessage(const Question& question, QWidget* parent) {
     QDialog box(parent);
@@ -134,8 +133,7 @@ std::string askMessage(const Question& question, QWidget* parent) {
     return run(question, box) == QDialog::Accepted ? answer : std::string();
 }
 
-// ---- a line, a row
-// --------------------------------------------------------------------------------------------------------
+// ---- a line, a row ----
 
 QHBoxLayout* okAndCancel(QDialog& box) {
     auto* row = new QHBoxLayout;
@@ -233,8 +231,7 @@ std::string askRow(const Question& question, QWidget* parent) {
     return question.rows[static_cast<std::size_t>(list->currentRow())];
 }
 
-// ---- files
-// -------------------------------------------------------------------------------------------------------------------
+// ---- files ----
 
 // "Text (*.ext)|*.ext|" rows, or a bare pattern.
 QStringList filtersOf(const std::string& filter) {

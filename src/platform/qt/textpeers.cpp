@@ -204,8 +204,7 @@ private:
     QPlainTextEdit& lines_;
 };
 
-// ---- the edit window
-// -----------------------------------------------------------------------------------------------
+// ---- the edit window ----
 
 MakeEditArea loadEditLibrary() {
     static const MakeEditArea make = [] {

@@ -7,14 +7,37 @@ namespace {
 
 using Settings = IdeTest;
 
-constexpr const char* required[] = {
-    "Edit_Find", "Edit_Replace", "ordo", "Compoptionsdlg", "Debugoptionsdlg", "Editoroptionsdlg", "Genoptionsdlg",
-    "Pathsoptionsdlg", "Sdiedit", "Viewdlg", "Projecteditordlg", "Main", "Gotofuncdlg", "debug", "Argumentsdlg",
-    "Confirmremovedlg", "BrowseInfoDlg", "MRU", "Hilite.cls", "Template.NewNonMainClass.cls",
-    "Template.NewMainClass.cls", "Template.NewDialog.cls", "Template.FunctionBody.cls", "Template.DialogBody.cls",
-    "Template.DataViewDialog.cls", "Template.TableDeclaration.cls", "Template.DatabaseDialog.cls"};
+constexpr const char* required[] = {"Edit_Find",
+                                    "Edit_Replace",
+                                    "ordo",
+                                    "Compoptionsdlg",
+                                    "Debugoptionsdlg",
+                                    "Editoroptionsdlg",
+                                    "Genoptionsdlg",
+                                    "Pathsoptionsdlg",
+                                    "Sdiedit",
+                                    "Viewdlg",
+                                    "Projecteditordlg",
+                                    "Main",
+                                    "Gotofuncdlg",
+                                    "debug",
+                                    "Argumentsdlg",
+                                    "Confirmremovedlg",
+                                    "BrowseInfoDlg",
+                                    "MRU",
+                                    "Hilite.cls",
+                                    "Template.NewNonMainClass.cls",
+                                    "Template.NewMainClass.cls",
+                                    "Template.NewDialog.cls",
+                                    "Template.FunctionBody.cls",
+                                    "Template.DialogBody.cls",
+                                    "Template.DataViewDialog.cls",
+                                    "Template.TableDeclaration.cls",
+                                    "Template.DatabaseDialog.cls"};
 
-TEST_F(Settings, ThatShipHaveEverySection) { EXPECT_EQ(CHECKINIFILE(ini()), ""); }
+TEST_F(Settings, ThatShipHaveEverySection) {
+    EXPECT_EQ(CHECKINIFILE(ini()), "");
+}
 
 TEST_F(Settings, ThatAreMissingLackEverySectionInOrder) {
     std::string all;

@@ -48,9 +48,11 @@ TEST_F(CommandLine, LeavesOutWhatIsEmptyAndEndsInTheClass) {
 }
 
 TEST_F(CommandLine, ChoosesTheBackEndByVersionPrefix) {
-    const struct { const char* version; const char* end; } rows[] = {
-        {"4.0", "/gd32 ^.cls"},  {"4.05", "/gd32 ^.cls"}, {"10.0", "/gdv10 ^.cls"}, {"10.01", "/gdv10 ^.cls"},
-        {"5.0", "/s0 ^.cls"},    {"", "/s0 ^.cls"}};
+    const struct {
+        const char* version;
+        const char* end;
+    } rows[] = {{"4.0", "/gd32 ^.cls"},    {"4.05", "/gd32 ^.cls"}, {"10.0", "/gdv10 ^.cls"},
+                {"10.01", "/gdv10 ^.cls"}, {"5.0", "/s0 ^.cls"},    {"", "/s0 ^.cls"}};
     for (const auto& row : rows) {
         tool("dcc32.exe", row.version);
         EXPECT_TRUE(SAVECOMMANDLINE(CompilerOptions{}, 12, false).ends_with(row.end)) << row.version;
@@ -78,14 +80,16 @@ using Idecore = IdeTest;
 
 TEST_F(Idecore, CommandLineFileGetsItsExtensionAndFolder) {
     std::filesystem::current_path(dir);
-    const struct { std::vector<std::string> arguments; std::string file; } rows[] = {
-        {{}, ""},
-        {{"abc"}, dir + "abc.cls"},
-        {{"abc.txt"}, dir + "abc.txt"},
-        {{"/x/abc"}, "/x/abc.cls"},
-        {{"sub/abc.rc"}, dir + "sub/abc.rc"},
-        {{"\"with blank.cls\""}, dir + "with blank.cls"},
-        {{"with", "blank.cls"}, dir + "with blank.cls"}};
+    const struct {
+        std::vector<std::string> arguments;
+        std::string file;
+    } rows[] = {{{}, ""},
+                {{"abc"}, dir + "abc.cls"},
+                {{"abc.txt"}, dir + "abc.txt"},
+                {{"/x/abc"}, "/x/abc.cls"},
+                {{"sub/abc.rc"}, dir + "sub/abc.rc"},
+                {{"\"with blank.cls\""}, dir + "with blank.cls"},
+                {{"with", "blank.cls"}, dir + "with blank.cls"}};
     for (const auto& row : rows) {
         std::vector<std::string> all{dir + "ide"};
         all.insert(all.end(), row.arguments.begin(), row.arguments.end());
@@ -130,7 +134,8 @@ TEST_F(Idecore, ListRefusesWhatTheMakeToolCannotTake) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "tools");
     const std::string text = write("a.txt", "x"), cls = write("a.cls", "x");
     EXPECT_EQ(LOADDEPLIST("", "/fq", true).error, "No file has been specified.");
-    EXPECT_EQ(LOADDEPLIST(text, "/fq", true).error, "'" + text + "' is not a class or resource file (*.cls, *.rc)");
+    EXPECT_EQ(LOADDEPLIST(text, "/fq", true).error,
+              "'" + text + "' is not a class or resource file (*.cls, *.rc)");
     EXPECT_EQ(LOADDEPLIST(dir + "b.cls", "/fq", true).error, "The file '" + dir + "b.cls' was not found.");
     EXPECT_EQ(LOADDEPLIST(cls, "/fq", true).error, "The file '" + dir + "tools/ordo.exe' was not found.");
 }
@@ -140,16 +145,19 @@ TEST_F(Idecore, CompileNamesWhatStandsInItsWay) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "tools");
     const std::string cls = write("a.cls", "no class");
     COMPILESINGLEFILE(cls, 1);
-    EXPECT_EQ(lastText(), "Cannot compile '" + cls + "'\n\nCannot find the compiler. It should be in the following file:\n'" + dir +
-                              "tools/quarn.exe'\n\nUse Tools-Options-Paths to make sure it is in the directory "
-                              "specified by the compiler file path.\n");
+    EXPECT_EQ(lastText(),
+              "Cannot compile '" + cls +
+                  "'\n\nCannot find the compiler. It should be in the following file:\n'" + dir +
+                  "tools/quarn.exe'\n\nUse Tools-Options-Paths to make sure it is in the directory "
+                  "specified by the compiler file path.\n");
     write("tools/quarn.exe", "x");
     COMPILESINGLEFILE(write("a.txt", "x"), 1);
-    EXPECT_EQ(lastText(), "Cannot compile '" + dir + "a.txt'\n\nCannot compile '" + dir + "a.txt'\nThe file cannot be found, or it does not have the "
-                                                     "correct extension (*.cls)\n");
+    EXPECT_EQ(lastText(), "Cannot compile '" + dir + "a.txt'\n\nCannot compile '" + dir +
+                              "a.txt'\nThe file cannot be found, or it does not have the "
+                              "correct extension (*.cls)\n");
     COMPILESINGLEFILE(cls, 1);
-    EXPECT_EQ(lastText(),
-              "Cannot compile '" + cls + "'\n\nCannot compile '" + cls + "'\nThis file is not a valid class.\n");
+    EXPECT_EQ(lastText(), "Cannot compile '" + cls + "'\n\nCannot compile '" + cls +
+                              "'\nThis file is not a valid class.\n");
 }
 
 }  // namespace

@@ -25,10 +25,13 @@ TEST_F(MainWindow, StartsWithNothingOpen) {
 }
 
 TEST_F(MainWindow, HonoursAPositionThatCanBeReached) {
-    const struct { const char* text; int x; bool honoured; } rows[] = {
-        {"-20 -20 1000 100", -20, true}, {"-21 0 1000 100", 0, false}, {"0 -21 1000 100", 0, false},
-        {"50 50 0 100", 0, false},       {"50 50 1000 0", 0, false},   {"50 50 1000", 0, false},
-        {"1900 0 1000 100", 1900, true}, {"1901 0 1000 100", 0, false}, {"a b c d", 0, false}};
+    const struct {
+        const char* text;
+        int x;
+        bool honoured;
+    } rows[] = {{"-20 -20 1000 100", -20, true}, {"-21 0 1000 100", 0, false},  {"0 -21 1000 100", 0, false},
+                {"50 50 0 100", 0, false},       {"50 50 1000 0", 0, false},    {"50 50 1000", 0, false},
+                {"1900 0 1000 100", 1900, true}, {"1901 0 1000 100", 0, false}, {"a b c d", 0, false}};
     for (const auto& row : rows) {
         setting("Main", "_Position", row.text);
         start();
@@ -81,12 +84,14 @@ TEST_F(MainWindow, GoesToTheLastFolderIfItIsStillThere) {
 
 TEST_F(MainWindow, EnablesTheRunCommandsForAClassOnly) {
     start({write("a.txt", "x")});
-    for (const char* item : {"run_quickbuild", "run_rebuild", "run_compile", "run_start"}) EXPECT_FALSE(isEnabled(item));
+    for (const char* item : {"run_quickbuild", "run_rebuild", "run_compile", "run_start"})
+        EXPECT_FALSE(isEnabled(item));
     EXPECT_TRUE(isEnabled("window_code"));
     EXPECT_FALSE(isEnabled("window_error"));
     DO_OPEN(write("a.cls", "Tarnwick Class a\nEnd class\n"), MAINCONTROL("programlabel"));
     UPDATEMAINWINDOW();
-    for (const char* item : {"run_quickbuild", "run_rebuild", "run_compile", "run_start"}) EXPECT_TRUE(isEnabled(item));
+    for (const char* item : {"run_quickbuild", "run_rebuild", "run_compile", "run_start"})
+        EXPECT_TRUE(isEnabled(item));
     EXPECT_FALSE(isEnabled("run_debug"));  // there is no debugger yet
 }
 

@@ -24,8 +24,8 @@ protected:
     }
     // A tool that notes its arguments in `<name>.log`, one a line, and then does `body`.
     void tool(const std::string& name, const std::string& body) {
-        write("tools/" + name, "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$@\" > " + name + ".log\n" + body +
-                                   "\n");
+        write("tools/" + name, "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$@\" > " + name +
+                                   ".log\n" + body + "\n");
         std::filesystem::permissions(tools + name, std::filesystem::perms(0755));
     }
     std::string log(const std::string& name) { return read(tools + name + ".log"); }
@@ -40,9 +40,10 @@ protected:
 
 TEST_F(Build, NeedsTheMakeTool) {
     EXPECT_FALSE(build(main));
-    EXPECT_EQ(lastText(), "Cannot find the ORDO program. It should be in the following file:\n'" + tools +
-                              "ordo.exe'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\n"
-                              "contains the ORDO.EXE program file.");
+    EXPECT_EQ(lastText(),
+              "Cannot find the ORDO program. It should be in the following file:\n'" + tools +
+                  "ordo.exe'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\n"
+                  "contains the ORDO.EXE program file.");
 }
 
 TEST_F(Build, RefusesWhatIsNoClass) {
@@ -59,12 +60,14 @@ TEST_F(Build, RefusesAnEmptyClassAndOneThatIsNotMain) {
     tool("ordo.exe", "");
     const std::string absent = dir + "absent.cls";
     EXPECT_FALSE(build(absent));
-    EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n'" + absent +
-                              "'\n\nis empty or does not exist.");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n'" + absent +
+                  "'\n\nis empty or does not exist.");
     const std::string part = write("part.cls", "Tarnwick Class part\nEnd class\n");
     EXPECT_FALSE(build(part));
-    EXPECT_EQ(lastText(), "File '" + part + "' is not a main class.\n'Run-Quickbuild' only works with main "
-                                            "classes.\n\nInstead, compile this class using the 'Run-Compile' command.");
+    EXPECT_EQ(lastText(), "File '" + part +
+                              "' is not a main class.\n'Run-Quickbuild' only works with main "
+                              "classes.\n\nInstead, compile this class using the 'Run-Compile' command.");
 }
 
 TEST_F(Build, CallsTheMakeToolAndIsCleanWithoutMessages) {
@@ -114,8 +117,9 @@ TEST_F(Build, DoesNotGoOnWhenTheSaveWasCancelled) {
     EDITWNDNEW(SDIEdit, "Tarnwick Class x\nEnd class\n");
     EXPECT_FALSE(build("<untitled>"));
     EXPECT_EQ(log("ordo.exe"), "");
-    EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Quickbuild' command.\n'<untitled>' is not a class, it "
-                          "does not have the correct extension (*.cls).");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Quickbuild' command.\n'<untitled>' is not a class, it "
+              "does not have the correct extension (*.cls).");
 }
 
 TEST_F(Build, ToolThatFailsWithTheMarkOfSuccessHasFailed) {
@@ -133,7 +137,9 @@ TEST_F(Build, ToolThatOnlyLeftItsOwnReportIsShownByIt) {
 using Start = Build;
 
 TEST_F(Start, RebuildsAMissingProgramWithoutAQuestionAndStartsIt) {
-    tool("ordo.exe", "case \"$*\" in *-n*) echo prog.exe > ordo.err; exit;; esac; printf '#!/bin/sh\\ntouch \"%s\"\\n' \"" + dir + "ran\" > ../prog.exe; chmod +x ../prog.exe");
+    tool("ordo.exe", "case \"$*\" in *-n*) echo prog.exe > ordo.err; exit;; esac; printf '#!/bin/sh\\ntouch "
+                     "\"%s\"\\n' \"" +
+                         dir + "ran\" > ../prog.exe; chmod +x ../prog.exe");
     RUN_START("Run-Start", main);
     for (int i = 0; i < 100 && !std::filesystem::exists(dir + "ran"); i++) DoEvents(), usleep(20000);
     EXPECT_TRUE(std::filesystem::exists(dir + "ran"));
@@ -168,7 +174,8 @@ TEST_F(Start, IsNotCurrentWhileTheTextIsChanged) {
 
 TEST_F(Start, RefusesWhatCannotBeStarted) {
     RUN_START("Run-Start", "");
-    EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Start' command.\nThere is no file to build or run.");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\nThere is no file to build or run.");
     RUN_START("Run-Start", dir + "a.txt");
     EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Start' command.\n'" + dir +
                               "a.txt' is not a class, it does not have the correct extension (*.cls).");
@@ -181,12 +188,14 @@ TEST_F(Compile, SaysWhyAWindowCannotBeCompiled) {
     EXPECT_EQ(lastText(), "There is no file to compile.\nUse File-Open to open a file first.");
     open(write("a.txt", "text"));
     RUN_COMPILE(SDIEdit);
-    EXPECT_EQ(lastText(), "This file cannot be compiled because it is not a class.\nOpen a class then try again.");
+    EXPECT_EQ(lastText(),
+              "This file cannot be compiled because it is not a class.\nOpen a class then try again.");
     open(write("b.txt", "Tarnwick Class b\nEnd class\n"));
     RUN_COMPILE(SDIEdit);
-    EXPECT_EQ(lastText(), "The following class:\n\n'" + dir +
-                              "b.txt'\n\ncannot be compiled because it does not have the correct extension (*.cls)\n"
-                              "Save the class with the extension '.cls' then recompile it.");
+    EXPECT_EQ(lastText(),
+              "The following class:\n\n'" + dir +
+                  "b.txt'\n\ncannot be compiled because it does not have the correct extension (*.cls)\n"
+                  "Save the class with the extension '.cls' then recompile it.");
 }
 
 TEST_F(Compile, TellsSuccessForAnEmptyMessageFile) {
@@ -200,7 +209,9 @@ TEST_F(Compile, TellsSuccessForAnEmptyMessageFile) {
 
 TEST_F(Compile, ShowsFortyLinesWholeAndCutsFortyOne) {
     open(main);
-    const auto lines = [](int n) { return "i=1; while [ $i -le " + STR(n) + " ]; do echo m$i; i=$((i+1)); done > sarn.err"; };
+    const auto lines = [](int n) {
+        return "i=1; while [ $i -le " + STR(n) + " ]; do echo m$i; i=$((i+1)); done > sarn.err";
+    };
     tool("quarn.exe", lines(40));
     RUN_COMPILE(SDIEdit);
     EXPECT_NE(lastText().find("m40"), std::string::npos);

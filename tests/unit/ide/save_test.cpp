@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// A save from the Code window while the disk fails or the process dies at each call in turn: the old or the new text
-// is on the disk, the text is in the window, and the user is told.
+// A save from the Code window while the disk fails or the process dies at each call in turn: the old or the
+// new text is on the disk, the text is in the window, and the user is told.
 #include "ide/rescue.h"
 #include "support/ide_fixture.h"
 #include "support/steerable.h"
@@ -44,7 +44,8 @@ protected:
 };
 
 TEST_F(Save, ThatFailsAtAnyCallKeepsTheTextAndTellsTheUser) {
-    for (const os::FileError error : {os::FileError::DiskFull, os::FileError::Denied, os::FileError::WriteFailed}) {
+    for (const os::FileError error :
+         {os::FileError::DiskFull, os::FileError::Denied, os::FileError::WriteFailed}) {
         int failures = 0;
         for (int n = 1; n < 60; n++) {
             openAndChange();

@@ -145,8 +145,9 @@ TEST_F(CodeWindow, OffersToMatchTheClassNameToTheFile) {
     EDITWNDNEW(SDIEdit, "Tarnwick Class Abc\nEnd class\n");
     answers = {dir + "other.cls", "&Yes"};
     EDITWNDSAVE(SDIEdit, false);
-    EXPECT_EQ(lastText(), "The classname 'Abc' does not match the file being saved (other.cls).\nDo you want the "
-                          "classname to be changed to match?");
+    EXPECT_EQ(lastText(),
+              "The classname 'Abc' does not match the file being saved (other.cls).\nDo you want the "
+              "classname to be changed to match?");
     EXPECT_EQ(read(dir + "other.cls"), "Tarnwick Class other\nEnd class\n");
 }
 
@@ -182,7 +183,8 @@ TEST_F(CodeWindow, KeepsTheTextWhenTheSaveFails) {
 TEST_F(CodeWindow, KeepsEveryByteOfAFile) {
     std::string bytes;
     for (int i = 0; i < 256; i++) bytes += static_cast<char>(i);
-    for (const std::string& text : {bytes, std::string("a\r\nb\nc\rd"), std::string("\xff\xfe\xc3"), std::string()}) {
+    for (const std::string& text :
+         {bytes, std::string("a\r\nb\nc\rd"), std::string("\xff\xfe\xc3"), std::string()}) {
         const std::string file = write("bytes.bin", text);
         EDITWNDOPEN(SDIEdit, file, true, 0);
         EDITWNDSAVE(SDIEdit, false);
@@ -203,8 +205,9 @@ TEST_F(CodeWindow, CloseHidesAndRemembersItsPlace) {
 
 TEST(Flags, AreNamedInTheirOrder) {
     EXPECT_EQ(FLAGSTOSTR(0), "");
-    EXPECT_EQ(FLAGSTOSTR(16 + 32 + 64 + 128 + 256 + 512 + 1024 + 2048 + 4096),
-              "allowoverwrite autoindent hilite readonly selectall statusbar tabshift private_modify numberbar");
+    EXPECT_EQ(
+        FLAGSTOSTR(16 + 32 + 64 + 128 + 256 + 512 + 1024 + 2048 + 4096),
+        "allowoverwrite autoindent hilite readonly selectall statusbar tabshift private_modify numberbar");
     EXPECT_EQ(FLAGSTOSTR(4096 + 32), "autoindent numberbar");
 }
 

@@ -242,7 +242,7 @@ TEST_F(Process, ExitHooksRunNewestFirstOnceBeforeTheWindowsGo) {
     EXPECT_EQ(log(), (Log{"second", "first", "close", "end 0", "close", "end 0"}));
 }
 
-// ---- the fatal report ---------------------------------------------------------------------------
+// ---- the fatal report ----
 
 TEST_F(Process, AFatalReportHasTitlePlaceAndExtra) {
     const struct {
@@ -279,7 +279,7 @@ TEST_F(Process, AFatalReportRescuesFirst) {
     EXPECT_EQ(log(), (Log{"rescue", "fatal|Error 5|m\n", "end 1"}));
 }
 
-// ---- a whole program ----------------------------------------------------------------------------
+// ---- a whole program ----
 
 tarn_program program(void (*main)()) {
     tarn_program made{};
@@ -388,7 +388,7 @@ TEST_F(Process, AStrayExceptionIs512WithThePlaceItCameFrom) {
     endOf([] { ProcessStop(); });
 }
 
-// ---- faults: each in a process of its own -------------------------------------------------------
+// ---- faults: each in a process of its own ----
 
 using Fault = void (*)();
 

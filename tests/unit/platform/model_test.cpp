@@ -177,8 +177,7 @@ protected:
     Control& control(const char* name) { return *findControl(mine(name)); }
 };
 
-// ---- names
-// -------------------------------------------------------------------------------------------------------------
+// ---- names ----
 
 TEST_F(ModelTest, ObjectsCompareWithoutRegardToCase) {
     EXPECT_EQ(Object("main"), main);
@@ -239,8 +238,7 @@ TEST_F(ModelTest, TypesAreTold) {
     EXPECT_EQ(GetTypeof(editor), "Editwindow");
 }
 
-// ---- life
-// --------------------------------------------------------------------------------------------------------------
+// ---- life ----
 
 TEST_F(ModelTest, LoadSendsLoadEventOnceBeforeTheWindowIsShown) {
     handler = [](const Object& window, int event, const Object&, int) {
@@ -456,8 +454,7 @@ TEST_F(ModelTest, WindowsAreListedInTheOrderOfLoading) {
     for (const Sent& sent : events) EXPECT_EQ(sent.event, LOAD_EVENT) << "the halt sends nothing";
 }
 
-// ---- showing
-// -----------------------------------------------------------------------------------------------------------
+// ---- showing ----
 
 TEST_F(ModelTest, ShowActivatesAndTellsTheMainWindow) {
     ASSERT_EQ(Load(main), Ok);
@@ -637,8 +634,7 @@ TEST_F(ModelTest, ATimerMayEndAModalWaitWithoutAUser) {
     EXPECT_FALSE(IsLoaded(second));
 }
 
-// ---- events
-// ------------------------------------------------------------------------------------------------------------
+// ---- events ----
 
 TEST_F(ModelTest, TheUsersDoingsChangeTheModelFirstAndThenSendTheirEvent) {
     loadMain();
@@ -801,8 +797,7 @@ TEST_F(ModelTest, ALaterCopyFindsTheWindowAndItsCommandWaitsForTheModalOneToEnd)
     EXPECT_EQ(exitCode(late), 0) << "nobody answers when the loop is over";
 }
 
-// ---- values
-// ------------------------------------------------------------------------------------------------------------
+// ---- values ----
 
 TEST_F(ModelTest, LoadSetsWhatTheResourcesSay) {
     loadMain();
@@ -926,8 +921,7 @@ TEST_F(ModelTest, RadioButtonsExcludeEachOtherInTheirGroup) {
     EXPECT_EQ(Controlselectionpos(mine("free1")).code, NotAControlArray);
 }
 
-// ---- lists
-// ---------------------------------------------------------------------------------------------------------------
+// ---- lists ----
 
 TEST_F(ModelTest, RowsAreNumberedFromOneAndHaveNoLineEnd) {
     loadMain();
@@ -994,8 +988,7 @@ TEST_F(ModelTest, NamedValuesOfAWindow) {
     EXPECT_EQ(GetArrayValue(main, "Name").value, "");
 }
 
-// ---- positions
-// -------------------------------------------------------------------------------------------------------------
+// ---- positions ----
 
 TEST_F(ModelTest, PositionsAreKeptInTheLimitsOfTheWindow) {
     loadMain();
@@ -1044,8 +1037,7 @@ TEST_F(ModelTest, FontsAreKept) {
     EXPECT_EQ(GetFont(mine("ok")).value, Font());
 }
 
-// ---- arrays
-// -----------------------------------------------------------------------------------------------------------------
+// ---- arrays ----
 
 TEST_F(ModelTest, ArraysHaveBoundsFromOne) {
     loadMain();
@@ -1117,8 +1109,7 @@ TEST_F(ModelTest, AnItemMayBeRemovedInItsOwnEvent) {
     EXPECT_EQ(ControlBounds(mine("item_01")).value.upper, 2);
 }
 
-// ---- dialogs
-// ----------------------------------------------------------------------------------------------------------------
+// ---- dialogs ----
 
 TEST_F(ModelTest, MessageBoxesAskWithTheirButtons) {
     answers = {"&No", "", "OK"};
@@ -1194,8 +1185,7 @@ TEST_F(ModelTest, WhoeverPlaysTheUserAnswersTheOpenQuestion) {
     EXPECT_EQ(ListBox("t", "p", "a\nb"), "");
 }
 
-// ---- system
-// -----------------------------------------------------------------------------------------------------------------
+// ---- system ----
 
 TEST_F(ModelTest, DiskSpaceOfAFolderThatDoesNotExistIsMinusOne) {
     EXPECT_GT(DiskSpace(folder.path()).value, 0);

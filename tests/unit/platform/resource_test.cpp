@@ -108,8 +108,7 @@ protected:
     }
 };
 
-// ---- reading
-// -----------------------------------------------------------------------------------------------------------
+// ---- reading ----
 
 TEST_F(ResourceTest, ReadGivesNameTypePositionThenTheTypesOrderThenWhatIsUnknown) {
     const ObjectArray array = objects("main");
@@ -156,8 +155,7 @@ TEST_F(ResourceTest, StringsOfTheElementsCapacitySurviveARoundTrip) {
     }
 }
 
-// ---- writing
-// -----------------------------------------------------------------------------------------------------------
+// ---- writing ----
 
 TEST_F(ResourceTest, WritingUnchangedChangesNoByte) {
     for (const std::string& text : {example, replaced(example, "// the end", ""), example + "\n\n\n"}) {
@@ -340,8 +338,7 @@ TEST_F(ResourceTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
     EXPECT_EQ(refused("NAME=logo\nTYPEOF=Dialog\n", "", ""), "'logo' is the name of another resource.");
 }
 
-// ---- lists
-// -------------------------------------------------------------------------------------------------------------
+// ---- lists ----
 
 TEST_F(ResourceTest, InfoListsInEveryForm) {
     EXPECT_EQ(info("*", "*"), "logo\nreadme\npeople\nMain\nMainMenu\nVS_VERSION_INFO\n");
@@ -394,8 +391,7 @@ TEST_F(ResourceTest, ALineOfInfoIsAStatementAgain) {
     EXPECT_EQ(ResourceInfo((folder / "b.rc"), "INCFILE", "readme").text, line);
 }
 
-// ---- deleting, renaming, appending
-// ---------------------------------------------------------------------------------------
+// ---- deleting, renaming, appending ----
 
 TEST_F(ResourceTest, DeleteRemovesItsLinesOnly) {
     EXPECT_EQ(ResourceDelete(rc, "MAIN"), "");
@@ -452,8 +448,7 @@ TEST_F(ResourceTest, WriteTextRefusesWhatIsNotOneStatement) {
     EXPECT_EQ(read(rc), example);
 }
 
-// ---- types
-// -------------------------------------------------------------------------------------------------------------
+// ---- types ----
 
 TEST_F(ResourceTest, TypelistBeginsWithNameTypeAndPositionForEveryType) {
     for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i) {
@@ -512,8 +507,7 @@ TEST_F(ResourceTest, CommonIdentifiersAreKnown) {
     for (const char* name : {"", "IDNOTHING", "pushbutton1"}) EXPECT_FALSE(ResourceCommonId(name)) << name;
 }
 
-// ---- damaged and hostile files
-// ----------------------------------------------------------------------------------------------
+// ---- damaged and hostile files ----
 
 struct Broken {
     const char* text;

@@ -79,8 +79,7 @@ void TextArea::configure() {
             send(SCI_CLEARCMDKEY, key + (modifiers << 16));
 }
 
-// ---- text
-// -----------------------------------------------------------------------------------------------------------
+// ---- text ----
 
 std::string_view TextArea::range(int from, int to) const {
     const auto* start = reinterpret_cast<const char*>(send(SCI_GETRANGEPOINTER, from, to - from));
@@ -202,8 +201,7 @@ void TextArea::flush() {
     emit edited();
 }
 
-// ---- look
-// -----------------------------------------------------------------------------------------------------------
+// ---- look ----
 
 void TextArea::setFlags(int flags) {
     const int changed = flags_ ^ flags;
@@ -238,7 +236,8 @@ void TextArea::setTokens(std::string_view tokens) {
     colourAnew();
 }
 
-// Clearing the styles counts the whole text as coloured; starting at 0 lets the next paint ask for them again.
+// Clearing the styles counts the whole text as coloured; starting at 0 lets the next paint ask for them
+// again.
 void TextArea::colourAnew() {
     send(SCI_CLEARDOCUMENTSTYLE);
     send(SCI_STARTSTYLING, 0);
@@ -316,8 +315,7 @@ bool TextArea::overwriting() const {
     return send(SCI_GETOVERTYPE) != 0;
 }
 
-// ---- the user
-// -------------------------------------------------------------------------------------------------------
+// ---- the user ----
 
 bool TextArea::event(QEvent* event) {
     const bool handled = QsciScintillaBase::event(event);
