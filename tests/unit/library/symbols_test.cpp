@@ -289,38 +289,6 @@ protected:
     const std::string ini = SOURCE_DIR "/src/ide/ide.ini";
 };
 
-TEST_F(ShippedSettings, HoldEverySectionThatTheStartAsksFor) {
-    const char* required[] = {"Edit_Find",
-                              "Edit_Replace",
-                              "ordo",
-                              "Compoptionsdlg",
-                              "Debugoptionsdlg",
-                              "Editoroptionsdlg",
-                              "Genoptionsdlg",
-                              "Pathsoptionsdlg",
-                              "Sdiedit",
-                              "Viewdlg",
-                              "Projecteditordlg",
-                              "Main",
-                              "Gotofuncdlg",
-                              "debug",
-                              "Argumentsdlg",
-                              "Confirmremovedlg",
-                              "BrowseInfoDlg",
-                              "MRU",
-                              "Hilite.cls",
-                              "Template.NewNonMainClass.cls",
-                              "Template.NewMainClass.cls",
-                              "Template.NewDialog.cls",
-                              "Template.FunctionBody.cls",
-                              "Template.DialogBody.cls",
-                              "Template.DataViewDialog.cls",
-                              "Template.TableDeclaration.cls",
-                              "Template.DatabaseDialog.cls"};
-    const std::string all = "\n" + PROFILESTRSECTIONS(ini);
-    for (const std::string name : required) EXPECT_NE(STRFIND("\n" + name + "\n", all), 0) << name;
-}
-
 TEST_F(ShippedSettings, HaveDosLineEndsAndUniqueSections) {
     std::string text;
     ASSERT_TRUE(LOADFILE(ini, text));

@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* oldText = "the old contents, longer than the new";
 constexpr const char* newText = "the new contents";
-constexpr const char* target = "/home/u/work/a.cls";
+constexpr const char* target = "/home/u/texts/a.cls";
 
 // A starting point: what stands on the disk, and what is saved.
 struct Case {
@@ -368,7 +368,7 @@ TEST_F(SaveRules, aNameThatIsNotAFileIsTold) {
     } rows[] = {
         {"", FileError::BadName},
         {"/home/u/work", FileError::IsFolder},
-        {"/home/u/work/", FileError::IsFolder},
+        {"/home/u/texts/", FileError::IsFolder},
         {"/home/u/new/", FileError::NotFound},
         {"/home/u/none/a.cls", FileError::NotFound},
         {"/home/u/file/a.cls", FileError::NotFolder},
