@@ -3,8 +3,25 @@
 #include "kernel/runtime.h"
 #include "os/process.h"
 
+#include <cstdio>
+
+namespace {
+
+bool hasScreen() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!tarn::os::environment(name).empty()) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     tarn::os::setCommandLine(argc, argv);
+    if (!hasScreen()) {
+        std::fputs("ide: there is no display. Start it in a desktop session, or set DISPLAY.\n", stderr);
+        return 1;
+    }
     tarn::RunProtected(tarn::RUNIDE);
     return 0;
 }

@@ -69,6 +69,7 @@ Splash::Splash(const std::string& picture, const std::vector<std::string>& lines
     setAttribute(Qt::WA_QuitOnClose, false);
     for (const auto& line : lines) lines_ << shown(line);
     pixmap_ = pictureOfFile(picture_, devicePixelRatioF());
+    setWindowTitle(lines_.value(0));
     setAccessibleName(lines_.join(u' '));
     setFixedSize(pixmap_.isNull() ? QSize(480, 300) : pixmap_.deviceIndependentSize().toSize());
     centre(*this);
