@@ -12,6 +12,9 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
 
 namespace tarn::os {
 
@@ -136,6 +139,10 @@ void debugOutput(const std::string& text) {
 
 void endProcess(int code) {
     if (endHook != nullptr) endHook(code);
+#ifdef __SANITIZE_ADDRESS__
+    // Nothing is destroyed here, so leaks would be looked for nowhere.
+    if (code == 0 && __lsan_do_recoverable_leak_check() != 0) code = 1;
+#endif
     ::_exit(code);
 }
 

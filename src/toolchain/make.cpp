@@ -172,6 +172,10 @@ private:
         for (const std::string& word : {"-L" + library, std::string("-ltarnwick"),
                                         std::string("-Wl,-rpath,$ORIGIN"), "-Wl,-rpath," + library})
             arguments.push_back(word);
+#ifdef __SANITIZE_ADDRESS__
+        // The kernel of such a build needs its run-time to be the first library of the program.
+        arguments.push_back("-fsanitize=address");
+#endif
         const ToolRun run = runTool(compiler, arguments, made + ".log");
         if (!run.failure.empty() || os::sizeOf(made) <= 0) {
             os::files().remove(made);

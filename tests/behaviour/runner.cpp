@@ -20,6 +20,9 @@
 #include <fstream>
 #include <iterator>
 #include <unistd.h>
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
 
 namespace fs = std::filesystem;
 
@@ -33,7 +36,17 @@ std::string readAll(const std::string& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+// The run ends in the middle of the program, without the end at which leaks are looked for.
+bool leaks() {
+#ifdef __SANITIZE_ADDRESS__
+    return __lsan_do_recoverable_leak_check() != 0;
+#else
+    return false;
+#endif
+}
+
 [[noreturn]] void end(int code) {
+    if (code == 0 && leaks()) code = 1;
     std::fflush(nullptr);
     std::error_code ignored;
     if (!root.empty()) fs::remove_all(root, ignored);
