@@ -33,24 +33,24 @@ void PrintTo(const Case& one, std::ostream* out) {
 }
 
 void onlyFolder(SteeredFiles& disk) {
-    disk.putFolder("/home/u/work");
+    disk.putFolder("/home/u/texts");
 }
 void existing(SteeredFiles& disk) {
     disk.put(target, oldText, 0640);
 }
 void throughLink(SteeredFiles& disk) {
     disk.put("/srv/real/a.cls", oldText, 0640);
-    disk.putFolder("/home/u/work");
+    disk.putFolder("/home/u/texts");
     disk.putLink("../../../srv/real/a.cls", target);
 }
 void danglingLink(SteeredFiles& disk) {
     disk.putFolder("/srv/real");
-    disk.putFolder("/home/u/work");
+    disk.putFolder("/home/u/texts");
     disk.putLink("/srv/real/a.cls", target);
 }
 void closedFolder(SteeredFiles& disk) {
     disk.put(target, oldText, 0640);
-    disk.putFolder("/home/u/work", 0555);
+    disk.putFolder("/home/u/texts", 0555);
 }
 void hardLinks(SteeredFiles& disk) {
     disk.put(target, oldText, 0640);
@@ -298,7 +298,7 @@ TEST_F(SaveRules, aFileThatOnlyOthersMayWriteIsRefusedUnchanged) {
 }
 
 TEST_F(SaveRules, aNewFileInAClosedFolderIsDenied) {
-    disk_.putFolder("/home/u/work", 0555);
+    disk_.putFolder("/home/u/texts", 0555);
     const SaveResult result = saveFile(target, newText);
     EXPECT_EQ(result.error, FileError::Denied);
     EXPECT_EQ(disk_.allFiles(), std::vector<std::string>{});
@@ -358,7 +358,7 @@ TEST_F(SaveRules, temporariesOfDeadProcessesAreNotInTheWay) {
 }
 
 TEST_F(SaveRules, aNameThatIsNotAFileIsTold) {
-    disk_.putFolder("/home/u/work");
+    disk_.putFolder("/home/u/texts");
     disk_.put("/home/u/file", "x");
     disk_.putLink("/home/u/loop2", "/home/u/loop1");
     disk_.putLink("/home/u/loop1", "/home/u/loop2");
@@ -367,7 +367,7 @@ TEST_F(SaveRules, aNameThatIsNotAFileIsTold) {
         FileError error;
     } rows[] = {
         {"", FileError::BadName},
-        {"/home/u/work", FileError::IsFolder},
+        {"/home/u/texts", FileError::IsFolder},
         {"/home/u/texts/", FileError::IsFolder},
         {"/home/u/new/", FileError::NotFound},
         {"/home/u/none/a.cls", FileError::NotFound},
