@@ -73,10 +73,11 @@ void MULTIHELP(int, const std::string& helpFile, int, const std::string& topic) 
     else if (!holds(WebTypes, type))
         refusal = "Help file type '" + type + "' is not supported.";
     STAMP();
-    if (refusal.empty())
-        OpenUrl(pageUrl(helpFile, topic));
-    else
-        MSGBOX(std::string(HelpTitle), refusal);
+    if (refusal.empty() && !OpenUrl(pageUrl(helpFile, topic)))
+        refusal = "No program was found that opens the following file:\n\n\t'" + helpFile +
+                  "'\n\nInstall a web browser, or make one the desktop's default.";
+    STAMP();
+    if (!refusal.empty()) MSGBOX(std::string(HelpTitle), refusal);
 }
 
 }  // namespace tarn

@@ -178,7 +178,7 @@ void AppIcon(const std::string& file);
 void SetBusy(bool busy);  // the wait cursor, and all windows of the program disabled; nests
 void SetTimer(const Object& owner,
               int milliseconds);       // sends TIMER_EVENT to its window again and again; 0 stops it
-void OpenUrl(const std::string& url);  // with the desktop's program for it
+bool OpenUrl(const std::string& url);  // with the desktop's program for it; false if there is none
 // While a tool runs: shows a small window with `text` and a Stop button; see ToolStopPressed. Empty text
 // hides it.
 void ShowToolProgress(const std::string& text);

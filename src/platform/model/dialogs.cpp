@@ -158,8 +158,8 @@ void SetTimer(const Object& owner, int milliseconds) {
     if (Control* const control = findControl(owner)) view().setTimer(*control, std::max(milliseconds, 0));
 }
 
-void OpenUrl(const std::string& url) {
-    view().openUrl(url);
+bool OpenUrl(const std::string& url) {
+    return view().openUrl(url);
 }
 void ShowToolProgress(const std::string& text) {
     view().toolProgress(text);

@@ -75,7 +75,7 @@ public:
         dropTimer(owner.handle);
         if (milliseconds > 0) timers_.push_back({owner.handle, milliseconds, dueAfter(milliseconds), false});
     }
-    void openUrl(const std::string&) override {}
+    bool openUrl(const std::string&) override { return true; }
     void toolProgress(const std::string& text) override {
         progress_ = !text.empty();
         stopped_ = stopped_ && progress_;

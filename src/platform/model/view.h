@@ -109,7 +109,7 @@ public:
     virtual void setIcon(const std::string& file) = 0;
     virtual void setBusy(bool busy) = 0;
     virtual void setTimer(Control& owner, int milliseconds) = 0;
-    virtual void openUrl(const std::string& url) = 0;
+    virtual bool openUrl(const std::string& url) = 0;  // false: no program was found for it
     virtual void toolProgress(const std::string& text) = 0;
     virtual bool toolStopPressed() = 0;
     virtual void showSplash(const std::string& picture, const std::vector<std::string>& lines) = 0;

@@ -342,8 +342,8 @@ void QtView::setTimer(Control& owner, int milliseconds) {
     timers_[owner.handle] = std::move(timer);
 }
 
-void QtView::openUrl(const std::string& url) {
-    QDesktopServices::openUrl(QUrl(shown(url)));
+bool QtView::openUrl(const std::string& url) {
+    return QDesktopServices::openUrl(QUrl(shown(url)));
 }
 
 void QtView::toolProgress(const std::string& text) {

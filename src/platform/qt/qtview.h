@@ -55,7 +55,7 @@ public:
     void setIcon(const std::string& file) override;
     void setBusy(bool busy) override;
     void setTimer(Control& owner, int milliseconds) override;
-    void openUrl(const std::string& url) override;
+    bool openUrl(const std::string& url) override;
     void toolProgress(const std::string& text) override;
     bool toolStopPressed() override;
     void showSplash(const std::string& picture, const std::vector<std::string>& lines) override;
