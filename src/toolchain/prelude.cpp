@@ -4,6 +4,16 @@
 namespace tarn::toolchain {
 
 const std::string_view PreludeText = R"(
+extern char *quarn_stack_end; /* the last place from where an error can still be reported; see main() */
+static inline void quarn_enter(const char *class_name, const char *function_name, int32_t line)
+{
+    char here;
+    tarn_enter(class_name, function_name, line);
+    if (&here < quarn_stack_end) {
+        tarn_set_error(803);
+        tarn_stamp_slow(line, 0, tarn_default_onerror);
+    }
+}
 static inline void quarn_msgbox(const tarn_string *title, const tarn_string *text)
 {
     tarn_string buttons, answer;
