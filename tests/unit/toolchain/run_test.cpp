@@ -267,7 +267,7 @@ TEST_F(Run, EndlessRecursionIsReportedWithItsFunction) {
                                                "function DOWN(n : integer) return integer\nvar s : string\n"
                                                "s := STR(n) + \"x\"\nreturn DOWN(n + 1) + 1\nend function\n",
                                                "i := DOWN(1)\nPRINT(\"never\")")}}),
-              "Error 803: Program ran out of stack space\nFile Main, function DOWN, line 4\n\n");
+              "Error 803: Program ran out of stack space\nFile Main, function down, line 4\n\n");
     EXPECT_NE(code, 139);
     EXPECT_EQ(runProgram(
                   {{"main.cls", program("function DOWN(n : integer) return integer\nif n = 0 then\nreturn 0\n"
