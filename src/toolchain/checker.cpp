@@ -125,9 +125,9 @@ private:
                 steps > MaxNesting ? nullptr : lookUp({}, reference.name, reference.line);
             if (item == nullptr || item->kind != DeclarationKind::Type) {
                 if (item != nullptr)
-                    wrongKind(*item, "type", reference.line);
+                    wrongKind(*item, "a type", reference.line);
                 else if (steps > MaxNesting)
-                    unknown(reference.name, reference.line);
+                    add(reference.line, Problem::ConstantCycle, {reference.name});
                 reference.type = Type::Unknown;
                 reference.name.clear();
                 return;
@@ -260,6 +260,7 @@ private:
         const bool good = head.parameters.size() == 1 && head.parameters[0]->mode == Mode::In &&
                           head.parameters[0]->type.type == Type::Integer && head.result.type == Type::None;
         if (!good) add(item.line, Problem::OnerrorHeader, {});
+        if (head.hasRange && head.firstCode > head.lastCode) add(item.line, Problem::EmptyErrorRange, {});
     }
 
     void declareLocals(Function& head) {
@@ -409,7 +410,7 @@ private:
         if (item.type == Type::None)
             add(item.line, Problem::NoValue, {item.name});
         else
-            add(item.line, Problem::TypeMismatch, {typeName(type), typeName(item.type)});
+            add(item.line, Problem::TypeMismatch, {typePhrase(type), typePhrase(item.type)});
         return false;
     }
 
@@ -423,7 +424,7 @@ private:
         switch (item.kind) {
         case ExpressionKind::Literal:
             item.type = item.value.type;
-            if (item.type != Type::Unknown) item.constant = item.value;
+            if (item.type != Type::Unknown) constantText(item, item.value);
             return;
         case ExpressionKind::Name: return name(item);
         case ExpressionKind::Element: return element(item);
@@ -446,7 +447,7 @@ private:
         const Declaration& target = *item.target;
         if (target.kind == DeclarationKind::Function || target.kind == DeclarationKind::Type) {
             item.target = nullptr;
-            return wrongKind(target, "value", item.line);
+            return wrongKind(target, "a value", item.line);
         }
         if (target.kind == DeclarationKind::Constant) constantName(item, const_cast<Declaration&>(target));
         item.type = target.type.type;
@@ -471,11 +472,11 @@ private:
                               item.target->kind != DeclarationKind::Type &&
                               item.target->kind != DeclarationKind::Constant;
         if (!variable) {
-            wrongKind(*item.target, "string variable", item.line);
+            wrongKind(*item.target, "a string variable", item.line);
             item.target = nullptr;
             item.type = Type::Unknown;
         } else if (type != Type::String && type != Type::Unknown) {
-            add(item.line, Problem::TypeMismatch, {typeName(Type::String), typeName(type)});
+            add(item.line, Problem::TypeMismatch, {typePhrase(Type::String), typePhrase(type)});
         }
     }
 
@@ -499,7 +500,7 @@ private:
             }
             if (!operandsFit(item.operators[i], item.type, right)) {
                 add(item.operands[i + 1]->line, Problem::OperandType,
-                    {operatorText(item.operators[i]), typeName(item.type), typeName(right)});
+                    {operatorText(item.operators[i]), typePhrase(item.type), typePhrase(right)});
                 item.type = Type::Unknown;
                 return;
             }
@@ -511,11 +512,21 @@ private:
         if (!constant) return;
         Value value;
         if (foldChain(item, value))
-            item.constant = std::move(value);
+            constantText(item, std::move(value));
         else if (constantDepth_ > 0) {
             add(item.line, Problem::ConstantArithmetic, {});
             item.type = Type::Unknown;
         }
+    }
+
+    // A constant text that no string can hold would fail before the program begins, without its line.
+    void constantText(Expression& item, Value value) {
+        if (value.text.size() > static_cast<std::size_t>(MaxStringLength)) {
+            add(item.line, Problem::TextTooLong, {});
+            item.type = Type::Unknown;
+            return;
+        }
+        item.constant = std::move(value);
     }
 
     static bool operandsFit(Operator op, Type left, Type right) {
@@ -543,7 +554,7 @@ private:
             if (!forms.empty()) return libraryCall(item, forms);
         }
         if (target == nullptr) return unknown(item.name, item.line);
-        if (target->kind != DeclarationKind::Function) return wrongKind(*target, "function", item.line);
+        if (target->kind != DeclarationKind::Function) return wrongKind(*target, "a function", item.line);
         item.target = target;
         const Function& head = *target->function;
         if (head.headHasErrors) return;

@@ -5,6 +5,8 @@
 #include "toolchain/parser.h"
 #include "toolchain/words.h"
 
+#include <algorithm>
+
 namespace tarn::toolchain {
 namespace {
 
@@ -103,6 +105,7 @@ ClassTree* ClassLoader::read(const std::string& file, Messages& messages) {
     const auto known = trees_.find(file);
     if (known != trees_.end()) return known->second.get();
     std::string text;
+    newest_ = std::max(newest_, os::infoOf(file).modified);
     const os::FileError error = os::readFile(file, text);
     if (error != os::FileError::None) {
         messages.add(file, 0, Problem::CannotRead, {os::describe(error)});

@@ -41,6 +41,8 @@ public:
     // Reads a class and all that it uses, directly and indirectly. Null if `file` cannot be read. Messages
     // are given for `file` alone: those of the others come when they are compiled.
     ClassTree* load(const std::string& file, Messages& messages);
+    // The time of the newest file that was read, taken before it was read; nanoseconds since 1970-01-01 UTC.
+    std::int64_t newest() const { return newest_; }
 
 private:
     ClassTree* read(const std::string& file, Messages& messages);
@@ -49,6 +51,7 @@ private:
     std::vector<std::string> path_;
     std::map<std::string, std::unique_ptr<ClassTree>> trees_;  // by full path
     std::vector<ClassTree*> waiting_;
+    std::int64_t newest_ = 0;
 };
 
 }  // namespace tarn::toolchain

@@ -26,7 +26,8 @@ std::string literalNumber(std::int32_t number) {
     return number == INT32_MIN ? "(-2147483647 - 1)" : std::to_string(number);
 }
 
-constexpr std::size_t MostNested = 16;  // C operations in one another, which the C compiler must bear
+constexpr std::size_t MostJoined = 65536;  // characters of constants that become one literal
+constexpr std::size_t MostNested = 16;     // C operations in one another, which the C compiler must bear
 
 }  // namespace
 
@@ -220,7 +221,11 @@ void ExpressionGenerator::textChain(const Expression& item, const std::string& d
     for (std::size_t i = 0; i < count;) {
         std::string constant, next;
         const std::size_t begin = i;
-        for (; i < count && item.operands[i]->constant; ++i) constant += item.operands[i]->constant->text;
+        for (; i < count && item.operands[i]->constant; ++i) {
+            const std::string& part = item.operands[i]->constant->text;
+            if (i > begin && constant.size() + part.size() > MostJoined) break;
+            constant += part;
+        }
         if (i == begin) ++i;
         const unsigned later = begin == 0 && i < count ? effects(*item.operands[i]) : None;
         next = item.operands[begin]->constant ? shared_.literals.pointerTo(constant)

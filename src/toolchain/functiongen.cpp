@@ -82,7 +82,7 @@ private:
             out_.line("tarn_string_assign_bytes(result, \"\", 0);");
         else if (head_.result.type != Type::None)
             out_.line(std::string(cType(head_.result.type)) + " r = 0;");
-        out_.line("tarn_enter(" + cString(item_.owner->name) + ", " + cString(item_.name) + ", " +
+        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(item_.name) + ", " +
                   std::to_string(head_.bodyLine) + ");");
         if (options_.debug == 2) registerVariables();
         entry_ = out_.takeLines();

@@ -13,6 +13,9 @@ bool isLetter(char c) {
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
+bool isForeign(char c) {
+    return static_cast<unsigned char>(c) >= 128;
+}
 bool isNamePart(char c) {
     return isLetter(c) || isDigit(c) || c == '_';
 }
@@ -28,6 +31,9 @@ int hexDigit(char c) {
 constexpr std::array<std::string_view, 18> Symbols = {":=", "<>", "<=", ">=", "=>", "(", ")", "[", "]",
                                                       ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*"};
 
+// Some editors put it in front of UTF-8; it is no part of the text.
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+
 class Scanner {
 public:
     Scanner(std::string_view source, const std::string& file, Messages& messages)
@@ -35,6 +41,7 @@ public:
 
     std::vector<Token> run() {
         std::vector<Token> tokens;
+        if (source_.substr(0, ByteOrderMark.size()) == ByteOrderMark) position_ = ByteOrderMark.size();
         for (skip(); position_ < source_.size(); skip()) tokens.push_back(next());
         tokens.push_back(token(TokenKind::End, position_));
         return tokens;
@@ -84,6 +91,7 @@ private:
     Token name() {
         const std::size_t begin = position_;
         while (position_ < source_.size() && isNamePart(source_[position_])) ++position_;
+        if (atForeignLetter()) return foreignWord(begin);
         Token result = token(TokenKind::Name, begin);
         result.word = wordOf(result.text);
         if (result.word != Word::None) result.kind = TokenKind::Word;
@@ -126,6 +134,7 @@ private:
 
     Token string() {
         const std::size_t begin = position_++;
+        std::size_t control = 0;  // where the first character stands that a string cannot hold
         while (position_ < source_.size()) {
             const char c = source_[position_];
             if (c == '"') {
@@ -134,9 +143,12 @@ private:
                     ++position_;
                     continue;
                 }
-                return token(TokenKind::String, begin);
+                if (control == 0) return token(TokenKind::String, begin);
+                badCharacter(source_[control]);
+                return token(TokenKind::Bad, begin);
             }
-            if (static_cast<unsigned char>(c) < 32) break;
+            if (c == '\n' || c == '\r') break;
+            if (static_cast<unsigned char>(c) < 32 && control == 0) control = position_;
             ++position_;
         }
         messages_.add(file_, line_, Problem::OpenString);
@@ -145,15 +157,30 @@ private:
     }
 
     Token bad() {
+        if (atForeignLetter()) return foreignWord(position_);
+        badCharacter(source_[position_]);
         const std::size_t begin = position_++;
-        const auto code = static_cast<unsigned char>(source_[begin]);
+        return token(TokenKind::Bad, begin);
+    }
+
+    // A word with letters that no name has is one fault, however many bytes they are.
+    bool atForeignLetter() const { return position_ < source_.size() && isForeign(source_[position_]); }
+    Token foreignWord(std::size_t begin) {
+        badCharacter(source_[position_]);
+        while (position_ < source_.size() &&
+               (isNamePart(source_[position_]) || isForeign(source_[position_])))
+            ++position_;
+        return token(TokenKind::Bad, begin);
+    }
+
+    void badCharacter(char c) {
+        const auto code = static_cast<unsigned char>(c);
         char text[16];
         if (code > 32 && code < 127)
             std::snprintf(text, sizeof text, "'%c'", code);
         else
             std::snprintf(text, sizeof text, "0x%02X", code);
         messages_.add(file_, line_, Problem::BadCharacter, {text});
-        return token(TokenKind::Bad, begin);
     }
 
     std::string_view source_;

@@ -98,6 +98,12 @@ std::string compile(const Command& command, const std::string& file) {
     return (success ? std::string() : text) + messages.report(file);
 }
 
+// A result is not older than what it was made of, also when that has a time in the future.
+void notOlder(const std::string& result, const std::string& input) {
+    const std::int64_t time = os::infoOf(input).modified;
+    if (os::infoOf(result).modified < time) os::files().setModified(result, time);
+}
+
 // ---- the whole build ----
 
 class Builder {
@@ -141,7 +147,10 @@ private:
             if (!item.resource.empty()) files.push_back(item.resource);
         const std::string errors =
             platform::CompileResources(files, sources_.companion, resourceFolders(result_.compilerFolder));
-        if (errors.empty()) return;
+        if (errors.empty()) {
+            for (const std::string& file : files) notOlder(sources_.companion, file);
+            return;
+        }
         const bool isMessage = errors.find(" : error ") != std::string::npos;
         if (isMessage)
             result_.report += errors;
@@ -169,8 +178,10 @@ private:
         const std::string made = workFolder(main_.path) + stemOf(main_.path) + ".new";
         std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-o", made, start};
         for (const SourceClass& item : sources_.classes) arguments.push_back(objectFile(item.path));
-        for (const std::string& word : {"-L" + library, std::string("-ltarnwick"),
-                                        std::string("-Wl,-rpath,$ORIGIN"), "-Wl,-rpath," + library})
+        // A word of its own for each path: a comma would divide one behind -Wl.
+        for (const std::string& word :
+             {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
+              std::string("-Xlinker"), std::string("-rpath"), std::string("-Xlinker"), library})
             arguments.push_back(word);
 #ifdef __SANITIZE_ADDRESS__
         // The kernel of such a build needs its run-time to be the first library of the program.
@@ -183,7 +194,9 @@ private:
                                               (run.output.empty() ? "" : "\n" + run.output)});
         }
         const os::FileError error = os::files().rename(made, sources_.exe);
-        if (error != os::FileError::None) fail(Problem::CannotWrite, {sources_.exe, os::describe(error)});
+        if (error != os::FileError::None)
+            return fail(Problem::CannotWrite, {sources_.exe, os::describe(error)});
+        for (const SourceClass& item : sources_.classes) notOlder(sources_.exe, objectFile(item.path));
     }
 
     const MakeOptions& options_;

@@ -64,6 +64,8 @@ enum class Problem : int {
     NoForm = 1319,
     OnerrorHeader = 1320,
     StringResult = 1321,
+    TextTooLong = 1322,
+    EmptyErrorRange = 1323,
 
     CannotRead = 1901,
     CannotWrite = 1902,

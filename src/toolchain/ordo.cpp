@@ -4,6 +4,7 @@
 // the build, goes to the file of -o, else to standard output. After a build the compiler's messages of the
 // whole run stand in `sarn.err` beside the compiler. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
+#include "os/instance.h"
 #include "os/process.h"
 #include "platform/model/view.h"
 #include "toolchain/classes.h"
@@ -24,6 +25,13 @@ bool write(const std::string& file, const std::string& text) {
     return false;
 }
 
+// Builds of one user go one after the other: they share the compiler's result file, and often objects. False
+// if another one does not end; a lock that cannot be made stops nobody.
+bool waitForOthers() {
+    constexpr int Patience = 10 * 60 * 1000;
+    return os::acquireInstanceLock("ordo", Patience) != os::LockState::Busy;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -39,6 +47,11 @@ int main(int argc, char** argv) {
                      {os::describe(os::FileError::NotFound)});
     if (!messages.empty()) {
         write(options.outputFile, messages.report("ordo"));
+        return Failed;
+    }
+    if (!options.query && !waitForOthers()) {
+        messages.add(options.file, 0, toolchain::Problem::ToolFailed, {"another build does not end"});
+        write(options.outputFile, messages.report(options.file));
         return Failed;
     }
     const toolchain::Sources sources = toolchain::findSources(options.file, options.inheritedPath);

@@ -672,7 +672,7 @@ private:
         auto result = make(StatementKind::Select, line);
         result->value = expression();
         if (panic_) synchronise();
-        if (!isWord(Word::Case)) reportExpected("'case'");
+        if (!isWord(Word::Case)) withoutCase();
         while (isWord(Word::Case)) {
             Branch branch;
             branch.line = here().line;
@@ -685,6 +685,14 @@ private:
         elseBranch(*result);
         closeBlock(Word::Select, line);
         return result;
+    }
+
+    // What stands in front of the first case is read for its own errors and its ends.
+    void withoutCase() {
+        reportExpected("'case'");
+        panic_ = false;
+        Block lost;
+        block(lost);
     }
 
     void caseLabels(Branch& branch) {
@@ -750,15 +758,19 @@ private:
 
     ExpressionPtr sign() {
         const int line = here().line;
-        bool minus = false, any = false;
+        bool minus = false, any = false, last = false;
         while (isSymbol("-") || isSymbol("+")) {
             any = true;
-            minus ^= isSymbol("-");
+            last = isSymbol("-");
+            minus ^= last;
             advance();
-            if (minus && here().kind == TokenKind::Integer) return integer(true);
         }
-        ExpressionPtr operand = primary();
+        // The sign right before a number belongs to it: the least integer has no positive twin.
+        const bool signedNumber = last && here().kind == TokenKind::Integer;
+        if (signedNumber && minus) return integer(true);
+        ExpressionPtr operand = signedNumber ? integer(true) : primary();
         if (!any) return operand;
+        minus ^= signedNumber;
         ExpressionPtr result = makeExpression(ExpressionKind::Negate, line);
         if (!minus) {
             auto inner = makeExpression(ExpressionKind::Negate, line);

@@ -14,6 +14,10 @@ const char* typeName(Type type) {
     return "value";
 }
 
+std::string typePhrase(Type type) {
+    return (type == Type::Integer ? "an " : "a ") + std::string(typeName(type));
+}
+
 const char* operatorText(Operator op) {
     static constexpr const char* Texts[] = {"+", "-",  "*", "div", "mod", "and", "or",
                                             "=", "<>", "<", "<=",  ">",   ">="};
@@ -22,14 +26,14 @@ const char* operatorText(Operator op) {
 
 const char* declarationName(DeclarationKind kind) {
     switch (kind) {
-    case DeclarationKind::Constant: return "constant";
-    case DeclarationKind::Type: return "type";
-    case DeclarationKind::Function: return "function";
-    case DeclarationKind::Parameter: return "parameter of mode in";
+    case DeclarationKind::Constant: return "a constant";
+    case DeclarationKind::Type: return "a type";
+    case DeclarationKind::Function: return "a function";
+    case DeclarationKind::Parameter: return "a parameter of mode in";
     case DeclarationKind::ClassVariable:
     case DeclarationKind::Variable: break;
     }
-    return "variable";
+    return "a variable";
 }
 
 Declaration* findDeclaration(const ClassTree& tree, const std::string& foldedName) {

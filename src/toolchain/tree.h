@@ -27,7 +27,9 @@ enum class Type : unsigned char {
     Integer,
     String,
 };
-const char* typeName(Type type);  // "boolean", "integer", "string", "call without a value"
+const char* typeName(Type type);
+std::string
+typePhrase(Type type);  // with its article  // "boolean", "integer", "string", "call without a value"
 
 struct TypeRef {
     Type type = Type::None;

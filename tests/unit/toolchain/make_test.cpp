@@ -248,6 +248,46 @@ TEST_F(Make, ResourceTwinsBecomeOneCompanionOfTheProgram) {
     EXPECT_NE(errors().find(dir + "b.rc(1) : error "), std::string::npos) << errors();
 }
 
+TEST_F(Make, ASourceThatIsSavedWhileItIsCompiledIsOutOfDateThen) {
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 0) << errors();
+    const std::int64_t began = os::infoOf(dir + "c.cls").modified;
+    // A compile takes longer than this; what it makes must not look newer than a source of that moment.
+    write("c.cls", "Tarnwick Class C\npublic const LETTER = \"d\"\nEnd class\n");
+    const std::int64_t saved = os::infoOf(dir + "c.cls").modified;
+    EXPECT_EQ(quarn({"-q", dir + "c.cls"}), 0) << errors();
+    const std::int64_t object = os::infoOf(dir + ".tarnwick/c.o").modified;
+    EXPECT_GE(object, saved);
+    EXPECT_GT(saved, began);
+    EXPECT_LT(object, os::infoOf(dir + ".tarnwick/c.c").modified);
+    EXPECT_EQ(os::infoOf(dir + "c.sym").modified, object);
+}
+
+TEST_F(Make, ASourceFromTheFutureIsCompiledOnce) {
+    write("main.rc", "Main DIALOG\n    POSITION=20 20 240 160\nEND\n");
+    for (const char* name : {"c.cls", "main.rc"})
+        os::files().setModified(dir + name, os::infoOf(dir + name).modified + 3600 * Second);
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 0) << errors();
+    EXPECT_EQ(query("-fq"), "");
+    os::files().setModified(dir + "c.cls", os::infoOf(dir + "c.cls").modified + 1);
+    EXPECT_EQ(query("-fq"), "c.cls b.cls main.cls ");
+}
+
+TEST_F(Make, BuildsAtTheSameTimeWaitForEachOther) {
+    os::StartError error = os::StartError::None;
+    std::vector<std::unique_ptr<os::Child>> builds;
+    for (const char* answer : {"1", "2", "3", "4"})
+        builds.push_back(os::processes().start(
+            {dir + "tools/ordo.exe", {"-fa", dir + "main.cls", "-o" + dir + answer}, dir, dir + "output"},
+            error));
+    for (const auto& build : builds) {
+        ASSERT_NE(build, nullptr);
+        EXPECT_EQ(build->wait(60000).code, 0);
+    }
+    for (const char* answer : {"1", "2", "3", "4"}) EXPECT_EQ(read(answer), dir + "main.cls : 0 errors.\n");
+    EXPECT_EQ(run(dir + "main.exe", {}), 0);
+    EXPECT_EQ(output, "c\n");
+}
+
 TEST_F(Make, AWorkFolderThatCannotBeMadeIsAnError) {
     write(".tarnwick", "in the way");
     EXPECT_EQ(quarn({"-q", dir + "c.cls"}), 1);

@@ -248,6 +248,34 @@ TEST_F(Run, AssertionsAndErrorsAreInTheHandsOfTheProgram) {
         "Assert check failed\n[]\nAssert check failed\nFile Main, function main, line 16\n\n");
 }
 
+TEST_F(Run, LongConstantsAreJoinedWhenTheProgramRuns) {
+    EXPECT_EQ(runProgram({{"main.cls", program("const A = \"" + std::string(2500000, 'x') + "\"\n",
+                                               "s := t + A + \"y\" + \"z\"\nPRINT(STR(LENGTH(s)))\n"
+                                               "PRINT(\"here\")\ns := t + A + A\nPRINT(\"never\")")}}),
+              "2500002\nhere\nError 804: Memory block is too large\nFile Main, function main, line 10\n\n");
+}
+
+TEST_F(Run, SignsInFrontOfTheLeastInteger) {
+    EXPECT_EQ(runProgram({{"main.cls",
+                           program("", "PRINT(STR(- -2147483648) + \" \" + STR(-+-5) + \" \" + STR(- - -5) "
+                                       "+ \" \" + STR(+-5) + \" \" + STR(-+5) + \" \" + STR(1 - -2))")}}),
+              "-2147483648 5 -5 -5 -5 3\n");
+}
+
+TEST_F(Run, EndlessRecursionIsReportedWithItsFunction) {
+    EXPECT_EQ(runProgram({{"main.cls", program("function onerror(n : integer)\nend function\n"
+                                               "function DOWN(n : integer) return integer\nvar s : string\n"
+                                               "s := STR(n) + \"x\"\nreturn DOWN(n + 1) + 1\nend function\n",
+                                               "i := DOWN(1)\nPRINT(\"never\")")}}),
+              "Error 803: Program ran out of stack space\nFile Main, function down, line 4\n\n");
+    EXPECT_NE(code, 139);
+    EXPECT_EQ(runProgram(
+                  {{"main.cls", program("function DOWN(n : integer) return integer\nif n = 0 then\nreturn 0\n"
+                                        "end if\nreturn DOWN(n - 1) + 1\nend function\n",
+                                        "PRINT(STR(DOWN(20000)))")}}),
+              "20000\n");
+}
+
 TEST_F(Run, TheExamplesBuildAndWork) {
     std::filesystem::copy(SOURCE_DIR "/examples/wordcount", dir + "wordcount");
     EXPECT_EQ(ordo({"-fa", dir + "wordcount/wordcount.cls", "-o" + dir + "o"}), 0) << errors();
