@@ -498,20 +498,24 @@ TEST_F(Faults, HandlersGoWithTheProgram) {
 }
 
 TEST_F(Faults, WithAScreenTheBoxProgramGetsTitleAndText) {
-    // A stand-in for the box, found on PATH, that writes its arguments where the test can read them.
+    // A stand-in for the box, that writes its arguments where the test can read them. It stands beside a link to
+    // this program by which it is called, as the real box may stand beside the program itself.
     const TempFolder folder;
-    const std::string program = folder / "tarnwick-fatal";
-    FILE* script = std::fopen(program.c_str(), "w");
+    const std::string box = folder / "tarnwick-fatal";
+    FILE* script = std::fopen(box.c_str(), "w");
     ASSERT_NE(script, nullptr);
     std::fputs("#!/bin/sh\nprintf 'box:%s:%s' \"$1\" \"$2\" >&2\n", script);
     std::fclose(script);
-    ASSERT_EQ(chmod(program.c_str(), 0755), 0);
-    const std::string path = folder.path() + ":" + os::environment("PATH");
-    const Variable search("PATH", path), display("DISPLAY", ":99");
-    const std::string beside = os::executableFolder() + "tarnwick-fatal";
-    if (access(beside.c_str(), F_OK) == 0) GTEST_SKIP() << "the real box stands beside this program";
-    EXPECT_EXIT(RunTimeFatal(826, "left", "", "", 0, "x"), ::testing::ExitedWithCode(1),
-                "Error 826\nleft\nx\nbox:Error 826:left\nx\n");
+    ASSERT_EQ(chmod(box.c_str(), 0755), 0);
+    std::string program = folder / "program";
+    ASSERT_EQ(symlink("/proc/self/exe", program.c_str()), 0);
+    const Variable display("DISPLAY", ":99");
+    char* called[] = {program.data()};
+    const auto fail = [&] {
+        os::setCommandLine(1, called);
+        RunTimeFatal(826, "left", "", "", 0, "x");
+    };
+    EXPECT_EXIT(fail(), ::testing::ExitedWithCode(1), "Error 826\nleft\nx\nbox:Error 826:left\nx\n");
 }
 
 }  // namespace
