@@ -370,29 +370,41 @@ private:
         loop(item);
     }
 
+    struct SeenCase {
+        std::int32_t last;
+        int line;
+    };
+    using SeenCases = std::map<std::pair<std::int32_t, std::string>, SeenCase>;  // by first number and text
+
     void select(Statement& item) {
         check(*item.value);
-        std::map<std::pair<std::int32_t, std::string>, int> seen;
+        SeenCases seen;
         for (Branch& branch : item.branches) {
             for (CaseLabel& label : branch.labels) caseLabel(label, item.value->type, seen);
             block(branch.body);
         }
     }
 
-    void caseLabel(CaseLabel& label, Type type, std::map<std::pair<std::int32_t, std::string>, int>& seen) {
+    void caseLabel(CaseLabel& label, Type type, SeenCases& seen) {
         for (Expression* value : {label.from.get(), label.to.get()}) {
             if (value == nullptr) continue;
             check(*value);
             if (!require(*value, type)) return;
             if (!value->constant) return add(label.line, Problem::ConstantNeeded, {});
         }
-        if (label.to) {
-            require(*label.to, Type::Integer);
-            return;
+        if (label.to && !require(*label.to, Type::Integer)) return;
+        const Value& from = *label.from->constant;
+        const std::int32_t last = label.to ? label.to->constant->number : from.number;
+        if (last < from.number) return;
+        // The ranges that are known do not overlap, so if any reaches into this one, the last that begins at
+        // or before its end does.
+        const auto behind = seen.upper_bound({last, from.text});
+        if (behind != seen.begin()) {
+            const auto& [begin, range] = *std::prev(behind);
+            if (begin.second == from.text && range.last >= from.number)
+                return add(label.line, Problem::CaseTwice, {std::to_string(range.line)});
         }
-        const auto [place, isNew] =
-            seen.emplace(std::pair(label.from->constant->number, label.from->constant->text), label.line);
-        if (!isNew) add(label.line, Problem::CaseTwice, {std::to_string(place->second)});
+        seen.emplace(std::pair(from.number, from.text), SeenCase{last, label.line});
     }
 
     void returned(Statement& item) {

@@ -68,6 +68,12 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
         {"a range without errors",
          "Tarnwick Class a\nfunction onerror(n : integer) from 9 to 8\nend function\nEnd class", "2 1323"},
         {"types of one another", "Tarnwick Class a\ntype b : c\ntype c : b\nEnd class", "2 1313"},
+        {"cases that overlap",
+         inMain("select i\ncase 5 to 9 =>\ncase 1 to 4, 10 =>\ncase 9 to 12 =>\ncase 0 to 20 =>\ncase 7 "
+                "=>\ncase 11 =>\nend select"),
+         "9 1312, 10 1312, 11 1312"},
+        {"cases that are texts",
+         inMain("select s\ncase \"a\", \"b\" =>\ncase \"\" =>\ncase \"b\" =>\nend select"), "9 1312"},
         {"a smallest class", "Tarnwick Class a\nEnd class", ""},
         {"any case", "TARNWICK CLASS a\nFUNCTION Main()\nEND FUNCTION\nend CLASS", ""},
         {"no end", "Tarnwick Class a\n", "1 1101"},
