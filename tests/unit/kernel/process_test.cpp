@@ -499,12 +499,13 @@ TEST_F(Faults, HandlersGoWithTheProgram) {
 
 TEST_F(Faults, WithAScreenTheBoxProgramGetsTitleAndText) {
     // A stand-in for the box, that writes its arguments where the test can read them. It stands beside a link to
-    // this program by which it is called, as the real box may stand beside the program itself.
+    // this program by which it is called, as the real box may stand beside the program itself. It takes its folder
+    // with it, since the process that dies makes one of its own.
     const TempFolder folder;
     const std::string box = folder / "tarnwick-fatal";
     FILE* script = std::fopen(box.c_str(), "w");
     ASSERT_NE(script, nullptr);
-    std::fputs("#!/bin/sh\nprintf 'box:%s:%s' \"$1\" \"$2\" >&2\n", script);
+    std::fputs("#!/bin/sh\nprintf 'box:%s:%s' \"$1\" \"$2\" >&2\nrm -r \"${0%/*}\"\n", script);
     std::fclose(script);
     ASSERT_EQ(chmod(box.c_str(), 0755), 0);
     std::string program = folder / "program";
