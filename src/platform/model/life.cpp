@@ -69,7 +69,12 @@ void waitModal(int handle) {
         const Window* const window = windowOfHandle(handle);
         return window == nullptr || !window->shown;
     };
+    // While the program is busy nobody could answer the window.
+    const int busy = std::exchange(state().busy, 0);
+    if (busy > 0) view().setBusy(false);
     if (!runLoop(ended)) endModal(handle);
+    state().busy = busy;
+    if (busy > 0) view().setBusy(true);
     std::erase(state().modal, handle);
     if (Window* const window = windowOfHandle(handle)) window->modal = false;
     runCommands();

@@ -113,8 +113,14 @@ void userInfo(Control& control, int x, int y) {
     if (isAlive(control) && takesInput(windowOf(control))) send(control, INFO_EVENT, place(x, y));
 }
 
+// A handler that asks or waits runs the event loop, and a tick that comes meanwhile is one too many.
 void timerFired(Control& owner) {
-    if (isAlive(owner)) send(owner, TIMER_EVENT);
+    static std::vector<int> running;
+    const int handle = owner.handle;
+    if (!isAlive(owner) || std::find(running.begin(), running.end(), handle) != running.end()) return;
+    running.push_back(handle);
+    send(owner, TIMER_EVENT);
+    std::erase(running, handle);
 }
 
 }  // namespace tarn::platform

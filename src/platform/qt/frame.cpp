@@ -156,8 +156,11 @@ void Frame::nameControls() {
         if (!control->hint.empty() && control->type == Type::Bitmapbutton)
             name = withoutMnemonic(shown(control->hint));
         while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
-        peer->widget()->setAccessibleName(name);
-        if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
+        // A widget that shows its caption is read by it, also when it changes.
+        if (control->caption.empty() || control->type == Type::Bitmapbutton) {
+            peer->widget()->setAccessibleName(name);
+            if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
+        }
         if (label != nullptr && takesFocus(*control) && label->caption.find('&') != std::string::npos)
             if (auto* text = qobject_cast<QLabel*>(peerOf(*label)->widget()); text != nullptr)
                 text->setBuddy(peer->focusWidget());
@@ -257,6 +260,7 @@ void Frame::menuChanged() {
     rebuild_ = true;
     QTimer::singleShot(0, this, [this] {
         rebuild_ = false;
+        if (window_ == nullptr) return;
         // A menu that is open stays as it is until it closes.
         if (QApplication::activePopupWidget() != nullptr) return menuChanged();
         buildMenu(*bar_, *window_);
@@ -267,7 +271,7 @@ void Frame::menuChanged() {
 // ---- position ----
 
 int Frame::barHeight() const {
-    if (window_->menuItems.empty()) return 0;
+    if (window_ == nullptr || window_->menuItems.empty()) return 0;
     const int height = bar_->heightForWidth(std::max(width(), 1));
     return height > 0 ? height : bar_->sizeHint().height();
 }
@@ -309,6 +313,7 @@ void Frame::place() {
 }
 
 void Frame::layOut() {
+    if (window_ == nullptr) return;
     const int bar = barHeight();
     bar_->setGeometry(0, 0, width(), bar);
     client_->setGeometry(0, bar, width(), std::max(height() - bar, 0));
@@ -330,7 +335,10 @@ void Frame::maximiseWithin() {
 
 void Frame::applyState() {
     const int state = window_->state;
-    if (state == 2 && capped()) return maximiseWithin();
+    if (state == 2 && capped()) {
+        if (isVisible()) maximiseWithin();  // else when it is brought up
+        return;
+    }
     if (state == 0 && large_) {
         large_ = false;
         setGeometry(normal_);
@@ -343,7 +351,7 @@ void Frame::applyState() {
 }
 
 void Frame::report() {
-    if (applying_ || !isVisible() || window_->closing) return;
+    if (window_ == nullptr || applying_ || !isVisible() || window_->closing) return;
     const int state = isMinimized() ? 1 : isMaximized() || large_ ? 2 : 0;
     const QRect frame = frameGeometry();
     const Rect now =
@@ -356,7 +364,7 @@ void Frame::report() {
 // keeps its client area, since its controls were measured for that; one that was given a place keeps its
 // frame.
 void Frame::settle() {
-    if (windowHandle() == nullptr || !isVisible()) return;
+    if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
     const QMargins margins = windowHandle()->frameMargins();
     const bool news = margins != assumed_;
     const QSize before(window_->position.w - assumed_.left() - assumed_.right(),
@@ -377,7 +385,10 @@ void Frame::settle() {
 
 void Frame::applyModality() {
     const Qt::WindowModality wanted = window_->modal ? Qt::ApplicationModal : Qt::NonModal;
-    if (windowModality() != wanted && !isVisible()) setWindowModality(wanted);
+    if (windowModality() != wanted) {
+        if (isVisible()) hide();  // the toolkit takes a new modality only while a window is hidden
+        setWindowModality(wanted);
+    }
     Frame* below = frameOfWidget(QApplication::activeWindow());
     winId();
     if (window_->owned && !window_->modal)
@@ -409,6 +420,7 @@ void Frame::bringUp() {
         else
             show();
         seen_ = true;
+        if (window_->state == 2 && capped() && !large_) maximiseWithin();
     }
     raise();
     activateWindow();
@@ -437,9 +449,11 @@ void Frame::showEvent(QShowEvent* event) {
 
 void Frame::closeEvent(QCloseEvent* event) {
     event->ignore();  // the model decides, and hides or destroys the frame itself
-    if (!takesInput(*window_)) return;
+    if (window_ == nullptr || !takesInput(*window_)) return;
     const QPointer<Frame> self(this);
     userClose(*window_);
+    // A desktop that ends its session asks each window, and takes a refusal as a wish to stay.
+    if (self.isNull() || self->window_ == nullptr || !self->window_->shown) event->accept();
 }
 
 void Frame::moveEvent(QMoveEvent* event) {
@@ -455,11 +469,11 @@ void Frame::resizeEvent(QResizeEvent* event) {
 
 void Frame::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() != QEvent::WindowStateChange || applying_) return;
+    if (window_ == nullptr || event->type() != QEvent::WindowStateChange || applying_) return;
     if (!isMaximized() || !capped()) return report();
     // The window system has taken the whole screen: shrink to the largest position, or go back from it.
     QTimer::singleShot(0, this, [this] {
-        if (!isMaximized()) return;
+        if (window_ == nullptr || !isMaximized()) return;
         if (large_) {
             const Flag quiet(applying_);
             large_ = false;
@@ -475,6 +489,7 @@ void Frame::changeEvent(QEvent* event) {
 // ---- keys ----
 
 Control* Frame::controlOf(const QWidget* widget) const {
+    if (window_ == nullptr) return nullptr;
     for (; widget != nullptr && widget != this; widget = widget->parentWidget())
         for (const auto& control : window_->controls)
             if (const Peer* peer = peerOf(*control); peer != nullptr && peer->widget() == widget)
@@ -491,6 +506,8 @@ void Frame::release() {
     for (const auto& item : window_->menuItems) item->widget = nullptr;
     if (isEditWindowType(window_->type)) Peer::of(*client_)->release();
     window_->widget = nullptr;
+    frames().erase(this);  // what still comes for it, until it is deleted, finds no window
+    window_ = nullptr;
 }
 
 }  // namespace tarn::platform::qt

@@ -66,6 +66,7 @@ void buildMenu(QMenuBar& bar, Window& window) {
     }
     std::vector<QMenu*> open;  // the menu at each level
     const auto& items = window.menuItems;
+    for (const auto& item : items) item->widget = nullptr;
     for (std::size_t i = 0; i < items.size(); ++i) {
         Control& item = *items[i];
         const auto level = static_cast<std::size_t>(std::max(item.level, 1));

@@ -153,7 +153,7 @@ void QtView::hide(Window& window) {
 
 void QtView::raise(Window& window) {
     Frame* frame = frameOf(window);
-    if (frame == nullptr) return;
+    if (frame == nullptr || !window.shown) return;
     frame->bringUp();
     QApplication::alert(frame);  // where the desktop does not let a program push itself forward
 }
@@ -334,8 +334,9 @@ void QtView::setTimer(Control& owner, int milliseconds) {
     // The timer may be replaced or stopped by what it calls, so it knows the control by name only.
     connect(
         timer.get(), &QTimer::timeout, this,
-        [object = owner.object] {
-            if (Control* control = findControl(object); control != nullptr) timerFired(*control);
+        [this, object = owner.object, handle = owner.handle] {
+            Control* control = timers_.count(handle) != 0 ? findControl(object) : nullptr;
+            if (control != nullptr && control->handle == handle) timerFired(*control);
         },
         Qt::QueuedConnection);
     timer->start(milliseconds);
@@ -387,7 +388,9 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     if (type == QEvent::KeyPress || type == QEvent::MouseButtonPress) input_ = true;
     auto* widget = receiver->isWidgetType() ? static_cast<QWidget*>(receiver) : nullptr;
     if (widget == nullptr) return false;
-    if (busy_ && frameOfWidget(widget) != nullptr) {
+    const Frame* const over = frameOfWidget(widget);
+    const bool below = over != nullptr && topModal() != nullptr && topModal() != &over->window();
+    if ((busy_ && over != nullptr) || below) {
         if (type == QEvent::Close) event->ignore();
         return true;
     }
