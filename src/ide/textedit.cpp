@@ -557,8 +557,9 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
     STAMP();
     switch (event) {
     case KEYPRESS_EVENT:
-        if (parameter != KEY_F1) return false;
-        helpOnWord(window);
+        if (parameter != KEY_F1 && parameter != KEY_F2) return false;
+        if (parameter == KEY_F1) helpOnWord(window);
+        else FILEINFODIALOG();
         break;
     case CHANGE_EVENT:
         SETMODIFYPRIVATE(window, true);
