@@ -32,8 +32,6 @@ def main():
         all_["start " + name] = row["ms"] * 1e6
     if "openLarge" in all_:
         all_["open 4 MB, extra"] = all_["openLarge"] - all_["openSmall"]
-    if "start scite large" in all_:
-        all_["scite, extra"] = max(all_["start scite large"] - all_["start scite small"], 1)
     # name, peer, the budget as a ratio to the peer or as nanoseconds
     rows = [
         ("stampInline", None, 1), ("stampCalled", None, 2), ("frame", None, None),
@@ -41,7 +39,7 @@ def main():
         ("profilestrget/50", "gkeyfile/50", 0.4), ("profilestrget/1000", "gkeyfile/1000", 0.4),
         ("saveDurable", "writeAndSync", None),
         ("start ide", "start geany", 0.6), ("start ide", "start qt", None),
-        ("open 4 MB, extra", "plainOpenLarge", None), ("open 4 MB, extra", "scite, extra", None),
+        ("open 4 MB, extra", "plainOpenLarge", None),
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
     ]
     print(f"{'work':22} {'here':>12} {'peer':>12} {'ratio':>7}  budget")

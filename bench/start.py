@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""start.py BUILD: milliseconds from start to a mapped main window, for the environment, a bare Qt window and Geany;
-and for SciTE with a small and a large file, whose difference is what opening the large one costs it.
+"""start.py BUILD: milliseconds from start to a mapped main window, for the environment, a bare Qt window and Geany.
 
 Runs under a virtual display of its own. The environment's splash wait is ended by a key, as a user would, as soon as
 the splash window is there; the time of the other programs ends when their window is mapped. Prints JSON.
@@ -61,16 +60,10 @@ def main():
     servers = display()
     home = tempfile.mkdtemp()
     os.environ.update(HOME=home, XDG_CONFIG_HOME=home + "/c", XDG_STATE_HOME=home + "/s", XDG_RUNTIME_DIR=home)
-    line = b"    if count > 0 then result := result + STR(count) // the sum of \"all\" counts\r\n"
-    for name, size in (("small", 4000), ("large", 4000000)):
-        with open(f"{home}/{name}.cls", "wb") as out:
-            out.write((line * (size // len(line) + 1))[:size])
     rows = {
         "ide": ([build + "/bin/ide"], "Tarnwick Developer Studio", "^Tarnwick$"),
         "geany": (["geany"], "Geany", None),
         "qt": ([build + "/bin/bare_window"], "Bare window", None),
-        "scite small": (["scite", home + "/small.cls"], "small.cls", None),
-        "scite large": (["scite", home + "/large.cls"], "large.cls", None),
     }
     result = {}
     try:
