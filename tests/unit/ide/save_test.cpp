@@ -103,6 +103,26 @@ TEST_F(Save, KilledAtAnyCallLeavesTheOldOrTheNewText) {
     EXPECT_GT(deaths, 2);
 }
 
+TEST_F(Save, IsNotOfferedForAFileThatCouldNotBeRead) {
+    disk.put(File, Old);
+    disk.failAlways(os::FileCall::OpenRead, os::FileError::Denied);
+    EDITWNDOPEN(SDIEdit, File, false, 0);
+    Stamp(0, ReportErrors, DefaultErrorHandler);
+    disk.failAlways(os::FileCall::OpenRead, os::FileError::None);
+    ASSERT_EQ(asked.size(), 1u);
+    EXPECT_TRUE(asked[0].text.starts_with("Cannot read from file (error 651).\n")) << asked[0].text;
+    EXPECT_EQ(GetCaption(SDIEdit), "");
+    EXPECT_FALSE(GetVisible(SDIEdit));
+    EXPECT_EQ(disk.contents(File), Old);
+}
+
+TEST_F(Save, IsNotOfferedForAFolder) {
+    disk.putFolder("/home/user/folder.txt");
+    EDITWNDOPEN(SDIEdit, "/home/user/folder.txt", false, 0);
+    EXPECT_EQ(GetCaption(SDIEdit), "");
+    EXPECT_TRUE(asked.empty());
+}
+
 using Rescue = IdeTest;
 
 TEST_F(Rescue, KeepsAChangedTextAndOffersItAsAChange) {
