@@ -476,6 +476,26 @@ TEST_F(EditTest, TypingAtTheEndOfALargeTextIsQuick) {
     EXPECT_LT(keys[25], 100'000);
 }
 
+TEST_F(EditTest, ShiftTabLeavesTheTextWhenItMovesNoBlock) {
+    QWidget before(&window);
+    before.setFocusPolicy(Qt::StrongFocus);
+    before.setGeometry(0, 0, 5, 5);
+    before.show();
+    QWidget::setTabOrder(&before, area->textWidget());
+    store->setText("\tx");
+    for (const int flags : {0, static_cast<int>(READONLY), READONLY | TABSHIFT}) {
+        area->setFlags(flags);
+        area->textWidget()->setFocus();
+        press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+        EXPECT_FALSE(area->textWidget()->hasFocus()) << flags;
+    }
+    area->setFlags(TABSHIFT);
+    area->textWidget()->setFocus();
+    press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+    EXPECT_TRUE(area->textWidget()->hasFocus());
+    EXPECT_EQ(store->text(), "x");
+}
+
 }  // namespace
 
 }  // namespace tarn::platform::qt
