@@ -5,10 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractScrollArea>
 #include <QAccessible>
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QTest>
@@ -494,6 +497,20 @@ TEST_F(EditTest, ShiftTabLeavesTheTextWhenItMovesNoBlock) {
     press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
     EXPECT_TRUE(area->textWidget()->hasFocus());
     EXPECT_EQ(store->text(), "x");
+}
+
+TEST_F(EditTest, TakesNoDropThatWouldLoseBytesBehindNul) {
+    auto* text = qobject_cast<QAbstractScrollArea*>(area->textWidget());
+    ASSERT_NE(text, nullptr);
+    for (const bool nul : {false, true}) {
+        QMimeData data;
+        data.setText(QStringLiteral("a b"));
+        data.setData(QStringLiteral("application/x-tarnwick-bytes"), QByteArray(nul ? "a\0b" : "a b", 3));
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enter.ignore();
+        QApplication::sendEvent(text->viewport(), &enter);
+        EXPECT_EQ(enter.isAccepted(), !nul);
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDragEnterEvent>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -437,6 +438,14 @@ bool TextArea::pasteBytes() {
     return limit_ > 0 && data != nullptr &&
            refuses(bytes.isEmpty() ? data->text().toStdString()
                                    : std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+}
+
+// A drop ends a text at its first NUL, and a move would lose the rest.
+void TextArea::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->data(QString::fromLatin1(BytesType)).contains('\0'))
+        event->ignore();
+    else
+        QsciScintillaBase::dragEnterEvent(event);
 }
 
 void TextArea::focusInEvent(QFocusEvent* event) {
