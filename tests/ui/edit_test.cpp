@@ -5,10 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractScrollArea>
 #include <QAccessible>
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QTest>
@@ -474,6 +477,40 @@ TEST_F(EditTest, TypingAtTheEndOfALargeTextIsQuick) {
                 static_cast<long long>(keys[25]), static_cast<long long>(keys[47]));
     EXPECT_LT(loaded, 2'000'000);
     EXPECT_LT(keys[25], 100'000);
+}
+
+TEST_F(EditTest, ShiftTabLeavesTheTextWhenItMovesNoBlock) {
+    QWidget before(&window);
+    before.setFocusPolicy(Qt::StrongFocus);
+    before.setGeometry(0, 0, 5, 5);
+    before.show();
+    QWidget::setTabOrder(&before, area->textWidget());
+    store->setText("\tx");
+    for (const int flags : {0, static_cast<int>(READONLY), READONLY | TABSHIFT}) {
+        area->setFlags(flags);
+        area->textWidget()->setFocus();
+        press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+        EXPECT_FALSE(area->textWidget()->hasFocus()) << flags;
+    }
+    area->setFlags(TABSHIFT);
+    area->textWidget()->setFocus();
+    press(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+    EXPECT_TRUE(area->textWidget()->hasFocus());
+    EXPECT_EQ(store->text(), "x");
+}
+
+TEST_F(EditTest, TakesNoDropThatWouldLoseBytesBehindNul) {
+    auto* text = qobject_cast<QAbstractScrollArea*>(area->textWidget());
+    ASSERT_NE(text, nullptr);
+    for (const bool nul : {false, true}) {
+        QMimeData data;
+        data.setText(QStringLiteral("a b"));
+        data.setData(QStringLiteral("application/x-tarnwick-bytes"), QByteArray(nul ? "a\0b" : "a b", 3));
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enter.ignore();
+        QApplication::sendEvent(text->viewport(), &enter);
+        EXPECT_EQ(enter.isAccepted(), !nul);
+    }
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ public:
     // A store that stays safe to call when the widget is gone (it is then empty).
     virtual std::unique_ptr<TextStore> store() = 0;
     virtual void setFlags(int flags) = 0;
+    virtual void setMaxLength(int bytes) = 0;  // what the user adds beyond is refused; 0: no limit
     virtual void setTokens(std::string_view tokens) = 0;
     virtual void setFont(const Font& font) = 0;
     virtual void setName(const QString& name) = 0;  // for screen readers

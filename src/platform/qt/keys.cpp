@@ -65,7 +65,9 @@ int modelKey(int key) {
     for (const auto& pair : Named)
         if (pair.qt == key) return pair.model;
     if (key >= Qt::Key_F1 && key <= Qt::Key_F24) return key - Qt::Key_F1 + 112;
-    return key > 32 && key < 127 ? key : 0;
+    // The codes of punctuation are those of the named keys: '.' would be Delete.
+    const bool plain = (key >= 'A' && key <= 'Z') || (key >= '0' && key <= '9');
+    return plain ? key : 0;
 }
 
 int modelShortcut(const QKeyEvent& event) {

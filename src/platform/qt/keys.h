@@ -11,7 +11,7 @@ class QWidget;
 
 namespace tarn::platform::qt {
 
-int modelKey(int qtKey);                    // 0 if the model knows no such key
+int modelKey(int qtKey);                    // letters, digits and named keys; else 0
 int modelShortcut(const QKeyEvent& event);  // 0 likewise
 QString shortcutText(int shortcut);         // "Ctrl+S" in the user's language; empty for 0
 

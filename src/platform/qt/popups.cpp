@@ -4,9 +4,9 @@
 #include "platform/qt/pictures.h"
 #include "platform/qt/texts.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
@@ -96,11 +96,12 @@ ToolProgress::ToolProgress()
     stop_->setObjectName(QStringLiteral("toolstop"));
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    setWindowTitle(QApplication::applicationDisplayName());
+    setWindowTitle(tr("Running ..."));
     label_->setTextFormat(Qt::PlainText);
     auto* bar = new QProgressBar(this);
     bar->setRange(0, 0);
     bar->setTextVisible(false);
+    bar->setAccessibleName(tr("Progress"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 16, 16, 12);
     layout->addWidget(label_);
@@ -138,6 +139,14 @@ void ToolProgress::setText(const std::string& text) {
 void ToolProgress::closeEvent(QCloseEvent* event) {
     event->ignore();
     stop_->click();
+}
+
+void ToolProgress::keyPressEvent(QKeyEvent* event) {
+    const int key = event->key();
+    if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter)
+        stop_->click();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 }  // namespace tarn::platform::qt

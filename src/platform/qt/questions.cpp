@@ -99,6 +99,7 @@ QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
 std::string askMessage(const Question& question, QWidget* parent) {
     QDialog box(parent);
     prepare(box, question);
+    box.setAccessibleDescription(shown(question.text));  // read out when the box appears
     auto* layout = new QVBoxLayout(&box);
     layout->setContentsMargins(16, 16, 16, 12);
     layout->setSpacing(16);

@@ -5,19 +5,148 @@
 #include "platform/qt/editarea.h"
 #include "platform/qt/texts.h"
 
+#include <QApplication>
 #include <QFontDatabase>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QTextBlock>
+#include <QValidator>
 
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <functional>
+#include <limits>
 
 namespace tarn::platform::qt {
 
 namespace {
+
+// One step through a text: its bytes, and the positions that it takes in a widget.
+struct Step {
+    std::size_t bytes;
+    int positions;
+};
+
+Step stepAt(std::string_view bytes, std::size_t at, bool utf8, bool joinsEnds) {
+    const auto c = static_cast<unsigned char>(bytes[at]);
+    if (joinsEnds && c == '\r' && at + 1 < bytes.size() && bytes[at + 1] == '\n') return {2, 1};
+    if (!utf8 || c < 0x80) return {1, 1};
+    if (c >= 0xF0) return {4, 2};
+    return {c >= 0xE0 ? 3U : 2U, 1};
+}
+
+// The mark of UTF-8 at the start of a text is not shown.
+std::size_t markOf(std::string_view bytes, bool utf8) {
+    return utf8 && bytes.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
+}
+
+std::size_t byteOf(std::string_view bytes, int position, bool joinsEnds) {
+    const bool utf8 = isUtf8(bytes);
+    std::size_t at = markOf(bytes, utf8);
+    while (at < bytes.size() && position > 0) {
+        const Step step = stepAt(bytes, at, utf8, joinsEnds);
+        at += step.bytes;
+        position -= step.positions;
+    }
+    return at;
+}
+
+int positionOf(std::string_view bytes, int byte, bool joinsEnds) {
+    const bool utf8 = isUtf8(bytes);
+    const auto stop = std::min(static_cast<std::size_t>(std::max(byte, 0)), bytes.size());
+    int position = 0;
+    for (std::size_t at = markOf(bytes, utf8); at < stop;) {
+        const Step step = stepAt(bytes, at, utf8, joinsEnds);
+        at += step.bytes;
+        position += step.positions;
+    }
+    return position;
+}
+
+bool everyEndIsPair(std::string_view bytes) {
+    bool any = false;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
+            ++i, any = true;
+        else if (bytes[i] == '\r' || bytes[i] == '\n')
+            return false;
+    }
+    return any;
+}
+
+bool isAscii(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+}
+
+std::string utf8OfLatin1(std::string_view bytes) {
+    return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size())).toStdString();
+}
+
+// Appends a text whose first line end must not become one with the CR before it.
+void append(std::string& out, std::string_view more) {
+    if (!out.empty() && out.back() == '\r' && !more.empty() && more.front() == '\n') out += '\r';
+    out += more;
+}
+
+// The bytes of `now`, which the user made out of `before`, shown as `old`, in a widget that has one position
+// for every line end: what stands before and behind the change keeps its bytes. New lines end with CR LF if
+// all lines did, else with LF.
+std::string merged(std::string_view before, const QString& old, const QString& now) {
+    const qsizetype common = std::min(old.size(), now.size());
+    qsizetype head = 0, tail = 0;
+    while (head < common && old[head] == now[head]) ++head;
+    if (head > 0 && old[head - 1].isHighSurrogate()) --head;
+    while (tail < common - head && old[old.size() - 1 - tail] == now[now.size() - 1 - tail]) ++tail;
+    if (tail > 0 && old[old.size() - tail].isLowSurrogate()) --tail;
+    QString middle = now.mid(head, now.size() - head - tail);
+    if (everyEndIsPair(before)) middle.replace(u'\n', QStringLiteral("\r\n"));
+    std::string_view first = before.substr(0, byteOf(before, static_cast<int>(head), true));
+    std::string_view last = before.substr(byteOf(before, static_cast<int>(old.size() - tail), true));
+    const std::string added = bytesOf(middle, before);
+    std::string firstAnew, lastAnew;
+    if (!isUtf8(before) && isUtf8(added) && !isAscii(added)) {  // Latin-1 cannot hold what was added
+        first = firstAnew = utf8OfLatin1(first);
+        last = lastAnew = utf8OfLatin1(last);
+    }
+    std::string out(first);
+    append(out, added);
+    append(out, last);
+    return out;
+}
+
+// Takes what the user types into a line as long as it has room.
+class ByteLimit : public QValidator {
+public:
+    using QValidator::QValidator;
+    State validate(QString& text, int&) const override {
+        if (limit == 0 || free) return Acceptable;
+        const qsizetype size = sizeOf(text);
+        // A text that the program made too long may still be made shorter.
+        if (size > limit && size > size_) return Invalid;
+        size_ = size;
+        return Acceptable;
+    }
+    void end(const QString& text) {  // the program has written
+        free = false;
+        if (limit > 0) size_ = sizeOf(text);
+    }
+    int limit = 0;
+    bool free = false;    // the program writes
+    bool latin1 = false;  // a byte for each character
+
+private:
+    qsizetype sizeOf(const QString& text) const { return latin1 ? text.size() : text.toUtf8().size(); }
+    mutable qsizetype size_ = 0;
+};
+
+ByteLimit* limitOf(const QLineEdit& line) {
+    return line.findChild<ByteLimit*>(QString(), Qt::FindDirectChildrenOnly);
+}
 
 // A store over a widget of Qt. `bytes_` is the text as bytes, brought up to date when the widget's differs.
 template <class Widget>
@@ -30,7 +159,6 @@ public:
 
     void setText(std::string_view text) override {
         bytes_ = text;
-        returns_ = bytes_.find("\r\n") != std::string::npos;
         if (widget_ != nullptr) {
             const QSignalBlocker quiet(widget_);
             put(shown(text));
@@ -74,49 +202,28 @@ protected:
     virtual std::pair<int, int> marked() const = 0;
     virtual void mark(int from, int to) = 0;
     virtual void insert(const QString& text) = 0;
+    virtual bool joinsEnds() const { return false; }  // CR LF is one position
 
     const std::string& current() const {
         if (widget_ == nullptr) return bytes_;
         const QString now = get();
         if (now == shown_) return bytes_;
-        bytes_ = bytesOf(now, bytes_);
-        if (returns_) bytes_ = withReturns(bytes_);
+        bytes_ = joinsEnds() ? merged(bytes_, shown_, now) : bytesOf(now, bytes_);
         shown_ = now;
         return bytes_;
     }
 
     QPointer<Widget> widget_;
+    mutable std::string bytes_;
 
 private:
-    // The widget counts UTF-16 units and a line end as one, the model counts bytes.
-    int byteAt(int position) const {
-        const std::string& bytes = current();
-        const QString head = get().left(position);
-        return byteOffset(head, position, bytes) + (returns_ ? static_cast<int>(head.count(u'\n')) : 0);
-    }
-    int positionAt(int byte) const {
-        const std::string& bytes = current();
-        int position = textOffset(bytes, byte);
-        if (!returns_) return position;
-        for (auto at = bytes.find("\r\n"); at != std::string::npos && static_cast<int>(at) < byte;
-             at = bytes.find("\r\n", at + 2))
-            --position;
-        return position;
-    }
-    static std::string withReturns(const std::string& bytes) {
-        std::string out;
-        for (const char c : bytes) {
-            if (c == '\n') out += '\r';
-            out += c;
-        }
-        return out;
-    }
+    // The widget counts UTF-16 units, the model bytes.
+    int byteAt(int position) const { return static_cast<int>(byteOf(current(), position, joinsEnds())); }
+    int positionAt(int byte) const { return positionOf(current(), byte, joinsEnds()); }
 
-    mutable std::string bytes_;
     mutable QString shown_;
     std::string saved_;
     bool modified_ = false;
-    bool returns_ = false;  // the text came with CR LF
 };
 
 class LineStore : public WidgetStore<QLineEdit> {
@@ -124,14 +231,22 @@ public:
     using WidgetStore::WidgetStore;
 
 protected:
-    void put(const QString& text) override { widget_->setText(text); }
+    void put(const QString& text) override {
+        if (auto* limit = limitOf(*widget_); limit != nullptr) limit->latin1 = !isUtf8(bytes_);
+        putLine(*widget_, text);
+    }
     QString get() const override { return widget_->text(); }
     std::pair<int, int> marked() const override {
         if (!widget_->hasSelectedText()) return {widget_->cursorPosition(), widget_->cursorPosition()};
         return {widget_->selectionStart(), widget_->selectionEnd()};
     }
     void mark(int from, int to) override { widget_->setSelection(from, to - from); }
-    void insert(const QString& text) override { widget_->insert(text); }
+    void insert(const QString& text) override {
+        auto* limit = limitOf(*widget_);
+        if (limit != nullptr) limit->free = true;
+        widget_->insert(text);
+        if (limit != nullptr) limit->end(widget_->text());
+    }
 };
 
 class LinesStore : public WidgetStore<QPlainTextEdit> {
@@ -140,7 +255,14 @@ public:
 
 protected:
     void put(const QString& text) override { widget_->setPlainText(text); }
-    QString get() const override { return widget_->toPlainText(); }
+    // Not toPlainText, which makes blanks of the no-break ones.
+    QString get() const override {
+        QString text = widget_->document()->toRawText();
+        for (QChar& c : text)
+            if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator) c = u'\n';
+        return text;
+    }
+    bool joinsEnds() const override { return true; }
     std::pair<int, int> marked() const override {
         const QTextCursor cursor = widget_->textCursor();
         return {cursor.selectionStart(), cursor.selectionEnd()};
@@ -171,9 +293,7 @@ public:
         const QSignalBlocker quiet(&line_);
         switch (property) {
         case Property::Readonly: line_.setReadOnly(control_->readonly); break;
-        case Property::MaxLength:
-            line_.setMaxLength(control_->maxLength > 0 ? control_->maxLength : 32767);
-            break;
+        case Property::MaxLength: limitLine(line_, control_->maxLength); break;
         case Property::Password:
             line_.setEchoMode(control_->passwordChar != 0 ? QLineEdit::Password : QLineEdit::Normal);
             break;
@@ -186,11 +306,42 @@ private:
     QLineEdit& line_;
 };
 
+// Refuses what goes beyond a limit in bytes, whatever way it comes in.
+class LinesEdit : public QPlainTextEdit {
+public:
+    using QPlainTextEdit::QPlainTextEdit;
+    std::function<bool(const QString&)> hasRoom;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool end = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        const bool typed = !event->text().isEmpty() && event->text()[0].isPrint();
+        const bool command = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
+        if ((end || (typed && !command)) && refuses(end ? QStringLiteral("\n") : event->text())) return;
+        QPlainTextEdit::keyPressEvent(event);
+    }
+    void insertFromMimeData(const QMimeData* source) override {
+        if (!refuses(source->text())) QPlainTextEdit::insertFromMimeData(source);
+    }
+    void inputMethodEvent(QInputMethodEvent* event) override {
+        if (event->commitString().isEmpty() || !refuses(event->commitString()))
+            QPlainTextEdit::inputMethodEvent(event);
+    }
+
+private:
+    bool refuses(const QString& text) {
+        if (isReadOnly() || !hasRoom || hasRoom(text)) return false;
+        QApplication::beep();
+        return true;
+    }
+};
+
 class LinesPeer : public Peer {
 public:
-    LinesPeer(Control& control, QPlainTextEdit& lines) : Peer(control, lines), lines_(lines) {
+    LinesPeer(Control& control, LinesEdit& lines) : Peer(control, lines), lines_(lines) {
         lines.setTabChangesFocus(true);
         takeStore(control, std::make_unique<LinesStore>(lines));
+        lines.hasRoom = [this](const QString& text) { return hasRoom(text); };
         connect(&lines, &QPlainTextEdit::textChanged, this, [this] {
             if (control_ != nullptr) userChange(*control_);
         });
@@ -201,7 +352,15 @@ public:
     void letGo() override { giveBackText(*control_); }
 
 private:
-    QPlainTextEdit& lines_;
+    bool hasRoom(const QString& text) const {
+        if (control_ == nullptr || control_->maxLength == 0) return true;
+        const std::string all = control_->text->text();
+        auto added = static_cast<int>(bytesOf(text, all).size());
+        if (everyEndIsPair(all)) added += static_cast<int>(text.count(u'\n'));
+        return static_cast<int>(all.size()) - control_->text->selection().length + added <=
+               control_->maxLength;
+    }
+    LinesEdit& lines_;
 };
 
 // ---- the edit window ----
@@ -238,6 +397,7 @@ public:
         case Property::Readonly:
             area_->setFlags(control_->flags | (control_->readonly ? READONLY : 0));
             break;
+        case Property::MaxLength: area_->setMaxLength(control_->maxLength); break;
         case Property::Tokens: area_->setTokens(control_->tokens); break;
         case Property::Font: area_->setFont(control_->font); break;
         default: break;
@@ -274,7 +434,27 @@ protected:
 }  // namespace
 
 std::unique_ptr<TextStore> makeLineStore(QLineEdit& line) {
+    limitLine(line, 0);  // before a text comes in: Qt's own limit would cut it
     return std::make_unique<LineStore>(line);
+}
+
+void limitLine(QLineEdit& line, int bytes) {
+    ByteLimit* limit = limitOf(line);
+    if (limit == nullptr) {
+        line.setMaxLength(std::numeric_limits<int>::max());
+        limit = new ByteLimit(&line);
+        line.setValidator(limit);
+        QObject::connect(&line, &QLineEdit::inputRejected, &line, [] { QApplication::beep(); });
+    }
+    limit->limit = bytes;
+    limit->end(line.text());
+}
+
+void putLine(QLineEdit& line, const QString& text) {
+    ByteLimit* limit = limitOf(line);
+    if (limit != nullptr) limit->free = true;
+    line.setText(text);
+    if (limit != nullptr) limit->end(text);
 }
 
 void takeStore(Control& control, std::unique_ptr<TextStore> store) {
@@ -301,12 +481,12 @@ Peer* makeLinePeer(Control& control, QWidget* parent) {
 }
 
 Peer* makeLinesPeer(Control& control, QWidget* parent) {
-    return new LinesPeer(control, *new QPlainTextEdit(parent));
+    return new LinesPeer(control, *new LinesEdit(parent));
 }
 
 Peer* makeEditAreaPeer(Control& control, QWidget* parent) {
     if (loadEditLibrary() == nullptr) {
-        auto* lines = new QPlainTextEdit(parent);
+        auto* lines = new LinesEdit(parent);
         lines->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         return new LinesPeer(control, *lines);
     }

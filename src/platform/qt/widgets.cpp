@@ -23,6 +23,7 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -79,12 +80,49 @@ public:
         setHorizontalScrollMode(ScrollPerPixel);
     }
     std::function<void(QPoint)> doubleClicked;
+    std::function<void()> refreshed;  // brings the rows up to date before the user acts on them
 
 protected:
-    void mouseDoubleClickEvent(QMouseEvent* event) override {
-        QListView::mouseDoubleClickEvent(event);
-        if (event->button() == Qt::LeftButton && doubleClicked) doubleClicked(event->pos());
+    void mousePressEvent(QMouseEvent* event) override {
+        if (refreshed) refreshed();
+        QListView::mousePressEvent(event);
     }
+    void keyPressEvent(QKeyEvent* event) override {
+        if (refreshed) refreshed();
+        QListView::keyPressEvent(event);
+    }
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        if (refreshed) refreshed();
+        const bool onRow = indexAt(event->pos()).isValid();
+        QListView::mouseDoubleClickEvent(event);
+        if (event->button() == Qt::LeftButton && onRow && doubleClicked) doubleClicked(event->pos());
+    }
+    // Ctrl would unselect the row, for which the model has no event.
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override {
+        const auto command = QListView::selectionCommand(index, event);
+        const bool takes =
+            command.testFlag(QItemSelectionModel::Toggle) || command.testFlag(QItemSelectionModel::Deselect);
+        return takes ? QItemSelectionModel::ClearAndSelect : command;
+    }
+};
+
+// Gathers the changes of the rows: a program that adds thousands of them has them measured once.
+class Refresher : public QTimer {
+public:
+    Refresher(QObject* parent, std::function<void()> refresh) : QTimer(parent), refresh_(std::move(refresh)) {
+        setSingleShot(true);
+        setInterval(0);
+        callOnTimeout(this, refresh_);
+    }
+    void now() {
+        if (!isActive()) return;
+        stop();
+        refresh_();
+    }
+
+private:
+    std::function<void()> refresh_;
 };
 
 // Rows in which TAB parts columns, each column as wide as its widest cell among the first rows.
@@ -133,6 +171,7 @@ public:
     RowsPeer(Control& control, RowsView& list)
         : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
         list.setModel(rows_);
+        list.refreshed = [this] { late_->now(); };
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
         if (control.useTabStops) list.setItemDelegate(columns_ = new ColumnDelegate(&list));
         list.doubleClicked = [this](QPoint at) {
@@ -147,9 +186,19 @@ public:
     }
 
     void apply(Property property) override {
-        if (property != Property::Rows && property != Property::ListIndex) return;
+        if (property == Property::Rows) late_->start();
+        if (property == Property::ListIndex && !late_->isActive()) choose();
+    }
+
+    void letGo() override {
         quiet_ = true;
-        if (property == Property::Rows) refreshInPlace();
+        late_->stop();
+        rows_->detach();
+    }
+
+private:
+    void choose() {
+        quiet_ = true;
         const QModelIndex row = rows_->index(control_->listIndex - 1);
         if (control_->listIndex > 0)
             list_.setCurrentIndex(row);
@@ -157,23 +206,19 @@ public:
             list_.selectionModel()->clear();
         quiet_ = false;
     }
-
-    void letGo() override {
-        quiet_ = true;
-        rows_->detach();
-    }
-
-private:
     void refreshInPlace() {
+        quiet_ = true;
         const int top = list_.verticalScrollBar()->value();
         if (columns_ != nullptr) columns_->measure(control_->rows, list_.fontMetrics());
         rows_->refresh();
         list_.verticalScrollBar()->setValue(top);
+        choose();
     }
 
     RowsView& list_;
     RowModel* rows_;
     ColumnDelegate* columns_ = nullptr;
+    Refresher* late_ = new Refresher(this, [this] { refreshInPlace(); });
     bool quiet_ = false;
 };
 
@@ -200,7 +245,7 @@ public:
     void apply(Property property) override {
         const QSignalBlocker quiet(&box_);
         if (property == Property::MaxLength && box_.isEditable())
-            box_.lineEdit()->setMaxLength(control_->maxLength > 0 ? control_->maxLength : 32767);
+            limitLine(*box_.lineEdit(), control_->maxLength);
         if (property == Property::Rows) refresh();
         if (property == Property::ListIndex) choose();
     }
@@ -225,7 +270,7 @@ private:
     }
     void keepLine(const QString& text) {
         const QSignalBlocker quiet(box_.lineEdit());
-        if (box_.lineEdit()->text() != text) box_.lineEdit()->setText(text);
+        if (box_.lineEdit()->text() != text) putLine(*box_.lineEdit(), text);
     }
 
     QComboBox& box_;
@@ -244,6 +289,7 @@ public:
         layout->addWidget(line_);
         layout->addWidget(list_);
         list_->setModel(rows_);
+        list_->refreshed = [this] { late_->now(); };
         holder.setFocusProxy(line_);
         takeStore(control, makeLineStore(*line_));
         connect(line_, &QLineEdit::textEdited, this, [this] {
@@ -259,27 +305,37 @@ public:
                 });
     }
     void apply(Property property) override {
-        quiet_ = true;
-        if (property == Property::Rows) rows_->refresh();
-        if (property == Property::Rows || property == Property::ListIndex) {
-            if (control_->listIndex > 0)
-                list_->setCurrentIndex(rows_->index(control_->listIndex - 1));
-            else
-                list_->selectionModel()->clear();
-        }
-        quiet_ = false;
+        if (property == Property::MaxLength) limitLine(*line_, control_->maxLength);
+        if (property == Property::Rows) late_->start();
+        if (property == Property::ListIndex && !late_->isActive()) choose();
     }
     QWidget* focusWidget() override { return line_; }
     void letGo() override {
         giveBackText(*control_);
         quiet_ = true;
+        late_->stop();
         rows_->detach();
     }
 
 private:
+    void choose() {
+        quiet_ = true;
+        if (control_->listIndex > 0)
+            list_->setCurrentIndex(rows_->index(control_->listIndex - 1));
+        else
+            list_->selectionModel()->clear();
+        quiet_ = false;
+    }
+    void refresh() {
+        quiet_ = true;
+        rows_->refresh();
+        choose();
+    }
+
     QLineEdit* line_;
     RowsView* list_;
     RowModel* rows_;
+    Refresher* late_ = new Refresher(this, [this] { refresh(); });
     bool quiet_ = false;
 };
 

@@ -93,6 +93,7 @@ public:
         bar_->setVisible((flags & STATUSBAR) != 0);
         layOut();
     }
+    void setMaxLength(int bytes) override { text_->setMaxLength(bytes); }
     void setTokens(std::string_view tokens) override { text_->setTokens(tokens); }
     void setFont(const Font& font) override { text_->setTextFont(font); }
     void setName(const QString& name) override {

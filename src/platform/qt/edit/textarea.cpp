@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDragEnterEvent>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -33,7 +34,12 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     applyColours();
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
-            this, [this] { onModified(); });
+            this, [this](int, int type, const char*, int bytes) {
+                if ((type & SC_MOD_INSERTCHECK) != 0)
+                    checkInsertion(bytes);
+                else
+                    onModified();
+            });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
     connect(this, &TextArea::SCN_UPDATEUI, this, [this](int what) {
         if ((what & SC_UPDATE_CONTENT) != 0) applyNumberBar();
@@ -55,12 +61,13 @@ void TextArea::configure() {
     send(SCI_SETCODEPAGE, SC_CP_UTF8);
     // Told before, not after: the control answers an insertion by counting the characters in front of it for
     // screen readers, which at the end of 4,000,000 bytes costs 20 ms a key.
-    send(SCI_SETMODEVENTMASK, SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE);
+    send(SCI_SETMODEVENTMASK, SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE | SC_MOD_INSERTCHECK);
     send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     send(SCI_SETWRAPMODE, SC_WRAP_NONE);
     send(SCI_SETSCROLLWIDTH, 1);
     send(SCI_SETSCROLLWIDTHTRACKING, 1);
     send(SCI_SETTABWIDTH, TabWidth);
+    send(SCI_USEPOPUP, SC_POPUP_NEVER);  // its Paste ends a text at the first NUL
     send(SCI_SETUSETABS, 1);
     send(SCI_SETTABINDENTS, 0);
     send(SCI_SETBACKSPACEUNINDENTS, 0);
@@ -168,6 +175,7 @@ void TextArea::replaceSelection(std::string_view text) {
 
 void TextArea::insert(std::string_view text) {
     const long start = send(SCI_GETSELECTIONSTART), end = send(SCI_GETSELECTIONEND);
+    free_ = true;
     send(SCI_SETREADONLY, 0);
     send(SCI_BEGINUNDOACTION);
     send(SCI_SETTARGETRANGE, start, end);
@@ -176,6 +184,24 @@ void TextArea::insert(std::string_view text) {
     send(SCI_SETEMPTYSELECTION, start + static_cast<long>(text.size()));
     send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
     send(SCI_SCROLLCARET);
+    free_ = false;
+}
+
+void TextArea::insertTyped(std::string_view text) {
+    if (!refuses(text)) insert(text);
+}
+
+bool TextArea::refuses(std::string_view text) {
+    const long marked = send(SCI_GETSELECTIONEND) - send(SCI_GETSELECTIONSTART);
+    if (limit_ == 0 || length() - marked + static_cast<long>(text.size()) <= limit_) return false;
+    QApplication::beep();
+    return true;
+}
+
+void TextArea::checkInsertion(int bytes) {
+    if (limit_ == 0 || free_ || setting_ || length() + bytes <= limit_) return;
+    sendBytes(SCI_CHANGEINSERTION, 0, "");
+    QApplication::beep();
 }
 
 bool TextArea::modified() const {
@@ -338,7 +364,7 @@ void TextArea::newLine() {
         const std::string_view head = caret > start ? range(start, caret) : std::string_view();
         text += head.substr(0, std::min(head.find_first_not_of(" \t"), head.size()));
     }
-    insert(text);
+    insertTyped(text);
     send(SCI_CHOOSECARETX);
 }
 
@@ -383,10 +409,13 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
         break;
     case Qt::Key_Tab:
         if (!writable || !plain) break;
-        if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) insert("\t");
+        if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) insertTyped("\t");
         return;
     case Qt::Key_Backtab:
-        if (writable && (flags_ & TABSHIFT) != 0) shiftBlock(true);
+        if (writable && (flags_ & TABSHIFT) != 0)
+            shiftBlock(true);
+        else
+            QAbstractScrollArea::focusNextPrevChild(false);
         return;
     case Qt::Key_Insert:
         if (plain && (flags_ & ALLOWOVERWRITE) == 0) return;
@@ -401,9 +430,22 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
 bool TextArea::pasteBytes() {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
-    if (!bytes.contains('\0')) return false;
-    insert({bytes.constData(), static_cast<std::size_t>(bytes.size())});
-    return true;
+    if (bytes.contains('\0')) {
+        insertTyped({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+        return true;
+    }
+    // Refused here, the text in the selection is not lost.
+    return limit_ > 0 && data != nullptr &&
+           refuses(bytes.isEmpty() ? data->text().toStdString()
+                                   : std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+}
+
+// A drop ends a text at its first NUL, and a move would lose the rest.
+void TextArea::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->data(QString::fromLatin1(BytesType)).contains('\0'))
+        event->ignore();
+    else
+        QsciScintillaBase::dragEnterEvent(event);
 }
 
 void TextArea::focusInEvent(QFocusEvent* event) {

@@ -31,6 +31,7 @@ public:
     void setModified(bool modified);
 
     void setFlags(int flags);
+    void setMaxLength(int bytes) { limit_ = bytes; }  // 0: no limit
     void setTokens(std::string_view tokens);
     void setTextFont(const Font& font);
 
@@ -50,6 +51,7 @@ protected:
     bool viewportEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
     QMimeData* toMimeData(const QByteArray& text, bool rectangular) const override;
@@ -66,7 +68,10 @@ private:
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
     void flush();                        // reports what has changed since the last time
-    void insert(std::string_view text);  // in the place of the selection, as the user
+    void insert(std::string_view text);  // in the place of the selection, whatever the limit
+    void insertTyped(std::string_view text);
+    bool refuses(std::string_view text);  // true, with a beep: no room for it
+    void checkInsertion(int bytes);       // of whatever the control itself puts in
     void newLine();
     bool pasteBytes();           // true: there was a text with NUL in it, and it is in
     bool shiftBlock(bool left);  // true: it was a block
@@ -79,7 +84,9 @@ private:
     std::string styles_;  // kept from one call to the next
     Font font_;
     int flags_ = 0;
+    int limit_ = 0;         // bytes; 0: none
     int digits_ = 0;        // for which the number bar is wide enough
+    bool free_ = false;     // the limit does not hold
     bool setting_ = false;  // a text is being set: nothing to report
     bool changed_ = false;  // something to report
     bool marked_ = false;   // modified by decree, whatever the undo list says
