@@ -73,7 +73,7 @@ private:
     bool refuses(std::string_view text);  // true, with a beep: no room for it
     void checkInsertion(int bytes);       // of whatever the control itself puts in
     void newLine();
-    bool pasteBytes();           // true: there was a text with NUL in it, and it is in
+    bool pasteBytes();           // true: done with, put in or refused
     bool shiftBlock(bool left);  // true: it was a block
     [[nodiscard]] std::string_view range(int from, int to) const;
     [[nodiscard]] int lineOf(int position) const;
