@@ -40,7 +40,9 @@ int main(int argc, char** argv) {
     platform::useView(platform::makeHeadlessView());
     toolchain::Messages messages;
     toolchain::MakeOptions options = toolchain::readMakeOptions(os::commandLine(), messages);
-    if (!options.outputFile.empty()) os::files().remove(options.outputFile);
+    // A stale result goes first; a device such as /dev/null is no result, and must stay.
+    if (!options.outputFile.empty() && !os::infoOf(options.outputFile).special)
+        os::files().remove(options.outputFile);
     options.file = toolchain::fullPath(options.file);
     if (messages.empty() && os::sizeOf(options.file) < 0)
         messages.add(options.file, 0, toolchain::Problem::CannotRead,
