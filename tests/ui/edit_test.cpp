@@ -8,13 +8,16 @@
 #include <QAbstractScrollArea>
 #include <QAccessible>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QTest>
+#include <QTimer>
 #include <QWidget>
 
 #include <dlfcn.h>
@@ -397,6 +400,23 @@ TEST_F(EditTest, FlagsAndRulesThatChangeLaterKeepTheTextColoured) {
     EXPECT_EQ(styleAt(1), plain);
     area->setTokens("end - 0x0000FF\n");
     EXPECT_EQ(styleAt(1), word);
+}
+
+TEST_F(EditTest, TheContextMenuWorksOnTheSelection) {
+    store->setText("one two");
+    store->select(1, 4);
+    QTimer::singleShot(50, [] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions()) {
+            if (action->text() == QStringLiteral("&Delete")) action->trigger();
+        }
+        menu->close();
+    });
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5),
+                            area->widget()->mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(area->textWidget(), &event);
+    EXPECT_EQ(store->text(), "two");
 }
 
 TEST_F(EditTest, DarkColoursBecomeReadableOnADarkPalette) {

@@ -3,11 +3,14 @@
 
 #include "platform/qt/edit/colours.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QTimer>
 
@@ -67,7 +70,7 @@ void TextArea::configure() {
     send(SCI_SETSCROLLWIDTH, 1);
     send(SCI_SETSCROLLWIDTHTRACKING, 1);
     send(SCI_SETTABWIDTH, TabWidth);
-    send(SCI_USEPOPUP, SC_POPUP_NEVER);  // its Paste ends a text at the first NUL
+    send(SCI_USEPOPUP, SC_POPUP_NEVER);  // its Paste ends a text at the first NUL; see contextMenuEvent
     send(SCI_SETUSETABS, 1);
     send(SCI_SETTABINDENTS, 0);
     send(SCI_SETBACKSPACEUNINDENTS, 0);
@@ -438,6 +441,30 @@ bool TextArea::pasteBytes() {
     return limit_ > 0 && data != nullptr &&
            refuses(bytes.isEmpty() ? data->text().toStdString()
                                    : std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+}
+
+void TextArea::paste() {
+    if (!pasteBytes()) send(SCI_PASTE);
+}
+
+void TextArea::contextMenuEvent(QContextMenuEvent* event) {
+    const bool writable = (flags_ & READONLY) == 0, marked = selection().length > 0;
+    QMenu menu(this);
+    const auto add = [&](const QString& caption, bool possible, auto action) {
+        connect(menu.addAction(caption), &QAction::triggered, this, action);
+        menu.actions().last()->setEnabled(possible);
+    };
+    add(tr("&Undo"), writable && send(SCI_CANUNDO) != 0, [this] { send(SCI_UNDO); });
+    add(tr("&Redo"), writable && send(SCI_CANREDO) != 0, [this] { send(SCI_REDO); });
+    menu.addSeparator();
+    add(tr("Cu&t"), writable && marked, [this] { send(SCI_CUT); });
+    add(tr("&Copy"), marked, [this] { send(SCI_COPY); });
+    add(tr("&Paste"), writable && send(SCI_CANPASTE) != 0, [this] { paste(); });
+    add(tr("&Delete"), writable && marked, [this] { send(SCI_CLEAR); });
+    menu.addSeparator();
+    add(tr("Select &All"), length() > 0, [this] { send(SCI_SELECTALL); });
+    menu.exec(event->globalPos());
+    flush();
 }
 
 // A drop ends a text at its first NUL, and a move would lose the rest.

@@ -51,6 +51,7 @@ protected:
     bool viewportEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -74,6 +75,7 @@ private:
     void checkInsertion(int bytes);       // of whatever the control itself puts in
     void newLine();
     bool pasteBytes();           // true: done with, put in or refused
+    void paste();                // what the user has asked for, by key or menu
     bool shiftBlock(bool left);  // true: it was a block
     [[nodiscard]] std::string_view range(int from, int to) const;
     [[nodiscard]] int lineOf(int position) const;
