@@ -137,7 +137,7 @@ TEST_F(Build, ToolThatOnlyLeftItsOwnReportIsShownByIt) {
 using Start = Build;
 
 TEST_F(Start, RebuildsAMissingProgramWithoutAQuestionAndStartsIt) {
-    tool("ordo.exe", "case \"$*\" in *-n*) echo prog.exe > ordo.err; exit;; esac; printf '#!/bin/sh\\ntouch "
+    tool("ordo.exe", "case \" $* \" in *\" -n \"*) echo prog.exe > ordo.err; exit;; esac; printf '#!/bin/sh\\ntouch "
                      "\"%s\"\\n' \"" +
                          dir + "ran\" > ../prog.exe; chmod +x ../prog.exe");
     RUN_START("Run-Start", main);
@@ -149,14 +149,14 @@ TEST_F(Start, RebuildsAMissingProgramWithoutAQuestionAndStartsIt) {
 }
 
 TEST_F(Start, AsksTheMakeToolWhetherTheProgramIsCurrent) {
-    tool("ordo.exe", "case \"$*\" in *-n*) : > ordo.err;; *) touch built;; esac");
+    tool("ordo.exe", "case \" $* \" in *\" -n \"*) : > ordo.err;; *) touch built;; esac");
     write("prog.exe", "#!/bin/sh\n");
     std::filesystem::permissions(dir + "prog.exe", std::filesystem::perms(0755));
     EXPECT_TRUE(ISUPTODATE(main));
     EXPECT_EQ(log("ordo.exe"), "/fq\n" + main + "\n-i\n-n\n-o" + tools + "ordo.err\n");
     RUN_START("Run-Start", main);
     EXPECT_FALSE(std::filesystem::exists(tools + "built"));
-    tool("ordo.exe", "case \"$*\" in *-n*) echo prog.exe > ordo.err;; *) touch built;; esac");
+    tool("ordo.exe", "case \" $* \" in *\" -n \"*) echo prog.exe > ordo.err;; *) touch built;; esac");
     EXPECT_FALSE(ISUPTODATE(main));
     RUN_START("Run-Start", main);
     EXPECT_TRUE(std::filesystem::exists(tools + "built"));
