@@ -7,7 +7,9 @@
 #include "toolchain/make.h"
 #include "toolchain/tools.h"
 
+#include <filesystem>
 #include <string>
+#include <sys/stat.h>
 
 namespace tarn::toolchain {
 namespace {
@@ -60,6 +62,14 @@ TEST_F(Make, QueriesNameTheFilesOfTheProgramUsedClassesFirst) {
     write("b.rc", "");
     EXPECT_EQ(query("/fs"), "c.cls b.cls b.rc main.cls ");
     EXPECT_EQ(query("/ft"), "main.exe main.rcx ");
+}
+
+// As a device such as /dev/null would be.
+TEST_F(Make, APipeThatIsNamedForTheAnswerIsNotReplaced) {
+    const std::string pipe = dir + "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(ordo({"/fa", dir + "main.cls", "-n", "-o" + pipe}), 0) << output;
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 
 TEST_F(Make, TimeStampsDecideWhatIsOutOfDate) {
