@@ -20,7 +20,10 @@ extern "C" {
 
 #define TARN_UNBOUNDED (-1000000)
 
-typedef struct tarn_string {
+/* A value in a record may stand at any address. */
+#define TARN_PACKED __attribute__((packed))
+
+typedef struct TARN_PACKED tarn_string {
     int32_t size, tag;
     uint32_t data;
     int32_t maxlength, length, reserved;

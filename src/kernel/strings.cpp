@@ -89,14 +89,12 @@ std::int32_t blockSize(std::int64_t characters) {
 }
 
 void drop(StringDescriptor& s) {
-    if (s.size != 0) Free(s.data, s.size);
-    s.size = 0;
-    s.data = 0;
+    FreeData(s);
     s.length = 0;
 }
 
 void takeBlock(StringDescriptor& s, Offset block, std::int32_t size, std::int32_t length) {
-    if (s.size != 0) Free(s.data, s.size);
+    FreeData(s);
     s.data = block;
     s.size = size;
     s.length = length;
@@ -172,13 +170,12 @@ void concatFixed(StringDescriptor& dest, Text a, const Text& b) {
 // dest := dest + b, in the block of dest as long as its class allows.
 void extend(StringDescriptor& dest, Text b, std::int32_t size) {
     const std::ptrdiff_t inside = liesIn(b, dest) ? b.bytes - At(dest.data) : -1;
-    if (!Resize(dest.data, dest.size, size)) {
+    if (!ResizeData(dest, size)) {
         drop(dest);
         return;
     }
     if (inside >= 0) b.bytes = At(dest.data) + inside;
     put(At(dest.data), dest.length, b, b.count);
-    dest.size = size;
     dest.length += b.count;
 }
 
@@ -207,7 +204,7 @@ void concat(const Text& a, const Text& b, StringDescriptor& dest) {
     }
     put(At(block), 0, a, a.count);
     put(At(block), a.count, b, b.count);
-    if (!inPlace && dest.size != 0) Free(dest.data, dest.size);
+    if (!inPlace) FreeData(dest);
     dest.data = block;
     dest.size = size;
     dest.length = static_cast<std::int32_t>(count);
@@ -303,8 +300,7 @@ void StringInit(StringDescriptor* s, std::int32_t maxlength) {
     *s = {0, TagString, 0, maxlength, 0, 0};
     if (maxlength == UNBOUNDED) return;
     const std::int32_t size = blockSize(maxlength);
-    Allocate(s->data, size);
-    if (s->data != 0) s->size = size;
+    AllocateData(*s, size);
 }
 
 void StringFree(StringDescriptor* s) {
@@ -312,7 +308,7 @@ void StringFree(StringDescriptor* s) {
         SetError(ERR_STRING_TYPE);
         return;
     }
-    if (s->size != 0) Free(s->data, s->size);
+    FreeData(*s);
     *s = {};
 }
 
@@ -432,11 +428,10 @@ void StringTerminate(StringDescriptor* s) {
         storeCharacter(At(s->data) + bytesOf(s->length - 1), 0);
         return;
     }
-    if (!Resize(s->data, s->size, size)) {
+    if (!ResizeData(*s, size)) {
         drop(*s);
         return;
     }
-    s->size = size;
     storeCharacter(At(s->data) + bytesOf(s->length), 0);
 }
 

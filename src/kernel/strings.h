@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Values held through descriptors: the kinds, the sentinels, and strings.
-//
-//   offset size  string descriptor (24 bytes)
-//        0    4  size: bytes allocated at data
-//        4    4  tag = 29
-//        8    4  data: heap offset, 0 for none
-//       12    4  maxlength: UNBOUNDED or the fixed capacity in characters
-//       16    4  length in characters
-//       20    4  reserved, 0
-//
-// A tag of 29 with a maxlength that is neither UNBOUNDED nor 1 or more is a set, not a string.
+// Strings (the layout is in values.h). A fixed string has its block of maxlength characters from the start; an
+// unbounded one has a block of exactly its characters, and none while it is empty.
 //
 // All operations report through the error cell (756 for a null or wrong descriptor) and never trap; after 756
 // nothing has changed. A text that does not fit a fixed string is cut and 615 set. When memory is short (802)
@@ -23,7 +14,7 @@
 // appending to it by StringConcat(s, x, s) copies s only when the class of its block changes.
 #pragma once
 
-#include "kernel/heap.h"
+#include "kernel/values.h"
 
 #include <cstdint>
 #include <string>
@@ -31,36 +22,7 @@
 
 namespace tarn {
 
-inline constexpr std::int32_t UNBOUNDED = -1000000;
-inline constexpr std::int32_t DYNAMIC_BOUNDS = -1000001;
-inline constexpr std::int32_t NO_DIMENSION = -999999;
-
-enum Kind : std::int32_t {
-    KindNone,
-    KindBoolean,
-    KindEnum,
-    KindInteger,
-    KindFixed,
-    KindReal,
-    KindString,
-    KindRecord,
-    KindUnion,
-    KindSet,
-    KindArray,
-    KindList,
-    KindTable,
-};
-inline constexpr std::int32_t KindSize[13] = {0, 1, 1, 4, 8, 8, 24, 36, 36, 44, 44, 24, 24};
-
-inline constexpr std::int32_t TagString = 29;
-extern std::int32_t CharacterWidth;  // 1 "ASCII", 2 "WCHAR"
-
-struct StringDescriptor {
-    std::int32_t size, tag;
-    Offset data;
-    std::int32_t maxlength, length, reserved;
-};
-static_assert(sizeof(StringDescriptor) == 24);
+extern std::int32_t CharacterWidth;  // bytes of each character: 1 "ASCII", 2 "WCHAR"
 
 // ---- life ----
 

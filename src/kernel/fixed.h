@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Fixed-point and real numbers. A fixed number is a signed 64-bit word that holds the number times 10000:
+// from -922337203685477.5808 to 922337203685477.5807. A real is an IEEE double. No operation traps.
+//
+// A format is itself a fixed number: its integer part is the field width, -100 to 100, negative for
+// left-justified, 0 for as wide as needed; its decimals, read as digits without trailing zeros, are the
+// number of decimals, 0 to 20 (1.4 is width 1 and 4 decimals, 8.12 width 8 and 12). Parts beyond the limits
+// are brought to them. Texts are padded with blanks and never cut.
+//
+// Cost: arithmetic some nanoseconds, texts tens of them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+using Fixed = std::int64_t;
+inline constexpr Fixed FixedOne = 10000;
+inline constexpr Fixed LargestFixed = INT64_MAX, SmallestFixed = INT64_MIN;
+
+// ---- formats ----
+
+struct NumberFormat {
+    std::int32_t width = 0, decimals = 0;
+};
+NumberFormat SplitFormat(Fixed format);
+inline constexpr Fixed DefaultFixedFormat = 14000;  // 1.4
+
+// ---- fixed ----
+
+// 641 and 0 for what no fixed number can hold, and for NaN. An absolute value below 0.0001 is 0. Otherwise x
+// times 10000, to the nearest, halves away from 0.
+void FixedFromReal(double x, Fixed& f);
+double FixedToReal(Fixed f);
+constexpr void FixedFromInteger(std::int32_t i, Fixed& f) {
+    f = Fixed{i} * FixedOne;
+}
+// Towards 0; what lies outside the integers keeps its low 32 bits.
+constexpr std::int32_t FixedToInteger(Fixed f) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(f / FixedOne));
+}
+
+// Sums and differences wrap.
+constexpr void FixedAdd(Fixed a, Fixed b, Fixed& r) {
+    r = static_cast<Fixed>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
+}
+constexpr void FixedSub(Fixed a, Fixed b, Fixed& r) {
+    r = static_cast<Fixed>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
+}
+// Truncated towards 0; beyond the range the largest or the smallest number, without an error.
+void FixedMul(Fixed a, Fixed b, Fixed& r);
+// The same; 643 and 0 for b = 0.
+void FixedDiv(Fixed a, Fixed b, Fixed& r);
+constexpr Fixed FixedNeg(Fixed f) {  // the smallest number wraps to itself
+    return static_cast<Fixed>(0 - static_cast<std::uint64_t>(f));
+}
+constexpr Fixed FixedAbs(Fixed f) {
+    return f < 0 ? FixedNeg(f) : f;
+}
+constexpr std::int32_t FixedSign(Fixed f) {
+    return (f > 0) - (f < 0);
+}
+// `op`: EQ, NE, GT, LT, GE or LE as for StringCompareOp; false for any other.
+bool FixedCompare(std::string_view op, Fixed a, Fixed b);
+
+// Leading and trailing blanks, an optional sign, digits with an optional point, a digit on one side of it at
+// least. Digits behind the fourth decimal are dropped. For anything else, and a number out of range, `ok` is
+// false and `f` as it was.
+void FixedFromText(std::string_view text, Fixed& f, bool& ok);
+// With the decimals of the format: fewer than four round half away from 0, more are zeros. A minus sign, no
+// plus sign.
+std::string FixedToText(Fixed f, Fixed format = DefaultFixedFormat);
+
+// ---- real ----
+
+double RealDiv(double a, double b);  // 643 and 0 for b = 0
+
+// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to 20); "E"; the exponent's sign
+// and four digits: "+1.25E-0001". "+INF", "-INF" and "+NAN" for what is no number. The second form writes at
+// most `size` bytes with the NUL; a text that does not fit is left out (`buffer` is then empty). The third
+// pads to a format's width.
+std::string RealToText(double x, std::int32_t decimals);
+void RealToText(double x, std::int32_t decimals, char* buffer, std::int32_t size);
+std::string RealToFormat(double x, Fixed format);
+// Blanks around it do not matter: an optional sign, digits with an optional point, an optional "E" or "e"
+// with an optional sign and digits; also what RealToText writes for INF and NAN, in any case. Too large for a
+// double is 641 with `ok` false; too small is 0. On failure `x` is as it was.
+void RealFromText(std::string_view text, double& x, bool& ok);
+inline constexpr std::int32_t RealTextDecimals = 16;  // enough to read the same number back
+
+}  // namespace tarn
