@@ -37,12 +37,12 @@ Kind kindOf(const DescriptorHead& head) {
 
 bool IsWellFormed(const void* descriptor) {
     if (descriptor == nullptr) return false;
-    const auto head = Load<DescriptorHead>(descriptor);
+    const auto head = ReadAt<DescriptorHead>(descriptor);
     return head.tag >= 0 && head.tag <= highestTag && head.size >= 0;
 }
 
 Kind KindOf(const void* descriptor) {
-    return descriptor != nullptr ? kindOf(Load<DescriptorHead>(descriptor)) : KindNone;
+    return descriptor != nullptr ? kindOf(ReadAt<DescriptorHead>(descriptor)) : KindNone;
 }
 
 Kind KindOf(const void* block, std::int32_t bytes) {

@@ -20,7 +20,7 @@
 //   array (44)   16 three pairs of bounds, NO_DIMENSION where there is no dimension, 40 prototype
 //
 // Since fields have no gaps, a value may stand at any address: descriptors are packed, and numbers in records
-// are read and written through memcpy (Load and Store below).
+// are read and written through memcpy (ReadAt and WriteAt below).
 //
 // A descriptor owns its data, its prototype and all that is below them; assignment is a deep copy. It is all
 // zero (never used, or freed), empty, or holds data.
@@ -149,13 +149,13 @@ Kind KindOf(const void* block, std::int32_t bytes);
 // ---- values at any address ----
 
 template <class Number>
-Number Load(const void* at) {
+Number ReadAt(const void* at) {
     Number value;
     std::memcpy(&value, at, sizeof value);
     return value;
 }
 template <class Number>
-void Store(void* at, Number value) {
+void WriteAt(void* at, Number value) {
     std::memcpy(at, &value, sizeof value);
 }
 
