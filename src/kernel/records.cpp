@@ -1,10 +1,279 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/records.h"
 
+#include "kernel/adt.h"
 #include "kernel/adt_kinds.h"
+#include "kernel/errors.h"
+#include "kernel/runtime.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace tarn {
 
-const KindOperations RecordOperations{};
+namespace {
+
+// One field on a walk over a record.
+struct Field {
+    std::int32_t number = 0;
+    Kind kind = KindNone;
+    std::int32_t offset = 0;  // bytes from the first field
+};
+
+// Calls `visit` for each field in order, until it gives false; tells whether all were visited.
+template <class Visit>
+bool eachField(const FieldKinds& kinds, Visit visit) {
+    Field field;
+    for (field.number = 1; field.number <= MaxFields; ++field.number) {
+        field.kind = FieldKindAt(kinds, field.number);
+        if (field.kind == KindNone) return true;
+        if (!visit(field)) return false;
+        field.offset += KindSize[field.kind];
+    }
+    return true;
+}
+
+bool sameKinds(const RecordDescriptor& a, const RecordDescriptor& b) {
+    return std::memcmp(&a.kinds, &b.kinds, sizeof a.kinds) == 0;
+}
+
+bool isRecord(const RecordDescriptor* r) {
+    return r != nullptr && (r->tag == TagRecord || r->tag == TagUnion) && r->size >= 0;
+}
+
+bool acceptRecord(const RecordDescriptor* r) {
+    if (isRecord(r)) return true;
+    SetError(ERR_UNIDENTIFIABLE);
+    return false;
+}
+
+std::int32_t fieldError(const RecordDescriptor& r) {
+    return r.tag == TagUnion ? ERR_UNION_TYPE : ERR_RECORD_TYPE;
+}
+
+// The address of field n when it may be exchanged with a value of this kind; otherwise null, and the error is
+// set.
+char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v, Kind kind) {
+    if (!acceptRecord(r) || !AcceptValue(v, kind)) return nullptr;
+    const Kind fieldKind = FieldKindAt(r->kinds, n);
+    if (fieldKind == KindNone) {
+        SetError(fieldError(*r));
+        return nullptr;
+    }
+    if (fieldKind != kind) {
+        SetError(ERR_COMPONENT_TYPE);
+        return nullptr;
+    }
+    return static_cast<char*>(RecordFieldAddress(const_cast<RecordDescriptor*>(r), n));
+}
+
+const RecordDescriptor& recordAt(const void* value) {
+    return *static_cast<const RecordDescriptor*>(value);
+}
+
+// ---- as a kind of value ----
+
+void freeRecord(void* value) {
+    auto& r = *static_cast<RecordDescriptor*>(value);
+    char* data = At(r.data);
+    if (data == nullptr) return;
+    eachField(r.kinds, [&](const Field& field) {
+        FreeValue(data + field.offset, field.kind);
+        return true;
+    });
+    FreeData(r);
+}
+
+bool initRecord(void* target, const void* like) {
+    const RecordDescriptor& from = recordAt(like);
+    RecordDescriptor made{0, from.tag, 0, from.kinds};
+    bool good = from.size == 0 || AllocateData(made, from.size);
+    if (good && from.size != 0) {
+        char* data = At(made.data);
+        const char* shapes = At(from.data);
+        std::memset(data, 0, static_cast<std::size_t>(made.size));
+        good = eachField(made.kinds, [&](const Field& field) {
+            return !IsAdtKind(field.kind) ||
+                   InitValue(data + field.offset, shapes + field.offset, field.kind);
+        });
+        if (!good) freeRecord(&made);
+    }
+    if (!good) made = {};
+    std::memcpy(target, &made, sizeof made);
+    return good;
+}
+
+bool copyRecord(const void* source, void* target) {
+    const RecordDescriptor& from = recordAt(source);
+    auto& to = *static_cast<RecordDescriptor*>(target);
+    if (to.tag == 0 && !initRecord(target, source)) return false;
+    if (!sameKinds(from, to)) {
+        SetError(ERR_COMPONENT_TYPE);
+        return false;
+    }
+    const char* fromData = At(from.data);
+    char* toData = At(to.data);
+    return eachField(to.kinds, [&](const Field& field) {
+        return CopyValue(fromData + field.offset, toData + field.offset, field.kind);
+    });
+}
+
+bool equalRecords(const void* a, const void* b) {
+    const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
+    if (!sameKinds(left, right)) return false;
+    const char *leftData = At(left.data), *rightData = At(right.data);
+    return eachField(left.kinds, [&](const Field& field) {
+        return EqualValues(leftData + field.offset, rightData + field.offset, field.kind);
+    });
+}
+
+bool sameRecordShape(const void* a, const void* b) {
+    const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
+    if (left.tag != right.tag || !sameKinds(left, right)) return false;
+    const char *leftData = At(left.data), *rightData = At(right.data);
+    return eachField(left.kinds, [&](const Field& field) {
+        return SameShape(leftData + field.offset, rightData + field.offset, field.kind);
+    });
+}
+
+std::string checkRecord(const void* value) {
+    const RecordDescriptor& r = recordAt(value);
+    const std::int32_t count = FieldCountOf(r.kinds);
+    for (std::int32_t n = count + 1; n <= MaxFields; ++n) {
+        if (FieldKindAt(r.kinds, n) != KindNone) return "record: a field stands behind the last";
+    }
+    if (r.size != FieldBytesOf(r.kinds)) return "record: size is not that of its fields";
+    if ((r.size == 0) != (r.data == 0)) return "record: size without data or data without size";
+    std::string wrong;
+    const char* data = At(r.data);
+    eachField(r.kinds, [&](const Field& field) {
+        wrong = CheckValue(data + field.offset, field.kind);
+        if (!wrong.empty()) wrong = "field " + std::to_string(field.number) + ": " + wrong;
+        return wrong.empty();
+    });
+    return wrong;
+}
+
+}  // namespace
+
+const KindOperations RecordOperations = {initRecord,   copyRecord,      freeRecord,
+                                         equalRecords, sameRecordShape, checkRecord};
+
+// ---- field kinds ----
+
+FieldKinds MakeFieldKinds(std::initializer_list<Kind> kinds) {
+    FieldKinds made{};
+    std::int32_t n = 0;
+    for (const Kind kind : kinds) SetFieldKindAt(made, ++n, kind);
+    return made;
+}
+
+Kind FieldKindAt(const FieldKinds& kinds, std::int32_t n) {
+    if (n < 1 || n > MaxFields) return KindNone;
+    const std::uint32_t pair = kinds.nibbles[(n - 1) / 2];
+    return static_cast<Kind>(n % 2 != 0 ? pair >> 4U : pair & 15U);
+}
+
+void SetFieldKindAt(FieldKinds& kinds, std::int32_t n, Kind kind) {
+    if (n < 1 || n > MaxFields) return;
+    std::uint8_t& pair = kinds.nibbles[(n - 1) / 2];
+    const auto nibble = static_cast<std::uint32_t>(kind) & 15U;
+    pair = static_cast<std::uint8_t>(n % 2 != 0 ? (pair & 15U) | nibble << 4U : (pair & 0xF0U) | nibble);
+}
+
+std::int32_t FieldCountOf(const FieldKinds& kinds) {
+    std::int32_t count = 0;
+    while (FieldKindAt(kinds, count + 1) != KindNone) ++count;
+    return count;
+}
+
+std::int32_t FieldBytesOf(const FieldKinds& kinds) {
+    std::int32_t bytes = 0;
+    eachField(kinds, [&](const Field& field) {
+        bytes += KindSize[field.kind];
+        return true;
+    });
+    return bytes;
+}
+
+// ---- life ----
+
+void RecordInit(RecordDescriptor* r, std::int32_t tag, const FieldKinds& kinds) {
+    if (r == nullptr || (tag != TagRecord && tag != TagUnion)) {
+        if (r != nullptr) *r = {};
+        SetError(ERR_UNIDENTIFIABLE);
+        return;
+    }
+    *r = {0, tag, 0, kinds};
+    const bool good = std::all_of(std::begin(kinds.nibbles), std::end(kinds.nibbles), [](std::uint32_t pair) {
+        return pair >> 4U <= KindTable && (pair & 15U) <= KindTable;
+    });
+    const std::int32_t size = good ? FieldBytesOf(kinds) : 0;
+    if (!good) SetError(fieldError(*r));
+    if (!good || (size != 0 && !AllocateData(*r, size)))
+        *r = {};
+    else if (size != 0)
+        std::memset(At(r->data), 0, static_cast<std::size_t>(size));
+}
+
+void RecordCopy(const RecordDescriptor* source, RecordDescriptor* target) {
+    AdtCopy(source, target, source != nullptr && source->tag == TagUnion ? KindUnion : KindRecord);
+}
+
+void RecordFree(RecordDescriptor* r) {
+    AdtFree(r, r != nullptr && r->tag == TagUnion ? KindUnion : KindRecord);
+}
+
+// ---- fields ----
+
+std::int32_t RecordFieldCount(const RecordDescriptor* r) {
+    return acceptRecord(r) ? FieldCountOf(r->kinds) : 0;
+}
+
+Kind RecordFieldKind(const RecordDescriptor* r, std::int32_t n) {
+    return acceptRecord(r) ? FieldKindAt(r->kinds, n) : KindNone;
+}
+
+const void* RecordFieldAddress(const RecordDescriptor* r, std::int32_t n) {
+    if (!acceptRecord(r)) return nullptr;
+    const char* at = nullptr;
+    eachField(r->kinds, [&](const Field& field) {
+        if (field.number == n) at = At(r->data) + field.offset;
+        return field.number != n;
+    });
+    return at;
+}
+
+void* RecordFieldAddress(RecordDescriptor* r, std::int32_t n) {
+    return const_cast<void*>(RecordFieldAddress(const_cast<const RecordDescriptor*>(r), n));
+}
+
+void RecordPut(RecordDescriptor* r, std::int32_t n, const void* v, Kind kind) {
+    char* field = exchangeableField(r, n, v, kind);
+    if (field != nullptr) AdtCopy(v, field, kind);
+}
+
+void RecordGet(const RecordDescriptor* r, std::int32_t n, void* v, Kind kind) {
+    const char* field = exchangeableField(r, n, v, kind);
+    if (field != nullptr)
+        AdtCopy(field, v, kind);
+    else
+        ClearOutput(v, kind);
+}
+
+void RecordAppend(RecordDescriptor* r, const void* v, Kind kind) {
+    if (!acceptRecord(r) || !AcceptValue(v, kind)) return;
+    const std::int32_t count = FieldCountOf(r->kinds), size = KindSize[kind];
+    if (count == MaxFields) return SetError(fieldError(*r));
+    // The value may stand in the record, whose block moves: the copy is complete before it grows.
+    char made[sizeof(ArrayDescriptor)] = {};
+    if (!InitValue(made, v, kind)) return;
+    if (!CopyValue(v, made, kind) || !ResizeData(*r, r->size + size)) {
+        FreeValue(made, kind);
+        return;
+    }
+    std::memcpy(At(r->data) + r->size - size, made, static_cast<std::size_t>(size));
+    SetFieldKindAt(r->kinds, count + 1, kind);
+}
 
 }  // namespace tarn
