@@ -382,8 +382,8 @@ TEST_F(Dates, NowIsTheLocalTimeOfTheClock) {
     EXPECT_EQ(now(), "1969-12-31 23:59:59.9999");
     clock.set(std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(now(), "2262-04-11 23:47:16.8547");
-    clock.set(std::numeric_limits<std::int64_t>::min());
-    EXPECT_EQ(now(), "1677-09-21 00:12:43.1452");
+    clock.set(std::numeric_limits<std::int64_t>::min() + nanosecondsPerSecond);
+    EXPECT_EQ(now(), "1677-09-21 00:12:44.1452");
 }
 
 TEST_F(Dates, ALeapSecondOfTheClockIsTheSecondBeforeIt) {
