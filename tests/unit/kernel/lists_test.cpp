@@ -2,6 +2,7 @@
 #include "kernel/lists.h"
 
 #include "kernel/arrays.h"
+#include "kernel/sets.h"
 #include "unit/kernel/lists_fixture.h"
 
 #include <functional>
@@ -336,6 +337,27 @@ TEST_F(Lists, AListOrAnArrayMayBeAppendedToItsOwnList) {
     }
     EXPECT_EQ(check(lists), "");
     EXPECT_EQ(check(arrays), "");
+}
+
+TEST_F(Lists, ASetOrAUnionMayBeAppendedToItsOwnList) {
+    SetValue set;
+    SetInit(set.get(), -10, 10);
+    SetInclude(7, set.get());
+    RecordValue variant = record(4, "variant");
+    variant.get()->tag = TagUnion;
+    const struct {
+        const void* value;
+        Kind kind;
+    } rows[] = {{set.get(), KindSet}, {variant.get(), KindUnion}};
+    for (const auto& row : rows) {
+        ListValue l;
+        ListInit(l.get(), UNBOUNDED, row.value, row.kind, false);
+        ListAppend(row.value, row.kind, l.get());
+        for (int i = 1; i <= 40; ++i) ListAppend(ListRef(l.get(), i), row.kind, l.get());
+        for (int i = 1; i <= 41; ++i) EXPECT_TRUE(AdtCompare("EQ", row.value, ListRef(l.get(), i), row.kind));
+        EXPECT_EQ(check(l), "");
+    }
+    RecordFree(variant.get());
 }
 
 TEST_F(Lists, AnElementMayBePutInsertedAndReadWithinItsList) {
