@@ -219,7 +219,7 @@ private:
                 putWithBounds(a, widerBounds(a.bounds, b.bounds));
             return advance(1, 1);
         }
-        const bool mayLack = a.name != b.name || a.indent != b.indent;
+        const bool mayLack = a.name != b.name || (a.isEnd() && a.indent != b.indent);
         if (mayLack && putLacking()) return true;
         if (a.name != b.name)
             return stop("The name of an element changed, from '", a.name, "' to '", b.name, "'");
