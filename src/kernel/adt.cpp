@@ -70,9 +70,14 @@ const KindOperations* operationsOf(std::int32_t kind) {
     return IsAdtKind(kind) ? table[kind] : nullptr;
 }
 
+// The head is looked at first, so that a descriptor which is shorter than its alleged kind is not read behind
+// its end.
 bool isZero(const void* value, Kind kind) {
     static constexpr char zeros[largestValue] = {};
-    return std::memcmp(value, zeros, static_cast<std::size_t>(KindSize[kind])) == 0;
+    constexpr std::size_t head = sizeof(DescriptorHead);
+    if (std::memcmp(value, zeros, head) != 0) return false;
+    return std::memcmp(static_cast<const char*>(value) + head, zeros,
+                       static_cast<std::size_t>(KindSize[kind]) - head) == 0;
 }
 
 bool fail(std::int32_t code) {
