@@ -114,6 +114,7 @@ bool canHoldOthers(std::int32_t kind) {
 bool mayOwnSource(const void* target, Kind kind) {
     if (kind == KindRecord || kind == KindUnion) {
         const auto record = ReadAt<RecordDescriptor>(target);
+        if (HoldsNumbersOnly(record.kinds)) return false;
         for (std::int32_t n = 1; n <= MaxFields; ++n) {
             const Kind field = FieldKindAt(record.kinds, n);
             if (field == KindNone || canHoldOthers(field)) return field != KindNone;
@@ -167,27 +168,20 @@ const KindOperations StringOperations = {initString,   copyString,      freeStri
 
 // ---- for elements and fields ----
 
-bool InitValue(void* target, const void* like, Kind kind) {
-    const KindOperations* operations = operationsOf(kind);
-    const auto size = static_cast<std::size_t>(KindSize[kind]);
-    if (operations != nullptr && !isZero(like, kind)) return operations->init(target, like);
-    std::memset(target, 0, size);
+bool InitAdt(void* target, const void* like, Kind kind) {
+    if (!isZero(like, kind)) return operationsOf(kind)->init(target, like);
+    std::memset(target, 0, static_cast<std::size_t>(KindSize[kind]));
     return true;
 }
 
-bool CopyValue(const void* source, void* target, Kind kind) {
-    if (source == target) return true;
-    const KindOperations* operations = operationsOf(kind);
-    if (operations != nullptr && isZero(source, kind) && isZero(target, kind)) return true;
-    if (operations != nullptr && mayOwnSource(target, kind)) return replace(source, target, kind);
-    if (operations != nullptr) return operations->copy(source, target);
-    std::memmove(target, source, static_cast<std::size_t>(KindSize[kind]));
-    return true;
+bool CopyAdt(const void* source, void* target, Kind kind) {
+    if (source == target || (isZero(source, kind) && isZero(target, kind))) return true;
+    if (mayOwnSource(target, kind)) return replace(source, target, kind);
+    return operationsOf(kind)->copy(source, target);
 }
 
-void FreeValue(void* value, Kind kind) {
-    const KindOperations* operations = operationsOf(kind);
-    if (operations != nullptr) operations->free(value);
+void FreeAdt(void* value, Kind kind) {
+    operationsOf(kind)->free(value);
 }
 
 bool EqualValues(const void* a, const void* b, Kind kind) {

@@ -6,6 +6,8 @@
 
 #include "kernel/values.h"
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace tarn {
@@ -31,10 +33,44 @@ struct KindOperations {
 extern const KindOperations StringOperations, RecordOperations, SetOperations, ArrayOperations,
     ListOperations, TableOperations;
 
+// Copies a number from one place to another that is not a part of it.
+inline void CopyNumber(const void* source, void* target, Kind kind) {
+    switch (KindSize[kind]) {
+    case 1: std::memcpy(target, source, 1); break;
+    case 4: std::memcpy(target, source, 4); break;
+    default: std::memcpy(target, source, 8);
+    }
+}
+
+// True when all fields are numbers: such a record is nothing but its bytes.
+inline bool HoldsNumbersOnly(const FieldKinds& kinds) {
+    constexpr std::uint64_t ones = 0x1111111111111111;
+    std::uint64_t words[sizeof kinds / sizeof(std::uint64_t)], adt = 0;
+    std::memcpy(words, &kinds, sizeof kinds);
+    // A nibble of 6 or more has its bit 3, or both bits 2 and 1.
+    for (const std::uint64_t word : words) adt |= word >> 3U | (word >> 2U & word >> 1U);
+    return (adt & ones) == 0;
+}
+static_assert(KindReal == 5 && KindString == 6 && KindTable < 16);
+
+bool InitAdt(void* target, const void* like, Kind kind);
+bool CopyAdt(const void* source, void* target, Kind kind);
+void FreeAdt(void* value, Kind kind);
+
 // For elements and fields of any kind, 1 to 12. They act like the functions above; kinds 1 to 5 are bytes.
-bool InitValue(void* target, const void* like, Kind kind);
-bool CopyValue(const void* source, void* target, Kind kind);
-void FreeValue(void* value, Kind kind);  // does not zero
+inline bool InitValue(void* target, const void* like, Kind kind) {
+    if (IsAdtKind(kind)) return InitAdt(target, like, kind);
+    std::memset(target, 0, static_cast<std::size_t>(KindSize[kind]));
+    return true;
+}
+inline bool CopyValue(const void* source, void* target, Kind kind) {
+    if (IsAdtKind(kind)) return CopyAdt(source, target, kind);
+    CopyNumber(source, target, kind);
+    return true;
+}
+inline void FreeValue(void* value, Kind kind) {  // does not zero
+    if (IsAdtKind(kind)) FreeAdt(value, kind);
+}
 bool EqualValues(const void* a, const void* b, Kind kind);
 bool SameShape(const void* a, const void* b, Kind kind);
 std::string CheckValue(const void* value, Kind kind);

@@ -77,6 +77,7 @@ void freeRecord(void* value) {
     auto& r = *static_cast<RecordDescriptor*>(value);
     char* data = At(r.data);
     if (data == nullptr) return;
+    if (HoldsNumbersOnly(r.kinds)) return FreeData(r);
     eachField(r.kinds, [&](const Field& field) {
         FreeValue(data + field.offset, field.kind);
         return true;
@@ -92,10 +93,10 @@ bool initRecord(void* target, const void* like) {
         char* data = At(made.data);
         const char* shapes = At(from.data);
         std::memset(data, 0, static_cast<std::size_t>(made.size));
-        good = eachField(made.kinds, [&](const Field& field) {
-            return !IsAdtKind(field.kind) ||
-                   InitValue(data + field.offset, shapes + field.offset, field.kind);
-        });
+        good = HoldsNumbersOnly(made.kinds) || eachField(made.kinds, [&](const Field& field) {
+                   return !IsAdtKind(field.kind) ||
+                          InitValue(data + field.offset, shapes + field.offset, field.kind);
+               });
         if (!good) freeRecord(&made);
     }
     if (!good) made = {};
@@ -113,6 +114,11 @@ bool copyRecord(const void* source, void* target) {
     }
     const char* fromData = At(from.data);
     char* toData = At(to.data);
+    if (to.size == 0) return true;
+    if (HoldsNumbersOnly(to.kinds) && from.size == to.size) {
+        std::memcpy(toData, fromData, static_cast<std::size_t>(to.size));
+        return true;
+    }
     return eachField(to.kinds, [&](const Field& field) {
         return CopyValue(fromData + field.offset, toData + field.offset, field.kind);
     });

@@ -72,4 +72,26 @@ bool opensBlock(const Line& line);  // a record, a union, a list or a table
 // The text that a buffer of `size` characters can hold.
 void cutTo(std::string& text, std::int32_t size);
 
+// ---- values ----
+
+// The least depth at which blocks are no longer built.
+inline constexpr std::int32_t TooDeep = 101;
+inline constexpr std::int32_t LargestKind = 44;  // the bytes of the largest kind of value
+
+// A declaration that values are built from: at most 32767 characters, the last line ended, and the outer pair
+// of "list" and "table" lines taken off.
+struct Source {
+    std::string text;
+    std::int32_t outer = 0;  // of the pair: KindList, KindTable, 0 for none
+};
+Source sourceOf(std::string_view text);
+// Copies the text of a string value; 756 and false for what is no string.
+bool takeText(const StringDescriptor* text, std::string& taken);
+// Frees the old value of a target and makes it zero. False, with nothing changed, for null and for another
+// kind of value.
+bool freeTarget(void* value, Kind kind);
+// A list of the values that the source says. False when it says none, or cannot be made; `value` is zero
+// then.
+bool buildList(const Source& source, ListDescriptor& value, bool inFile);
+
 }  // namespace tarn::typeinfo
