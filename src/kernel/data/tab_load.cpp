@@ -4,6 +4,7 @@
 // came to its end. So a target is never half full, and two values are in memory at most. Elements of lists
 // are filled where they stand.
 #include "kernel/adt.h"
+#include "kernel/data/fresh.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/errors.h"
@@ -30,29 +31,6 @@ std::int32_t takeError() {
     tarn_error_cell = 0;
     return code;
 }
-
-// A value that takes the place of another, or goes.
-class Fresh {
-public:
-    Fresh(void* target, Kind kind) : target_(target), kind_(kind) { AdtInit(bytes_, target, kind); }
-    ~Fresh() { AdtFree(bytes_, kind_); }
-    Fresh(const Fresh&) = delete;
-    Fresh& operator=(const Fresh&) = delete;
-
-    void* get() { return bytes_; }
-    void replaceTarget() {
-        const auto size = static_cast<std::size_t>(KindSize[kind_]);
-        char old[sizeof bytes_];
-        std::memcpy(old, target_, size);
-        std::memcpy(target_, bytes_, size);
-        std::memcpy(bytes_, old, size);
-    }
-
-private:
-    void* target_;
-    Kind kind_;
-    char bytes_[sizeof(ArrayDescriptor)];
-};
 
 class Loading {
 public:
@@ -156,7 +134,7 @@ TabResult load(const std::string& filename, const TabOptions& options, void* val
     TabReader rows;
     if (target.code == 0) target.code = rows.open(filename, options);
     if (target.code != 0) return {target.code};
-    Fresh fresh(value, kind);
+    FreshValue fresh(value, kind);
     const std::int32_t code = takeError();
     if (code != 0) return {code};
     Loading loading(rows, target, options.maxdatarows);

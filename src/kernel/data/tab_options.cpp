@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/datafile.h"
+#include "kernel/data/tab_rows.h"
 #include "kernel/data/tabular.h"
 #include "kernel/errors.h"
 #include "kernel/records.h"
@@ -15,6 +16,7 @@ TabOptions DefaultTabOptions(std::int32_t format) {
         options.numheaderrows = 2;
         options.separatorchar = '\t';
     }
+    if (format == FormatText) options.separatorchar = NoTabSeparator;
     return options;
 }
 

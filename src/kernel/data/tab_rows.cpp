@@ -261,7 +261,8 @@ std::string_view TabCells::nextPlain() {
     quoted_ = false;
     const char* const from = at_;
     const char* const end = separator_ == NoTabSeparator ? end_ : findByte(from, end_, separator_);
-    at_ = end != end_ ? end + 1 : end_;
+    separated_ = end != end_;
+    at_ = separated_ ? end + 1 : end_;
     return {from, static_cast<std::size_t>(end - from)};
 }
 

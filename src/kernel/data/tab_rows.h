@@ -121,6 +121,7 @@ public:
     TabCells(std::string_view row, std::int32_t separator)
         : at_(row.data()), end_(row.data() + row.size()), separator_(separator) {}
 
+    [[nodiscard]] bool more() const { return at_ != end_ || separated_; }
     [[nodiscard]] std::string_view rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
     // Blanks, tabs and line ends, except the one that is the separator.
     void skipBlanks();
@@ -136,6 +137,7 @@ private:
     const char *at_, *end_;
     std::int32_t separator_;
     bool quoted_ = false;
+    bool separated_ = false;  // a separator stands ahead of what is left, so that it is a cell
 };
 
 }  // namespace tarn

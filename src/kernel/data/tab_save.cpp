@@ -2,6 +2,7 @@
 //
 // The whole file is written to memory first and then put on disk in one step, so that what cannot be written
 // is known before the old file is touched.
+#include "kernel/data/datafile.h"
 #include "kernel/data/progress.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/tab_rows.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <charconv>
 #include <new>
+#include <vector>
 
 namespace tarn {
 
@@ -33,21 +35,30 @@ std::string_view takeLine(std::string_view& text) {
     return line;
 }
 
-// The names that a table's own description gives its fields, one per line.
-std::string namesOfTable(std::string_view description) {
-    std::string names;
-    const auto lines =
-        static_cast<std::int32_t>(std::count(description.begin(), description.end(), '\n')) + 1;
-    const std::string_view first = TypeInfoParseLine(description, 1).typeName;
-    const bool wrapped = TypeInfoKind(first) == KindRecord;
-    const std::int32_t indent = wrapped ? TypeInfoIndent(description, 1) + 1 : TypeInfoIndent(description, 1);
-    for (std::int32_t n = wrapped ? 2 : 1; n <= lines; ++n) {
-        const TypeInfoElement element = TypeInfoParseLine(description, n);
-        if (element.isEnd() || element.name.empty() || element.indent != indent) continue;
-        names += element.name;
-        names += '\n';
+// The first line of each element of a declaration that is a value.
+std::vector<std::string> namesOf(std::string_view description) {
+    std::vector<std::string> names;
+    for (std::size_t position = 0; position < description.size();) {
+        const std::size_t start = position;
+        const std::int32_t kind = TypeInfoToValue(description, position, nullptr);
+        if (IsValueKind(kind)) names.push_back(TypeInfoName(description.substr(start), 1));
+        if (position == start) break;
     }
     return names;
+}
+
+// The names that a table's own description gives its fields, one per line. The description is the fields
+// alone, or the whole declaration.
+std::string namesOfTable(const TableDescriptor* table, std::size_t fields) {
+    std::string description(StringView(TableTypeInfo(table)));
+    std::vector<std::string> names = namesOf(description);
+    if (names.size() != fields) {
+        TypeInfoStripOuter(description, MaxTypeInfo);
+        names = namesOf(description);
+    }
+    std::string lines;
+    for (const std::string& name : names) lines += name + '\n';
+    return lines;
 }
 
 std::string nameOf(std::string_view& names, std::int32_t number) {
@@ -222,7 +233,7 @@ TabResult save(const std::string& filename, const TabOptions& options, const voi
     if (target.code != 0) return {target.code};
     std::string own;
     if (kind == KindTable) {
-        own = namesOfTable(StringView(TableTypeInfo(static_cast<const TableDescriptor*>(value))));
+        own = namesOfTable(static_cast<const TableDescriptor*>(value), target.row.fields.size());
         if (!own.empty()) names = own;
     }
     Saving saving(options, target.row);
