@@ -175,15 +175,23 @@ std::int32_t closingLine(std::string_view text) {
     return 0;
 }
 
-bool stripPair(std::string& text, std::int32_t size, Kind kind, Kind orKind) {
-    const std::int32_t first = TypeInfoKind(TypeInfoParseLine(text, 1).typeName);
-    if (first != kind && first != orKind) return false;
-    const std::int32_t last = closingLine(text);
-    if (last == 0) return false;
+bool isWord(std::string_view text, std::string_view word) {
+    return std::equal(text.begin(), text.end(), word.begin(), word.end(),
+                      [](char a, char b) { return lower(a) == b; });
+}
+bool isListOrTable(std::string_view typeName) {
+    return isWord(typeName, "list") || isWord(typeName, "table");
+}
+bool isRecord(std::string_view typeName) {
+    return isWord(typeName, "record");
+}
+
+void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view)) {
+    const std::int32_t last = opens(TypeInfoParseLine(text, 1).typeName) ? closingLine(text) : 0;
+    if (last == 0 || !opens(TypeInfoParseLine(text, last).typeName)) return;
     TypeInfoDeleteLine(text, last);
     TypeInfoDeleteLine(text, 1);
     TypeInfoChangeIndent(-1, text, size);
-    return true;
 }
 
 std::string nestedColumn(std::string_view text) {
@@ -192,8 +200,7 @@ std::string nestedColumn(std::string_view text) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
         if (element.indent != 0 || element.isEnd()) continue;
         ++column;
-        const std::int32_t kind = TypeInfoKind(element.typeName);
-        if (kind != KindRecord && kind != KindUnion && kind != KindList && kind != KindTable) continue;
+        if (!isRecord(element.typeName) && !isListOrTable(element.typeName)) continue;
         return "Column number " + std::to_string(column) + " \"" + element.name +
                "\" contains a nested record - columns cannot contain nested data";
     }
@@ -267,8 +274,8 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
 }
 
 void TypeInfoStripOuter(std::string& text, std::int32_t size) {
-    stripPair(text, size, KindList, KindTable);
-    stripPair(text, size, KindRecord, KindRecord);
+    stripPair(text, size, isListOrTable);
+    stripPair(text, size, isRecord);
     const auto most = static_cast<std::size_t>(std::max(size, 1)) - 1;
     if (text.size() > most) text.resize(most);
 }

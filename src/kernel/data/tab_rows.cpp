@@ -139,6 +139,7 @@ std::int32_t TabReader::findFooters(std::int32_t count) {
     return 0;
 }
 
+// The first line tells whether the separators stand around lines as a frame.
 void TabReader::readHeaders(std::int32_t count) {
     std::string_view line;
     for (std::int32_t n = 0; n < count && takeLine(false, line); ++n) {
@@ -146,10 +147,17 @@ void TabReader::readHeaders(std::int32_t count) {
         if (n == 0)
             framed_ = separator_ >= 1 && separator_ < framesBelow && line.size() >= 2 && line[0] == frame &&
                       line.back() == frame;
-        if (n == 0 && framed_) line = line.substr(1, line.size() - 2);
-        if (n < mostHeaders) headers_.emplace_back(line);
+        if (n < mostHeaders) headers_.emplace_back(withoutFrame(line));
     }
     skipLongLine();
+}
+
+std::string_view TabReader::withoutFrame(std::string_view row) const {
+    if (!framed_) return row;
+    const auto frame = static_cast<char>(separator_);
+    if (row.starts_with(frame)) row.remove_prefix(1);
+    if (row.ends_with(frame)) row.remove_suffix(1);
+    return row;
 }
 
 std::int32_t TabReader::open(const std::string& filename, const TabOptions& options) {
@@ -231,11 +239,7 @@ bool TabReader::takeLine(bool quotes, std::string_view& row) {
 
 bool TabReader::next(std::string_view& row) {
     if (!takeLine(true, row)) return false;
-    if (framed_) {
-        const auto frame = static_cast<char>(separator_);
-        if (row.starts_with(frame)) row.remove_prefix(1);
-        if (row.ends_with(frame)) row.remove_suffix(1);
-    }
+    row = withoutFrame(row);
     return true;
 }
 

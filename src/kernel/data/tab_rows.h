@@ -96,6 +96,7 @@ private:
     const char* endOfRow(const char* from, const char* to, bool quotes);
     const char* endOfQuotedRow(const char* from, const char* to) const;
     void skipLongLine();
+    [[nodiscard]] std::string_view withoutFrame(std::string_view row) const;
 
     TabFile file_;
     std::vector<char> block_;
