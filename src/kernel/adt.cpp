@@ -150,8 +150,9 @@ void copyAndCompare(const void* source, void* target, Kind kind) {
 }
 
 bool equalNumbers(const void* a, const void* b, Kind kind) {
-    if (kind == KindReal) return ReadAt<double>(a) == ReadAt<double>(b);
-    return std::memcmp(a, b, static_cast<std::size_t>(KindSize[kind])) == 0;
+    // What is no number equals itself, so that a copy equals its source; 0 equals -0.
+    return std::memcmp(a, b, static_cast<std::size_t>(KindSize[kind])) == 0 ||
+           (kind == KindReal && ReadAt<double>(a) == ReadAt<double>(b));
 }
 
 // A list that is held in a file and has not been opened.
