@@ -69,7 +69,12 @@ std::vector<ValueModel> slotsOf(const ValueModel& m) {
 }
 
 bool hasPrototype(const ValueModel& m) {
-    return (m.kind == KindArray || m.kind == KindList) && !isFixedList(m) && IsAdtKind(m.element[0].kind);
+    return (m.kind == KindArray || m.kind == KindList) && IsAdtKind(m.element[0].kind);
+}
+
+// The prototype of a fixed list is its first slot.
+bool ownsPrototype(const ValueModel& m) {
+    return hasPrototype(m) && !isFixedList(m);
 }
 
 Offset block(std::int32_t size) {
@@ -96,7 +101,7 @@ void makeParts(Descriptor& d, const std::vector<ValueModel>& parts) {
 }
 
 Offset makePrototype(const ValueModel& m) {
-    if (!hasPrototype(m)) return 0;
+    if (!ownsPrototype(m)) return 0;
     const Offset made = block(sizeOf(m.element[0]));
     Make(m.element[0], At(made));
     return made;
@@ -150,7 +155,7 @@ std::string partsDiffer(const std::vector<ValueModel>& parts, Offset data) {
 
 std::string prototypeDiffers(const ValueModel& m, Offset prototype) {
     const std::string presence = word("has prototype", prototype != 0, hasPrototype(m));
-    if (!presence.empty() || prototype == 0) return presence;
+    if (!presence.empty() || !ownsPrototype(m)) return presence;
     const std::string inside = Differs(m.element[0], At(prototype));
     return inside.empty() ? inside : "prototype (" + inside + ") ";
 }
@@ -200,7 +205,9 @@ std::string listDiffers(const ValueModel& m, const void* at) {
     const std::int32_t slots = isFixedList(m) ? m.maxlength : count;
     const std::string all = headDiffers(d, m.element[0].kind, slots * sizeOf(m.element[0])) +
                             word("maxlength", d.maxlength, m.maxlength) + word("count", d.count, count) +
-                            prototypeDiffers(m, d.prototype);
+                            prototypeDiffers(m, d.prototype) +
+                            word("prototype is the first slot", d.prototype != 0 && d.prototype == d.data,
+                                 hasPrototype(m) && isFixedList(m));
     return all.empty() ? partsDiffer(m.parts, d.data) : all;
 }
 
@@ -337,7 +344,7 @@ void Make(const ValueModel& m, void* at) {
     case KindList: {
         ListDescriptor d{0, m.element[0].kind, 0, m.maxlength, static_cast<std::int32_t>(m.parts.size()), 0};
         makeParts(d, slotsOf(m));
-        d.prototype = makePrototype(m);
+        d.prototype = hasPrototype(m) && isFixedList(m) ? d.data : makePrototype(m);
         WriteAt(at, d);
         break;
     }
@@ -373,7 +380,7 @@ HeapUse UseOf(const ValueModel& m) {
     const std::vector<ValueModel> slots = slotsOf(m);
     addBlock(use, bytesOf(slots));
     for (const ValueModel& slot : slots) add(use, UseOf(slot));
-    if (hasPrototype(m)) {
+    if (ownsPrototype(m)) {
         addBlock(use, sizeOf(m.element[0]));
         add(use, UseOf(m.element[0]));
     }

@@ -21,8 +21,8 @@ struct ValueModel {
     std::int64_t number = 0;  // kinds 1 to 4
     double real = 0;
     std::string text;
-    std::int32_t maxlength = UNBOUNDED;             // as in the descriptor; not for records
-    std::array<ArrayBounds, MaxDimensions> bounds;  // of an array; the first, of a set
+    std::int32_t maxlength = UNBOUNDED;               // as in the descriptor; not for records
+    std::array<ArrayBounds, MaxDimensions> bounds{};  // of an array; the first, of a set
     std::set<std::int32_t> members;
     std::vector<ValueModel> element;  // of an array or list: one, empty, that shows the shape
     std::vector<ValueModel> parts;    // fields, elements in storage order, or rows

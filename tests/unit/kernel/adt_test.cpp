@@ -53,6 +53,18 @@ const std::vector<Named>& values() {
         {"Record", person("Ada", 36)},
         {"Union", Record({Number(KindInteger, 5), Text("u"), Real(1)}, KindUnion)},
         {"EmptyRecord", Record({})},
+        {"Set", Set(-10, 10, {-10, -6, 6, 10})},
+        {"DynamicSet", Set(1, 100, {1, 50, 100}, DYNAMIC_BOUNDS)},
+        {"RecordOfSets", Record({Number(KindBoolean, 1), Set(0, 7, {0, 7}), Set(3, 4, {3}, DYNAMIC_BOUNDS)})},
+        {"List", List(Number(KindInteger, 0), {Number(KindInteger, 5), Number(KindInteger, 6)})},
+        {"ListWithoutRows", List(Text("", 4), {})},
+        {"ListOfTexts", List(Text(""), {Text("one"), Text(""), Text("three")})},
+        {"FixedListOfTexts", List(Text(""), {Text("one"), Text("two")}, 4)},
+        {"ListOfRecords", List(person("", 0), {person("Bob", 40), person("Eve", 41)})},
+        {"RecordOfLists",
+         Record({Number(KindBoolean, 1), List(texts, {texts, texts}), List(Real(0), {Real(1)}, 3)})},
+        {"ArrayOfLists",
+         Array({{1, 2}}, List(Text(""), {}), {List(Text(""), {Text("x")}), List(Text(""), {})})},
         {"Integers",
          Array({{1, 4}}, Number(KindInteger, 0), {Number(KindInteger, 1), Number(KindInteger, 2)})},
         {"Matrix", Array({{0, 1}, {-1, 1}}, Real(0), {Real(1), Real(2), Real(3), Real(4), Real(5), Real(6)})},
@@ -343,6 +355,14 @@ TEST_F(GenericOperations, ShapesAreTheSameWhenAllButContentAndCountsIs) {
         {Array({{1, 3}}, integer), Array({{1, 3}}, Real(0)), false},
         {Array({{1, 3}}, integer), Array({{1, 3}}, integer, {}, DYNAMIC_BOUNDS), false},
         {Array({{1, 3}}, Text("")), Array({{1, 3}}, Text("", 4)), false},
+        {Set(1, 9, {1}), Set(1, 9, {}), true},
+        {Set(1, 9, {}), Set(1, 8, {}), false},
+        {Set(1, 9, {}), Set(1, 9, {}, DYNAMIC_BOUNDS), false},
+        {List(integer, {integer}), List(integer, {}), true},
+        {List(integer, {}), List(integer, {}, 5), false},
+        {List(integer, {}, 4), List(integer, {}, 5), false},
+        {List(integer, {}), List(Real(0), {}), false},
+        {List(Text(""), {}), List(Text("", 4), {}), false},
         {Array({}, Text(""), {}, DYNAMIC_BOUNDS), Array({}, Text("", 4), {}, DYNAMIC_BOUNDS), false},
         {Array({}, Text(""), {}, DYNAMIC_BOUNDS), Array({}, Text(""), {}, DYNAMIC_BOUNDS), true},
     };
@@ -434,6 +454,70 @@ TEST_F(GenericOperations, RecordsOfOtherFieldsAre611AndChangeNothing) {
         EXPECT_FALSE(AdtCompare("EQ", source.at(), to.at(), KindRecord));
         EXPECT_TRUE(AdtCompare("NE", source.at(), to.at(), KindRecord));
         EXPECT_EQ(ErrorCell(), 0);
+    }
+}
+
+// The misfit stands behind, or below, a field that fits.
+TEST_F(GenericOperations, AMisfitDeepInAValueChangesNothingOfIt) {
+    const ValueModel one = Number(KindInteger, 1), two = Number(KindInteger, 2);
+    const auto record = [](ValueModel inner, const ValueModel& number) {
+        return Record({number, Record({number, std::move(inner)})});
+    };
+    const struct {
+        ValueModel source, target;
+        std::int32_t error;
+    } rows[] = {
+        {Record({Real(1)}), Record({Text("abc")}), ERR_COMPONENT_TYPE},
+        {Array({{1, 3}}, two), Array({{1, 2}}, one), ERR_FIXED_ARRAY},
+        {Array({{1, 2}}, Real(0)), Array({{1, 2}}, one), ERR_ARRAY_TYPE},
+        {Array({{1, 2}, {1, 1}}, two), Array({{1, 2}}, one), ERR_ARRAY_DIMENSION},
+        {List(two, {two, two}), List(one, {one}, 1), ERR_FIXED_LIST},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.error);
+        const ValueModel target = record(row.target, one);
+        OddValue from(record(row.source, two)), to(target);
+        AdtCopy(from.at(), to.at(), KindRecord);
+        EXPECT_EQ(takeError(), row.error);
+        EXPECT_EQ(Differs(target, to.at()), "");
+        const ValueModel array = Array({{1, 2}}, target, {target, target});
+        OddValue elements(array);
+        ArrayPut(elements.as<ArrayDescriptor>(), 1, from.at(), KindRecord);
+        EXPECT_NE(takeError(), 0);
+        EXPECT_EQ(Differs(array, elements.at()), "");
+    }
+}
+
+TEST_F(GenericOperations, ARecordIsPutIntoAFieldOfItsOwnThatHasNoShapeYet) {
+    OddValue r(KindRecord);
+    RecordInit(r.as<RecordDescriptor>(), TagRecord, MakeFieldKinds({KindInteger, KindRecord}));
+    RecordPut(r.as<RecordDescriptor>(), 2, r.at(), KindRecord);
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(AdtCheck(r.at(), KindRecord), "");
+    EXPECT_EQ(
+        RecordFieldCount(static_cast<RecordDescriptor*>(RecordFieldAddress(r.as<RecordDescriptor>(), 2))), 2);
+}
+
+// By its tag this is told to be an array, but no array has elements of that kind.
+TEST_F(GenericOperations, AnArrayWithTheTagOfAFileListIsNone) {
+    for (std::int32_t tag = 17; tag <= 28; ++tag) {
+        for (const std::int32_t maxlength : {0, DYNAMIC_BOUNDS}) {
+            ArrayDescriptor a{
+                0, tag, 0, maxlength, {{1, 2}, {NO_DIMENSION, NO_DIMENSION}, {NO_DIMENSION, NO_DIMENSION}},
+                0};
+            const ArrayDescriptor before = a;
+            ArrayDescriptor target{};
+            EXPECT_NE(AdtCheck(&a, KindArray), "") << tag;
+            EXPECT_FALSE(AdtCompare("EQ", &a, &a, KindArray));
+            EXPECT_EQ(takeError(), ERR_ARRAY_TYPE) << tag;
+            AdtInit(&target, &a, KindArray);
+            EXPECT_EQ(takeError(), ERR_ARRAY_TYPE) << tag;
+            AdtCopy(&a, &target, KindArray);
+            EXPECT_EQ(takeError(), ERR_ARRAY_TYPE) << tag;
+            AdtFree(&a, KindArray);
+            EXPECT_EQ(takeError(), ERR_ARRAY_TYPE) << tag;
+            EXPECT_EQ(std::memcmp(&a, &before, sizeof a), 0) << tag;
+        }
     }
 }
 
@@ -733,10 +817,16 @@ TEST_F(GenericOperations, OwnersFreeAndMove) {
 }
 
 TEST_F(GenericOperations, ARecordOwnerFreesAUnionToo) {
-    RecordValue r;
-    Make(Record({Text("abc"), Real(1)}, KindUnion), r.get());
-    RecordValue other = std::move(r);
-    EXPECT_EQ(ErrorCell(), 0);
+    RecordDescriptor left;
+    {
+        RecordValue r;
+        Make(Record({Text("abc"), Real(1)}, KindUnion), r.get());
+        RecordValue other = std::move(r);
+        left = *other.get();
+    }
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(LiveBlocks(), 0);
+    if (LiveBlocks() != 0) RecordFree(&left);
 }
 
 }  // namespace

@@ -709,6 +709,8 @@ TEST_F(Arrays, OnlyDynamicArraysOfAsManyDimensionsAreRedimensioned) {
     EXPECT_EQ(takeError(), ERR_ARRAY_REDIM);
     ArrayRedim(a.get(), 1, 3, 1, 3, 1, 3, true);
     EXPECT_EQ(takeError(), ERR_ARRAY_REDIM);
+    ArrayRedim(a.get(), 1, 3, 5, 1, none, none, true);  // another number comes before bad bounds
+    EXPECT_EQ(takeError(), ERR_ARRAY_REDIM);
     EXPECT_EQ(contentOf(a.get()), "10,20,30,");
     ArrayValue two;
     ArrayInitDynamic(two.get(), KindInteger, nullptr);
@@ -974,6 +976,36 @@ TEST_F(Arrays, ALiteralIsCheckedAsAnyWriting) {
     EXPECT_EQ(takeError(), ERR_COMPONENT_TYPE);
     EXPECT_EQ(contentOf(a.get()), "10,20,30,");
     EXPECT_EQ(contentOf(fixed.get()), "10,20,30,");
+}
+
+TEST_F(Arrays, AValueThatIsNoElementWidensNothing) {
+    const ValueModel row = model::Record({model::Number(KindInteger, 1)});
+    OddValue good(row), other(model::Record({model::Text("abc")}));
+    const ValueModel whole = model::Array({{1, 2}}, row, {row, row}, DYNAMIC_BOUNDS);
+    for (const bool append : {true, false}) {
+        OddValue a(whole), untyped(KindArray);
+        ArrayAutoAssign(a.as<ArrayDescriptor>(), append, 5, other.at(), KindRecord);
+        EXPECT_EQ(takeError(), ERR_COMPONENT_TYPE);
+        EXPECT_EQ(model::Differs(whole, a.at()), "");
+        // What says that it is a record, and is none.
+        const String text("abc");
+        ArrayAutoAssign(a.as<ArrayDescriptor>(), append, 5, text.get(), KindRecord);
+        EXPECT_EQ(takeError(), ERR_RECORD_TYPE);
+        EXPECT_EQ(model::Differs(whole, a.at()), "");
+        ArrayInitDynamic(untyped.as<ArrayDescriptor>(), KindNone, nullptr);
+        ArrayAutoAssign(untyped.as<ArrayDescriptor>(), append, 5, good.at(), KindString);
+        EXPECT_EQ(takeError(), ERR_STRING_TYPE);
+        EXPECT_EQ(untyped.as<ArrayDescriptor>()->tag, 0);
+        EXPECT_EQ(ArrayDimensions(untyped.as<ArrayDescriptor>()), 0);
+    }
+}
+
+TEST_F(Arrays, ALiteralMayHoldOneOfItsOwnElements) {
+    ArrayValue a = texts({"one", "two"}, DYNAMIC_BOUNDS);
+    ArrayAutoAssign(a.get(), true, 4, ArrayRef(a.get(), 1), KindString);
+    EXPECT_EQ(contentOf(a.get()), "one,two,,one,");
+    ArrayAutoAssign(a.get(), false, 5, ArrayRef(a.get(), 2), KindString);
+    EXPECT_EQ(contentOf(a.get()), ",,,,two,");
 }
 
 TEST_F(Arrays, ASubscriptThatNoArrayCanHaveWidensNothing) {

@@ -396,6 +396,22 @@ TEST_F(Records, AnAppendedFieldTakesTheShapeOfItsValue) {
     EXPECT_EQ(model::Differs(model::Record({model::Text("abc", 5)}), r.at()), "");
 }
 
+TEST_F(Records, AValueOfAnotherKindThanItSaysIsNotAppended) {
+    const ValueModel m = model::Record({model::Number(KindInteger, 1)});
+    const ValueModel values[] = {model::Text("abc"), model::Record({model::Text("r")}),
+                                 model::Set(1, 9, {1, 2}), model::Array({{1, 2}}, model::Real(0))};
+    for (const ValueModel& value : values) {
+        for (const Kind kind : {KindString, KindRecord, KindUnion, KindSet, KindArray, KindList}) {
+            if (kind == value.kind) continue;
+            SCOPED_TRACE(std::to_string(value.kind) + " as " + std::to_string(kind));
+            OddValue r(m), v(value);
+            RecordAppend(record(r), v.at(), kind);
+            EXPECT_EQ(takeError(), AdtTypeError(kind));
+            EXPECT_EQ(model::Differs(m, r.at()), "");
+        }
+    }
+}
+
 TEST_F(Records, AFieldAndTheRecordItselfMayBeAppended) {
     const ValueModel m = model::Record({model::Text("abc"), model::Number(KindInteger, 5)});
     OddValue r(m);
