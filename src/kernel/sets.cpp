@@ -18,9 +18,6 @@ namespace tarn {
 
 namespace {
 
-using Word = std::uint64_t;
-constexpr std::ptrdiff_t wordBytes = sizeof(Word);
-
 bool fail(std::int32_t code) {
     SetError(code);
     return false;
@@ -30,9 +27,9 @@ bool isSetCapacity(std::int32_t maxlength) {
     return maxlength == 0 || maxlength == DYNAMIC_BOUNDS;
 }
 
+// Never used, or freed. What is no set may be shorter than one, so the words that all descriptors have tell.
 bool isZero(const SetDescriptor& s) {
-    constexpr SetDescriptor zero{};
-    return std::memcmp(&s, &zero, sizeof s) == 0;
+    return s.tag == 0 && s.size == 0 && s.data == 0 && s.maxlength == 0;
 }
 
 bool isSet(const SetDescriptor* s) {
@@ -45,33 +42,9 @@ bool isSet(const SetDescriptor* s) {
 // to := operation(to, from), byte by byte.
 template <class Operation>
 void applyBytes(std::uint8_t* to, const std::uint8_t* from, std::ptrdiff_t count, Operation operation) {
-    for (; count >= wordBytes; count -= wordBytes, to += wordBytes, from += wordBytes)
-        WriteAt<Word>(to, operation(ReadAt<Word>(to), ReadAt<Word>(from)));
+    for (; count >= SetWordBytes; count -= SetWordBytes, to += SetWordBytes, from += SetWordBytes)
+        WriteAt<SetWord>(to, operation(ReadAt<SetWord>(to), ReadAt<SetWord>(from)));
     for (; count > 0; --count, ++to, ++from) *to = static_cast<std::uint8_t>(operation(*to, *from));
-}
-
-bool anyBit(const std::uint8_t* bytes, std::ptrdiff_t count) {
-    for (; count >= wordBytes; count -= wordBytes, bytes += wordBytes) {
-        if (ReadAt<Word>(bytes) != 0) return true;
-    }
-    return std::any_of(bytes, bytes + std::max<std::ptrdiff_t>(count, 0),
-                       [](std::uint8_t byte) { return byte != 0; });
-}
-
-void clear(const Bits& bits) {
-    std::memset(bits.bytes, 0, static_cast<std::size_t>(SetBytes(bits.lower, bits.upper)));
-}
-
-// Copies the bytes `first` to `last` of the line, which both have.
-void copyBytes(const Bits& to, const Bits& from, std::int32_t first, std::int32_t last) {
-    if (first > last) return;
-    std::memcpy(to.at(first), from.at(first), static_cast<std::size_t>(last - first + 1));
-}
-
-// Clears what boundary bytes hold of members outside the bounds.
-void trim(const Bits& bits) {
-    *bits.at(bits.first()) &= MaskFrom(bits.lower);
-    *bits.at(bits.last()) &= MaskUpTo(bits.upper);
 }
 
 // Some member lies from lo to hi.
@@ -89,7 +62,7 @@ bool make(SetDescriptor& s, std::int32_t maxlength, std::int32_t lower, std::int
         s = {};
         return false;
     }
-    clear(BitsOf(s));
+    ClearBits(BitsOf(s));
     return true;
 }
 
@@ -107,14 +80,14 @@ bool changeBounds(SetDescriptor& s, std::int32_t lower, std::int32_t upper) {
         SetDescriptor made{};
         if (!make(made, DYNAMIC_BOUNDS, lower, upper)) return false;
         const Bits bits = BitsOf(made);
-        copyBytes(bits, old, std::max(bits.first(), old.first()), std::min(bits.last(), old.last()));
+        CopyBits(bits, old, std::max(bits.first(), old.first()), std::min(bits.last(), old.last()));
         FreeData(s);
         s.data = made.data;
     }
     s.size = size;
     s.lower = lower;
     s.upper = upper;
-    trim(BitsOf(s));
+    TrimBits(BitsOf(s));
     return true;
 }
 
@@ -136,7 +109,7 @@ bool storeDynamic(SetDescriptor& dest, const Bits& from) {
     if (!makeRoom(dest, SetBytes(from.lower, from.upper))) return false;
     dest.lower = from.lower;
     dest.upper = from.upper;
-    copyBytes(BitsOf(dest), from, from.first(), from.last());
+    CopyBits(BitsOf(dest), from, from.first(), from.last());
     return true;
 }
 
@@ -145,9 +118,9 @@ bool storeFixed(const SetDescriptor& dest, const Bits& from) {
     const Bits bits = BitsOf(dest);
     const bool fits =
         !anyMember(from, LowestBound, bits.lower - 1) && !anyMember(from, bits.upper + 1, HighestBound);
-    clear(bits);
-    copyBytes(bits, from, std::max(bits.first(), from.first()), std::min(bits.last(), from.last()));
-    trim(bits);
+    ClearBits(bits);
+    CopyBits(bits, from, std::max(bits.first(), from.first()), std::min(bits.last(), from.last()));
+    TrimBits(bits);
     return fits;
 }
 
@@ -180,46 +153,13 @@ void combine(const SetDescriptor* a, const SetDescriptor* b, SetDescriptor* dest
     const Bits left = BitsOf(*a), right = BitsOf(*b);
     BitsBuffer buffer;
     const Bits result{buffer, std::min(left.lower, right.lower), std::max(left.upper, right.upper)};
-    clear(result);
+    ClearBits(result);
     if (onlyCommon)
-        copyBytes(result, left, std::max(left.first(), right.first()), std::min(left.last(), right.last()));
+        CopyBits(result, left, std::max(left.first(), right.first()), std::min(left.last(), right.last()));
     else
-        copyBytes(result, left, left.first(), left.last());
+        CopyBits(result, left, left.first(), left.last());
     applyBytes(result.at(right.first()), right.bytes, b->size, operation);
     StoreBits(*dest, result);
-}
-
-// ---- comparing ----
-
-// Bytes of which both sets have as many: the highest member that differs decides, and that is the lowest bit
-// of the last byte that differs.
-std::int32_t orderBytes(const std::uint8_t* a, const std::uint8_t* b, std::ptrdiff_t count) {
-    while (count >= wordBytes && ReadAt<Word>(a + count - wordBytes) == ReadAt<Word>(b + count - wordBytes))
-        count -= wordBytes;
-    while (count > 0 && a[count - 1] == b[count - 1]) --count;
-    if (count <= 0) return 0;
-    const unsigned left = a[count - 1], differing = left ^ b[count - 1];
-    return (left >> std::countr_zero(differing) & 1U) != 0 ? 1 : -1;
-}
-
-bool anyAbove(const Bits& bits, std::int32_t byte) {
-    const std::int32_t first = std::max(bits.first(), byte + 1);
-    return first <= bits.last() && anyBit(bits.at(first), bits.last() - first + 1);
-}
-
-bool anyBelow(const Bits& bits, std::int32_t byte) {
-    return anyBit(bits.bytes, std::min(bits.last() + 1, byte) - bits.first());
-}
-
-// 1 when a is the greater, -1 when b is, 0 when they have the same members. Above and below the bytes that
-// both have only one of them has any, or each has all of its bytes in one of the two places.
-std::int32_t order(const Bits& a, const Bits& b) {
-    const std::int32_t first = std::max(a.first(), b.first()), last = std::min(a.last(), b.last());
-    if (anyAbove(a, last)) return 1;
-    if (anyAbove(b, last)) return -1;
-    const std::int32_t common = first <= last ? orderBytes(a.at(first), b.at(first), last - first + 1) : 0;
-    if (common != 0) return common;
-    return anyBelow(a, first) ? 1 : anyBelow(b, first) ? -1 : 0;
 }
 
 // ---- as a kind of value ----
@@ -282,7 +222,7 @@ std::string checkSet(const void* value) {
 
 const KindOperations SetOperations = {initSet, copySet, freeSet, equalSets, sameSetShape, checkSet};
 
-// ---- bits ----
+// ---- for the modules of sets ----
 
 bool AcceptSet(const SetDescriptor* s) {
     return isSet(s) || fail(ERR_SET_TYPE);
@@ -290,36 +230,6 @@ bool AcceptSet(const SetDescriptor* s) {
 
 Bits BitsOf(const SetDescriptor& s) {
     return {reinterpret_cast<std::uint8_t*>(At(s.data)), s.lower, s.upper};
-}
-
-void FillBits(const Bits& bits, std::int32_t lo, std::int32_t hi, bool in) {
-    const auto put = [in](std::uint8_t& byte, std::uint8_t mask) {
-        byte = static_cast<std::uint8_t>(in ? byte | mask : byte & ~mask);
-    };
-    std::uint8_t *first = bits.at(ByteOf(lo)), *last = bits.at(ByteOf(hi));
-    if (first == last) return put(*first, MaskFrom(lo) & MaskUpTo(hi));
-    put(*first, MaskFrom(lo));
-    std::memset(first + 1, in ? 0xFF : 0, static_cast<std::size_t>(last - first - 1));
-    put(*last, MaskUpTo(hi));
-}
-
-std::int32_t NextInBits(const Bits& bits, std::int32_t from, bool member) {
-    from = std::max(from, bits.lower);
-    if (from > bits.upper) return bits.upper + 1;
-    const std::uint8_t skipped = member ? 0 : 0xFF;
-    const Word skippedWord = member ? 0 : ~Word{0};
-    const std::uint8_t *at = bits.at(ByteOf(from)), *end = bits.at(bits.last()) + 1;
-    unsigned found = (*at ^ skipped) & MaskFrom(from);
-    if (found == 0) {
-        ++at;
-        while (end - at >= wordBytes && ReadAt<Word>(at) == skippedWord) at += wordBytes;
-        while (at < end && *at == skipped) ++at;
-        if (at == end) return bits.upper + 1;
-        found = *at ^ skipped;
-    }
-    const auto byte = bits.first() + static_cast<std::int32_t>(at - bits.bytes);
-    const std::int32_t firstOfByte = byte * 8 - 7;
-    return std::min(firstOfByte + std::countl_zero(static_cast<std::uint8_t>(found)), bits.upper + 1);
 }
 
 std::int32_t StoreBits(SetDescriptor& dest, const Bits& from) {
@@ -351,14 +261,14 @@ void SetFree(SetDescriptor* s) {
 }
 
 void SetClear(SetDescriptor* s) {
-    if (AcceptSet(s)) clear(BitsOf(*s));
+    if (AcceptSet(s)) ClearBits(BitsOf(*s));
 }
 
 void SetRedim(SetDescriptor* s, std::int32_t lower, std::int32_t upper, bool preserve) {
     if (!AcceptSet(s)) return;
     if (s->maxlength != DYNAMIC_BOUNDS) return SetError(ERR_SET_REDIM);
     if (!IsSetRange(lower, upper)) return SetError(ERR_SET_BOUNDS);
-    if (changeBounds(*s, lower, upper) && !preserve) clear(BitsOf(*s));
+    if (changeBounds(*s, lower, upper) && !preserve) ClearBits(BitsOf(*s));
 }
 
 std::int32_t SetLowerBound(const SetDescriptor* s) {
@@ -397,7 +307,8 @@ std::int32_t SetCount(const SetDescriptor* s) {
     const std::uint8_t* at = BitsOf(*s).bytes;
     std::ptrdiff_t left = s->size;
     std::int32_t count = 0;
-    for (; left >= wordBytes; left -= wordBytes, at += wordBytes) count += std::popcount(ReadAt<Word>(at));
+    for (; left >= SetWordBytes; left -= SetWordBytes, at += SetWordBytes)
+        count += std::popcount(ReadAt<SetWord>(at));
     for (; left > 0; --left, ++at) count += std::popcount(*at);
     return count;
 }
@@ -405,15 +316,15 @@ std::int32_t SetCount(const SetDescriptor* s) {
 // ---- whole sets ----
 
 void SetUnion(const SetDescriptor* a, const SetDescriptor* b, SetDescriptor* dest) {
-    combine(a, b, dest, false, std::bit_or<Word>());
+    combine(a, b, dest, false, std::bit_or<SetWord>());
 }
 
 void SetIntersect(const SetDescriptor* a, const SetDescriptor* b, SetDescriptor* dest) {
-    combine(a, b, dest, true, std::bit_and<Word>());
+    combine(a, b, dest, true, std::bit_and<SetWord>());
 }
 
 void SetDifference(const SetDescriptor* a, const SetDescriptor* b, SetDescriptor* dest) {
-    combine(a, b, dest, false, [](Word left, Word right) { return left & ~right; });
+    combine(a, b, dest, false, [](SetWord left, SetWord right) { return left & ~right; });
 }
 
 void SetAssign(SetDescriptor* dest, const SetDescriptor* src, std::int32_t& error) {
@@ -425,7 +336,7 @@ void SetAssign(SetDescriptor* dest, const SetDescriptor* src, std::int32_t& erro
 bool SetCompare(std::string_view op, const SetDescriptor* a, const SetDescriptor* b) {
     if (!AcceptSet(a) || !AcceptSet(b)) return false;
     // Letters stand for the sets, so that operators are read in one place.
-    const std::int32_t greater = order(BitsOf(*a), BitsOf(*b));
+    const std::int32_t greater = OrderBits(BitsOf(*a), BitsOf(*b));
     const std::string_view letter = greater > 0 ? "c" : greater < 0 ? "a" : "b";
     return StringCompareOp(op, letter, "b") != 0;
 }

@@ -6,6 +6,7 @@
 
 #include "kernel/values.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace tarn {
@@ -42,15 +43,27 @@ struct Bits {
 // Room for the bytes of any set; not set to anything.
 using BitsBuffer = std::uint8_t[MostSetBytes];
 
-// True for a set whose size is that of its bounds; otherwise the result is false and 759 set.
-bool AcceptSet(const SetDescriptor* s);
-// Of an accepted set.
-Bits BitsOf(const SetDescriptor& s);
+// Bytes are worked on in words of this type where there are enough of them.
+using SetWord = std::uint64_t;
+inline constexpr std::ptrdiff_t SetWordBytes = sizeof(SetWord);
+
+void ClearBits(const Bits& bits);
+// Clears what boundary bytes hold of members outside the bounds.
+void TrimBits(const Bits& bits);
+// Copies the bytes `first` to `last` of the line, which both have; none when `first` is greater.
+void CopyBits(const Bits& to, const Bits& from, std::int32_t first, std::int32_t last);
 // Puts the members lo to hi, which lie within the bounds, in or out.
 void FillBits(const Bits& bits, std::int32_t lo, std::int32_t hi, bool in);
 // The first i from `from` on, within the bounds, that is a member (or is none); the upper bound + 1 when
 // there is not any.
 std::int32_t NextInBits(const Bits& bits, std::int32_t from, bool member);
+// 1 when `a` is the greater, -1 when `b` is, 0 when they have the same members.
+std::int32_t OrderBits(const Bits& a, const Bits& b);
+
+// True for a set whose size is that of its bounds; otherwise the result is false and 759 set.
+bool AcceptSet(const SetDescriptor* s);
+// Of an accepted set.
+Bits BitsOf(const SetDescriptor& s);
 // As SetAssign, for an accepted `dest` whose block does not hold these bytes. The result is its `error`.
 std::int32_t StoreBits(SetDescriptor& dest, const Bits& from);
 

@@ -181,8 +181,9 @@ TEST_F(Reals, TextsTooLargeForARealAre641) {
     const std::string digits(400, '9');
     for (const std::string& text :
          {std::string("1.8E308"), std::string("-1.8E308"), std::string("1E400"),
-          std::string("1E99999999999999999999999"), digits, "-" + digits, "0." + digits + "E309",
-          std::string("0.0001E400"), "." + std::string(500, '0') + "1E+900"}) {
+          std::string("1E99999999999999999999999"), std::string("1E9223372036854775808"), digits,
+          "-" + digits, "0." + digits + "E309", std::string("0.0001E400"),
+          "." + std::string(500, '0') + "1E+900"}) {
         EXPECT_EQ(fromText(text), none) << text;
         EXPECT_EQ(takeError(), 641) << text;
     }
