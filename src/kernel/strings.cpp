@@ -299,12 +299,11 @@ void StringInit(StringDescriptor* s, std::int32_t maxlength) {
     }
     *s = {0, TagString, 0, maxlength, 0, 0};
     if (maxlength == UNBOUNDED) return;
-    const std::int32_t size = blockSize(maxlength);
-    AllocateData(*s, size);
+    AllocateData(*s, blockSize(maxlength));
 }
 
 void StringFree(StringDescriptor* s) {
-    if (s == nullptr || (s->tag != TagString && (s->tag != 0 || s->size != 0))) {
+    if (s == nullptr || (KindOf(s) != KindString && (s->tag != 0 || s->size != 0))) {
         SetError(ERR_STRING_TYPE);
         return;
     }
