@@ -303,7 +303,9 @@ void StringInit(StringDescriptor* s, std::int32_t maxlength) {
 }
 
 void StringFree(StringDescriptor* s) {
-    if (s == nullptr || (KindOf(s) != KindString && (s->tag != 0 || s->size != 0))) {
+    // One that could not get its block may have any capacity; with a block, what is no string is a set.
+    const bool known = s != nullptr && (s->tag == TagString || s->tag == 0);
+    if (!known || (s->size != 0 && KindOf(s) != KindString)) {
         SetError(ERR_STRING_TYPE);
         return;
     }
