@@ -25,7 +25,7 @@ def text(ns):
 def main():
     folder = sys.argv[1]
     all_ = {}
-    for name in ("kernel_bench", "library_bench", "os_bench", "edit_bench"):
+    for name in ("kernel_bench", "values_bench", "library_bench", "os_bench", "edit_bench"):
         all_.update(medians(f"{folder}/{name}.json"))
     start = json.load(open(f"{folder}/start.json")) if os.path.exists(f"{folder}/start.json") else {}
     for name, row in start.items():
@@ -36,6 +36,20 @@ def main():
     rows = [
         ("stampInline", None, 1), ("stampCalled", None, 2), ("frame", None, None),
         ("concatKernel/40", "concatStd/40", 0.5), ("concatKernel/4000", "concatStd/4000", None),
+        ("allocateKernel/40", "allocateMalloc/40", None), ("allocateKernel/1000", "allocateMalloc/1000", None),
+        *((f"string{work}Kernel/{n}", f"string{work}Std/{n}", None)
+          for work in ("Assign", "Compare") for n in (16, 256, 65536)),
+        ("listAppendKernel", "listAppendStd", None), ("listGetKernel", "listGetStd", None),
+        *((f"tableFindKernel/{n}", f"tableFind{peer}/{n}", 1.2 if (peer, n) == ("Boost", 100000) else None)
+          for n in (1000, 10000, 100000) for peer in ("Boost", "Map", "Sqlite")),
+        *((f"tableNextKernel/{n}", f"tableNextMap/{n}", None) for n in (1000, 10000, 100000)),
+        *((f"tableAddKernel/{n}/{i}", f"tableAdd{peer}/{n}/{i}", 1.0 if (peer, i) == ("Boost", 5) else None)
+          for n in (1000, 10000, 100000) for i in (1, 5) for peer in ("Boost", "Sqlite")),
+        *((f"tableDeleteKernel/{n}/{i}", f"tableDeleteBoost/{n}/{i}", None) for n in (1000, 100000) for i in (1, 5)),
+        ("setUnionKernel/256", "setUnionStd/256", None), ("setUnionKernel/32000", "setUnionStd/32000", None),
+        ("fixedMulKernel", "fixedMulPlain", None), ("fixedMulKernel", None, 2),
+        ("fixedDivKernel", "fixedDivPlain", None), ("fixedDivKernel", None, 4),
+        ("dateParseKernel", "dateParseLibc", None), ("dateAddKernel", None, None),
         ("profilestrget/50", "gkeyfile/50", 0.4), ("profilestrget/1000", "gkeyfile/1000", 0.4),
         ("saveDurable", "writeAndSync", None),
         ("start ide", "start geany", 0.6), ("start ide", "start qt", None),

@@ -3,6 +3,7 @@
 
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
+#include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
 
@@ -11,6 +12,8 @@
 namespace tarn {
 
 namespace {
+
+constexpr std::size_t largestValue = KindSize[KindArray];
 
 // ---- strings as values ----
 
@@ -67,9 +70,14 @@ const KindOperations* operationsOf(std::int32_t kind) {
     return IsAdtKind(kind) ? table[kind] : nullptr;
 }
 
+// The head is looked at first, so that a descriptor which is shorter than its alleged kind is not read behind
+// its end.
 bool isZero(const void* value, Kind kind) {
-    static constexpr char zeros[64] = {};
-    return std::memcmp(value, zeros, static_cast<std::size_t>(KindSize[kind])) == 0;
+    static constexpr char zeros[largestValue] = {};
+    constexpr std::size_t head = sizeof(DescriptorHead);
+    if (std::memcmp(value, zeros, head) != 0) return false;
+    return std::memcmp(static_cast<const char*>(value) + head, zeros,
+                       static_cast<std::size_t>(KindSize[kind]) - head) == 0;
 }
 
 bool fail(std::int32_t code) {
@@ -94,6 +102,42 @@ bool acceptDescriptor(const void* value, Kind kind) {
 bool isOperator(std::string_view op, char first, char second) {
     const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; };
     return op.size() >= 2 && upper(op[0]) == first && upper(op[1]) == second;
+}
+
+// Kinds that may hold a value of any kind somewhere below.
+bool canHoldOthers(std::int32_t kind) {
+    return IsAdtKind(kind) && kind != KindString && kind != KindSet;
+}
+
+// A target that may own the very value that is copied into it, and is not one of those that build anew
+// anyway.
+bool mayOwnSource(const void* target, Kind kind) {
+    if (kind == KindRecord || kind == KindUnion) {
+        const auto record = ReadAt<RecordDescriptor>(target);
+        for (std::int32_t n = 1; n <= MaxFields; ++n) {
+            const Kind field = FieldKindAt(record.kinds, n);
+            if (field == KindNone || canHoldOthers(field)) return field != KindNone;
+        }
+    }
+    if (kind != KindArray) return false;
+    const auto array = ReadAt<ArrayDescriptor>(target);
+    return array.maxlength == 0 && canHoldOthers(array.tag);
+}
+
+// Copies into a new value of the target's shape, which takes the target's place. `compare`: 827 unless the
+// new value then equals the source.
+bool replace(const void* source, void* target, Kind kind, bool compare) {
+    const KindOperations& operations = *operationsOf(kind);
+    char made[largestValue];
+    if (!operations.init(made, isZero(target, kind) ? source : target)) return false;
+    if (!operations.copy(source, made)) {
+        operations.free(made);
+        return false;
+    }
+    if (compare && !operations.equal(source, made)) SetError(ERR_ADT_COPY);
+    operations.free(target);
+    std::memcpy(target, made, static_cast<std::size_t>(KindSize[kind]));
+    return true;
 }
 
 bool equalNumbers(const void* a, const void* b, Kind kind) {
@@ -127,6 +171,7 @@ bool CopyValue(const void* source, void* target, Kind kind) {
     if (source == target) return true;
     const KindOperations* operations = operationsOf(kind);
     if (operations != nullptr && isZero(source, kind) && isZero(target, kind)) return true;
+    if (operations != nullptr && mayOwnSource(target, kind)) return replace(source, target, kind, false);
     if (operations != nullptr) return operations->copy(source, target);
     std::memmove(target, source, static_cast<std::size_t>(KindSize[kind]));
     return true;
@@ -159,7 +204,7 @@ std::string CheckValue(const void* value, Kind kind) {
 }
 
 bool ClearValue(void* value, Kind kind) {
-    char empty[64];
+    char empty[largestValue];
     if (!InitValue(empty, value, kind)) return false;
     FreeValue(value, kind);
     std::memcpy(value, empty, static_cast<std::size_t>(KindSize[kind]));
@@ -210,8 +255,13 @@ void AdtCopy(const void* source, void* target, Kind kind, std::int32_t flag) {
     if (!acceptKind(kind) || !acceptDescriptor(source, kind)) return;
     const bool shapeless = target != nullptr && kind > KindString && isZero(target, kind);
     if (!shapeless && !acceptDescriptor(target, kind)) return;
-    if (!CopyValue(source, target, kind)) return;
-    if (flag == 0 && MemoryChecking() && !EqualValues(source, target, kind)) SetError(ERR_ADT_COPY);
+    if (source == target) return;
+    const bool compare = flag == 0 && MemoryChecking();
+    if (compare && canHoldOthers(kind)) {
+        replace(source, target, kind, true);
+    } else if (CopyValue(source, target, kind) && compare && !EqualValues(source, target, kind)) {
+        SetError(ERR_ADT_COPY);
+    }
 }
 
 void AdtFree(void* value, Kind kind) {

@@ -28,8 +28,8 @@ void AdtInit(void* target, const void* like, Kind kind);
 // bounded must hold what comes: 615 (the text is cut), 616 (the members that fit), 617, 618, 619 (nothing
 // changes). Records, and elements, of another shape are 611, tables of another row type 762. With memory
 // checking on and `flag` 0 the result is compared with the source; a difference is 827.
-// When memory is short (802, 804) a record or a fixed array may be copied in part: each of its fields then
-// holds either its old value or its new one, an unbounded string nothing.
+// When memory is short (802, 804) a record or a fixed array of numbers, strings and sets may be copied in
+// part: each of its fields then holds either its old value or its new one, an unbounded string nothing.
 void AdtCopy(const void* source, void* target, Kind kind, std::int32_t flag = 0);
 
 // Frees all below the value and makes its bytes zero. Null, kinds 1 to 5 and a value that is all zero:
@@ -84,7 +84,8 @@ public:
 private:
     Descriptor descriptor_{};
 };
-using RecordValue = Owned<RecordDescriptor, KindRecord>;  // also for unions
+using RecordValue = Owned<RecordDescriptor, KindRecord>;
+using UnionValue = Owned<RecordDescriptor, KindUnion>;
 using SetValue = Owned<SetDescriptor, KindSet>;
 using ArrayValue = Owned<ArrayDescriptor, KindArray>;
 using ListValue = Owned<ListDescriptor, KindList>;

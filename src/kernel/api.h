@@ -19,6 +19,8 @@ extern "C" {
 /* ---- values ---- */
 
 #define TARN_UNBOUNDED (-1000000)
+#define TARN_DYNAMIC_BOUNDS (-1000001)
+#define TARN_NO_DIMENSION (-999999)
 
 /* A value in a record may stand at any address. */
 #define TARN_PACKED __attribute__((packed))
@@ -28,6 +30,40 @@ typedef struct TARN_PACKED tarn_string {
     uint32_t data;
     int32_t maxlength, length, reserved;
 } tarn_string;
+
+typedef struct TARN_PACKED tarn_record { /* also a union; the fields stand in data without gaps */
+    int32_t size, tag;
+    uint32_t data;
+    uint8_t kinds[24]; /* 48 nibbles, the first field in the high one of the first byte */
+} tarn_record;
+
+typedef struct TARN_PACKED tarn_set {
+    int32_t size, tag;
+    uint32_t data;
+    int32_t maxlength, lower, upper, unused[4], reserved;
+} tarn_set;
+
+typedef struct TARN_PACKED tarn_array {
+    int32_t size, tag;
+    uint32_t data;
+    int32_t maxlength, bounds[6]; /* lower and upper of each dimension */
+    uint32_t prototype;
+} tarn_array;
+
+typedef struct TARN_PACKED tarn_list {
+    int32_t size, tag;
+    uint32_t data;
+    int32_t maxlength, count;
+    uint32_t prototype;
+} tarn_list;
+
+typedef struct TARN_PACKED tarn_table {
+    int32_t size, tag;
+    uint32_t data;
+    int32_t maxlength, count, reserved;
+} tarn_table;
+
+enum { TARN_TAG_RECORD = 14, TARN_TAG_UNION = 15 };
 
 enum {
     TARN_BOOLEAN = 1,
@@ -122,6 +158,153 @@ int32_t tarn_string_compare(const tarn_string* a, const tarn_string* b); /* -1, 
 int32_t tarn_string_length(const tarn_string* s);
 int32_t tarn_string_get(const tarn_string* s, int32_t position);
 void tarn_string_put(tarn_string* s, int32_t position, int32_t character);
+
+/* ---- values of any kind: the address of the first byte and the kind ---- */
+
+void tarn_adt_init(void* target, const void* like, int32_t kind);
+void tarn_adt_copy(const void* source, void* target, int32_t kind);
+void tarn_adt_free(void* value, int32_t kind);
+void tarn_adt_clear(void* value, int32_t kind);
+int32_t tarn_adt_compare(const char* op, const void* a, const void* b, int32_t kind);
+/* 0 for a pair that cannot be converted */
+int32_t tarn_adt_convert(const void* source, int32_t source_kind, void* target, int32_t target_kind);
+
+/* ---- arrays; the address of an element by tarn_array_ref ---- */
+
+void tarn_array_init(tarn_array* a, int32_t kind, const int32_t bounds[6], const void* prototype);
+void tarn_array_init_dynamic(tarn_array* a, int32_t kind, const void* prototype);
+void tarn_array_redim(tarn_array* a, const int32_t bounds[6], int32_t preserve);
+void* tarn_array_ref(tarn_array* a, int32_t i); /* null and the error set when there is no such element */
+void* tarn_array_ref2(tarn_array* a, int32_t i, int32_t j);
+void* tarn_array_ref3(tarn_array* a, int32_t i, int32_t j, int32_t k);
+void tarn_array_get(const tarn_array* a, int32_t i, void* value, int32_t kind);
+void tarn_array_get2(const tarn_array* a, int32_t i, int32_t j, void* value, int32_t kind);
+void tarn_array_get3(const tarn_array* a, int32_t i, int32_t j, int32_t k, void* value, int32_t kind);
+void tarn_array_put(tarn_array* a, int32_t i, const void* value, int32_t kind);
+void tarn_array_put2(tarn_array* a, int32_t i, int32_t j, const void* value, int32_t kind);
+void tarn_array_put3(tarn_array* a, int32_t i, int32_t j, int32_t k, const void* value, int32_t kind);
+int32_t tarn_array_lower(const tarn_array* a, int32_t dimension);
+int32_t tarn_array_upper(const tarn_array* a, int32_t dimension);
+int32_t tarn_array_dimensions(const tarn_array* a);
+void tarn_array_assign(tarn_array* dest, const tarn_array* src);
+void tarn_array_auto_assign(tarn_array* a, int32_t append, int32_t i, const void* value, int32_t kind);
+
+/* ---- sets ---- */
+
+void tarn_set_init(tarn_set* s, int32_t lower, int32_t upper);
+void tarn_set_free(tarn_set* s);
+void tarn_set_clear(tarn_set* s);
+void tarn_set_redim(tarn_set* s, int32_t lower, int32_t upper, int32_t preserve);
+void tarn_set_include(int32_t i, tarn_set* s);
+void tarn_set_include_range(int32_t lo, int32_t hi, tarn_set* s);
+void tarn_set_exclude(int32_t i, tarn_set* s);
+void tarn_set_exclude_range(int32_t lo, int32_t hi, tarn_set* s);
+int32_t tarn_set_contains(int32_t i, const tarn_set* s);
+int32_t tarn_set_lower(const tarn_set* s);
+int32_t tarn_set_upper(const tarn_set* s);
+void tarn_set_union(const tarn_set* a, const tarn_set* b, tarn_set* dest);
+void tarn_set_intersect(const tarn_set* a, const tarn_set* b, tarn_set* dest);
+void tarn_set_difference(const tarn_set* a, const tarn_set* b, tarn_set* dest);
+void tarn_set_assign(tarn_set* dest, const tarn_set* src);
+int32_t tarn_set_compare(const char* op, const tarn_set* a, const tarn_set* b);
+void tarn_set_to_text(const tarn_set* s, int32_t dots, tarn_string* dest);
+/* 0, or 1 for what is no set, 601, 616; position counts from 1 and moves behind the set */
+int32_t tarn_set_from_text(const tarn_string* text, int32_t* position, tarn_set* dest);
+
+/* ---- records and unions ---- */
+
+/* All fields are zero: those of the kinds 6 to 12 are initialised in place. */
+void tarn_record_init(tarn_record* r, int32_t tag, const uint8_t kinds[24]);
+void tarn_record_copy(const tarn_record* source, tarn_record* target);
+void tarn_record_free(tarn_record* r);
+int32_t tarn_record_field_count(const tarn_record* r);
+int32_t tarn_record_field_kind(const tarn_record* r, int32_t n);
+void* tarn_record_field(tarn_record* r, int32_t n); /* null when there is no field n */
+void tarn_record_put(tarn_record* r, int32_t n, const void* value, int32_t kind);
+void tarn_record_get(const tarn_record* r, int32_t n, void* value, int32_t kind);
+void tarn_record_append(tarn_record* r, const void* value, int32_t kind);
+void tarn_record_get_as_text(const tarn_record* r, int32_t n, tarn_string* text);
+void tarn_record_put_from_text(int32_t n, const tarn_string* text, tarn_record* r);
+
+/* ---- lists ---- */
+
+void tarn_list_init(tarn_list* l, int32_t maxlength, const void* prototype, int32_t kind, int32_t in_file);
+int32_t tarn_list_count(const tarn_list* l);
+void* tarn_list_ref(tarn_list* l, int32_t position);
+void tarn_list_get(const tarn_list* l, int32_t position, void* value, int32_t kind);
+void tarn_list_put(const void* value, int32_t kind, int32_t position, tarn_list* l);
+void tarn_list_append(const void* value, int32_t kind, tarn_list* l);
+void tarn_list_insert(int32_t position, const tarn_string* value, tarn_list* l);
+void tarn_list_delete(int32_t position, int32_t n, tarn_list* l);
+void tarn_list_remove_last(tarn_list* l);
+void tarn_list_clear(tarn_list* l);
+void tarn_list_resize(int32_t n, const void* fill, tarn_list* l);
+void tarn_list_sort(tarn_list* l, int32_t ascending, int32_t ignore_case);
+int32_t tarn_list_string_find(const tarn_list* l, const tarn_string* text, int32_t ignore_case);
+
+/* ---- tables ---- */
+
+/* Five key maps, each of up to four row fields, the first in the top byte; 0 for no index. */
+void tarn_table_init(tarn_table* t, int32_t maxlength, const tarn_record* row, const int32_t key_maps[5],
+                     const char* type_info, int32_t in_file);
+void tarn_table_add(tarn_table* t, int32_t index, const tarn_record* row);
+void tarn_table_read(const tarn_table* t, int32_t index, const tarn_record* key, tarn_record* row);
+int32_t tarn_table_find(const char* op, const tarn_table* t, int32_t index, const tarn_record* key,
+                        tarn_record* row); /* 1 when found */
+void tarn_table_update(const tarn_record* row, int32_t index, const tarn_record* key, tarn_table* t);
+void tarn_table_delete(tarn_table* t, int32_t index, const tarn_record* key);
+void tarn_table_clear(tarn_table* t);
+void tarn_table_rebuild(tarn_table* t);
+int32_t tarn_table_count(const tarn_table* t);
+int32_t tarn_table_index_count(const tarn_table* t);
+int32_t tarn_table_index_for(const tarn_table* t, const tarn_record* key);
+void tarn_table_key_from_row(const tarn_table* t, int32_t index, const tarn_record* row, tarn_record* key);
+void tarn_table_row(const tarn_table* t, int32_t number, tarn_record* row);
+
+/* ---- numbers; a fixed number is the number times 10000 ---- */
+
+int64_t tarn_fixed_from_real(double x);
+double tarn_fixed_to_real(int64_t f);
+int64_t tarn_fixed_from_integer(int32_t i);
+int32_t tarn_fixed_to_integer(int64_t f);
+int64_t tarn_fixed_mul(int64_t a, int64_t b);
+int64_t tarn_fixed_div(int64_t a, int64_t b);
+static inline int64_t tarn_fixed_add(int64_t a, int64_t b) {
+    return (int64_t)((uint64_t)a + (uint64_t)b);
+}
+static inline int64_t tarn_fixed_sub(int64_t a, int64_t b) {
+    return (int64_t)((uint64_t)a - (uint64_t)b);
+}
+static inline int64_t tarn_fixed_neg(int64_t a) {
+    return (int64_t)(0u - (uint64_t)a);
+}
+double tarn_real_div(double a, double b);
+void tarn_integer_to_text(int32_t value, int32_t width, int32_t base, tarn_string* text);
+void tarn_boolean_to_text(int32_t value, int64_t format, tarn_string* text);
+void tarn_fixed_to_text(int64_t f, int64_t format, tarn_string* text);
+void tarn_real_to_text(double x, int64_t format, tarn_string* text);
+/* 1 when the whole text, without blanks around it, is such a number; else 0 with the value as it was. */
+int32_t tarn_integer_from_text(const tarn_string* text, int32_t* value);
+int32_t tarn_boolean_from_text(const tarn_string* text, int32_t* value);
+int32_t tarn_fixed_from_text(const tarn_string* text, int64_t* f);
+int32_t tarn_real_from_text(const tarn_string* text, double* x);
+uint32_t tarn_crc32(const void* buffer, int32_t size, uint32_t before);
+
+/* ---- dates: texts of 24 characters; "" for what is no date ---- */
+
+void tarn_date_make(int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute, int32_t second,
+                    int32_t fraction, tarn_string* text);
+void tarn_date_split(const tarn_string* text, int32_t parts[7]);
+int64_t tarn_date_to_seconds(const tarn_string* text); /* a fixed number */
+void tarn_date_from_seconds(int64_t seconds, tarn_string* text);
+int32_t tarn_date_valid(int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute,
+                        int32_t second, int32_t fraction);
+int32_t tarn_days_in_month(int32_t year, int32_t month);
+void tarn_date_add(const char* unit, int32_t n, const tarn_string* text, tarn_string* result);
+int32_t tarn_date_part(const char* unit, const tarn_string* text);
+int32_t tarn_date_parse(const tarn_string* text, tarn_string* result); /* 1 when it is a date */
+void tarn_date_now(tarn_string* text);
+void tarn_file_time_text(const tarn_string* path, tarn_string* text);
 
 /* ---- the library as compiled programs see it: SYSTEM functions, each with the line of its caller ----
  * An argument that the language declares `out` or `inout` is a pointer; strings are always pointers. */

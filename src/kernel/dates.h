@@ -7,7 +7,8 @@
 // What is no valid date gives an empty text, 0 or false; no operation sets an error. The buffers for texts
 // have room for `size` bytes with the NUL; 25 are needed, and with fewer nothing is written.
 //
-// Cost: tens of nanoseconds; nothing is allocated, except by DateNow and FileTimeText.
+// Cost: tens of nanoseconds, for DateParse up to some hundreds, and what the clock and the file system take
+// for DateNow and FileTimeText. Nothing is allocated but the strings that DateParse and FileTimeText fill.
 #pragma once
 
 #include "kernel/fixed.h"

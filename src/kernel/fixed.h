@@ -51,9 +51,9 @@ constexpr void FixedSub(Fixed a, Fixed b, Fixed& r) {
     r = static_cast<Fixed>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
 }
 // Truncated towards 0; beyond the range the largest or the smallest number, without an error.
-void FixedMul(Fixed a, Fixed b, Fixed& r);
+inline void FixedMul(Fixed a, Fixed b, Fixed& r);
 // The same; 643 and 0 for b = 0.
-void FixedDiv(Fixed a, Fixed b, Fixed& r);
+inline void FixedDiv(Fixed a, Fixed b, Fixed& r);
 constexpr Fixed FixedNeg(Fixed f) {  // the smallest number wraps to itself
     return static_cast<Fixed>(0 - static_cast<std::uint64_t>(f));
 }
@@ -90,5 +90,27 @@ std::string RealToFormat(double x, Fixed format);
 // double is 641 with `ok` false; too small is 0. On failure `x` is as it was.
 void RealFromText(std::string_view text, double& x, bool& ok);
 inline constexpr std::int32_t RealTextDecimals = 16;  // enough to read the same number back
+
+// ---- the fast paths ----
+
+// What does not fit one word, and the division by 0.
+void FixedMulWide(Fixed a, Fixed b, Fixed& r);
+void FixedDivWide(Fixed a, Fixed b, Fixed& r);
+
+inline void FixedMul(Fixed a, Fixed b, Fixed& r) {
+    Fixed product = 0;
+    if (__builtin_mul_overflow(a, b, &product)) [[unlikely]]
+        FixedMulWide(a, b, r);
+    else
+        r = product / FixedOne;
+}
+
+inline void FixedDiv(Fixed a, Fixed b, Fixed& r) {
+    Fixed dividend = 0;  // never the smallest number, which -1 could not divide
+    if (b == 0 || __builtin_mul_overflow(a, FixedOne, &dividend)) [[unlikely]]
+        FixedDivWide(a, b, r);
+    else
+        r = dividend / b;
+}
 
 }  // namespace tarn

@@ -2,30 +2,16 @@
 #include "kernel/numbers.h"
 
 #include "kernel/errors.h"
+#include "kernel/fixed.h"
+#include "kernel/padding.h"
 #include "kernel/runtime.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 namespace tarn {
 
 namespace {
-
-constexpr std::int32_t widestField = 100;
-constexpr std::int64_t formatUnit = 10000;
-
-std::string padded(std::string text, std::int32_t width) {
-    const auto field = static_cast<std::size_t>(std::abs(std::clamp(width, -widestField, widestField)));
-    if (text.size() >= field) return text;
-    text.insert(width < 0 ? text.size() : 0, field - text.size(), ' ');
-    return text;
-}
-
-std::int32_t widthOf(std::int64_t format) {
-    return static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(format / formatUnit, -widestField, std::int64_t{widestField}));
-}
 
 std::string hexDigits(std::uint32_t value) {
     std::string text;
@@ -85,15 +71,12 @@ std::int32_t IntegerMod(std::int32_t a, std::int32_t b) {
 }
 
 std::string IntegerToText(std::int32_t value, std::int32_t width, std::int32_t base) {
-    return padded(base == 16 ? hexDigits(static_cast<std::uint32_t>(value)) : std::to_string(value), width);
+    return Padded(base == 16 ? hexDigits(static_cast<std::uint32_t>(value)) : std::to_string(value), width);
 }
 
 void IntegerToText(std::int32_t value, std::int32_t width, char* buffer, std::int32_t size,
                    std::int32_t base) {
-    if (buffer == nullptr || size < 1) return;
-    const std::string text = IntegerToText(value, width, base);
-    const std::size_t count = text.size() < static_cast<std::size_t>(size) ? text.size() : 0;
-    buffer[text.copy(buffer, count)] = 0;
+    PutText(IntegerToText(value, width, base), buffer, size);
 }
 
 void IntegerFromText(std::string_view text, std::int32_t& value, std::size_t& end) {
@@ -113,7 +96,7 @@ void IntegerFromText(std::string_view text, std::int32_t& value, std::size_t& en
 }
 
 std::string BooleanToText(bool value, std::int64_t format) {
-    return padded(value ? "True" : "False", widthOf(format));
+    return Padded(value ? "True" : "False", SplitFormat(format).width);
 }
 
 void BooleanFromText(std::string_view text, bool& value, bool& ok) {

@@ -37,8 +37,8 @@ std::string_view CommandLineText();
 // Called by Halt, the newest first, each once, while the windows still exist.
 void AddExitHook(void (*hook)());
 
-// The tests of strings, numbers and comparisons that each start runs; false when one failed. Takes
-// microseconds and leaves the error cell as it was.
+// The tests of values (strings, numbers, sets, dates, a table) that each start runs; false when one failed.
+// Takes microseconds and leaves the error cell as it was.
 bool SelfTest();
 
 }  // namespace tarn

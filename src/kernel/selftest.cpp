@@ -2,10 +2,17 @@
 //
 // The tests that each start of a process runs: a machine or a build on which they fail must not touch
 // anybody's data.
+#include "kernel/adt.h"
+#include "kernel/dates.h"
 #include "kernel/errors.h"
+#include "kernel/fixed.h"
+#include "kernel/lists.h"
 #include "kernel/numbers.h"
 #include "kernel/process.h"
+#include "kernel/records.h"
+#include "kernel/sets.h"
 #include "kernel/strings.h"
+#include "kernel/tables.h"
 
 #include <cstddef>
 
@@ -182,12 +189,131 @@ bool checkSums() {
            Crc32("This is a string", 16) == 0x0876633FU;
 }
 
+std::string textOf(const SetValue& set, bool dots) {
+    String text;
+    SetToText(set.get(), dots, text.get());
+    return std::string(text.view());
+}
+
+bool setBounds() {
+    SetValue fixed, copy, dynamic;
+    SetInit(fixed.get(), -10, 10);
+    SetIncludeRange(-10, -6, fixed.get());
+    SetIncludeRange(6, 10, fixed.get());
+    AdtCopy(fixed.get(), copy.get(), KindSet);
+    if (SetLowerBound(copy.get()) != -10 || SetUpperBound(copy.get()) != 10) return false;
+    if (!SetContains(-10, copy.get()) || !SetContains(10, copy.get()) || SetContains(0, copy.get()))
+        return false;
+    SetInit(dynamic.get(), UNBOUNDED, UNBOUNDED);
+    SetInclude(100, dynamic.get());
+    if (SetUpperBound(dynamic.get()) != 100 || SetContains(1, dynamic.get())) return false;
+    SetInclude(40000, dynamic.get());
+    return takeError() == ERR_SET_BOUNDS;
+}
+
+bool setTexts() {
+    SetValue low, high;
+    SetInit(low.get(), UNBOUNDED, UNBOUNDED);
+    SetInit(high.get(), UNBOUNDED, UNBOUNDED);
+    std::int32_t position = 1, error = 0;
+    SetFromText("[1,2,3,7]", position, low.get(), error);
+    if (error != 0 || position != 10) return false;
+    if (textOf(low, true) != "[1..3,7]" || textOf(low, false) != "[1:3,7]") return false;
+    SetInclude(9, high.get());
+    return SetCompare("GT", high.get(), low.get()) && !SetCompare("EQ", high.get(), low.get());
+}
+
+bool fixedNumbers() {
+    Fixed f = 0, r = 0;
+    bool ok = false;
+    FixedFromText("-.0001", f, ok);
+    if (!ok || f != -1) return false;
+    FixedFromText("2147483648.9999", f, ok);
+    if (!ok || f != 21474836489999) return false;
+    constexpr Fixed million = 1000000000000 * FixedOne;
+    FixedMul(million, million, r);
+    if (r != LargestFixed) return false;
+    FixedMul(million, -million, r);
+    if (r != SmallestFixed) return false;
+    FixedDiv(SmallestFixed, -1, r);
+    if (r != LargestFixed) return false;
+    FixedDiv(7 * FixedOne, 0, r);
+    return r == 0 && takeError() == ERR_DIVISION_BY_ZERO && FixedToText(-12345) == "-1.2345";
+}
+
+bool realTexts() {
+    constexpr struct {
+        double x;
+        std::int32_t decimals;
+        std::string_view text;
+    } rows[] = {
+        {0.125, 2, "+1.25E-0001"}, {1, 2, "+1.00E+0000"},     {-10, 2, "-1.00E+0001"},
+        {0, 1, "+0.0E+0000"},      {3.5E12, 1, "+3.5E+0012"},
+    };
+    for (const auto& row : rows) {
+        double read = -1;
+        bool ok = false;
+        RealFromText(row.text, read, ok);
+        if (RealToText(row.x, row.decimals) != row.text || !ok || (row.x != 0 && read / row.x > 1.01))
+            return false;
+    }
+    return takeError() == ERR_NONE;
+}
+
+bool dates() {
+    constexpr struct {
+        std::string_view unit;
+        std::int32_t n;
+        std::string_view date, result;
+    } rows[] = {
+        {"YYYY", 1, "2000-02-29 23:59:59.0001", "2001-02-28 23:59:59.0001"},
+        {"YYYY", -400, "2000-02-29 23:59:59.0001", "1600-02-29 23:59:59.0001"},
+        {"MM", 3, "2000-01-31 01:01:01.4321", "2000-04-30 01:01:01.4321"},
+        {"MM", -23, "2000-01-31 01:01:01.4321", "1998-02-28 01:01:01.4321"},
+        {"MS", 1, "2000-01-01 23:59:59.9990", "2000-01-02 00:00:00.0000"},
+        {"H", 1, "2000-01-01 23:59:59.9999", "2000-01-02 00:59:59.9999"},
+    };
+    char text[DateSize];
+    for (const auto& row : rows) {
+        DateAdd(row.unit, row.n, row.date, text, DateSize);
+        if (text != row.result) return false;
+    }
+    DateFromSeconds(31622400 * FixedOne, text, DateSize);
+    return std::string_view(text) == "1601-01-01 00:00:00.0000";
+}
+
+// Rows in and out of a list of records with one index, each found by its key afterwards.
+bool tables() {
+    TableValue table;
+    RecordValue row, key;
+    RecordInit(row.get(), TagRecord, MakeFieldKinds({KindInteger, KindInteger}));
+    TableInit(table.get(), UNBOUNDED, row.get(), {MakeKeyMap(1)}, "", false);
+    for (std::int32_t i = 1; i <= 3; ++i) {
+        const std::int32_t square = i * i;
+        RecordPut(row.get(), 1, &i, KindInteger);
+        RecordPut(row.get(), 2, &square, KindInteger);
+        TableAdd(table.get(), 1, row.get());
+    }
+    TableAdd(table.get(), 1, row.get());
+    if (takeError() != ERR_DUPLICATE_FIELDS || TableCount(table.get()) != 3) return false;
+    const std::int32_t first = 1, last = 3;
+    RecordInit(key.get(), TagRecord, MakeFieldKinds({KindInteger}));
+    RecordPut(key.get(), 1, &first, KindInteger);
+    TableDelete(table.get(), 1, key.get());
+    RecordPut(key.get(), 1, &last, KindInteger);
+    TableRead(table.get(), 1, key.get(), row.get());
+    std::int32_t square = 0;
+    RecordGet(row.get(), 2, &square, KindInteger);
+    return square == 9 && takeError() == ERR_NONE && AdtCheck(table.get(), KindTable).empty();
+}
+
 }  // namespace
 
 bool SelfTest() {
     const OwnErrorCell cell;
     return joins() && appends() && deletes() && comparisons() && divisions() && integerTexts() &&
-           booleanTexts() && checkSums();
+           booleanTexts() && checkSums() && setBounds() && setTexts() && fixedNumbers() && realTexts() &&
+           dates() && tables();
 }
 
 }  // namespace tarn

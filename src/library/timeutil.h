@@ -23,7 +23,8 @@ bool ISDATEVALID(std::int32_t year, std::int32_t month, std::int32_t day);
 bool ISDATESTRVALID(std::string_view text);
 // A date that ends early gets the tail of "0000-01-01 00:00:00.0000"; a longer text stays as it is.
 std::string TIMEMAKEFULLSTR(std::string_view text);
-// Days since 1600-01-01, which is day 0; and back, at midnight.
+// Days since 1600-01-01, which is day 0; and back, at midnight. Of the text only the day is read, as by
+// ISDATESTRVALID.
 std::int32_t TIMEGETDAYNUMBER(std::string_view text);
 std::string TIMEDAYNUMBERTOSTR(std::int32_t n);
 Fixed TIMEDIFFERENCE(std::string_view a, std::string_view b);  // a - b in seconds

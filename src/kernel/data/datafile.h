@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Data files of any format: what is in one that was never seen, and the one door by which whole values enter
+// and leave files.
+#pragma once
+
+#include "kernel/data/scanner.h"
+#include "kernel/data/tabular.h"
+#include "kernel/values.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+// The numbers stand in programs.
+enum DataFormat : std::int32_t {
+    FormatUnknown = 0,
+    FormatText = 1,    // lines
+    FormatComma = 2,   // delimited by commas
+    FormatBinary = 3,  // packed values
+    FormatXbase = 5,
+    FormatXml = 6,
+    FormatTab = 7,  // delimited by tabs, or any other separator
+};
+// By the extension, in any case; FormatUnknown for one that is not known.
+DataFormat DataFormatOf(std::string_view filename);
+
+struct DataFileInfo {
+    DataFormat format = FormatUnknown;
+    std::string typeText;  // the columns, one per line; "" when there is a message
+    std::string message;   // "" or why the file cannot be used
+    std::string keys;      // names of the default key's columns, separated by ","; "" for none
+    TabOptions options;    // how a delimited file was read
+};
+// Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
+// most 100 rows.
+DataFileInfo GetDataFileInfo(const std::string& filename, const TabOptions* options);
+// The same for the language: all arguments are strings (otherwise nothing happens); `options` is an options
+// record or null.
+void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* options,
+                     StringDescriptor* optionsOut, StringDescriptor* typeText, StringDescriptor* message);
+
+// Removes an outer "list" or "table" pair and then an outer "record" pair of lines, moving the rest to the
+// left. Cut to `size` - 1 characters.
+void TypeInfoStripOuter(std::string& text, std::int32_t size);
+
+// Whole values. `flags` are those of xml.h. A format that is not known, or that cannot hold the kind: 658.
+TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
+                    Kind kind, std::string& message);
+TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
+                    std::int32_t flags, const void* value, Kind kind, std::string_view names = {});
+
+}  // namespace tarn

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Delimited text files: rows of cells with a separator between them. A cell that begins with '"' runs to the
+// closing one, may hold any byte, and "" in it stands for one quote. docs/formats/tabular.md has the rules.
+//
+// Limits: 48 columns, lines of 32767 characters, column names of 255.
+//
+// Cost: linear in the file, which is read in blocks.
+#pragma once
+
+#include "kernel/values.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+inline constexpr std::int32_t MaxTabColumns = 48, MaxTabLine = 32767, MaxTabName = 255;
+
+// How a file is laid out. As a record: four integers in this order.
+struct TabOptions {
+    std::int32_t numheaderrows = 0;   // 0 none, 1 column names, 2 column names and a line of dashes
+    std::int32_t numfooterrows = 0;   // rows behind the data
+    std::int32_t separatorchar = 44;  // character code
+    std::int32_t maxdatarows = -1;    // rows to read; -1 for all
+};
+// The defaults of format 2 (comma) and 7 (tab, two header rows).
+TabOptions DefaultTabOptions(std::int32_t format);
+// From an options record; the defaults for null and for an empty one, 764 and 757 for what is no such record.
+TabOptions TabOptionsOf(const RecordDescriptor* options, std::int32_t format);
+
+struct TabStructure {
+    std::string typeText;  // "Tname : record" ... "end record"; "" when nothing was found
+    std::string message;   // "" or what is wrong
+    std::int32_t rowsSeen = 0, columnsSeen = 0;
+};
+// Reads names and types of the columns from the first rows.
+TabStructure TabDiscover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize);
+
+// How a load or a save ended. `code` 0: well; else the first failure: 981 to 986, 989 for a cell (the load
+// goes on with the next row), 618, 619, 635 for a row that the value refused, 651 to 654 for the file, 802
+// and 804.
+struct TabResult {
+    std::int32_t code = 0;
+    std::int32_t row = 0;   // of the first failure, from 1
+    std::int32_t rows = 0;  // read or written
+    bool stopped = false;   // by progress.h: the value is as it was
+};
+// Reads a whole file into a string, set, list, record, union or table; the old content goes. Errors of values
+// are told in the result alone; the error cell stays clear.
+TabResult TabLoad(const std::string& filename, const TabOptions& options, void* value, Kind kind);
+// Replaces the file; on failure the old one stays. `names` of the columns, one per line, where the value does
+// not have them (a table does).
+TabResult TabSave(const std::string& filename, const TabOptions& options, const void* value, Kind kind,
+                  std::string_view names = {});
+
+}  // namespace tarn

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Dates of the clock and of files. A moment is nanoseconds in a 64-bit word, so its year lies between 1677
+// and 2262 and always has a text.
+#include "kernel/dates.h"
+
+#include "os/clock.h"
+#include "os/files.h"
+
+#include <algorithm>
+
+namespace tarn {
+
+namespace {
+
+void writeLocal(std::int64_t moment, char* text, std::int32_t size) {
+    constexpr int nanosecondsPerTick = 1'000'000'000 / FixedOne;
+    const os::CivilTime t = os::clock().local(moment);
+    // Zones that count leap seconds have a second 60, which no date has.
+    DateMake(t.year, t.month, t.day, t.hour, t.minute, std::min(t.second, 59),
+             t.nanosecond / nanosecondsPerTick, text, size);
+}
+
+}  // namespace
+
+void DateNow(char* text, std::int32_t size) {
+    writeLocal(os::clock().now(), text, size);
+}
+
+void FileTimeText(std::string_view path, std::string& text) {
+    char date[DateSize] = "";
+    if (const os::FileInfo file = os::infoOf(os::native(path)); file.exists)
+        writeLocal(file.modified, date, DateSize);
+    text = date;
+}
+
+}  // namespace tarn

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the modules of lists share: the checks, the addresses of elements, the making of elements and lists.
+// Only those modules include this.
+#pragma once
+
+#include "kernel/errors.h"
+#include "kernel/lists.h"
+#include "kernel/runtime.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tarn {
+
+inline bool IsHeldInFile(const ListDescriptor& l) {
+    return l.tag > TagInFile;
+}
+inline Kind ElementKindOf(const ListDescriptor& l) {
+    return static_cast<Kind>(IsHeldInFile(l) ? l.tag - TagInFile : l.tag);
+}
+// A list that has not got its element kind yet.
+inline bool IsUntyped(const ListDescriptor& l) {
+    return l.tag == 0;
+}
+inline bool IsFixedList(const ListDescriptor& l) {
+    return l.maxlength != UNBOUNDED;
+}
+inline std::int32_t ElementSize(const ListDescriptor& l) {
+    return KindSize[ElementKindOf(l)];
+}
+// `index` from 0; a list in memory that has a block.
+inline char* SlotAt(const ListDescriptor& l, std::int32_t index) {
+    return At(l.data) + std::int64_t{index} * ElementSize(l);
+}
+
+// All slots that have a shape, those behind `count` too.
+inline std::int32_t SlotCount(const ListDescriptor& l) {
+    return IsUntyped(l) || IsHeldInFile(l) ? 0 : l.size / ElementSize(l);
+}
+inline std::size_t ElementBytes(std::int32_t elements, Kind kind) {
+    return static_cast<std::size_t>(elements) * static_cast<std::size_t>(KindSize[kind]);
+}
+// The bytes of one element of any kind.
+struct Element {
+    char bytes[sizeof(ArrayDescriptor)];
+};
+static_assert(sizeof(Element) >= sizeof(SetDescriptor) && sizeof(Element) >= sizeof(RecordDescriptor));
+
+inline bool RefuseList(std::int32_t code) {
+    SetError(code);
+    return false;
+}
+
+// A list whose words fit each other.
+bool IsList(const ListDescriptor* l);
+
+// True when the elements of the list can be reached; 761 and 661. This is the one place that knows what a
+// list that is held in a file can do.
+bool AcceptList(const ListDescriptor* l);
+// The same for a list of strings in memory (761). The untyped list counts as one that is empty.
+bool AcceptStringList(const ListDescriptor* l);
+// 610 and 611 for a value that shall go into the list.
+bool AcceptElement(const ListDescriptor& l, const void* v, Kind kind);
+
+// A copy of `v` with the shape of `like`, to be moved into a slot. False, and nothing allocated, on failure.
+bool MakeElement(char* element, const void* like, const void* v, Kind kind);
+void FreeElements(char* slots, std::int32_t count, Kind kind);  // what is below them
+// An empty list, of what ListInit takes; all zero when memory is short, with the result false.
+bool ShapeList(ListDescriptor& l, std::int32_t maxlength, const void* prototype, Kind kind, bool inFile);
+
+}  // namespace tarn
