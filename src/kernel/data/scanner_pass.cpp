@@ -275,8 +275,10 @@ bool standsAlone(unsigned char c) {
 void pass() {
     s.symbolLine = s.lines.number();
     s.text->clear();
-    s.from = s.at;
     s.terminator = {};
+    // Blanks that no one gets to see need no pass of their own.
+    if (s.classIds[ClassWhitespace] == 0) takeWhile(ByteBlank);
+    s.from = s.at;
     if (s.filename.empty()) {
         replace(endText);
         s.found = SymbolEndOfFile;
