@@ -124,20 +124,28 @@ bool mayOwnSource(const void* target, Kind kind) {
     return array.maxlength == 0 && canHoldOthers(array.tag);
 }
 
-// Copies into a new value of the target's shape, which takes the target's place. `compare`: 827 unless the
-// new value then equals the source.
-bool replace(const void* source, void* target, Kind kind, bool compare) {
+// Copies into a new value of the target's shape, which takes the target's place.
+bool replace(const void* source, void* target, Kind kind) {
     const KindOperations& operations = *operationsOf(kind);
     char made[largestValue];
-    if (!operations.init(made, isZero(target, kind) ? source : target)) return false;
+    if (!operations.init(made, target)) return false;
     if (!operations.copy(source, made)) {
         operations.free(made);
         return false;
     }
-    if (compare && !operations.equal(source, made)) SetError(ERR_ADT_COPY);
     operations.free(target);
     std::memcpy(target, made, static_cast<std::size_t>(KindSize[kind]));
     return true;
+}
+
+// A copy whose result is compared with what the source was: the source may be lost by the copying.
+void copyAndCompare(const void* source, void* target, Kind kind) {
+    const KindOperations* operations = operationsOf(kind);
+    char before[largestValue] = {};
+    if (canHoldOthers(kind) && !operations->copy(source, before)) return;
+    const void* expected = canHoldOthers(kind) ? before : source;
+    if (CopyValue(source, target, kind) && !EqualValues(expected, target, kind)) SetError(ERR_ADT_COPY);
+    if (canHoldOthers(kind)) operations->free(before);
 }
 
 bool equalNumbers(const void* a, const void* b, Kind kind) {
@@ -171,7 +179,7 @@ bool CopyValue(const void* source, void* target, Kind kind) {
     if (source == target) return true;
     const KindOperations* operations = operationsOf(kind);
     if (operations != nullptr && isZero(source, kind) && isZero(target, kind)) return true;
-    if (operations != nullptr && mayOwnSource(target, kind)) return replace(source, target, kind, false);
+    if (operations != nullptr && mayOwnSource(target, kind)) return replace(source, target, kind);
     if (operations != nullptr) return operations->copy(source, target);
     std::memmove(target, source, static_cast<std::size_t>(KindSize[kind]));
     return true;
@@ -256,12 +264,10 @@ void AdtCopy(const void* source, void* target, Kind kind, std::int32_t flag) {
     const bool shapeless = target != nullptr && kind > KindString && isZero(target, kind);
     if (!shapeless && !acceptDescriptor(target, kind)) return;
     if (source == target) return;
-    const bool compare = flag == 0 && MemoryChecking();
-    if (compare && canHoldOthers(kind)) {
-        replace(source, target, kind, true);
-    } else if (CopyValue(source, target, kind) && compare && !EqualValues(source, target, kind)) {
-        SetError(ERR_ADT_COPY);
-    }
+    if (flag == 0 && MemoryChecking())
+        copyAndCompare(source, target, kind);
+    else
+        CopyValue(source, target, kind);
 }
 
 void AdtFree(void* value, Kind kind) {

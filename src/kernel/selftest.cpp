@@ -192,7 +192,7 @@ bool checkSums() {
 std::string textOf(const SetValue& set, bool dots) {
     String text;
     SetToText(set.get(), dots, text.get());
-    return std::string(text.view());
+    return narrow(text);
 }
 
 bool setBounds() {

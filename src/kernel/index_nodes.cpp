@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/index_nodes.h"
+
+#include "kernel/errors.h"
+#include "kernel/records.h"
+#include "kernel/runtime.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tarn {
+
+namespace {
+
+constexpr std::uint8_t headKinds[] = {0x33, 0x33, 0x77};  // four integers, two records
+
+bool damaged() {
+    SetError(ERR_INDEX_TYPE);
+    return false;
+}
+
+// A tree that is only read.
+MemoryTree readTree(const RecordDescriptor& root) {
+    return MemoryTree(const_cast<RecordDescriptor&>(root));
+}
+
+void freeSubtree(const MemoryTree& tree, Offset node, std::int32_t depth) {
+    if (node == 0) return;
+    if (depth == MaxTreeDepth || (tree.checking() && !tree.reachable(node))) {
+        damaged();
+        return;
+    }
+    freeSubtree(tree, tree.child(node, 0), depth + 1);
+    freeSubtree(tree, tree.child(node, 1), depth + 1);
+    FreeNode(node, tree.kinds());
+}
+
+Offset copySubtree(MemoryTree& tree, Offset node, std::int32_t depth, bool& good) {
+    if (node == 0 || !good) return 0;
+    good = depth < MaxTreeDepth || damaged();
+    const Offset copy = good ? MakeNode(KeyOfNode(NodeKey(node), tree.kinds()), NodeRow(node)) : 0;
+    good = copy != 0;
+    if (!good) return 0;
+    tree.setBalance(copy, tree.balance(node));
+    for (const int side : {0, 1}) {
+        tree.setChild(copy, side, 0);
+        tree.setChild(copy, side, copySubtree(tree, tree.child(node, side), depth + 1, good));
+    }
+    return copy;
+}
+
+}  // namespace
+
+// ---- nodes ----
+
+Offset MakeNode(const KeyView& key, std::int32_t row) {
+    Offset node = 0;
+    const std::int32_t bytes = NodeHeadBytes + KeyBytes(key);
+    Allocate(node, bytes);
+    if (node == 0) return 0;
+    std::memset(At(node), 0, NodeHeadBytes);
+    SetNodeRow(node, row);
+    if (!CopyKeyFields(key, At(node) + NodeHeadBytes)) Free(node, bytes);
+    return node;
+}
+
+void FreeNode(Offset node, const FieldKinds& kinds) {
+    if (node == 0) return;
+    constexpr std::int32_t firstKeyField = 7;
+    FreeKeyFields(kinds, firstKeyField, At(node) + NodeHeadBytes);
+    Free(node, FieldBytesOf(kinds));
+}
+
+// ---- the tree ----
+
+bool MemoryTree::reachable(Offset node) const {
+    return OffsetOf(tarn_heap_base + node) != 0 &&
+           OffsetOf(tarn_heap_base + node + static_cast<Offset>(link_.size) - 1) != 0;
+}
+
+bool MemoryTree::isLink(Offset node, int side) const {
+    const auto link = ReadAt<RecordDescriptor>(linkAt(node, side));
+    return link.tag == TagRecord && link.size == (link.data != 0 ? link_.size : 0);
+}
+
+bool MemoryTree::sound(Offset node) const {
+    if (!reachable(node) || !isLink(node, 0) || !isLink(node, 1)) return false;
+    const int lean = balance(node);
+    return lean == 0 || ((lean == -1 || lean == 1) && child(node, lean > 0) != 0);
+}
+
+bool AcceptRoot(const RecordDescriptor* root) {
+    if (root == nullptr || root->tag != TagRecord) return damaged();
+    if (root->data == 0) return root->size == 0 || damaged();
+    const bool good = std::equal(std::begin(headKinds), std::end(headKinds), root->kinds.nibbles) &&
+                      root->size > NodeHeadBytes && root->size == FieldBytesOf(root->kinds);
+    return good || damaged();
+}
+
+// ---- the steps of a change ----
+
+bool FindKey(const RecordDescriptor& root, const KeyView& key, IndexPath& path) {
+    const MemoryTree tree = readTree(root);
+    const bool whole = WithKey(key, [&](const auto& fields) { return FindPath(tree, fields, path); });
+    return (whole && (path.found || PrepareLink(tree, path))) || damaged();
+}
+
+bool PrepareUnlinkNode(const RecordDescriptor& root, IndexPath& path) {
+    return PrepareUnlink(readTree(root), path) || damaged();
+}
+
+void LinkNode(RecordDescriptor& root, const IndexPath& path, const KeyView& key, Offset node) {
+    MemoryTree tree(root, NodeKinds(key), NodeHeadBytes + KeyBytes(key));
+    LinkAt(tree, path, node);
+}
+
+void UnlinkNode(RecordDescriptor& root, IndexPath& path) {
+    MemoryTree tree(root);
+    UnlinkAt(tree, path);
+}
+
+// ---- whole trees ----
+
+bool ReadOperator(std::string_view op, TreeSeek& seek) {
+    struct Operator {
+        std::string_view name;
+        TreeSeek seek;
+    };
+    static constexpr Operator operators[] = {
+        {"EQ", {0, true, 0}},         {"EQUALS", {0, true, 0}}, {"FIRST", {-1, true, 0}},
+        {"LAST", {1, true, 0}},       {"GE", {0, true, 1}},     {"LE", {0, true, -1}},
+        {"GT", {0, false, 1}},        {"NEXT", {0, false, 1}},  {"LT", {0, false, -1}},
+        {"PREVIOUS", {0, false, -1}},
+    };
+    const auto same = [](char a, char b) { return (b >= 'a' && b <= 'z' ? b - 'a' + 'A' : b) == a; };
+    for (const Operator& known : operators) {
+        if (!std::equal(known.name.begin(), known.name.end(), op.begin(), op.end(), same)) continue;
+        seek = known.seek;
+        return true;
+    }
+    return false;
+}
+
+bool SeekNode(const RecordDescriptor& root, const TreeSeek& seek, const KeyView& key, Offset& node) {
+    const MemoryTree tree = readTree(root);
+    if (seek.end != 0) return FindEnd(tree, seek.end > 0, node) || damaged();
+    return WithKey(key,
+                   [&](const auto& fields) {
+                       return seek.nearest == 0 ? FindEqual(tree, fields, node)
+                                                : FindNearest(tree, seek, fields, node);
+                   }) ||
+           damaged();
+}
+
+void FreeTree(RecordDescriptor& root) {
+    const MemoryTree tree = readTree(root);
+    freeSubtree(tree, root.data, 0);
+    root = {0, TagRecord, 0, {}};
+}
+
+bool CopyTree(const RecordDescriptor& source, RecordDescriptor& target) {
+    MemoryTree tree(target, source.kinds, source.size);
+    bool good = true;
+    tree.setRoot(copySubtree(tree, source.data, 0, good));
+    if (!good) FreeTree(target);
+    return good;
+}
+
+}  // namespace tarn
