@@ -53,8 +53,7 @@ void EntityAdd(EntityTable& table, std::string_view reference, std::string_view 
     const std::size_t place = placeOf(table, reference);
     if (standsAt(table, place, reference)) return;
     if (table.count == MaxEntities)
-        return reportHere(error,
-                          "Too many entities, the maximum number is " + std::to_string(MaxEntities));
+        return reportHere(error, "Too many entities, the maximum number is " + std::to_string(MaxEntities));
     if (reference.size() + replacement.size() >= std::size_t{MaxEntityText})
         return reportHere(error, "Entity and replacement text is too long, max combined length is " +
                                      std::to_string(MaxEntityText));
