@@ -50,7 +50,10 @@ constexpr std::uint64_t largestReserve = std::uint64_t{64} << 20;
 constexpr std::uint64_t largestReserve = std::uint64_t{4} << 30;
 #endif
 constexpr std::uint64_t smallestReserve = std::uint64_t{16} << 20;
+// The range grows in small steps while it is small, and then by whole huge pages, which spare the walks of
+// large tables most of their address translations.
 constexpr std::uint64_t commitStep = std::uint64_t{1} << 20;
+constexpr std::uint64_t hugePage = std::uint64_t{2} << 20;
 constexpr std::uint64_t firstBlock = 16;  // offset 0 is null
 constexpr std::int32_t pageBytes = 4096;
 constexpr std::int32_t releaseFrom = 1 << 20;  // pages of freed blocks of this size on go back to the system
@@ -95,17 +98,21 @@ Heap heap;
 
 bool reserve() {
     for (std::uint64_t bytes = largestReserve; bytes >= smallestReserve; bytes /= 2) {
-        void* range = mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        void* range =
+            mmap(nullptr, bytes + hugePage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
         if (range == MAP_FAILED) continue;
-        tarn_heap_base = static_cast<char*>(range);
+        const std::uint64_t start = reinterpret_cast<std::uintptr_t>(range);
+        tarn_heap_base = static_cast<char*>(range) + ((start + hugePage - 1) / hugePage * hugePage - start);
         heap.reserved = bytes;
+        madvise(tarn_heap_base + hugePage, bytes - hugePage, MADV_HUGEPAGE);  // a wish: nothing depends on it
         return true;
     }
     return false;
 }
 
 bool commit(std::uint64_t upTo) {
-    const std::uint64_t goal = std::min((upTo + commitStep - 1) / commitStep * commitStep, heap.reserved);
+    const std::uint64_t step = upTo <= hugePage ? commitStep : hugePage;
+    const std::uint64_t goal = std::min((upTo + step - 1) / step * step, heap.reserved);
     if (mprotect(tarn_heap_base + heap.committed, goal - heap.committed, PROT_READ | PROT_WRITE) != 0)
         return false;
     heap.committed = goal;
@@ -134,6 +141,7 @@ void allow([[maybe_unused]] Offset block, [[maybe_unused]] int index, [[maybe_un
 Offset popFree(int index) {
     const Offset block = heap.free[index];
     std::memcpy(&heap.free[index], tarn_heap_base + block, sizeof(Offset));
+    __builtin_prefetch(tarn_heap_base + heap.free[index]);  // the next one to be taken
     return block;
 }
 

@@ -49,23 +49,30 @@ constexpr int SignOf(int side) {
 
 // ---- searching ----
 
+// One step of a search that notes its way: `node` becomes the child to go on with, or 0 at the end.
+template <class Tree, class Key, class Path, class Ref>
+bool StepDown(const Tree& tree, const Key& key, Path& path, Ref& node) {
+    if (path.depth == MaxTreeDepth || (tree.checking() && !tree.sound(node))) return false;
+    const Ref left = tree.child(node, 0), right = tree.child(node, 1);  // as FindEqual does
+    const int order = tree.order(key, node);
+    path.nodes[path.depth] = node;
+    if (order == 0) {
+        path.found = true;
+        path.at = path.depth;
+        node = 0;
+        return true;
+    }
+    path.sides[path.depth++] = order > 0;
+    node = order > 0 ? right : left;
+    return true;
+}
+
 template <class Tree, class Key, class Path>
 bool FindPath(const Tree& tree, const Key& key, Path& path) {
     path.depth = 0;
     path.found = false;
-    const bool checking = tree.checking();
     for (auto node = tree.root(); node != 0;) {
-        if (path.depth == MaxTreeDepth || (checking && !tree.sound(node))) return false;
-        const int order = tree.order(key, node);
-        path.nodes[path.depth] = node;
-        if (order == 0) {
-            path.found = true;
-            path.at = path.depth;
-            return true;
-        }
-        const int side = order > 0;
-        path.sides[path.depth++] = static_cast<std::uint8_t>(side);
-        node = tree.child(node, side);
+        if (!StepDown(tree, key, path, node)) return false;
     }
     return true;
 }
@@ -77,9 +84,11 @@ bool FindEqual(const Tree& tree, const Key& key, Ref& hit) {
     Ref node = tree.root();
     for (std::int32_t depth = 0; node != 0; ++depth) {
         if (depth == MaxTreeDepth || (checking && !tree.sound(node))) return false;
+        // Both links are read before the order is known, so that the reads wait for memory together.
+        const Ref left = tree.child(node, 0), right = tree.child(node, 1);
         const int order = tree.order(key, node);
         if (order == 0) break;
-        node = tree.child(node, order > 0);
+        node = order > 0 ? right : left;
     }
     hit = node;
     return true;

@@ -36,7 +36,8 @@ public:
         at_ += count;
     }
     void put(std::string_view text, Escapes escapes) {
-        for (const char c : text) putByte(static_cast<unsigned char>(c), escapes);
+        for (std::size_t i = 0; i < text.size() && at_ != last_; ++i)
+            putByte(static_cast<unsigned char>(text[i]), escapes);
     }
 
 private:

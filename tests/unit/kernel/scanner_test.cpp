@@ -429,6 +429,23 @@ TEST_F(Scanner, LinesOfMoreThanTheLimitAreCut) {
     }
 }
 
+TEST_F(Scanner, LinesAreWholeWhereverABlockOfTheFileEnds) {
+    const std::string full(32767, 'x');
+    for (const std::size_t before : {32764U, 32765U, 32766U, 32767U}) {
+        const std::string first(before, 'y');
+        const ScannedList expected = {{Id, first}, {Id, full, ScanNewLine, 2}, {Id, "z", ScanNewLine, 3}};
+        EXPECT_EQ(scan(first + "\r\n" + full + "\r\nz"), expected) << before;
+        EXPECT_EQ(scan(first + "\n" + full + "\r\nz"), expected) << before;
+        EXPECT_EQ(scan(first + "\n" + full + "\nz"), expected) << before;
+    }
+    const std::string shortLines = "a\r\nbc\n\nd\r\n";
+    std::string text;
+    while (text.size() < 140000) text += shortLines;
+    std::size_t lines = 0;
+    for (const Scanned& symbol : scan(text)) lines += symbol.text == "d" ? 1 : 0;
+    EXPECT_EQ(lines, text.size() / shortLines.size());
+}
+
 TEST_F(Scanner, TheFirstLinesLengthIsReportedUnlessTheScanReportsMore) {
     EXPECT_EQ(scan("'a" + std::string(40000, 'x')),
               (ScannedList{{SingleString, "'a" + std::string(32765, 'x') + "'", ScanOpenString}}));
