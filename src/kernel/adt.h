@@ -10,6 +10,7 @@
 // Cost: linear in the bytes and in the blocks of the value.
 #pragma once
 
+#include "kernel/owned.h"
 #include "kernel/values.h"
 
 #include <cstdint>
@@ -59,37 +60,8 @@ std::int32_t AdtConversionError(Kind kind);
 // balance. Empty when all is well. For tests and tools.
 std::string AdtCheck(const void* value, Kind kind);
 
-// ---- the owning types of the modules ----
+// ---- the owning type of sets; the others are in owned.h ----
 
-// A descriptor that is zero at first and freed when it leaves its scope. The raw operations shape and use it
-// through get().
-template <class Descriptor, Kind kind>
-class Owned {
-public:
-    Owned() = default;
-    ~Owned() { AdtFree(&descriptor_, kind); }
-    Owned(Owned&& other) noexcept : descriptor_(other.descriptor_) { other.descriptor_ = {}; }
-    Owned& operator=(Owned&& other) noexcept {
-        if (this == &other) return *this;
-        AdtFree(&descriptor_, kind);
-        descriptor_ = other.descriptor_;
-        other.descriptor_ = {};
-        return *this;
-    }
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
-
-    [[nodiscard]] Descriptor* get() { return &descriptor_; }
-    [[nodiscard]] const Descriptor* get() const { return &descriptor_; }
-
-private:
-    Descriptor descriptor_{};
-};
-using RecordValue = Owned<RecordDescriptor, KindRecord>;
-using UnionValue = Owned<RecordDescriptor, KindUnion>;
 using SetValue = Owned<SetDescriptor, KindSet>;
-using ArrayValue = Owned<ArrayDescriptor, KindArray>;
-using ListValue = Owned<ListDescriptor, KindList>;
-using TableValue = Owned<TableDescriptor, KindTable>;
 
 }  // namespace tarn
