@@ -10,12 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QLineEdit>
-#include <QListView>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -252,13 +252,13 @@ TEST_F(TextsTest, ManyRowsAreAddedInNoTime) {
     SetListIndex(List, 2500);
     DoEvents();
     EXPECT_LT(clock.elapsed(), 1500);
-    auto* list = find<QListView>("lstrows");
+    auto* list = find<QAbstractItemView>("lstrows");
     EXPECT_EQ(list->model()->rowCount(), 3003);
     EXPECT_EQ(list->currentIndex().row(), 2499);
 }
 
 TEST_F(TextsTest, AKeyMeetsTheRowsAsTheyAre) {
-    auto* list = find<QListView>("lstrows");
+    auto* list = find<QAbstractItemView>("lstrows");
     list->setFocus();
     SetListIndex(List, 3);
     AddItem(List, "d");
@@ -267,7 +267,7 @@ TEST_F(TextsTest, AKeyMeetsTheRowsAsTheyAre) {
 }
 
 TEST_F(TextsTest, OnlyRowsAreDoubleClicked) {
-    auto* list = find<QListView>("lstrows");
+    auto* list = find<QAbstractItemView>("lstrows");
     const QRect last = list->visualRect(list->model()->index(2, 0));
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, last.center() + QPoint(0, 2 * last.height()));
     EXPECT_EQ(doubles, 0);
@@ -276,7 +276,7 @@ TEST_F(TextsTest, OnlyRowsAreDoubleClicked) {
 }
 
 TEST_F(TextsTest, CtrlDoesNotUnselectARow) {
-    auto* list = find<QListView>("lstrows");
+    auto* list = find<QAbstractItemView>("lstrows");
     const QPoint at = list->visualRect(list->model()->index(1, 0)).center();
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
     const auto holds = [&] {
@@ -291,7 +291,7 @@ TEST_F(TextsTest, CtrlDoesNotUnselectARow) {
 }
 
 TEST_F(TextsTest, PunctuationIsNoNamedKey) {
-    auto* list = find<QListView>("lstrows");
+    auto* list = find<QAbstractItemView>("lstrows");
     list->setFocus();
     for (const int key :
          {Qt::Key_Period, Qt::Key_Minus, Qt::Key_Percent, Qt::Key_BraceLeft, Qt::Key_ParenLeft})

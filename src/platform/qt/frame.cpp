@@ -400,7 +400,8 @@ void Frame::applyModality() {
     const QRect over = below != nullptr ? below->frameGeometry() : screen()->availableGeometry();
     QRect mine(QPoint(), size());
     mine.moveCenter(over.center());
-    const QRect room = screen()->availableGeometry();
+    // What is placed is the area inside the frame, whose title has to stay on the screen.
+    const QRect room = screen()->availableGeometry().marginsRemoved(knownMargins(window_->borderStyle));
     mine.moveLeft(std::clamp(mine.left(), room.left(), std::max(room.left(), room.right() - mine.width())));
     mine.moveTop(std::clamp(mine.top(), room.top(), std::max(room.top(), room.bottom() - mine.height())));
     window_->position.x = mine.x();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/widgets.h"
 
+#include "platform/qt/gridpeer.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/textpeers.h"
 #include "platform/qt/texts.h"
@@ -22,7 +23,6 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -125,47 +125,6 @@ private:
     std::function<void()> refresh_;
 };
 
-// Rows in which TAB parts columns, each column as wide as its widest cell among the first rows.
-class ColumnDelegate : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    void measure(const std::vector<Row>& rows, const QFontMetrics& metrics) {
-        constexpr std::size_t sample = 500;
-        widths_.clear();
-        for (std::size_t i = 0; i < std::min(rows.size(), sample); ++i) {
-            const QStringList cells = shown(rows[i].text).split(u'\t');
-            for (qsizetype c = 0; c + 1 < cells.size(); ++c) {
-                if (static_cast<std::size_t>(c) >= widths_.size()) widths_.push_back(0);
-                int& width = widths_[static_cast<std::size_t>(c)];
-                width = std::max(width, metrics.horizontalAdvance(cells[c]) + 2 * metrics.averageCharWidth());
-            }
-        }
-    }
-    void paint(QPainter* painter, const QStyleOptionViewItem& given,
-               const QModelIndex& index) const override {
-        QStyleOptionViewItem option = given;
-        initStyleOption(&option, index);
-        const QStringList cells = option.text.split(u'\t');
-        if (cells.size() < 2) return QStyledItemDelegate::paint(painter, given, index);
-        option.text.clear();
-        const QStyle& style = *option.widget->style();
-        style.drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
-        option.text = QStringLiteral("x");
-        QRect place = style.subElementRect(QStyle::SE_ItemViewItemText, &option, option.widget);
-        place.adjust(3, 0, -3, 0);
-        const bool marked = option.state.testFlag(QStyle::State_Selected);
-        painter->setPen(option.palette.color(marked ? QPalette::HighlightedText : QPalette::Text));
-        for (qsizetype c = 0; c < cells.size(); ++c) {
-            painter->drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, cells[c]);
-            if (static_cast<std::size_t>(c) < widths_.size())
-                place.setLeft(place.left() + widths_[static_cast<std::size_t>(c)]);
-        }
-    }
-
-private:
-    std::vector<int> widths_;
-};
-
 class RowsPeer : public Peer {
 public:
     RowsPeer(Control& control, RowsView& list)
@@ -173,7 +132,6 @@ public:
         list.setModel(rows_);
         list.refreshed = [this] { late_->now(); };
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
-        if (control.useTabStops) list.setItemDelegate(columns_ = new ColumnDelegate(&list));
         list.doubleClicked = [this](QPoint at) {
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
         };
@@ -209,7 +167,6 @@ private:
     void refreshInPlace() {
         quiet_ = true;
         const int top = list_.verticalScrollBar()->value();
-        if (columns_ != nullptr) columns_->measure(control_->rows, list_.fontMetrics());
         rows_->refresh();
         list_.verticalScrollBar()->setValue(top);
         choose();
@@ -217,7 +174,6 @@ private:
 
     RowsView& list_;
     RowModel* rows_;
-    ColumnDelegate* columns_ = nullptr;
     Refresher* late_ = new Refresher(this, [this] { refreshInPlace(); });
     bool quiet_ = false;
 };
@@ -594,8 +550,10 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
     case Type::Combobox:
         if (control.comboStyle == 0) return new SimpleComboPeer(control, *new QWidget(parent));
         return new DropPeer(control, *new QComboBox(parent));
-    case Type::Listbox:
-    case Type::Iconlist: return new RowsPeer(control, *new RowsView(parent));
+    case Type::Iconlist:
+        if (control.useTabStops) return makeGridPeer(control, parent);
+        [[fallthrough]];
+    case Type::Listbox: return new RowsPeer(control, *new RowsView(parent));
     case Type::Pushbutton: return new PushPeer(control, *new QPushButton(parent));
     case Type::Bitmapbutton: return new PicturePeer(control, *new QToolButton(parent), flat);
     case Type::Checkbox: return new CheckPeer(control, *new QCheckBox(parent));
