@@ -5,6 +5,7 @@
 #include "ide/helpmenu.h"
 #include "ide/ide.h"
 #include "ide/runmenu.h"
+#include "ide/toolmenu.h"
 #include "ide/viewmenu.h"
 #include "ide/windows.h"
 #include "ide/wndmenu.h"
@@ -114,7 +115,7 @@ constexpr Row rows[] = {
     {"run_arguments", "", [](const Fired&) { DO_ARGUMENTS(); }},
     {"run_info", "", nullptr},
     {"tools_explore_rcfile", "", nullptr},
-    {"tools_explore_db", "", nullptr},
+    {"tools_explore_db", "", [](const Fired&) { DO_EXPLORE_DB(); }},
     {"tools_test_dialog", "", nullptr},
     {"tools_test_rcfile", "", nullptr},
     {"tools_convert_bmp", "", nullptr},

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Tools menu.
+#pragma once
+
+namespace tarn {
+
+// Asks for a data file and shows its rows. The settings of delimited text are asked for first.
+void DO_EXPLORE_DB();
+
+}  // namespace tarn

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "library/dbutil_windows.h"
+
+#include "kernel/data/typeinfo.h"
+#include "kernel/errors.h"
+#include "kernel/lists.h"
+#include "kernel/tables.h"
+#include "library/dbutil_grid.h"
+#include "library/longwork.h"
+#include "library/system.h"
+
+MODULE("dbutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+
+namespace tarn {
+namespace {
+
+constexpr int LongestColumnName = 40;
+
+// A table of the columns, which `table` becomes. It has no index: a file may hold rows that are alike, and
+// its order means something.
+void buildTable(const std::string& columns, TableDescriptor* table) {
+    std::string lines = columns;
+    TypeInfoChangeIndent(2, lines, MaxTypeInfo);
+    const String text("T : table\n\tT : record\n" + lines + "\tend record\nend table\n");
+    TableValue indexed;
+    TypeInfoToTable(text.get(), indexed.get());
+    const ListDescriptor* const rows = TableRows(indexed.get());
+    if (rows == nullptr) return;
+    TableInit(table, UNBOUNDED, reinterpret_cast<const RecordDescriptor*>(At(rows->prototype)), KeyMaps{},
+              StringView(TableTypeInfo(indexed.get())), false);
+}
+
+std::int32_t takeError() {
+    const std::int32_t code = ErrorCell();
+    ClearError();
+    return code;
+}
+
+std::string failureText(std::int32_t code) {
+    return std::string(ErrorText(code)) + " (error " + STR(code) + ").";
+}
+
+bool isWholeFailure(std::int32_t code) {
+    const bool file = code >= ERR_FILE_READ && code <= ERR_COMPONENT_UNREPRESENTABLE;
+    return file || code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+}
+
+std::string remarkOn(const TabResult& result, const std::string& message) {
+    const std::string text = message.empty() ? failureText(result.code) : message;
+    if (result.row < 1) return text;
+    return "Row " + STR(result.row) + ": " + text;
+}
+
+void readRows(const std::string& filename, const TabOptions& options, DataFormat format, DataTable& data) {
+    LongWork work("Reading '" + FILEGETFNAME(filename) + "'");
+    std::string message;
+    const TabResult result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
+    data.step = DataTable::Step::Rows;
+    if (work.stopped())
+        data.step = DataTable::Step::Stopped;
+    else if (isWholeFailure(result.code))
+        data.message = failureText(result.code);
+    else
+        data.step = DataTable::Step::Done;
+    if (data.step == DataTable::Step::Done && result.code != 0) data.remark = remarkOn(result, message);
+}
+
+// The declaration of the columns; a message in `data` if there is none.
+std::string findColumns(const std::string& filename, const TabOptions* options, DataTable& data) {
+    LongWork work("Finding the columns of '" + FILEGETFNAME(filename) + "'");
+    DataFileInfo info = GetDataFileInfo(filename, options);
+    data.step = DataTable::Step::Done;
+    if (work.stopped()) {
+        data.step = DataTable::Step::Stopped;
+    } else if (!info.message.empty()) {
+        data.step = DataTable::Step::Columns;
+        data.message = info.message;
+    }
+    return std::move(info.typeText);
+}
+
+}  // namespace
+
+DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, DataFormat format) {
+    FRAME(LOADDATATABLE);
+    DataTable data;
+    STAMP();
+    std::string columns = findColumns(filename, options, data);
+    if (data.step != DataTable::Step::Done) return data;
+    if (options != nullptr) columns = TYPEINFOFIXIDENTIFIERS(columns, LongestColumnName);
+    STAMP();
+    buildTable(columns, data.table.get());
+    const std::int32_t code = takeError();
+    if (code != 0) {
+        data.step = DataTable::Step::Columns;
+        data.message = failureText(code);
+        return data;
+    }
+    data.columns = static_cast<int>(TABLEFIELDNAMES(data.table.get()).size());
+    readRows(filename, options != nullptr ? *options : TabOptions{}, format, data);
+    return data;
+}
+
+}  // namespace tarn
