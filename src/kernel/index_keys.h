@@ -90,6 +90,7 @@ struct AnyKey {
     const KeyView& key;
     explicit AnyKey(const KeyView& view) : key(view) {}
     int operator()(const char* fields) const {
+        if (key.count == 1 && key.parts[0].kind == KindInteger) return IntegerKey(key)(fields);
         for (std::int32_t i = 0; i < key.count; ++i) {
             const int order = CompareParts(key.parts[i], fields);
             if (order != 0) return order;

@@ -4,6 +4,7 @@
 #include "kernel/errors.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
+#include "kernel/tables.h"
 
 #include <algorithm>
 #include <cstring>
@@ -30,8 +31,10 @@ void freeSubtree(const MemoryTree& tree, Offset node, std::int32_t depth) {
         damaged();
         return;
     }
-    freeSubtree(tree, tree.child(node, 0), depth + 1);
-    freeSubtree(tree, tree.child(node, 1), depth + 1);
+    const Offset left = tree.child(node, 0), right = tree.child(node, 1);
+    tree.prefetch(right);
+    freeSubtree(tree, left, depth + 1);
+    freeSubtree(tree, right, depth + 1);
     FreeNode(node, tree.kinds());
 }
 
@@ -104,6 +107,30 @@ bool FindKey(const RecordDescriptor& root, const KeyView& key, IndexPath& path) 
     const MemoryTree tree = readTree(root);
     const bool whole = WithKey(key, [&](const auto& fields) { return FindPath(tree, fields, path); });
     return (whole && (path.found || PrepareLink(tree, path))) || damaged();
+}
+
+bool FindKeys(const KeySearch* searches, std::int32_t count) {
+    Offset next[MaxIndexes] = {};
+    for (std::int32_t i = 0; i < count; ++i) {
+        IndexPath& path = *searches[i].path;
+        path.depth = 0;
+        path.found = false;
+        next[i] = searches[i].root->data;
+    }
+    for (bool going = true; going;) {
+        going = false;
+        for (std::int32_t i = 0; i < count; ++i) {
+            if (next[i] == 0) continue;
+            const MemoryTree tree = readTree(*searches[i].root);
+            if (!StepDown(tree, AnyKey(*searches[i].key), *searches[i].path, next[i])) return damaged();
+            if (next[i] == 0) continue;
+            tree.prefetch(next[i]);
+            going = true;
+        }
+    }
+    return std::all_of(searches, searches + count, [](const KeySearch& search) {
+        return search.path->found || PrepareLink(readTree(*search.root), *search.path) || damaged();
+    });
 }
 
 bool PrepareUnlinkNode(const RecordDescriptor& root, IndexPath& path) {

@@ -52,6 +52,11 @@ public:
     [[nodiscard]] bool checking() const { return checking_; }
     [[nodiscard]] bool reachable(Offset node) const;
     [[nodiscard]] bool sound(Offset node) const;
+    // Starts to fetch the parts of a node that a search reads: the links and the head of the key.
+    void prefetch(Offset node) const {
+        __builtin_prefetch(linkAt(node, 0) + offsetof(RecordDescriptor, data));
+        __builtin_prefetch(NodeKey(node));
+    }
     // Each node is a block of its own.
     [[nodiscard]] std::int64_t most() const { return LiveBlocks(); }
 
@@ -85,7 +90,14 @@ using IndexPath = TreePath<Offset>;
 // FindKey gives the path to a key or to its place. A path that found nothing serves LinkNode, one that found
 // the key PrepareUnlinkNode and then UnlinkNode, as long as the tree has not changed.
 bool FindKey(const RecordDescriptor& root, const KeyView& key, IndexPath& path);  // 763
-bool PrepareUnlinkNode(const RecordDescriptor& root, IndexPath& path);            // 763
+// The same in up to five trees, a step in each in turn, so that their waits for memory overlap.
+struct KeySearch {
+    const RecordDescriptor* root = nullptr;
+    const KeyView* key = nullptr;
+    IndexPath* path = nullptr;
+};
+bool FindKeys(const KeySearch* searches, std::int32_t count);           // 763
+bool PrepareUnlinkNode(const RecordDescriptor& root, IndexPath& path);  // 763
 void LinkNode(RecordDescriptor& root, const IndexPath& path, const KeyView& key, Offset node);
 void UnlinkNode(RecordDescriptor& root, IndexPath& path);
 

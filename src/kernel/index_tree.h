@@ -49,23 +49,30 @@ constexpr int SignOf(int side) {
 
 // ---- searching ----
 
+// One step of a search that notes its way: `node` becomes the child to go on with, or 0 at the end.
+template <class Tree, class Key, class Path, class Ref>
+bool StepDown(const Tree& tree, const Key& key, Path& path, Ref& node) {
+    if (path.depth == MaxTreeDepth || (tree.checking() && !tree.sound(node))) return false;
+    const Ref left = tree.child(node, 0), right = tree.child(node, 1);  // as FindEqual does
+    const int order = tree.order(key, node);
+    path.nodes[path.depth] = node;
+    if (order == 0) {
+        path.found = true;
+        path.at = path.depth;
+        node = 0;
+        return true;
+    }
+    path.sides[path.depth++] = order > 0;
+    node = order > 0 ? right : left;
+    return true;
+}
+
 template <class Tree, class Key, class Path>
 bool FindPath(const Tree& tree, const Key& key, Path& path) {
     path.depth = 0;
     path.found = false;
-    const bool checking = tree.checking();
     for (auto node = tree.root(); node != 0;) {
-        if (path.depth == MaxTreeDepth || (checking && !tree.sound(node))) return false;
-        const auto left = tree.child(node, 0), right = tree.child(node, 1);  // as FindEqual does
-        const int order = tree.order(key, node);
-        path.nodes[path.depth] = node;
-        if (order == 0) {
-            path.found = true;
-            path.at = path.depth;
-            return true;
-        }
-        path.sides[path.depth++] = order > 0;
-        node = order > 0 ? right : left;
+        if (!StepDown(tree, key, path, node)) return false;
     }
     return true;
 }

@@ -84,13 +84,17 @@ struct Entry {
 
 // The first half of adding a row: the places of its keys, which nobody has.
 bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&entries)[MaxIndexes]) {
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        Entry& entry = entries[i];
-        if (!KeyOfRow(row, header.keyMaps[i], entry.key)) return fail(ERR_COMPONENT_TYPE);
-        if (!FindKey(header.roots[i], entry.key, entry.path)) return false;
-        if (entry.path.found) return fail(ERR_DUPLICATE_FIELDS);
+    KeySearch searches[MaxIndexes];
+    const std::int32_t count = IndexesOf(header);
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return fail(ERR_COMPONENT_TYPE);
+        searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
     }
-    return true;
+    const bool whole =
+        count == 1 ? FindKey(header.roots[0], entries[0].key, entries[0].path) : FindKeys(searches, count);
+    if (!whole) return false;
+    return std::none_of(entries, entries + count, [](const Entry& entry) { return entry.path.found; }) ||
+           fail(ERR_DUPLICATE_FIELDS);
 }
 
 void freeNodes(Entry (&entries)[MaxIndexes]) {
