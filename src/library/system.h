@@ -13,6 +13,9 @@
 
 namespace tarn {
 
+struct StringDescriptor;
+struct ListDescriptor;
+
 // ---- strings ----
 int STRFIND(std::string_view what, std::string_view text, int from = 1,
             bool ignoreCase = true);  // 0: not found
@@ -116,6 +119,24 @@ bool ISFUTURERESERVEDWORD(std::string_view word);
 // The token reader that all text-form parsers share; `position` is 1-based and ends behind the token. Empty
 // at the end of the text, and where no token stands: `position` then stays at that character.
 std::string NextWord(std::string_view text, std::size_t& position);
+
+// ---- names for identifiers ----
+// At most `maxLength` letters and digits; see TypeInfoIdentifier. Letters are kept, and digits behind the
+// first character; all else becomes `replacement`, '_' too. A first character that is no letter becomes
+// `replacement` if that begins with a letter, else "n".
+std::string STRTOIDENTIFIER(std::string_view text, int maxLength, std::string_view replacement);
+// Keeps '_' and the length. A first character that is neither a letter nor one of `firstSet` gets the first
+// of `replacement` put ahead of it; that stands for each other character that cannot be in an identifier,
+// which is left out when `replacement` is empty.
+std::string STRTOIDENTIFIER(std::string_view text, std::string_view firstSet, std::string_view replacement);
+// Makes the names of a type information text identifiers of the language: by the first form above with "_",
+// and "_1" behind words that are reserved, now or for later. A name that is not in double quotes or brackets
+// ends at " : ", or else at the first blank. Closing lines stay as they are. With `dropDeleteFlag` lines
+// "delete_flag : Tchar" are left out.
+std::string TYPEINFOFIXIDENTIFIERS(std::string_view text, int maxLength, bool dropDeleteFlag = false);
+void TYPEINFOFIXIDENTIFIERS(StringDescriptor* text, int maxLength, bool dropDeleteFlag = false);  // 756
+// The lines are the strings of a list (761). One that is held in a file must be open.
+void TYPEINFOFIXIDENTIFIERS(ListDescriptor* lines, int maxLength, bool dropDeleteFlag = false);
 
 // ---- windows ----
 Object FINDCONTROL(const Object& window, std::string_view name);

@@ -105,15 +105,18 @@ std::string TypeInfoMerge(std::string_view a, std::string_view b, std::int32_t o
 // ---- values ----
 
 // Reads the element at `position` (from 0) and, unless `value` is null, builds an empty value there (raw
-// bytes of at least the kind's size). Gives the kind; KindNone and KindAnyAdt build nothing. On failure
-// nothing stays allocated and the error is set.
+// bytes of at least the kind's size). Gives the kind; KindNone and KindAnyAdt build nothing. Blocks more than
+// 100 levels deep have kind 0. On failure nothing stays allocated, the error is set and the kind is KindNone.
 std::int32_t TypeInfoToValue(std::string_view text, std::size_t& position, void* value);
-// The old value is freed first. 756 for a text that is no string; 757, 761 (and 760), 762 for a target of
-// another kind and for a text that does not say such a value. A target may be zero.
+// 756 for a text that is no string; 757, 761, 762 for a target of another kind (zero will do): nothing has
+// changed then. The old value is freed; the same errors, or that of a part (601, 760, 804, 821), for a text
+// that does not say such a value, and the target is zero. 32767 characters of the text are read. An outer
+// pair of "list" and "table" lines, in any order, is taken off first: what it held is the element of the
+// list, unless that is a list itself, or the row of the table.
 void TypeInfoToRecord(const StringDescriptor* text, RecordDescriptor* value);
 void TypeInfoToList(const StringDescriptor* text, ListDescriptor* value);
 void TypeInfoToTable(const StringDescriptor* text, TableDescriptor* value);
-// A list or a table that is held in a file, by the first line's type.
+// A list or a table that is held in a file; the type of the first line must say the same.
 void TypeInfoToFileVar(const StringDescriptor* text, void* value, Kind kind);
 // `names`: one per line, for TypeInfoDefaultName. "" for kinds above 8 that are no array.
 std::string TypeInfoFromValue(const void* value, Kind kind, std::string_view names = {});
@@ -128,6 +131,7 @@ struct DefaultKeys {
     std::string names;     // separated by ","
 };
 DefaultKeys TypeInfoDefaultKeys(const RecordDescriptor* record, std::string_view names, bool skipFirst);
+// A first field "delete_flag : Tchar" is not in `names`, and no key field; the key map does count it.
 struct FieldList {
     std::string names;  // one per line
     DefaultKeys keys;

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+// Type information text: any two texts merge, build values that are whole, or nothing, and leak nothing. The
+// two are parted by a line that holds a "%" alone.
+#include "kernel/adt.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/runtime.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace tarn;
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+void useLines(std::string text) {
+    std::size_t position = 0;
+    for (std::int32_t line = 1; position < text.size() && line <= 40; ++line) {
+        const TypeInfoElement element = TypeInfoParseLine(text, line);
+        require(TypeInfoName(text, line) == element.name);
+        std::string copy = text;
+        TypeInfoFormatLine(copy, MaxTypeInfo, line, element.name, element.typeName, element.bounds);
+        TypeInfoSkipLine(text, position);
+    }
+    const std::string before = text;
+    TypeInfoChangeIndent(1, text, INT32_MAX);
+    TypeInfoChangeIndent(-1, text, INT32_MAX);
+    require(before.substr(0, text.size()) == text);
+    TypeInfoDeleteLine(text, 1);
+    TypeInfoFieldList(text);
+    TypeInfoGuessValue(text, "NULL");
+    TypeInfoIdentifier(text, 40, "_");
+    require(ErrorCell() == 0 || ErrorCell() >= 600);
+}
+
+void buildValues(const std::string& text) {
+    ClearError();
+    const String source(text);
+    RecordValue record;
+    ListValue list;
+    TableValue table;
+    TypeInfoToRecord(source.get(), record.get());
+    require((ErrorCell() == 0) == (KindOf(record.get()) == KindRecord));
+    ClearError();
+    TypeInfoToList(source.get(), list.get());
+    require((ErrorCell() == 0) == (list.get()->tag != 0));
+    ClearError();
+    TypeInfoToTable(source.get(), table.get());
+    require((ErrorCell() == 0) == (KindOf(table.get()) == KindTable));
+    ClearError();
+    if (record.get()->tag != 0) require(AdtCheck(record.get(), KindRecord).empty());
+    if (list.get()->tag != 0) require(AdtCheck(list.get(), KindList).empty());
+    if (table.get()->tag != 0) require(AdtCheck(table.get(), KindTable).empty());
+    TypeInfoMatchesValue(text, record.get());
+    TypeInfoFromValue(record.get(), KindRecord, text);
+    for (std::int32_t index = 1; index <= MaxIndexes; ++index) TypeInfoIndexText(table.get(), index);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    const std::size_t mark = text.find("\n%\n");
+    const std::string a = text.substr(0, mark == std::string::npos ? mark : mark + 1);
+    const std::string b = mark == std::string::npos ? a : text.substr(mark + 3);
+    std::string report, again;
+    const std::string merged = TypeInfoMerge(a, b, 2 * MaxTypeInfo, report);
+    require(merged.size() < 2 * MaxTypeInfo);
+    require(TypeInfoMerge(merged, merged, 2 * MaxTypeInfo, again) == merged && again.empty());
+    useLines(a);
+    for (const std::string& each : {a, b, merged}) buildValues(each);
+    require(LiveBlocks() == 0);
+    return 0;
+}
