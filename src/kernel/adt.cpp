@@ -155,10 +155,16 @@ bool equalNumbers(const void* a, const void* b, Kind kind) {
            (kind == KindReal && ReadAt<double>(a) == ReadAt<double>(b));
 }
 
+void emptyString(void* value) {
+    auto& s = *static_cast<StringDescriptor*>(value);
+    if (s.maxlength == UNBOUNDED) FreeData(s);
+    s.length = 0;
+}
+
 }  // namespace
 
-const KindOperations StringOperations = {initString,   copyString,      freeString,
-                                         equalStrings, sameStringShape, checkString};
+const KindOperations StringOperations = {initString,      copyString,  freeString, equalStrings,
+                                         sameStringShape, checkString, emptyString};
 
 // ---- for elements and fields ----
 
@@ -222,18 +228,12 @@ std::string CheckValue(const void* value, Kind kind) {
     return operations->check(value);
 }
 
-bool ClearValue(void* value, Kind kind) {
-    if (kind == KindString) {
-        auto& s = *static_cast<StringDescriptor*>(value);
-        if (s.maxlength == UNBOUNDED) FreeData(s);
-        s.length = 0;
-        return true;
-    }
-    char empty[largestValue];
-    if (!InitValue(empty, value, kind)) return false;
-    FreeValue(value, kind);
-    std::memcpy(value, empty, static_cast<std::size_t>(KindSize[kind]));
-    return true;
+void EmptyValue(void* value, Kind kind) {
+    const KindOperations* operations = operationsOf(kind);
+    if (operations == nullptr)
+        std::memset(value, 0, static_cast<std::size_t>(KindSize[kind]));
+    else if (!IsZeroValue(value, kind))
+        operations->empty(value);
 }
 
 Offset NewPrototype(const void* like, Kind kind, bool& ok) {
@@ -281,10 +281,7 @@ void CopyOut(const void* element, void* v, Kind kind) {
 
 void ClearOutput(void* value, Kind kind) {
     if (value == nullptr || !IsValueKind(kind)) return;
-    if (!IsAdtKind(kind))
-        std::memset(value, 0, static_cast<std::size_t>(KindSize[kind]));
-    else if (IsOfKind(value, kind))
-        ClearValue(value, kind);
+    if (IsOfKind(value, kind)) EmptyValue(value, kind);
 }
 
 // ---- generic operations ----
@@ -327,7 +324,7 @@ bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind) {
 
 void AdtClear(void* value, Kind kind) {
     if (!acceptKind(kind) || !acceptDescriptor(value, kind)) return;
-    ClearValue(value, kind);
+    EmptyValue(value, kind);
 }
 
 bool AdtSameShape(const void* a, const void* b, Kind kind) {

@@ -169,7 +169,10 @@ bool equalArrays(const void* a, const void* b) {
 
 bool sameArrayShape(const void* a, const void* b) {
     const ArrayDescriptor &left = arrayAt(a), &right = arrayAt(b);
-    if (left.tag != right.tag || left.maxlength != right.maxlength) return false;
+    if (left.maxlength != right.maxlength) return false;
+    // The kind that an untyped array has taken belongs to its content.
+    if (left.maxlength == DYNAMIC_BOUNDS && (left.tag == 0 || right.tag == 0)) return true;
+    if (left.tag != right.tag) return false;
     if (left.maxlength == 0 && !SameBounds(ShapeOf(left), ShapeOf(right))) return false;
     if (left.prototype == 0 || right.prototype == 0) return left.prototype == right.prototype;
     return SameShape(PrototypeOf(left), PrototypeOf(right), ArrayElementKind(left));
@@ -192,9 +195,21 @@ std::string checkArray(const void* value) {
     return wrong;
 }
 
+void emptyArray(void* value) {
+    auto& a = *static_cast<ArrayDescriptor*>(value);
+    if (a.maxlength == DYNAMIC_BOUNDS) {
+        freeElements(a);
+        FreeData(a);
+        for (ArrayBounds& b : a.bounds) b = NoDimension;
+        return;
+    }
+    const std::int64_t count = ElementsOf(ShapeOf(a));
+    for (std::int64_t i = 0; i < count; ++i) EmptyValue(ElementAt(a, i), ArrayElementKind(a));
+}
+
 }  // namespace
 
-const KindOperations ArrayOperations = {initArray,   copyArray,      FreeArray,
-                                        equalArrays, sameArrayShape, checkArray};
+const KindOperations ArrayOperations = {initArray,      copyArray,  FreeArray, equalArrays,
+                                        sameArrayShape, checkArray, emptyArray};
 
 }  // namespace tarn
