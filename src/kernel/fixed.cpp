@@ -4,6 +4,7 @@
 // unsigned word. Products and dividends of two words stay exact in 128 bits.
 #include "kernel/fixed.h"
 
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
 #include "kernel/padding.h"
 #include "kernel/runtime.h"
@@ -56,7 +57,7 @@ bool readMagnitude(std::string_view text, std::uint64_t limit, std::uint64_t& ma
             point = true;
             continue;
         }
-        if (c < '0' || c > '9') return false;
+        if (!ascii::isDigit(c)) return false;
         digits = true;
         if (decimals == ownDecimals) continue;
         if (!append(magnitude, static_cast<std::uint64_t>(c - '0'), limit)) return false;
@@ -144,7 +145,7 @@ bool FixedCompare(std::string_view op, Fixed a, Fixed b) {
 // ---- texts ----
 
 void FixedFromText(std::string_view text, Fixed& f, bool& ok) {
-    text = Unpadded(text);
+    text = ascii::trimmed(text);
     const bool sign = !text.empty() && (text[0] == '+' || text[0] == '-'), negative = sign && text[0] == '-';
     std::uint64_t magnitude = 0;
     ok = readMagnitude(text.substr(sign ? 1 : 0), limitOf(negative), magnitude);

@@ -22,12 +22,6 @@ inline std::string Padded(std::string text, std::int32_t width) {
     return text;
 }
 
-// Without the blanks around it.
-inline std::string_view Unpadded(std::string_view text) {
-    const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
-    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
-
 // The text with its NUL, or only a NUL when that is more than `size` bytes. Nothing without room for a NUL.
 inline void PutText(std::string_view text, char* buffer, std::int32_t size) {
     if (buffer == nullptr || size < 1) return;
