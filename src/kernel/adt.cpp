@@ -7,7 +7,9 @@
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace tarn {
 
@@ -34,8 +36,13 @@ bool initString(void* target, const void* like) {
 bool copyString(const void* source, void* target) {
     const StringDescriptor& from = stringAt(source);
     auto* to = static_cast<StringDescriptor*>(target);
+    if (KindOf(&from) != KindString || KindOf(to) != KindString) {
+        SetError(ERR_STRING_TYPE);
+        return false;
+    }
+    const std::int32_t room = to->maxlength == UNBOUNDED ? from.length : to->maxlength;
     StringAssign(to, &from);
-    return KindOf(to) == KindString && (to->length == from.length || to->maxlength != UNBOUNDED);
+    return to->length == std::min<std::int32_t>(from.length, room);
 }
 
 void freeString(void* value) {
@@ -54,7 +61,8 @@ std::string checkString(const void* value) {
     const auto s = ReadAt<StringDescriptor>(value);
     const std::int64_t capacity = s.maxlength == UNBOUNDED ? s.length : s.maxlength;
     if (s.length < 0 || s.length > capacity) return "string: length out of range";
-    if (s.size != capacity * CharacterWidth && !(s.length == 0 && s.maxlength == UNBOUNDED))
+    const bool terminated = s.maxlength == UNBOUNDED && s.size == (capacity + 1) * CharacterWidth;
+    if (s.size != capacity * CharacterWidth && !(terminated && At(s.data)[s.size - 1] == 0))
         return "string: size is not that of its characters";
     if ((s.size == 0) != (s.data == 0)) return "string: size without data or data without size";
     return {};
@@ -70,24 +78,9 @@ const KindOperations* operationsOf(std::int32_t kind) {
     return IsAdtKind(kind) ? table[kind] : nullptr;
 }
 
-// The head is looked at first, so that a descriptor which is shorter than its alleged kind is not read behind
-// its end.
-bool isZero(const void* value, Kind kind) {
-    static constexpr char zeros[largestValue] = {};
-    constexpr std::size_t head = sizeof(DescriptorHead);
-    if (std::memcmp(value, zeros, head) != 0) return false;
-    return std::memcmp(static_cast<const char*>(value) + head, zeros,
-                       static_cast<std::size_t>(KindSize[kind]) - head) == 0;
-}
-
 bool fail(std::int32_t code) {
     SetError(code);
     return false;
-}
-
-// A descriptor of the kind it is said to be.
-bool isOf(const void* value, Kind kind) {
-    return IsWellFormed(value) && KindOf(value) == kind;
 }
 
 bool acceptKind(Kind kind) {
@@ -96,7 +89,7 @@ bool acceptKind(Kind kind) {
 
 bool acceptDescriptor(const void* value, Kind kind) {
     return !IsAdtKind(kind) ? value != nullptr || fail(ERR_UNIDENTIFIABLE)
-                            : isOf(value, kind) || fail(AdtTypeError(kind));
+                            : IsOfKind(value, kind) || fail(AdtTypeError(kind));
 }
 
 bool isOperator(std::string_view op, char first, char second) {
@@ -125,41 +118,41 @@ bool mayOwnSource(const void* target, Kind kind) {
     return array.maxlength == 0 && canHoldOthers(array.tag);
 }
 
-// Copies into a new value of the target's shape, which takes the target's place.
-bool replace(const void* source, void* target, Kind kind) {
+// Counts how deep the walks over values are.
+class Deeper {
+public:
+    Deeper() { ++depth; }
+    ~Deeper() { --depth; }
+    Deeper(const Deeper&) = delete;
+    Deeper& operator=(const Deeper&) = delete;
+    [[nodiscard]] static bool accept() { return depth <= MaxNesting || fail(ERR_UNIDENTIFIABLE); }
+
+private:
+    static inline std::int32_t depth = 0;
+};
+
+// A copy of the source in a new value of the target's shape.
+bool makeCopy(const void* source, const void* target, Kind kind, char* made) {
     const KindOperations& operations = *operationsOf(kind);
-    char made[largestValue];
-    if (!operations.init(made, target)) return false;
-    if (!operations.copy(source, made)) {
-        operations.free(made);
-        return false;
-    }
-    operations.free(target);
-    std::memcpy(target, made, static_cast<std::size_t>(KindSize[kind]));
-    return true;
+    if (!operations.init(made, IsZeroValue(target, kind) ? source : target)) return false;
+    if (operations.copy(source, made)) return true;
+    operations.free(made);
+    return false;
 }
 
-// A copy whose result is compared with what the source was: the source may be lost by the copying.
-void copyAndCompare(const void* source, void* target, Kind kind) {
-    const KindOperations* operations = operationsOf(kind);
-    char before[largestValue] = {};
-    if (canHoldOthers(kind) && !operations->copy(source, before)) return;
-    const void* expected = canHoldOthers(kind) ? before : source;
-    if (CopyValue(source, target, kind) && !EqualValues(expected, target, kind)) SetError(ERR_ADT_COPY);
-    if (canHoldOthers(kind)) operations->free(before);
+// Copies into a new value, which then takes the target's place.
+bool replace(const void* source, void* target, Kind kind) {
+    char made[largestValue];
+    if (!makeCopy(source, target, kind, made)) return false;
+    operationsOf(kind)->free(target);
+    std::memcpy(target, made, static_cast<std::size_t>(KindSize[kind]));
+    return true;
 }
 
 bool equalNumbers(const void* a, const void* b, Kind kind) {
     // What is no number equals itself, so that a copy equals its source; 0 equals -0.
     return std::memcmp(a, b, static_cast<std::size_t>(KindSize[kind])) == 0 ||
            (kind == KindReal && ReadAt<double>(a) == ReadAt<double>(b));
-}
-
-// A list that is held in a file and has not been opened.
-bool isUnopened(const void* value, Kind kind) {
-    if (kind != KindList) return false;
-    const auto list = ReadAt<ListDescriptor>(value);
-    return IsValueKind(list.tag - TagInFile) && (list.data == 0 || *At(list.data) == 0);
 }
 
 }  // namespace
@@ -169,15 +162,38 @@ const KindOperations StringOperations = {initString,   copyString,      freeStri
 
 // ---- for elements and fields ----
 
+bool IsOfKind(const void* value, Kind kind) {
+    if (!IsAdtKind(kind)) return value != nullptr;
+    if (!IsWellFormed(value) || KindOf(value) != kind) return false;
+    // The tag of a list in a file makes an array by its maxlength, but no array is held in a file.
+    return kind != KindArray || ReadAt<DescriptorHead>(value).tag <= KindTable;
+}
+
+// The head is looked at first, so that a descriptor which is shorter than its alleged kind is not read behind
+// its end.
+bool IsZeroValue(const void* value, Kind kind) {
+    static constexpr char zeros[largestValue] = {};
+    constexpr std::size_t head = sizeof(DescriptorHead);
+    if (std::memcmp(value, zeros, head) != 0) return false;
+    return std::memcmp(static_cast<const char*>(value) + head, zeros,
+                       static_cast<std::size_t>(KindSize[kind]) - head) == 0;
+}
+
 bool InitAdt(void* target, const void* like, Kind kind) {
-    if (!isZero(like, kind)) return operationsOf(kind)->init(target, like);
+    const Deeper level;
+    const bool deep = !Deeper::accept();
+    if (!deep && !IsZeroValue(like, kind)) return operationsOf(kind)->init(target, like);
     std::memset(target, 0, static_cast<std::size_t>(KindSize[kind]));
-    return true;
+    return !deep;
 }
 
 bool CopyAdt(const void* source, void* target, Kind kind) {
-    if (source == target || (isZero(source, kind) && isZero(target, kind))) return true;
-    if (mayOwnSource(target, kind)) return replace(source, target, kind);
+    if (source == target) return true;
+    const bool shapeless = IsZeroValue(target, kind);
+    if (IsZeroValue(source, kind)) return shapeless || fail(AdtTypeError(kind));
+    const Deeper level;
+    if (!Deeper::accept()) return false;
+    if ((shapeless && kind != KindString) || mayOwnSource(target, kind)) return replace(source, target, kind);
     return operationsOf(kind)->copy(source, target);
 }
 
@@ -188,25 +204,31 @@ void FreeAdt(void* value, Kind kind) {
 bool EqualValues(const void* a, const void* b, Kind kind) {
     const KindOperations* operations = operationsOf(kind);
     if (operations == nullptr) return equalNumbers(a, b, kind);
-    const bool zeroA = isZero(a, kind), zeroB = isZero(b, kind);
+    const bool zeroA = IsZeroValue(a, kind), zeroB = IsZeroValue(b, kind);
     return zeroA || zeroB ? zeroA == zeroB : operations->equal(a, b);
 }
 
 bool SameShape(const void* a, const void* b, Kind kind) {
     const KindOperations* operations = operationsOf(kind);
     if (operations == nullptr) return true;
-    const bool zeroA = isZero(a, kind), zeroB = isZero(b, kind);
+    const bool zeroA = IsZeroValue(a, kind), zeroB = IsZeroValue(b, kind);
     return zeroA || zeroB ? zeroA == zeroB : operations->sameShape(a, b);
 }
 
 std::string CheckValue(const void* value, Kind kind) {
     const KindOperations* operations = operationsOf(kind);
-    if (operations == nullptr || isZero(value, kind)) return {};
-    if (!isOf(value, kind)) return "not a descriptor of kind " + std::to_string(kind);
+    if (operations == nullptr || IsZeroValue(value, kind)) return {};
+    if (!IsOfKind(value, kind)) return "not a descriptor of kind " + std::to_string(kind);
     return operations->check(value);
 }
 
 bool ClearValue(void* value, Kind kind) {
+    if (kind == KindString) {
+        auto& s = *static_cast<StringDescriptor*>(value);
+        if (s.maxlength == UNBOUNDED) FreeData(s);
+        s.length = 0;
+        return true;
+    }
     char empty[largestValue];
     if (!InitValue(empty, value, kind)) return false;
     FreeValue(value, kind);
@@ -235,11 +257,33 @@ bool AcceptValue(const void* value, Kind kind) {
     return good || fail(ERR_COMPONENT_INVALID);
 }
 
+bool AcceptContent(const void* value, Kind kind, Use use) {
+    const bool shapeless = use == Use::Output && kind > KindString && IsZeroValue(value, kind);
+    return shapeless || IsOfKind(value, kind) || fail(AdtTypeError(kind));
+}
+
+bool CopyAndCompare(const void* source, void* target, Kind kind, std::int32_t flag) {
+    if (source == target) return true;
+    if (flag != 0 || !MemoryChecking() || !IsAdtKind(kind)) return CopyValue(source, target, kind);
+    // A second copy tells what must come out: the first may be cut to the target's shape, and the source may
+    // be a part of the target.
+    char expected[largestValue];
+    if (!makeCopy(source, target, kind, expected)) return false;
+    const bool copied = CopyValue(source, target, kind);
+    if (copied && !EqualValues(expected, target, kind)) SetError(ERR_ADT_COPY);
+    operationsOf(kind)->free(expected);
+    return copied;
+}
+
+void CopyOut(const void* element, void* v, Kind kind) {
+    if (!CopyAndCompare(element, v, kind, 0)) ClearOutput(v, kind);
+}
+
 void ClearOutput(void* value, Kind kind) {
     if (value == nullptr || !IsValueKind(kind)) return;
     if (!IsAdtKind(kind))
         std::memset(value, 0, static_cast<std::size_t>(KindSize[kind]));
-    else if (isOf(value, kind))
+    else if (IsOfKind(value, kind))
         ClearValue(value, kind);
 }
 
@@ -247,7 +291,7 @@ void ClearOutput(void* value, Kind kind) {
 
 void AdtInit(void* target, const void* like, Kind kind) {
     if (target == nullptr || !acceptKind(kind)) return SetError(ERR_UNIDENTIFIABLE);
-    if (IsAdtKind(kind) && !isOf(like, kind)) {
+    if (IsAdtKind(kind) && !IsOfKind(like, kind)) {
         std::memset(target, 0, static_cast<std::size_t>(KindSize[kind]));
         return SetError(AdtTypeError(kind));
     }
@@ -256,28 +300,29 @@ void AdtInit(void* target, const void* like, Kind kind) {
 
 void AdtCopy(const void* source, void* target, Kind kind, std::int32_t flag) {
     if (!acceptKind(kind) || !acceptDescriptor(source, kind)) return;
-    const bool shapeless = target != nullptr && kind > KindString && isZero(target, kind);
+    const bool shapeless = target != nullptr && kind > KindString && IsZeroValue(target, kind);
     if (!shapeless && !acceptDescriptor(target, kind)) return;
-    if (source == target) return;
-    if (flag == 0 && MemoryChecking())
-        copyAndCompare(source, target, kind);
-    else
-        CopyValue(source, target, kind);
+    CopyAndCompare(source, target, kind, flag);
 }
 
 void AdtFree(void* value, Kind kind) {
     if (value == nullptr || (IsValueKind(kind) && !IsAdtKind(kind))) return;
-    if (!acceptKind(kind) || isZero(value, kind)) return;
-    if (!isOf(value, kind)) return SetError(AdtTypeError(kind));
+    if (!acceptKind(kind) || IsZeroValue(value, kind)) return;
+    if (!IsOfKind(value, kind)) return SetError(AdtTypeError(kind));
     FreeValue(value, kind);
     std::memset(value, 0, static_cast<std::size_t>(KindSize[kind]));
 }
 
 bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind) {
     if (!acceptKind(kind) || !acceptDescriptor(a, kind) || !acceptDescriptor(b, kind)) return false;
-    if (isUnopened(a, kind) || isUnopened(b, kind)) return fail(ERR_FILE_NOT_OPEN);
     const bool equals = isOperator(op, 'E', 'Q'), differs = isOperator(op, 'N', 'E');
-    return (equals || differs) && EqualValues(a, b, kind) == equals;
+    if (!equals && !differs) return false;
+    // What cannot be compared somewhere below is neither equal nor different.
+    const std::int32_t pending = std::exchange(tarn_error_cell, 0);
+    const bool same = EqualValues(a, b, kind);
+    const std::int32_t raised = std::exchange(tarn_error_cell, pending);
+    if (raised != 0) return fail(raised);
+    return same == equals;
 }
 
 void AdtClear(void* value, Kind kind) {

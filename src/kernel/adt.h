@@ -37,10 +37,10 @@ void AdtCopy(const void* source, void* target, Kind kind, std::int32_t flag = 0)
 void AdtFree(void* value, Kind kind);
 
 // EQ and NE, in any case, by content: records and unions field by field, arrays of equal shape element by
-// element, lists and tables of equal counts row by row, reals by value (NaN
-// equals the same NaN). GT, LT, GE, LE and all else are
-// false: values as a whole have no order. Descriptors of another kind than `kind` set that kind's error and
-// give false for both; a file-held value that has not been opened 661.
+// element, lists and tables of equal counts row by row, reals by value (NaN equals the same NaN). GT, LT, GE,
+// LE and all else are false: values as a whole have no order. Descriptors of another kind than `kind` set
+// that kind's error, and a file-held value that has not been opened, on any level, 661; both EQ and NE are
+// then false.
 bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind);
 
 // Makes a value empty but keeps its shape: AdtInit like itself, and the old content freed.

@@ -17,9 +17,9 @@ struct KindOperations {
     // `target` is raw bytes. Gives it the empty shape of `like`. On failure an error is set, nothing stays
     // allocated, `target` is all zero and the result false.
     bool (*init)(void* target, const void* like);
-    // As AdtCopy, for two distinct well-formed descriptors of this kind, or a zero target. False: failed, and
-    // the error is set. (A text that was cut and members that did not fit set their error and give true: the
-    // value is complete as far as it can be.)
+    // As AdtCopy, for two distinct well-formed descriptors of this kind. False: failed, and the error is set.
+    // (A text that was cut and members that did not fit set their error and give true: the value is complete
+    // as far as it can be.)
     bool (*copy)(const void* source, void* target);
     // Frees all below; the descriptor's own bytes are left as they are. A zero descriptor: nothing.
     void (*free)(void* value);
@@ -38,7 +38,8 @@ inline void CopyNumber(const void* source, void* target, Kind kind) {
     switch (KindSize[kind]) {
     case 1: std::memcpy(target, source, 1); break;
     case 4: std::memcpy(target, source, 4); break;
-    default: std::memcpy(target, source, 8);
+    case 8: std::memcpy(target, source, 8); break;
+    default: break;
     }
 }
 
@@ -52,6 +53,10 @@ inline bool HoldsNumbersOnly(const FieldKinds& kinds) {
     return (adt & ones) == 0;
 }
 static_assert(KindReal == 5 && KindString == 6 && KindTable < 16);
+
+// How deep values may stand in each other. A deeper one is never made (764): all walks over values go down by
+// calling themselves.
+inline constexpr std::int32_t MaxNesting = 500;
 
 bool InitAdt(void* target, const void* like, Kind kind);
 bool CopyAdt(const void* source, void* target, Kind kind);
@@ -81,6 +86,18 @@ bool ClearValue(void* value, Kind kind);
 // for null. `ok` is false when memory is short (the error is set).
 Offset NewPrototype(const void* like, Kind kind, bool& ok);
 void FreePrototype(Offset& prototype, Kind kind);
+
+// A descriptor of the kind that it is said to be, or a number.
+bool IsOfKind(const void* value, Kind kind);
+bool IsZeroValue(const void* value, Kind kind);  // kinds 6 to 12
+// AdtCopy; false when the value did not arrive.
+bool CopyAndCompare(const void* source, void* target, Kind kind, std::int32_t flag);
+// The end of a reading: AdtCopy, and what a failed reading leaves.
+void CopyOut(const void* element, void* v, Kind kind);
+// The end of the checks of element access: 611 for a descriptor that is of another kind than it is said to
+// be. An output may also be all zero: it takes the shape of what is read.
+enum class Use { Input, Output };
+bool AcceptContent(const void* value, Kind kind, Use use);
 
 // The common second check of element access: 610 for a null value, a kind outside 1 to 12 or a malformed
 // descriptor; the result is false and the error set.

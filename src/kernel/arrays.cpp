@@ -184,9 +184,14 @@ bool redim(ArrayDescriptor& a, const Shape& shape, bool preserve) {
 
 // ---- checks ----
 
+// Made to be filled by a literal.
+bool isUntyped(const ArrayDescriptor& a) {
+    return a.tag == 0 && a.size == 0 && a.data == 0 && a.maxlength == DYNAMIC_BOUNDS;
+}
+
 bool acceptArray(const ArrayDescriptor* a) {
     const bool good = a != nullptr && (a->maxlength == 0 || a->maxlength == DYNAMIC_BOUNDS) && a->tag >= 0 &&
-                      a->tag < KindCount && a->size >= 0 && KindOf(a) == KindArray;
+                      a->tag < KindCount && a->size >= 0 && (a->tag != 0 || isUntyped(*a));
     return good || fail(ERR_ARRAY_TYPE);
 }
 
@@ -209,27 +214,36 @@ char* locate(const ArrayDescriptor& a, const Subscripts& at, std::int32_t dimens
     return elementAt(a, index);
 }
 
-// The five checks of element access in their order; null when one failed.
+// The checks of element access in their order; null when one failed.
 char* access(const ArrayDescriptor* a, const Subscripts& at, std::int32_t dimensions, const void* v,
-             Kind kind) {
+             Kind kind, Use use) {
     if (!acceptArray(a) || !acceptDimensions(*a, dimensions) || !AcceptValue(v, kind)) return nullptr;
     char* element = locate(*a, at, dimensions);
-    if (element == nullptr || a->tag == kind) return element;
-    SetError(ERR_COMPONENT_TYPE);
-    return nullptr;
+    if (element == nullptr) return nullptr;
+    if (a->tag != kind) {
+        SetError(ERR_COMPONENT_TYPE);
+        return nullptr;
+    }
+    return !IsAdtKind(kind) || AcceptContent(v, kind, use) ? element : nullptr;
 }
 
 void get(const ArrayDescriptor* a, const Subscripts& at, std::int32_t dimensions, void* v, Kind kind) {
-    const char* element = access(a, at, dimensions, v, kind);
-    if (element != nullptr)
-        AdtCopy(element, v, kind);
-    else
+    const char* element = access(a, at, dimensions, v, kind, Use::Output);
+    if (element == nullptr)
         ClearOutput(v, kind);
+    else if (IsAdtKind(kind))
+        CopyOut(element, v, kind);
+    else
+        CopyNumber(element, v, kind);
 }
 
 void put(ArrayDescriptor* a, const Subscripts& at, std::int32_t dimensions, const void* v, Kind kind) {
-    char* element = access(a, at, dimensions, v, kind);
-    if (element != nullptr) AdtCopy(v, element, kind);
+    char* element = access(a, at, dimensions, v, kind, Use::Input);
+    if (element == nullptr) return;
+    if (IsAdtKind(kind))
+        CopyAndCompare(v, element, kind, 0);
+    else
+        CopyNumber(v, element, kind);
 }
 
 void* reference(ArrayDescriptor* a, const Subscripts& at, std::int32_t dimensions) {
@@ -288,10 +302,7 @@ bool assign(ArrayDescriptor& to, const ArrayDescriptor& from) {
 }
 
 bool copyArray(const void* source, void* target) {
-    auto& to = *static_cast<ArrayDescriptor*>(target);
-    const ArrayDescriptor zero{};
-    if (std::memcmp(&to, &zero, sizeof to) == 0 && !initArray(target, source)) return false;
-    return assign(to, arrayAt(source));
+    return assign(*static_cast<ArrayDescriptor*>(target), arrayAt(source));
 }
 
 bool equalArrays(const void* a, const void* b) {
@@ -328,6 +339,27 @@ std::string checkArray(const void* value) {
         if (!wrong.empty()) wrong = "element " + std::to_string(i) + ": " + wrong;
     }
     return wrong;
+}
+
+// Widens a dynamic array and puts a value at a new subscript. The value may stand in the array, whose block
+// moves: its copy is complete before. On failure the array is as it was.
+void widenWith(ArrayDescriptor& a, bool append, const ArrayBounds& wide, std::int32_t i, const void* v,
+               Kind kind) {
+    ArrayDescriptor typed = a;
+    const bool untyped = a.tag == KindNone;
+    if (untyped && !makeEmpty(typed, kind, DYNAMIC_BOUNDS, v)) return;
+    char element[sizeof(ArrayDescriptor)] = {};
+    bool good = InitValue(element, IsAdtKind(kind) ? prototypeOf(typed) : v, kind);
+    good = good && CopyValue(v, element, kind) && redim(typed, {wide, noDimension, noDimension}, append);
+    if (!good) {
+        FreeValue(element, kind);
+        if (untyped) freeArray(&typed);
+        return;
+    }
+    char* slot = elementAt(typed, i - wide.lower);
+    FreeValue(slot, kind);
+    std::memcpy(slot, element, static_cast<std::size_t>(KindSize[kind]));
+    a = typed;
 }
 
 bool isElementPrototype(const void* prototype, Kind kind) {
@@ -370,8 +402,8 @@ void ArrayRedim(ArrayDescriptor* a, std::int32_t lb1, std::int32_t ub1, std::int
     if (!acceptArray(a)) return;
     if (a->maxlength != DYNAMIC_BOUNDS) return SetError(ERR_ARRAY_REDIM);
     const Shape shape{{{lb1, ub1}, {lb2, ub2}, {lb3, ub3}}};
-    if (!isLegal(shape) || a->tag == KindNone) return SetError(ERR_ARRAY_TYPE);
     if (hasShape(*a) && dimensionsOf(shapeOf(*a)) != dimensionsOf(shape)) return SetError(ERR_ARRAY_REDIM);
+    if (!isLegal(shape) || a->tag == KindNone) return SetError(ERR_ARRAY_TYPE);
     redim(*a, shape, preserve);
 }
 
@@ -427,7 +459,7 @@ bool ArrayIsCharacters(const ArrayDescriptor* a) {
 // ---- whole arrays ----
 
 void ArrayAssign(ArrayDescriptor* dest, const ArrayDescriptor* src) {
-    if (acceptArray(dest) && acceptArray(src) && dest != src) assign(*dest, *src);
+    if (acceptArray(dest) && acceptArray(src)) CopyAndCompare(src, dest, KindArray, 0);
 }
 
 void ArrayAutoAssign(ArrayDescriptor* a, bool append, std::int32_t i, const void* v, Kind kind) {
@@ -437,23 +469,13 @@ void ArrayAutoAssign(ArrayDescriptor* a, bool append, std::int32_t i, const void
     const bool legal = i >= LowestBound && i <= HighestBound;
     if (outside && (a->maxlength != DYNAMIC_BOUNDS || !legal)) return SetError(ERR_ARRAY_BOUNDS);
     if (a->tag != KindNone && a->tag != kind) return SetError(ERR_COMPONENT_TYPE);
-    if (!outside) return AdtCopy(v, elementAt(*a, i - old.lower), kind);
-
-    // The value may stand in the array, whose block moves: the copy is complete before.
-    char made[sizeof(ArrayDescriptor)] = {};
-    if (!InitValue(made, v, kind)) return;
-    ArrayDescriptor typed = *a;
-    bool good = CopyValue(v, made, kind) && (a->tag == kind || makeEmpty(typed, kind, DYNAMIC_BOUNDS, v));
-    if (good) {
-        const ArrayBounds wide{std::min<std::int32_t>(old.lower, i), std::max<std::int32_t>(old.upper, i)};
-        good = redim(typed, {wide, noDimension, noDimension}, append);
-        if (!good && a->tag != kind) freeArray(&typed);
+    if (!AcceptContent(v, kind, Use::Input)) return;
+    if (!outside) {
+        CopyAndCompare(v, elementAt(*a, i - old.lower), kind, 0);
+        return;
     }
-    if (good) {
-        *a = typed;
-        CopyValue(made, elementAt(*a, i - a->bounds[0].lower), kind);
-    }
-    FreeValue(made, kind);
+    widenWith(*a, append, {std::min<std::int32_t>(old.lower, i), std::max<std::int32_t>(old.upper, i)}, i, v,
+              kind);
 }
 
 }  // namespace tarn

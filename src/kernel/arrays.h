@@ -32,7 +32,8 @@ inline void ArrayInit(ArrayDescriptor* a, Kind kind, std::int32_t lb1, std::int3
 // No elements yet. `kind` KindNone makes the untyped array that a literal fills.
 void ArrayInitDynamic(ArrayDescriptor* a, Kind kind, const void* prototype);
 
-// Dynamic arrays only, with as many dimensions as before: else 612. Bad bounds are 760. With `preserve` the
+// Dynamic arrays only, with as many dimensions as before: else 612. Bad bounds, and an array without an
+// element kind, are 760; 804 and 802 as Allocate. With `preserve` the
 // elements within both the old and the new bounds keep their values, all others are as the prototype. When
 // memory is short the array is as it was.
 void ArrayRedim(ArrayDescriptor* a, std::int32_t lb1, std::int32_t ub1, std::int32_t lb2, std::int32_t ub2,
@@ -70,13 +71,13 @@ bool ArrayIsCharacters(const ArrayDescriptor* a);
 
 // Tags must be equal (760), dimensions too (613). A dynamic `dest` takes the bounds of `src`; a fixed one
 // must have as many elements (617) and takes them in storage order, whatever its bounds. A `src` without a
-// shape goes only to a `dest` without one (760). When memory is short a dynamic `dest` is as it was.
+// shape goes only to a `dest` without one (760). Otherwise as AdtCopy.
 void ArrayAssign(ArrayDescriptor* dest, const ArrayDescriptor* src);
 
 // Builds a literal. The untyped array takes kind and shape from its first value, and a dynamic array without
 // bounds gets i..i. A dynamic array of one dimension is widened to hold subscript i; its elements are kept
 // with `append` and made empty without. A fixed one never changes its bounds (602). Other checks as ArrayPut;
-// a value of another kind than the elements is 611.
+// a value of another kind than the elements is 611. On failure the array is as it was.
 void ArrayAutoAssign(ArrayDescriptor* a, bool append, std::int32_t i, const void* v, Kind kind);
 
 }  // namespace tarn

@@ -6,7 +6,6 @@
 #include "kernel/errors.h"
 #include "kernel/runtime.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace tarn {
@@ -33,6 +32,16 @@ bool eachField(const FieldKinds& kinds, Visit visit) {
     return true;
 }
 
+// Kinds of values without a gap, and nothing behind the last.
+bool areFieldKinds(const FieldKinds& kinds) {
+    const std::int32_t count = FieldCountOf(kinds);
+    for (std::int32_t n = 1; n <= MaxFields; ++n) {
+        const Kind kind = FieldKindAt(kinds, n);
+        if (kind > KindTable || (n > count && kind != KindNone)) return false;
+    }
+    return true;
+}
+
 bool sameKinds(const RecordDescriptor& a, const RecordDescriptor& b) {
     return std::memcmp(&a.kinds, &b.kinds, sizeof a.kinds) == 0;
 }
@@ -53,7 +62,7 @@ std::int32_t fieldError(const RecordDescriptor& r) {
 
 // The address of field n when it may be exchanged with a value of this kind; otherwise null, and the error is
 // set.
-char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v, Kind kind) {
+char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v, Kind kind, Use use) {
     if (!acceptRecord(r) || !AcceptValue(v, kind)) return nullptr;
     const Kind fieldKind = FieldKindAt(r->kinds, n);
     if (fieldKind == KindNone) {
@@ -64,6 +73,7 @@ char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v
         SetError(ERR_COMPONENT_TYPE);
         return nullptr;
     }
+    if (!AcceptContent(v, kind, use)) return nullptr;
     return static_cast<char*>(RecordFieldAddress(const_cast<RecordDescriptor*>(r), n));
 }
 
@@ -107,7 +117,6 @@ bool initRecord(void* target, const void* like) {
 bool copyRecord(const void* source, void* target) {
     const RecordDescriptor& from = recordAt(source);
     auto& to = *static_cast<RecordDescriptor*>(target);
-    if (to.tag == 0 && !initRecord(target, source)) return false;
     if (!sameKinds(from, to)) {
         SetError(ERR_COMPONENT_TYPE);
         return false;
@@ -211,9 +220,7 @@ void RecordInit(RecordDescriptor* r, std::int32_t tag, const FieldKinds& kinds) 
         return;
     }
     *r = {0, tag, 0, kinds};
-    const bool good = std::all_of(std::begin(kinds.nibbles), std::end(kinds.nibbles), [](std::uint32_t pair) {
-        return pair >> 4U <= KindTable && (pair & 15U) <= KindTable;
-    });
+    const bool good = areFieldKinds(kinds);
     const std::int32_t size = good ? FieldBytesOf(kinds) : 0;
     if (!good) SetError(fieldError(*r));
     if (!good || (size != 0 && !AllocateData(*r, size)))
@@ -255,14 +262,14 @@ void* RecordFieldAddress(RecordDescriptor* r, std::int32_t n) {
 }
 
 void RecordPut(RecordDescriptor* r, std::int32_t n, const void* v, Kind kind) {
-    char* field = exchangeableField(r, n, v, kind);
-    if (field != nullptr) AdtCopy(v, field, kind);
+    char* field = exchangeableField(r, n, v, kind, Use::Input);
+    if (field != nullptr) CopyAndCompare(v, field, kind, 0);
 }
 
 void RecordGet(const RecordDescriptor* r, std::int32_t n, void* v, Kind kind) {
-    const char* field = exchangeableField(r, n, v, kind);
+    const char* field = exchangeableField(r, n, v, kind, Use::Output);
     if (field != nullptr)
-        AdtCopy(field, v, kind);
+        CopyOut(field, v, kind);
     else
         ClearOutput(v, kind);
 }
@@ -271,6 +278,7 @@ void RecordAppend(RecordDescriptor* r, const void* v, Kind kind) {
     if (!acceptRecord(r) || !AcceptValue(v, kind)) return;
     const std::int32_t count = FieldCountOf(r->kinds), size = KindSize[kind];
     if (count == MaxFields) return SetError(fieldError(*r));
+    if (!AcceptContent(v, kind, Use::Input)) return;
     // The value may stand in the record, whose block moves: the copy is complete before it grows.
     char made[sizeof(ArrayDescriptor)] = {};
     if (!InitValue(made, v, kind)) return;

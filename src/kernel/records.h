@@ -27,8 +27,8 @@ std::int32_t FieldCountOf(const FieldKinds& kinds);
 std::int32_t FieldBytesOf(const FieldKinds& kinds);  // the sum of the fields' sizes
 
 // `tag` TagRecord or TagUnion (764). All fields are zero: the caller initialises those of kinds 6 to 12 in
-// place. No fields: an empty record without a block, to be grown by RecordAppend. A kind above 12 is 757 or
-// 758. On failure the descriptor is zero.
+// place. No fields: an empty record without a block, to be grown by RecordAppend. A kind above 12, or one
+// behind a gap, is 757 or 758. On failure the descriptor is zero.
 void RecordInit(RecordDescriptor* r, std::int32_t tag, const FieldKinds& kinds);
 
 std::int32_t RecordFieldCount(const RecordDescriptor* r);  // 0 and 764 for no record, as below
@@ -52,7 +52,8 @@ void RecordAppend(RecordDescriptor* r, const void* v, Kind kind);
 void RecordGetAsText(const RecordDescriptor* r, std::int32_t n, StringDescriptor* text);
 void RecordPutFromText(std::int32_t n, const StringDescriptor* text, RecordDescriptor* r);
 
-void RecordCopy(const RecordDescriptor* source, RecordDescriptor* target);  // AdtCopy
-void RecordFree(RecordDescriptor* r);                                       // AdtFree
+// AdtCopy and AdtFree by the tag; what is neither a record nor a union is 757.
+void RecordCopy(const RecordDescriptor* source, RecordDescriptor* target);
+void RecordFree(RecordDescriptor* r);
 
 }  // namespace tarn

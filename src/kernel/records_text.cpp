@@ -2,13 +2,16 @@
 //
 // Fields of records as text, and back.
 #include "kernel/adt.h"
+#include "kernel/adt_kinds.h"
 #include "kernel/arrays.h"
 #include "kernel/convert.h"
 #include "kernel/errors.h"
 #include "kernel/numbers.h"
+#include "kernel/padding.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/sets.h"
+#include "kernel/string_text.h"
 
 #include <algorithm>
 #include <cstring>
@@ -18,12 +21,6 @@ namespace tarn {
 namespace {
 
 constexpr char quote = '"';
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 std::string quoted(std::string_view characters) {
     std::string text(1, quote);
@@ -56,13 +53,13 @@ void charactersFromText(std::string_view text, const ArrayDescriptor& array) {
 
 bool booleanFromText(std::string_view text, void* field) {
     bool value = false, ok = false;
-    BooleanFromText(trimmed(text), value, ok);
+    BooleanFromText(Unpadded(text), value, ok);
     if (ok) WriteAt<std::uint8_t>(field, value ? 1 : 0);
     return ok;
 }
 
 bool enumFromText(std::string_view text, void* field) {
-    text = trimmed(text);
+    text = Unpadded(text);
     std::int32_t value = 0;
     std::size_t end = 0;
     IntegerFromText(text, value, end);
@@ -85,7 +82,8 @@ bool numberFromText(const StringDescriptor* text, void* field, Kind kind) {
 }
 
 bool putText(const StringDescriptor* text, void* field, Kind kind) {
-    const std::string_view characters = StringView(text);
+    const NarrowText narrow(text);
+    const std::string_view characters = narrow.view();
     switch (kind) {
     case KindBoolean: return booleanFromText(characters, field);
     case KindEnum: return enumFromText(characters, field);
@@ -99,6 +97,7 @@ bool putText(const StringDescriptor* text, void* field, Kind kind) {
 }
 
 bool getText(const void* field, Kind kind, StringDescriptor* text) {
+    if (!IsOfKind(field, kind)) return false;
     if (kind == KindSet) {
         SetToText(static_cast<const SetDescriptor*>(field), true, text);
         return true;

@@ -299,12 +299,13 @@ void StringInit(StringDescriptor* s, std::int32_t maxlength) {
     }
     *s = {0, TagString, 0, maxlength, 0, 0};
     if (maxlength == UNBOUNDED) return;
-    const std::int32_t size = blockSize(maxlength);
-    AllocateData(*s, size);
+    AllocateData(*s, blockSize(maxlength));
 }
 
 void StringFree(StringDescriptor* s) {
-    if (s == nullptr || (s->tag != TagString && (s->tag != 0 || s->size != 0))) {
+    // One that could not get its block may have any capacity; with a block, what is no string is a set.
+    const bool known = s != nullptr && (s->tag == TagString || s->tag == 0);
+    if (!known || (s->size != 0 && KindOf(s) != KindString)) {
         SetError(ERR_STRING_TYPE);
         return;
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Strings (the layout is in values.h). A fixed string has its block of maxlength characters from the start; an
-// unbounded one has a block of exactly its characters, and none while it is empty.
+// Strings (the layout is in values.h). A fixed string has its block of maxlength characters from the start;
+// an unbounded one has a block of exactly its characters, and none while it is empty.
 //
 // All operations report through the error cell (756 for a null or wrong descriptor) and never trap; after 756
 // nothing has changed. A text that does not fit a fixed string is cut and 615 set. When memory is short (802)
@@ -27,7 +27,8 @@ extern std::int32_t CharacterWidth;  // bytes of each character: 1 "ASCII", 2 "W
 // ---- life ----
 
 // `s` need not hold anything valid. A fixed capacity is allocated at once: 821 for 0, 804 and 802 as
-// Allocate.
+// Allocate; the string then has no block and stays empty, whatever is
+// assigned.
 void StringInit(StringDescriptor* s, std::int32_t maxlength);
 // Frees the block and zeroes the descriptor. A zeroed one stays as it is.
 void StringFree(StringDescriptor* s);

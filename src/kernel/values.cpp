@@ -8,7 +8,7 @@ namespace {
 constexpr std::int32_t highestTag = TagString;
 
 bool isElementTag(std::int32_t tag) {
-    return IsValueKind(tag) || IsValueKind(tag - TagInFile);
+    return IsValueKind(tag) || (tag > TagInFile && IsValueKind(tag - TagInFile));
 }
 
 // A list in memory or in a file, or an array.

@@ -15,6 +15,7 @@
 #pragma once
 
 #include "kernel/values.h"
+#include "os/files.h"
 
 #include <array>
 #include <cstdint>
@@ -34,15 +35,16 @@ struct SymbolEntry {
 };
 
 // Sorted by key, in the order of bytes. All zero is the empty table. With IgnoreCase the keys must stand in
-// upper case.
+// upper case. The scanner keeps an index of the table in use, so between two scans a table changes only
+// through SymbolAdd and SymbolRemove, which see to that.
 struct SymbolTable {
     std::int32_t count;
     std::array<SymbolEntry, MaxSymbols> entries;
 };
 
 // False, with nothing changed, for a negative id, a key that is empty, begins or ends with a blank or holds
-// anything outside 32 to 126, a null table, key or terminator, and a new key in a full table. Key and
-// terminator are cut to 40 characters; what begins with "##" is upper-cased. An equal key is replaced.
+// anything outside 32 to 126, a null table, key or terminator, and a full table. Key and terminator are cut
+// to 40 characters; what begins with "##" is upper-cased. An equal key is replaced.
 bool SymbolAdd(SymbolTable* table, std::int32_t id, const char* key, const char* terminator);
 void SymbolRemove(SymbolTable* table, std::string_view key);
 // The id, or -1.
@@ -84,6 +86,9 @@ std::int32_t ScannerLineNumber();
 std::int32_t ScannerSymbol();
 std::int32_t ScannerSymbolLine();  // where the symbol began
 std::string_view ScannerInputFilename();
+// What kept the file from being opened or read to its end, which looks like the end of the file; None while
+// all is well. Kept after ScannerClose, until the next ScannerOpen that clears the state.
+os::FileError ScannerFileError();
 // Valid until the scanner moves.
 std::string_view ScannerSymbolStr();
 std::string_view ScannerPreviousSymbolStr();

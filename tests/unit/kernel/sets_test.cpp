@@ -972,7 +972,7 @@ TEST_F(SetsShortOfMemory, ASetIsAsItWas) {
         {[&](SetDescriptor* s) { SetIntersect(other.get(), s, s); }, "-50..50[3..9]"},
         {[&](SetDescriptor* s) { SetDifference(other.get(), s, s); }, "-50..50[-50..2,10..50]"},
         {[&](SetDescriptor* s) { SetAssign(s, other.get(), error); }, "-50..50[-50..50]"},
-        {[&](SetDescriptor* s) { AdtCopy(other.get(), s, KindSet); }, "-50..50[-50..50]"},
+        {[&](SetDescriptor* s) { AdtCopy(other.get(), s, KindSet, 1); }, "-50..50[-50..50]"},
         {[&](SetDescriptor* s) {
              position = 1;
              SetFromText("[7..99]", position, s, error);

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+// Any table and any bytes: every scan gives a symbol with a text, stays in its line and goes on.
+//
+// An input is the lines of a table ("key", or "key", a tab and a terminator; the ids are 0 to 5 in turn), a
+// form feed, and the file. A first line "i" ignores case.
+#include "kernel/data/scanner.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+tarn::SymbolTable readTable(const std::string& text) {
+    tarn::SymbolTable table{};
+    std::int32_t id = 0;
+    for (std::size_t from = 0; from < text.size(); ++id) {
+        const std::size_t end = std::min(text.find('\n', from), text.size());
+        const std::string line = text.substr(from, end - from);
+        const std::size_t tab = std::min(line.find('\t'), line.size());
+        tarn::SymbolAdd(&table, id % 6, line.substr(0, tab).c_str(),
+                        line.substr(std::min(tab + 1, line.size())).c_str());
+        from = end + 1;
+    }
+    return table;
+}
+
+bool write(const std::string& path, const std::string& text) {
+    std::FILE* const out = std::fopen(path.c_str(), "wb");
+    if (out == nullptr) return false;
+    std::fwrite(text.data(), 1, text.size(), out);
+    return std::fclose(out) == 0;
+}
+
+void check() {
+    const std::string_view line = tarn::ScannerLine();
+    require(tarn::ScannerSymbol() != 0 && !tarn::ScannerSymbolStr().empty());
+    require(tarn::ScannerSymbolStr().size() <= tarn::MaxScannerLine);
+    require(!line.empty() && line.size() <= tarn::MaxScannerLine);
+    require(line.back() == '\n' || line == "\x1A");
+    require(static_cast<std::size_t>(tarn::ScannerPosition()) < line.size());
+    char dump[300];
+    tarn::ScannerDump(dump, sizeof dump);
+    tarn::ErrorRecord record;
+    tarn::ScannerReportStatus(tarn::ScanOpenDelimited, record);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string file = "/tmp/tarnwick-fuzz-scanner-" + std::to_string(getpid());
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t split = std::min(input.find('\f'), input.size());
+    const tarn::SymbolTable table = readTable(input.substr(0, split));
+    const std::string text = input.substr(std::min(split + 1, input.size()));
+    if (table.count == 0 || !write(file, text)) return 0;
+    tarn::ScannerOpen(file, &table, input.starts_with("i\n"));
+    for (std::size_t scans = 0; tarn::ScannerSymbol() != tarn::SymbolEndOfFile; ++scans) {
+        require(scans <= text.size() + 1);
+        check();
+        if (scans % 7 == 6) tarn::ScannerSkipChar();
+        tarn::ScannerNext(&table);
+    }
+    check();
+    tarn::ScannerClose();
+    std::remove(file.c_str());
+    return 0;
+}
