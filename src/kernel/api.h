@@ -240,7 +240,7 @@ void tarn_record_put_from_text(int32_t n, const tarn_string* text, tarn_record* 
 
 void tarn_list_init(tarn_list* l, int32_t maxlength, const void* prototype, int32_t kind, int32_t in_file);
 int32_t tarn_list_count(const tarn_list* l);
-void* tarn_list_ref(tarn_list* l, int32_t position);
+void* tarn_list_ref(tarn_list* l, int32_t position); /* null and 603 for a position outside */
 void tarn_list_get(const tarn_list* l, int32_t position, void* value, int32_t kind);
 void tarn_list_put(const void* value, int32_t kind, int32_t position, tarn_list* l);
 void tarn_list_append(const void* value, int32_t kind, tarn_list* l);

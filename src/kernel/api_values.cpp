@@ -5,13 +5,13 @@
 #include "kernel/adt.h"
 #include "kernel/api.h"
 #include "kernel/arrays.h"
-#include "kernel/ascii.h"
 #include "kernel/convert.h"
 #include "kernel/dates.h"
 #include "kernel/errors.h"
 #include "kernel/fixed.h"
 #include "kernel/lists.h"
 #include "kernel/numbers.h"
+#include "kernel/padding.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/sets.h"
@@ -142,7 +142,7 @@ int32_t readInto(const tarn_string* s, void* place, void read(std::string_view, 
 }
 
 void readBoolean(std::string_view text, bool& value, bool& ok) {
-    tarn::BooleanFromText(tarn::ascii::trimmed(text), value, ok);
+    tarn::BooleanFromText(tarn::Unpadded(text), value, ok);
 }
 
 // A caller's array of words; null reads as `instead`.
@@ -223,6 +223,7 @@ void tarn_array_init_dynamic(tarn_array* a, int32_t kind, const void* prototype)
     tarn::ArrayInitDynamic(in(a), kindOf(kind), prototype);
 }
 void tarn_array_redim(tarn_array* a, const int32_t bounds[6], int32_t preserve) {
+    if (bounds == nullptr) return tarn::SetError(tarn::ERR_ARRAY_TYPE);
     const auto b = wordsAt(bounds, impossibleBounds);
     tarn::ArrayRedim(in(a), b[0], b[1], b[2], b[3], b[4], b[5], preserve != 0);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Letter case, character classes and the ends of texts in ASCII, whatever the locale; bytes from 128 up are
-// no letters and never change. These helpers neither fail nor call out, so they have no frame.
+// Letter case and character classes of ASCII, whatever the locale; bytes from 128 up are no letters and never
+// change. These helpers neither fail nor call out, so they have no frame.
 #pragma once
 
 #include <cstddef>
@@ -50,13 +50,6 @@ constexpr int hexDigit(char c) {
     if (isDigit(c)) return c - '0';
     const char u = upper(c);
     return u >= 'A' && u <= 'F' ? u - 'A' + 10 : -1;
-}
-
-// `text` without the blanks (no tabs) around it.
-constexpr std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-    return text;
 }
 
 // `text` less the CR and LF characters at its end.

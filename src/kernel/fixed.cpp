@@ -145,7 +145,7 @@ bool FixedCompare(std::string_view op, Fixed a, Fixed b) {
 // ---- texts ----
 
 void FixedFromText(std::string_view text, Fixed& f, bool& ok) {
-    text = ascii::trimmed(text);
+    text = Unpadded(text);
     const bool sign = !text.empty() && (text[0] == '+' || text[0] == '-'), negative = sign && text[0] == '-';
     std::uint64_t magnitude = 0;
     ok = readMagnitude(text.substr(sign ? 1 : 0), limitOf(negative), magnitude);

@@ -97,7 +97,7 @@ void IntegerFromText(std::string_view text, std::int32_t& value, std::size_t& en
 }
 
 void IntegerFromWholeText(std::string_view text, std::int32_t& value, bool& ok) {
-    text = ascii::trimmed(text);
+    text = Unpadded(text);
     std::int32_t read = 0;
     std::size_t end = 0;
     if (text != "NULL") IntegerFromText(text, read, end);

@@ -132,7 +132,7 @@ std::string RealToFormat(double x, Fixed format) {
 }
 
 void RealFromText(std::string_view text, double& x, bool& ok) {
-    text = ascii::trimmed(text);
+    text = Unpadded(text);
     Parts parts;
     ok = readWord(text, x);
     if (ok || !readParts(text, parts)) return;
