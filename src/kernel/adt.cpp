@@ -131,6 +131,17 @@ private:
     static inline std::int32_t depth = 0;
 };
 
+// What cannot be compared somewhere below is neither equal nor different: that is an error.
+struct Comparison {
+    bool equal = false;
+    std::int32_t error = 0;
+};
+Comparison compare(const void* a, const void* b, Kind kind) {
+    const std::int32_t pending = std::exchange(tarn_error_cell, 0);
+    const bool equal = EqualValues(a, b, kind);
+    return {equal, std::exchange(tarn_error_cell, pending)};
+}
+
 // A copy of the source in a new value of the target's shape.
 bool makeCopy(const void* source, const void* target, Kind kind, char* made) {
     const KindOperations& operations = *operationsOf(kind);
@@ -270,7 +281,10 @@ bool CopyAndCompare(const void* source, void* target, Kind kind, std::int32_t fl
     char expected[largestValue];
     if (!makeCopy(source, target, kind, expected)) return false;
     const bool copied = CopyValue(source, target, kind);
-    if (copied && !EqualValues(expected, target, kind)) SetError(ERR_ADT_COPY);
+    if (copied) {
+        const Comparison result = compare(expected, target, kind);
+        if (!result.equal && result.error == 0) SetError(ERR_ADT_COPY);
+    }
     operationsOf(kind)->free(expected);
     return copied;
 }
@@ -314,12 +328,9 @@ bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind) {
     if (!acceptKind(kind) || !acceptDescriptor(a, kind) || !acceptDescriptor(b, kind)) return false;
     const bool equals = isOperator(op, 'E', 'Q'), differs = isOperator(op, 'N', 'E');
     if (!equals && !differs) return false;
-    // What cannot be compared somewhere below is neither equal nor different.
-    const std::int32_t pending = std::exchange(tarn_error_cell, 0);
-    const bool same = EqualValues(a, b, kind);
-    const std::int32_t raised = std::exchange(tarn_error_cell, pending);
-    if (raised != 0) return fail(raised);
-    return same == equals;
+    const Comparison result = compare(a, b, kind);
+    if (result.error != 0) return fail(result.error);
+    return result.equal == equals;
 }
 
 void AdtClear(void* value, Kind kind) {

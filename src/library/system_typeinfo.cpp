@@ -4,11 +4,11 @@
 // they reach generated code.
 #include "library/system.h"
 
+#include "kernel/ascii.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
 #include "kernel/string_text.h"
-#include "library/ascii.h"
 
 #include <algorithm>
 #include <iterator>

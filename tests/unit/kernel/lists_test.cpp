@@ -722,7 +722,8 @@ TEST_F(Lists, AListInAFileThatIsNotOpenRefusesEveryUse) {
 
 TEST_F(Lists, NumbersDoNotLookAtAPrototype) {
     ListValue l;
-    ListInit(l.get(), UNBOUNDED, text("x").get(), KindInteger, false);
+    const String like("x");
+    ListInit(l.get(), UNBOUNDED, like.get(), KindInteger, false);
     EXPECT_EQ(takeError(), 0);
     EXPECT_EQ(l.get()->prototype, 0U);
 }
