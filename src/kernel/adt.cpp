@@ -131,6 +131,17 @@ private:
     static inline std::int32_t depth = 0;
 };
 
+// What cannot be compared somewhere below is neither equal nor different: that is an error.
+struct Comparison {
+    bool equal = false;
+    std::int32_t error = 0;
+};
+Comparison compare(const void* a, const void* b, Kind kind) {
+    const std::int32_t pending = std::exchange(tarn_error_cell, 0);
+    const bool equal = EqualValues(a, b, kind);
+    return {equal, std::exchange(tarn_error_cell, pending)};
+}
+
 // A copy of the source in a new value of the target's shape.
 bool makeCopy(const void* source, const void* target, Kind kind, char* made) {
     const KindOperations& operations = *operationsOf(kind);
@@ -155,10 +166,16 @@ bool equalNumbers(const void* a, const void* b, Kind kind) {
            (kind == KindReal && ReadAt<double>(a) == ReadAt<double>(b));
 }
 
+void emptyString(void* value) {
+    auto& s = *static_cast<StringDescriptor*>(value);
+    if (s.maxlength == UNBOUNDED) FreeData(s);
+    s.length = 0;
+}
+
 }  // namespace
 
-const KindOperations StringOperations = {initString,   copyString,      freeString,
-                                         equalStrings, sameStringShape, checkString};
+const KindOperations StringOperations = {initString,      copyString,  freeString, equalStrings,
+                                         sameStringShape, checkString, emptyString};
 
 // ---- for elements and fields ----
 
@@ -222,18 +239,12 @@ std::string CheckValue(const void* value, Kind kind) {
     return operations->check(value);
 }
 
-bool ClearValue(void* value, Kind kind) {
-    if (kind == KindString) {
-        auto& s = *static_cast<StringDescriptor*>(value);
-        if (s.maxlength == UNBOUNDED) FreeData(s);
-        s.length = 0;
-        return true;
-    }
-    char empty[largestValue];
-    if (!InitValue(empty, value, kind)) return false;
-    FreeValue(value, kind);
-    std::memcpy(value, empty, static_cast<std::size_t>(KindSize[kind]));
-    return true;
+void EmptyValue(void* value, Kind kind) {
+    const KindOperations* operations = operationsOf(kind);
+    if (operations == nullptr)
+        std::memset(value, 0, static_cast<std::size_t>(KindSize[kind]));
+    else if (!IsZeroValue(value, kind))
+        operations->empty(value);
 }
 
 Offset NewPrototype(const void* like, Kind kind, bool& ok) {
@@ -270,7 +281,10 @@ bool CopyAndCompare(const void* source, void* target, Kind kind, std::int32_t fl
     char expected[largestValue];
     if (!makeCopy(source, target, kind, expected)) return false;
     const bool copied = CopyValue(source, target, kind);
-    if (copied && !EqualValues(expected, target, kind)) SetError(ERR_ADT_COPY);
+    if (copied) {
+        const Comparison result = compare(expected, target, kind);
+        if (!result.equal && result.error == 0) SetError(ERR_ADT_COPY);
+    }
     operationsOf(kind)->free(expected);
     return copied;
 }
@@ -281,10 +295,7 @@ void CopyOut(const void* element, void* v, Kind kind) {
 
 void ClearOutput(void* value, Kind kind) {
     if (value == nullptr || !IsValueKind(kind)) return;
-    if (!IsAdtKind(kind))
-        std::memset(value, 0, static_cast<std::size_t>(KindSize[kind]));
-    else if (IsOfKind(value, kind))
-        ClearValue(value, kind);
+    if (IsOfKind(value, kind)) EmptyValue(value, kind);
 }
 
 // ---- generic operations ----
@@ -317,17 +328,14 @@ bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind) {
     if (!acceptKind(kind) || !acceptDescriptor(a, kind) || !acceptDescriptor(b, kind)) return false;
     const bool equals = isOperator(op, 'E', 'Q'), differs = isOperator(op, 'N', 'E');
     if (!equals && !differs) return false;
-    // What cannot be compared somewhere below is neither equal nor different.
-    const std::int32_t pending = std::exchange(tarn_error_cell, 0);
-    const bool same = EqualValues(a, b, kind);
-    const std::int32_t raised = std::exchange(tarn_error_cell, pending);
-    if (raised != 0) return fail(raised);
-    return same == equals;
+    const Comparison result = compare(a, b, kind);
+    if (result.error != 0) return fail(result.error);
+    return result.equal == equals;
 }
 
 void AdtClear(void* value, Kind kind) {
     if (!acceptKind(kind) || !acceptDescriptor(value, kind)) return;
-    ClearValue(value, kind);
+    EmptyValue(value, kind);
 }
 
 bool AdtSameShape(const void* a, const void* b, Kind kind) {

@@ -44,7 +44,8 @@ void AdtFree(void* value, Kind kind);
 // then false.
 bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind);
 
-// Makes a value empty but keeps its shape: AdtInit like itself, and the old content freed.
+// Makes a value empty but keeps its shape, as AdtInit tells; an array or list keeps the kind of its elements.
+// Needs no memory.
 void AdtClear(void* value, Kind kind);
 
 // True when two values have one shape, so that elements of one array may hold either: the same capacities,

@@ -28,6 +28,8 @@ struct KindOperations {
     bool (*sameShape)(const void* a, const void* b);
     // "" or what is wrong, as AdtCheck.
     std::string (*check)(const void* value);
+    // Makes the value empty and keeps its shape. Needs no memory.
+    void (*empty)(void* value);
 };
 
 extern const KindOperations StringOperations, RecordOperations, SetOperations, ArrayOperations,
@@ -79,8 +81,7 @@ inline void FreeValue(void* value, Kind kind) {  // does not zero
 bool EqualValues(const void* a, const void* b, Kind kind);
 bool SameShape(const void* a, const void* b, Kind kind);
 std::string CheckValue(const void* value, Kind kind);
-// Frees and makes it empty again, keeping its shape; on failure it is as it was.
-bool ClearValue(void* value, Kind kind);
+void EmptyValue(void* value, Kind kind);  // kinds 1 to 5 become 0, a zero descriptor stays
 
 // A copy of the shape of `like` in a block of its own, for elements of kinds 6 to 12; 0 for other kinds and
 // for null. `ok` is false when memory is short (the error is set).

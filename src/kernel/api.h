@@ -6,6 +6,10 @@
  * Every function of a class does tarn_enter, then tarn_variable for each variable (debug level 2), then its
  * statements, each after tarn_stamp, then frees its locals in reverse order, then tarn_leave. No call
  * transfers control when it fails: it sets tarn_error_cell and gives a harmless value.
+ *
+ * Texts that are passed as char pointers are program text: operators and type information; null is "". A null
+ * or foreign descriptor sets the type error of its kind (756 string, 757 record and so on, as the operation
+ * says).
  */
 #ifndef TARNWICK_API_H
 #define TARNWICK_API_H
@@ -166,10 +170,14 @@ void tarn_adt_copy(const void* source, void* target, int32_t kind);
 void tarn_adt_free(void* value, int32_t kind);
 void tarn_adt_clear(void* value, int32_t kind);
 int32_t tarn_adt_compare(const char* op, const void* a, const void* b, int32_t kind);
-/* 0 for a pair that cannot be converted */
+/* 0, without an error, for a pair of kinds that has no conversion. 1 for all others, also when the conversion
+ * failed: 983, 984 or 985 for a text that is no such number, with the target as it was; 641, with 0, for a
+ * number that the target kind cannot hold; 756, 610. */
 int32_t tarn_adt_convert(const void* source, int32_t source_kind, void* target, int32_t target_kind);
 
-/* ---- arrays; the address of an element by tarn_array_ref ---- */
+/* ---- arrays; the address of an element by tarn_array_ref ----
+ * `bounds`: lower and upper of each dimension, TARN_NO_DIMENSION twice where there is none. A null pointer is
+ * 760, as bounds that cannot be. */
 
 void tarn_array_init(tarn_array* a, int32_t kind, const int32_t bounds[6], const void* prototype);
 void tarn_array_init_dynamic(tarn_array* a, int32_t kind, const void* prototype);
@@ -208,12 +216,14 @@ void tarn_set_difference(const tarn_set* a, const tarn_set* b, tarn_set* dest);
 void tarn_set_assign(tarn_set* dest, const tarn_set* src);
 int32_t tarn_set_compare(const char* op, const tarn_set* a, const tarn_set* b);
 void tarn_set_to_text(const tarn_set* s, int32_t dots, tarn_string* dest);
-/* 0, or 1 for what is no set, 601, 616; position counts from 1 and moves behind the set */
+/* 0, or 1 for what is no set, or the error that was set: 601, 616, 759 no set to read into, 802, 756 no
+ * string, 610 a null position. The position counts from 1 and moves behind the set, or to what is wrong. */
 int32_t tarn_set_from_text(const tarn_string* text, int32_t* position, tarn_set* dest);
 
 /* ---- records and unions ---- */
 
-/* All fields are zero: those of the kinds 6 to 12 are initialised in place. */
+/* All fields are zero: those of the kinds 6 to 12 are initialised in place. A null `kinds` is 757 (758), as
+ * kinds that cannot be. */
 void tarn_record_init(tarn_record* r, int32_t tag, const uint8_t kinds[24]);
 void tarn_record_copy(const tarn_record* source, tarn_record* target);
 void tarn_record_free(tarn_record* r);
@@ -230,7 +240,7 @@ void tarn_record_put_from_text(int32_t n, const tarn_string* text, tarn_record* 
 
 void tarn_list_init(tarn_list* l, int32_t maxlength, const void* prototype, int32_t kind, int32_t in_file);
 int32_t tarn_list_count(const tarn_list* l);
-void* tarn_list_ref(tarn_list* l, int32_t position);
+void* tarn_list_ref(tarn_list* l, int32_t position); /* null and 603 for a position outside */
 void tarn_list_get(const tarn_list* l, int32_t position, void* value, int32_t kind);
 void tarn_list_put(const void* value, int32_t kind, int32_t position, tarn_list* l);
 void tarn_list_append(const void* value, int32_t kind, tarn_list* l);
@@ -244,7 +254,8 @@ int32_t tarn_list_string_find(const tarn_list* l, const tarn_string* text, int32
 
 /* ---- tables ---- */
 
-/* Five key maps, each of up to four row fields, the first in the top byte; 0 for no index. */
+/* Five key maps, each of up to four row fields, the first in the top byte; 0 for no index. Null is 762, as
+ * maps that cannot be. */
 void tarn_table_init(tarn_table* t, int32_t maxlength, const tarn_record* row, const int32_t key_maps[5],
                      const char* type_info, int32_t in_file);
 void tarn_table_add(tarn_table* t, int32_t index, const tarn_record* row);
@@ -263,12 +274,14 @@ void tarn_table_row(const tarn_table* t, int32_t number, tarn_record* row);
 
 /* ---- numbers; a fixed number is the number times 10000 ---- */
 
-int64_t tarn_fixed_from_real(double x);
+int64_t tarn_fixed_from_real(double x); /* to the nearest; 641 and 0 outside the fixed numbers and for NaN */
 double tarn_fixed_to_real(int64_t f);
 int64_t tarn_fixed_from_integer(int32_t i);
-int32_t tarn_fixed_to_integer(int64_t f);
+int32_t tarn_fixed_to_integer(int64_t f); /* towards 0; outside the integers the low 32 bits, no error */
+/* Towards 0; beyond the range the largest or the smallest fixed number, without an error. */
 int64_t tarn_fixed_mul(int64_t a, int64_t b);
-int64_t tarn_fixed_div(int64_t a, int64_t b);
+int64_t tarn_fixed_div(int64_t a, int64_t b); /* 643 and 0 for b = 0 */
+/* These wrap. */
 static inline int64_t tarn_fixed_add(int64_t a, int64_t b) {
     return (int64_t)((uint64_t)a + (uint64_t)b);
 }
@@ -278,33 +291,44 @@ static inline int64_t tarn_fixed_sub(int64_t a, int64_t b) {
 static inline int64_t tarn_fixed_neg(int64_t a) {
     return (int64_t)(0u - (uint64_t)a);
 }
-double tarn_real_div(double a, double b);
+double tarn_real_div(double a, double b); /* 643 and 0 for b = 0 */
+/* A width fills up with blanks, on the left, or on the right when it is negative; it is at most 100 and never
+ * cuts. A format is a fixed number: width, point, number of decimals (at most 20). Base 16 gives the two's
+ * complement; any other base counts as 10. A fixed string that is too short gets the text cut, and 615. */
 void tarn_integer_to_text(int32_t value, int32_t width, int32_t base, tarn_string* text);
 void tarn_boolean_to_text(int32_t value, int64_t format, tarn_string* text);
 void tarn_fixed_to_text(int64_t f, int64_t format, tarn_string* text);
 void tarn_real_to_text(double x, int64_t format, tarn_string* text);
-/* 1 when the whole text, without blanks around it, is such a number; else 0 with the value as it was. */
+/* 1 when the whole text is such a value and the kind can hold it; else 0, without an error and with the value
+ * as it was. Blanks around it, and one NUL at its end, do not matter. "NULL" is the integer 0. The value may
+ * stand at any address; a null one is 610. */
 int32_t tarn_integer_from_text(const tarn_string* text, int32_t* value);
 int32_t tarn_boolean_from_text(const tarn_string* text, int32_t* value);
 int32_t tarn_fixed_from_text(const tarn_string* text, int64_t* f);
 int32_t tarn_real_from_text(const tarn_string* text, double* x);
+/* `before` is the sum of the bytes that come before these, 0 for none; it is also the result for a null
+ * buffer or a size below 1. */
 uint32_t tarn_crc32(const void* buffer, int32_t size, uint32_t before);
 
-/* ---- dates: texts of 24 characters; "" for what is no date ---- */
+/* ---- dates: texts of 24 characters, "YYYY-MM-DD hh:mm:ss.ffff" ----
+ * What is no date gives "", 0 or 0 seconds, without an error; so do results outside the years 1 to 9999. One
+ * NUL at the end of a text does not matter. Units, in any case: "YYYY", "MM" "M", "DD" "D", "HH" "H", "MI"
+ * "N", "SS" "S", "MS". */
 
 void tarn_date_make(int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute, int32_t second,
                     int32_t fraction, tarn_string* text);
+/* Year to fraction; all 0 for what is no date. They may stand at any address; null is 610. */
 void tarn_date_split(const tarn_string* text, int32_t parts[7]);
-int64_t tarn_date_to_seconds(const tarn_string* text); /* a fixed number */
+int64_t tarn_date_to_seconds(const tarn_string* text); /* a fixed number; 0 is 1600-01-01, and no date */
 void tarn_date_from_seconds(int64_t seconds, tarn_string* text);
 int32_t tarn_date_valid(int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute,
                         int32_t second, int32_t fraction);
-int32_t tarn_days_in_month(int32_t year, int32_t month);
-void tarn_date_add(const char* unit, int32_t n, const tarn_string* text, tarn_string* result);
-int32_t tarn_date_part(const char* unit, const tarn_string* text);
+int32_t tarn_days_in_month(int32_t year, int32_t month); /* 0 for no month */
+void tarn_date_add(const tarn_string* unit, int32_t n, const tarn_string* text, tarn_string* result);
+int32_t tarn_date_part(const tarn_string* unit, const tarn_string* text);
 int32_t tarn_date_parse(const tarn_string* text, tarn_string* result); /* 1 when it is a date */
 void tarn_date_now(tarn_string* text);
-void tarn_file_time_text(const tarn_string* path, tarn_string* text);
+void tarn_file_time_text(const tarn_string* path, tarn_string* text); /* "" for no file */
 
 /* ---- the library as compiled programs see it: SYSTEM functions, each with the line of its caller ----
  * An argument that the language declares `out` or `inout` is a pointer; strings are always pointers. */
@@ -315,7 +339,7 @@ void tarn_sys_loadfile(const tarn_string* file, tarn_string* value);
 void tarn_sys_savefile(const tarn_string* file, const tarn_string* value);
 void tarn_sys_str_integer(int32_t value, tarn_string* result);
 void tarn_sys_str_boolean(int32_t value, tarn_string* result);
-int32_t tarn_sys_cvti(const tarn_string* text); /* 983 when the text is no number */
+int32_t tarn_sys_cvti(const tarn_string* text); /* as tarn_integer_from_text; 983 and 0 for no integer */
 void tarn_sys_chr(int32_t code, tarn_string* result);
 int32_t tarn_sys_ord(const tarn_string* text);
 int32_t tarn_sys_strfind(const tarn_string* text, const tarn_string* what, int32_t from, int32_t ignore_case);

@@ -7,16 +7,21 @@
 #include "kernel/arrays.h"
 #include "kernel/convert.h"
 #include "kernel/dates.h"
+#include "kernel/errors.h"
 #include "kernel/fixed.h"
 #include "kernel/lists.h"
 #include "kernel/numbers.h"
+#include "kernel/padding.h"
 #include "kernel/records.h"
+#include "kernel/runtime.h"
 #include "kernel/sets.h"
+#include "kernel/string_text.h"
 #include "kernel/strings.h"
 #include "kernel/tables.h"
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstring>
 
 namespace {
 
@@ -56,20 +61,37 @@ constexpr bool sameHead = sizeof(Api) == sizeof(typename Twin<Api>::Type) &&
                           offsetof(Api, data) == offsetof(typename Twin<Api>::Type, data);
 static_assert(sameHead<tarn_string> && sameHead<tarn_record> && sameHead<tarn_set> && sameHead<tarn_array> &&
               sameHead<tarn_list> && sameHead<tarn_table>);
-static_assert(offsetof(tarn_string, maxlength) == offsetof(tarn::StringDescriptor, maxlength));
-static_assert(offsetof(tarn_string, length) == offsetof(tarn::StringDescriptor, length));
-static_assert(offsetof(tarn_record, kinds) == offsetof(tarn::RecordDescriptor, kinds));
-static_assert(offsetof(tarn_set, lower) == offsetof(tarn::SetDescriptor, lower));
-static_assert(offsetof(tarn_set, upper) == offsetof(tarn::SetDescriptor, upper));
-static_assert(offsetof(tarn_array, bounds) == offsetof(tarn::ArrayDescriptor, bounds));
-static_assert(offsetof(tarn_array, prototype) == offsetof(tarn::ArrayDescriptor, prototype));
-static_assert(offsetof(tarn_list, count) == offsetof(tarn::ListDescriptor, count));
-static_assert(offsetof(tarn_list, prototype) == offsetof(tarn::ListDescriptor, prototype));
-static_assert(offsetof(tarn_table, count) == offsetof(tarn::TableDescriptor, count));
+
+#define TARN_SAME_PLACE(api, kernel, member)                                                                 \
+    static_assert(offsetof(api, member) == offsetof(tarn::kernel, member) &&                                 \
+                  sizeof(api::member) == sizeof(tarn::kernel::member))
+TARN_SAME_PLACE(tarn_string, StringDescriptor, maxlength);
+TARN_SAME_PLACE(tarn_string, StringDescriptor, length);
+TARN_SAME_PLACE(tarn_string, StringDescriptor, reserved);
+TARN_SAME_PLACE(tarn_record, RecordDescriptor, kinds);
+TARN_SAME_PLACE(tarn_set, SetDescriptor, maxlength);
+TARN_SAME_PLACE(tarn_set, SetDescriptor, lower);
+TARN_SAME_PLACE(tarn_set, SetDescriptor, upper);
+TARN_SAME_PLACE(tarn_set, SetDescriptor, unused);
+TARN_SAME_PLACE(tarn_set, SetDescriptor, reserved);
+TARN_SAME_PLACE(tarn_array, ArrayDescriptor, maxlength);
+TARN_SAME_PLACE(tarn_array, ArrayDescriptor, bounds);
+TARN_SAME_PLACE(tarn_array, ArrayDescriptor, prototype);
+TARN_SAME_PLACE(tarn_list, ListDescriptor, maxlength);
+TARN_SAME_PLACE(tarn_list, ListDescriptor, count);
+TARN_SAME_PLACE(tarn_list, ListDescriptor, prototype);
+TARN_SAME_PLACE(tarn_table, TableDescriptor, maxlength);
+TARN_SAME_PLACE(tarn_table, TableDescriptor, count);
+TARN_SAME_PLACE(tarn_table, TableDescriptor, reserved);
+#undef TARN_SAME_PLACE
 static_assert(TARN_UNBOUNDED == tarn::UNBOUNDED && TARN_DYNAMIC_BOUNDS == tarn::DYNAMIC_BOUNDS &&
               TARN_NO_DIMENSION == tarn::NO_DIMENSION);
-static_assert(int{TARN_BOOLEAN} == int{tarn::KindBoolean} && int{TARN_STRING} == int{tarn::KindString} &&
-              int{TARN_TABLE} == int{tarn::KindTable});
+static_assert(int{TARN_BOOLEAN} == int{tarn::KindBoolean} && int{TARN_ENUM} == int{tarn::KindEnum} &&
+              int{TARN_INTEGER} == int{tarn::KindInteger} && int{TARN_FIXED} == int{tarn::KindFixed} &&
+              int{TARN_REAL} == int{tarn::KindReal} && int{TARN_STRING} == int{tarn::KindString} &&
+              int{TARN_RECORD} == int{tarn::KindRecord} && int{TARN_UNION} == int{tarn::KindUnion} &&
+              int{TARN_SET} == int{tarn::KindSet} && int{TARN_ARRAY} == int{tarn::KindArray} &&
+              int{TARN_LIST} == int{tarn::KindList} && int{TARN_TABLE} == int{tarn::KindTable});
 static_assert(TARN_TAG_RECORD == tarn::TagRecord && TARN_TAG_UNION == tarn::TagUnion);
 
 template <class Api>
@@ -87,18 +109,49 @@ tarn::Kind kindOf(int32_t kind) {
 std::string_view text(const char* chars) {
     return chars != nullptr ? chars : "";
 }
-std::string_view text(const tarn_string* s) {
-    return s != nullptr ? tarn::StringView(in(s)) : std::string_view();
-}
 void give(std::string_view bytes, tarn_string* dest) {
     tarn::StringAssignView(in(dest), bytes);
 }
 
-std::string_view trimmed(std::string_view bytes) {
-    const std::size_t first = bytes.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return bytes.substr(first, bytes.find_last_not_of(' ') - first + 1);
+// Whether the caller's string is one; 756 when it is not.
+bool isString(const tarn_string* s) {
+    const bool is = tarn::KindOf(s) == tarn::KindString;
+    if (!is) tarn::SetError(tarn::ERR_STRING_TYPE);
+    return is;
 }
+// Its text, "" with 756 when it is none.
+tarn::NarrowText text(const tarn_string* s) {
+    isString(s);
+    return tarn::NarrowText(in(s));
+}
+// Whether the caller's place for a result is there; 610 when it is not.
+bool given(const void* place) {
+    if (place == nullptr) tarn::SetError(tarn::ERR_COMPONENT_INVALID);
+    return place != nullptr;
+}
+
+// Reads `text` by one of the kernel's readers into the caller's place, which may stand at any address.
+template <class Stored, class Number>
+int32_t readInto(const tarn_string* s, void* place, void read(std::string_view, Number&, bool&)) {
+    if (!isString(s) || !given(place)) return 0;
+    Number value{};
+    bool ok = false;
+    read(text(s).view(), value, ok);
+    if (ok) tarn::WriteAt(place, Stored{value});
+    return ok ? 1 : 0;
+}
+
+void readBoolean(std::string_view text, bool& value, bool& ok) {
+    tarn::BooleanFromText(tarn::Unpadded(text), value, ok);
+}
+
+// A caller's array of words; null reads as `instead`.
+template <std::size_t count>
+std::array<int32_t, count> wordsAt(const int32_t* words, std::array<int32_t, count> instead) {
+    if (words != nullptr) std::memcpy(instead.data(), words, sizeof instead);
+    return instead;
+}
+constexpr std::array<int32_t, 6> impossibleBounds = {1, 0, 1, 0, 1, 0};
 
 }  // namespace
 
@@ -163,14 +216,16 @@ int32_t tarn_adt_convert(const void* source, int32_t source_kind, void* target, 
 // ---- arrays ----
 
 void tarn_array_init(tarn_array* a, int32_t kind, const int32_t bounds[6], const void* prototype) {
-    tarn::ArrayInit(in(a), kindOf(kind), bounds[0], bounds[1], bounds[2], bounds[3], bounds[4], bounds[5],
-                    prototype);
+    const auto b = wordsAt(bounds, impossibleBounds);
+    tarn::ArrayInit(in(a), kindOf(kind), b[0], b[1], b[2], b[3], b[4], b[5], prototype);
 }
 void tarn_array_init_dynamic(tarn_array* a, int32_t kind, const void* prototype) {
     tarn::ArrayInitDynamic(in(a), kindOf(kind), prototype);
 }
 void tarn_array_redim(tarn_array* a, const int32_t bounds[6], int32_t preserve) {
-    tarn::ArrayRedim(in(a), bounds[0], bounds[1], bounds[2], bounds[3], bounds[4], bounds[5], preserve != 0);
+    if (bounds == nullptr) return tarn::SetError(tarn::ERR_ARRAY_TYPE);
+    const auto b = wordsAt(bounds, impossibleBounds);
+    tarn::ArrayRedim(in(a), b[0], b[1], b[2], b[3], b[4], b[5], preserve != 0);
 }
 void* tarn_array_ref(tarn_array* a, int32_t i) {
     return tarn::ArrayRef(in(a), i);
@@ -270,8 +325,11 @@ void tarn_set_to_text(const tarn_set* s, int32_t dots, tarn_string* dest) {
     tarn::SetToText(in(s), dots != 0, in(dest));
 }
 int32_t tarn_set_from_text(const tarn_string* s, int32_t* position, tarn_set* dest) {
-    int32_t error = 0;
-    tarn::SetFromText(text(s), *position, in(dest), error);
+    if (!isString(s)) return tarn::ERR_STRING_TYPE;
+    if (!given(position)) return tarn::ERR_COMPONENT_INVALID;
+    int32_t at = tarn::ReadAt<int32_t>(position), error = 0;
+    tarn::SetFromText(text(s).view(), at, in(dest), error);
+    tarn::WriteAt(position, at);
     return error;
 }
 
@@ -279,7 +337,8 @@ int32_t tarn_set_from_text(const tarn_string* s, int32_t* position, tarn_set* de
 
 void tarn_record_init(tarn_record* r, int32_t tag, const uint8_t kinds[24]) {
     tarn::FieldKinds made{};
-    std::copy(kinds, kinds + sizeof made.nibbles, made.nibbles);
+    std::memset(&made, 0xFF, sizeof made);  // no kinds
+    if (kinds != nullptr) std::memcpy(&made, kinds, sizeof made);
     tarn::RecordInit(in(r), tag, made);
 }
 void tarn_record_copy(const tarn_record* source, tarn_record* target) {
@@ -359,8 +418,8 @@ int32_t tarn_list_string_find(const tarn_list* l, const tarn_string* s, int32_t 
 
 void tarn_table_init(tarn_table* t, int32_t maxlength, const tarn_record* row, const int32_t key_maps[5],
                      const char* type_info, int32_t in_file) {
-    tarn::KeyMaps maps{};
-    std::copy(key_maps, key_maps + maps.size(), maps.begin());
+    constexpr tarn::KeyMaps impossibleMaps = {-1, -1, -1, -1, -1};
+    const tarn::KeyMaps maps = wordsAt(key_maps, impossibleMaps);
     tarn::TableInit(in(t), maxlength, in(row), maps, text(type_info), in_file != 0);
 }
 void tarn_table_add(tarn_table* t, int32_t index, const tarn_record* row) {
@@ -451,31 +510,16 @@ void tarn_real_to_text(double x, int64_t format, tarn_string* s) {
     give(tarn::RealToFormat(x, format), s);
 }
 int32_t tarn_integer_from_text(const tarn_string* s, int32_t* value) {
-    const std::string_view digits = trimmed(text(s));
-    int32_t read = 0;
-    std::size_t end = 0;
-    tarn::IntegerFromText(digits, read, end);
-    if (end == 0 || end != digits.size()) return 0;
-    *value = read;
-    return 1;
+    return readInto<int32_t>(s, value, tarn::IntegerFromWholeText);
 }
 int32_t tarn_boolean_from_text(const tarn_string* s, int32_t* value) {
-    bool read = false, ok = false;
-    tarn::BooleanFromText(trimmed(text(s)), read, ok);
-    if (ok) *value = read ? 1 : 0;
-    return ok ? 1 : 0;
+    return readInto<int32_t>(s, value, readBoolean);
 }
 int32_t tarn_fixed_from_text(const tarn_string* s, int64_t* f) {
-    bool ok = false;
-    tarn::Fixed read = *f;
-    tarn::FixedFromText(text(s), read, ok);
-    *f = read;
-    return ok ? 1 : 0;
+    return readInto<int64_t>(s, f, tarn::FixedFromText);
 }
 int32_t tarn_real_from_text(const tarn_string* s, double* x) {
-    bool ok = false;
-    tarn::RealFromText(text(s), *x, ok);
-    return ok ? 1 : 0;
+    return readInto<double>(s, x, tarn::RealFromText);
 }
 uint32_t tarn_crc32(const void* buffer, int32_t size, uint32_t before) {
     return buffer != nullptr && size > 0 ? tarn::Crc32(buffer, static_cast<std::size_t>(size), before)
@@ -491,11 +535,14 @@ void tarn_date_make(int32_t year, int32_t month, int32_t day, int32_t hour, int3
     give(made, s);
 }
 void tarn_date_split(const tarn_string* s, int32_t parts[7]) {
-    tarn::DateSplit(text(s), parts[0], parts[1], parts[2], parts[3], parts[4], parts[5], parts[6]);
+    if (!isString(s) || !given(parts)) return;
+    std::array<int32_t, 7> p{};
+    tarn::DateSplit(text(s).view(), p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
+    tarn::WriteAt(parts, p);
 }
 int64_t tarn_date_to_seconds(const tarn_string* s) {
     tarn::Fixed seconds = 0;
-    tarn::DateToSeconds(text(s), seconds);
+    tarn::DateToSeconds(text(s).view(), seconds);
     return seconds;
 }
 void tarn_date_from_seconds(int64_t seconds, tarn_string* s) {
@@ -510,18 +557,19 @@ int32_t tarn_date_valid(int32_t year, int32_t month, int32_t day, int32_t hour, 
 int32_t tarn_days_in_month(int32_t year, int32_t month) {
     return tarn::DaysInMonth(year, month);
 }
-void tarn_date_add(const char* unit, int32_t n, const tarn_string* s, tarn_string* result) {
+void tarn_date_add(const tarn_string* unit, int32_t n, const tarn_string* s, tarn_string* result) {
+    const tarn::NarrowText name = text(unit), date = text(s);
     char made[tarn::DateSize];
-    tarn::DateAdd(text(unit), n, text(s), made, tarn::DateSize);
+    tarn::DateAdd(name.view(), n, date.view(), made, tarn::DateSize);
     give(made, result);
 }
-int32_t tarn_date_part(const char* unit, const tarn_string* s) {
-    return tarn::DatePart(text(unit), text(s));
+int32_t tarn_date_part(const tarn_string* unit, const tarn_string* s) {
+    return tarn::DatePart(text(unit).view(), text(s).view());
 }
 int32_t tarn_date_parse(const tarn_string* s, tarn_string* result) {
     std::string made;
     bool ok = false;
-    tarn::DateParse(text(s), made, ok);
+    tarn::DateParse(text(s).view(), made, ok);
     give(made, result);
     return ok ? 1 : 0;
 }
@@ -532,7 +580,7 @@ void tarn_date_now(tarn_string* s) {
 }
 void tarn_file_time_text(const tarn_string* path, tarn_string* s) {
     std::string made;
-    tarn::FileTimeText(text(path), made);
+    tarn::FileTimeText(text(path).view(), made);
     give(made, s);
 }
 

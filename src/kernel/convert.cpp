@@ -8,8 +8,8 @@
 #include "kernel/errors.h"
 #include "kernel/fixed.h"
 #include "kernel/numbers.h"
-#include "kernel/padding.h"
 #include "kernel/runtime.h"
+#include "kernel/string_text.h"
 #include "kernel/strings.h"
 
 #include <cmath>
@@ -107,37 +107,16 @@ void realToString(const void* source, void* target) {
 
 // ---- from strings ----
 
-// The text of a string, a byte for each character, without the blanks around it and without the NUL that
-// ends a terminated string. `narrow` holds what must be made narrow.
-std::string_view textOf(const StringDescriptor* s, std::string& narrow) {
-    std::string_view text = StringView(s);
-    if (CharacterWidth != 1) {
-        const std::int32_t length = StringLength(s);
-        for (std::int32_t i = 1; i <= length; ++i) {
-            const std::int32_t c = StringGetChar(s, i);
-            narrow += static_cast<char>(c < 128 ? c : '?');  // stands in no number
-        }
-        text = narrow;
-    }
-    if (text.ends_with('\0')) text.remove_suffix(1);
-    return Unpadded(text);
-}
-
-void readInteger(std::string_view text, std::int32_t& value, bool& ok) {
-    std::size_t end = 0;
-    std::int32_t read = 0;
-    if (text != "NULL") IntegerFromText(text, read, end);
-    ok = text == "NULL" || (end > 0 && end == text.size());
-    if (ok) value = read;
-}
-
 template <class Number, Kind kind, void read(std::string_view, Number&, bool&)>
 void stringTo(const void* source, void* target) {
-    if (StringMaxLength(asString(source)) == 0) return;  // no string, which it has reported
-    std::string narrow;
+    if (KindOf(source) != KindString) {
+        SetError(ERR_STRING_TYPE);
+        return;
+    }
+    const NarrowText text(asString(source));
     Number value{};
     bool ok = false;
-    read(textOf(asString(source), narrow), value, ok);
+    read(text.view(), value, ok);
     if (ok)
         WriteAt(target, value);
     else
@@ -157,7 +136,7 @@ constexpr Conversion conversions[KindString + 1][KindString + 1] = {
     {},
     {},
     {none, countToInteger<booleanAt>, countToInteger<enumAt>, countToInteger<integerAt>, fixedToInteger,
-     realToInteger, stringTo<std::int32_t, KindInteger, readInteger>},
+     realToInteger, stringTo<std::int32_t, KindInteger, IntegerFromWholeText>},
     {none, countToFixed<booleanAt>, countToFixed<enumAt>, countToFixed<integerAt>, copy<Fixed>, realToFixed,
      stringTo<Fixed, KindFixed, FixedFromText>},
     {none, countToReal<booleanAt>, countToReal<enumAt>, countToReal<integerAt>, fixedToReal, copy<double>,

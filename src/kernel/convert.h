@@ -8,17 +8,27 @@
 //   fixed    0 or 1          ordinal  scale    copy           FixedFromReal  FixedFromText
 //   real     0 or 1          ordinal  exact    FixedToReal    copy           RealFromText
 //
-// An integer that a fixed or real number cannot be is 641 and 0.
+// A fixed or real number outside the integers gives 641 and 0, and so does a real outside the fixed numbers.
+// "NULL" is 0 only for an integer.
 #pragma once
 
 #include "kernel/values.h"
 
 namespace tarn {
 
-// `ok` false, without an error and with the target as it was, for a pair that is not in the table. A text
-// that does not parse (blanks around it do not matter) sets the target kind's conversion error (983 integer,
-// 984 fixed, 985 real) and leaves the target as it was; `ok` is true then, for the pair is one of the table.
-// The target of a string is initialised; 756 when it or the source is no string, 610 for a null address.
+// `ok` says whether the pair is one of the table. When it is false there is no error and the target is as it
+// was; when it is true the conversion may still have failed, with one of these errors:
+//
+//   610       a null address; the target is as it was
+//   641       as above; the target is 0
+//   756       a source or target that must be a string and is none; the target is as it was
+//   615       the text was cut to a fixed string's capacity
+//   802, 804  memory for the text is short; the string is as StringAssign leaves it
+//   983, 984, 985  a text that is no integer, fixed number or real (blanks around it and one NUL at its end
+//   do
+//                  not matter), or that none of them can hold; the target is as it was
+//
+// A string target must be initialised. No number needs alignment, and one may be converted where it stands.
 void AdtConvert(const void* source, Kind sourceKind, void* target, Kind targetKind, bool& ok);
 
 }  // namespace tarn

@@ -5,6 +5,8 @@
 // plain ones.
 #include "kernel/dates.h"
 
+#include "kernel/ascii.h"
+
 #include <algorithm>
 #include <array>
 
@@ -13,9 +15,9 @@ namespace tarn {
 namespace {
 
 constexpr std::int32_t firstYear = 1, lastYear = 9999;
-constexpr Fixed tickPerSecond = FixedOne;  // a tick is the unit of the seconds form
-constexpr Fixed tickPerMillisecond = tickPerSecond / 1000, tickPerMinute = 60 * tickPerSecond,
-                tickPerHour = 60 * tickPerMinute, tickPerDay = 24 * tickPerHour;
+constexpr Fixed ticksPerSecond = FixedOne;  // a tick is the unit of the seconds form
+constexpr Fixed ticksPerMillisecond = ticksPerSecond / 1000, ticksPerMinute = 60 * ticksPerSecond,
+                ticksPerHour = 60 * ticksPerMinute, ticksPerDay = 24 * ticksPerHour;
 
 constexpr std::array<std::string_view, 12> monthNames = {"January",   "February", "March",    "April",
                                                          "May",       "June",     "July",     "August",
@@ -47,8 +49,8 @@ constexpr std::int32_t daysFromMarch(std::int32_t year, std::int32_t month, std:
 }
 
 constexpr std::int32_t dayZero = daysFromMarch(1600, 1, 1);
-constexpr Fixed firstTick = Fixed{daysFromMarch(firstYear, 1, 1) - dayZero} * tickPerDay;
-constexpr Fixed lastTick = Fixed{daysFromMarch(lastYear, 12, 31) + 1 - dayZero} * tickPerDay - 1;
+constexpr Fixed firstTick = Fixed{daysFromMarch(firstYear, 1, 1) - dayZero} * ticksPerDay;
+constexpr Fixed lastTick = Fixed{daysFromMarch(lastYear, 12, 31) + 1 - dayZero} * ticksPerDay - 1;
 
 void setDay(std::int32_t days, DateParts& d) {
     const std::int32_t century = (4 * days + 3) / 146097;
@@ -64,20 +66,20 @@ void setDay(std::int32_t days, DateParts& d) {
 // ---- seconds ----
 
 Fixed ticksOf(const DateParts& d) {
-    return Fixed{daysFromMarch(d.year, d.month, d.day) - dayZero} * tickPerDay + d.hour * tickPerHour +
-           d.minute * tickPerMinute + d.second * tickPerSecond + d.fraction;
+    return Fixed{daysFromMarch(d.year, d.month, d.day) - dayZero} * ticksPerDay + d.hour * ticksPerHour +
+           d.minute * ticksPerMinute + d.second * ticksPerSecond + d.fraction;
 }
 
 bool setTicks(Fixed ticks, DateParts& d) {
     if (ticks < firstTick || ticks > lastTick) return false;
-    const Fixed sinceMarch = ticks + dayZero * tickPerDay;
-    setDay(static_cast<std::int32_t>(sinceMarch / tickPerDay), d);
-    const auto ofDay = static_cast<std::int32_t>(sinceMarch % tickPerDay);
-    const auto seconds = ofDay / static_cast<std::int32_t>(tickPerSecond);
+    const Fixed sinceMarch = ticks + dayZero * ticksPerDay;
+    setDay(static_cast<std::int32_t>(sinceMarch / ticksPerDay), d);
+    const auto ofDay = static_cast<std::int32_t>(sinceMarch % ticksPerDay);
+    const auto seconds = ofDay / static_cast<std::int32_t>(ticksPerSecond);
     d.hour = seconds / 3600;
     d.minute = seconds / 60 % 60;
     d.second = seconds % 60;
-    d.fraction = ofDay % static_cast<std::int32_t>(tickPerSecond);
+    d.fraction = ofDay % static_cast<std::int32_t>(ticksPerSecond);
     return true;
 }
 
@@ -108,7 +110,7 @@ bool readDate(std::string_view text, DateParts& d) {
     for (const Field& field : fields) {
         std::int32_t value = 0;
         for (const char c : text.substr(field.at, field.digits)) {
-            if (c < '0' || c > '9') return false;
+            if (!ascii::isDigit(c)) return false;
             value = 10 * value + (c - '0');
         }
         d.*field.part = value;
@@ -144,22 +146,20 @@ struct Unit {
 constexpr std::array<Unit, 12> units = {{{"YYYY", &DateParts::year, 1, 12, 0},
                                          {"MM", &DateParts::month, 1, 1, 0},
                                          {"M", &DateParts::month, 1, 1, 0},
-                                         {"DD", &DateParts::day, 1, 0, tickPerDay},
-                                         {"D", &DateParts::day, 1, 0, tickPerDay},
-                                         {"HH", &DateParts::hour, 1, 0, tickPerHour},
-                                         {"H", &DateParts::hour, 1, 0, tickPerHour},
-                                         {"MI", &DateParts::minute, 1, 0, tickPerMinute},
-                                         {"N", &DateParts::minute, 1, 0, tickPerMinute},
-                                         {"SS", &DateParts::second, 1, 0, tickPerSecond},
-                                         {"S", &DateParts::second, 1, 0, tickPerSecond},
-                                         {"MS", &DateParts::fraction, 10, 0, tickPerMillisecond}}};
+                                         {"DD", &DateParts::day, 1, 0, ticksPerDay},
+                                         {"D", &DateParts::day, 1, 0, ticksPerDay},
+                                         {"HH", &DateParts::hour, 1, 0, ticksPerHour},
+                                         {"H", &DateParts::hour, 1, 0, ticksPerHour},
+                                         {"MI", &DateParts::minute, 1, 0, ticksPerMinute},
+                                         {"N", &DateParts::minute, 1, 0, ticksPerMinute},
+                                         {"SS", &DateParts::second, 1, 0, ticksPerSecond},
+                                         {"S", &DateParts::second, 1, 0, ticksPerSecond},
+                                         {"MS", &DateParts::fraction, 10, 0, ticksPerMillisecond}}};
 
 const Unit* unitNamed(std::string_view name) {
-    const auto same = [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b; };
-    const auto* const found = std::find_if(units.begin(), units.end(), [&](const Unit& unit) {
-        return std::equal(name.begin(), name.end(), unit.name.begin(), unit.name.end(), same);
-    });
-    return found == units.end() ? nullptr : found;
+    for (const Unit& unit : units)
+        if (ascii::equal(name, unit.name)) return &unit;
+    return nullptr;
 }
 
 bool addMonths(std::int64_t n, DateParts& d) {

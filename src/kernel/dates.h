@@ -5,7 +5,8 @@
 // 00:00:00.0000, negative before.
 //
 // What is no valid date gives an empty text, 0 or false; no operation sets an error. The buffers for texts
-// have room for `size` bytes with the NUL; 25 are needed, and with fewer nothing is written.
+// have room for `size` bytes with the NUL; 25 are needed, and with fewer, or a null buffer, nothing is
+// written.
 //
 // Cost: tens of nanoseconds, for DateParse up to some hundreds, and what the clock and the file system take
 // for DateNow and FileTimeText. Nothing is allocated but the strings that DateParse and FileTimeText fill.
@@ -48,13 +49,32 @@ void DateAdd(std::string_view unit, std::int32_t n, std::string_view text, char*
 // The number of a unit in a date ("MS": the fraction in milliseconds, truncated); 0 as above.
 std::int32_t DatePart(std::string_view unit, std::string_view text);
 
-// Reads a loose date in English ("31-Jan-2000 1:30 PM", "Friday March 3 2000"): see dates_parse.cpp for its
-// rules. `ok` false, with `result` empty, when no valid date comes out.
+// Reads a loose date in English ("31-Jan-2000 1:30 PM", "Friday March 3 2000"). The words may stand in any
+// order that leaves one meaning; everything else is refused, because a wrong date is worse than none.
+//
+//   separators  blanks (and tabs), "-" and ",", in any number; some between each two words, and as many as
+//               there are around the whole, but no "-" where it would be a sign: before the first word,
+//               before and behind the time
+//   year        four digits, once
+//   month       the name of a month or its first three letters, in any case, once; or a number
+//   day         a number of one or two digits, once. Without a month's name two numbers are needed, month and
+//               day, and the year must stand before both: "1-2-2000" has two meanings
+//   day name    or its first three letters, in any case, once, anywhere; what day it says does not matter
+//   time        last, once or not at all, behind a blank at least: the hour of one or two digits, ":",
+//   minutes
+//               of two; ":", seconds of two; ".", decimals of which those behind the fourth are dropped
+//   AM, PM      at the end of a time, in any case, blanks before it or not. PM adds 12 to hours below 12, AM
+//               makes 12 into 0; other hours stay
+//
+// Numbers of three or of more than four digits, words that are no names and other characters make it no date,
+// and so do a year, month, day, hour, minute or second that does not exist. `ok` is then false and `result`
+// empty. `text` may be that of `result` itself.
 void DateParse(std::string_view text, std::string& result, bool& ok);
 
 // The local time of the clock; always 24 characters.
 void DateNow(char* text, std::int32_t size);
-// The local time of a file's last write; "" for a file that is not there.
+// The local time of a file's last write; "" for a file that is not there, and for a time outside the range of
+// the clock (1677-09-21 to 2262-04-11, UTC).
 void FileTimeText(std::string_view path, std::string& text);
 
 // The names, from 1 (January, Sunday); "" outside.

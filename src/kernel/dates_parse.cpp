@@ -1,25 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The reader of loose dates. It accepts the forms below in any order of words that leaves one meaning, and
-// refuses everything else, because a wrong date is worse than none.
-//
-//   date       words with a gap between each two; blanks (and tabs) around the whole do not matter
-//   gap        blanks with at most one "-" or "," among them, but not nothing: a second mark may be a sign
-//   year       four digits, once
-//   month      the name of a month or its first three letters, in any case, once; or a number
-//   day        a number of one or two digits, once. Without a month's name two numbers are needed, month
-//              and day, and the year must stand before both: "1-2-2000" has two meanings
-//   day name   or its first three letters, in any case, once, anywhere; what day it says does not matter
-//   time       last, once or not at all, behind a gap that has a blank and no "-" (which may be the sign of
-//              a zone): the hour of one or two digits, ":", minutes of two; ":", seconds of two; ".",
-//              decimals of which those behind the fourth are dropped
-//   AM, PM     at the end of a time, in any case, blanks before it or not. PM adds 12 to hours below 12, AM
-//              makes 12 into 0; a later hour than 12 is refused with AM, and stays as it is with PM
-//
-// Numbers of three or of more than four digits, words that are no names, other characters, and a mark at the
-// end or the beginning make it no date, and so do a year, month, day, hour, minute or second that does not
-// exist.
+// The reader of loose dates: words between separators, then perhaps a time. What it accepts is said at
+// DateParse.
 #include "kernel/dates.h"
+
+#include "kernel/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -29,25 +14,10 @@ namespace tarn {
 
 namespace {
 
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-constexpr char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-constexpr bool isLetter(char c) {
-    return lower(c) >= 'a' && lower(c) <= 'z';
-}
-constexpr bool isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
+using ascii::equal, ascii::isBlank, ascii::isDigit, ascii::isLetter;
+
 constexpr bool belongsToGap(char c) {
     return isBlank(c) || c == '-' || c == ',';
-}
-
-bool equal(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
 }
 
 // The number, from 1, that `names` gives to a word; 0 for none.
@@ -72,14 +42,12 @@ public:
 
 private:
     struct Gap {
-        bool blank = false;
-        int marks = 0;
-        char mark = 0;
+        bool any = false, blank = false, dash = false;
     };
 
     template <class Class>
     std::string_view take(Class belongs) {
-        const auto* const end = std::find_if_not(rest_.begin(), rest_.end(), belongs);
+        const auto end = std::find_if_not(rest_.begin(), rest_.end(), belongs);
         const std::string_view run = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
         rest_.remove_prefix(run.size());
         return run;
@@ -117,32 +85,23 @@ private:
 };
 
 Reader::Gap Reader::gap() {
-    Gap gap;
-    for (const char c : take(belongsToGap)) {
-        if (isBlank(c)) {
-            gap.blank = true;
-        } else {
-            gap.mark = c;
-            ++gap.marks;
-        }
-    }
-    return gap;
+    const std::string_view run = take(belongsToGap);
+    return {!run.empty(), std::any_of(run.begin(), run.end(), isBlank), run.find('-') != run.npos};
 }
 
 bool Reader::atTime() const {
-    const auto* const colon = std::find_if_not(rest_.begin(), rest_.end(), isDigit);
+    const auto colon = std::find_if_not(rest_.begin(), rest_.end(), isDigit);
     return colon != rest_.begin() && colon != rest_.end() && *colon == ':';
 }
 
 bool Reader::scan() {
-    take(isBlank);
+    if (gap().dash) return false;
     for (;;) {
         if (!word()) return false;
         const Gap between = gap();
-        if (rest_.empty()) return between.marks == 0;
-        if (between.marks > 1) return false;
-        if (atTime()) return between.blank && between.mark != '-' && time();
-        if (!between.blank && between.marks == 0) return false;
+        if (rest_.empty()) return true;
+        if (atTime()) return between.blank && !between.dash && time();
+        if (!between.any) return false;
     }
 }
 
@@ -181,9 +140,7 @@ bool Reader::time() {
         if (take('.') && !decimals()) return false;
     }
     take(isBlank);
-    if (!half()) return false;
-    take(isBlank);
-    return rest_.empty();
+    return half() && !gap().dash && rest_.empty();
 }
 
 bool Reader::twoDigits(std::int32_t& value) {
@@ -208,8 +165,8 @@ bool Reader::half() {
         if (date_.hour < noon) date_.hour += noon;
         return true;
     }
-    if (!equal(word, "AM") || date_.hour > noon) return false;
-    date_.hour %= noon;
+    if (!equal(word, "AM")) return false;
+    if (date_.hour == noon) date_.hour = 0;
     return true;
 }
 

@@ -4,6 +4,7 @@
 // unsigned word. Products and dividends of two words stay exact in 128 bits.
 #include "kernel/fixed.h"
 
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
 #include "kernel/padding.h"
 #include "kernel/runtime.h"
@@ -56,7 +57,7 @@ bool readMagnitude(std::string_view text, std::uint64_t limit, std::uint64_t& ma
             point = true;
             continue;
         }
-        if (c < '0' || c > '9') return false;
+        if (!ascii::isDigit(c)) return false;
         digits = true;
         if (decimals == ownDecimals) continue;
         if (!append(magnitude, static_cast<std::uint64_t>(c - '0'), limit)) return false;

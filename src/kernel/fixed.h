@@ -63,31 +63,33 @@ constexpr Fixed FixedAbs(Fixed f) {
 constexpr std::int32_t FixedSign(Fixed f) {
     return (f > 0) - (f < 0);
 }
-// `op`: EQ, NE, GT, LT, GE or LE as for StringCompareOp; false for any other.
+// `op`: EQ, NE, GT, LT, GE or LE, in any case, read from its first two characters; false for any other.
 bool FixedCompare(std::string_view op, Fixed a, Fixed b);
 
 // Leading and trailing blanks, an optional sign, digits with an optional point, a digit on one side of it at
 // least. Digits behind the fourth decimal are dropped. For anything else, and a number out of range, `ok` is
 // false and `f` as it was.
 void FixedFromText(std::string_view text, Fixed& f, bool& ok);
-// With the decimals of the format: fewer than four round half away from 0, more are zeros. A minus sign, no
-// plus sign.
+// With the decimals of the format, at most 20: fewer than four round half away from 0, more are zeros. A
+// minus sign, no plus sign.
 std::string FixedToText(Fixed f, Fixed format = DefaultFixedFormat);
 
 // ---- real ----
 
 double RealDiv(double a, double b);  // 643 and 0 for b = 0
 
-// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to 20); "E"; the exponent's sign
-// and four digits: "+1.25E-0001". "+INF", "-INF" and "+NAN" for what is no number. The second form writes at
+// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to 20; a number beyond that is
+// brought to it); "E"; the exponent's sign and four digits: "+1.25E-0001". "+INF", "-INF" and "+NAN" for what
+// is no number. The second form writes at
 // most `size` bytes with the NUL; a text that does not fit is left out (`buffer` is then empty). The third
 // pads to a format's width.
 std::string RealToText(double x, std::int32_t decimals);
 void RealToText(double x, std::int32_t decimals, char* buffer, std::int32_t size);
 std::string RealToFormat(double x, Fixed format);
 // Blanks around it do not matter: an optional sign, digits with an optional point, an optional "E" or "e"
-// with an optional sign and digits; also what RealToText writes for INF and NAN, in any case. Too large for a
-// double is 641 with `ok` false; too small is 0. On failure `x` is as it was.
+// with an optional sign and digits; also what RealToText writes for INF and NAN, in any case. Too small for a
+// double is 0. For anything else, and what is too large for a double, `ok` is false and `x` as it was; no
+// error is set.
 void RealFromText(std::string_view text, double& x, bool& ok);
 inline constexpr std::int32_t RealTextDecimals = 16;  // enough to read the same number back
 

@@ -151,15 +151,9 @@ void pushFree(Offset block, int index) {
     heap.free[index] = block;
 }
 
-// When the range is used up: a block of class `index` out of a free one of a larger class; the rest of it
-// becomes free blocks as large as they can be. 0 if no larger one is free.
-Offset splitLarger(int index) {
-    int larger = index + 1;
-    while (larger < classCount && heap.free[larger] == 0) ++larger;
-    if (larger == classCount) return 0;
-    const Offset block = popFree(larger);
-    Offset rest = block + static_cast<Offset>(classBytes(index));
-    std::int32_t left = classBytes(larger) - classBytes(index);
+// Makes `left` bytes from `rest` on, a part of a block of class `larger`, free blocks as large as they can
+// be.
+void freePieces(Offset rest, std::int32_t left, int larger) {
     for (int piece = larger - 1; left > 0; --piece) {
         while (left >= classBytes(piece)) {
             pushFree(rest, piece);
@@ -167,6 +161,17 @@ Offset splitLarger(int index) {
             left -= classBytes(piece);
         }
     }
+}
+
+// When the range is used up: a block of class `index` out of a free one of a larger class; the rest of it
+// becomes free blocks. 0 if no larger one is free.
+Offset splitLarger(int index) {
+    int larger = index + 1;
+    while (larger < classCount && heap.free[larger] == 0) ++larger;
+    if (larger == classCount) return 0;
+    const Offset block = popFree(larger);
+    freePieces(block + static_cast<Offset>(classBytes(index)), classBytes(larger) - classBytes(index),
+               larger);
     return block;
 }
 
@@ -358,6 +363,18 @@ void resizeInPlace(Offset block, std::int32_t newSize) {
     std::memcpy(tailOf(block, newSize), edgeGuard.data(), tailBytes);
 }
 
+// Leaves a block where it is and frees what it no longer needs: the way to shrink that takes no memory.
+void shrinkInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize) {
+    const std::int32_t extra = heap.checking ? GuardBytes : 0;
+    const Offset raw = heap.checking ? block - Offset{headBytes} : block;
+    const int larger = classOf(oldSize + extra), smaller = classOf(newSize + extra);
+    const std::int32_t kept = classBytes(smaller), left = classBytes(larger) - kept;
+    allow(raw, larger, classBytes(larger));
+    wipe(tarn_heap_base + raw + kept, left);
+    freePieces(raw + static_cast<Offset>(kept), left, larger);
+    resizeInPlace(block, newSize);
+}
+
 }  // namespace
 
 Offset OffsetOf(const void* address) {
@@ -403,6 +420,10 @@ bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
         return true;
     }
     const Offset moved = denied ? 0 : obtain(newSize);
+    if (moved == 0 && newSize < oldSize) {
+        shrinkInPlace(block, oldSize, newSize);
+        return true;
+    }
     if (moved == 0) {
         SetError(ERR_OUT_OF_MEMORY);
         return false;

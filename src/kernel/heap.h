@@ -39,7 +39,7 @@ void Allocate(Offset& block, std::int32_t size);
 void Free(Offset& block, std::int32_t size);
 // Makes `block` hold `newSize` bytes, the first of them kept; in place when its class allows. A block of 0 is
 // allocated. On error (as Allocate; with memory checking on also as Free) the block is as it was and the
-// result is false.
+// result is false. Shrinking never runs out of memory.
 bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize);
 // True when the block of `oldSize` bytes now holds `newSize`, because both are of one class; false, with
 // nothing changed, when it would have to move, when there is no block, for a size out of range, and with

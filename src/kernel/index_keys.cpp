@@ -110,7 +110,7 @@ bool KeyOfRecord(const RecordDescriptor* key, KeyView& view) {
         if (!addPart(view, kind, fields + offset)) return false;
         offset += KindSize[kind];
     }
-    return view.count != 0;
+    return view.count != 0 && offset == key->size;
 }
 
 bool KeyOfRow(const RecordDescriptor& row, std::int32_t keyMap, KeyView& view) {

@@ -25,29 +25,39 @@ MemoryTree readTree(const RecordDescriptor& root) {
     return MemoryTree(const_cast<RecordDescriptor&>(root));
 }
 
-void freeSubtree(const MemoryTree& tree, Offset node, std::int32_t depth) {
-    if (node == 0) return;
-    if (depth == MaxTreeDepth || (tree.checking() && !tree.reachable(node))) {
-        damaged();
-        return;
-    }
+constexpr std::int32_t chainAt = 8;     // a reserved word of a node
+constexpr std::int32_t visited = -999;  // a balance that no node of a tree has
+
+// Takes the nodes of a tree apart into a chain, so that each is freed once whatever the links say. False for
+// a damaged tree.
+bool chainSubtree(MemoryTree& tree, Offset node, std::int32_t depth, Offset& chain) {
+    if (node == 0) return true;
+    if (depth == MaxTreeDepth || !tree.reachable(node)) return false;
+    if (tree.balance(node) < -1 || tree.balance(node) > 1) return false;
+    tree.setBalance(node, visited);
+    WriteAt(At(node) + chainAt, chain);
+    chain = node;
     const Offset left = tree.child(node, 0), right = tree.child(node, 1);
     tree.prefetch(right);
-    freeSubtree(tree, left, depth + 1);
-    freeSubtree(tree, right, depth + 1);
-    FreeNode(node, tree.kinds());
+    return chainSubtree(tree, left, depth + 1, chain) && chainSubtree(tree, right, depth + 1, chain);
 }
 
-Offset copySubtree(MemoryTree& tree, Offset node, std::int32_t depth, bool& good) {
-    if (node == 0 || !good) return 0;
-    good = depth < MaxTreeDepth || damaged();
-    const Offset copy = good ? MakeNode(KeyOfNode(NodeKey(node), tree.kinds()), NodeRow(node)) : 0;
-    good = copy != 0;
-    if (!good) return 0;
+Offset copySubtree(MemoryTree& tree, Offset node, std::int32_t depth, std::int64_t& left) {
+    if (node == 0) return 0;
+    if (depth == MaxTreeDepth || --left < 0 || !tree.reachable(node)) {
+        left = -1;
+        damaged();
+        return 0;
+    }
+    const Offset copy = MakeNode(KeyOfNode(NodeKey(node), tree.kinds()), NodeRow(node));
+    if (copy == 0) {
+        left = -1;
+        return 0;
+    }
     tree.setBalance(copy, tree.balance(node));
     for (const int side : {0, 1}) {
         tree.setChild(copy, side, 0);
-        tree.setChild(copy, side, copySubtree(tree, tree.child(node, side), depth + 1, good));
+        if (left >= 0) tree.setChild(copy, side, copySubtree(tree, tree.child(node, side), depth + 1, left));
     }
     return copy;
 }
@@ -180,18 +190,25 @@ bool SeekNode(const RecordDescriptor& root, const TreeSeek& seek, const KeyView&
            damaged();
 }
 
+// A damaged tree is left to leak: freeing what may still be linked would do more harm.
 void FreeTree(RecordDescriptor& root) {
-    const MemoryTree tree = readTree(root);
-    freeSubtree(tree, root.data, 0);
+    MemoryTree tree(root);
+    Offset chain = 0;
+    const bool whole = chainSubtree(tree, root.data, 0, chain) || damaged();
+    while (whole && chain != 0) {
+        const Offset next = ReadAt<Offset>(At(chain) + chainAt);
+        FreeNode(chain, root.kinds);
+        chain = next;
+    }
     root = {0, TagRecord, 0, {}};
 }
 
 bool CopyTree(const RecordDescriptor& source, RecordDescriptor& target) {
     MemoryTree tree(target, source.kinds, source.size);
-    bool good = true;
-    tree.setRoot(copySubtree(tree, source.data, 0, good));
-    if (!good) FreeTree(target);
-    return good;
+    std::int64_t left = tree.most();
+    tree.setRoot(copySubtree(tree, source.data, 0, left));
+    if (left < 0) FreeTree(target);
+    return left >= 0;
 }
 
 }  // namespace tarn

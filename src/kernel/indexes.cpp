@@ -40,12 +40,13 @@ bool findPresent(const RecordDescriptor* root, const IndexBlock& block, const Re
     return path.found || fail(ERR_TABLE_NOT_FOUND);
 }
 
-void copyKey(const KeyView& found, RecordDescriptor& into) {
+bool copyKey(const KeyView& found, RecordDescriptor& into) {
     char* field = At(into.data);
     for (std::int32_t i = 0; i < found.count; ++i) {
-        if (!CopyValue(found.parts[i].field, field, found.parts[i].kind)) return;
+        if (!CopyValue(found.parts[i].field, field, found.parts[i].kind)) return false;
         field += KindSize[found.parts[i].kind];
     }
+    return true;
 }
 
 }  // namespace
@@ -95,7 +96,10 @@ IndexHit IndexFind(std::string_view op, const RecordDescriptor* root, const Inde
     if (seek.end == 0 && !acceptKey(*root, key, view)) return {};
     if (foundKey != nullptr && !acceptKey(*root, foundKey, found)) return {};
     if (!SeekNode(*root, seek, view, node) || node == 0) return {};
-    if (foundKey != nullptr) copyKey(KeyOfNode(NodeKey(node), root->kinds), *foundKey);
+    if (foundKey != nullptr && !copyKey(KeyOfNode(NodeKey(node), root->kinds), *foundKey)) {
+        ClearOutput(foundKey, KindRecord);
+        return {};
+    }
     return {NodeRow(node), true};
 }
 

@@ -61,7 +61,8 @@ void IndexUpdateRow(RecordDescriptor* root, const IndexBlock& block, const Recor
 // `op`, in any case, from at most 10 characters: EQ EQUALS, FIRST, LAST, GE (the lowest key at or above), LE
 // (the highest at or below), GT NEXT, LT PREVIOUS; another is 636. FIRST and LAST take no key (null will do).
 // `foundKey`, unless null, gets the fields of the key that was found: it must be a key record of the tree's
-// kinds (636), and may be `key`.
+// kinds (636), and may be `key`. It is cleared, and nothing found, when memory is short; when there is no
+// such key it stays as it was.
 IndexHit IndexFind(std::string_view op, const RecordDescriptor* root, const IndexBlock& block,
                    const RecordDescriptor* key, RecordDescriptor* foundKey = nullptr);
 

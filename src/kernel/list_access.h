@@ -66,6 +66,8 @@ bool AcceptElement(const ListDescriptor& l, const void* v, Kind kind);
 // A copy of `v` with the shape of `like`, to be moved into a slot. False, and nothing allocated, on failure.
 bool MakeElement(char* element, const void* like, const void* v, Kind kind);
 void FreeElements(char* slots, std::int32_t count, Kind kind);  // what is below them
+// A list in memory without its elements; a fixed one keeps them in its slots until those are used again.
+void EmptyList(ListDescriptor& l);
 // An empty list, of what ListInit takes; all zero when memory is short, with the result false.
 bool ShapeList(ListDescriptor& l, std::int32_t maxlength, const void* prototype, Kind kind, bool inFile);
 

@@ -89,7 +89,7 @@ void removeElements(ListDescriptor& l, std::int32_t index, std::int32_t n) {
 bool acceptInit(std::int32_t maxlength, const void* prototype, Kind kind, bool inFile) {
     if (kind == KindNone) return prototype == nullptr && maxlength == UNBOUNDED && !inFile;
     if (!IsValueKind(kind) || (maxlength != UNBOUNDED && maxlength < 1)) return false;
-    return IsAdtKind(kind) ? IsWellFormed(prototype) && KindOf(prototype) == kind : prototype == nullptr;
+    return !IsAdtKind(kind) || (IsWellFormed(prototype) && KindOf(prototype) == kind);
 }
 
 // An empty value that is all zero takes the shape of what is read.
@@ -116,12 +116,7 @@ void ListInit(ListDescriptor* l, std::int32_t maxlength, const void* prototype, 
 }
 
 void ListClear(ListDescriptor* l) {
-    if (!AcceptList(l)) return;
-    if (!IsFixedList(*l)) {
-        if (l->data != 0) FreeElements(At(l->data), SlotCount(*l), ElementKindOf(*l));
-        FreeData(*l);
-    }
-    l->count = 0;
+    if (AcceptList(l)) EmptyList(*l);
 }
 
 // ---- looking ----

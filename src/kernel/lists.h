@@ -31,7 +31,7 @@ inline constexpr std::int32_t FileNameBytes =
 
 // `l` need not hold anything valid. `maxlength` UNBOUNDED or a capacity of 1 or more. Kind 0 only for the
 // untyped list: no prototype, UNBOUNDED, in memory. Kinds 6 to 12 need a prototype, which is copied; kinds 1
-// to 5 take none. Otherwise 761; 804 and 802 as Allocate. On failure the descriptor is zero.
+// to 5 do not look at it. Otherwise 761; 804 and 802 as Allocate. On failure the descriptor is zero.
 void ListInit(ListDescriptor* l, std::int32_t maxlength, const void* prototype, Kind kind, bool inFile);
 
 std::int32_t ListCount(const ListDescriptor* l);  // 0 and 761 for no list

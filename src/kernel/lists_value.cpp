@@ -94,6 +94,14 @@ bool nameBlock(ListDescriptor& l) {
 
 }  // namespace
 
+void EmptyList(ListDescriptor& l) {
+    if (!IsFixedList(l)) {
+        if (l.data != 0) FreeElements(At(l.data), SlotCount(l), ElementKindOf(l));
+        FreeData(l);
+    }
+    l.count = 0;
+}
+
 bool ShapeList(ListDescriptor& l, std::int32_t maxlength, const void* prototype, Kind kind, bool inFile) {
     l = {0, inFile ? kind + TagInFile : kind, 0, maxlength, 0, 0};
     bool good = true;
@@ -180,9 +188,15 @@ bool copyInto(const ListDescriptor& from, ListDescriptor& to) {
     return true;
 }
 
+// Held in a file that has not been opened: such a value has no content to copy.
+bool isUnopened(const ListDescriptor& l) {
+    return IsList(&l) && IsHeldInFile(l) && *At(l.data) == 0;
+}
+
 bool copyList(const void* source, void* target) {
     const ListDescriptor& from = listAt(source);
     auto& to = *static_cast<ListDescriptor*>(target);
+    if (isUnopened(from) && isUnopened(to)) return true;
     if (!AcceptList(&from)) return false;
     if (KindOf(&to) == KindNone) {
         ListDescriptor made{};
@@ -218,7 +232,10 @@ bool equalLists(const void* a, const void* b) {
 
 bool sameListShape(const void* a, const void* b) {
     const ListDescriptor &left = listAt(a), &right = listAt(b);
-    if (left.maxlength != right.maxlength || left.tag != right.tag) return false;
+    if (left.maxlength != right.maxlength || IsHeldInFile(left) != IsHeldInFile(right)) return false;
+    // The kind that an untyped list has taken belongs to its content.
+    if (!IsFixedList(left) && !IsHeldInFile(left) && (IsUntyped(left) || IsUntyped(right))) return true;
+    if (left.tag != right.tag) return false;
     return left.prototype == 0 || right.prototype == 0
                ? left.prototype == right.prototype
                : SameShape(At(left.prototype), At(right.prototype), ElementKindOf(left));
@@ -253,8 +270,18 @@ std::string checkList(const void* value) {
     return {};
 }
 
+// A list that is held in a file is not touched: its rows are not here.
+void emptyList(void* value) {
+    auto& l = *static_cast<ListDescriptor*>(value);
+    if (!IsList(&l) || IsHeldInFile(l)) return;
+    for (std::int32_t i = 0; IsFixedList(l) && i < SlotCount(l); ++i)
+        EmptyValue(SlotAt(l, i), ElementKindOf(l));
+    EmptyList(l);
+}
+
 }  // namespace
 
-const KindOperations ListOperations = {initList, copyList, freeList, equalLists, sameListShape, checkList};
+const KindOperations ListOperations = {initList,      copyList,  freeList, equalLists,
+                                       sameListShape, checkList, emptyList};
 
 }  // namespace tarn

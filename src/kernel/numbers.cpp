@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/numbers.h"
 
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
 #include "kernel/fixed.h"
 #include "kernel/padding.h"
@@ -86,13 +87,22 @@ void IntegerFromText(std::string_view text, std::int32_t& value, std::size_t& en
     std::size_t at = sign ? 1 : 0;
     const std::size_t firstDigit = at;
     std::int64_t magnitude = 0;
-    for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
+    for (; at < text.size() && ascii::isDigit(text[at]); ++at) {
         magnitude = magnitude * 10 + (text[at] - '0');
         if (magnitude > limit) return;
     }
     if (at == firstDigit) return;
     value = static_cast<std::int32_t>(negative ? -magnitude : magnitude);
     end = at;
+}
+
+void IntegerFromWholeText(std::string_view text, std::int32_t& value, bool& ok) {
+    text = Unpadded(text);
+    std::int32_t read = 0;
+    std::size_t end = 0;
+    if (text != "NULL") IntegerFromText(text, read, end);
+    ok = text == "NULL" || (end != 0 && end == text.size());
+    if (ok) value = read;
 }
 
 std::string BooleanToText(bool value, std::int64_t format) {
@@ -103,13 +113,9 @@ void BooleanFromText(std::string_view text, bool& value, bool& ok) {
     constexpr struct {
         std::string_view word;
         bool value;
-    } words[] = {{"true", true}, {"yes", true}, {"false", false}, {"no", false}};
-    std::string lower(text.substr(0, 6));  // longer than any word is enough to differ
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
+    } words[] = {{"True", true}, {"Yes", true}, {"False", false}, {"No", false}};
     const auto* const found = std::find_if(std::begin(words), std::end(words),
-                                           [&](const auto& entry) { return entry.word == lower; });
+                                           [&](const auto& entry) { return ascii::equal(entry.word, text); });
     ok = found != std::end(words);
     if (ok) value = found->value;
 }
@@ -148,7 +154,8 @@ void Base64Decode(std::string_view text, std::string& bytes, bool& ok) {
         held -= 8;
         result += static_cast<char>(bits >> held & 255U);
     }
-    bytes = std::move(result);
+    ok = (bits & ((1U << held) - 1)) == 0;
+    if (ok) bytes = std::move(result);
 }
 
 }  // namespace tarn

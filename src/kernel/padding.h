@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the texts of all kinds of number share: the field that they stand in, and the caller's buffer that
-// they go to. Only the modules of numbers and conversions include this.
+// they go to. Only the modules of numbers, conversions, texts of fields and the C interface include this.
 #pragma once
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 //
 // Real numbers and their texts. The form of a text is checked here; the digits are turned into a number, and
 // back, by the standard conversions that know no locale.
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
 #include "kernel/fixed.h"
 #include "kernel/padding.h"
@@ -46,12 +47,8 @@ bool readWord(std::string_view text, double& x) {
         std::string_view word;
         double value;
     } words[] = {{"+INF", infinity}, {"-INF", -infinity}, {"+NAN", std::numeric_limits<double>::quiet_NaN()}};
-    std::string upper(text.substr(0, 5));  // longer than any word is enough to differ
-    for (char& c : upper) {
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
     for (const auto& entry : words) {
-        if (entry.word != upper) continue;
+        if (!ascii::equal(entry.word, text)) continue;
         x = entry.value;
         return true;
     }
@@ -143,15 +140,10 @@ void RealFromText(std::string_view text, double& x, bool& ok) {
     if (text[0] == '+') text.remove_prefix(1);
     double value = 0;
     const auto end = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (end.ec == std::errc() && std::isfinite(value)) {
-        x = value;
-        ok = true;
-    } else if (isLarge(parts)) {
-        SetError(ERR_NUMBER_TOO_LARGE);
-    } else {
-        x = parts.negative ? -0.0 : 0.0;
-        ok = true;
-    }
+    const bool isReal = end.ec == std::errc() && std::isfinite(value);
+    ok = isReal || !isLarge(parts);
+    if (!ok) return;
+    x = isReal ? value : parts.negative ? -0.0 : 0.0;
 }
 
 }  // namespace tarn

@@ -169,10 +169,20 @@ std::string checkRecord(const void* value) {
     return wrong;
 }
 
+void emptyRecord(void* value) {
+    const RecordDescriptor& r = recordAt(value);
+    if (r.size == 0 || r.size != FieldBytesOf(r.kinds)) return;
+    char* data = At(r.data);
+    eachField(r.kinds, [&](const Field& field) {
+        EmptyValue(data + field.offset, field.kind);
+        return true;
+    });
+}
+
 }  // namespace
 
-const KindOperations RecordOperations = {initRecord,   copyRecord,      freeRecord,
-                                         equalRecords, sameRecordShape, checkRecord};
+const KindOperations RecordOperations = {initRecord,      copyRecord,  freeRecord, equalRecords,
+                                         sameRecordShape, checkRecord, emptyRecord};
 
 // ---- field kinds ----
 

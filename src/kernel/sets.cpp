@@ -218,9 +218,18 @@ std::string checkSet(const void* value) {
     return below != 0 || above != 0 ? "set: members outside its bounds" : "";
 }
 
+void emptySet(void* value) {
+    auto& s = *static_cast<SetDescriptor*>(value);
+    if (!AcceptSet(&s)) return;
+    ClearBits(BitsOf(s));
+    if (s.maxlength == 0 || !ResizeData(s, 1)) return;
+    s.lower = 1;
+    s.upper = 1;
+}
+
 }  // namespace
 
-const KindOperations SetOperations = {initSet, copySet, freeSet, equalSets, sameSetShape, checkSet};
+const KindOperations SetOperations = {initSet, copySet, freeSet, equalSets, sameSetShape, checkSet, emptySet};
 
 // ---- for the modules of sets ----
 

@@ -50,6 +50,7 @@ bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap);
 // False when memory is short; `t` is zero then. `rows` moves into the table, or is freed. The type text is
 // that of `typeInfo`, cut with 615.
 bool MakeTable(TableDescriptor& t, ListDescriptor rows, const KeyMaps& keyMaps, std::string_view typeInfo);
+void EmptyTable(TableDescriptor& t);  // a table in memory without its rows
 // Frees all below.
 void FreeTable(TableDescriptor& t);
 

@@ -87,7 +87,7 @@ bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&
     KeySearch searches[MaxIndexes];
     const std::int32_t count = IndexesOf(header);
     for (std::int32_t i = 0; i < count; ++i) {
-        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return fail(ERR_COMPONENT_TYPE);
+        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return fail(ERR_COMPONENT_INVALID);
         searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
     }
     const bool whole =
@@ -112,20 +112,23 @@ bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
     return true;
 }
 
-// The entry of a row that is in the table. A row without one has a damaged index.
+// The entry of a row that is in the table. A row has none in an index that could not be built: then `path`
+// has not found it.
 bool findEntry(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
     const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
     if (!known) return fail(ERR_INDEX_TYPE);
     if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
-    const bool own = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
-    return own || fail(ERR_INDEX_TYPE);
+    entry.path.found = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
+    return true;
 }
 
 bool findEntryToUnlink(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
-    return findEntry(header, index, number, entry) && PrepareUnlinkNode(header.roots[index], entry.path);
+    if (!findEntry(header, index, number, entry)) return false;
+    return !entry.path.found || PrepareUnlinkNode(header.roots[index], entry.path);
 }
 
 void removeEntry(TableHeader& header, std::int32_t index, Entry& entry) {
+    if (!entry.path.found) return;
     const FieldKinds kinds = header.roots[index].kinds;
     const Offset node = entry.path.nodes[entry.path.at];
     UnlinkNode(header.roots[index], entry.path);
@@ -146,7 +149,7 @@ void linkAnew(TableHeader& header, std::int32_t index, Offset node, const FieldK
 // Gives row `number` a new number: its node leaves the tree and comes again.
 void renumber(TableHeader& header, std::int32_t index, std::int32_t number, std::int32_t newNumber) {
     Entry entry;
-    if (!findEntryToUnlink(header, index, number, entry)) return;
+    if (!findEntryToUnlink(header, index, number, entry) || !entry.path.found) return;
     const FieldKinds kinds = header.roots[index].kinds;
     const Offset node = entry.path.nodes[entry.path.at];
     UnlinkNode(header.roots[index], entry.path);
@@ -203,7 +206,7 @@ bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t n
     KeyView old;
     const std::int32_t keyMap = header.keyMaps[index];
     if (!KeyOfRow(RowAt(header, number), keyMap, old) || !KeyOfRow(row, keyMap, change.after.key))
-        return fail(ERR_COMPONENT_TYPE);
+        return fail(ERR_COMPONENT_INVALID);
     change.differs = CompareKeys(old, change.after.key) != 0;
     if (!change.differs) return true;
     if (!FindKey(header.roots[index], change.after.key, change.after.path)) return false;
@@ -237,7 +240,7 @@ bool prepareChanges(const TableHeader& header, std::int32_t number, const Record
 }
 
 void applyChange(TableHeader& header, std::int32_t index, Change& change) {
-    const FieldKinds kinds = header.roots[index].kinds;
+    const FieldKinds kinds = NodeKinds(change.after.key);
     removeEntry(header, index, change.before);
     linkAnew(header, index, change.after.node, kinds);
 }
@@ -273,9 +276,11 @@ bool areKeyMaps(const RecordDescriptor& row, const KeyMaps& keyMaps) {
 }  // namespace
 
 std::int32_t MakeKeyMap(std::int32_t first, std::int32_t second, std::int32_t third, std::int32_t fourth) {
+    constexpr std::uint32_t noSuchField = 0xFF;  // which no row has: TableInit refuses it
     std::uint32_t map = 0;
     for (const std::int32_t field : {first, second, third, fourth})
-        map = map << 8U | (static_cast<std::uint32_t>(field) & 0xFFU);
+        map =
+            map << 8U | (field >= 0 && field <= MaxFields ? static_cast<std::uint32_t>(field) : noSuchField);
     return static_cast<std::int32_t>(map);
 }
 
@@ -297,8 +302,8 @@ void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescript
     if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
     TableHeader& header = HeaderOf(*t);
     const std::int32_t count = header.rows.count;
-    if ((indexNumber != 0 || header.keyMaps[0] != 0) && !acceptIndex(header, indexNumber)) return;
     if (t->maxlength != UNBOUNDED && count >= t->maxlength) return SetError(ERR_FIXED_TABLE);
+    if ((indexNumber != 0 || header.keyMaps[0] != 0) && !acceptIndex(header, indexNumber)) return;
     Entry entries[MaxIndexes];
     if (!findPlaces(header, *row, entries) || !makeNodes(entries, count + 1)) return;
     ListAppend(row, KindRecord, &header.rows);
@@ -361,11 +366,7 @@ void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescr
 }
 
 void TableClear(TableDescriptor* t) {
-    if (!acceptTable(t)) return;
-    TableHeader& header = HeaderOf(*t);
-    for (RecordDescriptor& root : header.roots) FreeTree(root);
-    ListClear(&header.rows);
-    t->count = 0;
+    if (acceptTable(t)) EmptyTable(*t);
 }
 
 void TableRebuild(TableDescriptor* t) {
@@ -415,7 +416,7 @@ void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const R
 // ---- parts ----
 
 std::int32_t TableCount(const TableDescriptor* t) {
-    return IsTable(t) ? HeaderOf(*t).rows.count : (fail(ERR_TABLE_TYPE), 0);
+    return acceptTable(t) ? HeaderOf(*t).rows.count : 0;
 }
 
 std::int32_t TableIndexCount(const TableDescriptor* t) {

@@ -17,8 +17,8 @@
 // Every operation is checked, in this order: 762 null or no table; 661 held in a file and not open; 610 a row
 // that is missing or malformed, 611 one of another shape; 636 an index number outside 1 to the number of
 // indexes, or a key that does not fit its key map; then what each operation says. The first that is wrong is
-// reported. On any error, and when memory is short, the table and all its indexes are as they were, except
-// where TableRebuild says otherwise.
+// reported (TableAdd looks at 619 before 636). On any error, and when memory is short, the table and all its
+// indexes are as they were, except where TableRebuild says otherwise.
 //
 // Cost: a row by number is constant, by key logarithmic; adding and deleting is logarithmic for each index.
 #pragma once
@@ -65,7 +65,8 @@ void TableUpdate(const RecordDescriptor* row, std::int32_t indexNumber, const Re
 void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key);
 void TableClear(TableDescriptor* t);
 // Builds every index anew from the rows, in row order. 637 when two rows have one key: that index then holds
-// the rows before the second, and the indexes behind it are empty. So do 802 and 804.
+// the rows before the second, and the indexes behind it are empty. So do 802 and 804. Rows that an index
+// lacks can still be updated and deleted through another, and the table then be rebuilt.
 void TableRebuild(TableDescriptor* t);
 
 std::int32_t TableCount(const TableDescriptor* t);       // rows; 0 and 762 for no table, as below

@@ -3,7 +3,7 @@
 // Tables as values: what the generic operations need of them.
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
-#include "kernel/lists.h"
+#include "kernel/list_access.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/table_access.h"
@@ -22,7 +22,7 @@ bool IsTable(const TableDescriptor* t) {
         return false;
     if (std::memcmp(&record.kinds, &TableHeaderKinds, sizeof(FieldKinds)) != 0) return false;
     const ListDescriptor& rows = HeaderOf(*t).rows;
-    return (rows.tag == KindRecord || rows.tag == KindRecord + TagInFile) && rows.prototype != 0;
+    return IsList(&rows) && ListElementKind(&rows) == KindRecord && rows.prototype != 0;
 }
 
 bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap) {
@@ -52,6 +52,13 @@ bool MakeTable(TableDescriptor& t, ListDescriptor rows, const KeyMaps& keyMaps, 
     WriteAt(At(record.data), header);
     WriteAt(At(t.data), record);
     return true;
+}
+
+void EmptyTable(TableDescriptor& t) {
+    TableHeader& header = HeaderOf(t);
+    for (RecordDescriptor& root : header.roots) FreeTree(root);
+    EmptyList(header.rows);
+    t.count = 0;
 }
 
 void FreeTable(TableDescriptor& t) {
@@ -85,7 +92,9 @@ bool shapeLike(TableDescriptor& made, const TableDescriptor& like) {
     const TableHeader& header = HeaderOf(like);
     ListDescriptor rows{};
     if (!InitValue(&rows, &header.rows, KindList)) return false;
-    return MakeTable(made, rows, keyMapsOf(header), StringView(&header.typeInfo));
+    if (!MakeTable(made, rows, keyMapsOf(header), {})) return false;
+    StringAssign(&HeaderOf(made).typeInfo, &header.typeInfo);
+    return true;
 }
 
 bool sameRowType(const TableHeader& a, const TableHeader& b) {
@@ -234,9 +243,14 @@ std::string checkTable(const void* value) {
     return wrong;
 }
 
+void emptyTable(void* value) {
+    auto& t = *static_cast<TableDescriptor*>(value);
+    if (IsTable(&t) && HeaderOf(t).rows.tag == KindRecord) EmptyTable(t);
+}
+
 }  // namespace
 
-const KindOperations TableOperations = {initTable,   copyTable,      freeTable,
-                                        equalTables, sameTableShape, checkTable};
+const KindOperations TableOperations = {initTable,      copyTable,  freeTable, equalTables,
+                                        sameTableShape, checkTable, emptyTable};
 
 }  // namespace tarn

@@ -56,11 +56,9 @@ void tarn_sys_str_boolean(int32_t value, tarn_string* result) {
 }
 
 int32_t tarn_sys_cvti(const tarn_string* s) {
-    if (STREQUAL(view(s), "NULL")) return 0;
-    bool ok = false;
-    const int value = CVTI(view(s), ok);
-    if (!ok) SetError(ERR_INTEGER_CONVERSION);
-    return ok ? value : 0;
+    int32_t value = 0;
+    if (tarn_integer_from_text(s, &value) == 0) SetError(ERR_INTEGER_CONVERSION);
+    return value;
 }
 
 void tarn_sys_chr(int32_t code, tarn_string* result) {

@@ -4,7 +4,7 @@
 // fields. Cost: one pass over the line, or over the text.
 #include "library/dbutil.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 #include "library/system.h"
 
 #include <algorithm>

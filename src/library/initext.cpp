@@ -5,7 +5,7 @@
 // frames.
 #include "library/initext.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 
 #include <algorithm>
 #include <iterator>

@@ -5,8 +5,8 @@
 // would be lost.
 #include "library/profstr.h"
 
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
-#include "library/ascii.h"
 #include "library/fileerrors.h"
 #include "library/initext.h"
 #include "library/profstr_file.h"

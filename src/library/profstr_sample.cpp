@@ -3,7 +3,7 @@
 // Sample text for demonstrations. The adjective is left out one time in three.
 #include "library/profstr.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 
 #include <iterator>
 #include <random>

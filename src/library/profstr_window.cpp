@@ -4,7 +4,7 @@
 // saved once.
 #include "library/profstr.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 #include "library/initext.h"
 #include "library/profstr_file.h"
 #include "library/system.h"

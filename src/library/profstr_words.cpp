@@ -4,7 +4,7 @@
 // Cost: one pass over the text up to the word that is asked for.
 #include "library/profstr.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 
 namespace tarn {
 namespace {

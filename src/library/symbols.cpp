@@ -4,7 +4,7 @@
 // tokens; comments and characters that begin no token are passed over.
 #include "library/symbols.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 #include "library/symbols_text.h"
 #include "library/system.h"
 #include "os/files.h"

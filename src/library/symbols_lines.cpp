@@ -3,7 +3,7 @@
 // Changes of a class text by lines: the Uses clause. A text of more than 8000 lines is refused.
 #include "library/symbols.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 #include "library/symbols_text.h"
 #include "library/system.h"
 

@@ -9,7 +9,7 @@
 // only the first few words of each are read.
 #include "library/symbols.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 #include "library/symbols_text.h"
 #include "library/system.h"
 

@@ -5,8 +5,8 @@
 // milliseconds, and the wait ends as soon as the tool does. After a second the user gets a Stop button.
 #include "library/system.h"
 
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
-#include "library/ascii.h"
 #include "os/files.h"
 #include "os/process.h"
 

@@ -5,8 +5,8 @@
 // told.
 #include "library/system.h"
 
+#include "kernel/ascii.h"
 #include "kernel/errors.h"
-#include "library/ascii.h"
 #include "library/fileerrors.h"
 #include "os/clock.h"
 #include "os/files.h"

@@ -7,7 +7,7 @@
 // without one.
 #include "library/system.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 
 namespace tarn {
 namespace {

@@ -5,8 +5,8 @@
 // they are.
 #include "library/system.h"
 
+#include "kernel/ascii.h"
 #include "kernel/numbers.h"
-#include "library/ascii.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,7 +3,7 @@
 // The window family of the system library: controls by name, boxes, and help files of several types.
 #include "library/system.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 
 #include <algorithm>
 #include <iterator>

@@ -5,7 +5,7 @@
 // binary search; a token is read in one pass.
 #include "library/system.h"
 
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 
 #include <algorithm>
 #include <iterator>

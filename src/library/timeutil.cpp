@@ -4,8 +4,8 @@
 // frames.
 #include "library/timeutil.h"
 
+#include "kernel/ascii.h"
 #include "kernel/dates.h"
-#include "library/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -45,10 +45,6 @@ Day dayOf(std::string_view text) {
     return {values[0], values[1], values[2]};
 }
 
-bool isDate(std::string_view text) {
-    return DatePart("DD", text) != 0;
-}
-
 }  // namespace
 
 std::string FORMATTIME(std::string_view text, std::string_view pattern) {
@@ -56,9 +52,8 @@ std::string FORMATTIME(std::string_view text, std::string_view pattern) {
     std::string result;
     result.reserve(pattern.size());
     while (!pattern.empty()) {
-        const auto* const piece = std::find_if(pieces.begin(), pieces.end(), [&](const Piece& p) {
-            return ascii::equal(pattern.substr(0, p.name.size()), p.name);
-        });
+        const auto* const piece = std::find_if(pieces.begin(), pieces.end(),
+                                               [&](const Piece& p) { return pattern.starts_with(p.name); });
         const bool found = piece != pieces.end();
         result += found ? pieceOf(text, *piece) : pattern.substr(0, 1);
         pattern.remove_prefix(found ? piece->name.size() : 1);
@@ -101,7 +96,6 @@ std::string TIMEDAYNUMBERTOSTR(std::int32_t n) {
 }
 
 Fixed TIMEDIFFERENCE(std::string_view a, std::string_view b) {
-    if (!isDate(a) || !isDate(b)) return 0;
     Fixed secondsA = 0, secondsB = 0;
     DateToSeconds(a, secondsA);
     DateToSeconds(b, secondsB);

@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <fcntl.h>
 #include <limits>
 #include <string>
+#include <sys/stat.h>
 
 namespace tarn {
 namespace {
@@ -208,7 +210,7 @@ TEST_F(Dates, SecondsOutsideTheYears1To9999AreNoDate) {
         EXPECT_EQ(fromSeconds(outside), "") << outside;
 }
 
-TEST_F(Dates, ABufferOfLessThan25BytesIsLeftAlone) {
+TEST_F(Dates, ABufferOfLessThan25BytesIsLeftAloneAndANullOneToo) {
     constexpr std::string_view date = "2000-01-31 01:01:01.4321";
     for (const std::int32_t size : {24, 1, 0, -1, least}) {
         char text[DateSize] = "before";
@@ -221,6 +223,11 @@ TEST_F(Dates, ABufferOfLessThan25BytesIsLeftAlone) {
         DateNow(text, size);
         EXPECT_STREQ(text, "before") << size;
     }
+    DateMake(2000, 1, 1, 0, 0, 0, 0, nullptr, DateSize);
+    DateMake(2000, 13, 1, 0, 0, 0, 0, nullptr, DateSize);
+    DateFromSeconds(0, nullptr, DateSize);
+    DateAdd("D", 1, date, nullptr, DateSize);
+    DateNow(nullptr, DateSize);
     char wide[40];
     std::fill(std::begin(wide), std::end(wide), '#');
     DateMake(2000, 1, 1, 0, 0, 0, 0, wide, sizeof wide);
@@ -431,6 +438,43 @@ TEST_F(Dates, FileTimeIsTheLocalTimeOfTheLastWrite) {
     std::string path = "/work/a.cls";
     FileTimeText(path, path);
     EXPECT_EQ(path, "2000-02-29 00:59:59.1234");
+}
+
+TEST_F(Dates, AFileTimeAtTheEndsOfTheClocksRangeStandsForTimesBeyondItAndIsNotTold) {
+    constexpr std::int64_t latest = std::numeric_limits<std::int64_t>::max(),
+                           earliest = std::numeric_limits<std::int64_t>::min();
+    os::SteeredClock clock;
+    const os::Steered steeredClock(clock);
+    os::SteeredFiles files;
+    const os::Steered steeredFiles(files);
+    files.put("/a", "text");
+    const auto timeOf = [&](std::int64_t moment) {
+        EXPECT_EQ(files.setModified("/a", moment), os::FileError::None);
+        std::string text = "before";
+        FileTimeText("/a", text);
+        return text;
+    };
+    constexpr std::int64_t most = latest / nanosecondsPerSecond - 1;
+    for (const std::int64_t moment :
+         {latest, earliest, most * nanosecondsPerSecond, -most * nanosecondsPerSecond,
+          -most * nanosecondsPerSecond + 999'999'999})
+        EXPECT_EQ(timeOf(moment), "") << moment;
+    EXPECT_EQ(timeOf(latest - 4 * nanosecondsPerSecond), "2262-04-11 23:47:12.8547");
+    EXPECT_EQ(timeOf(earliest + 4 * nanosecondsPerSecond), "1677-09-21 00:12:47.1452");
+}
+
+TEST_F(Dates, AFileOfAYearThatTheClockDoesNotReachHasNoTime) {
+    const TempFolder folder;
+    const std::string path = folder / "a.txt";
+    ASSERT_TRUE(os::saveFile(path, "text").ok());
+    const timespec times[] = {{15'000'000'000, 0}, {15'000'000'000, 0}};  // in the year 2445
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    struct stat status {};
+    ASSERT_EQ(::stat(path.c_str(), &status), 0);
+    if (status.st_mtim.tv_sec != times[1].tv_sec) GTEST_SKIP() << "the file system holds no such time";
+    std::string text = "before";
+    FileTimeText(path, text);
+    EXPECT_EQ(text, "");
 }
 
 TEST_F(Dates, FileTimeOnTheDiskIsToldInTheZoneInForce) {

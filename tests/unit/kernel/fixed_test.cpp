@@ -343,7 +343,9 @@ TEST_F(FixedNumbers, ComparisonsByOperator) {
             EXPECT_EQ(FixedCompare("LT", a, b), a < b);
             EXPECT_EQ(FixedCompare("GE", a, b), a >= b);
             EXPECT_EQ(FixedCompare("le", a, b), a <= b);
-            for (const char* op : {"", "E", "XX", "="}) EXPECT_FALSE(FixedCompare(op, a, b)) << op;
+            EXPECT_EQ(FixedCompare("LESS", a, b), FixedCompare("LE", a, b));
+            EXPECT_EQ(FixedCompare("EQUAL", a, b), a == b);
+            for (const char* op : {"", "E", "XX", "=", " EQ"}) EXPECT_FALSE(FixedCompare(op, a, b)) << op;
         }
     }
 }
@@ -463,11 +465,6 @@ TEST_F(FixedNumbers, ANegativeNumberKeepsItsSignWhenAllItsDigitsAreRoundedAway) 
     EXPECT_EQ(FixedToText(-1, 12000), "-0.00");
     EXPECT_EQ(FixedToText(-1, 10000), "-0");
     EXPECT_EQ(FixedToText(1, 10000), "0");
-}
-
-TEST_F(FixedNumbers, BooleansTakeTheWidthOfAFormat) {
-    EXPECT_EQ(BooleanToText(true, 81200), "    True");
-    EXPECT_EQ(BooleanToText(false, -81200), "False   ");
 }
 
 }  // namespace

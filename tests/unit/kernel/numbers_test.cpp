@@ -102,6 +102,13 @@ TEST_F(Numbers, IntegersFillTheirFields) {
         {255, 4, 16, "  FF"},
         {-1, 1, 16, "FFFFFFFF"},
         {0, 1, 16, "0"},
+        {255, -4, 16, "FF  "},
+        {INT_MIN, 1, 16, "80000000"},
+        {INT_MIN, -10, 16, "80000000  "},
+        {INT_MAX, 10, 16, "  7FFFFFFF"},
+        {255, 1, 8, "255"},
+        {-255, 1, 0, "-255"},
+        {255, 1, -16, "255"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(IntegerToText(row.value, row.width, row.base), row.text);
@@ -139,6 +146,10 @@ TEST_F(Numbers, IntegersAreReadFromTheStartOfATextOrNotAtAll) {
         {"007", 7, 3},
         {"2147483647", INT_MAX, 10},
         {"-2147483648", INT_MIN, 11},
+        {"00000000000012", 12, 14},
+        {"-00000000002147483648", INT_MIN, 21},
+        {"+0000000000000000000000", 0, 23},
+        {"00000000002147483648", 77, 0},
         {"2147483648", 77, 0},
         {"-2147483649", 77, 0},
         {"99999999999999999999999", 77, 0},
@@ -158,11 +169,35 @@ TEST_F(Numbers, IntegersAreReadFromTheStartOfATextOrNotAtAll) {
     }
 }
 
+TEST_F(Numbers, AWholeTextIsOneIntegerOrNone) {
+    constexpr struct {
+        std::string_view text;
+        std::int32_t value;
+    } good[] = {{"12", 12}, {"  -12 ", -12}, {"NULL", 0}, {" NULL ", 0}, {"2147483647", INT_MAX}};
+    for (const auto& row : good) {
+        std::int32_t value = 77;
+        bool ok = false;
+        IntegerFromWholeText(row.text, value, ok);
+        EXPECT_TRUE(ok) << row.text;
+        EXPECT_EQ(value, row.value) << row.text;
+    }
+    for (const std::string_view bad :
+         {"", " ", "12x", "1 2", "1.5", "null", "NULLS", "2147483648", "\t12", "+", "- 1"}) {
+        std::int32_t value = 77;
+        bool ok = true;
+        IntegerFromWholeText(bad, value, ok);
+        EXPECT_FALSE(ok) << bad;
+        EXPECT_EQ(value, 77) << bad;
+    }
+}
+
 TEST_F(Numbers, BooleansAreWords) {
     EXPECT_EQ(BooleanToText(true), "True");
     EXPECT_EQ(BooleanToText(false), "False");
     EXPECT_EQ(BooleanToText(true, 70000), "   True");
     EXPECT_EQ(BooleanToText(false, -70000), "False  ");
+    EXPECT_EQ(BooleanToText(true, 81200), "    True");
+    EXPECT_EQ(BooleanToText(false, -81200), "False   ");
     EXPECT_EQ(BooleanToText(true, INT64_MAX).size(), 100U);
     EXPECT_EQ(BooleanToText(true, INT64_MIN).size(), 100U);
     constexpr struct {
@@ -189,6 +224,33 @@ TEST_F(Numbers, CheckSums) {
     EXPECT_EQ(sum(""), 0U);
     EXPECT_EQ(Crc32(nullptr, 0), 0U);
     EXPECT_EQ(Crc32(" a string", 9, sum("This is")), 0x0876633FU);
+}
+
+TEST_F(Numbers, Base64WithBitsThatBelongToNoByteIsRefused) {
+    constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (std::size_t i = 0; i < alphabet.size(); ++i) {
+        std::string bytes = "old";
+        bool ok = false;
+        Base64Decode(std::string("Z") + alphabet[i] + "==", bytes, ok);
+        EXPECT_EQ(ok, i % 16 == 0) << alphabet[i];
+        EXPECT_EQ(bytes == "old", !ok);
+        bytes = "old";
+        Base64Decode(std::string("Zm") + alphabet[i] + "=", bytes, ok);
+        EXPECT_EQ(ok, i % 4 == 0) << alphabet[i];
+        EXPECT_EQ(bytes == "old", !ok);
+    }
+}
+
+TEST_F(Numbers, Base64IsDecodedWhereItStands) {
+    std::string bytes = "Zm9vYmFy";
+    bool ok = false;
+    Base64Decode(bytes, bytes, ok);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(bytes, "foobar");
+    bytes = "Zm9vYmF";
+    Base64Decode(bytes, bytes, ok);
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(bytes, "Zm9vYmF");
 }
 
 TEST_F(Numbers, Base64) {

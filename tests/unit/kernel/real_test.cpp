@@ -3,10 +3,10 @@
 #include "runtime_fixture.h"
 
 #include <bit>
+#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <locale>
 
 using namespace tarn;
 
@@ -177,7 +177,7 @@ TEST_F(Reals, TextsOfNoNumberLeaveTheTargetAsItWas) {
         EXPECT_EQ(fromText(text), none) << text;
 }
 
-TEST_F(Reals, TextsTooLargeForARealAre641) {
+TEST_F(Reals, TextsTooLargeForARealAreNoNumberAndNoError) {
     const std::string digits(400, '9');
     for (const std::string& text :
          {std::string("1.8E308"), std::string("-1.8E308"), std::string("1E400"),
@@ -185,7 +185,7 @@ TEST_F(Reals, TextsTooLargeForARealAre641) {
           "-" + digits, "0." + digits + "E309", std::string("0.0001E400"),
           "." + std::string(500, '0') + "1E+900"}) {
         EXPECT_EQ(fromText(text), none) << text;
-        EXPECT_EQ(takeError(), 641) << text;
+        EXPECT_EQ(takeError(), 0) << text;
     }
 }
 
@@ -214,18 +214,21 @@ TEST_F(Reals, SixteenDecimalsReadBackAsTheSameNumber) {
     }
 }
 
-// A locale with a comma for its point.
-struct CommaPoint : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
+// Sets a locale with a comma for its point; false when none is installed.
+bool useComma() {
+    for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "nl_NL.UTF-8", "es_ES.UTF-8", "de_DE", "fr_FR"})
+        if (std::setlocale(LC_ALL, name) != nullptr && std::string(std::localeconv()->decimal_point) == ",")
+            return true;
+    return false;
+}
 
 TEST_F(Reals, TextsDoNotDependOnTheLocale) {
-    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaPoint));
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    const bool comma = useComma();
     const std::string real = RealToText(1234567.5, 3), fixed = FixedToText(12345678900);
     const double back = fromText("1234567.5");
-    std::locale::global(before);
+    std::setlocale(LC_ALL, before.c_str());
+    if (!comma) GTEST_SKIP() << "no locale with a comma is installed";
     EXPECT_EQ(real, "+1.235E+0006");
     EXPECT_EQ(fixed, "1234567.8900");
     EXPECT_EQ(back, 1234567.5);

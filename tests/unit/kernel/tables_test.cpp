@@ -523,6 +523,7 @@ TEST_F(Tables, OperationsWithoutARowCheckTheirTable) {
     TableRow(inFile.get(), 1, nullptr);
     EXPECT_EQ(takeError(), 661);
     EXPECT_EQ(TableCount(inFile.get()), 0);
+    EXPECT_EQ(takeError(), 661);
     EXPECT_EQ(TableIndexCount(inFile.get()), 2);
     TableDelete(t(), 6, recordOf({integer(1)}).get());
     EXPECT_EQ(takeError(), 636);

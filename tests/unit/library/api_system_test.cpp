@@ -61,18 +61,20 @@ TEST_F(Api, NumbersAndCharactersConvert) {
 }
 
 TEST_F(Api, ATextThatIsNoNumberSets983) {
-    for (const char* good : {"12", "-12", "+0", "null", "2147483647"}) {
+    for (const char* good : {"12", "-12", "+0", "NULL", "2147483647", " 12 "}) {
         Text text(good);
         tarn_sys_cvti(text);
         EXPECT_EQ(takeError(), 0) << good;
     }
-    for (const char* bad : {"", "x", "1 ", "1.5", "2147483648"}) {
+    for (const char* bad : {"", "x", "1 2", "1.5", "null", "2147483648"}) {
         Text text(bad);
         EXPECT_EQ(tarn_sys_cvti(text), 0) << bad;
         EXPECT_EQ(takeError(), 983) << bad;
     }
     Text number("-12");
     EXPECT_EQ(tarn_sys_cvti(number), -12);
+    EXPECT_EQ(tarn_sys_cvti(nullptr), 0);
+    EXPECT_EQ(takeError(), 756);
 }
 
 TEST_F(Api, StringsAreCutAndChangedAlsoInPlace) {

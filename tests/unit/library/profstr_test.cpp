@@ -2,7 +2,7 @@
 //
 // Profile strings on a file system in memory: reading, the places where entries go, hostile files, failing
 // disks, and a random comparison with a simple model.
-#include "library/ascii.h"
+#include "kernel/ascii.h"
 #include "library/profstr.h"
 #include "os/files.h"
 #include "platform/model/view.h"
