@@ -45,10 +45,8 @@ void showTable(const std::string& file, const TabOptions* options, DataFormat fo
     if (data.step == DataTable::Step::Stopped) return;
     if (data.step != DataTable::Step::Done) return tellFailure(file, data.message, options != nullptr);
     if (!data.remark.empty())
-        MsgBox(ExploreTitle,
-               "Not all of '" + file + "' could be read as it stands.\n" + data.remark +
-                   "\n\nThe rows are shown. Values that could not be read are shown as 0 or cut.",
-               "OK", BoxIcon::Warning);
+        MsgBox(ExploreTitle, "Not all of '" + file + "' could be read as it stands.\n" + data.remark, "OK",
+               BoxIcon::Warning);
     STAMP();
     TABLEVIEWDIALOG(Main, "", "", data.table.get(), file);
 }

@@ -15,6 +15,8 @@ namespace tarn {
 namespace {
 
 constexpr int LongestColumnName = 40;
+// The records of a table's rows stand in one block.
+constexpr int MostRows = MaxBlock / KindSize[KindRecord];
 
 // A table of the columns, which `table` becomes. It has no index: a file may hold rows that are alike, and
 // its order means something.
@@ -46,23 +48,35 @@ bool isWholeFailure(std::int32_t code) {
 }
 
 std::string remarkOn(const TabResult& result, const std::string& message) {
-    const std::string text = message.empty() ? failureText(result.code) : message;
-    if (result.row < 1) return text;
-    return "Row " + STR(result.row) + ": " + text;
+    const std::string text = (message.empty() ? failureText(result.code) : message) +
+                             "\nValues that could not be read are shown as 0, or cut.";
+    return result.row < 1 ? text : "Row " + STR(result.row) + ": " + text;
+}
+
+// Of delimited text that has more rows than a table can hold, the first ones are read.
+TabResult load(const std::string& filename, TabOptions options, DataFormat format, DataTable& data,
+               std::string& message) {
+    TabResult result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
+    if (result.code != ERR_BLOCK_TOO_LARGE || format == FormatXml) return result;
+    options.maxdatarows = MostRows;
+    result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
+    data.remark = "Only the first " + STR(MostRows) + " rows are shown, a table in memory holds no more.";
+    return result;
 }
 
 void readRows(const std::string& filename, const TabOptions& options, DataFormat format, DataTable& data) {
     LongWork work("Reading '" + FILEGETFNAME(filename) + "'");
     std::string message;
-    const TabResult result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
-    data.step = DataTable::Step::Rows;
-    if (work.stopped())
+    const TabResult result = load(filename, options, format, data, message);
+    data.step = DataTable::Step::Done;
+    if (work.stopped()) {
         data.step = DataTable::Step::Stopped;
-    else if (isWholeFailure(result.code))
+    } else if (isWholeFailure(result.code)) {
+        data.step = DataTable::Step::Rows;
         data.message = failureText(result.code);
-    else
-        data.step = DataTable::Step::Done;
-    if (data.step == DataTable::Step::Done && result.code != 0) data.remark = remarkOn(result, message);
+    } else if (result.code != 0 && data.remark.empty()) {
+        data.remark = remarkOn(result, message);
+    }
 }
 
 // The declaration of the columns; a message in `data` if there is none.

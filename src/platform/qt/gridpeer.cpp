@@ -272,6 +272,8 @@ private:
         if (measured_ != control_->caption) ownWidths_ = false;
         measured_ = control_->caption;
         if (ownWidths_) return;
+        // The last column takes the room that is left, unless its numbers would stand far from all others.
+        grid_.header()->setStretchLastSection(!rows_->isNumeric(rows_->columnCount() - 1));
         for (int column = 0; column < rows_->columnCount(); ++column)
             grid_.header()->resizeSection(column, widthOf(column));
     }

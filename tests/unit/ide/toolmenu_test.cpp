@@ -4,12 +4,16 @@
 #include "ide/toolmenu.h"
 
 #include "ide/commands.h"
+#include "kernel/data/progress.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/records.h"
+#include "kernel/tables.h"
 #include "library/dbutil.h"
 #include "library/dbutil_grid.h"
 #include "library/dbutil_windows.h"
+#include "os/clock.h"
 #include "support/ide_fixture.h"
+#include "support/steerable.h"
 
 #include <functional>
 
@@ -337,6 +341,17 @@ TEST_F(DataFiles, ABrokenXmlFileIsToldWithItsPlace) {
     EXPECT_NE(lastText().find("(Line 1, Position "), std::string::npos) << lastText();
 }
 
+TEST_F(DataFiles, RowsOfUnevenLengthAreAllShown) {
+    const std::string file = write("odd.csv", "a,b\n1,2\n1,2,3\n4,\n");
+    doings = {[] { press(setting("idok")); },
+              [&] {
+                  EXPECT_EQ(GetCaption(TableViewDlg), file);
+                  EXPECT_EQ(rows(in(TableViewDlg, "iconlist1")), "1\t2\t0\n1\t2\t3\n4\t0\t0\n");
+                  press(in(TableViewDlg, "idcancel"));
+              }};
+    open(file);
+}
+
 TEST_F(DataFiles, AFileThatIsGoneAfterItsSettingsIsTold) {
     const std::string file = write("x.csv", "a,b\n1,2\n");
     doings = {[&] {
@@ -348,6 +363,105 @@ TEST_F(DataFiles, AFileThatIsGoneAfterItsSettingsIsTold) {
               GetDataFileInfo(file, nullptr).message +
                   "\n\nChoose the file again and change its settings. 'Preview' shows what they give.");
     EXPECT_FALSE(IsLoaded(TableViewDlg));
+}
+
+// ---- long reads ----
+
+// A clock on which each look takes a while, so that a small file is a long read.
+class SlowClock : public os::SteeredClock {
+public:
+    std::int64_t steady() override {
+        advance(600'000'000);
+        return SteeredClock::steady();
+    }
+};
+
+class LongReads : public DataFiles {
+protected:
+    void SetUp() override {
+        DataFiles::SetUp();
+        std::string text = "name,age\n";
+        while (text.size() < 4'000'000) text += "Ann Other Name,31\nBob Some Name,44\n";
+        file = write("long.csv", text);
+        before = os::useClock(&clock);
+    }
+    void TearDown() override {
+        os::useClock(before);
+        DataFiles::TearDown();
+    }
+    // Presses Stop as soon as there is one; until then does what is to be done.
+    void stopWhenPossible() {
+        platform::view().setIdle([this] {
+            if (platform::pressToolStop()) return;
+            if (doings.empty()) return platform::QuitMainLoop();
+            const auto next = doings.front();
+            doings.pop_front();
+            next();
+        });
+    }
+    std::string file;
+    SlowClock clock;
+    os::Clock* before = nullptr;
+};
+
+TEST_F(LongReads, AReadThatIsStoppedGivesNoTable) {
+    TabOptions options;
+    options.numheaderrows = 1;
+    stopWhenPossible();
+    const DataTable data = LOADDATATABLE(file, &options, FormatComma);
+    EXPECT_EQ(data.step, DataTable::Step::Stopped);
+    EXPECT_EQ(data.message, "");
+    EXPECT_FALSE(platform::pressToolStop()) << "the progress is gone";
+    EXPECT_EQ(UseProgress(nullptr), nullptr);
+}
+
+TEST_F(LongReads, AFileWithMoreRowsThanATableHoldsShowsItsFirst) {
+    TabOptions options;
+    options.numheaderrows = 1;
+    const DataTable data = LOADDATATABLE(file, &options, FormatComma);
+    EXPECT_EQ(data.step, DataTable::Step::Done) << data.message;
+    constexpr int most = MaxBlock / KindSize[KindRecord];
+    EXPECT_EQ(TableCount(data.table.get()), most);
+    EXPECT_EQ(data.remark,
+              "Only the first " + STR(most) + " rows are shown, a table in memory holds no more.");
+}
+
+TEST_F(LongReads, RowsThatAreLeftOutAreToldBeforeTheOthersAreShown) {
+    constexpr int most = MaxBlock / KindSize[KindRecord];
+    os::useClock(before);
+    doings = {[] { press(setting("idok")); },
+              [&] {
+                  EXPECT_EQ(GetListCount(in(TableViewDlg, "iconlist1")), most);
+                  EXPECT_EQ(GetCaption(in(TableViewDlg, "lblrows")), STR(most) + " row(s), 2 column(s)");
+                  press(in(TableViewDlg, "idcancel"));
+              }};
+    // Doings of the user wait until a window does.
+    platform::view().setIdle([this] {
+        if (platform::busy() || doings.empty()) return;
+        const auto next = doings.front();
+        doings.pop_front();
+        next();
+    });
+    open(file);
+    EXPECT_EQ(lastText(), "Not all of '" + file + "' could be read as it stands.\nOnly the first " +
+                              STR(most) + " rows are shown, a table in memory holds no more.");
+}
+
+TEST_F(LongReads, APreviewThatIsStoppedSaysSo) {
+    loadSettings(file);
+    stopWhenPossible();
+    EXPECT_EQ(preview(), "");
+    EXPECT_EQ(counted(), "Stopped");
+    EXPECT_EQ(GetListCount(setting("iconlist1")), 0);
+}
+
+TEST_F(LongReads, ACommandThatIsStoppedShowsNothing) {
+    doings = {[] { press(setting("idok")); }};
+    stopWhenPossible();
+    open(file);
+    EXPECT_EQ(asked.size(), 1U) << "only the file was asked for";
+    EXPECT_FALSE(IsLoaded(TableViewDlg));
+    EXPECT_FALSE(platform::busy());
 }
 
 }  // namespace
