@@ -162,6 +162,15 @@ void ListAppend(const void* v, Kind kind, ListDescriptor* l) {
     if (AcceptList(l) && AcceptElement(*l, v, kind)) insertCopy(*l, l->count, v, kind);
 }
 
+void* ListAppendEmpty(ListDescriptor* l) {
+    if (!AcceptList(l) || (IsUntyped(*l) && !RefuseList(ERR_LIST_TYPE)) || !hasRoom(*l)) return nullptr;
+    const std::int32_t count = l->count;
+    Element element;
+    if (!InitValue(element.bytes, At(l->prototype), ElementKindOf(*l))) return nullptr;
+    insertElement(*l, count, element.bytes);
+    return l->count > count ? SlotAt(*l, count) : nullptr;
+}
+
 void ListInsert(std::int32_t position, const StringDescriptor* v, ListDescriptor* l) {
     if (!AcceptStringList(l) || !AcceptElement(*l, v, KindString)) return;
     if (position != l->count + 1 && !holds(*l, position)) return;

@@ -44,6 +44,9 @@ const void* ListRef(const ListDescriptor* l, std::int32_t position);
 void ListGet(const ListDescriptor* l, std::int32_t position, void* v, Kind kind);
 void ListPut(const void* v, Kind kind, std::int32_t position, ListDescriptor* l);
 void ListAppend(const void* v, Kind kind, ListDescriptor* l);  // 618 when a fixed list is full
+// Appends an empty element of the list's shape, to be filled in place, and gives its address, valid until the
+// list changes. Null on failure: 618 as above, 761 for the untyped list.
+void* ListAppendEmpty(ListDescriptor* l);
 // Lists of strings in memory (761 for others). A position of count + 1 appends; 618 when a fixed list is
 // full.
 void ListInsert(std::int32_t position, const StringDescriptor* v, ListDescriptor* l);

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The compiler's messages: lines of the form  file ( line ) : [error|fatal] number rest.
+// The compiler's messages: lines of the form  file ( line ) : [error|fatal] number rest. And what programs
+// need around data files: how a delimited file is probably laid out, and texts of the user as options.
 #pragma once
+
+#include "kernel/values.h"
 
 #include <string>
 #include <string_view>
@@ -19,5 +22,38 @@ struct ErrorLine {
 };
 // One line from `position` (1-based), which ends at the start of the next line.
 ErrorLine FILEGETERRORLINE(std::string_view text, std::size_t& position);
+
+// ---- data files ----
+
+bool ISDBASEFILE(std::string_view name);  // the extension is .dbf or .xbf, in any case
+
+// How a delimited text file is probably laid out, from its first two lines, as texts for the user to change.
+struct PossibleFileDetails {
+    std::string headerRows = "0";
+    std::string separator = ",";  // "\t" for a tab
+};
+// A file that cannot be read gives the above, without an error.
+PossibleFileDetails GETPOSSIBLEFILEDETAILS(const std::string& filename);
+
+// What the user wrote for a separator: trimmed, without one pair of quotes of either kind around it, and with
+// the escapes \t \n \r \" \\ and \xNN resolved.
+std::string GETSEPARATOR(std::string_view text);
+
+// Makes `record`, whose old content is freed, the options record of four texts; a text that is no number
+// counts as 0. The code of the separator is that of its first character, 0 for none. More than one character
+// goes through GETSEPARATOR first. On failure (802) the record is all zero.
+void GETOPTIONSRECORD(std::string_view headerRows, std::string_view footerRows, std::string_view separator,
+                      std::string_view maxRows, RecordDescriptor* record);
+
+// For a folder without a drive: whether its absolute form is one of `paths` (separated by ";"), in any case.
+bool DIRFINDPATH(std::string_view directory, std::string_view paths);
+
+int STRCHARCOUNT(std::string_view text, char character);
+
+struct LineTokens {
+    std::string a, b, c;
+};
+// The first three runs between blanks and tabs; empty where there is none.
+LineTokens GETLINETOKENS(std::string_view line);
 
 }  // namespace tarn

@@ -4,6 +4,7 @@
 // caller's next stamp. Positions are 1-based byte positions.
 #pragma once
 
+#include "kernel/data/datafile.h"
 #include "kernel/windowing.h"
 
 #include <cstdint>
@@ -12,9 +13,6 @@
 #include <vector>
 
 namespace tarn {
-
-struct StringDescriptor;
-struct ListDescriptor;
 
 // ---- strings ----
 int STRFIND(std::string_view what, std::string_view text, int from = 1,
@@ -71,6 +69,9 @@ struct TempNames {
     std::string last, next;
 };
 TempNames FILETEMPNAMES(std::string_view directory, std::string_view stem, std::string_view extension);
+// In the current folder, and with ".tmp".
+TempNames FILETEMPNAMES(std::string_view stem, std::string_view extension);
+TempNames FILETEMPNAMES(std::string_view stem);
 // The next of them: an unused name.
 std::string FILETEMPNAME(std::string_view directory, std::string_view stem, std::string_view extension);
 // "/" added if it has no separator at its end; the empty text stays empty, so that it never becomes the root.
@@ -88,6 +89,19 @@ bool SAVEFILE(const std::string& file, std::string_view text);
 // What a failed SAVEFILE says to the user: what went wrong and where the text is safe. Empty unless the last
 // of all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
 std::string SAVEFILEREPORT();
+// Whole values of the language, by a format of datafile.h: 1 lines, 2 commas, 3 packed, 6 XML, 7 tabs.
+// `options` is the options record of delimited text; null and an empty one mean the defaults of the format.
+// The first failure is set in the cell too (see TabResult); a file that cannot be read, and a file that
+// cannot be written, stay as they are, and so does the value then. 658 for any other format.
+TabResult LOADFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options, void* value,
+                   Kind kind);
+TabResult SAVEFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options,
+                   const void* value, Kind kind);
+// The same, without options, and without a format, which is then 3: a string is its bytes.
+TabResult LOADFILE(const std::string& file, std::int32_t format, void* value, Kind kind);
+TabResult SAVEFILE(const std::string& file, std::int32_t format, const void* value, Kind kind);
+TabResult LOADFILE(const std::string& file, void* value, Kind kind);
+TabResult SAVEFILE(const std::string& file, const void* value, Kind kind);
 void FILEDELETE(const std::string& file);  // one that does not exist is no error
 // Copies bytes, time and, where it can, permissions; both must be full paths (FILECHK). A destination without
 // a folder lies beside the source, on its drive; one that ends with a separator gets the source's name. With

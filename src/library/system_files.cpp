@@ -119,6 +119,18 @@ TempNames FILETEMPNAMES(std::string_view directory, std::string_view stem, std::
     return {start + (highest == 0 ? "" : STR(highest)) + ext, start + STR(highest + 1) + ext};
 }
 
+TempNames FILETEMPNAMES(std::string_view stem, std::string_view extension) {
+    FRAME(FILETEMPNAMES);
+    STAMP();
+    return FILETEMPNAMES({}, stem, extension);
+}
+
+TempNames FILETEMPNAMES(std::string_view stem) {
+    FRAME(FILETEMPNAMES);
+    STAMP();
+    return FILETEMPNAMES({}, stem, ".tmp");
+}
+
 std::string FILETEMPNAME(std::string_view directory, std::string_view stem, std::string_view extension) {
     FRAME(FILETEMPNAME);
     STAMP();

@@ -104,6 +104,13 @@ ScanStatus ScannerSkipChar() {
     return s.status;
 }
 
+void ScannerSkipBytes(std::int32_t count) {
+    const std::ptrdiff_t left = s.lines.end() - s.at - 1;  // the end stays
+    if (left > 0 && count > 0) s.at += std::min<std::ptrdiff_t>(left, count);
+    s.symbol = 0;
+    s.symbolText->clear();
+}
+
 std::int32_t ScannerPosition() {
     return static_cast<std::int32_t>(s.at - s.lines.begin());
 }
@@ -118,6 +125,9 @@ std::int32_t ScannerSymbolLine() {
 }
 std::string_view ScannerInputFilename() {
     return s.filename;
+}
+std::int64_t ScannerBytesRead() {
+    return s.lines.bytesRead();
 }
 os::FileError ScannerFileError() {
     return s.lines.error();

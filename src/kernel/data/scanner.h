@@ -80,12 +80,16 @@ void ScannerClose();
 ScanStatus ScannerNext(const SymbolTable* table);
 // Moves over one byte without scanning; the symbol becomes 0 and its text empty.
 ScanStatus ScannerSkipChar();
+// The same for `count` bytes of the line at once, none of them its end; fewer where the line has fewer.
+void ScannerSkipBytes(std::int32_t count);
 
 std::int32_t ScannerPosition();  // index of the next unread byte of the line, from 0
 std::int32_t ScannerLineNumber();
 std::int32_t ScannerSymbol();
 std::int32_t ScannerSymbolLine();  // where the symbol began
 std::string_view ScannerInputFilename();
+// Bytes of the file that were read so far: how far the reading is.
+std::int64_t ScannerBytesRead();
 // What kept the file from being opened or read to its end, which looks like the end of the file; None while
 // all is well. Kept after ScannerClose, until the next ScannerOpen that clears the state.
 os::FileError ScannerFileError();

@@ -30,6 +30,7 @@ public:
     [[nodiscard]] const unsigned char* begin() const { return reinterpret_cast<const unsigned char*>(line_); }
     [[nodiscard]] const unsigned char* end() const { return begin() + length_; }
     [[nodiscard]] std::int32_t number() const { return number_; }  // stays at the end of the file
+    [[nodiscard]] std::int64_t bytesRead() const { return offset_; }
     [[nodiscard]] bool cut() const { return cut_; }                // the line was too long
     [[nodiscard]] os::FileError error() const {
         return error_;

@@ -22,10 +22,10 @@ inline constexpr std::int32_t MaxTabColumns = 48, MaxTabLine = 32767, MaxTabName
 struct TabOptions {
     std::int32_t numheaderrows = 0;   // 0 none, 1 column names, 2 column names and a line of dashes
     std::int32_t numfooterrows = 0;   // rows behind the data
-    std::int32_t separatorchar = 44;  // character code
+    std::int32_t separatorchar = 44;  // character code; -1: none, every line is one cell as it stands
     std::int32_t maxdatarows = -1;    // rows to read; -1 for all
 };
-// The defaults of format 2 (comma) and 7 (tab, two header rows).
+// The defaults of format 1 (lines), 2 (comma) and 7 (tab, two header rows).
 TabOptions DefaultTabOptions(std::int32_t format);
 // From an options record; the defaults for null and for an empty one, 764 and 757 for what is no such record.
 TabOptions TabOptionsOf(const RecordDescriptor* options, std::int32_t format);

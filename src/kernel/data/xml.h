@@ -33,6 +33,7 @@ ErrorRecord XmlRead(const std::string& filename, std::int32_t options, void* val
 
 struct XmlResult {
     std::int32_t count = 0;  // top-level items
+    bool stopped = false;    // by progress.h: the value, or the file, is as it was
     ErrorRecord error;
 };
 // Replaces the file by the value as the element "data"; on failure the old file stays. `names`: of the fields
@@ -46,7 +47,7 @@ XmlResult XmlSave(const std::string& filename, std::int32_t options, const void*
 XmlResult XmlLoad(const std::string& filename, void* value, Kind kind);
 
 std::string XmlEscape(std::string_view text);
-// "Any" leaves of the top level become string[1024].
+// "Any" leaves become string[1024].
 std::string TypeInfoFixAny(std::string_view typeText);
 
 }  // namespace tarn

@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a file is, is told by its first four bytes, and then by its content. The messages say what the user
+// can do about it.
+#include "kernel/data/datafile.h"
+
+#include "kernel/data/datafile_binary.h"
+#include "kernel/data/tab_rows.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/data/xml.h"
+#include "kernel/errors.h"
+#include "kernel/strings.h"
+
+#include <algorithm>
+#include <new>
+
+namespace tarn {
+
+namespace {
+
+constexpr std::size_t headBytes = 4;
+constexpr std::int32_t rowsWithoutOptions = 100;
+constexpr const char* noInformation = "Data File information cannot be obtained";
+
+bool isLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+std::string_view fileNameOf(std::string_view path) {
+    const std::size_t slash = path.find_last_of("/\\");
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+std::string fileWord(const std::string& filename) {
+    return "File '" + filename + "' ";
+}
+
+// ---- the first bytes ----
+
+// The bytes that are there, at most four; the failure of the reading.
+os::FileError readHead(const std::string& filename, std::string& head) {
+    const std::string path = os::native(filename);
+    os::FileInfo info;
+    os::FileError error = os::files().info(path, info);
+    if (error == os::FileError::None && !info.exists) error = os::FileError::NotFound;
+    if (error == os::FileError::None && info.folder) error = os::FileError::IsFolder;
+    os::Handle handle = -1;
+    if (error == os::FileError::None) error = os::files().open(path, os::OpenMode::Read, 0, handle);
+    if (error != os::FileError::None) return error;
+    head.resize(headBytes);
+    std::size_t got = 0;
+    error = os::files().read(handle, 0, head.data(), head.size(), got);
+    os::files().close(handle);
+    head.resize(got);
+    return error;
+}
+
+// The file is there, and this program may not read it.
+bool isLocked(os::FileError error) {
+    return error == os::FileError::Denied || error == os::FileError::ReadFailed;
+}
+
+bool looksLikeXml(std::string_view head) {
+    constexpr std::string_view marks = "_:!?";
+    return head.size() >= 2 && head[0] == '<' &&
+           (isLetter(head[1]) || marks.find(head[1]) != std::string_view::npos);
+}
+
+bool looksLikeXbase(std::string_view head) {
+    if (head.size() < headBytes) return false;
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(head[i]); };
+    constexpr unsigned char versions[] = {3, 4, 5, 48, 131, 139};
+    return std::find(std::begin(versions), std::end(versions), byte(0)) != std::end(versions) &&
+           byte(2) >= 1 && byte(2) <= 12 && byte(3) >= 1 && byte(3) <= 31;
+}
+
+// A first line of fewer than four characters ends within them.
+bool looksLikeText(std::string_view head) {
+    constexpr std::string_view marks = "\1\t \",-._";
+    const auto isText = [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || marks.find(c) != std::string_view::npos;
+    };
+    const auto isTextOrLineEnd = [&](char c) { return isText(c) || c == '\n' || c == '\r'; };
+    return !head.empty() && isText(head[0]) && std::all_of(head.begin(), head.end(), isTextOrLineEnd);
+}
+
+std::string hexPairs(std::string_view bytes) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (std::size_t i = 0; i < headBytes; ++i) {
+        const unsigned byte = i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U;
+        if (i > 0) text += ' ';
+        text += digits[byte >> 4U];
+        text += digits[byte & 15U];
+    }
+    return text;
+}
+
+// ---- the kinds of file ----
+
+void readXml(const std::string& filename, DataFileInfo& info) {
+    const ErrorRecord error = XmlRead(filename, 0, nullptr, KindNone, &info.typeText, MaxTypeInfo);
+    info.typeText = TypeInfoFixAny(info.typeText);
+    if (!error.message.empty())
+        info.message = error.message + " (Line " + std::to_string(error.line) + ", Position " +
+                       std::to_string(error.position) + ")";
+    else if (info.typeText.empty())
+        info.message = fileWord(filename) + "contains no XML data apart from the outermost element.";
+    if (!TypeInfoIsPath(info.typeText, "/record/list/record") &&
+        !TypeInfoIsPath(info.typeText, "/record/table/record"))
+        return;
+    TypeInfoDeleteLine(info.typeText, 1);
+    const std::size_t lastLine = info.typeText.find_last_of('\n', info.typeText.size() - 2);
+    info.typeText.resize(lastLine == std::string::npos ? 0 : lastLine + 1);
+    TypeInfoChangeIndent(-1, info.typeText, MaxTypeInfo);
+}
+
+void readText(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
+    TabOptions firstLine;
+    firstLine.numheaderrows = 0;
+    firstLine.separatorchar = NoTabSeparator;
+    TabReader reader;
+    std::string_view line;
+    const bool comma = reader.open(filename, firstLine) == 0 && reader.next(line) &&
+                       line.find(',') != std::string_view::npos;
+    info.format = comma ? FormatComma : FormatTab;
+    info.options = options != nullptr ? *options : DefaultTabOptions(info.format);
+    if (options == nullptr) info.options.maxdatarows = rowsWithoutOptions;
+    TabStructure found = TabDiscover(filename, info.options, MaxTypeInfo);
+    info.typeText = std::move(found.typeText);
+    info.message = std::move(found.message);
+}
+
+// Where Xbase files and the system's own table files give their declaration.
+void readTableFile(const std::string&, DataFormat format, DataFileInfo& info) {
+    info.format = format;
+}
+
+void readFile(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
+    std::string head;
+    const os::FileError error = readHead(filename, head);
+    const bool nothing = std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; });
+    if (isLocked(error)) {
+        info.message =
+            fileWord(filename) + "cannot be opened, it is currently locked by another application.";
+    } else if (error != os::FileError::None || nothing) {
+        info.message = fileWord(filename) + "is invalid, does not exist or is empty.";
+    } else if (looksLikeXml(head)) {
+        info.format = FormatXml;
+        readXml(filename, info);
+    } else if (looksLikeXbase(head)) {
+        readTableFile(filename, FormatXbase, info);
+    } else if (looksLikeText(head)) {
+        readText(filename, options, info);
+    } else if (DataFormatOf(filename) == FormatBinary) {
+        readTableFile(filename, FormatBinary, info);
+    } else {
+        info.message =
+            fileWord(filename) + "is an unknown file type (first four bytes = " + hexPairs(head) + ").";
+    }
+}
+
+// ---- the columns ----
+
+// The line of a block that closes it, when that is the last one; otherwise 0.
+std::int32_t closingLine(std::string_view text) {
+    const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
+    const std::int32_t indent = TypeInfoIndent(text, 1);
+    for (std::int32_t n = 2; n <= lines; ++n) {
+        const TypeInfoElement element = TypeInfoParseLine(text, n);
+        if (element.indent <= indent) return n == lines && element.isEnd() ? n : 0;
+    }
+    return 0;
+}
+
+bool isWord(std::string_view text, std::string_view word) {
+    return std::equal(text.begin(), text.end(), word.begin(), word.end(),
+                      [](char a, char b) { return lower(a) == b; });
+}
+bool isListOrTable(std::string_view typeName) {
+    return isWord(typeName, "list") || isWord(typeName, "table");
+}
+bool isRecord(std::string_view typeName) {
+    return isWord(typeName, "record");
+}
+
+void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view)) {
+    const std::int32_t last = opens(TypeInfoParseLine(text, 1).typeName) ? closingLine(text) : 0;
+    if (last == 0 || !opens(TypeInfoParseLine(text, last).typeName)) return;
+    TypeInfoDeleteLine(text, last);
+    TypeInfoDeleteLine(text, 1);
+    TypeInfoChangeIndent(-1, text, size);
+}
+
+std::string nestedColumn(std::string_view text) {
+    const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
+    for (std::int32_t n = 1, column = 0; n <= lines; ++n) {
+        const TypeInfoElement element = TypeInfoParseLine(text, n);
+        if (element.indent != 0 || element.isEnd()) continue;
+        ++column;
+        if (!isRecord(element.typeName) && !isListOrTable(element.typeName)) continue;
+        return "Column number " + std::to_string(column) + " \"" + element.name +
+               "\" contains a nested record - columns cannot contain nested data";
+    }
+    return {};
+}
+
+std::string asTable(std::string_view columns) {
+    std::string text(columns);
+    TypeInfoChangeIndent(2, text, MaxTypeInfo);
+    return "T : table\n\tT : record\n" + text + "\tend record\nend table\n";
+}
+
+DataFileInfo identify(const std::string& filename, const TabOptions* options) {
+    DataFileInfo info;
+    readFile(filename, options, info);
+    if (info.message.empty()) {
+        TypeInfoStripOuter(info.typeText, MaxTypeInfo);
+        info.message = nestedColumn(info.typeText);
+        if (info.typeText.empty()) info.message = noInformation;
+    }
+    if (info.message.empty())
+        info.keys = TypeInfoFieldList(asTable(info.typeText)).keys.names;
+    else
+        info.typeText.clear();
+    return info;
+}
+
+}  // namespace
+
+DataFormat DataFormatOf(std::string_view filename) {
+    constexpr struct {
+        std::string_view extension;
+        DataFormat format;
+    } formats[] = {{".txt", FormatText},  {".csv", FormatComma}, {".tab", FormatTab}, {".bin", FormatBinary},
+                   {".dbf", FormatXbase}, {".xbf", FormatXbase}, {".xml", FormatXml}};
+    const std::string_view file = fileNameOf(filename);
+    const std::size_t dot = file.rfind('.');
+    if (dot == std::string_view::npos) return FormatUnknown;
+    std::string extension(file.substr(dot));
+    std::transform(extension.begin(), extension.end(), extension.begin(), lower);
+    for (const auto& row : formats) {
+        if (row.extension == extension) return row.format;
+    }
+    return FormatUnknown;
+}
+
+DataFileInfo GetDataFileInfo(const std::string& filename, const TabOptions* options) {
+    const CellApart cell;
+    try {
+        return identify(filename, options);
+    } catch (const std::bad_alloc&) {
+        DataFileInfo info;
+        info.message = noInformation;
+        return info;
+    }
+}
+
+void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* options,
+                     StringDescriptor* optionsOut, StringDescriptor* typeText, StringDescriptor* message) {
+    for (const StringDescriptor* s :
+         {filename, const_cast<const StringDescriptor*>(optionsOut),
+          const_cast<const StringDescriptor*>(typeText), const_cast<const StringDescriptor*>(message)}) {
+        if (!IsWellFormed(s) || KindOf(s) != KindString) return;
+    }
+    const bool given = options != nullptr && options->data != 0;
+    const TabOptions read = TabOptionsOf(options, FormatComma);
+    const DataFileInfo info = GetDataFileInfo(std::string(StringView(filename)), given ? &read : nullptr);
+    StringAssignView(optionsOut, info.keys);
+    StringAssignView(typeText, info.typeText);
+    StringAssignView(message, info.message);
+}
+
+void TypeInfoStripOuter(std::string& text, std::int32_t size) {
+    stripPair(text, size, isListOrTable);
+    stripPair(text, size, isRecord);
+    const auto most = static_cast<std::size_t>(std::max(size, 1)) - 1;
+    if (text.size() > most) text.resize(most);
+}
+
+// ---- whole values ----
+
+namespace {
+
+TabResult fromXml(const XmlResult& xml, std::string& message) {
+    message = xml.error.message;
+    TabResult result;
+    result.code = xml.error.code;
+    result.row = xml.error.line;
+    result.rows = xml.count;
+    return result;
+}
+
+}  // namespace
+
+TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
+                    Kind kind, std::string& message) {
+    message.clear();
+    TabOptions lines = options;
+    switch (format) {
+    case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
+    case FormatComma:
+    case FormatTab: return TabLoad(filename, lines, value, kind);
+    case FormatBinary: return BinaryLoad(filename, value, kind);
+    case FormatXml: return fromXml(XmlLoad(filename, value, kind), message);
+    default: return {ERR_COMPONENT_UNREPRESENTABLE};
+    }
+}
+
+TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
+                    std::int32_t flags, const void* value, Kind kind, std::string_view names) {
+    std::string message;
+    TabOptions lines = options;
+    switch (format) {
+    case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
+    case FormatComma:
+    case FormatTab: return TabSave(filename, lines, value, kind, names);
+    case FormatBinary: return BinarySave(filename, value, kind);
+    case FormatXml: return fromXml(XmlSave(filename, flags, value, kind, names), message);
+    default: return {ERR_COMPONENT_UNREPRESENTABLE};
+    }
+}
+
+}  // namespace tarn

@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The whole file is written to memory first and then put on disk in one step, so that what cannot be written
+// is known before the old file is touched.
+#include "kernel/data/datafile.h"
+#include "kernel/data/progress.h"
+#include "kernel/data/tab_fields.h"
+#include "kernel/data/tab_rows.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/errors.h"
+#include "kernel/fixed.h"
+#include "kernel/numbers.h"
+#include "kernel/runtime.h"
+#include "kernel/sets.h"
+#include "kernel/strings.h"
+#include "kernel/table_access.h"
+
+#include <algorithm>
+#include <charconv>
+#include <new>
+#include <vector>
+
+namespace tarn {
+
+namespace {
+
+constexpr std::size_t longestName = 40;
+
+// ---- names of columns ----
+
+std::string_view takeLine(std::string_view& text) {
+    const std::size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    return line;
+}
+
+// The first line of each element of a declaration that is a value.
+std::vector<std::string> namesOf(std::string_view description) {
+    std::vector<std::string> names;
+    for (std::size_t position = 0; position < description.size();) {
+        const std::size_t start = position;
+        const std::int32_t kind = TypeInfoToValue(description, position, nullptr);
+        if (IsValueKind(kind)) names.push_back(TypeInfoName(description.substr(start), 1));
+        if (position == start) break;
+    }
+    return names;
+}
+
+// The names that a table's own description gives its fields, one per line. The description is the fields
+// alone, or the whole declaration.
+std::string namesOfTable(const TableDescriptor* table, std::size_t fields) {
+    std::string description(StringView(TableTypeInfo(table)));
+    std::vector<std::string> names = namesOf(description);
+    if (names.size() != fields) {
+        TypeInfoStripOuter(description, MaxTypeInfo);
+        names = namesOf(description);
+    }
+    std::string lines;
+    for (const std::string& name : names) lines += name + '\n';
+    return lines;
+}
+
+std::string nameOf(std::string_view& names, std::int32_t number) {
+    std::string name(takeLine(names));
+    name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return c == '"' || c == '\r'; }),
+               name.end());
+    if (name.empty()) name = "FIELD" + std::to_string(number);
+    return name.substr(0, longestName);
+}
+
+// ---- rows ----
+
+class RowWriter {
+public:
+    RowWriter(std::string& text, std::int32_t separator)
+        : text_(text), separator_(separator), raw_(separator == NoTabSeparator) {}
+
+    void row(const TabField& field, const char* at) {
+        first_ = true;
+        put(field, at);
+        text_ += '\n';
+    }
+    // A text whose separators would end the cell.
+    void cell(std::string_view characters) {
+        if (!first_) text_ += static_cast<char>(separator_);
+        first_ = false;
+        const std::size_t start = text_.size();
+        text_.append(characters);
+        if (!raw_)
+            std::replace(text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(),
+                         static_cast<char>(separator_), '?');
+    }
+    [[nodiscard]] std::int32_t code() const { return code_; }
+
+private:
+    void plain(std::string_view characters) {
+        if (!first_) text_ += static_cast<char>(separator_);
+        first_ = false;
+        text_.append(characters);
+    }
+
+    void put(const TabField& field, const char* at) {
+        switch (field.kind) {
+        case KindRecord:
+        case KindUnion: {
+            const char* const data = At(ReadAt<RecordDescriptor>(at).data);
+            for (const TabField& inner : field.fields) put(inner, data + inner.offset);
+            return;
+        }
+        case KindBoolean: return plain(ReadAt<std::uint8_t>(at) != 0 ? "True" : "False");
+        case KindEnum: return putInteger(ReadAt<std::uint8_t>(at));
+        case KindInteger: return putInteger(ReadAt<std::int32_t>(at));
+        case KindFixed: return plain(FixedToText(ReadAt<Fixed>(at)));
+        case KindReal: return plain(RealToText(ReadAt<double>(at), RealTextDecimals));
+        case KindString: return putString(*reinterpret_cast<const StringDescriptor*>(at));
+        case KindSet: return putSet(reinterpret_cast<const SetDescriptor*>(at));
+        default: return putCharacters(ReadAt<ArrayDescriptor>(at));
+        }
+    }
+    void putInteger(std::int32_t value) {
+        char digits[12];
+        plain({digits,
+               static_cast<std::size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits)});
+    }
+    void putString(const StringDescriptor& s) {
+        if (CharacterWidth == 1) return cell(StringView(&s));
+        cell(NarrowTabText(&s));
+    }
+    void putSet(const SetDescriptor* set) {
+        String literal;
+        SetToText(set, true, literal.get());
+        if (tarn_error_cell != 0) code_ = tarn_error_cell;
+        plain(literal.view());
+    }
+    // Up to the first NUL and without the blanks that fill it up.
+    void putCharacters(const ArrayDescriptor& array) {
+        std::string_view characters(At(array.data), static_cast<std::size_t>(array.size));
+        characters = characters.substr(0, characters.find('\0'));
+        cell(characters.substr(0, characters.find_last_not_of(' ') + 1));
+    }
+
+    std::string& text_;
+    std::int32_t separator_, code_ = 0;
+    bool raw_, first_ = true;
+};
+
+// What has rows: where the first element stands, how many there are and how far apart.
+struct Elements {
+    const char* first = nullptr;
+    std::int32_t count = 1;
+    Kind kind = KindNone;
+};
+
+Elements elementsOf(const void* value, Kind kind) {
+    if (kind == KindArray) {
+        const auto array = ReadAt<ArrayDescriptor>(value);
+        const auto element = static_cast<Kind>(array.tag);
+        return {At(array.data), array.size / KindSize[element], element};
+    }
+    if (kind == KindTable) value = &HeaderOf(*static_cast<const TableDescriptor*>(value)).rows;
+    if (kind != KindList && kind != KindTable) return {static_cast<const char*>(value), 1, kind};
+    const auto list = ReadAt<ListDescriptor>(value);
+    return {At(list.data), list.count, static_cast<Kind>(list.tag)};
+}
+
+class Saving {
+public:
+    Saving(const TabOptions& options, const TabField& row)
+        : options_(options), row_(row), writer_(text_, options.separatorchar) {}
+
+    TabResult build(const void* value, Kind kind, std::string_view names) {
+        if (options_.separatorchar != NoTabSeparator) putHeaders(names);
+        if (kind == KindString)
+            putText(static_cast<const StringDescriptor*>(value));
+        else
+            putRows(elementsOf(value, kind));
+        if (options_.separatorchar != NoTabSeparator) putFooters();
+        return result_;
+    }
+    [[nodiscard]] const std::string& text() const { return text_; }
+
+private:
+    void putHeaders(std::string_view names) {
+        if (options_.numheaderrows < 1) return;
+        const std::int32_t columns = row_.fields.empty() ? 1 : static_cast<std::int32_t>(row_.fields.size());
+        for (std::int32_t n = 1; n <= columns; ++n) writer_.cell(nameOf(names, n));
+        text_ += '\n';
+        if (options_.numheaderrows < 2) return;
+        std::string dashes = text_;
+        for (char& c : dashes) {
+            if (c != '\n' && static_cast<unsigned char>(c) != options_.separatorchar) c = '-';
+        }
+        text_ += dashes;
+    }
+    void putFooters() {
+        if (options_.numfooterrows >= 2) text_ += '\n';
+        if (options_.numfooterrows < 1) return;
+        text_ +=
+            "(" + std::to_string(result_.rows) + " row" + (result_.rows == 1 ? "" : "s") + " affected)\n";
+    }
+
+    void putText(const StringDescriptor* s) {
+        const std::size_t start = text_.size();
+        text_ += CharacterWidth == 1 ? std::string(StringView(s)) : NarrowTabText(s);
+        if (text_.size() > start && text_.back() != '\n') text_ += '\n';
+        result_.rows = static_cast<std::int32_t>(
+            std::count(text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(), '\n'));
+    }
+    void putRows(const Elements& elements) {
+        std::size_t told = 0;
+        for (std::int32_t i = 0; i < elements.count && result_.code == 0 && !result_.stopped; ++i) {
+            writer_.row(row_, elements.first + std::int64_t{i} * KindSize[elements.kind]);
+            result_.code = writer_.code();
+            ++result_.rows;
+            if (text_.size() - told < std::size_t{ProgressStep}) continue;
+            told = text_.size();
+            const auto done = static_cast<std::int64_t>(told);
+            result_.stopped = !Progress(done, done / (i + 1) * elements.count);
+        }
+    }
+
+    const TabOptions& options_;
+    const TabField& row_;
+    std::string text_;
+    RowWriter writer_;
+    TabResult result_;
+};
+
+TabResult save(const std::string& filename, const TabOptions& options, const void* value, Kind kind,
+               std::string_view names) {
+    const TabTarget target = MakeTabTarget(value, kind, options.separatorchar);
+    if (target.code != 0) return {target.code};
+    std::string own;
+    if (kind == KindTable) {
+        own = namesOfTable(static_cast<const TableDescriptor*>(value), target.row.fields.size());
+        if (!own.empty()) names = own;
+    }
+    Saving saving(options, target.row);
+    TabResult result = saving.build(value, kind, names);
+    if (result.code == 0 && !result.stopped)
+        result.code = FileWriteCode(os::saveFile(filename, saving.text()).error);
+    return result.code == 0 ? result : TabResult{result.code};
+}
+
+}  // namespace
+
+std::string NarrowTabText(const StringDescriptor* s) {
+    std::string text;
+    const std::int32_t length = StringLength(s);
+    text.reserve(static_cast<std::size_t>(length));
+    for (std::int32_t i = 1; i <= length; ++i) {
+        const std::int32_t c = StringGetChar(s, i);
+        text += static_cast<char>(c <= 255 ? c : '?');
+    }
+    return text;
+}
+
+TabResult TabSave(const std::string& filename, const TabOptions& options, const void* value, Kind kind,
+                  std::string_view names) {
+    const CellApart cell;
+    try {
+        return save(filename, options, value, kind, names);
+    } catch (const std::bad_alloc&) {
+        return {ERR_OUT_OF_MEMORY};
+    }
+}
+
+}  // namespace tarn

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What stands between the tags of an element. It is read from the bytes of the lines, not by symbols: whole
+// runs up to the next mark. Text is collected only as long as somebody may take it: in an element whose
+// target is made of other elements it ends with the first of them, so that the blanks between thousands of
+// rows do not count.
+#include "kernel/data/scanner_bytes.h"
+#include "kernel/data/xml_reader.h"
+#include "kernel/errors.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tarn {
+
+namespace {
+
+constexpr std::size_t maxReference = 500;
+
+bool isReferenceDigit(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteHexDigit) || c == 'x';
+}
+
+// The low byte of the number; digits that the base does not have end it.
+char byteOf(std::string_view digits) {
+    unsigned base = 10, value = 0;
+    if (digits.substr(0, 1) == "x") {
+        base = 16;
+        digits.remove_prefix(1);
+    }
+    for (const char c : digits) {
+        const int letter = (c | 32) - 'a' + 10;
+        const auto digit = static_cast<unsigned>(c <= '9' ? c - '0' : letter);
+        if (digit >= base) break;
+        value = value * base + digit;
+    }
+    return static_cast<char>(value & 255U);
+}
+
+void readCharacter(std::string_view text, XmlReference& reference) {
+    std::size_t end = 2;
+    while (end < text.size() && end < 2 + maxReference && isReferenceDigit(text[end])) ++end;
+    reference.length = end;
+    if (text.substr(end, 1) != ";") {
+        reference.message = "Symbol \";\" must occur at end of a character reference";
+        return;
+    }
+    reference.byte = byteOf(text.substr(2, end - 2));
+    reference.replacement = {&reference.byte, 1};
+    ++reference.length;
+}
+
+void readEntity(const XmlReader& reader, std::string_view text, XmlReference& reference) {
+    std::size_t end = 1;
+    while (end < text.size() && XmlIsNamePart(static_cast<unsigned char>(text[end]))) ++end;
+    const std::string name = std::string(text.substr(0, end)) + ";";
+    if (!EntityFind(reader.tables.entities, name, reference.replacement))
+        reference.message = "The entity reference " + name + " is not allowed";
+    const bool closed = text.substr(end, 1) == ";";
+    if (!closed && reference.message.empty())
+        reference.message = "Symbol \";\" must occur at end of an entity reference";
+    reference.length = closed ? end + 1 : end;
+}
+
+class Content {
+public:
+    Content(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name)
+        : reader_(reader), target_(target), given_(given), name_(name), nameEnd_(reader.names.size()),
+          text_(reader.text.size()), children_(reader, target) {}
+    ~Content() { reader_.text.resize(text_); }
+    Content(const Content&) = delete;
+    Content& operator=(const Content&) = delete;
+
+    std::string read() {
+        while (!reader_.ended() && step()) {}
+        if (reader_.ended()) return {};
+        XmlNext(reader_);
+        children_.finish();
+        const std::string_view text = std::string_view(reader_.text).substr(text_);
+        if (target_.takesText()) {
+            XmlBindText(reader_, target_, text);
+        } else if (count_ == 0 && !XmlIsBlank(text)) {
+            given_.giveWay(reader_);
+            reader_.lostData = reader_.lostData || target_.value != nullptr;
+        }
+        return reader_.discover ? types_.finish(name(), text) : std::string();
+    }
+
+private:
+    [[nodiscard]] std::string_view name() const {
+        return std::string_view(reader_.names).substr(name_, nameEnd_ - name_);
+    }
+
+    // False at the end of the content.
+    bool step() {
+        takeRun();
+        const unsigned char c = ScannerChar(), after = ScannerExtraChar();
+        if (c == '<') {
+            if (after == '/') return false;
+            if (XmlIsNameStart(after))
+                child();
+            else if (after == '!')
+                markup();
+            else if (after == '?')
+                instruction();
+            else
+                takeBytes(1);
+        } else if (c == '&') {
+            if (XmlIsReference(ScannerRemainder()))
+                reference();
+            else
+                takeBytes(1);
+        }
+        return c != EndOfFileMark;
+    }
+
+    // ---- text ----
+
+    void append(std::string_view text) {
+        if (!collects_) return;
+        const std::size_t room = std::size_t{MaxXmlText} - (reader_.text.size() - text_);
+        if (text.size() > room)
+            XmlReport(reader_, ERR_XML_OVERFLOW,
+                      "Character data at this nesting level is too long, max length is " +
+                          std::to_string(MaxXmlText));
+        reader_.text.append(text.substr(0, room));
+    }
+    void takeBytes(std::size_t count) {
+        append(ScannerRemainder().substr(0, count));
+        ScannerSkipBytes(static_cast<std::int32_t>(count));
+    }
+    // Up to the next mark, or over the end of the line.
+    void takeRun() {
+        const std::string_view rest = ScannerRemainder();
+        std::size_t length = rest.size();
+        for (const char mark : {'<', '&', static_cast<char>(EndOfFileMark)}) {
+            const void* const found = std::memchr(rest.data(), mark, length);
+            if (found != nullptr)
+                length = static_cast<std::size_t>(static_cast<const char*>(found) - rest.data());
+        }
+        append(rest.substr(0, length));
+        ScannerSkipBytes(static_cast<std::int32_t>(length));
+        if (length == rest.size()) nextLine();
+    }
+    void nextLine() {
+        ScannerReportStatus(ScannerSkipChar(), reader_.error);
+        XmlShowProgress(reader_);
+    }
+
+    void reference() {
+        XmlReference reference;
+        XmlReadReference(reader_, ScannerRemainder(), reference);
+        ScannerSkipBytes(static_cast<std::int32_t>(reference.length));
+        if (!reference.message.empty()) XmlReport(reader_, ERR_XML_NOT_WELL_FORMED, reference.message);
+        append(reference.replacement);
+    }
+
+    // ---- marks ----
+
+    void markup() {
+        XmlNext(reader_);
+        if (XmlCheck(reader_, {XmlCdata, XmlComment}) && ScannerSymbol() == XmlCdata) takeVerbatim();
+    }
+    void takeVerbatim() {
+        constexpr std::string_view mark = "]]>";
+        for (;;) {
+            std::string_view rest = ScannerRemainder();
+            rest = rest.substr(0, rest.find(static_cast<char>(EndOfFileMark)));
+            const std::size_t found = rest.find(mark);
+            takeBytes(std::min(found, rest.size()));
+            if (found != std::string_view::npos)
+                return ScannerSkipBytes(static_cast<std::int32_t>(mark.size()));
+            if (ScannerChar() != LineEnd || reader_.ended()) return;
+            nextLine();
+        }
+    }
+    void instruction() {
+        ScannerSkipBytes(2);
+        XmlSkipPast(reader_, "?>");
+    }
+
+    // ---- children ----
+
+    void child() {
+        if (reader_.depth == MaxXmlDepth) {
+            XmlReport(reader_, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
+            reader_.abandoned = true;
+            return;
+        }
+        const std::int32_t line = ScannerLineNumber();
+        XmlNext(reader_);
+        if (++count_ == 1) firstChild();
+        const XmlTarget destination = children_.destination(count_);
+        XmlElementResult result;
+        ++reader_.depth;
+        XmlElement(reader_, destination, result);
+        --reader_.depth;
+        const std::string_view child = std::string_view(reader_.names).substr(nameEnd_);
+        if (reader_.discover) types_.add(reader_, name(), child, line, result);
+        children_.add(count_, name(), child, result.index);
+        reader_.names.resize(nameEnd_);
+        XmlShowProgress(reader_);
+    }
+    void firstChild() {
+        given_.giveWay(reader_);
+        collects_ = target_.takesText();
+        if (!collects_) reader_.text.resize(text_);
+    }
+
+    XmlReader& reader_;
+    XmlTarget target_;
+    XmlGivenFields& given_;
+    std::size_t name_, nameEnd_, text_;  // in the buffers of the reader
+    std::int32_t count_ = 0;
+    bool collects_ = true;
+    XmlChildren children_;
+    XmlTypes types_;
+};
+
+}  // namespace
+
+bool XmlIsReference(std::string_view text) {
+    return text.size() > 1 && (text[1] == '#' || XmlIsNameStart(static_cast<unsigned char>(text[1])));
+}
+
+void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReference& reference) {
+    if (text[1] == '#')
+        readCharacter(text, reference);
+    else
+        readEntity(reader, text, reference);
+}
+
+std::string XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name) {
+    return Content(reader, target, given, name).read();
+}
+
+}  // namespace tarn

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Loading whole values. A table takes its rows from more forms than one: as they stand in the outermost
+// element, from a list of records inside of it, or one row from a single record. The first form is read
+// without looking for the structure; only when it does not fit, the structure decides.
+#include "kernel/arrays.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/data/xml_reader.h"
+#include "kernel/errors.h"
+#include "kernel/lists.h"
+#include "kernel/records.h"
+#include "kernel/tables.h"
+
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+std::int32_t itemsOf(const void* value, Kind kind) {
+    switch (kind) {
+    case KindRecord:
+    case KindUnion: return FieldCountOf(static_cast<const RecordDescriptor*>(value)->kinds);
+    case KindArray: return ArrayElementCount(static_cast<const ArrayDescriptor*>(value));
+    case KindList: return ListCount(static_cast<const ListDescriptor*>(value));
+    case KindTable: return TableCount(static_cast<const TableDescriptor*>(value));
+    default: return IsValueKind(kind) ? 1 : 0;
+    }
+}
+
+const RecordDescriptor* rowShape(const TableDescriptor* table) {
+    const ListDescriptor* const rows = TableRows(table);
+    return rows != nullptr ? reinterpret_cast<const RecordDescriptor*>(At(rows->prototype)) : nullptr;
+}
+
+void note(ErrorRecord& error, std::int32_t code) {
+    if (error.code == 0 && code != 0) error = XmlFailure(code);
+}
+
+// A table of the same shape that takes the other's place once its rows are there.
+class Refill {
+public:
+    explicit Refill(TableDescriptor* table) : table_(table) { AdtInit(fresh_.get(), table, KindTable); }
+    void add(const RecordDescriptor* row, ErrorRecord& error) {
+        TableAdd(fresh_.get(), TableIndexCount(fresh_.get()) > 0 ? 1 : 0, row);
+        note(error, XmlTakeCellError());
+    }
+    void takePlace() {
+        if (fresh_.get()->tag != 0) std::swap(*table_, *fresh_.get());
+    }
+
+private:
+    TableDescriptor* table_;
+    TableValue fresh_;
+};
+
+// The rows of a list inside the outermost element.
+XmlReadResult loadInnerList(const std::string& filename, TableDescriptor* table) {
+    RecordValue outer;
+    RecordInit(outer.get(), TagRecord, MakeFieldKinds({KindList}));
+    auto* list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
+    if (list != nullptr) ListInit(list, UNBOUNDED, rowShape(table), KindRecord, false);
+    XmlReadResult result;
+    note(result.error, XmlTakeCellError());
+    if (result.error.code != 0) return result;
+    result = ReadXml(filename, outer.get(), KindRecord, nullptr, 0);
+    if (result.stopped) return result;
+    Refill refill(table);
+    list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
+    for (std::int32_t i = 1; i <= list->count; ++i)
+        refill.add(static_cast<const RecordDescriptor*>(ListRef(list, i)), result.error);
+    refill.takePlace();
+    return result;
+}
+
+// The lines between the first and the last, one level up.
+std::string fieldsOf(std::string text) {
+    TypeInfoDeleteLine(text, 1);
+    const std::size_t last = text.rfind('\n', text.size() < 2 ? 0 : text.size() - 2);
+    text.resize(last == std::string::npos ? 0 : last + 1);
+    TypeInfoChangeIndent(-1, text, MaxTypeInfo);
+    return text;
+}
+
+XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* table) {
+    RecordValue row;
+    XmlReadResult result;
+    AdtInit(row.get(), rowShape(table), KindRecord);
+    note(result.error, XmlTakeCellError());
+    if (result.error.code != 0) return result;
+    result = ReadXml(filename, row.get(), KindRecord, nullptr, 0);
+    if (result.stopped) return result;
+    Refill refill(table);
+    refill.add(row.get(), result.error);
+    refill.takePlace();
+    return result;
+}
+
+// What the table could not take as it stands, by its structure.
+XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table, XmlReadResult direct) {
+    std::string text;
+    const XmlReadResult found = ReadXml(filename, nullptr, KindNone, &text, MaxTypeInfo);
+    if (found.stopped) return found;
+    if (TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record"))
+        return loadInnerList(filename, table);
+    const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
+                        !TypeInfoIsPath(text, "/record/table");
+    if (single && TypeInfoMatchesValue(fieldsOf(text), rowShape(table)) == 0)
+        return loadSingleRecord(filename, table);
+    return direct;
+}
+
+bool isFileError(std::int32_t code) {
+    return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
+}
+bool isShortOfMemory(std::int32_t code) {
+    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+}
+
+// Binds into a copy of the table's shape first: the direct form may not be the one, and a later read may be
+// stopped.
+XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
+    TableValue fresh;
+    AdtInit(fresh.get(), table, KindTable);
+    XmlReadResult result;
+    note(result.error, XmlTakeCellError());
+    if (result.error.code != 0) return result;
+    result = ReadXml(filename, fresh.get(), KindTable, nullptr, 0);
+    if (isFileError(result.error.code) || result.stopped) return result;
+    const bool fits = result.error.code == 0 && !result.lostData;
+    if (!fits && !isShortOfMemory(result.error.code))
+        result = loadOtherForm(filename, fresh.get(), std::move(result));
+    if (!isFileError(result.error.code) && !result.stopped) std::swap(*table, *fresh.get());
+    if (result.error.code == ERR_DUPLICATE_FIELDS) {
+        result.error.code = ERR_UNIQUE_INDEX;
+        result.error.message = ErrorText(ERR_UNIQUE_INDEX);
+    }
+    return result;
+}
+
+}  // namespace
+
+XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
+    XmlResult result;
+    if (filename.empty()) return result;
+    const XmlCellAside aside;
+    const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsHeldInFile(value, kind);
+    XmlReadResult read = table ? loadTable(filename, static_cast<TableDescriptor*>(value))
+                               : ReadXml(filename, value, kind, nullptr, 0);
+    result.error = std::move(read.error);
+    result.stopped = read.stopped;
+    const bool whole = value != nullptr && IsValueKind(kind) && (!IsAdtKind(kind) || KindOf(value) == kind);
+    if (whole) result.count = itemsOf(value, kind);
+    return result;
+}
+
+}  // namespace tarn

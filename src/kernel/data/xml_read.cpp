@@ -1,0 +1,307 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A whole read, and the steps that the modules of the reader are made of. The data goes into a fresh value of
+// the target's shape, which takes the target's place at the end: a read that is stopped changes nothing.
+#include "kernel/data/progress.h"
+#include "kernel/data/scanner_bytes.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/data/xml_reader.h"
+#include "kernel/errors.h"
+#include "kernel/lists.h"
+#include "kernel/runtime.h"
+#include "kernel/sets.h"
+#include "kernel/tables.h"
+#include "os/files.h"
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace tarn {
+
+namespace {
+
+constexpr struct {
+    std::int32_t id;
+    const char *key, *terminator = "";
+} symbols[] = {
+    {XmlDeclaration, "<?xml"},
+    {XmlInstructionEnd, "?>"},
+    {XmlInstruction, "<?"},
+    {XmlPercent, "%"},
+    {XmlVersion, "version"},
+    {XmlEncoding, "encoding"},
+    {XmlStandalone, "standalone"},
+    {XmlDoctype, "<!DOCTYPE"},
+    {XmlSystem, "SYSTEM"},
+    {XmlPublic, "PUBLIC"},
+    {XmlNdata, "NDATA"},
+    {XmlElementDeclaration, "<!ELEMENT"},
+    {XmlAttlist, "<!ATTLIST"},
+    {XmlEntity, "<!ENTITY"},
+    {XmlNotation, "<!NOTATION"},
+    {XmlCdata, "<![CDATA["},
+    {XmlTag, "<"},
+    {XmlName, "##XMLID"},
+    {XmlEmptyEnd, "/>"},
+    {XmlTagEnd, ">"},
+    {XmlEndTag, "</"},
+    {XmlEquals, "="},
+    {XmlOpen, "["},
+    {XmlClose, "]"},
+    {XmlSingleQuoted, "##MLSQSTR"},
+    {XmlDoubleQuoted, "##MLDQSTR"},
+    {XmlComment, "<!--", "-->"},
+    {0, "##EOL"},
+    {0, "##WHITESPACE"},
+};
+// Names like any other behind the prolog.
+constexpr std::string_view prologWords[] = {"version", "encoding", "standalone", "SYSTEM", "PUBLIC", "NDATA"};
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+class OpenScanner {
+public:
+    OpenScanner() = default;
+    ~OpenScanner() { ScannerClose(); }
+    OpenScanner(const OpenScanner&) = delete;
+    OpenScanner& operator=(const OpenScanner&) = delete;
+};
+
+// A value of the shape of another, until it takes its place.
+class FreshValue {
+public:
+    FreshValue(void* value, Kind kind) : value_(value), kind_(kind) {
+        if (value_ != nullptr) AdtInit(bytes_, value_, kind_);
+    }
+    ~FreshValue() {
+        if (value_ != nullptr && IsAdtKind(kind_)) AdtFree(bytes_, kind_);
+    }
+    FreshValue(const FreshValue&) = delete;
+    FreshValue& operator=(const FreshValue&) = delete;
+
+    [[nodiscard]] XmlTarget target() { return value_ != nullptr ? XmlTarget{bytes_, kind_} : XmlTarget{}; }
+    void takePlace() {
+        if (value_ == nullptr) return;
+        AdtFree(value_, kind_);
+        std::memcpy(value_, bytes_, static_cast<std::size_t>(KindSize[kind_]));
+        value_ = nullptr;
+    }
+
+private:
+    void* value_;
+    Kind kind_;
+    char bytes_[sizeof(ArrayDescriptor)] = {};
+};
+
+std::int32_t codeOf(os::FileError error) {
+    switch (error) {
+    case os::FileError::Vanished: return ERR_FILE_VANISHED;
+    case os::FileError::BadName: return ERR_FILE_NAME;
+    default: return ERR_FILE_READ;
+    }
+}
+
+void fillTables(XmlTables& tables) {
+    for (const auto& symbol : symbols) SymbolAdd(&tables.symbols, symbol.id, symbol.key, symbol.terminator);
+    EntityInit(tables.entities);
+}
+
+// ---- the document ----
+
+void skipByteOrderMark(XmlReader& reader) {
+    if (ScannerLine().substr(0, byteOrderMark.size()) != byteOrderMark) return;
+    for (std::size_t i = 0; i < byteOrderMark.size(); ++i) XmlNext(reader);
+}
+
+void checkEnd(XmlReader& reader) {
+    XmlNext(reader);
+    XmlMisc(reader);
+    if (ScannerSymbol() == SymbolEndOfFile) return;
+    std::string found(ScannerSymbolStr());
+    const bool tag = ScannerSymbol() == XmlTag;
+    if (tag) XmlNext(reader);
+    if (!tag || ScannerSymbol() != XmlName)
+        return XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
+                         "Found unexpected symbol \"" + found + "\" following the final end tag");
+    found = ScannerSymbolStr();
+    XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
+              "Found unexpected element \"" + found +
+                  "\" following the final end tag, this may be caused by an XML document with multiple "
+                  "elements and no outer element");
+}
+
+void readDocument(XmlReader& reader, XmlTarget target, std::string& typeText) {
+    skipByteOrderMark(reader);
+    XmlProlog(reader);
+    if (!XmlCheck(reader, {XmlTag})) return;
+    for (const std::string_view word : prologWords) SymbolRemove(&reader.tables.symbols, word);
+    XmlElementResult root;
+    XmlElement(reader, target, root);
+    typeText = std::move(root.typeText);
+    if (!reader.ended()) checkEnd(reader);
+}
+
+void cutTypeText(XmlReader& reader, std::string& typeText, std::int32_t size) {
+    const std::size_t most = size > 0 ? static_cast<std::size_t>(size - 1) : 0;
+    if (typeText.size() <= most) return;
+    typeText.resize(most);
+    XmlReport(reader, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
+}
+
+XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::string* typeText,
+                       std::int32_t typeTextSize) {
+    XmlReadResult result;
+    if (!ScannerInputFilename().empty()) {
+        result.error = XmlFailure(ERR_FILE_READ, "Only one XML file can be read at a time");
+        return result;
+    }
+    const auto tables = std::make_unique<XmlTables>();
+    fillTables(*tables);
+    XmlReader reader{*tables, typeText != nullptr};
+    reader.size = os::sizeOf(filename);
+    const OpenScanner open;
+    ScannerReportStatus(ScannerOpen(filename, &tables->symbols, false), reader.error);
+    if (!ScannerInputFilename().empty()) {
+        std::string found;
+        readDocument(reader, fresh.target(), found);
+        if (typeText != nullptr && !reader.stopped) {
+            *typeText = std::move(found);
+            cutTypeText(reader, *typeText, typeTextSize);
+        }
+    }
+    // What looks like the end of the file may be this.
+    if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
+    if (ScannerFileError() == os::FileError::None && !reader.stopped) fresh.takePlace();
+    return {std::move(reader.error), reader.stopped, reader.lostData};
+}
+
+}  // namespace
+
+// ---- steps ----
+
+ErrorRecord XmlFailure(std::int32_t code, std::string_view message) {
+    return {code, 0, 0, std::string(message.empty() ? std::string_view(ErrorText(code)) : message)};
+}
+
+void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
+    ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
+}
+
+std::int32_t XmlTakeCellError() {
+    const std::int32_t code = ErrorCell();
+    tarn_error_cell = 0;
+    return code;
+}
+
+void XmlNext(XmlReader& reader) {
+    ScannerReportStatus(ScannerNext(&reader.tables.symbols), reader.error);
+}
+
+bool XmlIsHeldInFile(const void* value, Kind kind) {
+    if (value == nullptr || KindOf(value) != kind) return false;
+    if (kind == KindList) return ListIsInFile(static_cast<const ListDescriptor*>(value));
+    return kind == KindTable && ListIsInFile(TableRows(static_cast<const TableDescriptor*>(value)));
+}
+
+bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed) {
+    for (const std::int32_t symbol : allowed)
+        if (ScannerSymbol() == symbol) return true;
+    SetValue none;
+    SetInit(none.get(), 0, MaxSymbols);
+    ScannerCheckSymbol(&reader.tables.symbols, ScannerSymbol(), none.get(), reader.error);
+    XmlTakeCellError();
+    return false;
+}
+
+bool XmlExpect(XmlReader& reader, std::int32_t symbol) {
+    if (!XmlCheck(reader, {symbol})) return false;
+    XmlNext(reader);
+    return true;
+}
+
+bool XmlNameFollows() {
+    return !isByte(ScannerChar(), ByteBlank) && ScannerChar() != LineEnd;
+}
+
+bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
+    for (;;) {
+        std::string_view rest = ScannerRemainder();
+        rest = rest.substr(0, rest.find(static_cast<char>(EndOfFileMark)));
+        const std::size_t found = rest.find(mark);
+        if (found != std::string_view::npos) {
+            ScannerSkipBytes(static_cast<std::int32_t>(found + mark.size()));
+            return true;
+        }
+        ScannerSkipBytes(static_cast<std::int32_t>(rest.size()));
+        if (ScannerChar() != LineEnd) return false;
+        ScannerReportStatus(ScannerSkipChar(), reader.error);
+    }
+}
+
+void XmlShowProgress(XmlReader& reader) {
+    const std::int64_t done = ScannerBytesRead();
+    if (done - reader.shown < ProgressStep) return;
+    reader.shown = done;
+    if (!Progress(done, reader.size)) reader.stopped = true;
+}
+
+bool XmlIsNameStart(unsigned char c) {
+    return isByte(c, ByteXmlStart);
+}
+bool XmlIsNamePart(unsigned char c) {
+    return isByte(c, ByteXmlPart);
+}
+
+std::string_view XmlTrimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t start = text.find_first_not_of(blanks);
+    if (start == std::string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(blanks) - start + 1);
+}
+bool XmlIsBlank(std::string_view text) {
+    return XmlTrimmed(text).empty();
+}
+
+// ---- reads ----
+
+XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
+                      std::int32_t typeTextSize) {
+    XmlReadResult result;
+    if (typeText != nullptr) typeText->clear();
+    if (filename.empty()) return result;
+    const XmlCellAside aside;
+    if (value != nullptr && !IsValueKind(kind)) {
+        result.error = XmlFailure(ERR_UNIDENTIFIABLE);
+    } else if (XmlIsHeldInFile(value, kind)) {
+        result.error = XmlFailure(ERR_FILE_NOT_OPEN);
+    } else {
+        FreshValue fresh(value, kind);
+        if (const std::int32_t code = XmlTakeCellError(); code != 0)
+            result.error = XmlFailure(code);
+        else
+            result = readFile(filename, fresh, typeText, typeTextSize);
+    }
+    return result;
+}
+
+ErrorRecord XmlRead(const std::string& filename, std::int32_t, void* value, Kind kind, std::string* typeText,
+                    std::int32_t typeTextSize) {
+    return ReadXml(filename, value, kind, typeText, typeTextSize).error;
+}
+
+std::string TypeInfoFixAny(std::string_view typeText) {
+    constexpr TypeBounds bounds{1024};
+    std::string text(typeText);
+    std::size_t position = 0;
+    for (std::int32_t line = 1; position < text.size(); ++line) {
+        const TypeInfoElement element = TypeInfoParseLine(text, line);
+        if (TypeInfoKind(element.typeName) == KindString && element.typeName.size() == 3)
+            TypeInfoFormatLine(text, static_cast<std::int32_t>(text.size()) + 32, line, element.name,
+                               "string", bounds);
+        TypeInfoSkipLine(text, position);
+    }
+    return text;
+}
+
+}  // namespace tarn

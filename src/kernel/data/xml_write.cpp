@@ -1,0 +1,430 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Values as XML. The whole file is made in memory and then saved at once, so that a failure leaves the old
+// one as it was.
+#include "kernel/arrays.h"
+#include "kernel/data/progress.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/data/xml_reader.h"
+#include "kernel/dates.h"
+#include "kernel/errors.h"
+#include "kernel/fixed.h"
+#include "kernel/indexes.h"
+#include "kernel/lists.h"
+#include "kernel/numbers.h"
+#include "kernel/records.h"
+#include "kernel/sets.h"
+#include "kernel/string_text.h"
+#include "kernel/strings.h"
+#include "kernel/tables.h"
+#include "os/files.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace tarn {
+
+namespace {
+
+constexpr std::string_view lineEnd = "\r\n", rootName = "data", childName = "component";
+
+// ---- characters ----
+
+std::string_view escapeOf(char c) {
+    switch (c) {
+    case '"': return "&quot;";
+    case '&': return "&amp;";
+    case '\'': return "&apos;";
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    default: return {};
+    }
+}
+
+void appendEscaped(std::string& out, std::string_view text) {
+    constexpr std::string_view special = "\"&'<>";
+    for (;;) {
+        const std::size_t found = text.find_first_of(special);
+        out.append(text.substr(0, found));
+        if (found == std::string_view::npos) return;
+        out.append(escapeOf(text[found]));
+        text.remove_prefix(found + 1);
+    }
+}
+
+void appendString(std::string& out, const StringDescriptor* s) {
+    appendEscaped(out, CharacterWidth == 1 ? StringView(s) : NarrowText(s).view());
+}
+
+// ---- names ----
+
+using Names = std::vector<std::string>;
+
+std::string lowerCase(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    return text;
+}
+
+// Quotes go, and what cannot stand in the name of an element becomes "_".
+std::string elementName(std::string_view name) {
+    if (name.size() >= 2 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
+    std::string made(name);
+    for (char& c : made)
+        if (!XmlIsNamePart(static_cast<unsigned char>(c))) c = '_';
+    if (!made.empty() && !XmlIsNameStart(static_cast<unsigned char>(made[0]))) made.insert(0, "_");
+    return made;
+}
+
+// Of `count` fields. A name that is missing, or there before, is "Field" and the number.
+Names fieldNames(const Names& given, std::int32_t count) {
+    Names names, lower;
+    for (std::size_t n = 0; n < static_cast<std::size_t>(count); ++n) {
+        std::string name = n < given.size() ? elementName(given[n]) : std::string();
+        if (name.empty() || std::find(lower.begin(), lower.end(), lowerCase(name)) != lower.end())
+            name = "Field" + std::to_string(n + 1);
+        lower.push_back(lowerCase(name));
+        names.push_back(std::move(name));
+    }
+    return names;
+}
+
+Names linesOf(std::string_view text) {
+    Names names;
+    const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n') + 1);
+    for (std::int32_t n = 1; n <= std::min(lines, MaxFields) && !text.empty(); ++n) {
+        const std::string name = TypeInfoDefaultName(text, n);
+        names.push_back(name == "FIELD" + std::to_string(n) ? std::string() : name);
+    }
+    return names;
+}
+
+// Of the fields that a table's description of its row declares.
+Names declaredNames(std::string_view description) {
+    Names names;
+    std::size_t end = 0;
+    if (TypeInfoToValue(description, end, nullptr) == KindRecord && end == description.size() && end != 0)
+        description.remove_prefix(std::min(description.find('\n'), end - 1) + 1);
+    for (std::size_t position = 0; position < description.size();) {
+        const std::string name = TypeInfoName(description.substr(position), 1);
+        const std::size_t start = position;
+        const std::int32_t kind = TypeInfoToValue(description, position, nullptr);
+        if (IsValueKind(kind)) names.push_back(name);
+        if (position <= start) break;
+    }
+    return names;
+}
+
+// ---- types ----
+
+std::string bracketed(std::string_view type, std::int32_t maxlength) {
+    std::string text(type);
+    if (maxlength != UNBOUNDED) text += "[" + std::to_string(maxlength) + "]";
+    return text;
+}
+
+std::string arrayType(const ArrayDescriptor& a) {
+    std::string bounds;
+    for (const ArrayBounds& b : a.bounds) {
+        if (b.lower == NO_DIMENSION) break;
+        bounds += (bounds.empty() ? "" : ",") + std::to_string(b.lower) + ":" + std::to_string(b.upper);
+    }
+    return bounds.empty() ? "array" : "array[" + bounds + "]";
+}
+
+std::string typeOf(const void* value, Kind kind) {
+    constexpr std::string_view names[KindCount] = {"",     "boolean", "enum",   "integer", "fixed",
+                                                   "real", "string",  "record", "union"};
+    switch (kind) {
+    case KindString: return bracketed("string", ReadAt<DescriptorHead>(value).maxlength);
+    case KindList: return bracketed("list", ReadAt<DescriptorHead>(value).maxlength);
+    case KindTable: return bracketed("table", ReadAt<DescriptorHead>(value).maxlength);
+    case KindArray: return arrayType(*static_cast<const ArrayDescriptor*>(value));
+    case KindSet: {
+        const auto* s = static_cast<const SetDescriptor*>(value);
+        return "set[" + std::to_string(s->lower) + ":" + std::to_string(s->upper) + "]";
+    }
+    default: return std::string(names[kind]);
+    }
+}
+
+bool isWrittenAsText(Kind kind) {
+    return kind <= KindString || kind == KindSet;
+}
+
+bool isReserved(const std::string& name) {
+    const std::string lower = lowerCase(name);
+    return lower == "type" || lower == "index";
+}
+
+// What no attribute can hold.
+bool endsStrings(char c) {
+    return (static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n') || c == '\x7F';
+}
+
+// ---- the file ----
+
+class Writer {
+public:
+    explicit Writer(std::int32_t options) : fieldAttributes_((options & XmlFieldAttributes) != 0) {}
+
+    void writeFile(const void* value, Kind kind, std::string_view names) {
+        char now[DateSize] = "";
+        DateNow(now, DateSize);
+        line(0, R"(<?xml version="1.0"?>)");
+        line(0, "<!-- \"" + std::string(ProductWord) + " XML file\" \"" + now + "\" -->");
+        given_ = linesOf(names);
+        element({value, kind, rootName, {}, 0, &given_});
+    }
+    std::string out;
+    std::int32_t code = 0;   // the first failure
+    std::int32_t count = 0;  // items inside the outermost element; 1 for a text
+    bool stopped = false;
+
+private:
+    struct Item {
+        const void* value;
+        Kind kind;
+        std::string_view name;
+        std::string index;
+        std::int32_t depth;
+        const Names* names;  // of the fields of a record, or of those in it; null: none
+    };
+
+    [[nodiscard]] bool ended() const { return code != 0 || stopped; }
+    void fail(std::int32_t error) {
+        if (code == 0) code = error;
+    }
+    void indent(std::int32_t depth) { out.append(static_cast<std::size_t>(depth) * 2, ' '); }
+    void line(std::int32_t depth, std::string_view text) {
+        indent(depth);
+        out.append(text).append(lineEnd);
+    }
+    void startTag(const Item& item) {
+        indent(item.depth);
+        out.append("<")
+            .append(item.name)
+            .append(" type=\"")
+            .append(typeOf(item.value, item.kind))
+            .append("\"");
+        if (!item.index.empty()) out.append(" index=\"").append(item.index).append("\"");
+    }
+    void endTag(std::string_view name) { out.append("</").append(name).append(">").append(lineEnd); }
+
+    void element(const Item& item) {
+        if (item.depth >= MaxXmlDepth) return fail(ERR_XML_TOO_COMPLEX);
+        if (IsAdtKind(item.kind) && KindOf(item.value) != item.kind) return fail(AdtTypeError(item.kind));
+        if (XmlIsHeldInFile(item.value, item.kind)) return fail(ERR_TYPE_NOT_STORABLE);
+        const bool record = item.kind == KindRecord || item.kind == KindUnion;
+        Names names;
+        if (record) names = namesOf(item);
+        if (item.kind == KindRecord && fieldAttributes_ && isFlat(item, names) && flatRecord(item, names))
+            return;
+        if (ended()) return;
+        startTag(item);
+        out += '>';
+        if (isWrittenAsText(item.kind)) {
+            text(item.value, item.kind);
+            if (item.depth == 0) count = 1;
+        } else {
+            out.append(lineEnd);
+            if (record)
+                fields(item, names);
+            else
+                components(item);
+            indent(item.depth);
+        }
+        endTag(item.name);
+    }
+
+    // Inside the outermost element: counts, and tells how far the work is.
+    void child(const Item& parent, const Item& item, std::int32_t total) {
+        element(item);
+        if (parent.depth > 0) return;
+        ++count;
+        const auto done = static_cast<std::int64_t>(out.size());
+        if (done - shown_ < ProgressStep) return;
+        shown_ = done;
+        if (!Progress(done, done / count * total)) stopped = true;
+    }
+
+    // ---- texts ----
+
+    void text(const void* value, Kind kind) {
+        switch (kind) {
+        case KindBoolean: out.append(BooleanToText(ReadAt<std::uint8_t>(value) != 0)); return;
+        case KindEnum: out.append(std::to_string(ReadAt<std::uint8_t>(value))); return;
+        case KindInteger: out.append(std::to_string(ReadAt<std::int32_t>(value))); return;
+        case KindFixed: out.append(FixedToText(ReadAt<Fixed>(value))); return;
+        case KindReal: out.append(RealToText(ReadAt<double>(value), RealTextDecimals)); return;
+        case KindString: return appendString(out, static_cast<const StringDescriptor*>(value));
+        default: break;
+        }
+        String text;
+        SetToText(static_cast<const SetDescriptor*>(value), true, text.get());
+        fail(XmlTakeCellError());
+        appendString(out, text.get());
+    }
+
+    // ---- records ----
+
+    static Names namesOf(const Item& item) {
+        const auto* record = static_cast<const RecordDescriptor*>(item.value);
+        return fieldNames(item.names != nullptr ? *item.names : Names(), FieldCountOf(record->kinds));
+    }
+    static bool isFlat(const Item& item, const Names& names) {
+        const auto* record = static_cast<const RecordDescriptor*>(item.value);
+        for (std::int32_t n = 1; n <= FieldCountOf(record->kinds); ++n)
+            if (FieldKindAt(record->kinds, n) > KindString) return false;
+        return std::none_of(names.begin(), names.end(), isReserved);
+    }
+    // False, with nothing written, for what would not come back from attributes.
+    bool flatRecord(const Item& item, const Names& names) {
+        const auto* record = static_cast<const RecordDescriptor*>(item.value);
+        const std::int32_t fields = FieldCountOf(record->kinds);
+        const std::size_t start = out.size();
+        startTag(item);
+        for (std::int32_t n = 1; n <= fields && !ended(); ++n) {
+            const Kind kind = FieldKindAt(record->kinds, n);
+            const void* const field = RecordFieldAddress(record, n);
+            if (kind == KindString && KindOf(field) != kind) {
+                fail(AdtTypeError(kind));
+                break;
+            }
+            out.append(" ").append(names[static_cast<std::size_t>(n - 1)]).append("=\"");
+            text(field, kind);
+            out += '"';
+        }
+        out += "/>";
+        const std::string_view line = std::string_view(out).substr(start);
+        if (line.size() >= std::size_t{MaxScannerLine} ||
+            std::any_of(line.begin(), line.end(), endsStrings)) {
+            out.resize(start);
+            return false;
+        }
+        out.append(lineEnd);
+        if (item.depth == 0) count = fields;
+        return true;
+    }
+    void fields(const Item& item, const Names& names) {
+        const auto* record = static_cast<const RecordDescriptor*>(item.value);
+        const std::int32_t fields = FieldCountOf(record->kinds);
+        for (std::int32_t n = 1; n <= fields && !ended(); ++n)
+            child(item,
+                  {RecordFieldAddress(record, n),
+                   FieldKindAt(record->kinds, n),
+                   names[static_cast<std::size_t>(n - 1)],
+                   {},
+                   item.depth + 1,
+                   nullptr},
+                  fields);
+    }
+
+    // ---- values of many ----
+
+    void components(const Item& item) {
+        // The names are those of the records in the outermost value.
+        const Names* const names = item.depth == 0 ? item.names : nullptr;
+        switch (item.kind) {
+        case KindList: return list(item, names);
+        case KindArray: return array(item, names);
+        default: return table(item);
+        }
+    }
+    void list(const Item& item, const Names* names) {
+        const auto* l = static_cast<const ListDescriptor*>(item.value);
+        for (std::int32_t i = 1; i <= l->count && !ended(); ++i)
+            child(item, {ListRef(l, i), static_cast<Kind>(l->tag), childName, {}, item.depth + 1, names},
+                  l->count);
+    }
+    void array(const Item& item, const Names* names) {
+        const auto* a = static_cast<const ArrayDescriptor*>(item.value);
+        const std::int32_t elements = ArrayElementCount(a), dimensions = ArrayDimensions(a);
+        std::int32_t at[MaxDimensions] = {a->bounds[0].lower, a->bounds[1].lower, a->bounds[2].lower};
+        for (std::int32_t i = 0; i < elements && !ended(); ++i) {
+            std::string index = std::to_string(at[0]);
+            for (std::int32_t d = 1; d < dimensions; ++d) index += "," + std::to_string(at[d]);
+            const void* const element = At(a->data) + std::int64_t{i} * KindSize[a->tag];
+            child(item, {element, static_cast<Kind>(a->tag), childName, index, item.depth + 1, names},
+                  elements);
+            for (std::int32_t d = dimensions - 1; d >= 0 && ++at[d] > a->bounds[d].upper && d > 0; --d)
+                at[d] = a->bounds[d].lower;
+        }
+    }
+    // In the order of the first index; by number without one.
+    void table(const Item& item) {
+        const auto* t = static_cast<const TableDescriptor*>(item.value);
+        const ListDescriptor* const rows = TableRows(t);
+        const Names names = declaredNames(StringView(TableTypeInfo(t)));
+        const bool indexed = TableIndexCount(t) > 0;
+        RecordValue key;
+        IndexHit hit;
+        if (indexed && rows->count > 0) {
+            TableKeyFromRow(t, 1, static_cast<const RecordDescriptor*>(ListRef(rows, 1)), key.get());
+            hit = IndexFind("FIRST", TableRoot(t, 1), {}, nullptr, key.get());
+        }
+        for (std::int32_t i = 1; i <= rows->count && !ended(); ++i) {
+            const void* const row = indexed && !hit.found ? nullptr : ListRef(rows, indexed ? hit.row : i);
+            fail(XmlTakeCellError());
+            if (row == nullptr) return fail(ERR_INDEX_TYPE);
+            child(item, {row, KindRecord, childName, {}, item.depth + 1, &names}, rows->count);
+            if (indexed) hit = IndexFind("GT", TableRoot(t, 1), {}, key.get(), key.get());
+        }
+        fail(XmlTakeCellError());
+    }
+
+    bool fieldAttributes_;
+    std::int64_t shown_ = 0;
+    Names given_;
+};
+
+std::int32_t writeErrorOf(os::FileError error) {
+    switch (error) {
+    case os::FileError::Vanished: return ERR_FILE_VANISHED;
+    case os::FileError::DiskFull: return ERR_DISK_FULL;
+    case os::FileError::BadName: return ERR_FILE_NAME;
+    default: return ERR_FILE_WRITE;
+    }
+}
+
+XmlResult saveValue(const std::string& filename, std::int32_t options, const void* value, Kind kind,
+                    std::string_view names) {
+    XmlResult result;
+    Writer writer(options);
+    writer.writeFile(value, kind, names);
+    result.stopped = writer.stopped;
+    if (writer.code != 0) {
+        result.error = XmlFailure(writer.code);
+    } else if (!writer.stopped) {
+        const os::SaveResult saved = os::saveFile(filename, writer.out);
+        if (saved.ok())
+            result.count = writer.count;
+        else
+            result.error = XmlFailure(writeErrorOf(saved.error));
+    }
+    return result;
+}
+
+}  // namespace
+
+std::string XmlEscape(std::string_view text) {
+    std::string escaped;
+    appendEscaped(escaped, text);
+    return escaped;
+}
+
+XmlResult XmlSave(const std::string& filename, std::int32_t options, const void* value, Kind kind,
+                  std::string_view names) {
+    XmlResult result;
+    if (filename.empty() || value == nullptr || !IsValueKind(kind)) {
+        result.error = XmlFailure(ERR_UNIDENTIFIABLE);
+    } else {
+        const XmlCellAside aside;
+        result = saveValue(filename, options, value, kind, names);
+    }
+    const std::int32_t code = result.error.code;
+    if (code == ERR_UNIDENTIFIABLE || code == ERR_TYPE_NOT_STORABLE) SetError(code);
+    return result;
+}
+
+}  // namespace tarn

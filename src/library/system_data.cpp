@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Whole values of the language to and from files.
+#include "library/system.h"
+
+#include "kernel/data/datafile.h"
+#include "kernel/errors.h"
+
+MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+
+namespace tarn {
+namespace {
+
+// An error that was pending already is that of an earlier statement.
+TabResult reported(const TabResult& result) {
+    SetError(result.code);
+    return result;
+}
+
+// The options, or the code of what is wrong with their record.
+TabResult readOptions(const RecordDescriptor* record, std::int32_t format, TabOptions& options) {
+    const std::int32_t before = ErrorCell();
+    tarn_error_cell = 0;
+    options = TabOptionsOf(record, format);
+    const TabResult result{ErrorCell()};
+    tarn_error_cell = before;
+    return result;
+}
+
+}  // namespace
+
+TabResult LOADFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options, void* value,
+                   Kind kind) {
+    FRAME(LOADFILE);
+    STAMP();
+    TabOptions read;
+    TabResult result = readOptions(options, format, read);
+    std::string message;
+    if (result.code == 0)
+        result = LoadValue(file, static_cast<DataFormat>(format), read, value, kind, message);
+    return reported(result);
+}
+
+TabResult SAVEFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options,
+                   const void* value, Kind kind) {
+    FRAME(SAVEFILE);
+    STAMP();
+    TabOptions read;
+    TabResult result = readOptions(options, format, read);
+    if (result.code == 0) result = SaveValue(file, static_cast<DataFormat>(format), read, 0, value, kind);
+    return reported(result);
+}
+
+TabResult LOADFILE(const std::string& file, std::int32_t format, void* value, Kind kind) {
+    FRAME(LOADFILE);
+    STAMP();
+    return LOADFILE(file, format, nullptr, value, kind);
+}
+
+TabResult SAVEFILE(const std::string& file, std::int32_t format, const void* value, Kind kind) {
+    FRAME(SAVEFILE);
+    STAMP();
+    return SAVEFILE(file, format, nullptr, value, kind);
+}
+
+TabResult LOADFILE(const std::string& file, void* value, Kind kind) {
+    FRAME(LOADFILE);
+    STAMP();
+    return LOADFILE(file, FormatBinary, nullptr, value, kind);
+}
+
+TabResult SAVEFILE(const std::string& file, const void* value, Kind kind) {
+    FRAME(SAVEFILE);
+    STAMP();
+    return SAVEFILE(file, FormatBinary, nullptr, value, kind);
+}
+
+}  // namespace tarn
