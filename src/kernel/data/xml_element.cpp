@@ -6,6 +6,7 @@
 #include "kernel/errors.h"
 #include "kernel/records.h"
 
+#include <optional>
 #include <utility>
 
 namespace tarn {
@@ -62,6 +63,7 @@ public:
     Attributes(XmlReader& reader, XmlTarget target, XmlElementResult& result)
         : reader_(reader), result_(result), hadError_(reader.error.code != 0) {
         given_.target = target;
+        if (reader.discover) found_.emplace();
     }
 
     void read() {
@@ -76,8 +78,8 @@ public:
         const bool record = startsWithIgnoringCase(result_.typeAttribute, "record") ||
                             startsWithIgnoringCase(result_.typeAttribute, "union");
         if (count_ == 1 && !record)
-            return TypeInfoValueLine(onlyValue_, name, {}, std::string(name).append(anyType));
-        return std::string(name) + " : record\n" + fields_ + "end record\n";
+            return TypeInfoValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
+        return std::string(name) + " : record\n" + found_->fields + "end record\n";
     }
 
 private:
@@ -88,7 +90,7 @@ private:
         const Meaning meaning = equalsIgnoringCase(name, "type")    ? Meaning::Type
                                 : equalsIgnoringCase(name, "index") ? Meaning::Index
                                                                     : Meaning::Field;
-        if (reader_.discover) name_ = name;
+        if (found_) found_->name = name;
         XmlNext(reader_);
         XmlExpect(reader_, XmlEquals);
         if (!XmlCheck(reader_, {XmlSingleQuoted, XmlDoubleQuoted})) return;
@@ -118,17 +120,22 @@ private:
         } else if (given_.target.value != nullptr) {
             reader_.lostData = true;
         }
-        if (!reader_.discover || fields_.size() > std::size_t{MaxXmlTypeText}) return;
-        if (count_ == 1) onlyValue_ = value;
-        XmlAppendDeeper(fields_, TypeInfoValueLine(value, name_, {}, name_ + std::string(anyType)));
+        if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
+        if (count_ == 1) found_->firstValue = value;
+        XmlAppendDeeper(found_->fields,
+                        TypeInfoValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
     }
 
+    struct Found {
+        std::string name, firstValue, fields;
+    };
     XmlReader& reader_;
     XmlElementResult& result_;
     XmlGivenFields given_;
     bool hadError_;
     std::int32_t count_ = 0;
-    std::string name_, expanded_, onlyValue_, fields_;  // the last two with `discover`
+    std::string expanded_;
+    std::optional<Found> found_;  // with `discover`
 };
 
 // Gives where the name begins in `reader.names`.

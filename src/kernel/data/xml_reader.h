@@ -127,18 +127,27 @@ void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
 // Moves the error of an operation on a value from the cell; 0 for none.
 std::int32_t XmlTakeCellError();
-void XmlNext(XmlReader& reader);
+// What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
+void XmlNoteStatus(XmlReader& reader, ScanStatus status);
+inline void XmlNext(XmlReader& reader) {
+    const ScanStatus status = ScannerNext(&reader.tables.symbols);
+    if (status != ScanClean) XmlNoteStatus(reader, status);
+}
+void XmlReportSymbol(XmlReader& reader);
 // False, and reported, when the symbol is none of these.
-bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed);
+inline bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed) {
+    const std::int32_t found = ScannerSymbol();
+    for (const std::int32_t symbol : allowed)
+        if (found == symbol) return true;
+    XmlReportSymbol(reader);
+    return false;
+}
 // Checks the symbol and scans on if it is the one.
 bool XmlExpect(XmlReader& reader, std::int32_t symbol);
 // Before a name is scanned: false when a blank stands there.
 bool XmlNameFollows();
 // Passes over everything up to and including `mark`; false at the end of the file.
 bool XmlSkipPast(XmlReader& reader, std::string_view mark);
-// Tells how far the read is, from time to time.
-void XmlShowProgress(XmlReader& reader);
-
 // A list or a table that is held in a file.
 bool XmlIsHeldInFile(const void* value, Kind kind);
 bool XmlIsNameStart(unsigned char c);
