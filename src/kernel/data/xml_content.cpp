@@ -202,7 +202,7 @@ private:
         const std::int32_t line = ScannerLineNumber();
         XmlNext(reader_);
         if (++count_ == 1) firstChild();
-        const XmlTarget destination = children_.destination(count_);
+        const XmlTarget destination = children_.destination();
         XmlElementResult result;
         ++reader_.depth;
         XmlElement(reader_, destination, result);

@@ -61,7 +61,7 @@ bool isConversionError(std::int32_t code) {
 class Attributes {
 public:
     Attributes(XmlReader& reader, XmlTarget target, XmlElementResult& result)
-        : reader_(reader), result_(result), hadError_(reader.error.code != 0) {
+        : reader_(reader), result_(result), fields_(target), hadError_(reader.error.code != 0) {
         given_.target = target;
         if (reader.discover) found_.emplace();
     }
@@ -114,8 +114,7 @@ private:
         ++count_;
         if (given_.target.hasFields()) {
             given_.count = count_;
-            auto* record = static_cast<RecordDescriptor*>(given_.target.value);
-            const XmlTarget field{RecordFieldAddress(record, count_), RecordFieldKind(record, count_)};
+            const XmlTarget field = fields_.next();
             if (field.takesText()) XmlBindText(reader_, field, value);
         } else if (given_.target.value != nullptr) {
             reader_.lostData = true;
@@ -132,6 +131,7 @@ private:
     XmlReader& reader_;
     XmlElementResult& result_;
     XmlGivenFields given_;
+    XmlFields fields_;
     bool hadError_;
     std::int32_t count_ = 0;
     std::string expanded_;

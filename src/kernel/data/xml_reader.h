@@ -13,6 +13,7 @@
 #include "kernel/data/scanner.h"
 #include "kernel/data/xml.h"
 #include "kernel/data/xml_entities.h"
+#include "kernel/records.h"
 #include "kernel/runtime.h"
 
 #include <array>
@@ -112,6 +113,26 @@ struct XmlTarget {
     }
 };
 
+// The fields of a record or union, one after another; behind the last there is none.
+class XmlFields {
+public:
+    explicit XmlFields(XmlTarget target) {
+        if (target.hasFields()) record_ = static_cast<RecordDescriptor*>(target.value);
+    }
+    XmlTarget next() {
+        const Kind kind = record_ != nullptr ? FieldKindAt(record_->kinds, number_ + 1) : KindNone;
+        if (kind == KindNone) return {};
+        ++number_;
+        char* const field = At(record_->data) + offset_;
+        offset_ += KindSize[kind];
+        return {field, kind};
+    }
+
+private:
+    RecordDescriptor* record_ = nullptr;
+    std::int32_t number_ = 0, offset_ = 0;
+};
+
 // What an element tells the one around it.
 struct XmlElementResult {
     std::string typeText;       // with `discover`
@@ -192,13 +213,13 @@ void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text);
 // Finds a place for each child of an element, and adds it.
 class XmlChildren {
 public:
-    XmlChildren(XmlReader& reader, XmlTarget target) : reader_(reader), target_(target) {}
+    XmlChildren(XmlReader& reader, XmlTarget target) : reader_(reader), target_(target), fields_(target) {}
     ~XmlChildren();
     XmlChildren(const XmlChildren&) = delete;
     XmlChildren& operator=(const XmlChildren&) = delete;
 
-    // Of child number `n`, from 1.
-    XmlTarget destination(std::int32_t n);
+    // Of the next child.
+    XmlTarget destination();
     // The child was read into its destination.
     void add(std::int32_t n, std::string_view parent, std::string_view child, std::string_view index);
     // There are no more.
@@ -222,6 +243,7 @@ private:
 
     XmlReader& reader_;
     XmlTarget target_;
+    XmlFields fields_;
     Kind scratchKind_ = KindNone;  // once there is one
     char bytes_[sizeof(ArrayDescriptor)] = {};
     std::int32_t failed_ = 0;  // to make a place for the child that is being read
