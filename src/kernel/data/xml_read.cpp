@@ -203,9 +203,10 @@ void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
 }
 
 bool XmlIsHeldInFile(const void* value, Kind kind) {
+    if (kind != KindList && kind != KindTable) return false;
     if (value == nullptr || KindOf(value) != kind) return false;
     if (kind == KindList) return ListIsInFile(static_cast<const ListDescriptor*>(value));
-    return kind == KindTable && ListIsInFile(TableRows(static_cast<const TableDescriptor*>(value)));
+    return ListIsInFile(TableRows(static_cast<const TableDescriptor*>(value)));
 }
 
 void XmlReportSymbol(XmlReader& reader) {
