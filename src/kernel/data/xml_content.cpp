@@ -86,10 +86,10 @@ public:
     Content(const Content&) = delete;
     Content& operator=(const Content&) = delete;
 
-    std::string read() {
+    bool read(std::string& typeText) {
         while (!reader_.ended() && step()) {}
-        if (reader_.ended()) return {};
-        XmlNext(reader_);
+        if (reader_.ended()) return false;
+        const bool closed = enterEndTag();
         children_.finish();
         const std::string_view text = std::string_view(reader_.text).substr(text_);
         if (target_.takesText()) {
@@ -98,12 +98,23 @@ public:
             given_.giveWay(reader_);
             reader_.lostData = reader_.lostData || target_.value != nullptr;
         }
-        return reader_.discover ? types_->finish(name(), text) : std::string();
+        if (types_) typeText = types_->finish(name(), text);
+        return closed || XmlCheck(reader_, {XmlEndTag});
     }
 
 private:
     [[nodiscard]] std::string_view name() const {
         return std::string_view(reader_.names).substr(name_, nameEnd_ - name_);
+    }
+
+    // False at the end of the file.
+    bool enterEndTag() {
+        if (ScannerRemainder().starts_with("</")) {
+            ScannerSkipBytes(2);
+            return true;
+        }
+        XmlNext(reader_);
+        return false;
     }
 
     // A run of text and what stands behind it. False at the end of the content.
@@ -200,7 +211,7 @@ private:
             return;
         }
         const std::int32_t line = ScannerLineNumber();
-        XmlNext(reader_);
+        ScannerSkipBytes(1);
         if (++count_ == 1) firstChild();
         const XmlTarget destination = children_.destination();
         XmlElementResult result;
@@ -208,7 +219,7 @@ private:
         XmlElement(reader_, destination, result);
         --reader_.depth;
         const std::string_view child = std::string_view(reader_.names).substr(nameEnd_);
-        if (reader_.discover) types_->add(reader_, name(), child, line, result);
+        if (types_) types_->add(reader_, name(), child, line, result);
         children_.add(count_, name(), child, result.index);
         reader_.names.resize(nameEnd_);
     }
@@ -241,8 +252,9 @@ void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReferen
         readEntity(reader, text, reference);
 }
 
-std::string XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name) {
-    return Content(reader, target, given, name).read();
+bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+                std::string& typeText) {
+    return Content(reader, target, given, name).read(typeText);
 }
 
 }  // namespace tarn

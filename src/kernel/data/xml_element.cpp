@@ -138,29 +138,45 @@ private:
     std::optional<Found> found_;  // with `discover`
 };
 
-// Gives where the name begins in `reader.names`.
-std::size_t readStartName(XmlReader& reader) {
-    const std::size_t start = reader.names.size();
+void readStartName(XmlReader& reader) {
     const bool adjacent = XmlNameFollows();
     XmlNext(reader);
     const bool named = XmlCheck(reader, {XmlName});
     if (!adjacent) XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"<\" and \"Name\"");
-    if (!named) return start;
+    if (!named) return;
     reader.names.append(ScannerSymbolStr());
     XmlNext(reader);
-    return start;
 }
 
-// From `</` to the `>`, which stays the symbol.
+// A name and a `>` right behind it, as most start tags are, needs no scanning.
+bool readPlainStart(XmlReader& reader) {
+    const std::string_view rest = ScannerRemainder();
+    if (!XmlIsNameStart(static_cast<unsigned char>(rest[0]))) return false;
+    std::size_t end = 1;
+    while (XmlIsNamePart(static_cast<unsigned char>(rest[end]))) ++end;
+    if (rest[end] != '>') return false;
+    reader.names.append(rest.substr(0, end));
+    ScannerSkipBytes(static_cast<std::int32_t>(end + 1));
+    return true;
+}
+
+bool readPlainEnd(std::string_view name) {
+    const std::string_view rest = ScannerRemainder();
+    if (name.empty() || !rest.starts_with(name) || rest[name.size()] != '>') return false;
+    ScannerSkipBytes(static_cast<std::int32_t>(name.size() + 1));
+    return true;
+}
+
+// From behind `</` to the `>`.
 void readEndTag(XmlReader& reader, std::size_t name) {
-    if (!XmlCheck(reader, {XmlEndTag})) return;
+    const std::string_view start = std::string_view(reader.names).substr(name);
+    if (readPlainEnd(start)) return;
     const bool adjacent = XmlNameFollows();
     XmlNext(reader);
     const bool named = XmlCheck(reader, {XmlName});
     if (!adjacent)
         XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"</\" and \"Name\"");
     if (!named) return;
-    const std::string_view start = std::string_view(reader.names).substr(name);
     if (start != ScannerSymbolStr())
         XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
                   "Start tag \"" + std::string(start) + "\" and end tag \"" +
@@ -186,16 +202,23 @@ void XmlGivenFields::giveWay(XmlReader& reader) {
 }
 
 void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result) {
-    const std::size_t name = readStartName(reader);
-    Attributes attributes(reader, target, result);
-    attributes.read();
-    if (reader.discover) result.typeText = attributes.typeText(reader.names.substr(name));
-    XmlCheck(reader, {XmlEmptyEnd, XmlTagEnd});
-    if (isSymbol(XmlTagEnd)) {
-        std::string found = XmlContent(reader, target, attributes.given(), name);
+    const std::size_t name = reader.names.size();
+    XmlGivenFields given{target};
+    bool content = readPlainStart(reader);
+    if (!content) {
+        readStartName(reader);
+        Attributes attributes(reader, target, result);
+        attributes.read();
+        if (reader.discover) result.typeText = attributes.typeText(reader.names.substr(name));
+        given = attributes.given();
+        content = XmlCheck(reader, {XmlEmptyEnd, XmlTagEnd}) && isSymbol(XmlTagEnd);
+    }
+    if (content) {
+        std::string found;
+        const bool closed = XmlContent(reader, target, given, name, found);
         if (!found.empty()) result.typeText = std::move(found);
         if (reader.ended()) return;
-        readEndTag(reader, name);
+        if (closed) readEndTag(reader, name);
     }
     checkTypeText(reader, result.typeText);
 }

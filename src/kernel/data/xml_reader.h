@@ -181,8 +181,7 @@ std::string_view XmlTrimmed(std::string_view text);
 void XmlProlog(XmlReader& reader);
 // Processing instructions and comments. The symbol `<?xml` counts as one where its name goes on.
 void XmlMisc(XmlReader& reader);
-// From the `<` on, which is the symbol; behind it the symbol is the end of the tag. The name stays in
-// `reader.names`.
+// From behind the `<` to behind the element. The name stays in `reader.names`.
 void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result);
 
 // What the attributes of an element gave to its target: they give way to content.
@@ -192,9 +191,10 @@ struct XmlGivenFields {
     bool failed = false;  // one of them left the error in the record
     void giveWay(XmlReader& reader);
 };
-// From behind the start tag to the `</`, which becomes the symbol. `name` begins there in `reader.names`.
-// Gives the type text.
-std::string XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name);
+// From behind the start tag to behind the `</`; false, and reported, when there is none. `name` begins there
+// in `reader.names`. `typeText` is what the content alone says.
+bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+                std::string& typeText);
 
 // A reference at the head of a text: '&' and then a name or '#'.
 struct XmlReference {
