@@ -3,9 +3,9 @@
 // What programs need around data files.
 #include "library/dbutil.h"
 
+#include "kernel/ascii.h"
 #include "kernel/data/datafile.h"
 #include "kernel/records.h"
-#include "library/ascii.h"
 #include "library/system.h"
 #include "os/files.h"
 
