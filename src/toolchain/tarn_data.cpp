@@ -30,10 +30,12 @@ int print(const std::string& text) {
 // ---- info ----
 
 std::string rowsText(const Source& source, const Arguments& arguments) {
-    if (source.rowsSeen < 0) return "not counted";
+    if (source.rowsSeen < 0) return "as many as lines";
     const bool first = arguments.from.maxRows && source.rowsSeen == *arguments.from.maxRows;
     return std::to_string(source.rowsSeen) + (first ? " (at most as many as --max-rows)" : "");
 }
+
+constexpr std::string_view xmlForms[] = {"XML", "XML, a list of values", "XML, a single record"};
 
 std::string formText(const Source& source) {
     const auto rows = [](std::int32_t n, const char* what) {
@@ -41,7 +43,7 @@ std::string formText(const Source& source) {
     };
     switch (source.format) {
     case FormatText: return "lines of text";
-    case FormatXml: return source.values ? "XML, a list of values" : "XML";
+    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.form)]);
     case FormatXbase: return "Xbase";
     case FormatBinary: return "table file";
     default:

@@ -58,7 +58,7 @@ struct Source {
     TabOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    bool values = false;  // XML: a list of values, not of records
+    enum class Form { Rows, Values, Single } form = Form::Rows;  // XML: what the outermost element holds
 };
 // Finds out what a file is. Extensions decide only between lines and delimited text, and give defaults.
 Problem identify(const std::string& file, const Arguments& arguments, Source& source);

@@ -59,6 +59,10 @@ std::string adviceFor(const std::string& beginning) {
     return "Known are delimited text (csv, tab), lines (txt) and XML; --separator=C reads it as delimited.";
 }
 
+bool isTypeConflict(const std::string& message) {
+    return message.starts_with("The type of element ");
+}
+
 Problem problemOfInfo(const std::string& file, const std::string& message) {
     const os::FileInfo info = os::infoOf(file);
     if (!info.exists) return {message, "There is no such file: look at its name and folder."};
@@ -73,7 +77,7 @@ Problem problemOfInfo(const std::string& file, const std::string& message) {
         return {message, "Only files of rows with simple columns can be handled."};
     if (message.find("(Line ") != std::string::npos)
         return {fileWord(file) + "cannot be read: " + message, "Correct the file at that place."};
-    if (message.starts_with("The type of element") || message.starts_with("The name of an element"))
+    if (isTypeConflict(message))
         return {fileWord(file) + "has rows that do not fit each other: " + message,
                 "--text takes every column as text."};
     return {message.find(file) == std::string::npos ? fileWord(file) + "cannot be read: " + message : message,
@@ -130,6 +134,23 @@ Problem identifyDelimited(const DataFileInfo& info, Source& source) {
             "Split it into files of fewer columns, or choose another separator with --separator."};
 }
 
+// A list of one record looks like a record of one field that is a record. Its columns are those of the row.
+bool isOneRow(const std::string& file, DataFileInfo& info) {
+    std::string text;
+    if (info.format != FormatXml || !XmlRead(file, 0, nullptr, KindNone, &text, MaxTypeInfo).message.empty())
+        return false;
+    if (!TypeInfoIsPath(text, "/record/record") || TypeInfoCountElements(text, 1) != 1) return false;
+    TypeInfoStripOuter(text, MaxTypeInfo);
+    TypeInfoStripOuter(text, MaxTypeInfo);
+    for (std::int32_t n = 1; n <= static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
+         ++n) {
+        if (TypeInfoIndent(text, n) != 0) return false;
+    }
+    info.typeText = TypeInfoFixAny(text);
+    info.message.clear();
+    return true;
+}
+
 // Counts rows, and tells lists of values from lists of records.
 Problem identifyXml(const Arguments& arguments, Source& source) {
     if (arguments.from.any())
@@ -138,17 +159,21 @@ Problem identifyXml(const Arguments& arguments, Source& source) {
     std::string text;
     XmlRead(source.file, 0, nullptr, KindNone, &text, MaxTypeInfo);
     const std::int32_t kind = TypeInfoKind(TypeInfoParseLine(text, 2).typeName);
-    source.values = TypeInfoIsPath(text, "/list") && kind != KindRecord && kind != KindList;
-    if (source.values) return {};
+    const bool list = TypeInfoIsPath(text, "/list") || TypeInfoIsPath(text, "/table");
     const bool inner =
         TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record");
-    const bool outer = TypeInfoIsPath(text, "/list") || TypeInfoIsPath(text, "/table");
+    if (list && kind != KindRecord && kind != KindList) source.form = Source::Form::Values;
+    const bool oneRow = TypeInfoIsPath(text, "/record/record") && TypeInfoCountElements(text, 1) == 1;
+    if (!list && !inner && !oneRow) source.form = Source::Form::Single;
     return checkXmlOrder(source.file, columnNames(source.columns),
-                         inner   ? 3
-                         : outer ? 2
-                                 : 1,
+                         inner            ? 3
+                         : list || oneRow ? 2
+                                          : 1,
                          source.rowsSeen);
 }
+
+// The columns of a file whose types do not fit each other, when they are to be text.
+Problem identifyTexts(Source& source, const DataFileInfo& info);
 
 }  // namespace
 
@@ -170,7 +195,9 @@ Problem identify(const std::string& file, const Arguments& arguments, Source& so
         const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
         if (unknown && delimited && !discoverAnyway(source, info)) return problemOfInfo(file, info.message);
         if (stopSignal() != 0) return stoppedProblem();
-        if (!info.message.empty()) return problemOfInfo(file, info.message);
+        const bool conflict = arguments.text && isDelimitedName(info.format) && isTypeConflict(info.message);
+        if (conflict) return identifyTexts(source, info);
+        if (!info.message.empty() && !isOneRow(file, info)) return problemOfInfo(file, info.message);
         source.format = info.format;
         source.columns = info.typeText;
         Problem problem;
@@ -324,27 +351,78 @@ Problem loadDelimited(const Source& source, std::string_view columns, TableValue
     return problem.any() ? problem : load(source, options, table.get(), KindTable, result);
 }
 
+void addRow(TableValue& table, const RecordValue& row) {
+    TableAdd(table.get(), 0, row.get());
+}
+
 // The values of a list become rows of one field.
-Problem loadValues(const Source& source, TableValue& table) {
+Problem loadValues(const Source& source, TableValue& table, RecordValue& row) {
     ListValue list;
-    RecordValue row;
     TabResult result;
-    AdtInit(row.get(), At(TableRows(table.get())->prototype), KindRecord);
     const Kind kind = RecordFieldKind(row.get(), 1);
     void* const field = RecordFieldAddress(row.get(), 1);
     ListInit(list.get(), UNBOUNDED, IsAdtKind(kind) ? field : nullptr, kind, false);
     const Problem problem = load(source, source.options, list.get(), KindList, result);
-    if (problem.any()) return problem;
-    for (std::int32_t i = 1; i <= list.get()->count && ErrorCell() == 0; ++i) {
+    for (std::int32_t i = 1; i <= list.get()->count && !problem.any() && ErrorCell() == 0; ++i) {
         if (IsAdtKind(kind))
             AdtCopy(ListRef(list.get(), i), field, kind);
         else
             std::memcpy(field, ListRef(list.get(), i), static_cast<std::size_t>(KindSize[kind]));
-        TableAdd(table.get(), 0, row.get());
+        addRow(table, row);
     }
+    return problem;
+}
+
+Problem loadSingle(const Source& source, TableValue& table, RecordValue& row) {
+    TabResult result;
+    const Problem problem = load(source, source.options, row.get(), KindRecord, result);
+    if (!problem.any()) addRow(table, row);
+    return problem;
+}
+
+Problem identifyTexts(Source& source, const DataFileInfo& info) {
+    TabOptions header = source.options;
+    header.maxdatarows = 0;
+    std::string names = TabDiscover(source.file, header, MaxTypeInfo).typeText, all;
+    TypeInfoStripOuter(names, MaxTypeInfo);
+    const std::size_t named = columnNames(names).size();
+    for (std::size_t n = 1; n <= std::size_t{MaxTabColumns}; ++n)
+        all += n <= named ? TypeInfoLine(names, static_cast<std::int32_t>(n))
+                          : "FIELD" + std::to_string(n) + " : string\n";
+    source.format = info.format;
+    source.columns = textColumns(all);
+    TableValue table;
+    TabResult result;
+    Problem problem = makeTable(source.columns, table);
+    if (!problem.any()) problem = load(source, source.options, table.get(), KindTable, result);
+    if (problem.any()) return problem;
+    std::size_t used = named;
+    const ListDescriptor* const rows = TableRows(table.get());
+    for (std::int32_t i = 1; i <= rows->count; ++i) {
+        const auto* const row = static_cast<const RecordDescriptor*>(ListRef(rows, i));
+        if (isBlank(row)) continue;
+        source.rowsSeen = i;
+        for (std::size_t n = used + 1; n <= std::size_t{MaxTabColumns}; ++n) {
+            const void* const cell = RecordFieldAddress(row, static_cast<std::int32_t>(n));
+            if (StringLength(static_cast<const StringDescriptor*>(cell)) > 0) used = n;
+        }
+    }
+    std::size_t end = 0;
+    for (std::size_t n = 0; n < used; ++n) end = source.columns.find('\n', end) + 1;
+    source.columns.resize(end);
+    return {};
+}
+
+// What is no list of records, row by row.
+Problem loadOtherForm(const Source& source, TableValue& table) {
+    RecordValue row;
+    AdtInit(row.get(), At(TableRows(table.get())->prototype), KindRecord);
+    const Problem problem =
+        source.form == Source::Form::Values ? loadValues(source, table, row) : loadSingle(source, table, row);
+    TabResult result;
     result.code = ErrorCell();
     ClearError();
-    return result.code == 0 ? Problem() : loadProblem(source, result, {});
+    return problem.any() || result.code == 0 ? problem : loadProblem(source, result, {});
 }
 
 }  // namespace
@@ -353,7 +431,7 @@ Problem loadRows(const Source& source, std::string_view columns, TableValue& tab
     Problem problem = makeTable(columns, table);
     if (problem.any()) return problem;
     if (isDelimitedName(source.format)) return loadDelimited(source, columns, table);
-    if (source.values) return loadValues(source, table);
+    if (source.form != Source::Form::Rows) return loadOtherForm(source, table);
     TabResult result;
     return load(source, source.options, table.get(), KindTable, result);
 }

@@ -110,29 +110,32 @@ public:
         Problem problem;
         if (tag.start) {
             ++depth_;
-            if (depth_ == rowDepth_) problem = row(tag);
+            if (depth_ == rowDepth_) open(tag);
             if (depth_ == rowDepth_ + 1) problem = element(tag);
         }
+        if (tag.end && depth_ == rowDepth_) problem = close();
         if (tag.end) --depth_;
         return problem;
     }
     [[nodiscard]] std::int32_t rows() const { return rows_; }
 
 private:
-    // One attribute alone gives the row itself a type, and the row's name to the column.
-    Problem row(const Tag& tag) {
+    void open(const Tag& tag) {
         ++rows_;
         next_ = 0;
-        attributes_ = !tag.attributes.empty();
-        if (tag.attributes.size() < 2) return {};
+        row_ = tag;
+    }
+    // The only attribute of a row without elements: the row itself is the column.
+    Problem close() {
         Problem problem;
-        for (const std::string& name : tag.attributes) {
-            if (!problem.any()) problem = field(tag, "attribute", name);
+        if (row_.attributes.size() < 2) return problem;
+        for (const std::string& name : row_.attributes) {
+            if (!problem.any()) problem = field(row_, "attribute", name);
         }
         return problem;
     }
     Problem element(const Tag& tag) {
-        if (!attributes_) return field(tag, "element", tag.name);
+        if (row_.attributes.empty()) return field(tag, "element", tag.name);
         return {place(tag, "element", tag.name) + "stands in a row that has data in attributes, too.",
                 "Put the data of rows into elements or into attributes, not both."};
     }
@@ -150,7 +153,7 @@ private:
     const std::vector<std::string>& columns_;
     std::size_t rowDepth_, depth_ = 0, next_ = 0;
     std::int32_t rows_ = 0;
-    bool attributes_ = false;
+    Tag row_;  // the one that is open
 };
 
 }  // namespace
