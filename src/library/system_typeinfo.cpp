@@ -7,6 +7,7 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
+#include "kernel/string_text.h"
 #include "library/ascii.h"
 
 #include <algorithm>
@@ -82,21 +83,14 @@ std::string repairedText(std::string_view rest, int maxLength, bool dropDeleteFl
 
 // ---- values of the language ----
 
-std::string bytesOf(const StringDescriptor* s) {
-    std::string bytes(static_cast<std::size_t>(StringLength(s)) + 1, '\0');
-    StringToText(bytes.data(), StringLength(s), s);
-    bytes.pop_back();
-    return bytes;
-}
-
 std::string joined(const ListDescriptor* lines) {
     std::string text;
     String line;
     for (std::int32_t n = 1; n <= ListCount(lines); ++n) {
         const void* element = ListIsInFile(lines) ? nullptr : ListRef(lines, n);
         if (element == nullptr) ListGet(lines, n, line.get(), KindString);
-        text +=
-            bytesOf(element != nullptr ? static_cast<const StringDescriptor*>(element) : line.get()) + '\n';
+        if (element == nullptr) element = line.get();
+        text.append(NarrowText(static_cast<const StringDescriptor*>(element)).view()) += '\n';
     }
     return text;
 }
@@ -145,7 +139,7 @@ void TYPEINFOFIXIDENTIFIERS(StringDescriptor* text, int maxLength, bool dropDele
     FRAME(TYPEINFOFIXIDENTIFIERS);
     STAMP();
     if (KindOf(text) != KindString) return SetError(ERR_STRING_TYPE);
-    StringAssignView(text, repairedText(bytesOf(text), maxLength, dropDeleteFlag));
+    StringAssignView(text, repairedText(NarrowText(text).view(), maxLength, dropDeleteFlag));
 }
 
 void TYPEINFOFIXIDENTIFIERS(ListDescriptor* lines, int maxLength, bool dropDeleteFlag) {

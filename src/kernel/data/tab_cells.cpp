@@ -245,6 +245,7 @@ private:
 
         std::int32_t position = 1, error = 0;
         SetFromText(literal, position, reinterpret_cast<SetDescriptor*>(at), error);
+        const bool noMemory = tarn_error_cell == ERR_OUT_OF_MEMORY;
         tarn_error_cell = 0;
         literal.remove_prefix(static_cast<std::size_t>(position) - 1);
         if (inPlace) {
@@ -253,7 +254,7 @@ private:
         }
         if (error == 0 && withoutHead(literal).empty()) return;
         clearField(field, at);
-        code_ = error == ERR_OUT_OF_MEMORY ? error : std::int32_t{ERR_SET_CONVERSION};
+        code_ = noMemory ? ERR_OUT_OF_MEMORY : ERR_SET_CONVERSION;
     }
 
     TabCells cells_;

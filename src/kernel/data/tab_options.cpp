@@ -21,7 +21,7 @@ TabOptions DefaultTabOptions(std::int32_t format) {
 }
 
 TabOptions TabOptionsOf(const RecordDescriptor* options, std::int32_t format) {
-    static constexpr RecordDescriptor zero{};
+    static constexpr DescriptorHead zero{};  // what is no record may be shorter than one
     const TabOptions defaults = DefaultTabOptions(format);
     if (options == nullptr || std::memcmp(options, &zero, sizeof zero) == 0) return defaults;
     if (options->tag != TagRecord || !IsWellFormed(options)) return SetError(ERR_UNIDENTIFIABLE), defaults;

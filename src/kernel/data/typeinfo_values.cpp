@@ -12,6 +12,7 @@
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/sets.h"
+#include "kernel/string_text.h"
 
 #include <cstring>
 #include <iterator>
@@ -272,9 +273,7 @@ bool takeText(const StringDescriptor* text, std::string& taken) {
         SetError(ERR_STRING_TYPE);
         return false;
     }
-    taken.resize(static_cast<std::size_t>(std::min(text->length, MaxTypeInfo)) + 1);
-    StringToText(taken.data(), static_cast<std::int32_t>(taken.size() - 1), text);
-    taken.pop_back();
+    taken = NarrowText(text).view().substr(0, MaxTypeInfo);
     return true;
 }
 

@@ -86,7 +86,7 @@ std::string bindSet(void* value, std::string_view text) {
     auto* s = static_cast<SetDescriptor*>(value);
     std::int32_t position = 1, error = 0;
     SetFromText(text, position, s, error);
-    if (error == 0) return {};
+    if (error == 0 || ErrorCell() == ERR_OUT_OF_MEMORY) return {};
     return "Set literal expected here, with values between " + std::to_string(SetLowerBound(s)) + " and " +
            std::to_string(SetUpperBound(s));
 }

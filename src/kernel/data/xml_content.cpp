@@ -81,7 +81,7 @@ public:
             XmlBindText(reader_, target_, text);
         } else if (count_ == 0 && !XmlIsBlank(text)) {
             given_.giveWay(reader_);
-            reader_.lostText = reader_.lostText || target_.value != nullptr;
+            reader_.lostData = reader_.lostData || target_.value != nullptr;
         }
         return reader_.discover ? types_.finish(name(), text) : std::string();
     }

@@ -115,6 +115,8 @@ private:
             auto* record = static_cast<RecordDescriptor*>(given_.target.value);
             const XmlTarget field{RecordFieldAddress(record, count_), RecordFieldKind(record, count_)};
             if (field.takesText()) XmlBindText(reader_, field, value);
+        } else if (given_.target.value != nullptr) {
+            reader_.lostData = true;
         }
         if (!reader_.discover || fields_.size() > std::size_t{MaxXmlTypeText}) return;
         if (count_ == 1) onlyValue_ = value;

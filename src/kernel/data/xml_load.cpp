@@ -110,6 +110,13 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
     return direct;
 }
 
+bool isFileError(std::int32_t code) {
+    return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
+}
+bool isShortOfMemory(std::int32_t code) {
+    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+}
+
 // Binds into a copy of the table's shape first: the direct form may not be the one, and a later read may be
 // stopped.
 XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
@@ -119,10 +126,11 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     note(result.error, XmlTakeCellError());
     if (result.error.code != 0) return result;
     result = ReadXml(filename, fresh.get(), KindTable, nullptr, 0);
-    const bool readable = result.error.code < ERR_FILE_READ || result.error.code > ERR_FILE_NAME;
-    if (readable && !result.stopped && (result.error.code != 0 || result.lostText))
+    if (isFileError(result.error.code) || result.stopped) return result;
+    const bool fits = result.error.code == 0 && !result.lostData;
+    if (!fits && !isShortOfMemory(result.error.code))
         result = loadOtherForm(filename, fresh.get(), std::move(result));
-    if (readable && !result.stopped) std::swap(*table, *fresh.get());
+    if (!isFileError(result.error.code) && !result.stopped) std::swap(*table, *fresh.get());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {
         result.error.code = ERR_UNIQUE_INDEX;
         result.error.message = ErrorText(ERR_UNIQUE_INDEX);

@@ -173,7 +173,7 @@ XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::stri
     // What looks like the end of the file may be this.
     if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
     if (ScannerFileError() == os::FileError::None && !reader.stopped) fresh.takePlace();
-    return {std::move(reader.error), reader.stopped, reader.lostText};
+    return {std::move(reader.error), reader.stopped, reader.lostData};
 }
 
 }  // namespace

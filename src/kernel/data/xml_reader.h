@@ -90,7 +90,7 @@ struct XmlReader {
     ErrorRecord error{};
     bool stopped = false;              // by the user: nothing of this read counts
     bool abandoned = false;            // what follows cannot be read
-    bool lostText = false;             // text stood where only elements have a place
+    bool lostData = false;             // the value has no place for text or attributes that were there
     std::int32_t depth = 0;            // open elements
     std::string names{};               // of the open elements, and of a child that was just read
     std::string text{};                // of the open elements, one behind another
@@ -249,7 +249,7 @@ void XmlAppendDeeper(std::string& to, std::string_view text);
 struct XmlReadResult {
     ErrorRecord error;
     bool stopped = false;
-    bool lostText = false;
+    bool lostData = false;
 };
 XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
                       std::int32_t typeTextSize);

@@ -14,6 +14,7 @@
 #include "kernel/numbers.h"
 #include "kernel/records.h"
 #include "kernel/sets.h"
+#include "kernel/string_text.h"
 #include "kernel/strings.h"
 #include "kernel/tables.h"
 #include "os/files.h"
@@ -52,11 +53,7 @@ void appendEscaped(std::string& out, std::string_view text) {
 }
 
 void appendString(std::string& out, const StringDescriptor* s) {
-    if (CharacterWidth == 1) return appendEscaped(out, StringView(s));
-    std::string narrow(static_cast<std::size_t>(s->length) + 1, '\0');
-    StringToText(narrow.data(), s->length, s);
-    narrow.pop_back();
-    appendEscaped(out, narrow);
+    appendEscaped(out, CharacterWidth == 1 ? StringView(s) : NarrowText(s).view());
 }
 
 // ---- names ----
@@ -160,6 +157,11 @@ bool isReserved(const std::string& name) {
     return lower == "type" || lower == "index";
 }
 
+// What no attribute can hold.
+bool endsStrings(char c) {
+    return (static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n') || c == '\x7F';
+}
+
 // ---- the file ----
 
 class Writer {
@@ -216,8 +218,9 @@ private:
         const bool record = item.kind == KindRecord || item.kind == KindUnion;
         Names names;
         if (record) names = namesOf(item);
-        if (item.kind == KindRecord && fieldAttributes_ && isFlat(item, names))
-            return flatRecord(item, names);
+        if (item.kind == KindRecord && fieldAttributes_ && isFlat(item, names) && flatRecord(item, names))
+            return;
+        if (ended()) return;
         startTag(item);
         out += '>';
         if (isWrittenAsText(item.kind)) {
@@ -275,19 +278,33 @@ private:
             if (FieldKindAt(record->kinds, n) > KindString) return false;
         return std::none_of(names.begin(), names.end(), isReserved);
     }
-    void flatRecord(const Item& item, const Names& names) {
+    // False, with nothing written, for what would not come back from attributes.
+    bool flatRecord(const Item& item, const Names& names) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);
+        const std::int32_t fields = FieldCountOf(record->kinds);
+        const std::size_t start = out.size();
         startTag(item);
-        for (std::int32_t n = 1; n <= FieldCountOf(record->kinds); ++n) {
+        for (std::int32_t n = 1; n <= fields && !ended(); ++n) {
             const Kind kind = FieldKindAt(record->kinds, n);
             const void* const field = RecordFieldAddress(record, n);
-            if (kind == KindString && KindOf(field) != kind) return fail(AdtTypeError(kind));
+            if (kind == KindString && KindOf(field) != kind) {
+                fail(AdtTypeError(kind));
+                break;
+            }
             out.append(" ").append(names[static_cast<std::size_t>(n - 1)]).append("=\"");
             text(field, kind);
             out += '"';
         }
-        out.append("/>").append(lineEnd);
-        if (item.depth == 0) count = FieldCountOf(record->kinds);
+        out += "/>";
+        const std::string_view line = std::string_view(out).substr(start);
+        if (line.size() >= std::size_t{MaxScannerLine} ||
+            std::any_of(line.begin(), line.end(), endsStrings)) {
+            out.resize(start);
+            return false;
+        }
+        out.append(lineEnd);
+        if (item.depth == 0) count = fields;
+        return true;
     }
     void fields(const Item& item, const Names& names) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);

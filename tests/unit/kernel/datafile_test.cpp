@@ -113,6 +113,30 @@ TEST_F(DataFiles, TheMessageOfDiscoveryIsHandedOn) {
     EXPECT_EQ(GetDataFileInfo("/d/f", &many).message, "");
 }
 
+TEST_F(DataFiles, XmlGivesItsColumns) {
+    files_.put("/d/f", "<data><list><row><a>1</a><b>x</b></row><row><a>2</a><b>yz</b></row></list></data>");
+    const DataFileInfo info = GetDataFileInfo("/d/f", nullptr);
+    EXPECT_EQ(info.format, FormatXml);
+    EXPECT_EQ(info.message, "");
+    EXPECT_EQ(info.typeText, "a : integer\nb : string[2]\n");
+    EXPECT_EQ(message("<data><a>1</a><b><c>1</c><d>2</d></b></data>"),
+              "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
+    EXPECT_EQ(message("<data/>"), "File '/d/f' contains no XML data apart from the outermost element.");
+    const std::string broken = message("<data><a>1</b></data>");
+    EXPECT_NE(broken.find(" (Line 1, Position "), std::string::npos) << broken;
+}
+
+TEST_F(DataFiles, XmlHoldsWholeValues) {
+    Typed list("x : list\n\ti : integer\nend list\n");
+    std::string words;
+    files_.put("/d/in", "1\n2\n");
+    ASSERT_EQ(TabLoad("/d/in", CommaRows, list.get(), KindList).code, 0);
+    EXPECT_EQ(SaveValue("/d/f.xml", FormatXml, {}, 0, list.get(), KindList).code, 0);
+    ListClear(list.get<ListDescriptor>());
+    EXPECT_EQ(LoadValue("/d/f.xml", FormatXml, {}, list.get(), KindList, words).code, 0);
+    EXPECT_EQ(Shown(list.get(), KindList), "{1}{2}");
+}
+
 TEST_F(DataFiles, TheLanguageGetsThreeStrings) {
     files_.put("/d/f", "1,a\n");
     const String name(std::string_view("/d/f"));

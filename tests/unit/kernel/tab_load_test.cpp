@@ -258,6 +258,25 @@ TEST_F(TabLoading, WhatIsFullTakesNoMore) {
     EXPECT_EQ(Shown(list.get(), KindList), "{1}{2}{3}");
 }
 
+TEST_F(TabLoading, EmptyElementsAreAppendedInPlace) {
+    ListDescriptor untyped{0, 0, 0, UNBOUNDED, 0, 0};
+    EXPECT_EQ(ListAppendEmpty(&untyped), nullptr);
+    EXPECT_EQ(ErrorCell(), 761);
+    ClearError();
+    Typed list("x : list\n\tr : record\n\t\ts : string[3]\n\tend record\nend list\n");
+    void* const element = ListAppendEmpty(list.get<ListDescriptor>());
+    EXPECT_EQ(element, ListRef(list.get<ListDescriptor>(), 1));
+    for (std::int64_t n = 0; n < 3; ++n) {
+        FailAllocation(n);
+        EXPECT_EQ(ListAppendEmpty(list.get<ListDescriptor>()), nullptr) << n;
+        FailAllocation(-1);
+        EXPECT_EQ(ErrorCell(), 802);
+        ClearError();
+        EXPECT_EQ(AdtCheck(list.get(), KindList), "");
+    }
+    EXPECT_EQ(Shown(list.get(), KindList), "{}");
+}
+
 // ---- lines of any length ----
 
 TEST_F(TabLoading, ALineOfTheLargestLengthIsWholeAndALongerOneIsCut) {

@@ -484,7 +484,7 @@ TEST_F(TypeInfoValues, AListIsMadeOfWhatItsLinesHold) {
 
 TEST_F(TypeInfoValues, TextsThatAreNoListAre761) {
     for (const std::string& text : {""s, "e : integer\n"s, fields(2), "l : list\n\te : nothing\nend list\n"s,
-                                   "l : list\nend list\n"s}) {
+                                    "l : list\nend list\n"s}) {
         ListValue list;
         EXPECT_EQ(toList("l : list\n\te : any\nend list\n", list), 0);
         EXPECT_EQ(toList(text, list), ERR_LIST_TYPE) << text;
