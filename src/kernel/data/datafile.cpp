@@ -131,6 +131,8 @@ void readText(const std::string& filename, const TabOptions* options, DataFileIn
     TabStructure found = TabDiscover(filename, info.options, MaxTypeInfo);
     info.typeText = std::move(found.typeText);
     info.message = std::move(found.message);
+    info.rowsSeen = found.rowsSeen;
+    info.columnsSeen = found.columnsSeen;
 }
 
 // Where Xbase files and the system's own table files give their declaration.
@@ -290,6 +292,7 @@ TabResult fromXml(const XmlResult& xml, std::string& message) {
     result.code = xml.error.code;
     result.row = xml.error.line;
     result.rows = xml.count;
+    result.stopped = xml.stopped;
     return result;
 }
 

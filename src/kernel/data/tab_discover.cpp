@@ -61,6 +61,12 @@ struct Column {
     std::int32_t width = 0;  // of the dashes below the name
 };
 
+std::size_t cellsLeft(TabCells& cells) {
+    std::size_t count = 0;
+    for (; cells.more(); ++count) cells.next();
+    return count;
+}
+
 // More decimals than a fixed number keeps.
 bool hasManyDecimals(std::string_view cell) {
     constexpr std::size_t ownDecimals = 4;
@@ -94,6 +100,7 @@ public:
             columns_.push_back({nameOfCell(cell, columns_.size() + 1), width});
         }
         named_ = columns_.size();
+        seen_ = named_ + cellsLeft(names);
     }
 
     // False when the rows do not fit each other.
@@ -102,7 +109,7 @@ public:
         TabCells cells(row, separator);
         while (cells.more() && lines.size() < std::size_t{MaxTabColumns})
             lines.push_back(lineOf(cells.next(), cells.quoted(), lines.size()));
-        seen_ = std::max(seen_, lines.size());
+        seen_ = std::max(seen_, lines.size() + cellsLeft(cells));
         return rows_++ == 0 ? take(lines) : merge(lines);
     }
 

@@ -17,6 +17,7 @@
 #include "kernel/tables.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace tarn {
@@ -150,6 +151,20 @@ void* elementAt(ArrayDescriptor* a, const std::array<std::int32_t, MaxDimensions
     }
 }
 
+// The fields of a record of numbers and strings, which keep their blocks; false for other records.
+bool clearFields(RecordDescriptor& record) {
+    for (std::int32_t n = 1; n <= MaxFields; ++n)
+        if (FieldKindAt(record.kinds, n) > KindString) return false;
+    XmlFields fields({&record, KindRecord});
+    for (XmlTarget field = fields.next(); field.value != nullptr; field = fields.next()) {
+        if (field.kind == KindString)
+            StringClear(static_cast<StringDescriptor*>(field.value));
+        else
+            std::memset(field.value, 0, static_cast<std::size_t>(KindSize[field.kind]));
+    }
+    return true;
+}
+
 bool refuse() {
     SetError(ERR_ARRAY_BOUNDS);
     return false;
@@ -188,10 +203,10 @@ bool XmlChildren::makeScratch(const void* like, Kind kind) {
 }
 
 void XmlChildren::clearScratch() {
-    if (IsAdtKind(scratchKind_))
-        AdtClear(bytes_, scratchKind_);
-    else
+    if (!IsAdtKind(scratchKind_))
         std::fill(std::begin(bytes_), std::end(bytes_), '\0');
+    else if (scratchKind_ != KindRecord || !clearFields(*reinterpret_cast<RecordDescriptor*>(bytes_)))
+        AdtClear(bytes_, scratchKind_);
 }
 
 // All slots of a fixed list have its elements' shape.
@@ -216,13 +231,9 @@ XmlTarget XmlChildren::tableRow() {
     return rows != nullptr && makeScratch(At(rows->prototype), KindRecord) ? scratch() : XmlTarget{};
 }
 
-XmlTarget XmlChildren::destination(std::int32_t n) {
+XmlTarget XmlChildren::destination() {
     if (target_.value == nullptr) return {};
-    if (target_.hasFields()) {
-        auto* record = static_cast<RecordDescriptor*>(target_.value);
-        void* const field = RecordFieldAddress(record, n);
-        return field != nullptr ? XmlTarget{field, RecordFieldKind(record, n)} : XmlTarget{};
-    }
+    if (target_.hasFields()) return fields_.next();
     if (target_.kind == KindList) return listSlot();
     if (target_.kind == KindArray) return arrayElement();
     if (target_.kind == KindTable) return tableRow();

@@ -9,13 +9,26 @@
 #include "kernel/errors.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <optional>
 
 namespace tarn {
 
 namespace {
 
 constexpr std::size_t maxReference = 500;
+
+// What a run of text ends at. A line ends in one of these always.
+bool isMark(char c) {
+    static constexpr std::array<bool, 256> marks = [] {
+        std::array<bool, 256> table{};
+        for (const unsigned char mark :
+             {static_cast<unsigned char>('<'), static_cast<unsigned char>('&'), LineEnd, EndOfFileMark})
+            table[mark] = true;
+        return table;
+    }();
+    return marks[static_cast<unsigned char>(c)];
+}
 
 bool isReferenceDigit(char c) {
     return isByte(static_cast<unsigned char>(c), ByteHexDigit) || c == 'x';
@@ -66,15 +79,17 @@ class Content {
 public:
     Content(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name)
         : reader_(reader), target_(target), given_(given), name_(name), nameEnd_(reader.names.size()),
-          text_(reader.text.size()), children_(reader, target) {}
+          text_(reader.text.size()), children_(reader, target) {
+        if (reader.discover) types_.emplace();
+    }
     ~Content() { reader_.text.resize(text_); }
     Content(const Content&) = delete;
     Content& operator=(const Content&) = delete;
 
-    std::string read() {
+    bool read(std::string& typeText) {
         while (!reader_.ended() && step()) {}
-        if (reader_.ended()) return {};
-        XmlNext(reader_);
+        if (reader_.ended()) return false;
+        const bool closed = enterEndTag();
         children_.finish();
         const std::string_view text = std::string_view(reader_.text).substr(text_);
         if (target_.takesText()) {
@@ -83,7 +98,8 @@ public:
             given_.giveWay(reader_);
             reader_.lostData = reader_.lostData || target_.value != nullptr;
         }
-        return reader_.discover ? types_.finish(name(), text) : std::string();
+        if (types_) typeText = types_->finish(name(), text);
+        return closed || XmlCheck(reader_, {XmlEndTag});
     }
 
 private:
@@ -91,27 +107,50 @@ private:
         return std::string_view(reader_.names).substr(name_, nameEnd_ - name_);
     }
 
-    // False at the end of the content.
-    bool step() {
-        takeRun();
-        const unsigned char c = ScannerChar(), after = ScannerExtraChar();
-        if (c == '<') {
-            if (after == '/') return false;
-            if (XmlIsNameStart(after))
-                child();
-            else if (after == '!')
-                markup();
-            else if (after == '?')
-                instruction();
-            else
-                takeBytes(1);
-        } else if (c == '&') {
-            if (XmlIsReference(ScannerRemainder()))
-                reference();
-            else
-                takeBytes(1);
+    // False at the end of the file.
+    bool enterEndTag() {
+        if (ScannerRemainder().starts_with("</")) {
+            ScannerSkipBytes(2);
+            return true;
         }
-        return c != EndOfFileMark;
+        XmlNext(reader_);
+        return false;
+    }
+
+    // A run of text and what stands behind it. False at the end of the content.
+    bool step() {
+        const std::string_view rest = ScannerRemainder();
+        std::size_t length = 0;
+        while (!isMark(rest[length])) ++length;
+        const auto mark = static_cast<unsigned char>(rest[length]);
+        if (mark == LineEnd) {
+            append(rest);
+            ScannerSkipBytes(static_cast<std::int32_t>(length));
+            nextLine();
+            return true;
+        }
+        if (length > 0) takeBytes(length);
+        if (mark == EndOfFileMark) return false;
+        return mark == '<' ? tag(static_cast<unsigned char>(rest[length + 1])) : ampersand();
+    }
+    bool tag(unsigned char after) {
+        if (after == '/') return false;
+        if (XmlIsNameStart(after))
+            child();
+        else if (after == '!')
+            markup();
+        else if (after == '?')
+            instruction();
+        else
+            takeBytes(1);
+        return true;
+    }
+    bool ampersand() {
+        if (XmlIsReference(ScannerRemainder()))
+            reference();
+        else
+            takeBytes(1);
+        return true;
     }
 
     // ---- text ----
@@ -129,23 +168,7 @@ private:
         append(ScannerRemainder().substr(0, count));
         ScannerSkipBytes(static_cast<std::int32_t>(count));
     }
-    // Up to the next mark, or over the end of the line.
-    void takeRun() {
-        const std::string_view rest = ScannerRemainder();
-        std::size_t length = rest.size();
-        for (const char mark : {'<', '&', static_cast<char>(EndOfFileMark)}) {
-            const void* const found = std::memchr(rest.data(), mark, length);
-            if (found != nullptr)
-                length = static_cast<std::size_t>(static_cast<const char*>(found) - rest.data());
-        }
-        append(rest.substr(0, length));
-        ScannerSkipBytes(static_cast<std::int32_t>(length));
-        if (length == rest.size()) nextLine();
-    }
-    void nextLine() {
-        ScannerReportStatus(ScannerSkipChar(), reader_.error);
-        XmlShowProgress(reader_);
-    }
+    void nextLine() { XmlNoteStatus(reader_, ScannerSkipChar()); }
 
     void reference() {
         XmlReference reference;
@@ -188,18 +211,17 @@ private:
             return;
         }
         const std::int32_t line = ScannerLineNumber();
-        XmlNext(reader_);
+        ScannerSkipBytes(1);
         if (++count_ == 1) firstChild();
-        const XmlTarget destination = children_.destination(count_);
+        const XmlTarget destination = children_.destination();
         XmlElementResult result;
         ++reader_.depth;
         XmlElement(reader_, destination, result);
         --reader_.depth;
         const std::string_view child = std::string_view(reader_.names).substr(nameEnd_);
-        if (reader_.discover) types_.add(reader_, name(), child, line, result);
+        if (types_) types_->add(reader_, name(), child, line, result);
         children_.add(count_, name(), child, result.index);
         reader_.names.resize(nameEnd_);
-        XmlShowProgress(reader_);
     }
     void firstChild() {
         given_.giveWay(reader_);
@@ -214,7 +236,7 @@ private:
     std::int32_t count_ = 0;
     bool collects_ = true;
     XmlChildren children_;
-    XmlTypes types_;
+    std::optional<XmlTypes> types_;  // with `discover`
 };
 
 }  // namespace
@@ -230,8 +252,9 @@ void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReferen
         readEntity(reader, text, reference);
 }
 
-std::string XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name) {
-    return Content(reader, target, given, name).read();
+bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+                std::string& typeText) {
+    return Content(reader, target, given, name).read(typeText);
 }
 
 }  // namespace tarn

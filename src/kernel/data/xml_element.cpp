@@ -6,6 +6,7 @@
 #include "kernel/errors.h"
 #include "kernel/records.h"
 
+#include <optional>
 #include <utility>
 
 namespace tarn {
@@ -60,8 +61,9 @@ bool isConversionError(std::int32_t code) {
 class Attributes {
 public:
     Attributes(XmlReader& reader, XmlTarget target, XmlElementResult& result)
-        : reader_(reader), result_(result), hadError_(reader.error.code != 0) {
+        : reader_(reader), result_(result), fields_(target), hadError_(reader.error.code != 0) {
         given_.target = target;
+        if (reader.discover) found_.emplace();
     }
 
     void read() {
@@ -76,8 +78,8 @@ public:
         const bool record = startsWithIgnoringCase(result_.typeAttribute, "record") ||
                             startsWithIgnoringCase(result_.typeAttribute, "union");
         if (count_ == 1 && !record)
-            return TypeInfoValueLine(onlyValue_, name, {}, std::string(name).append(anyType));
-        return std::string(name) + " : record\n" + fields_ + "end record\n";
+            return TypeInfoValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
+        return std::string(name) + " : record\n" + found_->fields + "end record\n";
     }
 
 private:
@@ -88,7 +90,7 @@ private:
         const Meaning meaning = equalsIgnoringCase(name, "type")    ? Meaning::Type
                                 : equalsIgnoringCase(name, "index") ? Meaning::Index
                                                                     : Meaning::Field;
-        if (reader_.discover) name_ = name;
+        if (found_) found_->name = name;
         XmlNext(reader_);
         XmlExpect(reader_, XmlEquals);
         if (!XmlCheck(reader_, {XmlSingleQuoted, XmlDoubleQuoted})) return;
@@ -112,48 +114,69 @@ private:
         ++count_;
         if (given_.target.hasFields()) {
             given_.count = count_;
-            auto* record = static_cast<RecordDescriptor*>(given_.target.value);
-            const XmlTarget field{RecordFieldAddress(record, count_), RecordFieldKind(record, count_)};
+            const XmlTarget field = fields_.next();
             if (field.takesText()) XmlBindText(reader_, field, value);
         } else if (given_.target.value != nullptr) {
             reader_.lostData = true;
         }
-        if (!reader_.discover || fields_.size() > std::size_t{MaxXmlTypeText}) return;
-        if (count_ == 1) onlyValue_ = value;
-        XmlAppendDeeper(fields_, TypeInfoValueLine(value, name_, {}, name_ + std::string(anyType)));
+        if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
+        if (count_ == 1) found_->firstValue = value;
+        XmlAppendDeeper(found_->fields,
+                        TypeInfoValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
     }
 
+    struct Found {
+        std::string name, firstValue, fields;
+    };
     XmlReader& reader_;
     XmlElementResult& result_;
     XmlGivenFields given_;
+    XmlFields fields_;
     bool hadError_;
     std::int32_t count_ = 0;
-    std::string name_, expanded_, onlyValue_, fields_;  // the last two with `discover`
+    std::string expanded_;
+    std::optional<Found> found_;  // with `discover`
 };
 
-// Gives where the name begins in `reader.names`.
-std::size_t readStartName(XmlReader& reader) {
-    const std::size_t start = reader.names.size();
+void readStartName(XmlReader& reader) {
     const bool adjacent = XmlNameFollows();
     XmlNext(reader);
     const bool named = XmlCheck(reader, {XmlName});
     if (!adjacent) XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"<\" and \"Name\"");
-    if (!named) return start;
+    if (!named) return;
     reader.names.append(ScannerSymbolStr());
     XmlNext(reader);
-    return start;
 }
 
-// From `</` to the `>`, which stays the symbol.
+// A name and a `>` right behind it, as most start tags are, needs no scanning.
+bool readPlainStart(XmlReader& reader) {
+    const std::string_view rest = ScannerRemainder();
+    if (!XmlIsNameStart(static_cast<unsigned char>(rest[0]))) return false;
+    std::size_t end = 1;
+    while (XmlIsNamePart(static_cast<unsigned char>(rest[end]))) ++end;
+    if (rest[end] != '>') return false;
+    reader.names.append(rest.substr(0, end));
+    ScannerSkipBytes(static_cast<std::int32_t>(end + 1));
+    return true;
+}
+
+bool readPlainEnd(std::string_view name) {
+    const std::string_view rest = ScannerRemainder();
+    if (name.empty() || !rest.starts_with(name) || rest[name.size()] != '>') return false;
+    ScannerSkipBytes(static_cast<std::int32_t>(name.size() + 1));
+    return true;
+}
+
+// From behind `</` to the `>`.
 void readEndTag(XmlReader& reader, std::size_t name) {
-    if (!XmlCheck(reader, {XmlEndTag})) return;
+    const std::string_view start = std::string_view(reader.names).substr(name);
+    if (readPlainEnd(start)) return;
     const bool adjacent = XmlNameFollows();
     XmlNext(reader);
     const bool named = XmlCheck(reader, {XmlName});
     if (!adjacent)
         XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"</\" and \"Name\"");
     if (!named) return;
-    const std::string_view start = std::string_view(reader.names).substr(name);
     if (start != ScannerSymbolStr())
         XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
                   "Start tag \"" + std::string(start) + "\" and end tag \"" +
@@ -179,16 +202,23 @@ void XmlGivenFields::giveWay(XmlReader& reader) {
 }
 
 void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result) {
-    const std::size_t name = readStartName(reader);
-    Attributes attributes(reader, target, result);
-    attributes.read();
-    if (reader.discover) result.typeText = attributes.typeText(reader.names.substr(name));
-    XmlCheck(reader, {XmlEmptyEnd, XmlTagEnd});
-    if (isSymbol(XmlTagEnd)) {
-        std::string found = XmlContent(reader, target, attributes.given(), name);
+    const std::size_t name = reader.names.size();
+    XmlGivenFields given{target};
+    bool content = readPlainStart(reader);
+    if (!content) {
+        readStartName(reader);
+        Attributes attributes(reader, target, result);
+        attributes.read();
+        if (reader.discover) result.typeText = attributes.typeText(reader.names.substr(name));
+        given = attributes.given();
+        content = XmlCheck(reader, {XmlEmptyEnd, XmlTagEnd}) && isSymbol(XmlTagEnd);
+    }
+    if (content) {
+        std::string found;
+        const bool closed = XmlContent(reader, target, given, name, found);
         if (!found.empty()) result.typeText = std::move(found);
         if (reader.ended()) return;
-        readEndTag(reader, name);
+        if (closed) readEndTag(reader, name);
     }
     checkTypeText(reader, result.typeText);
 }

@@ -194,24 +194,26 @@ std::int32_t XmlTakeCellError() {
     return code;
 }
 
-void XmlNext(XmlReader& reader) {
-    ScannerReportStatus(ScannerNext(&reader.tables.symbols), reader.error);
+void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
+    ScannerReportStatus(status, reader.error);
+    const std::int64_t done = ScannerBytesRead();
+    if (done - reader.shown < ProgressStep) return;
+    reader.shown = done;
+    if (!Progress(done, reader.size)) reader.stopped = true;
 }
 
 bool XmlIsHeldInFile(const void* value, Kind kind) {
+    if (kind != KindList && kind != KindTable) return false;
     if (value == nullptr || KindOf(value) != kind) return false;
     if (kind == KindList) return ListIsInFile(static_cast<const ListDescriptor*>(value));
-    return kind == KindTable && ListIsInFile(TableRows(static_cast<const TableDescriptor*>(value)));
+    return ListIsInFile(TableRows(static_cast<const TableDescriptor*>(value)));
 }
 
-bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed) {
-    for (const std::int32_t symbol : allowed)
-        if (ScannerSymbol() == symbol) return true;
+void XmlReportSymbol(XmlReader& reader) {
     SetValue none;
     SetInit(none.get(), 0, MaxSymbols);
     ScannerCheckSymbol(&reader.tables.symbols, ScannerSymbol(), none.get(), reader.error);
     XmlTakeCellError();
-    return false;
 }
 
 bool XmlExpect(XmlReader& reader, std::int32_t symbol) {
@@ -235,15 +237,8 @@ bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
         }
         ScannerSkipBytes(static_cast<std::int32_t>(rest.size()));
         if (ScannerChar() != LineEnd) return false;
-        ScannerReportStatus(ScannerSkipChar(), reader.error);
+        XmlNoteStatus(reader, ScannerSkipChar());
     }
-}
-
-void XmlShowProgress(XmlReader& reader) {
-    const std::int64_t done = ScannerBytesRead();
-    if (done - reader.shown < ProgressStep) return;
-    reader.shown = done;
-    if (!Progress(done, reader.size)) reader.stopped = true;
 }
 
 bool XmlIsNameStart(unsigned char c) {

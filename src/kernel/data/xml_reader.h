@@ -13,6 +13,7 @@
 #include "kernel/data/scanner.h"
 #include "kernel/data/xml.h"
 #include "kernel/data/xml_entities.h"
+#include "kernel/records.h"
 #include "kernel/runtime.h"
 
 #include <array>
@@ -112,6 +113,26 @@ struct XmlTarget {
     }
 };
 
+// The fields of a record or union, one after another; behind the last there is none.
+class XmlFields {
+public:
+    explicit XmlFields(XmlTarget target) {
+        if (target.hasFields()) record_ = static_cast<RecordDescriptor*>(target.value);
+    }
+    XmlTarget next() {
+        const Kind kind = record_ != nullptr ? FieldKindAt(record_->kinds, number_ + 1) : KindNone;
+        if (kind == KindNone) return {};
+        ++number_;
+        char* const field = At(record_->data) + offset_;
+        offset_ += KindSize[kind];
+        return {field, kind};
+    }
+
+private:
+    RecordDescriptor* record_ = nullptr;
+    std::int32_t number_ = 0, offset_ = 0;
+};
+
 // What an element tells the one around it.
 struct XmlElementResult {
     std::string typeText;       // with `discover`
@@ -127,18 +148,27 @@ void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
 // Moves the error of an operation on a value from the cell; 0 for none.
 std::int32_t XmlTakeCellError();
-void XmlNext(XmlReader& reader);
+// What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
+void XmlNoteStatus(XmlReader& reader, ScanStatus status);
+inline void XmlNext(XmlReader& reader) {
+    const ScanStatus status = ScannerNext(&reader.tables.symbols);
+    if (status != ScanClean) XmlNoteStatus(reader, status);
+}
+void XmlReportSymbol(XmlReader& reader);
 // False, and reported, when the symbol is none of these.
-bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed);
+inline bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed) {
+    const std::int32_t found = ScannerSymbol();
+    for (const std::int32_t symbol : allowed)
+        if (found == symbol) return true;
+    XmlReportSymbol(reader);
+    return false;
+}
 // Checks the symbol and scans on if it is the one.
 bool XmlExpect(XmlReader& reader, std::int32_t symbol);
 // Before a name is scanned: false when a blank stands there.
 bool XmlNameFollows();
 // Passes over everything up to and including `mark`; false at the end of the file.
 bool XmlSkipPast(XmlReader& reader, std::string_view mark);
-// Tells how far the read is, from time to time.
-void XmlShowProgress(XmlReader& reader);
-
 // A list or a table that is held in a file.
 bool XmlIsHeldInFile(const void* value, Kind kind);
 bool XmlIsNameStart(unsigned char c);
@@ -151,8 +181,7 @@ std::string_view XmlTrimmed(std::string_view text);
 void XmlProlog(XmlReader& reader);
 // Processing instructions and comments. The symbol `<?xml` counts as one where its name goes on.
 void XmlMisc(XmlReader& reader);
-// From the `<` on, which is the symbol; behind it the symbol is the end of the tag. The name stays in
-// `reader.names`.
+// From behind the `<` to behind the element. The name stays in `reader.names`.
 void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result);
 
 // What the attributes of an element gave to its target: they give way to content.
@@ -162,9 +191,10 @@ struct XmlGivenFields {
     bool failed = false;  // one of them left the error in the record
     void giveWay(XmlReader& reader);
 };
-// From behind the start tag to the `</`, which becomes the symbol. `name` begins there in `reader.names`.
-// Gives the type text.
-std::string XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name);
+// From behind the start tag to behind the `</`; false, and reported, when there is none. `name` begins there
+// in `reader.names`. `typeText` is what the content alone says.
+bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+                std::string& typeText);
 
 // A reference at the head of a text: '&' and then a name or '#'.
 struct XmlReference {
@@ -183,13 +213,13 @@ void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text);
 // Finds a place for each child of an element, and adds it.
 class XmlChildren {
 public:
-    XmlChildren(XmlReader& reader, XmlTarget target) : reader_(reader), target_(target) {}
+    XmlChildren(XmlReader& reader, XmlTarget target) : reader_(reader), target_(target), fields_(target) {}
     ~XmlChildren();
     XmlChildren(const XmlChildren&) = delete;
     XmlChildren& operator=(const XmlChildren&) = delete;
 
-    // Of child number `n`, from 1.
-    XmlTarget destination(std::int32_t n);
+    // Of the next child.
+    XmlTarget destination();
     // The child was read into its destination.
     void add(std::int32_t n, std::string_view parent, std::string_view child, std::string_view index);
     // There are no more.
@@ -213,6 +243,7 @@ private:
 
     XmlReader& reader_;
     XmlTarget target_;
+    XmlFields fields_;
     Kind scratchKind_ = KindNone;  // once there is one
     char bytes_[sizeof(ArrayDescriptor)] = {};
     std::int32_t failed_ = 0;  // to make a place for the child that is being read

@@ -106,14 +106,14 @@ TEST_F(TabDiscovery, StopsAtAnEmptyLineTheFooterAndTheLimit) {
     EXPECT_EQ(found_.rowsSeen, 2);
 }
 
-TEST_F(TabDiscovery, AtMostFortyEightColumnsAreSeen) {
+TEST_F(TabDiscovery, AtMostFortyEightColumnsAreDeclaredAndAllAreCounted) {
     std::string row = "1";
     for (int i = 2; i <= 60; ++i) row += ",1";
     const std::string text = columns(row + "\n" + row + "\n", header);
-    EXPECT_EQ(found_.columnsSeen, 48);
+    EXPECT_EQ(found_.columnsSeen, 60);
     EXPECT_TRUE(text.ends_with("\"1\" : integer\n"));
     EXPECT_EQ(columns(row + "\n").substr(0, 17), "FIELD1 : integer\n");
-    EXPECT_EQ(found_.columnsSeen, 48);
+    EXPECT_EQ(found_.columnsSeen, 60);
 }
 
 TEST_F(TabDiscovery, NoDataIsTold) {

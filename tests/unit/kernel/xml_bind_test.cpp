@@ -19,6 +19,8 @@ TEST_F(XmlBindTest, TextsAreReadByTheKindOfTheTarget) {
         {"x : boolean", "<a>1</a>", "False 981 True/False expected here"},
         {"x : boolean", "<a></a>", "False 981 True/False expected here"},
         {"x : boolean", "<a/>", "False"},
+        {"x : boolean", "<a>maybe", "False 981 True/False expected here"},
+        {"x : boolean", "<a>maybe</b>", "False 981 True/False expected here"},
         {"x : enum", "<a>7</a>", "#7"},
         {"x : enum", "<a>255</a>", "#255"},
         {"x : enum", "<a>256</a>", "#0"},

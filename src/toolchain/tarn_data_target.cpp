@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Delimited text is written without quotes, and XML without an encoding, so not every text fits. What does
+// not fit is told ahead of the writing: nothing is changed in silence.
+#include "kernel/errors.h"
+#include "kernel/lists.h"
+#include "kernel/records.h"
+#include "kernel/runtime.h"
+#include "kernel/strings.h"
+#include "kernel/tables.h"
+#include "os/files.h"
+#include "toolchain/tarn_data.h"
+
+namespace tarn::data {
+
+namespace {
+
+// ---- what fits: a place that does not, or npos, and why ----
+
+struct Misfit {
+    std::size_t at = std::string::npos, length = 1;
+    const char* why = "";
+    [[nodiscard]] bool any() const { return at != std::string::npos; }
+};
+
+Misfit misfitOfDelimited(std::string_view text, std::size_t from, char separator) {
+    if (from == 0 && text.starts_with('"')) return {0, 1, "begins with a quote"};
+    for (std::size_t i = from; i < text.size(); ++i) {
+        if (text[i] == separator) return {i, 1, "holds the separator"};
+        if (text[i] == '\n' || text[i] == '\r') return {i, 1, "holds a line end"};
+        if (text[i] == '\0') return {i, 1, "holds a zero byte"};
+    }
+    return {};
+}
+
+Misfit misfitOfLine(std::string_view text, std::size_t from) {
+    const std::size_t at = text.find_first_of(std::string_view("\n\r\0", 3), from);
+    return {at, 1, "holds a line end or a zero byte"};
+}
+
+// The bytes of the UTF-8 character at `i` that XML may hold; 0 for what is none.
+std::size_t xmlCharacter(std::string_view text, std::size_t i) {
+    const auto byte = [&](std::size_t n) {
+        return n < text.size() ? static_cast<unsigned char>(text[n]) : 0U;
+    };
+    const unsigned first = byte(i);
+    if (first < 0x80) return first >= 0x20 || first == '\t' || first == '\n' ? 1 : 0;
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4) return 0;
+    unsigned code = first & (0xFFU >> (length + 1));
+    for (std::size_t n = 1; n < length; ++n) {
+        if ((byte(i + n) & 0xC0U) != 0x80) return 0;
+        code = code << 6U | (byte(i + n) & 0x3FU);
+    }
+    constexpr unsigned least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    return code < least[length] || code > 0x10FFFF || surrogate || code == 0xFFFE || code == 0xFFFF ? 0
+                                                                                                    : length;
+}
+
+Misfit misfitOfXml(std::string_view text, std::size_t from) {
+    for (std::size_t i = from; i < text.size();) {
+        const std::size_t length = xmlCharacter(text, i);
+        if (length == 0)
+            return {i, 1, "holds a byte that XML cannot hold (a control character, or no UTF-8)"};
+        i += length;
+    }
+    return {};
+}
+
+Misfit misfitOf(const Target& target, std::string_view text, std::size_t from) {
+    switch (target.format) {
+    case FormatXml: return misfitOfXml(text, from);
+    case FormatText: return misfitOfLine(text, from);
+    default: return misfitOfDelimited(text, from, static_cast<char>(target.options.separatorchar));
+    }
+}
+
+const char* adviceFor(const Target& target) {
+    switch (target.format) {
+    case FormatXml:
+        return "Convert the file that is read to UTF-8 first, or write '?' instead with --replace.";
+    case FormatText: return "Write XML, which holds it, or '?' instead with --replace.";
+    default:
+        return "Choose another separator with --to-separator, or XML, or write '?' instead with --replace.";
+    }
+}
+
+// ---- rows ----
+
+class Fitting {
+public:
+    Fitting(const Target& target, bool replace, std::string_view columns)
+        : target_(target), replace_(replace), names_(columnNames(columns)) {}
+
+    Problem column(const RecordDescriptor* row, std::int32_t n) const {
+        const bool members = RecordFieldKind(row, n) == KindSet && target_.options.separatorchar == ',';
+        if (!members || target_.format == FormatXml || target_.format == FormatText) return {};
+        return {"Column '" + nameOf(n) + "' holds sets, whose members are separated by commas.",
+                "Choose another separator with --to-separator, or XML."};
+    }
+
+    Problem row(RecordDescriptor* row, std::int32_t number) const {
+        std::size_t length = 0;
+        const std::int32_t fields = FieldCountOf(row->kinds);
+        for (std::int32_t n = 1; n <= fields; ++n) {
+            if (RecordFieldKind(row, n) != KindString) continue;
+            auto* const s = static_cast<StringDescriptor*>(RecordFieldAddress(row, n));
+            Problem problem = cell(s, number, n);
+            if (problem.any()) return problem;
+            length += static_cast<std::size_t>(StringLength(s)) + 1;
+        }
+        return target_.format == FormatXml ? Problem() : line(row, fields, length, number);
+    }
+
+private:
+    [[nodiscard]] std::string nameOf(std::int32_t n) const { return names_[static_cast<std::size_t>(n - 1)]; }
+
+    Problem cell(StringDescriptor* s, std::int32_t number, std::int32_t n) const {
+        Misfit misfit = misfitOf(target_, StringView(s), 0);
+        if (!misfit.any()) return {};
+        if (!replace_)
+            return {"Row " + std::to_string(number) + ", column '" + nameOf(n) + "' " + misfit.why + ".",
+                    adviceFor(target_)};
+        std::string text(StringView(s));
+        for (; misfit.any(); misfit = misfitOf(target_, text, misfit.at + 1)) text[misfit.at] = '?';
+        StringAssignView(s, text);
+        return {};
+    }
+
+    // What no reader of delimited text would take as a row.
+    Problem line(const RecordDescriptor* row, std::int32_t fields, std::size_t length,
+                 std::int32_t number) const {
+        if (length > std::size_t{MaxTabLine} + 1)
+            return {"Row " + std::to_string(number) + " would be a line of more than " +
+                        std::to_string(MaxTabLine) + " characters.",
+                    "Write XML, which holds it."};
+        const bool empty = fields == 1 && length == 1 && target_.format != FormatText;
+        if (!empty || replace_ || RecordFieldKind(row, 1) != KindString) return {};
+        return {"Row " + std::to_string(number) + " is empty, and would be an empty line.",
+                "Write XML or txt, which hold it, or accept it with --replace."};
+    }
+
+    const Target& target_;
+    bool replace_;
+    std::vector<std::string> names_;
+};
+
+}  // namespace
+
+Problem chooseTarget(const std::string& file, const Layout& layout, Target& target) {
+    target.file = file;
+    target.format = DataFormatOf(file);
+    const bool delimited = target.format == FormatComma || target.format == FormatTab;
+    if (target.format != FormatXml && target.format != FormatText && !delimited)
+        return {"'" + file + "' cannot be written: its extension is none of csv, tab, txt and xml.",
+                "The extension of the second file decides what is written.", WrongUsage};
+    if (target.format == FormatXml && layout.any())
+        return {"'" + file + "' is XML, which has no separator, header or footer.",
+                "Leave the --to-... options away.", WrongUsage};
+    if (target.format == FormatText && layout.separator) target.format = FormatTab;
+    target.options = DefaultTabOptions(target.format);
+    if (target.format == FormatText && layout.any())
+        return {"'" + file + "' is lines of text, which have no header or footer.",
+                "--to-separator=C makes it delimited text.", WrongUsage};
+    if (layout.separator) target.options.separatorchar = *layout.separator;
+    target.options.numheaderrows = layout.headerRows.value_or(1);
+    target.options.numfooterrows = layout.footerRows.value_or(0);
+    return {};
+}
+
+Problem fitRows(const Target& target, bool replace, std::string_view columns, TableValue& table) {
+    ListDescriptor* const rows = TableRows(table.get());
+    const auto* const shape =
+        static_cast<const RecordDescriptor*>(static_cast<const void*>(At(rows->prototype)));
+    const std::int32_t fields = FieldCountOf(shape->kinds);
+    if (target.format == FormatText && fields != 1)
+        return {"There are " + std::to_string(fields) + " columns, and lines of text hold one.",
+                "--to-separator=C writes '" + target.file + "' as delimited text."};
+    const Fitting fitting(target, replace, columns);
+    Problem problem;
+    for (std::int32_t n = 1; n <= fields && !problem.any(); ++n) problem = fitting.column(shape, n);
+    for (std::int32_t i = 1; i <= rows->count && !problem.any(); ++i)
+        problem = fitting.row(static_cast<RecordDescriptor*>(ListRef(rows, i)), i);
+    if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
+    ClearError();
+    return problem;
+}
+
+Problem saveRows(const Target& target, const TableValue& table) {
+    const Work work("writing " + target.file);
+    if (stopSignal() != 0) return {"Stopped.", "'" + target.file + "' is as it was."};
+    const TabResult result = SaveValue(target.file, target.format, target.options, 0, table.get(), KindTable);
+    ClearError();
+    if (result.stopped) return {"Stopped.", "'" + target.file + "' is as it was."};
+    if (result.code == 0) return {};
+    return {"File '" + target.file + "' cannot be written: " + ErrorMessage(result.code) + ".",
+            "Look whether its folder is there and may be written, and whether the disk has room. The file is "
+            "as it was."};
+}
+
+}  // namespace tarn::data

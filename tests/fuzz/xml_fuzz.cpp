@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+// Any bytes: a structure or an error, a value of legal shape, and what was read without an error is saved and
+// read again as the same value.
+//
+// An input is a declaration of type information text, a form feed, and the file.
+#include "kernel/adt.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/data/xml.h"
+#include "kernel/runtime.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+bool write(const std::string& path, const std::string& text) {
+    std::FILE* const out = std::fopen(path.c_str(), "wb");
+    if (out == nullptr) return false;
+    std::fwrite(text.data(), 1, text.size(), out);
+    return std::fclose(out) == 0;
+}
+
+void checkStructure(const std::string& file) {
+    std::string text;
+    const tarn::ErrorRecord error = tarn::XmlRead(file, 0, nullptr, tarn::KindNone, &text, tarn::MaxTypeInfo);
+    require(text.size() < std::size_t{tarn::MaxTypeInfo});
+    require((error.code == 0) == error.message.empty());
+    std::size_t position = 0;
+    tarn::TypeInfoToValue(text, position, nullptr);
+}
+
+// Without the bytes that do not come back from a file, and without the number that equals no number.
+bool comesBack(const std::string& file) {
+    if (file.find_first_of("\r\x1A") != std::string::npos || file.size() >= 2000) return false;
+    return file.find("&#") == std::string::npos && file.find_first_of("nN") == std::string::npos;
+}
+
+void checkValue(const std::string& file, const std::string& text, void* value, tarn::Kind kind) {
+    const tarn::XmlResult loaded = tarn::XmlLoad(file, value, kind);
+    require(tarn::AdtCheck(value, kind).empty());
+    if (loaded.error.code != 0 || !comesBack(text)) return;
+    char again[tarn::KindSize[tarn::KindArray]] = {};
+    tarn::AdtInit(again, value, kind);
+    for (const std::int32_t options : {0, tarn::XmlFieldAttributes}) {
+        require(tarn::XmlSave(file, options, value, kind).error.code == 0);
+        require(tarn::XmlLoad(file, again, kind).error.code == 0);
+        require(tarn::AdtCompare("EQ", value, again, kind));
+    }
+    tarn::AdtFree(again, kind);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string file = "/tmp/tarnwick-fuzz-xml-" + std::to_string(getpid());
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t split = std::min(input.find('\f'), input.size());
+    const std::string text = input.substr(std::min(split + 1, input.size()));
+    if (!write(file, text)) return 0;
+    checkStructure(file);
+    char value[tarn::KindSize[tarn::KindArray]] = {};
+    std::size_t position = 0;
+    const std::int32_t kind = tarn::TypeInfoToValue(input.substr(0, split), position, value);
+    if (tarn::IsValueKind(kind)) {
+        checkValue(file, text, value, static_cast<tarn::Kind>(kind));
+        if (tarn::IsAdtKind(kind)) tarn::AdtFree(value, static_cast<tarn::Kind>(kind));
+    }
+    require(tarn::LiveBlocks() == 0);
+    tarn::ClearError();
+    std::remove(file.c_str());
+    return 0;
+}
