@@ -416,26 +416,26 @@ TEST_F(Dates, FileTimeIsTheLocalTimeOfTheLastWrite) {
     const os::Steered steeredClock(clock);
     os::SteeredFiles files;
     const os::Steered steeredFiles(files);
-    files.put("/work/a.cls", "text");
-    files.putLink("/work/a.cls", "/work/link");
-    files.putLink("/work/none", "/work/dangling");
-    ASSERT_EQ(files.setModified("/work/a.cls", 951'782'399 * nanosecondsPerSecond + 123'456'789),
+    files.put("/data/a.cls", "text");
+    files.putLink("/data/a.cls", "/data/link");
+    files.putLink("/data/none", "/data/dangling");
+    ASSERT_EQ(files.setModified("/data/a.cls", 951'782'399 * nanosecondsPerSecond + 123'456'789),
               os::FileError::None);
     const auto timeOf = [](std::string_view path) {
         std::string text = "before";
         FileTimeText(path, text);
         return text;
     };
-    EXPECT_EQ(timeOf("/work/a.cls"), "2000-02-28 23:59:59.1234");
-    EXPECT_EQ(timeOf("\\work\\a.cls"), "2000-02-28 23:59:59.1234");
-    EXPECT_EQ(timeOf("/work/link"), "2000-02-28 23:59:59.1234");
+    EXPECT_EQ(timeOf("/data/a.cls"), "2000-02-28 23:59:59.1234");
+    EXPECT_EQ(timeOf("\\data\\a.cls"), "2000-02-28 23:59:59.1234");
+    EXPECT_EQ(timeOf("/data/link"), "2000-02-28 23:59:59.1234");
     clock.setOffset(3600);
-    EXPECT_EQ(timeOf("/work/a.cls"), "2000-02-29 00:59:59.1234");
-    EXPECT_EQ(timeOf("/work").size(), 24U);
-    for (const std::string_view path : {std::string_view("/work/none"), std::string_view("/work/dangling"),
-                                        std::string_view(""), std::string_view("/work/a.cls\0x", 13)})
+    EXPECT_EQ(timeOf("/data/a.cls"), "2000-02-29 00:59:59.1234");
+    EXPECT_EQ(timeOf("/data").size(), 24U);
+    for (const std::string_view path : {std::string_view("/data/none"), std::string_view("/data/dangling"),
+                                        std::string_view(""), std::string_view("/data/a.cls\0x", 13)})
         EXPECT_EQ(timeOf(path), "") << path;
-    std::string path = "/home/a.cls";
+    std::string path = "/data/a.cls";
     FileTimeText(path, path);
     EXPECT_EQ(path, "2000-02-29 00:59:59.1234");
 }
