@@ -145,6 +145,7 @@ bool equalRecords(const void* a, const void* b) {
 bool sameRecordShape(const void* a, const void* b) {
     const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
     if (left.tag != right.tag || !sameKinds(left, right)) return false;
+    if (HoldsNumbersOnly(left.kinds)) return true;
     const char *leftData = At(left.data), *rightData = At(right.data);
     return eachField(left.kinds, [&](const Field& field) {
         return SameShape(leftData + field.offset, rightData + field.offset, field.kind);
@@ -191,12 +192,6 @@ FieldKinds MakeFieldKinds(std::initializer_list<Kind> kinds) {
     std::int32_t n = 0;
     for (const Kind kind : kinds) SetFieldKindAt(made, ++n, kind);
     return made;
-}
-
-Kind FieldKindAt(const FieldKinds& kinds, std::int32_t n) {
-    if (n < 1 || n > MaxFields) return KindNone;
-    const std::uint32_t pair = kinds.nibbles[(n - 1) / 2];
-    return static_cast<Kind>(n % 2 != 0 ? pair >> 4U : pair & 15U);
 }
 
 void SetFieldKindAt(FieldKinds& kinds, std::int32_t n, Kind kind) {

@@ -21,7 +21,11 @@ namespace tarn {
 
 // The kinds of the fields in order; at most 48.
 FieldKinds MakeFieldKinds(std::initializer_list<Kind> kinds);
-Kind FieldKindAt(const FieldKinds& kinds, std::int32_t n);  // n from 1; KindNone outside
+inline Kind FieldKindAt(const FieldKinds& kinds, std::int32_t n) {  // n from 1; KindNone outside
+    if (n < 1 || n > MaxFields) return KindNone;
+    const std::uint32_t pair = kinds.nibbles[(n - 1) / 2];
+    return static_cast<Kind>(n % 2 != 0 ? pair >> 4U : pair & 15U);
+}
 void SetFieldKindAt(FieldKinds& kinds, std::int32_t n, Kind kind);
 std::int32_t FieldCountOf(const FieldKinds& kinds);
 std::int32_t FieldBytesOf(const FieldKinds& kinds);  // the sum of the fields' sizes
