@@ -37,7 +37,8 @@ void ListInit(ListDescriptor* l, std::int32_t maxlength, const void* prototype, 
 std::int32_t ListCount(const ListDescriptor* l);  // 0 and 761 for no list
 Kind ListElementKind(const ListDescriptor* l);    // KindNone for the untyped list, and with 761 for no list
 bool ListIsInFile(const ListDescriptor* l);
-// The address of an element of a list in memory; null for a position outside. Valid until the list changes.
+// The address of an element of a list in memory; null and 603 for a position outside. Valid until the list
+// changes.
 void* ListRef(ListDescriptor* l, std::int32_t position);
 const void* ListRef(const ListDescriptor* l, std::int32_t position);
 

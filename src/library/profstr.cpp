@@ -7,7 +7,7 @@
 
 #include "kernel/ascii.h"
 #include "kernel/errors.h"
-#include "library/fileerrors.h"
+#include "kernel/fileerrors.h"
 #include "library/initext.h"
 #include "library/profstr_file.h"
 #include "library/system.h"
@@ -120,17 +120,17 @@ std::string_view readProfile(const std::string& file, bool& readable) {
     if (room.size() > KeptRoom) room = std::vector<char>();
     std::size_t size = 0;
     const os::FileError error = file.empty() ? os::FileError::NotFound : readWhole(file, room, size);
-    readable = error == os::FileError::None || isMissing(error);
+    readable = error == os::FileError::None || IsMissing(error);
     if (readable)
         settle(toldReads, file, 0, {});
     else
-        settle(toldReads, file, readErrorCode(error), readAdvice(file));
+        settle(toldReads, file, FileReadCode(error), readAdvice(file));
     return {room.data(), error == os::FileError::None ? size : 0};
 }
 
 bool writeProfile(const std::string& file, std::string_view text) {
     const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
-    settle(toldWrites, file, writeErrorCode(result.error),
+    settle(toldWrites, file, FileWriteCode(result.error),
            result.ok() ? std::string() : writeAdvice(file, result));
     return result.ok();
 }

@@ -7,7 +7,7 @@
 
 #include "kernel/ascii.h"
 #include "kernel/errors.h"
-#include "library/fileerrors.h"
+#include "kernel/fileerrors.h"
 #include "os/clock.h"
 #include "os/files.h"
 
@@ -73,7 +73,7 @@ bool copyBytes(const std::string& source, const std::string& dest) {
     // Some file systems have no permissions to set; the copy is good without them.
     (void)os::files().setMode(os::native(dest), info.mode);
     const os::FileError time = os::files().setModified(os::native(dest), info.modified);
-    SetError(detail::writeErrorCode(time));
+    SetError(FileWriteCode(time));
     return time == os::FileError::None;
 }
 
@@ -145,7 +145,7 @@ std::string GETCURDIR() {
 void SETCURDIR(const std::string& directory) {
     FRAME(SETCURDIR);
     STAMP();
-    SetError(detail::readErrorCode(os::files().setCurrentFolder(os::native(directory))));
+    SetError(FileReadCode(os::files().setCurrentFolder(os::native(directory))));
 }
 
 std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file) {
@@ -168,7 +168,7 @@ bool LOADFILE(const std::string& file, std::string& text) {
     STAMP();
     const os::FileError error = os::readFile(file, text);
     if (error != os::FileError::None) text.clear();
-    SetError(detail::readErrorCode(error));
+    SetError(FileReadCode(error));
     return error == os::FileError::None;
 }
 
@@ -179,7 +179,7 @@ bool SAVEFILE(const std::string& file, std::string_view text) {
     const os::SaveResult result = os::saveFile(file, text);
     if (result.ok()) return true;
     lastFailedSave() = {file, result};
-    SetError(detail::writeErrorCode(result.error));
+    SetError(FileWriteCode(result.error));
     return false;
 }
 
@@ -201,7 +201,7 @@ void FILEDELETE(const std::string& file) {
     FRAME(FILEDELETE);
     STAMP();
     const os::FileError error = os::files().remove(os::native(file));
-    if (!detail::isMissing(error)) SetError(detail::writeErrorCode(error));
+    if (!IsMissing(error)) SetError(FileWriteCode(error));
 }
 
 bool FILECOPY(const std::string& source, const std::string& dest, bool confirm) {

@@ -6,6 +6,7 @@
 #include "kernel/data/progress.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/runtime.h"
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 
 #include "kernel/data/progress.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/runtime.h"
 
 #include <algorithm>
@@ -35,27 +36,6 @@ bool isBlank(char c) {
 }
 
 }  // namespace
-
-// ---- codes ----
-
-std::int32_t FileReadCode(os::FileError error) {
-    switch (error) {
-    case os::FileError::None: return 0;
-    case os::FileError::Vanished: return ERR_FILE_VANISHED;
-    case os::FileError::BadName: return ERR_FILE_NAME;
-    default: return ERR_FILE_READ;
-    }
-}
-
-std::int32_t FileWriteCode(os::FileError error) {
-    switch (error) {
-    case os::FileError::None: return 0;
-    case os::FileError::Vanished: return ERR_FILE_VANISHED;
-    case os::FileError::DiskFull: return ERR_DISK_FULL;
-    case os::FileError::BadName: return ERR_FILE_NAME;
-    default: return ERR_FILE_WRITE;
-    }
-}
 
 CellApart::CellApart() : before_(tarn_error_cell) {
     tarn_error_cell = 0;

@@ -22,10 +22,6 @@
 
 namespace tarn {
 
-// The run-time error of a failure of files: 0, or 651 to 654 and 657.
-std::int32_t FileReadCode(os::FileError error);
-std::int32_t FileWriteCode(os::FileError error);
-
 // True for a separator that cells can stand between: any byte but NUL, the line feed and the quote.
 constexpr bool IsTabSeparator(std::int32_t code) {
     return code >= 1 && code <= 255 && code != '\n' && code != '"';

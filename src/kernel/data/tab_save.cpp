@@ -8,6 +8,7 @@
 #include "kernel/data/tab_rows.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/fixed.h"
 #include "kernel/numbers.h"
 #include "kernel/runtime.h"

@@ -8,6 +8,7 @@
 #include "kernel/data/xml_reader.h"
 #include "kernel/dates.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/fixed.h"
 #include "kernel/indexes.h"
 #include "kernel/lists.h"
@@ -378,15 +379,6 @@ private:
     Names given_;
 };
 
-std::int32_t writeErrorOf(os::FileError error) {
-    switch (error) {
-    case os::FileError::Vanished: return ERR_FILE_VANISHED;
-    case os::FileError::DiskFull: return ERR_DISK_FULL;
-    case os::FileError::BadName: return ERR_FILE_NAME;
-    default: return ERR_FILE_WRITE;
-    }
-}
-
 XmlResult saveValue(const std::string& filename, std::int32_t options, const void* value, Kind kind,
                     std::string_view names) {
     XmlResult result;
@@ -400,7 +392,7 @@ XmlResult saveValue(const std::string& filename, std::int32_t options, const voi
         if (saved.ok())
             result.count = writer.count;
         else
-            result.error = XmlFailure(writeErrorOf(saved.error));
+            result.error = XmlFailure(FileWriteCode(saved.error));
     }
     return result;
 }

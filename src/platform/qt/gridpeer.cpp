@@ -2,6 +2,7 @@
 #include "platform/qt/gridpeer.h"
 
 #include "platform/qt/pictures.h"
+#include "platform/qt/rowsview.h"
 #include "platform/qt/texts.h"
 
 #include <QAbstractTableModel>
@@ -164,44 +165,16 @@ protected:
     }
 };
 
-class GridView : public QTreeView {
+class GridView : public RowsViewOf<QTreeView> {
 public:
-    explicit GridView(QWidget* parent) : QTreeView(parent) {
+    explicit GridView(QWidget* parent) : RowsViewOf(parent) {
         setRootIsDecorated(false);
         setItemsExpandable(false);
         setUniformRowHeights(true);
         setAllColumnsShowFocus(true);
         setAlternatingRowColors(true);
-        setEditTriggers(NoEditTriggers);
-        setHorizontalScrollMode(ScrollPerPixel);
         header()->setSectionsMovable(false);
         header()->setStretchLastSection(true);
-    }
-    std::function<void(QPoint)> doubleClicked;
-    std::function<void()> refreshed;  // brings the rows up to date before the user acts on them
-
-protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        if (refreshed) refreshed();
-        QTreeView::mousePressEvent(event);
-    }
-    void keyPressEvent(QKeyEvent* event) override {
-        if (refreshed) refreshed();
-        QTreeView::keyPressEvent(event);
-    }
-    void mouseDoubleClickEvent(QMouseEvent* event) override {
-        if (refreshed) refreshed();
-        const bool onRow = indexAt(event->pos()).isValid();
-        QTreeView::mouseDoubleClickEvent(event);
-        if (event->button() == Qt::LeftButton && onRow && doubleClicked) doubleClicked(event->pos());
-    }
-    // Ctrl would unselect the row, for which the model has no event.
-    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
-                                                         const QEvent* event) const override {
-        const auto command = QTreeView::selectionCommand(index, event);
-        const bool takes =
-            command.testFlag(QItemSelectionModel::Toggle) || command.testFlag(QItemSelectionModel::Deselect);
-        return takes ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows : command;
     }
 };
 

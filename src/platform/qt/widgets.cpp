@@ -3,6 +3,7 @@
 
 #include "platform/qt/gridpeer.h"
 #include "platform/qt/pictures.h"
+#include "platform/qt/rowsview.h"
 #include "platform/qt/textpeers.h"
 #include "platform/qt/texts.h"
 
@@ -72,39 +73,9 @@ void reportRow(Control& control, int row) {
     if (row != control.listIndex) userRow(control, row);
 }
 
-class RowsView : public QListView {
+class RowsView : public RowsViewOf<QListView> {
 public:
-    explicit RowsView(QWidget* parent) : QListView(parent) {
-        setUniformItemSizes(true);
-        setEditTriggers(NoEditTriggers);
-        setHorizontalScrollMode(ScrollPerPixel);
-    }
-    std::function<void(QPoint)> doubleClicked;
-    std::function<void()> refreshed;  // brings the rows up to date before the user acts on them
-
-protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        if (refreshed) refreshed();
-        QListView::mousePressEvent(event);
-    }
-    void keyPressEvent(QKeyEvent* event) override {
-        if (refreshed) refreshed();
-        QListView::keyPressEvent(event);
-    }
-    void mouseDoubleClickEvent(QMouseEvent* event) override {
-        if (refreshed) refreshed();
-        const bool onRow = indexAt(event->pos()).isValid();
-        QListView::mouseDoubleClickEvent(event);
-        if (event->button() == Qt::LeftButton && onRow && doubleClicked) doubleClicked(event->pos());
-    }
-    // Ctrl would unselect the row, for which the model has no event.
-    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
-                                                         const QEvent* event) const override {
-        const auto command = QListView::selectionCommand(index, event);
-        const bool takes =
-            command.testFlag(QItemSelectionModel::Toggle) || command.testFlag(QItemSelectionModel::Deselect);
-        return takes ? QItemSelectionModel::ClearAndSelect : command;
-    }
+    explicit RowsView(QWidget* parent) : RowsViewOf(parent) { setUniformItemSizes(true); }
 };
 
 // Gathers the changes of the rows: a program that adds thousands of them has them measured once.

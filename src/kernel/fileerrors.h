@@ -8,11 +8,11 @@
 
 #include <cstdint>
 
-namespace tarn::detail {
+namespace tarn {
 
-std::int32_t readErrorCode(os::FileError error);   // 0 for None
-std::int32_t writeErrorCode(os::FileError error);  // 0 for None
+std::int32_t FileReadCode(os::FileError error);   // 0 for None
+std::int32_t FileWriteCode(os::FileError error);  // 0 for None
 // Whether a failed read means that there is no such file.
-bool isMissing(os::FileError error);
+bool IsMissing(os::FileError error);
 
-}  // namespace tarn::detail
+}  // namespace tarn

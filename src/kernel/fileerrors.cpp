@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// See fileerrors.h. Pure mappings: no frames.
-#include "library/fileerrors.h"
+#include "kernel/fileerrors.h"
 
 #include "kernel/errors.h"
 
-namespace tarn::detail {
+namespace tarn {
 
-std::int32_t readErrorCode(os::FileError error) {
+std::int32_t FileReadCode(os::FileError error) {
     switch (error) {
     case os::FileError::None: return 0;
     case os::FileError::Vanished: return ERR_FILE_VANISHED;
@@ -16,7 +14,7 @@ std::int32_t readErrorCode(os::FileError error) {
     }
 }
 
-std::int32_t writeErrorCode(os::FileError error) {
+std::int32_t FileWriteCode(os::FileError error) {
     switch (error) {
     case os::FileError::None: return 0;
     case os::FileError::Vanished: return ERR_FILE_VANISHED;
@@ -26,8 +24,8 @@ std::int32_t writeErrorCode(os::FileError error) {
     }
 }
 
-bool isMissing(os::FileError error) {
+bool IsMissing(os::FileError error) {
     return error == os::FileError::NotFound || error == os::FileError::NotFolder;
 }
 
-}  // namespace tarn::detail
+}  // namespace tarn
