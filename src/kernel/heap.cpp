@@ -104,17 +104,20 @@ bool reserve() {
         const std::uint64_t start = reinterpret_cast<std::uintptr_t>(range);
         tarn_heap_base = static_cast<char*>(range) + ((start + hugePage - 1) / hugePage * hugePage - start);
         heap.reserved = bytes;
-        madvise(tarn_heap_base + hugePage, bytes - hugePage, MADV_HUGEPAGE);  // a wish: nothing depends on it
         return true;
     }
     return false;
 }
 
-bool commit(std::uint64_t upTo) {
+bool commit(std::uint64_t upTo, bool smallBlocks) {
     const std::uint64_t step = upTo <= hugePage ? commitStep : hugePage;
     const std::uint64_t goal = std::min((upTo + step - 1) / step * step, heap.reserved);
     if (mprotect(tarn_heap_base + heap.committed, goal - heap.committed, PROT_READ | PROT_WRITE) != 0)
         return false;
+    // A wish, on which nothing depends. Large blocks are left out, and guarded ones: a touch at their ends
+    // would take a huge page, and what is freed of one does not go back to the system.
+    if (smallBlocks && !heap.checking && step == hugePage)
+        madvise(tarn_heap_base + heap.committed, goal - heap.committed, MADV_HUGEPAGE);
     heap.committed = goal;
     return true;
 }
@@ -122,7 +125,7 @@ bool commit(std::uint64_t upTo) {
 Offset extend(std::int32_t bytes) {
     if (tarn_heap_base == nullptr && !reserve()) return 0;
     const std::uint64_t end = heap.top + static_cast<std::uint64_t>(bytes);
-    if (end > heap.reserved || (end > heap.committed && !commit(end))) return 0;
+    if (end > heap.reserved || (end > heap.committed && !commit(end, bytes < releaseFrom))) return 0;
     const auto block = static_cast<Offset>(heap.top);
     heap.top = end;
     return block;
