@@ -50,6 +50,7 @@ public:
         return key(NodeKey(node));
     }
     [[nodiscard]] bool checking() const { return checking_; }
+    [[nodiscard]] static bool dropsChanges() { return false; }
     [[nodiscard]] bool reachable(Offset node) const;
     [[nodiscard]] bool sound(Offset node) const;
     // Starts to fetch the parts of a node that a search reads: the links and the head of the key.

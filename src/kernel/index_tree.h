@@ -7,6 +7,7 @@
 //   int balance(Ref)                  void setBalance(Ref, int)
 //   int order(const Key&, Ref)        below 0, 0 or above 0, as the key comes before the node's, is it, ...
 //   bool checking()                   true: each node that is touched is checked
+//   bool dropsChanges()               true: changes that met damage half-way are dropped by the tree itself
 //   bool reachable(Ref)               whether a node can stand there
 //   bool sound(Ref)                   whether a node that can be one stands there
 //   int64 most()                      how many nodes there can be
@@ -164,10 +165,11 @@ void Hang(Tree& tree, const Path& path, std::int32_t index, Ref node) {
         tree.setChild(path.nodes[index - 1], path.sides[index - 1], node);
 }
 
-// With checking on: the nodes of the path and all that turning them can touch.
+// With checking on: the nodes of the path and all that turning them can touch. A tree that can drop its
+// changes looks at those when they are touched.
 template <class Tree, class Path>
 bool SoundAround(const Tree& tree, const Path& path) {
-    if (!tree.checking()) return true;
+    if (!tree.checking() || tree.dropsChanges()) return true;
     for (std::int32_t i = 0; i < path.depth; ++i) {
         for (const int side : {0, 1}) {
             const auto low = tree.child(path.nodes[i], side);

@@ -30,15 +30,18 @@
 #include "kernel/values.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tarn {
 
 inline constexpr std::int32_t MaxKeyFields = 4, NodeHeadBytes = 88, MaxPrintedNodes = 32;
 
-// How an index is held. Record size 0: in memory.
+// How an index is held. Record size 0: in memory. Otherwise in the index file of that name (index_file.h);
+// its root is then the file's, and the record that is given as root is not looked into.
 struct IndexBlock {
     std::int32_t headerSize = 0, recordSize = 0;
+    std::string fileName;
 };
 
 struct IndexHit {
@@ -51,6 +54,15 @@ struct IndexShape {
 };
 
 void IndexInit(RecordDescriptor* root);  // the empty tree; `root` need not hold anything valid
+
+// How the index file of a table with keys like `key` is held.
+IndexBlock IndexFileBlock(std::string_view fileName, const RecordDescriptor* key);
+// Checks an index that is held in a file: 763 a null root; 636 a key record that is missing, or whose size is
+// not that of the nodes; 653 no such file; 656 a file of the wrong size; 651 to 654. The file then stays open
+// until IndexClose or the next operation on another index: one file is open at a time. Nothing for an index
+// in memory. Every operation below opens its file itself when it must, and closes it again.
+void IndexOpen(const RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key);
+void IndexClose(const IndexBlock& block);
 
 std::int32_t IndexInsert(RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key,
                          std::int32_t row);  // 0, or 635 for a key that is there (not set in the cell)

@@ -69,6 +69,7 @@ public:
     // Writes all of `bytes` at `offset` (Append: at the end), or fails having written some of it.
     virtual FileError write(Handle handle, std::int64_t offset, std::string_view bytes) = 0;
     virtual FileError truncate(Handle handle, std::int64_t size) = 0;
+    virtual FileError size(Handle handle, std::int64_t& bytes) = 0;
     virtual FileError sync(Handle handle) = 0;
     virtual FileError close(Handle handle) = 0;
     virtual FileError rename(const std::string& from, const std::string& to) = 0;  // replaces `to`

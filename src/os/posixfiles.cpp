@@ -166,6 +166,12 @@ public:
     FileError truncate(Handle handle, std::int64_t size) override {
         return writeResult(uninterrupted([&] { return ::ftruncate(handle, size); }));
     }
+    FileError size(Handle handle, std::int64_t& bytes) override {
+        struct stat status {};
+        const FileError error = readResult(::fstat(handle, &status));
+        bytes = error == FileError::None ? status.st_size : 0;
+        return error;
+    }
 
     FileError sync(Handle handle) override {
         const int result = uninterrupted([&] { return ::fsync(handle); });

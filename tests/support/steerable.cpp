@@ -495,6 +495,12 @@ FileError SteeredFiles::truncate(Handle handle, std::int64_t size) {
     return FileError::None;
 }
 
+FileError SteeredFiles::size(Handle handle, std::int64_t& bytes) {
+    const OpenFile* const file = opened(handle);
+    bytes = file != nullptr ? static_cast<std::int64_t>(file->node->state.bytes.size()) : 0;
+    return file != nullptr ? FileError::None : FileError::ReadFailed;
+}
+
 FileError SteeredFiles::sync(Handle handle) {
     const OpenFile* const file = opened(handle);
     const FileError error = count(FileCall::Sync, "sync");

@@ -119,6 +119,7 @@ public:
                    std::size_t& got) override;
     FileError write(Handle handle, std::int64_t offset, std::string_view bytes) override;
     FileError truncate(Handle handle, std::int64_t size) override;
+    FileError size(Handle handle, std::int64_t& bytes) override;
     FileError sync(Handle handle) override;
     FileError close(Handle handle) override;
     FileError rename(const std::string& from, const std::string& to) override;

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Xbase files (dBASE III tables): fields of characters of fixed width. All integers little-endian:
+//
+//   offset  size  header
+//        0     1  signature: 3 when written; 3, 4, 5, 48, 131 or 139 when read
+//        1     3  date of the last change: year less 1900 (two digits), month, day
+//        4     4  number of records, unsigned
+//        8     2  size of this header: 32 * (fields + 1) + 1, at least 33
+//       10     2  size of a record: the fields' lengths and 1
+//       12    20  reserved, 0
+//       32  32*n  a descriptor for each field, ended by byte 13 (a byte 0 may stand behind it)
+//
+//   offset  size  field descriptor
+//        0    11  name, padded with 0
+//       11     1  type: C characters, D date, L logical, N number; read: 0-9 and A-Z
+//       12     4  reserved, 0
+//       16     1  length
+//       17     1  decimals
+//       18    14  reserved, 0
+//
+// A record is the delete flag (blank for a live row, '*' for a deleted one) and the fields without
+// separators. The flag is data: a record whose first field is an enum ahead of the fields of the file
+// (`delete_flag : Tchar`) holds it. A byte 26 may end the file.
+#pragma once
+
+#include "kernel/data/tabular.h"
+#include "kernel/values.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+inline constexpr std::int32_t MaxXbaseFields = 48, MaxXbaseFieldName = 11, MaxXbaseFieldLength = 255;
+
+struct XbaseHeader {
+    std::int32_t headerSize = 0, recordSize = 0, fieldCount = 0;
+    std::uint32_t records = 0;
+    char name[MaxXbaseFields][MaxXbaseFieldName + 1] = {};  // NUL-terminated
+    char type[MaxXbaseFields] = {};
+    std::uint8_t length[MaxXbaseFields] = {}, decimals[MaxXbaseFields] = {};
+};
+
+// "" or what is wrong with the header, which is then all zero. `bytes` are those that the file begins with,
+// as many as the header has, or fewer when the file ends.
+std::string XbaseDecodeHeader(std::string_view bytes, XbaseHeader& header);
+// The same for a file. A file that cannot be opened also sets the run-time error.
+std::string XbaseReadHeader(const std::string& filename, XbaseHeader& header);
+bool XbaseFileName(std::string_view name);  // extension .dbf or .xbf, in any case
+// The declaration of a file, a record; "" with a message when that is not possible.
+std::string XbaseTypeInfo(const std::string& filename, std::string& message);
+
+// The declaration's descriptors for a value: 0, or 658. `typeText` gives the names, a line for each field; it
+// must not be empty. Nested records are flattened. A first field "delete_flag : Tchar" has no descriptor.
+std::int32_t XbaseBuildDescriptors(const void* value, Kind kind, std::string_view typeText,
+                                   XbaseHeader& header);
+// The header of a file of these fields as bytes, dated today, with `records` in it; "" and 658 in `errorCode`
+// for a value that has none.
+std::string XbaseHeaderBytes(const void* value, Kind kind, std::string_view typeText, std::uint32_t records,
+                             std::int32_t& errorCode);
+void XbaseSetRecords(std::string& headerBytes, std::uint32_t records);
+// A row that was not written yet: blanks behind a '*' for an Xbase name, bytes 0 for another.
+void XbaseEmptyRow(std::string_view filename, char* buffer, std::size_t size);
+// 0 when the record has the fields of the file, the number of the first that does not fit, or 1 for anything
+// wrong with the file. The second form has the header already.
+std::int32_t XbaseCheckValue(const std::string& filename, Kind kind, const void* value);
+std::int32_t XbaseCheckValue(const XbaseHeader& header, Kind kind, const void* value);
+// A row that can be the backing of rows in a file: a record of an enum and arrays of characters, lower bound
+// 1, of at most 255 each; or of the enum alone.
+bool TypeInfoIsXbaseRecord(const RecordDescriptor* row);
+
+// What was wrong with the first value that could not be carried over; errorCode 0: nothing.
+struct XbaseFault {
+    std::int32_t errorField = 0, errorCode = 0;
+};
+// One value at `position` (from 0) of a row, which goes on behind what was used, as `fieldNumber` (from 1) of
+// the header does. Records go field by field. The rest is read after a failure. The row is header.recordSize
+// bytes.
+void XbaseFromRow(std::string_view rowBytes, std::size_t& position, const XbaseHeader& header,
+                  std::int32_t& fieldNumber, void* value, Kind kind, XbaseFault& fault);
+void XbaseToRow(const void* value, Kind kind, const XbaseHeader& header, std::int32_t& fieldNumber,
+                std::string& rowBytes, std::size_t& position, XbaseFault& fault);
+// A whole row, with the delete flag: in the first field of a record that holds it, otherwise not kept, and
+// written as a blank.
+XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind);
+XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes);
+
+// Whole files, as TabLoad and TabSave.
+TabResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message);
+TabResult XbaseSave(const std::string& filename, const void* value, Kind kind, std::string_view typeText);
+
+}  // namespace tarn

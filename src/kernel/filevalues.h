@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Lists and tables whose rows stand in a file. The value holds the name of the file; every operation opens
+// it, acts and closes it again, and no lock is held: a file is for one process at a time. The operations on
+// elements and rows are those of lists.h and tables.h.
+//
+//   number  format  chosen by                            header            count of rows
+//        3  plain   an UNBOUNDED capacity                none              the size by the record length
+//        4  fixed   a capacity                           4, big-endian     the header; records up to the
+//                                                                          capacity stand in the file always
+//        5  Xbase   extension .dbf or .xbf, in any case  that of the file  the word at offset 4
+//
+// Records of plain and fixed files are packed values (data/packing.h), those of Xbase files fields of
+// characters (data/xbase.h).
+//
+// A row is committed when its operation has returned, as far as the death of the process goes; FileClose
+// brings the file to the disk, against the death of the machine. After a death in the middle of an operation
+// the rows are whole, but for a torn last one (655 on opening) or a last one that stands twice, while an
+// index may be behind: RebuildTableFile mends all of that.
+#pragma once
+
+#include "kernel/values.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+enum RowFormat : std::int32_t { RowsPlain = 3, RowsFixed = 4, RowsXbase = 5 };
+
+// Opens the file of a list or table that is held in a file, or makes it, with empty indexes. 660 for a value
+// that is held in memory or is no list or table; 764 for one that is open; 661 for an empty name; 657 for one
+// of 255 characters or more or without a file part; 658 for rows that an Xbase file cannot hold or does not
+// have; 660 for rows that pack to nothing or to more than MostPackedBytes; 655 for a size that is not that of
+// whole rows; 619 for more rows than the capacity; 762 for a type text that is not that of the rows; 656 for
+// an index that is missing or too short, unless there are no rows; 651 to 654. On any error the value is not
+// open, and a file that was being made is gone.
+void FileOpen(void* value, Kind kind, std::string_view fileName);
+// Brings the files to the disk and blanks the name. Nothing for a value that is not open.
+void FileClose(void* value, Kind kind);
+// Whether a name is there. False for values in memory.
+bool FileExists(const void* value, Kind kind);
+std::string FileNameOf(const void* value, Kind kind);  // "" when not open
+
+// 0, and 660, for a value that cannot be held in a file.
+std::int32_t FileRecordLength(const void* value, Kind kind);
+std::int32_t FileHeaderSize(const void* value, Kind kind);
+// By the name and the capacity. 0, and 661, for a value that is not open.
+std::int32_t FileFormat(const void* value, Kind kind);
+// Writes the count into the header of a file of format 4 or 5; nothing for others.
+void FileKeepCount(std::string_view fileName, std::int32_t format, std::int32_t count);
+
+}  // namespace tarn
