@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/adt.h"
 
+#include "kernel/adt_kinds.h"
 #include "kernel/arrays.h"
 #include "kernel/errors.h"
+#include "kernel/lists.h"
 #include "kernel/records.h"
 #include "kernel/strings.h"
 #include "values_fixture.h"
@@ -695,6 +697,44 @@ TEST_F(GenericOperations, AZeroDescriptorIsNoSource) {
         EXPECT_EQ(takeError(), AdtTypeError(kind)) << kind;
         EXPECT_EQ(AdtCheck(zero.at(), kind), "");
     }
+}
+
+TEST_F(GenericOperations, AnUnopenedFileListWithinAValueIsNotCompared) {
+    ListValue inFile;
+    ListInit(inFile.get(), UNBOUNDED, nullptr, KindInteger, true);
+    RecordValue a, b;
+    for (RecordValue* record : {&a, &b}) {
+        RecordInit(record->get(), TagRecord, {});
+        RecordAppend(record->get(), inFile.get(), KindList);
+    }
+    for (const char* op : {"EQ", "NE"}) {
+        EXPECT_FALSE(AdtCompare(op, a.get(), b.get(), KindRecord)) << op;
+        EXPECT_EQ(takeError(), ERR_FILE_NOT_OPEN) << op;
+    }
+}
+
+TEST_F(GenericOperations, ValuesStandInEachOtherUpToABound) {
+    SetMemoryChecking(false);
+    RecordValue nested, within;
+    RecordInit(nested.get(), TagRecord, {});
+    std::int32_t one = 1, depth = 1;
+    RecordAppend(nested.get(), &one, KindInteger);
+    while (depth < 2 * MaxNesting) {
+        RecordValue outer;
+        RecordInit(outer.get(), TagRecord, {});
+        RecordAppend(outer.get(), nested.get(), KindRecord);
+        if (ErrorCell() != 0) break;
+        within = std::move(nested);
+        nested = std::move(outer);
+        ++depth;
+    }
+    EXPECT_EQ(takeError(), ERR_UNIDENTIFIABLE);
+    EXPECT_NEAR(depth, MaxNesting, 1);
+    RecordValue copy;
+    AdtCopy(within.get(), copy.get(), KindRecord);
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_TRUE(AdtCompare("EQ", within.get(), copy.get(), KindRecord));
+    EXPECT_EQ(AdtCheck(nested.get(), KindRecord), "");
 }
 
 TEST_F(GenericOperations, AnUnopenedFileListIsNotCompared) {
