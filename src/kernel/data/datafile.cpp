@@ -156,7 +156,9 @@ void readTableFile(const std::string& filename, std::string_view head, DataFileI
     if (!looksLikeIndex(head) || file.open(filename) != 0 || file.size() < IndexHeaderBytes) return;
     std::string text(MaxIndexText + 1, '\0');
     if (file.read(textOffset, text.data(), text.size()) != 0) return;
-    text.resize(std::min(text.find('\0'), text.size()));
+    const std::size_t end = text.find('\0');
+    if (end == std::string::npos) return;
+    text.resize(end);
     const auto isText = [](char c) { return c == '\n' || c == '\t' || (c >= ' ' && c <= '~'); };
     if (!std::all_of(text.begin(), text.end(), isText)) return;
     info.typeText = std::move(text);
@@ -330,7 +332,7 @@ TabResult LoadValue(const std::string& filename, DataFormat format, const TabOpt
     case FormatComma:
     case FormatTab: return TabLoad(filename, lines, value, kind);
     case FormatBinary: return BinaryLoad(filename, value, kind);
-    case FormatXbase: return XbaseLoad(filename, value, kind, message);
+    case FormatXbase: return XbaseLoad(filename, value, kind, message, options.maxdatarows);
     case FormatXml: return fromXml(XmlLoad(filename, value, kind), message);
     default: return {ERR_COMPONENT_UNREPRESENTABLE};
     }

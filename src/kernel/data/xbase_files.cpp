@@ -137,7 +137,8 @@ private:
 
 class Loading {
 public:
-    Loading(Rows& rows, const XbaseHeader& header) : rows_(rows), header_(header) {}
+    Loading(Rows& rows, const XbaseHeader& header, std::int32_t mostRows)
+        : rows_(rows), header_(header), mostRows_(mostRows < 0 ? INT32_MAX : mostRows) {}
 
     TabResult run(void* value, Kind kind) {
         switch (kind) {
@@ -149,14 +150,14 @@ public:
         }
         result_.stopped = rows_.stopped();
         if (rows_.code() != 0) failWhole(rows_.code());
-        return result_;
+        return failed() ? TabResult{result_.code, 0, 0, result_.stopped} : result_;
     }
     // Nothing that was read counts.
     [[nodiscard]] bool failed() const { return failed_ || result_.stopped; }
 
 private:
     bool next(std::string_view& row) {
-        if (failed_ || row_ == INT32_MAX || !rows_.next(row)) return false;
+        if (failed_ || row_ == mostRows_ || !rows_.next(row)) return false;
         ++row_;
         return true;
     }
@@ -239,20 +240,21 @@ private:
                 note(ERR_COMPONENT_UNREPRESENTABLE);
             lines += '\n';
         }
+        result_.rows = row_;
         StringAssignView(&text, lines);
         note(takeError());
-        result_.rows = row_;
     }
 
     Rows& rows_;
     const XbaseHeader& header_;
-    std::int32_t row_ = 0;
+    std::int32_t mostRows_, row_ = 0;
     bool failed_ = false;
     TabResult result_;
 };
 
 // The message of a file that is no Xbase file goes with 661.
-TabResult load(const std::string& filename, void* value, Kind kind, std::string& message) {
+TabResult load(const std::string& filename, std::int32_t mostRows, void* value, Kind kind,
+               std::string& message) {
     TabResult result{refusal(value, kind)};
     if (result.code != 0) return result;
     TabFile file;
@@ -270,7 +272,7 @@ TabResult load(const std::string& filename, void* value, Kind kind, std::string&
     FreshValue fresh(value, kind);
     result.code = takeError();
     if (result.code != 0) return result;
-    Loading loading(rows, header);
+    Loading loading(rows, header, mostRows);
     result = loading.run(fresh.get(), kind);
     if (!loading.failed()) fresh.replaceTarget();
     return result;
@@ -382,11 +384,12 @@ TabResult save(const std::string& filename, const void* value, Kind kind, std::s
 
 }  // namespace
 
-TabResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message) {
+TabResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message,
+                    std::int32_t mostRows) {
     const CellApart cell;
     message.clear();
     try {
-        return load(filename, value, kind, message);
+        return load(filename, mostRows, value, kind, message);
     } catch (const std::bad_alloc&) {
         return {ERR_OUT_OF_MEMORY};
     }

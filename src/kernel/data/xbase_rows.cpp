@@ -49,7 +49,7 @@ void putCharacters(std::string_view text, const ArrayDescriptor& array) {
 }
 
 void clear(char* at, Kind kind) {
-    if (isString(at, kind)) return StringClear(reinterpret_cast<StringDescriptor*>(at));
+    if (isString(at, kind)) return StringAssignView(reinterpret_cast<StringDescriptor*>(at), {});
     if (isCharacters(at, kind)) return putCharacters({}, ReadAt<ArrayDescriptor>(at));
     if (!IsAdtKind(kind)) std::memset(at, 0, static_cast<std::size_t>(KindSize[kind]));
 }

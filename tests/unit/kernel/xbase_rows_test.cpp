@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Rows of Xbase files to values and back, a field at a time and whole.
+#include "kernel/fixed.h"
 #include "kernel/heap.h"
 #include "unit/kernel/table_rows.h"
 #include "unit/kernel/values_fixture.h"
@@ -137,7 +138,7 @@ TEST_F(XbaseRows, CellsBecomeValues) {
         {"-0.1", 'N', "real", "-0.10000000000000001r"},
         {"-0.0", 'N', "real", "-0r"},
         {"1.5E+10", 'N', "real", "15000000000r"},
-        {"12345678901234567890", 'N', "real", "12345678901234567168r"},
+        {"12345678901234567890", 'N', "real", "1.2345678901234567e+19r"},
         {"1E400", 'N', "real", "658 0r"},
         {"abc", 'N', "real", "658 0r"},
         {"***", 'N', "real", "658 0r"},
@@ -325,7 +326,7 @@ TEST_F(XbaseRows, RealNumbersHaveTheDecimalsOfTheField) {
     EXPECT_EQ(real(1e15, {"A", 'N', 20, 4}), "658");
     EXPECT_EQ(real(-1e14, {"A", 'N', 20, 4}), "658");
     EXPECT_EQ(real(1e300, {"A", 'N', 20, 4}), "658");
-    EXPECT_EQ(real(1e200, {"A", 'N', 255}).find_first_not_of(' '), 54U);
+    EXPECT_EQ(real(1e22, {"A", 'N', 25}), "  10000000000000000000000");
     EXPECT_EQ(real(std::numeric_limits<double>::quiet_NaN(), {"A", 'N', 20, 4}), "658");
     EXPECT_EQ(real(std::numeric_limits<double>::infinity(), {"A", 'N', 20, 4}), "658");
     EXPECT_EQ(real(-std::numeric_limits<double>::infinity(), {"A", 'N', 20, 4}), "658");
