@@ -20,59 +20,6 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
-// ---- checks, in their order ----
-
-bool acceptTable(const TableDescriptor* t) {
-    if (!IsTable(t)) return fail(ERR_TABLE_TYPE);
-    return HeaderOf(*t).rows.tag == KindRecord || fail(ERR_FILE_NOT_OPEN);
-}
-
-// A record whose fields are there.
-bool isRecord(const RecordDescriptor* row) {
-    return row != nullptr && row->tag == TagRecord && (row->size == 0) == (row->data == 0) &&
-           row->size == FieldBytesOf(row->kinds);
-}
-
-bool acceptRow(const TableHeader& header, const RecordDescriptor* row) {
-    if (!isRecord(row)) return fail(ERR_COMPONENT_INVALID);
-    return SameShape(row, &RowShape(header), KindRecord) || fail(ERR_COMPONENT_TYPE);
-}
-
-bool isZero(const RecordDescriptor& record) {
-    constexpr RecordDescriptor zero{};
-    return std::memcmp(&record, &zero, sizeof zero) == 0;
-}
-
-// A record without a shape takes that of the row.
-bool acceptOutput(const TableHeader& header, const RecordDescriptor* row) {
-    return (row != nullptr && isZero(*row)) || acceptRow(header, row);
-}
-
-// A malformed record is left alone.
-void clearOutput(RecordDescriptor* row) {
-    if (isRecord(row)) ClearOutput(row, KindRecord);
-}
-
-bool acceptIndex(const TableHeader& header, std::int32_t indexNumber) {
-    return (indexNumber >= 1 && indexNumber <= IndexesOf(header)) || fail(ERR_INDEX_VALUE);
-}
-
-bool fits(const TableHeader& header, std::int32_t indexNumber, const KeyView& key) {
-    KeyView shape;
-    return KeyOfRow(RowShape(header), header.keyMaps[indexNumber - 1], shape) && SameKeyShape(key, shape);
-}
-
-bool acceptKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
-               KeyView& view) {
-    if (!acceptIndex(header, indexNumber)) return false;
-    return (KeyOfRecord(key, view) && fits(header, indexNumber, view)) || fail(ERR_INDEX_VALUE);
-}
-
 // ---- the entries of a row ----
 
 // What a change has got ready for one index.
@@ -87,14 +34,14 @@ bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&
     KeySearch searches[MaxIndexes];
     const std::int32_t count = IndexesOf(header);
     for (std::int32_t i = 0; i < count; ++i) {
-        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return fail(ERR_COMPONENT_INVALID);
+        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return RefuseTable(ERR_COMPONENT_INVALID);
         searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
     }
     const bool whole =
         count == 1 ? FindKey(header.roots[0], entries[0].key, entries[0].path) : FindKeys(searches, count);
     if (!whole) return false;
     return std::none_of(entries, entries + count, [](const Entry& entry) { return entry.path.found; }) ||
-           fail(ERR_DUPLICATE_FIELDS);
+           RefuseTable(ERR_DUPLICATE_FIELDS);
 }
 
 void freeNodes(Entry (&entries)[MaxIndexes]) {
@@ -116,7 +63,7 @@ bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
 // has not found it.
 bool findEntry(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
     const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
-    if (!known) return fail(ERR_INDEX_TYPE);
+    if (!known) return RefuseTable(ERR_INDEX_TYPE);
     if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
     entry.path.found = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
     return true;
@@ -167,16 +114,16 @@ bool findRow(const TableHeader& header, std::int32_t indexNumber, const TreeSeek
     if (!SeekNode(header.roots[indexNumber - 1], seek, key, node)) return false;
     if (node == 0) return true;
     number = NodeRow(node);
-    return HasRow(header, number) || fail(ERR_INDEX_TYPE);
+    return HasRow(header, number) || RefuseTable(ERR_INDEX_TYPE);
 }
 
 // The number of the row that must have this key.
 bool findByKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                std::int32_t& number) {
     KeyView view;
-    if (!acceptKey(header, indexNumber, key, view)) return false;
+    if (!AcceptTableKey(header, indexNumber, key, view)) return false;
     if (!findRow(header, indexNumber, {}, view, number)) return false;
-    return number != 0 || fail(ERR_TABLE_NOT_FOUND);
+    return number != 0 || RefuseTable(ERR_TABLE_NOT_FOUND);
 }
 
 bool find(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
@@ -184,11 +131,11 @@ bool find(std::string_view op, const TableDescriptor* t, std::int32_t indexNumbe
     TreeSeek seek;
     KeyView view;
     std::int32_t number = 0;
-    if (!acceptTable(t) || !acceptOutput(HeaderOf(*t), row)) return false;
+    if (!AcceptTable(t) || !AcceptRowOutput(HeaderOf(*t), row)) return false;
     const TableHeader& header = HeaderOf(*t);
-    if (!acceptIndex(header, indexNumber)) return false;
-    if (!ReadOperator(op, seek)) return fail(ERR_INDEX_VALUE);
-    if (seek.end == 0 && !acceptKey(header, indexNumber, key, view)) return false;
+    if (!AcceptIndexNumber(header, indexNumber)) return false;
+    if (!ReadOperator(op, seek)) return RefuseTable(ERR_INDEX_VALUE);
+    if (seek.end == 0 && !AcceptTableKey(header, indexNumber, key, view)) return false;
     if (!findRow(header, indexNumber, seek, view, number) || number == 0) return false;
     return CopyValue(&RowAt(header, number), row, KindRecord);
 }
@@ -206,11 +153,11 @@ bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t n
     KeyView old;
     const std::int32_t keyMap = header.keyMaps[index];
     if (!KeyOfRow(RowAt(header, number), keyMap, old) || !KeyOfRow(row, keyMap, change.after.key))
-        return fail(ERR_COMPONENT_INVALID);
+        return RefuseTable(ERR_COMPONENT_INVALID);
     change.differs = CompareKeys(old, change.after.key) != 0;
     if (!change.differs) return true;
     if (!FindKey(header.roots[index], change.after.key, change.after.path)) return false;
-    if (change.after.path.found) return fail(ERR_DUPLICATE_FIELDS);
+    if (change.after.path.found) return RefuseTable(ERR_DUPLICATE_FIELDS);
     return findEntryToUnlink(header, index, number, change.before);
 }
 
@@ -252,9 +199,9 @@ bool fillIndex(TableHeader& header, std::int32_t index) {
     for (std::int32_t number = 1; number <= header.rows.count; ++number) {
         Entry entry;
         if (!KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key))
-            return fail(ERR_COMPONENT_TYPE);
+            return RefuseTable(ERR_COMPONENT_TYPE);
         if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
-        if (entry.path.found) return fail(ERR_UNIQUE_INDEX);
+        if (entry.path.found) return RefuseTable(ERR_UNIQUE_INDEX);
         entry.node = MakeNode(entry.key, number);
         if (entry.node == 0) return false;
         LinkNode(header.roots[index], entry.path, entry.key, entry.node);
@@ -288,7 +235,7 @@ void TableInit(TableDescriptor* t, std::int32_t maxlength, const RecordDescripto
                const KeyMaps& keyMaps, std::string_view typeInfo, bool inFile) {
     if (t == nullptr) return SetError(ERR_TABLE_TYPE);
     *t = {};
-    const bool good = isRecord(rowPrototype) && (maxlength == UNBOUNDED || maxlength >= 1) &&
+    const bool good = IsWholeRecord(rowPrototype) && (maxlength == UNBOUNDED || maxlength >= 1) &&
                       areKeyMaps(*rowPrototype, keyMaps);
     if (!good) return SetError(ERR_TABLE_TYPE);
     ListDescriptor rows;
@@ -299,11 +246,11 @@ void TableInit(TableDescriptor* t, std::int32_t maxlength, const RecordDescripto
 // ---- rows ----
 
 void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* row) {
-    if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
+    if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     TableHeader& header = HeaderOf(*t);
     const std::int32_t count = header.rows.count;
     if (t->maxlength != UNBOUNDED && count >= t->maxlength) return SetError(ERR_FIXED_TABLE);
-    if ((indexNumber != 0 || header.keyMaps[0] != 0) && !acceptIndex(header, indexNumber)) return;
+    if ((indexNumber != 0 || header.keyMaps[0] != 0) && !AcceptIndexNumber(header, indexNumber)) return;
     Entry entries[MaxIndexes];
     if (!findPlaces(header, *row, entries) || !makeNodes(entries, count + 1)) return;
     ListAppend(row, KindRecord, &header.rows);
@@ -317,22 +264,22 @@ void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescript
 void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key,
                RecordDescriptor* row) {
     std::int32_t number = 0;
-    const bool good = acceptTable(t) && acceptOutput(HeaderOf(*t), row) &&
+    const bool good = AcceptTable(t) && AcceptRowOutput(HeaderOf(*t), row) &&
                       findByKey(HeaderOf(*t), indexNumber, key, number) &&
                       CopyValue(&RowAt(HeaderOf(*t), number), row, KindRecord);
-    if (!good) clearOutput(row);
+    if (!good) ClearRowOutput(row);
 }
 
 void TableFind(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
                const RecordDescriptor* key, RecordDescriptor* row, bool& found) {
     found = find(op, t, indexNumber, key, row);
-    if (!found) clearOutput(row);
+    if (!found) ClearRowOutput(row);
 }
 
 void TableUpdate(const RecordDescriptor* row, std::int32_t indexNumber, const RecordDescriptor* key,
                  TableDescriptor* t) {
     std::int32_t number = 0;
-    if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
+    if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     TableHeader& header = HeaderOf(*t);
     if (!findByKey(header, indexNumber, key, number)) return;
     Change changes[MaxIndexes];
@@ -347,7 +294,7 @@ void TableUpdate(const RecordDescriptor* row, std::int32_t indexNumber, const Re
 
 void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key) {
     std::int32_t number = 0;
-    if (!acceptTable(t)) return;
+    if (!AcceptTable(t)) return;
     TableHeader& header = HeaderOf(*t);
     if (!findByKey(header, indexNumber, key, number)) return;
     const std::int32_t last = header.rows.count, indexes = IndexesOf(header);
@@ -366,11 +313,11 @@ void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescr
 }
 
 void TableClear(TableDescriptor* t) {
-    if (acceptTable(t)) EmptyTable(*t);
+    if (AcceptTable(t)) EmptyTable(*t);
 }
 
 void TableRebuild(TableDescriptor* t) {
-    if (!acceptTable(t)) return;
+    if (!AcceptTable(t)) return;
     TableHeader& header = HeaderOf(*t);
     for (RecordDescriptor& root : header.roots) FreeTree(root);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
@@ -379,32 +326,32 @@ void TableRebuild(TableDescriptor* t) {
 }
 
 void TableRow(const TableDescriptor* t, std::int32_t number, RecordDescriptor* row) {
-    const bool good = acceptTable(t) && acceptOutput(HeaderOf(*t), row) &&
-                      (HasRow(HeaderOf(*t), number) || fail(ERR_LIST_BOUNDS)) &&
+    const bool good = AcceptTable(t) && AcceptRowOutput(HeaderOf(*t), row) &&
+                      (HasRow(HeaderOf(*t), number) || RefuseTable(ERR_LIST_BOUNDS)) &&
                       CopyValue(&RowAt(HeaderOf(*t), number), row, KindRecord);
-    if (!good) clearOutput(row);
+    if (!good) ClearRowOutput(row);
 }
 
 // ---- keys ----
 
 std::int32_t TableIndexFor(const TableDescriptor* t, const RecordDescriptor* key) {
-    if (!IsTable(t)) return fail(ERR_TABLE_TYPE), 0;
+    if (!IsTable(t)) return RefuseTable(ERR_TABLE_TYPE), 0;
     const TableHeader& header = HeaderOf(*t);
     KeyView view;
     if (!KeyOfRecord(key, view)) return 0;
     for (std::int32_t n = 1; n <= IndexesOf(header); ++n) {
-        if (fits(header, n, view)) return n;
+        if (FitsIndex(header, n, view)) return n;
     }
     return 0;
 }
 
 void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* row,
                      RecordDescriptor* key) {
-    if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
+    if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     const TableHeader& header = HeaderOf(*t);
     KeyView view;
-    if (!acceptIndex(header, indexNumber)) return;
-    if (key == nullptr || !(isZero(*key) || isRecord(key))) return SetError(ERR_INDEX_VALUE);
+    if (!AcceptIndexNumber(header, indexNumber)) return;
+    if (key == nullptr || !(IsZeroRecord(*key) || IsWholeRecord(key))) return SetError(ERR_INDEX_VALUE);
     if (!KeyOfRow(*row, header.keyMaps[indexNumber - 1], view)) return SetError(ERR_COMPONENT_TYPE);
     RecordDescriptor made{0, TagRecord, 0, KeyKinds(view)};
     if (!AllocateData(made, KeyBytes(view))) return;
@@ -416,11 +363,11 @@ void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const R
 // ---- parts ----
 
 std::int32_t TableCount(const TableDescriptor* t) {
-    return acceptTable(t) ? HeaderOf(*t).rows.count : 0;
+    return AcceptTable(t) ? HeaderOf(*t).rows.count : 0;
 }
 
 std::int32_t TableIndexCount(const TableDescriptor* t) {
-    return IsTable(t) ? IndexesOf(HeaderOf(*t)) : (fail(ERR_TABLE_TYPE), 0);
+    return IsTable(t) ? IndexesOf(HeaderOf(*t)) : (RefuseTable(ERR_TABLE_TYPE), 0);
 }
 
 const ListDescriptor* TableRows(const TableDescriptor* t) {

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Making the indexes of many rows. Rows are read one after another, nodes written some thousands at a time:
+// memory does not grow with the table.
+#pragma once
+
+#include "kernel/owned.h"
+#include "kernel/rowfile.h"
+#include "kernel/table_access.h"
+#include "kernel/tables_file_index.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tarn {
+
+// The rows of a table, in memory or in a file.
+class RowSource {
+public:
+    explicit RowSource(const TableHeader& header);
+    // A row from 1 to the count; null, and the error set, when it cannot be read. Valid until the next one is
+    // asked for.
+    const RecordDescriptor* at(std::int32_t number);
+
+private:
+    const TableHeader& header_;
+    RecordValue row_;
+    RowBatch batch_;
+};
+
+// Says now and then how many rows were done, and asks whether to go on.
+class RowProgress {
+public:
+    RowProgress(const TableHeader& header, std::int32_t passes);  // over all rows
+    bool step();
+
+private:
+    std::int64_t rowBytes_, total_, done_ = 0, next_;
+};
+
+struct DuplicateKey {
+    std::int32_t index = 0;          // from 1
+    std::int32_t row = 0, first = 0;  // the row that has the key of the first
+};
+
+enum class Filled { Whole, Duplicate, Stopped, Failed };
+
+// Fills an empty index file in row order, up to a row whose key another has.
+class IndexFill {
+public:
+    IndexFill(const TableHeader& shape, std::int32_t index) : header_(shape), index_(index) {}
+    bool open(const std::string& path);
+    // Rows from `first` to `last`. What stands before a duplicate or an error is in the file, and the fill can
+    // go on behind a duplicate.
+    Filled run(RowSource& rows, std::int32_t first, std::int32_t last, RowProgress* progress);
+    [[nodiscard]] const DuplicateKey& duplicate() const { return duplicate_; }
+
+private:
+    Filled insert(const RecordDescriptor& row, std::int32_t number);
+
+    const TableHeader& header_;
+    std::int32_t index_;
+    FileTree tree_;
+    DuplicateKey duplicate_;
+};
+
+}  // namespace tarn
