@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "kernel/tables_file_ops.h"
+#include "kernel/tables_ops.h"
 
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
@@ -181,7 +181,7 @@ namespace {
 Filled fillAll(const TableDescriptor& t) {
     const TableHeader& header = HeaderOf(t);
     const std::string file(RowFileName(header.rows));
-    RowSource rows(header);
+    ListReader rows(header.rows);
     RowProgress progress(header, IndexesOf(header));
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         IndexFill fill(header, i);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables_file_fill.h"
 
-#include "kernel/adt_kinds.h"
 #include "kernel/data/packing.h"
 #include "kernel/data/progress.h"
 
@@ -18,14 +17,6 @@ constexpr std::int32_t rowsPerCommit = 4000;
 #endif
 
 }  // namespace
-
-RowSource::RowSource(const TableHeader& header) : header_(header), batch_(header.rows) {}
-
-const RecordDescriptor* RowSource::at(std::int32_t number) {
-    if (!IsHeldInFile(header_.rows)) return &RowAt(header_, number);
-    if (row_.get()->tag == 0 && !InitValue(row_.get(), &RowShape(header_), KindRecord)) return nullptr;
-    return ReadRow(header_.rows, number, row_.get()) ? row_.get() : nullptr;
-}
 
 RowProgress::RowProgress(const TableHeader& header, std::int32_t passes)
     : rowBytes_(std::max<std::int64_t>(PackedLength(&RowShape(header), KindRecord), 1)),
@@ -62,9 +53,9 @@ Filled IndexFill::insert(const RecordDescriptor& row, std::int32_t number) {
     return Filled::Failed;
 }
 
-Filled IndexFill::run(RowSource& rows, std::int32_t first, std::int32_t last, RowProgress* progress) {
+Filled IndexFill::run(ListReader& rows, std::int32_t first, std::int32_t last, RowProgress* progress) {
     for (std::int32_t number = first; number <= last; ++number) {
-        const RecordDescriptor* row = rows.at(number);
+        const RecordDescriptor* row = static_cast<const RecordDescriptor*>(rows.at(number - 1));
         const Filled result = row != nullptr ? insert(*row, number) : Filled::Failed;
         if (result != Filled::Whole) {
             if (row == nullptr || result == Filled::Duplicate) tree_.commit();

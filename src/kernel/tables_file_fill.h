@@ -4,8 +4,7 @@
 // memory does not grow with the table.
 #pragma once
 
-#include "kernel/owned.h"
-#include "kernel/rowfile.h"
+#include "kernel/list_access.h"
 #include "kernel/table_access.h"
 #include "kernel/tables_file_index.h"
 
@@ -13,20 +12,6 @@
 #include <string>
 
 namespace tarn {
-
-// The rows of a table, in memory or in a file.
-class RowSource {
-public:
-    explicit RowSource(const TableHeader& header);
-    // A row from 1 to the count; null, and the error set, when it cannot be read. Valid until the next one is
-    // asked for.
-    const RecordDescriptor* at(std::int32_t number);
-
-private:
-    const TableHeader& header_;
-    RecordValue row_;
-    RowBatch batch_;
-};
 
 // Says now and then how many rows were done, and asks whether to go on.
 class RowProgress {
@@ -52,7 +37,7 @@ public:
     bool open(const std::string& path);
     // Rows from `first` to `last`. What stands before a duplicate or an error is in the file, and the fill can
     // go on behind a duplicate.
-    Filled run(RowSource& rows, std::int32_t first, std::int32_t last, RowProgress* progress);
+    Filled run(ListReader& rows, std::int32_t first, std::int32_t last, RowProgress* progress);
     [[nodiscard]] const DuplicateKey& duplicate() const { return duplicate_; }
 
 private:

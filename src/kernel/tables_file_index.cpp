@@ -200,12 +200,8 @@ void IndexExchange::drop() {
     }
 }
 
-bool IndexExchange::install() {
-    for (std::int32_t i = 0; i < count_; ++i) {
-        const os::FileError error = os::files().rename(newName(i), name(i));
-        if (error != os::FileError::None) return RefuseTable(FileWriteCode(error));
-    }
-    return true;
+bool IndexExchange::install(std::int32_t index) {
+    return os::files().rename(newName(index), name(index)) == os::FileError::None;
 }
 
 void IndexExchange::dropNew() {

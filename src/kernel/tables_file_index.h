@@ -86,7 +86,7 @@ public:
 
     // New files are made under names of their own, and then take the places of the old ones.
     [[nodiscard]] std::string newName(std::int32_t index) const;
-    bool install();
+    bool install(std::int32_t index);
     void dropNew();
 
 private:

@@ -1,21 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The operations of tables.h on tables whose rows stand in a file. tables.cpp has checked the arguments: the
-// table is open, rows and keys have its shapes. They give false when they failed; the error is then set, and
-// the table as it was.
+// The operations of tables.h, once for tables in memory and once for tables whose rows stand in a file.
+// tables.cpp has checked the arguments: rows and keys have the shapes of the table, which is open. They give
+// false when they failed; the error is then set.
 //
-// Of the two kinds of files the rows are those that count: indexes can be made again. An operation looks
-// into all indexes first and keeps their changes in memory, then writes the rows, then the indexes, so that
-// a death in between leaves rows that are whole. Deleting cuts off the last row as its very last step.
+// Of the two kinds of files of a table the rows are those that count: indexes can be made again. An operation
+// looks into all indexes first and keeps their changes in memory, then writes the rows, then the indexes, so
+// that a death in between leaves rows that are whole. Deleting cuts off the last row as its very last step.
 #pragma once
 
-#include "kernel/index_keys.h"
-#include "kernel/index_tree.h"
-#include "kernel/values.h"
+#include "kernel/table_access.h"
 
 #include <cstdint>
 
 namespace tarn {
+
+bool MemoryTableFind(const TableDescriptor& t, std::int32_t indexNumber, const TreeSeek& seek,
+                     const KeyView& key, RecordDescriptor* row, bool& found);
+bool MemoryTableAdd(TableDescriptor& t, const RecordDescriptor& row);
+bool MemoryTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key,
+                       const RecordDescriptor& row);
+bool MemoryTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key);
+bool MemoryTableRebuild(TableDescriptor& t);
 
 // `found` false, with the result true, when there is no such row. 763 when the row that an index gives has
 // not the key. `key` may be a part of `row`.
