@@ -57,11 +57,11 @@ inline bool RefuseTable(std::int32_t code) {
 // A record whose fields are there.
 bool IsWholeRecord(const RecordDescriptor* record);
 bool IsZeroRecord(const RecordDescriptor& record);
-bool AcceptTable(const TableDescriptor* t);                                         // 762, 661
-bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row);        // 610, 611
-bool AcceptRowOutput(const TableHeader& header, const RecordDescriptor* row);       // a zero one will do
-void ClearRowOutput(RecordDescriptor* row);                                         // unless it is malformed
-bool AcceptIndexNumber(const TableHeader& header, std::int32_t indexNumber);        // 636
+bool AcceptTable(const TableDescriptor* t);                                    // 762, 661
+bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row);   // 610, 611
+bool AcceptRowOutput(const TableHeader& header, const RecordDescriptor* row);  // a zero one will do
+void ClearRowOutput(RecordDescriptor* row);                                    // unless it is malformed
+bool AcceptIndexNumber(const TableHeader& header, std::int32_t indexNumber);   // 636
 bool FitsIndex(const TableHeader& header, std::int32_t indexNumber, const KeyView& key);
 bool AcceptTableKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                     KeyView& view);  // 636

@@ -23,8 +23,8 @@ struct TableOperationsOn {
     bool (*remove)(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key);
     bool (*rebuild)(TableDescriptor& t);
 };
-constexpr TableOperationsOn inMemory = {MemoryTableFind, MemoryTableAdd, MemoryTableUpdate,
-                                        MemoryTableDelete, MemoryTableRebuild},
+constexpr TableOperationsOn inMemory = {MemoryTableFind, MemoryTableAdd, MemoryTableUpdate, MemoryTableDelete,
+                                        MemoryTableRebuild},
                             inFile = {FileTableFind, FileTableAdd, FileTableUpdate, FileTableDelete,
                                       FileTableRebuild};
 
@@ -113,7 +113,8 @@ void TableUpdate(const RecordDescriptor* row, std::int32_t indexNumber, const Re
     KeyView view;
     if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     const TableHeader& header = HeaderOf(*t);
-    if (AcceptTableKey(header, indexNumber, key, view)) operations(header).update(*t, indexNumber, view, *row);
+    if (AcceptTableKey(header, indexNumber, key, view))
+        operations(header).update(*t, indexNumber, view, *row);
 }
 
 void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key) {

@@ -20,8 +20,7 @@ constexpr std::int32_t rowsPerCommit = 4000;
 
 RowProgress::RowProgress(const TableHeader& header, std::int32_t passes)
     : rowBytes_(std::max<std::int64_t>(PackedLength(&RowShape(header), KindRecord), 1)),
-      total_(rowBytes_ * header.rows.count * passes),
-      next_(ProgressStep) {}
+      total_(rowBytes_ * header.rows.count * passes), next_(ProgressStep) {}
 
 bool RowProgress::step() {
     done_ += rowBytes_;
@@ -55,12 +54,11 @@ Filled IndexFill::insert(const RecordDescriptor& row, std::int32_t number) {
 
 Filled IndexFill::run(ListReader& rows, std::int32_t first, std::int32_t last, RowProgress* progress) {
     for (std::int32_t number = first; number <= last; ++number) {
-        const RecordDescriptor* row = static_cast<const RecordDescriptor*>(rows.at(number - 1));
+        const auto* row = static_cast<const RecordDescriptor*>(rows.at(number - 1));
+        if (row == nullptr) badRow_ = number;
         const Filled result = row != nullptr ? insert(*row, number) : Filled::Failed;
-        if (result != Filled::Whole) {
-            if (row == nullptr || result == Filled::Duplicate) tree_.commit();
-            return result;
-        }
+        if (result == Filled::Duplicate && !tree_.commit()) return Filled::Failed;
+        if (result != Filled::Whole) return result;
         if (progress != nullptr && !progress->step()) return Filled::Stopped;
         if (number % rowsPerCommit == 0 && !tree_.commit()) return Filled::Failed;
     }

@@ -23,11 +23,6 @@ private:
     std::int64_t rowBytes_, total_, done_ = 0, next_;
 };
 
-struct DuplicateKey {
-    std::int32_t index = 0;          // from 1
-    std::int32_t row = 0, first = 0;  // the row that has the key of the first
-};
-
 enum class Filled { Whole, Duplicate, Stopped, Failed };
 
 // Fills an empty index file in row order, up to a row whose key another has.
@@ -35,10 +30,11 @@ class IndexFill {
 public:
     IndexFill(const TableHeader& shape, std::int32_t index) : header_(shape), index_(index) {}
     bool open(const std::string& path);
-    // Rows from `first` to `last`. What stands before a duplicate or an error is in the file, and the fill can
-    // go on behind a duplicate.
+    // Rows from `first` to `last`. What stands before a duplicate is in the file then, and the fill can go on
+    // behind it.
     Filled run(ListReader& rows, std::int32_t first, std::int32_t last, RowProgress* progress);
     [[nodiscard]] const DuplicateKey& duplicate() const { return duplicate_; }
+    [[nodiscard]] std::int32_t badRow() const { return badRow_; }  // that could not be read; 0 for none
 
 private:
     Filled insert(const RecordDescriptor& row, std::int32_t number);
@@ -47,6 +43,7 @@ private:
     std::int32_t index_;
     FileTree tree_;
     DuplicateKey duplicate_;
+    std::int32_t badRow_ = 0;
 };
 
 }  // namespace tarn

@@ -8,6 +8,7 @@
 #include "kernel/fileerrors.h"
 #include "kernel/indexes.h"
 #include "kernel/rowfile.h"
+#include "kernel/rowformat.h"
 
 namespace tarn {
 
@@ -160,6 +161,13 @@ void closeIndex(const std::string& path) {
 IndexExchange::IndexExchange(const TableDescriptor& t)
     : file_(RowFileName(HeaderOf(t).rows)), count_(IndexesOf(HeaderOf(t))) {}
 
+IndexExchange::~IndexExchange() {
+    try {
+        putBack();
+    } catch (...) {  // the end of the process, in a test
+    }
+}
+
 std::string IndexExchange::name(std::int32_t index) const {
     return IndexFileName(file_, index + 1);
 }
@@ -195,9 +203,7 @@ void IndexExchange::putBack() {
 }
 
 void IndexExchange::drop() {
-    for (; aside_ > 0; --aside_) {
-        if (there_[aside_ - 1]) removeFile(asideName(aside_ - 1));
-    }
+    for (; aside_ > 0; --aside_) removeFile(asideName(aside_ - 1));
 }
 
 bool IndexExchange::install(std::int32_t index) {
@@ -227,8 +233,8 @@ std::int32_t IndexSizeError(const std::string& path, std::int32_t recordSize, st
     const os::FileError error = os::files().info(path, info);
     if (error != os::FileError::None) return FileReadCode(error);
     const std::int64_t nodes = info.size - IndexHeaderBytes;
-    const bool good = info.exists && !info.folder && nodes >= 0 && nodes % recordSize == 0 &&
-                      nodes / recordSize >= rows;
+    const bool good =
+        info.exists && !info.folder && nodes >= 0 && nodes % recordSize == 0 && nodes / recordSize >= rows;
     return good ? 0 : std::int32_t{ERR_INDEX_FILE_SIZE};
 }
 
@@ -237,8 +243,7 @@ bool AcceptTableIndexes(TableDescriptor& t) {
     const std::string file(RowFileName(header.rows));
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         const std::int32_t recordSize = IndexRecordSize(IndexKeyShape(header, i));
-        const std::int32_t error =
-            IndexSizeError(IndexFileName(file, i + 1), recordSize, header.rows.count);
+        const std::int32_t error = IndexSizeError(IndexFileName(file, i + 1), recordSize, header.rows.count);
         if (error != 0) return RefuseTable(error);
     }
     return true;
@@ -277,6 +282,15 @@ bool SyncTableIndexes(const TableDescriptor& t) {
         if (first == 0) first = error;
     }
     return first == 0 || RefuseTable(first);
+}
+
+void ReleaseTableIndexes(const TableDescriptor& t) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    if (!IsHeldInFile(rows) || RowFileName(rows).empty()) return;
+    WithMemory([&] {
+        if (IsScratchFile(rows)) return RemoveIndexFiles(RowFileName(rows)), true;
+        return !os::infoOf(std::string(RowFileName(rows))).exists || SyncTableIndexes(t);
+    });
 }
 
 }  // namespace tarn

@@ -38,6 +38,9 @@ private:
     std::int32_t pending_;
 };
 
+// "" or what is wrong with the indexes of an open table. Sets no error.
+std::string CheckIndexFiles(const TableDescriptor& t);
+
 // ---- entries ----
 
 // What failed in a tree: its own failure, or damage.
@@ -80,9 +83,12 @@ private:
 class IndexExchange {
 public:
     explicit IndexExchange(const TableDescriptor& t);
+    ~IndexExchange();  // puts back what was not dropped
+    IndexExchange(const IndexExchange&) = delete;
+    IndexExchange& operator=(const IndexExchange&) = delete;
     bool setAside();
     void putBack();
-    void drop();  // the new ones stay
+    void drop();  // the new ones stay; nothing is left over
 
     // New files are made under names of their own, and then take the places of the old ones.
     [[nodiscard]] std::string newName(std::int32_t index) const;

@@ -21,7 +21,8 @@ constexpr std::size_t noteBytesFor(std::size_t rowBytes) {
 }
 
 void addNumber(std::string& bytes, std::uint64_t number, int size) {
-    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift & 255U);
+    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8)
+        bytes += static_cast<char>(number >> shift & 255U);
 }
 
 std::uint32_t numberAt(std::string_view bytes, std::size_t at) {
@@ -58,6 +59,7 @@ void readNote(std::string_view bytes, std::size_t rowBytes, RowNote& note) {
 // The last bytes of a file, and where they begin.
 bool readEnd(const std::string& path, std::int64_t most, std::int64_t& start, std::string& bytes) {
     os::Handle handle = -1;
+    bytes.resize(static_cast<std::size_t>(most));
     os::FileError error = os::files().open(path, os::OpenMode::Read, 0, handle);
     if (error != os::FileError::None) return RefuseRead(error);
     std::int64_t size = 0;
@@ -107,7 +109,8 @@ bool FindRowNote(const std::string& path, std::int64_t headerBytes, std::int32_t
     note = {};
     if (!readEnd(path, static_cast<std::int64_t>(noteBytesFor(length)), start, bytes)) return false;
     const std::int64_t end = start + static_cast<std::int64_t>(bytes.size());
-    std::int64_t at = headerBytes + std::max<std::int64_t>(start - headerBytes + rowBytes - 1, 0) / rowBytes * rowBytes;
+    std::int64_t at =
+        headerBytes + std::max<std::int64_t>(start - headerBytes + rowBytes - 1, 0) / rowBytes * rowBytes;
     for (; at + static_cast<std::int64_t>(leastBytes) <= end; at += rowBytes) {
         const std::string_view tail = std::string_view(bytes).substr(static_cast<std::size_t>(at - start));
         const std::string wanted = beginning(at);

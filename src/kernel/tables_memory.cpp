@@ -115,8 +115,7 @@ bool findRow(const TableHeader& header, std::int32_t indexNumber, const TreeSeek
 // The number of the row that must have this key.
 bool findByKey(const TableHeader& header, std::int32_t indexNumber, const KeyView& key,
                std::int32_t& number) {
-    return findRow(header, indexNumber, {}, key, number) &&
-           (number != 0 || RefuseTable(ERR_TABLE_NOT_FOUND));
+    return findRow(header, indexNumber, {}, key, number) && (number != 0 || RefuseTable(ERR_TABLE_NOT_FOUND));
 }
 
 // ---- updating ----

@@ -29,7 +29,7 @@ bool FileTableFind(const TableDescriptor& t, std::int32_t indexNumber, const Tre
                    const KeyView& key, RecordDescriptor* row, bool& found);
 bool FileTableAdd(TableDescriptor& t, const RecordDescriptor& row);  // 635
 bool FileTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key,
-                     const RecordDescriptor& row);                                               // 604, 635
+                     const RecordDescriptor& row);                                       // 604, 635
 bool FileTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key);  // 604
 bool FileTableClear(TableDescriptor& t);
 // 637: the indexes are then as tables.h says. Stopped by the user (data/progress.h): true, and as it was.
