@@ -3,6 +3,7 @@
 
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
+#include "kernel/owned.h"
 #include "kernel/tables_file_fill.h"
 #include "kernel/tables_file_note.h"
 
