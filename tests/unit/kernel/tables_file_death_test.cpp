@@ -220,5 +220,89 @@ TEST_F(TableDeaths, AfterALackOfMemoryTheTableIsAsItWas) {
     }
 }
 
+// ---- dying ----
+
+// How it ends: the process alone, or the machine, with what of it is on the disk.
+struct Ending {
+    const char* name;
+    bool machine = false;
+    SteeredFiles::Names names = SteeredFiles::Names::Kept;
+    SteeredFiles::Overwritten overwritten = SteeredFiles::Overwritten::Kept;
+};
+constexpr Ending endings[] = {
+    {"process"},
+    {"machine, all kept", true},
+    {"machine, bytes lost", true, SteeredFiles::Names::Kept, SteeredFiles::Overwritten::Lost},
+    {"machine, names lost", true, SteeredFiles::Names::Lost, SteeredFiles::Overwritten::Kept},
+    {"machine, all lost", true, SteeredFiles::Names::Lost, SteeredFiles::Overwritten::Lost},
+};
+
+class TableEnds : public TableDeaths {
+protected:
+    // True when the operation ended, false when the process has died in it.
+    bool dieIn(const Operation& operation, int call, bool midway) {
+        files().dieAt(call, midway);
+        try {
+            EXPECT_EQ(operation.run(), 0);
+        } catch (const os::ProcessDeath&) {}
+        return !files().dead();
+    }
+    void end(const Ending& ending) {
+        abandon();
+        takeError();
+        if (ending.machine)
+            files().afterMachineDeath(ending.names, ending.overwritten);
+        else
+            files().revive();
+    }
+    // What a new process makes of the files: opened and checked, "" or what is wrong.
+    std::string look() {
+        table = closedTable(layout_->maps, layout_->maxlength);
+        const std::int32_t error = open(layout_->file);
+        return error != 0 ? "error " + std::to_string(error) : CheckTableFile(*t());
+    }
+    void mend() {
+        if (FileExists(t(), KindTable)) abandon();
+        const RebuiltTable result = RebuildTableFile(*t(), layout_->file);
+        EXPECT_EQ(result.error, 0);
+        EXPECT_TRUE(result.duplicates.empty());
+        ASSERT_EQ(open(layout_->file), 0);
+        EXPECT_EQ(result.rows, TableCount(t()));
+        expectWhole();
+    }
+};
+
+TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
+    for (const Layout& layout : layouts) {
+        start(layout, 6);
+        const std::size_t count = operations().size();
+        for (std::size_t which = 0; which < count; ++which) {
+            for (const Ending& ending : endings) {
+                for (const bool midway : {false, true}) {
+                    bool died = true;
+                    for (int call = 1; died && !HasFailure(); ++call) {
+                        start(layout, 6);
+                        close();
+                        ASSERT_EQ(open(layout.file), 0);
+                        const Operation operation = operations()[which];
+                        SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
+                                     (midway ? ", in call " : ", before call ") + std::to_string(call));
+                        Rows after = model_;
+                        operation.model(after);
+                        died = !dieIn(operation, call, midway);
+                        end(ending);
+                        const bool good = look().empty();
+                        EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
+                        mend();
+                        EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << rows().size();
+                        if (!died && !ending.machine) {
+                            EXPECT_TRUE(good && same(rows(), after));
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
 }  // namespace
 }  // namespace tarn
