@@ -304,5 +304,119 @@ TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
         }
     }
 }
+// ---- many sequences ----
+
+// A sequence of random operations on a table, the last of which meets a death.
+class TableSequences : public TableEnds {
+protected:
+    // Numbers of rows that were on the disk when the table was closed, and not touched since.
+    struct Lasting {
+        bool any = false;
+        Rows rows;
+    };
+    static bool holds(const Rows& rows, const Cells& cells) {
+        return std::any_of(rows.begin(), rows.end(), [&](const Cells& r) { return sameCells(r, cells); });
+    }
+    Operation randomOperation(std::mt19937& random) {
+        const bool keyed = layout_->maps[0] != 0;
+        const auto choice = static_cast<unsigned>(random() % 16);
+        if (choice == 0) return operations()[1];
+        if (choice == 1) return operations()[2];
+        if (choice < 7 || !keyed || model_.empty()) return adding(newRow(nextNumber_++));
+        const int number = numberOf(model_[random() % model_.size()]);
+        if (choice < 11) return deleting(number);
+        if (choice < 13)
+            return updating("update", number, row(number, "n" + std::to_string(number), 0.5, "d"));
+        return updating("update", number, newRow(nextNumber_++));
+    }
+    void follow(const Operation& operation) {
+        operation.model(model_);
+        note();
+    }
+    // What the table is now is a version of its rows; what is not in it was touched.
+    void note() {
+        for (const Cells& cells : model_)
+            if (!holds(versions_, cells)) versions_.push_back(cells);
+        std::erase_if(lasting_.rows, [&](const Cells& cells) { return !holds(model_, cells); });
+    }
+    void startSequence(std::mt19937& random) {
+        nextNumber_ = 1;
+        versions_.clear();
+        lasting_ = {};
+        start(layouts[random() % std::size(layouts)], 0);
+        const int steps = 2 + static_cast<int>(random() % 8);
+        for (int i = 0; i < steps; ++i) {
+            const Operation operation = randomOperation(random);
+            if (layout_->maxlength != UNBOUNDED && model_.size() + 1 >= std::size_t{12}) continue;
+            ASSERT_EQ(operation.run(), 0) << operation.name;
+            follow(operation);
+            if (random() % 4 != 0) continue;
+            close();
+            ASSERT_EQ(open(layout_->file), 0);
+            lasting_ = {true, model_};
+        }
+    }
+    void expectRows(const Ending& ending, const Rows& after) {
+        const Rows now = rows();
+        if (!ending.machine) {
+            EXPECT_TRUE(same(now, model_) || same(now, after));
+            return;
+        }
+        for (const Cells& cells : now) EXPECT_TRUE(holds(versions_, cells) || holds(after, cells));
+        for (const Cells& cells : lasting_.rows) {
+            const bool touched = !holds(after, cells);
+            EXPECT_TRUE(touched || holds(now, cells)) << numberOf(cells);
+        }
+    }
+    // False when there was no such call any more.
+    bool dieAndMend(unsigned seed, int call, bool midway, const Ending& ending) {
+        std::mt19937 random(seed);
+        startSequence(random);
+        const Operation operation = randomOperation(random);
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", " + layout_->name + ", " + operation.name + ", " +
+                     ending.name + (midway ? ", in call " : ", before call ") + std::to_string(call));
+        Rows after = model_;
+        operation.model(after);
+        const bool died = !dieIn(operation, call, midway);
+        end(ending);
+        if (look().empty()) expectRows(ending, after);
+        if (ending.machine && !lasting_.any) {
+            if (FileExists(t(), KindTable)) abandon();
+            return RebuildTableFile(*t(), layout_->file), died;
+        }
+        mend();
+        expectRows(ending, after);
+        return died;
+    }
+
+    int nextNumber_ = 1;
+    Rows versions_;
+    Lasting lasting_;
+
+private:
+    Operation adding(const Cells& cells) {
+        return {"add", [=, this] { return add(cells); }, [=](Rows& rows) { rows.push_back(cells); }};
+    }
+};
+
+TEST_F(TableSequences, AfterADeathEveryRowThatCountsComesBack) {
+    std::mt19937 random(7);
+    for (unsigned seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
+        const int call = 1 + static_cast<int>(random() % 30);
+        dieAndMend(seed, call, random() % 2 != 0, endings[random() % std::size(endings)]);
+    }
+}
+
+// The same at each call of each sequence: takes minutes.
+TEST_F(TableSequences, DISABLED_AfterADeathAtEachCallEveryRowThatCountsComesBack) {
+    for (unsigned seed = 1; seed <= 1500 && !HasFailure(); ++seed) {
+        for (const Ending& ending : endings) {
+            for (const bool midway : {false, true}) {
+                for (int call = 1; dieAndMend(seed, call, midway, ending) && !HasFailure();) ++call;
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace tarn
