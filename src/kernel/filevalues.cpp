@@ -13,7 +13,7 @@ namespace tarn {
 
 namespace {
 
-constexpr bool indexFilesStand = false;  // until tables_file.h is built
+constexpr bool indexFilesStand = true;
 
 // The rows of a list or table; null for another value.
 ListDescriptor* rowsOf(void* value, Kind kind) {
