@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables_file_index.h"
 
-#include "kernel/adt.h"
-#include "kernel/adt_kinds.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/fileerrors.h"
-#include "kernel/indexes.h"
+#include "kernel/index_filedisk.h"
 #include "kernel/rowfile.h"
 #include "kernel/rowformat.h"
 
@@ -24,21 +22,15 @@ namespace {
 
 // For a table without a type text: the fields are named by their numbers in a row.
 std::string textOfKinds(const TableHeader& header, std::int32_t index) {
-    std::string names, text = "Index" + std::to_string(index + 1) + " : record\n";
-    for (auto map = static_cast<std::uint32_t>(header.keyMaps[index]); map != 0; map <<= 8U)
-        names += TypeInfoDefaultName({}, static_cast<std::int32_t>(map >> 24U)) + "\n";
-    const KeyView shape = IndexKeyShape(header, index);
-    RecordDescriptor key{0, TagRecord, 0, KeyKinds(shape)};
-    if (!AllocateData(key, KeyBytes(shape))) return {};
     std::string fields;
-    if (CopyKeyFields(shape, At(key.data), true)) {
-        fields = TypeInfoFromValue(&key, KindRecord, names);
-        FreeValue(&key, KindRecord);
-    } else {
-        FreeData(key);
+    auto map = static_cast<std::uint32_t>(header.keyMaps[index]);
+    const KeyView shape = IndexKeyShape(header, index);
+    for (std::int32_t i = 0; i < shape.count; ++i, map <<= 8U) {
+        const std::string name = TypeInfoDefaultName({}, static_cast<std::int32_t>(map >> 24U));
+        fields += TypeInfoFromValue(shape.parts[i].field, shape.parts[i].kind, name);
     }
     TypeInfoChangeIndent(1, fields, MaxTypeInfo);
-    return text + fields + "end record\n";
+    return "Index" + std::to_string(index + 1) + " : record\n" + fields + "end record\n";
 }
 
 }  // namespace
@@ -112,10 +104,8 @@ FileTree* IndexChanges::open(std::int32_t index) {
 // The file that was opened last is still open: it comes first.
 bool IndexChanges::commit() {
     for (std::int32_t i = count_ - 1; i >= 0; --i) {
-        if (trees_[opened_[i]].commit()) {
-            trees_[opened_[i]].suspend();
-            continue;
-        }
+        FileTree& tree = trees_[opened_[i]];
+        if (tree.commit() && tree.close()) continue;
         revert(i + 1);
         return false;
     }
@@ -123,10 +113,7 @@ bool IndexChanges::commit() {
 }
 
 void IndexChanges::revert(std::int32_t from) {
-    for (std::int32_t i = from; i < count_; ++i) {
-        trees_[opened_[i]].revert();
-        trees_[opened_[i]].suspend();
-    }
+    for (std::int32_t i = from; i < count_; ++i) trees_[opened_[i]].revert();
 }
 
 void IndexChanges::revert() {
@@ -146,14 +133,6 @@ std::string markedName(std::string_view tableFile, std::int32_t index, std::stri
 
 void removeFile(const std::string& path) {
     os::files().remove(path);
-}
-
-// An index file that is kept open from one operation to the next would keep its old content.
-void closeIndex(const std::string& path) {
-    IndexBlock block;
-    block.fileName = path;
-    block.recordSize = 1;
-    IndexClose(block);
 }
 
 }  // namespace
@@ -180,7 +159,7 @@ std::string IndexExchange::newName(std::int32_t index) const {
 
 bool IndexExchange::setAside() {
     for (aside_ = 0; aside_ < count_; ++aside_) {
-        closeIndex(name(aside_));
+        CloseKeptIndex(name(aside_));
         const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
         there_[aside_] = error == os::FileError::None;
         if (there_[aside_] || IsMissing(error)) continue;
@@ -194,7 +173,7 @@ bool IndexExchange::setAside() {
 void IndexExchange::putBack() {
     for (; aside_ > 0; --aside_) {
         const std::int32_t index = aside_ - 1;
-        closeIndex(name(index));
+        CloseKeptIndex(name(index));
         if (there_[index])
             os::files().rename(asideName(index), name(index));
         else
@@ -252,7 +231,7 @@ bool AcceptTableIndexes(TableDescriptor& t) {
 void RemoveIndexFiles(std::string_view tableFile) {
     for (std::int32_t i = 0; i < MaxIndexes; ++i) {
         const std::string name = IndexFileName(tableFile, i + 1);
-        closeIndex(name);
+        CloseKeptIndex(name);
         removeFile(name);
         removeFile(markedName(tableFile, i, "~i"));
         removeFile(markedName(tableFile, i, "~n"));
