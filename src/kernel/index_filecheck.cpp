@@ -77,9 +77,9 @@ private:
 };
 
 bool IndexCheck::read(std::int64_t offset, char* into, std::int32_t count) {
-    if (count <= IndexDisk::pageBytes) {
+    if (count <= IndexDisk::mostPeek) {
         std::int32_t code = 0;
-        const char* bytes = disk_.page(offset, count, code);
+        const char* bytes = disk_.peek(offset, count, code);
         if (bytes == nullptr) return say(codeText(code));
         std::copy(bytes, bytes + count, into);
         return true;
