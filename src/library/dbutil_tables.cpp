@@ -8,6 +8,7 @@
 #include "kernel/data/datafile.h"
 #include "kernel/filevalues.h"
 #include "kernel/index_file.h"
+#include "kernel/lists.h"
 #include "kernel/tables.h"
 #include "library/system.h"
 #include "os/files.h"

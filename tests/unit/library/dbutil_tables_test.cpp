@@ -4,6 +4,7 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/filevalues.h"
+#include "kernel/owned.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
@@ -34,13 +35,13 @@ protected:
     // A table in a file, of rows of these columns, with an index on the first unless `keyMap` is 0.
     TableDescriptor* make(const std::string& columns, std::int32_t keyMap = MakeKeyMap(1),
                           bool inFile = true) {
+        row_ = RecordValue();
         std::string fields = columns;
         TypeInfoChangeIndent(1, fields, MaxTypeInfo);
-        RecordValue row;
         std::size_t position = 0;
-        TypeInfoToValue("T : record\n" + fields + "end record\n", position, row.get());
+        TypeInfoToValue("T : record\n" + fields + "end record\n", position, row_.get());
         table_ = TableValue();
-        TableInit(table_.get(), UNBOUNDED, row.get(), KeyMaps{keyMap}, columns, inFile);
+        TableInit(table_.get(), UNBOUNDED, row_.get(), KeyMaps{keyMap}, columns, inFile);
         EXPECT_EQ(takeError(), 0);
         return table_.get();
     }
@@ -51,9 +52,7 @@ protected:
             StringView(static_cast<const StringDescriptor*>(RecordFieldAddress(row.get(), 2))));
     }
     void add(std::int32_t number, const std::string& name) {
-        RecordValue row;
-        RecordDescriptor* const r = row.get();
-        AdtInit(r, At(TableRows(table_.get())->prototype), KindRecord);
+        RecordDescriptor* const r = row_.get();
         WriteAt(RecordFieldAddress(r, 1), number);
         StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(r, 2)), name);
         TableAdd(table_.get(), 1, r);
@@ -69,6 +68,7 @@ protected:
     os::SteeredFiles files_;
     os::Steered steered_;
     TableValue table_;
+    RecordValue row_;
 };
 
 const std::string columns = "number : integer\nname : string[10]\n";
