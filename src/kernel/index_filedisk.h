@@ -33,9 +33,7 @@ public:
 #endif
 
     IndexDisk() {}  // leaves the buffer as it is
-    ~IndexDisk() {
-        close();
-    }
+    ~IndexDisk();
     IndexDisk(const IndexDisk&) = delete;
     IndexDisk& operator=(const IndexDisk&) = delete;
 
