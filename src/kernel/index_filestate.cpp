@@ -155,7 +155,7 @@ int FileTree::State::order(const KeyView& key, Ref number) {
     if (live(number) == nullptr) return 0;
     const char* const near = nearKeys.data() + lastPlace * static_cast<std::size_t>(nearKey);
     std::int32_t at = 0;
-    for (std::int32_t i = 0; i < layout.count; ++i) {
+    for (std::int32_t i = 0; i < std::min(layout.count, key.count); ++i) {
         const IndexKeyField& field = layout.fields[i];
         const std::int32_t size = PackedFieldBytes(field);
         const int order = at + size <= nearKey ? ComparePacked(key.parts[i], field, near + at)
