@@ -26,7 +26,8 @@ inline constexpr std::string_view DeleteFlagName = "delete_flag", DeleteFlagType
 std::string ReadXbaseHeader(TabFile& file, XbaseHeader& header, std::int32_t& code);
 std::string XbaseOpenMessage(std::int32_t code);
 
-// The fields that a declaration names, in order: without the lines that open and close blocks.
+// The fields that a declaration names, in order: without the lines that open and close blocks, and those of
+// types that hold no value. A line may be a name alone.
 struct XbaseDeclared {
     std::string name, typeName;
 };

@@ -253,8 +253,9 @@ std::vector<XbaseDeclared> XbaseDeclaredFields(std::string_view typeText) {
     while (!typeText.empty()) {
         TypeInfoElement element = TypeInfoParseLine(ascii::takeLine(typeText), 1);
         const std::int32_t kind = TypeInfoKind(element.typeName);
-        const bool opens = kind == KindRecord || kind == KindUnion || kind == KindList || kind == KindTable;
-        if (!opens && !element.isEnd())
+        const bool opens = kind == KindRecord || kind == KindUnion || kind == KindList;
+        const bool field = element.typeName.empty() || (IsValueKind(kind) && !opens);
+        if (field && !element.isEnd())
             fields.push_back({std::move(element.name), std::move(element.typeName)});
     }
     return fields;

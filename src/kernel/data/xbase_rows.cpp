@@ -49,7 +49,7 @@ void putCharacters(std::string_view text, const ArrayDescriptor& array) {
 }
 
 void clear(char* at, Kind kind) {
-    if (isString(at, kind)) return StringClear(reinterpret_cast<StringDescriptor*>(at));
+    if (isString(at, kind)) return StringAssignView(reinterpret_cast<StringDescriptor*>(at), {});
     if (isCharacters(at, kind)) return putCharacters({}, ReadAt<ArrayDescriptor>(at));
     if (!IsAdtKind(kind)) std::memset(at, 0, static_cast<std::size_t>(KindSize[kind]));
 }
@@ -170,6 +170,12 @@ void writeNext(const Cursor& cursor, char* row, const char* at, Kind kind) {
     if (!written) cursor.fail(number, ERR_COMPONENT_UNREPRESENTABLE);
 }
 
+// Characters of a field without any stand in an array of one, and those of a logical field, of which only the
+// first says something, may.
+bool fitsCharacters(const ArrayDescriptor& array, char type, std::int32_t length) {
+    return array.size == std::max(length, 1) || (type == XbaseLogical && array.size == 1);
+}
+
 // What a file has for a field of a value.
 bool fits(const char* at, Kind kind, char type, std::int32_t length) {
     if (kind == KindBoolean) return type == XbaseLogical && length > 0;
@@ -178,7 +184,7 @@ bool fits(const char* at, Kind kind, char type, std::int32_t length) {
         const std::int32_t most = ReadAt<StringDescriptor>(at).maxlength;
         return isText(type) && (most == UNBOUNDED || most >= length);
     }
-    return isCharacters(at, kind) && ReadAt<ArrayDescriptor>(at).size == std::max(length, 1);
+    return isCharacters(at, kind) && fitsCharacters(ReadAt<ArrayDescriptor>(at), type, length);
 }
 
 // Calls `visit` with each field of a value but the deletion mark, whose address is the result; null for none.
