@@ -63,7 +63,7 @@ void sortFile(ListDescriptor& l, bool ascending, bool ignoreCase) {
         if (!texts.read(l)) return false;
         texts.sort(ascending, ignoreCase);
         RowsBeside beside(l);
-        return beside.good() && texts.write(beside.rows()) && beside.takePlace();
+        return beside.make() && texts.write(beside.rows()) && beside.takePlace();
     });
 }
 

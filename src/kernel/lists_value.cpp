@@ -222,7 +222,7 @@ bool isUnopened(const ListDescriptor& l) {
 bool copyToFile(const ListDescriptor& from, ListDescriptor& to) {
     if (IsHeldInFile(from) && IsSameFile(from, to)) return true;
     RowsBeside beside(to);
-    if (!beside.good()) return false;
+    if (!beside.make()) return false;
     const Kind kind = ElementKindOf(to);
     ListReader elements(from);
     for (std::int32_t i = 0; i < from.count; ++i) {

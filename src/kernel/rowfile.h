@@ -82,11 +82,11 @@ void RemoveRows(const std::string& name);  // if it is there
 // the old rows. What did not take the place is deleted.
 class RowsBeside {
 public:
-    explicit RowsBeside(ListDescriptor& target);  // `good` tells whether it came about
+    explicit RowsBeside(ListDescriptor& target) : target_(target) {}
     ~RowsBeside();
     RowsBeside(const RowsBeside&) = delete;
     RowsBeside& operator=(const RowsBeside&) = delete;
-    [[nodiscard]] bool good() const { return batch_ != nullptr; }
+    bool make();  // first
     ListDescriptor& rows() { return rows_; }
     bool takePlace();
 

@@ -108,8 +108,8 @@ void BatchOfRows::forget() {
     gatheredRows_ = 0;
     blockRows_ = 0;
     accepted_ = false;
-    file_.close();
     name_ = 0;
+    file_.close();
 }
 
 bool BatchOfRows::finish() {

@@ -119,20 +119,24 @@ void RemoveRows(const std::string& name) {
 
 // ---- a list beside ----
 
-RowsBeside::RowsBeside(ListDescriptor& target) : target_(target) {
+bool RowsBeside::make() {
     bool created = false;
-    if (!InitValue(&rows_, &target, KindList) || !MakeRowsBeside(target, name_)) return;
-    if (OpenRows(rows_, name_, {}, created)) batch_ = std::make_unique<RowBatch>(rows_);
+    if (!InitValue(&rows_, &target_, KindList) || !MakeRowsBeside(target_, name_)) return false;
+    if (!OpenRows(rows_, name_, {}, created)) return false;
+    return WithMemory([&] {
+        batch_ = std::make_unique<RowBatch>(rows_);
+        return true;
+    });
 }
 
 RowsBeside::~RowsBeside() {
-    if (BatchOfRows* const batch = BatchOfRows::of(rows_)) batch->forget();
-    if (rows_.data != 0) SetRowFileName(rows_, {});
-    FreeValue(&rows_, KindList);
     try {
+        if (BatchOfRows* const batch = BatchOfRows::of(rows_)) batch->forget();
         if (!name_.empty()) RemoveRows(name_);
     } catch (...) {  // the end of the process, in a test
     }
+    if (rows_.data != 0) SetRowFileName(rows_, {});
+    FreeValue(&rows_, KindList);
 }
 
 bool RowsBeside::takePlace() {
