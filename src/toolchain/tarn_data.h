@@ -83,7 +83,7 @@ struct Source {
     std::int32_t rowsSeen = -1;
     enum class Form { Rows, Values, Single } form = Form::Rows;  // XML: what the outermost element holds
     bool text = false, deleted = false;                          // as the arguments say
-    bool willChange = false;                                     // the rows must be copies
+    bool willChange = false;                                     // the rows must be copies in memory
     std::int32_t deletedRows = 0, uncountedRows = 0;             // Xbase: that are not taken
     RowType type;                                                // of a table file
 };

@@ -78,6 +78,7 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
         const std::string wrong = CheckIndexFile(os::native(name), index.file.shape(),
                                                  static_cast<std::int32_t>(rows), keysOf(index.keyMap));
         if (!wrong.empty()) findings.fault(name, wrong);
+        if (!index.file.odd.empty()) findings.note(name, index.file.odd);
         const std::string_view base = baseName(file).substr(0, MaxIndexTableName);
         if (index.file.tableName != base)
             findings.note(name, "It names the table file '" + index.file.tableName + "'.");
@@ -95,6 +96,7 @@ int checkIndex(const std::string& file) {
         findings.fault(file, index.wrong);
     } else {
         const std::string wrong = CheckIndexFile(os::native(file), index.shape(), -1);
+        if (!index.odd.empty()) findings.note(file, index.odd);
         if (!wrong.empty()) findings.fault(file, wrong);
         contents =
             counted(wrong.empty() ? countNodes(index).nodes : 0, "node") + ", key " + joined(index.fields);

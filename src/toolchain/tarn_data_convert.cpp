@@ -83,7 +83,9 @@ int convert(const Arguments& arguments) {
     if (problem.any()) return tell(problem);
     Source source;
     problem = identify(arguments.files[0], arguments, readsTable(arguments, target), source);
-    source.willChange = arguments.replace;
+    // The writers of text and XML take values in memory.
+    const bool byRows = target.format == FormatBinary || target.format == FormatXbase;
+    source.willChange = arguments.replace || !byRows;
     if (!problem.any() && source.format == FormatBinary) problem = checkSimple(source);
     if (problem.any()) return tell(problem);
     const bool xbase = source.format == FormatXbase && target.format == FormatXbase && !source.text;

@@ -152,7 +152,7 @@ std::string report(const Patient& patient, const RebuiltTable& result, const std
     if (mended.bytesCut > 0) {
         const bool torn = mended.bytesCut == patient.behind && !kept.empty();
         line(counted(mended.bytesCut, "byte") + " behind the last whole row cut off" +
-             (torn ? "; they stand in '" + kept + "'." : "."));
+             (torn ? "; they stand in '" + patient.name + kept.substr(patient.file.size()) + "'." : "."));
     }
     if (patient.takenIn > 0)
         line(counted(patient.takenIn, "row") + " behind those that the header counted taken in.");

@@ -47,6 +47,10 @@ std::string declarationIn(std::string text) {
     text.erase(0, std::min(text.find_first_not_of('\n'), text.size()));
     while (text.ends_with("\n\n")) text.pop_back();
     if (!text.empty() && text.back() != '\n') text += '\n';
+    // The outermost block needs no name.
+    for (const char* word : {"record\n", "list\n", "table\n"}) {
+        if (text.starts_with(word)) text.insert(0, "T : ");
+    }
     return text;
 }
 
@@ -54,7 +58,8 @@ std::string declarationIn(std::string text) {
 Problem checkLines(const std::string& file, std::string_view text) {
     for (std::int32_t n = 1; n <= linesOf(text); ++n) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
-        if (element.isEnd() || IsValueKind(TypeInfoKind(element.typeName))) continue;
+        const bool table = n == 1 && ascii::equal(element.typeName, "table");
+        if (element.isEnd() || table || IsValueKind(TypeInfoKind(element.typeName))) continue;
         return {fileWord(file) + "line " + std::to_string(n) + " of the declaration is none: '" +
                     std::string(ascii::withoutLineEnd(TypeInfoLine(text, n))) + "'.",
                 "A line is: name : type; docs/formats/typeinfo.md tells the types."};
@@ -90,7 +95,7 @@ Problem readRowType(const std::string& file, RowType& type) {
     problem = checkLines(file, text);
     if (problem.any()) return problem;
     const TypeInfoElement first = TypeInfoParseLine(text, 1);
-    const bool table = TypeInfoKind(first.typeName) == KindTable || TypeInfoKind(first.typeName) == KindList;
+    const bool table = ascii::equal(first.typeName, "table") || ascii::equal(first.typeName, "list");
     if (table && first.bounds.lb1 != TypeInfoNoValue) type.capacity = first.bounds.lb1;
     std::string columns = text;
     TypeInfoStripOuter(columns, MaxTypeInfo);

@@ -158,6 +158,22 @@ Problem keyMapsOf(const std::vector<std::vector<std::string>>& keys, const RowTy
 
 // ---- index files ----
 
+namespace {
+
+// Whether nothing but zeros follows the text in its place.
+bool isPadded(std::string_view place, const std::string& text) {
+    return place.find_first_not_of('\0', text.size()) == std::string_view::npos && text.size() < place.size();
+}
+
+bool isUsualText(const std::string& text) {
+    constexpr std::string_view start = "Index", afterNumber = " : record\n";
+    return text.starts_with(start) && text.size() > start.size() && ascii::isDigit(text[start.size()]) &&
+           std::string_view(text).substr(start.size() + 1).starts_with(afterNumber) &&
+           text.ends_with("\nend record\n");
+}
+
+}  // namespace
+
 KeyView IndexFile::shape() const {
     KeyView view;
     KeyOfRecord(key.get(), view);
@@ -178,8 +194,14 @@ IndexFile readIndexFile(const std::string& path) {
         index.wrong = "It does not begin as an index file does.";
         return index;
     }
-    index.tableName = untilZero(std::string_view(head).substr(nameAt, nameBytes));
-    index.keyText = untilZero(std::string_view(head).substr(textAt, std::size_t{MaxIndexText} + 1));
+    const std::string_view name = std::string_view(head).substr(nameAt, nameBytes),
+                           text = std::string_view(head).substr(textAt, std::size_t{MaxIndexText} + 1);
+    index.tableName = untilZero(name);
+    index.keyText = untilZero(text);
+    if (!isPadded(name, index.tableName) || !isPadded(text, index.keyText))
+        index.odd = "There are bytes behind the texts in its header.";
+    else if (!isUsualText(index.keyText))
+        index.odd = "The text of its key has not the usual form.";
     std::string columns = index.keyText;
     TypeInfoStripOuter(columns, MaxTypeInfo);
     KeyView view;

@@ -59,6 +59,7 @@ struct IndexFile {
     std::vector<std::string> fields;  // of the key
     RecordValue key;                  // an empty one
     std::string wrong;                // "" or why the key is not known
+    std::string odd;                  // "" or what does no harm to its use
     [[nodiscard]] KeyView shape() const;
 };
 // Reads the header. A file that is none gives `wrong`.
