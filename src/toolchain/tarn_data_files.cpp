@@ -6,6 +6,9 @@
 #include "kernel/tables.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <unistd.h>
+#include <vector>
 
 namespace tarn::data {
 
@@ -132,6 +135,67 @@ bool FileRows::next(std::string_view& row) {
     row = unread_.substr(0, rowBytes_);
     unread_.remove_prefix(rowBytes_);
     return true;
+}
+
+std::int64_t longestLine(const std::string& file) {
+    constexpr std::size_t step = std::size_t{1} << 20;
+    FileRows rows;
+    std::string bytes;
+    std::int64_t longest = 0, line = 0;
+    if (!rows.open(file)) return 0;
+    for (std::int64_t at = 0; at < rows.size() && rows.read(at, step, bytes) && !bytes.empty();
+         at += static_cast<std::int64_t>(bytes.size())) {
+        for (std::size_t from = 0; from < bytes.size();) {
+            const std::size_t end = std::min(bytes.find('\n', from), bytes.size());
+            line += static_cast<std::int64_t>(end - from);
+            longest = std::max(longest, line);
+            if (end < bytes.size()) line = 0;
+            from = end + 1;
+        }
+    }
+    return longest;
+}
+
+// ---- folders ----
+
+WorkFolder::WorkFolder() : error_(os::FileError::Exists) {
+    constexpr std::uint32_t onlyMine = 0700;
+    constexpr int attempts = 100;
+    static int count = 0;
+    const char* const folder = std::getenv("TMPDIR");
+    const std::string start = folder != nullptr && *folder != 0 ? folder : "/tmp";
+    for (int i = 0; i < attempts && error_ == os::FileError::Exists; ++i) {
+        path_ = start + "/tarn-data-" + std::to_string(::getpid()) + "-" + std::to_string(++count);
+        error_ = os::files().makeFolder(path_);
+    }
+    if (error_ == os::FileError::None) error_ = os::files().setMode(path_, onlyMine);
+}
+
+WorkFolder::~WorkFolder() {
+    std::vector<std::string> names;
+    if (error_ == os::FileError::Exists || os::files().list(path_, names) != os::FileError::None) return;
+    for (const std::string& name : names) os::files().remove(path_ + "/" + name);
+    os::files().removeFolder(path_);
+}
+
+void WorkFolder::take(const std::string& file) {
+    constexpr std::size_t step = std::size_t{1} << 20;
+    constexpr std::uint32_t onlyMine = 0600;
+    FileRows from;
+    os::Handle to = -1;
+    if (error_ != os::FileError::None || !os::infoOf(os::native(file)).exists) return;
+    if (!from.open(file)) {
+        error_ = from.error();
+        return;
+    }
+    error_ =
+        os::files().open(path_ + "/" + std::string(baseName(file)), os::OpenMode::CreateNew, onlyMine, to);
+    if (error_ != os::FileError::None) return;
+    std::string bytes;
+    for (std::int64_t at = 0; at < from.size() && error_ == os::FileError::None;
+         at += static_cast<std::int64_t>(step))
+        error_ = from.read(at, step, bytes) ? os::files().write(to, at, bytes) : from.error();
+    os::files().close(to);
 }
 
 }  // namespace tarn::data

@@ -57,4 +57,25 @@ private:
     std::string_view unread_;
 };
 
+// The characters of the longest line of a file, without its end.
+std::int64_t longestLine(const std::string& file);
+
+// A folder of its own in $TMPDIR or /tmp, which nobody else may enter; gone with all files in it at the end.
+class WorkFolder {
+public:
+    WorkFolder();
+    ~WorkFolder();
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] os::FileError error() const { return error_; }
+    // Copies a file; nothing for one that is not there.
+    void take(const std::string& file);
+
+private:
+    std::string path_;
+    os::FileError error_;
+};
+
 }  // namespace tarn::data

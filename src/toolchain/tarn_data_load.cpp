@@ -4,14 +4,17 @@
 #include "kernel/data/progress.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
+#include "kernel/filevalues.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
 #include "kernel/tables.h"
+#include "toolchain/tarn_data_files.h"
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 namespace tarn::data {
 
@@ -30,7 +33,55 @@ Problem makeRows(std::string_view columns, bool exact, Rows& rows) {
             "--text takes every column as text."};
 }
 
+bool fitsMemory(std::int64_t rows) {
+    return rows <= MaxBlock / KindSize[KindRecord];
+}
+
+Problem makeFileRows(std::string_view columns, Rows& rows) {
+    RowType type;
+    type.columns = columns;
+    rows.folder = std::make_unique<WorkFolder>();
+    const std::string name = rows.folder->path() + "/rows.~bin";
+    std::string why(os::describe(rows.folder->error()));
+    if (why.empty() && makeRow(columns, type.row) && makeFileTable(type, {}, rows.table))
+        FileOpen(rows.table.get(), KindTable, name);
+    if (why.empty() && ErrorCell() != 0) why = ErrorMessage(ErrorCell()) + ".";
+    ClearError();
+    if (why.empty()) return {};
+    return {"The rows cannot be kept in '" + name + "': " + why,
+            "There are more than memory holds; choose a folder with more room with TMPDIR."};
+}
+
 namespace {
+
+// Columns of text with the length of the longest line of a delimited file, where they have none of their own;
+// "" when a length cannot be told.
+std::string withLengths(const Source& source, std::string_view columns) {
+    std::string text;
+    std::int64_t longest = -1;
+    const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
+    for (std::int32_t n = 1; n <= lines; ++n) {
+        const TypeInfoElement element = TypeInfoParseLine(columns, n);
+        const bool open =
+            TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
+        if (open && source.format == FormatXml) return {};
+        if (open && longest < 0)
+            longest = std::clamp<std::int64_t>(longestLine(source.file), 1, std::int64_t{MaxTabLine});
+        text +=
+            open ? element.name + " : string[" + std::to_string(longest) + "]\n" : TypeInfoLine(columns, n);
+    }
+    return text;
+}
+
+// In memory when that has room.
+Problem makeRowsFor(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+    constexpr std::int64_t leastLine = 2;
+    const std::int64_t size = os::sizeOf(os::native(source.file));
+    const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
+    const std::string sized = fitsMemory(expected) ? std::string() : withLengths(source, columns);
+    const bool values = source.form != Source::Form::Rows;
+    return sized.empty() || values ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
+}
 
 std::string placeOf(const Source& source, std::int32_t row) {
     if (row <= 0) return fileWord(source.file);
@@ -83,7 +134,7 @@ bool isBlank(const RecordDescriptor* row) {
 Problem checkEmptyLine(const Source& source, std::string_view columns) {
     Rows texts;
     TabResult result;
-    Problem problem = makeRows(textColumns(columns), false, texts);
+    Problem problem = makeRowsFor(source, textColumns(columns), false, texts);
     if (!problem.any()) problem = load(source, source.options, texts.table.get(), KindTable, result);
     if (problem.any()) return problem;
     for (std::int32_t i = source.rowsSeen + 1; i <= texts.count(); ++i) {
@@ -186,7 +237,7 @@ Problem identifyTexts(Source& source, const DataFileInfo& info) {
 
 Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows) {
     if (source.format == FormatBinary) return loadTable(source, columns, rows);
-    Problem problem = makeRows(columns, exact, rows);
+    Problem problem = makeRowsFor(source, columns, exact, rows);
     if (problem.any()) return problem;
     if (source.format == FormatXbase) return loadXbase(source, rows);
     if (isDelimitedForm(source.format)) return loadDelimited(source, columns, rows);

@@ -18,6 +18,10 @@ std::string withoutLengths(std::string_view columns);
 // An empty table without an index, so that every row is taken as it comes. `exact`: strings have the lengths
 // that are given.
 Problem makeRows(std::string_view columns, bool exact, Rows& rows);
+// The same in a file of a folder for the work, where all strings need a length.
+Problem makeFileRows(std::string_view columns, Rows& rows);
+// As many as a value in memory has.
+bool fitsMemory(std::int64_t rows);
 Problem loadProblem(const Source& source, const TabResult& result, const std::string& message);
 Problem loadXbase(const Source& source, Rows& rows);
 Problem loadTable(const Source& source, std::string_view columns, Rows& rows);

@@ -95,6 +95,7 @@ Problem loadXbase(const Source& source, Rows& rows) {
     RecordValue record;
     AdtInit(record.get(), rows.shape(), KindRecord);
     XbaseRow filling(file, record.get());
+    if (!rows.beginBatch()) return rowProblem(source, 0, takeError());
     Steps steps(file.rows() * file.header().recordSize);
     std::string_view row;
     file.goToFirst(std::min<std::int64_t>(file.rows(), mostRows(source)));
@@ -111,7 +112,7 @@ Problem loadXbase(const Source& source, Rows& rows) {
     }
     if (!problem.any() && file.error() != os::FileError::None)
         problem = unreadable(source.file, file.error());
-    return problem;
+    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, takeError());
 }
 
 // ---- table files ----
@@ -181,9 +182,11 @@ Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
     Problem problem = openTable(source, same ? columns : source.type.columns, whole ? rows : inPlace);
     if (problem.any()) return problem;
     if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, takeError());
-    problem = makeRows(columns, false, rows);
+    problem = fitsMemory(source.rowsSeen) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
+    if (!problem.any() && !rows.beginBatch()) problem = rowProblem(source, 0, takeError());
     if (!problem.any() && !inPlace.beginBatch()) problem = rowProblem(source, 0, takeError());
-    return problem.any() ? problem : copyRows(source, inPlace, rows);
+    if (!problem.any()) problem = copyRows(source, inPlace, rows);
+    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, takeError());
 }
 
 }  // namespace tarn::data

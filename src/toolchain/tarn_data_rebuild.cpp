@@ -13,8 +13,6 @@
 #include "toolchain/tarn_data_xbase.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <unistd.h>
 
 namespace tarn::data {
 
@@ -228,50 +226,6 @@ int rebuildFile(const Patient& patient) {
 
 // ---- dry runs ----
 
-// A folder of its own for copies of the files; gone with everything in it at the end.
-class CopyFolder {
-public:
-    CopyFolder() {
-        const char* const folder = std::getenv("TMPDIR");
-        path_ = std::string(folder != nullptr && *folder != 0 ? folder : "/tmp") + "/tarn-data-" +
-                std::to_string(::getpid());
-        error_ = os::files().makeFolder(path_);
-    }
-    ~CopyFolder() {
-        std::vector<std::string> names;
-        if (error_ != os::FileError::None || os::files().list(path_, names) != os::FileError::None) return;
-        for (const std::string& name : names) os::files().remove(path_ + "/" + name);
-        os::files().removeFolder(path_);
-    }
-    CopyFolder(const CopyFolder&) = delete;
-    CopyFolder& operator=(const CopyFolder&) = delete;
-
-    [[nodiscard]] const std::string& path() const { return path_; }
-    [[nodiscard]] os::FileError error() const { return error_; }
-    // Nothing for a file that is not there.
-    os::FileError take(const std::string& file) {
-        constexpr std::size_t step = std::size_t{1} << 20;
-        FileRows from;
-        os::Handle to = -1;
-        if (error_ != os::FileError::None || !os::infoOf(os::native(file)).exists) return error_;
-        if (!from.open(file)) return error_ = from.error();
-        error_ =
-            os::files().open(path_ + "/" + std::string(baseName(file)), os::OpenMode::CreateNew, 0600, to);
-        if (error_ != os::FileError::None) return error_;
-        std::string bytes;
-        for (std::int64_t at = 0; at < from.size() && error_ == os::FileError::None;
-             at += static_cast<std::int64_t>(step)) {
-            error_ = from.read(at, step, bytes) ? os::files().write(to, at, bytes) : from.error();
-        }
-        os::files().close(to);
-        return error_;
-    }
-
-private:
-    std::string path_;
-    os::FileError error_;
-};
-
 Problem look(const Arguments& arguments, bool xbase, Patient& patient) {
     Problem problem = xbase ? lookAtXbase(patient) : lookAtTable(arguments.type, patient);
     return problem.any() ? problem : chooseKeys(arguments, patient);
@@ -281,7 +235,7 @@ Problem look(const Arguments& arguments, bool xbase, Patient& patient) {
 int rehearse(const Arguments& arguments, bool xbase) {
     Patient patient;
     patient.name = arguments.files[0];
-    CopyFolder folder;
+    WorkFolder folder;
     folder.take(patient.name);
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
         folder.take(IndexFileName(patient.name, n));

@@ -5,8 +5,12 @@
 #include "kernel/lists.h"
 #include "kernel/runtime.h"
 #include "kernel/tables.h"
+#include "toolchain/tarn_data_files.h"
 
 namespace tarn::data {
+
+Rows::Rows() = default;
+Rows::~Rows() = default;
 
 ListDescriptor* Rows::list() {
     return TableRows(table.get());
@@ -44,6 +48,7 @@ bool Rows::add(const RecordDescriptor* row) {
 }
 
 bool Rows::beginBatch() {
+    if (batch_ != nullptr || !ListIsInFile(list())) return true;
     batch_ = std::make_unique<RowBatch>(*list());
     return ErrorCell() == 0;
 }

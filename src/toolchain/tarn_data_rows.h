@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Rows on their way from one file to another: a table without indexes.
+// Rows on their way from one file to another: a table without indexes, in memory, or in a file of a folder
+// for the work when there are more than memory holds.
 #pragma once
 
 #include "kernel/owned.h"
@@ -13,8 +14,16 @@
 
 namespace tarn::data {
 
+class WorkFolder;
+
 class Rows {
 public:
+    Rows();
+    ~Rows();
+    Rows(const Rows&) = delete;
+    Rows& operator=(const Rows&) = delete;
+
+    std::unique_ptr<WorkFolder> folder;  // that the rows stand in when memory has no room for them
     TableValue table;
 
     [[nodiscard]] std::int32_t count() const;

@@ -119,6 +119,7 @@ Problem NewTable::fill(Rows& rows) {
     if (ErrorCell() != 0 || !made.beginBatch()) return failed();
     const std::int32_t bytes = rowBytes(target_.type);
     Steps steps(std::int64_t{rows.count()} * bytes);
+    rows.beginBatch();
     for (std::int32_t i = 1; i <= rows.count(); ++i) {
         if (!steps.step(bytes)) return stoppedAhead(target_.file);
         const RecordDescriptor* const row = rows.at(i);

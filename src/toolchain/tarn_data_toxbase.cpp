@@ -173,6 +173,7 @@ Problem fitXbase(bool replace, std::string& columns, Rows& rows) {
     const RecordDescriptor* const shape = rows.shape();
     for (std::int32_t n = 1; n <= FieldCountOf(shape->kinds) && !problem.any(); ++n)
         problem = fitting.column(n, FieldKindAt(shape->kinds, n));
+    rows.beginBatch();
     for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
         RecordDescriptor* const row = rows.at(i);
         if (row != nullptr) problem = fitting.row(row, i);
@@ -211,6 +212,7 @@ Problem saveXbase(const Target& target, std::string_view columns, Rows& rows) {
     Steps steps(std::int64_t{rows.count()} * header.recordSize);
     std::string bytes;
     out.write(head);
+    rows.beginBatch();
     for (std::int32_t i = 1; i <= rows.count() && out.good(); ++i) {
         if (!steps.step(header.recordSize)) return out.stopped();
         const RecordDescriptor* const row = rows.at(i);
