@@ -368,6 +368,28 @@ TEST_F(Tables, RebuildMendsTableFiles) {
     expectWhole("t.bin --type=t.type");
 }
 
+// Whenever the death comes, all whole rows are there, and another run ends well.
+TEST_F(Tables, AKilledRebuildCanBeStartedAgain) {
+    std::string text = "id,name\n";
+    for (int i = 1; i <= 20000; ++i) text += std::to_string(i) + ",n\n";
+    write("a.csv", text);
+    makeTable();
+    const std::string table = read("t.bin");
+    int killed = 0;
+    for (int i = 0; i < 12; ++i) {
+        write("t.bin", table + "torn");
+        const std::string delay = "0.0" + std::to_string(10 + 7 * i);
+        const int status =
+            shell("timeout -s KILL " + delay + " " + program() + " rebuild t.bin --type=t.type");
+        if (status != Well) ++killed;
+        EXPECT_EQ(read("t.bin").substr(0, table.size()), table) << delay;
+        EXPECT_EQ(tarnData("rebuild t.bin --type=t.type"), Well) << delay << errors;
+        EXPECT_EQ(read("t.bin"), table);
+        expectWhole("t.bin --type=t.type");
+    }
+    EXPECT_GT(killed, 0);
+}
+
 TEST_F(Tables, RebuildRefusesWhatWouldLoseRowsAndTellsDuplicates) {
     makeTable();
     const std::string table = read("t.bin");
