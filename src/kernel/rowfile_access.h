@@ -50,7 +50,8 @@ public:
     [[nodiscard]] const XbaseRows* xbase() const { return xbase_.get(); }
 
     // The count of rows that the file holds by its own account, and its size. 655 for a size or a count that
-    // no such file has. `trailing` unless null: a byte 26 behind the last row, which is then not counted.
+    // no such file has. `trailing` unless null: a byte 26 behind the last row of an Xbase file, which then
+    // does not count in the size.
     bool measure(std::int32_t& count, std::int64_t& size, bool* trailing = nullptr);
     // The rows from `position` on, appended to `bytes`; 651 when one is not there.
     bool read(std::int32_t position, std::int32_t rows, std::string& bytes);
@@ -68,6 +69,8 @@ public:
 
 private:
     bool readXbaseHeader();
+    os::FileError readCount(std::int64_t& count) const;
+    os::FileError readEndMark(std::int64_t size, bool& there) const;
     os::FileError readAll(std::int64_t offset, char* into, std::size_t count, std::size_t& got) const;
 
     os::Handle handle_ = -1;

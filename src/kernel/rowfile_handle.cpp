@@ -123,32 +123,46 @@ os::FileError RowFile::cutTo(std::int64_t size) {
 os::FileError RowFile::size(std::int64_t& bytes) {
     return os::files().size(handle_, bytes);
 }
+
 os::FileError RowFile::sync() {
     return os::files().sync(handle_);
 }
 
-bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
-    constexpr char endMark = 26;
-    os::FileError error = this->size(size);
-    if (error != os::FileError::None) return RefuseRead(error);
-    const std::int64_t behind = size - headerBytes_;
-    if (behind < 0) return RefuseList(ERR_FILE_SIZE);
-    std::int64_t rows = behind / rowBytes_, stored = rows, over = behind % rowBytes_;
+// Below 0 when there is none that can be.
+os::FileError RowFile::readCount(std::int64_t& count) const {
+    StoredCount stored = EncodeCount(format_, 0);
     std::size_t got = 0;
-    if (StoresCount(format_)) {
-        StoredCount read = EncodeCount(format_, 0);
-        error = readAll(read.offset, read.bytes, sizeof read.bytes, got);
-        if (error != os::FileError::None) return RefuseRead(error);
-        stored = got == sizeof read.bytes ? DecodeCount(format_, read.bytes) : -1;
-    }
+    const os::FileError error = readAll(stored.offset, stored.bytes, sizeof stored.bytes, got);
+    count = got == sizeof stored.bytes ? DecodeCount(format_, stored.bytes) : -1;
+    return error;
+}
+
+os::FileError RowFile::readEndMark(std::int64_t size, bool& there) const {
+    constexpr char endMark = 26;
+    char last = 0;
+    std::size_t got = 0;
+    const os::FileError error = readAll(size - 1, &last, 1, got);
+    there = got == 1 && last == endMark;
+    return error;
+}
+
+bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
+    os::FileError error = this->size(size);
+    std::int64_t rows = (size - headerBytes_) / rowBytes_, over = (size - headerBytes_) % rowBytes_;
+    std::int64_t stored = rows;
+    if (error == os::FileError::None && size < headerBytes_) return RefuseList(ERR_FILE_SIZE);
+    if (error == os::FileError::None && StoresCount(format_)) error = readCount(stored);
     // Where a row is one byte, only the count tells the mark from a row.
-    if (trailing != nullptr && (rowBytes_ == 1 ? rows == stored + 1 : over == 1)) {
-        char last = 0;
-        error = readAll(size - 1, &last, 1, got);
-        if (error != os::FileError::None) return RefuseRead(error);
-        *trailing = got == 1 && last == endMark;
-        if (*trailing) rows = (behind - 1) / rowBytes_, over = 0, --size;
+    const bool mark = rowBytes_ == 1 ? rows == stored + 1 : over == 1;
+    if (error == os::FileError::None && trailing != nullptr && format_ == RowsXbase && mark) {
+        error = readEndMark(size, *trailing);
+        if (*trailing) {
+            --size;
+            rows = (size - headerBytes_) / rowBytes_;
+            over = 0;
+        }
     }
+    if (error != os::FileError::None) return RefuseRead(error);
     if (over != 0 || stored < 0 || stored > rows || stored > std::numeric_limits<std::int32_t>::max())
         return RefuseList(ERR_FILE_SIZE);
     count = static_cast<std::int32_t>(stored);

@@ -34,7 +34,7 @@ bool openExisting(ListDescriptor& l) {
     std::int64_t size = 0;
     bool endMark = false;
     if (!file.open(l, os::OpenMode::Read)) return false;
-    if (!file.measure(count, size, file.format() == RowsXbase ? &endMark : nullptr)) return false;
+    if (!file.measure(count, size, &endMark)) return false;
     if (file.format() == RowsXbase && !file.xbase()->accept(l)) return false;
     if (IsFixedList(l) && count > l.maxlength) return RefuseList(ERR_FIXED_TABLE);
     file.close();

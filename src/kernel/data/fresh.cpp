@@ -58,7 +58,10 @@ FreshValue::FreshValue(void* target, Kind kind) : FreshValue(target, kind, Shape
     const ListDescriptor* const rows = fileRows(target, kind);
     if (rows == nullptr || IsZeroValue(bytes_, kind) || !MakeRowsBeside(*rows, scratch_)) return;
     FileOpen(bytes_, kind, scratch_);
-    if (ListDescriptor* const own = fileRows(bytes_, kind)) batch_ = std::make_unique<RowBatch>(*own);
+    WithMemory([&] {
+        if (ListDescriptor* const own = fileRows(bytes_, kind)) batch_ = std::make_unique<RowBatch>(*own);
+        return true;
+    });
 }
 
 // What did not take the target's place goes: a fresh value's files with it.
@@ -75,7 +78,8 @@ FreshValue::~FreshValue() {
 }
 
 bool FreshValue::replaceTarget() {
-    if (ListDescriptor* const rows = fileRows(target_, kind_)) return replaceFiles(*rows);
+    if (ListDescriptor* const rows = fileRows(target_, kind_))
+        return WithMemory([&] { return replaceFiles(*rows); });
     const auto size = static_cast<std::size_t>(KindSize[kind_]);
     char old[sizeof bytes_];
     std::memcpy(old, target_, size);

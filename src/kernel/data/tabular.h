@@ -40,8 +40,8 @@ TabStructure TabDiscover(const std::string& filename, const TabOptions& options,
 
 // How a load or a save ended. `code` 0: well; else the first failure: 981 to 986, 989 for a cell (the load
 // goes on with the next row), 618, 619, 635 for a row that the value refused, 651 to 655 and 657 for the
-// file, 658 for a value that such a file cannot hold, 660 and 661 for one that is held in a file, 757 for a
-// separator that cannot be, 764 for what is no value, 802 and 804.
+// file, or for that of the value, 658 for a value that such a file cannot hold, 661 for one that is held in a
+// file and not open, 757 for a separator that cannot be, 764 for what is no value, 802 and 804.
 struct TabResult {
     std::int32_t code = 0;
     std::int32_t row = 0;   // of the first failure, from 1

@@ -300,6 +300,7 @@ TEST_F(RowFiles, AFileThatHasNotTheCountedRowsIsNotChanged) {
         {4, fromHex("00000003 00000001 00000002 00000000 00000000")},
         {4, fromHex("00000002 00000001")},
         {4, fromHex("00000002 00000001 00000002 00")},
+        {UNBOUNDED, fromHex("00000001 00000002 1A")},
         {4, fromHex("0000")},
         {4, ""},
     };
