@@ -91,7 +91,7 @@ bool BatchOfRows::flush() {
     list_->count = written();
     gatheredRows_ = 0;
     RowChange change(*list_);
-    bool good = change.begin(false);
+    bool good = change.begin(RowChange::Know::Size);
     if (good) {
         change.adding(list_->count + 1, count);
         os::FileError error = file_.write(list_->count + 1, gathered_);
@@ -109,7 +109,6 @@ void BatchOfRows::forget() {
     blockRows_ = 0;
     accepted_ = false;
     name_ = 0;
-    file_.close();
 }
 
 bool BatchOfRows::finish() {

@@ -22,6 +22,15 @@ inline constexpr char XbaseCharacters = 'C', XbaseDate = 'D', XbaseLogical = 'L'
 // The line of a declaration that stands for the deletion mark.
 inline constexpr std::string_view DeleteFlagName = "delete_flag", DeleteFlagType = "Tchar";
 
+// What fields are filled up with: blanks, and bytes 0 by some programs.
+constexpr bool IsXbaseFill(char c) {
+    return c == ' ' || c == '\0';
+}
+constexpr std::string_view WithoutXbaseFill(std::string_view text) {
+    while (!text.empty() && IsXbaseFill(text.back())) text.remove_suffix(1);
+    return text;
+}
+
 // Reads the header of a file that is open. `code` tells why the file could not be read.
 std::string ReadXbaseHeader(TabFile& file, XbaseHeader& header, std::int32_t& code);
 std::string XbaseOpenMessage(std::int32_t code);
@@ -56,8 +65,16 @@ bool EachXbaseField(Byte* at, Kind kind, const Visit& visit, std::int32_t depth 
     return true;
 }
 
-// A record that begins with an enum and has one field more than the file: that enum is the deletion mark.
-bool HoldsXbaseFlag(const void* value, Kind kind, std::int32_t fileFields);
+inline std::int32_t CountXbaseFields(const void* value, Kind kind) {
+    std::int32_t count = 0;
+    EachXbaseField(static_cast<const char*>(value), kind, [&](const char*, Kind) { return ++count > 0; });
+    return count;
+}
+// What a record that may hold the deletion mark begins with; KindNone for any other value.
+inline Kind FirstXbaseKind(const void* value, Kind kind) {
+    if (kind != KindRecord || !IsWellFormed(value) || KindOf(value) != kind) return KindNone;
+    return FieldKindAt(ReadAt<RecordDescriptor>(value).kinds, 1);
+}
 
 // ---- numbers as text (xbase_numbers.cpp) ----
 

@@ -27,9 +27,6 @@ bool isCharacters(const void* at, Kind kind) {
 bool isText(char type) {
     return type == XbaseCharacters || type == XbaseDate;
 }
-std::string_view withoutTail(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
 
 // ---- from a row ----
 
@@ -45,7 +42,7 @@ std::int32_t putString(std::string_view text, StringDescriptor& s) {
 void putCharacters(std::string_view text, const ArrayDescriptor& array) {
     const auto size = static_cast<std::size_t>(array.size);
     std::memset(At(array.data), ' ', size);
-    std::memcpy(At(array.data), text.data(), std::min(text.size(), size));
+    text.copy(At(array.data), size);
 }
 
 void clear(char* at, Kind kind) {
@@ -66,7 +63,7 @@ std::int32_t readField(std::string_view text, char type, char* at, Kind kind) {
     }
     if (isNumber(kind) && type == XbaseNumber && ReadXbaseNumber(text, at, kind)) return 0;
     if (isText(type) && isString(at, kind))
-        return putString(withoutTail(text), *reinterpret_cast<StringDescriptor*>(at));
+        return putString(WithoutXbaseFill(text), *reinterpret_cast<StringDescriptor*>(at));
     if (isCharacters(at, kind)) {
         putCharacters(text, ReadAt<ArrayDescriptor>(at));
         return 0;
@@ -80,17 +77,17 @@ std::int32_t readField(std::string_view text, char type, char* at, Kind kind) {
 bool writeString(const StringDescriptor& s, char* field, std::size_t length) {
     std::string narrow;
     if (CharacterWidth != 1) narrow = NarrowTabText(&s);
-    const std::string_view text = withoutTail(CharacterWidth == 1 ? StringView(&s) : narrow);
+    const std::string_view text = WithoutXbaseFill(CharacterWidth == 1 ? StringView(&s) : narrow);
     if (text.size() > length) return false;
-    std::memcpy(field, text.data(), text.size());
+    text.copy(field, length);
     return true;
 }
 
 // A longer array fits when what lies behind the field is blank.
 bool writeCharacters(const ArrayDescriptor& array, char* field, std::size_t length) {
     const std::string_view text(At(array.data), static_cast<std::size_t>(array.size));
-    if (withoutTail(text).size() > length) return false;
-    std::memcpy(field, text.data(), std::min(text.size(), length));
+    if (WithoutXbaseFill(text).size() > length) return false;
+    text.copy(field, length);
     return true;
 }
 
@@ -187,14 +184,35 @@ bool fits(const char* at, Kind kind, char type, std::int32_t length) {
     return isCharacters(at, kind) && fitsCharacters(ReadAt<ArrayDescriptor>(at), type, length);
 }
 
+// 0, or the number of the first field of the file that a value does not fit. Its first `skip` fields are
+// passed over.
+std::int32_t misfit(const XbaseHeader& header, const void* value, Kind kind, std::int32_t skip) {
+    std::int32_t n = -skip;
+    const auto check = [&](const char* at, Kind fieldKind) {
+        const std::int32_t i = n++;
+        return i < 0 || (i < header.fieldCount && fits(at, fieldKind, header.type[i], header.length[i]));
+    };
+    if (!EachXbaseField(static_cast<const char*>(value), kind, check)) return n;
+    return n == header.fieldCount ? 0 : n + 1;
+}
+
+// A record that begins with an enum and has one field more than the file: that enum is the deletion mark. So
+// it is when a file has as many fields as a record can hold, which leaves no room for its last.
+bool holdsMark(const XbaseHeader& header, const void* value, Kind kind) {
+    if (FirstXbaseKind(value, kind) != KindEnum) return false;
+    const std::int32_t count = CountXbaseFields(value, kind);
+    if (count != MaxFields || header.fieldCount != MaxXbaseFields) return count == header.fieldCount + 1;
+    return misfit(header, value, kind, 1) == count && misfit(header, value, kind, 0) != 0;
+}
+
 // Calls `visit` with each field of a value but the deletion mark, whose address is the result; null for none.
 template <class Byte, class Visit>
-Byte* eachFileField(Byte* value, Kind kind, std::int32_t fileFields, const Visit& visit) {
-    bool flag = HoldsXbaseFlag(value, kind, fileFields);
+Byte* eachFileField(Byte* value, Kind kind, const XbaseHeader& header, const Visit& visit) {
+    bool first = holdsMark(header, value, kind);
     Byte* mark = nullptr;
     EachXbaseField(value, kind, [&](Byte* at, Kind fieldKind) {
-        if (!flag) return visit(at, fieldKind);
-        flag = false;
+        if (!first) return visit(at, fieldKind);
+        first = false;
         mark = at;
         return true;
     });
@@ -233,7 +251,7 @@ XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, vo
         readNext(cursor, rowBytes.data(), at, fieldKind);
         return true;
     };
-    char* const mark = eachFileField(static_cast<char*>(value), kind, header.fieldCount, read);
+    char* const mark = eachFileField(static_cast<char*>(value), kind, header, read);
     if (mark != nullptr) *mark = rowBytes.empty() ? XbaseLive : rowBytes[0];
     return fault;
 }
@@ -248,23 +266,13 @@ XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header
         writeNext(cursor, rowBytes.data(), at, fieldKind);
         return true;
     };
-    const char* const mark = eachFileField(static_cast<const char*>(value), kind, header.fieldCount, write);
+    const char* const mark = eachFileField(static_cast<const char*>(value), kind, header, write);
     if (mark != nullptr && *mark != 0 && !rowBytes.empty()) rowBytes[0] = *mark;
     return fault;
 }
 
 std::int32_t XbaseCheckValue(const XbaseHeader& header, Kind kind, const void* value) {
-    std::int32_t n = 0;
-    const auto check = [&](const char* at, Kind fieldKind) {
-        const bool good = n < header.fieldCount && fits(at, fieldKind, header.type[n], header.length[n]);
-        ++n;
-        return good;
-    };
-    bool all = true;
-    const auto checkAll = [&](const char* at, Kind fieldKind) { return all = all && check(at, fieldKind); };
-    eachFileField(static_cast<const char*>(value), kind, header.fieldCount, checkAll);
-    if (!all) return n;
-    return n == header.fieldCount ? 0 : n + 1;
+    return misfit(header, value, kind, holdsMark(header, value, kind) ? 1 : 0);
 }
 
 std::int32_t XbaseCheckValue(const std::string& filename, Kind kind, const void* value) {

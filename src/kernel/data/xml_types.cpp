@@ -70,10 +70,9 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
 }
 
 void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text) {
-    if (text.empty() || text == last_ || broken_) return;
+    if (text.empty() || text == last_ || broken_ || text_.size() > most) return;
     std::string report;
-    std::string merged =
-        text_.empty() ? std::string(text) : TypeInfoMerge(text_, text, MaxXmlTypeText + 2, report);
+    std::string merged = text_.empty() ? std::string(text) : TypeInfoMerge(text_, text, INT32_MAX, report);
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();

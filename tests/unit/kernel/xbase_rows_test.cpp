@@ -149,6 +149,8 @@ TEST_F(XbaseRows, CellsBecomeValues) {
         {"abcd  ", 'C', "string[3]", "658 abc"},
         {"  abc ", 'C', "string", "  abc"},
         {"      ", 'C', "string", ""},
+        {"\0\0\0"s, 'C', "string", ""},
+        {"ab\0\0"s, 'C', "string", "ab"},
         {"", 'C', "string", ""},
         {"a\nb\"", 'C', "string", "a\nb\""},
         {"20240229", 'D', "string[8]", "20240229"},
@@ -354,6 +356,7 @@ TEST_F(XbaseRows, TextsStandAtTheLeft) {
     EXPECT_EQ(text("", {"A", 'C', 2}), "  ");
     EXPECT_EQ(text("abcde", {"A", 'C', 5}), "abcde");
     EXPECT_EQ(text("abcde   ", {"A", 'C', 5}), "abcde");
+    EXPECT_EQ(text("abc\0"s, {"A", 'C', 5}), "abc  ");
     EXPECT_EQ(text("abcdef", {"A", 'C', 5}), "658");
     EXPECT_EQ(text("20240229", {"A", 'D', 8}), "20240229");
     EXPECT_EQ(text("1", {"A", 'N', 8}), "658");
@@ -415,6 +418,34 @@ TEST_F(XbaseRows, AMarkCanStandAlone) {
     EXPECT_EQ(Shown(row.get(), KindRecord), "32");
     EXPECT_EQ(XbaseWriteRow(row.get(), KindRecord, header, bytes).errorCode, 0);
     EXPECT_EQ(bytes, "");
+}
+
+// The declaration of a file with 48 fields has 49 lines, of which a record takes 48.
+TEST_F(XbaseRows, AMarkTakesTheRoomOfTheLastFieldOfAFullFile) {
+    const XFields file(48, {"A", 'C', 1});
+    const XbaseHeader header = headerOf(file);
+    std::string lines = "T : record\n\tdelete_flag : Tchar\n";
+    for (int i = 1; i <= 48; ++i) lines += "\tf" + std::to_string(i) + " : Tchars[1:1]\n";
+    Typed row(lines + "end record\n");
+    ASSERT_EQ(RecordFieldCount(row.get<RecordDescriptor>()), 48);
+    EXPECT_EQ(XbaseReadRow("*" + std::string(47, 'a') + "z", header, row.get(), KindRecord).errorCode, 0);
+    EXPECT_EQ(Shown(row.get(), KindRecord).substr(0, 10), "42|'a'|'a'");
+    EXPECT_EQ(Shown(row.get(), KindRecord).find('z'), std::string::npos);
+    std::string bytes;
+    EXPECT_EQ(XbaseWriteRow(row.get(), KindRecord, header, bytes).errorCode, 0);
+    EXPECT_EQ(bytes, "*" + std::string(47, 'a') + " ");
+    // The rows of such a file cannot be kept in it: the last field would be lost.
+    EXPECT_EQ(XbaseCheckValue(header, KindRecord, row.get()), 48);
+    // An enum that the file has a field for is none here either.
+    XFields numbers = file;
+    numbers[0] = {"A", 'N', 3};
+    lines = "T : record\n\ta : enum\n";
+    for (int i = 2; i <= 48; ++i) lines += "\tf" + std::to_string(i) + " : Tchars[1:1]\n";
+    Typed plain(lines + "end record\n");
+    EXPECT_EQ(XbaseCheckValue(headerOf(numbers), KindRecord, plain.get()), 0);
+    EXPECT_EQ(
+        XbaseReadRow("* 65" + std::string(47, 'b'), headerOf(numbers), plain.get(), KindRecord).errorCode, 0);
+    EXPECT_EQ(Shown(plain.get(), KindRecord).substr(0, 6), "65|'b'");
 }
 
 // ---- a field after the other ----
@@ -510,7 +541,7 @@ private:
         case 4: return {real(static_cast<double>(number(12)) / 1024), {"", 'N', 30, 10}};
         case 5: {
             std::string text = characters(length);
-            text.erase(text.find_last_not_of(' ') + 1);
+            text.erase(text.find_last_not_of(" \0"s) + 1);
             return {tarn::text(text, upTo(1) != 0 ? length : UNBOUNDED), {"", 'C', length}};
         }
         case 6: return {tarn::characters(characters(length), length), {"", "CDN"[upTo(2)], length}};
