@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The rows of a list that is held in a file, as one operation sees them. Only the modules of lists, tables
-// and data files include this; filevalues.h tells the formats.
+// and data files include this, and tools; filevalues.h tells the formats.
 //
 // All operations give false when they failed; the error is then set: 653 the file is gone, 655 it has not the
 // rows that the descriptor counts, 651 and 652 it cannot be read or written, 654 the disk is full, 658 a row

@@ -6,7 +6,7 @@
 //     replace    temporary beside the target, write, owner, mode, sync, close, rename, sync of the folder
 //     in place   rescue copy (the same steps, in the rescue folder), then the file itself: first what it
 //                grows by, so that a full disk shows before an old byte is touched
-#include "os/files.h"
+#include "os/save_parts.h"
 
 #include "os/paths.h"
 #include "os/process.h"
@@ -15,28 +15,7 @@
 
 namespace tarn::os {
 
-namespace {
-
-constexpr std::uint32_t privateMode = 0600;
-constexpr std::uint32_t usualMode = 0666;  // the user's mask takes its part away
-
-struct Target {
-    std::string path;  // links followed
-    FileInfo info;
-};
-
-// A file that did not exist before, open for writing.
-struct NewFile {
-    std::string path;
-    Handle handle = -1;
-};
-
-struct Replacement {
-    FileError error = FileError::None;
-    bool impossible = false;  // the file cannot be replaced; writing it in place may work
-};
-
-FileError findTarget(const std::string& path, Target& target) {
+FileError findSaveTarget(const std::string& path, SaveTarget& target) {
     if (const FileError error = files().resolve(path, target.path); error != FileError::None) return error;
     if (const FileError error = files().info(target.path, target.info); error != FileError::None)
         return error;
@@ -44,8 +23,8 @@ FileError findTarget(const std::string& path, Target& target) {
     return target.info.exists && !target.info.writable ? FileError::Denied : FileError::None;
 }
 
-// Makes a file of a name that nobody has: `start`, the process and a count.
-FileError makeUnique(const std::string& start, const std::string& end, std::uint32_t mode, NewFile& made) {
+FileError makeUniqueFile(const std::string& start, const std::string& end, std::uint32_t mode,
+                         NewFile& made) {
     static unsigned count = 0;
     constexpr int attempts = 100;  // names left by dead processes that had this number
     FileError error = FileError::Exists;
@@ -56,7 +35,6 @@ FileError makeUnique(const std::string& start, const std::string& end, std::uint
     return error;
 }
 
-// Gives the new file the owner and the permissions of the one it replaces. Denied if this user cannot.
 FileError takeOver(const FileInfo& old, const std::string& path) {
     FileInfo info;
     if (const FileError error = files().info(path, info); error != FileError::None) return error;
@@ -68,18 +46,29 @@ FileError takeOver(const FileInfo& old, const std::string& path) {
     return info.mode != old.mode ? files().setMode(path, old.mode) : FileError::None;
 }
 
-FileError finish(Handle handle, Durability durability) {
+FileError finishFile(Handle handle, Durability durability) {
     const FileError synced = durability == Durability::Synced ? files().sync(handle) : FileError::None;
     const FileError closed = files().close(handle);
     return synced != FileError::None ? synced : closed;
 }
+
+std::string temporaryStart(const SaveTarget& target) {
+    return joined(folderOf(target.path), ".tarnwick-");
+}
+
+namespace {
+
+struct Replacement {
+    FileError error = FileError::None;
+    bool impossible = false;  // the file cannot be replaced; writing it in place may work
+};
 
 // Writes, syncs and closes the new file, and removes it if anything of that fails.
 FileError fill(const NewFile& made, std::string_view bytes, const FileInfo* old, Durability durability) {
     FileError error = files().write(made.handle, 0, bytes);
     if (error == FileError::None && old != nullptr) error = takeOver(*old, made.path);
     if (error == FileError::None) {
-        error = finish(made.handle, durability);
+        error = finishFile(made.handle, durability);
     } else {
         files().close(made.handle);
     }
@@ -87,15 +76,15 @@ FileError fill(const NewFile& made, std::string_view bytes, const FileInfo* old,
     return error;
 }
 
-Replacement replace(const Target& target, std::string_view bytes, Durability durability) {
+Replacement replace(const SaveTarget& target, std::string_view bytes, Durability durability) {
     const std::string folder = folderOf(target.path);
     const FileInfo* const old = target.info.exists ? &target.info : nullptr;
     const auto result = [&](FileError error) {
         return Replacement{error, error == FileError::Denied && old != nullptr};
     };
     NewFile made;
-    const std::string start = joined(folder, ".tarnwick-");
-    FileError error = makeUnique(start, ".tmp", old != nullptr ? privateMode : usualMode, made);
+    FileError error = makeUniqueFile(temporaryStart(target), TemporaryEnd,
+                                     old != nullptr ? PrivateFileMode : UsualFileMode, made);
     if (error != FileError::None) return result(error);
     error = fill(made, bytes, old, durability);
     if (error != FileError::None) return result(error);
@@ -107,14 +96,14 @@ Replacement replace(const Target& target, std::string_view bytes, Durability dur
     return {durability == Durability::Synced ? files().syncFolder(folder) : FileError::None, false};
 }
 
-FileError writeRescueCopy(const Target& target, std::string_view bytes, Durability durability,
+FileError writeRescueCopy(const SaveTarget& target, std::string_view bytes, Durability durability,
                           std::string& copy) {
     constexpr std::size_t longestStart = 200;  // leaves room for the rest in a name of 255 bytes
     const std::string folder = rescueFolder();
     if (const FileError error = makeFolders(folder, durability); error != FileError::None) return error;
     NewFile made;
     const std::string start = folder + nameOf(target.path).substr(0, longestStart) + ".";
-    if (const FileError error = makeUnique(start, "", privateMode, made); error != FileError::None)
+    if (const FileError error = makeUniqueFile(start, "", PrivateFileMode, made); error != FileError::None)
         return error;
     FileError error = fill(made, bytes, nullptr, durability);
     if (error == FileError::None && durability == Durability::Synced) {
@@ -142,19 +131,20 @@ FileError overwrite(Handle handle, std::int64_t oldSize, std::string_view bytes,
     return size < oldSize ? files().truncate(handle, size) : FileError::None;
 }
 
-FileError writeTarget(const Target& target, std::string_view bytes, Durability durability, bool& touched) {
+FileError writeTarget(const SaveTarget& target, std::string_view bytes, Durability durability,
+                      bool& touched) {
     Handle handle = -1;
     if (const FileError error = files().open(target.path, OpenMode::ReadWrite, 0, handle);
         error != FileError::None) {
         return error == FileError::NotFound ? FileError::Vanished : error;
     }
     const FileError error = overwrite(handle, target.info.size, bytes, touched);
-    if (error == FileError::None) return finish(handle, durability);
+    if (error == FileError::None) return finishFile(handle, durability);
     files().close(handle);
     return error;
 }
 
-SaveResult saveInPlace(const Target& target, std::string_view bytes, Durability durability) {
+SaveResult saveInPlace(const SaveTarget& target, std::string_view bytes, Durability durability) {
     SaveResult result;
     result.inPlace = true;
     std::string copy;
@@ -171,7 +161,7 @@ SaveResult saveInPlace(const Target& target, std::string_view bytes, Durability 
 }
 
 // A device or a pipe takes the bytes as they come; it has no old contents.
-SaveResult saveToDevice(const Target& target, std::string_view bytes) {
+SaveResult saveToDevice(const SaveTarget& target, std::string_view bytes) {
     SaveResult result;
     result.inPlace = true;
     Handle handle = -1;
@@ -186,8 +176,9 @@ SaveResult saveToDevice(const Target& target, std::string_view bytes) {
 }  // namespace
 
 SaveResult saveFile(const std::string& path, std::string_view bytes, Durability durability) {
-    Target target;
-    if (const FileError error = findTarget(path, target); error != FileError::None) return {error, false, {}};
+    SaveTarget target;
+    if (const FileError error = findSaveTarget(path, target); error != FileError::None)
+        return {error, false, {}};
     if (target.info.special) return saveToDevice(target, bytes);
     if (target.info.links > 1) return saveInPlace(target, bytes, durability);
     const Replacement result = replace(target, bytes, durability);

@@ -1,18 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// tarn-data: looks into data files and turns one form into another, without windows. The program is a table
-// of commands (tarn_data.cpp); this is what they share.
+// tarn-data: looks into data files, turns one form into another, checks and mends those that tables live in;
+// without windows. The program is a table of commands (tarn_data.cpp); this is what they share.
 //
 //   tarn_data_arguments   the command line
-//   tarn_data_source      what a file is, and its rows as a table of typed values
-//   tarn_data_target      what the other form cannot hold, and the writing
+//   tarn_data_info        the command of that name; _convert, _check and _rebuild likewise
+//   tarn_data_files       reading files, and what they are at first sight
+//   tarn_data_source      what a file is, and its columns
+//   tarn_data_load        its rows as a table of typed values; _loadrows likewise
+//   tarn_data_rows        such tables
+//   tarn_data_xbase       Xbase files as they stand
+//   tarn_data_rowtype     declarations of rows
+//   tarn_data_tables      table files, and the index files beside them
+//   tarn_data_target      what the other form cannot hold, and the writing; _toxbase and _totable likewise
 //   tarn_data_xml         whether the elements of an XML file stand where fields are read by position
 //   tarn_data_progress    progress on a terminal, and stopping
 #pragma once
 
-#include "kernel/adt.h"
 #include "kernel/data/datafile.h"
 #include "toolchain/tarn_data_names.h"
+#include "toolchain/tarn_data_rows.h"
+#include "toolchain/tarn_data_rowtype.h"
 
 #include <cstdint>
 #include <optional>
@@ -22,15 +30,6 @@
 
 namespace tarn::data {
 
-enum ExitStatus { Well = 0, Failed = 1, WrongUsage = 2, Stopped = 128 };  // Stopped: ended by a signal
-
-// What is wrong, where, and what the user can do. Without `what` all is well.
-struct Problem {
-    std::string what, next;
-    ExitStatus status = Failed;
-    [[nodiscard]] bool any() const { return !what.empty(); }
-};
-
 // ---- the command line ----
 
 // What was given of the layout of a delimited file.
@@ -38,17 +37,41 @@ struct Layout {
     std::optional<std::int32_t> separator, headerRows, footerRows, maxRows;
     [[nodiscard]] bool any() const { return separator || headerRows || footerRows || maxRows; }
 };
+// A bit for each command, so that an option tells for which ones it is.
+enum CommandBit : unsigned { ForInfo = 1, ForConvert = 2, ForCheck = 4, ForRebuild = 8 };
+
 struct Arguments {
     std::string command;
     std::vector<std::string> files;
     Layout from, to;
-    bool text = false;     // columns are text, as they stand
-    bool replace = false;  // what the target cannot hold is replaced
+    std::string type;                            // the file with the declaration of a table file's row
+    std::vector<std::vector<std::string>> keys;  // the fields of each index
+    bool text = false;                           // columns are text, as they stand
+    bool replace = false;                        // what the target cannot hold is replaced
+    bool deleted = false;                        // with the rows that are marked as deleted
+    bool toTable = false;                        // the target is a table file, whatever its name
+    bool dryRun = false;
     bool help = false, version = false;
+    struct Given {
+        std::string option;
+        unsigned commands;
+    };
+    std::vector<Given> given;
 };
 // `arguments` without the name of the program.
 Problem readArguments(const std::vector<std::string>& arguments, Arguments& read);
 std::string optionsHelp();  // a line for each option
+
+// ---- commands ----
+
+int tell(const Problem& problem);    // on standard error; gives its status
+void note(const std::string& text);  // there, too: something the user should know
+int print(const std::string& text);  // on standard output
+
+int info(const Arguments& arguments);
+int convert(const Arguments& arguments);
+int check(const Arguments& arguments);
+int rebuild(const Arguments& arguments);
 
 // ---- sources ----
 
@@ -59,17 +82,26 @@ struct Source {
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
     enum class Form { Rows, Values, Single } form = Form::Rows;  // XML: what the outermost element holds
+    bool text = false, deleted = false;                          // as the arguments say
+    bool willChange = false;                                     // the rows must be copies in memory
+    std::int32_t deletedRows = 0, uncountedRows = 0;             // Xbase: that are not taken
+    RowType type;                                                // of a table file
 };
-// Finds out what a file is. Extensions decide only between lines and delimited text, and give defaults.
-Problem identify(const std::string& file, const Arguments& arguments, Source& source);
+// Finds out what a file of rows is: not an index file, and a table file only with a declaration. Extensions
+// decide only between lines and delimited text, and give defaults. `isTable`: the declaration is that of this
+// file.
+Problem identify(const std::string& file, const Arguments& arguments, bool isTable, Source& source);
 std::vector<std::string> columnNames(std::string_view columns);
 // The whole declaration of the table, named after the file.
-std::string declaration(const Source& source, std::string_view columns);
+std::string declaration(const std::string& file, std::string_view columns);
 std::string separatorName(std::int32_t separator);
-// The rows of a file with these columns. Strings have no upper length here: memory goes by what they hold.
-Problem loadRows(const Source& source, std::string_view columns, TableValue& table);
 // Every column as text.
 std::string textColumns(std::string_view columns);
+// The rows of a file with these columns. Strings have no upper length here, unless the rows are those of a
+// table file or go into one (`exact`): memory goes by what they hold.
+Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows);
+// The columns of a file whose types do not fit each other, when they are to be text.
+Problem identifyTexts(Source& source, const DataFileInfo& info);
 
 // ---- targets ----
 
@@ -77,12 +109,24 @@ struct Target {
     std::string file;
     DataFormat format = FormatUnknown;
     TabOptions options;
+    RowType type;                                // of a table file
+    std::vector<std::vector<std::string>> keys;  // of its indexes, if they are given
 };
 // A file that cannot be a target is wrong usage.
-Problem chooseTarget(const std::string& file, const Layout& layout, Target& target);
-// Finds the first cell that the target cannot hold, or with `replace` changes all of them.
-Problem fitRows(const Target& target, bool replace, std::string_view columns, TableValue& table);
-Problem saveRows(const Target& target, const TableValue& table);
+Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target);
+// Finds the first cell that the target cannot hold, or with `replace` changes all of them. May change the
+// names of columns, too.
+Problem fitRows(const Target& target, bool replace, std::string& columns, Rows& rows);
+Problem saveRows(const Target& target, std::string_view columns, Rows& rows);
+
+// ---- Xbase files and table files as targets ----
+
+Problem fitXbase(bool replace, std::string& columns, Rows& rows);
+Problem saveXbase(const Target& target, std::string_view columns, Rows& rows);
+Problem copyXbase(const Source& source, const Target& target);
+// The columns of a source, by name, against those of the table file that they shall fill.
+Problem fitColumns(const Source& source, std::string_view columns, const RowType& type);
+Problem saveTable(const Target& target, Rows& rows);
 
 // ---- XML ----
 
@@ -92,21 +136,5 @@ Problem saveRows(const Target& target, const TableValue& table);
 // element), and are counted.
 Problem checkXmlOrder(const std::string& file, const std::vector<std::string>& columns, std::size_t rowDepth,
                       std::int32_t& rows);
-
-// ---- progress ----
-
-// For the lifetime of this, the work that is named shows how far it is, and signals stop it.
-class Work {
-public:
-    explicit Work(const std::string& what);
-    ~Work();
-    Work(const Work&) = delete;
-    Work& operator=(const Work&) = delete;
-};
-void catchSignals();
-// The signal that asked to stop, 0 for none.
-int stopSignal();
-// Ends this process by that signal.
-[[noreturn]] void endBySignal(int signal);
 
 }  // namespace tarn::data

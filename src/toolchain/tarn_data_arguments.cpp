@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/tabular.h"
+#include "kernel/tables.h"
 #include "library/dbutil.h"
 #include "toolchain/tarn_data.h"
 
@@ -45,36 +46,68 @@ bool margin(const std::string& text, std::optional<std::int32_t>& rows) {
     return readNumber(text, mostMarginRows, rows);
 }
 
+// Names separated by commas: the fields of an index's key.
+bool readKey(const std::string& text, Arguments& into) {
+    constexpr std::size_t mostIndexes = std::size_t{MaxIndexes}, mostFields = 4;
+    std::vector<std::string> fields;
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find(',', at), text.size());
+        fields.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    const bool empty = std::any_of(fields.begin(), fields.end(), [](auto& name) { return name.empty(); });
+    if (empty || fields.size() > mostFields || into.keys.size() == mostIndexes) return false;
+    into.keys.push_back(std::move(fields));
+    return true;
+}
+
 using Take = bool (*)(const std::string& value, Arguments& into);
 struct Option {
-    std::string_view name, value, about;
+    std::string_view name, value;
+    unsigned commands;
+    std::string_view about;
     Take take;
     std::string_view expected;  // what the value must be
 };
 
+constexpr unsigned forReading = ForInfo | ForConvert, forTables = ForCheck | ForRebuild,
+                   forAll = forReading | forTables;
 constexpr std::string_view aMargin = "0, 1 or 2", aCharacter = "one character that can stand between cells";
 const Option options[] = {
-    {"--separator", "C", "what stands between the cells of the file that is read; \\t is a tab",
+    {"--separator", "C", forReading, "what stands between the cells of the file that is read; \\t is a tab",
      [](const std::string& v, Arguments& a) { return readSeparator(v, a.from.separator); }, aCharacter},
-    {"--header-rows", "N", "lines ahead of its rows: 0, 1 (names) or 2 (names and dashes)",
+    {"--header-rows", "N", forReading, "lines ahead of its rows: 0, 1 (names) or 2 (names and dashes)",
      [](const std::string& v, Arguments& a) { return margin(v, a.from.headerRows); }, aMargin},
-    {"--footer-rows", "N", "lines behind its rows: 0, 1 or 2",
+    {"--footer-rows", "N", forReading, "lines behind its rows: 0, 1 or 2",
      [](const std::string& v, Arguments& a) { return margin(v, a.from.footerRows); }, aMargin},
-    {"--max-rows", "N", "read only the first N rows",
+    {"--max-rows", "N", forReading, "read only the first N rows",
      [](const std::string& v, Arguments& a) { return readNumber(v, INT32_MAX, a.from.maxRows); },
      "a number from 0 to 2147483647"},
-    {"--text", "", "take every column as text, as it stands in the file",
+    {"--text", "", forReading, "take every column as text, as it stands in the file",
      [](const std::string&, Arguments& a) { return a.text = true; }, ""},
-    {"--to-separator", "C", "what stands between the cells of the file that is written",
+    {"--deleted", "", ForConvert, "with the rows of a dbf file that are marked as deleted, and their marks",
+     [](const std::string&, Arguments& a) { return a.deleted = true; }, ""},
+    {"--type", "FILE", forAll, "what a row of a table file is: type information text, or what 'info' printed",
+     [](const std::string& v, Arguments& a) { return !(a.type = v).empty(); }, "the name of a file"},
+    {"--keys", "A,B", ForConvert | ForRebuild, "the fields of an index of a table file; once for each index",
+     [](const std::string& v, Arguments& a) { return readKey(v, a); },
+     "the names of one to four fields, separated by commas; at most five times"},
+    {"--to-table", "", ForConvert, "write a table file, whatever the name of B",
+     [](const std::string&, Arguments& a) { return a.toTable = true; }, ""},
+    {"--to-separator", "C", ForConvert, "what stands between the cells of the file that is written",
      [](const std::string& v, Arguments& a) { return readTargetSeparator(v, a.to.separator); }, aCharacter},
-    {"--to-header-rows", "N", "lines to write ahead of its rows; 1 if not given",
+    {"--to-header-rows", "N", ForConvert, "lines to write ahead of its rows; 1 if not given",
      [](const std::string& v, Arguments& a) { return margin(v, a.to.headerRows); }, aMargin},
-    {"--to-footer-rows", "N", "lines to write behind its rows: 1 is their count, 2 an empty line first",
+    {"--to-footer-rows", "N", ForConvert,
+     "lines to write behind its rows: 1 is their count, 2 an empty line first",
      [](const std::string& v, Arguments& a) { return margin(v, a.to.footerRows); }, aMargin},
-    {"--replace", "", "write '?' for what the other form cannot hold, instead of refusing",
+    {"--replace", "", ForConvert,
+     "write '?' for what the other form cannot hold, and cut, instead of refusing",
      [](const std::string&, Arguments& a) { return a.replace = true; }, ""},
-    {"--help", "", "this text", [](const std::string&, Arguments& a) { return a.help = true; }, ""},
-    {"--version", "", "the version of the program",
+    {"--dry-run", "", ForRebuild, "tell what would be done, and change nothing",
+     [](const std::string&, Arguments& a) { return a.dryRun = true; }, ""},
+    {"--help", "", forAll, "this text", [](const std::string&, Arguments& a) { return a.help = true; }, ""},
+    {"--version", "", forAll, "the version of the program",
      [](const std::string&, Arguments& a) { return a.version = true; }, ""},
 };
 
@@ -105,6 +138,7 @@ Problem takeOption(const std::vector<std::string>& arguments, std::size_t& i, Ar
     } else {
         return {"The option '" + name + "' needs a value.", seeHelp, WrongUsage};
     }
+    read.given.push_back({name, option->commands});
     if (option->take(value, read)) return {};
     return {"'" + value + "' cannot be the value of '" + name + "'.",
             "It must be " + std::string(option->expected) + ".", WrongUsage};

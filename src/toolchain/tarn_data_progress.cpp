@@ -3,7 +3,7 @@
 // A signal only sets a word that the kernel's reads and writes ask for. So no file is ever left half
 // written, and a target that was not replaced yet stays as it was.
 #include "kernel/data/progress.h"
-#include "toolchain/tarn_data.h"
+#include "toolchain/tarn_data_problem.h"
 
 #include <chrono>
 #include <csignal>
@@ -54,6 +54,17 @@ Work::~Work() {
     UseProgress(nullptr);
     if (shown.visible) std::fputs("\r\033[K", stderr);
     std::fflush(stderr);
+}
+
+bool Steps::step(std::int64_t bytes) {
+    done_ += bytes;
+    if (done_ - told_ < ProgressStep) return stopRequest == 0;
+    told_ = done_;
+    return Progress(done_, total_);
+}
+
+Problem stoppedProblem() {
+    return {"Stopped.", "No file was changed."};
 }
 
 void catchSignals() {

@@ -3,44 +3,17 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml.h"
 #include "kernel/errors.h"
-#include "kernel/lists.h"
-#include "kernel/records.h"
-#include "kernel/runtime.h"
-#include "kernel/strings.h"
-#include "kernel/tables.h"
 #include "library/dbutil.h"
 #include "os/files.h"
-#include "toolchain/tarn_data.h"
+#include "toolchain/tarn_data_files.h"
+#include "toolchain/tarn_data_load.h"
+#include "toolchain/tarn_data_tables.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace tarn::data {
 
 namespace {
-
-std::string fileWord(const std::string& file) {
-    return "File '" + file + "' ";
-}
-
-Problem stoppedProblem() {
-    return {"Stopped.", "No file was changed."};
-}
-
-// ---- what can be read at all ----
-
-// The beginning of a file, as much as tells text from other things.
-std::string beginningOf(const std::string& file) {
-    constexpr std::size_t enough = 4096;
-    std::string bytes(enough, '\0');
-    std::size_t got = 0;
-    os::Handle handle = -1;
-    if (os::files().open(os::native(file), os::OpenMode::Read, 0, handle) != os::FileError::None) return {};
-    const os::FileError error = os::files().read(handle, 0, bytes.data(), enough, got);
-    os::files().close(handle);
-    bytes.resize(error == os::FileError::None ? got : 0);
-    return bytes;
-}
 
 // What to do about a file that is none of the known forms.
 std::string adviceFor(const std::string& beginning) {
@@ -56,7 +29,8 @@ std::string adviceFor(const std::string& beginning) {
     for (const auto& mark : marks) {
         if (beginning.starts_with(mark.bytes)) return std::string(mark.advice);
     }
-    return "Known are delimited text (csv, tab), lines (txt) and XML; --separator=C reads it as delimited.";
+    return "Known are delimited text (csv, tab), lines (txt), XML and Xbase (dbf); --separator=C reads it as "
+           "delimited, --type=FILE as a table file.";
 }
 
 bool isTypeConflict(const std::string& message) {
@@ -64,11 +38,10 @@ bool isTypeConflict(const std::string& message) {
 }
 
 Problem problemOfInfo(const std::string& file, const std::string& message) {
-    const os::FileInfo info = os::infoOf(file);
-    if (!info.exists) return {message, "There is no such file: look at its name and folder."};
-    if (info.folder) return {message, "It is a folder; give a file in it."};
-    if (info.special) return {message, "It is no regular file: write its content to one first."};
-    if (info.size == 0) return {message, "It is empty; a data file has at least one line."};
+    const Problem problem = problemOfName(file);
+    if (problem.any()) return {message, problem.next};
+    if (os::sizeOf(os::native(file)) == 0)
+        return {message, "It is empty; a data file has at least one line."};
     if (message.find("unknown file type") != std::string::npos)
         return {message, adviceFor(beginningOf(file))};
     if (message.find("locked") != std::string::npos)
@@ -86,10 +59,6 @@ Problem problemOfInfo(const std::string& file, const std::string& message) {
 
 // ---- layouts ----
 
-bool isDelimitedName(DataFormat format) {
-    return format == FormatComma || format == FormatTab;
-}
-
 // The layout that is given, and for the rest what the first two lines suggest.
 TabOptions layoutOf(const std::string& file, const Layout& given) {
     const PossibleFileDetails likely = GETPOSSIBLEFILEDETAILS(file);
@@ -103,8 +72,7 @@ TabOptions layoutOf(const std::string& file, const Layout& given) {
 }
 
 Problem identifyLines(const Arguments& arguments, Source& source) {
-    const os::FileInfo info = os::infoOf(source.file);
-    if (!info.exists || info.folder || info.special || info.size == 0)
+    if (problemOfName(source.file).any() || os::sizeOf(os::native(source.file)) == 0)
         return problemOfInfo(source.file, fileWord(source.file) + "is invalid, does not exist or is empty.");
     source.format = FormatText;
     source.options = DefaultTabOptions(FormatText);
@@ -172,40 +140,55 @@ Problem identifyXml(const Arguments& arguments, Source& source) {
                          source.rowsSeen);
 }
 
-// The columns of a file whose types do not fit each other, when they are to be text.
-Problem identifyTexts(Source& source, const DataFileInfo& info);
+Problem identifyOther(const Arguments& arguments, Source& source) {
+    const DataFormat byName = DataFormatOf(source.file);
+    source.options = layoutOf(source.file, arguments.from);
+    DataFileInfo info = GetDataFileInfo(source.file, &source.options);
+    const bool delimited = isDelimitedForm(byName) || arguments.from.separator;
+    const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
+    if (unknown && !delimited && !arguments.type.empty()) return identifyTable(arguments, source);
+    if (unknown && delimited && !discoverAnyway(source, info))
+        return problemOfInfo(source.file, info.message);
+    if (stopSignal() != 0) return stoppedProblem();
+    const bool conflict = arguments.text && isDelimitedForm(info.format) && isTypeConflict(info.message);
+    if (conflict) return identifyTexts(source, info);
+    if (!info.message.empty() && !isOneRow(source.file, info))
+        return problemOfInfo(source.file, info.message);
+    source.format = info.format;
+    source.columns = info.typeText;
+    if (isDelimitedForm(info.format)) return identifyDelimited(info, source);
+    return info.format == FormatXml ? identifyXml(arguments, source) : Problem();
+}
 
 }  // namespace
 
-Problem identify(const std::string& file, const Arguments& arguments, Source& source) {
+bool isDelimitedForm(DataFormat format) {
+    return format == FormatComma || format == FormatTab;
+}
+
+Problem identify(const std::string& file, const Arguments& arguments, bool isTable, Source& source) {
     source.file = file;
-    const DataFormat byName = DataFormatOf(file);
-    const bool isText = byName == FormatText && !arguments.from.separator;
+    source.text = arguments.text;
+    source.deleted = arguments.deleted;
     const Work work("reading " + file);
-    // The opening of a pipe would wait for its writer.
-    if (os::infoOf(file).special) return problemOfInfo(file, fileWord(file) + "cannot be read.");
-    DataFileInfo info;
-    if (isText) {
-        const Problem problem = identifyLines(arguments, source);
-        if (problem.any()) return problem;
-    } else {
-        source.options = layoutOf(file, arguments.from);
-        info = GetDataFileInfo(file, &source.options);
-        const bool delimited = isDelimitedName(byName) || arguments.from.separator;
-        const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
-        if (unknown && delimited && !discoverAnyway(source, info)) return problemOfInfo(file, info.message);
-        if (stopSignal() != 0) return stoppedProblem();
-        const bool conflict = arguments.text && isDelimitedName(info.format) && isTypeConflict(info.message);
-        if (conflict) return identifyTexts(source, info);
-        if (!info.message.empty() && !isOneRow(file, info)) return problemOfInfo(file, info.message);
-        source.format = info.format;
-        source.columns = info.typeText;
-        Problem problem;
-        if (isDelimitedName(info.format)) problem = identifyDelimited(info, source);
-        if (info.format == FormatXml) problem = identifyXml(arguments, source);
-        if (problem.any()) return problem;
-    }
-    return stopSignal() != 0 ? stoppedProblem() : Problem();
+    Problem problem = problemOfName(file);
+    if (problem.any()) return problem;
+    const FileKind kind = isTable ? FileKind::Other : kindOf(file);
+    const bool table = DataFormatOf(file) == FormatBinary || isTableByIndex(file);
+    if (isTable)
+        problem = identifyTable(arguments, source);
+    else if (kind == FileKind::Index)
+        problem = {fileWord(file) + "is an index file, which holds no rows.",
+                   "Give the table file that it belongs to; 'tarn-data info' tells which that is."};
+    else if (kind == FileKind::Xbase)
+        problem = identifyXbase(arguments, source);
+    else if (table)
+        problem = typeIsMissing(file);
+    else if (DataFormatOf(file) == FormatText && !arguments.from.separator)
+        problem = identifyLines(arguments, source);
+    else
+        problem = identifyOther(arguments, source);
+    return !problem.any() && stopSignal() != 0 ? stoppedProblem() : problem;
 }
 
 // ---- columns ----
@@ -220,7 +203,7 @@ std::vector<std::string> columnNames(std::string_view columns) {
 namespace {
 
 // A column of text of any length, for every line or for those of strings only.
-std::string withoutLengths(std::string_view columns, bool all) {
+std::string asTexts(std::string_view columns, bool all) {
     std::string text;
     const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
     for (std::int32_t n = 1; n <= lines; ++n) {
@@ -234,11 +217,15 @@ std::string withoutLengths(std::string_view columns, bool all) {
 }  // namespace
 
 std::string textColumns(std::string_view columns) {
-    return withoutLengths(columns, true);
+    return asTexts(columns, true);
 }
 
-std::string declaration(const Source& source, std::string_view columns) {
-    std::string name = source.file.substr(source.file.find_last_of("/\\") + 1);
+std::string withoutLengths(std::string_view columns) {
+    return asTexts(columns, false);
+}
+
+std::string declaration(const std::string& file, std::string_view columns) {
+    std::string name(baseName(file));
     name = fileIdentifier(name.substr(0, name.rfind('.')));
     std::string text(columns);
     TypeInfoChangeIndent(2, text, MaxTypeInfo + 2 * MaxFields);
@@ -249,191 +236,6 @@ std::string separatorName(std::int32_t separator) {
     if (separator == '\t') return "\\t";
     if (separator > ' ' && separator <= '~') return "'" + std::string(1, static_cast<char>(separator)) + "'";
     return "with the code " + std::to_string(separator);
-}
-
-// ---- rows ----
-
-namespace {
-
-// An empty table without an index, so that every row is taken as it comes.
-Problem makeTable(std::string_view columns, TableValue& table) {
-    std::string text(withoutLengths(columns, false));
-    const std::string fields = text;
-    TypeInfoChangeIndent(1, text, MaxTypeInfo);
-    text = "T : record\n" + text + "end record\n";
-    RecordValue row;
-    std::size_t position = 0;
-    if (TypeInfoToValue(text, position, row.get()) == KindRecord) {
-        table = TableValue();
-        TableInit(table.get(), UNBOUNDED, row.get(), {}, fields, false);
-    }
-    const std::int32_t code = ErrorCell();
-    ClearError();
-    if (code == 0 && table.get()->tag != 0) return {};
-    return {"The columns cannot be made: " + ErrorMessage(code != 0 ? code : std::int32_t{ERR_RECORD_TYPE}) +
-                ".",
-            "--text takes every column as text."};
-}
-
-std::string placeOf(const Source& source, std::int32_t row) {
-    if (row <= 0) return fileWord(source.file);
-    return fileWord(source.file) + (source.format == FormatXml ? "line " : "row ") + std::to_string(row) +
-           " ";
-}
-
-Problem loadProblem(const Source& source, const TabResult& result, const std::string& message) {
-    const std::string what = placeOf(source, result.row) +
-                             "cannot be read: " + (message.empty() ? ErrorMessage(result.code) : message) +
-                             ".";
-    switch (result.code) {
-    case ERR_BLOCK_TOO_LARGE:
-    case ERR_OUT_OF_MEMORY:
-        return {what, "The file has more rows than a value in memory holds; split it, or take the first ones "
-                      "with --max-rows."};
-    case ERR_STRING_CONVERSION:
-        return {what, "The row is longer than " + std::to_string(MaxTabLine) + " characters."};
-    case ERR_FILE_READ:
-    case ERR_FILE_VANISHED: return {what, "Look whether you may read it and whether it is still there."};
-    default: return {what, "Correct the file, or take every column as text with --text."};
-    }
-}
-
-Problem load(const Source& source, const TabOptions& options, void* value, Kind kind, TabResult& result) {
-    const Work work("reading " + source.file);
-    std::string message;
-    // Lines, too, go by the options here.
-    const DataFormat format = source.format == FormatText ? FormatTab : source.format;
-    result = LoadValue(source.file, format, options, value, kind, message);
-    ClearError();
-    if (result.stopped || stopSignal() != 0) return stoppedProblem();
-    return result.code == 0 ? Problem() : loadProblem(source, result, message);
-}
-
-bool isBlank(const RecordDescriptor* row) {
-    for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n) {
-        if (StringLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n))) > 0) return false;
-    }
-    return true;
-}
-
-// The columns were found in the rows up to the first empty line. Rows with content behind it would be read by
-// columns that do not know them.
-Problem checkEmptyLine(const Source& source, std::string_view columns) {
-    TableValue texts;
-    TabResult result;
-    Problem problem = makeTable(textColumns(columns), texts);
-    if (!problem.any()) problem = load(source, source.options, texts.get(), KindTable, result);
-    if (problem.any()) return problem;
-    const ListDescriptor* const rows = TableRows(texts.get());
-    for (std::int32_t i = source.rowsSeen + 1; i <= rows->count; ++i) {
-        if (isBlank(static_cast<const RecordDescriptor*>(ListRef(rows, i)))) continue;
-        return {placeOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
-                "Take the empty line out, or leave what follows it with --max-rows=" +
-                    std::to_string(source.rowsSeen) + " or --footer-rows."};
-    }
-    return {};
-}
-
-Problem loadDelimited(const Source& source, std::string_view columns, TableValue& table) {
-    TabResult result;
-    TabOptions options = source.options;
-    const bool seen = source.rowsSeen >= 0;
-    Problem problem;
-    if (!seen) return load(source, options, table.get(), KindTable, result);
-    const auto more =
-        options.maxdatarows < 0 ? source.rowsSeen + 1 : std::min(options.maxdatarows, source.rowsSeen + 1);
-    options.maxdatarows = more;
-    problem = load(source, options, table.get(), KindTable, result);
-    const bool further = result.row > source.rowsSeen || result.rows > source.rowsSeen;
-    if (!further) return problem;
-    problem = checkEmptyLine(source, columns);
-    options.maxdatarows = source.rowsSeen;
-    return problem.any() ? problem : load(source, options, table.get(), KindTable, result);
-}
-
-void addRow(TableValue& table, const RecordValue& row) {
-    TableAdd(table.get(), 0, row.get());
-}
-
-// The values of a list become rows of one field.
-Problem loadValues(const Source& source, TableValue& table, RecordValue& row) {
-    ListValue list;
-    TabResult result;
-    const Kind kind = RecordFieldKind(row.get(), 1);
-    void* const field = RecordFieldAddress(row.get(), 1);
-    ListInit(list.get(), UNBOUNDED, IsAdtKind(kind) ? field : nullptr, kind, false);
-    const Problem problem = load(source, source.options, list.get(), KindList, result);
-    for (std::int32_t i = 1; i <= list.get()->count && !problem.any() && ErrorCell() == 0; ++i) {
-        if (IsAdtKind(kind))
-            AdtCopy(ListRef(list.get(), i), field, kind);
-        else
-            std::memcpy(field, ListRef(list.get(), i), static_cast<std::size_t>(KindSize[kind]));
-        addRow(table, row);
-    }
-    return problem;
-}
-
-Problem loadSingle(const Source& source, TableValue& table, RecordValue& row) {
-    TabResult result;
-    const Problem problem = load(source, source.options, row.get(), KindRecord, result);
-    if (!problem.any()) addRow(table, row);
-    return problem;
-}
-
-Problem identifyTexts(Source& source, const DataFileInfo& info) {
-    TabOptions header = source.options;
-    header.maxdatarows = 0;
-    std::string names = TabDiscover(source.file, header, MaxTypeInfo).typeText, all;
-    TypeInfoStripOuter(names, MaxTypeInfo);
-    const std::size_t named = columnNames(names).size();
-    for (std::size_t n = 1; n <= std::size_t{MaxTabColumns}; ++n)
-        all += n <= named ? TypeInfoLine(names, static_cast<std::int32_t>(n))
-                          : "FIELD" + std::to_string(n) + " : string\n";
-    source.format = info.format;
-    source.columns = textColumns(all);
-    TableValue table;
-    TabResult result;
-    Problem problem = makeTable(source.columns, table);
-    if (!problem.any()) problem = load(source, source.options, table.get(), KindTable, result);
-    if (problem.any()) return problem;
-    std::size_t used = named;
-    const ListDescriptor* const rows = TableRows(table.get());
-    for (std::int32_t i = 1; i <= rows->count; ++i) {
-        const auto* const row = static_cast<const RecordDescriptor*>(ListRef(rows, i));
-        if (isBlank(row)) continue;
-        source.rowsSeen = i;
-        for (std::size_t n = used + 1; n <= std::size_t{MaxTabColumns}; ++n) {
-            const void* const cell = RecordFieldAddress(row, static_cast<std::int32_t>(n));
-            if (StringLength(static_cast<const StringDescriptor*>(cell)) > 0) used = n;
-        }
-    }
-    std::size_t end = 0;
-    for (std::size_t n = 0; n < used; ++n) end = source.columns.find('\n', end) + 1;
-    source.columns.resize(end);
-    return {};
-}
-
-// What is no list of records, row by row.
-Problem loadOtherForm(const Source& source, TableValue& table) {
-    RecordValue row;
-    AdtInit(row.get(), At(TableRows(table.get())->prototype), KindRecord);
-    const Problem problem =
-        source.form == Source::Form::Values ? loadValues(source, table, row) : loadSingle(source, table, row);
-    TabResult result;
-    result.code = ErrorCell();
-    ClearError();
-    return problem.any() || result.code == 0 ? problem : loadProblem(source, result, {});
-}
-
-}  // namespace
-
-Problem loadRows(const Source& source, std::string_view columns, TableValue& table) {
-    Problem problem = makeTable(columns, table);
-    if (problem.any()) return problem;
-    if (isDelimitedName(source.format)) return loadDelimited(source, columns, table);
-    if (source.form != Source::Form::Rows) return loadOtherForm(source, table);
-    TabResult result;
-    return load(source, source.options, table.get(), KindTable, result);
 }
 
 }  // namespace tarn::data

@@ -2,14 +2,17 @@
 //
 // Delimited text is written without quotes, and XML without an encoding, so not every text fits. What does
 // not fit is told ahead of the writing: nothing is changed in silence.
+#include "kernel/data/xbase.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
 #include "kernel/tables.h"
-#include "os/files.h"
-#include "toolchain/tarn_data.h"
+#include "toolchain/tarn_data_files.h"
+#include "toolchain/tarn_data_save.h"
+#include "toolchain/tarn_data_tables.h"
 
 namespace tarn::data {
 
@@ -148,20 +151,35 @@ private:
 
 }  // namespace
 
-Problem chooseTarget(const std::string& file, const Layout& layout, Target& target) {
-    target.file = file;
-    target.format = DataFormatOf(file);
-    const bool delimited = target.format == FormatComma || target.format == FormatTab;
-    if (target.format != FormatXml && target.format != FormatText && !delimited)
-        return {"'" + file + "' cannot be written: its extension is none of csv, tab, txt and xml.",
-                "The extension of the second file decides what is written.", WrongUsage};
-    if (target.format == FormatXml && layout.any())
-        return {"'" + file + "' is XML, which has no separator, header or footer.",
+namespace {
+
+Problem chooseTable(const Arguments& arguments, Target& target) {
+    target.format = FormatBinary;
+    if (arguments.to.any())
+        return {"'" + target.file + "' is a table file, which has no separator, header or footer.",
                 "Leave the --to-... options away.", WrongUsage};
+    if (XbaseFileName(target.file) || isIndexName(target.file))
+        return {"'" + target.file +
+                    "' cannot be the name of a table file: its extension is that of another form.",
+                "Choose another one; bin needs no --to-table.", WrongUsage};
+    if (arguments.type.empty())
+        return {
+            "'" + target.file + "' is a table file, whose rows must be declared.",
+            "Give --type=FILE, a text file with type information text; what 'tarn-data info' prints of the "
+            "file that is read will do.",
+            WrongUsage};
+    Problem problem = readRowType(arguments.type, target.type);
+    std::vector<std::int32_t> maps;
+    if (!problem.any()) problem = keyMapsOf(arguments.keys, target.type, maps);
+    target.keys = arguments.keys;
+    return problem;
+}
+
+Problem chooseLayout(const Layout& layout, Target& target) {
     if (target.format == FormatText && layout.separator) target.format = FormatTab;
     target.options = DefaultTabOptions(target.format);
     if (target.format == FormatText && layout.any())
-        return {"'" + file + "' is lines of text, which have no header or footer.",
+        return {"'" + target.file + "' is lines of text, which have no header or footer.",
                 "--to-separator=C makes it delimited text.", WrongUsage};
     if (layout.separator) target.options.separatorchar = *layout.separator;
     target.options.numheaderrows = layout.headerRows.value_or(1);
@@ -169,10 +187,34 @@ Problem chooseTarget(const std::string& file, const Layout& layout, Target& targ
     return {};
 }
 
-Problem fitRows(const Target& target, bool replace, std::string_view columns, TableValue& table) {
-    ListDescriptor* const rows = TableRows(table.get());
-    const auto* const shape =
-        static_cast<const RecordDescriptor*>(static_cast<const void*>(At(rows->prototype)));
+}  // namespace
+
+Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target) {
+    target.file = file;
+    target.format = DataFormatOf(file);
+    if (arguments.toTable || target.format == FormatBinary) return chooseTable(arguments, target);
+    if (target.format == FormatUnknown)
+        return {"'" + file + "' cannot be written: its extension is none of csv, tab, txt, xml, dbf and bin.",
+                "The extension of the second file decides what is written; --to-table writes a table file "
+                "under any name.",
+                WrongUsage};
+    if (!arguments.keys.empty())
+        return {"'" + file + "' is no table file, so that --keys means nothing for it.",
+                "--to-table writes a table file.", WrongUsage};
+    const bool delimited = target.format == FormatComma || target.format == FormatTab;
+    if (delimited || target.format == FormatText) return chooseLayout(arguments.to, target);
+    if (arguments.to.any())
+        return {"'" + file + "' is " + (target.format == FormatXml ? "XML" : "an Xbase file") +
+                    ", which has no separator, header or footer.",
+                "Leave the --to-... options away.", WrongUsage};
+    target.options = DefaultTabOptions(target.format);
+    return {};
+}
+
+Problem fitRows(const Target& target, bool replace, std::string& columns, Rows& rows) {
+    if (target.format == FormatXbase) return fitXbase(replace, columns, rows);
+    if (target.format == FormatBinary) return {};
+    const RecordDescriptor* const shape = rows.shape();
     const std::int32_t fields = FieldCountOf(shape->kinds);
     if (target.format == FormatText && fields != 1)
         return {"There are " + std::to_string(fields) + " columns, and lines of text hold one.",
@@ -180,23 +222,45 @@ Problem fitRows(const Target& target, bool replace, std::string_view columns, Ta
     const Fitting fitting(target, replace, columns);
     Problem problem;
     for (std::int32_t n = 1; n <= fields && !problem.any(); ++n) problem = fitting.column(shape, n);
-    for (std::int32_t i = 1; i <= rows->count && !problem.any(); ++i)
-        problem = fitting.row(static_cast<RecordDescriptor*>(ListRef(rows, i)), i);
-    if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
+    rows.beginBatch();
+    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
+        RecordDescriptor* const row = rows.at(i);
+        if (row != nullptr) problem = fitting.row(row, i);
+        if (replace && !problem.any() && ErrorCell() == 0) rows.keep();
+        if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
+    }
     ClearError();
     return problem;
 }
 
-Problem saveRows(const Target& target, const TableValue& table) {
-    const Work work("writing " + target.file);
-    if (stopSignal() != 0) return {"Stopped.", "'" + target.file + "' is as it was."};
-    const TabResult result = SaveValue(target.file, target.format, target.options, 0, table.get(), KindTable);
-    ClearError();
-    if (result.stopped) return {"Stopped.", "'" + target.file + "' is as it was."};
-    if (result.code == 0) return {};
-    return {"File '" + target.file + "' cannot be written: " + ErrorMessage(result.code) + ".",
+Problem unwritable(const std::string& file, const std::string& why) {
+    return {"File '" + file + "' cannot be written: " + why + ".",
             "Look whether its folder is there and may be written, and whether the disk has room. The file is "
             "as it was."};
+}
+
+Problem stoppedAhead(const std::string& file) {
+    return {"Stopped.", "'" + file + "' is as it was."};
+}
+
+Problem OutFile::finish() {
+    if (stopSignal() != 0) return stopped();
+    const os::SaveResult saved = stream_.finish();
+    return saved.ok() ? Problem() : unwritable(file_, ErrorMessage(FileWriteCode(saved.error)));
+}
+
+Problem saveRows(const Target& target, std::string_view columns, Rows& rows) {
+    if (target.format == FormatXbase) return saveXbase(target, columns, rows);
+    if (target.format == FormatBinary) return saveTable(target, rows);
+    const Work work("writing " + target.file);
+    if (stopSignal() != 0) return stoppedAhead(target.file);
+    TabResult result;
+    if (!rows.endBatch()) result.code = ErrorCell();
+    if (result.code == 0)
+        result = SaveValue(target.file, target.format, target.options, 0, rows.table.get(), KindTable);
+    ClearError();
+    if (result.stopped) return stoppedAhead(target.file);
+    return result.code == 0 ? Problem() : unwritable(target.file, ErrorMessage(result.code));
 }
 
 }  // namespace tarn::data

@@ -29,9 +29,9 @@ TEST_F(TarnData, WrongUsageSaysWhatIsWrongAndHasTheStatusTwo) {
         {"info a.csv b.csv", "'b.csv' is one file too many."},
         {"convert a.csv", "The name of a file is missing."},
         {"convert a.csv b.csv c.csv", "'c.csv' is one file too many."},
-        {"convert a.csv b.dbf", "its extension is none of csv, tab, txt and xml"},
-        {"convert a.csv b", "its extension is none of csv, tab, txt and xml"},
-        {"convert missing.csv b", "its extension is none of csv, tab, txt and xml"},
+        {"convert a.csv b.doc", "its extension is none of csv, tab, txt, xml, dbf and bin"},
+        {"convert a.csv b", "its extension is none of csv, tab, txt, xml, dbf and bin"},
+        {"convert missing.csv b", "its extension is none of csv, tab, txt, xml, dbf and bin"},
         {"info --colour a.csv", "There is no option '--colour'."},
         {"info a.csv --header-rows", "The option '--header-rows' needs a value."},
         {"info a.csv --text=1", "The option '--text' takes no value."},
@@ -44,7 +44,7 @@ TEST_F(TarnData, WrongUsageSaysWhatIsWrongAndHasTheStatusTwo) {
         {"info a.csv '--separator=\"'", "It must be one character"},
         {"convert a.csv b.csv --to-separator=.", "It must be one character"},
         {"convert a.csv b.csv --to-separator=e", "It must be one character"},
-        {"info a.csv --replace", "'info' writes no file"},
+        {"info a.csv --replace", "'--replace' means nothing to 'info'"},
         {"info a.csv --to-separator=x", "cannot be the value"},
         {"convert a.csv b.xml --to-header-rows=1", "is XML, which has no separator, header or footer"},
         {"convert a.csv b.txt --to-header-rows=1", "--to-separator=C makes it delimited text"},
@@ -240,16 +240,22 @@ TEST_F(TarnData, AFileCanTakeItsOwnPlaceAndIsWrittenThroughALink) {
     EXPECT_TRUE(std::filesystem::is_symlink(dir / "link.csv"));
 }
 
-TEST_F(TarnData, MoreRowsThanAValueHoldsAreToldAndTheFirstOnesCanBeTaken) {
+// Rows that memory has no room for go through a file.
+TEST_F(TarnData, MoreRowsThanAValueHoldsAreConverted) {
     std::string text = "id,name\n";
     for (int i = 1; i <= 130000; ++i) text += std::to_string(i) + ",n\n";
     write("big.csv", text);
     EXPECT_EQ(tarnData("info big.csv"), Well) << errors;
     EXPECT_NE(output.find("\nrows: 130000\n"), std::string::npos) << output;
-    EXPECT_EQ(tarnData("convert big.csv b.csv"), Failed);
-    EXPECT_NE(errors.find("Memory block is too large.\nThe file has more rows than"), std::string::npos)
-        << errors;
-    EXPECT_FALSE(exists("b.csv"));
+    const std::string work = "mkdir -p work && TMPDIR=$PWD/work " + program() + " ";
+    for (const char* words : {"big.csv b.csv", "big.csv --text b.csv", "big.csv b.dbf", "b.dbf c.csv"}) {
+        EXPECT_EQ(shell(work + "convert " + words + " && ls work"), Well) << words << errors;
+        EXPECT_EQ(output, "") << words;
+    }
+    EXPECT_EQ(read("b.csv"), text);
+    EXPECT_EQ(read("c.csv"), text);
+    EXPECT_EQ(shell("TMPDIR=/none " + program() + " convert big.csv b.csv"), Failed);
+    EXPECT_NE(errors.find("choose a folder with more room with TMPDIR"), std::string::npos) << errors;
     EXPECT_EQ(tarnData("convert big.csv b.csv --max-rows=100000"), Well) << errors;
     EXPECT_EQ(read("b.csv"), text.substr(0, text.find("100001,")));
 }

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "os/savestream.h"
+
+#include "os/paths.h"
+#include "os/save_parts.h"
+
+#include <utility>
+
+namespace tarn::os {
+
+SaveStream::SaveStream(std::string path, Durability durability)
+    : path_(std::move(path)), durability_(durability) {}
+
+SaveStream::~SaveStream() {
+    try {
+        drop();
+    } catch (...) {  // the end of the process, in a test
+    }
+}
+
+void SaveStream::drop() {
+    if (handle_ >= 0) files().close(std::exchange(handle_, -1));
+    if (!temporary_.empty()) files().remove(std::exchange(temporary_, {}));
+}
+
+void SaveStream::write(std::string_view bytes) {
+    if (!ok()) return;
+    gathered_ += bytes;
+    if (gathersAll_ || gathered_.size() < SaveStreamBytes) return;
+    if (handle_ < 0 && !beginTemporary()) return;
+    flush();
+}
+
+// False: everything is gathered, or an error was found.
+bool SaveStream::beginTemporary() {
+    SaveTarget target;
+    error_ = findSaveTarget(path_, target);
+    gathersAll_ = ok() && (target.info.special || target.info.links > 1);
+    if (!ok() || gathersAll_) return false;
+    const bool replaces = target.info.exists;
+    NewFile made;
+    FileError error = makeUniqueFile(temporaryStart(target), TemporaryEnd,
+                                     replaces ? PrivateFileMode : UsualFileMode, made);
+    if (error == FileError::None) {
+        handle_ = made.handle;
+        temporary_ = made.path;
+        target_ = target.path;
+        if (replaces) error = takeOver(target.info, made.path);
+    }
+    if (error == FileError::None) return true;
+    drop();
+    gathersAll_ = error == FileError::Denied && replaces;
+    if (!gathersAll_) error_ = error;
+    return false;
+}
+
+void SaveStream::flush() {
+    error_ = files().write(handle_, written_, gathered_);
+    written_ += static_cast<std::int64_t>(gathered_.size());
+    gathered_.clear();
+    if (!ok()) drop();
+}
+
+SaveResult SaveStream::finish() {
+    if (ok() && handle_ < 0) return saveFile(path_, std::exchange(gathered_, {}), durability_);
+    if (ok()) flush();
+    if (ok()) {
+        error_ = finishFile(std::exchange(handle_, -1), durability_);
+        if (ok()) error_ = files().rename(temporary_, target_);
+        if (error_ == FileError::NotFound) error_ = FileError::Vanished;
+        if (ok()) temporary_.clear();
+        if (ok() && durability_ == Durability::Synced) error_ = files().syncFolder(folderOf(target_));
+    }
+    drop();
+    return {error_, false, {}};
+}
+
+}  // namespace tarn::os

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "toolchain/tarn_data_load.h"
+#include "kernel/adt.h"
+#include "kernel/data/progress.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/errors.h"
+#include "kernel/filevalues.h"
+#include "kernel/lists.h"
+#include "kernel/records.h"
+#include "kernel/runtime.h"
+#include "kernel/strings.h"
+#include "kernel/tables.h"
+#include "toolchain/tarn_data_files.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace tarn::data {
+
+Problem makeRows(std::string_view columns, bool exact, Rows& rows) {
+    const std::string fields = exact ? std::string(columns) : withoutLengths(columns);
+    RecordValue row;
+    if (makeRow(fields, row)) {
+        rows.table = TableValue();
+        TableInit(rows.table.get(), UNBOUNDED, row.get(), {}, fields, false);
+    }
+    const std::int32_t code = ErrorCell();
+    ClearError();
+    if (code == 0 && rows.table.get()->tag != 0) return {};
+    return {"The columns cannot be made: " + ErrorMessage(code != 0 ? code : std::int32_t{ERR_RECORD_TYPE}) +
+                ".",
+            "--text takes every column as text."};
+}
+
+bool fitsMemory(std::int64_t rows) {
+    return rows <= MaxBlock / KindSize[KindRecord];
+}
+
+Problem makeFileRows(std::string_view columns, Rows& rows) {
+    RowType type;
+    type.columns = columns;
+    rows.folder = std::make_unique<WorkFolder>();
+    const std::string name = rows.folder->path() + "/rows.~bin";
+    std::string why(os::describe(rows.folder->error()));
+    if (why.empty() && makeRow(columns, type.row) && makeFileTable(type, {}, rows.table))
+        FileOpen(rows.table.get(), KindTable, name);
+    if (why.empty() && ErrorCell() != 0) why = ErrorMessage(ErrorCell()) + ".";
+    ClearError();
+    if (why.empty()) return {};
+    return {"The rows cannot be kept in '" + name + "': " + why,
+            "There are more than memory holds; choose a folder with more room with TMPDIR."};
+}
+
+namespace {
+
+// Columns of text with the length of the longest line of a delimited file, where they have none of their own;
+// "" when a length cannot be told.
+std::string withLengths(const Source& source, std::string_view columns) {
+    std::string text;
+    std::int64_t longest = -1;
+    const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
+    for (std::int32_t n = 1; n <= lines; ++n) {
+        const TypeInfoElement element = TypeInfoParseLine(columns, n);
+        const bool open =
+            TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
+        if (open && source.format == FormatXml) return {};
+        if (open && longest < 0)
+            longest = std::clamp<std::int64_t>(longestLine(source.file), 1, std::int64_t{MaxTabLine});
+        text +=
+            open ? element.name + " : string[" + std::to_string(longest) + "]\n" : TypeInfoLine(columns, n);
+    }
+    return text;
+}
+
+// In memory when that has room.
+Problem makeRowsFor(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+    constexpr std::int64_t leastLine = 2;
+    const std::int64_t size = os::sizeOf(os::native(source.file));
+    const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
+    const std::string sized = fitsMemory(expected) ? std::string() : withLengths(source, columns);
+    const bool values = source.form != Source::Form::Rows;
+    return sized.empty() || values ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
+}
+
+std::string placeOf(const Source& source, std::int32_t row) {
+    if (row <= 0) return fileWord(source.file);
+    return fileWord(source.file) + (source.format == FormatXml ? "line " : "row ") + std::to_string(row) +
+           " ";
+}
+
+}  // namespace
+
+Problem loadProblem(const Source& source, const TabResult& result, const std::string& message) {
+    const std::string what = placeOf(source, result.row) +
+                             "cannot be read: " + (message.empty() ? ErrorMessage(result.code) : message) +
+                             ".";
+    switch (result.code) {
+    case ERR_BLOCK_TOO_LARGE:
+    case ERR_OUT_OF_MEMORY:
+        return {what, "The file has more rows than a value in memory holds; split it, or take the first ones "
+                      "with --max-rows."};
+    case ERR_STRING_CONVERSION:
+        return {what, "The row is longer than " + std::to_string(MaxTabLine) +
+                          " characters, or a text in it longer than its column is declared."};
+    case ERR_FILE_READ:
+    case ERR_FILE_VANISHED: return {what, "Look whether you may read it and whether it is still there."};
+    default: return {what, "Correct the file, or take every column as text with --text."};
+    }
+}
+
+namespace {
+
+Problem load(const Source& source, const TabOptions& options, void* value, Kind kind, TabResult& result) {
+    const Work work("reading " + source.file);
+    std::string message;
+    // Lines, too, go by the options here.
+    const DataFormat format = source.format == FormatText ? FormatTab : source.format;
+    result = LoadValue(source.file, format, options, value, kind, message);
+    ClearError();
+    if (result.stopped || stopSignal() != 0) return stoppedProblem();
+    return result.code == 0 ? Problem() : loadProblem(source, result, message);
+}
+
+bool isBlank(const RecordDescriptor* row) {
+    for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n) {
+        if (StringLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n))) > 0) return false;
+    }
+    return true;
+}
+
+// The columns were found in the rows up to the first empty line. Rows with content behind it would be read by
+// columns that do not know them.
+Problem checkEmptyLine(const Source& source, std::string_view columns) {
+    Rows texts;
+    TabResult result;
+    Problem problem = makeRowsFor(source, textColumns(columns), false, texts);
+    if (!problem.any()) problem = load(source, source.options, texts.table.get(), KindTable, result);
+    if (problem.any()) return problem;
+    for (std::int32_t i = source.rowsSeen + 1; i <= texts.count(); ++i) {
+        if (isBlank(texts.at(i))) continue;
+        return {placeOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
+                "Take the empty line out, or leave what follows it with --max-rows=" +
+                    std::to_string(source.rowsSeen) + " or --footer-rows."};
+    }
+    return {};
+}
+
+Problem loadDelimited(const Source& source, std::string_view columns, Rows& rows) {
+    TableDescriptor* const table = rows.table.get();
+    TabResult result;
+    TabOptions options = source.options;
+    const bool seen = source.rowsSeen >= 0;
+    Problem problem;
+    if (!seen) return load(source, options, table, KindTable, result);
+    const auto more =
+        options.maxdatarows < 0 ? source.rowsSeen + 1 : std::min(options.maxdatarows, source.rowsSeen + 1);
+    options.maxdatarows = more;
+    problem = load(source, options, table, KindTable, result);
+    const bool further = result.row > source.rowsSeen || result.rows > source.rowsSeen;
+    if (!further) return problem;
+    problem = checkEmptyLine(source, columns);
+    options.maxdatarows = source.rowsSeen;
+    return problem.any() ? problem : load(source, options, table, KindTable, result);
+}
+
+// The values of a list become rows of one field.
+Problem loadValues(const Source& source, Rows& rows, RecordValue& row) {
+    ListValue list;
+    TabResult result;
+    const Kind kind = RecordFieldKind(row.get(), 1);
+    void* const field = RecordFieldAddress(row.get(), 1);
+    ListInit(list.get(), UNBOUNDED, IsAdtKind(kind) ? field : nullptr, kind, false);
+    const Problem problem = load(source, source.options, list.get(), KindList, result);
+    for (std::int32_t i = 1; i <= list.get()->count && !problem.any() && ErrorCell() == 0; ++i) {
+        if (IsAdtKind(kind))
+            AdtCopy(ListRef(list.get(), i), field, kind);
+        else
+            std::memcpy(field, ListRef(list.get(), i), static_cast<std::size_t>(KindSize[kind]));
+        rows.add(row.get());
+    }
+    return problem;
+}
+
+Problem loadSingle(const Source& source, Rows& rows, RecordValue& row) {
+    TabResult result;
+    const Problem problem = load(source, source.options, row.get(), KindRecord, result);
+    if (!problem.any()) rows.add(row.get());
+    return problem;
+}
+
+// What is no list of records, row by row.
+Problem loadOtherForm(const Source& source, Rows& rows) {
+    RecordValue row;
+    AdtInit(row.get(), rows.shape(), KindRecord);
+    const Problem problem =
+        source.form == Source::Form::Values ? loadValues(source, rows, row) : loadSingle(source, rows, row);
+    TabResult result;
+    result.code = ErrorCell();
+    ClearError();
+    return problem.any() || result.code == 0 ? problem : loadProblem(source, result, {});
+}
+
+}  // namespace
+
+Problem identifyTexts(Source& source, const DataFileInfo& info) {
+    TabOptions header = source.options;
+    header.maxdatarows = 0;
+    std::string names = TabDiscover(source.file, header, MaxTypeInfo).typeText, all;
+    TypeInfoStripOuter(names, MaxTypeInfo);
+    const std::size_t named = columnNames(names).size();
+    for (std::size_t n = 1; n <= std::size_t{MaxTabColumns}; ++n)
+        all += n <= named ? TypeInfoLine(names, static_cast<std::int32_t>(n))
+                          : "FIELD" + std::to_string(n) + " : string\n";
+    source.format = info.format;
+    source.columns = textColumns(all);
+    Rows rows;
+    TabResult result;
+    Problem problem = makeRows(source.columns, false, rows);
+    if (!problem.any()) problem = load(source, source.options, rows.table.get(), KindTable, result);
+    if (problem.any()) return problem;
+    std::size_t used = named;
+    for (std::int32_t i = 1; i <= rows.count(); ++i) {
+        const RecordDescriptor* const row = rows.at(i);
+        if (isBlank(row)) continue;
+        source.rowsSeen = i;
+        for (std::size_t n = used + 1; n <= std::size_t{MaxTabColumns}; ++n) {
+            const void* const cell = RecordFieldAddress(row, static_cast<std::int32_t>(n));
+            if (StringLength(static_cast<const StringDescriptor*>(cell)) > 0) used = n;
+        }
+    }
+    std::size_t end = 0;
+    for (std::size_t n = 0; n < used; ++n) end = source.columns.find('\n', end) + 1;
+    source.columns.resize(end);
+    return {};
+}
+
+Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+    if (source.format == FormatBinary) return loadTable(source, columns, rows);
+    Problem problem = makeRowsFor(source, columns, exact, rows);
+    if (problem.any()) return problem;
+    if (source.format == FormatXbase) return loadXbase(source, rows);
+    if (isDelimitedForm(source.format)) return loadDelimited(source, columns, rows);
+    if (source.form != Source::Form::Rows) return loadOtherForm(source, rows);
+    TabResult result;
+    return load(source, source.options, rows.table.get(), KindTable, result);
+}
+
+}  // namespace tarn::data
