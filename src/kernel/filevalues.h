@@ -22,8 +22,9 @@
 //
 // A row is committed when its operation has returned, as far as the death of the process goes; FileClose
 // brings the file to the disk, against the death of the machine. After a death in the middle of an operation
-// the rows are whole, but for a torn last one (655 on opening) or a last one that stands twice, while an
-// index may be behind: RebuildTableFile mends all of that.
+// the rows are whole, but for a torn last one or a note of one that was being written over (655 on opening),
+// or a last one that stands twice, while an index may be behind: RebuildTableFile (tables_file.h) mends all
+// of that.
 #pragma once
 
 #include "kernel/values.h"

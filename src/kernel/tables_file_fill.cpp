@@ -10,11 +10,16 @@ namespace tarn {
 
 namespace {
 
+// How many rows are entered before nodes are written: so many that those near the root are read seldom, and
+// so few that memory does not notice them.
+std::int32_t rowsPerCommit(std::int32_t recordSize) {
 #ifdef TARNWICK_TINY
-constexpr std::int32_t rowsPerCommit = 5;
+    constexpr std::int32_t least = 5, most = 5, bytes = 1;
 #else
-constexpr std::int32_t rowsPerCommit = 4000;
+    constexpr std::int32_t least = 100, most = 16000, bytes = 4 << 20;
 #endif
+    return std::clamp(bytes / recordSize, least, most);
+}
 
 }  // namespace
 
@@ -30,7 +35,9 @@ bool RowProgress::step() {
 }
 
 bool IndexFill::open(const std::string& path) {
-    return tree_.open(path, IndexKeyShape(header_, index_), os::OpenMode::ReadWrite);
+    const KeyView shape = IndexKeyShape(header_, index_);
+    rowsPerCommit_ = rowsPerCommit(IndexRecordSize(shape));
+    return tree_.open(path, shape, os::OpenMode::ReadWrite);
 }
 
 Filled IndexFill::insert(const RecordDescriptor& row, std::int32_t number) {
@@ -60,7 +67,7 @@ Filled IndexFill::run(ListReader& rows, std::int32_t first, std::int32_t last, R
         if (result == Filled::Duplicate && !tree_.commit()) return Filled::Failed;
         if (result != Filled::Whole) return result;
         if (progress != nullptr && !progress->step()) return Filled::Stopped;
-        if (number % rowsPerCommit == 0 && !tree_.commit()) return Filled::Failed;
+        if (number % rowsPerCommit_ == 0 && !tree_.commit()) return Filled::Failed;
     }
     return tree_.commit() ? Filled::Whole : Filled::Failed;
 }

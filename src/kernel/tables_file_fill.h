@@ -44,7 +44,7 @@ private:
     std::int32_t index_;
     FileTree tree_;
     DuplicateKey duplicate_;
-    std::int32_t badRow_ = 0;
+    std::int32_t badRow_ = 0, rowsPerCommit_ = 1;
 };
 
 }  // namespace tarn
