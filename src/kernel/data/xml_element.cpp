@@ -26,10 +26,6 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
     return true;
 }
 
-bool startsWithIgnoringCase(std::string_view text, std::string_view lower) {
-    return equalsIgnoringCase(text.substr(0, lower.size()), lower);
-}
-
 // The text with its references expanded; what has none is not copied.
 std::string_view expand(XmlReader& reader, std::string_view text, std::string& buffer) {
     std::size_t mark = text.find('&');
@@ -75,8 +71,8 @@ public:
     // The type text of the element `name`, from the fields alone.
     [[nodiscard]] std::string typeText(std::string_view name) const {
         if (count_ == 0) return {};
-        const bool record = startsWithIgnoringCase(result_.typeAttribute, "record") ||
-                            startsWithIgnoringCase(result_.typeAttribute, "union");
+        const bool record = equalsIgnoringCase(result_.typeAttribute, "record") ||
+                            equalsIgnoringCase(result_.typeAttribute, "union");
         if (count_ == 1 && !record)
             return TypeInfoValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
         return std::string(name) + " : record\n" + found_->fields + "end record\n";

@@ -34,17 +34,21 @@ bool isOneLine(std::string_view text) {
     return text.find('\n') + 1 == text.size();
 }
 
-// What a `type` attribute says takes the place of what was found in a single element. Types that hold others
-// are never left without their end.
+// What a `type` attribute says takes the place of what was found in a single element, if it is a type of this
+// system: other files have an attribute of that name for words of their own. Types that hold others are never
+// left without their end.
 void applyTypeAttribute(std::string& text, std::string_view name, std::string_view attribute) {
     if (!text.empty() && !isOneLine(text)) return;
     const std::string lower = lowerCase(attribute);
     const TypeInfoElement element = TypeInfoParseLine(std::string("x : ").append(attribute), 1);
-    if (lower.starts_with("list") || lower.starts_with("table")) {
+    const std::string type = lowerCase(element.typeName);
+    const std::int32_t kind = TypeInfoKind(type);
+    const bool many = lower.starts_with("list") || lower.starts_with("table");
+    if (kind == KindList || type == "table" || (many && text.empty())) {
         text = block(name, "list", "component : Any\n");
-    } else if (lower == "record" || lower == "union") {
-        text = block(name, lower, "");
-    } else if (!element.typeName.empty()) {
+    } else if (kind == KindRecord || kind == KindUnion) {
+        text = block(name, type, "");
+    } else if (IsValueKind(kind)) {
         text.clear();
         TypeInfoAppendLine(text, MaxXmlTypeText, name, element.typeName, element.bounds);
     }

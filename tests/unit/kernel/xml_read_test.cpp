@@ -109,6 +109,26 @@ TEST_F(XmlReadTest, TheAttributesTypeAndIndexAreNoFields) {
          "l : record\n\ti : record\n\t\tx : integer\n\tend record\nend record\n"},
         {"<l><i type=\"??\">1</i></l>", "l : record\n\ti : integer\nend record\n"},
         {"<l><i type=\"\">1</i></l>", "l : record\n\ti : integer\nend record\n"},
+        {"<l><i type=\"integer\">abc</i></l>", "l : record\n\ti : integer\nend record\n"},
+        {"<l><i type=\"Tdatetime[24]\"/></l>", "l : record\n\ti : Tdatetime[24]\nend record\n"},
+        {"<l><i type=\"UNION\"/></l>", "l : record\n\ti : union\n\tend union\nend record\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
+}
+
+TEST_F(XmlReadTest, WordsThatAreNoTypesChangeNothing) {
+    const Case cases[] = {
+        {"<c><phone type=\"mobile\">1</phone><phone type=\"home\">2</phone></c>",
+         "c : list\n\tphone : integer\nend list\n"},
+        {"<l><p type=\"mobile\">1</p><q>ab</q></l>",
+         "l : record\n\tp : integer\n\tq : string[2]\nend record\n"},
+        {"<l><p type=\"adt\">1</p></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"adt\" x=\"1\" y=\"2\"/></l>",
+         "l : record\n\tp : record\n\t\tx : integer\n\t\ty : integer\n\tend record\nend record\n"},
+        {"<l><p type=\"records\" x=\"1\"/></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"listing\">1</p></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"end record\">1</p></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"integer of some\">x</p></l>", "l : record\n\tp : integer\nend record\n"},
     };
     for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
 }
