@@ -30,6 +30,11 @@ std::string block(std::string_view name, std::string_view type, std::string_view
     return text.append("end ").append(type).append("\n");
 }
 
+// Fields are bound by their number, so one that holds nothing has its line too.
+std::string fieldText(std::string_view name, std::string_view text) {
+    return text.empty() ? std::string(name).append(" : Any\n") : std::string(text);
+}
+
 bool isOneLine(std::string_view text) {
     return text.find('\n') + 1 == text.size();
 }
@@ -70,7 +75,7 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
         return XmlReport(reader, ERR_XML_DATA,
                          "Element '" + std::string(child) + "' occurred multiple times in the record '" +
                              std::string(parent) + "'");
-    if (text_.size() <= most) text_.append(text);
+    if (text_.size() <= most) text_.append(fieldText(child, text));
 }
 
 void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text) {
@@ -100,6 +105,7 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
     }
     if (children_ == 2) {
         list_ = child == first_;
+        if (!list_) text_ = fieldText(first_, text_);
         names_.insert(lowerCase(first_));
     }
     if (list_)
@@ -110,7 +116,7 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
 
 std::string XmlTypes::finish(std::string_view name, std::string_view text) const {
     if (children_ == 0) return TypeInfoValueLine(text, name, {}, {});
-    return block(name, list_ ? "list" : "record", text_);
+    return list_ ? block(name, "list", text_) : block(name, "record", fieldText(first_, text_));
 }
 
 }  // namespace tarn

@@ -46,15 +46,20 @@ TEST_F(XmlReadTest, TheStructureOfSingleElementsIsTheTypeOfTheirText) {
 TEST_F(XmlReadTest, TwoChildrenOfOneNameMakeAListAndOthersARecord) {
     const Case cases[] = {
         {"<a><b/><b/></a>", "a : list\nend list\n"},
-        {"<a><b/><c/></a>", "a : record\nend record\n"},
-        {"<a><b/></a>", "a : record\nend record\n"},
+        {"<a><b/><c/></a>", "a : record\n\tb : Any\n\tc : Any\nend record\n"},
+        {"<a><b/></a>", "a : record\n\tb : Any\nend record\n"},
         {"<a><b>1</b></a>", "a : record\n\tb : integer\nend record\n"},
         {"<a><b>1</b><c>x</c></a>", "a : record\n\tb : integer\n\tc : string[1]\nend record\n"},
         {"<list><item>1</item><item>x</item></list>", "list : list\n\titem : string[40]\nend list\n"},
         {"<l><i>1</i><i>2.5</i><i>3</i></l>", "l : list\n\ti : fixed\nend list\n"},
         {"<l><i>ab</i><i>abcd</i><i>a</i></l>", "l : list\n\ti : string[4]\nend list\n"},
         {"<l><i/><i>5</i><i/></l>", "l : list\n\ti : integer\nend list\n"},
-        {"<r><a/><b>5</b><c/></r>", "r : record\n\tb : integer\nend record\n"},
+        {"<r><a/><b>5</b><c/></r>", "r : record\n\ta : Any\n\tb : integer\n\tc : Any\nend record\n"},
+        {"<l><r><x/><y/></r><r><x>1</x><y/></r></l>",
+         "l : list\n\tr : record\n\t\tx : integer\n\t\ty : Any\n\tend record\nend list\n"},
+        {"<l><r><x/><y>1</y></r><r><x><i>1</i><i>2</i></x><y>2</y></r></l>",
+         "l : list\n\tr : record\n\t\tx : list\n\t\t\ti : integer\n\t\tend list\n\t\ty : integer\n"
+         "\tend record\nend list\n"},
         {"<r><a/><a>1</a><a>2</a></r>", "r : list\n\ta : integer\nend list\n"},
         {"<t><r><x>1</x><y>a</y></r><r><x>2</x><y>abc</y></r></t>",
          "t : list\n\tr : record\n\t\tx : integer\n\t\ty : string[3]\n\tend record\nend list\n"},
