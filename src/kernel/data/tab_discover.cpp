@@ -5,6 +5,7 @@
 // speed of its cells.
 #include "kernel/data/tab_rows.h"
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/errors.h"
 
 #include <algorithm>
@@ -67,13 +68,6 @@ std::size_t cellsLeft(TabCells& cells) {
     return count;
 }
 
-// More decimals than a fixed number keeps.
-bool hasManyDecimals(std::string_view cell) {
-    constexpr std::size_t ownDecimals = 4;
-    const std::size_t point = cell.find('.');
-    return point != std::string_view::npos && cell.size() - point - 1 > ownDecimals;
-}
-
 // What the lines of one column say of its numbers.
 enum class Number { None, Integer, Fixed, Real };
 
@@ -134,9 +128,7 @@ private:
     std::string lineOf(std::string_view cell, bool quoted, std::size_t column) {
         if (!quoted) cell = cell.substr(0, cell.find_last_not_of(' ') + 1);
         const std::string& name = nameOf(column);
-        if (hasManyDecimals(cell) && TypeInfoGuessValue(cell, nullWord).kind == ValueClass::Fixed)
-            return name + " : real\n";
-        return TypeInfoValueLine(cell, name, nullWord, name + " : Any");
+        return DataValueLine(cell, name, nullWord, name + " : Any");
     }
     bool take(std::vector<std::string>& lines) {
         lines_.swap(lines);

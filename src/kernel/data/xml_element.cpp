@@ -2,6 +2,7 @@
 //
 // The tags of an element and its attributes.
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
 #include "kernel/records.h"
@@ -74,7 +75,7 @@ public:
         const bool record = equalsIgnoringCase(result_.typeAttribute, "record") ||
                             equalsIgnoringCase(result_.typeAttribute, "union");
         if (count_ == 1 && !record)
-            return TypeInfoValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
+            return DataValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
         return std::string(name) + " : record\n" + found_->fields + "end record\n";
     }
 
@@ -118,7 +119,7 @@ private:
         if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
         if (count_ == 1) found_->firstValue = value;
         XmlAppendDeeper(found_->fields,
-                        TypeInfoValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
+                        DataValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
     }
 
     struct Found {

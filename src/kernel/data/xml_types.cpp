@@ -4,11 +4,13 @@
 // list, two of different names a record. Names, not texts, are compared: an element that holds nothing has no
 // text but still is the first of a list.
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace tarn {
 
@@ -37,6 +39,58 @@ std::string fieldText(std::string_view name, std::string_view text) {
 
 bool isOneLine(std::string_view text) {
     return text.find('\n') + 1 == text.size();
+}
+
+// ---- fixed and real ----
+
+// The lines of a declaration, each with the names of the elements around it and its own.
+template <class Visit>
+void eachLine(std::string_view text, Visit visit) {
+    std::vector<std::size_t> ends;  // of the names, by their depth
+    std::string path;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
+        text.remove_prefix(line.size());
+        const TypeInfoElement element = TypeInfoParseLine(line, 1);
+        ends.resize(static_cast<std::size_t>(element.indent), path.size());
+        path.resize(ends.empty() ? 0 : ends.back());
+        path.append("/").append(element.name);
+        ends.push_back(path.size());
+        visit(line, element, path);
+    }
+}
+
+using Paths = std::unordered_set<std::string>;
+
+Paths realsOf(std::string_view text) {
+    Paths reals;
+    eachLine(text, [&](std::string_view, const TypeInfoElement& element, const std::string& path) {
+        if (element.typeName == "real") reals.insert(path);
+    });
+    return reals;
+}
+
+void makeReal(std::string& text, const Paths& reals) {
+    std::string made;
+    eachLine(text, [&](std::string_view line, const TypeInfoElement& element, const std::string& path) {
+        if (element.typeName == "fixed" && reals.count(path) != 0)
+            made.append(static_cast<std::size_t>(element.indent), '\t').append(element.name + " : real\n");
+        else
+            made.append(line);
+    });
+    text = std::move(made);
+}
+
+bool mayBeReal(std::string_view fixed, std::string_view real) {
+    return fixed.find(" : fixed\n") != std::string_view::npos &&
+           real.find(" : real\n") != std::string_view::npos;
+}
+
+// Numbers of few and of many decimals are one kind of number: where one of two declarations says fixed and
+// the other real, both become real.
+void alignReals(std::string& a, std::string& b) {
+    if (mayBeReal(a, b)) makeReal(a, realsOf(b));
+    if (mayBeReal(b, a)) makeReal(b, realsOf(a));
 }
 
 // What a `type` attribute says takes the place of what was found in a single element, if it is a type of this
@@ -80,9 +134,9 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
 
 void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text) {
     if (text.empty() || text == last_ || broken_) return;
-    std::string report;
-    std::string merged =
-        text_.empty() ? std::string(text) : TypeInfoMerge(text_, text, MaxXmlTypeText + 2, report);
+    std::string report, merged(text);
+    alignReals(text_, merged);
+    if (!text_.empty()) merged = TypeInfoMerge(text_, merged, MaxXmlTypeText + 2, report);
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();
@@ -115,7 +169,7 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
 }
 
 std::string XmlTypes::finish(std::string_view name, std::string_view text) const {
-    if (children_ == 0) return TypeInfoValueLine(text, name, {}, {});
+    if (children_ == 0) return DataValueLine(text, name, {}, {});
     return list_ ? block(name, "list", text_) : block(name, "record", fieldText(first_, text_));
 }
 

@@ -72,6 +72,25 @@ TEST_F(XmlReadTest, TwoChildrenOfOneNameMakeAListAndOthersARecord) {
     for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
 }
 
+TEST_F(XmlReadTest, MoreDecimalsThanAFixedNumberKeepsAreReal) {
+    const Case cases[] = {
+        {"<a>52.520008</a>", "a : real\n"},
+        {"<a>\n 52.5200 </a>", "a : fixed\n"},
+        {"<a x='52.520008'/>", "a : real\n"},
+        {"<a x='1.5' y='52.520008'/>", "a : record\n\tx : fixed\n\ty : real\nend record\n"},
+        {"<a>2020-01-31 10:00:00.0000</a>", "a : Tdatetime[24]\n"},
+        {"<a>1.2.34567</a>", "a : string[9]\n"},
+        {"<l><v>1.5</v><v>1.234567</v><v>2</v></l>", "l : list\n\tv : real\nend list\n"},
+        {"<l><v>1.234567</v><v>1.5</v></l>", "l : list\n\tv : real\nend list\n"},
+        {"<l><p><x>1.5</x><y>1.5</y></p><p><x>2.5</x><y>1.23456</y></p><p><x>3.5</x><y>9.5</y></p></l>",
+         "l : list\n\tp : record\n\t\tx : fixed\n\t\ty : real\n\tend record\nend list\n"},
+        {"<l><p><q><v>1.5</v></q><v>1.23456</v></p><p><q><v>1.5</v></q><v>2.5</v></p></l>",
+         "l : list\n\tp : record\n\t\tq : record\n\t\t\tv : fixed\n\t\tend record\n\t\tv : real\n"
+         "\tend record\nend list\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
+}
+
 TEST_F(XmlReadTest, AttributesAreFieldsUnlessContentSaysMore) {
     const Case cases[] = {
         {"<a x=\"1\"/>", "a : integer\n"},
