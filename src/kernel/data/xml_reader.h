@@ -263,13 +263,13 @@ public:
 
 private:
     void addField(XmlReader& reader, std::string_view parent, std::string_view child, std::string_view text);
-    void addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text);
+    void addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text);
 
     std::int32_t children_ = 0;
     bool list_ = false, broken_ = false;     // broken: elements of the list differ
     std::string first_;                      // the name of the first child
     std::string text_;                       // of the fields, or of the element of the list; no indent
-    std::string last_;                       // what the list took last
+    std::unordered_set<std::string> seen_;   // some of the elements that the text fits already
     std::unordered_set<std::string> names_;  // of the fields, in lower case
 };
 

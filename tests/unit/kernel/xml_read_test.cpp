@@ -2,6 +2,7 @@
 #include "kernel/data/xml_entities.h"
 #include "unit/kernel/xml_fixture.h"
 
+#include <chrono>
 #include <memory>
 #include <random>
 
@@ -386,6 +387,29 @@ TEST_F(XmlReadTest, TextsAreLimited) {
 TEST_F(XmlReadTest, BlanksBetweenManyElementsAreNoText) {
     const std::string rows = repeated("\n                    <b>1</b>", 10000);
     EXPECT_EQ(structure("<a>" + rows + "\n</a>"), "a : list\n\tb : integer\nend list\n");
+}
+
+// Merging each of these rows would take the time of 1200 lines.
+TEST_F(XmlReadTest, RowsOfAFewShapesAreMergedOnce) {
+    std::string wide, rows;
+    for (int i = 0; i < 1200; ++i) wide += "<f" + std::to_string(i) + ">1</f" + std::to_string(i) + ">\n";
+    for (int i = 0; i < 30000; ++i)
+        rows += "<r><f" + std::to_string(i % 50) + ">1</f" + std::to_string(i % 50) + "></r>\n";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(structure("<l><r>" + wide + "</r>\n" + rows + "</l>").substr(0, 9), "l : list\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST_F(XmlReadTest, MoreShapesThanAreRememberedAreMergedStill) {
+    std::string wide, rows, expected = "l : list\n\tr : record\n";
+    for (int i = 0; i < 250; ++i) {
+        const std::string name = "f" + std::to_string(i);
+        wide += "<" + name + ">x</" + name + ">";
+        rows += "<r><" + name + ">xy</" + name + "></r>";
+        expected += "\t\t" + name + " : string[2]\n";
+    }
+    EXPECT_EQ(structure("<l><r>" + wide + "</r>" + repeated(rows + "\n", 2) + "</l>"),
+              expected + "\tend record\nend list\n");
 }
 
 // ---- errors of structures ----
