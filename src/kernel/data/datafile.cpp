@@ -19,6 +19,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t headBytes = 4;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";  // of UTF-8
 constexpr std::int32_t rowsWithoutOptions = 100;
 constexpr const char* noInformation = "Data File information cannot be obtained";
 
@@ -39,8 +40,8 @@ std::string fileWord(const std::string& filename) {
 
 // ---- the first bytes ----
 
-// The bytes that are there, at most four; the failure of the reading.
-os::FileError readHead(const std::string& filename, std::string& head) {
+// The bytes that are there, at most four behind a byte order mark; the failure of the reading.
+os::FileError readStart(const std::string& filename, std::string& start) {
     const std::string path = os::native(filename);
     os::FileInfo info;
     os::FileError error = os::files().info(path, info);
@@ -49,11 +50,11 @@ os::FileError readHead(const std::string& filename, std::string& head) {
     os::Handle handle = -1;
     if (error == os::FileError::None) error = os::files().open(path, os::OpenMode::Read, 0, handle);
     if (error != os::FileError::None) return error;
-    head.resize(headBytes);
+    start.resize(byteOrderMark.size() + headBytes);
     std::size_t got = 0;
-    error = os::files().read(handle, 0, head.data(), head.size(), got);
+    error = os::files().read(handle, 0, start.data(), start.size(), got);
     os::files().close(handle);
-    head.resize(got);
+    start.resize(got);
     return error;
 }
 
@@ -62,10 +63,11 @@ bool isLocked(os::FileError error) {
     return error == os::FileError::Denied || error == os::FileError::ReadFailed;
 }
 
-bool looksLikeXml(std::string_view head) {
+bool looksLikeXml(std::string_view start) {
     constexpr std::string_view marks = "_:!?";
-    return head.size() >= 2 && head[0] == '<' &&
-           (isLetter(head[1]) || marks.find(head[1]) != std::string_view::npos);
+    if (start.starts_with(byteOrderMark)) start.remove_prefix(byteOrderMark.size());
+    return start.size() >= 2 && start[0] == '<' &&
+           (isLetter(start[1]) || marks.find(start[1]) != std::string_view::npos);
 }
 
 bool looksLikeXbase(std::string_view head) {
@@ -141,15 +143,16 @@ void readTableFile(const std::string&, DataFormat format, DataFileInfo& info) {
 }
 
 void readFile(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
-    std::string head;
-    const os::FileError error = readHead(filename, head);
+    std::string start;
+    const os::FileError error = readStart(filename, start);
+    const std::string_view head = std::string_view(start).substr(0, headBytes);
     const bool nothing = std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; });
     if (isLocked(error)) {
         info.message =
             fileWord(filename) + "cannot be opened, it is currently locked by another application.";
     } else if (error != os::FileError::None || nothing) {
         info.message = fileWord(filename) + "is invalid, does not exist or is empty.";
-    } else if (looksLikeXml(head)) {
+    } else if (looksLikeXml(start)) {
         info.format = FormatXml;
         readXml(filename, info);
     } else if (looksLikeXbase(head)) {

@@ -129,6 +129,19 @@ TEST_F(DataFiles, XmlGivesItsColumns) {
     EXPECT_NE(broken.find(" (Line 1, Position "), std::string::npos) << broken;
 }
 
+TEST_F(DataFiles, XmlMayBeginWithAByteOrderMarkButNotWithBlanks) {
+    const std::string rows = "<l><r><a>1</a></r><r><a>2</a></r></l>";
+    EXPECT_EQ(message("\xEF\xBB\xBF" + rows), "");
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).typeText, "a : integer\n");
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).format, FormatXml);
+    EXPECT_EQ(message(" " + rows), "File '/d/f' is an unknown file type (first four bytes = 20 3C 6C 3E).");
+    EXPECT_EQ(message("\xEF\xBB\xBF"
+                      "a,b\n"),
+              "File '/d/f' is an unknown file type (first four bytes = EF BB BF 61).");
+    EXPECT_EQ(message("\xEF\xBB\xBF<5"),
+              "File '/d/f' is an unknown file type (first four bytes = EF BB BF 3C).");
+}
+
 TEST_F(DataFiles, XmlHoldsWholeValues) {
     Typed list("x : list\n\ti : integer\nend list\n");
     std::string words;
