@@ -102,12 +102,16 @@ std::string hexPairs(std::string_view bytes) {
 
 // ---- the kinds of file ----
 
+std::string placeOf(const ErrorRecord& error) {
+    if (error.line == 0) return {};
+    return " (Line " + std::to_string(error.line) + ", Position " + std::to_string(error.position) + ")";
+}
+
 void readXml(const std::string& filename, DataFileInfo& info) {
     const ErrorRecord error = XmlRead(filename, 0, nullptr, KindNone, &info.typeText, MaxTypeInfo);
     info.typeText = TypeInfoFixAny(info.typeText);
     if (!error.message.empty())
-        info.message = error.message + " (Line " + std::to_string(error.line) + ", Position " +
-                       std::to_string(error.position) + ")";
+        info.message = error.message + placeOf(error);
     else if (info.typeText.empty())
         info.message = fileWord(filename) + "contains no XML data apart from the outermost element.";
     if (!TypeInfoIsPath(info.typeText, "/record/list/record") &&

@@ -142,6 +142,12 @@ TEST_F(DataFiles, XmlMayBeginWithAByteOrderMarkButNotWithBlanks) {
               "File '/d/f' is an unknown file type (first four bytes = EF BB BF 3C).");
 }
 
+TEST_F(DataFiles, WhatHasNoPlaceInAFileIsToldWithoutOne) {
+    files_.put("/d/f", "<a><b>1</b><c>2</c></a>");
+    files_.failAt(os::FileCall::Read, 2, os::FileError::ReadFailed);
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).message, "Cannot read from file");
+}
+
 TEST_F(DataFiles, XmlHoldsWholeValues) {
     Typed list("x : list\n\ti : integer\nend list\n");
     std::string words;
