@@ -194,6 +194,9 @@ bool isListOrTable(std::string_view typeName) {
 bool isRecord(std::string_view typeName) {
     return isWord(typeName, "record");
 }
+bool isUnion(std::string_view typeName) {
+    return isWord(typeName, "union");
+}
 
 void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view)) {
     const std::int32_t last = opens(TypeInfoParseLine(text, 1).typeName) ? closingLine(text) : 0;
@@ -209,7 +212,8 @@ std::string nestedColumn(std::string_view text) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
         if (element.indent != 0 || element.isEnd()) continue;
         ++column;
-        if (!isRecord(element.typeName) && !isListOrTable(element.typeName)) continue;
+        const std::string& type = element.typeName;
+        if (!isRecord(type) && !isUnion(type) && !isListOrTable(type)) continue;
         return "Column number " + std::to_string(column) + " \"" + element.name +
                "\" contains a nested record - columns cannot contain nested data";
     }

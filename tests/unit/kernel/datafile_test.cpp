@@ -121,6 +121,8 @@ TEST_F(DataFiles, XmlGivesItsColumns) {
     EXPECT_EQ(info.typeText, "a : integer\nb : string[2]\n");
     EXPECT_EQ(message("<data><a>1</a><b><c>1</c><d>2</d></b></data>"),
               "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
+    EXPECT_EQ(message("<data><a>1</a><b type='union'></b><c>2</c></data>"),
+              "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
     EXPECT_EQ(message("<data/>"), "File '/d/f' contains no XML data apart from the outermost element.");
     files_.put("/d/f", "<l><r><a>1</a><b/><c>x</c></r><r><a>2</a><b/><c>y</c></r></l>");
     EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).typeText, "a : integer\nb : string[1024]\nc : string[1]\n")
