@@ -50,6 +50,7 @@ bool isWholeFailure(std::int32_t code) {
 std::string remarkOn(const TabResult& result, const std::string& message) {
     const std::string text = (message.empty() ? failureText(result.code) : message) +
                              "\nValues that could not be read are shown as 0, or cut.";
+    if (result.line > 0) return "Line " + STR(result.line) + ": " + text;
     return result.row < 1 ? text : "Row " + STR(result.row) + ": " + text;
 }
 

@@ -275,14 +275,16 @@ Problem makeTable(std::string_view columns, TableValue& table) {
             "--text takes every column as text."};
 }
 
-std::string placeOf(const Source& source, std::int32_t row) {
-    if (row <= 0) return fileWord(source.file);
-    return fileWord(source.file) + (source.format == FormatXml ? "line " : "row ") + std::to_string(row) +
-           " ";
+std::string rowOf(const Source& source, std::int32_t row) {
+    return fileWord(source.file) + "row " + std::to_string(row) + " ";
+}
+std::string placeOf(const Source& source, const TabResult& result) {
+    if (result.line > 0) return fileWord(source.file) + "line " + std::to_string(result.line) + " ";
+    return result.row > 0 ? rowOf(source, result.row) : fileWord(source.file);
 }
 
 Problem loadProblem(const Source& source, const TabResult& result, const std::string& message) {
-    const std::string what = placeOf(source, result.row) +
+    const std::string what = placeOf(source, result) +
                              "cannot be read: " + (message.empty() ? ErrorMessage(result.code) : message) +
                              ".";
     switch (result.code) {
@@ -327,7 +329,7 @@ Problem checkEmptyLine(const Source& source, std::string_view columns) {
     const ListDescriptor* const rows = TableRows(texts.get());
     for (std::int32_t i = source.rowsSeen + 1; i <= rows->count; ++i) {
         if (isBlank(static_cast<const RecordDescriptor*>(ListRef(rows, i)))) continue;
-        return {placeOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
+        return {rowOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
                 "Take the empty line out, or leave what follows it with --max-rows=" +
                     std::to_string(source.rowsSeen) + " or --footer-rows."};
     }

@@ -301,7 +301,7 @@ TabResult fromXml(const XmlResult& xml, std::string& message) {
     message = xml.error.message;
     TabResult result;
     result.code = xml.error.code;
-    result.row = xml.error.line;
+    result.line = xml.error.line;
     result.rows = xml.count;
     result.stopped = xml.stopped;
     return result;

@@ -47,6 +47,7 @@ struct TabResult {
     std::int32_t row = 0;   // of the first failure, from 1
     std::int32_t rows = 0;  // read or written
     bool stopped = false;   // by progress.h: the value is as it was
+    std::int32_t line = 0;  // of the first failure, from 1, where `row` cannot tell it (XML)
 };
 // Reads a whole file into a string, set, list, record, union or table; the old content goes. Errors of values
 // are told in the result alone; the error cell stays clear.

@@ -159,6 +159,11 @@ TEST_F(DataFiles, XmlHoldsWholeValues) {
     ListClear(list.get<ListDescriptor>());
     EXPECT_EQ(LoadValue("/d/f.xml", FormatXml, {}, list.get(), KindList, words).code, 0);
     EXPECT_EQ(Shown(list.get(), KindList), "{1}{2}");
+    files_.put("/d/f.xml", "<l>\n<i>1</i>\n<i><b/></i></l>");
+    const TabResult result = LoadValue("/d/f.xml", FormatXml, {}, list.get(), KindList, words);
+    EXPECT_EQ(result.code, ERR_INTEGER_CONVERSION);
+    EXPECT_EQ(result.line, 3);
+    EXPECT_EQ(result.row, 0);
 }
 
 TEST_F(DataFiles, TheLanguageGetsThreeStrings) {

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Data files as tables of the explorer and the preview, without a screen.
+#include "library/dbutil_windows.h"
+
+#include "kernel/lists.h"
+#include "kernel/records.h"
+#include "kernel/strings.h"
+#include "kernel/tables.h"
+#include "kernel/values.h"
+#include "library/dbutil_grid.h"
+#include "library/system.h"
+#include "os/files.h"
+#include "platform/model/view.h"
+#include "support/tempfolder.h"
+
+#include <gtest/gtest.h>
+
+namespace tarn {
+namespace {
+
+std::string cell(const RecordDescriptor* row, std::int32_t n) {
+    const void* const field = RecordFieldAddress(row, n);
+    switch (FieldKindAt(row->kinds, n)) {
+    case KindInteger: return STR(ReadAt<std::int32_t>(field));
+    case KindReal: return STR(static_cast<int>(ReadAt<double>(field) * 1000)) + "/1000";
+    case KindString: return std::string(StringView(static_cast<const StringDescriptor*>(field)));
+    default: return "?";
+    }
+}
+
+class DataTables : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ClearError();
+        before = platform::useView(platform::makeHeadlessView());
+    }
+    void TearDown() override {
+        platform::DestroyAllWindows();
+        platform::useView(std::move(before));
+        EXPECT_EQ(ErrorCell(), 0);
+        ClearError();
+    }
+    DataTable load(const std::string& name, const std::string& text, const TabOptions* options = nullptr) {
+        EXPECT_TRUE(os::saveFile(folder / name, text, os::Durability::Unsynced).ok());
+        return LOADDATATABLE(folder / name, options, DataFormatOf(name));
+    }
+    // Names and rows, or why there are none.
+    static std::string shown(const DataTable& data) {
+        if (data.step == DataTable::Step::Stopped) return "stopped" + data.message;
+        if (data.step != DataTable::Step::Done) return data.message;
+        std::string text;
+        for (const std::string& name : TABLEFIELDNAMES(data.table.get())) text += name + " ";
+        const ListDescriptor* const rows = TableRows(data.table.get());
+        for (std::int32_t i = 1; i <= rows->count; ++i) {
+            const auto* const row = static_cast<const RecordDescriptor*>(ListRef(rows, i));
+            text += '{';
+            for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n)
+                text += (n > 1 ? "|" : "") + cell(row, n);
+            text += '}';
+        }
+        return text;
+    }
+    static constexpr TabOptions header{1, 0, ',', -1};
+    TempFolder folder;
+
+private:
+    std::unique_ptr<platform::View> before;
+};
+
+TEST_F(DataTables, RemarksTellRowsOfDelimitedTextAndLinesOfXml) {
+    const TabOptions two{0, 0, ',', 2};
+    DataTable data = load("a.csv", "1\n2\n", &two);
+    EXPECT_EQ(shown(data), "FIELD1 {1}{2}");
+    EXPECT_EQ(data.remark, "");
+    data = load("a.csv", "a\n1\n\nx\n", &header);
+    EXPECT_EQ(shown(data), "a {1}{0}{0}");
+    EXPECT_EQ(data.remark.substr(0, 7), "Row 3: ") << data.remark;
+    data = load("a.xml", "<l>\n<r><a>1</a><b type='real'>1</b></r>\n<r><a>2</a><b type='real'>x</b></r></l>");
+    EXPECT_EQ(shown(data), "a b {1|1000/1000}{2|0/1000}");
+    EXPECT_EQ(data.remark, "Line 3: Real number expected here\n"
+                           "Values that could not be read are shown as 0, or cut.");
+}
+
+}  // namespace
+}  // namespace tarn
