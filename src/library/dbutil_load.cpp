@@ -85,7 +85,7 @@ std::string findColumns(const std::string& filename, const TabOptions* options, 
     LongWork work("Finding the columns of '" + FILEGETFNAME(filename) + "'");
     DataFileInfo info = GetDataFileInfo(filename, options);
     data.step = DataTable::Step::Done;
-    if (work.stopped()) {
+    if (info.stopped || work.stopped()) {
         data.step = DataTable::Step::Stopped;
     } else if (!info.message.empty()) {
         data.step = DataTable::Step::Columns;

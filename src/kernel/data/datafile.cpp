@@ -108,8 +108,10 @@ std::string placeOf(const ErrorRecord& error) {
 }
 
 void readXml(const std::string& filename, DataFileInfo& info) {
-    const ErrorRecord error = XmlRead(filename, 0, nullptr, KindNone, &info.typeText, MaxTypeInfo);
-    info.typeText = TypeInfoFixAny(info.typeText);
+    const XmlStructure found = XmlDiscover(filename, MaxTypeInfo);
+    const ErrorRecord& error = found.error;
+    info.stopped = found.stopped;
+    info.typeText = TypeInfoFixAny(found.typeText);
     if (!error.message.empty())
         info.message = error.message + placeOf(error);
     else if (info.typeText.empty())
@@ -137,6 +139,7 @@ void readText(const std::string& filename, const TabOptions* options, DataFileIn
     TabStructure found = TabDiscover(filename, info.options, MaxTypeInfo);
     info.typeText = std::move(found.typeText);
     info.message = std::move(found.message);
+    info.stopped = found.stopped;
     info.rowsSeen = found.rowsSeen;
     info.columnsSeen = found.columnsSeen;
 }
@@ -229,6 +232,11 @@ std::string asTable(std::string_view columns) {
 DataFileInfo identify(const std::string& filename, const TabOptions* options) {
     DataFileInfo info;
     readFile(filename, options, info);
+    if (info.stopped) {
+        info.typeText.clear();
+        info.message.clear();
+        return info;
+    }
     if (info.message.empty()) {
         TypeInfoStripOuter(info.typeText, MaxTypeInfo);
         info.message = nestedColumn(info.typeText);
@@ -283,7 +291,7 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
     const DataFileInfo info = GetDataFileInfo(std::string(StringView(filename)), given ? &read : nullptr);
     StringAssignView(optionsOut, info.keys);
     StringAssignView(typeText, info.typeText);
-    StringAssignView(message, info.message);
+    StringAssignView(message, info.stopped ? noInformation : info.message);
 }
 
 void TypeInfoStripOuter(std::string& text, std::int32_t size) {

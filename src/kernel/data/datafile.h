@@ -34,6 +34,7 @@ struct DataFileInfo {
     std::string keys;      // names of the default key's columns, separated by ","; "" for none
     TabOptions options;    // how a delimited file was read
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // of a delimited file, as TabDiscover tells them
+    bool stopped = false;                        // by progress.h: there are no columns then, and no message
 };
 // Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
 // most 100 rows.

@@ -206,6 +206,8 @@ TabStructure discover(const std::string& filename, const TabOptions& options, st
             if (row.empty() || !discovery.addRow(row, rows.separator())) break;
         }
     }
+    found.stopped = rows.stopped();
+    if (found.stopped) return found;
     found.rowsSeen = discovery.rows();
     found.columnsSeen = discovery.columns();
     found.message = discovery.report();

@@ -34,6 +34,7 @@ struct TabStructure {
     std::string typeText;  // "Tname : record" ... "end record"; "" when nothing was found
     std::string message;   // "" or what is wrong
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // columns: also those beyond the 48 that are declared
+    bool stopped = false;                        // by progress.h: nothing was found, and there is no message
 };
 // Reads names and types of the columns from the first rows.
 TabStructure TabDiscover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize);

@@ -31,6 +31,14 @@ inline constexpr std::int32_t XmlFieldAttributes = 0x02000000;  // flat records 
 ErrorRecord XmlRead(const std::string& filename, std::int32_t options, void* value, Kind kind,
                     std::string* typeText, std::int32_t typeTextSize);
 
+// The structure alone.
+struct XmlStructure {
+    std::string typeText;
+    ErrorRecord error;
+    bool stopped = false;  // by progress.h: nothing was found
+};
+XmlStructure XmlDiscover(const std::string& filename, std::int32_t typeTextSize);
+
 struct XmlResult {
     std::int32_t count = 0;  // top-level items
     bool stopped = false;    // by progress.h: the value, or the file, is as it was

@@ -285,6 +285,14 @@ ErrorRecord XmlRead(const std::string& filename, std::int32_t, void* value, Kind
     return ReadXml(filename, value, kind, typeText, typeTextSize).error;
 }
 
+XmlStructure XmlDiscover(const std::string& filename, std::int32_t typeTextSize) {
+    XmlStructure found;
+    XmlReadResult result = ReadXml(filename, nullptr, KindNone, &found.typeText, typeTextSize);
+    found.error = std::move(result.error);
+    found.stopped = result.stopped;
+    return found;
+}
+
 std::string TypeInfoFixAny(std::string_view typeText) {
     constexpr TypeBounds bounds{1024};
     std::string text(typeText);

@@ -166,6 +166,35 @@ TEST_F(DataFiles, XmlHoldsWholeValues) {
     EXPECT_EQ(result.row, 0);
 }
 
+bool stopAtOnce(std::int64_t, std::int64_t) {
+    return false;
+}
+
+TEST_F(DataFiles, ALookThatIsStoppedSaysNothingElse) {
+    std::string rows, elements;
+    while (rows.size() < std::size_t{3 * ProgressStep}) rows += "1,some text\n";
+    while (elements.size() < std::size_t{3 * ProgressStep}) elements += "<r><a>1</a></r>\n";
+    files_.put("/d/f.csv", rows);
+    files_.put("/d/f.xml", "<l>" + elements + "</l>");
+    files_.put("/d/g.xml", "<l><r>&no;</r>" + elements + "</l>");
+    const TabOptions all = CommaRows;
+    UseProgress(stopAtOnce);
+    for (const char* name : {"/d/f.csv", "/d/f.xml", "/d/g.xml"}) {
+        const DataFileInfo info = GetDataFileInfo(name, &all);
+        EXPECT_TRUE(info.stopped) << name;
+        EXPECT_EQ(info.message + info.typeText + info.keys, "") << name;
+        EXPECT_EQ(info.rowsSeen + info.columnsSeen, 0) << name;
+    }
+    EXPECT_TRUE(TabDiscover("/d/f.csv", CommaRows, MaxTypeInfo).stopped);
+    const String name(std::string_view("/d/f.xml"));
+    String keys, type, text;
+    GetDataFileInfo(name.get(), nullptr, keys.get(), type.get(), text.get());
+    EXPECT_EQ(type.view(), "");
+    EXPECT_EQ(text.view(), "Data File information cannot be obtained");
+    UseProgress(nullptr);
+    EXPECT_FALSE(GetDataFileInfo("/d/f.csv", &all).stopped);
+}
+
 TEST_F(DataFiles, TheLanguageGetsThreeStrings) {
     files_.put("/d/f", "1,a\n");
     const String name(std::string_view("/d/f"));
