@@ -401,6 +401,21 @@ std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes) {
     return 0;
 }
 
+std::int64_t PackedRoom(const void* value, Kind kind) {
+    constexpr std::int64_t mostText = MaxBlock;
+    if (kind == KindString) {
+        const std::int32_t capacity = ReadAt<StringDescriptor>(value).maxlength;
+        return capacity == UNBOUNDED ? mostText + CharacterWidth : std::int64_t{capacity} * CharacterWidth;
+    }
+    if (isOpenRecord(value, kind)) return MostPackedBytes + mostText + CharacterWidth;
+    const ListDescriptor* const rows = rowsOf(value, kind);
+    if (rows == nullptr) return lengthOf(value, kind, deepest) + 1;
+    const auto element = static_cast<Kind>(rows->tag);
+    const std::int64_t length = lengthOf(At(rows->prototype), element, inside);
+    if (rows->maxlength == UNBOUNDED) return (MaxBlock / KindSize[element] + 1) * length;
+    return countBytes + (rows->maxlength + 1) * length;
+}
+
 std::int32_t UnpackWhole(std::string_view bytes, void* value, Kind kind) {
     const std::int32_t code = PackWholeError(value, kind);
     if (code != 0) return code;

@@ -225,6 +225,31 @@ TEST_F(Packing, AFailedLoadLeavesTheValue) {
     EXPECT_EQ(text.view(), "new");
 }
 
+// None of these files is read much further than its value reaches.
+TEST_F(Packing, FilesThatAreTooLargeAreRefusedBeforeTheyAreRead) {
+    files_.put("/d/a.bin", std::string(std::size_t{20 * ProgressStep}, '\0'));
+    ListValue small;
+    ListInit(small.get(), 3, nullptr, KindInteger, false);
+    Typed list("x : list\n\ti : integer\nend list\n"), record("r : record\n\ta : integer\nend record\n");
+    Typed open("r : record\n\ta : integer\n\ts : string\nend record\n"), text("s : string"),
+        word("s : string[5]");
+    const struct {
+        void* value;
+        Kind kind;
+        std::int32_t code;
+        int reads;
+    } cases[] = {{list.get(), KindList, 804, 4},     {small.get(), KindList, 655, 1},
+                 {record.get(), KindRecord, 655, 1}, {open.get(), KindRecord, 804, 8},
+                 {text.get(), KindString, 804, 4},   {word.get(), KindString, 0, 1}};
+    std::string message;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.code);
+        files_.failAt(os::FileCall::Read, c.reads + 1, os::FileError::ReadFailed);
+        EXPECT_EQ(LoadValue("/d/a.bin", FormatBinary, {}, c.value, c.kind, message).code, c.code);
+        files_.stopFailing();
+    }
+}
+
 TEST_F(Packing, AFailedSaveLeavesTheFile) {
     const String text(std::string_view("new"));
     files_.put("/d/a.bin", "old");
