@@ -312,6 +312,7 @@ TabResult fromXml(const XmlResult& xml, std::string& message) {
     result.line = xml.error.line;
     result.rows = xml.count;
     result.stopped = xml.stopped;
+    result.rescueCopy = xml.rescueCopy;
     return result;
 }
 
@@ -333,14 +334,19 @@ TabResult LoadValue(const std::string& filename, DataFormat format, const TabOpt
 
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
                     std::int32_t flags, const void* value, Kind kind, std::string_view names) {
-    std::string message;
     TabOptions lines = options;
     switch (format) {
     case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
     case FormatComma:
     case FormatTab: return TabSave(filename, lines, value, kind, names);
     case FormatBinary: return BinarySave(filename, value, kind);
-    case FormatXml: return fromXml(XmlSave(filename, flags, value, kind, names), message);
+    case FormatXml: {
+        const XmlResult saved = XmlSave(filename, flags, value, kind, names);
+        std::string message;
+        TabResult result = fromXml(saved, message);
+        result.message = std::move(message);
+        return result;
+    }
     default: return {ERR_COMPONENT_UNREPRESENTABLE};
     }
 }

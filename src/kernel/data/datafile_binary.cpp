@@ -45,10 +45,13 @@ TabResult load(const std::string& filename, void* value, Kind kind) {
 
 TabResult save(const std::string& filename, const void* value, Kind kind) {
     std::string bytes;
-    std::int32_t code = PackWhole(value, kind, bytes);
-    if (code == 0) code = FileWriteCode(os::saveFile(filename, bytes).error);
-    if (code != 0) return {code};
-    return {0, 0, countOf(value, kind)};
+    TabResult result{PackWhole(value, kind, bytes)};
+    if (result.code != 0) return result;
+    os::SaveResult saved = os::saveFile(filename, bytes);
+    result.code = FileWriteCode(saved.error);
+    result.rescueCopy = std::move(saved.rescueCopy);
+    if (result.code == 0) result.rows = countOf(value, kind);
+    return result;
 }
 
 }  // namespace

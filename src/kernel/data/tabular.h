@@ -49,6 +49,9 @@ struct TabResult {
     std::int32_t rows = 0;  // read or written
     bool stopped = false;   // by progress.h: the value is as it was
     std::int32_t line = 0;  // of the first failure, from 1, where `row` cannot tell it (XML)
+    // Of a save that failed:
+    std::string message{};     // more than its code says; else empty
+    std::string rescueCopy{};  // where the new bytes stand if the file may be damaged; else empty
 };
 // Reads a whole file into a string, set, list, record, union or table; the old content goes. Errors of values
 // are told in the result alone; the error cell stays clear.

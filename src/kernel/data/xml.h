@@ -43,6 +43,7 @@ struct XmlResult {
     std::int32_t count = 0;  // top-level items
     bool stopped = false;    // by progress.h: the value, or the file, is as it was
     ErrorRecord error;
+    std::string rescueCopy;  // where the new bytes stand if a save damaged the file; else empty
 };
 // Replaces the file by the value as the element "data"; on failure the old file stays. `names`: of the fields
 // of records, one per line, where the value itself does not have them (a table does). 764 in the error cell

@@ -388,7 +388,8 @@ XmlResult saveValue(const std::string& filename, std::int32_t options, const voi
     if (writer.code != 0) {
         result.error = XmlFailure(writer.code);
     } else if (!writer.stopped) {
-        const os::SaveResult saved = os::saveFile(filename, writer.out);
+        os::SaveResult saved = os::saveFile(filename, writer.out);
+        result.rescueCopy = std::move(saved.rescueCopy);
         if (saved.ok())
             result.count = writer.count;
         else
