@@ -45,8 +45,9 @@ TabResult load(const std::string& filename, void* value, Kind kind) {
 
 TabResult save(const std::string& filename, const void* value, Kind kind) {
     std::string bytes;
-    TabResult result{PackWhole(value, kind, bytes)};
-    if (result.code != 0) return result;
+    TabResult result;
+    result.code = PackWhole(value, kind, bytes, &result.stopped);
+    if (result.code != 0 || result.stopped) return result;
     os::SaveResult saved = os::saveFile(filename, bytes);
     result.code = FileWriteCode(saved.error);
     result.rescueCopy = std::move(saved.rescueCopy);

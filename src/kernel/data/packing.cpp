@@ -2,6 +2,7 @@
 #include "kernel/data/packing.h"
 
 #include "kernel/adt.h"
+#include "kernel/data/progress.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
@@ -124,13 +125,28 @@ void packString(const StringDescriptor& s, std::string& bytes) {
     bytes.append(characters).append(capacity - characters.size(), '\0');
 }
 
+// One element is never more than MostPackedBytes, so it is enough to tell between them. False when stopped.
+bool packRows(const ListDescriptor& rows, std::string& bytes, bool tells) {
+    const auto kind = static_cast<Kind>(rows.tag);
+    const char* element = At(rows.data);
+    std::size_t told = bytes.size();
+    for (std::int32_t i = 0; i < rows.count; ++i, element += KindSize[kind]) {
+        Pack(element, kind, bytes);
+        if (!tells || bytes.size() - told < std::size_t{ProgressStep}) continue;
+        told = bytes.size();
+        const auto done = static_cast<std::int64_t>(told);
+        if (!Progress(done, done / (i + 1) * rows.count)) return false;
+    }
+    return true;
+}
+
 // Elements behind the count are empty: what a slot still holds of an element that was deleted is nobody's.
-void packFixedList(const ListDescriptor& list, std::string& bytes) {
-    const auto kind = static_cast<Kind>(list.tag);
-    const std::int64_t element = lengthOf(At(list.prototype), kind, inside);
+bool packFixedList(const ListDescriptor& list, std::string& bytes, bool tells) {
+    const std::int64_t element = lengthOf(At(list.prototype), static_cast<Kind>(list.tag), inside);
     putNumber(list.count, bytes);
-    packElements(list.data, list.count, kind, bytes);
+    if (!packRows(list, bytes, tells)) return false;
     bytes.append(static_cast<std::size_t>((list.maxlength - list.count) * element), '\0');
+    return true;
 }
 
 // ---- unpacking ----
@@ -341,7 +357,7 @@ void Pack(const void* value, Kind kind, std::string& bytes) {
         const auto element = static_cast<Kind>(array.tag);
         return packElements(array.data, array.size / KindSize[element], element, bytes);
     }
-    default: return packFixedList(ReadAt<ListDescriptor>(value), bytes);
+    default: packFixedList(ReadAt<ListDescriptor>(value), bytes, false);
     }
 }
 
@@ -384,7 +400,7 @@ std::int32_t PackWholeError(const void* value, Kind kind) {
     return isPackedLength(length) ? 0 : std::int32_t{ERR_TYPE_NOT_STORABLE};
 }
 
-std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes) {
+std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes, bool* stopped) {
     const std::int32_t code = PackWholeError(value, kind);
     if (code != 0) return code;
     if (kind == KindString) {
@@ -393,10 +409,9 @@ std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes) {
         return packOpenRecord(ReadAt<RecordDescriptor>(value), bytes);
     } else if (const ListDescriptor* rows = rowsOf(value, kind); rows == nullptr) {
         Pack(value, kind, bytes);
-    } else if (rows->maxlength == UNBOUNDED) {
-        packElements(rows->data, rows->count, static_cast<Kind>(rows->tag), bytes);
     } else {
-        packFixedList(*rows, bytes);
+        const auto pack = rows->maxlength == UNBOUNDED ? packRows : packFixedList;
+        if (!pack(*rows, bytes, stopped != nullptr)) *stopped = true;
     }
     return 0;
 }

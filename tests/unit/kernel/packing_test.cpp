@@ -250,6 +250,33 @@ TEST_F(Packing, FilesThatAreTooLargeAreRefusedBeforeTheyAreRead) {
     }
 }
 
+TEST_F(Packing, ASaveThatIsStoppedLeavesTheFile) {
+    Typed list("x : list\n\ti : integer\nend list\n");
+    ListValue fixed;
+    ListInit(fixed.get(), 500'000, nullptr, KindInteger, false);
+    for (std::int32_t number = 0; number < 500'000; ++number) {
+        ListAppend(&number, KindInteger, list.get<ListDescriptor>());
+        ListAppend(&number, KindInteger, fixed.get());
+    }
+    files_.put("/d/a.bin", "old");
+    static std::int64_t last = 0;
+    for (void* value : {list.get(), static_cast<void*>(fixed.get())}) {
+        UseProgress([](std::int64_t, std::int64_t) { return false; });
+        EXPECT_TRUE(SaveValue("/d/a.bin", FormatBinary, {}, 0, value, KindList).stopped);
+        EXPECT_EQ(files_.contents("/d/a.bin"), "old");
+        UseProgress([](std::int64_t done, std::int64_t total) {
+            EXPECT_LE(done, total);
+            EXPECT_NEAR(static_cast<double>(total), 2e6, 1e4);
+            last = done;
+            return true;
+        });
+        const TabResult result = SaveValue("/d/b.bin", FormatBinary, {}, 0, value, KindList);
+        EXPECT_FALSE(result.stopped);
+        EXPECT_EQ(result.rows, 500'000);
+        EXPECT_GE(last, ProgressStep);
+    }
+}
+
 TEST_F(Packing, AFailedSaveLeavesTheFile) {
     const String text(std::string_view("new"));
     files_.put("/d/a.bin", "old");
