@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Whole values of the language to and from files.
+#include "library/longwork.h"
 #include "library/savereport.h"
 #include "library/system.h"
 
@@ -48,8 +49,11 @@ TabResult LOADFILE(const std::string& file, std::int32_t format, const RecordDes
     TabOptions read;
     TabResult result = readOptions(options, format, read);
     std::string message;
-    if (result.code == 0)
+    if (result.code == 0) {
+        const LongWork work("Reading '" + FILEGETFNAME(file) + "'");
         result = LoadValue(file, static_cast<DataFormat>(format), read, value, kind, message);
+        if (result.stopped) result.code = ERR_FILE_READ;
+    }
     detail::LastFailedSave() = {};
     return reported(result);
 }
@@ -60,7 +64,14 @@ TabResult SAVEFILE(const std::string& file, std::int32_t format, const RecordDes
     STAMP();
     TabOptions read;
     TabResult result = readOptions(options, format, read);
-    if (result.code == 0) result = SaveValue(file, static_cast<DataFormat>(format), read, 0, value, kind);
+    if (result.code == 0) {
+        const LongWork work("Writing '" + FILEGETFNAME(file) + "'");
+        result = SaveValue(file, static_cast<DataFormat>(format), read, 0, value, kind);
+        if (result.stopped) {
+            result.code = ERR_FILE_WRITE;
+            result.message = "The writing was stopped.";
+        }
+    }
     return reported(remembered(file, result));
 }
 

@@ -7,6 +7,7 @@
 #include "kernel/lists.h"
 #include "kernel/owned.h"
 #include "kernel/values.h"
+#include "platform/model/view.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 
@@ -92,6 +93,63 @@ TEST_F(Values, WhereTheNewBytesAreSafeIsTold) {
         }
         EXPECT_GT(rescues, 0);
     }
+}
+
+// ---- long work ----
+
+// A clock on which each look takes a while.
+class SlowClock : public os::SteeredClock {
+public:
+    std::int64_t steady() override {
+        advance(600'000'000);
+        return SteeredClock::steady();
+    }
+};
+
+class LongValues : public Values {
+protected:
+    void SetUp() override {
+        Values::SetUp();
+        for (std::int32_t number = 0; number < 900'000; ++number)
+            ListAppend(&number, KindInteger, list.get());
+        view = platform::useView(platform::makeHeadlessView());
+        clockBefore = os::useClock(&slow);
+    }
+    void TearDown() override {
+        os::useClock(clockBefore);
+        platform::useView(std::move(view));
+        Values::TearDown();
+    }
+    void stopWhenPossible() {
+        platform::view().setIdle([this] { stops += platform::pressToolStop() ? 1 : 0; });
+    }
+    int stops = 0;
+    SlowClock slow;
+    os::Clock* clockBefore = nullptr;
+    std::unique_ptr<platform::View> view;
+};
+
+TEST_F(LongValues, AreStoppedByTheUserAndThatIsAFailure) {
+    for (const std::int32_t format : formats) {
+        SCOPED_TRACE(format);
+        files.put("/a/x", "old");
+        platform::view().setIdle({});
+        EXPECT_EQ(save("/a/y", format).code, 0);
+        stopWhenPossible();
+        TabResult result = save("/a/x", format);
+        EXPECT_TRUE(result.stopped);
+        EXPECT_EQ(result.code, 652);
+        EXPECT_EQ(takeError(), 652);
+        EXPECT_EQ(files.contents("/a/x"), "old");
+        EXPECT_NE(SAVEFILEREPORT().find("The writing was stopped."), std::string::npos);
+        result = LOADFILE("/a/y", format, list.get(), KindList);
+        EXPECT_TRUE(result.stopped);
+        EXPECT_EQ(result.code, 651);
+        EXPECT_EQ(takeError(), 651);
+        EXPECT_EQ(ListCount(list.get()), 900'001);
+    }
+    EXPECT_GE(stops, 2);
+    EXPECT_FALSE(platform::pressToolStop()) << "the progress is gone";
 }
 
 }  // namespace
