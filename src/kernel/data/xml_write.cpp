@@ -238,15 +238,19 @@ private:
         endTag(item.name);
     }
 
-    // Inside the outermost element: counts, and tells how far the work is.
+    // One of `total` inside another: counts, and tells how far the work is.
     void child(const Item& parent, const Item& item, std::int32_t total) {
+        const double before = done_, share = share_;
+        share_ = share / total;
         element(item);
-        if (parent.depth > 0) return;
-        ++count;
-        const auto done = static_cast<std::int64_t>(out.size());
-        if (done - shown_ < ProgressStep) return;
-        shown_ = done;
-        if (!Progress(done, done / count * total)) stopped = true;
+        done_ = before + share_;
+        share_ = share;
+        if (parent.depth == 0) ++count;
+        const auto bytes = static_cast<std::int64_t>(out.size());
+        if (bytes - shown_ < ProgressStep || stopped) return;
+        shown_ = bytes;
+        const auto expected = static_cast<std::int64_t>(static_cast<double>(bytes) / done_);
+        if (!Progress(bytes, std::max(bytes, expected))) stopped = true;
     }
 
     // ---- texts ----
@@ -376,6 +380,7 @@ private:
 
     bool fieldAttributes_;
     std::int64_t shown_ = 0;
+    double done_ = 0, share_ = 1;  // of the whole value: what is written, and what is being written
     Names given_;
 };
 

@@ -287,6 +287,25 @@ TEST_F(XmlWriteTest, ASaveThatIsStoppedLeavesTheOldFile) {
     EXPECT_NEAR(static_cast<double>(totals.back()), static_cast<double>(size), 100000);
 }
 
+TEST_F(XmlWriteTest, ASaveOfWhatIsInsideAnotherValueIsToldToo) {
+    AnyValue record("r : record\n\tn : integer\n\tl : list\n\t\ts : string\n\tend list\nend record\n");
+    auto* const list = static_cast<ListDescriptor*>(RecordFieldAddress(record.as<RecordDescriptor>(), 2));
+    const String text("some text of an element");
+    for (int i = 0; i < 40000; ++i) ListAppend(text.get(), KindString, list);
+    disk.put(file, "old");
+    UseProgress(progress);
+    goOn = false;
+    EXPECT_TRUE(XmlSave(file, 0, record.get(), KindRecord).stopped);
+    EXPECT_EQ(disk.contents(file), "old");
+    goOn = true;
+    totals.clear();
+    EXPECT_EQ(XmlSave(file, 0, record.get(), KindRecord).count, 2);
+    ASSERT_GE(totals.size(), 2U);
+    const auto size = static_cast<double>(disk.contents(file).size());
+    EXPECT_GT(static_cast<double>(totals.back()), size / 2);
+    EXPECT_LT(static_cast<double>(totals.back()), 2 * size);
+}
+
 TEST_F(XmlWriteTest, ValuesThatHoldOneAnotherTooDeepAreRefused) {
     ListDescriptor list{};
     ListInit(&list, UNBOUNDED, nullptr, KindInteger, false);
