@@ -47,7 +47,8 @@ struct XmlResult {
 };
 // Replaces the file by the value as the element "data"; on failure the old file stays. `names`: of the fields
 // of records, one per line, where the value itself does not have them (a table does). 764 in the error cell
-// for an empty name or a kind outside 1 to 12, 660 for what is held in a file.
+// for an empty name or a kind outside 1 to 12, 660 for what is held in a file. 671 and 673 for texts that
+// XmlRead would not take as they are.
 XmlResult XmlSave(const std::string& filename, std::int32_t options, const void* value, Kind kind,
                   std::string_view names = {});
 // XmlRead into a value. A table takes its rows also from a list of records inside the outermost element, or
