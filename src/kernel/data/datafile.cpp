@@ -46,7 +46,7 @@ os::FileError readStart(const std::string& filename, std::string& start) {
     os::FileInfo info;
     os::FileError error = os::files().info(path, info);
     if (error == os::FileError::None && !info.exists) error = os::FileError::NotFound;
-    if (error == os::FileError::None && info.folder) error = os::FileError::IsFolder;
+    if (error == os::FileError::None && (info.folder || info.special)) error = os::FileError::IsFolder;
     os::Handle handle = -1;
     if (error == os::FileError::None) error = os::files().open(path, os::OpenMode::Read, 0, handle);
     if (error != os::FileError::None) return error;

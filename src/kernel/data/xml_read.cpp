@@ -156,10 +156,15 @@ XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::stri
         result.error = XmlFailure(ERR_FILE_READ, "Only one XML file can be read at a time");
         return result;
     }
+    const os::FileInfo info = os::infoOf(os::native(filename));
+    if (info.special) {
+        result.error = XmlFailure(ERR_FILE_READ);
+        return result;
+    }
     const auto tables = std::make_unique<XmlTables>();
     fillTables(*tables);
     XmlReader reader{*tables, typeText != nullptr};
-    reader.size = os::sizeOf(filename);
+    reader.size = info.size;
     const OpenScanner open;
     ScannerReportStatus(ScannerOpen(filename, &tables->symbols, false), reader.error);
     if (!ScannerInputFilename().empty()) {

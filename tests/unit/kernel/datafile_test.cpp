@@ -2,7 +2,10 @@
 //
 // What is in a data file, and whole values by format.
 #include "kernel/data/datafile.h"
+#include "support/tempfolder.h"
 #include "unit/kernel/tab_fixture.h"
+
+#include <sys/stat.h>
 
 namespace tarn {
 namespace {
@@ -260,6 +263,55 @@ TEST_F(DataFiles, LinesGoToListsOfTextsAndBack) {
     EXPECT_EQ(Shown(list.get(), KindList), "{ a,b }{}{\"c}");
     EXPECT_EQ(SaveValue("/d/g", FormatText, ignored, 0, list.get(), KindList).rows, 3);
     EXPECT_EQ(files_.contents("/d/g"), files_.contents("/d/f"));
+}
+
+// ---- files of other kinds, on the real system ----
+
+class OtherFiles : public Runtime {
+protected:
+    // How a file ends that is read in all ways: codes of the loads, and what it is said to be.
+    static std::string readings(const std::string& name) {
+        Typed list("x : list\n\ts : string\nend list\n");
+        std::string words, codes;
+        for (const std::int32_t format : {FormatText, FormatComma, FormatBinary, FormatXml}) {
+            const auto code = static_cast<DataFormat>(format);
+            String text;
+            const bool binary = format == FormatBinary;
+            codes += std::to_string(LoadValue(name, code, CommaRows,
+                                              binary ? static_cast<void*>(text.get()) : list.get(),
+                                              binary ? KindString : KindList, words)
+                                        .code) +
+                     " ";
+        }
+        return codes + GetDataFileInfo(name, &CommaRows).message;
+    }
+    TempFolder folder;
+};
+
+TEST_F(OtherFiles, DevicesAndPipesCannotBeRead) {
+    const std::string pipe = folder / "pipe.csv";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& name : {pipe, std::string("/dev/zero")})
+        EXPECT_EQ(readings(name),
+                  "651 651 651 651 File '" + name + "' is invalid, does not exist or is empty.");
+}
+
+TEST_F(OtherFiles, FilesThatTellNoSizeAreReadToTheirEnd) {
+    Typed list("x : list\n\ts : string\nend list\n");
+    std::string words;
+    const TabResult result =
+        LoadValue("/proc/self/status", FormatText, CommaRows, list.get(), KindList, words);
+    EXPECT_EQ(result.code, 0);
+    EXPECT_GT(result.rows, 10);
+    EXPECT_EQ(Shown(list.get(), KindList).substr(0, 6), "{Name:");
+    String text;
+    EXPECT_EQ(LoadValue("/proc/self/status", FormatBinary, CommaRows, text.get(), KindString, words).code, 0);
+    EXPECT_EQ(text.view().substr(0, 5), "Name:");
+    EXPECT_EQ(GetDataFileInfo("/proc/self/status", &TabRows).message, "");
+    // One that is empty.
+    ASSERT_TRUE(os::saveFile(folder / "empty", "", os::Durability::Unsynced).ok());
+    EXPECT_EQ(LoadValue(folder / "empty", FormatText, CommaRows, list.get(), KindList, words).rows, 0);
+    EXPECT_EQ(Shown(list.get(), KindList), "");
 }
 
 }  // namespace

@@ -8,9 +8,11 @@
 #include "library/dbutil.h"
 #include "library/system.h"
 #include "support/steerable.h"
+#include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 
 namespace tarn {
 namespace {
@@ -71,6 +73,13 @@ TEST_F(DataHelpers, AFileThatCannotBeReadGivesTheFirstSuggestion) {
         EXPECT_EQ(found.headerRows, "0");
         EXPECT_EQ(found.separator, ",");
     }
+}
+
+TEST(OtherFiles, APipeIsNotWaitedFor) {
+    const TempFolder folder;
+    const std::string pipe = folder / "pipe.csv";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(GETPOSSIBLEFILEDETAILS(pipe).headerRows, "0");
 }
 
 TEST_F(DataHelpers, SeparatorsAreWrittenInManyWays) {
