@@ -52,7 +52,7 @@ bool occurs(char separator, std::string_view line, std::string_view next) {
 bool isColumnName(std::string_view cell) {
     std::string name = STRREPLACE(STRTRIM(cell), "\"", "");
     std::replace(name.begin(), name.end(), ' ', '_');
-    return !name.empty() && STRTOIDENTIFIER(name, LongestIdentifier, "_") == name;
+    return STRTOIDENTIFIER(name, LongestIdentifier, "_") == name;
 }
 
 bool allColumnNames(std::string_view line, char separator) {

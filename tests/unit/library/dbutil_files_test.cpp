@@ -59,7 +59,10 @@ TEST_F(DataHelpers, TheLayoutIsSuggestedFromTwoLines) {
     EXPECT_EQ(details("a,b;c\n1;2\n"), "0|;");  // the comma is not in the second line
     EXPECT_EQ(details("a;b,c\n"), "0|,");       // the order of separators, not of the line
     EXPECT_EQ(details("\"first name\", b \n1,2\n"), "1|,");
-    EXPECT_EQ(details("a,,b\n1,2,3\n"), "0|,");
+    EXPECT_EQ(details("a,,b\n1,2,3\n"), "1|,");
+    EXPECT_EQ(details("a,b,\n1,2,\n"), "1|,");
+    EXPECT_EQ(details("a,\"\",b\n--,,--\n"), "2|,");
+    EXPECT_EQ(details("a,,2\n1,2,3\n"), "0|,");
     EXPECT_EQ(details(std::string(41, 'n') + ",b\n1,2\n"), "0|,");
     EXPECT_EQ(details("first\nsecond\n"), "1|,");
     EXPECT_EQ(details("first\n---\n"), "2|,");
