@@ -113,10 +113,6 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
 bool isFileError(std::int32_t code) {
     return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
 }
-bool isShortOfMemory(std::int32_t code) {
-    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
-}
-
 // Binds into a copy of the table's shape first: the direct form may not be the one, and a later read may be
 // stopped.
 XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
@@ -128,9 +124,10 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     result = ReadXml(filename, fresh.get(), KindTable, nullptr, 0);
     if (isFileError(result.error.code) || result.stopped) return result;
     const bool fits = result.error.code == 0 && !result.lostData;
-    if (!fits && !isShortOfMemory(result.error.code))
+    if (!fits && !XmlIsMemoryError(result.error.code))
         result = loadOtherForm(filename, fresh.get(), std::move(result));
-    if (!isFileError(result.error.code) && !result.stopped) std::swap(*table, *fresh.get());
+    const bool counts = !isFileError(result.error.code) && !XmlIsMemoryError(result.error.code);
+    if (counts && !result.stopped) std::swap(*table, *fresh.get());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {
         result.error.code = ERR_UNIQUE_INDEX;
         result.error.message = ErrorText(ERR_UNIQUE_INDEX);

@@ -175,9 +175,11 @@ XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::stri
             cutTypeText(reader, *typeText, typeTextSize);
         }
     }
+    const bool lacksMemory = reader.memory.code != 0;
+    if (lacksMemory) reader.error = std::move(reader.memory);
     // What looks like the end of the file may be this.
     if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
-    if (ScannerFileError() == os::FileError::None && !reader.stopped) fresh.takePlace();
+    if (ScannerFileError() == os::FileError::None && !reader.stopped && !lacksMemory) fresh.takePlace();
     return {std::move(reader.error), reader.stopped, reader.lostData};
 }
 
@@ -189,7 +191,13 @@ ErrorRecord XmlFailure(std::int32_t code, std::string_view message) {
     return {code, 0, 0, std::string(message.empty() ? std::string_view(ErrorText(code)) : message)};
 }
 
+bool XmlIsMemoryError(std::int32_t code) {
+    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+}
+
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
+    if (XmlIsMemoryError(code))
+        ReportError(reader.memory, code, ScannerLineNumber(), ScannerPosition(), message);
     ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
 }
 

@@ -89,6 +89,7 @@ struct XmlReader {
     XmlTables& tables;
     bool discover;  // the structure is wanted
     ErrorRecord error{};
+    ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
     bool abandoned = false;            // what follows cannot be read
     bool lostData = false;             // the value has no place for text or attributes that were there
@@ -142,6 +143,8 @@ struct XmlElementResult {
 
 // ---- steps (xml_read.cpp) ----
 
+// For want of memory: 802 and 804.
+bool XmlIsMemoryError(std::int32_t code);
 // At the place of the scanner.
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.
