@@ -64,7 +64,7 @@ public:
     }
 
     void read() {
-        while (isSymbol(XmlName)) readOne();
+        while (isSymbol(XmlName) && !reader_.stopped) readOne();
         given_.failed = !hadError_ && isConversionError(reader_.error.code);
     }
     [[nodiscard]] XmlGivenFields& given() { return given_; }

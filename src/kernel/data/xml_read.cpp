@@ -134,6 +134,7 @@ void checkEnd(XmlReader& reader) {
 void readDocument(XmlReader& reader, XmlTarget target, std::string& typeText) {
     skipByteOrderMark(reader);
     XmlProlog(reader);
+    if (reader.stopped) return;
     if (!XmlCheck(reader, {XmlTag})) return;
     for (const std::string_view word : prologWords) SymbolRemove(&reader.tables.symbols, word);
     XmlElementResult root;
@@ -251,6 +252,7 @@ bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
         ScannerSkipBytes(static_cast<std::int32_t>(rest.size()));
         if (ScannerChar() != LineEnd) return false;
         XmlNoteStatus(reader, ScannerSkipChar());
+        if (reader.stopped) return false;
     }
 }
 

@@ -533,6 +533,39 @@ TEST_F(XmlReadTest, AReadThatIsStoppedChangesNothing) {
     EXPECT_EQ(ListCount(value.as<ListDescriptor>()), 80000);
 }
 
+int looks = 0;
+bool stopAndCount(std::int64_t, std::int64_t) {
+    ++looks;
+    return false;
+}
+
+TEST_F(XmlReadTest, AStopEndsTheReadWhereverItIs) {
+    const std::string lines = repeated("some text of a line\n", 150'000);
+    const std::string declarations = repeated("<!ELEMENT x (y|z)>\n", 150'000);
+    const std::string instructions = repeated("<?some text?>\n", 150'000);
+    std::string attributes;
+    for (int i = 0; i < 150'000; ++i) attributes += " a='some text'\n";
+    const std::string texts[] = {
+        "<?pi " + lines + "?><a/>",
+        "<!DOCTYPE a [<!ELEMENT " + lines + ">]><a/>",
+        "<!DOCTYPE a [" + declarations + "]><a/>",
+        instructions + "<a/>",
+        "<a>" + lines + "</a>",
+        "<a><?pi " + lines + "?></a>",
+        "<a><![CDATA[" + lines + "]]></a>",
+        "<a" + attributes + "/>",
+        "<a>" + repeated("<b/>\n", 600'000) + "</a>",
+        "<a/>" + instructions,
+    };
+    UseProgress(stopAndCount);
+    for (const std::string& text : texts) {
+        disk.put(file, text);
+        looks = 0;
+        EXPECT_TRUE(XmlDiscover(file, MaxTypeInfo).stopped) << text.substr(0, 20);
+        EXPECT_EQ(looks, 1) << text.substr(0, 20);
+    }
+}
+
 ErrorRecord inner;
 
 bool readAnother(std::int64_t, std::int64_t) {
