@@ -53,7 +53,7 @@ XmlResult XmlSave(const std::string& filename, std::int32_t options, const void*
                   std::string_view names = {});
 // XmlRead into a value. A table takes its rows also from a list of records inside the outermost element, or
 // one row from a single record; rows that it refuses are counted, and reported as 637. When the reading was
-// stopped (progress.h) the value is as it was.
+// stopped (progress.h) the value is as it was. 764 for no value.
 XmlResult XmlLoad(const std::string& filename, void* value, Kind kind);
 
 std::string XmlEscape(std::string_view text);

@@ -140,13 +140,17 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
 XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
     XmlResult result;
     if (filename.empty()) return result;
+    if (value == nullptr) {
+        result.error = XmlFailure(ERR_UNIDENTIFIABLE);
+        return result;
+    }
     const XmlCellAside aside;
     const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsHeldInFile(value, kind);
     XmlReadResult read = table ? loadTable(filename, static_cast<TableDescriptor*>(value))
                                : ReadXml(filename, value, kind, nullptr, 0);
     result.error = std::move(read.error);
     result.stopped = read.stopped;
-    const bool whole = value != nullptr && IsValueKind(kind) && (!IsAdtKind(kind) || KindOf(value) == kind);
+    const bool whole = IsValueKind(kind) && (!IsAdtKind(kind) || KindOf(value) == kind);
     if (whole) result.count = itemsOf(value, kind);
     return result;
 }

@@ -50,6 +50,9 @@ TEST_F(XmlLoadTest, ValuesOfEveryKindLoad) {
     EXPECT_EQ(XmlLoad("/data/none", array.get(), KindArray).error.code, ERR_FILE_READ);
     EXPECT_EQ(XmlLoad(file, array.get(), KindList).error.code, ERR_LIST_TYPE);
     EXPECT_EQ(XmlLoad(file, nullptr, KindList).count, 0);
+    EXPECT_EQ(XmlLoad(file, nullptr, KindTable).error.code, ERR_UNIDENTIFIABLE);
+    EXPECT_EQ(XmlLoad(file, nullptr, KindInteger).error.code, ERR_UNIDENTIFIABLE);
+    EXPECT_EQ(XmlRead(file, 0, nullptr, KindList, nullptr, 0).code, 0) << "a read need not have one";
 }
 
 TEST_F(XmlLoadTest, TablesTakeRowsAsTheyStandInTheOutermostElement) {
