@@ -194,17 +194,33 @@ std::string wrapped(std::string_view path, std::string_view lines) {
     return text + "end record\n";
 }
 
+std::string noStructure(const std::string& filename) {
+    return "Cannot find the structure of '" + std::string(fileNameOf(filename)) + "', ";
+}
+
 TabStructure discover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize) {
     TabStructure found;
+    const std::int32_t separator = options.separatorchar;
+    if (separator != NoTabSeparator && !IsTabSeparator(separator)) {
+        found.message = noStructure(filename) + "the character with the code " + std::to_string(separator) +
+                        " cannot be a separator";
+        return found;
+    }
     TabReader rows;
     Discovery discovery(typeTextSize);
-    const std::int32_t code = rows.open(filename, options);
+    std::int32_t code = rows.open(filename, options);
     if (code == 0) {
         discovery.readHeader(rows, options.numheaderrows);
         std::string_view row;
         while ((options.maxdatarows < 0 || discovery.rows() < options.maxdatarows) && rows.next(row)) {
             if (row.empty() || !discovery.addRow(row, rows.separator())) break;
         }
+        code = rows.code();
+    }
+    if (code != 0) {
+        found.message =
+            noStructure(filename) + "the file cannot be read (error " + std::to_string(code) + ")";
+        return found;
     }
     found.stopped = rows.stopped();
     if (found.stopped) return found;
@@ -214,8 +230,7 @@ TabStructure discover(const std::string& filename, const TabOptions& options, st
     if (!found.message.empty()) return found;
     const std::string lines = discovery.text();
     if (lines.empty())
-        found.message = "Cannot find the structure of '" + std::string(fileNameOf(filename)) +
-                        "', there is no data in the file";
+        found.message = noStructure(filename) + "there is no data in the file";
     else
         found.typeText = wrapped(filename, lines);
     if (found.typeText.size() >= static_cast<std::size_t>(std::max(typeTextSize, 1)))

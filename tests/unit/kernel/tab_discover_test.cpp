@@ -121,8 +121,28 @@ TEST_F(TabDiscovery, NoDataIsTold) {
     EXPECT_EQ(columns(""), nothing);
     EXPECT_EQ(columns("\n1\n"), nothing);
     EXPECT_EQ(columns("1\n", {0, 0, ',', 0}), nothing);
+}
+
+TEST_F(TabDiscovery, AFileThatCannotBeReadIsNotSaidToHaveNoData) {
     EXPECT_EQ(TabDiscover("/d/none", CommaRows, MaxTypeInfo).message,
-              "Cannot find the structure of 'none', there is no data in the file");
+              "Cannot find the structure of 'none', the file cannot be read (error 651)");
+    files_.failAt(os::FileCall::Read, 1, os::FileError::ReadFailed);
+    EXPECT_EQ(columns("a,b\n1,2\n"),
+              "Cannot find the structure of 'a.csv', the file cannot be read (error 651)");
+    files_.stopFailing();
+    std::string rows;
+    while (rows.size() < 600'000) rows += "1\n";
+    files_.failAt(os::FileCall::Read, 2, os::FileError::ReadFailed);
+    EXPECT_EQ(columns(rows), "Cannot find the structure of 'a.csv', the file cannot be read (error 651)");
+    files_.stopFailing();
+}
+
+TEST_F(TabDiscovery, SeparatorsThatCannotBeAreTold) {
+    for (const std::int32_t code : {0, 10, 34, 256, -2})
+        EXPECT_EQ(columns("a,b\n1,2\n", {1, 0, code, -1}),
+                  "Cannot find the structure of 'a.csv', the character with the code " +
+                      std::to_string(code) + " cannot be a separator");
+    EXPECT_EQ(columns("a,b\n1\n", {1, 0, -1, -1}), "\"a,b\" : integer\n") << "lines have none";
 }
 
 TEST_F(TabDiscovery, TheNameOfTheRecordIsThatOfTheFile) {
