@@ -89,7 +89,7 @@ public:
         TabCells names(rows.header(0), rows.separator());
         TabCells dashes(headerRows >= 2 ? rows.header(1) : std::string_view(), rows.separator());
         while (names.more() && columns_.size() < std::size_t{MaxTabColumns}) {
-            const std::string_view cell = names.nextPlain();
+            const std::string_view cell = names.next();
             const auto width = static_cast<std::int32_t>(dashesOf(dashes.nextPlain()));
             columns_.push_back({nameOfCell(cell, columns_.size() + 1), width});
         }

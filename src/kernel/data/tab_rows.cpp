@@ -142,7 +142,7 @@ std::int32_t TabReader::findFooters(std::int32_t count) {
 // The first line tells whether the separators stand around lines as a frame.
 void TabReader::readHeaders(std::int32_t count) {
     std::string_view line;
-    for (std::int32_t n = 0; n < count && takeLine(false, line); ++n) {
+    for (std::int32_t n = 0; n < count && takeLine(true, line); ++n) {
         const auto frame = static_cast<char>(separator_);
         if (n == 0)
             framed_ = separator_ >= 1 && separator_ < framesBelow && line.size() >= 2 && line[0] == frame &&

@@ -51,6 +51,16 @@ TEST_F(TabDiscovery, NamesComeFromTheHeader) {
     EXPECT_EQ(columns(std::string(300, 'n') + "\n1\n", header), std::string(255, 'n') + " : integer\n");
 }
 
+TEST_F(TabDiscovery, QuotedNamesHoldAnyBytes) {
+    EXPECT_EQ(columns("\"a,b\",c\n1,x\n", header), "\"a,b\" : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("\"say \"\"hi\"\"\" ,c\n1,x\n", header), "\"say hi\" : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("\"a\r\nb\",c\r\n1,x\r\n", header), "ab : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("\"a\nb\",c\n--,---\nx,y\n", dashes), "ab : string[2]\nc : string[3]\n");
+    EXPECT_EQ(columns("\1\"a\1b\"\1c\1\n\0015\1x\1\n", {1, 0, 1, -1}), "ab : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("5\" pipe,b\n1,x\n", header), "\"5 pipe\" : integer\nb : string[1]\n");
+    EXPECT_EQ(columns("\"a,b\n1,2\n", header), "a : integer\nb : integer\n") << "never closed";
+}
+
 TEST_F(TabDiscovery, OnlyAHeaderGivesAny) {
     EXPECT_EQ(columns("a,b\n", header), "a : Any\nb : Any\n");
     EXPECT_EQ(columns("a,b,c\n1\n", header), "a : integer\nb : Any\nc : Any\n");

@@ -230,6 +230,12 @@ TEST_F(TabLoading, TheOldContentGoes) {
     EXPECT_EQ(Shown(list.get(), KindList), "{1}{2}");
 }
 
+TEST_F(TabLoading, AHeaderRowHoldsTheLinesOfItsQuotedCells) {
+    EXPECT_EQ(loaded("\"a\nb\",c\n1,2\n", "a : integer\nb : integer\n", {1, 0, ',', -1}), "{1|2}");
+    EXPECT_EQ(loaded("\"a\nb\",c\n--,--\n1,2\n", "a : integer\nb : integer\n", {2, 0, ',', -1}), "{1|2}");
+    EXPECT_EQ(loadedAs("\"a\nb\",c\n1,2\n", "s : string", {1, 0, ',', -1}), "1,2\n");
+}
+
 // ---- tables and fixed lists ----
 
 TEST_F(TabLoading, TablesRefuseRowsWithAKeyTheyHaveAndGoOn) {
