@@ -52,8 +52,9 @@ struct XmlResult {
 XmlResult XmlSave(const std::string& filename, std::int32_t options, const void* value, Kind kind,
                   std::string_view names = {});
 // XmlRead into a value. A table takes its rows also from a list of records inside the outermost element, or
-// one row from a single record; rows that it refuses are counted, and reported as 637. When the reading was
-// stopped (progress.h) the value is as it was. 764 for no value.
+// one row from a single record of its fields' kinds; rows that it refuses are counted, and reported as 637. A
+// table stays as it was, with 673, when the file holds data that no form has a place for. When the reading
+// was stopped (progress.h) the value is as it was. 764 for no value.
 XmlResult XmlLoad(const std::string& filename, void* value, Kind kind);
 
 std::string XmlEscape(std::string_view text);

@@ -113,8 +113,8 @@ private:
             given_.count = count_;
             const XmlTarget field = fields_.next();
             if (field.takesText()) XmlBindText(reader_, field, value);
-        } else if (given_.target.value != nullptr) {
-            reader_.lostData = true;
+        } else {
+            given_.unplaced = given_.target.takesText();
         }
         if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
         if (count_ == 1) found_->firstValue = value;
@@ -217,6 +217,7 @@ void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result) {
         if (reader.ended()) return;
         if (closed) readEndTag(reader, name);
     }
+    if (given.unplaced) XmlNoteLost(reader, "The attributes", std::string_view(reader.names).substr(name));
     checkTypeText(reader, result.typeText);
 }
 

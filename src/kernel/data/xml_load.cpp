@@ -9,6 +9,7 @@
 #include "kernel/errors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
+#include "kernel/strings.h"
 #include "kernel/tables.h"
 
 #include <utility>
@@ -96,6 +97,24 @@ XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* tab
     return result;
 }
 
+// Whether the fields are those of a row, whatever the lengths of texts: the row's own count for these.
+bool matchesRow(std::string_view fields, const RecordDescriptor* row) {
+    std::string text;
+    for (std::int32_t n = 1; !fields.empty(); ++n) {
+        const std::string line = TypeInfoLine(fields, 1);
+        fields.remove_prefix(line.size());
+        const bool string = TypeInfoKind(TypeInfoParseLine(line, 1).typeName) == KindString;
+        if (row == nullptr || !string || RecordFieldKind(row, n) != KindString) {
+            text += line;
+            continue;
+        }
+        TypeBounds bounds;
+        bounds.lb1 = StringMaxLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n)));
+        TypeInfoAppendLine(text, MaxTypeInfo, TypeInfoName(line, 1), "string", bounds);
+    }
+    return TypeInfoMatchesValue(text, row) == 0;
+}
+
 // What the table could not take as it stands, by its structure.
 XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table, XmlReadResult direct) {
     std::string text;
@@ -105,8 +124,7 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
         return loadInnerList(filename, table);
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
-    if (single && TypeInfoMatchesValue(fieldsOf(text), rowShape(table)) == 0)
-        return loadSingleRecord(filename, table);
+    if (single && matchesRow(fieldsOf(text), rowShape(table))) return loadSingleRecord(filename, table);
     return direct;
 }
 
@@ -123,11 +141,14 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     if (result.error.code != 0) return result;
     result = ReadXml(filename, fresh.get(), KindTable, nullptr, 0);
     if (isFileError(result.error.code) || result.stopped) return result;
-    const bool fits = result.error.code == 0 && !result.lostData;
+    const bool fits = result.error.code == 0 && result.lost.code == 0;
     if (!fits && !XmlIsMemoryError(result.error.code))
         result = loadOtherForm(filename, fresh.get(), std::move(result));
-    const bool counts = !isFileError(result.error.code) && !XmlIsMemoryError(result.error.code);
-    if (counts && !result.stopped) std::swap(*table, *fresh.get());
+    // Rows that came out empty collide, which is not what is wrong.
+    const bool nothingElse = result.error.code == 0 || result.error.code == ERR_DUPLICATE_FIELDS;
+    if (result.lost.code != 0 && nothingElse) result.error = result.lost;
+    const bool failed = isFileError(result.error.code) || XmlIsMemoryError(result.error.code);
+    if (!failed && !result.stopped && result.lost.code == 0) std::swap(*table, *fresh.get());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {
         result.error.code = ERR_UNIQUE_INDEX;
         result.error.message = ErrorText(ERR_UNIQUE_INDEX);

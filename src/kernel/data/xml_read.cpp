@@ -181,7 +181,7 @@ XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::stri
     // What looks like the end of the file may be this.
     if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
     if (ScannerFileError() == os::FileError::None && !reader.stopped && !lacksMemory) fresh.takePlace();
-    return {std::move(reader.error), reader.stopped, reader.lostData};
+    return {std::move(reader.error), reader.stopped, std::move(reader.lost)};
 }
 
 }  // namespace
@@ -200,6 +200,13 @@ void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
     if (XmlIsMemoryError(code))
         ReportError(reader.memory, code, ScannerLineNumber(), ScannerPosition(), message);
     ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
+}
+
+void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element) {
+    if (reader.lost.code != 0) return;
+    const std::string message = std::string(what).append(" of element '").append(element);
+    ReportError(reader.lost, ERR_XML_DATA, ScannerLineNumber(), ScannerPosition(),
+                message + "' cannot be loaded, fields are expected there");
 }
 
 std::int32_t XmlTakeCellError() {

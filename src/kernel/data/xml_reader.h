@@ -92,7 +92,7 @@ struct XmlReader {
     ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
     bool abandoned = false;            // what follows cannot be read
-    bool lostData = false;             // the value has no place for text or attributes that were there
+    ErrorRecord lost{};                // the first data that the value has no place for
     std::int32_t depth = 0;            // open elements
     std::string names{};               // of the open elements, and of a child that was just read
     std::string text{};                // of the open elements, one behind another
@@ -149,6 +149,9 @@ bool XmlIsMemoryError(std::int32_t code);
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.
 ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
+// What an element holds has no place in the value. That is no error of the read, but a table may be read in
+// another form.
+void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element);
 // Moves the error of an operation on a value from the cell; 0 for none.
 std::int32_t XmlTakeCellError();
 // What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
@@ -191,7 +194,8 @@ void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result);
 struct XmlGivenFields {
     XmlTarget target;
     std::int32_t count = 0;
-    bool failed = false;  // one of them left the error in the record
+    bool failed = false;    // one of them left the error in the record
+    bool unplaced = false;  // there are some, and no record to take them
     void giveWay(XmlReader& reader);
 };
 // From behind the start tag to behind the `</`; false, and reported, when there is none. `name` begins there
@@ -283,7 +287,7 @@ void XmlAppendDeeper(std::string& to, std::string_view text);
 struct XmlReadResult {
     ErrorRecord error;
     bool stopped = false;
-    bool lostData = false;
+    ErrorRecord lost{};
 };
 XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
                       std::int32_t typeTextSize);
