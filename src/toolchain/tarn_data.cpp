@@ -43,7 +43,7 @@ std::string formText(const Source& source) {
     };
     switch (source.format) {
     case FormatText: return "lines of text";
-    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.form)]);
+    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.xmlRows.form)]);
     case FormatXbase: return "Xbase";
     case FormatBinary: return "table file";
     default:

@@ -6,7 +6,6 @@
 //   tarn_data_arguments   the command line
 //   tarn_data_source      what a file is, and its rows as a table of typed values
 //   tarn_data_target      what the other form cannot hold, and the writing
-//   tarn_data_xml         whether the elements of an XML file stand where fields are read by position
 //   tarn_data_progress    progress on a terminal, and stopping
 #pragma once
 
@@ -58,7 +57,7 @@ struct Source {
     TabOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    enum class Form { Rows, Values, Single } form = Form::Rows;  // XML: what the outermost element holds
+    XmlRows xmlRows;  // XML: which elements are the rows
 };
 // Finds out what a file is. Extensions decide only between lines and delimited text, and give defaults.
 Problem identify(const std::string& file, const Arguments& arguments, Source& source);
@@ -83,15 +82,6 @@ Problem chooseTarget(const std::string& file, const Layout& layout, Target& targ
 // Finds the first cell that the target cannot hold, or with `replace` changes all of them.
 Problem fitRows(const Target& target, bool replace, std::string_view columns, TableValue& table);
 Problem saveRows(const Target& target, const TableValue& table);
-
-// ---- XML ----
-
-// Fields are read by their position. So a row whose elements do not stand in the order of the columns, or in
-// which one is missing ahead of others, would be read wrongly: that is a problem here. `columns` with names
-// as they are in the file, which must be well-formed; its rows stand at `rowDepth` (1: the outermost
-// element), and are counted.
-Problem checkXmlOrder(const std::string& file, const std::vector<std::string>& columns, std::size_t rowDepth,
-                      std::int32_t& rows);
 
 // ---- progress ----
 

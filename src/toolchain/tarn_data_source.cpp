@@ -148,28 +148,18 @@ bool isOneRow(const std::string& file, DataFileInfo& info) {
     }
     info.typeText = TypeInfoFixAny(text);
     info.message.clear();
+    info.xmlRows = {XmlRows::Form::Rows, 2};
     return true;
 }
 
-// Counts rows, and tells lists of values from lists of records.
+// Counts rows, and looks whether their fields stand in the places of the columns.
 Problem identifyXml(const Arguments& arguments, Source& source) {
     if (arguments.from.any())
         return {fileWord(source.file) + "is XML, which has no separator, header, footer or row limit.",
                 "Leave the options of delimited text away.", WrongUsage};
-    std::string text;
-    XmlRead(source.file, 0, nullptr, KindNone, &text, MaxTypeInfo);
-    const std::int32_t kind = TypeInfoKind(TypeInfoParseLine(text, 2).typeName);
-    const bool list = TypeInfoIsPath(text, "/list") || TypeInfoIsPath(text, "/table");
-    const bool inner =
-        TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record");
-    if (list && kind != KindRecord && kind != KindList) source.form = Source::Form::Values;
-    const bool oneRow = TypeInfoIsPath(text, "/record/record") && TypeInfoCountElements(text, 1) == 1;
-    if (!list && !inner && !oneRow) source.form = Source::Form::Single;
-    return checkXmlOrder(source.file, columnNames(source.columns),
-                         inner            ? 3
-                         : list || oneRow ? 2
-                                          : 1,
-                         source.rowsSeen);
+    const XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
+    source.rowsSeen = order.rows;
+    return {order.message, order.advice};
 }
 
 // The columns of a file whose types do not fit each other, when they are to be text.
@@ -200,6 +190,7 @@ Problem identify(const std::string& file, const Arguments& arguments, Source& so
         if (!info.message.empty() && !isOneRow(file, info)) return problemOfInfo(file, info.message);
         source.format = info.format;
         source.columns = info.typeText;
+        source.xmlRows = info.xmlRows;
         Problem problem;
         if (isDelimitedName(info.format)) problem = identifyDelimited(info, source);
         if (info.format == FormatXml) problem = identifyXml(arguments, source);
@@ -300,12 +291,12 @@ Problem loadProblem(const Source& source, const TabResult& result, const std::st
     }
 }
 
-Problem load(const Source& source, const TabOptions& options, void* value, Kind kind, TabResult& result) {
+Problem load(const Source& source, const TabOptions& options, TableValue& table, TabResult& result) {
     const Work work("reading " + source.file);
     std::string message;
     // Lines, too, go by the options here.
     const DataFormat format = source.format == FormatText ? FormatTab : source.format;
-    result = LoadValue(source.file, format, options, value, kind, message);
+    result = LoadRows(source.file, format, options, source.xmlRows.form, table.get(), message);
     ClearError();
     if (result.stopped || stopSignal() != 0) return stoppedProblem();
     return result.code == 0 ? Problem() : loadProblem(source, result, message);
@@ -324,7 +315,7 @@ Problem checkEmptyLine(const Source& source, std::string_view columns) {
     TableValue texts;
     TabResult result;
     Problem problem = makeTable(textColumns(columns), texts);
-    if (!problem.any()) problem = load(source, source.options, texts.get(), KindTable, result);
+    if (!problem.any()) problem = load(source, source.options, texts, result);
     if (problem.any()) return problem;
     const ListDescriptor* const rows = TableRows(texts.get());
     for (std::int32_t i = source.rowsSeen + 1; i <= rows->count; ++i) {
@@ -341,45 +332,16 @@ Problem loadDelimited(const Source& source, std::string_view columns, TableValue
     TabOptions options = source.options;
     const bool seen = source.rowsSeen >= 0;
     Problem problem;
-    if (!seen) return load(source, options, table.get(), KindTable, result);
+    if (!seen) return load(source, options, table, result);
     const auto more =
         options.maxdatarows < 0 ? source.rowsSeen + 1 : std::min(options.maxdatarows, source.rowsSeen + 1);
     options.maxdatarows = more;
-    problem = load(source, options, table.get(), KindTable, result);
+    problem = load(source, options, table, result);
     const bool further = result.row > source.rowsSeen || result.rows > source.rowsSeen;
     if (!further) return problem;
     problem = checkEmptyLine(source, columns);
     options.maxdatarows = source.rowsSeen;
-    return problem.any() ? problem : load(source, options, table.get(), KindTable, result);
-}
-
-void addRow(TableValue& table, const RecordValue& row) {
-    TableAdd(table.get(), 0, row.get());
-}
-
-// The values of a list become rows of one field.
-Problem loadValues(const Source& source, TableValue& table, RecordValue& row) {
-    ListValue list;
-    TabResult result;
-    const Kind kind = RecordFieldKind(row.get(), 1);
-    void* const field = RecordFieldAddress(row.get(), 1);
-    ListInit(list.get(), UNBOUNDED, IsAdtKind(kind) ? field : nullptr, kind, false);
-    const Problem problem = load(source, source.options, list.get(), KindList, result);
-    for (std::int32_t i = 1; i <= list.get()->count && !problem.any() && ErrorCell() == 0; ++i) {
-        if (IsAdtKind(kind))
-            AdtCopy(ListRef(list.get(), i), field, kind);
-        else
-            std::memcpy(field, ListRef(list.get(), i), static_cast<std::size_t>(KindSize[kind]));
-        addRow(table, row);
-    }
-    return problem;
-}
-
-Problem loadSingle(const Source& source, TableValue& table, RecordValue& row) {
-    TabResult result;
-    const Problem problem = load(source, source.options, row.get(), KindRecord, result);
-    if (!problem.any()) addRow(table, row);
-    return problem;
+    return problem.any() ? problem : load(source, options, table, result);
 }
 
 Problem identifyTexts(Source& source, const DataFileInfo& info) {
@@ -396,7 +358,7 @@ Problem identifyTexts(Source& source, const DataFileInfo& info) {
     TableValue table;
     TabResult result;
     Problem problem = makeTable(source.columns, table);
-    if (!problem.any()) problem = load(source, source.options, table.get(), KindTable, result);
+    if (!problem.any()) problem = load(source, source.options, table, result);
     if (problem.any()) return problem;
     std::size_t used = named;
     const ListDescriptor* const rows = TableRows(table.get());
@@ -415,27 +377,14 @@ Problem identifyTexts(Source& source, const DataFileInfo& info) {
     return {};
 }
 
-// What is no list of records, row by row.
-Problem loadOtherForm(const Source& source, TableValue& table) {
-    RecordValue row;
-    AdtInit(row.get(), At(TableRows(table.get())->prototype), KindRecord);
-    const Problem problem =
-        source.form == Source::Form::Values ? loadValues(source, table, row) : loadSingle(source, table, row);
-    TabResult result;
-    result.code = ErrorCell();
-    ClearError();
-    return problem.any() || result.code == 0 ? problem : loadProblem(source, result, {});
-}
-
 }  // namespace
 
 Problem loadRows(const Source& source, std::string_view columns, TableValue& table) {
     Problem problem = makeTable(columns, table);
     if (problem.any()) return problem;
     if (isDelimitedName(source.format)) return loadDelimited(source, columns, table);
-    if (source.form != Source::Form::Rows) return loadOtherForm(source, table);
     TabResult result;
-    return load(source, source.options, table.get(), KindTable, result);
+    return load(source, source.options, table, result);
 }
 
 }  // namespace tarn::data

@@ -112,6 +112,7 @@ void readXml(const std::string& filename, DataFileInfo& info) {
     const ErrorRecord& error = found.error;
     info.stopped = found.stopped;
     info.typeText = TypeInfoFixAny(found.typeText);
+    info.xmlRows = XmlRowsOf(found.typeText);
     if (!error.message.empty())
         info.message = error.message + placeOf(error);
     else if (info.typeText.empty())
@@ -330,6 +331,12 @@ TabResult LoadValue(const std::string& filename, DataFormat format, const TabOpt
     case FormatXml: return fromXml(XmlLoad(filename, value, kind), message);
     default: return {ERR_COMPONENT_UNREPRESENTABLE};
     }
+}
+
+TabResult LoadRows(const std::string& filename, DataFormat format, const TabOptions& options,
+                   XmlRows::Form form, TableDescriptor* table, std::string& message) {
+    if (format == FormatXml) return fromXml(XmlLoadRows(filename, form, table), message);
+    return LoadValue(filename, format, options, table, KindTable, message);
 }
 
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,

@@ -6,6 +6,7 @@
 
 #include "kernel/data/scanner.h"
 #include "kernel/data/tabular.h"
+#include "kernel/data/xml_order.h"
 #include "kernel/values.h"
 
 #include <cstdint>
@@ -35,6 +36,7 @@ struct DataFileInfo {
     TabOptions options;    // how a delimited file was read
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // of a delimited file, as TabDiscover tells them
     bool stopped = false;                        // by progress.h: there are no columns then, and no message
+    XmlRows xmlRows{};                           // which elements of an XML file are the rows
 };
 // Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
 // most 100 rows.
@@ -51,6 +53,9 @@ void TypeInfoStripOuter(std::string& text, std::int32_t size);
 // Whole values. `flags` are those of xml.h. A format that is not known, or that cannot hold the kind: 658.
 TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
                     Kind kind, std::string& message);
+// Into a table of the columns that GetDataFileInfo found, which has no index.
+TabResult LoadRows(const std::string& filename, DataFormat format, const TabOptions& options,
+                   XmlRows::Form form, TableDescriptor* table, std::string& message);
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
                     std::int32_t flags, const void* value, Kind kind, std::string_view names = {});
 
