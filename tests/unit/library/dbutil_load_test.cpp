@@ -82,5 +82,55 @@ TEST_F(DataTables, RemarksTellRowsOfDelimitedTextAndLinesOfXml) {
                            "Values that could not be read are shown as 0, or cut.");
 }
 
+TEST_F(DataTables, XmlOfManyShapesGivesRows) {
+    const struct {
+        const char *text, *expected;
+    } cases[] = {
+        {"<l><r><a>1</a><b>x</b></r><r><a>2</a><b>yy</b></r></l>", "a b {1|x}{2|yy}"},
+        {"<l><r a='1' b='x'/><r a='2' b='y'/></l>", "a b {1|x}{2|y}"},
+        {"<d><l><r><a>1</a><b/></r><r><a>2</a><b>y</b></r></l></d>", "a b {1|}{2|y}"},
+        {"<l><r><a>1</a><b/><c>3</c></r><r><a>4</a><b/><c>6</c></r></l>", "a b c {1||3}{4||6}"},
+        {"<l><r><a>1</a><b>2</b></r><r><a>3</a></r></l>", "a b {1|2}{3|0}"},
+        {"<l><v>1</v><v>2</v></l>", "v {1}{2}"},
+        {"<l><v>one</v><v>2</v><v/></l>", "v {one}{2}{}"},
+        {"<l><v x='1'/><v x='2'/></l>", "v {1}{2}"},
+        {"<r><a>1</a><b>x</b></r>", "a b {1|x}"},
+        {"<r first-name='x' last-name='y'/>", "first-name last-name {x|y}"},
+        {"<r>5</r>", "r {5}"},
+        {"<r x='5'/>", "r {5}"},
+        {"<c><phone type='home'>1</phone><phone type='mobile'>2</phone></c>", "phone {1}{2}"},
+    };
+    for (const auto& c : cases) {
+        const DataTable data = load("a.xml", c.text);
+        EXPECT_EQ(shown(data), c.expected) << c.text;
+        EXPECT_EQ(data.remark, "") << c.text;
+    }
+}
+
+TEST_F(DataTables, XmlThatWouldBeShownUnderWrongNamesIsNotShown) {
+    const struct {
+        const char *text, *expected;
+    } cases[] = {
+        {"<l>\n<r><a>1</a><c>3</c></r>\n<r><a>4</a><b>5</b><c>6</c></r></l>",
+         " line 2: element 'c' does not stand in the place of its column."},
+        {"<l><r a='1' b='2' c='3'/>\n<r a='1' c='3'/></l>",
+         " line 2: attribute 'c' does not stand in the place of its column."},
+        {"<l><r type='record' b='1'/>\n<r a='1' b='2'/></l>",
+         " line 1: attribute 'b' does not stand in the place of its column."},
+        {"<l><r a='1' b='2'><c>1</c><d>1</d></r><r><c>1</c><d>1</d></r></l>",
+         " line 1: element 'c' stands in a row that has data in attributes, too."},
+    };
+    for (const auto& c : cases) {
+        const DataTable data = load("a.xml", c.text);
+        EXPECT_EQ(data.step, DataTable::Step::Rows) << c.text;
+        EXPECT_EQ(data.message.substr(0, data.message.find('\n')),
+                  "File '" + (folder / "a.xml") + "'" + c.expected);
+        EXPECT_EQ(data.table.get()->tag, 0) << c.text;
+    }
+    const DataTable data = load("a.xml", "<l>\n<v x='5'/>\n<v>6</v></l>");
+    EXPECT_EQ(data.step, DataTable::Step::Rows);
+    EXPECT_EQ(data.message, "Line 3: The text of element 'v' cannot be loaded, fields are expected there");
+}
+
 }  // namespace
 }  // namespace tarn
