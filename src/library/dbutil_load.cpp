@@ -123,8 +123,7 @@ DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, 
     const DataFileInfo info = findColumns(filename, options, data);
     if (data.step == DataTable::Step::Done && format == FormatXml) checkOrder(filename, info, data);
     if (data.step != DataTable::Step::Done) return data;
-    std::string columns = info.typeText;
-    if (options != nullptr) columns = TYPEINFOFIXIDENTIFIERS(columns, LongestColumnName);
+    const std::string columns = TYPEINFOFIXIDENTIFIERS(info.typeText, LongestColumnName);
     STAMP();
     buildTable(columns, data.table.get());
     const std::int32_t code = takeError();

@@ -32,7 +32,7 @@ struct DataFileInfo {
     DataFormat format = FormatUnknown;
     std::string typeText;  // the columns, one per line; "" when there is a message
     std::string message;   // "" or why the file cannot be used
-    std::string keys;      // names of the default key's columns, separated by ","; "" for none
+    std::string keys;      // of the default key: the repaired names of its columns with "," between, or ""
     TabOptions options;    // how a delimited file was read
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // of a delimited file, as TabDiscover tells them
     bool stopped = false;                        // by progress.h: there are no columns then, and no message
@@ -51,6 +51,7 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
 void TypeInfoStripOuter(std::string& text, std::int32_t size);
 
 // Whole values. `flags` are those of xml.h. A format that is not known, or that cannot hold the kind: 658.
+// Of the options an Xbase file takes `maxdatarows` alone. `message` is that of an XML or Xbase file.
 TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
                     Kind kind, std::string& message);
 // Into a table of the columns that GetDataFileInfo found, which has no index.

@@ -134,10 +134,10 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
 
 void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text) {
     constexpr std::size_t mostSeen = 100;
-    if (text.empty() || broken_ || seen_.contains(text)) return;
+    if (text.empty() || broken_ || text_.size() > most || seen_.contains(text)) return;
     std::string report, merged = text;
     alignReals(text_, merged);
-    if (!text_.empty()) merged = TypeInfoMerge(text_, merged, MaxXmlTypeText + 2, report);
+    if (!text_.empty()) merged = TypeInfoMerge(text_, merged, INT32_MAX, report);
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();

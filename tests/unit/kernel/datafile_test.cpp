@@ -60,17 +60,24 @@ TEST_F(DataFiles, UnknownTypesShowTheirFirstBytes) {
     EXPECT_EQ(message("\nabc"), "File '/d/f' is an unknown file type (first four bytes = 0A 61 62 63).");
 }
 
-TEST_F(DataFiles, TableFilesAreKnownButNotRead) {
-    const char* const noInformation = "Data File information cannot be obtained";
+TEST_F(DataFiles, TableFilesAreToldByTheirDates) {
     for (const int version : {3, 4, 5, 48, 131, 139})
-        EXPECT_EQ(message(std::string(1, static_cast<char>(version)) + "\x7D\x0C\x1F"), noInformation)
+        EXPECT_EQ(message(std::string(1, static_cast<char>(version)) + "\x7D\x0C\x1F"),
+                  "Xbase file header is incomplete")
             << version;
     EXPECT_EQ(message("\3\x7D\x0D\x1F"),
               "File '/d/f' is an unknown file type (first four bytes = 03 7D 0D 1F).");
     EXPECT_EQ(message("\3\x7D\x0C\x20"),
               "File '/d/f' is an unknown file type (first four bytes = 03 7D 0C 20).");
+    EXPECT_EQ(message("\3\x7D\0\x1F"s),
+              "File '/d/f' is an unknown file type (first four bytes = 03 7D 00 1F).");
+    EXPECT_EQ(message("\3\x7D\x0C\0"s),
+              "File '/d/f' is an unknown file type (first four bytes = 03 7D 0C 00).");
+}
+
+TEST_F(DataFiles, RowsOfTablesAloneTellNothing) {
     EXPECT_EQ(message("\0\0\0\1", "/d/f.bin"), "File '/d/f.bin' is invalid, does not exist or is empty.");
-    EXPECT_EQ(message("\0\0\0\1"s, "/d/f.bin"), noInformation);
+    EXPECT_EQ(message("\0\0\0\1"s, "/d/f.bin"), "Data File information cannot be obtained");
 }
 
 TEST_F(DataFiles, TextIsReadByItsFirstLine) {
@@ -93,6 +100,31 @@ TEST_F(DataFiles, TextIsReadByItsFirstLine) {
     EXPECT_EQ(info.format, FormatComma);
     EXPECT_EQ(info.typeText, "a : integer\nb : integer\n");
     EXPECT_EQ(info.options.maxdatarows, -1);
+}
+
+TEST_F(DataFiles, KeysHaveTheRepairedNamesOfTheColumns) {
+    const struct {
+        const char *header, *row, *keys;
+    } cases[] = {{"id,end,qty", "1,2,3", "id,end_1,qty"},
+                 {"id,End,qty", "1,2,3", "id,End_1,qty"},
+                 {"\"price : EUR\",qty", "1,2", "price___EUR,qty"},
+                 {"\"last; first\",qty", "1,2", "last__first,qty"},
+                 {"order no,group", "1,2", "order_no,group_1"},
+                 {"a heading of just over thirty-eight chars,qty", "1,2",
+                  "a_heading_of_just_over_thirty_eight_char,qty"}};
+    const TabOptions header{1, 0, ',', -1};
+    for (const auto& c : cases) {
+        files_.put("/d/f.csv", c.header + "\n"s + c.row + "\n" + c.row + "\n");
+        const DataFileInfo info = GetDataFileInfo("/d/f.csv", &header);
+        EXPECT_EQ(info.message, "") << c.header;
+        EXPECT_EQ(info.keys, c.keys) << info.typeText;
+    }
+    files_.put(
+        "/d/f",
+        "<rows><r><id>1</id><end>5</end><qty>3</qty></r><r><id>2</id><end>6</end><qty>4</qty></r></rows>");
+    const DataFileInfo info = GetDataFileInfo("/d/f", nullptr);
+    EXPECT_EQ(info.typeText, "id : integer\nend : integer\nqty : integer\n");
+    EXPECT_EQ(info.keys, "id,end_1,qty");
 }
 
 TEST_F(DataFiles, WithoutOptionsAHundredRowsAreLookedAt) {
@@ -126,6 +158,10 @@ TEST_F(DataFiles, XmlGivesItsColumns) {
               "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
     EXPECT_EQ(message("<data><a>1</a><b type='union'></b><c>2</c></data>"),
               "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
+    for (const std::string name : {"end", "End"})
+        EXPECT_EQ(message("<data><a>1</a><" + name + "><c>1</c><d>2</d></" + name + "></data>"),
+                  "Column number 2 \"" + name +
+                      "\" contains a nested record - columns cannot contain nested data");
     EXPECT_EQ(message("<data/>"), "File '/d/f' contains no XML data apart from the outermost element.");
     files_.put("/d/f", "<l><r><a>1</a><b/><c>x</c></r><r><a>2</a><b/><c>y</c></r></l>");
     EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).typeText, "a : integer\nb : string[1024]\nc : string[1]\n")
@@ -246,7 +282,7 @@ TEST_F(DataFiles, OuterPairsAreStripped) {
 TEST_F(DataFiles, WhatAFormatCannotHoldIsRefused) {
     String text(std::string_view("x"));
     std::string words;
-    for (const std::int32_t format : {0, 4, 5, 8, -1, 99}) {
+    for (const std::int32_t format : {0, 4, 8, -1, 99}) {
         const auto code = static_cast<DataFormat>(format);
         EXPECT_EQ(LoadValue("/d/f", code, {}, text.get(), KindString, words).code, 658) << format;
         EXPECT_EQ(SaveValue("/d/f", code, {}, 0, text.get(), KindString).code, 658) << format;
