@@ -36,7 +36,7 @@ void tellFailure(const std::string& file, const std::string& message, bool delim
 bool identify(const std::string& file, DataFileInfo& info) {
     LongWork work("Looking into '" + FILEGETFNAME(file) + "'");
     info = GetDataFileInfo(file, nullptr);
-    return !work.stopped();
+    return !info.stopped && !work.stopped();
 }
 
 void showTable(const std::string& file, const TabOptions* options, DataFormat format) {

@@ -27,7 +27,8 @@ std::string readStart(const std::string& filename) {
     std::string bytes;
     os::Handle handle = -1;
     const std::string path = os::native(filename);
-    if (os::infoOf(path).folder) return bytes;
+    const os::FileInfo info = os::infoOf(path);
+    if (info.folder || info.special) return bytes;
     if (os::files().open(path, os::OpenMode::Read, 0, handle) != os::FileError::None) return bytes;
     bytes.resize(2 * std::size_t{MaxTabLine});
     std::size_t filled = 0, got = 1;
@@ -51,7 +52,7 @@ bool occurs(char separator, std::string_view line, std::string_view next) {
 bool isColumnName(std::string_view cell) {
     std::string name = STRREPLACE(STRTRIM(cell), "\"", "");
     std::replace(name.begin(), name.end(), ' ', '_');
-    return !name.empty() && STRTOIDENTIFIER(name, LongestIdentifier, "_") == name;
+    return STRTOIDENTIFIER(name, LongestIdentifier, "_") == name;
 }
 
 bool allColumnNames(std::string_view line, char separator) {

@@ -9,6 +9,9 @@
 #include "library/longwork.h"
 #include "library/system.h"
 
+#include <algorithm>
+#include <vector>
+
 MODULE("dbutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
@@ -44,19 +47,20 @@ std::string failureText(std::int32_t code) {
 
 bool isWholeFailure(std::int32_t code) {
     const bool file = code >= ERR_FILE_READ && code <= ERR_COMPONENT_UNREPRESENTABLE;
-    return file || code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+    return file || code == ERR_XML_DATA || code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
 }
 
-std::string remarkOn(const TabResult& result, const std::string& message) {
-    const std::string text = (message.empty() ? failureText(result.code) : message) +
-                             "\nValues that could not be read are shown as 0, or cut.";
+// What went wrong, and where.
+std::string failureText(const TabResult& result, const std::string& message) {
+    const std::string text = message.empty() ? failureText(result.code) : message;
+    if (result.line > 0) return "Line " + STR(result.line) + ": " + text;
     return result.row < 1 ? text : "Row " + STR(result.row) + ": " + text;
 }
 
 // Of delimited text that has more rows than a table can hold, the first ones are read.
-TabResult load(const std::string& filename, TabOptions options, DataFormat format, DataTable& data,
-               std::string& message) {
-    TabResult result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
+TabResult load(const std::string& filename, TabOptions options, DataFormat format, XmlRows::Form form,
+               DataTable& data, std::string& message) {
+    TabResult result = LoadRows(filename, format, options, form, data.table.get(), message);
     if (result.code != ERR_BLOCK_TOO_LARGE || format == FormatXml) return result;
     options.maxdatarows = MostRows;
     result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
@@ -64,33 +68,50 @@ TabResult load(const std::string& filename, TabOptions options, DataFormat forma
     return result;
 }
 
-void readRows(const std::string& filename, const TabOptions& options, DataFormat format, DataTable& data) {
+void readRows(const std::string& filename, const TabOptions& options, DataFormat format, XmlRows::Form form,
+              DataTable& data) {
     LongWork work("Reading '" + FILEGETFNAME(filename) + "'");
     std::string message;
-    const TabResult result = load(filename, options, format, data, message);
+    const TabResult result = load(filename, options, format, form, data, message);
     data.step = DataTable::Step::Done;
     if (work.stopped()) {
         data.step = DataTable::Step::Stopped;
     } else if (isWholeFailure(result.code)) {
         data.step = DataTable::Step::Rows;
-        data.message = failureText(result.code);
+        data.message = failureText(result, message);
     } else if (result.code != 0 && data.remark.empty()) {
-        data.remark = remarkOn(result, message);
+        data.remark =
+            failureText(result, message) + "\nValues that could not be read are shown as 0, or cut.";
     }
 }
 
-// The declaration of the columns; a message in `data` if there is none.
-std::string findColumns(const std::string& filename, const TabOptions* options, DataTable& data) {
+// Rows of XML whose fields do not stand in the places of the columns would be shown under wrong names.
+void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable& data) {
+    LongWork work("Looking through '" + FILEGETFNAME(filename) + "'");
+    std::vector<std::string> names;
+    const auto columns = std::count(info.typeText.begin(), info.typeText.end(), '\n');
+    for (std::int32_t n = 1; n <= columns; ++n) names.push_back(TypeInfoName(info.typeText, n));
+    const XmlOrder order = XmlCheckOrder(filename, names, info.xmlRows);
+    if (order.stopped) {
+        data.step = DataTable::Step::Stopped;
+    } else if (!order.message.empty()) {
+        data.step = DataTable::Step::Rows;
+        data.message = order.message + "\n" + order.advice;
+    }
+}
+
+// The columns; a message in `data` if there are none.
+DataFileInfo findColumns(const std::string& filename, const TabOptions* options, DataTable& data) {
     LongWork work("Finding the columns of '" + FILEGETFNAME(filename) + "'");
     DataFileInfo info = GetDataFileInfo(filename, options);
     data.step = DataTable::Step::Done;
-    if (work.stopped()) {
+    if (info.stopped || work.stopped()) {
         data.step = DataTable::Step::Stopped;
     } else if (!info.message.empty()) {
         data.step = DataTable::Step::Columns;
         data.message = info.message;
     }
-    return std::move(info.typeText);
+    return info;
 }
 
 }  // namespace
@@ -99,9 +120,10 @@ DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, 
     FRAME(LOADDATATABLE);
     DataTable data;
     STAMP();
-    std::string columns = findColumns(filename, options, data);
+    const DataFileInfo info = findColumns(filename, options, data);
+    if (data.step == DataTable::Step::Done && format == FormatXml) checkOrder(filename, info, data);
     if (data.step != DataTable::Step::Done) return data;
-    columns = TYPEINFOFIXIDENTIFIERS(columns, LongestColumnName);
+    const std::string columns = TYPEINFOFIXIDENTIFIERS(info.typeText, LongestColumnName);
     STAMP();
     buildTable(columns, data.table.get());
     const std::int32_t code = takeError();
@@ -111,7 +133,7 @@ DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, 
         return data;
     }
     data.columns = static_cast<int>(TABLEFIELDNAMES(data.table.get()).size());
-    readRows(filename, options != nullptr ? *options : TabOptions{}, format, data);
+    readRows(filename, options != nullptr ? *options : TabOptions{}, format, info.xmlRows.form, data);
     return data;
 }
 

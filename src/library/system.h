@@ -92,7 +92,8 @@ std::string SAVEFILEREPORT();
 // Whole values of the language, by a format of datafile.h: 1 lines, 2 commas, 3 packed, 6 XML, 7 tabs.
 // `options` is the options record of delimited text; null and an empty one mean the defaults of the format.
 // The first failure is set in the cell too (see TabResult); a file that cannot be read, and a file that
-// cannot be written, stay as they are, and so does the value then. 658 for any other format.
+// cannot be written, stay as they are, and so does the value then. 658 for any other format. The user sees
+// how far a long one is and can stop it: 651 and 652 then, so that no program takes it for done.
 TabResult LOADFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options, void* value,
                    Kind kind);
 TabResult SAVEFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options,

@@ -3,6 +3,7 @@
 // The file family of the system library: facts about files, free names, search paths, whole files, copies.
 // A failed write leaves the old contents and sets the error cell; see SAVEFILEREPORT for what the user is
 // told.
+#include "library/savereport.h"
 #include "library/system.h"
 
 #include "kernel/ascii.h"
@@ -17,16 +18,6 @@ MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
 namespace {
-
-// What the save before was about if it failed, for the report that the caller asks for next.
-struct FailedSave {
-    std::string file;
-    os::SaveResult result;
-};
-FailedSave& lastFailedSave() {
-    static FailedSave failed;
-    return failed;
-}
 
 void appendPadded(std::string& out, int value, std::size_t width) {
     const std::string digits = STR(value);
@@ -148,6 +139,11 @@ void SETCURDIR(const std::string& directory) {
     SetError(FileReadCode(os::files().setCurrentFolder(os::native(directory))));
 }
 
+detail::FailedSave& detail::LastFailedSave() {
+    static FailedSave failed;
+    return failed;
+}
+
 std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file) {
     FRAME(FILEFINDPATHNAME);
     if (file.empty() || !FILEGETDIR(file).empty()) return {};
@@ -164,7 +160,7 @@ std::string FILEFINDPATHNAME(std::string_view paths, std::string_view file) {
 
 bool LOADFILE(const std::string& file, std::string& text) {
     FRAME(LOADFILE);
-    lastFailedSave() = {};
+    detail::LastFailedSave() = {};
     STAMP();
     const os::FileError error = os::readFile(file, text);
     if (error != os::FileError::None) text.clear();
@@ -175,26 +171,28 @@ bool LOADFILE(const std::string& file, std::string& text) {
 bool SAVEFILE(const std::string& file, std::string_view text) {
     FRAME(SAVEFILE);
     STAMP();
-    lastFailedSave() = {};
+    detail::LastFailedSave() = {};
     const os::SaveResult result = os::saveFile(file, text);
     if (result.ok()) return true;
-    lastFailedSave() = {file, result};
+    detail::LastFailedSave() = {file, std::string(os::describe(result.error)), result.rescueCopy, true};
     SetError(FileWriteCode(result.error));
     return false;
 }
 
 std::string SAVEFILEREPORT() {
     FRAME(SAVEFILEREPORT);
-    const FailedSave& failed = lastFailedSave();
-    if (failed.result.ok()) return {};
-    std::string text = "The file could not be saved:\n\n\t'" + failed.file + "'\n\n";
-    text.append(os::describe(failed.result.error)).append("\n");
-    if (failed.result.rescueCopy.empty())
-        return text + "The file on disk is as it was, and the text is still in its window.\n"
-                      "Save it again when the cause is gone, or under another name with File-Save As.";
-    return text + "The file on disk may be damaged. The whole new text is safe in this file:\n\n\t'" +
-           failed.result.rescueCopy +
-           "'\n\nSave again when the cause is gone, or copy that file over the damaged one.";
+    const detail::FailedSave& failed = detail::LastFailedSave();
+    if (failed.why.empty()) return {};
+    const std::string text =
+        "The file could not be saved:\n\n\t'" + failed.file + "'\n\n" + failed.why + "\n";
+    if (!failed.rescueCopy.empty())
+        return text + "The file on disk may be damaged. The whole new " + (failed.ofText ? "text" : "data") +
+               " is safe in this file:\n\n\t'" + failed.rescueCopy +
+               "'\n\nSave again when the cause is gone, or copy that file over the damaged one.";
+    if (!failed.ofText)
+        return text + "The file on disk is as it was. Save again when the cause is gone, or to another file.";
+    return text + "The file on disk is as it was, and the text is still in its window.\n"
+                  "Save it again when the cause is gone, or under another name with File-Save As.";
 }
 
 void FILEDELETE(const std::string& file) {

@@ -13,7 +13,6 @@
 //   tarn_data_rowtype     declarations of rows
 //   tarn_data_tables      table files, and the index files beside them
 //   tarn_data_target      what the other form cannot hold, and the writing; _toxbase and _totable likewise
-//   tarn_data_xml         whether the elements of an XML file stand where fields are read by position
 //   tarn_data_progress    progress on a terminal, and stopping
 #pragma once
 
@@ -81,11 +80,11 @@ struct Source {
     TabOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    enum class Form { Rows, Values, Single } form = Form::Rows;  // XML: what the outermost element holds
-    bool text = false, deleted = false;                          // as the arguments say
-    bool willChange = false;                                     // the rows must be copies in memory
-    std::int32_t deletedRows = 0, uncountedRows = 0;             // Xbase: that are not taken
-    RowType type;                                                // of a table file
+    XmlRows xmlRows;                                  // XML: which elements are the rows
+    bool text = false, deleted = false;               // as the arguments say
+    bool willChange = false;                          // the rows must be copies in memory
+    std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
+    RowType type;                                     // of a table file
 };
 // Finds out what a file of rows is: not an index file, and a table file only with a declaration. Extensions
 // decide only between lines and delimited text, and give defaults. `isTable`: the declaration is that of this
@@ -127,14 +126,5 @@ Problem copyXbase(const Source& source, const Target& target);
 // The columns of a source, by name, against those of the table file that they shall fill.
 Problem fitColumns(const Source& source, std::string_view columns, const RowType& type);
 Problem saveTable(const Target& target, Rows& rows);
-
-// ---- XML ----
-
-// Fields are read by their position. So a row whose elements do not stand in the order of the columns, or in
-// which one is missing ahead of others, would be read wrongly: that is a problem here. `columns` with names
-// as they are in the file, which must be well-formed; its rows stand at `rowDepth` (1: the outermost
-// element), and are counted.
-Problem checkXmlOrder(const std::string& file, const std::vector<std::string>& columns, std::size_t rowDepth,
-                      std::int32_t& rows);
 
 }  // namespace tarn::data

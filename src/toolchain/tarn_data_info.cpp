@@ -52,7 +52,7 @@ std::string formText(const Source& source) {
     };
     switch (source.format) {
     case FormatText: return "lines of text";
-    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.form)]);
+    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.xmlRows.form)]);
     default:
         return "delimited text, separator " + separatorName(source.options.separatorchar) +
                rows(source.options.numheaderrows, "header") + rows(source.options.numfooterrows, "footer");

@@ -79,20 +79,22 @@ Problem makeRowsFor(const Source& source, std::string_view columns, bool exact, 
     const std::int64_t size = os::sizeOf(os::native(source.file));
     const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
     const std::string sized = fitsMemory(expected) ? std::string() : withLengths(source, columns);
-    const bool values = source.form != Source::Form::Rows;
+    const bool values = source.xmlRows.form != XmlRows::Form::Rows;
     return sized.empty() || values ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
 }
 
-std::string placeOf(const Source& source, std::int32_t row) {
-    if (row <= 0) return fileWord(source.file);
-    return fileWord(source.file) + (source.format == FormatXml ? "line " : "row ") + std::to_string(row) +
-           " ";
+std::string rowOf(const Source& source, std::int32_t row) {
+    return fileWord(source.file) + "row " + std::to_string(row) + " ";
+}
+std::string placeOf(const Source& source, const TabResult& result) {
+    if (result.line > 0) return fileWord(source.file) + "line " + std::to_string(result.line) + " ";
+    return result.row > 0 ? rowOf(source, result.row) : fileWord(source.file);
 }
 
 }  // namespace
 
 Problem loadProblem(const Source& source, const TabResult& result, const std::string& message) {
-    const std::string what = placeOf(source, result.row) +
+    const std::string what = placeOf(source, result) +
                              "cannot be read: " + (message.empty() ? ErrorMessage(result.code) : message) +
                              ".";
     switch (result.code) {
@@ -111,12 +113,12 @@ Problem loadProblem(const Source& source, const TabResult& result, const std::st
 
 namespace {
 
-Problem load(const Source& source, const TabOptions& options, void* value, Kind kind, TabResult& result) {
+Problem load(const Source& source, const TabOptions& options, Rows& rows, TabResult& result) {
     const Work work("reading " + source.file);
     std::string message;
     // Lines, too, go by the options here.
     const DataFormat format = source.format == FormatText ? FormatTab : source.format;
-    result = LoadValue(source.file, format, options, value, kind, message);
+    result = LoadRows(source.file, format, options, source.xmlRows.form, rows.table.get(), message);
     ClearError();
     if (result.stopped || stopSignal() != 0) return stoppedProblem();
     return result.code == 0 ? Problem() : loadProblem(source, result, message);
@@ -135,11 +137,11 @@ Problem checkEmptyLine(const Source& source, std::string_view columns) {
     Rows texts;
     TabResult result;
     Problem problem = makeRowsFor(source, textColumns(columns), false, texts);
-    if (!problem.any()) problem = load(source, source.options, texts.table.get(), KindTable, result);
+    if (!problem.any()) problem = load(source, source.options, texts, result);
     if (problem.any()) return problem;
     for (std::int32_t i = source.rowsSeen + 1; i <= texts.count(); ++i) {
         if (isBlank(texts.at(i))) continue;
-        return {placeOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
+        return {rowOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
                 "Take the empty line out, or leave what follows it with --max-rows=" +
                     std::to_string(source.rowsSeen) + " or --footer-rows."};
     }
@@ -147,58 +149,20 @@ Problem checkEmptyLine(const Source& source, std::string_view columns) {
 }
 
 Problem loadDelimited(const Source& source, std::string_view columns, Rows& rows) {
-    TableDescriptor* const table = rows.table.get();
     TabResult result;
     TabOptions options = source.options;
     const bool seen = source.rowsSeen >= 0;
     Problem problem;
-    if (!seen) return load(source, options, table, KindTable, result);
+    if (!seen) return load(source, options, rows, result);
     const auto more =
         options.maxdatarows < 0 ? source.rowsSeen + 1 : std::min(options.maxdatarows, source.rowsSeen + 1);
     options.maxdatarows = more;
-    problem = load(source, options, table, KindTable, result);
+    problem = load(source, options, rows, result);
     const bool further = result.row > source.rowsSeen || result.rows > source.rowsSeen;
     if (!further) return problem;
     problem = checkEmptyLine(source, columns);
     options.maxdatarows = source.rowsSeen;
-    return problem.any() ? problem : load(source, options, table, KindTable, result);
-}
-
-// The values of a list become rows of one field.
-Problem loadValues(const Source& source, Rows& rows, RecordValue& row) {
-    ListValue list;
-    TabResult result;
-    const Kind kind = RecordFieldKind(row.get(), 1);
-    void* const field = RecordFieldAddress(row.get(), 1);
-    ListInit(list.get(), UNBOUNDED, IsAdtKind(kind) ? field : nullptr, kind, false);
-    const Problem problem = load(source, source.options, list.get(), KindList, result);
-    for (std::int32_t i = 1; i <= list.get()->count && !problem.any() && ErrorCell() == 0; ++i) {
-        if (IsAdtKind(kind))
-            AdtCopy(ListRef(list.get(), i), field, kind);
-        else
-            std::memcpy(field, ListRef(list.get(), i), static_cast<std::size_t>(KindSize[kind]));
-        rows.add(row.get());
-    }
-    return problem;
-}
-
-Problem loadSingle(const Source& source, Rows& rows, RecordValue& row) {
-    TabResult result;
-    const Problem problem = load(source, source.options, row.get(), KindRecord, result);
-    if (!problem.any()) rows.add(row.get());
-    return problem;
-}
-
-// What is no list of records, row by row.
-Problem loadOtherForm(const Source& source, Rows& rows) {
-    RecordValue row;
-    AdtInit(row.get(), rows.shape(), KindRecord);
-    const Problem problem =
-        source.form == Source::Form::Values ? loadValues(source, rows, row) : loadSingle(source, rows, row);
-    TabResult result;
-    result.code = ErrorCell();
-    ClearError();
-    return problem.any() || result.code == 0 ? problem : loadProblem(source, result, {});
+    return problem.any() ? problem : load(source, options, rows, result);
 }
 
 }  // namespace
@@ -217,7 +181,7 @@ Problem identifyTexts(Source& source, const DataFileInfo& info) {
     Rows rows;
     TabResult result;
     Problem problem = makeRows(source.columns, false, rows);
-    if (!problem.any()) problem = load(source, source.options, rows.table.get(), KindTable, result);
+    if (!problem.any()) problem = load(source, source.options, rows, result);
     if (problem.any()) return problem;
     std::size_t used = named;
     for (std::int32_t i = 1; i <= rows.count(); ++i) {
@@ -241,9 +205,8 @@ Problem loadRows(const Source& source, std::string_view columns, bool exact, Row
     if (problem.any()) return problem;
     if (source.format == FormatXbase) return loadXbase(source, rows);
     if (isDelimitedForm(source.format)) return loadDelimited(source, columns, rows);
-    if (source.form != Source::Form::Rows) return loadOtherForm(source, rows);
     TabResult result;
-    return load(source, source.options, rows.table.get(), KindTable, result);
+    return load(source, source.options, rows, result);
 }
 
 }  // namespace tarn::data

@@ -116,6 +116,7 @@ bool isOneRow(const std::string& file, DataFileInfo& info) {
     }
     info.typeText = TypeInfoFixAny(text);
     info.message.clear();
+    info.xmlRows = {XmlRows::Form::Rows, 2};
     return true;
 }
 
@@ -124,20 +125,9 @@ Problem identifyXml(const Arguments& arguments, Source& source) {
     if (arguments.from.any())
         return {fileWord(source.file) + "is XML, which has no separator, header, footer or row limit.",
                 "Leave the options of delimited text away.", WrongUsage};
-    std::string text;
-    XmlRead(source.file, 0, nullptr, KindNone, &text, MaxTypeInfo);
-    const std::int32_t kind = TypeInfoKind(TypeInfoParseLine(text, 2).typeName);
-    const bool list = TypeInfoIsPath(text, "/list") || TypeInfoIsPath(text, "/table");
-    const bool inner =
-        TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record");
-    if (list && kind != KindRecord && kind != KindList) source.form = Source::Form::Values;
-    const bool oneRow = TypeInfoIsPath(text, "/record/record") && TypeInfoCountElements(text, 1) == 1;
-    if (!list && !inner && !oneRow) source.form = Source::Form::Single;
-    return checkXmlOrder(source.file, columnNames(source.columns),
-                         inner            ? 3
-                         : list || oneRow ? 2
-                                          : 1,
-                         source.rowsSeen);
+    const XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
+    source.rowsSeen = order.rows;
+    return {order.message, order.advice};
 }
 
 Problem identifyOther(const Arguments& arguments, Source& source) {
@@ -156,6 +146,7 @@ Problem identifyOther(const Arguments& arguments, Source& source) {
         return problemOfInfo(source.file, info.message);
     source.format = info.format;
     source.columns = info.typeText;
+    source.xmlRows = info.xmlRows;
     if (isDelimitedForm(info.format)) return identifyDelimited(info, source);
     return info.format == FormatXml ? identifyXml(arguments, source) : Problem();
 }

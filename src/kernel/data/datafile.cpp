@@ -21,6 +21,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t headBytes = 4;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";  // of UTF-8
 constexpr std::int32_t rowsWithoutOptions = 100;
 constexpr std::int32_t longestName = 40;
 constexpr const char* noInformation = "Data File information cannot be obtained";
@@ -42,21 +43,21 @@ std::string fileWord(const std::string& filename) {
 
 // ---- the first bytes ----
 
-// The bytes that are there, at most four; the failure of the reading.
-os::FileError readHead(const std::string& filename, std::string& head) {
+// The bytes that are there, at most four behind a byte order mark; the failure of the reading.
+os::FileError readStart(const std::string& filename, std::string& start) {
     const std::string path = os::native(filename);
     os::FileInfo info;
     os::FileError error = os::files().info(path, info);
     if (error == os::FileError::None && !info.exists) error = os::FileError::NotFound;
-    if (error == os::FileError::None && info.folder) error = os::FileError::IsFolder;
+    if (error == os::FileError::None && (info.folder || info.special)) error = os::FileError::IsFolder;
     os::Handle handle = -1;
     if (error == os::FileError::None) error = os::files().open(path, os::OpenMode::Read, 0, handle);
     if (error != os::FileError::None) return error;
-    head.resize(headBytes);
+    start.resize(byteOrderMark.size() + headBytes);
     std::size_t got = 0;
-    error = os::files().read(handle, 0, head.data(), head.size(), got);
+    error = os::files().read(handle, 0, start.data(), start.size(), got);
     os::files().close(handle);
-    head.resize(got);
+    start.resize(got);
     return error;
 }
 
@@ -65,10 +66,11 @@ bool isLocked(os::FileError error) {
     return error == os::FileError::Denied || error == os::FileError::ReadFailed;
 }
 
-bool looksLikeXml(std::string_view head) {
+bool looksLikeXml(std::string_view start) {
     constexpr std::string_view marks = "_:!?";
-    return head.size() >= 2 && head[0] == '<' &&
-           (isLetter(head[1]) || marks.find(head[1]) != std::string_view::npos);
+    if (start.starts_with(byteOrderMark)) start.remove_prefix(byteOrderMark.size());
+    return start.size() >= 2 && start[0] == '<' &&
+           (isLetter(start[1]) || marks.find(start[1]) != std::string_view::npos);
 }
 
 bool looksLikeXbase(std::string_view head) {
@@ -103,12 +105,19 @@ std::string hexPairs(std::string_view bytes) {
 
 // ---- the kinds of file ----
 
+std::string placeOf(const ErrorRecord& error) {
+    if (error.line == 0) return {};
+    return " (Line " + std::to_string(error.line) + ", Position " + std::to_string(error.position) + ")";
+}
+
 void readXml(const std::string& filename, DataFileInfo& info) {
-    const ErrorRecord error = XmlRead(filename, 0, nullptr, KindNone, &info.typeText, MaxTypeInfo);
-    info.typeText = TypeInfoFixAny(info.typeText);
+    const XmlStructure found = XmlDiscover(filename, MaxTypeInfo);
+    const ErrorRecord& error = found.error;
+    info.stopped = found.stopped;
+    info.typeText = TypeInfoFixAny(found.typeText);
+    info.xmlRows = XmlRowsOf(found.typeText);
     if (!error.message.empty())
-        info.message = error.message + " (Line " + std::to_string(error.line) + ", Position " +
-                       std::to_string(error.position) + ")";
+        info.message = error.message + placeOf(error);
     else if (info.typeText.empty())
         info.message = fileWord(filename) + "contains no XML data apart from the outermost element.";
     if (!TypeInfoIsPath(info.typeText, "/record/list/record") &&
@@ -134,6 +143,7 @@ void readText(const std::string& filename, const TabOptions* options, DataFileIn
     TabStructure found = TabDiscover(filename, info.options, MaxTypeInfo);
     info.typeText = std::move(found.typeText);
     info.message = std::move(found.message);
+    info.stopped = found.stopped;
     info.rowsSeen = found.rowsSeen;
     info.columnsSeen = found.columnsSeen;
 }
@@ -167,15 +177,16 @@ void readTableFile(const std::string& filename, std::string_view head, DataFileI
 }
 
 void readFile(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
-    std::string head;
-    const os::FileError error = readHead(filename, head);
+    std::string start;
+    const os::FileError error = readStart(filename, start);
+    const std::string_view head = std::string_view(start).substr(0, headBytes);
     const bool nothing = std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; });
     if (isLocked(error)) {
         info.message =
             fileWord(filename) + "cannot be opened, it is currently locked by another application.";
     } else if (error != os::FileError::None || nothing) {
         info.message = fileWord(filename) + "is invalid, does not exist or is empty.";
-    } else if (looksLikeXml(head)) {
+    } else if (looksLikeXml(start)) {
         info.format = FormatXml;
         readXml(filename, info);
     } else if (looksLikeXbase(head)) {
@@ -213,6 +224,9 @@ bool isListOrTable(std::string_view typeName) {
 bool isRecord(std::string_view typeName) {
     return isWord(typeName, "record");
 }
+bool isUnion(std::string_view typeName) {
+    return isWord(typeName, "union");
+}
 
 void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view)) {
     const std::int32_t last = opens(TypeInfoParseLine(text, 1).typeName) ? closingLine(text) : 0;
@@ -228,7 +242,8 @@ std::string nestedColumn(std::string_view text) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
         if (element.indent != 0 || TypeInfoIsClosing(text, n)) continue;
         ++column;
-        if (!isRecord(element.typeName) && !isListOrTable(element.typeName)) continue;
+        const std::string& type = element.typeName;
+        if (!isRecord(type) && !isUnion(type) && !isListOrTable(type)) continue;
         return "Column number " + std::to_string(column) + " \"" + element.name +
                "\" contains a nested record - columns cannot contain nested data";
     }
@@ -244,6 +259,11 @@ std::string asTable(std::string_view columns) {
 DataFileInfo identify(const std::string& filename, const TabOptions* options) {
     DataFileInfo info;
     readFile(filename, options, info);
+    if (info.stopped) {
+        info.typeText.clear();
+        info.message.clear();
+        return info;
+    }
     if (info.message.empty()) {
         TypeInfoStripOuter(info.typeText, MaxTypeInfo);
         info.message = nestedColumn(info.typeText);
@@ -298,7 +318,7 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
     const DataFileInfo info = GetDataFileInfo(std::string(StringView(filename)), given ? &read : nullptr);
     StringAssignView(optionsOut, info.keys);
     StringAssignView(typeText, info.typeText);
-    StringAssignView(message, info.message);
+    StringAssignView(message, info.stopped ? noInformation : info.message);
 }
 
 void TypeInfoStripOuter(std::string& text, std::int32_t size) {
@@ -316,9 +336,10 @@ TabResult fromXml(const XmlResult& xml, std::string& message) {
     message = xml.error.message;
     TabResult result;
     result.code = xml.error.code;
-    result.row = xml.error.line;
+    result.line = xml.error.line;
     result.rows = xml.count;
     result.stopped = xml.stopped;
+    result.rescueCopy = xml.rescueCopy;
     return result;
 }
 
@@ -339,9 +360,14 @@ TabResult LoadValue(const std::string& filename, DataFormat format, const TabOpt
     }
 }
 
+TabResult LoadRows(const std::string& filename, DataFormat format, const TabOptions& options,
+                   XmlRows::Form form, TableDescriptor* table, std::string& message) {
+    if (format == FormatXml) return fromXml(XmlLoadRows(filename, form, table), message);
+    return LoadValue(filename, format, options, table, KindTable, message);
+}
+
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
                     std::int32_t flags, const void* value, Kind kind, std::string_view names) {
-    std::string message;
     TabOptions lines = options;
     switch (format) {
     case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
@@ -349,7 +375,13 @@ TabResult SaveValue(const std::string& filename, DataFormat format, const TabOpt
     case FormatTab: return TabSave(filename, lines, value, kind, names);
     case FormatBinary: return BinarySave(filename, value, kind);
     case FormatXbase: return XbaseSave(filename, value, kind, names);
-    case FormatXml: return fromXml(XmlSave(filename, flags, value, kind, names), message);
+    case FormatXml: {
+        const XmlResult saved = XmlSave(filename, flags, value, kind, names);
+        std::string message;
+        TabResult result = fromXml(saved, message);
+        result.message = std::move(message);
+        return result;
+    }
     default: return {ERR_COMPONENT_UNREPRESENTABLE};
     }
 }

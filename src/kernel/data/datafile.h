@@ -6,6 +6,7 @@
 
 #include "kernel/data/scanner.h"
 #include "kernel/data/tabular.h"
+#include "kernel/data/xml_order.h"
 #include "kernel/values.h"
 
 #include <cstdint>
@@ -34,6 +35,8 @@ struct DataFileInfo {
     std::string keys;      // of the default key: the repaired names of its columns with "," between, or ""
     TabOptions options;    // how a delimited file was read
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // of a delimited file, as TabDiscover tells them
+    bool stopped = false;                        // by progress.h: there are no columns then, and no message
+    XmlRows xmlRows{};                           // which elements of an XML file are the rows
 };
 // Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
 // most 100 rows.
@@ -51,6 +54,9 @@ void TypeInfoStripOuter(std::string& text, std::int32_t size);
 // Of the options an Xbase file takes `maxdatarows` alone. `message` is that of an XML or Xbase file.
 TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
                     Kind kind, std::string& message);
+// Into a table of the columns that GetDataFileInfo found, which has no index.
+TabResult LoadRows(const std::string& filename, DataFormat format, const TabOptions& options,
+                   XmlRows::Form form, TableDescriptor* table, std::string& message);
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
                     std::int32_t flags, const void* value, Kind kind, std::string_view names = {});
 

@@ -27,13 +27,14 @@ TabResult load(const std::string& filename, void* value, Kind kind) {
     TabFile file;
     const std::int32_t unreadable = file.open(filename);
     if (unreadable != 0) return {unreadable};
-    std::string bytes(static_cast<std::size_t>(file.size()), '\0');
-    for (std::int64_t done = 0; done < file.size();) {
-        const std::int64_t step = std::min(ProgressStep, file.size() - done);
+    const std::int64_t size = std::min(file.size(), PackedRoom(value, kind));
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    for (std::int64_t done = 0; done < size;) {
+        const std::int64_t step = std::min(ProgressStep, size - done);
         const std::int32_t code = file.read(done, bytes.data() + done, static_cast<std::size_t>(step));
         if (code != 0) return {code};
         done += step;
-        if (!Progress(done, file.size())) return {0, 0, 0, true};
+        if (!Progress(done, size)) return {0, 0, 0, true};
     }
     FreshValue fresh(value, kind);
     const std::int32_t code = ErrorCell() != 0 ? ErrorCell() : UnpackWhole(bytes, fresh.get(), kind);
@@ -44,10 +45,14 @@ TabResult load(const std::string& filename, void* value, Kind kind) {
 
 TabResult save(const std::string& filename, const void* value, Kind kind) {
     std::string bytes;
-    std::int32_t code = PackWhole(value, kind, bytes);
-    if (code == 0) code = FileWriteCode(os::saveFile(filename, bytes).error);
-    if (code != 0) return {code};
-    return {0, 0, countOf(value, kind)};
+    TabResult result;
+    result.code = PackWhole(value, kind, bytes, &result.stopped);
+    if (result.code != 0 || result.stopped) return result;
+    os::SaveResult saved = os::saveFile(filename, bytes);
+    result.code = FileWriteCode(saved.error);
+    result.rescueCopy = std::move(saved.rescueCopy);
+    if (result.code == 0) result.rows = countOf(value, kind);
+    return result;
 }
 
 }  // namespace

@@ -7,8 +7,9 @@
 
 namespace tarn {
 
-// The file is read in one piece. `rows` counts elements of lists and rows of tables, and is otherwise 1. Any
-// failure leaves the value as it was. Leaves the error cell alone.
+// The file is read in one piece, or as much of it as shows that it is too large. `rows` counts elements of
+// lists and rows of tables, and is otherwise 1. Any failure leaves the value as it was. Leaves the error cell
+// alone.
 TabResult BinaryLoad(const std::string& filename, void* value, Kind kind);
 TabResult BinarySave(const std::string& filename, const void* value, Kind kind);
 

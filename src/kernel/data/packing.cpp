@@ -3,6 +3,7 @@
 
 #include "kernel/adt.h"
 #include "kernel/data/elements.h"
+#include "kernel/data/progress.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
@@ -274,14 +275,21 @@ std::int32_t unpackOpenRecord(std::string_view bytes, RecordDescriptor& record) 
     return takeString(bytes, lastString(record));
 }
 
-// A list, or the rows of a table, as a whole value: wherever it stands.
-std::int32_t packRows(const ListDescriptor& rows, std::string& bytes) {
+// A list, or the rows of a table, as a whole value: wherever it stands. One element is never more than
+// MostPackedBytes, so it is enough to tell between them how far it is.
+std::int32_t packRows(const ListDescriptor& rows, std::string& bytes, bool* stopped) {
     ElementSource elements(&rows, KindList);
     if (IsFixedList(rows)) putNumber(rows.count, bytes);
+    std::size_t told = bytes.size();
     for (std::int32_t i = 0; i < elements.count(); ++i) {
         const void* const element = elements.at(i);
         if (element == nullptr) return damage();
         Pack(element, elements.kind(), bytes);
+        if (stopped == nullptr || bytes.size() - told < std::size_t{ProgressStep}) continue;
+        told = bytes.size();
+        const auto done = static_cast<std::int64_t>(told);
+        *stopped = !Progress(done, done / (i + 1) * elements.count());
+        if (*stopped) return 0;
     }
     if (IsFixedList(rows)) packEmpty(rows, bytes);
     return 0;
@@ -400,7 +408,7 @@ std::int32_t PackWholeError(const void* value, Kind kind) {
     return isPackedLength(length) ? 0 : std::int32_t{ERR_TYPE_NOT_STORABLE};
 }
 
-std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes) {
+std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes, bool* stopped) {
     const std::int32_t code = PackWholeError(value, kind);
     if (code != 0) return code;
     if (kind == KindString) {
@@ -408,11 +416,27 @@ std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes) {
     } else if (isOpenRecord(value, kind)) {
         return packOpenRecord(ReadAt<RecordDescriptor>(value), bytes);
     } else if (const ListDescriptor* rows = ElementList(value, kind); rows != nullptr) {
-        return packRows(*rows, bytes);
+        return packRows(*rows, bytes, stopped);
     } else {
         Pack(value, kind, bytes);
     }
     return 0;
+}
+
+std::int64_t PackedRoom(const void* value, Kind kind) {
+    constexpr std::int64_t mostText = MaxBlock;
+    if (kind == KindString) {
+        const std::int32_t capacity = ReadAt<StringDescriptor>(value).maxlength;
+        return capacity == UNBOUNDED ? mostText + CharacterWidth : std::int64_t{capacity} * CharacterWidth;
+    }
+    if (isOpenRecord(value, kind)) return MostPackedBytes + mostText + CharacterWidth;
+    const ListDescriptor* const rows = ElementList(value, kind);
+    if (rows == nullptr) return lengthOf(value, kind, deepest) + 1;
+    const Kind element = ElementKindOf(*rows);
+    const std::int64_t length = lengthOf(At(rows->prototype), element, inside);
+    if (rows->maxlength == UNBOUNDED && rows->tag > TagInFile) return INT64_MAX;  // the disk holds them
+    if (rows->maxlength == UNBOUNDED) return (MaxBlock / KindSize[element] + 1) * length;
+    return countBytes + (rows->maxlength + 1) * length;
 }
 
 std::int32_t UnpackWhole(std::string_view bytes, void* value, Kind kind) {

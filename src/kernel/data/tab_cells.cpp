@@ -111,8 +111,9 @@ bool readFixed(std::string_view text, char* at) {
     ShortNumber number;
     Fixed value = 0;
     bool ok = readShort(text, number);
-    if (ok && number.decimals <= ownDecimals) {
-        value = number.digits * powersOfTen[ownDecimals - number.decimals];
+    const std::int64_t scale = powersOfTen[std::max(ownDecimals - number.decimals, 0)];
+    if (ok && number.decimals <= ownDecimals && number.digits <= INT64_MAX / scale) {
+        value = number.digits * scale;
         if (number.negative) value = -value;
     } else {
         FixedFromText(text, value, ok);

@@ -5,6 +5,7 @@
 // speed of its cells.
 #include "kernel/data/tab_rows.h"
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/errors.h"
 
 #include <algorithm>
@@ -67,13 +68,6 @@ std::size_t cellsLeft(TabCells& cells) {
     return count;
 }
 
-// More decimals than a fixed number keeps.
-bool hasManyDecimals(std::string_view cell) {
-    constexpr std::size_t ownDecimals = 4;
-    const std::size_t point = cell.find('.');
-    return point != std::string_view::npos && cell.size() - point - 1 > ownDecimals;
-}
-
 // What the lines of one column say of its numbers.
 enum class Number { None, Integer, Fixed, Real };
 
@@ -95,7 +89,7 @@ public:
         TabCells names(rows.header(0), rows.separator());
         TabCells dashes(headerRows >= 2 ? rows.header(1) : std::string_view(), rows.separator());
         while (names.more() && columns_.size() < std::size_t{MaxTabColumns}) {
-            const std::string_view cell = names.nextPlain();
+            const std::string_view cell = names.next();
             const auto width = static_cast<std::int32_t>(dashesOf(dashes.nextPlain()));
             columns_.push_back({nameOfCell(cell, columns_.size() + 1), width});
         }
@@ -134,9 +128,7 @@ private:
     std::string lineOf(std::string_view cell, bool quoted, std::size_t column) {
         if (!quoted) cell = cell.substr(0, cell.find_last_not_of(' ') + 1);
         const std::string& name = nameOf(column);
-        if (hasManyDecimals(cell) && TypeInfoGuessValue(cell, nullWord).kind == ValueClass::Fixed)
-            return name + " : real\n";
-        return TypeInfoValueLine(cell, name, nullWord, name + " : Any");
+        return DataValueLine(cell, name, nullWord, name + " : Any");
     }
     bool take(std::vector<std::string>& lines) {
         lines_.swap(lines);
@@ -202,26 +194,43 @@ std::string wrapped(std::string_view path, std::string_view lines) {
     return text + "end record\n";
 }
 
+std::string noStructure(const std::string& filename) {
+    return "Cannot find the structure of '" + std::string(fileNameOf(filename)) + "', ";
+}
+
 TabStructure discover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize) {
     TabStructure found;
+    const std::int32_t separator = options.separatorchar;
+    if (separator != NoTabSeparator && !IsTabSeparator(separator)) {
+        found.message = noStructure(filename) + "the character with the code " + std::to_string(separator) +
+                        " cannot be a separator";
+        return found;
+    }
     TabReader rows;
     Discovery discovery(typeTextSize);
-    const std::int32_t code = rows.open(filename, options);
+    std::int32_t code = rows.open(filename, options);
     if (code == 0) {
         discovery.readHeader(rows, options.numheaderrows);
         std::string_view row;
         while ((options.maxdatarows < 0 || discovery.rows() < options.maxdatarows) && rows.next(row)) {
             if (row.empty() || !discovery.addRow(row, rows.separator())) break;
         }
+        code = rows.code();
     }
+    if (code != 0) {
+        found.message =
+            noStructure(filename) + "the file cannot be read (error " + std::to_string(code) + ")";
+        return found;
+    }
+    found.stopped = rows.stopped();
+    if (found.stopped) return found;
     found.rowsSeen = discovery.rows();
     found.columnsSeen = discovery.columns();
     found.message = discovery.report();
     if (!found.message.empty()) return found;
     const std::string lines = discovery.text();
     if (lines.empty())
-        found.message = "Cannot find the structure of '" + std::string(fileNameOf(filename)) +
-                        "', there is no data in the file";
+        found.message = noStructure(filename) + "there is no data in the file";
     else
         found.typeText = wrapped(filename, lines);
     if (found.typeText.size() >= static_cast<std::size_t>(std::max(typeTextSize, 1)))

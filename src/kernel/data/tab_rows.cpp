@@ -25,6 +25,7 @@ constexpr std::ptrdiff_t blockBytes = longestRow + 64;
 constexpr std::ptrdiff_t blockBytes = 256 * 1024;
 #endif
 constexpr std::int32_t framesBelow = 27, mostHeaders = 2;
+constexpr std::int64_t mostHeld = 256 * 1024 * 1024;
 
 const char* findByte(const char* from, const char* to, int byte) {
     const void* found = from == to ? nullptr : std::memchr(from, byte, static_cast<std::size_t>(to - from));
@@ -58,13 +59,32 @@ std::int32_t TabFile::open(const std::string& filename) {
     os::FileInfo info;
     os::FileError error = os::files().info(path, info);
     if (error == os::FileError::None && info.folder) error = os::FileError::IsFolder;
+    if (error == os::FileError::None && info.special) return ERR_FILE_READ;
     if (error == os::FileError::None) error = os::files().open(path, os::OpenMode::Read, 0, handle_);
     if (error != os::FileError::None) handle_ = -1;
     size_ = info.size;
-    return FileReadCode(error);
+    return error == os::FileError::None && size_ == 0 ? hold() : FileReadCode(error);
+}
+
+// Files that the system makes up when they are read tell that they are empty.
+std::int32_t TabFile::hold() {
+    constexpr std::size_t step = 64 * 1024;
+    for (std::size_t got = step; got > 0;) {
+        held_.resize(static_cast<std::size_t>(size_) + step);
+        const os::FileError error = os::files().read(handle_, size_, held_.data() + size_, step, got);
+        if (error != os::FileError::None) return FileReadCode(error);
+        size_ += static_cast<std::int64_t>(got);
+        if (size_ > mostHeld) return ERR_FILE_READ;
+    }
+    held_.resize(static_cast<std::size_t>(size_));
+    return 0;
 }
 
 std::int32_t TabFile::read(std::int64_t offset, char* into, std::size_t count) {
+    if (!held_.empty()) {
+        std::memcpy(into, held_.data() + offset, count);
+        return 0;
+    }
     while (count > 0) {
         std::size_t got = 0;
         const os::FileError error = os::files().read(handle_, offset, into, count, got);
@@ -125,7 +145,7 @@ std::int32_t TabReader::findFooters(std::int32_t count) {
 // The first line tells whether the separators stand around lines as a frame.
 void TabReader::readHeaders(std::int32_t count) {
     std::string_view line;
-    for (std::int32_t n = 0; n < count && takeLine(false, line); ++n) {
+    for (std::int32_t n = 0; n < count && takeLine(true, line); ++n) {
         const auto frame = static_cast<char>(separator_);
         if (n == 0)
             framed_ = separator_ >= 1 && separator_ < framesBelow && line.size() >= 2 && line[0] == frame &&

@@ -48,15 +48,18 @@ public:
     TabFile(const TabFile&) = delete;
     TabFile& operator=(const TabFile&) = delete;
 
-    // 0 or what is wrong. Only once.
+    // 0 or what is wrong; 651 for a device or a pipe. Only once.
     std::int32_t open(const std::string& filename);
     [[nodiscard]] std::int64_t size() const { return size_; }
     // Reads exactly these bytes: 0 or what is wrong (651 when the file has become shorter).
     std::int32_t read(std::int64_t offset, char* into, std::size_t count);
 
 private:
+    std::int32_t hold();
+
     os::Handle handle_ = -1;
     std::int64_t size_ = 0;
+    std::string held_;  // the whole of a file that tells no size
 };
 
 class TabReader {

@@ -223,9 +223,13 @@ TabResult save(const std::string& filename, const TabOptions& options, const voi
     }
     Saving saving(options, target.row);
     TabResult result = saving.build(value, kind, names);
-    if (result.code == 0 && !result.stopped)
-        result.code = FileWriteCode(os::saveFile(filename, saving.text()).error);
-    return result.code == 0 ? result : TabResult{result.code};
+    if (result.code == 0 && !result.stopped) {
+        os::SaveResult saved = os::saveFile(filename, saving.text());
+        result.code = FileWriteCode(saved.error);
+        result.rescueCopy = std::move(saved.rescueCopy);
+    }
+    if (result.code != 0) result.rows = 0;
+    return result;
 }
 
 }  // namespace

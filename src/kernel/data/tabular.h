@@ -34,6 +34,7 @@ struct TabStructure {
     std::string typeText;  // "Tname : record" ... "end record"; "" when nothing was found
     std::string message;   // "" or what is wrong
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // columns: also those beyond the 48 that are declared
+    bool stopped = false;                        // by progress.h: nothing was found, and there is no message
 };
 // Reads names and types of the columns from the first rows.
 TabStructure TabDiscover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize);
@@ -47,6 +48,10 @@ struct TabResult {
     std::int32_t row = 0;   // of the first failure, from 1
     std::int32_t rows = 0;  // read or written
     bool stopped = false;   // by progress.h: the value is as it was
+    std::int32_t line = 0;  // of the first failure, from 1, where `row` cannot tell it (XML)
+    // Of a save that failed:
+    std::string message{};     // more than its code says; else empty
+    std::string rescueCopy{};  // where the new bytes stand if the file may be damaged; else empty
 };
 // Reads a whole file into a string, set, list, record, union or table; the old content goes. Errors of values
 // are told in the result alone; the error cell stays clear.

@@ -31,19 +31,30 @@ inline constexpr std::int32_t XmlFieldAttributes = 0x02000000;  // flat records 
 ErrorRecord XmlRead(const std::string& filename, std::int32_t options, void* value, Kind kind,
                     std::string* typeText, std::int32_t typeTextSize);
 
+// The structure alone.
+struct XmlStructure {
+    std::string typeText;
+    ErrorRecord error;
+    bool stopped = false;  // by progress.h: nothing was found
+};
+XmlStructure XmlDiscover(const std::string& filename, std::int32_t typeTextSize);
+
 struct XmlResult {
     std::int32_t count = 0;  // top-level items
     bool stopped = false;    // by progress.h: the value, or the file, is as it was
     ErrorRecord error;
+    std::string rescueCopy;  // where the new bytes stand if a save damaged the file; else empty
 };
 // Replaces the file by the value as the element "data"; on failure the old file stays. `names`: of the fields
 // of records, one per line, where the value itself does not have them (a table does). 764 in the error cell
-// for an empty name or a kind outside 1 to 12, 660 for what is held in a file.
+// for an empty name or a kind outside 1 to 12, 660 for what is held in a file. 671 and 673 for texts that
+// XmlRead would not take as they are.
 XmlResult XmlSave(const std::string& filename, std::int32_t options, const void* value, Kind kind,
                   std::string_view names = {});
 // XmlRead into a value. A table takes its rows also from a list of records inside the outermost element, or
-// one row from a single record; rows that it refuses are counted, and reported as 637. When the reading was
-// stopped (progress.h) the value is as it was.
+// one row from a single record of its fields' kinds; rows that it refuses are counted, and reported as 637. A
+// table stays as it was, with 673, when the file holds data that no form has a place for. When the reading
+// was stopped (progress.h) the value is as it was. 764 for no value.
 XmlResult XmlLoad(const std::string& filename, void* value, Kind kind);
 
 std::string XmlEscape(std::string_view text);

@@ -34,12 +34,12 @@ constexpr struct {
     {KindSet, "Set literal"},
 };
 
-// What is no number reads as 0.
+// What is no integer from its first to its last character reads as 0.
 std::int32_t integerOf(std::string_view text) {
     std::int32_t value = 0;
     std::size_t end = 0;
     IntegerFromText(text, value, end);
-    return value;
+    return end == text.size() ? value : 0;
 }
 
 // ---- texts, by kind; an empty message: well ----

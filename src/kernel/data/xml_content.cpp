@@ -92,11 +92,12 @@ public:
         const bool closed = enterEndTag();
         children_.finish();
         const std::string_view text = std::string_view(reader_.text).substr(text_);
+        if (given_.unplaced) given_.unplaced = count_ == 0 && XmlIsBlank(text);
         if (target_.takesText()) {
             XmlBindText(reader_, target_, text);
         } else if (count_ == 0 && !XmlIsBlank(text)) {
             given_.giveWay(reader_);
-            reader_.lostData = reader_.lostData || target_.value != nullptr;
+            if (target_.value != nullptr) XmlNoteLost(reader_, "The text", name());
         }
         if (types_) typeText = types_->finish(name(), text);
         return closed || XmlCheck(reader_, {XmlEndTag});

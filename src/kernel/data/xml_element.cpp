@@ -2,6 +2,7 @@
 //
 // The tags of an element and its attributes.
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
 #include "kernel/records.h"
@@ -24,10 +25,6 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
     for (std::size_t i = 0; i < text.size(); ++i)
         if ((text[i] >= 'A' && text[i] <= 'Z' ? text[i] + 32 : text[i]) != lower[i]) return false;
     return true;
-}
-
-bool startsWithIgnoringCase(std::string_view text, std::string_view lower) {
-    return equalsIgnoringCase(text.substr(0, lower.size()), lower);
 }
 
 // The text with its references expanded; what has none is not copied.
@@ -67,7 +64,7 @@ public:
     }
 
     void read() {
-        while (isSymbol(XmlName)) readOne();
+        while (isSymbol(XmlName) && !reader_.stopped) readOne();
         given_.failed = !hadError_ && isConversionError(reader_.error.code);
     }
     [[nodiscard]] XmlGivenFields& given() { return given_; }
@@ -75,10 +72,10 @@ public:
     // The type text of the element `name`, from the fields alone.
     [[nodiscard]] std::string typeText(std::string_view name) const {
         if (count_ == 0) return {};
-        const bool record = startsWithIgnoringCase(result_.typeAttribute, "record") ||
-                            startsWithIgnoringCase(result_.typeAttribute, "union");
+        const bool record = equalsIgnoringCase(result_.typeAttribute, "record") ||
+                            equalsIgnoringCase(result_.typeAttribute, "union");
         if (count_ == 1 && !record)
-            return TypeInfoValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
+            return DataValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
         return std::string(name) + " : record\n" + found_->fields + "end record\n";
     }
 
@@ -116,13 +113,13 @@ private:
             given_.count = count_;
             const XmlTarget field = fields_.next();
             if (field.takesText()) XmlBindText(reader_, field, value);
-        } else if (given_.target.value != nullptr) {
-            reader_.lostData = true;
+        } else {
+            given_.unplaced = given_.target.takesText();
         }
         if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
         if (count_ == 1) found_->firstValue = value;
         XmlAppendDeeper(found_->fields,
-                        TypeInfoValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
+                        DataValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
     }
 
     struct Found {
@@ -220,6 +217,7 @@ void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result) {
         if (reader.ended()) return;
         if (closed) readEndTag(reader, name);
     }
+    if (given.unplaced) XmlNoteLost(reader, "The attributes", std::string_view(reader.names).substr(name));
     checkTypeText(reader, result.typeText);
 }
 

@@ -11,6 +11,7 @@
 #include "kernel/fileerrors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
+#include "kernel/strings.h"
 #include "kernel/tables.h"
 
 #include <utility>
@@ -101,6 +102,24 @@ XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* tab
     return result;
 }
 
+// Whether the fields are those of a row, whatever the lengths of texts: the row's own count for these.
+bool matchesRow(std::string_view fields, const RecordDescriptor* row) {
+    std::string text;
+    for (std::int32_t n = 1; !fields.empty(); ++n) {
+        const std::string line = TypeInfoLine(fields, 1);
+        fields.remove_prefix(line.size());
+        const bool string = TypeInfoKind(TypeInfoParseLine(line, 1).typeName) == KindString;
+        if (row == nullptr || !string || RecordFieldKind(row, n) != KindString) {
+            text += line;
+            continue;
+        }
+        TypeBounds bounds;
+        bounds.lb1 = StringMaxLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n)));
+        TypeInfoAppendLine(text, MaxTypeInfo, TypeInfoName(line, 1), "string", bounds);
+    }
+    return TypeInfoMatchesValue(text, row) == 0;
+}
+
 // What the table could not take as it stands, by its structure.
 XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table, XmlReadResult direct) {
     std::string text;
@@ -111,13 +130,9 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
     // Names need only be good enough to be repaired: fields are bound in their order.
-    if (single && TypeInfoMatchesValue(TypeInfoFixNames(fieldsOf(text), longestName), rowShape(table)) == 0)
+    if (single && matchesRow(TypeInfoFixNames(fieldsOf(text), longestName), rowShape(table)))
         return loadSingleRecord(filename, table);
     return direct;
-}
-
-bool isShortOfMemory(std::int32_t code) {
-    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
 }
 
 // Binds into a copy of the table's shape first: the direct form may not be the one, and a later read may be
@@ -130,10 +145,14 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     if (result.error.code != 0) return result;
     result = ReadXml(filename, fresh, KindTable, nullptr, 0);
     if (IsFileFailure(result.error.code) || result.stopped) return result;
-    const bool fits = result.error.code == 0 && !result.lostData;
-    if (!fits && !isShortOfMemory(result.error.code))
+    const bool fits = result.error.code == 0 && result.lost.code == 0;
+    if (!fits && !XmlIsMemoryError(result.error.code))
         result = loadOtherForm(filename, fresh, std::move(result));
-    if (!IsFileFailure(result.error.code) && !result.stopped && !made.replaceTarget())
+    // Rows that came out empty collide, which is not what is wrong.
+    const bool nothingElse = result.error.code == 0 || result.error.code == ERR_DUPLICATE_FIELDS;
+    if (result.lost.code != 0 && nothingElse) result.error = result.lost;
+    const bool failed = IsFileFailure(result.error.code) || XmlIsMemoryError(result.error.code);
+    if (!failed && !result.stopped && result.lost.code == 0 && !made.replaceTarget())
         result.error = XmlFailure(XmlTakeCellError());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {
         result.error.code = ERR_UNIQUE_INDEX;
@@ -147,13 +166,17 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
 XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
     XmlResult result;
     if (filename.empty()) return result;
+    if (value == nullptr) {
+        result.error = XmlFailure(ERR_UNIDENTIFIABLE);
+        return result;
+    }
     const XmlCellAside aside;
     const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsUnopened(value, kind);
     XmlReadResult read = table ? loadTable(filename, static_cast<TableDescriptor*>(value))
                                : ReadXml(filename, value, kind, nullptr, 0);
     result.error = std::move(read.error);
     result.stopped = read.stopped;
-    const bool whole = value != nullptr && IsValueKind(kind) && (!IsAdtKind(kind) || KindOf(value) == kind);
+    const bool whole = IsValueKind(kind) && (!IsAdtKind(kind) || KindOf(value) == kind);
     if (whole) result.count = itemsOf(value, kind);
     return result;
 }

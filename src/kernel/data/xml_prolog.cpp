@@ -120,7 +120,7 @@ void doctype(XmlReader& reader) {
     if (isExternalId()) externalId(reader);
     if (isSymbol(XmlOpen)) {
         XmlNext(reader);
-        while (skipDeclaration(reader)) {}
+        while (!reader.stopped && skipDeclaration(reader)) {}
         XmlExpect(reader, XmlClose);
     }
     XmlExpect(reader, XmlTagEnd);
@@ -129,7 +129,7 @@ void doctype(XmlReader& reader) {
 }  // namespace
 
 void XmlMisc(XmlReader& reader) {
-    while (skipMisc(reader)) {}
+    while (!reader.stopped && skipMisc(reader)) {}
 }
 
 void XmlProlog(XmlReader& reader) {

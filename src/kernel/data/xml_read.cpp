@@ -111,6 +111,7 @@ void checkEnd(XmlReader& reader) {
 void readDocument(XmlReader& reader, XmlTarget target, std::string& typeText) {
     skipByteOrderMark(reader);
     XmlProlog(reader);
+    if (reader.stopped) return;
     if (!XmlCheck(reader, {XmlTag})) return;
     for (const std::string_view word : prologWords) SymbolRemove(&reader.tables.symbols, word);
     XmlElementResult root;
@@ -133,10 +134,15 @@ XmlReadResult readFile(const std::string& filename, XmlTarget target, std::strin
         result.error = XmlFailure(ERR_FILE_READ, "Only one XML file can be read at a time");
         return result;
     }
+    const os::FileInfo info = os::infoOf(os::native(filename));
+    if (info.special) {
+        result.error = XmlFailure(ERR_FILE_READ);
+        return result;
+    }
     const auto tables = std::make_unique<XmlTables>();
     fillTables(*tables);
     XmlReader reader{*tables, typeText != nullptr};
-    reader.size = os::sizeOf(filename);
+    reader.size = info.size;
     const OpenScanner open;
     ScannerReportStatus(ScannerOpen(filename, &tables->symbols, false), reader.error);
     if (!ScannerInputFilename().empty()) {
@@ -147,9 +153,11 @@ XmlReadResult readFile(const std::string& filename, XmlTarget target, std::strin
             cutTypeText(reader, *typeText, typeTextSize);
         }
     }
+    const bool lacksMemory = reader.memory.code != 0;
+    if (lacksMemory) reader.error = std::move(reader.memory);
     // What looks like the end of the file may be this.
     if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
-    return {std::move(reader.error), reader.stopped, reader.lostData};
+    return {std::move(reader.error), reader.stopped, std::move(reader.lost)};
 }
 
 // A file that could not be read to its end, a user who stops and rows that cannot be written leave the value
@@ -162,7 +170,8 @@ XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std
     if (code == 0) {
         result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize);
         const bool whole = ScannerFileError() == os::FileError::None && !result.stopped;
-        if (whole && !IsFileFailure(result.error.code) && !fresh.replaceTarget()) code = XmlTakeCellError();
+        const bool failed = IsFileFailure(result.error.code) || XmlIsMemoryError(result.error.code);
+        if (whole && !failed && !fresh.replaceTarget()) code = XmlTakeCellError();
     }
     if (code != 0) result.error = XmlFailure(code);
     return result;
@@ -176,8 +185,21 @@ ErrorRecord XmlFailure(std::int32_t code, std::string_view message) {
     return {code, 0, 0, std::string(message.empty() ? std::string_view(ErrorText(code)) : message)};
 }
 
+bool XmlIsMemoryError(std::int32_t code) {
+    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+}
+
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
+    if (XmlIsMemoryError(code))
+        ReportError(reader.memory, code, ScannerLineNumber(), ScannerPosition(), message);
     ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
+}
+
+void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element) {
+    if (reader.lost.code != 0) return;
+    const std::string message = std::string(what).append(" of element '").append(element);
+    ReportError(reader.lost, ERR_XML_DATA, ScannerLineNumber(), ScannerPosition(),
+                message + "' cannot be loaded, fields are expected there");
 }
 
 std::int32_t XmlTakeCellError() {
@@ -228,6 +250,7 @@ bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
         ScannerSkipBytes(static_cast<std::int32_t>(rest.size()));
         if (ScannerChar() != LineEnd) return false;
         XmlNoteStatus(reader, ScannerSkipChar());
+        if (reader.stopped) return false;
     }
 }
 
@@ -271,6 +294,14 @@ XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::
 ErrorRecord XmlRead(const std::string& filename, std::int32_t, void* value, Kind kind, std::string* typeText,
                     std::int32_t typeTextSize) {
     return ReadXml(filename, value, kind, typeText, typeTextSize).error;
+}
+
+XmlStructure XmlDiscover(const std::string& filename, std::int32_t typeTextSize) {
+    XmlStructure found;
+    XmlReadResult result = ReadXml(filename, nullptr, KindNone, &found.typeText, typeTextSize);
+    found.error = std::move(result.error);
+    found.stopped = result.stopped;
+    return found;
 }
 
 std::string TypeInfoFixAny(std::string_view typeText) {

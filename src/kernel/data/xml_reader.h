@@ -89,9 +89,10 @@ struct XmlReader {
     XmlTables& tables;
     bool discover;  // the structure is wanted
     ErrorRecord error{};
+    ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
     bool abandoned = false;            // what follows cannot be read
-    bool lostData = false;             // the value has no place for text or attributes that were there
+    ErrorRecord lost{};                // the first data that the value has no place for
     std::int32_t depth = 0;            // open elements
     std::string names{};               // of the open elements, and of a child that was just read
     std::string text{};                // of the open elements, one behind another
@@ -142,10 +143,15 @@ struct XmlElementResult {
 
 // ---- steps (xml_read.cpp) ----
 
+// For want of memory: 802 and 804.
+bool XmlIsMemoryError(std::int32_t code);
 // At the place of the scanner.
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.
 ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
+// What an element holds has no place in the value. That is no error of the read, but a table may be read in
+// another form.
+void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element);
 // Moves the error of an operation on a value from the cell; 0 for none.
 std::int32_t XmlTakeCellError();
 // What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
@@ -188,7 +194,8 @@ void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result);
 struct XmlGivenFields {
     XmlTarget target;
     std::int32_t count = 0;
-    bool failed = false;  // one of them left the error in the record
+    bool failed = false;    // one of them left the error in the record
+    bool unplaced = false;  // there are some, and no record to take them
     void giveWay(XmlReader& reader);
 };
 // From behind the start tag to behind the `</`; false, and reported, when there is none. `name` begins there
@@ -264,13 +271,13 @@ public:
 
 private:
     void addField(XmlReader& reader, std::string_view parent, std::string_view child, std::string_view text);
-    void addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text);
+    void addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text);
 
     std::int32_t children_ = 0;
     bool list_ = false, broken_ = false;     // broken: elements of the list differ
     std::string first_;                      // the name of the first child
     std::string text_;                       // of the fields, or of the element of the list; no indent
-    std::string last_;                       // what the list took last
+    std::unordered_set<std::string> seen_;   // some of the elements that the text fits already
     std::unordered_set<std::string> names_;  // of the fields, in lower case
 };
 
@@ -281,7 +288,7 @@ void XmlAppendDeeper(std::string& to, std::string_view text);
 struct XmlReadResult {
     ErrorRecord error;
     bool stopped = false;
-    bool lostData = false;
+    ErrorRecord lost{};
 };
 XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
                       std::int32_t typeTextSize);

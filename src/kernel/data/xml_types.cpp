@@ -4,11 +4,13 @@
 // list, two of different names a record. Names, not texts, are compared: an element that holds nothing has no
 // text but still is the first of a list.
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace tarn {
 
@@ -30,21 +32,82 @@ std::string block(std::string_view name, std::string_view type, std::string_view
     return text.append("end ").append(type).append("\n");
 }
 
+// Fields are bound by their number, so one that holds nothing has its line too.
+std::string fieldText(std::string_view name, std::string_view text) {
+    return text.empty() ? std::string(name).append(" : Any\n") : std::string(text);
+}
+
 bool isOneLine(std::string_view text) {
     return text.find('\n') + 1 == text.size();
 }
 
-// What a `type` attribute says takes the place of what was found in a single element. Types that hold others
-// are never left without their end.
+// ---- fixed and real ----
+
+// The lines of a declaration, each with the names of the elements around it and its own.
+template <class Visit>
+void eachLine(std::string_view text, Visit visit) {
+    std::vector<std::size_t> ends;  // of the names, by their depth
+    std::string path;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
+        text.remove_prefix(line.size());
+        const TypeInfoElement element = TypeInfoParseLine(line, 1);
+        ends.resize(static_cast<std::size_t>(element.indent), path.size());
+        path.resize(ends.empty() ? 0 : ends.back());
+        path.append("/").append(element.name);
+        ends.push_back(path.size());
+        visit(line, element, path);
+    }
+}
+
+using Paths = std::unordered_set<std::string>;
+
+Paths realsOf(std::string_view text) {
+    Paths reals;
+    eachLine(text, [&](std::string_view, const TypeInfoElement& element, const std::string& path) {
+        if (element.typeName == "real") reals.insert(path);
+    });
+    return reals;
+}
+
+void makeReal(std::string& text, const Paths& reals) {
+    std::string made;
+    eachLine(text, [&](std::string_view line, const TypeInfoElement& element, const std::string& path) {
+        if (element.typeName == "fixed" && reals.count(path) != 0)
+            made.append(static_cast<std::size_t>(element.indent), '\t').append(element.name + " : real\n");
+        else
+            made.append(line);
+    });
+    text = std::move(made);
+}
+
+bool mayBeReal(std::string_view fixed, std::string_view real) {
+    return fixed.find(" : fixed\n") != std::string_view::npos &&
+           real.find(" : real\n") != std::string_view::npos;
+}
+
+// Numbers of few and of many decimals are one kind of number: where one of two declarations says fixed and
+// the other real, both become real.
+void alignReals(std::string& a, std::string& b) {
+    if (mayBeReal(a, b)) makeReal(a, realsOf(b));
+    if (mayBeReal(b, a)) makeReal(b, realsOf(a));
+}
+
+// What a `type` attribute says takes the place of what was found in a single element, if it is a type of this
+// system: other files have an attribute of that name for words of their own. Types that hold others are never
+// left without their end.
 void applyTypeAttribute(std::string& text, std::string_view name, std::string_view attribute) {
     if (!text.empty() && !isOneLine(text)) return;
     const std::string lower = lowerCase(attribute);
     const TypeInfoElement element = TypeInfoParseLine(std::string("x : ").append(attribute), 1);
-    if (lower.starts_with("list") || lower.starts_with("table")) {
+    const std::string type = lowerCase(element.typeName);
+    const std::int32_t kind = TypeInfoKind(type);
+    const bool many = lower.starts_with("list") || lower.starts_with("table");
+    if (kind == KindList || type == "table" || (many && text.empty())) {
         text = block(name, "list", "component : Any\n");
-    } else if (lower == "record" || lower == "union") {
-        text = block(name, lower, "");
-    } else if (!element.typeName.empty()) {
+    } else if (kind == KindRecord || kind == KindUnion) {
+        text = block(name, type, "");
+    } else if (IsValueKind(kind)) {
         text.clear();
         TypeInfoAppendLine(text, MaxXmlTypeText, name, element.typeName, element.bounds);
     }
@@ -66,13 +129,15 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
         return XmlReport(reader, ERR_XML_DATA,
                          "Element '" + std::string(child) + "' occurred multiple times in the record '" +
                              std::string(parent) + "'");
-    if (text_.size() <= most) text_.append(text);
+    if (text_.size() <= most) text_.append(fieldText(child, text));
 }
 
-void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text) {
-    if (text.empty() || text == last_ || broken_ || text_.size() > most) return;
-    std::string report;
-    std::string merged = text_.empty() ? std::string(text) : TypeInfoMerge(text_, text, INT32_MAX, report);
+void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text) {
+    constexpr std::size_t mostSeen = 100;
+    if (text.empty() || broken_ || text_.size() > most || seen_.contains(text)) return;
+    std::string report, merged = text;
+    alignReals(text_, merged);
+    if (!text_.empty()) merged = TypeInfoMerge(text_, merged, INT32_MAX, report);
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();
@@ -81,7 +146,8 @@ void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string
         return XmlReport(reader, ERR_XML_DATA, report);
     }
     text_ = std::move(merged);
-    last_ = text;
+    if (seen_.size() == mostSeen) seen_.clear();
+    seen_.insert(text);
 }
 
 void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view child, std::int32_t firstLine,
@@ -95,6 +161,7 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
     }
     if (children_ == 2) {
         list_ = child == first_;
+        if (!list_) text_ = fieldText(first_, text_);
         names_.insert(lowerCase(first_));
     }
     if (list_)
@@ -104,8 +171,8 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
 }
 
 std::string XmlTypes::finish(std::string_view name, std::string_view text) const {
-    if (children_ == 0) return TypeInfoValueLine(text, name, {}, {});
-    return block(name, list_ ? "list" : "record", text_);
+    if (children_ == 0) return DataValueLine(text, name, {}, {});
+    return list_ ? block(name, "list", text_) : block(name, "record", fieldText(first_, text_));
 }
 
 }  // namespace tarn

@@ -180,6 +180,7 @@ public:
     }
     std::string out;
     std::int32_t code = 0;   // the first failure
+    std::string message;     // of it; "": what the code says
     std::int32_t count = 0;  // items inside the outermost element; 1 for a text
     bool stopped = false;
 
@@ -194,8 +195,10 @@ private:
     };
 
     [[nodiscard]] bool ended() const { return code != 0 || stopped; }
-    void fail(std::int32_t error) {
-        if (code == 0) code = error;
+    void fail(std::int32_t error, std::string_view what = {}) {
+        if (code != 0) return;
+        code = error;
+        message = what;
     }
     void indent(std::int32_t depth) { out.append(static_cast<std::size_t>(depth) * 2, ' '); }
     void line(std::int32_t depth, std::string_view text) {
@@ -223,10 +226,12 @@ private:
         if (item.kind == KindRecord && fieldAttributes_ && isFlat(item, names) && flatRecord(item, names))
             return;
         if (ended()) return;
+        const std::size_t start = out.size();
         startTag(item);
         out += '>';
         if (isWrittenAsText(item.kind)) {
             text(item.value, item.kind);
+            checkText(item, start);
             if (item.depth == 0) count = 1;
         } else {
             out.append(lineEnd);
@@ -239,15 +244,19 @@ private:
         endTag(item.name);
     }
 
-    // Inside the outermost element: counts, and tells how far the work is.
+    // One of `total` inside another: counts, and tells how far the work is.
     void child(const Item& parent, const Item& item, std::int32_t total) {
+        const double before = done_, share = share_;
+        share_ = share / total;
         element(item);
-        if (parent.depth > 0) return;
-        ++count;
-        const auto done = static_cast<std::int64_t>(out.size());
-        if (done - shown_ < ProgressStep) return;
-        shown_ = done;
-        if (!Progress(done, done / count * total)) stopped = true;
+        done_ = before + share_;
+        share_ = share;
+        if (parent.depth == 0) ++count;
+        const auto bytes = static_cast<std::int64_t>(out.size());
+        if (bytes - shown_ < ProgressStep || stopped) return;
+        shown_ = bytes;
+        const auto expected = static_cast<std::int64_t>(static_cast<double>(bytes) / done_);
+        if (!Progress(bytes, std::max(bytes, expected))) stopped = true;
     }
 
     // ---- texts ----
@@ -266,6 +275,32 @@ private:
         SetToText(static_cast<const SetDescriptor*>(value), true, text.get());
         fail(XmlTakeCellError());
         appendString(out, text.get());
+    }
+
+    // Refuses what the reader would not take, or would take for something else. `start`: of the element.
+    void checkText(const Item& item, std::size_t start) {
+        std::string_view lines = std::string_view(out).substr(start);
+        const std::size_t behind = item.name.size() + 3;  // of the end tag
+        const bool small = lines.size() + behind < std::size_t{MaxXmlText};
+        if (item.kind == KindString && lines.find('\x1A') != std::string_view::npos)
+            return fail(ERR_XML_DATA, place(item) + "has the character 26, which would end the file");
+        if (small) return;
+        if (item.kind == KindString &&
+            StringLength(static_cast<const StringDescriptor*>(item.value)) > MaxXmlText)
+            return fail(ERR_XML_OVERFLOW,
+                        place(item) + "is too long, max length is " + std::to_string(MaxXmlText));
+        for (std::size_t end = 0; end < lines.size(); lines.remove_prefix(std::min(end + 1, lines.size()))) {
+            end = std::min(lines.find('\n'), lines.size());
+            const std::size_t length = end + (end == lines.size() ? behind : 0);
+            if (length >= std::size_t{MaxScannerLine})
+                return fail(ERR_XML_OVERFLOW, place(item) + "makes a line too long, max length is " +
+                                                  std::to_string(MaxScannerLine));
+        }
+    }
+    [[nodiscard]] std::string place(const Item& item) const {
+        const std::string number =
+            item.depth == 0 ? std::string() : "Item " + std::to_string(count + 1) + ": ";
+        return number + "the text of '" + std::string(item.name) + "' ";
     }
 
     // ---- records ----
@@ -402,6 +437,7 @@ private:
 
     bool fieldAttributes_;
     std::int64_t shown_ = 0;
+    double done_ = 0, share_ = 1;  // of the whole value: what is written, and what is being written
     Names given_;
 };
 
@@ -412,9 +448,10 @@ XmlResult saveValue(const std::string& filename, std::int32_t options, const voi
     writer.writeFile(value, kind, names);
     result.stopped = writer.stopped;
     if (writer.code != 0) {
-        result.error = XmlFailure(writer.code);
+        result.error = XmlFailure(writer.code, writer.message);
     } else if (!writer.stopped) {
-        const os::SaveResult saved = os::saveFile(filename, writer.out);
+        os::SaveResult saved = os::saveFile(filename, writer.out);
+        result.rescueCopy = std::move(saved.rescueCopy);
         if (saved.ok())
             result.count = writer.count;
         else

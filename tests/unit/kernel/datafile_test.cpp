@@ -2,7 +2,10 @@
 //
 // What is in a data file, and whole values by format.
 #include "kernel/data/datafile.h"
+#include "support/tempfolder.h"
 #include "unit/kernel/tab_fixture.h"
+
+#include <sys/stat.h>
 
 namespace tarn {
 namespace {
@@ -153,13 +156,37 @@ TEST_F(DataFiles, XmlGivesItsColumns) {
     EXPECT_EQ(info.typeText, "a : integer\nb : string[2]\n");
     EXPECT_EQ(message("<data><a>1</a><b><c>1</c><d>2</d></b></data>"),
               "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
+    EXPECT_EQ(message("<data><a>1</a><b type='union'></b><c>2</c></data>"),
+              "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
     for (const std::string name : {"end", "End"})
         EXPECT_EQ(message("<data><a>1</a><" + name + "><c>1</c><d>2</d></" + name + "></data>"),
                   "Column number 2 \"" + name +
                       "\" contains a nested record - columns cannot contain nested data");
     EXPECT_EQ(message("<data/>"), "File '/d/f' contains no XML data apart from the outermost element.");
+    files_.put("/d/f", "<l><r><a>1</a><b/><c>x</c></r><r><a>2</a><b/><c>y</c></r></l>");
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).typeText, "a : integer\nb : string[1024]\nc : string[1]\n")
+        << "a column that is always empty";
     const std::string broken = message("<data><a>1</b></data>");
     EXPECT_NE(broken.find(" (Line 1, Position "), std::string::npos) << broken;
+}
+
+TEST_F(DataFiles, XmlMayBeginWithAByteOrderMarkButNotWithBlanks) {
+    const std::string rows = "<l><r><a>1</a></r><r><a>2</a></r></l>";
+    EXPECT_EQ(message("\xEF\xBB\xBF" + rows), "");
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).typeText, "a : integer\n");
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).format, FormatXml);
+    EXPECT_EQ(message(" " + rows), "File '/d/f' is an unknown file type (first four bytes = 20 3C 6C 3E).");
+    EXPECT_EQ(message("\xEF\xBB\xBF"
+                      "a,b\n"),
+              "File '/d/f' is an unknown file type (first four bytes = EF BB BF 61).");
+    EXPECT_EQ(message("\xEF\xBB\xBF<5"),
+              "File '/d/f' is an unknown file type (first four bytes = EF BB BF 3C).");
+}
+
+TEST_F(DataFiles, WhatHasNoPlaceInAFileIsToldWithoutOne) {
+    files_.put("/d/f", "<a><b>1</b><c>2</c></a>");
+    files_.failAt(os::FileCall::Read, 2, os::FileError::ReadFailed);
+    EXPECT_EQ(GetDataFileInfo("/d/f", nullptr).message, "Cannot read from file");
 }
 
 TEST_F(DataFiles, XmlHoldsWholeValues) {
@@ -171,6 +198,40 @@ TEST_F(DataFiles, XmlHoldsWholeValues) {
     ListClear(list.get<ListDescriptor>());
     EXPECT_EQ(LoadValue("/d/f.xml", FormatXml, {}, list.get(), KindList, words).code, 0);
     EXPECT_EQ(Shown(list.get(), KindList), "{1}{2}");
+    files_.put("/d/f.xml", "<l>\n<i>1</i>\n<i><b/></i></l>");
+    const TabResult result = LoadValue("/d/f.xml", FormatXml, {}, list.get(), KindList, words);
+    EXPECT_EQ(result.code, ERR_INTEGER_CONVERSION);
+    EXPECT_EQ(result.line, 3);
+    EXPECT_EQ(result.row, 0);
+}
+
+bool stopAtOnce(std::int64_t, std::int64_t) {
+    return false;
+}
+
+TEST_F(DataFiles, ALookThatIsStoppedSaysNothingElse) {
+    std::string rows, elements;
+    while (rows.size() < std::size_t{3 * ProgressStep}) rows += "1,some text\n";
+    while (elements.size() < std::size_t{3 * ProgressStep}) elements += "<r><a>1</a></r>\n";
+    files_.put("/d/f.csv", rows);
+    files_.put("/d/f.xml", "<l>" + elements + "</l>");
+    files_.put("/d/g.xml", "<l><r>&no;</r>" + elements + "</l>");
+    const TabOptions all = CommaRows;
+    UseProgress(stopAtOnce);
+    for (const char* name : {"/d/f.csv", "/d/f.xml", "/d/g.xml"}) {
+        const DataFileInfo info = GetDataFileInfo(name, &all);
+        EXPECT_TRUE(info.stopped) << name;
+        EXPECT_EQ(info.message + info.typeText + info.keys, "") << name;
+        EXPECT_EQ(info.rowsSeen + info.columnsSeen, 0) << name;
+    }
+    EXPECT_TRUE(TabDiscover("/d/f.csv", CommaRows, MaxTypeInfo).stopped);
+    const String name(std::string_view("/d/f.xml"));
+    String keys, type, text;
+    GetDataFileInfo(name.get(), nullptr, keys.get(), type.get(), text.get());
+    EXPECT_EQ(type.view(), "");
+    EXPECT_EQ(text.view(), "Data File information cannot be obtained");
+    UseProgress(nullptr);
+    EXPECT_FALSE(GetDataFileInfo("/d/f.csv", &all).stopped);
 }
 
 TEST_F(DataFiles, TheLanguageGetsThreeStrings) {
@@ -238,6 +299,55 @@ TEST_F(DataFiles, LinesGoToListsOfTextsAndBack) {
     EXPECT_EQ(Shown(list.get(), KindList), "{ a,b }{}{\"c}");
     EXPECT_EQ(SaveValue("/d/g", FormatText, ignored, 0, list.get(), KindList).rows, 3);
     EXPECT_EQ(files_.contents("/d/g"), files_.contents("/d/f"));
+}
+
+// ---- files of other kinds, on the real system ----
+
+class OtherFiles : public Runtime {
+protected:
+    // How a file ends that is read in all ways: codes of the loads, and what it is said to be.
+    static std::string readings(const std::string& name) {
+        Typed list("x : list\n\ts : string\nend list\n");
+        std::string words, codes;
+        for (const std::int32_t format : {FormatText, FormatComma, FormatBinary, FormatXml}) {
+            const auto code = static_cast<DataFormat>(format);
+            String text;
+            const bool binary = format == FormatBinary;
+            codes += std::to_string(LoadValue(name, code, CommaRows,
+                                              binary ? static_cast<void*>(text.get()) : list.get(),
+                                              binary ? KindString : KindList, words)
+                                        .code) +
+                     " ";
+        }
+        return codes + GetDataFileInfo(name, &CommaRows).message;
+    }
+    TempFolder folder;
+};
+
+TEST_F(OtherFiles, DevicesAndPipesCannotBeRead) {
+    const std::string pipe = folder / "pipe.csv";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& name : {pipe, std::string("/dev/zero")})
+        EXPECT_EQ(readings(name),
+                  "651 651 651 651 File '" + name + "' is invalid, does not exist or is empty.");
+}
+
+TEST_F(OtherFiles, FilesThatTellNoSizeAreReadToTheirEnd) {
+    Typed list("x : list\n\ts : string\nend list\n");
+    std::string words;
+    const TabResult result =
+        LoadValue("/proc/self/status", FormatText, CommaRows, list.get(), KindList, words);
+    EXPECT_EQ(result.code, 0);
+    EXPECT_GT(result.rows, 10);
+    EXPECT_EQ(Shown(list.get(), KindList).substr(0, 6), "{Name:");
+    String text;
+    EXPECT_EQ(LoadValue("/proc/self/status", FormatBinary, CommaRows, text.get(), KindString, words).code, 0);
+    EXPECT_EQ(text.view().substr(0, 5), "Name:");
+    EXPECT_EQ(GetDataFileInfo("/proc/self/status", &TabRows).message, "");
+    // One that is empty.
+    ASSERT_TRUE(os::saveFile(folder / "empty", "", os::Durability::Unsynced).ok());
+    EXPECT_EQ(LoadValue(folder / "empty", FormatText, CommaRows, list.get(), KindList, words).rows, 0);
+    EXPECT_EQ(Shown(list.get(), KindList), "");
 }
 
 }  // namespace

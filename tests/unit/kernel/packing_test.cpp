@@ -225,6 +225,58 @@ TEST_F(Packing, AFailedLoadLeavesTheValue) {
     EXPECT_EQ(text.view(), "new");
 }
 
+// None of these files is read much further than its value reaches.
+TEST_F(Packing, FilesThatAreTooLargeAreRefusedBeforeTheyAreRead) {
+    files_.put("/d/a.bin", std::string(std::size_t{20 * ProgressStep}, '\0'));
+    ListValue small;
+    ListInit(small.get(), 3, nullptr, KindInteger, false);
+    Typed list("x : list\n\ti : integer\nend list\n"), record("r : record\n\ta : integer\nend record\n");
+    Typed open("r : record\n\ta : integer\n\ts : string\nend record\n"), text("s : string"),
+        word("s : string[5]");
+    const struct {
+        void* value;
+        Kind kind;
+        std::int32_t code;
+        int reads;
+    } cases[] = {{list.get(), KindList, 804, 4},     {small.get(), KindList, 655, 1},
+                 {record.get(), KindRecord, 655, 1}, {open.get(), KindRecord, 804, 8},
+                 {text.get(), KindString, 804, 4},   {word.get(), KindString, 0, 1}};
+    std::string message;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.code);
+        files_.failAt(os::FileCall::Read, c.reads + 1, os::FileError::ReadFailed);
+        EXPECT_EQ(LoadValue("/d/a.bin", FormatBinary, {}, c.value, c.kind, message).code, c.code);
+        files_.stopFailing();
+    }
+}
+
+TEST_F(Packing, ASaveThatIsStoppedLeavesTheFile) {
+    Typed list("x : list\n\ti : integer\nend list\n");
+    ListValue fixed;
+    ListInit(fixed.get(), 500'000, nullptr, KindInteger, false);
+    for (std::int32_t number = 0; number < 500'000; ++number) {
+        ListAppend(&number, KindInteger, list.get<ListDescriptor>());
+        ListAppend(&number, KindInteger, fixed.get());
+    }
+    files_.put("/d/a.bin", "old");
+    static std::int64_t last = 0;
+    for (void* value : {list.get(), static_cast<void*>(fixed.get())}) {
+        UseProgress([](std::int64_t, std::int64_t) { return false; });
+        EXPECT_TRUE(SaveValue("/d/a.bin", FormatBinary, {}, 0, value, KindList).stopped);
+        EXPECT_EQ(files_.contents("/d/a.bin"), "old");
+        UseProgress([](std::int64_t done, std::int64_t total) {
+            EXPECT_LE(done, total);
+            EXPECT_NEAR(static_cast<double>(total), 2e6, 1e4);
+            last = done;
+            return true;
+        });
+        const TabResult result = SaveValue("/d/b.bin", FormatBinary, {}, 0, value, KindList);
+        EXPECT_FALSE(result.stopped);
+        EXPECT_EQ(result.rows, 500'000);
+        EXPECT_GE(last, ProgressStep);
+    }
+}
+
 TEST_F(Packing, AFailedSaveLeavesTheFile) {
     const String text(std::string_view("new"));
     files_.put("/d/a.bin", "old");

@@ -51,6 +51,16 @@ TEST_F(TabDiscovery, NamesComeFromTheHeader) {
     EXPECT_EQ(columns(std::string(300, 'n') + "\n1\n", header), std::string(255, 'n') + " : integer\n");
 }
 
+TEST_F(TabDiscovery, QuotedNamesHoldAnyBytes) {
+    EXPECT_EQ(columns("\"a,b\",c\n1,x\n", header), "\"a,b\" : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("\"say \"\"hi\"\"\" ,c\n1,x\n", header), "\"say hi\" : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("\"a\r\nb\",c\r\n1,x\r\n", header), "ab : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("\"a\nb\",c\n--,---\nx,y\n", dashes), "ab : string[2]\nc : string[3]\n");
+    EXPECT_EQ(columns("\1\"a\1b\"\1c\1\n\0015\1x\1\n", {1, 0, 1, -1}), "ab : integer\nc : string[1]\n");
+    EXPECT_EQ(columns("5\" pipe,b\n1,x\n", header), "\"5 pipe\" : integer\nb : string[1]\n");
+    EXPECT_EQ(columns("\"a,b\n1,2\n", header), "a : integer\nb : integer\n") << "never closed";
+}
+
 TEST_F(TabDiscovery, OnlyAHeaderGivesAny) {
     EXPECT_EQ(columns("a,b\n", header), "a : Any\nb : Any\n");
     EXPECT_EQ(columns("a,b,c\n1\n", header), "a : integer\nb : Any\nc : Any\n");
@@ -121,8 +131,28 @@ TEST_F(TabDiscovery, NoDataIsTold) {
     EXPECT_EQ(columns(""), nothing);
     EXPECT_EQ(columns("\n1\n"), nothing);
     EXPECT_EQ(columns("1\n", {0, 0, ',', 0}), nothing);
+}
+
+TEST_F(TabDiscovery, AFileThatCannotBeReadIsNotSaidToHaveNoData) {
     EXPECT_EQ(TabDiscover("/d/none", CommaRows, MaxTypeInfo).message,
-              "Cannot find the structure of 'none', there is no data in the file");
+              "Cannot find the structure of 'none', the file cannot be read (error 651)");
+    files_.failAt(os::FileCall::Read, 1, os::FileError::ReadFailed);
+    EXPECT_EQ(columns("a,b\n1,2\n"),
+              "Cannot find the structure of 'a.csv', the file cannot be read (error 651)");
+    files_.stopFailing();
+    std::string rows;
+    while (rows.size() < 600'000) rows += "1\n";
+    files_.failAt(os::FileCall::Read, 2, os::FileError::ReadFailed);
+    EXPECT_EQ(columns(rows), "Cannot find the structure of 'a.csv', the file cannot be read (error 651)");
+    files_.stopFailing();
+}
+
+TEST_F(TabDiscovery, SeparatorsThatCannotBeAreTold) {
+    for (const std::int32_t code : {0, 10, 34, 256, -2})
+        EXPECT_EQ(columns("a,b\n1,2\n", {1, 0, code, -1}),
+                  "Cannot find the structure of 'a.csv', the character with the code " +
+                      std::to_string(code) + " cannot be a separator");
+    EXPECT_EQ(columns("a,b\n1\n", {1, 0, -1, -1}), "\"a,b\" : integer\n") << "lines have none";
 }
 
 TEST_F(TabDiscovery, TheNameOfTheRecordIsThatOfTheFile) {

@@ -50,6 +50,12 @@ TEST_F(TabLoading, EveryKindHasItsReaderAndItsCode) {
         {"fixed", "922337203685477.5807", "{9223372036854775807f}"},
         {"fixed", "-922337203685477.5808", "{-9223372036854775808f}"},
         {"fixed", "922337203685477.5808", "984@1 {0f}"},
+        {"fixed", "922337203685477", "{9223372036854770000f}"},
+        {"fixed", "922337203685478", "984@1 {0f}"},
+        {"fixed", "999999999999999", "984@1 {0f}"},
+        {"fixed", "-999999999999999", "984@1 {0f}"},
+        {"fixed", "92233720368547.75", "{922337203685477500f}"},
+        {"fixed", "000000000000001", "{10000f}"},
         {"fixed", "1E3", "984@1 {0f}"},
         {"fixed", ".", "984@1 {0f}"},
         {"real", "1.5", "{1.5r}"},
@@ -222,6 +228,12 @@ TEST_F(TabLoading, TheOldContentGoes) {
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.rows, 2);
     EXPECT_EQ(Shown(list.get(), KindList), "{1}{2}");
+}
+
+TEST_F(TabLoading, AHeaderRowHoldsTheLinesOfItsQuotedCells) {
+    EXPECT_EQ(loaded("\"a\nb\",c\n1,2\n", "a : integer\nb : integer\n", {1, 0, ',', -1}), "{1|2}");
+    EXPECT_EQ(loaded("\"a\nb\",c\n--,--\n1,2\n", "a : integer\nb : integer\n", {2, 0, ',', -1}), "{1|2}");
+    EXPECT_EQ(loadedAs("\"a\nb\",c\n1,2\n", "s : string", {1, 0, ',', -1}), "1,2\n");
 }
 
 // ---- tables and fixed lists ----

@@ -28,7 +28,10 @@ TEST_F(XmlBindTest, TextsAreReadByTheKindOfTheTarget) {
         {"x : enum", "<a>red</a>", "#0"},
         {"x : integer", "<a>-12</a>", "-12"},
         {"x : integer", "<a> 12 </a>", "12"},
-        {"x : integer", "<a>12.9</a>", "12"},
+        {"x : integer", "<a>12.9</a>", "0"},
+        {"x : integer", "<a>12 apples</a>", "0"},
+        {"x : integer", "<a>+12</a>", "12"},
+        {"x : enum", "<a>7th</a>", "#0"},
         {"x : integer", "<a>abc</a>", "0"},
         {"x : integer", "<a></a>", "0"},
         {"x : integer", "<a>2147483648</a>", "0"},
@@ -284,12 +287,15 @@ TEST_F(XmlBindTest, WithoutMemoryTheReadFailsAndNothingLeaks) {
         "n='2' s='y'/></a>";
     const auto check = [&](AnyValue& value, const std::string& xml) {
         disk.put(file, xml);
+        std::string before = shown(value);
         int failures = 0;
         for (std::int64_t n = 0; n < 150; ++n) {
             SCOPED_TRACE(n);
             FailAllocation(n);
             const ErrorRecord error = XmlRead(file, 0, value.get(), value.kind(), nullptr, 0);
             FailAllocation(-1);
+            EXPECT_TRUE(error.code == 0 || shown(value) == before) << shown(value);
+            before = shown(value);
             EXPECT_EQ(AdtCheck(value.get(), value.kind()), "");
             EXPECT_EQ(ErrorCell(), 0);
             EXPECT_TRUE(error.code == 0 || error.code == ERR_OUT_OF_MEMORY) << error.message;
@@ -298,14 +304,37 @@ TEST_F(XmlBindTest, WithoutMemoryTheReadFailsAndNothingLeaks) {
         return failures;
     };
     AnyValue list(declaration);
+    EXPECT_EQ(bound(list, "<a><r n='9' s='old'/></a>"), "({9,'old',(),[]})");
     EXPECT_GT(check(list, text), 10);
     EXPECT_EQ(shown(list), "({1,'longer text',('x','y'),[1..300]},{2,'y',(),[]})");
     AnyValue table = AnyValue::table(row, {MakeKeyMap(1), MakeKeyMap(2)});
+    EXPECT_EQ(bound(table, "<a><r n='9' s='old'/></a>"), "|{9,'old'}|");
     EXPECT_GT(check(table, "<a><r n='1' s='text'/><r n='2'><n>3</n><s>b</s></r></a>"), 10);
     const String like;
     AnyValue array = AnyValue::array(KindString, {}, like.get());
     EXPECT_GT(check(array, "<a><c>x</c><c>y</c><c index='4'>z</c></a>"), 4);
     EXPECT_EQ(shown(array), "<1:4>('x','y','','z')");
+}
+
+TEST_F(XmlBindTest, WantOfMemoryIsToldAlsoBehindOtherErrors) {
+    const std::string text = "<a><r n='x' b='perhaps' s='one'/><r n='2' b='yes' s='two'/></a>";
+    AnyValue list(
+        "l : list\n\tr : record\n\t\tn : integer\n\t\tb : boolean\n\t\ts : string\n\tend record\nend list\n");
+    EXPECT_EQ(bound(list, "<a><r n='9' b='yes' s='old'/></a>"), "({9,True,'old'})");
+    int failures = 0;
+    for (std::int64_t n = 0; n < 60; ++n) {
+        SCOPED_TRACE(n);
+        disk.put(file, text);
+        FailAllocation(n);
+        const ErrorRecord error = XmlRead(file, 0, list.get(), KindList, nullptr, 0);
+        FailAllocation(-1);
+        if (error.code == ERR_BOOLEAN_CONVERSION) break;
+        ++failures;
+        EXPECT_EQ(error.code, ERR_OUT_OF_MEMORY);
+        EXPECT_EQ(shown(list), "({9,True,'old'})");
+    }
+    EXPECT_GT(failures, 5);
+    EXPECT_EQ(shown(list), "({0,False,'one'},{2,True,'two'})");
 }
 
 }  // namespace

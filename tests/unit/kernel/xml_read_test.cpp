@@ -2,6 +2,7 @@
 #include "kernel/data/xml_entities.h"
 #include "unit/kernel/xml_fixture.h"
 
+#include <chrono>
 #include <memory>
 #include <random>
 
@@ -46,15 +47,20 @@ TEST_F(XmlReadTest, TheStructureOfSingleElementsIsTheTypeOfTheirText) {
 TEST_F(XmlReadTest, TwoChildrenOfOneNameMakeAListAndOthersARecord) {
     const Case cases[] = {
         {"<a><b/><b/></a>", "a : list\nend list\n"},
-        {"<a><b/><c/></a>", "a : record\nend record\n"},
-        {"<a><b/></a>", "a : record\nend record\n"},
+        {"<a><b/><c/></a>", "a : record\n\tb : Any\n\tc : Any\nend record\n"},
+        {"<a><b/></a>", "a : record\n\tb : Any\nend record\n"},
         {"<a><b>1</b></a>", "a : record\n\tb : integer\nend record\n"},
         {"<a><b>1</b><c>x</c></a>", "a : record\n\tb : integer\n\tc : string[1]\nend record\n"},
         {"<list><item>1</item><item>x</item></list>", "list : list\n\titem : string[40]\nend list\n"},
         {"<l><i>1</i><i>2.5</i><i>3</i></l>", "l : list\n\ti : fixed\nend list\n"},
         {"<l><i>ab</i><i>abcd</i><i>a</i></l>", "l : list\n\ti : string[4]\nend list\n"},
         {"<l><i/><i>5</i><i/></l>", "l : list\n\ti : integer\nend list\n"},
-        {"<r><a/><b>5</b><c/></r>", "r : record\n\tb : integer\nend record\n"},
+        {"<r><a/><b>5</b><c/></r>", "r : record\n\ta : Any\n\tb : integer\n\tc : Any\nend record\n"},
+        {"<l><r><x/><y/></r><r><x>1</x><y/></r></l>",
+         "l : list\n\tr : record\n\t\tx : integer\n\t\ty : Any\n\tend record\nend list\n"},
+        {"<l><r><x/><y>1</y></r><r><x><i>1</i><i>2</i></x><y>2</y></r></l>",
+         "l : list\n\tr : record\n\t\tx : list\n\t\t\ti : integer\n\t\tend list\n\t\ty : integer\n"
+         "\tend record\nend list\n"},
         {"<r><a/><a>1</a><a>2</a></r>", "r : list\n\ta : integer\nend list\n"},
         {"<t><r><x>1</x><y>a</y></r><r><x>2</x><y>abc</y></r></t>",
          "t : list\n\tr : record\n\t\tx : integer\n\t\ty : string[3]\n\tend record\nend list\n"},
@@ -63,6 +69,25 @@ TEST_F(XmlReadTest, TwoChildrenOfOneNameMakeAListAndOthersARecord) {
         {"<d><l><r><x>1</x></r><r><x>2</x></r></l></d>", "d : record\n\tl : list\n\t\tr : record\n\t\t\tx : "
                                                          "integer\n\t\tend record\n\tend list\nend record\n"},
         {"<a>text<b>1</b>text</a>", "a : record\n\tb : integer\nend record\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
+}
+
+TEST_F(XmlReadTest, MoreDecimalsThanAFixedNumberKeepsAreReal) {
+    const Case cases[] = {
+        {"<a>52.520008</a>", "a : real\n"},
+        {"<a>\n 52.5200 </a>", "a : fixed\n"},
+        {"<a x='52.520008'/>", "a : real\n"},
+        {"<a x='1.5' y='52.520008'/>", "a : record\n\tx : fixed\n\ty : real\nend record\n"},
+        {"<a>2020-01-31 10:00:00.0000</a>", "a : Tdatetime[24]\n"},
+        {"<a>1.2.34567</a>", "a : string[9]\n"},
+        {"<l><v>1.5</v><v>1.234567</v><v>2</v></l>", "l : list\n\tv : real\nend list\n"},
+        {"<l><v>1.234567</v><v>1.5</v></l>", "l : list\n\tv : real\nend list\n"},
+        {"<l><p><x>1.5</x><y>1.5</y></p><p><x>2.5</x><y>1.23456</y></p><p><x>3.5</x><y>9.5</y></p></l>",
+         "l : list\n\tp : record\n\t\tx : fixed\n\t\ty : real\n\tend record\nend list\n"},
+        {"<l><p><q><v>1.5</v></q><v>1.23456</v></p><p><q><v>1.5</v></q><v>2.5</v></p></l>",
+         "l : list\n\tp : record\n\t\tq : record\n\t\t\tv : fixed\n\t\tend record\n\t\tv : real\n"
+         "\tend record\nend list\n"},
     };
     for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
 }
@@ -109,6 +134,26 @@ TEST_F(XmlReadTest, TheAttributesTypeAndIndexAreNoFields) {
          "l : record\n\ti : record\n\t\tx : integer\n\tend record\nend record\n"},
         {"<l><i type=\"??\">1</i></l>", "l : record\n\ti : integer\nend record\n"},
         {"<l><i type=\"\">1</i></l>", "l : record\n\ti : integer\nend record\n"},
+        {"<l><i type=\"integer\">abc</i></l>", "l : record\n\ti : integer\nend record\n"},
+        {"<l><i type=\"Tdatetime[24]\"/></l>", "l : record\n\ti : Tdatetime[24]\nend record\n"},
+        {"<l><i type=\"UNION\"/></l>", "l : record\n\ti : union\n\tend union\nend record\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
+}
+
+TEST_F(XmlReadTest, WordsThatAreNoTypesChangeNothing) {
+    const Case cases[] = {
+        {"<c><phone type=\"mobile\">1</phone><phone type=\"home\">2</phone></c>",
+         "c : list\n\tphone : integer\nend list\n"},
+        {"<l><p type=\"mobile\">1</p><q>ab</q></l>",
+         "l : record\n\tp : integer\n\tq : string[2]\nend record\n"},
+        {"<l><p type=\"adt\">1</p></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"adt\" x=\"1\" y=\"2\"/></l>",
+         "l : record\n\tp : record\n\t\tx : integer\n\t\ty : integer\n\tend record\nend record\n"},
+        {"<l><p type=\"records\" x=\"1\"/></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"listing\">1</p></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"end record\">1</p></l>", "l : record\n\tp : integer\nend record\n"},
+        {"<l><p type=\"integer of some\">x</p></l>", "l : record\n\tp : integer\nend record\n"},
     };
     for (const Case& c : cases) EXPECT_EQ(structure(c.text), c.expected) << c.text;
 }
@@ -344,6 +389,29 @@ TEST_F(XmlReadTest, BlanksBetweenManyElementsAreNoText) {
     EXPECT_EQ(structure("<a>" + rows + "\n</a>"), "a : list\n\tb : integer\nend list\n");
 }
 
+// Merging each of these rows would take the time of 1200 lines.
+TEST_F(XmlReadTest, RowsOfAFewShapesAreMergedOnce) {
+    std::string wide, rows;
+    for (int i = 0; i < 1200; ++i) wide += "<f" + std::to_string(i) + ">1</f" + std::to_string(i) + ">\n";
+    for (int i = 0; i < 30000; ++i)
+        rows += "<r><f" + std::to_string(i % 50) + ">1</f" + std::to_string(i % 50) + "></r>\n";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(structure("<l><r>" + wide + "</r>\n" + rows + "</l>").substr(0, 9), "l : list\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST_F(XmlReadTest, MoreShapesThanAreRememberedAreMergedStill) {
+    std::string wide, rows, expected = "l : list\n\tr : record\n";
+    for (int i = 0; i < 250; ++i) {
+        const std::string name = "f" + std::to_string(i);
+        wide += "<" + name + ">x</" + name + ">";
+        rows += "<r><" + name + ">xy</" + name + "></r>";
+        expected += "\t\t" + name + " : string[2]\n";
+    }
+    EXPECT_EQ(structure("<l><r>" + wide + "</r>" + repeated(rows + "\n", 2) + "</l>"),
+              expected + "\tend record\nend list\n");
+}
+
 // ---- errors of structures ----
 
 TEST_F(XmlReadTest, StructuresThatDoNotFitAreToldWithTheirPlace) {
@@ -470,6 +538,39 @@ TEST_F(XmlReadTest, AReadThatIsStoppedChangesNothing) {
     }
     EXPECT_EQ(XmlRead(file, 0, value.get(), KindList, nullptr, 0).code, 0);
     EXPECT_EQ(ListCount(value.as<ListDescriptor>()), 80000);
+}
+
+int looks = 0;
+bool stopAndCount(std::int64_t, std::int64_t) {
+    ++looks;
+    return false;
+}
+
+TEST_F(XmlReadTest, AStopEndsTheReadWhereverItIs) {
+    const std::string lines = repeated("some text of a line\n", 150'000);
+    const std::string declarations = repeated("<!ELEMENT x (y|z)>\n", 150'000);
+    const std::string instructions = repeated("<?some text?>\n", 150'000);
+    std::string attributes;
+    for (int i = 0; i < 150'000; ++i) attributes += " a='some text'\n";
+    const std::string texts[] = {
+        "<?pi " + lines + "?><a/>",
+        "<!DOCTYPE a [<!ELEMENT " + lines + ">]><a/>",
+        "<!DOCTYPE a [" + declarations + "]><a/>",
+        instructions + "<a/>",
+        "<a>" + lines + "</a>",
+        "<a><?pi " + lines + "?></a>",
+        "<a><![CDATA[" + lines + "]]></a>",
+        "<a" + attributes + "/>",
+        "<a>" + repeated("<b/>\n", 600'000) + "</a>",
+        "<a/>" + instructions,
+    };
+    UseProgress(stopAndCount);
+    for (const std::string& text : texts) {
+        disk.put(file, text);
+        looks = 0;
+        EXPECT_TRUE(XmlDiscover(file, MaxTypeInfo).stopped) << text.substr(0, 20);
+        EXPECT_EQ(looks, 1) << text.substr(0, 20);
+    }
 }
 
 ErrorRecord inner;

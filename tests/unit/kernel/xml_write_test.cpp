@@ -235,6 +235,69 @@ TEST_F(XmlWriteTest, WhatIsNoValueIsRefusedAndTheOldFileStays) {
     EXPECT_EQ(disk.contents(file), "old");
 }
 
+TEST_F(XmlWriteTest, TextsThatWouldNotComeBackAreRefusedAndTheOldFileStays) {
+    disk.put(file, "old");
+    const auto refused = [&](const AnyValue& value, std::int32_t options = 0) {
+        const XmlResult result = XmlSave(file, options, value.get(), value.kind());
+        EXPECT_EQ(result.count, 0);
+        EXPECT_EQ(disk.contents(file), "old");
+        return shown(result.error);
+    };
+    AnyValue text("s : string"), list("l : list\n\tr : record\n\t\ts : string\n\tend record\nend list\n");
+    auto* const s = text.as<StringDescriptor>();
+    StringAssignView(s, "a\x1A"
+                        "b");
+    EXPECT_EQ(refused(text), "673 0:0 the text of 'data' has the character 26, which would end the file");
+    RecordValue row;
+    AdtInit(row.get(), At(list.as<ListDescriptor>()->prototype), KindRecord);
+    for (const char* word : {"a", "\x1A"}) {
+        StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(row.get(), 1)), word);
+        ListAppend(row.get(), KindRecord, list.as<ListDescriptor>());
+    }
+    for (const std::int32_t options : {0, XmlFieldAttributes})
+        EXPECT_EQ(refused(list, options),
+                  "673 0:0 Item 2: the text of 'Field1' has the character 26, which would end the file");
+    std::string lines;
+    for (int i = 0; i < 64; ++i) lines += std::string(511, 'x') + "\n";
+    StringAssignView(s, lines + "x");
+    EXPECT_EQ(refused(text), "671 0:0 the text of 'data' is too long, max length is 32768");
+    AnyValue wide("s : set[1:20000]");
+    for (std::int32_t member = 1; member < 20000; member += 2) SetInclude(member, wide.as<SetDescriptor>());
+    EXPECT_EQ(refused(wide), "671 0:0 the text of 'data' makes a line too long, max length is 32768");
+}
+
+// At every length around the limits, what is saved comes back, and nothing else is saved.
+TEST_F(XmlWriteTest, TheLongestTextsComeBack) {
+    AnyValue text("s : string"), back("s : string");
+    auto* const s = text.as<StringDescriptor>();
+    int saved = 0, refused = 0;
+    const auto check = [&](const std::string& words) {
+        StringAssignView(s, words);
+        disk.put(file, "old");
+        const XmlResult result = XmlSave(file, 0, text.get(), KindString);
+        if (result.error.code != 0) {
+            ++refused;
+            EXPECT_EQ(result.error.code, ERR_XML_OVERFLOW);
+            EXPECT_EQ(disk.contents(file), "old");
+            return;
+        }
+        ++saved;
+        EXPECT_EQ(shown(XmlLoad(file, back.get(), KindString).error), "") << words.size();
+        EXPECT_EQ(StringView(back.as<StringDescriptor>()), words);
+    };
+    std::string lines;
+    for (int i = 0; i < 63; ++i) lines += std::string(511, 'x') + "\n";
+    for (std::size_t n = 500; n < 520; ++n) check(lines + std::string(n, 'y'));
+    for (std::size_t n = 32720; n < 32790; ++n) {
+        check(std::string(n, 'x'));
+        check(std::string(n - 1, 'x') + "\n");
+        check("\n" + std::string(n - 1, 'x'));
+        check(std::string(n - 5, 'x') + "&");
+    }
+    EXPECT_GT(saved, 100);
+    EXPECT_GT(refused, 50);
+}
+
 TEST_F(XmlWriteTest, AFailureAtAnyCallLeavesTheOldOrTheNewFile) {
     const AnyValue number("x : integer");
     const std::string whole = [&] {
@@ -287,6 +350,25 @@ TEST_F(XmlWriteTest, ASaveThatIsStoppedLeavesTheOldFile) {
     ASSERT_FALSE(totals.empty());
     const auto size = static_cast<std::int64_t>(disk.contents(file).size());
     EXPECT_NEAR(static_cast<double>(totals.back()), static_cast<double>(size), 100000);
+}
+
+TEST_F(XmlWriteTest, ASaveOfWhatIsInsideAnotherValueIsToldToo) {
+    AnyValue record("r : record\n\tn : integer\n\tl : list\n\t\ts : string\n\tend list\nend record\n");
+    auto* const list = static_cast<ListDescriptor*>(RecordFieldAddress(record.as<RecordDescriptor>(), 2));
+    const String text("some text of an element");
+    for (int i = 0; i < 40000; ++i) ListAppend(text.get(), KindString, list);
+    disk.put(file, "old");
+    UseProgress(progress);
+    goOn = false;
+    EXPECT_TRUE(XmlSave(file, 0, record.get(), KindRecord).stopped);
+    EXPECT_EQ(disk.contents(file), "old");
+    goOn = true;
+    totals.clear();
+    EXPECT_EQ(XmlSave(file, 0, record.get(), KindRecord).count, 2);
+    ASSERT_GE(totals.size(), 2U);
+    const auto size = static_cast<double>(disk.contents(file).size());
+    EXPECT_GT(static_cast<double>(totals.back()), size / 2);
+    EXPECT_LT(static_cast<double>(totals.back()), 2 * size);
 }
 
 TEST_F(XmlWriteTest, ValuesThatHoldOneAnotherTooDeepAreRefused) {

@@ -8,9 +8,11 @@
 #include "library/dbutil.h"
 #include "library/system.h"
 #include "support/steerable.h"
+#include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 
 namespace tarn {
 namespace {
@@ -57,7 +59,10 @@ TEST_F(DataHelpers, TheLayoutIsSuggestedFromTwoLines) {
     EXPECT_EQ(details("a,b;c\n1;2\n"), "0|;");  // the comma is not in the second line
     EXPECT_EQ(details("a;b,c\n"), "0|,");       // the order of separators, not of the line
     EXPECT_EQ(details("\"first name\", b \n1,2\n"), "1|,");
-    EXPECT_EQ(details("a,,b\n1,2,3\n"), "0|,");
+    EXPECT_EQ(details("a,,b\n1,2,3\n"), "1|,");
+    EXPECT_EQ(details("a,b,\n1,2,\n"), "1|,");
+    EXPECT_EQ(details("a,\"\",b\n--,,--\n"), "2|,");
+    EXPECT_EQ(details("a,,2\n1,2,3\n"), "0|,");
     EXPECT_EQ(details(std::string(41, 'n') + ",b\n1,2\n"), "0|,");
     EXPECT_EQ(details("first\nsecond\n"), "1|,");
     EXPECT_EQ(details("first\n---\n"), "2|,");
@@ -71,6 +76,13 @@ TEST_F(DataHelpers, AFileThatCannotBeReadGivesTheFirstSuggestion) {
         EXPECT_EQ(found.headerRows, "0");
         EXPECT_EQ(found.separator, ",");
     }
+}
+
+TEST(OtherFiles, APipeIsNotWaitedFor) {
+    const TempFolder folder;
+    const std::string pipe = folder / "pipe.csv";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(GETPOSSIBLEFILEDETAILS(pipe).headerRows, "0");
 }
 
 TEST_F(DataHelpers, SeparatorsAreWrittenInManyWays) {

@@ -2,12 +2,14 @@
 //
 // The tags of a well-formed file, and nothing else of it: what stands in comments, CDATA sections, processing
 // instructions and the internal subset is passed over.
+#include "kernel/data/xml_order.h"
+
+#include "kernel/data/progress.h"
 #include "os/files.h"
-#include "toolchain/tarn_data.h"
 
 #include <algorithm>
 
-namespace tarn::data {
+namespace tarn {
 
 namespace {
 
@@ -22,7 +24,8 @@ struct Tag {
 
 class Tags {
 public:
-    explicit Tags(std::string_view text) : rest_(text) {}
+    explicit Tags(std::string_view text) : rest_(text), size_(text.size()) {}
+    [[nodiscard]] std::size_t passed() const { return size_ - rest_.size(); }
 
     bool next(Tag& tag) {
         for (;;) {
@@ -96,6 +99,7 @@ private:
     }
 
     std::string_view rest_;
+    std::size_t size_;
     std::string attribute_;
     std::size_t line_ = 1;
 };
@@ -103,74 +107,84 @@ private:
 // Follows the rows: elements whose attributes, or own children, are the columns.
 class Order {
 public:
-    Order(const std::string& file, const std::vector<std::string>& columns, std::size_t rowDepth)
+    Order(const std::string& file, const std::vector<std::string>& columns, std::int32_t rowDepth)
         : file_(file), columns_(columns), rowDepth_(rowDepth) {}
 
-    Problem take(const Tag& tag) {
-        Problem problem;
+    // False, and the result has a message, when something is out of place.
+    bool take(const Tag& tag) {
+        bool good = true;
         if (tag.start) {
             ++depth_;
             if (depth_ == rowDepth_) open(tag);
-            if (depth_ == rowDepth_ + 1) problem = element(tag);
+            if (depth_ == rowDepth_ + 1) good = element(tag);
         }
-        if (tag.end && depth_ == rowDepth_) problem = close();
+        if (tag.end && depth_ == rowDepth_) good = close();
         if (tag.end) --depth_;
-        return problem;
+        return good;
     }
-    [[nodiscard]] std::int32_t rows() const { return rows_; }
+    XmlOrder result;
 
 private:
     void open(const Tag& tag) {
-        ++rows_;
+        ++result.rows;
         next_ = 0;
         row_ = tag;
     }
-    // The only attribute of a row without elements: the row itself is the column.
-    Problem close() {
-        Problem problem;
-        if (row_.attributes.size() < 2) return problem;
-        for (const std::string& name : row_.attributes) {
-            if (!problem.any()) problem = field(row_, "attribute", name);
-        }
-        return problem;
+    // The only attribute of a row of one column is the value of the row, whatever its name.
+    bool close() {
+        if (row_.attributes.size() == 1 && columns_.size() == 1) return true;
+        return std::all_of(row_.attributes.begin(), row_.attributes.end(),
+                           [&](const std::string& name) { return field(row_, "attribute", name); });
     }
-    Problem element(const Tag& tag) {
+    bool element(const Tag& tag) {
         if (row_.attributes.empty()) return field(tag, "element", tag.name);
-        return {place(tag, "element", tag.name) + "stands in a row that has data in attributes, too.",
-                "Put the data of rows into elements or into attributes, not both."};
+        return fault(tag, "element", tag.name, "stands in a row that has data in attributes, too.",
+                     "Put the data of rows into elements or into attributes, not both.");
     }
-    Problem field(const Tag& tag, const char* what, std::string_view name) {
-        if (next_ < columns_.size() && columns_[next_++] == name) return {};
-        return {place(tag, what, name) + "does not stand in the place of its column.",
-                "Every row must have the same fields in one order; write an empty one for what is missing."};
+    bool field(const Tag& tag, const char* what, std::string_view name) {
+        if (next_ < columns_.size() && columns_[next_++] == name) return true;
+        return fault(
+            tag, what, name, "does not stand in the place of its column.",
+            "Every row must have the same fields in one order; write an empty one for what is missing.");
     }
-    [[nodiscard]] std::string place(const Tag& tag, const char* what, std::string_view name) const {
-        return "File '" + file_ + "' line " + std::to_string(tag.line) + ": " + what + " '" +
-               std::string(name) + "' ";
+    bool fault(const Tag& tag, const char* what, std::string_view name, const char* message,
+               const char* advice) {
+        result.message = "File '" + file_ + "' line " + std::to_string(tag.line) + ": " + what + " '" +
+                         std::string(name) + "' " + message;
+        result.advice = advice;
+        return false;
     }
 
     const std::string& file_;
     const std::vector<std::string>& columns_;
-    std::size_t rowDepth_, depth_ = 0, next_ = 0;
-    std::int32_t rows_ = 0;
+    std::int32_t rowDepth_, depth_ = 0;
+    std::size_t next_ = 0;
     Tag row_;  // the one that is open
 };
 
 }  // namespace
 
-Problem checkXmlOrder(const std::string& file, const std::vector<std::string>& columns, std::size_t rowDepth,
-                      std::int32_t& rows) {
+XmlOrder XmlCheckOrder(const std::string& filename, const std::vector<std::string>& columns,
+                       const XmlRows& rows) {
     std::string text;
-    const os::FileError error = os::readFile(os::native(file), text);
-    if (error != os::FileError::None)
-        return {"File '" + file + "' cannot be read.", std::string(os::describe(error))};
+    Order order(filename, columns, rows.depth);
+    const os::FileError error = os::readFile(os::native(filename), text);
+    if (error != os::FileError::None) {
+        order.result.message = "File '" + filename + "' cannot be read.";
+        order.result.advice = os::describe(error);
+        return order.result;
+    }
     Tags tags(text);
     Tag tag;
-    Order order(file, columns, rowDepth);
-    Problem problem;
-    while (!problem.any() && tags.next(tag)) problem = order.take(tag);
-    rows = order.rows();
-    return problem;
+    const auto total = static_cast<std::int64_t>(text.size());
+    for (std::int64_t told = 0; tags.next(tag) && order.take(tag);) {
+        const auto done = static_cast<std::int64_t>(tags.passed());
+        if (done - told < ProgressStep) continue;
+        told = done;
+        order.result.stopped = !Progress(done, total);
+        if (order.result.stopped) break;
+    }
+    return order.result;
 }
 
-}  // namespace tarn::data
+}  // namespace tarn
