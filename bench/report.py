@@ -78,7 +78,7 @@ def main():
         ("csvDiscoverKernel", "csvImportSqlite/0", 0.5), ("csvTableKernel/0", "csvImportSqlite/0", 0.5),
         ("csvTableKernel/1", "csvImportSqlite/1", 0.5), ("csvSaveKernel", "csvSaveSqlite", None),
         ("scanKernel", "scanFlex", 1.43),
-        *((f"{work}Linear/{n} a MB", f"{work}Linear/1 a MB", 1.25 if n > 1 else None)
+        *((f"{work}Linear/{n} a MB", f"{work}Linear/1 a MB", 1.5)
           for work in ("xmlBare", "xmlList", "csvList") for n in (10, 100)),
         ("start ide", "start geany", 0.6), ("start ide", "start qt", None),
         ("open 4 MB, extra", "plainOpenLarge", None),
@@ -91,7 +91,7 @@ def main():
         here, other = all_[name], all_.get(peer)
         ratio = f"{here / other:.2f}" if other else ""
         met = ""
-        if budget is not None:
+        if budget is not None and (other or not peer):
             value = here / other if other else here
             met = f"{budget if peer else text(budget)}{' x' if peer else ''} {'met' if value <= budget else 'MISSED'}"
         print(f"{name:24} {text(here):>12} {text(other) if other else '':>12} {ratio:>7} "

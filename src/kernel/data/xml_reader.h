@@ -10,7 +10,9 @@
 #pragma once
 
 #include "kernel/adt.h"
+#include "kernel/data/progress.h"
 #include "kernel/data/scanner.h"
+#include "kernel/data/scanner_bytes.h"
 #include "kernel/data/xml.h"
 #include "kernel/data/xml_entities.h"
 #include "kernel/records.h"
@@ -147,9 +149,17 @@ void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.
 ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
 // Moves the error of an operation on a value from the cell; 0 for none.
-std::int32_t XmlTakeCellError();
+inline std::int32_t XmlTakeCellError() {
+    const std::int32_t code = ErrorCell();
+    if (code != 0) tarn_error_cell = 0;
+    return code;
+}
 // What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
-void XmlNoteStatus(XmlReader& reader, ScanStatus status);
+void XmlNoteFinding(XmlReader& reader, ScanStatus status);
+inline void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
+    const bool far = ScannerBytesRead() - reader.shown >= ProgressStep;
+    if ((status != ScanClean && status != ScanNewLine) || far) XmlNoteFinding(reader, status);
+}
 inline void XmlNext(XmlReader& reader) {
     const ScanStatus status = ScannerNext(&reader.tables.symbols);
     if (status != ScanClean) XmlNoteStatus(reader, status);
@@ -171,10 +181,22 @@ bool XmlNameFollows();
 bool XmlSkipPast(XmlReader& reader, std::string_view mark);
 // A list or a table that is held in a file.
 bool XmlIsHeldInFile(const void* value, Kind kind);
-bool XmlIsNameStart(unsigned char c);
-bool XmlIsNamePart(unsigned char c);
-bool XmlIsBlank(std::string_view text);  // blanks and line ends alone
-std::string_view XmlTrimmed(std::string_view text);
+inline bool XmlIsNameStart(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteXmlStart);
+}
+inline bool XmlIsNamePart(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteXmlPart);
+}
+// Without the blanks and line ends around it.
+inline std::string_view XmlTrimmed(std::string_view text) {
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+inline bool XmlIsBlank(std::string_view text) {
+    return XmlTrimmed(text).empty();
+}
 
 // ---- the grammar ----
 
@@ -245,6 +267,7 @@ private:
     XmlTarget target_;
     XmlFields fields_;
     Kind scratchKind_ = KindNone;  // once there is one
+    bool holdsTexts_ = false;      // the scratch is a record of numbers and strings
     char bytes_[sizeof(ArrayDescriptor)] = {};
     std::int32_t failed_ = 0;  // to make a place for the child that is being read
     // The bounds that the children of a growable array need; it may have some to spare until the end.
@@ -263,13 +286,13 @@ public:
 
 private:
     void addField(XmlReader& reader, std::string_view parent, std::string_view child, std::string_view text);
-    void addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text);
+    void addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text);
 
     std::int32_t children_ = 0;
     bool list_ = false, broken_ = false;     // broken: elements of the list differ
     std::string first_;                      // the name of the first child
     std::string text_;                       // of the fields, or of the element of the list; no indent
-    std::string last_;                       // what the list took last
+    std::unordered_set<std::string> seen_;   // some of the elements that the text fits already
     std::unordered_set<std::string> names_;  // of the fields, in lower case
 };
 

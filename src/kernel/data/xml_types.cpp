@@ -69,11 +69,11 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
     if (text_.size() <= most) text_.append(text);
 }
 
-void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string_view text) {
-    if (text.empty() || text == last_ || broken_) return;
+void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text) {
+    constexpr std::size_t mostSeen = 100;
+    if (text.empty() || broken_ || seen_.contains(text)) return;
     std::string report;
-    std::string merged =
-        text_.empty() ? std::string(text) : TypeInfoMerge(text_, text, MaxXmlTypeText + 2, report);
+    std::string merged = text_.empty() ? text : TypeInfoMerge(text_, text, MaxXmlTypeText + 2, report);
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();
@@ -82,7 +82,8 @@ void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, std::string
         return XmlReport(reader, ERR_XML_DATA, report);
     }
     text_ = std::move(merged);
-    last_ = text;
+    if (seen_.size() == mostSeen) seen_.clear();
+    seen_.insert(text);
 }
 
 void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view child, std::int32_t firstLine,
