@@ -6,6 +6,7 @@
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
+#include "kernel/tables.h"
 
 #include <algorithm>
 #include <cstring>
@@ -118,6 +119,27 @@ bool mayOwnSource(const void* target, Kind kind) {
     return array.maxlength == 0 && canHoldOthers(array.tag);
 }
 
+// Whether some list in it, or its rows, are held in a file. Elements have what their prototype has.
+bool holdsFiles(const void* value, Kind kind) {
+    if (!canHoldOthers(kind) || value == nullptr || IsZeroValue(value, kind)) return false;
+    const auto tag = ReadAt<DescriptorHead>(value).tag;
+    if (kind == KindRecord || kind == KindUnion) {
+        const auto record = ReadAt<RecordDescriptor>(value);
+        const char* field = At(record.data);
+        for (std::int32_t n = 1; field != nullptr && FieldKindAt(record.kinds, n) != KindNone; ++n) {
+            const Kind fieldKind = FieldKindAt(record.kinds, n);
+            if (holdsFiles(field, fieldKind)) return true;
+            field += KindSize[fieldKind];
+        }
+        return false;
+    }
+    if (kind == KindTable) return holdsFiles(TableRows(static_cast<const TableDescriptor*>(value)), KindList);
+    if (kind == KindList && tag > TagInFile) return true;
+    const Offset prototype =
+        kind == KindList ? ReadAt<ListDescriptor>(value).prototype : ReadAt<ArrayDescriptor>(value).prototype;
+    return holdsFiles(At(prototype), static_cast<Kind>(tag));
+}
+
 // Counts how deep the walks over values are.
 class Deeper {
 public:
@@ -210,7 +232,9 @@ bool CopyAdt(const void* source, void* target, Kind kind) {
     if (IsZeroValue(source, kind)) return shapeless || fail(AdtTypeError(kind));
     const Deeper level;
     if (!Deeper::accept()) return false;
-    if ((shapeless && kind != KindString) || mayOwnSource(target, kind)) return replace(source, target, kind);
+    if (shapeless && kind != KindString) return replace(source, target, kind);
+    // A value anew would have lost its files.
+    if (mayOwnSource(target, kind) && !holdsFiles(target, kind)) return replace(source, target, kind);
     return operationsOf(kind)->copy(source, target);
 }
 
@@ -273,9 +297,23 @@ bool AcceptContent(const void* value, Kind kind, Use use) {
     return shapeless || IsOfKind(value, kind) || fail(AdtTypeError(kind));
 }
 
+namespace {
+
+// There is no second copy of what stands in files: the source tells what must come out. (A text that was cut
+// has set its error before.)
+bool copyAndCompareFiles(const void* source, void* target, Kind kind) {
+    if (!CopyValue(source, target, kind)) return false;
+    const Comparison result = compare(source, target, kind);
+    if (!result.equal && result.error == 0) SetError(ERR_ADT_COPY);
+    return true;
+}
+
+}  // namespace
+
 bool CopyAndCompare(const void* source, void* target, Kind kind, std::int32_t flag) {
     if (source == target) return true;
     if (flag != 0 || !MemoryChecking() || !IsAdtKind(kind)) return CopyValue(source, target, kind);
+    if (holdsFiles(target, kind)) return copyAndCompareFiles(source, target, kind);
     // A second copy tells what must come out: the first may be cut to the target's shape, and the source may
     // be a part of the target.
     char expected[largestValue];

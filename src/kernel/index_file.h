@@ -29,6 +29,7 @@
 #include "os/files.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -40,7 +41,8 @@ inline constexpr std::int32_t IndexHeaderBytes = 1104, IndexNodeHeadBytes = 24, 
 
 // "folder/orders.tab" and 2: "folder/orders.i2". A name without an extension gets one.
 std::string IndexFileName(std::string_view tableFile, std::int32_t index);
-// The bytes of a node record with a key of this shape.
+// The bytes of a node record with a key of this shape; 0 for one that cannot stand in a file: a string
+// without a capacity, or more than MostPackedBytes (data/packing.h).
 std::int32_t IndexRecordSize(const KeyView& key);
 
 // Makes an empty index file, in the place of one that may be there. False, with the error set (652, 654,
@@ -52,8 +54,11 @@ bool RenameIndexFile(const std::string& from, const std::string& to, std::string
 // The text at offset 49; empty when the file is no index file.
 std::string IndexFileText(const std::string& path);
 
+struct KeyLayout;  // index_filelayout.h
+
 // Operations give false when they failed; the error is then set: 653 the file is gone, 651 and 652 it cannot
-// be read or written, 654 the disk is full, 656 its size is not that of whole nodes, 763 damage.
+// be read or written, 654 the disk is full, 656 its size is not that of whole nodes, 636 a key that does not
+// fit, 763 damage, 802.
 class FileTree {
 public:
     using Ref = std::int32_t;  // a record number
@@ -66,13 +71,23 @@ public:
     // Opens and reads the header. `shape` is a key of the index's kinds, sizes and capacities; it is not
     // kept.
     bool open(const std::string& path, const KeyView& shape, os::OpenMode mode);
+    bool open(const std::string& path, const KeyLayout& layout, os::OpenMode mode);
+    // Closes the file. When that fails, what was written may not have arrived: the last commit is then taken
+    // back.
+    bool close();
+    // Leaves the file open, when this tree is closed, for the next one of the same file. One file is kept so
+    // at a time: opening another closes it, and CloseKeptIndex (index_filedisk.h).
+    void keep();
     // Closes the file, keeps what was read and changed: commit and revert open it again. Anything else that
     // needs the file then fails (661).
     void suspend();
     [[nodiscard]] bool isOpen() const;
-    // 0, or the error of a read that failed or of damage that was found. The tree then looks empty below such
-    // a place, so that every search and change comes to its end; what it found does not count.
+    // 0, or the error of a read that failed or of damage that was found, which is then set. The tree then
+    // looks empty below such a place, so that every search and change comes to its end; what it found does
+    // not count.
     [[nodiscard]] std::int32_t failure() const;
+    // From now on balances are what they are, right or wrong: for measuring a tree, not for changing it.
+    void takeAnyBalance();
 
     // ---- as index_tree.h wants a tree ----
 
@@ -94,9 +109,11 @@ public:
 
     [[nodiscard]] std::int32_t row(Ref node) const;
     void setRow(Ref node, std::int32_t row);
-    // Copies the key of a node into a key record of the index's shape. False (and the error set) when memory
-    // is short or the bytes are damaged (763).
+    // Copies the key of a node into a key record of the index's shape (636). False (and the error set) when
+    // memory is short or the bytes are damaged (763).
     bool readKey(Ref node, RecordDescriptor& key) const;
+    // The bytes of a key as they stand in the file.
+    bool readKeyBytes(Ref node, std::string& bytes) const;
     // A node that is not linked yet: the first free record, or a new one at the end. 0 after a failure.
     Ref add(const KeyView& key, std::int32_t row);
     // Frees a node that is not linked any more: the last record of the file goes, with all free ones before
@@ -107,8 +124,10 @@ public:
     // Writes what has changed: new records first, then nodes, then the control record; then cuts the file.
     // When that fails the file is as it was before, as far as it can be written.
     bool commit();
-    // Takes back the last commit.
+    // Takes back the last commit; what was changed since is dropped.
     bool revert();
+    // Removes all nodes at once, in the file too. This cannot be taken back.
+    bool clear();
 
 private:
     struct State;
@@ -122,7 +141,10 @@ bool FindFileKey(const FileTree& tree, const KeyView& key, FilePath& path);
 
 // "" or what is wrong with an index file: sizes, header, links, balances, order, the free list, nodes that
 // are neither linked nor free. `rows` -1, or the number of rows: each must have exactly one node. `seen`,
-// unless null, is called with the row and key bytes of each node in order; false stops the walk.
-std::string CheckIndexFile(const std::string& path, const KeyView& shape, std::int32_t rows);
+// unless empty, is called with the row and key bytes of each node in order; what it gives, unless "", is the
+// result. No error is set.
+using SeenNode = std::function<std::string(std::int32_t row, std::string_view key)>;
+std::string CheckIndexFile(const std::string& path, const KeyView& shape, std::int32_t rows,
+                           const SeenNode& seen = {});
 
 }  // namespace tarn

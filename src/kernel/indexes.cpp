@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Each operation reads the key as a view, finds its place in the tree, gets what it needs (a node) and then
-// changes links: the only step that can run out of memory comes before the first change.
+// In memory each operation reads the key as a view, finds its place in the tree, gets what it needs (a node)
+// and then changes links: the only step that can run out of memory comes before the first change.
 #include "kernel/indexes.h"
 
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
+#include "kernel/index_filedisk.h"
+#include "kernel/index_filelayout.h"
+#include "kernel/index_fileops.h"
 #include "kernel/index_nodes.h"
 #include "kernel/runtime.h"
+
+#include <algorithm>
 
 namespace tarn {
 
@@ -18,9 +23,14 @@ bool fail(std::int32_t code) {
     return false;
 }
 
-// Files are reached through their table, which has to be open.
+bool isInFile(const IndexBlock& block) {
+    return block.recordSize != 0;
+}
+
+// Of an index in a file the root is not looked into.
 bool acceptTree(const RecordDescriptor* root, const IndexBlock& block) {
-    return AcceptRoot(root) && (block.recordSize == 0 || fail(ERR_FILE_NOT_OPEN));
+    if (!isInFile(block)) return AcceptRoot(root);
+    return root != nullptr || fail(ERR_INDEX_TYPE);
 }
 
 KeyView keyOfRoot(const RecordDescriptor& root) {
@@ -33,10 +43,9 @@ bool acceptKey(const RecordDescriptor& root, const RecordDescriptor* key, KeyVie
 }
 
 // The path to a key that must be there.
-bool findPresent(const RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key,
-                 IndexPath& path) {
+bool findPresent(const RecordDescriptor& root, const RecordDescriptor* key, IndexPath& path) {
     KeyView view;
-    if (!acceptTree(root, block) || !acceptKey(*root, key, view) || !FindKey(*root, view, path)) return false;
+    if (!acceptKey(root, key, view) || !FindKey(root, view, path)) return false;
     return path.found || fail(ERR_TABLE_NOT_FOUND);
 }
 
@@ -56,15 +65,38 @@ void IndexInit(RecordDescriptor* root) {
     *root = {0, TagRecord, 0, {}};
 }
 
+IndexBlock IndexFileBlock(std::string_view fileName, const RecordDescriptor* key) {
+    constexpr std::int32_t ofNoKey = -1;  // no key has it, and no file
+    KeyView view;
+    KeyLayout layout;
+    IndexBlock block{IndexHeaderBytes, ofNoKey, std::string(fileName), {}};
+    if (!KeyOfRecord(key, view) || !LayoutOfKey(view, layout)) return block;
+    block.recordSize = layout.recordSize;
+    std::copy(layout.fields, layout.fields + layout.count, block.fields);
+    return block;
+}
+
+void IndexOpen(const RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key) {
+    if (isInFile(block) && acceptTree(root, block)) FileIndexOpen(block, key);
+}
+
+void IndexClose(const IndexBlock& block) {
+    if (isInFile(block)) CloseKeptIndex(block.fileName);
+}
+
 void IndexClear(RecordDescriptor* root, const IndexBlock& block) {
-    if (acceptTree(root, block)) FreeTree(*root);
+    if (!acceptTree(root, block)) return;
+    if (isInFile(block)) return FileIndexClear(block);
+    FreeTree(*root);
 }
 
 std::int32_t IndexInsert(RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key,
                          std::int32_t row) {
     KeyView view;
     IndexPath path;
-    if (!acceptTree(root, block) || !acceptKey(*root, key, view) || !FindKey(*root, view, path)) return 0;
+    if (!acceptTree(root, block)) return 0;
+    if (isInFile(block)) return FileIndexInsert(block, key, row);
+    if (!acceptKey(*root, key, view) || !FindKey(*root, view, path)) return 0;
     if (path.found) return ERR_DUPLICATE_FIELDS;
     const Offset node = MakeNode(view, row);
     if (node != 0) LinkNode(*root, path, view, node);
@@ -73,7 +105,9 @@ std::int32_t IndexInsert(RecordDescriptor* root, const IndexBlock& block, const 
 
 void IndexDelete(RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key) {
     IndexPath path;
-    if (!findPresent(root, block, key, path) || !PrepareUnlinkNode(*root, path)) return;
+    if (!acceptTree(root, block)) return;
+    if (isInFile(block)) return FileIndexDelete(block, key);
+    if (!findPresent(*root, key, path) || !PrepareUnlinkNode(*root, path)) return;
     const FieldKinds kinds = root->kinds;
     const Offset node = path.nodes[path.at];
     UnlinkNode(*root, path);
@@ -83,7 +117,9 @@ void IndexDelete(RecordDescriptor* root, const IndexBlock& block, const RecordDe
 void IndexUpdateRow(RecordDescriptor* root, const IndexBlock& block, const RecordDescriptor* key,
                     std::int32_t row) {
     IndexPath path;
-    if (findPresent(root, block, key, path)) SetNodeRow(path.nodes[path.at], row);
+    if (!acceptTree(root, block)) return;
+    if (isInFile(block)) return FileIndexUpdateRow(block, key, row);
+    if (findPresent(*root, key, path)) SetNodeRow(path.nodes[path.at], row);
 }
 
 IndexHit IndexFind(std::string_view op, const RecordDescriptor* root, const IndexBlock& block,
@@ -93,6 +129,7 @@ IndexHit IndexFind(std::string_view op, const RecordDescriptor* root, const Inde
     Offset node = 0;
     if (!acceptTree(root, block)) return {};
     if (!ReadOperator(op, seek)) return fail(ERR_INDEX_VALUE), IndexHit{};
+    if (isInFile(block)) return FileIndexFind(seek, block, key, foundKey);
     if (seek.end == 0 && !acceptKey(*root, key, view)) return {};
     if (foundKey != nullptr && !acceptKey(*root, foundKey, found)) return {};
     if (!SeekNode(*root, seek, view, node) || node == 0) return {};
@@ -105,6 +142,7 @@ IndexHit IndexFind(std::string_view op, const RecordDescriptor* root, const Inde
 
 std::int32_t IndexCount(const RecordDescriptor* root, const IndexBlock& block) {
     if (!acceptTree(root, block)) return 0;
+    if (isInFile(block)) return FileIndexCount(block);
     const MemoryTree tree(const_cast<RecordDescriptor&>(*root));
     std::int32_t count = 0;
     const bool whole = WalkInOrder(tree, [&](Offset) { return ++count > 0; });
@@ -113,6 +151,7 @@ std::int32_t IndexCount(const RecordDescriptor* root, const IndexBlock& block) {
 
 IndexShape IndexHeight(const RecordDescriptor* root, const IndexBlock& block) {
     if (!acceptTree(root, block)) return {};
+    if (isInFile(block)) return FileIndexHeight(block);
     const MemoryTree tree(const_cast<RecordDescriptor&>(*root));
     IndexShape shape;
     std::int64_t left = tree.most();

@@ -37,11 +37,18 @@ namespace tarn {
 
 inline constexpr std::int32_t MaxKeyFields = 4, NodeHeadBytes = 88, MaxPrintedNodes = 32;
 
+// A key field as it stands in a file.
+struct IndexKeyField {
+    Kind kind = KindNone;
+    std::int32_t bytes = 0;  // of a string: its capacity, without the length
+};
+
 // How an index is held. Record size 0: in memory. Otherwise in the index file of that name (index_file.h);
 // its root is then the file's, and the record that is given as root is not looked into.
 struct IndexBlock {
     std::int32_t headerSize = 0, recordSize = 0;
     std::string fileName;
+    IndexKeyField fields[MaxKeyFields];  // of the key; of kind 0 behind the last
 };
 
 struct IndexHit {
@@ -50,7 +57,9 @@ struct IndexHit {
 };
 struct IndexShape {
     std::int32_t height = 0;
-    Offset bad = 0;  // data of the first node whose balance is not that of its subtrees; 0 for none
+    // Of the first node whose balance is not that of its subtrees: its data, or in a file its record number;
+    // 0 for none.
+    Offset bad = 0;
 };
 
 void IndexInit(RecordDescriptor* root);  // the empty tree; `root` need not hold anything valid

@@ -4,12 +4,16 @@
 // Only those modules include this.
 #pragma once
 
+#include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
+#include "kernel/rowfile.h"
 #include "kernel/runtime.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <optional>
 
 namespace tarn {
 
@@ -55,13 +59,61 @@ inline bool RefuseList(std::int32_t code) {
 // A list whose words fit each other.
 bool IsList(const ListDescriptor* l);
 
-// True when the elements of the list can be reached; 761 and 661. This is the one place that knows what a
-// list that is held in a file can do.
+// True when the elements of the list can be reached; 761, and 661 for one that is held in a file and not
+// open. This is the one place that looks for that.
 bool AcceptList(const ListDescriptor* l);
-// The same for a list of strings in memory (761). The untyped list counts as one that is empty.
+// The same for a list whose elements stand in memory; 761 for others.
+bool AcceptListInMemory(const ListDescriptor* l);
+// The same for a list of strings (761). The untyped list counts as one that is empty.
 bool AcceptStringList(const ListDescriptor* l);
 // 610 and 611 for a value that shall go into the list.
 bool AcceptElement(const ListDescriptor& l, const void* v, Kind kind);
+
+// An element beside a list, empty at first; freed at the end.
+class ElementBeside {
+public:
+    ElementBeside(const void* like, Kind kind) : kind_(kind), good_(InitValue(bytes_, like, kind)) {}
+    ~ElementBeside() { FreeValue(bytes_, kind_); }
+    ElementBeside(const ElementBeside&) = delete;
+    ElementBeside& operator=(const ElementBeside&) = delete;
+    [[nodiscard]] bool good() const { return good_; }  // false: 802, 804
+    [[nodiscard]] char* at() { return bytes_; }
+    // Moves it to another place, which is raw bytes.
+    void moveTo(void* place) {
+        std::memcpy(place, bytes_, ElementBytes(1, kind_));
+        kind_ = KindNone;
+    }
+
+private:
+    char bytes_[sizeof(ArrayDescriptor)] = {};
+    Kind kind_;
+    bool good_;
+};
+
+// A value in the shape of a list's elements: itself, or a copy. Not good when it cannot have that shape.
+class ShapedElement {
+public:
+    ShapedElement(const ListDescriptor& l, const void* v, Kind kind);
+    [[nodiscard]] bool good() const { return at_ != nullptr; }
+    [[nodiscard]] const void* at() const { return at_; }
+
+private:
+    const void* at_;
+    std::optional<ElementBeside> made_;
+};
+
+// The elements of a list, one after another, wherever they stand. Null, with the error set, for one that
+// cannot be read. An element of a file is valid until the next is asked for.
+class ListReader {
+public:
+    explicit ListReader(const ListDescriptor& l);
+    const void* at(std::int32_t index);  // from 0
+
+private:
+    const ListDescriptor& list_;
+    RowBatch batch_;
+    std::optional<ElementBeside> element_;
+};
 
 // A copy of `v` with the shape of `like`, to be moved into a slot. False, and nothing allocated, on failure.
 bool MakeElement(char* element, const void* like, const void* v, Kind kind);

@@ -23,6 +23,9 @@ bool holds(const ListDescriptor& l, std::int32_t position) {
     return (position >= 1 && position <= l.count) || RefuseList(ERR_LIST_BOUNDS);
 }
 
+bool hasRoomFor(const ListDescriptor& l, std::int32_t count) {
+    return !IsFixedList(l) || count <= l.maxlength || RefuseList(ERR_FIXED_LIST);
+}
 bool hasRoom(const ListDescriptor& l) {
     return !IsFixedList(l) || l.count < l.maxlength || RefuseList(ERR_FIXED_LIST);
 }
@@ -101,6 +104,18 @@ bool acceptOutput(const ListDescriptor& l, const void* v, Kind kind) {
     return IsUntyped(l) || ElementKindOf(l) == kind || RefuseList(ERR_COMPONENT_TYPE);
 }
 
+// From a file. An output of the list's shape takes the row as it stands.
+bool readElement(const ListDescriptor& l, std::int32_t position, void* v, Kind kind) {
+    const void* const like = At(l.prototype);
+    const bool shapeless = kind > KindString && IsZeroValue(v, kind);
+    if (!IsAdtKind(kind) || (!shapeless && SameShape(v, like, kind))) return ReadRow(l, position, v);
+    ElementBeside element(like, kind);
+    if (!element.good() || !ReadRow(l, position, element.at())) return false;
+    if (!shapeless) return CopyValue(element.at(), v, kind);
+    element.moveTo(v);
+    return true;
+}
+
 }  // namespace
 
 // ---- life ----
@@ -116,7 +131,11 @@ void ListInit(ListDescriptor* l, std::int32_t maxlength, const void* prototype, 
 }
 
 void ListClear(ListDescriptor* l) {
-    if (AcceptList(l)) EmptyList(*l);
+    if (!AcceptList(l)) return;
+    if (IsHeldInFile(*l))
+        ClearRows(*l);
+    else
+        EmptyList(*l);
 }
 
 // ---- looking ----
@@ -136,7 +155,7 @@ bool ListIsInFile(const ListDescriptor* l) {
 }
 
 const void* ListRef(const ListDescriptor* l, std::int32_t position) {
-    return AcceptList(l) && holds(*l, position) ? SlotAt(*l, position - 1) : nullptr;
+    return AcceptListInMemory(l) && holds(*l, position) ? SlotAt(*l, position - 1) : nullptr;
 }
 
 void* ListRef(ListDescriptor* l, std::int32_t position) {
@@ -147,23 +166,34 @@ void* ListRef(ListDescriptor* l, std::int32_t position) {
 
 void ListGet(const ListDescriptor* l, std::int32_t position, void* v, Kind kind) {
     const bool good = AcceptList(l) && acceptOutput(*l, v, kind) && holds(*l, position) &&
-                      CopyValue(SlotAt(*l, position - 1), v, kind);
+                      (IsHeldInFile(*l) ? readElement(*l, position, v, kind)
+                                        : CopyValue(SlotAt(*l, position - 1), v, kind));
     if (!good) ClearOutput(v, kind);
 }
 
 void ListPut(const void* v, Kind kind, std::int32_t position, ListDescriptor* l) {
     if (!AcceptList(l) || !AcceptElement(*l, v, kind) || !holds(*l, position)) return;
+    if (IsHeldInFile(*l)) {
+        const ShapedElement shaped(*l, v, kind);
+        if (shaped.good()) WriteRow(*l, position, shaped.at());
+        return;
+    }
     char* slot = SlotAt(*l, position - 1);
     Element element;
     if (MakeElement(element.bytes, slot, v, kind)) replaceElement(slot, element.bytes, kind);
 }
 
 void ListAppend(const void* v, Kind kind, ListDescriptor* l) {
-    if (AcceptList(l) && AcceptElement(*l, v, kind)) insertCopy(*l, l->count, v, kind);
+    if (!AcceptList(l) || !AcceptElement(*l, v, kind)) return;
+    if (!IsHeldInFile(*l)) return insertCopy(*l, l->count, v, kind);
+    if (!hasRoom(*l)) return;
+    const ShapedElement shaped(*l, v, kind);
+    if (shaped.good()) AppendRow(*l, shaped.at());
 }
 
 void* ListAppendEmpty(ListDescriptor* l) {
-    if (!AcceptList(l) || (IsUntyped(*l) && !RefuseList(ERR_LIST_TYPE)) || !hasRoom(*l)) return nullptr;
+    if (!AcceptListInMemory(l) || (IsUntyped(*l) && !RefuseList(ERR_LIST_TYPE)) || !hasRoom(*l))
+        return nullptr;
     const std::int32_t count = l->count;
     Element element;
     if (!InitValue(element.bytes, At(l->prototype), ElementKindOf(*l))) return nullptr;
@@ -172,22 +202,34 @@ void* ListAppendEmpty(ListDescriptor* l) {
 }
 
 void ListInsert(std::int32_t position, const StringDescriptor* v, ListDescriptor* l) {
-    if (!AcceptStringList(l) || !AcceptElement(*l, v, KindString)) return;
+    if (!AcceptListInMemory(l) || !AcceptStringList(l) || !AcceptElement(*l, v, KindString)) return;
     if (position != l->count + 1 && !holds(*l, position)) return;
     insertCopy(*l, position - 1, v, KindString);
 }
 
 void ListDelete(std::int32_t position, std::int32_t n, ListDescriptor* l) {
-    if (!AcceptList(l) || !holds(*l, position) || n < 1) return;
+    if (!AcceptListInMemory(l) || !holds(*l, position) || n < 1) return;
     removeElements(*l, position - 1, std::min(n, l->count - position + 1));
 }
 
 void ListRemoveLast(ListDescriptor* l) {
-    if (AcceptList(l) && holds(*l, l->count)) removeElements(*l, l->count - 1, 1);
+    if (!AcceptList(l) || !holds(*l, l->count)) return;
+    if (IsHeldInFile(*l))
+        RemoveLastRow(*l);
+    else
+        removeElements(*l, l->count - 1, 1);
 }
 
-void ListResize(std::int32_t, const void*, ListDescriptor* l) {
-    if (AcceptList(l)) SetError(ERR_LIST_TYPE);
+void ListResize(std::int32_t n, const void* fill, ListDescriptor* l) {
+    if (!AcceptList(l)) return;
+    if (!IsHeldInFile(*l)) return SetError(ERR_LIST_TYPE);
+    const Kind kind = ElementKindOf(*l);
+    if (n <= l->count) {
+        ResizeRows(*l, n, nullptr);
+    } else if (AcceptElement(*l, fill, kind) && hasRoomFor(*l, n)) {
+        const ShapedElement shaped(*l, fill, kind);
+        if (shaped.good()) ResizeRows(*l, n, shaped.at());
+    }
 }
 
 }  // namespace tarn

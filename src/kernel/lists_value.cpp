@@ -20,12 +20,16 @@ bool IsList(const ListDescriptor* l) {
 
 bool AcceptList(const ListDescriptor* l) {
     if (!IsList(l)) return RefuseList(ERR_LIST_TYPE);
-    return !IsHeldInFile(*l) || RefuseList(ERR_FILE_NOT_OPEN);
+    return !IsHeldInFile(*l) || !RowFileName(*l).empty() || RefuseList(ERR_FILE_NOT_OPEN);
+}
+
+bool AcceptListInMemory(const ListDescriptor* l) {
+    return AcceptList(l) && (!IsHeldInFile(*l) || RefuseList(ERR_LIST_TYPE));
 }
 
 bool AcceptStringList(const ListDescriptor* l) {
     if (!AcceptList(l)) return false;
-    return IsUntyped(*l) || l->tag == KindString || RefuseList(ERR_LIST_TYPE);
+    return IsUntyped(*l) || ElementKindOf(*l) == KindString || RefuseList(ERR_LIST_TYPE);
 }
 
 bool AcceptElement(const ListDescriptor& l, const void* v, Kind kind) {
@@ -41,6 +45,22 @@ bool MakeElement(char* element, const void* like, const void* v, Kind kind) {
     if (CopyValue(v, element, kind)) return true;
     FreeValue(element, kind);
     return false;
+}
+
+ShapedElement::ShapedElement(const ListDescriptor& l, const void* v, Kind kind) : at_(v) {
+    const void* const like = At(l.prototype);
+    if (!IsAdtKind(kind) || SameShape(v, like, kind)) return;
+    made_.emplace(like, kind);
+    at_ = made_->good() && CopyValue(v, made_->at(), kind) ? made_->at() : nullptr;
+}
+
+ListReader::ListReader(const ListDescriptor& l) : list_(l), batch_(l) {
+    if (IsHeldInFile(l)) element_.emplace(At(l.prototype), ElementKindOf(l));
+}
+
+const void* ListReader::at(std::int32_t index) {
+    if (!element_) return SlotAt(list_, index);
+    return element_->good() && ReadRow(list_, index + 1, element_->at()) ? element_->at() : nullptr;
 }
 
 void FreeElements(char* slots, std::int32_t count, Kind kind) {
@@ -60,6 +80,7 @@ void freeList(void* value) {
     auto& l = *static_cast<ListDescriptor*>(value);
     const Kind kind = ElementKindOf(l);
     const bool ownsPrototype = l.prototype != l.data;
+    ReleaseRows(l);
     if (l.data != 0) FreeElements(At(l.data), SlotCount(l), kind);
     FreeData(l);
     Offset prototype = l.prototype;
@@ -134,19 +155,23 @@ bool initList(void* target, const void* like) {
 // stays allocated on failure.
 bool copyElements(const ListDescriptor& from, const void* like, Offset& block) {
     const Kind kind = ElementKindOf(from);
-    const auto size = static_cast<std::int32_t>(ElementBytes(from.count, kind));
+    const std::int64_t size = std::int64_t{from.count} * KindSize[kind];
     block = 0;
     if (size == 0) return true;
-    Allocate(block, size);
+    const auto bytes = static_cast<std::int32_t>(std::min<std::int64_t>(size, std::int64_t{MaxBlock} + 1));
+    Allocate(block, bytes);
     if (block == 0) return false;
-    if (!IsAdtKind(kind)) {
+    if (!IsAdtKind(kind) && !IsHeldInFile(from)) {
         std::memcpy(At(block), At(from.data), static_cast<std::size_t>(size));
         return true;
     }
+    ListReader elements(from);
     for (std::int32_t i = 0; i < from.count; ++i) {
-        if (MakeElement(At(block) + ElementBytes(i, kind), like, SlotAt(from, i), kind)) continue;
+        const void* const element = elements.at(i);
+        if (element != nullptr && MakeElement(At(block) + ElementBytes(i, kind), like, element, kind))
+            continue;
         FreeElements(At(block), i, kind);
-        Free(block, size);
+        Free(block, bytes);
         return false;
     }
     return true;
@@ -190,7 +215,23 @@ bool copyInto(const ListDescriptor& from, ListDescriptor& to) {
 
 // Held in a file that has not been opened: such a value has no content to copy.
 bool isUnopened(const ListDescriptor& l) {
-    return IsList(&l) && IsHeldInFile(l) && *At(l.data) == 0;
+    return IsList(&l) && IsHeldInFile(l) && RowFileName(l).empty();
+}
+
+// The old rows stay until all are written.
+bool copyToFile(const ListDescriptor& from, ListDescriptor& to) {
+    if (IsHeldInFile(from) && IsSameFile(from, to)) return true;
+    RowsBeside beside(to);
+    if (!beside.make()) return false;
+    const Kind kind = ElementKindOf(to);
+    ListReader elements(from);
+    for (std::int32_t i = 0; i < from.count; ++i) {
+        const void* const element = elements.at(i);
+        if (element == nullptr) return false;
+        const ShapedElement shaped(to, element, kind);
+        if (!shaped.good() || !AppendRow(beside.rows(), shaped.at())) return false;
+    }
+    return beside.takePlace();
 }
 
 bool copyList(const void* source, void* target) {
@@ -210,12 +251,13 @@ bool copyList(const void* source, void* target) {
     }
     if (!AcceptList(&to)) return false;
     if (IsUntyped(from)) {
-        ListClear(&to);
+        if (IsHeldInFile(to)) return ClearRows(to);
+        EmptyList(to);
         return true;
     }
-    if (!IsUntyped(to) && to.tag != from.tag) return RefuseList(ERR_COMPONENT_TYPE);
+    if (!IsUntyped(to) && ElementKindOf(to) != ElementKindOf(from)) return RefuseList(ERR_COMPONENT_TYPE);
     if (IsFixedList(to) && from.count > to.maxlength) return RefuseList(ERR_FIXED_LIST);
-    return copyInto(from, to);
+    return IsHeldInFile(to) ? copyToFile(from, to) : copyInto(from, to);
 }
 
 // ---- comparing and checking ----
@@ -223,9 +265,12 @@ bool copyList(const void* source, void* target) {
 bool equalLists(const void* a, const void* b) {
     const ListDescriptor &left = listAt(a), &right = listAt(b);
     if (!AcceptList(&left) || !AcceptList(&right) || left.count != right.count) return false;
-    if (left.count != 0 && left.tag != right.tag) return false;
+    const Kind kind = ElementKindOf(left);
+    if (left.count != 0 && kind != ElementKindOf(right)) return false;
+    ListReader ofLeft(left), ofRight(right);
     for (std::int32_t i = 0; i < left.count; ++i) {
-        if (!EqualValues(SlotAt(left, i), SlotAt(right, i), ElementKindOf(left))) return false;
+        const void *const x = ofLeft.at(i), *const y = ofRight.at(i);
+        if (x == nullptr || y == nullptr || !EqualValues(x, y, kind)) return false;
     }
     return true;
 }
@@ -256,6 +301,12 @@ std::string checkWords(const ListDescriptor& l) {
     return {};
 }
 
+std::string checkFile(const ListDescriptor& l) {
+    if (At(l.data)[FileNameBytes - 1] != 0) return "list: the file name has no end";
+    if (RowFileName(l).empty()) return l.count == 0 ? "" : "list: rows without a file";
+    return CheckRows(l);
+}
+
 std::string checkList(const void* value) {
     const ListDescriptor& l = listAt(value);
     std::string wrong = checkWords(l);
@@ -263,6 +314,7 @@ std::string checkList(const void* value) {
     const Kind kind = ElementKindOf(l);
     if (l.prototype != 0) wrong = CheckValue(At(l.prototype), kind);
     if (!wrong.empty()) return "list prototype: " + wrong;
+    if (IsHeldInFile(l)) return checkFile(l);
     for (std::int32_t i = 0; IsAdtKind(kind) && i < SlotCount(l); ++i) {
         wrong = KindOf(SlotAt(l, i)) == kind ? CheckValue(SlotAt(l, i), kind) : "no shape";
         if (!wrong.empty()) return "list element " + std::to_string(i + 1) + ": " + wrong;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "kernel/index_nodes.h"
+#include "kernel/list_access.h"
 #include "kernel/tables.h"
 
 #include <cstddef>
@@ -46,6 +47,26 @@ inline bool HasRow(const TableHeader& header, std::int32_t number) {
 }
 // A name of fields that a row has and that can be a key.
 bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap);
+
+// ---- the checks of arguments, in their order; false with the error set ----
+
+inline bool RefuseTable(std::int32_t code) {
+    SetError(code);
+    return false;
+}
+// A record whose fields are there.
+bool IsWholeRecord(const RecordDescriptor* record);
+bool IsZeroRecord(const RecordDescriptor& record);
+bool AcceptTable(const TableDescriptor* t);                                    // 762, 661
+bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row);   // 610, 611
+bool AcceptRowOutput(const TableHeader& header, const RecordDescriptor* row);  // a zero one will do
+void ClearRowOutput(RecordDescriptor* row);                                    // unless it is malformed
+bool AcceptIndexNumber(const TableHeader& header, std::int32_t indexNumber);   // 636
+bool FitsIndex(const TableHeader& header, std::int32_t indexNumber, const KeyView& key);
+bool AcceptTableKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
+                    KeyView& view);  // 636
+
+// ---- making and ending ----
 
 // False when memory is short; `t` is zero then. `rows` moves into the table, or is freed. The type text is
 // that of `typeInfo`, cut with 615.

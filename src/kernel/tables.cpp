@@ -1,265 +1,50 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A change goes in two steps. First everything that can fail: the places of all keys are found, the nodes and
-// the new row are made. Then the trees and the rows change, which needs no memory: so there is nothing to
-// undo.
+// Arguments are checked here, in their order; then the operation goes to where the rows stand, in memory or
+// in a file.
 #include "kernel/tables.h"
 
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
-#include "kernel/runtime.h"
-#include "kernel/table_access.h"
-
-#include <algorithm>
-#include <cstring>
-#include <utility>
+#include "kernel/tables_ops.h"
 
 namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
-// ---- checks, in their order ----
-
-bool acceptTable(const TableDescriptor* t) {
-    if (!IsTable(t)) return fail(ERR_TABLE_TYPE);
-    return HeaderOf(*t).rows.tag == KindRecord || fail(ERR_FILE_NOT_OPEN);
-}
-
-// A record whose fields are there.
-bool isRecord(const RecordDescriptor* row) {
-    return row != nullptr && row->tag == TagRecord && (row->size == 0) == (row->data == 0) &&
-           row->size == FieldBytesOf(row->kinds);
-}
-
-bool acceptRow(const TableHeader& header, const RecordDescriptor* row) {
-    if (!isRecord(row)) return fail(ERR_COMPONENT_INVALID);
-    return SameShape(row, &RowShape(header), KindRecord) || fail(ERR_COMPONENT_TYPE);
-}
-
-bool isZero(const RecordDescriptor& record) {
-    constexpr RecordDescriptor zero{};
-    return std::memcmp(&record, &zero, sizeof zero) == 0;
-}
-
-// A record without a shape takes that of the row.
-bool acceptOutput(const TableHeader& header, const RecordDescriptor* row) {
-    return (row != nullptr && isZero(*row)) || acceptRow(header, row);
-}
-
-// A malformed record is left alone.
-void clearOutput(RecordDescriptor* row) {
-    if (isRecord(row)) ClearOutput(row, KindRecord);
-}
-
-bool acceptIndex(const TableHeader& header, std::int32_t indexNumber) {
-    return (indexNumber >= 1 && indexNumber <= IndexesOf(header)) || fail(ERR_INDEX_VALUE);
-}
-
-bool fits(const TableHeader& header, std::int32_t indexNumber, const KeyView& key) {
-    KeyView shape;
-    return KeyOfRow(RowShape(header), header.keyMaps[indexNumber - 1], shape) && SameKeyShape(key, shape);
-}
-
-bool acceptKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
-               KeyView& view) {
-    if (!acceptIndex(header, indexNumber)) return false;
-    return (KeyOfRecord(key, view) && fits(header, indexNumber, view)) || fail(ERR_INDEX_VALUE);
-}
-
-// ---- the entries of a row ----
-
-// What a change has got ready for one index.
-struct Entry {
-    KeyView key;
-    IndexPath path;
-    Offset node = 0;
+struct TableOperationsOn {
+    bool (*find)(const TableDescriptor& t, std::int32_t indexNumber, const TreeSeek& seek, const KeyView& key,
+                 RecordDescriptor* row, bool& found);
+    bool (*add)(TableDescriptor& t, const RecordDescriptor& row);
+    bool (*update)(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key,
+                   const RecordDescriptor& row);
+    bool (*remove)(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key);
+    bool (*rebuild)(TableDescriptor& t);
 };
+constexpr TableOperationsOn inMemory = {MemoryTableFind, MemoryTableAdd, MemoryTableUpdate, MemoryTableDelete,
+                                        MemoryTableRebuild},
+                            inFile = {FileTableFind, FileTableAdd, FileTableUpdate, FileTableDelete,
+                                      FileTableRebuild};
 
-// The first half of adding a row: the places of its keys, which nobody has.
-bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&entries)[MaxIndexes]) {
-    KeySearch searches[MaxIndexes];
-    const std::int32_t count = IndexesOf(header);
-    for (std::int32_t i = 0; i < count; ++i) {
-        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return fail(ERR_COMPONENT_INVALID);
-        searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
-    }
-    const bool whole =
-        count == 1 ? FindKey(header.roots[0], entries[0].key, entries[0].path) : FindKeys(searches, count);
-    if (!whole) return false;
-    return std::none_of(entries, entries + count, [](const Entry& entry) { return entry.path.found; }) ||
-           fail(ERR_DUPLICATE_FIELDS);
-}
-
-void freeNodes(Entry (&entries)[MaxIndexes]) {
-    for (Entry& entry : entries) FreeNode(entry.node, NodeKinds(entry.key));
-}
-
-bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
-    for (Entry& entry : entries) {
-        if (entry.key.count == 0) continue;
-        entry.node = MakeNode(entry.key, row);
-        if (entry.node != 0) continue;
-        freeNodes(entries);
-        return false;
-    }
-    return true;
-}
-
-// The entry of a row that is in the table. A row has none in an index that could not be built: then `path`
-// has not found it.
-bool findEntry(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
-    const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
-    if (!known) return fail(ERR_INDEX_TYPE);
-    if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
-    entry.path.found = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
-    return true;
-}
-
-bool findEntryToUnlink(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
-    if (!findEntry(header, index, number, entry)) return false;
-    return !entry.path.found || PrepareUnlinkNode(header.roots[index], entry.path);
-}
-
-void removeEntry(TableHeader& header, std::int32_t index, Entry& entry) {
-    if (!entry.path.found) return;
-    const FieldKinds kinds = header.roots[index].kinds;
-    const Offset node = entry.path.nodes[entry.path.at];
-    UnlinkNode(header.roots[index], entry.path);
-    FreeNode(node, kinds);
-}
-
-// Links a node by its own key, under a new number. Fails, for a damaged tree, when the key has no place: the
-// row then has no entry.
-void linkAnew(TableHeader& header, std::int32_t index, Offset node, const FieldKinds& kinds) {
-    Entry entry;
-    entry.key = KeyOfNode(NodeKey(node), kinds);
-    const bool placed = FindKey(header.roots[index], entry.key, entry.path) && !entry.path.found;
-    if (placed) return LinkNode(header.roots[index], entry.path, entry.key, node);
-    FreeNode(node, kinds);
-    SetError(ERR_INDEX_TYPE);
-}
-
-// Gives row `number` a new number: its node leaves the tree and comes again.
-void renumber(TableHeader& header, std::int32_t index, std::int32_t number, std::int32_t newNumber) {
-    Entry entry;
-    if (!findEntryToUnlink(header, index, number, entry) || !entry.path.found) return;
-    const FieldKinds kinds = header.roots[index].kinds;
-    const Offset node = entry.path.nodes[entry.path.at];
-    UnlinkNode(header.roots[index], entry.path);
-    SetNodeRow(node, newNumber);
-    linkAnew(header, index, node, kinds);
+const TableOperationsOn& operations(const TableHeader& header) {
+    return IsHeldInFile(header.rows) ? inFile : inMemory;
 }
 
 // ---- finding ----
-
-// The number of a row, by its key or its neighbour's; 0 for none. False for an error.
-bool findRow(const TableHeader& header, std::int32_t indexNumber, const TreeSeek& seek, const KeyView& key,
-             std::int32_t& number) {
-    Offset node = 0;
-    number = 0;
-    if (!SeekNode(header.roots[indexNumber - 1], seek, key, node)) return false;
-    if (node == 0) return true;
-    number = NodeRow(node);
-    return HasRow(header, number) || fail(ERR_INDEX_TYPE);
-}
-
-// The number of the row that must have this key.
-bool findByKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
-               std::int32_t& number) {
-    KeyView view;
-    if (!acceptKey(header, indexNumber, key, view)) return false;
-    if (!findRow(header, indexNumber, {}, view, number)) return false;
-    return number != 0 || fail(ERR_TABLE_NOT_FOUND);
-}
 
 bool find(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
           const RecordDescriptor* key, RecordDescriptor* row) {
     TreeSeek seek;
     KeyView view;
-    std::int32_t number = 0;
-    if (!acceptTable(t) || !acceptOutput(HeaderOf(*t), row)) return false;
+    bool found = false;
+    if (!AcceptTable(t) || !AcceptRowOutput(HeaderOf(*t), row)) return false;
     const TableHeader& header = HeaderOf(*t);
-    if (!acceptIndex(header, indexNumber)) return false;
-    if (!ReadOperator(op, seek)) return fail(ERR_INDEX_VALUE);
-    if (seek.end == 0 && !acceptKey(header, indexNumber, key, view)) return false;
-    if (!findRow(header, indexNumber, seek, view, number) || number == 0) return false;
-    return CopyValue(&RowAt(header, number), row, KindRecord);
-}
-
-// ---- updating ----
-
-// An index in which an update changes the key.
-struct Change {
-    bool differs = false;
-    Entry before, after;
-};
-
-bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t number,
-                   const RecordDescriptor& row, Change& change) {
-    KeyView old;
-    const std::int32_t keyMap = header.keyMaps[index];
-    if (!KeyOfRow(RowAt(header, number), keyMap, old) || !KeyOfRow(row, keyMap, change.after.key))
-        return fail(ERR_COMPONENT_INVALID);
-    change.differs = CompareKeys(old, change.after.key) != 0;
-    if (!change.differs) return true;
-    if (!FindKey(header.roots[index], change.after.key, change.after.path)) return false;
-    if (change.after.path.found) return fail(ERR_DUPLICATE_FIELDS);
-    return findEntryToUnlink(header, index, number, change.before);
-}
-
-void freeChanges(Change (&changes)[MaxIndexes]) {
-    for (Change& change : changes) FreeNode(change.after.node, NodeKinds(change.after.key));
-}
-
-// All that an update needs: nodes for the keys that change, and the row.
-bool prepareChanges(const TableHeader& header, std::int32_t number, const RecordDescriptor& row,
-                    Change (&changes)[MaxIndexes], RecordDescriptor& made) {
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (!prepareChange(header, i, number, row, changes[i])) return false;
-    }
-    bool good = true;
-    for (std::int32_t i = 0; i < IndexesOf(header) && good; ++i) {
-        if (!changes[i].differs) continue;
-        changes[i].after.node = MakeNode(changes[i].after.key, number);
-        good = changes[i].after.node != 0;
-    }
-    good = good && InitValue(&made, &RowShape(header), KindRecord);
-    if (good && !CopyValue(&row, &made, KindRecord)) {
-        FreeValue(&made, KindRecord);
-        good = false;
-    }
-    if (!good) freeChanges(changes);
-    return good;
-}
-
-void applyChange(TableHeader& header, std::int32_t index, Change& change) {
-    const FieldKinds kinds = NodeKinds(change.after.key);
-    removeEntry(header, index, change.before);
-    linkAnew(header, index, change.after.node, kinds);
-}
-
-// ---- rebuilding ----
-
-// 637 for a key that another row has; the rows before are then in the index.
-bool fillIndex(TableHeader& header, std::int32_t index) {
-    for (std::int32_t number = 1; number <= header.rows.count; ++number) {
-        Entry entry;
-        if (!KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key))
-            return fail(ERR_COMPONENT_TYPE);
-        if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
-        if (entry.path.found) return fail(ERR_UNIQUE_INDEX);
-        entry.node = MakeNode(entry.key, number);
-        if (entry.node == 0) return false;
-        LinkNode(header.roots[index], entry.path, entry.key, entry.node);
-    }
-    return true;
+    if (!AcceptIndexNumber(header, indexNumber)) return false;
+    if (!ReadOperator(op, seek)) return RefuseTable(ERR_INDEX_VALUE);
+    if (seek.end == 0 && !AcceptTableKey(header, indexNumber, key, view)) return false;
+    return operations(header).find(*t, indexNumber, seek, view, row, found) && found;
 }
 
 // ---- making ----
@@ -288,7 +73,7 @@ void TableInit(TableDescriptor* t, std::int32_t maxlength, const RecordDescripto
                const KeyMaps& keyMaps, std::string_view typeInfo, bool inFile) {
     if (t == nullptr) return SetError(ERR_TABLE_TYPE);
     *t = {};
-    const bool good = isRecord(rowPrototype) && (maxlength == UNBOUNDED || maxlength >= 1) &&
+    const bool good = IsWholeRecord(rowPrototype) && (maxlength == UNBOUNDED || maxlength >= 1) &&
                       areKeyMaps(*rowPrototype, keyMaps);
     if (!good) return SetError(ERR_TABLE_TYPE);
     ListDescriptor rows;
@@ -299,112 +84,84 @@ void TableInit(TableDescriptor* t, std::int32_t maxlength, const RecordDescripto
 // ---- rows ----
 
 void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* row) {
-    if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
-    TableHeader& header = HeaderOf(*t);
-    const std::int32_t count = header.rows.count;
-    if (t->maxlength != UNBOUNDED && count >= t->maxlength) return SetError(ERR_FIXED_TABLE);
-    if ((indexNumber != 0 || header.keyMaps[0] != 0) && !acceptIndex(header, indexNumber)) return;
-    Entry entries[MaxIndexes];
-    if (!findPlaces(header, *row, entries) || !makeNodes(entries, count + 1)) return;
-    ListAppend(row, KindRecord, &header.rows);
-    if (header.rows.count == count) return freeNodes(entries);
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        LinkNode(header.roots[i], entries[i].path, entries[i].key, entries[i].node);
-    }
-    t->count = header.rows.count;
+    if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
+    const TableHeader& header = HeaderOf(*t);
+    if (t->maxlength != UNBOUNDED && header.rows.count >= t->maxlength) return SetError(ERR_FIXED_TABLE);
+    if ((indexNumber != 0 || header.keyMaps[0] != 0) && !AcceptIndexNumber(header, indexNumber)) return;
+    operations(header).add(*t, *row);
 }
 
 void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key,
                RecordDescriptor* row) {
-    std::int32_t number = 0;
-    const bool good = acceptTable(t) && acceptOutput(HeaderOf(*t), row) &&
-                      findByKey(HeaderOf(*t), indexNumber, key, number) &&
-                      CopyValue(&RowAt(HeaderOf(*t), number), row, KindRecord);
-    if (!good) clearOutput(row);
+    KeyView view;
+    bool found = false;
+    const bool good = AcceptTable(t) && AcceptRowOutput(HeaderOf(*t), row) &&
+                      AcceptTableKey(HeaderOf(*t), indexNumber, key, view) &&
+                      operations(HeaderOf(*t)).find(*t, indexNumber, {}, view, row, found);
+    if (good && !found) SetError(ERR_TABLE_NOT_FOUND);
+    if (!found) ClearRowOutput(row);
 }
 
 void TableFind(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
                const RecordDescriptor* key, RecordDescriptor* row, bool& found) {
     found = find(op, t, indexNumber, key, row);
-    if (!found) clearOutput(row);
+    if (!found) ClearRowOutput(row);
 }
 
 void TableUpdate(const RecordDescriptor* row, std::int32_t indexNumber, const RecordDescriptor* key,
                  TableDescriptor* t) {
-    std::int32_t number = 0;
-    if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
-    TableHeader& header = HeaderOf(*t);
-    if (!findByKey(header, indexNumber, key, number)) return;
-    Change changes[MaxIndexes];
-    RecordDescriptor made{};
-    if (!prepareChanges(header, number, *row, changes, made)) return;
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (changes[i].differs) applyChange(header, i, changes[i]);
-    }
-    std::swap(RowAt(header, number), made);
-    FreeValue(&made, KindRecord);
+    KeyView view;
+    if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
+    const TableHeader& header = HeaderOf(*t);
+    if (AcceptTableKey(header, indexNumber, key, view))
+        operations(header).update(*t, indexNumber, view, *row);
 }
 
 void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key) {
-    std::int32_t number = 0;
-    if (!acceptTable(t)) return;
-    TableHeader& header = HeaderOf(*t);
-    if (!findByKey(header, indexNumber, key, number)) return;
-    const std::int32_t last = header.rows.count, indexes = IndexesOf(header);
-    Entry entries[MaxIndexes], moved;
-    for (std::int32_t i = 0; i < indexes; ++i) {
-        if (!findEntryToUnlink(header, i, number, entries[i])) return;
-        if (number != last && !findEntry(header, i, last, moved)) return;
-    }
-    for (std::int32_t i = 0; i < indexes; ++i) {
-        removeEntry(header, i, entries[i]);
-        if (number != last) renumber(header, i, last, number);
-    }
-    std::swap(RowAt(header, number), RowAt(header, last));
-    ListRemoveLast(&header.rows);
-    t->count = header.rows.count;
+    KeyView view;
+    if (!AcceptTable(t)) return;
+    const TableHeader& header = HeaderOf(*t);
+    if (AcceptTableKey(header, indexNumber, key, view)) operations(header).remove(*t, indexNumber, view);
 }
 
 void TableClear(TableDescriptor* t) {
-    if (acceptTable(t)) EmptyTable(*t);
+    if (!AcceptTable(t)) return;
+    if (IsHeldInFile(HeaderOf(*t).rows))
+        FileTableClear(*t);
+    else
+        EmptyTable(*t);
 }
 
 void TableRebuild(TableDescriptor* t) {
-    if (!acceptTable(t)) return;
-    TableHeader& header = HeaderOf(*t);
-    for (RecordDescriptor& root : header.roots) FreeTree(root);
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (!fillIndex(header, i)) return;
-    }
+    if (AcceptTable(t)) operations(HeaderOf(*t)).rebuild(*t);
 }
 
 void TableRow(const TableDescriptor* t, std::int32_t number, RecordDescriptor* row) {
-    const bool good = acceptTable(t) && acceptOutput(HeaderOf(*t), row) &&
-                      (HasRow(HeaderOf(*t), number) || fail(ERR_LIST_BOUNDS)) &&
-                      CopyValue(&RowAt(HeaderOf(*t), number), row, KindRecord);
-    if (!good) clearOutput(row);
+    const bool good = AcceptTable(t) && AcceptRowOutput(HeaderOf(*t), row);
+    if (good) ListGet(&HeaderOf(*t).rows, number, row, KindRecord);
+    if (!good) ClearRowOutput(row);
 }
 
 // ---- keys ----
 
 std::int32_t TableIndexFor(const TableDescriptor* t, const RecordDescriptor* key) {
-    if (!IsTable(t)) return fail(ERR_TABLE_TYPE), 0;
+    if (!IsTable(t)) return RefuseTable(ERR_TABLE_TYPE), 0;
     const TableHeader& header = HeaderOf(*t);
     KeyView view;
     if (!KeyOfRecord(key, view)) return 0;
     for (std::int32_t n = 1; n <= IndexesOf(header); ++n) {
-        if (fits(header, n, view)) return n;
+        if (FitsIndex(header, n, view)) return n;
     }
     return 0;
 }
 
 void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* row,
                      RecordDescriptor* key) {
-    if (!acceptTable(t) || !acceptRow(HeaderOf(*t), row)) return;
+    if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     const TableHeader& header = HeaderOf(*t);
     KeyView view;
-    if (!acceptIndex(header, indexNumber)) return;
-    if (key == nullptr || !(isZero(*key) || isRecord(key))) return SetError(ERR_INDEX_VALUE);
+    if (!AcceptIndexNumber(header, indexNumber)) return;
+    if (key == nullptr || !(IsZeroRecord(*key) || IsWholeRecord(key))) return SetError(ERR_INDEX_VALUE);
     if (!KeyOfRow(*row, header.keyMaps[indexNumber - 1], view)) return SetError(ERR_COMPONENT_TYPE);
     RecordDescriptor made{0, TagRecord, 0, KeyKinds(view)};
     if (!AllocateData(made, KeyBytes(view))) return;
@@ -416,11 +173,11 @@ void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const R
 // ---- parts ----
 
 std::int32_t TableCount(const TableDescriptor* t) {
-    return acceptTable(t) ? HeaderOf(*t).rows.count : 0;
+    return AcceptTable(t) ? HeaderOf(*t).rows.count : 0;
 }
 
 std::int32_t TableIndexCount(const TableDescriptor* t) {
-    return IsTable(t) ? IndexesOf(HeaderOf(*t)) : (fail(ERR_TABLE_TYPE), 0);
+    return IsTable(t) ? IndexesOf(HeaderOf(*t)) : (RefuseTable(ERR_TABLE_TYPE), 0);
 }
 
 const ListDescriptor* TableRows(const TableDescriptor* t) {

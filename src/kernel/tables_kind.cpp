@@ -5,8 +5,11 @@
 #include "kernel/errors.h"
 #include "kernel/list_access.h"
 #include "kernel/records.h"
+#include "kernel/rowfile.h"
 #include "kernel/runtime.h"
 #include "kernel/table_access.h"
+#include "kernel/tables_file_index.h"
+#include "kernel/tables_ops.h"
 
 #include <algorithm>
 #include <cstring>
@@ -63,6 +66,7 @@ void EmptyTable(TableDescriptor& t) {
 
 void FreeTable(TableDescriptor& t) {
     if (IsTable(&t)) {
+        ReleaseTableIndexes(t);
         for (RecordDescriptor& root : HeaderOf(t).roots) FreeTree(root);
         FreeValue(At(t.data), KindRecord);
     }
@@ -101,7 +105,25 @@ bool sameRowType(const TableHeader& a, const TableHeader& b) {
     return keyMapsOf(a) == keyMapsOf(b) && SameShape(&RowShape(a), &RowShape(b), KindRecord);
 }
 
+bool isUnopened(const TableDescriptor& t) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    return IsHeldInFile(rows) && RowFileName(rows).empty();
+}
+
+// The rows of a file with a tree for each index.
+bool fillFromFile(TableDescriptor& made, const TableHeader& from) {
+    ListReader rows(from.rows);
+    const std::int32_t indexNumber = from.keyMaps[0] != 0 ? 1 : 0;
+    for (std::int32_t i = 0; i < from.rows.count; ++i) {
+        const auto* row = static_cast<const RecordDescriptor*>(rows.at(i));
+        if (row != nullptr) TableAdd(&made, indexNumber, row);
+        if (made.count != i + 1) return false;
+    }
+    return true;
+}
+
 bool fill(TableDescriptor& made, const TableHeader& from) {
+    if (IsHeldInFile(from.rows)) return fillFromFile(made, from);
     TableHeader& header = HeaderOf(made);
     if (!CopyValue(&from.rows, &header.rows, KindList)) return false;
     for (std::int32_t i = 0; i < MaxIndexes; ++i) {
@@ -120,24 +142,27 @@ bool initTable(void* target, const void* like) {
     return good;
 }
 
+// A table that is held in a file and not open has nothing to copy.
+bool acceptCopy(const TableDescriptor& from, const TableDescriptor& to) {
+    const bool nothing = isUnopened(from) && isUnopened(to);
+    if (!nothing && (!AcceptTable(&from) || !AcceptTable(&to))) return false;
+    if (!sameRowType(HeaderOf(from), HeaderOf(to))) return RefuseTable(ERR_TABLE_TYPE);
+    const bool fits = to.maxlength == UNBOUNDED || from.count <= to.maxlength;
+    return fits || RefuseTable(ERR_FIXED_TABLE);
+}
+
 bool copyTable(const void* source, void* target) {
     const TableDescriptor& from = tableAt(source);
     auto& to = *static_cast<TableDescriptor*>(target);
-    const bool shapeless = to.tag == 0;
-    if (!isWhole(from) || (!shapeless && !isWhole(to))) return false;
-    std::int32_t error = ERR_NONE;
-    if (!shapeless && !sameRowType(HeaderOf(from), HeaderOf(to)))
-        error = ERR_TABLE_TYPE;
-    else if (!shapeless && to.maxlength != UNBOUNDED && from.count > to.maxlength)
-        error = ERR_FIXED_TABLE;
-    if (error != ERR_NONE) return SetError(error), false;
+    if (!isWhole(from) || !isWhole(to) || !acceptCopy(from, to)) return false;
+    if (isUnopened(to)) return true;
+    if (IsHeldInFile(HeaderOf(to).rows)) return CopyIntoFileTable(from, to);
     TableDescriptor made{};
-    bool good = shapeLike(made, shapeless ? from : to);
-    if (good && !fill(made, HeaderOf(from))) {
+    if (!shapeLike(made, to)) return false;
+    if (!fill(made, HeaderOf(from))) {
         FreeTable(made);
-        good = false;
+        return false;
     }
-    if (!good) return false;
     FreeTable(to);
     to = made;
     return true;
@@ -235,17 +260,18 @@ std::string checkTable(const void* value) {
     std::string wrong = CheckValue(&header.rows, KindList);
     if (wrong.empty()) wrong = checkHeader(t, header);
     if (wrong.empty()) wrong = CheckValue(&header.typeInfo, KindString);
-    const bool inMemory = header.rows.tag == KindRecord;
-    for (std::int32_t i = 0; inMemory && wrong.empty() && i < IndexesOf(header); ++i) {
+    if (wrong.empty() && IsHeldInFile(header.rows)) return isUnopened(t) ? wrong : CheckIndexFiles(t);
+    for (std::int32_t i = 0; wrong.empty() && i < IndexesOf(header); ++i) {
         wrong = checkIndex(header, i);
         if (!wrong.empty()) wrong = "table index " + std::to_string(i + 1) + ": " + wrong;
     }
     return wrong;
 }
 
+// A table that is held in a file is not touched: its rows are not here.
 void emptyTable(void* value) {
     auto& t = *static_cast<TableDescriptor*>(value);
-    if (IsTable(&t) && HeaderOf(t).rows.tag == KindRecord) EmptyTable(t);
+    if (IsTable(&t) && !IsHeldInFile(HeaderOf(t).rows)) EmptyTable(t);
 }
 
 }  // namespace

@@ -7,8 +7,10 @@
 #include "kernel/data/datafile_binary.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/data/typeinfo.h"
+#include "kernel/data/xbase.h"
 #include "kernel/data/xml.h"
 #include "kernel/errors.h"
+#include "kernel/index_file.h"
 #include "kernel/strings.h"
 
 #include <algorithm>
@@ -135,9 +137,32 @@ void readText(const std::string& filename, const TabOptions* options, DataFileIn
     info.columnsSeen = found.columnsSeen;
 }
 
-// Where Xbase files and the system's own table files give their declaration.
-void readTableFile(const std::string&, DataFormat format, DataFileInfo& info) {
-    info.format = format;
+void readXbase(const std::string& filename, DataFileInfo& info) {
+    info.format = FormatXbase;
+    info.typeText = XbaseTypeInfo(filename, info.message);
+}
+
+// The size of its header, which an index file begins with.
+bool looksLikeIndex(std::string_view head) {
+    static_assert(IndexHeaderBytes == 0x450);
+    return head == std::string_view("\0\0\x04\x50", headBytes);
+}
+
+// The description that a file of the system's own tables holds; only index files have one.
+void readTableFile(const std::string& filename, std::string_view head, DataFileInfo& info) {
+    constexpr std::int64_t textOffset = 49;
+    info.format = FormatBinary;
+    TabFile file;
+    if (!looksLikeIndex(head) || file.open(filename) != 0 || file.size() < IndexHeaderBytes) return;
+    std::string text(MaxIndexText + 1, '\0');
+    if (file.read(textOffset, text.data(), text.size()) != 0) return;
+    const std::size_t end = text.find('\0');
+    if (end == std::string::npos) return;
+    text.resize(end);
+    const auto isText = [](char c) { return c == '\n' || c == '\t' || (c >= ' ' && c <= '~'); };
+    if (!std::all_of(text.begin(), text.end(), isText)) return;
+    info.typeText = std::move(text);
+    if (!info.typeText.empty() && info.typeText.back() != '\n') info.typeText += '\n';
 }
 
 void readFile(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
@@ -153,11 +178,11 @@ void readFile(const std::string& filename, const TabOptions* options, DataFileIn
         info.format = FormatXml;
         readXml(filename, info);
     } else if (looksLikeXbase(head)) {
-        readTableFile(filename, FormatXbase, info);
+        readXbase(filename, info);
     } else if (looksLikeText(head)) {
         readText(filename, options, info);
-    } else if (DataFormatOf(filename) == FormatBinary) {
-        readTableFile(filename, FormatBinary, info);
+    } else if (looksLikeIndex(head) || DataFormatOf(filename) == FormatBinary) {
+        readTableFile(filename, head, info);
     } else {
         info.message =
             fileWord(filename) + "is an unknown file type (first four bytes = " + hexPairs(head) + ").";
@@ -307,6 +332,7 @@ TabResult LoadValue(const std::string& filename, DataFormat format, const TabOpt
     case FormatComma:
     case FormatTab: return TabLoad(filename, lines, value, kind);
     case FormatBinary: return BinaryLoad(filename, value, kind);
+    case FormatXbase: return XbaseLoad(filename, value, kind, message, options.maxdatarows);
     case FormatXml: return fromXml(XmlLoad(filename, value, kind), message);
     default: return {ERR_COMPONENT_UNREPRESENTABLE};
     }
@@ -321,6 +347,7 @@ TabResult SaveValue(const std::string& filename, DataFormat format, const TabOpt
     case FormatComma:
     case FormatTab: return TabSave(filename, lines, value, kind, names);
     case FormatBinary: return BinarySave(filename, value, kind);
+    case FormatXbase: return XbaseSave(filename, value, kind, names);
     case FormatXml: return fromXml(XmlSave(filename, flags, value, kind, names), message);
     default: return {ERR_COMPONENT_UNREPRESENTABLE};
     }

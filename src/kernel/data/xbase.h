@@ -87,8 +87,17 @@ void XbaseToRow(const void* value, Kind kind, const XbaseHeader& header, std::in
 XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind);
 XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes);
 
-// Whole files, as TabLoad and TabSave.
-TabResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message);
+// Whole files, as TabLoad and TabSave. A string takes or gives the first field of each row in a line, a set
+// its number (a blank is none), a list, a record or a table the fields. Rows are read to the end of the file,
+// deleted ones too, whatever the header counts; -1 for all of them.
+//
+// Codes: 661 with a message for what is no Xbase file; 655 for one that ends in its header; 651 to 654, 657;
+// 658 without a row for a value that has no rows of fields, with one for the first row that does not fit. A
+// load goes on behind such a row, what did not fit is empty or cut; a save leaves the old file. A file's end
+// is marked by a byte 26.
+TabResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message,
+                    std::int32_t mostRows = -1);
+// A table gives its own names; names and types that `typeText` lacks are FIELD1 and so on, and Tchars.
 TabResult XbaseSave(const std::string& filename, const void* value, Kind kind, std::string_view typeText);
 
 }  // namespace tarn

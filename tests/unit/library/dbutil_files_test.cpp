@@ -190,7 +190,7 @@ TEST_F(DataHelpers, FailuresAreInTheCellToo) {
     String text(std::string_view("old"));
     EXPECT_EQ(LOADFILE("/d/none", 2, text.get(), KindString).code, 651);
     EXPECT_EQ(takeError(), 651);
-    EXPECT_EQ(LOADFILE("/d/none", 5, text.get(), KindString).code, 658);
+    EXPECT_EQ(LOADFILE("/d/none", 4, text.get(), KindString).code, 658);
     EXPECT_EQ(takeError(), 658);
     EXPECT_EQ(SAVEFILE("/none/f", text.get(), KindString).code, 652);
     EXPECT_EQ(takeError(), 652);

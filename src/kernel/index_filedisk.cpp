@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/index_filedisk.h"
+
+#include "kernel/errors.h"
+#include "kernel/fileerrors.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+// The file that stays open between operations. It is of use to the file system that has opened it alone.
+struct KeptFile {
+    os::Handle handle = -1;
+    os::OpenMode mode = os::OpenMode::Read;
+    const os::FileSystem* system = nullptr;
+    std::string path;
+};
+
+KeptFile& kept() {
+    static KeptFile file;
+    return file;
+}
+
+bool isKept(std::string_view path) {
+    return kept().handle >= 0 && kept().system == &os::files() && kept().path == path;
+}
+
+std::int32_t openCode(os::FileError error, os::OpenMode mode) {
+    if (IsMissing(error)) return ERR_FILE_VANISHED;
+    return mode == os::OpenMode::Read ? FileReadCode(error) : FileWriteCode(error);
+}
+
+// Also without a process that could close anything: that of a test that plays a death.
+void closeQuietly(os::Handle handle) noexcept {
+    try {
+        os::files().close(handle);
+    } catch (...) {}
+}
+
+bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path) noexcept {
+    CloseKeptIndex();
+    try {
+        kept() = {handle, mode, &os::files(), path};
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void CloseKeptIndex() {
+    const os::Handle handle = std::exchange(kept().handle, -1);
+    if (handle >= 0 && kept().system == &os::files()) closeQuietly(handle);
+}
+
+void CloseKeptIndex(std::string_view path) {
+    if (isKept(path)) CloseKeptIndex();
+}
+
+// ---- opening ----
+
+// Takes the file over that is kept, if it serves.
+std::int32_t IndexDisk::adopt() {
+    keeps_ = isKept(path_);
+    if (keeps_ && (kept().mode == mode_ || kept().mode == os::OpenMode::ReadWrite)) {
+        mode_ = kept().mode;
+        handle_ = std::exchange(kept().handle, -1);
+        return 0;
+    }
+    CloseKeptIndex();
+    return openCode(os::files().open(path_, mode_, 0, handle_), mode_);
+}
+
+std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
+    close();
+    path_ = path;
+    mode_ = mode;
+    changes_.clear();
+    if (const std::int32_t code = adopt(); code != 0) return code;
+    const std::int32_t code = FileReadCode(os::files().size(handle_, size_));
+    if (code != 0) close();
+    return code;
+}
+
+std::int32_t IndexDisk::reopen() {
+    if (const std::int32_t code = adopt(); code != 0) return code;
+    std::int64_t size = 0;
+    std::int32_t code = FileReadCode(os::files().size(handle_, size));
+    if (code == 0 && size != size_) code = ERR_INDEX_FILE_SIZE;
+    if (code != 0) close();
+    return code;
+}
+
+std::int32_t IndexDisk::close() {
+    inPage_ = 0;
+    const os::Handle handle = std::exchange(handle_, -1);
+    if (handle < 0) return 0;
+    if (keeps_ && keepOpen(handle, mode_, path_)) return 0;
+    if (mode_ != os::OpenMode::Read) return FileWriteCode(os::files().close(handle));
+    closeQuietly(handle);
+    return 0;
+}
+
+// ---- reading ----
+
+std::int32_t IndexDisk::readWhole(std::int64_t offset, char* into, std::size_t count) {
+    while (count != 0) {
+        std::size_t got = 0;
+        const os::FileError error = os::files().read(handle_, offset, into, count, got);
+        if (error != os::FileError::None) return FileReadCode(error);
+        if (got == 0) return ERR_FILE_READ;
+        offset += static_cast<std::int64_t>(got);
+        into += got;
+        count -= got;
+    }
+    return 0;
+}
+
+std::int32_t IndexDisk::read(std::int64_t offset, char* into, std::int32_t count) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
+    return readWhole(offset, into, static_cast<std::size_t>(count));
+}
+
+// Reads the pages that hold these bytes, one or two.
+std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
+    const std::int64_t start = offset - offset % pageBytes, last = offset + count - 1;
+    const std::int64_t end = std::min(last - last % pageBytes + pageBytes, size_);
+    inPage_ = 0;
+    pageAt_ = start;
+    const std::int32_t code = readWhole(start, page_, static_cast<std::size_t>(end - start));
+    if (code == 0) inPage_ = static_cast<std::int32_t>(end - start);
+    return code;
+}
+
+const char* IndexDisk::page(std::int64_t offset, std::int32_t count, std::int32_t& code) {
+    const bool there = offset >= pageAt_ && offset + count <= pageAt_ + inPage_;
+    code = there ? 0 : fill(offset, count);
+    return code == 0 ? page_ + (offset - pageAt_) : nullptr;
+}
+
+// ---- changes ----
+
+void IndexDisk::begin() {
+    changes_.clear();
+    before_.clear();
+    sizeBefore_ = size_;
+}
+
+std::int32_t IndexDisk::note(std::int64_t offset, std::string_view before) {
+    try {
+        changes_.push_back({offset, before_.size(), before.size()});
+        before_ += before;
+    } catch (const std::bad_alloc&) {
+        return ERR_OUT_OF_MEMORY;
+    }
+    return 0;
+}
+
+std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::string& bytes) {
+    try {
+        bytes.resize(static_cast<std::size_t>(count));
+    } catch (const std::bad_alloc&) {
+        return ERR_OUT_OF_MEMORY;
+    }
+    return readWhole(offset, bytes.data(), bytes.size());
+}
+
+std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    if (const std::int32_t code = note(offset, before); code != 0) return code;
+    inPage_ = 0;
+    const std::int32_t code = FileWriteCode(os::files().write(handle_, offset, bytes));
+    size_ = std::max(size_, offset + static_cast<std::int64_t>(bytes.size()));
+    return code;
+}
+
+std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes) {
+    const auto count = static_cast<std::int64_t>(bytes.size());
+    std::string before;
+    const std::int32_t code = bytesAt(offset, std::clamp<std::int64_t>(size_ - offset, 0, count), before);
+    return code != 0 ? code : write(offset, bytes, before);
+}
+
+std::int32_t IndexDisk::cut(std::int64_t size) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    std::string tail;
+    if (const std::int32_t code = bytesAt(size, size_ - size, tail); code != 0) return code;
+    if (const std::int32_t code = note(size, tail); code != 0) return code;
+    return cutForGood(size);
+}
+
+std::int32_t IndexDisk::cutForGood(std::int64_t size) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    inPage_ = 0;
+    const std::int32_t code = FileWriteCode(os::files().truncate(handle_, size));
+    if (code == 0) size_ = size;
+    return code;
+}
+
+std::int32_t IndexDisk::takeBack() {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    std::int32_t first = 0;
+    const auto keepFirst = [&](os::FileError error) {
+        if (first == 0) first = FileWriteCode(error);
+    };
+    for (; !changes_.empty(); changes_.pop_back()) {
+        const Change& change = changes_.back();
+        if (change.size == 0) continue;
+        keepFirst(os::files().write(handle_, change.offset,
+                                    std::string_view(before_).substr(change.at, change.size)));
+    }
+    if (size_ > sizeBefore_) keepFirst(os::files().truncate(handle_, sizeBefore_));
+    size_ = sizeBefore_;
+    inPage_ = 0;
+    return first;
+}
+
+}  // namespace tarn

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The file below an index: read by pages, since the nodes at the end of a way down often stand side by side;
+// written with a note of what stood there, so that a change can be taken back. Only the modules of index
+// files include this. Results are error codes, 0 for success: 653 no such file, 651 and 652 it cannot be
+// read or written, 654 the disk is full, 657 a name that is not allowed, 802 memory is short.
+//
+// One file may be kept open from one operation to the next: it is taken over when a file of its name is
+// opened, given back when that is closed, and closed when another is opened.
+#pragma once
+
+#include "os/files.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+// Closes the file that is kept open, if there is one; with a path only if it is that one.
+void CloseKeptIndex();
+void CloseKeptIndex(std::string_view path);
+
+class IndexDisk {
+public:
+#ifdef TARNWICK_TINY
+    static constexpr std::int32_t pageBytes = 64;
+#else
+    static constexpr std::int32_t pageBytes = 4096;
+#endif
+
+    IndexDisk() {}  // leaves the page as it is
+    ~IndexDisk() {
+        close();
+    }
+    IndexDisk(const IndexDisk&) = delete;
+    IndexDisk& operator=(const IndexDisk&) = delete;
+
+    std::int32_t open(const std::string& path, os::OpenMode mode);
+    // Opens the file again that was open; 656 when its size is another one now.
+    std::int32_t reopen();
+    [[nodiscard]] bool isOpen() const {
+        return handle_ >= 0;
+    }
+    std::int32_t close();
+    void keep() {
+        keeps_ = true;
+    }  // open for the next operation, too
+
+    [[nodiscard]] std::int64_t size() const {
+        return size_;
+    }
+    // Reads `count` bytes; all of them must stand in the file.
+    std::int32_t read(std::int64_t offset, char* into, std::int32_t count);
+    // The same, `count` at most a page: where they stand until the next reading or writing. Null on failure.
+    const char* page(std::int64_t offset, std::int32_t count, std::int32_t& code);
+
+    // ---- changes ----
+
+    void begin();  // what follows can be taken back together
+    // `before` is what stands there now, as far as that is in the file.
+    std::int32_t write(std::int64_t offset, std::string_view bytes, std::string_view before);
+    std::int32_t write(std::int64_t offset, std::string_view bytes);  // reads what stands there
+    std::int32_t cut(std::int64_t size);
+    std::int32_t cutForGood(std::int64_t size);  // what is cut off is not noted
+    // Writes back what stood there. Goes on after a failure and gives the first.
+    std::int32_t takeBack();
+
+private:
+    struct Change {
+        std::int64_t offset;
+        std::size_t at, size;  // in before_
+    };
+
+    std::int32_t adopt();
+    std::int32_t fill(std::int64_t offset, std::int32_t count);
+    std::int32_t readWhole(std::int64_t offset, char* into, std::size_t count);
+    std::int32_t bytesAt(std::int64_t offset, std::int64_t count, std::string& bytes);
+    std::int32_t note(std::int64_t offset, std::string_view before);
+
+    os::Handle handle_ = -1;
+    os::OpenMode mode_ = os::OpenMode::Read;
+    bool keeps_ = false;
+    std::string path_;
+    std::int64_t size_ = 0, sizeBefore_ = 0;
+    std::vector<Change> changes_;
+    std::string before_;
+    std::int64_t pageAt_ = 0;
+    std::int32_t inPage_ = 0;
+    char page_[2 * pageBytes];
+};
+
+}  // namespace tarn

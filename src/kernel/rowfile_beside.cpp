@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Rows that take the place of others: they are written into a file beside, which is then renamed. So the old
+// rows are whole until the new ones are.
+#include "kernel/fileerrors.h"
+#include "kernel/rowfile_access.h"
+#include "kernel/rowfile_names.h"
+#include "os/clock.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace tarn {
+
+namespace {
+
+constexpr os::FileError noError = os::FileError::None;
+
+std::string folderPart(const std::string& path) {
+    return path.substr(0, path.find_last_of("/\\") + 1);  // with the separator
+}
+
+// What a link stands for; any other path as it is.
+os::FileError followLink(const std::string& path, std::string& target) {
+    std::string folder;
+    os::FileError error = os::files().resolve(path, target);
+    if (error == noError) error = os::files().resolve(FolderOfFile(path), folder);
+    if (error != noError) return error;
+    if (folder.back() != '/') folder += '/';
+    if (target == folder + path.substr(folderPart(path).size())) target = path;
+    return noError;
+}
+
+// The permissions of the old file, and its owner where this user can give it away.
+os::FileError takeOver(const os::FileInfo& old, const std::string& path) {
+    const os::FileInfo info = os::infoOf(path);
+    if (info.owner != old.owner || info.group != old.group)
+        (void)os::files().setOwner(path, old.owner, old.group);
+    return info.mode != old.mode ? os::files().setMode(path, old.mode) : noError;
+}
+
+os::FileError fillBeside(const std::string& target, const std::string& header, std::string& name) {
+    const os::FileInfo old = os::infoOf(target);
+    if (!old.exists) return os::FileError::Vanished;
+    if (!old.writable) return os::FileError::Denied;
+    NewFile made;
+    os::FileError error = MakeFileBeside(target, made);
+    if (error != noError) return error;
+    if (!header.empty()) error = os::files().write(made.handle, 0, header);
+    const os::FileError closed = os::files().close(made.handle);
+    if (error == noError) error = closed;
+    if (error == noError) error = takeOver(old, made.path);
+    if (error != noError) os::files().remove(made.path);
+    name = made.path;
+    return error;
+}
+
+os::FileError syncRows(const std::string& name) {
+    os::Handle handle = -1;
+    os::FileError error = os::files().open(name, os::OpenMode::Read, 0, handle);
+    if (error != noError) return error;
+    error = os::files().sync(handle);
+    os::files().close(handle);
+    return error;
+}
+
+}  // namespace
+
+std::string FolderOfFile(const std::string& path) {
+    std::string folder = folderPart(path);
+    return folder.empty() ? "." : folder;
+}
+
+os::FileError MakeFileBeside(const std::string& path, NewFile& made) {
+    static std::uint32_t count = 0;
+    constexpr int attempts = 100, base = 36;
+    os::FileError error = os::FileError::Exists;
+    for (int i = 0; i < attempts && error == os::FileError::Exists; ++i) {
+        char digits[32];
+        const std::int64_t number = os::clock().now() + ++count;
+        const char* const end = std::to_chars(digits, digits + sizeof digits, number, base).ptr;
+        made.path = folderPart(path) + ".tarnwick-";
+        made.path.append(digits, static_cast<std::size_t>(end - digits)).append(ExtensionOf(path));
+        error = os::files().open(made.path, os::OpenMode::CreateNew, NewFile::usualMode, made.handle);
+    }
+    return error;
+}
+
+bool MakeRowsBeside(const ListDescriptor& l, std::string& name) {
+    return WithMemory([&] {
+        RowFile file;
+        std::string header, target;
+        if (!file.open(l, os::OpenMode::Read) || !file.readHeader(header)) return false;
+        file.close();
+        os::FileError error = followLink(std::string(RowFileName(l)), target);
+        if (error == noError) error = fillBeside(target, header, name);
+        return error == noError || RefuseWrite(error);
+    });
+}
+
+// Rows that were on the disk give way only to rows that are.
+bool PutRowsInPlace(const std::string& name, ListDescriptor& l, std::int32_t count) {
+    return WithMemory([&] {
+        if (BatchOfRows* const batch = BatchOfRows::of(l))
+            if (!batch->finish()) return false;
+        std::string target;
+        os::FileError error = l.count > 0 ? syncRows(name) : noError;
+        if (error == noError) error = followLink(std::string(RowFileName(l)), target);
+        if (error == noError) error = os::files().rename(name, target);
+        if (error != noError) return RefuseWrite(error);
+        l.count = count;
+        return true;
+    });
+}
+
+void RemoveRows(const std::string& name) {
+    (void)os::files().remove(name);
+}
+
+// ---- a list beside ----
+
+bool RowsBeside::make() {
+    bool created = false;
+    if (!InitValue(&rows_, &target_, KindList) || !MakeRowsBeside(target_, name_)) return false;
+    if (!OpenRows(rows_, name_, {}, created)) return false;
+    return WithMemory([&] {
+        batch_ = std::make_unique<RowBatch>(rows_);
+        return true;
+    });
+}
+
+RowsBeside::~RowsBeside() {
+    try {
+        if (BatchOfRows* const batch = BatchOfRows::of(rows_)) batch->forget();
+        if (!name_.empty()) RemoveRows(name_);
+    } catch (...) {  // the end of the process, in a test
+    }
+    if (rows_.data != 0) SetRowFileName(rows_, {});
+    FreeValue(&rows_, KindList);
+}
+
+bool RowsBeside::takePlace() {
+    if (!batch_->finish() || !PutRowsInPlace(name_, target_, rows_.count)) return false;
+    name_.clear();
+    return true;
+}
+
+}  // namespace tarn

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Files beside a file of rows. Only the modules of rowfile.h include this.
+#pragma once
+
+#include "os/files.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tarn {
+
+// A file that did not exist before, open for writing.
+struct NewFile {
+    static constexpr std::uint32_t usualMode = 0666;  // the user's mask takes its part away
+    std::string path;
+    os::Handle handle = -1;
+};
+
+// Makes one in the folder of `path`, with its extension, under a name that nobody has.
+os::FileError MakeFileBeside(const std::string& path, NewFile& made);
+// "." for a name without a folder.
+std::string FolderOfFile(const std::string& path);
+
+}  // namespace tarn

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Tables whose rows stand in a file: their index files, as opening and closing such a table sees them, and
+// what checks and mends the files of a table. Only the modules of lists, tables and data files include this,
+// and tools; index_file.h tells the format of index files.
+//
+// The rows of `t` are open: the rows list in the row header holds the file's name and the count of rows, and
+// so does the table its count. Its key maps tell which indexes there are; a table without any has nothing to
+// do here. Operations that give false have set the error.
+#pragma once
+
+#include "kernel/values.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+// Makes the files of all indexes, empty, in the place of what may be there; for a row file that was just made
+// or has no rows. When one of them cannot be made, those that were made are gone again. 651, 652, 654, 657.
+bool MakeTableIndexes(TableDescriptor& t);
+// For a row file with rows: every index must be there, its size that of whole nodes, and not too short for
+// the rows: 656. Only reads, so that tables in folders that cannot be written open too. 651.
+bool AcceptTableIndexes(TableDescriptor& t);
+// Deletes whatever stands under the names of the five possible indexes of this row file. Sets no error: what
+// is not there need not be deleted, and what cannot be deleted is found when an index is made.
+void RemoveIndexFiles(std::string_view tableFile);
+// Brings the index files to the disk; called before the name is blanked. 651, 652, 653, 654.
+bool SyncTableIndexes(const TableDescriptor& t);
+// The end of a table, before its rows end: the indexes of a scratch file are deleted, those of another file
+// brought to the disk. Nothing for a table in memory, or not open, or whose file is gone.
+void ReleaseTableIndexes(const TableDescriptor& t);
+
+// ---- checking ----
+
+// "" or what is wrong with the files of an open table: the size and the count of the rows, each row's bytes,
+// each index from its header to its last node, and whether nodes and rows have the same keys. Sets no error.
+std::string CheckTableFile(const TableDescriptor& t);
+
+// ---- mending ----
+
+// What was done to the file of rows.
+struct MendedRows {
+    std::int32_t error = 0;       // 0, or the code of what went wrong; the file may then be mended in part
+    std::int32_t rows = 0;        // that are there now
+    std::int64_t bytesCut = 0;    // from behind the last whole row
+    std::int32_t rowWritten = 0;  // a row whose replacement was begun and noted (tables_file_note.h), or 0
+    bool countSet = false;        // the count in the header was another
+};
+struct DuplicateKey {
+    std::int32_t index = 0;           // from 1
+    std::int32_t row = 0, first = 0;  // the row that has the key of the first
+};
+struct RebuiltTable {
+    static constexpr std::size_t MostDuplicates = 1000;
+    std::int32_t error = 0;  // as above; 637 for duplicates
+    MendedRows mended;
+    std::int32_t rows = 0;
+    std::int32_t rowDropped = 0, sameAs = 0;  // the last row, when it was an earlier one again, or 0
+    std::int32_t badRow = 0;                  // the row that could not be read, or 0
+    bool stopped = false;                     // by the user (data/progress.h)
+    std::vector<DuplicateKey> duplicates;     // the first of them, index after index; none was dropped
+};
+
+// Mends the file of a list that is held in a file and not open, after a death of a process or machine: writes
+// a row that was noted, cuts off what is not a whole row, and sets the count right. An existing file only
+// (653). Sets no error, as the next one.
+MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
+// The same for a table, which then gets new indexes. A last row that is an earlier one again, whole, is
+// dropped: a deletion had moved it. Other rows with one key stay; the indexes then lack all but the first.
+// When it fails or is stopped the old indexes are as they were.
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName);
+
+}  // namespace tarn

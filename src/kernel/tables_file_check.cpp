@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/adt_kinds.h"
+#include "kernel/errors.h"
+#include "kernel/rowformat.h"
+#include "kernel/tables_file_index.h"
+
+namespace tarn {
+
+namespace {
+
+// Whether each node has the key of its row. The index is sound, and has as many nodes as there are rows.
+std::string checkKeys(const TableHeader& header, std::int32_t index, const std::string& path) {
+    FileTree tree;
+    ListReader rows(header.rows);
+    std::string wrong;
+    if (!tree.open(path, IndexKeyShape(header, index), os::OpenMode::Read)) return "it cannot be opened";
+    const bool walked = WalkInOrder(tree, [&](FileTree::Ref node) {
+        KeyView key;
+        const std::int32_t number = tree.row(node);
+        const void* row = HasRow(header, number) ? rows.at(number - 1) : nullptr;
+        if (row == nullptr ||
+            !KeyOfRow(*static_cast<const RecordDescriptor*>(row), header.keyMaps[index], key))
+            wrong = "a node has no row";
+        else if (tree.order(key, node) != 0)
+            wrong = "the key of a node is not that of its row";
+        return wrong.empty();
+    });
+    return walked && tree.failure() == 0 ? "" : wrong.empty() ? "it cannot be read" : wrong;
+}
+
+std::string checkIndex(const TableHeader& header, std::int32_t index, const std::string& path) {
+    const std::string wrong = CheckIndexFile(path, IndexKeyShape(header, index), header.rows.count);
+    return wrong.empty() ? checkKeys(header, index, path) : wrong;
+}
+
+}  // namespace
+
+std::string CheckIndexFiles(const TableDescriptor& t) {
+    OwnErrors errors;
+    const TableHeader& header = HeaderOf(t);
+    std::string wrong;
+    const bool good = WithMemory([&] {
+        const std::string file(RowFileName(header.rows));
+        for (std::int32_t i = 0; wrong.empty() && i < IndexesOf(header); ++i) {
+            wrong = checkIndex(header, i, IndexFileName(file, i + 1));
+            if (!wrong.empty()) wrong = "table index " + std::to_string(i + 1) + ": " + wrong;
+        }
+        return true;
+    });
+    errors.forget();
+    return good ? wrong : "table: memory is short";
+}
+
+std::string CheckTableFile(const TableDescriptor& t) {
+    if (!IsTable(&t) || !IsHeldInFile(HeaderOf(t).rows)) return "table: not held in a file";
+    return RowFileName(HeaderOf(t).rows).empty() ? "table: not open" : CheckValue(&t, KindTable);
+}
+
+}  // namespace tarn

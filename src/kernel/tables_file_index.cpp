@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/tables_file_index.h"
+
+#include "kernel/adt.h"
+#include "kernel/adt_kinds.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/errors.h"
+#include "kernel/fileerrors.h"
+#include "kernel/indexes.h"
+#include "kernel/rowfile.h"
+#include "kernel/rowformat.h"
+
+namespace tarn {
+
+// ---- shapes and texts ----
+
+KeyView IndexKeyShape(const TableHeader& header, std::int32_t index) {
+    KeyView shape;
+    KeyOfRow(RowShape(header), header.keyMaps[index], shape);
+    return shape;
+}
+
+namespace {
+
+// For a table without a type text: the fields are named by their numbers in a row.
+std::string textOfKinds(const TableHeader& header, std::int32_t index) {
+    std::string names, text = "Index" + std::to_string(index + 1) + " : record\n";
+    for (auto map = static_cast<std::uint32_t>(header.keyMaps[index]); map != 0; map <<= 8U)
+        names += TypeInfoDefaultName({}, static_cast<std::int32_t>(map >> 24U)) + "\n";
+    const KeyView shape = IndexKeyShape(header, index);
+    RecordDescriptor key{0, TagRecord, 0, KeyKinds(shape)};
+    if (!AllocateData(key, KeyBytes(shape))) return {};
+    std::string fields;
+    if (CopyKeyFields(shape, At(key.data), true)) {
+        fields = TypeInfoFromValue(&key, KindRecord, names);
+        FreeValue(&key, KindRecord);
+    } else {
+        FreeData(key);
+    }
+    TypeInfoChangeIndent(1, fields, MaxTypeInfo);
+    return text + fields + "end record\n";
+}
+
+}  // namespace
+
+std::string IndexKeyText(const TableDescriptor& t, std::int32_t index) {
+    const std::string text = TypeInfoIndexText(&t, index + 1);
+    return text.empty() ? textOfKinds(HeaderOf(t), index) : text;
+}
+
+// ---- entries ----
+
+bool RefuseTree(const FileTree& tree) {
+    return RefuseTable(tree.failure() != 0 ? tree.failure() : std::int32_t{ERR_INDEX_TYPE});
+}
+
+namespace {
+
+bool whole(const FileTree& tree) {
+    return tree.failure() == 0 || RefuseTree(tree);
+}
+
+}  // namespace
+
+bool FindEntry(const FileTree& tree, const KeyView& key, std::int32_t row, FilePath& path) {
+    if (!FindFileKey(tree, key, path)) return false;
+    path.found = path.found && tree.row(path.nodes[path.at]) == row;
+    return whole(tree);
+}
+
+bool InsertEntry(FileTree& tree, const KeyView& key, std::int32_t row) {
+    FilePath path;
+    if (!FindFileKey(tree, key, path)) return false;
+    if (path.found) return RefuseTable(ERR_DUPLICATE_FIELDS);
+    const FileTree::Ref node = tree.add(key, row);
+    if (node == 0) return RefuseTree(tree);
+    LinkAt(tree, path, node);
+    return whole(tree);
+}
+
+bool RemoveEntry(FileTree& tree, const KeyView& key, std::int32_t row) {
+    FilePath path;
+    if (!FindEntry(tree, key, row, path)) return false;
+    if (!path.found) return true;
+    const FileTree::Ref node = path.nodes[path.at];
+    if (!PrepareUnlink(tree, path)) return RefuseTree(tree);
+    UnlinkAt(tree, path);
+    tree.release(node);
+    return whole(tree);
+}
+
+bool RenumberEntry(FileTree& tree, const KeyView& key, std::int32_t row, std::int32_t newRow) {
+    FilePath path;
+    if (!FindEntry(tree, key, row, path)) return false;
+    if (path.found) tree.setRow(path.nodes[path.at], newRow);
+    return whole(tree);
+}
+
+// ---- changes of several indexes ----
+
+IndexChanges::IndexChanges(const TableDescriptor& t)
+    : header_(HeaderOf(t)), file_(RowFileName(HeaderOf(t).rows)) {}
+
+FileTree* IndexChanges::open(std::int32_t index) {
+    if (count_ != 0) trees_[opened_[count_ - 1]].suspend();
+    const std::string path = IndexFileName(file_, index + 1);
+    if (!trees_[index].open(path, IndexKeyShape(header_, index), os::OpenMode::ReadWrite)) return nullptr;
+    opened_[count_++] = index;
+    return &trees_[index];
+}
+
+// The file that was opened last is still open: it comes first.
+bool IndexChanges::commit() {
+    for (std::int32_t i = count_ - 1; i >= 0; --i) {
+        if (trees_[opened_[i]].commit()) {
+            trees_[opened_[i]].suspend();
+            continue;
+        }
+        revert(i + 1);
+        return false;
+    }
+    return true;
+}
+
+void IndexChanges::revert(std::int32_t from) {
+    for (std::int32_t i = from; i < count_; ++i) {
+        trees_[opened_[i]].revert();
+        trees_[opened_[i]].suspend();
+    }
+}
+
+void IndexChanges::revert() {
+    revert(0);
+}
+
+// ---- exchange ----
+
+namespace {
+
+// "orders.i2" with a mark behind the dot.
+std::string markedName(std::string_view tableFile, std::int32_t index, std::string_view mark) {
+    std::string name = IndexFileName(tableFile, index + 1);
+    constexpr std::size_t extension = 2;
+    return name.replace(name.size() - extension, 1, mark);
+}
+
+void removeFile(const std::string& path) {
+    os::files().remove(path);
+}
+
+// An index file that is kept open from one operation to the next would keep its old content.
+void closeIndex(const std::string& path) {
+    IndexBlock block;
+    block.fileName = path;
+    block.recordSize = 1;
+    IndexClose(block);
+}
+
+}  // namespace
+
+IndexExchange::IndexExchange(const TableDescriptor& t)
+    : file_(RowFileName(HeaderOf(t).rows)), count_(IndexesOf(HeaderOf(t))) {}
+
+IndexExchange::~IndexExchange() {
+    try {
+        putBack();
+    } catch (...) {  // the end of the process, in a test
+    }
+}
+
+std::string IndexExchange::name(std::int32_t index) const {
+    return IndexFileName(file_, index + 1);
+}
+std::string IndexExchange::asideName(std::int32_t index) const {
+    return markedName(file_, index, "~i");
+}
+std::string IndexExchange::newName(std::int32_t index) const {
+    return markedName(file_, index, "~n");
+}
+
+bool IndexExchange::setAside() {
+    for (aside_ = 0; aside_ < count_; ++aside_) {
+        closeIndex(name(aside_));
+        const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
+        there_[aside_] = error == os::FileError::None;
+        if (there_[aside_] || IsMissing(error)) continue;
+        RefuseTable(FileWriteCode(error));
+        putBack();
+        return false;
+    }
+    return true;
+}
+
+void IndexExchange::putBack() {
+    for (; aside_ > 0; --aside_) {
+        const std::int32_t index = aside_ - 1;
+        closeIndex(name(index));
+        if (there_[index])
+            os::files().rename(asideName(index), name(index));
+        else
+            removeFile(name(index));
+    }
+}
+
+void IndexExchange::drop() {
+    for (; aside_ > 0; --aside_) removeFile(asideName(aside_ - 1));
+}
+
+bool IndexExchange::install(std::int32_t index) {
+    return os::files().rename(newName(index), name(index)) == os::FileError::None;
+}
+
+void IndexExchange::dropNew() {
+    for (std::int32_t i = 0; i < count_; ++i) removeFile(newName(i));
+}
+
+// ---- opening and closing tables ----
+
+bool MakeTableIndexes(TableDescriptor& t) {
+    const TableHeader& header = HeaderOf(t);
+    const std::string file(RowFileName(header.rows));
+    const std::int32_t count = IndexesOf(header);
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (CreateIndexFile(IndexFileName(file, i + 1), file, IndexKeyText(t, i))) continue;
+        for (std::int32_t made = 0; made < i; ++made) removeFile(IndexFileName(file, made + 1));
+        return false;
+    }
+    return true;
+}
+
+std::int32_t IndexSizeError(const std::string& path, std::int32_t recordSize, std::int32_t rows) {
+    os::FileInfo info;
+    const os::FileError error = os::files().info(path, info);
+    if (error != os::FileError::None) return FileReadCode(error);
+    const std::int64_t nodes = info.size - IndexHeaderBytes;
+    const bool good =
+        info.exists && !info.folder && nodes >= 0 && nodes % recordSize == 0 && nodes / recordSize >= rows;
+    return good ? 0 : std::int32_t{ERR_INDEX_FILE_SIZE};
+}
+
+bool AcceptTableIndexes(TableDescriptor& t) {
+    const TableHeader& header = HeaderOf(t);
+    const std::string file(RowFileName(header.rows));
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        const std::int32_t recordSize = IndexRecordSize(IndexKeyShape(header, i));
+        const std::int32_t error = IndexSizeError(IndexFileName(file, i + 1), recordSize, header.rows.count);
+        if (error != 0) return RefuseTable(error);
+    }
+    return true;
+}
+
+void RemoveIndexFiles(std::string_view tableFile) {
+    for (std::int32_t i = 0; i < MaxIndexes; ++i) {
+        const std::string name = IndexFileName(tableFile, i + 1);
+        closeIndex(name);
+        removeFile(name);
+        removeFile(markedName(tableFile, i, "~i"));
+        removeFile(markedName(tableFile, i, "~n"));
+    }
+}
+
+namespace {
+
+std::int32_t syncFile(const std::string& path) {
+    os::Handle handle = -1;
+    const os::FileError opened = os::files().open(path, os::OpenMode::Read, 0, handle);
+    if (opened != os::FileError::None)
+        return IsMissing(opened) ? std::int32_t{ERR_FILE_VANISHED} : FileReadCode(opened);
+    const os::FileError synced = os::files().sync(handle);
+    os::files().close(handle);
+    return FileWriteCode(synced);
+}
+
+}  // namespace
+
+bool SyncTableIndexes(const TableDescriptor& t) {
+    const TableHeader& header = HeaderOf(t);
+    const std::string file(RowFileName(header.rows));
+    std::int32_t first = 0;
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        const std::int32_t error = syncFile(IndexFileName(file, i + 1));
+        if (first == 0) first = error;
+    }
+    return first == 0 || RefuseTable(first);
+}
+
+void ReleaseTableIndexes(const TableDescriptor& t) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    if (!IsHeldInFile(rows) || RowFileName(rows).empty()) return;
+    WithMemory([&] {
+        if (IsScratchFile(rows)) return RemoveIndexFiles(RowFileName(rows)), true;
+        return !os::infoOf(std::string(RowFileName(rows))).exists || SyncTableIndexes(t);
+    });
+}
+
+}  // namespace tarn

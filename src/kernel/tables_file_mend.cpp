@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/adt_kinds.h"
+#include "kernel/errors.h"
+#include "kernel/owned.h"
+#include "kernel/rowfile_access.h"
+#include "kernel/string_text.h"
+#include "kernel/tables_file_fill.h"
+#include "kernel/tables_file_note.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tarn {
+
+namespace {
+
+// ---- rows ----
+
+// The count in the header; below 0 for none that a list can have.
+bool readStoredCount(const std::string& path, RowFormat format, std::int64_t& count) {
+    StoredCount stored = EncodeCount(format, 0);
+    os::Handle handle = -1;
+    os::FileError error = os::files().open(path, os::OpenMode::Read, 0, handle);
+    if (error != os::FileError::None) return RefuseRead(error);
+    std::size_t got = 0;
+    error = os::files().read(handle, stored.offset, stored.bytes, sizeof stored.bytes, got);
+    os::files().close(handle);
+    count = got == sizeof stored.bytes ? DecodeCount(format, stored.bytes) : -1;
+    return error == os::FileError::None || RefuseRead(error);
+}
+
+// The last row that is not empty, of those up to `last`.
+bool lastUsedRow(RowFile& file, std::int32_t last, std::int32_t& count) {
+    for (count = last; count > 0; --count) {
+        std::string row;
+        if (!file.read(count, 1, row)) return false;
+        if (row.find_first_not_of('\0') != std::string::npos) return true;
+    }
+    return true;
+}
+
+// One file of rows while it is mended. The list has its name.
+class RowMending {
+public:
+    RowMending(ListDescriptor& l, MendedRows& result) : list_(l), path_(RowFileName(l)), result_(result) {}
+    bool run() {
+        return file_.open(list_, os::OpenMode::ReadWrite) && look() && settleCount() && writeNote() &&
+               cutAndCount();
+    }
+
+private:
+    bool look();
+    bool settleCount();
+    bool writeNote();
+    bool cutAndCount();
+    [[nodiscard]] std::int64_t header() const { return file_.offsetOf(1); }
+
+    ListDescriptor& list_;
+    std::string path_;
+    MendedRows& result_;
+    RowFile file_;
+    RowNote note_;
+    std::int64_t size_ = 0, end_ = 0;  // of the file; of the rows, with what is torn
+    std::int32_t rowsInFile_ = 0, count_ = 0;
+};
+
+bool RowMending::look() {
+    const os::FileError error = file_.size(size_);
+    if (error != os::FileError::None) return RefuseRead(error);
+    if (!FindRowNote(path_, header(), file_.rowBytes(), note_)) return false;
+    end_ = std::max(note_.offset >= 0 ? note_.offset : size_, header());
+    const std::int64_t rows = (end_ - header()) / file_.rowBytes();
+    rowsInFile_ =
+        static_cast<std::int32_t>(std::min<std::int64_t>(rows, std::numeric_limits<std::int32_t>::max()));
+    return true;
+}
+
+bool RowMending::settleCount() {
+    const std::int32_t most = IsFixedList(list_) ? std::min(rowsInFile_, list_.maxlength) : rowsInFile_;
+    std::int64_t stored = -1;
+    count_ = most;
+    if (!StoresCount(file_.format())) return true;
+    if (!readStoredCount(path_, file_.format(), stored)) return false;
+    const bool good = stored >= 0 && stored <= most;
+    result_.countSet = !good;
+    if (good) count_ = static_cast<std::int32_t>(stored);
+    return good || file_.format() != RowsFixed || lastUsedRow(file_, most, count_);
+}
+
+// The row is on the disk before the note is cut off.
+bool RowMending::writeNote() {
+    if (note_.position < 1 || note_.position > count_) return true;
+    os::FileError error = file_.write(note_.position, note_.row);
+    if (error == os::FileError::None) error = file_.sync();
+    result_.rowWritten = note_.position;
+    return error == os::FileError::None || RefuseWrite(error);
+}
+
+bool RowMending::cutAndCount() {
+    const std::int64_t whole = file_.offsetOf(rowsInFile_ + 1);
+    const bool endMark = file_.format() == RowsXbase && size_ == whole + 1;
+    os::FileError error = os::FileError::None;
+    if (result_.countSet || size_ < header()) error = file_.writeCount(count_);
+    if (error == os::FileError::None && size_ > whole && !endMark) {
+        result_.bytesCut = size_ - whole;
+        error = file_.cutTo(whole);
+    }
+    if (error == os::FileError::None) error = file_.sync();
+    const os::FileError closed = file_.close();
+    if (error == os::FileError::None) error = closed;
+    result_.rows = count_;
+    return error == os::FileError::None || RefuseWrite(error);
+}
+
+bool acceptFile(std::string_view fileName) {
+    if (!AcceptFileName(fileName)) return false;
+    os::FileInfo info;
+    const os::FileError error = os::files().info(std::string(fileName), info);
+    if (error != os::FileError::None) return RefuseRead(error);
+    if (info.folder || info.special) return RefuseList(ERR_FILE_NAME);
+    return info.exists || RefuseList(ERR_FILE_VANISHED);
+}
+
+bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) {
+    if (!IsList(&l) || !IsHeldInFile(l)) return RefuseList(ERR_TYPE_NOT_STORABLE);
+    if (!RowFileName(l).empty()) return RefuseList(ERR_UNIDENTIFIABLE);
+    if (!acceptFile(fileName)) return false;
+    SetRowFileName(l, fileName);
+    const bool good = RowMending(l, result).run();
+    SetRowFileName(l, {});
+    return good;
+}
+
+}  // namespace
+
+MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
+    OwnErrors errors;
+    MendedRows result;
+    if (!WithMemory([&] { return mendRows(l, fileName, result); })) result.error = OwnErrors::code();
+    errors.forget();
+    return result;
+}
+
+// ---- tables ----
+
+namespace {
+
+// The new indexes of a table whose rows are open.
+class IndexRebuilding {
+public:
+    IndexRebuilding(TableDescriptor& t, RebuiltTable& result)
+        : table_(t), header_(HeaderOf(t)), result_(result), progress_(header_, IndexesOf(header_)) {}
+    bool run();
+
+private:
+    bool fillAll();
+    bool fill(std::int32_t index);
+    bool isLastAgain(const DuplicateKey& duplicate);
+
+    TableDescriptor& table_;
+    TableHeader& header_;
+    RebuiltTable& result_;
+    RowProgress progress_;
+};
+
+bool IndexRebuilding::run() {
+    IndexExchange exchange(table_);
+    if (!exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !SyncTableIndexes(table_))
+        return false;
+    exchange.drop();
+    exchange.dropNew();
+    return result_.duplicates.empty() || RefuseTable(ERR_UNIQUE_INDEX);
+}
+
+bool IndexRebuilding::fillAll() {
+    for (std::int32_t i = 0; i < IndexesOf(header_); ++i) {
+        if (!fill(i)) return false;
+    }
+    return true;
+}
+
+bool IndexRebuilding::fill(std::int32_t index) {
+    IndexFill fill(header_, index);
+    ListReader rows(header_.rows);
+    if (!fill.open(IndexFileName(RowFileName(header_.rows), index + 1))) return false;
+    for (std::int32_t next = 1; next <= header_.rows.count;) {
+        const Filled filled = fill.run(rows, next, header_.rows.count, &progress_);
+        if (filled == Filled::Whole) return true;
+        if (filled == Filled::Failed) result_.badRow = fill.badRow();
+        result_.stopped = filled == Filled::Stopped;
+        if (filled != Filled::Duplicate) return false;
+        const DuplicateKey& found = fill.duplicate();
+        next = found.row + 1;
+        if (isLastAgain(found)) {
+            if (!RemoveLastRow(header_.rows)) return false;
+            result_.rowDropped = found.row;
+            result_.sameAs = found.first;
+        } else if (result_.duplicates.size() < RebuiltTable::MostDuplicates) {
+            result_.duplicates.push_back(found);
+        }
+    }
+    return true;
+}
+
+bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
+    if (duplicate.row != header_.rows.count) return false;
+    RecordValue rows[2];
+    const std::int32_t numbers[] = {duplicate.row, duplicate.first};
+    for (const int i : {0, 1}) {
+        const bool read = InitValue(rows[i].get(), &RowShape(header_), KindRecord) &&
+                          ReadRow(header_.rows, numbers[i], rows[i].get());
+        if (!read) return false;
+    }
+    return EqualValues(rows[0].get(), rows[1].get(), KindRecord);
+}
+
+bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result) {
+    if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
+    ListDescriptor& rows = HeaderOf(t).rows;
+    if (!mendRows(rows, fileName, result.mended)) return false;
+    bool created = false;
+    const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
+    if (!OpenRows(rows, fileName, text, created)) return false;
+    t.count = rows.count;
+    const bool good = IndexRebuilding(t, result).run();
+    result.rows = rows.count;
+    const bool closed = CloseRows(rows);
+    t.count = 0;
+    return good && closed;
+}
+
+}  // namespace
+
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName) {
+    OwnErrors errors;
+    RebuiltTable result;
+    if (!WithMemory([&] { return rebuild(t, fileName, result); }) && !result.stopped)
+        result.error = OwnErrors::code();
+    errors.forget();
+    return result;
+}
+
+}  // namespace tarn

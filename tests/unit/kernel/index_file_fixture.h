@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Index files in a file system that a test steers: made, filled and looked at, with keys of plain values.
+#pragma once
+
+#include "kernel/errors.h"
+#include "kernel/index_file.h"
+#include "kernel/index_filelayout.h"
+#include "kernel/indexes.h"
+#include "runtime_fixture.h"
+#include "support/steerable.h"
+#include "table_rows.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tarn {
+
+class IndexFiles : public Runtime {
+protected:
+    void TearDown() override {
+        FailAllocation(-1);
+        disk.revive();
+        disk.stopFailing();
+        IndexClose(block);
+        EXPECT_EQ(disk.openHandles(), 0);
+        EXPECT_EQ(takeError(), 0);
+        Runtime::TearDown();
+    }
+    static std::int32_t takeError() {
+        const std::int32_t error = ErrorCell();
+        ClearError();
+        return error;
+    }
+
+    // An empty index for keys like `like`.
+    void make(const Cells& like) {
+        shape = like;
+        block = IndexFileBlock(path, recordOf(like).get());
+        disk.putFolder("/d");
+        EXPECT_TRUE(CreateIndexFile(path, "/d/t.tab", "Index1 : record\nend record\n"));
+    }
+    void makeIntegers(std::initializer_list<int> keys) {
+        make({integer(0)});
+        for (const int key : keys) EXPECT_EQ(insert({integer(key)}, key * 10), 0);
+    }
+    std::int32_t insert(const Cells& key, std::int32_t row) {
+        return IndexInsert(&root, block, recordOf(key).get(), row);
+    }
+    void remove(const Cells& key) { IndexDelete(&root, block, recordOf(key).get()); }
+    std::int32_t find(std::string_view op, const Cells& key) const {
+        const IndexHit hit = IndexFind(op, &root, block, recordOf(key).get());
+        return hit.found ? hit.row : -1;
+    }
+    [[nodiscard]] std::string picture() const {
+        String text;
+        IndexPrint(&root, block, text.get());
+        return std::string(text.view());
+    }
+    std::string check(std::int32_t rows = -1) const {
+        const RecordValue key = recordOf(shape);
+        KeyView view;
+        EXPECT_TRUE(KeyOfRecord(key.get(), view));
+        return CheckIndexFile(path, view, rows);
+    }
+
+    [[nodiscard]] std::string bytes() const { return disk.contents(path); }
+    void put(const std::string& content) { disk.put(path, content); }
+    [[nodiscard]] std::int32_t word(std::int64_t at) const { return WordAt(bytes().data() + at); }
+    void putWord(std::int64_t at, std::int32_t value) {
+        std::string all = bytes();
+        PutWord(all.data() + at, value);
+        put(all);
+    }
+    [[nodiscard]] std::int64_t at(std::int32_t record, std::int32_t wordNumber = 0) const {
+        return IndexRecordAt(record, block.recordSize) + wordNumber * WordBytes;
+    }
+    [[nodiscard]] std::int32_t records() const {
+        return IndexRecordsOf(static_cast<std::int64_t>(bytes().size()), block.recordSize);
+    }
+    [[nodiscard]] std::int32_t rootRecord() const { return word(1088); }
+    [[nodiscard]] std::int32_t firstFree() const { return word(1092); }
+
+    const std::string path = "/d/t.i1";
+    os::SteeredFiles disk;
+    os::Steered steered{disk};
+    IndexBlock block;
+    Cells shape;
+    RecordDescriptor root{};
+};
+
+}  // namespace tarn
