@@ -188,6 +188,7 @@ Filled fillAll(const TableDescriptor& t) {
         IndexFill fill(header, i);
         if (!fill.open(IndexFileName(file, i + 1))) return Filled::Failed;
         const Filled result = fill.run(rows, 1, header.rows.count, &progress);
+        if (!fill.close()) return Filled::Failed;
         if (result != Filled::Whole) return result;
     }
     return Filled::Whole;

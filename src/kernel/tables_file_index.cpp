@@ -6,7 +6,7 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/fileerrors.h"
-#include "kernel/indexes.h"
+#include "kernel/index_filedisk.h"
 #include "kernel/rowfile.h"
 #include "kernel/rowformat.h"
 
@@ -112,10 +112,8 @@ FileTree* IndexChanges::open(std::int32_t index) {
 // The file that was opened last is still open: it comes first.
 bool IndexChanges::commit() {
     for (std::int32_t i = count_ - 1; i >= 0; --i) {
-        if (trees_[opened_[i]].commit()) {
-            trees_[opened_[i]].suspend();
-            continue;
-        }
+        FileTree& tree = trees_[opened_[i]];
+        if (tree.commit() && tree.close()) continue;
         revert(i + 1);
         return false;
     }
@@ -123,10 +121,7 @@ bool IndexChanges::commit() {
 }
 
 void IndexChanges::revert(std::int32_t from) {
-    for (std::int32_t i = from; i < count_; ++i) {
-        trees_[opened_[i]].revert();
-        trees_[opened_[i]].suspend();
-    }
+    for (std::int32_t i = from; i < count_; ++i) trees_[opened_[i]].revert();
 }
 
 void IndexChanges::revert() {
@@ -146,14 +141,6 @@ std::string markedName(std::string_view tableFile, std::int32_t index, std::stri
 
 void removeFile(const std::string& path) {
     os::files().remove(path);
-}
-
-// An index file that is kept open from one operation to the next would keep its old content.
-void closeIndex(const std::string& path) {
-    IndexBlock block;
-    block.fileName = path;
-    block.recordSize = 1;
-    IndexClose(block);
 }
 
 }  // namespace
@@ -180,7 +167,7 @@ std::string IndexExchange::newName(std::int32_t index) const {
 
 bool IndexExchange::setAside() {
     for (aside_ = 0; aside_ < count_; ++aside_) {
-        closeIndex(name(aside_));
+        CloseKeptIndex(name(aside_));
         const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
         there_[aside_] = error == os::FileError::None;
         if (there_[aside_] || IsMissing(error)) continue;
@@ -194,7 +181,7 @@ bool IndexExchange::setAside() {
 void IndexExchange::putBack() {
     for (; aside_ > 0; --aside_) {
         const std::int32_t index = aside_ - 1;
-        closeIndex(name(index));
+        CloseKeptIndex(name(index));
         if (there_[index])
             os::files().rename(asideName(index), name(index));
         else
@@ -252,7 +239,7 @@ bool AcceptTableIndexes(TableDescriptor& t) {
 void RemoveIndexFiles(std::string_view tableFile) {
     for (std::int32_t i = 0; i < MaxIndexes; ++i) {
         const std::string name = IndexFileName(tableFile, i + 1);
-        closeIndex(name);
+        CloseKeptIndex(name);
         removeFile(name);
         removeFile(markedName(tableFile, i, "~i"));
         removeFile(markedName(tableFile, i, "~n"));

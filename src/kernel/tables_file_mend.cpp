@@ -185,7 +185,7 @@ bool IndexRebuilding::fill(std::int32_t index) {
     if (!fill.open(IndexFileName(RowFileName(header_.rows), index + 1))) return false;
     for (std::int32_t next = 1; next <= header_.rows.count;) {
         const Filled filled = fill.run(rows, next, header_.rows.count, &progress_);
-        if (filled == Filled::Whole) return true;
+        if (filled == Filled::Whole) break;
         if (filled == Filled::Failed) result_.badRow = fill.badRow();
         result_.stopped = filled == Filled::Stopped;
         if (filled != Filled::Duplicate) return false;
@@ -199,7 +199,7 @@ bool IndexRebuilding::fill(std::int32_t index) {
             result_.duplicates.push_back(found);
         }
     }
-    return true;
+    return fill.close();
 }
 
 bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
