@@ -22,6 +22,15 @@ inline constexpr char XbaseCharacters = 'C', XbaseDate = 'D', XbaseLogical = 'L'
 // The line of a declaration that stands for the deletion mark.
 inline constexpr std::string_view DeleteFlagName = "delete_flag", DeleteFlagType = "Tchar";
 
+// What fields are filled up with: blanks, and bytes 0 by some programs.
+constexpr bool IsXbaseFill(char c) {
+    return c == ' ' || c == '\0';
+}
+constexpr std::string_view WithoutXbaseFill(std::string_view text) {
+    while (!text.empty() && IsXbaseFill(text.back())) text.remove_suffix(1);
+    return text;
+}
+
 // Reads the header of a file that is open. `code` tells why the file could not be read.
 std::string ReadXbaseHeader(TabFile& file, XbaseHeader& header, std::int32_t& code);
 std::string XbaseOpenMessage(std::int32_t code);

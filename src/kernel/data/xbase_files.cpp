@@ -40,10 +40,6 @@ bool isMemoryError(std::int32_t code) {
     return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
 }
 
-std::string_view withoutTail(std::string_view text, char c) {
-    return text.substr(0, text.find_last_not_of(c) + 1);
-}
-
 // Where rows come from and go to: the first element, how many there are, and their kind.
 struct Elements {
     const char* first = nullptr;
@@ -217,7 +213,7 @@ private:
             }
             std::int32_t member = 0;
             const std::string_view text = row.substr(1, header_.length[0]);
-            if (withoutTail(text, ' ').empty()) continue;
+            if (WithoutXbaseFill(text).empty()) continue;
             const bool number = ReadXbaseNumber(text, reinterpret_cast<char*>(&member), KindInteger);
             if (number) SetInclude(member, &set);
             const std::int32_t code = takeError();
@@ -235,7 +231,7 @@ private:
         std::string_view row;
         while (static_cast<std::int64_t>(lines.size()) <= most && next(row)) {
             if (readable)
-                lines += withoutTail(row.substr(1, header_.length[0]), ' ');
+                lines += WithoutXbaseFill(row.substr(1, header_.length[0]));
             else
                 note(ERR_COMPONENT_UNREPRESENTABLE);
             lines += '\n';
@@ -347,7 +343,7 @@ private:
         for (std::size_t at = 0; at < text.size() && goesOn();) {
             const std::size_t end = std::min(text.find('\n', at), text.size());
             std::string_view line = std::string_view(text).substr(at, end - at);
-            line = withoutTail(withoutTail(line, '\r'), ' ');
+            line = WithoutXbaseFill(line.substr(0, line.find_last_not_of('\r') + 1));
             at = end + 1;
             text_ += XbaseLive;
             text_.append(line.substr(0, length)).append(length - std::min(length, line.size()), ' ');

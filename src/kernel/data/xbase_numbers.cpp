@@ -18,12 +18,9 @@ constexpr std::int32_t fixedDecimals = 4;
 
 // ---- reading ----
 
-constexpr bool isFiller(char c) {
-    return c == ' ' || c == '\0';
-}
-std::string_view withoutFiller(std::string_view text) {
-    while (!text.empty() && isFiller(text.back())) text.remove_suffix(1);
-    while (!text.empty() && isFiller(text.front())) text.remove_prefix(1);
+std::string_view withoutFill(std::string_view text) {
+    text = WithoutXbaseFill(text);
+    while (!text.empty() && IsXbaseFill(text.front())) text.remove_prefix(1);
     return text;
 }
 constexpr bool isDigit(char c) {
@@ -213,7 +210,7 @@ bool writeNumber(const char* at, Kind kind, std::int32_t decimals, char* field, 
 }  // namespace
 
 bool ReadXbaseNumber(std::string_view text, char* at, Kind kind) {
-    text = withoutFiller(text);
+    text = withoutFill(text);
     if (!text.empty() && readNumber(text, at, kind)) return true;
     std::memset(at, 0, static_cast<std::size_t>(KindSize[kind]));
     return text.empty();

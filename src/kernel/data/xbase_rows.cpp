@@ -27,9 +27,6 @@ bool isCharacters(const void* at, Kind kind) {
 bool isText(char type) {
     return type == XbaseCharacters || type == XbaseDate;
 }
-std::string_view withoutTail(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
 
 // ---- from a row ----
 
@@ -66,7 +63,7 @@ std::int32_t readField(std::string_view text, char type, char* at, Kind kind) {
     }
     if (isNumber(kind) && type == XbaseNumber && ReadXbaseNumber(text, at, kind)) return 0;
     if (isText(type) && isString(at, kind))
-        return putString(withoutTail(text), *reinterpret_cast<StringDescriptor*>(at));
+        return putString(WithoutXbaseFill(text), *reinterpret_cast<StringDescriptor*>(at));
     if (isCharacters(at, kind)) {
         putCharacters(text, ReadAt<ArrayDescriptor>(at));
         return 0;
@@ -80,7 +77,7 @@ std::int32_t readField(std::string_view text, char type, char* at, Kind kind) {
 bool writeString(const StringDescriptor& s, char* field, std::size_t length) {
     std::string narrow;
     if (CharacterWidth != 1) narrow = NarrowTabText(&s);
-    const std::string_view text = withoutTail(CharacterWidth == 1 ? StringView(&s) : narrow);
+    const std::string_view text = WithoutXbaseFill(CharacterWidth == 1 ? StringView(&s) : narrow);
     if (text.size() > length) return false;
     std::memcpy(field, text.data(), text.size());
     return true;
@@ -89,7 +86,7 @@ bool writeString(const StringDescriptor& s, char* field, std::size_t length) {
 // A longer array fits when what lies behind the field is blank.
 bool writeCharacters(const ArrayDescriptor& array, char* field, std::size_t length) {
     const std::string_view text(At(array.data), static_cast<std::size_t>(array.size));
-    if (withoutTail(text).size() > length) return false;
+    if (WithoutXbaseFill(text).size() > length) return false;
     std::memcpy(field, text.data(), std::min(text.size(), length));
     return true;
 }

@@ -694,7 +694,7 @@ TEST_F(XbaseFiles, RandomTablesComeBack) {
     const auto textOf = [&](std::size_t most) {
         std::string text(random() % (most + 1), ' ');
         for (char& c : text) c = static_cast<char>(random() % 256);
-        return text.substr(0, text.find_last_not_of(' ') + 1);
+        return text.substr(0, text.find_last_not_of(" \0"s) + 1);
     };
     for (int i = 0; i < 20000; ++i) {
         const Cells cells = {ordinal(random() % 2 == 0 ? ' ' : '*'),

@@ -149,6 +149,8 @@ TEST_F(XbaseRows, CellsBecomeValues) {
         {"abcd  ", 'C', "string[3]", "658 abc"},
         {"  abc ", 'C', "string", "  abc"},
         {"      ", 'C', "string", ""},
+        {"\0\0\0"s, 'C', "string", ""},
+        {"ab\0\0"s, 'C', "string", "ab"},
         {"", 'C', "string", ""},
         {"a\nb\"", 'C', "string", "a\nb\""},
         {"20240229", 'D', "string[8]", "20240229"},
@@ -354,6 +356,7 @@ TEST_F(XbaseRows, TextsStandAtTheLeft) {
     EXPECT_EQ(text("", {"A", 'C', 2}), "  ");
     EXPECT_EQ(text("abcde", {"A", 'C', 5}), "abcde");
     EXPECT_EQ(text("abcde   ", {"A", 'C', 5}), "abcde");
+    EXPECT_EQ(text("abc\0"s, {"A", 'C', 5}), "abc  ");
     EXPECT_EQ(text("abcdef", {"A", 'C', 5}), "658");
     EXPECT_EQ(text("20240229", {"A", 'D', 8}), "20240229");
     EXPECT_EQ(text("1", {"A", 'N', 8}), "658");
@@ -510,7 +513,7 @@ private:
         case 4: return {real(static_cast<double>(number(12)) / 1024), {"", 'N', 30, 10}};
         case 5: {
             std::string text = characters(length);
-            text.erase(text.find_last_not_of(' ') + 1);
+            text.erase(text.find_last_not_of(" \0"s) + 1);
             return {tarn::text(text, upTo(1) != 0 ? length : UNBOUNDED), {"", 'C', length}};
         }
         case 6: return {tarn::characters(characters(length), length), {"", "CDN"[upTo(2)], length}};
