@@ -12,6 +12,8 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QHeaderView>
+#include <QImage>
+#include <QPalette>
 #include <QTest>
 #include <QTreeView>
 
@@ -117,6 +119,25 @@ TEST_F(GridTest, ColumnsAreAsWideAsTheyNeedUntilTheUserDecides) {
     SetCaption(List, "d\te\tf");
     DoEvents();
     EXPECT_NE(grid->columnWidth(0), 33) << "other columns are measured anew";
+}
+
+TEST_F(GridTest, EverySecondRowIsDarkOnADarkDesktopThatSaysNothingOfIt) {
+    QPalette dark = grid->palette();
+    dark.setColor(QPalette::Base, QColor(35, 38, 41));
+    dark.setColor(QPalette::Text, QColor(240, 240, 240));
+    dark.setColor(QPalette::AlternateBase, Qt::white);
+    grid->setPalette(dark);
+    SetCaption(List, "a\tb");
+    for (int i = 0; i < 4; ++i) AddItem(List, "x\ty");
+    DoEvents();
+    const QImage picture = grid->viewport()->grab().toImage();
+    const auto paper = [&](int row) {
+        const QRect cell = grid->visualRect(grid->model()->index(row, 1));
+        return picture.pixelColor(cell.right() - 2, cell.bottom() - 1).lightness();
+    };
+    EXPECT_LT(paper(1), 64);
+    EXPECT_LT(paper(3), 64);
+    EXPECT_NE(paper(2), paper(3));
 }
 
 TEST_F(GridTest, AHundredThousandRowsAreShownAtOnce) {

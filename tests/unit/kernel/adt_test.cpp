@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/adt.h"
 
+#include "kernel/adt_kinds.h"
 #include "kernel/arrays.h"
 #include "kernel/errors.h"
+#include "kernel/lists.h"
 #include "kernel/records.h"
 #include "kernel/strings.h"
 #include "values_fixture.h"
@@ -694,6 +696,40 @@ TEST_F(GenericOperations, AZeroDescriptorIsNoSource) {
         EXPECT_FALSE(AdtCompare("EQ", zero.at(), target.at(), kind));
         EXPECT_EQ(takeError(), AdtTypeError(kind)) << kind;
         EXPECT_EQ(AdtCheck(zero.at(), kind), "");
+    }
+}
+
+TEST_F(GenericOperations, AnUnopenedFileListWithinAValueIsNotCompared) {
+    ListValue inFile;
+    ListInit(inFile.get(), UNBOUNDED, nullptr, KindInteger, true);
+    RecordValue a, b;
+    for (RecordValue* record : {&a, &b}) {
+        RecordInit(record->get(), TagRecord, {});
+        RecordAppend(record->get(), inFile.get(), KindList);
+    }
+    for (const char* op : {"EQ", "NE"}) {
+        EXPECT_FALSE(AdtCompare(op, a.get(), b.get(), KindRecord)) << op;
+        EXPECT_EQ(takeError(), ERR_FILE_NOT_OPEN) << op;
+    }
+}
+
+TEST_F(GenericOperations, ValuesAreCopiedUpToABoundOfNesting) {
+    SetMemoryChecking(false);
+    RecordValue empty;
+    RecordInit(empty.get(), TagRecord, {});
+    for (const std::int32_t levels : {MaxNesting - 1, MaxNesting + 20}) {
+        RecordValue nested, copy;
+        AdtInit(nested.get(), empty.get(), KindRecord);
+        RecordDescriptor* inner = nested.get();
+        for (std::int32_t level = 1; level < levels; ++level) {
+            RecordAppend(inner, empty.get(), KindRecord);
+            inner = static_cast<RecordDescriptor*>(RecordFieldAddress(inner, 1));
+        }
+        EXPECT_EQ(takeError(), 0);
+        AdtCopy(nested.get(), copy.get(), KindRecord);
+        EXPECT_EQ(takeError(), levels <= MaxNesting ? 0 : int{ERR_UNIDENTIFIABLE});
+        EXPECT_EQ(copy.get()->data != 0, levels <= MaxNesting);
+        EXPECT_EQ(AdtCheck(nested.get(), KindRecord), "");
     }
 }
 

@@ -216,6 +216,33 @@ TEST_P(BothHeaps, AUsedUpRangeStillServesSmallBlocks) {
     EXPECT_EQ(takeError(), 0);
 }
 
+TEST_P(BothHeaps, ABlockShrinksInAHeapThatIsUsedUp) {
+    constexpr std::int32_t steps[] = {3000000, 70001, 4097, 300, 17, 1};
+    std::vector<std::pair<Offset, std::int32_t>> blocks;
+    for (std::int32_t size = 4096000; size > 0; size = size * 2 / 3) {
+        for (Offset block = make(size); block != 0; block = make(size)) {
+            blocks.emplace_back(block, size);
+            if (blocks.size() % 20000 == 0) break;
+        }
+        takeError();
+    }
+    auto& [block, size] = blocks.front();
+    ASSERT_EQ(size, 4096000);
+    std::memcpy(At(block), "abc", 3);
+    for (const std::int32_t smaller : steps) {
+        FailAllocation(0);
+        ASSERT_TRUE(Resize(block, size, smaller)) << smaller;
+        FailAllocation(-1);
+        size = smaller;
+        ASSERT_EQ(At(block)[0], 'a');
+        EXPECT_EQ(takeError(), 0);
+    }
+    blocks.emplace_back(make(900000), 900000);  // what was given up can be used again
+    EXPECT_NE(blocks.back().first, 0U);
+    for (auto it = blocks.rbegin(); it != blocks.rend(); ++it) Free(it->first, it->second);
+    EXPECT_EQ(takeError(), 0);
+}
+
 TEST_P(BothHeaps, OffsetsAndAddressesConvertBothWays) {
     Offset block = make(5);
     EXPECT_EQ(OffsetOf(At(block)), block);

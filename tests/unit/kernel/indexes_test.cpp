@@ -2,6 +2,7 @@
 #include "kernel/indexes.h"
 
 #include "kernel/errors.h"
+#include "kernel/index_nodes.h"
 #include "runtime_fixture.h"
 #include "table_rows.h"
 
@@ -494,6 +495,31 @@ TEST_F(Indexes, ManyPathsToOneNodeEndWithAnError) {
     EXPECT_EQ(IndexCount(&root, memory), 63);
 }
 
+// Freeing the nodes that may still be linked would free some of them twice.
+TEST_F(Indexes, ADamagedTreeIsLeftToLeak) {
+    constexpr struct {
+        const char* what;
+        int link, target;  // which of the nodes is linked where
+    } damages[] = {{"a circle", 52, 0}, {"a node with two parents", 52, 1}};
+    for (const auto& damage : damages) {
+        SCOPED_TRACE(damage.what);
+        insertIntegers({2, 1, 3});
+        const Offset nodes[] = {root.data, link(root.data, 16).data, link(root.data, 52).data};
+        const FieldKinds kinds = root.kinds;
+        const std::int64_t blocks = LiveBlocks();
+        RecordDescriptor wrong = root;
+        wrong.data = nodes[damage.target];
+        WriteAt(node(nodes[0]) + damage.link, wrong);
+        IndexClear(&root, memory);
+        EXPECT_EQ(takeError(), 763);
+        EXPECT_EQ(LiveBlocks(), blocks);
+        EXPECT_EQ(root.data, 0U);
+        for (const Offset left : nodes) FreeNode(left, kinds);
+        EXPECT_EQ(insert({integer(9)}, 9), 0);  // the tree can be used again
+        IndexClear(&root, memory);
+    }
+}
+
 TEST_F(Indexes, WithMemoryCheckingDamagedNodesAreFound) {
     IndexClear(&root, memory);
     SetMemoryChecking(true);
@@ -553,6 +579,27 @@ TEST_F(Indexes, WhenMemoryIsShortTheTreeIsAsItWas) {
     }
     EXPECT_EQ(failures, 4);
     EXPECT_EQ(find("EQ", key(11)), 11);
+}
+
+TEST_F(Indexes, AFoundKeyIsClearedWhenMemoryIsShort) {
+    const std::string longText(1000, 'x');
+    EXPECT_EQ(insert({text(longText), text("more")}, 1), 0);
+    const RecordValue key = recordOf({text(longText), text("more")});
+    int failures = 0;
+    for (;; ++failures) {
+        RecordValue foundKey = recordOf({text("old"), text("old")});
+        FailAllocation(failures);
+        const IndexHit hit = IndexFind("EQ", &root, memory, key.get(), foundKey.get());
+        FailAllocation(-1);
+        const std::int32_t error = takeError();
+        const Cells cells = cellsOf(foundKey.get(), {text(""), text("")});
+        EXPECT_EQ(hit.found, error == 0);
+        EXPECT_EQ(cells[0].text, error == 0 ? longText : "");
+        EXPECT_EQ(cells[1].text, error == 0 ? "more" : "");
+        if (error == 0) break;
+        EXPECT_EQ(error, 802);
+    }
+    EXPECT_GT(failures, 0);
 }
 
 TEST_F(Indexes, DeletingAndSearchingNeedNoMemory) {

@@ -125,6 +125,8 @@ TEST_F(Tables, WhatCannotBeATableIsRefused) {
         {"a negative capacity", good.get(), -1, twoIndexes},
         {"a field that is not there", good.get(), UNBOUNDED, {MakeKeyMap(6)}},
         {"a field beyond all", good.get(), UNBOUNDED, {MakeKeyMap(49)}},
+        {"a field number that is none", good.get(), UNBOUNDED, {MakeKeyMap(257)}},
+        {"a negative field number", good.get(), UNBOUNDED, {MakeKeyMap(1, -255)}},
         {"a gap in a map", good.get(), UNBOUNDED, {0x01000200}},
         {"a map that begins with 0", good.get(), UNBOUNDED, {0x00010000}},
         {"a gap between maps", good.get(), UNBOUNDED, {0, MakeKeyMap(1)}},
@@ -182,6 +184,8 @@ TEST_F(Tables, AFixedTableTakesNoMoreThanItsCapacity) {
     add(row(3, "c"));
     EXPECT_EQ(takeError(), 619);
     add(row(1, "n1"));  // full comes before duplicate
+    EXPECT_EQ(takeError(), 619);
+    TableAdd(t(), 9, recordOf(row(3, "c")).get());  // and before the number of the index
     EXPECT_EQ(takeError(), 619);
     EXPECT_EQ(numbers(), (Numbers{1, 2}));
     expectWhole();
@@ -386,6 +390,46 @@ TEST_F(Tables, RebuildStopsAtADuplicate) {
     EXPECT_EQ(IndexCount(TableRoot(t(), 3), {}), 0);
 }
 
+TEST_F(Tables, ADuplicateThatStopsARebuildCanBeMended) {
+    for (const bool remove : {true, false}) {
+        make(twoIndexes);
+        fill(5);
+        auto* fourth = static_cast<RecordDescriptor*>(ListRef(TableRows(t()), 4));
+        StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(fourth, 2)), "n2");
+        TableRebuild(t());
+        EXPECT_EQ(takeError(), 637);
+        const RecordValue key = recordOf({integer(4)});
+        if (remove)
+            TableDelete(t(), 1, key.get());
+        else
+            TableUpdate(recordOf(row(4, "n4")).get(), 1, key.get(), t());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(find("EQ", 2, {text("n2")}), 2);  // the row that came first keeps its entry
+        TableRebuild(t());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(numbers(), remove ? (Numbers{1, 2, 3, 5}) : (Numbers{1, 2, 3, 4, 5}));
+        expectWhole();
+    }
+}
+
+TEST_F(Tables, ADamagedTreeIsNeitherCopiedNorFreedTwice) {
+    for (const int at : {52, 16}) {
+        make({MakeKeyMap(1)});
+        fill(7);
+        const std::int64_t blocks = LiveBlocks();
+        const RecordDescriptor top = *TableRoot(t(), 1);
+        const auto was = ReadAt<RecordDescriptor>(At(top.data) + at);
+        WriteAt(At(top.data) + at, top);  // a circle
+        TableValue copy;
+        AdtCopy(t(), copy.get(), KindTable);
+        EXPECT_EQ(takeError(), 763);
+        EXPECT_EQ(copy.get()->tag, 0);
+        EXPECT_EQ(LiveBlocks(), blocks);
+        WriteAt(At(top.data) + at, was);
+        expectWhole();
+    }
+}
+
 // ---- keys ----
 
 TEST_F(Tables, AnIndexIsFoundForAKey) {
@@ -488,6 +532,22 @@ TEST_F(Tables, ErrorsComeInTheirOrder) {
     expectWhole();
 }
 
+TEST_F(Tables, ARowWhoseKeyIsMalformedIsRefused) {
+    make(twoIndexes);
+    fill(3);
+    RecordValue bad = recordOf(row(9, "nine"));
+    auto* name = static_cast<StringDescriptor*>(RecordFieldAddress(bad.get(), 2));
+    const auto good = ReadAt<StringDescriptor>(name);
+    name->length = 99;  // beyond its capacity
+    TableAdd(t(), 1, bad.get());
+    EXPECT_EQ(takeError(), 610);
+    TableUpdate(bad.get(), 1, recordOf({integer(2)}).get(), t());
+    EXPECT_EQ(takeError(), 610);
+    WriteAt(name, good);
+    EXPECT_EQ(numbers(), (Numbers{1, 2, 3}));
+    expectWhole();
+}
+
 TEST_F(Tables, OperationsWithoutARowCheckTheirTable) {
     make(twoIndexes);
     fill(1);
@@ -569,6 +629,25 @@ TEST_F(Tables, ACopyHasRowsTreesAndText) {
     EXPECT_TRUE(AdtSameShape(t(), copy.get(), KindTable));
     AdtCopy(t(), t(), KindTable);
     expectWhole();
+}
+
+TEST_F(Tables, ACopyKeepsWideCharacters) {
+    CharacterWidth = 2;
+    make(twoIndexes);
+    fill(20);
+    TableValue copy;
+    AdtCopy(t(), copy.get(), KindTable);
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(AdtCheck(copy.get(), KindTable), "");
+    EXPECT_TRUE(AdtCompare("EQ", t(), copy.get(), KindTable));
+    RecordValue out;
+    TableRead(copy.get(), 2, recordOf({text("n17")}).get(), out.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(ReadAt<std::int32_t>(RecordFieldAddress(out.get(), 1)), 17);
+    copy = TableValue();
+    out = RecordValue();
+    table = TableValue();
+    CharacterWidth = 1;
 }
 
 TEST_F(Tables, ACopyMustFit) {
