@@ -13,8 +13,6 @@ namespace tarn {
 
 namespace {
 
-constexpr bool indexFilesStand = true;
-
 // The rows of a list or table; null for another value.
 ListDescriptor* rowsOf(void* value, Kind kind) {
     if (value == nullptr) return nullptr;
@@ -89,11 +87,8 @@ void FileOpen(void* value, Kind kind, std::string_view fileName) {
     if (isOpen(rows)) return SetError(ERR_UNIDENTIFIABLE);
     WithMemory([&] {
         bool created = false;
-        if (kind == KindList) return OpenRows(*static_cast<ListDescriptor*>(value), fileName, {}, created);
-        if constexpr (!indexFilesStand)
-            return RefuseList(ERR_TYPE_NOT_STORABLE);
-        else
-            return openTable(*static_cast<TableDescriptor*>(value), fileName);
+        return kind == KindList ? OpenRows(*static_cast<ListDescriptor*>(value), fileName, {}, created)
+                                : openTable(*static_cast<TableDescriptor*>(value), fileName);
     });
 }
 
@@ -102,7 +97,7 @@ void FileClose(void* value, Kind kind) {
     if (!isOpen(rows)) return;
     if (kind == KindList) {
         CloseRows(*rows);
-    } else if constexpr (indexFilesStand) {
+    } else {
         auto& table = *static_cast<TableDescriptor*>(value);
         WithMemory([&] { return closeTable(table); });
         table.count = 0;

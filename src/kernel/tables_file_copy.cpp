@@ -45,7 +45,7 @@ bool replaceRows(const TableDescriptor& from, TableDescriptor& to, IndexExchange
     TableHeader& header = HeaderOf(to);
     const ListDescriptor& source = HeaderOf(from).rows;
     RowsBeside beside(header.rows);
-    if (!beside.good() || !copyRows(source, beside.rows())) return false;
+    if (!beside.make() || !copyRows(source, beside.rows())) return false;
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         if (!fillNew(to, source, i, exchange.newName(i))) return false;
     }
