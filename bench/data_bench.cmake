@@ -2,12 +2,15 @@
 # data_bench with its peers; without flex its scanner stands alone.
 pkg_check_modules(EXPAT QUIET IMPORTED_TARGET expat)
 pkg_check_modules(PUGIXML QUIET IMPORTED_TARGET pugixml)
-if(NOT EXPAT_FOUND OR NOT PUGIXML_FOUND)
+pkg_check_modules(SHAPELIB QUIET IMPORTED_TARGET shapelib)
+find_library(leveldb_library leveldb)
+if(NOT EXPAT_FOUND OR NOT PUGIXML_FOUND OR NOT SHAPELIB_FOUND OR NOT leveldb_library)
   return()
 endif()
-add_executable(data_bench EXCLUDE_FROM_ALL data_bench.cpp data_xml.cpp data_csv.cpp data_scanner.cpp)
+add_executable(data_bench EXCLUDE_FROM_ALL data_bench.cpp data_xml.cpp data_csv.cpp data_scanner.cpp
+  data_xbase.cpp data_disk.cpp)
 target_link_libraries(data_bench PRIVATE tarnwick benchmark::benchmark PkgConfig::SQLITE PkgConfig::EXPAT
-  PkgConfig::PUGIXML)
+  PkgConfig::PUGIXML PkgConfig::SHAPELIB ${leveldb_library})
 
 find_package(FLEX QUIET)
 if(FLEX_FOUND)

@@ -103,8 +103,20 @@ std::string pathOf(std::string_view name) {
 
 std::string fileOf(std::string_view name, const std::function<std::string()>& make) {
     const std::string path = pathOf(name);
-    if (!std::filesystem::exists(path)) std::ofstream(path, std::ios::binary) << make();
+    if (!std::filesystem::exists(path)) writeAt(path, 0, make());
     return path;
+}
+
+void writeAt(const std::string& path, std::int64_t offset, std::string_view bytes) {
+    constexpr std::size_t block = 4096;
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    while (file >= 0 && !bytes.empty()) {
+        const ssize_t done = ::pwrite(file, bytes.data(), std::min(bytes.size(), block), offset);
+        if (done <= 0) std::abort();
+        bytes.remove_prefix(static_cast<std::size_t>(done));
+        offset += done;
+    }
+    ::close(file);
 }
 
 std::int64_t sizeOf(const std::string& path) {
@@ -276,6 +288,8 @@ void timeProgram(benchmark::State& state, const std::vector<std::string>& words,
 
 // Memory that was freed stays with the program, as the kernel's does, whoever allocated it.
 int main(int argc, char** argv) {
+    if (argc == 5 && std::string_view(argv[1]) == bench::diskMemoryOption)
+        return bench::printDiskMemory(argv[2], argv[3], argv[4]);
     ::mallopt(M_MMAP_THRESHOLD, INT32_MAX);
     ::mallopt(M_TRIM_THRESHOLD, INT32_MAX);
     benchmark::Initialize(&argc, argv);

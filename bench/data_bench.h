@@ -38,6 +38,9 @@ Order orderNumber(std::int32_t i);  // the same for the same number, from 1
 std::string pathOf(std::string_view name);
 // The file of that name, made by `make`, which gives its bytes, unless it is there.
 std::string fileOf(std::string_view name, const std::function<std::string()>& make);
+// Block by block, as files grow that are used row by row: the system keeps what is written at once together,
+// and then takes long for each small change in it.
+void writeAt(const std::string& path, std::int64_t offset, std::string_view bytes);
 std::int64_t sizeOf(const std::string& path);
 std::string contentOf(const std::string& path);
 
@@ -73,5 +76,10 @@ double runProgram(const std::vector<std::string>& words, const std::string& inpu
 // Processor time of a program less that of its start alone, as manual time.
 void timeProgram(benchmark::State& state, const std::vector<std::string>& words, const std::string& input,
                  const std::string& output = "/dev/null");
+
+// ---- the memory of a table on disk, in a program of its own ----
+
+inline constexpr const char* diskMemoryOption = "--disk-memory";
+int printDiskMemory(const char* path, const char* rows, const char* indexes);
 
 }  // namespace bench

@@ -4,6 +4,7 @@
 
 #include "kernel/data/tabular.h"
 #include "kernel/data/typeinfo.h"
+#include "kernel/filevalues.h"
 #include "kernel/lists.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@ using namespace tarn;
 namespace {
 
 constexpr TabOptions commaRows{1, 0, ',', -1};
+constexpr std::int32_t manyRows = 1000000;
 
 bool loaded(const TabResult& result, std::int32_t rows) {
     return result.code == 0 && result.rows == rows;
@@ -56,6 +58,20 @@ void csvTableKernel(benchmark::State& state) {
     setRows(state, OrderRows);
 }
 
+// A list in a file is the rows of that file: the old ones go as the new ones come.
+void csvFileListKernel(benchmark::State& state) {
+    const std::string path = ordersCsv(manyRows);
+    RecordValue row;
+    TypeInfoToRecord(String(orderDeclaration).get(), row.get());
+    ListValue list;
+    ListInit(list.get(), UNBOUNDED, row.get(), KindRecord, true);
+    FileOpen(list.get(), KindList, pathOf("orders.rows"));
+    for (auto _ : state)
+        if (!loaded(TabLoad(path, commaRows, list.get(), KindList), manyRows))
+            return state.SkipWithError("the work was not done");
+    setRows(state, manyRows);
+}
+
 void csvSaveKernel(benchmark::State& state) {
     ListValue list;
     initList(list.get(), orderDeclaration);
@@ -79,6 +95,13 @@ void csvImportSqlite(benchmark::State& state) {
     const std::string index = state.range(0) != 0 ? "create unique index i on t(id);\n" : "";
     timeProgram(state, {"sqlite3", ":memory:"}, createOrders + index + importOf(ordersCsv()));
     setRows(state, OrderRows);
+}
+
+void csvFileImportSqlite(benchmark::State& state) {
+    const std::string base = pathOf("many.db");
+    timeProgram(state, {"sqlite3", base},
+                "drop table if exists t;\n" + createOrders + importOf(ordersCsv(manyRows)));
+    setRows(state, manyRows);
 }
 
 void csvSaveSqlite(benchmark::State& state) {
@@ -118,6 +141,8 @@ BENCHMARK(csvDiscoverKernel);
 BENCHMARK(csvTableKernel)->Arg(0)->Arg(1);
 BENCHMARK(csvImportSqlite)->Arg(0)->Arg(1)->UseManualTime();
 BENCHMARK(csvSplitPlain);
+BENCHMARK(csvFileListKernel)->Iterations(1)->Repetitions(3);
+BENCHMARK(csvFileImportSqlite)->Iterations(1)->Repetitions(3)->UseManualTime();
 BENCHMARK(csvSaveKernel);
 BENCHMARK(csvSaveSqlite)->UseManualTime();
 
