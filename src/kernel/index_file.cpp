@@ -68,9 +68,10 @@ std::int32_t writeTableName(const std::string& path, const char* name, char* bef
     if (code != 0) return code;
     disk.begin();
     code = disk.write(IndexTableNameAt, {name, bytes}, {before, bytes});
-    if (code != 0) disk.takeBack();
-    const std::int32_t closed = disk.close();
-    return code != 0 ? code : closed;
+    if (code == 0) code = disk.close();
+    if (code == 0) return 0;
+    if (disk.isOpen() || disk.reopen() == 0) disk.takeBack();
+    return code;
 }
 
 }  // namespace

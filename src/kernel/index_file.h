@@ -129,8 +129,9 @@ public:
     // Removes all nodes at once, in the file too. This cannot be taken back.
     bool clear();
 
+    struct State;  // index_filestate.h
+
 private:
-    struct State;
     std::unique_ptr<State> state_;
 };
 

@@ -77,9 +77,9 @@ private:
 };
 
 bool IndexCheck::read(std::int64_t offset, char* into, std::int32_t count) {
-    if (count <= IndexDisk::pageBytes) {
+    if (count <= IndexDisk::mostPeek) {
         std::int32_t code = 0;
-        const char* bytes = disk_.page(offset, count, code);
+        const char* bytes = disk_.peek(offset, count, code);
         if (bytes == nullptr) return say(codeText(code));
         std::copy(bytes, bytes + count, into);
         return true;
@@ -223,8 +223,7 @@ bool IndexCheck::countRow(std::int32_t number, std::int32_t row) {
 
 bool IndexCheck::checkKey(std::int32_t number, std::int32_t row) {
     const std::int32_t size = layout_.recordSize - IndexNodeHeadBytes;
-    key_.resize(static_cast<std::size_t>(size) +
-                WordBytes);  // a length may be read behind a short last field
+    key_.resize(static_cast<std::size_t>(size));
     const std::int64_t offset = IndexRecordAt(number, layout_.recordSize) + IndexNodeHeadBytes;
     if (!read(offset, key_.data(), size) || !checkStrings(number, key_.data())) return false;
     if (!checkOrder(number, key_) || !countRow(number, row)) return false;

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Writing what has changed. The order is that in which a process may die between any two writes and leave
-// links that lead to nodes: a free record leaves the list before it becomes a node; new nodes are written
-// before any link to them, links before the root, and nodes become free when no link leads to them any more.
+// Writing what has changed, in an order that lets a process die between any two writes. Links lead to nodes
+// at every moment: a free record leaves the list before it becomes a node, new nodes are written before any
+// link to them, and nodes become free when no link leads to them any more.
+//
+// Where a tree is turned, the node that rises is written first, then the link to it, then those that sink. So
+// a search that meets the half of a turn comes to its key or walks in a circle, which it notices (763); it
+// never misses a key that is there. A node that rises is the one that was linked last.
 #include "kernel/errors.h"
 #include "kernel/index_filestate.h"
 #include "kernel/runtime.h"
@@ -32,33 +36,63 @@ std::int32_t FileTree::State::writeControl(Ref newRoot, Ref newFirstFree) {
     return disk.write(IndexControlAt, {bytes, sizeof bytes}, {before, sizeof before});
 }
 
-// Records that are not in the file yet, or are there as something else.
+// Records that are not in the file yet, or are there as something else. Those that stand side by side are
+// written together.
 std::int32_t FileTree::State::writeFresh() {
-    byNumber.clear();
+    constexpr std::size_t mostTogether = 65536;
+    toWrite.clear();
     for (std::uint32_t i = 0; i < nodes.size(); ++i) {
-        if (nodes[i].fresh != 0 && nodes[i].number <= records) byNumber.push_back(i);
+        if (nodes[i].fresh != 0 && nodes[i].number <= records) toWrite.push_back(i);
     }
-    std::sort(byNumber.begin(), byNumber.end(),
+    std::sort(toWrite.begin(), toWrite.end(),
               [&](std::uint32_t a, std::uint32_t b) { return nodes[a].number < nodes[b].number; });
-    for (const std::uint32_t i : byNumber) {
-        std::string& record = fresh[nodes[i].fresh - 1];
-        putWords(record.data(), nodes[i].now);
-        const std::int32_t code = disk.write(IndexRecordAt(nodes[i].number, layout.recordSize), record);
-        if (code != 0) return code;
+    std::string run;
+    std::int32_t code = 0;
+    for (std::size_t i = 0; i < toWrite.size() && code == 0; ++i) {
+        const FileNode& node = nodes[toWrite[i]];
+        std::string& record = fresh[node.fresh - 1];
+        putWords(record.data(), node.now);
+        run += record;
+        const bool goesOn = i + 1 < toWrite.size() && nodes[toWrite[i + 1]].number == node.number + 1;
+        if (goesOn && run.size() < mostTogether) continue;
+        const std::int64_t end = IndexRecordAt(node.number + 1, layout.recordSize);
+        code = disk.write(end - static_cast<std::int64_t>(run.size()), run);
+        run.clear();
     }
-    return 0;
+    return code;
 }
 
-// The heads that have changed of nodes, or of records that are free.
-std::int32_t FileTree::State::writeHeads(bool free) {
-    for (const FileNode& node : nodes) {
-        if (node.fresh != 0 || node.number > records || node.isFree() != free || !node.differs()) continue;
-        char before[IndexNodeHeadBytes], bytes[IndexNodeHeadBytes];
-        putWords(before, node.was);
-        putWords(bytes, node.now);
-        const std::int32_t code = disk.write(IndexRecordAt(node.number, layout.recordSize),
-                                             {bytes, sizeof bytes}, {before, sizeof before});
+std::int32_t FileTree::State::writeHead(const FileNode& node) {
+    char before[IndexNodeHeadBytes], bytes[IndexNodeHeadBytes];
+    putWords(before, node.was);
+    putWords(bytes, node.now);
+    return disk.write(IndexRecordAt(node.number, layout.recordSize), {bytes, sizeof bytes},
+                      {before, sizeof before});
+}
+
+// The heads of nodes that have changed, and the root at its time.
+std::int32_t FileTree::State::writeNodes() {
+    toWrite.clear();
+    for (std::uint32_t i = 0; i < nodes.size(); ++i) {
+        const FileNode& node = nodes[i];
+        if (node.fresh == 0 && node.number <= records && !node.isFree() && node.differs())
+            toWrite.push_back(i);
+    }
+    std::sort(toWrite.begin(), toWrite.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return nodes[a].moved > nodes[b].moved; });
+    std::int32_t code = 0;
+    for (const std::uint32_t i : toWrite) {
+        if (nodes[i].moved < rootMoved) code = writeControl(root, firstFreeInFile);
+        if (code == 0) code = writeHead(nodes[i]);
         if (code != 0) return code;
+    }
+    return writeControl(root, firstFreeInFile);
+}
+
+std::int32_t FileTree::State::writeFree() {
+    for (const FileNode& node : nodes) {
+        if (node.fresh != 0 || node.number > records || !node.isFree() || !node.differs()) continue;
+        if (const std::int32_t code = writeHead(node); code != 0) return code;
     }
     return 0;
 }
@@ -74,9 +108,8 @@ std::int32_t FileTree::State::writeChanges() {
     // Where records become free as well, the list is not whole before they are: it is empty for a moment.
     if (reuses && firstFree != firstFreeInFile) code = writeControl(rootInFile, frees ? 0 : firstFree);
     if (code == 0) code = writeFresh();
-    if (code == 0) code = writeHeads(false);
-    if (code == 0) code = writeControl(root, firstFreeInFile);
-    if (code == 0) code = writeHeads(true);
+    if (code == 0) code = writeNodes();
+    if (code == 0) code = writeFree();
     if (code == 0) code = writeControl(root, firstFree);
     if (code == 0 && records < recordsInFile) code = disk.cut(IndexRecordAt(records + 1, layout.recordSize));
     return code;
@@ -87,9 +120,10 @@ void FileTree::State::settle() {
     if (records < recordsInFile) forgetNodes();
     for (FileNode& node : nodes) {
         std::copy(std::begin(node.now), std::end(node.now), std::begin(node.was));
-        node.fresh = 0;
+        node.fresh = node.moved = 0;
     }
     fresh.clear();
+    moves = rootMoved = 0;
     recordsInFile = records;
     changed = false;
     committed = true;
@@ -142,6 +176,7 @@ bool FileTree::State::revert() {
     records = recordsInFile;
     root = rootInFile;
     firstFree = firstFreeInFile;
+    moves = rootMoved = 0;
     changed = committed = false;
     return code == 0 || fail(code);
 }

@@ -81,6 +81,7 @@ std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
     close();
     path_ = path;
     mode_ = mode;
+    peekedAt_ = -aroundBytes - 1;
     changes_.clear();
     if (const std::int32_t code = adopt(); code != 0) return code;
     const std::int32_t code = FileReadCode(os::files().size(handle_, size_));
@@ -98,7 +99,7 @@ std::int32_t IndexDisk::reopen() {
 }
 
 std::int32_t IndexDisk::close() {
-    inPage_ = 0;
+    inBuffer_ = 0;
     const os::Handle handle = std::exchange(handle_, -1);
     if (handle < 0) return 0;
     if (keeps_ && keepOpen(handle, mode_, path_)) return 0;
@@ -128,23 +129,26 @@ std::int32_t IndexDisk::read(std::int64_t offset, char* into, std::int32_t count
     return readWhole(offset, into, static_cast<std::size_t>(count));
 }
 
-// Reads the pages that hold these bytes, one or two.
+// Reads these bytes, and those around them when they are near the ones before.
 std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
     if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
-    const std::int64_t start = offset - offset % pageBytes, last = offset + count - 1;
-    const std::int64_t end = std::min(last - last % pageBytes + pageBytes, size_);
-    inPage_ = 0;
-    pageAt_ = start;
-    const std::int32_t code = readWhole(start, page_, static_cast<std::size_t>(end - start));
-    if (code == 0) inPage_ = static_cast<std::int32_t>(end - start);
+    const std::int64_t distance = offset - peekedAt_;
+    const std::int32_t around = distance >= -aroundBytes && distance <= aroundBytes ? aroundBytes : 0;
+    const std::int64_t start = std::max<std::int64_t>(offset - around, 0);
+    const std::int64_t end = std::min(offset + count + around, size_);
+    inBuffer_ = 0;
+    bufferAt_ = start;
+    peekedAt_ = offset;
+    const std::int32_t code = readWhole(start, buffer_, static_cast<std::size_t>(end - start));
+    if (code == 0) inBuffer_ = static_cast<std::int32_t>(end - start);
     return code;
 }
 
-const char* IndexDisk::page(std::int64_t offset, std::int32_t count, std::int32_t& code) {
-    const bool there = offset >= pageAt_ && offset + count <= pageAt_ + inPage_;
+const char* IndexDisk::peek(std::int64_t offset, std::int32_t count, std::int32_t& code) {
+    const bool there = offset >= bufferAt_ && offset + count <= bufferAt_ + inBuffer_;
     code = there ? 0 : fill(offset, count);
-    return code == 0 ? page_ + (offset - pageAt_) : nullptr;
+    return code == 0 ? buffer_ + (offset - bufferAt_) : nullptr;
 }
 
 // ---- changes ----
@@ -177,7 +181,7 @@ std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::st
 std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
     if (const std::int32_t code = note(offset, before); code != 0) return code;
-    inPage_ = 0;
+    inBuffer_ = 0;
     const std::int32_t code = FileWriteCode(os::files().write(handle_, offset, bytes));
     size_ = std::max(size_, offset + static_cast<std::int64_t>(bytes.size()));
     return code;
@@ -200,7 +204,7 @@ std::int32_t IndexDisk::cut(std::int64_t size) {
 
 std::int32_t IndexDisk::cutForGood(std::int64_t size) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
-    inPage_ = 0;
+    inBuffer_ = 0;
     const std::int32_t code = FileWriteCode(os::files().truncate(handle_, size));
     if (code == 0) size_ = size;
     return code;
@@ -220,7 +224,7 @@ std::int32_t IndexDisk::takeBack() {
     }
     if (size_ > sizeBefore_) keepFirst(os::files().truncate(handle_, sizeBefore_));
     size_ = sizeBefore_;
-    inPage_ = 0;
+    inBuffer_ = 0;
     return first;
 }
 

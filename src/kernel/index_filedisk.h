@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The file below an index: read by pages, since the nodes at the end of a way down often stand side by side;
-// written with a note of what stood there, so that a change can be taken back. Only the modules of index
+// The file below an index: read with what stands around when the ways lead to near places, as they do at the
+// end of a way down among keys that came in order; written with a note of what stood there, so that a change
+// can be taken back. Only the modules of index
 // files include this. Results are error codes, 0 for success: 653 no such file, 651 and 652 it cannot be
 // read or written, 654 the disk is full, 657 a name that is not allowed, 802 memory is short.
 //
@@ -26,14 +27,17 @@ void CloseKeptIndex(std::string_view path);
 class IndexDisk {
 public:
 #ifdef TARNWICK_TINY
-    static constexpr std::int32_t pageBytes = 64;
+    static constexpr std::int32_t aroundBytes = 48, mostPeek = 64;
 #else
-    static constexpr std::int32_t pageBytes = 4096;
+    static constexpr std::int32_t aroundBytes = 2048, mostPeek = 2048;
 #endif
 
-    IndexDisk() {}  // leaves the page as it is
+    IndexDisk() {}  // leaves the buffer as it is
     ~IndexDisk() {
-        close();
+        try {
+            close();
+        } catch (...) {  // the end of the process, in a test
+        }
     }
     IndexDisk(const IndexDisk&) = delete;
     IndexDisk& operator=(const IndexDisk&) = delete;
@@ -54,8 +58,9 @@ public:
     }
     // Reads `count` bytes; all of them must stand in the file.
     std::int32_t read(std::int64_t offset, char* into, std::int32_t count);
-    // The same, `count` at most a page: where they stand until the next reading or writing. Null on failure.
-    const char* page(std::int64_t offset, std::int32_t count, std::int32_t& code);
+    // The same for mostPeek bytes at most: where they stand until the next reading or writing. Null on
+    // failure.
+    const char* peek(std::int64_t offset, std::int32_t count, std::int32_t& code);
 
     // ---- changes ----
 
@@ -87,9 +92,9 @@ private:
     std::int64_t size_ = 0, sizeBefore_ = 0;
     std::vector<Change> changes_;
     std::string before_;
-    std::int64_t pageAt_ = 0;
-    std::int32_t inPage_ = 0;
-    char page_[2 * pageBytes];
+    std::int64_t bufferAt_ = 0, peekedAt_ = 0;
+    std::int32_t inBuffer_ = 0;
+    char buffer_[mostPeek + 2 * aroundBytes];
 };
 
 }  // namespace tarn

@@ -15,7 +15,7 @@ namespace tarn {
 
 namespace {
 
-constexpr std::size_t firstPlaces = 128;  // a power of two
+constexpr std::size_t firstPlaces = 128, firstNodes = 32;  // more than a way down; a power of two for places
 
 std::size_t hashOf(std::int32_t number) {
     return (static_cast<std::uint32_t>(number) * 2654435769U) >> 8U;
@@ -39,6 +39,7 @@ bool FileTree::State::open(const std::string& path, const KeyLayout& keys, os::O
     forgetNodes();
     fresh.clear();
     failure = records = root = firstFree = recordsInFile = rootInFile = firstFreeInFile = 0;
+    moves = rootMoved = 0;
     changed = committed = anyBalance = false;
     layout = keys;
     nearKey = std::min(layout.recordSize, nearBytes) - IndexNodeHeadBytes;
@@ -47,10 +48,12 @@ bool FileTree::State::open(const std::string& path, const KeyLayout& keys, os::O
     if (code != 0) return fail(code);
     recordsInFile = IndexRecordsOf(disk.size(), layout.recordSize);
     if (recordsInFile < 0) return recordsInFile = 0, fail(ERR_INDEX_FILE_SIZE);
-    const char* size = disk.page(0, WordBytes, code);
-    if (size == nullptr) return fail(code);
-    if (WordAt(size) != IndexHeaderBytes) return fail(ERR_INDEX_TYPE);
-    const char* control = disk.page(IndexControlAt, IndexControlWords * WordBytes, code);
+    // With the header come the first nodes.
+    const auto ahead = std::min<std::int64_t>(disk.size(), IndexDisk::mostPeek);
+    const char* header = disk.peek(0, static_cast<std::int32_t>(ahead), code);
+    if (header == nullptr) return fail(code);
+    if (WordAt(header) != IndexHeaderBytes) return fail(ERR_INDEX_TYPE);
+    const char* control = disk.peek(IndexControlAt, IndexControlWords * WordBytes, code);
     if (control == nullptr) return fail(code);
     root = rootInFile = WordAt(control + ControlRoot * WordBytes);
     firstFree = firstFreeInFile = WordAt(control + ControlFree * WordBytes);
@@ -76,6 +79,10 @@ std::uint32_t& FileTree::State::placeOf(Ref number) {
 
 // The node with this number, a new one if it is not there yet.
 FileNode& FileTree::State::enter(Ref number) {
+    if (nodes.capacity() == 0) {
+        nodes.reserve(firstNodes);
+        nearKeys.reserve(firstNodes * static_cast<std::size_t>(nearKey));
+    }
     if (places.size() < 2 * (nodes.size() + 1)) {
         places.assign(std::max(firstPlaces, places.size() * 2), 0);
         for (std::uint32_t i = 0; i < nodes.size(); ++i) placeOf(nodes[i].number) = i + 1;
@@ -94,7 +101,7 @@ FileNode& FileTree::State::enter(Ref number) {
 FileNode* FileTree::State::fetch(Ref number) {
     std::int32_t code = 0;
     const char* bytes =
-        disk.page(IndexRecordAt(number, layout.recordSize), IndexNodeHeadBytes + nearKey, code);
+        disk.peek(IndexRecordAt(number, layout.recordSize), IndexNodeHeadBytes + nearKey, code);
     if (bytes == nullptr) return fail(code), nullptr;
     if (nodes.size() >= mostNodes && !changed) forgetNodes();
     FileNode& node = enter(number);
@@ -137,6 +144,28 @@ void FileTree::State::change(FileNode& node, std::int32_t word, std::int32_t val
     if (node.now[word] == value) return;
     node.now[word] = value;
     changed = true;
+}
+
+void FileTree::State::moveNode(Ref number) {
+    if (number == 0 || nodes.empty()) return;
+    if (const std::uint32_t place = placeOf(number); place != 0) nodes[place - 1].moved = ++moves;
+}
+
+// The child counts as moved after its parent: index_filecommit.cpp tells why.
+void FileTree::State::link(Ref number, std::int32_t word, Ref child) {
+    FileNode* const node = live(number);
+    if (node == nullptr || node->now[word] == child) return;
+    change(*node, word, child);
+    node->moved = ++moves;
+    moveNode(child);
+}
+
+void FileTree::State::linkRoot(Ref number) {
+    if (root == number) return;
+    root = number;
+    changed = true;
+    rootMoved = ++moves;
+    moveNode(number);
 }
 
 // ---- keys ----

@@ -19,6 +19,7 @@ struct FileNode {
     std::int32_t number = 0;
     std::int32_t now[IndexNodeWords] = {}, was[IndexNodeWords] = {};
     std::uint32_t fresh = 0;  // of a record that is not in the file: its place in `fresh`, from 1
+    std::uint32_t moved = 0;  // when it was linked anew or its links changed last
     bool linksFit = false;    // the links lead to records, or nowhere
     bool sound = false;       // it can be a node of a tree
 
@@ -33,9 +34,9 @@ struct FileTree::State {
     static constexpr std::size_t mostNodes = 512;
 #endif
     // What is read of a record at once.
-    static constexpr std::int32_t nearBytes = std::min(1024, IndexDisk::pageBytes);
+    static constexpr std::int32_t nearBytes = std::min(1024, IndexDisk::mostPeek);
 
-    State() {}  // leaves the page of the disk as it is
+    State() {}  // leaves the buffer of the disk as it is
     bool open(const std::string& path, const KeyLayout& keys, os::OpenMode mode);
     bool fail(std::int32_t code);  // false
 
@@ -44,6 +45,8 @@ struct FileTree::State {
     // A node of the tree.
     FileNode* live(Ref number);
     void change(FileNode& node, std::int32_t word, std::int32_t value);
+    void link(Ref number, std::int32_t word, Ref child);
+    void linkRoot(Ref number);
     int order(const KeyView& key, Ref number);
     bool keyBytes(Ref number, std::string& bytes);
     void forgetNodes();
@@ -63,6 +66,7 @@ struct FileTree::State {
     // The same as they stand in the file, and as they did before the last commit.
     std::int32_t recordsInFile = 0, rootInFile = 0, firstFreeInFile = 0;
     std::int32_t rootBefore = 0, firstFreeBefore = 0;
+    std::uint32_t moves = 0, rootMoved = 0;  // the changes of links so far; which was the root's last
     bool changed = false, committed = false, anyBalance = false;
     std::vector<FileNode> nodes;
     std::vector<std::string> fresh;  // whole records
@@ -80,16 +84,20 @@ private:
 
     std::int32_t writeChanges();
     std::int32_t writeFresh();
-    std::int32_t writeHeads(bool free);
+    std::int32_t writeHead(const FileNode& node);
+    std::int32_t writeNodes();
+    std::int32_t writeFree();
     std::int32_t writeControl(Ref newRoot, Ref newFirstFree);
     std::int32_t finishCommit(bool wasOpen, std::int32_t code);
     void settle();
 
-    std::vector<char> nearKeys;           // of nodes[i] at i * nearKey
-    std::vector<std::uint32_t> places;    // by hash of the number: where in nodes, from 1; 0 for none
-    Ref lastNumber = 0;                   // the node that was loaded last,
-    std::uint32_t lastPlace = 0;          // where it stands
-    std::vector<std::uint32_t> byNumber;  // of fresh nodes, while they are written
+    void moveNode(Ref number);
+
+    std::vector<char> nearKeys;          // of nodes[i] at i * nearKey
+    std::vector<std::uint32_t> places;   // by hash of the number: where in nodes, from 1; 0 for none
+    Ref lastNumber = 0;                  // the node that was loaded last,
+    std::uint32_t lastPlace = 0;         // where it stands
+    std::vector<std::uint32_t> toWrite;  // nodes, in the order of their writing
 };
 
 }  // namespace tarn

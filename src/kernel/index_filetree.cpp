@@ -70,9 +70,7 @@ FileTree::Ref FileTree::root() const {
 }
 
 void FileTree::setRoot(Ref node) {
-    if (state_->root == node) return;
-    state_->root = node;
-    state_->changed = true;
+    state_->linkRoot(node);
 }
 
 FileTree::Ref FileTree::child(Ref node, int side) const {
@@ -81,8 +79,7 @@ FileTree::Ref FileTree::child(Ref node, int side) const {
 }
 
 void FileTree::setChild(Ref node, int side, Ref child) {
-    FileNode* const found = state_->live(node);
-    if (found != nullptr) state_->change(*found, side != 0 ? WordRight : WordLeft, child);
+    state_->link(node, side != 0 ? WordRight : WordLeft, child);
 }
 
 int FileTree::balance(Ref node) const {

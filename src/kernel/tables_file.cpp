@@ -164,14 +164,22 @@ bool FileTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView
     return true;
 }
 
+namespace {
+
+// Rows that are cut off do not come back when the file then cannot be closed.
+bool clearRows(ListDescriptor& rows) {
+    OwnErrors errors;
+    if (!ClearRows(rows) && rows.count != 0) return false;
+    errors.forget();
+    return true;
+}
+
+}  // namespace
+
 bool FileTableClear(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
     IndexExchange exchange(t);
-    if (!exchange.setAside()) return false;
-    if (!MakeTableIndexes(t) || !ClearRows(header.rows)) {
-        exchange.putBack();
-        return false;
-    }
+    if (!exchange.setAside() || !MakeTableIndexes(t) || !clearRows(header.rows)) return false;
     exchange.drop();
     t.count = header.rows.count;
     return true;

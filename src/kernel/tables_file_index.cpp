@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables_file_index.h"
 
-#include "kernel/adt.h"
-#include "kernel/adt_kinds.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/fileerrors.h"
@@ -24,21 +22,15 @@ namespace {
 
 // For a table without a type text: the fields are named by their numbers in a row.
 std::string textOfKinds(const TableHeader& header, std::int32_t index) {
-    std::string names, text = "Index" + std::to_string(index + 1) + " : record\n";
-    for (auto map = static_cast<std::uint32_t>(header.keyMaps[index]); map != 0; map <<= 8U)
-        names += TypeInfoDefaultName({}, static_cast<std::int32_t>(map >> 24U)) + "\n";
-    const KeyView shape = IndexKeyShape(header, index);
-    RecordDescriptor key{0, TagRecord, 0, KeyKinds(shape)};
-    if (!AllocateData(key, KeyBytes(shape))) return {};
     std::string fields;
-    if (CopyKeyFields(shape, At(key.data), true)) {
-        fields = TypeInfoFromValue(&key, KindRecord, names);
-        FreeValue(&key, KindRecord);
-    } else {
-        FreeData(key);
+    auto map = static_cast<std::uint32_t>(header.keyMaps[index]);
+    const KeyView shape = IndexKeyShape(header, index);
+    for (std::int32_t i = 0; i < shape.count; ++i, map <<= 8U) {
+        const std::string name = TypeInfoDefaultName({}, static_cast<std::int32_t>(map >> 24U));
+        fields += TypeInfoFromValue(shape.parts[i].field, shape.parts[i].kind, name);
     }
     TypeInfoChangeIndent(1, fields, MaxTypeInfo);
-    return text + fields + "end record\n";
+    return "Index" + std::to_string(index + 1) + " : record\n" + fields + "end record\n";
 }
 
 }  // namespace

@@ -65,8 +65,16 @@ bool EachXbaseField(Byte* at, Kind kind, const Visit& visit, std::int32_t depth 
     return true;
 }
 
-// A record that begins with an enum and has one field more than the file: that enum is the deletion mark.
-bool HoldsXbaseFlag(const void* value, Kind kind, std::int32_t fileFields);
+inline std::int32_t CountXbaseFields(const void* value, Kind kind) {
+    std::int32_t count = 0;
+    EachXbaseField(static_cast<const char*>(value), kind, [&](const char*, Kind) { return ++count > 0; });
+    return count;
+}
+// What a record that may hold the deletion mark begins with; KindNone for any other value.
+inline Kind FirstXbaseKind(const void* value, Kind kind) {
+    if (kind != KindRecord || !IsWellFormed(value) || KindOf(value) != kind) return KindNone;
+    return FieldKindAt(ReadAt<RecordDescriptor>(value).kinds, 1);
+}
 
 // ---- numbers as text (xbase_numbers.cpp) ----
 

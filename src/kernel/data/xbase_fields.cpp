@@ -153,20 +153,6 @@ FieldForm formOf(const void* at, Kind kind, const std::string& typeName) {
     }
 }
 
-std::int32_t countFields(const void* value, Kind kind) {
-    std::int32_t count = 0;
-    EachXbaseField(static_cast<const char*>(value), kind, [&](const char*, Kind) {
-        ++count;
-        return true;
-    });
-    return count;
-}
-
-Kind firstKind(const void* value, Kind kind) {
-    if (kind != KindRecord || !IsWellFormed(value) || KindOf(value) != kind) return KindNone;
-    return FieldKindAt(ReadAt<RecordDescriptor>(value).kinds, 1);
-}
-
 // The row of a list or a table; other values are what they are.
 void goToRow(const void*& value, Kind& kind) {
     if (kind == KindTable && IsTable(static_cast<const TableDescriptor*>(value))) {
@@ -185,8 +171,8 @@ public:
         : declared_(declared), header_(header) {}
 
     bool build(const void* value, Kind kind) {
-        const bool flag =
-            firstKind(value, kind) == KindEnum && isDeleteFlag(declared_[0]) && countFields(value, kind) > 1;
+        const bool flag = FirstXbaseKind(value, kind) == KindEnum && isDeleteFlag(declared_[0]) &&
+                          CountXbaseFields(value, kind) > 1;
         bool first = flag;
         const bool all = EachXbaseField(static_cast<const char*>(value), kind, [&](const char* at, Kind k) {
             if (!std::exchange(first, false)) return add(at, k);
@@ -296,12 +282,8 @@ std::string XbaseHeaderBytes(const void* value, Kind kind, std::string_view type
     return {};
 }
 
-bool HoldsXbaseFlag(const void* value, Kind kind, std::int32_t fileFields) {
-    return firstKind(value, kind) == KindEnum && countFields(value, kind) == fileFields + 1;
-}
-
 bool TypeInfoIsXbaseRecord(const RecordDescriptor* row) {
-    if (firstKind(row, KindRecord) != KindEnum) return false;
+    if (FirstXbaseKind(row, KindRecord) != KindEnum) return false;
     const auto fields = ReadAt<RecordDescriptor>(row);
     if (fields.data == 0) return false;
     const char* at = At(fields.data) + KindSize[KindEnum];

@@ -63,12 +63,6 @@ Elements rowOf(const void* value, Kind kind) {
     return {At(list.prototype), 1, static_cast<Kind>(list.tag)};
 }
 
-std::int32_t countFields(const Elements& row) {
-    std::int32_t count = 0;
-    EachXbaseField(row.first, row.kind, [&](const char*, Kind) { return ++count <= MaxXbaseFields + 1; });
-    return count;
-}
-
 // 0, or why such a value cannot be read from rows or written as rows.
 std::int32_t refusal(const void* value, Kind kind) {
     const TabTarget target = MakeTabTarget(value, kind, '\t');
@@ -280,7 +274,7 @@ TabResult load(const std::string& filename, std::int32_t mostRows, void* value, 
 std::string completed(std::string_view typeText, const Elements& row) {
     const std::vector<XbaseDeclared> declared = XbaseDeclaredFields(typeText);
     std::string text;
-    const auto count = static_cast<std::size_t>(countFields(row));
+    const auto count = static_cast<std::size_t>(CountXbaseFields(row.first, row.kind));
     for (std::size_t n = 0; n < count; ++n) {
         const XbaseDeclared field = n < declared.size() ? declared[n] : XbaseDeclared{};
         text += field.name.empty() ? "FIELD" + std::to_string(n + 1) : field.name;

@@ -184,14 +184,35 @@ bool fits(const char* at, Kind kind, char type, std::int32_t length) {
     return isCharacters(at, kind) && fitsCharacters(ReadAt<ArrayDescriptor>(at), type, length);
 }
 
+// 0, or the number of the first field of the file that a value does not fit. Its first `skip` fields are
+// passed over.
+std::int32_t misfit(const XbaseHeader& header, const void* value, Kind kind, std::int32_t skip) {
+    std::int32_t n = -skip;
+    const auto check = [&](const char* at, Kind fieldKind) {
+        const std::int32_t i = n++;
+        return i < 0 || (i < header.fieldCount && fits(at, fieldKind, header.type[i], header.length[i]));
+    };
+    if (!EachXbaseField(static_cast<const char*>(value), kind, check)) return n;
+    return n == header.fieldCount ? 0 : n + 1;
+}
+
+// A record that begins with an enum and has one field more than the file: that enum is the deletion mark. So
+// it is when a file has as many fields as a record can hold, which leaves no room for its last.
+bool holdsMark(const XbaseHeader& header, const void* value, Kind kind) {
+    if (FirstXbaseKind(value, kind) != KindEnum) return false;
+    const std::int32_t count = CountXbaseFields(value, kind);
+    if (count != MaxFields || header.fieldCount != MaxXbaseFields) return count == header.fieldCount + 1;
+    return misfit(header, value, kind, 1) == count && misfit(header, value, kind, 0) != 0;
+}
+
 // Calls `visit` with each field of a value but the deletion mark, whose address is the result; null for none.
 template <class Byte, class Visit>
-Byte* eachFileField(Byte* value, Kind kind, std::int32_t fileFields, const Visit& visit) {
-    bool flag = HoldsXbaseFlag(value, kind, fileFields);
+Byte* eachFileField(Byte* value, Kind kind, const XbaseHeader& header, const Visit& visit) {
+    bool first = holdsMark(header, value, kind);
     Byte* mark = nullptr;
     EachXbaseField(value, kind, [&](Byte* at, Kind fieldKind) {
-        if (!flag) return visit(at, fieldKind);
-        flag = false;
+        if (!first) return visit(at, fieldKind);
+        first = false;
         mark = at;
         return true;
     });
@@ -230,7 +251,7 @@ XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, vo
         readNext(cursor, rowBytes.data(), at, fieldKind);
         return true;
     };
-    char* const mark = eachFileField(static_cast<char*>(value), kind, header.fieldCount, read);
+    char* const mark = eachFileField(static_cast<char*>(value), kind, header, read);
     if (mark != nullptr) *mark = rowBytes.empty() ? XbaseLive : rowBytes[0];
     return fault;
 }
@@ -245,23 +266,13 @@ XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header
         writeNext(cursor, rowBytes.data(), at, fieldKind);
         return true;
     };
-    const char* const mark = eachFileField(static_cast<const char*>(value), kind, header.fieldCount, write);
+    const char* const mark = eachFileField(static_cast<const char*>(value), kind, header, write);
     if (mark != nullptr && *mark != 0 && !rowBytes.empty()) rowBytes[0] = *mark;
     return fault;
 }
 
 std::int32_t XbaseCheckValue(const XbaseHeader& header, Kind kind, const void* value) {
-    std::int32_t n = 0;
-    const auto check = [&](const char* at, Kind fieldKind) {
-        const bool good = n < header.fieldCount && fits(at, fieldKind, header.type[n], header.length[n]);
-        ++n;
-        return good;
-    };
-    bool all = true;
-    const auto checkAll = [&](const char* at, Kind fieldKind) { return all = all && check(at, fieldKind); };
-    eachFileField(static_cast<const char*>(value), kind, header.fieldCount, checkAll);
-    if (!all) return n;
-    return n == header.fieldCount ? 0 : n + 1;
+    return misfit(header, value, kind, holdsMark(header, value, kind) ? 1 : 0);
 }
 
 std::int32_t XbaseCheckValue(const std::string& filename, Kind kind, const void* value) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/indexes.h"
 
+#include "index_model.h"
 #include "kernel/errors.h"
 #include "kernel/index_nodes.h"
 #include "runtime_fixture.h"
@@ -8,8 +9,6 @@
 
 #include <functional>
 #include <limits>
-#include <map>
-#include <random>
 
 using namespace tarn;
 
@@ -618,49 +617,6 @@ TEST_F(Indexes, DeletingAndSearchingNeedNoMemory) {
 
 // ---- against a model ----
 
-using Model = std::map<Cells, std::int32_t, CellsOrder>;
-
-Cell randomCell(Kind kind, std::mt19937& random, int spread) {
-    const int n = static_cast<int>(random() % static_cast<unsigned>(spread)) - spread / 2;
-    switch (kind) {
-    case KindBoolean: return flag(random() % 2 != 0);
-    case KindEnum: return ordinal(n & 255);
-    case KindInteger: return integer(n * 1000003LL % INT32_MAX);
-    case KindFixed: return fixedNumber(n * 123456789012LL);
-    case KindReal: return real(n == 0 ? NaN : n == 1 ? Infinity : n * 0.37);
-    case KindString: return text(std::string(random() % 3, '\xfe') + std::to_string(n), 12);
-    default: return characters(std::to_string(n), 6);
-    }
-}
-
-IndexHit expected(const Model& model, const std::string& op, const Cells& key) {
-    auto at = model.end();
-    if (op == "EQ") at = model.find(key);
-    if (op == "FIRST") at = model.begin();
-    if (op == "LAST" && !model.empty()) at = std::prev(model.end());
-    if (op == "GE") at = model.lower_bound(key);
-    if (op == "GT") at = model.upper_bound(key);
-    if (op == "LE" || op == "LT") {
-        at = op == "LE" ? model.upper_bound(key) : model.lower_bound(key);
-        at = at == model.begin() ? model.end() : std::prev(at);
-    }
-    return at == model.end() ? IndexHit{} : IndexHit{at->second, true};
-}
-
-struct KeyShape {
-    const char* name;
-    std::vector<Kind> kinds;
-};
-const KeyShape keyShapes[] = {
-    {"boolean and enum", {KindBoolean, KindEnum}},
-    {"integer", {KindInteger}},
-    {"fixed", {KindFixed}},
-    {"real", {KindReal}},
-    {"string", {KindString}},
-    {"characters", {KindArray}},
-    {"four fields", {KindBoolean, KindReal, KindArray, KindString}},
-};
-
 class IndexModel : public Indexes, public ::testing::WithParamInterface<std::size_t> {};
 
 TEST_P(IndexModel, TheTreeDoesAsAnOrderedMapDoes) {
@@ -670,12 +626,10 @@ TEST_P(IndexModel, TheTreeDoesAsAnOrderedMapDoes) {
     const unsigned seed = 1000 + static_cast<unsigned>(GetParam());
     SCOPED_TRACE(shape.name + std::string(", seed ") + std::to_string(seed));
     std::mt19937 random(seed);
-    Model model;
+    IndexModelMap model;
     for (int step = 0; step < stepsOfRun && !HasFailure(); ++step) {
         const bool growing = step / 1500 % 2 == 0;
-        Cells key;
-        for (const Kind kind : shape.kinds)
-            key.push_back(randomCell(kind, random, shape.kinds.size() == 1 ? 600 : 20));
+        const Cells key = randomKey(shape, random);
         const RecordValue record = recordOf(key);
         const auto choice = static_cast<unsigned>(random() % 10);
         if (choice < (growing ? 5U : 1U)) {
@@ -693,7 +647,7 @@ TEST_P(IndexModel, TheTreeDoesAsAnOrderedMapDoes) {
             if (model.count(key) != 0) model[key] = -step;
         } else {
             const char* op = operators[random() % 7];
-            const IndexHit hit = IndexFind(op, &root, memory, record.get()), right = expected(model, op, key);
+            const IndexHit hit = IndexFind(op, &root, memory, record.get()), right = expectedHit(model, op, key);
             EXPECT_EQ(hit.found, right.found) << op;
             EXPECT_EQ(hit.row, right.row) << op;
         }

@@ -420,6 +420,34 @@ TEST_F(XbaseRows, AMarkCanStandAlone) {
     EXPECT_EQ(bytes, "");
 }
 
+// The declaration of a file with 48 fields has 49 lines, of which a record takes 48.
+TEST_F(XbaseRows, AMarkTakesTheRoomOfTheLastFieldOfAFullFile) {
+    const XFields file(48, {"A", 'C', 1});
+    const XbaseHeader header = headerOf(file);
+    std::string lines = "T : record\n\tdelete_flag : Tchar\n";
+    for (int i = 1; i <= 48; ++i) lines += "\tf" + std::to_string(i) + " : Tchars[1:1]\n";
+    Typed row(lines + "end record\n");
+    ASSERT_EQ(RecordFieldCount(row.get<RecordDescriptor>()), 48);
+    EXPECT_EQ(XbaseReadRow("*" + std::string(47, 'a') + "z", header, row.get(), KindRecord).errorCode, 0);
+    EXPECT_EQ(Shown(row.get(), KindRecord).substr(0, 10), "42|'a'|'a'");
+    EXPECT_EQ(Shown(row.get(), KindRecord).find('z'), std::string::npos);
+    std::string bytes;
+    EXPECT_EQ(XbaseWriteRow(row.get(), KindRecord, header, bytes).errorCode, 0);
+    EXPECT_EQ(bytes, "*" + std::string(47, 'a') + " ");
+    // The rows of such a file cannot be kept in it: the last field would be lost.
+    EXPECT_EQ(XbaseCheckValue(header, KindRecord, row.get()), 48);
+    // An enum that the file has a field for is none here either.
+    XFields numbers = file;
+    numbers[0] = {"A", 'N', 3};
+    lines = "T : record\n\ta : enum\n";
+    for (int i = 2; i <= 48; ++i) lines += "\tf" + std::to_string(i) + " : Tchars[1:1]\n";
+    Typed plain(lines + "end record\n");
+    EXPECT_EQ(XbaseCheckValue(headerOf(numbers), KindRecord, plain.get()), 0);
+    EXPECT_EQ(
+        XbaseReadRow("* 65" + std::string(47, 'b'), headerOf(numbers), plain.get(), KindRecord).errorCode, 0);
+    EXPECT_EQ(Shown(plain.get(), KindRecord).substr(0, 6), "65|'b'");
+}
+
 // ---- a field after the other ----
 
 TEST_F(XbaseRows, ValuesCanBeReadAndWrittenOneByOne) {
