@@ -24,6 +24,10 @@ std::int32_t FileWriteCode(os::FileError error) {
     }
 }
 
+bool IsFileFailure(std::int32_t code) {
+    return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
+}
+
 bool IsMissing(os::FileError error) {
     return error == os::FileError::NotFound || error == os::FileError::NotFolder;
 }

@@ -12,6 +12,8 @@ namespace tarn {
 
 std::int32_t FileReadCode(os::FileError error);   // 0 for None
 std::int32_t FileWriteCode(os::FileError error);  // 0 for None
+// A code of a file that could not be used: 651 to 657. What was read from elsewhere cannot go on then.
+bool IsFileFailure(std::int32_t code);
 // Whether a failed read means that there is no such file.
 bool IsMissing(os::FileError error);
 

@@ -69,8 +69,8 @@ bool openTable(TableDescriptor& t, std::string_view fileName) {
     t.count = rows.count;
     if (openIndexes(t, created)) return true;
     if (created) RemoveRows(std::string(fileName));
-    SetRowFileName(rows, {});
-    t.count = rows.count = 0;
+    DropRows(rows);
+    t.count = 0;
     return false;
 }
 

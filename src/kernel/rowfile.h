@@ -41,6 +41,8 @@ bool CloseRows(ListDescriptor& l);
 // The end of a list: as CloseRows, but a scratch file (its extension begins with '~') is deleted, and a file
 // that is gone is no error.
 void ReleaseRows(ListDescriptor& l);
+// Blanks the name and leaves the file as it is, without what was gathered.
+void DropRows(ListDescriptor& l);
 bool IsScratchFile(const ListDescriptor& l);
 std::string_view RowFileName(const ListDescriptor& l);  // "" when not open; valid until it is closed
 // Whether two open lists stand in one file.

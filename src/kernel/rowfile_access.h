@@ -127,7 +127,7 @@ public:
     bool append(ListDescriptor& l, const void* element);
     bool flush();    // writes what was gathered
     bool prepare();  // flushes, and opens the file for writing
-    void forget();   // drops what was gathered and closes: the list ends
+    void forget();   // drops what was gathered: the list ends. The file is open until it is closed.
     bool finish();
     [[nodiscard]] RowFile& file() { return file_; }
 

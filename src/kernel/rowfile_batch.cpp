@@ -109,7 +109,6 @@ void BatchOfRows::forget() {
     blockRows_ = 0;
     accepted_ = false;
     name_ = 0;
-    file_.close();
 }
 
 bool BatchOfRows::finish() {

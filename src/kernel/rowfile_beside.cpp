@@ -131,11 +131,10 @@ bool RowsBeside::make() {
 
 RowsBeside::~RowsBeside() {
     try {
-        if (BatchOfRows* const batch = BatchOfRows::of(rows_)) batch->forget();
+        DropRows(rows_);
         if (!name_.empty()) RemoveRows(name_);
     } catch (...) {  // the end of the process, in a test
     }
-    if (rows_.data != 0) SetRowFileName(rows_, {});
     FreeValue(&rows_, KindList);
 }
 

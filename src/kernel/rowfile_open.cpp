@@ -148,6 +148,14 @@ bool CloseRows(ListDescriptor& l) {
     return good;
 }
 
+void DropRows(ListDescriptor& l) {
+    if (RowFileName(l).empty()) return;
+    BatchOfRows* const batch = BatchOfRows::of(l);
+    if (batch != nullptr) batch->forget();
+    blank(l);
+    if (batch != nullptr) batch->file().close();
+}
+
 bool IsScratchFile(const ListDescriptor& l) {
     return IsScratchName(RowFileName(l));
 }
@@ -158,11 +166,11 @@ void ReleaseRows(ListDescriptor& l) {
         const std::string name(RowFileName(l));
         const bool scratch = IsScratchFile(l);
         if (!scratch && os::infoOf(name).exists) return CloseRows(l);
-        if (BatchOfRows* const batch = BatchOfRows::of(l)) batch->forget();
+        DropRows(l);
         if (scratch) RemoveRows(name);
         return true;
     });
-    blank(l);
+    DropRows(l);
 }
 
 // ---- checking ----

@@ -38,7 +38,7 @@ TabResult load(const std::string& filename, void* value, Kind kind) {
     FreshValue fresh(value, kind);
     const std::int32_t code = ErrorCell() != 0 ? ErrorCell() : UnpackWhole(bytes, fresh.get(), kind);
     if (code != 0) return {code};
-    fresh.replaceTarget();
+    if (!fresh.replaceTarget()) return {ErrorCell()};
     return {0, 0, countOf(value, kind)};
 }
 

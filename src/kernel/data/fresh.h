@@ -5,33 +5,40 @@
 #pragma once
 
 #include "kernel/adt.h"
+#include "kernel/rowfile.h"
 
-#include <cstddef>
-#include <cstring>
+#include <memory>
+#include <string>
 
 namespace tarn {
 
-// An empty value of a target's shape; all zero, and an error in the cell, when there is no memory for it.
+// An empty value of a target's shape; all zero, and an error in the cell, when it could not be made.
+//
+// Where the target is an open list or table that is held in a file, the fresh one is open too: on a scratch
+// file in the same folder with the same extension, so that the formats are the same. Its rows are gathered
+// (RowBatch). The target keeps its name, and its rows and indexes until the new ones take their places.
 class FreshValue {
 public:
-    FreshValue(void* target, Kind kind) : target_(target), kind_(kind) { AdtInit(bytes_, target, kind); }
-    ~FreshValue() { AdtFree(bytes_, kind_); }  // which of the two did not stay with the target
+    FreshValue(void* target, Kind kind);
+    ~FreshValue();  // which of the two did not stay with the target
     FreshValue(const FreshValue&) = delete;
     FreshValue& operator=(const FreshValue&) = delete;
 
     void* get() { return bytes_; }
-    void replaceTarget() {
-        const auto size = static_cast<std::size_t>(KindSize[kind_]);
-        char old[sizeof bytes_];
-        std::memcpy(old, target_, size);
-        std::memcpy(target_, bytes_, size);
-        std::memcpy(bytes_, old, size);
-    }
+    // Once. False, with the error set and the target as it was, when the files could not be moved; only when
+    // the indexes of new rows could then not be made either, the target has the new rows without them.
+    bool replaceTarget();
 
 private:
+    struct Shaped {};
+    FreshValue(void* target, Kind kind, Shaped);
+    bool replaceFiles(ListDescriptor& rows);
+
     void* target_;
     Kind kind_;
-    char bytes_[sizeof(ArrayDescriptor)];
+    std::string scratch_;  // the name of the file beside, once there is one
+    alignas(8) char bytes_[sizeof(ArrayDescriptor)] = {};
+    std::unique_ptr<RowBatch> batch_;
 };
 
 }  // namespace tarn

@@ -2,6 +2,7 @@
 #include "kernel/data/packing.h"
 
 #include "kernel/adt.h"
+#include "kernel/data/elements.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
@@ -31,8 +32,11 @@ std::int32_t damage() {
 
 template <class Number>
 void putNumber(Number value, std::string& bytes) {
-    for (int shift = static_cast<int>(sizeof(Number)) * 8 - 8; shift >= 0; shift -= 8)
-        bytes += static_cast<char>(static_cast<std::make_unsigned_t<Number>>(value) >> shift & 255U);
+    char big[sizeof(Number)];
+    for (std::size_t i = 0; i < sizeof(Number); ++i)
+        big[i] = static_cast<char>(
+            static_cast<std::make_unsigned_t<Number>>(value) >> (8 * (sizeof(Number) - 1 - i)) & 255U);
+    bytes.append(big, sizeof big);
 }
 
 template <class Number>
@@ -117,6 +121,13 @@ void packElements(Offset data, std::int32_t count, Kind kind, std::string& bytes
     for (std::int32_t i = 0; i < count; ++i, element += KindSize[kind]) Pack(element, kind, bytes);
 }
 
+// Elements behind the count of a fixed capacity are empty: what a slot still holds of an element that was
+// deleted is nobody's.
+void packEmpty(const ListDescriptor& list, std::string& bytes) {
+    const std::int64_t element = lengthOf(At(list.prototype), ElementKindOf(list), inside);
+    bytes.append(static_cast<std::size_t>((list.maxlength - list.count) * element), '\0');
+}
+
 void packString(const StringDescriptor& s, std::string& bytes) {
     const std::string_view characters = StringView(&s);
     const auto capacity = static_cast<std::size_t>(s.maxlength) * static_cast<std::size_t>(CharacterWidth);
@@ -124,13 +135,10 @@ void packString(const StringDescriptor& s, std::string& bytes) {
     bytes.append(characters).append(capacity - characters.size(), '\0');
 }
 
-// Elements behind the count are empty: what a slot still holds of an element that was deleted is nobody's.
 void packFixedList(const ListDescriptor& list, std::string& bytes) {
-    const auto kind = static_cast<Kind>(list.tag);
-    const std::int64_t element = lengthOf(At(list.prototype), kind, inside);
     putNumber(list.count, bytes);
-    packElements(list.data, list.count, kind, bytes);
-    bytes.append(static_cast<std::size_t>((list.maxlength - list.count) * element), '\0');
+    packElements(list.data, list.count, static_cast<Kind>(list.tag), bytes);
+    packEmpty(list, bytes);
 }
 
 // ---- unpacking ----
@@ -266,10 +274,17 @@ std::int32_t unpackOpenRecord(std::string_view bytes, RecordDescriptor& record) 
     return takeString(bytes, lastString(record));
 }
 
-// The list that an unbounded list or a table is packed as; null for every other value.
-const ListDescriptor* rowsOf(const void* value, Kind kind) {
-    if (kind == KindTable) return TableRows(static_cast<const TableDescriptor*>(value));
-    return kind == KindList ? static_cast<const ListDescriptor*>(value) : nullptr;
+// A list, or the rows of a table, as a whole value: wherever it stands.
+std::int32_t packRows(const ListDescriptor& rows, std::string& bytes) {
+    ElementSource elements(&rows, KindList);
+    if (IsFixedList(rows)) putNumber(rows.count, bytes);
+    for (std::int32_t i = 0; i < elements.count(); ++i) {
+        const void* const element = elements.at(i);
+        if (element == nullptr) return damage();
+        Pack(element, elements.kind(), bytes);
+    }
+    if (IsFixedList(rows)) packEmpty(rows, bytes);
+    return 0;
 }
 
 // Rows of a table are added one by one, so that its indexes know them.
@@ -288,17 +303,19 @@ std::int32_t unpackTable(std::string_view bytes, std::int32_t count, TableDescri
 }
 
 std::int32_t unpackList(std::string_view bytes, std::int32_t count, ListDescriptor& list) {
+    ElementSink elements(list);
     for (std::int32_t i = 0; i < count; ++i) {
-        void* const element = ListAppendEmpty(&list);
+        void* const element = elements.next();
         if (element == nullptr) return ErrorCell();
-        if (!Unpack(bytes, element, static_cast<Kind>(list.tag))) return damage();
+        if (!Unpack(bytes, element, ElementKindOf(list))) return damage();
+        if (!elements.add()) return ErrorCell();
     }
     return 0;
 }
 
 // The count is that of the bytes, or stands ahead of the elements of a fixed capacity.
 std::int32_t unpackRows(std::string_view bytes, void* value, Kind kind, const ListDescriptor& rows) {
-    const auto element = static_cast<Kind>(rows.tag);
+    const Kind element = ElementKindOf(rows);
     const auto length = static_cast<std::size_t>(lengthOf(At(rows.prototype), element, inside));
     const bool fixed = rows.maxlength != UNBOUNDED;
     std::int32_t count = 0;
@@ -371,14 +388,13 @@ bool Unpack(std::string_view& bytes, void* value, Kind kind) {
 std::int32_t PackWholeError(const void* value, Kind kind) {
     if (!IsValueKind(kind) || value == nullptr) return ERR_UNIDENTIFIABLE;
     if (IsAdtKind(kind) && (!IsWellFormed(value) || KindOf(value) != kind)) return ERR_UNIDENTIFIABLE;
-    const ListDescriptor* rows = rowsOf(value, kind);
+    const ListDescriptor* rows = ElementList(value, kind);
     if (kind == KindTable && rows == nullptr) return ERR_TABLE_TYPE;
-    if (rows != nullptr && rows->tag > TagInFile) return ERR_FILE_NOT_OPEN;
+    if (IsUnopenedFile(value, kind)) return ERR_FILE_NOT_OPEN;
     if (kind == KindString || isOpenRecord(value, kind)) return 0;
     std::int64_t length = 0;
     if (rows != nullptr)
-        length =
-            IsValueKind(rows->tag) ? lengthOf(At(rows->prototype), static_cast<Kind>(rows->tag), inside) : 0;
+        length = IsUntyped(*rows) ? 0 : lengthOf(At(rows->prototype), ElementKindOf(*rows), inside);
     else
         length = lengthOf(value, kind, deepest);
     return isPackedLength(length) ? 0 : std::int32_t{ERR_TYPE_NOT_STORABLE};
@@ -391,12 +407,10 @@ std::int32_t PackWhole(const void* value, Kind kind, std::string& bytes) {
         bytes.append(StringView(static_cast<const StringDescriptor*>(value)));
     } else if (isOpenRecord(value, kind)) {
         return packOpenRecord(ReadAt<RecordDescriptor>(value), bytes);
-    } else if (const ListDescriptor* rows = rowsOf(value, kind); rows == nullptr) {
-        Pack(value, kind, bytes);
-    } else if (rows->maxlength == UNBOUNDED) {
-        packElements(rows->data, rows->count, static_cast<Kind>(rows->tag), bytes);
+    } else if (const ListDescriptor* rows = ElementList(value, kind); rows != nullptr) {
+        return packRows(*rows, bytes);
     } else {
-        packFixedList(*rows, bytes);
+        Pack(value, kind, bytes);
     }
     return 0;
 }
@@ -406,7 +420,7 @@ std::int32_t UnpackWhole(std::string_view bytes, void* value, Kind kind) {
     if (code != 0) return code;
     if (kind == KindString) return takeString(bytes, *static_cast<StringDescriptor*>(value));
     if (isOpenRecord(value, kind)) return unpackOpenRecord(bytes, *static_cast<RecordDescriptor*>(value));
-    const ListDescriptor* rows = rowsOf(value, kind);
+    const ListDescriptor* rows = ElementList(value, kind);
     if (rows != nullptr) return unpackRows(bytes, value, kind, *rows);
     if (static_cast<std::int64_t>(bytes.size()) != lengthOf(value, kind, deepest)) return ERR_FILE_SIZE;
     if (Unpack(bytes, value, kind)) return 0;

@@ -3,6 +3,7 @@
 
 #include "kernel/adt.h"
 #include "kernel/arrays.h"
+#include "kernel/data/elements.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
@@ -43,16 +44,14 @@ const void* elementOf(const void* value, Kind kind, Kind& element) {
         element = KindRecord;
         return &RowShape(HeaderOf(*static_cast<const TableDescriptor*>(value)));
     }
-    const auto head = ReadAt<DescriptorHead>(value);
-    element = static_cast<Kind>(head.tag);
-    const Offset prototype =
-        kind == KindList ? ReadAt<ListDescriptor>(value).prototype : ReadAt<ArrayDescriptor>(value).prototype;
-    return At(prototype);
-}
-
-bool isInFile(const void* value, Kind kind) {
-    if (kind == KindList) return ReadAt<DescriptorHead>(value).tag > TagInFile;
-    return kind == KindTable && HeaderOf(*static_cast<const TableDescriptor*>(value)).rows.tag > TagInFile;
+    if (kind == KindList) {
+        const auto list = ReadAt<ListDescriptor>(value);
+        element = ElementKindOf(list);
+        return At(list.prototype);
+    }
+    const auto array = ReadAt<ArrayDescriptor>(value);
+    element = static_cast<Kind>(array.tag);
+    return At(array.prototype);
 }
 
 std::int32_t valueError(const void* value, Kind kind) {
@@ -60,7 +59,7 @@ std::int32_t valueError(const void* value, Kind kind) {
     if (!IsAdtKind(kind)) return 0;
     if (!IsWellFormed(value) || KindOf(value) != kind) return AdtTypeError(kind);
     if (kind == KindTable && !IsTable(static_cast<const TableDescriptor*>(value))) return ERR_TABLE_TYPE;
-    return isInFile(value, kind) ? std::int32_t{ERR_FILE_NOT_OPEN} : 0;
+    return IsUnopenedFile(value, kind) ? std::int32_t{ERR_FILE_NOT_OPEN} : 0;
 }
 
 }  // namespace

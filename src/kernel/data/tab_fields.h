@@ -30,7 +30,7 @@ struct TabTarget {
     std::int32_t code = 0;  // why the value cannot be read or written as rows
     TabField row;           // of an element, of a row, or of the value itself
 };
-// 764 and 751 to 762 for what is no such value, 661 for one that is held in a file, 757 for options whose
+// 764 and 751 to 762 for what is no such value, 661 for one that is held in a file and not open, 757 for options whose
 // separator is none, 658 for a kind or element without cells and, when no separator is given, for one that
 // has more than one.
 TabTarget MakeTabTarget(const void* value, Kind kind, std::int32_t separator);

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A file is read into a fresh value of the target's shape, which takes the target's place when the reading
-// came to its end. So a target is never half full, and two values are in memory at most. Elements of lists
-// are filled where they stand.
+// came to its end. So a target is never half full, and two values are in memory at most. Elements of lists in
+// memory are filled where they stand.
 #include "kernel/adt.h"
+#include "kernel/data/elements.h"
 #include "kernel/data/fresh.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/lists.h"
 #include "kernel/runtime.h"
 #include "kernel/strings.h"
@@ -80,10 +82,12 @@ private:
     }
 
     void readList(ListDescriptor& list) {
+        ElementSink elements(list);
         for (std::string_view row; next(row); result_.rows = list.count) {
-            void* const element = ListAppendEmpty(&list);
+            void* const element = elements.next();
             if (element == nullptr) return note(takeError());
             readRow(row, element);
+            if (!failed_ && !elements.add()) return failWhole(takeError());
         }
     }
 
@@ -97,6 +101,7 @@ private:
             if (failed_) return;
             TableAdd(&table, index, record.get());
             const std::int32_t code = takeError();
+            if (IsFileFailure(code)) return failWhole(code);
             note(code);
             if (code == ERR_FIXED_TABLE) return;
         }
@@ -139,7 +144,7 @@ TabResult load(const std::string& filename, const TabOptions& options, void* val
     if (code != 0) return {code};
     Loading loading(rows, target, options.maxdatarows);
     const TabResult result = loading.run(fresh.get(), kind);
-    if (!loading.failed()) fresh.replaceTarget();
+    if (!loading.failed() && !fresh.replaceTarget()) return {takeError()};
     return result;
 }
 

@@ -3,6 +3,7 @@
 // The whole file is written to memory first and then put on disk in one step, so that what cannot be written
 // is known before the old file is touched.
 #include "kernel/data/datafile.h"
+#include "kernel/data/elements.h"
 #include "kernel/data/progress.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/tab_rows.h"
@@ -146,25 +147,6 @@ private:
     bool raw_, first_ = true;
 };
 
-// What has rows: where the first element stands, how many there are and how far apart.
-struct Elements {
-    const char* first = nullptr;
-    std::int32_t count = 1;
-    Kind kind = KindNone;
-};
-
-Elements elementsOf(const void* value, Kind kind) {
-    if (kind == KindArray) {
-        const auto array = ReadAt<ArrayDescriptor>(value);
-        const auto element = static_cast<Kind>(array.tag);
-        return {At(array.data), array.size / KindSize[element], element};
-    }
-    if (kind == KindTable) value = &HeaderOf(*static_cast<const TableDescriptor*>(value)).rows;
-    if (kind != KindList && kind != KindTable) return {static_cast<const char*>(value), 1, kind};
-    const auto list = ReadAt<ListDescriptor>(value);
-    return {At(list.data), list.count, static_cast<Kind>(list.tag)};
-}
-
 class Saving {
 public:
     Saving(const TabOptions& options, const TabField& row)
@@ -175,7 +157,7 @@ public:
         if (kind == KindString)
             putText(static_cast<const StringDescriptor*>(value));
         else
-            putRows(elementsOf(value, kind));
+            putRows(value, kind);
         if (options_.separatorchar != NoTabSeparator) putFooters();
         return result_;
     }
@@ -208,16 +190,18 @@ private:
         result_.rows = static_cast<std::int32_t>(
             std::count(text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(), '\n'));
     }
-    void putRows(const Elements& elements) {
+    void putRows(const void* value, Kind kind) {
+        ElementSource elements(value, kind);
         std::size_t told = 0;
-        for (std::int32_t i = 0; i < elements.count && result_.code == 0 && !result_.stopped; ++i) {
-            writer_.row(row_, elements.first + std::int64_t{i} * KindSize[elements.kind]);
-            result_.code = writer_.code();
+        for (std::int32_t i = 0; i < elements.count() && result_.code == 0 && !result_.stopped; ++i) {
+            const auto* const element = static_cast<const char*>(elements.at(i));
+            if (element != nullptr) writer_.row(row_, element);
+            result_.code = element != nullptr ? writer_.code() : tarn_error_cell;
             ++result_.rows;
             if (text_.size() - told < std::size_t{ProgressStep}) continue;
             told = text_.size();
             const auto done = static_cast<std::int64_t>(told);
-            result_.stopped = !Progress(done, done / (i + 1) * elements.count);
+            result_.stopped = !Progress(done, done / (i + 1) * elements.count());
         }
     }
 

@@ -3,6 +3,7 @@
 // Whole Xbase files. A file is read into a fresh value of the target's shape, which takes its place when the
 // reading came to its end. A file is written to memory first and then put on disk in one step; a row that
 // does not fit its fields is known before the old file is touched.
+#include "kernel/data/elements.h"
 #include "kernel/data/fresh.h"
 #include "kernel/data/progress.h"
 #include "kernel/data/tab_fields.h"
@@ -40,27 +41,17 @@ bool isMemoryError(std::int32_t code) {
     return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
 }
 
-// Where rows come from and go to: the first element, how many there are, and their kind.
-struct Elements {
-    const char* first = nullptr;
-    std::int32_t count = 1;
+// The shape of a row.
+struct RowShapeOf {
+    const char* at = nullptr;
     Kind kind = KindNone;
 };
 
-Elements elementsOf(const void* value, Kind kind) {
-    if (kind == KindTable) value = &HeaderOf(*static_cast<const TableDescriptor*>(value)).rows;
-    if (kind != KindList && kind != KindTable) return {static_cast<const char*>(value), 1, kind};
-    const auto list = ReadAt<ListDescriptor>(value);
-    return {At(list.data), list.count, static_cast<Kind>(list.tag)};
-}
-
-// The shape of a row.
-Elements rowOf(const void* value, Kind kind) {
-    if (kind == KindSet) return {nullptr, 1, KindInteger};
-    if (kind == KindTable) value = &HeaderOf(*static_cast<const TableDescriptor*>(value)).rows;
-    if (kind != KindList && kind != KindTable) return {static_cast<const char*>(value), 1, kind};
-    const auto list = ReadAt<ListDescriptor>(value);
-    return {At(list.prototype), 1, static_cast<Kind>(list.tag)};
+RowShapeOf rowOf(const void* value, Kind kind) {
+    if (kind == KindSet) return {nullptr, KindInteger};
+    const ListDescriptor* const list = ElementList(value, kind);
+    if (list == nullptr) return {static_cast<const char*>(value), kind};
+    return {At(list->prototype), ElementKindOf(*list)};
 }
 
 // 0, or why such a value cannot be read from rows or written as rows.
@@ -68,9 +59,9 @@ std::int32_t refusal(const void* value, Kind kind) {
     const TabTarget target = MakeTabTarget(value, kind, '\t');
     if (target.code != 0) return target.code;
     if (kind < KindString || kind == KindArray) return ERR_COMPONENT_UNREPRESENTABLE;
-    const Elements row = rowOf(value, kind);
+    const RowShapeOf row = rowOf(value, kind);
     const auto hasField = [](const char*, Kind field) { return field != KindSet; };
-    return EachXbaseField(row.first, row.kind, hasField) ? 0 : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE};
+    return EachXbaseField(row.at, row.kind, hasField) ? 0 : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE};
 }
 
 // ---- loading ----
@@ -175,11 +166,12 @@ private:
     }
 
     void readList(ListDescriptor& list) {
-        const Kind kind = static_cast<Kind>(list.tag);
+        ElementSink elements(list);
         for (std::string_view row; next(row); result_.rows = list.count) {
-            void* const element = ListAppendEmpty(&list);
+            void* const element = elements.next();
             if (element == nullptr) return note(takeError());
-            readRow(row, element, kind);
+            readRow(row, element, ElementKindOf(list));
+            if (!failed_ && !elements.add()) return failWhole(takeError());
         }
     }
 
@@ -193,6 +185,7 @@ private:
             if (failed_) return;
             TableAdd(&table, index, record.get());
             const std::int32_t code = takeError();
+            if (IsFileFailure(code)) return failWhole(code);
             note(code);
             if (code == ERR_FIXED_TABLE) return;
         }
@@ -264,17 +257,17 @@ TabResult load(const std::string& filename, std::int32_t mostRows, void* value, 
     if (result.code != 0) return result;
     Loading loading(rows, header, mostRows);
     result = loading.run(fresh.get(), kind);
-    if (!loading.failed()) fresh.replaceTarget();
+    if (!loading.failed() && !fresh.replaceTarget()) return {takeError()};
     return result;
 }
 
 // ---- saving ----
 
 // A declaration with a name and a type for each field of a row, from one that may lack some of both.
-std::string completed(std::string_view typeText, const Elements& row) {
+std::string completed(std::string_view typeText, const RowShapeOf& row) {
     const std::vector<XbaseDeclared> declared = XbaseDeclaredFields(typeText);
     std::string text;
-    const auto count = static_cast<std::size_t>(CountXbaseFields(row.first, row.kind));
+    const auto count = static_cast<std::size_t>(CountXbaseFields(row.at, row.kind));
     for (std::size_t n = 0; n < count; ++n) {
         const XbaseDeclared field = n < declared.size() ? declared[n] : XbaseDeclared{};
         text += field.name.empty() ? "FIELD" + std::to_string(n + 1) : field.name;
@@ -293,7 +286,7 @@ public:
         else if (kind == KindSet)
             putMembers(*static_cast<const SetDescriptor*>(value));
         else
-            putRows(elementsOf(value, kind));
+            putRows(value, kind);
         return result_;
     }
 
@@ -316,12 +309,15 @@ private:
         result_.stopped = !Progress(told_, std::max(told_ / done * total, told_));
     }
 
-    void putRows(const Elements& elements) {
-        const auto rows = static_cast<std::size_t>(elements.count);
+    void putRows(const void* value, Kind kind) {
+        ElementSource elements(value, kind);
+        const auto rows = static_cast<std::size_t>(elements.count());
         text_.reserve(text_.size() + rows * static_cast<std::size_t>(header_.recordSize) + 1);
-        for (std::int32_t i = 0; i < elements.count && goesOn(); ++i) {
-            put(elements.first + std::int64_t{i} * KindSize[elements.kind], elements.kind);
-            tell(i + 1, elements.count);
+        for (std::int32_t i = 0; i < elements.count() && goesOn(); ++i) {
+            const void* const element = elements.at(i);
+            if (element == nullptr) return finishRow(takeError());
+            put(element, elements.kind());
+            tell(i + 1, elements.count());
         }
     }
     void putMembers(const SetDescriptor& set) {
@@ -357,13 +353,13 @@ TabResult save(const std::string& filename, const void* value, Kind kind, std::s
     if (refused != 0) return {refused};
     std::string own;
     if (kind == KindTable) own = StringView(TableTypeInfo(static_cast<const TableDescriptor*>(value)));
-    const Elements row = rowOf(value, kind);
+    const RowShapeOf row = rowOf(value, kind);
     const std::string declaration = completed(own.empty() ? typeText : own, row);
     TabResult result;
-    std::string bytes = XbaseHeaderBytes(row.first, row.kind, declaration, 0, result.code);
+    std::string bytes = XbaseHeaderBytes(row.at, row.kind, declaration, 0, result.code);
     if (result.code != 0) return result;
     XbaseHeader header;
-    XbaseBuildDescriptors(row.first, row.kind, declaration, header);
+    XbaseBuildDescriptors(row.at, row.kind, declaration, header);
     result = Saving(header, bytes).run(value, kind);
     if (result.code != 0 || result.stopped) return {result.code, result.row, 0, result.stopped};
     bytes += XbaseFileEnd;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Data goes from elements into values. An element of a list is bound where it stands, in a slot that was
-// appended empty; rows of tables and elements of arrays are bound beside them, for only the whole row has a
-// key and only the start tag names the element.
+// Data goes from elements into values. An element of a list in memory is bound where it stands, in a slot
+// that was appended empty; elements of a list in a file, rows of tables and elements of arrays are bound
+// beside them, for only what is whole can be written, has a key, and only the start tag names the element.
 //
 // A growable array grows by half of its extent at a time, and loses what is to spare at the end.
 #include "kernel/arrays.h"
@@ -226,10 +226,16 @@ void XmlChildren::clearScratch() {
 
 XmlTarget XmlChildren::listSlot() {
     auto* list = static_cast<ListDescriptor*>(target_.value);
+    if (isListInFile())
+        return makeScratch(At(list->prototype), ListElementKind(list)) ? scratch() : XmlTarget{};
     void* const slot = ListAppendEmpty(list);
     failed_ = XmlTakeCellError();
     if (slot == nullptr) return {};
     return {slot, ListElementKind(list)};
+}
+
+bool XmlChildren::isListInFile() const {
+    return target_.kind == KindList && ListIsInFile(static_cast<const ListDescriptor*>(target_.value));
 }
 
 XmlTarget XmlChildren::arrayElement() {
@@ -365,9 +371,12 @@ void XmlChildren::report(std::int32_t code, std::int32_t n, std::string_view par
 void XmlChildren::add(std::int32_t n, std::string_view parent, std::string_view child,
                       std::string_view index) {
     std::int32_t code = std::exchange(failed_, 0);
-    if (code == 0 && scratchKind_ != KindNone && target_.kind != KindList) {
+    if (code == 0 && scratchKind_ != KindNone) {
         if (target_.kind == KindArray) {
             code = addToArray(n, index);
+        } else if (target_.kind == KindList) {
+            ListAppend(bytes_, scratchKind_, static_cast<ListDescriptor*>(target_.value));
+            code = XmlTakeCellError();
         } else {
             auto* table = static_cast<TableDescriptor*>(target_.value);
             TableAdd(table, std::min(TableIndexCount(table), 1), reinterpret_cast<RecordDescriptor*>(bytes_));

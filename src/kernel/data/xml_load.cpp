@@ -4,9 +4,11 @@
 // element, from a list of records inside of it, or one row from a single record. The first form is read
 // without looking for the structure; only when it does not fit, the structure decides.
 #include "kernel/arrays.h"
+#include "kernel/data/fresh.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
 #include "kernel/tables.h"
@@ -40,18 +42,19 @@ void note(ErrorRecord& error, std::int32_t code) {
 // A table of the same shape that takes the other's place once its rows are there.
 class Refill {
 public:
-    explicit Refill(TableDescriptor* table) : table_(table) { AdtInit(fresh_.get(), table, KindTable); }
+    explicit Refill(TableDescriptor* table) : fresh_(table, KindTable) {}
     void add(const RecordDescriptor* row, ErrorRecord& error) {
-        TableAdd(fresh_.get(), TableIndexCount(fresh_.get()) > 0 ? 1 : 0, row);
+        auto* const table = static_cast<TableDescriptor*>(fresh_.get());
+        TableAdd(table, TableIndexCount(table) > 0 ? 1 : 0, row);
         note(error, XmlTakeCellError());
     }
-    void takePlace() {
-        if (fresh_.get()->tag != 0) std::swap(*table_, *fresh_.get());
+    void takePlace(ErrorRecord& error) {
+        const bool whole = KindOf(fresh_.get()) == KindTable && !IsFileFailure(error.code);
+        if (whole && !fresh_.replaceTarget()) error = XmlFailure(XmlTakeCellError());
     }
 
 private:
-    TableDescriptor* table_;
-    TableValue fresh_;
+    FreshValue fresh_;
 };
 
 // The rows of a list inside the outermost element.
@@ -69,7 +72,7 @@ XmlReadResult loadInnerList(const std::string& filename, TableDescriptor* table)
     list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
     for (std::int32_t i = 1; i <= list->count; ++i)
         refill.add(static_cast<const RecordDescriptor*>(ListRef(list, i)), result.error);
-    refill.takePlace();
+    refill.takePlace(result.error);
     return result;
 }
 
@@ -92,7 +95,7 @@ XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* tab
     if (result.stopped) return result;
     Refill refill(table);
     refill.add(row.get(), result.error);
-    refill.takePlace();
+    refill.takePlace(result.error);
     return result;
 }
 
@@ -110,9 +113,6 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
     return direct;
 }
 
-bool isFileError(std::int32_t code) {
-    return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
-}
 bool isShortOfMemory(std::int32_t code) {
     return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
 }
@@ -120,17 +120,18 @@ bool isShortOfMemory(std::int32_t code) {
 // Binds into a copy of the table's shape first: the direct form may not be the one, and a later read may be
 // stopped.
 XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
-    TableValue fresh;
-    AdtInit(fresh.get(), table, KindTable);
+    FreshValue made(table, KindTable);
+    auto* const fresh = static_cast<TableDescriptor*>(made.get());
     XmlReadResult result;
     note(result.error, XmlTakeCellError());
     if (result.error.code != 0) return result;
-    result = ReadXml(filename, fresh.get(), KindTable, nullptr, 0);
-    if (isFileError(result.error.code) || result.stopped) return result;
+    result = ReadXml(filename, fresh, KindTable, nullptr, 0);
+    if (IsFileFailure(result.error.code) || result.stopped) return result;
     const bool fits = result.error.code == 0 && !result.lostData;
     if (!fits && !isShortOfMemory(result.error.code))
-        result = loadOtherForm(filename, fresh.get(), std::move(result));
-    if (!isFileError(result.error.code) && !result.stopped) std::swap(*table, *fresh.get());
+        result = loadOtherForm(filename, fresh, std::move(result));
+    if (!IsFileFailure(result.error.code) && !result.stopped && !made.replaceTarget())
+        result.error = XmlFailure(XmlTakeCellError());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {
         result.error.code = ERR_UNIQUE_INDEX;
         result.error.message = ErrorText(ERR_UNIQUE_INDEX);
@@ -144,7 +145,7 @@ XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
     XmlResult result;
     if (filename.empty()) return result;
     const XmlCellAside aside;
-    const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsHeldInFile(value, kind);
+    const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsUnopened(value, kind);
     XmlReadResult read = table ? loadTable(filename, static_cast<TableDescriptor*>(value))
                                : ReadXml(filename, value, kind, nullptr, 0);
     result.error = std::move(read.error);

@@ -2,9 +2,12 @@
 //
 // A whole read, and the steps that the modules of the reader are made of. The data goes into a fresh value of
 // the target's shape, which takes the target's place at the end: a read that is stopped changes nothing.
+#include "kernel/data/elements.h"
+#include "kernel/data/fresh.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/lists.h"
 #include "kernel/runtime.h"
 #include "kernel/sets.h"
@@ -66,32 +69,6 @@ public:
     OpenScanner& operator=(const OpenScanner&) = delete;
 };
 
-// A value of the shape of another, until it takes its place.
-class FreshValue {
-public:
-    FreshValue(void* value, Kind kind) : value_(value), kind_(kind) {
-        if (value_ != nullptr) AdtInit(bytes_, value_, kind_);
-    }
-    ~FreshValue() {
-        if (value_ != nullptr && IsAdtKind(kind_)) AdtFree(bytes_, kind_);
-    }
-    FreshValue(const FreshValue&) = delete;
-    FreshValue& operator=(const FreshValue&) = delete;
-
-    [[nodiscard]] XmlTarget target() { return value_ != nullptr ? XmlTarget{bytes_, kind_} : XmlTarget{}; }
-    void takePlace() {
-        if (value_ == nullptr) return;
-        AdtFree(value_, kind_);
-        std::memcpy(value_, bytes_, static_cast<std::size_t>(KindSize[kind_]));
-        value_ = nullptr;
-    }
-
-private:
-    void* value_;
-    Kind kind_;
-    char bytes_[sizeof(ArrayDescriptor)] = {};
-};
-
 std::int32_t codeOf(os::FileError error) {
     switch (error) {
     case os::FileError::Vanished: return ERR_FILE_VANISHED;
@@ -147,7 +124,7 @@ void cutTypeText(XmlReader& reader, std::string& typeText, std::int32_t size) {
     XmlReport(reader, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
 }
 
-XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::string* typeText,
+XmlReadResult readFile(const std::string& filename, XmlTarget target, std::string* typeText,
                        std::int32_t typeTextSize) {
     XmlReadResult result;
     if (!ScannerInputFilename().empty()) {
@@ -162,7 +139,7 @@ XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::stri
     ScannerReportStatus(ScannerOpen(filename, &tables->symbols, false), reader.error);
     if (!ScannerInputFilename().empty()) {
         std::string found;
-        readDocument(reader, fresh.target(), found);
+        readDocument(reader, target, found);
         if (typeText != nullptr && !reader.stopped) {
             *typeText = std::move(found);
             cutTypeText(reader, *typeText, typeTextSize);
@@ -170,8 +147,23 @@ XmlReadResult readFile(const std::string& filename, FreshValue& fresh, std::stri
     }
     // What looks like the end of the file may be this.
     if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
-    if (ScannerFileError() == os::FileError::None && !reader.stopped) fresh.takePlace();
     return {std::move(reader.error), reader.stopped, reader.lostData};
+}
+
+// A file that could not be read to its end, a user who stops and rows that cannot be written leave the value
+// as it was.
+XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std::string* typeText,
+                        std::int32_t typeTextSize) {
+    FreshValue fresh(value, kind);
+    XmlReadResult result;
+    std::int32_t code = XmlTakeCellError();
+    if (code == 0) {
+        result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize);
+        const bool whole = ScannerFileError() == os::FileError::None && !result.stopped;
+        if (whole && !IsFileFailure(result.error.code) && !fresh.replaceTarget()) code = XmlTakeCellError();
+    }
+    if (code != 0) result.error = XmlFailure(code);
+    return result;
 }
 
 }  // namespace
@@ -194,11 +186,9 @@ void XmlNoteFinding(XmlReader& reader, ScanStatus status) {
     if (!Progress(done, reader.size)) reader.stopped = true;
 }
 
-bool XmlIsHeldInFile(const void* value, Kind kind) {
+bool XmlIsUnopened(const void* value, Kind kind) {
     if (kind != KindList && kind != KindTable) return false;
-    if (value == nullptr || KindOf(value) != kind) return false;
-    if (kind == KindList) return ListIsInFile(static_cast<const ListDescriptor*>(value));
-    return ListIsInFile(TableRows(static_cast<const TableDescriptor*>(value)));
+    return value != nullptr && KindOf(value) == kind && IsUnopenedFile(value, kind);
 }
 
 void XmlReportSymbol(XmlReader& reader) {
@@ -243,14 +233,12 @@ XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::
     const XmlCellAside aside;
     if (value != nullptr && !IsValueKind(kind)) {
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
-    } else if (XmlIsHeldInFile(value, kind)) {
+    } else if (XmlIsUnopened(value, kind)) {
         result.error = XmlFailure(ERR_FILE_NOT_OPEN);
+    } else if (value == nullptr) {
+        result = readFile(filename, {}, typeText, typeTextSize);
     } else {
-        FreshValue fresh(value, kind);
-        if (const std::int32_t code = XmlTakeCellError(); code != 0)
-            result.error = XmlFailure(code);
-        else
-            result = readFile(filename, fresh, typeText, typeTextSize);
+        result = readFresh(filename, value, kind, typeText, typeTextSize);
     }
     return result;
 }

@@ -179,8 +179,8 @@ bool XmlExpect(XmlReader& reader, std::int32_t symbol);
 bool XmlNameFollows();
 // Passes over everything up to and including `mark`; false at the end of the file.
 bool XmlSkipPast(XmlReader& reader, std::string_view mark);
-// A list or a table that is held in a file.
-bool XmlIsHeldInFile(const void* value, Kind kind);
+// A list or a table that is held in a file and not open.
+bool XmlIsUnopened(const void* value, Kind kind);
 inline bool XmlIsNameStart(char c) {
     return isByte(static_cast<unsigned char>(c), ByteXmlStart);
 }
@@ -254,6 +254,7 @@ private:
     void clearScratch();
     XmlTarget scratch() { return {bytes_, scratchKind_}; }
     XmlTarget listSlot();
+    [[nodiscard]] bool isListInFile() const;
     XmlTarget arrayElement();
     XmlTarget tableRow();
     bool readIndex(std::string_view text, Subscripts& at, std::int32_t& dimensions) const;

@@ -3,6 +3,7 @@
 // Values as XML. The whole file is made in memory and then saved at once, so that a failure leaves the old
 // one as it was.
 #include "kernel/arrays.h"
+#include "kernel/data/elements.h"
 #include "kernel/data/progress.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_reader.h"
@@ -215,7 +216,7 @@ private:
     void element(const Item& item) {
         if (item.depth >= MaxXmlDepth) return fail(ERR_XML_TOO_COMPLEX);
         if (IsAdtKind(item.kind) && KindOf(item.value) != item.kind) return fail(AdtTypeError(item.kind));
-        if (XmlIsHeldInFile(item.value, item.kind)) return fail(ERR_TYPE_NOT_STORABLE);
+        if (XmlIsUnopened(item.value, item.kind)) return fail(ERR_TYPE_NOT_STORABLE);
         const bool record = item.kind == KindRecord || item.kind == KindUnion;
         Names names;
         if (record) names = namesOf(item);
@@ -334,9 +335,12 @@ private:
     }
     void list(const Item& item, const Names* names) {
         const auto* l = static_cast<const ListDescriptor*>(item.value);
-        for (std::int32_t i = 1; i <= l->count && !ended(); ++i)
-            child(item, {ListRef(l, i), static_cast<Kind>(l->tag), childName, {}, item.depth + 1, names},
-                  l->count);
+        ElementSource elements(l, KindList);
+        for (std::int32_t i = 0; i < l->count && !ended(); ++i) {
+            const void* const element = elements.at(i);
+            if (element == nullptr) return fail(XmlTakeCellError());
+            child(item, {element, elements.kind(), childName, {}, item.depth + 1, names}, l->count);
+        }
     }
     void array(const Item& item, const Names* names) {
         const auto* a = static_cast<const ArrayDescriptor*>(item.value);
@@ -358,6 +362,7 @@ private:
         const ListDescriptor* const rows = TableRows(t);
         const Names names = declaredNames(StringView(TableTypeInfo(t)));
         const bool indexed = TableIndexCount(t) > 0;
+        if (ListIsInFile(rows)) return indexed ? fileTable(item, *t, names) : fileRows(item, *rows, names);
         RecordValue key;
         IndexHit hit;
         if (indexed && rows->count > 0) {
@@ -370,6 +375,27 @@ private:
             if (row == nullptr) return fail(ERR_INDEX_TYPE);
             child(item, {row, KindRecord, childName, {}, item.depth + 1, &names}, rows->count);
             if (indexed) hit = IndexFind("GT", TableRoot(t, 1), {}, key.get(), key.get());
+        }
+        fail(XmlTakeCellError());
+    }
+
+    void fileRows(const Item& item, const ListDescriptor& rows, const Names& names) {
+        ElementSource elements(&rows, KindList);
+        for (std::int32_t i = 0; i < rows.count && !ended(); ++i) {
+            const void* const row = elements.at(i);
+            if (row == nullptr) return fail(XmlTakeCellError());
+            child(item, {row, KindRecord, childName, {}, item.depth + 1, &names}, rows.count);
+        }
+    }
+    // Each row tells the key of the next.
+    void fileTable(const Item& item, const TableDescriptor& t, const Names& names) {
+        RecordValue row, key;
+        bool found = false;
+        TableFind("FIRST", &t, 1, nullptr, row.get(), found);
+        for (std::int32_t i = 0; i < t.count && found && !ended(); ++i) {
+            child(item, {row.get(), KindRecord, childName, {}, item.depth + 1, &names}, t.count);
+            TableKeyFromRow(&t, 1, row.get(), key.get());
+            TableFind("GT", &t, 1, key.get(), row.get(), found);
         }
         fail(XmlTakeCellError());
     }
