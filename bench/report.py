@@ -101,7 +101,7 @@ def main():
         ("open 4 MB, extra", "plainOpenLarge", None),
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
     ]
-    print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget")
+    print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")
     for name, peer, budget in rows:
         if name not in all_ or (peer is not None and "Level" in peer and peer not in all_):
             continue
@@ -112,7 +112,7 @@ def main():
             value = here / other if other else here
             met = f"{budget if peer else text(budget)}{' x' if peer else ''} {'met' if value <= budget else 'MISSED'}"
         print(f"{name:30} {text(here):>12} {text(other) if other else '':>12} {ratio:>7} "
-              f"{rates.get(name, ''):>16}  {met}".rstrip())
+              f"{rates.get(name, ''):>16}  {met}{f' ({peer})' if other else ''}".rstrip())
     memory = counters(f"{folder}/data_bench.json", "kB")
     if memory:
         print("memory that using a table on disk takes: " +
