@@ -6,9 +6,16 @@
 //
 //   number  format  chosen by                            header            count of rows
 //        3  plain   an UNBOUNDED capacity                none              the size by the record length
-//        4  fixed   a capacity                           4, big-endian     the header; records up to the
-//                                                                          capacity stand in the file always
+//        4  fixed   a capacity                           4, big-endian     the header; a new file has records
+//                                                                          up to the capacity, one that was
+//                                                                          cleared or copied only its rows
 //        5  Xbase   extension .dbf or .xbf, in any case  that of the file  the word at offset 4
+//
+// Records behind the count are nobody's, and empty as far as they were written.
+//
+// A name stays as it was given, so that programs find again what they said: a relative one is looked for in
+// the folder that is current at each operation. Both '/' and '\\' separate. A file is made where a link
+// leads, and what takes its place later does so there.
 //
 // Records of plain and fixed files are packed values (data/packing.h), those of Xbase files fields of
 // characters (data/xbase.h).
@@ -29,26 +36,35 @@ namespace tarn {
 
 enum RowFormat : std::int32_t { RowsPlain = 3, RowsFixed = 4, RowsXbase = 5 };
 
-// Opens the file of a list or table that is held in a file, or makes it, with empty indexes. 660 for a value
-// that is held in memory or is no list or table; 764 for one that is open; 661 for an empty name; 657 for one
-// of 255 characters or more or without a file part; 658 for rows that an Xbase file cannot hold or does not
-// have; 660 for rows that pack to nothing or to more than MostPackedBytes; 655 for a size that is not that of
-// whole rows; 619 for more rows than the capacity; 762 for a type text that is not that of the rows; 656 for
-// an index that is missing or too short, unless there are no rows; 651 to 654. On any error the value is not
-// open, and a file that was being made is gone.
+// Opens the file of a list or table that is held in a file, or makes it, with empty indexes. In this order:
+// 660 for a value that is held in memory or is no list or table; 764 for one that is open; 661 for an empty
+// name; 657 for one of 255 characters or more, with a NUL or without a file part; 762 for a type text that is
+// not that of the rows (an empty one is not looked at); 658 for rows that an Xbase file cannot hold; 660 for
+// rows that pack to nothing or to more than MostPackedBytes; 657 for a folder or a device; 655 for a size that
+// is not that of a header and whole rows, or does not hold the count; 658 for a file that is no Xbase file or
+// has other fields; 619 for more rows than the capacity; 656 for an index that is missing or too short, unless
+// there are no rows; 651 to 654. On any error the value is not open, and a file that was being made is gone.
+//
+// A file that may only be read opens all the same. A byte 26 at the end of an Xbase file is cut off where that
+// is allowed. A new Xbase file has the names and types of a table's type text; a list's fields of characters
+// are FIELD1 and so on.
 void FileOpen(void* value, Kind kind, std::string_view fileName);
-// Brings the files to the disk and blanks the name. Nothing for a value that is not open.
+// Brings the files to the disk and blanks the name, also when the former fails (651 to 654). Nothing for a
+// value that is not open. (AdtFree does the same, without an error when the file is gone; it deletes a scratch
+// file, whose extension begins with '~', and its indexes.)
 void FileClose(void* value, Kind kind);
 // Whether a name is there. False for values in memory.
 bool FileExists(const void* value, Kind kind);
 std::string FileNameOf(const void* value, Kind kind);  // "" when not open
 
-// 0, and 660, for a value that cannot be held in a file.
+// 0, and 660, for a value that is not held in a file or whose rows cannot be. The header of an Xbase file is
+// read: 653, 651, 655, 658.
 std::int32_t FileRecordLength(const void* value, Kind kind);
 std::int32_t FileHeaderSize(const void* value, Kind kind);
 // By the name and the capacity. 0, and 661, for a value that is not open.
 std::int32_t FileFormat(const void* value, Kind kind);
-// Writes the count into the header of a file of format 4 or 5; nothing for others.
+// Writes the count into the header of a file of format 4 or 5; nothing for others. 655 for a count below 0;
+// 652 to 654.
 void FileKeepCount(std::string_view fileName, std::int32_t format, std::int32_t count);
 
 }  // namespace tarn

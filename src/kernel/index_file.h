@@ -20,8 +20,12 @@
 // when they are touched, and checked. What an operation changes stays in memory until `commit` writes it, so
 // that an operation that fails has changed nothing; what was written can be taken back by `revert`.
 //
-// Cost: one read of a node that is touched for the first time; one write of each that has changed. A FileTree
-// that only reads keeps a bounded number of nodes in memory.
+// When the process dies in the commit of one inserted or deleted key, links lead to nodes, and a search finds
+// its key or notices that a change is half done (763). Where several change together, add nodes before others
+// are released: a record that is used again loses its old place first.
+//
+// Cost: at most one read of a node that is touched for the first time (of a large one its first kilobyte);
+// one write of each that has changed. A FileTree that only reads keeps a bounded number of nodes in memory.
 #pragma once
 
 #include "kernel/index_keys.h"
@@ -97,7 +101,8 @@ public:
     void setChild(Ref node, int side, Ref child);
     [[nodiscard]] int balance(Ref node) const;
     void setBalance(Ref node, int balance);
-    // A field at a time, up to the first difference.
+    // A field at a time, up to the first difference. The key has the index's kinds; its strings may be of any
+    // capacity.
     [[nodiscard]] int order(const KeyView& key, Ref node) const;
     [[nodiscard]] static bool checking() { return true; }
     [[nodiscard]] static bool dropsChanges() { return true; }
@@ -137,7 +142,7 @@ private:
 
 using FilePath = TreePath<FileTree::Ref>;
 
-// The path to a key or to its place. 763 and the codes of reading.
+// The path to a key, of the index's kinds, or to its place. 763 and the codes of reading.
 bool FindFileKey(const FileTree& tree, const KeyView& key, FilePath& path);
 
 // "" or what is wrong with an index file: sizes, header, links, balances, order, the free list, nodes that

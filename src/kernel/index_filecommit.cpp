@@ -4,9 +4,9 @@
 // at every moment: a free record leaves the list before it becomes a node, new nodes are written before any
 // link to them, and nodes become free when no link leads to them any more.
 //
-// Where a tree is turned, the node that rises is written first, then the link to it, then those that sink. So
-// a search that meets the half of a turn comes to its key or walks in a circle, which it notices (763); it
-// never misses a key that is there. A node that rises is the one that was linked last.
+// Where a tree is turned, the node that rises is written first, then the link to it, then those that sink
+// below it. So a search that meets the half of a change comes to its key or walks in a circle, which it
+// notices (763): it never misses a key that is there.
 #include "kernel/errors.h"
 #include "kernel/index_filestate.h"
 #include "kernel/runtime.h"
@@ -41,19 +41,18 @@ std::int32_t FileTree::State::writeControl(Ref newRoot, Ref newFirstFree) {
 std::int32_t FileTree::State::writeFresh() {
     constexpr std::size_t mostTogether = 65536;
     toWrite.clear();
-    for (std::uint32_t i = 0; i < nodes.size(); ++i) {
-        if (nodes[i].fresh != 0 && nodes[i].number <= records) toWrite.push_back(i);
+    for (const FileNode& node : nodes) {
+        if (node.fresh != 0 && node.number <= records) toWrite.push_back(node.number);
     }
-    std::sort(toWrite.begin(), toWrite.end(),
-              [&](std::uint32_t a, std::uint32_t b) { return nodes[a].number < nodes[b].number; });
+    std::sort(toWrite.begin(), toWrite.end());
     std::string run;
     std::int32_t code = 0;
     for (std::size_t i = 0; i < toWrite.size() && code == 0; ++i) {
-        const FileNode& node = nodes[toWrite[i]];
+        const FileNode& node = *inMemory(toWrite[i]);
         std::string& record = fresh[node.fresh - 1];
         putWords(record.data(), node.now);
         run += record;
-        const bool goesOn = i + 1 < toWrite.size() && nodes[toWrite[i + 1]].number == node.number + 1;
+        const bool goesOn = i + 1 < toWrite.size() && toWrite[i + 1] == node.number + 1;
         if (goesOn && run.size() < mostTogether) continue;
         const std::int64_t end = IndexRecordAt(node.number + 1, layout.recordSize);
         code = disk.write(end - static_cast<std::int64_t>(run.size()), run);
@@ -70,23 +69,90 @@ std::int32_t FileTree::State::writeHead(const FileNode& node) {
                       {before, sizeof before});
 }
 
+// Whether a node gets below one that was below it. A new node that rises stood at the end of the way.
+bool FileTree::State::sinks(const FileNode& node, const FileNode& parent) {
+    if (parent.fresh != 0) return true;
+    const auto wasLinked = [&](const FileNode& to) {
+        return to.was[WordLeft] == parent.number || to.was[WordRight] == parent.number;
+    };
+    if (wasLinked(node)) return true;
+    for (const std::int32_t word : {WordLeft, WordRight}) {
+        const FileNode* const child = inMemory(node.was[word]);
+        if (child != nullptr && child->fresh == 0 && wasLinked(*child)) return true;
+    }
+    return false;
+}
+
+// The new link to a node, and those above it.
+void FileTree::State::orderLinkTo(Ref number, std::int32_t depth) {
+    for (std::int32_t level = 0; level < MaxTreeDepth && number != 0; ++level) {
+        if (number == root) orderRoot(depth);
+        const FileNode* const node = inMemory(number);
+        number = node != nullptr ? node->parent : 0;
+        orderNode(number, depth);
+    }
+}
+
+// What must come before comes first: before a link, the node that it leads to; before a node that stays or
+// sinks loses a child, the new link to that. Many changes that are written together can stand in each other's
+// way: then any order will do.
+void FileTree::State::orderNode(Ref number, std::int32_t depth) {
+    FileNode* const node = inMemory(number);
+    if (node == nullptr || !node->pending || depth > 2 * MaxTreeDepth) return;
+    node->pending = false;
+    const FileNode* const parent = inMemory(node->parent);
+    const bool rises = number == root || (parent != nullptr && !sinks(*node, *parent));
+    for (const std::int32_t word : {WordLeft, WordRight}) {
+        const Ref child = node->was[word];
+        const bool lost = child != node->now[WordLeft] && child != node->now[WordRight];
+        if (lost && !rises) orderLinkTo(child, depth + 1);
+    }
+    for (const std::int32_t word : {WordLeft, WordRight}) {
+        const FileNode* const child = inMemory(node->now[word]);
+        if (child != nullptr && child->parent == number && !sinks(*child, *node))
+            orderNode(child->number, depth + 1);
+    }
+    toWrite.push_back(number);
+}
+
+void FileTree::State::orderRoot(std::int32_t depth) {
+    if (!rootPending) return;
+    rootPending = false;
+    orderNode(root, depth);
+    toWrite.push_back(0);
+}
+
+void FileTree::State::orderNodes() {
+    toWrite.clear();
+    rootPending = true;
+    for (FileNode& node : nodes) {
+        const bool inTree = node.number <= records && !node.isFree();
+        node.pending = inTree && node.fresh == 0 && node.differs();
+        if (!inTree || !(node.pending || node.fresh != 0)) continue;
+        for (const std::int32_t word : {WordLeft, WordRight}) {
+            const Ref child = node.now[word];
+            const bool isNew =
+                node.fresh != 0 || (child != node.was[WordLeft] && child != node.was[WordRight]);
+            FileNode* const linked = isNew ? inMemory(child) : nullptr;
+            if (linked != nullptr) linked->parent = node.number;
+        }
+    }
+    for (const FileNode& node : nodes) orderNode(node.number, 0);
+    orderRoot(0);
+    for (const FileNode& node : nodes) {
+        if (node.pending) toWrite.push_back(node.number);
+    }
+}
+
 // The heads of nodes that have changed, and the root at its time.
 std::int32_t FileTree::State::writeNodes() {
-    toWrite.clear();
-    for (std::uint32_t i = 0; i < nodes.size(); ++i) {
-        const FileNode& node = nodes[i];
-        if (node.fresh == 0 && node.number <= records && !node.isFree() && node.differs())
-            toWrite.push_back(i);
-    }
-    std::sort(toWrite.begin(), toWrite.end(),
-              [&](std::uint32_t a, std::uint32_t b) { return nodes[a].moved > nodes[b].moved; });
-    std::int32_t code = 0;
-    for (const std::uint32_t i : toWrite) {
-        if (nodes[i].moved < rootMoved) code = writeControl(root, firstFreeInFile);
-        if (code == 0) code = writeHead(nodes[i]);
+    orderNodes();
+    for (const Ref number : toWrite) {
+        const std::int32_t code =
+            number == 0 ? writeControl(root, firstFreeInFile) : writeHead(*inMemory(number));
         if (code != 0) return code;
     }
-    return writeControl(root, firstFreeInFile);
+    return 0;
 }
 
 std::int32_t FileTree::State::writeFree() {
@@ -120,10 +186,10 @@ void FileTree::State::settle() {
     if (records < recordsInFile) forgetNodes();
     for (FileNode& node : nodes) {
         std::copy(std::begin(node.now), std::end(node.now), std::begin(node.was));
-        node.fresh = node.moved = 0;
+        node.fresh = 0;
+        node.parent = 0;
     }
     fresh.clear();
-    moves = rootMoved = 0;
     recordsInFile = records;
     changed = false;
     committed = true;
@@ -176,7 +242,6 @@ bool FileTree::State::revert() {
     records = recordsInFile;
     root = rootInFile;
     firstFree = firstFreeInFile;
-    moves = rootMoved = 0;
     changed = committed = false;
     return code == 0 || fail(code);
 }

@@ -98,6 +98,10 @@ std::int32_t IndexDisk::reopen() {
     return code;
 }
 
+IndexDisk::~IndexDisk() {
+    if (handle_ >= 0 && !(keeps_ && keepOpen(handle_, mode_, path_))) closeQuietly(handle_);
+}
+
 std::int32_t IndexDisk::close() {
     inBuffer_ = 0;
     const os::Handle handle = std::exchange(handle_, -1);

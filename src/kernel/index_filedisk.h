@@ -33,12 +33,7 @@ public:
 #endif
 
     IndexDisk() {}  // leaves the buffer as it is
-    ~IndexDisk() {
-        try {
-            close();
-        } catch (...) {  // the end of the process, in a test
-        }
-    }
+    ~IndexDisk();
     IndexDisk(const IndexDisk&) = delete;
     IndexDisk& operator=(const IndexDisk&) = delete;
 

@@ -39,7 +39,6 @@ bool FileTree::State::open(const std::string& path, const KeyLayout& keys, os::O
     forgetNodes();
     fresh.clear();
     failure = records = root = firstFree = recordsInFile = rootInFile = firstFreeInFile = 0;
-    moves = rootMoved = 0;
     changed = committed = anyBalance = false;
     layout = keys;
     nearKey = std::min(layout.recordSize, nearBytes) - IndexNodeHeadBytes;
@@ -117,15 +116,19 @@ FileNode* FileTree::State::fetch(Ref number) {
     return &node;
 }
 
+FileNode* FileTree::State::inMemory(Ref number) {
+    if (nodes.empty() || number == 0) return nullptr;
+    const std::uint32_t place = placeOf(number);
+    return place != 0 ? &nodes[place - 1] : nullptr;
+}
+
 FileNode* FileTree::State::load(Ref number) {
     if (number == lastNumber && number != 0) return &nodes[lastPlace];
     if (number < 1 || number > records) return fail(ERR_INDEX_TYPE), nullptr;
-    if (!nodes.empty()) {
-        if (const std::uint32_t place = placeOf(number); place != 0) {
-            lastNumber = number;
-            lastPlace = place - 1;
-            return &nodes[lastPlace];
-        }
+    if (FileNode* const node = inMemory(number); node != nullptr) {
+        lastNumber = number;
+        lastPlace = static_cast<std::uint32_t>(node - nodes.data());
+        return node;
     }
     try {
         return fetch(number);
@@ -146,35 +149,13 @@ void FileTree::State::change(FileNode& node, std::int32_t word, std::int32_t val
     changed = true;
 }
 
-void FileTree::State::moveNode(Ref number) {
-    if (number == 0 || nodes.empty()) return;
-    if (const std::uint32_t place = placeOf(number); place != 0) nodes[place - 1].moved = ++moves;
-}
-
-// The child counts as moved after its parent: index_filecommit.cpp tells why.
-void FileTree::State::link(Ref number, std::int32_t word, Ref child) {
-    FileNode* const node = live(number);
-    if (node == nullptr || node->now[word] == child) return;
-    change(*node, word, child);
-    node->moved = ++moves;
-    moveNode(child);
-}
-
-void FileTree::State::linkRoot(Ref number) {
-    if (root == number) return;
-    root = number;
-    changed = true;
-    rootMoved = ++moves;
-    moveNode(number);
-}
-
 // ---- keys ----
 
 int FileTree::State::order(const KeyView& key, Ref number) {
     if (live(number) == nullptr) return 0;
     const char* const near = nearKeys.data() + lastPlace * static_cast<std::size_t>(nearKey);
     std::int32_t at = 0;
-    for (std::int32_t i = 0; i < layout.count; ++i) {
+    for (std::int32_t i = 0; i < std::min(layout.count, key.count); ++i) {
         const IndexKeyField& field = layout.fields[i];
         const std::int32_t size = PackedFieldBytes(field);
         const int order = at + size <= nearKey ? ComparePacked(key.parts[i], field, near + at)

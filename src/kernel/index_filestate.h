@@ -19,7 +19,8 @@ struct FileNode {
     std::int32_t number = 0;
     std::int32_t now[IndexNodeWords] = {}, was[IndexNodeWords] = {};
     std::uint32_t fresh = 0;  // of a record that is not in the file: its place in `fresh`, from 1
-    std::uint32_t moved = 0;  // when it was linked anew or its links changed last
+    std::int32_t parent = 0;  // while changes are written: the node that is linked to it anew
+    bool pending = false;     // it is still to be written
     bool linksFit = false;    // the links lead to records, or nowhere
     bool sound = false;       // it can be a node of a tree
 
@@ -45,8 +46,6 @@ struct FileTree::State {
     // A node of the tree.
     FileNode* live(Ref number);
     void change(FileNode& node, std::int32_t word, std::int32_t value);
-    void link(Ref number, std::int32_t word, Ref child);
-    void linkRoot(Ref number);
     int order(const KeyView& key, Ref number);
     bool keyBytes(Ref number, std::string& bytes);
     void forgetNodes();
@@ -66,13 +65,13 @@ struct FileTree::State {
     // The same as they stand in the file, and as they did before the last commit.
     std::int32_t recordsInFile = 0, rootInFile = 0, firstFreeInFile = 0;
     std::int32_t rootBefore = 0, firstFreeBefore = 0;
-    std::uint32_t moves = 0, rootMoved = 0;  // the changes of links so far; which was the root's last
     bool changed = false, committed = false, anyBalance = false;
     std::vector<FileNode> nodes;
     std::vector<std::string> fresh;  // whole records
 
 private:
     std::uint32_t& placeOf(Ref number);
+    FileNode* inMemory(Ref number);
     FileNode& enter(Ref number);
     FileNode* fetch(Ref number);
     int orderFar(const KeyPart& part, const IndexKeyField& field, Ref number, std::int32_t at);
@@ -86,18 +85,22 @@ private:
     std::int32_t writeFresh();
     std::int32_t writeHead(const FileNode& node);
     std::int32_t writeNodes();
+    void orderNodes();
+    void orderRoot(std::int32_t depth);
+    void orderLinkTo(Ref number, std::int32_t depth);
+    void orderNode(Ref number, std::int32_t depth);
+    bool sinks(const FileNode& node, const FileNode& parent);
     std::int32_t writeFree();
     std::int32_t writeControl(Ref newRoot, Ref newFirstFree);
     std::int32_t finishCommit(bool wasOpen, std::int32_t code);
     void settle();
 
-    void moveNode(Ref number);
-
-    std::vector<char> nearKeys;          // of nodes[i] at i * nearKey
-    std::vector<std::uint32_t> places;   // by hash of the number: where in nodes, from 1; 0 for none
-    Ref lastNumber = 0;                  // the node that was loaded last,
-    std::uint32_t lastPlace = 0;         // where it stands
-    std::vector<std::uint32_t> toWrite;  // nodes, in the order of their writing
+    std::vector<char> nearKeys;         // of nodes[i] at i * nearKey
+    std::vector<std::uint32_t> places;  // by hash of the number: where in nodes, from 1; 0 for none
+    Ref lastNumber = 0;                 // the node that was loaded last,
+    std::uint32_t lastPlace = 0;        // where it stands
+    std::vector<Ref> toWrite;           // in the order of their writing; 0 is the root
+    bool rootPending = false;
 };
 
 }  // namespace tarn

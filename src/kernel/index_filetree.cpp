@@ -70,7 +70,9 @@ FileTree::Ref FileTree::root() const {
 }
 
 void FileTree::setRoot(Ref node) {
-    state_->linkRoot(node);
+    if (state_->root == node) return;
+    state_->root = node;
+    state_->changed = true;
 }
 
 FileTree::Ref FileTree::child(Ref node, int side) const {
@@ -79,7 +81,8 @@ FileTree::Ref FileTree::child(Ref node, int side) const {
 }
 
 void FileTree::setChild(Ref node, int side, Ref child) {
-    state_->link(node, side != 0 ? WordRight : WordLeft, child);
+    FileNode* const found = state_->live(node);
+    if (found != nullptr) state_->change(*found, side != 0 ? WordRight : WordLeft, child);
 }
 
 int FileTree::balance(Ref node) const {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the modules of lists share: the checks, the addresses of elements, the making of elements and lists.
-// Only those modules include this.
+// Only those modules, and those of tables and data files, include this.
 #pragma once
 
 #include "kernel/adt_kinds.h"

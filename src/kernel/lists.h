@@ -9,7 +9,10 @@
 // value.
 //
 // A list that is held in a file has the element kind + 16 as its tag, and as data a block of 255 bytes with
-// the name of its file; it answers 661 to every use until it is opened.
+// the name of its file; it answers 661 to every use until it is opened (filevalues.h). Every operation opens
+// the file and closes it again (a RowBatch of rowfile.h spares that where there are many), and may fail with
+// 653 when the file is gone, 655 when it has not the rows that are counted, 651, 652 or 654; the list is then
+// as it was. What an element is given must fit the shape of the prototype, as in memory.
 //
 // Every access is checked, in this order: 761 null or no list; 661 held in a file and not open; 610 a null
 // value, a kind outside 1 to 12 or a malformed descriptor; 611 a value of another kind; 603 a position
@@ -37,8 +40,8 @@ void ListInit(ListDescriptor* l, std::int32_t maxlength, const void* prototype, 
 std::int32_t ListCount(const ListDescriptor* l);  // 0 and 761 for no list
 Kind ListElementKind(const ListDescriptor* l);    // KindNone for the untyped list, and with 761 for no list
 bool ListIsInFile(const ListDescriptor* l);
-// The address of an element of a list in memory; null and 603 for a position outside. Valid until the list
-// changes.
+// The address of an element of a list in memory (761); null and 603 for a position outside. Valid until the
+// list changes.
 void* ListRef(ListDescriptor* l, std::int32_t position);
 const void* ListRef(const ListDescriptor* l, std::int32_t position);
 
@@ -46,7 +49,7 @@ void ListGet(const ListDescriptor* l, std::int32_t position, void* v, Kind kind)
 void ListPut(const void* v, Kind kind, std::int32_t position, ListDescriptor* l);
 void ListAppend(const void* v, Kind kind, ListDescriptor* l);  // 618 when a fixed list is full
 // Appends an empty element of the list's shape, to be filled in place, and gives its address, valid until the
-// list changes. Null on failure: 618 as above, 761 for the untyped list.
+// list changes. Null on failure: 618 as above, 761 for the untyped list and one that is held in a file.
 void* ListAppendEmpty(ListDescriptor* l);
 // Lists of strings in memory (761 for others). A position of count + 1 appends; 618 when a fixed list is
 // full.
@@ -56,11 +59,13 @@ void ListInsert(std::int32_t position, const StringDescriptor* v, ListDescriptor
 void ListDelete(std::int32_t position, std::int32_t n, ListDescriptor* l);
 void ListRemoveLast(ListDescriptor* l);  // 603 when there is none
 void ListClear(ListDescriptor* l);       // keeps kind, capacity and prototype
-// Sets the number of records of a file-held list; those that are new are copies of `fill`. 761 for a list in
-// memory.
+// Sets the number of records of a file-held list; those that are new are copies of `fill`, which is not looked
+// at when there are none. 761 for a list in memory; 603 for a number below 0, 610 and 611 for the fill, 618
+// for more than the capacity.
 void ListResize(std::int32_t n, const void* fill, ListDescriptor* l);
 
-// Lists of strings (761 for others), in the order of StringCompare; equal texts keep no certain order.
+// Lists of strings (761 for others), in the order of StringCompare; equal texts keep no certain order. The
+// texts of a file are sorted in memory, and take the place of the old ones at once.
 void ListSort(ListDescriptor* l, bool ascending, bool ignoreCase);
 // The first position that holds `text`; 0 for none.
 std::int32_t ListStringFind(const ListDescriptor* l, const StringDescriptor* text, bool ignoreCase);

@@ -22,7 +22,7 @@ bool hasRoomFor(const ListDescriptor& l, std::int64_t count) {
 
 bool shrink(ListDescriptor& l, std::int32_t count) {
     RowChange change(l);
-    if (!change.begin(true)) return false;
+    if (!change.begin(RowChange::Know::Rows)) return false;
     os::FileError error = change.file().writeCount(count);
     if (error == noError) {
         error = change.file().cutTo(change.file().offsetOf(count + 1));
@@ -34,7 +34,7 @@ bool shrink(ListDescriptor& l, std::int32_t count) {
 bool grow(ListDescriptor& l, std::int32_t count, const void* fill) {
     RowChange change(l);
     std::string& rows = RowBytes();
-    if (!change.begin(true) || !change.file().pack(fill, rows)) return false;
+    if (!change.begin(RowChange::Know::Rows) || !change.file().pack(fill, rows)) return false;
     const auto perBlock = static_cast<std::int32_t>(std::max<std::size_t>(RowBlockBytes / rows.size(), 1));
     const std::string row = rows;
     for (std::int32_t n = 1; n < std::min(perBlock, count - l.count); ++n) rows += row;
@@ -63,7 +63,9 @@ bool WriteRow(ListDescriptor& l, std::int32_t position, const void* element) {
     return WithMemory([&] {
         RowChange change(l);
         std::string& row = RowBytes();
-        if (!change.begin(false) || !change.keep(position) || !change.file().pack(element, row)) return false;
+        if (!change.begin(RowChange::Know::Nothing) || !change.keep(position) ||
+            !change.file().pack(element, row))
+            return false;
         return change.end(change.file().write(position, row), l.count);
     });
 }
@@ -74,7 +76,7 @@ bool AppendRow(ListDescriptor& l, const void* element) {
         if (BatchOfRows* const batch = BatchOfRows::of(l)) return batch->append(l, element);
         RowChange change(l);
         std::string& row = RowBytes();
-        if (!change.begin(true) || !change.file().pack(element, row)) return false;
+        if (!change.begin(RowChange::Know::Rows) || !change.file().pack(element, row)) return false;
         const std::int32_t count = l.count + 1;
         change.adding(count, count);
         os::FileError error = change.file().write(count, row);
@@ -87,7 +89,7 @@ bool RemoveLastRow(ListDescriptor& l) {
     return WithMemory([&] {
         RowChange change(l);
         const std::int32_t last = l.count;
-        if (!change.begin(true) || !change.keep(last)) return false;
+        if (!change.begin(RowChange::Know::Rows) || !change.keep(last)) return false;
         os::FileError error = change.file().writeCount(last - 1);
         if (error == noError && IsFixedList(l)) {
             std::string& empty = RowBytes();
@@ -103,7 +105,7 @@ bool RemoveLastRow(ListDescriptor& l) {
 bool ClearRows(ListDescriptor& l) {
     return WithMemory([&] {
         RowChange change(l);
-        if (!change.begin(false)) return false;
+        if (!change.begin(RowChange::Know::Size)) return false;
         os::FileError error = change.file().writeCount(0);
         if (error == noError) {
             error = change.file().cutTo(change.file().offsetOf(1));

@@ -85,9 +85,11 @@ class RowChange {
 public:
     explicit RowChange(ListDescriptor& l);
 
-    // Opens the file for writing, unless a batch has it open. `counted`: 655 when the file has not the rows
-    // that the descriptor counts.
-    bool begin(bool counted);
+    // What must be known of the file: nothing, when no row comes or goes; its size; that it has the rows that
+    // the descriptor counts (655).
+    enum class Know { Nothing, Size, Rows };
+    // Opens the file for writing, unless a batch has it open.
+    bool begin(Know what);
     [[nodiscard]] RowFile& file() { return *file_; }
     bool keep(std::int32_t position);  // a row that will be overwritten or cut off; 651
     // Rows that will be written where none was counted.
@@ -108,7 +110,7 @@ private:
     ListDescriptor& list_;
     RowFile own_;
     RowFile* file_ = &own_;
-    std::int64_t size_ = 0;
+    std::int64_t size_ = -1;  // unless it is known
     std::int32_t kept_ = 0, firstAdded_ = 0, lastAdded_ = 0;
     bool cut_ = false;
 };

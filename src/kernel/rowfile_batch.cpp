@@ -91,7 +91,7 @@ bool BatchOfRows::flush() {
     list_->count = written();
     gatheredRows_ = 0;
     RowChange change(*list_);
-    bool good = change.begin(false);
+    bool good = change.begin(RowChange::Know::Size);
     if (good) {
         change.adding(list_->count + 1, count);
         os::FileError error = file_.write(list_->count + 1, gathered_);

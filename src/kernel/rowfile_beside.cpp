@@ -74,10 +74,11 @@ std::string FolderOfFile(const std::string& path) {
 os::FileError MakeFileBeside(const std::string& path, NewFile& made) {
     static std::uint32_t count = 0;
     constexpr int attempts = 100, base = 36;
+    constexpr std::int64_t names = base * base * base * base;  // short ones, as the folder may be long
     os::FileError error = os::FileError::Exists;
     for (int i = 0; i < attempts && error == os::FileError::Exists; ++i) {
         char digits[32];
-        const std::int64_t number = os::clock().now() + ++count;
+        const std::int64_t number = (os::clock().now() / names + ++count) % names;
         const char* const end = std::to_chars(digits, digits + sizeof digits, number, base).ptr;
         made.path = folderPart(path) + ".tarnwick-";
         made.path.append(digits, static_cast<std::size_t>(end - digits)).append(ExtensionOf(path));

@@ -193,7 +193,7 @@ std::string& keptBytes() {
 
 RowChange::RowChange(ListDescriptor& l) : list_(l) {}
 
-bool RowChange::begin(bool counted) {
+bool RowChange::begin(Know what) {
     BatchOfRows* const batch = BatchOfRows::of(list_);
     if (batch != nullptr) {
         if (!batch->prepare()) return false;
@@ -201,7 +201,8 @@ bool RowChange::begin(bool counted) {
     } else if (!own_.open(list_, os::OpenMode::ReadWrite)) {
         return false;
     }
-    if (!counted) {
+    if (what == Know::Nothing) return true;
+    if (what == Know::Size) {
         const os::FileError error = file_->size(size_);
         return error == os::FileError::None || RefuseRead(error);
     }
@@ -238,7 +239,8 @@ void RowChange::takeBack() {
 bool RowChange::restoreRows() {
     const auto done = [](os::FileError error) { return error == os::FileError::None; };
     std::int64_t size = 0;
-    if (!done(file_->size(size)) || (size > size_ && !done(file_->cutTo(size_)))) return false;
+    const bool grew = size_ >= 0 && (!done(file_->size(size)) || size > size_);
+    if (grew && !done(file_->cutTo(size_))) return false;
     if (kept_ != 0 && !done(file_->write(kept_, keptBytes()))) return false;
     std::string& empty = RowBytes();
     AddEmptyRows(RowFileName(list_), static_cast<std::size_t>(file_->rowBytes()), 1, empty);

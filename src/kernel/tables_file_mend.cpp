@@ -203,7 +203,7 @@ bool IndexRebuilding::fill(std::int32_t index) {
 }
 
 bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
-    if (duplicate.row != header_.rows.count) return false;
+    if (duplicate.row != header_.rows.count || result_.rowDropped != 0) return false;
     RecordValue rows[2];
     const std::int32_t numbers[] = {duplicate.row, duplicate.first};
     for (const int i : {0, 1}) {

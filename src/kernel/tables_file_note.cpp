@@ -84,7 +84,9 @@ bool ReplaceRow(ListDescriptor& l, std::int32_t position, const void* element) {
         RowChange change(l);
         std::string row;
         std::int64_t size = 0;
-        if (!change.begin(true) || !change.keep(position) || !change.file().pack(element, row)) return false;
+        if (!change.begin(RowChange::Know::Rows) || !change.keep(position) ||
+            !change.file().pack(element, row))
+            return false;
         if (row.size() == 1) return change.end(change.file().write(position, row), l.count);
         RowFile& file = change.file();
         os::FileError error = file.size(size);

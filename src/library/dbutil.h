@@ -48,6 +48,19 @@ void GETOPTIONSRECORD(std::string_view headerRows, std::string_view footerRows, 
 // For a folder without a drive: whether its absolute form is one of `paths` (separated by ";"), in any case.
 bool DIRFINDPATH(std::string_view directory, std::string_view paths);
 
+// Opens a data file as a table that is held in a file. A file that is not there is made, a table file of its
+// own; files of Xbase (.dbf, .xbf), of packed values (.bin) and of unknown extensions are the table's rows
+// themselves. Of XML (.xml) and text (.tab, .csv, .txt) the rows go to a scratch file beside it, whose
+// extension begins with "~"; an older one is deleted. `options` is an options record or null; its separator
+// decides between the forms of delimited text. When a row cannot be read, too, the table is not open: saving
+// it later would lose the row. On any error no scratch file is left and the data file is as it was.
+void TABOPEN(const std::string& filename, const RecordDescriptor* options, TableDescriptor* table);
+// Closes a table of TABOPEN. One with a scratch file is saved to `filename` first if `save`, by the form that
+// belongs to the extension; then the scratch file goes, with its indexes. When saving failed the table stays
+// open, and nothing is lost.
+void TABCLOSE(const std::string& filename, const RecordDescriptor* options, bool save,
+              TableDescriptor* table);
+
 int STRCHARCOUNT(std::string_view text, char character);
 
 struct LineTokens {

@@ -21,7 +21,10 @@
 //
 // A record is the delete flag (blank for a live row, '*' for a deleted one) and the fields without
 // separators. The flag is data: a record whose first field is an enum ahead of the fields of the file
-// (`delete_flag : Tchar`) holds it. A byte 26 may end the file.
+// (`delete_flag : Tchar`), with one field more than the file has, holds it. A byte 26 may end the file.
+// docs/formats/xbase.md has the rules and an example.
+//
+// Cost: linear in the bytes; a row allocates only what unbounded strings need.
 #pragma once
 
 #include "kernel/data/tabular.h"
@@ -49,11 +52,14 @@ std::string XbaseDecodeHeader(std::string_view bytes, XbaseHeader& header);
 // The same for a file. A file that cannot be opened also sets the run-time error.
 std::string XbaseReadHeader(const std::string& filename, XbaseHeader& header);
 bool XbaseFileName(std::string_view name);  // extension .dbf or .xbf, in any case
-// The declaration of a file, a record; "" with a message when that is not possible.
+// The declaration of a file, a record; "" with a message when that is not possible, and "" for a file without
+// fields. Names that a declaration cannot hold, or holds already, are changed. A failure to open also sets
+// the run-time error.
 std::string XbaseTypeInfo(const std::string& filename, std::string& message);
 
 // The declaration's descriptors for a value: 0, or 658. `typeText` gives the names, a line for each field; it
-// must not be empty. Nested records are flattened. A first field "delete_flag : Tchar" has no descriptor.
+// must not be empty. Nested records are flattened; a list or a table stands for its row. A first field
+// "delete_flag : Tchar" has no descriptor, unless it is the only one.
 std::int32_t XbaseBuildDescriptors(const void* value, Kind kind, std::string_view typeText,
                                    XbaseHeader& header);
 // The header of a file of these fields as bytes, dated today, with `records` in it; "" and 658 in `errorCode`
@@ -71,19 +77,23 @@ std::int32_t XbaseCheckValue(const XbaseHeader& header, Kind kind, const void* v
 // 1, of at most 255 each; or of the enum alone.
 bool TypeInfoIsXbaseRecord(const RecordDescriptor* row);
 
-// What was wrong with the first value that could not be carried over; errorCode 0: nothing.
+// What was wrong with the first value that could not be carried over; errorCode 0: nothing, 658, or 802,
+// which is in the error cell too. The field is that of the header, from 1.
 struct XbaseFault {
     std::int32_t errorField = 0, errorCode = 0;
 };
 // One value at `position` (from 0) of a row, which goes on behind what was used, as `fieldNumber` (from 1) of
-// the header does. Records go field by field. The rest is read after a failure. The row is header.recordSize
-// bytes.
+// the header does; at position 0 and field 1 the delete flag is passed over, or written as a blank. Records
+// go field by field. The rest is read after a failure. What fails is zero, empty or a text that is cut; in a
+// row it is blank. The row is header.recordSize bytes; with memory checking on the run-time error is 828 when
+// its last field ends elsewhere.
 void XbaseFromRow(std::string_view rowBytes, std::size_t& position, const XbaseHeader& header,
                   std::int32_t& fieldNumber, void* value, Kind kind, XbaseFault& fault);
 void XbaseToRow(const void* value, Kind kind, const XbaseHeader& header, std::int32_t& fieldNumber,
                 std::string& rowBytes, std::size_t& position, XbaseFault& fault);
 // A whole row, with the delete flag: in the first field of a record that holds it, otherwise not kept, and
-// written as a blank.
+// written as a blank, as a flag of 0 is. Arrays of characters as long as their fields, and other flags, come
+// back as they were, whatever their bytes.
 XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind);
 XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes);
 

@@ -263,6 +263,10 @@ TabResult load(const std::string& filename, std::int32_t mostRows, void* value, 
 
 // ---- saving ----
 
+std::string narrow(const StringDescriptor* s) {
+    return CharacterWidth == 1 ? std::string(StringView(s)) : NarrowTabText(s);
+}
+
 // A declaration with a name and a type for each field of a row, from one that may lack some of both.
 std::string completed(std::string_view typeText, const RowShapeOf& row) {
     const std::vector<XbaseDeclared> declared = XbaseDeclaredFields(typeText);
@@ -328,7 +332,7 @@ private:
     }
     // A row for each line.
     void putLines(const StringDescriptor& s) {
-        const std::string text = CharacterWidth == 1 ? std::string(StringView(&s)) : NarrowTabText(&s);
+        const std::string text = narrow(&s);
         const std::size_t length = header_.length[0];
         for (std::size_t at = 0; at < text.size() && goesOn();) {
             const std::size_t end = std::min(text.find('\n', at), text.size());

@@ -42,7 +42,7 @@ std::int32_t putString(std::string_view text, StringDescriptor& s) {
 void putCharacters(std::string_view text, const ArrayDescriptor& array) {
     const auto size = static_cast<std::size_t>(array.size);
     std::memset(At(array.data), ' ', size);
-    std::memcpy(At(array.data), text.data(), std::min(text.size(), size));
+    text.copy(At(array.data), size);
 }
 
 void clear(char* at, Kind kind) {
@@ -79,7 +79,7 @@ bool writeString(const StringDescriptor& s, char* field, std::size_t length) {
     if (CharacterWidth != 1) narrow = NarrowTabText(&s);
     const std::string_view text = WithoutXbaseFill(CharacterWidth == 1 ? StringView(&s) : narrow);
     if (text.size() > length) return false;
-    std::memcpy(field, text.data(), text.size());
+    text.copy(field, length);
     return true;
 }
 
@@ -87,7 +87,7 @@ bool writeString(const StringDescriptor& s, char* field, std::size_t length) {
 bool writeCharacters(const ArrayDescriptor& array, char* field, std::size_t length) {
     const std::string_view text(At(array.data), static_cast<std::size_t>(array.size));
     if (WithoutXbaseFill(text).size() > length) return false;
-    std::memcpy(field, text.data(), std::min(text.size(), length));
+    text.copy(field, length);
     return true;
 }
 

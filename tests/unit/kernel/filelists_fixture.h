@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tests of lists in files share: a disk in memory that fails, fills up and dies when told, lists on
-// it, and their bytes in hexadecimal.
+// What the tests of lists in files share: a disk in memory that fails, fills up and dies when told, and lists
+// on it.
 #pragma once
 
 #include "kernel/filevalues.h"
@@ -93,8 +93,8 @@ protected:
     static std::string check(const ListValue& l) { return AdtCheck(l.get(), KindList); }
     static std::string nameOf(const ListValue& l) { return FileNameOf(l.get(), KindList); }
 
-    // The bytes of a file, two digits each, in groups of four; zeros in a row as "0*n".
     std::string bytesOf(const std::string& path) const { return files_.contents(path); }
+    // Two digits for each byte; blanks do not count.
     static std::string fromHex(std::string_view digits) {
         std::string bytes;
         int half = -1;

@@ -220,6 +220,31 @@ TEST_F(TableDeaths, AfterALackOfMemoryTheTableIsAsItWas) {
     }
 }
 
+TEST_F(TableDeaths, OpeningANewTableThatFailsLeavesNoFiles) {
+    for (const Layout& layout : layouts) {
+        for (const FileError failure : {FileError::WriteFailed, FileError::DiskFull}) {
+            std::int32_t error = 652;
+            for (int call = 1; error != 0 && !HasFailure(); ++call) {
+                newDisk();
+                SCOPED_TRACE(std::string(layout.name) + ", call " + std::to_string(call));
+                table = closedTable(layout.maps, layout.maxlength);
+                files().failAt(call, failure);
+                error = open(layout.file);
+                // Old indexes that cannot be removed are no failure.
+                const bool removes = files().calls() >= call &&
+                                     files().log()[static_cast<std::size_t>(call) - 1].starts_with("remove ");
+                files().stopFailing();
+                EXPECT_TRUE(error == 0 || error == 652 || error == 654) << error;
+                EXPECT_EQ(FileExists(t(), KindTable), error == 0);
+                EXPECT_TRUE(error == 0 || names().empty());
+                if (removes && error == 0) error = 652;
+            }
+            expectWhole();
+            EXPECT_EQ(add(newRow(1)), 0);
+        }
+    }
+}
+
 // ---- dying ----
 
 // How it ends: the process alone, or the machine, with what of it is on the disk.

@@ -495,6 +495,29 @@ TEST_F(XbaseFiles, AStoppedSaveLeavesTheOldFile) {
     EXPECT_EQ(files_.contents("/d/out.dbf"), "old");
 }
 
+// docs/formats/xbase.md shows these bytes.
+TEST_F(XbaseFiles, AFileIsWrittenByteByByte) {
+    clock_.setLocal({2026, 11, 21, 12, 0, 0, 0});
+    Typed list("x : list\n\tr : record\n\t\tdelete_flag : Tchar\n\t\tid : integer\n\t\tname : string[6]\n"
+               "\t\tok : boolean\n\tend record\nend list\n");
+    for (const Cells& cells : {Cells{ordinal(' '), integer(7), text("Ann", 6), flag(true)},
+                               Cells{ordinal('*'), integer(-40), text("Bob", 6), flag(false)}})
+        putCells(cells, static_cast<RecordDescriptor*>(ListAppendEmpty(list.get<ListDescriptor>())));
+    EXPECT_EQ(saved(list, "delete_flag : Tchar\nid : integer\nname : string[6]\nok : boolean\n"),
+              "\x03\x1A\x0B\x15\x02\x00\x00\x00\x81\x00\x14\x00\x00\x00\x00\x00"
+              "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+              "\x69\x64\x00\x00\x00\x00\x00\x00\x00\x00\x00\x4E\x00\x00\x00\x00"
+              "\x0C\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+              "\x6E\x61\x6D\x65\x00\x00\x00\x00\x00\x00\x00\x43\x00\x00\x00\x00"
+              "\x06\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+              "\x6F\x6B\x00\x00\x00\x00\x00\x00\x00\x00\x00\x4C\x00\x00\x00\x00"
+              "\x01\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+              "\x0D"
+              "            7Ann   T"
+              "*         -40Bob   F"
+              "\x1A"s);
+}
+
 // ---- memory ----
 
 TEST_F(XbaseFiles, ALackOfMemoryLeavesTheTarget) {

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Data files of any form that are opened as tables.
+#include "kernel/data/typeinfo.h"
+#include "kernel/errors.h"
+#include "kernel/filevalues.h"
+#include "kernel/owned.h"
+#include "kernel/records.h"
+#include "kernel/runtime.h"
+#include "kernel/strings.h"
+#include "kernel/tables.h"
+#include "library/dbutil.h"
+#include "library/system.h"
+#include "support/steerable.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace tarn {
+namespace {
+
+class TableFiles : public ::testing::Test {
+protected:
+    TableFiles() : steered_(files_) { files_.putFolder("/d"); }
+    void TearDown() override {
+        table_ = TableValue();
+        EXPECT_EQ(ErrorCell(), 0);
+        EXPECT_EQ(files_.openHandles(), 0);
+    }
+    static std::int32_t takeError() {
+        const std::int32_t code = ErrorCell();
+        ClearError();
+        return code;
+    }
+    // A table in a file, of rows of these columns, with an index on the first unless `keyMap` is 0.
+    TableDescriptor* make(const std::string& columns, std::int32_t keyMap = MakeKeyMap(1),
+                          bool inFile = true) {
+        row_ = RecordValue();
+        std::string fields = columns;
+        TypeInfoChangeIndent(1, fields, MaxTypeInfo);
+        std::size_t position = 0;
+        TypeInfoToValue("T : record\n" + fields + "end record\n", position, row_.get());
+        table_ = TableValue();
+        TableInit(table_.get(), UNBOUNDED, row_.get(), KeyMaps{keyMap}, columns, inFile);
+        EXPECT_EQ(takeError(), 0);
+        return table_.get();
+    }
+    std::string nameOf(std::int32_t number) {
+        RecordValue row;
+        TableRow(table_.get(), number, row.get());
+        return std::string(
+            StringView(static_cast<const StringDescriptor*>(RecordFieldAddress(row.get(), 2))));
+    }
+    void add(std::int32_t number, const std::string& name) {
+        RecordDescriptor* const r = row_.get();
+        WriteAt(RecordFieldAddress(r, 1), number);
+        StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(r, 2)), name);
+        TableAdd(table_.get(), 1, r);
+    }
+    bool opened() { return FileExists(table_.get(), KindTable); }
+    std::vector<std::string> allFiles() {
+        std::vector<std::string> names;
+        files_.list("/d", names);
+        return names;
+    }
+    using Names = std::vector<std::string>;
+
+    os::SteeredFiles files_;
+    os::Steered steered_;
+    TableValue table_;
+    RecordValue row_;
+};
+
+const std::string columns = "number : integer\nname : string[10]\n";
+
+TEST_F(TableFiles, AFileThatIsNotThereIsMade) {
+    make(columns);
+    TABOPEN("/d/new.bin", nullptr, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_TRUE(opened());
+    add(1, "Ada");
+    TABCLOSE("/d/NEW.BIN", nullptr, false, table_.get());  // its own file, in any case
+    EXPECT_EQ(allFiles(), (Names{"new.bin", "new.i1"}));
+    TABOPEN("/d/new.bin", nullptr, table_.get());
+    EXPECT_EQ(TableCount(table_.get()), 1);
+    EXPECT_EQ(nameOf(1), "Ada");
+}
+
+struct Form {
+    const char *file, *scratch, *index, *text, *saved;
+};
+constexpr Form forms[] = {
+    {"f.csv", "f.~sv", "f.i1", "1,Ada\n2,Bob\n", "1,Ada\n2,Bob\n3,Cy\n"},
+    {"f.TAB", "f.~AB", "f.i1", "number\tname\n------\t----\n1\tAda\n2\tBob\n",
+     "number\tname\n------\t----\n1\tAda\n2\tBob\n3\tCy\n"},
+    {"f.xml", "f.~ml", "f.i1",
+     "<T><r><number>1</number><name>Ada</name></r><r><number>2</number><name>Bob</name></r></T>", nullptr},
+};
+
+TEST_F(TableFiles, OtherFormsAreWorkedOnInAScratchFile) {
+    for (const Form& form : forms) {
+        SCOPED_TRACE(form.file);
+        const std::string file = std::string("/d/") + form.file;
+        files_.put(file, form.text);
+        TABOPEN(file, nullptr, make(columns));
+        ASSERT_EQ(takeError(), 0);
+        EXPECT_EQ(FileNameOf(table_.get(), KindTable), std::string("/d/") + form.scratch);
+        EXPECT_EQ(TableCount(table_.get()), 2);
+        EXPECT_EQ(nameOf(2), "Bob");
+        add(3, "Cy");
+        TABCLOSE(file, nullptr, false, table_.get());
+        EXPECT_EQ(files_.contents(file), form.text);  // not saved
+        EXPECT_EQ(allFiles(), (Names{form.file}));
+        EXPECT_FALSE(opened());
+
+        TABOPEN(file, nullptr, make(columns));
+        add(3, "Cy");
+        EXPECT_EQ(takeError(), 0);
+        TABCLOSE(file, nullptr, true, table_.get());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(allFiles(), (Names{form.file}));
+        if (form.saved != nullptr) {
+            EXPECT_EQ(files_.contents(file), form.saved);
+        }
+        TABOPEN(file, nullptr, make(columns));
+        EXPECT_EQ(TableCount(table_.get()), 3);
+        EXPECT_EQ(nameOf(3), "Cy");
+        TABCLOSE(file, nullptr, false, table_.get());
+        files_.remove(file);
+    }
+}
+
+TEST_F(TableFiles, LinesOfTextKeepTheirContentWhenTheyAreNotSaved) {
+    files_.put("/d/f.txt", "one\ntwo\n");
+    TABOPEN("/d/f.txt", nullptr, make("line : string[20]\n", 0));
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(FileNameOf(table_.get(), KindTable), "/d/f.~xt");
+    EXPECT_EQ(TableCount(table_.get()), 2);
+    TableClear(table_.get());
+    TABCLOSE("/d/f.txt", nullptr, false, table_.get());
+    EXPECT_EQ(files_.contents("/d/f.txt"), "one\ntwo\n");
+    EXPECT_EQ(allFiles(), (Names{"f.txt"}));
+}
+
+TEST_F(TableFiles, TheSeparatorOfTheOptionsCounts) {
+    files_.put("/d/f.csv", "a;b\n1;Ada\n");
+    RecordValue options;
+    GETOPTIONSRECORD("1", "0", ";", "-1", options.get());
+    TABOPEN("/d/f.csv", options.get(), make(columns));
+    EXPECT_EQ(nameOf(1), "Ada");
+    add(2, "Bob");
+    TABCLOSE("/d/f.csv", options.get(), true, table_.get());
+    EXPECT_EQ(files_.contents("/d/f.csv"), "number;name\n1;Ada\n2;Bob\n");
+}
+
+TEST_F(TableFiles, AnOlderScratchFileIsDeletedFirst) {
+    files_.put("/d/f.csv", "1,Ada\n");
+    files_.put("/d/f.~sv", "left behind");
+    files_.put("/d/f.i1", "left behind");
+    TABOPEN("/d/f.csv", nullptr, make(columns));
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(TableCount(table_.get()), 1);
+    TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+    EXPECT_EQ(allFiles(), (Names{"f.csv"}));
+}
+
+TEST_F(TableFiles, AFileWithARowThatCannotBeReadIsNotOpened) {
+    const char* const texts[] = {"1,Ada\nx,Bob\n", "1,Ada\n1,Bob\n"};
+    constexpr std::int32_t codes[] = {ERR_INTEGER_CONVERSION, ERR_DUPLICATE_FIELDS};
+    for (std::size_t i = 0; i < 2; ++i) {
+        files_.put("/d/f.csv", texts[i]);
+        TABOPEN("/d/f.csv", nullptr, make(columns));
+        EXPECT_EQ(takeError(), codes[i]);
+        EXPECT_FALSE(opened());
+        EXPECT_EQ(allFiles(), (Names{"f.csv"}));
+        EXPECT_EQ(files_.contents("/d/f.csv"), texts[i]);
+    }
+}
+
+TEST_F(TableFiles, ATableInMemoryCannotBeOpened) {
+    files_.put("/d/f.csv", "1,Ada\n");
+    TABOPEN("/d/f.csv", nullptr, make(columns, MakeKeyMap(1), false));
+    EXPECT_EQ(takeError(), ERR_TYPE_NOT_STORABLE);
+    EXPECT_EQ(allFiles(), (Names{"f.csv"}));
+}
+
+TEST_F(TableFiles, WhatCannotBeSavedStaysOpen) {
+    files_.put("/d/f.csv", "1,Ada\n");
+    TABOPEN("/d/f.csv", nullptr, make(columns));
+    add(2, "Bob");
+    files_.setFreeBytes(0);
+    TABCLOSE("/d/f.csv", nullptr, true, table_.get());
+    EXPECT_EQ(takeError(), ERR_DISK_FULL);
+    EXPECT_EQ(files_.contents("/d/f.csv"), "1,Ada\n");
+    EXPECT_TRUE(opened());
+    EXPECT_EQ(nameOf(2), "Bob");
+    files_.setFreeBytes(1 << 20);
+    TABCLOSE("/d/f.csv", nullptr, true, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(files_.contents("/d/f.csv"), "1,Ada\n2,Bob\n");
+    EXPECT_EQ(allFiles(), (Names{"f.csv"}));
+}
+
+TEST_F(TableFiles, OnlyScratchFilesAreDeleted) {
+    TABOPEN("/d/own.bin", nullptr, make(columns));
+    add(1, "Ada");
+    TABCLOSE("/d/other.csv", nullptr, true, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(allFiles(), (Names{"other.csv", "own.bin", "own.i1"}));
+    EXPECT_EQ(files_.contents("/d/other.csv"), "1,Ada\n");
+}
+
+TEST_F(TableFiles, ClosingWhatIsNotOpenDoesNothing) {
+    TABCLOSE("/d/f.csv", nullptr, true, make(columns));
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_TRUE(allFiles().empty());
+}
+
+}  // namespace
+}  // namespace tarn
