@@ -29,8 +29,7 @@ std::string_view fileNameOf(std::string_view path) {
 // The name as it stands in the header, with the zeros behind it.
 void putTableName(char* at, std::string_view tableFile) {
     std::memset(at, 0, MaxIndexTableName + 1);
-    const std::string_view name = fileNameOf(tableFile).substr(0, MaxIndexTableName);
-    std::memcpy(at, name.data(), name.size());
+    fileNameOf(tableFile).copy(at, MaxIndexTableName);
 }
 
 std::string_view wholeLines(std::string_view text) {
@@ -43,8 +42,7 @@ std::string headerOf(std::string_view tableFile, std::string_view keyText) {
     std::string header(IndexHeaderBytes, '\0');
     PutWord(header.data(), IndexHeaderBytes);
     putTableName(header.data() + IndexTableNameAt, tableFile);
-    const std::string_view text = wholeLines(keyText);
-    std::memcpy(header.data() + IndexTextAt, text.data(), text.size());
+    wholeLines(keyText).copy(header.data() + IndexTextAt, MaxIndexText);
     return header;
 }
 

@@ -101,7 +101,7 @@ DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, 
     STAMP();
     std::string columns = findColumns(filename, options, data);
     if (data.step != DataTable::Step::Done) return data;
-    if (options != nullptr) columns = TYPEINFOFIXIDENTIFIERS(columns, LongestColumnName);
+    columns = TYPEINFOFIXIDENTIFIERS(columns, LongestColumnName);
     STAMP();
     buildTable(columns, data.table.get());
     const std::int32_t code = takeError();

@@ -31,9 +31,8 @@ struct DataTable {
     TableValue table;    // without an index, so the rows are those of the file in their order
     int columns = 0;
 };
-// Finds the columns of a file and reads its rows, which the user may stop. `options` for delimited text, null
-// for any other; with them the names of the columns are made identifiers, and `format` is the code to read it
-// by.
+// Finds the columns of a file, whose names are made identifiers, and reads its rows, which the user may stop.
+// `options` for delimited text, null for any other; `format` is the code to read it by.
 DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, DataFormat format);
 
 // ---- settings of delimited text ----

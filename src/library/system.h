@@ -144,12 +144,19 @@ std::string STRTOIDENTIFIER(std::string_view text, int maxLength, std::string_vi
 // which is left out when `replacement` is empty.
 std::string STRTOIDENTIFIER(std::string_view text, std::string_view firstSet, std::string_view replacement);
 // Makes the names of a type information text identifiers of the language: by the first form above with "_",
-// and "_1" behind words that are reserved, now or for later. A name that is not in double quotes or brackets
-// ends at " : ", or else at the first blank. Closing lines stay as they are. With `dropDeleteFlag` lines
+// and "_1" behind words that are reserved, now or for later; an empty name becomes "n". A name stands in
+// double quotes or brackets, or ends where the line's reader ends it, or, with blanks in it, at " : ", or
+// else at the first blank. Closing lines stay as they are, in any case. With `dropDeleteFlag` lines
 // "delete_flag : Tchar" are left out.
 std::string TYPEINFOFIXIDENTIFIERS(std::string_view text, int maxLength, bool dropDeleteFlag = false);
-void TYPEINFOFIXIDENTIFIERS(StringDescriptor* text, int maxLength, bool dropDeleteFlag = false);  // 756
-// The lines are the strings of a list (761). One that is held in a file must be open.
+// By the second form above without a first set, and "_1" behind words that are reserved now. Lines without
+// " : " behind the name, and "delete_flag : Tchar", stay as they are.
+std::string TYPEINFOFIXIDENTIFIERS(std::string_view text, std::string_view replacement);
+// In place: a text that cannot hold the repaired one stays as it was, with the error (804, 802); one of fixed
+// length is cut with 615. 756 for what is no string.
+void TYPEINFOFIXIDENTIFIERS(StringDescriptor* text, int maxLength, bool dropDeleteFlag = false);
+// The lines are the strings of a list (761), which likewise stays as it was (618, 804, 802), except for the
+// cut of single strings. One that is held in a file must be open.
 void TYPEINFOFIXIDENTIFIERS(ListDescriptor* lines, int maxLength, bool dropDeleteFlag = false);
 
 // ---- windows ----

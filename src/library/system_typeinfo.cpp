@@ -8,80 +8,15 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/lists.h"
+#include "kernel/owned.h"
 #include "kernel/string_text.h"
 
-#include <algorithm>
-#include <iterator>
+#include <utility>
 
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
 namespace {
-
-constexpr std::size_t npos = std::string_view::npos;
-constexpr std::string_view separator = " : ";
-
-// ---- one line ----
-
-struct NamedLine {
-    std::string_view name, rest;  // behind the closing mark of the name
-};
-
-bool splitMarked(std::string_view line, char open, char close, NamedLine& split) {
-    const std::size_t end = line.empty() || line.front() != open ? npos : line.find(close, 1);
-    if (end == npos) return false;
-    split = {line.substr(1, end - 1), line.substr(end + 1)};
-    return true;
-}
-
-// `line` has no indent. A ':' that parts a name from its type without blanks ends the name.
-NamedLine splitName(std::string_view line) {
-    NamedLine split;
-    if (splitMarked(line, '"', '"', split) || splitMarked(line, '[', ']', split)) return split;
-    std::size_t end = line.find(separator);
-    if (end == npos) {
-        end = std::min(line.find_first_of(" \t"), line.size());
-        const std::size_t name = TypeInfoName(line, 1).size();
-        if (name < end && line[name] == ':') end = name;
-    }
-    return {line.substr(0, end), line.substr(end)};
-}
-
-// A line that begins so belongs to its block: "end" is no name there.
-bool beginsAsClosing(std::string_view line) {
-    constexpr std::string_view closings[] = {"end record", "end list", "end table", "end union"};
-    return std::any_of(std::begin(closings), std::end(closings),
-                       [&](std::string_view closing) { return line.substr(0, closing.size()) == closing; });
-}
-
-bool isDeleteFlag(std::string_view line) {
-    return line == "delete_flag : Tchar" || line == "delete_flag\tTchar";
-}
-
-// `line` has no indent and no line end.
-std::string repaired(std::string_view line, int maxLength) {
-    const bool closing = beginsAsClosing(line);
-    if (line == "end" || (closing && line.find(separator) == npos)) return std::string(line);
-    const NamedLine split = splitName(line);
-    std::string result = STRTOIDENTIFIER(split.name, maxLength, "_");
-    if (!closing && (ISRESERVEDWORD(result) || ISFUTURERESERVEDWORD(result))) result += "_1";
-    return result.append(split.rest);
-}
-
-std::string repairedText(std::string_view rest, int maxLength, bool dropDeleteFlag) {
-    std::string result;
-    while (!rest.empty()) {
-        const std::string_view line = ascii::takeLine(rest), body = ascii::withoutLineEnd(line);
-        const std::size_t indent = std::min(body.find_first_not_of(" \t"), body.size());
-        const std::string_view shown = body.substr(indent);
-        if (dropDeleteFlag && isDeleteFlag(shown)) continue;
-        result.append(line.substr(0, indent)).append(repaired(shown, maxLength));
-        result.append(line.substr(body.size()));
-    }
-    return result;
-}
-
-// ---- values of the language ----
 
 std::string joined(const ListDescriptor* lines) {
     std::string text;
@@ -95,21 +30,47 @@ std::string joined(const ListDescriptor* lines) {
     return text;
 }
 
-// Stops when memory is short; a line that is cut (615) is no reason to leave the others as they were.
-void putLines(std::string_view rest, ListDescriptor* lines) {
-    const std::int32_t before = ListCount(lines);
-    std::int32_t count = 0;
+// Calls `put` with each line as a string of its own, until it gives false or a line cannot be made.
+template <class Put>
+bool eachLine(std::string_view rest, Put put) {
     while (!rest.empty()) {
         std::string_view body = ascii::takeLine(rest);
         if (body.back() == '\n') body.remove_suffix(1);
         const String line(body);
-        if (line.view().size() < body.size() || ErrorCell() == ERR_OUT_OF_MEMORY) return;
-        if (++count <= before)
-            ListPut(line.get(), KindString, count, lines);
-        else
-            ListAppend(line.get(), KindString, lines);
+        if (line.length() < static_cast<std::int32_t>(body.size()) || !put(line)) return false;
     }
-    for (std::int32_t n = before; n > count; --n) ListRemoveLast(lines);
+    return true;
+}
+
+bool append(const String& line, ListDescriptor* lines) {
+    const std::int32_t before = ListCount(lines);
+    ListAppend(line.get(), KindString, lines);
+    return ListCount(lines) > before;
+}
+
+// The lines go into a list of the same shape, which then takes the place of the old one: a list that cannot
+// hold them stays as it was. A line that is cut (615) is no reason for that.
+void replaceLines(std::string_view text, ListDescriptor* lines) {
+    ListValue fresh;
+    ListInit(fresh.get(), lines->maxlength, ListRef(lines, 1), KindString, false);
+    if (eachLine(text, [&](const String& line) { return append(line, fresh.get()); }))
+        std::swap(*lines, *fresh.get());
+}
+
+// In a file: what makes the list longer comes first, and goes again when it does not fit.
+void putLines(std::string_view text, ListDescriptor* lines) {
+    const std::int32_t before = ListCount(lines);
+    std::int32_t number = 0;
+    const bool fits =
+        eachLine(text, [&](const String& line) { return ++number <= before || append(line, lines); });
+    for (std::int32_t n = ListCount(lines); !fits && n > before; --n) ListRemoveLast(lines);
+    if (!fits) return;
+    number = 0;
+    const bool all = eachLine(text, [&](const String& line) {
+        if (++number <= before) ListPut(line.get(), KindString, number, lines);
+        return ErrorCell() == 0 || ErrorCell() == ERR_FIXED_STRING;
+    });
+    for (std::int32_t n = before; all && n > number; --n) ListRemoveLast(lines);
 }
 
 }  // namespace
@@ -119,27 +80,25 @@ std::string STRTOIDENTIFIER(std::string_view text, int maxLength, std::string_vi
 }
 
 std::string STRTOIDENTIFIER(std::string_view text, std::string_view firstSet, std::string_view replacement) {
-    const std::string_view put = replacement.substr(0, 1);
-    std::string word;
-    if (!text.empty() && !ascii::isLetter(text[0]) && firstSet.find(text[0]) == npos) word += put;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (ascii::isSymbol(text[i]) || (i == 0 && firstSet.find(text[0]) != npos))
-            word += text[i];
-        else
-            word += put;
-    }
-    return word;
+    return TypeInfoIdentifier(text, firstSet, replacement);
 }
 
 std::string TYPEINFOFIXIDENTIFIERS(std::string_view text, int maxLength, bool dropDeleteFlag) {
-    return repairedText(text, maxLength, dropDeleteFlag);
+    return TypeInfoFixNames(text, maxLength, dropDeleteFlag);
+}
+
+std::string TYPEINFOFIXIDENTIFIERS(std::string_view text, std::string_view replacement) {
+    return TypeInfoFixNames(text, replacement);
 }
 
 void TYPEINFOFIXIDENTIFIERS(StringDescriptor* text, int maxLength, bool dropDeleteFlag) {
     FRAME(TYPEINFOFIXIDENTIFIERS);
     STAMP();
     if (KindOf(text) != KindString) return SetError(ERR_STRING_TYPE);
-    StringAssignView(text, repairedText(NarrowText(text).view(), maxLength, dropDeleteFlag));
+    const std::string repaired = TypeInfoFixNames(NarrowText(text).view(), maxLength, dropDeleteFlag);
+    if (text->maxlength != UNBOUNDED) return StringAssignView(text, repaired);
+    String fresh{std::string_view(repaired)};
+    if (fresh.length() == static_cast<std::int32_t>(repaired.size())) std::swap(*text, *fresh.get());
 }
 
 void TYPEINFOFIXIDENTIFIERS(ListDescriptor* lines, int maxLength, bool dropDeleteFlag) {
@@ -150,7 +109,12 @@ void TYPEINFOFIXIDENTIFIERS(ListDescriptor* lines, int maxLength, bool dropDelet
     if (kind != KindString && kind != KindNone) return SetError(ERR_LIST_TYPE);
     const std::string text = joined(lines);
     // What could not be read must not be written back.
-    if (ErrorCell() == 0) putLines(repairedText(text, maxLength, dropDeleteFlag), lines);
+    if (ErrorCell() != 0 || text.empty()) return;
+    const std::string repaired = TypeInfoFixNames(text, maxLength, dropDeleteFlag);
+    if (ListIsInFile(lines))
+        putLines(repaired, lines);
+    else
+        replaceLines(repaired, lines);
 }
 
 }  // namespace tarn

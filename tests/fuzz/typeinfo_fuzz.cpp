@@ -5,6 +5,7 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/runtime.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -15,6 +16,27 @@ using namespace tarn;
 
 void require(bool holds) {
     if (!holds) std::abort();
+}
+
+// The same lines with a blank at the end of each: one and the same declaration, but another text, so that a
+// merge must walk through both.
+std::string spaced(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+        const std::string_view line = text.substr(0, end);
+        const std::size_t shown = line.find_last_not_of("\r\n") + 1;
+        result.append(line.substr(0, shown)).append(" ").append(line.substr(shown));
+        text.remove_prefix(end);
+    }
+    return result;
+}
+
+void repairNames(const std::string& text) {
+    const std::string once = TypeInfoFixNames(text, 40);
+    require(TypeInfoFixNames(once, 60) == once || text.find_first_of("\"[") != std::string::npos);
+    TypeInfoFixNames(text, "_");
+    TypeInfoFixNames(text, 3, true);
 }
 
 void useLines(std::string text) {
@@ -70,8 +92,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string report, again;
     const std::string merged = TypeInfoMerge(a, b, 2 * MaxTypeInfo, report);
     require(merged.size() < 2 * MaxTypeInfo);
-    require(TypeInfoMerge(merged, merged, 2 * MaxTypeInfo, again) == merged && again.empty());
+    require(TypeInfoMerge(merged, spaced(merged), INT32_MAX, again) == merged && again.empty());
+    require(merged.empty() || merged.back() == '\n');
     useLines(a);
+    repairNames(a);
     for (const std::string& each : {a, b, merged}) buildValues(each);
     require(LiveBlocks() == 0);
     return 0;

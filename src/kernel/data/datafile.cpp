@@ -22,6 +22,7 @@ namespace {
 
 constexpr std::size_t headBytes = 4;
 constexpr std::int32_t rowsWithoutOptions = 100;
+constexpr std::int32_t longestName = 40;
 constexpr const char* noInformation = "Data File information cannot be obtained";
 
 bool isLetter(char c) {
@@ -225,7 +226,7 @@ std::string nestedColumn(std::string_view text) {
     const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
     for (std::int32_t n = 1, column = 0; n <= lines; ++n) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
-        if (element.indent != 0 || element.isEnd()) continue;
+        if (element.indent != 0 || TypeInfoIsClosing(text, n)) continue;
         ++column;
         if (!isRecord(element.typeName) && !isListOrTable(element.typeName)) continue;
         return "Column number " + std::to_string(column) + " \"" + element.name +
@@ -249,7 +250,7 @@ DataFileInfo identify(const std::string& filename, const TabOptions* options) {
         if (info.typeText.empty()) info.message = noInformation;
     }
     if (info.message.empty())
-        info.keys = TypeInfoFieldList(asTable(info.typeText)).keys.names;
+        info.keys = TypeInfoFieldList(asTable(TypeInfoFixNames(info.typeText, longestName))).keys.names;
     else
         info.typeText.clear();
     return info;

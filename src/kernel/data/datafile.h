@@ -31,7 +31,7 @@ struct DataFileInfo {
     DataFormat format = FormatUnknown;
     std::string typeText;  // the columns, one per line; "" when there is a message
     std::string message;   // "" or why the file cannot be used
-    std::string keys;      // names of the default key's columns, separated by ","; "" for none
+    std::string keys;      // of the default key: the repaired names of its columns with "," between, or ""
     TabOptions options;    // how a delimited file was read
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // of a delimited file, as TabDiscover tells them
 };

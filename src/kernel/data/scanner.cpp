@@ -35,7 +35,7 @@ void clear() {
     s.ignoreCase = false;
     s.classIds = noClasses;
     s.matcher.forget();
-    s.symbol = s.symbolLine = 0;
+    s.symbol = s.symbolLine = s.openLine = 0;
     for (Text& text : s.texts) text.clear();
 }
 

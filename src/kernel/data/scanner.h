@@ -73,8 +73,8 @@ enum ScanStatus : std::int32_t {
 inline constexpr std::int32_t SymbolEndOfFile = -1, SymbolUnknown = -2;
 
 // Nothing, with ScanClean, when a file is open, `filename` is empty or the table has no entry. Otherwise
-// reads the first line and scans the first symbol. A file that cannot be opened leaves the scanner closed:
-// the next scan gives the end of the file.
+// reads the first line and scans the first symbol. A file that cannot be opened, or is no regular one (a
+// device need never end a line), leaves the scanner closed: the next scan gives the end of the file.
 ScanStatus ScannerOpen(const std::string& filename, const SymbolTable* table, bool ignoreCase);
 void ScannerClose();
 ScanStatus ScannerNext(const SymbolTable* table);
@@ -118,7 +118,7 @@ struct ErrorRecord {
 void ReportError(ErrorRecord& record, std::int32_t code, std::int32_t line, std::int32_t position,
                  std::string_view message);
 void ScannerReportStatus(ScanStatus status, ErrorRecord& record);
-// 672 for a symbol whose id is not in the set.
+// 672 for a symbol whose id is not in the set, and for every symbol when it is no set.
 void ScannerCheckSymbol(const SymbolTable* table, std::int32_t symbol, const SetDescriptor* allowed,
                         ErrorRecord& record);
 

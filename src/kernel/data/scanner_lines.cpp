@@ -16,7 +16,9 @@ constexpr char endOfFile[1 + ScannerSlack] = {EndOfFileMark};
 
 os::FileError LineReader::open(const std::string& path) {
     close();
-    error_ = os::files().open(path, os::OpenMode::Read, 0, handle_);
+    os::FileInfo info;
+    const bool special = os::files().info(path, info) == os::FileError::None && info.special;
+    error_ = special ? os::FileError::ReadFailed : os::files().open(path, os::OpenMode::Read, 0, handle_);
     ended_ = error_ != os::FileError::None;
     if (ended_) handle_ = -1;
     return error_;
@@ -92,7 +94,7 @@ void LineReader::setLine(std::size_t length) {
     buffer_[next_ + length] = LineEnd;
     line_ = buffer_ + next_;
     length_ = static_cast<std::int32_t>(length + 1);
-    ++number_;
+    number_ = lineNumberAfter(number_);
 }
 
 // More is waiting than a line may hold, and its end was not read yet. What lies beyond is read over the same

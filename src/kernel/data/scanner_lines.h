@@ -16,10 +16,15 @@ namespace tarn {
 // Bytes that may be read and written behind every line and text, so that short runs are copied in one step.
 inline constexpr std::size_t ScannerSlack = 16;
 
+// Lines are counted as far as their number can be told.
+constexpr std::int32_t lineNumberAfter(std::int32_t number) {
+    return number < INT32_MAX ? number + 1 : number;
+}
+
 class LineReader {
 public:
     LineReader() { close(); }
-    os::FileError open(const std::string& path);
+    os::FileError open(const std::string& path);  // ReadFailed for what is no regular file
     void close();
 
     // Goes to the next line. Its line end is one byte 10 in place of LF or CR LF, also behind a last line
@@ -31,7 +36,7 @@ public:
     [[nodiscard]] const unsigned char* end() const { return begin() + length_; }
     [[nodiscard]] std::int32_t number() const { return number_; }  // stays at the end of the file
     [[nodiscard]] std::int64_t bytesRead() const { return offset_; }
-    [[nodiscard]] bool cut() const { return cut_; }                // the line was too long
+    [[nodiscard]] bool cut() const { return cut_; }  // the line was too long
     [[nodiscard]] os::FileError error() const {
         return error_;
     }  // of the opening or of a read; kept by `close`

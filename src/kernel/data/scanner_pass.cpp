@@ -155,6 +155,7 @@ void takeDelimited() {
             takeLineEnd();
         } else if (*s.at == EndOfFileMark) {
             replace(endText);
+            s.openLine = s.symbolLine;
             return note(ScanOpenDelimited);
         } else if (isByte(*s.at, ByteControl)) {
             if (!lineOnly) add(s.terminator);
@@ -179,6 +180,8 @@ bool tableSymbol() {
     if (isByte(*s.at, ByteIdPart) && isEnabled(ClassId) && isIdentifier()) return false;
     s.terminator = match.terminator;
     s.found = SymbolLookup(s.table, s.ignoreCase, taken());
+    // Without regard to case, keys of both cases are not sorted: then the key that was matched counts.
+    if (s.found < 0) s.found = match.id;
     takeDelimited();
     return true;
 }

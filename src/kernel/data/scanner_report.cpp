@@ -2,6 +2,7 @@
 //
 // What people get to see of a scan: the dump of the state, and the texts of failures.
 #include "kernel/data/scanner.h"
+#include "kernel/data/scanner_state.h"
 #include "kernel/errors.h"
 #include "kernel/sets.h"
 
@@ -115,14 +116,14 @@ void ScannerReportStatus(ScanStatus status, ErrorRecord& record) {
     case ScanOpenString: return reportHere(record, ERR_XML_NOT_WELL_FORMED, "String was not terminated");
     case ScanOpenDelimited:
         return reportHere(record, ERR_XML_NOT_WELL_FORMED,
-                          "Comment which started on line " + std::to_string(ScannerSymbolLine()) +
+                          "Comment which started on line " + std::to_string(scanning::s.openLine) +
                               " was not terminated");
     }
 }
 
 void ScannerCheckSymbol(const SymbolTable* table, std::int32_t symbol, const SetDescriptor* allowed,
                         ErrorRecord& record) {
-    if (SetContains(symbol, allowed)) return;
+    if (KindOf(allowed) == KindSet && SetContains(symbol, allowed)) return;
     char name[MaxSymbolKey + 1];
     std::string_view shown = ScannerSymbolStr().substr(0, MaxSymbolKey);
     if (symbol > 0)

@@ -57,6 +57,7 @@ struct Scanner {
     SymbolMatcher matcher;
 
     std::int32_t symbol = 0, symbolLine = 0;
+    std::int32_t openLine = 0;  // where the last delimited symbol began that the file ended in
     Text texts[3];
     Text* symbolText = &texts[0];
     Text* previousText = &texts[1];

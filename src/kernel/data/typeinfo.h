@@ -41,7 +41,7 @@ struct TypeInfoElement {
     std::int32_t indent = 0;
     std::string name, typeName;
     TypeBounds bounds;
-    [[nodiscard]] bool isEnd() const { return name == "end"; }
+    [[nodiscard]] bool isEnd() const;  // closes a block: the name is "end", in any case
 };
 
 // ---- lines ----
@@ -69,8 +69,18 @@ void TypeInfoAppendLineToString(StringDescriptor* text, std::string_view name, s
                                 const TypeBounds& bounds);
 // The kind that a type name stands for, in any case: KindNone for what is none, KindAnyAdt for "adt".
 std::int32_t TypeInfoKind(std::string_view typeName);
-// See the operation of the same name in the language for what repair means: at most `maxLength` characters.
+// See STRTOIDENTIFIER in the language for what repair means: at most `maxLength` characters in the first
+// form,
+// '_' and the length are kept in the second.
 std::string TypeInfoIdentifier(std::string_view text, std::int32_t maxLength, std::string_view replacement);
+std::string TypeInfoIdentifier(std::string_view text, std::string_view firstSet,
+                               std::string_view replacement);
+// A text whose names are identifiers that are no reserved words; see TYPEINFOFIXIDENTIFIERS in the language.
+std::string TypeInfoFixNames(std::string_view text, std::int32_t maxLength, bool dropDeleteFlag = false);
+std::string TypeInfoFixNames(std::string_view text, std::string_view replacement);
+// Whether the line closes a block and is no column that only bears the name of closing lines: "end" and
+// "end record" do, "end : record" declares a column.
+bool TypeInfoIsClosing(std::string_view text, std::int32_t line);
 
 // ---- guessing and merging ----
 
@@ -100,6 +110,7 @@ struct InsertedLines {
 InsertedLines TypeInfoFindInserted(std::string_view a, std::string_view b);
 // One declaration that fits what both fit. `report` is "" or says why the walk stopped; what was merged until
 // then is the result.
+// Of lines that do not fit into `outSize` - 1 characters the result has none, and none of those behind them.
 std::string TypeInfoMerge(std::string_view a, std::string_view b, std::int32_t outSize, std::string& report);
 
 // ---- values ----
@@ -120,6 +131,7 @@ void TypeInfoToTable(const StringDescriptor* text, TableDescriptor* value);
 void TypeInfoToFileVar(const StringDescriptor* text, void* value, Kind kind);
 // `names`: one per line, for TypeInfoDefaultName. "" for kinds above 8 that are no array.
 std::string TypeInfoFromValue(const void* value, Kind kind, std::string_view names = {});
+// At most 40 characters; a name in double quotes has both of them.
 std::string TypeInfoDefaultName(std::string_view names, std::int32_t number);
 // 0, or the number of the first element that differs.
 std::int32_t TypeInfoMatchesValue(std::string_view text, const RecordDescriptor* value);

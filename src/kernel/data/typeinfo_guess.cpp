@@ -8,6 +8,7 @@
 #include "kernel/dates.h"
 #include "kernel/fixed.h"
 #include "kernel/numbers.h"
+#include "kernel/padding.h"
 #include "kernel/runtime.h"
 
 #include <limits>
@@ -40,14 +41,15 @@ bool readsAsBoolean(std::string_view value) {
     return ok;
 }
 
-// A sign, digits and blanks behind, whatever the size of the number: "integer" by its form.
+// A sign, digits and blanks behind, whatever the size of the number: "integer" by its form. As with the other
+// numbers, a tab or a line end behind makes it a text.
 bool readsAsInteger(std::string_view value) {
-    value = trimmed(value);
+    value = Unpadded(value);
     if (!value.empty() && (value.front() == '+' || value.front() == '-')) value.remove_prefix(1);
     return !value.empty() && std::all_of(value.begin(), value.end(), isDigit);
 }
 bool fitsInteger(std::string_view value) {
-    value = trimmed(value);
+    value = Unpadded(value);
     std::int32_t number = 0;
     std::size_t end = 0;
     IntegerFromText(value, number, end);
@@ -99,7 +101,7 @@ public:
 
 private:
     void skipBlanks() {
-        while (!rest_.empty() && isBlank(rest_.front())) rest_.remove_prefix(1);
+        while (!rest_.empty() && rest_.front() == ' ') rest_.remove_prefix(1);
     }
     bool accept(std::string_view mark) {
         if (rest_.substr(0, mark.size()) != mark) return false;

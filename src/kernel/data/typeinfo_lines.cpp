@@ -29,7 +29,10 @@ public:
         line_.typeName = body_.substr(start, std::min<std::size_t>(at_ - start, MaxTypeName));
         line_.typeEnd = at_;
         skipBlanks();
-        if (accept('[')) bounds();
+        const bool bracket = accept('[');
+        if (bracket) bounds();
+        const bool closed = !bracket || accept(']');
+        line_.whole = closed && !line_.name.empty() && skipBlanks() == body_.size();
         return line_;
     }
 
@@ -44,10 +47,13 @@ private:
         while (isBlank(peek())) ++at_;
         return at_;
     }
-    void setName(std::string_view name) { line_.name = name.substr(0, MaxTypeInfoName); }
-    bool acceptColon() {
+    // The name stands at `start`; what parts it from the type, as far as it was not read yet, follows here.
+    bool setName(std::size_t start, std::string_view name) {
+        line_.name = name.substr(0, MaxTypeInfoName);
+        line_.nameEnd = start + name.size();
         skipBlanks();
         accept(':');
+        line_.colon = body_.substr(line_.nameEnd, at_ - line_.nameEnd).find(':') != npos;
         return true;
     }
 
@@ -55,9 +61,7 @@ private:
     bool quotedName() {
         const std::size_t start = at_++;
         while (peek() >= 32 && peek() <= 126 && peek() != '"') ++at_;
-        if (!accept('"')) return false;
-        setName(body_.substr(start, at_ - start));
-        return acceptColon();
+        return accept('"') && setName(start, body_.substr(start, at_ - start));
     }
     bool plainName() {
         const std::size_t start = at_;
@@ -67,8 +71,7 @@ private:
         skipBlanks();
         if (!colon && !isTypeChar(peek()) && peek() != ':') name = splitName(start, name);
         while (!name.empty() && name.back() == ':') name.remove_suffix(1);
-        setName(name);
-        return acceptColon();
+        return setName(start, name);
     }
     // No type stands behind the name: what is behind its last ':' may be one.
     std::string_view splitName(std::size_t start, std::string_view name) {
@@ -128,6 +131,12 @@ constexpr struct {
     {"list", KindList},       {"adt", KindAnyAdt},
 };
 
+bool isBlockWord(std::string_view word) {
+    constexpr std::string_view words[] = {"record", "union", "list", "table"};
+    return std::any_of(std::begin(words), std::end(words),
+                       [=](std::string_view each) { return equalWords(word, each); });
+}
+
 void appendRange(std::string& text, std::int32_t lb, std::int32_t ub, std::string_view before) {
     if (lb != TypeInfoNoValue) text.append(before) += std::to_string(lb);
     if (ub != TypeInfoNoValue) text.append(":") += std::to_string(ub);
@@ -160,10 +169,11 @@ std::string boundsText(const TypeBounds& b) {
 }
 
 bool opensBlock(const Line& line) {
-    constexpr std::string_view openers[] = {"record", "union", "list", "table"};
-    return !line.isEnd() && std::any_of(std::begin(openers), std::end(openers), [&](std::string_view word) {
-        return equalWords(line.typeName, word);
-    });
+    return !line.isEnd() && isBlockWord(line.typeName);
+}
+
+bool closesBlock(const Line& line) {
+    return line.isEnd() && line.whole && !line.colon && (line.typeName.empty() || isBlockWord(line.typeName));
 }
 
 void cutTo(std::string& text, std::int32_t size) {
@@ -174,6 +184,14 @@ void cutTo(std::string& text, std::int32_t size) {
 }  // namespace typeinfo
 
 using namespace typeinfo;
+
+bool TypeInfoElement::isEnd() const {
+    return isEndName(name);
+}
+
+bool TypeInfoIsClosing(std::string_view text, std::int32_t line) {
+    return closesBlock(readLine(lineOf(text, line)));
+}
 
 TypeInfoElement TypeInfoParseLine(std::string_view text, std::int32_t line) {
     const Line read = readLine(lineOf(text, line));
@@ -287,23 +305,6 @@ std::int32_t TypeInfoKind(std::string_view typeName) {
     const auto* const row = std::find_if(std::begin(kinds), std::end(kinds),
                                          [&](const auto& k) { return equalWords(k.name, typeName); });
     return row != std::end(kinds) ? row->kind : std::int32_t{KindNone};
-}
-
-std::string TypeInfoIdentifier(std::string_view text, std::int32_t maxLength, std::string_view replacement) {
-    const auto most = static_cast<std::size_t>(std::max(maxLength, 0));
-    const bool startsWord = !replacement.empty() && isLetter(replacement.front());
-    std::string word;
-    for (std::size_t i = 0; i < text.size() && word.size() < most; ++i) {
-        const char c = text[i];
-        if (isLetter(c) || (i > 0 && isDigit(c)))
-            word += c;
-        else if (i > 0 || startsWord)
-            word += replacement;
-        else
-            word += 'n';
-    }
-    if (word.size() > most) word.resize(most);
-    return word;
 }
 
 }  // namespace tarn

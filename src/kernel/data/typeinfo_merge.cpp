@@ -4,7 +4,8 @@
 // the two stand at different names, one of them may have lines that the other lacks: the walk looks ahead in
 // the same block for the line at which the other stands. It never looks past the end of the block, and takes
 // no line for one that is lacking whose name the other has further on: elements that changed places are a
-// change of names.
+// change of names. Closing lines are called "end" whatever their case; a line whose name cannot be read is
+// called by its whole text, so that two such lines are one element only when they are the same.
 //
 // Lines keep the indent of `a`. Cost: linear; the table of names is only made when names differ.
 #include "kernel/data/typeinfo_text.h"
@@ -21,8 +22,17 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
+std::string_view nameOf(const Line& line) {
+    if (line.isEnd()) return "end";
+    return line.name.empty() ? trimmed(withoutLineEnd(line.text)) : line.name;
+}
+
+std::string_view shownName(const Line& line) {
+    return nameOf(line).substr(0, MaxTypeInfoName);
+}
+
 bool sameElement(const Line& a, const Line& b) {
-    return a.name == b.name && equalWords(a.typeName, b.typeName);
+    return nameOf(a) == nameOf(b) && equalWords(a.typeName, b.typeName);
 }
 
 // ---- the lines of a declaration ----
@@ -50,14 +60,14 @@ public:
             while (at < size() && lines_[at].indent > line.indent) ++at;
             return at < size() && sameElement(lines_[at], line) ? at : npos;
         }
-        for (const std::size_t* candidate = named(line.name, at); candidate != nullptr && *candidate != npos;
-             ++candidate)
+        for (const std::size_t* candidate = named(nameOf(line), at);
+             candidate != nullptr && *candidate != npos; ++candidate)
             if (sameElement(lines_[*candidate], line)) return *candidate;
         return npos;
     }
     // Whether the block of `at` has an element of that name and indent from there on.
     [[nodiscard]] bool has(const Line& line, std::size_t at) {
-        return line.indent == lines_[at].indent && named(line.name, at) != nullptr;
+        return line.indent == lines_[at].indent && named(nameOf(line), at) != nullptr;
     }
 
 private:
@@ -81,7 +91,7 @@ private:
             while (!open.empty() && lines_[open.back()].indent >= lines_[i].indent) open.pop_back();
             blocks_.push_back(open.empty() ? npos : open.back());
             open.push_back(i);
-            table_[key(i, lines_[i].name)].push_back(i);
+            table_[key(i, nameOf(lines_[i]))].push_back(i);
         }
         for (auto& entry : table_) entry.second.push_back(npos);
     }
@@ -166,23 +176,27 @@ constexpr struct {
 
 constexpr std::int32_t leastWidenedText = 40;
 
-// A text without a length, or with that of an unbounded string, holds every text.
-bool holdsEveryText(const Line& line) {
-    const bool text = TypeInfoKind(line.typeName) == KindString && !equalWords(line.typeName, "any");
-    return text && (line.bounds.lb1 == TypeInfoNoValue || line.bounds.lb1 == UNBOUNDED);
+// A text without a length, or with that of an unbounded string, holds every text, and a dynamic set every
+// set.
+bool holdsEvery(const Line& line) {
+    const TypeBounds& b = line.bounds;
+    const std::int32_t kind = TypeInfoKind(line.typeName);
+    if (kind == KindSet) return b.lb1 == TypeInfoNoValue && b.ub1 == TypeInfoNoValue;
+    const bool text = kind == KindString && !equalWords(line.typeName, "any");
+    return text && (b.lb1 == TypeInfoNoValue || b.lb1 == UNBOUNDED);
+}
+
+// The greatest that a range holds; a single bound is both ends of its range.
+std::int32_t upperOf(std::int32_t lb, std::int32_t ub) {
+    return ub != TypeInfoNoValue ? ub : lb;
 }
 
 // Ranges widen to both sides; of single bounds the greater holds both.
 void widenRange(std::int32_t& lb, std::int32_t& ub, std::int32_t otherLb, std::int32_t otherUb) {
-    if (ub == TypeInfoNoValue && otherUb == TypeInfoNoValue) {
-        lb = std::max(lb, otherLb);
-        return;
-    }
-    if (lb == TypeInfoNoValue || otherLb == TypeInfoNoValue)
-        lb = std::max(lb, otherLb);
-    else
-        lb = std::min(lb, otherLb);
-    ub = std::max(ub, otherUb);
+    const bool ranges = ub != TypeInfoNoValue || otherUb != TypeInfoNoValue;
+    const bool both = lb != TypeInfoNoValue && otherLb != TypeInfoNoValue;
+    if (ranges) ub = std::max(upperOf(lb, ub), upperOf(otherLb, otherUb));
+    lb = ranges && both ? std::min(lb, otherLb) : std::max(lb, otherLb);
 }
 
 TypeBounds widerBounds(TypeBounds a, const TypeBounds& b) {
@@ -211,18 +225,18 @@ private:
     bool step() {
         const Line &a = a_[i_], &b = b_[j_];
         if (sameElement(a, b)) {
-            if (a.bounds == b.bounds || holdsEveryText(a))
+            if (a.bounds == b.bounds || holdsEvery(a))
                 put(a, a.indent);
-            else if (holdsEveryText(b))
+            else if (holdsEvery(b))
                 put(b, a.indent);
             else
                 putWithBounds(a, widerBounds(a.bounds, b.bounds));
             return advance(1, 1);
         }
-        const bool mayLack = a.name != b.name || (a.isEnd() && a.indent != b.indent);
-        if (mayLack && putLacking()) return true;
-        if (a.name != b.name)
-            return stop("The name of an element changed, from '", a.name, "' to '", b.name, "'");
+        const bool renamed = nameOf(a) != nameOf(b);
+        if ((renamed || (a.isEnd() && a.indent != b.indent)) && putLacking()) return true;
+        if (renamed)
+            return stop("The name of an element changed, from '", shownName(a), "' to '", shownName(b), "'");
         if (putWider()) return true;
         return stop("The type of element '", a.name, "' changed, from ", a.typeName, " to ", b.typeName);
     }
@@ -269,9 +283,9 @@ private:
         } else if (result == Widening::WiderBlock) {
             lines = isA ? a_.blockSize(i_) : b_.blockSize(j_);
             putBlock(isA ? a_ : b_, isA ? i_ : j_, lines, indent - wide.indent);
-        } else if (result == Widening::WiderText && !holdsEveryText(wide)) {
+        } else if (result == Widening::WiderText && !holdsEvery(wide)) {
             TypeBounds bounds;
-            bounds.lb1 = std::max(wide.bounds.lb1, leastWidenedText);
+            bounds.lb1 = std::max(upperOf(wide.bounds.lb1, wide.bounds.ub1), leastWidenedText);
             putWithBounds(wide, bounds);
         } else {
             put(wide, indent);
@@ -279,21 +293,20 @@ private:
         return advance(isA ? lines : 1, isA ? 1 : lines);
     }
 
-    // ---- writing, at most as much as the buffer of the caller holds ----
+    // ---- writing whole lines, until one does not fit into the buffer of the caller ----
 
-    void append(std::string_view text) { out_.append(text.substr(0, most_ - out_.size())); }
+    void putLine(std::size_t tabs, std::string_view text, std::string_view end) {
+        full_ = full_ || most_ - out_.size() < tabs + text.size() + end.size();
+        if (!full_) out_.append(tabs, '\t').append(text).append(end);
+    }
     void putText(std::int32_t indent, std::string_view text) {
-        out_.append(std::min(static_cast<std::size_t>(std::max(indent, 0)), most_ - out_.size()), '\t');
-        append(text);
-        append("\n");
+        putLine(static_cast<std::size_t>(std::max(indent, 0)), text, "\n");
     }
     void put(const Line& line, std::int32_t indent) {
-        if (line.indent != indent) {
+        if (line.indent != indent)
             putText(indent, withoutLineEnd(line.text).substr(static_cast<std::size_t>(line.indent)));
-            return;
-        }
-        append(line.text);
-        if (line.text.back() != '\n') append("\n");
+        else
+            putLine(0, line.text, line.text.back() == '\n' ? "" : "\n");
     }
     // The line up to its bracket, and new bounds.
     void putWithBounds(const Line& line, const TypeBounds& bounds) {
@@ -306,6 +319,7 @@ private:
     Declaration a_, b_;
     std::size_t most_;
     std::size_t i_ = 0, j_ = 0;
+    bool full_ = false;
     std::string out_, report_;
 };
 

@@ -113,10 +113,11 @@ bool buildTable(std::string_view text, TableDescriptor& value, bool inFile) {
     return value.tag != 0;
 }
 
+// In the form that every reader takes, however it was written.
 std::string typeTextOf(const Line& line) {
-    std::string text = TypeInfoTypeText(line.text, 1);
+    std::string text(line.typeName);
     if (!text.empty() && text.front() == 't') text.front() = 'T';
-    return text;
+    return text + boundsText(line.bounds);
 }
 
 }  // namespace

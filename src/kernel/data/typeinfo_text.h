@@ -54,13 +54,19 @@ constexpr std::string_view trimmed(std::string_view text) {
     return text;
 }
 
+constexpr bool isEndName(std::string_view name) {
+    return equalWords(name, "end");
+}
+
 struct Line {
     std::string_view text;  // the whole line, with its line feed
     std::int32_t indent = 0;
     std::string_view name, typeName;
-    std::size_t typeEnd = 0;  // where in the text the type name ends
+    std::size_t nameEnd = 0, typeEnd = 0;  // where in the text the name, uncut, and the type name end
     TypeBounds bounds;
-    [[nodiscard]] bool isEnd() const { return name == "end"; }
+    bool colon = false;  // stands between name and type
+    bool whole = false;  // a name that may be read, and nothing behind the type and its bounds
+    [[nodiscard]] bool isEnd() const { return isEndName(name); }
 };
 Line readLine(std::string_view line);
 std::string_view lineOf(std::string_view text, std::int32_t number);  // empty for one that is not there
@@ -69,6 +75,8 @@ std::int32_t countLines(std::string_view text);                       // a last 
 // "[lb1:ub1,...]", "" when there is no first bound.
 std::string boundsText(const TypeBounds& bounds);
 bool opensBlock(const Line& line);  // a record, a union, a list or a table
+// "end", alone or with one of those words, and nothing else. What closes a block for a reader may be more.
+bool closesBlock(const Line& line);
 // The text that a buffer of `size` characters can hold.
 void cutTo(std::string& text, std::int32_t size);
 

@@ -40,11 +40,16 @@ bool makeString(const Line& line, void* value) {
     return false;
 }
 
-// A set without bounds is a dynamic one.
+// A set without bounds is a dynamic one; the numbers that stand for that elsewhere are no bounds.
 bool makeSet(const Line& line, void* value) {
     auto* s = static_cast<SetDescriptor*>(value);
-    const bool dynamic = line.bounds.lb1 == TypeInfoNoValue && line.bounds.ub1 == TypeInfoNoValue;
-    SetInit(s, dynamic ? UNBOUNDED : line.bounds.lb1, dynamic ? UNBOUNDED : line.bounds.ub1);
+    const TypeBounds& b = line.bounds;
+    const bool dynamic = b.lb1 == TypeInfoNoValue && b.ub1 == TypeInfoNoValue;
+    *s = {};
+    if (b.lb1 == UNBOUNDED)
+        SetError(ERR_SET_BOUNDS);
+    else
+        SetInit(s, dynamic ? UNBOUNDED : b.lb1, dynamic ? UNBOUNDED : b.ub1);
     return s->tag != 0;
 }
 
@@ -201,6 +206,7 @@ TypeBounds boundsOf(const void* value, Kind kind) {
         bounds.lb1 = capacity == UNBOUNDED ? TypeInfoNoValue : capacity;
     } else if (kind == KindSet) {
         const auto s = ReadAt<SetDescriptor>(value);
+        if (s.maxlength == DYNAMIC_BOUNDS) return bounds;
         bounds.lb1 = s.lower;
         bounds.ub1 = s.upper;
     } else if (kind == KindArray) {
@@ -229,8 +235,9 @@ bool isIdentifier(std::string_view name) {
 // What a declared element says of the bounds of its value.
 TypeBounds declaredBounds(const Line& line) {
     TypeBounds bounds = line.bounds;
-    if (TypeInfoKind(line.typeName) == KindString) bounds.lb1 = capacityOf(line);
-    if (bounds.lb1 == UNBOUNDED) bounds.lb1 = TypeInfoNoValue;
+    if (TypeInfoKind(line.typeName) != KindString) return bounds;
+    const std::int32_t capacity = capacityOf(line);
+    bounds.lb1 = capacity == UNBOUNDED ? TypeInfoNoValue : capacity;
     return bounds;
 }
 
@@ -239,6 +246,13 @@ bool matchesField(const Line& line, const void* value, Kind kind) {
     const std::int32_t declared = TypeInfoKind(line.typeName);
     if (declared != kind && !(declared == KindAnyAdt && IsAdtKind(kind))) return false;
     return declaredBounds(line) == boundsOf(value, kind);
+}
+
+// Those behind the last line that says something.
+void dropEmptyLines(std::string& text) {
+    const std::size_t last = text.find_last_not_of(" \t\r\n");
+    const std::size_t end = last == std::string::npos ? last : text.find('\n', last);
+    text.resize(end == std::string::npos ? 0 : end + 1);
 }
 
 bool isRecord(const void* value) {
@@ -257,6 +271,7 @@ Source sourceOf(std::string_view text) {
         if (equalWords(line.typeName, "list")) return std::int32_t{KindList};
         return equalWords(line.typeName, "table") ? std::int32_t{KindTable} : std::int32_t{KindNone};
     };
+    dropEmptyLines(source.text);
     const std::int32_t lines = countLines(source.text);
     const Line first = readLine(lineOf(source.text, 1)), last = readLine(lineOf(source.text, lines));
     const bool pair = lines >= 2 && !first.isEnd() && last.isEnd() && kindOf(first) != 0 && kindOf(last) != 0;
@@ -325,8 +340,11 @@ void TypeInfoToList(const StringDescriptor* text, ListDescriptor* value) {
 }
 
 std::string TypeInfoDefaultName(std::string_view names, std::int32_t number) {
-    const std::string_view line = withoutLineEnd(lineOf(names, number));
-    const std::string_view name = trimmed(line.substr(0, line.find(" : ")));
+    const std::string_view line = trimmed(withoutLineEnd(lineOf(names, number)));
+    const bool quoted = !line.empty() && line.front() == '"';
+    std::string_view name = quoted ? readLine(line).name : std::string_view();
+    if (name.size() > longestName) return std::string(name.substr(0, longestName - 1)) + '"';
+    if (name.empty()) name = trimmed(line.substr(0, line.find(" : ")));
     if (name.empty()) return "FIELD" + std::to_string(number);
     return std::string(name.substr(0, longestName));
 }

@@ -19,6 +19,8 @@ namespace tarn {
 
 namespace {
 
+constexpr std::int32_t longestName = 40;
+
 std::int32_t itemsOf(const void* value, Kind kind) {
     switch (kind) {
     case KindRecord:
@@ -108,7 +110,8 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
         return loadInnerList(filename, table);
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
-    if (single && TypeInfoMatchesValue(fieldsOf(text), rowShape(table)) == 0)
+    // Names need only be good enough to be repaired: fields are bound in their order.
+    if (single && TypeInfoMatchesValue(TypeInfoFixNames(fieldsOf(text), longestName), rowShape(table)) == 0)
         return loadSingleRecord(filename, table);
     return direct;
 }

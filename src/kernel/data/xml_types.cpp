@@ -71,9 +71,9 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
 
 void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text) {
     constexpr std::size_t mostSeen = 100;
-    if (text.empty() || broken_ || seen_.contains(text)) return;
+    if (text.empty() || broken_ || text_.size() > most || seen_.contains(text)) return;
     std::string report;
-    std::string merged = text_.empty() ? text : TypeInfoMerge(text_, text, MaxXmlTypeText + 2, report);
+    std::string merged = text_.empty() ? text : TypeInfoMerge(text_, text, INT32_MAX, report);
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();

@@ -99,6 +99,31 @@ TEST_F(DataFiles, TextIsReadByItsFirstLine) {
     EXPECT_EQ(info.options.maxdatarows, -1);
 }
 
+TEST_F(DataFiles, KeysHaveTheRepairedNamesOfTheColumns) {
+    const struct {
+        const char *header, *row, *keys;
+    } cases[] = {{"id,end,qty", "1,2,3", "id,end_1,qty"},
+                 {"id,End,qty", "1,2,3", "id,End_1,qty"},
+                 {"\"price : EUR\",qty", "1,2", "price___EUR,qty"},
+                 {"\"last; first\",qty", "1,2", "last__first,qty"},
+                 {"order no,group", "1,2", "order_no,group_1"},
+                 {"a heading of just over thirty-eight chars,qty", "1,2",
+                  "a_heading_of_just_over_thirty_eight_char,qty"}};
+    const TabOptions header{1, 0, ',', -1};
+    for (const auto& c : cases) {
+        files_.put("/d/f.csv", c.header + "\n"s + c.row + "\n" + c.row + "\n");
+        const DataFileInfo info = GetDataFileInfo("/d/f.csv", &header);
+        EXPECT_EQ(info.message, "") << c.header;
+        EXPECT_EQ(info.keys, c.keys) << info.typeText;
+    }
+    files_.put(
+        "/d/f",
+        "<rows><r><id>1</id><end>5</end><qty>3</qty></r><r><id>2</id><end>6</end><qty>4</qty></r></rows>");
+    const DataFileInfo info = GetDataFileInfo("/d/f", nullptr);
+    EXPECT_EQ(info.typeText, "id : integer\nend : integer\nqty : integer\n");
+    EXPECT_EQ(info.keys, "id,end_1,qty");
+}
+
 TEST_F(DataFiles, WithoutOptionsAHundredRowsAreLookedAt) {
     std::string text;
     for (int i = 0; i < 100; ++i) text += "1,2\n";
@@ -128,6 +153,10 @@ TEST_F(DataFiles, XmlGivesItsColumns) {
     EXPECT_EQ(info.typeText, "a : integer\nb : string[2]\n");
     EXPECT_EQ(message("<data><a>1</a><b><c>1</c><d>2</d></b></data>"),
               "Column number 2 \"b\" contains a nested record - columns cannot contain nested data");
+    for (const std::string name : {"end", "End"})
+        EXPECT_EQ(message("<data><a>1</a><" + name + "><c>1</c><d>2</d></" + name + "></data>"),
+                  "Column number 2 \"" + name +
+                      "\" contains a nested record - columns cannot contain nested data");
     EXPECT_EQ(message("<data/>"), "File '/d/f' contains no XML data apart from the outermost element.");
     const std::string broken = message("<data><a>1</b></data>");
     EXPECT_NE(broken.find(" (Line 1, Position "), std::string::npos) << broken;

@@ -647,7 +647,8 @@ TEST_P(IndexModel, TheTreeDoesAsAnOrderedMapDoes) {
             if (model.count(key) != 0) model[key] = -step;
         } else {
             const char* op = operators[random() % 7];
-            const IndexHit hit = IndexFind(op, &root, memory, record.get()), right = expectedHit(model, op, key);
+            const IndexHit hit = IndexFind(op, &root, memory, record.get()),
+                           right = expectedHit(model, op, key);
             EXPECT_EQ(hit.found, right.found) << op;
             EXPECT_EQ(hit.row, right.row) << op;
         }

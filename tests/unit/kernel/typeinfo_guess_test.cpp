@@ -73,6 +73,33 @@ TEST(TypeInfoGuess, Numbers) {
     for (const Row& row : rows) expectGuess(row, "NULL");
 }
 
+// The readers of numbers pass over blanks alone.
+TEST(TypeInfoGuess, ATabOrALineEndBehindANumberMakesItAText) {
+    for (const char* number : {"42", "-1", "99999999999999999999999", "1.5", "1E6"}) {
+        for (const char* behind : {"\t", "\r", "\n", "\r\n", " \t", "\t "}) {
+            const std::string value = std::string(number) + behind;
+            expectGuess({value, 'S', static_cast<std::int32_t>(value.size())}, "NULL");
+            EXPECT_EQ(TypeInfoValueLine(value, "a", "NULL", ""),
+                      "a : string[" + std::to_string(value.size()) + "]\n");
+        }
+        for (const char* before : {"\t", "\r\n", "\n\t "})
+            EXPECT_EQ(TypeInfoGuessValue(std::string(before) + number + "  ", "NULL").kind,
+                      TypeInfoGuessValue(number, "NULL").kind);
+    }
+    for (const char* behind : {"\t", "\r", "\n"}) {
+        expectGuess({"yes"s + behind, 'S', 4}, "NULL");
+        expectGuess({"[1,2]"s + behind, 'S', 6}, "NULL");
+        expectGuess({"[1"s + behind + ",2]", 'S', 6}, "NULL");
+    }
+}
+
+// As reals are printed they have a sign.
+TEST(TypeInfoGuess, InfinityIsARealWithItsSignOnly) {
+    for (const char* word : {"+INF", "-INF", " +INF ", "+NAN"}) expectGuess({word, 'R'}, "NULL");
+    for (const char* word : {"INF", "inf", "NAN", "Infinity", "+INFINITY", "+ INF", "+INF\t"})
+        expectGuess({word, 'S', static_cast<std::int32_t>(std::string(word).size())}, "NULL");
+}
+
 TEST(TypeInfoGuess, DatesAreTwentyFourWide) {
     const Row rows[] = {
         {"2000-01-31", 'D', 24},

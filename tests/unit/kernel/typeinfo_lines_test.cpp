@@ -94,6 +94,25 @@ TEST_F(TypeInfoLines, ALineHasAnIndentANameATypeAndBounds) {
     }
 }
 
+TEST_F(TypeInfoLines, ClosingLinesAreToldInAnyCase) {
+    for (const std::string line : {"end record\n", "END RECORD\n", "\tEnd\n", "eND : integer"})
+        EXPECT_TRUE(TypeInfoParseLine(line, 1).isEnd()) << line;
+    for (const std::string line : {"ends record\n", "\"end\" : integer\n", "\n", "record end\n"})
+        EXPECT_FALSE(TypeInfoParseLine(line, 1).isEnd()) << line;
+    EXPECT_EQ(TypeInfoCountElements("End : integer\na : real\nEND RECORD\n", 0), 1);
+    EXPECT_EQ(TypeInfoFindElement("a : real\nEND RECORD\n", "end", 0), -1);
+}
+
+TEST_F(TypeInfoLines, AColumnWithTheNameOfClosingLinesClosesNothing) {
+    for (const std::string line :
+         {"end record\n", "END  Record \n", "\tend\tlist\r\n", "end union", "End table\n", " end \n"})
+        EXPECT_TRUE(TypeInfoIsClosing(line, 1)) << line;
+    for (const std::string line : {"end : record\n", "end:list\n", "end integer\n", "end record : integer\n",
+                                   "endrecord\n", "a : record\n", "\n", "end record x\n"})
+        EXPECT_FALSE(TypeInfoIsClosing(line, 1)) << line;
+    EXPECT_FALSE(TypeInfoIsClosing("end\n", 2));
+}
+
 // ':' may stand in a name and ends it too.
 TEST_F(TypeInfoLines, TheColonThatLeavesATypePartsTheName) {
     const struct {
@@ -255,6 +274,13 @@ TEST_F(TypeInfoLines, AnElementIsFoundByNameInAnyCaseTheLastOne) {
     EXPECT_EQ(TypeInfoFindElement("", "a", 0), -1);
 }
 
+TEST_F(TypeInfoLines, TheEmptyNameIsThatOfLinesWithoutOne) {
+    EXPECT_EQ(TypeInfoFindElement(customers, "", 0), -1);
+    EXPECT_EQ(TypeInfoFindElement("a : real\n\n\xC3\xA4 : real\nb : real\n", "", 0), 3);
+    EXPECT_EQ(TypeInfoFindElement("a : real\n\t: real\n", "", 1), 2);
+    EXPECT_EQ(TypeInfoFindElement("", "", 0), -1);
+}
+
 TEST_F(TypeInfoLines, SkippingALineStopsAtTheEnd) {
     std::size_t position = 0;
     TypeInfoSkipLine("ab\nc", position);
@@ -327,6 +353,30 @@ TEST_F(TypeInfoLines, LinesAreAppendedToABufferAsFarAsItGoes) {
     EXPECT_EQ(buffer, "a : real\nb : string[40]\nc :");
     TypeInfoAppendLine(buffer, 0, "c", "real", {});
     EXPECT_EQ(buffer, "a : real\nb : string[40]\nc :");
+}
+
+TEST_F(TypeInfoLines, AnAppendedLineGoesOnWhereTheBufferEnds) {
+    std::string buffer = "a : real";
+    TypeInfoAppendLine(buffer, 100, "b", "int", {});
+    EXPECT_EQ(buffer, "a : realb : int\n");
+}
+
+TEST_F(TypeInfoLines, LinesAreAppendedToStringsOfTwoByteCharacters) {
+    CharacterWidth = 2;
+    {
+        const auto wide = [](std::string_view text) {
+            std::string bytes;
+            for (const char c : text) bytes.append({c, '\0'});
+            return bytes;
+        };
+        String text(std::string_view("a : real\n"));
+        TypeInfoAppendLineToString(text.get(), "b", "set", {1, 9, No, No, No, No});
+        EXPECT_EQ(text.view(), wide("a : real\nb : set[1:9]\n"));
+        String fixed(12);
+        TypeInfoAppendLineToString(fixed.get(), "b", "set", {1, 9, No, No, No, No});
+        EXPECT_EQ(fixed.view(), wide("b : set[1:9]"));
+    }
+    CharacterWidth = 1;
 }
 
 TEST_F(TypeInfoLines, LinesAreAppendedToAStringValue) {

@@ -108,6 +108,23 @@ TEST(TypeInfoMerge, RecordAndListBecomeAList) {
                     "o : record\n\tx : list\n\t\tb : real\n\tend list\nend record\n"});
 }
 
+TEST(TypeInfoMerge, ARecordAndAListThatEndAtOtherElementsStopTheWalk) {
+    const std::string record = "x : record\n\ta : integer\n\tb : integer\nend record\n";
+    const struct {
+        std::string element, text, inRecord, inList;
+    } rows[] = {{"a : real\n", "x : list\n\ta : real\n", "b", "end"},
+                {"c : integer\n", "x : list\n", "a", "c"}};
+    for (const auto& row : rows) {
+        const std::string list = "x : list\n\t" + row.element + "end list\n";
+        const Merged one = merged(record, list), other = merged(list, record);
+        const std::string report = "The name of an element changed, from '";
+        EXPECT_EQ(one.text, row.text);
+        EXPECT_EQ(one.report, report + row.inRecord + "' to '" + row.inList + "'");
+        EXPECT_EQ(other.text, row.text);
+        EXPECT_EQ(other.report, report + row.inList + "' to '" + row.inRecord + "'");
+    }
+}
+
 TEST(TypeInfoMerge, PairsThatNothingHoldsStopTheWalk) {
     const std::pair<std::string, std::string> pairs[] = {
         {"boolean", "integer"},
@@ -159,6 +176,55 @@ TEST(TypeInfoMerge, ATextWithoutALengthHoldsEveryText) {
     expectBothWays({"a : string\n", "a : string[5]\n", "a : string\n"});
     expectBothWays({"a : string[-1000000]\n", "a : string[5]\n", "a : string[-1000000]\n"});
     expectBothWays({"a : integer\n", "a : string\n", "a : string\n"});
+}
+
+TEST(TypeInfoMerge, ALengthIsARangeOfItsOwn) {
+    expectBothWays({"a : string[2:9]\n", "a : string[12]\n", "a : string[2:12]\n"});
+    expectBothWays({"a : string[2:9]\n", "a : string[1]\n", "a : string[1:9]\n"});
+    expectBothWays({"a : adt[1,5:6]\n", "a : adt[2,7]\n", "a : adt[2,5:7]\n"});
+    expectBothWays({"a : adt[1:2]\n", "a : adt[5,3:4]\n", "a : adt[1:5,3:4]\n"});
+    expectBothWays({"a : integer\n", "a : string[2:90]\n", "a : string[90]\n"});
+    expectBothWays({"a : integer\n", "a : string[2:9]\n", "a : string[40]\n"});
+}
+
+TEST(TypeInfoMerge, ADynamicSetHoldsEverySet) {
+    expectBothWays({"a : set\n", "a : set[2:5]\n", "a : set\n"});
+    expectBothWays({"a : set\n", "a : set[5]\n", "a : set\n"});
+    expectBothWays({"a : Any\n", "a : set\n", "a : set\n"});
+    EXPECT_EQ(merged("a:Set\n", "a : set[2:5]\n").text, "a:Set\n");
+    EXPECT_EQ(merged("a : set[2:5]\n", "a:Set\n").text, "a:Set\n");
+}
+
+TEST(TypeInfoMerge, LinesThatCannotBeReadAreTheSameOnlyWhenTheirTextsAre) {
+    const std::string umlaut = "k : int\n\xC3\xA4 : int\n";
+    expectBothWays({umlaut, umlaut + "b : int\n", umlaut + "b : int\n"});
+    EXPECT_EQ(merged(umlaut, "k : int\n  \xC3\xA4 : int  \r\n").text, umlaut);
+    const struct {
+        std::string a, b;
+    } rows[] = {
+        {"\xC3\xA4 : int", "\xC3\xB6 : int"},
+        {"\xC3\xA4 : int", "\xC3\xA4 : real"},
+        {"\"open : int", "\"opened : int"},
+        {": int", ": real"},
+    };
+    for (const auto& row : rows) {
+        const Merged m = merged("k : int\n" + row.a + "\nz : int\n", "k : int\n" + row.b + "\nz : int\n");
+        EXPECT_EQ(m.report, "The name of an element changed, from '" + row.a + "' to '" + row.b + "'");
+        EXPECT_EQ(m.text, "k : int\n");
+    }
+    const std::string longText = "\"" + std::string(2000, 'x');
+    EXPECT_EQ(merged("k : int\n" + longText, "k : int\n\"y").report,
+              "The name of an element changed, from '" + longText.substr(0, 1024) + "' to '\"y'");
+    // They may be inserted like others.
+    expectBothWays(
+        {"k : int\n\xC3\xA4 : int\nz : int\n", "k : int\nz : int\n", "k : int\n\xC3\xA4 : int\nz : int\n"});
+}
+
+TEST(TypeInfoMerge, ClosingLinesAreAlikeInAnyCase) {
+    EXPECT_EQ(merged("r : record\n\ta : int\nEND RECORD\n", "r : record\n\ta : real\nend record\n").text,
+              "r : record\n\ta : real\nEND RECORD\n");
+    expectBothWays({"r : record\n\ta : int\nEnd Record\nb : int\n", "r : record\nEnd Record\nb : int\n",
+                    "r : record\n\ta : int\nEnd Record\nb : int\n"});
 }
 
 TEST(TypeInfoMerge, TheLineOfTheFirstIsKeptUpToItsBracket) {
@@ -304,6 +370,15 @@ TEST(TypeInfoMerge, BlanksAndTabsMayBothIndent) {
         "r : record\n\ta : real\n\tb : int\nend record\n");
 }
 
+TEST(TypeInfoMerge, LineEndsAreThoseOfTheFirst) {
+    EXPECT_EQ(merged("a : int\r\nb : int\r\n", "a : int\nb : int\n").text, "a : int\r\nb : int\r\n");
+    EXPECT_EQ(merged("a : int\nb : int\n", "a : int\r\nb : int\r\n").text, "a : int\nb : int\n");
+    EXPECT_EQ(merged("a : string[4]\r\nb : int\r\n", "a : string[9]\nb : int\n").text,
+              "a : string[9]\nb : int\r\n");
+    EXPECT_EQ(merged("a : int\r\nb : int\r\n", "a : real\nb : int\nc : int\r\n").text,
+              "a : real\nb : int\r\nc : int\r\n");
+}
+
 TEST(TypeInfoMerge, WhatIsNoDeclarationMergesToNothing) {
     for (const std::string text : {"\ta : int\n", " a : int\n", "\n", "[1]\n", "\xC3\xA4 : int\n"}) {
         for (const Merged& m : {merged(text, "a : int\n"), merged("a : int\n", text)}) {
@@ -313,10 +388,18 @@ TEST(TypeInfoMerge, WhatIsNoDeclarationMergesToNothing) {
     }
 }
 
-TEST(TypeInfoMerge, TheResultIsCutToTheBuffer) {
+TEST(TypeInfoMerge, TheResultIsCutToTheBufferAtTheEndOfALine) {
     EXPECT_EQ(merged("a : int\n", "a : real\nb : int\n", 18).text, "a : real\nb : int\n");
-    EXPECT_EQ(merged("a : int\n", "a : real\nb : int\n", 17).text, "a : real\nb : int");
-    EXPECT_EQ(merged("a : int\n", "a : real\nb : int\n", 3).text, "a ");
+    EXPECT_EQ(merged("a : int\n", "a : real\nb : int\n", 17).text, "a : real\n");
+    EXPECT_EQ(merged("a : int\n", "a : real\nb : int\n", 10).text, "a : real\n");
+    EXPECT_EQ(merged("a : int\n", "a : real\nb : int\n", 3).text, "");
+    EXPECT_EQ(merged("a : int", "a : int", 8).text, "");
+    EXPECT_EQ(merged("a : int", "a : int", 9).text, "a : int\n");
+    // What is behind a line that does not fit would stand in the wrong place.
+    EXPECT_EQ(merged("a : int\nlonger : int\nb : int\n", "a : int\n", 20).text, "a : int\n");
+    EXPECT_EQ(merged("a : string[5]\nb : int\n", "a : string[4000]\n", 16).text, "");
+    EXPECT_EQ(merged("r : record\n\ta : int\nend record\n", "r : record\n  b : int\nend record\n", 21).text,
+              "r : record\n");
     EXPECT_EQ(merged("a : int\n", "a : int\n", 1).text, "");
     EXPECT_EQ(merged("a : int\n", "a : int\n", 0).text, "");
     EXPECT_EQ(merged("a : int\n", "a : int\n", -5).text, "");
@@ -379,6 +462,36 @@ TEST(TypeInfoMerge, TwoPartsOfATreeMergeToTheTree) {
         print(root, 0, lost, 1 + static_cast<int>(random() % static_cast<unsigned>(lost - 1)), number, part);
         if (part.empty()) continue;  // the root itself was lost
         expectBothWays({whole, part, whole});
+        if (HasFailure()) return;
+    }
+}
+
+// The same lines with blanks in other places, so that the two are walked and not only compared.
+std::string spaced(std::string_view text, std::mt19937& random) {
+    std::string result;
+    for (const char c : text) {
+        const bool mayWiden = c == '\n' || c == '[' || c == ']' || (c == ':' && result.back() == ' ');
+        if (mayWiden && random() % 2 == 0) result += random() % 2 == 0 ? " " : "\t ";
+        if (c == '\n' && random() % 4 == 0) result += '\r';
+        result += c;
+    }
+    return result;
+}
+
+TEST(TypeInfoMerge, ATextAndItselfInOtherSpacingIsTheText) {
+    for (std::uint32_t seed = 0; seed < 3000; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 random(seed);
+        Tree root{"root", "record", {}};
+        int names = 0, number = 0;
+        for (std::size_t n = random() % 8; n > 0; --n) root.inside.push_back(randomTree(random, 1, names));
+        std::string text;
+        print(root, 0, 0, 0, number, text);
+        const std::string other = spaced(text, random);
+        const Merged m = merged(text, other);
+        EXPECT_EQ(m.text, text) << other;
+        EXPECT_EQ(m.report, "");
+        EXPECT_EQ(merged(other, text).text, other);
         if (HasFailure()) return;
     }
 }

@@ -362,6 +362,61 @@ TEST_F(TypeInfoValues, TheOuterPairOfLinesIsTakenOff) {
     }
 }
 
+TEST_F(TypeInfoValues, BlocksAreClosedInAnyCase) {
+    const Built b = built("R : RECORD\n\ta : integer\nEND RECORD\nb : real\n");
+    EXPECT_EQ(b.kind, KindRecord);
+    EXPECT_EQ(b.position, std::strlen("R : RECORD\n\ta : integer\nEND RECORD\n"));
+    EXPECT_EQ(b.shown, "FIELD1 : integer\n");
+    ListValue list;
+    EXPECT_EQ(toList("L : LIST\n\ta : integer\nEND LIST\n", list), 0);
+    EXPECT_EQ(ListElementKind(list.get()), KindInteger);
+    TableValue table;
+    EXPECT_EQ(toTable("T : table\n\tR : record\n\t\ta : integer\n\tEnd Record\nEND TABLE\n", table), 0);
+    EXPECT_EQ(StringView(TableTypeInfo(table.get())), "a : integer\n");
+}
+
+TEST_F(TypeInfoValues, EmptyLinesBehindTheLastAreNone) {
+    for (const std::string more : {"\n", "\n\n\n", "\r\n", " \t\n\n", "\n  "}) {
+        RecordValue record;
+        EXPECT_EQ(toRecord(customers + more, record), 0);
+        EXPECT_EQ(RecordFieldCount(record.get()), 2);
+        TableValue table;
+        EXPECT_EQ(toTable(customers + more, table), 0);
+        EXPECT_EQ(StringView(TableTypeInfo(table.get())), "id : integer\nname : string[40]\n");
+        ListValue list;
+        EXPECT_EQ(toList("l : list\n\te : integer\nend list\n" + more, list), 0);
+        EXPECT_EQ(ListElementKind(list.get()), KindInteger);
+    }
+    RecordValue record;
+    EXPECT_EQ(toRecord("\n \n\t\n", record), ERR_RECORD_TYPE);
+}
+
+TEST_F(TypeInfoValues, AColumnWithTheNameOfClosingLinesEndsTheRecord) {
+    for (const std::string name : {"end", "END"}) {
+        const std::string text =
+            "r : record\n\ta : integer\n\t" + name + " : integer\n\tb : real\nend record\n";
+        const FieldList list = TypeInfoFieldList(text);
+        EXPECT_EQ(list.names, "a\n");
+        EXPECT_EQ(list.keys.names, "a");
+        TableValue table;
+        EXPECT_EQ(toTable(text, table), 0);
+        EXPECT_EQ(StringView(TableTypeInfo(table.get())), "a : integer\n");
+    }
+    EXPECT_EQ(TypeInfoFieldList("r : record\n\t\"end\" : integer\n\tb : real\nend record\n").names,
+              "\"end\"\nb\n");
+}
+
+TEST_F(TypeInfoValues, LinesMayEndWithCarriageReturns) {
+    TableValue table;
+    EXPECT_EQ(toTable("t : table\r\n\tr : record\r\n\t\tid : integer\r\n\t\tname : string[40]\r\n"
+                      "\tend record\r\nend table\r\n",
+                      table),
+              0);
+    EXPECT_EQ(StringView(TableTypeInfo(table.get())), "id : integer\nname : string[40]\n");
+    EXPECT_EQ(TypeInfoIndexText(table.get(), 1),
+              "Index1 : record\n\tid : integer\n\tname : string[40]\nend record\n");
+}
+
 TEST_F(TypeInfoValues, TextsThatAreNoRecordAre757) {
     for (const std::string text : {"", "x", "a : integer\n", "u : union\n\ta : integer\nend union\n",
                                    "l : list\n\ta : integer\nend list\n", "end record\n", "\n"}) {
@@ -732,6 +787,22 @@ TEST_F(TypeInfoValues, DefaultNamesComeFromTheListOrTheNumber) {
     EXPECT_EQ(TypeInfoDefaultName(names, 0), "FIELD0");
 }
 
+TEST_F(TypeInfoValues, DefaultNamesInQuotesKeepBothQuotes) {
+    const std::string inside(60, 'n');
+    const std::string names = "\"a : b\" : string[4]\n\t\"last, first\"\n\"" + inside + "\" : real\n\"" +
+                              inside.substr(0, 38) + "\"\n\"\"\n\"open : real\n\"" + std::string(2000, 'n') +
+                              "\"\r\n\"a\"b : real\n";
+    EXPECT_EQ(TypeInfoDefaultName(names, 1), "\"a : b\"");
+    EXPECT_EQ(TypeInfoDefaultName(names, 2), "\"last, first\"");
+    const std::string longest = '"' + inside.substr(0, 38) + '"';
+    EXPECT_EQ(TypeInfoDefaultName(names, 3), longest);
+    EXPECT_EQ(TypeInfoDefaultName(names, 4), longest);
+    EXPECT_EQ(TypeInfoDefaultName(names, 5), "\"\"");
+    EXPECT_EQ(TypeInfoDefaultName(names, 6), "\"open");
+    EXPECT_EQ(TypeInfoDefaultName(names, 7), longest);
+    EXPECT_EQ(TypeInfoDefaultName(names, 8), "\"a\"");
+}
+
 // ---- matching ----
 
 TEST_F(TypeInfoValues, WhatARecordPrintsMatchesIt) {
@@ -909,6 +980,10 @@ TEST_F(TypeInfoValues, IndexTextsNameTheFieldsOfTheKey) {
         (Texts{"", "Index1 : record\n\ta : Tchars[1:4]\nend record\n",
                "Index2 : record\n\td : real\n\tc : string[9]\n\tb : integer\n\ta : Tchars[1:4]\nend record\n",
                "", "", "", ""}));
+    // However the types are written, the text can be read.
+    const std::string blanks = "a : tchars [ 1 : 4 ]\nb : integer\nc : string [9]\nd : set[*]\n";
+    EXPECT_EQ(texts({MakeKeyMap(1, 2, 3, 4)}, blanks)[1],
+              "Index1 : record\n\ta : Tchars[1:4]\n\tb : integer\n\tc : string[9]\n\td : set\nend record\n");
     // A description that does not have the field leaves it out.
     EXPECT_EQ(texts({MakeKeyMap(1, 2), MakeKeyMap(3)}, "b : integer\n"),
               (Texts{"", "Index1 : record\n\tb : integer\nend record\n", "", "", "", "", ""}));

@@ -364,6 +364,13 @@ TEST_F(XmlReadTest, StructuresAreLimited) {
     for (int i = 0; fields.size() < 60000; ++i)
         fields += "<f" + std::to_string(i) + ">1</f" + std::to_string(i) + ">\n";
     EXPECT_EQ(structure("<a>" + fields + "</a>"), "674 XML file structure is too large or too deeply nested");
+    // Rows that fit, but not what holds them all.
+    const std::size_t half = fields.find("<f1000>"), more = fields.find("<f1100>"),
+                      most = fields.find("<f2200>");
+    const std::string rows = "<l><r><a>1</a>" + fields.substr(0, half) + "<z>1</z></r><r><a>1</a><z>1</z>";
+    EXPECT_EQ(structure(rows + fields.substr(half, more - half) + "</r></l>").substr(0, 9), "l : list\n");
+    EXPECT_EQ(structure(rows + fields.substr(half, most - half) + "</r></l>"),
+              "674 XML file structure is too large or too deeply nested");
     std::string small;
     const std::string text = "<a><b>1</b><c>2</c></a>";
     disk.put(file, text);

@@ -141,6 +141,8 @@ TEST_F(XmlWriteTest, FieldsHaveTheNamesThatAreGivenWhereTheyCanBeNames) {
         {"\ntwo", "Field1", "two"},
         {"same\nSAME", "same", "Field2"},
         {"\"a b\"\n9c", "a_b", "_9c"},
+        {"\"a : b\"\n\"last, first\" : string[4]", "a_:_b", "last__first"},
+        {"\"a heading of just over thirty-eight chars\"\nb", "a_heading_of_just_over_thirty-eight_ch", "b"},
         {"x<y\na:b-c.d", "x_y", "a:b-c.d"},
         {"one\ntwo\nthree", "one", "two"},
     };

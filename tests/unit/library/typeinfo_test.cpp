@@ -122,12 +122,42 @@ TEST_F(FixIdentifiers, NamesBecomeIdentifiers) {
         {"x-y\r\n", "x_y\r\n"},
         {"\"open : real\n", "nopen : real\n"},
         {"[open : real\n", "nopen : real\n"},
-        {"\"\" : real\n", " : real\n"},
+        {"\"\" : real\n", "n : real\n"},
+        {"[]:real\n", "n:real\n"},
+        {":real\n", "n:real\n"},
+        {"\t: real\n", "\tn: real\n"},
         {"\n", "\n"},
         {"\t \n", "\t \n"},
         {"", ""},
     };
     for (const auto& row : rows) EXPECT_EQ(fixed(row.line), row.repaired) << row.line;
+}
+
+TEST_F(FixIdentifiers, ANameEndsWhereItsLineReadsAsNameAndType) {
+    const struct {
+        std::string line, repaired;
+    } rows[] = {
+        {"x\t: set[1 : 10]\n", "x\t: set[1 : 10]\n"},
+        {"x set[1 : 10]\n", "x set[1 : 10]\n"},
+        {"x-y:set[1 : 10]\n", "x_y:set[1 : 10]\n"},
+        {"x:  set [ 1 : 10 , 2 : 3 ] \n", "x:  set [ 1 : 10 , 2 : 3 ] \n"},
+        {"to\tset[1 : 10]\n", "to_1\tset[1 : 10]\n"},
+        {"\"a b\":set[1 : 10]\n", "a_b:set[1 : 10]\n"},
+        {std::string(1030, 'x') + "\t: set[1 : 2]\n", std::string(40, 'x') + "\t: set[1 : 2]\n"},
+        // What has more is a name with blanks.
+        {"order no : set[1 : 10]\n", "order_no : set[1 : 10]\n"},
+        {"order no [pieces] : integer\n", "order_no__pieces_ : integer\n"},
+        {"a : b : real\n", "a : b : real\n"},
+        {"a b c\n", "a b c\n"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(fixed(row.line), row.repaired) << row.line;
+        const TypeInfoElement before = TypeInfoParseLine(row.line, 1),
+                              after = TypeInfoParseLine(fixed(row.line), 1);
+        if (row.line.find("[1 : ") == std::string::npos || row.line[0] == 'o') continue;
+        EXPECT_EQ(after.typeName, before.typeName) << row.line;
+        EXPECT_TRUE(after.bounds == before.bounds) << row.line;
+    }
 }
 
 TEST_F(FixIdentifiers, ReservedWordsGetANumber) {
@@ -146,6 +176,16 @@ TEST_F(FixIdentifiers, ClosingLinesStayAsTheyAre) {
     for (const std::string line :
          {"end record\n", "end list\n", "\t\tend table\n", "end union\r\n", "end record", "end\n"})
         EXPECT_EQ(fixed(line), line);
+    for (const std::string line :
+         {"END RECORD\n", "End list\n", "END\n", "end \n", "\tend\t\n", "end  record\n", "end\trecord\n",
+          "  End \t Union \r\n", "end recordings\n", "END TABLE[3]\n"})
+        EXPECT_EQ(fixed(line), line);
+    EXPECT_EQ(fixed("end : record\n"), "end_1 : record\n");
+    EXPECT_EQ(fixed("END:list\n"), "END_1:list\n");
+    EXPECT_EQ(fixed("END RECORD : integer\n"), "END_RECORD : integer\n");
+    EXPECT_EQ(fixed("end  record : integer\n"), "end__record : integer\n");
+    EXPECT_EQ(fixed("end list : list\n"), "end_list : list\n");
+    EXPECT_EQ(fixed("end  thing\n"), "end_1  thing\n");
     EXPECT_EQ(fixed("end record : integer\n"), "end_record : integer\n");
     EXPECT_EQ(fixed("end thing\n"), "end_1 thing\n");
     EXPECT_EQ(TYPEINFOFIXIDENTIFIERS("end record\n"s, 2), "end record\n");
@@ -183,6 +223,51 @@ TEST_F(FixIdentifiers, ARepairedTextStaysAsItIs) {
     }
 }
 
+TEST_F(FixIdentifiers, BlocksAreReadToTheSameEndAfterTheRepair) {
+    for (const std::string last :
+         {"end record", "END RECORD", "end", "end ", "end\trecord", "End  record "}) {
+        const std::string text = "r : record\n\ta : real\n" + last + "\nb : real\n";
+        std::size_t before = 0, after = 0;
+        EXPECT_EQ(TypeInfoToValue(text, before, nullptr), KindRecord);
+        EXPECT_EQ(TypeInfoToValue(fixed(text), after, nullptr), KindRecord);
+        EXPECT_EQ(before, text.size() - 9);
+        EXPECT_EQ(after, before) << last;
+    }
+}
+
+// ---- texts, with the replacement alone ----
+
+TEST_F(FixIdentifiers, WithAReplacementTheNamesBeforeAColonBetweenBlanksBecomeIdentifiers) {
+    const struct {
+        std::string line, replacement, repaired;
+    } rows[] = {
+        {"order no : string[10]\n", "_", "order_no : string[10]\n"},
+        {"order no : string[10]\n", "xy", "orderxno : string[10]\n"},
+        {"order no : string[10]\n", "", "orderno : string[10]\n"},
+        {"\ta-b_c : set[1 : 10]\r\n", "_", "\ta_b_c : set[1 : 10]\r\n"},
+        {"\"first name\" : string[20]", "_", "first_name : string[20]"},
+        {"[first name] : string[20]\n", "_", "first_name : string[20]\n"},
+        {"9lives : integer\n", "_", "_9lives : integer\n"},
+        {"9lives : integer\n", "n", "n9lives : integer\n"},
+        {"end : integer\n", "_", "end_1 : integer\n"},
+        {"GROUP : integer\nOrder : integer\n", "_", "GROUP : integer\nOrder_1 : integer\n"},
+        {"end record : integer\n", "_", "end_record : integer\n"},
+        {std::string(60, 'x') + " : real\n", "_", std::string(60, 'x') + " : real\n"},
+        {"\"\" : real\n", "_", "n : real\n"},
+        {"\"-\" : real\n", "", "n : real\n"},
+        // These stay as they are.
+        {"end record\n\tEnd List\nend\n", "_", "end record\n\tEnd List\nend\n"},
+        {"delete_flag : Tchar\n", "x", "delete_flag : Tchar\n"},
+        {"a-b:integer\n", "_", "a-b:integer\n"},
+        {"a-b\t: set[1 : 10]\n", "_", "a-b\t: set[1 : 10]\n"},
+        {"\"a b\":real\n", "_", "\"a b\":real\n"},
+        {"a b\n\n \t\n", "_", "a b\n\n \t\n"},
+        {"", "_", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(TYPEINFOFIXIDENTIFIERS(row.line, row.replacement), row.repaired) << row.line;
+}
+
 // ---- values of the language ----
 
 TEST_F(FixIdentifiers, AStringValueIsRepairedInPlace) {
@@ -203,6 +288,117 @@ TEST_F(FixIdentifiers, AStringThatIsTooShortForTheRepairIsCutWith615) {
     TYPEINFOFIXIDENTIFIERS(text.get(), 40);
     EXPECT_EQ(takeError(), ERR_FIXED_STRING);
     EXPECT_EQ(text.view(), "end_1 : re");
+}
+
+TEST_F(FixIdentifiers, AStringThatWouldBecomeTooLongForABlockStaysAsItWas) {
+    const std::string line = "end:int\n";
+    std::string lines;
+    while (lines.size() + line.size() <= std::size_t{MaxBlock}) lines += line;
+    String text{std::string_view(lines)};
+    ASSERT_EQ(takeError(), 0);
+    TYPEINFOFIXIDENTIFIERS(text.get(), 40);
+    EXPECT_EQ(takeError(), ERR_BLOCK_TOO_LARGE);
+    EXPECT_TRUE(text.view() == lines);
+}
+
+TEST_F(FixIdentifiers, WhenMemoryIsShortAStringStaysAsItWas) {
+    int failures = 0;
+    for (std::int64_t n = 0; n < 10; ++n, ++failures) {
+        String text(std::string_view("order no : real\nend : real\n"));
+        FailAllocation(n);
+        TYPEINFOFIXIDENTIFIERS(text.get(), 40);
+        FailAllocation(-1);
+        const std::int32_t error = takeError();
+        EXPECT_EQ(text.view(),
+                  error == 0 ? "order_no : real\nend_1 : real\n" : "order no : real\nend : real\n");
+        if (error == 0) break;
+        EXPECT_EQ(error, ERR_OUT_OF_MEMORY);
+    }
+    EXPECT_GT(failures, 0);
+}
+
+TEST_F(FixIdentifiers, AListWithoutRoomForAllLinesStaysAsItWas) {
+    const Lines before = {"a b : real\nc d : real", "e f : real"};
+    ListValue list;
+    fill(list, before, 2);
+    ASSERT_EQ(takeError(), 0);
+    TYPEINFOFIXIDENTIFIERS(list.get(), 40);
+    EXPECT_EQ(takeError(), ERR_FIXED_LIST);
+    EXPECT_EQ(linesOf(list), before);
+    EXPECT_EQ(AdtCheck(list.get(), KindList), "");
+    ListValue larger;
+    fill(larger, before, 3);
+    TYPEINFOFIXIDENTIFIERS(larger.get(), 40);
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(linesOf(larger), (Lines{"a_b : real", "c_d : real", "e_f : real"}));
+    EXPECT_EQ(larger.get()->maxlength, 3);
+    EXPECT_EQ(AdtCheck(larger.get(), KindList), "");
+}
+
+TEST_F(FixIdentifiers, AListOfALineThatWouldBecomeTooLongStaysAsItWas) {
+    std::string longest = "end:int";
+    longest.resize(std::size_t{MaxBlock}, ' ');
+    ListValue list;
+    fill(list, {"a b : real", longest});
+    ASSERT_EQ(takeError(), 0);
+    TYPEINFOFIXIDENTIFIERS(list.get(), 40);
+    EXPECT_EQ(takeError(), ERR_BLOCK_TOO_LARGE);
+    EXPECT_TRUE(linesOf(list) == (Lines{"a b : real", longest}));
+}
+
+TEST_F(FixIdentifiers, WhenMemoryIsShortNoLineOfAListIsLost) {
+    const Lines before = {"a b : real\nc d : real", "", "end : real"};
+    const Lines after = {"a_b : real", "c_d : real", "", "end_1 : real"};
+    int failures = 0;
+    for (std::int64_t n = 0; n < 100; ++n, ++failures) {
+        ListValue list;
+        fill(list, before);
+        FailAllocation(n);
+        TYPEINFOFIXIDENTIFIERS(list.get(), 40);
+        FailAllocation(-1);
+        const std::int32_t error = takeError();
+        EXPECT_EQ(linesOf(list), error == 0 ? after : before) << n;
+        EXPECT_EQ(AdtCheck(list.get(), KindList), "");
+        if (error == 0) break;
+        EXPECT_EQ(error, ERR_OUT_OF_MEMORY);
+    }
+    EXPECT_GT(failures, 3);
+}
+
+TEST_F(FixIdentifiers, AStringThatEndsInALineFeedGivesAnEmptyOneBehindIt) {
+    ListValue list;
+    fill(list, {"a b : real\n", "e f : real\r\n", ""});
+    TYPEINFOFIXIDENTIFIERS(list.get(), 40);
+    const Lines after = {"a_b : real", "", "e_f : real\r", "", ""};
+    EXPECT_EQ(linesOf(list), after);
+    TYPEINFOFIXIDENTIFIERS(list.get(), 40);
+    EXPECT_EQ(linesOf(list), after);
+    EXPECT_EQ(takeError(), 0);
+}
+
+TEST_F(FixIdentifiers, StringsOfTwoByteCharactersAreRepaired) {
+    CharacterWidth = 2;
+    {
+        const auto narrow = [](const StringDescriptor* s) {
+            std::string text;
+            for (std::int32_t i = 1; i <= StringLength(s); ++i)
+                text += static_cast<char>(StringGetChar(s, i));
+            return text;
+        };
+        ListValue list;
+        fill(list, {"order no : string[10]", "\tend : real", "\xE9t\xE9 : real"});
+        TYPEINFOFIXIDENTIFIERS(list.get(), 40);
+        EXPECT_EQ(takeError(), 0);
+        Lines lines;
+        for (std::int32_t n = 1; n <= ListCount(list.get()); ++n)
+            lines.push_back(narrow(static_cast<const StringDescriptor*>(ListRef(list.get(), n))));
+        EXPECT_EQ(lines, (Lines{"order_no : string[10]", "\tend_1 : real", "nt_ : real"}));
+        String text(std::string_view("order no : real\n"));
+        TYPEINFOFIXIDENTIFIERS(text.get(), 40);
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(narrow(text.get()), "order_no : real\n");
+    }
+    CharacterWidth = 1;
 }
 
 TEST_F(FixIdentifiers, AListIsRepairedLineByLine) {
