@@ -3,16 +3,36 @@
 """report.py FOLDER: one table of the figures in FOLDER, each beside its peer, the ratio and the budget."""
 import json
 import os
+import re
 import sys
 
 SCALE = {"ns": 1, "us": 1e3, "ms": 1e6}
 
 
-def medians(path):
-    if not os.path.exists(path):
-        return {}
-    return {b["run_name"].removesuffix("/min_time:2.000"): b["real_time"] * SCALE[b["time_unit"]]
-            for b in json.load(open(path))["benchmarks"] if b["aggregate_name"] == "median"}
+def medians(path, clock="real_time"):
+    """Nanoseconds by name, and bytes or rows a second. A benchmark's own choice of clock counts."""
+    times, rates = {}, {}
+    rows = json.load(open(path))["benchmarks"] if os.path.exists(path) else []
+    for b in rows:
+        if b.get("aggregate_name") != "median":
+            continue
+        name = re.sub(r"/(min_time:[0-9.]+|iterations:\d+|repeats:\d+|real_time|manual_time)", "", b["run_name"])
+        own = re.search(r"/(real|manual)_time", b["run_name"])
+        times[name] = b["real_time" if own else clock] * SCALE[b["time_unit"]]
+        for counter, unit in (("bytes_per_second", "MB/s"), ("items_per_second", "M rows/s")):
+            if counter in b:
+                rates[name] = f"{b[counter] / 1e6:.{0 if unit == 'MB/s' else 2}f} {unit}"
+    return times, rates
+
+
+def counters(path, counter):
+    rows = json.load(open(path))["benchmarks"] if os.path.exists(path) else []
+    return {b["run_name"]: b[counter] for b in rows if counter in b and b.get("aggregate_name", "median") == "median"}
+
+
+def per_megabyte(times):
+    """What a megabyte of a growing file takes."""
+    return {f"{name} a MB": time / int(name.rsplit("/", 1)[1]) for name, time in times.items() if "Linear/" in name}
 
 
 def text(ns):
@@ -26,7 +46,10 @@ def main():
     folder = sys.argv[1]
     all_ = {}
     for name in ("kernel_bench", "values_bench", "library_bench", "os_bench", "edit_bench"):
-        all_.update(medians(f"{folder}/{name}.json"))
+        all_.update(medians(f"{folder}/{name}.json")[0])
+    data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
+    all_.update(data)
+    all_.update(per_megabyte(data))
     start = json.load(open(f"{folder}/start.json")) if os.path.exists(f"{folder}/start.json") else {}
     for name, row in start.items():
         all_["start " + name] = row["ms"] * 1e6
@@ -52,21 +75,48 @@ def main():
         ("dateParseKernel", "dateParseLibc", None), ("dateAddKernel", None, None),
         ("profilestrget/50", "gkeyfile/50", 0.4), ("profilestrget/1000", "gkeyfile/1000", 0.4),
         ("saveDurable", "writeAndSync", None),
+        ("xmlBareKernel", "xmlEventsExpat", None), ("xmlTypesKernel", "xmlEventsExpat", None),
+        ("xmlListKernel", "xmlEventsExpat", 1.2), ("xmlListKernel", "xmlTreePugi", None),
+        ("xmlTableKernel/0", "xmlEventsExpat", 1.2), ("xmlTableKernel/1", "xmlEventsExpat", 1.2),
+        ("xmlAttributesKernel", "xmlAttributesExpat", 1.2), ("xmlSaveKernel", "xmlSavePugi", None),
+        ("csvListKernel", "csvImportSqlite/0", 0.5), ("csvListKernel", "csvSplitPlain", None),
+        ("csvDiscoverKernel", "csvImportSqlite/0", 0.5), ("csvTableKernel/0", "csvImportSqlite/0", 0.5),
+        ("csvTableKernel/1", "csvImportSqlite/1", 0.5), ("csvSaveKernel", "csvSaveSqlite", None),
+        ("csvFileListKernel", "csvFileImportSqlite", 0.5),
+        ("scanKernel", "scanFlex", 1.43),
+        ("xbaseReadKernel", "xbaseReadShapelib", 0.67), ("xbaseWriteKernel", "xbaseWriteShapelib", 0.25),
+        *((f"disk{work}Kernel/{n}/1", f"disk{work}{peer}/{n}/1",
+           0.25 if (work, peer, n) == ("Find", "SqliteOpened", 100000) else None)
+          for work in ("Find", "Next") for n in (1000, 10000, 100000, 1000000)
+          for peer in ("SqliteOpened", "SqliteHeld", "Level")),
+        *((f"disk{work}Kernel/{n}/{i}", f"disk{work}{peer}/{n}/{i}",
+           0.6 if (work, peer, n, i) == ("Add", "SqliteOpened", 100000, 5) else None)
+          for work in ("Add", "Delete") for n in (1000, 10000, 100000, 1000000) for i in (1, 5)
+          for peer in ("SqliteOpened", "SqliteHeld", "Level")),
+        *((f"diskAddDurable/100000/{i}", f"diskAddSqliteFull/100000/{i}", 1.2 if i == 5 else None) for i in (1, 5)),
+        *((f"diskRebuildKernel/100000/{i}", f"diskRebuildSqlite/100000/{i}", None) for i in (1, 5)),
+        *((f"{work}Linear/{n} a MB", f"{work}Linear/1 a MB", 1.5)
+          for work in ("xmlBare", "xmlList", "csvList") for n in (10, 100)),
         ("start ide", "start geany", 0.6), ("start ide", "start qt", None),
         ("open 4 MB, extra", "plainOpenLarge", None),
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
     ]
-    print(f"{'work':22} {'here':>12} {'peer':>12} {'ratio':>7}  budget")
+    print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")
     for name, peer, budget in rows:
-        if name not in all_:
+        if name not in all_ or (peer is not None and "Level" in peer and peer not in all_):
             continue
         here, other = all_[name], all_.get(peer)
         ratio = f"{here / other:.2f}" if other else ""
         met = ""
-        if budget is not None:
+        if budget is not None and (other or not peer):
             value = here / other if other else here
             met = f"{budget if peer else text(budget)}{' x' if peer else ''} {'met' if value <= budget else 'MISSED'}"
-        print(f"{name:22} {text(here):>12} {text(other) if other else '':>12} {ratio:>7}  {met}")
+        print(f"{name:30} {text(here):>12} {text(other) if other else '':>12} {ratio:>7} "
+              f"{rates.get(name, ''):>16}  {met}{f' ({peer})' if other else ''}".rstrip())
+    memory = counters(f"{folder}/data_bench.json", "kB")
+    if memory:
+        print("memory that using a table on disk takes: " +
+              ", ".join(f"{kb:.0f} kB of {name.split('/')[1]} rows" for name, kb in memory.items()))
     if "ide" in start:
         print("memory after start: " + ", ".join(f"{n} {r['mb']:.0f} MB" for n, r in start.items()) + " (budget 110 MB)")
 

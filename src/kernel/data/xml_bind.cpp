@@ -42,60 +42,68 @@ std::int32_t integerOf(std::string_view text) {
     return end == text.size() ? value : 0;
 }
 
-// ---- texts, by kind; an empty message: well ----
+// ---- texts, by kind; false for a text that is no value of it ----
 
-std::string bindBoolean(void* value, std::string_view text) {
+bool bindBoolean(void* value, std::string_view text) {
     bool read = false, ok = false;
     BooleanFromText(text, read, ok);
-    if (!ok) return "True/False expected here";
-    WriteAt(value, static_cast<std::uint8_t>(read));
-    return {};
+    if (ok) WriteAt(value, static_cast<std::uint8_t>(read));
+    return ok;
 }
-std::string bindEnum(void* value, std::string_view text) {
+bool bindEnum(void* value, std::string_view text) {
     const std::int32_t read = integerOf(text);
     WriteAt(value, static_cast<std::uint8_t>(read >= 0 && read <= 255 ? read : 0));
-    return {};
+    return true;
 }
-std::string bindInteger(void* value, std::string_view text) {
+bool bindInteger(void* value, std::string_view text) {
     WriteAt(value, integerOf(text));
-    return {};
+    return true;
 }
-std::string bindFixed(void* value, std::string_view text) {
+bool bindFixed(void* value, std::string_view text) {
     Fixed read = 0;
     bool ok = false;
     FixedFromText(text, read, ok);
-    if (!ok) return "Fixed point number expected here";
-    WriteAt(value, read);
-    return {};
+    if (ok) WriteAt(value, read);
+    return ok;
 }
-std::string bindReal(void* value, std::string_view text) {
+bool bindReal(void* value, std::string_view text) {
     double read = 0;
     bool ok = false;
     RealFromText(text, read, ok);
-    if (!ok) return "Real number expected here";
-    WriteAt(value, read);
-    return {};
+    if (ok) WriteAt(value, read);
+    return ok;
 }
-std::string bindString(void* value, std::string_view text) {
-    auto* s = static_cast<StringDescriptor*>(value);
-    StringAssignView(s, text);
-    if (ErrorCell() != ERR_FIXED_STRING) return {};
-    return "String text is too long, maximum length is " + std::to_string(StringMaxLength(s)) +
-           " character(s)";
+bool bindString(void* value, std::string_view text) {
+    StringAssignView(static_cast<StringDescriptor*>(value), text);
+    return ErrorCell() != ERR_FIXED_STRING;
 }
-std::string bindSet(void* value, std::string_view text) {
-    auto* s = static_cast<SetDescriptor*>(value);
+bool bindSet(void* value, std::string_view text) {
     std::int32_t position = 1, error = 0;
-    SetFromText(text, position, s, error);
-    if (error == 0 || ErrorCell() == ERR_OUT_OF_MEMORY) return {};
-    return "Set literal expected here, with values between " + std::to_string(SetLowerBound(s)) + " and " +
-           std::to_string(SetUpperBound(s));
+    SetFromText(text, position, static_cast<SetDescriptor*>(value), error);
+    return error == 0 || ErrorCell() == ERR_OUT_OF_MEMORY;
 }
 
-using TextBinder = std::string (*)(void*, std::string_view);
+using TextBinder = bool (*)(void*, std::string_view);
 constexpr TextBinder textBinders[KindCount] = {nullptr,  bindBoolean, bindEnum, bindInteger, bindFixed,
                                                bindReal, bindString,  nullptr,  nullptr,     bindSet,
                                                nullptr,  nullptr,     nullptr};
+
+// What is wrong with a text that was no value of the target.
+std::string complaintOf(XmlTarget target) {
+    switch (target.kind) {
+    case KindBoolean: return "True/False expected here";
+    case KindFixed: return "Fixed point number expected here";
+    case KindReal: return "Real number expected here";
+    case KindString:
+        return "String text is too long, maximum length is " +
+               std::to_string(StringMaxLength(static_cast<StringDescriptor*>(target.value))) +
+               " character(s)";
+    default: break;
+    }
+    const auto* s = static_cast<SetDescriptor*>(target.value);
+    return "Set literal expected here, with values between " + std::to_string(SetLowerBound(s)) + " and " +
+           std::to_string(SetUpperBound(s));
+}
 
 // ---- bounds ----
 
@@ -151,10 +159,14 @@ void* elementAt(ArrayDescriptor* a, const std::array<std::int32_t, MaxDimensions
     }
 }
 
-// The fields of a record of numbers and strings, which keep their blocks; false for other records.
-bool clearFields(RecordDescriptor& record) {
-    for (std::int32_t n = 1; n <= MaxFields; ++n)
-        if (FieldKindAt(record.kinds, n) > KindString) return false;
+// Fields that can be emptied where they stand.
+bool areTexts(const FieldKinds& kinds) {
+    for (std::int32_t n = 1; FieldKindAt(kinds, n) != KindNone; ++n)
+        if (FieldKindAt(kinds, n) > KindString) return false;
+    return true;
+}
+// Strings keep their blocks.
+void clearTexts(RecordDescriptor& record) {
     XmlFields fields({&record, KindRecord});
     for (XmlTarget field = fields.next(); field.value != nullptr; field = fields.next()) {
         if (field.kind == KindString)
@@ -162,7 +174,6 @@ bool clearFields(RecordDescriptor& record) {
         else
             std::memset(field.value, 0, static_cast<std::size_t>(KindSize[field.kind]));
     }
-    return true;
 }
 
 bool refuse() {
@@ -177,10 +188,10 @@ bool isOutside(std::int32_t code) {
 
 void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text) {
     if (target.kind != KindString) text = XmlTrimmed(text);
-    const std::string message = textBinders[target.kind](target.value, text);
+    const bool bound = textBinders[target.kind](target.value, text);
     const std::int32_t code = XmlTakeCellError();
-    if (!message.empty())
-        XmlReport(reader, AdtConversionError(target.kind), message);
+    if (!bound)
+        XmlReport(reader, AdtConversionError(target.kind), complaintOf(target));
     else if (code != 0)
         XmlReport(reader, code, ErrorText(code));
 }
@@ -198,27 +209,29 @@ bool XmlChildren::makeScratch(const void* like, Kind kind) {
     else if (IsAdtKind(kind))
         AdtInit(bytes_, like, kind);
     if (failed_ == 0) failed_ = XmlTakeCellError();
-    if (failed_ == 0) scratchKind_ = kind;
-    return failed_ == 0;
+    if (failed_ != 0) return false;
+    scratchKind_ = kind;
+    holdsTexts_ = kind == KindRecord && areTexts(reinterpret_cast<RecordDescriptor*>(bytes_)->kinds);
+    return true;
 }
 
 void XmlChildren::clearScratch() {
     if (!IsAdtKind(scratchKind_))
         std::fill(std::begin(bytes_), std::end(bytes_), '\0');
-    else if (scratchKind_ != KindRecord || !clearFields(*reinterpret_cast<RecordDescriptor*>(bytes_)))
+    else if (holdsTexts_)
+        clearTexts(*reinterpret_cast<RecordDescriptor*>(bytes_));
+    else
         AdtClear(bytes_, scratchKind_);
 }
 
-// All slots of a fixed list have its elements' shape.
 XmlTarget XmlChildren::listSlot() {
     auto* list = static_cast<ListDescriptor*>(target_.value);
-    const Kind kind = ListElementKind(list);
-    if (!makeScratch(At(list->prototype != 0 ? list->prototype : list->data), kind)) return {};
-    if (isListInFile()) return scratch();
-    ListAppend(bytes_, kind, list);
+    if (isListInFile())
+        return makeScratch(At(list->prototype), ListElementKind(list)) ? scratch() : XmlTarget{};
+    void* const slot = ListAppendEmpty(list);
     failed_ = XmlTakeCellError();
-    if (failed_ != 0) return {};
-    return {ListRef(list, list->count), kind};
+    if (slot == nullptr) return {};
+    return {slot, ListElementKind(list)};
 }
 
 bool XmlChildren::isListInFile() const {
@@ -231,6 +244,7 @@ XmlTarget XmlChildren::arrayElement() {
 }
 
 XmlTarget XmlChildren::tableRow() {
+    if (scratchKind_ != KindNone) return scratch();
     const ListDescriptor* rows = TableRows(static_cast<TableDescriptor*>(target_.value));
     if (rows == nullptr) failed_ = ERR_TABLE_TYPE;
     return rows != nullptr && makeScratch(At(rows->prototype), KindRecord) ? scratch() : XmlTarget{};
@@ -357,7 +371,7 @@ void XmlChildren::report(std::int32_t code, std::int32_t n, std::string_view par
 void XmlChildren::add(std::int32_t n, std::string_view parent, std::string_view child,
                       std::string_view index) {
     std::int32_t code = std::exchange(failed_, 0);
-    if (code == 0 && scratchKind_ != KindNone && (target_.kind != KindList || isListInFile())) {
+    if (code == 0 && scratchKind_ != KindNone) {
         if (target_.kind == KindArray) {
             code = addToArray(n, index);
         } else if (target_.kind == KindList) {

@@ -4,7 +4,8 @@
 // runs up to the next mark. Text is collected only as long as somebody may take it: in an element whose
 // target is made of other elements it ends with the first of them, so that the blanks between thousands of
 // rows do not count.
-#include "kernel/data/scanner_bytes.h"
+#include "kernel/data/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
 
@@ -65,7 +66,7 @@ void readCharacter(std::string_view text, XmlReference& reference) {
 
 void readEntity(const XmlReader& reader, std::string_view text, XmlReference& reference) {
     std::size_t end = 1;
-    while (end < text.size() && XmlIsNamePart(static_cast<unsigned char>(text[end]))) ++end;
+    while (end < text.size() && XmlIsNamePart(text[end])) ++end;
     const std::string name = std::string(text.substr(0, end)) + ";";
     if (!EntityFind(reader.tables.entities, name, reference.replacement))
         reference.message = "The entity reference " + name + " is not allowed";
@@ -132,9 +133,9 @@ private:
         }
         if (length > 0) takeBytes(length);
         if (mark == EndOfFileMark) return false;
-        return mark == '<' ? tag(static_cast<unsigned char>(rest[length + 1])) : ampersand();
+        return mark == '<' ? tag(rest[length + 1]) : ampersand();
     }
-    bool tag(unsigned char after) {
+    bool tag(char after) {
         if (after == '/') return false;
         if (XmlIsNameStart(after))
             child();
@@ -215,6 +216,7 @@ private:
         ScannerSkipBytes(1);
         if (++count_ == 1) firstChild();
         const XmlTarget destination = children_.destination();
+        if (plainChild(destination, line)) return;
         XmlElementResult result;
         ++reader_.depth;
         XmlElement(reader_, destination, result);
@@ -223,6 +225,30 @@ private:
         if (types_) types_->add(reader_, name(), child, line, result);
         children_.add(count_, name(), child, result.index);
         reader_.names.resize(nameEnd_);
+    }
+    // A text between its tags in one line, as most children are, goes from the line to its destination.
+    bool plainChild(XmlTarget destination, std::int32_t line) {
+        if (destination.value != nullptr && !destination.takesText()) return false;
+        const std::string_view rest = ScannerRemainder();
+        std::size_t length = 1;
+        while (XmlIsNamePart(rest[length])) ++length;
+        if (rest[length] != '>') return false;
+        const std::string_view child = rest.substr(0, length);
+        std::size_t end = length + 1;
+        while (!isMark(rest[end])) ++end;
+        if (!rest.substr(end).starts_with("</") || !rest.substr(end + 2).starts_with(child)) return false;
+        if (rest[end + 2 + length] != '>') return false;
+        ScannerSkipBytes(static_cast<std::int32_t>(end + 2));
+        const std::string_view text = rest.substr(length + 1, end - length - 1);
+        if (destination.value != nullptr) XmlBindText(reader_, destination, text);
+        ScannerSkipBytes(static_cast<std::int32_t>(length + 1));
+        if (types_) {
+            XmlElementResult result;
+            result.typeText = DataValueLine(text, child, {}, {});
+            types_->add(reader_, name(), child, line, result);
+        }
+        children_.add(count_, name(), child, {});
+        return true;
     }
     void firstChild() {
         given_.giveWay(reader_);
@@ -243,7 +269,7 @@ private:
 }  // namespace
 
 bool XmlIsReference(std::string_view text) {
-    return text.size() > 1 && (text[1] == '#' || XmlIsNameStart(static_cast<unsigned char>(text[1])));
+    return text.size() > 1 && (text[1] == '#' || XmlIsNameStart(text[1]));
 }
 
 void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReference& reference) {

@@ -88,13 +88,29 @@ private:
                                 : equalsIgnoringCase(name, "index") ? Meaning::Index
                                                                     : Meaning::Field;
         if (found_) found_->name = name;
+        if (!takePlain(meaning) && !takeScanned(meaning)) return;
+        XmlNext(reader_);
+    }
+
+    // A value right behind the name, in this line and without quotes in it, needs no scanning.
+    bool takePlain(Meaning meaning) {
+        const std::string_view rest = ScannerRemainder();
+        if (rest[0] != '=' || (rest[1] != '"' && rest[1] != '\'')) return false;
+        std::size_t end = 2;
+        while (rest[end] != rest[1] && !isByte(static_cast<unsigned char>(rest[end]), ByteControl)) ++end;
+        if (rest[end] != rest[1] || rest[end + 1] == rest[1]) return false;
+        ScannerSkipBytes(static_cast<std::int32_t>(end + 1));
+        take(meaning, expand(reader_, rest.substr(2, end - 2), expanded_));
+        return true;
+    }
+    bool takeScanned(Meaning meaning) {
         XmlNext(reader_);
         XmlExpect(reader_, XmlEquals);
-        if (!XmlCheck(reader_, {XmlSingleQuoted, XmlDoubleQuoted})) return;
+        if (!XmlCheck(reader_, {XmlSingleQuoted, XmlDoubleQuoted})) return false;
         std::string_view value = ScannerSymbolStr();
         value = value.size() < 2 ? std::string_view() : value.substr(1, value.size() - 2);
         take(meaning, expand(reader_, value, expanded_));
-        XmlNext(reader_);
+        return true;
     }
 
     void take(Meaning meaning, std::string_view value) {
@@ -148,9 +164,9 @@ void readStartName(XmlReader& reader) {
 // A name and a `>` right behind it, as most start tags are, needs no scanning.
 bool readPlainStart(XmlReader& reader) {
     const std::string_view rest = ScannerRemainder();
-    if (!XmlIsNameStart(static_cast<unsigned char>(rest[0]))) return false;
+    if (!XmlIsNameStart(rest[0])) return false;
     std::size_t end = 1;
-    while (XmlIsNamePart(static_cast<unsigned char>(rest[end]))) ++end;
+    while (XmlIsNamePart(rest[end])) ++end;
     if (rest[end] != '>') return false;
     reader.names.append(rest.substr(0, end));
     ScannerSkipBytes(static_cast<std::int32_t>(end + 1));

@@ -4,8 +4,6 @@
 // the target's shape, which takes the target's place at the end: a read that is stopped changes nothing.
 #include "kernel/data/elements.h"
 #include "kernel/data/fresh.h"
-#include "kernel/data/progress.h"
-#include "kernel/data/scanner_bytes.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/errors.h"
@@ -202,13 +200,7 @@ void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view elem
                 message + "' cannot be loaded, fields are expected there");
 }
 
-std::int32_t XmlTakeCellError() {
-    const std::int32_t code = ErrorCell();
-    tarn_error_cell = 0;
-    return code;
-}
-
-void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
+void XmlNoteFinding(XmlReader& reader, ScanStatus status) {
     ScannerReportStatus(status, reader.error);
     const std::int64_t done = ScannerBytesRead();
     if (done - reader.shown < ProgressStep) return;
@@ -252,23 +244,6 @@ bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
         XmlNoteStatus(reader, ScannerSkipChar());
         if (reader.stopped) return false;
     }
-}
-
-bool XmlIsNameStart(unsigned char c) {
-    return isByte(c, ByteXmlStart);
-}
-bool XmlIsNamePart(unsigned char c) {
-    return isByte(c, ByteXmlPart);
-}
-
-std::string_view XmlTrimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t start = text.find_first_not_of(blanks);
-    if (start == std::string_view::npos) return {};
-    return text.substr(start, text.find_last_not_of(blanks) - start + 1);
-}
-bool XmlIsBlank(std::string_view text) {
-    return XmlTrimmed(text).empty();
 }
 
 // ---- reads ----

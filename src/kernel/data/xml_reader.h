@@ -10,7 +10,9 @@
 #pragma once
 
 #include "kernel/adt.h"
+#include "kernel/data/progress.h"
 #include "kernel/data/scanner.h"
+#include "kernel/data/scanner_bytes.h"
 #include "kernel/data/xml.h"
 #include "kernel/data/xml_entities.h"
 #include "kernel/records.h"
@@ -153,9 +155,17 @@ ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
 // another form.
 void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element);
 // Moves the error of an operation on a value from the cell; 0 for none.
-std::int32_t XmlTakeCellError();
+inline std::int32_t XmlTakeCellError() {
+    const std::int32_t code = ErrorCell();
+    if (code != 0) tarn_error_cell = 0;
+    return code;
+}
 // What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
-void XmlNoteStatus(XmlReader& reader, ScanStatus status);
+void XmlNoteFinding(XmlReader& reader, ScanStatus status);
+inline void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
+    const bool far = ScannerBytesRead() - reader.shown >= ProgressStep;
+    if ((status != ScanClean && status != ScanNewLine) || far) XmlNoteFinding(reader, status);
+}
 inline void XmlNext(XmlReader& reader) {
     const ScanStatus status = ScannerNext(&reader.tables.symbols);
     if (status != ScanClean) XmlNoteStatus(reader, status);
@@ -177,10 +187,22 @@ bool XmlNameFollows();
 bool XmlSkipPast(XmlReader& reader, std::string_view mark);
 // A list or a table that is held in a file and not open.
 bool XmlIsUnopened(const void* value, Kind kind);
-bool XmlIsNameStart(unsigned char c);
-bool XmlIsNamePart(unsigned char c);
-bool XmlIsBlank(std::string_view text);  // blanks and line ends alone
-std::string_view XmlTrimmed(std::string_view text);
+inline bool XmlIsNameStart(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteXmlStart);
+}
+inline bool XmlIsNamePart(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteXmlPart);
+}
+// Without the blanks and line ends around it.
+inline std::string_view XmlTrimmed(std::string_view text) {
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+inline bool XmlIsBlank(std::string_view text) {
+    return XmlTrimmed(text).empty();
+}
 
 // ---- the grammar ----
 
@@ -253,6 +275,7 @@ private:
     XmlTarget target_;
     XmlFields fields_;
     Kind scratchKind_ = KindNone;  // once there is one
+    bool holdsTexts_ = false;      // the scratch is a record of numbers and strings
     char bytes_[sizeof(ArrayDescriptor)] = {};
     std::int32_t failed_ = 0;  // to make a place for the child that is being read
     // The bounds that the children of a growable array need; it may have some to spare until the end.

@@ -73,8 +73,8 @@ std::string elementName(std::string_view name) {
     if (name.size() >= 2 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
     std::string made(name);
     for (char& c : made)
-        if (!XmlIsNamePart(static_cast<unsigned char>(c))) c = '_';
-    if (!made.empty() && !XmlIsNameStart(static_cast<unsigned char>(made[0]))) made.insert(0, "_");
+        if (!XmlIsNamePart(c)) c = '_';
+    if (!made.empty() && !XmlIsNameStart(made[0])) made.insert(0, "_");
     return made;
 }
 
