@@ -272,6 +272,19 @@ int32_t tarn_table_index_for(const tarn_table* t, const tarn_record* key);
 void tarn_table_key_from_row(const tarn_table* t, int32_t index, const tarn_record* row, tarn_record* key);
 void tarn_table_row(const tarn_table* t, int32_t number, tarn_record* row);
 
+/* ---- lists and tables in files ----
+ *
+ * Those that were initialised with in_file: until they are opened every use is 661. */
+
+/* Opens the file, or makes it. kind: TARN_LIST or TARN_TABLE. Errors: 660, 764, 661, 657, 658, 655, 619, 762,
+ * 656, 651 to 654; the value is not open then. */
+void tarn_file_open(void* value, int32_t kind, const tarn_string* name);
+void tarn_file_close(void* value, int32_t kind); /* brings the file to the disk */
+int32_t tarn_file_exists(const void* value, int32_t kind); /* 1 for an open one */
+int32_t tarn_file_record_length(const void* value, int32_t kind);
+int32_t tarn_file_header_size(const void* value, int32_t kind);
+int32_t tarn_file_format(const void* value, int32_t kind); /* 3 plain, 4 fixed, 5 Xbase; 661 when not open */
+
 /* ---- numbers; a fixed number is the number times 10000 ---- */
 
 int64_t tarn_fixed_from_real(double x); /* to the nearest; 641 and 0 outside the fixed numbers and for NaN */

@@ -343,6 +343,63 @@ void api_lists(void) {
 
 /* ---- tables ---- */
 
+void api_files(const char* file, const char* table_file) {
+    static const int32_t maps[5] = {0x01000000, 0, 0, 0, 0};
+    int32_t number = 7, read = 0, found = 0;
+    tarn_string name = made(file), fixed;
+    tarn_list l;
+    tarn_table t;
+    tarn_record row, key;
+    tarn_list_init(&l, 5, 0, TARN_INTEGER, 1);
+    CHECK(tarn_file_exists(&l, TARN_LIST) == 0);
+    tarn_list_append(&number, TARN_INTEGER, &l);
+    CHECK_ERROR(661);
+    CHECK(tarn_file_format(&l, TARN_LIST) == 0);
+    CHECK_ERROR(661);
+    tarn_file_open(&l, TARN_LIST, &name);
+    CHECK_ERROR(0);
+    CHECK(tarn_file_exists(&l, TARN_LIST) == 1);
+    CHECK(tarn_file_format(&l, TARN_LIST) == 4);
+    CHECK(tarn_file_record_length(&l, TARN_LIST) == 4);
+    CHECK(tarn_file_header_size(&l, TARN_LIST) == 4);
+    tarn_list_append(&number, TARN_INTEGER, &l);
+    tarn_list_get(&l, 1, &read, TARN_INTEGER);
+    CHECK(read == 7);
+    tarn_file_close(&l, TARN_LIST);
+    CHECK(tarn_file_exists(&l, TARN_LIST) == 0);
+    tarn_file_open(&l, TARN_LIST, &name);
+    CHECK(tarn_list_count(&l) == 1);
+    tarn_list_clear(&l);
+    tarn_adt_free(&l, TARN_LIST);
+    tarn_string_free(&name);
+    CHECK_ERROR(0);
+
+    name = made("");
+    tarn_string_init(&fixed, 10);
+    tarn_record_init(&row, TARN_TAG_RECORD, key_kinds);
+    tarn_record_init(&key, TARN_TAG_RECORD, key_kinds);
+    tarn_record_append(&row, &fixed, TARN_STRING);
+    tarn_table_init(&t, TARN_UNBOUNDED, &row, maps, "", 1);
+    tarn_file_open(&t, TARN_TABLE, &name);
+    CHECK_ERROR(661);
+    tarn_string_free(&name);
+    name = made(table_file);
+    tarn_file_open(&t, TARN_TABLE, &name);
+    CHECK_ERROR(0);
+    tarn_record_put(&row, 1, &number, TARN_INTEGER);
+    tarn_record_put(&key, 1, &number, TARN_INTEGER);
+    tarn_table_add(&t, 1, &row);
+    found = tarn_table_find("EQ", &t, 1, &key, &row);
+    CHECK(found == 1);
+    tarn_file_close(&t, TARN_TABLE);
+    tarn_adt_free(&t, TARN_TABLE);
+    tarn_record_free(&row);
+    tarn_record_free(&key);
+    tarn_string_free(&fixed);
+    tarn_string_free(&name);
+    CHECK_ERROR(0);
+}
+
 void api_tables(void) {
     static const int32_t maps[5] = {0x01000000, 0, 0, 0, 0};
     tarn_table t;

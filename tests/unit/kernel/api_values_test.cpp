@@ -5,6 +5,7 @@
 #include "kernel/api.h"
 #include "kernel/strings.h"
 #include "runtime_fixture.h"
+#include "support/tempfolder.h"
 
 #include <string>
 
@@ -17,6 +18,7 @@ void api_records(void);
 void api_odd_addresses(void);
 void api_lists(void);
 void api_tables(void);
+void api_files(const char* file, const char* table_file);
 void api_arithmetic(void);
 void api_number_texts(void);
 void api_dates(void);
@@ -70,6 +72,10 @@ TEST_F(ApiValues, ListsWorkInC) {
 }
 TEST_F(ApiValues, TablesWorkInC) {
     api_tables();
+}
+TEST_F(ApiValues, ValuesInFilesWorkInC) {
+    const TempFolder folder;
+    api_files((folder / "list.lst").c_str(), (folder / "table.tab").c_str());
 }
 TEST_F(ApiValues, ArithmeticWorksInC) {
     api_arithmetic();
