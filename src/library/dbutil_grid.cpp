@@ -2,6 +2,7 @@
 #include "library/dbutil_grid.h"
 
 #include "kernel/arrays.h"
+#include "kernel/ascii.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/lists.h"
 #include "kernel/owned.h"
@@ -60,10 +61,27 @@ void appendReal(double value, std::string& line) {
     line.append(digits, end);
 }
 
+// Calls `visit` with the text of a table's description from each field on.
+template <class Visit>
+void eachField(const TableDescriptor* table, Visit visit) {
+    const std::string description(NarrowText(TableTypeInfo(table)).view());
+    for (std::size_t position = 0; position < description.size();) {
+        const std::size_t start = position;
+        const std::int32_t kind = TypeInfoToValue(description, position, nullptr);
+        if (IsValueKind(kind)) visit(std::string_view(description).substr(start));
+        if (position == start) break;
+    }
+}
+
 // Turns the rows of a table into lines.
 class RowText {
 public:
-    explicit RowText(int firstField) : firstField_(firstField) {}
+    // Enums whose type is Tchar are characters, as the deletion mark of Xbase rows.
+    RowText(int firstField, const TableDescriptor* table) : firstField_(firstField) {
+        eachField(table, [this](std::string_view line) {
+            characters_.push_back(ascii::equal(TypeInfoParseLine(line, 1).typeName, "Tchar"));
+        });
+    }
 
     const std::string& of(const RecordDescriptor* row) {
         line_.clear();
@@ -83,10 +101,16 @@ private:
         if (kind == KindReal) return appendReal(ReadAt<double>(field), line_);
         if (kind == KindString) return appendString(static_cast<const StringDescriptor*>(field));
         if (kind == KindArray) return appendCharacters(static_cast<const ArrayDescriptor*>(field));
+        if (kind == KindEnum && isCharacter(n))
+            return appendPrintable({static_cast<const char*>(field), 1}, line_);
         if (kind > KindSet || kind == KindRecord || kind == KindUnion)
             return;  // a column holds no such value
         RecordGetAsText(row, n, text_.get());
         appendPrintable(NarrowText(text_.get()).view(), line_);
+    }
+    [[nodiscard]] bool isCharacter(int n) const {
+        const auto index = static_cast<std::size_t>(n - 1);
+        return index < characters_.size() && characters_[index];
     }
     void appendString(const StringDescriptor* text) {
         if (StringIsNull(text)) {
@@ -102,6 +126,7 @@ private:
     }
 
     int firstField_;
+    std::vector<bool> characters_;
     String text_;
     std::string line_;
 };
@@ -111,15 +136,19 @@ private:
 // Calls `visit` with each row until it gives false.
 template <class Visit>
 void eachRow(const TableDescriptor* table, Visit visit) {
-    if (TableIndexCount(table) == 0) {
-        const ListDescriptor* const rows = TableRows(table);
-        const int count = TableCount(table);
-        for (int n = 1; n <= count; ++n)
-            if (!visit(static_cast<const RecordDescriptor*>(ListRef(rows, n)))) return;
-        return;
-    }
     RecordValue row, key;
     bool found = false;
+    if (TableIndexCount(table) == 0) {
+        const ListDescriptor* const rows = TableRows(table);
+        const bool inFile = ListIsInFile(rows);
+        const int count = TableCount(table);
+        for (int n = 1; n <= count; ++n) {
+            if (inFile) TableRow(table, n, row.get());
+            const void* const at = inFile ? row.get() : ListRef(rows, n);
+            if (!visit(static_cast<const RecordDescriptor*>(at))) return;
+        }
+        return;
+    }
     for (TableFind("FIRST", table, 1, key.get(), row.get(), found); found;
          TableFind("NEXT", table, 1, key.get(), row.get(), found)) {
         if (!visit(row.get())) return;
@@ -152,13 +181,7 @@ std::vector<std::string> TABLEFIELDNAMES(const TableDescriptor* table) {
     STAMP();
     std::vector<std::string> names;
     if (TableRows(table) == nullptr) return names;
-    const std::string description(NarrowText(TableTypeInfo(table)).view());
-    for (std::size_t position = 0; position < description.size();) {
-        const std::size_t start = position;
-        const std::int32_t kind = TypeInfoToValue(description, position, nullptr);
-        if (IsValueKind(kind)) names.push_back(TypeInfoName(std::string_view(description).substr(start), 1));
-        if (position == start) break;
-    }
+    eachField(table, [&](std::string_view line) { names.push_back(TypeInfoName(line, 1)); });
     const auto* const shape = reinterpret_cast<const RecordDescriptor*>(At(TableRows(table)->prototype));
     names.resize(shape != nullptr ? static_cast<std::size_t>(FieldCountOf(shape->kinds)) : names.size());
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -180,7 +203,7 @@ bool FILLLISTBOX(const Object& control, bool hideFirst, int startColumn, std::st
     names.erase(names.begin(), names.begin() + std::min<std::ptrdiff_t>(first - 1, std::ssize(names)));
     SetCaption(control, titles.empty() ? joined(names) : std::string(titles));
     if (TableRows(table) == nullptr || !IsLoaded(control)) return true;
-    RowText text(first);
+    RowText text(first, table);
     LongWork work("Showing the rows");
     int row = 0;
     eachRow(table, [&](const RecordDescriptor* record) {

@@ -4,6 +4,7 @@
 #include "library/dbutil_grid.h"
 
 #include "kernel/data/typeinfo.h"
+#include "kernel/filevalues.h"
 #include "kernel/lists.h"
 #include "kernel/owned.h"
 #include "kernel/records.h"
@@ -102,6 +103,26 @@ TEST_F(Grid, ShowsTheRowsInTheirOwnOrderWithoutAnIndex) {
     for (const Lines& row : {Lines{"Cid", "7"}, Lines{"Ann", "31"}, Lines{"Cid", "7"}}) add(table, row);
     EXPECT_TRUE(FILLLISTBOX(list, false, 1, "", table.get()));
     EXPECT_EQ(rows(), (Lines{"Cid\t7", "Ann\t31", "Cid\t7"}));
+}
+
+TEST_F(Grid, ShowsTheRowsOfAFile) {
+    TableValue memory, table;
+    const std::string fields = "name : string[20]\nage : integer\n";
+    make(memory, fields, {});
+    const auto* shape = reinterpret_cast<const RecordDescriptor*>(At(TableRows(memory.get())->prototype));
+    TableInit(table.get(), UNBOUNDED, shape, KeyMaps{}, fields, true);
+    FileOpen(table.get(), KindTable, folder / "rows.tab");
+    for (const Lines& row : {Lines{"Cid", "7"}, Lines{"Ann", "31"}}) add(table, row);
+    EXPECT_TRUE(FILLLISTBOX(list, false, 1, "", table.get()));
+    EXPECT_EQ(rows(), (Lines{"Cid\t7", "Ann\t31"}));
+}
+
+TEST_F(Grid, CharactersOfOneAreShownAsSuch) {
+    TableValue table;
+    make(table, "delete_flag : Tchar\nname : string[20]\nkind : enum\n",
+         {{"42", "Ann", "42"}, {"32", "Bob", "7"}});
+    FILLLISTBOX(list, false, 1, "", table.get());
+    EXPECT_EQ(rows(), (Lines{"*\tAnn\t42", " \tBob\t7"}));
 }
 
 TEST_F(Grid, AnEmptyTableHasTitlesAndNoRows) {
