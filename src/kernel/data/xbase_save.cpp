@@ -39,6 +39,12 @@ std::string completed(std::string_view typeText, const XbaseShape& row) {
     return text;
 }
 
+bool isSameFile(const std::string& a, const std::string& b) {
+    if (b.empty()) return false;
+    const os::FileInfo one = os::infoOf(a), other = os::infoOf(b);
+    return one.exists && other.exists && one.device == other.device && one.inode == other.inode;
+}
+
 // The fields of the file that is written.
 struct Fields {
     XbaseHeader header;
@@ -150,7 +156,8 @@ TabResult save(const std::string& filename, const void* value, Kind kind, std::s
     std::string& bytes = fields.bytes;
     result = Saving(fields.header, fields.marked, bytes).run(value, kind);
     if (result.code != 0 || result.stopped) return {result.code, result.row, 0, result.stopped};
-    bytes += XbaseFileEnd;
+    // The value goes on with its own file, which has had its mark cut off when it was opened.
+    if (!isSameFile(filename, FileNameOf(value, kind))) bytes += XbaseFileEnd;
     XbaseSetRecords(bytes, static_cast<std::uint32_t>(result.rows));
     const std::int32_t code = FileWriteCode(os::saveFile(filename, bytes).error);
     return code == 0 ? result : TabResult{code};
