@@ -43,6 +43,8 @@ bool AcceptXbaseRows(const ListDescriptor& l) {
 bool MakeXbaseHeader(const ListDescriptor& l, std::string_view typeText, std::string& bytes) {
     std::string own;
     if (typeText.empty()) typeText = own = defaultText(*rowOf(l));
+    // A file without fields could not be read again.
+    if (FieldCountOf(rowOf(l)->kinds) == 1) return RefuseList(ERR_COMPONENT_UNREPRESENTABLE);
     std::int32_t code = 0;
     bytes = XbaseHeaderBytes(rowOf(l), KindRecord, typeText, 0, code);
     return code == 0 || RefuseList(code);
@@ -82,13 +84,13 @@ std::int32_t XbaseRows::rowBytes() const {
 
 bool XbaseRows::pack(const void* element, Kind kind, std::string& bytes) const {
     std::string row;
-    if (!carried(XbaseWriteRow(element, kind, *header_, row))) return false;
+    if (!carried(XbaseWriteRow(element, kind, *header_, row, true))) return false;
     bytes += row;
     return true;
 }
 
 bool XbaseRows::unpack(std::string_view bytes, void* element, Kind kind) const {
-    return carried(XbaseReadRow(bytes, *header_, element, kind));
+    return carried(XbaseReadRow(bytes, *header_, element, kind, true));
 }
 
 }  // namespace tarn

@@ -51,13 +51,20 @@ bool DIRFINDPATH(std::string_view directory, std::string_view paths);
 // Opens a data file as a table that is held in a file. A file that is not there is made, a table file of its
 // own; files of Xbase (.dbf, .xbf), of packed values (.bin) and of unknown extensions are the table's rows
 // themselves. Of XML (.xml) and text (.tab, .csv, .txt) the rows go to a scratch file beside it, whose
-// extension begins with "~"; an older one is deleted. `options` is an options record or null; its separator
-// decides between the forms of delimited text. When a row cannot be read, too, the table is not open: saving
-// it later would lose the row. On any error no scratch file is left and the data file is as it was.
+// extension begins with "~"; an older one is deleted, unless another table of this program was opened with it:
+// 652, and nothing has changed then. `options` is an options record or null; its separator decides between the
+// forms of delimited text. All rows are read, whatever it says of their number. When a row cannot be read, too,
+// the table is not open: saving it later would lose the row. On any error no scratch file is left and the data
+// file is as it was.
+//
+// A table file that was made under the name of such a form is opened directly again: its size is that of whole
+// rows of the table, and its first index names it. For a table without an index a byte 0 in it tells, unless it
+// begins as UTF-16 text does.
 void TABOPEN(const std::string& filename, const RecordDescriptor* options, TableDescriptor* table);
-// Closes a table of TABOPEN. One with a scratch file is saved to `filename` first if `save`, by the form that
-// belongs to the extension; then the scratch file goes, with its indexes. When saving failed the table stays
-// open, and nothing is lost.
+// Closes a table of TABOPEN. One whose rows stand elsewhere than in `filename` (under whatever name) is saved
+// there first if `save`, by the form that belongs to the extension (658 for one that has none); then a scratch
+// file goes, with its indexes. Footer lines of a delimited file, as many as the options say, stay as they were
+// when they say more than the number of rows. When saving failed the table stays open, and nothing is lost.
 void TABCLOSE(const std::string& filename, const RecordDescriptor* options, bool save,
               TableDescriptor* table);
 

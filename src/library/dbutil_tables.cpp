@@ -6,14 +6,21 @@
 
 #include "kernel/ascii.h"
 #include "kernel/data/datafile.h"
+#include "kernel/errors.h"
+#include "kernel/fileerrors.h"
 #include "kernel/filevalues.h"
 #include "kernel/index_file.h"
 #include "kernel/lists.h"
+#include "kernel/runtime.h"
 #include "kernel/tables.h"
+#include "library/dbutil_footers.h"
 #include "library/system.h"
 #include "os/files.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <string_view>
+#include <vector>
 
 MODULE("dbutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
@@ -22,16 +29,16 @@ namespace {
 
 constexpr int CommaCode = 44;
 
-// The form of a file whose rows cannot be worked on where they stand; FormatUnknown for others.
-DataFormat foreignFormat(const std::string& filename, const RecordDescriptor* options) {
+// The form in which a table is saved to a file of this name; FormatUnknown when its extension has none.
+DataFormat savedFormat(const std::string& filename, const RecordDescriptor* options) {
     const DataFormat format = DataFormatOf(filename);
-    switch (format) {
-    case FormatText:
-    case FormatXml: return format;
-    case FormatComma:
-    case FormatTab: return TabOptionsOf(options, format).separatorchar == CommaCode ? FormatComma : FormatTab;
-    default: return FormatUnknown;
-    }
+    if (format != FormatComma && format != FormatTab) return format;
+    return TabOptionsOf(options, format).separatorchar == CommaCode ? FormatComma : FormatTab;
+}
+
+// The rows of such a file cannot be worked on where they stand.
+bool isForeign(DataFormat format) {
+    return format == FormatText || format == FormatXml || format == FormatComma || format == FormatTab;
 }
 
 // "orders.csv": "orders.~sv".
@@ -52,16 +59,153 @@ void deleteScratch(const std::string& scratch) {
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) os::files().remove(os::native(IndexFileName(scratch, n)));
 }
 
+// Two names of one file.
+bool isSameFile(const std::string& a, const std::string& b) {
+    if (ascii::equal(a, b)) return true;
+    const os::FileInfo one = os::infoOf(os::native(a)), other = os::infoOf(os::native(b));
+    return one.exists && other.exists && one.device == other.device && one.inode == other.inode;
+}
+
+// ---- scratch files that are in use ----
+
+struct OpenScratch {
+    std::string path;
+    const TableDescriptor* table = nullptr;
+};
+std::vector<OpenScratch>& openScratches() {
+    static std::vector<OpenScratch> scratches;
+    return scratches;
+}
+
+std::string fullPath(const std::string& name) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(os::native(name), error);
+    return error ? name : path.lexically_normal().string();
+}
+
+// A table that has ended took its scratch file with it.
+bool isInUse(const std::string& scratch, const TableDescriptor* by) {
+    if (!os::infoOf(os::native(scratch)).exists) return false;
+    const std::string path = fullPath(scratch);
+    return std::any_of(openScratches().begin(), openScratches().end(),
+                       [&](const OpenScratch& open) { return open.path == path && open.table != by; });
+}
+
+void noteScratch(const std::string& scratch, const TableDescriptor* table, bool isOpen) {
+    std::vector<OpenScratch>& all = openScratches();
+    const std::string path = fullPath(scratch);
+    const auto isOld = [&](const OpenScratch& open) { return open.path == path || open.table == table; };
+    all.erase(std::remove_if(all.begin(), all.end(), isOld), all.end());
+    if (isOpen) all.push_back({path, table});
+}
+
+// ---- opening ----
+
+// The table file that a first index says it belongs to.
+std::string tableOfIndex(const std::string& filename) {
+    constexpr std::size_t nameOffset = 8;
+    std::string bytes;
+    const os::FileError error = os::readFile(os::native(IndexFileName(filename, 1)), bytes);
+    if (error != os::FileError::None || bytes.size() < std::size_t{IndexHeaderBytes}) return {};
+    const std::string name = bytes.substr(nameOffset, MaxIndexTableName);
+    return name.substr(0, name.find('\0'));
+}
+
+bool holdsZeroByte(const std::string& filename) {
+    std::string bytes;
+    if (os::readFile(os::native(filename), bytes) != os::FileError::None) return false;
+    const bool wideText = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+    return !wideText && bytes.find('\0') != std::string::npos;
+}
+
+// Whether a file with the extension of a foreign form is one that was made here under that name: whole rows
+// of the table, and its first index names the file. Without an index a byte 0 tells, which no text holds.
+bool isTableFile(const std::string& filename, const TableDescriptor* table) {
+    constexpr std::int64_t countBytes = 4;
+    const ListDescriptor& rows = *TableRows(table);
+    const std::int64_t rowBytes = FileRecordLength(table, KindTable);
+    const std::int64_t size =
+        os::sizeOf(os::native(filename)) - (rows.maxlength == UNBOUNDED ? 0 : countBytes);
+    if (rowBytes <= 0 || size <= 0 || size % rowBytes != 0) return false;
+    if (TableIndexCount(table) == 0) return holdsZeroByte(filename);
+    const std::string_view name = std::string_view(filename).substr(filename.find_last_of("/\\") + 1);
+    return tableOfIndex(filename) == name.substr(0, MaxIndexTableName);
+}
+
+// What the options say, or the code of what is wrong with their record.
+std::int32_t readOptions(const RecordDescriptor* record, DataFormat format, TabOptions& options) {
+    const std::int32_t before = tarn_error_cell;
+    tarn_error_cell = 0;
+    options = TabOptionsOf(record, format);
+    const std::int32_t code = tarn_error_cell;
+    tarn_error_cell = before;
+    return code;
+}
+
+// All rows, however many the options ask for: a table that lacks some would be saved without them.
+bool loadRows(const std::string& filename, DataFormat format, const RecordDescriptor* record,
+              TableDescriptor* table) {
+    TabOptions options;
+    std::int32_t code = readOptions(record, format, options);
+    options.maxdatarows = -1;
+    bool stopped = false;
+    if (code == 0) {
+        std::string message;
+        const TabResult result = LoadValue(filename, format, options, table, KindTable, message);
+        code = result.code;
+        stopped = result.stopped;
+    }
+    SetError(code);
+    return code == 0 && !stopped;
+}
+
 void openScratch(const std::string& filename, DataFormat format, const RecordDescriptor* options,
                  TableDescriptor* table) {
     const std::string scratch = scratchName(filename);
     deleteScratch(scratch);
     FileOpen(table, KindTable, scratch);
     if (!FileExists(table, KindTable)) return;
-    const TabResult result = LOADFILE(filename, format, options, table, KindTable);
-    if (result.code == 0 && !result.stopped) return;
+    noteScratch(scratch, table, true);
+    if (loadRows(filename, format, options, table)) return;
     FileClose(table, KindTable);
+    noteScratch(scratch, table, false);
     deleteScratch(scratch);
+}
+
+// ---- closing ----
+
+// Footer lines that say more than the number of rows stay as they are. The rows go to a scratch file first,
+// so that the file is whole at any time.
+std::int32_t saveWithFooters(const std::string& filename, DataFormat format, TabOptions options,
+                             const std::string& footers, const TableDescriptor* table) {
+    const std::string side = scratchName(filename) + "~";
+    options.numfooterrows = 0;
+    const TabResult result = SaveValue(side, format, options, 0, table, KindTable);
+    if (result.code != 0 || result.stopped) return result.code;
+    std::string bytes;
+    const os::FileError error = os::readFile(os::native(side), bytes);
+    os::files().remove(os::native(side));
+    if (error != os::FileError::None) return ERR_FILE_READ;
+    return FileWriteCode(os::saveFile(os::native(filename), bytes + footers).error);
+}
+
+bool saveTable(const std::string& filename, DataFormat format, const RecordDescriptor* record,
+               const TableDescriptor* table) {
+    TabOptions options;
+    const bool delimited = format == FormatComma || format == FormatTab;
+    std::string footers;
+    if (delimited && readOptions(record, format, options) == 0 && options.numfooterrows > 0 &&
+        os::infoOf(os::native(filename)).exists && !ReadFooters(filename, options.numfooterrows, footers)) {
+        SetError(ERR_FILE_READ);
+        return false;
+    }
+    if (footers.empty()) {
+        const TabResult result = SAVEFILE(filename, format, record, table, KindTable);
+        return result.code == 0 && !result.stopped;
+    }
+    const std::int32_t code = saveWithFooters(filename, format, options, footers, table);
+    SetError(code);
+    return code == 0;
 }
 
 }  // namespace
@@ -69,11 +213,12 @@ void openScratch(const std::string& filename, DataFormat format, const RecordDes
 void TABOPEN(const std::string& filename, const RecordDescriptor* options, TableDescriptor* table) {
     FRAME(TABOPEN);
     STAMP();
-    const DataFormat format = foreignFormat(filename, options);
+    const DataFormat format = savedFormat(filename, options);
     const ListDescriptor* const rows = TableRows(table);
-    const bool direct = format == FormatUnknown || rows == nullptr || !ListIsInFile(rows) ||
-                        os::sizeOf(os::native(filename)) < 0;
+    const bool direct = !isForeign(format) || rows == nullptr || !ListIsInFile(rows) ||
+                        os::sizeOf(os::native(filename)) < 0 || isTableFile(filename, table);
     STAMP();
+    if (!direct && isInUse(scratchName(filename), table)) return SetError(ERR_FILE_WRITE);
     if (!direct && FileExists(table, KindTable)) FileClose(table, KindTable);
     STAMP();
     if (direct)
@@ -88,12 +233,11 @@ void TABCLOSE(const std::string& filename, const RecordDescriptor* options, bool
     STAMP();
     const std::string scratch = FileNameOf(table, KindTable);
     if (scratch.empty()) return;
-    if (ascii::equal(scratch, filename)) return FileClose(table, KindTable);
+    if (isSameFile(scratch, filename)) return FileClose(table, KindTable);
     STAMP();
-    TabResult result;
-    if (save) result = SAVEFILE(filename, foreignFormat(filename, options), options, table, KindTable);
-    if (result.code != 0 || result.stopped) return;
+    if (save && !saveTable(filename, savedFormat(filename, options), options, table)) return;
     FileClose(table, KindTable);
+    noteScratch(scratch, table, false);
     deleteScratch(scratch);
 }
 

@@ -89,7 +89,8 @@ bool SAVEFILE(const std::string& file, std::string_view text);
 // What a failed SAVEFILE says to the user: what went wrong and where the text is safe. Empty unless the last
 // of all SAVEFILEs and LOADFILEs was a SAVEFILE that failed.
 std::string SAVEFILEREPORT();
-// Whole values of the language, by a format of datafile.h: 1 lines, 2 commas, 3 packed, 6 XML, 7 tabs.
+// Whole values of the language, by a format of datafile.h: 1 lines, 2 commas, 3 packed, 5 Xbase, 6 XML,
+// 7 tabs.
 // `options` is the options record of delimited text; null and an empty one mean the defaults of the format.
 // The first failure is set in the cell too (see TabResult); a file that cannot be read, and a file that
 // cannot be written, stay as they are, and so does the value then. 658 for any other format. The user sees

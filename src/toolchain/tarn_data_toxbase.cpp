@@ -207,6 +207,9 @@ Problem saveXbase(const Target& target, std::string_view columns, Rows& rows) {
     XbaseHeader header;
     ClearError();
     if (code != 0 || !XbaseDecodeHeader(head, header).empty()) return unrepresentable(target, "such a row ");
+    // The first column would become the mark, and be none of the file.
+    const bool marked = XbaseHoldsMark(shape.get(), KindRecord, columns);
+    if (marked && !isDeleteFlag(columns)) return unrepresentable(target, "such a row ");
     const Work work("writing " + target.file);
     OutFile out(target.file);
     Steps steps(std::int64_t{rows.count()} * header.recordSize);
@@ -217,7 +220,7 @@ Problem saveXbase(const Target& target, std::string_view columns, Rows& rows) {
         if (!steps.step(header.recordSize)) return out.stopped();
         const RecordDescriptor* const row = rows.at(i);
         const XbaseFault fault =
-            row != nullptr ? XbaseWriteRow(row, KindRecord, header, bytes) : XbaseFault{1, 1};
+            row != nullptr ? XbaseWriteRow(row, KindRecord, header, bytes, marked) : XbaseFault{1, 1};
         ClearError();
         if (fault.errorCode != 0)
             return unrepresentable(target, "row " + std::to_string(i) + ", field " +

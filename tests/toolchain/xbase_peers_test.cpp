@@ -98,7 +98,7 @@ protected:
     std::string readOurs(const std::string& file, const std::string& lines = fields) {
         ListDescriptor& values = list(lines);
         std::string message, text;
-        const TabResult result = XbaseLoad(dir / file, &values, KindList, message);
+        const TabResult result = XbaseLoad(dir / file, &values, KindList, message, -1, lines);
         if (result.code != 0) text = std::to_string(result.code) + "@" + std::to_string(result.row) + message;
         for (std::int32_t i = 1; i <= values.count; ++i)
             text += shown(get(static_cast<const RecordDescriptor*>(ListRef(&values, i))));

@@ -11,6 +11,7 @@
 #include "kernel/data/xml.h"
 #include "kernel/errors.h"
 #include "kernel/index_file.h"
+#include "kernel/string_text.h"
 #include "kernel/strings.h"
 
 #include <algorithm>
@@ -160,11 +161,11 @@ bool looksLikeIndex(std::string_view head) {
 }
 
 // The description that a file of the system's own tables holds; only index files have one.
-void readTableFile(const std::string& filename, std::string_view head, DataFileInfo& info) {
+void readTableFile(const std::string& filename, DataFileInfo& info) {
     constexpr std::int64_t textOffset = 49;
     info.format = FormatBinary;
     TabFile file;
-    if (!looksLikeIndex(head) || file.open(filename) != 0 || file.size() < IndexHeaderBytes) return;
+    if (file.open(filename) != 0 || file.size() < IndexHeaderBytes) return;
     std::string text(MaxIndexText + 1, '\0');
     if (file.read(textOffset, text.data(), text.size()) != 0) return;
     const std::size_t end = text.find('\0');
@@ -193,8 +194,8 @@ void readFile(const std::string& filename, const TabOptions* options, DataFileIn
         readXbase(filename, info);
     } else if (looksLikeText(head)) {
         readText(filename, options, info);
-    } else if (looksLikeIndex(head) || DataFormatOf(filename) == FormatBinary) {
-        readTableFile(filename, head, info);
+    } else if (looksLikeIndex(head)) {
+        readTableFile(filename, info);
     } else {
         info.message =
             fileWord(filename) + "is an unknown file type (first four bytes = " + hexPairs(head) + ").";
@@ -315,7 +316,8 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
     }
     const bool given = options != nullptr && options->data != 0;
     const TabOptions read = TabOptionsOf(options, FormatComma);
-    const DataFileInfo info = GetDataFileInfo(std::string(StringView(filename)), given ? &read : nullptr);
+    const DataFileInfo info =
+        GetDataFileInfo(std::string(NarrowText(filename).view()), given ? &read : nullptr);
     StringAssignView(optionsOut, info.keys);
     StringAssignView(typeText, info.typeText);
     StringAssignView(message, info.stopped ? noInformation : info.message);

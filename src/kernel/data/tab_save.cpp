@@ -14,6 +14,7 @@
 #include "kernel/numbers.h"
 #include "kernel/runtime.h"
 #include "kernel/sets.h"
+#include "kernel/string_text.h"
 #include "kernel/strings.h"
 #include "kernel/table_access.h"
 
@@ -52,7 +53,7 @@ std::vector<std::string> namesOf(std::string_view description) {
 // The names that a table's own description gives its fields, one per line. The description is the fields
 // alone, or the whole declaration.
 std::string namesOfTable(const TableDescriptor* table, std::size_t fields) {
-    std::string description(StringView(TableTypeInfo(table)));
+    std::string description(NarrowText(TableTypeInfo(table)).view());
     std::vector<std::string> names = namesOf(description);
     if (names.size() != fields) {
         TypeInfoStripOuter(description, MaxTypeInfo);

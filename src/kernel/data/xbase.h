@@ -20,9 +20,9 @@
 //       18    14  reserved, 0
 //
 // A record is the delete flag (blank for a live row, '*' for a deleted one) and the fields without
-// separators. The flag is data: a record whose first field is an enum ahead of the fields of the file
-// (`delete_flag : Tchar`), with one field more than the file has, holds it. A byte 26 may end the file.
-// docs/formats/xbase.md has the rules and an example.
+// separators. The flag is data: it is the first field of rows that can be the backing of a table, and of
+// those that are declared with `delete_flag : Tchar` first. A byte 26 may end the file. docs/formats/xbase.md
+// has the rules and an example.
 //
 // Cost: linear in the bytes; a row allocates only what unbounded strings need.
 #pragma once
@@ -58,8 +58,8 @@ bool XbaseFileName(std::string_view name);  // extension .dbf or .xbf, in any ca
 std::string XbaseTypeInfo(const std::string& filename, std::string& message);
 
 // The declaration's descriptors for a value: 0, or 658. `typeText` gives the names, a line for each field; it
-// must not be empty. Nested records are flattened; a list or a table stands for its row. A first field
-// "delete_flag : Tchar" has no descriptor, unless it is the only one.
+// must not be empty. Nested records are flattened; a list or a table stands for its row. The deletion mark
+// has no descriptor; a row of the mark alone has none at all, which is 658.
 std::int32_t XbaseBuildDescriptors(const void* value, Kind kind, std::string_view typeText,
                                    XbaseHeader& header);
 // The header of a file of these fields as bytes, dated today, with `records` in it; "" and 658 in `errorCode`
@@ -76,6 +76,11 @@ std::int32_t XbaseCheckValue(const XbaseHeader& header, Kind kind, const void* v
 // A row that can be the backing of rows in a file: a record of an enum and arrays of characters, lower bound
 // 1, of at most 255 each; or of the enum alone.
 bool TypeInfoIsXbaseRecord(const RecordDescriptor* row);
+// Whether the first field of a row is the deletion mark and none of the file: an enum at the head of a record
+// whose declaration begins with "delete_flag : Tchar", or of one that can be the backing of rows (an enum
+// alone is no mark where a declaration calls it something else). The number of fields tells nothing: a row
+// that lacks a field would be taken for one that has the mark.
+bool XbaseHoldsMark(const void* row, Kind kind, std::string_view typeText = {});
 
 // What was wrong with the first value that could not be carried over; errorCode 0: nothing, 658, or 802,
 // which is in the error cell too. The field is that of the header, from 1.
@@ -91,9 +96,15 @@ void XbaseFromRow(std::string_view rowBytes, std::size_t& position, const XbaseH
                   std::int32_t& fieldNumber, void* value, Kind kind, XbaseFault& fault);
 void XbaseToRow(const void* value, Kind kind, const XbaseHeader& header, std::int32_t& fieldNumber,
                 std::string& rowBytes, std::size_t& position, XbaseFault& fault);
-// A whole row, with the delete flag: in the first field of a record that holds it, otherwise not kept, and
-// written as a blank, as a flag of 0 is. Arrays of characters as long as their fields, and other flags, come
-// back as they were, whatever their bytes.
+// A whole row, with the delete flag: in the first field of a record that holds it (`marked`; without that, as
+// XbaseHoldsMark tells without a declaration), otherwise not kept, and written as a blank, as a flag of 0 is.
+// Arrays of characters as long as their fields, and other flags, come back as they were, whatever their
+// bytes. 658 with the first field that only one of both has for a record of another number of fields; another
+// value is the first field alone.
+XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind,
+                        bool marked);
+XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes,
+                         bool marked);
 XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind);
 XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes);
 
@@ -105,8 +116,11 @@ XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header
 // 658 without a row for a value that has no rows of fields, with one for the first row that does not fit. A
 // load goes on behind such a row, what did not fit is empty or cut; a save leaves the old file. A file's end
 // is marked by a byte 26.
+//
+// `typeText` tells what the rows of a list or a record are declared as, for the deletion mark; a table has
+// its own declaration.
 TabResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message,
-                    std::int32_t mostRows = -1);
+                    std::int32_t mostRows = -1, std::string_view typeText = {});
 // A table gives its own names; names and types that `typeText` lacks are FIELD1 and so on, and Tchars.
 TabResult XbaseSave(const std::string& filename, const void* value, Kind kind, std::string_view typeText);
 

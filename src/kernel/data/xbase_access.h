@@ -76,6 +76,23 @@ inline Kind FirstXbaseKind(const void* value, Kind kind) {
     return FieldKindAt(ReadAt<RecordDescriptor>(value).kinds, 1);
 }
 
+// The header of a file of these fields, dated today.
+std::string XbaseHeaderBytes(const XbaseHeader& header, std::uint32_t records);
+
+// ---- whole files (xbase_files.cpp) ----
+
+std::int32_t TakeXbaseError();  // clears the cell
+// The shape of the rows of a value.
+struct XbaseShape {
+    const char* at = nullptr;
+    Kind kind = KindNone;
+};
+XbaseShape XbaseShapeOf(const void* value, Kind kind);
+// 0, or why such a value cannot be read from rows or written as rows.
+std::int32_t XbaseRefusal(const void* value, Kind kind);
+// The declaration of a value's row: a table has its own, if any.
+std::string XbaseDeclarationOf(const void* value, Kind kind, std::string_view typeText);
+
 // ---- numbers as text (xbase_numbers.cpp) ----
 
 // The text of a field, blanks around it or not, to a number of the kind at `at` (enum to real). A blank text

@@ -112,6 +112,13 @@ bool isDeleteFlag(const XbaseDeclared& field) {
            ascii::equal(field.typeName, DeleteFlagType);
 }
 
+bool holdsMark(const void* row, Kind kind, const std::vector<XbaseDeclared>& declared) {
+    if (FirstXbaseKind(row, kind) != KindEnum) return false;
+    if (!declared.empty() && isDeleteFlag(declared[0])) return true;
+    const bool isNamedField = !declared.empty() && CountXbaseFields(row, kind) == 1;
+    return !isNamedField && TypeInfoIsXbaseRecord(static_cast<const RecordDescriptor*>(row));
+}
+
 // Of an array of characters, by the type that it is declared with; 0 for another type.
 char declaredType(const std::string& typeName) {
     for (const auto& row : typeNames) {
@@ -171,9 +178,7 @@ public:
         : declared_(declared), header_(header) {}
 
     bool build(const void* value, Kind kind) {
-        const bool flag = FirstXbaseKind(value, kind) == KindEnum && isDeleteFlag(declared_[0]) &&
-                          CountXbaseFields(value, kind) > 1;
-        bool first = flag;
+        bool first = holdsMark(value, kind, declared_);
         const bool all = EachXbaseField(static_cast<const char*>(value), kind, [&](const char* at, Kind k) {
             if (!std::exchange(first, false)) return add(at, k);
             ++line_;
@@ -268,18 +273,29 @@ std::int32_t XbaseBuildDescriptors(const void* value, Kind kind, std::string_vie
     return 0;
 }
 
+std::string XbaseHeaderBytes(const XbaseHeader& header, std::uint32_t records) {
+    XbaseHeader written = header;
+    written.headerSize = XbaseStartBytes + header.fieldCount * XbaseDescriptorBytes + 1;
+    std::string bytes = startBytes(written);
+    for (std::int32_t n = 0; n < header.fieldCount; ++n) bytes += fieldBytes(header, n);
+    bytes += XbaseTerminator;
+    XbaseSetRecords(bytes, records);
+    return bytes;
+}
+
 std::string XbaseHeaderBytes(const void* value, Kind kind, std::string_view typeText, std::uint32_t records,
                              std::int32_t& errorCode) {
     XbaseHeader header;
     errorCode = XbaseBuildDescriptors(value, kind, typeText, header);
     if (errorCode != 0) return {};
-    std::string bytes = startBytes(header);
-    for (std::int32_t n = 0; n < header.fieldCount; ++n) bytes += fieldBytes(header, n);
-    bytes += XbaseTerminator;
-    XbaseSetRecords(bytes, records);
+    std::string bytes = XbaseHeaderBytes(header, records);
     if (bytes.size() == static_cast<std::size_t>(header.headerSize)) return bytes;
     errorCode = ERR_COMPONENT_UNREPRESENTABLE;
     return {};
+}
+
+bool XbaseHoldsMark(const void* row, Kind kind, std::string_view typeText) {
+    return holdsMark(row, kind, XbaseDeclaredFields(typeText));
 }
 
 bool TypeInfoIsXbaseRecord(const RecordDescriptor* row) {

@@ -39,15 +39,20 @@ std::int32_t putString(std::string_view text, StringDescriptor& s) {
     return fits ? 0 : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE};
 }
 
-void putCharacters(std::string_view text, const ArrayDescriptor& array) {
+// What does not go into the array is lost, unless it is blank.
+std::int32_t putCharacters(std::string_view text, const ArrayDescriptor& array) {
     const auto size = static_cast<std::size_t>(array.size);
     std::memset(At(array.data), ' ', size);
     text.copy(At(array.data), size);
+    return WithoutXbaseFill(text).size() <= size ? 0 : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE};
 }
 
 void clear(char* at, Kind kind) {
     if (isString(at, kind)) return StringAssignView(reinterpret_cast<StringDescriptor*>(at), {});
-    if (isCharacters(at, kind)) return putCharacters({}, ReadAt<ArrayDescriptor>(at));
+    if (isCharacters(at, kind)) {
+        putCharacters({}, ReadAt<ArrayDescriptor>(at));
+        return;
+    }
     if (!IsAdtKind(kind)) std::memset(at, 0, static_cast<std::size_t>(KindSize[kind]));
 }
 
@@ -64,10 +69,7 @@ std::int32_t readField(std::string_view text, char type, char* at, Kind kind) {
     if (isNumber(kind) && type == XbaseNumber && ReadXbaseNumber(text, at, kind)) return 0;
     if (isText(type) && isString(at, kind))
         return putString(WithoutXbaseFill(text), *reinterpret_cast<StringDescriptor*>(at));
-    if (isCharacters(at, kind)) {
-        putCharacters(text, ReadAt<ArrayDescriptor>(at));
-        return 0;
-    }
+    if (isCharacters(at, kind)) return putCharacters(text, ReadAt<ArrayDescriptor>(at));
     clear(at, kind);
     return ERR_COMPONENT_UNREPRESENTABLE;
 }
@@ -167,10 +169,10 @@ void writeNext(const Cursor& cursor, char* row, const char* at, Kind kind) {
     if (!written) cursor.fail(number, ERR_COMPONENT_UNREPRESENTABLE);
 }
 
-// Characters of a field without any stand in an array of one, and those of a logical field, of which only the
-// first says something, may.
-bool fitsCharacters(const ArrayDescriptor& array, char type, std::int32_t length) {
-    return array.size == std::max(length, 1) || (type == XbaseLogical && array.size == 1);
+// Characters of a field without any stand in an array of one. An array that is shorter than its field, be it
+// a logical one, would blank the rest when its row is written.
+bool fitsCharacters(const ArrayDescriptor& array, std::int32_t length) {
+    return array.size == std::max(length, 1);
 }
 
 // What a file has for a field of a value.
@@ -181,7 +183,7 @@ bool fits(const char* at, Kind kind, char type, std::int32_t length) {
         const std::int32_t most = ReadAt<StringDescriptor>(at).maxlength;
         return isText(type) && (most == UNBOUNDED || most >= length);
     }
-    return isCharacters(at, kind) && fitsCharacters(ReadAt<ArrayDescriptor>(at), type, length);
+    return isCharacters(at, kind) && fitsCharacters(ReadAt<ArrayDescriptor>(at), length);
 }
 
 // 0, or the number of the first field of the file that a value does not fit. Its first `skip` fields are
@@ -196,19 +198,10 @@ std::int32_t misfit(const XbaseHeader& header, const void* value, Kind kind, std
     return n == header.fieldCount ? 0 : n + 1;
 }
 
-// A record that begins with an enum and has one field more than the file: that enum is the deletion mark. So
-// it is when a file has as many fields as a record can hold, which leaves no room for its last.
-bool holdsMark(const XbaseHeader& header, const void* value, Kind kind) {
-    if (FirstXbaseKind(value, kind) != KindEnum) return false;
-    const std::int32_t count = CountXbaseFields(value, kind);
-    if (count != MaxFields || header.fieldCount != MaxXbaseFields) return count == header.fieldCount + 1;
-    return misfit(header, value, kind, 1) == count && misfit(header, value, kind, 0) != 0;
-}
-
 // Calls `visit` with each field of a value but the deletion mark, whose address is the result; null for none.
 template <class Byte, class Visit>
-Byte* eachFileField(Byte* value, Kind kind, const XbaseHeader& header, const Visit& visit) {
-    bool first = holdsMark(header, value, kind);
+Byte* eachFileField(Byte* value, Kind kind, bool marked, const Visit& visit) {
+    bool first = marked && FirstXbaseKind(value, kind) == KindEnum;
     Byte* mark = nullptr;
     EachXbaseField(value, kind, [&](Byte* at, Kind fieldKind) {
         if (!first) return visit(at, fieldKind);
@@ -217,6 +210,12 @@ Byte* eachFileField(Byte* value, Kind kind, const XbaseHeader& header, const Vis
         return true;
     });
     return mark;
+}
+
+// A record that lacks the last fields of the file would lose them when it is written.
+void checkAllRead(const Cursor& cursor, Kind kind) {
+    if ((kind == KindRecord || kind == KindUnion) && cursor.fieldNumber <= cursor.header.fieldCount)
+        cursor.fail(cursor.fieldNumber, ERR_COMPONENT_UNREPRESENTABLE);
 }
 
 }  // namespace
@@ -231,6 +230,14 @@ void XbaseFromRow(std::string_view rowBytes, std::size_t& position, const XbaseH
     });
 }
 
+XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind) {
+    return XbaseReadRow(rowBytes, header, value, kind, XbaseHoldsMark(value, kind));
+}
+
+XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes) {
+    return XbaseWriteRow(value, kind, header, rowBytes, XbaseHoldsMark(value, kind));
+}
+
 void XbaseToRow(const void* value, Kind kind, const XbaseHeader& header, std::int32_t& fieldNumber,
                 std::string& rowBytes, std::size_t& position, XbaseFault& fault) {
     rowBytes.resize(static_cast<std::size_t>(header.recordSize), XbaseLive);
@@ -242,7 +249,8 @@ void XbaseToRow(const void* value, Kind kind, const XbaseHeader& header, std::in
     });
 }
 
-XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind) {
+XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, void* value, Kind kind,
+                        bool marked) {
     XbaseFault fault;
     std::size_t position = 1;
     std::int32_t fieldNumber = 1;
@@ -251,12 +259,14 @@ XbaseFault XbaseReadRow(std::string_view rowBytes, const XbaseHeader& header, vo
         readNext(cursor, rowBytes.data(), at, fieldKind);
         return true;
     };
-    char* const mark = eachFileField(static_cast<char*>(value), kind, header, read);
+    char* const mark = eachFileField(static_cast<char*>(value), kind, marked, read);
+    checkAllRead(cursor, kind);
     if (mark != nullptr) *mark = rowBytes.empty() ? XbaseLive : rowBytes[0];
     return fault;
 }
 
-XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes) {
+XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header, std::string& rowBytes,
+                         bool marked) {
     XbaseFault fault;
     rowBytes.assign(static_cast<std::size_t>(header.recordSize), XbaseLive);
     std::size_t position = 1;
@@ -266,13 +276,14 @@ XbaseFault XbaseWriteRow(const void* value, Kind kind, const XbaseHeader& header
         writeNext(cursor, rowBytes.data(), at, fieldKind);
         return true;
     };
-    const char* const mark = eachFileField(static_cast<const char*>(value), kind, header, write);
+    const char* const mark = eachFileField(static_cast<const char*>(value), kind, marked, write);
+    checkAllRead(cursor, kind);
     if (mark != nullptr && *mark != 0 && !rowBytes.empty()) rowBytes[0] = *mark;
     return fault;
 }
 
 std::int32_t XbaseCheckValue(const XbaseHeader& header, Kind kind, const void* value) {
-    return misfit(header, value, kind, holdsMark(header, value, kind) ? 1 : 0);
+    return misfit(header, value, kind, XbaseHoldsMark(value, kind) ? 1 : 0);
 }
 
 std::int32_t XbaseCheckValue(const std::string& filename, Kind kind, const void* value) {

@@ -395,7 +395,7 @@ private:
     void table(const Item& item) {
         const auto* t = static_cast<const TableDescriptor*>(item.value);
         const ListDescriptor* const rows = TableRows(t);
-        const Names names = declaredNames(StringView(TableTypeInfo(t)));
+        const Names names = declaredNames(NarrowText(TableTypeInfo(t)).view());
         const bool indexed = TableIndexCount(t) > 0;
         if (ListIsInFile(rows)) return indexed ? fileTable(item, *t, names) : fileRows(item, *rows, names);
         RecordValue key;

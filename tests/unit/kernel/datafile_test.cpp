@@ -2,8 +2,10 @@
 //
 // What is in a data file, and whole values by format.
 #include "kernel/data/datafile.h"
+#include "kernel/string_text.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/tab_fixture.h"
+#include "unit/kernel/table_rows.h"
 
 #include <sys/stat.h>
 
@@ -77,7 +79,8 @@ TEST_F(DataFiles, TableFilesAreToldByTheirDates) {
 
 TEST_F(DataFiles, RowsOfTablesAloneTellNothing) {
     EXPECT_EQ(message("\0\0\0\1", "/d/f.bin"), "File '/d/f.bin' is invalid, does not exist or is empty.");
-    EXPECT_EQ(message("\0\0\0\1"s, "/d/f.bin"), "Data File information cannot be obtained");
+    EXPECT_EQ(message("\0\0\0\1"s, "/d/f.bin"),
+              "File '/d/f.bin' is an unknown file type (first four bytes = 00 00 00 01).");
 }
 
 TEST_F(DataFiles, TextIsReadByItsFirstLine) {
@@ -288,6 +291,32 @@ TEST_F(DataFiles, WhatAFormatCannotHoldIsRefused) {
         EXPECT_EQ(SaveValue("/d/f", code, {}, 0, text.get(), KindString).code, 658) << format;
     }
     EXPECT_FALSE(files_.has("/d/f"));
+}
+
+TEST_F(DataFiles, WideTextsAreReadByTheirCharacters) {
+    CharacterWidth = 2;
+    {
+        files_.put("/d/f", "1,a\n");
+        const String name(std::string_view("/d/f"));
+        String keys, type, words;
+        GetDataFileInfo(name.get(), nullptr, keys.get(), type.get(), words.get());
+        EXPECT_EQ(StringLength(words.get()), 0);
+        EXPECT_EQ(NarrowText(type.get()).view(), "FIELD1 : integer\nFIELD2 : string[1]\n");
+        const String text("t : table\n\tT : record\n\t\tid : integer\n\t\tname : string[4]\n\tend record\n"
+                          "end table\n");
+        TableValue table;
+        TypeInfoToTable(text.get(), table.get());
+        RecordValue row = recordOf({integer(1), tarn::text("ab", 4)});
+        TableAdd(table.get(), 1, row.get());
+        const TabOptions names{1, 0, ',', -1};
+        EXPECT_EQ(SaveValue("/d/g.csv", FormatComma, names, 0, table.get(), KindTable).code, 0);
+        EXPECT_EQ(files_.contents("/d/g.csv"), "id,name\n1,ab\n");
+        EXPECT_EQ(SaveValue("/d/g.xml", FormatXml, names, 0, table.get(), KindTable).code, 0);
+        EXPECT_NE(files_.contents("/d/g.xml").find("<name type=\"string[4]\">ab</name>"), std::string::npos)
+            << files_.contents("/d/g.xml");
+    }
+    CharacterWidth = 1;
+    EXPECT_EQ(ErrorCell(), 0);
 }
 
 TEST_F(DataFiles, LinesGoToListsOfTextsAndBack) {

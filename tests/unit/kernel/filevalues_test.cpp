@@ -317,6 +317,31 @@ TEST_F(FileValues, XbaseFilesThatDoNotFitAreRefused) {
     EXPECT_FALSE(files_.has("/d/new.dbf"));
 }
 
+// Neither for a field that the rows lack nor alone.
+TEST_F(FileValues, TheMarkStandsForNoField) {
+    std::string number = xbaseFile(1, " 042");
+    number[43] = 'N';
+    for (const std::string& bytes : {number, xbaseFile(1, "*ann")}) {
+        files_.put("/d/a.dbf", bytes);
+        ListValue alone = listOf(Record({Number(KindEnum, 0)}));
+        EXPECT_EQ(openError(alone, "/d/a.dbf"), 658);
+        EXPECT_EQ(bytesOf("/d/a.dbf"), bytes);
+    }
+    ListValue alone = listOf(Record({Number(KindEnum, 0)}));
+    EXPECT_EQ(openError(alone, "/d/new.dbf"), 658);
+    EXPECT_FALSE(files_.has("/d/new.dbf"));
+    // A file of the fields N3 and C3, a row of the mark and three characters.
+    std::string two = xbaseFile(1, " 042Ann");
+    const std::string field = two.substr(32, 32);
+    two.insert(64, field);
+    two[8] = 97;
+    two[10] = 7;
+    two[43] = 'N';
+    files_.put("/d/a.dbf", two);
+    ListValue less = listOf(xbaseRow());
+    EXPECT_EQ(openError(less, "/d/a.dbf"), 658);
+}
+
 TEST_F(FileValues, AnEndMarkGoesWhenAnXbaseFileIsOpened) {
     files_.put("/d/a.dbf", xbaseFile(1, " ann\x1A"));
     ListValue l = opened("/d/a.dbf", xbaseRow());

@@ -2,6 +2,7 @@
 //
 // Tables whose rows stand in a file: what the operations do, what the files look like, the order of checks.
 #include "kernel/data/progress.h"
+#include "kernel/data/typeinfo.h"
 #include "kernel/index_file.h"
 #include "unit/kernel/filetables_fixture.h"
 
@@ -447,6 +448,24 @@ TEST_F(TablesInFiles, AnotherTypeTextIs762) {
     table = closedTable({byNumber}, UNBOUNDED, row(0, ""), wrong);
     EXPECT_EQ(open("/d/b.tab"), 762);
     EXPECT_FALSE(files().has("/d/b.tab"));
+}
+
+TEST_F(TablesInFiles, NamesThatAreNoIdentifiersStandInQuotes) {
+    const std::string fields =
+        "\"A B\" : integer\n\"end\" : string[8]\n\"1ST\" : real\n\"a;b\" : Tchars[1:3]\n";
+    std::string inner = fields;
+    TypeInfoChangeIndent(1, inner, MaxTypeInfo);
+    int n = 0;
+    for (const std::string& text : {fields, "T : record\n" + inner + "end record\n"}) {
+        table = closedTable({byNumber}, UNBOUNDED, row(0, ""), text);
+        const std::string name = "/d/q" + std::to_string(++n) + ".tab";
+        EXPECT_EQ(open(name), 0) << text;
+        close();
+    }
+    std::string wrong = fields;
+    wrong.replace(wrong.find('8'), 1, "9");
+    table = closedTable({byNumber}, UNBOUNDED, row(0, ""), wrong);
+    EXPECT_EQ(open("/d/w.tab"), 762);
 }
 
 TEST_F(TablesInFiles, WhatCannotBeOpenedSaysWhy) {

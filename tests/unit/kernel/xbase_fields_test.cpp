@@ -135,8 +135,11 @@ TEST_F(XbaseFields, TheDeletionMarkHasNoDescriptor) {
     const Typed row("T : record\n\ta : integer\n\tb : integer\nend record\n");
     EXPECT_EQ(built(const_cast<Typed&>(row).get(), KindRecord, "delete_flag : Tchar\nb : integer\n"),
               "delete_flag N 12.0, b N 12.0");
+    // The first field of a row that can be kept in a file is the mark whatever it is called.
+    EXPECT_EQ(builtFrom("state : enum\na : Tchars[1:3]\n"), "a C 3.0");
     // A file of no fields could not be read again.
-    EXPECT_EQ(builtFrom("delete_flag : Tchar\n"), "delete_flag N 4.0");
+    EXPECT_EQ(builtFrom("delete_flag : Tchar\n"), "658");
+    EXPECT_EQ(builtFrom("state : enum\n"), "state N 4.0");
 }
 
 TEST_F(XbaseFields, FortyEightFieldsFit) {
@@ -202,7 +205,7 @@ TEST_F(XbaseFields, AValueFitsOrItsFirstMisfitIsNamed) {
         {"a : fixed\nb : Tchars[1:5]\nc : boolean\nd : string[80]\n", 0},
         {"a : real\nb : Tchars[1:5]\nc : boolean\nd : string\n", 0},
         {"a : record\n\tb : real\n\tc : string[5]\nend record\nd : boolean\ne : string\n", 0},
-        {"x : enum\na : integer\nb : string[5]\nc : boolean\nd : string[8]\n", 0},
+        {"x : enum\na : integer\nb : string[5]\nc : boolean\nd : string[8]\n", 2},
         {"x : Tchar\na : Tnumeric[1:8]\nb : Tchars[1:5]\nc : Tlogical[1:1]\nd : Tdate[1:8]\n", 0},
         {"a : boolean\nb : string[5]\nc : boolean\nd : string[8]\n", 1},
         {"a : string[8]\nb : string[5]\nc : boolean\nd : string[8]\n", 1},
@@ -220,6 +223,9 @@ TEST_F(XbaseFields, AValueFitsOrItsFirstMisfitIsNamed) {
         {"x : enum\na : integer\nb : string[4]\nc : boolean\nd : string[8]\n", 2},
         {"x : enum\nb : string[5]\nc : boolean\nd : string\n", 0},
         {"x : enum\nb : string[5]\nc : boolean\nd : string\ne : integer\nf : integer\n", 5},
+        {"x : enum\n", 1},
+        {"x : enum\na : Tnumeric[1:8]\nb : Tchars[1:5]\nc : Tlogical[1:1]\n", 4},
+        {"x : enum\na : Tchars[1:5]\nc : Tlogical[1:1]\nd : Tdate[1:8]\n", 1},
     };
     const XbaseHeader header = headerOf(file);
     files_.put("/d/a.dbf", HeadBytes(file));
@@ -228,6 +234,14 @@ TEST_F(XbaseFields, AValueFitsOrItsFirstMisfitIsNamed) {
         EXPECT_EQ(XbaseCheckValue(header, KindRecord, row.get()), c.result) << c.lines;
         EXPECT_EQ(XbaseCheckValue("/d/a.dbf", KindRecord, row.get()), c.result) << c.lines;
     }
+}
+
+TEST_F(XbaseFields, AnArrayOfOneDoesNotFitALongerLogicalField) {
+    const XbaseHeader header = headerOf({{"A", 'C', 1}, {"L", 'L', 3}});
+    Typed one("T : record\n\tx : Tchar\n\ta : Tchars[1:1]\n\tl : Tlogical[1:1]\nend record\n");
+    EXPECT_EQ(XbaseCheckValue(header, KindRecord, one.get()), 2);
+    Typed three("T : record\n\tx : Tchar\n\ta : Tchars[1:1]\n\tl : Tlogical[1:3]\nend record\n");
+    EXPECT_EQ(XbaseCheckValue(header, KindRecord, three.get()), 0);
 }
 
 TEST_F(XbaseFields, AnythingWrongWithTheFileIsFieldOne) {

@@ -2,6 +2,7 @@
 //
 // Whole Xbase files: loads, saves, and what is told about a file.
 #include "kernel/data/datafile.h"
+#include "kernel/filevalues.h"
 #include "kernel/fixed.h"
 #include "unit/kernel/table_rows.h"
 #include "unit/kernel/xbase_fixture.h"
@@ -82,6 +83,40 @@ TEST_F(XbaseFiles, TheMarkOfDeletionIsData) {
               "{32|'   1'|'Ann     '|'T'}{42|'   2'|'Bob     '|'F'}#2");
 }
 
+TEST_F(XbaseFiles, ARowThatLacksAFieldIsNoRowWithoutAMark) {
+    const std::string bytes = FileBytes({{"ID", 'N', 3}, {"NAME", 'C', 3}}, {"* 42Ann", "  43Bob"});
+    const auto list = [](const std::string& lines) {
+        return "x : list\n\tr : record\n" + lines + "\tend record\nend list\n";
+    };
+    const std::string flag = "\t\tdelete_flag : Tchar\n", id = "\t\tid : Tnumeric[1:3]\n",
+                      name = "\t\tname : Tchars[1:3]\n";
+    EXPECT_EQ(loaded(bytes, list(flag + id + name)), "{42|' 42'|'Ann'}{32|' 43'|'Bob'}#2");
+    EXPECT_EQ(loaded(bytes, list(flag + id)), "658@1 {42|' 42'}{32|' 43'}#2");
+    EXPECT_EQ(loaded(bytes, list(flag + id + name + name)).substr(0, 6), "658@1 ");
+    EXPECT_EQ(loaded(bytes, list(id)), "658@1 {' 42'}{' 43'}#2");
+    // An enum ahead of other kinds is a field, unless it is declared as the mark.
+    EXPECT_EQ(loaded(bytes, list("\t\tid : enum\n\t\tname : string\n")), "{42|Ann}{43|Bob}#2");
+    Typed integers(list(flag + "\t\tid : integer\n" + name));
+    files_.put("/d/a.dbf", bytes);
+    EXPECT_EQ(XbaseLoad("/d/a.dbf", integers.get(), KindList, message).code, 658);
+    const char* const lines = "delete_flag : Tchar\nid : integer\nname : Tchars[1:3]\n";
+    EXPECT_EQ(XbaseLoad("/d/a.dbf", integers.get(), KindList, message, -1, lines).code, 0);
+    EXPECT_EQ(Shown(integers.get(), KindList), "{42|42|'Ann'}{32|43|'Bob'}");
+}
+
+TEST_F(XbaseFiles, ATableIsDeclaredWithTheMarkOrWithoutIt) {
+    files_.put("/d/a.dbf", FileBytes({{"ID", 'N', 3}}, {"* 42"}));
+    const auto shown = [&](const std::string& lines) {
+        const String text("t : table\n\tT : record\n" + indented(lines) + "\tend record\nend table\n");
+        TableValue table;
+        TypeInfoToTable(text.get(), table.get());
+        const std::int32_t code = XbaseLoad("/d/a.dbf", table.get(), KindTable, message).code;
+        return std::to_string(code) + " " + Shown(table.get(), KindTable);
+    };
+    EXPECT_EQ(shown("delete_flag : Tchar\nid : integer\n"), "0 {42|42}");
+    EXPECT_EQ(shown("mark : Tchar\nid : integer\n"), "658 {42|0}");
+}
+
 TEST_F(XbaseFiles, RowsAreReadUntilAShortOne) {
     const std::string rows = person("1", "Ann", 'T') + person("2", "Bob", 'T');
     const std::string both = "{1|Ann|True}{2|Bob|True}#2";
@@ -112,6 +147,22 @@ TEST_F(XbaseFiles, TheEndOfAFileIsNoRowOfOneByte) {
     EXPECT_EQ(loaded(head + " ", flags), "#0");
 }
 
+TEST_F(XbaseFiles, MarksOfTheEndBehindTheCountAreNoRows) {
+    const std::string list = "x : list\n\ts : string\nend list\n";
+    const std::string bytes = FileBytes({{"A", 'C', 3}}, {" abc", " def"});
+    const std::string rows = "{abc}{def}#2", four(4, '\x1A'), ends = four.substr(1);
+    for (const int marks : {1, 2, 3, 4, 5, 50})
+        EXPECT_EQ(loaded(bytes + std::string(marks, '\x1A'), list), rows) << marks;
+    // Rows that the header counts are rows, and so are those that say something.
+    const std::string head = HeadBytes({{"A", 'C', 3}}, 2);
+    EXPECT_EQ(loaded(head + " abc" + four + four, list), "{abc}{" + ends + "}#2");
+    EXPECT_EQ(loaded(head + " abc def" + four + " ghi" + four, list), "{abc}{def}{" + ends + "}{ghi}#4");
+    EXPECT_EQ(loaded(HeadBytes({{"A", 'C', 3}}, 0xFFFFFFFF) + " abc" + four, list), "{abc}{" + ends + "}#2");
+    const std::string flags = "x : list\n\tr : record\n\t\tdelete_flag : Tchar\n\tend record\nend list\n";
+    const std::string none = HeadBytes({}, 0, 65, 1) + std::string(31, ' ');
+    EXPECT_EQ(loaded(none + " * *\x1A\x1A\x1A", flags), "{42}{32}{42}#3");
+}
+
 TEST_F(XbaseFiles, TheFirstRowThatFailsIsTold) {
     const std::string bytes = FileBytes(peopleFile, {person("1", "Ann", 'T'), person("x", "Bob", 'T'),
                                                      person("3", "Cid", 'T'), person("****", "Dan", 'T')});
@@ -132,15 +183,17 @@ TEST_F(XbaseFiles, ListsOfOtherElementsTakeTheFirstField) {
     const std::string bytes = FileBytes({{"A", 'N', 4}, {"B", 'C', 4}}, {"  1.5abcd", "     efgh"});
     EXPECT_EQ(loaded(bytes, "x : list\n\tf : fixed\nend list\n"), "{15000f}{0f}#2");
     EXPECT_EQ(loaded(bytes, "x : list\n\tf : Tchars[1:4]\nend list\n"), "{' 1.5'}{'    '}#2");
+    // What a shorter array has no room for is a failure, unless it is blank.
+    EXPECT_EQ(loaded(bytes, "x : list\n\tf : Tchars[1:3]\nend list\n"), "658@1 {' 1.'}{'   '}#2");
     EXPECT_EQ(loaded(bytes, "x : list\n\tf : boolean\nend list\n"), "658@1 {False}{False}#2");
 }
 
 TEST_F(XbaseFiles, ARecordTakesTheFirstRow) {
-    const std::string record = "r : record\n\tid : integer\n\tname : string[8]\nend record\n";
+    const std::string record = "r : record\n\tid : integer\n\tname : string[8]\n\tok : boolean\nend record\n";
     EXPECT_EQ(loaded(FileBytes(peopleFile, {person("1", "Ann", 'T'), person("2", "Bob", 'T')}), record),
-              "1|Ann#1");
-    EXPECT_EQ(loaded(FileBytes(peopleFile, {}), record), "0|#0");
-    EXPECT_EQ(loaded(FileBytes(peopleFile, {person("x", "Ann", 'T')}), record), "658@1 0|Ann#1");
+              "1|Ann|True#1");
+    EXPECT_EQ(loaded(FileBytes(peopleFile, {}), record), "0||False#0");
+    EXPECT_EQ(loaded(FileBytes(peopleFile, {person("x", "Ann", 'T')}), record), "658@1 0|Ann|True#1");
 }
 
 TEST_F(XbaseFiles, AStringTakesTheFirstFieldOfEachRowInALine) {
@@ -148,7 +201,7 @@ TEST_F(XbaseFiles, AStringTakesTheFirstFieldOfEachRowInALine) {
         FileBytes({{"A", 'C', 4}, {"B", 'C', 4}}, {" ab  xxxx", " cd efxxx", "*    xxxx"});
     EXPECT_EQ(loaded(bytes, "s : string\n"), "ab\ncd e\n\n#3");
     EXPECT_EQ(loaded(bytes, "s : string[9]\n"), "ab\ncd e\n\n#3");
-    EXPECT_EQ(loaded(bytes, "s : string[5]\n"), "615@2 ab\ncd#2");
+    EXPECT_EQ(loaded(bytes, "s : string[5]\n"), "658@2 ab\ncd#2");
     EXPECT_EQ(loaded(FileBytes({{"A", 'D', 8}}, {" 20240229"}), "s : string\n"), "20240229\n#1");
     EXPECT_EQ(loaded(FileBytes({{"A", 'N', 2}}, {" 12", " 13"}), "s : string\n"), "658@1 \n\n#2");
     EXPECT_EQ(loaded(FileBytes({{"A", 'N', 2}}, {}), "s : string\n"), "#0");
@@ -353,6 +406,61 @@ TEST_F(XbaseFiles, NamesAndTypesThatAreMissingAreMade) {
               FileBytes({{"one", 'N', 12}, {"two", 'C', 3}, {"FIELD3", 'L', 1}}, {}));
     EXPECT_EQ(saved(list, "one : integer\ntwo : Tnumeric[1:3]\n"),
               FileBytes({{"one", 'N', 12}, {"two", 'N', 3, 4}, {"FIELD3", 'L', 1}}, {}));
+}
+
+TEST_F(XbaseFiles, RowsOfAFileThatHaveNoDeclarationKeepTheirMark) {
+    Typed list("x : list\n\tr : record\n\t\tdelete_flag : Tchar\n\t\ta : Tchars[1:3]\n"
+               "\t\tb : Tchars[1:2]\n\tend record\nend list\n");
+    const std::string bytes = FileBytes({{"FIELD1", 'C', 3}, {"FIELD2", 'C', 2}}, {" abcde", "*xyzuv"});
+    files_.put("/d/a.dbf", bytes);
+    load(list);
+    EXPECT_EQ(saved(list, ""), bytes);
+    Typed alone("x : list\n\tr : record\n\t\tdelete_flag : Tchar\n\tend record\nend list\n");
+    EXPECT_EQ(saved(alone, ""), "658@0");
+    EXPECT_EQ(saved(alone, "delete_flag : Tchar\n"), "658@0");
+}
+
+TEST_F(XbaseFiles, WhatIsHeldInAFileIsSavedWithTheFieldsOfThatFile) {
+    const std::string bytes =
+        FileBytes({{"ID", 'N', 3, 1}, {"WHEN", 'D', 8}}, {" 4.220240229", "*   20240301"});
+    const std::string row =
+        "T : record\n\tdelete_flag : Tchar\n\ta : Tchars[1:3]\n\tb : Tchars[1:8]\nend record\n";
+    Typed record(row);
+    files_.put("/d/a.dbf", bytes);
+    {
+        ListValue list;
+        ListInit(list.get(), UNBOUNDED, record.get(), KindRecord, true);
+        FileOpen(list.get(), KindList, "/d/a.dbf");
+        EXPECT_EQ(XbaseSave("/d/out.dbf", list.get(), KindList, "").rows, 2);
+        EXPECT_EQ(files_.contents("/d/out.dbf"), bytes);
+        EXPECT_EQ(XbaseSave("/d/a.dbf", list.get(), KindList, "").rows, 2);  // itself
+        EXPECT_EQ(files_.contents("/d/a.dbf"), bytes.substr(0, bytes.size() - 1));
+        ListAppend(record.get(), KindRecord, list.get());
+        EXPECT_EQ(takeError(), 0);
+        files_.remove("/d/a.dbf");
+        EXPECT_EQ(XbaseSave("/d/out.dbf", list.get(), KindList, "").code, 651);
+    }
+    files_.put("/d/a.dbf", bytes);
+    TableValue table;
+    TableInit(table.get(), UNBOUNDED, record.get<RecordDescriptor>(), {}, "", true);
+    FileOpen(table.get(), KindTable, "/d/a.dbf");
+    files_.remove("/d/out.dbf");
+    EXPECT_EQ(XbaseSave("/d/out.dbf", table.get(), KindTable, "").rows, 2);
+    EXPECT_EQ(files_.contents("/d/out.dbf"), bytes);
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
+TEST_F(XbaseFiles, WideDeclarationsAreReadByTheirCharacters) {
+    CharacterWidth = 2;
+    {
+        const String text("t : table\n\tT : record\n\t\tdelete_flag : Tchar\n\t\tid : Tnumeric[1:4]\n"
+                          "\tend record\nend table\n");
+        TableValue table;
+        TypeInfoToTable(text.get(), table.get());
+        EXPECT_EQ(XbaseSave("/d/out.dbf", table.get(), KindTable, "").code, 0);
+        EXPECT_EQ(files_.contents("/d/out.dbf"), FileBytes({{"id", 'N', 4, 4}}, {}));
+    }
+    CharacterWidth = 1;
 }
 
 TEST_F(XbaseFiles, ATableHasItsOwnNames) {
@@ -734,7 +842,7 @@ TEST_F(XbaseFiles, RandomTablesComeBack) {
     }
     ASSERT_EQ(XbaseSave("/d/a.dbf", list.get(), KindList, lines).code, 0);
     Typed back("x : list\n\tr : record\n" + indented(lines) + "\tend record\nend list\n");
-    const TabResult result = XbaseLoad("/d/a.dbf", back.get(), KindList, message);
+    const TabResult result = XbaseLoad("/d/a.dbf", back.get(), KindList, message, -1, lines);
     EXPECT_EQ(result.code, 0) << result.row;
     EXPECT_EQ(result.rows, 20000);
     EXPECT_TRUE(AdtCompare("EQ", list.get(), back.get(), KindList));

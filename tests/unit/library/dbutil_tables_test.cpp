@@ -210,6 +210,168 @@ TEST_F(TableFiles, OnlyScratchFilesAreDeleted) {
     EXPECT_EQ(files_.contents("/d/other.csv"), "1,Ada\n");
 }
 
+const std::string marked = "delete_flag : Tchar\nNAME : Tchars[1:3]\n";
+
+TEST_F(TableFiles, ATableIsSavedByTheExtensionWhereverItsRowsStand) {
+    make(marked, 0);
+    TABOPEN("/d/s.~ab", nullptr, table_.get());
+    const std::string row = "*Ann";
+    RecordDescriptor* const r = row_.get();
+    WriteAt(RecordFieldAddress(r, 1), row[0]);
+    row.copy(At(ReadAt<ArrayDescriptor>(RecordFieldAddress(r, 2)).data), 3, 1);
+    TableAdd(table_.get(), 0, r);
+    TABCLOSE("/d/out.dbf", nullptr, true, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(allFiles(), (Names{"out.dbf"}));
+    EXPECT_EQ(files_.contents("/d/out.dbf").substr(65), row + "\x1A");
+    TABOPEN("/d/own.bin", nullptr, make(columns));
+    add(1, "Ada");
+    TABCLOSE("/d/out.bin", nullptr, true, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_GT(files_.contents("/d/out.bin").size(), 0U);
+    TABOPEN("/d/own.bin", nullptr, table_.get());
+    TABCLOSE("/d/out.xyz", nullptr, true, table_.get());  // no form
+    EXPECT_EQ(takeError(), ERR_COMPONENT_UNREPRESENTABLE);
+    EXPECT_TRUE(opened());
+}
+
+TEST_F(TableFiles, AFileOfItsOwnIsKnownByAnyName) {
+    TABOPEN("/d/own.bin", nullptr, make(columns));
+    add(1, "Ada");
+    const std::string bytes = files_.contents("/d/own.bin");
+    TABCLOSE("/d/./own.bin", nullptr, true, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_FALSE(opened());
+    EXPECT_EQ(files_.contents("/d/own.bin"), bytes);
+}
+
+TEST_F(TableFiles, AllRowsAreOpenedHoweverManyTheOptionsAskFor) {
+    files_.put("/d/f.csv", "1,a\n2,b\n3,c\n4,d\n");
+    RecordValue options;
+    GETOPTIONSRECORD("0", "0", ",", "2", options.get());
+    TABOPEN("/d/f.csv", options.get(), make(columns));
+    EXPECT_EQ(TableCount(table_.get()), 4);
+    TABCLOSE("/d/f.csv", options.get(), true, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(files_.contents("/d/f.csv"), "1,a\n2,b\n3,c\n4,d\n");
+}
+
+TEST_F(TableFiles, FooterLinesThatSayMoreThanTheNumberOfRowsStay) {
+    constexpr struct {
+        const char *count, *before, *after;
+    } cases[] = {
+        {"1", "1,a\n(1 row affected)\n", "1,a\n2,b\n(2 rows affected)\n"},
+        {"2", "1,a\n\n(1 row affected)\n", "1,a\n2,b\n\n(2 rows affected)\n"},
+        {"1", "1,a\nTotal,1\n", "1,a\n2,b\nTotal,1\n"},
+        {"1", "1,a\nTotal,1", "1,a\n2,b\nTotal,1"},
+        {"2", "1,a\nTotal,1\n(1 row affected)\n", "1,a\n2,b\nTotal,1\n(1 row affected)\n"},
+        {"3", "1,a\n\nx\n(1 row affected)\n", "1,a\n2,b\n\nx\n(1 row affected)\n"},
+        {"1", "1,a\n(1 row) affected)\n", "1,a\n2,b\n(1 row) affected)\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.before);
+        files_.put("/d/f.csv", c.before);
+        RecordValue options;
+        GETOPTIONSRECORD("0", c.count, ",", "-1", options.get());
+        TABOPEN("/d/f.csv", options.get(), make(columns));
+        add(2, "b");
+        TABCLOSE("/d/f.csv", options.get(), true, table_.get());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(files_.contents("/d/f.csv"), c.after);
+        EXPECT_EQ(allFiles(), (Names{"f.csv"}));
+    }
+}
+
+TEST_F(TableFiles, FooterLinesAreNotLostWhenSavingFails) {
+    const std::string text = "1,a\nTotal,1\n";
+    RecordValue options;
+    GETOPTIONSRECORD("0", "1", ",", "-1", options.get());
+    bool failed = true;
+    for (int call = 1; failed; ++call) {
+        ASSERT_LT(call, 200);
+        files_.put("/d/f.csv", text);
+        TABOPEN("/d/f.csv", options.get(), make(columns));
+        files_.failAt(call, os::FileError::WriteFailed);
+        TABCLOSE("/d/f.csv", options.get(), true, table_.get());
+        files_.stopFailing();
+        failed = takeError() != 0;
+        EXPECT_EQ(files_.contents("/d/f.csv"), text) << call;
+        EXPECT_EQ(opened(), failed) << call;
+        table_ = TableValue();
+        takeError();
+    }
+}
+
+TEST_F(TableFiles, AScratchFileOfAnotherOpenTableIsNotTaken) {
+    files_.put("/d/f.csv", "1,Ada\n");
+    TABOPEN("/d/f.csv", nullptr, make(columns));
+    add(2, "Bob");
+    {
+        TableValue other;
+        TableInit(other.get(), UNBOUNDED, row_.get(), KeyMaps{MakeKeyMap(1)}, columns, true);
+        TABOPEN("/d/./f.csv", nullptr, other.get());
+        EXPECT_EQ(takeError(), ERR_FILE_WRITE);
+        EXPECT_FALSE(FileExists(other.get(), KindTable));
+    }
+    EXPECT_EQ(nameOf(2), "Bob");
+    TABOPEN("/d/f.csv", nullptr, table_.get());  // itself, anew
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(TableCount(table_.get()), 1);
+    table_ = TableValue();  // ends with its scratch file
+    TABOPEN("/d/f.csv", nullptr, make(columns));
+    EXPECT_EQ(takeError(), 0);
+    TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+    TableValue after;
+    TableInit(after.get(), UNBOUNDED, row_.get(), KeyMaps{MakeKeyMap(1)}, columns, true);
+    TABOPEN("/d/f.csv", nullptr, after.get());
+    EXPECT_EQ(takeError(), 0);
+    TABCLOSE("/d/f.csv", nullptr, false, after.get());
+}
+
+TEST_F(TableFiles, ATableFileThatWasMadeUnderAnotherFormsNameOpensAgain) {
+    for (const std::int32_t keyMap : {MakeKeyMap(1), 0}) {
+        for (const std::string file : {"/d/new.csv", "/d/new.tab", "/d/new.txt", "/d/new.xml"}) {
+            SCOPED_TRACE(file);
+            TABOPEN(file, nullptr, make(columns, keyMap));
+            RecordDescriptor* const r = row_.get();
+            WriteAt(RecordFieldAddress(r, 1), 7);
+            StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(r, 2)), "Ada");
+            TableAdd(table_.get(), keyMap != 0 ? 1 : 0, r);
+            TABCLOSE(file, nullptr, true, table_.get());
+            const std::string bytes = files_.contents(file);
+            TABOPEN(file, nullptr, table_.get());
+            EXPECT_EQ(takeError(), 0);
+            EXPECT_EQ(FileNameOf(table_.get(), KindTable), file);
+            EXPECT_EQ(nameOf(1), "Ada");
+            TABCLOSE(file, nullptr, true, table_.get());
+            EXPECT_EQ(files_.contents(file), bytes);
+            table_ = TableValue();
+            files_.remove(file);
+            files_.remove("/d/new.i1");
+        }
+    }
+}
+
+TEST_F(TableFiles, TextOfWholeRowsIsText) {
+    const std::string text = "12345,67890123456\n";  // as long as a row
+    files_.put("/d/f.csv", text);
+    TABOPEN("/d/f.csv", nullptr, make("number : integer\nname : string[11]\n", 0));
+    ASSERT_EQ(FileRecordLength(table_.get(), KindTable), 19);
+    TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+    files_.put("/d/f.csv", text + "\n");
+    TABOPEN("/d/f.csv", nullptr, table_.get());
+    EXPECT_EQ(FileNameOf(table_.get(), KindTable), "/d/f.~sv");
+    TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+    EXPECT_EQ(takeError(), 0);
+    // Nor is it rows by the index of a scratch file that was left behind.
+    TABOPEN("/d/f.~sv", nullptr, make("number : integer\nname : string[11]\n"));
+    FileClose(table_.get(), KindTable);
+    TABOPEN("/d/f.csv", nullptr, table_.get());
+    EXPECT_EQ(FileNameOf(table_.get(), KindTable), "/d/f.~sv");
+    TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+    EXPECT_EQ(takeError(), 0);
+}
+
 TEST_F(TableFiles, ClosingWhatIsNotOpenDoesNothing) {
     TABCLOSE("/d/f.csv", nullptr, true, make(columns));
     EXPECT_EQ(takeError(), 0);
