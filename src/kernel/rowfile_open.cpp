@@ -66,13 +66,12 @@ os::FileError writeEmptyRows(os::Handle handle, const ListDescriptor& l, std::si
 os::FileError makeWithHeader(const ListDescriptor& l, const std::string& path, const std::string& header) {
     NewFile made;
     os::FileError error = MakeFileBeside(path, made);
-    if (error != noError) return error;
-    error = os::files().write(made.handle, 0, header);
+    if (error == noError) error = os::files().write(made.handle, 0, header);
     if (error == noError) error = writeEmptyRows(made.handle, l, header.size());
-    const os::FileError closed = os::files().close(made.handle);
+    const os::FileError closed = made.close();
     if (error == noError) error = closed;
     if (error == noError) error = os::files().rename(made.path, path);
-    if (error != noError) os::files().remove(made.path);
+    if (error == noError) made.path.clear();
     return error;
 }
 
