@@ -10,7 +10,7 @@
 //
 // A row is written before the count that includes it, and the count before rows are cut off. So the death of
 // the process leaves whole rows, but for one behind the count or, where the size is the count, a torn last
-// one.
+// one; or behind them a note of one that was being replaced.
 #pragma once
 
 #include "kernel/values.h"

@@ -314,35 +314,6 @@ void TypeInfoStripOuter(std::string& text, std::int32_t size) {
 
 namespace {
 
-TabResult fromXml(const XmlResult& xml, std::string& message) {
-    message = xml.error.message;
-    TabResult result;
-    result.code = xml.error.code;
-    result.row = xml.error.line;
-    result.rows = xml.count;
-    result.stopped = xml.stopped;
-    return result;
-}
-
-}  // namespace
-
-TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
-                    Kind kind, std::string& message) {
-    message.clear();
-    TabOptions lines = options;
-    switch (format) {
-    case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
-    case FormatComma:
-    case FormatTab: return TabLoad(filename, lines, value, kind);
-    case FormatBinary: return BinaryLoad(filename, value, kind);
-    case FormatXbase: return XbaseLoad(filename, value, kind, message, options.maxdatarows);
-    case FormatXml: return fromXml(XmlLoad(filename, value, kind), message);
-    default: return {ERR_COMPONENT_UNREPRESENTABLE};
-    }
-}
-
-namespace {
-
 // The rows of an open list or table in a file; null for another value.
 const ListDescriptor* openRows(const void* value, Kind kind) {
     if (kind == KindTable)
@@ -369,7 +340,32 @@ bool ruinsItsRows(const std::string& filename, DataFormat format, const void* va
     return file.exists && own.exists && file.device == own.device && file.inode == own.inode;
 }
 
+TabResult fromXml(const XmlResult& xml, std::string& message) {
+    message = xml.error.message;
+    TabResult result;
+    result.code = xml.error.code;
+    result.row = xml.error.line;
+    result.rows = xml.count;
+    result.stopped = xml.stopped;
+    return result;
+}
+
 }  // namespace
+
+TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
+                    Kind kind, std::string& message) {
+    message.clear();
+    TabOptions lines = options;
+    switch (format) {
+    case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
+    case FormatComma:
+    case FormatTab: return TabLoad(filename, lines, value, kind);
+    case FormatBinary: return BinaryLoad(filename, value, kind);
+    case FormatXbase: return XbaseLoad(filename, value, kind, message, options.maxdatarows);
+    case FormatXml: return fromXml(XmlLoad(filename, value, kind), message);
+    default: return {ERR_COMPONENT_UNREPRESENTABLE};
+    }
+}
 
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
                     std::int32_t flags, const void* value, Kind kind, std::string_view names) {
