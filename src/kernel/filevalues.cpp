@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/filevalues.h"
 
-#include "kernel/data/datafile.h"
-#include "kernel/data/typeinfo.h"
 #include "kernel/fileerrors.h"
 #include "kernel/rowfile_access.h"
 #include "kernel/string_text.h"
@@ -44,6 +42,7 @@ std::string typeTextOf(const TableDescriptor& t) {
     return std::string(NarrowText(&HeaderOf(t).typeInfo).view());
 }
 
+<<<<<<< HEAD
 // The text is the lines of the fields, or the whole declaration of the row. Names of columns that are no
 // identifiers stand in quotes there; the kinds are what counts here.
 bool acceptTypeText(const TableDescriptor& t, std::string text) {
@@ -56,6 +55,8 @@ bool acceptTypeText(const TableDescriptor& t, std::string text) {
     return matches() || RefuseList(ERR_TABLE_TYPE);
 }
 
+=======
+>>>>>>> fixrow
 // A table without rows needs no indexes to be read, so that it opens where nothing may be written.
 bool openIndexes(TableDescriptor& t, bool created) {
     if (created) RemoveIndexFiles(RowFileName(HeaderOf(t).rows));
@@ -68,7 +69,7 @@ bool openTable(TableDescriptor& t, std::string_view fileName) {
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text = typeTextOf(t);
     bool created = false;
-    if (!AcceptFileName(fileName) || !acceptTypeText(t, text) || !OpenRows(rows, fileName, text, created))
+    if (!AcceptFileName(fileName) || !AcceptTypeText(t, text) || !OpenRows(rows, fileName, text, created))
         return false;
     t.count = rows.count;
     if (openIndexes(t, created)) return true;
@@ -89,11 +90,14 @@ void FileOpen(void* value, Kind kind, std::string_view fileName) {
     const ListDescriptor* const rows = fileRowsOf(value, kind);
     if (rows == nullptr) return;
     if (isOpen(rows)) return SetError(ERR_UNIDENTIFIABLE);
-    WithMemory([&] {
+    const bool opened = WithMemory([&] {
         bool created = false;
         return kind == KindList ? OpenRows(*static_cast<ListDescriptor*>(value), fileName, {}, created)
                                 : openTable(*static_cast<TableDescriptor*>(value), fileName);
     });
+    if (!opened || CutEndMark(*rows)) return;
+    DropRows(*rowsOf(value, kind));
+    if (kind == KindTable) static_cast<TableDescriptor*>(value)->count = 0;
 }
 
 void FileClose(void* value, Kind kind) {

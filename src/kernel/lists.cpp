@@ -175,7 +175,7 @@ void ListPut(const void* v, Kind kind, std::int32_t position, ListDescriptor* l)
     if (!AcceptList(l) || !AcceptElement(*l, v, kind) || !holds(*l, position)) return;
     if (IsHeldInFile(*l)) {
         const ShapedElement shaped(*l, v, kind);
-        if (shaped.good()) WriteRow(*l, position, shaped.at());
+        if (shaped.good()) ReplaceRow(*l, position, shaped.at());
         return;
     }
     char* slot = SlotAt(*l, position - 1);

@@ -60,7 +60,7 @@ private:
 void sortFile(ListDescriptor& l, bool ascending, bool ignoreCase) {
     WithMemory([&] {
         Texts texts;
-        if (!texts.read(l)) return false;
+        if (!AcceptRows(l) || !texts.read(l)) return false;
         texts.sort(ascending, ignoreCase);
         RowsBeside beside(l);
         return beside.make() && texts.write(beside.rows()) && beside.takePlace();

@@ -220,7 +220,7 @@ bool isUnopened(const ListDescriptor& l) {
 
 // The old rows stay until all are written.
 bool copyToFile(const ListDescriptor& from, ListDescriptor& to) {
-    if (IsHeldInFile(from) && IsSameFile(from, to)) return true;
+    if (IsHeldInFile(from) && IsSameFile(from, to)) return TakeRowCount(from, to);
     RowsBeside beside(to);
     if (!beside.make()) return false;
     const Kind kind = ElementKindOf(to);
@@ -238,7 +238,7 @@ bool copyList(const void* source, void* target) {
     const ListDescriptor& from = listAt(source);
     auto& to = *static_cast<ListDescriptor*>(target);
     if (isUnopened(from) && isUnopened(to)) return true;
-    if (!AcceptList(&from)) return false;
+    if (!AcceptList(&from) || (IsHeldInFile(from) && !AcceptRows(from))) return false;
     if (KindOf(&to) == KindNone) {
         ListDescriptor made{};
         if (!initList(&made, &from)) return false;

@@ -40,9 +40,11 @@ bool grow(ListDescriptor& l, std::int32_t count, const void* fill) {
     for (std::int32_t n = 1; n < std::min(perBlock, count - l.count); ++n) rows += row;
     change.adding(l.count + 1, count);
     os::FileError error = noError;
-    for (std::int32_t n = l.count; n < count && error == noError; n += perBlock) {
-        const auto step = static_cast<std::size_t>(std::min(perBlock, count - n));
-        error = change.file().write(n + 1, std::string_view(rows).substr(0, step * row.size()));
+    for (std::int32_t n = l.count; n < count && error == noError;) {
+        const std::int32_t step = std::min(perBlock, count - n);
+        const std::size_t bytes = static_cast<std::size_t>(step) * row.size();
+        error = change.file().write(n + 1, std::string_view(rows).substr(0, bytes));
+        n += step;
     }
     if (error == noError) error = change.file().writeCount(count);
     return change.end(error, count);

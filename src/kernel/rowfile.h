@@ -10,7 +10,7 @@
 //
 // A row is written before the count that includes it, and the count before rows are cut off. So the death of
 // the process leaves whole rows, but for one behind the count or, where the size is the count, a torn last
-// one.
+// one; or behind them a note of one that was being replaced.
 #pragma once
 
 #include "kernel/values.h"
@@ -26,6 +26,9 @@ namespace tarn {
 // descriptor (count) are kept up to date. Elements have the shape of the list's prototype.
 bool ReadRow(const ListDescriptor& l, std::int32_t position, void* element);
 bool WriteRow(ListDescriptor& l, std::int32_t position, const void* element);
+// The same, with a note of the new row (tables_file_note.h), so that a death in the middle loses neither;
+// also 655. A row of one byte needs no note.
+bool ReplaceRow(ListDescriptor& l, std::int32_t position, const void* element);
 bool AppendRow(ListDescriptor& l, const void* element);  // 618 when a fixed list is full
 bool RemoveLastRow(ListDescriptor& l);
 // Also mends a file that has not its size: only the header must be there.
@@ -36,6 +39,9 @@ bool ResizeRows(ListDescriptor& l, std::int32_t count, const void* fill);
 // The file half of FileOpen, for the rows alone; `l` is held in a file and not open. `created` tells that the
 // file was made. The type text gives the fields of a new Xbase file their names.
 bool OpenRows(ListDescriptor& l, std::string_view fileName, std::string_view typeText, bool& created);
+// Cuts off a byte 26 behind the rows of an Xbase file, after all else was accepted. Where the file may not be
+// written it stays; rows that are written later take its place.
+bool CutEndMark(const ListDescriptor& l);
 // Syncs and blanks the name, also when the syncing fails. Nothing for a list that is not open.
 bool CloseRows(ListDescriptor& l);
 // The end of a list: as CloseRows, but a scratch file (its extension begins with '~') is deleted, and a file
@@ -47,6 +53,10 @@ bool IsScratchFile(const ListDescriptor& l);
 std::string_view RowFileName(const ListDescriptor& l);  // "" when not open; valid until it is closed
 // Whether two open lists stand in one file.
 bool IsSameFile(const ListDescriptor& a, const ListDescriptor& b);
+// 655 unless the file holds as many rows as the list counts: another value may have changed it.
+bool AcceptRows(const ListDescriptor& l);
+// `to`, which stands in the file of `from`, counts the rows that are there.
+bool TakeRowCount(const ListDescriptor& from, ListDescriptor& to);
 // "" or what is wrong with the file of an open list. Sets no error.
 std::string CheckRows(const ListDescriptor& l);
 

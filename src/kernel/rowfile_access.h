@@ -36,7 +36,8 @@ public:
     RowFile(const RowFile&) = delete;
     RowFile& operator=(const RowFile&) = delete;
 
-    // 660, 653, 651 or 652; for an Xbase file, whose header is read, also 655 and 658.
+    // 660, 653, 651 or 652; for an Xbase file, whose header is read, also 655 and 658. Where it shall be
+    // written, its fields must be those of the rows (658): another program may have changed them.
     bool open(const ListDescriptor& l, os::OpenMode mode);
     [[nodiscard]] bool isOpen() const { return handle_ >= 0; }
     [[nodiscard]] bool canWrite() const { return isOpen() && mode_ == os::OpenMode::ReadWrite; }
@@ -44,8 +45,8 @@ public:
 
     [[nodiscard]] RowFormat format() const { return format_; }
     [[nodiscard]] std::int32_t rowBytes() const { return rowBytes_; }
-    [[nodiscard]] std::int64_t offsetOf(std::int32_t position) const {
-        return headerBytes_ + (std::int64_t{position} - 1) * rowBytes_;
+    [[nodiscard]] std::int64_t offsetOf(std::int64_t position) const {
+        return headerBytes_ + (position - 1) * rowBytes_;
     }
     [[nodiscard]] const XbaseRows* xbase() const { return xbase_.get(); }
 
@@ -55,7 +56,7 @@ public:
     bool measure(std::int32_t& count, std::int64_t& size, bool* trailing = nullptr);
     // The rows from `position` on, appended to `bytes`; 651 when one is not there.
     bool read(std::int32_t position, std::int32_t rows, std::string& bytes);
-    os::FileError write(std::int32_t position, std::string_view rows);
+    os::FileError write(std::int64_t position, std::string_view rows);
     os::FileError writeCount(std::int32_t count);  // nothing for a format that has none
     os::FileError cutTo(std::int64_t size);
     os::FileError size(std::int64_t& bytes);
@@ -94,6 +95,7 @@ public:
     // Opens the file for writing, unless a batch has it open.
     bool begin(Know what);
     [[nodiscard]] RowFile& file() { return *file_; }
+    [[nodiscard]] std::int64_t size() const { return size_; }  // without a byte 26; unless nothing is known
     bool keep(std::int32_t position);  // a row that will be overwritten or cut off; 651
     // Rows that will be written where none was counted.
     void adding(std::int32_t first, std::int32_t last) {

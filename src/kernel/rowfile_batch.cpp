@@ -39,7 +39,7 @@ bool BatchOfRows::openToRead() {
 bool BatchOfRows::fillBlock(std::int32_t position) {
     const auto rowBytes = static_cast<std::size_t>(file_.rowBytes());
     const auto perBlock = static_cast<std::int32_t>(std::max<std::size_t>(RowBlockBytes / rowBytes, 1));
-    const std::int32_t rows = position == lastRead_ + 1 ? std::min(perBlock, written() - position + 1) : 1;
+    const std::int32_t rows = position - 1 == lastRead_ ? std::min(perBlock, written() - position + 1) : 1;
     block_.clear();
     blockRows_ = 0;
     if (!file_.read(position, rows, block_)) return false;
@@ -75,7 +75,8 @@ bool BatchOfRows::append(ListDescriptor& l, const void* element) {
     if (gatheredRows_ == 0 && !accepted_) {
         std::int32_t count = 0;
         std::int64_t size = 0;
-        if (!prepare() || !file_.measure(count, size)) return false;
+        bool endMark = false;
+        if (!prepare() || !file_.measure(count, size, &endMark)) return false;
         if (count != l.count) return RefuseList(ERR_FILE_SIZE);
         accepted_ = true;
     }

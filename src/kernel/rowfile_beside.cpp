@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace tarn {
 
@@ -31,27 +32,29 @@ os::FileError followLink(const std::string& path, std::string& target) {
     return noError;
 }
 
-// The permissions of the old file, and its owner where this user can give it away.
+// The owner and the permissions of the old file. Where this user cannot give them, the rows stay as they are:
+// a file that changed hands might be one that its owner cannot open any more.
 os::FileError takeOver(const os::FileInfo& old, const std::string& path) {
     const os::FileInfo info = os::infoOf(path);
+    os::FileError error = noError;
     if (info.owner != old.owner || info.group != old.group)
-        (void)os::files().setOwner(path, old.owner, old.group);
-    return info.mode != old.mode ? os::files().setMode(path, old.mode) : noError;
+        error = os::files().setOwner(path, old.owner, old.group);
+    if (error == noError && info.mode != old.mode) error = os::files().setMode(path, old.mode);
+    return error;
 }
 
 os::FileError fillBeside(const std::string& target, const std::string& header, std::string& name) {
     const os::FileInfo old = os::infoOf(target);
     if (!old.exists) return os::FileError::Vanished;
     if (!old.writable) return os::FileError::Denied;
+    if (old.links > 1) return os::FileError::Denied;  // the other names would keep the old rows
     NewFile made;
     os::FileError error = MakeFileBeside(target, made);
-    if (error != noError) return error;
-    if (!header.empty()) error = os::files().write(made.handle, 0, header);
-    const os::FileError closed = os::files().close(made.handle);
+    if (error == noError && !header.empty()) error = os::files().write(made.handle, 0, header);
+    const os::FileError closed = made.close();
     if (error == noError) error = closed;
     if (error == noError) error = takeOver(old, made.path);
-    if (error != noError) os::files().remove(made.path);
-    name = made.path;
+    if (error == noError) name.swap(made.path);
     return error;
 }
 
@@ -71,6 +74,21 @@ std::string FolderOfFile(const std::string& path) {
     return folder.empty() ? "." : folder;
 }
 
+NewFile::~NewFile() {
+    try {
+        close();
+        if (!path.empty()) os::files().remove(path);
+    } catch (...) {  // the end of the process, in a test
+    }
+}
+
+os::FileError NewFile::close() {
+    if (handle < 0) return noError;
+    const os::Handle open = handle;
+    handle = -1;
+    return os::files().close(open);
+}
+
 os::FileError MakeFileBeside(const std::string& path, NewFile& made) {
     static std::uint32_t count = 0;
     constexpr int attempts = 100, base = 36;
@@ -80,9 +98,10 @@ os::FileError MakeFileBeside(const std::string& path, NewFile& made) {
         char digits[32];
         const std::int64_t number = (os::clock().now() / names + ++count) % names;
         const char* const end = std::to_chars(digits, digits + sizeof digits, number, base).ptr;
-        made.path = folderPart(path) + ".tarnwick-";
-        made.path.append(digits, static_cast<std::size_t>(end - digits)).append(ExtensionOf(path));
-        error = os::files().open(made.path, os::OpenMode::CreateNew, NewFile::usualMode, made.handle);
+        std::string name = folderPart(path) + ".tarnwick-";
+        name.append(digits, static_cast<std::size_t>(end - digits)).append(ExtensionOf(path));
+        error = os::files().open(name, os::OpenMode::CreateNew, NewFile::usualMode, made.handle);
+        if (error == noError) made.path = std::move(name);
     }
     return error;
 }

@@ -2,6 +2,7 @@
 //
 // An open file of rows, and changes of it.
 #include "kernel/data/packing.h"
+#include "kernel/data/xbase.h"
 #include "kernel/fileerrors.h"
 #include "kernel/rowfile_access.h"
 
@@ -47,7 +48,8 @@ bool RowFile::open(const ListDescriptor& l, os::OpenMode mode) {
         handle_ = -1;
         return mode == os::OpenMode::Read ? RefuseRead(error) : RefuseWrite(error);
     }
-    if (format_ != RowsXbase || readXbaseHeader()) return true;
+    if (format_ != RowsXbase) return true;
+    if (readXbaseHeader() && (mode == os::OpenMode::Read || xbase_->accept(l))) return true;
     close();
     return false;
 }
@@ -107,14 +109,18 @@ bool RowFile::readHeader(std::string& bytes) {
     return true;
 }
 
-os::FileError RowFile::write(std::int32_t position, std::string_view rows) {
+os::FileError RowFile::write(std::int64_t position, std::string_view rows) {
     return os::files().write(handle_, offsetOf(position), rows);
 }
 
 os::FileError RowFile::writeCount(std::int32_t count) {
     if (!StoresCount(format_)) return os::FileError::None;
     const StoredCount stored = EncodeCount(format_, count);
-    return os::files().write(handle_, stored.offset, {stored.bytes, sizeof stored.bytes});
+    const std::string_view bytes(stored.bytes, sizeof stored.bytes);
+    if (format_ != RowsXbase) return os::files().write(handle_, stored.offset, bytes);
+    const std::string today = XbaseDateToday();  // stands before the count
+    const auto dateBytes = static_cast<std::int64_t>(today.size());
+    return os::files().write(handle_, stored.offset - dateBytes, today + std::string(bytes));
 }
 
 os::FileError RowFile::cutTo(std::int64_t size) {
@@ -221,7 +227,8 @@ bool RowChange::begin(Know what) {
         return error == os::FileError::None || RefuseRead(error);
     }
     std::int32_t count = 0;
-    return file_->measure(count, size_) && (count == list_.count || RefuseList(ERR_FILE_SIZE));
+    bool endMark = false;  // rows are written over it
+    return file_->measure(count, size_, &endMark) && (count == list_.count || RefuseList(ERR_FILE_SIZE));
 }
 
 bool RowChange::keep(std::int32_t position) {
@@ -258,7 +265,7 @@ bool RowChange::restoreRows() {
     if (kept_ != 0 && !done(file_->write(kept_, keptBytes()))) return false;
     std::string& empty = RowBytes();
     AddEmptyRows(RowFileName(list_), static_cast<std::size_t>(file_->rowBytes()), 1, empty);
-    for (std::int32_t n = firstAdded_; n != 0 && n <= lastAdded_ && file_->offsetOf(n + 1) <= size_; ++n) {
+    for (std::int64_t n = firstAdded_; n != 0 && n <= lastAdded_ && file_->offsetOf(n + 1) <= size_; ++n) {
         if (!done(file_->write(n, empty))) return false;
     }
     return true;
@@ -267,7 +274,8 @@ bool RowChange::restoreRows() {
 void RowChange::recount() {
     std::int32_t count = 0;
     std::int64_t size = 0;
-    const bool known = file_->isOpen() && file_->measure(count, size);
+    bool endMark = false;
+    const bool known = file_->isOpen() && file_->measure(count, size, &endMark);
     if (known && (!IsFixedList(list_) || count <= list_.maxlength)) list_.count = count;
 }
 

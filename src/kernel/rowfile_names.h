@@ -10,9 +10,17 @@
 
 namespace tarn {
 
-// A file that did not exist before, open for writing.
+// A file that did not exist before, open for writing. It is gone again at the end unless its path was
+// cleared.
 struct NewFile {
     static constexpr std::uint32_t usualMode = 0666;  // the user's mask takes its part away
+
+    NewFile() = default;
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    os::FileError close();
+
     std::string path;
     os::Handle handle = -1;
 };

@@ -15,19 +15,7 @@ namespace {
 
 constexpr os::FileError noError = os::FileError::None;
 
-// ---- existing files ----
-
-// Without it the rows fill the file. Where the file may not be written it stays.
-bool cutEndMark(const std::string& path, std::int64_t size) {
-    os::Handle handle = -1;
-    os::FileError error = os::files().open(path, os::OpenMode::ReadWrite, 0, handle);
-    if (error == os::FileError::Denied) return true;
-    if (error != noError) return RefuseWrite(error);
-    error = os::files().truncate(handle, size);
-    const os::FileError closed = os::files().close(handle);
-    return (error == noError && closed == noError) || RefuseWrite(error != noError ? error : closed);
-}
-
+// Changes nothing: the whole value may yet be refused.
 bool openExisting(ListDescriptor& l) {
     RowFile file;
     std::int32_t count = 0;
@@ -37,8 +25,6 @@ bool openExisting(ListDescriptor& l) {
     if (!file.measure(count, size, &endMark)) return false;
     if (file.format() == RowsXbase && !file.xbase()->accept(l)) return false;
     if (IsFixedList(l) && count > l.maxlength) return RefuseList(ERR_FIXED_TABLE);
-    file.close();
-    if (endMark && !cutEndMark(std::string(RowFileName(l)), size)) return false;
     l.count = count;
     return true;
 }
@@ -66,13 +52,12 @@ os::FileError writeEmptyRows(os::Handle handle, const ListDescriptor& l, std::si
 os::FileError makeWithHeader(const ListDescriptor& l, const std::string& path, const std::string& header) {
     NewFile made;
     os::FileError error = MakeFileBeside(path, made);
-    if (error != noError) return error;
-    error = os::files().write(made.handle, 0, header);
+    if (error == noError) error = os::files().write(made.handle, 0, header);
     if (error == noError) error = writeEmptyRows(made.handle, l, header.size());
-    const os::FileError closed = os::files().close(made.handle);
+    const os::FileError closed = made.close();
     if (error == noError) error = closed;
     if (error == noError) error = os::files().rename(made.path, path);
-    if (error != noError) os::files().remove(made.path);
+    if (error == noError) made.path.clear();
     return error;
 }
 
@@ -132,6 +117,27 @@ bool OpenRows(ListDescriptor& l, std::string_view fileName, std::string_view typ
     if (WithMemory([&] { return openOrMake(l, typeText, created); })) return true;
     blank(l);
     return false;
+}
+
+bool CutEndMark(const ListDescriptor& l) {
+    if (RowFormatOf(RowFileName(l), l.maxlength) != RowsXbase) return true;
+    return WithMemory([&] {
+        RowFile file;
+        std::int32_t count = 0;
+        std::int64_t size = 0;
+        bool endMark = false;
+        if (!file.open(l, os::OpenMode::Read) || !file.measure(count, size, &endMark)) return false;
+        file.close();
+        if (!endMark) return true;
+        os::Handle handle = -1;
+        const std::string path(RowFileName(l));
+        os::FileError error = os::files().open(path, os::OpenMode::ReadWrite, 0, handle);
+        if (error == os::FileError::Denied) return true;
+        if (error != noError) return RefuseWrite(error);
+        error = os::files().truncate(handle, size);
+        const os::FileError closed = os::files().close(handle);
+        return (error == noError && closed == noError) || RefuseWrite(error != noError ? error : closed);
+    });
 }
 
 bool CloseRows(ListDescriptor& l) {
@@ -194,7 +200,7 @@ bool readAllRows(const ListDescriptor& l) {
     const RowBatch batch(l);
     ElementBeside element(At(l.prototype), kind);
     bool good = element.good();
-    for (std::int32_t n = 1; n <= l.count && good; ++n) good = ReadRow(l, n, element.at());
+    for (std::int32_t n = 0; n < l.count && good; ++n) good = ReadRow(l, n + 1, element.at());
     return good;
 }
 
@@ -215,6 +221,28 @@ std::string CheckRows(const ListDescriptor& l) {
     if (good) return {};
     if (ErrorCell() == 0) return "list: the file holds " + std::to_string(count) + " rows";
     return std::string("list: ") + ErrorText(ErrorCell());
+}
+
+bool AcceptRows(const ListDescriptor& l) {
+    return WithMemory([&] {
+        if (BatchOfRows* const batch = BatchOfRows::of(l))
+            if (!batch->flush()) return false;
+        RowFile file;
+        std::int32_t count = 0;
+        std::int64_t size = 0;
+        bool endMark = false;
+        if (!file.open(l, os::OpenMode::Read) || !file.measure(count, size, &endMark)) return false;
+        return count == l.count || RefuseList(ERR_FILE_SIZE);
+    });
+}
+
+bool TakeRowCount(const ListDescriptor& from, ListDescriptor& to) {
+    if (!AcceptRows(from)) return false;
+    const std::int32_t before = to.count;
+    to.count = from.count;
+    if (&from == &to || AcceptRows(to)) return true;
+    to.count = before;
+    return false;
 }
 
 bool IsSameFile(const ListDescriptor& a, const ListDescriptor& b) {

@@ -7,6 +7,8 @@
 #include "kernel/tables_file_fill.h"
 #include "kernel/tables_file_note.h"
 
+#include <limits>
+
 namespace tarn {
 
 namespace {
@@ -100,6 +102,7 @@ bool FileTableFind(const TableDescriptor& t, std::int32_t indexNumber, const Tre
 
 bool FileTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
     TableHeader& header = HeaderOf(t);
+    if (header.rows.count == std::numeric_limits<std::int32_t>::max()) return RefuseTable(ERR_FIXED_TABLE);
     const std::int32_t number = header.rows.count + 1;
     IndexChanges changes(t);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
@@ -206,7 +209,7 @@ Filled fillAll(const TableDescriptor& t) {
 
 bool FileTableRebuild(TableDescriptor& t) {
     IndexExchange exchange(t);
-    if (!exchange.setAside()) return false;
+    if (!AcceptRows(HeaderOf(t).rows) || !exchange.setAside()) return false;
     const Filled result = MakeTableIndexes(t) ? fillAll(t) : Filled::Failed;
     const bool stays = result == Filled::Whole || result == Filled::Duplicate;
     stays ? exchange.drop() : exchange.putBack();

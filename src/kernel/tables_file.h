@@ -35,6 +35,9 @@ void ReleaseTableIndexes(const TableDescriptor& t);
 
 // ---- checking ----
 
+// 762 for a type text that is not that of the rows. An empty one is not looked at.
+bool AcceptTypeText(const TableDescriptor& t, std::string text);
+
 // "" or what is wrong with the files of an open table: the size and the count of the rows, each row's bytes,
 // each index from its header to its last node, and whether nodes and rows have the same keys. Sets no error.
 std::string CheckTableFile(const TableDescriptor& t);
@@ -66,11 +69,13 @@ struct RebuiltTable {
 
 // Mends the file of a list that is held in a file and not open, after a death of a process or machine: writes
 // a row that was noted, cuts off what is not a whole row, and sets the count right. An existing file only
-// (653). Sets no error, as the next one.
+// (653); 658 for an Xbase file of other fields, 619 for more rows than the capacity, 655 for more than a list
+// can count: nothing is changed then. Sets no error, as the next one.
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
-// The same for a table, which then gets new indexes. A last row that is an earlier one again, whole, is
-// dropped: a deletion had moved it. Other rows with one key stay; the indexes then lack all but the first.
-// When it fails or is stopped the old indexes are as they were.
+// The same for a table (762 for a type text that is not that of its rows), which then gets new indexes. A
+// last row that is an earlier one again, whole, is dropped: a deletion had moved it. Other rows with one key
+// stay; the indexes then lack all but the first. When it fails or is stopped the old indexes are as they
+// were.
 RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName);
 
 }  // namespace tarn

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/adt_kinds.h"
+#include "kernel/data/datafile.h"
+#include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/rowformat.h"
 #include "kernel/tables_file_index.h"
@@ -49,6 +51,14 @@ std::string CheckIndexFiles(const TableDescriptor& t) {
     });
     errors.forget();
     return good ? wrong : "table: memory is short";
+}
+
+// The text is the lines of the fields, or the whole declaration of the row.
+bool AcceptTypeText(const TableDescriptor& t, std::string text) {
+    const RecordDescriptor* const row = &RowShape(HeaderOf(t));
+    if (text.empty() || TypeInfoMatchesValue(text, row) == 0) return true;
+    TypeInfoStripOuter(text, MaxTypeInfo);
+    return TypeInfoMatchesValue(text, row) == 0 || RefuseTable(ERR_TABLE_TYPE);
 }
 
 std::string CheckTableFile(const TableDescriptor& t) {

@@ -61,7 +61,12 @@ bool replaceRows(const TableDescriptor& from, TableDescriptor& to, IndexExchange
 bool CopyIntoFileTable(const TableDescriptor& from, TableDescriptor& to) {
     TableHeader& header = HeaderOf(to);
     const ListDescriptor& source = HeaderOf(from).rows;
-    if (IsHeldInFile(source) && IsSameFile(source, header.rows)) return true;
+    if (IsHeldInFile(source) && IsSameFile(source, header.rows)) {
+        const bool taken = TakeRowCount(source, header.rows);
+        to.count = header.rows.count;
+        return taken;
+    }
+    if (IsHeldInFile(source) && !AcceptRows(source)) return false;
     IndexExchange exchange(to);
     const bool replaced = replaceRows(from, to, exchange);
     const bool good = replaced && installIndexes(exchange, to);

@@ -60,8 +60,9 @@ Filled IndexFill::insert(const RecordDescriptor& row, std::int32_t number) {
 }
 
 Filled IndexFill::run(ListReader& rows, std::int32_t first, std::int32_t last, RowProgress* progress) {
-    for (std::int32_t number = first; number <= last; ++number) {
-        const auto* row = static_cast<const RecordDescriptor*>(rows.at(number - 1));
+    for (std::int32_t at = first - 1; at < last; ++at) {
+        const std::int32_t number = at + 1;
+        const auto* row = static_cast<const RecordDescriptor*>(rows.at(at));
         if (row == nullptr) badRow_ = number;
         const Filled result = row != nullptr ? insert(*row, number) : Filled::Failed;
         if (result == Filled::Duplicate && !tree_.commit()) return Filled::Failed;

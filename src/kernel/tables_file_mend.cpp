@@ -70,21 +70,23 @@ bool RowMending::look() {
     if (!FindRowNote(path_, header(), file_.rowBytes(), note_)) return false;
     end_ = std::max(note_.offset >= 0 ? note_.offset : size_, header());
     const std::int64_t rows = (end_ - header()) / file_.rowBytes();
-    rowsInFile_ =
-        static_cast<std::int32_t>(std::min<std::int64_t>(rows, std::numeric_limits<std::int32_t>::max()));
+    if (rows > std::numeric_limits<std::int32_t>::max()) return RefuseList(ERR_FILE_SIZE);
+    rowsInFile_ = static_cast<std::int32_t>(rows);
     return true;
 }
 
+// Rows that a smaller capacity has no room for stay.
 bool RowMending::settleCount() {
-    const std::int32_t most = IsFixedList(list_) ? std::min(rowsInFile_, list_.maxlength) : rowsInFile_;
     std::int64_t stored = -1;
-    count_ = most;
+    count_ = rowsInFile_;
     if (!StoresCount(file_.format())) return true;
     if (!readStoredCount(path_, file_.format(), stored)) return false;
-    const bool good = stored >= 0 && stored <= most;
-    result_.countSet = !good;
+    const bool good = stored >= 0 && stored <= rowsInFile_;
     if (good) count_ = static_cast<std::int32_t>(stored);
-    return good || file_.format() != RowsFixed || lastUsedRow(file_, most, count_);
+    if (!good && file_.format() == RowsFixed && !lastUsedRow(file_, rowsInFile_, count_)) return false;
+    if (IsFixedList(list_) && count_ > list_.maxlength) return RefuseList(ERR_FIXED_TABLE);
+    result_.countSet = !good;
+    return true;
 }
 
 // The row is on the disk before the note is cut off.
@@ -97,7 +99,7 @@ bool RowMending::writeNote() {
 }
 
 bool RowMending::cutAndCount() {
-    const std::int64_t whole = file_.offsetOf(rowsInFile_ + 1);
+    const std::int64_t whole = file_.offsetOf(std::int64_t{rowsInFile_} + 1);
     const bool endMark = file_.format() == RowsXbase && size_ == whole + 1;
     os::FileError error = os::FileError::None;
     if (result_.countSet || size_ < header()) error = file_.writeCount(count_);
@@ -121,10 +123,15 @@ bool acceptFile(std::string_view fileName) {
     return info.exists || RefuseList(ERR_FILE_VANISHED);
 }
 
-bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) {
+bool acceptMending(const ListDescriptor& l, std::string_view fileName) {
     if (!IsList(&l) || !IsHeldInFile(l)) return RefuseList(ERR_TYPE_NOT_STORABLE);
     if (!RowFileName(l).empty()) return RefuseList(ERR_UNIDENTIFIABLE);
-    if (!acceptFile(fileName)) return false;
+    return acceptFile(fileName);
+}
+
+bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) {
+    const bool xbase = RowFormatOf(fileName, l.maxlength) == RowsXbase;
+    if (xbase && !AcceptXbaseRows(l)) return false;
     SetRowFileName(l, fileName);
     const bool good = RowMending(l, result).run();
     SetRowFileName(l, {});
@@ -136,7 +143,8 @@ bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) 
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
     OwnErrors errors;
     MendedRows result;
-    if (!WithMemory([&] { return mendRows(l, fileName, result); })) result.error = OwnErrors::code();
+    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, result); }))
+        result.error = OwnErrors::code();
     errors.forget();
     return result;
 }
@@ -183,14 +191,14 @@ bool IndexRebuilding::fill(std::int32_t index) {
     IndexFill fill(header_, index);
     ListReader rows(header_.rows);
     if (!fill.open(IndexFileName(RowFileName(header_.rows), index + 1))) return false;
-    for (std::int32_t next = 1; next <= header_.rows.count;) {
-        const Filled filled = fill.run(rows, next, header_.rows.count, &progress_);
+    for (std::int32_t done = 0; done < header_.rows.count;) {
+        const Filled filled = fill.run(rows, done + 1, header_.rows.count, &progress_);
         if (filled == Filled::Whole) break;
         if (filled == Filled::Failed) result_.badRow = fill.badRow();
         result_.stopped = filled == Filled::Stopped;
         if (filled != Filled::Duplicate) return false;
         const DuplicateKey& found = fill.duplicate();
-        next = found.row + 1;
+        done = found.row;
         if (isLastAgain(found)) {
             if (!RemoveLastRow(header_.rows)) return false;
             result_.rowDropped = found.row;
@@ -217,9 +225,11 @@ bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
 bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result) {
     if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
-    if (!mendRows(rows, fileName, result.mended)) return false;
-    bool created = false;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
+    if (!acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
+        !mendRows(rows, fileName, result.mended))
+        return false;
+    bool created = false;
     if (!OpenRows(rows, fileName, text, created)) return false;
     t.count = rows.count;
     const bool good = IndexRebuilding(t, result).run();

@@ -83,14 +83,14 @@ bool ReplaceRow(ListDescriptor& l, std::int32_t position, const void* element) {
     return WithMemory([&] {
         RowChange change(l);
         std::string row;
-        std::int64_t size = 0;
         if (!change.begin(RowChange::Know::Rows) || !change.keep(position) ||
             !change.file().pack(element, row))
             return false;
         if (row.size() == 1) return change.end(change.file().write(position, row), l.count);
         RowFile& file = change.file();
-        os::FileError error = file.size(size);
-        const auto behind = static_cast<std::int32_t>((size - file.offsetOf(1)) / file.rowBytes() + 1);
+        os::FileError error = os::FileError::None;
+        const std::int64_t size = change.size();
+        const std::int64_t behind = (size - file.offsetOf(1)) / file.rowBytes() + 1;
         const auto step = [&](auto work) {
             if (error == os::FileError::None) error = work();
         };
@@ -101,19 +101,22 @@ bool ReplaceRow(ListDescriptor& l, std::int32_t position, const void* element) {
     });
 }
 
-// A note begins where a row would. One of which there is hardly anything is told from a row by its first
-// bytes.
+// A note begins where a row would. Where the file is torn, what is left of one is told by its first bytes;
+// where its size is that of whole rows, those are rows unless they hold all that tells a note at this place.
 bool FindRowNote(const std::string& path, std::int64_t headerBytes, std::int32_t rowBytes, RowNote& note) {
     constexpr std::size_t leastBytes = 4;
     const auto length = static_cast<std::size_t>(rowBytes);
     std::int64_t start = 0;
     std::string bytes;
     note = {};
+    if (rowBytes == 1) return true;
     if (!readEnd(path, static_cast<std::int64_t>(noteBytesFor(length)), start, bytes)) return false;
     const std::int64_t end = start + static_cast<std::int64_t>(bytes.size());
     std::int64_t at =
         headerBytes + std::max<std::int64_t>(start - headerBytes + rowBytes - 1, 0) / rowBytes * rowBytes;
-    for (; at + static_cast<std::int64_t>(leastBytes) <= end; at += rowBytes) {
+    const bool whole = (end - headerBytes) % rowBytes == 0;
+    const std::size_t least = whole ? beginning(0).size() : leastBytes;
+    for (; at + static_cast<std::int64_t>(least) <= end; at += rowBytes) {
         const std::string_view tail = std::string_view(bytes).substr(static_cast<std::size_t>(at - start));
         const std::string wanted = beginning(at);
         const std::size_t common = std::min(tail.size(), wanted.size());

@@ -23,9 +23,6 @@
 
 namespace tarn {
 
-// As WriteRow (rowfile.h). A row of one byte needs no note.
-bool ReplaceRow(ListDescriptor& l, std::int32_t position, const void* element);
-
 struct RowNote {
     std::int64_t offset = -1;   // where it begins; below 0 when there is none
     std::int32_t position = 0;  // 0 for one that is not whole

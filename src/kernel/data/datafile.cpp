@@ -11,8 +11,13 @@
 #include "kernel/data/xml.h"
 #include "kernel/errors.h"
 #include "kernel/index_file.h"
+<<<<<<< HEAD
 #include "kernel/string_text.h"
+=======
+#include "kernel/rowformat.h"
+>>>>>>> fixrow
 #include "kernel/strings.h"
+#include "kernel/table_access.h"
 
 #include <algorithm>
 #include <new>
@@ -334,6 +339,32 @@ void TypeInfoStripOuter(std::string& text, std::int32_t size) {
 
 namespace {
 
+// The rows of an open list or table in a file; null for another value.
+const ListDescriptor* openRows(const void* value, Kind kind) {
+    if (kind == KindTable)
+        value = IsTable(static_cast<const TableDescriptor*>(value))
+                    ? &HeaderOf(*static_cast<const TableDescriptor*>(value)).rows
+                    : nullptr;
+    else if (kind != KindList)
+        return nullptr;
+    const auto* const rows = static_cast<const ListDescriptor*>(value);
+    return IsList(rows) && IsHeldInFile(*rows) && !RowFileName(*rows).empty() ? rows : nullptr;
+}
+
+bool isFormatOf(const ListDescriptor& rows, DataFormat format) {
+    const RowFormat own = RowFormatOf(RowFileName(rows), rows.maxlength);
+    return (own == RowsPlain && format == FormatBinary) || (own == RowsXbase && format == FormatXbase);
+}
+
+// Whether the value's own rows would be written over by another kind of file.
+bool ruinsItsRows(const std::string& filename, DataFormat format, const void* value, Kind kind) {
+    const ListDescriptor* const rows = openRows(value, kind);
+    if (rows == nullptr || isFormatOf(*rows, format)) return false;
+    const os::FileInfo file = os::infoOf(os::native(filename));
+    const os::FileInfo own = os::infoOf(std::string(RowFileName(*rows)));
+    return file.exists && own.exists && file.device == own.device && file.inode == own.inode;
+}
+
 TabResult fromXml(const XmlResult& xml, std::string& message) {
     message = xml.error.message;
     TabResult result;
@@ -371,6 +402,7 @@ TabResult LoadRows(const std::string& filename, DataFormat format, const TabOpti
 TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
                     std::int32_t flags, const void* value, Kind kind, std::string_view names) {
     TabOptions lines = options;
+    if (ruinsItsRows(filename, format, value, kind)) return {ERR_FILE_WRITE};
     switch (format) {
     case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
     case FormatComma:

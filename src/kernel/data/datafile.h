@@ -51,6 +51,7 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
 void TypeInfoStripOuter(std::string& text, std::int32_t size);
 
 // Whole values. `flags` are those of xml.h. A format that is not known, or that cannot hold the kind: 658.
+// The file that holds the rows of the value itself can only be saved in its own format: 652, and it stays.
 // Of the options an Xbase file takes `maxdatarows` alone. `message` is that of an XML or Xbase file.
 TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
                     Kind kind, std::string& message);

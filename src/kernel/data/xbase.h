@@ -66,6 +66,8 @@ std::int32_t XbaseBuildDescriptors(const void* value, Kind kind, std::string_vie
 // for a value that has none.
 std::string XbaseHeaderBytes(const void* value, Kind kind, std::string_view typeText, std::uint32_t records,
                              std::int32_t& errorCode);
+// The date of today as it stands in a header before the count: year of the century, month, day.
+std::string XbaseDateToday();
 void XbaseSetRecords(std::string& headerBytes, std::uint32_t records);
 // A row that was not written yet: blanks behind a '*' for an Xbase name, bytes 0 for another.
 void XbaseEmptyRow(std::string_view filename, char* buffer, std::size_t size);

@@ -217,9 +217,7 @@ void putWord(std::string& bytes, std::int32_t word) {
 }
 
 std::string startBytes(const XbaseHeader& header) {
-    const os::CivilTime now = os::clock().local(os::clock().now());
-    std::string bytes = {3, static_cast<char>(now.year % 100), static_cast<char>(now.month),
-                         static_cast<char>(now.day)};
+    std::string bytes = "\x03" + XbaseDateToday();
     bytes.append(4, '\0');
     putWord(bytes, header.headerSize);
     putWord(bytes, header.recordSize);
@@ -238,6 +236,11 @@ std::string fieldBytes(const XbaseHeader& header, std::int32_t n) {
 }
 
 }  // namespace
+
+std::string XbaseDateToday() {
+    const os::CivilTime now = os::clock().local(os::clock().now());
+    return {static_cast<char>(now.year % 100), static_cast<char>(now.month), static_cast<char>(now.day)};
+}
 
 std::vector<XbaseDeclared> XbaseDeclaredFields(std::string_view typeText) {
     std::vector<XbaseDeclared> fields;

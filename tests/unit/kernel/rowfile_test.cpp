@@ -336,7 +336,7 @@ TEST_F(RowFiles, ARowThatIsNotThereCannotBeReadOrReplaced) {
         EXPECT_EQ(takeError(), 651);
         EXPECT_EQ(value, 0);
         ListPut(&value, KindInteger, position, l.get());
-        EXPECT_EQ(takeError(), 651);
+        EXPECT_EQ(takeError(), 655);
     }
     EXPECT_EQ(bytesOf("/d/a.tab"), fromHex("00000001 0000"));
     EXPECT_EQ(check(l), "list: File on disk is the wrong size");
