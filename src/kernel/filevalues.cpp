@@ -42,21 +42,6 @@ std::string typeTextOf(const TableDescriptor& t) {
     return std::string(NarrowText(&HeaderOf(t).typeInfo).view());
 }
 
-<<<<<<< HEAD
-// The text is the lines of the fields, or the whole declaration of the row. Names of columns that are no
-// identifiers stand in quotes there; the kinds are what counts here.
-bool acceptTypeText(const TableDescriptor& t, std::string text) {
-    const RecordDescriptor* const row = &RowShape(HeaderOf(t));
-    const auto matches = [&] {
-        return TypeInfoMatchesValue(TypeInfoFixNames(text, MaxTypeInfoName), row) == 0;
-    };
-    if (text.empty() || matches()) return true;
-    TypeInfoStripOuter(text, MaxTypeInfo);
-    return matches() || RefuseList(ERR_TABLE_TYPE);
-}
-
-=======
->>>>>>> fixrow
 // A table without rows needs no indexes to be read, so that it opens where nothing may be written.
 bool openIndexes(TableDescriptor& t, bool created) {
     if (created) RemoveIndexFiles(RowFileName(HeaderOf(t).rows));

@@ -53,12 +53,16 @@ std::string CheckIndexFiles(const TableDescriptor& t) {
     return good ? wrong : "table: memory is short";
 }
 
-// The text is the lines of the fields, or the whole declaration of the row.
+// The text is the lines of the fields, or the whole declaration of the row. Names of columns that are no
+// identifiers stand in quotes there; the kinds are what counts here.
 bool AcceptTypeText(const TableDescriptor& t, std::string text) {
     const RecordDescriptor* const row = &RowShape(HeaderOf(t));
-    if (text.empty() || TypeInfoMatchesValue(text, row) == 0) return true;
+    const auto matches = [&] {
+        return TypeInfoMatchesValue(TypeInfoFixNames(text, MaxTypeInfoName), row) == 0;
+    };
+    if (text.empty() || matches()) return true;
     TypeInfoStripOuter(text, MaxTypeInfo);
-    return TypeInfoMatchesValue(text, row) == 0 || RefuseTable(ERR_TABLE_TYPE);
+    return matches() || RefuseTable(ERR_TABLE_TYPE);
 }
 
 std::string CheckTableFile(const TableDescriptor& t) {

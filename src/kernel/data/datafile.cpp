@@ -11,11 +11,8 @@
 #include "kernel/data/xml.h"
 #include "kernel/errors.h"
 #include "kernel/index_file.h"
-<<<<<<< HEAD
-#include "kernel/string_text.h"
-=======
 #include "kernel/rowformat.h"
->>>>>>> fixrow
+#include "kernel/string_text.h"
 #include "kernel/strings.h"
 #include "kernel/table_access.h"
 
