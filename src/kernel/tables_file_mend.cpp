@@ -214,10 +214,17 @@ bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
     return EqualValues(rows[0].get(), rows[1].get(), KindRecord);
 }
 
+// Nothing is mended for a table that cannot have its indexes. What mending the rows refuses is left to that.
+bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    if (!IsHeldInFile(rows) || !RowFileName(rows).empty()) return true;
+    return acceptFile(fileName) && AcceptIndexKeys(t) && AcceptIndexPlaces(fileName, IndexesOf(HeaderOf(t)));
+}
+
 bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result) {
     if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
-    if (!mendRows(rows, fileName, result.mended)) return false;
+    if (!acceptIndexes(t, fileName) || !mendRows(rows, fileName, result.mended)) return false;
     bool created = false;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
     if (!OpenRows(rows, fileName, text, created)) return false;
