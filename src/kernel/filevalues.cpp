@@ -5,7 +5,7 @@
 #include "kernel/rowfile_access.h"
 #include "kernel/string_text.h"
 #include "kernel/table_access.h"
-#include "kernel/tables_file.h"
+#include "kernel/tables_file_index.h"
 
 namespace tarn {
 
@@ -42,23 +42,38 @@ std::string typeTextOf(const TableDescriptor& t) {
     return std::string(NarrowText(&HeaderOf(t).typeInfo).view());
 }
 
+// Rows that no file can hold are told before keys that none can.
+bool acceptKeys(const TableDescriptor& t, std::string_view fileName) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    const bool xbase = RowFormatOf(fileName, rows.maxlength) == RowsXbase;
+    return (!xbase || AcceptXbaseRows(rows)) && AcceptIndexKeys(t);
+}
+
 // A table without rows needs no indexes to be read, so that it opens where nothing may be written.
 bool openIndexes(TableDescriptor& t, bool created) {
-    if (created) RemoveIndexFiles(RowFileName(HeaderOf(t).rows));
-    if (t.count > 0) return AcceptTableIndexes(t);
-    const bool writable = os::infoOf(std::string(RowFileName(HeaderOf(t).rows))).writable;
-    return (!created && !writable) || MakeTableIndexes(t);
+    const std::string file(RowFileName(HeaderOf(t).rows));
+    if (t.count == 0 && !created && !os::infoOf(file).writable) return true;
+    if (!AcceptIndexPlaces(file, IndexesOf(HeaderOf(t)))) return false;
+    if (created) RemoveIndexFiles(file);
+    return t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t);
+}
+
+// Where a link led to the name, the file was made where it leads.
+void removeMade(const std::string& fileName) {
+    std::string path;
+    if (os::files().resolve(fileName, path) == os::FileError::None) RemoveRows(path);
 }
 
 bool openTable(TableDescriptor& t, std::string_view fileName) {
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text = typeTextOf(t);
     bool created = false;
-    if (!AcceptFileName(fileName) || !AcceptTypeText(t, text) || !OpenRows(rows, fileName, text, created))
+    if (!AcceptFileName(fileName) || !AcceptTypeText(t, text) || !acceptKeys(t, fileName) ||
+        !AcceptRowPlace(fileName, IndexesOf(HeaderOf(t))) || !OpenRows(rows, fileName, text, created))
         return false;
     t.count = rows.count;
     if (openIndexes(t, created)) return true;
-    if (created) RemoveRows(std::string(fileName));
+    if (created) removeMade(std::string(fileName));
     DropRows(rows);
     t.count = 0;
     return false;

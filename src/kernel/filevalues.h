@@ -41,15 +41,16 @@ enum RowFormat : std::int32_t { RowsPlain = 3, RowsFixed = 4, RowsXbase = 5 };
 // 660 for a value that is held in memory or is no list or table; 764 for one that is open; 661 for an empty
 // name; 657 for one of 255 characters or more, with a NUL or without a file part; 762 for a type text that is
 // not that of the rows (an empty one is not looked at); 658 for rows that an Xbase file cannot hold; 660 for
-// rows that pack to nothing or to more than MostPackedBytes; 657 for a folder or a device; 655 for a size
-// that is not that of a header and whole rows, or does not hold the count; 658 for a file that is no Xbase
-// file or has other fields; 619 for more rows than the capacity; 656 for an index that is missing or too
-// short, unless there are no rows; 651 to 654. On any error the value is not open, and a file that was being
-// made is gone.
+// rows that pack to nothing or to more than MostPackedBytes, or an index whose key cannot be held in a file;
+// 657 for a folder or a device, or a name that belongs to one of the table's own indexes; 655 for a size that
+// is not that of a header and whole rows, or does not hold the count; 658 for a file that is no Xbase file or
+// has other fields; 619 for more rows than the capacity; 657 for an index that is a device or a pipe; 656
+// for an index that is missing or too short, unless there are no rows, or belongs to another table file; 651
+// to 654. On any error the value is not open, and a file that was being made is gone.
 //
 // A file that may only be read opens all the same. A byte 26 at the end of an Xbase file is cut off in the
-// end where that is allowed; rows are written over one that comes later. A new Xbase file has the names and types of a table's type text; a list's fields
-// of characters are FIELD1 and so on.
+// end where that is allowed; rows are written over one that comes later. A new Xbase file has the names and
+// types of a table's type text; a list's fields of characters are FIELD1 and so on.
 void FileOpen(void* value, Kind kind, std::string_view fileName);
 // Brings the files to the disk and blanks the name, also when the former fails (651 to 654). Nothing for a
 // value that is not open. (AdtFree does the same, without an error when the file is gone; it deletes a

@@ -5,6 +5,8 @@
 #include "kernel/fileerrors.h"
 #include "kernel/index_filedisk.h"
 #include "kernel/index_filelayout.h"
+#include "kernel/rowfile_names.h"
+#include "kernel/rowformat.h"
 #include "kernel/runtime.h"
 
 #include <cstring>
@@ -13,8 +15,6 @@
 namespace tarn {
 
 namespace {
-
-constexpr std::uint32_t usualMode = 0666;  // the user's mask takes its part away
 
 bool fail(std::int32_t code) {
     SetError(code);
@@ -46,14 +46,54 @@ std::string headerOf(std::string_view tableFile, std::string_view keyText) {
     return header;
 }
 
-// 0, or the code of what failed.
-std::int32_t writeNewFile(const std::string& path, std::string_view bytes) {
-    os::Handle handle = -1;
-    const os::FileError opened = os::files().open(path, os::OpenMode::Truncate, usualMode, handle);
-    if (opened != os::FileError::None) return FileWriteCode(opened);
-    const os::FileError written = os::files().write(handle, 0, bytes);
-    const os::FileError closed = os::files().close(handle);
-    return FileWriteCode(written != os::FileError::None ? written : closed);
+// The permissions of the table file, so that an index tells nobody more than the rows do; its owner may
+// always write. Where this user cannot give it to the other owner, the group alone may do.
+os::FileError takeOver(std::string_view tableFile, const std::string& path) {
+    constexpr std::uint32_t withoutRunning = 0666, own = 0600;
+    const os::FileInfo rows = os::infoOf(std::string(tableFile)), made = os::infoOf(path);
+    if (!rows.exists) return os::FileError::None;
+    const bool others = rows.owner != made.owner || rows.group != made.group;
+    if (others && os::files().setOwner(path, rows.owner, rows.group) != os::FileError::None)
+        (void)os::files().setOwner(path, made.owner, rows.group);
+    const std::uint32_t mode = (rows.mode & withoutRunning) | own;
+    return mode == made.mode ? os::FileError::None : os::files().setMode(path, mode);
+}
+
+// Beside what stands there, if anything does.
+os::FileError makeNewFile(const std::string& path, NewFile& made) {
+    const os::FileError error =
+        os::files().open(path, os::OpenMode::CreateNew, NewFile::usualMode, made.handle);
+    if (error == os::FileError::Exists) return MakeFileBeside(path, made);
+    if (error == os::FileError::None) made.path = path;
+    return error;
+}
+
+// Closes it.
+os::FileError fillNewFile(NewFile& made, std::string_view tableFile, std::string_view bytes) {
+    os::FileError error = os::files().write(made.handle, 0, bytes);
+    const os::FileError closed = made.close();
+    if (error == os::FileError::None) error = closed;
+    return error == os::FileError::None ? takeOver(tableFile, made.path) : error;
+}
+
+std::string headerIn(const std::string& path) {
+    std::string header(IndexHeaderBytes, '\0');
+    IndexDisk disk;
+    if (disk.open(path, os::OpenMode::Read) != 0 || disk.size() < IndexHeaderBytes) return {};
+    if (disk.read(0, header.data(), IndexHeaderBytes) != 0) return {};
+    return WordAt(header.data()) == IndexHeaderBytes ? header : std::string();
+}
+
+// A text in a header, up to its NUL.
+std::string textIn(const std::string& path, std::int32_t at, std::int32_t most) {
+    try {
+        const std::string header = headerIn(path);
+        if (header.empty()) return {};
+        const char* const text = header.data() + at;
+        return {text, ::strnlen(text, static_cast<std::size_t>(most))};
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
 }
 
 // 0, or the code of what failed. `before` becomes the name that stood there.
@@ -77,11 +117,19 @@ std::int32_t writeTableName(const std::string& path, const char* name, char* bef
 std::string IndexFileName(std::string_view tableFile, std::int32_t index) {
     const std::string_view name = fileNameOf(tableFile);
     const std::size_t folder = tableFile.size() - name.size(), point = name.rfind('.');
+    const bool scratch = IsScratchName(name);
     std::string path(
-        tableFile.substr(0, point == std::string_view::npos ? tableFile.size() : folder + point));
-    path += ".i";
+        tableFile.substr(0, scratch || point == std::string_view::npos ? tableFile.size() : folder + point));
+    if (!scratch) path += ".i";
     path += static_cast<char>('0' + index);
     return path;
+}
+
+std::string MarkedIndexName(std::string_view indexFile, std::string_view mark) {
+    std::string name(indexFile);
+    if (IsScratchName(name)) return name.insert(name.size() - 1, mark);
+    constexpr std::size_t extension = 2;
+    return name.replace(name.size() - extension, 1, mark);
 }
 
 std::int32_t IndexRecordSize(const KeyView& key) {
@@ -91,13 +139,29 @@ std::int32_t IndexRecordSize(const KeyView& key) {
 
 bool CreateIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText) {
     CloseKeptIndex();
-    std::int32_t code = ERR_OUT_OF_MEMORY;
+    NewFile made;
+    os::FileError error = os::FileError::None;
+    bool memory = true;
     try {
-        code = writeNewFile(path, headerOf(tableFile, keyText));
-        if (code == 0) return true;
-        os::files().remove(path);
-    } catch (const std::bad_alloc&) {}
-    return fail(code);
+        const std::string header = headerOf(tableFile, keyText);
+        error = makeNewFile(path, made);
+        if (error != os::FileError::None) return fail(FileWriteCode(error));
+        error = fillNewFile(made, tableFile, header);
+        if (error == os::FileError::None && made.path != path) error = os::files().rename(made.path, path);
+        if (error == os::FileError::None) {
+            made.path.clear();
+            return true;
+        }
+    } catch (const std::bad_alloc&) {
+        memory = false;
+    }
+    return fail(memory ? FileWriteCode(error) : std::int32_t{ERR_OUT_OF_MEMORY});
+}
+
+bool IsEmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText) {
+    const os::FileInfo info = os::infoOf(path);
+    return info.exists && !info.folder && !info.special && info.size == IndexHeaderBytes &&
+           headerIn(path) == headerOf(tableFile, keyText);
 }
 
 bool RenameIndexFile(const std::string& from, const std::string& to, std::string_view tableFile) {
@@ -117,16 +181,11 @@ bool RenameIndexFile(const std::string& from, const std::string& to, std::string
 }
 
 std::string IndexFileText(const std::string& path) {
-    char header[IndexHeaderBytes];
-    try {
-        IndexDisk disk;
-        if (disk.open(path, os::OpenMode::Read) != 0 || disk.size() < IndexHeaderBytes) return {};
-        if (disk.read(0, header, IndexHeaderBytes) != 0 || WordAt(header) != IndexHeaderBytes) return {};
-        const char* const text = header + IndexTextAt;
-        return {text, ::strnlen(text, MaxIndexText)};
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
+    return textIn(path, IndexTextAt, MaxIndexText);
+}
+
+std::string IndexTableName(const std::string& path) {
+    return textIn(path, IndexTableNameAt, MaxIndexTableName);
 }
 
 }  // namespace tarn

@@ -43,20 +43,29 @@ namespace tarn {
 inline constexpr std::int32_t IndexHeaderBytes = 1104, IndexNodeHeadBytes = 24, MaxIndexTableName = 40,
                               MaxIndexText = 1024, FreeNodeBalance = -999;
 
-// "folder/orders.tab" and 2: "folder/orders.i2". A name without an extension gets one.
+// "folder/orders.tab" and 2: "folder/orders.i2". A name without an extension gets one. The number of a
+// scratch file, whose extension begins with '~', stands behind that: "orders.~sv2", since orders.tab may have
+// indexes.
 std::string IndexFileName(std::string_view tableFile, std::int32_t index);
+// A file beside an index: "~n" and "orders.i2" give "orders.~n2", and "orders.~sv2" gives "orders.~sv~n2".
+std::string MarkedIndexName(std::string_view indexFile, std::string_view mark);
 // The bytes of a node record with a key of this shape; 0 for one that cannot stand in a file: a string
 // without a capacity, or more than MostPackedBytes (data/packing.h).
 std::int32_t IndexRecordSize(const KeyView& key);
 
-// Makes an empty index file, in the place of one that may be there. False, with the error set (652, 654,
-// 657), when that failed: no file is left then. Names and texts that are too long are cut, a text behind a
-// line.
+// Makes an empty index file, which takes the place of one that may be there: whole, and not written through
+// a link. It gets the permissions of the table file, and its owner where this user can give it away. False,
+// with the error set (652, 654, 657), when that failed: what stood there is as it was. Names and texts that
+// are too long are cut, a text behind a line.
 bool CreateIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText);
+// Whether a file is such as CreateIndexFile makes.
+bool IsEmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText);
 // Moves an index to the name that belongs to another table file, and writes that file's name into it.
 bool RenameIndexFile(const std::string& from, const std::string& to, std::string_view tableFile);
 // The text at offset 49; empty when the file is no index file.
 std::string IndexFileText(const std::string& path);
+// The name at offset 8; likewise.
+std::string IndexTableName(const std::string& path);
 
 struct KeyLayout;  // index_filelayout.h
 

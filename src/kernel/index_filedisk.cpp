@@ -19,6 +19,7 @@ struct KeptFile {
     os::OpenMode mode = os::OpenMode::Read;
     const os::FileSystem* system = nullptr;
     std::string path;
+    std::uint64_t device = 0, inode = 0;
 };
 
 KeptFile& kept() {
@@ -28,6 +29,12 @@ KeptFile& kept() {
 
 bool isKept(std::string_view path) {
     return kept().handle >= 0 && kept().system == &os::files() && kept().path == path;
+}
+
+// Whether its name still stands for it.
+bool isKeptThere() {
+    const os::FileInfo info = os::infoOf(kept().path);
+    return info.exists && info.device == kept().device && info.inode == kept().inode;
 }
 
 std::int32_t openCode(os::FileError error, os::OpenMode mode) {
@@ -42,10 +49,11 @@ void closeQuietly(os::Handle handle) noexcept {
     } catch (...) {}
 }
 
-bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path) noexcept {
+bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std::uint64_t device,
+              std::uint64_t inode) noexcept {
     CloseKeptIndex();
     try {
-        kept() = {handle, mode, &os::files(), path};
+        kept() = {handle, mode, &os::files(), path, device, inode};
     } catch (const std::bad_alloc&) {
         return false;
     }
@@ -67,7 +75,9 @@ void CloseKeptIndex(std::string_view path) {
 
 // Takes the file over that is kept, if it serves.
 std::int32_t IndexDisk::adopt() {
-    keeps_ = isKept(path_);
+    keeps_ = isKept(path_) && isKeptThere();
+    device_ = keeps_ ? kept().device : 0;
+    inode_ = keeps_ ? kept().inode : 0;
     if (keeps_ && (kept().mode == mode_ || kept().mode == os::OpenMode::ReadWrite)) {
         mode_ = kept().mode;
         handle_ = std::exchange(kept().handle, -1);
@@ -89,6 +99,13 @@ std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
     return code;
 }
 
+void IndexDisk::keep() {
+    const os::FileInfo info = os::infoOf(path_);
+    keeps_ = info.exists;
+    device_ = info.device;
+    inode_ = info.inode;
+}
+
 std::int32_t IndexDisk::reopen() {
     if (const std::int32_t code = adopt(); code != 0) return code;
     std::int64_t size = 0;
@@ -99,14 +116,14 @@ std::int32_t IndexDisk::reopen() {
 }
 
 IndexDisk::~IndexDisk() {
-    if (handle_ >= 0 && !(keeps_ && keepOpen(handle_, mode_, path_))) closeQuietly(handle_);
+    if (handle_ >= 0 && !(keeps_ && keepOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
 }
 
 std::int32_t IndexDisk::close() {
     inBuffer_ = 0;
     const os::Handle handle = std::exchange(handle_, -1);
     if (handle < 0) return 0;
-    if (keeps_ && keepOpen(handle, mode_, path_)) return 0;
+    if (keeps_ && keepOpen(handle, mode_, path_, device_, inode_)) return 0;
     if (mode_ != os::OpenMode::Read) return FileWriteCode(os::files().close(handle));
     closeQuietly(handle);
     return 0;

@@ -6,8 +6,9 @@
 // files include this. Results are error codes, 0 for success: 653 no such file, 651 and 652 it cannot be
 // read or written, 654 the disk is full, 657 a name that is not allowed, 802 memory is short.
 //
-// One file may be kept open from one operation to the next: it is taken over when a file of its name is
-// opened, given back when that is closed, and closed when another is opened.
+// One file may be kept open from one operation to the next: it is taken over when it is opened again, given
+// back when that is closed, and closed when another is opened. Its name may have come to stand for another
+// file, as the current folder or the name of a file can change; then the one that is there now is opened.
 #pragma once
 
 #include "os/files.h"
@@ -44,9 +45,7 @@ public:
         return handle_ >= 0;
     }
     std::int32_t close();
-    void keep() {
-        keeps_ = true;
-    }  // open for the next operation, too
+    void keep();  // open for the next operation, too
 
     [[nodiscard]] std::int64_t size() const {
         return size_;
@@ -83,6 +82,7 @@ private:
     os::Handle handle_ = -1;
     os::OpenMode mode_ = os::OpenMode::Read;
     bool keeps_ = false;
+    std::uint64_t device_ = 0, inode_ = 0;  // of a file that is kept
     std::string path_;
     std::int64_t size_ = 0, sizeBefore_ = 0;
     std::vector<Change> changes_;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files beside a file of rows. Only the modules of rowfile.h include this.
+// Files beside a file of rows or an index. Only the modules of rowfile.h and index_file.h include this.
 #pragma once
 
 #include "os/files.h"

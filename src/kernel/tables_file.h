@@ -18,14 +18,22 @@
 
 namespace tarn {
 
-// Makes the files of all indexes, empty, in the place of what may be there; for a row file that was just made
-// or has no rows. When one of them cannot be made, those that were made are gone again. 651, 652, 654, 657.
+// Makes the files of all indexes, empty; what stood in their places has stepped aside. When one of them
+// cannot be made, those that were made are gone again. 652, 654, 657.
 bool MakeTableIndexes(TableDescriptor& t);
+// For a row file that was just made or has no rows: empty indexes. What stands in their places steps aside
+// and is gone when all are made; it is back when one cannot be. Indexes that are as they should be are not
+// touched, so that the folder need not be one that can be written. 652, 654, 657, 656 for the index of
+// another table.
+bool StartTableIndexes(TableDescriptor& t);
 // For a row file with rows: every index must be there, its size that of whole nodes, and not too short for
-// the rows: 656. Only reads, so that tables in folders that cannot be written open too. 651.
+// the rows, and must not name another table file that stands beside: 656. A copy under another name still
+// names the file of which it is one, and serves when that is not there. Only reads, so that tables in folders
+// that cannot be written open too. 651.
 bool AcceptTableIndexes(TableDescriptor& t);
-// Deletes whatever stands under the names of the five possible indexes of this row file. Sets no error: what
-// is not there need not be deleted, and what cannot be deleted is found when an index is made.
+// Deletes what stands under the names of the five possible indexes of this row file, but the row file itself
+// and the indexes of another table file beside. Sets no error: what is not there need not be deleted, and
+// what cannot be deleted is found when an index is made.
 void RemoveIndexFiles(std::string_view tableFile);
 // Brings the index files to the disk; called before the name is blanked. 651, 652, 653, 654.
 bool SyncTableIndexes(const TableDescriptor& t);

@@ -40,6 +40,14 @@ std::string IndexKeyText(const TableDescriptor& t, std::int32_t index) {
     return text.empty() ? textOfKinds(HeaderOf(t), index) : text;
 }
 
+bool AcceptIndexKeys(const TableDescriptor& t) {
+    const TableHeader& header = HeaderOf(t);
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        if (IndexRecordSize(IndexKeyShape(header, i)) == 0) return RefuseTable(ERR_TYPE_NOT_STORABLE);
+    }
+    return true;
+}
+
 // ---- entries ----
 
 bool RefuseTree(const FileTree& tree) {
@@ -124,13 +132,6 @@ void IndexChanges::revert() {
 
 namespace {
 
-// "orders.i2" with a mark behind the dot.
-std::string markedName(std::string_view tableFile, std::int32_t index, std::string_view mark) {
-    std::string name = IndexFileName(tableFile, index + 1);
-    constexpr std::size_t extension = 2;
-    return name.replace(name.size() - extension, 1, mark);
-}
-
 void removeFile(const std::string& path) {
     os::files().remove(path);
 }
@@ -151,14 +152,20 @@ std::string IndexExchange::name(std::int32_t index) const {
     return IndexFileName(file_, index + 1);
 }
 std::string IndexExchange::asideName(std::int32_t index) const {
-    return markedName(file_, index, "~i");
+    return MarkedIndexName(name(index), "~i");
 }
 std::string IndexExchange::newName(std::int32_t index) const {
-    return markedName(file_, index, "~n");
+    return MarkedIndexName(name(index), "~n");
 }
 
+// A folder stays where it is, as it could not be removed later.
 bool IndexExchange::setAside() {
-    for (aside_ = 0; aside_ < count_; ++aside_) {
+    aside_ = 0;
+    if (!AcceptIndexPlaces(file_, count_)) return false;
+    for (std::int32_t i = 0; i < count_; ++i) {
+        if (os::infoOf(name(i)).folder) return RefuseTable(FileWriteCode(os::FileError::IsFolder));
+    }
+    for (; aside_ < count_; ++aside_) {
         CloseKeptIndex(name(aside_));
         const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
         there_[aside_] = error == os::FileError::None;
@@ -207,13 +214,25 @@ bool MakeTableIndexes(TableDescriptor& t) {
     return true;
 }
 
+bool StartTableIndexes(TableDescriptor& t) {
+    const std::string file(RowFileName(HeaderOf(t).rows));
+    bool good = true;
+    for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i)
+        good = IsEmptyIndexFile(IndexFileName(file, i + 1), file, IndexKeyText(t, i));
+    if (good) return true;
+    IndexExchange exchange(t);
+    if (!exchange.setAside() || !MakeTableIndexes(t)) return false;
+    exchange.drop();
+    return true;
+}
+
 std::int32_t IndexSizeError(const std::string& path, std::int32_t recordSize, std::int32_t rows) {
     os::FileInfo info;
     const os::FileError error = os::files().info(path, info);
     if (error != os::FileError::None) return FileReadCode(error);
     const std::int64_t nodes = info.size - IndexHeaderBytes;
-    const bool good =
-        info.exists && !info.folder && nodes >= 0 && nodes % recordSize == 0 && nodes / recordSize >= rows;
+    const bool good = info.exists && !info.folder && !info.special && nodes >= 0 && nodes % recordSize == 0 &&
+                      nodes / recordSize >= rows;
     return good ? 0 : std::int32_t{ERR_INDEX_FILE_SIZE};
 }
 
@@ -222,20 +241,12 @@ bool AcceptTableIndexes(TableDescriptor& t) {
     const std::string file(RowFileName(header.rows));
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         const std::int32_t recordSize = IndexRecordSize(IndexKeyShape(header, i));
-        const std::int32_t error = IndexSizeError(IndexFileName(file, i + 1), recordSize, header.rows.count);
+        const std::string path = IndexFileName(file, i + 1);
+        const std::int32_t error = IndexSizeError(path, recordSize, header.rows.count);
         if (error != 0) return RefuseTable(error);
+        if (NamesOtherTable(path, file)) return RefuseTable(ERR_INDEX_FILE_SIZE);
     }
     return true;
-}
-
-void RemoveIndexFiles(std::string_view tableFile) {
-    for (std::int32_t i = 0; i < MaxIndexes; ++i) {
-        const std::string name = IndexFileName(tableFile, i + 1);
-        CloseKeptIndex(name);
-        removeFile(name);
-        removeFile(markedName(tableFile, i, "~i"));
-        removeFile(markedName(tableFile, i, "~n"));
-    }
 }
 
 namespace {

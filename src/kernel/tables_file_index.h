@@ -19,6 +19,8 @@ namespace tarn {
 // The keys of an index in its shape; the text of the key fields that its file holds.
 KeyView IndexKeyShape(const TableHeader& header, std::int32_t index);
 std::string IndexKeyText(const TableDescriptor& t, std::int32_t index);
+// 660 for a key that cannot stand in a file: one with a string without a capacity, or of too many bytes.
+bool AcceptIndexKeys(const TableDescriptor& t);
 // 0, or the code of what is wrong with the size of an index file: 656, 651.
 std::int32_t IndexSizeError(const std::string& path, std::int32_t recordSize, std::int32_t rows);
 
@@ -37,6 +39,18 @@ public:
 private:
     std::int32_t pending_;
 };
+
+// ---- places ----
+
+// Whether a table of this file may have that many indexes where they belong: 657 when one of the names that
+// belong to its indexes is the file itself, or a pipe or device stands at an index's place; 656 when the
+// index of another table file that stands beside does (orders.tab and orders.txt have the same names of
+// indexes). Nothing for a table without indexes.
+bool AcceptIndexPlaces(std::string_view tableFile, std::int32_t indexes);
+// The first of these alone.
+bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes);
+// Whether an index file names another table file, which stands beside this one.
+bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
 
 // "" or what is wrong with the indexes of an open table. Sets no error.
 std::string CheckIndexFiles(const TableDescriptor& t);

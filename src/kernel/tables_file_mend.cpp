@@ -222,11 +222,18 @@ bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
     return EqualValues(rows[0].get(), rows[1].get(), KindRecord);
 }
 
+// Nothing is mended for a table that cannot have its indexes. What mending the rows refuses is left to that.
+bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    if (!IsHeldInFile(rows) || !RowFileName(rows).empty()) return true;
+    return acceptFile(fileName) && AcceptIndexKeys(t) && AcceptIndexPlaces(fileName, IndexesOf(HeaderOf(t)));
+}
+
 bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result) {
     if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
-    if (!acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
+    if (!acceptIndexes(t, fileName) || !acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
         !mendRows(rows, fileName, result.mended))
         return false;
     bool created = false;

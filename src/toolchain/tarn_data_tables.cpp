@@ -233,9 +233,7 @@ IndexNumbers countNodes(const IndexFile& index) {
 }
 
 std::string asideName(const std::string& indexFile) {
-    constexpr std::size_t extension = 2;
-    std::string name = indexFile;
-    return name.replace(name.size() - extension, 1, "~i");
+    return MarkedIndexName(indexFile, "~i");
 }
 
 namespace {

@@ -10,7 +10,7 @@
 #include "kernel/records.h"
 #include "kernel/runtime.h"
 #include "kernel/tables.h"
-#include "kernel/tables_file.h"
+#include "kernel/tables_file_index.h"
 #include "os/save_parts.h"
 #include "toolchain/tarn_data_load.h"
 #include "toolchain/tarn_data_save.h"
@@ -170,6 +170,7 @@ Problem NewTable::makeIndexes() {
 Problem NewTable::takePlace() {
     os::FileError error = os::FileError::None;
     if (stopSignal() != 0) return stoppedAhead(target_.file);
+    if (!AcceptIndexPlaces(place_.path, static_cast<std::int32_t>(keys_.size()))) return failed();
     if (place_.info.exists) error = os::takeOver(place_.info, path_);
     if (error != os::FileError::None) return failed(error);
     RemoveIndexFiles(place_.path);

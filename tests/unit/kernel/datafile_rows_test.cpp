@@ -345,7 +345,7 @@ TEST_F(DataRows, AScratchFileOfATableIsLoadedLikeAnyOther) {
     files_.put("/d/in", csv);
     EXPECT_EQ(load(file, "/d/in", FormatComma).code, 0);
     EXPECT_EQ(shown(file), inOrder);
-    EXPECT_EQ(files_.allFiles(), (std::vector<std::string>{"/d/in", "/d/rows.i1", "/d/rows.~ab"}));
+    EXPECT_EQ(files_.allFiles(), (std::vector<std::string>{"/d/in", "/d/rows.~ab", "/d/rows.~ab1"}));
     AdtFree(file.get(), KindTable);
     EXPECT_EQ(files_.allFiles(), (std::vector<std::string>{"/d/in"}));
 }

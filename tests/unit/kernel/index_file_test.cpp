@@ -49,8 +49,11 @@ TEST_F(IndexFiles, TheNameIsTheTablesWithTheNumberInItsExtension) {
         {"orders", 5, "orders.i5"},           {"a.b/orders", 3, "a.b/orders.i3"},
         {"a.b\\orders", 3, "a.b\\orders.i3"}, {"orders.old.tab", 4, "orders.old.i4"},
         {"orders.", 1, "orders.i1"},          {".tab", 1, ".i1"},
+        {"d/orders.~sv", 2, "d/orders.~sv2"}, {"orders.~", 1, "orders.~1"},
     };
     for (const Case& c : cases) EXPECT_EQ(IndexFileName(c.table, c.index), c.name);
+    EXPECT_EQ(MarkedIndexName("a.b/orders.i2", "~n"), "a.b/orders.~n2");
+    EXPECT_EQ(MarkedIndexName("a.b/orders.~sv2", "~n"), "a.b/orders.~sv~n2");
 }
 
 TEST_F(IndexFiles, ARecordIsTheHeadAndThePackedKey) {
@@ -810,6 +813,35 @@ TEST_F(IndexFiles, WhatChangesIsWrittenOnce) {
     EXPECT_EQ(disk.log(), (std::vector<std::string>{"open /d/t.i1 change", "close"}));
 }
 
+// ---- a file that is kept open ----
+
+TEST_F(IndexFiles, AKeptFileIsTheOneThatItsNameStandsForNow) {
+    disk.putFolder("/p");
+    disk.putFolder("/q");
+    const RecordValue key = recordOf({integer(5)});
+    for (const char* folder : {"/p/", "/q/"})
+        EXPECT_TRUE(CreateIndexFile(std::string(folder) + "a.i1", "a.tab", ""));
+    const IndexBlock relative = IndexFileBlock("a.i1", key.get());
+    const auto sizeIn = [&](const char* folder) {
+        return disk.contents(std::string(folder) + "a.i1").size();
+    };
+    disk.setCurrentFolder("/p");
+    IndexOpen(&root, relative, key.get());
+    disk.setCurrentFolder("/q");
+    EXPECT_EQ(IndexInsert(&root, relative, key.get(), 1), 0);
+    EXPECT_EQ(sizeIn("/p/"), 1104U);
+    EXPECT_EQ(sizeIn("/q/"), 1104U + 28);
+    IndexOpen(&root, relative, key.get());
+    disk.put("/q/n", disk.contents("/p/a.i1"));
+    disk.rename("/q/n", "/q/a.i1");
+    EXPECT_EQ(IndexInsert(&root, relative, key.get(), 1), 0);
+    EXPECT_EQ(sizeIn("/q/"), 1104U + 28);
+    EXPECT_EQ(IndexCount(&root, relative), 1);
+    IndexClose(relative);
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(disk.openHandles(), 0);
+}
+
 // ---- renaming ----
 
 TEST_F(IndexFiles, RenamingWritesTheOtherTablesName) {
@@ -855,6 +887,17 @@ TEST_F(IndexFiles, AFileThatCannotBeMadeIsNotThere) {
         EXPECT_EQ(disk.openHandles(), 0);
     }
     EXPECT_EQ(failures, 3);  // open, write, close
+    const std::string whole = bytes();
+    disk.put(path, "old");
+    for (failures = 0;; ++failures) {
+        disk.failAt(failures + 1, FileError::DiskFull);
+        if (CreateIndexFile(path, "t.tab", "")) break;
+        EXPECT_EQ(takeError(), 654);
+        EXPECT_EQ(bytes(), "old");
+    }
+    EXPECT_EQ(failures, 5);  // two opened, write, close, rename
+    EXPECT_TRUE(bytes() == whole);
+    EXPECT_EQ(disk.allFiles(), std::vector<std::string>{path});
     disk.stopFailing();
     EXPECT_FALSE(CreateIndexFile("/none/t.i1", "t.tab", ""));
     EXPECT_EQ(takeError(), 652);

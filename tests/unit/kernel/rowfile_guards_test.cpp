@@ -400,7 +400,7 @@ TEST_F(GuardedLists, AnXbaseFileThatIsSavedOntoItselfTakesRows) {
     const TabResult saved = SaveValue("/d/a.dbf", FormatXbase, DefaultTabOptions(FormatComma), 0, l.get(),
                                       KindList, "delete_flag : Tchar\nNAME : Tchars[1:3]\n");
     EXPECT_EQ(saved.code, 0);
-    EXPECT_EQ(bytesOf("/d/a.dbf").back(), '\x1A');
+    EXPECT_NE(bytesOf("/d/a.dbf").back(), '\x1A');
     appendXbase(l, "cid");
     EXPECT_EQ(takeError(), 0);
     EXPECT_EQ(bytesOf("/d/a.dbf").substr(65), " ann bob cid");

@@ -312,12 +312,13 @@ TEST_F(FileTableCopies, TheEndOfAValueClosesItsFilesAndKeepsThem) {
 }
 
 TEST_F(FileTableCopies, TheEndOfAValueDeletesScratchFiles) {
-    files().put("/d/w.i3", "of another table");
+    files().put("/d/w.i3", "of w.tab");
+    files().put("/d/w.~ab3", "of older rows");
     table = tableOf("/d/w.~ab", someRows(1, 3));
     files().put("/d/a.tab", "x");
-    EXPECT_EQ(names(), (Names{"a.tab", "w.i1", "w.i2", "w.~ab"}));
+    EXPECT_EQ(names(), (Names{"a.tab", "w.i3", "w.~ab", "w.~ab1", "w.~ab2"}));
     table = TableValue();
-    EXPECT_EQ(names(), (Names{"a.tab"}));
+    EXPECT_EQ(names(), (Names{"a.tab", "w.i3"}));
 }
 
 TEST_F(FileTableCopies, TheEndOfAValueWhoseFilesAreGoneIsQuiet) {

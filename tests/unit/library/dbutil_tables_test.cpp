@@ -90,10 +90,10 @@ struct Form {
     const char *file, *scratch, *index, *text, *saved;
 };
 constexpr Form forms[] = {
-    {"f.csv", "f.~sv", "f.i1", "1,Ada\n2,Bob\n", "1,Ada\n2,Bob\n3,Cy\n"},
-    {"f.TAB", "f.~AB", "f.i1", "number\tname\n------\t----\n1\tAda\n2\tBob\n",
+    {"f.csv", "f.~sv", "f.~sv1", "1,Ada\n2,Bob\n", "1,Ada\n2,Bob\n3,Cy\n"},
+    {"f.TAB", "f.~AB", "f.~AB1", "number\tname\n------\t----\n1\tAda\n2\tBob\n",
      "number\tname\n------\t----\n1\tAda\n2\tBob\n3\tCy\n"},
-    {"f.xml", "f.~ml", "f.i1",
+    {"f.xml", "f.~ml", "f.~ml1",
      "<T><r><number>1</number><name>Ada</name></r><r><number>2</number><name>Bob</name></r></T>", nullptr},
 };
 
@@ -156,7 +156,7 @@ TEST_F(TableFiles, TheSeparatorOfTheOptionsCounts) {
 TEST_F(TableFiles, AnOlderScratchFileIsDeletedFirst) {
     files_.put("/d/f.csv", "1,Ada\n");
     files_.put("/d/f.~sv", "left behind");
-    files_.put("/d/f.i1", "left behind");
+    files_.put("/d/f.~sv1", "left behind");
     TABOPEN("/d/f.csv", nullptr, make(columns));
     EXPECT_EQ(takeError(), 0);
     EXPECT_EQ(TableCount(table_.get()), 1);
