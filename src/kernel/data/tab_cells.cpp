@@ -2,6 +2,7 @@
 //
 // Cells straight to fields. Short numbers are read here, longer and odder ones by the readers of numbers;
 // both give the same results.
+#include "kernel/data/short_number.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/errors.h"
@@ -36,16 +37,9 @@ bool isNull(std::string_view cell) {
 
 // ---- numbers ----
 
-// A number of few digits as a whole number and how many of its digits are decimals.
-struct ShortNumber {
-    std::int64_t digits = 0;
-    std::int32_t decimals = 0;
-    bool negative = false;
-};
-
 // False for what has another form, or digits that are more than a real holds exactly.
 bool readShort(std::string_view text, ShortNumber& number) {
-    constexpr std::size_t most = 15;
+    constexpr std::size_t most = MostShortDigits;
     const char* at = text.data();
     const char* const end = at + text.size();
     number.negative = at != end && *at == '-';
@@ -65,23 +59,6 @@ bool readShort(std::string_view text, ShortNumber& number) {
     }
     return at == end;
 }
-
-constexpr std::int64_t powersOfTen[] = {1,
-                                        10,
-                                        100,
-                                        1000,
-                                        10000,
-                                        100000,
-                                        1000000,
-                                        10000000,
-                                        100000000,
-                                        1000000000,
-                                        10000000000,
-                                        100000000000,
-                                        1000000000000,
-                                        10000000000000,
-                                        100000000000000,
-                                        1000000000000000};
 
 bool readInteger(std::string_view text, char* at) {
     std::int32_t value = 0;
@@ -107,32 +84,22 @@ bool readBoolean(std::string_view text, char* at) {
 }
 
 bool readFixed(std::string_view text, char* at) {
-    constexpr std::int32_t ownDecimals = 4;
     ShortNumber number;
     Fixed value = 0;
-    bool ok = readShort(text, number);
-    const std::int64_t scale = powersOfTen[std::max(ownDecimals - number.decimals, 0)];
-    if (ok && number.decimals <= ownDecimals && number.digits <= INT64_MAX / scale) {
-        value = number.digits * scale;
-        if (number.negative) value = -value;
-    } else {
-        FixedFromText(text, value, ok);
-    }
+    bool ok = readShort(text, number) && FixedOfShort(number, value);
+    if (!ok) FixedFromText(text, value, ok);
     if (ok) WriteAt(at, value);
     return ok;
 }
 
-// The quotient of two whole numbers that a real holds exactly is rounded once, as the reader of reals does.
 bool readReal(std::string_view text, char* at) {
     ShortNumber number;
     double value = 0;
     bool ok = readShort(text, number);
-    if (ok) {
-        value = static_cast<double>(number.digits) / static_cast<double>(powersOfTen[number.decimals]);
-        if (number.negative) value = -value;
-    } else {
+    if (ok)
+        value = RealOfShort(number);
+    else
         RealFromText(text, value, ok);
-    }
     if (ok) WriteAt(at, value);
     return ok;
 }

@@ -2,6 +2,7 @@
 //
 // Numbers of few digits are read here, longer and odder ones by the readers of numbers; both give the same
 // results. Bytes 0 around a number count as blanks.
+#include "kernel/data/short_number.h"
 #include "kernel/data/xbase_access.h"
 #include "kernel/fixed.h"
 
@@ -14,8 +15,6 @@ namespace tarn {
 
 namespace {
 
-constexpr std::int32_t fixedDecimals = 4;
-
 // ---- reading ----
 
 std::string_view withoutFill(std::string_view text) {
@@ -27,16 +26,9 @@ constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// A number as a whole number and how many of its digits are decimals.
-struct ShortNumber {
-    std::int64_t digits = 0;
-    std::int32_t decimals = 0;
-    bool negative = false;
-};
-
 // False for what has another form, or digits that are more than a real holds exactly.
 bool readShort(std::string_view text, ShortNumber& number) {
-    constexpr int most = 15;
+    constexpr int most = MostShortDigits;
     const char* at = text.data();
     const char* const end = at + text.size();
     if (at != end && (*at == '-' || *at == '+')) number.negative = *at++ == '-';
@@ -53,23 +45,6 @@ bool readShort(std::string_view text, ShortNumber& number) {
     number.decimals = point == nullptr ? 0 : static_cast<std::int32_t>(end - point) - 1;
     return digits > 0;
 }
-
-constexpr std::int64_t powersOfTen[] = {1,
-                                        10,
-                                        100,
-                                        1000,
-                                        10000,
-                                        100000,
-                                        1000000,
-                                        10000000,
-                                        100000000,
-                                        1000000000,
-                                        10000000000,
-                                        100000000000,
-                                        1000000000000,
-                                        10000000000000,
-                                        100000000000000,
-                                        1000000000000000};
 
 // An integer may have decimals that are all 0, and any number of zeros in front.
 bool readInteger(std::string_view text, std::int64_t lowest, std::int64_t highest, std::int32_t& value) {
@@ -95,28 +70,20 @@ bool readInteger(std::string_view text, std::int64_t lowest, std::int64_t highes
 bool readFixed(std::string_view text, char* at) {
     ShortNumber number;
     Fixed value = 0;
-    bool ok = readShort(text, number);
-    if (ok && number.decimals <= fixedDecimals) {
-        value = number.digits * powersOfTen[fixedDecimals - number.decimals];
-        if (number.negative) value = -value;
-    } else {
-        FixedFromText(text, value, ok);
-    }
+    bool ok = readShort(text, number) && FixedOfShort(number, value);
+    if (!ok) FixedFromText(text, value, ok);
     if (ok) WriteAt(at, value);
     return ok;
 }
 
-// The quotient of two whole numbers that a real holds exactly is rounded once, as the reader of reals does.
 bool readReal(std::string_view text, char* at) {
     ShortNumber number;
     double value = 0;
     bool ok = readShort(text, number);
-    if (ok) {
-        value = static_cast<double>(number.digits) / static_cast<double>(powersOfTen[number.decimals]);
-        if (number.negative) value = -value;
-    } else {
+    if (ok)
+        value = RealOfShort(number);
+    else
         RealFromText(text, value, ok);
-    }
     if (ok) WriteAt(at, value);
     return ok;
 }
@@ -168,7 +135,8 @@ private:
 // 0. One that is 0 then has no sign.
 bool writeScaled(std::uint64_t magnitude, bool negative, std::int32_t own, std::int32_t decimals, char* field,
                  std::int32_t length) {
-    const auto unit = static_cast<std::uint64_t>(powersOfTen[std::max(own - decimals, 0)]);
+    const auto unit =
+        static_cast<std::uint64_t>(PowersOfTen[static_cast<std::size_t>(std::max(own - decimals, 0))]);
     std::uint64_t number = (magnitude + unit / 2) / unit;
     const bool sign = negative && number != 0;
     Backwards out(field, length);
@@ -203,7 +171,7 @@ bool writeNumber(const char* at, Kind kind, std::int32_t decimals, char* field, 
     else
         value = kind == KindInteger ? ReadAt<std::int32_t>(at) : ReadAt<std::uint8_t>(at);
     const auto bits = static_cast<std::uint64_t>(value);
-    return writeScaled(value < 0 ? 0 - bits : bits, value < 0, kind == KindFixed ? fixedDecimals : 0,
+    return writeScaled(value < 0 ? 0 - bits : bits, value < 0, kind == KindFixed ? FixedDecimals : 0,
                        decimals, field, length);
 }
 
