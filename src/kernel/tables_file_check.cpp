@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Whether the files of a table fit each other and its declaration.
 #include "kernel/adt_kinds.h"
 #include "kernel/data/datafile.h"
 #include "kernel/data/typeinfo.h"

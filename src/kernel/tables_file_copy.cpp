@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Copies of tables of which one stands in a file: made beside the target, which they replace by renaming.
 #include "kernel/errors.h"
 #include "kernel/rowfile.h"
 #include "kernel/tables_file_fill.h"

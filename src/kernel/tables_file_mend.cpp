@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Mending the files of a list or table after a death: a noted row, a torn tail, the count, then the indexes.
 #include "kernel/adt_kinds.h"
 #include "kernel/errors.h"
 #include "kernel/owned.h"

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Whether the files of a table may stand where their names say: an index must not be the file of rows, nor
+// belong to another table.
 #include "kernel/ascii.h"
 #include "kernel/errors.h"
 #include "kernel/index_filedisk.h"

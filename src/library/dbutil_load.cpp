@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// A data file as a table in memory, for the windows that show it.
 #include "library/dbutil_windows.h"
 
 #include "kernel/data/typeinfo.h"

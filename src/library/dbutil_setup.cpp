@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The window with the settings of a delimited text file.
 #include "kernel/tables.h"
 #include "library/dbutil.h"
 #include "library/dbutil_grid.h"

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The window with the rows of a table.
 #include "kernel/tables.h"
 #include "library/dbutil_grid.h"
 #include "library/dbutil_layout.h"

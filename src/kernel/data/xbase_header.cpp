@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Headers of Xbase files, from their bytes.
 #include "kernel/data/datafile.h"
 #include "kernel/data/xbase_access.h"
 #include "kernel/runtime.h"

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Rows of Xbase files, to values and back.
 #include "kernel/arrays.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/xbase_access.h"
