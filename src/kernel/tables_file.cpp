@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Operations on tables whose rows stand in a file. All indexes are prepared in memory first; then the rows are
-// written, then the indexes.
+// Operations on tables whose rows stand in a file. All indexes are prepared in memory first; then the rows
+// are written, then the indexes.
 #include "kernel/tables_ops.h"
 
 #include "kernel/adt_kinds.h"
