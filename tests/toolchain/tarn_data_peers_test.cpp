@@ -150,5 +150,14 @@ TEST_F(Peers, WhatIsWellFormedIsJudgedAsByExpat) {
     EXPECT_EQ(output, expected);
 }
 
+TEST_F(Peers, TheRowsOfRandomDocumentsAreThoseOfExpat) {
+    ASSERT_EQ(python("xml_corpus.py", "write 200"), 0) << errors;
+    ASSERT_EQ(
+        shell("for n in $(seq 0 199); do " + program() + " convert --text d$n.xml o$n.xml || exit 1; done"),
+        0)
+        << errors;
+    EXPECT_EQ(python("xml_corpus.py", "compare 200"), 0) << errors;
+}
+
 }  // namespace
 }  // namespace tarn::data

@@ -21,7 +21,8 @@ bool expectString(XmlReader& reader) {
 
 // `<?xml` is the declaration only where its name ends there.
 bool isInstruction() {
-    return isSymbol(XmlInstruction) || (isSymbol(XmlDeclaration) && XmlIsNamePart(ScannerChar()));
+    return isSymbol(XmlInstruction) ||
+           (isSymbol(XmlDeclaration) && XmlIsNamePart(static_cast<char>(ScannerChar())));
 }
 
 void skipTo(XmlReader& reader, std::string_view mark) {
