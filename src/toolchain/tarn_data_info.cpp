@@ -61,8 +61,11 @@ std::string formText(const Source& source) {
 
 int infoText(const std::string& file, const Arguments& arguments) {
     Source source;
-    const Problem problem = identify(file, arguments, false, source);
+    Problem problem = identify(file, arguments, false, source);
+    if (!problem.any()) problem = keepDigits(source);
     if (problem.any()) return tell(problem);
+    const Problem gap = checkEmptyLine(source);
+    if (gap.any()) note(gap.what + " Only rows ahead of it are counted.");
     const std::string columns = arguments.text ? textColumns(source.columns) : source.columns;
     return print(line("file", file) + line("type", formText(source)) +
                  line("rows", rowsText(source, arguments)) +

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The tags of a well-formed file, and nothing else of it: what stands in comments, CDATA sections, processing
-// instructions and the internal subset is passed over.
+// instructions and the internal subset is passed over, and so is a '<' that begins none of these.
 #include "kernel/data/xml_order.h"
 
 #include "kernel/data/progress.h"
+#include "kernel/data/xml_reader.h"
 #include "os/files.h"
 
 #include <algorithm>
@@ -37,12 +38,18 @@ public:
                 passDeclaration();
                 continue;
             }
-            read(tag);
-            return true;
+            if (beginsTag()) {
+                read(tag);
+                return true;
+            }
+            pass(1);
         }
     }
 
 private:
+    [[nodiscard]] bool beginsTag() const {
+        return rest_.size() > 1 && (rest_[1] == '/' || XmlIsNameStart(rest_[1]));
+    }
     void pass(std::size_t bytes) {
         bytes = std::min(bytes, rest_.size());
         line_ += static_cast<std::size_t>(
@@ -104,11 +111,14 @@ private:
     std::size_t line_ = 1;
 };
 
+constexpr const char* completeRows =
+    "Every row must have the same fields in one order; write an empty one for what is missing.";
+
 // Follows the rows: elements whose attributes, or own children, are the columns.
 class Order {
 public:
-    Order(const std::string& file, const std::vector<std::string>& columns, std::int32_t rowDepth)
-        : file_(file), columns_(columns), rowDepth_(rowDepth) {}
+    Order(const std::string& file, const std::vector<std::string>& columns, const XmlRows& rows)
+        : file_(file), columns_(columns), rowDepth_(rows.depth), whole_(rows.form == XmlRows::Form::Rows) {}
 
     // False, and the result has a message, when something is out of place.
     bool take(const Tag& tag) {
@@ -119,6 +129,7 @@ public:
             if (depth_ == rowDepth_ + 1) good = element(tag);
         }
         if (tag.end && depth_ == rowDepth_) good = close();
+        if (good && tag.end && depth_ == rowDepth_) noteMissing();
         if (tag.end) --depth_;
         return good;
     }
@@ -136,6 +147,13 @@ private:
         return std::all_of(row_.attributes.begin(), row_.attributes.end(),
                            [&](const std::string& name) { return field(row_, "attribute", name); });
     }
+    // Of the row that was closed.
+    void noteMissing() {
+        const bool value = row_.attributes.size() == 1 && columns_.size() == 1;
+        if (!whole_ || value || next_ >= columns_.size() || !result.missing.empty()) return;
+        result.missing = place(row_) + "the row has no '" + columns_[next_] + "'.";
+        result.advice = completeRows;
+    }
     bool element(const Tag& tag) {
         if (row_.attributes.empty()) return field(tag, "element", tag.name);
         return fault(tag, "element", tag.name, "stands in a row that has data in attributes, too.",
@@ -143,14 +161,14 @@ private:
     }
     bool field(const Tag& tag, const char* what, std::string_view name) {
         if (next_ < columns_.size() && columns_[next_++] == name) return true;
-        return fault(
-            tag, what, name, "does not stand in the place of its column.",
-            "Every row must have the same fields in one order; write an empty one for what is missing.");
+        return fault(tag, what, name, "does not stand in the place of its column.", completeRows);
+    }
+    [[nodiscard]] std::string place(const Tag& tag) const {
+        return "File '" + file_ + "' line " + std::to_string(tag.line) + ": ";
     }
     bool fault(const Tag& tag, const char* what, std::string_view name, const char* message,
                const char* advice) {
-        result.message = "File '" + file_ + "' line " + std::to_string(tag.line) + ": " + what + " '" +
-                         std::string(name) + "' " + message;
+        result.message = place(tag) + what + " '" + std::string(name) + "' " + message;
         result.advice = advice;
         return false;
     }
@@ -158,6 +176,7 @@ private:
     const std::string& file_;
     const std::vector<std::string>& columns_;
     std::int32_t rowDepth_, depth_ = 0;
+    bool whole_;  // a row has all columns; the only one of a file has those that it has
     std::size_t next_ = 0;
     Tag row_;  // the one that is open
 };
@@ -167,7 +186,7 @@ private:
 XmlOrder XmlCheckOrder(const std::string& filename, const std::vector<std::string>& columns,
                        const XmlRows& rows) {
     std::string text;
-    Order order(filename, columns, rows.depth);
+    Order order(filename, columns, rows);
     const os::FileError error = os::readFile(os::native(filename), text);
     if (error != os::FileError::None) {
         order.result.message = "File '" + filename + "' cannot be read.";
