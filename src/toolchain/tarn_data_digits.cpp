@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <utility>
 
 namespace tarn::data {
 
@@ -147,28 +148,57 @@ bool isOfTexts(const Source& source) {
 }
 
 // For each column, read as `kinds`: KindNone where every text does.
-Problem findLost(const Source& source, const std::vector<Kind>& kinds, std::vector<Lost>& lost) {
-    lost.assign(kinds.size(), {});
-    if (std::all_of(kinds.begin(), kinds.end(), [](Kind kind) { return kind == KindNone; })) return {};
-    Rows rows;
-    Problem problem = loadRows(source, repairedNames(textColumns(source.columns)), false, rows);
-    if (problem.any()) return problem;
-    rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
-        const RecordDescriptor* const row = rows.at(i);
-        for (std::size_t n = 0; row != nullptr && n < kinds.size(); ++n) {
-            if (kinds[n] == KindNone) continue;
-            const void* const field = RecordFieldAddress(row, static_cast<std::int32_t>(n + 1));
-            const std::string_view cell = StringView(static_cast<const StringDescriptor*>(field));
-            lost[n].longest = std::max(lost[n].longest, static_cast<std::int32_t>(cell.size()));
-            if (lost[n].row == 0 && !holds(kinds[n], cell))
-                lost[n] = {i, lost[n].longest, std::string(withoutBlanks(cell))};
+class LostDigits {
+public:
+    explicit LostDigits(std::vector<Kind> kinds) : kinds_(std::move(kinds)), lost_(kinds_.size()) {}
+
+    Problem find(const Source& source) {
+        const auto all = [](Kind kind) { return kind == KindNone; };
+        if (std::all_of(kinds_.begin(), kinds_.end(), all)) return {};
+        return source.format == FormatXml ? findInRows(source) : findInCells(source);
+    }
+    [[nodiscard]] const Lost& operator[](std::size_t column) const { return lost_[column]; }
+
+private:
+    void look(std::int32_t row, std::size_t column, std::string_view cell) {
+        if (column >= kinds_.size() || kinds_[column] == KindNone) return;
+        Lost& lost = lost_[column];
+        lost.longest = std::max(lost.longest, static_cast<std::int32_t>(cell.size()));
+        if (lost.row != 0 || holds(kinds_[column], cell)) return;
+        lost.row = row;
+        lost.cell = withoutBlanks(cell);
+    }
+    Problem findInCells(const Source& source) {
+        const Work work("reading " + source.file);
+        TabOptions options = source.options;
+        if (source.rowsSeen >= 0) options.maxdatarows = source.rowsSeen;
+        const TabResult result = TabVisitCells(
+            source.file, options, [&](std::int32_t row, std::int32_t column, std::string_view cell) {
+                look(row, static_cast<std::size_t>(column - 1), cell);
+            });
+        if (result.stopped || stopSignal() != 0) return stoppedProblem();
+        return result.code == 0 ? Problem() : loadProblem(source, result, {});
+    }
+    Problem findInRows(const Source& source) {
+        Rows rows;
+        Problem problem = loadRows(source, repairedNames(textColumns(source.columns)), false, rows);
+        if (problem.any()) return problem;
+        rows.beginBatch();
+        for (std::int32_t i = 1; i <= rows.count() && ErrorCell() == 0; ++i) {
+            const RecordDescriptor* const row = rows.at(i);
+            for (std::size_t n = 0; row != nullptr && n < kinds_.size(); ++n) {
+                const void* const field = RecordFieldAddress(row, static_cast<std::int32_t>(n + 1));
+                look(i, n, StringView(static_cast<const StringDescriptor*>(field)));
+            }
         }
         if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
+        ClearError();
+        return problem;
     }
-    ClearError();
-    return problem;
-}
+
+    std::vector<Kind> kinds_;
+    std::vector<Lost> lost_;
+};
 
 }  // namespace
 
@@ -180,8 +210,8 @@ Problem keepDigits(Source& source) {
         const std::string type = TypeInfoParseLine(source.columns, static_cast<std::int32_t>(n)).typeName;
         kinds.push_back(TypeInfoKind(type) == KindReal ? KindReal : KindNone);
     }
-    std::vector<Lost> lost;
-    const Problem problem = findLost(source, kinds, lost);
+    LostDigits lost(std::move(kinds));
+    const Problem problem = lost.find(source);
     if (problem.any()) return problem;
     std::string columns;
     for (std::size_t n = 0; n < names.size(); ++n) {
@@ -209,8 +239,8 @@ Problem checkDigits(const Source& source, const RowType& type) {
         const bool loses = kind == KindReal || kind == KindFixed || (whole && source.format == FormatXml);
         kinds.push_back(loses ? kind : KindNone);
     }
-    std::vector<Lost> lost;
-    const Problem problem = findLost(source, kinds, lost);
+    LostDigits lost(std::move(kinds));
+    const Problem problem = lost.find(source);
     for (std::size_t n = 0; n < names.size() && !problem.any(); ++n) {
         if (lost[n].row != 0)
             return {"Row " + std::to_string(lost[n].row) + ", column '" + names[n] + "' holds " +

@@ -11,6 +11,7 @@
 #include "kernel/values.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -54,6 +55,10 @@ struct TabResult {
     std::string message{};     // more than its code says; else empty
     std::string rescueCopy{};  // where the new bytes stand if the file may be damaged; else empty
 };
+// Gives every cell of the first 48 columns to `visit`, with the numbers of its row and column, from 1, and
+// its text as a string would take it. `rows` of the result are those that were read.
+using TabVisitor = std::function<void(std::int32_t row, std::int32_t column, std::string_view text)>;
+TabResult TabVisitCells(const std::string& filename, const TabOptions& options, const TabVisitor& visit);
 // Reads a whole file into a string, set, list, record, union or table; the old content goes. Errors of values
 // are told in the result alone; the error cell stays clear.
 TabResult TabLoad(const std::string& filename, const TabOptions& options, void* value, Kind kind);

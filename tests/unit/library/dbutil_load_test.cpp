@@ -201,8 +201,9 @@ TEST_F(DataTables, ColumnsThatAreNotShownAreTold) {
     EXPECT_EQ(data.remark, told);
     data = load("a.xml", "<d><l><r>" + names + "</r><r>" + names + "<extra/></r></l></d>");
     EXPECT_EQ(data.remark,
-              "Only the first 48 of 61 columns are shown.\nFile '" + (folder / "a.xml") +
-                  "' line 1: the row has no 'extra'.\nFields that are missing are shown as 0, or empty.");
+              "File '" + (folder / "a.xml") +
+                  "' line 1: the row has no 'extra'.\nFields that are missing are shown as 0, or "
+                  "empty.\nOnly the first 48 of 61 columns are shown.");
     data = load("a.csv", row(48, "c", ",").substr(0, row(48, "c", ",").size() - 1) + "\n", &header);
     EXPECT_EQ(data.columns, 48);
     EXPECT_EQ(data.remark, "");
