@@ -12,12 +12,14 @@
 #pragma once
 
 #include "kernel/data/tabular.h"
+#include "kernel/runtime.h"
 #include "os/files.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tarn {
@@ -39,6 +41,10 @@ public:
 private:
     std::int32_t before_;
 };
+// What an operation left in the cell, which is clear then.
+inline std::int32_t TakeCellError() {
+    return std::exchange(tarn_error_cell, 0);
+}
 
 // A file that is open for reading.
 class TabFile {

@@ -46,7 +46,7 @@ TabStructure TabDiscover(const std::string& filename, const TabOptions& options,
 struct TabResult {
     std::int32_t code = 0;
     std::int32_t row = 0;   // of the first failure, from 1
-    std::int32_t rows = 0;  // read or written
+    std::int32_t rows = 0;  // read or written; 0 where the value, or the file, is as it was
     bool stopped = false;   // by progress.h: the value is as it was
     std::int32_t line = 0;  // of the first failure, from 1, where `row` cannot tell it (XML)
     // Of a save that failed:

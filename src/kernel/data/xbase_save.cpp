@@ -55,7 +55,7 @@ struct Fields {
 // Of a value that is held in an Xbase file: those of that file.
 std::int32_t attachedFields(const void* value, Kind kind, Fields& fields) {
     const std::string message = XbaseReadHeader(FileNameOf(value, kind), fields.header);
-    const std::int32_t code = TakeXbaseError();
+    const std::int32_t code = TakeCellError();
     if (!message.empty()) return code != 0 ? code : std::int32_t{ERR_FILE_NOT_OPEN};
     fields.bytes = XbaseHeaderBytes(fields.header, 0);
     fields.marked = true;
@@ -113,7 +113,7 @@ private:
         text_.reserve(text_.size() + rows * static_cast<std::size_t>(header_.recordSize) + 1);
         for (std::int32_t i = 0; i < elements.count() && goesOn(); ++i) {
             const void* const element = elements.at(i);
-            if (element == nullptr) return finishRow(TakeXbaseError());
+            if (element == nullptr) return finishRow(TakeCellError());
             put(element, elements.kind());
             tell(i + 1, elements.count());
         }
@@ -159,8 +159,10 @@ TabResult save(const std::string& filename, const void* value, Kind kind, std::s
     // The value goes on with its own file, which has had its mark cut off when it was opened.
     if (!isSameFile(filename, FileNameOf(value, kind))) bytes += XbaseFileEnd;
     XbaseSetRecords(bytes, static_cast<std::uint32_t>(result.rows));
-    const std::int32_t code = FileWriteCode(os::saveFile(filename, bytes).error);
-    return code == 0 ? result : TabResult{code};
+    os::SaveResult saved = os::saveFile(filename, bytes);
+    if (!saved.ok()) result = {FileWriteCode(saved.error)};
+    result.rescueCopy = std::move(saved.rescueCopy);
+    return result;
 }
 
 }  // namespace

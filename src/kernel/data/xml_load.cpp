@@ -146,12 +146,12 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     result = ReadXml(filename, fresh, KindTable, nullptr, 0);
     if (IsFileFailure(result.error.code) || result.stopped) return result;
     const bool fits = result.error.code == 0 && result.lost.code == 0;
-    if (!fits && !XmlIsMemoryError(result.error.code))
+    if (!fits && !IsMemoryError(result.error.code))
         result = loadOtherForm(filename, fresh, std::move(result));
     // Rows that came out empty collide, which is not what is wrong.
     const bool nothingElse = result.error.code == 0 || result.error.code == ERR_DUPLICATE_FIELDS;
     if (result.lost.code != 0 && nothingElse) result.error = result.lost;
-    const bool failed = IsFileFailure(result.error.code) || XmlIsMemoryError(result.error.code);
+    const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
     if (!failed && !result.stopped && result.lost.code == 0 && !made.replaceTarget())
         result.error = XmlFailure(XmlTakeCellError());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {

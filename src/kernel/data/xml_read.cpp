@@ -168,7 +168,7 @@ XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std
     if (code == 0) {
         result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize);
         const bool whole = ScannerFileError() == os::FileError::None && !result.stopped;
-        const bool failed = IsFileFailure(result.error.code) || XmlIsMemoryError(result.error.code);
+        const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
         if (whole && !failed && !fresh.replaceTarget()) code = XmlTakeCellError();
     }
     if (code != 0) result.error = XmlFailure(code);
@@ -183,12 +183,8 @@ ErrorRecord XmlFailure(std::int32_t code, std::string_view message) {
     return {code, 0, 0, std::string(message.empty() ? std::string_view(ErrorText(code)) : message)};
 }
 
-bool XmlIsMemoryError(std::int32_t code) {
-    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
-}
-
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
-    if (XmlIsMemoryError(code))
+    if (IsMemoryError(code))
         ReportError(reader.memory, code, ScannerLineNumber(), ScannerPosition(), message);
     ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
 }

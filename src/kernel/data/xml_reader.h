@@ -145,8 +145,6 @@ struct XmlElementResult {
 
 // ---- steps (xml_read.cpp) ----
 
-// For want of memory: 802 and 804.
-bool XmlIsMemoryError(std::int32_t code);
 // At the place of the scanner.
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.

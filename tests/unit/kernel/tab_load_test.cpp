@@ -430,6 +430,7 @@ TEST_F(TabLoading, ALackOfMemoryAnywhereLeavesTheTargetAsItWas) {
         for (std::int64_t n = 0; result.code != 0; ++n) {
             const std::int64_t before = LiveBlocks();
             FailAllocation(n);
+    EXPECT_EQ(result.rows, 0);
             result = TabLoad("/d/a.csv", CommaRows, target, kind);
             FailAllocation(-1);
             if (result.code == 0) break;
@@ -458,6 +459,7 @@ TEST_F(TabLoading, AnErrorThatIsPendingStaysAndDoesNotDisturb) {
 TEST_F(TabLoading, OptionsComeFromARecordOfFourIntegers) {
     EXPECT_EQ(TabOptionsOf(nullptr, 7).separatorchar, 9);
     EXPECT_EQ(TabOptionsOf(nullptr, 7).numheaderrows, 2);
+            ASSERT_EQ(result.rows, 0) << n;
     EXPECT_EQ(TabOptionsOf(nullptr, 2).separatorchar, 44);
     EXPECT_EQ(TabOptionsOf(nullptr, 2).numheaderrows, 0);
     EXPECT_EQ(TabOptionsOf(nullptr, 2).numfooterrows, 0);
