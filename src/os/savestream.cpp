@@ -37,19 +37,19 @@ bool SaveStream::beginTemporary() {
     error_ = findSaveTarget(path_, target);
     gathersAll_ = ok() && (target.info.special || target.info.links > 1);
     if (!ok() || gathersAll_) return false;
-    const bool replaces = target.info.exists;
+    replaces_ = target.info.exists;
     NewFile made;
     FileError error = makeUniqueFile(temporaryStart(target), TemporaryEnd,
-                                     replaces ? PrivateFileMode : UsualFileMode, made);
+                                     replaces_ ? PrivateFileMode : UsualFileMode, made);
     if (error == FileError::None) {
         handle_ = made.handle;
         temporary_ = made.path;
         target_ = target.path;
-        if (replaces) error = takeOver(target.info, made.path);
+        if (replaces_) error = takeOver(target.info, made.path);
     }
     if (error == FileError::None) return true;
     drop();
-    gathersAll_ = error == FileError::Denied && replaces;
+    gathersAll_ = error == FileError::Denied && replaces_;
     if (!gathersAll_) error_ = error;
     return false;
 }
@@ -61,6 +61,22 @@ void SaveStream::flush() {
     if (!ok()) drop();
 }
 
+// The file cannot be replaced after all: what was written is read again, to be written over it.
+SaveResult SaveStream::writeInPlace() {
+    gathered_.resize(static_cast<std::size_t>(written_));
+    error_ = files().open(temporary_, OpenMode::Read, 0, handle_);
+    if (!ok()) return {error_, false, {}};
+    std::size_t done = 0, got = 1;
+    while (ok() && done < gathered_.size() && got != 0) {
+        error_ = files().read(handle_, static_cast<std::int64_t>(done), gathered_.data() + done,
+                              gathered_.size() - done, got);
+        done += got;
+    }
+    if (ok() && done < gathered_.size()) error_ = FileError::ReadFailed;
+    drop();
+    return ok() ? saveFile(path_, std::exchange(gathered_, {}), durability_) : SaveResult{error_, false, {}};
+}
+
 SaveResult SaveStream::finish() {
     if (ok() && handle_ < 0) return saveFile(path_, std::exchange(gathered_, {}), durability_);
     if (ok()) flush();
@@ -68,6 +84,7 @@ SaveResult SaveStream::finish() {
         error_ = finishFile(std::exchange(handle_, -1), durability_);
         if (ok()) error_ = files().rename(temporary_, target_);
         if (error_ == FileError::NotFound) error_ = FileError::Vanished;
+        if (error_ == FileError::Denied && replaces_) return writeInPlace();
         if (ok()) temporary_.clear();
         if (ok() && durability_ == Durability::Synced) error_ = files().syncFolder(folderOf(target_));
     }

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Values as XML. The whole file is made in memory and then saved at once, so that a failure leaves the old
-// one as it was.
+// Values as XML.
 #include "kernel/arrays.h"
 #include "kernel/data/elements.h"
-#include "kernel/data/progress.h"
+#include "kernel/data/filetext.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/dates.h"
 #include "kernel/errors.h"
-#include "kernel/fileerrors.h"
 #include "kernel/fixed.h"
 #include "kernel/indexes.h"
 #include "kernel/lists.h"
@@ -19,9 +17,9 @@
 #include "kernel/string_text.h"
 #include "kernel/strings.h"
 #include "kernel/tables.h"
-#include "os/files.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 namespace tarn {
@@ -168,21 +166,25 @@ bool endsStrings(char c) {
 
 class Writer {
 public:
-    explicit Writer(std::int32_t options) : fieldAttributes_((options & XmlFieldAttributes) != 0) {}
+    Writer(const std::string& filename, std::int32_t options)
+        : fieldAttributes_((options & XmlFieldAttributes) != 0), file_(filename), out_(file_.text) {}
 
-    void writeFile(const void* value, Kind kind, std::string_view names) {
+    XmlResult write(const void* value, Kind kind, std::string_view names) {
         char now[DateSize] = "";
         DateNow(now, DateSize);
         line(0, R"(<?xml version="1.0"?>)");
         line(0, "<!-- \"" + std::string(ProductWord) + " XML file\" \"" + now + "\" -->");
         given_ = linesOf(names);
         element({value, kind, rootName, {}, 0, &given_});
+        XmlResult result;
+        result.stopped = file_.stopped();
+        if (code_ == 0 && !result.stopped) fail(file_.finish(result.rescueCopy));
+        if (code_ != 0)
+            result.error = XmlFailure(code_, message_);
+        else if (!result.stopped)
+            result.count = count_;
+        return result;
     }
-    std::string out;
-    std::int32_t code = 0;   // the first failure
-    std::string message;     // of it; "": what the code says
-    std::int32_t count = 0;  // items inside the outermost element; 1 for a text
-    bool stopped = false;
 
 private:
     struct Item {
@@ -194,27 +196,27 @@ private:
         const Names* names;  // of the fields of a record, or of those in it; null: none
     };
 
-    [[nodiscard]] bool ended() const { return code != 0 || stopped; }
+    [[nodiscard]] bool ended() const { return code_ != 0 || !file_.good(); }
     void fail(std::int32_t error, std::string_view what = {}) {
-        if (code != 0) return;
-        code = error;
-        message = what;
+        if (code_ != 0) return;
+        code_ = error;
+        message_ = what;
     }
-    void indent(std::int32_t depth) { out.append(static_cast<std::size_t>(depth) * 2, ' '); }
+    void indent(std::int32_t depth) { out_.append(static_cast<std::size_t>(depth) * 2, ' '); }
     void line(std::int32_t depth, std::string_view text) {
         indent(depth);
-        out.append(text).append(lineEnd);
+        out_.append(text).append(lineEnd);
     }
     void startTag(const Item& item) {
         indent(item.depth);
-        out.append("<")
+        out_.append("<")
             .append(item.name)
             .append(" type=\"")
             .append(typeOf(item.value, item.kind))
             .append("\"");
-        if (!item.index.empty()) out.append(" index=\"").append(item.index).append("\"");
+        if (!item.index.empty()) out_.append(" index=\"").append(item.index).append("\"");
     }
-    void endTag(std::string_view name) { out.append("</").append(name).append(">").append(lineEnd); }
+    void endTag(std::string_view name) { out_.append("</").append(name).append(">").append(lineEnd); }
 
     void element(const Item& item) {
         if (item.depth >= MaxXmlDepth) return fail(ERR_XML_TOO_COMPLEX);
@@ -226,15 +228,15 @@ private:
         if (item.kind == KindRecord && fieldAttributes_ && isFlat(item, names) && flatRecord(item, names))
             return;
         if (ended()) return;
-        const std::size_t start = out.size();
+        const std::size_t start = out_.size();
         startTag(item);
-        out += '>';
+        out_ += '>';
         if (isWrittenAsText(item.kind)) {
             text(item.value, item.kind);
             checkText(item, start);
-            if (item.depth == 0) count = 1;
+            if (item.depth == 0) count_ = 1;
         } else {
-            out.append(lineEnd);
+            out_.append(lineEnd);
             if (record)
                 fields(item, names);
             else
@@ -251,35 +253,31 @@ private:
         element(item);
         done_ = before + share_;
         share_ = share;
-        if (parent.depth == 0) ++count;
-        const auto bytes = static_cast<std::int64_t>(out.size());
-        if (bytes - shown_ < ProgressStep || stopped) return;
-        shown_ = bytes;
-        const auto expected = static_cast<std::int64_t>(static_cast<double>(bytes) / done_);
-        if (!Progress(bytes, std::max(bytes, expected))) stopped = true;
+        if (parent.depth == 0) ++count_;
+        file_.pass(done_);
     }
 
     // ---- texts ----
 
     void text(const void* value, Kind kind) {
         switch (kind) {
-        case KindBoolean: out.append(BooleanToText(ReadAt<std::uint8_t>(value) != 0)); return;
-        case KindEnum: out.append(std::to_string(ReadAt<std::uint8_t>(value))); return;
-        case KindInteger: out.append(std::to_string(ReadAt<std::int32_t>(value))); return;
-        case KindFixed: out.append(FixedToText(ReadAt<Fixed>(value))); return;
-        case KindReal: out.append(RealToText(ReadAt<double>(value), RealTextDecimals)); return;
-        case KindString: return appendString(out, static_cast<const StringDescriptor*>(value));
+        case KindBoolean: out_.append(BooleanToText(ReadAt<std::uint8_t>(value) != 0)); return;
+        case KindEnum: out_.append(std::to_string(ReadAt<std::uint8_t>(value))); return;
+        case KindInteger: out_.append(std::to_string(ReadAt<std::int32_t>(value))); return;
+        case KindFixed: out_.append(FixedToText(ReadAt<Fixed>(value))); return;
+        case KindReal: out_.append(RealToText(ReadAt<double>(value), RealTextDecimals)); return;
+        case KindString: return appendString(out_, static_cast<const StringDescriptor*>(value));
         default: break;
         }
         String text;
         SetToText(static_cast<const SetDescriptor*>(value), true, text.get());
         fail(XmlTakeCellError());
-        appendString(out, text.get());
+        appendString(out_, text.get());
     }
 
     // Refuses what the reader would not take, or would take for something else. `start`: of the element.
     void checkText(const Item& item, std::size_t start) {
-        std::string_view lines = std::string_view(out).substr(start);
+        std::string_view lines = std::string_view(out_).substr(start);
         const std::size_t behind = item.name.size() + 3;  // of the end tag
         const bool small = lines.size() + behind < std::size_t{MaxXmlText};
         if (item.kind == KindString && lines.find('\x1A') != std::string_view::npos)
@@ -299,7 +297,7 @@ private:
     }
     [[nodiscard]] std::string place(const Item& item) const {
         const std::string number =
-            item.depth == 0 ? std::string() : "Item " + std::to_string(count + 1) + ": ";
+            item.depth == 0 ? std::string() : "Item " + std::to_string(count_ + 1) + ": ";
         return number + "the text of '" + std::string(item.name) + "' ";
     }
 
@@ -319,7 +317,7 @@ private:
     bool flatRecord(const Item& item, const Names& names) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);
         const std::int32_t fields = FieldCountOf(record->kinds);
-        const std::size_t start = out.size();
+        const std::size_t start = out_.size();
         startTag(item);
         for (std::int32_t n = 1; n <= fields && !ended(); ++n) {
             const Kind kind = FieldKindAt(record->kinds, n);
@@ -328,19 +326,19 @@ private:
                 fail(AdtTypeError(kind));
                 break;
             }
-            out.append(" ").append(names[static_cast<std::size_t>(n - 1)]).append("=\"");
+            out_.append(" ").append(names[static_cast<std::size_t>(n - 1)]).append("=\"");
             text(field, kind);
-            out += '"';
+            out_ += '"';
         }
-        out += "/>";
-        const std::string_view line = std::string_view(out).substr(start);
+        out_ += "/>";
+        const std::string_view line = std::string_view(out_).substr(start);
         if (line.size() >= std::size_t{MaxScannerLine} ||
             std::any_of(line.begin(), line.end(), endsStrings)) {
-            out.resize(start);
+            out_.resize(start);
             return false;
         }
-        out.append(lineEnd);
-        if (item.depth == 0) count = fields;
+        out_.append(lineEnd);
+        if (item.depth == 0) count_ = fields;
         return true;
     }
     void fields(const Item& item, const Names& names) {
@@ -436,29 +434,14 @@ private:
     }
 
     bool fieldAttributes_;
-    std::int64_t shown_ = 0;
+    FileText file_;
+    std::string& out_;             // the text of it
+    std::int32_t code_ = 0;        // the first failure
+    std::string message_;          // of it; "": what the code says
+    std::int32_t count_ = 0;       // items inside the outermost element; 1 for a text
     double done_ = 0, share_ = 1;  // of the whole value: what is written, and what is being written
     Names given_;
 };
-
-XmlResult saveValue(const std::string& filename, std::int32_t options, const void* value, Kind kind,
-                    std::string_view names) {
-    XmlResult result;
-    Writer writer(options);
-    writer.writeFile(value, kind, names);
-    result.stopped = writer.stopped;
-    if (writer.code != 0) {
-        result.error = XmlFailure(writer.code, writer.message);
-    } else if (!writer.stopped) {
-        os::SaveResult saved = os::saveFile(filename, writer.out);
-        result.rescueCopy = std::move(saved.rescueCopy);
-        if (saved.ok())
-            result.count = writer.count;
-        else
-            result.error = XmlFailure(FileWriteCode(saved.error));
-    }
-    return result;
-}
 
 }  // namespace
 
@@ -475,7 +458,11 @@ XmlResult XmlSave(const std::string& filename, std::int32_t options, const void*
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
     } else {
         const XmlCellAside aside;
-        result = saveValue(filename, options, value, kind, names);
+        try {
+            result = Writer(filename, options).write(value, kind, names);
+        } catch (const std::bad_alloc&) {
+            result.error = XmlFailure(ERR_OUT_OF_MEMORY);
+        }
     }
     const std::int32_t code = result.error.code;
     if (code == ERR_UNIDENTIFIABLE || code == ERR_TYPE_NOT_STORABLE) SetError(code);
