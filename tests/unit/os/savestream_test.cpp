@@ -99,7 +99,6 @@ TEST_F(SaveStreams, WhereAFileCannotBeReplacedItIsWrittenInPlace) {
 TEST_F(SaveStreams, WhereAFileCannotBeRenamedItIsWrittenInPlace) {
     disk.failAlways(FileCall::Rename, FileError::Denied);
     const SaveResult result = save(contents());
-    disk.failAlways(FileCall::Rename, FileError::None);
     EXPECT_TRUE(result.ok() && result.inPlace);
     EXPECT_EQ(disk.contents(target), contents());
     EXPECT_EQ(disk.allFiles(), std::vector<std::string>{target});
@@ -113,9 +112,9 @@ TEST_F(SaveStreams, AFailureInPlaceTellsWhereTheNewBytesAre) {
         disk.failAlways(FileCall::Rename, FileError::Denied);
         disk.failAt(call, FileError::WriteFailed);
         const SaveResult result = save(text);
+        const bool beyond = disk.calls() < call;
         disk.stopFailing();
-        disk.failAlways(FileCall::Rename, FileError::None);
-        if (result.ok()) break;
+        if (beyond) break;
         const std::string now = disk.contents(target);
         const bool safe = !result.rescueCopy.empty() && disk.contents(result.rescueCopy) == text;
         EXPECT_TRUE(now == "as it was" || now == text || safe) << call;
