@@ -137,6 +137,9 @@ public:
     [[nodiscard]] bool quoted() const { return quoted_; }
     // The same, and no quotes are looked for.
     std::string_view nextPlain();
+    // The next cell as the text that it stands for. `scratch` holds it where it differs from what stands
+    // there.
+    std::string_view text(std::string& scratch);
     void advance(std::size_t bytes) { at_ += bytes; }
 
 private:

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -38,6 +39,16 @@ struct TabStructure {
 };
 // Reads names and types of the columns from the first rows.
 TabStructure TabDiscover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize);
+
+// How much there is in a file, whatever its cells hold.
+struct TabExtent {
+    std::int32_t code = 0, row = 0;  // the first failure: of the file, or 986 for a row of more than a line
+    std::int32_t rows = 0;           // up to the last one that holds a text
+    std::vector<std::int32_t>
+        longest{};         // of each column that holds one, 48 at most: characters of the longest
+    bool stopped = false;  // by progress.h
+};
+TabExtent TabMeasure(const std::string& filename, const TabOptions& options);
 
 // How a load or a save ended. `code` 0: well; else the first failure: 981 to 986, 989 for a cell (the load
 // goes on with the next row), 618, 619, 635 for a row that the value refused, 651 to 655 and 657 for the

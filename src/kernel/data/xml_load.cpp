@@ -60,25 +60,6 @@ private:
     FreshValue fresh_;
 };
 
-// The rows of a list inside the outermost element.
-XmlReadResult loadInnerList(const std::string& filename, TableDescriptor* table) {
-    RecordValue outer;
-    RecordInit(outer.get(), TagRecord, MakeFieldKinds({KindList}));
-    auto* list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
-    if (list != nullptr) ListInit(list, UNBOUNDED, rowShape(table), KindRecord, false);
-    XmlReadResult result;
-    note(result.error, XmlTakeCellError());
-    if (result.error.code != 0) return result;
-    result = ReadXml(filename, outer.get(), KindRecord, nullptr, 0);
-    if (result.stopped) return result;
-    Refill refill(table);
-    list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
-    for (std::int32_t i = 1; i <= list->count; ++i)
-        refill.add(static_cast<const RecordDescriptor*>(ListRef(list, i)), result.error);
-    refill.takePlace(result.error);
-    return result;
-}
-
 // The lines between the first and the last, one level up.
 std::string fieldsOf(std::string text) {
     TypeInfoDeleteLine(text, 1);
@@ -126,7 +107,7 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
     const XmlReadResult found = ReadXml(filename, nullptr, KindNone, &text, MaxTypeInfo);
     if (found.stopped) return found;
     if (TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record"))
-        return loadInnerList(filename, table);
+        return ReadXml(filename, table, KindTable, nullptr, 0, XmlTableForm::RowsInFirst);
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
     // Names need only be good enough to be repaired: fields are bound in their order.
