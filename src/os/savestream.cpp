@@ -24,11 +24,14 @@ void SaveStream::drop() {
 }
 
 void SaveStream::write(std::string_view bytes) {
+    constexpr std::size_t worthACall = SaveStreamBytes / 16;
     if (!ok()) return;
+    if (handle_ >= 0 && gathered_.empty() && bytes.size() >= worthACall) return put(bytes);
     gathered_ += bytes;
     if (gathersAll_ || gathered_.size() < SaveStreamBytes) return;
     if (handle_ < 0 && !beginTemporary()) return;
-    flush();
+    put(gathered_);
+    gathered_.clear();
 }
 
 // False: everything is gathered, or an error was found.
@@ -54,10 +57,9 @@ bool SaveStream::beginTemporary() {
     return false;
 }
 
-void SaveStream::flush() {
-    error_ = files().write(handle_, written_, gathered_);
-    written_ += static_cast<std::int64_t>(gathered_.size());
-    gathered_.clear();
+void SaveStream::put(std::string_view bytes) {
+    error_ = files().write(handle_, written_, bytes);
+    written_ += static_cast<std::int64_t>(bytes.size());
     if (!ok()) drop();
 }
 
@@ -79,7 +81,7 @@ SaveResult SaveStream::writeInPlace() {
 
 SaveResult SaveStream::finish() {
     if (ok() && handle_ < 0) return saveFile(path_, std::exchange(gathered_, {}), durability_);
-    if (ok()) flush();
+    if (ok() && !gathered_.empty()) put(gathered_);
     if (ok()) {
         error_ = finishFile(std::exchange(handle_, -1), durability_);
         if (ok()) error_ = files().rename(temporary_, target_);

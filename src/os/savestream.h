@@ -35,7 +35,7 @@ public:
 
 private:
     bool beginTemporary();
-    void flush();
+    void put(std::string_view bytes);
     void drop();
     SaveResult writeInPlace();
 

@@ -36,7 +36,7 @@ private:
 #ifdef TARNWICK_TINY
     static constexpr std::size_t pieceBytes = 16;
 #else
-    static constexpr std::size_t pieceBytes = std::size_t{64} * 1024;
+    static constexpr std::size_t pieceBytes = std::size_t{256} * 1024;
 #endif
     os::SaveStream stream_;
     std::int64_t handedOn_ = 0, told_ = 0;  // bytes
