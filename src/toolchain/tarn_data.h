@@ -80,9 +80,10 @@ struct Source {
     TabOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    XmlRows xmlRows;                                  // XML: which elements are the rows
-    bool text = false, deleted = false;               // as the arguments say
-    bool willChange = false;                          // the rows must be copies in memory
+    XmlRows xmlRows;                     // XML: which elements are the rows
+    std::vector<std::int32_t> longest;   // of each column: characters of its texts; empty: not known
+    bool text = false, deleted = false;  // as the arguments say
+    bool willChange = false;             // the rows must be copies in memory
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
 };

@@ -57,9 +57,6 @@ private:
     std::string_view unread_;
 };
 
-// The characters of the longest line of a file, without its end.
-std::int64_t longestLine(const std::string& file);
-
 // A folder of its own in $TMPDIR or /tmp, which nobody else may enter; gone with all files in it at the end.
 class WorkFolder {
 public:

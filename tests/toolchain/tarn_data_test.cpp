@@ -260,6 +260,39 @@ TEST_F(TarnData, MoreRowsThanAValueHoldsAreConverted) {
     EXPECT_EQ(read("b.csv"), text.substr(0, text.find("100001,")));
 }
 
+TEST_F(TarnData, MoreRowsThanAValueHoldsComeFromEveryForm) {
+    constexpr int rows = 130000;
+    const auto repeated = [&](const std::function<std::string(const std::string&)>& row) {
+        std::string text;
+        for (int i = 1; i <= rows; ++i) text += row(std::to_string(i));
+        return text;
+    };
+    const std::string numbers = repeated([](const std::string& i) { return i + "\n"; });
+    write("values.xml", "<l>\n" + repeated([](const auto& i) { return "<v>" + i + "</v>\n"; }) + "</l>\n");
+    write("inner.xml", "<d><l>\n" + repeated([](const auto& i) {
+                           return "<r><v>" + i + "</v><w>a</w></r>\n";
+                       }) + "</l></d>\n");
+    write("mixed.csv", "v,w\ntrue,\"a,\nb\"\n" + numbers);
+    const std::string work = "mkdir -p work && TMPDIR=$PWD/work " + program() + " ";
+    for (const char* words : {"values.xml b.csv", "values.xml --text b.csv"}) {
+        EXPECT_EQ(shell(work + "convert " + words + " && ls work"), Well) << words << errors;
+        EXPECT_EQ(output, "") << words;
+        EXPECT_EQ(read("b.csv"), "v\n" + numbers) << words;
+    }
+    for (const char* words : {"inner.xml b.csv", "inner.xml --text b.csv"}) {
+        EXPECT_EQ(tarnData(std::string("convert ") + words), Well) << words << errors;
+        EXPECT_EQ(read("b.csv"), "v,w\n" + repeated([](const auto& i) { return i + ",a\n"; })) << words;
+    }
+    EXPECT_EQ(tarnData("convert mixed.csv b.xml"), Failed);
+    EXPECT_EQ(tarnData("convert mixed.csv --text b.xml"), Well) << errors;
+    EXPECT_EQ(tarnData("convert b.xml --text --to-separator=\\; b.csv --replace"), Well) << errors;
+    EXPECT_EQ(read("b.csv"), "v;w\ntrue;a,?b\n" + repeated([](const auto& i) { return i + ";\n"; }));
+    write("entity.xml", "<!DOCTYPE l [<!ENTITY e 'much more'>]>" + read("values.xml"));
+    EXPECT_EQ(tarnData("convert entity.xml b.csv"), Well) << errors;
+    EXPECT_EQ(tarnData("convert entity.xml --text b.csv"), Failed);
+    EXPECT_NE(errors.find("entities of its own"), std::string::npos) << errors;
+}
+
 // Whenever the signal comes, the target is the old one or the new one, and the status says which.
 TEST_F(TarnData, AStoppedConversionLeavesTheTargetAsItWas) {
     std::string text = "id,name\n";

@@ -32,6 +32,9 @@ struct XmlOrder {
     std::string advice;     // what can be done about it
     std::int32_t rows = 0;  // that are there
     bool stopped = false;   // by progress.h
+    // Of each column: no text in it has more characters. Empty when that cannot be told, because the file
+    // declares entities of its own.
+    std::vector<std::int32_t> longest{};
 };
 // Whether every row has its fields in the order of the columns, from the first on; those behind may be
 // missing. `columns` with names as they are in the file, which must be well-formed. Cost: the file is read
