@@ -6,6 +6,7 @@
 #include "kernel/string_text.h"
 #include "kernel/table_access.h"
 #include "kernel/tables_file_index.h"
+#include "kernel/tables_file_kept.h"
 
 namespace tarn {
 
@@ -80,8 +81,8 @@ bool openTable(TableDescriptor& t, std::string_view fileName) {
 }
 
 bool closeTable(TableDescriptor& t) {
-    const bool good = SyncTableIndexes(t);
-    return CloseRows(HeaderOf(t).rows) && good;
+    const bool synced = SyncTableIndexes(t), ended = EndKeptRows(t);
+    return CloseRows(HeaderOf(t).rows) && synced && ended;
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "kernel/errors.h"
 #include "kernel/rowformat.h"
 #include "kernel/tables_file_index.h"
+#include "kernel/tables_file_kept.h"
 
 namespace tarn {
 
@@ -37,6 +38,21 @@ std::string checkIndex(const TableHeader& header, std::int32_t index, const std:
     return wrong.empty() ? checkKeys(header, index, path) : wrong;
 }
 
+// Rows that deletions have moved must be there.
+std::string checkKept(const TableDescriptor& t) {
+    const TableHeader& header = HeaderOf(t);
+    FileTree tree;
+    const auto isThere = [&](const RecordDescriptor& row) {
+        KeyView key;
+        FileTree::Ref node = 0;
+        return KeyOfRow(row, header.keyMaps[0], key) && FindEqual(tree, key, node) && node != 0;
+    };
+    if (IndexesOf(header) == 0) return {};
+    if (!tree.open(IndexFileName(RowFileName(header.rows), 1), IndexKeyShape(header, 0), os::OpenMode::Read))
+        return "table index 1: it cannot be opened";
+    return EachKeptRow(t, isThere) ? "" : "table: a row that a deletion has moved is missing";
+}
+
 }  // namespace
 
 std::string CheckIndexFiles(const TableDescriptor& t) {
@@ -49,6 +65,7 @@ std::string CheckIndexFiles(const TableDescriptor& t) {
             wrong = checkIndex(header, i, IndexFileName(file, i + 1));
             if (!wrong.empty()) wrong = "table index " + std::to_string(i + 1) + ": " + wrong;
         }
+        if (wrong.empty()) wrong = checkKept(t);
         return true;
     });
     errors.forget();
