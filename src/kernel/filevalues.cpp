@@ -56,7 +56,8 @@ bool openIndexes(TableDescriptor& t, bool created) {
     if (t.count == 0 && !created && !os::infoOf(file).writable) return true;
     if (!AcceptIndexPlaces(file, IndexesOf(HeaderOf(t)))) return false;
     if (created) RemoveIndexFiles(file);
-    return t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t);
+    if (!(t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t))) return false;
+    return HasAllKeptRows(t) || RefuseTable(ERR_INDEX_FILE_SIZE);
 }
 
 // Where a link led to the name, the file was made where it leads.

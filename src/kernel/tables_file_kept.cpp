@@ -124,7 +124,6 @@ bool KeptFile::open(std::int32_t rowBytes) {
 
 bool KeptFile::make(const std::string& rowFile, std::int32_t rowBytes) {
     file_.close();
-    os::files().remove(path_);
     made_ = true;
     const std::string header = std::string(mark) + wordBytes(static_cast<std::uint32_t>(rowBytes)) +
                                wordBytes(static_cast<std::uint32_t>(nothing));
@@ -158,7 +157,9 @@ bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
     KeptFile beside(table_);
     std::string row, entries;
     if (!file.open(rows, os::OpenMode::Read) || !file.read(number, 1, row)) return false;
-    if (!beside.open(file.rowBytes()) && !beside.make(std::string(RowFileName(rows)), file.rowBytes()))
+    rowBytes_ = file.rowBytes();
+    const bool opened = beside.open(rowBytes_);
+    if (!opened && (HasKeptRows(table_) || !beside.make(std::string(RowFileName(rows)), rowBytes_)))
         return false;
     if (moved != 0 && moved < beside.covered()) {
         const auto perBlock = static_cast<std::int32_t>(RowBlockBytes / row.size());
@@ -196,7 +197,7 @@ void RowGuard::takeBack() {
     if (sizeBefore_ < 0) return;
     OwnErrors errors;
     KeptFile beside(table_);
-    if (beside.open(PackedRowBytes(HeaderOf(table_).rows))) beside.cut(sizeBefore_);
+    if (beside.open(rowBytes_)) beside.cut(sizeBefore_);
     errors.forget();
 }
 

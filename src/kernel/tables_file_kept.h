@@ -8,7 +8,8 @@
 // last rows, some thousands at a time, are copied to a file beside (orders.~d1) and synced before the first
 // of them moves: one waiting for the disk in thousands of deletions. Rows that are deleted or changed
 // meanwhile are noted there too, without a sync. RebuildTableFile brings back what was kept, not noted as
-// gone, and is missing. All integers big-endian:
+// gone, and is missing, and a table that misses such a row is not opened (656). Back comes also a row whose
+// deletion or change the disk did not get. All integers big-endian:
 //
 //   offset  size  field
 //        0     8  "\xA7kept\r\n\x1A"
@@ -46,6 +47,7 @@ private:
 
     const TableDescriptor& table_;
     std::int64_t sizeBefore_ = -1;  // of the file beside; below 0 when nothing was noted
+    std::int32_t rowBytes_ = 0;
     bool kept_ = true;
 };
 
