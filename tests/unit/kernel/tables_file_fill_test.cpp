@@ -17,7 +17,8 @@ using os::FileError;
 
 class FilledTables : public FileTables {
 protected:
-    static constexpr std::int32_t many = IndexFill::leastAtOnce + 100;
+    static constexpr std::int32_t many = 1100, few = IndexFill::leastAtOnce + 100;
+    static_assert(many >= IndexFill::leastAtOnce + 100);
     using Numbers = std::vector<std::int32_t>;
 
     static std::string rowOf(std::int32_t number) {
@@ -218,7 +219,7 @@ TEST_F(FilledTables, AfterAFailureAtAnyCallTheIndexesAreAsTheyWere) {
         std::int32_t error = 652;
         bool failed = true;
         for (int call = 1; failed; ++call) {
-            makeWith(shuffled(many));
+            makeWith(shuffled(few));
             ASSERT_EQ(rebuild(), 0);
             files().failAt(call, failure);
             error = rebuild();
@@ -236,7 +237,7 @@ TEST_F(FilledTables, AfterADeathAtAnyCallOpeningTellsOrTheTableIsWhole) {
     for (const bool midway : {false, true}) {
         bool died = true;
         for (int call = 1; died && !HasFailure(); ++call) {
-            makeWith(shuffled(many));
+            makeWith(shuffled(few));
             files().dieAt(call, midway);
             try {
                 EXPECT_EQ(rebuild(), 0);
@@ -253,7 +254,7 @@ TEST_F(FilledTables, AfterADeathAtAnyCallOpeningTellsOrTheTableIsWhole) {
             }
             const RebuiltTable result = RebuildTableFile(*t(), "/d/a.tab");
             EXPECT_EQ(result.error, 0);
-            EXPECT_EQ(result.rows, many);
+            EXPECT_EQ(result.rows, few);
             ASSERT_EQ(open(), 0);
             expectWhole();
             close();
