@@ -46,19 +46,6 @@ std::string headerOf(std::string_view tableFile, std::string_view keyText) {
     return header;
 }
 
-// The permissions of the table file, so that an index tells nobody more than the rows do; its owner may
-// always write. Where this user cannot give it to the other owner, the group alone may do.
-os::FileError takeOver(std::string_view tableFile, const std::string& path) {
-    constexpr std::uint32_t withoutRunning = 0666, own = 0600;
-    const os::FileInfo rows = os::infoOf(std::string(tableFile)), made = os::infoOf(path);
-    if (!rows.exists) return os::FileError::None;
-    const bool others = rows.owner != made.owner || rows.group != made.group;
-    if (others && os::files().setOwner(path, rows.owner, rows.group) != os::FileError::None)
-        (void)os::files().setOwner(path, made.owner, rows.group);
-    const std::uint32_t mode = (rows.mode & withoutRunning) | own;
-    return mode == made.mode ? os::FileError::None : os::files().setMode(path, mode);
-}
-
 // Beside what stands there, if anything does.
 os::FileError makeNewFile(const std::string& path, NewFile& made) {
     const os::FileError error =
@@ -73,7 +60,7 @@ os::FileError fillNewFile(NewFile& made, std::string_view tableFile, std::string
     os::FileError error = os::files().write(made.handle, 0, bytes);
     const os::FileError closed = made.close();
     if (error == os::FileError::None) error = closed;
-    return error == os::FileError::None ? takeOver(tableFile, made.path) : error;
+    return error == os::FileError::None ? GiveRightsOf(tableFile, made.path) : error;
 }
 
 std::string headerIn(const std::string& path) {
@@ -113,6 +100,18 @@ std::int32_t writeTableName(const std::string& path, const char* name, char* bef
 }
 
 }  // namespace
+
+// Its owner may always write. Where this user cannot give it to the other owner, the group alone may do.
+os::FileError GiveRightsOf(std::string_view tableFile, const std::string& path) {
+    constexpr std::uint32_t withoutRunning = 0666, own = 0600;
+    const os::FileInfo rows = os::infoOf(std::string(tableFile)), made = os::infoOf(path);
+    if (!rows.exists) return os::FileError::None;
+    const bool others = rows.owner != made.owner || rows.group != made.group;
+    if (others && os::files().setOwner(path, rows.owner, rows.group) != os::FileError::None)
+        (void)os::files().setOwner(path, made.owner, rows.group);
+    const std::uint32_t mode = (rows.mode & withoutRunning) | own;
+    return mode == made.mode ? os::FileError::None : os::files().setMode(path, mode);
+}
 
 std::string IndexFileName(std::string_view tableFile, std::int32_t index) {
     const std::string_view name = fileNameOf(tableFile);

@@ -70,9 +70,11 @@ struct RebuiltTable {
     MendedRows mended;
     std::int32_t rows = 0;
     std::int32_t rowDropped = 0, sameAs = 0;  // the last row, when it was an earlier one again, or 0
-    std::int32_t badRow = 0;                  // the row that could not be read, or 0
-    bool stopped = false;                     // by the user (data/progress.h)
-    std::vector<DuplicateKey> duplicates;     // the first of them, index after index; none was dropped
+    std::int32_t rowsRestored = 0;  // that a deletion had moved and that were lost (tables_file_kept.h)
+    std::int32_t rowsTorn = 0;      // dropped, as they could not be read, while rows were kept
+    std::int32_t badRow = 0;        // the row that could not be read, or 0
+    bool stopped = false;           // by the user (data/progress.h)
+    std::vector<DuplicateKey> duplicates;  // the first of them, index after index; none was dropped
 };
 
 // Mends the file of a list that is held in a file and not open, after a death of a process or machine: writes
@@ -81,9 +83,9 @@ struct RebuiltTable {
 // can count: nothing is changed then. Sets no error, as the next one.
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
 // The same for a table (762 for a type text that is not that of its rows), which then gets new indexes. A
-// last row that is an earlier one again, whole, is dropped: a deletion had moved it. Other rows with one key
-// stay; the indexes then lack all but the first. When it fails or is stopped the old indexes are as they
-// were.
+// last row that is an earlier one again, whole, is dropped: a deletion had moved it; rows that were kept
+// while deletions moved them and are missing come back, behind the others. Other rows with one key stay; the
+// indexes then lack all but the first. When it fails or is stopped the old indexes are as they were.
 RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName);
 
 }  // namespace tarn

@@ -7,6 +7,7 @@
 #include "kernel/index_filedisk.h"
 #include "kernel/rowfile.h"
 #include "kernel/rowformat.h"
+#include "kernel/tables_file_kept.h"
 
 namespace tarn {
 
@@ -279,7 +280,9 @@ void ReleaseTableIndexes(const TableDescriptor& t) {
     if (!IsHeldInFile(rows) || RowFileName(rows).empty()) return;
     WithMemory([&] {
         if (IsScratchFile(rows)) return RemoveIndexFiles(RowFileName(rows)), true;
-        return !os::infoOf(std::string(RowFileName(rows))).exists || SyncTableIndexes(t);
+        if (!os::infoOf(std::string(RowFileName(rows))).exists) return true;
+        const bool synced = SyncTableIndexes(t);
+        return EndKeptRows(t) && synced;
     });
 }
 

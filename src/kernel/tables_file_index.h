@@ -55,6 +55,10 @@ bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
 // "" or what is wrong with the indexes of an open table. Sets no error.
 std::string CheckIndexFiles(const TableDescriptor& t);
 
+// Whether all rows that are kept beside an open table (tables_file_kept.h) are found by the first index. Sets
+// no error.
+bool HasAllKeptRows(const TableDescriptor& t);
+
 // ---- entries ----
 
 // What failed in a tree: its own failure, or damage.

@@ -7,7 +7,9 @@
 #include "kernel/rowfile_access.h"
 #include "kernel/string_text.h"
 #include "kernel/tables_file_fill.h"
+#include "kernel/tables_file_kept.h"
 #include "kernel/tables_file_note.h"
+#include "kernel/tables_ops.h"
 
 #include <algorithm>
 #include <limits>
@@ -165,6 +167,9 @@ public:
 private:
     bool fillAll();
     bool fill(std::int32_t index);
+    bool findTorn(std::vector<std::int32_t>& torn);
+    bool dropTorn();
+    bool restoreKept();
     bool isLastAgain(const DuplicateKey& duplicate);
 
     TableDescriptor& table_;
@@ -175,7 +180,8 @@ private:
 
 bool IndexRebuilding::run() {
     IndexExchange exchange(table_);
-    if (!exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !SyncTableIndexes(table_))
+    if (!dropTorn() || !exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !restoreKept() ||
+        !SyncTableIndexes(table_) || !EndKeptRows(table_))
         return false;
     exchange.drop();
     exchange.dropNew();
@@ -210,6 +216,52 @@ bool IndexRebuilding::fill(std::int32_t index) {
         }
     }
     return fill.close();
+}
+
+// Where rows are kept the machine may have died: what was left of a note, and bytes that never came, can be
+// as long as rows.
+bool IndexRebuilding::findTorn(std::vector<std::int32_t>& torn) {
+    ListReader reader(header_.rows);
+    for (std::int32_t i = 0; i < header_.rows.count; ++i) {
+        OwnErrors errors;
+        if (reader.at(i) != nullptr) continue;
+        if (OwnErrors::code() != ERR_FILE_READ) return false;
+        errors.forget();
+        torn.push_back(i + 1);
+    }
+    return true;
+}
+
+// The last row, which can be read, takes the place of one that cannot.
+bool IndexRebuilding::dropTorn() {
+    ListDescriptor& rows = header_.rows;
+    std::vector<std::int32_t> torn;
+    if (!HasKeptRows(table_)) return true;
+    if (!findTorn(torn)) return false;
+    for (; !torn.empty(); torn.pop_back(), ++result_.rowsTorn) {
+        RecordValue row;
+        const std::int32_t number = torn.back();
+        const bool moves = number != rows.count;
+        if (moves && !(InitValue(row.get(), &RowShape(header_), KindRecord) &&
+                       ReadRow(rows, rows.count, row.get()) && WriteRow(rows, number, row.get())))
+            return false;
+        if (!RemoveLastRow(rows)) return false;
+    }
+    return true;
+}
+
+// Rows that deletions had moved, and that are nowhere now. Others are there still, by one of their keys at
+// least.
+bool IndexRebuilding::restoreKept() {
+    table_.count = header_.rows.count;
+    return EachKeptRow(table_, [&](const RecordDescriptor& row) {
+        OwnErrors errors;
+        if (FileTableAdd(table_, row)) return ++result_.rowsRestored, true;
+        const std::int32_t code = OwnErrors::code();
+        if (code != ERR_DUPLICATE_FIELDS && code != ERR_FIXED_LIST) return false;
+        errors.forget();
+        return true;
+    });
 }
 
 bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {

@@ -160,6 +160,10 @@ std::string report(const Patient& patient, const RebuiltTable& result, const std
     if (result.rowDropped != 0)
         line("the last row, " + std::to_string(result.rowDropped) + ", was row " +
              std::to_string(result.sameAs) + " again: dropped.");
+    if (result.rowsTorn != 0) line(counted(result.rowsTorn, "row") + " that could not be read dropped.");
+    if (result.rowsRestored != 0)
+        line(counted(result.rowsRestored, "row") +
+             " that deletions had moved, and that were lost, brought back.");
     if (result.badRow != 0) line("row " + std::to_string(result.badRow) + " cannot be read.");
     for (const DuplicateKey& duplicate : result.duplicates)
         line("rows " + std::to_string(duplicate.first) + " and " + std::to_string(duplicate.row) +

@@ -109,11 +109,11 @@ protected:
         EXPECT_EQ(TableCount(t()), static_cast<std::int32_t>(after.size()));
         EXPECT_TRUE(same(rows(), after)) << "error " << error;
         expectWhole();
-        // A file that could not be removed stays, and does no harm.
+        // A file that could not be removed stays, and does no harm. Rows that are moved are kept beside.
         const bool mayStay = failedCall_.starts_with("remove ");
         for (const std::string& name : names()) {
-            const bool left =
-                name.find('~') != std::string::npos || name.find(".tarnwick") != std::string::npos;
+            const bool left = (name.find('~') != std::string::npos && name != "a.~d1") ||
+                              name.find(".tarnwick") != std::string::npos;
             EXPECT_TRUE(!left || (mayStay && error == 0)) << name;
         }
         EXPECT_EQ(files().openHandles(), 0);
