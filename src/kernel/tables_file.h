@@ -58,7 +58,8 @@ struct MendedRows {
     std::int32_t rows = 0;        // that are there now
     std::int64_t bytesCut = 0;    // from behind the last whole row
     std::int32_t rowWritten = 0;  // a row whose replacement was begun and noted (tables_file_note.h), or 0
-    bool countSet = false;        // the count in the header was another
+    bool countSet = false;        // the count in the header was none that can be
+    std::int32_t rowsTaken = 0;   // rows behind those that the header counted
 };
 struct DuplicateKey {
     std::int32_t index = 0;           // from 1
@@ -83,7 +84,7 @@ MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
 // The same for a table (762 for a type text that is not that of its rows), which then gets new indexes. A
 // last row that is an earlier one again, whole, is dropped: a deletion had moved it. Other rows with one key
 // stay; the indexes then lack all but the first. When it fails or is stopped the old indexes are as they
-// were.
-RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName);
+// were. `rowsBehind`: so many whole rows behind those that the header counts are taken in.
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind = 0);
 
 }  // namespace tarn

@@ -50,6 +50,15 @@ std::string nameOf(const std::string& file, std::int32_t number) {
 
 }  // namespace
 
+void checkNote(const std::string& file, const RowNote& note, std::int32_t replacing, Findings& findings) {
+    if (note.offset < 0) return;
+    findings.fault(file, replacing != 0 ? "Row " + std::to_string(replacing) +
+                                              " was being replaced when a process died; 'tarn-data rebuild' "
+                                              "finishes it."
+                                        : "The replacing of a row was begun when a process died, and is "
+                                          "noted in part; 'tarn-data rebuild' cuts the note off.");
+}
+
 // Whether each node has the key of its row; "" at the end of a file that cannot be read, which is told
 // elsewhere.
 std::string RowKeys::compare(std::int32_t row, std::string_view key) {
@@ -108,14 +117,16 @@ int checkIndex(const std::string& file) {
 
 void checkFacts(const std::string& file, const RowType& type, const TableFacts& facts, Findings& findings) {
     if (facts.behind < 0) return findings.fault(file, "It has no whole header.");
-    if (facts.behind > 0)
+    checkNote(file, facts.note, facts.replacing(), findings);
+    if (facts.behind > 0 && facts.note.offset < 0)
         findings.fault(file, "It has " + counted(facts.behind, "byte") + " behind its " +
                                  counted(facts.whole, "whole row") + " of " + std::to_string(facts.rowBytes) +
                                  ".");
     if (facts.counted > facts.whole)
         findings.fault(file, "Its header counts " + counted(facts.counted, "row") + ", and it has " +
                                  std::to_string(facts.whole) + ".");
-    if (type.capacity != UNBOUNDED && facts.whole != type.capacity)
+    // One that was cleared is no longer than its rows.
+    if (type.capacity != UNBOUNDED && facts.whole > type.capacity)
         findings.fault(file, "It has room for " + counted(facts.whole, "row") + ", and is declared for " +
                                  std::to_string(type.capacity) + ".");
 }
@@ -131,7 +142,8 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
     rows.goTo(facts.headerBytes, static_cast<std::size_t>(facts.rowBytes), facts.rows());
     for (std::int64_t number = 1; rows.next(row); ++number) {
         if (!steps.step(facts.rowBytes)) return false;
-        const std::int32_t bad = bytes.badField(row);
+        const bool noted = number == facts.replacing();
+        const std::int32_t bad = bytes.badField(noted ? std::string_view(facts.note.row) : row);
         if (bad == 0) continue;
         good = false;
         findings.fault(file, "Row " + std::to_string(number) + ": its bytes are no value of field '" +

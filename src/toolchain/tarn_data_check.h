@@ -33,6 +33,9 @@ private:
     std::string lines_;
 };
 
+// A row that was being written over.
+void checkNote(const std::string& file, const RowNote& note, std::int32_t replacing, Findings& findings);
+
 // The keys of the rows of a file, beside those that nodes have.
 class RowKeys {
 public:

@@ -96,9 +96,11 @@ public:
         if (counted != whole)
             findings_.fault(name_, "Its header counts " + std::to_string(counted) + " rows, and it has " +
                                        std::to_string(whole) + " whole ones.");
-        if (file_.behind() != 0)
-            findings_.fault(name_,
-                            "It has " + std::to_string(file_.behind()) + " bytes behind its whole rows.");
+        checkNote(name_, file_.note(), file_.replacing(), findings_);
+        if (file_.behind() != 0 && file_.note().offset < 0)
+            findings_.fault(name_, "It has " + std::to_string(file_.behind()) +
+                                       (file_.behind() == 1 ? " byte" : " bytes") +
+                                       " behind its whole rows.");
     }
     void checkRows() {
         Steps steps(file_.whole() * header_.recordSize);
@@ -106,6 +108,7 @@ public:
         file_.goToFirst(file_.whole());
         for (std::int64_t number = 1; file_.next(row); ++number) {
             if (!steps.step(header_.recordSize)) return;
+            if (number == file_.replacing()) row = file_.note().row;
             if (row[0] != LiveRow && row[0] != DeletedRow)
                 findings_.fault(name_, "Row " + std::to_string(number) + " has '" + shown(row.substr(0, 1)) +
                                            "' where its mark of deletion stands.");

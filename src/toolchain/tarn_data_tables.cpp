@@ -46,9 +46,12 @@ Problem tableFacts(const std::string& file, const RowType& type, TableFacts& fac
         facts.headerBytes = std::int64_t{countBytes};
         facts.counted = head.size() == countBytes ? std::int64_t{bigEndian(head)} : 0;
     }
-    const std::int64_t room = facts.size - facts.headerBytes;
+    Problem problem = findNote(file, facts.headerBytes, facts.rowBytes, facts.note);
+    if (problem.any()) return problem;
+    const std::int64_t end = facts.note.offset >= 0 ? facts.note.offset : facts.size;
+    const std::int64_t room = end - facts.headerBytes;
     facts.whole = std::max<std::int64_t>(room, 0) / facts.rowBytes;
-    facts.behind = room < 0 ? room : room % facts.rowBytes;
+    facts.behind = room < 0 ? room : facts.size - facts.headerBytes - facts.whole * facts.rowBytes;
     return {};
 }
 
