@@ -94,6 +94,22 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
     }
 }
 
+// Those that a user misses: behind the last that is there, nothing tells of them.
+Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,
+                    Findings& findings) {
+    std::vector<std::int32_t> maps;
+    Problem problem = keyMapsOf(arguments.keys, type, maps);
+    for (std::size_t n = 0; n < maps.size() && !problem.any(); ++n) {
+        const std::string name = nameOf(arguments.files[0], static_cast<std::int32_t>(n) + 1);
+        if (n >= indexes.size())
+            findings.fault(name, "It is missing.");
+        else if (indexes[n].keyMap != 0 && indexes[n].keyMap != maps[n])
+            findings.fault(name, "Its key is " + joined(indexes[n].file.fields) + ", and not " +
+                                     joined(arguments.keys[n]) + ".");
+    }
+    return problem;
+}
+
 namespace {
 
 int checkIndex(const std::string& file) {
@@ -144,6 +160,11 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
         if (!steps.step(facts.rowBytes)) return false;
         const bool noted = number == facts.replacing();
         const std::int32_t bad = bytes.badField(noted ? std::string_view(facts.note.row) : row);
+        const std::int32_t odd = bad == 0 ? bytes.oddText(row) : 0;
+        if (odd != 0)
+            findings.note(file, "Row " + std::to_string(number) +
+                                    ": there are bytes behind the text of field '" +
+                                    names[static_cast<std::size_t>(odd) - 1] + "'.");
         if (bad == 0) continue;
         good = false;
         findings.fault(file, "Row " + std::to_string(number) + ": its bytes are no value of field '" +
@@ -153,17 +174,19 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
     return good && rows.error() == os::FileError::None;
 }
 
-int checkTable(const std::string& file, const std::string& typeFile) {
+int checkTable(const std::string& file, const Arguments& arguments) {
     RowType type;
     TableFacts facts;
     Findings findings;
     const Work work("checking " + file);
-    Problem problem = readRowType(typeFile, type);
+    Problem problem = readRowType(arguments.type, type);
     if (!problem.any()) problem = tableFacts(file, type, facts);
     if (problem.any()) return tell(problem);
-    checkFacts(file, type, facts, findings);
-    checkRows(file, type, facts, findings);
     const std::vector<IndexBeside> indexes = indexesBeside(file, type);
+    checkFacts(file, type, facts, findings);
+    problem = checkWanted(arguments, type, indexes, findings);
+    if (problem.any()) return tell(problem);
+    checkRows(file, type, facts, findings);
     FileRows rows;
     const RowBytes bytes(type);
     if (!rows.open(file)) return tell(unreadable(file, rows.error()));
@@ -197,9 +220,13 @@ int check(const Arguments& arguments) {
     if (problem.any()) return tell(problem);
     const FileKind kind = kindOf(file);
     const bool table = !arguments.type.empty();
-    if (isIndexName(file) || (kind == FileKind::Index && !table)) return checkIndex(file);
-    if (XbaseFileName(file) || (kind == FileKind::Xbase && !table)) return checkXbase(file);
-    if (table) return checkTable(file, arguments.type);
+    if (isIndexName(file) || (kind == FileKind::Index && !table)) {
+        if (arguments.keys.empty()) return checkIndex(file);
+        return tell({fileWord(file) + "is an index file, so that --keys means nothing for it.",
+                     "Give the table file; 'tarn-data info' tells which it is.", WrongUsage});
+    }
+    if (XbaseFileName(file) || (kind == FileKind::Xbase && !table)) return checkXbase(arguments);
+    if (table) return checkTable(file, arguments);
     if (DataFormatOf(file) == FormatBinary || isTableByIndex(file)) return tell(typeIsMissing(file));
     return tell(
         {fileWord(file) + "is no dbf file, table file or index file, so that there is nothing to check.",

@@ -82,6 +82,18 @@ std::int32_t RowBytes::badField(std::string_view row) {
     return 0;
 }
 
+std::int32_t RowBytes::oddText(std::string_view row) const {
+    constexpr std::size_t lengthBytes = 4;
+    for (std::int32_t n = 1; n < static_cast<std::int32_t>(offsets_.size()); ++n) {
+        if (FieldKindAt(row_.get()->kinds, n) != KindString) continue;
+        const auto at = static_cast<std::size_t>(n) - 1;
+        const std::string_view field = row.substr(offsets_[at], offsets_[at + 1] - offsets_[at]);
+        const std::size_t end = lengthBytes + std::size_t{bigEndian(field)};
+        if (field.find_first_not_of('\0', end) != std::string_view::npos) return n;
+    }
+    return 0;
+}
+
 std::string RowBytes::key(std::string_view row, std::int32_t keyMap) const {
     std::string bytes;
     for (std::int32_t i = 0; i < MaxKeyFields; ++i) {

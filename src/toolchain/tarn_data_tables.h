@@ -41,6 +41,8 @@ public:
     explicit RowBytes(const RowType& type);
     // The first field, from 1, that the bytes of a row cannot be; 0 for none.
     std::int32_t badField(std::string_view row);
+    // The first text, likewise, that has other bytes than 0 behind its end. The row has no bad field.
+    [[nodiscard]] std::int32_t oddText(std::string_view row) const;
     // The key of a row as it stands in an index file.
     [[nodiscard]] std::string key(std::string_view row, std::int32_t keyMap) const;
 
