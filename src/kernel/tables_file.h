@@ -21,10 +21,10 @@ namespace tarn {
 // Makes the files of all indexes, empty; what stood in their places has stepped aside. When one of them
 // cannot be made, those that were made are gone again. 652, 654, 657.
 bool MakeTableIndexes(TableDescriptor& t);
-// For a row file that was just made or has no rows: empty indexes. What stands in their places steps aside
-// and is gone when all are made; it is back when one cannot be. Indexes that are as they should be are not
-// touched, so that the folder need not be one that can be written. 652, 654, 657, 656 for the index of
-// another table.
+// For a row file that was just made or has no rows: empty indexes. Indexes that are as they should be are not
+// touched, and others emptied where they stand, if all can be, so that the folder need not be one that can be
+// written. Else what stands in their places steps aside and is gone when all are made; it is back when one
+// cannot be. 652, 654, 657, 656 for the index of another table.
 bool StartTableIndexes(TableDescriptor& t);
 // For a row file with rows: every index must be there, its size that of whole nodes, and not too short for
 // the rows, and must not name another table file that stands beside: 656. A copy under another name still

@@ -214,12 +214,41 @@ bool MakeTableIndexes(TableDescriptor& t) {
     return true;
 }
 
-bool StartTableIndexes(TableDescriptor& t) {
+bool CanEmptyTableIndexes(const TableDescriptor& t) {
+    const std::string file(RowFileName(HeaderOf(t).rows));
+    bool can = true;
+    for (std::int32_t i = 0; can && i < IndexesOf(HeaderOf(t)); ++i)
+        can = CanEmptyIndexFile(IndexFileName(file, i + 1));
+    return can;
+}
+
+namespace {
+
+// Empties what is not empty.
+bool emptyTableIndexes(const TableDescriptor& t) {
+    const std::string file(RowFileName(HeaderOf(t).rows));
+    bool good = true;
+    for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i) {
+        const std::string name = IndexFileName(file, i + 1), text = IndexKeyText(t, i);
+        good = IsEmptyIndexFile(name, file, text) || EmptyIndexFile(name, file, text);
+    }
+    return good;
+}
+
+bool areEmpty(const TableDescriptor& t) {
     const std::string file(RowFileName(HeaderOf(t).rows));
     bool good = true;
     for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i)
         good = IsEmptyIndexFile(IndexFileName(file, i + 1), file, IndexKeyText(t, i));
-    if (good) return true;
+    return good;
+}
+
+}  // namespace
+
+bool StartTableIndexes(TableDescriptor& t) {
+    if (areEmpty(t)) return true;
+    if (!AcceptIndexPlaces(RowFileName(HeaderOf(t).rows), IndexesOf(HeaderOf(t)))) return false;
+    if (CanEmptyTableIndexes(t) && emptyTableIndexes(t)) return true;
     IndexExchange exchange(t);
     if (!exchange.setAside() || !MakeTableIndexes(t)) return false;
     exchange.drop();

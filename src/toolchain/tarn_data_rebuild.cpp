@@ -21,14 +21,24 @@ std::string counted(std::int64_t n, const char* what) {
 
 // ---- mending ----
 
+// A name beside a file that a disk takes.
+std::string tornName(const std::string& file, int number) {
+    constexpr std::size_t longest = 255;
+    const std::string suffix = ".torn" + (number > 1 ? std::to_string(number) : "");
+    const std::string name(baseName(file));
+    return file.substr(0, file.size() - name.size()) +
+           name.substr(0, std::min(name.size(), longest - suffix.size())) + suffix;
+}
+
 // What is about to be cut off, unless it is a row that was noted and will be written.
-Problem keepTail(const Patient& patient, std::string& kept) {
+Problem keepTail(const Patient& patient, std::string& kept, std::string& shown) {
     FileRows rows;
     std::string bytes;
     if (patient.behind <= 0 || patient.replacing != 0) return {};
-    kept = patient.file + ".torn";
-    for (int n = 2; os::infoOf(os::native(kept)).exists; ++n)
-        kept = patient.file + ".torn" + std::to_string(n);
+    int number = 1;
+    while (os::infoOf(os::native(tornName(patient.file, number))).exists) ++number;
+    kept = tornName(patient.file, number);
+    shown = tornName(patient.name, number);
     const auto count = static_cast<std::size_t>(patient.behind);
     if (!rows.open(patient.file) || !rows.read(patient.size - patient.behind, count, bytes))
         return unreadable(patient.name, rows.error());
@@ -43,16 +53,16 @@ std::string keyOf(const Patient& patient, std::int32_t index) {
 }
 
 // What was done, a line each.
-std::string report(const Patient& patient, const RebuiltTable& result, const std::string& kept) {
+std::string report(const Patient& patient, const RebuiltTable& result, const std::string& shown) {
     const MendedRows& mended = result.mended;
     std::string text;
     const auto line = [&](const std::string& what) { text += patient.name + ": " + what + "\n"; };
     if (mended.rowWritten != 0)
         line("row " + std::to_string(mended.rowWritten) + " was being replaced: replaced.");
     if (mended.bytesCut > 0 && mended.rowWritten == 0) {
-        const bool torn = mended.bytesCut == patient.behind && !kept.empty();
+        const bool torn = mended.bytesCut == patient.behind && !shown.empty();
         line(counted(mended.bytesCut, "byte") + " behind the last whole row cut off" +
-             (torn ? "; they stand in '" + patient.name + kept.substr(patient.file.size()) + "'." : "."));
+             (torn ? "; they stand in '" + shown + "'." : "."));
     }
     if (mended.rowsTaken > 0)
         line(counted(mended.rowsTaken, "row") + " behind those that the header counted taken in.");
@@ -131,15 +141,15 @@ Problem mend(const Patient& patient, RebuiltTable& result) {
 
 int rebuildFile(const Patient& patient) {
     RebuiltTable result;
-    std::string kept;
-    Problem problem = keepTail(patient, kept);
+    std::string kept, shown;
+    Problem problem = keepTail(patient, kept, shown);
     if (problem.any()) return tell(problem);
     problem = mend(patient, result);
     if (result.mended.bytesCut == 0 && !kept.empty()) {  // they still stand where they were
         os::files().remove(os::native(kept));
-        kept.clear();
+        shown.clear();
     }
-    std::string text = report(patient, result, kept);
+    std::string text = report(patient, result, shown);
     if (!problem.any()) {
         removeOtherIndexes(patient);
         text += indexReport(patient, result.rows);

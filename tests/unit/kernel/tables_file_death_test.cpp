@@ -168,6 +168,30 @@ TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
         }
     }
 }
+
+// It opens as it was or without rows, and needs no mending.
+TEST_F(TableEnds, AfterADeathInAClearingTheTableOpensWhole) {
+    for (const Layout& layout : layouts) {
+        for (const bool mayWriteFolder : {true, false}) {
+            for (const bool midway : {false, true}) {
+                bool died = true;
+                for (int call = 1; died && !HasFailure(); ++call) {
+                    start(layout, 6);
+                    if (!mayWriteFolder) files().putOwner("/d", 0, 0);
+                    const Operation clearing = operations()[1];
+                    SCOPED_TRACE(std::string(layout.name) + (midway ? ", in call " : ", before call ") +
+                                 std::to_string(call));
+                    died = !dieIn(clearing, call, midway);
+                    end(endings[0]);
+                    EXPECT_EQ(look(), "");
+                    EXPECT_TRUE(rows().empty() || same(rows(), model_));
+                    EXPECT_EQ(names().size(), 1 + static_cast<std::size_t>(TableIndexCount(t())));
+                }
+            }
+        }
+    }
+}
+
 // ---- many sequences ----
 
 // A sequence of random operations on a table, the last of which meets a death.
