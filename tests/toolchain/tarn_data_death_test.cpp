@@ -91,6 +91,8 @@ TEST_F(ToolAfterDeaths, AfterADeathAtAnyCallCheckTellsAndRebuildGivesTheRowsBack
         const std::size_t count = operations().size();
         for (std::size_t which = 0; which < count; ++which) {
             for (const Ending& ending : endings) {
+                const bool extreme = &ending == std::begin(endings) || &ending == std::end(endings) - 1;
+                if (!extreme && &layout != &layouts[1]) continue;  // to be quick
                 for (const bool midway : {false, true}) {
                     bool died = true;
                     for (int call = 1; died && !HasFailure(); ++call) {
