@@ -183,7 +183,8 @@ bool clearRows(ListDescriptor& rows) {
 }  // namespace
 
 // Where the indexes stay the files that they are, the rows go first: a table without rows opens with indexes
-// of any content, which are emptied then.
+// of any content, which are emptied then. So they also stay gone when an index can then neither be emptied
+// nor made anew, which is told.
 bool FileTableClear(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
     if (CanEmptyTableIndexes(t)) {

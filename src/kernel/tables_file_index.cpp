@@ -214,41 +214,32 @@ bool MakeTableIndexes(TableDescriptor& t) {
     return true;
 }
 
-bool CanEmptyTableIndexes(const TableDescriptor& t) {
-    const std::string file(RowFileName(HeaderOf(t).rows));
-    bool can = true;
-    for (std::int32_t i = 0; can && i < IndexesOf(HeaderOf(t)); ++i)
-        can = CanEmptyIndexFile(IndexFileName(file, i + 1));
-    return can;
-}
-
 namespace {
 
-// Empties what is not empty.
-bool emptyTableIndexes(const TableDescriptor& t) {
+// Whether it is so with the name and the text of each index.
+template <class Test>
+bool allIndexes(const TableDescriptor& t, const Test& test) {
     const std::string file(RowFileName(HeaderOf(t).rows));
-    bool good = true;
-    for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i) {
-        const std::string name = IndexFileName(file, i + 1), text = IndexKeyText(t, i);
-        good = IsEmptyIndexFile(name, file, text) || EmptyIndexFile(name, file, text);
+    for (std::int32_t i = 0; i < IndexesOf(HeaderOf(t)); ++i) {
+        if (!test(IndexFileName(file, i + 1), file, IndexKeyText(t, i))) return false;
     }
-    return good;
+    return true;
 }
 
-bool areEmpty(const TableDescriptor& t) {
-    const std::string file(RowFileName(HeaderOf(t).rows));
-    bool good = true;
-    for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i)
-        good = IsEmptyIndexFile(IndexFileName(file, i + 1), file, IndexKeyText(t, i));
-    return good;
+bool emptyIndex(const std::string& name, const std::string& file, const std::string& text) {
+    return IsEmptyIndexFile(name, file, text) || EmptyIndexFile(name, file, text);
 }
 
 }  // namespace
 
+bool CanEmptyTableIndexes(const TableDescriptor& t) {
+    return allIndexes(t, [](const std::string& name, const auto&...) { return CanEmptyIndexFile(name); });
+}
+
 bool StartTableIndexes(TableDescriptor& t) {
-    if (areEmpty(t)) return true;
+    if (allIndexes(t, IsEmptyIndexFile)) return true;
     if (!AcceptIndexPlaces(RowFileName(HeaderOf(t).rows), IndexesOf(HeaderOf(t)))) return false;
-    if (CanEmptyTableIndexes(t) && emptyTableIndexes(t)) return true;
+    if (CanEmptyTableIndexes(t) && allIndexes(t, emptyIndex)) return true;
     IndexExchange exchange(t);
     if (!exchange.setAside() || !MakeTableIndexes(t)) return false;
     exchange.drop();

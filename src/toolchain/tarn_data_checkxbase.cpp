@@ -93,8 +93,9 @@ public:
         }
         const std::int64_t whole = file_.whole(), counted = file_.counted();
         if (counted != whole)
-            findings_.fault(name_, "Its header counts " + std::to_string(counted) + " rows, and it has " +
-                                       std::to_string(whole) + " whole ones.");
+            findings_.fault(name_, "Its header counts " + std::to_string(counted) +
+                                       (counted == 1 ? " row" : " rows") + ", and it has " +
+                                       std::to_string(whole) + (whole == 1 ? " whole one." : " whole ones."));
         checkNote(name_, file_.note(), file_.replacing(), findings_);
         if (file_.behind() != 0 && file_.note().offset < 0)
             findings_.fault(name_, "It has " + std::to_string(file_.behind()) +

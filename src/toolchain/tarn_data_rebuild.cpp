@@ -36,7 +36,10 @@ Problem keepTail(const Patient& patient, std::string& kept, std::string& shown) 
     std::string bytes;
     if (patient.behind <= 0 || patient.replacing != 0) return {};
     int number = 1;
-    while (os::infoOf(os::native(tornName(patient.file, number))).exists) ++number;
+    const auto isThere = [&](const std::string& file) {
+        return os::infoOf(os::native(tornName(file, number))).exists;
+    };
+    while (isThere(patient.file) || isThere(patient.name)) ++number;
     kept = tornName(patient.file, number);
     shown = tornName(patient.name, number);
     const auto count = static_cast<std::size_t>(patient.behind);

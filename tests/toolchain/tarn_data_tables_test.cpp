@@ -272,7 +272,7 @@ TEST_F(Tables, FaultsOfXbaseFilesAreFoundAndOddFieldsNoted) {
     write("d.dbf", dbf({" Ann   1.5"}));
     expectWhole("d.dbf");
     write("d.dbf", dbf({" Ann   1.5"}, 3));
-    expectFault("d.dbf", "d.dbf: Its header counts 3 rows, and it has 1 whole ones.");
+    expectFault("d.dbf", "d.dbf: Its header counts 3 rows, and it has 1 whole one.");
     write("d.dbf", dbf({" Ann   1.5", " tor"}, 1));
     expectFault("d.dbf", "bytes behind its whole rows");
     write("d.dbf", dbf({"xAnn   1.5"}));
