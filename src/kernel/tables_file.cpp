@@ -188,11 +188,20 @@ bool clearRows(ListDescriptor& rows) {
 
 }  // namespace
 
+// Where the indexes stay the files that they are, the rows go first: a table without rows opens with indexes
+// of any content, which are emptied then. So they also stay gone when an index can then neither be emptied
+// nor made anew, which is told.
 bool FileTableClear(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
+    if (!EndKeptRows(t)) return false;
+    if (CanEmptyTableIndexes(t)) {
+        if (!AcceptIndexPlaces(RowFileName(header.rows), IndexesOf(header)) || !clearRows(header.rows))
+            return false;
+        t.count = header.rows.count;
+        return StartTableIndexes(t);
+    }
     IndexExchange exchange(t);
-    if (!EndKeptRows(t) || !exchange.setAside() || !MakeTableIndexes(t) || !clearRows(header.rows))
-        return false;
+    if (!exchange.setAside() || !MakeTableIndexes(t) || !clearRows(header.rows)) return false;
     exchange.drop();
     t.count = header.rows.count;
     return true;

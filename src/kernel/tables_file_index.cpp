@@ -215,12 +215,32 @@ bool MakeTableIndexes(TableDescriptor& t) {
     return true;
 }
 
-bool StartTableIndexes(TableDescriptor& t) {
+namespace {
+
+// Whether it is so with the name and the text of each index.
+template <class Test>
+bool allIndexes(const TableDescriptor& t, const Test& test) {
     const std::string file(RowFileName(HeaderOf(t).rows));
-    bool good = true;
-    for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i)
-        good = IsEmptyIndexFile(IndexFileName(file, i + 1), file, IndexKeyText(t, i));
-    if (good) return true;
+    for (std::int32_t i = 0; i < IndexesOf(HeaderOf(t)); ++i) {
+        if (!test(IndexFileName(file, i + 1), file, IndexKeyText(t, i))) return false;
+    }
+    return true;
+}
+
+bool emptyIndex(const std::string& name, const std::string& file, const std::string& text) {
+    return IsEmptyIndexFile(name, file, text) || EmptyIndexFile(name, file, text);
+}
+
+}  // namespace
+
+bool CanEmptyTableIndexes(const TableDescriptor& t) {
+    return allIndexes(t, [](const std::string& name, const auto&...) { return CanEmptyIndexFile(name); });
+}
+
+bool StartTableIndexes(TableDescriptor& t) {
+    if (allIndexes(t, IsEmptyIndexFile)) return true;
+    if (!AcceptIndexPlaces(RowFileName(HeaderOf(t).rows), IndexesOf(HeaderOf(t)))) return false;
+    if (CanEmptyTableIndexes(t) && allIndexes(t, emptyIndex)) return true;
     IndexExchange exchange(t);
     if (!exchange.setAside() || !MakeTableIndexes(t)) return false;
     exchange.drop();

@@ -52,6 +52,9 @@ bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes);
 // Whether an index file names another table file, which stands beside this one.
 bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
 
+// Whether all indexes of a table can be emptied where they stand.
+bool CanEmptyTableIndexes(const TableDescriptor& t);
+
 // "" or what is wrong with the indexes of an open table. Sets no error.
 std::string CheckIndexFiles(const TableDescriptor& t);
 

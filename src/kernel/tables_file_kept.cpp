@@ -201,23 +201,21 @@ void RowGuard::takeBack() {
     errors.forget();
 }
 
-// A file that cannot be opened has never come to the disk as a whole.
+// A file that cannot be opened has never come to the disk as a whole; one that is empty keeps nothing, and
+// may stay where it cannot be removed.
 bool EndKeptRows(const TableDescriptor& t) {
     if (!HasKeptRows(t)) return true;
     if (!syncRows(t)) return false;
     const std::string path = pathBeside(t);
     OpenFile file;
-    FileError error = FileError::None;
-    const auto step = [&](FileError result) {
-        if (error == FileError::None) error = result;
-    };
-    if (os::files().open(path, os::OpenMode::ReadWrite, 0, file.handle) == FileError::None) {
-        step(os::files().truncate(file.handle, 0));
-        if (error == FileError::None) step(os::files().sync(file.handle));
-        step(file.close());
-    }
-    if (error == FileError::None) step(os::files().remove(path));
-    return error == FileError::None || RefuseWrite(error);
+    const bool opened = os::files().open(path, os::OpenMode::ReadWrite, 0, file.handle) == FileError::None;
+    FileError error = opened ? os::files().truncate(file.handle, 0) : FileError::None;
+    if (opened && error == FileError::None) error = os::files().sync(file.handle);
+    const FileError closed = file.close();
+    if (error == FileError::None) error = closed;
+    if (error != FileError::None) return RefuseWrite(error);
+    error = os::files().remove(path);
+    return opened || error == FileError::None || RefuseWrite(error);
 }
 
 // ---- looking ----

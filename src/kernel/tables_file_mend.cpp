@@ -46,7 +46,8 @@ bool lastUsedRow(RowFile& file, std::int32_t last, std::int32_t& count) {
 // One file of rows while it is mended. The list has its name.
 class RowMending {
 public:
-    RowMending(ListDescriptor& l, MendedRows& result) : list_(l), path_(RowFileName(l)), result_(result) {}
+    RowMending(ListDescriptor& l, std::int32_t rowsBehind, MendedRows& result)
+        : list_(l), path_(RowFileName(l)), rowsBehind_(rowsBehind), result_(result) {}
     bool run() {
         return file_.open(list_, os::OpenMode::ReadWrite) && look() && settleCount() && writeNote() &&
                cutAndCount();
@@ -61,11 +62,13 @@ private:
 
     ListDescriptor& list_;
     std::string path_;
+    std::int32_t rowsBehind_;
     MendedRows& result_;
     RowFile file_;
     RowNote note_;
     std::int64_t size_ = 0, end_ = 0;  // of the file; of the rows, with what is torn
-    std::int32_t rowsInFile_ = 0, count_ = 0;
+    std::int32_t rowsInFile_ = 0, count_ = 0, rowsTaken_ = 0;
+    bool endMark_ = false;  // of an Xbase file; it is let alone
 };
 
 bool RowMending::look() {
@@ -76,7 +79,9 @@ bool RowMending::look() {
     const std::int64_t rows = (end_ - header()) / file_.rowBytes();
     if (rows > std::numeric_limits<std::int32_t>::max()) return RefuseList(ERR_FILE_SIZE);
     rowsInFile_ = static_cast<std::int32_t>(rows);
-    return true;
+    if (file_.format() != RowsXbase || size_ != file_.offsetOf(rows + 1) + 1) return true;
+    const os::FileError marked = file_.readEndMark(size_, endMark_);
+    return marked == os::FileError::None || RefuseRead(marked);
 }
 
 // Rows that a smaller capacity has no room for stay.
@@ -86,7 +91,8 @@ bool RowMending::settleCount() {
     if (!StoresCount(file_.format())) return true;
     if (!readStoredCount(path_, file_.format(), stored)) return false;
     const bool good = stored >= 0 && stored <= rowsInFile_;
-    if (good) count_ = static_cast<std::int32_t>(stored);
+    if (good) rowsTaken_ = std::clamp(rowsBehind_, 0, rowsInFile_ - static_cast<std::int32_t>(stored));
+    if (good) count_ = static_cast<std::int32_t>(stored) + rowsTaken_;
     if (!good && file_.format() == RowsFixed && !lastUsedRow(file_, rowsInFile_, count_)) return false;
     if (IsFixedList(list_) && count_ > list_.maxlength) return RefuseList(ERR_FIXED_TABLE);
     result_.countSet = !good;
@@ -104,12 +110,12 @@ bool RowMending::writeNote() {
 
 bool RowMending::cutAndCount() {
     const std::int64_t whole = file_.offsetOf(std::int64_t{rowsInFile_} + 1);
-    const bool endMark = file_.format() == RowsXbase && size_ == whole + 1;
     os::FileError error = os::FileError::None;
-    if (result_.countSet || size_ < header()) error = file_.writeCount(count_);
-    if (error == os::FileError::None && size_ > whole && !endMark) {
-        result_.bytesCut = size_ - whole;
+    if (result_.countSet || rowsTaken_ > 0 || size_ < header()) error = file_.writeCount(count_);
+    if (error == os::FileError::None) result_.rowsTaken = rowsTaken_;
+    if (error == os::FileError::None && size_ > whole && !endMark_) {
         error = file_.cutTo(whole);
+        if (error == os::FileError::None) result_.bytesCut = size_ - whole;
     }
     if (error == os::FileError::None) error = file_.sync();
     const os::FileError closed = file_.close();
@@ -133,11 +139,11 @@ bool acceptMending(const ListDescriptor& l, std::string_view fileName) {
     return acceptFile(fileName);
 }
 
-bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) {
+bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t rowsBehind, MendedRows& result) {
     const bool xbase = RowFormatOf(fileName, l.maxlength) == RowsXbase;
     if (xbase && !AcceptXbaseRows(l)) return false;
     SetRowFileName(l, fileName);
-    const bool good = RowMending(l, result).run();
+    const bool good = RowMending(l, rowsBehind, result).run();
     SetRowFileName(l, {});
     return good;
 }
@@ -147,7 +153,7 @@ bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) 
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
     OwnErrors errors;
     MendedRows result;
-    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, result); }))
+    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, 0, result); }))
         result.error = OwnErrors::code();
     errors.forget();
     return result;
@@ -283,12 +289,12 @@ bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
     return acceptFile(fileName) && AcceptIndexKeys(t) && AcceptIndexPlaces(fileName, IndexesOf(HeaderOf(t)));
 }
 
-bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result) {
+bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind, RebuiltTable& result) {
     if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
     if (!acceptIndexes(t, fileName) || !acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
-        !mendRows(rows, fileName, result.mended))
+        !mendRows(rows, fileName, rowsBehind, result.mended))
         return false;
     bool created = false;
     if (!OpenRows(rows, fileName, text, created)) return false;
@@ -302,10 +308,10 @@ bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result
 
 }  // namespace
 
-RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName) {
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind) {
     OwnErrors errors;
     RebuiltTable result;
-    if (!WithMemory([&] { return rebuild(t, fileName, result); }) && !result.stopped)
+    if (!WithMemory([&] { return rebuild(t, fileName, rowsBehind, result); }) && !result.stopped)
         result.error = OwnErrors::code();
     errors.forget();
     return result;

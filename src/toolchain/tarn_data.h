@@ -12,6 +12,7 @@
 //   tarn_data_xbase       Xbase files as they stand
 //   tarn_data_rowtype     declarations of rows
 //   tarn_data_tables      table files, and the index files beside them
+//   tarn_data_patient     what is known of a file before it is mended, and whether it may be
 //   tarn_data_target      what the other form cannot hold, and the writing; _toxbase and _totable likewise
 //   tarn_data_progress    progress on a terminal, and stopping
 #pragma once

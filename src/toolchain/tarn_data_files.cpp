@@ -3,6 +3,7 @@
 
 #include "kernel/data/xbase.h"
 #include "kernel/index_file.h"
+#include "kernel/runtime.h"
 #include "kernel/tables.h"
 
 #include <algorithm>
@@ -135,6 +136,12 @@ bool FileRows::next(std::string_view& row) {
     row = unread_.substr(0, rowBytes_);
     unread_.remove_prefix(rowBytes_);
     return true;
+}
+
+Problem findNote(const std::string& file, std::int64_t headerBytes, std::int32_t rowBytes, RowNote& note) {
+    const bool read = FindRowNote(os::native(file), headerBytes, rowBytes, note);
+    ClearError();
+    return read ? Problem() : unreadable(file, os::FileError::ReadFailed);
 }
 
 // ---- folders ----

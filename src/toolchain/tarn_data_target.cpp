@@ -195,6 +195,8 @@ Problem chooseLayout(const Layout& layout, Target& target) {
 Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target) {
     target.file = file;
     target.format = DataFormatOf(file);
+    if (os::infoOf(os::native(file)).special)
+        return {fileWord(file) + "cannot be written.", "It is no regular file: give the name of one."};
     if (arguments.toTable || target.format == FormatBinary) return chooseTable(arguments, target);
     if (target.format == FormatUnknown)
         return {"'" + file + "' cannot be written: its extension is none of csv, tab, txt, xml, dbf and bin.",
