@@ -28,6 +28,10 @@ bool IsFileFailure(std::int32_t code) {
     return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
 }
 
+bool IsMemoryError(std::int32_t code) {
+    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
+}
+
 bool IsMissing(os::FileError error) {
     return error == os::FileError::NotFound || error == os::FileError::NotFolder;
 }

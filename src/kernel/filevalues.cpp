@@ -6,6 +6,7 @@
 #include "kernel/string_text.h"
 #include "kernel/table_access.h"
 #include "kernel/tables_file_index.h"
+#include "kernel/tables_file_kept.h"
 
 namespace tarn {
 
@@ -55,7 +56,8 @@ bool openIndexes(TableDescriptor& t, bool created) {
     if (t.count == 0 && !created && !os::infoOf(file).writable) return true;
     if (!AcceptIndexPlaces(file, IndexesOf(HeaderOf(t)))) return false;
     if (created) RemoveIndexFiles(file);
-    return t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t);
+    if (!(t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t))) return false;
+    return HasAllKeptRows(t) || RefuseTable(ERR_INDEX_FILE_SIZE);
 }
 
 // Where a link led to the name, the file was made where it leads.
@@ -80,8 +82,8 @@ bool openTable(TableDescriptor& t, std::string_view fileName) {
 }
 
 bool closeTable(TableDescriptor& t) {
-    const bool good = SyncTableIndexes(t);
-    return CloseRows(HeaderOf(t).rows) && good;
+    const bool synced = SyncTableIndexes(t), ended = EndKeptRows(t);
+    return CloseRows(HeaderOf(t).rows) && synced && ended;
 }
 
 }  // namespace

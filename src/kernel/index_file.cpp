@@ -5,12 +5,15 @@
 #include "kernel/fileerrors.h"
 #include "kernel/index_filedisk.h"
 #include "kernel/index_filelayout.h"
+#include "kernel/numbers.h"
 #include "kernel/rowfile_names.h"
 #include "kernel/rowformat.h"
 #include "kernel/runtime.h"
 
+#include <charconv>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace tarn {
 
@@ -46,19 +49,6 @@ std::string headerOf(std::string_view tableFile, std::string_view keyText) {
     return header;
 }
 
-// The permissions of the table file, so that an index tells nobody more than the rows do; its owner may
-// always write. Where this user cannot give it to the other owner, the group alone may do.
-os::FileError takeOver(std::string_view tableFile, const std::string& path) {
-    constexpr std::uint32_t withoutRunning = 0666, own = 0600;
-    const os::FileInfo rows = os::infoOf(std::string(tableFile)), made = os::infoOf(path);
-    if (!rows.exists) return os::FileError::None;
-    const bool others = rows.owner != made.owner || rows.group != made.group;
-    if (others && os::files().setOwner(path, rows.owner, rows.group) != os::FileError::None)
-        (void)os::files().setOwner(path, made.owner, rows.group);
-    const std::uint32_t mode = (rows.mode & withoutRunning) | own;
-    return mode == made.mode ? os::FileError::None : os::files().setMode(path, mode);
-}
-
 // Beside what stands there, if anything does.
 os::FileError makeNewFile(const std::string& path, NewFile& made) {
     const os::FileError error =
@@ -73,7 +63,7 @@ os::FileError fillNewFile(NewFile& made, std::string_view tableFile, std::string
     os::FileError error = os::files().write(made.handle, 0, bytes);
     const os::FileError closed = made.close();
     if (error == os::FileError::None) error = closed;
-    return error == os::FileError::None ? takeOver(tableFile, made.path) : error;
+    return error == os::FileError::None ? GiveRightsOf(tableFile, made.path) : error;
 }
 
 std::string headerIn(const std::string& path) {
@@ -114,6 +104,35 @@ std::int32_t writeTableName(const std::string& path, const char* name, char* bef
 
 }  // namespace
 
+// Its owner may always write. Where this user cannot give it to the other owner, the group alone may do.
+os::FileError GiveRightsOf(std::string_view tableFile, const std::string& path) {
+    constexpr std::uint32_t withoutRunning = 0666, own = 0600;
+    const os::FileInfo rows = os::infoOf(std::string(tableFile)), made = os::infoOf(path);
+    if (!rows.exists) return os::FileError::None;
+    const bool others = rows.owner != made.owner || rows.group != made.group;
+    if (others && os::files().setOwner(path, rows.owner, rows.group) != os::FileError::None)
+        (void)os::files().setOwner(path, made.owner, rows.group);
+    const std::uint32_t mode = (rows.mode & withoutRunning) | own;
+    return mode == made.mode ? os::FileError::None : os::files().setMode(path, mode);
+}
+
+namespace {
+
+// The last bytes of the name stay.
+std::string shortened(std::string path, std::size_t last) {
+    constexpr std::size_t longest = 255, sumDigits = 8;
+    constexpr int base = 16;
+    const std::string_view name = fileNameOf(path);
+    if (name.size() <= longest) return path;
+    char sum[sumDigits];
+    const auto written = std::to_chars(sum, sum + sumDigits, Crc32(name.data(), name.size()), base);
+    const std::string_view digits(sum, static_cast<std::size_t>(written.ptr - sum));
+    const std::size_t from = path.size() - name.size() + longest - last - sumDigits - 1;
+    return path.replace(from, path.size() - last - from, "-" + std::string(digits));
+}
+
+}  // namespace
+
 std::string IndexFileName(std::string_view tableFile, std::int32_t index) {
     const std::string_view name = fileNameOf(tableFile);
     const std::size_t folder = tableFile.size() - name.size(), point = name.rfind('.');
@@ -126,10 +145,14 @@ std::string IndexFileName(std::string_view tableFile, std::int32_t index) {
 }
 
 std::string MarkedIndexName(std::string_view indexFile, std::string_view mark) {
-    std::string name(indexFile);
-    if (IsScratchName(name)) return name.insert(name.size() - 1, mark);
     constexpr std::size_t extension = 2;
-    return name.replace(name.size() - extension, 1, mark);
+    std::string name(indexFile);
+    const bool scratch = IsScratchName(name);
+    if (scratch)
+        name.insert(name.size() - 1, mark);
+    else
+        name.replace(name.size() - extension, 1, mark);
+    return shortened(std::move(name), mark.size() + (scratch ? 1 : extension));
 }
 
 std::int32_t IndexRecordSize(const KeyView& key) {
@@ -162,6 +185,24 @@ bool IsEmptyIndexFile(const std::string& path, std::string_view tableFile, std::
     const os::FileInfo info = os::infoOf(path);
     return info.exists && !info.folder && !info.special && info.size == IndexHeaderBytes &&
            headerIn(path) == headerOf(tableFile, keyText);
+}
+
+bool CanEmptyIndexFile(const std::string& path) {
+    const os::FileInfo info = os::infoOf(path);
+    return info.exists && !info.folder && !info.special && info.writable && info.links == 1 &&
+           !headerIn(path).empty();
+}
+
+// Cut off first: an index without nodes whose file is too long would pass for whole.
+bool EmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText) {
+    const std::string header = headerOf(tableFile, keyText);
+    CloseKeptIndex();
+    os::Handle handle = -1;
+    if (os::files().open(path, os::OpenMode::ReadWrite, 0, handle) != os::FileError::None) return false;
+    os::FileError error = os::files().truncate(handle, IndexHeaderBytes);
+    if (error == os::FileError::None) error = os::files().write(handle, 0, header);
+    const os::FileError closed = os::files().close(handle);
+    return error == os::FileError::None && closed == os::FileError::None;
 }
 
 bool RenameIndexFile(const std::string& from, const std::string& to, std::string_view tableFile) {

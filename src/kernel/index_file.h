@@ -47,7 +47,8 @@ inline constexpr std::int32_t IndexHeaderBytes = 1104, IndexNodeHeadBytes = 24, 
 // scratch file, whose extension begins with '~', stands behind that: "orders.~sv2", since orders.tab may have
 // indexes.
 std::string IndexFileName(std::string_view tableFile, std::int32_t index);
-// A file beside an index: "~n" and "orders.i2" give "orders.~n2", and "orders.~sv2" gives "orders.~sv~n2".
+// A file beside an index: "~n" and "orders.i2" give "orders.~n2", and "orders.~sv2" gives "orders.~sv~n2". A
+// name that would be longer than a disk takes is shortened, and told from others by a checksum.
 std::string MarkedIndexName(std::string_view indexFile, std::string_view mark);
 // The bytes of a node record with a key of this shape; 0 for one that cannot stand in a file: a string
 // without a capacity, or more than MostPackedBytes (data/packing.h).
@@ -60,6 +61,11 @@ std::int32_t IndexRecordSize(const KeyView& key);
 bool CreateIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText);
 // Whether a file is such as CreateIndexFile makes.
 bool IsEmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText);
+// Whether an index can be emptied where it stands: it begins as one, may be written and has no second name.
+bool CanEmptyIndexFile(const std::string& path);
+// Empties one. Needs neither a folder that may be written nor room on the disk. Sets no error: what fails may
+// be half done, and a new file can take its place.
+bool EmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText);
 // Moves an index to the name that belongs to another table file, and writes that file's name into it.
 bool RenameIndexFile(const std::string& from, const std::string& to, std::string_view tableFile);
 // The text at offset 49; empty when the file is no index file.

@@ -105,8 +105,9 @@ bool IndexCheck::open(const std::string& path) {
                    ").");
     records_ = IndexRecordsOf(size, layout_.recordSize);
     if (records_ >= 0) return true;
-    return say("The file has " + text((size - IndexHeaderBytes) % layout_.recordSize) +
-               " bytes too many for records of " + text(layout_.recordSize) + ".");
+    const std::int64_t over = (size - IndexHeaderBytes) % layout_.recordSize;
+    return say("The file has " + text(over) + (over == 1 ? " byte" : " bytes") + " too many for records of " +
+               text(layout_.recordSize) + ".");
 }
 
 bool IndexCheck::checkHeader() {

@@ -3,6 +3,7 @@
 
 #include "kernel/errors.h"
 #include "kernel/fileerrors.h"
+#include "kernel/index_file.h"
 
 #include <algorithm>
 #include <cstring>
@@ -92,6 +93,7 @@ std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
     path_ = path;
     mode_ = mode;
     peekedAt_ = -aroundBytes - 1;
+    ofUse_ = false;
     changes_.clear();
     if (const std::int32_t code = adopt(); code != 0) return code;
     const std::int32_t code = FileReadCode(os::files().size(handle_, size_));
@@ -150,15 +152,18 @@ std::int32_t IndexDisk::read(std::int64_t offset, char* into, std::int32_t count
     return readWhole(offset, into, static_cast<std::size_t>(count));
 }
 
-// Reads these bytes, and those around them when they are near the ones before.
+// Reads these bytes, and those around them when that looks worth while: they are near the ones before, or
+// what was read around those was of use.
 std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
     if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
     const std::int64_t distance = offset - peekedAt_;
-    const std::int32_t around = distance >= -aroundBytes && distance <= aroundBytes ? aroundBytes : 0;
+    const bool near = distance >= -aroundBytes && distance <= aroundBytes;
+    const std::int32_t around = near || ofUse_ ? aroundBytes : 0;
     const std::int64_t start = std::max<std::int64_t>(offset - around, 0);
     const std::int64_t end = std::min(offset + count + around, size_);
     inBuffer_ = 0;
+    ofUse_ = false;
     bufferAt_ = start;
     peekedAt_ = offset;
     const std::int32_t code = readWhole(start, buffer_, static_cast<std::size_t>(end - start));
@@ -169,6 +174,7 @@ std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
 const char* IndexDisk::peek(std::int64_t offset, std::int32_t count, std::int32_t& code) {
     const bool there = offset >= bufferAt_ && offset + count <= bufferAt_ + inBuffer_;
     code = there ? 0 : fill(offset, count);
+    ofUse_ = ofUse_ || (there && offset >= IndexHeaderBytes);
     return code == 0 ? buffer_ + (offset - bufferAt_) : nullptr;
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The file below an index: read with what stands around when the ways lead to near places, as they do at the
-// end of a way down among keys that came in order; written with a note of what stood there, so that a change
-// can be taken back. Only the modules of index
-// files include this. Results are error codes, 0 for success: 653 no such file, 651 and 652 it cannot be
-// read or written, 654 the disk is full, 657 a name that is not allowed, 802 memory is short.
+// end of a way down among keys that came in order, and in an index that was written at once; written with a
+// note of what stood there, so that a change can be taken back. Only the modules of index files include this.
+// Results are error codes, 0 for success: 653 no such file, 651 and 652 it cannot be read or written, 654 the
+// disk is full, 657 a name that is not allowed, 802 memory is short.
 //
 // One file may be kept open from one operation to the next: it is taken over when it is opened again, given
 // back when that is closed, and closed when another is opened. Its name may have come to stand for another
@@ -89,6 +89,7 @@ private:
     std::string before_;
     std::int64_t bufferAt_ = 0, peekedAt_ = 0;
     std::int32_t inBuffer_ = 0;
+    bool ofUse_ = false;  // the buffer, since it was filled
     char buffer_[mostPeek + 2 * aroundBytes];
 };
 

@@ -60,6 +60,7 @@ public:
     os::FileError writeCount(std::int32_t count);  // nothing for a format that has none
     os::FileError cutTo(std::int64_t size);
     os::FileError size(std::int64_t& bytes);
+    os::FileError readEndMark(std::int64_t size, bool& there) const;  // a last byte 26
     os::FileError sync();
 
     // Appends the bytes of an element of the list's shape; 611 when it has another, 658, 802.
@@ -71,7 +72,6 @@ public:
 private:
     bool readXbaseHeader();
     os::FileError readCount(std::int64_t& count) const;
-    os::FileError readEndMark(std::int64_t size, bool& there) const;
     os::FileError readAll(std::int64_t offset, char* into, std::size_t count, std::size_t& got) const;
 
     os::Handle handle_ = -1;

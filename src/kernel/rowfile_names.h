@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -27,6 +28,9 @@ struct NewFile {
 
 // Makes one in the folder of `path`, with its extension, under a name that nobody has.
 os::FileError MakeFileBeside(const std::string& path, NewFile& made);
+// Gives a file the permissions of the table file, if there is one, so that it tells nobody more than the rows
+// do; and its owner and group where this user can.
+os::FileError GiveRightsOf(std::string_view tableFile, const std::string& path);
 // "." for a name without a folder.
 std::string FolderOfFile(const std::string& path);
 

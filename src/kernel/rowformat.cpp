@@ -36,8 +36,10 @@ void SetRowFileName(ListDescriptor& l, std::string_view name) {
 bool AcceptFileName(std::string_view name) {
     if (name.empty()) return RefuseList(ERR_FILE_NOT_OPEN);
     const std::string_view file = filePart(name);
-    const bool good = name.size() < std::size_t{FileNameBytes} && name.find('\0') == std::string_view::npos &&
-                      !file.empty() && file != "." && file != "..";
+    const bool drive = name.size() == 2 && name[1] == ':' && ascii::isLetter(name[0]);
+    const bool good = !drive && name.size() < std::size_t{FileNameBytes} &&
+                      name.find('\0') == std::string_view::npos && !file.empty() && file != "." &&
+                      file != "..";
     return good || RefuseList(ERR_FILE_NAME);
 }
 

@@ -19,7 +19,7 @@ namespace tarn {
 
 // Stores a name of less than FileNameBytes characters; "" closes the list.
 void SetRowFileName(ListDescriptor& l, std::string_view name);
-// 661 for an empty name, 657 for one that is too long, holds a NUL or has no file part.
+// 661 for an empty name, 657 for one that is too long, holds a NUL or has no file part ("C:").
 bool AcceptFileName(std::string_view name);
 // What stands behind the last '.' of the file part, with the '.'; "" for none.
 std::string_view ExtensionOf(std::string_view name);

@@ -1,74 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Every operation turns its arguments into a Text (where the characters stand, how many, how wide each) and
-// then works the same for strings, NUL-ended texts, length-prefixed texts and bytes. A Text may lie inside
-// the destination, so bytes are moved, not copied, and a destination is freed only after its new block is
-// complete.
-#include "kernel/strings.h"
+// What is assigned may lie inside the destination, so bytes are moved, not copied, and a destination is freed
+// only after its new block is complete.
+#include "kernel/string_access.h"
 
-#include "kernel/errors.h"
-#include "kernel/runtime.h"
-
-#include <algorithm>
 #include <climits>
-#include <cstring>
 
 namespace tarn {
+
+using namespace strings;
 
 std::int32_t CharacterWidth = 1;
 
 namespace {
 
-struct Text {
-    const char* bytes = nullptr;
-    std::int32_t count = 0;  // characters
-    std::int32_t width = 1;  // bytes of each
-};
-
-std::size_t bytesOf(std::int32_t characters) {
-    return static_cast<std::size_t>(characters) * static_cast<std::size_t>(CharacterWidth);
-}
-
 bool isUnbounded(const StringDescriptor& s) {
     return s.maxlength == UNBOUNDED;
-}
-
-bool isString(const StringDescriptor* s) {
-    return s != nullptr && s->tag == TagString && (s->maxlength >= 1 || s->maxlength == UNBOUNDED) &&
-           s->size >= 0 && s->length >= 0 && bytesOf(s->length) <= static_cast<std::size_t>(s->size);
-}
-
-template <class... Strings>
-bool accept(const Strings*... strings) {
-    if ((isString(strings) && ...)) [[likely]]
-        return true;
-    SetError(ERR_STRING_TYPE);
-    return false;
-}
-
-Text textOf(const StringDescriptor* s) {
-    return {At(s->data), s->length, CharacterWidth};
-}
-Text textOf(std::string_view bytes) {
-    return {bytes.data(), static_cast<std::int32_t>(std::min<std::size_t>(bytes.size(), INT32_MAX)), 1};
-}
-
-std::int32_t characterAt(const Text& text, std::int32_t index) {
-    const char* at =
-        text.bytes + std::size_t{static_cast<std::uint32_t>(index)} * static_cast<std::size_t>(text.width);
-    if (text.width == 1) return static_cast<unsigned char>(*at);
-    std::uint16_t wide = 0;
-    std::memcpy(&wide, at, sizeof wide);
-    return wide;
-}
-
-void storeCharacter(char* at, std::int32_t c) {
-    if (CharacterWidth == 1) {
-        *at = static_cast<char>(c);
-        return;
-    }
-    const auto wide = static_cast<std::uint16_t>(c);
-    std::memcpy(at, &wide, sizeof wide);
 }
 
 // Writes the first `count` characters of `text` behind the first `index` characters of a block.
@@ -225,56 +172,6 @@ bool acceptText(const StringDescriptor* dest, const void* text) {
 
 std::string_view shortText(const unsigned char* text) {
     return {reinterpret_cast<const char*>(text) + 1, static_cast<std::size_t>(text[0])};
-}
-
-// ---- comparing ----
-
-std::int32_t fold(std::int32_t c) {
-    return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c;
-}
-
-std::int32_t sign(std::int32_t value) {
-    return (value > 0) - (value < 0);
-}
-
-std::int32_t compare(const Text& a, const Text& b, bool ignoreCase) {
-    const std::int32_t common = std::min(a.count, b.count);
-    if (a.width == 1 && b.width == 1 && !ignoreCase) {
-        const int difference =
-            common == 0 ? 0 : std::memcmp(a.bytes, b.bytes, static_cast<std::size_t>(common));
-        return difference != 0 ? sign(difference) : sign(a.count - b.count);
-    }
-    for (std::int32_t i = 0; i < common; ++i) {
-        std::int32_t left = characterAt(a, i), right = characterAt(b, i);
-        if (ignoreCase) {
-            left = fold(left);
-            right = fold(right);
-        }
-        if (left != right) return sign(left - right);
-    }
-    return sign(a.count - b.count);
-}
-
-// The first two characters of an operator, upper-cased, as one number.
-constexpr int operatorKey(char first, char second) {
-    const auto upper = [](char c) {
-        return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : static_cast<unsigned char>(c);
-    };
-    return upper(first) * 256 + upper(second);
-}
-
-bool holds(std::string_view op, const Text& a, const Text& b) {
-    if (op.size() < 2) return false;
-    const auto equal = [&] { return a.count == b.count && compare(a, b, false) == 0; };
-    switch (operatorKey(op[0], op[1])) {
-    case operatorKey('E', 'Q'): return equal();
-    case operatorKey('N', 'E'): return !equal();
-    case operatorKey('G', 'T'): return compare(a, b, false) > 0;
-    case operatorKey('L', 'T'): return compare(a, b, false) < 0;
-    case operatorKey('G', 'E'): return compare(a, b, false) >= 0;
-    case operatorKey('L', 'E'): return compare(a, b, false) <= 0;
-    default: return false;
-    }
 }
 
 // The narrow characters of a raw buffer up to a NUL.
@@ -434,57 +331,6 @@ void StringTerminate(StringDescriptor* s) {
         return;
     }
     storeCharacter(At(s->data) + bytesOf(s->length), 0);
-}
-
-// ---- looking ----
-
-void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ignoreCase,
-                   std::int32_t& result) {
-    result = accept(a, b) ? compare(textOf(a), textOf(b), ignoreCase) : 0;
-}
-
-std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a, const StringDescriptor* b) {
-    return accept(a, b) && holds(op, textOf(a), textOf(b)) ? 1 : 0;
-}
-
-std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a, std::string_view b) {
-    return accept(a) && holds(op, textOf(a), textOf(b)) ? 1 : 0;
-}
-
-std::int32_t StringCompareOp(std::string_view op, std::string_view a, const StringDescriptor* b) {
-    return accept(b) && holds(op, textOf(a), textOf(b)) ? 1 : 0;
-}
-
-std::int32_t StringCompareOp(std::string_view op, std::string_view a, std::string_view b) {
-    return holds(op, textOf(a), textOf(b)) ? 1 : 0;
-}
-
-bool StringIsNull(const StringDescriptor* s) {
-    using namespace std::string_view_literals;
-    return accept(s) && holds("EQ", textOf(s), textOf("\0NULL\0"sv));
-}
-
-std::int32_t StringGetChar(const StringDescriptor* s, std::int32_t position) {
-    if (!accept(s) || position < 1 || position > s->length) return 0;
-    return characterAt(textOf(s), position - 1);
-}
-
-void StringPutChar(StringDescriptor* s, std::int32_t position, std::int32_t c) {
-    if (!accept(s) || position < 1 || position > s->length) return;
-    storeCharacter(At(s->data) + bytesOf(position - 1), c);
-}
-
-std::int32_t StringLength(const StringDescriptor* s) {
-    return s != nullptr && accept(s) ? s->length : 0;
-}
-
-std::int32_t StringMaxLength(const StringDescriptor* s) {
-    return s != nullptr && accept(s) ? s->maxlength : 0;
-}
-
-std::string_view StringView(const StringDescriptor* s) {
-    if (!accept(s) || s->length == 0) return {};
-    return {At(s->data), bytesOf(s->length)};
 }
 
 }  // namespace tarn

@@ -68,7 +68,7 @@ void TableUpdate(const RecordDescriptor* row, std::int32_t indexNumber, const Re
                  TableDescriptor* t);
 // 604 when there is none. The last row takes the number of the deleted one.
 void TableDelete(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key);
-void TableClear(TableDescriptor* t);
+void TableClear(TableDescriptor* t);  // the rows stay gone when the files of the indexes cannot be emptied
 // Builds every index anew from the rows, in row order. 637 when two rows have one key: that index then holds
 // the rows before the second, and the indexes behind it are empty. Rows that an index lacks can still be
 // updated and deleted through another, and the table then be rebuilt. 802 and 804 leave the indexes like 637

@@ -8,7 +8,7 @@
 #include "kernel/errors.h"
 #include "kernel/owned.h"
 #include "kernel/tables_file_fill.h"
-#include "kernel/tables_file_note.h"
+#include "kernel/tables_file_kept.h"
 
 #include <limits>
 
@@ -139,9 +139,12 @@ bool FileTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView
         FileTree* tree = i == index ? found : changes.open(i);
         return tree != nullptr && replaceEntry(*tree, old.key(i), after, number);
     });
-    if (!good || !ReplaceRow(header.rows, number, &row)) return false;
-    if (changes.commit()) return true;
-    WriteRow(header.rows, number, old.get());
+    RowGuard guard(t);
+    if (!good || !guard.begin(number, 0)) return false;
+    const bool replaced = ReplaceRow(header.rows, number, &row);
+    if (replaced && changes.commit()) return true;
+    if (replaced) WriteRow(header.rows, number, old.get());
+    guard.takeBack();
     return false;
 }
 
@@ -159,11 +162,14 @@ bool FileTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView
         return tree != nullptr && RemoveEntry(*tree, row.key(i), number) &&
                (!moves || RenumberEntry(*tree, moved.key(i), last, number));
     });
-    if (!good || (moves && !ReplaceRow(header.rows, number, moved.get()))) return false;
-    const bool committed = changes.commit();
+    RowGuard guard(t);
+    if (!good || !guard.begin(number, moves ? last : 0)) return false;
+    const bool replaced = !moves || ReplaceRow(header.rows, number, moved.get());
+    const bool committed = replaced && (!moves || guard.beforeCut()) && changes.commit();
     if (!committed || !RemoveLastRow(header.rows)) {
         if (committed) changes.revert();
-        if (moves) WriteRow(header.rows, number, row.get());
+        if (moves && replaced) WriteRow(header.rows, number, row.get());
+        guard.takeBack();
         return false;
     }
     t.count = header.rows.count;
@@ -182,8 +188,18 @@ bool clearRows(ListDescriptor& rows) {
 
 }  // namespace
 
+// Where the indexes stay the files that they are, the rows go first: a table without rows opens with indexes
+// of any content, which are emptied then. So they also stay gone when an index can then neither be emptied
+// nor made anew, which is told.
 bool FileTableClear(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
+    if (!EndKeptRows(t)) return false;
+    if (CanEmptyTableIndexes(t)) {
+        if (!AcceptIndexPlaces(RowFileName(header.rows), IndexesOf(header)) || !clearRows(header.rows))
+            return false;
+        t.count = header.rows.count;
+        return StartTableIndexes(t);
+    }
     IndexExchange exchange(t);
     if (!exchange.setAside() || !MakeTableIndexes(t) || !clearRows(header.rows)) return false;
     exchange.drop();

@@ -21,10 +21,10 @@ namespace tarn {
 // Makes the files of all indexes, empty; what stood in their places has stepped aside. When one of them
 // cannot be made, those that were made are gone again. 652, 654, 657.
 bool MakeTableIndexes(TableDescriptor& t);
-// For a row file that was just made or has no rows: empty indexes. What stands in their places steps aside
-// and is gone when all are made; it is back when one cannot be. Indexes that are as they should be are not
-// touched, so that the folder need not be one that can be written. 652, 654, 657, 656 for the index of
-// another table.
+// For a row file that was just made or has no rows: empty indexes. Indexes that are as they should be are not
+// touched, and others emptied where they stand, if all can be, so that the folder need not be one that can be
+// written. Else what stands in their places steps aside and is gone when all are made; it is back when one
+// cannot be. 652, 654, 657, 656 for the index of another table.
 bool StartTableIndexes(TableDescriptor& t);
 // For a row file with rows: every index must be there, its size that of whole nodes, and not too short for
 // the rows, and must not name another table file that stands beside: 656. A copy under another name still
@@ -58,7 +58,8 @@ struct MendedRows {
     std::int32_t rows = 0;        // that are there now
     std::int64_t bytesCut = 0;    // from behind the last whole row
     std::int32_t rowWritten = 0;  // a row whose replacement was begun and noted (tables_file_note.h), or 0
-    bool countSet = false;        // the count in the header was another
+    bool countSet = false;        // the count in the header was none that can be
+    std::int32_t rowsTaken = 0;   // rows behind those that the header counted
 };
 struct DuplicateKey {
     std::int32_t index = 0;           // from 1
@@ -70,9 +71,11 @@ struct RebuiltTable {
     MendedRows mended;
     std::int32_t rows = 0;
     std::int32_t rowDropped = 0, sameAs = 0;  // the last row, when it was an earlier one again, or 0
-    std::int32_t badRow = 0;                  // the row that could not be read, or 0
-    bool stopped = false;                     // by the user (data/progress.h)
-    std::vector<DuplicateKey> duplicates;     // the first of them, index after index; none was dropped
+    std::int32_t rowsRestored = 0;  // that a deletion had moved and that were lost (tables_file_kept.h)
+    std::int32_t rowsTorn = 0;      // dropped, as they could not be read, while rows were kept
+    std::int32_t badRow = 0;        // the row that could not be read, or 0
+    bool stopped = false;           // by the user (data/progress.h)
+    std::vector<DuplicateKey> duplicates;  // the first of them, index after index; none was dropped
 };
 
 // Mends the file of a list that is held in a file and not open, after a death of a process or machine: writes
@@ -81,9 +84,10 @@ struct RebuiltTable {
 // can count: nothing is changed then. Sets no error, as the next one.
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
 // The same for a table (762 for a type text that is not that of its rows), which then gets new indexes. A
-// last row that is an earlier one again, whole, is dropped: a deletion had moved it. Other rows with one key
-// stay; the indexes then lack all but the first. When it fails or is stopped the old indexes are as they
-// were.
-RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName);
+// last row that is an earlier one again, whole, is dropped: a deletion had moved it; rows that were kept
+// while deletions moved them and are missing come back, behind the others. Other rows with one key stay; the
+// indexes then lack all but the first. When it fails or is stopped the old indexes are as they were.
+// `rowsBehind`: so many whole rows behind those that the header counts are taken in.
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind = 0);
 
 }  // namespace tarn

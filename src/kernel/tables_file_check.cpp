@@ -5,8 +5,10 @@
 #include "kernel/data/datafile.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
+#include "kernel/owned.h"
 #include "kernel/rowformat.h"
 #include "kernel/tables_file_index.h"
+#include "kernel/tables_file_kept.h"
 
 namespace tarn {
 
@@ -39,6 +41,28 @@ std::string checkIndex(const TableHeader& header, std::int32_t index, const std:
 
 }  // namespace
 
+bool HasAllKeptRows(const TableDescriptor& t) {
+    if (!HasKeptRows(t)) return true;
+    OwnErrors errors;
+    const TableHeader& header = HeaderOf(t);
+    FileTree tree;
+    RecordValue row;
+    // The index may be of other rows.
+    const auto isThere = [&](const RecordDescriptor& kept) {
+        KeyView key, own;
+        FileTree::Ref node = 0;
+        return KeyOfRow(kept, header.keyMaps[0], key) && FindEqual(tree, key, node) && node != 0 &&
+               HasRow(header, tree.row(node)) && ReadRow(header.rows, tree.row(node), row.get()) &&
+               KeyOfRow(*row.get(), header.keyMaps[0], own) && tree.order(own, node) == 0;
+    };
+    const bool all =
+        InitValue(row.get(), &RowShape(header), KindRecord) &&
+        tree.open(IndexFileName(RowFileName(header.rows), 1), IndexKeyShape(header, 0), os::OpenMode::Read) &&
+        EachKeptRow(t, isThere);
+    errors.forget();
+    return all;
+}
+
 std::string CheckIndexFiles(const TableDescriptor& t) {
     OwnErrors errors;
     const TableHeader& header = HeaderOf(t);
@@ -49,6 +73,7 @@ std::string CheckIndexFiles(const TableDescriptor& t) {
             wrong = checkIndex(header, i, IndexFileName(file, i + 1));
             if (!wrong.empty()) wrong = "table index " + std::to_string(i + 1) + ": " + wrong;
         }
+        if (wrong.empty() && !HasAllKeptRows(t)) wrong = "table: a row that a deletion has moved is missing";
         return true;
     });
     errors.forget();

@@ -4,6 +4,7 @@
 #include "kernel/errors.h"
 #include "kernel/rowfile.h"
 #include "kernel/tables_file_fill.h"
+#include "kernel/tables_file_kept.h"
 #include "kernel/tables_ops.h"
 
 namespace tarn {
@@ -51,7 +52,7 @@ bool replaceRows(const TableDescriptor& from, TableDescriptor& to, IndexExchange
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         if (!fillNew(to, source, i, exchange.newName(i))) return false;
     }
-    if (!exchange.setAside()) return false;
+    if (!EndKeptRows(to) || !exchange.setAside()) return false;
     if (beside.takePlace()) return true;
     exchange.putBack();
     return false;

@@ -7,6 +7,7 @@
 #include "kernel/index_filedisk.h"
 #include "kernel/rowfile.h"
 #include "kernel/rowformat.h"
+#include "kernel/tables_file_kept.h"
 
 namespace tarn {
 
@@ -214,12 +215,32 @@ bool MakeTableIndexes(TableDescriptor& t) {
     return true;
 }
 
-bool StartTableIndexes(TableDescriptor& t) {
+namespace {
+
+// Whether it is so with the name and the text of each index.
+template <class Test>
+bool allIndexes(const TableDescriptor& t, const Test& test) {
     const std::string file(RowFileName(HeaderOf(t).rows));
-    bool good = true;
-    for (std::int32_t i = 0; good && i < IndexesOf(HeaderOf(t)); ++i)
-        good = IsEmptyIndexFile(IndexFileName(file, i + 1), file, IndexKeyText(t, i));
-    if (good) return true;
+    for (std::int32_t i = 0; i < IndexesOf(HeaderOf(t)); ++i) {
+        if (!test(IndexFileName(file, i + 1), file, IndexKeyText(t, i))) return false;
+    }
+    return true;
+}
+
+bool emptyIndex(const std::string& name, const std::string& file, const std::string& text) {
+    return IsEmptyIndexFile(name, file, text) || EmptyIndexFile(name, file, text);
+}
+
+}  // namespace
+
+bool CanEmptyTableIndexes(const TableDescriptor& t) {
+    return allIndexes(t, [](const std::string& name, const auto&...) { return CanEmptyIndexFile(name); });
+}
+
+bool StartTableIndexes(TableDescriptor& t) {
+    if (allIndexes(t, IsEmptyIndexFile)) return true;
+    if (!AcceptIndexPlaces(RowFileName(HeaderOf(t).rows), IndexesOf(HeaderOf(t)))) return false;
+    if (CanEmptyTableIndexes(t) && allIndexes(t, emptyIndex)) return true;
     IndexExchange exchange(t);
     if (!exchange.setAside() || !MakeTableIndexes(t)) return false;
     exchange.drop();
@@ -279,7 +300,9 @@ void ReleaseTableIndexes(const TableDescriptor& t) {
     if (!IsHeldInFile(rows) || RowFileName(rows).empty()) return;
     WithMemory([&] {
         if (IsScratchFile(rows)) return RemoveIndexFiles(RowFileName(rows)), true;
-        return !os::infoOf(std::string(RowFileName(rows))).exists || SyncTableIndexes(t);
+        if (!os::infoOf(std::string(RowFileName(rows))).exists) return true;
+        const bool synced = SyncTableIndexes(t);
+        return EndKeptRows(t) && synced;
     });
 }
 

@@ -52,8 +52,15 @@ bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes);
 // Whether an index file names another table file, which stands beside this one.
 bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
 
+// Whether all indexes of a table can be emptied where they stand.
+bool CanEmptyTableIndexes(const TableDescriptor& t);
+
 // "" or what is wrong with the indexes of an open table. Sets no error.
 std::string CheckIndexFiles(const TableDescriptor& t);
+
+// Whether all rows that are kept beside an open table (tables_file_kept.h) are found by the first index. Sets
+// no error.
+bool HasAllKeptRows(const TableDescriptor& t);
 
 // ---- entries ----
 

@@ -7,7 +7,9 @@
 #include "kernel/rowfile_access.h"
 #include "kernel/string_text.h"
 #include "kernel/tables_file_fill.h"
+#include "kernel/tables_file_kept.h"
 #include "kernel/tables_file_note.h"
+#include "kernel/tables_ops.h"
 
 #include <algorithm>
 #include <limits>
@@ -44,7 +46,8 @@ bool lastUsedRow(RowFile& file, std::int32_t last, std::int32_t& count) {
 // One file of rows while it is mended. The list has its name.
 class RowMending {
 public:
-    RowMending(ListDescriptor& l, MendedRows& result) : list_(l), path_(RowFileName(l)), result_(result) {}
+    RowMending(ListDescriptor& l, std::int32_t rowsBehind, MendedRows& result)
+        : list_(l), path_(RowFileName(l)), rowsBehind_(rowsBehind), result_(result) {}
     bool run() {
         return file_.open(list_, os::OpenMode::ReadWrite) && look() && settleCount() && writeNote() &&
                cutAndCount();
@@ -59,11 +62,13 @@ private:
 
     ListDescriptor& list_;
     std::string path_;
+    std::int32_t rowsBehind_;
     MendedRows& result_;
     RowFile file_;
     RowNote note_;
     std::int64_t size_ = 0, end_ = 0;  // of the file; of the rows, with what is torn
-    std::int32_t rowsInFile_ = 0, count_ = 0;
+    std::int32_t rowsInFile_ = 0, count_ = 0, rowsTaken_ = 0;
+    bool endMark_ = false;  // of an Xbase file; it is let alone
 };
 
 bool RowMending::look() {
@@ -74,7 +79,9 @@ bool RowMending::look() {
     const std::int64_t rows = (end_ - header()) / file_.rowBytes();
     if (rows > std::numeric_limits<std::int32_t>::max()) return RefuseList(ERR_FILE_SIZE);
     rowsInFile_ = static_cast<std::int32_t>(rows);
-    return true;
+    if (file_.format() != RowsXbase || size_ != file_.offsetOf(rows + 1) + 1) return true;
+    const os::FileError marked = file_.readEndMark(size_, endMark_);
+    return marked == os::FileError::None || RefuseRead(marked);
 }
 
 // Rows that a smaller capacity has no room for stay.
@@ -84,7 +91,8 @@ bool RowMending::settleCount() {
     if (!StoresCount(file_.format())) return true;
     if (!readStoredCount(path_, file_.format(), stored)) return false;
     const bool good = stored >= 0 && stored <= rowsInFile_;
-    if (good) count_ = static_cast<std::int32_t>(stored);
+    if (good) rowsTaken_ = std::clamp(rowsBehind_, 0, rowsInFile_ - static_cast<std::int32_t>(stored));
+    if (good) count_ = static_cast<std::int32_t>(stored) + rowsTaken_;
     if (!good && file_.format() == RowsFixed && !lastUsedRow(file_, rowsInFile_, count_)) return false;
     if (IsFixedList(list_) && count_ > list_.maxlength) return RefuseList(ERR_FIXED_TABLE);
     result_.countSet = !good;
@@ -102,12 +110,12 @@ bool RowMending::writeNote() {
 
 bool RowMending::cutAndCount() {
     const std::int64_t whole = file_.offsetOf(std::int64_t{rowsInFile_} + 1);
-    const bool endMark = file_.format() == RowsXbase && size_ == whole + 1;
     os::FileError error = os::FileError::None;
-    if (result_.countSet || size_ < header()) error = file_.writeCount(count_);
-    if (error == os::FileError::None && size_ > whole && !endMark) {
-        result_.bytesCut = size_ - whole;
+    if (result_.countSet || rowsTaken_ > 0 || size_ < header()) error = file_.writeCount(count_);
+    if (error == os::FileError::None) result_.rowsTaken = rowsTaken_;
+    if (error == os::FileError::None && size_ > whole && !endMark_) {
         error = file_.cutTo(whole);
+        if (error == os::FileError::None) result_.bytesCut = size_ - whole;
     }
     if (error == os::FileError::None) error = file_.sync();
     const os::FileError closed = file_.close();
@@ -131,11 +139,11 @@ bool acceptMending(const ListDescriptor& l, std::string_view fileName) {
     return acceptFile(fileName);
 }
 
-bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) {
+bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t rowsBehind, MendedRows& result) {
     const bool xbase = RowFormatOf(fileName, l.maxlength) == RowsXbase;
     if (xbase && !AcceptXbaseRows(l)) return false;
     SetRowFileName(l, fileName);
-    const bool good = RowMending(l, result).run();
+    const bool good = RowMending(l, rowsBehind, result).run();
     SetRowFileName(l, {});
     return good;
 }
@@ -145,7 +153,7 @@ bool mendRows(ListDescriptor& l, std::string_view fileName, MendedRows& result) 
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
     OwnErrors errors;
     MendedRows result;
-    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, result); }))
+    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, 0, result); }))
         result.error = OwnErrors::code();
     errors.forget();
     return result;
@@ -165,6 +173,9 @@ public:
 private:
     bool fillAll();
     bool fill(std::int32_t index);
+    bool findTorn(std::vector<std::int32_t>& torn);
+    bool dropTorn();
+    bool restoreKept();
     bool isLastAgain(const DuplicateKey& duplicate);
 
     TableDescriptor& table_;
@@ -175,7 +186,8 @@ private:
 
 bool IndexRebuilding::run() {
     IndexExchange exchange(table_);
-    if (!exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !SyncTableIndexes(table_))
+    if (!dropTorn() || !exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !restoreKept() ||
+        !SyncTableIndexes(table_) || !EndKeptRows(table_))
         return false;
     exchange.drop();
     exchange.dropNew();
@@ -212,6 +224,52 @@ bool IndexRebuilding::fill(std::int32_t index) {
     return fill.close();
 }
 
+// Where rows are kept the machine may have died: what was left of a note, and bytes that never came, can be
+// as long as rows.
+bool IndexRebuilding::findTorn(std::vector<std::int32_t>& torn) {
+    ListReader reader(header_.rows);
+    for (std::int32_t i = 0; i < header_.rows.count; ++i) {
+        OwnErrors errors;
+        if (reader.at(i) != nullptr) continue;
+        if (OwnErrors::code() != ERR_FILE_READ) return false;
+        errors.forget();
+        torn.push_back(i + 1);
+    }
+    return true;
+}
+
+// The last row, which can be read, takes the place of one that cannot.
+bool IndexRebuilding::dropTorn() {
+    ListDescriptor& rows = header_.rows;
+    std::vector<std::int32_t> torn;
+    if (!HasKeptRows(table_)) return true;
+    if (!findTorn(torn)) return false;
+    for (; !torn.empty(); torn.pop_back(), ++result_.rowsTorn) {
+        RecordValue row;
+        const std::int32_t number = torn.back();
+        const bool moves = number != rows.count;
+        if (moves && !(InitValue(row.get(), &RowShape(header_), KindRecord) &&
+                       ReadRow(rows, rows.count, row.get()) && WriteRow(rows, number, row.get())))
+            return false;
+        if (!RemoveLastRow(rows)) return false;
+    }
+    return true;
+}
+
+// Rows that deletions had moved, and that are nowhere now. Others are there still, by one of their keys at
+// least.
+bool IndexRebuilding::restoreKept() {
+    table_.count = header_.rows.count;
+    return EachKeptRow(table_, [&](const RecordDescriptor& row) {
+        OwnErrors errors;
+        if (FileTableAdd(table_, row)) return ++result_.rowsRestored, true;
+        const std::int32_t code = OwnErrors::code();
+        if (code != ERR_DUPLICATE_FIELDS && code != ERR_FIXED_LIST) return false;
+        errors.forget();
+        return true;
+    });
+}
+
 bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
     if (duplicate.row != header_.rows.count || result_.rowDropped != 0) return false;
     RecordValue rows[2];
@@ -231,12 +289,12 @@ bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
     return acceptFile(fileName) && AcceptIndexKeys(t) && AcceptIndexPlaces(fileName, IndexesOf(HeaderOf(t)));
 }
 
-bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result) {
+bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind, RebuiltTable& result) {
     if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
     if (!acceptIndexes(t, fileName) || !acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
-        !mendRows(rows, fileName, result.mended))
+        !mendRows(rows, fileName, rowsBehind, result.mended))
         return false;
     bool created = false;
     if (!OpenRows(rows, fileName, text, created)) return false;
@@ -250,10 +308,10 @@ bool rebuild(TableDescriptor& t, std::string_view fileName, RebuiltTable& result
 
 }  // namespace
 
-RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName) {
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind) {
     OwnErrors errors;
     RebuiltTable result;
-    if (!WithMemory([&] { return rebuild(t, fileName, result); }) && !result.stopped)
+    if (!WithMemory([&] { return rebuild(t, fileName, rowsBehind, result); }) && !result.stopped)
         result.error = OwnErrors::code();
     errors.forget();
     return result;

@@ -11,7 +11,7 @@ namespace tarn {
 
 namespace {
 
-constexpr std::string_view separators = "/\\", marks[] = {"~i", "~n"};
+constexpr std::string_view separators = "/\\", marks[] = {"~i", "~n", "~d"};
 
 std::string_view nameIn(std::string_view path) {
     const std::size_t end = path.find_last_of(separators);

@@ -57,14 +57,16 @@ bool DIRFINDPATH(std::string_view directory, std::string_view paths);
 // the table is not open: saving it later would lose the row. On any error no scratch file is left and the data
 // file is as it was.
 //
-// A table file that was made under the name of such a form is opened directly again: its size is that of whole
-// rows of the table, and its first index names it. For a table without an index a byte 0 in it tells, unless it
-// begins as UTF-16 text does.
+// A table file that was made under the name of such a form is opened directly again. A byte 0 in its first 64
+// KiB tells one, unless they begin as UTF-16 text does, whatever its size and indexes: what is wrong with
+// those is told as FileOpen does (655, 656). Rows without such a byte are told by the first index: it names
+// the file; or it names none beside it, and the size is that of whole rows.
 void TABOPEN(const std::string& filename, const RecordDescriptor* options, TableDescriptor* table);
 // Closes a table of TABOPEN. One whose rows stand elsewhere than in `filename` (under whatever name) is saved
 // there first if `save`, by the form that belongs to the extension (658 for one that has none); then a scratch
 // file goes, with its indexes. Footer lines of a delimited file, as many as the options say, stay as they were
 // when they say more than the number of rows. When saving failed the table stays open, and nothing is lost.
+// Nor is a file saved over by a table that could not be closed when reading its rows had failed: 652.
 void TABCLOSE(const std::string& filename, const RecordDescriptor* options, bool save,
               TableDescriptor* table);
 

@@ -13,6 +13,7 @@
 #include "kernel/lists.h"
 #include "kernel/runtime.h"
 #include "kernel/tables.h"
+#include "kernel/tables_file_index.h"
 #include "library/dbutil_footers.h"
 #include "library/system.h"
 #include "os/files.h"
@@ -71,6 +72,7 @@ bool isSameFile(const std::string& a, const std::string& b) {
 struct OpenScratch {
     std::string path;
     const TableDescriptor* table = nullptr;
+    bool whole = false;  // all rows of the file that it stands for were read into it
 };
 std::vector<OpenScratch>& openScratches() {
     static std::vector<OpenScratch> scratches;
@@ -99,37 +101,69 @@ void noteScratch(const std::string& scratch, const TableDescriptor* table, bool 
     if (isOpen) all.push_back({path, table});
 }
 
-// ---- opening ----
-
-// The table file that a first index says it belongs to.
-std::string tableOfIndex(const std::string& filename) {
-    constexpr std::size_t nameOffset = 8;
-    std::string bytes;
-    const os::FileError error = os::readFile(os::native(IndexFileName(filename, 1)), bytes);
-    if (error != os::FileError::None || bytes.size() < std::size_t{IndexHeaderBytes}) return {};
-    const std::string name = bytes.substr(nameOffset, MaxIndexTableName);
-    return name.substr(0, name.find('\0'));
+void noteWhole(const TableDescriptor* table) {
+    for (OpenScratch& open : openScratches())
+        if (open.table == table) open.whole = true;
 }
 
+// A file would be saved over with a part of its rows.
+bool lacksRows(const std::string& scratch, const TableDescriptor* table) {
+    const std::string path = fullPath(scratch);
+    const std::vector<OpenScratch>& all = openScratches();
+    return std::any_of(all.begin(), all.end(), [&](const OpenScratch& open) {
+        return open.path == path && open.table == table && !open.whole;
+    });
+}
+
+// ---- opening ----
+
+std::string_view nameIn(std::string_view path) {
+    return path.substr(path.find_last_of("/\\") + 1);
+}
+
+// In its first block: text has none there, unless it is UTF-16 and says so.
 bool holdsZeroByte(const std::string& filename) {
-    std::string bytes;
-    if (os::readFile(os::native(filename), bytes) != os::FileError::None) return false;
+    constexpr std::size_t blockBytes = std::size_t{64} * 1024;
+    os::Handle handle = -1;
+    if (os::files().open(os::native(filename), os::OpenMode::Read, 0, handle) != os::FileError::None)
+        return false;
+    std::string bytes(blockBytes, ' ');
+    std::size_t done = 0, got = 1;
+    os::FileError error = os::FileError::None;
+    while (error == os::FileError::None && done < blockBytes && got != 0) {
+        error = os::files().read(handle, static_cast<std::int64_t>(done), bytes.data() + done,
+                                 blockBytes - done, got);
+        done += got;
+    }
+    os::files().close(handle);
+    bytes.resize(done);
     const bool wideText = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
     return !wideText && bytes.find('\0') != std::string::npos;
 }
 
-// Whether a file with the extension of a foreign form is one that was made here under that name: whole rows
-// of the table, and its first index names the file. Without an index a byte 0 tells, which no text holds.
-bool isTableFile(const std::string& filename, const TableDescriptor* table) {
+bool isOfWholeRows(const std::string& filename, const TableDescriptor* table) {
     constexpr std::int64_t countBytes = 4;
-    const ListDescriptor& rows = *TableRows(table);
     const std::int64_t rowBytes = FileRecordLength(table, KindTable);
     const std::int64_t size =
-        os::sizeOf(os::native(filename)) - (rows.maxlength == UNBOUNDED ? 0 : countBytes);
-    if (rowBytes <= 0 || size <= 0 || size % rowBytes != 0) return false;
-    if (TableIndexCount(table) == 0) return holdsZeroByte(filename);
-    const std::string_view name = std::string_view(filename).substr(filename.find_last_of("/\\") + 1);
-    return tableOfIndex(filename) == name.substr(0, MaxIndexTableName);
+        os::sizeOf(os::native(filename)) - (TableRows(table)->maxlength == UNBOUNDED ? 0 : countBytes);
+    return rowBytes > 0 && size > 0 && size % rowBytes == 0;
+}
+
+// Whether the first index is that of this file: it names the file, or another that is not beside it, as after
+// both were renamed together. Such an index may have been left over by a file that is gone.
+bool hasIndex(const std::string& filename, const TableDescriptor* table) {
+    if (TableIndexCount(table) == 0) return false;
+    const std::string path = os::native(filename), index = IndexFileName(path, 1);
+    const std::string named = IndexTableName(index);
+    if (named == nameIn(path).substr(0, MaxIndexTableName)) return true;
+    return !named.empty() && !NamesOtherTable(index, path) && isOfWholeRows(filename, table);
+}
+
+// Whether a file with the extension of a foreign form is one of table rows. Taking rows for text would lose
+// them all when the text is saved, so a byte 0 is enough, whatever the size and the indexes: opening the
+// table tells what is wrong with them. Rows may hold no such byte; then the index tells.
+bool isTableFile(const std::string& filename, const TableDescriptor* table) {
+    return holdsZeroByte(filename) || hasIndex(filename, table);
 }
 
 // What the options say, or the code of what is wrong with their record.
@@ -166,8 +200,9 @@ void openScratch(const std::string& filename, DataFormat format, const RecordDes
     FileOpen(table, KindTable, scratch);
     if (!FileExists(table, KindTable)) return;
     noteScratch(scratch, table, true);
-    if (loadRows(filename, format, options, table)) return;
+    if (loadRows(filename, format, options, table)) return noteWhole(table);
     FileClose(table, KindTable);
+    if (FileExists(table, KindTable)) return;  // memory was too short even for that
     noteScratch(scratch, table, false);
     deleteScratch(scratch);
 }
@@ -235,6 +270,7 @@ void TABCLOSE(const std::string& filename, const RecordDescriptor* options, bool
     if (scratch.empty()) return;
     if (isSameFile(scratch, filename)) return FileClose(table, KindTable);
     STAMP();
+    if (save && lacksRows(scratch, table)) return SetError(ERR_FILE_WRITE);
     if (save && !saveTable(filename, savedFormat(filename, options), options, table)) return;
     FileClose(table, KindTable);
     noteScratch(scratch, table, false);

@@ -19,8 +19,8 @@ inline constexpr std::size_t SaveStreamBytes = std::size_t{1} << 20;
 #endif
 
 // Gathers bytes up to a bound, and then writes them to a temporary beside the target. Where no new file can
-// take the place of the old one (saveFile tells where) all of them are gathered. What was not finished is
-// gone, and the file is as it was.
+// take the place of the old one (saveFile tells where) all of them are gathered, or read again when that
+// shows at the end only. What was not finished is gone, and the file is as it was.
 class SaveStream {
 public:
     explicit SaveStream(std::string path, Durability durability = Durability::Synced);
@@ -35,15 +35,16 @@ public:
 
 private:
     bool beginTemporary();
-    void flush();
+    void put(std::string_view bytes);
     void drop();
+    SaveResult writeInPlace();
 
     std::string path_, temporary_, gathered_, target_;
     Durability durability_;
     FileError error_ = FileError::None;
     Handle handle_ = -1;
     std::int64_t written_ = 0;
-    bool gathersAll_ = false;
+    bool gathersAll_ = false, replaces_ = false;
 };
 
 }  // namespace tarn::os

@@ -13,6 +13,7 @@
 //   tarn_data_xbase       Xbase files as they stand
 //   tarn_data_rowtype     declarations of rows
 //   tarn_data_tables      table files, and the index files beside them
+//   tarn_data_patient     what is known of a file before it is mended, and whether it may be
 //   tarn_data_target      what the other form cannot hold, and the writing; _toxbase and _totable likewise
 //   tarn_data_progress    progress on a terminal, and stopping
 #pragma once
@@ -83,8 +84,9 @@ struct Source {
     std::int32_t rowsSeen = -1;
     std::int32_t rowBehind = 0;  // delimited: the first one behind the empty line that ends those seen; or 0
     XmlRows xmlRows;             // XML: which elements are the rows
-    bool text = false, deleted = false;               // as the arguments say
-    bool willChange = false;                          // the rows must be copies in memory
+    std::vector<std::int32_t> longest;   // of each column: characters of its texts; empty: not known
+    bool text = false, deleted = false;  // as the arguments say
+    bool willChange = false;             // the rows must be copies in memory
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
 };

@@ -50,6 +50,15 @@ std::string nameOf(const std::string& file, std::int32_t number) {
 
 }  // namespace
 
+void checkNote(const std::string& file, const RowNote& note, std::int32_t replacing, Findings& findings) {
+    if (note.offset < 0) return;
+    findings.fault(file, replacing != 0 ? "Row " + std::to_string(replacing) +
+                                              " was being replaced when a process died; 'tarn-data rebuild' "
+                                              "finishes it."
+                                        : "The replacing of a row was begun when a process died, and is "
+                                          "noted in part; 'tarn-data rebuild' cuts the note off.");
+}
+
 // Whether each node has the key of its row; "" at the end of a file that cannot be read, which is told
 // elsewhere.
 std::string RowKeys::compare(std::int32_t row, std::string_view key) {
@@ -85,6 +94,22 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
     }
 }
 
+// Those that a user misses: behind the last that is there, nothing tells of them.
+Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,
+                    Findings& findings) {
+    std::vector<std::int32_t> maps;
+    Problem problem = keyMapsOf(arguments.keys, type, maps);
+    for (std::size_t n = 0; n < maps.size() && !problem.any(); ++n) {
+        const std::string name = nameOf(arguments.files[0], static_cast<std::int32_t>(n) + 1);
+        if (n >= indexes.size())
+            findings.fault(name, "It is missing.");
+        else if (indexes[n].keyMap != 0 && indexes[n].keyMap != maps[n])
+            findings.fault(name, "Its key is " + joined(indexes[n].file.fields) + ", and not " +
+                                     joined(arguments.keys[n]) + ".");
+    }
+    return problem;
+}
+
 namespace {
 
 int checkIndex(const std::string& file) {
@@ -108,14 +133,16 @@ int checkIndex(const std::string& file) {
 
 void checkFacts(const std::string& file, const RowType& type, const TableFacts& facts, Findings& findings) {
     if (facts.behind < 0) return findings.fault(file, "It has no whole header.");
-    if (facts.behind > 0)
+    checkNote(file, facts.note, facts.replacing(), findings);
+    if (facts.behind > 0 && facts.note.offset < 0)
         findings.fault(file, "It has " + counted(facts.behind, "byte") + " behind its " +
                                  counted(facts.whole, "whole row") + " of " + std::to_string(facts.rowBytes) +
                                  ".");
     if (facts.counted > facts.whole)
         findings.fault(file, "Its header counts " + counted(facts.counted, "row") + ", and it has " +
                                  std::to_string(facts.whole) + ".");
-    if (type.capacity != UNBOUNDED && facts.whole != type.capacity)
+    // One that was cleared is no longer than its rows.
+    if (type.capacity != UNBOUNDED && facts.whole > type.capacity)
         findings.fault(file, "It has room for " + counted(facts.whole, "row") + ", and is declared for " +
                                  std::to_string(type.capacity) + ".");
 }
@@ -131,7 +158,13 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
     rows.goTo(facts.headerBytes, static_cast<std::size_t>(facts.rowBytes), facts.rows());
     for (std::int64_t number = 1; rows.next(row); ++number) {
         if (!steps.step(facts.rowBytes)) return false;
-        const std::int32_t bad = bytes.badField(row);
+        const bool noted = number == facts.replacing();
+        const std::int32_t bad = bytes.badField(noted ? std::string_view(facts.note.row) : row);
+        const std::int32_t odd = bad == 0 ? bytes.oddText(row) : 0;
+        if (odd != 0)
+            findings.note(file, "Row " + std::to_string(number) +
+                                    ": there are bytes behind the text of field '" +
+                                    names[static_cast<std::size_t>(odd) - 1] + "'.");
         if (bad == 0) continue;
         good = false;
         findings.fault(file, "Row " + std::to_string(number) + ": its bytes are no value of field '" +
@@ -141,17 +174,19 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
     return good && rows.error() == os::FileError::None;
 }
 
-int checkTable(const std::string& file, const std::string& typeFile) {
+int checkTable(const std::string& file, const Arguments& arguments) {
     RowType type;
     TableFacts facts;
     Findings findings;
     const Work work("checking " + file);
-    Problem problem = readRowType(typeFile, type);
+    Problem problem = readRowType(arguments.type, type);
     if (!problem.any()) problem = tableFacts(file, type, facts);
     if (problem.any()) return tell(problem);
-    checkFacts(file, type, facts, findings);
-    checkRows(file, type, facts, findings);
     const std::vector<IndexBeside> indexes = indexesBeside(file, type);
+    checkFacts(file, type, facts, findings);
+    problem = checkWanted(arguments, type, indexes, findings);
+    if (problem.any()) return tell(problem);
+    checkRows(file, type, facts, findings);
     FileRows rows;
     const RowBytes bytes(type);
     if (!rows.open(file)) return tell(unreadable(file, rows.error()));
@@ -185,9 +220,13 @@ int check(const Arguments& arguments) {
     if (problem.any()) return tell(problem);
     const FileKind kind = kindOf(file);
     const bool table = !arguments.type.empty();
-    if (isIndexName(file) || (kind == FileKind::Index && !table)) return checkIndex(file);
-    if (XbaseFileName(file) || (kind == FileKind::Xbase && !table)) return checkXbase(file);
-    if (table) return checkTable(file, arguments.type);
+    if (isIndexName(file) || (kind == FileKind::Index && !table)) {
+        if (arguments.keys.empty()) return checkIndex(file);
+        return tell({fileWord(file) + "is an index file, so that --keys means nothing for it.",
+                     "Give the table file; 'tarn-data info' tells which it is.", WrongUsage});
+    }
+    if (XbaseFileName(file) || (kind == FileKind::Xbase && !table)) return checkXbase(arguments);
+    if (table) return checkTable(file, arguments);
     if (DataFormatOf(file) == FormatBinary || isTableByIndex(file)) return tell(typeIsMissing(file));
     return tell(
         {fileWord(file) + "is no dbf file, table file or index file, so that there is nothing to check.",

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "kernel/data/xbase.h"
+#include "toolchain/tarn_data.h"
 #include "toolchain/tarn_data_tables.h"
 
 #include <cstdint>
@@ -33,6 +34,9 @@ private:
     std::string lines_;
 };
 
+// A row that was being written over.
+void checkNote(const std::string& file, const RowNote& note, std::int32_t replacing, Findings& findings);
+
 // The keys of the rows of a file, beside those that nodes have.
 class RowKeys {
 public:
@@ -53,6 +57,10 @@ using IndexCheck = std::function<SeenNode(std::int32_t keyMap)>;
 void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, std::int64_t rows,
                   const IndexCheck& keysOf, Findings& findings);
 
-int checkXbase(const std::string& file);
+// The indexes that --keys asks for.
+Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,
+                    Findings& findings);
+
+int checkXbase(const Arguments& arguments);
 
 }  // namespace tarn::data

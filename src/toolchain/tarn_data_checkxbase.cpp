@@ -85,8 +85,7 @@ public:
 
     void checkHeader() {
         std::string head;
-        if (file_.readHead(head) && head.size() > 3 && !isDate(head))
-            findings_.note(name_, "The date of its last change is none.");
+        if (file_.readHead(head) && head.size() > 3) checkHead(head);
         for (std::int32_t n = 0; n < header_.fieldCount; ++n) {
             if (std::string_view("CDLN").find(header_.type[n]) == std::string_view::npos)
                 findings_.note(name_, "Field " + nameOf(n) + " is of type " + header_.type[n] +
@@ -94,11 +93,14 @@ public:
         }
         const std::int64_t whole = file_.whole(), counted = file_.counted();
         if (counted != whole)
-            findings_.fault(name_, "Its header counts " + std::to_string(counted) + " rows, and it has " +
-                                       std::to_string(whole) + " whole ones.");
-        if (file_.behind() != 0)
-            findings_.fault(name_,
-                            "It has " + std::to_string(file_.behind()) + " bytes behind its whole rows.");
+            findings_.fault(name_, "Its header counts " + std::to_string(counted) +
+                                       (counted == 1 ? " row" : " rows") + ", and it has " +
+                                       std::to_string(whole) + (whole == 1 ? " whole one." : " whole ones."));
+        checkNote(name_, file_.note(), file_.replacing(), findings_);
+        if (file_.behind() != 0 && file_.note().offset < 0)
+            findings_.fault(name_, "It has " + std::to_string(file_.behind()) +
+                                       (file_.behind() == 1 ? " byte" : " bytes") +
+                                       " behind its whole rows.");
     }
     void checkRows() {
         Steps steps(file_.whole() * header_.recordSize);
@@ -106,6 +108,7 @@ public:
         file_.goToFirst(file_.whole());
         for (std::int64_t number = 1; file_.next(row); ++number) {
             if (!steps.step(header_.recordSize)) return;
+            if (number == file_.replacing()) row = file_.note().row;
             if (row[0] != LiveRow && row[0] != DeletedRow)
                 findings_.fault(name_, "Row " + std::to_string(number) + " has '" + shown(row.substr(0, 1)) +
                                            "' where its mark of deletion stands.");
@@ -125,6 +128,25 @@ public:
     }
 
 private:
+    void checkHead(std::string_view head) {
+        constexpr std::size_t part = 32, headAt = 12, fieldAt = 12, fieldEnd = 16, restAt = 18;
+        constexpr char terminator = 13;
+        const auto isZero = [&](std::size_t from, std::size_t to) {
+            return head.substr(from, to - from).find_first_not_of('\0') == std::string_view::npos;
+        };
+        const auto fields = static_cast<std::size_t>(header_.fieldCount);
+        if (!isDate(head)) findings_.note(name_, "The date of its last change is none.");
+        if (head.size() <= (fields + 1) * part || head[(fields + 1) * part] != terminator)
+            findings_.fault(name_, "Its list of fields has no end (a byte 13).");
+        if (!isZero(headAt, part)) findings_.note(name_, "Reserved bytes of its header are not 0.");
+        for (std::size_t n = 1; n <= fields && head.size() >= (n + 1) * part; ++n) {
+            if (isZero(n * part + fieldAt, n * part + fieldEnd) && isZero(n * part + restAt, (n + 1) * part))
+                continue;
+            findings_.note(name_, "Reserved bytes of field " + nameOf(static_cast<std::int32_t>(n) - 1) +
+                                      " are not 0.");
+            return;
+        }
+    }
     static bool isDate(std::string_view head) {
         const auto byte = [&](std::size_t at) {
             return static_cast<std::int32_t>(static_cast<unsigned char>(head[at]));
@@ -150,11 +172,12 @@ private:
 
 }  // namespace
 
-int checkXbase(const std::string& file) {
+int checkXbase(const Arguments& arguments) {
+    const std::string& file = arguments.files[0];
     XbaseFile xbase;
     Findings findings;
     const Work work("checking " + file);
-    const Problem problem = xbase.open(file);
+    Problem problem = xbase.open(file);
     if (problem.any()) {
         findings.fault(file, problem.what);
         return findings.print(file, {});
@@ -164,7 +187,11 @@ int checkXbase(const std::string& file) {
     check.checkRows();
     RowType type;
     std::vector<IndexBeside> indexes;
-    if (!xbaseRowType(file, type).any()) indexes = indexesBeside(file, type);
+    if (!xbaseRowType(file, type).any()) {
+        indexes = indexesBeside(file, type);
+        problem = checkWanted(arguments, type, indexes, findings);
+        if (problem.any()) return tell(problem);
+    }
     FileRows rows;
     if (!rows.open(file)) return tell(unreadable(file, rows.error()));
     checkIndexes(

@@ -3,6 +3,7 @@
 
 #include "kernel/data/xbase.h"
 #include "kernel/index_file.h"
+#include "kernel/runtime.h"
 #include "kernel/tables.h"
 
 #include <algorithm>
@@ -137,23 +138,10 @@ bool FileRows::next(std::string_view& row) {
     return true;
 }
 
-std::int64_t longestLine(const std::string& file) {
-    constexpr std::size_t step = std::size_t{1} << 20;
-    FileRows rows;
-    std::string bytes;
-    std::int64_t longest = 0, line = 0;
-    if (!rows.open(file)) return 0;
-    for (std::int64_t at = 0; at < rows.size() && rows.read(at, step, bytes) && !bytes.empty();
-         at += static_cast<std::int64_t>(bytes.size())) {
-        for (std::size_t from = 0; from < bytes.size();) {
-            const std::size_t end = std::min(bytes.find('\n', from), bytes.size());
-            line += static_cast<std::int64_t>(end - from);
-            longest = std::max(longest, line);
-            if (end < bytes.size()) line = 0;
-            from = end + 1;
-        }
-    }
-    return longest;
+Problem findNote(const std::string& file, std::int64_t headerBytes, std::int32_t rowBytes, RowNote& note) {
+    const bool read = FindRowNote(os::native(file), headerBytes, rowBytes, note);
+    ClearError();
+    return read ? Problem() : unreadable(file, os::FileError::ReadFailed);
 }
 
 // ---- folders ----

@@ -3,6 +3,7 @@
 // Files as they stand: what one is at first sight, and its bytes in rows of equal length.
 #pragma once
 
+#include "kernel/tables_file_note.h"
 #include "os/files.h"
 #include "toolchain/tarn_data_problem.h"
 
@@ -57,8 +58,8 @@ private:
     std::string_view unread_;
 };
 
-// The characters of the longest line of a file, without its end.
-std::int64_t longestLine(const std::string& file);
+// Looks for a row that was being written over when a process died: it stands behind the others.
+Problem findNote(const std::string& file, std::int64_t headerBytes, std::int32_t rowBytes, RowNote& note);
 
 // A folder of its own in $TMPDIR or /tmp, which nobody else may enter; gone with all files in it at the end.
 class WorkFolder {

@@ -154,7 +154,8 @@ int infoTable(const std::string& file, const std::string& typeFile) {
     if (problem.any()) return tell(problem);
     const bool plain = type.capacity == UNBOUNDED;
     std::string rows = std::to_string(facts.rows());
-    if (facts.behind != 0) rows += " and " + std::to_string(facts.behind) + " bytes" + seeCheck;
+    if (facts.behind != 0)
+        rows += " and " + std::to_string(facts.behind) + (facts.behind == 1 ? " byte" : " bytes") + seeCheck;
     if (facts.counted > facts.whole)
         rows += "; the header counts " + std::to_string(facts.counted) + seeCheck;
     return print(line("file", file) +

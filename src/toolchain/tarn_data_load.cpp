@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace tarn::data {
 
@@ -54,21 +55,29 @@ Problem makeFileRows(std::string_view columns, Rows& rows) {
 
 namespace {
 
-// Columns of text with the length of the longest line of a delimited file, where they have none of their own;
-// "" when a length cannot be told.
+// The characters of the longest text of each column of a delimited file, or of XML; empty when they cannot be
+// told.
+std::vector<std::int32_t> longestOf(const Source& source) {
+    if (!source.longest.empty() || source.format == FormatXml) return source.longest;
+    return TabMeasure(source.file, source.options).longest;
+}
+
+// Columns of text with the length of their longest text, where they have none of their own; "" when a length
+// cannot be told.
 std::string withLengths(const Source& source, std::string_view columns) {
     std::string text;
-    std::int64_t longest = -1;
+    std::optional<std::vector<std::int32_t>> longest;
     const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
     for (std::int32_t n = 1; n <= lines; ++n) {
         const TypeInfoElement element = TypeInfoParseLine(columns, n);
         const bool open =
             TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
-        if (open && source.format == FormatXml) return {};
-        if (open && longest < 0)
-            longest = std::clamp<std::int64_t>(longestLine(source.file), 1, std::int64_t{MaxTabLine});
+        if (open && !longest) longest = longestOf(source);
+        if (open && longest->empty() && source.format == FormatXml) return {};
+        const auto column = static_cast<std::size_t>(n - 1);
+        const std::int32_t length = open && column < longest->size() ? std::max((*longest)[column], 1) : 1;
         text +=
-            open ? element.name + " : string[" + std::to_string(longest) + "]\n" : TypeInfoLine(columns, n);
+            open ? element.name + " : string[" + std::to_string(length) + "]\n" : TypeInfoLine(columns, n);
     }
     return text;
 }
@@ -79,8 +88,7 @@ Problem makeRowsFor(const Source& source, std::string_view columns, bool exact, 
     const std::int64_t size = os::sizeOf(os::native(source.file));
     const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
     const std::string sized = fitsMemory(expected) ? std::string() : withLengths(source, columns);
-    const bool values = source.xmlRows.form != XmlRows::Form::Rows;
-    return sized.empty() || values ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
+    return sized.empty() ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
 }
 
 std::string rowOf(const Source& source, std::int32_t row) {
@@ -100,8 +108,12 @@ Problem loadProblem(const Source& source, const TabResult& result, const std::st
     switch (result.code) {
     case ERR_BLOCK_TOO_LARGE:
     case ERR_OUT_OF_MEMORY:
-        return {what, "The file has more rows than a value in memory holds; split it, or take the first ones "
-                      "with --max-rows."};
+        return {what,
+                source.format == FormatXml
+                    ? "The file has more rows than a value in memory holds, and entities of its own, so "
+                      "that the length of its texts is not known ahead; split it, or write them out."
+                    : "The file has more rows than a value in memory holds; split it, or take the first "
+                      "ones with --max-rows."};
     case ERR_STRING_CONVERSION:
         return {what, "The row is longer than " + std::to_string(MaxTabLine) +
                           " characters, or a text in it longer than its column is declared."};
@@ -122,13 +134,6 @@ Problem load(const Source& source, const TabOptions& options, Rows& rows, TabRes
     ClearError();
     if (result.stopped || stopSignal() != 0) return stoppedProblem();
     return result.code == 0 ? Problem() : loadProblem(source, result, message);
-}
-
-bool isBlank(const RecordDescriptor* row) {
-    for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n) {
-        if (StringLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n))) > 0) return false;
-    }
-    return true;
 }
 
 // No row behind the first empty line is looked at: it is blank, as `checkEmptyLine` tells.
@@ -155,29 +160,18 @@ Problem identifyTexts(Source& source, const DataFileInfo& info) {
     std::string names = TabDiscover(source.file, header, MaxTypeInfo).typeText, all;
     TypeInfoStripOuter(names, MaxTypeInfo);
     const std::size_t named = columnNames(names).size();
-    for (std::size_t n = 1; n <= std::size_t{MaxTabColumns}; ++n)
+    const Work work("reading " + source.file);
+    TabExtent extent = TabMeasure(source.file, source.options);
+    if (extent.stopped || stopSignal() != 0) return stoppedProblem();
+    source.format = info.format;
+    if (extent.code != 0) return loadProblem(source, {extent.code, extent.row}, {});
+    const std::size_t used = std::max(named, extent.longest.size());
+    for (std::size_t n = 1; n <= used; ++n)
         all += n <= named ? TypeInfoLine(names, static_cast<std::int32_t>(n))
                           : "FIELD" + std::to_string(n) + " : string\n";
-    source.format = info.format;
     source.columns = textColumns(all);
-    Rows rows;
-    TabResult result;
-    Problem problem = makeRows(source.columns, false, rows);
-    if (!problem.any()) problem = load(source, source.options, rows, result);
-    if (problem.any()) return problem;
-    std::size_t used = named;
-    for (std::int32_t i = 1; i <= rows.count(); ++i) {
-        const RecordDescriptor* const row = rows.at(i);
-        if (isBlank(row)) continue;
-        source.rowsSeen = i;
-        for (std::size_t n = used + 1; n <= std::size_t{MaxTabColumns}; ++n) {
-            const void* const cell = RecordFieldAddress(row, static_cast<std::int32_t>(n));
-            if (StringLength(static_cast<const StringDescriptor*>(cell)) > 0) used = n;
-        }
-    }
-    std::size_t end = 0;
-    for (std::size_t n = 0; n < used; ++n) end = source.columns.find('\n', end) + 1;
-    source.columns.resize(end);
+    source.rowsSeen = extent.rows;
+    source.longest = std::move(extent.longest);
     return {};
 }
 

@@ -3,14 +3,11 @@
 // Mending a table file, or an Xbase file, and making its indexes anew. No whole row is lost: rows behind
 // those that a header counts are taken in, and bytes that are no whole row are kept in a file beside before
 // they are cut off.
+#include "kernel/data/xbase.h"
 #include "kernel/errors.h"
-#include "kernel/filevalues.h"
 #include "kernel/runtime.h"
-#include "kernel/tables.h"
 #include "kernel/tables_file.h"
-#include "toolchain/tarn_data.h"
-#include "toolchain/tarn_data_tables.h"
-#include "toolchain/tarn_data_xbase.h"
+#include "toolchain/tarn_data_patient.h"
 
 #include <algorithm>
 
@@ -22,111 +19,29 @@ std::string counted(std::int64_t n, const char* what) {
     return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
 }
 
-// What is known of a file before it is mended.
-struct Patient {
-    std::string name;  // as it was given
-    std::string file;  // that is worked on: a copy for a dry run
-    RowType type;
-    std::int64_t rowBytes = 0, headerBytes = 0, size = 0, counted = -1, whole = 0, behind = 0;
-    std::int64_t takenIn = 0;  // whole rows of an Xbase file behind those that its header counts
-    std::vector<std::vector<std::string>> keys;
-    std::vector<std::int32_t> maps;
-    std::size_t indexesBefore = 0;
-};
-
-// ---- looking ----
-
-// A declaration that is not that of the rows would cut them up.
-Problem checkRows(const Patient& patient) {
-    FileRows rows;
-    RowBytes bytes(patient.type);
-    Steps steps(patient.whole * patient.rowBytes);
-    const std::vector<std::string> names = fieldNames(patient.type.columns);
-    std::string_view row;
-    if (!rows.open(patient.file)) return unreadable(patient.name, rows.error());
-    const std::int64_t last = patient.counted < 0 ? patient.whole : std::min(patient.whole, patient.counted);
-    rows.goTo(patient.headerBytes, static_cast<std::size_t>(patient.rowBytes), last);
-    for (std::int64_t number = 1; rows.next(row); ++number) {
-        if (!steps.step(patient.rowBytes)) return stoppedProblem();
-        const std::int32_t bad = bytes.badField(row);
-        if (bad != 0)
-            return {fileWord(patient.name) + "row " + std::to_string(number) +
-                        ": its bytes are no value of field '" + names[static_cast<std::size_t>(bad) - 1] +
-                        "'.",
-                    "Nothing was changed. Look whether the declaration is that of the rows; a row that is "
-                    "damaged must "
-                    "be set right by the program that writes it."};
-    }
-    return rows.error() == os::FileError::None ? Problem() : unreadable(patient.name, rows.error());
-}
-
-Problem lookAtTable(const std::string& typeFile, Patient& patient) {
-    TableFacts facts;
-    Problem problem = readRowType(typeFile, patient.type);
-    if (!problem.any()) problem = tableFacts(patient.file, patient.type, facts);
-    patient.rowBytes = facts.rowBytes;
-    patient.headerBytes = facts.headerBytes;
-    patient.counted = facts.counted;
-    patient.whole = facts.whole;
-    patient.behind = facts.behind;
-    patient.size = facts.size;
-    return problem.any() ? problem : checkRows(patient);
-}
-
-// Rows that have a mark of deletion, behind those that the header counts.
-std::int64_t rowsBehind(XbaseFile& file) {
-    std::int64_t rows = 0;
-    std::string_view row;
-    file.goToFirst(file.whole());
-    for (std::int64_t number = 1; file.next(row); ++number) {
-        if (number <= file.counted()) continue;
-        if (row[0] != LiveRow && row[0] != DeletedRow) break;
-        ++rows;
-    }
-    return rows;
-}
-
-Problem lookAtXbase(Patient& patient) {
-    XbaseFile file;
-    Problem problem = file.open(patient.file);
-    if (!problem.any()) problem = xbaseRowType(patient.file, patient.type);
-    if (problem.any()) return problem;
-    patient.rowBytes = file.header().recordSize;
-    patient.headerBytes = file.header().headerSize;
-    patient.counted = file.counted();
-    patient.whole = file.whole();
-    patient.behind = file.behind();
-    patient.size = os::sizeOf(os::native(patient.file));
-    if (file.counted() < file.whole()) patient.takenIn = rowsBehind(file);
-    return {};
-}
-
-// The keys that are asked for, or those of the index files.
-Problem chooseKeys(const Arguments& arguments, Patient& patient) {
-    const std::vector<IndexBeside> beside = indexesBeside(patient.file, patient.type);
-    patient.indexesBefore = beside.size();
-    patient.keys = arguments.keys;
-    for (const IndexBeside& index : beside) {
-        if (!arguments.keys.empty()) break;
-        if (index.keyMap == 0)
-            return {"The key of '" + IndexFileName(patient.name, index.number) + "' is not known. " +
-                        (index.file.path.empty() ? "It is missing." : index.file.wrong),
-                    "Give the fields of all indexes with --keys, once for each, in their order."};
-        patient.keys.push_back(index.file.fields);
-    }
-    return keyMapsOf(patient.keys, patient.type, patient.maps);
-}
-
 // ---- mending ----
 
-// What is about to be cut off. A row whose writing was noted is no loss, but hard to tell from others here.
-Problem keepTail(const Patient& patient, std::string& kept) {
+// A name beside a file that a disk takes.
+std::string tornName(const std::string& file, int number) {
+    constexpr std::size_t longest = 255;
+    const std::string suffix = ".torn" + (number > 1 ? std::to_string(number) : "");
+    const std::string name(baseName(file));
+    return file.substr(0, file.size() - name.size()) +
+           name.substr(0, std::min(name.size(), longest - suffix.size())) + suffix;
+}
+
+// What is about to be cut off, unless it is a row that was noted and will be written.
+Problem keepTail(const Patient& patient, std::string& kept, std::string& shown) {
     FileRows rows;
     std::string bytes;
-    if (patient.behind <= 0) return {};
-    kept = patient.file + ".torn";
-    for (int n = 2; os::infoOf(os::native(kept)).exists; ++n)
-        kept = patient.file + ".torn" + std::to_string(n);
+    if (patient.behind <= 0 || patient.replacing != 0) return {};
+    int number = 1;
+    const auto isThere = [&](const std::string& file) {
+        return os::infoOf(os::native(tornName(file, number))).exists;
+    };
+    while (isThere(patient.file) || isThere(patient.name)) ++number;
+    kept = tornName(patient.file, number);
+    shown = tornName(patient.name, number);
     const auto count = static_cast<std::size_t>(patient.behind);
     if (!rows.open(patient.file) || !rows.read(patient.size - patient.behind, count, bytes))
         return unreadable(patient.name, rows.error());
@@ -141,25 +56,29 @@ std::string keyOf(const Patient& patient, std::int32_t index) {
 }
 
 // What was done, a line each.
-std::string report(const Patient& patient, const RebuiltTable& result, const std::string& kept) {
+std::string report(const Patient& patient, const RebuiltTable& result, const std::string& shown) {
     const MendedRows& mended = result.mended;
     std::string text;
     const auto line = [&](const std::string& what) { text += patient.name + ": " + what + "\n"; };
     if (mended.rowWritten != 0)
         line("row " + std::to_string(mended.rowWritten) + " was being replaced: replaced.");
-    if (mended.bytesCut > 0) {
-        const bool torn = mended.bytesCut == patient.behind && !kept.empty();
+    if (mended.bytesCut > 0 && mended.rowWritten == 0) {
+        const bool torn = mended.bytesCut == patient.behind && !shown.empty();
         line(counted(mended.bytesCut, "byte") + " behind the last whole row cut off" +
-             (torn ? "; they stand in '" + patient.name + kept.substr(patient.file.size()) + "'." : "."));
+             (torn ? "; they stand in '" + shown + "'." : "."));
     }
-    if (patient.takenIn > 0)
-        line(counted(patient.takenIn, "row") + " behind those that the header counted taken in.");
+    if (mended.rowsTaken > 0)
+        line(counted(mended.rowsTaken, "row") + " behind those that the header counted taken in.");
     if (mended.countSet)
         line("the count in the header was " + std::to_string(patient.counted) + ": set to " +
              std::to_string(mended.rows) + ".");
     if (result.rowDropped != 0)
         line("the last row, " + std::to_string(result.rowDropped) + ", was row " +
              std::to_string(result.sameAs) + " again: dropped.");
+    if (result.rowsTorn != 0) line(counted(result.rowsTorn, "row") + " that could not be read dropped.");
+    if (result.rowsRestored != 0)
+        line(counted(result.rowsRestored, "row") +
+             " that deletions had moved, and that were lost, brought back.");
     if (result.badRow != 0) line("row " + std::to_string(result.badRow) + " cannot be read.");
     for (const DuplicateKey& duplicate : result.duplicates)
         line("rows " + std::to_string(duplicate.first) + " and " + std::to_string(duplicate.row) +
@@ -184,34 +103,60 @@ void removeOtherIndexes(const Patient& patient) {
     }
 }
 
+// What can be done about a rebuilding that failed.
+struct Advice {
+    std::int32_t code;
+    const char* next;
+};
+constexpr Advice advices[] = {
+    {ERR_FILE_READ, "Its disk may be failing: copy it elsewhere, and rebuild the copy."},
+    {ERR_FILE_WRITE, "Look whether you may write it, and its folder, where the new indexes are made."},
+    {ERR_FILE_VANISHED, "Look whether another program renames or deletes it, then rebuild again."},
+    {ERR_DISK_FULL, "Make room on its disk for the new indexes, then rebuild again."},
+    {ERR_FILE_SIZE, "It has more rows than a table can count: convert it in parts."},
+    {ERR_INDEX_FILE_SIZE,
+     "A file with the name of one of its indexes belongs to another table beside it: rename one of the two."},
+    {ERR_FILE_NAME,
+     "The name of an index would be too long, that of the file itself, or is that of a pipe, a "
+     "device or a folder: rename what is in the way, or the file."},
+    {ERR_COMPONENT_UNREPRESENTABLE, "Its fields have changed since it was looked at: rebuild again."},
+    {ERR_TYPE_NOT_STORABLE, "A field of a key must have a length: choose other fields with --keys."},
+    {ERR_FIXED_TABLE, "It has more rows than are declared: give the capacity of the table with --type."},
+    {ERR_OUT_OF_MEMORY, "End other programs, then rebuild again."},
+};
+
+std::string adviceOf(std::int32_t code) {
+    constexpr const char* others = "'tarn-data check' tells more of it.";
+    const auto* const advice =
+        std::find_if(std::begin(advices), std::end(advices), [&](const Advice& a) { return a.code == code; });
+    return std::string(advice != std::end(advices) ? advice->next : others) +
+           " Its rows are whole, its indexes are as they were.";
+}
+
 Problem mend(const Patient& patient, RebuiltTable& result) {
     const std::string file = os::native(patient.file);
-    if (patient.takenIn > 0)
-        FileKeepCount(file, RowsXbase, static_cast<std::int32_t>(patient.counted + patient.takenIn));
     TableValue table;
-    const bool made = ErrorCell() == 0 && makeFileTable(patient.type, patient.maps, table);
-    if (made) result = RebuildTableFile(*table.get(), file);
+    const bool made = makeFileTable(patient.type, patient.maps, table);
+    if (made) result = RebuildTableFile(*table.get(), file, static_cast<std::int32_t>(patient.takenIn));
     const std::int32_t code = made ? result.error : ErrorCell();
     ClearError();
     if (result.stopped)
         return {"Stopped.", "The rows of '" + patient.name + "' are whole; its indexes are as they were."};
     if (code == 0 || code == ERR_UNIQUE_INDEX) return {};
-    return {fileWord(patient.name) + "cannot be rebuilt: " + ErrorMessage(code) + ".",
-            "Look whether its folder may be written, and whether the disk has room. Its rows are whole, its "
-            "indexes are as they were."};
+    return {fileWord(patient.name) + "cannot be rebuilt: " + ErrorMessage(code) + ".", adviceOf(code)};
 }
 
 int rebuildFile(const Patient& patient) {
     RebuiltTable result;
-    std::string kept;
-    Problem problem = keepTail(patient, kept);
+    std::string kept, shown;
+    Problem problem = keepTail(patient, kept, shown);
     if (problem.any()) return tell(problem);
     problem = mend(patient, result);
-    if (result.mended.rowWritten != 0 && !kept.empty()) {  // the bytes were those of the note
+    if (result.mended.bytesCut == 0 && !kept.empty()) {  // they still stand where they were
         os::files().remove(os::native(kept));
-        kept.clear();
+        shown.clear();
     }
-    std::string text = report(patient, result, kept);
+    std::string text = report(patient, result, shown);
     if (!problem.any()) {
         removeOtherIndexes(patient);
         text += indexReport(patient, result.rows);
@@ -225,11 +170,6 @@ int rebuildFile(const Patient& patient) {
 }
 
 // ---- dry runs ----
-
-Problem look(const Arguments& arguments, bool xbase, Patient& patient) {
-    Problem problem = xbase ? lookAtXbase(patient) : lookAtTable(arguments.type, patient);
-    return problem.any() ? problem : chooseKeys(arguments, patient);
-}
 
 // The same work on copies.
 int rehearse(const Arguments& arguments, bool xbase) {
@@ -246,7 +186,7 @@ int rehearse(const Arguments& arguments, bool xbase) {
                          "' for a dry run: " + std::string(os::describe(folder.error())),
                      "Choose a folder with more room with TMPDIR."});
     patient.file = folder.path() + "/" + std::string(baseName(patient.name));
-    const Problem problem = look(arguments, xbase, patient);
+    const Problem problem = examine(arguments, xbase, patient);
     if (problem.any()) return tell(problem);
     print("A dry run: nothing is changed. A rebuild would tell:\n");
     return rebuildFile(patient);
@@ -273,7 +213,7 @@ int rebuild(const Arguments& arguments) {
     }
     const Work work("rebuilding " + patient.name);
     if (arguments.dryRun) return rehearse(arguments, xbase);
-    problem = look(arguments, xbase, patient);
+    problem = examine(arguments, xbase, patient);
     return problem.any() ? tell(problem) : rebuildFile(patient);
 }
 

@@ -34,7 +34,7 @@ RecordDescriptor* Rows::at(std::int32_t number) {
 }
 
 bool Rows::keep() {
-    return !ListIsInFile(list()) || WriteRow(*list(), number_, row_.get());
+    return !ListIsInFile(list()) || ReplaceRow(*list(), number_, row_.get());
 }
 
 bool Rows::add(const RecordDescriptor* row) {

@@ -128,8 +128,9 @@ Problem identifyXml(const Arguments& arguments, Source& source) {
     if (arguments.from.any())
         return {fileWord(source.file) + "is XML, which has no separator, header, footer or row limit.",
                 "Leave the options of delimited text away.", WrongUsage};
-    const XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
+    XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
     source.rowsSeen = order.rows;
+    source.longest = std::move(order.longest);
     return {order.missing.empty() ? order.message : order.missing, order.advice};
 }
 

@@ -46,9 +46,12 @@ Problem tableFacts(const std::string& file, const RowType& type, TableFacts& fac
         facts.headerBytes = std::int64_t{countBytes};
         facts.counted = head.size() == countBytes ? std::int64_t{bigEndian(head)} : 0;
     }
-    const std::int64_t room = facts.size - facts.headerBytes;
+    Problem problem = findNote(file, facts.headerBytes, facts.rowBytes, facts.note);
+    if (problem.any()) return problem;
+    const std::int64_t end = facts.note.offset >= 0 ? facts.note.offset : facts.size;
+    const std::int64_t room = end - facts.headerBytes;
     facts.whole = std::max<std::int64_t>(room, 0) / facts.rowBytes;
-    facts.behind = room < 0 ? room : room % facts.rowBytes;
+    facts.behind = room < 0 ? room : facts.size - facts.headerBytes - facts.whole * facts.rowBytes;
     return {};
 }
 
@@ -75,6 +78,18 @@ std::int32_t RowBytes::badField(std::string_view row) {
     for (std::int32_t n = 1; n < static_cast<std::int32_t>(offsets_.size()); ++n) {
         const Kind kind = FieldKindAt(row_.get()->kinds, n);
         if (!Unpack(row, RecordFieldAddress(row_.get(), n), kind)) return n;
+    }
+    return 0;
+}
+
+std::int32_t RowBytes::oddText(std::string_view row) const {
+    constexpr std::size_t lengthBytes = 4;
+    for (std::int32_t n = 1; n < static_cast<std::int32_t>(offsets_.size()); ++n) {
+        if (FieldKindAt(row_.get()->kinds, n) != KindString) continue;
+        const auto at = static_cast<std::size_t>(n) - 1;
+        const std::string_view field = row.substr(offsets_[at], offsets_[at + 1] - offsets_[at]);
+        const std::size_t end = lengthBytes + std::size_t{bigEndian(field)};
+        if (field.find_first_not_of('\0', end) != std::string_view::npos) return n;
     }
     return 0;
 }

@@ -21,7 +21,12 @@ struct TableFacts {
     std::int64_t counted = -1;  // by the header; -1 where there is none
     std::int64_t whole = 0;     // rows that the file has room for
     std::int64_t behind = 0;    // bytes behind them; below 0: the header is not whole
+    RowNote note;               // what these bytes are, when a row was being written over
     [[nodiscard]] std::int64_t rows() const { return counted >= 0 && counted < whole ? counted : whole; }
+    // The row that is about to be written over by what stands in the note; 0 for none.
+    [[nodiscard]] std::int32_t replacing() const {
+        return note.position >= 1 && note.position <= rows() ? note.position : 0;
+    }
     [[nodiscard]] bool good() const { return behind == 0 && counted <= whole; }
 };
 Problem tableFacts(const std::string& file, const RowType& type, TableFacts& facts);
@@ -36,6 +41,8 @@ public:
     explicit RowBytes(const RowType& type);
     // The first field, from 1, that the bytes of a row cannot be; 0 for none.
     std::int32_t badField(std::string_view row);
+    // The first text, likewise, that has other bytes than 0 behind its end. The row has no bad field.
+    [[nodiscard]] std::int32_t oddText(std::string_view row) const;
     // The key of a row as it stands in an index file.
     [[nodiscard]] std::string key(std::string_view row, std::int32_t keyMap) const;
 

@@ -123,8 +123,9 @@ public:
                 "Choose another separator with --to-separator, or XML."};
     }
 
-    Problem row(RecordDescriptor* row, std::int32_t number) const {
+    Problem row(RecordDescriptor* row, std::int32_t number) {
         std::size_t length = 0;
+        changed_ = false;
         const std::int32_t fields = FieldCountOf(row->kinds);
         for (std::int32_t n = 1; n <= fields; ++n) {
             if (RecordFieldKind(row, n) != KindString) continue;
@@ -135,11 +136,12 @@ public:
         }
         return target_.format == FormatXml ? Problem() : line(row, fields, length, number);
     }
+    [[nodiscard]] bool changed() const { return changed_; }  // the row that was looked at last
 
 private:
     [[nodiscard]] std::string nameOf(std::int32_t n) const { return names_[static_cast<std::size_t>(n - 1)]; }
 
-    Problem cell(StringDescriptor* s, std::int32_t number, std::int32_t n) const {
+    Problem cell(StringDescriptor* s, std::int32_t number, std::int32_t n) {
         Misfit misfit = misfitOf(target_, StringView(s), 0);
         if (!misfit.any()) return {};
         if (!replace_)
@@ -148,6 +150,7 @@ private:
         std::string text(StringView(s));
         for (; misfit.any(); misfit = misfitOf(target_, text, misfit.at + 1)) text[misfit.at] = '?';
         StringAssignView(s, text);
+        changed_ = true;
         return {};
     }
 
@@ -165,7 +168,7 @@ private:
     }
 
     const Target& target_;
-    bool replace_;
+    bool replace_, changed_ = false;
     std::vector<std::string> names_;
 };
 
@@ -212,6 +215,8 @@ Problem chooseLayout(const Layout& layout, Target& target) {
 Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target) {
     target.file = file;
     target.format = DataFormatOf(file);
+    if (os::infoOf(os::native(file)).special)
+        return {fileWord(file) + "cannot be written.", "It is no regular file: give the name of one."};
     if (arguments.toTable || target.format == FormatBinary) return chooseTable(arguments, target);
     if (target.format == FormatUnknown)
         return {"'" + file + "' cannot be written: its extension is none of csv, tab, txt, xml, dbf and bin.",
@@ -239,14 +244,14 @@ Problem fitRows(const Target& target, bool replace, std::string& columns, Rows& 
     if (target.format == FormatText && fields != 1)
         return {"There are " + std::to_string(fields) + " columns, and lines of text hold one.",
                 "--to-separator=C writes '" + target.file + "' as delimited text."};
-    const Fitting fitting(target, replace, columns);
+    Fitting fitting(target, replace, columns);
     Problem problem;
     for (std::int32_t n = 1; n <= fields && !problem.any(); ++n) problem = fitting.column(shape, n);
     rows.beginBatch();
     for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
         RecordDescriptor* const row = rows.at(i);
         if (row != nullptr) problem = fitting.row(row, i);
-        if (replace && !problem.any() && ErrorCell() == 0) rows.keep();
+        if (fitting.changed() && !problem.any() && ErrorCell() == 0) rows.keep();
         if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
     }
     ClearError();
@@ -254,9 +259,6 @@ Problem fitRows(const Target& target, bool replace, std::string& columns, Rows& 
 }
 
 Problem unwritable(const std::string& file, const std::string& why) {
-    if (os::infoOf(os::native(file)).special)
-        return {"'" + file + "' cannot be written: " + why + ".",
-                "It is a device or a pipe: look whether a program reads from it. It may have got a part."};
     return {"File '" + file + "' cannot be written: " + why + ".",
             "Look whether its folder is there and may be written, and whether the disk has room. The file is "
             "as it was."};

@@ -85,6 +85,7 @@ public:
                 std::string(writeOther) + "."};
     }
     Problem row(RecordDescriptor* row, std::int32_t number) {
+        changed_ = false;
         for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n) {
             void* const field = RecordFieldAddress(row, n);
             Problem problem = cell(field, FieldKindAt(row->kinds, n), number, n);
@@ -92,6 +93,7 @@ public:
         }
         return {};
     }
+    [[nodiscard]] bool changed() const { return changed_; }  // the row that was looked at last
     // The columns with the lengths that their texts need.
     [[nodiscard]] std::string sized(std::string_view columns) const {
         std::string text;
@@ -133,6 +135,7 @@ private:
             std::string fitted(xbaseText(cell).substr(0, longestText));
             std::replace(fitted.begin(), fitted.end(), '\0', '?');
             StringAssignView(s, fitted);
+            changed_ = true;
             cell = StringView(s);
         }
         std::size_t& length = lengths_[static_cast<std::size_t>(n - 1)];
@@ -145,7 +148,7 @@ private:
         if (FixedToText(value).size() <= width) return {};
         return misfit(number, n, "holds a number of more than 20 characters", "--text writes it as text.");
     }
-    Problem real(char* at, std::int32_t number, std::int32_t n) const {
+    Problem real(char* at, std::int32_t number, std::int32_t n) {
         constexpr double most = 1e14, decimals = 1e4;  // 15 digits and 4 decimals
         const auto value = ReadAt<double>(at);
         if (!std::isfinite(value) || std::fabs(value) >= most)
@@ -157,10 +160,11 @@ private:
             return misfit(number, n, "holds a number of more than 4 decimals",
                           "--text writes it as text, --replace rounds it.");
         WriteAt(at, rounded);
+        changed_ = true;
         return {};
     }
 
-    bool replace_;
+    bool replace_, changed_ = false;
     std::vector<std::string> names_;
     std::vector<std::size_t> lengths_;
 };
@@ -177,7 +181,7 @@ Problem fitXbase(bool replace, std::string& columns, Rows& rows) {
     for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
         RecordDescriptor* const row = rows.at(i);
         if (row != nullptr) problem = fitting.row(row, i);
-        if (replace && !problem.any() && ErrorCell() == 0) rows.keep();
+        if (fitting.changed() && !problem.any() && ErrorCell() == 0) rows.keep();
         if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
     }
     ClearError();

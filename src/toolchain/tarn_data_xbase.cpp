@@ -71,9 +71,12 @@ Problem XbaseFile::open(const std::string& file) {
         offsets_.push_back(offset);
         offset += header_.length[n];
     }
-    const std::int64_t room = file_.size() - header_.headerSize;
+    problem = findNote(file, header_.headerSize, header_.recordSize, note_);
+    if (problem.any()) return problem;
+    const std::int64_t end = note_.offset >= 0 ? note_.offset : file_.size();
+    const std::int64_t room = end - header_.headerSize;
     whole_ = std::max<std::int64_t>(room / header_.recordSize, 0);
-    behind_ = room < 0 ? room : room % header_.recordSize;
+    behind_ = room < 0 ? room : file_.size() - header_.headerSize - whole_ * header_.recordSize;
     std::string last;
     if (behind_ == 1 && file_.read(file_.size() - 1, 1, last) && last[0] == endMark) behind_ = 0;
     return file_.error() == os::FileError::None ? Problem() : unreadable(file, file_.error());

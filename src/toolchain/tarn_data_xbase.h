@@ -29,6 +29,11 @@ public:
     [[nodiscard]] std::int64_t whole() const { return whole_; }             // rows that are there
     // Bytes behind the whole rows, but for a mark of the end.
     [[nodiscard]] std::int64_t behind() const { return behind_; }
+    // What they are, when a row was being written over; and which row, or 0.
+    [[nodiscard]] const RowNote& note() const { return note_; }
+    [[nodiscard]] std::int32_t replacing() const {
+        return note_.position >= 1 && note_.position <= rows() ? note_.position : 0;
+    }
     // The rows that count and are there, from the first on.
     [[nodiscard]] std::int64_t rows() const { return counted() < whole_ ? counted() : whole_; }
     bool readHead(std::string& bytes) {
@@ -47,6 +52,7 @@ private:
     XbaseHeader header_;
     std::vector<std::size_t> offsets_;
     std::int64_t whole_ = 0, behind_ = 0;
+    RowNote note_;
 };
 
 }  // namespace tarn::data

@@ -78,6 +78,19 @@ struct State {          // what a sync makes lasting
     std::int64_t modified = 0;
 };
 
+struct Change {
+    bool cuts = false;
+    std::size_t at = 0;  // of a cut: the size
+    std::string bytes;
+};
+
+void apply(const Change& change, std::string& bytes) {
+    if (change.cuts) return bytes.resize(change.at);
+    if (change.bytes.empty()) return;
+    bytes.resize(std::max(bytes.size(), change.at + change.bytes.size()));
+    bytes.replace(change.at, change.bytes.size(), change.bytes);
+}
+
 std::vector<std::string> partsOf(const std::string& path) {
     std::vector<std::string> parts;
     for (std::size_t at = 0; at < path.size();) {
@@ -96,6 +109,7 @@ struct SteeredFiles::Node {
     std::uint32_t links = 1;
     State state, lasting;
     bool everSynced = false;
+    std::vector<Change> unsynced;
     std::map<std::string, NodePointer> names, lastingNames;  // of a folder
 };
 
@@ -200,6 +214,7 @@ void SteeredFiles::settle(Node& node) {
     node.lasting = node.state;
     node.lastingNames = node.names;
     node.everSynced = true;
+    node.unsynced.clear();
 }
 
 SteeredFiles::Place SteeredFiles::prepare(const std::string& path) {
@@ -340,21 +355,36 @@ void SteeredFiles::revive() {
     open_.clear();
 }
 
-void SteeredFiles::forget(const NodePointer& node, Names names, Overwritten overwritten,
+void SteeredFiles::forget(const NodePointer& node, Names names, const Forget& forgetBytes,
                           std::vector<const Node*>& seen) {
     if (std::find(seen.begin(), seen.end(), node.get()) != seen.end()) return;
     seen.push_back(node.get());
-    if (overwritten == Overwritten::Lost || !node->everSynced) node->state = node->lasting;
+    forgetBytes(*node);
     if (names == Names::Lost) node->names = node->lastingNames;
     settle(*node);
-    for (const auto& [name, child] : node->names) forget(child, names, overwritten, seen);
+    for (const auto& [name, child] : node->names) forget(child, names, forgetBytes, seen);
 }
 
-void SteeredFiles::afterMachineDeath(Names names, Overwritten overwritten) {
+void SteeredFiles::dieAsMachine(Names names, const Forget& forgetBytes) {
     revive();
     current_ = "/";
     std::vector<const Node*> seen;
-    forget(root_, names, overwritten, seen);
+    forget(root_, names, forgetBytes, seen);
+}
+
+void SteeredFiles::afterMachineDeath(Names names, Overwritten overwritten) {
+    dieAsMachine(names, [&](Node& node) {
+        if (overwritten == Overwritten::Lost || !node.everSynced) node.state = node.lasting;
+    });
+}
+
+void SteeredFiles::afterMachineDeath(Names names, const std::function<bool()>& keeps) {
+    dieAsMachine(names, [&](Node& node) {
+        if (node.kind != AFile) return;
+        node.state.bytes = node.lasting.bytes;
+        for (const Change& change : node.unsynced)
+            if (keeps()) apply(change, node.state.bytes);
+    });
 }
 
 // The failure of this call, if one was ordered for it.
@@ -426,6 +456,7 @@ FileError SteeredFiles::openNode(const Place& place, OpenMode mode, std::uint32_
     if (mode == OpenMode::Truncate) {
         give(node->state.bytes.size());
         node->state.bytes.clear();
+        node->unsynced.push_back({true, 0, {}});
     }
     return FileError::None;
 }
@@ -479,6 +510,7 @@ FileError SteeredFiles::write(Handle handle, std::int64_t offset, std::string_vi
     const auto end = static_cast<std::size_t>(offset) + bytes.size();
     if (!bytes.empty() && end > old.size()) old.resize(end);
     if (!bytes.empty()) old.replace(static_cast<std::size_t>(offset), bytes.size(), bytes);
+    file->node->unsynced.push_back({false, static_cast<std::size_t>(offset), std::string(bytes)});
     file->node->state.modified = clock().now();
     if (dying_) throw ProcessDeath{};
     return error;
@@ -492,6 +524,7 @@ FileError SteeredFiles::truncate(Handle handle, std::int64_t size) {
     std::string& bytes = file->node->state.bytes;
     if (static_cast<std::size_t>(size) < bytes.size()) give(bytes.size() - static_cast<std::size_t>(size));
     bytes.resize(static_cast<std::size_t>(size));
+    file->node->unsynced.push_back({true, static_cast<std::size_t>(size), {}});
     file->node->state.modified = clock().now();
     return FileError::None;
 }
@@ -509,6 +542,7 @@ FileError SteeredFiles::sync(Handle handle) {
     if (file == nullptr) return FileError::WriteFailed;
     file->node->lasting = file->node->state;
     file->node->everSynced = true;
+    file->node->unsynced.clear();
     return FileError::None;
 }
 

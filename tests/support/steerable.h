@@ -107,6 +107,9 @@ public:
     enum class Names { Lost, Kept };
     enum class Overwritten { Lost, Kept };
     void afterMachineDeath(Names names, Overwritten overwritten = Overwritten::Lost);  // also revives
+    // Each writing and each cut that was not synced is there or not, by itself, as `keeps` says; those that
+    // are there are in their order. Gaps are zeros.
+    void afterMachineDeath(Names names, const std::function<bool()>& keeps);
 
     [[nodiscard]] int calls() const { return calls_; }  // counted since the last order or `clearLog`
     [[nodiscard]] const std::vector<std::string>& log() const { return log_; }
@@ -167,8 +170,10 @@ private:
     NodePointer newNode(int kind, std::uint32_t mode);
     Place prepare(const std::string& path);
     static void settle(Node& node);
-    static void forget(const NodePointer& node, Names names, Overwritten overwritten,
+    using Forget = std::function<void(Node&)>;
+    static void forget(const NodePointer& node, Names names, const Forget& forgetBytes,
                        std::vector<const Node*>& seen);
+    void dieAsMachine(Names names, const Forget& forgetBytes);
     void collect(const Node& node, const std::string& path, std::vector<std::string>& paths) const;
 
     NodePointer root_;

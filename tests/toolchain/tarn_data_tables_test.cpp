@@ -1,67 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Xbase, table and index files: info, convert, check and rebuild.
-#include "tarn_data_fixture.h"
+#include "tarn_data_tables_fixture.h"
 
 #include <filesystem>
 #include <unistd.h>
 
 namespace tarn::data {
 namespace {
-
-using namespace std::string_literals;
-
-constexpr int Well = 0, Failed = 1, WrongUsage = 2;
-
-struct Row {
-    const char *words, *said;
-};
-
-std::string bytesOf(std::string_view hex) {
-    std::string bytes;
-    for (std::size_t i = 0; i < hex.size();) {
-        if (hex[i] == ' ' || hex[i] == '\n') {
-            ++i;
-            continue;
-        }
-        bytes += static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16));
-        i += 2;
-    }
-    return bytes;
-}
-
-// A file of two fields, NAME C(5) and N N(4,1), with these rows and a count.
-std::string dbf(const std::vector<std::string>& rows, char count = -1) {
-    const auto field = [](std::string name, char type, char length, char decimals) {
-        name.resize(11);
-        return name + type + std::string(4, '\0') + length + decimals + std::string(14, '\0');
-    };
-    std::string bytes = "\x03\x65\x02\x03"s;
-    bytes += count >= 0 ? count : static_cast<char>(rows.size());
-    bytes += "\0\0\0\x61\0\x0A\0"s + std::string(20, '\0') + field("NAME", 'C', 5, 0) +
-             field("N", 'N', 4, 1) + "\r";
-    for (const std::string& row : rows) bytes += row;
-    return bytes + "\x1A";
-}
-
-class Tables : public TarnData {
-protected:
-    void SetUp() override {
-        write("t.type", "record\n\tid : integer\n\tname : string[4]\nend record\n");
-        write("a.csv", "id,name\n1,Ann\n2,Bob\n3,Cy\n");
-    }
-    void makeTable() {
-        ASSERT_EQ(tarnData("convert a.csv t.bin --type=t.type --keys=id --keys=name,id"), Well) << errors;
-    }
-    void expectWhole(const std::string& words) {
-        EXPECT_EQ(tarnData("check " + words), Well) << output << errors;
-        EXPECT_NE(output.find("whole"), std::string::npos);
-    }
-    void expectFault(const std::string& words, const std::string& said) {
-        EXPECT_EQ(tarnData("check " + words), Failed) << words;
-        EXPECT_NE(output.find(said), std::string::npos) << words << "\n" << output << errors;
-    }
-};
 
 TEST_F(Tables, WrongUsageIsTold) {
     write("t.bin", "12345678");
@@ -82,7 +28,9 @@ TEST_F(Tables, WrongUsageIsTold) {
         {"check a.csv", "there is nothing to check"},
         {"rebuild a.csv", "is no dbf file or table file"},
         {"rebuild t.i1", "is an index file"},
-        {"check t.bin --keys=id", "'--keys' means nothing to 'check'"},
+        {"info t.bin --keys=id", "'--keys' means nothing to 'info'"},
+        {"check t.i1 --keys=id", "is an index file, so that --keys means nothing for it"},
+        {"check t.bin --type=t.type --keys=none", "'none' in --keys is no field"},
         {"convert a.csv b.csv --dry-run", "'--dry-run' means nothing to 'convert'"},
     };
     for (const Row& row : rows) {
@@ -324,7 +272,7 @@ TEST_F(Tables, FaultsOfXbaseFilesAreFoundAndOddFieldsNoted) {
     write("d.dbf", dbf({" Ann   1.5"}));
     expectWhole("d.dbf");
     write("d.dbf", dbf({" Ann   1.5"}, 3));
-    expectFault("d.dbf", "d.dbf: Its header counts 3 rows, and it has 1 whole ones.");
+    expectFault("d.dbf", "d.dbf: Its header counts 3 rows, and it has 1 whole one.");
     write("d.dbf", dbf({" Ann   1.5", " tor"}, 1));
     expectFault("d.dbf", "bytes behind its whole rows");
     write("d.dbf", dbf({"xAnn   1.5"}));

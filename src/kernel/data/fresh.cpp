@@ -7,6 +7,7 @@
 #include "kernel/rowformat.h"
 #include "kernel/table_access.h"
 #include "kernel/tables_file_index.h"
+#include "kernel/tables_file_kept.h"
 
 #include <cstring>
 
@@ -34,7 +35,8 @@ bool replaceTable(const TableDescriptor& fresh, TableDescriptor& target, const s
     const std::int32_t count = HeaderOf(fresh).rows.count, indexes = IndexesOf(HeaderOf(target));
     const std::string file(RowFileName(rows));
     IndexExchange exchange(target);
-    if ((rows.count > 0 && !SyncTableIndexes(fresh)) || !exchange.setAside()) return false;
+    if ((rows.count > 0 && !SyncTableIndexes(fresh)) || !EndKeptRows(target) || !exchange.setAside())
+        return false;
     if (!PutRowsInPlace(scratch, rows, count)) {
         exchange.putBack();
         return false;

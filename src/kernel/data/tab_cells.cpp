@@ -138,11 +138,18 @@ void clearField(const TabField& field, char* at) {
 
 }  // namespace
 
+std::string_view TabCells::text(std::string& scratch) {
+    const std::string_view cell = next();
+    if (separator_ == NoTabSeparator) return cell;
+    if (quoted_) return UnquotedText(cell, scratch);
+    return withoutTail(cell.substr(0, cell.find('\0')), " ");
+}
+
 // One row on its way into one value.
 class TabRowReader::Row {
 public:
     Row(std::string_view row, std::int32_t separator, std::string& scratch)
-        : cells_(row, separator), separator_(separator), scratch_(scratch) {}
+        : cells_(row, separator), scratch_(scratch) {}
 
     void read(const TabField& field, char* at) {
         if (code_ != 0) return clearField(field, at);
@@ -167,21 +174,14 @@ private:
         tarn_error_cell = 0;
     }
 
-    std::string_view text() {
-        const std::string_view cell = cells_.next();
-        if (separator_ == NoTabSeparator) return cell;
-        if (cells_.quoted()) return UnquotedText(cell, scratch_);
-        return withoutTail(cell.substr(0, cell.find('\0')), " ");
-    }
-
     void readString(StringDescriptor& s) {
-        StringAssignView(&s, text());
+        StringAssignView(&s, cells_.text(scratch_));
         check();
     }
 
     // An empty cell is zero, a shorter text is filled up with blanks.
     void readCharacters(const ArrayDescriptor& array) {
-        const std::string_view characters = text();
+        const std::string_view characters = cells_.text(scratch_);
         const auto room = static_cast<std::size_t>(array.size);
         const std::size_t count = std::min(room, characters.size());
         std::memset(At(array.data), characters.empty() ? 0 : ' ', room);
@@ -226,7 +226,7 @@ private:
     }
 
     TabCells cells_;
-    std::int32_t separator_, code_ = 0;
+    std::int32_t code_ = 0;
     std::string& scratch_;
 };
 

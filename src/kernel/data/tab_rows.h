@@ -12,12 +12,14 @@
 #pragma once
 
 #include "kernel/data/tabular.h"
+#include "kernel/runtime.h"
 #include "os/files.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tarn {
@@ -39,6 +41,10 @@ public:
 private:
     std::int32_t before_;
 };
+// What an operation left in the cell, which is clear then.
+inline std::int32_t TakeCellError() {
+    return std::exchange(tarn_error_cell, 0);
+}
 
 // A file that is open for reading.
 class TabFile {
@@ -131,6 +137,9 @@ public:
     [[nodiscard]] bool quoted() const { return quoted_; }
     // The same, and no quotes are looked for.
     std::string_view nextPlain();
+    // The next cell as the text that it stands for. `scratch` holds it where it differs from what stands
+    // there.
+    std::string_view text(std::string& scratch);
     void advance(std::size_t bytes) { at_ += bytes; }
 
 private:

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The whole file is written to memory first and then put on disk in one step, so that what cannot be written
-// is known before the old file is touched.
 #include "kernel/data/datafile.h"
 #include "kernel/data/elements.h"
-#include "kernel/data/progress.h"
+#include "kernel/data/filetext.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/tab_rows.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
-#include "kernel/fileerrors.h"
 #include "kernel/fixed.h"
 #include "kernel/numbers.h"
 #include "kernel/runtime.h"
@@ -150,65 +146,64 @@ private:
 
 class Saving {
 public:
-    Saving(const TabOptions& options, const TabField& row)
-        : options_(options), row_(row), writer_(text_, options.separatorchar) {}
+    Saving(const std::string& filename, const TabOptions& options, const TabField& row)
+        : options_(options), row_(row), file_(filename), writer_(file_.text, options.separatorchar) {}
 
-    TabResult build(const void* value, Kind kind, std::string_view names) {
+    TabResult run(const void* value, Kind kind, std::string_view names) {
         if (options_.separatorchar != NoTabSeparator) putHeaders(names);
         if (kind == KindString)
             putText(static_cast<const StringDescriptor*>(value));
         else
             putRows(value, kind);
         if (options_.separatorchar != NoTabSeparator) putFooters();
+        const bool whole = result_.code == 0 && !file_.stopped();
+        if (whole) result_.code = file_.finish(result_.rescueCopy);
+        if (!whole || result_.code != 0) result_.rows = 0;
+        result_.stopped = file_.stopped();
         return result_;
     }
-    [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
+    // Ahead of all else in the file.
     void putHeaders(std::string_view names) {
         if (options_.numheaderrows < 1) return;
         const std::int32_t columns = row_.fields.empty() ? 1 : static_cast<std::int32_t>(row_.fields.size());
         for (std::int32_t n = 1; n <= columns; ++n) writer_.cell(nameOf(names, n));
-        text_ += '\n';
+        file_.text += '\n';
         if (options_.numheaderrows < 2) return;
-        std::string dashes = text_;
+        std::string dashes = file_.text;
         for (char& c : dashes) {
             if (c != '\n' && static_cast<unsigned char>(c) != options_.separatorchar) c = '-';
         }
-        text_ += dashes;
+        file_.text += dashes;
     }
     void putFooters() {
-        if (options_.numfooterrows >= 2) text_ += '\n';
+        if (options_.numfooterrows >= 2) file_.text += '\n';
         if (options_.numfooterrows < 1) return;
-        text_ +=
+        file_.text +=
             "(" + std::to_string(result_.rows) + " row" + (result_.rows == 1 ? "" : "s") + " affected)\n";
     }
 
     void putText(const StringDescriptor* s) {
-        const std::size_t start = text_.size();
-        text_ += CharacterWidth == 1 ? std::string(StringView(s)) : NarrowTabText(s);
-        if (text_.size() > start && text_.back() != '\n') text_ += '\n';
-        result_.rows = static_cast<std::int32_t>(
-            std::count(text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(), '\n'));
+        std::string text = CharacterWidth == 1 ? std::string(StringView(s)) : NarrowTabText(s);
+        if (!text.empty() && text.back() != '\n') text += '\n';
+        result_.rows = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
+        file_.text += text;
     }
     void putRows(const void* value, Kind kind) {
         ElementSource elements(value, kind);
-        std::size_t told = 0;
-        for (std::int32_t i = 0; i < elements.count() && result_.code == 0 && !result_.stopped; ++i) {
+        for (std::int32_t i = 0; i < elements.count(); ++i) {
             const auto* const element = static_cast<const char*>(elements.at(i));
             if (element != nullptr) writer_.row(row_, element);
             result_.code = element != nullptr ? writer_.code() : tarn_error_cell;
             ++result_.rows;
-            if (text_.size() - told < std::size_t{ProgressStep}) continue;
-            told = text_.size();
-            const auto done = static_cast<std::int64_t>(told);
-            result_.stopped = !Progress(done, done / (i + 1) * elements.count());
+            if (result_.code != 0 || !file_.pass(result_.rows, elements.count())) return;
         }
     }
 
     const TabOptions& options_;
     const TabField& row_;
-    std::string text_;
+    FileText file_;
     RowWriter writer_;
     TabResult result_;
 };
@@ -222,15 +217,7 @@ TabResult save(const std::string& filename, const TabOptions& options, const voi
         own = namesOfTable(static_cast<const TableDescriptor*>(value), target.row.fields.size());
         if (!own.empty()) names = own;
     }
-    Saving saving(options, target.row);
-    TabResult result = saving.build(value, kind, names);
-    if (result.code == 0 && !result.stopped) {
-        os::SaveResult saved = os::saveFile(filename, saving.text());
-        result.code = FileWriteCode(saved.error);
-        result.rescueCopy = std::move(saved.rescueCopy);
-    }
-    if (result.code != 0) result.rows = 0;
-    return result;
+    return Saving(filename, options, target.row).run(value, kind, names);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -41,6 +42,16 @@ struct TabStructure {
 // Reads names and types of the columns from the rows up to the first empty line.
 TabStructure TabDiscover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize);
 
+// How much there is in a file, whatever its cells hold.
+struct TabExtent {
+    std::int32_t code = 0, row = 0;  // the first failure: of the file, or 986 for a row of more than a line
+    std::int32_t rows = 0;           // up to the last one that holds a text
+    std::vector<std::int32_t>
+        longest{};         // of each column that holds one, 48 at most: characters of the longest
+    bool stopped = false;  // by progress.h
+};
+TabExtent TabMeasure(const std::string& filename, const TabOptions& options);
+
 // How a load or a save ended. `code` 0: well; else the first failure: 981 to 986, 989 for a cell (the load
 // goes on with the next row), 618, 619, 635 for a row that the value refused, 651 to 655 and 657 for the
 // file, or for that of the value, 658 for a value that such a file cannot hold, 661 for one that is held in a
@@ -48,7 +59,7 @@ TabStructure TabDiscover(const std::string& filename, const TabOptions& options,
 struct TabResult {
     std::int32_t code = 0;
     std::int32_t row = 0;   // of the first failure, from 1
-    std::int32_t rows = 0;  // read or written
+    std::int32_t rows = 0;  // read or written; 0 where the value, or the file, is as it was
     bool stopped = false;   // by progress.h: the value is as it was
     std::int32_t line = 0;  // of the first failure, from 1, where `row` cannot tell it (XML)
     // Of a save that failed:

@@ -81,7 +81,6 @@ std::string XbaseHeaderBytes(const XbaseHeader& header, std::uint32_t records);
 
 // ---- whole files (xbase_files.cpp) ----
 
-std::int32_t TakeXbaseError();  // clears the cell
 // The shape of the rows of a value.
 struct XbaseShape {
     const char* at = nullptr;

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Whole Xbase files are read into a fresh value of the target's shape, which takes its place when the reading
-// came to its end.
 #include "kernel/data/elements.h"
-#include "kernel/data/fresh.h"
 #include "kernel/data/progress.h"
+#include "kernel/data/rowloading.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xbase_access.h"
@@ -30,10 +27,6 @@ constexpr std::int64_t blockBytes = 64;
 #else
 constexpr std::int64_t blockBytes = 256 * 1024;
 #endif
-
-bool isMemoryError(std::int32_t code) {
-    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
-}
 
 // The rows of a file that is open, in blocks.
 class Rows {
@@ -98,83 +91,24 @@ private:
     bool stopped_ = false;
 };
 
-class Loading {
+class Loading : public RowLoading {
 public:
     Loading(Rows& rows, const XbaseHeader& header, bool marked, std::int32_t mostRows)
-        : rows_(rows), header_(header), marked_(marked), mostRows_(mostRows < 0 ? INT32_MAX : mostRows) {}
-
-    TabResult run(void* value, Kind kind) {
-        switch (kind) {
-        case KindString: readText(*static_cast<StringDescriptor*>(value)); break;
-        case KindSet: readSet(*static_cast<SetDescriptor*>(value)); break;
-        case KindList: readList(*static_cast<ListDescriptor*>(value)); break;
-        case KindTable: readTable(*static_cast<TableDescriptor*>(value)); break;
-        default: readOne(value, kind);
-        }
-        result_.stopped = rows_.stopped();
-        if (rows_.code() != 0) failWhole(rows_.code());
-        return failed() ? TabResult{result_.code, 0, 0, result_.stopped} : result_;
-    }
-    // Nothing that was read counts.
-    [[nodiscard]] bool failed() const { return failed_ || result_.stopped; }
+        : RowLoading(mostRows), rows_(rows), header_(header), marked_(marked) {}
 
 private:
-    bool next(std::string_view& row) {
-        if (failed_ || row_ == mostRows_ || !rows_.next(row)) return false;
-        ++row_;
-        return true;
-    }
-    void failWhole(std::int32_t code) {
-        result_ = {code};
-        failed_ = true;
-    }
-    void note(std::int32_t code) {
-        if (isMemoryError(code)) return failWhole(code);
-        if (code == 0 || result_.code != 0) return;
-        result_.code = code;
-        result_.row = row_;
-    }
-    void readRow(std::string_view row, void* value, Kind kind) {
+    bool nextInFile(std::string_view& row) override { return rows_.next(row); }
+    [[nodiscard]] std::int32_t fileCode() const override { return rows_.code(); }
+    [[nodiscard]] bool stopped() const override { return rows_.stopped(); }
+
+    std::int32_t fill(std::string_view row, void* value, Kind kind) override {
         const XbaseFault fault = XbaseReadRow(row, header_, value, kind, marked_);
-        const std::int32_t code = TakeXbaseError();
-        note(isMemoryError(code) ? code : fault.errorCode);
-    }
-
-    void readOne(void* value, Kind kind) {
-        std::string_view row;
-        if (!next(row)) return;
-        readRow(row, value, kind);
-        result_.rows = row_;
-    }
-
-    void readList(ListDescriptor& list) {
-        ElementSink elements(list);
-        for (std::string_view row; next(row); result_.rows = list.count) {
-            void* const element = elements.next();
-            if (element == nullptr) return note(TakeXbaseError());
-            readRow(row, element, ElementKindOf(list));
-            if (!failed_ && !elements.add()) return failWhole(TakeXbaseError());
-        }
-    }
-
-    void readTable(TableDescriptor& table) {
-        RecordValue record;
-        AdtInit(record.get(), &RowShape(HeaderOf(table)), KindRecord);
-        note(TakeXbaseError());
-        const std::int32_t index = TableIndexCount(&table) > 0 ? 1 : 0;
-        for (std::string_view row; next(row); result_.rows = table.count) {
-            readRow(row, record.get(), KindRecord);
-            if (failed_) return;
-            TableAdd(&table, index, record.get());
-            const std::int32_t code = TakeXbaseError();
-            if (IsFileFailure(code)) return failWhole(code);
-            note(code);
-            if (code == ERR_FIXED_TABLE) return;
-        }
+        const std::int32_t code = TakeCellError();
+        return IsMemoryError(code) ? code : fault.errorCode;
     }
 
     // The number of each row; a blank is none.
-    void readSet(SetDescriptor& set) {
+    void readSet(SetDescriptor& set) override {
         for (std::string_view row; next(row); result_.rows = row_) {
             if (header_.fieldCount == 0 || header_.type[0] != XbaseNumber) {
                 note(ERR_COMPONENT_UNREPRESENTABLE);
@@ -185,14 +119,14 @@ private:
             if (WithoutXbaseFill(text).empty()) continue;
             const bool number = ReadXbaseNumber(text, reinterpret_cast<char*>(&member), KindInteger);
             if (number) SetInclude(member, &set);
-            const std::int32_t code = TakeXbaseError();
+            const std::int32_t code = TakeCellError();
             const bool included = number && code == 0;
-            if (!included) note(isMemoryError(code) ? code : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE});
+            if (!included) note(IsMemoryError(code) ? code : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE});
         }
     }
 
     // The first field of each row in a line, as much as the string can hold.
-    void readText(StringDescriptor& text) {
+    void readText(StringDescriptor& text) override {
         const std::int64_t most = text.maxlength == UNBOUNDED ? std::int64_t{MaxBlock} : text.maxlength;
         std::string lines;
         const bool readable =
@@ -207,16 +141,13 @@ private:
         }
         result_.rows = row_;
         StringAssignView(&text, lines);
-        const std::int32_t code = TakeXbaseError();
+        const std::int32_t code = TakeCellError();
         note(code == ERR_FIXED_STRING ? std::int32_t{ERR_COMPONENT_UNREPRESENTABLE} : code);
     }
 
     Rows& rows_;
     const XbaseHeader& header_;
     bool marked_;
-    std::int32_t mostRows_, row_ = 0;
-    bool failed_ = false;
-    TabResult result_;
 };
 
 // The message of a file that is no Xbase file goes with 661.
@@ -236,24 +167,12 @@ TabResult load(const std::string& filename, std::int32_t mostRows, void* value, 
     Rows rows(file, header);
     result.code = rows.open();
     if (result.code != 0) return result;
-    FreshValue fresh(value, kind);
-    result.code = TakeXbaseError();
-    if (result.code != 0) return result;
     const XbaseShape row = XbaseShapeOf(value, kind);
     const bool marked = XbaseHoldsMark(row.at, row.kind, XbaseDeclarationOf(value, kind, typeText));
-    Loading loading(rows, header, marked, mostRows);
-    result = loading.run(fresh.get(), kind);
-    if (!loading.failed() && !fresh.replaceTarget()) return {TakeXbaseError()};
-    return result;
+    return Loading(rows, header, marked, mostRows).into(value, kind);
 }
 
 }  // namespace
-
-std::int32_t TakeXbaseError() {
-    const std::int32_t code = tarn_error_cell;
-    tarn_error_cell = 0;
-    return code;
-}
 
 XbaseShape XbaseShapeOf(const void* value, Kind kind) {
     if (kind == KindSet) return {nullptr, KindInteger};

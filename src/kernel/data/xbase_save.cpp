@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Whole Xbase files are written to memory first and then put on disk in one step; a row that does not fit its
-// fields is known before the old file is touched.
 #include "kernel/data/elements.h"
-#include "kernel/data/progress.h"
+#include "kernel/data/filetext.h"
 #include "kernel/data/tab_fields.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xbase_access.h"
@@ -15,6 +12,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace tarn {
 
@@ -55,7 +53,7 @@ struct Fields {
 // Of a value that is held in an Xbase file: those of that file.
 std::int32_t attachedFields(const void* value, Kind kind, Fields& fields) {
     const std::string message = XbaseReadHeader(FileNameOf(value, kind), fields.header);
-    const std::int32_t code = TakeXbaseError();
+    const std::int32_t code = TakeCellError();
     if (!message.empty()) return code != 0 ? code : std::int32_t{ERR_FILE_NOT_OPEN};
     fields.bytes = XbaseHeaderBytes(fields.header, 0);
     fields.marked = true;
@@ -73,49 +71,66 @@ std::int32_t declaredFields(const void* value, Kind kind, std::string_view typeT
     return code;
 }
 
+std::int32_t linesOf(std::string_view text) {
+    const bool open = !text.empty() && text.back() != '\n';
+    return static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n')) + (open ? 1 : 0);
+}
+
+// The header counts the rows before they are written.
+std::int32_t countRows(const void* value, Kind kind) {
+    if (kind == KindString) return linesOf(narrow(static_cast<const StringDescriptor*>(value)));
+    if (kind == KindSet) return SetCount(static_cast<const SetDescriptor*>(value));
+    const ListDescriptor* const list = ElementList(value, kind);
+    return list != nullptr ? list->count : 1;
+}
+
 class Saving {
 public:
-    Saving(const XbaseHeader& header, bool marked, std::string& text)
-        : header_(header), marked_(marked), text_(text) {}
+    Saving(const std::string& filename, const Fields& fields)
+        : header_(fields.header), marked_(fields.marked), file_(filename) {
+        file_.text = fields.bytes;
+    }
 
-    TabResult run(const void* value, Kind kind) {
+    // `end` goes behind the rows.
+    TabResult run(const void* value, Kind kind, std::string_view end) {
+        total_ = countRows(value, kind);
+        XbaseSetRecords(file_.text, static_cast<std::uint32_t>(total_));
         if (kind == KindString)
             putLines(*static_cast<const StringDescriptor*>(value));
         else if (kind == KindSet)
             putMembers(*static_cast<const SetDescriptor*>(value));
         else
             putRows(value, kind);
+        if (result_.code != 0 || file_.stopped()) return {result_.code, result_.row, 0, file_.stopped()};
+        file_.text += end;
+        std::string rescueCopy;
+        const std::int32_t code = file_.finish(rescueCopy);
+        if (code != 0) result_ = {code};
+        result_.rescueCopy = std::move(rescueCopy);
         return result_;
     }
 
 private:
-    [[nodiscard]] bool goesOn() const { return result_.code == 0 && !result_.stopped; }
+    [[nodiscard]] bool goesOn() const { return result_.code == 0 && file_.good(); }
     void put(const void* value, Kind kind) {
         const XbaseFault fault = XbaseWriteRow(value, kind, header_, row_, marked_);
-        text_ += row_;
+        file_.text += row_;
         finishRow(fault.errorCode);
     }
     void finishRow(std::int32_t code) {
         ++result_.rows;
+        file_.pass(result_.rows, total_);
         if (code == 0) return;
         result_.code = code;
         result_.row = result_.rows;
     }
-    void tell(std::int64_t done, std::int64_t total) {
-        if (static_cast<std::int64_t>(text_.size()) - told_ < ProgressStep) return;
-        told_ = static_cast<std::int64_t>(text_.size());
-        result_.stopped = !Progress(told_, std::max(told_ / done * total, told_));
-    }
 
     void putRows(const void* value, Kind kind) {
         ElementSource elements(value, kind);
-        const auto rows = static_cast<std::size_t>(elements.count());
-        text_.reserve(text_.size() + rows * static_cast<std::size_t>(header_.recordSize) + 1);
         for (std::int32_t i = 0; i < elements.count() && goesOn(); ++i) {
             const void* const element = elements.at(i);
-            if (element == nullptr) return finishRow(TakeXbaseError());
+            if (element == nullptr) return finishRow(TakeCellError());
             put(element, elements.kind());
-            tell(i + 1, elements.count());
         }
     }
     void putMembers(const SetDescriptor& set) {
@@ -133,17 +148,17 @@ private:
             std::string_view line = std::string_view(text).substr(at, end - at);
             line = WithoutXbaseFill(line.substr(0, line.find_last_not_of('\r') + 1));
             at = end + 1;
-            text_ += XbaseLive;
-            text_.append(line.substr(0, length)).append(length - std::min(length, line.size()), ' ');
+            file_.text += XbaseLive;
+            file_.text.append(line.substr(0, length)).append(length - std::min(length, line.size()), ' ');
             finishRow(line.size() > length ? std::int32_t{ERR_COMPONENT_UNREPRESENTABLE} : 0);
-            tell(static_cast<std::int64_t>(at), static_cast<std::int64_t>(text.size()));
         }
     }
 
     const XbaseHeader& header_;
     bool marked_;
-    std::string &text_, row_;
-    std::int64_t told_ = 0;
+    FileText file_;
+    std::string row_;
+    std::int32_t total_ = 0;
     TabResult result_;
 };
 
@@ -153,14 +168,10 @@ TabResult save(const std::string& filename, const void* value, Kind kind, std::s
     Fields fields;
     TabResult result{declaredFields(value, kind, typeText, fields)};
     if (result.code != 0) return result;
-    std::string& bytes = fields.bytes;
-    result = Saving(fields.header, fields.marked, bytes).run(value, kind);
-    if (result.code != 0 || result.stopped) return {result.code, result.row, 0, result.stopped};
     // The value goes on with its own file, which has had its mark cut off when it was opened.
-    if (!isSameFile(filename, FileNameOf(value, kind))) bytes += XbaseFileEnd;
-    XbaseSetRecords(bytes, static_cast<std::uint32_t>(result.rows));
-    const std::int32_t code = FileWriteCode(os::saveFile(filename, bytes).error);
-    return code == 0 ? result : TabResult{code};
+    const bool own = isSameFile(filename, FileNameOf(value, kind));
+    return Saving(filename, fields)
+        .run(value, kind, own ? std::string_view() : std::string_view(&XbaseFileEnd, 1));
 }
 
 }  // namespace

@@ -250,12 +250,18 @@ XmlTarget XmlChildren::tableRow() {
     return rows != nullptr && makeScratch(At(rows->prototype), KindRecord) ? scratch() : XmlTarget{};
 }
 
+XmlTarget XmlChildren::placeInTable() {
+    if (form_ == XmlTableForm::RowsInFirst) return std::exchange(given_, true) ? XmlTarget{} : target_;
+    const XmlTarget row = tableRow();
+    return form_ == XmlTableForm::Values ? XmlFields(row).next() : row;
+}
+
 XmlTarget XmlChildren::destination() {
     if (target_.value == nullptr) return {};
     if (target_.hasFields()) return fields_.next();
     if (target_.kind == KindList) return listSlot();
     if (target_.kind == KindArray) return arrayElement();
-    if (target_.kind == KindTable) return tableRow();
+    if (target_.kind == KindTable) return placeInTable();
     for (const auto& row : textKinds)
         if (row.kind == target_.kind)
             XmlReport(reader_, AdtConversionError(row.kind), std::string(row.what).append(insteadOfTags));

@@ -60,25 +60,6 @@ private:
     FreshValue fresh_;
 };
 
-// The rows of a list inside the outermost element.
-XmlReadResult loadInnerList(const std::string& filename, TableDescriptor* table) {
-    RecordValue outer;
-    RecordInit(outer.get(), TagRecord, MakeFieldKinds({KindList}));
-    auto* list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
-    if (list != nullptr) ListInit(list, UNBOUNDED, rowShape(table), KindRecord, false);
-    XmlReadResult result;
-    note(result.error, XmlTakeCellError());
-    if (result.error.code != 0) return result;
-    result = ReadXml(filename, outer.get(), KindRecord, nullptr, 0);
-    if (result.stopped) return result;
-    Refill refill(table);
-    list = static_cast<ListDescriptor*>(RecordFieldAddress(outer.get(), 1));
-    for (std::int32_t i = 1; i <= list->count; ++i)
-        refill.add(static_cast<const RecordDescriptor*>(ListRef(list, i)), result.error);
-    refill.takePlace(result.error);
-    return result;
-}
-
 // The lines between the first and the last, one level up.
 std::string fieldsOf(std::string text) {
     TypeInfoDeleteLine(text, 1);
@@ -126,7 +107,7 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
     const XmlReadResult found = ReadXml(filename, nullptr, KindNone, &text, MaxTypeInfo);
     if (found.stopped) return found;
     if (TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record"))
-        return loadInnerList(filename, table);
+        return ReadXml(filename, table, KindTable, nullptr, 0, XmlTableForm::RowsInFirst);
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
     // Names need only be good enough to be repaired: fields are bound in their order.
@@ -146,12 +127,12 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     result = ReadXml(filename, fresh, KindTable, nullptr, 0);
     if (IsFileFailure(result.error.code) || result.stopped) return result;
     const bool fits = result.error.code == 0 && result.lost.code == 0;
-    if (!fits && !XmlIsMemoryError(result.error.code))
+    if (!fits && !IsMemoryError(result.error.code))
         result = loadOtherForm(filename, fresh, std::move(result));
     // Rows that came out empty collide, which is not what is wrong.
     const bool nothingElse = result.error.code == 0 || result.error.code == ERR_DUPLICATE_FIELDS;
     if (result.lost.code != 0 && nothingElse) result.error = result.lost;
-    const bool failed = IsFileFailure(result.error.code) || XmlIsMemoryError(result.error.code);
+    const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
     if (!failed && !result.stopped && result.lost.code == 0 && !made.replaceTarget())
         result.error = XmlFailure(XmlTakeCellError());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {

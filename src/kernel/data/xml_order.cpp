@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The tags of a well-formed file, and nothing else of it: what stands in comments, CDATA sections, processing
-// instructions and the internal subset is passed over, and so is a '<' that begins none of these.
+// instructions and the internal subset is passed over, and so is a '<' that begins none of these. A text has
+// as many characters at most as there are bytes between its tags: references are longer than what they stand
+// for, but for entities of the file's own.
 #include "kernel/data/xml_order.h"
 
 #include "kernel/data/progress.h"
@@ -20,7 +22,8 @@ struct Tag {
     std::string_view name;
     bool start = false, end = false;      // an empty element is both
     std::vector<std::string> attributes;  // without those that say how to read
-    std::size_t line = 0;
+    std::vector<std::size_t> lengths;     // of the values of these
+    std::size_t line = 0, from = 0, to = 0;
 };
 
 class Tags {
@@ -77,6 +80,7 @@ private:
     void read(Tag& tag) {
         tag = {};
         tag.line = line_;
+        tag.from = passed();
         pass(1);
         tag.end = rest_.starts_with('/');
         tag.start = !tag.end;
@@ -86,8 +90,12 @@ private:
         pass(length);
         while (!rest_.empty() && rest_[0] != '>') {
             const char c = rest_[0];
+            const std::size_t start = passed();
             if (c == '/') tag.end = true;
-            if ((c == '"' || c == '\'') && passed(rest_.substr(0, 1), rest_.substr(0, 1))) continue;
+            if ((c == '"' || c == '\'') && passed(rest_.substr(0, 1), rest_.substr(0, 1))) {
+                if (tag.lengths.size() < tag.attributes.size()) tag.lengths.push_back(passed() - start - 2);
+                continue;
+            }
             if (c == '=')
                 takeAttribute(tag);
             else if (blanks.find(c) == std::string_view::npos && c != '/')
@@ -95,6 +103,7 @@ private:
             pass(1);
         }
         pass(1);
+        tag.to = passed();
     }
     // `type` and `index` say how to read an element and are no data.
     void takeAttribute(Tag& tag) {
@@ -118,7 +127,9 @@ constexpr const char* completeRows =
 class Order {
 public:
     Order(const std::string& file, const std::vector<std::string>& columns, const XmlRows& rows)
-        : file_(file), columns_(columns), rowDepth_(rows.depth), whole_(rows.form == XmlRows::Form::Rows) {}
+        : file_(file), columns_(columns), rowDepth_(rows.depth), whole_(rows.form == XmlRows::Form::Rows) {
+        result.longest.resize(columns.size());
+    }
 
     // False, and the result has a message, when something is out of place.
     bool take(const Tag& tag) {
@@ -128,7 +139,8 @@ public:
             if (depth_ == rowDepth_) open(tag);
             if (depth_ == rowDepth_ + 1) good = element(tag);
         }
-        if (tag.end && depth_ == rowDepth_) good = close();
+        if (tag.end && depth_ == rowDepth_ + 1) measure(next_ - 1, element_, tag.from);
+        if (tag.end && depth_ == rowDepth_) good = close(tag);
         if (good && tag.end && depth_ == rowDepth_) noteMissing();
         if (tag.end) --depth_;
         return good;
@@ -142,7 +154,9 @@ private:
         row_ = tag;
     }
     // The only attribute of a row of one column is the value of the row, whatever its name.
-    bool close() {
+    bool close(const Tag& tag) {
+        if (next_ == 0) measure(0, row_.to, tag.from);
+        for (std::size_t i = 0; i < row_.lengths.size(); ++i) measure(i, 0, row_.lengths[i]);
         if (row_.attributes.size() == 1 && columns_.size() == 1) return true;
         return std::all_of(row_.attributes.begin(), row_.attributes.end(),
                            [&](const std::string& name) { return field(row_, "attribute", name); });
@@ -154,7 +168,14 @@ private:
         result.missing = place(row_) + "the row has no '" + columns_[next_] + "'.";
         result.advice = completeRows;
     }
+    // A text of a column stands there; an empty element ends before its content begins.
+    void measure(std::size_t column, std::size_t from, std::size_t to) {
+        if (column >= columns_.size() || to <= from) return;
+        const auto length = static_cast<std::int32_t>(std::min(to - from, std::size_t{INT32_MAX}));
+        result.longest[column] = std::max(result.longest[column], length);
+    }
     bool element(const Tag& tag) {
+        element_ = tag.to;
         if (row_.attributes.empty()) return field(tag, "element", tag.name);
         return fault(tag, "element", tag.name, "stands in a row that has data in attributes, too.",
                      "Put the data of rows into elements or into attributes, not both.");
@@ -177,8 +198,8 @@ private:
     const std::vector<std::string>& columns_;
     std::int32_t rowDepth_, depth_ = 0;
     bool whole_;  // a row has all columns; the only one of a file has those that it has
-    std::size_t next_ = 0;
-    Tag row_;  // the one that is open
+    std::size_t next_ = 0, element_ = 0;  // element_: where the content of the last one began
+    Tag row_;                             // the one that is open
 };
 
 }  // namespace
@@ -203,6 +224,7 @@ XmlOrder XmlCheckOrder(const std::string& filename, const std::vector<std::strin
         order.result.stopped = !Progress(done, total);
         if (order.result.stopped) break;
     }
+    if (text.find("<!ENTITY") != std::string::npos) order.result.longest.clear();
     return order.result;
 }
 

@@ -33,6 +33,9 @@ struct XmlOrder {
     std::string advice;     // what can be done about either
     std::int32_t rows = 0;  // that are there
     bool stopped = false;   // by progress.h
+    // Of each column: no text in it has more characters. Empty when that cannot be told, because the file
+    // declares entities of its own.
+    std::vector<std::int32_t> longest{};
 };
 // Whether every row has its fields in the order of the columns, and all of them. Where only the last ones are
 // missing, the others are still read into their columns. `columns` with names as they are in the file, which

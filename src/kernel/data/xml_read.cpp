@@ -126,7 +126,7 @@ void cutTypeText(XmlReader& reader, std::string& typeText, std::int32_t size) {
 }
 
 XmlReadResult readFile(const std::string& filename, XmlTarget target, std::string* typeText,
-                       std::int32_t typeTextSize) {
+                       std::int32_t typeTextSize, XmlTableForm form) {
     XmlReadResult result;
     if (!ScannerInputFilename().empty()) {
         result.error = XmlFailure(ERR_FILE_READ, "Only one XML file can be read at a time");
@@ -139,7 +139,7 @@ XmlReadResult readFile(const std::string& filename, XmlTarget target, std::strin
     }
     const auto tables = std::make_unique<XmlTables>();
     fillTables(*tables);
-    XmlReader reader{*tables, typeText != nullptr};
+    XmlReader reader{*tables, typeText != nullptr, form};
     reader.size = info.size;
     const OpenScanner open;
     ScannerReportStatus(ScannerOpen(filename, &tables->symbols, false), reader.error);
@@ -158,18 +158,19 @@ XmlReadResult readFile(const std::string& filename, XmlTarget target, std::strin
     return {std::move(reader.error), reader.stopped, std::move(reader.lost)};
 }
 
-// A file that could not be read to its end, a user who stops and rows that cannot be written leave the value
-// as it was.
+// A file that could not be read to its end, a user who stops, rows that cannot be written and a table form
+// that the file has not leave the value as it was.
 XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std::string* typeText,
-                        std::int32_t typeTextSize) {
+                        std::int32_t typeTextSize, XmlTableForm form) {
     FreshValue fresh(value, kind);
     XmlReadResult result;
     std::int32_t code = XmlTakeCellError();
     if (code == 0) {
-        result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize);
+        result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize, form);
         const bool whole = ScannerFileError() == os::FileError::None && !result.stopped;
-        const bool failed = IsFileFailure(result.error.code) || XmlIsMemoryError(result.error.code);
-        if (whole && !failed && !fresh.replaceTarget()) code = XmlTakeCellError();
+        const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
+        const bool otherForm = form != XmlTableForm::Rows && result.lost.code != 0;
+        if (whole && !failed && !otherForm && !fresh.replaceTarget()) code = XmlTakeCellError();
     }
     if (code != 0) result.error = XmlFailure(code);
     return result;
@@ -183,12 +184,8 @@ ErrorRecord XmlFailure(std::int32_t code, std::string_view message) {
     return {code, 0, 0, std::string(message.empty() ? std::string_view(ErrorText(code)) : message)};
 }
 
-bool XmlIsMemoryError(std::int32_t code) {
-    return code == ERR_OUT_OF_MEMORY || code == ERR_BLOCK_TOO_LARGE;
-}
-
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
-    if (XmlIsMemoryError(code))
+    if (IsMemoryError(code))
         ReportError(reader.memory, code, ScannerLineNumber(), ScannerPosition(), message);
     ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
 }
@@ -249,7 +246,7 @@ bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
 // ---- reads ----
 
 XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
-                      std::int32_t typeTextSize) {
+                      std::int32_t typeTextSize, XmlTableForm form) {
     XmlReadResult result;
     if (typeText != nullptr) typeText->clear();
     if (filename.empty()) return result;
@@ -259,9 +256,9 @@ XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::
     } else if (XmlIsUnopened(value, kind)) {
         result.error = XmlFailure(ERR_FILE_NOT_OPEN);
     } else if (value == nullptr) {
-        result = readFile(filename, {}, typeText, typeTextSize);
+        result = readFile(filename, {}, typeText, typeTextSize, form);
     } else {
-        result = readFresh(filename, value, kind, typeText, typeTextSize);
+        result = readFresh(filename, value, kind, typeText, typeTextSize, form);
     }
     return result;
 }

@@ -81,6 +81,13 @@ enum XmlSymbol : std::int32_t {
     XmlComment,
 };
 
+// What the children of the outermost element are to a table.
+enum class XmlTableForm {
+    Rows,
+    Values,       // each is the first field of a row
+    RowsInFirst,  // the first holds the rows, the others are nothing
+};
+
 // Made once for a read.
 struct XmlTables {
     SymbolTable symbols;
@@ -90,6 +97,7 @@ struct XmlTables {
 struct XmlReader {
     XmlTables& tables;
     bool discover;  // the structure is wanted
+    XmlTableForm form = XmlTableForm::Rows;
     ErrorRecord error{};
     ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
@@ -145,8 +153,6 @@ struct XmlElementResult {
 
 // ---- steps (xml_read.cpp) ----
 
-// For want of memory: 802 and 804.
-bool XmlIsMemoryError(std::int32_t code);
 // At the place of the scanner.
 void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.
@@ -242,7 +248,9 @@ void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text);
 // Finds a place for each child of an element, and adds it.
 class XmlChildren {
 public:
-    XmlChildren(XmlReader& reader, XmlTarget target) : reader_(reader), target_(target), fields_(target) {}
+    XmlChildren(XmlReader& reader, XmlTarget target)
+        : reader_(reader), target_(target), fields_(target),
+          form_(reader.depth == 0 ? reader.form : XmlTableForm::Rows) {}
     ~XmlChildren();
     XmlChildren(const XmlChildren&) = delete;
     XmlChildren& operator=(const XmlChildren&) = delete;
@@ -264,6 +272,7 @@ private:
     [[nodiscard]] bool isListInFile() const;
     XmlTarget arrayElement();
     XmlTarget tableRow();
+    XmlTarget placeInTable();
     bool readIndex(std::string_view text, Subscripts& at, std::int32_t& dimensions) const;
     void nthElement(std::int32_t n, Subscripts& at, std::int32_t& dimensions) const;
     bool extend(const Subscripts& at, std::int32_t dimensions);
@@ -274,6 +283,8 @@ private:
     XmlReader& reader_;
     XmlTarget target_;
     XmlFields fields_;
+    XmlTableForm form_;
+    bool given_ = false;           // the table has gone to the first child
     Kind scratchKind_ = KindNone;  // once there is one
     bool holdsTexts_ = false;      // the scratch is a record of numbers and strings
     char bytes_[sizeof(ArrayDescriptor)] = {};
@@ -315,6 +326,6 @@ struct XmlReadResult {
     ErrorRecord lost{};
 };
 XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
-                      std::int32_t typeTextSize);
+                      std::int32_t typeTextSize, XmlTableForm form = XmlTableForm::Rows);
 
 }  // namespace tarn

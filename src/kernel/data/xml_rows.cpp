@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A list of values, and a single record, become rows one by one; records in a list go to the table as they
-// are.
+// A single record becomes a row; rows and values in a list go to the table as they are read.
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_order.h"
 #include "kernel/data/xml_reader.h"
 #include "kernel/lists.h"
 #include "kernel/records.h"
 
-#include <cstring>
+#include <utility>
 
 namespace tarn {
 
@@ -46,30 +45,12 @@ XmlResult resultOf(XmlReadResult&& read) {
     return result;
 }
 
-void addAll(const ListDescriptor* list, Row& row, TableDescriptor* table, XmlResult& result) {
-    const Kind kind = row.kind();
-    for (std::int32_t i = 1; i <= list->count; ++i) {
-        const void* const value = ListRef(list, i);
-        if (IsAdtKind(kind))
-            AdtCopy(value, row.field(), kind);
-        else
-            std::memcpy(row.field(), value, static_cast<std::size_t>(KindSize[kind]));
-        row.addTo(table, result);
-    }
-}
-
 // Values that stand in attributes are records of one field to the reader.
 XmlResult loadValues(const std::string& filename, TableDescriptor* table) {
-    XmlResult result;
-    Row row(table);
-    ListValue list;
-    ListInit(list.get(), UNBOUNDED, IsAdtKind(row.kind()) ? row.field() : nullptr, row.kind(), false);
-    note(result, XmlTakeCellError());
-    if (result.error.code != 0) return result;
-    XmlReadResult read = ReadXml(filename, list.get(), KindList, nullptr, 0);
+    XmlReadResult read = ReadXml(filename, table, KindTable, nullptr, 0, XmlTableForm::Values);
     if (read.lost.code != 0) return XmlLoad(filename, table, KindTable);
-    result = resultOf(std::move(read));
-    if (!result.stopped) addAll(list.get(), row, table, result);
+    XmlResult result = resultOf(std::move(read));
+    if (!result.stopped) result.count = TableCount(table);
     return result;
 }
 

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Values as XML. The whole file is made in memory and then saved at once, so that a failure leaves the old
-// one as it was.
+// Values as XML.
 #include "kernel/arrays.h"
 #include "kernel/data/elements.h"
-#include "kernel/data/progress.h"
+#include "kernel/data/filetext.h"
 #include "kernel/data/typeinfo.h"
 #include "kernel/data/xml_reader.h"
+#include "kernel/data/xml_words.h"
 #include "kernel/dates.h"
 #include "kernel/errors.h"
-#include "kernel/fileerrors.h"
 #include "kernel/fixed.h"
 #include "kernel/indexes.h"
 #include "kernel/lists.h"
@@ -19,9 +18,9 @@
 #include "kernel/string_text.h"
 #include "kernel/strings.h"
 #include "kernel/tables.h"
-#include "os/files.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 namespace tarn {
@@ -30,133 +29,12 @@ namespace {
 
 constexpr std::string_view lineEnd = "\r\n", rootName = "data", childName = "component";
 
-// ---- characters ----
-
-std::string_view escapeOf(char c) {
-    switch (c) {
-    case '"': return "&quot;";
-    case '&': return "&amp;";
-    case '\'': return "&apos;";
-    case '<': return "&lt;";
-    case '>': return "&gt;";
-    default: return {};
-    }
-}
-
-void appendEscaped(std::string& out, std::string_view text) {
-    constexpr std::string_view special = "\"&'<>";
-    for (;;) {
-        const std::size_t found = text.find_first_of(special);
-        out.append(text.substr(0, found));
-        if (found == std::string_view::npos) return;
-        out.append(escapeOf(text[found]));
-        text.remove_prefix(found + 1);
-    }
-}
-
 void appendString(std::string& out, const StringDescriptor* s) {
-    appendEscaped(out, CharacterWidth == 1 ? StringView(s) : NarrowText(s).view());
-}
-
-// ---- names ----
-
-using Names = std::vector<std::string>;
-
-std::string lowerCase(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-    return text;
-}
-
-// Quotes go, and what cannot stand in the name of an element becomes "_".
-std::string elementName(std::string_view name) {
-    if (name.size() >= 2 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
-    std::string made(name);
-    for (char& c : made)
-        if (!XmlIsNamePart(c)) c = '_';
-    if (!made.empty() && !XmlIsNameStart(made[0])) made.insert(0, "_");
-    return made;
-}
-
-// Of `count` fields. A name that is missing, or there before, is "Field" and the number.
-Names fieldNames(const Names& given, std::int32_t count) {
-    Names names, lower;
-    for (std::size_t n = 0; n < static_cast<std::size_t>(count); ++n) {
-        std::string name = n < given.size() ? elementName(given[n]) : std::string();
-        if (name.empty() || std::find(lower.begin(), lower.end(), lowerCase(name)) != lower.end())
-            name = "Field" + std::to_string(n + 1);
-        lower.push_back(lowerCase(name));
-        names.push_back(std::move(name));
-    }
-    return names;
-}
-
-Names linesOf(std::string_view text) {
-    Names names;
-    const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n') + 1);
-    for (std::int32_t n = 1; n <= std::min(lines, MaxFields) && !text.empty(); ++n) {
-        const std::string name = TypeInfoDefaultName(text, n);
-        names.push_back(name == "FIELD" + std::to_string(n) ? std::string() : name);
-    }
-    return names;
-}
-
-// Of the fields that a table's description of its row declares.
-Names declaredNames(std::string_view description) {
-    Names names;
-    std::size_t end = 0;
-    if (TypeInfoToValue(description, end, nullptr) == KindRecord && end == description.size() && end != 0)
-        description.remove_prefix(std::min(description.find('\n'), end - 1) + 1);
-    for (std::size_t position = 0; position < description.size();) {
-        const std::string name = TypeInfoName(description.substr(position), 1);
-        const std::size_t start = position;
-        const std::int32_t kind = TypeInfoToValue(description, position, nullptr);
-        if (IsValueKind(kind)) names.push_back(name);
-        if (position <= start) break;
-    }
-    return names;
-}
-
-// ---- types ----
-
-std::string bracketed(std::string_view type, std::int32_t maxlength) {
-    std::string text(type);
-    if (maxlength != UNBOUNDED) text += "[" + std::to_string(maxlength) + "]";
-    return text;
-}
-
-std::string arrayType(const ArrayDescriptor& a) {
-    std::string bounds;
-    for (const ArrayBounds& b : a.bounds) {
-        if (b.lower == NO_DIMENSION) break;
-        bounds += (bounds.empty() ? "" : ",") + std::to_string(b.lower) + ":" + std::to_string(b.upper);
-    }
-    return bounds.empty() ? "array" : "array[" + bounds + "]";
-}
-
-std::string typeOf(const void* value, Kind kind) {
-    constexpr std::string_view names[KindCount] = {"",     "boolean", "enum",   "integer", "fixed",
-                                                   "real", "string",  "record", "union"};
-    switch (kind) {
-    case KindString: return bracketed("string", ReadAt<DescriptorHead>(value).maxlength);
-    case KindList: return bracketed("list", ReadAt<DescriptorHead>(value).maxlength);
-    case KindTable: return bracketed("table", ReadAt<DescriptorHead>(value).maxlength);
-    case KindArray: return arrayType(*static_cast<const ArrayDescriptor*>(value));
-    case KindSet: {
-        const auto* s = static_cast<const SetDescriptor*>(value);
-        return "set[" + std::to_string(s->lower) + ":" + std::to_string(s->upper) + "]";
-    }
-    default: return std::string(names[kind]);
-    }
+    XmlAppendEscaped(out, CharacterWidth == 1 ? StringView(s) : NarrowText(s).view());
 }
 
 bool isWrittenAsText(Kind kind) {
     return kind <= KindString || kind == KindSet;
-}
-
-bool isReserved(const std::string& name) {
-    const std::string lower = lowerCase(name);
-    return lower == "type" || lower == "index";
 }
 
 // What no attribute can hold: control characters end a string in a tag, and of tabs and line feeds other
@@ -169,21 +47,25 @@ bool endsStrings(char c) {
 
 class Writer {
 public:
-    explicit Writer(std::int32_t options) : fieldAttributes_((options & XmlFieldAttributes) != 0) {}
+    Writer(const std::string& filename, std::int32_t options)
+        : fieldAttributes_((options & XmlFieldAttributes) != 0), file_(filename), out_(file_.text) {}
 
-    void writeFile(const void* value, Kind kind, std::string_view names) {
+    XmlResult write(const void* value, Kind kind, std::string_view names) {
         char now[DateSize] = "";
         DateNow(now, DateSize);
         line(0, R"(<?xml version="1.0"?>)");
         line(0, "<!-- \"" + std::string(ProductWord) + " XML file\" \"" + now + "\" -->");
-        given_ = linesOf(names);
+        given_ = XmlNamesOfLines(names);
         element({value, kind, rootName, {}, 0, &given_});
+        XmlResult result;
+        result.stopped = file_.stopped();
+        if (code_ == 0 && !result.stopped) fail(file_.finish(result.rescueCopy));
+        if (code_ != 0)
+            result.error = XmlFailure(code_, message_);
+        else if (!result.stopped)
+            result.count = count_;
+        return result;
     }
-    std::string out;
-    std::int32_t code = 0;   // the first failure
-    std::string message;     // of it; "": what the code says
-    std::int32_t count = 0;  // items inside the outermost element; 1 for a text
-    bool stopped = false;
 
 private:
     struct Item {
@@ -192,50 +74,50 @@ private:
         std::string_view name;
         std::string index;
         std::int32_t depth;
-        const Names* names;  // of the fields of a record, or of those in it; null: none
+        const XmlNames* names;  // of the fields of a record, or of those in it; null: none
     };
 
-    [[nodiscard]] bool ended() const { return code != 0 || stopped; }
+    [[nodiscard]] bool ended() const { return code_ != 0 || !file_.good(); }
     void fail(std::int32_t error, std::string_view what = {}) {
-        if (code != 0) return;
-        code = error;
-        message = what;
+        if (code_ != 0) return;
+        code_ = error;
+        message_ = what;
     }
-    void indent(std::int32_t depth) { out.append(static_cast<std::size_t>(depth) * 2, ' '); }
+    void indent(std::int32_t depth) { out_.append(static_cast<std::size_t>(depth) * 2, ' '); }
     void line(std::int32_t depth, std::string_view text) {
         indent(depth);
-        out.append(text).append(lineEnd);
+        out_.append(text).append(lineEnd);
     }
     void startTag(const Item& item) {
         indent(item.depth);
-        out.append("<")
+        out_.append("<")
             .append(item.name)
             .append(" type=\"")
-            .append(typeOf(item.value, item.kind))
+            .append(XmlTypeOf(item.value, item.kind))
             .append("\"");
-        if (!item.index.empty()) out.append(" index=\"").append(item.index).append("\"");
+        if (!item.index.empty()) out_.append(" index=\"").append(item.index).append("\"");
     }
-    void endTag(std::string_view name) { out.append("</").append(name).append(">").append(lineEnd); }
+    void endTag(std::string_view name) { out_.append("</").append(name).append(">").append(lineEnd); }
 
     void element(const Item& item) {
         if (item.depth >= MaxXmlDepth) return fail(ERR_XML_TOO_COMPLEX);
         if (IsAdtKind(item.kind) && KindOf(item.value) != item.kind) return fail(AdtTypeError(item.kind));
         if (XmlIsUnopened(item.value, item.kind)) return fail(ERR_TYPE_NOT_STORABLE);
         const bool record = item.kind == KindRecord || item.kind == KindUnion;
-        Names names;
+        XmlNames names;
         if (record) names = namesOf(item);
         if (item.kind == KindRecord && fieldAttributes_ && isFlat(item, names) && flatRecord(item, names))
             return;
         if (ended()) return;
-        const std::size_t start = out.size();
+        const std::size_t start = out_.size();
         startTag(item);
-        out += '>';
+        out_ += '>';
         if (isWrittenAsText(item.kind)) {
             text(item.value, item.kind);
             checkText(item, start);
-            if (item.depth == 0) count = 1;
+            if (item.depth == 0) count_ = 1;
         } else {
-            out.append(lineEnd);
+            out_.append(lineEnd);
             if (record)
                 fields(item, names);
             else
@@ -252,35 +134,31 @@ private:
         element(item);
         done_ = before + share_;
         share_ = share;
-        if (parent.depth == 0) ++count;
-        const auto bytes = static_cast<std::int64_t>(out.size());
-        if (bytes - shown_ < ProgressStep || stopped) return;
-        shown_ = bytes;
-        const auto expected = static_cast<std::int64_t>(static_cast<double>(bytes) / done_);
-        if (!Progress(bytes, std::max(bytes, expected))) stopped = true;
+        if (parent.depth == 0) ++count_;
+        file_.pass(done_);
     }
 
     // ---- texts ----
 
     void text(const void* value, Kind kind) {
         switch (kind) {
-        case KindBoolean: out.append(BooleanToText(ReadAt<std::uint8_t>(value) != 0)); return;
-        case KindEnum: out.append(std::to_string(ReadAt<std::uint8_t>(value))); return;
-        case KindInteger: out.append(std::to_string(ReadAt<std::int32_t>(value))); return;
-        case KindFixed: out.append(FixedToText(ReadAt<Fixed>(value))); return;
-        case KindReal: out.append(RealToText(ReadAt<double>(value), RealTextDecimals)); return;
-        case KindString: return appendString(out, static_cast<const StringDescriptor*>(value));
+        case KindBoolean: out_.append(BooleanToText(ReadAt<std::uint8_t>(value) != 0)); return;
+        case KindEnum: out_.append(std::to_string(ReadAt<std::uint8_t>(value))); return;
+        case KindInteger: out_.append(std::to_string(ReadAt<std::int32_t>(value))); return;
+        case KindFixed: out_.append(FixedToText(ReadAt<Fixed>(value))); return;
+        case KindReal: out_.append(RealToText(ReadAt<double>(value), RealTextDecimals)); return;
+        case KindString: return appendString(out_, static_cast<const StringDescriptor*>(value));
         default: break;
         }
         String text;
         SetToText(static_cast<const SetDescriptor*>(value), true, text.get());
         fail(XmlTakeCellError());
-        appendString(out, text.get());
+        appendString(out_, text.get());
     }
 
     // Refuses what the reader would not take, or would take for something else. `start`: of the element.
     void checkText(const Item& item, std::size_t start) {
-        std::string_view lines = std::string_view(out).substr(start);
+        std::string_view lines = std::string_view(out_).substr(start);
         const std::size_t behind = item.name.size() + 3;  // of the end tag
         const bool small = lines.size() + behind < std::size_t{MaxXmlText};
         if (item.kind == KindString && lines.find('\x1A') != std::string_view::npos)
@@ -300,27 +178,27 @@ private:
     }
     [[nodiscard]] std::string place(const Item& item) const {
         const std::string number =
-            item.depth == 0 ? std::string() : "Item " + std::to_string(count + 1) + ": ";
+            item.depth == 0 ? std::string() : "Item " + std::to_string(count_ + 1) + ": ";
         return number + "the text of '" + std::string(item.name) + "' ";
     }
 
     // ---- records ----
 
-    static Names namesOf(const Item& item) {
+    static XmlNames namesOf(const Item& item) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);
-        return fieldNames(item.names != nullptr ? *item.names : Names(), FieldCountOf(record->kinds));
+        return XmlFieldNames(item.names != nullptr ? *item.names : XmlNames(), FieldCountOf(record->kinds));
     }
-    static bool isFlat(const Item& item, const Names& names) {
+    static bool isFlat(const Item& item, const XmlNames& names) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);
         for (std::int32_t n = 1; n <= FieldCountOf(record->kinds); ++n)
             if (FieldKindAt(record->kinds, n) > KindString) return false;
-        return std::none_of(names.begin(), names.end(), isReserved);
+        return std::none_of(names.begin(), names.end(), XmlIsReserved);
     }
     // False, with nothing written, for what would not come back from attributes.
-    bool flatRecord(const Item& item, const Names& names) {
+    bool flatRecord(const Item& item, const XmlNames& names) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);
         const std::int32_t fields = FieldCountOf(record->kinds);
-        const std::size_t start = out.size();
+        const std::size_t start = out_.size();
         startTag(item);
         for (std::int32_t n = 1; n <= fields && !ended(); ++n) {
             const Kind kind = FieldKindAt(record->kinds, n);
@@ -329,22 +207,22 @@ private:
                 fail(AdtTypeError(kind));
                 break;
             }
-            out.append(" ").append(names[static_cast<std::size_t>(n - 1)]).append("=\"");
+            out_.append(" ").append(names[static_cast<std::size_t>(n - 1)]).append("=\"");
             text(field, kind);
-            out += '"';
+            out_ += '"';
         }
-        out += "/>";
-        const std::string_view line = std::string_view(out).substr(start);
+        out_ += "/>";
+        const std::string_view line = std::string_view(out_).substr(start);
         if (line.size() >= std::size_t{MaxScannerLine} ||
             std::any_of(line.begin(), line.end(), endsStrings)) {
-            out.resize(start);
+            out_.resize(start);
             return false;
         }
-        out.append(lineEnd);
-        if (item.depth == 0) count = fields;
+        out_.append(lineEnd);
+        if (item.depth == 0) count_ = fields;
         return true;
     }
-    void fields(const Item& item, const Names& names) {
+    void fields(const Item& item, const XmlNames& names) {
         const auto* record = static_cast<const RecordDescriptor*>(item.value);
         const std::int32_t fields = FieldCountOf(record->kinds);
         for (std::int32_t n = 1; n <= fields && !ended(); ++n)
@@ -362,14 +240,14 @@ private:
 
     void components(const Item& item) {
         // The names are those of the records in the outermost value.
-        const Names* const names = item.depth == 0 ? item.names : nullptr;
+        const XmlNames* const names = item.depth == 0 ? item.names : nullptr;
         switch (item.kind) {
         case KindList: return list(item, names);
         case KindArray: return array(item, names);
         default: return table(item);
         }
     }
-    void list(const Item& item, const Names* names) {
+    void list(const Item& item, const XmlNames* names) {
         const auto* l = static_cast<const ListDescriptor*>(item.value);
         ElementSource elements(l, KindList);
         for (std::int32_t i = 0; i < l->count && !ended(); ++i) {
@@ -378,7 +256,7 @@ private:
             child(item, {element, elements.kind(), childName, {}, item.depth + 1, names}, l->count);
         }
     }
-    void array(const Item& item, const Names* names) {
+    void array(const Item& item, const XmlNames* names) {
         const auto* a = static_cast<const ArrayDescriptor*>(item.value);
         const std::int32_t elements = ArrayElementCount(a), dimensions = ArrayDimensions(a);
         std::int32_t at[MaxDimensions] = {a->bounds[0].lower, a->bounds[1].lower, a->bounds[2].lower};
@@ -396,7 +274,7 @@ private:
     void table(const Item& item) {
         const auto* t = static_cast<const TableDescriptor*>(item.value);
         const ListDescriptor* const rows = TableRows(t);
-        const Names names = declaredNames(NarrowText(TableTypeInfo(t)).view());
+        const XmlNames names = XmlDeclaredNames(NarrowText(TableTypeInfo(t)).view());
         const bool indexed = TableIndexCount(t) > 0;
         if (ListIsInFile(rows)) return indexed ? fileTable(item, *t, names) : fileRows(item, *rows, names);
         RecordValue key;
@@ -415,7 +293,7 @@ private:
         fail(XmlTakeCellError());
     }
 
-    void fileRows(const Item& item, const ListDescriptor& rows, const Names& names) {
+    void fileRows(const Item& item, const ListDescriptor& rows, const XmlNames& names) {
         ElementSource elements(&rows, KindList);
         for (std::int32_t i = 0; i < rows.count && !ended(); ++i) {
             const void* const row = elements.at(i);
@@ -424,7 +302,7 @@ private:
         }
     }
     // Each row tells the key of the next.
-    void fileTable(const Item& item, const TableDescriptor& t, const Names& names) {
+    void fileTable(const Item& item, const TableDescriptor& t, const XmlNames& names) {
         RecordValue row, key;
         bool found = false;
         TableFind("FIRST", &t, 1, nullptr, row.get(), found);
@@ -437,37 +315,16 @@ private:
     }
 
     bool fieldAttributes_;
-    std::int64_t shown_ = 0;
+    FileText file_;
+    std::string& out_;             // the text of it
+    std::int32_t code_ = 0;        // the first failure
+    std::string message_;          // of it; "": what the code says
+    std::int32_t count_ = 0;       // items inside the outermost element; 1 for a text
     double done_ = 0, share_ = 1;  // of the whole value: what is written, and what is being written
-    Names given_;
+    XmlNames given_;
 };
 
-XmlResult saveValue(const std::string& filename, std::int32_t options, const void* value, Kind kind,
-                    std::string_view names) {
-    XmlResult result;
-    Writer writer(options);
-    writer.writeFile(value, kind, names);
-    result.stopped = writer.stopped;
-    if (writer.code != 0) {
-        result.error = XmlFailure(writer.code, writer.message);
-    } else if (!writer.stopped) {
-        os::SaveResult saved = os::saveFile(filename, writer.out);
-        result.rescueCopy = std::move(saved.rescueCopy);
-        if (saved.ok())
-            result.count = writer.count;
-        else
-            result.error = XmlFailure(FileWriteCode(saved.error));
-    }
-    return result;
-}
-
 }  // namespace
-
-std::string XmlEscape(std::string_view text) {
-    std::string escaped;
-    appendEscaped(escaped, text);
-    return escaped;
-}
 
 XmlResult XmlSave(const std::string& filename, std::int32_t options, const void* value, Kind kind,
                   std::string_view names) {
@@ -476,7 +333,11 @@ XmlResult XmlSave(const std::string& filename, std::int32_t options, const void*
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
     } else {
         const XmlCellAside aside;
-        result = saveValue(filename, options, value, kind, names);
+        try {
+            result = Writer(filename, options).write(value, kind, names);
+        } catch (const std::bad_alloc&) {
+            result.error = XmlFailure(ERR_OUT_OF_MEMORY);
+        }
     }
     const std::int32_t code = result.error.code;
     if (code == ERR_UNIDENTIFIABLE || code == ERR_TYPE_NOT_STORABLE) SetError(code);

@@ -235,6 +235,8 @@ TEST_F(MendedTables, AnXbaseFileKeepsItsCountWhereItCan) {
         {"a row more than there are", [](std::string& file) { file[4] = 4; }, 3},
         {"half a row", [](std::string& file) { file += " Di"; }, 3},
         {"the end mark", [](std::string& file) { file += '\x1A'; }, 3},
+        {"another byte", [](std::string& file) { file += 'x'; }, 3},
+        {"a blank", [](std::string& file) { file += ' '; }, 3},
         {"a torn row that counts", [](std::string& file) { file.resize(file.size() - 2); }, 2},
     };
     for (const Case& c : cases) {
@@ -245,6 +247,47 @@ TEST_F(MendedTables, AnXbaseFileKeepsItsCountWhereItCan) {
         EXPECT_EQ(mend("/d/p.dbf").error, 0) << c.what;
         ASSERT_EQ(open("/d/p.dbf"), 0) << c.what;
         EXPECT_EQ(TableCount(t()), c.rows) << c.what;
+        expectWhole();
+        close();
+    }
+}
+
+TEST_F(MendedTables, ATornByteOfAnXbaseFileIsToldAndTheEndMarkStays) {
+    for (const char last : {'\x1A', 'x', ' ', '*'}) {
+        newDisk();
+        table = closedTable({0x02000000}, UNBOUNDED, {ordinal(' '), characters("", 5)});
+        ASSERT_EQ(open("/d/p.dbf"), 0);
+        ASSERT_EQ(add({ordinal(' '), characters("Ann", 5)}), 0);
+        close();
+        const std::string whole = bytes("p.dbf");
+        put("p.dbf", whole + last);
+        EXPECT_EQ(mend("/d/p.dbf").mended.bytesCut, last == '\x1A' ? 0 : 1);
+        EXPECT_EQ(bytes("p.dbf"), last == '\x1A' ? whole + last : whole);
+    }
+}
+
+TEST_F(MendedTables, RowsBehindTheCountAreTakenInWhenTheyAreAskedForAndTheFileIsMended) {
+    table = closedTable({0x02000000}, UNBOUNDED, {ordinal(' '), characters("", 5)});
+    ASSERT_EQ(open("/d/p.dbf"), 0);
+    for (const char* name : {"Ann", "Bob", "Cid"}) EXPECT_EQ(add({ordinal(' '), characters(name, 5)}), 0);
+    close();
+    std::string file = bytes("p.dbf");
+    file[4] = 1;
+    put("p.dbf", file);
+    std::string index = bytes("p.i1");
+    put("p.i1", index.replace(8, 5, "p.xbf"));
+    put("p.xbf", file);
+    EXPECT_EQ(RebuildTableFile(*t(), "/d/p.dbf", 2).error, 656);  // refused: the count is as it was
+    EXPECT_EQ(bytes("p.dbf"), file);
+    files().remove("/d/p.xbf");
+    for (const auto& [asked, taken] : {std::pair(0, 0), {1, 1}, {2, 2}, {9, 2}, {-1, 0}}) {
+        put("p.dbf", file);
+        const RebuiltTable result = RebuildTableFile(*t(), "/d/p.dbf", asked);
+        EXPECT_EQ(result.error, 0);
+        EXPECT_EQ(result.mended.rowsTaken, taken);
+        EXPECT_EQ(result.rows, 1 + taken);
+        EXPECT_FALSE(result.mended.countSet);
+        ASSERT_EQ(open("/d/p.dbf"), 0);
         expectWhole();
         close();
     }

@@ -6,6 +6,7 @@
 #include "support/tempfolder.h"
 #include "unit/kernel/filetables_fixture.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -263,6 +264,91 @@ TEST_F(IndexPlaces, EmptyIndexesThatAreRightNeedNoFolderToWriteIn) {
     EXPECT_EQ(open(), 0);
     EXPECT_EQ(add(row(1, "a")), 0);
     expectWhole();
+}
+
+TEST_F(IndexPlaces, ATableIsClearedInAFolderThatMayNotBeWrittenAndOnAFullDisk) {
+    for (const std::int32_t maxlength : {UNBOUNDED, 12}) {
+        newDisk();
+        make({byNumber, byName}, maxlength);
+        fill(6);
+        files().putOwner("/d", 0, 0);
+        EXPECT_EQ(clear(), 0);
+        expectWhole();
+        EXPECT_EQ(numbers(), std::vector<int>());
+        EXPECT_EQ(names(), (Names{"a.i1", "a.i2", "a.tab"}));
+        fill(3);
+        files().setFreeBytes(0);
+        EXPECT_EQ(clear(), 0);
+        files().stopFailing();
+        expectWhole();
+        close();
+        EXPECT_EQ(open(), 0);
+        fill(2);
+        expectWhole();
+        table = TableValue();
+    }
+}
+
+// As after a death in the clearing.
+TEST_F(IndexPlaces, IndexesOfRowsThatAreGoneAreEmptiedWhereTheyStand) {
+    putTable("a.tab", 1, 5, {byNumber, byName});
+    put("a.tab", "");
+    files().putOwner("/d/a.tab", 1000, 1000);
+    files().putOwner("/d", 0, 0);
+    table = closedTable({byNumber, byName});
+    EXPECT_EQ(open(), 0);
+    expectWhole();
+    EXPECT_EQ(bytes("a.i1").size(), 1104U);
+    fill(3);
+    expectWhole();
+}
+
+TEST_F(IndexPlaces, AnIndexWithASecondNameIsNotEmptiedUnderBoth) {
+    make({byNumber});
+    fill(3);
+    files().putHardLink("/d/a.i1", "/d/copy");
+    const std::string index = bytes("copy");
+    EXPECT_EQ(clear(), 0);
+    expectWhole();
+    EXPECT_EQ(bytes("copy"), index);
+}
+
+TEST_F(IndexPlaces, NamesBesideALongNameAreShortened) {
+    const std::string name(252, 'n'), other = std::string(251, 'n') + "m", last(253, 'n');
+    files().setCurrentFolder("/d");
+    for (const std::string& file : {name, other}) {
+        make({byNumber, byName}, UNBOUNDED, file);
+        fill(3);
+        EXPECT_EQ(rebuild(), 0);
+        expectWhole();
+        files().putHardLink("/d/" + file + ".i1", "/d/copy");  // new files are made for this
+        EXPECT_EQ(clear(), 0);
+        files().remove("/d/copy");
+        fill(2);
+        close();
+        EXPECT_EQ(RebuildTableFile(*t(), file).error, 0);
+        EXPECT_EQ(open(file), 0);
+        expectWhole();
+        close();
+        EXPECT_EQ(names().size(), 3U);
+        for (const std::string& made : names()) files().remove("/d/" + made);
+    }
+    std::vector<std::string> marked;
+    for (const std::string& file : {name, other})
+        for (const char* mark : {"~i", "~n"})
+            for (const std::int32_t n : {1, 2})
+                marked.push_back(MarkedIndexName(IndexFileName(file, n), mark));
+    for (const std::string& path : marked) {
+        EXPECT_LE(path.size(), 255U);
+        EXPECT_EQ(std::count(marked.begin(), marked.end(), path), 1) << path;
+    }
+    EXPECT_EQ(MarkedIndexName("/d/" + std::string(251, 'n') + ".i1", "~i"),
+              "/d/" + std::string(251, 'n') + ".~i1");
+    EXPECT_TRUE(marked[0].ends_with(".~i1"));
+    EXPECT_EQ(MarkedIndexName(std::string(250, 'n') + ".~sv1", "~n").size(), 255U);
+    table = closedTable({byNumber});
+    EXPECT_EQ(open(last), 657);
+    EXPECT_EQ(names(), Names());
 }
 
 TEST_F(IndexPlaces, AFailedOpeningLeavesTheLinkAndRemovesWhatItMade) {

@@ -79,7 +79,7 @@ TEST_F(XmlLoadTest, TablesTakeRowsFromAListInside) {
               std::string("|{1,'a'},{2,'b'}| 2") + notUnique);
     AnyValue small = AnyValue::table(row, {}, 1);
     EXPECT_EQ(loaded(small, "<d><t>" + rows + "</t></d>"),
-              "|{1,'a'}| 1 619 Error copying to fixed size table");
+              "|{1,'a'}| 1 619 Table filled up after 1 element(s)");
     EXPECT_EQ(loaded(table, "<d><t><r n='1' s='a'/><r n='2' s='b'/></t></d>"), "|{1,'a'},{2,'b'}| 2");
     // One row is no list, and a list that is not the first is not looked for.
     EXPECT_EQ(loaded(table, "<d><t><r><n>1</n><s>a</s></r></t></d>"),

@@ -14,10 +14,31 @@
 #include "support/steerable.h"
 
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 
 namespace tarn {
 namespace {
+
+// Counts what is read, and is short of memory when told.
+class WatchedFiles : public os::SteeredFiles {
+public:
+    os::FileError read(os::Handle handle, std::int64_t offset, char* into, std::size_t count,
+                       std::size_t& got) override {
+        const os::FileError error = SteeredFiles::read(handle, offset, into, count, got);
+        bytesRead += static_cast<std::int64_t>(got);
+        return error;
+    }
+    os::FileError sync(os::Handle handle) override {
+        if (--syncsUntilShort == 0) {
+            close(handle);
+            throw std::bad_alloc();
+        }
+        return SteeredFiles::sync(handle);
+    }
+    std::int64_t bytesRead = 0;
+    int syncsUntilShort = 0;
+};
 
 class TableFiles : public ::testing::Test {
 protected:
@@ -65,7 +86,7 @@ protected:
     }
     using Names = std::vector<std::string>;
 
-    os::SteeredFiles files_;
+    WatchedFiles files_;
     os::Steered steered_;
     TableValue table_;
     RecordValue row_;
@@ -370,6 +391,183 @@ TEST_F(TableFiles, TextOfWholeRowsIsText) {
     EXPECT_EQ(FileNameOf(table_.get(), KindTable), "/d/f.~sv");
     TABCLOSE("/d/f.csv", nullptr, false, table_.get());
     EXPECT_EQ(takeError(), 0);
+}
+
+// ---- table files that are damaged, or not where they were ----
+
+const char* const foreignNames[] = {"/d/x.csv", "/d/x.tab", "/d/x.txt", "/d/x.xml"};
+
+// Rows of texts, which could be taken for text but for the zeros behind each.
+class DamagedTableFiles : public TableFiles {
+protected:
+    void makeRows(const std::string& file, std::int32_t keyMap = MakeKeyMap(2)) {
+        files_.remove("/d/x.i1");
+        files_.remove(file);
+        TABOPEN(file, nullptr, make("first : string[8]\nname : string[8]\n", keyMap));
+        for (const char* const text : {"k1", "k2", "k3"}) {
+            StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(row_.get(), 1)), text);
+            StringAssignView(static_cast<StringDescriptor*>(RecordFieldAddress(row_.get(), 2)), text);
+            TableAdd(table_.get(), keyMap != 0 ? 1 : 0, row_.get());
+        }
+        TABCLOSE(file, nullptr, true, table_.get());
+        ASSERT_EQ(takeError(), 0);
+    }
+    // The table does not open, with this code, and closing it changes nothing.
+    void expectRefused(const std::string& file, std::int32_t code) {
+        const std::string bytes = files_.contents(file);
+        const Names before = allFiles();
+        TABOPEN(file, nullptr, table_.get());
+        EXPECT_EQ(takeError(), code);
+        EXPECT_FALSE(opened());
+        TABCLOSE(file, nullptr, true, table_.get());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(files_.contents(file), bytes);
+        EXPECT_EQ(allFiles(), before);
+    }
+    void expectOpens(const std::string& file, std::int32_t rows) {
+        const std::string bytes = files_.contents(file);
+        TABOPEN(file, nullptr, table_.get());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(FileNameOf(table_.get(), KindTable), file);
+        EXPECT_EQ(TableCount(table_.get()), rows);
+        TABCLOSE(file, nullptr, true, table_.get());
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_EQ(files_.contents(file), bytes);
+    }
+};
+
+TEST_F(DamagedTableFiles, ATornTailIsToldAndNotTakenForText) {
+    for (const std::int32_t keyMap : {MakeKeyMap(2), 0}) {
+        for (const std::string file : foreignNames) {
+            for (const std::string tail : {"z", "torn", "1,2\n"}) {
+                SCOPED_TRACE(file + " " + tail);
+                makeRows(file, keyMap);
+                files_.put(file, files_.contents(file) + tail);
+                expectRefused(file, ERR_FILE_SIZE);
+                files_.put(file, files_.contents(file).substr(0, 13));
+                expectRefused(file, ERR_FILE_SIZE);
+            }
+        }
+    }
+}
+
+TEST_F(DamagedTableFiles, AnIndexThatIsMissingOrDamagedIsToldAndTheRowsAreNotTakenForText) {
+    for (const std::string file : foreignNames) {
+        SCOPED_TRACE(file);
+        makeRows(file);
+        files_.remove("/d/x.i1");
+        expectRefused(file, ERR_INDEX_FILE_SIZE);
+        files_.put("/d/x.i1", "junk");
+        expectRefused(file, ERR_INDEX_FILE_SIZE);
+        files_.remove("/d/x.i1");
+    }
+}
+
+TEST_F(DamagedTableFiles, ATableThatWasRenamedWithItsIndexOpens) {
+    for (const std::string file : foreignNames) {
+        SCOPED_TRACE(file);
+        makeRows(file);
+        const std::string renamed = "/d/y" + file.substr(file.find('.'));
+        files_.rename(file, renamed);
+        files_.rename("/d/x.i1", "/d/y.i1");
+        expectOpens(renamed, 3);
+        files_.remove(renamed);
+        files_.remove("/d/y.i1");
+    }
+}
+
+TEST_F(DamagedTableFiles, RowsWithoutAByteOfZeroAreToldByTheirIndex) {
+    const std::string line = "abcdefghijklmno\n", file = "/d/x.csv", other = "/d/y.csv";
+    const auto makeLines = [&](const std::string& name) {
+        TABOPEN(name, nullptr, make("first : Tchars[1:8]\nname : Tchars[1:8]\n"));
+        for (const std::int32_t field : {1, 2})
+            line.copy(At(ReadAt<ArrayDescriptor>(RecordFieldAddress(row_.get(), field)).data), 8,
+                      static_cast<std::size_t>(field) * 8 - 8);
+        TableAdd(table_.get(), 1, row_.get());
+        TABCLOSE(name, nullptr, true, table_.get());
+        ASSERT_EQ(takeError(), 0);
+        ASSERT_EQ(files_.contents(name), line);
+    };
+    const auto expectText = [&](const std::string& name) {
+        TABOPEN(name, nullptr, table_.get());
+        EXPECT_NE(FileNameOf(table_.get(), KindTable), name);
+        TABCLOSE(name, nullptr, false, table_.get());
+        takeError();
+    };
+    makeLines(file);
+    expectOpens(file, 1);
+    files_.put(file, line + "zz");
+    expectRefused(file, ERR_FILE_SIZE);
+    files_.put(file, line);
+    files_.rename(file, other);
+    files_.rename("/d/x.i1", "/d/y.i1");
+    expectOpens(other, 1);
+    files_.put(other, "text\n");  // the index was left behind by a file that is gone
+    expectText(other);
+    files_.put(other, line);
+    files_.put(file, line);  // it belongs to that now
+    expectText(other);
+}
+
+TEST_F(DamagedTableFiles, AnEmptyTableFileStaysOne) {
+    for (const std::string file : foreignNames) {
+        SCOPED_TRACE(file);
+        makeRows(file);
+        TABOPEN(file, nullptr, table_.get());
+        TableClear(table_.get());
+        TABCLOSE(file, nullptr, true, table_.get());
+        EXPECT_EQ(files_.contents(file), "");
+        expectOpens(file, 0);
+    }
+}
+
+TEST_F(DamagedTableFiles, WideTextHoldsZerosAndIsText) {
+    std::string wide = "\xFF\xFE";
+    for (const char c : std::string("a,b\n")) wide += std::string(1, c) + '\0';
+    files_.put("/d/f.csv", wide);
+    TABOPEN("/d/f.csv", nullptr, make("first : string[8]\nname : string[8]\n"));
+    EXPECT_NE(FileNameOf(table_.get(), KindTable), "/d/f.csv");
+    takeError();
+    TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+    EXPECT_EQ(files_.contents("/d/f.csv"), wide);
+}
+
+TEST_F(DamagedTableFiles, ToTellThemNoWholeFileIsRead) {
+    constexpr std::int64_t most = 200'000;
+    makeRows("/d/x.csv");
+    files_.put("/d/x.csv", files_.contents("/d/x.csv") + std::string(4'000'000, 'z') + "z");
+    files_.put("/d/x.i1", files_.contents("/d/x.i1") + std::string(4'000'000, 'z'));
+    files_.bytesRead = 0;
+    expectRefused("/d/x.csv", ERR_FILE_SIZE);
+    EXPECT_LT(files_.bytesRead, most);
+}
+
+TEST_F(DamagedTableFiles, ATableThatCouldNotBeReadAndThenNotBeClosedIsNotSaved) {
+    bool wasShort = true;
+    int stayed = 0;
+    for (int call = 1; wasShort; ++call) {
+        ASSERT_LT(call, 200);
+        for (const std::string text : {"x,Ada\n1,Bob\n", "1,Ada\nx,Bob\n"}) {
+            SCOPED_TRACE(call);
+            files_.put("/d/f.csv", text);
+            make(columns);
+            files_.syncsUntilShort = call;
+            try {
+                TABOPEN("/d/f.csv", nullptr, table_.get());
+            } catch (const std::bad_alloc&) {}
+            wasShort = files_.syncsUntilShort <= 0;
+            files_.syncsUntilShort = 0;
+            takeError();
+            stayed += opened() ? 1 : 0;
+            TABCLOSE("/d/f.csv", nullptr, true, table_.get());
+            EXPECT_EQ(takeError(), opened() ? std::int32_t{ERR_FILE_WRITE} : 0);
+            EXPECT_EQ(files_.contents("/d/f.csv"), text);
+            TABCLOSE("/d/f.csv", nullptr, false, table_.get());
+            EXPECT_FALSE(opened());
+            table_ = TableValue();
+        }
+    }
+    EXPECT_GT(stayed, 0);
 }
 
 TEST_F(TableFiles, ClosingWhatIsNotOpenDoesNothing) {

@@ -42,7 +42,8 @@ protected:
     os::SteeredClock clock;
     os::Steered steeredFiles{files}, steeredClock{clock};
     ListValue list;
-    static constexpr std::int32_t formats[] = {FormatText, FormatComma, FormatBinary, FormatXml, FormatTab};
+    static constexpr std::int32_t formats[] = {FormatText,  FormatComma, FormatBinary,
+                                               FormatXbase, FormatXml,   FormatTab};
 };
 
 TEST_F(Values, AFailedSaveTellsWhatBecameOfItUntilTheNextOne) {

@@ -95,5 +95,34 @@ TEST_F(SaveStreams, WhereAFileCannotBeReplacedItIsWrittenInPlace) {
     EXPECT_EQ(disk.contents("/home/u/b.csv"), contents());
 }
 
+// Some disks tell that only when the new file is there.
+TEST_F(SaveStreams, WhereAFileCannotBeRenamedItIsWrittenInPlace) {
+    disk.failAlways(FileCall::Rename, FileError::Denied);
+    const SaveResult result = save(contents());
+    EXPECT_TRUE(result.ok() && result.inPlace);
+    EXPECT_EQ(disk.contents(target), contents());
+    EXPECT_EQ(disk.allFiles(), std::vector<std::string>{target});
+}
+
+TEST_F(SaveStreams, AFailureInPlaceTellsWhereTheNewBytesAre) {
+    const std::string text = contents();
+    int rescues = 0;
+    for (int call = 1; call < 10000; ++call) {
+        disk.put(target, "as it was", 0640);
+        disk.failAlways(FileCall::Rename, FileError::Denied);
+        disk.failAt(call, FileError::WriteFailed);
+        const SaveResult result = save(text);
+        const bool beyond = disk.calls() < call;
+        disk.stopFailing();
+        if (beyond) break;
+        const std::string now = disk.contents(target);
+        const bool safe = !result.rescueCopy.empty() && disk.contents(result.rescueCopy) == text;
+        EXPECT_TRUE(now == "as it was" || now == text || safe) << call;
+        if (safe) ++rescues;
+    }
+    EXPECT_GT(rescues, 0);
+    EXPECT_EQ(disk.contents(target), text);
+}
+
 }  // namespace
 }  // namespace tarn::os

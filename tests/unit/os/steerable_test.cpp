@@ -67,6 +67,30 @@ TEST_F(SteeredFilesTest, whatWasWrittenOverSyncedContentsMayStay) {
     EXPECT_EQ(disk_.contents("/g"), "");
 }
 
+TEST_F(SteeredFilesTest, anyPartOfWhatWasNotSyncedMayStay) {
+    // What is there of two writings, a cut and a writing, by which of them are kept.
+    const std::pair<const char*, std::string> cases[] = {
+        {"0000", "old one"}, {"1111", std::string("X\0!", 3)},
+        {"1000", "Xld one"}, {"0010", "o"},
+        {"0001", "ol! one"}, {"0101", "ol! onY"},
+        {"0110", "o"},       {"0011", std::string("o\0!", 3)},
+    };
+    for (const auto& [keeps, expected] : cases) {
+        disk_.put("/f", "old one");
+        Handle handle = -1;
+        ASSERT_EQ(disk_.open("/f", OpenMode::ReadWrite, 0, handle), FileError::None);
+        ASSERT_EQ(disk_.write(handle, 0, "X"), FileError::None);
+        ASSERT_EQ(disk_.write(handle, 6, "Y"), FileError::None);
+        ASSERT_EQ(disk_.truncate(handle, 1), FileError::None);
+        ASSERT_EQ(disk_.write(handle, 2, "!"), FileError::None);
+        const char* next = keeps;
+        disk_.afterMachineDeath(SteeredFiles::Names::Kept, [&] { return *next++ == '1'; });
+        EXPECT_EQ(disk_.contents("/f"), expected) << keeps;
+        disk_.afterMachineDeath(SteeredFiles::Names::Kept, [] { return false; });
+        EXPECT_EQ(disk_.contents("/f"), expected) << "what is left is on the disk";
+    }
+}
+
 TEST_F(SteeredFilesTest, renamesAndRemovalsComeBackUnlessTheFolderIsSynced) {
     disk_.put("/a", "1");
     disk_.put("/b", "2");
