@@ -59,14 +59,20 @@ std::string failureText(const TabResult& result, const std::string& message) {
     return result.row < 1 ? text : "Row " + STR(result.row) + ": " + text;
 }
 
+void addRemark(DataTable& data, const std::string& remark) {
+    if (!data.remark.empty()) data.remark += '\n';
+    data.remark += remark;
+}
+
 // Of delimited text that has more rows than a table can hold, the first ones are read.
 TabResult load(const std::string& filename, TabOptions options, DataFormat format, XmlRows::Form form,
-               DataTable& data, std::string& message) {
+               DataTable& data, std::string& message, bool& firstOnly) {
     TabResult result = LoadRows(filename, format, options, form, data.table.get(), message);
     if (result.code != ERR_BLOCK_TOO_LARGE || format == FormatXml) return result;
     options.maxdatarows = MostRows;
     result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
-    data.remark = "Only the first " + STR(MostRows) + " rows are shown, a table in memory holds no more.";
+    firstOnly = true;
+    addRemark(data, "Only the first " + STR(MostRows) + " rows are shown, a table in memory holds no more.");
     return result;
 }
 
@@ -74,20 +80,22 @@ void readRows(const std::string& filename, const TabOptions& options, DataFormat
               DataTable& data) {
     LongWork work("Reading '" + FILEGETFNAME(filename) + "'");
     std::string message;
-    const TabResult result = load(filename, options, format, form, data, message);
+    bool firstOnly = false;
+    const TabResult result = load(filename, options, format, form, data, message, firstOnly);
     data.step = DataTable::Step::Done;
     if (work.stopped()) {
         data.step = DataTable::Step::Stopped;
     } else if (isWholeFailure(result.code)) {
         data.step = DataTable::Step::Rows;
         data.message = failureText(result, message);
-    } else if (result.code != 0 && data.remark.empty()) {
-        data.remark =
-            failureText(result, message) + "\nValues that could not be read are shown as 0, or cut.";
+    } else if (result.code != 0 && !firstOnly) {
+        addRemark(data,
+                  failureText(result, message) + "\nValues that could not be read are shown as 0, or cut.");
     }
 }
 
-// Rows of XML whose fields do not stand in the places of the columns would be shown under wrong names.
+// Rows of XML whose fields do not stand in the places of the columns would be shown under wrong names; those
+// that only end early are shown.
 void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable& data) {
     LongWork work("Looking through '" + FILEGETFNAME(filename) + "'");
     std::vector<std::string> names;
@@ -99,6 +107,8 @@ void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable
     } else if (!order.message.empty()) {
         data.step = DataTable::Step::Rows;
         data.message = order.message + "\n" + order.advice;
+    } else if (!order.missing.empty()) {
+        addRemark(data, order.missing + "\nFields that are missing are shown as 0, or empty.");
     }
 }
 
@@ -135,6 +145,9 @@ DataTable LOADDATATABLE(const std::string& filename, const TabOptions* options, 
         return data;
     }
     data.columns = static_cast<int>(TABLEFIELDNAMES(data.table.get()).size());
+    if (info.columnsSeen > data.columns)
+        addRemark(data, "Only the first " + STR(data.columns) + " of " + STR(info.columnsSeen) +
+                            " columns are shown.");
     readRows(filename, options != nullptr ? *options : TabOptions{}, format, info.xmlRows.form, data);
     return data;
 }

@@ -189,6 +189,9 @@ std::string SAVEFILEREPORT() {
         return text + "The file on disk may be damaged. The whole new " + (failed.ofText ? "text" : "data") +
                " is safe in this file:\n\n\t'" + failed.rescueCopy +
                "'\n\nSave again when the cause is gone, or copy that file over the damaged one.";
+    if (os::infoOf(os::native(failed.file)).special)
+        return text +
+               "It is a device or a pipe, which may have got a part. Look whether a program reads from it.";
     if (!failed.ofText)
         return text + "The file on disk is as it was. Save again when the cause is gone, or to another file.";
     return text + "The file on disk is as it was, and the text is still in its window.\n"

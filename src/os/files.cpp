@@ -31,6 +31,7 @@ constexpr Description descriptions[] = {
     {FileError::Vanished, "The file or its folder has gone in the meantime."},
     {FileError::ReadFailed, "The disk cannot be read."},
     {FileError::WriteFailed, "The disk cannot be written."},
+    {FileError::NoReader, "No program reads from the pipe."},
 };
 
 // Reads to the end of the file. The buffer is one byte larger than the file, so that the usual file needs no

@@ -29,6 +29,7 @@ enum class FileError {
     Vanished,     // it was there and has gone during the operation
     ReadFailed,   // any other fault while reading
     WriteFailed,  // any other fault while writing
+    NoReader,     // a pipe that no program reads, or reads any longer
 };
 
 // A short text for the user ("The disk is full."); empty for None.
@@ -53,6 +54,7 @@ enum class OpenMode {
     Truncate,   // made or emptied
     Append,     // made if absent
     ReadWrite,  // must exist, contents kept
+    Write,      // the same, and nothing can be read: for devices and pipes
 };
 
 using Handle = int;  // negative: none
@@ -66,7 +68,8 @@ public:
     // Reads at most `count` bytes at `offset`; `got` 0 means the end.
     virtual FileError read(Handle handle, std::int64_t offset, char* into, std::size_t count,
                            std::size_t& got) = 0;
-    // Writes all of `bytes` at `offset` (Append: at the end), or fails having written some of it.
+    // Writes all of `bytes` at `offset` (Append: at the end), or fails having written some of it. A pipe has
+    // no offset; its reader is waited for, but not for long while it takes nothing.
     virtual FileError write(Handle handle, std::int64_t offset, std::string_view bytes) = 0;
     virtual FileError truncate(Handle handle, std::int64_t size) = 0;
     virtual FileError size(Handle handle, std::int64_t& bytes) = 0;
@@ -133,9 +136,10 @@ struct SaveResult {
 //
 // A file that this user may not write is Denied and stays as it is, also where the folder would let it be
 // replaced. On failure the old contents are whole (or `rescueCopy` names the new ones) and no temporary is
-// left. One failure comes after the replacing, that of the folder's sync: then the new contents are whole in
-// the file, but the death of the machine may bring back the old ones. Cost: about 10 system calls; synced,
-// two waits for the disk.
+// left. Devices and pipes are no files that could be replaced: they take the bytes as they come, and may have
+// got some of them when it fails. One failure comes after the replacing, that of the folder's sync: then the
+// new contents are whole in the file, but the death of the machine may bring back the old ones. Cost: about
+// 10 system calls; synced, two waits for the disk.
 [[nodiscard]] SaveResult saveFile(const std::string& path, std::string_view bytes,
                                   Durability durability = Durability::Synced);
 

@@ -14,6 +14,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits>
+#include <poll.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -33,7 +34,7 @@ constexpr Mapping mappings[] = {
     {EROFS, FileError::Denied},     {ETXTBSY, FileError::Denied},       {EBUSY, FileError::Denied},
     {EISDIR, FileError::IsFolder},  {ENOSPC, FileError::DiskFull},      {EDQUOT, FileError::DiskFull},
     {EFBIG, FileError::DiskFull},   {ENAMETOOLONG, FileError::BadName}, {ELOOP, FileError::BadName},
-    {EILSEQ, FileError::BadName},   {ESTALE, FileError::Vanished},
+    {EILSEQ, FileError::BadName},   {ESTALE, FileError::Vanished},      {EPIPE, FileError::NoReader},
 };
 
 // The error of the call that has just failed; `otherwise` says which way the bytes went.
@@ -100,6 +101,7 @@ int openFlags(OpenMode mode) {
     case OpenMode::Truncate: return always | O_RDWR | O_CREAT | O_TRUNC;
     case OpenMode::Append: return always | O_WRONLY | O_CREAT | O_APPEND;
     case OpenMode::ReadWrite: return always | O_RDWR;
+    case OpenMode::Write: return always | O_WRONLY;
     }
     return always | O_RDONLY;
 }
@@ -123,6 +125,52 @@ bool realPath(const std::string& path, std::string& resolved) {
     return true;
 }
 
+// For the lifetime of this, a pipe without a reader is an error of the write, not the end of the program.
+// What the program does about the signal stays as it is, and programs that are started get it so.
+class PipeSignalAside {
+public:
+    PipeSignalAside() {
+        sigset_t pending;
+        sigemptyset(&pipe_);
+        sigaddset(&pipe_, SIGPIPE);
+        ::sigpending(&pending);
+        came_ = sigismember(&pending, SIGPIPE) == 1;
+        ::pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
+    }
+    ~PipeSignalAside() {
+        const int number = errno;
+        const timespec now{};
+        if (!came_) uninterrupted([&] { return ::sigtimedwait(&pipe_, nullptr, &now); });
+        ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+        errno = number;
+    }
+    PipeSignalAside(const PipeSignalAside&) = delete;
+    PipeSignalAside& operator=(const PipeSignalAside&) = delete;
+
+private:
+    sigset_t pipe_{}, before_{};
+    bool came_;
+};
+
+// A pipe has room when its reader takes something; one that takes nothing for so long is given up.
+ssize_t writeToPipe(Handle handle, std::string_view bytes) {
+#ifdef TARNWICK_TINY
+    constexpr int longestWait = 1000;  // milliseconds
+#else
+    constexpr int longestWait = 10000;
+#endif
+    const PipeSignalAside aside;
+    for (;;) {
+        const ssize_t result = ::write(handle, bytes.data(), bytes.size());
+        if (result >= 0 || errno != EAGAIN) return result;
+        pollfd waiting{handle, POLLOUT, 0};
+        if (uninterrupted([&] { return ::poll(&waiting, 1, longestWait); }) == 0) {
+            errno = EIO;
+            return -1;
+        }
+    }
+}
+
 class RealFiles : public FileSystem {
 public:
     // A limit on the size of files must be an error of the write, not the end of the program.
@@ -135,6 +183,7 @@ public:
         if (name.bad()) return FileError::BadName;
         const FileError otherwise = mode == OpenMode::Read ? FileError::ReadFailed : FileError::WriteFailed;
         const int opened = uninterrupted([&] { return ::open(name.c_str(), openFlags(mode), permissions); });
+        if (opened < 0 && mode == OpenMode::Write && errno == ENXIO) return FileError::NoReader;
         if (opened < 0) return lastError(otherwise);
         struct stat status {};
         if (mode == OpenMode::Read && ::fstat(opened, &status) == 0 && S_ISDIR(status.st_mode)) {
@@ -323,7 +372,7 @@ private:
     // Devices and pipes have no position and are written at their end.
     static ssize_t writeSome(Handle handle, std::int64_t offset, std::string_view bytes) {
         const ssize_t result = ::pwrite(handle, bytes.data(), bytes.size(), offset);
-        return result < 0 && errno == ESPIPE ? ::write(handle, bytes.data(), bytes.size()) : result;
+        return result < 0 && errno == ESPIPE ? writeToPipe(handle, bytes) : result;
     }
 
     // Devices, and folders of some file systems, have nothing that could be synced.

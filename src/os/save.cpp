@@ -165,7 +165,7 @@ SaveResult saveToDevice(const SaveTarget& target, std::string_view bytes) {
     SaveResult result;
     result.inPlace = true;
     Handle handle = -1;
-    result.error = files().open(target.path, OpenMode::ReadWrite, 0, handle);
+    result.error = files().open(target.path, OpenMode::Write, 0, handle);
     if (!result.ok()) return result;
     const FileError written = files().write(handle, 0, bytes);
     const FileError closed = files().close(handle);

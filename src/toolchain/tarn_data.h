@@ -8,6 +8,7 @@
 //   tarn_data_files       reading files, and what they are at first sight
 //   tarn_data_source      what a file is, and its columns
 //   tarn_data_load        its rows as a table of typed values; _loadrows likewise
+//   tarn_data_digits      numbers that would lose digits on their way
 //   tarn_data_rows        such tables
 //   tarn_data_xbase       Xbase files as they stand
 //   tarn_data_rowtype     declarations of rows
@@ -81,7 +82,8 @@ struct Source {
     TabOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    XmlRows xmlRows;                     // XML: which elements are the rows
+    std::int32_t rowBehind = 0;  // delimited: the first one behind the empty line that ends those seen; or 0
+    XmlRows xmlRows;             // XML: which elements are the rows
     std::vector<std::int32_t> longest;   // of each column: characters of its texts; empty: not known
     bool text = false, deleted = false;  // as the arguments say
     bool willChange = false;             // the rows must be copies in memory
@@ -101,6 +103,14 @@ std::string textColumns(std::string_view columns);
 // The rows of a file with these columns. Strings have no upper length here, unless the rows are those of a
 // table file or go into one (`exact`): memory goes by what they hold.
 Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows);
+// The columns were found in the rows up to the first empty line. Rows with content behind it would be read by
+// columns that do not know them.
+Problem checkEmptyLine(const Source& source);
+// Columns whose numbers have digits that a real does not hold become text, and a note says so.
+Problem keepDigits(Source& source);
+// The numbers of a source against the fields of the table file that they shall fill, by their place: the
+// first one whose digits its field does not hold.
+Problem checkDigits(const Source& source, const RowType& type);
 // The columns of a file whose types do not fit each other, when they are to be text.
 Problem identifyTexts(Source& source, const DataFileInfo& info);
 

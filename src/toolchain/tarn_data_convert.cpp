@@ -61,13 +61,15 @@ void tellWhatIsLeftOut(const Source& source) {
              "' counts left out; 'tarn-data rebuild' takes them in.");
 }
 
-Problem convertRows(const Arguments& arguments, const Target& target, const Source& source) {
+Problem convertRows(const Arguments& arguments, const Target& target, Source& source) {
     const bool table = target.format == FormatBinary, xbase = target.format == FormatXbase;
+    Problem problem = checkEmptyLine(source);
+    if (!problem.any() && !table) problem = keepDigits(source);
     std::string columns = source.text ? textColumns(source.columns) : source.columns;
     if (source.format == FormatBinary && !table && !xbase) columns = plainColumns(columns);
     columns = repairedNames(columns);
-    Problem problem;
-    if (table) problem = fitColumns(source, columns, target.type);
+    if (!problem.any() && table) problem = fitColumns(source, columns, target.type);
+    if (!problem.any() && table) problem = checkDigits(source, target.type);
     if (table) columns = target.type.columns;
     Rows rows;
     if (!problem.any()) problem = loadRows(source, columns, table, rows);

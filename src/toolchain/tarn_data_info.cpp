@@ -4,6 +4,7 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/tables.h"
 #include "toolchain/tarn_data.h"
+#include "toolchain/tarn_data_load.h"
 #include "toolchain/tarn_data_tables.h"
 #include "toolchain/tarn_data_xbase.h"
 
@@ -61,8 +62,13 @@ std::string formText(const Source& source) {
 
 int infoText(const std::string& file, const Arguments& arguments) {
     Source source;
-    const Problem problem = identify(file, arguments, false, source);
+    Problem problem = identify(file, arguments, false, source);
+    // The rows of a long XML file are not kept only to be looked at.
+    const bool look = source.format != FormatXml || fitsMemory(source.rowsSeen);
+    if (!problem.any() && look) problem = keepDigits(source);
     if (problem.any()) return tell(problem);
+    const Problem gap = checkEmptyLine(source);
+    if (gap.any()) note(gap.what + " Only rows ahead of it are counted.");
     const std::string columns = arguments.text ? textColumns(source.columns) : source.columns;
     return print(line("file", file) + line("type", formText(source)) +
                  line("rows", rowsText(source, arguments)) +

@@ -136,48 +136,23 @@ Problem load(const Source& source, const TabOptions& options, Rows& rows, TabRes
     return result.code == 0 ? Problem() : loadProblem(source, result, message);
 }
 
-bool isBlank(const RecordDescriptor* row) {
-    for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n) {
-        if (StringLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n))) > 0) return false;
-    }
-    return true;
-}
-
-// The columns were found in the rows up to the first empty line. Rows with content behind it would be read by
-// columns that do not know them.
-Problem checkEmptyLine(const Source& source, std::string_view columns) {
-    Rows texts;
-    TabResult result;
-    Problem problem = makeRowsFor(source, textColumns(columns), false, texts);
-    if (!problem.any()) problem = load(source, source.options, texts, result);
-    if (problem.any()) return problem;
-    for (std::int32_t i = source.rowsSeen + 1; i <= texts.count(); ++i) {
-        if (isBlank(texts.at(i))) continue;
-        return {rowOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(i) + " is not.",
-                "Take the empty line out, or leave what follows it with --max-rows=" +
-                    std::to_string(source.rowsSeen) + " or --footer-rows."};
-    }
-    return {};
-}
-
-Problem loadDelimited(const Source& source, std::string_view columns, Rows& rows) {
+// No row behind the first empty line is looked at: it is blank, as `checkEmptyLine` tells.
+Problem loadDelimited(const Source& source, Rows& rows) {
     TabResult result;
     TabOptions options = source.options;
-    const bool seen = source.rowsSeen >= 0;
-    Problem problem;
-    if (!seen) return load(source, options, rows, result);
-    const auto more =
-        options.maxdatarows < 0 ? source.rowsSeen + 1 : std::min(options.maxdatarows, source.rowsSeen + 1);
-    options.maxdatarows = more;
-    problem = load(source, options, rows, result);
-    const bool further = result.row > source.rowsSeen || result.rows > source.rowsSeen;
-    if (!further) return problem;
-    problem = checkEmptyLine(source, columns);
-    options.maxdatarows = source.rowsSeen;
-    return problem.any() ? problem : load(source, options, rows, result);
+    if (source.rowsSeen >= 0) options.maxdatarows = source.rowsSeen;
+    return load(source, options, rows, result);
 }
 
 }  // namespace
+
+Problem checkEmptyLine(const Source& source) {
+    if (source.rowBehind == 0) return {};
+    return {rowOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(source.rowBehind) +
+                " is not.",
+            "Take the empty line out, or leave what follows it with --max-rows=" +
+                std::to_string(source.rowsSeen) + " or --footer-rows."};
+}
 
 Problem identifyTexts(Source& source, const DataFileInfo& info) {
     TabOptions header = source.options;
@@ -205,7 +180,7 @@ Problem loadRows(const Source& source, std::string_view columns, bool exact, Row
     Problem problem = makeRowsFor(source, columns, exact, rows);
     if (problem.any()) return problem;
     if (source.format == FormatXbase) return loadXbase(source, rows);
-    if (isDelimitedForm(source.format)) return loadDelimited(source, columns, rows);
+    if (isDelimitedForm(source.format)) return loadDelimited(source, rows);
     TabResult result;
     return load(source, source.options, rows, result);
 }

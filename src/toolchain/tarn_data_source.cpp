@@ -91,15 +91,17 @@ bool discoverAnyway(Source& source, DataFileInfo& info) {
     TabStructure found = TabDiscover(source.file, source.options, MaxTypeInfo);
     TypeInfoStripOuter(found.typeText, MaxTypeInfo);
     info = {FormatTab, found.typeText, found.message, {}, source.options, found.rowsSeen, found.columnsSeen};
+    info.rowBehind = found.rowBehind;
     return true;
 }
 
-Problem identifyDelimited(const DataFileInfo& info, Source& source) {
-    source.rowsSeen = info.rowsSeen;
+Problem checkColumns(const Source& source, const DataFileInfo& info) {
     if (info.columnsSeen <= MaxTabColumns) return {};
     return {fileWord(source.file) + "has " + std::to_string(info.columnsSeen) + " columns; at most " +
                 std::to_string(MaxTabColumns) + " can be handled.",
-            "Split it into files of fewer columns, or choose another separator with --separator."};
+            isDelimitedForm(info.format)
+                ? "Split it into files of fewer columns, or choose another separator with --separator."
+                : "Split it into files of fewer columns."};
 }
 
 // A list of one record looks like a record of one field that is a record. Its columns are those of the row.
@@ -115,6 +117,7 @@ bool isOneRow(const std::string& file, DataFileInfo& info) {
         if (TypeInfoIndent(text, n) != 0) return false;
     }
     info.typeText = TypeInfoFixAny(text);
+    info.columnsSeen = TypeInfoCountElements(info.typeText, 0);
     info.message.clear();
     info.xmlRows = {XmlRows::Form::Rows, 2};
     return true;
@@ -128,7 +131,7 @@ Problem identifyXml(const Arguments& arguments, Source& source) {
     XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
     source.rowsSeen = order.rows;
     source.longest = std::move(order.longest);
-    return {order.message, order.advice};
+    return {order.missing.empty() ? order.message : order.missing, order.advice};
 }
 
 Problem identifyOther(const Arguments& arguments, Source& source) {
@@ -142,14 +145,19 @@ Problem identifyOther(const Arguments& arguments, Source& source) {
         return problemOfInfo(source.file, info.message);
     if (stopSignal() != 0) return stoppedProblem();
     const bool conflict = arguments.text && isDelimitedForm(info.format) && isTypeConflict(info.message);
-    if (conflict) return identifyTexts(source, info);
-    if (!info.message.empty() && !isOneRow(source.file, info))
+    if (!conflict && !info.message.empty() && !isOneRow(source.file, info))
         return problemOfInfo(source.file, info.message);
+    const Problem tooMany = checkColumns(source, info);
+    if (tooMany.any()) return tooMany;
+    if (conflict) return identifyTexts(source, info);
     source.format = info.format;
     source.columns = info.typeText;
     source.xmlRows = info.xmlRows;
-    if (isDelimitedForm(info.format)) return identifyDelimited(info, source);
-    return info.format == FormatXml ? identifyXml(arguments, source) : Problem();
+    if (info.format == FormatXml) return identifyXml(arguments, source);
+    if (!isDelimitedForm(info.format)) return {};
+    source.rowsSeen = info.rowsSeen;
+    source.rowBehind = info.rowBehind;
+    return {};
 }
 
 }  // namespace

@@ -20,25 +20,37 @@ namespace {
 
 // ---- what fits: a place that does not, or npos, and why ----
 
+enum class Fault { Quote, Separator, LineEnd, ZeroByte, Control, Bytes };
+constexpr const char* faultTexts[] = {"begins with a quote",
+                                      "holds the separator",
+                                      "holds a line end",
+                                      "holds a zero byte",
+                                      "holds a control character, which XML cannot hold",
+                                      "holds a byte that XML cannot hold (it is no UTF-8)"};
+
 struct Misfit {
-    std::size_t at = std::string::npos, length = 1;
-    const char* why = "";
+    std::size_t at = std::string::npos;
+    Fault fault = Fault::Bytes;
     [[nodiscard]] bool any() const { return at != std::string::npos; }
+    [[nodiscard]] const char* why() const { return faultTexts[static_cast<std::size_t>(fault)]; }
 };
 
+Fault faultOf(char c) {
+    return c == '\0' ? Fault::ZeroByte : Fault::LineEnd;
+}
+
 Misfit misfitOfDelimited(std::string_view text, std::size_t from, char separator) {
-    if (from == 0 && text.starts_with('"')) return {0, 1, "begins with a quote"};
+    if (from == 0 && text.starts_with('"')) return {0, Fault::Quote};
     for (std::size_t i = from; i < text.size(); ++i) {
-        if (text[i] == separator) return {i, 1, "holds the separator"};
-        if (text[i] == '\n' || text[i] == '\r') return {i, 1, "holds a line end"};
-        if (text[i] == '\0') return {i, 1, "holds a zero byte"};
+        if (text[i] == separator) return {i, Fault::Separator};
+        if (text[i] == '\n' || text[i] == '\r' || text[i] == '\0') return {i, faultOf(text[i])};
     }
     return {};
 }
 
 Misfit misfitOfLine(std::string_view text, std::size_t from) {
     const std::size_t at = text.find_first_of(std::string_view("\n\r\0", 3), from);
-    return {at, 1, "holds a line end or a zero byte"};
+    return {at, at < text.size() ? faultOf(text[at]) : Fault::LineEnd};
 }
 
 // The bytes of the UTF-8 character at `i` that XML may hold; 0 for what is none.
@@ -64,8 +76,8 @@ std::size_t xmlCharacter(std::string_view text, std::size_t i) {
 Misfit misfitOfXml(std::string_view text, std::size_t from) {
     for (std::size_t i = from; i < text.size();) {
         const std::size_t length = xmlCharacter(text, i);
-        if (length == 0)
-            return {i, 1, "holds a byte that XML cannot hold (a control character, or no UTF-8)"};
+        const bool control = static_cast<unsigned char>(text[i]) < ' ';
+        if (length == 0) return {i, control ? Fault::Control : Fault::Bytes};
         i += length;
     }
     return {};
@@ -79,13 +91,21 @@ Misfit misfitOf(const Target& target, std::string_view text, std::size_t from) {
     }
 }
 
-const char* adviceFor(const Target& target) {
-    switch (target.format) {
-    case FormatXml:
-        return "Convert the file that is read to UTF-8 first, or write '?' instead with --replace.";
-    case FormatText: return "Write XML, which holds it, or '?' instead with --replace.";
-    default:
-        return "Choose another separator with --to-separator, or XML, or write '?' instead with --replace.";
+// What to do about a text. Other forms are named only where they hold all of it.
+std::string adviceFor(Fault fault, std::string_view text) {
+    const bool xml = !misfitOfXml(text, 0).any();
+    const bool xbase =
+        text.size() <= std::size_t{MaxXbaseFieldLength} && text.find('\0') == std::string::npos;
+    const char* const other = xml     ? "Write XML, which holds it, or "
+                              : xbase ? "Write dbf, which holds it, or "
+                                      : "Write ";
+    const std::string replaced = "'?' instead with --replace.";
+    switch (fault) {
+    case Fault::Separator:
+        return std::string("Choose another separator with --to-separator, or ") +
+               (xml ? "XML, or write " : "write ") + replaced;
+    case Fault::Bytes: return "Convert the file that is read to UTF-8 first, or write " + replaced;
+    default: return other + replaced;
     }
 }
 
@@ -125,8 +145,8 @@ private:
         Misfit misfit = misfitOf(target_, StringView(s), 0);
         if (!misfit.any()) return {};
         if (!replace_)
-            return {"Row " + std::to_string(number) + ", column '" + nameOf(n) + "' " + misfit.why + ".",
-                    adviceFor(target_)};
+            return {"Row " + std::to_string(number) + ", column '" + nameOf(n) + "' " + misfit.why() + ".",
+                    adviceFor(misfit.fault, StringView(s))};
         std::string text(StringView(s));
         for (; misfit.any(); misfit = misfitOf(target_, text, misfit.at + 1)) text[misfit.at] = '?';
         StringAssignView(s, text);

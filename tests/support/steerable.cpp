@@ -443,7 +443,8 @@ FileError SteeredFiles::openNode(const Place& place, OpenMode mode, std::uint32_
                                  NodePointer& node) {
     node = place.node;
     if (node == nullptr) {
-        if (mode == OpenMode::Read || mode == OpenMode::ReadWrite) return FileError::NotFound;
+        if (mode == OpenMode::Read || mode == OpenMode::ReadWrite || mode == OpenMode::Write)
+            return FileError::NotFound;
         node = newNode(AFile, permissions & ~022U);
         return make(place, node);
     }

@@ -133,6 +133,20 @@ const Document documents[] = {
     {"<!DOCTYPE a [<!ENTITY e '<b>'>]><a>&e;</a>", false, true},
     {"<a></a >", true, true},
     {"<a b = '1' />", true, true},
+    {"<a / >1</a>", false, true},
+    {"<a b='1' / />", false, true},
+    {"<a>1</a> ?", false, true},
+    {"<a>1</a>\n/\n", false, true},
+    {"<a>1</a> x", false, false},
+    {"<a b='1'c='2'/>", false, true},
+    {"<a b='x & y'/>", false, true},
+    {"<a b='x &y'/>", false, false},
+    {"<?xml version='<1.0'?><a/>", false, true},
+    {"<a>&#;</a>", false, true},
+    {"<a>&#x;</a>", false, true},
+    {"<a>&#4a;</a>", false, true},
+    {"<a>&#g;</a>", false, false},
+    {"<!DOCTYPE a [<!ENTITYe 'v'>]><a>&e;</a>", false, true},
 };
 
 TEST_F(Peers, WhatIsWellFormedIsJudgedAsByExpat) {

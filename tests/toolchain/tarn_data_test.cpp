@@ -84,11 +84,21 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
                                     6));
     write("wide.csv", "a" + repeated(",a", 48) + "\n");
     write("gap.csv", "a,b\n1,2\n\n3,4\n");
+    write("gaps.csv", "a,b\n1,2\n\n,\n\"\" , \n\n3,\n");
+    write("ragged.csv", "a,b\nTrue,2\n5,3\n" + repeated(",", 48) + "\n");
+    std::string wide;
+    for (int i = 1; i <= 49; ++i) wide += "<c" + std::to_string(i) + ">1</c" + std::to_string(i) + ">";
+    write("wide.xml", "<l><r>" + wide + "</r><r>" + wide + "</r></l>");
+    write("wideone.xml", "<l><r>" + wide + "</r></l>");
+    write("wideinner.xml", "<d><l><r>" + wide + "</r><r>" + wide + "</r></l></d>");
     write("long.csv", "a,b\n1," + std::string(40000, 'x') + "\n");
     write("open.xml", "<l>\n<r>\n</l>");
     write("nested.xml",
           "<l><r><a>1</a><b><c>1</c><d>2</d></b></r><r><a>1</a><b><c>1</c><d>2</d></b></r></l>");
     write("short.xml", "<l><r><a>1</a><b>2</b></r>\n<r><b>3</b></r></l>");
+    write("less.xml", "<l><r><a>1</a></r>\n<r><a>1</a><b>3</b></r></l>");
+    write("none.xml", "<l><r><a>1</a></r>\n<r/></l>");
+    write("another.xml", "<l><i>1</i><i>2</i>\n<j/></l>");
     write("swapped.xml", "<l><r a='1' b='2' c='3'/>\n<r a='1' c='3'/></l>");
     write("both.xml", "<l><r a='1' b='2'><c>1</c><d>1</d></r><r a='1' b='2'>\n<c>1</c><d>1</d></r></l>");
     write("two.csv", "a,b\nx,\"p,q\"\n");
@@ -98,6 +108,11 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
     write("latin.csv", "a,b\nx,\xE9t\n");
     write("control.csv", "a,b\nx,\1\n");
     write("blank.txt", "x\n\ny\n");
+    write("feed.csv", "a,b\nx,\"p\r\nq\"\n");
+    write("feedlong.csv", "a,b\nx,\"p\r\n" + repeated("q", 300) + "\"\n");
+    write("both.csv", "a,b\nx,\"p,q\r\"\n");
+    write("zero.csv", std::string("a,b\nx,\"p\0q\"\n", 12));
+    write("zeros.txt", std::string("x\np\0q\n", 6));
     const Row rows[] = {
         {"info none.csv", "There is no such file"},
         {"info .", "It is a folder"},
@@ -109,7 +124,15 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
         {"info wide16.csv", "It is UTF-16 text"},
         {"info wide.csv", "has 49 columns; at most 48 can be handled"},
         {"convert wide.csv b.xml", "has 49 columns"},
+        {"convert --text ragged.csv b.xml", "has 49 columns"},
+        {"info wide.xml",
+         "has 49 columns; at most 48 can be handled.\nSplit it into files of fewer columns."},
+        {"convert wide.xml b.csv", "has 49 columns"},
+        {"convert --text wide.xml b.csv", "has 49 columns"},
+        {"convert wideone.xml b.csv", "has 49 columns"},
+        {"convert wideinner.xml b.csv", "has 49 columns"},
         {"convert gap.csv b.xml", "row 2 is empty, and row 3 is not.\nTake the empty line out"},
+        {"convert gaps.csv b.xml", "row 2 is empty, and row 6 is not.\nTake the empty line out"},
         {"convert long.csv b.xml",
          "row 1 cannot be read: String type conversion error.\nThe row is longer than"},
         {"info open.xml", "Start tag \"r\" and end tag \"l\" are different (Line 3, Position"},
@@ -117,14 +140,31 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
         {"convert short.xml b.csv",
          "'short.xml' line 2: element 'b' does not stand in the place of its column"},
         {"convert swapped.xml b.csv", "line 2: attribute 'c' does not stand in the place of its column"},
+        {"convert less.xml b.csv",
+         "'less.xml' line 1: the row has no 'b'.\nEvery row must have the same fields"},
+        {"info none.xml", "'none.xml' line 2: the row has no 'a'."},
+        {"convert another.xml b.csv", "The name of an element changed, from 'i' to 'j'"},
         {"convert both.xml b.csv", "stands in a row that has data in attributes, too"},
-        {"convert two.csv b.csv", "Row 1, column 'b' holds the separator.\nChoose another separator"},
+        {"convert two.csv b.csv", "Row 1, column 'b' holds the separator.\nChoose another separator with "
+                                  "--to-separator, or XML, or write '?'"},
+        {"convert both.csv b.csv", "Row 1, column 'b' holds the separator.\nChoose another separator with "
+                                   "--to-separator, or write '?'"},
         {"convert two.csv b.txt", "There are 2 columns, and lines of text hold one."},
-        {"convert lines.csv b.tab", "Row 1, column 'b' holds a line end."},
-        {"convert quote.csv b.tab", "Row 1, column 'b' begins with a quote."},
+        {"convert lines.csv b.tab",
+         "Row 1, column 'b' holds a line end.\nWrite XML, which holds it, or '?' instead with --replace."},
+        {"convert feed.csv b.tab", "holds a line end.\nWrite dbf, which holds it, or '?' instead"},
+        {"convert feedlong.csv b.tab", "holds a line end.\nWrite '?' instead with --replace."},
+        {"convert feed.csv b.xml", "holds a control character, which XML cannot hold.\nWrite dbf,"},
+        {"convert zero.csv b.tab", "Row 1, column 'b' holds a zero byte.\nWrite '?' instead with --replace."},
+        {"convert zero.csv b.xml", "holds a control character, which XML cannot hold.\nWrite '?' instead"},
+        {"convert --text zeros.txt b.csv", "Row 2, column 'line' holds a zero byte.\nWrite '?' instead"},
+        {"convert quote.csv b.tab",
+         "Row 1, column 'b' begins with a quote.\nWrite XML, which holds it, or '?' instead"},
         {"convert sets.tab b.csv", "Column 'b' holds sets"},
-        {"convert latin.csv b.xml", "Row 1, column 'b' holds a byte that XML cannot hold"},
-        {"convert control.csv b.xml", "Row 1, column 'b' holds a byte that XML cannot hold"},
+        {"convert latin.csv b.xml", "Row 1, column 'b' holds a byte that XML cannot hold (it is no "
+                                    "UTF-8).\nConvert the file that is read to UTF-8 first, or write '?'"},
+        {"convert control.csv b.xml",
+         "Row 1, column 'b' holds a control character, which XML cannot hold.\nWrite dbf,"},
         {"convert blank.txt b.csv", "Row 2 is empty, and would be an empty line."},
         {"convert two.csv none/b.xml", "File 'none/b.xml' cannot be written: "},
     };
@@ -158,6 +198,112 @@ TEST_F(TarnData, InfoTellsFormRowsKeysAndDeclaration) {
     EXPECT_NE(output.find("type: lines of text\n"), std::string::npos) << output;
     EXPECT_EQ(tarnData("info x.txt --separator=,"), Well);
     EXPECT_NE(output.find("type: delimited text, separator ',', 1 header row"), std::string::npos) << output;
+}
+
+TEST_F(TarnData, InfoTellsOfRowsBehindAnEmptyLine) {
+    write("gap.csv", "a,b\n1,2\n\n3,x\n");
+    EXPECT_EQ(tarnData("info gap.csv"), Well);
+    EXPECT_NE(output.find("\nrows: 1\n"), std::string::npos) << output;
+    EXPECT_EQ(errors,
+              "tarn-data: note: File 'gap.csv' row 2 is empty, and row 3 is not. Only rows ahead of it "
+              "are counted.\n");
+    for (const char* words : {"info gap.csv --max-rows=2", "info gap.csv --footer-rows=1", "info end.csv"}) {
+        write("end.csv", "a,b\n1,2\n\n \n,\n");
+        EXPECT_EQ(tarnData(words), Well);
+        EXPECT_EQ(errors, "") << words;
+    }
+}
+
+// ---- numbers ----
+
+const char* const longNumbers[] = {
+    "9007199254740993", "12345678901234567890", "0.1234567890123456789", "-123456789012345678",
+    "1e-400",           "1152921504606846976",  "1.00000000000000000001"};
+
+TEST_F(TarnData, NumbersThatNoRealHoldsStayAsTheyAre) {
+    for (const std::string number : longNumbers) {
+        const std::string text = "id,n\n1," + number + "\n2,1.123456\n";
+        write("a.csv", text);
+        const std::string told =
+            "tarn-data: note: Column 'n' of 'a.csv' is taken as text: no real holds every "
+            "digit of " +
+            number + " (row 1).\n";
+        for (const char* target : {"b.csv", "b.tab", "b.xml", "b.dbf"}) {
+            EXPECT_EQ(tarnData(std::string("convert a.csv ") + target), Well) << number << errors;
+            EXPECT_EQ(errors, told);
+            EXPECT_EQ(tarnData(std::string("convert ") + target + " c.csv"), Well) << number << errors;
+            const bool typed = std::string_view(target) == "b.dbf" || std::string_view(target) == "b.xml";
+            EXPECT_EQ(errors.empty(), typed) << errors;
+            EXPECT_EQ(read("c.csv"), text) << target;
+        }
+        EXPECT_EQ(tarnData("info a.csv"), Well);
+        EXPECT_EQ(errors, told);
+        EXPECT_NE(
+            output.find("\t\tn : string[" + std::to_string(std::max<std::size_t>(number.size(), 8)) + "]\n"),
+            std::string::npos)
+            << output;
+        EXPECT_EQ(tarnData("convert --text a.csv b.csv"), Well);
+        EXPECT_EQ(errors, "");
+    }
+    write("a.xml", "<l><r><id>1</id><n> 9007199254740993 </n></r><r><id>2</id><n/></r></l>");
+    EXPECT_EQ(tarnData("convert a.xml b.csv"), Well) << errors;
+    EXPECT_NE(errors.find("note: Column 'n' of 'a.xml' is taken as text"), std::string::npos) << errors;
+    EXPECT_NE(read("b.csv").find("9007199254740993"), std::string::npos);
+    write("a.xml", "<l><v>1</v><v>12345678901234567890</v></l>");
+    EXPECT_EQ(tarnData("convert a.xml b.csv"), Well) << errors;
+    EXPECT_EQ(read("b.csv"), "v\n1\n12345678901234567890\n");
+    write("a.xml", "<r><a>1</a><b>12345678901234567890</b></r>");
+    EXPECT_EQ(tarnData("convert a.xml b.csv"), Well) << errors;
+    EXPECT_EQ(read("b.csv"), "a,b\n1,12345678901234567890\n");
+}
+
+TEST_F(TarnData, NumbersThatARealHoldsAreReals) {
+    const Row rows[] = {
+        {"0.12345", "+1.2345000000000000E-0001"},
+        {"1e300", "+1.0000000000000001E+0300"},
+        {"9007199254740992", "+9.0071992547409920E+0015"},
+        {"0.30000000000000004", "+3.0000000000000004E-0001"},
+        {"+3.0000000000000004E-0001", "+3.0000000000000004E-0001"},
+        {"1234567890.123456", "+1.2345678901234560E+0009"},
+        {"00012345678901.5000000000", "+1.2345678901500000E+0010"},
+        {"123456789012345000000000", "+1.2345678901234500E+0023"},
+        {"NULL", "+0.0000000000000000E+0000"},
+        {"null", "+0.0000000000000000E+0000"},
+        {"0.000000000000000000000", "+0.0000000000000000E+0000"},
+        {"-0.00000", "-0.0000000000000000E+0000"},
+    };
+    for (const Row& row : rows) {
+        write("a.csv", std::string("id,n\n1,1e5\n2,") + row.words + "\n");
+        EXPECT_EQ(tarnData("convert a.csv b.csv"), Well) << row.words << errors;
+        EXPECT_EQ(errors, "") << row.words;
+        EXPECT_EQ(read("b.csv"), std::string("id,n\n1,+1.0000000000000000E+0005\n2,") + row.said + "\n");
+    }
+}
+
+TEST_F(TarnData, ATableFileTakesNoNumberThatItsFieldDoesNotHold) {
+    const struct {
+        const char *file, *text, *type, *said;
+    } cases[] = {
+        {"a.csv", "n\n1.5\n9007199254740993\n", "real", "Row 2, column 'n' holds 9007199254740993, which"},
+        {"a.csv", "n\n0.12345\n", "fixed", "Row 1, column 'n' holds 0.12345, which"},
+        {"a.xml", "<l><r><n>1</n></r><r><n>2.5</n></r></l>", "integer", "Row 2, column 'n' holds 2.5, which"},
+        {"a.xml", "<l><r><n>x</n></r><r><n/></r></l>", "integer", "Row 1, column 'n' holds x, which"},
+        {"a.xml", "<l><r><n>256</n></r><r><n/></r></l>", "enum", "Row 1, column 'n' holds 256, which"},
+        {"a.csv", "n\n9007199254740993\n", "string[20]", ""},
+        {"a.csv", "n\n9007199254740992\n", "real", ""},
+        {"a.csv", "n\n1.5000000\n", "fixed", ""},
+        {"a.xml", "<l><r><n>255</n></r><r><n/></r></l>", "enum", ""},
+        {"a.xml", "<l><r><n>-5</n></r><r><n>NULL</n></r></l>", "integer", ""},
+    };
+    for (const auto& c : cases) {
+        write(c.file, c.text);
+        write("type", std::string("r : record\n\tn : ") + c.type + "\nend record\n");
+        write("b.bin", "as it was");
+        EXPECT_EQ(tarnData(std::string("convert --type=type ") + c.file + " b.bin"), *c.said ? Failed : Well)
+            << c.text << c.type << errors;
+        EXPECT_NE(errors.find(c.said), std::string::npos) << c.text << errors;
+        EXPECT_EQ(read("b.bin") == "as it was", *c.said != '\0') << c.text;
+    }
 }
 
 TEST_F(TarnData, OptionsSayHowTheFileThatIsReadIsLaidOut) {
@@ -205,6 +351,7 @@ TEST_F(TarnData, XmlOfManyShapesGivesRows) {
         {"<l><i>1</i><i>x y</i></l>", "i\n1\nx y\n"},
         {"<r><a>1</a><b>two</b></r>", "a,b\n1,two\n"},
         {"<l><r><a>1</a><b>two</b></r></l>", "a,b\n1,two\n"},
+        {"<l><r><a>1 < 2</a><b>x</b></r><r><a><</a><b>y</b></r></l>", "a,b\n1 < 2,x\n<,y\n"},
         {"<l><r a='1' b='x'/><r a='2' b='y'/></l>", "a,b\n1,x\n2,y\n"},
         {"<d><rows><r><a>1</a><b>x</b></r><r><a>2</a><b/></r></rows></d>", "a,b\n1,x\n2,\n"},
         {"<!DOCTYPE l [<!ENTITY e 'x>'><!-- ' -->]><l><!-- <r> --><r><a>&e;</a><b><![CDATA[<q>]]></b></r>"

@@ -149,6 +149,7 @@ void readText(const std::string& filename, const TabOptions* options, DataFileIn
     info.stopped = found.stopped;
     info.rowsSeen = found.rowsSeen;
     info.columnsSeen = found.columnsSeen;
+    info.rowBehind = found.rowBehind;
 }
 
 void readXbase(const std::string& filename, DataFileInfo& info) {
@@ -271,6 +272,7 @@ DataFileInfo identify(const std::string& filename, const TabOptions* options) {
         TypeInfoStripOuter(info.typeText, MaxTypeInfo);
         info.message = nestedColumn(info.typeText);
         if (info.typeText.empty()) info.message = noInformation;
+        if (info.columnsSeen == 0) info.columnsSeen = TypeInfoCountElements(info.typeText, 0);
     }
     if (info.message.empty())
         info.keys = TypeInfoFieldList(asTable(TypeInfoFixNames(info.typeText, longestName))).keys.names;

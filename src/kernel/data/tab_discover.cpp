@@ -68,6 +68,17 @@ std::size_t cellsLeft(TabCells& cells) {
     return count;
 }
 
+bool isBlankRow(std::string_view row, std::int32_t separator) {
+    TabCells cells(row, separator);
+    while (cells.more()) {
+        const std::string_view cell = cells.next();
+        const bool blank =
+            cells.quoted() ? cell == "\"\"" : cell.find_first_not_of(' ') == std::string_view::npos;
+        if (!blank) return false;
+    }
+    return true;
+}
+
 // What the lines of one column say of its numbers.
 enum class Number { None, Integer, Fixed, Real };
 
@@ -105,6 +116,11 @@ public:
             lines.push_back(lineOf(cells.next(), cells.quoted(), lines.size()));
         seen_ = std::max(seen_, lines.size() + cellsLeft(cells));
         return rows_++ == 0 ? take(lines) : merge(lines);
+    }
+    // Of a row whose types do not matter any more.
+    void countCells(std::string_view row, std::int32_t separator) {
+        TabCells cells(row, separator);
+        seen_ = std::max(seen_, cellsLeft(cells));
     }
 
     // The lines of all columns.
@@ -198,6 +214,23 @@ std::string noStructure(const std::string& filename) {
     return "Cannot find the structure of '" + std::string(fileNameOf(filename)) + "', ";
 }
 
+// Reads the rows up to the first empty line. Where two do not fit each other the rest is only counted. The
+// result is the first row behind that line that is not blank, or 0.
+std::int32_t readRows(TabReader& rows, std::int32_t most, Discovery& discovery) {
+    bool fits = true, ended = false;
+    std::string_view row;
+    for (std::int32_t number = 1; (most < 0 || number <= most) && rows.next(row); ++number) {
+        ended = ended || (fits && row.empty());
+        if (ended && !isBlankRow(row, rows.separator())) return number;
+        if (ended) continue;
+        if (fits)
+            fits = discovery.addRow(row, rows.separator());
+        else
+            discovery.countCells(row, rows.separator());
+    }
+    return 0;
+}
+
 TabStructure discover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize) {
     TabStructure found;
     const std::int32_t separator = options.separatorchar;
@@ -211,10 +244,7 @@ TabStructure discover(const std::string& filename, const TabOptions& options, st
     std::int32_t code = rows.open(filename, options);
     if (code == 0) {
         discovery.readHeader(rows, options.numheaderrows);
-        std::string_view row;
-        while ((options.maxdatarows < 0 || discovery.rows() < options.maxdatarows) && rows.next(row)) {
-            if (row.empty() || !discovery.addRow(row, rows.separator())) break;
-        }
+        found.rowBehind = readRows(rows, options.maxdatarows, discovery);
         code = rows.code();
     }
     if (code != 0) {

@@ -11,6 +11,7 @@
 #include "kernel/values.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,8 +37,9 @@ struct TabStructure {
     std::string message;   // "" or what is wrong
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // columns: also those beyond the 48 that are declared
     bool stopped = false;                        // by progress.h: nothing was found, and there is no message
+    std::int32_t rowBehind = 0;  // 0, or the first one that is not blank behind the empty line that ended it
 };
-// Reads names and types of the columns from the first rows.
+// Reads names and types of the columns from the rows up to the first empty line.
 TabStructure TabDiscover(const std::string& filename, const TabOptions& options, std::int32_t typeTextSize);
 
 // How much there is in a file, whatever its cells hold.
@@ -64,6 +66,10 @@ struct TabResult {
     std::string message{};     // more than its code says; else empty
     std::string rescueCopy{};  // where the new bytes stand if the file may be damaged; else empty
 };
+// Gives every cell of the first 48 columns to `visit`, with the numbers of its row and column, from 1, and
+// its text as a string would take it. `rows` of the result are those that were read.
+using TabVisitor = std::function<void(std::int32_t row, std::int32_t column, std::string_view text)>;
+TabResult TabVisitCells(const std::string& filename, const TabOptions& options, const TabVisitor& visit);
 // Reads a whole file into a string, set, list, record, union or table; the old content goes. Errors of values
 // are told in the result alone; the error cell stays clear.
 TabResult TabLoad(const std::string& filename, const TabOptions& options, void* value, Kind kind);

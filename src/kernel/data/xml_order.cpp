@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The tags of a well-formed file, and nothing else of it: what stands in comments, CDATA sections, processing
-// instructions and the internal subset is passed over. A text has as many characters at most as there are
-// bytes between its tags: references are longer than what they stand for, but for entities of the file's own.
+// instructions and the internal subset is passed over, and so is a '<' that begins none of these. A text has
+// as many characters at most as there are bytes between its tags: references are longer than what they stand
+// for, but for entities of the file's own.
 #include "kernel/data/xml_order.h"
 
 #include "kernel/data/progress.h"
+#include "kernel/data/xml_reader.h"
 #include "os/files.h"
 
 #include <algorithm>
@@ -39,12 +41,18 @@ public:
                 passDeclaration();
                 continue;
             }
-            read(tag);
-            return true;
+            if (beginsTag()) {
+                read(tag);
+                return true;
+            }
+            pass(1);
         }
     }
 
 private:
+    [[nodiscard]] bool beginsTag() const {
+        return rest_.size() > 1 && (rest_[1] == '/' || XmlIsNameStart(rest_[1]));
+    }
     void pass(std::size_t bytes) {
         bytes = std::min(bytes, rest_.size());
         line_ += static_cast<std::size_t>(
@@ -112,11 +120,14 @@ private:
     std::size_t line_ = 1;
 };
 
+constexpr const char* completeRows =
+    "Every row must have the same fields in one order; write an empty one for what is missing.";
+
 // Follows the rows: elements whose attributes, or own children, are the columns.
 class Order {
 public:
-    Order(const std::string& file, const std::vector<std::string>& columns, std::int32_t rowDepth)
-        : file_(file), columns_(columns), rowDepth_(rowDepth) {
+    Order(const std::string& file, const std::vector<std::string>& columns, const XmlRows& rows)
+        : file_(file), columns_(columns), rowDepth_(rows.depth), whole_(rows.form == XmlRows::Form::Rows) {
         result.longest.resize(columns.size());
     }
 
@@ -130,6 +141,7 @@ public:
         }
         if (tag.end && depth_ == rowDepth_ + 1) measure(next_ - 1, element_, tag.from);
         if (tag.end && depth_ == rowDepth_) good = close(tag);
+        if (good && tag.end && depth_ == rowDepth_) noteMissing();
         if (tag.end) --depth_;
         return good;
     }
@@ -149,6 +161,13 @@ private:
         return std::all_of(row_.attributes.begin(), row_.attributes.end(),
                            [&](const std::string& name) { return field(row_, "attribute", name); });
     }
+    // Of the row that was closed.
+    void noteMissing() {
+        const bool value = row_.attributes.size() == 1 && columns_.size() == 1;
+        if (!whole_ || value || next_ >= columns_.size() || !result.missing.empty()) return;
+        result.missing = place(row_) + "the row has no '" + columns_[next_] + "'.";
+        result.advice = completeRows;
+    }
     // A text of a column stands there; an empty element ends before its content begins.
     void measure(std::size_t column, std::size_t from, std::size_t to) {
         if (column >= columns_.size() || to <= from) return;
@@ -163,14 +182,14 @@ private:
     }
     bool field(const Tag& tag, const char* what, std::string_view name) {
         if (next_ < columns_.size() && columns_[next_++] == name) return true;
-        return fault(
-            tag, what, name, "does not stand in the place of its column.",
-            "Every row must have the same fields in one order; write an empty one for what is missing.");
+        return fault(tag, what, name, "does not stand in the place of its column.", completeRows);
+    }
+    [[nodiscard]] std::string place(const Tag& tag) const {
+        return "File '" + file_ + "' line " + std::to_string(tag.line) + ": ";
     }
     bool fault(const Tag& tag, const char* what, std::string_view name, const char* message,
                const char* advice) {
-        result.message = "File '" + file_ + "' line " + std::to_string(tag.line) + ": " + what + " '" +
-                         std::string(name) + "' " + message;
+        result.message = place(tag) + what + " '" + std::string(name) + "' " + message;
         result.advice = advice;
         return false;
     }
@@ -178,6 +197,7 @@ private:
     const std::string& file_;
     const std::vector<std::string>& columns_;
     std::int32_t rowDepth_, depth_ = 0;
+    bool whole_;  // a row has all columns; the only one of a file has those that it has
     std::size_t next_ = 0, element_ = 0;  // element_: where the content of the last one began
     Tag row_;                             // the one that is open
 };
@@ -187,7 +207,7 @@ private:
 XmlOrder XmlCheckOrder(const std::string& filename, const std::vector<std::string>& columns,
                        const XmlRows& rows) {
     std::string text;
-    Order order(filename, columns, rows.depth);
+    Order order(filename, columns, rows);
     const os::FileError error = os::readFile(os::native(filename), text);
     if (error != os::FileError::None) {
         order.result.message = "File '" + filename + "' cannot be read.";

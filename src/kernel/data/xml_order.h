@@ -28,17 +28,18 @@ struct XmlRows {
 XmlRows XmlRowsOf(std::string_view structure);
 
 struct XmlOrder {
-    std::string message;    // "", or which element is out of place
-    std::string advice;     // what can be done about it
+    std::string message;    // "", or which element is out of place; nothing behind it was looked at
+    std::string missing;    // "", or the first row that ends ahead of its columns
+    std::string advice;     // what can be done about either
     std::int32_t rows = 0;  // that are there
     bool stopped = false;   // by progress.h
     // Of each column: no text in it has more characters. Empty when that cannot be told, because the file
     // declares entities of its own.
     std::vector<std::int32_t> longest{};
 };
-// Whether every row has its fields in the order of the columns, from the first on; those behind may be
-// missing. `columns` with names as they are in the file, which must be well-formed. Cost: the file is read
-// into memory.
+// Whether every row has its fields in the order of the columns, and all of them. Where only the last ones are
+// missing, the others are still read into their columns. `columns` with names as they are in the file, which
+// must be well-formed. Cost: the file is read into memory.
 XmlOrder XmlCheckOrder(const std::string& filename, const std::vector<std::string>& columns,
                        const XmlRows& rows);
 

@@ -305,7 +305,8 @@ public:
 
 private:
     void addField(XmlReader& reader, std::string_view parent, std::string_view child, std::string_view text);
-    void addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text);
+    void addElement(XmlReader& reader, std::string_view child, std::int32_t firstLine,
+                    const std::string& text);
 
     std::int32_t children_ = 0;
     bool list_ = false, broken_ = false;     // broken: elements of the list differ

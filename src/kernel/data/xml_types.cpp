@@ -132,12 +132,19 @@ void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_
     if (text_.size() <= most) text_.append(fieldText(child, text));
 }
 
-void XmlTypes::addElement(XmlReader& reader, std::int32_t firstLine, const std::string& text) {
+// One that holds nothing has no text, but its name must be that of the others, too.
+void XmlTypes::addElement(XmlReader& reader, std::string_view child, std::int32_t firstLine,
+                          const std::string& text) {
     constexpr std::size_t mostSeen = 100;
-    if (text.empty() || broken_ || text_.size() > most || seen_.contains(text)) return;
+    if (broken_ || text_.size() > most) return;
     std::string report, merged = text;
-    alignReals(text_, merged);
-    if (!text_.empty()) merged = TypeInfoMerge(text_, merged, INT32_MAX, report);
+    if (child != first_) {
+        report = "The name of an element changed, from '" + first_ + "' to '" + std::string(child) + "'";
+    } else {
+        if (text.empty() || seen_.contains(text)) return;
+        alignReals(text_, merged);
+        if (!text_.empty()) merged = TypeInfoMerge(text_, merged, INT32_MAX, report);
+    }
     broken_ = !report.empty();
     if (broken_) {
         const std::int32_t line = ScannerLineNumber();
@@ -165,7 +172,7 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
         names_.insert(lowerCase(first_));
     }
     if (list_)
-        addElement(reader, firstLine, result.typeText);
+        addElement(reader, child, firstLine, result.typeText);
     else
         addField(reader, parent, child, result.typeText);
 }

@@ -37,9 +37,10 @@ bool isWrittenAsText(Kind kind) {
     return kind <= KindString || kind == KindSet;
 }
 
-// What no attribute can hold.
+// What no attribute can hold: control characters end a string in a tag, and of tabs and line feeds other
+// readers make blanks.
 bool endsStrings(char c) {
-    return (static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n') || c == '\x7F';
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
 }
 
 // ---- the file ----

@@ -147,6 +147,60 @@ TEST_F(TabDiscovery, AFileThatCannotBeReadIsNotSaidToHaveNoData) {
     files_.stopFailing();
 }
 
+TEST_F(TabDiscovery, TheFirstRowBehindAnEmptyLineIsTold) {
+    const struct {
+        const char* text;
+        std::int32_t most, behind;
+    } cases[] = {
+        {"1\n2\n", -1, 0},       {"1\n\n2\n", -1, 3},       {"1\n\n\n \n\"\"\n,\n", -1, 0},
+        {"1\n\n,\n,x\n", -1, 4}, {"1\n\n\" \"\n", -1, 3},   {"1\n\n\"\"\"\"\n", -1, 3},
+        {"1\n\n2\n", 2, 0},      {"1\n\n2\n", 3, 3},        {"\n1\n", -1, 2},
+        {"1\n\n", -1, 0},        {"1\r\n\r\nx\r\n", -1, 3}, {"1\n\n\n2", -1, 4},
+    };
+    for (const auto& c : cases) {
+        columns(c.text, {0, 0, ',', c.most});
+        EXPECT_EQ(found_.rowBehind, c.behind) << c.text;
+        EXPECT_LE(found_.rowsSeen, 2) << c.text;
+    }
+    columns("1\n\n(1 row affected)\n", {0, 1, ',', -1});
+    EXPECT_EQ(found_.rowBehind, 0);
+}
+
+TEST_F(TabDiscovery, ColumnsOfAllRowsAreCountedWhereTheyDoNotFitEachOther) {
+    EXPECT_EQ(columns("True\n1\n\n1,2,3\n").substr(0, 19), "The type of element");
+    EXPECT_EQ(found_.columnsSeen, 3);
+    EXPECT_EQ(columns("1\n2\n" + std::string(59, ',') + "\n"),
+              columns("1\n2\n" + std::string(47, ',') + "\n"));
+    columns("1\n2\n" + std::string(59, ',') + "\n");
+    EXPECT_EQ(found_.columnsSeen, 60);
+}
+
+// ---- cells one by one ----
+
+TEST_F(TabDiscovery, EveryCellIsVisitedAsAStringWouldTakeIt) {
+    std::string seen;
+    const auto visit = [&](std::int32_t row, std::int32_t column, std::string_view text) {
+        seen += std::to_string(row) + ":" + std::to_string(column) + "=" + std::string(text) + ";";
+    };
+    const auto visited = [&](const std::string& text, const TabOptions& options) {
+        seen.clear();
+        files_.put("/d/a.csv", text);
+        const TabResult result = TabVisitCells("/d/a.csv", options, visit);
+        EXPECT_FALSE(result.stopped);
+        return result.code == 0 ? seen + std::to_string(result.rows) : std::to_string(result.code);
+    };
+    EXPECT_EQ(visited("a,b\n 1 ,\"x\"\"\ny\"\n\n2,\n", header), "1:1= 1;1:2=x\"\ny;3:1=2;3:2=;3");
+    EXPECT_EQ(visited("1\n2\n3\n", {0, 1, ',', 1}), "1:1=1;1");
+    EXPECT_EQ(visited("1\n2\n3\n", {0, 1, ',', -1}), "1:1=1;2:1=2;2");
+    EXPECT_EQ(visited(std::string(60, ','), CommaRows).substr(0, 6), "1:1=;1");
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), ';'), MaxTabColumns);
+    EXPECT_EQ(TabVisitCells("/d/none", CommaRows, visit).code, ERR_FILE_READ);
+    UseProgress([](std::int64_t, std::int64_t) { return false; });
+    files_.put("/d/a.csv", std::string(2 * ProgressStep, '\n'));
+    EXPECT_TRUE(TabVisitCells("/d/a.csv", CommaRows, visit).stopped);
+    UseProgress({});
+}
+
 TEST_F(TabDiscovery, SeparatorsThatCannotBeAreTold) {
     for (const std::int32_t code : {0, 10, 34, 256, -2})
         EXPECT_EQ(columns("a,b\n1,2\n", {1, 0, code, -1}),

@@ -22,9 +22,12 @@ protected:
                       const XmlRows& rows = {}) {
         disk.put(file, text);
         const XmlOrder found = XmlCheckOrder(file, columns, rows);
-        EXPECT_EQ(found.message.empty(), found.advice.empty());
+        EXPECT_EQ(found.message.empty() && found.missing.empty(), found.advice.empty());
         const std::string head = "File '/data/file.xml' ";
-        return found.message.empty() ? std::to_string(found.rows) : found.message.substr(head.size());
+        const std::string missing =
+            found.missing.empty() ? std::string() : found.missing.substr(head.size()) + " ";
+        return missing +
+               (found.message.empty() ? std::to_string(found.rows) : found.message.substr(head.size()));
     }
     std::string rowsOf(const std::string& text, std::string_view row, Form form) {
         disk.put(file, text);
@@ -50,8 +53,8 @@ TEST_F(XmlOrderTest, TheStructureTellsWhichElementsAreRows) {
 }
 
 TEST_F(XmlOrderTest, FieldsStandInTheOrderOfTheColumns) {
-    EXPECT_EQ(order("<l><r><a>1</a><b>2</b></r><r><a/></r><r/></l>", {"a", "b"}), "3");
-    EXPECT_EQ(order("<l><r a='1' b='2'/><r type='record' index='1' a='1'/></l>", {"a", "b"}), "2");
+    EXPECT_EQ(order("<l><r><a>1</a><b>2</b></r><r><a/><b/></r></l>", {"a", "b"}), "2");
+    EXPECT_EQ(order("<l><r a='1' b='2'/><r type='record' index='1' a='1' b=''/></l>", {"a", "b"}), "2");
     EXPECT_EQ(order("<l><!-- <x> --><r><?x <y>?><a><![CDATA[<z>]]></a></r></l>", {"a"}), "1");
     EXPECT_EQ(order("<l><r>\n<b>2</b></r></l>", {"a", "b"}),
               "line 2: element 'b' does not stand in the place of its column.");
@@ -63,6 +66,28 @@ TEST_F(XmlOrderTest, FieldsStandInTheOrderOfTheColumns) {
     EXPECT_EQ(order("<r><a/><b/></r>", {"a", "b"}, {Form::Single, 1}), "1");
     EXPECT_EQ(order("<d><l><r><a/></r><r><a/></r></l></d>", {"a"}, {Form::Rows, 3}), "2");
     EXPECT_EQ(XmlCheckOrder("/data/none", {"a"}, {}).message, "File '/data/none' cannot be read.");
+}
+
+TEST_F(XmlOrderTest, TheFirstRowThatLacksItsLastFieldsIsTold) {
+    EXPECT_EQ(order("<l><r><a>1</a></r>\n<r><a>1</a><b>3</b></r></l>", {"a", "b"}),
+              "line 1: the row has no 'b'. 2");
+    EXPECT_EQ(order("<l><r><a>1</a><b>2</b></r>\n<r/><r><a/></r></l>", {"a", "b"}),
+              "line 2: the row has no 'a'. 3");
+    EXPECT_EQ(order("<l><r><a>1</a></r>\n<r/></l>", {"a"}), "line 2: the row has no 'a'. 2");
+    EXPECT_EQ(order("<l><r a='1' b='2'/>\n<r a='1'\n/></l>", {"a", "b"}), "line 2: the row has no 'b'. 2");
+    EXPECT_EQ(order("<l><r><a/></r>\n<r><b/></r><r/></l>", {"a", "b"}),
+              "line 1: the row has no 'b'. line 2: element 'b' does not stand in the place of its column.");
+    EXPECT_EQ(order("<l><r type='record' a='1'/><r type='record' b='2'/></l>", {"a"}), "2");
+    EXPECT_EQ(order("<l><v>1</v><v/></l>", {"v"}, {Form::Values, 2}), "2");
+    EXPECT_EQ(order("<v>1</v>", {"v"}, {Form::Single, 1}), "1");
+}
+
+TEST_F(XmlOrderTest, ALoneLessThanIsText) {
+    EXPECT_EQ(order("<l><r><a>1 < 2</a><b><</b></r><r><a>x <</a><b><3 <= <\t>\" ' <</b></r></l>", {"a", "b"}),
+              "2");
+    EXPECT_EQ(order("<l><r><a>1 <\n2</a>\n<b>3</b><c/></r></l>", {"a", "b"}),
+              "line 3: element 'c' does not stand in the place of its column.");
+    EXPECT_EQ(order("<l><r><_a>1</_a><:b/></r></l>", {"_a", ":b"}), "1");
 }
 
 TEST_F(XmlOrderTest, NoTextIsLongerThanWhatIsTold) {

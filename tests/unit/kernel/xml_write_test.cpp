@@ -173,12 +173,15 @@ TEST_F(XmlWriteTest, FlatRecordsMayBeAttributesOfAnEmptyTag) {
               "<data type=\"union\">\r\n  <Field1 type=\"integer\">0</Field1>\r\n</data>\r\n");
     EXPECT_EQ(written("r : record\n\tm : integer\nend record\n", "<a/>", XmlFieldAttributes, "Type"),
               "<data type=\"record\">\r\n  <Type type=\"integer\">0</Type>\r\n</data>\r\n");
-    // Bytes that end an attribute.
+    // Bytes that end an attribute, and those that others make blanks of.
     EXPECT_EQ(written(pair, "<a><x/><y>a\x01</y></a>", XmlFieldAttributes),
               "<data type=\"record\">\r\n  <Field1 type=\"integer\">0</Field1>\r\n"
               "  <Field2 type=\"string[5]\">a\x01</Field2>\r\n</data>\r\n");
-    EXPECT_EQ(written(pair, "<a><x/><y>a\t\nb</y></a>", XmlFieldAttributes),
-              "<data type=\"record\" Field1=\"0\" Field2=\"a\t\nb\"/>\r\n");
+    for (const std::string text : {"a\tb", "a\nb", "\t", "\n"})
+        EXPECT_EQ(written(pair, "<a><x/><y>" + text + "</y></a>", XmlFieldAttributes),
+                  "<data type=\"record\">\r\n  <Field1 type=\"integer\">0</Field1>\r\n"
+                  "  <Field2 type=\"string[5]\">" +
+                      text + "</Field2>\r\n</data>\r\n");
     const AnyValue element(pair);
     AnyValue array = AnyValue::array(KindRecord, {{1, 1}}, element.get());
     EXPECT_EQ(written(array, XmlFieldAttributes, "n\ns"),

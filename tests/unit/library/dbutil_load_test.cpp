@@ -158,7 +158,6 @@ TEST_F(DataTables, XmlOfManyShapesGivesRows) {
         {"<l><r a='1' b='x'/><r a='2' b='y'/></l>", "a b {1|x}{2|y}"},
         {"<d><l><r><a>1</a><b/></r><r><a>2</a><b>y</b></r></l></d>", "a b {1|}{2|y}"},
         {"<l><r><a>1</a><b/><c>3</c></r><r><a>4</a><b/><c>6</c></r></l>", "a b c {1||3}{4||6}"},
-        {"<l><r><a>1</a><b>2</b></r><r><a>3</a></r></l>", "a b {1|2}{3|0}"},
         {"<l><v>1</v><v>2</v></l>", "v {1}{2}"},
         {"<l><v>one</v><v>2</v><v/></l>", "v {one}{2}{}"},
         {"<l><v x='1'/><v x='2'/></l>", "v {1}{2}"},
@@ -173,6 +172,41 @@ TEST_F(DataTables, XmlOfManyShapesGivesRows) {
         EXPECT_EQ(shown(data), c.expected) << c.text;
         EXPECT_EQ(data.remark, "") << c.text;
     }
+}
+
+TEST_F(DataTables, XmlRowsThatLackTheirLastFieldsAreShownWithARemark) {
+    const DataTable data = load("a.xml", "<l><r><a>1</a><b>2</b></r>\n<r><a>3</a></r><r/></l>");
+    EXPECT_EQ(shown(data), "a b {1|2}{3|0}{0|0}");
+    EXPECT_EQ(data.remark, "File '" + (folder / "a.xml") +
+                               "' line 2: the row has no 'b'.\n"
+                               "Fields that are missing are shown as 0, or empty.");
+}
+
+TEST_F(DataTables, ColumnsThatAreNotShownAreTold) {
+    const std::string told = "Only the first 48 of 60 columns are shown.";
+    const auto row = [](int columns, const char* before, const char* behind) {
+        std::string text;
+        for (int i = 1; i <= columns; ++i) text += before + STR(i) + behind;
+        return text;
+    };
+    DataTable data = load("a.csv", row(60, "c", ",") + "\n" + row(60, "", ",") + "\n", &header);
+    EXPECT_EQ(data.columns, 48);
+    EXPECT_EQ(data.remark, "Only the first 48 of 61 columns are shown.");
+    std::string names;
+    for (int i = 1; i <= 60; ++i) names += "<c" + STR(i) + ">1</c" + STR(i) + ">";
+    data = load("a.xml", "<l><r>" + names + "</r><r>" + names + "</r></l>");
+    EXPECT_EQ(data.columns, 48);
+    EXPECT_EQ(data.remark, told);
+    data = load("a.xml", "<r>" + names + "</r>");
+    EXPECT_EQ(data.remark, told);
+    data = load("a.xml", "<d><l><r>" + names + "</r><r>" + names + "<extra/></r></l></d>");
+    EXPECT_EQ(data.remark,
+              "File '" + (folder / "a.xml") +
+                  "' line 1: the row has no 'extra'.\nFields that are missing are shown as 0, or "
+                  "empty.\nOnly the first 48 of 61 columns are shown.");
+    data = load("a.csv", row(48, "c", ",").substr(0, row(48, "c", ",").size() - 1) + "\n", &header);
+    EXPECT_EQ(data.columns, 48);
+    EXPECT_EQ(data.remark, "");
 }
 
 TEST_F(DataTables, XmlThatWouldBeShownUnderWrongNamesIsNotShown) {

@@ -134,6 +134,16 @@ TEST_F(Files, TheReportOfASaveIsAboutTheLastFileAlone) {
     EXPECT_EQ(SAVEFILEREPORT(), "");
 }
 
+TEST_F(Files, TheReportOfADeviceDoesNotCallItAsItWas) {
+    os::FileSystem* const before = os::useFiles(&os::realFiles());
+    EXPECT_FALSE(SAVEFILE("/dev/full", "text"));
+    EXPECT_NE(takeError(), 0);
+    EXPECT_EQ(SAVEFILEREPORT(), "The file could not be saved:\n\n\t'/dev/full'\n\nThe disk is full.\n"
+                                "It is a device or a pipe, which may have got a part. Look whether a program "
+                                "reads from it.");
+    os::useFiles(before);
+}
+
 TEST_F(Files, DeletingWhatIsNotThereIsNoError) {
     files.put("/a/x", "1");
     FILEDELETE("/a/x");

@@ -5,13 +5,16 @@
 #include "support/tempfolder.h"
 
 #include <chrono>
+#include <csignal>
 #include <fcntl.h>
 #include <functional>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tarn::os {
@@ -263,6 +266,89 @@ TEST_F(FilesTest, aPipeThatNobodyServesHoldsUpNothing) {
     EXPECT_NE(readFile(at("pipe"), bytes), FileError::None);
     EXPECT_NE(infoOf(at("pipe")).special, false);
 }
+
+class PipeTest : public FilesTest {
+protected:
+    void SetUp() override {
+        FilesTest::SetUp();
+        ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    }
+    // A program that reads `bytes` from the pipe, or all of it, in pieces with pauses in between.
+    class Reader {
+    public:
+        Reader(const std::string& path, std::size_t bytes) {
+            handle_ = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+            ::fcntl(handle_, F_SETFL, 0);
+            thread_ = std::thread([this, bytes] { read(bytes); });
+        }
+        ~Reader() { join(); }
+        Reader(const Reader&) = delete;
+        Reader& operator=(const Reader&) = delete;
+        const std::string& join() {
+            if (thread_.joinable()) thread_.join();
+            return got_;
+        }
+
+    private:
+        void read(std::size_t bytes) {
+            std::string piece(50'000, '\0');
+            pollfd some{handle_, POLLIN, 0};
+            ::poll(&some, 1, 10'000);
+            while (got_.size() < bytes) {
+                const ssize_t got = ::read(handle_, piece.data(), piece.size());
+                if (got <= 0) break;
+                got_.append(piece, 0, static_cast<std::size_t>(got));
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
+            ::close(handle_);
+        }
+        int handle_;
+        std::string got_;
+        std::thread thread_;
+    };
+    [[nodiscard]] static std::string manyBytes() {
+        std::string bytes;
+        for (int i = 0; bytes.size() < 2'600'000; ++i) bytes += std::to_string(i) + '\n';
+        return bytes;
+    }
+};
+
+TEST_F(PipeTest, theReaderGetsEveryByteHoweverSlowItIs) {
+    for (const std::string& text : {std::string("few"), std::string(65536, 'x'), manyBytes()}) {
+        Reader reader(at("pipe"), std::string::npos);
+        const SaveResult saved = saveFile(at("pipe"), text);
+        EXPECT_EQ(saved.error, FileError::None);
+        EXPECT_TRUE(saved.inPlace);
+        EXPECT_TRUE(reader.join() == text) << reader.join().size();
+    }
+    EXPECT_TRUE(infoOf(at("pipe")).special);
+    EXPECT_EQ(names(), std::vector<std::string>{"pipe"});
+}
+
+TEST_F(PipeTest, aPipeThatNobodyReadsIsAnError) {
+    EXPECT_EQ(saveFile(at("pipe"), "text").error, FileError::NoReader);
+    EXPECT_EQ(describe(FileError::NoReader), "No program reads from the pipe.");
+    EXPECT_EQ(saveFile(at("pipe"), "").error, FileError::NoReader);
+}
+
+TEST_F(PipeTest, aReaderThatGoesIsAnErrorAndNotTheEndOfTheProgram) {
+    Reader reader(at("pipe"), 100'000);
+    EXPECT_EQ(saveFile(at("pipe"), manyBytes()).error, FileError::NoReader);
+    sigset_t signals;
+    ::sigpending(&signals);
+    EXPECT_EQ(sigismember(&signals, SIGPIPE), 0);
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &signals);
+    EXPECT_EQ(sigismember(&signals, SIGPIPE), 0);
+}
+
+#ifdef TARNWICK_TINY
+// Where patience is short.
+TEST_F(PipeTest, aReaderThatTakesNothingIsNotWaitedForForever) {
+    const int reader = ::open(at("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_EQ(saveFile(at("pipe"), manyBytes()).error, FileError::WriteFailed);
+    ::close(reader);
+}
+#endif
 
 TEST_F(FilesTest, aDeviceIsWrittenAndNotReplaced) {
     EXPECT_TRUE(saveFile("/dev/null", "text").ok());
