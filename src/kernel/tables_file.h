@@ -78,6 +78,10 @@ struct RebuiltTable {
     std::vector<DuplicateKey> duplicates;  // the first of them, index after index; none was dropped
 };
 
+// Whether a table that is held in a file and not open misses rows that were kept while deletions moved them
+// (tables_file_kept.h). No file is changed, and no error set; false for a file that cannot be looked at.
+bool MissesKeptRows(TableDescriptor& t, std::string_view fileName);
+
 // Mends the file of a list that is held in a file and not open, after a death of a process or machine: writes
 // a row that was noted, cuts off what is not a whole row, and sets the count right. An existing file only
 // (653); 658 for an Xbase file of other fields, 619 for more rows than the capacity, 655 for more than a list

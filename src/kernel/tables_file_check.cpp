@@ -6,7 +6,9 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/errors.h"
 #include "kernel/owned.h"
+#include "kernel/rowfile.h"
 #include "kernel/rowformat.h"
+#include "kernel/tables_file.h"
 #include "kernel/tables_file_index.h"
 #include "kernel/tables_file_kept.h"
 
@@ -61,6 +63,18 @@ bool HasAllKeptRows(const TableDescriptor& t) {
         EachKeptRow(t, isThere);
     errors.forget();
     return all;
+}
+
+bool MissesKeptRows(TableDescriptor& t, std::string_view fileName) {
+    OwnErrors errors;
+    ListDescriptor& rows = HeaderOf(t).rows;
+    bool created = false, misses = false;
+    if (os::infoOf(std::string(fileName)).exists && OpenRows(rows, fileName, {}, created)) {
+        misses = WithMemory([&] { return !HasAllKeptRows(t); });
+        DropRows(rows);
+    }
+    errors.forget();
+    return misses;
 }
 
 std::string CheckIndexFiles(const TableDescriptor& t) {

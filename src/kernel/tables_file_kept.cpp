@@ -45,7 +45,7 @@ void addEntry(std::string& entries, char what, std::string_view row) {
 }
 
 std::string pathBeside(const TableDescriptor& t) {
-    return MarkedIndexName(IndexFileName(RowFileName(HeaderOf(t).rows), 1), "~d");
+    return KeptRowsFileName(RowFileName(HeaderOf(t).rows));
 }
 
 // An open file that is closed at the end.
@@ -142,6 +142,10 @@ bool syncRows(const TableDescriptor& t) {
 }
 
 }  // namespace
+
+std::string KeptRowsFileName(std::string_view tableFile) {
+    return MarkedIndexName(IndexFileName(tableFile, 1), "~d");
+}
 
 bool HasKeptRows(const TableDescriptor& t) {
     if (IndexesOf(HeaderOf(t)) == 0) return false;

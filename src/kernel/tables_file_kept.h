@@ -25,6 +25,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -51,6 +53,8 @@ private:
     bool kept_ = true;
 };
 
+// The name of the file beside.
+std::string KeptRowsFileName(std::string_view tableFile);
 bool HasKeptRows(const TableDescriptor& t);
 // Syncs the rows, if some are kept, and ends the keeping. 651, 652, 653, 654.
 bool EndKeptRows(const TableDescriptor& t);

@@ -3,7 +3,10 @@
 // What is wrong with a file: a line for each fault. Nothing is opened as a table here, as that may write.
 #include "toolchain/tarn_data_check.h"
 #include "kernel/data/typeinfo.h"
+#include "kernel/runtime.h"
 #include "kernel/tables.h"
+#include "kernel/tables_file.h"
+#include "kernel/tables_file_kept.h"
 #include "toolchain/tarn_data.h"
 
 #include <algorithm>
@@ -174,6 +177,21 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
     return good && rows.error() == os::FileError::None;
 }
 
+// Rows that deletions have moved are kept beside until the table is closed.
+void checkKept(const std::string& file, const RowType& type, const std::vector<IndexBeside>& indexes,
+               Findings& findings) {
+    const std::string kept = KeptRowsFileName(file);
+    std::vector<std::int32_t> maps;
+    for (const IndexBeside& index : indexes) maps.push_back(index.keyMap);
+    if (!os::infoOf(os::native(kept)).exists || std::count(maps.begin(), maps.end(), 0) > 0) return;
+    TableValue table;
+    if (makeFileTable(type, maps, table) && MissesKeptRows(*table.get(), os::native(file)))
+        findings.fault(file, "A row that a deletion has moved is missing; a rebuild brings it back.");
+    else
+        findings.note(kept, "It keeps rows that deletions have moved, until the table is closed.");
+    ClearError();
+}
+
 int checkTable(const std::string& file, const Arguments& arguments) {
     RowType type;
     TableFacts facts;
@@ -200,6 +218,7 @@ int checkTable(const std::string& file, const Arguments& arguments) {
         },
         findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
+    checkKept(file, type, indexes, findings);
     const auto count = static_cast<std::int64_t>(indexes.size());
     return findings.print(file, counted(facts.rows(), "row") +
                                     (count == 0   ? ""

@@ -2,6 +2,7 @@
 #include "toolchain/tarn_data_patient.h"
 
 #include "kernel/tables.h"
+#include "kernel/tables_file_kept.h"
 #include "toolchain/tarn_data_check.h"
 #include "toolchain/tarn_data_xbase.h"
 
@@ -13,37 +14,47 @@ namespace {
 
 // ---- rows ----
 
-// 0, or the first of these rows that has bytes which its fields cannot be, and that field from 1.
+// A row with bytes that its fields cannot be, and the first such field from 1.
 struct BadRow {
     std::int64_t row = 0;
     std::int32_t field = 0;
 };
-Problem findBadRow(const Patient& patient, std::int64_t first, std::int64_t count, BadRow& bad) {
+// The first `most` of these rows.
+Problem findBadRows(const Patient& patient, std::int64_t first, std::int64_t count, std::size_t most,
+                    std::vector<BadRow>& bad) {
     FileRows rows;
     RowBytes bytes(patient.type);
     Steps steps(count * patient.rowBytes);
     std::string_view row;
-    bad = {};
+    bad.clear();
     if (!rows.open(patient.file)) return unreadable(patient.name, rows.error());
     rows.goTo(first, static_cast<std::size_t>(patient.rowBytes), count);
-    for (std::int64_t number = 1; rows.next(row); ++number) {
+    for (std::int64_t number = 1; bad.size() < most && rows.next(row); ++number) {
         if (!steps.step(patient.rowBytes)) return stoppedProblem();
         const bool noted = first == patient.headerBytes && number == patient.replacing;
-        bad = {number, bytes.badField(noted ? std::string_view(patient.note.row) : row)};
-        if (bad.field != 0) return {};
+        const std::int32_t field = bytes.badField(noted ? std::string_view(patient.note.row) : row);
+        if (field != 0) bad.push_back({number, field});
     }
-    bad = {};
     return rows.error() == os::FileError::None ? Problem() : unreadable(patient.name, rows.error());
 }
 
-Problem checkRows(const Patient& patient) {
-    BadRow bad;
+// Where rows were kept while deletions moved them, a death of the machine may have left a few that never
+// came to the disk.
+Problem checkRows(Patient& patient) {
+    constexpr std::size_t mostTorn = 8;
+    constexpr std::int64_t share = 4;
+    std::vector<BadRow> bad;
     const std::int64_t last = patient.counted < 0 ? patient.whole : std::min(patient.whole, patient.counted);
-    Problem problem = findBadRow(patient, patient.headerBytes, last, bad);
-    if (problem.any() || bad.row == 0) return problem;
+    const bool kept = os::infoOf(os::native(KeptRowsFileName(patient.file))).exists;
+    Problem problem = findBadRows(patient, patient.headerBytes, last, kept ? mostTorn + 1 : 1, bad);
+    if (problem.any() || bad.empty()) return problem;
+    if (kept && bad.size() <= mostTorn && static_cast<std::int64_t>(bad.size()) * share <= last) {
+        for (const BadRow& row : bad) patient.torn.push_back(row.row);
+        return {};
+    }
     return {
-        fileWord(patient.name) + "row " + std::to_string(bad.row) + ": its bytes are no value of field '" +
-            fieldNames(patient.type.columns)[static_cast<std::size_t>(bad.field) - 1] + "'.",
+        fileWord(patient.name) + "row " + std::to_string(bad[0].row) + ": its bytes are no value of field '" +
+            fieldNames(patient.type.columns)[static_cast<std::size_t>(bad[0].field) - 1] + "'.",
         "Nothing was changed. Look whether the declaration is that of the rows; a row that is damaged must "
         "be set right by the program that writes it."};
 }
@@ -108,9 +119,9 @@ Problem fitsOtherCapacity(const Patient& patient, bool& fits) {
         fits = count <= rows;
         rows = count;
     }
-    BadRow bad;
-    Problem problem = fits ? findBadRow(patient, first, rows, bad) : Problem();
-    fits = fits && bad.row == 0;
+    std::vector<BadRow> bad;
+    Problem problem = fits ? findBadRows(patient, first, rows, 1, bad) : Problem();
+    fits = fits && bad.empty();
     return problem;
 }
 

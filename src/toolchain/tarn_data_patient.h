@@ -21,6 +21,7 @@ struct Patient {
     RowNote note;                // what stands behind, when a row was being written over
     std::int32_t replacing = 0;  // which, when the note is whole
     std::int64_t takenIn = 0;    // whole rows of an Xbase file behind those that its header counts
+    std::vector<std::int64_t> torn;  // rows that cannot be read, and will be dropped
     std::vector<std::vector<std::string>> keys;
     std::vector<std::int32_t> maps;
     std::size_t indexesBefore = 0;

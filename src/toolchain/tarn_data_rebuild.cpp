@@ -7,6 +7,7 @@
 #include "kernel/errors.h"
 #include "kernel/runtime.h"
 #include "kernel/tables_file.h"
+#include "kernel/tables_file_kept.h"
 #include "toolchain/tarn_data_patient.h"
 
 #include <algorithm>
@@ -30,11 +31,27 @@ std::string tornName(const std::string& file, int number) {
            name.substr(0, std::min(name.size(), longest - suffix.size())) + suffix;
 }
 
-// What is about to be cut off, unless it is a row that was noted and will be written.
-Problem keepTail(const Patient& patient, std::string& kept, std::string& shown) {
+// The rows that will be dropped, then what will be cut off, unless that is a row that was noted and will be
+// written.
+bool readLost(const Patient& patient, FileRows& rows, std::string& bytes) {
+    const auto add = [&](std::int64_t at, std::int64_t count) {
+        std::string more;
+        const bool good = rows.read(at, static_cast<std::size_t>(count), more);
+        bytes += more;
+        return good;
+    };
+    if (!rows.open(patient.file)) return false;
+    for (const std::int64_t row : patient.torn)
+        if (!add(patient.headerBytes + (row - 1) * patient.rowBytes, patient.rowBytes)) return false;
+    return patient.behind <= 0 || patient.replacing != 0 ||
+           add(patient.size - patient.behind, patient.behind);
+}
+
+Problem keepLost(const Patient& patient, std::string& kept, std::string& shown) {
     FileRows rows;
     std::string bytes;
-    if (patient.behind <= 0 || patient.replacing != 0) return {};
+    if (!readLost(patient, rows, bytes)) return unreadable(patient.name, rows.error());
+    if (bytes.empty()) return {};
     int number = 1;
     const auto isThere = [&](const std::string& file) {
         return os::infoOf(os::native(tornName(file, number))).exists;
@@ -42,13 +59,10 @@ Problem keepTail(const Patient& patient, std::string& kept, std::string& shown) 
     while (isThere(patient.file) || isThere(patient.name)) ++number;
     kept = tornName(patient.file, number);
     shown = tornName(patient.name, number);
-    const auto count = static_cast<std::size_t>(patient.behind);
-    if (!rows.open(patient.file) || !rows.read(patient.size - patient.behind, count, bytes))
-        return unreadable(patient.name, rows.error());
     const os::SaveResult saved = os::saveFile(os::native(kept), bytes);
     if (saved.ok()) return {};
     return {"File '" + kept + "' cannot be written: " + std::string(os::describe(saved.error)),
-            "The bytes behind the last whole row are to be kept there. Nothing was changed."};
+            "What is not a whole row is to be kept there. Nothing was changed."};
 }
 
 std::string keyOf(const Patient& patient, std::int32_t index) {
@@ -75,7 +89,9 @@ std::string report(const Patient& patient, const RebuiltTable& result, const std
     if (result.rowDropped != 0)
         line("the last row, " + std::to_string(result.rowDropped) + ", was row " +
              std::to_string(result.sameAs) + " again: dropped.");
-    if (result.rowsTorn != 0) line(counted(result.rowsTorn, "row") + " that could not be read dropped.");
+    if (result.rowsTorn != 0)
+        line(counted(result.rowsTorn, "row") + " that could not be read dropped" +
+             (shown.empty() ? "." : "; what was there stands in '" + shown + "'."));
     if (result.rowsRestored != 0)
         line(counted(result.rowsRestored, "row") +
              " that deletions had moved, and that were lost, brought back.");
@@ -149,10 +165,11 @@ Problem mend(const Patient& patient, RebuiltTable& result) {
 int rebuildFile(const Patient& patient) {
     RebuiltTable result;
     std::string kept, shown;
-    Problem problem = keepTail(patient, kept, shown);
+    Problem problem = keepLost(patient, kept, shown);
     if (problem.any()) return tell(problem);
     problem = mend(patient, result);
-    if (result.mended.bytesCut == 0 && !kept.empty()) {  // they still stand where they were
+    if (result.mended.bytesCut == 0 && result.rowsTorn == 0 &&
+        !kept.empty()) {  // they still stand where they were
         os::files().remove(os::native(kept));
         shown.clear();
     }
@@ -177,6 +194,7 @@ int rehearse(const Arguments& arguments, bool xbase) {
     patient.name = arguments.files[0];
     WorkFolder folder;
     folder.take(patient.name);
+    folder.take(KeptRowsFileName(patient.name));
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
         folder.take(IndexFileName(patient.name, n));
         folder.take(asideName(IndexFileName(patient.name, n)));

@@ -140,5 +140,53 @@ TEST_F(ToolAfterDeaths, CheckTellsWhichRowWasBeingReplacedAndRebuildFinishesIt) 
     EXPECT_GT(told, 0);
 }
 
+// A row moves to a place that the disk never gets.
+TEST_F(ToolAfterDeaths, ARowThatADeletionMovedIsMissedAndBroughtBack) {
+    start(layouts[0], 8);
+    close();
+    ASSERT_EQ(open(layout_->file), 0);
+    ASSERT_EQ(deleting(2).run(), 0);
+    run(data::check, arguments());
+    EXPECT_NE(said().find("note: /d/a.~d1: It keeps rows that deletions have moved"), std::string::npos)
+        << said();
+    abandon();
+    const std::string torn(rowBytes, '\xFE');
+    std::string rows = bytes("a.tab");
+    ASSERT_EQ(rows.size(), 7 * torn.size());
+    files().put(layout_->file, rows.replace(torn.size(), torn.size(), torn));
+    EXPECT_EQ(look(), "error 656");
+    EXPECT_EQ(run(data::check, arguments()), Failed);
+    EXPECT_NE(said().find("A row that a deletion has moved is missing"), std::string::npos) << said();
+    EXPECT_EQ(rebuildFiles(), Well) << said();
+    EXPECT_NE(said().find("1 row that could not be read dropped; what was there stands in '/d/a.tab.torn'."),
+              std::string::npos)
+        << said();
+    EXPECT_NE(said().find("1 row that deletions had moved, and that were lost, brought back."),
+              std::string::npos)
+        << said();
+    EXPECT_EQ(bytes("a.tab.torn"), torn);
+    EXPECT_EQ(run(data::check, arguments()), Well) << said();
+    table = closedTable(layout_->maps, layout_->maxlength);
+    ASSERT_EQ(open(layout_->file), 0);
+    EXPECT_EQ(TableCount(t()), 7);
+    expectWhole();
+}
+
+// By a declaration that is not that of the rows all of them would go.
+TEST_F(ToolAfterDeaths, ManyRowsThatCannotBeReadAreNotDropped) {
+    start(layouts[0], 8);
+    close();
+    ASSERT_EQ(open(layout_->file), 0);
+    ASSERT_EQ(deleting(2).run(), 0);
+    abandon();
+    std::string rows = bytes("a.tab");
+    for (std::size_t at = 4; at < rows.size() / 2; at += rowBytes) rows.replace(at, 4, 4, '\xFE');
+    files().put(layout_->file, rows);
+    EXPECT_EQ(rebuildFiles(), Failed);
+    EXPECT_NE(said().find("row 1: its bytes are no value of field 'name'"), std::string::npos) << said();
+    EXPECT_EQ(bytes("a.tab"), rows);
+    EXPECT_EQ(names(), (std::vector<std::string>{"a.i1", "a.tab", "a.~d1", "t.type"}));
+}
+
 }  // namespace
 }  // namespace tarn::data
