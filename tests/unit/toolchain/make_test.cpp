@@ -7,9 +7,11 @@
 #include "toolchain/make.h"
 #include "toolchain/tools.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarn::toolchain {
 namespace {
@@ -68,7 +70,14 @@ TEST_F(Make, QueriesNameTheFilesOfTheProgramUsedClassesFirst) {
 TEST_F(Make, APipeThatIsNamedForTheAnswerIsNotReplaced) {
     const std::string pipe = dir + "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(ordo({"/fa", dir + "main.cls", "-n", "-o" + pipe}), 2) << "nobody reads it";
+    const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
     EXPECT_EQ(ordo({"/fa", dir + "main.cls", "-n", "-o" + pipe}), 0) << output;
+    char answer[1000] = {};
+    EXPECT_GT(::read(reader, answer, sizeof answer - 1), 0);
+    EXPECT_NE(std::string(answer).find("main.cls"), std::string::npos) << answer;
+    ::close(reader);
     EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 
