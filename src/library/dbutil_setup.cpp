@@ -121,7 +121,8 @@ void showPreview(const Object& window, const DataTable& data) {
     SetCaption(count, countText(TableCount(data.table.get()), data.columns));
     FILLLISTBOX(FINDCONTROL(window, "iconlist1"), false, 1, "", data.table.get());
     if (!data.remark.empty())
-        complain(window, "Not all of the file could be read as it stands.\n" + data.remark);
+        MsgBox(GetCaption(window), "Not all of the file could be read as it stands.\n" + data.remark, "OK",
+               BoxIcon::Warning);
 }
 
 }  // namespace

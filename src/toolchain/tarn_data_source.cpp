@@ -134,6 +134,21 @@ Problem identifyXml(const Arguments& arguments, Source& source) {
     return {order.missing.empty() ? order.message : order.missing, order.advice};
 }
 
+// A cell without quotes ends at such a byte, and what stands behind it is not read.
+void noteZeroBytes(const std::string& file) {
+    constexpr std::size_t blockBytes = std::size_t{1} << 20;
+    FileRows bytes;
+    std::string block;
+    if (!bytes.open(file)) return;
+    Steps steps(bytes.size());
+    for (std::int64_t at = 0; bytes.read(at, blockBytes, block) && !block.empty();) {
+        if (block.find('\0') != std::string::npos)
+            return note(fileWord(file) + "holds zero bytes. A cell without quotes ends at one.");
+        at += static_cast<std::int64_t>(block.size());
+        if (!steps.step(static_cast<std::int64_t>(block.size()))) return;
+    }
+}
+
 Problem identifyOther(const Arguments& arguments, Source& source) {
     const DataFormat byName = DataFormatOf(source.file);
     source.options = layoutOf(source.file, arguments.from);
@@ -149,6 +164,7 @@ Problem identifyOther(const Arguments& arguments, Source& source) {
         return problemOfInfo(source.file, info.message);
     const Problem tooMany = checkColumns(source, info);
     if (tooMany.any()) return tooMany;
+    if (isDelimitedForm(info.format)) noteZeroBytes(source.file);
     if (conflict) return identifyTexts(source, info);
     source.format = info.format;
     source.columns = info.typeText;

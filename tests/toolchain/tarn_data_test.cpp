@@ -214,6 +214,19 @@ TEST_F(TarnData, InfoTellsOfRowsBehindAnEmptyLine) {
     }
 }
 
+TEST_F(TarnData, ZeroBytesOfDelimitedTextAreNoted) {
+    write("z.csv", std::string_view("a,b\n1,x\0y\n2,\"p\0q\"\n", 18));
+    const std::string told =
+        "tarn-data: note: File 'z.csv' holds zero bytes. A cell without quotes ends at one.\n";
+    EXPECT_EQ(tarnData("info z.csv"), Well);
+    EXPECT_EQ(errors, told);
+    EXPECT_EQ(tarnData("convert z.csv z.dbf --replace"), Well);
+    EXPECT_EQ(errors, told);
+    write("z.csv", "a,b\n1,x\n");
+    EXPECT_EQ(tarnData("info z.csv"), Well);
+    EXPECT_EQ(errors, "");
+}
+
 // ---- numbers ----
 
 const char* const longNumbers[] = {
