@@ -73,7 +73,7 @@ TEST_F(FilledTables, ARebuildingGivesWholeIndexes) {
         EXPECT_EQ(find("FIRST", 2, {text("")}), 1);
         EXPECT_EQ(names(), (std::vector<std::string>{"a.i1", "a.i2", "a.tab"}));
         EXPECT_EQ(add(row(count + 1, "new")), 0);
-        EXPECT_EQ(remove(2, {text("7", 8)}), 0);
+        EXPECT_EQ(remove(2, {text("3", 8)}), 0);
         expectWhole();
     }
 }
