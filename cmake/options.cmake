@@ -23,6 +23,6 @@ if(TARNWICK_SANITIZE)
 endif()
 if(TARNWICK_FUZZ)
   target_compile_options(tarn_options INTERFACE
-    -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tarn_options INTERFACE -fsanitize=address,undefined)
 endif()

@@ -41,9 +41,9 @@ bool copyString(const void* source, void* target) {
         SetError(ERR_STRING_TYPE);
         return false;
     }
-    const std::int32_t room = to->maxlength == UNBOUNDED ? from.length : to->maxlength;
+    const std::int32_t length = from.length, room = to->maxlength == UNBOUNDED ? length : to->maxlength;
     StringAssign(to, &from);
-    return to->length == std::min<std::int32_t>(from.length, room);
+    return to->length == std::min(length, room);
 }
 
 void freeString(void* value) {

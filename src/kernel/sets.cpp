@@ -208,7 +208,9 @@ std::string checkSet(const void* value) {
     if (!IsSetRange(s.lower, s.upper)) return "set: bounds that cannot be";
     if (s.size != SetBytes(s.lower, s.upper)) return "set: size is not that of its bounds";
     if (s.data == 0) return "set: size without data";
-    for (const std::int32_t word : s.unused) {
+    decltype(s.unused) unused;  // a copy, since the set may stand at any address
+    std::memcpy(unused, &s.unused, sizeof unused);
+    for (const std::int32_t word : unused) {
         if (word != NO_DIMENSION) return "set: more than one dimension";
     }
     if (s.reserved != 0) return "set: reserved word in use";

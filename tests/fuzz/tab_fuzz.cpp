@@ -7,6 +7,7 @@
 #include "kernel/data/typeinfo.h"
 #include "kernel/runtime.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -54,8 +55,9 @@ void load(Kind kind, const std::string& declaration, const TabOptions& options, 
 void discover(const TabOptions& options) {
     const TabStructure found = TabDiscover(file, options, MaxTypeInfo);
     require(found.typeText.empty() == !found.message.empty());
-    require(found.columnsSeen <= MaxTabColumns);
     if (found.typeText.empty()) return;
+    const auto lines = std::count(found.typeText.begin(), found.typeText.end(), '\n');
+    require(lines - 2 == std::min(found.columnsSeen, MaxTabColumns));
     std::string list = found.typeText;
     TypeInfoChangeIndent(1, list, MaxTypeInfo);
     if (list.ends_with("end record\n")) load(KindList, "x : list\n" + list + "end list\n", options, false);
