@@ -24,6 +24,13 @@ std::int32_t FileWriteCode(os::FileError error) {
     }
 }
 
+std::int32_t ReadWhole(os::Handle handle, std::int64_t offset, char* into, std::size_t count) {
+    std::size_t got = 0;
+    const os::FileError error = os::readUpTo(handle, offset, into, count, got);
+    if (error != os::FileError::None) return FileReadCode(error);
+    return got == count ? 0 : std::int32_t{ERR_FILE_READ};
+}
+
 bool IsFileFailure(std::int32_t code) {
     return code >= ERR_FILE_READ && code <= ERR_FILE_NAME;
 }

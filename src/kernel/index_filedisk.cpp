@@ -133,23 +133,10 @@ std::int32_t IndexDisk::close() {
 
 // ---- reading ----
 
-std::int32_t IndexDisk::readWhole(std::int64_t offset, char* into, std::size_t count) {
-    while (count != 0) {
-        std::size_t got = 0;
-        const os::FileError error = os::files().read(handle_, offset, into, count, got);
-        if (error != os::FileError::None) return FileReadCode(error);
-        if (got == 0) return ERR_FILE_READ;
-        offset += static_cast<std::int64_t>(got);
-        into += got;
-        count -= got;
-    }
-    return 0;
-}
-
 std::int32_t IndexDisk::read(std::int64_t offset, char* into, std::int32_t count) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
     if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
-    return readWhole(offset, into, static_cast<std::size_t>(count));
+    return ReadWhole(handle_, offset, into, static_cast<std::size_t>(count));
 }
 
 // Reads these bytes, and those around them when that looks worth while: they are near the ones before, or
@@ -166,7 +153,7 @@ std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
     ofUse_ = false;
     bufferAt_ = start;
     peekedAt_ = offset;
-    const std::int32_t code = readWhole(start, buffer_, static_cast<std::size_t>(end - start));
+    const std::int32_t code = ReadWhole(handle_, start, buffer_, static_cast<std::size_t>(end - start));
     if (code == 0) inBuffer_ = static_cast<std::int32_t>(end - start);
     return code;
 }
@@ -202,7 +189,7 @@ std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::st
     } catch (const std::bad_alloc&) {
         return ERR_OUT_OF_MEMORY;
     }
-    return readWhole(offset, bytes.data(), bytes.size());
+    return ReadWhole(handle_, offset, bytes.data(), bytes.size());
 }
 
 std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {

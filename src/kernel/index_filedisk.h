@@ -75,7 +75,6 @@ private:
 
     std::int32_t adopt();
     std::int32_t fill(std::int64_t offset, std::int32_t count);
-    std::int32_t readWhole(std::int64_t offset, char* into, std::size_t count);
     std::int32_t bytesAt(std::int64_t offset, std::int64_t count, std::string& bytes);
     std::int32_t note(std::int64_t offset, std::string_view before);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/index_filesort.h"
 
+#include "kernel/fileerrors.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -149,12 +151,7 @@ bool KeySort::advance(std::size_t number) {
         const auto whole = static_cast<std::int64_t>(blockBytes_ / recordBytes_ * recordBytes_);
         run.block.resize(static_cast<std::size_t>(std::min(run.end - run.at, whole)));
         run.used = 0;
-        for (std::size_t done = 0, got = 0; done < run.block.size(); done += got) {
-            const std::int64_t at = run.at + static_cast<std::int64_t>(done);
-            const os::FileError error =
-                os::files().read(scratch_.handle, at, run.block.data() + done, run.block.size() - done, got);
-            if (error != os::FileError::None || got == 0) return false;
-        }
+        if (ReadWhole(scratch_.handle, run.at, run.block.data(), run.block.size()) != 0) return false;
         run.at += static_cast<std::int64_t>(run.block.size());
     }
     if (run.block.empty()) return true;

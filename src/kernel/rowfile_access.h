@@ -72,7 +72,6 @@ public:
 private:
     bool readXbaseHeader();
     os::FileError readCount(std::int64_t& count) const;
-    os::FileError readAll(std::int64_t offset, char* into, std::size_t count, std::size_t& got) const;
 
     os::Handle handle_ = -1;
     os::OpenMode mode_ = os::OpenMode::Read;

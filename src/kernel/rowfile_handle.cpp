@@ -57,7 +57,7 @@ bool RowFile::open(const ListDescriptor& l, os::OpenMode mode) {
 bool RowFile::readXbaseHeader() {
     char bytes[XbaseRows::MostHeaderBytes];
     std::size_t got = 0;
-    const os::FileError error = readAll(0, bytes, sizeof bytes, got);
+    const os::FileError error = os::readUpTo(handle_, 0, bytes, sizeof bytes, got);
     if (error != os::FileError::None) return RefuseRead(error);
     if (xbase_ == nullptr) xbase_ = std::make_unique<XbaseRows>();
     if (!xbase_->read({bytes, got})) return false;
@@ -75,24 +75,12 @@ os::FileError RowFile::close() {
 
 // ---- bytes ----
 
-os::FileError RowFile::readAll(std::int64_t offset, char* into, std::size_t count, std::size_t& got) const {
-    got = 0;
-    while (got < count) {
-        std::size_t step = 0;
-        const std::int64_t at = offset + static_cast<std::int64_t>(got);
-        const os::FileError error = os::files().read(handle_, at, into + got, count - got, step);
-        if (error != os::FileError::None || step == 0) return error;
-        got += step;
-    }
-    return os::FileError::None;
-}
-
 bool RowFile::read(std::int32_t position, std::int32_t rows, std::string& bytes) {
     const std::size_t before = bytes.size();
     const std::size_t count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(rowBytes_);
     bytes.resize(before + count);
     std::size_t got = 0;
-    const os::FileError error = readAll(offsetOf(position), bytes.data() + before, count, got);
+    const os::FileError error = os::readUpTo(handle_, offsetOf(position), bytes.data() + before, count, got);
     if (error != os::FileError::None) return RefuseRead(error);
     return got == count || RefuseList(ERR_FILE_READ);
 }
@@ -100,7 +88,7 @@ bool RowFile::read(std::int32_t position, std::int32_t rows, std::string& bytes)
 bool RowFile::readHeader(std::string& bytes) {
     bytes.assign(static_cast<std::size_t>(headerBytes_), '\0');
     std::size_t got = 0;
-    const os::FileError error = readAll(0, bytes.data(), bytes.size(), got);
+    const os::FileError error = os::readUpTo(handle_, 0, bytes.data(), bytes.size(), got);
     if (error != os::FileError::None) return RefuseRead(error);
     if (got != bytes.size()) return RefuseList(ERR_FILE_READ);
     if (!StoresCount(format_)) return true;
@@ -138,7 +126,7 @@ os::FileError RowFile::sync() {
 os::FileError RowFile::readCount(std::int64_t& count) const {
     StoredCount stored = EncodeCount(format_, 0);
     std::size_t got = 0;
-    const os::FileError error = readAll(stored.offset, stored.bytes, sizeof stored.bytes, got);
+    const os::FileError error = os::readUpTo(handle_, stored.offset, stored.bytes, sizeof stored.bytes, got);
     count = got == sizeof stored.bytes ? DecodeCount(format_, stored.bytes) : -1;
     return error;
 }
@@ -147,7 +135,7 @@ os::FileError RowFile::readEndMark(std::int64_t size, bool& there) const {
     constexpr char endMark = 26;
     char last = 0;
     std::size_t got = 0;
-    const os::FileError error = readAll(size - 1, &last, 1, got);
+    const os::FileError error = os::readUpTo(handle_, size - 1, &last, 1, got);
     there = got == 1 && last == endMark;
     return error;
 }

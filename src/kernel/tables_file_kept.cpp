@@ -63,15 +63,6 @@ struct OpenFile {
     FileError close() { return handle < 0 ? FileError::None : os::files().close(std::exchange(handle, -1)); }
 };
 
-FileError readAll(os::Handle handle, std::int64_t offset, char* into, std::size_t count, std::size_t& done) {
-    FileError error = FileError::None;
-    std::size_t got = 1;
-    for (done = 0; done < count && got != 0 && error == FileError::None; done += got)
-        error = os::files().read(handle, offset + static_cast<std::int64_t>(done), into + done, count - done,
-                                 got);
-    return error;
-}
-
 // ---- the file beside ----
 
 class KeptFile {
@@ -115,7 +106,7 @@ bool KeptFile::open(std::int32_t rowBytes) {
     std::size_t got = 0;
     if (!done(os::files().open(path_, os::OpenMode::ReadWrite, 0, file_.handle)) ||
         !done(os::files().size(file_.handle, size_)) ||
-        !done(readAll(file_.handle, 0, header, sizeof header, got)) || got != sizeof header)
+        !done(os::readUpTo(file_.handle, 0, header, sizeof header, got)) || got != sizeof header)
         return false;
     covered_ = WordAt(header + coveredAt);
     size_ -= (size_ - headerBytes) % (rowBytes + 1 + std::int64_t{checkBytes});  // without a torn entry

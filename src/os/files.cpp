@@ -55,6 +55,16 @@ FileError readAll(Handle handle, std::int64_t expected, std::string& bytes) {
 
 }  // namespace
 
+FileError readUpTo(Handle handle, std::int64_t offset, char* into, std::size_t count, std::size_t& got) {
+    FileError error = FileError::None;
+    std::size_t step = 1;
+    for (got = 0; got < count && step != 0 && error == FileError::None; got += step) {
+        step = 0;
+        error = files().read(handle, offset + static_cast<std::int64_t>(got), into + got, count - got, step);
+    }
+    return error;
+}
+
 std::string_view describe(FileError error) {
     for (const Description& one : descriptions) {
         if (one.error == error) return one.text;

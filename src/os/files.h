@@ -109,6 +109,8 @@ FileInfo infoOf(const std::string& path);  // exists = false on any failure
 // The size in bytes, -1 if there is no such file (or it is a folder).
 std::int64_t sizeOf(const std::string& path);
 
+// Up to `count` bytes from `offset` on: `got` of them, fewer only where the file ends.
+FileError readUpTo(Handle handle, std::int64_t offset, char* into, std::size_t count, std::size_t& got);
 // The whole of a file. On failure `bytes` is empty. Cost: linear; one allocation.
 FileError readFile(const std::string& path, std::string& bytes);
 

@@ -6,10 +6,12 @@
 #pragma once
 
 #include "kernel/fixed.h"
+#include "kernel/values.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace tarn {
 
@@ -44,6 +46,22 @@ inline double RealOfShort(const ShortNumber& number) {
     const auto scale = static_cast<double>(PowersOfTen[static_cast<std::size_t>(number.decimals)]);
     const double value = static_cast<double>(number.digits) / scale;
     return number.negative ? -value : value;
+}
+
+// A field whose text was read the quick way, or else goes to the readers of numbers. False for no number.
+inline bool FixedFieldFrom(bool quick, const ShortNumber& number, std::string_view text, char* at) {
+    Fixed value = 0;
+    bool ok = quick && FixedOfShort(number, value);
+    if (!ok) FixedFromText(text, value, ok);
+    if (ok) WriteAt(at, value);
+    return ok;
+}
+inline bool RealFieldFrom(bool quick, const ShortNumber& number, std::string_view text, char* at) {
+    double value = quick ? RealOfShort(number) : 0;
+    bool ok = quick;
+    if (!ok) RealFromText(text, value, ok);
+    if (ok) WriteAt(at, value);
+    return ok;
 }
 
 }  // namespace tarn

@@ -85,16 +85,7 @@ std::int32_t TabFile::read(std::int64_t offset, char* into, std::size_t count) {
         std::memcpy(into, held_.data() + offset, count);
         return 0;
     }
-    while (count > 0) {
-        std::size_t got = 0;
-        const os::FileError error = os::files().read(handle_, offset, into, count, got);
-        if (error != os::FileError::None) return FileReadCode(error);
-        if (got == 0) return ERR_FILE_READ;
-        offset += static_cast<std::int64_t>(got);
-        into += got;
-        count -= got;
-    }
-    return 0;
+    return ReadWhole(handle_, offset, into, count);
 }
 
 // ---- blocks ----

@@ -69,23 +69,12 @@ bool readInteger(std::string_view text, std::int64_t lowest, std::int64_t highes
 
 bool readFixed(std::string_view text, char* at) {
     ShortNumber number;
-    Fixed value = 0;
-    bool ok = readShort(text, number) && FixedOfShort(number, value);
-    if (!ok) FixedFromText(text, value, ok);
-    if (ok) WriteAt(at, value);
-    return ok;
+    return FixedFieldFrom(readShort(text, number), number, text, at);
 }
 
 bool readReal(std::string_view text, char* at) {
     ShortNumber number;
-    double value = 0;
-    bool ok = readShort(text, number);
-    if (ok)
-        value = RealOfShort(number);
-    else
-        RealFromText(text, value, ok);
-    if (ok) WriteAt(at, value);
-    return ok;
+    return RealFieldFrom(readShort(text, number), number, text, at);
 }
 
 bool readNumber(std::string_view text, char* at, Kind kind) {
