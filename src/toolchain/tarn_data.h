@@ -19,6 +19,7 @@
 #pragma once
 
 #include "kernel/data/datafile.h"
+#include "kernel/runtime.h"
 #include "toolchain/tarn_data_names.h"
 #include "toolchain/tarn_data_rows.h"
 #include "toolchain/tarn_data_rowtype.h"
@@ -138,5 +139,20 @@ Problem copyXbase(const Source& source, const Target& target);
 // The columns of a source, by name, against those of the table file that they shall fill.
 Problem fitColumns(const Source& source, std::string_view columns, const RowType& type);
 Problem saveTable(const Target& target, Rows& rows);
+
+// Lets `fitting` look at each row: its `row` gives what does not fit, and `changed` tells whether it changed
+// the row, which is then kept.
+template <class Fitting>
+Problem fitEachRow(Fitting& fitting, Rows& rows, Problem problem) {
+    rows.beginBatch();
+    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
+        RecordDescriptor* const row = rows.at(i);
+        if (row != nullptr) problem = fitting.row(row, i);
+        if (fitting.changed() && !problem.any() && ErrorCell() == 0) rows.keep();
+        if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
+    }
+    ClearError();
+    return problem;
+}
 
 }  // namespace tarn::data

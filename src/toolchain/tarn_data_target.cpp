@@ -247,14 +247,7 @@ Problem fitRows(const Target& target, bool replace, std::string& columns, Rows& 
     Fitting fitting(target, replace, columns);
     Problem problem;
     for (std::int32_t n = 1; n <= fields && !problem.any(); ++n) problem = fitting.column(shape, n);
-    rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
-        RecordDescriptor* const row = rows.at(i);
-        if (row != nullptr) problem = fitting.row(row, i);
-        if (fitting.changed() && !problem.any() && ErrorCell() == 0) rows.keep();
-        if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
-    }
-    ClearError();
+    problem = fitEachRow(fitting, rows, problem);
     return problem;
 }
 

@@ -177,14 +177,7 @@ Problem fitXbase(bool replace, std::string& columns, Rows& rows) {
     const RecordDescriptor* const shape = rows.shape();
     for (std::int32_t n = 1; n <= FieldCountOf(shape->kinds) && !problem.any(); ++n)
         problem = fitting.column(n, FieldKindAt(shape->kinds, n));
-    rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
-        RecordDescriptor* const row = rows.at(i);
-        if (row != nullptr) problem = fitting.row(row, i);
-        if (fitting.changed() && !problem.any() && ErrorCell() == 0) rows.keep();
-        if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
-    }
-    ClearError();
+    problem = fitEachRow(fitting, rows, problem);
     columns = fitting.sized(columns);
     return problem;
 }
