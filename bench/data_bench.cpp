@@ -2,8 +2,8 @@
 // Data files, each kind beside what else reads and writes it: the files, the timing and the entry.
 #include "data_bench.h"
 
-#include "kernel/data/typeinfo.h"
-#include "kernel/lists.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/lists/lists.h"
 
 #include <algorithm>
 #include <array>

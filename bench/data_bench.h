@@ -7,11 +7,11 @@
 // disturb it least; only what waits for the disk, or for another program, is timed otherwise.
 #pragma once
 
-#include "kernel/owned.h"
-#include "kernel/records.h"
-#include "kernel/strings.h"
-#include "kernel/tables.h"
-#include "kernel/values.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/owned.h"
+#include "kernel/values/records.h"
+#include "kernel/values/strings.h"
+#include "kernel/values/values.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdint>

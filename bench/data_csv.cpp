@@ -2,10 +2,10 @@
 // Delimited text beside the import of sqlite3, and beside a loop that only splits.
 #include "data_bench.h"
 
-#include "kernel/data/tabular.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/filevalues.h"
-#include "kernel/lists.h"
+#include "kernel/data/tab/tabular.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/lists/lists.h"
+#include "kernel/tables/filevalues.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,10 +16,10 @@ using namespace tarn;
 
 namespace {
 
-constexpr TabOptions commaRows{1, 0, ',', -1};
+constexpr DataOptions commaRows{1, 0, ',', -1};
 constexpr std::int32_t manyRows = 1000000;
 
-bool loaded(const TabResult& result, std::int32_t rows) {
+bool loaded(const DataResult& result, std::int32_t rows) {
     return result.code == 0 && result.rows == rows;
 }
 
@@ -38,7 +38,7 @@ void csvListKernel(benchmark::State& state) {
 // The declaration is what is found in the first rows.
 void csvDiscoverKernel(benchmark::State& state) {
     const std::string path = ordersCsv();
-    const TabOptions firstRows{1, 0, ',', 100};
+    const DataOptions firstRows{1, 0, ',', 100};
     ListValue list;
     const auto load = [&] {
         initList(list.get(), TabDiscover(path, firstRows, MaxTypeInfo).typeText);

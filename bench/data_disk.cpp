@@ -5,10 +5,10 @@
 // integers, of which the first ones are keys, all unique.
 #include "data_bench.h"
 
-#include "kernel/filevalues.h"
-#include "kernel/index_file.h"
-#include "kernel/runtime.h"
-#include "kernel/tables_file.h"
+#include "kernel/index/index_file.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/filevalues.h"
+#include "kernel/tables/tables_file.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,7 @@
 // The scanner on text that looks like source, beside a lexer of flex with the same symbols.
 #include "data_bench.h"
 
-#include "kernel/data/scanner.h"
+#include "kernel/data/scanner/scanner.h"
 
 #ifdef BENCH_FLEX
 #include "scanner_peer.h"

@@ -2,8 +2,8 @@
 // Xbase files beside shapelib: 6 fields into values of the program's own types and back.
 #include "data_bench.h"
 
-#include "kernel/data/xbase.h"
-#include "kernel/lists.h"
+#include "kernel/data/xbase/xbase.h"
+#include "kernel/lists/lists.h"
 
 #include <shapefil.h>
 
@@ -88,7 +88,7 @@ void xbaseReadKernel(benchmark::State& state) {
     initList(list.get(), declaration);
     std::string message;
     const auto load = [&] {
-        const TabResult result = XbaseLoad(path, list.get(), KindList, message);
+        const DataResult result = XbaseLoad(path, list.get(), KindList, message);
         return result.code == 0 && result.rows == OrderRows;
     };
     repeat(state, load, [&] { ListClear(list.get()); });
@@ -108,7 +108,7 @@ void xbaseWriteKernel(benchmark::State& state) {
     XbaseLoad(ordersXbase(), list.get(), KindList, message);
     const std::string path = pathOf("saved.dbf");
     const auto save = [&] {
-        const TabResult result = XbaseSave(path, list.get(), KindList, fields);
+        const DataResult result = XbaseSave(path, list.get(), KindList, fields);
         return result.code == 0 && result.rows == OrderRows;
     };
     repeat(state, save);

@@ -2,9 +2,9 @@
 // XML beside the events of expat, which builds nothing, and the tree of pugixml, which converts nothing.
 #include "data_bench.h"
 
-#include "kernel/data/typeinfo.h"
-#include "kernel/data/xml.h"
-#include "kernel/lists.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/xml/xml.h"
+#include "kernel/lists/lists.h"
 
 #include <cstdio>
 #include <expat.h>

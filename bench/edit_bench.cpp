@@ -3,8 +3,8 @@
 // edit_bench RCX: the Code window with 4,000,000 bytes: opening, and key to paint at its end; the peer is
 // QPlainTextEdit with the same text. Prints Google Benchmark's form of medians, so that report.py reads all
 // alike.
-#include "kernel/windowing.h"
-#include "library/symbols.h"
+#include "kernel/windows/windowing.h"
+#include "library/source/symbols.h"
 #include "platform/model/model.h"
 
 #include <QAbstractScrollArea>

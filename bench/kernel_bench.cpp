@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Stamps, frames and strings of the kernel; the string peer is std::string.
-#include "kernel/runtime.h"
-#include "kernel/strings.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/strings.h"
 
 #include <benchmark/benchmark.h>
 

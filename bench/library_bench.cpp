@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // One value of a settings file with the whole file read again; the peer is GLib's key file.
-#include "library/profstr.h"
+#include "library/settings/profstr.h"
 
 #include <benchmark/benchmark.h>
 #include <glib.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loading a window of 180 objects from the compiled resources on the object model alone, and the look-ups
 // that every command does.
-#include "platform/resource.h"
+#include "platform/resources/resource.h"
 #include "platform/windowing.h"
 
 #include "os/files.h"

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // The values of the language beside what a C++ program would use for them.
-#include "kernel/adt.h"
-#include "kernel/dates.h"
-#include "kernel/fixed.h"
-#include "kernel/lists.h"
-#include "kernel/records.h"
-#include "kernel/sets.h"
-#include "kernel/strings.h"
-#include "kernel/tables.h"
+#include "kernel/lists/lists.h"
+#include "kernel/tables/tables.h"
+#include "kernel/text/dates.h"
+#include "kernel/text/fixed.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/records.h"
+#include "kernel/values/sets.h"
+#include "kernel/values/strings.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/container/set.hpp>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ide/ide.h"
-#include "kernel/runtime.h"
+#include "ide/shell/ide.h"
+#include "kernel/run/runtime.h"
 #include "os/process.h"
 
 #include <cstdio>

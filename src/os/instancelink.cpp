@@ -16,7 +16,7 @@
 // five seconds, is too long, has another form, or when others come and it is the oldest of too many.
 #include "os/instance.h"
 
-#include "os/runtimefiles.h"
+#include "os/runtimefiles_internal.h"
 
 #include <algorithm>
 #include <cerrno>

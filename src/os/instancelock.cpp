@@ -7,7 +7,7 @@
 #include "os/clock.h"
 #include "os/paths.h"
 #include "os/process.h"
-#include "os/runtimefiles.h"
+#include "os/runtimefiles_internal.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 //
 // All windowing operations, under the names that the modules know them by. They work on the object model
 // (model/model.h), with or without a screen. They return codes and texts and know no error cell; modules call
-// the wrappers of kernel/windowing.h, which set it.
+// the wrappers of kernel/windows/windowing.h, which set it.
 //
 // Captions, texts, rows and values are bytes. Positions in texts and rows are 1-based; lengths count bytes.
 // An operation on a control that does not exist or is not loaded gives 702 or 727 and an empty value. One on

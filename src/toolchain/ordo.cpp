@@ -7,8 +7,8 @@
 #include "os/instance.h"
 #include "os/process.h"
 #include "platform/model/view.h"
-#include "toolchain/classes.h"
-#include "toolchain/make.h"
+#include "toolchain/build/make.h"
+#include "toolchain/language/classes.h"
 
 #include <cstdio>
 

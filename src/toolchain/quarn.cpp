@@ -4,8 +4,8 @@
 // it was told to be quiet, to standard output. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
 #include "os/process.h"
-#include "toolchain/compile.h"
-#include "toolchain/tools.h"
+#include "toolchain/build/compile.h"
+#include "toolchain/build/tools.h"
 
 #include <cstdio>
 

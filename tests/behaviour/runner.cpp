@@ -7,11 +7,12 @@
 // `profile` folder replaces what is linked. Exit status 0: as expected; 77: skipped; 1: not, with what was on
 // screen.
 #include "behaviour/hands.h"
-#include "ide/ide.h"
-#include "kernel/runtime.h"
+#include "ide/shell/ide.h"
+#include "kernel/run/runtime.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/view.h"
+#include "support/places.h"
 #include "support/user_script.h"
 
 #include <cstdio>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loose dates: any bytes give a canonical date, which reads as itself, or nothing.
-#include "kernel/dates.h"
-#include "library/timeutil.h"
+#include "kernel/text/dates.h"
+#include "library/time/timeutil.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -3,14 +3,14 @@
 // checked. The first byte chooses the fields of the key; the second how many whole records follow the header,
 // or 255 for the bytes as they are; the next four are the key that is looked for. The header's first word is
 // set, so that most inputs get beyond it.
-#include "kernel/adt.h"
-#include "kernel/arrays.h"
-#include "kernel/index_file.h"
-#include "kernel/indexes.h"
-#include "kernel/records.h"
-#include "kernel/runtime.h"
+#include "kernel/index/index_file.h"
+#include "kernel/index/indexes.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/arrays.h"
+#include "kernel/values/records.h"
 
-#include "kernel/strings.h"
+#include "kernel/values/strings.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The compiler's messages and class text: any bytes give results, never a crash or an endless walk.
-#include "library/dbutil.h"
-#include "library/symbols.h"
+#include "library/data/dbutil.h"
+#include "library/source/symbols.h"
 
 #include <cstdint>
 #include <string>

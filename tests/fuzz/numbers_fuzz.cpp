@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Texts of numbers and Base64: any bytes give a value whose text reads as the same value, or leave the target
 // as it was. No reader sets an error.
-#include "kernel/ascii.h"
-#include "kernel/fixed.h"
-#include "kernel/numbers.h"
-#include "kernel/runtime.h"
+#include "kernel/run/runtime.h"
+#include "kernel/text/fixed.h"
+#include "kernel/text/numbers.h"
+#include "os/text/ascii.h"
 
 #include <bit>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Settings text and word splitting: any bytes give values, never a crash.
-#include "library/profstr.h"
-#include "library/system.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -19,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string sections = tarn::PROFILESTRSECTIONS(file);
     const std::string section = tarn::STRLINE(sections, 1);
     tarn::PROFILESTRPUT(file, section.empty() ? "Main" : section, "Key", "value");
-    if (tarn::PROFILESTRGET(file, section.empty() ? "Main" : section, "Key") != "value" && section.size() < 200)
+    if (tarn::PROFILESTRGET(file, section.empty() ? "Main" : section, "Key") != "value" &&
+        section.size() < 200)
         std::abort();
     tarn::PROFILESTRKEYS(file, section);
     tarn::PROFILESTRGET(file, section, "");

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Any bytes as a class: parser and checker end, with messages or without; what is free of messages becomes C, and a
-// symbol file of whole lines.
-#include "toolchain/checker.h"
-#include "toolchain/classes.h"
-#include "toolchain/generator.h"
-#include "toolchain/parser.h"
-#include "toolchain/symfile.h"
+// Any bytes as a class: parser and checker end, with messages or without; what is free of messages becomes C,
+// and a symbol file of whole lines.
+#include "toolchain/language/checker.h"
+#include "toolchain/language/classes.h"
+#include "toolchain/language/parser.h"
+#include "toolchain/output/generator.h"
+#include "toolchain/output/symfile.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -16,7 +16,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tarn::toolchain;
     Messages messages;
-    const auto tree = parseClass(std::string_view(reinterpret_cast<const char*>(data), size), "fuzz.cls", messages);
+    const auto tree =
+        parseClass(std::string_view(reinterpret_cast<const char*>(data), size), "fuzz.cls", messages);
     if (!tree->name.empty()) checkClass(*tree, messages);
     const std::string report = messages.report("fuzz.cls");
     if (messages.empty() != (report.find(": 0 errors.") != std::string::npos)) std::abort();

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Resource text and compiled resources: any bytes are told as a fault or are read, and what was read and is
 // written unchanged changes no byte.
-#include "platform/rctext.h"
-#include "platform/rcx.h"
-#include "platform/resource.h"
+#include "platform/resources/rctext.h"
+#include "platform/resources/rcx.h"
+#include "platform/resources/resource.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -3,7 +3,7 @@
 //
 // An input is the lines of a table ("key", or "key", a tab and a terminator; the ids are 0 to 5 in turn), a
 // form feed, and the file. A first line "i" ignores case.
-#include "kernel/data/scanner.h"
+#include "kernel/data/scanner/scanner.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,10 +2,10 @@
 // Delimited text: any file has columns or a message, the columns that were found can be loaded, and every
 // value is whole after it was loaded, and after it was saved and loaded once more. The first byte chooses the
 // separator, the header rows, the footer rows and a limit of rows.
-#include "kernel/adt.h"
 #include "kernel/data/datafile.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/runtime.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -31,12 +31,12 @@ bool write(const std::string& bytes) {
     return std::fclose(out) == 0;
 }
 
-TabOptions optionsOf(std::uint8_t choice) {
+DataOptions optionsOf(std::uint8_t choice) {
     constexpr std::int32_t separators[] = {',', '\t', ';', 1, ' ', '\r', '-', '['};
     return {choice >> 3 & 3, choice >> 5 & 3, separators[choice & 7], choice >= 128 ? 3 : -1};
 }
 
-void load(Kind kind, const std::string& declaration, const TabOptions& options, bool again) {
+void load(Kind kind, const std::string& declaration, const DataOptions& options, bool again) {
     alignas(8) char value[sizeof(ArrayDescriptor)] = {};
     std::size_t position = 0;
     require(TypeInfoToValue(declaration, position, value) == kind);
@@ -52,7 +52,7 @@ void load(Kind kind, const std::string& declaration, const TabOptions& options, 
     AdtFree(value, kind);
 }
 
-void discover(const TabOptions& options) {
+void discover(const DataOptions& options) {
     const TabStructure found = TabDiscover(file, options, MaxTypeInfo);
     require(found.typeText.empty() == !found.message.empty());
     if (found.typeText.empty()) return;
@@ -67,7 +67,7 @@ void discover(const TabOptions& options) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0 || !write(std::string(reinterpret_cast<const char*>(data) + 1, size - 1))) return 0;
-    const TabOptions options = optionsOf(data[0]);
+    const DataOptions options = optionsOf(data[0]);
     discover(options);
     load(KindList,
          "x : list\n\tr : record\n\t\ta : integer\n\t\tb : string[8]\n\t\tc : set[1:20]\n\t\td : real\n"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Type information text: any two texts merge, build values that are whole, or nothing, and leak nothing. The
 // two are parted by a line that holds a "%" alone.
-#include "kernel/adt.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/runtime.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
 
 #include <algorithm>
 #include <cstdint>

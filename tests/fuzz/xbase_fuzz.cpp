@@ -2,11 +2,11 @@
 // Xbase files: any bytes are a message or a header, every header that is read has a declaration or a message,
 // a record of that declaration fits the file and its rows come back byte for byte, and values of other shapes
 // are whole after they were loaded.
-#include "kernel/adt.h"
 #include "kernel/data/datafile.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/data/xbase.h"
-#include "kernel/runtime.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/xbase/xbase.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -104,7 +104,7 @@ void checkWhole(const std::string& declaration) {
 void loadOther(const std::string& declaration) {
     Value value(declaration);
     std::string message;
-    const TabResult result = XbaseLoad(file, value.get(), value.kind(), message);
+    const DataResult result = XbaseLoad(file, value.get(), value.kind(), message);
     require(message.empty() == (result.code != 661));
     require(ErrorCell() == 0);
 }

@@ -3,10 +3,10 @@
 // read again as the same value.
 //
 // An input is a declaration of type information text, a form feed, and the file.
-#include "kernel/adt.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/data/xml.h"
-#include "kernel/runtime.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/xml/xml.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -4,16 +4,17 @@
 // screen.
 #pragma once
 
-#include "ide/ide.h"
-#include "ide/idecore.h"
-#include "ide/textedit.h"
-#include "ide/windows.h"
-#include "library/profstr.h"
-#include "library/system.h"
+#include "ide/editor/textedit.h"
+#include "ide/shell/ide.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "support/places.h"
 
 #include <gtest/gtest.h>
 

@@ -6,6 +6,7 @@
 
 #include "os/files.h"
 #include "os/process.h"
+#include "support/places.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>

@@ -5,7 +5,7 @@
 // model the same way.
 #pragma once
 
-#include "kernel/values.h"
+#include "kernel/values/values.h"
 
 #include <array>
 #include <cstdint>

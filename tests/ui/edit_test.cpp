@@ -2,6 +2,7 @@
 //
 // The edit window by itself: its library, without a model behind it.
 #include "platform/qt/editarea.h"
+#include "support/places.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 // Icon lists with columns as grids of real widgets.
 #include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/resource.h"
+#include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
 

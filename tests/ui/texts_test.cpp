@@ -4,7 +4,7 @@
 // what a screen reader is told.
 #include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/resource.h"
+#include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
 

@@ -5,7 +5,7 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
-#include "platform/resource.h"
+#include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
 

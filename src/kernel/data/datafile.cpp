@@ -5,16 +5,16 @@
 #include "kernel/data/datafile.h"
 
 #include "kernel/data/datafile_binary.h"
-#include "kernel/data/tab_rows.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/data/xbase.h"
-#include "kernel/data/xml.h"
-#include "kernel/errors.h"
-#include "kernel/index_file.h"
-#include "kernel/rowformat.h"
-#include "kernel/string_text.h"
-#include "kernel/strings.h"
-#include "kernel/table_access.h"
+#include "kernel/data/tab/tab_rows.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/xbase/xbase.h"
+#include "kernel/data/xml/xml.h"
+#include "kernel/index/index_file.h"
+#include "kernel/lists/rowformat.h"
+#include "kernel/run/errors.h"
+#include "kernel/tables/table_access.h"
+#include "kernel/values/string_text.h"
+#include "kernel/values/strings.h"
 
 #include <algorithm>
 #include <new>
@@ -32,14 +32,7 @@ constexpr const char* noInformation = "Data File information cannot be obtained"
 bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
 
-std::string_view fileNameOf(std::string_view path) {
-    const std::size_t slash = path.find_last_of("/\\");
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
-}
 std::string fileWord(const std::string& filename) {
     return "File '" + filename + "' ";
 }
@@ -132,8 +125,8 @@ void readXml(const std::string& filename, DataFileInfo& info) {
     TypeInfoChangeIndent(-1, info.typeText, MaxTypeInfo);
 }
 
-void readText(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
-    TabOptions firstLine;
+void readText(const std::string& filename, const DataOptions* options, DataFileInfo& info) {
+    DataOptions firstLine;
     firstLine.numheaderrows = 0;
     firstLine.separatorchar = NoTabSeparator;
     TabReader reader;
@@ -141,7 +134,7 @@ void readText(const std::string& filename, const TabOptions* options, DataFileIn
     const bool comma = reader.open(filename, firstLine) == 0 && reader.next(line) &&
                        line.find(',') != std::string_view::npos;
     info.format = comma ? FormatComma : FormatTab;
-    info.options = options != nullptr ? *options : DefaultTabOptions(info.format);
+    info.options = options != nullptr ? *options : DefaultDataOptions(info.format);
     if (options == nullptr) info.options.maxdatarows = rowsWithoutOptions;
     TabStructure found = TabDiscover(filename, info.options, MaxTypeInfo);
     info.typeText = std::move(found.typeText);
@@ -180,7 +173,7 @@ void readTableFile(const std::string& filename, DataFileInfo& info) {
     if (!info.typeText.empty() && info.typeText.back() != '\n') info.typeText += '\n';
 }
 
-void readFile(const std::string& filename, const TabOptions* options, DataFileInfo& info) {
+void readFile(const std::string& filename, const DataOptions* options, DataFileInfo& info) {
     std::string start;
     const os::FileError error = readStart(filename, start);
     const std::string_view head = std::string_view(start).substr(0, headBytes);
@@ -207,47 +200,13 @@ void readFile(const std::string& filename, const TabOptions* options, DataFileIn
 
 // ---- the columns ----
 
-// The line of a block that closes it, when that is the last one; otherwise 0.
-std::int32_t closingLine(std::string_view text) {
-    const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
-    const std::int32_t indent = TypeInfoIndent(text, 1);
-    for (std::int32_t n = 2; n <= lines; ++n) {
-        const TypeInfoElement element = TypeInfoParseLine(text, n);
-        if (element.indent <= indent) return n == lines && element.isEnd() ? n : 0;
-    }
-    return 0;
-}
-
-bool isWord(std::string_view text, std::string_view word) {
-    return std::equal(text.begin(), text.end(), word.begin(), word.end(),
-                      [](char a, char b) { return lower(a) == b; });
-}
-bool isListOrTable(std::string_view typeName) {
-    return isWord(typeName, "list") || isWord(typeName, "table");
-}
-bool isRecord(std::string_view typeName) {
-    return isWord(typeName, "record");
-}
-bool isUnion(std::string_view typeName) {
-    return isWord(typeName, "union");
-}
-
-void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view)) {
-    const std::int32_t last = opens(TypeInfoParseLine(text, 1).typeName) ? closingLine(text) : 0;
-    if (last == 0 || !opens(TypeInfoParseLine(text, last).typeName)) return;
-    TypeInfoDeleteLine(text, last);
-    TypeInfoDeleteLine(text, 1);
-    TypeInfoChangeIndent(-1, text, size);
-}
-
 std::string nestedColumn(std::string_view text) {
     const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
     for (std::int32_t n = 1, column = 0; n <= lines; ++n) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
         if (element.indent != 0 || TypeInfoIsClosing(text, n)) continue;
         ++column;
-        const std::string& type = element.typeName;
-        if (!isRecord(type) && !isUnion(type) && !isListOrTable(type)) continue;
+        if (!TypeInfoIsNested(element)) continue;
         return "Column number " + std::to_string(column) + " \"" + element.name +
                "\" contains a nested record - columns cannot contain nested data";
     }
@@ -260,7 +219,7 @@ std::string asTable(std::string_view columns) {
     return "T : table\n\tT : record\n" + text + "\tend record\nend table\n";
 }
 
-DataFileInfo identify(const std::string& filename, const TabOptions* options) {
+DataFileInfo identify(const std::string& filename, const DataOptions* options) {
     DataFileInfo info;
     readFile(filename, options, info);
     if (info.stopped) {
@@ -283,24 +242,7 @@ DataFileInfo identify(const std::string& filename, const TabOptions* options) {
 
 }  // namespace
 
-DataFormat DataFormatOf(std::string_view filename) {
-    constexpr struct {
-        std::string_view extension;
-        DataFormat format;
-    } formats[] = {{".txt", FormatText},  {".csv", FormatComma}, {".tab", FormatTab}, {".bin", FormatBinary},
-                   {".dbf", FormatXbase}, {".xbf", FormatXbase}, {".xml", FormatXml}};
-    const std::string_view file = fileNameOf(filename);
-    const std::size_t dot = file.rfind('.');
-    if (dot == std::string_view::npos) return FormatUnknown;
-    std::string extension(file.substr(dot));
-    std::transform(extension.begin(), extension.end(), extension.begin(), lower);
-    for (const auto& row : formats) {
-        if (row.extension == extension) return row.format;
-    }
-    return FormatUnknown;
-}
-
-DataFileInfo GetDataFileInfo(const std::string& filename, const TabOptions* options) {
+DataFileInfo GetDataFileInfo(const std::string& filename, const DataOptions* options) {
     const CellApart cell;
     try {
         return identify(filename, options);
@@ -319,19 +261,12 @@ void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* o
         if (!IsWellFormed(s) || KindOf(s) != KindString) return;
     }
     const bool given = options != nullptr && options->data != 0;
-    const TabOptions read = TabOptionsOf(options, FormatComma);
+    const DataOptions read = DataOptionsOf(options, FormatComma);
     const DataFileInfo info =
         GetDataFileInfo(std::string(NarrowText(filename).view()), given ? &read : nullptr);
     StringAssignView(optionsOut, info.keys);
     StringAssignView(typeText, info.typeText);
     StringAssignView(message, info.stopped ? noInformation : info.message);
-}
-
-void TypeInfoStripOuter(std::string& text, std::int32_t size) {
-    stripPair(text, size, isListOrTable);
-    stripPair(text, size, isRecord);
-    const auto most = static_cast<std::size_t>(std::max(size, 1)) - 1;
-    if (text.size() > most) text.resize(most);
 }
 
 // ---- whole values ----
@@ -364,9 +299,9 @@ bool ruinsItsRows(const std::string& filename, DataFormat format, const void* va
     return file.exists && own.exists && file.device == own.device && file.inode == own.inode;
 }
 
-TabResult fromXml(const XmlResult& xml, std::string& message) {
+DataResult fromXml(const XmlResult& xml, std::string& message) {
     message = xml.error.message;
-    TabResult result;
+    DataResult result;
     result.code = xml.error.code;
     result.line = xml.error.line;
     result.rows = xml.count;
@@ -377,12 +312,12 @@ TabResult fromXml(const XmlResult& xml, std::string& message) {
 
 }  // namespace
 
-TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
-                    Kind kind, std::string& message) {
+DataResult LoadValue(const std::string& filename, DataFormat format, const DataOptions& options, void* value,
+                     Kind kind, std::string& message) {
     message.clear();
-    TabOptions lines = options;
+    DataOptions lines = options;
     switch (format) {
-    case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
+    case FormatText: lines = DefaultDataOptions(FormatText); [[fallthrough]];
     case FormatComma:
     case FormatTab: return TabLoad(filename, lines, value, kind);
     case FormatBinary: return BinaryLoad(filename, value, kind);
@@ -392,18 +327,18 @@ TabResult LoadValue(const std::string& filename, DataFormat format, const TabOpt
     }
 }
 
-TabResult LoadRows(const std::string& filename, DataFormat format, const TabOptions& options,
-                   XmlRows::Form form, TableDescriptor* table, std::string& message) {
+DataResult LoadRows(const std::string& filename, DataFormat format, const DataOptions& options,
+                    XmlRows::Form form, TableDescriptor* table, std::string& message) {
     if (format == FormatXml) return fromXml(XmlLoadRows(filename, form, table), message);
     return LoadValue(filename, format, options, table, KindTable, message);
 }
 
-TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
-                    std::int32_t flags, const void* value, Kind kind, std::string_view names) {
-    TabOptions lines = options;
+DataResult SaveValue(const std::string& filename, DataFormat format, const DataOptions& options,
+                     std::int32_t flags, const void* value, Kind kind, std::string_view names) {
+    DataOptions lines = options;
     if (ruinsItsRows(filename, format, value, kind)) return {ERR_FILE_WRITE};
     switch (format) {
-    case FormatText: lines = DefaultTabOptions(FormatText); [[fallthrough]];
+    case FormatText: lines = DefaultDataOptions(FormatText); [[fallthrough]];
     case FormatComma:
     case FormatTab: return TabSave(filename, lines, value, kind, names);
     case FormatBinary: return BinarySave(filename, value, kind);
@@ -411,7 +346,7 @@ TabResult SaveValue(const std::string& filename, DataFormat format, const TabOpt
     case FormatXml: {
         const XmlResult saved = XmlSave(filename, flags, value, kind, names);
         std::string message;
-        TabResult result = fromXml(saved, message);
+        DataResult result = fromXml(saved, message);
         result.message = std::move(message);
         return result;
     }

@@ -4,10 +4,11 @@
 // and leave files.
 #pragma once
 
-#include "kernel/data/scanner.h"
-#include "kernel/data/tabular.h"
-#include "kernel/data/xml_order.h"
-#include "kernel/values.h"
+#include "kernel/data/format.h"
+#include "kernel/data/scanner/scanner.h"
+#include "kernel/data/tab/tabular.h"
+#include "kernel/data/xml/xml_order.h"
+#include "kernel/values/values.h"
 
 #include <cstdint>
 #include <string>
@@ -15,25 +16,12 @@
 
 namespace tarn {
 
-// The numbers stand in programs.
-enum DataFormat : std::int32_t {
-    FormatUnknown = 0,
-    FormatText = 1,    // lines
-    FormatComma = 2,   // delimited by commas
-    FormatBinary = 3,  // packed values
-    FormatXbase = 5,
-    FormatXml = 6,
-    FormatTab = 7,  // delimited by tabs, or any other separator
-};
-// By the extension, in any case; FormatUnknown for one that is not known.
-DataFormat DataFormatOf(std::string_view filename);
-
 struct DataFileInfo {
     DataFormat format = FormatUnknown;
     std::string typeText;  // the columns, one per line; "" when there is a message
     std::string message;   // "" or why the file cannot be used
     std::string keys;      // of the default key: the repaired names of its columns with "," between, or ""
-    TabOptions options;    // how a delimited file was read
+    DataOptions options;   // how a delimited file was read
     std::int32_t rowsSeen = 0;     // of a delimited file, as TabDiscover tells them
     std::int32_t columnsSeen = 0;  // as many as the file has; no more than 48 of them are read
     bool stopped = false;          // by progress.h: there are no columns then, and no message
@@ -42,25 +30,21 @@ struct DataFileInfo {
 };
 // Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
 // most 100 rows.
-DataFileInfo GetDataFileInfo(const std::string& filename, const TabOptions* options);
+DataFileInfo GetDataFileInfo(const std::string& filename, const DataOptions* options);
 // The same for the language: all arguments are strings (otherwise nothing happens); `options` is an options
 // record or null.
 void GetDataFileInfo(const StringDescriptor* filename, const RecordDescriptor* options,
                      StringDescriptor* optionsOut, StringDescriptor* typeText, StringDescriptor* message);
 
-// Removes an outer "list" or "table" pair and then an outer "record" pair of lines, moving the rest to the
-// left. Cut to `size` - 1 characters.
-void TypeInfoStripOuter(std::string& text, std::int32_t size);
-
 // Whole values. `flags` are those of xml.h. A format that is not known, or that cannot hold the kind: 658.
 // The file that holds the rows of the value itself can only be saved in its own format: 652, and it stays.
 // Of the options an Xbase file takes `maxdatarows` alone. `message` is that of an XML or Xbase file.
-TabResult LoadValue(const std::string& filename, DataFormat format, const TabOptions& options, void* value,
-                    Kind kind, std::string& message);
+DataResult LoadValue(const std::string& filename, DataFormat format, const DataOptions& options, void* value,
+                     Kind kind, std::string& message);
 // Into a table of the columns that GetDataFileInfo found, which has no index.
-TabResult LoadRows(const std::string& filename, DataFormat format, const TabOptions& options,
-                   XmlRows::Form form, TableDescriptor* table, std::string& message);
-TabResult SaveValue(const std::string& filename, DataFormat format, const TabOptions& options,
-                    std::int32_t flags, const void* value, Kind kind, std::string_view names = {});
+DataResult LoadRows(const std::string& filename, DataFormat format, const DataOptions& options,
+                    XmlRows::Form form, TableDescriptor* table, std::string& message);
+DataResult SaveValue(const std::string& filename, DataFormat format, const DataOptions& options,
+                     std::int32_t flags, const void* value, Kind kind, std::string_view names = {});
 
 }  // namespace tarn

@@ -2,12 +2,12 @@
 #include "kernel/data/datafile_binary.h"
 
 #include "kernel/data/fresh.h"
-#include "kernel/data/packing.h"
-#include "kernel/data/progress.h"
-#include "kernel/data/tab_rows.h"
-#include "kernel/errors.h"
-#include "kernel/fileerrors.h"
-#include "kernel/runtime.h"
+#include "kernel/data/packing_whole.h"
+#include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/fileerrors.h"
+#include "kernel/run/progress.h"
+#include "kernel/run/runtime.h"
 
 #include <algorithm>
 #include <new>
@@ -21,7 +21,7 @@ std::int32_t countOf(const void* value, Kind kind) {
     return kind == KindTable ? ReadAt<TableDescriptor>(value).count : 1;
 }
 
-TabResult load(const std::string& filename, void* value, Kind kind) {
+DataResult load(const std::string& filename, void* value, Kind kind) {
     const std::int32_t refused = PackWholeError(value, kind);
     if (refused != 0) return {refused};
     TabFile file;
@@ -43,9 +43,9 @@ TabResult load(const std::string& filename, void* value, Kind kind) {
     return {0, 0, countOf(value, kind)};
 }
 
-TabResult save(const std::string& filename, const void* value, Kind kind) {
+DataResult save(const std::string& filename, const void* value, Kind kind) {
     std::string bytes;
-    TabResult result;
+    DataResult result;
     result.code = PackWhole(value, kind, bytes, &result.stopped);
     if (result.code != 0 || result.stopped) return result;
     os::SaveResult saved = os::saveFile(filename, bytes);
@@ -57,7 +57,7 @@ TabResult save(const std::string& filename, const void* value, Kind kind) {
 
 }  // namespace
 
-TabResult BinaryLoad(const std::string& filename, void* value, Kind kind) {
+DataResult BinaryLoad(const std::string& filename, void* value, Kind kind) {
     const CellApart cell;
     try {
         return load(filename, value, kind);
@@ -66,7 +66,7 @@ TabResult BinaryLoad(const std::string& filename, void* value, Kind kind) {
     }
 }
 
-TabResult BinarySave(const std::string& filename, const void* value, Kind kind) {
+DataResult BinarySave(const std::string& filename, const void* value, Kind kind) {
     const CellApart cell;
     try {
         return save(filename, value, kind);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/elements.h"
 
-#include "kernel/adt_kinds.h"
-#include "kernel/rowfile.h"
-#include "kernel/tables.h"
+#include "kernel/lists/rowfile.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/adt_kinds.h"
 
 namespace tarn {
 

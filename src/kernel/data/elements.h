@@ -4,8 +4,8 @@
 // files include this.
 #pragma once
 
-#include "kernel/list_access.h"
-#include "kernel/values.h"
+#include "kernel/lists/list_access.h"
+#include "kernel/values/values.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/filetext.h"
 
-#include "kernel/data/progress.h"
-#include "kernel/fileerrors.h"
+#include "kernel/run/fileerrors.h"
+#include "kernel/run/progress.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/fresh.h"
 
-#include "kernel/adt_kinds.h"
-#include "kernel/errors.h"
-#include "kernel/filevalues.h"
-#include "kernel/rowformat.h"
-#include "kernel/table_access.h"
-#include "kernel/tables_file_index.h"
-#include "kernel/tables_file_kept.h"
+#include "kernel/lists/rowformat.h"
+#include "kernel/run/errors.h"
+#include "kernel/tables/filevalues.h"
+#include "kernel/tables/table_access.h"
+#include "kernel/tables/tables_file_index.h"
+#include "kernel/tables/tables_file_kept.h"
+#include "kernel/values/adt_kinds.h"
 
 #include <cstring>
 

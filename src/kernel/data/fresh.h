@@ -4,8 +4,8 @@
 // data files include this.
 #pragma once
 
-#include "kernel/adt.h"
-#include "kernel/rowfile.h"
+#include "kernel/lists/rowfile.h"
+#include "kernel/values/adt.h"
 
 #include <memory>
 #include <string>

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Whole values as the content of binary files.
-#include "kernel/adt.h"
+#include "kernel/data/packing_whole.h"
+
 #include "kernel/data/elements.h"
-#include "kernel/data/packing_parts.h"
-#include "kernel/data/progress.h"
-#include "kernel/errors.h"
-#include "kernel/lists.h"
-#include "kernel/records.h"
-#include "kernel/runtime.h"
-#include "kernel/strings.h"
-#include "kernel/table_access.h"
-#include "kernel/tables.h"
+#include "kernel/lists/lists.h"
+#include "kernel/lists/packing_parts.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/progress.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/table_access.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/records.h"
+#include "kernel/values/strings.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,25 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/rowloading.h"
 
-#include "kernel/adt.h"
 #include "kernel/data/elements.h"
 #include "kernel/data/fresh.h"
-#include "kernel/data/tab_rows.h"
-#include "kernel/errors.h"
-#include "kernel/fileerrors.h"
-#include "kernel/table_access.h"
-#include "kernel/tables.h"
+#include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/fileerrors.h"
+#include "kernel/tables/table_access.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/adt.h"
 
 namespace tarn {
 
-TabResult RowLoading::into(void* target, Kind kind) {
+DataResult RowLoading::into(void* target, Kind kind) {
     FreshValue fresh(target, kind);
     const std::int32_t code = TakeCellError();
     if (code != 0) return {code};
     read(fresh.get(), kind);
     if (fileCode() != 0) failWhole(fileCode());
     if (stopped() || failed_) return {result_.code, 0, 0, stopped()};
-    return fresh.replaceTarget() ? result_ : TabResult{TakeCellError()};
+    return fresh.replaceTarget() ? result_ : DataResult{TakeCellError()};
 }
 
 bool RowLoading::next(std::string_view& row) {

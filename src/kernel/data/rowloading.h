@@ -7,8 +7,8 @@
 // Only the modules of data files include this.
 #pragma once
 
-#include "kernel/data/tabular.h"
-#include "kernel/values.h"
+#include "kernel/data/tab/tabular.h"
+#include "kernel/values/values.h"
 
 #include <cstdint>
 #include <string_view>
@@ -25,7 +25,7 @@ public:
 
     // Once. The first cell or row that does not fit is told, and the load goes on behind it. After a lack of
     // memory, a failure of a file or a stop no row counts, and the target is as it was.
-    TabResult into(void* target, Kind kind);
+    DataResult into(void* target, Kind kind);
 
 protected:
     // The next row of the file; false behind the last one, and when one of the two below tells why.
@@ -44,7 +44,7 @@ protected:
     [[nodiscard]] bool goesOn() const { return !failed_ && (mostRows_ < 0 || row_ < mostRows_); }
 
     std::int32_t row_ = 0;  // that was read last
-    TabResult result_;
+    DataResult result_;
 
 private:
     void read(void* value, Kind kind);

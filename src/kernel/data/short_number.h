@@ -5,8 +5,8 @@
 // both give the same results. Only the modules of data files include this.
 #pragma once
 
-#include "kernel/fixed.h"
-#include "kernel/values.h"
+#include "kernel/text/fixed.h"
+#include "kernel/values/values.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/value_line.h"
 
-#include "kernel/data/typeinfo.h"
+#include "kernel/data/typeinfo/typeinfo.h"
 
 #include <algorithm>
 

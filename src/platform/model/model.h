@@ -38,9 +38,9 @@ public:
     bool checked = false, enabled = true, visible = true, readonly = false;
     bool isDefault = false, isCancel = false;  // push buttons: what Return and Esc press
     bool tabStop = true;
-    int multiline = 0;  // edits: 1 if several lines
-    int alignment = 0;  // 0 left, 1 right, 2 centre; check boxes and radio buttons: 0 mark on the right, 1
-                        // left; bars: 0 by their shape, 4 horizontal, 5 vertical
+    int multiline = 0;   // edits: 1 if several lines
+    int alignment = 0;   // 0 left, 1 right, 2 centre; check boxes and radio buttons: 0 mark on the right, 1
+                         // left; bars: 0 by their shape, 4 horizontal, 5 vertical
     int border = 0;      // 0 none; labels, images, bars, shapes: 1 line, 2 sunken; others: 1 as usual
     int scrollBars = 0;  // 1 horizontal, 2 vertical, 3 both
     int shape = 0;       // shapes: 0 rectangle, 1 round rectangle, 2 ellipse, 3, 4 horizontal, vertical line

@@ -10,7 +10,7 @@
 
 #include "os/instance.h"
 #include "platform/model/model.h"
-#include "platform/rcx.h"
+#include "platform/resources/rcx.h"
 
 #include <deque>
 #include <functional>

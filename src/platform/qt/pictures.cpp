@@ -3,7 +3,7 @@
 
 #include "os/files.h"
 #include "platform/qt/texts.h"
-#include "platform/resource.h"
+#include "platform/resources/resource.h"
 
 #include <QApplication>
 #include <QIconEngine>

@@ -4,10 +4,10 @@
 // on it.
 #pragma once
 
-#include "kernel/filevalues.h"
-#include "kernel/lists.h"
-#include "kernel/records.h"
-#include "kernel/rowfile.h"
+#include "kernel/lists/lists.h"
+#include "kernel/lists/rowfile.h"
+#include "kernel/tables/filevalues.h"
+#include "kernel/values/records.h"
 #include "support/steerable.h"
 #include "unit/kernel/values_fixture.h"
 

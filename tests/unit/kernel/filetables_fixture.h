@@ -4,12 +4,12 @@
 // on it, and the rows that it must have.
 #pragma once
 
-#include "kernel/errors.h"
-#include "kernel/filevalues.h"
-#include "kernel/lists.h"
-#include "kernel/rowformat.h"
-#include "kernel/tables.h"
-#include "kernel/tables_file.h"
+#include "kernel/lists/lists.h"
+#include "kernel/lists/rowformat.h"
+#include "kernel/run/errors.h"
+#include "kernel/tables/filevalues.h"
+#include "kernel/tables/tables.h"
+#include "kernel/tables/tables_file.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"

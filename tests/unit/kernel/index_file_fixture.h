@@ -3,13 +3,13 @@
 // Index files in a file system that a test steers: made, filled and looked at, with keys of plain values.
 #pragma once
 
-#include "kernel/errors.h"
-#include "kernel/index_file.h"
-#include "kernel/index_filelayout.h"
-#include "kernel/indexes.h"
-#include "runtime_fixture.h"
+#include "kernel/index/index_file.h"
+#include "kernel/index/index_filelayout.h"
+#include "kernel/index/indexes.h"
+#include "kernel/run/errors.h"
 #include "support/steerable.h"
-#include "table_rows.h"
+#include "unit/kernel/runtime_fixture.h"
+#include "unit/kernel/table_rows.h"
 
 #include <functional>
 #include <string>

@@ -3,8 +3,8 @@
 // What an index must do, written down once more with an ordered map, and random keys of every kind for it.
 #pragma once
 
-#include "kernel/indexes.h"
-#include "table_rows.h"
+#include "kernel/index/indexes.h"
+#include "unit/kernel/table_rows.h"
 
 #include <iterator>
 #include <limits>

@@ -4,11 +4,11 @@
 // free fails the test.
 #pragma once
 
-#include "kernel/adt.h"
-#include "kernel/errors.h"
-#include "kernel/lists.h"
-#include "kernel/records.h"
-#include "kernel/runtime.h"
+#include "kernel/lists/lists.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/records.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <gtest/gtest.h>

@@ -4,10 +4,10 @@
 // an exception, and frames, trace, cell and heap are as at the start of a program.
 #pragma once
 
-#include "kernel/heap.h"
-#include "kernel/process.h"
-#include "kernel/report.h"
-#include "kernel/runtime.h"
+#include "kernel/run/report.h"
+#include "kernel/run/runtime.h"
+#include "kernel/start/process.h"
+#include "kernel/values/heap.h"
 #include "os/process.h"
 
 #include <gtest/gtest.h>

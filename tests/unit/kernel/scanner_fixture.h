@@ -3,7 +3,7 @@
 // Scans texts that stand in a file of the steered file system, and says what came out.
 #pragma once
 
-#include "kernel/data/scanner.h"
+#include "kernel/data/scanner/scanner.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"
 

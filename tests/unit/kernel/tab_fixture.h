@@ -4,17 +4,17 @@
 // declarations and shown as text.
 #pragma once
 
-#include "kernel/adt.h"
-#include "kernel/data/progress.h"
-#include "kernel/data/tabular.h"
-#include "kernel/data/typeinfo.h"
-#include "kernel/errors.h"
-#include "kernel/lists.h"
-#include "kernel/records.h"
-#include "kernel/runtime.h"
-#include "kernel/sets.h"
-#include "kernel/strings.h"
-#include "kernel/tables.h"
+#include "kernel/data/tab/tabular.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/lists/lists.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/progress.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/records.h"
+#include "kernel/values/sets.h"
+#include "kernel/values/strings.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"
 
@@ -24,8 +24,8 @@
 
 namespace tarn {
 
-inline constexpr TabOptions CommaRows{};
-inline constexpr TabOptions TabRows{2, 0, '\t', -1};
+inline constexpr DataOptions CommaRows{};
+inline constexpr DataOptions TabRows{2, 0, '\t', -1};
 
 // An empty value that its declaration describes: "list" and a record's lines, or the lines of one element.
 class Typed {
@@ -117,15 +117,15 @@ protected:
     // Loads the text as a file into a list of records with these fields, and shows it; "code@row" in front
     // when there was a failure.
     std::string loaded(std::string_view text, std::string_view fields,
-                       const TabOptions& options = CommaRows) {
+                       const DataOptions& options = CommaRows) {
         return loadedAs(text, "x : list\n\tr : record\n" + indented(fields) + "\tend record\nend list\n",
                         options);
     }
     std::string loadedAs(std::string_view text, std::string_view declaration,
-                         const TabOptions& options = CommaRows) {
+                         const DataOptions& options = CommaRows) {
         files_.put("/d/a.csv", std::string(text));
         Typed value(declaration);
-        const TabResult result = TabLoad("/d/a.csv", options, value.get(), value.kind());
+        const DataResult result = TabLoad("/d/a.csv", options, value.get(), value.kind());
         EXPECT_EQ(AdtCheck(value.get(), value.kind()), "");
         std::string shown;
         if (result.code != 0) shown = std::to_string(result.code) + "@" + std::to_string(result.row) + " ";

@@ -3,8 +3,8 @@
 // A table without the kernel: rows in row order, and an ordered map for each index.
 #pragma once
 
-#include "kernel/tables.h"
-#include "table_rows.h"
+#include "kernel/tables/tables.h"
+#include "unit/kernel/table_rows.h"
 
 #include <cstdint>
 #include <iterator>

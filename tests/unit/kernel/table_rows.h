@@ -4,9 +4,9 @@
 // must have, written down once more without the kernel.
 #pragma once
 
-#include "kernel/adt.h"
-#include "kernel/arrays.h"
-#include "kernel/records.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/arrays.h"
+#include "kernel/values/records.h"
 
 #include <cmath>
 #include <cstdint>

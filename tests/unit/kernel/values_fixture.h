@@ -3,10 +3,10 @@
 // For tests of values: memory checking is on, and each test ends with a clear cell and an empty heap.
 #pragma once
 
-#include "kernel/adt.h"
-#include "kernel/errors.h"
-#include "runtime_fixture.h"
+#include "kernel/run/errors.h"
+#include "kernel/values/adt.h"
 #include "support/value_model.h"
+#include "unit/kernel/runtime_fixture.h"
 
 #include <array>
 

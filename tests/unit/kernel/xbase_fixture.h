@@ -3,7 +3,7 @@
 // What the tests of Xbase files share: files that are put together byte by byte, without the kernel.
 #pragma once
 
-#include "kernel/data/xbase.h"
+#include "kernel/data/xbase/xbase.h"
 #include "unit/kernel/tab_fixture.h"
 
 #include <cstdint>

@@ -3,9 +3,9 @@
 // What the compiler refuses, and where it says so. Each case is a class; `expected` lists the messages as
 // "line number".
 #include "support/toolchain_folder.h"
-#include "toolchain/checker.h"
-#include "toolchain/classes.h"
-#include "toolchain/generator.h"
+#include "toolchain/language/checker.h"
+#include "toolchain/language/classes.h"
+#include "toolchain/output/generator.h"
 
 #include <string>
 

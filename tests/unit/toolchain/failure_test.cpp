@@ -4,10 +4,10 @@
 // a message, and what is left is either whole or counts as out of date.
 #include "support/steerable.h"
 #include "support/tempfolder.h"
-#include "toolchain/classes.h"
-#include "toolchain/compile.h"
-#include "toolchain/make.h"
-#include "toolchain/tools.h"
+#include "toolchain/build/compile.h"
+#include "toolchain/build/make.h"
+#include "toolchain/build/tools.h"
+#include "toolchain/language/classes.h"
 
 #include <gtest/gtest.h>
 

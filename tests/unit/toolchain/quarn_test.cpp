@@ -2,9 +2,9 @@
 //
 // The compiler as a program: options, results and the symbol file.
 #include "support/toolchain_folder.h"
-#include "toolchain/lexer.h"
-#include "toolchain/options.h"
-#include "toolchain/symfile.h"
+#include "toolchain/build/options.h"
+#include "toolchain/language/lexer.h"
+#include "toolchain/output/symfile.h"
 
 #include <string>
 

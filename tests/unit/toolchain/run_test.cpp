@@ -2,6 +2,7 @@
 //
 // What compiled programs do: each case is built, run, and its output compared. Memory is checked (debug level
 // 2 in the class that holds main), so that a string that is not freed shows as error 826.
+#include "support/places.h"
 #include "support/toolchain_folder.h"
 
 #include <string>

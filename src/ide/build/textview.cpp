@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/build/textview.h"
+
+#include "ide/editor/textedit.h"
+#include "ide/program/projedit.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "library/data/dbutil.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
+
+MODULE("textview", tarn::TOOL_ONERROR)
+
+namespace tarn {
+namespace {
+
+// The folder of the Code window's class is searched first, then that of the main file, then the inherited
+// paths.
+std::string searchPath() {
+    std::string paths = GETINHERITEDPATHS();
+    for (const std::string& file : {COMPILERGETMAINFILE(), EDITWNDGETFILENAME(SDIEdit)}) {
+        if (ISCLASSFILE(file)) paths = FILEGETDIR(file) + ";" + paths;
+    }
+    return paths;
+}
+
+struct Message {
+    std::string file;
+    int line = 0, number = 0;
+};
+
+Message messageAtCursor(const Object& window) {
+    const std::string result = FILEGETERROR(GetText(window), GetSelection(window).start, searchPath());
+    Message message;
+    bool ok = false;
+    message.file = STRREMOVEQUOTES(STRTOKEN(result, 1));
+    message.line = CVTI(STRTOKEN(result, 2), ok);
+    message.number = CVTI(STRTOKEN(result, 3), ok);
+    if (message.file == "-") message.file.clear();
+    return message;
+}
+
+void jumpToSource(const Object& window) {
+    const Message message = messageAtCursor(window);
+    if (message.file.empty() || message.line == 0)
+        return MSGBOX("View Errors",
+                      "Cannot jump to source code.\nThe file name and line number of the source file "
+                      "cannot be found.");
+    if (FileSize(message.file) < 0)
+        return MSGBOX("View Errors", "Cannot jump to source code. The following source file:\n\n\t'" +
+                                         message.file + "'\n\ndoes not exist.");
+    EDITWNDOPEN(SDIEdit, message.file, false, message.line);
+    Show(window, false);  // stays above the editor
+    SetCaption(MAINCONTROL("codelabel"), EDITWNDGETFILENAME(SDIEdit));
+}
+
+void helpOnError(const Object& window) {
+    const Message message = messageAtCursor(window);
+    if (message.number == 0)
+        return MSGBOX("View Errors", "Cannot get help for the error.\nThe error number cannot be found.");
+    SHOWHELP(STR(message.number));
+}
+
+// Where it was last; at first below the Code window's place, over the width of the screen.
+void place(const Object& window) {
+    const std::string ini = GETIDEINIFILE();
+    LOADINIFILE(ini, window, true, false);
+    if (!PROFILESTRGET(ini, "Viewdlg", "_Position").empty()) return;
+    const Rect screen = ScreenSize();
+    const int height = screen.h / 5;
+    SetPosition(window, WINDOW_UNIT, Rect{screen.x, screen.y + screen.h - height, screen.w, height});
+}
+
+bool keyPressed(const Object& window, int key) {
+    switch (key) {
+    case KEY_ESCAPE: Unload(window); return true;
+    case KEY_RETURN: jumpToSource(window); return true;
+    case KEY_F1: helpOnError(window); return true;
+    default: return false;
+    }
+}
+
+}  // namespace
+
+bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
+    FRAME(VIEWDLG);
+    STAMP();
+    bool result = true;
+    switch (event) {
+    case LOAD_EVENT: place(window); break;
+    case CLOSE_EVENT:
+        SAVEINIFILE(GETIDEINIFILE(), window, true, false);
+        result = false;
+        break;
+    case KEYPRESS_EVENT: result = keyPressed(window, parameter); break;
+    case DBLCLICK_EVENT: jumpToSource(window); break;
+    default: result = false;
+    }
+    STAMP();
+    return result;
+}
+
+void VIEWDIALOG(const std::string& title, const std::string& file, const Font& font) {
+    FRAME(VIEWDIALOG);
+    STAMP();
+    if (!IsLoaded(ViewDlg)) Load(ViewDlg);
+    std::string text;
+    STAMP();
+    if (FileSize(file) >= 0) LOADFILE(file, text);
+    STAMP();
+    SetCaption(ViewDlg, title);
+    SetFont(ViewDlg, font);
+    SetText(ViewDlg, text);
+    STAMP();
+    SetSelection(ViewDlg, 1, 0);
+    Show(ViewDlg, false);
+}
+
+}  // namespace tarn

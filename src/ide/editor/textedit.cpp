@@ -1,0 +1,579 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/editor/textedit.h"
+
+#include "ide/program/projedit.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/rescue.h"
+#include "ide/shell/windows.h"
+#include "library/settings/profstr.h"
+#include "library/source/symbols.h"
+#include "library/system/system.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tarn {
+namespace {
+
+// A file that cannot be read or written is told in a box; the text stays where it was and the program goes
+// on.
+void onerror(std::int32_t code) {
+    if (code < 651 || code > 659) return DefaultErrorHandler(code);
+    const Reporting report;
+    if (!report.entered()) return;
+    const std::string failedSave = SAVEFILEREPORT();
+    const std::string sentence =
+        !failedSave.empty() ? failedSave
+        : code == 651       ? "The file was not opened. Check that it exists and that you may read it."
+                      : "Nothing was written. Check that you may write to it and that the disk has room.";
+    Sound();
+    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + sentence, "OK", BoxIcon::Error);
+    ContinueAfterError();
+}
+
+}  // namespace
+}  // namespace tarn
+
+MODULE("textedit", tarn::onerror)
+
+namespace tarn {
+
+// ---- flags ----
+
+namespace {
+
+constexpr std::pair<int, std::string_view> flagNames[] = {{ALLOWOVERWRITE, "ALLOWOVERWRITE"},
+                                                          {AUTOINDENT, "AUTOINDENT"},
+                                                          {HILITE, "HILITE"},
+                                                          {READONLY, "READONLY"},
+                                                          {SELECTALL, "SELECTALL"},
+                                                          {STATUSBAR, "STATUSBAR"},
+                                                          {TABSHIFT, "TABSHIFT"},
+                                                          {PRIVATE_MODIFY, "PRIVATE_MODIFY"},
+                                                          {NUMBERBAR, "NUMBERBAR"}};
+
+void setFlag(const Object& window, int flag, bool on) {
+    const int flags = GetFlags(window);
+    SetFlags(window, on ? flags | flag : flags & ~flag);
+}
+
+bool isEditWindow(const Object& window) {
+    const std::string type = GetTypeof(window);
+    return STREQUAL(type, "Editwindow") || STREQUAL(type, "Richeditwindow");
+}
+
+bool editorSetting(std::string_view key) {
+    return PROFILESTRGET(GETIDEINIFILE(), "EditorOptionsDlg", key) == "1";
+}
+
+}  // namespace
+
+std::string FLAGSTOSTR(int flags) {
+    FRAME(FLAGSTOSTR);
+    std::string names;
+    for (const auto& [bit, name] : flagNames) {
+        if ((flags & bit) != 0) ADDWORD(name, " ", names);
+    }
+    return STRTRIM(STRLOWER(names));
+}
+
+void EDITWNDSETSTATUS(const Object& window, bool on) {
+    FRAME(EDITWNDSETSTATUS);
+    STAMP();
+    setFlag(window, STATUSBAR, on);
+}
+
+void EDITWNDSETNUMBERS(const Object& window, bool on) {
+    FRAME(EDITWNDSETNUMBERS);
+    STAMP();
+    setFlag(window, NUMBERBAR, on);
+}
+
+void EDITWNDSETAUTOINDENT(const Object& window, bool on) {
+    FRAME(EDITWNDSETAUTOINDENT);
+    STAMP();
+    setFlag(window, AUTOINDENT, on);
+}
+
+bool GETMODIFYPRIVATE(const Object& window) {
+    FRAME(GETMODIFYPRIVATE);
+    STAMP();
+    return (GetFlags(window) & PRIVATE_MODIFY) != 0;
+}
+
+void SETMODIFYPRIVATE(const Object& window, bool modified) {
+    FRAME(SETMODIFYPRIVATE);
+    STAMP();
+    setFlag(window, PRIVATE_MODIFY, modified);
+}
+
+int GETTOKENLEVEL() {
+    FRAME(GETTOKENLEVEL);
+    return editorSetting("HiliteOn") ? 1 : 0;
+}
+
+void EDITWNDSETTOKENS(const Object& window, int level) {
+    FRAME(EDITWNDSETTOKENS);
+    STAMP();
+    std::string tokens;
+    if (level == 1) tokens = MAKETOKENSTR(GETIDEINIFILE(), FILEGETEXT(EDITWNDGETFILENAME(window)));
+    STAMP();
+    setFlag(window, HILITE, level == 1);
+    SetTokens(window, tokens);
+}
+
+// ---- name, size and marks ----
+
+std::string EDITWNDGETFILENAME(const Object& window) {
+    FRAME(EDITWNDGETFILENAME);
+    if (!IsLoaded(window)) return {};
+    STAMP();
+    std::string name = GetCaption(window);
+    if (name.ends_with('*')) name.pop_back();
+    return STRTRIM(name);
+}
+
+int EDITWNDGETMAXLENGTH(const Object& window) {
+    FRAME(EDITWNDGETMAXLENGTH);
+    const std::string type = GetTypeof(window);
+    if (STREQUAL(type, "Richeditwindow")) return 4000000;
+    if (!STREQUAL(type, "Editwindow")) return 0;
+    static constexpr std::array<std::string_view, 3> small{"Windows 95", "Windows 98", "Windows ME"};
+    const std::string system = SystemInfo();
+    for (const std::string_view name : small) {
+        if (system == name) return 32767;
+    }
+    return 4000000;
+}
+
+void DRAWMODIFYINDICATOR(const Object& window) {
+    FRAME(DRAWMODIFYINDICATOR);
+    STAMP();
+    const std::string caption = GetCaption(window);
+    const bool marked = caption.ends_with('*');
+    STAMP();
+    const bool modified = GetModify(window);
+    STAMP();
+    if (modified && !marked) SetCaption(window, caption + " *");
+    if (!modified && marked)
+        SetCaption(window, STRTRIM(std::string_view(caption).substr(0, caption.size() - 1)));
+}
+
+void INITFILE(const Object& window) {
+    FRAME(INITFILE);
+    STAMP();
+    SetText(window, "");
+    SetCaption(window, "");
+    SetTokens(window, "");
+    STAMP();
+    SetModify(window, false);
+    SETMODIFYPRIVATE(window, false);
+}
+
+// ---- open ----
+
+namespace {
+
+struct LineSpan {
+    int start = 0, length = 0;  // 0: there is no such line
+    int count = 0;              // lines of the text
+};
+
+LineSpan findLine(std::string text, int line) {
+    if (text.empty() || text.back() != '\n') text += '\n';
+    LineSpan span;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t end = text.find('\n', at);
+        if (++span.count == line) {
+            span.start = static_cast<int>(at) + 1;
+            span.length = static_cast<int>(end - at);
+            if (span.length > 0 && text[end - 1] == '\r') span.length--;
+        }
+        at = end + 1;
+    }
+    return span;
+}
+
+// The first call scrolls to the line, the second marks it.
+void markLine(const Object& window, const LineSpan& span) {
+    SetSelection(window, span.start, 0);
+    SetSelection(window, span.start, span.length);
+}
+
+void showLine(const Object& window, const std::string& file, int line) {
+    const LineSpan span = findLine(GetText(window), line);
+    if (span.start != 0) return markLine(window, span);
+    MSGBOX("File-Open", "File: " + file + "\nCannot hilight line " + STR(line) + ".\nThere are " +
+                            STR(span.count) + " line(s) in the file.");
+}
+
+// Puts the file into the empty window; false if it cannot be read, which leaves the window empty.
+bool loadIntoWindow(const Object& window, const std::string& file) {
+    std::string text;
+    if (!LOADFILE(file, text)) {
+        Hide(window);
+        return false;
+    }
+    SetCaption(window, file);
+    Show(window, false);
+    EDITWNDSETTOKENS(window, GETTOKENLEVEL());
+    SetText(window, text);
+    SetModify(window, false);
+    return true;
+}
+
+// Shows or loads as the state of the window asks; false if nothing was shown.
+bool showOrLoad(const Object& window, const std::string& file, bool reload) {
+    const bool same = STREQUAL(EDITWNDGETFILENAME(window), file);
+    if (same && (!GetModify(window) || !reload)) {
+        Show(window, false);
+        return true;
+    }
+    if (!same && FileSize(file) < 0) return false;
+    EDITWNDCLOSE(window, false);
+    if (!EDITWNDGETFILENAME(window).empty()) return false;
+    return loadIntoWindow(window, file);
+}
+
+}  // namespace
+
+void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int line) {
+    FRAME(EDITWNDOPEN);
+    STAMP();
+    const int most = EDITWNDGETMAXLENGTH(window);
+    if (FileSize(file) > most) {
+        MSGBOX("File-Open", "The following file is too big to be loaded:\n\n\t" + file +
+                                "\n\nThe maximum size is " + STR(most) + " bytes.");
+        return;
+    }
+    STAMP();
+    const bool shown = showOrLoad(window, file, reload);
+    STAMP();
+    if (!shown) return;
+    if (line != 0) showLine(window, file, line);
+    STAMP();
+    SETMODIFYPRIVATE(window, GetModify(window));
+    STAMP();
+    DRAWMODIFYINDICATOR(window);
+}
+
+void EDITWNDNEW(const Object& window, const std::string& text) {
+    FRAME(EDITWNDNEW);
+    STAMP();
+    EDITWNDCLOSE(window, false);
+    STAMP();
+    if (!EDITWNDGETFILENAME(window).empty()) return;
+    SetCaption(window, Untitled);
+    SetText(window, text);
+    STAMP();
+    SetModify(window, !text.empty());
+    SETMODIFYPRIVATE(window, !text.empty());
+    STAMP();
+    DRAWMODIFYINDICATOR(window);
+}
+
+// ---- save and close ----
+
+namespace {
+
+std::string proposedName(const Object& window, const std::string& name) {
+    if (name != Untitled) return name;
+    const std::string folder = FILEADDSEPARATOR(GETCURDIR());
+    const std::string className = SYMGETCLASSNAME(0, GetText(window), ProductWord);
+    if (!className.empty()) return folder + className + std::string(ClassExtension);
+    return FILETEMPNAME(folder, STRNAMECASE("new"), ".txt");
+}
+
+// The name to save under; empty when the user cancels.
+std::string askForName(const Object& window, const std::string& name) {
+    return SaveAsDialog("Save File", proposedName(window, name), "Class (*.cls)|*.cls|All files (*)|*|");
+}
+
+// Brings the class name in the text into line with the file's, if the user wants that; false on Cancel.
+bool agreeOnClassName(const Object& window, const std::string& file) {
+    if (!ISCLASSFILE(file)) return true;
+    std::string text = GetText(window);
+    const std::string base = FILEBASENAME(file);
+    const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
+    if (className.empty() || STREQUAL(className, base)) return true;
+    const int answer = MsgBoxEx("Save File",
+                                "The classname '" + className + "' does not match the file being saved (" +
+                                    base + ".cls).\nDo you want the classname to be changed to match?",
+                                3 + 32);
+    if (answer == 7) return true;
+    if (answer != 6) return false;
+    const std::string error = SYMSETCLASSNAME(base, 0, ProductWord, text);
+    if (!error.empty()) MSGBOX("Save File", error);
+    SetText(window, text);
+    SetModify(window, true);
+    return true;
+}
+
+bool writeText(const Object& window, const std::string& file) {
+    if (!SAVEFILE(file, GetText(window))) return false;
+    DROPRESCUEDTEXT(file);
+    SetModify(window, false);
+    SETMODIFYPRIVATE(window, false);
+    return true;
+}
+
+// A text that could not be stored under its new name keeps the old one, and the class in it too.
+void takeBackName(const Object& window, const std::string& name, const std::string& text) {
+    if (GetText(window) != text) SetText(window, text);
+    SetModify(window, true);
+    SetCaption(window, name);
+    EDITWNDSETTOKENS(window, GETTOKENLEVEL());
+}
+
+}  // namespace
+
+void EDITWNDSAVE(const Object& window, bool saveAs) {
+    FRAME(EDITWNDSAVE);
+    STAMP();
+    const std::string before = EDITWNDGETFILENAME(window);
+    if (before.empty()) return MSGBOX("File-Save", "There is no file to save.");
+    const std::string textBefore = GetText(window);
+    std::string file = before;
+    STAMP();
+    if (before == Untitled || saveAs) file = askForName(window, before);
+    bool go = !file.empty();
+    STAMP();
+    if (go && file != before) {
+        SetCaption(window, file);
+        EDITWNDSETTOKENS(window, GETTOKENLEVEL());
+    }
+    STAMP();
+    go = go && agreeOnClassName(window, file);
+    STAMP();
+    const bool written = go && writeText(window, file);
+    STAMP();
+    if (go && !written) takeBackName(window, before, textBefore);
+    STAMP();
+    DRAWMODIFYINDICATOR(window);
+}
+
+void EDITWNDCLOSE(const Object& window, bool hide) {
+    FRAME(EDITWNDCLOSE);
+    STAMP();
+    if (!IsLoaded(window)) return;
+    bool discard = false;
+    if (GetModify(window)) {
+        const std::string answer = MsgBox(
+            "Save Changes?",
+            EDITWNDGETFILENAME(window) + "\nThis file has been changed. Do you want to save the changes?",
+            "&Yes\n&No\n&Cancel", BoxIcon::Question);
+        STAMP();
+        if (answer == "&Yes") EDITWNDSAVE(window, false);
+        discard = answer == "&No";
+    }
+    STAMP();
+    if (!discard && GetModify(window)) return;
+    if (discard) DROPRESCUEDTEXT(EDITWNDGETFILENAME(window));
+    if (hide) Hide(window);
+    STAMP();
+    INITFILE(window);
+}
+
+// ---- selection ----
+
+void EDITWNDSELECTLINES(const Object& window) {
+    FRAME(EDITWNDSELECTLINES);
+    STAMP();
+    const Selection selection = GetSelection(window);
+    if (selection.length < 1) return;
+    const std::string text = GetText(window);
+    std::size_t start = static_cast<std::size_t>(selection.start) - 1;
+    std::size_t end = start + static_cast<std::size_t>(selection.length);
+    while (start > 0 && text[start - 1] != '\n') start--;
+    while (end < text.size() && text[end - 1] != '\n') end++;
+    STAMP();
+    SetSelection(window, static_cast<int>(start) + 1, static_cast<int>(end - start));
+}
+
+void EDITWNDSELECTLINE(const Object& window, int line) {
+    FRAME(EDITWNDSELECTLINE);
+    STAMP();
+    const LineSpan span = findLine(GetText(window), line);
+    if (span.start == 0) return Sound();
+    STAMP();
+    markLine(window, span);
+}
+
+std::string GETWORDATCURSOR(const Object& window) {
+    FRAME(GETWORDATCURSOR);
+    STAMP();
+    const std::string text = GetText(window);
+    const auto isWord = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    std::size_t start = std::min(static_cast<std::size_t>(GetSelection(window).start) - 1, text.size());
+    std::size_t end = start;
+    while (start > 0 && isWord(text[start - 1])) start--;
+    while (end < text.size() && isWord(text[end])) end++;
+    return text.substr(start, end - start);
+}
+
+void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow) {
+    FRAME(EDITWNDSETMAXSIZE);
+    STAMP();
+    if (!isEditWindow(window) || !STREQUAL(GetTypeof(mainWindow), "Dialog")) return;
+    const std::string fullScreen = PROFILESTRGET(GETIDEINIFILE(), "EditorOptionsDlg", "FullScreenOn");
+    if (fullScreen == "1") SetMaxPosition(window, Rect{});
+    STAMP();
+    if (fullScreen != "0") return;
+    const Rect screen = ScreenSize();
+    const int below = GetPosition(mainWindow, WINDOW_UNIT).h;
+    const Rect frame = GetPosition(window, WINDOW_UNIT), client = GetPosition(window, CLIENT_UNIT);
+    SetMaxPosition(window, Rect{screen.x, screen.y + below, screen.w - (frame.w - client.w),
+                                screen.h - below - (frame.h - client.h)});
+}
+
+// ---- recent files ----
+
+void LOADMRULIST(const std::string& iniFile, const std::string& section, int count, const Object& firstItem) {
+    FRAME(LOADMRULIST);
+    STAMP();
+    const std::string files = PROFILESTRGET(iniFile, section, "");
+    for (int i = 1; i <= count; i++) {
+        STAMP();
+        const Object item = i == 1 ? firstItem : ControlElement(firstItem, i);
+        SetCaption(item, "&" + STR(i) + " " + STRLINE(files, i));
+    }
+}
+
+void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int limit, const std::string& name) {
+    FRAME(SAVEMRUITEM);
+    if (iniFile.empty() || section.empty() || name.empty() || limit < 1 || name == Untitled) return;
+    STAMP();
+    const std::string old = PROFILESTRGET(iniFile, section, "");
+    std::string list = name + "\n";
+    int lines = 1;
+    for (int i = 1; i <= STRLINES(old) && lines < limit; i++) {
+        const std::string line = STRLINE(old, i);
+        if (line.empty()) break;
+        if (STREQUAL(line, name)) continue;
+        list += line + "\n";
+        lines++;
+    }
+    STAMP();
+    PROFILESTRPUT(iniFile, section, "", list);
+    STAMP();
+}
+
+void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const std::string& name) {
+    FRAME(REMOVEMRUITEM);
+    STAMP();
+    const std::string old = PROFILESTRGET(iniFile, section, "");
+    std::string list;
+    for (int i = 1; i <= STRLINES(old); i++) {
+        const std::string line = STRLINE(old, i);
+        if (!STREQUAL(line, name)) list += line + "\n";
+    }
+    STAMP();
+    PROFILESTRPUT(iniFile, section, "", list);
+    STAMP();
+}
+
+// ---- file information ----
+
+namespace {
+
+std::string sizeText(const std::string& text) {
+    const auto length = static_cast<int>(text.size());
+    return STR(length) + (length == 1 ? " Byte" : " Bytes") + ", " + STR(STRLINES(text)) + " lines";
+}
+
+void fillFileInfo(const Object& dialog) {
+    const std::string file = EDITWNDGETFILENAME(SDIEdit);
+    const std::string text = GetText(SDIEdit);
+    const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
+    const bool isMain = STRFIND("\nmain()\n", "\n" + SYMSCANSOURCE(text, 1024)) != 0;
+    const std::string time = FILETIME(file);
+    const std::pair<std::string_view, std::string> values[] = {
+        {"label2", file},
+        {"label4", className},
+        {"label6", className.empty() ? ""
+                   : isMain          ? "Main class"
+                                     : "Non-main class"},
+        {"label8", sizeText(text)},
+        {"label10", time.empty() ? "(not saved)" : time},
+        {"label12", STR(GetModify(SDIEdit) ? 1 : 0)},
+        {"label14", FLAGSTOSTR(GetFlags(SDIEdit))},
+    };
+    for (const auto& [label, value] : values) SetCaption(FINDCONTROL(dialog, label), value);
+}
+
+}  // namespace
+
+bool FILEINFODLG(const Object& window, int event, const Object& control, int parameter) {
+    FRAME(FILEINFODLG);
+    STAMP();
+    const std::string name = event == COMMAND_EVENT ? GetName(control) : "";
+    const int key = event == KEYPRESS_EVENT ? parameter : 0;
+    STAMP();
+    if (event == LOAD_EVENT) fillFileInfo(window);
+    if (key == KEY_F1 || name == "pushbutton3") SHOWHELP(HELPTOPIC(GetCaption(window)));
+    STAMP();
+    if (key == KEY_ESCAPE || name == "pushbutton1") Unload(window);
+    STAMP();
+    return event == LOAD_EVENT || event == COMMAND_EVENT || key == KEY_F1 || key == KEY_ESCAPE;
+}
+
+void FILEINFODIALOG() {
+    FRAME(FILEINFODIALOG);
+    STAMP();
+    Load(FileInfoDlg);
+    STAMP();
+    Show(FileInfoDlg, true);
+}
+
+// ---- the window's events ----
+
+namespace {
+
+void loadCodeWindow(const Object& window) {
+    LOADINIFILE(GETIDEINIFILE(), window, true, true);
+    INITFILE(window);
+    EDITWNDSETSTATUS(window, editorSetting("StatusBarOn"));
+    EDITWNDSETNUMBERS(window, editorSetting("NumberBarOn"));
+    EDITWNDSETAUTOINDENT(window, editorSetting("AutoIndentOn"));
+}
+
+void closeCodeWindow(const Object& window) {
+    EDITWNDCLOSE(window, true);
+    if (EDITWNDGETFILENAME(window).empty()) SAVEINIFILE(GETIDEINIFILE(), window, true, true);
+}
+
+void helpOnWord(const Object& window) {
+    const std::string word = GETWORDATCURSOR(window);
+    SHOWHELP(word.empty() ? "Code editor" : word);
+}
+
+}  // namespace
+
+bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
+    FRAME(SDIEDIT);
+    STAMP();
+    switch (event) {
+    case KEYPRESS_EVENT:
+        if (parameter != KEY_F1 && parameter != KEY_F2) return false;
+        if (parameter == KEY_F1)
+            helpOnWord(window);
+        else
+            FILEINFODIALOG();
+        break;
+    case CHANGE_EVENT:
+        SETMODIFYPRIVATE(window, true);
+        DRAWMODIFYINDICATOR(window);
+        break;
+    case INFO_EVENT: FILEINFODIALOG(); break;
+    case LOAD_EVENT: loadCodeWindow(window); break;
+    case CLOSE_EVENT: closeCodeWindow(window); break;  // only hidden: the window lives as long as the program
+    default: return false;
+    }
+    STAMP();
+    return true;
+}
+
+}  // namespace tarn

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Code window: one top-level edit window that shows one file at a time. Its caption is the document's
+// name:
+// "" no file, "<untitled>" a new one, else a full path, with " *" behind it while the text is changed.
+// A file's bytes reach the disk again as they came unless they were edited; a save that fails leaves the old
+// file whole and the text in the window.
+#pragma once
+
+#include "kernel/windows/windowing.h"
+
+#include <string>
+
+namespace tarn {
+
+bool SDIEDIT(const Object& window, int event, const Object& control, int parameter);
+
+void EDITWNDNEW(const Object& window, const std::string& text);
+// Loads and shows; selects `line` unless it is 0. `reload`: a changed copy of the same file is asked about
+// and read again.
+void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int line);
+void EDITWNDSAVE(const Object& window, bool saveAs);
+// Asks about changes and empties the window. A window that still has a name afterwards was kept by the user.
+void EDITWNDCLOSE(const Object& window, bool hide);
+std::string EDITWNDGETFILENAME(const Object& window);
+int EDITWNDGETMAXLENGTH(const Object& window);  // bytes; 0 if it is no edit window
+
+void EDITWNDSETSTATUS(const Object& window, bool on);
+void EDITWNDSETNUMBERS(const Object& window, bool on);
+void EDITWNDSETAUTOINDENT(const Object& window, bool on);
+bool GETMODIFYPRIVATE(const Object& window);
+void SETMODIFYPRIVATE(const Object& window, bool modified);
+std::string FLAGSTOSTR(int flags);
+int GETTOKENLEVEL();
+void EDITWNDSETTOKENS(const Object& window, int level);
+void EDITWNDSELECTLINES(const Object& window);
+void EDITWNDSELECTLINE(const Object& window, int line);
+void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow);
+void DRAWMODIFYINDICATOR(const Object& window);
+void INITFILE(const Object& window);
+std::string GETWORDATCURSOR(const Object& window);
+
+// Recent files: a list of the settings file, newest first.
+void LOADMRULIST(const std::string& iniFile, const std::string& section, int count, const Object& firstItem);
+void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int limit, const std::string& name);
+void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const std::string& name);
+
+void FILEINFODIALOG();
+bool FILEINFODLG(const Object& window, int event, const Object& control, int parameter);
+
+}  // namespace tarn

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/menus/filemenu.h"
+
+#include "ide/editor/textedit.h"
+#include "ide/program/projedit.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "library/source/symbols.h"
+#include "library/system/system.h"
+
+MODULE("filemenu")
+
+namespace tarn {
+namespace {
+
+void requireType(const Object& control, std::string_view type) {
+    Precondition(STREQUAL(GetTypeof(control), type));
+}
+
+// Opens the file and notes it among the recent ones if the window took it.
+void openAndRemember(const std::string& file) {
+    EDITWNDOPEN(SDIEdit, file, false, 0);
+    if (STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
+}
+
+bool programWindowsLoaded() {
+    for (const Object& window : {ProjectEditorDlg, DialogDlg, BrowseInfoDlg, ViewDlg}) {
+        if (IsLoaded(window)) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void DO_NEW_TEXTFILE(const Object& codeLabel) {
+    FRAME(DO_NEW_TEXTFILE);
+    STAMP();
+    requireType(codeLabel, "Label");
+    STAMP();
+    PROJECTNEWTEXTFILE();
+}
+
+void DO_OPEN(std::string name, const Object& programLabel) {
+    FRAME(DO_OPEN);
+    STAMP();
+    requireType(programLabel, "Label");
+    STAMP();
+    if (name.empty()) name = OpenFileDialog("File-Open", "", "Class (*.cls)|*.cls|All files (*)|*|");
+    if (name.empty() || FileSize(name) < 0) return;
+    STAMP();
+    const bool isMain = ISMAINCLASS(name);
+    STAMP();
+    if (isMain && programWindowsLoaded() && !CLOSEALL()) return;
+    STAMP();
+    openAndRemember(name);
+}
+
+bool CLOSEALL() {
+    FRAME(CLOSEALL);
+    for (const Object& window : WindowList()) {
+        STAMP();
+        if (window == Main || !IsLoaded(window)) continue;
+        Unload(window);
+        STAMP();
+        if (IsLoaded(window) && GetVisible(window)) return false;
+    }
+    return true;
+}
+
+void DO_SAVE() {
+    FRAME(DO_SAVE);
+    STAMP();
+    const std::string window = GETSAVEWINDOW();
+    STAMP();
+    if (STREQUAL(window, SDIEdit.window())) return EDITWNDSAVE(SDIEdit, false);
+    Sound();
+}
+
+void DO_SAVE_AS() {
+    FRAME(DO_SAVE_AS);
+    STAMP();
+    EDITWNDSAVE(SDIEdit, true);
+}
+
+void DO_SAVE_ALL() {
+    FRAME(DO_SAVE_ALL);
+    STAMP();
+    SAVEALL();
+}
+
+void DO_CLOSE_ALL() {
+    FRAME(DO_CLOSE_ALL);
+    STAMP();
+    CLOSEALL();
+}
+
+void DO_CLOSE(const std::string& name) {
+    FRAME(DO_CLOSE);
+    STAMP();
+    if (STREQUAL(name, SDIEdit.window())) return Unload(SDIEdit);
+    Sound();
+}
+
+void DO_MRU(const Object& first, const Object& last, const std::string& file, const Object& programLabel) {
+    FRAME(DO_MRU);
+    STAMP();
+    requireType(first, "Menuitem");
+    requireType(last, "Menuitem");
+    requireType(programLabel, "Label");
+    const std::string name = STRTRIM(file);
+    STAMP();
+    if (name.empty()) return Sound();
+    if (FileSize(name) >= 0) return DO_OPEN(name, programLabel);
+    MSGBOX("File-Open", "File '" + file + "' was not found.");
+    STAMP();
+    REMOVEMRUITEM(GETIDEINIFILE(), "MRU", name);
+    STAMP();
+    LOADMRULIST(GETIDEINIFILE(), "MRU", 5, first);
+}
+
+void DO_EXIT() {
+    FRAME(DO_EXIT);
+    STAMP();
+    const int answer = MsgBoxEx("File-Exit", "Exit now? Any unsaved changes will be lost.", 4 + 32 + 256);
+    STAMP();
+    if (answer == 6) Halt();
+}
+
+}  // namespace tarn

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/menus/toolmenu.h"
+
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "kernel/tables/tables.h"
+#include "library/data/dbutil_windows.h"
+#include "library/system/longwork.h"
+#include "library/system/system.h"
+
+MODULE("toolmenu", tarn::TOOL_ONERROR)
+
+namespace tarn {
+namespace {
+
+constexpr const char* ExploreTitle = "Tools-Explore Data File";
+constexpr const char* DataFilter = "Data files (*.csv;*.tab;*.txt;*.xml;*.dbf;*.xbf)|"
+                                   "*.csv;*.tab;*.txt;*.xml;*.dbf;*.xbf|All files (*)|*|";
+
+bool isDelimited(DataFormat format) {
+    return format == FormatComma || format == FormatTab;
+}
+
+// What the user can do about a file that cannot be shown.
+std::string nextStep(const std::string& file, bool delimited) {
+    if (FileSize(file) <= 0) return "Choose a file that holds data.";
+    if (delimited) return "Choose the file again and change its settings. 'Preview' shows what they give.";
+    return "Use File-Open to see what is in the file, or choose another file.";
+}
+
+void tellFailure(const std::string& file, const std::string& message, bool delimited) {
+    MsgBox(ExploreTitle, message + "\n\n" + nextStep(file, delimited), "OK", BoxIcon::Error);
+}
+
+// What the file is, as far as its first rows tell. False if the user has stopped the look into it.
+bool identify(const std::string& file, DataFileInfo& info) {
+    LongWork work("Looking into '" + FILEGETFNAME(file) + "'");
+    info = GetDataFileInfo(file, nullptr);
+    return !info.stopped && !work.stopped();
+}
+
+void showTable(const std::string& file, const DataOptions* options, DataFormat format) {
+    const DataTable data = LOADDATATABLE(file, options, format);
+    STAMP();
+    if (data.step == DataTable::Step::Stopped) return;
+    if (data.step != DataTable::Step::Done) return tellFailure(file, data.message, options != nullptr);
+    if (!data.remark.empty())
+        MsgBox(ExploreTitle, "Not all of '" + file + "' could be read as it stands.\n" + data.remark, "OK",
+               BoxIcon::Warning);
+    STAMP();
+    TABLEVIEWDIALOG(Main, "", "", data.table.get(), file);
+}
+
+// The user may see by the preview what is wrong with the settings, so they are asked for even when the first
+// look found no columns.
+void exploreDelimited(const std::string& file) {
+    RecordValue record;
+    const DataFormat format = TABBEDFILESETUPDIALOG(Main, file, record.get());
+    STAMP();
+    if (format == FormatUnknown) return;
+    const DataOptions options = DataOptionsOf(record.get(), format);
+    STAMP();
+    showTable(file, &options, format);
+}
+
+}  // namespace
+
+void DO_EXPLORE_DB() {
+    FRAME(DO_EXPLORE_DB);
+    STAMP();
+    const std::string file = OpenFileDialog(ExploreTitle, "", DataFilter);
+    if (file.empty()) return;
+    STAMP();
+    DataFileInfo info;
+    if (!identify(file, info)) return;
+    STAMP();
+    if (isDelimited(info.format)) return exploreDelimited(file);
+    if (!info.message.empty()) return tellFailure(file, info.message, false);
+    showTable(file, nullptr, info.format);
+    STAMP();
+}
+
+}  // namespace tarn

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/shell/commands.h"
+
+#include "ide/menus/filemenu.h"
+#include "ide/menus/helpmenu.h"
+#include "ide/menus/runmenu.h"
+#include "ide/menus/toolmenu.h"
+#include "ide/menus/viewmenu.h"
+#include "ide/menus/wndmenu.h"
+#include "ide/shell/ide.h"
+#include "ide/shell/windows.h"
+#include "library/system/system.h"
+
+MODULE("ide", tarn::IDE_ONERROR)
+
+namespace tarn {
+namespace {
+
+// What a handler may need of the event.
+struct Fired {
+    Object control;
+    int parameter;
+};
+using Handler = void (*)(const Fired& fired);
+
+struct Row {
+    std::string_view control, button;  // the button mirrors the menu item; empty if there is none
+    Handler handler;                   // null: not built yet, so the item is disabled
+    bool isArray = false;              // `control` is the first element of a control array
+};
+
+std::string lastActive() {
+    return GetCaption(MAINCONTROL("lbllastactive"));
+}
+
+void openFile(const Fired& fired) {
+    DO_OPEN(fired.parameter == 0 ? std::string() : commandText(), MAINCONTROL("programlabel"));
+}
+
+// The caption of a recent file is "&", its digit, a blank and the path.
+void openRecent(const Fired& fired) {
+    const Object first = MAINCONTROL("file_mru_1");
+    const std::string caption = GetCaption(fired.control);
+    DO_MRU(first, first, caption.size() > 3 ? caption.substr(3) : "", MAINCONTROL("programlabel"));
+}
+
+void quickbuild(const Fired&) {
+    bool ignored = false;
+    DO_QUICKBUILD(true, ignored);
+}
+
+// The user's choice of a window must not be undone by giving the focus back.
+void chooseWindow(const Fired&) {
+    DO_WINDOW_WINDOWS();
+    SetCaption(MAINCONTROL("lbllastactive"), "");
+}
+
+void toggleToolbar(const Fired&) {
+    DO_STD_TOOLBAR(Main, MAINCONTROL("codelabel"), MAINCONTROL("view_std_toolbar"));
+}
+
+// The commands in the order in which they are tried.
+constexpr Row rows[] = {
+    {"file_new_textfile", "btnfile_new_textfile",
+     [](const Fired&) { DO_NEW_TEXTFILE(MAINCONTROL("codelabel")); }},
+    {"file_new_class", "", nullptr},
+    {"file_new_program", "", nullptr},
+    {"file_open", "btnfile_open", openFile},
+    {"file_open_examples", "", nullptr},
+    {"file_save", "btnfile_save", [](const Fired&) { DO_SAVE(); }},
+    {"file_save_as", "", [](const Fired&) { DO_SAVE_AS(); }},
+    {"file_save_all", "", [](const Fired&) { DO_SAVE_ALL(); }},
+    {"file_close_all", "", [](const Fired&) { DO_CLOSE_ALL(); }},
+    {"file_close", "", [](const Fired&) { DO_CLOSE(lastActive()); }},
+    {"file_print", "btnfile_print", nullptr},
+    {"file_printer_setup", "", nullptr},
+    {"file_mru_1", "", openRecent, true},
+    {"file_exit", "", [](const Fired&) { DO_EXIT(); }},
+    {"edit_undo_01", "", nullptr, true},
+    {"edit_cut", "", nullptr},
+    {"edit_copy", "", nullptr},
+    {"edit_paste", "", nullptr},
+    {"edit_delete", "", nullptr},
+    {"edit_select_all", "", nullptr},
+    {"edit_comment_block", "", nullptr},
+    {"edit_uncomment_block", "", nullptr},
+    {"edit_insert_file", "", nullptr},
+    {"edit_find", "btnedit_find", nullptr},
+    {"edit_find_next", "", nullptr},
+    {"edit_replace", "btnedit_replace", nullptr},
+    {"edit_properties", "", nullptr},
+    {"view_line", "", nullptr},
+    {"view_function_list", "", nullptr},
+    {"view_browse_info", "", nullptr},
+    {"view_errors", "", [](const Fired&) { DO_ERRORS(); }},
+    {"view_program_window", "", nullptr},
+    {"view_std_toolbar", "", toggleToolbar},
+    {"view_toolbox", "", nullptr},
+    {"program_add_class", "", nullptr},
+    {"program_add_rcfile", "", nullptr},
+    {"program_add_dialog", "", nullptr},
+    {"program_add_database", "", nullptr},
+    {"program_add_file", "", nullptr},
+    {"program_edit_properties", "", nullptr},
+    {"program_refresh", "", nullptr},
+    {"program_remove_file", "", nullptr},
+    {"program_show_input", "", nullptr},
+    {"program_show_output", "", nullptr},
+    {"program_copy_exe", "", nullptr},
+    {"run_quickbuild", "btnrun_quickbuild", quickbuild},
+    {"run_rebuild", "", [](const Fired&) { DO_REBUILD(); }},
+    {"run_compile", "", [](const Fired&) { DO_COMPILE(); }},
+    {"run_start", "btnrun_start", [](const Fired&) { DO_START(); }},
+    {"run_debug", "btnrun_debug", nullptr},
+    {"run_arguments", "", [](const Fired&) { DO_ARGUMENTS(); }},
+    {"run_info", "", nullptr},
+    {"tools_explore_rcfile", "", nullptr},
+    {"tools_explore_db", "", [](const Fired&) { DO_EXPLORE_DB(); }},
+    {"tools_test_dialog", "", nullptr},
+    {"tools_test_rcfile", "", nullptr},
+    {"tools_convert_bmp", "", nullptr},
+    {"tools_options_rcfile", "", nullptr},
+    {"tools_options_comp", "", nullptr},
+    {"tools_options_debug", "", nullptr},
+    {"tools_options_editor", "", nullptr},
+    {"tools_options_fonts", "", nullptr},
+    {"tools_options_gen", "", nullptr},
+    {"tools_options_paths", "", nullptr},
+    {"window_arrange", "", [](const Fired&) { DO_WINDOW_ARRANGE(); }},
+    {"window_close_all", "", [](const Fired&) { DO_WINDOW_CLOSE_ALL(); }},
+    {"window_windows", "", chooseWindow},
+    {"window_program", "", [](const Fired&) { DO_WINDOW_PROGRAM(); }},
+    {"window_code", "", [](const Fired&) { DO_WINDOW_CODE(); }},
+    {"window_dialog", "", [](const Fired&) { DO_WINDOW_DIALOG(); }},
+    {"window_browser", "", [](const Fired&) { DO_WINDOW_BROWSER(); }},
+    {"window_error", "", [](const Fired&) { DO_WINDOW_ERROR(); }},
+    {"help_filecontents", "", [](const Fired&) { DO_FILECONTENTS(); }},
+    {"help_fileindex", "", [](const Fired&) { DO_FILEINDEX(); }},
+    {"help_using_help", "", [](const Fired&) { DO_USING_HELP(); }},
+    {"help_developer_env", "", [](const Fired&) { DO_DEVELOPER_ENV(); }},
+    {"help_keyboard", "", [](const Fired&) { DO_KEYBOARD(); }},
+    {"help_getting_started", "", [](const Fired&) { DO_GETTING_STARTED(); }},
+    {"help_example_progs", "", [](const Fired&) { DO_EXAMPLE_PROGS(); }},
+    {"help_how_do_i", "", [](const Fired&) { DO_HOW_DO_I(); }},
+    {"help_compiler_errors", "", [](const Fired&) { DO_COMPILER_ERRORS(); }},
+    {"help_run_time_errors", "", [](const Fired&) { DO_RUN_TIME_ERRORS(); }},
+    {"help_tech_support", "", [](const Fired&) { DO_TECH_SUPPORT(); }},
+    {"help_about", "", nullptr},
+};
+
+bool inArrayOf(const Object& control, const Object& first) {
+    if (first.empty() || control.window() != first.window()) return false;
+    const Bounds bounds = ControlBounds(first);
+    const Object last = ControlElement(first, bounds.upper);
+    return control.number() >= first.number() && control.number() <= last.number();
+}
+
+bool matches(const Row& row, const Object& control, const std::string& name) {
+    if (row.isArray) return inArrayOf(control, MAINCONTROL(row.control));
+    return name == row.control || (!row.button.empty() && name == row.button);
+}
+
+}  // namespace
+
+void DO_COMMAND(const Object& control, int parameter) {
+    FRAME(DO_COMMAND);
+    STAMP();
+    const std::string name = GetName(control);
+    for (const Row& row : rows) {
+        if (!matches(row, control, name)) continue;
+        STAMP();
+        if (row.handler != nullptr) row.handler(Fired{control, parameter});
+        break;
+    }
+    STAMP();
+    UPDATEMAINWINDOW();
+    STAMP();
+    REACTIVATELASTWINDOW();
+    STAMP();
+}
+
+bool HASHANDLER(std::string_view controlName) {
+    FRAME(HASHANDLER);
+    for (const Row& row : rows) {
+        if (row.control == controlName || row.button == controlName) return row.handler != nullptr;
+    }
+    return false;
+}
+
+void DISABLEUNHANDLED() {
+    FRAME(DISABLEUNHANDLED);
+    for (const Row& row : rows) {
+        STAMP();
+        if (row.handler != nullptr) continue;
+        SetEnabled(MAINCONTROL(row.control), false);
+        if (!row.button.empty()) SetEnabled(MAINCONTROL(row.button), false);
+    }
+}
+
+}  // namespace tarn

@@ -1,0 +1,512 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/shell/ide.h"
+
+#include "ide/build/textview.h"
+#include "ide/editor/textedit.h"
+#include "ide/menus/filemenu.h"
+#include "ide/menus/runmenu.h"
+#include "ide/menus/viewmenu.h"
+#include "ide/program/projedit.h"
+#include "ide/shell/commands.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/rescue.h"
+#include "ide/shell/startup.h"
+#include "ide/shell/windows.h"
+#include "library/dialogs/commdlgs.h"
+#include "library/dialogs/dlgutil.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
+#include "os/files.h"
+#include "os/process.h"
+
+#include <algorithm>
+
+MODULE("ide", tarn::IDE_ONERROR)
+
+namespace tarn {
+
+// ---- second instance and errors ----
+
+namespace {
+
+// Gives the file of the command line to the copy that runs, or says why not.
+void handOver() {
+    const std::string file = GETCOMMANDLINEFILE();
+    if (IsLoaded(Main)) SetCaption(Main, "");  // so that the search cannot find this copy
+    const OtherControl found = FINDOTHERCONTROL(os::executablePath(), GETMAINCAPTIONSTR(), "File_Open");
+    if (found.window && found.control != 0) {
+        const bool content = FileSize(file) > 0;
+        if (content && CommandOtherWindow(found.windowClass, GETMAINCAPTIONSTR(), found.control, file))
+            return;
+        if (!content && !file.empty()) {
+            Sound();
+            MsgBox("Error",
+                   "The following file:\n\n\t'" + file +
+                       "'\n\ndoes not exist and cannot be opened. Try again with another file.",
+                   "OK", BoxIcon::Error);
+            return;
+        }
+    }
+    Sound();
+    MsgBox("Error 807", ErrorDetails(), "OK", BoxIcon::Error);
+}
+
+bool mayContinue(std::int32_t code) {
+    return code == 687 || code == 727 || (code >= 901 && code <= 992);
+}
+
+}  // namespace
+
+void IDE_ONERROR(std::int32_t code) {
+    const Reporting report;
+    if (!report.entered()) return;
+    if (code == 807) {
+        handOver();
+        Halt();
+    }
+    const bool offer = mayContinue(code);
+    if (!offer) RESCUETEXT();  // the user may never close the box
+    Sound();
+    const std::string answer =
+        MsgBox("Error " + STR(code), ErrorDetails(), offer ? "Continue\nHalt" : "OK", BoxIcon::Error);
+    if (!offer || answer != "Continue") {
+        RESCUETEXT();
+        Halt();
+    }
+    ContinueAfterError();
+}
+
+// ---- settings check ----
+
+namespace {
+
+constexpr std::string_view requiredSections[] = {"Edit_Find",
+                                                 "Edit_Replace",
+                                                 "ordo",
+                                                 "Compoptionsdlg",
+                                                 "Debugoptionsdlg",
+                                                 "Editoroptionsdlg",
+                                                 "Genoptionsdlg",
+                                                 "Pathsoptionsdlg",
+                                                 "Sdiedit",
+                                                 "Viewdlg",
+                                                 "Projecteditordlg",
+                                                 "Main",
+                                                 "Gotofuncdlg",
+                                                 "debug",
+                                                 "Argumentsdlg",
+                                                 "Confirmremovedlg",
+                                                 "BrowseInfoDlg",
+                                                 "MRU"};
+
+// These have the class extension behind them.
+constexpr std::string_view requiredStems[] = {"Hilite",
+                                              "Template.NewNonMainClass",
+                                              "Template.NewMainClass",
+                                              "Template.NewDialog",
+                                              "Template.FunctionBody",
+                                              "Template.DialogBody",
+                                              "Template.DataViewDialog",
+                                              "Template.TableDeclaration",
+                                              "Template.DatabaseDialog"};
+
+std::string indented(const std::string& lines) {
+    std::string result;
+    for (int i = 1; i <= STRLINES(lines); i++) result += "\t" + STRLINE(lines, i) + "\n";
+    return result;
+}
+
+void checkSettings(const std::string& ini) {
+    const std::string backup = FILECHANGEEXT(ini, ".bak");
+    const std::string missing = CHECKINIFILE(ini);
+    if (missing.empty()) return;
+    const std::string backupLine =
+        FileSize(backup) > 0 ? "(There is a backup INI file in '" + backup + "')" : "";
+    Sound();
+    const std::string answer =
+        MsgBox("Error",
+               "The INI file '" + ini + "' is missing or invalid.\n" +
+                   "One or more of the following sections are missing:\n\n" + indented(LIMITLINES(missing)) +
+                   "\nThis may prevent the compiler from working, or may cause the IDE\n"
+                   "to run slowly. The INI file should be restored from a backup.\n" +
+                   backupLine,
+               "Halt\nContinue", BoxIcon::Error);
+    if (answer == "Halt") Halt();
+}
+
+}  // namespace
+
+std::string CHECKINIFILE(const std::string& iniFile) {
+    FRAME(CHECKINIFILE);
+    STAMP();
+    const std::string names = "\n" + PROFILESTRSECTIONS(iniFile);
+    std::string missing;
+    const auto require = [&](const std::string& section) {
+        if (STRFIND("\n" + section + "\n", names) == 0) missing += section + "\n";
+    };
+    for (const std::string_view section : requiredSections) require(std::string(section));
+    for (const std::string_view stem : requiredStems)
+        require(std::string(stem) + std::string(ClassExtension));
+    return missing;
+}
+
+// ---- load ----
+
+namespace {
+
+void setTraceFromSettings(const std::string& ini) {
+    const std::string level = PROFILESTRGET(ini, "DebugOptionsDlg", "Traceide");
+    bool ok = false;
+    const int mode = CVTI(level, ok);
+    if (ISDIGITS(level) && ok && level != STR(GetTraceMode())) SetTraceMode(mode);
+}
+
+void placeMainWindow(const std::string& ini) {
+    constexpr int margin = 20;  // keeps a window reachable that overlaps the edge of the screen
+    const std::string text = PROFILESTRGET(ini, "Main", "_Position");
+    const Rect screen = ScreenSize();
+    int n[4] = {};
+    bool numbers = !text.empty();
+    for (int i = 0; i < 4; i++) {
+        bool ok = false;
+        n[i] = CVTI(STRWORD(text, i + 1), ok);
+        numbers = numbers && ok;
+    }
+    const bool honoured = numbers && n[0] >= -margin && n[0] <= screen.w - margin && n[1] >= -margin &&
+                          n[1] <= screen.h - margin && n[2] > 0 && n[3] > 0;
+    SetPosition(Main, WINDOW_UNIT,
+                honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{screen.x, screen.y, screen.w, 1});
+}
+
+// At the first start the Code window takes the room below the main window and leaves the error window's at
+// the bottom.
+void placeCodeWindow(const std::string& ini) {
+    if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
+    WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
+    const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
+    const int top = main.y + main.h;
+    EDITWNDSETMAXSIZE(SDIEdit, Main);
+    SetPosition(SDIEdit, WINDOW_UNIT,
+                Rect{screen.x, top, screen.w * 3 / 4, (screen.y + screen.h - top) * 3 / 4});
+}
+
+void showToolbarAsSet(const std::string& ini) {
+    const Object item = MAINCONTROL("view_std_toolbar");
+    SetChecked(item, PROFILESTRGET(ini, "Main", "VIEW_STD_TOOLBAR") != "1");
+    DO_STD_TOOLBAR(Main, MAINCONTROL("codelabel"), item);
+}
+
+// ---- the Edit-Undo menu items: 50 handles kept as text, since the array shrinks when items are removed ----
+
+constexpr int undoItems = 50;
+
+bool isMenuitem(const Object& item) {
+    return STREQUAL(GetTypeof(item), "Menuitem");
+}
+
+std::string handlesAsText(const int (&handles)[undoItems]) {
+    std::string text;
+    for (const int handle : handles) text += STR(handle) + "\n";
+    return text;
+}
+
+void handlesFromText(const std::string& text, int (&handles)[undoItems]) {
+    for (int i = 0; i < undoItems; i++) {
+        bool ok = false;
+        handles[i] = CVTI(STRLINE(text, i + 1), ok);
+    }
+}
+
+std::string undoHandleText() {
+    return STRREPLACE(GetText(MAINCONTROL("edtmenuarray")), "\r\n", "\n");
+}
+
+void noteUndoItems() {
+    const Object store = MAINCONTROL("edtmenuarray");
+    SetText(store, "");
+    const Object first = MAINCONTROL("edit_undo_01");
+    Assert(isMenuitem(first), "Edit-Undo is not a valid menuitem");
+    const Bounds bounds = ControlBounds(first);
+    Assert(bounds.lower == 1 && bounds.upper == undoItems,
+           "Edit-Undo array does not have the correct range: " + STR(bounds.lower) + " " + STR(bounds.upper));
+    int handles[undoItems] = {};
+    for (int i = 1; i <= undoItems; i++) {
+        const Object item = ControlElement(first, i);
+        handles[i - 1] = GetHandle(item);
+        Assert(isMenuitem(item),
+               "EDIT_UNDO_01[" + STR(i) + "] is not a valid menuitem: " + STR(handles[i - 1]));
+    }
+    SetText(store, handlesAsText(handles));
+    int again[undoItems] = {};
+    handlesFromText(undoHandleText(), again);
+    Assert(handlesAsText(again) == handlesAsText(handles),
+           "aControls[] did not correctly convert into a string");
+    for (int i = 0; i < undoItems; i++) {
+        const std::string place = "aControls[" + STR(i + 1) + "] ";
+        Assert(again[i] == handles[i], place + "was not copied: " + STR(handles[i]) + " : " + STR(again[i]));
+        Assert(isMenuitem(FindHandle(again[i])), place + "is not a valid menuitem: " + STR(again[i]));
+    }
+}
+
+// The menu items that were noted must still be there whenever the menu is made anew.
+void checkUndoItems() {
+    const std::string text = undoHandleText();
+    Assert(STRLINES(text) == undoItems,
+           "aControls was setup wrongly under the Load event: " + STR(STRLINES(text)));
+    Assert(isMenuitem(MAINCONTROL("edit_undo_01")),
+           "aControls[1] is invalid after being re-loaded from Main.edtMenuarray, type: " +
+               GetTypeof(MAINCONTROL("edit_undo_01")));
+}
+
+void chooseOpeningAction(const std::string& ini, const std::string& file) {
+    if (!file.empty()) return DO_OPEN(file, MAINCONTROL("programlabel"));
+    const auto chosen = [&](std::string_view key) { return PROFILESTRGET(ini, "GenOptionsDlg", key) == "1"; };
+    if (chosen("rbStartup1")) return DO_NEW_TEXTFILE(MAINCONTROL("codelabel"));
+    if (chosen("rbStartup2")) return;  // a new program: the command does not exist yet
+    if (chosen("rbStartup3")) STARTUPDIALOG();
+}
+
+void goToLastFolder(const std::string& ini) {
+    const std::string last = PROFILESTRGET(ini, "Main", "LastPath");
+    const bool wanted = PROFILESTRGET(ini, "GenOptionsDlg", "SavePath") == "1" && !last.empty();
+    if (wanted && os::infoOf(last).folder) SETCURDIR(last);  // it may have gone since
+}
+
+}  // namespace
+
+void DO_LOAD() {
+    FRAME(DO_LOAD);
+    STAMP();
+    const std::string ini = GETIDEINIFILE();
+    SPLASHDLG_SHOWWITHBUTTONS();
+    STAMP();
+    checkSettings(ini);
+    STAMP();
+    setTraceFromSettings(ini);
+    STAMP();
+    PREPARESETTINGS();
+    STAMP();
+    REFRESHCOMMANDLINE();
+    STAMP();
+    Assert(GetName(MAINCONTROL("CodeLabel")) == "codelabel" &&
+           GetName(MAINCONTROL("ProgramLabel")) == "programlabel");
+    STAMP();
+    SetCaption(Main, GETMAINCAPTIONSTR());
+    STAMP();
+    placeMainWindow(ini);
+    STAMP();
+    showToolbarAsSet(ini);
+    STAMP();
+    noteUndoItems();
+    STAMP();
+    Load(SDIEdit);
+    STAMP();
+    EDITWNDSETMAXSIZE(SDIEdit, Main);
+    STAMP();
+    AppIcon(GETAPPDIR() + "mainicon.ico");
+    STAMP();
+    const std::string file = GETCOMMANDLINEFILE();
+    goToLastFolder(ini);
+    STAMP();
+    DISABLEUNHANDLED();
+    STAMP();
+    Show(Main, false);
+    STAMP();
+    SPLASHDLG_UNLOAD();
+    STAMP();
+    placeCodeWindow(ini);
+    STAMP();
+    const bool restored = OFFERRESCUEDTEXT();
+    STAMP();
+    if (!restored) chooseOpeningAction(ini, file);
+    STAMP();
+    UPDATEMAINWINDOW();
+    STAMP();
+}
+
+// ---- unload ----
+
+void DO_UNLOAD() {
+    FRAME(DO_UNLOAD);
+    const std::string ini = GETIDEINIFILE();
+    STAMP();
+    PROFILESTRPUT(ini, "Main", "LastPath", "\"" + GETCURDIR() + "\"");
+    STAMP();
+    const Rect place = GetPosition(Main, WINDOW_UNIT);
+    PROFILESTRPUT(ini, "Main", "_Position",
+                  STR(place.x) + " " + STR(place.y) + " " + STR(place.w) + " " + STR(place.h));
+    STAMP();
+}
+
+// ---- bringing the window up to date ----
+
+bool ISSDIWINDOW(const Object& window) {
+    FRAME(ISSDIWINDOW);
+    if (!IsLoaded(window)) return false;
+    STAMP();
+    if (!GetVisible(window)) return false;
+    for (const Object& sdi : {ProjectEditorDlg, SDIEdit, DialogDlg, BrowseInfoDlg, ViewDlg}) {
+        if (window == sdi) return true;
+    }
+    return false;
+}
+
+void REACTIVATELASTWINDOW() {
+    FRAME(REACTIVATELASTWINDOW);
+    if (!IsLoaded(Main)) return;
+    const Object label = MAINCONTROL("lbllastactive");
+    STAMP();
+    const std::string name = GetCaption(label);
+    if (name.empty()) return;
+    const Object last = FindWindow(name);
+    STAMP();
+    if (!ISSDIWINDOW(ActiveWindow()) && IsLoaded(last) && GetVisible(last)) Show(last, false);
+    STAMP();
+    SetCaption(label, name);  // showing the window has changed it
+}
+
+void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
+    FRAME(POPULATEMENUITEMS);
+    STAMP();
+    checkUndoItems();
+    while (ControlBounds(menuArray).upper > 1) RemoveMenuitem(ControlElement(menuArray, 2));
+    STAMP();
+    Assert(ControlBounds(menuArray).lower == 1 && ControlBounds(menuArray).upper == 1 &&
+           isMenuitem(menuArray));
+    STAMP();
+    if (items.empty()) {
+        SetCaption(menuArray, " ------ No backups ------ ");
+        SetEnabled(menuArray, false);
+        return;
+    }
+    const int total = std::min(undoItems, STRLINES(items));
+    for (int i = 2; i <= total; i++) {
+        STAMP();
+        AddMenuitem(ControlElement(menuArray, i - 1), "");
+    }
+    for (int i = 1; i <= total; i++) {
+        STAMP();
+        std::string line = STRLINE(items, i);
+        const bool heading = line.starts_with('*');
+        if (heading) line = STRTRIM(std::string_view(line).substr(1));
+        SetEnabled(ControlElement(menuArray, i), !heading);
+        SetCaption(ControlElement(menuArray, i), line);
+    }
+}
+
+namespace {
+
+void enable(std::string_view control, bool on) {
+    SetEnabled(MAINCONTROL(control), on && HASHANDLER(control));
+}
+
+void enableCommands(bool programIsClass, bool codeIsClass) {
+    const Object program = MAINCONTROL("program_add_dialog");
+    const Bounds bounds = ControlBounds(program);
+    for (int i = bounds.lower; i <= bounds.upper; i++) {
+        const Object item = ControlElement(program, i);
+        if (isMenuitem(item)) SetEnabled(item, programIsClass && HASHANDLER(GetName(item)));
+    }
+    for (const std::string_view name :
+         {"run_quickbuild", "run_rebuild", "run_compile", "run_start", "run_debug", "run_info"})
+        enable(name, programIsClass || codeIsClass);
+    enable("window_program", ISSHOWN(ProjectEditorDlg));
+    enable("window_code", ISSHOWN(SDIEdit));
+    enable("window_dialog", ISSHOWN(DialogDlg));
+    enable("window_browser", ISSHOWN(BrowseInfoDlg));
+    enable("window_error", ISSHOWN(ViewDlg));
+}
+
+}  // namespace
+
+void UPDATEMAINWINDOW() {
+    FRAME(UPDATEMAINWINDOW);
+    if (!IsLoaded(Main)) return;
+    STAMP();
+    const std::string program = PROJECTGETMAINFILE();
+    const std::string code = EDITWNDGETFILENAME(SDIEdit);
+    SetCaption(MAINCONTROL("programlabel"), program);
+    SetCaption(MAINCONTROL("codelabel"), code);
+    STAMP();
+    LOADMRULIST(GETIDEINIFILE(), "MRU", 5, MAINCONTROL("file_mru_1"));
+    STAMP();
+    enable("view_toolbox", ISSHOWN(DialogDlg));
+    STAMP();
+    POPULATEMENUITEMS(MAINCONTROL("edit_undo_01"), "");
+    STAMP();
+    enableCommands(ISCLASSFILE(program), ISCLASSFILE(code));
+    STAMP();
+}
+
+// ---- events ----
+
+namespace {
+
+void activated(int handle) {
+    const Object window = FindHandle(handle);
+    if (ISSDIWINDOW(window)) SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
+    UPDATEMAINWINDOW();
+}
+
+bool keyPressed(int key) {
+    if (key == KEY_F1) SHOWHELP("Developer Environment");
+    if (key == KEY_ESCAPE) REACTIVATELASTWINDOW();
+    return key == KEY_F1 || key == KEY_ESCAPE;
+}
+
+// Each window asks its own question about saving; the first that stays vetoes.
+bool closeVetoed() {
+    if (!CLOSEALL()) return true;
+    DO_UNLOAD();
+    return false;
+}
+
+}  // namespace
+
+bool MAIN(const Object&, int event, const Object& control, int parameter) {
+    FRAME(MAIN);
+    STAMP();
+    bool result = true;
+    switch (event) {
+    case LOAD_EVENT: DO_LOAD(); break;
+    case ACTIVATE_EVENT: activated(parameter); break;
+    case KEYPRESS_EVENT: result = keyPressed(parameter); break;
+    case COMMAND_EVENT: DO_COMMAND(control, parameter); break;
+    case CLOSE_EVENT: result = closeVetoed(); break;
+    default: result = false;
+    }
+    STAMP();
+    return result;
+}
+
+// ---- the program ----
+
+void REGISTERWINDOWS() {
+    FRAME(REGISTERWINDOWS);
+    STAMP();
+    RegisterWindow(Main, MAIN);
+    RegisterWindow(SDIEdit, SDIEDIT);
+    RegisterWindow(ViewDlg, VIEWDLG);
+    RegisterWindow(StartupDlg, STARTUPDLG);
+    RegisterWindow(FileInfoDlg, FILEINFODLG);
+    RegisterWindow(ArgumentsDlg, ARGUMENTSDLG);
+    SetRescueHook(RESCUETEXT);
+    STAMP();
+}
+
+void RUNIDE() {
+    ProcessStart(false);
+    DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
+    REGISTERWINDOWS();
+    {
+        FRAME(RUNIDE);
+        STAMP();
+        Load(Main);
+        STAMP();
+        MainLoop(Main);
+    }
+    DebugEnd();
+    ProcessStop();
+}
+
+}  // namespace tarn

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Frames, errors and the run of a program under the names that compiled programs use. The values are in
+// api_values.cpp.
+#include "kernel/api/api.h"
+
+#include "kernel/run/errors.h"
+#include "kernel/run/report.h"
+#include "kernel/run/runtime.h"
+#include "kernel/start/process.h"
+#include "kernel/values/strings.h"
+#include "os/process.h"
+
+namespace {
+
+const tarn::StringDescriptor* string(const tarn_string* s) {
+    return reinterpret_cast<const tarn::StringDescriptor*>(s);
+}
+
+std::string_view text(const char* chars) {
+    return chars != nullptr ? chars : "";
+}
+
+const tarn_program* running = nullptr;
+
+void call(void (*step)()) {
+    if (step != nullptr) step();
+}
+
+void runProgram() {
+    const tarn_program& program = *running;
+    tarn::ProcessStart({program.memory_checking != 0, program.single_instance != 0});
+    tarn::DebugStart(program.debug_mode, tarn::ProductWord, tarn::ProductVersion, tarn::ProductBuild,
+                     text(program.main_source));
+    if (text(program.library_version) != tarn::ProductVersion) tarn::SetError(tarn::ERR_LIBRARY_VERSION);
+    call(program.initialise);
+    call(program.main);
+    call(program.finalise);
+    tarn::DebugEnd();
+    tarn::ProcessStop();
+}
+
+}  // namespace
+
+extern "C" {
+
+void tarn_enter(const char* class_name, const char* function_name, int32_t line) {
+    tarn::FunctionEnter(class_name, function_name, line);
+}
+void tarn_leave(void) {
+    tarn::FunctionLeave();
+}
+void tarn_stamp_slow(int32_t line, int32_t action, tarn_error_handler handler) {
+    tarn::StampSlow(line, action, handler);
+}
+void tarn_default_onerror(int32_t code) {
+    tarn::DefaultErrorHandler(code);
+}
+int32_t tarn_report_begin(void) {
+    return tarn::BeginReport() ? 1 : 0;
+}
+void tarn_report_end(void) {
+    tarn::EndReport();
+    tarn::ContinueAfterError();
+}
+void tarn_register_class(const char* source_path, const char* class_name) {
+    tarn::RegisterClass(text(source_path), text(class_name));
+}
+void tarn_register_variable(const char* name, char role, int32_t kind, void* address) {
+    tarn::RegisterVariable(text(name), role, kind, address);
+}
+void tarn_clear_error(void) {
+    tarn::ClearError();
+}
+void tarn_assert(int32_t condition, const tarn_string* s) {
+    if (condition == 0) tarn::Assert(false, s != nullptr ? tarn::StringView(string(s)) : std::string_view());
+}
+void tarn_precondition(int32_t condition) {
+    tarn::Precondition(condition != 0);
+}
+void tarn_postcondition(int32_t condition) {
+    tarn::Postcondition(condition != 0);
+}
+
+int tarn_run(int argc, char** argv, const tarn_program* program) {
+    tarn::os::setCommandLine(argc, argv);
+    running = program;
+    tarn::RunProtected(runProgram);
+    return 0;
+}
+
+}  // extern "C"

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The lines of a file, read in blocks and served from where they were read: nothing is copied but the head of
+// a line that a block cuts in two. Meant for static storage: the buffer is not cleared by the constructor.
+#pragma once
+
+#include "kernel/data/scanner/scanner.h"
+#include "os/files.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace tarn {
+
+// Bytes that may be read and written behind every line and text, so that short runs are copied in one step.
+inline constexpr std::size_t ScannerSlack = 16;
+
+// Lines are counted as far as their number can be told.
+constexpr std::int32_t lineNumberAfter(std::int32_t number) {
+    return number < INT32_MAX ? number + 1 : number;
+}
+
+class LineReader {
+public:
+    LineReader() { close(); }
+    os::FileError open(const std::string& path);  // ReadFailed for what is no regular file
+    void close();
+
+    // Goes to the next line. Its line end is one byte 10 in place of LF or CR LF, also behind a last line
+    // without one. The end of the file, and a failure to read, is a "line" of the byte 26 alone.
+    void next();
+
+    // The line with its end; empty before the first.
+    [[nodiscard]] const unsigned char* begin() const { return reinterpret_cast<const unsigned char*>(line_); }
+    [[nodiscard]] const unsigned char* end() const { return begin() + length_; }
+    [[nodiscard]] std::int32_t number() const { return number_; }  // stays at the end of the file
+    [[nodiscard]] std::int64_t bytesRead() const { return offset_; }
+    [[nodiscard]] bool cut() const { return cut_; }  // the line was too long
+    [[nodiscard]] os::FileError error() const {
+        return error_;
+    }  // of the opening or of a read; kept by `close`
+
+private:
+#ifdef TARNWICK_TINY
+    static constexpr std::size_t readSize = 7;
+#else
+    static constexpr std::size_t readSize = 65536;
+#endif
+    static constexpr std::size_t maxLine = MaxScannerLine;
+
+    bool fill();
+    bool readBehind(std::size_t keep);
+    void take(std::size_t length);
+    void setLine(std::size_t length);
+    void takeLong();
+
+    os::Handle handle_ = -1;
+    std::int64_t offset_ = 0;  // of what comes next in the file
+    bool ended_ = true;
+    os::FileError error_ = os::FileError::None;
+    std::size_t next_ = 0, filled_ = 0;  // what was read and not served yet stands between them
+    const char* line_ = nullptr;
+    std::int32_t length_ = 0, number_ = 0;
+    bool cut_ = false;
+    char buffer_[maxLine + 1 + readSize + 1 + ScannerSlack];
+};
+
+}  // namespace tarn

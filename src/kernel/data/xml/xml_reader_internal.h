@@ -1,0 +1,331 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the modules of the XML reader share: the state of the one read that goes on, and the steps that they
+// are made of. The grammar is spread as: xml_prolog.cpp (up to the first element), xml_element.cpp (tags and
+// attributes), xml_content.cpp (what stands between tags); xml_bind.cpp puts data into values and
+// xml_types.cpp makes type information text of the structure.
+//
+// Errors that operations on values leave in the error cell are taken from there into the record at once:
+// `ReadXml` puts the cell aside for the whole read.
+#pragma once
+
+#include "kernel/data/scanner/scanner.h"
+#include "kernel/data/scanner/scanner_bytes.h"
+#include "kernel/data/xml/xml.h"
+#include "kernel/data/xml/xml_entities.h"
+#include "kernel/run/progress.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/records.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace tarn {
+
+// ---- limits ----
+
+// Characters of one element, its children's not counted.
+inline constexpr std::int32_t MaxXmlText = 32768;
+// Characters of the type information text of one element.
+inline constexpr std::int32_t MaxXmlTypeText = 32768;
+// Elements inside one another; more would be too many for the text of their types as well.
+inline constexpr std::int32_t MaxXmlDepth = 250;
+
+// Puts the error cell aside, so that what is found in it comes from the operation that goes on.
+class XmlCellAside {
+public:
+    XmlCellAside() : pending_(ErrorCell()) { tarn_error_cell = 0; }
+    ~XmlCellAside() { tarn_error_cell = pending_; }
+    XmlCellAside(const XmlCellAside&) = delete;
+    XmlCellAside& operator=(const XmlCellAside&) = delete;
+
+private:
+    std::int32_t pending_;
+};
+
+// ---- the state of a read ----
+
+enum XmlSymbol : std::int32_t {
+    XmlDeclaration = 1,  // <?xml
+    XmlInstructionEnd,   // ?>
+    XmlInstruction,      // <?
+    XmlPercent,
+    XmlVersion,
+    XmlEncoding,
+    XmlStandalone,
+    XmlDoctype,
+    XmlSystem,
+    XmlPublic,
+    XmlNdata,
+    XmlElementDeclaration,
+    XmlAttlist,
+    XmlEntity,
+    XmlNotation,
+    XmlCdata,
+    XmlTag,  // <
+    XmlName,
+    XmlEmptyEnd,  // />
+    XmlTagEnd,    // >
+    XmlEndTag,    // </
+    XmlEquals,
+    XmlOpen,   // [
+    XmlClose,  // ]
+    XmlSingleQuoted,
+    XmlDoubleQuoted,
+    XmlComment,
+};
+
+// What the children of the outermost element are to a table.
+enum class XmlTableForm {
+    Rows,
+    Values,       // each is the first field of a row
+    RowsInFirst,  // the first holds the rows, the others are nothing
+};
+
+// Made once for a read.
+struct XmlTables {
+    SymbolTable symbols;
+    EntityTable entities;
+};
+
+struct XmlReader {
+    XmlTables& tables;
+    bool discover;  // the structure is wanted
+    XmlTableForm form = XmlTableForm::Rows;
+    ErrorRecord error{};
+    ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
+    bool stopped = false;              // by the user: nothing of this read counts
+    bool abandoned = false;            // what follows cannot be read
+    ErrorRecord lost{};                // the first data that the value has no place for
+    std::int32_t depth = 0;            // open elements
+    std::string names{};               // of the open elements, and of a child that was just read
+    std::string text{};                // of the open elements, one behind another
+    std::int64_t size = 0, shown = 0;  // bytes of the file, and how many were there at the last progress
+
+    [[nodiscard]] bool ended() const { return stopped || abandoned; }
+};
+
+// A value that takes what an element holds; null: nothing does.
+struct XmlTarget {
+    void* value = nullptr;
+    Kind kind = KindNone;
+    // What is made of one text: kinds 1 to 6, and sets.
+    [[nodiscard]] bool takesText() const {
+        return value != nullptr && (kind <= KindString || kind == KindSet);
+    }
+    [[nodiscard]] bool hasFields() const {
+        return value != nullptr && (kind == KindRecord || kind == KindUnion);
+    }
+};
+
+// The fields of a record or union, one after another; behind the last there is none.
+class XmlFields {
+public:
+    explicit XmlFields(XmlTarget target) {
+        if (target.hasFields()) record_ = static_cast<RecordDescriptor*>(target.value);
+    }
+    XmlTarget next() {
+        const Kind kind = record_ != nullptr ? FieldKindAt(record_->kinds, number_ + 1) : KindNone;
+        if (kind == KindNone) return {};
+        ++number_;
+        char* const field = At(record_->data) + offset_;
+        offset_ += KindSize[kind];
+        return {field, kind};
+    }
+
+private:
+    RecordDescriptor* record_ = nullptr;
+    std::int32_t number_ = 0, offset_ = 0;
+};
+
+// What an element tells the one around it.
+struct XmlElementResult {
+    std::string typeText;       // with `discover`
+    std::string typeAttribute;  // with `discover`
+    std::string index;
+};
+
+// ---- steps (xml_read.cpp) ----
+
+// At the place of the scanner.
+void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
+// Without a place; the message is the text of the code when it is empty.
+ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
+// What an element holds has no place in the value. That is no error of the read, but a table may be read in
+// another form.
+void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element);
+// Moves the error of an operation on a value from the cell; 0 for none.
+inline std::int32_t XmlTakeCellError() {
+    const std::int32_t code = ErrorCell();
+    if (code != 0) tarn_error_cell = 0;
+    return code;
+}
+// What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
+void XmlNoteFinding(XmlReader& reader, ScanStatus status);
+inline void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
+    const bool far = ScannerBytesRead() - reader.shown >= ProgressStep;
+    if ((status != ScanClean && status != ScanNewLine) || far) XmlNoteFinding(reader, status);
+}
+inline void XmlNext(XmlReader& reader) {
+    const ScanStatus status = ScannerNext(&reader.tables.symbols);
+    if (status != ScanClean) XmlNoteStatus(reader, status);
+}
+void XmlReportSymbol(XmlReader& reader);
+// False, and reported, when the symbol is none of these.
+inline bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed) {
+    const std::int32_t found = ScannerSymbol();
+    for (const std::int32_t symbol : allowed)
+        if (found == symbol) return true;
+    XmlReportSymbol(reader);
+    return false;
+}
+// Checks the symbol and scans on if it is the one.
+bool XmlExpect(XmlReader& reader, std::int32_t symbol);
+// Before a name is scanned: false when a blank stands there.
+bool XmlNameFollows();
+// Passes over everything up to and including `mark`; false at the end of the file.
+bool XmlSkipPast(XmlReader& reader, std::string_view mark);
+// A list or a table that is held in a file and not open.
+bool XmlIsUnopened(const void* value, Kind kind);
+inline bool XmlIsNameStart(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteXmlStart);
+}
+inline bool XmlIsNamePart(char c) {
+    return isByte(static_cast<unsigned char>(c), ByteXmlPart);
+}
+// Without the blanks and line ends around it.
+inline std::string_view XmlTrimmed(std::string_view text) {
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+inline bool XmlIsBlank(std::string_view text) {
+    return XmlTrimmed(text).empty();
+}
+
+// ---- the grammar ----
+
+void XmlProlog(XmlReader& reader);
+// Processing instructions and comments. The symbol `<?xml` counts as one where its name goes on.
+void XmlMisc(XmlReader& reader);
+// From behind the `<` to behind the element. The name stays in `reader.names`.
+void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result);
+
+// What the attributes of an element gave to its target: they give way to content.
+struct XmlGivenFields {
+    XmlTarget target;
+    std::int32_t count = 0;
+    bool failed = false;    // one of them left the error in the record
+    bool unplaced = false;  // there are some, and no record to take them
+    void giveWay(XmlReader& reader);
+};
+// From behind the start tag to behind the `</`; false, and reported, when there is none. `name` begins there
+// in `reader.names`. `typeText` is what the content alone says.
+bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+                std::string& typeText);
+
+// A reference at the head of a text: '&' and then a name or '#'.
+struct XmlReference {
+    std::size_t length = 0;        // of what was read
+    std::string_view replacement;  // points into the table of entities, or to `byte`
+    std::string message;           // "" or what is wrong
+    char byte = 0;
+};
+bool XmlIsReference(std::string_view text);
+void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReference& reference);
+
+// ---- binding (xml_bind.cpp) ----
+
+void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text);
+
+// Finds a place for each child of an element, and adds it.
+class XmlChildren {
+public:
+    XmlChildren(XmlReader& reader, XmlTarget target)
+        : reader_(reader), target_(target), fields_(target),
+          form_(reader.depth == 0 ? reader.form : XmlTableForm::Rows) {}
+    ~XmlChildren();
+    XmlChildren(const XmlChildren&) = delete;
+    XmlChildren& operator=(const XmlChildren&) = delete;
+
+    // Of the next child.
+    XmlTarget destination();
+    // The child was read into its destination.
+    void add(std::int32_t n, std::string_view parent, std::string_view child, std::string_view index);
+    // There are no more.
+    void finish();
+
+private:
+    using Subscripts = std::array<std::int32_t, MaxDimensions>;
+
+    bool makeScratch(const void* like, Kind kind);
+    void clearScratch();
+    XmlTarget scratch() { return {bytes_, scratchKind_}; }
+    XmlTarget listSlot();
+    [[nodiscard]] bool isListInFile() const;
+    XmlTarget arrayElement();
+    XmlTarget tableRow();
+    XmlTarget placeInTable();
+    bool readIndex(std::string_view text, Subscripts& at, std::int32_t& dimensions) const;
+    void nthElement(std::int32_t n, Subscripts& at, std::int32_t& dimensions) const;
+    bool extend(const Subscripts& at, std::int32_t dimensions);
+    bool redim(const ArrayBounds (&bounds)[MaxDimensions]);
+    std::int32_t addToArray(std::int32_t n, std::string_view index);
+    void report(std::int32_t code, std::int32_t n, std::string_view parent, std::string_view child);
+
+    XmlReader& reader_;
+    XmlTarget target_;
+    XmlFields fields_;
+    XmlTableForm form_;
+    bool given_ = false;           // the table has gone to the first child
+    Kind scratchKind_ = KindNone;  // once there is one
+    bool holdsTexts_ = false;      // the scratch is a record of numbers and strings
+    char bytes_[sizeof(ArrayDescriptor)] = {};
+    std::int32_t failed_ = 0;  // to make a place for the child that is being read
+    // The bounds that the children of a growable array need; it may have some to spare until the end.
+    ArrayBounds used_[MaxDimensions] = {};
+};
+
+// ---- types (xml_types.cpp) ----
+
+// The type text of an element, child by child. Texts stop growing behind MaxXmlTypeText; the element tells.
+class XmlTypes {
+public:
+    void add(XmlReader& reader, std::string_view parent, std::string_view child, std::int32_t firstLine,
+             XmlElementResult& result);
+    // `text`: the character data, which counts where there are no children.
+    std::string finish(std::string_view name, std::string_view text) const;
+
+private:
+    void addField(XmlReader& reader, std::string_view parent, std::string_view child, std::string_view text);
+    void addElement(XmlReader& reader, std::string_view child, std::int32_t firstLine,
+                    const std::string& text);
+
+    std::int32_t children_ = 0;
+    bool list_ = false, broken_ = false;     // broken: elements of the list differ
+    std::string first_;                      // the name of the first child
+    std::string text_;                       // of the fields, or of the element of the list; no indent
+    std::unordered_set<std::string> seen_;   // some of the elements that the text fits already
+    std::unordered_set<std::string> names_;  // of the fields, in lower case
+};
+
+void XmlAppendDeeper(std::string& to, std::string_view text);
+
+// ---- whole reads (xml_read.cpp) ----
+
+struct XmlReadResult {
+    ErrorRecord error;
+    bool stopped = false;
+    ErrorRecord lost{};
+};
+XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
+                      std::int32_t typeTextSize, XmlTableForm form = XmlTableForm::Rows);
+
+}  // namespace tarn

@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/index/index_filedisk.h"
+
+#include "kernel/index/index_file.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/fileerrors.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+// The file that stays open between operations. It is of use to the file system that has opened it alone.
+struct KeptFile {
+    os::Handle handle = -1;
+    os::OpenMode mode = os::OpenMode::Read;
+    const os::FileSystem* system = nullptr;
+    std::string path;
+    std::uint64_t device = 0, inode = 0;
+};
+
+KeptFile& kept() {
+    static KeptFile file;
+    return file;
+}
+
+bool isKept(std::string_view path) {
+    return kept().handle >= 0 && kept().system == &os::files() && kept().path == path;
+}
+
+// Whether its name still stands for it.
+bool isKeptThere() {
+    const os::FileInfo info = os::infoOf(kept().path);
+    return info.exists && info.device == kept().device && info.inode == kept().inode;
+}
+
+std::int32_t openCode(os::FileError error, os::OpenMode mode) {
+    if (IsMissing(error)) return ERR_FILE_VANISHED;
+    return mode == os::OpenMode::Read ? FileReadCode(error) : FileWriteCode(error);
+}
+
+// Also without a process that could close anything: that of a test that plays a death.
+void closeQuietly(os::Handle handle) noexcept {
+    try {
+        os::files().close(handle);
+    } catch (...) {}
+}
+
+bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std::uint64_t device,
+              std::uint64_t inode) noexcept {
+    CloseKeptIndex();
+    try {
+        kept() = {handle, mode, &os::files(), path, device, inode};
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void CloseKeptIndex() {
+    const os::Handle handle = std::exchange(kept().handle, -1);
+    if (handle >= 0 && kept().system == &os::files()) closeQuietly(handle);
+}
+
+void CloseKeptIndex(std::string_view path) {
+    if (isKept(path)) CloseKeptIndex();
+}
+
+// ---- opening ----
+
+// Takes the file over that is kept, if it serves.
+std::int32_t IndexDisk::adopt() {
+    keeps_ = isKept(path_) && isKeptThere();
+    device_ = keeps_ ? kept().device : 0;
+    inode_ = keeps_ ? kept().inode : 0;
+    if (keeps_ && (kept().mode == mode_ || kept().mode == os::OpenMode::ReadWrite)) {
+        mode_ = kept().mode;
+        handle_ = std::exchange(kept().handle, -1);
+        return 0;
+    }
+    CloseKeptIndex();
+    return openCode(os::files().open(path_, mode_, 0, handle_), mode_);
+}
+
+std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
+    close();
+    path_ = path;
+    mode_ = mode;
+    peekedAt_ = -aroundBytes - 1;
+    ofUse_ = false;
+    changes_.clear();
+    if (const std::int32_t code = adopt(); code != 0) return code;
+    const std::int32_t code = FileReadCode(os::files().size(handle_, size_));
+    if (code != 0) close();
+    return code;
+}
+
+void IndexDisk::keep() {
+    const os::FileInfo info = os::infoOf(path_);
+    keeps_ = info.exists;
+    device_ = info.device;
+    inode_ = info.inode;
+}
+
+std::int32_t IndexDisk::reopen() {
+    if (const std::int32_t code = adopt(); code != 0) return code;
+    std::int64_t size = 0;
+    std::int32_t code = FileReadCode(os::files().size(handle_, size));
+    if (code == 0 && size != size_) code = ERR_INDEX_FILE_SIZE;
+    if (code != 0) close();
+    return code;
+}
+
+IndexDisk::~IndexDisk() {
+    if (handle_ >= 0 && !(keeps_ && keepOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
+}
+
+std::int32_t IndexDisk::close() {
+    inBuffer_ = 0;
+    const os::Handle handle = std::exchange(handle_, -1);
+    if (handle < 0) return 0;
+    if (keeps_ && keepOpen(handle, mode_, path_, device_, inode_)) return 0;
+    if (mode_ != os::OpenMode::Read) return FileWriteCode(os::files().close(handle));
+    closeQuietly(handle);
+    return 0;
+}
+
+// ---- reading ----
+
+std::int32_t IndexDisk::read(std::int64_t offset, char* into, std::int32_t count) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
+    return ReadWhole(handle_, offset, into, static_cast<std::size_t>(count));
+}
+
+// Reads these bytes, and those around them when that looks worth while: they are near the ones before, or
+// what was read around those was of use.
+std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    if (offset < 0 || offset + count > size_) return ERR_FILE_READ;
+    const std::int64_t distance = offset - peekedAt_;
+    const bool near = distance >= -aroundBytes && distance <= aroundBytes;
+    const std::int32_t around = near || ofUse_ ? aroundBytes : 0;
+    const std::int64_t start = std::max<std::int64_t>(offset - around, 0);
+    const std::int64_t end = std::min(offset + count + around, size_);
+    inBuffer_ = 0;
+    ofUse_ = false;
+    bufferAt_ = start;
+    peekedAt_ = offset;
+    const std::int32_t code = ReadWhole(handle_, start, buffer_, static_cast<std::size_t>(end - start));
+    if (code == 0) inBuffer_ = static_cast<std::int32_t>(end - start);
+    return code;
+}
+
+const char* IndexDisk::peek(std::int64_t offset, std::int32_t count, std::int32_t& code) {
+    const bool there = offset >= bufferAt_ && offset + count <= bufferAt_ + inBuffer_;
+    code = there ? 0 : fill(offset, count);
+    ofUse_ = ofUse_ || (there && offset >= IndexHeaderBytes);
+    return code == 0 ? buffer_ + (offset - bufferAt_) : nullptr;
+}
+
+// ---- changes ----
+
+void IndexDisk::begin() {
+    changes_.clear();
+    before_.clear();
+    sizeBefore_ = size_;
+}
+
+std::int32_t IndexDisk::note(std::int64_t offset, std::string_view before) {
+    try {
+        changes_.push_back({offset, before_.size(), before.size()});
+        before_ += before;
+    } catch (const std::bad_alloc&) {
+        return ERR_OUT_OF_MEMORY;
+    }
+    return 0;
+}
+
+std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::string& bytes) {
+    try {
+        bytes.resize(static_cast<std::size_t>(count));
+    } catch (const std::bad_alloc&) {
+        return ERR_OUT_OF_MEMORY;
+    }
+    return ReadWhole(handle_, offset, bytes.data(), bytes.size());
+}
+
+std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    if (const std::int32_t code = note(offset, before); code != 0) return code;
+    inBuffer_ = 0;
+    const std::int32_t code = FileWriteCode(os::files().write(handle_, offset, bytes));
+    size_ = std::max(size_, offset + static_cast<std::int64_t>(bytes.size()));
+    return code;
+}
+
+std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes) {
+    const auto count = static_cast<std::int64_t>(bytes.size());
+    std::string before;
+    const std::int32_t code = bytesAt(offset, std::clamp<std::int64_t>(size_ - offset, 0, count), before);
+    return code != 0 ? code : write(offset, bytes, before);
+}
+
+std::int32_t IndexDisk::cut(std::int64_t size) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    std::string tail;
+    if (const std::int32_t code = bytesAt(size, size_ - size, tail); code != 0) return code;
+    if (const std::int32_t code = note(size, tail); code != 0) return code;
+    return cutForGood(size);
+}
+
+std::int32_t IndexDisk::cutForGood(std::int64_t size) {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    inBuffer_ = 0;
+    const std::int32_t code = FileWriteCode(os::files().truncate(handle_, size));
+    if (code == 0) size_ = size;
+    return code;
+}
+
+std::int32_t IndexDisk::takeBack() {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    std::int32_t first = 0;
+    const auto keepFirst = [&](os::FileError error) {
+        if (first == 0) first = FileWriteCode(error);
+    };
+    for (; !changes_.empty(); changes_.pop_back()) {
+        const Change& change = changes_.back();
+        if (change.size == 0) continue;
+        keepFirst(os::files().write(handle_, change.offset,
+                                    std::string_view(before_).substr(change.at, change.size)));
+    }
+    if (size_ > sizeBefore_) keepFirst(os::files().truncate(handle_, sizeBefore_));
+    size_ = sizeBefore_;
+    inBuffer_ = 0;
+    return first;
+}
+
+}  // namespace tarn

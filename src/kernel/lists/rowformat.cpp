@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/lists/rowformat.h"
+
+#include "kernel/lists/packing.h"
+#include "os/text/ascii.h"
+
+#include <cstring>
+
+namespace tarn {
+
+// ---- names ----
+
+namespace {
+
+constexpr std::string_view separators = "/\\";
+
+std::string_view filePart(std::string_view name) {
+    const std::size_t end = name.find_last_of(separators);
+    return end == std::string_view::npos ? name : name.substr(end + 1);
+}
+
+}  // namespace
+
+std::string_view RowFileName(const ListDescriptor& l) {
+    if (!IsHeldInFile(l) || l.data == 0 || l.size != FileNameBytes) return {};
+    const char* name = At(l.data);
+    return {name, ::strnlen(name, std::size_t{FileNameBytes} - 1)};
+}
+
+void SetRowFileName(ListDescriptor& l, std::string_view name) {
+    char* const block = At(l.data);
+    std::memset(block, 0, std::size_t{FileNameBytes});
+    name.copy(block, std::size_t{FileNameBytes} - 1);
+}
+
+bool AcceptFileName(std::string_view name) {
+    if (name.empty()) return RefuseList(ERR_FILE_NOT_OPEN);
+    const std::string_view file = filePart(name);
+    const bool drive = name.size() == 2 && name[1] == ':' && ascii::isLetter(name[0]);
+    const bool good = !drive && name.size() < std::size_t{FileNameBytes} &&
+                      name.find('\0') == std::string_view::npos && !file.empty() && file != "." &&
+                      file != "..";
+    return good || RefuseList(ERR_FILE_NAME);
+}
+
+std::string_view ExtensionOf(std::string_view name) {
+    const std::string_view file = filePart(name);
+    const std::size_t dot = file.rfind('.');
+    return dot == std::string_view::npos ? std::string_view() : file.substr(dot);
+}
+
+bool IsScratchName(std::string_view name) {
+    return ExtensionOf(name).substr(0, 2) == ".~";
+}
+
+// ---- formats ----
+
+RowFormat RowFormatOf(std::string_view name, std::int32_t maxlength) {
+    const std::string_view extension = ExtensionOf(name);
+    if (ascii::equal(extension, ".dbf") || ascii::equal(extension, ".xbf")) return RowsXbase;
+    return maxlength == UNBOUNDED ? RowsPlain : RowsFixed;
+}
+
+StoredCount EncodeCount(RowFormat format, std::int32_t count) {
+    constexpr std::int64_t xbaseOffset = 4;
+    StoredCount stored;
+    const auto bits = static_cast<std::uint32_t>(count);
+    stored.offset = format == RowsXbase ? xbaseOffset : 0;
+    for (std::uint32_t i = 0; i < sizeof stored.bytes; ++i) {
+        const std::uint32_t shift = format == RowsXbase ? 8 * i : 24 - 8 * i;
+        stored.bytes[i] = static_cast<char>(bits >> shift & 255U);
+    }
+    return stored;
+}
+
+std::int64_t DecodeCount(RowFormat format, const char* bytes) {
+    std::uint32_t bits = 0;
+    for (std::uint32_t i = 0; i < sizeof(StoredCount::bytes); ++i) {
+        const std::uint32_t shift = format == RowsXbase ? 8 * i : 24 - 8 * i;
+        bits |= std::uint32_t{static_cast<unsigned char>(bytes[i])} << shift;
+    }
+    return static_cast<std::int32_t>(bits);
+}
+
+std::int32_t PackedRowBytes(const ListDescriptor& l) {
+    const Kind kind = ElementKindOf(l);
+    const void* const like = At(l.prototype);
+    // Elements with bounds of their own would differ in length.
+    const bool ownBounds = (kind == KindArray || kind == KindSet) && like != nullptr &&
+                           ReadAt<DescriptorHead>(like).maxlength == DYNAMIC_BOUNDS;
+    const std::int64_t bytes = ownBounds ? 0 : PackedLength(like, kind);
+    if (bytes >= 1 && bytes <= MostPackedBytes) return static_cast<std::int32_t>(bytes);
+    return RefuseList(ERR_TYPE_NOT_STORABLE), 0;
+}
+
+}  // namespace tarn

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The stack of call frames, the debug mode that says whether there is one, and the tables of the debugger
+// that calls of a program fill: variables and classes.
+#include "kernel/run/runtime.h"
+#include "kernel/run/state.h"
+#include "os/files.h"
+
+#include <cstdlib>
+#include <cstring>
+
+extern "C" {
+std::int32_t tarn_current_line = 0;
+void* tarn_debugger_window = nullptr;
+}
+
+namespace tarn {
+
+FrameStack* frameStack = nullptr;
+VariableTable* variableTable = nullptr;
+ClassTable* classTable = nullptr;
+
+namespace {
+
+std::int32_t debugMode = 0;
+
+template <class Table>
+void allocateTable(Table*& table) {
+    if (table == nullptr) table = static_cast<Table*>(std::calloc(1, sizeof(Table)));
+}
+template <class Table>
+void freeTable(Table*& table) {
+    std::free(table);
+    table = nullptr;
+}
+
+bool recorded(std::int32_t count) {
+    return count >= 1 && count <= MaxFrames;
+}
+FrameRecord& frameAt(std::int32_t count) {
+    return frameStack->frames[count - 1];
+}
+
+void lowerCase(char* text) {
+    for (; *text != 0; ++text) {
+        if (*text >= 'A' && *text <= 'Z') *text = static_cast<char>(*text - 'A' + 'a');
+    }
+}
+
+void pushFrame(const char* className, const char* functionName, std::int32_t line) {
+    if (recorded(frameStack->count)) frameAt(frameStack->count).savedLine = tarn_current_line;
+    ++frameStack->count;
+    if (!recorded(frameStack->count)) return;
+    FrameRecord& frame = frameAt(frameStack->count);
+    CopyName(frame.className, className);
+    CopyName(frame.functionName, functionName);
+    lowerCase(frame.functionName);
+    frame.firstLine = line;
+    frame.savedLine = 0;
+    frame.firstVariable = variableTable != nullptr ? variableTable->count + 1 : 0;
+}
+
+// Drops the variables from number `first` on.
+void dropVariables(std::int32_t first) {
+    if (variableTable == nullptr || first < 1) return;
+    for (std::int32_t i = first; i <= variableTable->count; ++i) variableTable->entries[i - 1] = {};
+    variableTable->count = first - 1;
+}
+
+void traceCall(const char* className, const char* functionName, std::int32_t line) {
+    std::string text = className != nullptr ? className : "";
+    text += ':';
+    text += functionName != nullptr ? functionName : "";
+    text += '(' + std::to_string(line) + ')';
+    Trace(text);
+}
+
+}  // namespace
+
+void FunctionEnter(const char* className, const char* functionName, std::int32_t line) {
+    if (frameStack != nullptr) pushFrame(className, functionName, line);
+    tarn_current_line = line;
+    if (GetTraceMode() != 0) [[unlikely]]
+        traceCall(className, functionName, line);
+}
+
+void FunctionLeave() {
+    if (frameStack == nullptr) return;
+    if (recorded(frameStack->count)) {
+        FrameRecord& frame = frameAt(frameStack->count);
+        dropVariables(frame.firstVariable);
+        std::memset(&frame, 0, sizeof frame);
+    }
+    --frameStack->count;
+    tarn_current_line = 0;
+    if (recorded(frameStack->count)) {
+        FrameRecord& caller = frameAt(frameStack->count);
+        tarn_current_line = caller.savedLine;
+        caller.savedLine = 0;
+    }
+}
+
+std::string CurrentFunctionName() {
+    const FrameRecord* top = TopFrame();
+    return top != nullptr ? top->functionName : "";
+}
+
+std::string CurrentClassName() {
+    const FrameRecord* top = TopFrame();
+    return top != nullptr ? top->className : "";
+}
+
+std::int32_t FrameCount() {
+    return frameStack != nullptr ? frameStack->count : 0;
+}
+
+void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_view /*version*/,
+                std::string_view /*build*/, std::string_view mainSource) {
+    if (mode < 0 || mode > 2) return;
+    // A program that has left its source behind has nothing to show in a debugger.
+    if (mode == 2 && os::sizeOf(os::native(mainSource)) <= 0) mode = 1;
+    debugMode = mode;
+    if (mode >= 1) allocateTable(frameStack);
+    if (mode == 2) {
+        allocateTable(variableTable);
+        allocateTable(classTable);
+    }
+}
+
+void DebugEnd() {
+    freeTable(frameStack);
+    freeTable(variableTable);
+    freeTable(classTable);
+    debugMode = 0;
+}
+
+std::int32_t DebugMode() {
+    return debugMode;
+}
+
+void RegisterClass(std::string_view sourcePath, std::string_view className) {
+    if (classTable == nullptr || classTable->count >= MaxClasses) return;
+    if (sourcePath.empty() || className.empty()) return;
+    ClassEntry& entry = classTable->entries[classTable->count++];
+    entry.className[className.copy(entry.className, MaxName)] = 0;
+    entry.sourcePath[sourcePath.copy(entry.sourcePath, MaxSourcePath)] = 0;
+}
+
+void RegisterVariable(std::string_view name, char role, std::int32_t kind, void* address) {
+    constexpr std::string_view roles = "CINOV";
+    if (variableTable == nullptr || variableTable->count >= MaxVariables) return;
+    if (role == 0 || roles.find(role) == std::string_view::npos) return;
+    if (kind < 1 || kind > 12 || address == nullptr) return;
+    VariableEntry& entry = variableTable->entries[variableTable->count++];
+    entry.name[name.copy(entry.name, MaxName)] = 0;
+    entry.role = role;
+    entry.kind = kind;
+    entry.address = address;
+    entry.expanded = false;
+}
+
+}  // namespace tarn

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a stamp does with a pending error: the report's text, the default handler, Continue and Halt.
+#include "kernel/run/report.h"
+
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
+#include "kernel/run/state.h"
+#include "platform/windowing.h"
+
+#include <utility>
+
+namespace tarn {
+
+DebuggerStop DebugStop = nullptr;
+
+namespace {
+
+bool reporting = false;
+
+bool debugging() {
+    return tarn_debugger_window != nullptr && DebugStop != nullptr;
+}
+
+std::string place() {
+    const FrameRecord* top = TopFrame();
+    if (top == nullptr) return {};
+    return std::string("File ") + top->className + ", function " + top->functionName + ", line " +
+           std::to_string(tarn_current_line) + "\n";
+}
+
+bool continuable(std::int32_t code) {
+    return code >= ERR_FIRST_CONTINUABLE && code <= ERR_LAST_CONTINUABLE;
+}
+
+std::string show(const std::string& title, const std::string& buttons) {
+    TheDesktop().sound();
+    return TheDesktop().box(title, ErrorDetails(), buttons);
+}
+
+// In the debugger the user looks at the place of the error, and the program goes on behind it.
+void report(std::int32_t code, ErrorHandler handler) {
+    if (debugging()) {
+        DebugStop(true);
+        ContinueAfterError();
+    } else {
+        (handler != nullptr ? handler : DefaultErrorHandler)(code);
+    }
+}
+
+// The user's break stops whatever the breakpoints say, once.
+void pollDebugger() {
+    const bool broken = platform::GetUserBreak() == 1;
+    if (broken) platform::SetUserBreak(0);
+    DebugStop(broken);
+}
+
+}  // namespace
+
+std::string CutReport(std::string text) {
+    if (text.size() > MaxReport) text.resize(MaxReport);
+    return text;
+}
+
+std::string ErrorDetails() {
+    const std::int32_t code = tarn_error_cell;
+    if (code == 0) return LastError() != 0 ? ErrorMessage(LastError()) : std::string();
+    std::string text = ErrorMessage(code) + "\n" + place();
+    if (code == ERR_ASSERT && !AssertText().empty()) text += AssertText() + "\n";
+    return CutReport(std::move(text));
+}
+
+bool BeginReport() {
+    if (reporting) return false;
+    reporting = true;
+    return true;
+}
+
+void EndReport() {
+    reporting = false;
+}
+
+Reporting::Reporting() : entered_(BeginReport()) {}
+
+Reporting::~Reporting() {
+    if (entered_) EndReport();
+}
+
+void DefaultErrorHandler(std::int32_t code) {
+    {
+        const Reporting report;
+        if (!report.entered()) return;
+        const std::string title = "Error " + std::to_string(code);
+        if (!continuable(code)) {
+            RescueOnce();  // before the box: the user may never come back to it
+            show(title, "OK");
+            Halt();
+        }
+        if (show(title, "Continue\nHalt") != "Continue") {
+            RescueOnce();
+            Halt();
+        }
+    }
+    ContinueAfterError();
+}
+
+void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
+    if (const std::int32_t code = tarn_error_cell; code != 0) {
+        if (action == ClearErrors)
+            tarn_error_cell = 0;
+        else if (action == ReportErrors)
+            report(code, handler);
+    }
+    if (line == 0) return;
+    tarn_current_line = line;
+    if (debugging()) pollDebugger();
+}
+
+}  // namespace tarn

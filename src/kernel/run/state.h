@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the files of the run-time share among themselves: the frame stack and the debugger's tables. Other
+// layers use runtime.h. All tables have their full size from the start, so that no call of a program
+// allocates here; a table that could not be allocated is null, and whoever uses one tests for that.
+#pragma once
+
+#include "kernel/run/runtime.h"
+
+#include <cstddef>
+
+namespace tarn {
+
+inline constexpr std::int32_t MaxFrames = 500;
+inline constexpr std::int32_t MaxVariables = 1000;
+inline constexpr std::int32_t MaxClasses = 200;
+inline constexpr std::size_t MaxName = 40;         // characters of a class, function or variable name
+inline constexpr std::size_t MaxSourcePath = 255;  // characters
+inline constexpr std::size_t MaxReport = 1024;     // characters of a report text
+
+struct FrameRecord {
+    char className[MaxName + 1];
+    char functionName[MaxName + 1];  // A to Z lower-cased
+    std::int32_t firstLine;          // of the function's head
+    std::int32_t savedLine;          // where it called deeper; 0 while it is the top frame
+    std::int32_t firstVariable;      // its first entry in the variable table, from 1; 0 without a table
+};
+
+struct FrameStack {
+    std::int32_t count;  // goes on rising above MaxFrames; the frames beyond are not recorded
+    FrameRecord frames[MaxFrames];
+};
+
+struct VariableEntry {
+    char name[MaxName + 1];
+    char role;          // C, I, N, O or V
+    std::int32_t kind;  // 1 to 12
+    void* address;
+    bool expanded;
+};
+
+struct VariableTable {
+    std::int32_t count;
+    VariableEntry entries[MaxVariables];
+};
+
+struct ClassEntry {
+    char className[MaxName + 1];
+    char sourcePath[MaxSourcePath + 1];
+};
+
+struct ClassTable {
+    std::int32_t count;
+    ClassEntry entries[MaxClasses];
+};
+
+extern FrameStack* frameStack;        // null in debug mode 0
+extern VariableTable* variableTable;  // null below debug mode 2
+extern ClassTable* classTable;        // null below debug mode 2
+
+// The top frame; null when there is none, or when the count is outside 1 to MaxFrames.
+inline const FrameRecord* TopFrame() {
+    if (frameStack == nullptr || frameStack->count < 1 || frameStack->count > MaxFrames) return nullptr;
+    return &frameStack->frames[frameStack->count - 1];
+}
+
+// Copies at most Size - 1 characters of a NUL-ended text (null: empty) and ends them.
+template <std::size_t Size>
+void CopyName(char (&into)[Size], const char* text) {
+    std::size_t i = 0;
+    if (text != nullptr) {
+        for (; i < Size - 1 && text[i] != 0; ++i) into[i] = text[i];
+    }
+    into[i] = 0;
+}
+
+}  // namespace tarn

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/tables/table_access.h"
+
+#include "kernel/values/adt_kinds.h"
+#include "kernel/values/records.h"
+
+#include <cstring>
+
+namespace tarn {
+
+bool IsWholeRecord(const RecordDescriptor* record) {
+    return record != nullptr && record->tag == TagRecord && (record->size == 0) == (record->data == 0) &&
+           record->size == FieldBytesOf(record->kinds);
+}
+
+bool IsZeroRecord(const RecordDescriptor& record) {
+    constexpr RecordDescriptor zero{};
+    return std::memcmp(&record, &zero, sizeof zero) == 0;
+}
+
+bool AcceptTable(const TableDescriptor* t) {
+    if (!IsTable(t)) return RefuseTable(ERR_TABLE_TYPE);
+    const ListDescriptor& rows = HeaderOf(*t).rows;
+    return !IsHeldInFile(rows) || *At(rows.data) != 0 || RefuseTable(ERR_FILE_NOT_OPEN);
+}
+
+bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row) {
+    if (!IsWholeRecord(row)) return RefuseTable(ERR_COMPONENT_INVALID);
+    return SameShape(row, &RowShape(header), KindRecord) || RefuseTable(ERR_COMPONENT_TYPE);
+}
+
+bool AcceptRowOutput(const TableHeader& header, const RecordDescriptor* row) {
+    return (row != nullptr && IsZeroRecord(*row)) || AcceptTableRow(header, row);
+}
+
+void ClearRowOutput(RecordDescriptor* row) {
+    if (IsWholeRecord(row)) ClearOutput(row, KindRecord);
+}
+
+bool AcceptIndexNumber(const TableHeader& header, std::int32_t indexNumber) {
+    return (indexNumber >= 1 && indexNumber <= IndexesOf(header)) || RefuseTable(ERR_INDEX_VALUE);
+}
+
+bool FitsIndex(const TableHeader& header, std::int32_t indexNumber, const KeyView& key) {
+    KeyView shape;
+    return KeyOfRow(RowShape(header), header.keyMaps[indexNumber - 1], shape) && SameKeyShape(key, shape);
+}
+
+bool AcceptTableKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
+                    KeyView& view) {
+    if (!AcceptIndexNumber(header, indexNumber)) return false;
+    return (KeyOfRecord(key, view) && FitsIndex(header, indexNumber, view)) || RefuseTable(ERR_INDEX_VALUE);
+}
+
+}  // namespace tarn

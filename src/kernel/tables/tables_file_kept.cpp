@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/tables/tables_file_kept.h"
+
+#include "kernel/index/index_filelayout.h"
+#include "kernel/lists/rowfile_access.h"
+#include "kernel/lists/rowfile_names.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/fileerrors.h"
+#include "kernel/tables/tables_file_index.h"
+#include "kernel/text/numbers.h"
+#include "kernel/values/adt_kinds.h"
+#include "kernel/values/owned.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace tarn {
+
+namespace {
+
+using os::FileError;
+
+constexpr std::string_view mark = "\xA7kept\r\n\x1A";
+constexpr std::int64_t rowBytesAt = 8, coveredAt = 12, headerBytes = 16;
+constexpr std::size_t checkBytes = 4;
+constexpr std::int32_t nothing = std::numeric_limits<std::int32_t>::max();  // is covered
+constexpr char keptEntry = 'K', goneEntry = 'G';
+
+std::string wordBytes(std::uint32_t value) {
+    std::string bytes(WordBytes, '\0');
+    PutWord(bytes.data(), static_cast<std::int32_t>(value));
+    return bytes;
+}
+
+void addEntry(std::string& entries, char what, std::string_view row) {
+    const std::size_t at = entries.size();
+    entries += what;
+    entries += row;
+    entries += wordBytes(Crc32(entries.data() + at, row.size() + 1));
+}
+
+std::string pathBeside(const TableDescriptor& t) {
+    return KeptRowsFileName(RowFileName(HeaderOf(t).rows));
+}
+
+// An open file that is closed at the end.
+struct OpenFile {
+    os::Handle handle = -1;
+    OpenFile() = default;
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile() {
+        try {
+            close();
+        } catch (...) {  // the end of the process, in a test
+        }
+    }
+    FileError close() { return handle < 0 ? FileError::None : os::files().close(std::exchange(handle, -1)); }
+};
+
+// ---- the file beside ----
+
+class KeptFile {
+public:
+    explicit KeptFile(const TableDescriptor& t) : path_(pathBeside(t)) {}
+
+    // False when it is not there or not of such rows.
+    bool open(std::int32_t rowBytes);
+    bool make(const std::string& rowFile, std::int32_t rowBytes);
+    [[nodiscard]] std::int32_t covered() const { return covered_; }
+    [[nodiscard]] std::int64_t size() const { return size_; }
+    bool append(std::string_view entries) {
+        const bool good = done(os::files().write(file_.handle, size_, entries));
+        size_ += static_cast<std::int64_t>(entries.size());
+        return good;
+    }
+    // What was appended is on the disk.
+    bool cover(std::int32_t from) {
+        covered_ = from;
+        return done(os::files().sync(file_.handle)) &&
+               (!made_ || done(os::files().syncFolder(FolderOfFile(path_)))) &&
+               done(os::files().write(file_.handle, coveredAt, wordBytes(static_cast<std::uint32_t>(from))));
+    }
+    bool cut(std::int64_t size) {
+        return done(os::files().truncate(file_.handle, size)) && done(os::files().sync(file_.handle));
+    }
+    bool close() { return done(file_.close()); }
+
+private:
+    static bool done(FileError error) { return error == FileError::None; }
+
+    std::string path_;
+    OpenFile file_;
+    std::int32_t covered_ = nothing;
+    std::int64_t size_ = 0;
+    bool made_ = false;
+};
+
+bool KeptFile::open(std::int32_t rowBytes) {
+    char header[headerBytes];
+    std::size_t got = 0;
+    if (!done(os::files().open(path_, os::OpenMode::ReadWrite, 0, file_.handle)) ||
+        !done(os::files().size(file_.handle, size_)) ||
+        !done(os::readUpTo(file_.handle, 0, header, sizeof header, got)) || got != sizeof header)
+        return false;
+    covered_ = WordAt(header + coveredAt);
+    size_ -= (size_ - headerBytes) % (rowBytes + 1 + std::int64_t{checkBytes});  // without a torn entry
+    return std::string_view(header, mark.size()) == mark && WordAt(header + rowBytesAt) == rowBytes;
+}
+
+bool KeptFile::make(const std::string& rowFile, std::int32_t rowBytes) {
+    file_.close();
+    made_ = true;
+    const std::string header = std::string(mark) + wordBytes(static_cast<std::uint32_t>(rowBytes)) +
+                               wordBytes(static_cast<std::uint32_t>(nothing));
+    covered_ = nothing;
+    size_ = 0;
+    return done(os::files().open(path_, os::OpenMode::CreateNew, NewFile::usualMode, file_.handle)) &&
+           done(GiveRightsOf(rowFile, path_)) && append(header);
+}
+
+bool syncRows(const TableDescriptor& t) {
+    OpenFile file;
+    FileError error =
+        os::files().open(std::string(RowFileName(HeaderOf(t).rows)), os::OpenMode::Read, 0, file.handle);
+    if (error == FileError::None) error = os::files().sync(file.handle);
+    return error == FileError::None || RefuseWrite(error);
+}
+
+}  // namespace
+
+std::string KeptRowsFileName(std::string_view tableFile) {
+    return MarkedIndexName(IndexFileName(tableFile, 1), "~d");
+}
+
+bool HasKeptRows(const TableDescriptor& t) {
+    if (IndexesOf(HeaderOf(t)) == 0) return false;
+    const os::FileInfo info = os::infoOf(pathBeside(t));
+    return info.exists && !info.folder && !info.special;
+}
+
+// ---- keeping ----
+
+bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
+    const ListDescriptor& rows = HeaderOf(table_).rows;
+    RowFile file;
+    KeptFile beside(table_);
+    std::string row, entries;
+    if (!file.open(rows, os::OpenMode::Read) || !file.read(number, 1, row)) return false;
+    rowBytes_ = file.rowBytes();
+    const bool opened = beside.open(rowBytes_);
+    if (!opened && (HasKeptRows(table_) || !beside.make(std::string(RowFileName(rows)), rowBytes_)))
+        return false;
+    if (moved != 0 && moved < beside.covered()) {
+        const auto perBlock = static_cast<std::int32_t>(RowBlockBytes / row.size());
+        const std::int32_t first = std::max(moved - perBlock, 1);
+        std::string block;
+        if (!file.read(first, moved - first + 1, block)) return false;
+        for (std::size_t at = 0; at < block.size(); at += row.size())
+            addEntry(entries, keptEntry, std::string_view(block).substr(at, row.size()));
+        if (!beside.append(entries) || !beside.cover(first)) return false;
+    }
+    sizeBefore_ = beside.size();
+    entries.clear();
+    addEntry(entries, goneEntry, row);
+    return beside.append(entries) && beside.close();
+}
+
+// What cannot be kept is synced, and what was kept then need not be any more.
+bool RowGuard::begin(std::int32_t number, std::int32_t moved) {
+    if (IsScratchFile(HeaderOf(table_).rows) || (moved == 0 && !HasKeptRows(table_))) return true;
+    OwnErrors errors;
+    if (BatchOfRows* const batch = BatchOfRows::of(HeaderOf(table_).rows))
+        if (!batch->flush()) return false;
+    kept_ = WithMemory([&] { return keepAndNote(number, moved); });
+    errors.forget();
+    if (kept_) return true;
+    sizeBefore_ = -1;
+    return EndKeptRows(table_);
+}
+
+bool RowGuard::beforeCut() {
+    return kept_ || syncRows(table_);
+}
+
+void RowGuard::takeBack() {
+    if (sizeBefore_ < 0) return;
+    OwnErrors errors;
+    KeptFile beside(table_);
+    if (beside.open(rowBytes_)) beside.cut(sizeBefore_);
+    errors.forget();
+}
+
+// A file that cannot be opened has never come to the disk as a whole; one that is empty keeps nothing, and
+// may stay where it cannot be removed.
+bool EndKeptRows(const TableDescriptor& t) {
+    if (!HasKeptRows(t)) return true;
+    if (!syncRows(t)) return false;
+    const std::string path = pathBeside(t);
+    OpenFile file;
+    const bool opened = os::files().open(path, os::OpenMode::ReadWrite, 0, file.handle) == FileError::None;
+    FileError error = opened ? os::files().truncate(file.handle, 0) : FileError::None;
+    if (opened && error == FileError::None) error = os::files().sync(file.handle);
+    const FileError closed = file.close();
+    if (error == FileError::None) error = closed;
+    if (error != FileError::None) return RefuseWrite(error);
+    error = os::files().remove(path);
+    return opened || error == FileError::None || RefuseWrite(error);
+}
+
+// ---- looking ----
+
+namespace {
+
+// The rows that entries keep, in their order.
+std::vector<std::string> keptIn(std::string_view entries, std::size_t rowBytes) {
+    const std::size_t entryBytes = rowBytes + 1 + checkBytes;
+    std::vector<std::string> order;
+    std::unordered_set<std::string> kept;
+    for (; entries.size() >= entryBytes; entries.remove_prefix(entryBytes)) {
+        const auto check = static_cast<std::uint32_t>(WordAt(entries.data() + rowBytes + 1));
+        if (check != Crc32(entries.data(), rowBytes + 1)) continue;
+        std::string row(entries.substr(1, rowBytes));
+        if (entries.front() == goneEntry)
+            kept.erase(row);
+        else if (entries.front() == keptEntry && kept.insert(row).second)
+            order.push_back(std::move(row));
+    }
+    std::erase_if(order, [&](const std::string& row) { return kept.erase(row) == 0; });
+    return order;
+}
+
+bool readKept(const TableDescriptor& t, RowFile& rows, std::vector<std::string>& kept) {
+    std::string all;
+    if (!rows.open(HeaderOf(t).rows, os::OpenMode::Read)) return false;
+    const bool read = os::readFile(pathBeside(t), all) == FileError::None &&
+                      all.size() >= static_cast<std::size_t>(headerBytes) && all.starts_with(mark) &&
+                      WordAt(all.data() + rowBytesAt) == rows.rowBytes();
+    if (read)
+        kept = keptIn(std::string_view(all).substr(headerBytes), static_cast<std::size_t>(rows.rowBytes()));
+    return read;
+}
+
+bool unpackQuietly(const RowFile& rows, const std::string& bytes, RecordDescriptor* row) {
+    OwnErrors errors;
+    const bool good = rows.unpack(bytes, row);
+    errors.forget();
+    return good;
+}
+
+}  // namespace
+
+bool EachKeptRow(const TableDescriptor& t, const std::function<bool(const RecordDescriptor& row)>& see) {
+    if (!HasKeptRows(t)) return true;
+    RowFile rows;
+    RecordValue row;
+    std::vector<std::string> kept;
+    {
+        OwnErrors errors;
+        const bool good = InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) && readKept(t, rows, kept);
+        errors.forget();
+        if (!good) return true;
+    }
+    for (const std::string& bytes : kept) {
+        if (unpackQuietly(rows, bytes, row.get()) && !see(*row.get())) return false;
+    }
+    return true;
+}
+
+}  // namespace tarn

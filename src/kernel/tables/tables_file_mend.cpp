@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Mending the files of a list or table after a death: a noted row, a torn tail, the count, then the indexes.
+#include "kernel/lists/rowfile_access.h"
+#include "kernel/run/errors.h"
+#include "kernel/tables/tables_file_fill.h"
+#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_note.h"
+#include "kernel/tables/tables_ops_internal.h"
+#include "kernel/values/adt_kinds.h"
+#include "kernel/values/owned.h"
+#include "kernel/values/string_text.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tarn {
+
+namespace {
+
+// ---- rows ----
+
+// The count in the header; below 0 for none that a list can have.
+bool readStoredCount(const std::string& path, RowFormat format, std::int64_t& count) {
+    StoredCount stored = EncodeCount(format, 0);
+    os::Handle handle = -1;
+    os::FileError error = os::files().open(path, os::OpenMode::Read, 0, handle);
+    if (error != os::FileError::None) return RefuseRead(error);
+    std::size_t got = 0;
+    error = os::files().read(handle, stored.offset, stored.bytes, sizeof stored.bytes, got);
+    os::files().close(handle);
+    count = got == sizeof stored.bytes ? DecodeCount(format, stored.bytes) : -1;
+    return error == os::FileError::None || RefuseRead(error);
+}
+
+// The last row that is not empty, of those up to `last`.
+bool lastUsedRow(RowFile& file, std::int32_t last, std::int32_t& count) {
+    for (count = last; count > 0; --count) {
+        std::string row;
+        if (!file.read(count, 1, row)) return false;
+        if (row.find_first_not_of('\0') != std::string::npos) return true;
+    }
+    return true;
+}
+
+// One file of rows while it is mended. The list has its name.
+class RowMending {
+public:
+    RowMending(ListDescriptor& l, std::int32_t rowsBehind, MendedRows& result)
+        : list_(l), path_(RowFileName(l)), rowsBehind_(rowsBehind), result_(result) {}
+    bool run() {
+        return file_.open(list_, os::OpenMode::ReadWrite) && look() && settleCount() && writeNote() &&
+               cutAndCount();
+    }
+
+private:
+    bool look();
+    bool settleCount();
+    bool writeNote();
+    bool cutAndCount();
+    [[nodiscard]] std::int64_t header() const { return file_.offsetOf(1); }
+
+    ListDescriptor& list_;
+    std::string path_;
+    std::int32_t rowsBehind_;
+    MendedRows& result_;
+    RowFile file_;
+    RowNote note_;
+    std::int64_t size_ = 0, end_ = 0;  // of the file; of the rows, with what is torn
+    std::int32_t rowsInFile_ = 0, count_ = 0, rowsTaken_ = 0;
+    bool endMark_ = false;  // of an Xbase file; it is let alone
+};
+
+bool RowMending::look() {
+    const os::FileError error = file_.size(size_);
+    if (error != os::FileError::None) return RefuseRead(error);
+    if (!FindRowNote(path_, header(), file_.rowBytes(), note_)) return false;
+    end_ = std::max(note_.offset >= 0 ? note_.offset : size_, header());
+    const std::int64_t rows = (end_ - header()) / file_.rowBytes();
+    if (rows > std::numeric_limits<std::int32_t>::max()) return RefuseList(ERR_FILE_SIZE);
+    rowsInFile_ = static_cast<std::int32_t>(rows);
+    if (file_.format() != RowsXbase || size_ != file_.offsetOf(rows + 1) + 1) return true;
+    const os::FileError marked = file_.readEndMark(size_, endMark_);
+    return marked == os::FileError::None || RefuseRead(marked);
+}
+
+// Rows that a smaller capacity has no room for stay.
+bool RowMending::settleCount() {
+    std::int64_t stored = -1;
+    count_ = rowsInFile_;
+    if (!StoresCount(file_.format())) return true;
+    if (!readStoredCount(path_, file_.format(), stored)) return false;
+    const bool good = stored >= 0 && stored <= rowsInFile_;
+    if (good) rowsTaken_ = std::clamp(rowsBehind_, 0, rowsInFile_ - static_cast<std::int32_t>(stored));
+    if (good) count_ = static_cast<std::int32_t>(stored) + rowsTaken_;
+    if (!good && file_.format() == RowsFixed && !lastUsedRow(file_, rowsInFile_, count_)) return false;
+    if (IsFixedList(list_) && count_ > list_.maxlength) return RefuseList(ERR_FIXED_TABLE);
+    result_.countSet = !good;
+    return true;
+}
+
+// The row is on the disk before the note is cut off.
+bool RowMending::writeNote() {
+    if (note_.position < 1 || note_.position > count_) return true;
+    os::FileError error = file_.write(note_.position, note_.row);
+    if (error == os::FileError::None) error = file_.sync();
+    result_.rowWritten = note_.position;
+    return error == os::FileError::None || RefuseWrite(error);
+}
+
+bool RowMending::cutAndCount() {
+    const std::int64_t whole = file_.offsetOf(std::int64_t{rowsInFile_} + 1);
+    os::FileError error = os::FileError::None;
+    if (result_.countSet || rowsTaken_ > 0 || size_ < header()) error = file_.writeCount(count_);
+    if (error == os::FileError::None) result_.rowsTaken = rowsTaken_;
+    if (error == os::FileError::None && size_ > whole && !endMark_) {
+        error = file_.cutTo(whole);
+        if (error == os::FileError::None) result_.bytesCut = size_ - whole;
+    }
+    if (error == os::FileError::None) error = file_.sync();
+    const os::FileError closed = file_.close();
+    if (error == os::FileError::None) error = closed;
+    result_.rows = count_;
+    return error == os::FileError::None || RefuseWrite(error);
+}
+
+bool acceptFile(std::string_view fileName) {
+    if (!AcceptFileName(fileName)) return false;
+    os::FileInfo info;
+    const os::FileError error = os::files().info(std::string(fileName), info);
+    if (error != os::FileError::None) return RefuseRead(error);
+    if (info.folder || info.special) return RefuseList(ERR_FILE_NAME);
+    return info.exists || RefuseList(ERR_FILE_VANISHED);
+}
+
+bool acceptMending(const ListDescriptor& l, std::string_view fileName) {
+    if (!IsList(&l) || !IsHeldInFile(l)) return RefuseList(ERR_TYPE_NOT_STORABLE);
+    if (!RowFileName(l).empty()) return RefuseList(ERR_UNIDENTIFIABLE);
+    return acceptFile(fileName);
+}
+
+bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t rowsBehind, MendedRows& result) {
+    const bool xbase = RowFormatOf(fileName, l.maxlength) == RowsXbase;
+    if (xbase && !AcceptXbaseRows(l)) return false;
+    SetRowFileName(l, fileName);
+    const bool good = RowMending(l, rowsBehind, result).run();
+    SetRowFileName(l, {});
+    return good;
+}
+
+}  // namespace
+
+MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
+    OwnErrors errors;
+    MendedRows result;
+    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, 0, result); }))
+        result.error = OwnErrors::code();
+    errors.forget();
+    return result;
+}
+
+// ---- tables ----
+
+namespace {
+
+// The new indexes of a table whose rows are open.
+class IndexRebuilding {
+public:
+    IndexRebuilding(TableDescriptor& t, RebuiltTable& result)
+        : table_(t), header_(HeaderOf(t)), result_(result), progress_(header_, IndexesOf(header_)) {}
+    bool run();
+
+private:
+    bool fillAll();
+    bool fill(std::int32_t index);
+    bool findTorn(std::vector<std::int32_t>& torn);
+    bool dropTorn();
+    bool restoreKept();
+    bool isLastAgain(const DuplicateKey& duplicate);
+
+    TableDescriptor& table_;
+    TableHeader& header_;
+    RebuiltTable& result_;
+    RowProgress progress_;
+};
+
+bool IndexRebuilding::run() {
+    IndexExchange exchange(table_);
+    if (!dropTorn() || !exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !restoreKept() ||
+        !SyncTableIndexes(table_) || !EndKeptRows(table_))
+        return false;
+    exchange.drop();
+    exchange.dropNew();
+    return result_.duplicates.empty() || RefuseTable(ERR_UNIQUE_INDEX);
+}
+
+bool IndexRebuilding::fillAll() {
+    for (std::int32_t i = 0; i < IndexesOf(header_); ++i) {
+        if (!fill(i)) return false;
+    }
+    return true;
+}
+
+bool IndexRebuilding::fill(std::int32_t index) {
+    IndexFill fill(header_, index);
+    ListReader rows(header_.rows);
+    if (!fill.open(IndexFileName(RowFileName(header_.rows), index + 1))) return false;
+    for (std::int32_t done = 0; done < header_.rows.count;) {
+        const Filled filled = fill.run(rows, done + 1, header_.rows.count, &progress_);
+        if (filled == Filled::Whole) break;
+        if (filled == Filled::Failed) result_.badRow = fill.badRow();
+        result_.stopped = filled == Filled::Stopped;
+        if (filled != Filled::Duplicate) return false;
+        const DuplicateKey& found = fill.duplicate();
+        done = found.row;
+        if (isLastAgain(found)) {
+            if (!RemoveLastRow(header_.rows)) return false;
+            result_.rowDropped = found.row;
+            result_.sameAs = found.first;
+        } else if (result_.duplicates.size() < RebuiltTable::MostDuplicates) {
+            result_.duplicates.push_back(found);
+        }
+    }
+    return fill.close();
+}
+
+// Where rows are kept the machine may have died: what was left of a note, and bytes that never came, can be
+// as long as rows.
+bool IndexRebuilding::findTorn(std::vector<std::int32_t>& torn) {
+    ListReader reader(header_.rows);
+    for (std::int32_t i = 0; i < header_.rows.count; ++i) {
+        OwnErrors errors;
+        if (reader.at(i) != nullptr) continue;
+        if (OwnErrors::code() != ERR_FILE_READ) return false;
+        errors.forget();
+        torn.push_back(i + 1);
+    }
+    return true;
+}
+
+// The last row, which can be read, takes the place of one that cannot.
+bool IndexRebuilding::dropTorn() {
+    ListDescriptor& rows = header_.rows;
+    std::vector<std::int32_t> torn;
+    if (!HasKeptRows(table_)) return true;
+    if (!findTorn(torn)) return false;
+    for (; !torn.empty(); torn.pop_back(), ++result_.rowsTorn) {
+        RecordValue row;
+        const std::int32_t number = torn.back();
+        const bool moves = number != rows.count;
+        if (moves && !(InitValue(row.get(), &RowShape(header_), KindRecord) &&
+                       ReadRow(rows, rows.count, row.get()) && WriteRow(rows, number, row.get())))
+            return false;
+        if (!RemoveLastRow(rows)) return false;
+    }
+    return true;
+}
+
+// Rows that deletions had moved, and that are nowhere now. Others are there still, by one of their keys at
+// least.
+bool IndexRebuilding::restoreKept() {
+    table_.count = header_.rows.count;
+    return EachKeptRow(table_, [&](const RecordDescriptor& row) {
+        OwnErrors errors;
+        if (FileTableAdd(table_, row)) return ++result_.rowsRestored, true;
+        const std::int32_t code = OwnErrors::code();
+        if (code != ERR_DUPLICATE_FIELDS && code != ERR_FIXED_LIST) return false;
+        errors.forget();
+        return true;
+    });
+}
+
+bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
+    if (duplicate.row != header_.rows.count || result_.rowDropped != 0) return false;
+    RecordValue rows[2];
+    const std::int32_t numbers[] = {duplicate.row, duplicate.first};
+    for (const int i : {0, 1}) {
+        const bool read = InitValue(rows[i].get(), &RowShape(header_), KindRecord) &&
+                          ReadRow(header_.rows, numbers[i], rows[i].get());
+        if (!read) return false;
+    }
+    return EqualValues(rows[0].get(), rows[1].get(), KindRecord);
+}
+
+// Nothing is mended for a table that cannot have its indexes. What mending the rows refuses is left to that.
+bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
+    const ListDescriptor& rows = HeaderOf(t).rows;
+    if (!IsHeldInFile(rows) || !RowFileName(rows).empty()) return true;
+    return acceptFile(fileName) && AcceptIndexKeys(t) && AcceptIndexPlaces(fileName, IndexesOf(HeaderOf(t)));
+}
+
+bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind, RebuiltTable& result) {
+    if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
+    ListDescriptor& rows = HeaderOf(t).rows;
+    const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
+    if (!acceptIndexes(t, fileName) || !acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
+        !mendRows(rows, fileName, rowsBehind, result.mended))
+        return false;
+    bool created = false;
+    if (!OpenRows(rows, fileName, text, created)) return false;
+    t.count = rows.count;
+    const bool good = IndexRebuilding(t, result).run();
+    result.rows = rows.count;
+    const bool closed = CloseRows(rows);
+    t.count = 0;
+    return good && closed;
+}
+
+}  // namespace
+
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind) {
+    OwnErrors errors;
+    RebuiltTable result;
+    if (!WithMemory([&] { return rebuild(t, fileName, rowsBehind, result); }) && !result.stopped)
+        result.error = OwnErrors::code();
+    errors.forget();
+    return result;
+}
+
+}  // namespace tarn

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Whether the files of a table may stand where their names say: an index must not be the file of rows, nor
+// belong to another table.
+#include "kernel/index/index_filedisk.h"
+#include "kernel/run/errors.h"
+#include "kernel/tables/tables_file_index.h"
+#include "os/text/ascii.h"
+
+namespace tarn {
+
+namespace {
+
+constexpr std::string_view separators = "/\\", marks[] = {"~i", "~n", "~d"};
+
+std::string_view nameIn(std::string_view path) {
+    const std::size_t end = path.find_last_of(separators);
+    return end == std::string_view::npos ? path : path.substr(end + 1);
+}
+
+bool isFile(const os::FileInfo& info) {
+    return info.exists && !info.folder && !info.special;
+}
+
+bool isSame(const os::FileInfo& a, const os::FileInfo& b) {
+    return a.exists && b.exists && a.device == b.device && a.inode == b.inode;
+}
+
+// By its name, or by what stands there.
+bool isRowFile(const std::string& path, std::string_view tableFile, const os::FileInfo& rows) {
+    return path == tableFile || (rows.exists && isSame(os::infoOf(path), rows));
+}
+
+// The path of the other table file that an index names, which exists; "" for none.
+std::string otherTable(const std::string& indexFile, std::string_view tableFile) {
+    if (!isFile(os::infoOf(indexFile))) return {};
+    const std::string_view own = nameIn(tableFile);
+    const std::string named = IndexTableName(indexFile);
+    const bool other = !named.empty() && named.find_first_of(separators) == std::string::npos &&
+                       !ascii::equal(named, own.substr(0, MaxIndexTableName));
+    if (!other) return {};
+    std::string path = std::string(tableFile.substr(0, tableFile.size() - own.size())) + named;
+    return isFile(os::infoOf(path)) ? path : std::string();
+}
+
+// An index that names another file but does not belong to it is a copy.
+bool isIndexOfOther(const std::string& path, std::string_view tableFile) {
+    const std::string other = otherTable(path, tableFile);
+    if (other.empty()) return false;
+    const std::string index = IndexFileName(other, path.back() - '0');
+    bool belongs = path == index;
+    for (const std::string_view mark : marks) belongs = belongs || path == MarkedIndexName(index, mark);
+    return belongs;
+}
+
+}  // namespace
+
+bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile) {
+    return !otherTable(indexFile, tableFile).empty();
+}
+
+bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes) {
+    if (indexes == 0) return true;
+    const os::FileInfo rows = os::infoOf(std::string(tableFile));
+    for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
+        const std::string index = IndexFileName(tableFile, n);
+        bool taken = isRowFile(index, tableFile, rows);
+        for (const std::string_view mark : marks)
+            taken = taken || isRowFile(MarkedIndexName(index, mark), tableFile, rows);
+        if (taken) return RefuseTable(ERR_FILE_NAME);
+    }
+    return true;
+}
+
+bool AcceptIndexPlaces(std::string_view tableFile, std::int32_t indexes) {
+    if (!AcceptRowPlace(tableFile, indexes)) return false;
+    for (std::int32_t n = 1; n <= indexes; ++n) {
+        const std::string index = IndexFileName(tableFile, n);
+        if (os::infoOf(index).special) return RefuseTable(ERR_FILE_NAME);
+        bool taken = isIndexOfOther(index, tableFile);
+        for (const std::string_view mark : marks)
+            taken = taken || isIndexOfOther(MarkedIndexName(index, mark), tableFile);
+        if (taken) return RefuseTable(ERR_INDEX_FILE_SIZE);
+    }
+    return true;
+}
+
+void RemoveIndexFiles(std::string_view tableFile) {
+    const os::FileInfo rows = os::infoOf(std::string(tableFile));
+    const auto remove = [&](const std::string& path) {
+        if (isRowFile(path, tableFile, rows) || isIndexOfOther(path, tableFile)) return;
+        CloseKeptIndex(path);
+        os::files().remove(path);
+    };
+    for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
+        const std::string index = IndexFileName(tableFile, n);
+        remove(index);
+        for (const std::string_view mark : marks) remove(MarkedIndexName(index, mark));
+    }
+}
+
+}  // namespace tarn

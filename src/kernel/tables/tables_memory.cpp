@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Tables whose rows stand in memory. A change goes in two steps. First everything that can fail: the places
+// of all keys are found, the nodes and the new row are made. Then the trees and the rows change, which needs
+// no memory: so there is nothing to undo.
+#include "kernel/lists/lists.h"
+#include "kernel/tables/tables_ops_internal.h"
+#include "kernel/values/adt_kinds.h"
+#include "kernel/values/records.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+// ---- the entries of a row ----
+
+// What a change has got ready for one index.
+struct Entry {
+    KeyView key;
+    IndexPath path;
+    Offset node = 0;
+};
+
+// The first half of adding a row: the places of its keys, which nobody has.
+bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&entries)[MaxIndexes]) {
+    KeySearch searches[MaxIndexes];
+    const std::int32_t count = IndexesOf(header);
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return RefuseTable(ERR_COMPONENT_INVALID);
+        searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
+    }
+    const bool whole =
+        count == 1 ? FindKey(header.roots[0], entries[0].key, entries[0].path) : FindKeys(searches, count);
+    if (!whole) return false;
+    return std::none_of(entries, entries + count, [](const Entry& entry) { return entry.path.found; }) ||
+           RefuseTable(ERR_DUPLICATE_FIELDS);
+}
+
+void freeNodes(Entry (&entries)[MaxIndexes]) {
+    for (Entry& entry : entries) FreeNode(entry.node, NodeKinds(entry.key));
+}
+
+bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
+    for (Entry& entry : entries) {
+        if (entry.key.count == 0) continue;
+        entry.node = MakeNode(entry.key, row);
+        if (entry.node != 0) continue;
+        freeNodes(entries);
+        return false;
+    }
+    return true;
+}
+
+// The entry of a row that is in the table. A row has none in an index that could not be built: then `path`
+// has not found it.
+bool findEntry(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
+    const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
+    if (!known) return RefuseTable(ERR_INDEX_TYPE);
+    if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
+    entry.path.found = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
+    return true;
+}
+
+bool findEntryToUnlink(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
+    if (!findEntry(header, index, number, entry)) return false;
+    return !entry.path.found || PrepareUnlinkNode(header.roots[index], entry.path);
+}
+
+void removeEntry(TableHeader& header, std::int32_t index, Entry& entry) {
+    if (!entry.path.found) return;
+    const FieldKinds kinds = header.roots[index].kinds;
+    const Offset node = entry.path.nodes[entry.path.at];
+    UnlinkNode(header.roots[index], entry.path);
+    FreeNode(node, kinds);
+}
+
+// Links a node by its own key, under a new number. Fails, for a damaged tree, when the key has no place: the
+// row then has no entry.
+void linkAnew(TableHeader& header, std::int32_t index, Offset node, const FieldKinds& kinds) {
+    Entry entry;
+    entry.key = KeyOfNode(NodeKey(node), kinds);
+    const bool placed = FindKey(header.roots[index], entry.key, entry.path) && !entry.path.found;
+    if (placed) return LinkNode(header.roots[index], entry.path, entry.key, node);
+    FreeNode(node, kinds);
+    SetError(ERR_INDEX_TYPE);
+}
+
+// Gives row `number` a new number: its node leaves the tree and comes again.
+void renumber(TableHeader& header, std::int32_t index, std::int32_t number, std::int32_t newNumber) {
+    Entry entry;
+    if (!findEntryToUnlink(header, index, number, entry) || !entry.path.found) return;
+    const FieldKinds kinds = header.roots[index].kinds;
+    const Offset node = entry.path.nodes[entry.path.at];
+    UnlinkNode(header.roots[index], entry.path);
+    SetNodeRow(node, newNumber);
+    linkAnew(header, index, node, kinds);
+}
+
+// ---- finding ----
+
+// The number of a row, by its key or its neighbour's; 0 for none. False for an error.
+bool findRow(const TableHeader& header, std::int32_t indexNumber, const TreeSeek& seek, const KeyView& key,
+             std::int32_t& number) {
+    Offset node = 0;
+    number = 0;
+    if (!SeekNode(header.roots[indexNumber - 1], seek, key, node)) return false;
+    if (node == 0) return true;
+    number = NodeRow(node);
+    return HasRow(header, number) || RefuseTable(ERR_INDEX_TYPE);
+}
+
+// The number of the row that must have this key.
+bool findByKey(const TableHeader& header, std::int32_t indexNumber, const KeyView& key,
+               std::int32_t& number) {
+    return findRow(header, indexNumber, {}, key, number) && (number != 0 || RefuseTable(ERR_TABLE_NOT_FOUND));
+}
+
+// ---- updating ----
+
+// An index in which an update changes the key.
+struct Change {
+    bool differs = false;
+    Entry before, after;
+};
+
+bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t number,
+                   const RecordDescriptor& row, Change& change) {
+    KeyView old;
+    const std::int32_t keyMap = header.keyMaps[index];
+    if (!KeyOfRow(RowAt(header, number), keyMap, old) || !KeyOfRow(row, keyMap, change.after.key))
+        return RefuseTable(ERR_COMPONENT_INVALID);
+    change.differs = CompareKeys(old, change.after.key) != 0;
+    if (!change.differs) return true;
+    if (!FindKey(header.roots[index], change.after.key, change.after.path)) return false;
+    if (change.after.path.found) return RefuseTable(ERR_DUPLICATE_FIELDS);
+    return findEntryToUnlink(header, index, number, change.before);
+}
+
+void freeChanges(Change (&changes)[MaxIndexes]) {
+    for (Change& change : changes) FreeNode(change.after.node, NodeKinds(change.after.key));
+}
+
+// All that an update needs: nodes for the keys that change, and the row.
+bool prepareChanges(const TableHeader& header, std::int32_t number, const RecordDescriptor& row,
+                    Change (&changes)[MaxIndexes], RecordDescriptor& made) {
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        if (!prepareChange(header, i, number, row, changes[i])) return false;
+    }
+    bool good = true;
+    for (std::int32_t i = 0; i < IndexesOf(header) && good; ++i) {
+        if (!changes[i].differs) continue;
+        changes[i].after.node = MakeNode(changes[i].after.key, number);
+        good = changes[i].after.node != 0;
+    }
+    good = good && InitValue(&made, &RowShape(header), KindRecord);
+    if (good && !CopyValue(&row, &made, KindRecord)) {
+        FreeValue(&made, KindRecord);
+        good = false;
+    }
+    if (!good) freeChanges(changes);
+    return good;
+}
+
+void applyChange(TableHeader& header, std::int32_t index, Change& change) {
+    const FieldKinds kinds = NodeKinds(change.after.key);
+    removeEntry(header, index, change.before);
+    linkAnew(header, index, change.after.node, kinds);
+}
+
+// ---- rebuilding ----
+
+// 637 for a key that another row has; the rows before are then in the index.
+bool fillIndex(TableHeader& header, std::int32_t index) {
+    for (std::int32_t number = 1; number <= header.rows.count; ++number) {
+        Entry entry;
+        if (!KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key))
+            return RefuseTable(ERR_COMPONENT_TYPE);
+        if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
+        if (entry.path.found) return RefuseTable(ERR_UNIQUE_INDEX);
+        entry.node = MakeNode(entry.key, number);
+        if (entry.node == 0) return false;
+        LinkNode(header.roots[index], entry.path, entry.key, entry.node);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool MemoryTableFind(const TableDescriptor& t, std::int32_t indexNumber, const TreeSeek& seek,
+                     const KeyView& key, RecordDescriptor* row, bool& found) {
+    const TableHeader& header = HeaderOf(t);
+    std::int32_t number = 0;
+    found = false;
+    if (!findRow(header, indexNumber, seek, key, number)) return false;
+    found = number != 0 && CopyValue(&RowAt(header, number), row, KindRecord);
+    return found || number == 0;
+}
+
+bool MemoryTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
+    TableHeader& header = HeaderOf(t);
+    const std::int32_t count = header.rows.count;
+    Entry entries[MaxIndexes];
+    if (!findPlaces(header, row, entries) || !makeNodes(entries, count + 1)) return false;
+    ListAppend(&row, KindRecord, &header.rows);
+    if (header.rows.count == count) return freeNodes(entries), false;
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        LinkNode(header.roots[i], entries[i].path, entries[i].key, entries[i].node);
+    }
+    t.count = header.rows.count;
+    return true;
+}
+
+bool MemoryTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key,
+                       const RecordDescriptor& row) {
+    TableHeader& header = HeaderOf(t);
+    std::int32_t number = 0;
+    if (!findByKey(header, indexNumber, key, number)) return false;
+    Change changes[MaxIndexes];
+    RecordDescriptor made{};
+    if (!prepareChanges(header, number, row, changes, made)) return false;
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        if (changes[i].differs) applyChange(header, i, changes[i]);
+    }
+    std::swap(RowAt(header, number), made);
+    FreeValue(&made, KindRecord);
+    return true;
+}
+
+bool MemoryTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key) {
+    TableHeader& header = HeaderOf(t);
+    std::int32_t number = 0;
+    if (!findByKey(header, indexNumber, key, number)) return false;
+    const std::int32_t last = header.rows.count, indexes = IndexesOf(header);
+    Entry entries[MaxIndexes], moved;
+    for (std::int32_t i = 0; i < indexes; ++i) {
+        if (!findEntryToUnlink(header, i, number, entries[i])) return false;
+        if (number != last && !findEntry(header, i, last, moved)) return false;
+    }
+    for (std::int32_t i = 0; i < indexes; ++i) {
+        removeEntry(header, i, entries[i]);
+        if (number != last) renumber(header, i, last, number);
+    }
+    std::swap(RowAt(header, number), RowAt(header, last));
+    ListRemoveLast(&header.rows);
+    t.count = header.rows.count;
+    return true;
+}
+
+bool MemoryTableRebuild(TableDescriptor& t) {
+    TableHeader& header = HeaderOf(t);
+    for (RecordDescriptor& root : header.roots) FreeTree(root);
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        if (!fillIndex(header, i)) return false;
+    }
+    return true;
+}
+
+}  // namespace tarn

@@ -1,0 +1,298 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/values/records.h"
+
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/adt_kinds.h"
+
+#include <cstring>
+
+namespace tarn {
+
+namespace {
+
+// One field on a walk over a record.
+struct Field {
+    std::int32_t number = 0;
+    Kind kind = KindNone;
+    std::int32_t offset = 0;  // bytes from the first field
+};
+
+// Calls `visit` for each field in order, until it gives false; tells whether all were visited.
+template <class Visit>
+bool eachField(const FieldKinds& kinds, Visit visit) {
+    Field field;
+    for (field.number = 1; field.number <= MaxFields; ++field.number) {
+        field.kind = FieldKindAt(kinds, field.number);
+        if (field.kind == KindNone) return true;
+        if (!visit(field)) return false;
+        field.offset += KindSize[field.kind];
+    }
+    return true;
+}
+
+// Kinds of values without a gap, and nothing behind the last.
+bool areFieldKinds(const FieldKinds& kinds) {
+    const std::int32_t count = FieldCountOf(kinds);
+    for (std::int32_t n = 1; n <= MaxFields; ++n) {
+        const Kind kind = FieldKindAt(kinds, n);
+        if (kind > KindTable || (n > count && kind != KindNone)) return false;
+    }
+    return true;
+}
+
+bool sameKinds(const RecordDescriptor& a, const RecordDescriptor& b) {
+    return std::memcmp(&a.kinds, &b.kinds, sizeof a.kinds) == 0;
+}
+
+bool isRecord(const RecordDescriptor* r) {
+    return r != nullptr && (r->tag == TagRecord || r->tag == TagUnion) && r->size >= 0;
+}
+
+bool acceptRecord(const RecordDescriptor* r) {
+    if (isRecord(r)) return true;
+    SetError(ERR_UNIDENTIFIABLE);
+    return false;
+}
+
+std::int32_t fieldError(const RecordDescriptor& r) {
+    return r.tag == TagUnion ? ERR_UNION_TYPE : ERR_RECORD_TYPE;
+}
+
+// The address of field n when it may be exchanged with a value of this kind; otherwise null, and the error is
+// set.
+char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v, Kind kind, Use use) {
+    if (!acceptRecord(r) || !AcceptValue(v, kind)) return nullptr;
+    const Kind fieldKind = FieldKindAt(r->kinds, n);
+    if (fieldKind == KindNone) {
+        SetError(fieldError(*r));
+        return nullptr;
+    }
+    if (fieldKind != kind) {
+        SetError(ERR_COMPONENT_TYPE);
+        return nullptr;
+    }
+    if (!AcceptContent(v, kind, use)) return nullptr;
+    return static_cast<char*>(RecordFieldAddress(const_cast<RecordDescriptor*>(r), n));
+}
+
+const RecordDescriptor& recordAt(const void* value) {
+    return *static_cast<const RecordDescriptor*>(value);
+}
+
+// ---- as a kind of value ----
+
+void freeRecord(void* value) {
+    auto& r = *static_cast<RecordDescriptor*>(value);
+    char* data = At(r.data);
+    if (data == nullptr) return;
+    if (HoldsNumbersOnly(r.kinds)) return FreeData(r);
+    eachField(r.kinds, [&](const Field& field) {
+        FreeValue(data + field.offset, field.kind);
+        return true;
+    });
+    FreeData(r);
+}
+
+bool initRecord(void* target, const void* like) {
+    const RecordDescriptor& from = recordAt(like);
+    RecordDescriptor made{0, from.tag, 0, from.kinds};
+    bool good = from.size == 0 || AllocateData(made, from.size);
+    if (good && from.size != 0) {
+        char* data = At(made.data);
+        const char* shapes = At(from.data);
+        std::memset(data, 0, static_cast<std::size_t>(made.size));
+        good = HoldsNumbersOnly(made.kinds) || eachField(made.kinds, [&](const Field& field) {
+                   return !IsAdtKind(field.kind) ||
+                          InitValue(data + field.offset, shapes + field.offset, field.kind);
+               });
+        if (!good) freeRecord(&made);
+    }
+    if (!good) made = {};
+    std::memcpy(target, &made, sizeof made);
+    return good;
+}
+
+bool copyRecord(const void* source, void* target) {
+    const RecordDescriptor& from = recordAt(source);
+    auto& to = *static_cast<RecordDescriptor*>(target);
+    if (!sameKinds(from, to)) {
+        SetError(ERR_COMPONENT_TYPE);
+        return false;
+    }
+    const char* fromData = At(from.data);
+    char* toData = At(to.data);
+    if (to.size == 0) return true;
+    if (HoldsNumbersOnly(to.kinds) && from.size == to.size) {
+        std::memcpy(toData, fromData, static_cast<std::size_t>(to.size));
+        return true;
+    }
+    return eachField(to.kinds, [&](const Field& field) {
+        return CopyValue(fromData + field.offset, toData + field.offset, field.kind);
+    });
+}
+
+bool equalRecords(const void* a, const void* b) {
+    const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
+    if (!sameKinds(left, right)) return false;
+    const char *leftData = At(left.data), *rightData = At(right.data);
+    return eachField(left.kinds, [&](const Field& field) {
+        return EqualValues(leftData + field.offset, rightData + field.offset, field.kind);
+    });
+}
+
+bool sameRecordShape(const void* a, const void* b) {
+    const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
+    if (left.tag != right.tag || !sameKinds(left, right)) return false;
+    if (HoldsNumbersOnly(left.kinds)) return true;
+    const char *leftData = At(left.data), *rightData = At(right.data);
+    return eachField(left.kinds, [&](const Field& field) {
+        return SameShape(leftData + field.offset, rightData + field.offset, field.kind);
+    });
+}
+
+std::string checkRecord(const void* value) {
+    const RecordDescriptor& r = recordAt(value);
+    const std::int32_t count = FieldCountOf(r.kinds);
+    for (std::int32_t n = count + 1; n <= MaxFields; ++n) {
+        if (FieldKindAt(r.kinds, n) != KindNone) return "record: a field stands behind the last";
+    }
+    if (r.size != FieldBytesOf(r.kinds)) return "record: size is not that of its fields";
+    if ((r.size == 0) != (r.data == 0)) return "record: size without data or data without size";
+    std::string wrong;
+    const char* data = At(r.data);
+    eachField(r.kinds, [&](const Field& field) {
+        wrong = CheckValue(data + field.offset, field.kind);
+        if (!wrong.empty()) wrong = "field " + std::to_string(field.number) + ": " + wrong;
+        return wrong.empty();
+    });
+    return wrong;
+}
+
+void emptyRecord(void* value) {
+    const RecordDescriptor& r = recordAt(value);
+    if (r.size == 0 || r.size != FieldBytesOf(r.kinds)) return;
+    char* data = At(r.data);
+    eachField(r.kinds, [&](const Field& field) {
+        EmptyValue(data + field.offset, field.kind);
+        return true;
+    });
+}
+
+}  // namespace
+
+const KindOperations RecordOperations = {initRecord,      copyRecord,  freeRecord, equalRecords,
+                                         sameRecordShape, checkRecord, emptyRecord};
+
+// ---- field kinds ----
+
+FieldKinds MakeFieldKinds(std::initializer_list<Kind> kinds) {
+    FieldKinds made{};
+    std::int32_t n = 0;
+    for (const Kind kind : kinds) SetFieldKindAt(made, ++n, kind);
+    return made;
+}
+
+void SetFieldKindAt(FieldKinds& kinds, std::int32_t n, Kind kind) {
+    if (n < 1 || n > MaxFields) return;
+    std::uint8_t& pair = kinds.nibbles[(n - 1) / 2];
+    const auto nibble = static_cast<std::uint32_t>(kind) & 15U;
+    pair = static_cast<std::uint8_t>(n % 2 != 0 ? (pair & 15U) | nibble << 4U : (pair & 0xF0U) | nibble);
+}
+
+std::int32_t FieldCountOf(const FieldKinds& kinds) {
+    std::int32_t count = 0;
+    while (FieldKindAt(kinds, count + 1) != KindNone) ++count;
+    return count;
+}
+
+std::int32_t FieldBytesOf(const FieldKinds& kinds) {
+    std::int32_t bytes = 0;
+    eachField(kinds, [&](const Field& field) {
+        bytes += KindSize[field.kind];
+        return true;
+    });
+    return bytes;
+}
+
+// ---- life ----
+
+void RecordInit(RecordDescriptor* r, std::int32_t tag, const FieldKinds& kinds) {
+    if (r == nullptr || (tag != TagRecord && tag != TagUnion)) {
+        if (r != nullptr) *r = {};
+        SetError(ERR_UNIDENTIFIABLE);
+        return;
+    }
+    *r = {0, tag, 0, kinds};
+    const bool good = areFieldKinds(kinds);
+    const std::int32_t size = good ? FieldBytesOf(kinds) : 0;
+    if (!good) SetError(fieldError(*r));
+    if (!good || (size != 0 && !AllocateData(*r, size)))
+        *r = {};
+    else if (size != 0)
+        std::memset(At(r->data), 0, static_cast<std::size_t>(size));
+}
+
+void RecordCopy(const RecordDescriptor* source, RecordDescriptor* target) {
+    AdtCopy(source, target, source != nullptr && source->tag == TagUnion ? KindUnion : KindRecord);
+}
+
+void RecordFree(RecordDescriptor* r) {
+    AdtFree(r, r != nullptr && r->tag == TagUnion ? KindUnion : KindRecord);
+}
+
+// ---- fields ----
+
+std::int32_t RecordFieldCount(const RecordDescriptor* r) {
+    return acceptRecord(r) ? FieldCountOf(r->kinds) : 0;
+}
+
+Kind RecordFieldKind(const RecordDescriptor* r, std::int32_t n) {
+    return acceptRecord(r) ? FieldKindAt(r->kinds, n) : KindNone;
+}
+
+const void* RecordFieldAddress(const RecordDescriptor* r, std::int32_t n) {
+    if (!acceptRecord(r)) return nullptr;
+    const char* at = nullptr;
+    eachField(r->kinds, [&](const Field& field) {
+        if (field.number == n) at = At(r->data) + field.offset;
+        return field.number != n;
+    });
+    return at;
+}
+
+void* RecordFieldAddress(RecordDescriptor* r, std::int32_t n) {
+    return const_cast<void*>(RecordFieldAddress(const_cast<const RecordDescriptor*>(r), n));
+}
+
+void RecordPut(RecordDescriptor* r, std::int32_t n, const void* v, Kind kind) {
+    char* field = exchangeableField(r, n, v, kind, Use::Input);
+    if (field != nullptr) CopyAndCompare(v, field, kind, 0);
+}
+
+void RecordGet(const RecordDescriptor* r, std::int32_t n, void* v, Kind kind) {
+    const char* field = exchangeableField(r, n, v, kind, Use::Output);
+    if (field != nullptr)
+        CopyOut(field, v, kind);
+    else
+        ClearOutput(v, kind);
+}
+
+void RecordAppend(RecordDescriptor* r, const void* v, Kind kind) {
+    if (!acceptRecord(r) || !AcceptValue(v, kind)) return;
+    const std::int32_t count = FieldCountOf(r->kinds), size = KindSize[kind];
+    if (count == MaxFields) return SetError(fieldError(*r));
+    if (!AcceptContent(v, kind, Use::Input)) return;
+    // The value may stand in the record, whose block moves: the copy is complete before it grows.
+    char made[sizeof(ArrayDescriptor)] = {};
+    if (!InitValue(made, v, kind)) return;
+    if (!CopyValue(v, made, kind) || !ResizeData(*r, r->size + size)) {
+        FreeValue(made, kind);
+        return;
+    }
+    std::memcpy(At(r->data) + r->size - size, made, static_cast<std::size_t>(size));
+    SetFieldKindAt(r->kinds, count + 1, kind);
+}
+
+}  // namespace tarn

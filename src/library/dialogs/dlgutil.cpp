@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "library/dialogs/dlgutil.h"
+
+#include "kernel/windows/resources.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
+
+MODULE("dlgutil")
+
+namespace tarn {
+
+int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog,
+                        const std::string& control) {
+    FRAME(GETVISUALOBJECTINFO);
+    if (resourceFile.empty() || dialog.empty() || control.empty()) return 0;
+    const std::string lines = ResourceInfo(resourceFile, "Controls", dialog).text;
+    for (int i = 1; i <= STRLINES(lines); i++) {
+        const std::string line = STRLINE(lines, i);
+        if (!STREQUAL(STRTOKEN(line, 1), control)) continue;
+        bool ok = false;
+        const int number = CVTI(STRTOKEN(line, 2), ok);
+        return ok ? number : 0;
+    }
+    return 0;
+}
+
+OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption,
+                              const std::string& control) {
+    FRAME(FINDOTHERCONTROL);
+    OtherControl found;
+    found.windowClass = WindowClassName("Dialog");
+    STAMP();
+    found.window = FindOtherWindow(found.windowClass, caption);
+    found.control = GETVISUALOBJECTINFO(FILECHANGEEXT(executable, ".rcx"), "Main", control);
+    return found;
+}
+
+}  // namespace tarn

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Helpers for dialogs and for finding the controls of a running program.
+#pragma once
+
+#include "kernel/windows/windowing.h"
+
+#include <string>
+
+namespace tarn {
+
+// The number of a control of a dialog in a resource file; 0 if there is none or an argument is empty. Cost:
+// reads the file.
+int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog,
+                        const std::string& control);
+
+struct OtherControl {
+    bool window = false;      // another copy has a window of that caption
+    std::string windowClass;  // its class
+    int control = 0;          // the control's number, 0 if it has none of that name
+};
+// The window of another running copy of the program `executable` by its caption, and a control of its dialog
+// Main.
+OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption,
+                              const std::string& control);
+
+}  // namespace tarn

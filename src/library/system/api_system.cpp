@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The library as compiled programs see it. These functions have no frame and no stamp of their own, so that
+// an error is reported on the line of the caller. A result may be the same string as an argument: it is
+// assigned last.
+#include "kernel/api/api.h"
+
+#include "kernel/run/errors.h"
+#include "kernel/start/process.h"
+#include "kernel/values/strings.h"
+#include "library/system/system.h"
+
+#include <cstdio>
+
+namespace {
+
+using namespace tarn;
+
+static_assert(sizeof(tarn_string) == sizeof(StringDescriptor));
+
+// A null or foreign descriptor sets 756 in the kernel and reads as empty.
+std::string_view view(const tarn_string* s) {
+    return StringView(reinterpret_cast<const StringDescriptor*>(s));
+}
+std::string text(const tarn_string* s) {
+    return std::string(view(s));
+}
+void assign(tarn_string* dest, std::string_view value) {
+    StringAssignView(reinterpret_cast<StringDescriptor*>(dest), value);
+}
+
+}  // namespace
+
+extern "C" {
+
+void tarn_sys_msgbox(const tarn_string* title, const tarn_string* message, const tarn_string* buttons,
+                     tarn_string* answer) {
+    assign(answer, MsgBox(text(title), text(message), text(buttons)));
+}
+
+void tarn_sys_loadfile(const tarn_string* file, tarn_string* value) {
+    std::string bytes;
+    LOADFILE(text(file), bytes);
+    assign(value, bytes);
+}
+
+void tarn_sys_savefile(const tarn_string* file, const tarn_string* value) {
+    SAVEFILE(text(file), view(value));
+}
+
+void tarn_sys_str_integer(int32_t value, tarn_string* result) {
+    assign(result, STR(value));
+}
+void tarn_sys_str_boolean(int32_t value, tarn_string* result) {
+    assign(result, value != 0 ? "True" : "False");
+}
+
+int32_t tarn_sys_cvti(const tarn_string* s) {
+    int32_t value = 0;
+    if (tarn_integer_from_text(s, &value) == 0) SetError(ERR_INTEGER_CONVERSION);
+    return value;
+}
+
+void tarn_sys_chr(int32_t code, tarn_string* result) {
+    const char c = static_cast<char>(code);
+    assign(result, std::string_view(&c, 1));
+}
+
+int32_t tarn_sys_ord(const tarn_string* s) {
+    const std::string_view characters = view(s);
+    return characters.empty() ? 0 : static_cast<unsigned char>(characters[0]);
+}
+
+int32_t tarn_sys_strfind(const tarn_string* s, const tarn_string* what, int32_t from, int32_t ignore_case) {
+    return STRFIND(view(what), view(s), from, ignore_case != 0);
+}
+
+void tarn_sys_strmid(const tarn_string* s, int32_t position, int32_t count, tarn_string* result) {
+    const std::string whole = text(s);
+    const bool outside = position < 1 || static_cast<std::size_t>(position) > whole.size();
+    assign(result,
+           outside ? std::string()
+                   : STRLEFT(std::string_view(whole).substr(static_cast<std::size_t>(position) - 1), count));
+}
+
+void tarn_sys_strleft(const tarn_string* s, int32_t count, tarn_string* result) {
+    assign(result, STRLEFT(view(s), count));
+}
+void tarn_sys_strright(const tarn_string* s, int32_t count, tarn_string* result) {
+    assign(result, STRRIGHT(view(s), count));
+}
+void tarn_sys_strtrim(const tarn_string* s, tarn_string* result) {
+    assign(result, STRTRIM(view(s)));
+}
+void tarn_sys_strltrim(const tarn_string* s, tarn_string* result) {
+    assign(result, STRLTRIM(view(s)));
+}
+void tarn_sys_strrtrim(const tarn_string* s, tarn_string* result) {
+    assign(result, STRRTRIM(view(s)));
+}
+void tarn_sys_strupper(const tarn_string* s, tarn_string* result) {
+    assign(result, STRUPPER(view(s)));
+}
+void tarn_sys_strlower(const tarn_string* s, tarn_string* result) {
+    assign(result, STRLOWER(view(s)));
+}
+
+void tarn_sys_strreplace(const tarn_string* what, const tarn_string* with, int32_t ignore_case,
+                         tarn_string* s) {
+    assign(s, STRREPLACE(view(s), view(what), view(with), ignore_case != 0));
+}
+
+int32_t tarn_sys_strlines(const tarn_string* s) {
+    return STRLINES(view(s));
+}
+void tarn_sys_strline(const tarn_string* s, int32_t line, tarn_string* result) {
+    assign(result, STRLINE(view(s), line));
+}
+
+void tarn_sys_strmake(int32_t count, int32_t character, tarn_string* result) {
+    if (count > MaxBlock) SetError(ERR_BLOCK_TOO_LARGE);
+    assign(result, count > MaxBlock ? std::string() : STRMAKE(count, character));
+}
+
+int32_t tarn_sys_filesize(const tarn_string* file) {
+    const std::int64_t size = FileSize(text(file));
+    return size > INT32_MAX ? INT32_MAX : static_cast<int32_t>(size);
+}
+
+void tarn_sys_arguments(tarn_string* result) {
+    assign(result, JoinedArguments());
+}
+
+void tarn_sys_errormessage(int32_t code, tarn_string* result) {
+    assign(result, ErrorMessage(code));
+}
+void tarn_sys_errordetails(tarn_string* result) {
+    assign(result, ErrorDetails());
+}
+
+void tarn_sys_print(const tarn_string* s) {
+    const std::string_view line = view(s);
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+}  // extern "C"

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Running programs. A program is started with an argument list, never through a shell; " > file" behind the
+// arguments sends its output to that file. While a tool is waited for, events are handled every few
+// milliseconds, and the wait ends as soon as the tool does. After a second the user gets a Stop button.
+#include "library/system/system.h"
+
+#include "kernel/run/errors.h"
+#include "os/files.h"
+#include "os/process.h"
+#include "os/text/ascii.h"
+
+#include <algorithm>
+#include <climits>
+#include <csignal>
+
+MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+
+namespace tarn {
+namespace {
+
+enum WaitMode { WaitDisabled = 0, WaitIdle = 1, WaitEnabled = 2 };
+
+constexpr int PollMilliseconds = 50;        // the longest time between two looks at the child
+constexpr int SliceMilliseconds = 5;        // how long events may stay unhandled, or an end unseen
+constexpr int IdleMilliseconds = 5000;      // the most that a start is waited for
+constexpr int ProgressMilliseconds = 1000;  // a tool that takes longer can be stopped
+constexpr int GraceMilliseconds = 2000;     // what a stopped tool has to end by itself
+static_assert(2 * SliceMilliseconds <= PollMilliseconds);
+
+bool hasContent(const std::string& path) {
+    return os::sizeOf(path) > 0;
+}
+
+// The arguments in front of an unquoted " > ", and the file behind it.
+struct CommandLine {
+    std::vector<std::string> arguments;
+    bool redirected = false;
+    std::vector<std::string> outputFiles;  // just one in a good line
+};
+
+CommandLine parseCommandLine(std::string_view line) {
+    CommandLine command;
+    bool quoted = false;
+    std::size_t mark = 0;
+    for (; mark < line.size() && !command.redirected; ++mark) {
+        if (line[mark] == '"') quoted = !quoted;
+        const bool alone = (mark == 0 || ascii::isBlank(line[mark - 1])) &&
+                           (mark + 1 == line.size() || ascii::isBlank(line[mark + 1]));
+        command.redirected = !quoted && line[mark] == '>' && alone;
+    }
+    if (command.redirected) command.outputFiles = SPLITARGUMENTS(line.substr(mark));
+    command.arguments = SPLITARGUMENTS(line.substr(0, command.redirected ? mark - 1 : mark));
+    return command;
+}
+
+bool holdsNul(const std::vector<std::string>& texts) {
+    return std::any_of(texts.begin(), texts.end(),
+                       [](const std::string& text) { return text.find('\0') != std::string::npos; });
+}
+
+// The file to start: a tool with a folder is looked for there alone, another on PATH.
+std::string findProgram(const std::string& program) {
+    if (!FILEGETDIR(program).empty()) return FINDTOOL(program);
+    const std::string path = os::environment("PATH");
+    for (std::string_view rest = path; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        const std::string folder(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        if (folder.empty()) continue;
+        const std::string found = FINDTOOL(FILEADDSEPARATOR(folder) + program);
+        if (!found.empty()) return found;
+    }
+    return {};
+}
+
+// Whether the file begins as programs and scripts do.
+bool looksLikeProgram(const std::string& path) {
+    constexpr std::string_view Elf("\177ELF"), Script("#!");
+    os::Handle file = -1;
+    if (os::files().open(path, os::OpenMode::Read, 0, file) != os::FileError::None) return false;
+    char bytes[Elf.size()];
+    std::size_t got = 0;
+    os::files().read(file, 0, bytes, sizeof bytes, got);
+    os::files().close(file);
+    const std::string_view start(bytes, got);
+    return start.starts_with(Elf) || start.starts_with(Script);
+}
+
+// False for what no file can be named, wherever it is looked for.
+bool isProgramName(const std::string& program) {
+    return !program.empty() && program.size() < PATH_MAX && program.find('\0') == std::string::npos;
+}
+
+std::int32_t errorCode(os::StartError error, const std::string& program) {
+    switch (error) {
+    case os::StartError::None: return 0;
+    case os::StartError::NotFound: return ERR_EXEC_NOT_FOUND;
+    case os::StartError::NotExecutable:
+        return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
+    case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
+    case os::StartError::BadArguments: return ERR_EXEC_COMMAND_LINE;
+    case os::StartError::BadOutput: return ERR_EXEC_OUTPUT_FILE;
+    case os::StartError::Other: break;
+    }
+    return ERR_EXEC_OTHER;
+}
+
+// Null, with the error cell set, if the program cannot be started.
+std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments,
+                                 const std::string& folder) {
+    CommandLine command = parseCommandLine(arguments);
+    if (!isProgramName(program) || holdsNul(command.arguments)) {
+        SetError(ERR_EXEC_COMMAND_LINE);
+        return nullptr;
+    }
+    if (command.redirected && (command.outputFiles.size() != 1 || holdsNul(command.outputFiles))) {
+        SetError(ERR_EXEC_OUTPUT_FILE);
+        return nullptr;
+    }
+    os::StartRequest request;
+    request.program = findProgram(program);
+    if (request.program.empty()) {
+        SetError(ERR_EXEC_NOT_FOUND);
+        return nullptr;
+    }
+    request.arguments = std::move(command.arguments);
+    request.folder = os::native(folder);
+    if (command.redirected) request.outputFile = os::native(command.outputFiles.front());
+    os::StartError error = os::StartError::None;
+    std::unique_ptr<os::Child> child = os::processes().start(request, error);
+    if (child == nullptr)
+        SetError(errorCode(error == os::StartError::None ? os::StartError::Other : error, request.program));
+    return child;
+}
+
+// Waits until the child has ended or the user has stopped it.
+void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, os::ExitState& state) {
+    bool shown = false;
+    state = child.poll();
+    for (int waited = 0; !state.ended;
+         waited = std::min(waited + 2 * SliceMilliseconds, ProgressMilliseconds)) {
+        if (!shown && waited >= ProgressMilliseconds) {
+            ShowToolProgress("Running " + name);
+            shown = true;
+        }
+        WaitEvents(SliceMilliseconds, false);
+        state = child.wait(SliceMilliseconds);
+        if (state.ended || !ToolStopPressed()) continue;
+        result.stopped = true;
+        child.stop(GraceMilliseconds);
+        state = child.wait(GraceMilliseconds);
+        if (!state.ended) state.signal = SIGKILL;  // it cannot be ended: it has failed, though it still runs
+        break;
+    }
+    if (shown) ShowToolProgress({});
+}
+
+// A process that sleeps has done what it does at its start, and waits for its user. True also if nothing can
+// be learned about it.
+bool isIdle(int process) {
+    std::string text;
+    const std::string file = "/proc/" + STR(process) + "/stat";
+    if (os::readFile(file, text) != os::FileError::None) return true;
+    const std::size_t name = text.rfind(')');
+    return name == std::string::npos || name + 2 >= text.size() || text[name + 2] == 'S';
+}
+
+// Waits until the child has come up: it sleeps at two looks in a row, or has ended.
+void waitForIdle(os::Child& child, os::ExitState& state) {
+    int idle = 0;
+    for (int waited = 0; waited < IdleMilliseconds && idle < 2 && !state.ended; waited += PollMilliseconds) {
+        WaitEvents(SliceMilliseconds, false);
+        state = child.wait(PollMilliseconds - SliceMilliseconds);
+        idle = isIdle(child.id()) ? idle + 1 : 0;
+    }
+}
+
+void waitDisabled(os::Child& child, const std::string& name, ExecResult& result, os::ExitState& state) {
+    const Object active = ActiveWindow();
+    SetBusy(true);
+    waitForEnd(child, name, result, state);
+    SetBusy(false);
+    if (!active.empty() && IsLoaded(active) && !IsModal(active) && GetVisible(active)) Show(active, false);
+}
+
+}  // namespace
+
+std::string FINDTOOL(const std::string& path) {
+    FRAME(FINDTOOL);
+    STAMP();
+    const std::string name = os::native(path);
+    if (hasContent(name)) return name;
+    if (!STREQUAL(FILEGETEXT(name), ".exe")) return {};
+    const std::string bare = FILECHANGEEXT(name, "");
+    return !FILEBASENAME(bare).empty() && hasContent(bare) ? bare : std::string();
+}
+
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode,
+                const std::string& folder) {
+    FRAME(EXEC);
+    ExecResult result;
+    STAMP();
+    const std::unique_ptr<os::Child> child = start(program, arguments, folder);
+    if (child == nullptr) return result;
+    result.started = true;
+    os::ExitState state;
+    STAMP();
+    switch (mode >> 4 & 15) {
+    case WaitDisabled: waitDisabled(*child, FILEGETFNAME(program), result, state); break;
+    case WaitEnabled: waitForEnd(*child, FILEGETFNAME(program), result, state); break;
+    default: waitForIdle(*child, state); break;
+    }
+    constexpr int SignalBase = 128;  // as shells report it, so that the code alone tells the failure too
+    result.signal = state.signal;
+    result.code = state.signal != 0 ? SignalBase + state.signal : state.code;
+    return result;
+}
+
+}  // namespace tarn

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a resource file holds, as lists of lines, for the text form and the compiled one.
+#include "platform/resources/rctext.h"
+#include "platform/resources/rcx.h"
+#include "platform/resources/resource.h"
+
+#include "os/files.h"
+#include "platform/text.h"
+
+namespace tarn::platform {
+
+namespace {
+
+// name, id, kind, options, path. The path of a DBFILE is always the fifth word.
+std::string fileLine(const RcFile& file, const RcStatement& statement) {
+    std::string id = statement.id;
+    if (id.empty()) {
+        const int number = file.symbol(statement.name);
+        id = number != 0 ? std::to_string(number) : statement.name;
+    }
+    std::string line = statement.name + " " + id + " " + statement.kindWord;
+    const bool data = statement.kindWord == "DBFILE";
+    if (data) line += " " + (statement.options.empty() ? std::string("PRELOAD") : statement.options.front());
+    if (!data)
+        for (const std::string& option : statement.options) line += " " + option;
+    return line + " " + quotedPath(statement.path);
+}
+
+std::string versionText(const RcFile& file, const RcStatement& statement) {
+    std::string text = file.text.substr(statement.span.begin, statement.span.end - statement.span.begin);
+    std::erase(text, '\r');
+    if (text.ends_with('\n')) text.pop_back();
+    return text;
+}
+
+std::string controlLines(const RcFile& file, const RcStatement& dialog) {
+    std::string text;
+    const auto add = [&](const RcObject& object) {
+        const bool item = object.type == Type::Menuitem;  // separators bear no name, and need none
+        const std::string& name = object.name.empty() && !item ? object.number : object.name;
+        if (!name.empty()) text += name + " " + std::to_string(file.numberOf(object)) + "\n";
+    };
+    for (const RcObject& control : dialog.objects) add(control);
+    const RcStatement* const menu =
+        file.find(RcKind::Menu, valueOf(dialog.self.values(), dialog.self.type, "MENU"));
+    if (menu != nullptr)
+        for (const RcObject& item : menu->objects) add(item);
+    return text;
+}
+
+// A DIALOG is any kind of window.
+bool hasKind(const RcStatement& statement, std::string_view kind) {
+    if (sameText(kind, "DIALOG")) return statement.kind == RcKind::Window;
+    return sameText(statement.kindWord, kind);
+}
+
+std::string infoOfText(const RcFile& file, const std::string& kind, const std::string& name) {
+    if (sameText(kind, "CONTROLS")) {
+        const RcStatement* const dialog = file.find(RcKind::Window, name);
+        return dialog == nullptr ? "" : controlLines(file, *dialog);
+    }
+    std::string text;
+    for (const RcStatement& statement : file.statements) {
+        if (statement.kind == RcKind::Define || statement.kind == RcKind::Unknown) continue;
+        if (kind != "*" && !hasKind(statement, kind)) continue;
+        if (name != "*" && !sameText(statement.name, name)) continue;
+        text += kind == "*" && name == "*" ? statement.name : resourceLine(file, statement, name != "*");
+        text += "\n";
+        if (name != "*") break;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string resourceLine(const RcFile& file, const RcStatement& statement, bool whole) {
+    if (statement.kind == RcKind::File) return fileLine(file, statement);
+    if (statement.kind == RcKind::Version && whole) return versionText(file, statement);
+    return statement.name + " " + statement.kindWord;
+}
+
+ResourceText ResourceInfo(const std::string& file, const std::string& kind, const std::string& name) {
+    std::string bytes;
+    const os::FileError error = os::readFile(file, bytes);
+    if (error == os::FileError::NotFound || error == os::FileError::NotFolder ||
+        error == os::FileError::BadName)
+        return {};
+    if (error != os::FileError::None)
+        return {"", "'" + file + "' cannot be read. " + std::string(os::describe(error))};
+    if (isCompiledResource(bytes)) {
+        CompiledResources compiled;
+        std::string fault = compiled.open(std::move(bytes));
+        if (!fault.empty()) return {"", "'" + file + "': " + fault};
+        return {compiled.info(kind, name), ""};
+    }
+    const RcFile parsed = parseResourceText(std::move(bytes));
+    if (!parsed.fault.empty())
+        return {"", "'" + file + "', line " + std::to_string(parsed.fault.line) + ": " + parsed.fault.text};
+    return {infoOfText(parsed, kind, name), ""};
+}
+
+std::string ResourceTypelist(const std::string& type) {
+    std::string text;
+    for (const PropertyRow& row : propertiesOf(typeFromName(type)))
+        text.append(row.name).append(" ").append(row.options).append("\n");
+    return text;
+}
+
+bool ResourceCommonId(const std::string& name) {
+    return commonId(name) != 0;
+}
+
+}  // namespace tarn::platform

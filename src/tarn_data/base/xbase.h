@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Xbase files as they stand: the header against the size, and row after row.
+#pragma once
+
+#include "kernel/data/xbase/xbase.h"
+#include "tarn_data/base/files.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::datatool {
+
+inline constexpr char LiveRow = ' ', DeletedRow = '*';
+// What stands in a field, without what fills it up at its end: blanks, and bytes 0 by some programs.
+std::string_view xbaseText(std::string_view field);
+std::string_view trimmedText(std::string_view field);  // nor blanks at its beginning
+// What can be made of a number as it stands in a field without losing a digit.
+enum class NumberForm { Blank, Integer, Fixed, Real, None };
+NumberForm numberForm(std::string_view text);
+
+class XbaseFile {
+public:
+    Problem open(const std::string& file);
+    [[nodiscard]] const XbaseHeader& header() const { return header_; }
+    [[nodiscard]] std::int64_t counted() const { return header_.records; }  // by the header
+    [[nodiscard]] std::int64_t whole() const { return whole_; }             // rows that are there
+    // Bytes behind the whole rows, but for a mark of the end.
+    [[nodiscard]] std::int64_t behind() const { return behind_; }
+    // What they are, when a row was being written over; and which row, or 0.
+    [[nodiscard]] const RowNote& note() const { return note_; }
+    [[nodiscard]] std::int32_t replacing() const {
+        return note_.position >= 1 && note_.position <= rows() ? note_.position : 0;
+    }
+    // The rows that count and are there, from the first on.
+    [[nodiscard]] std::int64_t rows() const { return counted() < whole_ ? counted() : whole_; }
+    bool readHead(std::string& bytes) {
+        return file_.read(0, static_cast<std::size_t>(header_.headerSize), bytes);
+    }
+    void goToFirst(std::int64_t rows);
+    bool next(std::string_view& row) { return file_.next(row); }
+    [[nodiscard]] os::FileError error() const { return file_.error(); }
+    // A field of a row, from 0.
+    [[nodiscard]] std::string_view field(std::string_view row, std::int32_t n) const {
+        return row.substr(offsets_[static_cast<std::size_t>(n)], header_.length[n]);
+    }
+
+private:
+    FileRows file_;
+    XbaseHeader header_;
+    std::vector<std::size_t> offsets_;
+    std::int64_t whole_ = 0, behind_ = 0;
+    RowNote note_;
+};
+
+}  // namespace tarn::datatool

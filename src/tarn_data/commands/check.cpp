@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What is wrong with a file: a line for each fault. Nothing is opened as a table here, as that may write.
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/tables.h"
+#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_kept.h"
+#include "tarn_data/commands/check_internal.h"
+#include "tarn_data/commands/commands.h"
+
+#include <algorithm>
+
+namespace tarn::datatool {
+
+// ---- findings ----
+
+void Findings::fault(const std::string& file, const std::string& what) {
+    ++faults_;
+    put(file + ": " + what, faults_);
+}
+
+void Findings::note(const std::string& file, const std::string& what) {
+    ++notes_;
+    put("note: " + file + ": " + what, notes_);
+}
+
+void Findings::put(const std::string& text, std::int64_t number) {
+    if (number <= most_) lines_ += text + "\n";
+}
+
+std::string Findings::text(const std::string& file, const std::string& contents) const {
+    std::string text = lines_;
+    const auto more = [&](std::int64_t found, const char* what) {
+        if (found > most_) text += "and " + std::to_string(found - most_) + " more " + what + "\n";
+    };
+    more(faults_, "faults");
+    more(notes_, "notes");
+    return faults_ > 0 ? text : text + file + ": whole, " + contents + "\n";
+}
+
+namespace {
+
+std::string counted(std::int64_t n, const char* what) {
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
+// ---- indexes ----
+
+std::string nameOf(const std::string& file, std::int32_t number) {
+    return IndexFileName(file, number);
+}
+
+}  // namespace
+
+void checkNote(const std::string& file, const RowNote& note, std::int32_t replacing, Findings& findings) {
+    if (note.offset < 0) return;
+    findings.fault(file, replacing != 0 ? "Row " + std::to_string(replacing) +
+                                              " was being replaced when a process died; 'tarn-data rebuild' "
+                                              "finishes it."
+                                        : "The replacing of a row was begun when a process died, and is "
+                                          "noted in part; 'tarn-data rebuild' cuts the note off.");
+}
+
+// Whether each node has the key of its row; "" at the end of a file that cannot be read, which is told
+// elsewhere.
+std::string RowKeys::compare(std::int32_t row, std::string_view key) {
+    const std::int64_t offset = first_ + (std::int64_t{row} - 1) * bytes_;
+    if (!file_.read(offset, static_cast<std::size_t>(bytes_), row_) ||
+        row_.size() != static_cast<std::size_t>(bytes_))
+        return "Row " + std::to_string(row) + " cannot be read.";
+    const std::string wanted = keyOf_(row_);
+    if (wanted == key.substr(0, wanted.size())) return {};
+    return "The key of row " + std::to_string(row) + " is not the one that the row has.";
+}
+
+void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, std::int64_t rows,
+                  const IndexCheck& keysOf, Findings& findings) {
+    for (const IndexBeside& index : indexes) {
+        const std::string name = nameOf(file, index.number);
+        if (index.file.path.empty() || index.aside) {
+            findings.fault(name, index.aside ? "It is missing: the making of a new one did not end."
+                                             : "It is missing.");
+            continue;
+        }
+        if (index.keyMap == 0) {
+            findings.fault(name, index.file.wrong);
+            continue;
+        }
+        const std::string wrong = CheckIndexFile(os::native(name), index.file.shape(),
+                                                 static_cast<std::int32_t>(rows), keysOf(index.keyMap));
+        if (!wrong.empty()) findings.fault(name, wrong);
+        if (!index.file.odd.empty()) findings.note(name, index.file.odd);
+        const std::string_view base = baseName(file).substr(0, MaxIndexTableName);
+        if (index.file.tableName != base)
+            findings.note(name, "It names the table file '" + index.file.tableName + "'.");
+    }
+}
+
+// Those that a user misses: behind the last that is there, nothing tells of them.
+Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,
+                    Findings& findings) {
+    std::vector<std::int32_t> maps;
+    Problem problem = keyMapsOf(arguments.keys, type, maps);
+    for (std::size_t n = 0; n < maps.size() && !problem.any(); ++n) {
+        const std::string name = nameOf(arguments.files[0], static_cast<std::int32_t>(n) + 1);
+        if (n >= indexes.size())
+            findings.fault(name, "It is missing.");
+        else if (indexes[n].keyMap != 0 && indexes[n].keyMap != maps[n])
+            findings.fault(name, "Its key is " + joined(indexes[n].file.fields) + ", and not " +
+                                     joined(arguments.keys[n]) + ".");
+    }
+    return problem;
+}
+
+namespace {
+
+int checkIndex(const std::string& file) {
+    Findings findings;
+    const Work work("checking " + file);
+    const IndexFile index = readIndexFile(file);
+    std::string contents;
+    if (!index.wrong.empty()) {
+        findings.fault(file, index.wrong);
+    } else {
+        const std::string wrong = CheckIndexFile(os::native(file), index.shape(), -1);
+        if (!index.odd.empty()) findings.note(file, index.odd);
+        if (!wrong.empty()) findings.fault(file, wrong);
+        contents =
+            counted(wrong.empty() ? countNodes(index).nodes : 0, "node") + ", key " + joined(index.fields);
+    }
+    return findings.print(file, contents);
+}
+
+// ---- table files ----
+
+void checkFacts(const std::string& file, const RowType& type, const TableFacts& facts, Findings& findings) {
+    if (facts.behind < 0) return findings.fault(file, "It has no whole header.");
+    checkNote(file, facts.note, facts.replacing(), findings);
+    if (facts.behind > 0 && facts.note.offset < 0)
+        findings.fault(file, "It has " + counted(facts.behind, "byte") + " behind its " +
+                                 counted(facts.whole, "whole row") + " of " + std::to_string(facts.rowBytes) +
+                                 ".");
+    if (facts.counted > facts.whole)
+        findings.fault(file, "Its header counts " + counted(facts.counted, "row") + ", and it has " +
+                                 std::to_string(facts.whole) + ".");
+    // One that was cleared is no longer than its rows.
+    if (type.capacity != UNBOUNDED && facts.whole > type.capacity)
+        findings.fault(file, "It has room for " + counted(facts.whole, "row") + ", and is declared for " +
+                                 std::to_string(type.capacity) + ".");
+}
+
+// False: it was stopped, or a row cannot be read.
+bool checkRows(const std::string& file, const RowType& type, const TableFacts& facts, Findings& findings) {
+    FileRows rows;
+    RowBytes bytes(type);
+    Steps steps(facts.rows() * facts.rowBytes);
+    const std::vector<std::string> names = fieldNames(type.columns);
+    std::string_view row;
+    bool good = rows.open(file);
+    rows.goTo(facts.headerBytes, static_cast<std::size_t>(facts.rowBytes), facts.rows());
+    for (std::int64_t number = 1; rows.next(row); ++number) {
+        if (!steps.step(facts.rowBytes)) return false;
+        const bool noted = number == facts.replacing();
+        const std::int32_t bad = bytes.badField(noted ? std::string_view(facts.note.row) : row);
+        const std::int32_t odd = bad == 0 ? bytes.oddText(row) : 0;
+        if (odd != 0)
+            findings.note(file, "Row " + std::to_string(number) +
+                                    ": there are bytes behind the text of field '" +
+                                    names[static_cast<std::size_t>(odd) - 1] + "'.");
+        if (bad == 0) continue;
+        good = false;
+        findings.fault(file, "Row " + std::to_string(number) + ": its bytes are no value of field '" +
+                                 names[static_cast<std::size_t>(bad) - 1] + "'.");
+    }
+    if (rows.error() != os::FileError::None) findings.fault(file, std::string(os::describe(rows.error())));
+    return good && rows.error() == os::FileError::None;
+}
+
+// Rows that deletions have moved are kept beside until the table is closed.
+void checkKept(const std::string& file, const RowType& type, const std::vector<IndexBeside>& indexes,
+               Findings& findings) {
+    const std::string kept = KeptRowsFileName(file);
+    std::vector<std::int32_t> maps;
+    for (const IndexBeside& index : indexes) maps.push_back(index.keyMap);
+    if (!os::infoOf(os::native(kept)).exists || std::count(maps.begin(), maps.end(), 0) > 0) return;
+    TableValue table;
+    if (makeFileTable(type, maps, table) && MissesKeptRows(*table.get(), os::native(file)))
+        findings.fault(file, "A row that a deletion has moved is missing; a rebuild brings it back.");
+    else
+        findings.note(kept, "It keeps rows that deletions have moved, until the table is closed.");
+    ClearError();
+}
+
+int checkTable(const std::string& file, const Arguments& arguments) {
+    RowType type;
+    TableFacts facts;
+    Findings findings;
+    const Work work("checking " + file);
+    Problem problem = readRowType(arguments.type, type);
+    if (!problem.any()) problem = tableFacts(file, type, facts);
+    if (problem.any()) return tell(problem);
+    const std::vector<IndexBeside> indexes = indexesBeside(file, type);
+    checkFacts(file, type, facts, findings);
+    problem = checkWanted(arguments, type, indexes, findings);
+    if (problem.any()) return tell(problem);
+    checkRows(file, type, facts, findings);
+    FileRows rows;
+    const RowBytes bytes(type);
+    if (!rows.open(file)) return tell(unreadable(file, rows.error()));
+    checkIndexes(
+        file, indexes, facts.rows(),
+        [&](std::int32_t keyMap) -> SeenNode {
+            const auto keys = std::make_shared<RowKeys>(
+                rows, facts.headerBytes, facts.rowBytes,
+                [&bytes, keyMap](std::string_view row) { return bytes.key(row, keyMap); });
+            return [keys](std::int32_t row, std::string_view key) { return keys->compare(row, key); };
+        },
+        findings);
+    if (stopSignal() != 0) return tell(stoppedProblem());
+    checkKept(file, type, indexes, findings);
+    const auto count = static_cast<std::int64_t>(indexes.size());
+    return findings.print(file, counted(facts.rows(), "row") +
+                                    (count == 0   ? ""
+                                     : count == 1 ? ", 1 index"
+                                                  : ", " + std::to_string(count) + " indexes"));
+}
+
+}  // namespace
+
+int Findings::print(const std::string& file, const std::string& contents) const {
+    const int printed = datatool::print(text(file, contents));
+    return faults_ > 0 ? int{Failed} : printed;
+}
+
+int check(const Arguments& arguments) {
+    const std::string& file = arguments.files[0];
+    const Problem problem = problemOfName(file);
+    if (problem.any()) return tell(problem);
+    const FileKind kind = kindOf(file);
+    const bool table = !arguments.type.empty();
+    if (isIndexName(file) || (kind == FileKind::Index && !table)) {
+        if (arguments.keys.empty()) return checkIndex(file);
+        return tell({fileWord(file) + "is an index file, so that --keys means nothing for it.",
+                     "Give the table file; 'tarn-data info' tells which it is.", WrongUsage});
+    }
+    if (XbaseFileName(file) || (kind == FileKind::Xbase && !table)) return checkXbase(arguments);
+    if (table) return checkTable(file, arguments);
+    if (DataFormatOf(file) == FormatBinary || isTableByIndex(file)) return tell(typeIsMissing(file));
+    return tell(
+        {fileWord(file) + "is no dbf file, table file or index file, so that there is nothing to check.",
+         "'tarn-data info' reads other files; --type=FILE says that it is a table file.", WrongUsage});
+}
+
+}  // namespace tarn::datatool

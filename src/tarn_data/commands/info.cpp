@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What is in a file.
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/tables/tables.h"
+#include "tarn_data/base/tables.h"
+#include "tarn_data/base/xbase.h"
+#include "tarn_data/commands/commands.h"
+#include "tarn_data/sources/load.h"
+
+#include <algorithm>
+
+namespace tarn::datatool {
+
+namespace {
+
+constexpr const char* seeCheck = "; 'tarn-data check' tells more";
+
+std::string line(const char* name, const std::string& text) {
+    return std::string(name) + ": " + text + "\n";
+}
+
+std::string renamedText(std::string_view before, std::string_view repaired) {
+    const std::vector<std::string> from = columnNames(before), to = columnNames(repaired);
+    std::string text;
+    for (std::size_t i = 0; i < std::min(from.size(), to.size()); ++i) {
+        if (from[i] != to[i]) text += "renamed: " + from[i] + " to " + to[i] + "\n";
+    }
+    return text;
+}
+
+// The last lines: default keys and the declaration, with names that the language accepts.
+std::string declared(const std::string& file, const std::string& columns) {
+    const std::string repaired = repairedNames(columns), whole = declaration(file, repaired);
+    const std::string keys = TypeInfoFieldList(whole).keys.names;
+    return line("default keys", keys.empty() ? "none" : keys) + renamedText(columns, repaired) +
+           "declaration:\n" + whole;
+}
+
+// ---- text and XML ----
+
+std::string rowsText(const Source& source, const Arguments& arguments) {
+    if (source.rowsSeen < 0) return "as many as lines";
+    const bool first = arguments.from.maxRows && source.rowsSeen == *arguments.from.maxRows;
+    return std::to_string(source.rowsSeen) + (first ? " (at most as many as --max-rows)" : "");
+}
+
+constexpr std::string_view xmlForms[] = {"XML", "XML, a list of values", "XML, a single record"};
+
+std::string formText(const Source& source) {
+    const auto rows = [](std::int32_t n, const char* what) {
+        return ", " + std::to_string(n) + " " + what + " row" + (n == 1 ? "" : "s");
+    };
+    switch (source.format) {
+    case FormatText: return "lines of text";
+    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.xmlRows.form)]);
+    default:
+        return "delimited text, separator " + separatorName(source.options.separatorchar) +
+               rows(source.options.numheaderrows, "header") + rows(source.options.numfooterrows, "footer");
+    }
+}
+
+int infoText(const std::string& file, const Arguments& arguments) {
+    Source source;
+    Problem problem = identify(file, arguments, false, source);
+    // The rows of a long XML file are not kept only to be looked at.
+    const bool look = source.format != FormatXml || fitsMemory(source.rowsSeen);
+    if (!problem.any() && look) problem = keepDigits(source);
+    if (problem.any()) return tell(problem);
+    const Problem gap = checkEmptyLine(source);
+    if (gap.any()) note(gap.what + " Only rows ahead of it are counted.");
+    const std::string columns = arguments.text ? textColumns(source.columns) : source.columns;
+    return print(line("file", file) + line("type", formText(source)) +
+                 line("rows", rowsText(source, arguments)) +
+                 line("columns", std::to_string(columnNames(columns).size())) + declared(file, columns));
+}
+
+// ---- indexes ----
+
+std::string indexLines(const std::vector<IndexBeside>& indexes, const std::string& file) {
+    std::string text;
+    for (const IndexBeside& index : indexes) {
+        const std::string name(baseName(IndexFileName(file, index.number)));
+        std::string key = "key " + joined(index.file.fields);
+        if (index.file.path.empty() || index.aside)
+            key = std::string("missing") + seeCheck;
+        else if (!index.file.wrong.empty())
+            key = "cannot be used: " + index.file.wrong;
+        text += line(("index " + std::to_string(index.number)).c_str(), name + ", " + key);
+    }
+    return text;
+}
+
+int infoIndex(const std::string& file) {
+    const IndexFile index = readIndexFile(file);
+    if (!index.wrong.empty())
+        return tell({fileWord(file) + "is no whole index file. " + index.wrong,
+                     "'tarn-data rebuild' makes the indexes of a table file anew."});
+    const IndexNumbers numbers = countNodes(index);
+    const auto number = [](std::int32_t n) {
+        return n < 0 ? std::string("damaged") + seeCheck : std::to_string(n);
+    };
+    const std::string folder = file.substr(0, file.size() - baseName(file).size());
+    const bool beside = os::infoOf(os::native(folder + index.tableName)).exists;
+    return print(line("file", file) + line("type", "index file") +
+                 line("table file", index.tableName + (beside ? "" : " (not there)")) +
+                 line("key", joined(index.fields)) + line("nodes", number(numbers.nodes)) +
+                 line("free records", number(numbers.freeRecords)) +
+                 line("record length", std::to_string(numbers.recordBytes)) + "declaration:\n" +
+                 index.keyText);
+}
+
+// ---- Xbase ----
+
+// Rows by the header, those that are there, and those that are deleted.
+Problem xbaseRows(const std::string& name, XbaseFile& file, std::string& text) {
+    const Work work("reading " + name);
+    Steps steps(file.rows() * file.header().recordSize);
+    std::int64_t deleted = 0;
+    std::string_view row;
+    file.goToFirst(file.rows());
+    while (file.next(row)) {
+        if (!steps.step(file.header().recordSize)) return stoppedProblem();
+        if (row[0] == DeletedRow) ++deleted;
+    }
+    text = std::to_string(file.rows());
+    if (deleted > 0) text += " (" + std::to_string(deleted) + " marked as deleted)";
+    if (file.counted() != file.whole() || file.behind() != 0)
+        text += "; the header counts " + std::to_string(file.counted()) + ", and the file has " +
+                std::to_string(file.whole()) + seeCheck;
+    return file.error() == os::FileError::None ? Problem() : unreadable(name, file.error());
+}
+
+int infoXbase(const std::string& name) {
+    XbaseFile file;
+    RowType type;
+    std::string rows;
+    Problem problem = file.open(name);
+    if (!problem.any()) problem = xbaseRowType(name, type);
+    if (!problem.any()) problem = xbaseRows(name, file, rows);
+    if (problem.any()) return tell(problem);
+    return print(line("file", name) + line("type", "Xbase") + line("rows", rows) +
+                 line("columns", std::to_string(file.header().fieldCount)) +
+                 indexLines(indexesBeside(name, type), name) + declared(name, type.columns));
+}
+
+// ---- table files ----
+
+int infoTable(const std::string& file, const std::string& typeFile) {
+    RowType type;
+    TableFacts facts;
+    Problem problem = readRowType(typeFile, type);
+    if (!problem.any()) problem = tableFacts(file, type, facts);
+    if (problem.any()) return tell(problem);
+    const bool plain = type.capacity == UNBOUNDED;
+    std::string rows = std::to_string(facts.rows());
+    if (facts.behind != 0)
+        rows += " and " + std::to_string(facts.behind) + (facts.behind == 1 ? " byte" : " bytes") + seeCheck;
+    if (facts.counted > facts.whole)
+        rows += "; the header counts " + std::to_string(facts.counted) + seeCheck;
+    return print(line("file", file) +
+                 line("type", plain ? "table file"
+                                    : "table file of at most " + std::to_string(type.capacity) + " rows") +
+                 line("rows", rows) + line("record length", std::to_string(facts.rowBytes)) +
+                 line("columns", std::to_string(fieldNames(type.columns).size())) +
+                 indexLines(indexesBeside(file, type), file) + declared(file, type.columns));
+}
+
+}  // namespace
+
+int info(const Arguments& arguments) {
+    const std::string& file = arguments.files[0];
+    const Problem problem = problemOfName(file);
+    if (problem.any()) return tell(problem);
+    const FileKind kind = kindOf(file);
+    const bool table = !arguments.type.empty();
+    if (kind == FileKind::Index && (!table || isIndexName(file))) return infoIndex(file);
+    if (kind == FileKind::Xbase && (!table || XbaseFileName(file))) return infoXbase(file);
+    return table ? infoTable(file, arguments.type) : infoText(file, arguments);
+}
+
+}  // namespace tarn::datatool

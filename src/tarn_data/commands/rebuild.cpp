@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Mending a table file, or an Xbase file, and making its indexes anew. No whole row is lost: rows behind
+// those that a header counts are taken in, and bytes that are no whole row are kept in a file beside before
+// they are cut off.
+#include "kernel/data/xbase/xbase.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_kept.h"
+#include "tarn_data/commands/patient.h"
+
+#include <algorithm>
+
+namespace tarn::datatool {
+
+namespace {
+
+std::string counted(std::int64_t n, const char* what) {
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
+// ---- mending ----
+
+// A name beside a file that a disk takes.
+std::string tornName(const std::string& file, int number) {
+    constexpr std::size_t longest = 255;
+    const std::string suffix = ".torn" + (number > 1 ? std::to_string(number) : "");
+    const std::string name(baseName(file));
+    return file.substr(0, file.size() - name.size()) +
+           name.substr(0, std::min(name.size(), longest - suffix.size())) + suffix;
+}
+
+// The rows that will be dropped, then what will be cut off, unless that is a row that was noted and will be
+// written.
+bool readLost(const Patient& patient, FileRows& rows, std::string& bytes) {
+    const auto add = [&](std::int64_t at, std::int64_t count) {
+        std::string more;
+        const bool good = rows.read(at, static_cast<std::size_t>(count), more);
+        bytes += more;
+        return good;
+    };
+    if (!rows.open(patient.file)) return false;
+    for (const std::int64_t row : patient.torn)
+        if (!add(patient.headerBytes + (row - 1) * patient.rowBytes, patient.rowBytes)) return false;
+    return patient.behind <= 0 || patient.replacing != 0 ||
+           add(patient.size - patient.behind, patient.behind);
+}
+
+Problem keepLost(const Patient& patient, std::string& kept, std::string& shown) {
+    FileRows rows;
+    std::string bytes;
+    if (!readLost(patient, rows, bytes)) return unreadable(patient.name, rows.error());
+    if (bytes.empty()) return {};
+    int number = 1;
+    const auto isThere = [&](const std::string& file) {
+        return os::infoOf(os::native(tornName(file, number))).exists;
+    };
+    while (isThere(patient.file) || isThere(patient.name)) ++number;
+    kept = tornName(patient.file, number);
+    shown = tornName(patient.name, number);
+    const os::SaveResult saved = os::saveFile(os::native(kept), bytes);
+    if (saved.ok()) return {};
+    return {"File '" + kept + "' cannot be written: " + std::string(os::describe(saved.error)),
+            "What is not a whole row is to be kept there. Nothing was changed."};
+}
+
+std::string keyOf(const Patient& patient, std::int32_t index) {
+    return std::to_string(index) + " (" + joined(patient.keys[static_cast<std::size_t>(index) - 1]) + ")";
+}
+
+// What was done, a line each.
+std::string report(const Patient& patient, const RebuiltTable& result, const std::string& shown) {
+    const MendedRows& mended = result.mended;
+    std::string text;
+    const auto line = [&](const std::string& what) { text += patient.name + ": " + what + "\n"; };
+    if (mended.rowWritten != 0)
+        line("row " + std::to_string(mended.rowWritten) + " was being replaced: replaced.");
+    if (mended.bytesCut > 0 && mended.rowWritten == 0) {
+        const bool torn = mended.bytesCut == patient.behind && !shown.empty();
+        line(counted(mended.bytesCut, "byte") + " behind the last whole row cut off" +
+             (torn ? "; they stand in '" + shown + "'." : "."));
+    }
+    if (mended.rowsTaken > 0)
+        line(counted(mended.rowsTaken, "row") + " behind those that the header counted taken in.");
+    if (mended.countSet)
+        line("the count in the header was " + std::to_string(patient.counted) + ": set to " +
+             std::to_string(mended.rows) + ".");
+    if (result.rowDropped != 0)
+        line("the last row, " + std::to_string(result.rowDropped) + ", was row " +
+             std::to_string(result.sameAs) + " again: dropped.");
+    if (result.rowsTorn != 0)
+        line(counted(result.rowsTorn, "row") + " that could not be read dropped" +
+             (shown.empty() ? "." : "; what was there stands in '" + shown + "'."));
+    if (result.rowsRestored != 0)
+        line(counted(result.rowsRestored, "row") +
+             " that deletions had moved, and that were lost, brought back.");
+    if (result.badRow != 0) line("row " + std::to_string(result.badRow) + " cannot be read.");
+    for (const DuplicateKey& duplicate : result.duplicates)
+        line("rows " + std::to_string(duplicate.first) + " and " + std::to_string(duplicate.row) +
+             " have the same key in index " + keyOf(patient, duplicate.index) + ", which lacks the second.");
+    return text;
+}
+
+std::string indexReport(const Patient& patient, std::int32_t rows) {
+    std::string text;
+    for (std::size_t n = 1; n <= patient.keys.size(); ++n)
+        text += patient.name + ": index " + keyOf(patient, static_cast<std::int32_t>(n)) + " made anew.\n";
+    if (text.empty()) text = patient.name + ": it has no indexes.\n";
+    return text + patient.name + ": " + counted(rows, "row") + ".\n";
+}
+
+// An index that was there and is wanted no more would belong to other rows soon.
+void removeOtherIndexes(const Patient& patient) {
+    for (std::size_t n = patient.keys.size() + 1; n <= patient.indexesBefore; ++n) {
+        const std::string name = IndexFileName(patient.file, static_cast<std::int32_t>(n));
+        os::files().remove(os::native(name));
+        os::files().remove(os::native(asideName(name)));
+    }
+}
+
+// What can be done about a rebuilding that failed.
+struct Advice {
+    std::int32_t code;
+    const char* next;
+};
+constexpr Advice advices[] = {
+    {ERR_FILE_READ, "Its disk may be failing: copy it elsewhere, and rebuild the copy."},
+    {ERR_FILE_WRITE, "Look whether you may write it, and its folder, where the new indexes are made."},
+    {ERR_FILE_VANISHED, "Look whether another program renames or deletes it, then rebuild again."},
+    {ERR_DISK_FULL, "Make room on its disk for the new indexes, then rebuild again."},
+    {ERR_FILE_SIZE, "It has more rows than a table can count: convert it in parts."},
+    {ERR_INDEX_FILE_SIZE,
+     "A file with the name of one of its indexes belongs to another table beside it: rename one of the two."},
+    {ERR_FILE_NAME,
+     "The name of an index would be too long, that of the file itself, or is that of a pipe, a "
+     "device or a folder: rename what is in the way, or the file."},
+    {ERR_COMPONENT_UNREPRESENTABLE, "Its fields have changed since it was looked at: rebuild again."},
+    {ERR_TYPE_NOT_STORABLE, "A field of a key must have a length: choose other fields with --keys."},
+    {ERR_FIXED_TABLE, "It has more rows than are declared: give the capacity of the table with --type."},
+    {ERR_OUT_OF_MEMORY, "End other programs, then rebuild again."},
+};
+
+std::string adviceOf(std::int32_t code) {
+    constexpr const char* others = "'tarn-data check' tells more of it.";
+    const auto* const advice =
+        std::find_if(std::begin(advices), std::end(advices), [&](const Advice& a) { return a.code == code; });
+    return std::string(advice != std::end(advices) ? advice->next : others) +
+           " Its rows are whole, its indexes are as they were.";
+}
+
+Problem mend(const Patient& patient, RebuiltTable& result) {
+    const std::string file = os::native(patient.file);
+    TableValue table;
+    const bool made = makeFileTable(patient.type, patient.maps, table);
+    if (made) result = RebuildTableFile(*table.get(), file, static_cast<std::int32_t>(patient.takenIn));
+    const std::int32_t code = made ? result.error : ErrorCell();
+    ClearError();
+    if (result.stopped)
+        return {"Stopped.", "The rows of '" + patient.name + "' are whole; its indexes are as they were."};
+    if (code == 0 || code == ERR_UNIQUE_INDEX) return {};
+    return {fileWord(patient.name) + "cannot be rebuilt: " + ErrorMessage(code) + ".", adviceOf(code)};
+}
+
+int rebuildFile(const Patient& patient) {
+    RebuiltTable result;
+    std::string kept, shown;
+    Problem problem = keepLost(patient, kept, shown);
+    if (problem.any()) return tell(problem);
+    problem = mend(patient, result);
+    if (result.mended.bytesCut == 0 && result.rowsTorn == 0 &&
+        !kept.empty()) {  // they still stand where they were
+        os::files().remove(os::native(kept));
+        shown.clear();
+    }
+    std::string text = report(patient, result, shown);
+    if (!problem.any()) {
+        removeOtherIndexes(patient);
+        text += indexReport(patient, result.rows);
+    }
+    const int printed = print(text);
+    if (problem.any()) return tell(problem);
+    if (result.duplicates.empty()) return printed;
+    return tell(
+        {fileWord(patient.name) + "has rows with the same key, which its indexes lack.",
+         "Change or delete one of each by number, then rebuild again; 'tarn-data convert' shows them."});
+}
+
+// ---- dry runs ----
+
+// The same work on copies.
+int rehearse(const Arguments& arguments, bool xbase) {
+    Patient patient;
+    patient.name = arguments.files[0];
+    WorkFolder folder;
+    folder.take(patient.name);
+    folder.take(KeptRowsFileName(patient.name));
+    for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
+        folder.take(IndexFileName(patient.name, n));
+        folder.take(asideName(IndexFileName(patient.name, n)));
+    }
+    if (folder.error() != os::FileError::None)
+        return tell({"The files cannot be copied to '" + folder.path() +
+                         "' for a dry run: " + std::string(os::describe(folder.error())),
+                     "Choose a folder with more room with TMPDIR."});
+    patient.file = folder.path() + "/" + std::string(baseName(patient.name));
+    const Problem problem = examine(arguments, xbase, patient);
+    if (problem.any()) return tell(problem);
+    print("A dry run: nothing is changed. A rebuild would tell:\n");
+    return rebuildFile(patient);
+}
+
+}  // namespace
+
+int rebuild(const Arguments& arguments) {
+    Patient patient;
+    patient.name = patient.file = arguments.files[0];
+    Problem problem = problemOfName(patient.name);
+    if (problem.any()) return tell(problem);
+    const FileKind kind = kindOf(patient.name);
+    const bool table = !arguments.type.empty();
+    const bool xbase = XbaseFileName(patient.name);
+    if (isIndexName(patient.name) || (kind == FileKind::Index && !table))
+        return tell({fileWord(patient.name) + "is an index file, which is made anew with its table file.",
+                     "Give that; 'tarn-data info' tells which it is.", WrongUsage});
+    if (!xbase && !table) {
+        const bool known = DataFormatOf(patient.name) == FormatBinary || isTableByIndex(patient.name);
+        if (known) return tell(typeIsMissing(patient.name));
+        return tell({fileWord(patient.name) + "is no dbf file or table file.",
+                     "--type=FILE says that it is a table file, and what its rows are.", WrongUsage});
+    }
+    const Work work("rebuilding " + patient.name);
+    if (arguments.dryRun) return rehearse(arguments, xbase);
+    problem = examine(arguments, xbase, patient);
+    return problem.any() ? tell(problem) : rebuildFile(patient);
+}
+
+}  // namespace tarn::datatool

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tarn_data/sources/load.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/lists/lists.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/progress.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/filevalues.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/records.h"
+#include "kernel/values/strings.h"
+#include "tarn_data/base/files.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+namespace tarn::datatool {
+
+Problem makeRows(std::string_view columns, bool exact, Rows& rows) {
+    const std::string fields = exact ? std::string(columns) : withoutLengths(columns);
+    RecordValue row;
+    if (makeRow(fields, row)) {
+        rows.table = TableValue();
+        TableInit(rows.table.get(), UNBOUNDED, row.get(), {}, fields, false);
+    }
+    const std::int32_t code = ErrorCell();
+    ClearError();
+    if (code == 0 && rows.table.get()->tag != 0) return {};
+    return {"The columns cannot be made: " + ErrorMessage(code != 0 ? code : std::int32_t{ERR_RECORD_TYPE}) +
+                ".",
+            "--text takes every column as text."};
+}
+
+bool fitsMemory(std::int64_t rows) {
+    return rows <= MaxBlock / KindSize[KindRecord];
+}
+
+Problem makeFileRows(std::string_view columns, Rows& rows) {
+    RowType type;
+    type.columns = columns;
+    rows.folder = std::make_unique<WorkFolder>();
+    const std::string name = rows.folder->path() + "/rows.~bin";
+    std::string why(os::describe(rows.folder->error()));
+    if (why.empty() && makeRow(columns, type.row) && makeFileTable(type, {}, rows.table))
+        FileOpen(rows.table.get(), KindTable, name);
+    if (why.empty() && ErrorCell() != 0) why = ErrorMessage(ErrorCell()) + ".";
+    ClearError();
+    if (why.empty()) return {};
+    return {"The rows cannot be kept in '" + name + "': " + why,
+            "There are more than memory holds; choose a folder with more room with TMPDIR."};
+}
+
+namespace {
+
+// The characters of the longest text of each column of a delimited file, or of XML; empty when they cannot be
+// told.
+std::vector<std::int32_t> longestOf(const Source& source) {
+    if (!source.longest.empty() || source.format == FormatXml) return source.longest;
+    return TabMeasure(source.file, source.options).longest;
+}
+
+// Columns of text with the length of their longest text, where they have none of their own; "" when a length
+// cannot be told.
+std::string withLengths(const Source& source, std::string_view columns) {
+    std::string text;
+    std::optional<std::vector<std::int32_t>> longest;
+    const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
+    for (std::int32_t n = 1; n <= lines; ++n) {
+        const TypeInfoElement element = TypeInfoParseLine(columns, n);
+        const bool open =
+            TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
+        if (open && !longest) longest = longestOf(source);
+        if (open && longest->empty() && source.format == FormatXml) return {};
+        const auto column = static_cast<std::size_t>(n - 1);
+        const std::int32_t length = open && column < longest->size() ? std::max((*longest)[column], 1) : 1;
+        text +=
+            open ? element.name + " : string[" + std::to_string(length) + "]\n" : TypeInfoLine(columns, n);
+    }
+    return text;
+}
+
+// In memory when that has room.
+Problem makeRowsFor(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+    constexpr std::int64_t leastLine = 2;
+    const std::int64_t size = os::sizeOf(os::native(source.file));
+    const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
+    const std::string sized = fitsMemory(expected) ? std::string() : withLengths(source, columns);
+    return sized.empty() ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
+}
+
+std::string rowOf(const Source& source, std::int32_t row) {
+    return fileWord(source.file) + "row " + std::to_string(row) + " ";
+}
+std::string placeOf(const Source& source, const DataResult& result) {
+    if (result.line > 0) return fileWord(source.file) + "line " + std::to_string(result.line) + " ";
+    return result.row > 0 ? rowOf(source, result.row) : fileWord(source.file);
+}
+
+}  // namespace
+
+Problem loadProblem(const Source& source, const DataResult& result, const std::string& message) {
+    const std::string what = placeOf(source, result) +
+                             "cannot be read: " + (message.empty() ? ErrorMessage(result.code) : message) +
+                             ".";
+    switch (result.code) {
+    case ERR_BLOCK_TOO_LARGE:
+    case ERR_OUT_OF_MEMORY:
+        return {what,
+                source.format == FormatXml
+                    ? "The file has more rows than a value in memory holds, and entities of its own, so "
+                      "that the length of its texts is not known ahead; split it, or write them out."
+                    : "The file has more rows than a value in memory holds; split it, or take the first "
+                      "ones with --max-rows."};
+    case ERR_STRING_CONVERSION:
+        return {what, "The row is longer than " + std::to_string(MaxTabLine) +
+                          " characters, or a text in it longer than its column is declared."};
+    case ERR_FILE_READ:
+    case ERR_FILE_VANISHED: return {what, "Look whether you may read it and whether it is still there."};
+    default: return {what, "Correct the file, or take every column as text with --text."};
+    }
+}
+
+namespace {
+
+Problem load(const Source& source, const DataOptions& options, Rows& rows, DataResult& result) {
+    const Work work("reading " + source.file);
+    std::string message;
+    // Lines, too, go by the options here.
+    const DataFormat format = source.format == FormatText ? FormatTab : source.format;
+    result = LoadRows(source.file, format, options, source.xmlRows.form, rows.table.get(), message);
+    ClearError();
+    if (result.stopped || stopSignal() != 0) return stoppedProblem();
+    return result.code == 0 ? Problem() : loadProblem(source, result, message);
+}
+
+// No row behind the first empty line is looked at: it is blank, as `checkEmptyLine` tells.
+Problem loadDelimited(const Source& source, Rows& rows) {
+    DataResult result;
+    DataOptions options = source.options;
+    if (source.rowsSeen >= 0) options.maxdatarows = source.rowsSeen;
+    return load(source, options, rows, result);
+}
+
+}  // namespace
+
+Problem checkEmptyLine(const Source& source) {
+    if (source.rowBehind == 0) return {};
+    return {rowOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(source.rowBehind) +
+                " is not.",
+            "Take the empty line out, or leave what follows it with --max-rows=" +
+                std::to_string(source.rowsSeen) + " or --footer-rows."};
+}
+
+Problem identifyTexts(Source& source, const DataFileInfo& info) {
+    DataOptions header = source.options;
+    header.maxdatarows = 0;
+    std::string names = TabDiscover(source.file, header, MaxTypeInfo).typeText, all;
+    TypeInfoStripOuter(names, MaxTypeInfo);
+    const std::size_t named = columnNames(names).size();
+    const Work work("reading " + source.file);
+    TabExtent extent = TabMeasure(source.file, source.options);
+    if (extent.stopped || stopSignal() != 0) return stoppedProblem();
+    source.format = info.format;
+    if (extent.code != 0) return loadProblem(source, {extent.code, extent.row}, {});
+    const std::size_t used = std::max(named, extent.longest.size());
+    for (std::size_t n = 1; n <= used; ++n)
+        all += n <= named ? TypeInfoLine(names, static_cast<std::int32_t>(n))
+                          : "FIELD" + std::to_string(n) + " : string\n";
+    source.columns = textColumns(all);
+    source.rowsSeen = extent.rows;
+    source.longest = std::move(extent.longest);
+    return {};
+}
+
+Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+    if (source.format == FormatBinary) return loadTable(source, columns, rows);
+    Problem problem = makeRowsFor(source, columns, exact, rows);
+    if (problem.any()) return problem;
+    if (source.format == FormatXbase) return loadXbase(source, rows);
+    if (isDelimitedForm(source.format)) return loadDelimited(source, rows);
+    DataResult result;
+    return load(source, source.options, rows, result);
+}
+
+}  // namespace tarn::datatool

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the modules share that look at a source and load its rows.
+#pragma once
+
+#include "tarn_data/commands/commands.h"
+
+#include <string>
+#include <string_view>
+
+namespace tarn::datatool {
+
+Problem identifyXbase(const Arguments& arguments, Source& source);
+Problem identifyTable(const Arguments& arguments, Source& source);
+bool isDelimitedForm(DataFormat format);
+// Columns of text without an upper length; all others as they are.
+std::string withoutLengths(std::string_view columns);
+// An empty table without an index, so that every row is taken as it comes. `exact`: strings have the lengths
+// that are given.
+Problem makeRows(std::string_view columns, bool exact, Rows& rows);
+// The same in a file of a folder for the work, where all strings need a length.
+Problem makeFileRows(std::string_view columns, Rows& rows);
+// As many as a value in memory has.
+bool fitsMemory(std::int64_t rows);
+Problem loadProblem(const Source& source, const DataResult& result, const std::string& message);
+Problem loadXbase(const Source& source, Rows& rows);
+Problem loadTable(const Source& source, std::string_view columns, Rows& rows);
+
+}  // namespace tarn::datatool

@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Rows of Xbase files and of table files, one after another.
+#include "kernel/lists/lists.h"
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
+#include "kernel/tables/tables.h"
+#include "kernel/values/adt.h"
+#include "kernel/values/arrays.h"
+#include "kernel/values/records.h"
+#include "kernel/values/strings.h"
+#include "tarn_data/base/xbase.h"
+#include "tarn_data/sources/load.h"
+
+#include <algorithm>
+
+namespace tarn::datatool {
+
+namespace {
+
+std::int32_t takeError() {
+    const std::int32_t code = ErrorCell();
+    ClearError();
+    return code;
+}
+
+Problem rowProblem(const Source& source, std::int32_t row, std::int32_t code) {
+    DataResult result;
+    result.code = code;
+    result.row = row;
+    return loadProblem(source, result, {});
+}
+
+std::int32_t mostRows(const Source& source) {
+    const std::int32_t most = source.options.maxdatarows;
+    return most < 0 ? INT32_MAX : most;
+}
+
+// ---- Xbase ----
+
+// One row into a record, whose first field may be for the mark of deletion.
+class XbaseRow {
+public:
+    XbaseRow(const XbaseFile& file, RecordDescriptor* record)
+        : file_(file), record_(record), marked_(FieldCountOf(record->kinds) > file.header().fieldCount) {}
+
+    // 0, or the field of the file, from 1, that its column cannot hold; the error is then set.
+    std::int32_t fill(std::string_view row) {
+        if (marked_) putMark(row[0]);
+        for (std::int32_t n = 0; n < file_.header().fieldCount; ++n) {
+            const std::int32_t column = n + (marked_ ? 2 : 1);
+            if (!put(row, n, RecordFieldAddress(record_, column), FieldKindAt(record_->kinds, column)))
+                return n + 1;
+        }
+        return 0;
+    }
+
+private:
+    void putMark(char mark) {
+        void* const field = RecordFieldAddress(record_, 1);
+        const bool deleted = mark == DeletedRow;
+        if (FieldKindAt(record_->kinds, 1) == KindString)
+            StringAssignView(static_cast<StringDescriptor*>(field), deleted ? "*" : "");
+        else
+            *static_cast<char*>(field) = FieldKindAt(record_->kinds, 1) == KindEnum ? mark : char{deleted};
+    }
+    bool put(std::string_view row, std::int32_t n, void* at, Kind kind) const {
+        const XbaseHeader& header = file_.header();
+        const std::string_view field = file_.field(row, n);
+        if (kind == KindString) {
+            const std::string_view text = header.type[n] == 'C' ? xbaseText(field) : trimmedText(field);
+            StringAssignView(static_cast<StringDescriptor*>(at), text);
+            return ErrorCell() == 0;
+        }
+        auto position = static_cast<std::size_t>(field.data() - row.data());
+        std::int32_t number = n + 1;
+        XbaseFault fault;
+        XbaseFromRow(row, position, header, number, at, kind, fault);
+        SetError(fault.errorCode);
+        return ErrorCell() == 0;
+    }
+
+    const XbaseFile& file_;
+    RecordDescriptor* record_;
+    bool marked_;
+};
+
+}  // namespace
+
+Problem loadXbase(const Source& source, Rows& rows) {
+    const Work work("reading " + source.file);
+    XbaseFile file;
+    Problem problem = file.open(source.file);
+    if (problem.any()) return problem;
+    RecordValue record;
+    AdtInit(record.get(), rows.shape(), KindRecord);
+    XbaseRow filling(file, record.get());
+    if (!rows.beginBatch()) return rowProblem(source, 0, takeError());
+    Steps steps(file.rows() * file.header().recordSize);
+    std::string_view row;
+    file.goToFirst(std::min<std::int64_t>(file.rows(), mostRows(source)));
+    for (std::int32_t number = 1; file.next(row) && !problem.any(); ++number) {
+        if (!steps.step(file.header().recordSize)) return stoppedProblem();
+        if (row[0] == DeletedRow && !source.deleted) continue;
+        const std::int32_t field = filling.fill(row);
+        if (field != 0)
+            problem = {fileWord(source.file) + "row " + std::to_string(number) + ", field " +
+                           std::to_string(field) + " cannot be read: " + ErrorMessage(takeError()) + ".",
+                       "The declaration must fit the fields; --text takes every column as text."};
+        else if (!rows.add(record.get()))
+            problem = rowProblem(source, number, takeError());
+    }
+    if (!problem.any() && file.error() != os::FileError::None)
+        problem = unreadable(source.file, file.error());
+    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, takeError());
+}
+
+// ---- table files ----
+
+namespace {
+
+// Opens the rows where they stand. Nothing is written to them.
+Problem openTable(const Source& source, std::string_view columns, Rows& rows) {
+    RowType shown;
+    AdtInit(shown.row.get(), source.type.row.get(), KindRecord);
+    shown.columns = columns;
+    shown.capacity = source.type.capacity;
+    bool created = false;
+    const std::string name = os::native(source.file);
+    const bool opened =
+        makeFileTable(shown, {}, rows.table) && OpenRows(*TableRows(rows.table.get()), name, {}, created);
+    rows.table.get()->count = rows.count();
+    return opened ? Problem() : rowProblem(source, 0, takeError());
+}
+
+// Characters become a text without the blanks that fill them up; other fields stay what they are.
+void copyField(const void* from, Kind kind, void* to, Kind target) {
+    if (kind == target) {
+        AdtCopy(from, to, kind);
+    } else if (kind == KindEnum) {
+        const std::string_view character(static_cast<const char*>(from), 1);
+        StringAssignView(static_cast<StringDescriptor*>(to), trimmedText(character));
+    } else {
+        const auto* const array = static_cast<const ArrayDescriptor*>(from);
+        const std::string_view text(At(array->data), static_cast<std::size_t>(array->size));
+        StringAssignView(static_cast<StringDescriptor*>(to), xbaseText(text));
+    }
+}
+
+Problem copyRows(const Source& source, Rows& from, Rows& rows) {
+    const Work work("reading " + source.file);
+    RecordValue record;
+    AdtInit(record.get(), rows.shape(), KindRecord);
+    const std::int32_t fields = FieldCountOf(record.get()->kinds), bytes = rowBytes(source.type);
+    const std::int32_t last = std::min(from.count(), mostRows(source));
+    Steps steps(std::int64_t{last} * bytes);
+    for (std::int32_t i = 1; i <= last; ++i) {
+        if (!steps.step(bytes)) return stoppedProblem();
+        const RecordDescriptor* const row = from.at(i);
+        for (std::int32_t n = 1; row != nullptr && n <= fields; ++n)
+            copyField(RecordFieldAddress(row, n), FieldKindAt(row->kinds, n),
+                      RecordFieldAddress(record.get(), n), FieldKindAt(record.get()->kinds, n));
+        const bool copied = row != nullptr && ErrorCell() == 0 && rows.add(record.get());
+        if (!copied) return rowProblem(source, i, takeError());
+    }
+    return {};
+}
+
+bool sameKinds(const RecordDescriptor* a, const RecordDescriptor* b) {
+    for (std::int32_t n = 1; n <= MaxFields; ++n)
+        if (FieldKindAt(a->kinds, n) != FieldKindAt(b->kinds, n)) return false;
+    return true;
+}
+
+}  // namespace
+
+Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
+    RecordValue wanted;
+    Rows inPlace;
+    const bool same = makeRow(columns, wanted) && sameKinds(wanted.get(), source.type.row.get());
+    const bool whole = same && !source.willChange && source.options.maxdatarows < 0;
+    Problem problem = openTable(source, same ? columns : source.type.columns, whole ? rows : inPlace);
+    if (problem.any()) return problem;
+    if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, takeError());
+    problem = fitsMemory(source.rowsSeen) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
+    if (!problem.any() && !rows.beginBatch()) problem = rowProblem(source, 0, takeError());
+    if (!problem.any() && !inPlace.beginBatch()) problem = rowProblem(source, 0, takeError());
+    if (!problem.any()) problem = copyRows(source, inPlace, rows);
+    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, takeError());
+}
+
+}  // namespace tarn::datatool

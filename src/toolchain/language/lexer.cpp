@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "toolchain/language/lexer.h"
+
+#include <array>
+#include <cstdio>
+
+namespace tarn::toolchain {
+namespace {
+
+bool isLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isForeign(char c) {
+    return static_cast<unsigned char>(c) >= 128;
+}
+bool isNamePart(char c) {
+    return isLetter(c) || isDigit(c) || c == '_';
+}
+
+int hexDigit(char c) {
+    if (isDigit(c)) return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+// Longest first.
+constexpr std::array<std::string_view, 18> Symbols = {":=", "<>", "<=", ">=", "=>", "(", ")", "[", "]",
+                                                      ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*"};
+
+// Some editors put it in front of UTF-8; it is no part of the text.
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+
+class Scanner {
+public:
+    Scanner(std::string_view source, const std::string& file, Messages& messages)
+        : source_(source), file_(file), messages_(messages) {}
+
+    std::vector<Token> run() {
+        std::vector<Token> tokens;
+        if (source_.substr(0, ByteOrderMark.size()) == ByteOrderMark) position_ = ByteOrderMark.size();
+        for (skip(); position_ < source_.size(); skip()) tokens.push_back(next());
+        tokens.push_back(token(TokenKind::End, position_));
+        return tokens;
+    }
+
+private:
+    void skip() {
+        while (position_ < source_.size()) {
+            const char c = source_[position_];
+            if (c == '\n') {
+                ++line_;
+                first_ = true;
+            } else if (source_.substr(position_, 2) == "//") {
+                while (position_ < source_.size() && source_[position_] != '\n') ++position_;
+                continue;
+            } else if (c != ' ' && c != '\t' && c != '\r') {
+                return;
+            }
+            ++position_;
+        }
+    }
+
+    Token token(TokenKind kind, std::size_t begin) {
+        Token result;
+        result.kind = kind;
+        result.line = line_;
+        result.firstOnLine = first_;
+        result.text = source_.substr(begin, position_ - begin);
+        first_ = false;
+        return result;
+    }
+
+    Token next() {
+        const char c = source_[position_];
+        if (isLetter(c)) return name();
+        if (isDigit(c)) return number();
+        if (c == '"') return string();
+        for (const std::string_view symbol : Symbols) {
+            if (source_.substr(position_, symbol.size()) != symbol) continue;
+            const std::size_t begin = position_;
+            position_ += symbol.size();
+            return token(TokenKind::Symbol, begin);
+        }
+        return bad();
+    }
+
+    Token name() {
+        const std::size_t begin = position_;
+        while (position_ < source_.size() && isNamePart(source_[position_])) ++position_;
+        if (atForeignLetter()) return foreignWord(begin);
+        Token result = token(TokenKind::Name, begin);
+        result.word = wordOf(result.text);
+        if (result.word != Word::None) result.kind = TokenKind::Word;
+        if (result.text.size() > MaxNameLength)
+            messages_.add(file_, line_, Problem::NameTooLong, {result.text});
+        return result;
+    }
+
+    Token number() {
+        const std::size_t begin = position_;
+        while (position_ < source_.size() && isNamePart(source_[position_])) ++position_;
+        Token result = token(TokenKind::Integer, begin);
+        std::string_view digits = result.text;
+        const bool hex = digits.size() > 2 && (digits[1] == 'x' || digits[1] == 'X') && digits[0] == '0';
+        if (hex) digits.remove_prefix(2);
+        if (hex && digits.size() > 1 && (digits.back() == 'L' || digits.back() == 'l'))
+            digits.remove_suffix(1);
+        readDigits(digits, hex, result);
+        return result;
+    }
+
+    // A decimal number may be 2^31, which only the minus sign before it makes an integer; the parser sees to
+    // that.
+    void readDigits(std::string_view digits, bool hex, Token& result) {
+        const std::int64_t most = hex ? 0xFFFFFFFFLL : 0x80000000LL;
+        bool large = false;
+        for (const char c : digits) {
+            const int digit = hexDigit(c);
+            if (digit < 0 || (!hex && digit > 9)) {
+                messages_.add(file_, line_, Problem::BadNumber, {result.text});
+                return;
+            }
+            result.number = result.number * (hex ? 16 : 10) + digit;
+            large = large || result.number > most;
+            if (large) result.number = 0;
+        }
+        if (large) messages_.add(file_, line_, Problem::NumberTooLarge, {result.text});
+        if (hex && result.number > 0x7FFFFFFFLL) result.number -= 0x100000000LL;
+    }
+
+    Token string() {
+        const std::size_t begin = position_++;
+        std::size_t control = 0;  // where the first character stands that a string cannot hold
+        while (position_ < source_.size()) {
+            const char c = source_[position_];
+            if (c == '"') {
+                ++position_;
+                if (position_ < source_.size() && source_[position_] == '"') {
+                    ++position_;
+                    continue;
+                }
+                if (control == 0) return token(TokenKind::String, begin);
+                badCharacter(source_[control]);
+                return token(TokenKind::Bad, begin);
+            }
+            if (c == '\n' || c == '\r') break;
+            if (static_cast<unsigned char>(c) < 32 && control == 0) control = position_;
+            ++position_;
+        }
+        messages_.add(file_, line_, Problem::OpenString);
+        while (position_ < source_.size() && source_[position_] != '\n') ++position_;
+        return token(TokenKind::Bad, begin);
+    }
+
+    Token bad() {
+        if (atForeignLetter()) return foreignWord(position_);
+        badCharacter(source_[position_]);
+        const std::size_t begin = position_++;
+        return token(TokenKind::Bad, begin);
+    }
+
+    // A word with letters that no name has is one fault, however many bytes they are.
+    bool atForeignLetter() const { return position_ < source_.size() && isForeign(source_[position_]); }
+    Token foreignWord(std::size_t begin) {
+        badCharacter(source_[position_]);
+        while (position_ < source_.size() &&
+               (isNamePart(source_[position_]) || isForeign(source_[position_])))
+            ++position_;
+        return token(TokenKind::Bad, begin);
+    }
+
+    void badCharacter(char c) {
+        const auto code = static_cast<unsigned char>(c);
+        char text[16];
+        if (code > 32 && code < 127)
+            std::snprintf(text, sizeof text, "'%c'", code);
+        else
+            std::snprintf(text, sizeof text, "0x%02X", code);
+        messages_.add(file_, line_, Problem::BadCharacter, {text});
+    }
+
+    std::string_view source_;
+    const std::string& file_;
+    Messages& messages_;
+    std::size_t position_ = 0;
+    int line_ = 1;
+    bool first_ = true;
+};
+
+}  // namespace
+
+std::vector<Token> scan(std::string_view source, const std::string& file, Messages& messages) {
+    return Scanner(source, file, messages).run();
+}
+
+std::string stringValue(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+        result += text[i];
+        if (text[i] == '"') ++i;
+    }
+    return result;
+}
+
+}  // namespace tarn::toolchain

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "toolchain/output/generator.h"
+
+#include "kernel/run/runtime.h"
+#include "toolchain/language/library.h"
+#include "toolchain/language/words.h"
+#include "toolchain/output/functiongen.h"
+#include "toolchain/output/interface.h"
+#include "toolchain/output/literals.h"
+#include "toolchain/output/names.h"
+
+#include <set>
+
+namespace tarn::toolchain {
+namespace {
+
+class ClassGenerator {
+public:
+    ClassGenerator(const ClassTree& tree, const GeneratorOptions& options) : tree_(tree), options_(options) {}
+
+    Generated run() {
+        for (const auto& item : tree_.declarations)
+            if (item->kind == DeclarationKind::Function)
+                bodies_ += generateFunction(*item, options_, shared_);
+        const std::string start = startFunction();
+        Generated result;
+        result.text = head() + variables() + prototypes() + shared_.literals.definition() + bodies_ +
+                      setupFunction() + start + finishFunction() + programRecord();
+        result.codeLines = std::move(shared_.codeLines);
+        return result;
+    }
+
+private:
+    std::string head() const {
+        return "/* Made from a class of the language; changes are lost. */\n" + std::string(InterfaceText) +
+               std::string(PreludeText) + "#define H " + handler() + "\nstatic void " + OnerrorSymbol +
+               "(int32_t code);\n";
+    }
+
+    const char* handler() const {
+        return findDeclaration(tree_, "onerror") != nullptr ? OnerrorSymbol : "tarn_default_onerror";
+    }
+
+    bool isVariable(const Declaration& item) const { return item.kind == DeclarationKind::ClassVariable; }
+
+    std::string variables() const {
+        std::string result;
+        for (const auto& item : tree_.declarations)
+            if (isVariable(*item))
+                result += std::string(item->isPublic ? "" : "static ") + cType(item->type.type) + " " +
+                          itemSymbol(*item) + ";\n";
+        return result;
+    }
+
+    std::string prototypes() const {
+        std::string result;
+        for (const auto& item : tree_.declarations)
+            if (item->kind == DeclarationKind::Function && !item->function->isOnerror)
+                result += functionHead(*item) + ";\n";
+        for (const Declaration* item : shared_.foreign)
+            if (item->owner != &tree_)
+                result += isVariable(*item) ? "extern " + std::string(cType(item->type.type)) + " " +
+                                                  itemSymbol(*item) + ";\n"
+                                            : functionHead(*item) + ";\n";
+        return result;
+    }
+
+    // Calls the same step of each class that this one uses, once however often it is reached.
+    std::string step(std::string_view what) const {
+        std::string result;
+        std::set<std::string> done{fold(tree_.name)};
+        for (const UsedClass& used : tree_.uses) {
+            if (used.tree == nullptr || !done.insert(fold(used.tree->name)).second) continue;
+            result += "    { extern void " + classSymbol(used.tree->name, what) + "(void); " +
+                      classSymbol(used.tree->name, what) + "(); }\n";
+        }
+        return result;
+    }
+
+    std::string stepHead(std::string_view what) const {
+        return "void " + classSymbol(tree_.name, what) +
+               "(void)\n{\n    static int done;\n    if (done)\n        return;\n    done = 1;\n";
+    }
+
+    // Literals and variables of all classes exist before the first initial value is computed, so that classes
+    // that use each other find them.
+    std::string setupFunction() const {
+        std::string result = stepHead("setup") + step("setup") + shared_.literals.initialisation();
+        for (const auto& item : tree_.declarations)
+            if (isVariable(*item) && item->type.type == Type::String)
+                result += "    tarn_string_init(&" + itemSymbol(*item) + ", " +
+                          std::to_string(item->type.maxLength) + ");\n";
+        return result + "    tarn_register_class(" + cString(tree_.path) + ", " + cString(tree_.name) +
+               ");\n}\n";
+    }
+
+    std::string startFunction() {
+        return stepHead("start") + step("start") + generateInitialValues(tree_, shared_) + "}\n";
+    }
+
+    std::string finishFunction() const {
+        std::string result = stepHead("finish");
+        for (auto item = tree_.declarations.rbegin(); item != tree_.declarations.rend(); ++item)
+            if (isVariable(**item) && (*item)->type.type == Type::String)
+                result += "    tarn_string_free(&" + itemSymbol(**item) + ");\n";
+        return result + shared_.literals.release() + step("finish") + "}\n";
+    }
+
+    std::string programRecord() const {
+        if (!hasMain(tree_)) return {};
+        const std::string initialise = classSymbol(tree_.name, "initialise");
+        return "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") +
+               "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
+               classSymbol(tree_.name, "program") + " = {" + cString(std::string(ProductVersion)) + ", " +
+               cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
+               ", " + itemSymbol(*findDeclaration(tree_, "main")) + ", " + classSymbol(tree_.name, "finish") +
+               "};\n";
+    }
+
+    const ClassTree& tree_;
+    const GeneratorOptions& options_;
+    Shared shared_;
+    std::string bodies_;
+};
+
+}  // namespace
+
+bool hasMain(const ClassTree& tree) {
+    const Declaration* item = findDeclaration(tree, "main");
+    return item != nullptr && item->kind == DeclarationKind::Function;
+}
+
+Generated generateC(const ClassTree& tree, const GeneratorOptions& options) {
+    return ClassGenerator(tree, options).run();
+}
+
+std::string generateProgram(const std::string& className) {
+    const std::string program = classSymbol(className, "program");
+    // The end of the stack is found here once. A stack without a limit is taken for 1 GiB, so that endless
+    // recursion ends in its report and not in the memory of the machine.
+    return "#include <stddef.h>\n#include <sys/resource.h>\nstruct tarn_program;\nextern const struct "
+           "tarn_program " +
+           program +
+           ";\nint tarn_run(int, char **, const struct tarn_program *);\nchar *quarn_stack_end;\n"
+           "int main(int argc, char **argv)\n{\n    struct rlimit limit;\n    char here;\n"
+           "    if (getrlimit(RLIMIT_STACK, &limit) == 0) {\n"
+           "        const size_t most = (size_t)1 << 30;\n"
+           "        const size_t size = limit.rlim_cur < most ? (size_t)limit.rlim_cur : most;\n"
+           "        const size_t kept = size / 4 < 1048576 ? size / 4 : 1048576;\n"
+           "        quarn_stack_end = &here - (size - kept);\n    }\n"
+           "    return tarn_run(argc, argv, &" +
+           program + ");\n}\n";
+}
+
+}  // namespace tarn::toolchain

@@ -1,0 +1,795 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/lists/lists.h"
+
+#include "kernel/values/arrays.h"
+#include "kernel/values/sets.h"
+#include "unit/kernel/lists_fixture.h"
+
+#include <functional>
+
+using namespace tarn;
+
+namespace {
+
+// ---- life ----
+
+TEST_F(Lists, TheUntypedListHasNeitherKindNorBlock) {
+    const ListValue l = untyped();
+    EXPECT_EQ(l.get()->size, 0);
+    EXPECT_EQ(l.get()->tag, 0);
+    EXPECT_EQ(l.get()->data, 0U);
+    EXPECT_EQ(l.get()->maxlength, UNBOUNDED);
+    EXPECT_EQ(l.get()->count, 0);
+    EXPECT_EQ(l.get()->prototype, 0U);
+    EXPECT_EQ(ListElementKind(l.get()), KindNone);
+    EXPECT_EQ(ListCount(l.get()), 0);
+    EXPECT_FALSE(ListIsInFile(l.get()));
+    EXPECT_EQ(check(l), "");
+}
+
+TEST_F(Lists, AnUnboundedListHasNoBlockAtFirstAndItsPrototypeApart) {
+    const ListValue l = numbers();
+    EXPECT_EQ(l.get()->tag, 3);
+    EXPECT_EQ(l.get()->size, 0);
+    EXPECT_EQ(l.get()->data, 0U);
+    EXPECT_EQ(l.get()->prototype, 0U);
+    EXPECT_EQ(LiveBlocks(), 0);
+    const ListValue t = texts({}, UNBOUNDED, 7);
+    EXPECT_EQ(t.get()->tag, 6);
+    EXPECT_EQ(t.get()->data, 0U);
+    ASSERT_NE(t.get()->prototype, 0U);
+    EXPECT_EQ(StringMaxLength(reinterpret_cast<StringDescriptor*>(At(t.get()->prototype))), 7);
+    EXPECT_EQ(LiveBlocks(), 2);
+    EXPECT_EQ(check(t), "");
+}
+
+TEST_F(Lists, AFixedListHasAllItsSlotsShapedAndTheFirstAsPrototype) {
+    const ListValue l = texts({}, 3, 5);
+    EXPECT_EQ(l.get()->size, 3 * 24);
+    EXPECT_EQ(l.get()->maxlength, 3);
+    EXPECT_EQ(l.get()->count, 0);
+    ASSERT_NE(l.get()->data, 0U);
+    EXPECT_EQ(l.get()->prototype, l.get()->data);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(StringMaxLength(reinterpret_cast<StringDescriptor*>(At(l.get()->data) + 24 * i)), 5);
+    EXPECT_EQ(check(l), "");
+    const ListValue n = numbers({}, 4);
+    EXPECT_EQ(n.get()->size, 16);
+    EXPECT_EQ(n.get()->prototype, 0U);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(ReadAt<std::int32_t>(At(n.get()->data) + 4 * i), 0);
+    EXPECT_EQ(check(n), "");
+}
+
+TEST_F(Lists, ThePrototypeIsCopiedWithoutItsContent) {
+    const String like("some text");
+    ListValue l;
+    ListInit(l.get(), UNBOUNDED, like.get(), KindString, false);
+    EXPECT_EQ(reinterpret_cast<StringDescriptor*>(At(l.get()->prototype))->length, 0);
+    EXPECT_EQ(like.view(), "some text");
+}
+
+TEST_F(Lists, InitRefusesWhatIsNoList) {
+    const String like;
+    const StringDescriptor damaged{-1, TagString, 0, UNBOUNDED, 0, 0}, zero{};
+    const struct {
+        std::int32_t maxlength;
+        const void* prototype;
+        std::int32_t kind;
+        bool inFile;
+        std::int32_t error;
+    } rows[] = {
+        {UNBOUNDED, like.get(), KindNone, false, 761},
+        {5, nullptr, KindNone, false, 761},
+        {UNBOUNDED, nullptr, KindNone, true, 761},
+        {UNBOUNDED, nullptr, 13, false, 761},
+        {UNBOUNDED, nullptr, -1, false, 761},
+        {0, nullptr, KindInteger, false, 761},
+        {-1, nullptr, KindInteger, false, 761},
+        {DYNAMIC_BOUNDS, nullptr, KindInteger, false, 761},
+        {0, nullptr, KindInteger, true, 761},
+        {UNBOUNDED, nullptr, KindString, false, 761},
+        {UNBOUNDED, nullptr, KindTable, false, 761},
+        {3, nullptr, KindString, false, 761},
+        {UNBOUNDED, nullptr, KindString, true, 761},
+        {UNBOUNDED, like.get(), KindRecord, false, 761},
+        {UNBOUNDED, &damaged, KindString, false, 761},
+        {UNBOUNDED, &zero, KindString, false, 761},
+        {1024001, nullptr, KindInteger, false, 804},
+        {INT32_MAX, nullptr, KindReal, false, 804},
+        {INT32_MAX, like.get(), KindString, false, 804},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        ListDescriptor l{1, 2, 3, 4, 5, 6};
+        const ListDescriptor zeroes{};
+        ListInit(&l, row.maxlength, row.prototype, static_cast<Kind>(row.kind), row.inFile);
+        EXPECT_EQ(takeError(), row.error);
+        EXPECT_EQ(std::memcmp(&l, &zeroes, sizeof l), 0);
+    }
+    ListInit(nullptr, UNBOUNDED, nullptr, KindInteger, false);
+    EXPECT_EQ(takeError(), 761);
+}
+
+TEST_F(Lists, TheLargestFixedListFillsABlock) {
+    ListValue l;
+    ListInit(l.get(), 1024000, nullptr, KindInteger, false);
+    EXPECT_EQ(l.get()->size, MaxBlock);
+    EXPECT_EQ(check(l), "");
+}
+
+// ---- elements ----
+
+TEST_F(Lists, NumbersOfEveryKindComeBack) {
+    constexpr Kind kinds[] = {KindBoolean, KindEnum, KindInteger, KindFixed, KindReal};
+    const char first[9] = "\x01\x23\x45\x67\x89\xAB\xCD\xEF", second[9] = "\x02\x13\x24\x35\x46\x57\x68\x79";
+    for (const Kind kind : kinds) {
+        for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{3}}) {
+            SCOPED_TRACE(kind);
+            const auto size = static_cast<std::size_t>(KindSize[kind]);
+            ListValue l;
+            ListInit(l.get(), maxlength, nullptr, kind, false);
+            ListAppend(first, kind, l.get());
+            ListAppend(second, kind, l.get());
+            char v[9] = "........";
+            ListGet(l.get(), 1, v, kind);
+            EXPECT_EQ(std::memcmp(v, first, size), 0);
+            ListGet(l.get(), 2, v, kind);
+            EXPECT_EQ(std::memcmp(v, second, size), 0);
+            EXPECT_EQ(v[size], size == 8 ? '\0' : '.');
+            ListPut(second, kind, 1, l.get());
+            EXPECT_EQ(std::memcmp(ListRef(l.get(), 1), second, size), 0);
+            EXPECT_EQ(ListElementKind(l.get()), kind);
+            EXPECT_EQ(check(l), "");
+        }
+    }
+}
+
+TEST_F(Lists, TextsComeBack) {
+    for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{4}}) {
+        ListValue l = texts({"one", "", "three"}, maxlength);
+        EXPECT_EQ(textsIn(l), (Texts{"one", "", "three"}));
+        String v("before");
+        ListGet(l.get(), 3, v.get(), KindString);
+        EXPECT_EQ(v.view(), "three");
+        const String other("a longer text");
+        ListPut(other.get(), KindString, 2, l.get());
+        EXPECT_EQ(textsIn(l), (Texts{"one", "a longer text", "three"}));
+        EXPECT_EQ(check(l), "");
+    }
+}
+
+TEST_F(Lists, RecordsComeBackAsCopies) {
+    for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{2}}) {
+        ListValue l = records({"a", "b"}, maxlength);
+        RecordValue v = record(9, "x");
+        ListGet(l.get(), 2, v.get(), KindRecord);
+        EXPECT_TRUE(AdtCompare("EQ", v.get(), ListRef(l.get(), 2), KindRecord));
+        v = record(7, "changed");
+        EXPECT_EQ(recordsIn(l), (Texts{"a", "b"}));
+        ListPut(v.get(), KindRecord, 1, l.get());
+        EXPECT_EQ(recordsIn(l), (Texts{"changed", "b"}));
+        RecordValue shapeless;
+        ListGet(l.get(), 1, shapeless.get(), KindRecord);
+        EXPECT_TRUE(AdtCompare("EQ", v.get(), shapeless.get(), KindRecord));
+        EXPECT_EQ(check(l), "");
+    }
+}
+
+TEST_F(Lists, AnUnboundedListHasExactlyTheBytesInUse) {
+    ListValue l = texts();
+    for (int n = 1; n <= 100; ++n) {
+        append(l, std::to_string(n));
+        ASSERT_EQ(l.get()->size, n * 24);
+        ASSERT_EQ(ListCount(l.get()), n);
+    }
+    ListDelete(11, 80, l.get());
+    EXPECT_EQ(l.get()->size, 20 * 24);
+    ListRemoveLast(l.get());
+    EXPECT_EQ(l.get()->size, 19 * 24);
+    ListDelete(1, 19, l.get());
+    EXPECT_EQ(l.get()->size, 0);
+    EXPECT_EQ(l.get()->data, 0U);
+    EXPECT_EQ(check(l), "");
+}
+
+TEST_F(Lists, AFullFixedListTakesNoMore) {
+    ListValue l = numbers({1, 2}, 2);
+    const std::string before = bytesOf(l);
+    const std::int32_t three = 3;
+    ListAppend(&three, KindInteger, l.get());
+    EXPECT_EQ(takeError(), 618);
+    EXPECT_EQ(bytesOf(l), before);
+    EXPECT_EQ(numbersIn(l), (Numbers{1, 2}));
+    ListValue t = texts({"a", "b"}, 2);
+    append(t, "c");
+    EXPECT_EQ(takeError(), 618);
+    const String c("c");
+    for (int position = 1; position <= 3; ++position) {
+        ListInsert(position, c.get(), t.get());
+        EXPECT_EQ(takeError(), 618);
+    }
+    EXPECT_EQ(textsIn(t), (Texts{"a", "b"}));
+}
+
+TEST_F(Lists, ATextThatDoesNotFitItsElementIsCut) {
+    ListValue l = texts({"abc"}, UNBOUNDED, 3);
+    append(l, "defg");
+    EXPECT_EQ(takeError(), 615);
+    const String longer("vwxyz");
+    ListPut(longer.get(), KindString, 1, l.get());
+    EXPECT_EQ(takeError(), 615);
+    EXPECT_EQ(textsIn(l), (Texts{"vwx", "def"}));
+    String small(2);
+    ListGet(l.get(), 1, small.get(), KindString);
+    EXPECT_EQ(takeError(), 615);
+    EXPECT_EQ(small.view(), "vw");
+}
+
+TEST_F(Lists, ARecordOfOtherFieldsIsOfTheWrongType) {
+    ListValue l = records({"a"});
+    RecordValue other;
+    RecordInit(other.get(), TagRecord, MakeFieldKinds({KindInteger}));
+    ListAppend(other.get(), KindRecord, l.get());
+    EXPECT_EQ(takeError(), 611);
+    ListPut(other.get(), KindRecord, 1, l.get());
+    EXPECT_EQ(takeError(), 611);
+    ListGet(l.get(), 1, other.get(), KindRecord);
+    EXPECT_EQ(takeError(), 611);
+    EXPECT_EQ(recordsIn(l), (Texts{"a"}));
+    EXPECT_EQ(check(l), "");
+}
+
+// ---- the untyped list ----
+
+TEST_F(Lists, TheFirstValueGivesAnUntypedListItsKindAndShape) {
+    ListValue l = untyped();
+    const String first = fixedString(3, "abc");
+    ListAppend(first.get(), KindString, l.get());
+    EXPECT_EQ(l.get()->tag, 6);
+    EXPECT_EQ(textsIn(l), (Texts{"abc"}));
+    append(l, "defg");
+    EXPECT_EQ(takeError(), 615);
+    const std::int32_t number = 1;
+    ListAppend(&number, KindInteger, l.get());
+    EXPECT_EQ(takeError(), 611);
+    EXPECT_EQ(check(l), "");
+
+    ListValue n = untyped();
+    ListAppend(&number, KindInteger, n.get());
+    EXPECT_EQ(n.get()->tag, 3);
+    EXPECT_EQ(numbersIn(n), (Numbers{1}));
+    ListClear(n.get());
+    EXPECT_EQ(n.get()->tag, 3);
+}
+
+TEST_F(Lists, AnUntypedListTakesEveryValueButHasNoPosition) {
+    ListValue l = untyped();
+    const String text("abc");
+    String out("before");
+    ListGet(l.get(), 1, out.get(), KindString);
+    EXPECT_EQ(takeError(), 603);
+    EXPECT_EQ(out.view(), "");
+    ListPut(text.get(), KindString, 1, l.get());
+    EXPECT_EQ(takeError(), 603);
+    ListRemoveLast(l.get());
+    EXPECT_EQ(takeError(), 603);
+    ListInsert(2, text.get(), l.get());
+    EXPECT_EQ(takeError(), 603);
+    EXPECT_EQ(ListStringFind(l.get(), text.get(), false), 0);
+    ListSort(l.get(), true, false);
+    ListClear(l.get());
+    EXPECT_EQ(l.get()->tag, 0);
+    ListInsert(1, text.get(), l.get());
+    EXPECT_EQ(textsIn(l), (Texts{"abc"}));
+}
+
+TEST_F(Lists, AnUntypedListMayTakeItself) {
+    ListValue l = untyped();
+    ListAppend(l.get(), KindList, l.get());
+    EXPECT_EQ(ListElementKind(l.get()), KindList);
+    ASSERT_EQ(ListCount(l.get()), 1);
+    EXPECT_EQ(static_cast<ListDescriptor*>(ListRef(l.get(), 1))->tag, 0);
+    ListAppend(l.get(), KindList, l.get());
+    ASSERT_EQ(ListCount(l.get()), 2);
+    EXPECT_EQ(ListCount(static_cast<ListDescriptor*>(ListRef(l.get(), 2))), 1);
+    ListPut(l.get(), KindList, 1, l.get());
+    EXPECT_EQ(ListCount(static_cast<ListDescriptor*>(ListRef(l.get(), 1))), 2);
+    ListGet(l.get(), 2, l.get(), KindList);
+    EXPECT_EQ(ListCount(l.get()), 1);
+    EXPECT_EQ(check(l), "");
+}
+
+// ---- a value in the list itself ----
+
+TEST_F(Lists, AnElementMayBeAppendedToItsOwnList) {
+    ListValue n = numbers({5}), t = texts({"text"}), r = records({"rec"});
+    for (int i = 1; i <= 100; ++i) {
+        ListAppend(ListRef(n.get(), i), KindInteger, n.get());
+        ListAppend(ListRef(t.get(), i), KindString, t.get());
+        ListAppend(ListRef(r.get(), i), KindRecord, r.get());
+    }
+    EXPECT_EQ(numbersIn(n), Numbers(101, 5));
+    EXPECT_EQ(textsIn(t), Texts(101, "text"));
+    EXPECT_EQ(recordsIn(r), Texts(101, "rec"));
+    EXPECT_EQ(check(t), "");
+    EXPECT_EQ(check(r), "");
+}
+
+TEST_F(Lists, AListOrAnArrayMayBeAppendedToItsOwnList) {
+    ListValue lists, arrays;
+    const ListValue inner = texts({"x", "y"});
+    ListInit(lists.get(), UNBOUNDED, inner.get(), KindList, false);
+    ListAppend(inner.get(), KindList, lists.get());
+    ArrayValue array;
+    const std::int32_t seven = 7;
+    ArrayInit(array.get(), KindInteger, 1, 4, nullptr);
+    ArrayPut(array.get(), 2, &seven, KindInteger);
+    ListInit(arrays.get(), UNBOUNDED, array.get(), KindArray, false);
+    ListAppend(array.get(), KindArray, arrays.get());
+    for (int i = 1; i <= 40; ++i) {
+        ListAppend(ListRef(lists.get(), i), KindList, lists.get());
+        ListAppend(ListRef(arrays.get(), i), KindArray, arrays.get());
+    }
+    for (int i = 1; i <= 41; ++i) {
+        EXPECT_TRUE(AdtCompare("EQ", inner.get(), ListRef(lists.get(), i), KindList));
+        EXPECT_TRUE(AdtCompare("EQ", array.get(), ListRef(arrays.get(), i), KindArray));
+    }
+    EXPECT_EQ(check(lists), "");
+    EXPECT_EQ(check(arrays), "");
+}
+
+TEST_F(Lists, ASetOrAUnionMayBeAppendedToItsOwnList) {
+    SetValue set;
+    SetInit(set.get(), -10, 10);
+    SetInclude(7, set.get());
+    RecordValue variant = record(4, "variant");
+    variant.get()->tag = TagUnion;
+    const struct {
+        const void* value;
+        Kind kind;
+    } rows[] = {{set.get(), KindSet}, {variant.get(), KindUnion}};
+    for (const auto& row : rows) {
+        ListValue l;
+        ListInit(l.get(), UNBOUNDED, row.value, row.kind, false);
+        ListAppend(row.value, row.kind, l.get());
+        for (int i = 1; i <= 40; ++i) ListAppend(ListRef(l.get(), i), row.kind, l.get());
+        for (int i = 1; i <= 41; ++i) EXPECT_TRUE(AdtCompare("EQ", row.value, ListRef(l.get(), i), row.kind));
+        EXPECT_EQ(check(l), "");
+    }
+    RecordFree(variant.get());
+}
+
+TEST_F(Lists, AnElementMayBePutInsertedAndReadWithinItsList) {
+    for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{5}}) {
+        ListValue t = texts({"a", "b", "c"}, maxlength);
+        const auto element = [&](int i) { return static_cast<StringDescriptor*>(ListRef(t.get(), i)); };
+        ListPut(element(1), KindString, 1, t.get());
+        ListPut(element(3), KindString, 2, t.get());
+        EXPECT_EQ(textsIn(t), (Texts{"a", "c", "c"}));
+        ListInsert(1, element(3), t.get());
+        ListInsert(5, element(2), t.get());
+        EXPECT_EQ(textsIn(t), (Texts{"c", "a", "c", "c", "a"}));
+        ListGet(t.get(), 2, element(4), KindString);
+        ListGet(t.get(), 2, element(2), KindString);
+        EXPECT_EQ(textsIn(t), (Texts{"c", "a", "c", "a", "a"}));
+        EXPECT_EQ(ListStringFind(t.get(), element(4), false), 2);
+        EXPECT_EQ(check(t), "");
+    }
+}
+
+// ---- errors ----
+
+TEST_F(Lists, TheFirstOfSeveralFaultsIsReported) {
+    ListValue good = numbers({1, 2}), full = numbers({1}, 1), file = inFile();
+    std::int32_t number = 5;
+    String text("text");
+    StringDescriptor damaged{-1, TagString, 0, UNBOUNDED, 0, 0};
+    ListDescriptor zero{}, damagedList{-1, KindInteger, 0, UNBOUNDED, 0, 0};
+    ListDescriptor lyingList{4, KindInteger, 0, UNBOUNDED, 2, 0};
+    const auto kind13 = static_cast<Kind>(13);
+    const struct {
+        ListDescriptor* l;
+        void* v;
+        Kind kind;
+        std::int32_t position, error, appendError;
+    } rows[] = {
+        {nullptr, nullptr, kind13, 9, 761, 761},
+        {&zero, nullptr, kind13, 9, 761, 761},
+        {&damagedList, nullptr, kind13, 9, 761, 761},
+        {&lyingList, nullptr, kind13, 9, 761, 761},
+        {reinterpret_cast<ListDescriptor*>(text.get()), nullptr, kind13, 9, 761, 761},
+        {file.get(), nullptr, kind13, 9, 661, 661},
+        {good.get(), nullptr, KindString, 9, 610, 610},
+        {good.get(), &number, KindNone, 9, 610, 610},
+        {good.get(), &number, kind13, 9, 610, 610},
+        {good.get(), &damaged, KindString, 9, 610, 610},
+        {good.get(), text.get(), KindString, 9, 611, 611},
+        {good.get(), &number, KindEnum, 9, 611, 611},
+        {good.get(), &number, KindInteger, 0, 603, 0},
+        {good.get(), &number, KindInteger, 4, 603, 0},
+        {good.get(), &number, KindInteger, INT32_MAX, 603, 0},
+        {good.get(), &number, KindInteger, INT32_MIN, 603, 0},
+        {full.get(), nullptr, KindInteger, 9, 610, 610},
+        {full.get(), text.get(), KindString, 9, 611, 611},
+        {full.get(), &number, KindInteger, 9, 603, 618},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        ListPut(row.v, row.kind, row.position, row.l);
+        EXPECT_EQ(takeError(), row.error);
+        ListGet(row.l, row.position, row.v, row.kind);
+        EXPECT_EQ(takeError(), row.error);
+        number = 5;
+        ListAppend(row.v, row.kind, row.l);
+        EXPECT_EQ(takeError(), row.appendError);
+        if (row.appendError == 0) ListRemoveLast(row.l);
+    }
+    EXPECT_EQ(numbersIn(good), (Numbers{1, 2}));
+    EXPECT_EQ(numbersIn(full), (Numbers{1}));
+}
+
+TEST_F(Lists, ADescriptorOfAnotherKindThanItIsSaidToBeIsOfTheWrongType) {
+    ListValue t = texts({"a"}), r = records({"a"});
+    RecordValue rec = record(1, "x");
+    StringDescriptor zero{};
+    for (void* v : {static_cast<void*>(rec.get()), static_cast<void*>(&zero)}) {
+        ListPut(v, KindString, 1, t.get());
+        EXPECT_EQ(takeError(), 611);
+        ListAppend(v, KindString, t.get());
+        EXPECT_EQ(takeError(), 611);
+        ListGet(t.get(), 1, v, KindString);
+        EXPECT_EQ(takeError(), 611);
+    }
+    const RecordDescriptor shapeless{};
+    ListAppend(&shapeless, KindRecord, r.get());
+    EXPECT_EQ(takeError(), 611);
+    ListValue u = untyped();
+    ListAppend(&shapeless, KindRecord, u.get());
+    EXPECT_EQ(takeError(), 611);
+    RecordDescriptor out{};
+    ListGet(t.get(), 1, &out, KindRecord);
+    EXPECT_EQ(takeError(), 611);
+}
+
+TEST_F(Lists, AFailedReadingClearsItsOutput) {
+    const ListValue n = numbers({1}), t = texts({"a"}), file = inFile();
+    const struct {
+        const ListDescriptor* l;
+        std::int32_t position, error;
+    } rows[] = {
+        {nullptr, 1, 761}, {file.get(), 1, 661}, {t.get(), 1, 611}, {n.get(), 0, 603}, {n.get(), 2, 603}};
+    for (const auto& row : rows) {
+        std::int32_t number = 99;
+        ListGet(row.l, row.position, &number, KindInteger);
+        EXPECT_EQ(takeError(), row.error);
+        EXPECT_EQ(number, 0);
+    }
+    String text("text"), fixed = fixedString(5, "text");
+    for (String* s : {&text, &fixed}) {
+        ListGet(t.get(), 2, s->get(), KindString);
+        EXPECT_EQ(takeError(), 603);
+        EXPECT_EQ(s->view(), "");
+        EXPECT_EQ(AdtCheck(s->get(), KindString), "");
+    }
+    EXPECT_EQ(StringMaxLength(fixed.get()), 5);
+    RecordValue r = record(1, "text");
+    ListGet(n.get(), 1, r.get(), KindRecord);
+    EXPECT_EQ(takeError(), 611);
+    EXPECT_TRUE(AdtCompare("EQ", r.get(), record(0, "").get(), KindRecord));
+}
+
+TEST_F(Lists, WhatIsNoListGives761EverywhereElse) {
+    const String text("a");
+    ListDescriptor zero{};
+    for (ListDescriptor* l : {static_cast<ListDescriptor*>(nullptr), &zero}) {
+        const std::function<void()> uses[] = {
+            [&] { EXPECT_EQ(ListCount(l), 0); },
+            [&] { EXPECT_EQ(ListElementKind(l), KindNone); },
+            [&] { EXPECT_FALSE(ListIsInFile(l)); },
+            [&] { EXPECT_EQ(ListRef(l, 1), nullptr); },
+            [&] { ListInsert(1, text.get(), l); },
+            [&] { ListDelete(1, 1, l); },
+            [&] { ListRemoveLast(l); },
+            [&] { ListClear(l); },
+            [&] { ListResize(1, nullptr, l); },
+            [&] { ListSort(l, true, true); },
+            [&] { EXPECT_EQ(ListStringFind(l, text.get(), true), 0); },
+        };
+        for (const auto& use : uses) {
+            use();
+            EXPECT_EQ(takeError(), 761) << &use - uses;
+        }
+    }
+}
+
+TEST_F(Lists, AReferenceOutsideTheListIsNull) {
+    ListValue l = numbers({7, 8});
+    EXPECT_EQ(ReadAt<std::int32_t>(ListRef(l.get(), 2)), 8);
+    for (const std::int32_t position : {0, -1, 3, INT32_MAX, INT32_MIN}) {
+        EXPECT_EQ(ListRef(l.get(), position), nullptr);
+        EXPECT_EQ(takeError(), 603);
+    }
+}
+
+// ---- inserting and removing ----
+
+TEST_F(Lists, InsertMovesTheRestUp) {
+    for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{5}}) {
+        const struct {
+            std::int32_t position;
+            Texts expected;
+            std::int32_t error;
+        } rows[] = {
+            {1, {"new", "a", "b", "c"}, 0}, {2, {"a", "new", "b", "c"}, 0}, {3, {"a", "b", "new", "c"}, 0},
+            {4, {"a", "b", "c", "new"}, 0}, {5, {"a", "b", "c"}, 603},      {0, {"a", "b", "c"}, 603},
+            {-1, {"a", "b", "c"}, 603},
+        };
+        for (const auto& row : rows) {
+            ListValue l = texts({"a", "b", "c"}, maxlength);
+            const String text("new");
+            ListInsert(row.position, text.get(), l.get());
+            EXPECT_EQ(takeError(), row.error);
+            EXPECT_EQ(textsIn(l), row.expected);
+            EXPECT_EQ(check(l), "");
+        }
+    }
+}
+
+TEST_F(Lists, InsertChecksInOrder) {
+    ListValue n = numbers({1}), full = texts({"a"}, 1), file = inFile(KindString), t = texts({"a"});
+    const String text("b");
+    const StringDescriptor damaged{-1, TagString, 0, UNBOUNDED, 0, 0}, zero{};
+    const RecordValue rec = record(1, "");
+    const auto* notString = reinterpret_cast<const StringDescriptor*>(rec.get());
+    const struct {
+        ListDescriptor* l;
+        const StringDescriptor* v;
+        std::int32_t position, error;
+    } rows[] = {{file.get(), nullptr, 9, 661},    {n.get(), nullptr, 9, 761},      {t.get(), nullptr, 9, 610},
+                {t.get(), &damaged, 9, 610},      {t.get(), notString, 9, 611},    {t.get(), &zero, 9, 611},
+                {full.get(), text.get(), 9, 603}, {full.get(), text.get(), 1, 618}};
+    for (const auto& row : rows) {
+        ListInsert(row.position, row.v, row.l);
+        EXPECT_EQ(takeError(), row.error) << &row - rows;
+    }
+    EXPECT_EQ(textsIn(full), (Texts{"a"}));
+}
+
+TEST_F(Lists, DeleteRemovesAStretch) {
+    const struct {
+        std::int32_t position, n;
+        Numbers expected;
+        std::int32_t error;
+    } rows[] = {
+        {1, 1, {2, 3, 4, 5}, 0},
+        {2, 3, {1, 5}, 0},
+        {5, 1, {1, 2, 3, 4}, 0},
+        {1, 5, {}, 0},
+        {1, 6, {}, 0},
+        {4, INT32_MAX, {1, 2, 3}, 0},
+        {3, 0, {1, 2, 3, 4, 5}, 0},
+        {3, -1, {1, 2, 3, 4, 5}, 0},
+        {3, INT32_MIN, {1, 2, 3, 4, 5}, 0},
+        {0, 1, {1, 2, 3, 4, 5}, 603},
+        {6, 1, {1, 2, 3, 4, 5}, 603},
+        {-1, 3, {1, 2, 3, 4, 5}, 603},
+        {0, 0, {1, 2, 3, 4, 5}, 603},
+    };
+    for (const auto& row : rows) {
+        for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{6}}) {
+            SCOPED_TRACE(&row - rows);
+            ListValue n = numbers({1, 2, 3, 4, 5}, maxlength), t = texts({}, maxlength),
+                      r = records({"1", "2", "3", "4", "5"}, maxlength);
+            Texts expected;
+            for (const std::int32_t number : row.expected) expected.push_back(std::to_string(number));
+            for (const char* text : {"1", "2", "3", "4", "5"}) append(t, text);
+            for (ListValue* l : {&n, &t, &r}) {
+                ListDelete(row.position, row.n, l->get());
+                EXPECT_EQ(takeError(), row.error);
+                EXPECT_EQ(check(*l), "");
+            }
+            EXPECT_EQ(numbersIn(n), row.expected);
+            EXPECT_EQ(textsIn(t), expected);
+            EXPECT_EQ(recordsIn(r), expected);
+        }
+    }
+}
+
+TEST_F(Lists, RemoveLastDropsTheLastUntilThereIsNone) {
+    for (const std::int32_t maxlength : {UNBOUNDED, std::int32_t{2}}) {
+        ListValue l = texts({"a", "b"}, maxlength);
+        ListRemoveLast(l.get());
+        EXPECT_EQ(textsIn(l), (Texts{"a"}));
+        ListRemoveLast(l.get());
+        EXPECT_EQ(ListCount(l.get()), 0);
+        EXPECT_EQ(check(l), "");
+        ListRemoveLast(l.get());
+        EXPECT_EQ(takeError(), 603);
+        append(l, "c");
+        EXPECT_EQ(textsIn(l), (Texts{"c"}));
+    }
+}
+
+TEST_F(Lists, TheSlotsOfAFixedListStayShapedWhateverIsDeleted) {
+    ListValue l = texts({"a", "b", "c", "d"}, 5, 3);
+    ListDelete(1, 2, l.get());
+    ListRemoveLast(l.get());
+    EXPECT_EQ(l.get()->size, 5 * 24);
+    for (int i = 0; i < 5; ++i) {
+        const auto* slot = reinterpret_cast<StringDescriptor*>(At(l.get()->data) + 24 * i);
+        EXPECT_EQ(StringMaxLength(slot), 3);
+        EXPECT_EQ(AdtCheck(slot, KindString), "");
+    }
+    for (const char* text : {"e", "f", "g", "h"}) append(l, text);
+    EXPECT_EQ(textsIn(l), (Texts{"c", "e", "f", "g", "h"}));
+    EXPECT_EQ(check(l), "");
+}
+
+TEST_F(Lists, ClearKeepsKindCapacityAndPrototype) {
+    ListValue l = texts({"a", "b"}, UNBOUNDED, 4);
+    const Offset prototype = l.get()->prototype;
+    ListClear(l.get());
+    EXPECT_EQ(l.get()->size, 0);
+    EXPECT_EQ(l.get()->data, 0U);
+    EXPECT_EQ(l.get()->tag, 6);
+    EXPECT_EQ(l.get()->maxlength, UNBOUNDED);
+    EXPECT_EQ(l.get()->prototype, prototype);
+    EXPECT_EQ(LiveBlocks(), 2);
+    append(l, "abcd");
+    EXPECT_EQ(textsIn(l), (Texts{"abcd"}));
+    ListClear(l.get());
+    ListClear(l.get());
+    EXPECT_EQ(check(l), "");
+}
+
+TEST_F(Lists, ClearOfAFixedListOnlySetsItsCount) {
+    ListValue l = texts({"a", "b"}, 3);
+    ListDescriptor expected = *l.get();
+    expected.count = 0;
+    const std::int64_t blocks = LiveBlocks();
+    ListClear(l.get());
+    EXPECT_EQ(std::memcmp(l.get(), &expected, sizeof expected), 0);
+    EXPECT_EQ(LiveBlocks(), blocks);
+    append(l, "new");
+    EXPECT_EQ(textsIn(l), (Texts{"new"}));
+    EXPECT_EQ(check(l), "");
+}
+
+TEST_F(Lists, OnlyAListInAFileCanBeResized) {
+    ListValue l = numbers({1}), file = inFile();
+    const std::int32_t fill = 0;
+    ListResize(3, &fill, l.get());
+    EXPECT_EQ(takeError(), 761);
+    EXPECT_EQ(numbersIn(l), (Numbers{1}));
+    ListResize(3, &fill, file.get());
+    EXPECT_EQ(takeError(), 661);
+}
+
+// ---- held in a file ----
+
+TEST_F(Lists, AListInAFileHasAnEmptyNameAndItsPrototypeApart) {
+    const ListValue l = inFile(KindString, 9);
+    EXPECT_EQ(l.get()->tag, 22);
+    EXPECT_EQ(l.get()->size, 255);
+    EXPECT_EQ(l.get()->maxlength, 9);
+    EXPECT_EQ(l.get()->count, 0);
+    for (int i = 0; i < 255; ++i) ASSERT_EQ(At(l.get()->data)[i], '\0');
+    EXPECT_NE(l.get()->prototype, l.get()->data);
+    EXPECT_EQ(KindOf(At(l.get()->prototype)), KindString);
+    EXPECT_EQ(LiveBlocks(), 2);
+    EXPECT_EQ(ListElementKind(l.get()), KindString);
+    EXPECT_TRUE(ListIsInFile(l.get()));
+    EXPECT_EQ(check(l), "");
+    const ListValue n = inFile(KindReal);
+    EXPECT_EQ(n.get()->tag, 21);
+    EXPECT_EQ(n.get()->prototype, 0U);
+    EXPECT_EQ(check(n), "");
+}
+
+TEST_F(Lists, AListInAFileThatIsNotOpenRefusesEveryUse) {
+    ListValue l = inFile(KindString), memory = texts({"m"});
+    String text("a");
+    ListValue zero;
+    const std::string before = bytesOf(l);
+    const std::function<void()> uses[] = {
+        [&] { EXPECT_EQ(ListCount(l.get()), 0); },
+        [&] { EXPECT_EQ(ListRef(l.get(), 1), nullptr); },
+        [&] { ListGet(l.get(), 1, text.get(), KindString); },
+        [&] { ListPut(text.get(), KindString, 1, l.get()); },
+        [&] { ListAppend(text.get(), KindString, l.get()); },
+        [&] { ListInsert(1, text.get(), l.get()); },
+        [&] { ListDelete(1, 1, l.get()); },
+        [&] { ListRemoveLast(l.get()); },
+        [&] { ListClear(l.get()); },
+        [&] { ListResize(1, text.get(), l.get()); },
+        [&] { ListSort(l.get(), true, true); },
+        [&] { ListStringFind(l.get(), text.get(), true); },
+        [&] { AdtCopy(l.get(), memory.get(), KindList); },
+        [&] { AdtCopy(memory.get(), l.get(), KindList); },
+        [&] { EXPECT_FALSE(AdtCompare("EQ", l.get(), memory.get(), KindList)); },
+        [&] { EXPECT_FALSE(AdtCompare("NE", memory.get(), l.get(), KindList)); },
+    };
+    for (const auto& use : uses) {
+        use();
+        EXPECT_EQ(takeError(), 661) << &use - uses;
+        EXPECT_EQ(bytesOf(l), before);
+    }
+    EXPECT_EQ(textsIn(memory), (Texts{"m"}));
+    AdtCopy(l.get(), zero.get(), KindList);  // which has no content to copy
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(zero.get()->tag, l.get()->tag);
+}
+
+TEST_F(Lists, NumbersDoNotLookAtAPrototype) {
+    ListValue l;
+    const String like("x");
+    ListInit(l.get(), UNBOUNDED, like.get(), KindInteger, false);
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(l.get()->prototype, 0U);
+}
+
+TEST_F(Lists, AListInAFileIsShapedAndFreedLikeAnyOther) {
+    const ListValue l = inFile(KindString, 4);
+    ListValue other;
+    AdtInit(other.get(), l.get(), KindList);
+    EXPECT_TRUE(AdtSameShape(l.get(), other.get(), KindList));
+    EXPECT_NE(other.get()->data, l.get()->data);
+    EXPECT_NE(other.get()->prototype, l.get()->prototype);
+    EXPECT_EQ(check(other), "");
+    AdtClear(other.get(), KindList);
+    EXPECT_EQ(check(other), "");
+    AdtFree(other.get(), KindList);
+    EXPECT_EQ(bytesOf(other), std::string(sizeof(ListDescriptor), '\0'));
+}
+
+// ---- growth ----
+
+TEST(ListGrowth, AHundredThousandAppendsMoveTheBlockSeldom) {
+    ASSERT_EQ(LiveBlocks(), 0);
+    ClearError();
+    {
+        ListValue l;
+        ListInit(l.get(), UNBOUNDED, nullptr, KindInteger, false);
+        int moves = 0;
+        for (std::int32_t n = 1; n <= 100000; ++n) {
+            const Offset before = l.get()->data;
+            ListAppend(&n, KindInteger, l.get());
+            moves += l.get()->data != before ? 1 : 0;
+        }
+        EXPECT_EQ(ListCount(l.get()), 100000);
+        EXPECT_EQ(l.get()->size, 400000);
+        EXPECT_EQ(ReadAt<std::int32_t>(ListRef(l.get(), 77777)), 77777);
+        // Four classes for each doubling, from 16 bytes to 400000.
+        EXPECT_LE(moves, 4 * 16);
+        EXPECT_EQ(ErrorCell(), 0);
+    }
+    EXPECT_EQ(LiveBlocks(), 0);
+}
+
+TEST(ListGrowth, AListEndsWhereABlockDoes) {
+    ASSERT_EQ(LiveBlocks(), 0);
+    ClearError();
+    {
+        ListValue l;
+        const String like(std::string_view("element"));
+        ListInit(l.get(), UNBOUNDED, like.get(), KindString, false);
+        constexpr std::int32_t most = MaxBlock / 24;
+        for (std::int32_t n = 1; n <= most; ++n) ListAppend(like.get(), KindString, l.get());
+        ASSERT_EQ(ErrorCell(), 0);
+        const ListDescriptor before = *l.get();
+        const std::int64_t blocks = LiveBlocks();
+        ListAppend(like.get(), KindString, l.get());
+        EXPECT_EQ(ErrorCell(), 804);
+        ClearError();
+        ListInsert(1, like.get(), l.get());
+        EXPECT_EQ(ErrorCell(), 804);
+        ClearError();
+        EXPECT_EQ(std::memcmp(&before, l.get(), sizeof before), 0);
+        EXPECT_EQ(LiveBlocks(), blocks);
+        EXPECT_EQ(AdtCheck(l.get(), KindList), "");
+        EXPECT_EQ(StringView(static_cast<const StringDescriptor*>(ListRef(l.get(), most))), "element");
+    }
+    EXPECT_EQ(LiveBlocks(), 0);
+}
+
+}  // namespace
