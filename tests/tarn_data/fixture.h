@@ -47,7 +47,7 @@ protected:
     static std::string program() { return BINARY_DIR "/tarn-data"; }
     // A script beside this file.
     int python(const std::string& script, const std::string& words) {
-        return shell("/usr/bin/python3 " SOURCE_DIR "/tests/toolchain/" + script + " " + words);
+        return shell("/usr/bin/python3 " SOURCE_DIR "/tests/tarn_data/" + script + " " + words);
     }
 };
 
