@@ -61,6 +61,6 @@ int main(int argc, char** argv) {
         return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
     const toolchain::BuildResult result = toolchain::build(options, sources);
     const bool written = write(options.outputFile, result.report);
-    const bool reported = write(result.compilerFolder + "sarn.err", result.report);
+    const bool reported = write(result.compilerFolder + std::string(toolchain::ResultFile), result.report);
     return !written || !reported ? CannotReport : result.ok ? 0 : Failed;
 }

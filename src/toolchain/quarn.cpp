@@ -18,7 +18,7 @@ constexpr int Failed = 1, CannotReport = 2;
 int main(int argc, char** argv) {
     using namespace tarn;
     os::setCommandLine(argc, argv);
-    const std::string results = toolchain::toolFolder() + "sarn.err";
+    const std::string results = toolchain::toolFolder() + std::string(toolchain::ResultFile);
     os::files().remove(results);
     toolchain::Messages messages;
     const toolchain::CompilerOptions options = toolchain::readCompilerOptions(os::commandLine(), messages);

@@ -8,6 +8,7 @@
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"

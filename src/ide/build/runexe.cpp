@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/build/runexe.h"
 
+#include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"

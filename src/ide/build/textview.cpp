@@ -3,8 +3,10 @@
 
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
+#include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
 #include "library/data/dbutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
@@ -79,6 +81,12 @@ bool keyPressed(const Object& window, int key) {
     default: return false;
     }
 }
+
+}  // namespace
+
+namespace {
+
+const RegisteredWindow registered("ViewDlg", VIEWDLG);
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
 #include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
@@ -503,6 +504,13 @@ void fillFileInfo(const Object& dialog) {
     };
     for (const auto& [label, value] : values) SetCaption(FINDCONTROL(dialog, label), value);
 }
+
+}  // namespace
+
+namespace {
+
+const RegisteredWindow registeredInformation("FileInfoDlg", FILEINFODLG);
+const RegisteredWindow registeredEditor("SDIEdit", SDIEDIT);
 
 }  // namespace
 

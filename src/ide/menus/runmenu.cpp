@@ -1,151 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/runmenu.h"
 
-#include "ide/build/runexe.h"
-#include "ide/build/textview.h"
-#include "ide/editor/textedit.h"
+#include "ide/build/build.h"
+#include "ide/build/toolrun.h"
 #include "ide/program/projedit.h"
-#include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
-#include "library/settings/profstr.h"
-#include "library/source/symbols.h"
-#include "library/system/system.h"
 
 MODULE("runmenu", tarn::TOOL_ONERROR)
 
 namespace tarn {
-namespace {
-
-bool isOpenFile(const std::string& file) {
-    return STREQUAL(file, PROJECTGETMAINFILE()) || STREQUAL(file, EDITWNDGETFILENAME(SDIEdit));
-}
-
-bool hasUnsavedClass() {
-    return IsLoaded(SDIEdit) && GetModify(SDIEdit) && ISCLASSFILE(EDITWNDGETFILENAME(SDIEdit));
-}
-
-// ---- what may be built ----
-
-bool mayBuildUntitled(const std::string& title, std::string& file) {
-    SAVEALL();
-    file = EDITWNDGETFILENAME(SDIEdit);
-    if (ISCLASSFILE(file)) return FileSize(file) > 0;
-    SHOWNOCLASSERROR(title, file);
-    return false;
-}
-
-bool mayBuildOpenFile(const std::string& title) {
-    SAVEALL();
-    if (!hasUnsavedClass()) return true;
-    MSGBOX(title, "You must save this class before using '" + title + "'.");
-    return false;
-}
-
-bool mayBuildOtherFile(const std::string& title, const std::string& file) {
-    if (FileSize(file) > 0) return true;
-    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
-                      "'\n\nis empty or does not exist.");
-    return false;
-}
-
-bool mayBuild(const std::string& title, std::string& file) {
-    if (file == Untitled) return mayBuildUntitled(title, file);
-    if (!ISCLASSFILE(file)) {
-        SHOWNOCLASSERROR(title, file);
-        return false;
-    }
-    return isOpenFile(file) ? mayBuildOpenFile(title) : mayBuildOtherFile(title, file);
-}
-
-bool isMain(const std::string& title, const std::string& file) {
-    if (ISMAINCLASS(file)) return true;
-    MSGBOX(title,
-           "File '" + file + "' is not a main class.\n'" + title +
-               "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
-               "command.");
-    return false;
-}
-
-bool hasMakeTool(const std::string& title) {
-    const std::string tool = GETORDOEXE();
-    if (!FINDTOOL(tool).empty()) return true;
-    MSGBOX(title, "Cannot find the ORDO program. It should be in the following file:\n'" + tool +
-                      "'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\ncontains the "
-                      "ORDO.EXE program file.");
-    return false;
-}
-
-std::string readIfThere(const std::string& file) {
-    std::string text;
-    if (FileSize(file) > 0) LOADFILE(file, text);
-    return text;
-}
-
-// Runs the make tool; false if it could not be started. What it could not say itself, because it was stopped
-// or died, is written where its messages would stand, so that the error window shows it.
-bool make(const std::string& options, const std::string& file) {
-    const std::string folder = GETCOMPILERDIR(), tool = FINDTOOL(GETORDOEXE());
-    const std::string errors = folder + "sarn.err", output = folder + "ordo.err";
-    FILEDELETE(errors);
-    FILEDELETE(output);
-    const ExecResult run = EXEC(
-        tool, options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + output + "\"", 0 + 1);
-    if (!run.started) return false;
-    std::string text = readIfThere(errors);
-    if (run.code != 0 && text.empty()) text = readIfThere(output);
-    const bool clean = text.empty() || STRFIND(NoErrors, text) != 0;
-    const std::string fault = RUNFAULT(run, tool, !clean);
-    if (!fault.empty())
-        SAVEFILE(errors, fault + (clean ? "" : text));
-    else if (!clean && FileSize(errors) < 1)
-        SAVEFILE(errors, text);
-    return true;
-}
-
-}  // namespace
-
 // ---- build ----
-
-void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::string& file, bool& ok) {
-    FRAME(RUN_BUILD);
-    ok = false;
-    STAMP();
-    if (!hasMakeTool(title)) return;
-    STAMP();
-    if (!mayBuild(title, file) || file.empty()) return;
-    STAMP();
-    if (!isMain(title, file)) return;
-    STAMP();
-    const bool ran = make(makeOptions, file);
-    STAMP();
-    if (!ran) return;
-    ok = UPDATEERRORWINDOW(GETCOMPILERDIR());
-}
-
-bool UPDATEERRORWINDOW(const std::string& compilerDir) {
-    FRAME(UPDATEERRORWINDOW);
-    const std::string file = compilerDir + "sarn.err";
-    std::string text;
-    STAMP();
-    if (FileSize(file) > 0) LOADFILE(file, text);
-    STAMP();
-    if (text.empty() || STRFIND(": 0 errors.", text) != 0) {
-        if (IsLoaded(ViewDlg)) SetText(ViewDlg, "");
-        return true;
-    }
-    VIEWDIALOG("View Errors", file, GetFont(SDIEdit));
-    return false;
-}
-
-void SHOWNOCLASSERROR(const std::string& title, const std::string& file) {
-    FRAME(SHOWNOCLASSERROR);
-    const std::string first = "It is not possible to use the '" + title + "' command.\n";
-    STAMP();
-    MSGBOX(title, first + (file.empty() ? "There is no file to build or run."
-                                        : "'" + file +
-                                              "' is not a class, it does not have the correct "
-                                              "extension (*.cls)."));
-}
 
 namespace {
 
@@ -178,77 +42,6 @@ void DO_COMPILE() {
     RUN_COMPILE(SDIEdit);
 }
 
-void RUN_COMPILE(const Object& window) {
-    FRAME(RUN_COMPILE);
-    const std::string title = "Run-Compile";
-    STAMP();
-    if (EDITWNDGETFILENAME(window).empty())
-        return MSGBOX(title, "There is no file to compile.\nUse File-Open to open a file first.");
-    if (!SYMISCLASS(0, GetText(window), ProductWord, "CLASS"))
-        return MSGBOX(title, "This file cannot be compiled because it is not a class.\nOpen a class then try "
-                             "again.");
-    STAMP();
-    if (GetModify(window)) EDITWNDSAVE(window, false);
-    STAMP();
-    if (GetModify(window)) return MSGBOX(title, "You have to save this class before compiling it.");
-    const std::string file = EDITWNDGETFILENAME(window);
-    if (!ISCLASSFILE(file))
-        return MSGBOX(title, "The following class:\n\n'" + file +
-                                 "'\n\ncannot be compiled because it does not have the correct extension "
-                                 "(*.cls)\nSave the class with the extension '.cls' then recompile it.");
-    STAMP();
-    COMPILESINGLEFILE(file, 1);
-}
-
-// ---- start ----
-
-bool ISUPTODATE(const std::string& file) {
-    FRAME(ISUPTODATE);
-    STAMP();
-    if (file.empty() || file == Untitled || !ISCLASSFILE(file)) return false;
-    if (isOpenFile(file) && hasUnsavedClass()) return false;
-    if (!isOpenFile(file) && FileSize(file) < 1) return false;
-    STAMP();
-    const DependencyList stale = LOADDEPLIST(file, "/fq", true);
-    return stale.files.empty() && stale.error.empty();
-}
-
-namespace {
-
-bool isStartable(const std::string& file) {
-    if (file == Untitled) return SYMISCLASS(0, GetText(SDIEdit), ProductWord, "CLASS");
-    return ISCLASSFILE(file);
-}
-
-void traceStart(const std::string& file, bool upToDate) {
-    const bool fullDebugging = PROFILESTRGET(GETIDEINIFILE(), "CompOptionsDlg", "Debug2") == "1";
-    Trace("StartFile = " + file);
-    Trace("SingleStep = 0");
-    Trace(std::string("fUpToDate = ") + (upToDate ? "1" : "0"));
-    Trace(std::string("fCompOptionsHasD2 = ") + (fullDebugging ? "1" : "0"));
-}
-
-}  // namespace
-
-void RUN_START(const std::string& title, const std::string& startFile) {
-    FRAME(RUN_START);
-    std::string file = startFile;
-    STAMP();
-    const bool upToDate = ISUPTODATE(file);
-    STAMP();
-    const int trace = PROFILESTRGETINT(GETIDEINIFILE(), "DebugOptionsDlg", "Traceprogram");
-    traceStart(file, upToDate);
-    STAMP();
-    if (!isStartable(file)) return SHOWNOCLASSERROR(title, file);
-    const bool current = upToDate && FileSize(FILECHANGEEXT(file, ".exe")) > 0;
-    bool ok = current;
-    if (!current) RUN_BUILD(title, "-fq", file, ok);
-    STAMP();
-    if (!ok) return;
-    RUNEXEFILE(FILECHANGEEXT(file, ".exe"), trace, false);
-    STAMP();
-}
-
 void DO_START() {
     FRAME(DO_START);
     STAMP();
@@ -262,37 +55,6 @@ void DO_START_EXAMPLE(const std::string& file) {
 }
 
 // ---- arguments ----
-
-namespace {
-
-bool argumentsButton(const Object& window, const std::string& name) {
-    if (name == "pushbutton1") SAVEINIFILE(GETIDEINIFILE(), window);
-    if (name == "pushbutton1" || name == "pushbutton2") Unload(window);
-    if (name == "pushbutton3") SHOWHELP(HELPTOPIC(GetCaption(window)));
-    return true;
-}
-
-bool argumentsKey(const Object& window, int key) {
-    if (key == KEY_ESCAPE) Unload(window);
-    if (key == KEY_F1) SHOWHELP(HELPTOPIC(GetCaption(window)));
-    return key == KEY_ESCAPE || key == KEY_F1;
-}
-
-}  // namespace
-
-bool ARGUMENTSDLG(const Object& window, int event, const Object& control, int parameter) {
-    FRAME(ARGUMENTSDLG);
-    STAMP();
-    bool result = true;
-    switch (event) {
-    case LOAD_EVENT: LOADINIFILE(GETIDEINIFILE(), window); break;
-    case COMMAND_EVENT: result = argumentsButton(window, GetName(control)); break;
-    case KEYPRESS_EVENT: result = argumentsKey(window, parameter); break;
-    default: result = false;
-    }
-    STAMP();
-    return result;
-}
 
 void DO_ARGUMENTS() {
     FRAME(DO_ARGUMENTS);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/toolmenu.h"
 
+#include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/tables/tables.h"

@@ -2,6 +2,7 @@
 #include "ide/menus/viewmenu.h"
 
 #include "ide/build/textview.h"
+#include "ide/build/toolrun.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -18,7 +19,7 @@ void DO_ERRORS() {
     FRAME(DO_ERRORS);
     STAMP();
     if (IsLoaded(ViewDlg)) return Show(ViewDlg, false);
-    VIEWDIALOG("View Errors", GETCOMPILERDIR() + "sarn.err", GetFont(SDIEdit));
+    VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFont(SDIEdit));
 }
 
 void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object& menuItem) {

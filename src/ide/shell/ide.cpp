@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/ide.h"
 
+#include "ide/build/compiler.h"
 #include "ide/build/textview.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
@@ -12,6 +13,7 @@
 #include "ide/shell/rescue.h"
 #include "ide/shell/startup.h"
 #include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
 #include "library/dialogs/commdlgs.h"
 #include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
@@ -481,23 +483,17 @@ bool MAIN(const Object&, int event, const Object& control, int parameter) {
 
 // ---- the program ----
 
-void REGISTERWINDOWS() {
-    FRAME(REGISTERWINDOWS);
-    STAMP();
-    RegisterWindow(Main, MAIN);
-    RegisterWindow(SDIEdit, SDIEDIT);
-    RegisterWindow(ViewDlg, VIEWDLG);
-    RegisterWindow(StartupDlg, STARTUPDLG);
-    RegisterWindow(FileInfoDlg, FILEINFODLG);
-    RegisterWindow(ArgumentsDlg, ARGUMENTSDLG);
-    SetRescueHook(RESCUETEXT);
-    STAMP();
-}
+namespace {
+
+const RegisteredWindow registered("Main", MAIN);
+
+}  // namespace
 
 void RUNIDE() {
     ProcessStart(false);
     DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
     REGISTERWINDOWS();
+    SetRescueHook(RESCUETEXT);
     {
         FRAME(RUNIDE);
         STAMP();

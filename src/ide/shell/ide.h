@@ -9,7 +9,6 @@
 
 namespace tarn {
 
-void REGISTERWINDOWS();  // binds each window to its function
 // Runs the environment; returns when the main window has gone, and then ends the process.
 void RUNIDE();
 

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// What the modules of the environment share: where its files are, the paths of the settings, and the driver
-// of the compiler and the make tool. Paths come with a separator at their end. Nothing is kept: the settings
-// file is read at each use.
+// What the modules of the environment share: where its files are, the paths of the settings, and help. Paths come with
+// a separator at their end. Nothing is kept: the settings file is read at each use.
 #pragma once
 
+#include "kernel/windows/windowing.h"
 #include "library/system/system.h"
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tarn {
 
@@ -34,40 +33,11 @@ std::string GETCOMMANDLINEFILE();
 // under debug where the settings are.
 void PREPARESETTINGS();
 
+// ---- help ----
+
 // The topic of a dialog: its caption with each "-" replaced by "_".
 std::string HELPTOPIC(std::string_view caption);
 void SHOWHELP(const std::string& topic);
-
-// ---- compiler and make tool ----
-// The error handler of modules that start tools and read what they leave: a tool that cannot be run (901 to
-// 909) and a file that cannot be read or written (651 to 659) are told in a box, and the program goes on.
-void TOOL_ONERROR(std::int32_t code);
-// What a run says beside the tool's messages: it was stopped, died, or failed without a word; empty if none
-// of these.
-std::string RUNFAULT(const ExecResult& run, const std::string& tool, bool hasMessages);
-std::string GETCOMPILEREXE();
-std::string GETORDOEXE();
-
-struct CompilerOptions {
-    int precond = 0, debug = 0;  // levels 0 to 3, as the sum of what is ticked
-    int quiet = 0, verification = 0, manifest = 0, shortcutFile = 0, symbols = 0;
-    std::string extra, inheritPaths, resourcePaths;
-};
-CompilerOptions GETCOMPILEROPTIONS();
-// The compiler's success mark, which its messages hold exactly when nothing went wrong.
-inline constexpr std::string_view NoErrors = ": 0 errors.";
-// The compiler's command line; with `write` it also goes to the settings, where the make tool finds it.
-std::string SAVECOMMANDLINE(const CompilerOptions& options, int windowMode, bool write);
-void REFRESHCOMMANDLINE();  // from the settings, written back
-void COMPILESINGLEFILE(const std::string& file, int windowMode);
-
-struct DependencyList {
-    std::string files;  // one a line
-    std::string error;  // empty on success
-};
-// Asks the make tool; `options` is "/fq", "/fa", "/fs" or "/ft".
-DependencyList LOADDEPLIST(const std::string& file, const std::string& options, bool fullPaths);
-std::vector<std::string> LOADDEPLISTARRAY(const std::string& file, const std::string& options, bool fullPaths,
-                                          std::string& error);
+void SHOWWINDOWHELP(const Object& window);  // on its caption
 
 }  // namespace tarn

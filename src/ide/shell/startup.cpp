@@ -5,6 +5,8 @@
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
+#include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
@@ -21,7 +23,6 @@ Object choices(const Object& window, int which) {
 }
 
 void restore(const Object& window) {
-    LOADINIFILE(GETIDEINIFILE(), window);
     SetValue(FINDCONTROL(window, "checkbox1"), 0);
     const std::string last = STRTRIM(PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"));
     SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : "'" + last + "'");
@@ -32,26 +33,6 @@ void restore(const Object& window) {
     if (!last.empty()) return;
     if (Controlselectionpos(first) == LastProgram) SetValue(choices(window, NewTextFile), 1);
     SetEnabled(first, false);
-}
-
-bool buttonPressed(const Object& window, const std::string& name) {
-    if (name == "pushbutton1") {
-        SAVEINIFILE(GETIDEINIFILE(), window);
-        Hide(window);
-    } else if (name == "pushbutton2") {
-        Unload(window);
-    } else if (name == "pushbutton3") {
-        SHOWHELP(HELPTOPIC(GetCaption(window)));
-    } else {
-        return false;
-    }
-    return true;
-}
-
-bool keyPressed(const Object& window, int key) {
-    if (key == KEY_ESCAPE) Unload(window);
-    if (key == KEY_F1) SHOWHELP(HELPTOPIC(GetCaption(window)));
-    return key == KEY_ESCAPE || key == KEY_F1;
 }
 
 // Stores what every later start begins with; nothing is carried out now.
@@ -73,18 +54,16 @@ void carryOut(int choice) {
     if (choice == GettingStarted) SHOWHELP("Getting Started");
 }
 
+constexpr DialogShape shape{
+    .settings = GETIDEINIFILE, .showHelp = SHOWWINDOWHELP, .load = restore, .hides = true};
+const RegisteredWindow registered("StartupDlg", STARTUPDLG);
+
 }  // namespace
 
 bool STARTUPDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(STARTUPDLG);
     STAMP();
-    bool result = true;
-    switch (event) {
-    case LOAD_EVENT: restore(window); break;
-    case COMMAND_EVENT: result = buttonPressed(window, GetName(control)); break;
-    case KEYPRESS_EVENT: result = keyPressed(window, parameter); break;
-    default: result = false;
-    }
+    const bool result = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;
 }

@@ -15,8 +15,6 @@
 namespace tarn::toolchain {
 namespace {
 
-constexpr std::string_view SuccessMark = ": 0 errors.";
-
 // ---- the compiler's line ----
 
 // The settings file of the environment that this user has installed; empty if none is known.
@@ -85,7 +83,7 @@ Command commandFor(const std::string& line, const std::string& file, const std::
 
 // The messages of a compile that failed; empty if it went well.
 std::string compile(const Command& command, const std::string& file) {
-    const std::string results = folderOf(command.program) + "sarn.err";
+    const std::string results = folderOf(command.program) + std::string(ResultFile);
     os::files().remove(results);
     const ToolRun run = runTool(command.program, command.arguments);
     std::string text;

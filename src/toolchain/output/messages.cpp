@@ -130,7 +130,7 @@ std::string Messages::report(const std::string& name) const {
 }
 
 std::string summaryLine(const std::string& name, std::size_t count) {
-    if (count == 0) return name + " : 0 errors.\n";
+    if (count == 0) return name + " " + std::string(SuccessMark) + "\n";
     return "> " + name + " has " + std::to_string(count) + (count == 1 ? " error.\n" : " errors.\n");
 }
 

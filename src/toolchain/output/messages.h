@@ -3,8 +3,7 @@
 // The messages of the compiler and the make tool: a table of numbers and texts, and the list of a run.
 //
 // A message line reads `file(line) : error number text`; the environment jumps to the file and the line, and
-// asks for help by the number. A line that begins with ">" continues the message above it. The text ": 0
-// errors." stands in a run's messages exactly when nothing went wrong.
+// asks for help by the number. A line that begins with ">" continues the message above it.
 #pragma once
 
 #include <initializer_list>
@@ -15,6 +14,11 @@
 #include <vector>
 
 namespace tarn::toolchain {
+
+// The file of the compiler's messages, and of a whole build's, beside the name that the compiler is called by.
+inline constexpr std::string_view ResultFile = "sarn.err";
+// Stands in a run's messages exactly when nothing went wrong.
+inline constexpr std::string_view SuccessMark = ": 0 errors.";
 
 enum class Problem : int {
     BadCharacter = 1001,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The build commands against make tools and compilers that are shell scripts of the test.
+#include "ide/build/build.h"
 #include "ide/menus/runmenu.h"
 
 #include "ide/build/textview.h"
