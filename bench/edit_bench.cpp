@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // edit_bench RCX: the Code window with 4,000,000 bytes: opening, and key to paint at its end; the peer is
-// QPlainTextEdit with the same text. Prints Google Benchmark's form of medians, so that report.py reads all
-// alike.
+// QPlainTextEdit with the same text.
+#include "paint_watch.h"
+
 #include "kernel/windows/windowing.h"
 #include "library/source/symbols.h"
 #include "platform/model/model.h"
@@ -21,6 +22,8 @@
 
 namespace {
 
+using namespace bench;
+
 std::string sourceText(std::size_t size) {
     const std::string line =
         "    if count > 0 then result := result + STR(count) // the sum of \"all\" counts\r\n";
@@ -28,29 +31,6 @@ std::string sourceText(std::size_t size) {
     while (text.size() + line.size() <= size) text += line;
     text.resize(size, ' ');
     return text;
-}
-
-// Notes when a widget has painted.
-class PaintWatch : public QObject {
-public:
-    explicit PaintWatch(QWidget* widget) { widget->installEventFilter(this); }
-    bool painted = false;
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) painted = true;
-        return false;
-    }
-};
-
-double median(std::vector<double> values, double part = 0.5) {
-    std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(static_cast<double>(values.size() - 1) * part)];
-}
-
-void untilPainted(PaintWatch& watch) {
-    QElapsedTimer limit;
-    limit.start();
-    while (!watch.painted && limit.elapsed() < 2000) QApplication::processEvents();
-    QApplication::processEvents();
 }
 
 // Milliseconds from a key press to its paint, 95 of 100.
@@ -83,21 +63,6 @@ double openTime(QAbstractScrollArea* area, const std::function<void()>& open) {
         times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
     }
     return median(times);
-}
-
-struct Figure {
-    std::string name;
-    double milliseconds;
-};
-
-void print(const std::vector<Figure>& figures) {
-    std::printf("{\"benchmarks\": [\n");
-    for (std::size_t i = 0; i < figures.size(); i++)
-        std::printf(
-            " {\"run_name\": \"%s\", \"aggregate_name\": \"median\", \"real_time\": %.6f, \"time_unit\": "
-            "\"ms\"}%s\n",
-            figures[i].name.c_str(), figures[i].milliseconds, i + 1 < figures.size() ? "," : "");
-    std::printf("]}\n");
 }
 
 void toEnd(QAbstractScrollArea* area) {

@@ -45,7 +45,7 @@ def text(ns):
 def main():
     folder = sys.argv[1]
     all_ = {}
-    for name in ("kernel_bench", "values_bench", "library_bench", "os_bench", "edit_bench"):
+    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -100,6 +100,8 @@ def main():
         ("start ide", "start geany", 0.6), ("start ide", "start qt", None),
         ("open 4 MB, extra", "plainOpenLarge", None),
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
+        ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
+        ("loadAndUnload", None, None),
     ]
     print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")
     for name, peer, budget in rows:

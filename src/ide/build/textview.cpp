@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/build/textview.h"
 
+#include "ide/build/toolrun.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
-#include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
