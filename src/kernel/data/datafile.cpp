@@ -11,6 +11,7 @@
 #include "kernel/data/xml/xml.h"
 #include "kernel/index/index_file.h"
 #include "kernel/lists/rowformat.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/table_access.h"
 #include "kernel/values/string_text.h"
@@ -243,7 +244,7 @@ DataFileInfo identify(const std::string& filename, const DataOptions* options) {
 }  // namespace
 
 DataFileInfo GetDataFileInfo(const std::string& filename, const DataOptions* options) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return identify(filename, options);
     } catch (const std::bad_alloc&) {

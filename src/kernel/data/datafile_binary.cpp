@@ -4,6 +4,7 @@
 #include "kernel/data/fresh.h"
 #include "kernel/data/packing_whole.h"
 #include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/run/progress.h"
@@ -58,7 +59,7 @@ DataResult save(const std::string& filename, const void* value, Kind kind) {
 }  // namespace
 
 DataResult BinaryLoad(const std::string& filename, void* value, Kind kind) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return load(filename, value, kind);
     } catch (const std::bad_alloc&) {
@@ -67,7 +68,7 @@ DataResult BinaryLoad(const std::string& filename, void* value, Kind kind) {
 }
 
 DataResult BinarySave(const std::string& filename, const void* value, Kind kind) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return save(filename, value, kind);
     } catch (const std::bad_alloc&) {

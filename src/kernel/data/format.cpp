@@ -3,8 +3,8 @@
 
 #include "kernel/data/tab/tab_rows.h"
 #include "kernel/data/tab/tabular.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
-#include "kernel/run/runtime.h"
 #include "kernel/values/records.h"
 
 #include "os/paths.h"
@@ -56,6 +56,12 @@ DataOptions DataOptionsOf(const RecordDescriptor* options, std::int32_t format) 
         field += sizeof(std::int32_t);
     }
     return read;
+}
+
+std::int32_t ReadDataOptions(const RecordDescriptor* record, std::int32_t format, DataOptions& options) {
+    const ErrorCellAside aside;
+    options = DataOptionsOf(record, format);
+    return ErrorCell();
 }
 
 }  // namespace tarn

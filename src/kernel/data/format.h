@@ -36,6 +36,9 @@ struct DataOptions {
 DataOptions DefaultDataOptions(std::int32_t format);
 // From an options record; the defaults for null and for an empty one, 764 and 757 for what is no such record.
 DataOptions DataOptionsOf(const RecordDescriptor* options, std::int32_t format);
+// The same, for callers that report by a result: gives the code instead of setting it; 0 when all is well.
+[[nodiscard]] std::int32_t ReadDataOptions(const RecordDescriptor* record, std::int32_t format,
+                                           DataOptions& options);
 
 // How a load or a save ended. `code` 0: well; else the first failure: 981 to 986, 989 for a cell (the load
 // goes on with the next row), 618, 619, 635 for a row that the value refused, 651 to 655 and 657 for the

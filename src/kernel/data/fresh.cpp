@@ -2,6 +2,7 @@
 #include "kernel/data/fresh.h"
 
 #include "kernel/lists/rowformat.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/table_access.h"

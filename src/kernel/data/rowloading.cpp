@@ -4,6 +4,7 @@
 #include "kernel/data/elements.h"
 #include "kernel/data/fresh.h"
 #include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/table_access.h"
@@ -14,12 +15,12 @@ namespace tarn {
 
 DataResult RowLoading::into(void* target, Kind kind) {
     FreshValue fresh(target, kind);
-    const std::int32_t code = TakeCellError();
+    const std::int32_t code = TakeError();
     if (code != 0) return {code};
     read(fresh.get(), kind);
     if (fileCode() != 0) failWhole(fileCode());
     if (stopped() || failed_) return {result_.code, 0, 0, stopped()};
-    return fresh.replaceTarget() ? result_ : DataResult{TakeCellError()};
+    return fresh.replaceTarget() ? result_ : DataResult{TakeError()};
 }
 
 bool RowLoading::next(std::string_view& row) {
@@ -65,22 +66,22 @@ void RowLoading::readList(ListDescriptor& list) {
     ElementSink elements(list);
     for (std::string_view row; next(row); result_.rows = list.count) {
         void* const element = elements.next();
-        if (element == nullptr) return note(TakeCellError());
+        if (element == nullptr) return note(TakeError());
         note(fill(row, element, ElementKindOf(list)));
-        if (!failed_ && !elements.add()) return failWhole(TakeCellError());
+        if (!failed_ && !elements.add()) return failWhole(TakeError());
     }
 }
 
 void RowLoading::readTable(TableDescriptor& table) {
     RecordValue record;
     AdtInit(record.get(), &RowShape(HeaderOf(table)), KindRecord);
-    note(TakeCellError());
+    note(TakeError());
     const std::int32_t index = TableIndexCount(&table) > 0 ? 1 : 0;
     for (std::string_view row; next(row); result_.rows = table.count) {
         note(fill(row, record.get(), KindRecord));
         if (failed_) return;
         TableAdd(&table, index, record.get());
-        const std::int32_t code = TakeCellError();
+        const std::int32_t code = TakeError();
         if (IsFileFailure(code)) return failWhole(code);
         note(code);
         if (code == ERR_FIXED_TABLE) return;

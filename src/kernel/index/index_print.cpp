@@ -2,6 +2,7 @@
 #include "kernel/index/index_filelayout.h"
 #include "kernel/index/index_fileops_internal.h"
 #include "kernel/index/index_nodes.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/text/fixed.h"
@@ -89,11 +90,9 @@ bool drawTree(const Tree& tree, std::string& picture) {
 
 // That a file cannot be opened is told by the picture alone.
 bool openQuietly(const IndexBlock& block, PrintedFile& tree) {
-    const std::int32_t before = ErrorCell();
+    const ErrorCellAside aside;
     tree.layout = LayoutOfBlock(block);
-    const bool opened = OpenIndexOf(block, tree);
-    tarn_error_cell = before;
-    return opened;
+    return OpenIndexOf(block, tree);
 }
 
 bool pictureOf(const RecordDescriptor& root, const IndexBlock& block, std::string& picture) {

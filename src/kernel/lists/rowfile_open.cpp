@@ -4,6 +4,7 @@
 // header is made under another name and then renamed, so that it is never seen half made.
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/lists/rowfile_names.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/fileerrors.h"
 
 #include <algorithm>
@@ -183,18 +184,6 @@ void ReleaseRows(ListDescriptor& l) {
 
 namespace {
 
-// The error cell is clear while it lives.
-class CellAside {
-public:
-    CellAside() : before_(std::exchange(tarn_error_cell, 0)) {}
-    ~CellAside() { tarn_error_cell = before_; }
-    CellAside(const CellAside&) = delete;
-    CellAside& operator=(const CellAside&) = delete;
-
-private:
-    std::int32_t before_;
-};
-
 bool readAllRows(const ListDescriptor& l) {
     const Kind kind = ElementKindOf(l);
     const RowBatch batch(l);
@@ -207,7 +196,7 @@ bool readAllRows(const ListDescriptor& l) {
 }  // namespace
 
 std::string CheckRows(const ListDescriptor& l) {
-    const CellAside cell;
+    const ErrorCellAside aside;
     std::int32_t count = l.count;
     const bool good = WithMemory([&] {
         if (BatchOfRows* const batch = BatchOfRows::of(l))

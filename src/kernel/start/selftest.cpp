@@ -3,6 +3,7 @@
 // The tests that each start of a process runs: a machine or a build on which they fail must not touch
 // anybody's data.
 #include "kernel/lists/lists.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/start/process.h"
 #include "kernel/tables/tables.h"
@@ -19,24 +20,6 @@
 namespace tarn {
 
 namespace {
-
-// Runs the tests with an error cell of their own.
-class OwnErrorCell {
-public:
-    OwnErrorCell() : kept_(tarn_error_cell) { tarn_error_cell = 0; }
-    ~OwnErrorCell() { tarn_error_cell = kept_; }
-    OwnErrorCell(const OwnErrorCell&) = delete;
-    OwnErrorCell& operator=(const OwnErrorCell&) = delete;
-
-private:
-    std::int32_t kept_;
-};
-
-std::int32_t takeError() {
-    const std::int32_t error = tarn_error_cell;
-    tarn_error_cell = 0;
-    return error;
-}
 
 std::string narrow(const String& s) {
     std::string text(static_cast<std::size_t>(s.length()) + 1, 0);
@@ -61,7 +44,7 @@ bool joins() {
     for (const auto& row : rows) {
         String s(row.capacity), a(row.a), b(row.b);
         StringConcat(a.get(), b.get(), s.get());
-        if (narrow(s) != row.result || takeError() != row.error) return false;
+        if (narrow(s) != row.result || TakeError() != row.error) return false;
     }
     return true;
 }
@@ -80,7 +63,7 @@ bool appends() {
         const String more(row.more);
         s.assign(row.text);
         StringAppend(s.get(), more.get());
-        if (narrow(s) != row.result || takeError() != ERR_NONE) return false;
+        if (narrow(s) != row.result || TakeError() != ERR_NONE) return false;
     }
     return true;
 }
@@ -99,7 +82,7 @@ bool deletes() {
         String s(10);
         s.assign("1234567890");
         StringDelete(s.get(), row.position, row.count);
-        if (narrow(s) != row.result || takeError() != ERR_NONE) return false;
+        if (narrow(s) != row.result || TakeError() != ERR_NONE) return false;
     }
     return true;
 }
@@ -123,7 +106,7 @@ bool comparisons() {
         if ((StringCompareOp("LT", a.get(), b.get()) != 0) != (row.exact < 0)) return false;
         if ((StringCompareOp("Ge", a.get(), b.get()) != 0) != (row.exact >= 0)) return false;
     }
-    return takeError() == ERR_NONE;
+    return TakeError() == ERR_NONE;
 }
 
 bool divisions() {
@@ -138,8 +121,8 @@ bool divisions() {
         {5, 0, 0, 0, ERR_DIVISION_BY_ZERO},
     };
     for (const auto& row : rows) {
-        if (IntegerDiv(row.a, row.b) != row.quotient || takeError() != row.error) return false;
-        if (IntegerMod(row.a, row.b) != row.rest || takeError() != row.error) return false;
+        if (IntegerDiv(row.a, row.b) != row.quotient || TakeError() != row.error) return false;
+        if (IntegerMod(row.a, row.b) != row.rest || TakeError() != row.error) return false;
     }
     return true;
 }
@@ -208,7 +191,7 @@ bool setBounds() {
     SetInclude(100, dynamic.get());
     if (SetUpperBound(dynamic.get()) != 100 || SetContains(1, dynamic.get())) return false;
     SetInclude(40000, dynamic.get());
-    return takeError() == ERR_SET_BOUNDS;
+    return TakeError() == ERR_SET_BOUNDS;
 }
 
 bool setTexts() {
@@ -238,7 +221,7 @@ bool fixedNumbers() {
     FixedDiv(SmallestFixed, -1, r);
     if (r != LargestFixed) return false;
     FixedDiv(7 * FixedOne, 0, r);
-    return r == 0 && takeError() == ERR_DIVISION_BY_ZERO && FixedToText(-12345) == "-1.2345";
+    return r == 0 && TakeError() == ERR_DIVISION_BY_ZERO && FixedToText(-12345) == "-1.2345";
 }
 
 bool realTexts() {
@@ -257,7 +240,7 @@ bool realTexts() {
         if (RealToText(row.x, row.decimals) != row.text || !ok || (row.x != 0 && read / row.x > 1.01))
             return false;
     }
-    return takeError() == ERR_NONE;
+    return TakeError() == ERR_NONE;
 }
 
 bool dates() {
@@ -295,7 +278,7 @@ bool tables() {
         TableAdd(table.get(), 1, row.get());
     }
     TableAdd(table.get(), 1, row.get());
-    if (takeError() != ERR_DUPLICATE_FIELDS || TableCount(table.get()) != 3) return false;
+    if (TakeError() != ERR_DUPLICATE_FIELDS || TableCount(table.get()) != 3) return false;
     const std::int32_t first = 1, last = 3;
     RecordInit(key.get(), TagRecord, MakeFieldKinds({KindInteger}));
     RecordPut(key.get(), 1, &first, KindInteger);
@@ -304,13 +287,13 @@ bool tables() {
     TableRead(table.get(), 1, key.get(), row.get());
     std::int32_t square = 0;
     RecordGet(row.get(), 2, &square, KindInteger);
-    return square == 9 && takeError() == ERR_NONE && AdtCheck(table.get(), KindTable).empty();
+    return square == 9 && TakeError() == ERR_NONE && AdtCheck(table.get(), KindTable).empty();
 }
 
 }  // namespace
 
 bool SelfTest() {
-    const OwnErrorCell cell;
+    const ErrorCellAside aside;
     return joins() && appends() && deletes() && comparisons() && divisions() && integerTexts() &&
            booleanTexts() && checkSums() && setBounds() && setTexts() && fixedNumbers() && realTexts() &&
            dates() && tables();

@@ -2,6 +2,7 @@
 //
 // Operations on tables whose rows stand in a file. All indexes are prepared in memory first; then the rows
 // are written, then the indexes.
+#include "kernel/run/errorcell.h"
 #include "kernel/tables/tables_ops_internal.h"
 
 #include "kernel/run/errors.h"
@@ -180,9 +181,9 @@ namespace {
 
 // Rows that are cut off do not come back when the file then cannot be closed.
 bool clearRows(ListDescriptor& rows) {
-    OwnErrors errors;
+    const OwnErrors errors;
     if (!ClearRows(rows) && rows.count != 0) return false;
-    errors.forget();
+    OwnErrors::forget();
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/lists/rowfile.h"
 #include "kernel/lists/rowformat.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file.h"
 #include "kernel/tables/tables_file_index.h"
@@ -45,7 +46,7 @@ std::string checkIndex(const TableHeader& header, std::int32_t index, const std:
 
 bool HasAllKeptRows(const TableDescriptor& t) {
     if (!HasKeptRows(t)) return true;
-    OwnErrors errors;
+    const ErrorCellAside aside;
     const TableHeader& header = HeaderOf(t);
     FileTree tree;
     RecordValue row;
@@ -57,28 +58,25 @@ bool HasAllKeptRows(const TableDescriptor& t) {
                HasRow(header, tree.row(node)) && ReadRow(header.rows, tree.row(node), row.get()) &&
                KeyOfRow(*row.get(), header.keyMaps[0], own) && tree.order(own, node) == 0;
     };
-    const bool all =
+    return
         InitValue(row.get(), &RowShape(header), KindRecord) &&
         tree.open(IndexFileName(RowFileName(header.rows), 1), IndexKeyShape(header, 0), os::OpenMode::Read) &&
         EachKeptRow(t, isThere);
-    errors.forget();
-    return all;
 }
 
 bool MissesKeptRows(TableDescriptor& t, std::string_view fileName) {
-    OwnErrors errors;
+    const ErrorCellAside aside;
     ListDescriptor& rows = HeaderOf(t).rows;
     bool created = false, misses = false;
     if (os::infoOf(std::string(fileName)).exists && OpenRows(rows, fileName, {}, created)) {
         misses = WithMemory([&] { return !HasAllKeptRows(t); });
         DropRows(rows);
     }
-    errors.forget();
     return misses;
 }
 
 std::string CheckIndexFiles(const TableDescriptor& t) {
-    OwnErrors errors;
+    const OwnErrors errors;
     const TableHeader& header = HeaderOf(t);
     std::string wrong;
     const bool good = WithMemory([&] {
@@ -90,7 +88,7 @@ std::string CheckIndexFiles(const TableDescriptor& t) {
         if (wrong.empty() && !HasAllKeptRows(t)) wrong = "table: a row that a deletion has moved is missing";
         return true;
     });
-    errors.forget();
+    OwnErrors::forget();
     return good ? wrong : "table: memory is short";
 }
 

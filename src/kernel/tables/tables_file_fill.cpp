@@ -3,6 +3,7 @@
 
 #include "kernel/index/index_filebuild.h"
 #include "kernel/lists/packing.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/progress.h"
 
 #include <algorithm>
@@ -69,13 +70,13 @@ private:
 };
 
 std::optional<Filled> SortedFill::gather(KeySort& sort, ListReader& rows, std::int32_t count) {
-    OwnErrors errors;
+    const OwnErrors errors;
     for (std::int32_t i = 0; i < count; ++i) {
         KeyView key;
         const auto* row = static_cast<const RecordDescriptor*>(rows.at(i));
         bool good = row != nullptr && KeyOfRow(*row, header_.keyMaps[index_], key), fits = false;
         good = good && sort.add(key, fits) && fits;
-        if (!good) return errors.forget(), std::nullopt;
+        if (!good) return OwnErrors::forget(), std::nullopt;
         if (!step()) return Filled::Stopped;
     }
     return Filled::Whole;

@@ -5,14 +5,12 @@
 #pragma once
 
 #include "kernel/index/index_file.h"
-#include "kernel/run/runtime.h"
 #include "kernel/tables/table_access.h"
 #include "kernel/tables/tables_file.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace tarn {
 
@@ -23,22 +21,6 @@ std::string IndexKeyText(const TableDescriptor& t, std::int32_t index);
 bool AcceptIndexKeys(const TableDescriptor& t);
 // 0, or the code of what is wrong with the size of an index file: 656, 651.
 std::int32_t IndexSizeError(const std::string& path, std::int32_t recordSize, std::int32_t rows);
-
-// Keeps apart what is set in the error cell while it lives; an error that was pending before comes back.
-class OwnErrors {
-public:
-    OwnErrors() : pending_(std::exchange(tarn_error_cell, 0)) {}
-    ~OwnErrors() {
-        if (pending_ != 0) tarn_error_cell = pending_;
-    }
-    OwnErrors(const OwnErrors&) = delete;
-    OwnErrors& operator=(const OwnErrors&) = delete;
-    [[nodiscard]] static std::int32_t code() { return tarn_error_cell; }
-    void forget() { tarn_error_cell = 0; }
-
-private:
-    std::int32_t pending_;
-};
 
 // ---- places ----
 

@@ -4,6 +4,7 @@
 #include "kernel/index/index_filelayout.h"
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/lists/rowfile_names.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/tables_file_index.h"
@@ -174,11 +175,11 @@ bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
 // What cannot be kept is synced, and what was kept then need not be any more.
 bool RowGuard::begin(std::int32_t number, std::int32_t moved) {
     if (IsScratchFile(HeaderOf(table_).rows) || (moved == 0 && !HasKeptRows(table_))) return true;
-    OwnErrors errors;
+    const OwnErrors errors;
     if (BatchOfRows* const batch = BatchOfRows::of(HeaderOf(table_).rows))
         if (!batch->flush()) return false;
     kept_ = WithMemory([&] { return keepAndNote(number, moved); });
-    errors.forget();
+    OwnErrors::forget();
     if (kept_) return true;
     sizeBefore_ = -1;
     return EndKeptRows(table_);
@@ -190,10 +191,9 @@ bool RowGuard::beforeCut() {
 
 void RowGuard::takeBack() {
     if (sizeBefore_ < 0) return;
-    OwnErrors errors;
+    const ErrorCellAside aside;
     KeptFile beside(table_);
     if (beside.open(rowBytes_)) beside.cut(sizeBefore_);
-    errors.forget();
 }
 
 // A file that cannot be opened has never come to the disk as a whole; one that is empty keeps nothing, and
@@ -247,10 +247,8 @@ bool readKept(const TableDescriptor& t, RowFile& rows, std::vector<std::string>&
 }
 
 bool unpackQuietly(const RowFile& rows, const std::string& bytes, RecordDescriptor* row) {
-    OwnErrors errors;
-    const bool good = rows.unpack(bytes, row);
-    errors.forget();
-    return good;
+    const ErrorCellAside aside;
+    return rows.unpack(bytes, row);
 }
 
 }  // namespace
@@ -261,10 +259,8 @@ bool EachKeptRow(const TableDescriptor& t, const std::function<bool(const Record
     RecordValue row;
     std::vector<std::string> kept;
     {
-        OwnErrors errors;
-        const bool good = InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) && readKept(t, rows, kept);
-        errors.forget();
-        if (!good) return true;
+        const ErrorCellAside aside;
+        if (!InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) || !readKept(t, rows, kept)) return true;
     }
     for (const std::string& bytes : kept) {
         if (unpackQuietly(rows, bytes, row.get()) && !see(*row.get())) return false;

@@ -2,6 +2,7 @@
 //
 // Mending the files of a list or table after a death: a noted row, a torn tail, the count, then the indexes.
 #include "kernel/lists/rowfile_access.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file_fill.h"
 #include "kernel/tables/tables_file_kept.h"
@@ -151,11 +152,10 @@ bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t rowsBeh
 }  // namespace
 
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
-    OwnErrors errors;
+    const ErrorCellAside aside;
     MendedRows result;
     if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, 0, result); }))
-        result.error = OwnErrors::code();
-    errors.forget();
+        result.error = ErrorCell();
     return result;
 }
 
@@ -229,10 +229,10 @@ bool IndexRebuilding::fill(std::int32_t index) {
 bool IndexRebuilding::findTorn(std::vector<std::int32_t>& torn) {
     ListReader reader(header_.rows);
     for (std::int32_t i = 0; i < header_.rows.count; ++i) {
-        OwnErrors errors;
+        const OwnErrors errors;
         if (reader.at(i) != nullptr) continue;
         if (OwnErrors::code() != ERR_FILE_READ) return false;
-        errors.forget();
+        OwnErrors::forget();
         torn.push_back(i + 1);
     }
     return true;
@@ -261,11 +261,11 @@ bool IndexRebuilding::dropTorn() {
 bool IndexRebuilding::restoreKept() {
     table_.count = header_.rows.count;
     return EachKeptRow(table_, [&](const RecordDescriptor& row) {
-        OwnErrors errors;
+        const OwnErrors errors;
         if (FileTableAdd(table_, row)) return ++result_.rowsRestored, true;
         const std::int32_t code = OwnErrors::code();
         if (code != ERR_DUPLICATE_FIELDS && code != ERR_FIXED_LIST) return false;
-        errors.forget();
+        OwnErrors::forget();
         return true;
     });
 }
@@ -309,11 +309,10 @@ bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBeh
 }  // namespace
 
 RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind) {
-    OwnErrors errors;
+    const ErrorCellAside aside;
     RebuiltTable result;
     if (!WithMemory([&] { return rebuild(t, fileName, rowsBehind, result); }) && !result.stopped)
-        result.error = OwnErrors::code();
-    errors.forget();
+        result.error = ErrorCell();
     return result;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/values/adt.h"
 
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt_kinds.h"
@@ -158,9 +159,9 @@ struct Comparison {
     std::int32_t error = 0;
 };
 Comparison compare(const void* a, const void* b, Kind kind) {
-    const std::int32_t pending = std::exchange(tarn_error_cell, 0);
+    const ErrorCellAside aside;
     const bool equal = EqualValues(a, b, kind);
-    return {equal, std::exchange(tarn_error_cell, pending)};
+    return {equal, ErrorCell()};
 }
 
 // A copy of the source in a new value of the target's shape.

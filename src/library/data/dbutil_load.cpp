@@ -5,6 +5,7 @@
 
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/lists/lists.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables.h"
 #include "library/data/dbutil_grid.h"
@@ -35,12 +36,6 @@ void buildTable(const std::string& columns, TableDescriptor* table) {
     if (rows == nullptr) return;
     TableInit(table, UNBOUNDED, reinterpret_cast<const RecordDescriptor*>(At(rows->prototype)), KeyMaps{},
               StringView(TableTypeInfo(indexed.get())), false);
-}
-
-std::int32_t takeError() {
-    const std::int32_t code = ErrorCell();
-    ClearError();
-    return code;
 }
 
 std::string failureText(std::int32_t code) {
@@ -138,7 +133,7 @@ DataTable LOADDATATABLE(const std::string& filename, const DataOptions* options,
     const std::string columns = TYPEINFOFIXIDENTIFIERS(info.typeText, LongestColumnName);
     STAMP();
     buildTable(columns, data.table.get());
-    const std::int32_t code = takeError();
+    const std::int32_t code = TakeError();
     if (code != 0) {
         data.step = DataTable::Step::Columns;
         data.message = failureText(code);

@@ -166,21 +166,11 @@ bool isTableFile(const std::string& filename, const TableDescriptor* table) {
     return holdsZeroByte(filename) || hasIndex(filename, table);
 }
 
-// What the options say, or the code of what is wrong with their record.
-std::int32_t readOptions(const RecordDescriptor* record, DataFormat format, DataOptions& options) {
-    const std::int32_t before = tarn_error_cell;
-    tarn_error_cell = 0;
-    options = DataOptionsOf(record, format);
-    const std::int32_t code = tarn_error_cell;
-    tarn_error_cell = before;
-    return code;
-}
-
 // All rows, however many the options ask for: a table that lacks some would be saved without them.
 bool loadRows(const std::string& filename, DataFormat format, const RecordDescriptor* record,
               TableDescriptor* table) {
     DataOptions options;
-    std::int32_t code = readOptions(record, format, options);
+    std::int32_t code = ReadDataOptions(record, format, options);
     options.maxdatarows = -1;
     bool stopped = false;
     if (code == 0) {
@@ -229,7 +219,7 @@ bool saveTable(const std::string& filename, DataFormat format, const RecordDescr
     DataOptions options;
     const bool delimited = format == FormatComma || format == FormatTab;
     std::string footers;
-    if (delimited && readOptions(record, format, options) == 0 && options.numfooterrows > 0 &&
+    if (delimited && ReadDataOptions(record, format, options) == 0 && options.numfooterrows > 0 &&
         os::infoOf(os::native(filename)).exists && !ReadFooters(filename, options.numfooterrows, footers)) {
         SetError(ERR_FILE_READ);
         return false;

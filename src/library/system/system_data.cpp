@@ -30,16 +30,6 @@ DataResult reported(const DataResult& result) {
     return result;
 }
 
-// The options, or the code of what is wrong with their record.
-DataResult readOptions(const RecordDescriptor* record, std::int32_t format, DataOptions& options) {
-    const std::int32_t before = ErrorCell();
-    tarn_error_cell = 0;
-    options = DataOptionsOf(record, format);
-    const DataResult result{ErrorCell()};
-    tarn_error_cell = before;
-    return result;
-}
-
 }  // namespace
 
 DataResult LOADFILE(const std::string& file, std::int32_t format, const RecordDescriptor* options,
@@ -47,7 +37,7 @@ DataResult LOADFILE(const std::string& file, std::int32_t format, const RecordDe
     FRAME(LOADFILE);
     STAMP();
     DataOptions read;
-    DataResult result = readOptions(options, format, read);
+    DataResult result{ReadDataOptions(options, format, read)};
     std::string message;
     if (result.code == 0) {
         const LongWork work("Reading '" + FILEGETFNAME(file) + "'");
@@ -63,7 +53,7 @@ DataResult SAVEFILE(const std::string& file, std::int32_t format, const RecordDe
     FRAME(SAVEFILE);
     STAMP();
     DataOptions read;
-    DataResult result = readOptions(options, format, read);
+    DataResult result{ReadDataOptions(options, format, read)};
     if (result.code == 0) {
         const LongWork work("Writing '" + FILEGETFNAME(file) + "'");
         result = SaveValue(file, static_cast<DataFormat>(format), read, 0, value, kind);

@@ -2,6 +2,7 @@
 //
 // Rows of Xbase files and of table files, one after another.
 #include "kernel/lists/lists.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
@@ -17,12 +18,6 @@
 namespace tarn::datatool {
 
 namespace {
-
-std::int32_t takeError() {
-    const std::int32_t code = ErrorCell();
-    ClearError();
-    return code;
-}
 
 Problem rowProblem(const Source& source, std::int32_t row, std::int32_t code) {
     DataResult result;
@@ -95,7 +90,7 @@ Problem loadXbase(const Source& source, Rows& rows) {
     RecordValue record;
     AdtInit(record.get(), rows.shape(), KindRecord);
     XbaseRow filling(file, record.get());
-    if (!rows.beginBatch()) return rowProblem(source, 0, takeError());
+    if (!rows.beginBatch()) return rowProblem(source, 0, TakeError());
     Steps steps(file.rows() * file.header().recordSize);
     std::string_view row;
     file.goToFirst(std::min<std::int64_t>(file.rows(), mostRows(source)));
@@ -105,14 +100,14 @@ Problem loadXbase(const Source& source, Rows& rows) {
         const std::int32_t field = filling.fill(row);
         if (field != 0)
             problem = {fileWord(source.file) + "row " + std::to_string(number) + ", field " +
-                           std::to_string(field) + " cannot be read: " + ErrorMessage(takeError()) + ".",
+                           std::to_string(field) + " cannot be read: " + ErrorMessage(TakeError()) + ".",
                        "The declaration must fit the fields; --text takes every column as text."};
         else if (!rows.add(record.get()))
-            problem = rowProblem(source, number, takeError());
+            problem = rowProblem(source, number, TakeError());
     }
     if (!problem.any() && file.error() != os::FileError::None)
         problem = unreadable(source.file, file.error());
-    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, takeError());
+    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, TakeError());
 }
 
 // ---- table files ----
@@ -130,7 +125,7 @@ Problem openTable(const Source& source, std::string_view columns, Rows& rows) {
     const bool opened =
         makeFileTable(shown, {}, rows.table) && OpenRows(*TableRows(rows.table.get()), name, {}, created);
     rows.table.get()->count = rows.count();
-    return opened ? Problem() : rowProblem(source, 0, takeError());
+    return opened ? Problem() : rowProblem(source, 0, TakeError());
 }
 
 // Characters become a text without the blanks that fill them up; other fields stay what they are.
@@ -161,7 +156,7 @@ Problem copyRows(const Source& source, Rows& from, Rows& rows) {
             copyField(RecordFieldAddress(row, n), FieldKindAt(row->kinds, n),
                       RecordFieldAddress(record.get(), n), FieldKindAt(record.get()->kinds, n));
         const bool copied = row != nullptr && ErrorCell() == 0 && rows.add(record.get());
-        if (!copied) return rowProblem(source, i, takeError());
+        if (!copied) return rowProblem(source, i, TakeError());
     }
     return {};
 }
@@ -181,12 +176,12 @@ Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
     const bool whole = same && !source.willChange && source.options.maxdatarows < 0;
     Problem problem = openTable(source, same ? columns : source.type.columns, whole ? rows : inPlace);
     if (problem.any()) return problem;
-    if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, takeError());
+    if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, TakeError());
     problem = fitsMemory(source.rowsSeen) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
-    if (!problem.any() && !rows.beginBatch()) problem = rowProblem(source, 0, takeError());
-    if (!problem.any() && !inPlace.beginBatch()) problem = rowProblem(source, 0, takeError());
+    if (!problem.any() && !rows.beginBatch()) problem = rowProblem(source, 0, TakeError());
+    if (!problem.any() && !inPlace.beginBatch()) problem = rowProblem(source, 0, TakeError());
     if (!problem.any()) problem = copyRows(source, inPlace, rows);
-    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, takeError());
+    return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, TakeError());
 }
 
 }  // namespace tarn::datatool

@@ -10,6 +10,7 @@
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file.h"
+#include "support/errorcell.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"
@@ -36,11 +37,6 @@ protected:
         EXPECT_EQ(takeError(), 0);
         EXPECT_EQ(files().openHandles(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
 
     // ---- the disk ----

@@ -7,6 +7,7 @@
 #include "kernel/index/index_filelayout.h"
 #include "kernel/index/indexes.h"
 #include "kernel/run/errors.h"
+#include "support/errorcell.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"
@@ -27,11 +28,6 @@ protected:
         EXPECT_EQ(disk.openHandles(), 0);
         EXPECT_EQ(takeError(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
 
     // An empty index for keys like `like`.

@@ -9,6 +9,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"
 #include "kernel/values/records.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <gtest/gtest.h>
@@ -31,11 +32,6 @@ protected:
         FailAllocation(-1);
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
 
     static String fixedString(std::int32_t capacity, std::string_view text = {}) {

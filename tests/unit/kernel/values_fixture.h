@@ -5,6 +5,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/values/adt.h"
+#include "support/errorcell.h"
 #include "support/value_model.h"
 #include "unit/kernel/runtime_fixture.h"
 
@@ -23,11 +24,6 @@ protected:
         FailAllocation(-1);
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
 };
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "kernel/data/xbase/xbase.h"
+#include "support/errorcell.h"
 #include "unit/kernel/tab_fixture.h"
 
 #include <cstdint>
@@ -69,11 +70,6 @@ protected:
     static std::string messageOf(const std::string& bytes) {
         XbaseHeader header;
         return XbaseDecodeHeader(bytes, header);
-    }
-    std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
 };
 

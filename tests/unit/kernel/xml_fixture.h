@@ -16,6 +16,7 @@
 #include "kernel/values/records.h"
 #include "kernel/values/sets.h"
 #include "kernel/values/strings.h"
+#include "support/errorcell.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"
 
@@ -211,11 +212,6 @@ protected:
     std::string bound(std::string_view declaration, const std::string& text) {
         AnyValue value(declaration);
         return bound(value, text);
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
 
     os::SteeredFiles disk;

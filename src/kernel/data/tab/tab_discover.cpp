@@ -6,6 +6,7 @@
 #include "kernel/data/tab/tab_rows.h"
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/value_line.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 
 #include <algorithm>
@@ -271,7 +272,7 @@ TabStructure discover(const std::string& filename, const DataOptions& options, s
 }  // namespace
 
 TabStructure TabDiscover(const std::string& filename, const DataOptions& options, std::int32_t typeTextSize) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return discover(filename, options, typeTextSize);
     } catch (const std::bad_alloc&) {

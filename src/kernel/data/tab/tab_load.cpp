@@ -2,6 +2,7 @@
 #include "kernel/data/rowloading.h"
 #include "kernel/data/tab/tab_fields.h"
 #include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/string_text.h"
 #include "kernel/values/strings.h"
@@ -41,7 +42,7 @@ private:
             end = std::min(bytes.find('\n', end), bytes.size() - 1) + 1;
         StringAssignView(&text, std::string_view(bytes).substr(0, end));
         result_.rows = row_;
-        note(TakeCellError());
+        note(TakeError());
     }
 
     TabReader& rows_;
@@ -61,7 +62,7 @@ DataResult load(const std::string& filename, const DataOptions& options, void* v
 }  // namespace
 
 DataResult TabLoad(const std::string& filename, const DataOptions& options, void* value, Kind kind) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return load(filename, options, value, kind);
     } catch (const std::bad_alloc&) {

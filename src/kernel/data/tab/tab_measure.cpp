@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ private:
 }  // namespace
 
 TabExtent TabMeasure(const std::string& filename, const DataOptions& options) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         TabReader rows;
         const std::int32_t code = rows.open(filename, options);

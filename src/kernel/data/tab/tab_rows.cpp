@@ -38,13 +38,6 @@ bool isBlank(char c) {
 
 }  // namespace
 
-CellApart::CellApart() : before_(tarn_error_cell) {
-    tarn_error_cell = 0;
-}
-CellApart::~CellApart() {
-    tarn_error_cell = before_;
-}
-
 // ---- the file ----
 
 TabFile::~TabFile() {

@@ -12,14 +12,12 @@
 #pragma once
 
 #include "kernel/data/tab/tabular.h"
-#include "kernel/run/runtime.h"
 #include "os/files.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace tarn {
@@ -29,22 +27,6 @@ constexpr bool IsTabSeparator(std::int32_t code) {
     return code >= 1 && code <= 255 && code != '\n' && code != '"';
 }
 inline constexpr std::int32_t NoTabSeparator = -1;  // every line is one cell, and quotes are characters
-
-// The error cell is clear for the lifetime of this, and then as it was before.
-class CellApart {
-public:
-    CellApart();
-    ~CellApart();
-    CellApart(const CellApart&) = delete;
-    CellApart& operator=(const CellApart&) = delete;
-
-private:
-    std::int32_t before_;
-};
-// What an operation left in the cell, which is clear then.
-inline std::int32_t TakeCellError() {
-    return std::exchange(tarn_error_cell, 0);
-}
 
 // A file that is open for reading.
 class TabFile {

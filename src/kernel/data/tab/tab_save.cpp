@@ -5,6 +5,7 @@
 #include "kernel/data/tab/tab_fields.h"
 #include "kernel/data/tab/tab_rows.h"
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/table_access.h"
@@ -235,7 +236,7 @@ std::string NarrowTabText(const StringDescriptor* s) {
 
 DataResult TabSave(const std::string& filename, const DataOptions& options, const void* value, Kind kind,
                    std::string_view names) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return save(filename, options, value, kind, names);
     } catch (const std::bad_alloc&) {

@@ -2,6 +2,7 @@
 //
 // The cells of a file one by one, for those who look at all of them and keep none.
 #include "kernel/data/tab/tab_rows.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 
 #include <new>
@@ -35,7 +36,7 @@ DataResult visitCells(const std::string& filename, const DataOptions& options, c
 }  // namespace
 
 DataResult TabVisitCells(const std::string& filename, const DataOptions& options, const TabVisitor& visit) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return visitCells(filename, options, visit);
     } catch (const std::bad_alloc&) {

@@ -5,6 +5,7 @@
 // is left as it was.
 #include "kernel/data/typeinfo/typeinfo_text_internal.h"
 
+#include "kernel/run/errorcell.h"
 #include "kernel/run/runtime.h"
 #include "kernel/text/dates.h"
 #include "kernel/text/fixed.h"
@@ -18,17 +19,6 @@ namespace tarn {
 using namespace typeinfo;
 
 namespace {
-
-class KeepErrorCell {
-public:
-    KeepErrorCell() = default;
-    ~KeepErrorCell() { tarn_error_cell = before_; }
-    KeepErrorCell(const KeepErrorCell&) = delete;
-    KeepErrorCell& operator=(const KeepErrorCell&) = delete;
-
-private:
-    std::int32_t before_ = ErrorCell();
-};
 
 std::string_view withoutSpaceBefore(std::string_view value) {
     const std::size_t start = value.find_first_not_of("\t\n\r ");
@@ -127,7 +117,7 @@ std::int32_t lengthOf(std::string_view value) {
 }  // namespace
 
 ValueGuess TypeInfoGuessValue(std::string_view value, std::string_view nullWord) {
-    const KeepErrorCell keep;
+    const ErrorCellAside aside;
     const std::string_view shown = withoutSpaceBefore(value);
     if (shown.empty()) return {};
     if (!nullWord.empty() && equalWords(shown.substr(0, nullWord.size()), nullWord)) return {};

@@ -5,6 +5,7 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/xbase/xbase_access_internal.h"
 #include "kernel/lists/lists.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/run/progress.h"
@@ -103,7 +104,7 @@ private:
 
     std::int32_t fill(std::string_view row, void* value, Kind kind) override {
         const XbaseFault fault = XbaseReadRow(row, header_, value, kind, marked_);
-        const std::int32_t code = TakeCellError();
+        const std::int32_t code = TakeError();
         return IsMemoryError(code) ? code : fault.errorCode;
     }
 
@@ -119,7 +120,7 @@ private:
             if (WithoutXbaseFill(text).empty()) continue;
             const bool number = ReadXbaseNumber(text, reinterpret_cast<char*>(&member), KindInteger);
             if (number) SetInclude(member, &set);
-            const std::int32_t code = TakeCellError();
+            const std::int32_t code = TakeError();
             const bool included = number && code == 0;
             if (!included) note(IsMemoryError(code) ? code : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE});
         }
@@ -141,7 +142,7 @@ private:
         }
         result_.rows = row_;
         StringAssignView(&text, lines);
-        const std::int32_t code = TakeCellError();
+        const std::int32_t code = TakeError();
         note(code == ERR_FIXED_STRING ? std::int32_t{ERR_COMPONENT_UNREPRESENTABLE} : code);
     }
 
@@ -198,7 +199,7 @@ std::string XbaseDeclarationOf(const void* value, Kind kind, std::string_view ty
 
 DataResult XbaseLoad(const std::string& filename, void* value, Kind kind, std::string& message,
                      std::int32_t mostRows, std::string_view typeText) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     message.clear();
     try {
         return load(filename, mostRows, value, kind, typeText, message);

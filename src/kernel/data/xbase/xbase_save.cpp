@@ -4,6 +4,7 @@
 #include "kernel/data/tab/tab_fields.h"
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/xbase/xbase_access_internal.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/filevalues.h"
@@ -53,7 +54,7 @@ struct Fields {
 // Of a value that is held in an Xbase file: those of that file.
 std::int32_t attachedFields(const void* value, Kind kind, Fields& fields) {
     const std::string message = XbaseReadHeader(FileNameOf(value, kind), fields.header);
-    const std::int32_t code = TakeCellError();
+    const std::int32_t code = TakeError();
     if (!message.empty()) return code != 0 ? code : std::int32_t{ERR_FILE_NOT_OPEN};
     fields.bytes = XbaseHeaderBytes(fields.header, 0);
     fields.marked = true;
@@ -129,7 +130,7 @@ private:
         ElementSource elements(value, kind);
         for (std::int32_t i = 0; i < elements.count() && goesOn(); ++i) {
             const void* const element = elements.at(i);
-            if (element == nullptr) return finishRow(TakeCellError());
+            if (element == nullptr) return finishRow(TakeError());
             put(element, elements.kind());
         }
     }
@@ -177,7 +178,7 @@ DataResult save(const std::string& filename, const void* value, Kind kind, std::
 }  // namespace
 
 DataResult XbaseSave(const std::string& filename, const void* value, Kind kind, std::string_view typeText) {
-    const CellApart cell;
+    const ErrorCellAside aside;
     try {
         return save(filename, value, kind, typeText);
     } catch (const std::bad_alloc&) {

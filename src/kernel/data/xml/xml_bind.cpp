@@ -189,7 +189,7 @@ bool isOutside(std::int32_t code) {
 void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text) {
     if (target.kind != KindString) text = XmlTrimmed(text);
     const bool bound = textBinders[target.kind](target.value, text);
-    const std::int32_t code = XmlTakeCellError();
+    const std::int32_t code = TakeError();
     if (!bound)
         XmlReport(reader, AdtConversionError(target.kind), complaintOf(target));
     else if (code != 0)
@@ -208,7 +208,7 @@ bool XmlChildren::makeScratch(const void* like, Kind kind) {
         failed_ = AdtTypeError(target_.kind);
     else if (IsAdtKind(kind))
         AdtInit(bytes_, like, kind);
-    if (failed_ == 0) failed_ = XmlTakeCellError();
+    if (failed_ == 0) failed_ = TakeError();
     if (failed_ != 0) return false;
     scratchKind_ = kind;
     holdsTexts_ = kind == KindRecord && areTexts(reinterpret_cast<RecordDescriptor*>(bytes_)->kinds);
@@ -229,7 +229,7 @@ XmlTarget XmlChildren::listSlot() {
     if (isListInFile())
         return makeScratch(At(list->prototype), ListElementKind(list)) ? scratch() : XmlTarget{};
     void* const slot = ListAppendEmpty(list);
-    failed_ = XmlTakeCellError();
+    failed_ = TakeError();
     if (slot == nullptr) return {};
     return {slot, ListElementKind(list)};
 }
@@ -328,7 +328,7 @@ bool XmlChildren::extend(const Subscripts& at, std::int32_t dimensions) {
         }
     }
     if (!fits && !redim(roomy)) {
-        XmlTakeCellError();
+        TakeError();
         if (!redim(needed)) return false;
     }
     std::copy(std::begin(needed), std::end(needed), used_);
@@ -343,11 +343,11 @@ std::int32_t XmlChildren::addToArray(std::int32_t n, std::string_view index) {
         nthElement(n, at, dimensions);
     else if (!readIndex(index, at, dimensions))
         return ERR_ARRAY_BOUNDS;
-    if (isGrowable(*array) && !extend(at, dimensions)) return XmlTakeCellError();
+    if (isGrowable(*array) && !extend(at, dimensions)) return TakeError();
     char* const element = static_cast<char*>(elementAt(array, at, dimensions));
     // What was there goes with the scratch value.
     if (element != nullptr) std::swap_ranges(element, element + KindSize[scratchKind_], bytes_);
-    return XmlTakeCellError();
+    return TakeError();
 }
 
 // ---- adding ----
@@ -382,14 +382,14 @@ void XmlChildren::add(std::int32_t n, std::string_view parent, std::string_view 
             code = addToArray(n, index);
         } else if (target_.kind == KindList) {
             ListAppend(bytes_, scratchKind_, static_cast<ListDescriptor*>(target_.value));
-            code = XmlTakeCellError();
+            code = TakeError();
         } else {
             auto* table = static_cast<TableDescriptor*>(target_.value);
             TableAdd(table, std::min(TableIndexCount(table), 1), reinterpret_cast<RecordDescriptor*>(bytes_));
-            code = XmlTakeCellError();
+            code = TakeError();
         }
         clearScratch();
-        if (code == 0) code = XmlTakeCellError();
+        if (code == 0) code = TakeError();
     }
     if (code != 0) report(code, n, parent, child);
 }
@@ -403,7 +403,7 @@ void XmlChildren::finish() {
         redim(used_);
         break;
     }
-    const std::int32_t code = XmlTakeCellError();
+    const std::int32_t code = TakeError();
     if (code != 0) XmlReport(reader_, code, ErrorText(code));
 }
 

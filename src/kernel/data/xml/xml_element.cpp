@@ -210,7 +210,7 @@ void XmlGivenFields::giveWay(XmlReader& reader) {
     if (count == 0) return;
     count = 0;
     AdtClear(target.value, target.kind);
-    XmlTakeCellError();
+    TakeError();
     if (failed) reader.error = {};
 }
 

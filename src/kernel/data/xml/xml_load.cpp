@@ -49,11 +49,11 @@ public:
     void add(const RecordDescriptor* row, ErrorRecord& error) {
         auto* const table = static_cast<TableDescriptor*>(fresh_.get());
         TableAdd(table, TableIndexCount(table) > 0 ? 1 : 0, row);
-        note(error, XmlTakeCellError());
+        note(error, TakeError());
     }
     void takePlace(ErrorRecord& error) {
         const bool whole = KindOf(fresh_.get()) == KindTable && !IsFileFailure(error.code);
-        if (whole && !fresh_.replaceTarget()) error = XmlFailure(XmlTakeCellError());
+        if (whole && !fresh_.replaceTarget()) error = XmlFailure(TakeError());
     }
 
 private:
@@ -73,7 +73,7 @@ XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* tab
     RecordValue row;
     XmlReadResult result;
     AdtInit(row.get(), rowShape(table), KindRecord);
-    note(result.error, XmlTakeCellError());
+    note(result.error, TakeError());
     if (result.error.code != 0) return result;
     result = ReadXml(filename, row.get(), KindRecord, nullptr, 0);
     if (result.stopped) return result;
@@ -122,7 +122,7 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     FreshValue made(table, KindTable);
     auto* const fresh = static_cast<TableDescriptor*>(made.get());
     XmlReadResult result;
-    note(result.error, XmlTakeCellError());
+    note(result.error, TakeError());
     if (result.error.code != 0) return result;
     result = ReadXml(filename, fresh, KindTable, nullptr, 0);
     if (IsFileFailure(result.error.code) || result.stopped) return result;
@@ -134,7 +134,7 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
     if (result.lost.code != 0 && nothingElse) result.error = result.lost;
     const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
     if (!failed && !result.stopped && result.lost.code == 0 && !made.replaceTarget())
-        result.error = XmlFailure(XmlTakeCellError());
+        result.error = XmlFailure(TakeError());
     if (result.error.code == ERR_DUPLICATE_FIELDS) {
         result.error.code = ERR_UNIQUE_INDEX;
         result.error.message = ErrorText(ERR_UNIQUE_INDEX);
@@ -151,7 +151,7 @@ XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
         return result;
     }
-    const XmlCellAside aside;
+    const ErrorCellAside aside;
     const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsUnopened(value, kind);
     XmlReadResult read = table ? loadTable(filename, static_cast<TableDescriptor*>(value))
                                : ReadXml(filename, value, kind, nullptr, 0);

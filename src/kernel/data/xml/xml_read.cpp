@@ -164,13 +164,13 @@ XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std
                         std::int32_t typeTextSize, XmlTableForm form) {
     FreshValue fresh(value, kind);
     XmlReadResult result;
-    std::int32_t code = XmlTakeCellError();
+    std::int32_t code = TakeError();
     if (code == 0) {
         result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize, form);
         const bool whole = ScannerFileError() == os::FileError::None && !result.stopped;
         const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
         const bool otherForm = form != XmlTableForm::Rows && result.lost.code != 0;
-        if (whole && !failed && !otherForm && !fresh.replaceTarget()) code = XmlTakeCellError();
+        if (whole && !failed && !otherForm && !fresh.replaceTarget()) code = TakeError();
     }
     if (code != 0) result.error = XmlFailure(code);
     return result;
@@ -214,7 +214,7 @@ void XmlReportSymbol(XmlReader& reader) {
     SetValue none;
     SetInit(none.get(), 0, MaxSymbols);
     ScannerCheckSymbol(&reader.tables.symbols, ScannerSymbol(), none.get(), reader.error);
-    XmlTakeCellError();
+    TakeError();
 }
 
 bool XmlExpect(XmlReader& reader, std::int32_t symbol) {
@@ -250,7 +250,7 @@ XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::
     XmlReadResult result;
     if (typeText != nullptr) typeText->clear();
     if (filename.empty()) return result;
-    const XmlCellAside aside;
+    const ErrorCellAside aside;
     if (value != nullptr && !IsValueKind(kind)) {
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
     } else if (XmlIsUnopened(value, kind)) {

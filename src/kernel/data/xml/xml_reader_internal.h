@@ -13,8 +13,8 @@
 #include "kernel/data/scanner/scanner_bytes.h"
 #include "kernel/data/xml/xml.h"
 #include "kernel/data/xml/xml_entities.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/progress.h"
-#include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"
 #include "kernel/values/records.h"
 
@@ -36,18 +36,6 @@ inline constexpr std::int32_t MaxXmlText = 32768;
 inline constexpr std::int32_t MaxXmlTypeText = 32768;
 // Elements inside one another; more would be too many for the text of their types as well.
 inline constexpr std::int32_t MaxXmlDepth = 250;
-
-// Puts the error cell aside, so that what is found in it comes from the operation that goes on.
-class XmlCellAside {
-public:
-    XmlCellAside() : pending_(ErrorCell()) { tarn_error_cell = 0; }
-    ~XmlCellAside() { tarn_error_cell = pending_; }
-    XmlCellAside(const XmlCellAside&) = delete;
-    XmlCellAside& operator=(const XmlCellAside&) = delete;
-
-private:
-    std::int32_t pending_;
-};
 
 // ---- the state of a read ----
 
@@ -160,12 +148,6 @@ ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
 // What an element holds has no place in the value. That is no error of the read, but a table may be read in
 // another form.
 void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element);
-// Moves the error of an operation on a value from the cell; 0 for none.
-inline std::int32_t XmlTakeCellError() {
-    const std::int32_t code = ErrorCell();
-    if (code != 0) tarn_error_cell = 0;
-    return code;
-}
 // What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
 void XmlNoteFinding(XmlReader& reader, ScanStatus status);
 inline void XmlNoteStatus(XmlReader& reader, ScanStatus status) {

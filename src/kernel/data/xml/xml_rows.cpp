@@ -29,7 +29,7 @@ public:
     [[nodiscard]] void* field() { return RecordFieldAddress(record_.get(), 1); }
     void addTo(TableDescriptor* table, XmlResult& result) {
         TableAdd(table, 0, record_.get());
-        note(result, XmlTakeCellError());
+        note(result, TakeError());
         result.count = TableCount(table);
     }
 
@@ -58,7 +58,7 @@ XmlResult loadValues(const std::string& filename, TableDescriptor* table) {
 XmlResult loadSingle(const std::string& filename, TableDescriptor* table) {
     XmlResult result;
     Row row(table);
-    note(result, XmlTakeCellError());
+    note(result, TakeError());
     if (result.error.code != 0) return result;
     XmlReadResult read = ReadXml(filename, row.get(), KindRecord, nullptr, 0);
     if (read.lost.code != 0 && FieldCountOf(row.get()->kinds) == 1)
@@ -81,7 +81,7 @@ XmlRows XmlRowsOf(std::string_view structure) {
 }
 
 XmlResult XmlLoadRows(const std::string& filename, XmlRows::Form form, TableDescriptor* table) {
-    const XmlCellAside aside;
+    const ErrorCellAside aside;
     switch (form) {
     case XmlRows::Form::Values: return loadValues(filename, table);
     case XmlRows::Form::Single: return loadSingle(filename, table);

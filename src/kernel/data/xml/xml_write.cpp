@@ -152,7 +152,7 @@ private:
         }
         String text;
         SetToText(static_cast<const SetDescriptor*>(value), true, text.get());
-        fail(XmlTakeCellError());
+        fail(TakeError());
         appendString(out_, text.get());
     }
 
@@ -252,7 +252,7 @@ private:
         ElementSource elements(l, KindList);
         for (std::int32_t i = 0; i < l->count && !ended(); ++i) {
             const void* const element = elements.at(i);
-            if (element == nullptr) return fail(XmlTakeCellError());
+            if (element == nullptr) return fail(TakeError());
             child(item, {element, elements.kind(), childName, {}, item.depth + 1, names}, l->count);
         }
     }
@@ -285,19 +285,19 @@ private:
         }
         for (std::int32_t i = 1; i <= rows->count && !ended(); ++i) {
             const void* const row = indexed && !hit.found ? nullptr : ListRef(rows, indexed ? hit.row : i);
-            fail(XmlTakeCellError());
+            fail(TakeError());
             if (row == nullptr) return fail(ERR_INDEX_TYPE);
             child(item, {row, KindRecord, childName, {}, item.depth + 1, &names}, rows->count);
             if (indexed) hit = IndexFind("GT", TableRoot(t, 1), {}, key.get(), key.get());
         }
-        fail(XmlTakeCellError());
+        fail(TakeError());
     }
 
     void fileRows(const Item& item, const ListDescriptor& rows, const XmlNames& names) {
         ElementSource elements(&rows, KindList);
         for (std::int32_t i = 0; i < rows.count && !ended(); ++i) {
             const void* const row = elements.at(i);
-            if (row == nullptr) return fail(XmlTakeCellError());
+            if (row == nullptr) return fail(TakeError());
             child(item, {row, KindRecord, childName, {}, item.depth + 1, &names}, rows.count);
         }
     }
@@ -311,7 +311,7 @@ private:
             TableKeyFromRow(&t, 1, row.get(), key.get());
             TableFind("GT", &t, 1, key.get(), row.get(), found);
         }
-        fail(XmlTakeCellError());
+        fail(TakeError());
     }
 
     bool fieldAttributes_;
@@ -332,7 +332,7 @@ XmlResult XmlSave(const std::string& filename, std::int32_t options, const void*
     if (filename.empty() || value == nullptr || !IsValueKind(kind)) {
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
     } else {
-        const XmlCellAside aside;
+        const ErrorCellAside aside;
         try {
             result = Writer(filename, options).write(value, kind, names);
         } catch (const std::bad_alloc&) {

@@ -4,6 +4,7 @@
 // kernel can set up is here.
 #include "kernel/api/api.h"
 #include "kernel/values/strings.h"
+#include "support/errorcell.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/runtime_fixture.h"
 
@@ -39,11 +40,6 @@ protected:
         CharacterWidth = 1;
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     static tarn_string* in(String& s) { return reinterpret_cast<tarn_string*>(s.get()); }
     static const tarn_string* in(const String& s) { return reinterpret_cast<const tarn_string*>(s.get()); }

@@ -3,6 +3,7 @@
 
 #include "kernel/index/index_nodes.h"
 #include "kernel/run/errors.h"
+#include "support/errorcell.h"
 #include "unit/kernel/index_model.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"
@@ -29,11 +30,6 @@ protected:
         if (root.tag == TagRecord) IndexClear(&root, memory);
         EXPECT_EQ(takeError(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     std::int32_t insert(const Cells& key, std::int32_t row) {
         return IndexInsert(&root, memory, recordOf(key).get(), row);

@@ -5,6 +5,7 @@
 #include "kernel/data/datafile.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file.h"
+#include "support/errorcell.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/filelists_fixture.h"
 #include "unit/kernel/filetables_fixture.h"
@@ -32,11 +33,6 @@ protected:
         std::ofstream(path).close();
         std::filesystem::resize_file(path, static_cast<std::uintmax_t>(bytes));
         return path;
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     TempFolder folder_;
 };

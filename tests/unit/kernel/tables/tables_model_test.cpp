@@ -4,6 +4,7 @@
 // everything by looking at all of them or in one map for each index.
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_model.h"
 
@@ -61,11 +62,6 @@ protected:
     void TearDown() override {
         table = TableValue();
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     // A key that is there, or one that most likely is not.
     static Cells pickKey(const TableModel& model, int index, std::mt19937& random) {

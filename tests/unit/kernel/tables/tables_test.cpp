@@ -3,6 +3,7 @@
 
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"
 
@@ -27,11 +28,6 @@ protected:
         table = TableValue();
         EXPECT_EQ(takeError(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     void make(const KeyMaps& maps, std::int32_t maxlength = UNBOUNDED, const Cells& like = row(0, "")) {
         table = TableValue();

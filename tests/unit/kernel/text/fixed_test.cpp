@@ -2,6 +2,7 @@
 #include "kernel/text/fixed.h"
 
 #include "kernel/text/numbers.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <cmath>
@@ -19,11 +20,6 @@ protected:
     void TearDown() override {
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     static Fixed mul(Fixed a, Fixed b) {
         Fixed r = 77;

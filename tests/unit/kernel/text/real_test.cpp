@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/text/fixed.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <bit>
@@ -21,11 +22,6 @@ protected:
     void TearDown() override {
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     // The number that a text holds; `none` for a text that holds none.
     static constexpr double none = 7777777;

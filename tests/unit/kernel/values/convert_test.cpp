@@ -3,6 +3,7 @@
 
 #include "kernel/text/fixed.h"
 #include "kernel/values/strings.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <cmath>
@@ -34,11 +35,6 @@ protected:
         CharacterWidth = 1;
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     // One conversion between numbers, at addresses of no alignment; the target holds 77 before.
     template <Kind from, Kind to>

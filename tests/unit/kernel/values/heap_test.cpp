@@ -3,6 +3,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
+#include "support/errorcell.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -26,11 +27,6 @@ protected:
         EXPECT_EQ(LiveBlocks(), 0);
         ClearError();
         SetMemoryChecking(false);
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     static Offset make(std::int32_t size) {
         Offset block = 0;

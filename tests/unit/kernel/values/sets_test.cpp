@@ -4,6 +4,7 @@
 #include "kernel/run/errors.h"
 #include "kernel/values/adt.h"
 #include "kernel/values/adt_kinds.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <cstring>
@@ -29,11 +30,6 @@ protected:
         EXPECT_EQ(ErrorCell(), 0);
         EXPECT_EQ(LiveBlocks(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     static SetValue dynamic(std::string_view members = "[]") { return made(UNBOUNDED, UNBOUNDED, members); }
     static SetValue fixed(std::int32_t lower, std::int32_t upper, std::string_view members = "[]") {

@@ -3,6 +3,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
+#include "support/errorcell.h"
 
 #include <cstring>
 #include <functional>
@@ -30,11 +31,6 @@ protected:
         EXPECT_EQ(LiveBlocks(), 0);
         SetMemoryChecking(false);
         ClearError();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     static String fixed(std::int32_t capacity, std::string_view text) {
         String s(capacity);

@@ -7,6 +7,7 @@
 #include "kernel/values/strings.h"
 #include "library/data/dbutil.h"
 #include "library/system/system.h"
+#include "support/errorcell.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 
@@ -23,11 +24,6 @@ protected:
     void TearDown() override {
         EXPECT_EQ(ErrorCell(), 0);
         EXPECT_EQ(files_.openHandles(), 0);
-    }
-    static std::int32_t takeError() {
-        const std::int32_t code = ErrorCell();
-        ClearError();
-        return code;
     }
     // Header rows and separator, with "|" between.
     std::string details(std::string_view text) {

@@ -11,6 +11,7 @@
 #include "kernel/values/strings.h"
 #include "library/data/dbutil.h"
 #include "library/system/system.h"
+#include "support/errorcell.h"
 #include "support/steerable.h"
 
 #include <gtest/gtest.h>
@@ -47,11 +48,6 @@ protected:
         table_ = TableValue();
         EXPECT_EQ(ErrorCell(), 0);
         EXPECT_EQ(files_.openHandles(), 0);
-    }
-    static std::int32_t takeError() {
-        const std::int32_t code = ErrorCell();
-        ClearError();
-        return code;
     }
     // A table in a file, of rows of these columns, with an index on the first unless `keyMap` is 0.
     TableDescriptor* make(const std::string& columns, std::int32_t keyMap = MakeKeyMap(1),

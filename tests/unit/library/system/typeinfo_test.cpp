@@ -5,6 +5,7 @@
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
 #include "library/system/system.h"
+#include "support/errorcell.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -45,11 +46,6 @@ protected:
         EXPECT_EQ(ErrorCell(), 0);
         EXPECT_EQ(LiveBlocks(), 0);
         ClearError();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     static std::string fixed(std::string_view text) { return TYPEINFOFIXIDENTIFIERS(text, 40); }
 

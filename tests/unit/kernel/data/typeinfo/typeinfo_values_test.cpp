@@ -7,6 +7,7 @@
 #include "kernel/values/arrays.h"
 #include "kernel/values/records.h"
 #include "kernel/values/sets.h"
+#include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <cstring>
@@ -31,11 +32,6 @@ protected:
         FailAllocation(-1);
         EXPECT_EQ(ErrorCell(), 0);
         Runtime::TearDown();
-    }
-    static std::int32_t takeError() {
-        const std::int32_t error = ErrorCell();
-        ClearError();
-        return error;
     }
     // Builds the value of the first element and frees it again.
     struct Built {
