@@ -53,6 +53,11 @@ inline std::string folderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+// The folder part with its "/"; "" if there is none.
+inline std::string folderPart(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);  // npos + 1 is 0
+}
+
 inline std::string nameOf(const std::string& path) {
     const auto slash = path.rfind('/');
     return slash == std::string::npos ? path : path.substr(slash + 1);

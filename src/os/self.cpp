@@ -104,8 +104,7 @@ std::string executablePath() {
 }
 
 std::string executableFolder() {
-    const std::string path = executablePath();
-    return path.substr(0, path.rfind('/') + 1);
+    return folderPart(executablePath());
 }
 
 std::string environment(const char* name) {

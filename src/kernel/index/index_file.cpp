@@ -9,6 +9,7 @@
 #include "kernel/run/fileerrors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/text/numbers.h"
+#include "os/paths.h"
 
 #include <charconv>
 #include <cstring>
@@ -24,15 +25,10 @@ bool fail(std::int32_t code) {
     return false;
 }
 
-std::string_view fileNameOf(std::string_view path) {
-    const std::size_t separator = path.find_last_of("/\\");
-    return separator == std::string_view::npos ? path : path.substr(separator + 1);
-}
-
 // The name as it stands in the header, with the zeros behind it.
 void putTableName(char* at, std::string_view tableFile) {
     std::memset(at, 0, MaxIndexTableName + 1);
-    fileNameOf(tableFile).copy(at, MaxIndexTableName);
+    paths::fileName(tableFile).copy(at, MaxIndexTableName);
 }
 
 std::string_view wholeLines(std::string_view text) {
@@ -122,7 +118,7 @@ namespace {
 std::string shortened(std::string path, std::size_t last) {
     constexpr std::size_t longest = 255, sumDigits = 8;
     constexpr int base = 16;
-    const std::string_view name = fileNameOf(path);
+    const std::string_view name = paths::fileName(path);
     if (name.size() <= longest) return path;
     char sum[sumDigits];
     const auto written = std::to_chars(sum, sum + sumDigits, Crc32(name.data(), name.size()), base);
@@ -134,11 +130,8 @@ std::string shortened(std::string path, std::size_t last) {
 }  // namespace
 
 std::string IndexFileName(std::string_view tableFile, std::int32_t index) {
-    const std::string_view name = fileNameOf(tableFile);
-    const std::size_t folder = tableFile.size() - name.size(), point = name.rfind('.');
-    const bool scratch = IsScratchName(name);
-    std::string path(
-        tableFile.substr(0, scratch || point == std::string_view::npos ? tableFile.size() : folder + point));
+    const bool scratch = IsScratchName(tableFile);
+    std::string path(scratch ? tableFile : paths::withoutExtension(tableFile));
     if (!scratch) path += ".i";
     path += static_cast<char>('0' + index);
     return path;

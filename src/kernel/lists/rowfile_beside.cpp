@@ -6,6 +6,7 @@
 #include "kernel/lists/rowfile_names.h"
 #include "kernel/run/fileerrors.h"
 #include "os/clock.h"
+#include "os/paths.h"
 
 #include <algorithm>
 #include <charconv>
@@ -17,10 +18,6 @@ namespace {
 
 constexpr os::FileError noError = os::FileError::None;
 
-std::string folderPart(const std::string& path) {
-    return path.substr(0, path.find_last_of("/\\") + 1);  // with the separator
-}
-
 // What a link stands for; any other path as it is.
 os::FileError followLink(const std::string& path, std::string& target) {
     std::string folder;
@@ -28,7 +25,7 @@ os::FileError followLink(const std::string& path, std::string& target) {
     if (error == noError) error = os::files().resolve(FolderOfFile(path), folder);
     if (error != noError) return error;
     if (folder.back() != '/') folder += '/';
-    if (target == folder + path.substr(folderPart(path).size())) target = path;
+    if (target == folder + std::string(paths::fileName(path))) target = path;
     return noError;
 }
 
@@ -70,7 +67,7 @@ os::FileError syncRows(const std::string& name) {
 }  // namespace
 
 std::string FolderOfFile(const std::string& path) {
-    std::string folder = folderPart(path);
+    std::string folder(paths::folder(path));
     return folder.empty() ? "." : folder;
 }
 
@@ -98,8 +95,8 @@ os::FileError MakeFileBeside(const std::string& path, NewFile& made) {
         char digits[32];
         const std::int64_t number = (os::clock().now() / names + ++count) % names;
         const char* const end = std::to_chars(digits, digits + sizeof digits, number, base).ptr;
-        std::string name = folderPart(path) + ".tarnwick-";
-        name.append(digits, static_cast<std::size_t>(end - digits)).append(ExtensionOf(path));
+        std::string name = std::string(paths::folder(path)) + ".tarnwick-";
+        name.append(digits, static_cast<std::size_t>(end - digits)).append(paths::extension(path));
         error = os::files().open(name, os::OpenMode::CreateNew, NewFile::usualMode, made.handle);
         if (error == noError) made.path = std::move(name);
     }

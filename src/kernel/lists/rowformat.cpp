@@ -2,6 +2,7 @@
 #include "kernel/lists/rowformat.h"
 
 #include "kernel/lists/packing.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 
 #include <cstring>
@@ -9,17 +10,6 @@
 namespace tarn {
 
 // ---- names ----
-
-namespace {
-
-constexpr std::string_view separators = "/\\";
-
-std::string_view filePart(std::string_view name) {
-    const std::size_t end = name.find_last_of(separators);
-    return end == std::string_view::npos ? name : name.substr(end + 1);
-}
-
-}  // namespace
 
 std::string_view RowFileName(const ListDescriptor& l) {
     if (!IsHeldInFile(l) || l.data == 0 || l.size != FileNameBytes) return {};
@@ -35,7 +25,7 @@ void SetRowFileName(ListDescriptor& l, std::string_view name) {
 
 bool AcceptFileName(std::string_view name) {
     if (name.empty()) return RefuseList(ERR_FILE_NOT_OPEN);
-    const std::string_view file = filePart(name);
+    const std::string_view file = paths::fileName(name);
     const bool drive = name.size() == 2 && name[1] == ':' && ascii::isLetter(name[0]);
     const bool good = !drive && name.size() < std::size_t{FileNameBytes} &&
                       name.find('\0') == std::string_view::npos && !file.empty() && file != "." &&
@@ -43,20 +33,14 @@ bool AcceptFileName(std::string_view name) {
     return good || RefuseList(ERR_FILE_NAME);
 }
 
-std::string_view ExtensionOf(std::string_view name) {
-    const std::string_view file = filePart(name);
-    const std::size_t dot = file.rfind('.');
-    return dot == std::string_view::npos ? std::string_view() : file.substr(dot);
-}
-
 bool IsScratchName(std::string_view name) {
-    return ExtensionOf(name).substr(0, 2) == ".~";
+    return paths::extension(name).substr(0, 2) == ".~";
 }
 
 // ---- formats ----
 
 RowFormat RowFormatOf(std::string_view name, std::int32_t maxlength) {
-    const std::string_view extension = ExtensionOf(name);
+    const std::string_view extension = paths::extension(name);
     if (ascii::equal(extension, ".dbf") || ascii::equal(extension, ".xbf")) return RowsXbase;
     return maxlength == UNBOUNDED ? RowsPlain : RowsFixed;
 }

@@ -20,8 +20,6 @@ namespace tarn {
 void SetRowFileName(ListDescriptor& l, std::string_view name);
 // 661 for an empty name, 657 for one that is too long, holds a NUL or has no file part ("C:").
 bool AcceptFileName(std::string_view name);
-// What stands behind the last '.' of the file part, with the '.'; "" for none.
-std::string_view ExtensionOf(std::string_view name);
 // A file that the library made beside a data file: its extension begins with '~'.
 bool IsScratchName(std::string_view name);
 

@@ -9,6 +9,7 @@
 // handler.
 #include "kernel/run/report.h"
 
+#include "os/paths.h"
 #include "os/process.h"
 
 #include <climits>
@@ -71,8 +72,7 @@ std::string libraryFolder() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&ShowFatalBox), &info) == 0 || info.dli_fname == nullptr)
         return {};
-    const std::string file = info.dli_fname;
-    return file.substr(0, file.rfind('/') + 1);
+    return os::folderPart(info.dli_fname);
 }
 
 }  // namespace

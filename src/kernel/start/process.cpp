@@ -6,7 +6,9 @@
 #include "kernel/values/heap.h"
 #include "kernel/values/strings.h"
 #include "os/instance.h"
+#include "os/paths.h"
 #include "os/process.h"
+#include "os/text/ascii.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -67,15 +69,12 @@ std::string InstanceName() {
     return InstanceNameOf(os::executablePath());
 }
 
-std::string InstanceNameOf(std::string path) {
-    path.erase(0, path.find_last_of("/\\") + 1);
-    // A name that begins with its only dot has no extension: an empty lock name would be that of all such
-    // programs.
-    if (const std::size_t dot = path.rfind('.'); dot != std::string::npos && dot > 0) path.erase(dot);
-    for (char& c : path) {
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
-    return path;
+// A name that begins with its only dot has no extension: an empty lock name would be that of all such programs.
+std::string InstanceNameOf(std::string_view path) {
+    const std::string_view stem = paths::stem(path);
+    std::string name(stem.empty() ? paths::fileName(path) : stem);
+    for (char& c : name) c = ascii::upper(c);
+    return name;
 }
 
 std::string JoinedArguments() {

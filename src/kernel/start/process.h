@@ -25,8 +25,8 @@ void ProcessStart(const ProcessOptions& options);
 // The name of the lock: the executable's file name without folder and extension, the ASCII letters
 // upper-cased.
 std::string InstanceName();
-std::string
-InstanceNameOf(std::string path);  // the same for any executable; a leading dot begins no extension
+// The same for any executable; a leading dot begins no extension.
+std::string InstanceNameOf(std::string_view path);
 
 // The arguments of the program, separated by blanks; those that are empty or hold blanks, tabs or line ends
 // stand in double quotes, so that the text can be split again.

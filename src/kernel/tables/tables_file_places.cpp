@@ -5,18 +5,14 @@
 #include "kernel/index/index_filedisk.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file_index.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 
 namespace tarn {
 
 namespace {
 
-constexpr std::string_view separators = "/\\", marks[] = {"~i", "~n", "~d"};
-
-std::string_view nameIn(std::string_view path) {
-    const std::size_t end = path.find_last_of(separators);
-    return end == std::string_view::npos ? path : path.substr(end + 1);
-}
+constexpr std::string_view marks[] = {"~i", "~n", "~d"};
 
 bool isFile(const os::FileInfo& info) {
     return info.exists && !info.folder && !info.special;
@@ -34,9 +30,9 @@ bool isRowFile(const std::string& path, std::string_view tableFile, const os::Fi
 // The path of the other table file that an index names, which exists; "" for none.
 std::string otherTable(const std::string& indexFile, std::string_view tableFile) {
     if (!isFile(os::infoOf(indexFile))) return {};
-    const std::string_view own = nameIn(tableFile);
+    const std::string_view own = paths::fileName(tableFile);
     const std::string named = IndexTableName(indexFile);
-    const bool other = !named.empty() && named.find_first_of(separators) == std::string::npos &&
+    const bool other = !named.empty() && named.find_first_of(paths::separators) == std::string::npos &&
                        !ascii::equal(named, own.substr(0, MaxIndexTableName));
     if (!other) return {};
     std::string path = std::string(tableFile.substr(0, tableFile.size() - own.size())) + named;

@@ -16,6 +16,7 @@
 #include "library/data/dbutil_footers_internal.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -50,8 +51,7 @@ std::string scratchName(const std::string& filename) {
 
 // Only such a file is ever deleted: any other may be somebody's only copy.
 bool isScratch(std::string_view file) {
-    const std::size_t dot = file.rfind('.');
-    return dot != std::string_view::npos && file.substr(dot + 1).starts_with('~');
+    return paths::extension(file).starts_with(".~");
 }
 
 void deleteScratch(const std::string& scratch) {
@@ -117,10 +117,6 @@ bool lacksRows(const std::string& scratch, const TableDescriptor* table) {
 
 // ---- opening ----
 
-std::string_view nameIn(std::string_view path) {
-    return path.substr(path.find_last_of("/\\") + 1);
-}
-
 // In its first block: text has none there, unless it is UTF-16 and says so.
 bool holdsZeroByte(const std::string& filename) {
     constexpr std::size_t blockBytes = std::size_t{64} * 1024;
@@ -155,7 +151,7 @@ bool hasIndex(const std::string& filename, const TableDescriptor* table) {
     if (TableIndexCount(table) == 0) return false;
     const std::string path = os::native(filename), index = IndexFileName(path, 1);
     const std::string named = IndexTableName(index);
-    if (named == nameIn(path).substr(0, MaxIndexTableName)) return true;
+    if (named == paths::fileName(path).substr(0, MaxIndexTableName)) return true;
     return !named.empty() && !NamesOtherTable(index, path) && isOfWholeRows(filename, table);
 }
 

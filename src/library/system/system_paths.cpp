@@ -7,6 +7,7 @@
 // without one.
 #include "library/system/system.h"
 
+#include "os/paths.h"
 #include "os/text/ascii.h"
 
 namespace tarn {
@@ -61,14 +62,9 @@ PathParts SPLITPATH(std::string_view path) {
         parts.drive = path.substr(0, colon + 1);
         path.remove_prefix(colon + 1);
     }
-    const std::size_t separator = path.find_last_of("/\\");
-    if (separator != npos) {
-        parts.directory = path.substr(0, separator + 1);
-        path.remove_prefix(separator + 1);
-    }
-    const std::size_t dot = path.rfind('.');
-    parts.name = path.substr(0, dot);
-    if (dot != npos) parts.extension = path.substr(dot);
+    parts.directory = paths::folder(path);
+    parts.name = paths::stem(path);
+    parts.extension = paths::extension(path);
     return parts;
 }
 

@@ -5,6 +5,7 @@
 #include "kernel/index/index_file.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
+#include "os/paths.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -29,11 +30,6 @@ Problem problemOfName(const std::string& file) {
     if (info.folder) return {what, "It is a folder; give a file in it."};
     if (info.special) return {what, "It is no regular file: write its content to one first."};
     return {};
-}
-
-std::string_view baseName(std::string_view file) {
-    const std::size_t slash = file.find_last_of("/\\");
-    return slash == std::string_view::npos ? file : file.substr(slash + 1);
 }
 
 std::string beginningOf(const std::string& file) {
@@ -65,7 +61,7 @@ bool beginsAsXbase(std::string_view bytes) {
 }  // namespace
 
 bool isIndexName(std::string_view file) {
-    const std::string_view name = baseName(file);
+    const std::string_view name = paths::fileName(file);
     return name.size() > 3 && name[name.size() - 3] == '.' && name[name.size() - 2] == 'i' &&
            name.back() >= '1' && name.back() < '1' + MaxIndexes;
 }
@@ -82,7 +78,7 @@ bool isTableByIndex(const std::string& file) {
     if (index == file || !os::infoOf(os::native(index)).exists) return false;
     const std::string bytes = beginningOf(index);
     if (!beginsAsIndex(bytes) || bytes.size() < nameEnd) return false;
-    const std::string_view name = baseName(file).substr(0, MaxIndexTableName);
+    const std::string_view name = paths::fileName(file).substr(0, MaxIndexTableName);
     return std::string_view(bytes).substr(nameAt, name.size() + 1) == std::string(name) + '\0';
 }
 
@@ -176,8 +172,8 @@ void WorkFolder::take(const std::string& file) {
         error_ = from.error();
         return;
     }
-    error_ =
-        os::files().open(path_ + "/" + std::string(baseName(file)), os::OpenMode::CreateNew, onlyMine, to);
+    error_ = os::files().open(path_ + "/" + std::string(paths::fileName(file)), os::OpenMode::CreateNew,
+                              onlyMine, to);
     if (error_ != os::FileError::None) return;
     std::string bytes;
     for (std::int64_t at = 0; at < from.size() && error_ == os::FileError::None;

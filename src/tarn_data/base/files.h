@@ -19,8 +19,6 @@ Problem problemOfName(const std::string& file);
 Problem unreadable(const std::string& file, os::FileError error);
 // The beginning of a file, as much as tells text from other things.
 std::string beginningOf(const std::string& file);
-// The part behind the last separator.
-std::string_view baseName(std::string_view file);
 
 // By its name and its first bytes. Others are text, XML, table files and what is not known.
 enum class FileKind { Other, Index, Xbase };

@@ -43,7 +43,7 @@ std::string repairedNames(const std::string& columns) {
     return text;
 }
 
-std::string fileIdentifier(const std::string& name) {
+std::string fileIdentifier(std::string_view name) {
     return STRTOIDENTIFIER(name, longestName - 1, "_");
 }
 

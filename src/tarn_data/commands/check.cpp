@@ -6,6 +6,7 @@
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "os/paths.h"
 #include "tarn_data/commands/check_internal.h"
 #include "tarn_data/commands/commands.h"
 
@@ -91,7 +92,7 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
                                                  static_cast<std::int32_t>(rows), keysOf(index.keyMap));
         if (!wrong.empty()) findings.fault(name, wrong);
         if (!index.file.odd.empty()) findings.note(name, index.file.odd);
-        const std::string_view base = baseName(file).substr(0, MaxIndexTableName);
+        const std::string_view base = paths::fileName(file).substr(0, MaxIndexTableName);
         if (index.file.tableName != base)
             findings.note(name, "It names the table file '" + index.file.tableName + "'.");
     }

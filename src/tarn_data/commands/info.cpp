@@ -3,6 +3,7 @@
 // What is in a file.
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/tables/tables.h"
+#include "os/paths.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/base/xbase.h"
 #include "tarn_data/commands/commands.h"
@@ -80,7 +81,7 @@ int infoText(const std::string& file, const Arguments& arguments) {
 std::string indexLines(const std::vector<IndexBeside>& indexes, const std::string& file) {
     std::string text;
     for (const IndexBeside& index : indexes) {
-        const std::string name(baseName(IndexFileName(file, index.number)));
+        const std::string name(paths::fileName(IndexFileName(file, index.number)));
         std::string key = "key " + joined(index.file.fields);
         if (index.file.path.empty() || index.aside)
             key = std::string("missing") + seeCheck;
@@ -100,7 +101,7 @@ int infoIndex(const std::string& file) {
     const auto number = [](std::int32_t n) {
         return n < 0 ? std::string("damaged") + seeCheck : std::to_string(n);
     };
-    const std::string folder = file.substr(0, file.size() - baseName(file).size());
+    const std::string folder(paths::folder(file));
     const bool beside = os::infoOf(os::native(folder + index.tableName)).exists;
     return print(line("file", file) + line("type", "index file") +
                  line("table file", index.tableName + (beside ? "" : " (not there)")) +

@@ -8,6 +8,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables_file.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "os/paths.h"
 #include "tarn_data/commands/patient.h"
 
 #include <algorithm>
@@ -26,7 +27,7 @@ std::string counted(std::int64_t n, const char* what) {
 std::string tornName(const std::string& file, int number) {
     constexpr std::size_t longest = 255;
     const std::string suffix = ".torn" + (number > 1 ? std::to_string(number) : "");
-    const std::string name(baseName(file));
+    const std::string name(paths::fileName(file));
     return file.substr(0, file.size() - name.size()) +
            name.substr(0, std::min(name.size(), longest - suffix.size())) + suffix;
 }
@@ -203,7 +204,7 @@ int rehearse(const Arguments& arguments, bool xbase) {
         return tell({"The files cannot be copied to '" + folder.path() +
                          "' for a dry run: " + std::string(os::describe(folder.error())),
                      "Choose a folder with more room with TMPDIR."});
-    patient.file = folder.path() + "/" + std::string(baseName(patient.name));
+    patient.file = folder.path() + "/" + std::string(paths::fileName(patient.name));
     const Problem problem = examine(arguments, xbase, patient);
     if (problem.any()) return tell(problem);
     print("A dry run: nothing is changed. A rebuild would tell:\n");

@@ -5,6 +5,7 @@
 #include "kernel/run/progress.h"
 #include "library/data/dbutil.h"
 #include "os/files.h"
+#include "os/paths.h"
 #include "tarn_data/base/files.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/sources/load.h"
@@ -241,8 +242,7 @@ std::string withoutLengths(std::string_view columns) {
 }
 
 std::string declaration(const std::string& file, std::string_view columns) {
-    std::string name(baseName(file));
-    name = fileIdentifier(name.substr(0, name.rfind('.')));
+    const std::string name = fileIdentifier(paths::stem(file));
     std::string text(columns);
     TypeInfoChangeIndent(2, text, MaxTypeInfo + 2 * MaxFields);
     return name + " : table\n\tT" + name + " : record\n" + text + "\tend record\nend table\n";

@@ -10,6 +10,7 @@
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/values/records.h"
+#include "os/paths.h"
 #include "os/save_parts.h"
 #include "os/text/ascii.h"
 #include "tarn_data/base/tables.h"
@@ -96,9 +97,8 @@ private:
 
 // A name in the target's folder that nobody has, with its extension.
 bool NewTable::makePath() {
-    const std::string name(baseName(place_.path));
-    const std::size_t dot = name.rfind('.');
-    const std::string extension = dot == std::string::npos ? ".bin" : name.substr(dot);
+    std::string extension(paths::extension(place_.path));
+    if (extension.empty()) extension = ".bin";
     os::NewFile made;
     if (os::makeUniqueFile(os::temporaryStart(place_), extension, os::UsualFileMode, made) !=
         os::FileError::None)
@@ -184,7 +184,7 @@ Problem NewTable::takePlace() {
         problem.next = "The rows are all there; 'tarn-data rebuild' with --keys makes the indexes.";
         return problem;
     }
-    os::files().syncFolder(place_.path.substr(0, place_.path.size() - baseName(place_.path).size()));
+    os::files().syncFolder(std::string(paths::folder(place_.path)));
     path_.clear();
     return {};
 }

@@ -5,6 +5,7 @@
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/paths.h"
 #include "platform/registry.h"
 #include "platform/resources/resource.h"
 #include "toolchain/build/tools.h"
@@ -24,7 +25,7 @@ std::string settingsFile() {
                                 std::string(ProductBuild) + ".exe";
     for (const std::string& name : {program, std::string("ide.exe")}) {
         const std::string path = platform::RegGetSetting(key + name, "");
-        if (!path.empty()) return folderOf(path) + "ide.ini";
+        if (!path.empty()) return std::string(paths::folder(path)) + "ide.ini";
     }
     return {};
 }
@@ -60,7 +61,7 @@ struct Command {
 // program finds the others from wherever it is compiled.
 Command commandFor(const std::string& line, const std::string& file, const std::string& mainFolder,
                    const std::vector<std::string>& inheritedPath) {
-    const std::string base = changeExtension(file, "");
+    const std::string base = std::string(paths::withoutExtension(file));
     std::vector<std::string> words = SPLITARGUMENTS(FILESUBSTITUTENAME(line, "^", base));
     Command command;
     std::string path = mainFolder;
@@ -83,7 +84,7 @@ Command commandFor(const std::string& line, const std::string& file, const std::
 
 // The messages of a compile that failed; empty if it went well.
 std::string compile(const Command& command, const std::string& file) {
-    const std::string results = folderOf(command.program) + std::string(ResultFile);
+    const std::string results = std::string(paths::folder(command.program)).append(ResultFile);
     os::files().remove(results);
     const ToolRun run = runTool(command.program, command.arguments);
     std::string text;
@@ -122,8 +123,8 @@ private:
     bool all() const { return options_.mode == MakeMode::All; }
 
     void compileClasses() {
-        const std::string mainFolder = folderOf(main_.path);
-        result_.compilerFolder = folderOf(commandFor(line_, main_.path, mainFolder, {}).program);
+        const std::string mainFolder(paths::folder(main_.path));
+        result_.compilerFolder = paths::folder(commandFor(line_, main_.path, mainFolder, {}).program);
         for (const SourceClass& item : sources_.classes) {
             if (!isClassFile(item.path) || (!all() && !isOutOfDate(item))) continue;
             result_.report +=
@@ -163,7 +164,7 @@ private:
         if (compiler.empty()) return fail(Problem::NoCCompiler);
         if (library.empty())
             return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
-        const std::string start = workFolder(main_.path) + stemOf(main_.path) + ".main.c";
+        const std::string start = workFile(main_.path, ".main.c");
         const os::SaveResult saved =
             os::saveFile(start, generateProgram(main_.name), os::Durability::Unsynced);
         if (!saved.ok()) return fail(Problem::CannotWrite, {start, os::describe(saved.error)});
@@ -173,7 +174,7 @@ private:
     // The program is made under another name and put in its place, so that one that still runs is not
     // disturbed.
     void runLinker(const std::string& compiler, const std::string& library, const std::string& start) {
-        const std::string made = workFolder(main_.path) + stemOf(main_.path) + ".new";
+        const std::string made = workFile(main_.path, ".new");
         std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-o", made, start};
         for (const SourceClass& item : sources_.classes) arguments.push_back(objectFile(item.path));
         // A word of its own for each path: a comma would divide one behind -Wl.

@@ -2,6 +2,7 @@
 #include "toolchain/build/options.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "toolchain/language/classes.h"
 #include "toolchain/language/words.h"
 
@@ -119,7 +120,7 @@ MakeOptions readMakeOptions(const std::vector<std::string>& arguments, Messages&
             options.file = unquoted(argument);
         }
     }
-    if (!isClassFile(options.file) && !sameName(extensionOf(options.file), ".rc"))
+    if (!isClassFile(options.file) && !sameName(paths::extension(options.file), ".rc"))
         messages.add("ordo", 0, Problem::NotAClassFile, {options.file});
     return options;
 }

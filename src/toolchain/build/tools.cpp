@@ -2,6 +2,7 @@
 #include "toolchain/build/tools.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "os/process.h"
 #include "toolchain/language/classes.h"
 
@@ -90,22 +91,25 @@ std::string toolFolder() {
 std::string libraryFolder() {
     std::string resolved;
     os::files().resolve(os::executablePath(), resolved);
-    std::vector<std::string> folders = {toolFolder(), folderOf(resolved)};
-    for (const std::string_view folder : SystemFolders)
-        folders.push_back(folderOf(resolved) + std::string(folder));
+    const std::string own(paths::folder(resolved));
+    std::vector<std::string> folders = {toolFolder(), own};
+    for (const std::string_view folder : SystemFolders) folders.push_back(own + std::string(folder));
     for (const std::string& folder : folders)
         if (os::sizeOf(folder + std::string(LibraryFile)) > 0) return folder.substr(0, folder.size() - 1);
     return {};
 }
 
 std::string workFolder(const std::string& classFile) {
-    return folderOf(classFile) + ".tarnwick/";
+    return std::string(paths::folder(classFile)) + ".tarnwick/";
+}
+std::string workFile(const std::string& classFile, std::string_view extension) {
+    return workFolder(classFile).append(paths::stem(classFile)).append(extension);
 }
 std::string objectFile(const std::string& classFile) {
-    return workFolder(classFile) + stemOf(classFile) + ".o";
+    return workFile(classFile, ".o");
 }
 std::string generatedFile(const std::string& classFile) {
-    return workFolder(classFile) + stemOf(classFile) + ".c";
+    return workFile(classFile, ".c");
 }
 
 }  // namespace tarn::toolchain

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn::toolchain {
@@ -30,6 +31,8 @@ std::string libraryFolder();
 
 // The folder `.tarnwick/` beside a class, in which generated C and object files stand.
 std::string workFolder(const std::string& classFile);
+// The file in there that is named after the class.
+std::string workFile(const std::string& classFile, std::string_view extension);
 std::string objectFile(const std::string& classFile);
 std::string generatedFile(const std::string& classFile);
 

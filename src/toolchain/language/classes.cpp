@@ -2,6 +2,7 @@
 #include "toolchain/language/classes.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "toolchain/language/parser.h"
 #include "toolchain/language/words.h"
 
@@ -61,29 +62,12 @@ std::string fullPath(const std::string& path) {
     return withoutDots(os::files().currentFolder() + "/" + name);
 }
 
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.find_last_of("/\\");
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
-std::string extensionOf(const std::string& path) {
-    const std::size_t dot = path.rfind('.');
-    const std::size_t slash = path.find_last_of("/\\");
-    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return {};
-    return path.substr(dot);
-}
-
-std::string stemOf(const std::string& path) {
-    const std::string name = path.substr(folderOf(path).size());
-    return name.substr(0, name.size() - extensionOf(name).size());
-}
-
 std::string changeExtension(const std::string& path, std::string_view extension) {
-    return path.substr(0, path.size() - extensionOf(path).size()) + std::string(extension);
+    return std::string(paths::withoutExtension(path)).append(extension);
 }
 
 bool isClassFile(const std::string& path) {
-    return sameName(extensionOf(path), ".cls");
+    return sameName(paths::extension(path), ".cls");
 }
 
 std::string findClassFile(const std::string& name, const std::string& folder,
@@ -121,7 +105,7 @@ void ClassLoader::link(ClassTree& tree, Messages* messages) {
         if (isBuiltInClass(used.name)) continue;
         Messages silent;
         Messages& heard = messages != nullptr ? *messages : silent;
-        const std::string file = findClassFile(used.name, folderOf(tree.path), path_);
+        const std::string file = findClassFile(used.name, std::string(paths::folder(tree.path)), path_);
         used.tree = file.empty() ? nullptr : read(file, silent);
         if (used.tree == nullptr)
             heard.add(tree.path, used.line, Problem::ClassNotFound, {used.name});

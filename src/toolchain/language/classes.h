@@ -19,10 +19,7 @@ namespace tarn::toolchain {
 // ---- paths ----
 
 std::vector<std::string> splitPathList(std::string_view list);  // by ";", blanks trimmed, empty ones left out
-std::string fullPath(const std::string& path);     // against the current folder; "." and ".." resolved
-std::string folderOf(const std::string& path);     // with its "/"
-std::string stemOf(const std::string& path);       // name without folder and extension
-std::string extensionOf(const std::string& path);  // with its dot, as written
+std::string fullPath(const std::string& path);  // against the current folder; "." and ".." resolved
 std::string changeExtension(const std::string& path, std::string_view extension);
 bool isClassFile(const std::string& path);  // the extension is .cls
 // Full path of the file that holds `name`; empty if there is none.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "os/files.h"
+#include "os/paths.h"
 #include "toolchain/build/make.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
@@ -30,7 +31,7 @@ class Finder {
 public:
     Finder(const std::string& mainFile, const std::vector<std::string>& inheritedPath)
         : path_(inheritedPath) {
-        path_.insert(path_.begin(), folderOf(mainFile));
+        path_.emplace(path_.begin(), paths::folder(mainFile));
         add(mainFile);
         for (std::size_t i = 0; i < found_.size(); ++i) read(i);
         findNewest();
@@ -80,7 +81,7 @@ private:
         item.newest = timeOf(file);
         for (const UsedClass& used : tree->uses) {
             if (isBuiltInClass(used.name)) continue;
-            const std::string place = findClassFile(used.name, folderOf(file), path_);
+            const std::string place = findClassFile(used.name, std::string(paths::folder(file)), path_);
             if (place.empty())
                 item.missingUse = true;
             else if (place != file)

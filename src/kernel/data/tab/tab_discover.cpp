@@ -8,6 +8,7 @@
 #include "kernel/data/value_line.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
+#include "os/paths.h"
 
 #include <algorithm>
 #include <new>
@@ -189,15 +190,9 @@ private:
 
 // ---- the file ----
 
-std::string_view fileNameOf(std::string_view path) {
-    const std::size_t slash = path.find_last_of("/\\");
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
-}
-
 std::string recordName(std::string_view path) {
-    const std::string_view file = fileNameOf(path);
     std::string name(1, 'T');
-    for (const char c : file.substr(0, file.rfind('.'))) name += isPrintable(c) && c != '"' ? c : '_';
+    for (const char c : paths::stem(path)) name += isPrintable(c) && c != '"' ? c : '_';
     return quotedName(name);
 }
 
@@ -212,7 +207,7 @@ std::string wrapped(std::string_view path, std::string_view lines) {
 }
 
 std::string noStructure(const std::string& filename) {
-    return "Cannot find the structure of '" + std::string(fileNameOf(filename)) + "', ";
+    return "Cannot find the structure of '" + std::string(paths::fileName(filename)) + "', ";
 }
 
 // Reads the rows up to the first empty line. Where two do not fit each other the rest is only counted. The

@@ -12,6 +12,7 @@
 #include "kernel/values/arrays.h"
 #include "kernel/values/strings.h"
 #include "os/clock.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -62,9 +63,7 @@ std::string withoutQuotes(const std::string& name) {
 }
 
 std::string typeNameOf(std::string_view filename) {
-    const std::size_t slash = filename.find_last_of("/\\");
-    if (slash != std::string_view::npos) filename.remove_prefix(slash + 1);
-    std::string name = "T" + std::string(filename.substr(0, filename.rfind('.')));
+    std::string name = "T" + std::string(paths::stem(filename));
     std::replace_if(
         name.begin(), name.end(), [](char c) { return !ascii::isSymbol(c); }, '_');
     return name;
