@@ -16,6 +16,7 @@
 #include "kernel/tables/table_access.h"
 #include "kernel/values/string_text.h"
 #include "kernel/values/strings.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <new>
@@ -29,10 +30,6 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";  // of UTF-8
 constexpr std::int32_t rowsWithoutOptions = 100;
 constexpr std::int32_t longestName = 40;
 constexpr const char* noInformation = "Data File information cannot be obtained";
-
-bool isLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
 
 std::string fileWord(const std::string& filename) {
     return "File '" + filename + "' ";
@@ -67,7 +64,7 @@ bool looksLikeXml(std::string_view start) {
     constexpr std::string_view marks = "_:!?";
     if (start.starts_with(byteOrderMark)) start.remove_prefix(byteOrderMark.size());
     return start.size() >= 2 && start[0] == '<' &&
-           (isLetter(start[1]) || marks.find(start[1]) != std::string_view::npos);
+           (ascii::isLetter(start[1]) || marks.find(start[1]) != std::string_view::npos);
 }
 
 bool looksLikeXbase(std::string_view head) {
@@ -82,7 +79,7 @@ bool looksLikeXbase(std::string_view head) {
 bool looksLikeText(std::string_view head) {
     constexpr std::string_view marks = "\1\t \",-._";
     const auto isText = [&](char c) {
-        return isLetter(c) || (c >= '0' && c <= '9') || marks.find(c) != std::string_view::npos;
+        return ascii::isLetter(c) || ascii::isDigit(c) || marks.find(c) != std::string_view::npos;
     };
     const auto isTextOrLineEnd = [&](char c) { return isText(c) || c == '\n' || c == '\r'; };
     return !head.empty() && isText(head[0]) && std::all_of(head.begin(), head.end(), isTextOrLineEnd);

@@ -10,7 +10,6 @@
 #include "os/process.h"
 #include "os/text/ascii.h"
 
-#include <cctype>
 #include <cstdlib>
 #include <sys/utsname.h>
 #include <utility>
@@ -35,7 +34,7 @@ std::vector<void (*)()>& exitHooks() {
 // them.
 bool systemTooOld() {
     utsname name{};
-    if (uname(&name) != 0 || std::isdigit(static_cast<unsigned char>(name.release[0])) == 0) return false;
+    if (uname(&name) != 0 || !ascii::isDigit(name.release[0])) return false;
     return std::atoi(name.release) < 4;
 }
 
@@ -72,9 +71,7 @@ std::string InstanceName() {
 // A name that begins with its only dot has no extension: an empty lock name would be that of all such programs.
 std::string InstanceNameOf(std::string_view path) {
     const std::string_view stem = paths::stem(path);
-    std::string name(stem.empty() ? paths::fileName(path) : stem);
-    for (char& c : name) c = ascii::upper(c);
-    return name;
+    return ascii::uppered(stem.empty() ? paths::fileName(path) : stem);
 }
 
 std::string JoinedArguments() {

@@ -4,6 +4,8 @@
 // the first two letters does not count. Operators are read here and nowhere else.
 #pragma once
 
+#include "os/text/ascii.h"
+
 #include <cstdint>
 #include <string_view>
 
@@ -15,19 +17,18 @@ enum Relation : std::uint8_t {
     RelationLess = 1,
     RelationEqual = 2,
     RelationGreater = 4,
+    RelationDifferent = RelationLess | RelationGreater,
 };
 
 constexpr std::uint8_t RelationOf(std::string_view op) {
     constexpr auto key = [](char first, char second) {
-        const auto upper = [](char c) {
-            return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : static_cast<unsigned char>(c);
-        };
+        const auto upper = [](char c) { return static_cast<unsigned char>(ascii::upper(c)); };
         return upper(first) * 256 + upper(second);
     };
     if (op.size() < 2) return RelationNone;
     switch (key(op[0], op[1])) {
     case key('E', 'Q'): return RelationEqual;
-    case key('N', 'E'): return RelationLess | RelationGreater;
+    case key('N', 'E'): return RelationDifferent;
     case key('G', 'T'): return RelationGreater;
     case key('L', 'T'): return RelationLess;
     case key('G', 'E'): return RelationGreater | RelationEqual;

@@ -158,8 +158,7 @@ static_assert(std::is_sorted(std::begin(FutureReservedWords), std::end(FutureRes
 
 template <std::size_t N>
 bool holds(const std::string_view (&table)[N], std::string_view word) {
-    std::string lower(word);
-    std::transform(lower.begin(), lower.end(), lower.begin(), ascii::lower);
+    const std::string lower = ascii::lowered(word);
     return std::binary_search(std::begin(table), std::end(table), std::string_view(lower));
 }
 

@@ -4,6 +4,7 @@
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
+#include "kernel/text/relations.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/records.h"
 #include "kernel/values/strings.h"
@@ -91,11 +92,6 @@ bool acceptKind(Kind kind) {
 bool acceptDescriptor(const void* value, Kind kind) {
     return !IsAdtKind(kind) ? value != nullptr || fail(ERR_UNIDENTIFIABLE)
                             : IsOfKind(value, kind) || fail(AdtTypeError(kind));
-}
-
-bool isOperator(std::string_view op, char first, char second) {
-    const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; };
-    return op.size() >= 2 && upper(op[0]) == first && upper(op[1]) == second;
 }
 
 // Kinds that may hold a value of any kind somewhere below.
@@ -364,11 +360,11 @@ void AdtFree(void* value, Kind kind) {
 
 bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind) {
     if (!acceptKind(kind) || !acceptDescriptor(a, kind) || !acceptDescriptor(b, kind)) return false;
-    const bool equals = isOperator(op, 'E', 'Q'), differs = isOperator(op, 'N', 'E');
-    if (!equals && !differs) return false;
+    const std::uint8_t relation = RelationOf(op);
+    if (relation != RelationEqual && relation != RelationDifferent) return false;
     const Comparison result = compare(a, b, kind);
     if (result.error != 0) return fail(result.error);
-    return result.equal == equals;
+    return result.equal == (relation == RelationEqual);
 }
 
 void AdtClear(void* value, Kind kind) {

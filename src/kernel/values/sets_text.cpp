@@ -6,6 +6,7 @@
 #include "kernel/text/numbers.h"
 #include "kernel/values/sets.h"
 #include "kernel/values/sets_bits.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <charconv>
@@ -84,7 +85,7 @@ public:
     }
     [[nodiscard]] bool atNumber() const {
         const char c = at_ < text_.size() ? text_[at_] : ' ';
-        return (c >= '0' && c <= '9') || c == '+' || c == '-';
+        return ascii::isDigit(c) || c == '+' || c == '-';
     }
     bool number(std::int32_t& value) {
         std::size_t length = 0;

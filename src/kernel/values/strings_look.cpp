@@ -38,7 +38,7 @@ std::int32_t compare(const Text& a, const Text& b, bool ignoreCase) {
 
 bool holds(std::string_view op, const Text& a, const Text& b) {
     const std::uint8_t relation = RelationOf(op);
-    const bool equality = relation == RelationEqual || relation == (RelationLess | RelationGreater);
+    const bool equality = relation == RelationEqual || relation == RelationDifferent;
     // Texts of other lengths are not equal, whatever stands in them.
     if (equality && a.count != b.count) return relation != RelationEqual;
     return RelationHolds(relation, compare(a, b, false));

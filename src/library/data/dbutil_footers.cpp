@@ -12,11 +12,10 @@ namespace {
 
 // "(2 rows affected)".
 bool isRowCount(std::string_view line) {
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     if (!line.starts_with('(')) return false;
     line.remove_prefix(1);
     const auto digits =
-        static_cast<std::size_t>(std::find_if_not(line.begin(), line.end(), isDigit) - line.begin());
+        static_cast<std::size_t>(std::find_if_not(line.begin(), line.end(), ascii::isDigit) - line.begin());
     line.remove_prefix(digits);
     return digits > 0 && (line == " row affected)" || line == " rows affected)");
 }

@@ -60,13 +60,6 @@ private:
     CaseFinder first_;
 };
 
-template <class Change>
-std::string changed(std::string_view text, Change change) {
-    std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(), change);
-    return out;
-}
-
 std::string_view trimmed(std::string_view text, bool left, bool right) {
     while (left && !text.empty() && ascii::isSpace(text.front())) text.remove_prefix(1);
     while (right && !text.empty() && ascii::isSpace(text.back())) text.remove_suffix(1);
@@ -106,10 +99,10 @@ std::string STRRTRIMCRLF(std::string_view text) {
     return std::string(ascii::withoutLineEnd(text));
 }
 std::string STRLOWER(std::string_view text) {
-    return changed(text, ascii::lower);
+    return ascii::lowered(text);
 }
 std::string STRUPPER(std::string_view text) {
-    return changed(text, ascii::upper);
+    return ascii::uppered(text);
 }
 bool STREQUAL(std::string_view a, std::string_view b) {
     return ascii::equal(a, b);

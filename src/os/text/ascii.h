@@ -38,6 +38,18 @@ constexpr char lower(char c) {
     return isUpper(c) ? static_cast<char>(c + 32) : c;
 }
 
+inline std::string lowered(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) c = lower(c);
+    return result;
+}
+inline std::string uppered(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) c = upper(c);
+    return result;
+}
+
+// Without regard to case.
 constexpr bool equal(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i)
@@ -59,7 +71,7 @@ constexpr std::string_view withoutLineEnd(std::string_view text) {
 }
 
 // Takes the next line off `rest`, with its line end; empty at the end of the text.
-inline std::string_view takeLine(std::string_view& rest) {
+constexpr std::string_view takeLine(std::string_view& rest) {
     const std::size_t end = rest.find('\n');
     const std::size_t size = end == std::string_view::npos ? rest.size() : end + 1;
     const std::string_view line = rest.substr(0, size);

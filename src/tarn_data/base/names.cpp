@@ -3,6 +3,7 @@
 
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <vector>
@@ -13,19 +14,14 @@ namespace {
 
 constexpr int longestName = 40;
 
-std::string lowerCase(std::string text) {
-    for (char& c : text) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-    return text;
-}
-
 // `name`, or with a number behind it that makes it another one than those before.
 std::string uniqueName(const std::string& name, std::vector<std::string>& taken) {
     std::string made = name;
-    for (int n = 2; std::find(taken.begin(), taken.end(), lowerCase(made)) != taken.end(); ++n) {
+    for (int n = 2; std::find(taken.begin(), taken.end(), ascii::lowered(made)) != taken.end(); ++n) {
         const std::string number = "_" + std::to_string(n);
         made = name.substr(0, longestName - number.size()) + number;
     }
-    taken.push_back(lowerCase(made));
+    taken.push_back(ascii::lowered(made));
     return made;
 }
 

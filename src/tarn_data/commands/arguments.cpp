@@ -2,6 +2,7 @@
 #include "kernel/data/tab/tabular.h"
 #include "kernel/tables/tables.h"
 #include "library/data/dbutil.h"
+#include "os/text/ascii.h"
 #include "tarn_data/commands/commands.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ bool readSeparator(const std::string& text, std::optional<std::int32_t>& separat
 bool readTargetSeparator(const std::string& text, std::optional<std::int32_t>& separator) {
     if (!readSeparator(text, separator)) return false;
     const auto c = static_cast<char>(*separator);
-    const bool word = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    const bool word = ascii::isLetter(c) || ascii::isDigit(c);
     return !word && std::string_view("+-.").find(c) == std::string_view::npos;
 }
 

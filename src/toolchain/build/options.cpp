@@ -3,6 +3,7 @@
 
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/text/ascii.h"
 #include "toolchain/language/classes.h"
 #include "toolchain/language/words.h"
 
@@ -22,7 +23,7 @@ bool allDigits(std::string_view text) {
 
 bool allLetters(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
-                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); });
+                       [](char c) { return ascii::isLower(c) || ascii::isDigit(c); });
 }
 
 // Quotes that reached the tool as they stood.
@@ -58,7 +59,7 @@ bool plainOption(const std::string& word, CompilerOptions& options) {
 
 // `/i` and `/r` have their value behind them without a blank; `/inn/x.cls` is a path all the same.
 bool pathOption(const std::string& argument, CompilerOptions& options) {
-    const char letter = fold(argument.substr(1, 1))[0];
+    const char letter = ascii::lowered(argument.substr(1, 1))[0];
     if (letter != 'i' && letter != 'r') return false;
     if (argument[0] == '/' && argument.size() < 3) return false;
     if (argument[0] == '/' && isClassFile(argument)) return false;
@@ -74,7 +75,7 @@ CompilerOptions readCompilerOptions(const std::vector<std::string>& arguments, M
     for (const std::string& argument : arguments) {
         if (argument.empty()) continue;
         if (isOptionSign(argument)) {
-            const std::string word = fold(argument.substr(1));
+            const std::string word = ascii::lowered(argument.substr(1));
             if (plainOption(word, options) || pathOption(argument, options)) continue;
             if (argument[0] == '-') {
                 messages.add("quarn", 0, Problem::BadOption, {argument});
@@ -100,7 +101,7 @@ MakeOptions readMakeOptions(const std::vector<std::string>& arguments, Messages&
     bool modeGiven = false;
     for (const std::string& argument : arguments) {
         if (argument.empty()) continue;
-        const std::string word = isOptionSign(argument) ? fold(argument.substr(1)) : std::string();
+        const std::string word = isOptionSign(argument) ? ascii::lowered(argument.substr(1)) : std::string();
         const bool isMode = word.size() >= 2 && word[0] == 'f' &&
                             std::string_view("maqst").find(word[1]) != std::string_view::npos;
         // The file may stand right behind the mode: -fm"a.cls".
@@ -120,7 +121,7 @@ MakeOptions readMakeOptions(const std::vector<std::string>& arguments, Messages&
             options.file = unquoted(argument);
         }
     }
-    if (!isClassFile(options.file) && !sameName(paths::extension(options.file), ".rc"))
+    if (!isClassFile(options.file) && !ascii::equal(paths::extension(options.file), ".rc"))
         messages.add("ordo", 0, Problem::NotAClassFile, {options.file});
     return options;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/language/checker.h"
 
+#include "os/text/ascii.h"
 #include "toolchain/language/classes.h"
 #include "toolchain/language/library.h"
 #include "toolchain/language/words.h"
@@ -147,7 +148,7 @@ private:
     // Null when nothing is found; a message was given then, unless `quiet`.
     const Declaration* lookUp(const std::string& qualifier, const std::string& name, int line,
                               bool quiet = false) {
-        const std::string folded = fold(name);
+        const std::string folded = ascii::lowered(name);
         const Declaration* found = nullptr;
         if (qualifier.empty()) {
             const auto local = locals_.find(folded);
@@ -182,16 +183,16 @@ private:
 
     const Declaration* lookUpIn(const std::string& qualifier, const std::string& folded,
                                 const std::string& name, int line) {
-        if (sameName(qualifier, tree_.name)) return findDeclaration(tree_, folded);
+        if (ascii::equal(qualifier, tree_.name)) return findDeclaration(tree_, folded);
         for (const UsedClass& used : tree_.uses) {
-            if (!sameName(qualifier, used.name)) continue;
+            if (!ascii::equal(qualifier, used.name)) continue;
             Declaration* item = used.tree != nullptr ? findDeclaration(*used.tree, folded) : nullptr;
             if (item == nullptr || !item->isPublic) return nullptr;
             prepare(*used.tree, *item, line);
             return item;
         }
         add(line, Problem::NotInUses, {qualifier});
-        reported_.insert(fold(name));
+        reported_.insert(ascii::lowered(name));
         return nullptr;
     }
 
@@ -217,7 +218,7 @@ private:
         const bool guess = std::any_of(tree_.uses.begin(), tree_.uses.end(), [](const UsedClass& used) {
             return used.tree != nullptr ? !used.tree->complete : !isBuiltInClass(used.name);
         });
-        if (!guess && reported_.insert(fold(name)).second) add(line, Problem::UnknownName, {name});
+        if (!guess && reported_.insert(ascii::lowered(name)).second) add(line, Problem::UnknownName, {name});
     }
 
     // ---- the class ----
@@ -254,7 +255,7 @@ private:
 
     void functionHead(const Declaration& item, const Function& head) {
         const bool plain = head.parameters.empty() && head.result.type == Type::None;
-        if (sameName(item.name, "main") && !plain) add(item.line, Problem::MainHeader, {});
+        if (ascii::equal(item.name, "main") && !plain) add(item.line, Problem::MainHeader, {});
         if (head.result.maxLength != Unbounded) add(item.line, Problem::StringResult, {});
         if (!head.isOnerror) return;
         const bool good = head.parameters.size() == 1 && head.parameters[0]->mode == Mode::In &&
@@ -266,7 +267,7 @@ private:
     void declareLocals(Function& head) {
         for (auto* items : {&head.parameters, &head.variables})
             for (auto& item : *items) {
-                const auto [place, isNew] = locals_.emplace(fold(item->name), item.get());
+                const auto [place, isNew] = locals_.emplace(ascii::lowered(item->name), item.get());
                 if (isNew) continue;
                 const std::string line = std::to_string(place->second->line);
                 add(item->line, Problem::DeclaredTwice, {item->name, line});
@@ -448,7 +449,7 @@ private:
     }
 
     void name(Expression& item) {
-        if (inPostcondition_ && item.qualifier.empty() && sameName(item.name, functionItem_->name)) {
+        if (inPostcondition_ && item.qualifier.empty() && ascii::equal(item.name, functionItem_->name)) {
             item.isResult = true;
             item.type = function_->result.type;
             if (item.type == Type::None) add(item.line, Problem::NoValue, {item.name});
@@ -562,7 +563,7 @@ private:
     void call(Expression& item) {
         const Declaration* target = lookUp(item.qualifier, item.name, item.line, true);
         if (target == nullptr && item.qualifier.empty()) {
-            const auto forms = findLibraryForms(fold(item.name));
+            const auto forms = findLibraryForms(ascii::lowered(item.name));
             if (!forms.empty()) return libraryCall(item, forms);
         }
         if (target == nullptr) return unknown(item.name, item.line);

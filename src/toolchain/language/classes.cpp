@@ -3,6 +3,7 @@
 
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/text/ascii.h"
 #include "toolchain/language/parser.h"
 #include "toolchain/language/words.h"
 
@@ -37,7 +38,7 @@ std::string findInFolder(const std::string& file, const std::string& folder) {
     std::vector<std::string> names;
     if (os::files().list(folder, names) != os::FileError::None) return {};
     for (const std::string& name : names)
-        if (sameName(name, file) && os::sizeOf(folder + name) >= 0) return folder + name;
+        if (ascii::equal(name, file) && os::sizeOf(folder + name) >= 0) return folder + name;
     return {};
 }
 
@@ -67,7 +68,7 @@ std::string changeExtension(const std::string& path, std::string_view extension)
 }
 
 bool isClassFile(const std::string& path) {
-    return sameName(paths::extension(path), ".cls");
+    return ascii::equal(paths::extension(path), ".cls");
 }
 
 std::string findClassFile(const std::string& name, const std::string& folder,
@@ -82,7 +83,7 @@ std::string findClassFile(const std::string& name, const std::string& folder,
 }
 
 bool isBuiltInClass(std::string_view name) {
-    return sameName(name, "system");
+    return ascii::equal(name, "system");
 }
 
 ClassTree* ClassLoader::read(const std::string& file, Messages& messages) {
@@ -111,7 +112,7 @@ void ClassLoader::link(ClassTree& tree, Messages* messages) {
             heard.add(tree.path, used.line, Problem::ClassNotFound, {used.name});
         else if (used.tree == &tree)
             heard.add(tree.path, used.line, Problem::UsesItself);
-        else if (!used.tree->name.empty() && !sameName(used.tree->name, used.name))
+        else if (!used.tree->name.empty() && !ascii::equal(used.tree->name, used.name))
             heard.add(tree.path, used.line, Problem::OtherClassName, {used.name, used.tree->name});
         else if (!used.tree->complete)
             heard.add(tree.path, used.line, Problem::UsedClassHasErrors, {used.name});

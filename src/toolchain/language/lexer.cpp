@@ -1,30 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/language/lexer.h"
 
+#include "os/text/ascii.h"
+
 #include <array>
 #include <cstdio>
 
 namespace tarn::toolchain {
 namespace {
 
-bool isLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 bool isForeign(char c) {
     return static_cast<unsigned char>(c) >= 128;
-}
-bool isNamePart(char c) {
-    return isLetter(c) || isDigit(c) || c == '_';
-}
-
-int hexDigit(char c) {
-    if (isDigit(c)) return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
 }
 
 // Longest first.
@@ -76,8 +62,8 @@ private:
 
     Token next() {
         const char c = source_[position_];
-        if (isLetter(c)) return name();
-        if (isDigit(c)) return number();
+        if (ascii::isLetter(c)) return name();
+        if (ascii::isDigit(c)) return number();
         if (c == '"') return string();
         for (const std::string_view symbol : Symbols) {
             if (source_.substr(position_, symbol.size()) != symbol) continue;
@@ -90,7 +76,7 @@ private:
 
     Token name() {
         const std::size_t begin = position_;
-        while (position_ < source_.size() && isNamePart(source_[position_])) ++position_;
+        while (position_ < source_.size() && ascii::isSymbol(source_[position_])) ++position_;
         if (atForeignLetter()) return foreignWord(begin);
         Token result = token(TokenKind::Name, begin);
         result.word = wordOf(result.text);
@@ -102,7 +88,7 @@ private:
 
     Token number() {
         const std::size_t begin = position_;
-        while (position_ < source_.size() && isNamePart(source_[position_])) ++position_;
+        while (position_ < source_.size() && ascii::isSymbol(source_[position_])) ++position_;
         Token result = token(TokenKind::Integer, begin);
         std::string_view digits = result.text;
         const bool hex = digits.size() > 2 && (digits[1] == 'x' || digits[1] == 'X') && digits[0] == '0';
@@ -119,7 +105,7 @@ private:
         const std::int64_t most = hex ? 0xFFFFFFFFLL : 0x80000000LL;
         bool large = false;
         for (const char c : digits) {
-            const int digit = hexDigit(c);
+            const int digit = ascii::hexDigit(c);
             if (digit < 0 || (!hex && digit > 9)) {
                 messages_.add(file_, line_, Problem::BadNumber, {result.text});
                 return;
@@ -168,7 +154,7 @@ private:
     Token foreignWord(std::size_t begin) {
         badCharacter(source_[position_]);
         while (position_ < source_.size() &&
-               (isNamePart(source_[position_]) || isForeign(source_[position_])))
+               (ascii::isSymbol(source_[position_]) || isForeign(source_[position_])))
             ++position_;
         return token(TokenKind::Bad, begin);
     }

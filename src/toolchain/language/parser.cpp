@@ -3,6 +3,7 @@
 
 #include "kernel/run/runtime.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 #include "toolchain/language/lexer.h"
 
 #include <array>
@@ -166,7 +167,7 @@ private:
     // ---- the class ----
 
     bool header() {
-        const bool product = here().kind == TokenKind::Name && sameName(here().text, ProductWord);
+        const bool product = here().kind == TokenKind::Name && ascii::equal(here().text, ProductWord);
         if (!product || peek(1).word != Word::Class) {
             report(Problem::NoClass, {ProductWord});
             return false;
@@ -237,7 +238,7 @@ private:
     }
 
     void addToClass(std::unique_ptr<Declaration> item) {
-        const auto [place, isNew] = tree_->names.emplace(fold(item->name), item.get());
+        const auto [place, isNew] = tree_->names.emplace(ascii::lowered(item->name), item.get());
         if (!isNew) {
             const std::string line = std::to_string(place->second->line);
             messages_.add(path_, item->line, Problem::DeclaredTwice, {item->name, line});
@@ -461,12 +462,12 @@ private:
 
     // A function may be declared ahead of its body, once; the checker compares the two heads.
     void addFunction(std::unique_ptr<Declaration> item) {
-        Declaration* earlier = findDeclaration(*tree_, fold(item->name));
+        Declaration* earlier = findDeclaration(*tree_, ascii::lowered(item->name));
         const bool completes = earlier != nullptr && earlier->kind == DeclarationKind::Function &&
                                earlier->function->bodyLine == 0 && item->function->bodyLine != 0 &&
                                !item->function->headHasErrors;
         if (!completes) return addToClass(std::move(item));
-        if (!sameName(headOf(*earlier), headOf(*item))) {
+        if (!ascii::equal(headOf(*earlier), headOf(*item))) {
             const std::string line = std::to_string(earlier->line);
             messages_.add(path_, item->line, Problem::ForwardDiffers, {item->name, line});
             tree_->complete = false;
@@ -475,7 +476,7 @@ private:
         for (auto& parameter : earlier->function->parameters) parameter->owner = tree_;
     }
     static std::string headOf(const Declaration& item) {
-        const std::string folded = fold(item.signature);
+        const std::string folded = ascii::lowered(item.signature);
         const std::size_t begin = folded.find("function ");
         return folded.substr(begin == std::string::npos ? 0 : begin);
     }
@@ -714,7 +715,7 @@ private:
     bool operatorAt(int level, Operator& op) const {
         if (here().kind != TokenKind::Symbol && here().kind != TokenKind::Word) return false;
         for (const LevelEntry& entry : Levels)
-            if (entry.level == level && sameName(entry.text, here().text)) {
+            if (entry.level == level && ascii::equal(entry.text, here().text)) {
                 op = entry.op;
                 return true;
             }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/language/words.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -89,26 +90,11 @@ constexpr bool sorted() {
 }
 static_assert(sorted(), "the look-up is a binary search");
 
-constexpr char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
 }  // namespace
-
-std::string fold(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lower);
-    return result;
-}
-
-bool sameName(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
-}
 
 Word wordOf(std::string_view text) {
     if (text.size() < 2 || text.size() > 8) return Word::None;
-    const std::string folded = fold(text);
+    const std::string folded = ascii::lowered(text);
     const auto found =
         std::lower_bound(Words.begin(), Words.end(), folded,
                          [](const Entry& entry, const std::string& key) { return entry.text < key; });

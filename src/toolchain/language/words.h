@@ -57,9 +57,6 @@ enum class Word : unsigned char {
     While,
 };
 
-std::string fold(std::string_view text);  // ASCII letters in lower case
-bool sameName(std::string_view a, std::string_view b);
-
 // What a run of letters, digits and `_` means; without regard to case.
 Word wordOf(std::string_view text);
 std::string_view spelling(Word word);  // in lower case; empty for None and Later

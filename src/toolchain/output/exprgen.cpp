@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/output/exprgen.h"
 
+#include "os/text/ascii.h"
 #include "toolchain/language/library.h"
 #include "toolchain/language/words.h"
 #include "toolchain/output/names.h"
@@ -54,7 +55,7 @@ std::string ExpressionGenerator::place(const Declaration& item) {
         shared_.foreign.insert(&item);
         return (item.type.type == Type::String ? "&" : "") + itemSymbol(item);
     }
-    const std::string name = "v_" + fold(item.name);
+    const std::string name = "v_" + ascii::lowered(item.name);
     const bool reference = item.kind == DeclarationKind::Parameter && item.mode != Mode::In;
     if (item.type.type != Type::String) return reference ? "(*" + name + ")" : name;
     const bool passed =

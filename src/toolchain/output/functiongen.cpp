@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/output/functiongen.h"
 
+#include "os/text/ascii.h"
 #include "toolchain/language/words.h"
 #include "toolchain/output/exprgen.h"
 #include "toolchain/output/interface.h"
@@ -10,12 +11,12 @@ namespace tarn::toolchain {
 namespace {
 
 std::string parameterText(const Declaration& item) {
-    const std::string name = "v_" + fold(item.name);
+    const std::string name = "v_" + ascii::lowered(item.name);
     if (item.type.type != Type::String)
         return cType(item.type.type) + std::string(item.mode == Mode::In ? " " : " *") + name;
     if (item.mode != Mode::In) return "tarn_string *" + name;
     return std::string("const tarn_string *") + (item.type.maxLength == Unbounded ? "v_" : "a_") +
-           fold(item.name);
+           ascii::lowered(item.name);
 }
 
 bool isString(const Declaration& item) {
@@ -90,16 +91,16 @@ private:
 
     void locals() {
         for (const auto& item : head_.variables) {
-            const std::string name = "v_" + fold(item->name);
+            const std::string name = "v_" + ascii::lowered(item->name);
             out_.line(std::string(cType(item->type.type)) + " " + name + (isString(*item) ? ";" : " = 0;"));
             if (isString(*item)) initialise(name, item->type.maxLength);
         }
         for (const auto& item : head_.parameters) {
-            const std::string name = "v_" + fold(item->name);
+            const std::string name = "v_" + ascii::lowered(item->name);
             if (isCopied(*item)) {
                 out_.line("tarn_string " + name + ";");
                 initialise(name, item->type.maxLength);
-                out_.line("tarn_string_assign(&" + name + ", a_" + fold(item->name) + ");");
+                out_.line("tarn_string_assign(&" + name + ", a_" + ascii::lowered(item->name) + ");");
             } else if (item->mode == Mode::Out) {
                 out_.line(isString(*item) ? "tarn_string_assign_bytes(" + name + ", \"\", 0);"
                                           : "*" + name + " = 0;");
@@ -127,9 +128,9 @@ private:
 
     void leave() {
         for (auto item = head_.parameters.rbegin(); item != head_.parameters.rend(); ++item)
-            if (isCopied(**item)) out_.line("tarn_string_free(&v_" + fold((*item)->name) + ");");
+            if (isCopied(**item)) out_.line("tarn_string_free(&v_" + ascii::lowered((*item)->name) + ");");
         for (auto item = head_.variables.rbegin(); item != head_.variables.rend(); ++item)
-            if (isString(**item)) out_.line("tarn_string_free(&v_" + fold((*item)->name) + ");");
+            if (isString(**item)) out_.line("tarn_string_free(&v_" + ascii::lowered((*item)->name) + ");");
         if (!head_.isOnerror) out_.line("tarn_leave();");
     }
 
@@ -144,7 +145,7 @@ private:
         out_.line("leave:;");
         const std::string body = out_.takeLines();
         leave();
-        const std::string code = "v_" + fold(head_.parameters[0]->name);
+        const std::string code = "v_" + ascii::lowered(head_.parameters[0]->name);
         std::string guard = "    const int32_t line = tarn_current_line;\n";
         if (head_.hasRange)
             guard += "    if (" + code + " < " + std::to_string(head_.firstCode) + " || " + code + " > " +

@@ -2,6 +2,7 @@
 #include "toolchain/output/generator.h"
 
 #include "kernel/run/runtime.h"
+#include "os/text/ascii.h"
 #include "toolchain/language/library.h"
 #include "toolchain/language/words.h"
 #include "toolchain/output/functiongen.h"
@@ -68,9 +69,9 @@ private:
     // Calls the same step of each class that this one uses, once however often it is reached.
     std::string step(std::string_view what) const {
         std::string result;
-        std::set<std::string> done{fold(tree_.name)};
+        std::set<std::string> done{ascii::lowered(tree_.name)};
         for (const UsedClass& used : tree_.uses) {
-            if (used.tree == nullptr || !done.insert(fold(used.tree->name)).second) continue;
+            if (used.tree == nullptr || !done.insert(ascii::lowered(used.tree->name)).second) continue;
             result += "    { extern void " + classSymbol(used.tree->name, what) + "(void); " +
                       classSymbol(used.tree->name, what) + "(); }\n";
         }

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/output/names.h"
 
+#include "os/text/ascii.h"
 #include "toolchain/language/words.h"
 
 namespace tarn::toolchain {
 namespace {
 
 std::string prefix(const std::string& className) {
-    return std::to_string(className.size()) + fold(className) + "_";
+    return std::to_string(className.size()) + ascii::lowered(className) + "_";
 }
 
 }  // namespace
@@ -18,7 +19,7 @@ std::string classSymbol(const std::string& className, std::string_view what) {
 
 std::string itemSymbol(const Declaration& item) {
     const char* kind = item.kind == DeclarationKind::Function ? "f" : "g";
-    return kind + prefix(item.owner->name) + fold(item.name);
+    return kind + prefix(item.owner->name) + ascii::lowered(item.name);
 }
 
 std::string cString(std::string_view bytes) {

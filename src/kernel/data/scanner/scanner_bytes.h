@@ -47,8 +47,4 @@ inline bool isByte(unsigned char c, ByteClass wanted) {
     return (ByteClasses[c] & wanted) != 0;
 }
 
-constexpr unsigned char upperByte(unsigned char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 'a' + 'A') : c;
-}
-
 }  // namespace tarn

@@ -2,14 +2,15 @@
 #include "kernel/data/scanner/scanner_match_internal.h"
 
 #include "kernel/data/scanner/scanner_bytes.h"
+#include "os/text/ascii.h"
 
 namespace tarn {
 
 constexpr SymbolMatcher::Columns SymbolMatcher::columnsOf(bool ignoreCase) {
     Columns result{};
     for (std::size_t c = 32; c <= 126; ++c) {
-        const auto byte = static_cast<unsigned char>(c);
-        result[c] = static_cast<std::uint8_t>((ignoreCase ? upperByte(byte) : byte) - 31);
+        const char byte = static_cast<char>(c);
+        result[c] = static_cast<std::uint8_t>((ignoreCase ? ascii::upper(byte) : byte) - 31);
     }
     return result;
 }

@@ -4,6 +4,7 @@
 #include "kernel/data/scanner/scanner_table_internal.h"
 
 #include "kernel/data/scanner/scanner_bytes.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <cstring>
@@ -40,8 +41,8 @@ int compareKeys(std::string_view a, std::string_view b, bool ignoreCase) {
     if (!ignoreCase) return a.compare(b);
     const std::size_t common = std::min(a.size(), b.size());
     for (std::size_t i = 0; i < common; ++i) {
-        const int left = upperByte(static_cast<unsigned char>(a[i]));
-        const int right = upperByte(static_cast<unsigned char>(b[i]));
+        const int left = static_cast<unsigned char>(ascii::upper(a[i]));
+        const int right = static_cast<unsigned char>(ascii::upper(b[i]));
         if (left != right) return left - right;
     }
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
@@ -106,9 +107,7 @@ void storeText(char (&into)[MaxSymbolKey + 1], std::string_view text) {
     text = text.substr(0, MaxSymbolKey);
     const bool upper = text.starts_with(classMark);
     std::memset(into, 0, sizeof into);
-    std::transform(text.begin(), text.end(), into, [=](char c) {
-        return upper ? static_cast<char>(upperByte(static_cast<unsigned char>(c))) : c;
-    });
+    std::transform(text.begin(), text.end(), into, [=](char c) { return upper ? ascii::upper(c) : c; });
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "os/paths.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <new>
@@ -20,9 +21,6 @@ namespace {
 
 constexpr std::string_view nullWord = "NULL";
 
-bool isLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
 bool isPrintable(char c) {
     return c >= ' ' && c <= '~';
 }
@@ -36,10 +34,9 @@ std::string_view trimmed(std::string_view text) {
 
 // A name as type information text holds it: one that is no identifier stands in quotes.
 std::string quotedName(std::string_view name) {
-    const bool plain = isLetter(name[0]) || name[0] == '_';
-    const bool good = plain && std::all_of(name.begin(), name.end(), [](char c) {
-                          return isLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '.' || c == ':';
-                      });
+    const auto isPart = [](char c) { return ascii::isSymbol(c) || c == '.' || c == ':'; };
+    const bool plain = ascii::isLetter(name[0]) || name[0] == '_';
+    const bool good = plain && std::all_of(name.begin(), name.end(), isPart);
     return good ? std::string(name) : '"' + std::string(name) + '"';
 }
 

@@ -9,6 +9,7 @@
 #include "kernel/run/fileerrors.h"
 #include "kernel/run/progress.h"
 #include "kernel/run/runtime.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <cstring>
@@ -30,10 +31,6 @@ constexpr std::int64_t mostHeld = 256 * 1024 * 1024;
 const char* findByte(const char* from, const char* to, int byte) {
     const void* found = from == to ? nullptr : std::memchr(from, byte, static_cast<std::size_t>(to - from));
     return found != nullptr ? static_cast<const char*>(found) : to;
-}
-
-bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
 }  // namespace
@@ -245,7 +242,7 @@ std::string_view UnquotedText(std::string_view quoted, std::string& scratch) {
 }
 
 void TabCells::skipBlanks() {
-    while (at_ != end_ && isBlank(*at_) && static_cast<unsigned char>(*at_) != separator_) ++at_;
+    while (at_ != end_ && ascii::isSpace(*at_) && static_cast<unsigned char>(*at_) != separator_) ++at_;
 }
 
 std::string_view TabCells::nextPlain() {

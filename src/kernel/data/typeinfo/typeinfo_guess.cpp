@@ -36,7 +36,7 @@ bool readsAsBoolean(std::string_view value) {
 bool readsAsInteger(std::string_view value) {
     value = Unpadded(value);
     if (!value.empty() && (value.front() == '+' || value.front() == '-')) value.remove_prefix(1);
-    return !value.empty() && std::all_of(value.begin(), value.end(), isDigit);
+    return !value.empty() && std::all_of(value.begin(), value.end(), ascii::isDigit);
 }
 bool fitsInteger(std::string_view value) {
     value = Unpadded(value);
@@ -120,7 +120,7 @@ ValueGuess TypeInfoGuessValue(std::string_view value, std::string_view nullWord)
     const ErrorCellAside aside;
     const std::string_view shown = withoutSpaceBefore(value);
     if (shown.empty()) return {};
-    if (!nullWord.empty() && equalWords(shown.substr(0, nullWord.size()), nullWord)) return {};
+    if (!nullWord.empty() && ascii::equal(shown.substr(0, nullWord.size()), nullWord)) return {};
     if (readsAsBoolean(shown)) return {ValueClass::Boolean};
     if (readsAsInteger(shown)) return {ValueClass::Integer};
     if (readsAsFixed(shown)) return {ValueClass::Fixed};

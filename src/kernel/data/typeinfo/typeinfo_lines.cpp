@@ -18,14 +18,14 @@ constexpr std::size_t longestBound = 34;  // digits
 
 class LineReader {
 public:
-    explicit LineReader(std::string_view line) : body_(withoutLineEnd(line)) { line_.text = line; }
+    explicit LineReader(std::string_view line) : body_(ascii::withoutLineEnd(line)) { line_.text = line; }
 
     Line read() {
         skipBlanks();
         line_.indent = static_cast<std::int32_t>(at_);
         if (peek() == '"' ? !quotedName() : !plainName()) return line_;
         const std::size_t start = skipBlanks();
-        while (isTypeChar(peek())) ++at_;
+        while (ascii::isSymbol(peek())) ++at_;
         line_.typeName = body_.substr(start, std::min<std::size_t>(at_ - start, MaxTypeName));
         line_.typeEnd = at_;
         skipBlanks();
@@ -44,7 +44,7 @@ private:
         return true;
     }
     std::size_t skipBlanks() {
-        while (isBlank(peek())) ++at_;
+        while (ascii::isBlank(peek())) ++at_;
         return at_;
     }
     // The name stands at `start`; what parts it from the type, as far as it was not read yet, follows here.
@@ -69,7 +69,7 @@ private:
         std::string_view name = body_.substr(start, at_ - start);
         const bool colon = !name.empty() && name.back() == ':';
         skipBlanks();
-        if (!colon && !isTypeChar(peek()) && peek() != ':') name = splitName(start, name);
+        if (!colon && !ascii::isSymbol(peek()) && peek() != ':') name = splitName(start, name);
         while (!name.empty() && name.back() == ':') name.remove_suffix(1);
         return setName(start, name);
     }
@@ -78,7 +78,7 @@ private:
         const std::size_t colon = name.rfind(':');
         if (colon == npos) return name;
         const std::string_view type = name.substr(colon + 1);
-        if (!std::all_of(type.begin(), type.end(), isTypeChar)) return name;
+        if (!std::all_of(type.begin(), type.end(), ascii::isSymbol)) return name;
         at_ = start + colon + 1;
         return name.substr(0, colon);
     }
@@ -97,7 +97,7 @@ private:
         const std::size_t start = skipBlanks();
         if (!accept('+')) accept('-');
         const std::size_t digits = at_;
-        while (isDigit(peek())) ++at_;
+        while (ascii::isDigit(peek())) ++at_;
         if (at_ == digits) return false;
         std::size_t end = 0;
         const std::size_t used = std::min(at_ - digits, longestBound);
@@ -134,7 +134,7 @@ constexpr struct {
 bool isBlockWord(std::string_view word) {
     constexpr std::string_view words[] = {"record", "union", "list", "table"};
     return std::any_of(std::begin(words), std::end(words),
-                       [=](std::string_view each) { return equalWords(word, each); });
+                       [=](std::string_view each) { return ascii::equal(word, each); });
 }
 
 void appendRange(std::string& text, std::int32_t lb, std::int32_t ub, std::string_view before) {
@@ -150,8 +150,8 @@ Line readLine(std::string_view line) {
 
 std::string_view lineOf(std::string_view text, std::int32_t number) {
     if (number < 1) return {};
-    while (--number > 0 && !text.empty()) takeLine(text);
-    return takeLine(text);
+    while (--number > 0 && !text.empty()) ascii::takeLine(text);
+    return ascii::takeLine(text);
 }
 
 std::int32_t countLines(std::string_view text) {
@@ -232,7 +232,7 @@ void TypeInfoChangeIndent(std::int32_t delta, std::string& text, std::int32_t si
     std::int64_t removed = 0;
     std::string out;
     for (std::string_view rest = text; !rest.empty() && out.size() < most;) {
-        std::string_view line = takeLine(rest);
+        std::string_view line = ascii::takeLine(rest);
         if (line.back() != '\n') break;
         out.append(std::min(added, most - out.size()), '\t');
         for (removed = delta; removed < 0 && line.front() == '\t'; ++removed) line.remove_prefix(1);
@@ -245,7 +245,7 @@ void TypeInfoChangeIndent(std::int32_t delta, std::string& text, std::int32_t si
 std::int32_t TypeInfoCountElements(std::string_view text, std::int32_t indent) {
     std::int32_t count = 0;
     while (!text.empty()) {
-        const Line line = readLine(takeLine(text));
+        const Line line = readLine(ascii::takeLine(text));
         if (line.indent == indent && !line.isEnd()) ++count;
     }
     return count;
@@ -254,8 +254,8 @@ std::int32_t TypeInfoCountElements(std::string_view text, std::int32_t indent) {
 std::int32_t TypeInfoFindElement(std::string_view text, std::string_view name, std::int32_t indent) {
     std::int32_t found = -1;
     for (std::int32_t number = 1; !text.empty(); ++number) {
-        const Line line = readLine(takeLine(text));
-        if (line.indent == indent && !line.isEnd() && equalWords(line.name, name)) found = number;
+        const Line line = readLine(ascii::takeLine(text));
+        if (line.indent == indent && !line.isEnd() && ascii::equal(line.name, name)) found = number;
     }
     return found;
 }
@@ -271,7 +271,7 @@ void TypeInfoFormatLine(std::string& text, std::int32_t size, std::int32_t line,
     const std::string_view old = lineOf(text, line);
     if (old.empty()) return;
     const auto start = static_cast<std::size_t>(old.data() - text.data());
-    const std::string_view body = withoutLineEnd(old);
+    const std::string_view body = ascii::withoutLineEnd(old);
     const auto indent = static_cast<std::size_t>(readLine(old).indent);
     std::string fresh(name);
     fresh.append(" : ").append(typeName) += boundsText(bounds);
@@ -303,7 +303,7 @@ void TypeInfoAppendLineToString(StringDescriptor* text, std::string_view name, s
 
 std::int32_t TypeInfoKind(std::string_view typeName) {
     const auto* const row = std::find_if(std::begin(kinds), std::end(kinds),
-                                         [&](const auto& k) { return equalWords(k.name, typeName); });
+                                         [&](const auto& k) { return ascii::equal(k.name, typeName); });
     return row != std::end(kinds) ? row->kind : std::int32_t{KindNone};
 }
 

@@ -24,7 +24,7 @@ constexpr std::size_t npos = std::string_view::npos;
 
 std::string_view nameOf(const Line& line) {
     if (line.isEnd()) return "end";
-    return line.name.empty() ? trimmed(withoutLineEnd(line.text)) : line.name;
+    return line.name.empty() ? trimmed(ascii::withoutLineEnd(line.text)) : line.name;
 }
 
 std::string_view shownName(const Line& line) {
@@ -32,7 +32,7 @@ std::string_view shownName(const Line& line) {
 }
 
 bool sameElement(const Line& a, const Line& b) {
-    return nameOf(a) == nameOf(b) && equalWords(a.typeName, b.typeName);
+    return nameOf(a) == nameOf(b) && ascii::equal(a.typeName, b.typeName);
 }
 
 // ---- the lines of a declaration ----
@@ -40,7 +40,7 @@ bool sameElement(const Line& a, const Line& b) {
 class Declaration {
 public:
     explicit Declaration(std::string_view text) {
-        while (!text.empty()) lines_.push_back(readLine(takeLine(text)));
+        while (!text.empty()) lines_.push_back(readLine(ascii::takeLine(text)));
     }
     [[nodiscard]] std::size_t size() const { return lines_.size(); }
     const Line& operator[](std::size_t at) const { return lines_[at]; }
@@ -156,7 +156,7 @@ constexpr struct {
 
 unsigned classesOf(const Line& line) {
     for (const auto& row : typeClasses)
-        if (equalWords(row.name, line.typeName)) return row.classes;
+        if (ascii::equal(row.name, line.typeName)) return row.classes;
     const std::int32_t kind = TypeInfoKind(line.typeName);
     const bool holdsData = kind == KindEnum || kind == KindString || kind == KindSet || kind == KindArray;
     return holdsData || line.bounds.lb1 != TypeInfoNoValue ? unsigned{Bounded} : 0U;
@@ -182,7 +182,7 @@ bool holdsEvery(const Line& line) {
     const TypeBounds& b = line.bounds;
     const std::int32_t kind = TypeInfoKind(line.typeName);
     if (kind == KindSet) return b.lb1 == TypeInfoNoValue && b.ub1 == TypeInfoNoValue;
-    const bool text = kind == KindString && !equalWords(line.typeName, "any");
+    const bool text = kind == KindString && !ascii::equal(line.typeName, "any");
     return text && (b.lb1 == TypeInfoNoValue || b.lb1 == UNBOUNDED);
 }
 
@@ -304,13 +304,13 @@ private:
     }
     void put(const Line& line, std::int32_t indent) {
         if (line.indent != indent)
-            putText(indent, withoutLineEnd(line.text).substr(static_cast<std::size_t>(line.indent)));
+            putText(indent, ascii::withoutLineEnd(line.text).substr(static_cast<std::size_t>(line.indent)));
         else
             putLine(0, line.text, line.text.back() == '\n' ? "" : "\n");
     }
     // The line up to its bracket, and new bounds.
     void putWithBounds(const Line& line, const TypeBounds& bounds) {
-        const std::string_view body = withoutLineEnd(line.text);
+        const std::string_view body = ascii::withoutLineEnd(line.text);
         std::string_view head = body.substr(0, body.find('[', line.typeEnd));
         head.remove_prefix(static_cast<std::size_t>(line.indent));
         putText(a_[i_].indent, std::string(trimmed(head)) + boundsText(bounds));

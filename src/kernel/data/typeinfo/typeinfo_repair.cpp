@@ -51,7 +51,7 @@ NamedLine splitName(std::string_view line) {
 bool beginsAsClosing(std::string_view line) {
     constexpr std::string_view closings[] = {"end record", "end list", "end table", "end union"};
     return std::any_of(std::begin(closings), std::end(closings), [&](std::string_view closing) {
-        return equalWords(line.substr(0, closing.size()), closing);
+        return ascii::equal(line.substr(0, closing.size()), closing);
     });
 }
 
@@ -89,7 +89,7 @@ template <class Repair>
 std::string repairedText(std::string_view rest, bool dropDeleteFlag, Repair repair) {
     std::string result;
     while (!rest.empty()) {
-        const std::string_view line = takeLine(rest), body = withoutLineEnd(line);
+        const std::string_view line = ascii::takeLine(rest), body = ascii::withoutLineEnd(line);
         const std::size_t indent = std::min(body.find_first_not_of(" \t"), body.size());
         const std::string_view shown = body.substr(indent);
         if (dropDeleteFlag && isDeleteFlag(shown)) continue;
@@ -102,11 +102,11 @@ std::string repairedText(std::string_view rest, bool dropDeleteFlag, Repair repa
 
 std::string TypeInfoIdentifier(std::string_view text, std::int32_t maxLength, std::string_view replacement) {
     const auto most = static_cast<std::size_t>(std::max(maxLength, 0));
-    const bool startsWord = !replacement.empty() && isLetter(replacement.front());
+    const bool startsWord = !replacement.empty() && ascii::isLetter(replacement.front());
     std::string word;
     for (std::size_t i = 0; i < text.size() && word.size() < most; ++i) {
         const char c = text[i];
-        if (isLetter(c) || (i > 0 && isDigit(c)))
+        if (ascii::isLetter(c) || (i > 0 && ascii::isDigit(c)))
             word += c;
         else if (i > 0 || startsWord)
             word += replacement;
@@ -122,9 +122,9 @@ std::string TypeInfoIdentifier(std::string_view text, std::string_view firstSet,
     const std::string_view put = replacement.substr(0, 1);
     const bool first = !text.empty() && firstSet.find(text[0]) != npos;
     std::string word;
-    if (!text.empty() && !isLetter(text[0]) && !first) word += put;
+    if (!text.empty() && !ascii::isLetter(text[0]) && !first) word += put;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (isTypeChar(text[i]) || (i == 0 && first))
+        if (ascii::isSymbol(text[i]) || (i == 0 && first))
             word += text[i];
         else
             word += put;

@@ -21,10 +21,10 @@ std::int32_t closingLine(std::string_view text) {
 }
 
 bool isListOrTable(std::string_view typeName) {
-    return equalWords(typeName, "list") || equalWords(typeName, "table");
+    return ascii::equal(typeName, "list") || ascii::equal(typeName, "table");
 }
 bool isRecord(std::string_view typeName) {
-    return equalWords(typeName, "record");
+    return ascii::equal(typeName, "record");
 }
 
 void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view)) {
@@ -39,7 +39,7 @@ void stripPair(std::string& text, std::int32_t size, bool opens(std::string_view
 
 bool TypeInfoIsNested(const TypeInfoElement& element) {
     const std::string& type = element.typeName;
-    return isRecord(type) || equalWords(type, "union") || isListOrTable(type);
+    return isRecord(type) || ascii::equal(type, "union") || isListOrTable(type);
 }
 
 void TypeInfoStripOuter(std::string& text, std::int32_t size) {

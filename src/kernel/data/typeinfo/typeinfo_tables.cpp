@@ -29,12 +29,12 @@ std::string descriptionOf(std::string_view text) {
     std::size_t end = 0;
     TypeInfoToValue(text, end, nullptr);
     std::string_view rest = text.substr(0, end);
-    takeLine(rest);
+    ascii::takeLine(rest);
     std::string description;
     while (!rest.empty()) {
-        const std::string_view line = takeLine(rest);
+        const std::string_view line = ascii::takeLine(rest);
         if (rest.empty() && readLine(line).isEnd()) break;
-        std::string shown(withoutLineEnd(line));
+        std::string shown(ascii::withoutLineEnd(line));
         std::replace(shown.begin(), shown.end(), '\t', ' ');
         description.append(trimmed(shown)) += '\n';
     }
@@ -62,7 +62,7 @@ std::string namesOf(std::string_view description) {
 // The mark of a deleted row, in tables that come from files with such marks.
 bool beginsWithDeleteFlag(std::string_view description) {
     const Line first = readLine(lineOf(description, 1));
-    return equalWords(first.name, "delete_flag") && equalWords(first.typeName, "Tchar");
+    return ascii::equal(first.name, "delete_flag") && ascii::equal(first.typeName, "Tchar");
 }
 
 // ---- keys ----
@@ -162,7 +162,7 @@ FieldList TypeInfoFieldList(std::string_view tableTypeText) {
     std::string_view names;
     const std::string all = namesOf(row.description);
     names = all;
-    if (beginsWithDeleteFlag(row.description)) takeLine(names);
+    if (beginsWithDeleteFlag(row.description)) ascii::takeLine(names);
     list.names = names;
     list.keys = keysOf(row);
     return list;

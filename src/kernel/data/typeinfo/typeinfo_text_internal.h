@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,48 +15,17 @@
 
 namespace tarn::typeinfo {
 
-constexpr bool isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-constexpr bool isLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-constexpr bool isTypeChar(char c) {
-    return isLetter(c) || isDigit(c) || c == '_';
-}
 constexpr bool isNameChar(char c) {
-    return isTypeChar(c) || c == '-' || c == '.' || c == ':';
-}
-constexpr char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
-constexpr bool equalWords(std::string_view a, std::string_view b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); });
-}
-
-// Takes the next line off `rest`, with its line feed; empty at the end of the text.
-constexpr std::string_view takeLine(std::string_view& rest) {
-    const std::size_t end = rest.find('\n');
-    const std::string_view line = rest.substr(0, end == std::string_view::npos ? end : end + 1);
-    rest.remove_prefix(line.size());
-    return line;
-}
-constexpr std::string_view withoutLineEnd(std::string_view line) {
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
-    return line;
+    return ascii::isSymbol(c) || c == '-' || c == '.' || c == ':';
 }
 constexpr std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && ascii::isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && ascii::isBlank(text.back())) text.remove_suffix(1);
     return text;
 }
 
 constexpr bool isEndName(std::string_view name) {
-    return equalWords(name, "end");
+    return ascii::equal(name, "end");
 }
 
 struct Line {

@@ -28,7 +28,7 @@ namespace {
 constexpr std::int32_t lengthOfAny = 1024;
 
 std::int32_t capacityOf(const Line& line) {
-    if (equalWords(line.typeName, "any")) return lengthOfAny;
+    if (ascii::equal(line.typeName, "any")) return lengthOfAny;
     return line.bounds.lb1 == TypeInfoNoValue ? UNBOUNDED : line.bounds.lb1;
 }
 
@@ -84,7 +84,7 @@ public:
     }
 
 private:
-    Line nextLine() { return readLine(takeLine(rest_)); }
+    Line nextLine() { return readLine(ascii::takeLine(rest_)); }
 
     std::int32_t element(const Line& line, void* value, std::int32_t depth) {
         if (line.isEnd()) return KindNone;
@@ -229,7 +229,8 @@ void printField(const void* value, Kind kind, const std::string& name, std::stri
 // ---- matching ----
 
 bool isIdentifier(std::string_view name) {
-    return !name.empty() && isLetter(name.front()) && std::all_of(name.begin(), name.end(), isTypeChar);
+    return !name.empty() && ascii::isLetter(name.front()) &&
+           std::all_of(name.begin(), name.end(), ascii::isSymbol);
 }
 
 // What a declared element says of the bounds of its value.
@@ -268,8 +269,8 @@ Source sourceOf(std::string_view text) {
     Source source{std::string(text.substr(0, MaxTypeInfo - 1))};
     if (!source.text.empty() && source.text.back() != '\n') source.text += '\n';
     const auto kindOf = [](const Line& line) {
-        if (equalWords(line.typeName, "list")) return std::int32_t{KindList};
-        return equalWords(line.typeName, "table") ? std::int32_t{KindTable} : std::int32_t{KindNone};
+        if (ascii::equal(line.typeName, "list")) return std::int32_t{KindList};
+        return ascii::equal(line.typeName, "table") ? std::int32_t{KindTable} : std::int32_t{KindNone};
     };
     dropEmptyLines(source.text);
     const std::int32_t lines = countLines(source.text);
@@ -340,7 +341,7 @@ void TypeInfoToList(const StringDescriptor* text, ListDescriptor* value) {
 }
 
 std::string TypeInfoDefaultName(std::string_view names, std::int32_t number) {
-    const std::string_view line = trimmed(withoutLineEnd(lineOf(names, number)));
+    const std::string_view line = trimmed(ascii::withoutLineEnd(lineOf(names, number)));
     const bool quoted = !line.empty() && line.front() == '"';
     std::string_view name = quoted ? readLine(line).name : std::string_view();
     if (name.size() > longestName) return std::string(name.substr(0, longestName - 1)) + '"';
@@ -369,7 +370,7 @@ std::int32_t TypeInfoMatchesValue(std::string_view text, const RecordDescriptor*
     const std::int32_t declared = countLines(text), fields = FieldCountOf(value->kinds);
     const std::int32_t common = std::min(declared, fields);
     for (std::int32_t n = 1; n <= common; ++n)
-        if (!matchesField(readLine(takeLine(text)), RecordFieldAddress(value, n),
+        if (!matchesField(readLine(ascii::takeLine(text)), RecordFieldAddress(value, n),
                           FieldKindAt(value->kinds, n)))
             return n;
     return declared == fields ? 0 : common + 1;
@@ -383,7 +384,7 @@ bool TypeInfoIsPath(std::string_view text, std::string_view path) {
         path.remove_prefix(1);
         const std::string_view segment = path.substr(0, path.find('/'));
         path.remove_prefix(segment.size());
-        if (segment.empty() || !equalWords(readLine(takeLine(text)).typeName, segment)) return false;
+        if (segment.empty() || !ascii::equal(readLine(ascii::takeLine(text)).typeName, segment)) return false;
     }
     return true;
 }

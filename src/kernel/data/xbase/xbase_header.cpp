@@ -4,6 +4,7 @@
 #include "kernel/data/datafile.h"
 #include "kernel/data/xbase/xbase_access_internal.h"
 #include "kernel/run/runtime.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <cstring>
@@ -37,7 +38,7 @@ std::int32_t fieldsIn(std::int32_t headerSize) {
 }
 
 bool isFieldType(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z');
+    return ascii::isDigit(c) || ascii::isUpper(c);
 }
 
 std::string startProblem(std::string_view bytes, const XbaseHeader& header) {

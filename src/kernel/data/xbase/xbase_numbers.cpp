@@ -5,6 +5,7 @@
 #include "kernel/data/short_number.h"
 #include "kernel/data/xbase/xbase_access_internal.h"
 #include "kernel/text/fixed.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <charconv>
@@ -22,9 +23,6 @@ std::string_view withoutFill(std::string_view text) {
     while (!text.empty() && IsXbaseFill(text.front())) text.remove_prefix(1);
     return text;
 }
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 // False for what has another form, or digits that are more than a real holds exactly.
 bool readShort(std::string_view text, ShortNumber& number) {
@@ -39,7 +37,7 @@ bool readShort(std::string_view text, ShortNumber& number) {
             point = at;
             continue;
         }
-        if (!isDigit(*at) || ++digits > most) return false;
+        if (!ascii::isDigit(*at) || ++digits > most) return false;
         number.digits = number.digits * 10 + (*at - '0');
     }
     number.decimals = point == nullptr ? 0 : static_cast<std::int32_t>(end - point) - 1;
@@ -58,7 +56,7 @@ bool readInteger(std::string_view text, std::int64_t lowest, std::int64_t highes
     if (decimals.find_first_not_of('0') != std::string_view::npos) return false;
     std::int64_t magnitude = 0;
     for (const char c : whole) {
-        if (!isDigit(c)) return false;
+        if (!ascii::isDigit(c)) return false;
         magnitude = std::min(magnitude * 10 + (c - '0'), std::int64_t{INT32_MAX} + 2);
     }
     const std::int64_t number = negative ? -magnitude : magnitude;

@@ -8,6 +8,7 @@
 #include "kernel/data/value_line.h"
 #include "kernel/data/xml/xml_reader_internal.h"
 #include "kernel/run/errors.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -43,9 +44,8 @@ char byteOf(std::string_view digits) {
         digits.remove_prefix(1);
     }
     for (const char c : digits) {
-        const int letter = (c | 32) - 'a' + 10;
-        const auto digit = static_cast<unsigned>(c <= '9' ? c - '0' : letter);
-        if (digit >= base) break;
+        const auto digit = static_cast<unsigned>(ascii::hexDigit(c));
+        if (digit >= base) break;  // or no digit at all
         value = value * base + digit;
     }
     return static_cast<char>(value & 255U);

@@ -6,6 +6,7 @@
 #include "kernel/data/xml/xml_reader_internal.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/records.h"
+#include "os/text/ascii.h"
 
 #include <optional>
 #include <utility>
@@ -18,13 +19,6 @@ constexpr std::string_view anyType = " : Any";
 
 bool isSymbol(std::int32_t symbol) {
     return ScannerSymbol() == symbol;
-}
-
-bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
-    if (text.size() != lower.size()) return false;
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if ((text[i] >= 'A' && text[i] <= 'Z' ? text[i] + 32 : text[i]) != lower[i]) return false;
-    return true;
 }
 
 // The text with its references expanded; what has none is not copied.
@@ -72,8 +66,8 @@ public:
     // The type text of the element `name`, from the fields alone.
     [[nodiscard]] std::string typeText(std::string_view name) const {
         if (count_ == 0) return {};
-        const bool record = equalsIgnoringCase(result_.typeAttribute, "record") ||
-                            equalsIgnoringCase(result_.typeAttribute, "union");
+        const bool record =
+            ascii::equal(result_.typeAttribute, "record") || ascii::equal(result_.typeAttribute, "union");
         if (count_ == 1 && !record)
             return DataValueLine(found_->firstValue, name, {}, std::string(name).append(anyType));
         return std::string(name) + " : record\n" + found_->fields + "end record\n";
@@ -84,9 +78,9 @@ private:
 
     void readOne() {
         const std::string_view name = ScannerSymbolStr();
-        const Meaning meaning = equalsIgnoringCase(name, "type")    ? Meaning::Type
-                                : equalsIgnoringCase(name, "index") ? Meaning::Index
-                                                                    : Meaning::Field;
+        const Meaning meaning = ascii::equal(name, "type")    ? Meaning::Type
+                                : ascii::equal(name, "index") ? Meaning::Index
+                                                              : Meaning::Field;
         if (found_) found_->name = name;
         if (!takePlain(meaning) && !takeScanned(meaning)) return;
         XmlNext(reader_);

@@ -9,6 +9,7 @@
 #include "kernel/data/xml/xml_reader_internal.h"
 #include "kernel/run/progress.h"
 #include "os/files.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 
@@ -107,10 +108,8 @@ private:
     }
     // `type` and `index` say how to read an element and are no data.
     void takeAttribute(Tag& tag) {
-        std::string name = attribute_;
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-        if (name != "type" && name != "index") tag.attributes.push_back(attribute_);
+        if (!ascii::equal(attribute_, "type") && !ascii::equal(attribute_, "index"))
+            tag.attributes.push_back(attribute_);
         attribute_.clear();
     }
 

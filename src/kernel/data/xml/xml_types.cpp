@@ -7,6 +7,7 @@
 #include "kernel/data/value_line.h"
 #include "kernel/data/xml/xml_reader_internal.h"
 #include "kernel/run/errors.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <utility>
@@ -17,13 +18,6 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t most = std::size_t{MaxXmlTypeText};
-
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-    return lower;
-}
 
 std::string block(std::string_view name, std::string_view type, std::string_view inner) {
     std::string text(name);
@@ -98,9 +92,9 @@ void alignReals(std::string& a, std::string& b) {
 // left without their end.
 void applyTypeAttribute(std::string& text, std::string_view name, std::string_view attribute) {
     if (!text.empty() && !isOneLine(text)) return;
-    const std::string lower = lowerCase(attribute);
+    const std::string lower = ascii::lowered(attribute);
     const TypeInfoElement element = TypeInfoParseLine(std::string("x : ").append(attribute), 1);
-    const std::string type = lowerCase(element.typeName);
+    const std::string type = ascii::lowered(element.typeName);
     const std::int32_t kind = TypeInfoKind(type);
     const bool many = lower.starts_with("list") || lower.starts_with("table");
     if (kind == KindList || type == "table" || (many && text.empty())) {
@@ -125,7 +119,7 @@ void XmlAppendDeeper(std::string& to, std::string_view text) {
 
 void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_view child,
                         std::string_view text) {
-    if (!names_.insert(lowerCase(child)).second)
+    if (!names_.insert(ascii::lowered(child)).second)
         return XmlReport(reader, ERR_XML_DATA,
                          "Element '" + std::string(child) + "' occurred multiple times in the record '" +
                              std::string(parent) + "'");
@@ -169,7 +163,7 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
     if (children_ == 2) {
         list_ = child == first_;
         if (!list_) text_ = fieldText(first_, text_);
-        names_.insert(lowerCase(first_));
+        names_.insert(ascii::lowered(first_));
     }
     if (list_)
         addElement(reader, child, firstLine, result.typeText);

@@ -4,18 +4,13 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/xml/xml.h"
 #include "kernel/data/xml/xml_reader_internal.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 
 namespace tarn {
 
 namespace {
-
-std::string lowerCase(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-    return text;
-}
 
 // Quotes go, and what cannot stand in the name of an element becomes "_".
 std::string elementName(std::string_view name) {
@@ -86,16 +81,16 @@ XmlNames XmlFieldNames(const XmlNames& given, std::int32_t count) {
     XmlNames names, lower;
     for (std::size_t n = 0; n < static_cast<std::size_t>(count); ++n) {
         std::string name = n < given.size() ? elementName(given[n]) : std::string();
-        if (name.empty() || std::find(lower.begin(), lower.end(), lowerCase(name)) != lower.end())
+        if (name.empty() || std::find(lower.begin(), lower.end(), ascii::lowered(name)) != lower.end())
             name = "Field" + std::to_string(n + 1);
-        lower.push_back(lowerCase(name));
+        lower.push_back(ascii::lowered(name));
         names.push_back(std::move(name));
     }
     return names;
 }
 
 bool XmlIsReserved(std::string_view name) {
-    const std::string lower = lowerCase(std::string(name));
+    const std::string lower = ascii::lowered(name);
     return lower == "type" || lower == "index";
 }
 
