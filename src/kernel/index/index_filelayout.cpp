@@ -14,7 +14,7 @@ namespace {
 void decodeNumber(Kind kind, const char* bytes, char* value) {
     switch (kind) {
     case KindInteger: WriteAt(value, WordAt(bytes)); break;
-    case KindFixed: WriteAt(value, __builtin_bswap64(ReadAt<std::uint64_t>(bytes))); break;
+    case KindFixed: WriteAt(value, bigendian::at<std::uint64_t>(bytes)); break;
     case KindReal: std::memcpy(value, bytes, sizeof(double)); break;
     default: *value = *bytes;
     }

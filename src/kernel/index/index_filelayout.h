@@ -5,9 +5,9 @@
 #pragma once
 
 #include "kernel/index/index_file.h"
+#include "os/text/bigendian.h"
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -18,13 +18,10 @@ namespace tarn {
 inline constexpr std::int32_t WordBytes = 4;
 
 inline std::int32_t WordAt(const char* at) {
-    std::uint32_t word = 0;
-    std::memcpy(&word, at, sizeof word);
-    return static_cast<std::int32_t>(__builtin_bswap32(word));
+    return bigendian::at<std::int32_t>(at);
 }
 inline void PutWord(char* at, std::int32_t value) {
-    const std::uint32_t word = __builtin_bswap32(static_cast<std::uint32_t>(value));
-    std::memcpy(at, &word, sizeof word);
+    bigendian::put(at, value);
 }
 
 // ---- the header ----

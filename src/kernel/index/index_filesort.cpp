@@ -2,6 +2,7 @@
 #include "kernel/index/index_filesort.h"
 
 #include "kernel/run/fileerrors.h"
+#include "os/text/bigendian.h"
 
 #include <algorithm>
 #include <cstring>
@@ -24,16 +25,11 @@ std::uint64_t orderOfReal(const char* at) {
     return (bits & topBit) != 0 ? ~bits : bits | topBit;
 }
 
-void putBigEndian(char* at, std::uint64_t number) {
-    number = __builtin_bswap64(number);
-    std::memcpy(at, &number, sizeof number);
-}
-
 // The first bytes of a field such that their order is that of the field's values, as far as they go.
 std::size_t orderedBytes(const IndexKeyField& field, const char* at, char (&ordered)[headBytes]) {
     std::size_t bytes = static_cast<std::size_t>(std::min<std::int32_t>(field.bytes, headBytes));
     if (field.kind == KindReal) {
-        putBigEndian(ordered, orderOfReal(at));
+        bigendian::put(ordered, orderOfReal(at));
     } else {
         std::memcpy(ordered, at + (field.kind == KindString ? WordBytes : 0), bytes);
         if (field.kind == KindInteger || field.kind == KindFixed) ordered[0] ^= '\x80';
@@ -70,7 +66,7 @@ std::uint64_t KeySort::headOf(const char* key) const {
         if (field.kind == KindString) break;
         key += PackedFieldBytes(field);
     }
-    return __builtin_bswap64(ReadAt<std::uint64_t>(head));
+    return bigendian::at<std::uint64_t>(head);
 }
 
 int KeySort::compare(const char* a, const char* b) const {

@@ -4,12 +4,12 @@
 #pragma once
 
 #include "kernel/lists/packing.h"
+#include "os/text/bigendian.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
 // Not to be seen outside of the library, so that the compiler can put them in place: rows are packed field by
 // field.
@@ -31,21 +31,14 @@ void packEmpty(const ListDescriptor& list, std::string& bytes);
 
 template <class Number>
 void putNumber(Number value, std::string& bytes) {
-    char big[sizeof(Number)];
-    for (std::size_t i = 0; i < sizeof(Number); ++i)
-        big[i] = static_cast<char>(
-            static_cast<std::make_unsigned_t<Number>>(value) >> (8 * (sizeof(Number) - 1 - i)) & 255U);
-    bytes.append(big, sizeof big);
+    bigendian::append(bytes, value);
 }
 
 template <class Number>
 bool takeNumber(std::string_view& bytes, Number& value) {
     if (bytes.size() < sizeof(Number)) return false;
-    std::make_unsigned_t<Number> read = 0;
-    for (std::size_t i = 0; i < sizeof(Number); ++i)
-        read = static_cast<std::make_unsigned_t<Number>>(read << 8U | static_cast<unsigned char>(bytes[i]));
+    value = bigendian::at<Number>(bytes.data());
     bytes.remove_prefix(sizeof(Number));
-    value = static_cast<Number>(read);
     return true;
 }
 

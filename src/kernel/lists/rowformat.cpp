@@ -4,6 +4,7 @@
 #include "kernel/lists/packing.h"
 #include "os/paths.h"
 #include "os/text/ascii.h"
+#include "os/text/bigendian.h"
 
 #include <cstring>
 
@@ -48,22 +49,16 @@ RowFormat RowFormatOf(std::string_view name, std::int32_t maxlength) {
 StoredCount EncodeCount(RowFormat format, std::int32_t count) {
     constexpr std::int64_t xbaseOffset = 4;
     StoredCount stored;
-    const auto bits = static_cast<std::uint32_t>(count);
     stored.offset = format == RowsXbase ? xbaseOffset : 0;
-    for (std::uint32_t i = 0; i < sizeof stored.bytes; ++i) {
-        const std::uint32_t shift = format == RowsXbase ? 8 * i : 24 - 8 * i;
-        stored.bytes[i] = static_cast<char>(bits >> shift & 255U);
-    }
+    if (format == RowsXbase)
+        std::memcpy(stored.bytes, &count, sizeof count);
+    else
+        bigendian::put(stored.bytes, count);
     return stored;
 }
 
 std::int64_t DecodeCount(RowFormat format, const char* bytes) {
-    std::uint32_t bits = 0;
-    for (std::uint32_t i = 0; i < sizeof(StoredCount::bytes); ++i) {
-        const std::uint32_t shift = format == RowsXbase ? 8 * i : 24 - 8 * i;
-        bits |= std::uint32_t{static_cast<unsigned char>(bytes[i])} << shift;
-    }
-    return static_cast<std::int32_t>(bits);
+    return format == RowsXbase ? ReadAt<std::int32_t>(bytes) : bigendian::at<std::int32_t>(bytes);
 }
 
 std::int32_t PackedRowBytes(const ListDescriptor& l) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables/tables_file_kept.h"
 
-#include "kernel/index/index_filelayout.h"
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/lists/rowfile_names.h"
 #include "kernel/run/errorcell.h"
@@ -11,6 +10,7 @@
 #include "kernel/text/numbers.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/owned.h"
+#include "os/text/bigendian.h"
 
 #include <algorithm>
 #include <limits>
@@ -32,17 +32,11 @@ constexpr std::size_t checkBytes = 4;
 constexpr std::int32_t nothing = std::numeric_limits<std::int32_t>::max();  // is covered
 constexpr char keptEntry = 'K', goneEntry = 'G';
 
-std::string wordBytes(std::uint32_t value) {
-    std::string bytes(WordBytes, '\0');
-    PutWord(bytes.data(), static_cast<std::int32_t>(value));
-    return bytes;
-}
-
 void addEntry(std::string& entries, char what, std::string_view row) {
     const std::size_t at = entries.size();
     entries += what;
     entries += row;
-    entries += wordBytes(Crc32(entries.data() + at, row.size() + 1));
+    bigendian::append(entries, Crc32(entries.data() + at, row.size() + 1));
 }
 
 std::string pathBeside(const TableDescriptor& t) {
@@ -83,9 +77,11 @@ public:
     // What was appended is on the disk.
     bool cover(std::int32_t from) {
         covered_ = from;
+        std::string word;
+        bigendian::append(word, from);
         return done(os::files().sync(file_.handle)) &&
                (!made_ || done(os::files().syncFolder(FolderOfFile(path_)))) &&
-               done(os::files().write(file_.handle, coveredAt, wordBytes(static_cast<std::uint32_t>(from))));
+               done(os::files().write(file_.handle, coveredAt, word));
     }
     bool cut(std::int64_t size) {
         return done(os::files().truncate(file_.handle, size)) && done(os::files().sync(file_.handle));
@@ -109,16 +105,18 @@ bool KeptFile::open(std::int32_t rowBytes) {
         !done(os::files().size(file_.handle, size_)) ||
         !done(os::readUpTo(file_.handle, 0, header, sizeof header, got)) || got != sizeof header)
         return false;
-    covered_ = WordAt(header + coveredAt);
+    covered_ = bigendian::at<std::int32_t>(header + coveredAt);
     size_ -= (size_ - headerBytes) % (rowBytes + 1 + std::int64_t{checkBytes});  // without a torn entry
-    return std::string_view(header, mark.size()) == mark && WordAt(header + rowBytesAt) == rowBytes;
+    return std::string_view(header, mark.size()) == mark &&
+           bigendian::at<std::int32_t>(header + rowBytesAt) == rowBytes;
 }
 
 bool KeptFile::make(const std::string& rowFile, std::int32_t rowBytes) {
     file_.close();
     made_ = true;
-    const std::string header = std::string(mark) + wordBytes(static_cast<std::uint32_t>(rowBytes)) +
-                               wordBytes(static_cast<std::uint32_t>(nothing));
+    std::string header(mark);
+    bigendian::append(header, rowBytes);
+    bigendian::append(header, nothing);
     covered_ = nothing;
     size_ = 0;
     return done(os::files().open(path_, os::OpenMode::CreateNew, NewFile::usualMode, file_.handle)) &&
@@ -223,7 +221,7 @@ std::vector<std::string> keptIn(std::string_view entries, std::size_t rowBytes) 
     std::vector<std::string> order;
     std::unordered_set<std::string> kept;
     for (; entries.size() >= entryBytes; entries.remove_prefix(entryBytes)) {
-        const auto check = static_cast<std::uint32_t>(WordAt(entries.data() + rowBytes + 1));
+        const auto check = bigendian::at<std::uint32_t>(entries.data() + rowBytes + 1);
         if (check != Crc32(entries.data(), rowBytes + 1)) continue;
         std::string row(entries.substr(1, rowBytes));
         if (entries.front() == goneEntry)
@@ -240,7 +238,7 @@ bool readKept(const TableDescriptor& t, RowFile& rows, std::vector<std::string>&
     if (!rows.open(HeaderOf(t).rows, os::OpenMode::Read)) return false;
     const bool read = os::readFile(pathBeside(t), all) == FileError::None &&
                       all.size() >= static_cast<std::size_t>(headerBytes) && all.starts_with(mark) &&
-                      WordAt(all.data() + rowBytesAt) == rows.rowBytes();
+                      bigendian::at<std::int32_t>(all.data() + rowBytesAt) == rows.rowBytes();
     if (read)
         kept = keptIn(std::string_view(all).substr(headerBytes), static_cast<std::size_t>(rows.rowBytes()));
     return read;

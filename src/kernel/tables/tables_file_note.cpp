@@ -3,6 +3,7 @@
 
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/text/numbers.h"
+#include "os/text/bigendian.h"
 
 #include <algorithm>
 #include <string_view>
@@ -20,30 +21,23 @@ constexpr std::size_t noteBytesFor(std::size_t rowBytes) {
     return bytes % rowBytes == 0 ? bytes + 1 : bytes;
 }
 
-void addNumber(std::string& bytes, std::uint64_t number, int size) {
-    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8)
-        bytes += static_cast<char>(number >> shift & 255U);
-}
-
 std::uint32_t numberAt(std::string_view bytes, std::size_t at) {
-    std::uint32_t number = 0;
-    for (std::size_t i = 0; i < 4; ++i) number = number << 8U | static_cast<std::uint8_t>(bytes[at + i]);
-    return number;
+    return bigendian::at<std::uint32_t>(bytes.data() + at);
 }
 
 // What a note at that place begins with.
 std::string beginning(std::int64_t offset) {
     std::string bytes(mark);
-    addNumber(bytes, static_cast<std::uint64_t>(offset), 8);
+    bigendian::append(bytes, offset);
     return bytes;
 }
 
 std::string noteOf(std::int64_t offset, std::int32_t position, std::string_view row) {
     std::string note = beginning(offset);
-    addNumber(note, static_cast<std::uint32_t>(position), 4);
-    addNumber(note, row.size(), 4);
+    bigendian::append(note, position);
+    bigendian::append(note, static_cast<std::uint32_t>(row.size()));
     note += row;
-    addNumber(note, Crc32(note.data(), note.size()), 4);
+    bigendian::append(note, Crc32(note.data(), note.size()));
     note.resize(noteBytesFor(row.size()), endByte);
     return note;
 }

@@ -10,18 +10,13 @@
 #include "kernel/values/adt.h"
 #include "kernel/values/records.h"
 #include "os/text/ascii.h"
+#include "os/text/bigendian.h"
 
 #include <algorithm>
 
 namespace tarn::datatool {
 
 namespace {
-
-std::uint32_t bigEndian(std::string_view bytes) {
-    std::uint32_t number = 0;
-    for (const char c : bytes.substr(0, 4)) number = number << 8U | static_cast<unsigned char>(c);
-    return number;
-}
 
 std::string untilZero(std::string_view bytes) {
     return std::string(bytes.substr(0, bytes.find('\0')));
@@ -44,7 +39,8 @@ Problem tableFacts(const std::string& file, const RowType& type, TableFacts& fac
         std::string head;
         if (!rows.read(0, countBytes, head)) return unreadable(file, rows.error());
         facts.headerBytes = std::int64_t{countBytes};
-        facts.counted = head.size() == countBytes ? std::int64_t{bigEndian(head)} : 0;
+        facts.counted =
+            head.size() == countBytes ? std::int64_t{bigendian::at<std::uint32_t>(head.data())} : 0;
     }
     Problem problem = findNote(file, facts.headerBytes, facts.rowBytes, facts.note);
     if (problem.any()) return problem;
@@ -88,7 +84,7 @@ std::int32_t RowBytes::oddText(std::string_view row) const {
         if (FieldKindAt(row_.get()->kinds, n) != KindString) continue;
         const auto at = static_cast<std::size_t>(n) - 1;
         const std::string_view field = row.substr(offsets_[at], offsets_[at + 1] - offsets_[at]);
-        const std::size_t end = lengthBytes + std::size_t{bigEndian(field)};
+        const std::size_t end = lengthBytes + std::size_t{bigendian::at<std::uint32_t>(field.data())};
         if (field.find_first_not_of('\0', end) != std::string_view::npos) return n;
     }
     return 0;
@@ -205,7 +201,8 @@ IndexFile readIndexFile(const std::string& path) {
         index.wrong = "It cannot be read: " + std::string(os::describe(rows.error()));
         return index;
     }
-    if (head.size() < std::size_t{IndexHeaderBytes} || bigEndian(head) != IndexHeaderBytes) {
+    if (head.size() < std::size_t{IndexHeaderBytes} ||
+        bigendian::at<std::int32_t>(head.data()) != IndexHeaderBytes) {
         index.wrong = "It does not begin as an index file does.";
         return index;
     }
