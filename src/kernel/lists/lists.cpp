@@ -10,6 +10,7 @@
 #include "kernel/lists/lists.h"
 
 #include "kernel/lists/list_access.h"
+#include "kernel/lists/rowformat.h"
 #include "kernel/values/adt_kinds.h"
 
 #include <algorithm>
@@ -116,6 +117,24 @@ bool readElement(const ListDescriptor& l, std::int32_t position, void* v, Kind k
     return true;
 }
 
+// From a file. The rows that stay are written beside it and take its place at once, so that the old rows or the new
+// ones are there whatever happens; a stretch at the end is cut off.
+bool deleteRows(ListDescriptor& l, std::int32_t index, std::int32_t n) {
+    if (index + n == l.count) return n == 1 ? RemoveLastRow(l) : ResizeRows(l, index, nullptr);
+    return WithMemory([&] {
+        RowsBeside beside(l);
+        if (!AcceptRows(l) || !beside.make()) return false;
+        ListReader rows(l);
+        const std::int32_t count = l.count;
+        for (std::int32_t i = 0; i < count; ++i) {
+            if (i >= index && i - index < n) continue;
+            const void* const row = rows.at(i);
+            if (row == nullptr || !AppendRow(beside.rows(), row)) return false;
+        }
+        return beside.takePlace();
+    });
+}
+
 }  // namespace
 
 // ---- life ----
@@ -208,8 +227,12 @@ void ListInsert(std::int32_t position, const StringDescriptor* v, ListDescriptor
 }
 
 void ListDelete(std::int32_t position, std::int32_t n, ListDescriptor* l) {
-    if (!AcceptListInMemory(l) || !holds(*l, position) || n < 1) return;
-    removeElements(*l, position - 1, std::min(n, l->count - position + 1));
+    if (!AcceptList(l) || !holds(*l, position) || n < 1) return;
+    n = std::min(n, l->count - position + 1);
+    if (IsHeldInFile(*l))
+        deleteRows(*l, position - 1, n);
+    else
+        removeElements(*l, position - 1, n);
 }
 
 void ListRemoveLast(ListDescriptor* l) {

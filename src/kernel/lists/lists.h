@@ -55,7 +55,7 @@ void* ListAppendEmpty(ListDescriptor* l);
 // full.
 void ListInsert(std::int32_t position, const StringDescriptor* v, ListDescriptor* l);
 // Removes n elements from `position` on, fewer at the end. 603 for a position outside the list; n below 1:
-// nothing. Lists in memory (761).
+// nothing. In a file: linear in all rows, which are written anew unless the last ones go.
 void ListDelete(std::int32_t position, std::int32_t n, ListDescriptor* l);
 void ListRemoveLast(ListDescriptor* l);  // 603 when there is none
 void ListClear(ListDescriptor* l);       // keeps kind, capacity and prototype

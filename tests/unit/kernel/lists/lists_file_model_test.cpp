@@ -52,7 +52,7 @@ protected:
         switch (operation) {
         case 0: return get();
         case 1: return put();
-        case 2: return remove();
+        case 2: return number(0, 2) == 0 ? removeStretch() : remove();
         case 3: return number(0, 19) == 0 || tooMany() ? clear() : append();
         case 4: return number(0, 4) == 0 ? resize() : append();
         case 5: return sort();
@@ -132,6 +132,13 @@ private:
         EXPECT_EQ(both("remove", [](auto* l) { ListRemoveLast(l); }), model_.empty() ? 603 : 0);
         if (!model_.empty()) model_.pop_back();
     }
+    void removeStretch() {
+        const std::int32_t at = position(), n = number(-1, 5);
+        const bool there = at >= 1 && at <= count();
+        EXPECT_EQ(both("delete", [=](auto* l) { ListDelete(at, n, l); }), there ? 0 : 603);
+        if (!there || n < 1) return;
+        model_.erase(model_.begin() + at - 1, model_.begin() + at - 1 + std::min(n, count() - at + 1));
+    }
     void clear() {
         both("clear", [](auto* l) { ListClear(l); });
         model_.clear();
@@ -203,7 +210,7 @@ private:
             switch (number(0, 7)) {
             case 0: get(); break;
             case 1: put(); break;
-            case 2: remove(); break;
+            case 2: number(0, 2) == 0 ? removeStretch() : remove(); break;
             case 3: number(0, 9) == 0 ? resize() : append(); break;
             default: append();
             }

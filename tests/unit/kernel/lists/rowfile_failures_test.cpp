@@ -71,6 +71,7 @@ protected:
              },
              {3, 1}},
             {"remove", [](ListValue& l) { ListRemoveLast(l.get()); }, {2}},
+            {"delete", [](ListValue& l) { ListDelete(1, 1, l.get()); }, {1}},
             {"clear", [](ListValue& l) { ListClear(l.get()); }, {}},
             {"shrink", [](ListValue& l) { ListResize(1, nullptr, l.get()); }, {2}},
             {"grow",

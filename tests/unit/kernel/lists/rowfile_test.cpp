@@ -228,8 +228,6 @@ TEST_F(RowFiles, WhatOnlyAListInMemoryCanDoIsRefused) {
         [&] { EXPECT_EQ(ListAppendEmpty(l.get()), nullptr); },
         [&] { ListInsert(1, text.get(), l.get()); },
         [&] { ListInsert(9, nullptr, l.get()); },
-        [&] { ListDelete(1, 1, l.get()); },
-        [&] { ListDelete(9, 0, l.get()); },
         [&] { ListSort(n.get(), true, true); },
         [&] { EXPECT_EQ(ListStringFind(n.get(), nullptr, true), 0); },
     };
@@ -246,6 +244,18 @@ TEST_F(RowFiles, RemovingChecksInOrder) {
     ListValue empty = numbers("/d/a.tab"), gone = numbers("/d/b.tab", {1}), noRows = numbers("/d/c.tab");
     files_.remove("/d/b.tab");
     files_.remove("/d/c.tab");
+    ListDelete(1, 1, nullptr);
+    EXPECT_EQ(takeError(), 761);
+    ListDelete(1, 1, listOf(Number(KindInteger, 0)).get());
+    EXPECT_EQ(takeError(), 661);
+    ListDelete(0, 0, gone.get());
+    EXPECT_EQ(takeError(), 603);
+    ListDelete(2, 1, gone.get());
+    EXPECT_EQ(takeError(), 603);
+    ListDelete(1, 0, gone.get());
+    EXPECT_EQ(takeError(), 0);
+    ListDelete(1, 1, gone.get());
+    EXPECT_EQ(takeError(), 653);
     ListRemoveLast(empty.get());
     EXPECT_EQ(takeError(), 603);
     ListRemoveLast(noRows.get());
@@ -313,6 +323,8 @@ TEST_F(RowFiles, AFileThatHasNotTheCountedRowsIsNotChanged) {
         const std::function<void()> uses[] = {
             [&] { ListAppend(&value, KindInteger, l); },
             [&] { ListRemoveLast(l); },
+            [&] { ListDelete(1, 1, l); },
+            [&] { ListDelete(1, 2, l); },
             [&] { ListResize(1, nullptr, l); },
             [&] { ListResize(3, &value, l); },
         };
@@ -397,6 +409,56 @@ TEST_F(RowFiles, ClearingCutsTheFileToItsHeader) {
     for (std::int32_t n = 1; n <= 4; ++n) ListAppend(&n, KindInteger, fixed.get());
     EXPECT_EQ(takeError(), 618);
     EXPECT_EQ(numbersIn(fixed), (Numbers{1, 2, 3}));
+}
+
+TEST_F(RowFiles, DeletingAStretchWorksAsInMemory) {
+    struct Case {
+        std::int32_t position, n;
+        Numbers left;
+    };
+    const Case cases[] = {
+        {1, 1, {2, 3, 4, 5}},
+        {2, 1, {1, 3, 4, 5}},
+        {2, 3, {1, 5}},
+        {5, 1, {1, 2, 3, 4}},
+        {4, 2, {1, 2, 3}},
+        {4, 9, {1, 2, 3}},
+        {1, 5, {}},
+        {1, INT32_MAX, {}},
+        {3, INT32_MAX, {1, 2}},
+        {3, 0, {1, 2, 3, 4, 5}},
+        {3, -1, {1, 2, 3, 4, 5}},
+        {3, INT32_MIN, {1, 2, 3, 4, 5}},
+    };
+    for (const std::int32_t capacity : {UNBOUNDED, 5}) {
+        for (const Case& c : cases) {
+            SCOPED_TRACE(&c - cases);
+            ListValue l = numbers("/d/a.tab", {1, 2, 3, 4, 5}, capacity);
+            ListDelete(c.position, c.n, l.get());
+            EXPECT_EQ(takeError(), 0);
+            EXPECT_EQ(numbersIn(l), c.left);
+            EXPECT_EQ(check(l), "");
+            const std::int32_t more = 6;
+            if (ListCount(l.get()) < 5) ListAppend(&more, KindInteger, l.get());
+            EXPECT_EQ(takeError(), 0);
+            FileClose(l.get(), KindList);
+            EXPECT_EQ(check(numbers("/d/a.tab", {}, capacity)), "");
+            files_.remove("/d/a.tab");
+        }
+    }
+}
+
+TEST_F(RowFiles, DeletingKeepsTheRightsAndTheFieldsOfAFile) {
+    ListValue l = opened("/d/a.dbf", xbaseRow());
+    for (const char* name : {"one", "two", "six"}) append(l, xbaseRow(name, '*'));
+    const std::string fields = bytesOf("/d/a.dbf").substr(8, 88);
+    EXPECT_EQ(files_.setMode("/d/a.dbf", 0640), os::FileError::None);
+    ListDelete(1, 2, l.get());
+    EXPECT_EQ(takeError(), 0);
+    EXPECT_EQ(differs(l, 1, xbaseRow("six", '*')), "");
+    EXPECT_EQ(ListCount(l.get()), 1);
+    EXPECT_EQ(bytesOf("/d/a.dbf").substr(8, 88), fields);
+    EXPECT_EQ(os::infoOf("/d/a.dbf").mode, 0640U);
 }
 
 TEST_F(RowFiles, ResizingCutsOrFills) {
