@@ -18,6 +18,7 @@
 #include "kernel/values/records.h"
 #include "kernel/values/strings.h"
 #include "kernel/values/values.h"
+#include "os/text/ascii.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -45,6 +46,12 @@ struct TypeInfoElement {
 };
 
 // ---- lines ----
+
+// What a name may hold without quotes; one of these that is not "end" and neither begins nor ends with ':' is read
+// again as it stands.
+constexpr bool IsTypeInfoNameChar(char c) {
+    return ascii::isSymbol(c) || c == '-' || c == '.' || c == ':';
+}
 
 TypeInfoElement TypeInfoParseLine(std::string_view text, std::int32_t line);
 std::string TypeInfoLine(std::string_view text, std::int32_t line);  // with its line feed

@@ -65,7 +65,7 @@ private:
     }
     bool plainName() {
         const std::size_t start = at_;
-        while (isNameChar(peek())) ++at_;
+        while (IsTypeInfoNameChar(peek())) ++at_;
         std::string_view name = body_.substr(start, at_ - start);
         const bool colon = !name.empty() && name.back() == ':';
         skipBlanks();

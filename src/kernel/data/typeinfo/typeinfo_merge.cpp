@@ -325,7 +325,7 @@ private:
 
 // A declaration begins with a name, without an indent. Nothing is one too.
 bool isDeclaration(std::string_view text) {
-    return text.empty() || text.front() == '"' || isNameChar(text.front());
+    return text.empty() || text.front() == '"' || IsTypeInfoNameChar(text.front());
 }
 
 }  // namespace

@@ -15,9 +15,6 @@
 
 namespace tarn::typeinfo {
 
-constexpr bool isNameChar(char c) {
-    return ascii::isSymbol(c) || c == '-' || c == '.' || c == ':';
-}
 constexpr std::string_view trimmed(std::string_view text) {
     while (!text.empty() && ascii::isBlank(text.front())) text.remove_prefix(1);
     while (!text.empty() && ascii::isBlank(text.back())) text.remove_suffix(1);

@@ -50,10 +50,10 @@ std::string cleanName(std::string_view name, std::int32_t number) {
     return clean;
 }
 
-// As type information text holds it: what is no identifier stands in quotes.
+// As type information text holds it: in quotes where it would not be read again as it stands.
 std::string declaredName(const std::string& name) {
-    const bool plain = !ascii::isDigit(name[0]) && std::all_of(name.begin(), name.end(), ascii::isSymbol) &&
-                       !ascii::equal(name, "end");
+    const bool plain = std::all_of(name.begin(), name.end(), IsTypeInfoNameChar) && name.front() != ':' &&
+                       name.back() != ':' && !ascii::equal(name, "end");
     return plain ? name : '"' + name + '"';
 }
 

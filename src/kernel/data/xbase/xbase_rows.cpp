@@ -41,20 +41,16 @@ std::int32_t putString(std::string_view text, StringDescriptor& s) {
     return fits ? 0 : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE};
 }
 
-// What does not go into the array is lost, unless it is blank.
-std::int32_t putCharacters(std::string_view text, const ArrayDescriptor& array) {
+// As much as the array has room for, and blanks behind it.
+void putCharacters(std::string_view text, const ArrayDescriptor& array) {
     const auto size = static_cast<std::size_t>(array.size);
     std::memset(At(array.data), ' ', size);
     text.copy(At(array.data), size);
-    return WithoutXbaseFill(text).size() <= size ? 0 : std::int32_t{ERR_COMPONENT_UNREPRESENTABLE};
 }
 
 void clear(char* at, Kind kind) {
     if (isString(at, kind)) return StringAssignView(reinterpret_cast<StringDescriptor*>(at), {});
-    if (isCharacters(at, kind)) {
-        putCharacters({}, ReadAt<ArrayDescriptor>(at));
-        return;
-    }
+    if (isCharacters(at, kind)) return putCharacters({}, ReadAt<ArrayDescriptor>(at));
     if (!IsAdtKind(kind)) std::memset(at, 0, static_cast<std::size_t>(KindSize[kind]));
 }
 
@@ -71,7 +67,7 @@ std::int32_t readField(std::string_view text, char type, char* at, Kind kind) {
     if (isNumber(kind) && type == XbaseNumber && ReadXbaseNumber(text, at, kind)) return 0;
     if (isText(type) && isString(at, kind))
         return putString(WithoutXbaseFill(text), *reinterpret_cast<StringDescriptor*>(at));
-    if (isCharacters(at, kind)) return putCharacters(text, ReadAt<ArrayDescriptor>(at));
+    if (isCharacters(at, kind)) return putCharacters(text, ReadAt<ArrayDescriptor>(at)), 0;
     clear(at, kind);
     return ERR_COMPONENT_UNREPRESENTABLE;
 }

@@ -162,7 +162,7 @@ TEST_F(XbaseRows, CellsBecomeValues) {
         {"        ", 'D', "string[8]", ""},
         {"abc   ", 'C', "Tchars[1:6]", "'abc   '"},
         {"abc", 'C', "Tchars[1:6]", "'abc   '"},
-        {"abcdef", 'C', "Tchars[1:3]", "658 'abc'"},
+        {"abcdef", 'C', "Tchars[1:3]", "'abc'"},
         {"abc  ", 'C', "Tchars[1:3]", "'abc'"},
         {"20240229", 'D', "Tdate[1:8]", "'20240229'"},
         {" 12", 'N', "Tnumeric[1:3]", "' 12'"},
