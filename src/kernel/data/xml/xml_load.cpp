@@ -83,24 +83,6 @@ XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* tab
     return result;
 }
 
-// Whether the fields are those of a row, whatever the lengths of texts: the row's own count for these.
-bool matchesRow(std::string_view fields, const RecordDescriptor* row) {
-    std::string text;
-    for (std::int32_t n = 1; !fields.empty(); ++n) {
-        const std::string line = TypeInfoLine(fields, 1);
-        fields.remove_prefix(line.size());
-        const bool string = TypeInfoKind(TypeInfoParseLine(line, 1).typeName) == KindString;
-        if (row == nullptr || !string || RecordFieldKind(row, n) != KindString) {
-            text += line;
-            continue;
-        }
-        TypeBounds bounds;
-        bounds.lb1 = StringMaxLength(static_cast<const StringDescriptor*>(RecordFieldAddress(row, n)));
-        TypeInfoAppendLine(text, MaxTypeInfo, TypeInfoName(line, 1), "string", bounds);
-    }
-    return TypeInfoMatchesValue(text, row) == 0;
-}
-
 // What the table could not take as it stands, by its structure.
 XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table, XmlReadResult direct) {
     std::string text;
@@ -111,7 +93,7 @@ XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table,
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
     // Names need only be good enough to be repaired: fields are bound in their order.
-    if (single && matchesRow(TypeInfoFixNames(fieldsOf(text), longestName), rowShape(table)))
+    if (single && TypeInfoMatchesValue(TypeInfoFixNames(fieldsOf(text), longestName), rowShape(table)) == 0)
         return loadSingleRecord(filename, table);
     return direct;
 }

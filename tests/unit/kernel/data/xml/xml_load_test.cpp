@@ -94,18 +94,37 @@ TEST_F(XmlLoadTest, TablesTakeOneRowFromARecordThatMatches) {
     AnyValue table = AnyValue::table(fixed, {MakeKeyMap(1)});
     EXPECT_EQ(loaded(table, "<d><n>7</n><s>ab</s></d>"), "|{7,'ab'}| 1");
     EXPECT_EQ(loaded(table, "<d><n>8</n><s type='string[2]'>x</s></d>"), "|{8,'x'}| 1");
-    EXPECT_EQ(loaded(table, "<d><n>9</n><s>a</s></d>"), "|{9,'a'}| 1");
-    EXPECT_EQ(loaded(table, "<d><n>9</n><s/></d>"), "|{9,''}| 1");
-    EXPECT_EQ(loaded(table, "<d><n>9</n><s>abc</s></d>"),
-              "|{9,'ab'}| 1 986 String text is too long, maximum length is 2 character(s)");
     AnyValue plain = AnyValue::table(row, {});
-    EXPECT_EQ(loaded(plain, "<d><n>7</n><s>ab</s></d>"), "|{7,'ab'}| 1");
+    EXPECT_EQ(loaded(plain, "<d><n>7</n><s type='string'>ab</s></d>"), "|{7,'ab'}| 1");
     // What the writer makes of such a record.
     AnyValue record(fixed);
     EXPECT_EQ(bound(record, "<a n='5' s='x'/>"), "{5,'x'}");
     EXPECT_EQ(XmlSave(file, 0, record.get(), KindRecord).error.code, 0);
     EXPECT_EQ(load(table).count, 1);
     EXPECT_EQ(shown(table), "|{5,'x'}|");
+}
+
+// The length of a text is part of its type, be it that of the text itself or one that a `type` gives.
+TEST_F(XmlLoadTest, ARecordThatDoesNotMatchTheRowsIsNotInserted) {
+    AnyValue table =
+        AnyValue::table("r : record\n\tn : integer\n\ts : string[2]\nend record\n", {MakeKeyMap(1)});
+    EXPECT_EQ(loaded(table, "<t><r n='5' s='ol'/></t>"), "|{5,'ol'}| 1");
+    for (const char* text : {
+             "<d><n>9</n><s>a</s></d>",
+             "<d><n>9</n><s>abc</s></d>",
+             "<d><n>9</n><s/></d>",
+             "<d><n>9</n><s type='string'>ab</s></d>",
+             "<d><n>9</n><s type='string[3]'>ab</s></d>",
+             "<d><n>9.5</n><s>ab</s></d>",
+             "<d><n>9</n><s>ab</s><more>1</more></d>",
+             "<d><n>9</n></d>",
+         })
+        EXPECT_EQ(loaded(table, text),
+                  "|{5,'ol'}| 1 673 The text of element 'n' cannot be loaded, fields are expected there")
+            << text;
+    AnyValue plain = AnyValue::table(row, {});
+    EXPECT_EQ(load(plain, "<d><n>7</n><s>ab</s></d>").error.code, ERR_XML_DATA) << "no length, and one of 2";
+    EXPECT_EQ(shown(plain), "||");
 }
 
 TEST_F(XmlLoadTest, WhatTheTableHasNoPlaceForIsAnErrorAndTheOldRowsStay) {
