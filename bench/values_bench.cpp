@@ -373,8 +373,8 @@ BENCHMARK(tableDeleteBoost)->ArgsProduct({{1000, 100000}, {1, 5}});
 
 void setUnionKernel(benchmark::State& state) {
     const auto members = static_cast<std::int32_t>(state.range(0));
-    SetValue a, b, sum;
-    for (SetValue* set : {&a, &b, &sum}) SetInit(set->get(), 1, members);
+    OwnedSet a, b, sum;
+    for (OwnedSet* set : {&a, &b, &sum}) SetInit(set->get(), 1, members);
     for (std::int32_t i = 1; i <= members; i += 3) SetInclude(i, a.get());
     for (std::int32_t i = 1; i <= members; i += 5) SetInclude(i, b.get());
     for (auto _ : state) {

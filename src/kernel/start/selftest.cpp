@@ -172,14 +172,14 @@ bool checkSums() {
            Crc32("This is a string", 16) == 0x0876633FU;
 }
 
-std::string textOf(const SetValue& set, bool dots) {
+std::string textOf(const OwnedSet& set, bool dots) {
     String text;
     SetToText(set.get(), dots, text.get());
     return narrow(text);
 }
 
 bool setBounds() {
-    SetValue fixed, copy, dynamic;
+    OwnedSet fixed, copy, dynamic;
     SetInit(fixed.get(), -10, 10);
     SetIncludeRange(-10, -6, fixed.get());
     SetIncludeRange(6, 10, fixed.get());
@@ -195,7 +195,7 @@ bool setBounds() {
 }
 
 bool setTexts() {
-    SetValue low, high;
+    OwnedSet low, high;
     SetInit(low.get(), UNBOUNDED, UNBOUNDED);
     SetInit(high.get(), UNBOUNDED, UNBOUNDED);
     std::int32_t position = 1, error = 0;

@@ -78,11 +78,12 @@ std::string FixedToText(Fixed f, Fixed format = DefaultFixedFormat);
 
 double RealDiv(double a, double b);  // 643 and 0 for b = 0
 
-// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to 20; a number beyond that is
+inline constexpr std::int32_t MaxRealDecimals = 20,
+                              RealTextDecimals = 16;  // the second: to read the same number back
+// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to MaxRealDecimals; a number beyond that is
 // brought to it); "E"; the exponent's sign and four digits: "+1.25E-0001". "+INF", "-INF" and "+NAN" for what
-// is no number. The second form writes at
-// most `size` bytes with the NUL; a text that does not fit is left out (`buffer` is then empty). The third
-// pads to a format's width.
+// is no number. The second form writes at most `size` bytes with the NUL; a text that does not fit is left out
+// (`buffer` is then empty). The third pads to a format's width.
 std::string RealToText(double x, std::int32_t decimals);
 void RealToText(double x, std::int32_t decimals, char* buffer, std::int32_t size);
 std::string RealToFormat(double x, Fixed format);
@@ -91,7 +92,6 @@ std::string RealToFormat(double x, Fixed format);
 // double is 0. For anything else, and what is too large for a double, `ok` is false and `x` as it was; no
 // error is set.
 void RealFromText(std::string_view text, double& x, bool& ok);
-inline constexpr std::int32_t RealTextDecimals = 16;  // enough to read the same number back
 
 // ---- the fast paths ----
 

@@ -17,7 +17,6 @@ namespace tarn {
 
 namespace {
 
-constexpr std::int32_t mostDecimals = 20;
 constexpr std::size_t exponentDigits = 4;
 
 std::string textOf(double x, std::int32_t decimals) {
@@ -26,7 +25,7 @@ std::string textOf(double x, std::int32_t decimals) {
     if (std::isinf(x)) return text + "INF";
 
     char raw[40];  // a digit, point, decimals, "e", sign, two or three digits
-    decimals = std::clamp(decimals, 0, mostDecimals);
+    decimals = std::clamp(decimals, 0, MaxRealDecimals);
     const auto end =
         std::to_chars(raw, raw + sizeof raw, std::fabs(x), std::chars_format::scientific, decimals);
     const std::string_view all(raw, static_cast<std::size_t>(end.ptr - raw));

@@ -61,8 +61,4 @@ std::int32_t AdtConversionError(Kind kind);
 // balance. Empty when all is well. For tests and tools.
 std::string AdtCheck(const void* value, Kind kind);
 
-// ---- the owning type of sets; the others are in owned.h ----
-
-using SetValue = Owned<SetDescriptor, KindSet>;
-
 }  // namespace tarn

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The owning types of the modules: descriptors that are zero at first and freed when they leave their scope.
-// The raw operations shape and use them through get(). That of sets stands in adt.h: its name is one of the
-// windowing operations' too, and modules that have windows include this alone.
+// The raw operations shape and use them through get(). That of sets has another name than its like, as SetValue
+// is an operation of windows.
 #pragma once
 
 #include "kernel/values/values.h"
@@ -35,6 +35,7 @@ private:
 };
 using RecordValue = Owned<RecordDescriptor, KindRecord>;
 using UnionValue = Owned<RecordDescriptor, KindUnion>;
+using OwnedSet = Owned<SetDescriptor, KindSet>;
 using ArrayValue = Owned<ArrayDescriptor, KindArray>;
 using ListValue = Owned<ListDescriptor, KindList>;
 using TableValue = Owned<TableDescriptor, KindTable>;

@@ -92,7 +92,6 @@ bool isNumber(std::string_view text, const Digits& number) {
 bool realHolds(std::string_view cell, const Digits& number) {
     constexpr std::size_t anyDigits = 15;  // that many are held, whatever they are
     constexpr std::int64_t anyPoint = 300;
-    constexpr std::int32_t allDecimals = 16;
     if (number.digits.size() <= anyDigits && std::abs(number.point) <= anyPoint) return true;
     double value = 0;
     bool ok = false;
@@ -102,7 +101,7 @@ bool realHolds(std::string_view cell, const Digits& number) {
     const auto end =
         std::to_chars(shortest, shortest + sizeof shortest, value, std::chars_format::scientific);
     const auto size = static_cast<std::size_t>(end.ptr - shortest);
-    return isNumber({shortest, size}, number) || isNumber(RealToText(value, allDecimals), number);
+    return isNumber({shortest, size}, number) || isNumber(RealToText(value, RealTextDecimals), number);
 }
 
 bool fixedHolds(std::string_view cell, const Digits& number) {

@@ -211,7 +211,7 @@ bool XmlIsUnopened(const void* value, Kind kind) {
 }
 
 void XmlReportSymbol(XmlReader& reader) {
-    SetValue none;
+    OwnedSet none;
     SetInit(none.get(), 0, MaxSymbols);
     ScannerCheckSymbol(&reader.tables.symbols, ScannerSymbol(), none.get(), reader.error);
     TakeError();

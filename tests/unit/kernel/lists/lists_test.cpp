@@ -339,7 +339,7 @@ TEST_F(Lists, AListOrAnArrayMayBeAppendedToItsOwnList) {
 }
 
 TEST_F(Lists, ASetOrAUnionMayBeAppendedToItsOwnList) {
-    SetValue set;
+    OwnedSet set;
     SetInit(set.get(), -10, 10);
     SetInclude(7, set.get());
     RecordValue variant = record(4, "variant");

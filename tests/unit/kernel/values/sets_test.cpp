@@ -31,8 +31,8 @@ protected:
         EXPECT_EQ(LiveBlocks(), 0);
         Runtime::TearDown();
     }
-    static SetValue dynamic(std::string_view members = "[]") { return made(UNBOUNDED, UNBOUNDED, members); }
-    static SetValue fixed(std::int32_t lower, std::int32_t upper, std::string_view members = "[]") {
+    static OwnedSet dynamic(std::string_view members = "[]") { return made(UNBOUNDED, UNBOUNDED, members); }
+    static OwnedSet fixed(std::int32_t lower, std::int32_t upper, std::string_view members = "[]") {
         return made(lower, upper, members);
     }
     static std::string textOf(const SetDescriptor* s, bool dots = true) {
@@ -40,13 +40,13 @@ protected:
         SetToText(s, dots, text.get());
         return std::string(text.view());
     }
-    static std::string textOf(const SetValue& s) { return textOf(s.get()); }
+    static std::string textOf(const OwnedSet& s) { return textOf(s.get()); }
     // "lower..upper[members]", and what is wrong with the set.
     static std::string whole(const SetDescriptor* s) {
         return std::to_string(SetLowerBound(s)) + ".." + std::to_string(SetUpperBound(s)) + textOf(s) +
                AdtCheck(s, KindSet);
     }
-    static std::string whole(const SetValue& s) { return whole(s.get()); }
+    static std::string whole(const OwnedSet& s) { return whole(s.get()); }
     static bool isZero(const SetDescriptor& s) {
         const SetDescriptor zero{};
         return std::memcmp(&s, &zero, sizeof s) == 0;
@@ -59,15 +59,15 @@ protected:
             return out << "error " << read.error << ", position " << read.position;
         }
     };
-    static Read read(std::string_view text, const SetValue& s, std::int32_t position = 1) {
+    static Read read(std::string_view text, const OwnedSet& s, std::int32_t position = 1) {
         Read result{-1, position};
-        SetFromText(text, result.position, const_cast<SetValue&>(s).get(), result.error);
+        SetFromText(text, result.position, const_cast<OwnedSet&>(s).get(), result.error);
         return result;
     }
 
 private:
-    static SetValue made(std::int32_t lower, std::int32_t upper, std::string_view members) {
-        SetValue s;
+    static OwnedSet made(std::int32_t lower, std::int32_t upper, std::string_view members) {
+        OwnedSet s;
         SetInit(s.get(), lower, upper);
         EXPECT_EQ(read(members, s).error, 0) << members;
         return s;
@@ -77,7 +77,7 @@ private:
 // ---- life and layout ----
 
 TEST_F(Sets, ADynamicSetIsBornEmptyWithTheBounds1To1) {
-    const SetValue s = dynamic();
+    const OwnedSet s = dynamic();
     EXPECT_EQ(s.get()->size, 1);
     EXPECT_EQ(s.get()->tag, 29);
     EXPECT_NE(s.get()->data, 0U);
@@ -110,7 +110,7 @@ TEST_F(Sets, AFixedSetTakesTheBytesOfItsBounds) {
                 {lowest, highest, 8193},
                 {highest, highest, 1}};
     for (const auto& row : rows) {
-        const SetValue s = fixed(row.lower, row.upper);
+        const OwnedSet s = fixed(row.lower, row.upper);
         EXPECT_EQ(s.get()->size, row.size) << row.lower << ".." << row.upper;
         EXPECT_EQ(s.get()->maxlength, 0);
         EXPECT_EQ(KindOf(s.get()), KindSet);
@@ -126,7 +126,7 @@ TEST_F(Sets, EachMemberHasItsBitOnTheGridWhateverTheBounds) {
     } rows[] = {{1, 3, 0x80},  {2, 3, 0x40},  {8, 3, 0x01},   {9, 4, 0x80},   {0, 2, 0x01},  {-1, 2, 0x02},
                 {-7, 2, 0x80}, {-8, 1, 0x01}, {-15, 1, 0x80}, {-16, 0, 0x01}, {16, 4, 0x01}, {15, 4, 0x02}};
     for (const auto& row : rows) {
-        SetValue s = fixed(-16, 16);
+        OwnedSet s = fixed(-16, 16);
         SetInclude(row.member, s.get());
         for (std::int32_t byte = 0; byte < s.get()->size; ++byte) {
             const auto found = static_cast<unsigned char>(At(s.get()->data)[byte]);
@@ -175,7 +175,7 @@ TEST_F(Sets, FreeZeroesAndTheSecondFreeDoesNothing) {
 }
 
 TEST_F(Sets, ClearKeepsTheBounds) {
-    SetValue f = fixed(-10, 10, "[-10..10]"), d = dynamic("[5..100]");
+    OwnedSet f = fixed(-10, 10, "[-10..10]"), d = dynamic("[5..100]");
     SetClear(f.get());
     SetClear(d.get());
     EXPECT_EQ(whole(f), "-10..10[]");
@@ -185,7 +185,7 @@ TEST_F(Sets, ClearKeepsTheBounds) {
 // ---- what is no set ----
 
 TEST_F(Sets, NullAndWrongDescriptorsGive759AndNoChange) {
-    SetValue good = fixed(1, 20, "[3..5]"), open = dynamic("[7]");
+    OwnedSet good = fixed(1, 20, "[3..5]"), open = dynamic("[7]");
     const std::string goodBefore = whole(good), openBefore = whole(open);
     SetDescriptor zeroed{}, string = *good.get(), list = *good.get(), larger = *good.get(),
                             smaller = *good.get(), noData = *good.get(), reversed = *good.get(),
@@ -257,7 +257,7 @@ TEST_F(Sets, NullAndWrongDescriptorsGive759AndNoChange) {
 }
 
 TEST_F(Sets, AnOlderErrorStays) {
-    SetValue s = fixed(1, 5);
+    OwnedSet s = fixed(1, 5);
     SetError(ERR_ARRAY_BOUNDS);
     SetInclude(6, s.get());
     EXPECT_EQ(takeError(), ERR_ARRAY_BOUNDS);
@@ -270,7 +270,7 @@ TEST_F(Sets, AnOlderErrorStays) {
 // ---- members ----
 
 TEST_F(Sets, ASetAroundZeroHoldsItsEnds) {
-    SetValue s = fixed(-10, 10);
+    OwnedSet s = fixed(-10, 10);
     SetIncludeRange(-10, -6, s.get());
     SetIncludeRange(6, 10, s.get());
     EXPECT_EQ(SetLowerBound(s.get()), -10);
@@ -279,13 +279,13 @@ TEST_F(Sets, ASetAroundZeroHoldsItsEnds) {
     EXPECT_TRUE(SetContains(10, s.get()));
     EXPECT_FALSE(SetContains(0, s.get()));
     EXPECT_EQ(SetCount(s.get()), 10);
-    SetValue copy;
+    OwnedSet copy;
     AdtCopy(s.get(), copy.get(), KindSet);
     EXPECT_EQ(whole(copy), "-10..10[-10..-6,6..10]");
 }
 
 TEST_F(Sets, MembersOutsideEverySetGive601) {
-    for (SetValue* s : {new SetValue(dynamic("[1]")), new SetValue(fixed(lowest, highest, "[1]"))}) {
+    for (OwnedSet* s : {new OwnedSet(dynamic("[1]")), new OwnedSet(fixed(lowest, highest, "[1]"))}) {
         const std::string before = whole(*s);
         for (const std::int32_t i : {40000, highest + 1, lowest - 1, INT32_MAX, INT32_MIN}) {
             SetInclude(i, s->get());
@@ -308,7 +308,7 @@ TEST_F(Sets, MembersOutsideEverySetGive601) {
 }
 
 TEST_F(Sets, AFixedSetRefusesMembersOutsideItsBoundsAsAWhole) {
-    SetValue s = fixed(3, 12, "[5]");
+    OwnedSet s = fixed(3, 12, "[5]");
     constexpr std::int32_t ranges[][2] = {{2, 2}, {13, 13}, {2, 12}, {3, 13}, {20, 30}, {-5, -1}, {12, 3}};
     for (const auto& range : ranges) {
         SetIncludeRange(range[0], range[1], s.get());
@@ -326,7 +326,7 @@ TEST_F(Sets, AFixedSetRefusesMembersOutsideItsBoundsAsAWhole) {
 }
 
 TEST_F(Sets, ADynamicSetWidensToWhatIsIncluded) {
-    SetValue s = dynamic();
+    OwnedSet s = dynamic();
     SetInclude(100, s.get());
     EXPECT_EQ(whole(s), "1..100[100]");
     EXPECT_FALSE(SetContains(1, s.get()));
@@ -338,13 +338,13 @@ TEST_F(Sets, ADynamicSetWidensToWhatIsIncluded) {
     EXPECT_EQ(whole(s), "-32768..100[-32768..-32767,-100,0,100]");
     SetIncludeRange(99, highest, s.get());
     EXPECT_EQ(whole(s), "-32768..32767[-32768..-32767,-100,0,99..32767]");
-    SetValue one = dynamic("[1]");
+    OwnedSet one = dynamic("[1]");
     SetInclude(100, one.get());
     EXPECT_EQ(whole(one), "1..100[1,100]");
 }
 
 TEST_F(Sets, WideningByOneMemberAtATimeKeepsAllOthers) {
-    SetValue s = dynamic();
+    OwnedSet s = dynamic();
     for (std::int32_t i = 1; i <= 300; i += 2) {
         SetInclude(i, s.get());
         SetInclude(-i, s.get());
@@ -356,7 +356,7 @@ TEST_F(Sets, WideningByOneMemberAtATimeKeepsAllOthers) {
 }
 
 TEST_F(Sets, ExcludingWidensNothing) {
-    SetValue s = dynamic("[1..20]");
+    OwnedSet s = dynamic("[1..20]");
     SetExclude(100, s.get());
     SetExclude(-100, s.get());
     SetExcludeRange(50, 60, s.get());
@@ -372,7 +372,7 @@ TEST_F(Sets, ExcludingWidensNothing) {
 TEST_F(Sets, RangesOfEveryLengthAndPlaceFillJustTheirMembers) {
     for (std::int32_t lo = -20; lo <= 20; ++lo) {
         for (std::int32_t hi = lo; hi <= 20; ++hi) {
-            SetValue in = fixed(-20, 20), out = fixed(-20, 20, "[-20..20]");
+            OwnedSet in = fixed(-20, 20), out = fixed(-20, 20, "[-20..20]");
             SetIncludeRange(lo, hi, in.get());
             SetExcludeRange(lo, hi, out.get());
             ASSERT_EQ(SetCount(in.get()), hi - lo + 1);
@@ -385,7 +385,7 @@ TEST_F(Sets, RangesOfEveryLengthAndPlaceFillJustTheirMembers) {
 }
 
 TEST_F(Sets, TheWidestSetHoldsAllItsMembers) {
-    SetValue s = dynamic();
+    OwnedSet s = dynamic();
     SetIncludeRange(lowest, highest, s.get());
     EXPECT_EQ(SetCount(s.get()), 65536);
     EXPECT_EQ(whole(s), "-32768..32767[-32768..32767]");
@@ -398,7 +398,7 @@ TEST_F(Sets, TheWidestSetHoldsAllItsMembers) {
 }
 
 TEST_F(Sets, ContainsIsFalseOutsideTheBoundsWithoutAnError) {
-    const SetValue s = fixed(3, 5, "[3..5]");
+    const OwnedSet s = fixed(3, 5, "[3..5]");
     for (const std::int32_t i : {1, 2, 6, 8, 9, -5, 40000, INT32_MIN, INT32_MAX})
         EXPECT_FALSE(SetContains(i, s.get())) << i;
     EXPECT_EQ(ErrorCell(), 0);
@@ -407,7 +407,7 @@ TEST_F(Sets, ContainsIsFalseOutsideTheBoundsWithoutAnError) {
 // ---- redimensioning ----
 
 TEST_F(Sets, OnlyADynamicSetIsRedimensioned) {
-    SetValue s = fixed(1, 9, "[2]");
+    OwnedSet s = fixed(1, 9, "[2]");
     SetRedim(s.get(), 1, 20, true);
     EXPECT_EQ(takeError(), 614);
     SetRedim(s.get(), 20, 1, true);
@@ -416,7 +416,7 @@ TEST_F(Sets, OnlyADynamicSetIsRedimensioned) {
 }
 
 TEST_F(Sets, BadNewBoundsGive601AndNoChange) {
-    SetValue s = dynamic("[2..9]");
+    OwnedSet s = dynamic("[2..9]");
     constexpr std::int32_t rows[][2] = {{5, 1}, {lowest - 1, 0}, {0, highest + 1}, {UNBOUNDED, UNBOUNDED}};
     for (const auto& row : rows) {
         SetRedim(s.get(), row[0], row[1], false);
@@ -428,7 +428,7 @@ TEST_F(Sets, BadNewBoundsGive601AndNoChange) {
 TEST_F(Sets, RedimensioningKeepsTheMembersWithinBothBounds) {
     for (std::int32_t lower = -18; lower <= 34; ++lower) {
         for (std::int32_t upper = lower; upper <= 34; ++upper) {
-            SetValue s = dynamic();
+            OwnedSet s = dynamic();
             SetRedim(s.get(), -9, 25, false);
             SetIncludeRange(-9, 25, s.get());
             SetRedim(s.get(), lower, upper, true);
@@ -443,7 +443,7 @@ TEST_F(Sets, RedimensioningKeepsTheMembersWithinBothBounds) {
 }
 
 TEST_F(Sets, MembersThatWereLostDoNotComeBack) {
-    SetValue s = dynamic("[1..16]");
+    OwnedSet s = dynamic("[1..16]");
     SetRedim(s.get(), 4, 5, true);
     SetRedim(s.get(), 1, 16, true);
     EXPECT_EQ(whole(s), "1..16[4..5]");
@@ -454,8 +454,8 @@ TEST_F(Sets, MembersThatWereLostDoNotComeBack) {
 // ---- algebra ----
 
 TEST_F(Sets, AlgebraSpansTheBoundsOfBoth) {
-    const SetValue a = fixed(-20, 5, "[-20,-3..5]"), b = fixed(0, 30, "[2..9,30]");
-    SetValue d = dynamic();
+    const OwnedSet a = fixed(-20, 5, "[-20,-3..5]"), b = fixed(0, 30, "[2..9,30]");
+    OwnedSet d = dynamic();
     SetUnion(a.get(), b.get(), d.get());
     EXPECT_EQ(whole(d), "-20..30[-20,-3..9,30]");
     SetIntersect(a.get(), b.get(), d.get());
@@ -467,9 +467,9 @@ TEST_F(Sets, AlgebraSpansTheBoundsOfBoth) {
 }
 
 TEST_F(Sets, AlgebraOfSetsFarApart) {
-    const SetValue low = fixed(lowest, lowest + 9, "[-32768,-32760]"),
+    const OwnedSet low = fixed(lowest, lowest + 9, "[-32768,-32760]"),
                    high = fixed(highest - 9, highest, "[32760..32767]");
-    SetValue d = dynamic();
+    OwnedSet d = dynamic();
     SetUnion(high.get(), low.get(), d.get());
     EXPECT_EQ(whole(d), "-32768..32767[-32768,-32760,32760..32767]");
     SetIntersect(low.get(), high.get(), d.get());
@@ -487,7 +487,7 @@ TEST_F(Sets, AnOperandMayBeTheDestination) {
                 {SetIntersect, "-9..70[1..5,50..60]", "-9..70[1..5,50..60]", "-9..60[-9..5,40..60]"},
                 {SetDifference, "-9..70[-9..0,40..49]", "-9..70[-9..0,40..49]", "-9..60[]"}};
     for (const auto& row : rows) {
-        SetValue a = dynamic("[-9..5,40..60]"), b = dynamic("[1..5,50..70]");
+        OwnedSet a = dynamic("[-9..5,40..60]"), b = dynamic("[1..5,50..70]");
         row.algebra(a.get(), b.get(), a.get());
         EXPECT_EQ(whole(a), row.toFirst);
         EXPECT_EQ(whole(b), "1..70[1..5,50..70]");
@@ -501,8 +501,8 @@ TEST_F(Sets, AnOperandMayBeTheDestination) {
 }
 
 TEST_F(Sets, AFixedDestinationTakesWhatFitsAnd616) {
-    const SetValue a = fixed(1, 20, "[1..20]"), b = fixed(15, 30, "[18..30]");
-    SetValue f = fixed(5, 25, "[5]");
+    const OwnedSet a = fixed(1, 20, "[1..20]"), b = fixed(15, 30, "[18..30]");
+    OwnedSet f = fixed(5, 25, "[5]");
     SetUnion(a.get(), b.get(), f.get());
     EXPECT_EQ(takeError(), 616);
     EXPECT_EQ(whole(f), "5..25[5..25]");
@@ -519,7 +519,7 @@ TEST_F(Sets, AFixedDestinationTakesWhatFitsAnd616) {
 // ---- assignment ----
 
 TEST_F(Sets, ADynamicDestinationTakesTheBoundsOfTheSource) {
-    SetValue d = dynamic("[500]");
+    OwnedSet d = dynamic("[500]");
     std::int32_t error = -1;
     SetAssign(d.get(), fixed(-10, 10, "[-9,9]").get(), error);
     EXPECT_EQ(error, 0);
@@ -546,7 +546,7 @@ TEST_F(Sets, AFixedDestinationKeepsItsBounds) {
         {"[-32768..32767]", "4..10[4..10]", 616},
     };
     for (const auto& row : rows) {
-        SetValue f = fixed(4, 10, "[6]");
+        OwnedSet f = fixed(4, 10, "[6]");
         std::int32_t error = -1;
         SetAssign(f.get(), dynamic(row.source).get(), error);
         EXPECT_EQ(error, row.error) << row.source;
@@ -557,7 +557,7 @@ TEST_F(Sets, AFixedDestinationKeepsItsBounds) {
 
 TEST_F(Sets, AnEmptySourceFarAwayFitsAnywhere) {
     for (const auto& source : {fixed(-900, -800), fixed(800, 900)}) {
-        SetValue f = fixed(4, 10, "[6]");
+        OwnedSet f = fixed(4, 10, "[6]");
         std::int32_t error = -1;
         SetAssign(f.get(), source.get(), error);
         EXPECT_EQ(error, 0);
@@ -588,7 +588,7 @@ TEST_F(Sets, TheHighestDifferingMemberDecides) {
         {"[-300..-200]", "[200..300]", -1},
         {"[5]", "[5]", 0},
     };
-    const auto expectOrder = [](const SetValue& a, const SetValue& b, int order) {
+    const auto expectOrder = [](const OwnedSet& a, const OwnedSet& b, int order) {
         const struct {
             const char* op;
             bool holds;
@@ -600,7 +600,7 @@ TEST_F(Sets, TheHighestDifferingMemberDecides) {
                 << textOf(a) << " " << row.op << " " << textOf(b);
     };
     for (const auto& row : rows) {
-        const SetValue a = dynamic(row.a), b = dynamic(row.b), wide = fixed(lowest, highest, row.b);
+        const OwnedSet a = dynamic(row.a), b = dynamic(row.b), wide = fixed(lowest, highest, row.b);
         expectOrder(a, b, row.order);
         expectOrder(b, a, -row.order);
         expectOrder(a, wide, row.order);
@@ -630,7 +630,7 @@ TEST_F(Sets, TextShowsRuns) {
         {"[1..64,66..200,203]", "[1..64,66..200,203]", "[1:64,66:200,203]"},
     };
     for (const auto& row : rows) {
-        const SetValue s = dynamic(row.members);
+        const OwnedSet s = dynamic(row.members);
         EXPECT_EQ(textOf(s.get(), true), row.dots);
         EXPECT_EQ(textOf(s.get(), false), row.colon);
     }
@@ -639,7 +639,7 @@ TEST_F(Sets, TextShowsRuns) {
 TEST_F(Sets, RunsEndAtTheBoundsAndAtEachPlaceOfAByte) {
     for (std::int32_t lower = 1; lower <= 16; ++lower) {
         for (std::int32_t upper = lower + 1; upper <= 90; ++upper) {
-            SetValue s = fixed(lower, upper);
+            OwnedSet s = fixed(lower, upper);
             SetIncludeRange(lower, upper, s.get());
             ASSERT_EQ(textOf(s), "[" + std::to_string(lower) + ".." + std::to_string(upper) + "]");
         }
@@ -647,7 +647,7 @@ TEST_F(Sets, RunsEndAtTheBoundsAndAtEachPlaceOfAByte) {
 }
 
 TEST_F(Sets, TheLongestTextsComeBack) {
-    SetValue s = dynamic(), again = fixed(lowest, highest);
+    OwnedSet s = dynamic(), again = fixed(lowest, highest);
     for (std::int32_t i = lowest; i <= highest; i += 3) SetIncludeRange(i, std::min(i + 1, highest), s.get());
     const std::string text = textOf(s);
     EXPECT_EQ(read(text, again), (Read{0, static_cast<std::int32_t>(text.size()) + 1}));
@@ -655,7 +655,7 @@ TEST_F(Sets, TheLongestTextsComeBack) {
 }
 
 TEST_F(Sets, TextGoesToItsDestinationAsInAnAssignment) {
-    const SetValue s = dynamic("[1..3,7]");
+    const OwnedSet s = dynamic("[1..3,7]");
     String four(4);
     SetToText(s.get(), true, four.get());
     EXPECT_EQ(takeError(), 615);
@@ -691,7 +691,7 @@ TEST_F(Sets, TextsThatAreSets) {
         {"[,,2, ,]", "1..2[2]"},
     };
     for (const auto& row : rows) {
-        const SetValue s = dynamic("[77]");
+        const OwnedSet s = dynamic("[77]");
         const std::string text = row.text;
         EXPECT_EQ(read(text, s), (Read{0, static_cast<std::int32_t>(text.find(']')) + 2})) << text;
         EXPECT_EQ(whole(s), row.expected) << text;
@@ -742,7 +742,7 @@ TEST_F(Sets, OtherTextsGive1AtTheOffendingCharacterAndNoChange) {
         {"[3,40000,x]", 10},
         {"[5..1,", 7},
     };
-    const SetValue s = dynamic("[77]");
+    const OwnedSet s = dynamic("[77]");
     for (const auto& row : rows) {
         EXPECT_EQ(read(row.text, s), (Read{1, row.position})) << row.text;
         EXPECT_EQ(ErrorCell(), 0) << row.text;
@@ -753,11 +753,11 @@ TEST_F(Sets, OtherTextsGive1AtTheOffendingCharacterAndNoChange) {
 }
 
 TEST_F(Sets, MembersThatNoSetCanHoldGive601BehindTheTextAndNoChange) {
-    const SetValue d = dynamic("[77]"), f = fixed(1, 90, "[77]");
+    const OwnedSet d = dynamic("[77]"), f = fixed(1, 90, "[77]");
     for (const char* text : {"[5..1]", "[40000]", "[-32769]", "[1..32768]", "[2147483647]", "[-2147483648]",
                              "[1,5:4,7]", "[-2147483648..2147483647]"}) {
         const Read expected{601, static_cast<std::int32_t>(std::strlen(text)) + 1};
-        for (const SetValue* s : {&d, &f}) {
+        for (const OwnedSet* s : {&d, &f}) {
             EXPECT_EQ(read(text, *s), expected) << text;
             EXPECT_EQ(takeError(), 601) << text;
         }
@@ -767,7 +767,7 @@ TEST_F(Sets, MembersThatNoSetCanHoldGive601BehindTheTextAndNoChange) {
 }
 
 TEST_F(Sets, AFixedSetTakesWhatFitsOfATextAnd616) {
-    const SetValue f = fixed(3, 12, "[4]");
+    const OwnedSet f = fixed(3, 12, "[4]");
     EXPECT_EQ(read("[1..5,20]x", f), (Read{616, 10}));
     EXPECT_EQ(takeError(), 616);
     EXPECT_EQ(whole(f), "3..12[3..5]");
@@ -779,7 +779,7 @@ TEST_F(Sets, AFixedSetTakesWhatFitsOfATextAnd616) {
 }
 
 TEST_F(Sets, ReadingStartsAtThePositionAndEndsBehindTheBracket) {
-    const SetValue s = dynamic();
+    const OwnedSet s = dynamic();
     const std::string text = "a=[1] b = [2..3]; c";
     EXPECT_EQ(read(text, s, 3), (Read{0, 6}));
     EXPECT_EQ(textOf(s), "[1]");
@@ -793,14 +793,14 @@ TEST_F(Sets, ReadingStartsAtThePositionAndEndsBehindTheBracket) {
 }
 
 TEST_F(Sets, ATextThatStandsInTheSetItselfIsReadBeforeItIsReplaced) {
-    SetValue s = fixed(1, 64);
+    OwnedSet s = fixed(1, 64);
     std::memcpy(At(s.get()->data), "[64,2:5]", 8);
     EXPECT_EQ(read({At(s.get()->data), 8}, s), (Read{0, 9}));
     EXPECT_EQ(whole(s), "1..64[2..5,64]");
 }
 
 TEST_F(Sets, LongHostileTextsEnd) {
-    const SetValue s = dynamic();
+    const OwnedSet s = dynamic();
     EXPECT_EQ(read("[" + std::string(100000, ','), s), (Read{1, 100002}));
     EXPECT_EQ(read(std::string(100000, ' '), s), (Read{1, 100001}));
     EXPECT_EQ(read("[" + std::string(100000, '9') + "]", s), (Read{1, 2}));
@@ -815,7 +815,7 @@ TEST_F(Sets, LongHostileTextsEnd) {
 // ---- as a kind of value ----
 
 TEST_F(Sets, InitTakesTheShapeWithoutTheMembers) {
-    SetValue f, d;
+    OwnedSet f, d;
     AdtInit(f.get(), fixed(-4, 9, "[1]").get(), KindSet);
     AdtInit(d.get(), dynamic("[50]").get(), KindSet);
     EXPECT_EQ(whole(f), "-4..9[]");
@@ -832,7 +832,7 @@ TEST_F(Sets, InitTakesTheShapeWithoutTheMembers) {
 }
 
 TEST_F(Sets, AdtClearMakesTheEmptySetOfTheShape) {
-    SetValue f = fixed(-4, 9, "[1]"), d = dynamic("[50]");
+    OwnedSet f = fixed(-4, 9, "[1]"), d = dynamic("[50]");
     AdtClear(f.get(), KindSet);
     AdtClear(d.get(), KindSet);
     EXPECT_EQ(whole(f), "-4..9[]");
@@ -840,8 +840,8 @@ TEST_F(Sets, AdtClearMakesTheEmptySetOfTheShape) {
 }
 
 TEST_F(Sets, CopyFollowsAssignmentAndShapesAZeroTarget) {
-    const SetValue source = dynamic("[-3,60]");
-    SetValue zero, f = fixed(1, 80, "[2]"), d = dynamic();
+    const OwnedSet source = dynamic("[-3,60]");
+    OwnedSet zero, f = fixed(1, 80, "[2]"), d = dynamic();
     AdtCopy(source.get(), zero.get(), KindSet);
     EXPECT_EQ(whole(zero), "-3..60[-3,60]");
     EXPECT_EQ(zero.get()->maxlength, DYNAMIC_BOUNDS);
@@ -863,7 +863,7 @@ TEST_F(Sets, CopyFollowsAssignmentAndShapesAZeroTarget) {
 }
 
 TEST_F(Sets, ValuesAreEqualByTheirMembersAndHaveNoOtherOrder) {
-    const SetValue a = dynamic("[1..3]"), b = fixed(-9, 9, "[1..3]"), c = dynamic("[9]");
+    const OwnedSet a = dynamic("[1..3]"), b = fixed(-9, 9, "[1..3]"), c = dynamic("[9]");
     EXPECT_TRUE(AdtCompare("EQ", a.get(), b.get(), KindSet));
     EXPECT_TRUE(AdtCompare("NE", a.get(), c.get(), KindSet));
     EXPECT_FALSE(AdtCompare("GT", c.get(), a.get(), KindSet));
@@ -871,8 +871,8 @@ TEST_F(Sets, ValuesAreEqualByTheirMembersAndHaveNoOtherOrder) {
 }
 
 TEST_F(Sets, TheShapeIsTheBoundsOfAFixedSetAndNothingMoreOfADynamicOne) {
-    const SetValue a = fixed(1, 9), b = fixed(1, 9, "[3]"), c = fixed(1, 10), e = fixed(0, 9);
-    const SetValue d = dynamic(), wide = dynamic("[50]");
+    const OwnedSet a = fixed(1, 9), b = fixed(1, 9, "[3]"), c = fixed(1, 10), e = fixed(0, 9);
+    const OwnedSet d = dynamic(), wide = dynamic("[50]");
     EXPECT_TRUE(AdtSameShape(a.get(), b.get(), KindSet));
     EXPECT_FALSE(AdtSameShape(a.get(), c.get(), KindSet));
     EXPECT_FALSE(AdtSameShape(a.get(), e.get(), KindSet));
@@ -881,7 +881,7 @@ TEST_F(Sets, TheShapeIsTheBoundsOfAFixedSetAndNothingMoreOfADynamicOne) {
 }
 
 TEST_F(Sets, CheckNamesWhatIsWrong) {
-    const SetValue s = fixed(3, 20);
+    const OwnedSet s = fixed(3, 20);
     const auto wrong = [&](const std::function<void(SetDescriptor&)>& damage) {
         SetDescriptor damaged = *s.get();
         damage(damaged);
@@ -926,7 +926,7 @@ protected:
     static int failures(const char* before, const std::function<void(SetDescriptor*)>& operation,
                         const char* after) {
         for (int granted = 0;; ++granted) {
-            SetValue s = dynamic(before);
+            OwnedSet s = dynamic(before);
             const std::string as = whole(s);
             const std::int64_t blocks = LiveBlocks();
             FailAllocation(granted);
@@ -956,7 +956,7 @@ TEST_F(SetsShortOfMemory, InitLeavesAZeroedDescriptor) {
 }
 
 TEST_F(SetsShortOfMemory, ASetIsAsItWas) {
-    const SetValue other = dynamic("[-50..50]");
+    const OwnedSet other = dynamic("[-50..50]");
     std::int32_t error = 0, position = 1;
     const std::vector<std::pair<std::function<void(SetDescriptor*)>, const char*>> rows = {
         {[](SetDescriptor* s) { SetInclude(500, s); }, "1..500[3..9,500]"},
@@ -984,8 +984,8 @@ TEST_F(SetsShortOfMemory, ASetIsAsItWas) {
 }
 
 TEST_F(SetsShortOfMemory, AssignmentTellsOf802EvenBehindAnOlderError) {
-    SetValue d = dynamic("[3]");
-    const SetValue wide = dynamic("[900]");
+    OwnedSet d = dynamic("[3]");
+    const OwnedSet wide = dynamic("[900]");
     std::int32_t error = 0;
     SetError(ERR_ARRAY_BOUNDS);
     FailAllocation(0);
@@ -997,7 +997,7 @@ TEST_F(SetsShortOfMemory, AssignmentTellsOf802EvenBehindAnOlderError) {
 }
 
 TEST_F(SetsShortOfMemory, InitAndCopyOfValuesLeaveAZeroTarget) {
-    const SetValue like = dynamic("[900]");
+    const OwnedSet like = dynamic("[900]");
     SetDescriptor target;
     std::memset(&target, 0x55, sizeof target);
     FailAllocation(0);
@@ -1012,7 +1012,7 @@ TEST_F(SetsShortOfMemory, InitAndCopyOfValuesLeaveAZeroTarget) {
 }
 
 TEST_F(SetsShortOfMemory, WhatNeedsNoOtherBlockSucceeds) {
-    SetValue d = dynamic("[1..20]"), f = fixed(1, 30, "[4]");
+    OwnedSet d = dynamic("[1..20]"), f = fixed(1, 30, "[4]");
     std::int32_t error = 0, position = 1;
     FailAllocation(0);
     SetExcludeRange(5, 9, d.get());

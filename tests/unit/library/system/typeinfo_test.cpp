@@ -4,6 +4,7 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
+#include "kernel/values/adt.h"
 #include "library/system/system.h"
 #include "support/errorcell.h"
 
@@ -11,29 +12,10 @@
 #include <string>
 #include <vector>
 
-// Of adt.h, whose SetValue is not the one of the windowing operations.
-namespace tarn {
-void AdtFree(void* value, Kind kind);
-std::string AdtCheck(const void* value, Kind kind);
-}  // namespace tarn
-
 using namespace tarn;
 using namespace std::string_literals;
 
 namespace {
-
-class ListValue {
-public:
-    ListValue() = default;
-    ~ListValue() { AdtFree(&list_, KindList); }
-    ListValue(const ListValue&) = delete;
-    ListValue& operator=(const ListValue&) = delete;
-    ListDescriptor* get() { return &list_; }
-    [[nodiscard]] const ListDescriptor* get() const { return &list_; }
-
-private:
-    ListDescriptor list_{};
-};
 
 class FixIdentifiers : public ::testing::Test {
 protected:

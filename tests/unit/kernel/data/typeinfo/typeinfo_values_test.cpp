@@ -151,13 +151,13 @@ TEST_F(TypeInfoValues, NumbersAreZeroAndArraysZeroFilled) {
 }
 
 TEST_F(TypeInfoValues, SetsHaveTheBoundsOrAreDynamic) {
-    SetValue set;
+    OwnedSet set;
     std::size_t position = 0;
     EXPECT_EQ(TypeInfoToValue("x : set[-3:9]", position, set.get()), KindSet);
     EXPECT_EQ(set.get()->lower, -3);
     EXPECT_EQ(set.get()->upper, 9);
     EXPECT_EQ(set.get()->maxlength, 0);
-    SetValue dynamic;
+    OwnedSet dynamic;
     position = 0;
     EXPECT_EQ(TypeInfoToValue("x : set", position, dynamic.get()), KindSet);
     EXPECT_EQ(dynamic.get()->maxlength, DYNAMIC_BOUNDS);
@@ -436,10 +436,10 @@ TEST_F(TypeInfoValues, AnErrorInsideOfTheTextIsTheOneThatIsReported) {
 }
 
 TEST_F(TypeInfoValues, ATextOfAnotherKindIs756BeforeTheTargetIsLookedAt) {
-    SetValue set;
+    OwnedSet set;
     SetInit(set.get(), 1, 9);
     const auto* wrong = reinterpret_cast<const StringDescriptor*>(set.get());
-    SetValue target;
+    OwnedSet target;
     SetInit(target.get(), 1, 9);
     TypeInfoToRecord(wrong, reinterpret_cast<RecordDescriptor*>(target.get()));
     EXPECT_EQ(takeError(), ERR_STRING_TYPE);
@@ -454,7 +454,7 @@ TEST_F(TypeInfoValues, ATextOfAnotherKindIs756BeforeTheTargetIsLookedAt) {
 
 TEST_F(TypeInfoValues, ATargetOfAnotherKindStaysAsItIs) {
     const String text(customers);
-    SetValue set;
+    OwnedSet set;
     SetInit(set.get(), 1, 9);
     TypeInfoToRecord(text.get(), reinterpret_cast<RecordDescriptor*>(set.get()));
     EXPECT_EQ(takeError(), ERR_RECORD_TYPE);
@@ -759,7 +759,7 @@ TEST_F(TypeInfoValues, OtherKindsAndWrongValuesPrintNothing) {
     ASSERT_EQ(toList("l : list\n\te : integer\nend list\n", list), 0);
     TableValue table;
     ASSERT_EQ(toTable(customers, table), 0);
-    SetValue set;
+    OwnedSet set;
     SetInit(set.get(), 1, 9);
     EXPECT_EQ(TypeInfoFromValue(list.get(), KindList), "");
     EXPECT_EQ(TypeInfoFromValue(table.get(), KindTable), "");
@@ -857,7 +857,7 @@ TEST_F(TypeInfoValues, MatchingGivesTheFirstElementThatDiffers) {
 
 TEST_F(TypeInfoValues, WrongArgumentsMatchNothing) {
     EXPECT_EQ(TypeInfoMatchesValue("a : integer\n", nullptr), 1);
-    SetValue set;
+    OwnedSet set;
     SetInit(set.get(), 1, 9);
     EXPECT_EQ(TypeInfoMatchesValue("a : integer\n", reinterpret_cast<RecordDescriptor*>(set.get())), 1);
     RecordValue record;
