@@ -8,7 +8,8 @@
 #include "kernel/index/index_file.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/filevalues.h"
-#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_mend.h"
 
 #include <algorithm>
 #include <cstdio>

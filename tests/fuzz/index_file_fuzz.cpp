@@ -4,6 +4,8 @@
 // or 255 for the bytes as they are; the next four are the key that is looked for. The header's first word is
 // set, so that most inputs get beyond it.
 #include "kernel/index/index_file.h"
+#include "kernel/index/index_filecheck.h"
+#include "kernel/index/index_tree.h"
 #include "kernel/index/indexes.h"
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/fresh.h"
 
+#include "kernel/index/index_file.h"
 #include "kernel/lists/rowformat.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
@@ -8,6 +9,7 @@
 #include "kernel/tables/table_access.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_places.h"
 #include "kernel/values/adt_kinds.h"
 
 #include <cstring>

@@ -2,8 +2,11 @@
 //
 // Looks at every byte of an index file that has a meaning. The records are read as they stand, not through a
 // FileTree, so that each fault is told with its place.
+#include "kernel/index/index_filecheck.h"
+
 #include "kernel/index/index_filedisk.h"
 #include "kernel/index/index_filelayout.h"
+#include "kernel/index/index_tree.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 

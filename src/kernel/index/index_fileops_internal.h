@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kernel/index/index_file.h"
+#include "kernel/index/index_filetree.h"
 #include "kernel/index/indexes.h"
 
 #include <cstdint>

@@ -6,6 +6,7 @@
 
 #include "kernel/index/index_filedisk.h"
 #include "kernel/index/index_filelayout.h"
+#include "kernel/index/index_filetree.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the state of an operation (index_filestate.h) looks like to those who walk and change the tree.
+#include "kernel/index/index_filetree.h"
+
 #include "kernel/index/index_file.h"
 
 #include "kernel/index/index_filestate.h"

@@ -2,6 +2,7 @@
 //
 // The error cell and what belongs to it: the last error, the texts of the codes, the assertions.
 #include "kernel/run/errors.h"
+
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
 

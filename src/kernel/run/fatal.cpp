@@ -7,7 +7,8 @@
 //
 // Rules: from ShowFatalBox on no memory is allocated and only calls are made that are safe in a signal
 // handler.
-#include "kernel/run/report.h"
+
+#include "kernel/run/fatal.h"
 
 #include "os/paths.h"
 #include "os/process.h"

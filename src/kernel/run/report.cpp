@@ -3,6 +3,7 @@
 // What a stamp does with a pending error: the report's text, the default handler, Continue and Halt.
 #include "kernel/run/report.h"
 
+#include "kernel/run/desktop.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
@@ -15,6 +16,8 @@ namespace tarn {
 DebuggerStop DebugStop = nullptr;
 
 namespace {
+
+RescueHook rescueHook = nullptr;
 
 bool reporting = false;
 
@@ -68,6 +71,16 @@ std::string ErrorDetails() {
     std::string text = ErrorMessage(code) + "\n" + place();
     if (code == ERR_ASSERT && !AssertText().empty()) text += AssertText() + "\n";
     return CutReport(std::move(text));
+}
+
+void SetRescueHook(RescueHook hook) {
+    rescueHook = hook;
+}
+
+void RescueOnce() {
+    const RescueHook hook = rescueHook;
+    rescueHook = nullptr;
+    if (hook != nullptr) hook();
 }
 
 bool BeginReport() {

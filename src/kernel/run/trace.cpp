@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The trace: a line for each call of a function, to the debug output or to the end of a file.
-#include "kernel/run/report.h"
+#include "kernel/run/desktop.h"
 #include "kernel/run/runtime.h"
 #include "os/clock.h"
 #include "os/files.h"

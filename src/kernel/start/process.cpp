@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/start/process.h"
 
+#include "kernel/run/desktop.h"
 #include "kernel/run/errors.h"
+#include "kernel/run/fatal.h"
 #include "kernel/run/report.h"
+#include "kernel/start/protect.h"
 #include "kernel/values/heap.h"
 #include "kernel/values/strings.h"
 #include "os/instance.h"

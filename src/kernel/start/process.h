@@ -28,6 +28,9 @@ std::string InstanceName();
 // The same for any executable; a leading dot begins no extension.
 std::string InstanceNameOf(std::string_view path);
 
+// A halt has begun: what is thrown now is no stray exception.
+bool ProcessIsEnding();
+
 // The arguments of the program, separated by blanks; those that are empty or hold blanks, tabs or line ends
 // stand in double quotes, so that the text can be split again.
 std::string JoinedArguments();

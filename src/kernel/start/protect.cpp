@@ -7,10 +7,14 @@
 // exception is the rescue hook, which saves what the user typed and cannot do so without allocating. A fault
 // inside it, or a hang (a lock that the fault left taken), leads back to the report after at most
 // rescueSeconds.
+#include "kernel/start/protect.h"
+
 #include "kernel/run/errors.h"
+#include "kernel/run/fatal.h"
 #include "kernel/run/report.h"
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
+#include "kernel/start/process.h"
 #include "os/process.h"
 
 #include <array>
@@ -29,7 +33,6 @@ constexpr std::size_t stackBytes = std::size_t{4} << 20;  // committed as it is 
 constexpr unsigned rescueSeconds = 10;
 constexpr int faultExitCode = 1;
 
-RescueHook rescueHook = nullptr;
 volatile std::sig_atomic_t rescueRunning = 0, faults = 0;
 sigjmp_buf rescueEnd;
 
@@ -139,16 +142,6 @@ void runCatching(void (*program)()) {
 }
 
 }  // namespace
-
-void SetRescueHook(RescueHook hook) {
-    rescueHook = hook;
-}
-
-void RescueOnce() {
-    const RescueHook hook = rescueHook;
-    rescueHook = nullptr;
-    if (hook != nullptr) hook();
-}
 
 void ReportFatal(std::int32_t code, const char* message, const char* file, const char* function,
                  std::int32_t line, const char* extra) {

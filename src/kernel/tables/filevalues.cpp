@@ -4,8 +4,10 @@
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/table_access.h"
+#include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_places.h"
 #include "kernel/values/string_text.h"
 
 namespace tarn {

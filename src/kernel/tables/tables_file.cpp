@@ -3,6 +3,7 @@
 // Operations on tables whose rows stand in a file. All indexes are prepared in memory first; then the rows
 // are written, then the indexes.
 #include "kernel/run/errorcell.h"
+#include "kernel/tables/tables_file_places.h"
 #include "kernel/tables/tables_ops_internal.h"
 
 #include "kernel/run/errors.h"

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Whether the files of a table fit each other and its declaration.
+#include "kernel/tables/tables_file_check.h"
+
 #include "kernel/data/format.h"
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/index/index_file.h"
+#include "kernel/index/index_filecheck.h"
+#include "kernel/index/index_filetree.h"
 #include "kernel/lists/rowfile.h"
 #include "kernel/lists/rowformat.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
-#include "kernel/tables/tables_file.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_file_kept.h"
 #include "kernel/values/adt_kinds.h"

@@ -5,6 +5,7 @@
 #include "kernel/lists/packing.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/progress.h"
+#include "kernel/tables/tables_file_mend.h"
 
 #include <algorithm>
 #include <new>

@@ -6,9 +6,11 @@
 #pragma once
 
 #include "kernel/index/index_filesort.h"
+#include "kernel/index/index_filetree.h"
 #include "kernel/lists/list_access.h"
 #include "kernel/tables/table_access.h"
 #include "kernel/tables/tables_file_index.h"
+#include "kernel/tables/tables_file_mend.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,12 +2,15 @@
 #include "kernel/tables/tables_file_index.h"
 
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/index/index_file.h"
 #include "kernel/index/index_filedisk.h"
+#include "kernel/index/index_filetree.h"
 #include "kernel/lists/rowfile.h"
 #include "kernel/lists/rowformat.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_places.h"
 
 namespace tarn {
 

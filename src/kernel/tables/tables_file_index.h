@@ -1,18 +1,47 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The index files of a table whose rows stand in a file, as the modules of such tables use them. Indexes are
-// counted from 0 here, as in the row header; their files are numbered from 1.
+// The index files of a table whose rows stand in a file: their life, and their changes. Indexes are counted
+// from 0 here, as in the row header; their files are numbered from 1 (index_file.h tells their format). Only the modules
+// of tables and data files include this, and tools.
+//
+// The rows of `t` are open: the rows list in the row header holds the file's name and the count of rows, and
+// so does the table its count. Its key maps tell which indexes there are; a table without any has nothing to
+// do here. Operations that give false have set the error.
 #pragma once
 
-#include "kernel/index/index_file.h"
+#include "kernel/index/index_filetree.h"
 #include "kernel/tables/table_access.h"
-#include "kernel/tables/tables_file.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace tarn {
+
+// ---- the files ----
+
+// Makes the files of all indexes, empty; what stood in their places has stepped aside. When one of them
+// cannot be made, those that were made are gone again. 652, 654, 657.
+bool MakeTableIndexes(TableDescriptor& t);
+// For a row file that was just made or has no rows: empty indexes. Indexes that are as they should be are not
+// touched, and others emptied where they stand, if all can be, so that the folder need not be one that can be
+// written. Else what stands in their places steps aside and is gone when all are made; it is back when one
+// cannot be. 652, 654, 657, 656 for the index of another table.
+bool StartTableIndexes(TableDescriptor& t);
+// For a row file with rows: every index must be there, its size that of whole nodes, and not too short for
+// the rows, and must not name another table file that stands beside: 656. A copy under another name still
+// names the file of which it is one, and serves when that is not there. Only reads, so that tables in folders
+// that cannot be written open too. 651.
+bool AcceptTableIndexes(TableDescriptor& t);
+// Brings the index files to the disk; called before the name is blanked. 651, 652, 653, 654.
+bool SyncTableIndexes(const TableDescriptor& t);
+// The end of a table, before its rows end: the indexes of a scratch file are deleted, those of another file
+// brought to the disk. Nothing for a table in memory, or not open, or whose file is gone.
+void ReleaseTableIndexes(const TableDescriptor& t);
+// Whether all indexes of a table can be emptied where they stand.
+bool CanEmptyTableIndexes(const TableDescriptor& t);
+
+// ---- keys ----
 
 // The keys of an index in its shape; the text of the key fields that its file holds.
 KeyView IndexKeyShape(const TableHeader& header, std::int32_t index);
@@ -21,28 +50,6 @@ std::string IndexKeyText(const TableDescriptor& t, std::int32_t index);
 bool AcceptIndexKeys(const TableDescriptor& t);
 // 0, or the code of what is wrong with the size of an index file: 656, 651.
 std::int32_t IndexSizeError(const std::string& path, std::int32_t recordSize, std::int32_t rows);
-
-// ---- places ----
-
-// Whether a table of this file may have that many indexes where they belong: 657 when one of the names that
-// belong to its indexes is the file itself, or a pipe or device stands at an index's place; 656 when the
-// index of another table file that stands beside does (orders.tab and orders.txt have the same names of
-// indexes). Nothing for a table without indexes.
-bool AcceptIndexPlaces(std::string_view tableFile, std::int32_t indexes);
-// The first of these alone.
-bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes);
-// Whether an index file names another table file, which stands beside this one.
-bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
-
-// Whether all indexes of a table can be emptied where they stand.
-bool CanEmptyTableIndexes(const TableDescriptor& t);
-
-// "" or what is wrong with the indexes of an open table. Sets no error.
-std::string CheckIndexFiles(const TableDescriptor& t);
-
-// Whether all rows that are kept beside an open table (tables_file_kept.h) are found by the first index. Sets
-// no error.
-bool HasAllKeptRows(const TableDescriptor& t);
 
 // ---- entries ----
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables/tables_file_kept.h"
 
+#include "kernel/index/index_file.h"
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/lists/rowfile_names.h"
 #include "kernel/run/errorcell.h"

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Mending the files of a list or table after a death: a noted row, a torn tail, the count, then the indexes.
+#include "kernel/tables/tables_file_mend.h"
+
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
+#include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_fill.h"
 #include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_note.h"
+#include "kernel/tables/tables_file_places.h"
 #include "kernel/tables/tables_ops_internal.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/owned.h"

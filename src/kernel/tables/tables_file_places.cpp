@@ -2,6 +2,9 @@
 //
 // Whether the files of a table may stand where their names say: an index must not be the file of rows, nor
 // belong to another table.
+#include "kernel/tables/tables_file_places.h"
+
+#include "kernel/index/index_file.h"
 #include "kernel/index/index_filedisk.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file_index.h"

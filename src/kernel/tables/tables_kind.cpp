@@ -6,6 +6,7 @@
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/table_access.h"
+#include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_ops_internal.h"
 #include "kernel/values/adt_kinds.h"

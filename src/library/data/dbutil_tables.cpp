@@ -13,6 +13,7 @@
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_index.h"
+#include "kernel/tables/tables_file_places.h"
 #include "library/data/dbutil_footers_internal.h"
 #include "library/system/system.h"
 #include "os/files.h"

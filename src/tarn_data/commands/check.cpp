@@ -2,9 +2,11 @@
 //
 // What is wrong with a file: a line for each fault. Nothing is opened as a table here, as that may write.
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/index/index_file.h"
+#include "kernel/index/index_filecheck.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
-#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_kept.h"
 #include "os/paths.h"
 #include "tarn_data/commands/check_internal.h"

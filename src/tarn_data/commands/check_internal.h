@@ -4,6 +4,7 @@
 #pragma once
 
 #include "kernel/data/xbase/xbase.h"
+#include "kernel/index/index_filecheck.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/commands/commands.h"
 

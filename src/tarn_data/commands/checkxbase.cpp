@@ -2,6 +2,7 @@
 //
 // What is wrong with an Xbase file. What a field holds that its type does not allow is no fault of the file:
 // it is read as empty, and told as a note.
+#include "kernel/index/index_filecheck.h"
 #include "kernel/text/dates.h"
 #include "os/text/ascii.h"
 #include "tarn_data/base/xbase.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tarn_data/commands/patient.h"
 
+#include "kernel/index/index_filecheck.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_kept.h"
 #include "tarn_data/base/xbase.h"

@@ -4,10 +4,11 @@
 // those that a header counts are taken in, and bytes that are no whole row are kept in a file beside before
 // they are cut off.
 #include "kernel/data/xbase/xbase.h"
+#include "kernel/index/index_file.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/tables/tables_file.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "os/paths.h"
 #include "tarn_data/commands/patient.h"
 

@@ -4,11 +4,14 @@
 // go, the rows take the place of the old ones, and the new indexes follow: a death in between leaves whole
 // rows, of one or of the other table, that lack indexes.
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/index/index_file.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_index.h"
+#include "kernel/tables/tables_file_mend.h"
+#include "kernel/tables/tables_file_places.h"
 #include "kernel/values/records.h"
 #include "os/paths.h"
 #include "os/save_parts.h"

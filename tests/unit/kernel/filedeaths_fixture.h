@@ -4,6 +4,8 @@
 // to them, what their rows are then, and how it ends.
 #pragma once
 
+#include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filetables_fixture.h"
 
 #include <algorithm>

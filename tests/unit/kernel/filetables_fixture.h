@@ -9,7 +9,7 @@
 #include "kernel/run/errors.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables.h"
-#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_check.h"
 #include "support/errorcell.h"
 #include "support/steerable.h"
 #include "unit/kernel/runtime_fixture.h"

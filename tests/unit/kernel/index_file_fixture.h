@@ -4,7 +4,9 @@
 #pragma once
 
 #include "kernel/index/index_file.h"
+#include "kernel/index/index_filecheck.h"
 #include "kernel/index/index_filelayout.h"
+#include "kernel/index/index_filetree.h"
 #include "kernel/index/indexes.h"
 #include "kernel/run/errors.h"
 #include "support/errorcell.h"

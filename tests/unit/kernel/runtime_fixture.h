@@ -4,7 +4,8 @@
 // an exception, and frames, trace, cell and heap are as at the start of a program.
 #pragma once
 
-#include "kernel/run/report.h"
+#include "kernel/run/desktop.h"
+#include "kernel/run/fatal.h"
 #include "kernel/run/runtime.h"
 #include "kernel/start/process.h"
 #include "kernel/values/heap.h"

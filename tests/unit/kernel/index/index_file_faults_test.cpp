@@ -2,6 +2,8 @@
 //
 // Index files on a disk that fails, fills up or loses the process at any call, and files with damage at any
 // byte.
+#include "kernel/index/index_filecheck.h"
+#include "kernel/index/index_tree.h"
 #include "unit/kernel/index_file_fixture.h"
 
 #include <map>

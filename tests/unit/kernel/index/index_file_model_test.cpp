@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Indexes in files against an ordered map, and against the same index in memory: both must have one shape.
+#include "kernel/index/index_filecheck.h"
 #include "unit/kernel/index_file_fixture.h"
 #include "unit/kernel/index_model.h"
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/index/index_file.h"
 
+#include "kernel/index/index_filecheck.h"
 #include "kernel/index/index_filedisk.h"
+#include "kernel/index/index_filetree.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/index_file_fixture.h"
 

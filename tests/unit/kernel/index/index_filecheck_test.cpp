@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "kernel/index/index_filecheck.h"
 #include "unit/kernel/index_file_fixture.h"
 
 using namespace tarn;

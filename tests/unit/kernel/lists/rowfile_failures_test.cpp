@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Lists in files when calls fail, the disk is full, the process dies.
-#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filelists_fixture.h"
 
 #include <functional>

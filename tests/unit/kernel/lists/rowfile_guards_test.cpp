@@ -4,7 +4,8 @@
 // capacities, rows that look like notes, other programs and other values that change the same file.
 #include "kernel/data/datafile.h"
 #include "kernel/run/errors.h"
-#include "kernel/tables/tables_file.h"
+#include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "support/errorcell.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/filelists_fixture.h"

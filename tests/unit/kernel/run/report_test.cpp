@@ -3,6 +3,7 @@
 
 #include "kernel/api/api.h"
 #include "kernel/run/errors.h"
+#include "kernel/run/report.h"
 #include "platform/windowing.h"
 
 using namespace tarn;

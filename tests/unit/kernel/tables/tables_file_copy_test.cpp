@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Tables that are held in files as values: copying between memory and files, comparing, emptying, ending.
+#include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filetables_fixture.h"
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 // Tables in files when calls of the disk fail, when it is full, and when the process or the machine dies. An
 // operation that fails has changed nothing. After a death the check says what is wrong, and a rebuilding
 // brings every row back that counts.
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filedeaths_fixture.h"
 
 #include <algorithm>

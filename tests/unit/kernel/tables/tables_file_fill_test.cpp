@@ -2,8 +2,10 @@
 //
 // Indexes of tables with so many rows that they are written at once: all must be as if the rows had been
 // entered one by one, duplicates and unreadable rows too.
+#include "kernel/index/index_filecheck.h"
 #include "kernel/run/progress.h"
 #include "kernel/tables/tables_file_fill.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filetables_fixture.h"
 
 #include <algorithm>

@@ -3,7 +3,9 @@
 // Deletions move rows. Whatever part of what was written since the last sync the disk has when the machine
 // dies, and in whatever order: rows that were synced, and neither deleted nor changed since, come back.
 #include "kernel/lists/rowfile_access.h"
+#include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filetables_fixture.h"
 
 #include <algorithm>

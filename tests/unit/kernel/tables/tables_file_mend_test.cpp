@@ -3,6 +3,8 @@
 // What checks and mends the files of tables: torn rows, rows that stand twice, noted rows, wrong counts,
 // indexes of other rows, damaged bytes.
 #include "kernel/run/progress.h"
+#include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "kernel/tables/tables_file_note.h"
 #include "unit/kernel/filetables_fixture.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A table in a file, one in memory and a model do the same: errors, rows, their order, what is found.
+#include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filetables_fixture.h"
 #include "unit/kernel/table_model.h"
 

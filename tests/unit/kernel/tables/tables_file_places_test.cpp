@@ -2,6 +2,7 @@
 //
 // Where the index files of tables stand, and what may stand there already.
 #include "kernel/index/index_file.h"
+#include "kernel/tables/tables_file_mend.h"
 #include "kernel/values/adt.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/filetables_fixture.h"

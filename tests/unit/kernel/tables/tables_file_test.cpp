@@ -4,6 +4,7 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/index/index_file.h"
 #include "kernel/run/progress.h"
+#include "kernel/tables/tables_file_check.h"
 #include "unit/kernel/filetables_fixture.h"
 
 #include <functional>

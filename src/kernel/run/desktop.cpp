@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The only place where the run-time itself reaches the platform.
-#include "kernel/run/report.h"
+#include "kernel/run/desktop.h"
+
 #include "platform/windowing.h"
 
 #include <utility>
