@@ -43,7 +43,7 @@ ElementSink::ElementSink(ListDescriptor& list) : list_(list) {
 void* ElementSink::next() {
     if (!element_) return ListAppendEmpty(&list_);
     if (!AcceptList(&list_) || !element_->good()) return nullptr;
-    if (IsFixedList(list_) && list_.count >= list_.maxlength) return RefuseList(ERR_FIXED_LIST), nullptr;
+    if (IsFixedList(list_) && list_.count >= list_.maxlength) return Refuse(ERR_FIXED_LIST), nullptr;
     EmptyValue(element_->at(), ElementKindOf(list_));
     return element_->at();
 }

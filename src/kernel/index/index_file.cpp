@@ -20,11 +20,6 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 // The name as it stands in the header, with the zeros behind it.
 void putTableName(char* at, std::string_view tableFile) {
     std::memset(at, 0, MaxIndexTableName + 1);
@@ -161,7 +156,7 @@ bool CreateIndexFile(const std::string& path, std::string_view tableFile, std::s
     try {
         const std::string header = headerOf(tableFile, keyText);
         error = makeNewFile(path, made);
-        if (error != os::FileError::None) return fail(FileWriteCode(error));
+        if (error != os::FileError::None) return Refuse(FileWriteCode(error));
         error = fillNewFile(made, tableFile, header);
         if (error == os::FileError::None && made.path != path) error = os::files().rename(made.path, path);
         if (error == os::FileError::None) {
@@ -171,7 +166,7 @@ bool CreateIndexFile(const std::string& path, std::string_view tableFile, std::s
     } catch (const std::bad_alloc&) {
         memory = false;
     }
-    return fail(memory ? FileWriteCode(error) : std::int32_t{ERR_OUT_OF_MEMORY});
+    return Refuse(memory ? FileWriteCode(error) : std::int32_t{ERR_OUT_OF_MEMORY});
 }
 
 bool IsEmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText) {
@@ -204,13 +199,13 @@ bool RenameIndexFile(const std::string& from, const std::string& to, std::string
     putTableName(name, tableFile);
     try {
         std::int32_t code = writeTableName(from, name, before);
-        if (code != 0) return fail(code);
+        if (code != 0) return Refuse(code);
         code = FileWriteCode(os::files().rename(from, to));
         if (code == 0) return true;
         writeTableName(from, before, name);
-        return fail(code);
+        return Refuse(code);
     } catch (const std::bad_alloc&) {
-        return fail(ERR_OUT_OF_MEMORY);
+        return Refuse(ERR_OUT_OF_MEMORY);
     }
 }
 

@@ -13,17 +13,12 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 // Whether a key has the fields of the block.
 bool acceptKey(const IndexBlock& block, const RecordDescriptor* key, KeyView& view, KeyLayout& layout) {
     const KeyLayout own = LayoutOfBlock(block);
     const bool good = KeyOfRecord(key, view) && LayoutOfKey(view, layout) &&
                       layout.recordSize == block.recordSize && (own.count == 0 || SameKeyLayout(layout, own));
-    return good || fail(ERR_INDEX_VALUE);
+    return good || Refuse(ERR_INDEX_VALUE);
 }
 
 bool openFor(const IndexBlock& block, const RecordDescriptor* key, KeyView& view, FileTree& tree,
@@ -36,14 +31,14 @@ bool openFor(const IndexBlock& block, const RecordDescriptor* key, KeyView& view
 bool findPresent(const IndexBlock& block, const RecordDescriptor* key, FileTree& tree, FilePath& path) {
     KeyView view;
     if (!openFor(block, key, view, tree, os::OpenMode::ReadWrite)) return false;
-    return FindFileKey(tree, view, path) && (path.found || fail(ERR_TABLE_NOT_FOUND));
+    return FindFileKey(tree, view, path) && (path.found || Refuse(ERR_TABLE_NOT_FOUND));
 }
 
 bool seekNode(const FileTree& tree, const TreeSeek& seek, const KeyView& key, FileTree::Ref& node) {
     const bool whole = seek.end != 0       ? FindEnd(tree, seek.end > 0, node)
                        : seek.nearest == 0 ? FindEqual(tree, key, node)
                                            : FindNearest(tree, seek, key, node);
-    return (whole && tree.failure() == 0) || fail(ERR_INDEX_TYPE);
+    return (whole && tree.failure() == 0) || Refuse(ERR_INDEX_TYPE);
 }
 
 void finish(FileTree& tree) {

@@ -18,11 +18,6 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 bool isInFile(const IndexBlock& block) {
     return block.recordSize != 0;
 }
@@ -30,7 +25,7 @@ bool isInFile(const IndexBlock& block) {
 // Of an index in a file the root is not looked into.
 bool acceptTree(const RecordDescriptor* root, const IndexBlock& block) {
     if (!isInFile(block)) return AcceptRoot(root);
-    return root != nullptr || fail(ERR_INDEX_TYPE);
+    return root != nullptr || Refuse(ERR_INDEX_TYPE);
 }
 
 KeyView keyOfRoot(const RecordDescriptor& root) {
@@ -39,14 +34,14 @@ KeyView keyOfRoot(const RecordDescriptor& root) {
 
 bool acceptKey(const RecordDescriptor& root, const RecordDescriptor* key, KeyView& view) {
     const bool good = KeyOfRecord(key, view) && (root.data == 0 || SameKeyKinds(view, keyOfRoot(root)));
-    return good || fail(ERR_INDEX_VALUE);
+    return good || Refuse(ERR_INDEX_VALUE);
 }
 
 // The path to a key that must be there.
 bool findPresent(const RecordDescriptor& root, const RecordDescriptor* key, IndexPath& path) {
     KeyView view;
     if (!acceptKey(root, key, view) || !FindKey(root, view, path)) return false;
-    return path.found || fail(ERR_TABLE_NOT_FOUND);
+    return path.found || Refuse(ERR_TABLE_NOT_FOUND);
 }
 
 bool copyKey(const KeyView& found, RecordDescriptor& into) {
@@ -128,7 +123,7 @@ IndexHit IndexFind(std::string_view op, const RecordDescriptor* root, const Inde
     KeyView view, found;
     Offset node = 0;
     if (!acceptTree(root, block)) return {};
-    if (!ReadOperator(op, seek)) return fail(ERR_INDEX_VALUE), IndexHit{};
+    if (!ReadOperator(op, seek)) return Refuse(ERR_INDEX_VALUE), IndexHit{};
     if (isInFile(block)) return FileIndexFind(seek, block, key, foundKey);
     if (seek.end == 0 && !acceptKey(*root, key, view)) return {};
     if (foundKey != nullptr && !acceptKey(*root, foundKey, found)) return {};

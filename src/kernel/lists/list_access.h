@@ -51,11 +51,6 @@ struct Element {
 };
 static_assert(sizeof(Element) >= sizeof(SetDescriptor) && sizeof(Element) >= sizeof(RecordDescriptor));
 
-inline bool RefuseList(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 // A list whose words fit each other.
 bool IsList(const ListDescriptor* l);
 

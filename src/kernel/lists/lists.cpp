@@ -21,14 +21,14 @@ namespace tarn {
 namespace {
 
 bool holds(const ListDescriptor& l, std::int32_t position) {
-    return (position >= 1 && position <= l.count) || RefuseList(ERR_LIST_BOUNDS);
+    return (position >= 1 && position <= l.count) || Refuse(ERR_LIST_BOUNDS);
 }
 
 bool hasRoomFor(const ListDescriptor& l, std::int32_t count) {
-    return !IsFixedList(l) || count <= l.maxlength || RefuseList(ERR_FIXED_LIST);
+    return !IsFixedList(l) || count <= l.maxlength || Refuse(ERR_FIXED_LIST);
 }
 bool hasRoom(const ListDescriptor& l) {
-    return !IsFixedList(l) || l.count < l.maxlength || RefuseList(ERR_FIXED_LIST);
+    return !IsFixedList(l) || l.count < l.maxlength || Refuse(ERR_FIXED_LIST);
 }
 
 // Puts what `MakeElement` made into a slot that holds another.
@@ -102,7 +102,7 @@ bool acceptOutput(const ListDescriptor& l, const void* v, Kind kind) {
     const bool shapeless = v != nullptr && kind > KindString && IsValueKind(kind) &&
                            std::memcmp(v, zero.bytes, ElementBytes(1, kind)) == 0;
     if (!shapeless) return AcceptElement(l, v, kind);
-    return IsUntyped(l) || ElementKindOf(l) == kind || RefuseList(ERR_COMPONENT_TYPE);
+    return IsUntyped(l) || ElementKindOf(l) == kind || Refuse(ERR_COMPONENT_TYPE);
 }
 
 // From a file. An output of the list's shape takes the row as it stands.
@@ -170,7 +170,7 @@ Kind ListElementKind(const ListDescriptor* l) {
 }
 
 bool ListIsInFile(const ListDescriptor* l) {
-    return IsList(l) ? IsHeldInFile(*l) : RefuseList(ERR_LIST_TYPE);
+    return IsList(l) ? IsHeldInFile(*l) : Refuse(ERR_LIST_TYPE);
 }
 
 const void* ListRef(const ListDescriptor* l, std::int32_t position) {
@@ -211,7 +211,7 @@ void ListAppend(const void* v, Kind kind, ListDescriptor* l) {
 }
 
 void* ListAppendEmpty(ListDescriptor* l) {
-    if (!AcceptListInMemory(l) || (IsUntyped(*l) && !RefuseList(ERR_LIST_TYPE)) || !hasRoom(*l))
+    if (!AcceptListInMemory(l) || (IsUntyped(*l) && !Refuse(ERR_LIST_TYPE)) || !hasRoom(*l))
         return nullptr;
     const std::int32_t count = l->count;
     Element element;

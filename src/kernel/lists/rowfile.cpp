@@ -17,7 +17,7 @@ constexpr os::FileError noError = os::FileError::None;
 // A count that a list can have.
 bool hasRoomFor(const ListDescriptor& l, std::int64_t count) {
     const std::int32_t most = IsFixedList(l) ? l.maxlength : std::numeric_limits<std::int32_t>::max();
-    return count <= most || RefuseList(ERR_FIXED_LIST);
+    return count <= most || Refuse(ERR_FIXED_LIST);
 }
 
 bool shrink(ListDescriptor& l, std::int32_t count) {
@@ -118,7 +118,7 @@ bool ClearRows(ListDescriptor& l) {
 }
 
 bool ResizeRows(ListDescriptor& l, std::int32_t count, const void* fill) {
-    if (count < 0) return RefuseList(ERR_LIST_BOUNDS);
+    if (count < 0) return Refuse(ERR_LIST_BOUNDS);
     if (!hasRoomFor(l, count)) return false;
     if (count == l.count) return true;
     return WithMemory([&] { return count < l.count ? shrink(l, count) : grow(l, count, fill); });

@@ -77,7 +77,7 @@ bool BatchOfRows::append(ListDescriptor& l, const void* element) {
         std::int64_t size = 0;
         bool endMark = false;
         if (!prepare() || !file_.measure(count, size, &endMark)) return false;
-        if (count != l.count) return RefuseList(ERR_FILE_SIZE);
+        if (count != l.count) return Refuse(ERR_FILE_SIZE);
         accepted_ = true;
     }
     if (!file_.pack(element, gathered_)) return false;

@@ -12,10 +12,10 @@
 namespace tarn {
 
 bool RefuseRead(os::FileError error) {
-    return RefuseList(IsMissing(error) ? std::int32_t{ERR_FILE_VANISHED} : FileReadCode(error));
+    return Refuse(IsMissing(error) ? std::int32_t{ERR_FILE_VANISHED} : FileReadCode(error));
 }
 bool RefuseWrite(os::FileError error) {
-    return RefuseList(IsMissing(error) ? std::int32_t{ERR_FILE_VANISHED} : FileWriteCode(error));
+    return Refuse(IsMissing(error) ? std::int32_t{ERR_FILE_VANISHED} : FileWriteCode(error));
 }
 
 std::string& RowBytes() {
@@ -82,7 +82,7 @@ bool RowFile::read(std::int32_t position, std::int32_t rows, std::string& bytes)
     std::size_t got = 0;
     const os::FileError error = os::readUpTo(handle_, offsetOf(position), bytes.data() + before, count, got);
     if (error != os::FileError::None) return RefuseRead(error);
-    return got == count || RefuseList(ERR_FILE_READ);
+    return got == count || Refuse(ERR_FILE_READ);
 }
 
 bool RowFile::readHeader(std::string& bytes) {
@@ -90,7 +90,7 @@ bool RowFile::readHeader(std::string& bytes) {
     std::size_t got = 0;
     const os::FileError error = os::readUpTo(handle_, 0, bytes.data(), bytes.size(), got);
     if (error != os::FileError::None) return RefuseRead(error);
-    if (got != bytes.size()) return RefuseList(ERR_FILE_READ);
+    if (got != bytes.size()) return Refuse(ERR_FILE_READ);
     if (!StoresCount(format_)) return true;
     const StoredCount none = EncodeCount(format_, 0);
     std::copy(std::begin(none.bytes), std::end(none.bytes), bytes.begin() + none.offset);
@@ -144,7 +144,7 @@ bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
     os::FileError error = this->size(size);
     std::int64_t rows = (size - headerBytes_) / rowBytes_, over = (size - headerBytes_) % rowBytes_;
     std::int64_t stored = rows;
-    if (error == os::FileError::None && size < headerBytes_) return RefuseList(ERR_FILE_SIZE);
+    if (error == os::FileError::None && size < headerBytes_) return Refuse(ERR_FILE_SIZE);
     if (error == os::FileError::None && StoresCount(format_)) error = readCount(stored);
     // Where a row is one byte, only the count tells the mark from a row.
     const bool mark = rowBytes_ == 1 ? rows == stored + 1 : over == 1;
@@ -158,7 +158,7 @@ bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
     }
     if (error != os::FileError::None) return RefuseRead(error);
     if (over != 0 || stored < 0 || stored > rows || stored > std::numeric_limits<std::int32_t>::max())
-        return RefuseList(ERR_FILE_SIZE);
+        return Refuse(ERR_FILE_SIZE);
     count = static_cast<std::int32_t>(stored);
     return true;
 }
@@ -173,14 +173,14 @@ bool RowFile::pack(const void* element, std::string& bytes) const {
     else
         Pack(element, kind_, bytes);
     if (good && bytes.size() - before != static_cast<std::size_t>(rowBytes_))
-        good = RefuseList(ERR_COMPONENT_TYPE);
+        good = Refuse(ERR_COMPONENT_TYPE);
     if (!good) bytes.resize(before);
     return good;
 }
 
 bool RowFile::unpack(std::string_view bytes, void* element) const {
     if (format_ == RowsXbase) return xbase_->unpack(bytes, element, kind_);
-    return Unpack(bytes, element, kind_) || RefuseList(ERR_FILE_READ);
+    return Unpack(bytes, element, kind_) || Refuse(ERR_FILE_READ);
 }
 
 void AddEmptyRows(std::string_view name, std::size_t rowBytes, std::int32_t rows, std::string& bytes) {
@@ -216,7 +216,7 @@ bool RowChange::begin(Know what) {
     }
     std::int32_t count = 0;
     bool endMark = false;  // rows are written over it
-    return file_->measure(count, size_, &endMark) && (count == list_.count || RefuseList(ERR_FILE_SIZE));
+    return file_->measure(count, size_, &endMark) && (count == list_.count || Refuse(ERR_FILE_SIZE));
 }
 
 bool RowChange::keep(std::int32_t position) {

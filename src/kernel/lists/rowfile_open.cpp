@@ -25,7 +25,7 @@ bool openExisting(ListDescriptor& l) {
     if (!file.open(l, os::OpenMode::Read)) return false;
     if (!file.measure(count, size, &endMark)) return false;
     if (file.format() == RowsXbase && !file.xbase()->accept(l)) return false;
-    if (IsFixedList(l) && count > l.maxlength) return RefuseList(ERR_FIXED_TABLE);
+    if (IsFixedList(l) && count > l.maxlength) return Refuse(ERR_FIXED_TABLE);
     l.count = count;
     return true;
 }
@@ -79,7 +79,7 @@ bool makeFile(ListDescriptor& l, std::string_view typeText) {
     os::FileError error = os::files().resolve(std::string(RowFileName(l)), path);
     if (error == noError) error = format == RowsPlain ? makePlain(path) : makeWithHeader(l, path, header);
     l.count = 0;
-    return error == noError || RefuseList(FileWriteCode(error));
+    return error == noError || Refuse(FileWriteCode(error));
 }
 
 bool openOrMake(ListDescriptor& l, std::string_view typeText, bool& created) {
@@ -88,7 +88,7 @@ bool openOrMake(ListDescriptor& l, std::string_view typeText, bool& created) {
     os::FileInfo info;
     const os::FileError error = os::files().info(std::string(RowFileName(l)), info);
     if (error != noError) return RefuseRead(error);
-    if (info.folder || info.special) return RefuseList(ERR_FILE_NAME);
+    if (info.folder || info.special) return Refuse(ERR_FILE_NAME);
     if (info.exists) return openExisting(l);
     created = makeFile(l, typeText);
     return created;
@@ -221,7 +221,7 @@ bool AcceptRows(const ListDescriptor& l) {
         std::int64_t size = 0;
         bool endMark = false;
         if (!file.open(l, os::OpenMode::Read) || !file.measure(count, size, &endMark)) return false;
-        return count == l.count || RefuseList(ERR_FILE_SIZE);
+        return count == l.count || Refuse(ERR_FILE_SIZE);
     });
 }
 

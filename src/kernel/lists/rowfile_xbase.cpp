@@ -30,24 +30,24 @@ std::uint32_t wordAt(std::string_view bytes, std::size_t at) {
 }
 
 bool carried(const XbaseFault& fault) {
-    return fault.errorCode == 0 || RefuseList(fault.errorCode);
+    return fault.errorCode == 0 || Refuse(fault.errorCode);
 }
 
 }  // namespace
 
 bool AcceptXbaseRows(const ListDescriptor& l) {
     const RecordDescriptor* const row = rowOf(l);
-    return (row != nullptr && TypeInfoIsXbaseRecord(row)) || RefuseList(ERR_COMPONENT_UNREPRESENTABLE);
+    return (row != nullptr && TypeInfoIsXbaseRecord(row)) || Refuse(ERR_COMPONENT_UNREPRESENTABLE);
 }
 
 bool MakeXbaseHeader(const ListDescriptor& l, std::string_view typeText, std::string& bytes) {
     std::string own;
     if (typeText.empty()) typeText = own = defaultText(*rowOf(l));
     // A file without fields could not be read again.
-    if (FieldCountOf(rowOf(l)->kinds) == 1) return RefuseList(ERR_COMPONENT_UNREPRESENTABLE);
+    if (FieldCountOf(rowOf(l)->kinds) == 1) return Refuse(ERR_COMPONENT_UNREPRESENTABLE);
     std::int32_t code = 0;
     bytes = XbaseHeaderBytes(rowOf(l), KindRecord, typeText, 0, code);
-    return code == 0 || RefuseList(code);
+    return code == 0 || Refuse(code);
 }
 
 void AddEmptyXbaseRows(std::string_view name, std::size_t rowBytes, std::int32_t rows, std::string& bytes) {
@@ -63,15 +63,15 @@ XbaseRows::~XbaseRows() = default;
 
 bool XbaseRows::read(std::string_view bytes) {
     constexpr std::size_t fixedPart = 32, sizeAt = 8;
-    if (bytes.size() < fixedPart) return RefuseList(ERR_FILE_SIZE);
+    if (bytes.size() < fixedPart) return Refuse(ERR_FILE_SIZE);
     const std::size_t size = wordAt(bytes, sizeAt);
-    if (bytes.size() < std::min(size, MostHeaderBytes)) return RefuseList(ERR_FILE_SIZE);
+    if (bytes.size() < std::min(size, MostHeaderBytes)) return Refuse(ERR_FILE_SIZE);
     return XbaseDecodeHeader(bytes.substr(0, size), *header_).empty() ||
-           RefuseList(ERR_COMPONENT_UNREPRESENTABLE);
+           Refuse(ERR_COMPONENT_UNREPRESENTABLE);
 }
 
 bool XbaseRows::accept(const ListDescriptor& l) const {
-    return XbaseCheckValue(*header_, KindRecord, rowOf(l)) == 0 || RefuseList(ERR_COMPONENT_UNREPRESENTABLE);
+    return XbaseCheckValue(*header_, KindRecord, rowOf(l)) == 0 || Refuse(ERR_COMPONENT_UNREPRESENTABLE);
 }
 
 std::int32_t XbaseRows::headerSize() const {

@@ -25,13 +25,13 @@ void SetRowFileName(ListDescriptor& l, std::string_view name) {
 }
 
 bool AcceptFileName(std::string_view name) {
-    if (name.empty()) return RefuseList(ERR_FILE_NOT_OPEN);
+    if (name.empty()) return Refuse(ERR_FILE_NOT_OPEN);
     const std::string_view file = paths::fileName(name);
     const bool drive = name.size() == 2 && name[1] == ':' && ascii::isLetter(name[0]);
     const bool good = !drive && name.size() < std::size_t{FileNameBytes} &&
                       name.find('\0') == std::string_view::npos && !file.empty() && file != "." &&
                       file != "..";
-    return good || RefuseList(ERR_FILE_NAME);
+    return good || Refuse(ERR_FILE_NAME);
 }
 
 bool IsScratchName(std::string_view name) {
@@ -69,7 +69,7 @@ std::int32_t PackedRowBytes(const ListDescriptor& l) {
                            ReadAt<DescriptorHead>(like).maxlength == DYNAMIC_BOUNDS;
     const std::int64_t bytes = ownBounds ? 0 : PackedLength(like, kind);
     if (bytes >= 1 && bytes <= MostPackedBytes) return static_cast<std::int32_t>(bytes);
-    return RefuseList(ERR_TYPE_NOT_STORABLE), 0;
+    return Refuse(ERR_TYPE_NOT_STORABLE), 0;
 }
 
 }  // namespace tarn

@@ -50,7 +50,7 @@ bool WithMemory(Work work) {
     try {
         return work();
     } catch (const std::bad_alloc&) {
-        return RefuseList(ERR_OUT_OF_MEMORY);
+        return Refuse(ERR_OUT_OF_MEMORY);
     }
 }
 

@@ -29,6 +29,11 @@ namespace tarn {
 inline void SetError(std::int32_t code) {
     if (tarn_error_cell == 0) tarn_error_cell = code;
 }
+// The same, for functions that tell by `false` that they failed.
+inline bool Refuse(std::int32_t code) {
+    SetError(code);
+    return false;
+}
 inline std::int32_t ErrorCell() {
     return tarn_error_cell;
 }

@@ -31,7 +31,7 @@ const ListDescriptor* rowsOf(const void* value, Kind kind) {
 const ListDescriptor* fileRowsOf(const void* value, Kind kind) {
     const ListDescriptor* const rows = rowsOf(value, kind);
     if (rows != nullptr && IsHeldInFile(*rows)) return rows;
-    RefuseList(ERR_TYPE_NOT_STORABLE);
+    Refuse(ERR_TYPE_NOT_STORABLE);
     return nullptr;
 }
 
@@ -59,7 +59,7 @@ bool openIndexes(TableDescriptor& t, bool created) {
     if (!AcceptIndexPlaces(file, IndexesOf(HeaderOf(t)))) return false;
     if (created) RemoveIndexFiles(file);
     if (!(t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t))) return false;
-    return HasAllKeptRows(t) || RefuseTable(ERR_INDEX_FILE_SIZE);
+    return HasAllKeptRows(t) || Refuse(ERR_INDEX_FILE_SIZE);
 }
 
 // Where a link led to the name, the file was made where it leads.
@@ -148,7 +148,7 @@ std::int32_t FileHeaderSize(const void* value, Kind kind) {
 std::int32_t FileFormat(const void* value, Kind kind) {
     const ListDescriptor* const rows = rowsOf(value, kind);
     if (isOpen(rows)) return RowFormatOf(RowFileName(*rows), rows->maxlength);
-    return RefuseList(ERR_FILE_NOT_OPEN), 0;
+    return Refuse(ERR_FILE_NOT_OPEN), 0;
 }
 
 void FileKeepCount(std::string_view fileName, std::int32_t format, std::int32_t count) {

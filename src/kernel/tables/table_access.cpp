@@ -19,14 +19,14 @@ bool IsZeroRecord(const RecordDescriptor& record) {
 }
 
 bool AcceptTable(const TableDescriptor* t) {
-    if (!IsTable(t)) return RefuseTable(ERR_TABLE_TYPE);
+    if (!IsTable(t)) return Refuse(ERR_TABLE_TYPE);
     const ListDescriptor& rows = HeaderOf(*t).rows;
-    return !IsHeldInFile(rows) || *At(rows.data) != 0 || RefuseTable(ERR_FILE_NOT_OPEN);
+    return !IsHeldInFile(rows) || *At(rows.data) != 0 || Refuse(ERR_FILE_NOT_OPEN);
 }
 
 bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row) {
-    if (!IsWholeRecord(row)) return RefuseTable(ERR_COMPONENT_INVALID);
-    return SameShape(row, &RowShape(header), KindRecord) || RefuseTable(ERR_COMPONENT_TYPE);
+    if (!IsWholeRecord(row)) return Refuse(ERR_COMPONENT_INVALID);
+    return SameShape(row, &RowShape(header), KindRecord) || Refuse(ERR_COMPONENT_TYPE);
 }
 
 bool AcceptRowOutput(const TableHeader& header, const RecordDescriptor* row) {
@@ -38,7 +38,7 @@ void ClearRowOutput(RecordDescriptor* row) {
 }
 
 bool AcceptIndexNumber(const TableHeader& header, std::int32_t indexNumber) {
-    return (indexNumber >= 1 && indexNumber <= IndexesOf(header)) || RefuseTable(ERR_INDEX_VALUE);
+    return (indexNumber >= 1 && indexNumber <= IndexesOf(header)) || Refuse(ERR_INDEX_VALUE);
 }
 
 bool FitsIndex(const TableHeader& header, std::int32_t indexNumber, const KeyView& key) {
@@ -49,7 +49,7 @@ bool FitsIndex(const TableHeader& header, std::int32_t indexNumber, const KeyVie
 bool AcceptTableKey(const TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                     KeyView& view) {
     if (!AcceptIndexNumber(header, indexNumber)) return false;
-    return (KeyOfRecord(key, view) && FitsIndex(header, indexNumber, view)) || RefuseTable(ERR_INDEX_VALUE);
+    return (KeyOfRecord(key, view) && FitsIndex(header, indexNumber, view)) || Refuse(ERR_INDEX_VALUE);
 }
 
 }  // namespace tarn

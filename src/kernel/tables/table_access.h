@@ -50,10 +50,6 @@ bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap);
 
 // ---- the checks of arguments, in their order; false with the error set ----
 
-inline bool RefuseTable(std::int32_t code) {
-    SetError(code);
-    return false;
-}
 // A record whose fields are there.
 bool IsWholeRecord(const RecordDescriptor* record);
 bool IsZeroRecord(const RecordDescriptor& record);

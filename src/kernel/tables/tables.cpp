@@ -42,7 +42,7 @@ bool find(std::string_view op, const TableDescriptor* t, std::int32_t indexNumbe
     if (!AcceptTable(t) || !AcceptRowOutput(HeaderOf(*t), row)) return false;
     const TableHeader& header = HeaderOf(*t);
     if (!AcceptIndexNumber(header, indexNumber)) return false;
-    if (!ReadOperator(op, seek)) return RefuseTable(ERR_INDEX_VALUE);
+    if (!ReadOperator(op, seek)) return Refuse(ERR_INDEX_VALUE);
     if (seek.end == 0 && !AcceptTableKey(header, indexNumber, key, view)) return false;
     return operations(header).find(*t, indexNumber, seek, view, row, found) && found;
 }
@@ -145,7 +145,7 @@ void TableRow(const TableDescriptor* t, std::int32_t number, RecordDescriptor* r
 // ---- keys ----
 
 std::int32_t TableIndexFor(const TableDescriptor* t, const RecordDescriptor* key) {
-    if (!IsTable(t)) return RefuseTable(ERR_TABLE_TYPE), 0;
+    if (!IsTable(t)) return Refuse(ERR_TABLE_TYPE), 0;
     const TableHeader& header = HeaderOf(*t);
     KeyView view;
     if (!KeyOfRecord(key, view)) return 0;
@@ -177,7 +177,7 @@ std::int32_t TableCount(const TableDescriptor* t) {
 }
 
 std::int32_t TableIndexCount(const TableDescriptor* t) {
-    return IsTable(t) ? IndexesOf(HeaderOf(*t)) : (RefuseTable(ERR_TABLE_TYPE), 0);
+    return IsTable(t) ? IndexesOf(HeaderOf(*t)) : (Refuse(ERR_TABLE_TYPE), 0);
 }
 
 const ListDescriptor* TableRows(const TableDescriptor* t) {

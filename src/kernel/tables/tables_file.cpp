@@ -52,7 +52,7 @@ bool seekNode(const FileTree& tree, const TreeSeek& seek, const KeyView& key, Fi
 bool readRowOf(const FileTree& tree, FileTree::Ref node, const TableHeader& header, std::int32_t index,
                ReadCopy& row) {
     const std::int32_t number = tree.row(node);
-    if (!HasRow(header, number)) return RefuseTable(ERR_INDEX_TYPE);
+    if (!HasRow(header, number)) return Refuse(ERR_INDEX_TYPE);
     if (!row.read(number)) return false;
     return (tree.order(row.key(index), node) == 0 && tree.failure() == 0) || RefuseTree(tree);
 }
@@ -63,7 +63,7 @@ FileTree* openAtRow(IndexChanges& changes, const TableHeader& header, std::int32
     FileTree* tree = changes.open(index);
     FileTree::Ref node = 0;
     if (tree == nullptr || !seekNode(*tree, {}, key, node)) return nullptr;
-    if (node == 0) return RefuseTable(ERR_TABLE_NOT_FOUND), nullptr;
+    if (node == 0) return Refuse(ERR_TABLE_NOT_FOUND), nullptr;
     if (!readRowOf(*tree, node, header, index, row)) return nullptr;
     number = tree->row(node);
     return tree;
@@ -82,7 +82,7 @@ bool eachIndex(const TableHeader& header, std::int32_t open, const Change& chang
 bool replaceEntry(FileTree& tree, const KeyView& before, const KeyView& after, std::int32_t row) {
     FilePath path;
     if (!FindFileKey(tree, after, path)) return false;
-    if (path.found) return RefuseTable(ERR_DUPLICATE_FIELDS);
+    if (path.found) return Refuse(ERR_DUPLICATE_FIELDS);
     return RemoveEntry(tree, before, row) && InsertEntry(tree, after, row);
 }
 
@@ -107,12 +107,12 @@ bool FileTableFind(const TableDescriptor& t, std::int32_t indexNumber, const Tre
 
 bool FileTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
     TableHeader& header = HeaderOf(t);
-    if (header.rows.count == std::numeric_limits<std::int32_t>::max()) return RefuseTable(ERR_FIXED_TABLE);
+    if (header.rows.count == std::numeric_limits<std::int32_t>::max()) return Refuse(ERR_FIXED_TABLE);
     const std::int32_t number = header.rows.count + 1;
     IndexChanges changes(t);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         KeyView key;
-        if (!KeyOfRow(row, header.keyMaps[i], key)) return RefuseTable(ERR_COMPONENT_INVALID);
+        if (!KeyOfRow(row, header.keyMaps[i], key)) return Refuse(ERR_COMPONENT_INVALID);
         FileTree* tree = changes.open(i);
         if (tree == nullptr || !InsertEntry(*tree, key, number)) return false;
     }
@@ -136,7 +136,7 @@ bool FileTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView
     if (found == nullptr) return false;
     const bool good = eachIndex(header, index, [&](std::int32_t i) {
         KeyView after;
-        if (!KeyOfRow(row, header.keyMaps[i], after)) return RefuseTable(ERR_COMPONENT_INVALID);
+        if (!KeyOfRow(row, header.keyMaps[i], after)) return Refuse(ERR_COMPONENT_INVALID);
         if (CompareKeys(old.key(i), after) == 0) return true;
         FileTree* tree = i == index ? found : changes.open(i);
         return tree != nullptr && replaceEntry(*tree, old.key(i), after, number);
@@ -234,7 +234,7 @@ bool FileTableRebuild(TableDescriptor& t) {
     const Filled result = MakeTableIndexes(t) ? fillAll(t) : Filled::Failed;
     const bool stays = result == Filled::Whole || result == Filled::Duplicate;
     stays ? exchange.drop() : exchange.putBack();
-    if (result == Filled::Duplicate) return RefuseTable(ERR_UNIQUE_INDEX);
+    if (result == Filled::Duplicate) return Refuse(ERR_UNIQUE_INDEX);
     return result != Filled::Failed;
 }
 

@@ -105,7 +105,7 @@ bool AcceptTypeText(const TableDescriptor& t, std::string text) {
     };
     if (text.empty() || matches()) return true;
     TypeInfoStripOuter(text, MaxTypeInfo);
-    return matches() || RefuseTable(ERR_TABLE_TYPE);
+    return matches() || Refuse(ERR_TABLE_TYPE);
 }
 
 std::string CheckTableFile(const TableDescriptor& t) {

@@ -21,7 +21,7 @@ bool fillNew(const TableDescriptor& t, const ListDescriptor& rows, std::int32_t 
     if (!fill.open(path)) return false;
     const Filled result = fill.run(reader, 1, rows.count, nullptr);
     if (!fill.close()) return false;
-    return result == Filled::Whole || (result == Filled::Duplicate && RefuseTable(ERR_UNIQUE_INDEX));
+    return result == Filled::Whole || (result == Filled::Duplicate && Refuse(ERR_UNIQUE_INDEX));
 }
 
 bool copyRows(const ListDescriptor& from, ListDescriptor& to) {

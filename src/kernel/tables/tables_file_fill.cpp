@@ -102,7 +102,7 @@ std::optional<Filled> SortedFill::writeSorted(KeySort& sort, std::int32_t count,
     if (duplicate_.row != 0 && code == 0) return Filled::Duplicate;
     if (code == 0) code = build.finish();
     if (code == 0) return Filled::Whole;
-    RefuseTable(code);
+    Refuse(code);
     return Filled::Failed;
 }
 
@@ -156,7 +156,7 @@ Filled IndexFill::insert(const RecordDescriptor& row, std::int32_t number) {
     KeyView key;
     FilePath path;
     if (!KeyOfRow(row, header_.keyMaps[index_], key)) {
-        RefuseTable(ERR_COMPONENT_TYPE);
+        Refuse(ERR_COMPONENT_TYPE);
         return Filled::Failed;
     }
     if (!FindFileKey(tree_, key, path)) return Filled::Failed;

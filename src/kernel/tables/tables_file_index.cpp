@@ -47,7 +47,7 @@ std::string IndexKeyText(const TableDescriptor& t, std::int32_t index) {
 bool AcceptIndexKeys(const TableDescriptor& t) {
     const TableHeader& header = HeaderOf(t);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (IndexRecordSize(IndexKeyShape(header, i)) == 0) return RefuseTable(ERR_TYPE_NOT_STORABLE);
+        if (IndexRecordSize(IndexKeyShape(header, i)) == 0) return Refuse(ERR_TYPE_NOT_STORABLE);
     }
     return true;
 }
@@ -55,7 +55,7 @@ bool AcceptIndexKeys(const TableDescriptor& t) {
 // ---- entries ----
 
 bool RefuseTree(const FileTree& tree) {
-    return RefuseTable(tree.failure() != 0 ? tree.failure() : std::int32_t{ERR_INDEX_TYPE});
+    return Refuse(tree.failure() != 0 ? tree.failure() : std::int32_t{ERR_INDEX_TYPE});
 }
 
 namespace {
@@ -75,7 +75,7 @@ bool FindEntry(const FileTree& tree, const KeyView& key, std::int32_t row, FileP
 bool InsertEntry(FileTree& tree, const KeyView& key, std::int32_t row) {
     FilePath path;
     if (!FindFileKey(tree, key, path)) return false;
-    if (path.found) return RefuseTable(ERR_DUPLICATE_FIELDS);
+    if (path.found) return Refuse(ERR_DUPLICATE_FIELDS);
     const FileTree::Ref node = tree.add(key, row);
     if (node == 0) return RefuseTree(tree);
     LinkAt(tree, path, node);
@@ -167,14 +167,14 @@ bool IndexExchange::setAside() {
     aside_ = 0;
     if (!AcceptIndexPlaces(file_, count_)) return false;
     for (std::int32_t i = 0; i < count_; ++i) {
-        if (os::infoOf(name(i)).folder) return RefuseTable(FileWriteCode(os::FileError::IsFolder));
+        if (os::infoOf(name(i)).folder) return Refuse(FileWriteCode(os::FileError::IsFolder));
     }
     for (; aside_ < count_; ++aside_) {
         CloseKeptIndex(name(aside_));
         const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
         there_[aside_] = error == os::FileError::None;
         if (there_[aside_] || IsMissing(error)) continue;
-        RefuseTable(FileWriteCode(error));
+        Refuse(FileWriteCode(error));
         putBack();
         return false;
     }
@@ -267,8 +267,8 @@ bool AcceptTableIndexes(TableDescriptor& t) {
         const std::int32_t recordSize = IndexRecordSize(IndexKeyShape(header, i));
         const std::string path = IndexFileName(file, i + 1);
         const std::int32_t error = IndexSizeError(path, recordSize, header.rows.count);
-        if (error != 0) return RefuseTable(error);
-        if (NamesOtherTable(path, file)) return RefuseTable(ERR_INDEX_FILE_SIZE);
+        if (error != 0) return Refuse(error);
+        if (NamesOtherTable(path, file)) return Refuse(ERR_INDEX_FILE_SIZE);
     }
     return true;
 }
@@ -295,7 +295,7 @@ bool SyncTableIndexes(const TableDescriptor& t) {
         const std::int32_t error = syncFile(IndexFileName(file, i + 1));
         if (first == 0) first = error;
     }
-    return first == 0 || RefuseTable(first);
+    return first == 0 || Refuse(first);
 }
 
 void ReleaseTableIndexes(const TableDescriptor& t) {

@@ -82,7 +82,7 @@ bool RowMending::look() {
     if (!FindRowNote(path_, header(), file_.rowBytes(), note_)) return false;
     end_ = std::max(note_.offset >= 0 ? note_.offset : size_, header());
     const std::int64_t rows = (end_ - header()) / file_.rowBytes();
-    if (rows > std::numeric_limits<std::int32_t>::max()) return RefuseList(ERR_FILE_SIZE);
+    if (rows > std::numeric_limits<std::int32_t>::max()) return Refuse(ERR_FILE_SIZE);
     rowsInFile_ = static_cast<std::int32_t>(rows);
     if (file_.format() != RowsXbase || size_ != file_.offsetOf(rows + 1) + 1) return true;
     const os::FileError marked = file_.readEndMark(size_, endMark_);
@@ -99,7 +99,7 @@ bool RowMending::settleCount() {
     if (good) rowsTaken_ = std::clamp(rowsBehind_, 0, rowsInFile_ - static_cast<std::int32_t>(stored));
     if (good) count_ = static_cast<std::int32_t>(stored) + rowsTaken_;
     if (!good && file_.format() == RowsFixed && !lastUsedRow(file_, rowsInFile_, count_)) return false;
-    if (IsFixedList(list_) && count_ > list_.maxlength) return RefuseList(ERR_FIXED_TABLE);
+    if (IsFixedList(list_) && count_ > list_.maxlength) return Refuse(ERR_FIXED_TABLE);
     result_.countSet = !good;
     return true;
 }
@@ -134,13 +134,13 @@ bool acceptFile(std::string_view fileName) {
     os::FileInfo info;
     const os::FileError error = os::files().info(std::string(fileName), info);
     if (error != os::FileError::None) return RefuseRead(error);
-    if (info.folder || info.special) return RefuseList(ERR_FILE_NAME);
-    return info.exists || RefuseList(ERR_FILE_VANISHED);
+    if (info.folder || info.special) return Refuse(ERR_FILE_NAME);
+    return info.exists || Refuse(ERR_FILE_VANISHED);
 }
 
 bool acceptMending(const ListDescriptor& l, std::string_view fileName) {
-    if (!IsList(&l) || !IsHeldInFile(l)) return RefuseList(ERR_TYPE_NOT_STORABLE);
-    if (!RowFileName(l).empty()) return RefuseList(ERR_UNIDENTIFIABLE);
+    if (!IsList(&l) || !IsHeldInFile(l)) return Refuse(ERR_TYPE_NOT_STORABLE);
+    if (!RowFileName(l).empty()) return Refuse(ERR_UNIDENTIFIABLE);
     return acceptFile(fileName);
 }
 
@@ -195,7 +195,7 @@ bool IndexRebuilding::run() {
         return false;
     exchange.drop();
     exchange.dropNew();
-    return result_.duplicates.empty() || RefuseTable(ERR_UNIQUE_INDEX);
+    return result_.duplicates.empty() || Refuse(ERR_UNIQUE_INDEX);
 }
 
 bool IndexRebuilding::fillAll() {
@@ -294,7 +294,7 @@ bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
 }
 
 bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind, RebuiltTable& result) {
-    if (!IsTable(&t)) return RefuseTable(ERR_TABLE_TYPE);
+    if (!IsTable(&t)) return Refuse(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
     if (!acceptIndexes(t, fileName) || !acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||

@@ -66,7 +66,7 @@ bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes) {
         bool taken = isRowFile(index, tableFile, rows);
         for (const std::string_view mark : marks)
             taken = taken || isRowFile(MarkedIndexName(index, mark), tableFile, rows);
-        if (taken) return RefuseTable(ERR_FILE_NAME);
+        if (taken) return Refuse(ERR_FILE_NAME);
     }
     return true;
 }
@@ -75,11 +75,11 @@ bool AcceptIndexPlaces(std::string_view tableFile, std::int32_t indexes) {
     if (!AcceptRowPlace(tableFile, indexes)) return false;
     for (std::int32_t n = 1; n <= indexes; ++n) {
         const std::string index = IndexFileName(tableFile, n);
-        if (os::infoOf(index).special) return RefuseTable(ERR_FILE_NAME);
+        if (os::infoOf(index).special) return Refuse(ERR_FILE_NAME);
         bool taken = isIndexOfOther(index, tableFile);
         for (const std::string_view mark : marks)
             taken = taken || isIndexOfOther(MarkedIndexName(index, mark), tableFile);
-        if (taken) return RefuseTable(ERR_INDEX_FILE_SIZE);
+        if (taken) return Refuse(ERR_INDEX_FILE_SIZE);
     }
     return true;
 }

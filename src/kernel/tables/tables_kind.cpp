@@ -147,9 +147,9 @@ bool initTable(void* target, const void* like) {
 bool acceptCopy(const TableDescriptor& from, const TableDescriptor& to) {
     const bool nothing = isUnopened(from) && isUnopened(to);
     if (!nothing && (!AcceptTable(&from) || !AcceptTable(&to))) return false;
-    if (!sameRowType(HeaderOf(from), HeaderOf(to))) return RefuseTable(ERR_TABLE_TYPE);
+    if (!sameRowType(HeaderOf(from), HeaderOf(to))) return Refuse(ERR_TABLE_TYPE);
     const bool fits = to.maxlength == UNBOUNDED || from.count <= to.maxlength;
-    return fits || RefuseTable(ERR_FIXED_TABLE);
+    return fits || Refuse(ERR_FIXED_TABLE);
 }
 
 bool copyTable(const void* source, void* target) {

@@ -29,14 +29,14 @@ bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&
     KeySearch searches[MaxIndexes];
     const std::int32_t count = IndexesOf(header);
     for (std::int32_t i = 0; i < count; ++i) {
-        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return RefuseTable(ERR_COMPONENT_INVALID);
+        if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return Refuse(ERR_COMPONENT_INVALID);
         searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
     }
     const bool whole =
         count == 1 ? FindKey(header.roots[0], entries[0].key, entries[0].path) : FindKeys(searches, count);
     if (!whole) return false;
     return std::none_of(entries, entries + count, [](const Entry& entry) { return entry.path.found; }) ||
-           RefuseTable(ERR_DUPLICATE_FIELDS);
+           Refuse(ERR_DUPLICATE_FIELDS);
 }
 
 void freeNodes(Entry (&entries)[MaxIndexes]) {
@@ -58,7 +58,7 @@ bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
 // has not found it.
 bool findEntry(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
     const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
-    if (!known) return RefuseTable(ERR_INDEX_TYPE);
+    if (!known) return Refuse(ERR_INDEX_TYPE);
     if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
     entry.path.found = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
     return true;
@@ -109,13 +109,13 @@ bool findRow(const TableHeader& header, std::int32_t indexNumber, const TreeSeek
     if (!SeekNode(header.roots[indexNumber - 1], seek, key, node)) return false;
     if (node == 0) return true;
     number = NodeRow(node);
-    return HasRow(header, number) || RefuseTable(ERR_INDEX_TYPE);
+    return HasRow(header, number) || Refuse(ERR_INDEX_TYPE);
 }
 
 // The number of the row that must have this key.
 bool findByKey(const TableHeader& header, std::int32_t indexNumber, const KeyView& key,
                std::int32_t& number) {
-    return findRow(header, indexNumber, {}, key, number) && (number != 0 || RefuseTable(ERR_TABLE_NOT_FOUND));
+    return findRow(header, indexNumber, {}, key, number) && (number != 0 || Refuse(ERR_TABLE_NOT_FOUND));
 }
 
 // ---- updating ----
@@ -131,11 +131,11 @@ bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t n
     KeyView old;
     const std::int32_t keyMap = header.keyMaps[index];
     if (!KeyOfRow(RowAt(header, number), keyMap, old) || !KeyOfRow(row, keyMap, change.after.key))
-        return RefuseTable(ERR_COMPONENT_INVALID);
+        return Refuse(ERR_COMPONENT_INVALID);
     change.differs = CompareKeys(old, change.after.key) != 0;
     if (!change.differs) return true;
     if (!FindKey(header.roots[index], change.after.key, change.after.path)) return false;
-    if (change.after.path.found) return RefuseTable(ERR_DUPLICATE_FIELDS);
+    if (change.after.path.found) return Refuse(ERR_DUPLICATE_FIELDS);
     return findEntryToUnlink(header, index, number, change.before);
 }
 
@@ -177,9 +177,9 @@ bool fillIndex(TableHeader& header, std::int32_t index) {
     for (std::int32_t number = 1; number <= header.rows.count; ++number) {
         Entry entry;
         if (!KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key))
-            return RefuseTable(ERR_COMPONENT_TYPE);
+            return Refuse(ERR_COMPONENT_TYPE);
         if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
-        if (entry.path.found) return RefuseTable(ERR_UNIQUE_INDEX);
+        if (entry.path.found) return Refuse(ERR_UNIQUE_INDEX);
         entry.node = MakeNode(entry.key, number);
         if (entry.node == 0) return false;
         LinkNode(header.roots[index], entry.path, entry.key, entry.node);

@@ -10,17 +10,7 @@
 namespace tarn {
 namespace {
 
-// Both tables are in alphabetical order.
-constexpr std::string_view ReservedWords[] = {
-    "adt",     "and",    "array",   "asc",      "boolean", "by",      "call",   "callback", "case",
-    "class",   "code",   "const",   "desc",     "div",     "downto",  "each",   "else",     "elseif",
-    "end",     "enum",   "exit",    "external", "false",   "fixed",   "for",    "from",     "function",
-    "if",      "in",     "index",   "inout",    "integer", "iterate", "list",   "loop",     "me",
-    "mod",     "not",    "of",      "onerror",  "or",      "order",   "out",    "postcond", "precond",
-    "private", "public", "real",    "record",   "return",  "run",     "select", "set",      "string",
-    "table",   "then",   "through", "to",       "true",    "type",    "union",  "uses",     "var",
-    "when",    "where",  "while",   "with"};
-
+// In alphabetical order, as the reserved ones are.
 constexpr std::string_view FutureReservedWords[] = {"activate",
                                                     "all",
                                                     "also",

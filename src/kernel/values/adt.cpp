@@ -19,57 +19,6 @@ namespace {
 
 constexpr std::size_t largestValue = KindSize[KindArray];
 
-// ---- strings as values ----
-
-const StringDescriptor& stringAt(const void* value) {
-    return *static_cast<const StringDescriptor*>(value);
-}
-
-bool initString(void* target, const void* like) {
-    auto* s = static_cast<StringDescriptor*>(target);
-    const std::int32_t maxlength = stringAt(like).maxlength;
-    StringInit(s, maxlength);
-    if (maxlength == UNBOUNDED || s->data != 0) return true;
-    *s = {};
-    return false;
-}
-
-// What an assignment can fail with shows in its result: the cell may hold an older error.
-bool copyString(const void* source, void* target) {
-    const StringDescriptor& from = stringAt(source);
-    auto* to = static_cast<StringDescriptor*>(target);
-    if (KindOf(&from) != KindString || KindOf(to) != KindString) {
-        SetError(ERR_STRING_TYPE);
-        return false;
-    }
-    const std::int32_t length = from.length, room = to->maxlength == UNBOUNDED ? length : to->maxlength;
-    StringAssign(to, &from);
-    return to->length == std::min(length, room);
-}
-
-void freeString(void* value) {
-    FreeData(*static_cast<StringDescriptor*>(value));
-}
-
-bool equalStrings(const void* a, const void* b) {
-    return StringCompareOp("EQ", &stringAt(a), &stringAt(b)) != 0;
-}
-
-bool sameStringShape(const void* a, const void* b) {
-    return stringAt(a).maxlength == stringAt(b).maxlength;
-}
-
-std::string checkString(const void* value) {
-    const auto s = ReadAt<StringDescriptor>(value);
-    const std::int64_t capacity = s.maxlength == UNBOUNDED ? s.length : s.maxlength;
-    if (s.length < 0 || s.length > capacity) return "string: length out of range";
-    const bool terminated = s.maxlength == UNBOUNDED && s.size == (capacity + 1) * CharacterWidth;
-    if (s.size != capacity * CharacterWidth && !(terminated && At(s.data)[s.size - 1] == 0))
-        return "string: size is not that of its characters";
-    if ((s.size == 0) != (s.data == 0)) return "string: size without data or data without size";
-    return {};
-}
-
 // ---- the table of kinds ----
 
 const KindOperations* operationsOf(std::int32_t kind) {
@@ -80,18 +29,13 @@ const KindOperations* operationsOf(std::int32_t kind) {
     return IsAdtKind(kind) ? table[kind] : nullptr;
 }
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 bool acceptKind(Kind kind) {
-    return IsValueKind(kind) || fail(ERR_UNIDENTIFIABLE);
+    return IsValueKind(kind) || Refuse(ERR_UNIDENTIFIABLE);
 }
 
 bool acceptDescriptor(const void* value, Kind kind) {
-    return !IsAdtKind(kind) ? value != nullptr || fail(ERR_UNIDENTIFIABLE)
-                            : IsOfKind(value, kind) || fail(AdtTypeError(kind));
+    return !IsAdtKind(kind) ? value != nullptr || Refuse(ERR_UNIDENTIFIABLE)
+                            : IsOfKind(value, kind) || Refuse(AdtTypeError(kind));
 }
 
 // Kinds that may hold a value of any kind somewhere below.
@@ -143,7 +87,7 @@ public:
     ~Deeper() { --depth; }
     Deeper(const Deeper&) = delete;
     Deeper& operator=(const Deeper&) = delete;
-    [[nodiscard]] static bool accept() { return depth <= MaxNesting || fail(ERR_UNIDENTIFIABLE); }
+    [[nodiscard]] static bool accept() { return depth <= MaxNesting || Refuse(ERR_UNIDENTIFIABLE); }
 
 private:
     static inline std::int32_t depth = 0;
@@ -184,16 +128,7 @@ bool equalNumbers(const void* a, const void* b, Kind kind) {
            (kind == KindReal && ReadAt<double>(a) == ReadAt<double>(b));
 }
 
-void emptyString(void* value) {
-    auto& s = *static_cast<StringDescriptor*>(value);
-    if (s.maxlength == UNBOUNDED) FreeData(s);
-    s.length = 0;
-}
-
 }  // namespace
-
-const KindOperations StringOperations = {initString,      copyString,  freeString, equalStrings,
-                                         sameStringShape, checkString, emptyString};
 
 // ---- for elements and fields ----
 
@@ -225,7 +160,7 @@ bool InitAdt(void* target, const void* like, Kind kind) {
 bool CopyAdt(const void* source, void* target, Kind kind) {
     if (source == target) return true;
     const bool shapeless = IsZeroValue(target, kind);
-    if (IsZeroValue(source, kind)) return shapeless || fail(AdtTypeError(kind));
+    if (IsZeroValue(source, kind)) return shapeless || Refuse(AdtTypeError(kind));
     const Deeper level;
     if (!Deeper::accept()) return false;
     if (shapeless && kind != KindString) return replace(source, target, kind);
@@ -285,12 +220,12 @@ void FreePrototype(Offset& prototype, Kind kind) {
 
 bool AcceptValue(const void* value, Kind kind) {
     const bool good = value != nullptr && IsValueKind(kind) && (!IsAdtKind(kind) || IsWellFormed(value));
-    return good || fail(ERR_COMPONENT_INVALID);
+    return good || Refuse(ERR_COMPONENT_INVALID);
 }
 
 bool AcceptContent(const void* value, Kind kind, Use use) {
     const bool shapeless = use == Use::Output && kind > KindString && IsZeroValue(value, kind);
-    return shapeless || IsOfKind(value, kind) || fail(AdtTypeError(kind));
+    return shapeless || IsOfKind(value, kind) || Refuse(AdtTypeError(kind));
 }
 
 namespace {
@@ -363,7 +298,7 @@ bool AdtCompare(std::string_view op, const void* a, const void* b, Kind kind) {
     const std::uint8_t relation = RelationOf(op);
     if (relation != RelationEqual && relation != RelationDifferent) return false;
     const Comparison result = compare(a, b, kind);
-    if (result.error != 0) return fail(result.error);
+    if (result.error != 0) return Refuse(result.error);
     return result.equal == (relation == RelationEqual);
 }
 

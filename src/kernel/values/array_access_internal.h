@@ -87,7 +87,7 @@ inline bool IsUntypedArray(const ArrayDescriptor& a) {
     return a.tag == 0 && a.size == 0 && a.data == 0 && a.maxlength == DYNAMIC_BOUNDS;
 }
 
-// ---- blocks of elements (arrays_value.cpp) ----
+// ---- blocks of elements (arrays_kind.cpp) ----
 
 // Gives an array that has kind and prototype, but no data, these bounds and empty elements. On failure it is
 // as it was.

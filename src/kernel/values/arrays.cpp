@@ -13,21 +13,16 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 // ---- checks ----
 
 bool acceptArray(const ArrayDescriptor* a) {
     const bool good = a != nullptr && (a->maxlength == 0 || a->maxlength == DYNAMIC_BOUNDS) && a->tag >= 0 &&
                       a->tag < KindCount && a->size >= 0 && (a->tag != 0 || IsUntypedArray(*a));
-    return good || fail(ERR_ARRAY_TYPE);
+    return good || Refuse(ERR_ARRAY_TYPE);
 }
 
 bool acceptDimensions(const ArrayDescriptor& a, std::int32_t dimensions) {
-    return DimensionsOf(ShapeOf(a)) == dimensions || fail(ERR_ARRAY_DIMENSION);
+    return DimensionsOf(ShapeOf(a)) == dimensions || Refuse(ERR_ARRAY_DIMENSION);
 }
 
 // The address of an element, or null and 602.

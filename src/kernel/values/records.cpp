@@ -5,32 +5,13 @@
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"
 #include "kernel/values/adt_kinds.h"
+#include "kernel/values/record_access_internal.h"
 
 #include <cstring>
 
 namespace tarn {
 
 namespace {
-
-// One field on a walk over a record.
-struct Field {
-    std::int32_t number = 0;
-    Kind kind = KindNone;
-    std::int32_t offset = 0;  // bytes from the first field
-};
-
-// Calls `visit` for each field in order, until it gives false; tells whether all were visited.
-template <class Visit>
-bool eachField(const FieldKinds& kinds, Visit visit) {
-    Field field;
-    for (field.number = 1; field.number <= MaxFields; ++field.number) {
-        field.kind = FieldKindAt(kinds, field.number);
-        if (field.kind == KindNone) return true;
-        if (!visit(field)) return false;
-        field.offset += KindSize[field.kind];
-    }
-    return true;
-}
 
 // Kinds of values without a gap, and nothing behind the last.
 bool areFieldKinds(const FieldKinds& kinds) {
@@ -40,10 +21,6 @@ bool areFieldKinds(const FieldKinds& kinds) {
         if (kind > KindTable || (n > count && kind != KindNone)) return false;
     }
     return true;
-}
-
-bool sameKinds(const RecordDescriptor& a, const RecordDescriptor& b) {
-    return std::memcmp(&a.kinds, &b.kinds, sizeof a.kinds) == 0;
 }
 
 bool isRecord(const RecordDescriptor* r) {
@@ -77,113 +54,7 @@ char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v
     return static_cast<char*>(RecordFieldAddress(const_cast<RecordDescriptor*>(r), n));
 }
 
-const RecordDescriptor& recordAt(const void* value) {
-    return *static_cast<const RecordDescriptor*>(value);
-}
-
-// ---- as a kind of value ----
-
-void freeRecord(void* value) {
-    auto& r = *static_cast<RecordDescriptor*>(value);
-    char* data = At(r.data);
-    if (data == nullptr) return;
-    if (HoldsNumbersOnly(r.kinds)) return FreeData(r);
-    eachField(r.kinds, [&](const Field& field) {
-        FreeValue(data + field.offset, field.kind);
-        return true;
-    });
-    FreeData(r);
-}
-
-bool initRecord(void* target, const void* like) {
-    const RecordDescriptor& from = recordAt(like);
-    RecordDescriptor made{0, from.tag, 0, from.kinds};
-    bool good = from.size == 0 || AllocateData(made, from.size);
-    if (good && from.size != 0) {
-        char* data = At(made.data);
-        const char* shapes = At(from.data);
-        std::memset(data, 0, static_cast<std::size_t>(made.size));
-        good = HoldsNumbersOnly(made.kinds) || eachField(made.kinds, [&](const Field& field) {
-                   return !IsAdtKind(field.kind) ||
-                          InitValue(data + field.offset, shapes + field.offset, field.kind);
-               });
-        if (!good) freeRecord(&made);
-    }
-    if (!good) made = {};
-    std::memcpy(target, &made, sizeof made);
-    return good;
-}
-
-bool copyRecord(const void* source, void* target) {
-    const RecordDescriptor& from = recordAt(source);
-    auto& to = *static_cast<RecordDescriptor*>(target);
-    if (!sameKinds(from, to)) {
-        SetError(ERR_COMPONENT_TYPE);
-        return false;
-    }
-    const char* fromData = At(from.data);
-    char* toData = At(to.data);
-    if (to.size == 0) return true;
-    if (HoldsNumbersOnly(to.kinds) && from.size == to.size) {
-        std::memcpy(toData, fromData, static_cast<std::size_t>(to.size));
-        return true;
-    }
-    return eachField(to.kinds, [&](const Field& field) {
-        return CopyValue(fromData + field.offset, toData + field.offset, field.kind);
-    });
-}
-
-bool equalRecords(const void* a, const void* b) {
-    const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
-    if (!sameKinds(left, right)) return false;
-    const char *leftData = At(left.data), *rightData = At(right.data);
-    return eachField(left.kinds, [&](const Field& field) {
-        return EqualValues(leftData + field.offset, rightData + field.offset, field.kind);
-    });
-}
-
-bool sameRecordShape(const void* a, const void* b) {
-    const RecordDescriptor &left = recordAt(a), &right = recordAt(b);
-    if (left.tag != right.tag || !sameKinds(left, right)) return false;
-    if (HoldsNumbersOnly(left.kinds)) return true;
-    const char *leftData = At(left.data), *rightData = At(right.data);
-    return eachField(left.kinds, [&](const Field& field) {
-        return SameShape(leftData + field.offset, rightData + field.offset, field.kind);
-    });
-}
-
-std::string checkRecord(const void* value) {
-    const RecordDescriptor& r = recordAt(value);
-    const std::int32_t count = FieldCountOf(r.kinds);
-    for (std::int32_t n = count + 1; n <= MaxFields; ++n) {
-        if (FieldKindAt(r.kinds, n) != KindNone) return "record: a field stands behind the last";
-    }
-    if (r.size != FieldBytesOf(r.kinds)) return "record: size is not that of its fields";
-    if ((r.size == 0) != (r.data == 0)) return "record: size without data or data without size";
-    std::string wrong;
-    const char* data = At(r.data);
-    eachField(r.kinds, [&](const Field& field) {
-        wrong = CheckValue(data + field.offset, field.kind);
-        if (!wrong.empty()) wrong = "field " + std::to_string(field.number) + ": " + wrong;
-        return wrong.empty();
-    });
-    return wrong;
-}
-
-void emptyRecord(void* value) {
-    const RecordDescriptor& r = recordAt(value);
-    if (r.size == 0 || r.size != FieldBytesOf(r.kinds)) return;
-    char* data = At(r.data);
-    eachField(r.kinds, [&](const Field& field) {
-        EmptyValue(data + field.offset, field.kind);
-        return true;
-    });
-}
-
 }  // namespace
-
-const KindOperations RecordOperations = {initRecord,      copyRecord,  freeRecord, equalRecords,
-                                         sameRecordShape, checkRecord, emptyRecord};
 
 // ---- field kinds ----
 
@@ -209,7 +80,7 @@ std::int32_t FieldCountOf(const FieldKinds& kinds) {
 
 std::int32_t FieldBytesOf(const FieldKinds& kinds) {
     std::int32_t bytes = 0;
-    eachField(kinds, [&](const Field& field) {
+    EachField(kinds, [&](const RecordField& field) {
         bytes += KindSize[field.kind];
         return true;
     });
@@ -255,7 +126,7 @@ Kind RecordFieldKind(const RecordDescriptor* r, std::int32_t n) {
 const void* RecordFieldAddress(const RecordDescriptor* r, std::int32_t n) {
     if (!acceptRecord(r)) return nullptr;
     const char* at = nullptr;
-    eachField(r->kinds, [&](const Field& field) {
+    EachField(r->kinds, [&](const RecordField& field) {
         if (field.number == n) at = At(r->data) + field.offset;
         return field.number != n;
     });

@@ -19,25 +19,6 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
-bool isSetCapacity(std::int32_t maxlength) {
-    return maxlength == 0 || maxlength == DYNAMIC_BOUNDS;
-}
-
-// Never used, or freed. What is no set may be shorter than one, so the words that all descriptors have tell.
-bool isZero(const SetDescriptor& s) {
-    return s.tag == 0 && s.size == 0 && s.data == 0 && s.maxlength == 0;
-}
-
-bool isSet(const SetDescriptor* s) {
-    return s != nullptr && s->tag == TagString && isSetCapacity(s->maxlength) && s->data != 0 &&
-           IsSetRange(s->lower, s->upper) && s->size == SetBytes(s->lower, s->upper);
-}
-
 // ---- bytes ----
 
 // to := operation(to, from), byte by byte.
@@ -55,22 +36,6 @@ bool anyMember(const Bits& bits, std::int32_t lo, std::int32_t hi) {
 
 // ---- blocks ----
 
-// A fixed or dynamic set without members; zero, and the error set, when there is no memory.
-bool make(SetDescriptor& s, std::int32_t maxlength, std::int32_t lower, std::int32_t upper) {
-    s = {0, TagString, 0, maxlength, lower, upper, {NO_DIMENSION, NO_DIMENSION, NO_DIMENSION, NO_DIMENSION},
-         0};
-    if (!AllocateData(s, SetBytes(lower, upper))) {
-        s = {};
-        return false;
-    }
-    ClearBits(BitsOf(s));
-    return true;
-}
-
-bool makeLike(SetDescriptor& s, const SetDescriptor& like) {
-    return like.maxlength == 0 ? make(s, 0, like.lower, like.upper) : make(s, DYNAMIC_BOUNDS, 1, 1);
-}
-
 // Other bounds for a dynamic set; members within both stay. On failure it is as it was.
 bool changeBounds(SetDescriptor& s, std::int32_t lower, std::int32_t upper) {
     const Bits old = BitsOf(s);
@@ -79,7 +44,7 @@ bool changeBounds(SetDescriptor& s, std::int32_t lower, std::int32_t upper) {
         if (size > oldSize) std::memset(old.bytes + oldSize, 0, static_cast<std::size_t>(size - oldSize));
     } else {
         SetDescriptor made{};
-        if (!make(made, DYNAMIC_BOUNDS, lower, upper)) return false;
+        if (!MakeSet(made, DYNAMIC_BOUNDS, lower, upper)) return false;
         const Bits bits = BitsOf(made);
         CopyBits(bits, old, std::max(bits.first(), old.first()), std::min(bits.last(), old.last()));
         FreeData(s);
@@ -163,85 +128,19 @@ void combine(const SetDescriptor* a, const SetDescriptor* b, SetDescriptor* dest
     StoreBits(*dest, result);
 }
 
-// ---- as a kind of value ----
-
-const SetDescriptor& setAt(const void* value) {
-    return *static_cast<const SetDescriptor*>(value);
-}
-
-bool initSet(void* target, const void* like) {
-    auto& s = *static_cast<SetDescriptor*>(target);
-    if (AcceptSet(&setAt(like))) return makeLike(s, setAt(like));
-    s = {};
-    return false;
-}
-
-bool copySet(const void* source, void* target) {
-    auto& to = *static_cast<SetDescriptor*>(target);
-    const SetDescriptor& from = setAt(source);
-    if (!AcceptSet(&from)) return false;
-    if (isZero(to)) {
-        if (!make(to, from.maxlength, from.lower, from.upper)) return false;
-    } else if (!AcceptSet(&to)) {
-        return false;
-    }
-    const std::int32_t error = StoreBits(to, BitsOf(from));
-    return error == 0 || error == ERR_FIXED_SET;
-}
-
-void freeSet(void* value) {
-    FreeData(*static_cast<SetDescriptor*>(value));
-}
-
-bool equalSets(const void* a, const void* b) {
-    return SetCompare("EQ", &setAt(a), &setAt(b));
-}
-
-bool sameSetShape(const void* a, const void* b) {
-    const SetDescriptor &left = setAt(a), &right = setAt(b);
-    if (left.maxlength != right.maxlength) return false;
-    return left.maxlength == DYNAMIC_BOUNDS || (left.lower == right.lower && left.upper == right.upper);
-}
-
-std::string checkSet(const void* value) {
-    const SetDescriptor& s = setAt(value);
-    if (!isSetCapacity(s.maxlength)) return "set: neither fixed nor dynamic";
-    if (!IsSetRange(s.lower, s.upper)) return "set: bounds that cannot be";
-    if (s.size != SetBytes(s.lower, s.upper)) return "set: size is not that of its bounds";
-    if (s.data == 0) return "set: size without data";
-    decltype(s.unused) unused;  // a copy, since the set may stand at any address
-    std::memcpy(unused, &s.unused, sizeof unused);
-    for (const std::int32_t word : unused) {
-        if (word != NO_DIMENSION) return "set: more than one dimension";
-    }
-    if (s.reserved != 0) return "set: reserved word in use";
-    const Bits bits = BitsOf(s);
-    const std::uint8_t below = *bits.at(bits.first()) & static_cast<std::uint8_t>(~MaskFrom(s.lower));
-    const std::uint8_t above = *bits.at(bits.last()) & static_cast<std::uint8_t>(~MaskUpTo(s.upper));
-    return below != 0 || above != 0 ? "set: members outside its bounds" : "";
-}
-
-void emptySet(void* value) {
-    auto& s = *static_cast<SetDescriptor*>(value);
-    if (!AcceptSet(&s)) return;
-    ClearBits(BitsOf(s));
-    if (s.maxlength == 0 || !ResizeData(s, 1)) return;
-    s.lower = 1;
-    s.upper = 1;
-}
-
 }  // namespace
-
-const KindOperations SetOperations = {initSet, copySet, freeSet, equalSets, sameSetShape, checkSet, emptySet};
 
 // ---- for the modules of sets ----
 
-bool AcceptSet(const SetDescriptor* s) {
-    return isSet(s) || fail(ERR_SET_TYPE);
-}
-
-Bits BitsOf(const SetDescriptor& s) {
-    return {reinterpret_cast<std::uint8_t*>(At(s.data)), s.lower, s.upper};
+bool MakeSet(SetDescriptor& s, std::int32_t maxlength, std::int32_t lower, std::int32_t upper) {
+    s = {0, TagString, 0, maxlength, lower, upper, {NO_DIMENSION, NO_DIMENSION, NO_DIMENSION, NO_DIMENSION},
+         0};
+    if (!AllocateData(s, SetBytes(lower, upper))) {
+        s = {};
+        return false;
+    }
+    ClearBits(BitsOf(s));
+    return true;
 }
 
 std::int32_t StoreBits(SetDescriptor& dest, const Bits& from) {
@@ -258,16 +157,16 @@ void SetInit(SetDescriptor* s, std::int32_t lower, std::int32_t upper) {
     if (s == nullptr) return SetError(ERR_SET_TYPE);
     *s = {};
     if (lower == UNBOUNDED && upper == UNBOUNDED)
-        make(*s, DYNAMIC_BOUNDS, 1, 1);
+        MakeSet(*s, DYNAMIC_BOUNDS, 1, 1);
     else if (IsSetRange(lower, upper))
-        make(*s, 0, lower, upper);
+        MakeSet(*s, 0, lower, upper);
     else
         SetError(ERR_SET_BOUNDS);
 }
 
 void SetFree(SetDescriptor* s) {
-    if (s != nullptr && isZero(*s)) return;
-    if (s == nullptr || s->tag != TagString || !isSetCapacity(s->maxlength)) return SetError(ERR_SET_TYPE);
+    if (s != nullptr && IsZeroSet(*s)) return;
+    if (s == nullptr || s->tag != TagString || !IsSetCapacity(s->maxlength)) return SetError(ERR_SET_TYPE);
     FreeData(*s);
     *s = {};
 }

@@ -4,6 +4,8 @@
 // they stand in the heap (and move when the set does) or in a BitsBuffer on the stack.
 #pragma once
 
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
 #include "kernel/values/values.h"
 
 #include <cstddef>
@@ -60,10 +62,25 @@ std::int32_t NextInBits(const Bits& bits, std::int32_t from, bool member);
 // 1 when `a` is the greater, -1 when `b` is, 0 when they have the same members.
 std::int32_t OrderBits(const Bits& a, const Bits& b);
 
+constexpr bool IsSetCapacity(std::int32_t maxlength) {
+    return maxlength == 0 || maxlength == DYNAMIC_BOUNDS;
+}
+// Never used, or freed. What is no set may be shorter than one, so the words that all descriptors have tell.
+inline bool IsZeroSet(const SetDescriptor& s) {
+    return s.tag == 0 && s.size == 0 && s.data == 0 && s.maxlength == 0;
+}
 // True for a set whose size is that of its bounds; otherwise the result is false and 759 set.
-bool AcceptSet(const SetDescriptor* s);
+inline bool AcceptSet(const SetDescriptor* s) {
+    const bool good = s != nullptr && s->tag == TagString && IsSetCapacity(s->maxlength) && s->data != 0 &&
+                      IsSetRange(s->lower, s->upper) && s->size == SetBytes(s->lower, s->upper);
+    return good || Refuse(ERR_SET_TYPE);
+}
 // Of an accepted set.
-Bits BitsOf(const SetDescriptor& s);
+inline Bits BitsOf(const SetDescriptor& s) {
+    return {reinterpret_cast<std::uint8_t*>(At(s.data)), s.lower, s.upper};
+}
+// A fixed or dynamic set without members; zero, and the error set, when there is no memory.
+bool MakeSet(SetDescriptor& s, std::int32_t maxlength, std::int32_t lower, std::int32_t upper);
 // As SetAssign, for an accepted `dest` whose block does not hold these bytes. The result is its `error`.
 std::int32_t StoreBits(SetDescriptor& dest, const Bits& from);
 

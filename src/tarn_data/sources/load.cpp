@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tarn_data/sources/load.h"
+
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"

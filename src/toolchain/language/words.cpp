@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/language/words.h"
+
+#include "kernel/text/words.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -13,74 +15,50 @@ struct Entry {
     Word word;
 };
 
+// Those that the grammar knows.
 constexpr auto Words = std::to_array<Entry>({
-    {"adt", Word::Later},
     {"and", Word::And},
-    {"array", Word::Later},
-    {"asc", Word::Later},
     {"boolean", Word::Boolean},
     {"by", Word::By},
-    {"call", Word::Later},
-    {"callback", Word::Later},
     {"case", Word::Case},
     {"class", Word::Class},
-    {"code", Word::Later},
     {"const", Word::Const},
-    {"desc", Word::Later},
     {"div", Word::Div},
     {"downto", Word::Downto},
-    {"each", Word::Later},
     {"else", Word::Else},
     {"elseif", Word::Elseif},
     {"end", Word::End},
-    {"enum", Word::Later},
     {"exit", Word::Exit},
-    {"external", Word::Later},
     {"false", Word::False},
-    {"fixed", Word::Later},
     {"for", Word::For},
     {"from", Word::From},
     {"function", Word::Function},
     {"if", Word::If},
     {"in", Word::In},
-    {"index", Word::Later},
     {"inout", Word::Inout},
     {"integer", Word::Integer},
     {"iterate", Word::Iterate},
-    {"list", Word::Later},
     {"loop", Word::Loop},
-    {"me", Word::Later},
     {"mod", Word::Mod},
     {"not", Word::Not},
-    {"of", Word::Later},
     {"onerror", Word::Onerror},
     {"or", Word::Or},
-    {"order", Word::Later},
     {"out", Word::Out},
     {"postcond", Word::Postcond},
     {"precond", Word::Precond},
     {"private", Word::Private},
     {"public", Word::Public},
-    {"real", Word::Later},
-    {"record", Word::Later},
     {"return", Word::Return},
-    {"run", Word::Later},
     {"select", Word::Select},
-    {"set", Word::Later},
     {"string", Word::String},
-    {"table", Word::Later},
     {"then", Word::Then},
-    {"through", Word::Later},
     {"to", Word::To},
     {"true", Word::True},
     {"type", Word::Type},
-    {"union", Word::Later},
     {"uses", Word::Uses},
     {"var", Word::Var},
     {"when", Word::When},
-    {"where", Word::Later},
     {"while", Word::While},
-    {"with", Word::Later},
 });
 
 constexpr bool sorted() {
@@ -90,6 +68,14 @@ constexpr bool sorted() {
 }
 static_assert(sorted(), "the look-up is a binary search");
 
+constexpr bool allReserved() {
+    for (const Entry& entry : Words)
+        if (std::find(std::begin(ReservedWords), std::end(ReservedWords), entry.text) == std::end(ReservedWords))
+            return false;
+    return true;
+}
+static_assert(allReserved(), "a name must not be a word of the grammar");
+
 }  // namespace
 
 Word wordOf(std::string_view text) {
@@ -98,7 +84,8 @@ Word wordOf(std::string_view text) {
     const auto found =
         std::lower_bound(Words.begin(), Words.end(), folded,
                          [](const Entry& entry, const std::string& key) { return entry.text < key; });
-    return found != Words.end() && found->text == folded ? found->word : Word::None;
+    if (found != Words.end() && found->text == folded) return found->word;
+    return IsReservedWord(folded) ? Word::Later : Word::None;
 }
 
 std::string_view spelling(Word word) {

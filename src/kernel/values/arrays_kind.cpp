@@ -12,11 +12,6 @@ namespace tarn {
 
 namespace {
 
-bool fail(std::int32_t code) {
-    SetError(code);
-    return false;
-}
-
 void freeElements(const ArrayDescriptor& a) {
     if (!IsAdtKind(a.tag)) return;
     const std::int64_t count = ElementsOf(ShapeOf(a));
@@ -143,12 +138,12 @@ bool assignDynamic(ArrayDescriptor& to, const ArrayDescriptor& from) {
 }
 
 bool assign(ArrayDescriptor& to, const ArrayDescriptor& from) {
-    if (!HasShape(from)) return !HasShape(to) || fail(ERR_ARRAY_TYPE);
-    if (to.tag != from.tag && (to.tag != 0 || HasShape(to))) return fail(ERR_ARRAY_TYPE);
+    if (!HasShape(from)) return !HasShape(to) || Refuse(ERR_ARRAY_TYPE);
+    if (to.tag != from.tag && (to.tag != 0 || HasShape(to))) return Refuse(ERR_ARRAY_TYPE);
     if (HasShape(to) && DimensionsOf(ShapeOf(to)) != DimensionsOf(ShapeOf(from)))
-        return fail(ERR_ARRAY_DIMENSION);
+        return Refuse(ERR_ARRAY_DIMENSION);
     if (to.maxlength == DYNAMIC_BOUNDS) return assignDynamic(to, from);
-    if (to.size != from.size) return fail(ERR_FIXED_ARRAY);
+    if (to.size != from.size) return Refuse(ERR_FIXED_ARRAY);
     return copyElements(from, to);
 }
 

@@ -19,23 +19,23 @@ bool IsList(const ListDescriptor* l) {
 }
 
 bool AcceptList(const ListDescriptor* l) {
-    if (!IsList(l)) return RefuseList(ERR_LIST_TYPE);
-    return !IsHeldInFile(*l) || !RowFileName(*l).empty() || RefuseList(ERR_FILE_NOT_OPEN);
+    if (!IsList(l)) return Refuse(ERR_LIST_TYPE);
+    return !IsHeldInFile(*l) || !RowFileName(*l).empty() || Refuse(ERR_FILE_NOT_OPEN);
 }
 
 bool AcceptListInMemory(const ListDescriptor* l) {
-    return AcceptList(l) && (!IsHeldInFile(*l) || RefuseList(ERR_LIST_TYPE));
+    return AcceptList(l) && (!IsHeldInFile(*l) || Refuse(ERR_LIST_TYPE));
 }
 
 bool AcceptStringList(const ListDescriptor* l) {
     if (!AcceptList(l)) return false;
-    return IsUntyped(*l) || ElementKindOf(*l) == KindString || RefuseList(ERR_LIST_TYPE);
+    return IsUntyped(*l) || ElementKindOf(*l) == KindString || Refuse(ERR_LIST_TYPE);
 }
 
 bool AcceptElement(const ListDescriptor& l, const void* v, Kind kind) {
     if (!AcceptValue(v, kind)) return false;
     const bool fits = IsUntyped(l) || ElementKindOf(l) == kind;
-    return (fits && (!IsAdtKind(kind) || KindOf(v) == kind)) || RefuseList(ERR_COMPONENT_TYPE);
+    return (fits && (!IsAdtKind(kind) || KindOf(v) == kind)) || Refuse(ERR_COMPONENT_TYPE);
 }
 
 // ---- elements ----
@@ -255,8 +255,8 @@ bool copyList(const void* source, void* target) {
         EmptyList(to);
         return true;
     }
-    if (!IsUntyped(to) && ElementKindOf(to) != ElementKindOf(from)) return RefuseList(ERR_COMPONENT_TYPE);
-    if (IsFixedList(to) && from.count > to.maxlength) return RefuseList(ERR_FIXED_LIST);
+    if (!IsUntyped(to) && ElementKindOf(to) != ElementKindOf(from)) return Refuse(ERR_COMPONENT_TYPE);
+    if (IsFixedList(to) && from.count > to.maxlength) return Refuse(ERR_FIXED_LIST);
     return IsHeldInFile(to) ? copyToFile(from, to) : copyInto(from, to);
 }
 
