@@ -6,35 +6,49 @@
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/records.h"
-
 #include "os/paths.h"
 #include "os/text/ascii.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace tarn {
 
+namespace {
+
+constexpr DataOptions lines{0, 0, NoTabSeparator, -1}, commas{}, tabs{2, 0, '\t', -1};
+
+// The one for unknown files is the last.
+constexpr FormatFacts facts[] = {
+    {FormatText, "lines of text", {".txt"}, false, lines},
+    {FormatComma, "delimited text", {".csv"}, true, commas},
+    {FormatTab, "delimited text", {".tab"}, true, tabs},
+    {FormatBinary, "a table file", {".bin"}, false, commas},
+    {FormatXbase, "an Xbase file", {".dbf", ".xbf"}, false, commas},
+    {FormatXml, "XML", {".xml"}, false, commas},
+    {FormatUnknown, "a file of unknown form", {}, false, commas},
+};
+
+}  // namespace
+
+const FormatFacts& FactsOf(std::int32_t format) {
+    const FormatFacts* row = std::begin(facts);
+    while (row->format != format && row->format != FormatUnknown) ++row;
+    return *row;
+}
+
 DataFormat DataFormatOf(std::string_view filename) {
-    constexpr struct {
-        std::string_view extension;
-        DataFormat format;
-    } formats[] = {{".txt", FormatText},  {".csv", FormatComma}, {".tab", FormatTab}, {".bin", FormatBinary},
-                   {".dbf", FormatXbase}, {".xbf", FormatXbase}, {".xml", FormatXml}};
     const std::string_view extension = paths::extension(filename);
-    for (const auto& row : formats) {
-        if (ascii::equal(row.extension, extension)) return row.format;
+    if (extension.empty()) return FormatUnknown;
+    for (const FormatFacts& row : facts) {
+        for (const std::string_view known : row.extensions)
+            if (ascii::equal(known, extension)) return row.format;
     }
     return FormatUnknown;
 }
 
 DataOptions DefaultDataOptions(std::int32_t format) {
-    DataOptions options;
-    if (format == FormatTab) {
-        options.numheaderrows = 2;
-        options.separatorchar = '\t';
-    }
-    if (format == FormatText) options.separatorchar = NoTabSeparator;
-    return options;
+    return FactsOf(format).defaults;
 }
 
 DataOptions DataOptionsOf(const RecordDescriptor* options, std::int32_t format) {

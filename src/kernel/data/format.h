@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What all formats of data files have in common: their numbers, how a file is laid out, how a load or a save
-// ended.
+// What all formats of data files have in common: their numbers, what is known of each, how a file is laid out, how a
+// load or a save ended.
+//
+// To add a format: give it a number here and a row of facts in format.cpp, write how it is described, loaded and saved,
+// and give it a row in formats.cpp. Identifying, loading, saving and tarn-data go by these rows.
 #pragma once
 
 #include "kernel/values/values.h"
@@ -32,7 +35,22 @@ struct DataOptions {
     std::int32_t separatorchar = 44;  // character code; -1: none, every line is one cell as it stands
     std::int32_t maxdatarows = -1;    // rows to read; -1 for all
 };
-// The defaults of format 1 (lines), 2 (comma) and 7 (tab, two header rows).
+
+// What is known of a format.
+struct FormatFacts {
+    DataFormat format;
+    std::string_view word;           // as messages call such a file
+    std::string_view extensions[2];  // in lower case, with the point; empty ones are none
+    bool delimited;                  // rows of cells: it may have header and footer rows
+    DataOptions defaults;
+};
+// Those of FormatUnknown for a number that is no format.
+const FormatFacts& FactsOf(std::int32_t format);
+inline bool IsDelimited(DataFormat format) {
+    return FactsOf(format).delimited;
+}
+
+// The defaults of a format.
 DataOptions DefaultDataOptions(std::int32_t format);
 // From an options record; the defaults for null and for an empty one, 764 and 757 for what is no such record.
 DataOptions DataOptionsOf(const RecordDescriptor* options, std::int32_t format);

@@ -35,13 +35,13 @@ constexpr int CommaCode = 44;
 // The form in which a table is saved to a file of this name; FormatUnknown when its extension has none.
 DataFormat savedFormat(const std::string& filename, const RecordDescriptor* options) {
     const DataFormat format = DataFormatOf(filename);
-    if (format != FormatComma && format != FormatTab) return format;
+    if (!IsDelimited(format)) return format;
     return DataOptionsOf(options, format).separatorchar == CommaCode ? FormatComma : FormatTab;
 }
 
 // The rows of such a file cannot be worked on where they stand.
 bool isForeign(DataFormat format) {
-    return format == FormatText || format == FormatXml || format == FormatComma || format == FormatTab;
+    return format == FormatText || format == FormatXml || IsDelimited(format);
 }
 
 // "orders.csv": "orders.~sv".
@@ -214,7 +214,7 @@ std::int32_t saveWithFooters(const std::string& filename, DataFormat format, Dat
 bool saveTable(const std::string& filename, DataFormat format, const RecordDescriptor* record,
                const TableDescriptor* table) {
     DataOptions options;
-    const bool delimited = format == FormatComma || format == FormatTab;
+    const bool delimited = IsDelimited(format);
     std::string footers;
     if (delimited && ReadDataOptions(record, format, options) == 0 && options.numfooterrows > 0 &&
         os::infoOf(os::native(filename)).exists && !ReadFooters(filename, options.numfooterrows, footers)) {

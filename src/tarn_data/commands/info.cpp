@@ -53,11 +53,12 @@ std::string formText(const Source& source) {
         return ", " + std::to_string(n) + " " + what + " row" + (n == 1 ? "" : "s");
     };
     switch (source.format) {
-    case FormatText: return "lines of text";
+    case FormatText: return std::string(FactsOf(source.format).word);
     case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.xmlRows.form)]);
     default:
-        return "delimited text, separator " + separatorName(source.options.separatorchar) +
-               rows(source.options.numheaderrows, "header") + rows(source.options.numfooterrows, "footer");
+        return std::string(FactsOf(source.format).word) + ", separator " +
+               separatorName(source.options.separatorchar) + rows(source.options.numheaderrows, "header") +
+               rows(source.options.numfooterrows, "footer");
     }
 }
 

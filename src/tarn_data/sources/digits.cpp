@@ -143,7 +143,7 @@ struct Lost {
 };
 
 bool isOfTexts(const Source& source) {
-    return !source.text && (isDelimitedForm(source.format) || source.format == FormatXml);
+    return !source.text && (IsDelimited(source.format) || source.format == FormatXml);
 }
 
 // For each column, read as `kinds`: KindNone where every text does.

@@ -181,7 +181,7 @@ Problem loadRows(const Source& source, std::string_view columns, bool exact, Row
     Problem problem = makeRowsFor(source, columns, exact, rows);
     if (problem.any()) return problem;
     if (source.format == FormatXbase) return loadXbase(source, rows);
-    if (isDelimitedForm(source.format)) return loadDelimited(source, rows);
+    if (IsDelimited(source.format)) return loadDelimited(source, rows);
     DataResult result;
     return load(source, source.options, rows, result);
 }

@@ -12,7 +12,6 @@ namespace tarn::datatool {
 
 Problem identifyXbase(const Arguments& arguments, Source& source);
 Problem identifyTable(const Arguments& arguments, Source& source);
-bool isDelimitedForm(DataFormat format);
 // Columns of text without an upper length; all others as they are.
 std::string withoutLengths(std::string_view columns);
 // An empty table without an index, so that every row is taken as it comes. `exact`: strings have the lengths

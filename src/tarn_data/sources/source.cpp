@@ -100,7 +100,7 @@ Problem checkColumns(const Source& source, const DataFileInfo& info) {
     if (info.columnsSeen <= MaxTabColumns) return {};
     return {fileWord(source.file) + "has " + std::to_string(info.columnsSeen) + " columns; at most " +
                 std::to_string(MaxTabColumns) + " can be handled.",
-            isDelimitedForm(info.format)
+            IsDelimited(info.format)
                 ? "Split it into files of fewer columns, or choose another separator with --separator."
                 : "Split it into files of fewer columns."};
 }
@@ -154,34 +154,30 @@ Problem identifyOther(const Arguments& arguments, Source& source) {
     const DataFormat byName = DataFormatOf(source.file);
     source.options = layoutOf(source.file, arguments.from);
     DataFileInfo info = GetDataFileInfo(source.file, &source.options);
-    const bool delimited = isDelimitedForm(byName) || arguments.from.separator;
+    const bool delimited = IsDelimited(byName) || arguments.from.separator;
     const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
     if (unknown && !delimited && !arguments.type.empty()) return identifyTable(arguments, source);
     if (unknown && delimited && !discoverAnyway(source, info))
         return problemOfInfo(source.file, info.message);
     if (stopSignal() != 0) return stoppedProblem();
-    const bool conflict = arguments.text && isDelimitedForm(info.format) && isTypeConflict(info.message);
+    const bool conflict = arguments.text && IsDelimited(info.format) && isTypeConflict(info.message);
     if (!conflict && !info.message.empty() && !isOneRow(source.file, info))
         return problemOfInfo(source.file, info.message);
     const Problem tooMany = checkColumns(source, info);
     if (tooMany.any()) return tooMany;
-    if (isDelimitedForm(info.format)) noteZeroBytes(source.file);
+    if (IsDelimited(info.format)) noteZeroBytes(source.file);
     if (conflict) return identifyTexts(source, info);
     source.format = info.format;
     source.columns = info.typeText;
     source.xmlRows = info.xmlRows;
     if (info.format == FormatXml) return identifyXml(arguments, source);
-    if (!isDelimitedForm(info.format)) return {};
+    if (!IsDelimited(info.format)) return {};
     source.rowsSeen = info.rowsSeen;
     source.rowBehind = info.rowBehind;
     return {};
 }
 
 }  // namespace
-
-bool isDelimitedForm(DataFormat format) {
-    return format == FormatComma || format == FormatTab;
-}
 
 Problem identify(const std::string& file, const Arguments& arguments, bool isTable, Source& source) {
     source.file = file;

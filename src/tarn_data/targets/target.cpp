@@ -226,10 +226,9 @@ Problem chooseTarget(const std::string& file, const Arguments& arguments, Target
     if (!arguments.keys.empty())
         return {"'" + file + "' is no table file, so that --keys means nothing for it.",
                 "--to-table writes a table file.", WrongUsage};
-    const bool delimited = target.format == FormatComma || target.format == FormatTab;
-    if (delimited || target.format == FormatText) return chooseLayout(arguments.to, target);
+    if (IsDelimited(target.format) || target.format == FormatText) return chooseLayout(arguments.to, target);
     if (arguments.to.any())
-        return {"'" + file + "' is " + (target.format == FormatXml ? "XML" : "an Xbase file") +
+        return {"'" + file + "' is " + std::string(FactsOf(target.format).word) +
                     ", which has no separator, header or footer.",
                 "Leave the --to-... options away.", WrongUsage};
     target.options = DefaultDataOptions(target.format);

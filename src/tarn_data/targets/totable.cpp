@@ -35,7 +35,7 @@ bool isDeleteFlag(std::string_view columns) {
 
 // Names that stand in the file, not those that its columns get when it has none.
 bool hasNames(const Source& source) {
-    const bool delimited = isDelimitedForm(source.format) && source.options.numheaderrows > 0;
+    const bool delimited = IsDelimited(source.format) && source.options.numheaderrows > 0;
     return delimited || source.format == FormatXml || source.format == FormatXbase;
 }
 
