@@ -108,14 +108,14 @@ void describeXbase(const std::string& filename, const DataOptions*, DataFileInfo
 
 // The description that a file of the system's own tables holds; only index files have one.
 void describeTableFile(const std::string& filename, const DataOptions*, DataFileInfo& info) {
-    constexpr std::int64_t textOffset = 49;
     TabFile file;
+    std::string header(IndexHeaderBytes, '\0');
     if (file.open(filename) != 0 || file.size() < IndexHeaderBytes) return;
-    std::string text(MaxIndexText + 1, '\0');
-    if (file.read(textOffset, text.data(), text.size()) != 0) return;
-    const std::size_t end = text.find('\0');
-    if (end == std::string::npos) return;
-    text.resize(end);
+    if (file.read(0, header.data(), header.size()) != 0) return;
+    const std::string_view place = TextsOfIndexHeader(header).keyText;
+    const std::size_t end = place.find('\0');
+    if (end == std::string_view::npos) return;
+    std::string text(place.substr(0, end));
     const auto isText = [](char c) { return c == '\n' || c == '\t' || (c >= ' ' && c <= '~'); };
     if (!std::all_of(text.begin(), text.end(), isText)) return;
     info.typeText = std::move(text);

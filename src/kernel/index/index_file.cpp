@@ -11,6 +11,7 @@
 #include "kernel/text/numbers.h"
 #include "os/paths.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <new>
@@ -57,21 +58,21 @@ os::FileError fillNewFile(NewFile& made, std::string_view tableFile, std::string
     return error == os::FileError::None ? GiveRightsOf(tableFile, made.path) : error;
 }
 
+// The header of an index file; empty when there is none.
 std::string headerIn(const std::string& path) {
     std::string header(IndexHeaderBytes, '\0');
     IndexDisk disk;
     if (disk.open(path, os::OpenMode::Read) != 0 || disk.size() < IndexHeaderBytes) return {};
-    if (disk.read(0, header.data(), IndexHeaderBytes) != 0) return {};
-    return WordAt(header.data()) == IndexHeaderBytes ? header : std::string();
+    return disk.read(0, header.data(), IndexHeaderBytes) == 0 ? header : std::string();
 }
 
-// A text in a header, up to its NUL.
-std::string textIn(const std::string& path, std::int32_t at, std::int32_t most) {
+// A text in a header, up to its NUL; the last byte of its place is none of it.
+std::string textIn(const std::string& path, std::string_view IndexHeaderTexts::*text) {
     try {
         const std::string header = headerIn(path);
-        if (header.empty()) return {};
-        const char* const text = header.data() + at;
-        return {text, ::strnlen(text, static_cast<std::size_t>(most))};
+        const std::string_view place = TextsOfIndexHeader(header).*text;
+        return std::string(
+            place.substr(0, std::min(place.find('\0'), std::max<std::size_t>(place.size(), 1) - 1)));
     } catch (const std::bad_alloc&) {
         return {};
     }
@@ -123,6 +124,12 @@ std::string shortened(std::string path, std::size_t last) {
 }
 
 }  // namespace
+
+IndexHeaderTexts TextsOfIndexHeader(std::string_view bytes) {
+    if (bytes.size() < std::size_t{IndexHeaderBytes} || WordAt(bytes.data()) != IndexHeaderBytes) return {};
+    return {bytes.substr(IndexTableNameAt, MaxIndexTableName + 1),
+            bytes.substr(IndexTextAt, MaxIndexText + 1)};
+}
 
 std::string IndexFileName(std::string_view tableFile, std::int32_t index) {
     const bool scratch = IsScratchName(tableFile);
@@ -210,11 +217,11 @@ bool RenameIndexFile(const std::string& from, const std::string& to, std::string
 }
 
 std::string IndexFileText(const std::string& path) {
-    return textIn(path, IndexTextAt, MaxIndexText);
+    return textIn(path, &IndexHeaderTexts::keyText);
 }
 
 std::string IndexTableName(const std::string& path) {
-    return textIn(path, IndexTableNameAt, MaxIndexTableName);
+    return textIn(path, &IndexHeaderTexts::tableName);
 }
 
 }  // namespace tarn

@@ -31,6 +31,15 @@ namespace tarn {
 inline constexpr std::int32_t IndexHeaderBytes = 1104, IndexNodeHeadBytes = 24, MaxIndexTableName = 40,
                               MaxIndexText = 1024, FreeNodeBalance = -999;
 
+inline constexpr std::int32_t IndexTableNameAt = 8, IndexTextAt = 49;
+
+// The texts of a header as they stand there, with what fills them up: they end at their first NUL.
+struct IndexHeaderTexts {
+    std::string_view tableName, keyText;
+};
+// Of the first bytes of a file; both empty when these are not all of a header, or of another kind of file.
+IndexHeaderTexts TextsOfIndexHeader(std::string_view bytes);
+
 // "folder/orders.tab" and 2: "folder/orders.i2". A name without an extension gets one. The number of a
 // scratch file, whose extension begins with '~', stands behind that: "orders.~sv2", since orders.tab may have
 // indexes.

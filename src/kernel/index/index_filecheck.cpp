@@ -129,8 +129,9 @@ bool IndexCheck::checkHeader() {
         if (WordAt(header + IndexControlAt + word * WordBytes) != 0)
             return say("Word " + text(word + 1) + " of the tree control record is not 0.");
     }
-    root_ = WordAt(header + IndexControlAt + ControlRoot * WordBytes);
-    firstFree_ = WordAt(header + IndexControlAt + ControlFree * WordBytes);
+    const IndexControl control = ControlAt(header + IndexControlAt);
+    root_ = control.root;
+    firstFree_ = control.firstFree;
     if (!hasRecord(root_)) return say("The root is record " + text(root_) + " of " + text(records_) + ".");
     return hasRecord(firstFree_) ||
            say("The first free record is " + text(firstFree_) + " of " + text(records_) + ".");

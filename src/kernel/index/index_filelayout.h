@@ -26,8 +26,7 @@ inline void PutWord(char* at, std::int32_t value) {
 
 // ---- the header ----
 
-inline constexpr std::int32_t IndexTableNameAt = 8, IndexTextAt = 49, IndexUnusedAt = 1074,
-                              IndexControlAt = 1080;
+inline constexpr std::int32_t IndexUnusedAt = 1074, IndexControlAt = 1080;
 // Words of the control record, and of the head of a node.
 inline constexpr std::int32_t IndexControlWords = 6, ControlRoot = 2, ControlFree = 3;
 inline constexpr std::int32_t IndexNodeWords = 6, WordRow = 0, WordBalance = 1, WordLeft = 4, WordRight = 5;
@@ -41,6 +40,14 @@ inline void PutControl(char* at, std::int32_t root, std::int32_t firstFree) {
     for (std::int32_t i = 0; i < IndexControlWords; ++i) PutWord(at + i * WordBytes, 0);
     PutWord(at + ControlRoot * WordBytes, root);
     PutWord(at + ControlFree * WordBytes, firstFree);
+}
+
+// What a control record says.
+struct IndexControl {
+    std::int32_t root, firstFree;
+};
+inline IndexControl ControlAt(const char* at) {
+    return {WordAt(at + ControlRoot * WordBytes), WordAt(at + ControlFree * WordBytes)};
 }
 
 // How many records a file of this size has; -1 when it is not that of a header and whole records.

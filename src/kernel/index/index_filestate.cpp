@@ -54,8 +54,9 @@ bool FileTree::State::open(const std::string& path, const KeyLayout& keys, os::O
     if (WordAt(header) != IndexHeaderBytes) return fail(ERR_INDEX_TYPE);
     const char* control = disk.peek(IndexControlAt, IndexControlWords * WordBytes, code);
     if (control == nullptr) return fail(code);
-    root = rootInFile = WordAt(control + ControlRoot * WordBytes);
-    firstFree = firstFreeInFile = WordAt(control + ControlFree * WordBytes);
+    const IndexControl words = ControlAt(control);
+    root = rootInFile = words.root;
+    firstFree = firstFreeInFile = words.firstFree;
     records = recordsInFile;
     return (hasRange(root, records) && hasRange(firstFree, records)) || fail(ERR_INDEX_TYPE);
 }

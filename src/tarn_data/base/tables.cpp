@@ -192,7 +192,6 @@ KeyView IndexFile::shape() const {
 }
 
 IndexFile readIndexFile(const std::string& path) {
-    constexpr std::size_t nameAt = 8, textAt = 49, nameBytes = textAt - nameAt;
     IndexFile index;
     index.path = path;
     FileRows rows;
@@ -201,13 +200,11 @@ IndexFile readIndexFile(const std::string& path) {
         index.wrong = "It cannot be read: " + std::string(os::describe(rows.error()));
         return index;
     }
-    if (head.size() < std::size_t{IndexHeaderBytes} ||
-        bigendian::at<std::int32_t>(head.data()) != IndexHeaderBytes) {
+    const auto [name, text] = TextsOfIndexHeader(head);
+    if (name.empty()) {
         index.wrong = "It does not begin as an index file does.";
         return index;
     }
-    const std::string_view name = std::string_view(head).substr(nameAt, nameBytes),
-                           text = std::string_view(head).substr(textAt, std::size_t{MaxIndexText} + 1);
     index.tableName = untilZero(name);
     index.keyText = untilZero(text);
     if (!isPadded(name, index.tableName) || !isPadded(text, index.keyText))
