@@ -5,6 +5,7 @@
 #include "os/files.h"
 
 #include "os/paths.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -154,11 +155,7 @@ private:
 
 // A pipe has room when its reader takes something; one that takes nothing for so long is given up.
 ssize_t writeToPipe(Handle handle, std::string_view bytes) {
-#ifdef TARNWICK_TINY
-    constexpr int longestWait = 1000;  // milliseconds
-#else
-    constexpr int longestWait = 10000;
-#endif
+    constexpr int longestWait = limits::LongestWait;  // milliseconds
     const PipeSignalAside aside;
     for (;;) {
         const ssize_t result = ::write(handle, bytes.data(), bytes.size());

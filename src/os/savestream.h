@@ -5,6 +5,7 @@
 #pragma once
 
 #include "os/files.h"
+#include "os/tinylimits.h"
 
 #include <cstdint>
 #include <string>
@@ -12,11 +13,7 @@
 
 namespace tarn::os {
 
-#ifdef TARNWICK_TINY
-inline constexpr std::size_t SaveStreamBytes = 64;
-#else
-inline constexpr std::size_t SaveStreamBytes = std::size_t{1} << 20;
-#endif
+inline constexpr std::size_t SaveStreamBytes = limits::SaveStreamBytes;
 
 // Gathers bytes up to a bound, and then writes them to a temporary beside the target. Where no new file can
 // take the place of the old one (saveFile tells where) all of them are gathered, or read again when that

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "os/savestream.h"
+#include "os/tinylimits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,11 +34,7 @@ public:
 private:
     bool handOn(double share);
 
-#ifdef TARNWICK_TINY
-    static constexpr std::size_t pieceBytes = 16;
-#else
-    static constexpr std::size_t pieceBytes = std::size_t{256} * 1024;
-#endif
+    static constexpr std::size_t pieceBytes = limits::FilePieceBytes;
     os::SaveStream stream_;
     std::int64_t handedOn_ = 0, told_ = 0;  // bytes
     bool stopped_ = false;

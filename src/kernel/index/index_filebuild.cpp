@@ -2,6 +2,7 @@
 #include "kernel/index/index_filebuild.h"
 
 #include "kernel/run/errors.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 
@@ -9,11 +10,7 @@ namespace tarn {
 
 namespace {
 
-#ifdef TARNWICK_TINY
-constexpr std::size_t stretchBytes = 100;
-#else
-constexpr std::size_t stretchBytes = std::size_t{64} << 10;
-#endif
+constexpr std::size_t stretchBytes = limits::BuiltStretchBytes;
 
 // How many levels of a tree, at least one, fit in that many bytes.
 std::int32_t levelsIn(std::int64_t bytes, std::int32_t recordBytes) {

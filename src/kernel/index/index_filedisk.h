@@ -12,6 +12,7 @@
 #pragma once
 
 #include "os/files.h"
+#include "os/tinylimits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -27,11 +28,7 @@ void CloseKeptIndex(std::string_view path);
 
 class IndexDisk {
 public:
-#ifdef TARNWICK_TINY
-    static constexpr std::int32_t aroundBytes = 48, mostPeek = 64;
-#else
-    static constexpr std::int32_t aroundBytes = 2048, mostPeek = 2048;
-#endif
+    static constexpr std::int32_t aroundBytes = limits::AroundNodeBytes, mostPeek = limits::MostPeekBytes;
 
     IndexDisk() {}  // leaves the buffer as it is
     ~IndexDisk();

@@ -12,6 +12,7 @@
 
 #include "kernel/index/index_filelayout.h"
 #include "kernel/lists/rowfile_names.h"
+#include "os/tinylimits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,11 +24,7 @@ namespace tarn {
 
 class KeySort {
 public:
-#ifdef TARNWICK_TINY
-    static constexpr std::size_t usualBytes = 256;
-#else
-    static constexpr std::size_t usualBytes = std::size_t{32} << 20;
-#endif
+    static constexpr std::size_t usualBytes = limits::KeySortBytes;
     // A key of more bytes is none for this.
     static constexpr std::int32_t mostKeyBytes = 4096;
 

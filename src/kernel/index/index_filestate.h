@@ -7,6 +7,7 @@
 #include "kernel/index/index_filedisk.h"
 #include "kernel/index/index_filelayout.h"
 #include "kernel/index/index_filetree.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -30,11 +31,7 @@ struct FileNode {
 };
 
 struct FileTree::State {
-#ifdef TARNWICK_TINY
-    static constexpr std::size_t mostNodes = 8;  // in memory, while nothing has changed
-#else
-    static constexpr std::size_t mostNodes = 512;
-#endif
+    static constexpr std::size_t mostNodes = limits::MostIndexNodes;  // in memory, while nothing has changed
     // What is read of a record at once.
     static constexpr std::int32_t nearBytes = std::min(1024, IndexDisk::mostPeek);
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// A picture of an index tree as text, for tests and tools.
 #include "kernel/index/index_filelayout.h"
 #include "kernel/index/index_fileops_internal.h"
 #include "kernel/index/index_nodes.h"

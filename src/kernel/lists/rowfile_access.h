@@ -8,6 +8,7 @@
 #include "kernel/lists/rowfile_xbase_internal.h"
 #include "kernel/lists/rowformat.h"
 #include "os/files.h"
+#include "os/tinylimits.h"
 
 #include <cstdint>
 #include <memory>
@@ -17,11 +18,7 @@
 namespace tarn {
 
 // How many bytes are written, read ahead and gathered at a time.
-#ifdef TARNWICK_TINY
-inline constexpr std::size_t RowBlockBytes = 64;
-#else
-inline constexpr std::size_t RowBlockBytes = std::size_t{64} * 1024;
-#endif
+inline constexpr std::size_t RowBlockBytes = limits::RowBlockBytes;
 
 // 653 for a file that is not there, otherwise as fileerrors.h.
 bool RefuseRead(os::FileError error);

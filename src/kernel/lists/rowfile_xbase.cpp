@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The way from row files to Xbase files: the one place of lists that knows them.
 #include "kernel/lists/rowfile_xbase_internal.h"
 
 #include "kernel/data/xbase/xbase.h"

@@ -6,6 +6,7 @@
 #include "kernel/run/errorcell.h"
 #include "kernel/run/progress.h"
 #include "kernel/tables/tables_file_mend.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 #include <new>
@@ -17,11 +18,8 @@ namespace {
 // How many rows are entered before nodes are written: so many that those near the root are read seldom, and
 // so few that memory does not notice them.
 std::int32_t rowsPerCommit(std::int32_t recordSize) {
-#ifdef TARNWICK_TINY
-    constexpr std::int32_t least = 5, most = 5, bytes = 1;
-#else
-    constexpr std::int32_t least = 100, most = 16000, bytes = 4 << 20;
-#endif
+    constexpr std::int32_t least = limits::LeastGathered, most = limits::MostGathered;
+    constexpr std::int32_t bytes = limits::GatheredBytes;
     return std::clamp(bytes / recordSize, least, most);
 }
 

@@ -11,6 +11,7 @@
 #include "kernel/tables/table_access.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_file_mend.h"
+#include "os/tinylimits.h"
 
 #include <cstdint>
 #include <optional>
@@ -34,11 +35,7 @@ enum class Filled { Whole, Duplicate, Stopped, Failed };
 // Fills an empty index file, up to the first row, in row order, whose key another has.
 class IndexFill {
 public:
-#ifdef TARNWICK_TINY
-    static constexpr std::int32_t leastAtOnce = 5;
-#else
-    static constexpr std::int32_t leastAtOnce = 1000;
-#endif
+    static constexpr std::int32_t leastAtOnce = limits::LeastSorted;
 
     // `sortBytes` are those that keys may take in memory while they are sorted.
     IndexFill(const TableHeader& shape, std::int32_t index, std::size_t sortBytes = KeySort::usualBytes)

@@ -18,6 +18,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 #include <array>
@@ -44,11 +45,7 @@ namespace tarn {
 
 namespace {
 
-#ifdef TARNWICK_TINY
-constexpr std::uint64_t largestReserve = std::uint64_t{64} << 20;
-#else
-constexpr std::uint64_t largestReserve = std::uint64_t{4} << 30;
-#endif
+constexpr std::uint64_t largestReserve = limits::LargestReserve;
 constexpr std::uint64_t smallestReserve = std::uint64_t{16} << 20;
 // The range grows in small steps while it is small, and then by whole huge pages, which spare the walks of
 // large tables most of their address translations.

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The words of the command line.
 #include "kernel/data/tab/tabular.h"
 #include "kernel/tables/tables.h"
 #include "library/data/dbutil.h"

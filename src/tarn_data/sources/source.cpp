@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// What the file that is read is: its format, its columns, its layout.
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/xml/xml.h"
 #include "kernel/run/errors.h"

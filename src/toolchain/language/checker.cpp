@@ -1,4 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Gives every name of a parsed class its declaration and every expression its type, and folds constants. Ahead of
+// Checker stands the arithmetic of constants, which is that of the run-time. Its parts stand in this order:
+//
+//     types         which fits which, and what is said when none does
+//     names         scopes, look-up, guesses at what was meant
+//     the class     constants, variables, heads of functions
+//     statements    a function for each
+//     expressions   operators, literals, conditions
+//     calls         of functions of classes and of the library, which has several forms of one name
+//
 #include "toolchain/language/checker.h"
 
 #include "os/text/ascii.h"

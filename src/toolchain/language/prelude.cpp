@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The C text that stands in front of every generated class: what it calls of the run-time.
 #include "toolchain/output/interface.h"
 
 namespace tarn::toolchain {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Which files a program is made of, and which of them are out of date.
 #include "os/files.h"
 #include "os/paths.h"
 #include "toolchain/build/make.h"

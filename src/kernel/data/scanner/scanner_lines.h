@@ -6,6 +6,7 @@
 
 #include "kernel/data/scanner/scanner.h"
 #include "os/files.h"
+#include "os/tinylimits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -42,11 +43,7 @@ public:
     }  // of the opening or of a read; kept by `close`
 
 private:
-#ifdef TARNWICK_TINY
-    static constexpr std::size_t readSize = 7;
-#else
-    static constexpr std::size_t readSize = 65536;
-#endif
+    static constexpr std::size_t readSize = limits::ScannerReadBytes;
     static constexpr std::size_t maxLine = MaxScannerLine;
 
     bool fill();

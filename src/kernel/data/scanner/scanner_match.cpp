@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The tables by which the scanner finds the longest symbol at a place.
 #include "kernel/data/scanner/scanner_match_internal.h"
 
 #include "kernel/data/scanner/scanner_bytes.h"

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Delimited text into values, row by row.
 #include "kernel/data/rowloading.h"
 #include "kernel/data/tab/tab_fields.h"
 #include "kernel/data/tab/tab_rows.h"

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// How long the texts of each column are, without loading them.
 #include "kernel/data/tab/tab_rows.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"

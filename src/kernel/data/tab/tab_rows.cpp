@@ -10,6 +10,7 @@
 #include "kernel/run/progress.h"
 #include "kernel/run/runtime.h"
 #include "os/text/ascii.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,11 +21,8 @@ namespace tarn {
 namespace {
 
 constexpr std::ptrdiff_t longestRow = MaxTabLine + 2;  // with its line end
-#ifdef TARNWICK_TINY
-constexpr std::ptrdiff_t blockBytes = longestRow + 64;
-#else
-constexpr std::ptrdiff_t blockBytes = 256 * 1024;
-#endif
+constexpr std::ptrdiff_t blockBytes =
+    limits::Tiny ? longestRow + limits::TabBlockBytes : limits::TabBlockBytes;
 constexpr std::int32_t framesBelow = 27, mostHeaders = 2;
 constexpr std::int64_t mostHeld = 256 * 1024 * 1024;
 

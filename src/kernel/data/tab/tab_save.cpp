@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Values into delimited text.
 #include "kernel/data/datafile.h"
 #include "kernel/data/elements.h"
 #include "kernel/data/filetext.h"

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Whole Xbase files into values, row by row.
 #include "kernel/data/elements.h"
 #include "kernel/data/rowloading.h"
 #include "kernel/data/tab/tab_fields.h"
@@ -15,6 +17,7 @@
 #include "kernel/values/sets.h"
 #include "kernel/values/string_text.h"
 #include "kernel/values/strings.h"
+#include "os/tinylimits.h"
 
 #include <algorithm>
 #include <new>
@@ -23,11 +26,7 @@ namespace tarn {
 
 namespace {
 
-#ifdef TARNWICK_TINY
-constexpr std::int64_t blockBytes = 64;
-#else
-constexpr std::int64_t blockBytes = 256 * 1024;
-#endif
+constexpr std::int64_t blockBytes = limits::XbaseBlockBytes;
 
 // The rows of a file that is open, in blocks.
 class Rows {

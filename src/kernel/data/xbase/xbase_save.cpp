@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Values into whole Xbase files. The file is made beside the old one and takes its place when it is whole.
 #include "kernel/data/elements.h"
 #include "kernel/data/filetext.h"
 #include "kernel/data/tab/tab_fields.h"

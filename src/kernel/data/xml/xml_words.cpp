@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The words of written XML: names of elements, escapes, types as text.
 #include "kernel/data/xml/xml_words_internal.h"
 
 #include "kernel/data/typeinfo/typeinfo.h"
