@@ -76,9 +76,9 @@ void TypeInfoAppendLineToString(StringDescriptor* text, std::string_view name, s
                                 const TypeBounds& bounds);
 // The kind that a type name stands for, in any case: KindNone for what is none, KindAnyAdt for "adt".
 std::int32_t TypeInfoKind(std::string_view typeName);
-// See STRTOIDENTIFIER in the language for what repair means: at most `maxLength` characters in the first
-// form,
-// '_' and the length are kept in the second.
+// See STRTOIDENTIFIER in the language for what repair means.
+// The first form: at most `maxLength` characters.
+// The second: '_' and the length are kept.
 std::string TypeInfoIdentifier(std::string_view text, std::int32_t maxLength, std::string_view replacement);
 std::string TypeInfoIdentifier(std::string_view text, std::string_view firstSet,
                                std::string_view replacement);
