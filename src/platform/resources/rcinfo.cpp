@@ -37,8 +37,7 @@ std::string versionText(const RcFile& file, const RcStatement& statement) {
 std::string controlLines(const RcFile& file, const RcStatement& dialog) {
     std::string text;
     const auto add = [&](const RcObject& object) {
-        const bool item = object.type == Type::Menuitem;  // separators bear no name, and need none
-        const std::string& name = object.name.empty() && !item ? object.number : object.name;
+        const std::string& name = object.givenName();
         if (!name.empty()) text += name + " " + std::to_string(file.numberOf(object)) + "\n";
     };
     for (const RcObject& control : dialog.objects) add(control);
@@ -55,21 +54,33 @@ bool hasKind(const RcStatement& statement, std::string_view kind) {
     return sameText(statement.kindWord, kind);
 }
 
-std::string infoOfText(const RcFile& file, const std::string& kind, const std::string& name) {
-    if (sameText(kind, "CONTROLS")) {
-        const RcStatement* const dialog = file.find(RcKind::Window, name);
-        return dialog == nullptr ? "" : controlLines(file, *dialog);
-    }
-    std::string text;
+// Whether a list shows it: a file of which the path is not known has no line.
+bool isListed(const RcStatement& statement, bool names) {
+    if (statement.kind == RcKind::Define || statement.kind == RcKind::Unknown) return false;
+    return names || statement.kind != RcKind::File || statement.fault.empty();
+}
+
+ResourceText listOf(const RcFile& file, const std::string& kind) {
+    ResourceText result;
+    const bool names = kind == "*";
+    for (const RcStatement& statement : file.statements)
+        if (isListed(statement, names) && (names || hasKind(statement, kind)))
+            result.text += (names ? statement.name : resourceLine(file, statement, false)) + "\n";
+    return result;
+}
+
+ResourceText infoOfText(const std::string& path, const RcFile& file, const std::string& kind,
+                        const std::string& name) {
+    const bool controls = sameText(kind, "CONTROLS");
+    if (!controls && name == "*") return listOf(file, kind);
     for (const RcStatement& statement : file.statements) {
-        if (statement.kind == RcKind::Define || statement.kind == RcKind::Unknown) continue;
-        if (kind != "*" && !hasKind(statement, kind)) continue;
-        if (name != "*" && !sameText(statement.name, name)) continue;
-        text += kind == "*" && name == "*" ? statement.name : resourceLine(file, statement, name != "*");
-        text += "\n";
-        if (name != "*") break;
+        if (!isListed(statement, true) || !sameText(statement.name, name)) continue;
+        if (controls ? statement.kind != RcKind::Window : kind != "*" && !hasKind(statement, kind)) continue;
+        if (!statement.fault.empty()) return {"", faultText(path, statement.fault)};
+        if (controls) return {controlLines(file, statement), ""};
+        return {resourceLine(file, statement, true) + "\n", ""};
     }
-    return text;
+    return {};
 }
 
 }  // namespace
@@ -95,9 +106,8 @@ ResourceText ResourceInfo(const std::string& file, const std::string& kind, cons
         return {compiled.info(kind, name), ""};
     }
     const RcFile parsed = parseResourceText(std::move(bytes));
-    if (!parsed.fault.empty())
-        return {"", "'" + file + "', line " + std::to_string(parsed.fault.line) + ": " + parsed.fault.text};
-    return {infoOfText(parsed, kind, name), ""};
+    if (!parsed.fault.empty()) return {"", faultText(file, parsed.fault)};
+    return infoOfText(file, parsed, kind, name);
 }
 
 std::string ResourceTypelist(const std::string& type) {
