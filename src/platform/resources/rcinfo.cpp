@@ -117,6 +117,10 @@ std::string ResourceTypelist(const std::string& type) {
     return text;
 }
 
+bool ResourceMemoryOption(const std::string& word) {
+    return isMemoryOption(word);
+}
+
 bool ResourceCommonId(const std::string& name) {
     return commonId(name) != 0;
 }

@@ -34,6 +34,7 @@ std::string ResourceWriteText(const std::string& file, const std::string& line);
 int ResourceValue(
     const std::string& name);  // a symbol of the application's own resources; 0 if there is none
 bool ResourceCommonId(const std::string& name);  // IDOK, IDCANCEL, ...: identifiers that need no definition
+bool ResourceMemoryOption(const std::string& word);  // PRELOAD, FIXED, ...: words between kind and path
 
 // A placeholder at the start of a path in a resource file, such as "<RESOURCEDIR>", and the folder it stands
 // for.

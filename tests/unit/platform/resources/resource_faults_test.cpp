@@ -3,7 +3,7 @@
 // A statement that is not understood hides no other one: what stands before and behind it is listed, read and
 // written, its own bytes stay, and its fault is told, with its line, to whoever asks for it and to the
 // compiler.
-#include "resource_fixture.h"
+#include "unit/platform/resource_fixture.h"
 
 #include "platform/resources/rctext.h"
 #include "platform/resources/rcx.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What is given to a resource file comes back: values with any bytes, and names that are numbers.
-#include "resource_fixture.h"
+#include "unit/platform/resource_fixture.h"
 
 #include "platform/resources/rcx.h"
 

@@ -2,7 +2,7 @@
 //
 // What a resource file tells about an object beside its properties (comments, layout, its number) stays with
 // that object, whatever is done to the ones around it.
-#include "resource_fixture.h"
+#include "unit/platform/resource_fixture.h"
 
 namespace tarn::platform {
 namespace {

@@ -4,7 +4,7 @@
 #include "platform/resources/rcx.h"
 #include "platform/text.h"
 
-#include "resource_fixture.h"
+#include "unit/platform/resource_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -318,6 +318,31 @@ TEST_F(ResourceTest, RenameChangesTheReferencesToo) {
     EXPECT_EQ(ResourceRename(rc, "a", "b"), "");
     EXPECT_EQ(read(rc),
               "b BITMAP \"x\"\nD DIALOG\nImage i\nPICTURE=\"b\"\nImage j\nPICTURE=\"a.bmp\"\nEND\n");
+}
+
+TEST_F(ResourceTest, RenameChangesItsSymbolWhereverThatStands) {
+    const std::string text = "#define logo 500\nlogo BITMAP \"x\"\nother logo BITMAP \"y\"\nD DIALOG\n"
+                             "Label a logo // logo\nLabel logo\nEND\n";
+    write(rc, text);
+    EXPECT_EQ(ResourceRename(rc, "LOGO", "sign"), "");
+    EXPECT_EQ(read(rc), "#define sign 500\nsign BITMAP \"x\"\nother sign BITMAP \"y\"\nD DIALOG\n"
+                        "Label a sign // logo\nLabel logo\nEND\n");
+    write(rc, "#define sign 501\n" + text);
+    EXPECT_EQ(ResourceRename(rc, "logo", "sign"), "");
+    EXPECT_EQ(read(rc), "#define sign 501\n" + replaced(text, "\nlogo BITMAP", "\nsign BITMAP"))
+        << "what is a symbol already stays one";
+}
+
+TEST_F(ResourceTest, RenameAndDeleteKeepAVersionBlockAsItIs) {
+    const std::size_t begin = example.find("VS_VERSION_INFO"), end = example.find("// the end");
+    const std::string block = example.substr(begin, end - begin);
+    EXPECT_EQ(ResourceRename(rc, "VS_VERSION_INFO", "Other"), "");
+    EXPECT_EQ(info("VERSIONINFO", "Other"), replaced(block, "VS_VERSION_INFO", "Other"));
+    EXPECT_EQ(info("VERSIONINFO", "*"), "Other VERSIONINFO\n");
+    EXPECT_EQ(ResourceRename(rc, "Other", "VS_VERSION_INFO"), "");
+    EXPECT_EQ(read(rc), example);
+    EXPECT_EQ(ResourceDelete(rc, "VS_VERSION_INFO"), "");
+    EXPECT_EQ(read(rc), example.substr(0, begin) + example.substr(end));
 }
 
 TEST_F(ResourceTest, RenameRefusesWhatIsTakenOrNoName) {
