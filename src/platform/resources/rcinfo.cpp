@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a resource file holds, as lists of lines, for the text form and the compiled one.
+// What a resource file holds, as lists of lines.
+#include "platform/resources/rcedit.h"
 #include "platform/resources/rctext.h"
 #include "platform/resources/rcx.h"
-#include "platform/resources/resource.h"
 
-#include "os/files.h"
 #include "platform/text.h"
 
 namespace tarn::platform {
@@ -69,20 +68,6 @@ ResourceText listOf(const RcFile& file, const std::string& kind) {
     return result;
 }
 
-ResourceText infoOfText(const std::string& path, const RcFile& file, const std::string& kind,
-                        const std::string& name) {
-    const bool controls = sameText(kind, "CONTROLS");
-    if (!controls && name == "*") return listOf(file, kind);
-    for (const RcStatement& statement : file.statements) {
-        if (!isListed(statement, true) || !sameText(statement.name, name)) continue;
-        if (controls ? statement.kind != RcKind::Window : kind != "*" && !hasKind(statement, kind)) continue;
-        if (!statement.fault.empty()) return {"", faultText(path, statement.fault)};
-        if (controls) return {controlLines(file, statement), ""};
-        return {resourceLine(file, statement, true) + "\n", ""};
-    }
-    return {};
-}
-
 }  // namespace
 
 std::string resourceLine(const RcFile& file, const RcStatement& statement, bool whole) {
@@ -91,38 +76,19 @@ std::string resourceLine(const RcFile& file, const RcStatement& statement, bool 
     return statement.name + " " + statement.kindWord;
 }
 
-ResourceText ResourceInfo(const std::string& file, const std::string& kind, const std::string& name) {
-    std::string bytes;
-    const os::FileError error = os::readFile(file, bytes);
-    if (error == os::FileError::NotFound || error == os::FileError::NotFolder ||
-        error == os::FileError::BadName)
-        return {};
-    if (error != os::FileError::None)
-        return {"", "'" + file + "' cannot be read. " + std::string(os::describe(error))};
-    if (isCompiledResource(bytes)) {
-        CompiledResources compiled;
-        std::string fault = compiled.open(std::move(bytes));
-        if (!fault.empty()) return {"", "'" + file + "': " + fault};
-        return {compiled.info(kind, name), ""};
-    }
-    const RcFile parsed = parseResourceText(std::move(bytes));
+ResourceText listStatements(const RcFile& parsed, const std::string& file, const std::string& kind,
+                            const std::string& name) {
     if (!parsed.fault.empty()) return {"", faultText(file, parsed.fault)};
-    return infoOfText(file, parsed, kind, name);
-}
-
-std::string ResourceTypelist(const std::string& type) {
-    std::string text;
-    for (const PropertyRow& row : propertiesOf(typeFromName(type)))
-        text.append(row.name).append(" ").append(row.options).append("\n");
-    return text;
-}
-
-bool ResourceMemoryOption(const std::string& word) {
-    return isMemoryOption(word);
-}
-
-bool ResourceCommonId(const std::string& name) {
-    return commonId(name) != 0;
+    const bool controls = sameText(kind, "CONTROLS");
+    if (!controls && name == "*") return listOf(parsed, kind);
+    for (const RcStatement& statement : parsed.statements) {
+        if (!isListed(statement, true) || !sameText(statement.name, name)) continue;
+        if (controls ? statement.kind != RcKind::Window : kind != "*" && !hasKind(statement, kind)) continue;
+        if (!statement.fault.empty()) return {"", faultText(file, statement.fault)};
+        if (controls) return {controlLines(parsed, statement), ""};
+        return {resourceLine(parsed, statement, true) + "\n", ""};
+    }
+    return {};
 }
 
 }  // namespace tarn::platform

@@ -152,6 +152,16 @@ TEST_F(ResourceFaultsTest, WhatWouldNotBeFoundBehindItIsNotAppended) {
     EXPECT_EQ(read(rc), text);
 }
 
+TEST_F(ResourceFaultsTest, WhatHoldsItBackFromOthersIsNotDeleted) {
+    const std::string text = "A DIALOG\nB DIALOG\nEND\np RCDATA \"x\"\n";
+    write(rc, text);
+    EXPECT_EQ(ResourceDelete(rc, "B"), place(1) + "The END of 'A' is missing.");
+    EXPECT_EQ(read(rc), text);
+    EXPECT_EQ(ResourceDelete(rc, "p"), "");
+    EXPECT_EQ(ResourceDelete(rc, "B"), "");
+    EXPECT_EQ(read(rc), "A DIALOG\n");
+}
+
 TEST_F(ResourceFaultsTest, ThoseWithoutANameAreToldByTheCompiler) {
     for (const char* text : {"BEGIN\nBEGIN\nEND\n", "BEGIN\n"}) {
         write(rc, before + text + behind);

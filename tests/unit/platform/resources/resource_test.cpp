@@ -238,6 +238,7 @@ TEST_F(ResourceTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
     EXPECT_NE(refused("NAME=ab\nTYPEOF=Dialog\n", "NAME=x y\nTYPEOF=Label\n", ""), "");
     EXPECT_NE(refused("NAME=ab\nTYPEOF=Dialog\n", "NAME=x\nTYPEOF=Label\nA B=1\n", ""), "");
     EXPECT_NE(refused("NAME=ab\nTYPEOF=Dialog\n", "", "NAME=x\nTYPEOF=Label\n"), "");
+    EXPECT_EQ(refused("NAME=ab\nTYPEOF=Dialog\nA B=1\n", "", ""), "'A B' is no name of a property.");
     EXPECT_EQ(refused("NAME=logo\nTYPEOF=Dialog\n", "", ""), "'logo' is the name of another resource.");
 }
 
@@ -322,15 +323,19 @@ TEST_F(ResourceTest, RenameChangesTheReferencesToo) {
 
 TEST_F(ResourceTest, RenameChangesItsSymbolWhereverThatStands) {
     const std::string text = "#define logo 500\nlogo BITMAP \"x\"\nother logo BITMAP \"y\"\nD DIALOG\n"
-                             "Label a logo // logo\nLabel logo\nEND\n";
+                             "Label a logo // logo\nLabel b\nEND\n";
     write(rc, text);
     EXPECT_EQ(ResourceRename(rc, "LOGO", "sign"), "");
     EXPECT_EQ(read(rc), "#define sign 500\nsign BITMAP \"x\"\nother sign BITMAP \"y\"\nD DIALOG\n"
-                        "Label a sign // logo\nLabel logo\nEND\n");
+                        "Label a sign // logo\nLabel b\nEND\n");
     write(rc, "#define sign 501\n" + text);
     EXPECT_EQ(ResourceRename(rc, "logo", "sign"), "");
     EXPECT_EQ(read(rc), "#define sign 501\n" + replaced(text, "\nlogo BITMAP", "\nsign BITMAP"))
         << "what is a symbol already stays one";
+    const std::string used = replaced(text, "Label b", "Label logo");
+    write(rc, used);
+    EXPECT_EQ(ResourceRename(rc, "logo", "sign"), "");
+    EXPECT_EQ(read(rc), replaced(used, "\nlogo BITMAP", "\nsign BITMAP")) << "a control keeps its number";
 }
 
 TEST_F(ResourceTest, RenameAndDeleteKeepAVersionBlockAsItIs) {
