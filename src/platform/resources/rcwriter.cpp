@@ -129,6 +129,22 @@ bool says(const RcObject& block, const RcProperty& property, Type type, const st
     return isPath(block.type) == isPath(type) && value == normalValue(type, property.name, property.value);
 }
 
+// Whether the properties that the type does not know come in the order that is wanted, those that the block does
+// not mention yet behind the others. All others are read in the order of the type.
+bool inOrder(const RcObject& block, const ParsedList& wanted) {
+    std::vector<std::string_view> order;
+    for (const auto& [name, value] : wanted.properties)
+        if (findProperty(wanted.type, name) == nullptr) order.push_back(name);
+    std::size_t next = 0;
+    std::set<std::string_view> seen;
+    const std::set<std::string_view> all(order.begin(), order.end());
+    for (const RcProperty& property : block.properties)
+        if (all.contains(property.name) && seen.insert(property.name).second &&
+            order[next++] != property.name)
+            return false;
+    return true;
+}
+
 // The property lines of the block with the values that are wanted; its own bytes where they say the same.
 std::string Writer::properties(const RcObject& block, const ParsedList& wanted) const {
     const std::map<std::string_view, std::string_view> values(wanted.properties.begin(),
@@ -136,15 +152,19 @@ std::string Writer::properties(const RcObject& block, const ParsedList& wanted) 
     std::string result, indent = indentOf(block.head) + "  ";
     std::size_t at = block.head.end;
     std::set<std::string_view> seen;
+    const bool ordered = inOrder(block, wanted);
     for (const RcProperty& property : block.properties) {
         result += bytes({at, property.line.begin});
         at = property.line.end;
+        if (!ordered && findProperty(wanted.type, property.name) == nullptr)
+            continue;  // it comes again below
         indent = indentOf(property.line);
         const auto value = values.find(property.name);
-        if (!seen.insert(property.name).second ||
-            (value != values.end() && says(block, property, wanted.type, std::string(value->second)))) {
+        if (value == values.end()) continue;
+        const bool again = !seen.insert(property.name).second;
+        if (again || says(block, property, wanted.type, std::string(value->second))) {
             result += bytes(property.line);
-        } else if (value != values.end()) {
+        } else {
             result += bytes({property.line.begin, property.valueSpan.begin});
             result += valueText(wanted.type, property.name, value->second);
             result += bytes({property.valueSpan.end, property.line.end});

@@ -112,6 +112,25 @@ TEST_F(ResourceGivenTest, BlanksAroundAValueOfTheFileDoNotCount) {
     EXPECT_NE(objects("D")[1].find("\nODD=two words\n"), std::string::npos);
 }
 
+TEST_F(ResourceGivenTest, PropertiesThatTheTypeDoesNotKnowComeBackInTheirOrder) {
+    const std::string text = "D DIALOG\nLabel a\nONE=1\n// c\nTWO=2\nONE=again\nVISIBLE=0\nEND\n";
+    const std::pair<const char*, const char*> cases[] = {
+        {"ONE=1\nTWO=2\n", "ONE=1\n// c\nTWO=2\nONE=again\nVISIBLE=0\n"},
+        {"ONE=1\nTWO=3\nNEW=4\n", "ONE=1\n// c\nTWO=3\nONE=again\nVISIBLE=0\nNEW=4\n"},
+        {"TWO=2\nONE=1\n", "// c\nVISIBLE=0\nTWO=2\nONE=1\n"},
+        {"NEW=4\nONE=1\nTWO=2\n", "// c\nVISIBLE=0\nNEW=4\nONE=1\nTWO=2\n"},
+        {"TWO=2\n", "// c\nTWO=2\nVISIBLE=0\n"},
+    };
+    for (const auto& [given, written] : cases) {
+        write(rc, text);
+        ObjectArray array = objects("D");
+        array[1] = replaced(array[1], "ONE=1\nTWO=2\n", given);
+        EXPECT_EQ(ResourceWrite(array, {}, rc), "");
+        EXPECT_EQ(read(rc), "D DIALOG\nLabel a\n" + std::string(written) + "END\n");
+        EXPECT_EQ(objects("D"), array) << given;
+    }
+}
+
 TEST_F(ResourceGivenTest, AListEndsBeforeAZeroByte) {
     ObjectArray array{};
     array[0] = std::string("NAME=D\nTYPEOF=Dialog\nCAPTION=\"x\"\n\0CLOSEBOX=0\n", 45);
