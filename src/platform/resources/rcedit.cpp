@@ -138,9 +138,11 @@ namespace {
 
 // Why the resource `name` cannot be changed: it is not there, or not well. Empty if it can.
 std::string obstacle(const RcFile& parsed, const std::string& file, const std::string& name) {
-    const RcStatement* const statement = parsed.find(name);
-    if (statement == nullptr) return notThere(file, name);
-    return statement->fault.empty() ? "" : faultText(file, statement->fault);
+    if (parsed.find(name) == nullptr) return notThere(file, name);
+    for (const RcStatement& statement : parsed.statements)
+        if (!statement.fault.empty() && sameText(statement.name, name))
+            return faultText(file, statement.fault);
+    return "";
 }
 
 }  // namespace

@@ -20,8 +20,11 @@ public:
 private:
     std::string newNumber() {
         if (nextNumber_ == 0) nextNumber_ = highestNumber();
-        return std::to_string(++nextNumber_);
+        while (isNamed(++nextNumber_)) {}
+        return std::to_string(nextNumber_);
     }
+    // Whether an object shall have the number for its name.
+    [[nodiscard]] bool isNamed(int number) const { return numbers_.contains(number); }
     [[nodiscard]] int highestNumber() const;
     [[nodiscard]] std::string bytes(Span span) const {
         return file_.text.substr(span.begin, span.end - span.begin);
@@ -39,6 +42,7 @@ private:
     const RcFile& file_;
     std::string eol_{file_.lineEnd()};
     std::set<std::string, LessText> names_;  // that the objects shall have
+    std::set<int> numbers_;                  // and those among them that are numbers
     int nextNumber_ = 0;
 };
 
@@ -94,7 +98,8 @@ std::string Writer::numberFor(const RcObject* block, const ParsedList& wanted) {
     if (block != nullptr && sameText(block->name, wanted.name)) return block->number;
     if (file_.symbol(wanted.name) != 0) return "";
     if (block == nullptr) return newNumber();
-    if (!block->number.empty() && block->number != "-1") return block->number;
+    const bool free = !block->name.empty() || !isNamed(wholeNumber(block->number).value_or(0));
+    if (!block->number.empty() && block->number != "-1" && free) return block->number;
     const auto defined = file_.symbols.find(block->name);
     const bool kept = defined != file_.symbols.end() && !names_.contains(block->name);
     return kept ? std::to_string(defined->second) : newNumber();
@@ -197,7 +202,10 @@ std::string Writer::statement(const RcStatement* old, const ObjectArray& objects
     std::vector<ParsedList> wanted = parseAll(objects, menu ? Type::Menuitem : Type::None);
     const ParsedList self = std::move(wanted.front());
     wanted.erase(wanted.begin());
-    for (const ParsedList& one : wanted) names_.insert(one.name);
+    for (const ParsedList& one : wanted) {
+        names_.insert(one.name);
+        if (const auto number = wholeNumber(one.name)) numbers_.insert(*number);
+    }
     std::string result;
     if (old == nullptr) {
         result = freshStatement(self, menu);

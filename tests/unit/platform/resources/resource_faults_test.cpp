@@ -162,6 +162,15 @@ TEST_F(ResourceFaultsTest, WhatHoldsItBackFromOthersIsNotDeleted) {
     EXPECT_EQ(read(rc), "A DIALOG\n");
 }
 
+TEST_F(ResourceFaultsTest, ANameThatAFaultyOneHasTooIsNotChanged) {
+    const std::string text = "M MENU\nEND\nm MENU\nwhat\nEND\n";
+    write(rc, text);
+    const std::string fault = place(4) + "A property, a Menuitem or END should stand here.";
+    EXPECT_EQ(ResourceDelete(rc, "M"), fault);
+    EXPECT_EQ(ResourceRename(rc, "M", "N"), fault);
+    EXPECT_EQ(read(rc), text);
+}
+
 TEST_F(ResourceFaultsTest, ThoseWithoutANameAreToldByTheCompiler) {
     for (const char* text : {"BEGIN\nBEGIN\nEND\n", "BEGIN\n"}) {
         write(rc, before + text + behind);

@@ -206,6 +206,24 @@ TEST_F(ResourceGivenTest, NamesThatAreNumbersChangeInTheirHeads) {
     EXPECT_EQ(read(rc), "D DIALOG\n  Label 25\n  Label other 101\nEND\n");
 }
 
+TEST_F(ResourceGivenTest, NumbersThatAreNamesAreGivenToNoOther) {
+    ObjectArray array{};
+    array[0] = "NAME=D\nTYPEOF=Dialog\n";
+    array[1] = "NAME=a\nTYPEOF=Label\n";
+    array[2] = "NAME=101\nTYPEOF=Label\n";
+    array[3] = "NAME=0x66\nTYPEOF=Edit\n";
+    array[4] = "NAME=103\nTYPEOF=Label\nCAPTION=\"x\"\n";
+    array[5] = "NAME=103\nTYPEOF=Label\nCAPTION=\"y\"\n";
+    write(rc, "");
+    ASSERT_EQ(ResourceWrite(array, {}, rc), "");
+    EXPECT_EQ(info("CONTROLS", "D"), "a 104\n101 101\n0x66 102\n103 103\n103 103\n");
+    array = objects("D");
+    array[4] = replaced(array[4], "NAME=103", "NAME=b");
+    ASSERT_EQ(ResourceWrite(array, {}, rc), "");
+    EXPECT_EQ(info("CONTROLS", "D"), "a 104\n101 101\n0x66 102\nb 105\n103 103\n");
+    EXPECT_EQ(CompileResources({rc}, folder / "out.rcx"), "");
+}
+
 TEST_F(ResourceGivenTest, ADialogOfNumbersCompiles) {
     write(rc, "D DIALOG\nLabel 17\nLabel -1\nLabel -1\nLabel\nEND\n");
     ASSERT_EQ(CompileResources({rc}, folder / "out.rcx"), "");
