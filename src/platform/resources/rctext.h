@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The text of a resource file taken apart, with the bytes that each part stands on, so that one part can be
-// written again and all others keep theirs. docs/formats/resource.md describes the grammar. Cost: linear in
+// written again and all others keep theirs. docs/formats/rc.md describes the grammar. Cost: linear in
 // the text.
 #pragma once
 

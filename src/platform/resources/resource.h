@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Resource files: the text form (.rc) that people and the dialog editor edit, and the compiled companion
-// (.rcx) from which a program loads its windows. docs/formats/resource.md describes both.
+// (.rcx) from which a program loads its windows. docs/formats/rc.md describes both.
 //
 // Reading keeps comments, unknown statements and layout; writing one resource changes the bytes of that
 // resource only, and writing it unchanged changes none. Every operation works on the whole file and keeps

@@ -6,7 +6,9 @@
 
 #include "unit/platform/resource_fixture.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <regex>
 
 namespace tarn::platform {
 namespace {
@@ -258,6 +260,9 @@ TEST_F(ResourceTest, InfoListsInEveryForm) {
     EXPECT_EQ(info("MENU", "Main"), "");
     EXPECT_EQ(info("*", "MainMenu"), "MainMenu MENU\n");
     EXPECT_EQ(info("NOSUCHKIND", "*"), "");
+    EXPECT_EQ(info("*", "absent"), "");
+    EXPECT_EQ(info("bitmap", "LOGO"), "logo logo BITMAP \"logo.bmp\"\n") << "words in any case";
+    EXPECT_EQ(info("CONTROLS", "*"), "");
 }
 
 TEST_F(ResourceTest, InfoOfControlsGivesNamesAndNumbersInAnyCaseOfTheWord) {
@@ -374,6 +379,61 @@ TEST_F(ResourceTest, WriteTextReplacesTheResourceOfItsNameAndKind) {
     EXPECT_EQ(ResourceWriteText(rc, "Main BITMAP \"x\""), "'Main' is already a name in '" + rc + "'.");
 }
 
+TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) {
+    std::string block = "VS_VERSION_INFO VERSIONINFO\n    FILEVERSION 1,2,3,4\n    PRODUCTVERSION 1,2,3,4\n"
+                        "    FILEFLAGSMASK 0x3f\n    FILEFLAGS 0x0\n    FILEOS 0x10004\n    FILETYPE 0x1\n"
+                        "    FILESUBTYPE 0x0\nBEGIN\n    BLOCK \"StringFileInfo\"\n    BEGIN\n"
+                        "        BLOCK \"080904b0\"\n        BEGIN\n";
+    for (const char* value :
+         {"Comments\", \"END\\0", "CompanyName\", \"BEGIN\\0", "FileDescription\", \"// none\\0",
+          "FileVersion\", \"1.2.3.4\\0", "InternalName\", \"a.b\\0", "LegalCopyright\", \"(c) \"x\"\\0",
+          "LegalTrademarks\", \"\\0", "OriginalFilename\", \"Main DIALOG\\0",
+          "ProductName\", \"\xc3\xa4\xff\\0", "ProductVersion\", \"1.2.3.4\\0"})
+        block += "            VALUE \"" + std::string(value) + "\"\n";
+    block += "        END\n    END\n    BLOCK \"VarFileInfo\"\n    BEGIN\n"
+             "        VALUE \"Translation\", 0x809, 1200\n    END\nEND\n";
+    for (const std::string& eol : {std::string("\n"), std::string("\r\n")}) {
+        std::string before, after;
+        for (const char c : std::string("logo BITMAP \"x\"\n")) before += c == '\n' ? eol : std::string(1, c);
+        for (const char c : std::string("D DIALOG\nLabel a 1\nEND\n"))
+            after += c == '\n' ? eol : std::string(1, c);
+        write(rc, before);
+        ASSERT_EQ(ResourceWriteText(rc, block), "");
+        EXPECT_EQ(read(rc), before + block);
+        write(rc, before + block + after);
+        EXPECT_EQ(info("VERSIONINFO", "*"), "VS_VERSION_INFO VERSIONINFO\n");
+        EXPECT_EQ(info("*", "*"), "logo\nVS_VERSION_INFO\nD\n");
+        EXPECT_EQ(info("VERSIONINFO", "vs_version_info"), block);
+        EXPECT_EQ(ResourceWrite(objects("D"), {}, rc), "");
+        EXPECT_EQ(read(rc), before + block + after);
+        EXPECT_EQ(ResourceWriteText(rc, replaced(block, "1,2,3,4", "5,6,7,8")), "");
+        EXPECT_EQ(read(rc), before + replaced(block, "1,2,3,4", "5,6,7,8") + after);
+        EXPECT_EQ(ResourceRename(rc, "VS_VERSION_INFO", "V2"), "");
+        EXPECT_EQ(info("VERSIONINFO", "*"), "V2 VERSIONINFO\n");
+        EXPECT_EQ(ResourceDelete(rc, "V2"), "");
+        EXPECT_EQ(read(rc), before + after);
+    }
+}
+
+TEST_F(ResourceTest, WriteTextWritesExactlyTheLine) {
+    const struct {
+        const char *before, *line, *after;
+    } cases[] = {
+        {"", "n BITMAP \"C:\\\\a b\\\\c.bmp\"\n", "n BITMAP \"C:\\\\a b\\\\c.bmp\"\n"},
+        {"x BITMAP \"y\"", "n BITMAP \"z\"\n", "x BITMAP \"y\"\nn BITMAP \"z\"\n"},
+        {"x BITMAP \"y\"\n", "n INCFILE \"z\"\n", "x BITMAP \"y\"\nn INCFILE \"z\"\n"},
+        {"x BITMAP \"y\"\r\n", "n INCFILE \"z\"", "x BITMAP \"y\"\r\nn INCFILE \"z\"\r\n"},
+        {"// a\n\n", "n INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n",
+         "// a\n\nn INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n"},
+        {"n BITMAP \"old\" // c\nx BITMAP \"y\"\n", "n BITMAP \"z\"\n", "n BITMAP \"z\"\nx BITMAP \"y\"\n"},
+    };
+    for (const auto& [before, line, after] : cases) {
+        write(rc, before);
+        EXPECT_EQ(ResourceWriteText(rc, line), "");
+        EXPECT_EQ(read(rc), after);
+    }
+}
+
 TEST_F(ResourceTest, WriteTextRefusesWhatIsNotOneStatement) {
     for (const char* line :
          {"", "\n", "what is this", "a BITMAP \"x\"\nb BITMAP \"y\"\n", "a BITMAP \"x", "A DIALOG\n"})
@@ -421,6 +481,47 @@ TEST_F(ResourceTest, TypelistHoldsThePropertiesThatTheDesignersRead) {
         for (const char* name : names)
             EXPECT_NE(ResourceTypelist(type).find("\n" + std::string(name) + " "), std::string::npos)
                 << type << " " << name;
+}
+
+TEST_F(ResourceTest, TypelistSpeaksTheLanguageOfOptionsTexts) {
+    const std::regex forms[] = {
+        std::regex("CONST|COLOUR|INTEGER|STRING|STRING\\([0-9]+\\)"),
+        std::regex("NAME\\([0-9]+:[0-9]+\\)"),
+        std::regex("FILENAME\\([a-z]+(,[a-z]+)*\\)"),
+        std::regex("ENUM\\([A-Za-z]+(,[A-Za-z]+)*\\)"),
+        std::regex("INTEGER\\(-?[0-9]*:-?[0-9]*\\)|INTEGER\\[1:4\\]"),
+        std::regex("INTEGER\\([0-9]+-\"[^\"]+\"(,[0-9]+-\"[^\"]+\")*\\)"),
+        std::regex("INTEGER\\{[0-9]+-\"[^\"]+\"(,[0-9]+-\"[^\"]+\")*\\}"),
+    };
+    for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i)
+        for (const PropertyRow& row : propertiesOf(static_cast<Type>(i))) {
+            const std::string options(row.options);
+            EXPECT_EQ(std::count_if(std::begin(forms), std::end(forms),
+                                    [&](const std::regex& form) { return std::regex_match(options, form); }),
+                      1)
+                << row.name << " " << options;
+        }
+}
+
+// What an empty value becomes in a new object by its options alone.
+std::string firstValue(std::string_view options) {
+    if (options == "INTEGER[1:4]") return "0 0 0 0";
+    if (options.starts_with("NAME")) return "Name";
+    if (options.starts_with("COLOUR")) return "-1";  // told by the property's own rule
+    if (options.starts_with("ENUM") || options.starts_with("INTEGER{") || options == "INTEGER") return "0";
+    if (!options.starts_with("INTEGER(")) return "";
+    return std::to_string(std::max(0, leadingNumber(options.substr(8))));
+}
+
+TEST_F(ResourceTest, ANewObjectIsAsOneThatTheFileTellsNothingOf) {
+    std::string others;
+    for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i)
+        for (const PropertyRow& row : propertiesOf(static_cast<Type>(i)))
+            if (row.name != "NAME" && row.name != "TYPEOF" && firstValue(row.options) != row.missing)
+                others += std::string(typeName(static_cast<Type>(i))) + " " + std::string(row.name) + "=" +
+                          firstValue(row.options) + "\n";
+    // A window that is drawn can be sized, and a range from 0 to 0 is the usual one.
+    EXPECT_EQ(others, "Dialog BORDERSTYLE=2\nScrollbar MAXIMUM=0\nProgressbar MAXIMUM=0\n");
 }
 
 TEST_F(ResourceTest, MissingValuesFitTheirOptions) {
