@@ -3,7 +3,9 @@
 // What is given to a resource file comes back: values with any bytes, and names that are numbers.
 #include "unit/platform/resource_fixture.h"
 
+#include "platform/model/view.h"
 #include "platform/resources/rcx.h"
+#include "platform/windowing.h"
 
 namespace tarn::platform {
 namespace {
@@ -236,6 +238,19 @@ TEST_F(ResourceGivenTest, ADialogOfNumbersCompiles) {
     EXPECT_GE(made.controls[1].number, 20'000);
     EXPECT_NE(made.controls[1].number, made.controls[2].number);
     EXPECT_EQ(compiled.symbol("17") + compiled.symbol("-1"), 0) << "a number is no symbol";
+}
+
+TEST_F(ResourceGivenTest, ADialogOfNumbersLoadsAndAFaultyOneTellsItsLine) {
+    write(rc, "D DIALOG\nLabel 17\nCAPTION=\"seventeen\"\nLabel -1\nLabel -1\nEND\nBad DIALOG\nwhat\nEND\n");
+    auto viewBefore = useView(makeHeadlessView());
+    const Object window("TestDlg");
+    EXPECT_EQ(Load(window, rc, "D"), "");
+    EXPECT_EQ(FindControl(window, "17"), Object("TestDlg", 17));
+    EXPECT_EQ(GetCaption(Object("TestDlg", 17)).value, "seventeen");
+    Unload(window);
+    EXPECT_EQ(Load(window, rc, "Bad"),
+              "'" + rc + "', line 8: A property, a control or END should stand here.");
+    useView(std::move(viewBefore));
 }
 
 TEST_F(ResourceGivenTest, NumbersThatCannotBeNamesAreRefused) {
