@@ -71,22 +71,20 @@ RcFault lastFault(const RcFile& parsed) {
     return fault;
 }
 
-// Parses `text`, in which the statement shall be found, and puts it into the place of `parsed`. The result is
-// an error text: a block without its END may have swallowed what stands behind it.
-std::string change(const std::string& file, RcFile& parsed, std::string text, RcKind kind,
-                   const std::string& name) {
-    RcFile changed = parseResourceText(std::move(text));
+// Parses `text`, in which the statement shall be found now, into `changed`. The result is an error text: a block
+// without its END may have swallowed what stands behind it.
+std::string change(const std::string& file, const RcFile& parsed, std::string text, RcKind kind,
+                   const std::string& name, RcFile& changed) {
+    changed = parseResourceText(std::move(text));
     const RcStatement* const now = changed.find(kind, name);
     RcFault fault = changed.fault;
-    if (fault.empty() && now != nullptr) fault = now->fault;
-    if (fault.empty() && now == nullptr) fault = lastFault(parsed);
+    if (fault.empty()) fault = now != nullptr ? now->fault : lastFault(parsed);
     if (!fault.empty()) return faultText(file, fault);
-    if (now == nullptr) return notThere(file, name);
-    parsed = std::move(changed);
-    return "";
+    return now == nullptr ? notThere(file, name) : "";
 }
 
-std::string writeOne(const std::string& file, RcFile& parsed, const ObjectArray& objects, bool menu) {
+std::string writeOne(const std::string& file, const RcFile& parsed, const ObjectArray& objects, bool menu,
+                     RcFile& changed) {
     const std::string name = parsePropertyList(objects[0]).name;
     const RcKind kind = menu ? RcKind::Menu : RcKind::Window;
     const RcStatement* const old = parsed.find(kind, name);
@@ -99,7 +97,7 @@ std::string writeOne(const std::string& file, RcFile& parsed, const ObjectArray&
         append(text, statement, std::string(parsed.lineEnd()));
     else
         text.replace(old->span.begin, old->span.end - old->span.begin, statement);
-    return change(file, parsed, std::move(text), kind, name);
+    return change(file, parsed, std::move(text), kind, name, changed);
 }
 
 }  // namespace
@@ -126,10 +124,12 @@ std::string writeObjects(RcFile& parsed, const std::string& file, const ObjectAr
     if (dialog[0].empty()) return "There is no dialog to write.";
     if (std::string error = refusal(dialog, false); !error.empty()) return error;
     if (std::string error = menu[0].empty() ? "" : refusal(menu, true); !error.empty()) return error;
-    RcFile changed = parsed;
-    if (std::string error = writeOne(file, changed, dialog, false); !error.empty()) return error;
-    if (!menu[0].empty())
-        if (std::string error = writeOne(file, changed, menu, true); !error.empty()) return error;
+    RcFile changed, both;
+    if (std::string error = writeOne(file, parsed, dialog, false, changed); !error.empty()) return error;
+    if (!menu[0].empty()) {
+        if (std::string error = writeOne(file, changed, menu, true, both); !error.empty()) return error;
+        changed = std::move(both);
+    }
     parsed = std::move(changed);
     return "";
 }
@@ -279,7 +279,10 @@ std::string addStatement(RcFile& parsed, const std::string& file, const std::str
         endLastLine(text, parsed.lineEnd());
         text += addition;
     }
-    return change(file, parsed, std::move(text), statement.kind, statement.name);
+    RcFile changed;
+    std::string error = change(file, parsed, std::move(text), statement.kind, statement.name, changed);
+    if (error.empty()) parsed = std::move(changed);
+    return error;
 }
 
 }  // namespace tarn::platform
