@@ -131,8 +131,10 @@ bool opensStatement(const Tokens& tokens) {
     if (!isNamed(tokens) || tokens.unterminated) return false;
     if (list.size() == 2)
         return isWindowKind(list[1].text) || tokens.word(1, "MENU") || tokens.word(1, "VERSIONINFO");
-    const auto kind = [&](std::string_view word) { return tokens.word(1, word) || tokens.word(2, word); };
-    return list.back().kind == TokenKind::String && (kind("BITMAP") || kind("INCFILE") || kind("DBFILE"));
+    constexpr std::string_view kinds[] = {"BITMAP", "ICON", "INCFILE", "DBFILE"};
+    return list.back().kind == TokenKind::String &&
+           std::any_of(std::begin(kinds), std::end(kinds),
+                       [&](std::string_view kind) { return tokens.word(1, kind) || tokens.word(2, kind); });
 }
 
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";

@@ -201,6 +201,20 @@ TEST_F(ResourceFaultsTest, AMenuThatIsFaultyIsToldForItsWindow) {
     EXPECT_TRUE(objects("D")[0].starts_with("NAME=D\n")) << "the window itself is well";
 }
 
+TEST_F(ResourceFaultsTest, ABlockWithoutItsEndEndsBeforeWhatCanOnlyBeAStatement) {
+    for (const char* line :
+         {"B DIALOG\nEND\n", "B EDITWINDOW\nEND\n", "B MENU\nEND\n", "B VERSIONINFO\nBEGIN\nEND\n",
+          "B BITMAP \"x\"\n", "B ICON FIXED \"x\"\n", "B 5 INCFILE \"x\"\n", "b IDS DBFILE \"x\"\n"})
+        for (const char* block :
+             {"A DIALOG\n", "A MENU\n", "A VERSIONINFO\nBEGIN\n", "BEGIN\n", "A DIALOG\nBEGIN\n"}) {
+            write(rc, std::string(block) + line);
+            const RcFile parsed = parseResourceText(std::string(block) + line);
+            ASSERT_EQ(parsed.statements.size(), 2u) << block << line;
+            EXPECT_FALSE(parsed.statements[0].fault.empty());
+            EXPECT_TRUE(parsed.statements[1].fault.empty());
+        }
+}
+
 TEST_F(ResourceFaultsTest, SymbolsBehindOneCount) {
     write(rc, "A DIALOG\n#define x 9\nB DIALOG\nLabel x\nEND\n");
     EXPECT_EQ(info("CONTROLS", "B"), "x 9\n");
