@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loading a window of 180 objects from the compiled resources on the object model alone, and the look-ups
-// that every command does.
+// that every command does; and a resource file of 100 dialogs, read and written.
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 
 #include "os/files.h"
 #include "platform/model/view.h"
+#include "platform/resources/rcedit.h"
 
 #include <benchmark/benchmark.h>
 
@@ -61,6 +62,50 @@ void findByName(benchmark::State& state) {
     Unload(window);
 }
 BENCHMARK(findByName);
+
+// 100 dialogs of 20 controls, one of 255, with comments.
+std::string manyDialogs() {
+    std::string text;
+    for (int d = 1; d <= 100; ++d) {
+        text += "// The dialog " + std::to_string(d) + "\nDialog" + std::to_string(d) + " DIALOG\n";
+        for (int c = 1; c <= (d == 100 ? MAX_CONTROLS : 20); ++c)
+            text += "  // what it is for\n  Edit edit" + std::to_string(c) + " " + std::to_string(c) +
+                    "\n    POSITION=1 2 3 4\n    TEXT=\"some text\"\n    MULTILINE=1\n";
+        text += "END\n\n";
+    }
+    return text;
+}
+
+const std::string resources = folder + "-many.rc";
+
+void parseManyDialogs(benchmark::State& state) {
+    const std::string text = manyDialogs();
+    for (auto _ : state) benchmark::DoNotOptimize(parseResourceText(text).statements.size());
+    state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
+}
+BENCHMARK(parseManyDialogs);
+
+void readEachOfManyDialogs(benchmark::State& state) {
+    if (!tarn::os::saveFile(resources, manyDialogs()).ok()) std::abort();
+    ObjectArray objects;
+    for (auto _ : state)
+        for (int d = 1; d <= 100; ++d)
+            if (!ResourceRead(resources, "Dialog" + std::to_string(d), objects).empty()) std::abort();
+}
+BENCHMARK(readEachOfManyDialogs)->Unit(benchmark::kMillisecond);
+
+// Without the disk: what a save costs above its writing.
+void changeOneOfManyDialogs(benchmark::State& state) {
+    RcFile parsed = parseResourceText(manyDialogs());
+    const std::string name = "Dialog" + std::to_string(state.range(0));
+    ObjectArray objects;
+    if (!readObjects(parsed, resources, name, objects).empty()) std::abort();
+    for (auto _ : state) {
+        std::swap(objects[1], objects[2]);
+        if (!writeObjects(parsed, resources, objects, {}).empty()) std::abort();
+    }
+}
+BENCHMARK(changeOneOfManyDialogs)->Arg(50)->Arg(100)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

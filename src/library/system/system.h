@@ -161,6 +161,12 @@ void TYPEINFOFIXIDENTIFIERS(StringDescriptor* text, int maxLength, bool dropDele
 // cut of single strings. One that is held in a file must be open.
 void TYPEINFOFIXIDENTIFIERS(ListDescriptor* lines, int maxLength, bool dropDeleteFlag = false);
 
+// ---- resources ----
+// Words such as PRELOAD or FIXED, which may stand between the kind and the path of a resource line.
+bool IS_RESOURCE_MEMORY_OPTS(const std::string& word);
+// The path of a BITMAP, an INCFILE or a DBFILE as the resource file tells it; empty if there is no such one.
+std::string RESOURCEGETFILENAME(const std::string& file, const std::string& kind, const std::string& name);
+
 // ---- windows ----
 Object FINDCONTROL(const Object& window, std::string_view name);
 void MSGBOX(const std::string& title, const std::string& text);  // one OK

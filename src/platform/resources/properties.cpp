@@ -4,6 +4,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <set>
 
 namespace tarn::platform {
 
@@ -13,6 +14,8 @@ constexpr std::string_view yes = "INTEGER(1-\"Yes\",0-\"No\")", no = "ENUM(No,Ye
 constexpr std::string_view pictures = "FILENAME(bmp,png,svg,ico)";
 constexpr std::string_view box = "ENUM(None,Line,Sunken)";
 constexpr std::string_view bars = "ENUM(None,Horizontal,Vertical,Both)";
+constexpr std::string_view listBars = "INTEGER(2-\"Vertical\",3-\"Both\",1-\"Horizontal\",0-\"None\")";
+constexpr std::string_view otherName = "STRING(40)";  // NAME would give a new object the name "Name"
 constexpr std::string_view side = "INTEGER(1-\"Mark on the left\",0-\"Mark on the right\")";
 constexpr std::string_view direction = "ENUM(Automatic,Left,Right,Centre,Horizontal,Vertical)";
 constexpr std::string_view flags =
@@ -30,14 +33,14 @@ constexpr PropertyRow pictureRow = {"PICTURE", pictures, "", ValueKind::File};
 constexpr PropertyRow enabledRow = {"ENABLED", yes, "1"};
 constexpr PropertyRow visibleRow = {"VISIBLE", yes, "1"};
 constexpr PropertyRow tabStopRow = {"TABSTOP", yes, "1"};
-constexpr PropertyRow arrayRow = {"ARRAY", "NAME(0:40)", ""};
+constexpr PropertyRow arrayRow = {"ARRAY", otherName, ""};
 constexpr PropertyRow alignmentRow = {"ALIGNMENT", "ENUM(Left,Right,Centre)", "0"};
 constexpr PropertyRow sideRow = {"ALIGNMENT", side, "1"};
 constexpr PropertyRow directionRow = {"ALIGNMENT", direction, "0"};
 constexpr PropertyRow boxRow = {"BORDERSTYLE", box, "0"};
 constexpr PropertyRow sunkenRow = {"BORDERSTYLE", yes, "1"};
 constexpr PropertyRow barsRow = {"SCROLLBARS", bars, "0"};
-constexpr PropertyRow verticalRow = {"SCROLLBARS", bars, "2"};
+constexpr PropertyRow verticalRow = {"SCROLLBARS", listBars, "2"};
 constexpr PropertyRow maxLengthRow = {"MAXLENGTH", "INTEGER(0:)", "0"};
 constexpr PropertyRow minimumRow = {"MINIMUM", "INTEGER", "0"};
 constexpr PropertyRow maximumRow = {"MAXIMUM", "INTEGER", "100"};
@@ -45,7 +48,7 @@ constexpr PropertyRow numberRow = {"VALUE", "INTEGER", "0"};
 constexpr PropertyRow markRow = {"VALUE", no, "0"};
 constexpr PropertyRow foreRow = {"FORECOLOUR", "COLOUR", "-1"};
 constexpr PropertyRow backRow = {"BACKCOLOUR", "COLOUR", "-1"};
-constexpr PropertyRow menuRow = {"MENU", "NAME(0:40)", ""};
+constexpr PropertyRow menuRow = {"MENU", otherName, ""};
 constexpr PropertyRow ownerRow = {"OWNER", "ENUM(None,Main)", "0"};
 constexpr PropertyRow fontNameRow = {"FONTNAME", "STRING", "", ValueKind::Text};
 constexpr PropertyRow fontSizeRow = {"FONTSIZE", "INTEGER(0:144)", "0"};
@@ -205,15 +208,15 @@ std::string_view valueOf(const Properties& properties, Type type, std::string_vi
 
 namespace {
 
-// The letter that stands for a control character in a list, 0 if the character stands for itself.
+// The letter that stands for a byte that a line cannot hold, 0 if the byte stands for itself.
 char letterFor(char c) {
-    return c == '\n' ? 'n' : c == '\r' ? 'r' : c == '\0' ? '0' : '\0';
+    return c == '\n' ? 'n' : c == '\0' ? '0' : '\0';
 }
 char controlFor(char letter) {
-    return letter == 'n' ? '\n' : letter == 'r' ? '\r' : '\0';
+    return letter == 'n' ? '\n' : '\0';
 }
 bool isLetterOfControl(char c) {
-    return c == 'n' || c == 'r' || c == '0';
+    return c == 'n' || c == '0';
 }
 
 std::string escaped(std::string_view value) {
@@ -248,7 +251,7 @@ bool isQuoted(std::string_view text) {
     return text.size() >= 2 && text.front() == '"' && text.back() == '"';
 }
 
-// A line of a list cannot hold a line end; in a plain value it could only come from a damaged file.
+// A path has no escapes, so no file can hold a line end in one.
 std::string oneLine(std::string_view value) {
     std::string result(value);
     std::replace_if(
@@ -263,7 +266,7 @@ namespace {
 // Whether a plain value would not come back as it was from a line.
 bool needsQuotesInList(std::string_view value) {
     const bool control = std::any_of(value.begin(), value.end(), [](char c) { return letterFor(c) != '\0'; });
-    return control || isQuoted(value) || value != trim(value);
+    return control || isQuoted(value);
 }
 
 }  // namespace
@@ -274,12 +277,10 @@ std::string toListValue(ValueKind kind, std::string_view value) {
 }
 
 std::string fromListValue(ValueKind kind, std::string_view listValue) {
-    if (!isQuoted(listValue)) {
-        if (kind == ValueKind::Text) return unescaped(listValue);
-        return std::string(kind == ValueKind::Plain ? trim(listValue) : listValue);
-    }
-    listValue = listValue.substr(1, listValue.size() - 2);
-    return kind == ValueKind::File ? std::string(listValue) : unescaped(listValue);
+    const bool inQuotes = isQuoted(listValue);
+    if (inQuotes) listValue = listValue.substr(1, listValue.size() - 2);
+    const bool plain = kind == ValueKind::File || (kind == ValueKind::Plain && !inQuotes);
+    return plain ? std::string(listValue) : unescaped(listValue);
 }
 
 std::string makePropertyList(std::string_view name, Type type, const Properties& properties) {
@@ -300,14 +301,33 @@ std::string makePropertyList(std::string_view name, Type type, const Properties&
     return list;
 }
 
+bool isNumeric(const PropertyRow& row) {
+    return row.options.starts_with("INTEGER") || row.options.starts_with("ENUM") ||
+           row.options.starts_with("COLOUR");
+}
+
 namespace {
 
-// A choice may come with its label ("1-Yes"), as the defaults of a new object do; its number is the value.
+// The number that a choice means by its word, "Centre" in ENUM(Left,Right,Centre); -1 if it is no such word.
+int choice(std::string_view options, std::string_view word) {
+    if (!options.starts_with("ENUM(")) return -1;
+    options.remove_prefix(5);
+    for (int number = 0;; ++number) {
+        const std::size_t end = options.find_first_of(",)");
+        if (sameText(options.substr(0, end), word)) return number;
+        if (end == std::string_view::npos || options[end] == ')') return -1;
+        options.remove_prefix(end + 1);
+    }
+}
+
+// A choice may come with its label ("1-Yes"), as the defaults of a new object do, or as its word alone; its
+// number is the value.
 std::string plainValue(Type type, std::string_view name, std::string_view listValue) {
     const PropertyRow* const row = findProperty(type, name);
     std::string value = fromListValue(row == nullptr ? ValueKind::Plain : row->kind, listValue);
     if (row == nullptr || (!row->options.starts_with("ENUM") && !row->options.starts_with("INTEGER(")))
         return value;
+    if (const int number = choice(row->options, value); number >= 0) return std::to_string(number);
     const std::size_t dash = value.find('-', 1);
     if (dash != std::string::npos && wholeNumber(std::string_view(value).substr(0, dash))) value.resize(dash);
     return value;
@@ -322,21 +342,22 @@ std::string normalValue(Type type, std::string_view name, std::string_view value
 ParsedList parsePropertyList(std::string_view list) {
     ParsedList parsed;
     std::vector<std::pair<std::string, std::string_view>> lines;
+    std::set<std::string> seen;
+    list = list.substr(0, list.find('\0'));
     while (!list.empty()) {
         const std::size_t end = std::min(list.find('\n'), list.size());
-        std::string_view line = list.substr(0, end);
+        const std::string_view line = list.substr(0, end);
         list.remove_prefix(std::min(end + 1, list.size()));
-        if (line.ends_with('\r')) line.remove_suffix(1);
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos) continue;
         const std::string name = upper(trim(line.substr(0, equals)));
-        const auto same = [&](const auto& seen) { return seen.first == name; };
-        if (name.empty() || std::any_of(lines.begin(), lines.end(), same)) continue;  // the first one counts
+        if (name.empty() || !seen.insert(name).second) continue;  // the first one counts
         lines.emplace_back(name, line.substr(equals + 1));
     }
+    const auto word = [](std::string_view value) { return fromListValue(ValueKind::Plain, trim(value)); };
     for (const auto& [name, value] : lines) {
-        if (name == nameRow.name) parsed.name = fromListValue(ValueKind::Plain, value);
-        if (name == typeRow.name) parsed.type = typeFromName(fromListValue(ValueKind::Plain, value));
+        if (name == nameRow.name) parsed.name = word(value);
+        if (name == typeRow.name) parsed.type = typeFromName(word(value));
     }
     for (const auto& [name, value] : lines)
         if (name != nameRow.name && name != typeRow.name)

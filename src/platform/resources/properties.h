@@ -5,9 +5,9 @@
 // alone decide what `ResourceTypelist` tells, what is read and what is written.
 //
 // A value has two forms. In memory it is the plain value: a text of any bytes. In a property list it stands
-// on one line: texts in double quotes, and LF, CR and NUL as "\n", "\r" and "\0". A backslash is doubled only
-// in a run that stands before n, r or 0, so that paths keep their look and every line has exactly one
-// meaning.
+// on one line: texts in double quotes, and LF and NUL as "\n" and "\0". A backslash is doubled only in a run
+// that stands before n or 0, so that paths keep their look and every line has exactly one meaning. Everything
+// else stands for itself, blanks and carriage returns at the ends of a line too.
 #pragma once
 
 #include "platform/object.h"
@@ -47,9 +47,12 @@ std::string toListValue(ValueKind kind, std::string_view value);
 std::string fromListValue(ValueKind kind, std::string_view listValue);
 ValueKind kindOf(Type type, std::string_view name);  // of a property that the type lacks: Plain
 
-// The value as it comes back from a property list: the same, but for a choice with its label ("1-Yes" is "1")
-// and for line ends in a path.
+// The value as a property list tells it: the same, but for a choice, which is its number ("1-Yes", or
+// "Centre" in ENUM(Left,Right,Centre)), and for line ends in a path.
 std::string normalValue(Type type, std::string_view name, std::string_view value);
+
+// Whether the property is a number or a choice.
+bool isNumeric(const PropertyRow& row);
 
 // A whole property list: NAME, TYPEOF, then all of the type in the order of its table, then what else there
 // is.

@@ -68,7 +68,11 @@ void Compiler::read(const std::string& name) {
 void Compiler::collect() {
     for (const Source& source : sources_)
         for (const RcStatement& statement : source.file.statements) {
-            if (statement.kind == RcKind::Unknown) {
+            if (!statement.fault.empty()) {
+                fail(source, statement.fault);
+                if (statement.kind == RcKind::Menu)
+                    menus_.emplace(statement.name, Found{&source, &statement});
+            } else if (statement.kind == RcKind::Unknown) {
                 fail(source, {statement.lineNumber, wrongSyntax, "This is not a resource statement."});
             } else if (statement.kind == RcKind::Define) {
                 const auto [place, isNew] =
@@ -88,6 +92,7 @@ void Compiler::collect() {
 void Compiler::window(const Source& source, const RcStatement& statement) {
     const auto menu = menus_.find(valueOf(statement.self.values(), statement.self.type, "MENU"));
     const Found found = menu == menus_.end() ? Found() : menu->second;
+    if (found.statement != nullptr && !found.statement->fault.empty()) return;  // that is told already
     WindowTemplate made;
     const RcFile* const menuFile = found.source == nullptr ? nullptr : &found.source->file;
     const RcFault fault = makeTemplate(source.file, statement, menuFile, found.statement, made);
@@ -95,7 +100,7 @@ void Compiler::window(const Source& source, const RcStatement& statement) {
         return fail(fault.number == 726 && found.source != nullptr ? *found.source : source, fault);
     for (const auto* objects : {&made.controls, &made.menu})
         for (const ObjectTemplate& object : *objects)
-            if (!object.name.empty()) symbols_.emplace(object.name, object.number);
+            if (isIdentifier(object.name)) symbols_.emplace(object.name, object.number);
     entries_.push_back({statement.kindWord, statement.name, resourceLine(source.file, statement, false),
                         encodeWindow(made)});
 }
@@ -127,6 +132,7 @@ void Compiler::compile() {
     for (const Source& source : sources_)
         for (const RcStatement& statement : source.file.statements) {
             const bool version = statement.kind == RcKind::Version;
+            if (!statement.fault.empty()) continue;
             if (statement.kind == RcKind::Window) {
                 window(source, statement);
             } else if (statement.kind == RcKind::File && statement.kindWord == "BITMAP") {

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a resource file holds, as lists of lines, for the text form and the compiled one.
+// What a resource file holds, as lists of lines.
+#include "platform/resources/rcedit.h"
 #include "platform/resources/rctext.h"
 #include "platform/resources/rcx.h"
-#include "platform/resources/resource.h"
 
-#include "os/files.h"
 #include "platform/text.h"
 
 namespace tarn::platform {
@@ -37,8 +36,7 @@ std::string versionText(const RcFile& file, const RcStatement& statement) {
 std::string controlLines(const RcFile& file, const RcStatement& dialog) {
     std::string text;
     const auto add = [&](const RcObject& object) {
-        const bool item = object.type == Type::Menuitem;  // separators bear no name, and need none
-        const std::string& name = object.name.empty() && !item ? object.number : object.name;
+        const std::string& name = object.givenName();
         if (!name.empty()) text += name + " " + std::to_string(file.numberOf(object)) + "\n";
     };
     for (const RcObject& control : dialog.objects) add(control);
@@ -55,21 +53,19 @@ bool hasKind(const RcStatement& statement, std::string_view kind) {
     return sameText(statement.kindWord, kind);
 }
 
-std::string infoOfText(const RcFile& file, const std::string& kind, const std::string& name) {
-    if (sameText(kind, "CONTROLS")) {
-        const RcStatement* const dialog = file.find(RcKind::Window, name);
-        return dialog == nullptr ? "" : controlLines(file, *dialog);
-    }
-    std::string text;
-    for (const RcStatement& statement : file.statements) {
-        if (statement.kind == RcKind::Define || statement.kind == RcKind::Unknown) continue;
-        if (kind != "*" && !hasKind(statement, kind)) continue;
-        if (name != "*" && !sameText(statement.name, name)) continue;
-        text += kind == "*" && name == "*" ? statement.name : resourceLine(file, statement, name != "*");
-        text += "\n";
-        if (name != "*") break;
-    }
-    return text;
+// Whether a list shows it: a file of which the path is not known has no line.
+bool isListed(const RcStatement& statement, bool names) {
+    if (statement.kind == RcKind::Define || statement.kind == RcKind::Unknown) return false;
+    return names || statement.kind != RcKind::File || statement.fault.empty();
+}
+
+ResourceText listOf(const RcFile& file, const std::string& kind) {
+    ResourceText result;
+    const bool names = kind == "*";
+    for (const RcStatement& statement : file.statements)
+        if (isListed(statement, names) && (names || hasKind(statement, kind)))
+            result.text += (names ? statement.name : resourceLine(file, statement, false)) + "\n";
+    return result;
 }
 
 }  // namespace
@@ -80,35 +76,19 @@ std::string resourceLine(const RcFile& file, const RcStatement& statement, bool 
     return statement.name + " " + statement.kindWord;
 }
 
-ResourceText ResourceInfo(const std::string& file, const std::string& kind, const std::string& name) {
-    std::string bytes;
-    const os::FileError error = os::readFile(file, bytes);
-    if (error == os::FileError::NotFound || error == os::FileError::NotFolder ||
-        error == os::FileError::BadName)
-        return {};
-    if (error != os::FileError::None)
-        return {"", "'" + file + "' cannot be read. " + std::string(os::describe(error))};
-    if (isCompiledResource(bytes)) {
-        CompiledResources compiled;
-        std::string fault = compiled.open(std::move(bytes));
-        if (!fault.empty()) return {"", "'" + file + "': " + fault};
-        return {compiled.info(kind, name), ""};
+ResourceText listStatements(const RcFile& parsed, const std::string& file, const std::string& kind,
+                            const std::string& name) {
+    if (!parsed.fault.empty()) return {"", faultText(file, parsed.fault)};
+    const bool controls = sameText(kind, "CONTROLS");
+    if (!controls && name == "*") return listOf(parsed, kind);
+    for (const RcStatement& statement : parsed.statements) {
+        if (!isListed(statement, true) || !sameText(statement.name, name)) continue;
+        if (controls ? statement.kind != RcKind::Window : kind != "*" && !hasKind(statement, kind)) continue;
+        if (!statement.fault.empty()) return {"", faultText(file, statement.fault)};
+        if (controls) return {controlLines(parsed, statement), ""};
+        return {resourceLine(parsed, statement, true) + "\n", ""};
     }
-    const RcFile parsed = parseResourceText(std::move(bytes));
-    if (!parsed.fault.empty())
-        return {"", "'" + file + "', line " + std::to_string(parsed.fault.line) + ": " + parsed.fault.text};
-    return {infoOfText(parsed, kind, name), ""};
-}
-
-std::string ResourceTypelist(const std::string& type) {
-    std::string text;
-    for (const PropertyRow& row : propertiesOf(typeFromName(type)))
-        text.append(row.name).append(" ").append(row.options).append("\n");
-    return text;
-}
-
-bool ResourceCommonId(const std::string& name) {
-    return commonId(name) != 0;
+    return {};
 }
 
 }  // namespace tarn::platform

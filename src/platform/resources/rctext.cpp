@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 namespace tarn::platform {
 
@@ -116,6 +117,28 @@ bool isNumberOrSymbol(std::string_view word) {
     return isIdentifier(word) || wholeNumber(word).has_value();
 }
 
+// Whether a statement begins with two words, its name and its kind.
+bool isNamed(const Tokens& tokens) {
+    const std::vector<Token>& list = tokens.list;
+    return list.size() >= 2 && list[0].kind == TokenKind::Word && list[1].kind == TokenKind::Word &&
+           isIdentifier(list[0].text);
+}
+
+// Whether the line begins a statement wherever it stands, so that a block above it is over.
+bool opensStatement(const Tokens& tokens) {
+    const std::vector<Token>& list = tokens.list;
+    if (tokens.word(0, "#define")) return list.size() == 3 && isIdentifier(list[1].text);
+    if (!isNamed(tokens) || tokens.unterminated) return false;
+    if (list.size() == 2)
+        return isWindowKind(list[1].text) || tokens.word(1, "MENU") || tokens.word(1, "VERSIONINFO");
+    constexpr std::string_view kinds[] = {"BITMAP", "ICON", "INCFILE", "DBFILE"};
+    return list.back().kind == TokenKind::String &&
+           std::any_of(std::begin(kinds), std::end(kinds),
+                       [&](std::string_view kind) { return tokens.word(1, kind) || tokens.word(2, kind); });
+}
+
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+
 // ---- the parser ----
 
 class Parser {
@@ -124,18 +147,23 @@ public:
     void run();
 
 private:
+    enum class Step { On, Ended, Missing };  // Missing: the block is over, but its END did not come
+
     bool nextLine();  // false at the end of the text
-    void fail(int line, int number, std::string text);
+    void unreadLine();
     void statement();
     void define(const Tokens& tokens);
     void block(const Tokens& tokens, RcKind kind);
     void version(const Tokens& tokens);
+    bool versionBody(RcStatement& statement);
     void unknownBlock();
+    bool skipToEnd();
     bool fileStatement(const Tokens& tokens);
-    bool bodyLine(RcStatement& statement, std::size_t& bodyEnd);
-    bool propertyLine(RcStatement& statement, std::size_t& bodyEnd);
-    bool headLine(RcStatement& statement, const Tokens& tokens, std::size_t& bodyEnd);
-    RcStatement begin(RcKind kind, const Token& name, std::string_view kindWord) const;
+    Step bodyLine(RcStatement& statement, std::size_t& bodyEnd);
+    Step foreignBlock(bool whole);
+    std::string propertyLine(RcStatement& statement, std::size_t& bodyEnd);
+    std::string headLine(RcStatement& statement, const Tokens& tokens, std::size_t& bodyEnd);
+    [[nodiscard]] RcStatement begin(RcKind kind, const Token& name, std::string_view kindWord) const;
     void end(RcStatement&& statement);
 
     RcFile& file_;
@@ -157,19 +185,29 @@ bool Parser::nextLine() {
     return true;
 }
 
-void Parser::fail(int line, int number, std::string text) {
-    if (file_.fault.empty()) file_.fault = {line, number, std::move(text)};
+void Parser::unreadLine() {
+    at_ = lineBegin_;
+    --lineNumber_;
+}
+
+// The first fault of a statement counts.
+void note(RcStatement& statement, int line, std::string text) {
+    const int number = statement.kind == RcKind::Menu ? menuSyntax : windowSyntax;
+    if (statement.fault.empty()) statement.fault = {line, number, std::move(text)};
 }
 
 void Parser::run() {
-    if (text_.size() > largestResourceText)
-        return fail(1, windowSyntax, "The file is too large for a resource file.");
+    const auto fail = [this](int line, std::string text) {
+        file_.fault = {line, windowSyntax, std::move(text)};
+    };
+    if (text_.size() > largestResourceText) return fail(1, "The file is too large for a resource file.");
     if (const std::size_t zero = text_.find('\0'); zero != std::string_view::npos) {
         const auto before =
             std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
-        return fail(static_cast<int>(before) + 1, windowSyntax, "There is a zero byte, so this is no text.");
+        return fail(static_cast<int>(before) + 1, "There is a zero byte, so this is no text.");
     }
-    while (file_.fault.empty() && nextLine()) statement();
+    if (text_.starts_with(byteOrderMark)) at_ = byteOrderMark.size();
+    while (nextLine()) statement();
 }
 
 RcStatement Parser::begin(RcKind kind, const Token& name, std::string_view kindWord) const {
@@ -194,15 +232,14 @@ void Parser::statement() {
     if (list.empty() && !tokens.unterminated) return;  // blank, or a comment
     if (tokens.word(0, "#define")) return define(tokens);
     if (tokens.word(0, "BEGIN") && list.size() == 1) return unknownBlock();
-    const bool named = list.size() >= 2 && list[0].kind == TokenKind::Word &&
-                       list[1].kind == TokenKind::Word && isIdentifier(list[0].text);
-    if (named && list.size() == 2 && isWindowKind(list[1].text)) return block(tokens, RcKind::Window);
-    if (named && list.size() == 2 && tokens.word(1, "MENU")) return block(tokens, RcKind::Menu);
-    if (named && list.size() == 2 && tokens.word(1, "VERSIONINFO")) return version(tokens);
-    if (named && tokens.unterminated)
-        return fail(lineNumber_, windowSyntax, "The string does not end on its line.");
+    const bool named = isNamed(tokens), head = named && list.size() == 2 && !tokens.unterminated;
+    if (head && isWindowKind(list[1].text)) return block(tokens, RcKind::Window);
+    if (head && tokens.word(1, "MENU")) return block(tokens, RcKind::Menu);
+    if (head && tokens.word(1, "VERSIONINFO")) return version(tokens);
     if (named && fileStatement(tokens)) return;
-    end(begin(RcKind::Unknown, list.empty() ? Token() : list[0], ""));
+    RcStatement unknown = begin(RcKind::Unknown, list.empty() ? Token() : list[0], "");
+    if (named && tokens.unterminated) note(unknown, lineNumber_, "The string does not end on its line.");
+    end(std::move(unknown));
 }
 
 void Parser::define(const Tokens& tokens) {
@@ -217,48 +254,65 @@ void Parser::define(const Tokens& tokens) {
     end(std::move(result));
 }
 
-// Lines of no known statement that stand between BEGIN and END belong together.
-void Parser::unknownBlock() {
-    RcStatement result = begin(RcKind::Unknown, Token(), "");
-    const int first = lineNumber_;
+// Reads on to the END of a BEGIN that was read. False if it does not come before the next statement or the
+// end of the text.
+bool Parser::skipToEnd() {
     for (int depth = 1; depth > 0;) {
-        if (!nextLine()) return fail(first, windowSyntax, "The END of this BEGIN is missing.");
+        if (!nextLine()) return false;
         const Tokens tokens = tokenize(line_, lineBegin_);
+        if (opensStatement(tokens)) return unreadLine(), false;
         if (tokens.word(0, "BEGIN")) ++depth;
         if (tokens.word(0, "END")) --depth;
     }
+    return true;
+}
+
+// Lines of no known statement that stand between BEGIN and END belong together.
+void Parser::unknownBlock() {
+    RcStatement result = begin(RcKind::Unknown, Token(), "");
+    if (!skipToEnd()) note(result, result.lineNumber, "The END of this BEGIN is missing.");
     end(std::move(result));
+}
+
+bool Parser::versionBody(RcStatement& statement) {
+    while (nextLine()) {
+        const Tokens tokens = tokenize(line_, lineBegin_);
+        if (opensStatement(tokens)) return unreadLine(), false;
+        if (tokens.word(0, "BEGIN")) return skipToEnd();
+        if (!tokens.word(0, "END")) continue;
+        note(statement, lineNumber_, "There is an END without a BEGIN.");
+        return true;
+    }
+    return false;
 }
 
 void Parser::version(const Tokens& tokens) {
     RcStatement result = begin(RcKind::Version, tokens.list[0], tokens.list[1].text);
-    int depth = 0;
-    do {
-        if (!nextLine())
-            return fail(result.lineNumber, windowSyntax,
-                        "The END of the version block '" + result.name + "' is missing.");
-        const Tokens line = tokenize(line_, lineBegin_);
-        if (line.word(0, "BEGIN")) ++depth;
-        if (line.word(0, "END") && --depth < 0)
-            return fail(lineNumber_, windowSyntax, "There is an END without a BEGIN.");
-        if (line.word(0, "END") && depth == 0) break;
-    } while (true);
+    if (!versionBody(result))
+        note(result, result.lineNumber, "The END of the version block '" + result.name + "' is missing.");
     end(std::move(result));
 }
 
+// name [id] KIND [options] "path"
 bool Parser::fileStatement(const Tokens& tokens) {
     const std::vector<Token>& list = tokens.list;
-    if (list.size() < 3 || list.back().kind != TokenKind::String) return false;
-    for (std::size_t i = 1; i + 1 < list.size(); ++i)
+    const std::size_t words = tokens.unterminated ? list.size() : list.size() - 1;  // before the path
+    if (words < 2 || (!tokens.unterminated && list.back().kind != TokenKind::String)) return false;
+    for (std::size_t i = 1; i < words; ++i)
         if (list[i].kind != TokenKind::Word || !isNumberOrSymbol(list[i].text)) return false;
-    // name [id] KIND [options] "path"
-    const bool hasId = list.size() > 3 && (wholeNumber(list[1].text) || !isMemoryOption(list[2].text));
+    const bool hasId = words > 2 && (wholeNumber(list[1].text) || !isMemoryOption(list[2].text));
     const std::size_t kind = hasId ? 2 : 1;
     if (!isIdentifier(list[kind].text)) return false;
     RcStatement result = begin(RcKind::File, list[0], list[kind].text);
-    if (hasId) result.id = list[1].text;
-    for (std::size_t i = kind + 1; i + 1 < list.size(); ++i) result.options.push_back(list[i].text);
-    result.path = list.back().text;
+    if (hasId) {
+        result.id = list[1].text;
+        result.idSpan = list[1].span;
+    }
+    for (std::size_t i = kind + 1; i < words; ++i) result.options.push_back(list[i].text);
+    if (tokens.unterminated)
+        note(result, lineNumber_, "The string does not end on its line.");
+    else
+        result.path = list.back().text;
     end(std::move(result));
     return true;
 }
@@ -273,46 +327,59 @@ void Parser::block(const Tokens& tokens, RcKind kind) {
     result.self.nameSpan = tokens.list[0].span;
     result.self.typeSpan = tokens.list[1].span;
     std::size_t bodyEnd = at_;
-    while (nextLine())
-        if (!bodyLine(result, bodyEnd)) {
-            if (file_.fault.empty()) end(std::move(result));
-            return;
-        }
-    fail(result.lineNumber, kind == RcKind::Menu ? menuSyntax : windowSyntax,
-         "The END of '" + result.name + "' is missing.");
+    Step step = Step::On;
+    while (step == Step::On) step = nextLine() ? bodyLine(result, bodyEnd) : Step::Missing;
+    if (step == Step::Missing)
+        note(result, result.lineNumber, "The END of '" + result.name + "' is missing.");
+    end(std::move(result));
 }
 
-// False when the block has ended, well or with a fault.
-bool Parser::bodyLine(RcStatement& statement, std::size_t& bodyEnd) {
+// A body between BEGIN and END is of another grammar. Where it is the whole body its END ends the block.
+Parser::Step Parser::foreignBlock(bool whole) {
+    if (!skipToEnd()) return Step::Missing;
+    return whole ? Step::Ended : Step::On;
+}
+
+Parser::Step Parser::bodyLine(RcStatement& statement, std::size_t& bodyEnd) {
     const std::size_t first = skipBlanks(line_, 0);
-    if (first >= line_.size() || atComment(line_, first)) return true;
+    if (first >= line_.size() || atComment(line_, first)) return Step::On;
+    const int line = lineNumber_;
     std::size_t wordEnd = first;
     while (wordEnd < line_.size() && isWordByte(line_[wordEnd])) ++wordEnd;
     const std::size_t next = skipBlanks(line_, wordEnd);
-    if (next < line_.size() && line_[next] == '=') return propertyLine(statement, bodyEnd);
+    if (next < line_.size() && line_[next] == '=') {
+        if (std::string fault = propertyLine(statement, bodyEnd); !fault.empty())
+            note(statement, line, std::move(fault));
+        return Step::On;
+    }
     const Tokens tokens = tokenize(line_, lineBegin_);
-    if (tokens.word(0, "END") && tokens.list.size() == 1) return false;
-    return headLine(statement, tokens, bodyEnd);
+    const bool alone = tokens.list.size() == 1;
+    if (alone && tokens.word(0, "END")) return Step::Ended;
+    std::string fault = headLine(statement, tokens, bodyEnd);
+    if (fault.empty()) return Step::On;
+    if (opensStatement(tokens)) return unreadLine(), Step::Missing;
+    const bool untouched =
+        statement.self.properties.empty() && statement.objects.empty() && statement.fault.empty();
+    note(statement, line, std::move(fault));
+    return alone && tokens.word(0, "BEGIN") ? foreignBlock(untouched) : Step::On;
 }
 
-bool Parser::propertyLine(RcStatement& statement, std::size_t& bodyEnd) {
-    const int number = statement.kind == RcKind::Menu ? menuSyntax : windowSyntax;
+// Adds the property to the object above it. The result is what is wrong; empty if nothing is.
+std::string Parser::propertyLine(RcStatement& statement, std::size_t& bodyEnd) {
     RcObject& object = statement.objects.empty() ? statement.self : statement.objects.back();
     const std::size_t equals = line_.find('=');
     RcProperty property;
     property.name = upper(trim(line_.substr(0, equals)));
-    if (!isIdentifier(property.name))
-        return fail(lineNumber_, number, "There is no property name before the \"=\"."), false;
+    if (!isIdentifier(property.name)) return "There is no property name before the \"=\".";
     if (property.name == "NAME" || property.name == "TYPEOF")
-        return fail(lineNumber_, number, property.name + " is told by the head of the block."), false;
+        return property.name + " is told by the head of the block.";
     std::size_t at = skipBlanks(line_, equals + 1);
     const std::size_t valueBegin = at;
     if (at < line_.size() && line_[at] == '"') {
         if (!readString(line_, at, kindOf(object.type, property.name) == ValueKind::File, property.value))
-            return fail(lineNumber_, number, "The string does not end on its line."), false;
+            return "The string does not end on its line.";
         const std::size_t rest = skipBlanks(line_, at);
-        if (rest < line_.size() && !atComment(line_, rest))
-            return fail(lineNumber_, number, "There is something behind the string."), false;
+        if (rest < line_.size() && !atComment(line_, rest)) return "There is something behind the string.";
     } else {
         const std::string_view value = trim(line_.substr(at, line_.find("//", at) - at));
         property.value = value;
@@ -323,39 +390,36 @@ bool Parser::propertyLine(RcStatement& statement, std::size_t& bodyEnd) {
     property.lineNumber = lineNumber_;
     object.properties.push_back(std::move(property));
     object.span.end = bodyEnd = at_;
-    return true;
+    return "";
 }
 
-// TYPE [name] [number]
-bool Parser::headLine(RcStatement& statement, const Tokens& tokens, std::size_t& bodyEnd) {
+// TYPE [name] [number]. The result is what is wrong; empty if nothing is.
+std::string Parser::headLine(RcStatement& statement, const Tokens& tokens, std::size_t& bodyEnd) {
     const bool menu = statement.kind == RcKind::Menu;
-    const int number = menu ? menuSyntax : windowSyntax;
     const std::vector<Token>& list = tokens.list;
     RcObject object;
     object.type = list.empty() || list[0].kind != TokenKind::Word ? Type::None : typeFromName(list[0].text);
     if (propertiesOf(object.type).empty() || isWindowType(object.type) ||
         (object.type == Type::Menuitem) != menu)
-        return fail(lineNumber_, number,
-                    "A property, a " + std::string(menu ? "Menuitem" : "control") +
-                        " or END should stand here."),
-               false;
+        return "A property, a " + std::string(menu ? "Menuitem" : "control") + " or END should stand here.";
     std::size_t at = 1;
     if (at < list.size() && list[at].kind == TokenKind::Word && isIdentifier(list[at].text)) {
         object.name = list[at].text;
         object.nameSpan = list[at++].span;
     }
-    if (at < list.size() && list[at].kind == TokenKind::Word && isNumberOrSymbol(list[at].text))
-        object.number = list[at++].text;
+    if (at < list.size() && list[at].kind == TokenKind::Word && isNumberOrSymbol(list[at].text)) {
+        object.number = list[at].text;
+        object.numberSpan = list[at++].span;
+    }
     if (at < list.size() || tokens.unterminated)
-        return fail(lineNumber_, number, "Behind the type stand a name and a number, and nothing else."),
-               false;
+        return "Behind the type stand a name and a number, and nothing else.";
     object.typeSpan = list[0].span;
     object.head = {lineBegin_, at_};
     object.span = {bodyEnd, at_};
     object.lineNumber = lineNumber_;
     bodyEnd = at_;
     statement.objects.push_back(std::move(object));
-    return true;
+    return "";
 }
 
 bool needsQuotes(std::string_view value) {
@@ -366,13 +430,16 @@ bool needsQuotes(std::string_view value) {
 
 }  // namespace
 
+const std::string& RcObject::givenName() const {
+    return name.empty() && type != Type::Menuitem ? number : name;
+}
+
 Properties RcObject::values() const {
     Properties result;
-    for (const RcProperty& property : properties) {
-        const auto same = [&](const auto& seen) { return seen.first == property.name; };
-        if (std::none_of(result.begin(), result.end(), same))
-            result.emplace_back(property.name, property.value);
-    }
+    std::set<std::string_view> seen;
+    for (const RcProperty& property : properties)
+        if (seen.insert(property.name).second)
+            result.emplace_back(property.name, normalValue(type, property.name, property.value));
     return result;
 }
 
@@ -413,6 +480,10 @@ RcFile parseResourceText(std::string text) {
     return file;
 }
 
+std::string faultText(const std::string& file, const RcFault& fault) {
+    return "'" + file + "', line " + std::to_string(fault.line) + ": " + fault.text;
+}
+
 int commonId(std::string_view name) {
     for (const auto& [word, number] : commonIds)
         if (sameText(word, name)) return number;
@@ -451,7 +522,7 @@ std::string quotedPath(std::string_view path) {
     std::string result = "\"";
     for (const char c : path) {
         if (c == '"' || c == '\\') result += '\\';
-        result += c == '\n' || c == '\r' || c == '\0' ? ' ' : c;
+        result += c == '\n' || c == '\0' ? ' ' : c;
     }
     return result + "\"";
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The text of a resource file taken apart, with the bytes that each part stands on, so that one part can be
-// written again and all others keep theirs. docs/formats/resource.md describes the grammar. Cost: linear in
+// written again and all others keep theirs. docs/formats/rc.md describes the grammar. Cost: linear in
 // the text.
 #pragma once
 
@@ -43,10 +43,12 @@ struct RcObject {
     std::string name;
     std::string number;  // as written; empty if none is
     Span span, head;     // `head`: the head's line
-    Span typeSpan, nameSpan;
+    Span typeSpan, nameSpan, numberSpan;
     std::vector<RcProperty> properties;
     int lineNumber = 0;
-    [[nodiscard]] Properties values() const;
+    // The NAME of its property list: a control that has a number alone is named by it.
+    [[nodiscard]] const std::string& givenName() const;
+    [[nodiscard]] Properties values() const;  // normal ones, the first of each name
 };
 
 enum class RcKind { Define, Window, Menu, Version, File, Unknown };
@@ -59,17 +61,18 @@ struct RcStatement {
     std::vector<std::string> options;  // File
     std::string path;                  // File
     Span span;                         // whole lines
-    Span nameSpan;
+    Span nameSpan, idSpan;
     RcObject self;                  // Window, Menu: the head and its own properties
     std::vector<RcObject> objects;  // controls or items
     int lineNumber = 0;
+    RcFault fault;  // the first one in it; its span is whole then too, but its parts may be missing
 };
 
 struct RcFile {
     std::string text;
     std::vector<RcStatement> statements;
     std::map<std::string, int, LessText> symbols;  // of the #define lines; the first one of a name counts
-    RcFault fault;                                 // the first one; the statements are those before it
+    RcFault fault;  // of the whole text, when it is none and there are no statements
 
     [[nodiscard]] const RcStatement* find(RcKind kind, std::string_view name) const;  // any case
     [[nodiscard]] const RcStatement* find(std::string_view name) const;               // no Define, no Unknown
@@ -82,7 +85,12 @@ struct RcFile {
 
 inline constexpr std::size_t largestResourceText = 64U << 20U;
 
+// A statement with a fault hides no other one: a block whose END is missing ends before the next line that
+// can only begin a statement. A byte order mark at the start is passed over.
 RcFile parseResourceText(std::string text);
+
+// A fault as the operations tell it.
+std::string faultText(const std::string& file, const RcFault& fault);
 
 int commonId(std::string_view name);            // 0 if it is none
 bool isMemoryOption(std::string_view word);     // PRELOAD, FIXED, ...: words between kind and path

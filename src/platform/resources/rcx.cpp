@@ -223,7 +223,9 @@ std::string CompiledResources::info(const std::string& kind, const std::string& 
         if (!window(name, window_)) return "";
         for (const auto* objects : {&window_.controls, &window_.menu})
             for (const ObjectTemplate& object : *objects)
-                if (!object.name.empty()) text += object.name + " " + std::to_string(object.number) + "\n";
+                if (!object.name.empty())
+                    text += object.name + " " +
+                            std::to_string(wholeNumber(object.name).value_or(object.number)) + "\n";
         return text;
     }
     for (const Entry& entry : entries_) {
@@ -242,25 +244,6 @@ std::string CompiledResources::info(const std::string& kind, const std::string& 
 
 namespace {
 
-bool isNumeric(const PropertyRow& row) {
-    return row.options.starts_with("INTEGER") || row.options.starts_with("ENUM") ||
-           row.options.starts_with("COLOUR");
-}
-
-// The number that a choice means by its word, "Centre" in ENUM(Left,Right,Centre); none if it is no such
-// word.
-std::optional<int> choice(std::string_view options, std::string_view word) {
-    if (!options.starts_with("ENUM(")) return {};
-    options.remove_prefix(5);
-    for (int number = 0; !options.empty(); ++number) {
-        const std::size_t end = options.find_first_of(",)");
-        if (sameText(options.substr(0, end), word)) return number;
-        if (end == std::string_view::npos || options[end] == ')') return {};
-        options.remove_prefix(end + 1);
-    }
-    return {};
-}
-
 bool isNumberList(std::string_view value, int count) {
     for (int i = 0; i < count; ++i) {
         value = trim(value);
@@ -274,12 +257,18 @@ bool isNumberList(std::string_view value, int count) {
 // What is wrong with a value; empty if it is right.
 std::string wrongValue(const RcObject& object, const RcProperty& property) {
     const PropertyRow* const row = findProperty(object.type, property.name);
+    // A window whose type has been changed keeps the properties of the other.
+    if (row == nullptr && isWindowType(object.type) &&
+        findProperty(Type::Editwindow, property.name) != nullptr)
+        return "";
     if (row == nullptr)
         return "A " + std::string(typeName(object.type)) + " has no property " + property.name + ".";
     if (!isNumeric(*row)) return "";
     const bool list = row->options.starts_with("INTEGER[");
-    const bool good = list ? isNumberList(property.value, 4)
-                           : wholeNumber(property.value) || choice(row->options, property.value);
+    const std::string value = row->options.starts_with("ENUM")
+                                  ? normalValue(object.type, row->name, property.value)
+                                  : property.value;
+    const bool good = list ? isNumberList(value, 4) : wholeNumber(value).has_value();
     return good ? "" : property.name + " should be " + (list ? "four numbers." : "a number.");
 }
 
@@ -320,14 +309,15 @@ bool TemplateMaker::objects(const RcFile& file, const std::vector<RcObject>& fro
         int line = object.lineNumber;
         if (std::string text = propertyFault(object, line); !text.empty())
             return fail(line, syntax, std::move(text));
-        const int number = file.numberOf(object);
+        int number = file.numberOf(object);
         if (number == 0 && !object.number.empty())
             return fail(object.lineNumber, 723, "'" + object.number + "' is no number and no symbol.");
+        if (number == -1 && object.name.empty()) number = 0;  // it asks for none of its own
         if (number < 0) return fail(object.lineNumber, 723, "The number of a control must be positive.");
         if (number != 0 && !used_.insert(number).second)
             return fail(object.lineNumber, 723,
                         "The number " + std::to_string(number) + " is already used in this window.");
-        to.push_back({object.type, number, object.name, object.values()});
+        to.push_back({object.type, number, object.givenName(), object.values()});
     }
     return true;
 }
@@ -342,6 +332,8 @@ void TemplateMaker::numberTheRest(std::vector<ObjectTemplate>& objects) {
 
 RcFault TemplateMaker::make(const RcStatement& window, const RcStatement* menu, WindowTemplate& result) {
     result = {};
+    for (const RcStatement* const statement : {&window, menu})
+        if (statement != nullptr && !statement->fault.empty()) return statement->fault;
     int line = window.lineNumber;
     if (std::string text = propertyFault(window.self, line); !text.empty())
         return fail(line, 725, std::move(text)), fault_;
@@ -359,18 +351,13 @@ RcFault TemplateMaker::make(const RcStatement& window, const RcStatement* menu, 
     return {};
 }
 
-// Words of choices become their numbers, so that loading reads numbers only.
-void resolveChoices(WindowTemplate& window) {
-    const auto resolve = [](ObjectTemplate& object) {
-        for (auto& [name, value] : object.properties) {
-            const PropertyRow* const row = findProperty(object.type, name);
-            const std::optional<int> number = row == nullptr ? std::nullopt : choice(row->options, value);
-            if (number) value = std::to_string(*number);
-        }
-    };
-    resolve(window.window);
-    for (ObjectTemplate& object : window.controls) resolve(object);
-    for (ObjectTemplate& object : window.menu) resolve(object);
+// A range from 0 to 0, as a new object has it, is one that nobody has told yet.
+void fillRanges(std::vector<ObjectTemplate>& objects) {
+    for (ObjectTemplate& object : objects)
+        for (auto& [name, value] : object.properties)
+            if (name == "MAXIMUM" && wholeNumber(value) == 0 &&
+                wholeNumber(valueOf(object.properties, object.type, "MINIMUM")) == 0)
+                value = findProperty(object.type, name)->missing;
 }
 
 }  // namespace
@@ -378,7 +365,7 @@ void resolveChoices(WindowTemplate& window) {
 RcFault makeTemplate(const RcFile& file, const RcStatement& window, const RcFile* menuFile,
                      const RcStatement* menu, WindowTemplate& result) {
     RcFault fault = TemplateMaker(file, menuFile).make(window, menu, result);
-    resolveChoices(result);
+    fillRanges(result.controls);
     return fault;
 }
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Resource files: the text form (.rc) that people and the dialog editor edit, and the compiled companion
-// (.rcx) from which a program loads its windows. docs/formats/resource.md describes both.
+// (.rcx) from which a program loads its windows. docs/formats/rc.md describes both.
 //
 // Reading keeps comments, unknown statements and layout; writing one resource changes the bytes of that
-// resource only, and writing it unchanged changes none. Every operation works on the whole file and keeps
-// nothing open. `error` results are texts, empty on success.
+// resource only, and writing it unchanged changes none. A statement with a fault hides no other one: the fault is
+// the error of an operation that asks for that statement. Every operation works on the whole file and keeps
+// nothing open; a file that does not exist is empty. `error` results are texts, empty on success.
+//
+// Cost: each operation reads and parses the whole file (some 2 ms for 100 dialogs of 20 controls).
 #pragma once
 
 #include "platform/object.h"
@@ -24,16 +27,26 @@ struct ResourceText {
     std::string text, error;
 };
 
+// A window, else a menu of that name. On an error all objects are empty.
 std::string ResourceRead(const std::string& file, const std::string& name, ObjectArray& objects);
+// Writes or replaces a window and its menu, both or none; an empty first element of `menu` means no menu.
 std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu, const std::string& file);
+// Lines ended by LF. `kind` and `name` "*": all names; a kind and "*": its lines; a kind and a name: that line, of a
+// version block the whole text; CONTROLS and a window's name: name and number of each control and menu item.
+// DIALOG is any window, and "*" with a name any kind. The tokens of a file's line are its name, its id, the kind,
+// its options (of a DBFILE always one) and its path.
 ResourceText ResourceInfo(const std::string& file, const std::string& kind, const std::string& name);
+// One line for each property: its name, a blank, and its options text. Empty for what is no type of an object.
 std::string ResourceTypelist(const std::string& type);
 std::string ResourceDelete(const std::string& file, const std::string& name);
+// With the references of this file: menus of windows, pictures of controls, and its symbol.
 std::string ResourceRename(const std::string& file, const std::string& oldName, const std::string& newName);
+// Appends one statement as it is given, or puts it into the place of the one of its name and kind.
 std::string ResourceWriteText(const std::string& file, const std::string& line);
 int ResourceValue(
     const std::string& name);  // a symbol of the application's own resources; 0 if there is none
 bool ResourceCommonId(const std::string& name);  // IDOK, IDCANCEL, ...: identifiers that need no definition
+bool ResourceMemoryOption(const std::string& word);  // PRELOAD, FIXED, ...: words between kind and path
 
 // A placeholder at the start of a path in a resource file, such as "<RESOURCEDIR>", and the folder it stands
 // for.

@@ -111,6 +111,24 @@ TEST_F(CompileTest, ReportsEveryFaultWithItsLine) {
     EXPECT_FALSE(os::infoOf(rcx).exists) << "nothing is written when there is an error";
 }
 
+TEST_F(CompileTest, AWindowMayHaveThePropertiesOfTheTypeItHadBefore) {
+    EXPECT_EQ(compile("D DIALOG\nFLAGS=0\nMAXLENGTH=0\nEND\n"), "");
+    EXPECT_EQ(compile("D DIALOG\nTEXT=\"\"\nEND\n"), errorAt(2, 725, "A Dialog has no property TEXT."));
+}
+
+TEST_F(CompileTest, ARangeOfNothingIsTheUsualOne) {
+    ASSERT_EQ(compile("D DIALOG\nScrollbar a\nMINIMUM=0\nMAXIMUM=0\nScrollbar b\nMAXIMUM=0\nMINIMUM=-5\n"
+                      "Scrollbar c\nMAXIMUM=7\nEND\n"),
+              "");
+    CompiledResources resources;
+    ASSERT_EQ(resources.open(read(rcx)), "");
+    WindowTemplate window;
+    ASSERT_TRUE(resources.window("D", window));
+    const char* const maximum[] = {"100", "0", "7"};
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(valueOf(window.controls[i].properties, Type::Scrollbar, "MAXIMUM"), maximum[i]);
+}
+
 TEST_F(CompileTest, ResolvesPlaceholdersOfPaths) {
     write("p.bmp", "x");
     const std::string rc = write("a.rc", "p BITMAP \"<RESOURCEDIR>\\\\p.bmp\"\n");

@@ -2,111 +2,16 @@
 #include "platform/resources/properties.h"
 #include "platform/resources/rctext.h"
 #include "platform/resources/rcx.h"
-#include "platform/resources/resource.h"
 #include "platform/text.h"
 
-#include "os/files.h"
-#include "support/tempfolder.h"
+#include "unit/platform/resource_fixture.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <regex>
 
 namespace tarn::platform {
 namespace {
-
-const std::string example = R"(// The resources of a test.
-#define IDLOGO 500
-#define second 777
-
-logo BITMAP "logo.bmp"
-readme INCFILE FIXED "<RESOURCEDIR>\\doc\\readme.txt"   // with an option
-people DBFILE "people.dbf"
-
-strange words that nobody knows
-STRINGTABLE
-BEGIN
-  1, "one // no comment"
-END
-
-Main DIALOG
-  CAPTION="Tarnwick"   // the product
-  POSITION=0 0 320 14
-  MENU=MainMenu
-
-  // The first button.
-  Bitmapbutton btnfile_open 1201
-    POSITION=2 1 16 12
-    PICTURE="C:\\new\\open.bmp"
-    HINT="Open\na \"file\""
-  PUSHBUTTON   IDOK
-    POSITION=20 1 30 12
-    WEIGHT=12
-  Label second
-    VISIBLE=0
-  Label
-    CAPTION="\x41\t\0end"
-  // last words
-END
-
-MainMenu MENU
-  Menuitem
-    POSITION=1
-    CAPTION="&File"
-  Menuitem file_open 1101
-    POSITION=2
-    CAPTION="&Open..."
-    SHORTCUT="Ctrl+O"
-  Menuitem
-    POSITION=2
-END
-
-VS_VERSION_INFO VERSIONINFO
-    FILEVERSION 1,3,2207,0
-BEGIN
-    BLOCK "StringFileInfo"
-    BEGIN
-        BLOCK "080904b0"
-        BEGIN
-            VALUE "CompanyName", "END\0"
-        END
-    END
-END
-// the end)";
-
-class ResourceTest : public ::testing::Test {
-protected:
-    TempFolder folder;
-    std::string rc = (folder / "test.rc");
-
-    void SetUp() override { write(rc, example); }
-    static void write(const std::string& file, std::string_view bytes) {
-        ASSERT_TRUE(os::saveFile(file, bytes, os::Durability::Unsynced).ok());
-    }
-    static std::string read(const std::string& file) {
-        std::string bytes;
-        os::readFile(file, bytes);
-        return bytes;
-    }
-    std::string info(const std::string& kind, const std::string& name) {
-        const ResourceText result = ResourceInfo(rc, kind, name);
-        EXPECT_EQ(result.error, "");
-        return result.text;
-    }
-    ObjectArray objects(const std::string& name) {
-        ObjectArray array;
-        EXPECT_EQ(ResourceRead(rc, name, array), "");
-        return array;
-    }
-    static std::string replaced(std::string text, const std::string& what, const std::string& with) {
-        const std::size_t at = text.find(what);
-        EXPECT_NE(at, std::string::npos) << what;
-        return at == std::string::npos ? text : text.replace(at, what.size(), with);
-    }
-    static std::size_t count(const ObjectArray& array) {
-        std::size_t n = 0;
-        while (n < array.size() && !array[n].empty()) ++n;
-        return n;
-    }
-};
 
 // ---- reading ----
 
@@ -227,7 +132,7 @@ TEST_F(ResourceTest, WhatIsWrittenIsReadBackPropertyForProperty) {
     for (const char* line : {"CAPTION=\"a \"b\" \\\\srv\\new\\0\"\n", "OWNER=1\n", "MENU=NewMenu\n"})
         EXPECT_NE(first[0].find(line), std::string::npos) << first[0];
     EXPECT_NE(first[1].find("TEXT=\"// no comment\"\n"), std::string::npos) << first[1];
-    EXPECT_NE(first[1].find("ODD=// two\n"), std::string::npos) << first[1];
+    EXPECT_NE(first[1].find("ODD= // two \n"), std::string::npos) << first[1];
     EXPECT_NE(first[2].find("CAPTION=\"\xff\xfe\x01 plain\"\n"), std::string::npos) << first[2];
     const std::string text = read(fresh);
     ASSERT_EQ(ResourceWrite(first, firstMenu, fresh), "");
@@ -243,7 +148,7 @@ TEST_F(ResourceTest, WritingUnchangedKeepsWhatNobodyWouldWriteThatWay) {
     write(rc, text);
     const ObjectArray array = objects("D");
     EXPECT_NE(array[0].find("ODD=\"a\\n\\0b \"\n"), std::string::npos) << array[0];
-    EXPECT_NE(array[1].find("ENABLED=1-Yes\n"), std::string::npos) << array[1];
+    EXPECT_NE(array[1].find("ENABLED=1\n"), std::string::npos) << array[1];
     EXPECT_EQ(ResourceWrite(array, {}, rc), "");
     EXPECT_EQ(read(rc), text);
 }
@@ -335,6 +240,7 @@ TEST_F(ResourceTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
     EXPECT_NE(refused("NAME=ab\nTYPEOF=Dialog\n", "NAME=x y\nTYPEOF=Label\n", ""), "");
     EXPECT_NE(refused("NAME=ab\nTYPEOF=Dialog\n", "NAME=x\nTYPEOF=Label\nA B=1\n", ""), "");
     EXPECT_NE(refused("NAME=ab\nTYPEOF=Dialog\n", "", "NAME=x\nTYPEOF=Label\n"), "");
+    EXPECT_EQ(refused("NAME=ab\nTYPEOF=Dialog\nA B=1\n", "", ""), "'A B' is no name of a property.");
     EXPECT_EQ(refused("NAME=logo\nTYPEOF=Dialog\n", "", ""), "'logo' is the name of another resource.");
 }
 
@@ -354,6 +260,9 @@ TEST_F(ResourceTest, InfoListsInEveryForm) {
     EXPECT_EQ(info("MENU", "Main"), "");
     EXPECT_EQ(info("*", "MainMenu"), "MainMenu MENU\n");
     EXPECT_EQ(info("NOSUCHKIND", "*"), "");
+    EXPECT_EQ(info("*", "absent"), "");
+    EXPECT_EQ(info("bitmap", "LOGO"), "logo logo BITMAP \"logo.bmp\"\n") << "words in any case";
+    EXPECT_EQ(info("CONTROLS", "*"), "");
 }
 
 TEST_F(ResourceTest, InfoOfControlsGivesNamesAndNumbersInAnyCaseOfTheWord) {
@@ -417,6 +326,35 @@ TEST_F(ResourceTest, RenameChangesTheReferencesToo) {
               "b BITMAP \"x\"\nD DIALOG\nImage i\nPICTURE=\"b\"\nImage j\nPICTURE=\"a.bmp\"\nEND\n");
 }
 
+TEST_F(ResourceTest, RenameChangesItsSymbolWhereverThatStands) {
+    const std::string text = "#define logo 500\nlogo BITMAP \"x\"\nother logo BITMAP \"y\"\nD DIALOG\n"
+                             "Label a logo // logo\nLabel b\nEND\n";
+    write(rc, text);
+    EXPECT_EQ(ResourceRename(rc, "LOGO", "sign"), "");
+    EXPECT_EQ(read(rc), "#define sign 500\nsign BITMAP \"x\"\nother sign BITMAP \"y\"\nD DIALOG\n"
+                        "Label a sign // logo\nLabel b\nEND\n");
+    write(rc, "#define sign 501\n" + text);
+    EXPECT_EQ(ResourceRename(rc, "logo", "sign"), "");
+    EXPECT_EQ(read(rc), "#define sign 501\n" + replaced(text, "\nlogo BITMAP", "\nsign BITMAP"))
+        << "what is a symbol already stays one";
+    const std::string used = replaced(text, "Label b", "Label logo");
+    write(rc, used);
+    EXPECT_EQ(ResourceRename(rc, "logo", "sign"), "");
+    EXPECT_EQ(read(rc), replaced(used, "\nlogo BITMAP", "\nsign BITMAP")) << "a control keeps its number";
+}
+
+TEST_F(ResourceTest, RenameAndDeleteKeepAVersionBlockAsItIs) {
+    const std::size_t begin = example.find("VS_VERSION_INFO"), end = example.find("// the end");
+    const std::string block = example.substr(begin, end - begin);
+    EXPECT_EQ(ResourceRename(rc, "VS_VERSION_INFO", "Other"), "");
+    EXPECT_EQ(info("VERSIONINFO", "Other"), replaced(block, "VS_VERSION_INFO", "Other"));
+    EXPECT_EQ(info("VERSIONINFO", "*"), "Other VERSIONINFO\n");
+    EXPECT_EQ(ResourceRename(rc, "Other", "VS_VERSION_INFO"), "");
+    EXPECT_EQ(read(rc), example);
+    EXPECT_EQ(ResourceDelete(rc, "VS_VERSION_INFO"), "");
+    EXPECT_EQ(read(rc), example.substr(0, begin) + example.substr(end));
+}
+
 TEST_F(ResourceTest, RenameRefusesWhatIsTakenOrNoName) {
     EXPECT_EQ(ResourceRename(rc, "absent", "x"), "'absent' was not found in '" + rc + "'.");
     EXPECT_EQ(ResourceRename(rc, "Main", "logo"), "'logo' is already a name in '" + rc + "'.");
@@ -439,6 +377,61 @@ TEST_F(ResourceTest, WriteTextReplacesTheResourceOfItsNameAndKind) {
     EXPECT_EQ(info("VERSIONINFO", "VS_VERSION_INFO"), block);
     EXPECT_EQ(info("VERSIONINFO", "*"), "VS_VERSION_INFO VERSIONINFO\n");
     EXPECT_EQ(ResourceWriteText(rc, "Main BITMAP \"x\""), "'Main' is already a name in '" + rc + "'.");
+}
+
+TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) {
+    std::string block = "VS_VERSION_INFO VERSIONINFO\n    FILEVERSION 1,2,3,4\n    PRODUCTVERSION 1,2,3,4\n"
+                        "    FILEFLAGSMASK 0x3f\n    FILEFLAGS 0x0\n    FILEOS 0x10004\n    FILETYPE 0x1\n"
+                        "    FILESUBTYPE 0x0\nBEGIN\n    BLOCK \"StringFileInfo\"\n    BEGIN\n"
+                        "        BLOCK \"080904b0\"\n        BEGIN\n";
+    for (const char* value :
+         {"Comments\", \"END\\0", "CompanyName\", \"BEGIN\\0", "FileDescription\", \"// none\\0",
+          "FileVersion\", \"1.2.3.4\\0", "InternalName\", \"a.b\\0", "LegalCopyright\", \"(c) \"x\"\\0",
+          "LegalTrademarks\", \"\\0", "OriginalFilename\", \"Main DIALOG\\0",
+          "ProductName\", \"\xc3\xa4\xff\\0", "ProductVersion\", \"1.2.3.4\\0"})
+        block += "            VALUE \"" + std::string(value) + "\"\n";
+    block += "        END\n    END\n    BLOCK \"VarFileInfo\"\n    BEGIN\n"
+             "        VALUE \"Translation\", 0x809, 1200\n    END\nEND\n";
+    for (const std::string& eol : {std::string("\n"), std::string("\r\n")}) {
+        std::string before, after;
+        for (const char c : std::string("logo BITMAP \"x\"\n")) before += c == '\n' ? eol : std::string(1, c);
+        for (const char c : std::string("D DIALOG\nLabel a 1\nEND\n"))
+            after += c == '\n' ? eol : std::string(1, c);
+        write(rc, before);
+        ASSERT_EQ(ResourceWriteText(rc, block), "");
+        EXPECT_EQ(read(rc), before + block);
+        write(rc, before + block + after);
+        EXPECT_EQ(info("VERSIONINFO", "*"), "VS_VERSION_INFO VERSIONINFO\n");
+        EXPECT_EQ(info("*", "*"), "logo\nVS_VERSION_INFO\nD\n");
+        EXPECT_EQ(info("VERSIONINFO", "vs_version_info"), block);
+        EXPECT_EQ(ResourceWrite(objects("D"), {}, rc), "");
+        EXPECT_EQ(read(rc), before + block + after);
+        EXPECT_EQ(ResourceWriteText(rc, replaced(block, "1,2,3,4", "5,6,7,8")), "");
+        EXPECT_EQ(read(rc), before + replaced(block, "1,2,3,4", "5,6,7,8") + after);
+        EXPECT_EQ(ResourceRename(rc, "VS_VERSION_INFO", "V2"), "");
+        EXPECT_EQ(info("VERSIONINFO", "*"), "V2 VERSIONINFO\n");
+        EXPECT_EQ(ResourceDelete(rc, "V2"), "");
+        EXPECT_EQ(read(rc), before + after);
+    }
+}
+
+TEST_F(ResourceTest, WriteTextWritesExactlyTheLine) {
+    const struct {
+        const char *before, *line, *after;
+    } cases[] = {
+        {"", "n BITMAP \"C:\\\\a b\\\\c.bmp\"\n", "n BITMAP \"C:\\\\a b\\\\c.bmp\"\n"},
+        {"x BITMAP \"y\"", "n BITMAP \"z\"\n", "x BITMAP \"y\"\nn BITMAP \"z\"\n"},
+        {"x BITMAP \"y\"\n", "n INCFILE \"z\"\n", "x BITMAP \"y\"\nn INCFILE \"z\"\n"},
+        {"x BITMAP \"y\"\r\n", "n INCFILE \"z\"", "x BITMAP \"y\"\r\nn INCFILE \"z\"\r\n"},
+        {"// a\n\n", "n INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n",
+         "// a\n\nn INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n"},
+        {"n BITMAP \"old\" // c\nx BITMAP \"y\"\n", "n BITMAP \"z\"\n", "n BITMAP \"z\"\nx BITMAP \"y\"\n"},
+    };
+    for (const auto& [before, line, after] : cases) {
+        write(rc, before);
+        EXPECT_EQ(ResourceWriteText(rc, line), "");
+        EXPECT_EQ(read(rc), after);
+    }
 }
 
 TEST_F(ResourceTest, WriteTextRefusesWhatIsNotOneStatement) {
@@ -490,13 +483,57 @@ TEST_F(ResourceTest, TypelistHoldsThePropertiesThatTheDesignersRead) {
                 << type << " " << name;
 }
 
+TEST_F(ResourceTest, TypelistSpeaksTheLanguageOfOptionsTexts) {
+    const std::regex forms[] = {
+        std::regex("CONST|COLOUR|INTEGER|STRING|STRING\\([0-9]+\\)"),
+        std::regex("NAME\\([0-9]+:[0-9]+\\)"),
+        std::regex("FILENAME\\([a-z]+(,[a-z]+)*\\)"),
+        std::regex("ENUM\\([A-Za-z]+(,[A-Za-z]+)*\\)"),
+        std::regex("INTEGER\\(-?[0-9]*:-?[0-9]*\\)|INTEGER\\[1:4\\]"),
+        std::regex("INTEGER\\([0-9]+-\"[^\"]+\"(,[0-9]+-\"[^\"]+\")*\\)"),
+        std::regex("INTEGER\\{[0-9]+-\"[^\"]+\"(,[0-9]+-\"[^\"]+\")*\\}"),
+    };
+    for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i)
+        for (const PropertyRow& row : propertiesOf(static_cast<Type>(i))) {
+            const std::string options(row.options);
+            EXPECT_EQ(std::count_if(std::begin(forms), std::end(forms),
+                                    [&](const std::regex& form) { return std::regex_match(options, form); }),
+                      1)
+                << row.name << " " << options;
+        }
+}
+
+// What an empty value becomes in a new object by its options alone.
+std::string firstValue(std::string_view options) {
+    if (options == "INTEGER[1:4]") return "0 0 0 0";
+    if (options.starts_with("NAME")) return "Name";
+    if (options.starts_with("COLOUR")) return "-1";  // told by the property's own rule
+    if (options.starts_with("ENUM") || options.starts_with("INTEGER{") || options == "INTEGER") return "0";
+    if (!options.starts_with("INTEGER(")) return "";
+    return std::to_string(std::max(0, leadingNumber(options.substr(8))));
+}
+
+TEST_F(ResourceTest, ANewObjectIsAsOneThatTheFileTellsNothingOf) {
+    std::string others;
+    for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i)
+        for (const PropertyRow& row : propertiesOf(static_cast<Type>(i)))
+            if (row.name != "NAME" && row.name != "TYPEOF" && firstValue(row.options) != row.missing)
+                others += std::string(typeName(static_cast<Type>(i))) + " " + std::string(row.name) + "=" +
+                          firstValue(row.options) + "\n";
+    // A window that is drawn can be sized, and a range from 0 to 0 is the usual one.
+    EXPECT_EQ(others, "Dialog BORDERSTYLE=2\nScrollbar MAXIMUM=0\nProgressbar MAXIMUM=0\n");
+}
+
 TEST_F(ResourceTest, MissingValuesFitTheirOptions) {
     for (int i = static_cast<int>(Type::Dialog); i <= static_cast<int>(Type::Menuitem); ++i)
         for (const PropertyRow& row : propertiesOf(static_cast<Type>(i))) {
             const bool number = row.options.starts_with("ENUM") || row.options.starts_with("COLOUR") ||
                                 (row.options.starts_with("INTEGER") && !row.options.starts_with("INTEGER["));
             EXPECT_TRUE(!number || wholeNumber(row.missing)) << row.name;
-            EXPECT_EQ(row.options.starts_with("STRING"), row.kind == ValueKind::Text) << row.name;
+            const bool reference =
+                row.name == "ARRAY" || row.name == "MENU";  // a name, and no new object has it
+            EXPECT_EQ(row.options.starts_with("STRING") && !reference, row.kind == ValueKind::Text)
+                << row.name;
             EXPECT_EQ(row.options.starts_with("FILENAME"), row.kind == ValueKind::File) << row.name;
         }
 }
@@ -509,60 +546,11 @@ TEST_F(ResourceTest, CommonIdentifiersAreKnown) {
 
 // ---- damaged and hostile files ----
 
-struct Broken {
-    const char* text;
-    int line;
-};
-
-TEST_F(ResourceTest, FaultsNameTheirLine) {
-    const Broken cases[] = {
-        {"A DIALOG\n", 1},
-        {"A DIALOG\nCAPTION=\"x\nEND\n", 2},
-        {"A DIALOG\nCAPTION=\"x\" y\nEND\n", 2},
-        {"A DIALOG\n\nNonsense\nEND\n", 3},
-        {"A DIALOG\nMenuitem\nEND\n", 2},
-        {"A DIALOG\nDialog b\nEND\n", 2},
-        {"A DIALOG\nLabel b 1 2\nEND\n", 2},
-        {"A DIALOG\nNAME=x\nEND\n", 2},
-        {"A DIALOG\nTYPEOF=x\nEND\n", 2},
-        {"A DIALOG\n=x\nEND\n", 2},
-        {"A MENU\nLabel b\nEND\n", 2},
-        {"\nA VERSIONINFO\nBEGIN\nBEGIN\nEND\n", 2},
-        {"A VERSIONINFO\nEND\n", 2},
-        {"x BITMAP \"abc\n", 1},
-        {"BEGIN\nBEGIN\nEND\n", 1},
-    };
-    for (const Broken& broken : cases) {
-        write(rc, broken.text);
-        const std::string place = "'" + rc + "', line " + std::to_string(broken.line) + ": ";
-        const ResourceText result = ResourceInfo(rc, "*", "*");
-        EXPECT_TRUE(result.error.starts_with(place)) << broken.text << "\n" << result.error;
-        EXPECT_EQ(result.text, "");
-        ObjectArray array{};
-        EXPECT_TRUE(ResourceRead(rc, "A", array).starts_with(place));
-        array[0] = "NAME=B\nTYPEOF=Dialog\n";
-        EXPECT_TRUE(ResourceWrite(array, {}, rc).starts_with(place));
-        EXPECT_TRUE(ResourceDelete(rc, "A").starts_with(place));
-        EXPECT_TRUE(ResourceRename(rc, "A", "B").starts_with(place));
-        EXPECT_TRUE(ResourceWriteText(rc, "p BITMAP \"x\"").starts_with(place));
-        EXPECT_EQ(read(rc), broken.text) << "a file that is not understood is never written";
-    }
-}
-
-TEST_F(ResourceTest, ZeroBytesAreFaults) {
-    for (const std::size_t at : {std::size_t{0}, example.find("CAPTION"), example.find("END")}) {
-        std::string text = example;
-        text[at] = '\0';
-        write(rc, text);
-        EXPECT_NE(ResourceInfo(rc, "*", "*").error, "");
-    }
-}
-
 TEST_F(ResourceTest, DeepAndHugeFilesEndInTime) {
     std::string deep = "A VERSIONINFO\n";
     for (int i = 0; i < 200'000; ++i) deep += "BEGIN\n";
     write(rc, deep);
-    EXPECT_NE(ResourceInfo(rc, "*", "*").error, "");
+    EXPECT_NE(ResourceInfo(rc, "*", "A").error, "");
     std::string wide = "A DIALOG\n";
     for (int i = 0; i < 200'000; ++i) wide += "Label a\n";
     write(rc, wide + "END\n");
