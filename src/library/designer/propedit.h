@@ -17,6 +17,7 @@
 //   INTEGER{1-"One",2-"Two"}      any combination of the bits
 //   INTEGER[a:b]                  b - a + 1 numbers, separated by blanks (at most 1000)
 //   NAME, NAME(a:b)               a symbol of a to b characters, or nothing
+//   SYMBOL, SYMBOL(a:b)           the same, and nothing at first
 //   STRING, STRING(n)             any text of at most n characters
 //   STRING("a","b")               one of the strings, in any case
 //   HIDDEN                        anything; the sheet does not show it

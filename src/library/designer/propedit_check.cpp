@@ -3,11 +3,11 @@
 // The check and the default of a value, one row of a table for each kind. Apart from FOLDER, which asks the
 // disk, these functions compute on their arguments alone; none sets the error cell, and so they have no
 // frames.
-#include "os/text/ascii.h"
 #include "library/designer/propedit.h"
 #include "library/designer/propedit_options_internal.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <limits>
@@ -46,6 +46,9 @@ std::optional<int> wholeNumber(std::string_view value) {
 
 std::string same(const Options&, std::string_view value) {
     return std::string(value);
+}
+std::string nothing(const Options&, std::string_view) {
+    return {};
 }
 std::string zero(const Options&, std::string_view) {
     return "0";
@@ -247,9 +250,9 @@ const KindRow kinds[] = {
     {[](const Options& o) { return o.is("INTEGER"); }, isInRange, rangeMessage, lowest},
     {[](const Options& o) { return o.is("NAME"); }, isName, nameMessage,
      [](const Options&, std::string_view) { return std::string("Name"); }},
+    {[](const Options& o) { return o.is("SYMBOL"); }, isName, nameMessage, nothing},
     {[](const Options& o) { return o.is("STRING") && hasLines(o); }, isListedString, oneOf, firstLineText},
-    {[](const Options& o) { return o.is("STRING"); }, isShortEnough, stringMessage,
-     [](const Options&, std::string_view) { return std::string(); }},
+    {[](const Options& o) { return o.is("STRING"); }, isShortEnough, stringMessage, nothing},
 };
 
 }  // namespace

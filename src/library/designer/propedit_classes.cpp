@@ -2,9 +2,9 @@
 //
 // Classes of characters and of whole texts. These functions compute on their arguments alone, can neither
 // fail nor set the error cell, and so have no frames.
-#include "os/text/ascii.h"
 #include "library/designer/propedit.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 

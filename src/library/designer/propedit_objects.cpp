@@ -2,10 +2,10 @@
 //
 // What new objects begin with. These functions compute on their arguments and the tables of types alone, can
 // neither fail nor set the error cell, and so have no frames.
-#include "os/text/ascii.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/propedit.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 

@@ -4,9 +4,9 @@
 // compute on their arguments alone, can neither fail nor set the error cell, and so have no frames.
 #include "library/designer/propedit_options_internal.h"
 
-#include "os/text/ascii.h"
 #include "library/designer/propedit.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <limits>
@@ -43,6 +43,7 @@ Range rangeOf(const Options& options) {
     Range range;
     std::size_t at = options.inside;
     range.lower = decimalOf(NextWord(options.text, at));
+    while (at <= options.text.size() && ascii::isBlank(options.text[at - 1])) ++at;
     if (at > options.text.size() || options.text[at - 1] != ':') return {};
     range.upper = decimalOf(NextWord(options.text, ++at));
     return range;

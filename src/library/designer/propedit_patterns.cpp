@@ -3,10 +3,10 @@
 // Compiling patterns. The matcher is in propedit_match.cpp.
 #include "library/designer/propedit_patterns.h"
 
-#include "os/text/ascii.h"
 #include "kernel/run/runtime.h"
 #include "library/designer/propedit.h"
 #include "library/designer/propedit_items_internal.h"
+#include "os/text/ascii.h"
 
 #include <optional>
 

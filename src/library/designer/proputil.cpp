@@ -4,8 +4,8 @@
 // set the error cell, and so have no frames.
 #include "library/designer/proputil.h"
 
-#include "os/text/ascii.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <cstdint>
