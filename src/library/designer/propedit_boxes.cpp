@@ -6,6 +6,7 @@
 #include "library/designer/propedit.h"
 #include "library/designer/propedit_options_internal.h"
 #include "library/designer/propedit_sheet.h"
+#include "library/dialogs/dialogshape.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -208,15 +209,7 @@ Object optionBox(const Object& box, int n) {
     return ControlElement(FINDCONTROL(box, "chkoption1"), n);
 }
 
-bool bitsButton(const Object& box, const std::string& name) {
-    if (STREQUAL(name, "idok"))
-        Hide(box);
-    else if (STREQUAL(name, "idcancel"))
-        Unload(box);
-    else
-        return false;
-    return true;
-}
+constexpr DialogShape bitsShape = {.ok = "idok", .cancel = "idcancel", .help = "", .hides = true};
 
 int bitsOf(std::string_view line) {
     return detail::leadingNumberOf(line).value_or(0);
@@ -258,11 +251,7 @@ void showBits(const Object& box, const Lines& lines, int count, int bits) {
 bool INCLUSIVEBOXDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(INCLUSIVEBOXDLG);
     STAMP();
-    bool result = false;
-    if (event == COMMAND_EVENT) result = bitsButton(window, GetName(control));
-    if (event == KEYPRESS_EVENT && parameter == KEY_ESCAPE) result = bitsButton(window, "idcancel");
-    STAMP();
-    return result;
+    return DIALOGSHAPEEVENT(bitsShape, window, event, control, parameter);
 }
 
 std::optional<int> detail::chooseBits(const BoxPlace& place, const Lines& lines, int bits) {

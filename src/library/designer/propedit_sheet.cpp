@@ -5,6 +5,7 @@
 
 #include "library/designer/propedit.h"
 #include "library/designer/propedit_options_internal.h"
+#include "library/dialogs/dialogshape.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -155,40 +156,30 @@ void choose(const Object& window, int n) {
 
 bool key(const Object& window, const Object& control, int code) {
     const int row = rowOf(window, control, "edtvalue1");
+    if (row == 0) return false;
     switch (code) {
-    case KEY_ESCAPE: Unload(window); return true;
-    case KEY_F1: showHelp(window); return true;
-    case KEY_UP:
-    case KEY_DOWN:
-        if (row > 0) stepValue(window, row, code == KEY_UP ? -1 : 1);
-        return row > 0;
-    case KEY_F4:
-        if (row > 0) choose(window, row);
-        return row > 0;
+    case KEY_UP: stepValue(window, row, -1); return true;
+    case KEY_DOWN: stepValue(window, row, 1); return true;
+    case KEY_F4: choose(window, row); return true;
     default: return false;
     }
 }
 
-void confirm(const Object& window) {
+bool press(const Object& window, const Object& control) {
+    const int row = rowOf(window, control, "btndrop1");
+    if (row > 0) {
+        choose(window, row);
+        return true;
+    }
+    if (!STREQUAL(GetName(control), "idok")) return false;
     const int failed = CHECKALLVALUES(FINDCONTROL(window, "lblname1"), FINDCONTROL(window, "edtvalue1"),
                                       FINDCONTROL(window, "edtoptions1"));
     if (failed == 0) Hide(window);
-}
-
-bool press(const Object& window, const Object& control) {
-    const std::string name = GetName(control);
-    if (STREQUAL(name, "idok"))
-        confirm(window);
-    else if (STREQUAL(name, "idcancel"))
-        Unload(window);
-    else if (STREQUAL(name, "idhelp"))
-        showHelp(window);
-    else if (const int row = rowOf(window, control, "btndrop1"); row > 0)
-        choose(window, row);
-    else
-        return false;
     return true;
 }
+
+// OK is the sheet's own: what is wrong is told by CHECKALLVALUES.
+constexpr DialogShape shape = {.ok = "", .cancel = "idcancel", .help = "idhelp", .showHelp = showHelp};
 
 }  // namespace
 
@@ -198,6 +189,7 @@ bool PROPERTIESDLG(const Object& window, int event, const Object& control, int p
     bool result = false;
     if (event == KEYPRESS_EVENT) result = key(window, control, parameter);
     if (event == COMMAND_EVENT) result = press(window, control);
+    if (!result) result = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;
 }
