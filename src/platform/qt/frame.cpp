@@ -173,7 +173,9 @@ void Frame::orderTabs() {
     for (const auto& control : window_->controls) {
         QWidget* widget = peerOf(*control)->focusWidget();
         if (!takesFocus(*control)) continue;
-        if (!control->tabStop && control->type != Type::Radiobutton) widget->setFocusPolicy(Qt::ClickFocus);
+        // A picture beside a line of text acts for it, and leaves the keyboard where it is.
+        const auto clicked = control->type == Type::Bitmapbutton ? Qt::NoFocus : Qt::ClickFocus;
+        if (!control->tabStop && control->type != Type::Radiobutton) widget->setFocusPolicy(clicked);
         if (before != nullptr) setTabOrder(before, widget);
         before = widget;
     }
