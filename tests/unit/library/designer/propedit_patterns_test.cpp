@@ -202,7 +202,7 @@ TEST_F(Patterns, SizesOfItems) {
                                                           3}};
     for (const auto& [items, size] : cases) EXPECT_EQ(PATTERNSIZE(items, 1), size) << items;
     for (const std::string bad : {"x", "", "L", "[", "[\x02"})
-        for (std::size_t p : {0, 1, 2}) {
+        for (const std::size_t p : {0U, 1U, 2U}) {
             EXPECT_EQ(PATTERNSIZE(bad, p), 0u);
             expectAssertion("PatternSize:Invalid logical character pattern");
         }
