@@ -137,6 +137,7 @@ void COMPILECLOSURE(char character, std::string& compiled, std::size_t last) {
 
 CompiledPattern COMPILEREGEXPATTERN(std::string_view pattern) {
     FRAME(COMPILEREGEXPATTERN);
+    STAMP();
     std::string compiled;
     std::size_t last = 0;
     for (std::size_t position = 1; position <= pattern.size(); ++position)
@@ -146,6 +147,7 @@ CompiledPattern COMPILEREGEXPATTERN(std::string_view pattern) {
 
 CompiledPattern COMPILELIKEPATTERN(std::string_view pattern) {
     FRAME(COMPILELIKEPATTERN);
+    STAMP();
     std::string compiled(1, BOL);
     for (std::size_t position = 1; position <= pattern.size(); ++position)
         if (!addLikeItem(pattern, position, compiled)) return {"", true};
@@ -163,6 +165,7 @@ bool ISMATCH(std::string_view text, std::string_view pattern) {
 
 MatchPlace GETMATCHPOS(std::string_view text, std::string_view pattern) {
     FRAME(GETMATCHPOS);
+    STAMP();
     const CompiledPattern compiled = COMPILEREGEXPATTERN(pattern);
     STAMP();
     Assert(!compiled.failed, "Regular expression is invalid");
@@ -173,6 +176,7 @@ MatchPlace GETMATCHPOS(std::string_view text, std::string_view pattern) {
 
 bool ISLIKE(std::string_view text, std::string_view pattern) {
     FRAME(ISLIKE);
+    STAMP();
     const CompiledPattern compiled = COMPILELIKEPATTERN(pattern);
     STAMP();
     Assert(!compiled.failed, "LIKE expression is invalid");

@@ -263,6 +263,7 @@ std::string badNameMessage(const Objects& objects, int i) {
 
 std::string GETPROPVALUE(const Object& list, std::string_view name) {
     FRAME(GETPROPVALUE);
+    STAMP();
     std::string values;
     for (const std::string& entry : entriesOf(list, 1)) values += GETPROPVALUE(entry, name) + "\n";
     return values;
@@ -270,6 +271,7 @@ std::string GETPROPVALUE(const Object& list, std::string_view name) {
 
 ObjectArray TSTRINGARRAY(const Object& list) {
     FRAME(TSTRINGARRAY);
+    STAMP();
     ObjectArray array;
     std::vector<std::string> entries = entriesOf(list, 1);
     const std::size_t count = std::min(entries.size(), array.size());
@@ -279,6 +281,7 @@ ObjectArray TSTRINGARRAY(const Object& list) {
 
 std::string GETPROPERTYLISTS(const Object& datalist, const Object& menulist) {
     FRAME(GETPROPERTYLISTS);
+    STAMP();
     std::string text;
     if (!isListbox(datalist) || !isListbox(menulist)) return text;
     for (const Object& list : {menulist, datalist})
@@ -288,6 +291,7 @@ std::string GETPROPERTYLISTS(const Object& datalist, const Object& menulist) {
 
 int SEARCHPROPLIST(const Object& list, std::string_view name, std::string_view value) {
     FRAME(SEARCHPROPLIST);
+    STAMP();
     if (name.empty() || value.empty() || !isListbox(list)) return -1;
     const int count = GetListCount(list);
     for (int item = 1; item <= count; ++item)
@@ -297,6 +301,7 @@ int SEARCHPROPLIST(const Object& list, std::string_view name, std::string_view v
 
 NameFault CHECKDUPLICATES(const Object& first, const Object& last, int index, bool second) {
     FRAME(CHECKDUPLICATES);
+    STAMP();
     if (!isListbox(first) || !isListbox(last) || (index != -1 && index <= 1)) return {};
     const Objects objects(first, last, 2);
     std::vector<std::string> names;
@@ -313,6 +318,7 @@ NameFault CHECKDUPLICATES(const Object& first, const Object& last, int index, bo
 NameFault CHECKBADNAMES(const Object& first, const Object& last, int index, bool second,
                         std::string_view badNames) {
     FRAME(CHECKBADNAMES);
+    STAMP();
     const bool meant = index == -1 || index >= 1;
     if (!isListbox(first) || !isListbox(last) || !meant || badNames.empty()) return {};
     const Objects objects(first, last, 1);
@@ -325,6 +331,7 @@ NameFault CHECKBADNAMES(const Object& first, const Object& last, int index, bool
 
 std::string GETOBJECTTYPELIST(const std::string& type) {
     FRAME(GETOBJECTTYPELIST);
+    STAMP();
     return ResourceTypelist(type);
 }
 
