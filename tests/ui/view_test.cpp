@@ -14,6 +14,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -533,6 +534,45 @@ TEST_F(ViewTest, InputAndListBoxesAnswerWithTextAndRow) {
     EXPECT_EQ(ListBox("t", "prompt", "one\ntwo\nthree\n"), "two");
     QTimer::singleShot(0, [] { EXPECT_TRUE(view().answer("")); });
     EXPECT_EQ(ListBox("t", "prompt", "one\n"), "");
+}
+
+TEST_F(ViewTest, UpAndDownOfALineReachTheWindow) {
+    show(Form);
+    const auto pressAt = [](QWidget* to, int key) {
+        to->setFocus();
+        press(to, key);
+    };
+    auto* line = find<QLineEdit>(Form, "edtname");
+    handledKey() = KEY_DOWN;
+    pressAt(line, Qt::Key_Down);
+    pressAt(line, Qt::Key_Up);
+    EXPECT_EQ(count(KEYPRESS_EVENT, 301), 2);
+    pressAt(line, Qt::Key_Left);
+    EXPECT_EQ(count(KEYPRESS_EVENT), 2) << "the line moves its caret itself";
+    pressAt(find<QPlainTextEdit>(Form, "edtlines"), Qt::Key_Down);
+    pressAt(find<QComboBox>(Form, "cmbedit"), Qt::Key_Down);
+    pressAt(find<QComboBox>(Form, "cmbedit")->lineEdit(), Qt::Key_Down);
+    pressAt(find<QComboBox>(Form, "cmbdrop"), Qt::Key_Down);
+    EXPECT_EQ(count(KEYPRESS_EVENT), 2) << "several lines and rows are walked by their own keys";
+}
+
+TEST_F(ViewTest, ALabelThatIsFilledBeforeTheWindowIsShownNamesTheControl) {
+    SetCaption(in(Form, 300), "&Street:");
+    show(Form);
+    EXPECT_EQ(find<QLineEdit>(Form, "edtname")->accessibleName().toStdString(), "Street");
+}
+
+TEST_F(ViewTest, AFilePatternMayStandInParentheses) {
+    QStringList filters;
+    view().setIdle([&] {
+        if (view().asking() == nullptr) return;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QFileDialog*>(widget); box != nullptr) filters = box->nameFilters();
+        EXPECT_TRUE(view().answer(""));
+    });
+    EXPECT_EQ(OpenFileDialog("x", "", "Pictures (*.bmp)|(*.bmp)|Texts (*.txt)|*.txt;*.text|"), "");
+    view().setIdle({});
+    EXPECT_EQ(filters.join(u'|').toStdString(), "Pictures (*.bmp)|Texts (*.txt *.text)|All files (*)");
 }
 
 TEST_F(ViewTest, AModalWindowReturnsWhenItIsHidden) {

@@ -24,6 +24,11 @@ int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dial
     return 0;
 }
 
+int GETVISUALOBJECTINFO(const std::string& executable, const std::string& control) {
+    FRAME(GETVISUALOBJECTINFO);
+    return GETVISUALOBJECTINFO(FILECHANGEEXT(executable, ".rcx"), "Main", control);
+}
+
 OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption,
                               const std::string& control) {
     FRAME(FINDOTHERCONTROL);
@@ -31,7 +36,7 @@ OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& 
     found.windowClass = WindowClassName("Dialog");
     STAMP();
     found.window = FindOtherWindow(found.windowClass, caption);
-    found.control = GETVISUALOBJECTINFO(FILECHANGEEXT(executable, ".rcx"), "Main", control);
+    found.control = GETVISUALOBJECTINFO(executable, control);
     return found;
 }
 

@@ -14,6 +14,9 @@ namespace tarn {
 int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dialog,
                         const std::string& control);
 
+// The same of the dialog Main of a program, by the path of its executable.
+int GETVISUALOBJECTINFO(const std::string& executable, const std::string& control);
+
 struct OtherControl {
     bool window = false;      // another copy has a window of that caption
     std::string windowClass;  // its class

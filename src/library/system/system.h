@@ -57,6 +57,7 @@ std::string FILEGETFNAME(std::string_view path);  // name and extension
 std::string FILEGETEXT(std::string_view path);    // with its dot
 std::string FILEBASENAME(std::string_view path);  // name without folder and extension
 std::string FILECHANGEEXT(std::string_view path, std::string_view extension);
+bool FILENAMECHAR(char c);  // may stand in a file name; bytes from 128 up are letters of some script
 bool DIRCHK(std::string_view path);
 bool FILECHK(std::string_view path);
 bool ISROOTED(std::string_view path);            // has a drive or begins with a separator

@@ -19,15 +19,9 @@ bool isSeparator(char c) {
     return c == '/' || c == '\\';
 }
 
-// The set of file-name characters; bytes from 128 up are letters of some script.
-bool isNameChar(char c) {
-    if (ascii::isLetter(c) || ascii::isDigit(c) || static_cast<unsigned char>(c) >= 128) return true;
-    return c != '\0' && std::string_view(" !#$%&'()+,-.;=@[]^_`{}~").find(c) != npos;
-}
-
 bool allNameChars(std::string_view text) {
     for (const char c : text)
-        if (!isNameChar(c)) return false;
+        if (!FILENAMECHAR(c)) return false;
     return true;
 }
 
@@ -42,7 +36,7 @@ bool isDirectory(std::string_view directory) {
     if (directory.empty() || !isSeparator(directory[0])) return false;
     char before = directory[0];
     for (const char c : directory.substr(1)) {
-        if (isSeparator(c) ? isSeparator(before) : !isNameChar(c)) return false;
+        if (isSeparator(c) ? isSeparator(before) : !FILENAMECHAR(c)) return false;
         before = c;
     }
     return true;  // it ends with its last separator by the way it was split
@@ -54,6 +48,11 @@ bool partsAreGood(const PathParts& parts, std::string_view path) {
 }
 
 }  // namespace
+
+bool FILENAMECHAR(char c) {
+    if (ascii::isLetter(c) || ascii::isDigit(c) || static_cast<unsigned char>(c) >= 128) return true;
+    return c != '\0' && std::string_view(" !#$%&'()+,-.;=@[]^_`{}~").find(c) != npos;
+}
 
 PathParts SPLITPATH(std::string_view path) {
     PathParts parts;

@@ -173,7 +173,9 @@ void Frame::orderTabs() {
     for (const auto& control : window_->controls) {
         QWidget* widget = peerOf(*control)->focusWidget();
         if (!takesFocus(*control)) continue;
-        if (!control->tabStop && control->type != Type::Radiobutton) widget->setFocusPolicy(Qt::ClickFocus);
+        // A picture beside a line of text acts for it, and leaves the keyboard where it is.
+        const auto clicked = control->type == Type::Bitmapbutton ? Qt::NoFocus : Qt::ClickFocus;
+        if (!control->tabStop && control->type != Type::Radiobutton) widget->setFocusPolicy(clicked);
         if (before != nullptr) setTabOrder(before, widget);
         before = widget;
     }
@@ -360,9 +362,9 @@ void Frame::report() {
     userMoved(*window_, now, state);
 }
 
-// The width of the frame is known only once the window system has drawn it. A window as its resources made it
-// keeps its client area, since its controls were measured for that; one that was given a place keeps its
-// frame.
+// The width of the frame is known only once the window system has drawn it. A window as its resources made it,
+// and one whose size the user cannot change, keeps its client area, since its controls were measured for that;
+// any other that was given a place keeps its frame.
 void Frame::settle() {
     if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
     const QMargins margins = windowHandle()->frameMargins();
@@ -372,9 +374,9 @@ void Frame::settle() {
     assumed_ = knownMargins(window_->borderStyle) = margins;
     if (news && window_->state == 0 && !isMaximized() && !large_) {
         const Flag quiet(applying_);
-        if (before == QSize(first_.w, first_.h)) {
-            window_->position.w += margins.left() + margins.right();
-            window_->position.h += margins.top() + margins.bottom();
+        if (before == QSize(first_.w, first_.h) || window_->borderStyle != 2) {
+            window_->position.w = width() + margins.left() + margins.right();
+            window_->position.h = height() + margins.top() + margins.bottom();
         }
         place();
     }
@@ -425,7 +427,9 @@ void Frame::bringUp() {
     }
     raise();
     activateWindow();
-    if (first) focusFirst();
+    if (!first) return;
+    nameControls();  // the program may have filled its labels since it loaded the window
+    focusFirst();
 }
 
 void Frame::focusFirst() {

@@ -45,6 +45,12 @@ bool isList(const QWidget& widget) {
            qobject_cast<const QRadioButton*>(&widget) != nullptr;
 }
 
+// A line of text of its own, not that of a combo box, which its arrows lead through the rows.
+bool isPlainLine(const QWidget& widget) {
+    return qobject_cast<const QLineEdit*>(&widget) != nullptr &&
+           qobject_cast<const QComboBox*>(widget.parentWidget()) == nullptr;
+}
+
 bool isArrow(int key) {
     return key >= Qt::Key_Left && key <= Qt::Key_Down;
 }
@@ -113,6 +119,7 @@ bool windowHears(const QWidget* focus, const QKeyEvent& event) {
         return !text && (focus == nullptr || !isList(*focus) ||
                          qobject_cast<const QAbstractItemView*>(focus) != nullptr);
     }
+    if (focus != nullptr && isPlainLine(*focus)) return isArrow(key);
     return isArrow(key) && !text && (focus == nullptr || !isList(*focus));
 }
 

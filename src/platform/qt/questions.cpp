@@ -234,13 +234,14 @@ std::string askRow(const Question& question, QWidget* parent) {
 
 // ---- files ----
 
-// "Text (*.ext)|*.ext|" rows, or a bare pattern.
+// "Text (*.ext)|*.ext|" rows, or a bare pattern; a pattern may stand in parentheses.
 QStringList filtersOf(const std::string& filter) {
     QStringList filters;
     const QStringList parts = shown(filter).split(u'|', Qt::SkipEmptyParts);
     for (qsizetype i = 0; i < parts.size(); i += 2) {
         QString text = parts[i].trimmed();
         QString pattern = (i + 1 < parts.size() ? parts[i + 1] : text).trimmed();
+        if (pattern.startsWith(u'(') && pattern.endsWith(u')')) pattern = pattern.mid(1).chopped(1);
         pattern.replace(u';', u' ');
         text = text.section(u'(', 0, 0).trimmed();
         filters << (text.isEmpty() || text == pattern ? QObject::tr("Files") : text) +
