@@ -206,6 +206,7 @@ public:
             refresh();
         };
         grid.doubleClicked = [this](QPoint at) {
+            at = inWindow(*grid_.viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
         };
         late_->setSingleShot(true);
