@@ -3,8 +3,8 @@
 // Windowing operations: drawing on a window or an image between StartGraph and EndGraph, printing between
 // StartPrint and EndPrint, and picture values.
 //
-// What is drawn on a window goes into a picture that stands behind its controls. EndGraph shows it; it stays
-// when the window is covered or shown again, and until `Clear`. Coordinates are pixels of the client area
+// What is drawn on a window goes into a picture that stands behind its controls. EndGraph brings it to the
+// screen; it stays when the window is covered or shown again, and until `Clear`. Coordinates are pixels of the client area
 // from the origin of StartGraph, on a printer dots of the printable area.
 //
 // Fonts and colours are the object's own when drawing starts. What is set meanwhile holds for the drawing

@@ -18,7 +18,7 @@ public:
     }
     ~SurfaceCanvas() override { SurfaceCanvas::finish(); }
     bool finish() override {
-        painter_.end();
+        if (painter_.isActive()) painter_.end();
         if (widget_ == nullptr) return true;
         widget_->drawing_ = false;
         widget_->update();
