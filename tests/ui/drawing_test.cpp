@@ -126,7 +126,9 @@ protected:
         return top()->grab().toImage().convertToFormat(QImage::Format_RGB32);
     }
     static int at(int x, int y) {
-        const QRgb pixel = seen().pixel(x, y);
+        const QImage image = seen();
+        const qreal ratio = image.devicePixelRatio();
+        const QRgb pixel = image.pixel(static_cast<int>(x * ratio), static_cast<int>(y * ratio));
         return qBlue(pixel) << 16 | qGreen(pixel) << 8 | qRed(pixel);
     }
     template <class Widget>

@@ -197,6 +197,7 @@ public:
     GridPeer(Control& control, GridView& grid)
         : Peer(control, grid), grid_(grid), rows_(new GridModel(control, &grid)) {
         grid.setModel(rows_);
+        applyBars(grid, control);
         grid.setIconSize({20, 20});
         grid.setItemDelegate(new CellDelegate(&grid));
         grid.setHeaderHidden(true);

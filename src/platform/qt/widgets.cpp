@@ -101,6 +101,7 @@ public:
     RowsPeer(Control& control, RowsView& list)
         : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
         list.setModel(rows_);
+        applyBars(list, control);
         list.refreshed = [this] { late_->now(); };
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
         list.doubleClicked = [this](QPoint at) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/edit/textarea.h"
 
+#include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
 
 #include <QAction>
@@ -37,16 +38,18 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     applyColours();
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
-            this, [this](int, int type, const char*, int bytes) {
-                if ((type & SC_MOD_INSERTCHECK) != 0)
-                    checkInsertion(bytes);
-                else
-                    onModified();
+            this, [this](int position, int type, const char* text, int bytes) {
+                if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(bytes);
+                if ((type & SC_MOD_BEFOREINSERT) != 0) tellInsertion(*this, position, text, bytes);
+                if ((type & SC_MOD_BEFOREDELETE) != 0) tellRemoval(*this, position, bytes);
+                onModified();
             });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
     connect(this, &TextArea::SCN_UPDATEUI, this, [this](int what) {
         if ((what & SC_UPDATE_CONTENT) != 0) applyNumberBar();
-        if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) != 0) emit moved();
+        if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) == 0) return;
+        tellCaret(*this);
+        emit moved();
     });
     connect(this, &TextArea::SCN_SAVEPOINTLEFT, this, [this] { emit moved(); });
     connect(this, &TextArea::SCN_SAVEPOINTREACHED, this, [this] { emit moved(); });
