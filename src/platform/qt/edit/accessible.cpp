@@ -317,10 +317,10 @@ void tellCaret(TextArea& area) {
     QAccessible::updateAccessibility(&event);
 }
 
-void tellInsertion(TextArea& area, int position, const char* bytes, int count) {
-    if (!Listener::here() || bytes == nullptr || count <= 0) return;
+void tellInsertion(TextArea& area, int position, int count) {
+    if (!Listener::here()) return;
     QAccessibleTextInsertEvent event(&area, offsetOf(area, position),
-                                     unitsOf({bytes, static_cast<std::size_t>(count)}));
+                                     unitsOf(bytesOf(area, position, position + count)));
     QAccessible::updateAccessibility(&event);
 }
 

@@ -18,10 +18,10 @@ class TextArea;
 // A factory for the toolkit; null for what is no text area.
 QAccessibleInterface* makeTextAccessible(const QString& kind, QObject* object);
 
-// Tells a screen reader, if there is one. The caret or the selection has moved; bytes will be put in at a
-// position, or taken out from there, of which the text still knows nothing.
+// Tells a screen reader, if there is one: the caret or the selection has moved, bytes were put in at a position,
+// or will be taken out from there.
 void tellCaret(TextArea& area);
-void tellInsertion(TextArea& area, int position, const char* bytes, int count);
+void tellInsertion(TextArea& area, int position, int count);
 void tellRemoval(TextArea& area, int position, int count);
 
 }  // namespace tarn::platform::qt

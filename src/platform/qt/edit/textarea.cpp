@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tarn::platform::qt {
 
@@ -38,16 +39,18 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     applyColours();
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
-            this, [this](int position, int type, const char* text, int bytes) {
+            this, [this](int position, int type, const char*, int bytes) {
                 if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(bytes);
-                if ((type & SC_MOD_BEFOREINSERT) != 0) tellInsertion(*this, position, text, bytes);
+                tellReader();
                 if ((type & SC_MOD_BEFOREDELETE) != 0) tellRemoval(*this, position, bytes);
+                if ((type & SC_MOD_BEFOREINSERT) != 0) added_ = {position + 1, bytes};
                 onModified();
             });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
     connect(this, &TextArea::SCN_UPDATEUI, this, [this](int what) {
         if ((what & SC_UPDATE_CONTENT) != 0) applyNumberBar();
         if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) == 0) return;
+        tellReader();
         tellCaret(*this);
         emit moved();
     });
@@ -150,6 +153,7 @@ void TextArea::setBytes(std::string_view text) {
     adoptLineEnd(text);
     marked_ = false;
     setting_ = false;
+    tellReader();
     changed_ = false;
     applyNumberBar();
     emit moved();
@@ -171,6 +175,7 @@ void TextArea::select(int start, int length) {
     const long first = send(SCI_GETFIRSTVISIBLELINE), shown = std::max(send(SCI_LINESONSCREEN), 1L);
     if (line < first || line >= first + shown) send(SCI_SETFIRSTVISIBLELINE, std::max(0L, line - shown / 3));
     sendBytes(SCI_SCROLLRANGE, to, reinterpret_cast<const char*>(static_cast<std::intptr_t>(from)));
+    tellCaret(*this);  // the control itself tells only when it paints
 }
 
 void TextArea::replaceSelection(std::string_view text) {
@@ -220,6 +225,12 @@ void TextArea::setModified(bool modified) {
     emit moved();
 }
 
+// What was put in can be read only when it is in.
+void TextArea::tellReader() {
+    const Selection added = std::exchange(added_, Selection());
+    if (added.length > 0) tellInsertion(*this, added.start - 1, added.length);
+}
+
 void TextArea::onModified() {
     if (setting_ || changed_) return;
     changed_ = true;
@@ -228,6 +239,7 @@ void TextArea::onModified() {
 }
 
 void TextArea::flush() {
+    tellReader();
     if (!changed_) return;
     changed_ = false;
     emit edited();
