@@ -11,9 +11,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -294,6 +296,26 @@ Processes* useProcesses(Processes* processes) {
     Processes* const before = inForce;
     inForce = processes;
     return before;
+}
+
+std::vector<RunningProcess> runningProcesses() {
+    std::vector<RunningProcess> list;
+    DIR* const folder = ::opendir("/proc");
+    if (folder == nullptr) return list;
+    while (const dirent* const entry = ::readdir(folder)) {
+        int id = 0;
+        const char* const end = entry->d_name + std::strlen(entry->d_name);
+        const auto [at, error] = std::from_chars(entry->d_name, end, id);
+        std::string name;
+        if (error != std::errc() || at != end) continue;
+        if (readFile("/proc/" + std::to_string(id) + "/comm", name) != FileError::None)
+            continue;  // it has gone
+        if (name.ends_with('\n')) name.pop_back();
+        list.push_back({id, std::move(name)});
+    }
+    ::closedir(folder);
+    std::sort(list.begin(), list.end(), [](const auto& a, const auto& b) { return a.id < b.id; });
+    return list;
 }
 
 }  // namespace tarn::os

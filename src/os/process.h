@@ -60,6 +60,13 @@ public:
 Processes& processes();
 Processes* useProcesses(Processes* processes);  // returns the one before; null means the real one
 
+struct RunningProcess {
+    int id = 0;
+    std::string name;  // of its program, at most 15 characters
+};
+// All processes of the machine that this user may see, by number. Cost: a file read for each.
+std::vector<RunningProcess> runningProcesses();
+
 // Full path of this program as it was called (links not followed); where that cannot be told, with links
 // followed.
 std::string executablePath();

@@ -118,6 +118,10 @@ enum EditFlag : int {
 }  // namespace constants
 using namespace constants;
 
+// The objects of the system, which are always there: their types are Screen, Printer and Clipboard. A printer
+// other than the default one has a number (see PrinterList).
+inline const Object Sysscreen("Sysscreen"), Sysprinter("Sysprinter"), Sysclipboard("Sysclipboard");
+
 // A window function: true means handled or, for CLOSE_EVENT, veto. A key that is handled goes no further.
 // `parameter` is told beside each event; for a COMMAND_EVENT that came through `Command` it is 1 and
 // `commandText()` (windowing.h) holds the text, otherwise 0.
@@ -135,10 +139,6 @@ struct Selection {
     int length = 0;  // bytes
 };
 
-struct Bounds {
-    int lower = 0, upper = -1;
-};
-
 struct Font {
     std::string name;  // empty: the desktop's (a fixed-width one in edit windows)
     int size = 0;      // points; 0: the desktop's
@@ -148,9 +148,54 @@ struct Font {
 
 enum class BoxIcon { None, Information, Question, Warning, Error };
 
+// A picture value: what it measures, in pixels, and the handle by which the program knows it; 0 is none.
+struct Picture {
+    int width = 0, height = 0, handle = 0;
+    friend bool operator==(const Picture&, const Picture&) = default;
+};
+
+// What a rectangle keeps to while the user drags it, in pixels.
+struct TrackLimits {
+    int handle = 4;               // how wide the edges are by which it is resized
+    int width = 12, height = 12;  // the smallest size
+    int step = 1;                 // of the grid
+};
+
+struct PrintChoice {
+    Object printer;        // empty: the dialog was cancelled
+    int flags = 0;         // PRINT_SELECTION: the selection alone
+    int from = 0, to = 0;  // pages; 0: all
+    int copies = 1;
+};
+
+struct Process {
+    int id = 0;
+    std::string name;
+};
+
+struct CommTimeouts {
+    int read = 1000, write = 1000;  // milliseconds
+};
+
 }  // namespace types
 
 namespace constants {
+enum ShapeKind : int {
+    RECTANGLE_SHAPE = 0,
+    ROUNDRECTANGLE_SHAPE = 1,
+    ELLIPSE_SHAPE = 2,
+    HORIZONTALLINE_SHAPE = 3,
+    VERTICALLINE_SHAPE = 4,
+};
+
+enum TrackMode : int { TRACK_NEW = 0, TRACK_MOVE = 1 };
+
+enum PrintFlag : int { PRINT_SELECTION = 32 };
+
+enum PrinterStatus : int { PRINTER_READY = 0, PRINTER_BUSY = 1, PRINTER_STOPPED = 2 };
+
+enum CommError : int { COMM_OVERRUN = 1, COMM_PARITY = 2, COMM_FRAMING = 4, COMM_BREAK = 8 };
+
 enum Unit : int {
     WINDOW_UNIT =
         0,  // the frame, in screen pixels (a window); the control's rectangle in its window (a control)
@@ -164,10 +209,15 @@ inline constexpr Code Ok = 0;
 inline constexpr Code WindowNotLoaded = 702;
 inline constexpr Code NoSuchProperty = 703;
 inline constexpr Code NotAControlArray = 707;
+inline constexpr Code GraphicsNotStarted = 709;
 inline constexpr Code BitmapInvalid = 710;
 inline constexpr Code WindowNotInResources = 721;
 inline constexpr Code ControlNotInResources = 723;
 inline constexpr Code ControlInvalid = 727;
+inline constexpr Code FileNotWritten = 652;
+inline constexpr Code PrinterNotReady = 922;
+inline constexpr Code PrinterFailed = 923;
+inline constexpr Code PrintNotStarted = 924;
 
 template <class T>
 struct Answer {

@@ -190,6 +190,17 @@ std::string RegGetSetting(const std::string& key, const std::string& name) {
     return found != nullptr ? found->value : std::string();
 }
 
+RegInfo RegGetSettingInfo(const std::string& key, const std::string& name) {
+    Registry registry;
+    load(registry);
+    const Line* const found = findSetting(registry, keyOf(key), name);
+    if (found == nullptr) return {};
+    std::string_view digits = found->value;
+    if (digits.starts_with('-') || digits.starts_with('+')) digits.remove_prefix(1);
+    const bool number = !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
+    return {true, static_cast<std::int64_t>(found->value.size()), number};
+}
+
 std::string RegSaveSetting(const std::string& key, const std::string& name, const std::string& value) {
     const std::string wanted = keyOf(key);
     if (!isKey(wanted)) return "The key of a setting must be a name in one line.";

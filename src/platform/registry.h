@@ -17,9 +17,20 @@
 // death of the process, not that of the machine.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace tarn::platform {
+
+namespace types {
+// What is known of a value.
+struct RegInfo {
+    bool exists = false;
+    std::int64_t length = 0;  // bytes
+    bool number = false;      // a whole decimal number, with a sign or without
+};
+}  // namespace types
+using namespace types;
 
 // Whether the key, or one below it, is in the registry.
 bool RegKeyExists(const std::string& key);
@@ -37,5 +48,6 @@ std::string RegGetAllSections(const std::string& key);
 // The values of `key`, one a line in the form name=value as they stand in the file (escaped, so that each is
 // one line).
 std::string RegGetAllSettings(const std::string& key);
+RegInfo RegGetSettingInfo(const std::string& key, const std::string& name);
 
 }  // namespace tarn::platform

@@ -90,7 +90,7 @@ protected:
     }
     static void open(const Object& window) {
         ASSERT_EQ(Load(window), Ok);
-        ASSERT_EQ(Show(window, false), Ok);
+        ASSERT_EQ(Show(window, false).code, Ok);
         DoEvents();
     }
     static QWidget* frame(const Object& window) {

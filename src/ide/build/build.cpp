@@ -124,7 +124,7 @@ bool UPDATEERRORWINDOW(const std::string& compilerDir) {
         if (IsLoaded(ViewDlg)) SetText(ViewDlg, "");
         return true;
     }
-    VIEWDIALOG("View Errors", file, GetFont(SDIEdit));
+    VIEWDIALOG("View Errors", file, GetFontName(SDIEdit), GetFontSize(SDIEdit));
     return false;
 }
 

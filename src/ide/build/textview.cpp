@@ -108,7 +108,8 @@ bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
     return result;
 }
 
-void VIEWDIALOG(const std::string& title, const std::string& file, const Font& font) {
+void VIEWDIALOG(const std::string& title, const std::string& file, const std::string& fontName,
+                int fontSize) {
     FRAME(VIEWDIALOG);
     STAMP();
     if (!IsLoaded(ViewDlg)) Load(ViewDlg);
@@ -117,7 +118,8 @@ void VIEWDIALOG(const std::string& title, const std::string& file, const Font& f
     if (FileSize(file) >= 0) LOADFILE(file, text);
     STAMP();
     SetCaption(ViewDlg, title);
-    SetFont(ViewDlg, font);
+    SetFontName(ViewDlg, fontName);
+    SetFontSize(ViewDlg, fontSize);
     SetText(ViewDlg, text);
     STAMP();
     SetSelection(ViewDlg, 1, 0);

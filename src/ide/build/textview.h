@@ -11,6 +11,6 @@
 namespace tarn {
 
 bool VIEWDLG(const Object& window, int event, const Object& control, int parameter);
-void VIEWDIALOG(const std::string& title, const std::string& file, const Font& font);
+void VIEWDIALOG(const std::string& title, const std::string& file, const std::string& fontName, int fontSize);
 
 }  // namespace tarn

@@ -18,8 +18,10 @@ namespace tarn {
 void DO_ERRORS() {
     FRAME(DO_ERRORS);
     STAMP();
-    if (IsLoaded(ViewDlg)) return Show(ViewDlg, false);
-    VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFont(SDIEdit));
+    if (IsLoaded(ViewDlg))
+        Show(ViewDlg, false);
+    else
+        VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFontName(SDIEdit), GetFontSize(SDIEdit));
 }
 
 void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object& menuItem) {

@@ -79,7 +79,9 @@ void DO_WINDOW_WINDOWS() {
     if (chosen.empty()) return;
     for (const Object& window : WindowList()) {
         STAMP();
-        if (GetVisible(window) && GetCaption(window) == chosen) return Show(window, false);
+        if (!GetVisible(window) || GetCaption(window) != chosen) continue;
+        Show(window, false);
+        return;
     }
 }
 

@@ -150,8 +150,7 @@ constexpr Row rows[] = {
 
 bool inArrayOf(const Object& control, const Object& first) {
     if (first.empty() || control.window() != first.window()) return false;
-    const Bounds bounds = ControlBounds(first);
-    const Object last = ControlElement(first, bounds.upper);
+    const Object last = ControlElement(first, ControlUbound(first));
     return control.number() >= first.number() && control.number() <= last.number();
 }
 

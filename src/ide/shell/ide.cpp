@@ -31,15 +31,21 @@ namespace tarn {
 
 namespace {
 
+// Whether the copy that runs has taken the file; one that is on its way out, or busy for long, has not.
+bool taken(const OtherControl& other, const std::string& file) {
+    ClearError();  // the error that brought us here, so that the command's own can be seen
+    Command(other.window, other.control, file);
+    return ErrorCell() == 0;
+}
+
 // Gives the file of the command line to the copy that runs, or says why not.
 void handOver() {
-    const std::string file = GETCOMMANDLINEFILE();
+    const std::string file = GETCOMMANDLINEFILE(), reason = ErrorDetails();
     if (IsLoaded(Main)) SetCaption(Main, "");  // so that the search cannot find this copy
     const OtherControl found = FINDOTHERCONTROL(os::executablePath(), GETMAINCAPTIONSTR(), "File_Open");
-    if (found.window && found.control != 0) {
+    if (found.window != 0 && found.control != 0) {
         const bool content = FileSize(file) > 0;
-        if (content && CommandOtherWindow(found.windowClass, GETMAINCAPTIONSTR(), found.control, file))
-            return;
+        if (content && taken(found, file)) return;
         if (!content && !file.empty()) {
             Sound();
             MsgBox("Error",
@@ -50,7 +56,7 @@ void handOver() {
         }
     }
     Sound();
-    MsgBox("Error 807", ErrorDetails(), "OK", BoxIcon::Error);
+    MsgBox("Error 807", reason, "OK", BoxIcon::Error);
 }
 
 bool mayContinue(std::int32_t code) {
@@ -228,9 +234,9 @@ void noteUndoItems() {
     SetText(store, "");
     const Object first = MAINCONTROL("edit_undo_01");
     Assert(isMenuitem(first), "Edit-Undo is not a valid menuitem");
-    const Bounds bounds = ControlBounds(first);
-    Assert(bounds.lower == 1 && bounds.upper == undoItems,
-           "Edit-Undo array does not have the correct range: " + STR(bounds.lower) + " " + STR(bounds.upper));
+    const int lower = ControlLbound(first), upper = ControlUbound(first);
+    Assert(lower == 1 && upper == undoItems,
+           "Edit-Undo array does not have the correct range: " + STR(lower) + " " + STR(upper));
     int handles[undoItems] = {};
     for (int i = 1; i <= undoItems; i++) {
         const Object item = ControlElement(first, i);
@@ -371,10 +377,10 @@ void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
     FRAME(POPULATEMENUITEMS);
     STAMP();
     checkUndoItems();
-    while (ControlBounds(menuArray).upper > 1) RemoveMenuitem(ControlElement(menuArray, 2));
+    if (const int last = ControlUbound(menuArray); last > 1)
+        RemoveMenuitems(ControlElement(menuArray, 2), ControlElement(menuArray, last));
     STAMP();
-    Assert(ControlBounds(menuArray).lower == 1 && ControlBounds(menuArray).upper == 1 &&
-           isMenuitem(menuArray));
+    Assert(ControlLbound(menuArray) == 1 && ControlUbound(menuArray) == 1 && isMenuitem(menuArray));
     STAMP();
     if (items.empty()) {
         SetCaption(menuArray, " ------ No backups ------ ");
@@ -404,8 +410,7 @@ void enable(std::string_view control, bool on) {
 
 void enableCommands(bool programIsClass, bool codeIsClass) {
     const Object program = MAINCONTROL("program_add_dialog");
-    const Bounds bounds = ControlBounds(program);
-    for (int i = bounds.lower; i <= bounds.upper; i++) {
+    for (int i = ControlLbound(program); i <= ControlUbound(program); i++) {
         const Object item = ControlElement(program, i);
         if (isMenuitem(item)) SetEnabled(item, programIsClass && HASHANDLER(GetName(item)));
     }

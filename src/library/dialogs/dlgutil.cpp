@@ -33,9 +33,8 @@ OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& 
                               const std::string& control) {
     FRAME(FINDOTHERCONTROL);
     OtherControl found;
-    found.windowClass = WindowClassName("Dialog");
     STAMP();
-    found.window = FindOtherWindow(found.windowClass, caption);
+    found.window = FindWindowHandle(WindowClassName("Dialog"), caption);
     found.control = GETVISUALOBJECTINFO(executable, control);
     return found;
 }

@@ -18,9 +18,8 @@ int GETVISUALOBJECTINFO(const std::string& resourceFile, const std::string& dial
 int GETVISUALOBJECTINFO(const std::string& executable, const std::string& control);
 
 struct OtherControl {
-    bool window = false;      // another copy has a window of that caption
-    std::string windowClass;  // its class
-    int control = 0;          // the control's number, 0 if it has none of that name
+    int window = 0;   // the handle of the window with that caption; 0 if no other copy has one
+    int control = 0;  // the control's number, 0 if it has none of that name
 };
 // The window of another running copy of the program `executable` by its caption, and a control of its dialog
 // Main.

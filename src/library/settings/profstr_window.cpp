@@ -113,21 +113,20 @@ std::string positionText(const Object& window, std::string_view old) {
 }
 
 void loadFont(const Object& window, std::string_view text, std::string_view section) {
-    Font font;
-    font.name = ini::get(text, section, "_Fontname");
-    font.size = number(ini::get(text, section, "_Fontsize"));
-    if (font.name.empty() || font.size == 0) return;
-    font.bold = ini::get(text, section, "_Fontbold") == "1";
-    font.italic = ini::get(text, section, "_Fontitalic") == "1";
-    SetFont(window, font);
+    const std::string_view name = ini::get(text, section, "_Fontname");
+    const int size = number(ini::get(text, section, "_Fontsize"));
+    if (name.empty() || size == 0) return;
+    SetFontName(window, name);
+    SetFontSize(window, size);
+    SetFontBold(window, ini::get(text, section, "_Fontbold") == "1");
+    SetFontItalic(window, ini::get(text, section, "_Fontitalic") == "1");
 }
 
 void storeFont(const Object& window, std::string& text, std::string_view section) {
-    const Font font = GetFont(window);
-    ini::put(text, section, "_Fontbold", font.bold ? "1" : "0");
-    ini::put(text, section, "_Fontitalic", font.italic ? "1" : "0");
-    ini::put(text, section, "_Fontname", font.name);
-    ini::put(text, section, "_Fontsize", STR(font.size));
+    ini::put(text, section, "_Fontbold", GetFontBold(window) ? "1" : "0");
+    ini::put(text, section, "_Fontitalic", GetFontItalic(window) ? "1" : "0");
+    ini::put(text, section, "_Fontname", GetFontName(window));
+    ini::put(text, section, "_Fontsize", STR(GetFontSize(window)));
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Windowing operations: common dialogs, and what belongs to the program or the desktop as a whole.
-#include "platform/windowing.h"
+// Common dialogs.
+#include "platform/operations/dialogs.h"
 
 #include "os/files.h"
-#include "platform/model/state.h"
+#include "platform/model/access_internal.h"
+#include "platform/text.h"
 
-#include <sys/utsname.h>
+#include <algorithm>
+#include <cstdio>
 
 namespace tarn::platform {
 
@@ -58,8 +60,6 @@ std::string askFile(Question::Kind kind, const std::string& title, const std::st
     question.filter = filter;
     return view().ask(question);
 }
-
-int trace = 0, userBreak = 0;
 
 }  // namespace
 
@@ -118,72 +118,108 @@ std::string OpenFolderDialog(const std::string& title, const std::string& start)
     return askFile(Question::Kind::Folder, title, start, "");
 }
 
-void Sound() {
-    view().sound();
-}
-void PlaySound(const std::string& wavFile) {
-    view().playSound(wavFile);
+// ---- fonts, colours, printers ----
+//
+// What is chosen comes from the view as a text: "name TAB points TAB b i" of a font, "0xBBGGRR" of a colour,
+// "printer TAB selection TAB from TAB to TAB copies" of a printer, where a part that is left out is as offered.
+
+namespace {
+
+Code checkOwner(const Object& owner) {
+    return owner.empty() || findWindow(owner) != nullptr ? Ok : WindowNotLoaded;
 }
 
-std::string SystemInfo() {
-    utsname names{};
-    std::string text;
-    if (os::readFile("/etc/os-release", text) == os::FileError::None)
-        for (const std::string& line : linesOf(text))
-            if (line.starts_with("PRETTY_NAME=\"") && line.ends_with('"'))
-                return line.substr(13, line.size() - 14);
-    return ::uname(&names) == 0 ? names.sysname : "Linux";
+std::vector<std::string_view> partsOf(std::string_view text) {
+    std::vector<std::string_view> parts;
+    for (bool more = true; more;) {
+        const std::size_t tab = text.find('\t');
+        parts.push_back(text.substr(0, tab));
+        more = tab != std::string_view::npos;
+        text.remove_prefix(more ? tab + 1 : text.size());
+    }
+    return parts;
 }
 
-Answer<std::int64_t> DiskSpace(const std::string& folder) {
-    const std::string path = os::native(folder);
-    std::int64_t bytes = 0;
-    if (!os::infoOf(path).folder || os::files().freeSpace(path, bytes) != os::FileError::None)
-        return {-1, Ok};
-    return {bytes, Ok};
+std::string fontText(const Font& font) {
+    return font.name + "\t" + std::to_string(font.size) + "\t" + (font.bold ? "b" : "") +
+           (font.italic ? "i" : "");
 }
 
-void AppIcon(const std::string& file) {
-    view().setIcon(file);
+Font fontOf(std::string_view text, Font font) {
+    const std::vector<std::string_view> parts = partsOf(text);
+    font.name = parts[0];
+    if (parts.size() > 1) font.size = std::max(leadingNumber(parts[1]), 0);
+    if (parts.size() > 2) {
+        font.bold = parts[2].find('b') != std::string_view::npos;
+        font.italic = parts[2].find('i') != std::string_view::npos;
+    }
+    return font;
 }
 
-void SetBusy(bool busy) {
-    int& depth = state().busy;
-    if (!busy && depth == 0) return;
-    depth += busy ? 1 : -1;
-    if (depth == (busy ? 1 : 0)) view().setBusy(busy);
+PrintChoice choiceOf(std::string_view text, int offered) {
+    const std::vector<std::string_view> parts = partsOf(text);
+    const auto number = [&](std::size_t part, int otherwise) {
+        return part < parts.size() && !parts[part].empty() ? std::max(leadingNumber(parts[part]), 0)
+                                                           : otherwise;
+    };
+    PrintChoice choice;
+    choice.printer = printerObject(std::string(parts[0]));
+    const bool selection = parts.size() > 1 && parts[1] == "selection";
+    choice.flags = selection ? offered & PRINT_SELECTION : 0;
+    choice.from = number(2, 0);
+    choice.to = number(3, 0);
+    choice.copies = std::max(number(4, 1), 1);
+    return choice;
 }
 
-void SetTimer(const Object& owner, int milliseconds) {
-    if (Control* const control = findControl(owner)) view().setTimer(*control, std::max(milliseconds, 0));
+}  // namespace
+
+Answer<Font> FontDialog(const Object& owner, const Font& font) {
+    if (const Code code = checkOwner(owner); code != Ok) return {font, code};
+    Question question;
+    question.kind = Question::Kind::Font;
+    question.title = "Font";
+    question.value = fontText(font);
+    const std::string answer = view().ask(question);
+    return {answer.empty() ? font : fontOf(answer, font), Ok};
 }
 
-bool OpenUrl(const std::string& url) {
-    return view().openUrl(url);
+Answer<int> ColourDialog(const Object& owner, int colour) {
+    if (const Code code = checkOwner(owner); code != Ok) return {colour, code};
+    Question question;
+    question.kind = Question::Kind::Colour;
+    question.title = "Colour";
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%06X", static_cast<unsigned>(colour) & 0xFFFFFFU);
+    question.value = text;
+    const auto chosen = wholeNumber(view().ask(question));
+    return {chosen ? *chosen & 0xFFFFFF : colour, Ok};
 }
-void ShowToolProgress(const std::string& text) {
-    view().toolProgress(text);
+
+Answer<PrintChoice> PrintDialog(const Object& owner, int flags) {
+    if (const Code code = checkOwner(owner); code != Ok) return {{}, code};
+    Question question;
+    question.kind = Question::Kind::Print;
+    question.title = "Print";
+    question.rows = view().printers();
+    question.value = (flags & PRINT_SELECTION) != 0 ? "\tselection" : "";
+    const std::string answer = view().ask(question);
+    return {answer.empty() ? PrintChoice() : choiceOf(answer, flags), Ok};
 }
-bool ToolStopPressed() {
-    return view().toolStopPressed();
+
+// ---- help ----
+
+void SetHelpViewer(HelpViewer viewer) {
+    state().helpViewer = viewer;
 }
-void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines) {
-    view().showSplash(pictureFile, lines);
-}
-void CloseSplash() {
-    view().closeSplash();
-}
-void SetTrace(int mode) {
-    trace = mode;
-}
-int GetTrace() {
-    return trace;
-}
-int GetUserBreak() {
-    return userBreak;
-}
-void SetUserBreak(int value) {
-    userBreak = value;
+
+bool HtmlHelpApi(const std::string& file, const std::string& key) {
+    if (state().helpViewer != nullptr && state().helpViewer(file, key)) return true;
+    const std::string path = os::native(file);
+    const std::string name = upper(path);
+    if (!name.ends_with(".HTM") && !name.ends_with(".HTML") && !name.ends_with(".XHTML")) return false;
+    if (os::sizeOf(path) < 0) return false;
+    return view().openUrl("file://" + path + (key.empty() ? "" : "#" + key));
 }
 
 }  // namespace tarn::platform

@@ -4,11 +4,13 @@
 #include "platform/model/state.h"
 
 #include "os/clock.h"
+#include "os/files.h"
 #include "os/process.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <poll.h>
+#include <utility>
 
 namespace tarn::platform {
 
@@ -16,6 +18,24 @@ namespace {
 
 constexpr int letterWidth = 6, letterHeight = 13;
 constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
+constexpr char filePrinter[] = "Print to file";
+
+// A document as plain text: the lines of each page, with a form feed between two pages.
+class TextDocument : public Canvas {
+public:
+    explicit TextDocument(std::string file) : file_(std::move(file)) {}
+    void line(int, int, int, int, Ink) override {}
+    void point(int, int, Ink) override {}
+    void shape(ShapeKind, const Rect&, Ink) override {}
+    void text(int, int, std::string_view line, const Font&, Ink) override { text_.append(line).append("\n"); }
+    void picture(const Rect&, const std::string&) override {}
+    void window(int, int, const Window&) override {}
+    bool newPage() override { return text_ += '\f', true; }
+    bool finish() override { return os::saveFile(file_, text_, os::Durability::Unsynced).ok(); }
+
+private:
+    std::string file_, text_;
+};
 
 struct Timer {
     int handle = 0, milliseconds = 0;
@@ -67,6 +87,28 @@ public:
     Rect screen() override { return {0, 0, 1920, 1080}; }
     int dpi() override { return 96; }
 
+    std::unique_ptr<Canvas> canvas(Control&) override { return nullptr; }
+    void wipe(Control&) override {}
+    Rect track(Window&, Track track) override {
+        const auto drag = std::exchange(state().drag, std::nullopt);
+        if (!drag) return track.start;
+        track.pressed = drag->first;
+        return tracked(track, drag->second);
+    }
+    Picture measured(std::string_view) override { return {}; }
+    std::string encoded(const std::string&, const std::string&) override { return {}; }
+    std::vector<std::string> printers() override { return {filePrinter}; }
+    PrinterStatus printerStatus(const std::string& printer) override {
+        return printer == filePrinter ? PRINTER_READY : PRINTER_STOPPED;
+    }
+    Paper paper(const std::string&) override { return {698, 1027, 794, 1123, 48, 48, 96, 96}; }  // A4
+    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document) override {
+        if (printer != filePrinter || document.empty()) return nullptr;
+        return std::make_unique<TextDocument>(os::native(document) + ".txt");
+    }
+    std::string clipboard() override { return clipboard_; }
+    void setClipboard(std::string_view text) override { clipboard_ = text; }
+
     void sound() override {}
     void playSound(const std::string&) override {}
     void setIcon(const std::string&) override {}
@@ -109,6 +151,7 @@ private:
 
     std::function<std::string(const Question&)> answer_;
     std::function<void()> idle_, ready_;
+    std::string clipboard_;
     int watched_ = -1;
     bool progress_ = false, stopped_ = false;  // of a tool
     std::vector<Timer> timers_;

@@ -5,7 +5,7 @@
 
 #include "os/files.h"
 #include "os/process.h"
-#include "platform/model/state.h"
+#include "platform/model/access_internal.h"
 #include "platform/text.h"
 
 #include <utility>
@@ -64,7 +64,7 @@ void endModal(int handle) {
     if (Window* const window = windowOfHandle(handle)) setShown(*window, false);
 }
 
-void waitModal(int handle) {
+int waitModal(int handle) {
     const auto ended = [handle] {
         const Window* const window = windowOfHandle(handle);
         return window == nullptr || !window->shown;
@@ -77,7 +77,10 @@ void waitModal(int handle) {
     if (busy > 0) view().setBusy(true);
     std::erase(state().modal, handle);
     if (Window* const window = windowOfHandle(handle)) window->modal = false;
+    const int result = state().results[handle];
+    state().results.erase(handle);
     runCommands();
+    return result;
 }
 
 }  // namespace
@@ -88,13 +91,17 @@ void RegisterWindow(const Object& object, WindowFunction function) {
 }
 
 Code Load(const Object& object) {
+    return Load(object, std::vector<std::string>());
+}
+
+Code Load(const Object& object, const std::vector<std::string>& values) {
     if (object.empty()) return WindowNotInResources;
     const Object window = object.owner();
     if (findWindow(window) != nullptr) return Ok;
     WindowTemplate from;
     if (applicationResources().empty()) return resourceFileMissing;
     if (!applicationResources().window(window.window(), from)) return WindowNotInResources;
-    return makeWindow(window, from, ApplicationResources());
+    return makeWindow(window, from, ApplicationResources(), values);
 }
 
 std::string Load(const Object& object, const std::string& file, const std::string& name) {
@@ -120,20 +127,20 @@ std::string Load(const Object& object, const std::string& file, const std::strin
     return "";
 }
 
-Code Show(const Object& object, bool modal) {
+Answer<int> Show(const Object& object, bool modal) {
     Window* const window = findWindow(object.owner());
-    if (window == nullptr || object.empty()) return WindowNotLoaded;
+    if (window == nullptr || object.empty()) return {0, WindowNotLoaded};
     const int handle = window->handle;
     const bool newModal = modal && !(window->modal && window->shown);
     if (newModal) {
         window->modal = true;
         state().modal.push_back(handle);
+        state().results[handle] = 0;
     }
     window->shown = window->visible = true;
     view().show(*window);
     if (windowOfHandle(handle) != nullptr) activate(*window);
-    if (newModal) waitModal(handle);
-    return Ok;
+    return {newModal ? waitModal(handle) : 0, Ok};
 }
 
 Code Hide(const Object& object) {
@@ -167,20 +174,14 @@ bool IsModal(const Object& object) {
 }
 
 Answer<bool> GetVisible(const Object& object) {
-    const Control* const control = findControl(object);
-    if (control == nullptr)
-        return {false, object.empty() || findWindow(object) != nullptr ? ControlInvalid : WindowNotLoaded};
-    return {object.isWindow() ? static_cast<const Window*>(control)->shown : control->visible, Ok};
+    return ask<bool>(object, [](const Control& c) {
+        return isWindowType(c.type) ? static_cast<const Window&>(c).shown : c.visible;
+    });
 }
 
 Code SetVisible(const Object& object, bool visible) {
-    if (object.isWindow()) return visible ? Show(object, false) : Hide(object);
-    Control* const control = findControl(object);
-    if (control == nullptr) return GetVisible(object).code;
-    if (control->visible == visible) return Ok;
-    control->visible = visible;
-    view().changed(*control, Property::Visible);
-    return Ok;
+    if (object.isWindow()) return visible ? Show(object, false).code : Hide(object);
+    return tell(object, Property::Visible, [&](Control& c) { return assign(c.visible, visible); });
 }
 
 Answer<int> GetWindowState(const Object& object) {
@@ -229,9 +230,21 @@ void QuitMainLoop() {
 
 // ---- commands ----
 
+namespace {
+
+Code commandElsewhere(int handle, int control, const std::string& text) {
+    const auto place = state().elsewhere.find(handle);
+    if (place == state().elsewhere.end()) return WindowNotLoaded;
+    const auto& [windowClass, caption] = place->second;
+    const bool sent = os::sendInstanceCommand(instanceName(), {windowClass, caption, control, text});
+    return sent ? Ok : WindowNotLoaded;
+}
+
+}  // namespace
+
 Code Command(int windowHandle, int control, const std::string& text) {
     const Window* const window = windowOfHandle(windowHandle);
-    if (window == nullptr) return WindowNotLoaded;
+    if (window == nullptr) return commandElsewhere(windowHandle, control, text);
     const Object object = window->object;
     if (findControl(Object(object.window(), control)) == nullptr) return ControlInvalid;
     send(object, control, text);
@@ -254,16 +267,13 @@ void runCommands() {
     }
 }
 
-bool FindOtherWindow(const std::string& windowClass, const std::string& caption) {
-    return windowWith(windowClass, caption) != nullptr ||
-           os::findInstanceWindow(instanceName(), windowClass, caption);
-}
-
-bool CommandOtherWindow(const std::string& windowClass, const std::string& caption, int control,
-                        const std::string& text) {
-    if (const Window* const window = windowWith(windowClass, caption))
-        return Command(window->handle, control, text) == Ok;
-    return os::sendInstanceCommand(instanceName(), {windowClass, caption, control, text});
+int FindWindowHandle(const std::string& windowClass, const std::string& caption) {
+    if (const Window* const window = windowWith(windowClass, caption)) return window->handle;
+    if (!os::findInstanceWindow(instanceName(), windowClass, caption)) return 0;
+    const std::pair wanted(windowClass, caption);
+    for (const auto& [handle, name] : state().elsewhere)
+        if (name == wanted) return handle;
+    return state().elsewhere.emplace(newHandle(), wanted).first->first;
 }
 
 std::string WindowClassName(std::string_view typeWord) {
@@ -275,6 +285,20 @@ std::string WindowClassName(std::string_view typeWord) {
 std::vector<Object> WindowList() {
     std::vector<Object> list;
     for (const auto& window : state().windows) list.push_back(window->object);
+    return list;
+}
+
+std::vector<std::string> ApplicationList() {
+    std::vector<std::string> captions;
+    for (const auto& window : state().windows)
+        if (window->shown && !window->caption.empty()) captions.push_back(window->caption);
+    return captions;
+}
+
+std::vector<Process> ProcessList() {
+    std::vector<Process> list;
+    for (os::RunningProcess& process : os::runningProcesses())
+        list.push_back({process.id, std::move(process.name)});
     return list;
 }
 
@@ -306,6 +330,21 @@ Object ActiveWindow() {
     const std::vector<int>& order = state().activation;
     const Window* const window = order.empty() ? nullptr : windowOfHandle(order.back());
     return window == nullptr || !window->shown ? Object() : window->object;
+}
+
+Answer<int> GetHandle(const Object& object) {
+    return ask<int>(object, [](const Control& c) { return c.handle; });
+}
+
+Answer<WindowFunction> GetFuncptr(const Object& object) {
+    const Window* const window = findWindow(object);
+    return window == nullptr ? Answer<WindowFunction>{nullptr, WindowNotLoaded}
+                             : Answer<WindowFunction>{window->function, Ok};
+}
+
+Answer<std::string> GetName(const Object& object) {
+    return ask<std::string>(
+        object, [](const Control& c) { return isWindowType(c.type) ? c.object.window() : c.name; });
 }
 
 std::string GetTypeof(const Object& object) {

@@ -189,7 +189,8 @@ void numberArrays(Window& window) {
     for (const auto& item : window.menuItems) number(*item);
 }
 
-Code makeWindow(const Object& object, const WindowTemplate& from, const std::string& file) {
+Code makeWindow(const Object& object, const WindowTemplate& from, const std::string& file,
+                const std::vector<std::string>& values) {
     auto made = std::make_unique<Window>();
     Window& window = *made;
     fill(window, object, from.window);
@@ -203,6 +204,7 @@ Code makeWindow(const Object& object, const WindowTemplate& from, const std::str
         fill(*window.menuItems.emplace_back(std::make_unique<Control>()), object, item);
     numberArrays(window);
     place(window);
+    putValues(window, values);
     state().windows.push_back(std::move(made));
     const std::vector<TextOf> texts = textsOf(window);
     view().load(window);

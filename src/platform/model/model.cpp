@@ -28,7 +28,8 @@ Window* findWindow(const Object& object) {
 
 Control* findControl(const Object& object) {
     Window* const window = object.empty() ? nullptr : findWindow(object);
-    if (window == nullptr || object.isWindow()) return window;
+    if (window == nullptr) return findSystem(object);
+    if (object.isWindow()) return window;
     for (const auto* controls : {&window->controls, &window->menuItems})
         for (const auto& control : *controls)
             if (control->object.number() == object.number()) return control.get();
@@ -67,7 +68,9 @@ bool sendEvent(const Object& object, int event, const Object& sender, int parame
     if (window == nullptr || window->function == nullptr) return false;
     const WindowFunction function = window->function;
     ++state().depth;
+    if (event == COMMAND_EVENT) state().commanding.push_back(sender);
     const bool handled = function(object, event, sender, parameter);
+    if (event == COMMAND_EVENT) state().commanding.pop_back();
     --state().depth;
     runCommands();
     return handled;
@@ -130,6 +133,14 @@ void activateNext(bool raise) {
     }
 }
 
+// The control whose command ends a modal window is the window's answer.
+void noteResult(const Window& window) {
+    const auto place = state().results.find(window.handle);
+    if (place == state().results.end() || state().commanding.empty()) return;
+    const Object& sender = state().commanding.back();
+    if (sender.owner() == window.object) place->second = sender.number();
+}
+
 }  // namespace
 
 void setShown(Window& window, bool shown) {
@@ -138,6 +149,7 @@ void setShown(Window& window, bool shown) {
     const bool modal = window.modal;
     window.shown = window.visible = shown;
     if (shown) return;
+    noteResult(window);
     std::erase(state().activation, window.handle);
     view().hide(window);
     if (wasActive) activateNext(modal);

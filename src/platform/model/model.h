@@ -7,12 +7,14 @@
 #include "platform/model/view.h"
 #include "platform/object.h"
 
-#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::platform {
+
+struct Graph;
 
 struct Row {
     std::string text, picture;
@@ -49,15 +51,16 @@ public:
     Rect units;                // as in the resource file, resource units
     Font font;
     int foreColour = -1, backColour = -1;  // 0xBBGGRR, -1: the desktop's
+    std::shared_ptr<Graph> graph;          // while it is drawn on; see graph_internal.h
     void* widget = nullptr;                // the view's
 };
 
 class Window : public Control {
 public:
     WindowFunction function = nullptr;
-    std::vector<std::unique_ptr<Control>> controls;   // in the order of the resource file
-    std::vector<std::unique_ptr<Control>> menuItems;  // in order; `level` tells the nesting
-    std::map<std::string, std::string> values;        // named values
+    std::vector<std::unique_ptr<Control>> controls;           // in the order of the resource file
+    std::vector<std::unique_ptr<Control>> menuItems;          // in order; `level` tells the nesting
+    std::vector<std::pair<std::string, std::string>> values;  // named values, in the order of their setting
     // Limits of the client area's size, pixels; 0 is none. x and y of the largest one are where a maximised
     // window goes.
     Rect minimum_, maximum_;
@@ -79,12 +82,16 @@ void userCommand(Control& control);           // pressed, picked
 void userChange(Control& control);            // edits: after the TextStore changed
 void userValue(Control& control, int value);  // check box, radio button, scroll bar
 void userRow(Control& control, int row);      // list or combo box selection
+// The mouse: places are pixels of the window's client area. True: handled, the view does nothing more with it.
+bool userMouseDown(Control& control, int x, int y);
 void userDoubleClick(Control& control, int x, int y);
+bool userInfo(Control& control, int x, int y);  // a right click
+// Where the mouse goes from and to at the next TrackRect of a view without a screen.
+void userDrag(Point pressed, Point released);
 bool userKey(Window& window, Control* focus, int key);  // true: handled, goes no further
 void userClose(Window& window);                         // the window's close button
 void userActivate(Window& window);
 void userMoved(Window& window, const Rect& frame, int state);
-void userInfo(Control& control, int x, int y);
 void timerFired(Control& owner);
 
 // What is going on, for views and for whoever plays the user.

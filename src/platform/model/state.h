@@ -14,6 +14,8 @@
 
 #include <deque>
 #include <functional>
+#include <map>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -29,6 +31,14 @@ struct State {
     std::vector<int> activation;               // handles of the windows that were active, the active one last
     std::deque<os::InstanceCommand> commands;  // of later copies, not yet run
     Object main;                               // set by MainLoop
+    std::map<Type, std::unique_ptr<Control>> system;  // screen and clipboard, once asked for
+    std::vector<std::unique_ptr<Control>> printers;   // by number, from 1
+    std::map<int, std::pair<std::string, std::string>>
+        elsewhere;                   // class and caption of other copies' windows
+    std::map<int, int> results;      // of the windows that are shown modally, by handle
+    std::vector<Object> commanding;  // senders of the COMMAND_EVENTs being handled, the innermost last
+    HelpViewer helpViewer = nullptr;
+    std::optional<std::pair<Point, Point>> drag;  // of the next TrackRect; see userDrag
     std::string commandText;
     int lastHandle = 0;
     int depth = 0, waiting = 0, busy = 0, loops = 0;
@@ -36,6 +46,11 @@ struct State {
 };
 
 State& state();
+
+Control* findSystem(const Object& object);      // screen, printer, clipboard; null for other objects
+bool isSystemName(const Object& object);        // of one of them, be it there or not
+Object printerObject(const std::string& name);  // the printer of that name, which need not be there any more
+void putValues(Window& window, const std::vector<std::string>& values);  // "Name=value" each
 
 Window* windowOfHandle(int handle);  // null if it is gone
 bool isAlive(const Control& control);
@@ -54,7 +69,8 @@ void destroy(Window& window);
 void setShown(Window& window, bool shown);
 bool runLoop(const std::function<bool()>& until);  // false if the view gave up
 
-Code makeWindow(const Object& object, const WindowTemplate& from, const std::string& file);
+Code makeWindow(const Object& object, const WindowTemplate& from, const std::string& file,
+                const std::vector<std::string>& values = {});
 std::unique_ptr<Control> makeMenuitem(const Control& like);
 void numberArrays(Window& window);  // sets `index` of all members of control arrays
 bool hasText(Type type);

@@ -16,12 +16,14 @@ bool reachable(const Control& control) {
     return takesInput(windowOf(control)) && control.enabled;
 }
 
+// The low word is x, the high word y; both have a sign.
 int place(int x, int y) {
-    return (y & 0xffff) << 16 | (x & 0xffff);
+    return static_cast<int>((static_cast<unsigned>(y) & 0xffffU) << 16 |
+                            (static_cast<unsigned>(x) & 0xffffU));
 }
 
-void send(const Control& control, int event, int parameter = 0) {
-    sendEvent(control.object.owner(), event, control.object, parameter);
+bool send(const Control& control, int event, int parameter = 0) {
+    return sendEvent(control.object.owner(), event, control.object, parameter);
 }
 
 Control* buttonFor(Window& window, int key, const Control* focus) {
@@ -56,7 +58,8 @@ void userValue(Control& control, int value) {
     if (!reachable(control)) return;
     if (control.type == Type::Scrollbar) {
         control.value = std::clamp(value, control.minimum, std::max(control.minimum, control.maximum));
-        return send(control, CHANGE_EVENT);
+        send(control, CHANGE_EVENT);
+        return;
     }
     if (control.type == Type::Radiobutton)
         setRadio(control, value);
@@ -71,8 +74,16 @@ void userRow(Control& control, int row) {
     send(control, CHANGE_EVENT);
 }
 
+bool userMouseDown(Control& control, int x, int y) {
+    return reachable(control) && send(control, MOUSEDOWN_EVENT, place(x, y));
+}
+
 void userDoubleClick(Control& control, int x, int y) {
     if (reachable(control)) send(control, DBLCLICK_EVENT, place(x, y));
+}
+
+void userDrag(Point pressed, Point released) {
+    state().drag.emplace(pressed, released);
 }
 
 bool userKey(Window& window, Control* focus, int key) {
@@ -109,8 +120,8 @@ void userMoved(Window& window, const Rect& frame, int state) {
     if (resized) sendEvent(window.object, RESIZE_EVENT, window.object, 0);
 }
 
-void userInfo(Control& control, int x, int y) {
-    if (isAlive(control) && takesInput(windowOf(control))) send(control, INFO_EVENT, place(x, y));
+bool userInfo(Control& control, int x, int y) {
+    return isAlive(control) && takesInput(windowOf(control)) && send(control, INFO_EVENT, place(x, y));
 }
 
 // A handler that asks or waits runs the event loop, and a tick that comes meanwhile is one too many.

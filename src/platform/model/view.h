@@ -6,6 +6,8 @@
 // widgets.
 #pragma once
 
+#include "platform/model/canvas.h"
+#include "platform/model/track.h"
 #include "platform/object.h"
 #include "platform/windowing.h"
 
@@ -61,11 +63,14 @@ public:
 
 // A question that waits for the user, for views and for whoever plays the user.
 struct Question {
-    enum class Kind { Message, Input, List, OpenFile, SaveFile, Folder } kind = Kind::Message;
+    enum class Kind { Message, Input, List, OpenFile, SaveFile, Folder, Font, Colour, Print };
+    Kind kind = Kind::Message;
     std::string title, text;
     std::vector<std::string> buttons;  // Message: captions with "&"
-    std::vector<std::string> rows;     // List
-    std::string value;                 // Input: default text; files: where to start
+    std::vector<std::string> rows;     // List; Print: the printers
+    // Input: default text; files: where to start. Font, Colour and Print: what is offered, in the form of the
+    // answer, which dialogs.cpp describes.
+    std::string value;
     std::string filter;
     BoxIcon icon = BoxIcon::None;
     int defaultButton = 1;
@@ -103,6 +108,26 @@ public:
         return {};
     }
     virtual int dpi() = 0;
+
+    // Drawing. The canvas of a window or an image; null where nothing shows. `wipe` empties the picture.
+    virtual std::unique_ptr<Canvas> canvas(Control& control) = 0;
+    virtual void wipe(Control& control) = 0;
+    // Lets the user drag; `track.pressed` is for the view to fill in. The rectangle that came out.
+    virtual Rect track(Window& window, Track track) = 0;
+    // Of a picture in a format that the model does not know: its size; and a picture by its name in the format
+    // of an extension ("PNG"); 0 x 0, or empty, if it cannot be done.
+    virtual Picture measured(std::string_view bytes) = 0;
+    virtual std::string encoded(const std::string& picture, const std::string& extension) = 0;
+
+    // Printing. The default printer comes first, the one that prints to a file last; there always is that one.
+    virtual std::vector<std::string> printers() = 0;
+    virtual PrinterStatus printerStatus(const std::string& printer) = 0;
+    virtual Paper paper(const std::string& printer) = 0;
+    virtual std::unique_ptr<Canvas> startDocument(const std::string& printer,
+                                                  const std::string& document) = 0;  // null: it failed
+
+    virtual std::string clipboard() = 0;
+    virtual void setClipboard(std::string_view text) = 0;
 
     virtual void sound() = 0;
     virtual void playSound(const std::string& file) = 0;

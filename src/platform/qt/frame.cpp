@@ -2,7 +2,9 @@
 #include "platform/qt/frame.h"
 
 #include "platform/qt/menus.h"
+#include "platform/qt/paintcanvas.h"
 #include "platform/qt/pictures.h"
+#include "platform/qt/surface.h"
 #include "platform/qt/textpeers.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/widgets.h"
@@ -87,10 +89,6 @@ QMargins& knownMargins(int borderStyle) {
     return known[std::clamp(borderStyle, 0, 2)];
 }
 
-QColor colourOf(int value) {
-    return {value & 0xFF, value >> 8 & 0xFF, value >> 16 & 0xFF};
-}
-
 }  // namespace
 
 Frame* frameOf(const Window& window) {
@@ -105,13 +103,14 @@ Frame* frameOfWidget(const QWidget* widget) {
 
 Frame::Frame(Window& window)
     : QWidget(nullptr, flagsOf(window)), window_(&window), bar_(new QMenuBar(this)),
-      client_(new QWidget(this)) {
+      client_(new SurfaceWidget(this)) {
     const Flag quiet(applying_);
     frames().insert(this);
     window.widget = this;
     setObjectName(shown(window.name.empty() ? window.object.window() : window.name));
     setAttribute(Qt::WA_QuitOnClose, false);
     applyFont(*client_, window.font, {});
+    applyColours(window);
     makeControls();
     buildMenu(*bar_, window);
     bar_->setVisible(!window.menuItems.empty());
@@ -182,7 +181,8 @@ void Frame::orderTabs() {
 }
 
 void Frame::applyColours(Control& control) {
-    QWidget& widget = *peerOf(control)->widget();
+    const bool own = &control == window_;
+    QWidget& widget = own ? *client_ : *peerOf(control)->widget();
     // Black on white is what a resource file says that means nothing special; the desktop's colours stand for
     // it.
     const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
@@ -191,12 +191,16 @@ void Frame::applyColours(Control& control) {
         return;
     }
     QPalette palette = QApplication::palette(&widget);
-    if (control.foreColour >= 0)
-        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-            palette.setColor(role, colourOf(control.foreColour));
-    if (control.backColour >= 0)
-        for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
-            palette.setColor(role, colourOf(control.backColour));
+    // Controls have a window's colours only where its ground shows through them.
+    const auto set = [&](int colour, std::initializer_list<QPalette::ColorRole> roles) {
+        if (colour < 0) return;
+        palette.setColor(*roles.begin(), colourOf(colour));
+        if (!own)
+            for (const auto role : roles) palette.setColor(role, colourOf(colour));
+    };
+    set(control.foreColour, {QPalette::WindowText, QPalette::Text, QPalette::ButtonText});
+    set(control.backColour, {QPalette::Window, QPalette::Base, QPalette::Button});
+    if (control.type == Type::Progressbar) set(control.foreColour, {QPalette::Highlight});
     widget.setPalette(palette);
     widget.setAutoFillBackground(control.backColour >= 0);
 }
@@ -222,6 +226,7 @@ void Frame::apply(Property property) {
         applyFont(*client_, window_->font, {});
         for (const auto& control : window_->controls) applyTo(*control, Property::Font);
         break;
+    case Property::Colour: applyColours(*window_); break;
     case Property::MenuItems: menuChanged(); break;
     case Property::Picture: setWindowIcon(iconOf(window_->picture)); break;
     default: break;

@@ -14,6 +14,7 @@ class QMenuBar;
 namespace tarn::platform::qt {
 
 class Peer;
+class SurfaceWidget;
 
 class Frame : public QWidget {
 public:
@@ -21,12 +22,14 @@ public:
     ~Frame() override;
 
     [[nodiscard]] Window& window() const { return *window_; }
+    [[nodiscard]] Window* model() const { return window_; }  // null once the window has gone
     [[nodiscard]] QMenuBar& bar() const { return *bar_; }
-    void apply(Property property);                      // of the window itself
-    void applyTo(Control& control, Property property);  // of one of its controls
-    void bringUp();                                     // shows, raises and activates
-    void menuChanged();                                 // items came or went; rebuilt once for a burst
-    [[nodiscard]] Rect extents() const;                 // see View::frameExtents
+    [[nodiscard]] SurfaceWidget& client() const { return *client_; }  // what is inside frame and menu bar
+    void apply(Property property);                                    // of the window itself
+    void applyTo(Control& control, Property property);                // of one of its controls
+    void bringUp();                                                   // shows, raises and activates
+    void menuChanged();                  // items came or went; rebuilt once for a burst
+    [[nodiscard]] Rect extents() const;  // see View::frameExtents
     [[nodiscard]] Control* controlOf(const QWidget* widget) const;  // null: the window itself
     void release();                                                 // before the model's window goes
 
@@ -58,7 +61,7 @@ private:
 
     Window* window_;
     QMenuBar* bar_;
-    QWidget* client_;
+    SurfaceWidget* client_;
     QRect normal_;           // where a window at its largest position came from
     bool large_ = false;     // at its largest position
     bool applying_ = false;  // what happens now is the model's doing

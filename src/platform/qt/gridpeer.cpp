@@ -197,6 +197,7 @@ public:
     GridPeer(Control& control, GridView& grid)
         : Peer(control, grid), grid_(grid), rows_(new GridModel(control, &grid)) {
         grid.setModel(rows_);
+        applyBars(grid, control);
         grid.setIconSize({20, 20});
         grid.setItemDelegate(new CellDelegate(&grid));
         grid.setHeaderHidden(true);
@@ -206,6 +207,7 @@ public:
             refresh();
         };
         grid.doubleClicked = [this](QPoint at) {
+            at = inWindow(*grid_.viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
         };
         late_->setSingleShot(true);

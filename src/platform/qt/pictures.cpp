@@ -2,12 +2,17 @@
 #include "platform/qt/pictures.h"
 
 #include "os/files.h"
+#include "platform/model/pictures.h"
+#include "platform/qt/faces.h"
 #include "platform/qt/texts.h"
 #include "platform/resources/resource.h"
+#include "platform/windowing.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QIconEngine>
 #include <QImage>
+#include <QImageReader>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmapCache>
@@ -110,22 +115,70 @@ private:
     std::size_t key_;
 };
 
-QIcon iconOfBytes(const QByteArray& bytes) {
-    if (bytes.isEmpty()) return {};
-    if (isSvg(bytes)) return QIcon(new SvgEngine(bytes));
-    const QImage image = withoutMagenta(QImage::fromData(bytes));
-    return image.isNull() ? QIcon() : QIcon(QPixmap::fromImage(image));
+// The largest of the pictures that a file holds; an icon has several.
+QImage imageOf(const QByteArray& bytes) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    QImage largest = reader.read();
+    while (reader.jumpToNextImage()) {
+        const QImage next = reader.read();
+        if (next.isNull()) break;
+        if (next.width() > largest.width()) largest = next;
+    }
+    return withoutMagenta(largest);
 }
 
 }  // namespace
+
+QIcon iconOfBytes(const QByteArray& bytes) {
+    if (bytes.isEmpty()) return {};
+    if (isSvg(bytes)) return QIcon(new SvgEngine(bytes));
+    const QImage image = imageOf(bytes);
+    return image.isNull() ? QIcon() : QIcon(QPixmap::fromImage(image));
+}
 
 QIcon iconOf(const std::string& picture) {
     static std::map<std::string, QIcon> known;
     if (picture.empty()) return {};
     if (const auto found = known.find(picture); found != known.end()) return found->second;
-    const QIcon icon = iconOfBytes(qtBytes(PictureBytes(picture).value));
+    const PictureSource* const source = pictureSource(picture);
+    const QIcon icon = source == nullptr ? iconOfBytes(qtBytes(PictureBytes(picture).value))
+                       : source->face    ? faceOf(*source)
+                                         : iconOfBytes(qtBytes(source->bytes));
     if (!icon.isNull()) known[picture] = icon;  // one that is missing may come later
     return icon;
+}
+
+QPixmap pictureScaled(const std::string& picture, const QSize& size, qreal ratio) {
+    const QIcon icon = iconOf(picture);
+    if (icon.isNull() || size.isEmpty()) return {};
+    const QSize pixels = (QSizeF(size) * ratio).toSize();
+    QPixmap pixmap = icon.pixmap(pixels, 1.0);
+    if (pixmap.size() != pixels)
+        pixmap = pixmap.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    pixmap.setDevicePixelRatio(ratio);
+    return pixmap;
+}
+
+std::string encodedPicture(const std::string& picture, const std::string& format) {
+    const Picture size = LoadPicture(picture).value;
+    QImage image = pictureScaled(picture, {size.width, size.height}, 1.0).toImage();
+    if (image.isNull()) return {};
+    if (format == "BMP") {  // which has no transparency
+        QImage ground(image.size(), QImage::Format_RGB32);
+        ground.fill(qRgb(255, 0, 255));
+        QPainter(&ground).drawImage(0, 0, image);
+        image = ground;
+    }
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.save(&buffer, format.c_str())) return {};
+    return buffer.data().toStdString();
+}
+
+QSize measuredSize(std::string_view bytes) {
+    return imageOf(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size()))).size();
 }
 
 QIcon iconOfFile(const std::string& file) {

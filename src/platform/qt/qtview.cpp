@@ -6,8 +6,10 @@
 #include "platform/qt/frame.h"
 #include "platform/qt/keys.h"
 #include "platform/qt/menus.h"
+#include "platform/qt/mouse.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/popups.h"
+#include "platform/qt/printing.h"
 #include "platform/qt/questions.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/widgets.h"
@@ -87,6 +89,11 @@ QFont fontOf(const Control& control) {
     const bool editor = isEditWindowType(control.type);
     const QFont base = editor ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : QApplication::font();
     return font == Font{} ? base : qtFont(font, base);
+}
+
+QFontMetrics metricsOf(const Control& control) {
+    const QFont font = fontOf(control);
+    return control.type == Type::Printer ? printerMetrics(control.name, font) : QFontMetrics(font);
 }
 
 class Depth {
@@ -266,12 +273,12 @@ bool QtView::answer(const std::string& text) {
 // ---- measures ----
 
 int QtView::textWidth(const Control& control, std::string_view text) {
-    return QFontMetrics(fontOf(control)).horizontalAdvance(shown(text));
+    return metricsOf(control).horizontalAdvance(shown(text));
 }
 
 int QtView::textHeight(const Control& control, std::string_view text) {
     const int lines = 1 + static_cast<int>(std::count(text.begin(), text.end(), '\n'));
-    return QFontMetrics(fontOf(control)).height() * lines;
+    return metricsOf(control).height() * lines;
 }
 
 Rect QtView::screen() {
@@ -394,6 +401,7 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
         if (type == QEvent::Close) event->ignore();
         return true;
     }
+    if (hearMouse(*widget, *event)) return true;
     return type == QEvent::KeyPress && key(receiver, *static_cast<QKeyEvent*>(event));
 }
 

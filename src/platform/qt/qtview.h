@@ -50,6 +50,18 @@ public:
     Rect frameExtents(const Window& window) override;
     int dpi() override;
 
+    std::unique_ptr<Canvas> canvas(Control& control) override;
+    void wipe(Control& control) override;
+    Rect track(Window& window, Track track) override;
+    Picture measured(std::string_view bytes) override;
+    std::string encoded(const std::string& picture, const std::string& extension) override;
+    std::vector<std::string> printers() override;
+    PrinterStatus printerStatus(const std::string& printer) override;
+    Paper paper(const std::string& printer) override;
+    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document) override;
+    std::string clipboard() override;
+    void setClipboard(std::string_view text) override;
+
     void sound() override;
     void playSound(const std::string& file) override;
     void setIcon(const std::string& file) override;

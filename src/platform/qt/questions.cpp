@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/questions.h"
 
+#include "platform/qt/choosers.h"
 #include "platform/qt/texts.h"
 
 #include <QAbstractButton>
@@ -302,6 +303,10 @@ bool choose(QDialog& box, const std::string& text) {
 }  // namespace
 
 std::string askUser(const Question& question, QWidget* parent) {
+    if (isChooser(question)) {
+        const std::unique_ptr<QDialog> box = makeChooser(question, parent);
+        return run(question, *box) == QDialog::Accepted ? chosenIn(question, *box) : std::string();
+    }
     switch (question.kind) {
     case Question::Kind::Message: return askMessage(question, parent);
     case Question::Kind::Input: return askLine(question, parent);
@@ -323,6 +328,7 @@ bool answerQuestion(const std::string& text) {
     }
     if (question->kind == Question::Kind::Message) return press(*box, text);
     if (question->kind == Question::Kind::List) return choose(*box, text);
+    if (isChooser(*question)) return chooseIn(*question, *box, text), true;
     if (auto* files = qobject_cast<QFileDialog*>(box); files != nullptr) {
         files->selectFile(shown(text));
         auto* line = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));

@@ -14,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QTextBlock>
+#include <QTextOption>
 #include <QValidator>
 
 #include <dlfcn.h>
@@ -340,6 +341,12 @@ class LinesPeer : public Peer {
 public:
     LinesPeer(Control& control, LinesEdit& lines) : Peer(control, lines), lines_(lines) {
         lines.setTabChangesFocus(true);
+        if (control.border == 0) lines.setFrameShape(QFrame::NoFrame);
+        if ((control.scrollBars & 1) != 0) lines.setLineWrapMode(QPlainTextEdit::NoWrap);
+        static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
+        QTextOption option = lines.document()->defaultTextOption();
+        option.setAlignment(sides[std::clamp(control.alignment, 0, 2)]);
+        lines.document()->setDefaultTextOption(option);
         takeStore(control, std::make_unique<LinesStore>(lines));
         lines.hasRoom = [this](const QString& text) { return hasRoom(text); };
         connect(&lines, &QPlainTextEdit::textChanged, this, [this] {

@@ -2,6 +2,7 @@
 #include "platform/qt/widgets.h"
 
 #include "platform/qt/gridpeer.h"
+#include "platform/qt/picturepeer.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/rowsview.h"
 #include "platform/qt/textpeers.h"
@@ -18,7 +19,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -101,9 +101,11 @@ public:
     RowsPeer(Control& control, RowsView& list)
         : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
         list.setModel(rows_);
+        applyBars(list, control);
         list.refreshed = [this] { late_->now(); };
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
         list.doubleClicked = [this](QPoint at) {
+            at = inWindow(*list_.viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
         };
         // The focus alone makes a row current, but only a choice selects it.
@@ -223,6 +225,7 @@ public:
             if (control_ != nullptr) userChange(*control_);
         });
         list_->doubleClicked = [this](QPoint at) {
+            at = inWindow(*list_->viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
         };
         connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -458,61 +461,6 @@ private:
     QProgressBar& bar_;
 };
 
-// A picture as large as its place allows, in its own proportions.
-class PictureWidget : public QWidget {
-public:
-    using QWidget::QWidget;
-    QIcon icon;
-    int shape = -1;  // as in the model; -1: a picture
-    int border = 0;
-    std::function<void(QPoint)> doubleClicked;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setPen(palette().color(shape >= 0 ? QPalette::WindowText : QPalette::Mid));
-        if (shape >= 0 || border != 0) drawShape(painter);
-        if (!icon.isNull())
-            icon.paint(&painter, rect(), Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
-    }
-    void mouseDoubleClickEvent(QMouseEvent* event) override {
-        if (doubleClicked) doubleClicked(event->pos());
-    }
-
-private:
-    void drawShape(QPainter& painter) const {
-        const QRect edge = rect().adjusted(0, 0, -1, -1);
-        painter.setRenderHint(QPainter::Antialiasing, shape == 1 || shape == 2);
-        switch (shape) {
-        case 1: painter.drawRoundedRect(edge, 8, 8); break;
-        case 2: painter.drawEllipse(edge); break;
-        case 3: painter.drawLine(0, height() / 2, width() - 1, height() / 2); break;
-        case 4: painter.drawLine(width() / 2, 0, width() / 2, height() - 1); break;
-        default: painter.drawRect(edge); break;
-        }
-    }
-};
-
-class ImagePeer : public Peer {
-public:
-    ImagePeer(Control& control, PictureWidget& picture) : Peer(control, picture), picture_(picture) {
-        picture.shape = control.type == Type::Shape ? control.shape : -1;
-        picture.border = control.border;
-        picture.doubleClicked = [this](QPoint at) {
-            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
-        };
-        if (picture.shape >= 0) picture.setAttribute(Qt::WA_TransparentForMouseEvents);
-    }
-    void apply(Property property) override {
-        if (property != Property::Picture) return;
-        picture_.icon = iconOf(control_->picture);
-        picture_.update();
-    }
-
-private:
-    PictureWidget& picture_;
-};
-
 Peer* make(Control& control, QWidget* parent, bool flat) {
     switch (control.type) {
     case Type::Label: return new LabelPeer(control, *new QLabel(parent));
@@ -536,7 +484,7 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
     case Type::Progressbar: return new ProgressPeer(control, *new QProgressBar(parent));
     case Type::Editwindow:
     case Type::Richeditwindow: return makeEditAreaPeer(control, parent);
-    default: return new ImagePeer(control, *new PictureWidget(parent));
+    default: return makePicturePeer(control, parent);
     }
 }
 

@@ -31,6 +31,10 @@ public:
     [[nodiscard]] Control& control() const { return *control_; }
 
 protected:
+    // A place in one of the peer's widgets, in the client area of its window.
+    [[nodiscard]] QPoint inWindow(const QWidget& from, QPoint at) const {
+        return from.mapTo(widget_->parentWidget(), at);
+    }
     virtual void letGo() {}
     Control* control_;  // null once released
     QWidget* widget_;

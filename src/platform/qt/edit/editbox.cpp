@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The edit window as the view sees it: text and status bar in one widget, and the store over the text.
+#include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
 #include "platform/qt/edit/statusbar.h"
 #include "platform/qt/edit/textarea.h"
 #include "platform/qt/editarea.h"
 
 #include <QAccessible>
-#include <QAccessibleWidget>
 #include <QLocale>
 #include <QPointer>
 #include <QTimer>
@@ -40,36 +40,6 @@ public:
 private:
     QPointer<TextArea> area_;
 };
-
-// What a screen reader is told of the text. The interface that comes with the control counts characters from
-// the start of the text at every key, which a text of millions of bytes makes slow; name, role and the line
-// are enough.
-class LightAccessible : public QAccessibleWidget {
-public:
-    explicit LightAccessible(TextArea* area) : QAccessibleWidget(area, QAccessible::EditableText) {}
-    QString text(QAccessible::Text kind) const override {
-        if (kind == QAccessible::Value) return line();
-        return QAccessibleWidget::text(kind);
-    }
-
-private:
-    QString line() const {
-        const auto* area = static_cast<const TextArea*>(object());
-        const long number = area->place().line - 1;
-        const long size =
-            area->SendScintilla(QsciScintillaBase::SCI_LINELENGTH, static_cast<unsigned long>(number));
-        if (size > 4096) return {};
-        QByteArray bytes(size, '\0');
-        area->SendScintilla(QsciScintillaBase::SCI_GETLINE, static_cast<unsigned long>(number),
-                            static_cast<void*>(bytes.data()));
-        return QString::fromUtf8(bytes).trimmed();
-    }
-};
-
-QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
-    if (auto* area = qobject_cast<TextArea*>(object); area != nullptr) return new LightAccessible(area);
-    return nullptr;
-}
 
 class EditBox : public QWidget, public EditArea {
 public:
@@ -140,6 +110,6 @@ private:
 extern "C" __attribute__((visibility("default"))) tarn::platform::qt::EditArea*
 tarn_make_edit_area(QWidget* parent, tarn::platform::qt::EditEvents& events) {
     using namespace tarn::platform::qt;
-    [[maybe_unused]] static const bool once = (QAccessible::installFactory(makeAccessible), true);
+    [[maybe_unused]] static const bool once = (QAccessible::installFactory(makeTextAccessible), true);
     return new EditBox(parent, events);
 }

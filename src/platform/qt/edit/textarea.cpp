@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/edit/textarea.h"
 
+#include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
 
 #include <QAction>
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tarn::platform::qt {
 
@@ -37,16 +39,20 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     applyColours();
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
-            this, [this](int, int type, const char*, int bytes) {
-                if ((type & SC_MOD_INSERTCHECK) != 0)
-                    checkInsertion(bytes);
-                else
-                    onModified();
+            this, [this](int position, int type, const char*, int bytes) {
+                if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(bytes);
+                tellReader();
+                if ((type & SC_MOD_BEFOREDELETE) != 0) tellRemoval(*this, position, bytes);
+                if ((type & SC_MOD_BEFOREINSERT) != 0) added_ = {position + 1, bytes};
+                onModified();
             });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
     connect(this, &TextArea::SCN_UPDATEUI, this, [this](int what) {
         if ((what & SC_UPDATE_CONTENT) != 0) applyNumberBar();
-        if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) != 0) emit moved();
+        if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) == 0) return;
+        tellReader();
+        tellCaret(*this);
+        emit moved();
     });
     connect(this, &TextArea::SCN_SAVEPOINTLEFT, this, [this] { emit moved(); });
     connect(this, &TextArea::SCN_SAVEPOINTREACHED, this, [this] { emit moved(); });
@@ -147,6 +153,7 @@ void TextArea::setBytes(std::string_view text) {
     adoptLineEnd(text);
     marked_ = false;
     setting_ = false;
+    tellReader();
     changed_ = false;
     applyNumberBar();
     emit moved();
@@ -168,6 +175,7 @@ void TextArea::select(int start, int length) {
     const long first = send(SCI_GETFIRSTVISIBLELINE), shown = std::max(send(SCI_LINESONSCREEN), 1L);
     if (line < first || line >= first + shown) send(SCI_SETFIRSTVISIBLELINE, std::max(0L, line - shown / 3));
     sendBytes(SCI_SCROLLRANGE, to, reinterpret_cast<const char*>(static_cast<std::intptr_t>(from)));
+    tellCaret(*this);  // the control itself tells only when it paints
 }
 
 void TextArea::replaceSelection(std::string_view text) {
@@ -217,6 +225,12 @@ void TextArea::setModified(bool modified) {
     emit moved();
 }
 
+// What was put in can be read only when it is in.
+void TextArea::tellReader() {
+    const Selection added = std::exchange(added_, Selection());
+    if (added.length > 0) tellInsertion(*this, added.start - 1, added.length);
+}
+
 void TextArea::onModified() {
     if (setting_ || changed_) return;
     changed_ = true;
@@ -225,6 +239,7 @@ void TextArea::onModified() {
 }
 
 void TextArea::flush() {
+    tellReader();
     if (!changed_) return;
     changed_ = false;
     emit edited();

@@ -62,6 +62,7 @@ private:
     long send(unsigned message, long w = 0, long l = 0) const;
     long sendBytes(unsigned message, long w, const char* bytes) const;
     void onModified();  // comes before the text changes
+    void tellReader();  // a screen reader, of what was put in last
     void onStyleNeeded(int end);
     void configure();
     void applyColours();
@@ -86,6 +87,7 @@ private:
     std::string styles_;  // kept from one call to the next
     Font font_;
     int flags_ = 0;
+    Selection added_;       // put in and not yet told to a screen reader
     int limit_ = 0;         // bytes; 0: none
     int digits_ = 0;        // for which the number bar is wide enough
     bool free_ = false;     // the limit does not hold

@@ -104,21 +104,21 @@ TEST_F(MainWindow, DisablesWhatHasNoCommandYet) {
 TEST_F(MainWindow, ShowsOneDisabledItemWithoutBackups) {
     start();
     const Object undo = MAINCONTROL("edit_undo_01");
-    EXPECT_EQ(ControlBounds(undo).lower, 1);
-    EXPECT_EQ(ControlBounds(undo).upper, 1);
+    EXPECT_EQ(ControlLbound(undo), 1);
+    EXPECT_EQ(ControlUbound(undo), 1);
     EXPECT_EQ(GetCaption(undo), " ------ No backups ------ ");
     EXPECT_FALSE(GetEnabled(undo));
     POPULATEMENUITEMS(undo, "*  ------ 2026-01-02 (Friday) ------ \n/a (x).bak\n/b (x).bak\n");
-    EXPECT_EQ(ControlBounds(undo).upper, 3);
+    EXPECT_EQ(ControlUbound(undo), 3);
     EXPECT_FALSE(GetEnabled(undo));
     EXPECT_EQ(GetCaption(ControlElement(undo, 2)), "/a (x).bak");
     EXPECT_TRUE(GetEnabled(ControlElement(undo, 3)));
     POPULATEMENUITEMS(undo, "");
-    EXPECT_EQ(ControlBounds(undo).upper, 1);
+    EXPECT_EQ(ControlUbound(undo), 1);
     std::string many;
     for (int i = 1; i <= 60; i++) many += STR(i) + "\n";
     POPULATEMENUITEMS(undo, many);
-    EXPECT_EQ(ControlBounds(undo).upper, 50);
+    EXPECT_EQ(ControlUbound(undo), 50);
     EXPECT_EQ(GetCaption(ControlElement(undo, 50)), "50");
 }
 

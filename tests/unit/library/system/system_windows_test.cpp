@@ -225,17 +225,26 @@ TEST_F(Windows, AMaximisedWindowKeepsThePositionStoredBefore) {
 }
 
 TEST_F(Windows, TheFontIsKeptWhereItIsNamed) {
+    const auto setFont = [&](const Font& font) {
+        SetFontName(dialog, font.name);
+        SetFontSize(dialog, font.size);
+        SetFontBold(dialog, font.bold);
+        SetFontItalic(dialog, font.italic);
+    };
+    const auto font = [&] {
+        return Font{GetFontName(dialog), GetFontSize(dialog), GetFontBold(dialog), GetFontItalic(dialog)};
+    };
     load(dialog);
-    SetFont(dialog, {"Courier", 11, true, false});
+    setFont({"Courier", 11, true, false});
     SAVEINIFILE(ini, dialog, false, true);
     EXPECT_EQ(get("_Fontname") + get("_Fontsize") + get("_Fontbold") + get("_Fontitalic"), "Courier1110");
-    SetFont(dialog, {"Sans", 9, false, true});
+    setFont({"Sans", 9, false, true});
     LOADINIFILE(ini, dialog, false, true);
-    EXPECT_EQ(GetFont(dialog), (Font{"Courier", 11, true, false}));
+    EXPECT_EQ(font(), (Font{"Courier", 11, true, false}));
     PROFILESTRPUT(ini, "Testdlg", "_Fontsize", "0");
-    SetFont(dialog, {"Sans", 9, false, true});
+    setFont({"Sans", 9, false, true});
     LOADINIFILE(ini, dialog, false, true);
-    EXPECT_EQ(GetFont(dialog), (Font{"Sans", 9, false, true}));
+    EXPECT_EQ(font(), (Font{"Sans", 9, false, true}));
 }
 
 TEST_F(Windows, HelpThatCannotBeShownIsTold) {

@@ -159,7 +159,7 @@ protected:
     }
     void loadMain() {
         ASSERT_EQ(Load(main), Ok);
-        ASSERT_EQ(Show(main, false), Ok);
+        ASSERT_EQ(Show(main, false).code, Ok);
         events.clear();
     }
     // What the user does while loops run; each step is one call.
@@ -351,13 +351,57 @@ TEST_F(ModelTest, EveryOperationOnWhatIsNotLoadedGives702AndOnANumberThatIsNot72
                                  SetPosition(o, CLIENT_UNIT, {}),
                                  TextWidth(o, "").code,
                                  TextHeight(o, "").code,
-                                 ControlBounds(o).code,
-                                 ControlIndex(o).code,
+                                 ControlLbound(o).code,
+                                 ControlUbound(o).code,
+                                 Controlarray(o).code,
+                                 Controlarraypos(o).code,
+                                 Controlselection(o).code,
                                  Controlselectionpos(o).code,
                                  AddMenuitem(o, ""),
+                                 AddMenuitems(o, "a"),
                                  RemoveMenuitem(o),
-                                 GetFont(o).code,
-                                 SetFont(o, {}),
+                                 RemoveMenuitems(o, o),
+                                 GetFontName(o).code,
+                                 SetFontName(o, ""),
+                                 GetFontSize(o).code,
+                                 SetFontSize(o, 1),
+                                 GetFontBold(o).code,
+                                 SetFontBold(o, true),
+                                 GetFontItalic(o).code,
+                                 SetFontItalic(o, true),
+                                 GetForeColour(o).code,
+                                 SetForeColour(o, 1),
+                                 GetBackColour(o).code,
+                                 SetBackColour(o, 1),
+                                 SetList(o, 1, "", ""),
+                                 SetPicture(o, Picture()),
+                                 WindowWidth(o).code,
+                                 WindowHeight(o).code,
+                                 GetPageWidth(o).code,
+                                 GetPageHeight(o).code,
+                                 GetDpiX(o).code,
+                                 GetDpiY(o).code,
+                                 StartGraph(o),
+                                 EndGraph(o),
+                                 DrawLine(o, 0, 0, 1, 1),
+                                 DrawPoint(o, 0, 0),
+                                 DrawShape(o, RECTANGLE_SHAPE, 0, 0, 1, 1),
+                                 DrawTextstr(o, "a"),
+                                 DrawPicture(o, "a", 0, 0),
+                                 DrawWindow(o, o),
+                                 GetCurrentX(o).code,
+                                 SetCurrentX(o, 1),
+                                 GetCurrentY(o).code,
+                                 SetCurrentY(o, 1),
+                                 StartPrint(o),
+                                 EndPrint(o),
+                                 NewPage(o),
+                                 GetPage(o).code,
+                                 GetPrinterStatus(o).code,
+                                 GetPhysicalWidth(o).code,
+                                 GetPhysicalHeight(o).code,
+                                 GetPhysicalOffsetX(o).code,
+                                 GetPhysicalOffsetY(o).code,
                                  GetVisible(o).code,
                                  GetHandle(o).code,
                                  GetName(o).code};
@@ -365,7 +409,7 @@ TEST_F(ModelTest, EveryOperationOnWhatIsNotLoadedGives702AndOnANumberThatIsNot72
     for (const Code code : codes(Object("Main", 101))) EXPECT_EQ(code, WindowNotLoaded);
     for (const Code code : codes(main)) EXPECT_EQ(code, WindowNotLoaded);
     for (const Code code : codes(Object())) EXPECT_EQ(code, ControlInvalid);
-    const std::vector<Code> window = {Show(main, true),
+    const std::vector<Code> window = {Show(main, true).code,
                                       Hide(main),
                                       GetWindowState(main).code,
                                       SetWindowState(main, 1),
@@ -373,6 +417,14 @@ TEST_F(ModelTest, EveryOperationOnWhatIsNotLoadedGives702AndOnANumberThatIsNot72
                                       ControlList(main).code,
                                       GetArrayValue(main, "a").code,
                                       SetArrayValue(main, "a", ""),
+                                      GetArrayValues(main, "*").code,
+                                      SetArrayValues(main, {}),
+                                      GetFuncptr(main).code,
+                                      AlignItems(main),
+                                      TrackRect(main, TRACK_MOVE, {}, {}, {}).code,
+                                      FontDialog(main, {}).code,
+                                      ColourDialog(main, 1).code,
+                                      PrintDialog(main, 0).code,
                                       GetMinPosition(main).code,
                                       SetMinPosition(main, {}),
                                       GetMaxPosition(main).code,
@@ -491,7 +543,7 @@ TEST_F(ModelTest, AModalWaitEndsWhenTheWindowIsHiddenOrUnloaded) {
             EXPECT_FALSE(takesInput(*findWindow(main)));
             unload ? Unload(second) : Hide(second);
         }});
-        EXPECT_EQ(Show(second, true), Ok);
+        EXPECT_EQ(Show(second, true).code, Ok);
         EXPECT_EQ(IsLoaded(second), !unload);
         EXPECT_FALSE(IsModal(second));
         EXPECT_EQ(topModal(), nullptr);
@@ -556,11 +608,11 @@ TEST_F(ModelTest, BlockedWindowsHearNothing) {
 
 TEST_F(ModelTest, AModalWaitThatNobodyCanEndClosesItsWindow) {
     Load(second);
-    EXPECT_EQ(Show(second, true), Ok);
+    EXPECT_EQ(Show(second, true).code, Ok);
     EXPECT_FALSE(IsLoaded(second));
     handler = [](const Object&, int event, const Object&, int) { return event == CLOSE_EVENT; };
     Load(second);
-    EXPECT_EQ(Show(second, true), Ok);
+    EXPECT_EQ(Show(second, true).code, Ok);
     EXPECT_TRUE(IsLoaded(second)) << "it refused to close";
     EXPECT_FALSE(GetVisible(second).value) << "so it was hidden";
 }
@@ -727,13 +779,14 @@ TEST_F(ModelTest, AWindowOfThisCopyIsFoundByClassAndCaption) {
     loadMain();
     const std::string dialog = WindowClassName("Dialog");
     EXPECT_EQ(dialog, "Dialog.1.3.2207");
-    EXPECT_TRUE(FindOtherWindow(dialog, "Main"));
-    EXPECT_FALSE(FindOtherWindow(dialog, "main")) << "captions are exact";
-    EXPECT_FALSE(FindOtherWindow(WindowClassName("Editwindow"), "Main"));
-    EXPECT_TRUE(CommandOtherWindow(dialog, "Main", 107, "text"));
+    const int handle = FindWindowHandle(dialog, "Main");
+    EXPECT_EQ(handle, GetHandle(main).value);
+    EXPECT_EQ(FindWindowHandle(dialog, "main"), 0) << "captions are exact";
+    EXPECT_EQ(FindWindowHandle(WindowClassName("Editwindow"), "Main"), 0);
+    EXPECT_EQ(Command(handle, 107, "text"), Ok);
     EXPECT_EQ(events.back(), (Sent{"Main", COMMAND_EVENT, "ok", 1}));
-    EXPECT_FALSE(CommandOtherWindow(dialog, "Main", 4711, ""));
-    EXPECT_FALSE(CommandOtherWindow(dialog, "other", 107, ""));
+    EXPECT_EQ(Command(handle, 4711, ""), ControlInvalid);
+    EXPECT_EQ(Command(0, 107, ""), WindowNotLoaded);
 }
 
 // Runs `client` as another process does, while this one waits in its main loop.
@@ -774,8 +827,9 @@ TEST_F(ModelTest, ALaterCopyFindsTheWindowAndItsCommandWaitsForTheModalOneToEnd)
             child = another([] {
                 const std::string dialog = WindowClassName("Dialog");
                 DestroyAllWindows();  // those of the copy are its own
-                return FindOtherWindow(dialog, "Main") && !FindOtherWindow(dialog, "None") &&
-                       CommandOtherWindow(dialog, "Main", 120, "/a b.cls");
+                const int found = FindWindowHandle(dialog, "Main");
+                return found != 0 && found == FindWindowHandle(dialog, "Main") &&
+                       FindWindowHandle(dialog, "None") == 0 && Command(found, 120, "/a b.cls") == Ok;
             });
         else if (code < 0 && topModal() != nullptr) {
             int status = 0;
@@ -792,7 +846,7 @@ TEST_F(ModelTest, ALaterCopyFindsTheWindowAndItsCommandWaitsForTheModalOneToEnd)
     EXPECT_EQ(order, (std::vector<std::string>{"the modal window is closed", "Main tool /a b.cls"}));
     const pid_t late = another([] {
         DestroyAllWindows();
-        return !FindOtherWindow(WindowClassName("Dialog"), "Main");
+        return FindWindowHandle(WindowClassName("Dialog"), "Main") == 0;
     });
     EXPECT_EQ(exitCode(late), 0) << "nobody answers when the loop is over";
 }
@@ -1026,15 +1080,25 @@ TEST_F(ModelTest, MeasuresWithoutAScreenAreFixed) {
     EXPECT_EQ(TextWidth(main, "\xc3\xa4").value, 6) << "one letter of two bytes";
     EXPECT_EQ(TextWidth(main, "a\nlong").value, 24);
     EXPECT_EQ(TextHeight(main, "a").value, 13);
-    EXPECT_EQ(GetDpi(), 96);
+    EXPECT_EQ(GetDpiX(Sysscreen).value, 96);
 }
 
 TEST_F(ModelTest, FontsAreKept) {
     loadMain();
     const Font font{"Mono", 12, true, false};
-    SetFont(main, font);
-    EXPECT_EQ(GetFont(main).value, font);
-    EXPECT_EQ(GetFont(mine("ok")).value, Font());
+    SetFontName(main, font.name);
+    SetFontSize(main, font.size);
+    SetFontBold(main, font.bold);
+    SetFontItalic(main, font.italic);
+    const Object button = mine("ok");
+    EXPECT_EQ(GetFontName(main).value, font.name);
+    EXPECT_EQ(GetFontSize(main).value, font.size);
+    EXPECT_EQ(GetFontBold(main).value, font.bold);
+    EXPECT_EQ(GetFontItalic(main).value, font.italic);
+    EXPECT_EQ(GetFontName(button).value, "") << "its own";
+    EXPECT_EQ(GetFontSize(button).value, 0);
+    SetFontSize(main, -3);
+    EXPECT_EQ(GetFontSize(main).value, 0);
 }
 
 // ---- arrays ----
@@ -1042,14 +1106,14 @@ TEST_F(ModelTest, FontsAreKept) {
 TEST_F(ModelTest, ArraysHaveBoundsFromOne) {
     loadMain();
     const Object first = mine("radio1");
-    EXPECT_EQ(ControlBounds(first).value.lower, 1);
-    EXPECT_EQ(ControlBounds(first).value.upper, 3) << "the array's name in any case";
+    EXPECT_EQ(ControlLbound(first).value, 1);
+    EXPECT_EQ(ControlUbound(first).value, 3) << "the array's name in any case";
     EXPECT_EQ(ControlElement(mine("radio3"), 1), first);
     EXPECT_TRUE(ControlElement(first, 0).empty());
     EXPECT_TRUE(ControlElement(first, 4).empty());
-    EXPECT_EQ(ControlIndex(mine("radio2")).value, 2);
-    EXPECT_EQ(ControlBounds(mine("ok")).code, NotAControlArray);
-    EXPECT_EQ(ControlIndex(mine("ok")).code, NotAControlArray);
+    EXPECT_EQ(Controlarraypos(mine("radio2")).value, 2);
+    EXPECT_EQ(ControlUbound(mine("ok")).code, NotAControlArray);
+    EXPECT_EQ(Controlarraypos(mine("ok")).code, NotAControlArray);
     EXPECT_TRUE(ControlElement(mine("ok"), 1).empty());
     EXPECT_TRUE(ControlElement(Object(), 1).empty());
 }
@@ -1058,17 +1122,17 @@ TEST_F(ModelTest, MenuArraysShrinkAndGrowAgainWithConsecutiveNumbers) {
     loadMain();
     const Object first = mine("item_01");
     const std::set<int> before = {GetHandle(mine("item_02")).value, GetHandle(mine("item_03")).value};
-    while (ControlBounds(first).value.upper > 1) ASSERT_EQ(RemoveMenuitem(ControlElement(first, 2)), Ok);
-    EXPECT_EQ(ControlBounds(first).value.upper, 1);
+    while (ControlUbound(first).value > 1) ASSERT_EQ(RemoveMenuitem(ControlElement(first, 2)), Ok);
+    EXPECT_EQ(ControlUbound(first).value, 1);
     EXPECT_EQ(GetTypeof(first), "Menuitem");
     for (const int handle : before) EXPECT_TRUE(FindHandle(handle).empty());
     for (int i = 2; i <= 3; ++i)
         ASSERT_EQ(AddMenuitem(ControlElement(first, i - 1), "c" + std::to_string(i)), Ok);
-    EXPECT_EQ(ControlBounds(first).value.upper, 3);
+    EXPECT_EQ(ControlUbound(first).value, 3);
     for (int i = 1; i <= 3; ++i) {
         const Object item = ControlElement(first, i);
         EXPECT_EQ(item.number(), 201 + i);
-        EXPECT_EQ(ControlIndex(item).value, i);
+        EXPECT_EQ(Controlarraypos(item).value, i);
         EXPECT_FALSE(before.contains(GetHandle(item).value));
     }
     EXPECT_EQ(GetCaption(ControlElement(first, 3)).value, "c3");
@@ -1106,7 +1170,7 @@ TEST_F(ModelTest, AnItemMayBeRemovedInItsOwnEvent) {
         return true;
     };
     userCommand(control("item_02"));
-    EXPECT_EQ(ControlBounds(mine("item_01")).value.upper, 2);
+    EXPECT_EQ(ControlUbound(mine("item_01")).value, 2);
 }
 
 // ---- dialogs ----

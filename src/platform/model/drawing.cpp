@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Drawing on windows, images and printers.
+#include "platform/operations/drawing.h"
+
+#include "platform/model/access_internal.h"
+#include "platform/model/graph_internal.h"
+#include "platform/model/pictures.h"
+
+#include <algorithm>
+
+namespace tarn::platform {
+
+namespace {
+
+constexpr std::size_t TabColumns = 4;
+
+bool takesDrawing(Type type) {
+    return type == Type::Dialog || type == Type::Image;
+}
+
+Code notStarted(const Control& control) {
+    return control.type == Type::Printer ? PrintNotStarted : GraphicsNotStarted;
+}
+
+// The control that is drawn on, with its drawing.
+struct Target {
+    Control* control = nullptr;
+    Code code = Ok;
+    explicit Target(const Object& object) : control(findControl(object)) {
+        if (control == nullptr)
+            code = missing(object);
+        else if (control->graph == nullptr)
+            code = notStarted(*control);
+    }
+    [[nodiscard]] Graph& graph() const { return *control->graph; }
+    [[nodiscard]] Ink ink() const { return {control->foreColour, control->backColour}; }
+};
+
+// `draw` gets the canvas, the drawing and its colours; it is not called where nothing shows.
+template <class Draw>
+Code drawOn(const Object& object, Draw draw) {
+    const Target target(object);
+    if (target.code != Ok) return target.code;
+    if (target.graph().canvas != nullptr) draw(*target.graph().canvas, target.graph(), target.ink());
+    return Ok;
+}
+
+template <class T>
+Answer<T> askGraph(const Object& object, T Graph::*part) {
+    const Target target(object);
+    return target.code != Ok ? Answer<T>{T{}, target.code} : Answer<T>{target.graph().*part, Ok};
+}
+
+Code setPoint(const Object& object, int Graph::*part, int value) {
+    const Target target(object);
+    if (target.code == Ok) target.graph().*part = value;
+    return target.code;
+}
+
+std::string withoutTabs(std::string_view line) {
+    std::string out;
+    std::size_t column = 0;
+    for (const char c : line) {
+        const std::size_t blanks = c == '\t' ? TabColumns - column % TabColumns : 0;
+        out.append(blanks, ' ');
+        if (blanks == 0) out += c;
+        const bool follows =
+            (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;  // of a character of several bytes
+        column += blanks != 0 ? blanks : follows ? 0 : 1;
+    }
+    return out;
+}
+
+// How many bytes of the line fit into the width; at least one character.
+std::size_t fitting(const Control& control, std::string_view line, int width) {
+    if (view().textWidth(control, line) <= width) return line.size();
+    std::size_t low = 0, high = line.size();  // what fits, what does not
+    while (high - low > 1) {
+        const std::size_t middle = (low + high) / 2;
+        (view().textWidth(control, line.substr(0, middle)) <= width ? low : high) = middle;
+    }
+    const auto inside = [&](std::size_t at) {
+        return at < line.size() && (static_cast<unsigned char>(line[at]) & 0xC0U) == 0x80U;
+    };
+    while (low > 0 && inside(low)) --low;
+    if (low == 0)
+        for (low = 1; inside(low);) ++low;
+    return low;
+}
+
+void putLine(Control& control, std::string_view line) {
+    Graph& graph = *control.graph;
+    const int height = view().textHeight(control, line);
+    if (control.type == Type::Printer && graph.y > 0 &&
+        graph.y + height > view().paper(control.name).height) {
+        const int x = graph.x;
+        beginPage(graph);
+        graph.x = x;
+    }
+    if (graph.canvas != nullptr)
+        graph.canvas->text(graph.originX + graph.x, graph.originY + graph.y, line, control.font,
+                           {control.foreColour, control.backColour});
+    graph.y += height;
+}
+
+void putText(Control& control, std::string_view text) {
+    const bool breaks = control.type == Type::Printer;
+    const int room = breaks ? view().paper(control.name).width - control.graph->x : 0;
+    for (bool more = true; more;) {
+        const std::size_t end = text.find('\n');
+        more = end != std::string_view::npos && end + 1 < text.size();
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(more ? end + 1 : text.size());
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        const std::string plain = withoutTabs(line);
+        line = plain;
+        do {
+            const std::size_t count = breaks ? fitting(control, line, room) : line.size();
+            putLine(control, line.substr(0, count));
+            line.remove_prefix(count);
+        } while (!line.empty());
+    }
+}
+
+}  // namespace
+
+Graph& beginGraph(Control& control, std::unique_ptr<Canvas> canvas) {
+    control.graph = std::make_shared<Graph>();
+    Graph& graph = *control.graph;
+    graph.canvas = std::move(canvas);
+    graph.font = control.font;
+    graph.foreColour = control.foreColour;
+    graph.backColour = control.backColour;
+    return graph;
+}
+
+bool endGraph(Control& control) {
+    const std::shared_ptr<Graph> graph = std::exchange(control.graph, nullptr);
+    control.font = graph->font;
+    control.foreColour = graph->foreColour;
+    control.backColour = graph->backColour;
+    const bool whole = graph->canvas == nullptr || graph->canvas->finish();
+    return whole && !graph->failed;
+}
+
+void beginPage(Graph& graph) {
+    ++graph.page;
+    graph.x = graph.y = 0;
+    if (graph.canvas != nullptr && !graph.canvas->newPage()) graph.failed = true;
+}
+
+Code StartGraph(const Object& object, int x, int y) {
+    Control* const control = findControl(object);
+    if (control == nullptr) return missing(object);
+    if (!takesDrawing(control->type)) return GraphicsNotStarted;
+    if (control->graph != nullptr) endGraph(*control);
+    Graph& graph = beginGraph(*control, view().canvas(*control));
+    graph.originX = x;
+    graph.originY = y;
+    return Ok;
+}
+
+Code EndGraph(const Object& object) {
+    const Target target(object);
+    if (target.code != Ok) return target.control == nullptr ? target.code : GraphicsNotStarted;
+    if (target.control->type == Type::Printer) return GraphicsNotStarted;
+    endGraph(*target.control);
+    return Ok;
+}
+
+Code DrawLine(const Object& object, int x1, int y1, int x2, int y2) {
+    return drawOn(object, [=](Canvas& canvas, const Graph& g, Ink ink) {
+        canvas.line(g.originX + x1, g.originY + y1, g.originX + x2, g.originY + y2, ink);
+    });
+}
+
+Code DrawPoint(const Object& object, int x, int y) {
+    return drawOn(object, [=](Canvas& canvas, const Graph& g, Ink ink) {
+        canvas.point(g.originX + x, g.originY + y, ink);
+    });
+}
+
+Code DrawShape(const Object& object, ShapeKind kind, int x, int y, int w, int h) {
+    return drawOn(object, [=](Canvas& canvas, const Graph& g, Ink ink) {
+        if (w > 0 && h > 0) canvas.shape(kind, {g.originX + x, g.originY + y, w, h}, ink);
+    });
+}
+
+Code DrawTextstr(const Object& object, std::string_view text) {
+    const Target target(object);
+    if (target.code == Ok) putText(*target.control, text);
+    return target.code;
+}
+
+Code DrawPicture(const Object& object, std::string_view picture, int x, int y, int w, int h) {
+    const Target target(object);
+    if (target.code != Ok) return target.code;
+    const Answer<Picture> loaded = LoadPicture(picture);
+    if (loaded.code != Ok) return loaded.code;
+    const Rect place = {x, y, w > 0 ? w : loaded.value.width, h > 0 ? h : loaded.value.height};
+    return drawOn(object, [&](Canvas& canvas, const Graph& g, Ink) {
+        canvas.picture({g.originX + place.x, g.originY + place.y, place.w, place.h},
+                       PictureName(loaded.value));
+    });
+}
+
+Code DrawPicture(const Object& object, const Picture& picture, int x, int y, int w, int h) {
+    return DrawPicture(object, PictureName(picture), x, y, w, h);
+}
+
+Code DrawWindow(const Object& object, const Object& from) {
+    const Target target(object);
+    if (target.code != Ok) return target.code;
+    const Window* const window = findWindow(from);
+    if (window == nullptr) return WindowNotLoaded;
+    return drawOn(object, [&](Canvas& canvas, const Graph& g, Ink) {
+        canvas.window(g.originX + g.x, g.originY + g.y, *window);
+    });
+}
+
+Answer<int> GetCurrentX(const Object& object) {
+    return askGraph(object, &Graph::x);
+}
+Code SetCurrentX(const Object& object, int x) {
+    return setPoint(object, &Graph::x, x);
+}
+Answer<int> GetCurrentY(const Object& object) {
+    return askGraph(object, &Graph::y);
+}
+Code SetCurrentY(const Object& object, int y) {
+    return setPoint(object, &Graph::y, y);
+}
+
+}  // namespace tarn::platform

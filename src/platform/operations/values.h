@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Windowing operations: captions, texts and values. A control that lacks the property answers with an empty
+// value and takes no new one, without an error. Cost: constant, but for the text itself.
+#pragma once
+
+#include "platform/object.h"
+
+namespace tarn::platform {
+
+// The caption of a printer is the name of the document that is printed next.
+Answer<std::string> GetCaption(const Object& object);
+Code SetCaption(const Object& object, std::string_view caption);
+// The text of the clipboard is what Copy put there.
+Answer<std::string> GetText(const Object& object);
+Code SetText(const Object& object, std::string_view text);
+Answer<int> GetTextLength(const Object& object);
+Answer<std::string> GetTokens(const Object& object);
+Code SetTokens(const Object& object, std::string_view tokens);
+Answer<std::string> GetSelText(const Object& object);
+// Replaces the selection, in one undo step, and sends CHANGE_EVENT as a user's edit does (SetText sends
+// none).
+Code SetSelText(const Object& object, std::string_view text);
+Answer<Selection> GetSelection(const Object& object);
+Code SetSelection(const Object& object, int start, int length);  // scrolls it into view
+Answer<int> GetValue(const Object& object);  // check box, radio button, scroll and progress bar
+Code SetValue(const Object& object, int value);
+Answer<bool> GetChecked(const Object& object);
+Code SetChecked(const Object& object, bool checked);
+Answer<bool> GetModify(const Object& object);
+Code SetModify(const Object& object, bool modified);
+Answer<bool> GetReadonly(const Object& object);
+Answer<int> GetMaxLength(const Object& object);
+Code SetMaxLength(const Object& object, int length);
+Answer<int> GetPasswordChar(const Object& object);
+Code SetPasswordChar(const Object& object, int character);
+Answer<std::string> GetCombotext(const Object& object);
+Code SetCombotext(const Object& object, std::string_view text);
+Answer<int> GetCombostyle(const Object& object);  // 0 simple, 1 drop-down, 2 drop-down list
+Answer<int> GetMin(const Object& object);
+Code SetMin(const Object& object, int value);
+Answer<int> GetMax(const Object& object);
+Code SetMax(const Object& object, int value);
+Answer<bool> GetEnabled(const Object& object);
+Code SetEnabled(const Object& object, bool enabled);
+Answer<int> GetFlags(const Object& object);
+Code SetFlags(const Object& object, int flags);
+Answer<int> GetBorderStyle(const Object& object);  // a window: 0 none, 1 fixed, 2 sizable
+// A picture is named by its resource name, its file, or what PictureName gives for a picture value.
+Answer<std::string> GetPicture(const Object& object);
+Code SetPicture(const Object& object, std::string_view picture);
+Code SetPicture(const Object& object, const Picture& picture);
+
+}  // namespace tarn::platform

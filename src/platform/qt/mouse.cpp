@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/mouse.h"
+
+#include "platform/qt/frame.h"
+#include "platform/qt/surface.h"
+
+#include <QContextMenuEvent>
+#include <QMouseEvent>
+
+#include <optional>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+QPoint pressed;
+
+// Where an event of the mouse is on the screen; none for other events, and other buttons.
+std::optional<QPoint> placeOf(const QEvent& event) {
+    if (event.type() == QEvent::ContextMenu) return static_cast<const QContextMenuEvent&>(event).globalPos();
+    if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonDblClick) return {};
+    const auto& mouse = static_cast<const QMouseEvent&>(event);
+    if (mouse.button() != Qt::LeftButton) return {};
+    return mouse.globalPosition().toPoint();
+}
+
+// An event that a widget ignores climbs to its parents; it is heard once, where it starts. A key asks for the
+// menu of what has the focus, wherever the mouse is.
+bool startsAt(const QWidget& receiver, const Frame& frame, const QEvent& event, QPoint global) {
+    const bool byKey = event.type() == QEvent::ContextMenu &&
+                       static_cast<const QContextMenuEvent&>(event).reason() == QContextMenuEvent::Keyboard;
+    const QWidget* const start = byKey ? frame.focusWidget() : frame.childAt(frame.mapFromGlobal(global));
+    return &receiver == start;
+}
+
+// A double click on these is no more than two clicks, or is told by the widget itself.
+bool hearsDoubleClick(const Control& control) {
+    switch (control.type) {
+    case Type::Dialog:
+    case Type::Label:
+    case Type::Groupbox:
+    case Type::Shape:
+    case Type::Icon:
+    case Type::Image:
+    case Type::Progressbar: return true;
+    default: return false;
+    }
+}
+
+bool tell(Control& control, QEvent::Type type, QPoint at) {
+    switch (type) {
+    case QEvent::MouseButtonPress: return userMouseDown(control, at.x(), at.y());
+    case QEvent::MouseButtonDblClick:
+        if (hearsDoubleClick(control)) userDoubleClick(control, at.x(), at.y());
+        return false;
+    default:
+        // The text of an edit window has a menu of its own; its status bar tells for itself.
+        return !isEditWindowType(control.type) && userInfo(control, at.x(), at.y());
+    }
+}
+
+}  // namespace
+
+bool hearMouse(QWidget& receiver, QEvent& event) {
+    const std::optional<QPoint> global = placeOf(event);
+    Frame* const frame = global ? frameOfWidget(&receiver) : nullptr;
+    if (frame == nullptr || frame->model() == nullptr) return false;
+    const QWidget& client = frame->client();
+    if (&receiver != &client && !client.isAncestorOf(&receiver)) return false;
+    if (!startsAt(receiver, *frame, event, *global)) return false;
+    if (event.type() == QEvent::MouseButtonPress) pressed = *global;
+    Control* control = frame->controlOf(&receiver);
+    if (control == nullptr || !control->enabled) control = frame->model();
+    const QPointer<QWidget> alive(&receiver);
+    const bool handled = tell(*control, event.type(), client.mapFromGlobal(*global));
+    return handled || alive.isNull() || frameOfWidget(&receiver) == nullptr;
+}
+
+QPoint lastPress() {
+    return pressed;
+}
+
+}  // namespace tarn::platform::qt

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/paintcanvas.h"
+
+#include "platform/qt/frame.h"
+#include "platform/qt/pictures.h"
+#include "platform/qt/surface.h"
+#include "platform/qt/texts.h"
+#include "platform/qt/widgets.h"
+
+#include <QApplication>
+#include <QFontMetrics>
+#include <QPixmap>
+
+#include <algorithm>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+constexpr int Corner = 8;  // pixels of a round rectangle's corner
+
+QPen penOf(const QColor& colour, int width) {
+    if (!colour.isValid()) return {Qt::NoPen};
+    return QPen(colour, width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin);
+}
+
+// A frame of whole pixels, without the painter's pen, which would count half of itself to the outside.
+void frameRect(QPainter& painter, const QRect& r, const QColor& colour, int width) {
+    const int w = std::min({width, r.width(), r.height()});
+    painter.fillRect(r.x(), r.y(), r.width(), w, colour);
+    painter.fillRect(r.x(), r.bottom() - w + 1, r.width(), w, colour);
+    painter.fillRect(r.x(), r.y(), w, r.height(), colour);
+    painter.fillRect(r.right() - w + 1, r.y(), w, r.height(), colour);
+}
+
+void paintRound(QPainter& painter, ShapeKind kind, const QRect& r, const QColor& fore, const QColor& back,
+                int width) {
+    const qreal half = width / 2.0;
+    const QRectF edge = QRectF(r).adjusted(half, half, -half, -half);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(penOf(fore, width));
+    painter.setBrush(back.isValid() ? QBrush(back) : QBrush(Qt::NoBrush));
+    if (kind == ELLIPSE_SHAPE)
+        painter.drawEllipse(edge);
+    else
+        painter.drawRoundedRect(edge, Corner * width, Corner * width);
+    painter.restore();
+}
+
+}  // namespace
+
+QColor colourOf(int value) {
+    return {value & 0xFF, value >> 8 & 0xFF, value >> 16 & 0xFF};
+}
+
+void paintShape(QPainter& painter, ShapeKind kind, const QRect& r, const QColor& fore, const QColor& back,
+                int width) {
+    const int w = std::min({width, r.width(), r.height()});
+    switch (kind) {
+    case ROUNDRECTANGLE_SHAPE:
+    case ELLIPSE_SHAPE: return paintRound(painter, kind, r, fore, back, width);
+    case HORIZONTALLINE_SHAPE:
+        if (fore.isValid()) painter.fillRect(r.x(), r.y() + (r.height() - w) / 2, r.width(), w, fore);
+        return;
+    case VERTICALLINE_SHAPE:
+        if (fore.isValid()) painter.fillRect(r.x() + (r.width() - w) / 2, r.y(), w, r.height(), fore);
+        return;
+    default:
+        if (back.isValid()) painter.fillRect(r, back);
+        if (fore.isValid() && fore != back) frameRect(painter, r, fore, width);
+    }
+}
+
+void PaintCanvas::line(int x1, int y1, int x2, int y2, Ink ink) {
+    if (!ready()) return;
+    const QColor colour = foreOf(ink);
+    if (y1 == y2) return painter_.fillRect(std::min(x1, x2), y1, std::abs(x2 - x1) + width_, width_, colour);
+    if (x1 == x2) return painter_.fillRect(x1, std::min(y1, y2), width_, std::abs(y2 - y1) + width_, colour);
+    painter_.setPen(penOf(colour, width_));
+    painter_.drawLine(x1, y1, x2, y2);
+}
+
+void PaintCanvas::point(int x, int y, Ink ink) {
+    if (ready()) painter_.fillRect(x, y, width_, width_, foreOf(ink));
+}
+
+void PaintCanvas::shape(ShapeKind kind, const Rect& r, Ink ink) {
+    if (!ready()) return;
+    paintShape(painter_, kind, {r.x, r.y, r.w, r.h}, foreOf(ink),
+               ink.back < 0 ? QColor() : colourOf(ink.back), width_);
+}
+
+void PaintCanvas::text(int x, int y, std::string_view line, const Font& font, Ink ink) {
+    if (!ready()) return;
+    if (font_ != font) {
+        painter_.setFont(qtFont(font, QApplication::font()));
+        font_ = font;
+    }
+    const QString text = shown(line);
+    const QFontMetrics metrics = painter_.fontMetrics();
+    if (ink.back >= 0)
+        painter_.fillRect(x, y, metrics.horizontalAdvance(text), metrics.height(), colourOf(ink.back));
+    painter_.setPen(foreOf(ink));
+    painter_.drawText(x, y + metrics.ascent(), text);
+}
+
+void PaintCanvas::picture(const Rect& r, const std::string& name) {
+    if (!ready()) return;
+    const QPixmap pixmap = pictureScaled(name, {r.w, r.h}, painter_.device()->devicePixelRatioF());
+    if (!pixmap.isNull()) painter_.drawPixmap(QRect(r.x, r.y, r.w, r.h), pixmap);
+}
+
+void PaintCanvas::window(int x, int y, const Window& window) {
+    Frame* const frame = frameOf(window);
+    if (!ready() || frame == nullptr) return;
+    const QPixmap pixmap = frame->client().grab();
+    const QSize size = frame->client().size() * width_;
+    painter_.drawPixmap(QRect(QPoint(x, y), size), pixmap);
+}
+
+}  // namespace tarn::platform::qt

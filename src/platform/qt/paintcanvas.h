@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Drawing with the toolkit's painter, the same on screens and on paper. Cost: fonts and pens are set when they
+// change.
+#pragma once
+
+#include "platform/model/canvas.h"
+
+#include <QColor>
+#include <QFont>
+#include <QPainter>
+
+#include <optional>
+
+namespace tarn::platform::qt {
+
+QColor colourOf(int value);  // 0xBBGGRR
+
+// Draws a shape so that it covers exactly `rect`; a fore or back colour that is not valid is left out.
+void paintShape(QPainter& painter, ShapeKind kind, const QRect& rect, const QColor& fore, const QColor& back,
+                int lineWidth = 1);
+
+class PaintCanvas : public Canvas {
+public:
+    // The desktop's fore colour, and how wide lines are.
+    PaintCanvas(QColor fore, int lineWidth) : fore_(std::move(fore)), width_(lineWidth) {}
+    void line(int x1, int y1, int x2, int y2, Ink ink) override;
+    void point(int x, int y, Ink ink) override;
+    void shape(ShapeKind kind, const Rect& rect, Ink ink) override;
+    void text(int x, int y, std::string_view line, const Font& font, Ink ink) override;
+    void picture(const Rect& rect, const std::string& name) override;
+    void window(int x, int y, const Window& window) override;
+
+protected:
+    [[nodiscard]] virtual bool ready() { return painter_.isActive(); }
+    QPainter painter_;
+
+private:
+    [[nodiscard]] QColor foreOf(Ink ink) const { return ink.fore < 0 ? fore_ : colourOf(ink.fore); }
+
+    QColor fore_;
+    int width_;
+    std::optional<Font> font_;  // that the painter has
+};
+
+}  // namespace tarn::platform::qt

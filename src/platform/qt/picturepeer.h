@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Shapes, icons and images.
+#pragma once
+
+#include "platform/qt/widgets.h"
+
+namespace tarn::platform::qt {
+
+Peer* makePicturePeer(Control& control, QWidget* parent);
+
+}  // namespace tarn::platform::qt

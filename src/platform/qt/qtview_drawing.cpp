@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The view's drawing, dragging, pictures, printing and clipboard.
+#include "platform/qt/frame.h"
+#include "platform/qt/mouse.h"
+#include "platform/qt/pictures.h"
+#include "platform/qt/printing.h"
+#include "platform/qt/qtview.h"
+#include "platform/qt/surface.h"
+#include "platform/qt/texts.h"
+#include "platform/qt/tracker.h"
+#include "platform/qt/widgets.h"
+
+#include <QApplication>
+#include <QClipboard>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+// What is drawn on; null for a control that has no picture of its own.
+SurfaceWidget* surfaceOf(Control& control) {
+    if (isWindowType(control.type)) {
+        Frame* const frame = frameOf(static_cast<Window&>(control));
+        return frame == nullptr ? nullptr : &frame->client();
+    }
+    const Peer* const peer = peerOf(control);
+    return peer == nullptr ? nullptr : dynamic_cast<SurfaceWidget*>(peer->widget());
+}
+
+}  // namespace
+
+std::unique_ptr<Canvas> QtView::canvas(Control& control) {
+    SurfaceWidget* const surface = surfaceOf(control);
+    return surface == nullptr ? nullptr : surface->canvas();
+}
+
+void QtView::wipe(Control& control) {
+    if (SurfaceWidget* const surface = surfaceOf(control); surface != nullptr) surface->wipe();
+}
+
+Rect QtView::track(Window& window, Track track) {
+    Frame* const frame = frameOf(window);
+    if (frame == nullptr || !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) return track.start;
+    const QPoint at = frame->client().mapFromGlobal(lastPress());
+    track.pressed = {at.x(), at.y()};
+    Tracker tracker(frame->client(), track);
+    loop([&] { return tracker.done(); });
+    return tracker.result();
+}
+
+Picture QtView::measured(std::string_view bytes) {
+    const QSize size = measuredSize(bytes);
+    return {size.width(), size.height(), 0};
+}
+
+std::string QtView::encoded(const std::string& picture, const std::string& extension) {
+    return encodedPicture(picture, extension);
+}
+
+std::vector<std::string> QtView::printers() {
+    return qt::printers();
+}
+
+PrinterStatus QtView::printerStatus(const std::string& printer) {
+    return qt::printerStatus(printer);
+}
+
+Paper QtView::paper(const std::string& printer) {
+    return paperOf(printer);
+}
+
+std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const std::string& document) {
+    return qt::startDocument(printer, document);
+}
+
+std::string QtView::clipboard() {
+    return QGuiApplication::clipboard()->text().toStdString();
+}
+
+void QtView::setClipboard(std::string_view text) {
+    QGuiApplication::clipboard()->setText(shown(text));
+}
+
+}  // namespace tarn::platform::qt
