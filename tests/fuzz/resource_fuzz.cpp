@@ -66,6 +66,8 @@ void edit(const RcFile& parsed, const std::string& name) {
     expect(renamed.find("renamed_by_no_seed") != nullptr && renamed.find(name) == nullptr);
     if (!deleteStatement(removed, file, name).empty()) return;
     expect(removed.find(name) == nullptr && listStatements(removed, file, "*", name).text.empty());
+    // A byte order mark that comes to the start of the text hides nothing there any more.
+    if (removed.text.starts_with("\xef\xbb\xbf") != parsed.text.starts_with("\xef\xbb\xbf")) return;
     std::string left;
     for (const RcStatement& statement : parsed.statements)
         if (statement.kind != RcKind::Unknown && statement.kind != RcKind::Define &&
