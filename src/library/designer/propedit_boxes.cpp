@@ -106,7 +106,7 @@ bool COLORBOXDLG(const Object& window, int event, const Object& control, int par
     bool result = false;
     if (event == KEYPRESS_EVENT) result = colourKey(window, parameter);
     if (event == COMMAND_EVENT && !control.isWindow()) {
-        markColour(window, ControlIndex(control));
+        markColour(window, Controlarraypos(control));
         Hide(window);
         result = true;
     }
@@ -259,7 +259,7 @@ std::optional<int> detail::chooseBits(const BoxPlace& place, const Lines& lines,
     STAMP();
     if (!open(InclusiveBoxDlg, INCLUSIVEBOXDLG, place)) return std::nullopt;
     STAMP();
-    const int boxes = ControlBounds(FINDCONTROL(InclusiveBoxDlg, "chkoption1")).upper;
+    const int boxes = ControlUbound(FINDCONTROL(InclusiveBoxDlg, "chkoption1"));
     const int count = std::min(static_cast<int>(lines.size()), boxes);
     showBits(InclusiveBoxDlg, lines, count, bits);
     fitBits(InclusiveBoxDlg, place, lines, count);

@@ -33,7 +33,7 @@ struct Row {
 };
 
 int rowsOf(const Object& window) {
-    return ControlBounds(FINDCONTROL(window, rowParts[0])).upper;
+    return ControlUbound(FINDCONTROL(window, rowParts[0]));
 }
 
 bool isHidden(std::string_view options) {
@@ -197,7 +197,7 @@ bool PROPERTIESDLG(const Object& window, int event, const Object& control, int p
 int CHECKALLVALUES(const Object& labels, const Object& edits, const Object& options) {
     FRAME(CHECKALLVALUES);
     STAMP();
-    const int rows = ControlBounds(labels).upper;
+    const int rows = ControlUbound(labels);
     for (int n = 1; n <= rows; ++n) {
         STAMP();
         const Object edit = ControlElement(edits, n);
