@@ -202,5 +202,29 @@ TEST_F(RegistryTest, savesDoNotWaitForTheDisk) {
     for (const std::string& line : disk_.log()) EXPECT_FALSE(line.starts_with("sync")) << line;
 }
 
+TEST_F(RegistryTest, AValueTellsWhatIsKnownOfIt) {
+    struct Case {
+        const char* value;
+        std::int64_t length;
+        bool number;
+    };
+    for (const Case& one : {Case{"", 0, false},
+                            {"12", 2, true},
+                            {"-7", 2, true},
+                            {"+", 1, false},
+                            {"1.5", 3, false},
+                            {"text", 4, false},
+                            {"two\nlines", 9, false}}) {
+        ASSERT_EQ(RegSaveSetting("Key", "name", one.value), "");
+        const RegInfo info = RegGetSettingInfo("KEY", "Name");
+        EXPECT_TRUE(info.exists) << one.value;
+        EXPECT_EQ(info.length, one.length) << one.value;
+        EXPECT_EQ(info.number, one.number) << one.value;
+    }
+    EXPECT_FALSE(RegGetSettingInfo("Key", "other").exists);
+    EXPECT_FALSE(RegGetSettingInfo("Other", "name").exists);
+    EXPECT_EQ(RegGetSettingInfo("", "").length, 0);
+}
+
 }  // namespace
 }  // namespace tarn::platform
