@@ -4,6 +4,8 @@
 // on the screen. Each gives the answer, or nothing if the user cancelled.
 #pragma once
 
+#include "kernel/windows/windowing.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +16,7 @@ namespace tarn::detail {
 struct BoxPlace {
     int x = 0, y = 0;  // screen pixels
     std::string title;
+    Object owner{};  // the window that the place belongs to
 };
 
 std::optional<int> chooseBasicColour(const BoxPlace& place, int colour);

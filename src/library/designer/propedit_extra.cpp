@@ -27,9 +27,15 @@ std::string numberText(int number, bool hex, int width) {
 
 // Each of these lets the user choose, and gives the new value, or the old one.
 
-std::string colour(const Options&, const BoxPlace& place, const std::string& value) {
-    const int before = detail::numberOf(STRTRIM(value)).value_or(0);
-    const std::optional<int> chosen = detail::chooseBasicColour(place, before);
+std::optional<int> chooseAnyColour(const BoxPlace& place, int before) {
+    constexpr int allBits = 0xFFFFFF;
+    const int shown = before & allBits, chosen = ColourDialog(place.owner, shown);
+    return chosen != shown ? std::optional(chosen) : std::nullopt;
+}
+
+std::string colour(const Options& options, const BoxPlace& place, const std::string& value) {
+    const auto choose = options.isBasicColour() ? detail::chooseBasicColour : chooseAnyColour;
+    const std::optional<int> chosen = choose(place, detail::numberOf(STRTRIM(value)).value_or(0));
     return chosen ? numberText(*chosen, isHex(value), 6) : value;
 }
 
@@ -101,14 +107,14 @@ bool EXTRAPROPS(std::string_view options) {
     return extraOf(Options(options)) != nullptr;
 }
 
-bool EXTRAPROPS(std::string_view text, const Object&, int x, int y, const std::string& title,
+bool EXTRAPROPS(std::string_view text, const Object& window, int x, int y, const std::string& title,
                 std::string& value) {
     FRAME(EXTRAPROPS);
     STAMP();
     const Options options(text);
     const Extra* const extra = extraOf(options);
     if (extra == nullptr) return false;
-    value = extra->choose(options, {x, y, title}, value);
+    value = extra->choose(options, {x, y, title, window}, value);
     STAMP();
     return true;
 }

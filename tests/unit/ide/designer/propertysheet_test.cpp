@@ -490,6 +490,25 @@ TEST_F(PropertySheet, BasicColoursAreChosenByClickOrKeys) {
     }
 }
 
+TEST_F(PropertySheet, ColoursBeyondTheSixteenAreChosenFromAll) {
+    const struct {
+        const char *before, *answer, *after;
+    } cases[] = {
+        {"0x0000FF", "0x123456", "0x123456"},
+        {"255", "0x123456", "1193046"},
+        {"0x0000FF", "", "0x0000FF"},  // cancelled
+        {"red", "", "red"},
+        {"-1", "", "-1"},
+        {"-1", "0x000001", "1"},
+    };
+    for (const auto& one : cases) {
+        std::string value = one.before;
+        answers = {one.answer};
+        EXPECT_TRUE(EXTRAPROPS("COLOUR", Object(), 10, 10, "BACKCOLOUR Property", value));
+        EXPECT_EQ(value, one.after) << one.before << " " << one.answer;
+    }
+}
+
 TEST_F(PropertySheet, TheMarkStandsAroundTheColour) {
     std::string value = "0x00FFFF";
     doings = {[] {
