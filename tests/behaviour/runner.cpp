@@ -4,11 +4,13 @@
 //
 // The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is
 // another one beside it, made of links, so that the case has its own settings; what lies in the case's
-// `profile` folder replaces what is linked. Exit status 0: as expected; 77: skipped; 1: not, with what was on
+// `profile` folder replaces what is linked, and what lies in its `state` folder was left by an earlier run. Exit
+// status 0: as expected; 77: skipped; 1: not, with what was on
 // screen.
 #include "behaviour/hands.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
+#include "library/settings/initext.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/view.h"
@@ -90,6 +92,29 @@ void prepareEnvironment() {
     }
 }
 
+void prepareSettings(const std::string& file, const tarn::Script& script) {
+    if (script.settings.empty()) return;
+    std::string text = readAll(file);
+    for (const auto& [section, key, value] : script.settings) tarn::ini::put(text, section, key, value);
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+// What earlier runs have left: the case's `state` folder, with {dir} in its names of files put in.
+void prepareState(const std::string& from, const std::string& dir) {
+    if (!fs::exists(from + "state")) return;
+    for (const auto& entry : fs::recursive_directory_iterator(from + "state")) {
+        const fs::path to = root + fs::relative(entry.path(), from).string();
+        if (entry.is_directory()) {
+            fs::create_directories(to);
+            continue;
+        }
+        std::string text = readAll(entry.path().string());
+        const std::size_t mark = to.extension() == ".name" ? text.find("{dir}") : std::string::npos;
+        if (mark != std::string::npos) text = text.substr(0, mark) + dir + text.substr(mark + 5);
+        std::ofstream(to, std::ios::binary) << text;
+    }
+}
+
 void setProgram(const std::string& profile, const std::vector<std::string>& arguments) {
     static std::vector<std::string> words;
     words = {profile + "ide"};
@@ -132,7 +157,9 @@ int main(int argc, char** argv) {
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
     if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
+    prepareSettings(profile + "ide.ini", script);
     prepareEnvironment();
+    prepareState(from, dir);
     fs::current_path(dir);
     setProgram(profile, script.arguments);
     tarn::os::useEndHook(programEnded);
