@@ -39,7 +39,7 @@ void removePair(const std::string& stem) {
 bool bringBack(const std::string& file, const std::string& text) {
     EDITWNDNEW(SDIEdit, "");
     if (EDITWNDGETFILENAME(SDIEdit) != Untitled) return false;
-    SetCaption(SDIEdit, file);
+    EDITWNDSETFILENAME(SDIEdit, file);
     EDITWNDSETTOKENS(SDIEdit, GETTOKENLEVEL());
     SetText(SDIEdit, text);
     SetModify(SDIEdit, true);
