@@ -140,7 +140,13 @@ void QtView::unload(Window& window) {
 }
 
 void QtView::show(Window& window) {
-    if (Frame* frame = frameOf(window); frame != nullptr) frame->bringUp();
+    if (Frame* frame = frameOf(window); frame != nullptr) bringUp(*frame);
+}
+
+// The model counts a window as active from here on; the window system follows in its own time.
+void QtView::bringUp(Frame& frame) {
+    noteLatest(frame);
+    frame.bringUp();
 }
 
 void QtView::hide(Window& window) {
@@ -154,7 +160,7 @@ void QtView::hide(Window& window) {
 void QtView::raise(Window& window) {
     Frame* frame = frameOf(window);
     if (frame == nullptr || !window.shown) return;
-    frame->bringUp();
+    bringUp(*frame);
     QApplication::alert(frame);  // where the desktop does not let a program push itself forward
 }
 
@@ -179,13 +185,24 @@ void QtView::activateBelow(Frame* gone) {
 }
 
 void QtView::activated() {
-    Frame* frame = frameOfWidget(QApplication::activeWindow());
+    // While a menu is open the toolkit does not follow the focus, and would name the window before.
+    if (QApplication::activePopupWidget() != nullptr) return;
+    const QWindow* focus = QGuiApplication::focusWindow();
+    Frame* frame = frameOfWidget(focus != nullptr ? QWidget::find(focus->winId()) : nullptr);
     std::erase_if(order_, [](const QPointer<Frame>& other) { return other.isNull(); });
     if (frame == nullptr || frame->window().widget == nullptr || !frame->isVisible()) return;
-    if (!order_.empty() && order_.back() == frame) return;
-    std::erase(order_, QPointer<Frame>(frame));
-    order_.emplace_back(frame);
-    userActivate(frame->window());
+    enter(*frame);
+}
+
+void QtView::noteLatest(Frame& frame) {
+    std::erase(order_, QPointer<Frame>(&frame));
+    order_.emplace_back(&frame);
+}
+
+void QtView::enter(Frame& frame) {
+    if (!order_.empty() && order_.back() == &frame) return;
+    noteLatest(frame);
+    userActivate(frame.window());
 }
 
 // ---- loops ----
@@ -394,6 +411,9 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
         if (type == QEvent::Close) event->ignore();
         return true;
     }
+    // The focus follows a click in the window system's own time, which may be after the command of a button;
+    // the command has to know where its user was.
+    if (type == QEvent::MouseButtonPress && over != nullptr) enter(*frameOfWidget(widget));
     return type == QEvent::KeyPress && key(receiver, *static_cast<QKeyEvent*>(event));
 }
 
@@ -440,6 +460,7 @@ bool QtView::openMainMenu(Frame& frame, QKeyEvent& event) {
         if (QKeySequence::mnemonic(action->text()) != wanted || !action->isEnabled()) continue;
         main->raise();
         main->activateWindow();
+        enter(*main);  // a key may pick from the menu before the window system has given the focus
         main->bar().setActiveAction(action);
         return true;
     }
