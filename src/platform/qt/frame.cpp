@@ -210,7 +210,10 @@ void Frame::apply(Property property) {
     switch (property) {
     case Property::Caption: applyTitle(); break;
     case Property::Position: place(); break;
-    case Property::MinMax: applyLimits(); break;
+    case Property::MinMax:
+        applyLimits();
+        if (large_ && capped()) maximiseWithin();
+        break;
     case Property::State: applyState(); break;
     case Property::Enabled: setEnabled(window_->enabled); break;
     case Property::Visible:
@@ -325,12 +328,19 @@ void Frame::maximiseWithin() {
     if (!large_) normal_ = geometry();
     large_ = true;
     showNormal();
-    const Rect& to = window_->maximum_;
-    const QRect room = screen()->availableGeometry();
-    const Rect margins = extents();
-    const int bar = barHeight();
-    resize(std::min(to.w, room.width() - margins.w), std::min(to.h + bar, room.height() - margins.h + bar));
-    move(to.x, to.y);
+    resize(largestSize());
+    move(window_->maximum_.x, window_->maximum_.y);
+    // A window system that has just taken the whole screen may place the window by the frame it had there.
+    for (const int milliseconds : {100, 400})
+        QTimer::singleShot(milliseconds, this, [this] { settleLarge(); });
+}
+
+void Frame::settleLarge() {
+    if (window_ == nullptr || !large_ || !capped() || isMaximized()) return;
+    const Flag quiet(applying_);
+    if (size() != largestSize()) resize(largestSize());
+    const QPoint corner(window_->maximum_.x, window_->maximum_.y);
+    if (frameGeometry().topLeft() != corner) move(corner);
 }
 
 void Frame::applyState() {
@@ -352,6 +362,10 @@ void Frame::applyState() {
 
 void Frame::report() {
     if (window_ == nullptr || applying_ || !isVisible() || window_->closing) return;
+    // Until the frame has been seen, what the widget tells is not the size of the window.
+    const QMargins margins = windowHandle() != nullptr ? windowHandle()->frameMargins() : assumed_;
+    if (margins.isNull() && !assumed_.isNull()) return;  // settle() will look again
+    if (margins != assumed_ && !isMaximized()) return settle();
     const int state = isMinimized() ? 1 : isMaximized() || large_ ? 2 : 0;
     const QRect frame = frameGeometry();
     const Rect now =
@@ -365,6 +379,7 @@ void Frame::report() {
 // frame.
 void Frame::settle() {
     if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
+    if (isMaximized()) return report();  // with another frame, or none
     const QMargins margins = windowHandle()->frameMargins();
     const bool news = margins != assumed_;
     const QSize before(window_->position.w - assumed_.left() - assumed_.right(),
@@ -445,7 +460,9 @@ void Frame::focusFirst() {
 void Frame::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     layOut();
-    QTimer::singleShot(60, this, [this] { settle(); });
+    // The window system tells the width of the frame in its own time, and not always with an event.
+    for (const int milliseconds : {60, 250, 1000})
+        QTimer::singleShot(milliseconds, this, [this] { settle(); });
 }
 
 void Frame::closeEvent(QCloseEvent* event) {
