@@ -366,7 +366,13 @@ bool QtView::openUrl(const std::string& url) {
 
 void QtView::toolProgress(const std::string& text) {
     if (progress_ == nullptr && text.empty()) return;
-    if (progress_ == nullptr) progress_ = std::make_unique<ToolProgress>();
+    if (progress_ == nullptr) {
+        progress_ = std::make_unique<ToolProgress>();
+        progress_->gone = [this] {
+            if (!order_.empty() && !order_.back().isNull() && order_.back()->isVisible())
+                order_.back()->activateWindow();
+        };
+    }
     progress_->setText(text);
 }
 
