@@ -500,6 +500,7 @@ void RUNIDE() {
     DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
     REGISTERWINDOWS();
     SetRescueHook(RESCUETEXT);
+    ListenForEnd();
     {
         FRAME(RUNIDE);
         STAMP();

@@ -56,8 +56,7 @@ bool offerPair(const std::string& stem) {
     if (!whole) return false;
     const std::string answer = MsgBox(
         "Rescued Text",
-        "The environment was stopped by an error while the following file had unsaved changes:\n\n\t'" +
-            file +
+        "The environment was stopped while the following file had unsaved changes:\n\n\t'" + file +
             "'\n\nIts text was kept. Restore it as an unsaved change, delete it, or be asked again at the "
             "next start?",
         "&Restore\n&Delete\n&Later", BoxIcon::Question);
@@ -72,7 +71,8 @@ bool offerCopy(const std::string& copy) {
         MsgBox("Rescued Text",
                "A save was interrupted before it had finished. The whole text was kept in the "
                "following file:\n\n\t'" +
-                   copy + "'\n\nOpen it, delete it, or be asked again at the next start?",
+                   copy + "'\n\n" + (named ? "It belongs to:\n\n\t'" + file + "'\n\n" : "") +
+                   "Open it, delete it, or be asked again at the next start?",
                "&Open\n&Delete\n&Later", BoxIcon::Question);
     if (answer == "&Delete") os::files().remove(copy);
     if (answer == "&Open") EDITWNDOPEN(SDIEdit, copy, false, 0);
@@ -86,8 +86,10 @@ void RESCUETEXT() {
     const std::string file = EDITWNDGETFILENAME(SDIEdit);
     const std::string stem = rescueStem(file);
     os::makeFolders(os::rescueFolder());
-    if (os::saveFile(stem + std::string(textEnd), GetText(SDIEdit)).ok())
-        static_cast<void>(os::saveFile(stem + std::string(nameEnd), file));
+    // The name first: a text that is there at all can then be given back to its file.
+    if (os::saveFile(stem + std::string(nameEnd), file).ok() &&
+        !os::saveFile(stem + std::string(textEnd), GetText(SDIEdit)).ok())
+        removePair(stem);
 }
 
 bool OFFERRESCUEDTEXT() {

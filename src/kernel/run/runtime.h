@@ -121,6 +121,9 @@ void RunProtected(void (*program)());
 // Called before any halt that an error causes, so that nothing the user typed is lost. Null: none.
 using RescueHook = void (*)();
 void SetRescueHook(RescueHook hook);
+// From now on the end of the session, or a signal that asks for an end, calls the hook and halts. Makes the
+// view.
+void ListenForEnd();
 
 // 0 no frames, 1 frames, 2 frames and the debugger (falls back to 1 while the main source is missing or
 // empty).

@@ -7,15 +7,20 @@
 // exception is the rescue hook, which saves what the user typed and cannot do so without allocating. A fault
 // inside it, or a hang (a lock that the fault left taken), leads back to the report after at most
 // rescueSeconds.
+//
+// A wish that the program end (os/session.h) is no fault: it goes through the event loop, rescues and halts.
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
 #include "os/process.h"
+#include "os/session.h"
+#include "platform/model/view.h"
 
 #include <array>
 #include <csetjmp>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <sys/mman.h>
@@ -28,6 +33,7 @@ namespace {
 constexpr std::size_t stackBytes = std::size_t{4} << 20;  // committed as it is used
 constexpr unsigned rescueSeconds = 10;
 constexpr int faultExitCode = 1;
+constexpr int signalExitBase = 128;  // as shells report it
 
 RescueHook rescueHook = nullptr;
 volatile std::sig_atomic_t rescueRunning = 0, faults = 0;
@@ -93,6 +99,17 @@ void onFault(int signal, siginfo_t* info, void*) {
     rescueGuarded();
     ReportFatalHere(codeOf(signal, info->si_code));
     _exit(faultExitCode);
+}
+
+// In a handler: the event loop has not come round to the end that was asked for.
+void endLate(int signal) {
+    rescueGuarded();
+    _exit(signalExitBase + signal);
+}
+
+// What ends a program behind its back, as the toolkit does when the screen is gone, still runs this.
+void rescueAtExit() {
+    if (!ProcessIsEnding()) RescueOnce();
 }
 
 // Puts the handlers in place for its lifetime, and the former ones back.
@@ -188,7 +205,18 @@ void RunTimeFatal(std::int32_t code, std::string_view message, std::string_view 
     os::endProcess(faultExitCode);
 }
 
+void ListenForEnd() {
+    os::listenForEnd(endLate);
+    platform::view().watch(os::endDescriptor(), [] {
+        if (os::takeEndSignal() == 0) return;
+        RescueOnce();
+        Halt();
+    });
+}
+
 void RunProtected(void (*program)()) {
+    static const bool registered = std::atexit(rescueAtExit) == 0;
+    static_cast<void>(registered);
     LocateFatalProgram();
     const FaultHandlers handlers;
     runCatching(program);

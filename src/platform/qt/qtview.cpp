@@ -393,8 +393,8 @@ void QtView::closeSplash() {
 }
 
 void QtView::watch(int descriptor, std::function<void()> ready) {
-    watched_.clear();
-    if (descriptor < 0) return;
+    watched_.erase(descriptor);
+    if (descriptor < 0 || !ready) return;
     auto notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     connect(notifier.get(), &QSocketNotifier::activated, this, [ready = std::move(ready)] {
         const auto call = ready;  // the watch may end inside
