@@ -64,9 +64,17 @@ bool offerPair(const std::string& stem) {
     return answer == "&Restore" && bringBack(file, text);
 }
 
-// A copy that a save left because it was interrupted while it wrote the file in place, or a text whose name
-// was lost.
+void removeCopy(const std::string& copy) {
+    os::files().remove(copy);
+    os::files().remove(os::rescueNameFile(copy));
+}
+
+// A copy that a save left because it was interrupted while it wrote the file in place. It comes back as a change
+// of that file; one whose name was lost opens as it is.
 bool offerCopy(const std::string& copy) {
+    std::string file, text;
+    const bool named = os::readFile(os::rescueNameFile(copy), file) == os::FileError::None && !file.empty() &&
+                       os::readFile(copy, text) == os::FileError::None;
     const std::string answer =
         MsgBox("Rescued Text",
                "A save was interrupted before it had finished. The whole text was kept in the "
@@ -74,9 +82,15 @@ bool offerCopy(const std::string& copy) {
                    copy + "'\n\n" + (named ? "It belongs to:\n\n\t'" + file + "'\n\n" : "") +
                    "Open it, delete it, or be asked again at the next start?",
                "&Open\n&Delete\n&Later", BoxIcon::Question);
-    if (answer == "&Delete") os::files().remove(copy);
-    if (answer == "&Open") EDITWNDOPEN(SDIEdit, copy, false, 0);
-    return answer == "&Open";
+    if (answer == "&Delete") removeCopy(copy);
+    if (answer != "&Open") return false;
+    if (named) return bringBack(file, text);
+    EDITWNDOPEN(SDIEdit, copy, false, 0);
+    return true;
+}
+
+bool isRescueName(const std::string& path) {
+    return FILEGETFNAME(path).starts_with('.') && path.ends_with(nameEnd);
 }
 
 }  // namespace
@@ -98,6 +112,7 @@ bool OFFERRESCUEDTEXT() {
     for (const std::string& path : rescuedFiles()) {
         STAMP();
         if (shown) break;  // the others are offered at the next start: one text fits in the window
+        if (isRescueName(path)) continue;
         const std::string stem = path.substr(0, path.size() - textEnd.size());
         const bool hasName = os::infoOf(stem + std::string(nameEnd)).exists;
         if (path.ends_with(nameEnd))
@@ -113,9 +128,13 @@ void DROPRESCUEDTEXT(const std::string& file) {
     FRAME(DROPRESCUEDTEXT);
     for (const std::string& path : rescuedFiles()) {
         std::string name;
-        const bool ofFile =
-            path.ends_with(nameEnd) && os::readFile(path, name) == os::FileError::None && name == file;
-        if (ofFile) removePair(path.substr(0, path.size() - nameEnd.size()));
+        const bool pair = path.ends_with(nameEnd) && !isRescueName(path);
+        const std::string nameFile = pair ? path : os::rescueNameFile(path);
+        if (os::readFile(nameFile, name) != os::FileError::None || name != file) continue;
+        if (pair)
+            removePair(path.substr(0, path.size() - nameEnd.size()));
+        else
+            removeCopy(path);
     }
 }
 
