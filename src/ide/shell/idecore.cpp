@@ -42,13 +42,12 @@ std::string GETIDEINIFILE() {
     const std::string beside = os::executableFolder() + "ide.ini";
     if (os::infoOf(os::executableFolder()).writable) return beside;
     const std::string own = os::settingsFolder() + "ide.ini";
-    if (!os::infoOf(own).exists) {
-        std::string shipped;
-        os::readFile(beside, shipped);
-        if (os::makeFolders(os::settingsFolder()) == os::FileError::None)
-            static_cast<void>(os::saveFile(own, shipped, os::Durability::Unsynced));
-    }
-    return own;
+    if (os::infoOf(own).exists) return own;
+    std::string shipped;
+    os::readFile(beside, shipped);
+    const bool made = os::makeFolders(os::settingsFolder()) == os::FileError::None &&
+                      os::saveFile(own, shipped, os::Durability::Unsynced).ok();
+    return made ? own : beside;
 }
 
 std::string GETCOMPILERDIR() {
