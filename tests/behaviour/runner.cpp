@@ -73,7 +73,8 @@ void prepareProfile(const std::string& profile, const std::string& files) {
     }
     // A name of this program, so that the folder counts as its own.
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
-    fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + "ide.ini");
+    for (const char* name : {"ide.ini", "ide.bak"})
+        fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + name);
     if (!fs::exists(files + "profile")) return;
     for (const auto& entry : fs::directory_iterator(files + "profile")) {
         const std::string to = profile + entry.path().filename().string();

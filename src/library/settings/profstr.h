@@ -31,6 +31,10 @@ void PROFILESTRPUT(const std::string& file, std::string_view section, std::strin
                    std::string_view value);
 void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key);
 
+// What a write begins with when it finds `file` missing or empty; the text is asked for then. Null: nothing.
+using ProfileOrigin = std::string (*)();
+void PROFILESTRORIGIN(const std::string& file, ProfileOrigin origin);
+
 // The values of a window's check boxes, radio buttons, edits and combo boxes, in the section of the window's
 // name. Saving writes the file once, and not at all if nothing has changed; a file that cannot be read
 // changes no control.
