@@ -3,8 +3,9 @@
 // Profile strings: settings files of sections and key=value lines, words and tokens, and the controls of a
 // dialog kept in such a file. Every call reads the whole file, and a write saves the whole file; nothing
 // stays open. A missing file reads as empty; one that is there and cannot be read reads as empty and is not
-// written. An empty file name or section makes a write do nothing, and so does a key with other characters
-// than letters, digits and "_": it could never be found again. A failed write leaves the old file whole.
+// written. An empty file name or section makes a write do nothing, and so does a key that could never be found
+// again: one that holds "=" or another character than 33 to 126, or begins with another character than a letter, a digit or "_". A
+// failed write leaves the old file whole.
 //
 // A file that cannot be read or written is told in a box (651 to 654, 657), and the program goes on:
 // LastError has the code then. It is told once for a file and a code until the same file could be read, or

@@ -362,7 +362,8 @@ TEST_F(Profile, AFailureWhileAnotherReportGoesOnNeitherEndsTheProgramNorCountsAs
 TEST_F(Profile, AKeyThatCouldNotBeFoundAgainIsNotWritten) {
     start("[A]\r\nx=1\r\n");
     files.clearLog();
-    for (const char* key : {"a b", "a-b", "k.1", "k=", "k(1)", " k", ";k", "\xC3\xA4"}) {
+    for (const char* key :
+         {"a b", "a ", "a\tb", "k=", "=", " k", ";k", "[k", "-k", "k\xC3\xA4", "a\nb", "a\x7F"}) {
         PROFILESTRPUT(File, "A", key, "v");
         PROFILESTRPUT(File, "B", key, "v");
     }
