@@ -460,6 +460,7 @@ void LOADMRULIST(const std::string& iniFile, const std::string& section, int cou
 void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int limit, const std::string& name) {
     FRAME(SAVEMRUITEM);
     if (iniFile.empty() || section.empty() || name.empty() || limit < 1 || name == Untitled) return;
+    if (name.find_first_of("\r\n") != std::string::npos) return;  // it would make two lines of the list
     STAMP();
     const std::string old = PROFILESTRGET(iniFile, section, "");
     std::string list = name + "\n";
