@@ -145,22 +145,50 @@ void Frame::makeControls() {
     orderTabs();
 }
 
-// Screen readers tell a control by the label before it; a mnemonic of that label leads to it.
+namespace {
+
+bool showsCaption(Type type) {
+    switch (type) {
+    case Type::Pushbutton:
+    case Type::Checkbox:
+    case Type::Radiobutton:
+    case Type::Groupbox: return true;
+    default: return false;
+    }
+}
+
+QString plainCaption(const Control& control) {
+    QString name = withoutMnemonic(shown(control.caption));
+    while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
+    return name;
+}
+
+// What screen readers call a control that shows no caption of its own: the label before it names it, else its
+// hint, and its name in the resource file only where there is nothing else.
+QString spokenName(const Control& control, const Control* label) {
+    if (control.type == Type::Bitmapbutton && !control.hint.empty()) return shown(control.hint);
+    if (control.type == Type::Bitmapbutton && !control.caption.empty()) return plainCaption(control);
+    if (showsCaption(control.type) && !control.caption.empty()) return plainCaption(control);
+    if (label != nullptr && !label->caption.empty()) return plainCaption(*label);
+    return shown(control.hint.empty() ? control.name : control.hint);
+}
+
+}  // namespace
+
 void Frame::nameControls() {
     const Control* label = nullptr;
     for (const auto& control : window_->controls) {
         Peer* peer = peerOf(*control);
-        QString name = withoutMnemonic(shown(control->caption));
-        if (name.isEmpty() && label != nullptr) name = withoutMnemonic(shown(label->caption));
-        if (name.isEmpty()) name = shown(control->hint.empty() ? control->name : control->hint);
-        if (!control->hint.empty() && control->type == Type::Bitmapbutton)
-            name = withoutMnemonic(shown(control->hint));
-        while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
-        // A widget that shows its caption is read by it, also when it changes.
-        if (control->caption.empty() || control->type == Type::Bitmapbutton) {
+        // A widget that shows its caption is read by it, also when it changes; a label that shows a value is
+        // told by the one before it.
+        if (control->type == Type::Label) {
+            if (label != nullptr) peer->widget()->setAccessibleDescription(plainCaption(*label));
+        } else if (!showsCaption(control->type) || control->caption.empty()) {
+            const QString name = spokenName(*control, label);
             peer->widget()->setAccessibleName(name);
             if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
         }
+        // A mnemonic of a label leads to the control behind it.
         if (label != nullptr && takesFocus(*control) && label->caption.find('&') != std::string::npos)
             if (auto* text = qobject_cast<QLabel*>(peerOf(*label)->widget()); text != nullptr)
                 text->setBuddy(peer->focusWidget());

@@ -12,6 +12,8 @@
 #include "platform/qt/texts.h"
 #include "platform/qt/widgets.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QElapsedTimer>
@@ -89,6 +91,17 @@ QFont fontOf(const Control& control) {
     return font == Font{} ? base : qtFont(font, base);
 }
 
+// A window that is a plain widget would be no more than a filler to screen readers.
+QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+    if (object == nullptr || object->metaObject() != &QWidget::staticMetaObject) return nullptr;
+    auto* widget = static_cast<QWidget*>(object);
+    if (!widget->isWindow()) return nullptr;
+    const Frame* frame = frameOfWidget(widget);
+    const bool dialog =
+        frame == nullptr || (frame->window().menuItems.empty() && !isEditWindowType(frame->window().type));
+    return new QAccessibleWidget(widget, dialog ? QAccessible::Dialog : QAccessible::Window);
+}
+
 class Depth {
 public:
     explicit Depth(int& depth) : depth_(depth) { ++depth_; }
@@ -104,6 +117,7 @@ private:
 
 QtView::QtView() : application_(makeApplication()) {
     QApplication::setQuitOnLastWindowClosed(false);
+    QAccessible::installFactory(makeAccessible);
     qApp->installEventFilter(this);
     idleTimer_.setSingleShot(true);
     connect(&idleTimer_, &QTimer::timeout, this, [this] { runIdle(); });
@@ -118,6 +132,7 @@ QtView::~QtView() {
     splash_.reset();
     progress_.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QAccessible::removeFactory(makeAccessible);
     if (qApp != nullptr) qApp->removeEventFilter(this);
 }
 
