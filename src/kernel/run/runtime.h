@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -86,14 +87,25 @@ struct ModuleInfo {
     std::int32_t action = ReportErrors;
 };
 
+// Notes that an exception leaves the top frame: the report of one that nobody catches tells the deepest.
+void NoteThrown();
+
 class Frame {
 public:
-    Frame(const ModuleInfo& module, const char* function, std::int32_t line) {
+    Frame(const ModuleInfo& module, const char* function, std::int32_t line)
+        : exceptions_(std::uncaught_exceptions()) {
         FunctionEnter(module.name, function, line);
     }
-    ~Frame() { FunctionLeave(); }
+    ~Frame() {
+        if (std::uncaught_exceptions() > exceptions_) [[unlikely]]
+            NoteThrown();
+        FunctionLeave();
+    }
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;
+
+private:
+    int exceptions_;  // under way when the function was entered
 };
 
 #define MODULE(...)                                                                                          \

@@ -143,6 +143,14 @@ private:
     stack_t stack_{}, formerStack_{};
 };
 
+// The frames of the functions that the exception has left are gone.
+void reportThrown() {
+    const ThrownPlace& thrown = lastThrown;
+    if (thrown.depth < 1 || thrown.depth != FrameCount() + 1) return ReportFatalHere(ERR_OPERATING_SYSTEM);
+    ReportFatal(ERR_OPERATING_SYSTEM, ErrorText(ERR_OPERATING_SYSTEM), thrown.frame.className,
+                thrown.frame.functionName, thrown.line, "");
+}
+
 void runCatching(void (*program)()) {
     try {
         program();
@@ -151,7 +159,7 @@ void runCatching(void (*program)()) {
         if (ProcessIsEnding()) throw;  // thrown by what stands in for the end of the process
     }
     RescueOnce();
-    ReportFatalHere(ERR_OPERATING_SYSTEM);
+    reportThrown();
     os::endProcess(faultExitCode);
 }
 
