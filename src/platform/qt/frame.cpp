@@ -125,14 +125,22 @@ Frame::~Frame() {
     frames().erase(this);
 }
 
+// The library of the edit window takes long to load, so its control comes with the first showing; until then the
+// model holds the text.
+void Frame::makeEditor() {
+    if (!isEditWindowType(window_->type) || Peer::of(*client_) != nullptr) return;
+    const Selection selection = window_->text->selection();
+    Peer* peer = makeEditAreaPeer(*window_, client_);
+    client_->setProperty("peer", QVariant::fromValue(static_cast<void*>(peer)));
+    window_->widget = this;
+    for (const Property property :
+         {Property::Font, Property::Flags, Property::Tokens, Property::MaxLength, Property::Readonly})
+        peer->apply(property);
+    window_->text->select(selection.start, selection.length);
+    peer->widget()->show();
+}
+
 void Frame::makeControls() {
-    if (isEditWindowType(window_->type)) {
-        Peer* peer = makeEditAreaPeer(*window_, client_);
-        client_->setProperty("peer", QVariant::fromValue(static_cast<void*>(peer)));
-        window_->widget = this;
-        for (const Property property : {Property::Font, Property::Flags, Property::Tokens})
-            peer->apply(property);
-    }
     for (const auto& control : window_->controls) {
         Peer* peer = makePeer(*control, client_, !window_->menuItems.empty());
         applyFont(*peer->widget(), control->font, window_->font);
@@ -255,7 +263,7 @@ void Frame::apply(Property property) {
     case Property::Picture: setWindowIcon(iconOf(window_->picture)); break;
     default: break;
     }
-    if (isEditWindowType(window_->type)) Peer::of(*client_)->apply(property);
+    if (Peer* editor = Peer::of(*client_); editor != nullptr) editor->apply(property);
 }
 
 void Frame::applyTo(Control& control, Property property) {
@@ -348,7 +356,19 @@ void Frame::layOut() {
     const int bar = barHeight();
     bar_->setGeometry(0, 0, width(), bar);
     client_->setGeometry(0, bar, width(), std::max(height() - bar, 0));
-    if (isEditWindowType(window_->type)) Peer::of(*client_)->widget()->setGeometry(client_->rect());
+    if (const Peer* editor = Peer::of(*client_); editor != nullptr)
+        editor->widget()->setGeometry(client_->rect());
+}
+
+// The frame counts too: its lower edge has to stay on the screen. It is the usual one, not that of a window that
+// the window system has just maximised.
+QSize Frame::largestSize() const {
+    const Rect& to = window_->maximum_;
+    const QRect room = screen()->availableGeometry();
+    const int bar = barHeight();
+    const int width = room.right() + 1 - to.x - assumed_.left() - assumed_.right();
+    const int height = room.bottom() + 1 - to.y - assumed_.top() - assumed_.bottom() - bar;
+    return {std::min(to.w, width), std::min(to.h, height) + bar};
 }
 
 void Frame::maximiseWithin() {
@@ -456,6 +476,12 @@ void Frame::bringUp() {
     const bool first = !isVisible();
     {
         const Flag quiet(applying_);
+        if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
+            assumed_ = knownMargins(window_->borderStyle);
+            if (window_->position != first_) place();
+        }
+        makeEditor();
+        layOut();
         applyModality();
         if (window_->state == 1 && first) window_->state = 0;
         if (isMinimized()) showNormal();
@@ -472,7 +498,7 @@ void Frame::bringUp() {
 }
 
 void Frame::focusFirst() {
-    if (isEditWindowType(window_->type)) return Peer::of(*client_)->focusWidget()->setFocus();
+    if (Peer* editor = Peer::of(*client_); editor != nullptr) return editor->focusWidget()->setFocus();
     if (focusWidget() != nullptr && focusWidget() != this) return;
     for (const auto& control : window_->controls) {
         if (!control->visible || !control->enabled || !control->tabStop || !takesFocus(*control)) continue;
@@ -550,7 +576,7 @@ void Frame::release() {
         control->widget = nullptr;
     }
     for (const auto& item : window_->menuItems) item->widget = nullptr;
-    if (isEditWindowType(window_->type)) Peer::of(*client_)->release();
+    if (Peer* editor = Peer::of(*client_); editor != nullptr) editor->release();
     window_->widget = nullptr;
     frames().erase(this);  // what still comes for it, until it is deleted, finds no window
     window_ = nullptr;

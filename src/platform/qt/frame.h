@@ -39,6 +39,7 @@ protected:
 
 private:
     void makeControls();
+    void makeEditor();
     void nameControls();
     void orderTabs();
     void place();  // the model's position and limits to the screen
