@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Runs one behaviour case:  user_runner MODE CASE     (MODE: model, offscreen or screen)
+// or a random user:         user_runner monkey SEED STEPS
 //
 // The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is
 // another one beside it, made of links, so that the case has its own settings; what lies in the case's
@@ -8,6 +9,7 @@
 // status 0: as expected; 77: skipped; 1: not, with what was on
 // screen.
 #include "behaviour/hands.h"
+#include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
 #include "library/settings/initext.h"
@@ -138,6 +140,37 @@ int runSecond(int argc, char** argv) {
     return 0;
 }
 
+void monkeyEnded(int) {
+    std::printf("The program ended before the last step; the steps are in %s\n", root.c_str());
+    std::fflush(nullptr);
+    _exit(1);
+}
+
+[[noreturn]] void runMonkey(unsigned seed, int steps) {
+    const std::string dir = root + "case/", profile = root + "profile/";
+    prepareProfile(profile, dir);
+    tarn::prepareMonkey(SOURCE_DIR "/examples/wordcount", dir, profile);
+    prepareEnvironment();
+    // No browser, no player and no compiler of the machine.
+    setenv("PATH", root.c_str(), 1);
+    fs::current_path(dir);
+    setProgram(profile, {});
+    tarn::os::useEndHook(monkeyEnded);
+    const std::unique_ptr<tarn::Hands> hands = tarn::makeHands("offscreen");
+    tarn::Monkey monkey(seed, steps, dir, root + "steps.log");
+    std::printf("seed %u, %d steps, logged in %ssteps.log\n", seed, steps, root.c_str());
+    tarn::platform::view().setIdle([&monkey] {
+        monkey.idle();
+        if (!monkey.finished()) return;
+        if (!monkey.failed()) end(0);
+        std::printf("%s\n", monkey.failure().c_str());
+        std::fflush(nullptr);
+        _exit(1);
+    });
+    tarn::RunProtected(tarn::RUNIDE);
+    _exit(1);
+}
+
 int skip(const char* why) {
     std::printf("skipped: %s\n", why);
     return 77;
@@ -147,10 +180,14 @@ int skip(const char* why) {
 
 int main(int argc, char** argv) {
     if (argc >= 2 && std::string(argv[1]) == "second") return runSecond(argc, argv);
-    if (argc != 3) return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE\n"), 2;
-    const std::string mode = argv[1], from = fs::absolute(argv[2]).string() + "/";
+    const bool isMonkey = argc == 4 && std::string(argv[1]) == "monkey";
+    if (argc != 3 && !isMonkey)
+        return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE or monkey SEED STEPS\n"),
+               2;
     std::string pattern = (fs::temp_directory_path() / "tarnwick-case-XXXXXX").string();
     root = std::string(mkdtemp(pattern.data())) + "/";
+    if (isMonkey) runMonkey(static_cast<unsigned>(std::atoi(argv[2])), std::atoi(argv[3]));
+    const std::string mode = argv[1], from = fs::absolute(argv[2]).string() + "/";
     const std::string dir = root + "case/", profile = root + "profile/";
     fs::copy(from, dir, fs::copy_options::recursive);
     prepareProfile(profile, from);
