@@ -147,6 +147,8 @@ struct SaveResult {
 
 // Where rescue copies go: $XDG_STATE_HOME/tarnwick/rescue/, made when first needed. With "/" at the end.
 std::string rescueFolder();
+// The file beside a rescue copy that holds the full path of what was saved; missing if it could not be written.
+std::string rescueNameFile(const std::string& copy);
 
 // All folders of `path` that are missing. Existing ones are no error.
 FileError makeFolders(const std::string& path, Durability durability = Durability::Unsynced);

@@ -109,7 +109,7 @@ bool groupRuns(pid_t group) {
 
 class RealChild : public Child {
 public:
-    explicit RealChild(pid_t pid) : pid_(pid) {}
+    RealChild(pid_t pid, bool ownGroup) : pid_(pid), all_(ownGroup ? -pid : pid) {}
     RealChild(const RealChild&) = delete;
     RealChild& operator=(const RealChild&) = delete;
     ~RealChild() override {
@@ -137,10 +137,10 @@ public:
     void stop(int graceMilliseconds) override {
         constexpr int forcedMilliseconds = 1000;  // for the system to end what was forced
         if (groupGone()) return;
-        ::kill(-pid_, SIGTERM);
-        ::kill(-pid_, SIGCONT);  // a process that was halted must be able to hear it
+        ::kill(all_, SIGTERM);
+        ::kill(all_, SIGCONT);  // a process that was halted must be able to hear it
         if (waitUntil(graceMilliseconds, [this] { return groupGone(); })) return;
-        ::kill(-pid_, SIGKILL);
+        ::kill(all_, SIGKILL);
         waitUntil(forcedMilliseconds, [this] { return groupGone(); });
     }
 
@@ -154,15 +154,15 @@ private:
         if (!poll().ended) return false;
         if (!reaped_) ::waitpid(pid_, nullptr, 0);
         reaped_ = true;
-        gone_ = ::kill(-pid_, 0) < 0 && errno == ESRCH;
+        gone_ = all_ > 0 || (::kill(all_, 0) < 0 && errno == ESRCH);
         if (!gone_ && !groupRuns(pid_)) {
-            ::kill(-pid_, SIGKILL);  // one that was made while the others were looked at
+            ::kill(all_, SIGKILL);  // one that was made while the others were looked at
             gone_ = true;
         }
         return gone_;
     }
 
-    pid_t pid_;
+    pid_t pid_, all_;  // `all_`: whom signals go to, the group or the child alone
     ExitState state_;
     bool reaped_ = false;
     bool gone_ = false;
@@ -186,7 +186,7 @@ private:
 // What the child does before it becomes the program.
 class Preparation {
 public:
-    Preparation() {
+    explicit Preparation(bool ownGroup) {
         ::posix_spawnattr_init(&attributes_);
         ::posix_spawn_file_actions_init(&actions_);
         sigset_t none, all;
@@ -197,8 +197,9 @@ public:
         ::posix_spawnattr_setsigmask(&attributes_, &none);
         ::posix_spawnattr_setsigdefault(&attributes_, &all);
         ::posix_spawnattr_setpgroup(&attributes_, 0);
-        ::posix_spawnattr_setflags(&attributes_,
-                                   POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        const int group = ownGroup ? POSIX_SPAWN_SETPGROUP : 0;
+        ::posix_spawnattr_setflags(
+            &attributes_, static_cast<short>(group | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
     }
     Preparation(const Preparation&) = delete;
     Preparation& operator=(const Preparation&) = delete;
@@ -249,7 +250,7 @@ void hearOfChildren() {
 
 StartError spawn(const StartRequest& request, pid_t& pid) {
     if (const StartError error = check(request); error != StartError::None) return error;
-    Preparation preparation;
+    Preparation preparation(request.ownGroup);
     const File input("/dev/null", O_RDONLY);
     if (input.number() >= 0) preparation.input(input.number());
     const File output(request.outputFile, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK);
@@ -279,7 +280,7 @@ public:
         one.outputFile = native(one.outputFile);
         pid_t pid = 0;
         error = spawn(one, pid);
-        return error == StartError::None ? std::make_unique<RealChild>(pid) : nullptr;
+        return error == StartError::None ? std::make_unique<RealChild>(pid, one.ownGroup) : nullptr;
     }
 };
 

@@ -25,6 +25,8 @@ struct StartRequest {
     std::vector<std::string> arguments;  // without the program's name
     std::string folder;                  // to start in; empty: this process's
     std::string outputFile;  // standard output and error go there (made or emptied); empty: inherited
+    // False: the child stays in this process's group, so that whoever stops this process stops it too.
+    bool ownGroup = true;
 };
 
 struct ExitState {
@@ -42,8 +44,9 @@ public:
     virtual ExitState poll() = 0;                  // never waits
     virtual ExitState wait(int milliseconds) = 0;  // waits at most that long
     // Ends the child and everything it started: asks first, and forces after `graceMilliseconds`. Also ends
-    // what a child that has ended left running. Only processes that left the child's process group escape.
-    // Returns at most a second after the grace.
+    // what a child that has ended left running. Only processes that left the child's process group escape; of
+    // a child without a group of its own nothing but itself is ended. Returns at most a second after the
+    // grace.
     virtual void stop(int graceMilliseconds) = 0;
     [[nodiscard]] virtual int id() const = 0;
 };
@@ -51,7 +54,8 @@ public:
 class Processes {
 public:
     virtual ~Processes() = default;
-    // Null on failure, with the reason in `error`. The child leads a process group of its own, reads nothing
+    // Null on failure, with the reason in `error`. The child leads a process group of its own (unless the
+    // request says otherwise), reads nothing
     // (its standard input is empty) and inherits no open file but the standard ones, no signal mask and no
     // ignored signal.
     virtual std::unique_ptr<Child> start(const StartRequest& request, StartError& error) = 0;

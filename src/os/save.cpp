@@ -96,6 +96,23 @@ Replacement replace(const SaveTarget& target, std::string_view bytes, Durability
     return {durability == Durability::Synced ? files().syncFolder(folder) : FileError::None, false};
 }
 
+// Beside the copy stands the path of its file, so that the text can be given back to it.
+FileError writeRescueName(const std::string& copy, const std::string& path) {
+    const std::string file = rescueNameFile(copy);
+    Handle handle = -1;
+    if (const FileError error = files().open(file, OpenMode::CreateNew, PrivateFileMode, handle);
+        error != FileError::None)
+        return error;
+    const FileError written = files().write(handle, 0, path);
+    const FileError closed = files().close(handle);
+    return written != FileError::None ? written : closed;
+}
+
+void removeRescueCopy(const std::string& copy) {
+    files().remove(copy);
+    files().remove(rescueNameFile(copy));
+}
+
 FileError writeRescueCopy(const SaveTarget& target, std::string_view bytes, Durability durability,
                           std::string& copy) {
     constexpr std::size_t longestStart = 200;  // leaves room for the rest in a name of 255 bytes
@@ -105,11 +122,13 @@ FileError writeRescueCopy(const SaveTarget& target, std::string_view bytes, Dura
     const std::string start = folder + nameOf(target.path).substr(0, longestStart) + ".";
     if (const FileError error = makeUniqueFile(start, "", PrivateFileMode, made); error != FileError::None)
         return error;
-    FileError error = fill(made, bytes, nullptr, durability);
-    if (error == FileError::None && durability == Durability::Synced) {
-        error = files().syncFolder(folder);
-        if (error != FileError::None) files().remove(made.path);
-    }
+    FileError error = writeRescueName(made.path, target.path);
+    if (error == FileError::None)
+        error = fill(made, bytes, nullptr, durability);
+    else
+        files().close(made.handle);
+    if (error == FileError::None && durability == Durability::Synced) error = files().syncFolder(folder);
+    if (error != FileError::None) removeRescueCopy(made.path);
     copy = made.path;
     return error;
 }
@@ -153,7 +172,7 @@ SaveResult saveInPlace(const SaveTarget& target, std::string_view bytes, Durabil
     bool touched = false;
     result.error = writeTarget(target, bytes, durability, touched);
     if (result.ok() || !touched) {
-        files().remove(copy);
+        removeRescueCopy(copy);
     } else {
         result.rescueCopy = copy;
     }
@@ -184,6 +203,10 @@ SaveResult saveFile(const std::string& path, std::string_view bytes, Durability 
     const Replacement result = replace(target, bytes, durability);
     if (result.impossible) return saveInPlace(target, bytes, durability);
     return {result.error, false, {}};
+}
+
+std::string rescueNameFile(const std::string& copy) {
+    return joined(folderOf(copy), "." + nameOf(copy) + ".name");
 }
 
 std::string rescueFolder() {

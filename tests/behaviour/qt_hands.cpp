@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QAction>
 #include <QApplication>
 #include <QKeySequence>
 #include <QTest>
@@ -25,6 +26,7 @@ QString decoded(const std::string& bytes) {
 
 // The widget that gets the keys; a program without an active window, as offscreen after a dialog, gets one.
 QWidget* keyTarget() {
+    if (QWidget* popup = QApplication::activePopupWidget(); popup != nullptr) return popup;
     QWidget* modal = QApplication::activeModalWidget();
     QWidget* window = modal != nullptr ? modal : QApplication::activeWindow();
     if (window == nullptr) {
@@ -61,7 +63,9 @@ public:
     }
 
     bool click(const Object& object) override {
-        auto* widget = static_cast<QWidget*>(findControl(object)->widget);
+        const QWidget* window = topOf(object.owner());
+        const QString name = decoded(findControl(object)->name);
+        auto* widget = window != nullptr ? window->findChild<QWidget*>(name) : nullptr;
         return widget != nullptr && press(*widget, widget->rect().center(), 1);
     }
 
@@ -90,12 +94,53 @@ public:
         }
     }
 
+    void maximise(const Object& object) override {
+        if (auto* widget = topOf(object); widget != nullptr) widget->showMaximized();
+    }
+
+    Rect frameOf(const Object& object) override {
+        const QWidget* widget = topOf(object);
+        return widget != nullptr && widget->isVisible() ? rectOf(widget->frameGeometry()) : Rect{};
+    }
+
+    Rect boxFrame() override {
+        const QWidget* box = QApplication::activeModalWidget();
+        return box != nullptr ? rectOf(box->frameGeometry()) : Rect{};
+    }
+
+    Rect stopFrame() override {
+        for (const QWidget* window : QApplication::topLevelWidgets())
+            if (window->objectName() == "toolprogress" && window->isVisible())
+                return rectOf(window->frameGeometry());
+        return {};
+    }
+
+    bool statusText(std::string& text) override {
+        const QWidget* window = topOf(Object("SDIEdit"));
+        const auto* bar = window != nullptr ? window->findChild<QWidget*>("statusbar") : nullptr;
+        if (bar == nullptr) return false;
+        text = bar->accessibleDescription().toStdString();
+        return true;
+    }
+
+    bool menuText(const Control& item, std::string& text) override {
+        const auto* action = static_cast<const QAction*>(item.widget);
+        if (action != nullptr) text = action->text().toStdString();
+        return action != nullptr;
+    }
+
     void screenshot(const std::string& path) override {
         if (onScreen_) static_cast<void>(std::system(("import -window root '" + path + "'").c_str()));
     }
 
 private:
     bool onScreen_;
+
+    static QWidget* topOf(const Object& object) {
+        const Window* window = findWindow(object);
+        return window != nullptr ? static_cast<QWidget*>(window->widget) : nullptr;
+    }
+    static Rect rectOf(const QRect& r) { return {r.x(), r.y(), r.width(), r.height()}; }
 
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {
@@ -111,9 +156,9 @@ private:
     }
 
     static std::string xName(std::string name) {
-        const std::pair<std::string, std::string> names[] = {{"Ctrl+", "ctrl+"},   {"Alt+", "alt+"},
-                                                             {"Shift+", "shift+"}, {"Esc", "Escape"},
-                                                             {"Return", "Return"}, {"Del", "Delete"}};
+        const std::pair<std::string, std::string> names[] = {
+            {"Ctrl+", "ctrl+"},   {"Alt+", "alt+"},  {"Shift+", "shift+"}, {"Esc", "Escape"},
+            {"Return", "Return"}, {"Del", "Delete"}, {"Space", "space"}};
         for (const auto& [from, to] : names) {
             const std::size_t at = name.find(from);
             if (at != std::string::npos) name.replace(at, from.size(), to);

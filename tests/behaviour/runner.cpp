@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Runs one behaviour case:  user_runner MODE CASE     (MODE: model, offscreen or screen)
+// or a random user:         user_runner monkey SEED STEPS
 //
 // The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is
 // another one beside it, made of links, so that the case has its own settings; what lies in the case's
-// `profile` folder replaces what is linked. Exit status 0: as expected; 77: skipped; 1: not, with what was on
+// `profile` folder replaces what is linked, and what lies in its `state` folder was left by an earlier run. Exit
+// status 0: as expected; 77: skipped; 1: not, with what was on
 // screen.
 #include "behaviour/hands.h"
+#include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
+#include "library/settings/initext.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/view.h"
@@ -71,7 +75,8 @@ void prepareProfile(const std::string& profile, const std::string& files) {
     }
     // A name of this program, so that the folder counts as its own.
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
-    fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + "ide.ini");
+    for (const char* name : {"ide.ini", "ide.bak"})
+        fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + name);
     if (!fs::exists(files + "profile")) return;
     for (const auto& entry : fs::directory_iterator(files + "profile")) {
         const std::string to = profile + entry.path().filename().string();
@@ -87,6 +92,29 @@ void prepareEnvironment() {
         fs::create_directories(root + folder);
         fs::permissions(root + folder, fs::perms(0700));
         setenv(name, (root + folder).c_str(), 1);
+    }
+}
+
+void prepareSettings(const std::string& file, const tarn::Script& script) {
+    if (script.settings.empty()) return;
+    std::string text = readAll(file);
+    for (const auto& [section, key, value] : script.settings) tarn::ini::put(text, section, key, value);
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+// What earlier runs have left: the case's `state` folder, with {dir} in its names of files put in.
+void prepareState(const std::string& from, const std::string& dir) {
+    if (!fs::exists(from + "state")) return;
+    for (const auto& entry : fs::recursive_directory_iterator(from + "state")) {
+        const fs::path to = root + fs::relative(entry.path(), from).string();
+        if (entry.is_directory()) {
+            fs::create_directories(to);
+            continue;
+        }
+        std::string text = readAll(entry.path().string());
+        const std::size_t mark = to.extension() == ".name" ? text.find("{dir}") : std::string::npos;
+        if (mark != std::string::npos) text = text.substr(0, mark) + dir + text.substr(mark + 5);
+        std::ofstream(to, std::ios::binary) << text;
     }
 }
 
@@ -112,6 +140,37 @@ int runSecond(int argc, char** argv) {
     return 0;
 }
 
+void monkeyEnded(int) {
+    std::printf("The program ended before the last step; the steps are in %s\n", root.c_str());
+    std::fflush(nullptr);
+    _exit(1);
+}
+
+[[noreturn]] void runMonkey(unsigned seed, int steps) {
+    const std::string dir = root + "case/", profile = root + "profile/";
+    prepareProfile(profile, dir);
+    tarn::prepareMonkey(SOURCE_DIR "/examples/wordcount", dir, profile);
+    prepareEnvironment();
+    // No browser, no player and no compiler of the machine.
+    setenv("PATH", root.c_str(), 1);
+    fs::current_path(dir);
+    setProgram(profile, {});
+    tarn::os::useEndHook(monkeyEnded);
+    const std::unique_ptr<tarn::Hands> hands = tarn::makeHands("offscreen");
+    tarn::Monkey monkey(seed, steps, dir, root + "steps.log");
+    std::printf("seed %u, %d steps, logged in %ssteps.log\n", seed, steps, root.c_str());
+    tarn::platform::view().setIdle([&monkey] {
+        monkey.idle();
+        if (!monkey.finished()) return;
+        if (!monkey.failed()) end(0);
+        std::printf("%s\n", monkey.failure().c_str());
+        std::fflush(nullptr);
+        _exit(1);
+    });
+    tarn::RunProtected(tarn::RUNIDE);
+    _exit(1);
+}
+
 int skip(const char* why) {
     std::printf("skipped: %s\n", why);
     return 77;
@@ -121,10 +180,14 @@ int skip(const char* why) {
 
 int main(int argc, char** argv) {
     if (argc >= 2 && std::string(argv[1]) == "second") return runSecond(argc, argv);
-    if (argc != 3) return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE\n"), 2;
-    const std::string mode = argv[1], from = fs::absolute(argv[2]).string() + "/";
+    const bool isMonkey = argc == 4 && std::string(argv[1]) == "monkey";
+    if (argc != 3 && !isMonkey)
+        return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE or monkey SEED STEPS\n"),
+               2;
     std::string pattern = (fs::temp_directory_path() / "tarnwick-case-XXXXXX").string();
     root = std::string(mkdtemp(pattern.data())) + "/";
+    if (isMonkey) runMonkey(static_cast<unsigned>(std::atoi(argv[2])), std::atoi(argv[3]));
+    const std::string mode = argv[1], from = fs::absolute(argv[2]).string() + "/";
     const std::string dir = root + "case/", profile = root + "profile/";
     fs::copy(from, dir, fs::copy_options::recursive);
     prepareProfile(profile, from);
@@ -132,7 +195,9 @@ int main(int argc, char** argv) {
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
     if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
+    prepareSettings(profile + "ide.ini", script);
     prepareEnvironment();
+    prepareState(from, dir);
     fs::current_path(dir);
     setProgram(profile, script.arguments);
     tarn::os::useEndHook(programEnded);

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/user_script.h"
 
+#include "library/settings/initext.h"
 #include "os/clock.h"
 #include "os/files.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <glob.h>
 #include <map>
 #include <set>
 #include <thread>
@@ -25,11 +27,12 @@ struct LineForm {
     bool realInput = false;
 };
 const std::map<std::string, LineForm> forms = {
-    {"command", {1}},    {"press", {2}},       {"set", {3}},         {"edit", {2}},        {"select", {1}},
-    {"dblclick", {2}},   {"close", {1}},       {"answer", {1}},      {"choose-file", {1}}, {"input", {1}},
-    {"pick", {1}},       {"start", {1}},       {"stop-tool", {0}},   {"clock", {1}},       {"key", {1, true}},
-    {"type", {1, true}}, {"click", {2, true}}, {"mouse", {4, true}}, {"screenshot", {1}},  {"dump", {1}},
-    {"wait", {1}},       {"expect", {1}},      {"run", {1}}};
+    {"command", {1}},     {"press", {2}},       {"set", {3}},       {"edit", {2}},
+    {"select", {1}},      {"dblclick", {2}},    {"close", {1}},     {"answer", {1}},
+    {"choose-file", {1}}, {"input", {1}},       {"pick", {1}},      {"start", {1}},
+    {"stop-tool", {0}},   {"clock", {1}},       {"key", {1, true}}, {"type", {1, true}},
+    {"click", {2, true}}, {"mouse", {4, true}}, {"maximise", {1}},  {"screenshot", {1}},
+    {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
@@ -96,6 +99,10 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
         }
         if (line.words[0] == "args") {
             script.arguments.assign(line.words.begin() + 1, line.words.end());
+            continue;
+        }
+        if (line.words[0] == "setting" && line.words.size() == 4) {
+            script.settings.push_back({line.words[1], line.words[2], line.words[3]});
             continue;
         }
         const std::string fault = whole ? lineFault(line.words) : "a quote stays open";
@@ -209,7 +216,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
                                                                              : Outcome::NotYet;
     }
-    if (w[0] == "dblclick" || w[0] == "close" || w[0] == "wait" || w[0] == "mouse")
+    if (w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" || w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
@@ -271,6 +278,8 @@ void UserDriver::act(const ScriptLine& line) {
         hands_.mouse(Object(w[1]), std::atoi(w[2].c_str()), std::atoi(w[3].c_str()), std::atoi(w[4].c_str()));
     else if (what == "click")
         hands_.click(FindControl(Object(w[1]), w[2]));
+    else if (what == "maximise")
+        hands_.maximise(Object(w[1]));
     else if (what == "screenshot")
         hands_.screenshot(w[1]);
     else if (what == "dump")
@@ -358,19 +367,84 @@ bool UserDriver::expectControl(const ScriptLine& line) {
     return seen == w.back();
 }
 
+namespace {
+
+// The first file whose name fits a pattern with "*"; the name itself if there is none.
+std::string matching(const std::string& name) {
+    glob_t found{};
+    if (name.find('*') == std::string::npos || os::infoOf(name).exists) return name;
+    std::string first = name;
+    if (::glob(name.c_str(), 0, nullptr, &found) == 0 && found.gl_pathc > 0) first = found.gl_pathv[0];
+    ::globfree(&found);
+    return first;
+}
+
+}  // namespace
+
 bool UserDriver::expectFile(const ScriptLine& line) {
     const auto& w = line.words;
     std::string bytes;
-    const bool exists = os::readFile(w[2], bytes) == os::FileError::None;
+    const bool exists = os::readFile(matching(w[2]), bytes) == os::FileError::None;
     lastSeen_ = exists ? "Seen: " + bytes.substr(0, 2000) : "There is no such file.";
     if (w[1] == "no-file") return !exists;
     if (w[1] == "file-has") return exists && bytes.find(w[3]) != std::string::npos;
     return exists && bytes == w[3];
 }
 
+namespace {
+
+const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu"};
+
+std::string rectText(const Rect& r) {
+    return std::to_string(r.x) + " " + std::to_string(r.y) + " " + std::to_string(r.w) + " " +
+           std::to_string(r.h);
+}
+
+bool holds(const Rect& outer, const Rect& inner) {
+    return inner.w > 0 && inner.x >= outer.x && inner.y >= outer.y &&
+           inner.x + inner.w <= outer.x + outer.w && inner.y + inner.h <= outer.y + outer.h;
+}
+
+}  // namespace
+
+void Hands::maximise(const Object& window) {
+    static_cast<void>(SetWindowState(window, 2));
+}
+
+Rect Hands::frameOf(const Object& window) {
+    const Window* const found = findWindow(window);
+    return found != nullptr && found->shown ? found->position : Rect{};
+}
+
+// What a user sees: frames on the screen and texts as they are drawn.
+bool UserDriver::expectSeen(const ScriptLine& line) {
+    const auto& w = line.words;
+    if (w[1] == "on-screen" || w[1] == "below") {
+        const Rect frame = w[2] == "box"    ? hands_.boxFrame()
+                           : w[2] == "stop" ? hands_.stopFrame()
+                                            : hands_.frameOf(Object(w[2]));
+        const Rect other = w[1] == "below" ? hands_.frameOf(Object(w[3])) : view().screen();
+        lastSeen_ = "Seen: " + rectText(frame) + ", to be held against " + rectText(other);
+        return w[1] == "below" ? frame.w > 0 && frame.y >= other.y + other.h : holds(other, frame);
+    }
+    std::string text;
+    const Control* const item = w[1] == "menu" ? findControl(FindControl(Object("Main"), w[2])) : nullptr;
+    if (w[1] == "menu" && item == nullptr) return false;
+    if (!(item != nullptr ? hands_.menuText(*item, text) : hands_.statusText(text))) return true;
+    lastSeen_ = "Seen: " + text;
+    return item != nullptr ? text == w[3] : text.starts_with(w[2]);
+}
+
 bool UserDriver::expect(const ScriptLine& line) {
     const auto& w = line.words;
     const std::string& what = w[1];
+    if (what == "ini") {
+        std::string text;
+        os::readFile(profile_ + "ide.ini", text);
+        const std::string_view value = ini::get(text, w[2], w[3]);
+        lastSeen_ = "Seen: " + std::string(value);
+        return value == w[4];
+    }
     if (what == "file" || what == "no-file" || what == "file-has") return expectFile(line);
     if (ended_) return false;
     if (what == "message") {
@@ -395,6 +469,7 @@ bool UserDriver::expect(const ScriptLine& line) {
         lastSeen_ = "Line " + std::to_string(here);
         return std::to_string(here) == w[2];
     }
+    if (seenThings.count(what) != 0) return expectSeen(line);
     if (properties.count(what) != 0) return expectControl(line);
     fail("There is no such expectation.");
     return false;

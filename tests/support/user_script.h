@@ -3,6 +3,7 @@
 // A user as a script of plain lines, who works the program through the object model or through real widgets.
 //
 //   args FILE ...                   command line of the program (first line only)
+//   setting SECTION KEY VALUE       put into the settings ahead of the start
 //   command NAME                    picks a menu item or button of Main
 //   press WINDOW CONTROL            presses a control
 //   set WINDOW CONTROL VALUE        types a text, ticks a box, picks a row
@@ -19,6 +20,7 @@
 //   input REAL or MEANING                 with real input the first, in the model mode the second; a case
 //   with a line of
 //                                   real input that has no second is skipped in the model mode
+//   maximise WINDOW                 as its button on the title does
 //   screenshot NAME                 a picture of the screen, where there is one
 //   run COMMAND ...                 a shell command in {dir}
 //   dump WINDOW                     prints names, captions and states, without geometry
@@ -26,7 +28,12 @@
 //   expect caption|text|value|enabled|visible|checked|rows WINDOW [CONTROL] VALUE
 //   expect active WINDOW, expect hidden WINDOW, expect line N (caret of the Code window)
 //   expect message TITLE TEXT       the open question, its text beginning so
-//   expect file F TEXT, expect file-has F TEXT, expect no-file F, expect ini SECTION KEY VALUE
+//   expect ini SECTION KEY VALUE    of {profile}ide.ini
+//   expect on-screen WINDOW, expect below WINDOW OTHER      frames as they are; `box` is the open question,
+//                                   `stop` the window of a tool that runs
+//   expect status TEXT              what the status bar of the Code window begins with, where there is one
+//   expect menu CONTROL TEXT        what a menu item shows, where there are menus
+//   expect file F TEXT, expect file-has F TEXT, expect no-file F      F may hold "*"
 //
 // Words are separated by blanks; a word in double quotes may hold blanks, \n, \t, \" and \\. {dir} is the
 // case's folder, {profile} the folder of the program. `#` begins a comment line. A line waits up to 20
@@ -37,6 +44,7 @@
 #include "platform/model/model.h"
 #include "platform/model/view.h"
 
+#include <array>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -49,7 +57,8 @@ struct ScriptLine {
 };
 
 struct Script {
-    std::vector<std::string> arguments;  // of the program
+    std::vector<std::string> arguments;                // of the program
+    std::vector<std::array<std::string, 3>> settings;  // section, key, value
     std::vector<ScriptLine> lines;
     bool needsRealInput = false;
     std::string error;  // of the script's own text; empty if it is well formed
@@ -69,6 +78,13 @@ public:
     virtual bool stopTool() = 0;  // false: no tool runs that could be stopped
     virtual void endSplash() = 0;
     virtual void screenshot(const std::string& path) = 0;
+    // What is on the screen. The defaults are those of the model, which knows no frames and no texts.
+    virtual void maximise(const platform::Object& window);
+    virtual platform::Rect frameOf(const platform::Object& window);  // empty: no such window is shown
+    virtual platform::Rect boxFrame() { return {0, 0, 1, 1}; }       // of the open question
+    virtual platform::Rect stopFrame() { return {}; }                // of the window with the Stop button
+    virtual bool statusText(std::string&) { return false; }          // false: this mode has no such thing
+    virtual bool menuText(const platform::Control&, std::string&) { return false; }
 };
 
 class UserDriver {
@@ -96,6 +112,7 @@ private:
     bool expect(const ScriptLine& line);
     bool expectControl(const ScriptLine& line);
     bool expectFile(const ScriptLine& line);
+    bool expectSeen(const ScriptLine& line);
     void set(const platform::Object& object, const std::string& value);
     void edit(const std::string& from, const std::string& to);
     void doubleClick(const platform::Object& window, int line);

@@ -12,6 +12,7 @@
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -24,6 +25,8 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <cmath>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -331,6 +334,89 @@ TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
     EXPECT_EQ(infos, 1);
     area->setFlags(0);
     EXPECT_FALSE(bar->isVisible());
+}
+
+// ---- what is marked ----
+
+double luminance(const QColor& colour) {
+    const auto linear = [](float part) {
+        return part <= 0.03928F ? part / 12.92 : std::pow((static_cast<double>(part) + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+// Of the two colours that fill most of the picture.
+double contrastOf(const QImage& picture) {
+    std::map<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
+    std::vector<std::pair<int, QRgb>> most;
+    for (const auto& [colour, count] : counts) most.emplace_back(count, colour);
+    std::sort(most.rbegin(), most.rend());
+    if (most.size() < 2) return 0;
+    const double a = luminance(QColor(most[0].second)), b = luminance(QColor(most[1].second));
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+QPalette paletteOf(const QColor& paper, const QColor& ink, const QColor& mark, const QColor& marked) {
+    QPalette palette(ink, paper, paper, paper, paper, ink, ink, paper, paper);
+    palette.setColor(QPalette::Highlight, mark);
+    palette.setColor(QPalette::HighlightedText, marked);
+    return palette;
+}
+
+TEST_F(EditTest, AMarkedCommentReadsWellInEveryPalette) {
+    const QPalette before = QApplication::palette();
+    const QPalette palettes[] = {
+        paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
+        paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white),
+        paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::black),
+        paletteOf(QColor(35, 38, 41), QColor(252, 252, 252), QColor(61, 174, 233), QColor(252, 252, 252)),
+    };
+    area->setFlags(HILITE);
+    area->setTokens("// ##EOL 0x008000 ITALIC\n");
+    std::string blocks;
+    for (int i = 0; i < 30; ++i) blocks += "\u2588 ";
+    for (const QPalette& palette : palettes) {
+        QApplication::setPalette(palette);
+        store->setText("// " + blocks + "\n");
+        store->select(1, 10000);
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+        const QRect line(40, 3, 250, 8);  // inside the text's first line
+        EXPECT_GE(contrastOf(area->textWidget()->grab(line).toImage()), 4.5);
+    }
+    QApplication::setPalette(before);
+}
+
+TEST_F(EditTest, TextHasAFixedPitchWhateverFontTheDesktopOrTheSettingsName) {
+    const QFont before = QApplication::font();
+    for (const char* name : {"", "No Such Font Anywhere", "Sans"}) {
+        QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 11));
+        Font font;
+        font.name = std::string(name) == "Sans" ? "" : name;
+        font.size = 11;
+        area->setFont(font);
+        const auto width = [this](const char* text) {
+            return ask(2276, 32, reinterpret_cast<long>(text));  // of a text in the default style
+        };
+        EXPECT_GT(width("iiiiiiii"), 0);
+        EXPECT_EQ(width("iiiiiiii"), width("WWWWWWWW")) << name;
+    }
+    QApplication::setFont(before);
+}
+
+TEST_F(EditTest, TheStatusBarFollowsASelectionThatTheProgramMakes) {
+    area->setFlags(STATUSBAR);
+    store->setText("ab\ncd\nef\n");
+    QApplication::processEvents();
+    area->textWidget()->clearFocus();
+    window.hide();
+    store->select(7, 2);
+    QApplication::processEvents();
+    EXPECT_TRUE(window.findChild<QWidget*>(QStringLiteral("statusbar"))
+                    ->accessibleDescription()
+                    .startsWith(QStringLiteral("Line 3, ")));
 }
 
 TEST_F(EditTest, ColoursWordsStringsAndComments) {

@@ -643,6 +643,94 @@ TEST_F(ViewTest, ActivationIsTold) {
     EXPECT_EQ(QApplication::activeWindow(), top(Main));
 }
 
+// ---- long and odd names ----
+
+std::string longPath() {
+    std::string path;
+    while (path.size() < 470) path += "/a-folder-with-a-name";
+    return path + "/file.txt";
+}
+
+TEST_F(ViewTest, ARecentFileShowsItsNameAsItIs) {
+    show(Main);
+    const struct {
+        const char *caption, *shown;
+    } rows[] = {{"&1 /a/R&D/x.txt", "&1 /a/R&&D/x.txt"}, {"&2 /a && b", "&2 /a &&&& b"},
+                {"&3 tab\there", "&3 tab here"},         {"&4 ", "&4 "},
+                {"Save && E&xit", "Save && E&xit"},      {"&10 of them", "&10 of them"}};
+    const auto* action = top(Main)->findChild<QMenuBar*>()->actions()[0]->menu()->actions()[1];
+    for (const auto& row : rows) {
+        SetCaption(Object("Main", 102), row.caption);
+        EXPECT_EQ(action->text().toStdString().substr(0, action->text().toStdString().find("\tC")),
+                  row.shown);
+    }
+}
+
+TEST_F(ViewTest, AMenuIsNeverWiderThanTheScreen) {
+    show(Main);
+    for (const std::string& caption : {"&1 " + longPath(), longPath()}) {
+        SetCaption(Object("Main", 102), caption);
+        QMenu* menu = top(Main)->findChild<QMenuBar*>()->actions()[0]->menu();
+        const auto* action = menu->actions()[1];
+        EXPECT_LT(menu->sizeHint().width(), QApplication::primaryScreen()->availableSize().width());
+        EXPECT_NE(action->text().indexOf(QStringLiteral("file.txt")), -1) << "the end of the name shows";
+        EXPECT_EQ(action->toolTip().toStdString(), caption);
+    }
+}
+
+TEST_F(ViewTest, ALabelShortensAPathInItsMiddleAndSpeaksAllOfIt) {
+    show(Form);
+    auto* label = find<QLabel>(Form, "lblname");
+    SetCaption(Object("Form", 300), longPath());
+    EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width());
+    EXPECT_TRUE(label->text().startsWith(u"/a-f"));
+    EXPECT_TRUE(label->text().endsWith(u"txt"));
+    EXPECT_EQ(label->toolTip().toStdString(), longPath());
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name).toStdString(),
+              longPath());
+    SetCaption(Object("Form", 300), "short");
+    EXPECT_EQ(label->text(), u"short");
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name), u"short");
+}
+
+TEST_F(ViewTest, BoxesKeepTheirButtonsOnTheScreen) {
+    show(Form);
+    std::string lines;
+    for (int i = 0; i < 300; ++i) lines += longPath() + "\n";
+    const QSize screen = QApplication::primaryScreen()->availableSize();
+    for (const std::string& text : {"The file:\n\n\t'" + longPath() + "'\n\nis not there.", lines,
+                                    std::string(5000, 'x'), longPath()}) {
+        QTimer::singleShot(0, [&] {
+            QWidget* box = QApplication::activeModalWidget();
+            EXPECT_LE(box->width(), screen.width());
+            EXPECT_LE(box->height(), screen.height());
+            for (const auto* button : box->findChildren<QPushButton*>())
+                EXPECT_TRUE(box->rect().contains(button->geometry()));
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        MsgBox("t", text, "&Yes\n&No\n");
+        QTimer::singleShot(0, [&] {
+            QWidget* box = QApplication::activeModalWidget();
+            EXPECT_LE(box->width(), screen.width());
+            EXPECT_LE(box->height(), screen.height());
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        static_cast<void>(InputBox("t", text, longPath()));
+    }
+}
+
+TEST_F(ViewTest, TheTextOfAnEditWindowIsNamedByItsCaption) {
+    show(Code);
+    const auto name = [] {
+        return QAccessible::queryAccessibleInterface(editor())->text(QAccessible::Name).toStdString();
+    };
+    EXPECT_EQ(name(), "Code");
+    SetCaption(Code, "/a/b.cls *");
+    EXPECT_EQ(name(), "/a/b.cls *");
+    SetCaption(Code, "");
+    EXPECT_EQ(name(), "Text");
+}
+
 }  // namespace
 
 }  // namespace tarn::platform

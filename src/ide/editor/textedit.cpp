@@ -58,6 +58,14 @@ void setFlag(const Object& window, int flag, bool on) {
     SetFlags(window, on ? flags | flag : flags & ~flag);
 }
 
+constexpr int CAPTION_MARKED = 0x10000;  // of this module alone, beside the flags of the control
+constexpr std::string_view ModifyMark = " *";
+
+// Whether the end of the caption is the mark that this module has put there; a name may end like it.
+bool isMarked(const Object& window, std::string_view caption) {
+    return (GetFlags(window) & CAPTION_MARKED) != 0 && caption.ends_with(ModifyMark);
+}
+
 bool isEditWindow(const Object& window) {
     const std::string type = GetTypeof(window);
     return STREQUAL(type, "Editwindow") || STREQUAL(type, "Richeditwindow");
@@ -130,8 +138,8 @@ std::string EDITWNDGETFILENAME(const Object& window) {
     if (!IsLoaded(window)) return {};
     STAMP();
     std::string name = GetCaption(window);
-    if (name.ends_with('*')) name.pop_back();
-    return STRTRIM(name);
+    if (isMarked(window, name)) name.resize(name.size() - ModifyMark.size());
+    return name;
 }
 
 int EDITWNDGETMAXLENGTH(const Object& window) {
@@ -150,21 +158,27 @@ int EDITWNDGETMAXLENGTH(const Object& window) {
 void DRAWMODIFYINDICATOR(const Object& window) {
     FRAME(DRAWMODIFYINDICATOR);
     STAMP();
-    const std::string caption = GetCaption(window);
-    const bool marked = caption.ends_with('*');
+    const std::string name = EDITWNDGETFILENAME(window);
     STAMP();
-    const bool modified = GetModify(window);
+    const bool modified = GetModify(window), marked = isMarked(window, GetCaption(window));
     STAMP();
-    if (modified && !marked) SetCaption(window, caption + " *");
-    if (!modified && marked)
-        SetCaption(window, STRTRIM(std::string_view(caption).substr(0, caption.size() - 1)));
+    if (modified == marked) return;
+    setFlag(window, CAPTION_MARKED, modified);
+    SetCaption(window, modified ? name + std::string(ModifyMark) : name);
+}
+
+void EDITWNDSETFILENAME(const Object& window, const std::string& name) {
+    FRAME(EDITWNDSETFILENAME);
+    STAMP();
+    setFlag(window, CAPTION_MARKED, false);
+    SetCaption(window, name);
 }
 
 void INITFILE(const Object& window) {
     FRAME(INITFILE);
     STAMP();
     SetText(window, "");
-    SetCaption(window, "");
+    EDITWNDSETFILENAME(window, "");
     SetTokens(window, "");
     STAMP();
     SetModify(window, false);
@@ -216,7 +230,7 @@ bool loadIntoWindow(const Object& window, const std::string& file) {
         Hide(window);
         return false;
     }
-    SetCaption(window, file);
+    EDITWNDSETFILENAME(window, file);
     Show(window, false);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     SetText(window, text);
@@ -265,7 +279,7 @@ void EDITWNDNEW(const Object& window, const std::string& text) {
     EDITWNDCLOSE(window, false);
     STAMP();
     if (!EDITWNDGETFILENAME(window).empty()) return;
-    SetCaption(window, Untitled);
+    EDITWNDSETFILENAME(window, std::string(Untitled));
     SetText(window, text);
     STAMP();
     SetModify(window, !text.empty());
@@ -323,7 +337,7 @@ bool writeText(const Object& window, const std::string& file) {
 void takeBackName(const Object& window, const std::string& name, const std::string& text) {
     if (GetText(window) != text) SetText(window, text);
     SetModify(window, true);
-    SetCaption(window, name);
+    EDITWNDSETFILENAME(window, name);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
 }
 
@@ -341,7 +355,7 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     bool go = !file.empty();
     STAMP();
     if (go && file != before) {
-        SetCaption(window, file);
+        EDITWNDSETFILENAME(window, file);
         EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     }
     STAMP();
@@ -446,6 +460,7 @@ void LOADMRULIST(const std::string& iniFile, const std::string& section, int cou
 void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int limit, const std::string& name) {
     FRAME(SAVEMRUITEM);
     if (iniFile.empty() || section.empty() || name.empty() || limit < 1 || name == Untitled) return;
+    if (name.find_first_of("\r\n") != std::string::npos) return;  // it would make two lines of the list
     STAMP();
     const std::string old = PROFILESTRGET(iniFile, section, "");
     std::string list = name + "\n";

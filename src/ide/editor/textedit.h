@@ -23,6 +23,8 @@ void EDITWNDSAVE(const Object& window, bool saveAs);
 // Asks about changes and empties the window. A window that still has a name afterwards was kept by the user.
 void EDITWNDCLOSE(const Object& window, bool hide);
 std::string EDITWNDGETFILENAME(const Object& window);
+// Gives the window another name, without a mark; whoever sets the caption itself leaves the mark undecided.
+void EDITWNDSETFILENAME(const Object& window, const std::string& name);
 int EDITWNDGETMAXLENGTH(const Object& window);  // bytes; 0 if it is no edit window
 
 void EDITWNDSETSTATUS(const Object& window, bool on);

@@ -461,6 +461,11 @@ bool keyPressed(int key) {
     return key == KEY_F1 || key == KEY_ESCAPE;
 }
 
+// How far the Code window may grow follows the height of this one, whose frame comes after it is shown.
+void resized() {
+    if (IsLoaded(SDIEdit)) EDITWNDSETMAXSIZE(SDIEdit, Main);
+}
+
 // Each window asks its own question about saving; the first that stays vetoes.
 bool closeVetoed() {
     if (!CLOSEALL()) return true;
@@ -479,6 +484,7 @@ bool MAIN(const Object&, int event, const Object& control, int parameter) {
     case ACTIVATE_EVENT: activated(parameter); break;
     case KEYPRESS_EVENT: result = keyPressed(parameter); break;
     case COMMAND_EVENT: DO_COMMAND(control, parameter); break;
+    case RESIZE_EVENT: resized(); break;
     case CLOSE_EVENT: result = closeVetoed(); break;
     default: result = false;
     }
@@ -499,6 +505,7 @@ void RUNIDE() {
     DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
     REGISTERWINDOWS();
     SetRescueHook(RESCUETEXT);
+    ListenForEnd();
     {
         FRAME(RUNIDE);
         STAMP();

@@ -3,6 +3,7 @@
 
 #include "ide/build/toolrun.h"
 #include "ide/shell/windows.h"
+#include "library/settings/initext.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"
@@ -10,6 +11,7 @@
 #include "platform/registry.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tarn {
 namespace {
@@ -42,13 +44,12 @@ std::string GETIDEINIFILE() {
     const std::string beside = os::executableFolder() + "ide.ini";
     if (os::infoOf(os::executableFolder()).writable) return beside;
     const std::string own = os::settingsFolder() + "ide.ini";
-    if (!os::infoOf(own).exists) {
-        std::string shipped;
-        os::readFile(beside, shipped);
-        if (os::makeFolders(os::settingsFolder()) == os::FileError::None)
-            static_cast<void>(os::saveFile(own, shipped, os::Durability::Unsynced));
-    }
-    return own;
+    if (os::infoOf(own).exists) return own;
+    std::string shipped;
+    os::readFile(beside, shipped);
+    const bool made = os::makeFolders(os::settingsFolder()) == os::FileError::None &&
+                      os::saveFile(own, shipped, os::Durability::Unsynced).ok();
+    return made ? own : beside;
 }
 
 std::string GETCOMPILERDIR() {
@@ -156,14 +157,36 @@ std::string toolFolder(const std::string& app) {
 
 }  // namespace
 
+namespace {
+
+// Where the paths lead that the settings leave empty.
+std::array<std::pair<const char*, std::string>, 4> usualPlaces() {
+    const std::string app = os::executableFolder();
+    return {
+        {{"Edit2", app + "help/"}, {"Edit3", toolFolder(app)}, {"Edit4", app + "examples/"}, {"Edit5", app}}};
+}
+
+// What the settings begin with when they have been deleted or emptied under the running program: the copy
+// that was installed, or its backup where the program works on that copy itself.
+std::string freshSettings() {
+    const std::string shipped = os::executableFolder() + "ide.ini";
+    std::string text;
+    os::readFile(GETIDEINIFILE() == shipped ? FILECHANGEEXT(shipped, ".bak") : shipped, text);
+    if (text.empty()) return text;
+    for (const auto& [key, folder] : usualPlaces()) {
+        if (ini::get(text, "PathsOptionsDlg", key).empty()) ini::put(text, "PathsOptionsDlg", key, folder);
+    }
+    return text;
+}
+
+}  // namespace
+
 void PREPARESETTINGS() {
     FRAME(PREPARESETTINGS);
     const std::string ini = GETIDEINIFILE();
     if (FileSize(ini) < 1) return;
-    const std::string app = os::executableFolder();
-    const std::pair<const char*, std::string> places[] = {
-        {"Edit2", app + "help/"}, {"Edit3", toolFolder(app)}, {"Edit4", app + "examples/"}, {"Edit5", app}};
-    for (const auto& [key, folder] : places) {
+    PROFILESTRORIGIN(ini, freshSettings);
+    for (const auto& [key, folder] : usualPlaces()) {
         STAMP();
         if (pathSetting(key).empty()) PROFILESTRPUT(ini, "PathsOptionsDlg", key, folder);
     }

@@ -15,7 +15,8 @@ namespace tarn {
 // ---- where things are ----
 std::string GETAPPDIR();
 // `ide.ini` beside the executable if that folder can be written, else in the user's settings folder, where
-// the first call makes it from the copy beside the executable.
+// the first call makes it from the copy beside the executable. Where none can be made it is that copy, which is
+// read, and which nobody can write.
 std::string GETIDEINIFILE();
 std::string GETCOMPILERDIR();
 std::string GETRESOURCEDIR();

@@ -39,7 +39,7 @@ void removePair(const std::string& stem) {
 bool bringBack(const std::string& file, const std::string& text) {
     EDITWNDNEW(SDIEdit, "");
     if (EDITWNDGETFILENAME(SDIEdit) != Untitled) return false;
-    SetCaption(SDIEdit, file);
+    EDITWNDSETFILENAME(SDIEdit, file);
     EDITWNDSETTOKENS(SDIEdit, GETTOKENLEVEL());
     SetText(SDIEdit, text);
     SetModify(SDIEdit, true);
@@ -56,8 +56,7 @@ bool offerPair(const std::string& stem) {
     if (!whole) return false;
     const std::string answer = MsgBox(
         "Rescued Text",
-        "The environment was stopped by an error while the following file had unsaved changes:\n\n\t'" +
-            file +
+        "The environment was stopped while the following file had unsaved changes:\n\n\t'" + file +
             "'\n\nIts text was kept. Restore it as an unsaved change, delete it, or be asked again at the "
             "next start?",
         "&Restore\n&Delete\n&Later", BoxIcon::Question);
@@ -65,18 +64,33 @@ bool offerPair(const std::string& stem) {
     return answer == "&Restore" && bringBack(file, text);
 }
 
-// A copy that a save left because it was interrupted while it wrote the file in place, or a text whose name
-// was lost.
+void removeCopy(const std::string& copy) {
+    os::files().remove(copy);
+    os::files().remove(os::rescueNameFile(copy));
+}
+
+// A copy that a save left because it was interrupted while it wrote the file in place. It comes back as a change
+// of that file; one whose name was lost opens as it is.
 bool offerCopy(const std::string& copy) {
+    std::string file, text;
+    const bool named = os::readFile(os::rescueNameFile(copy), file) == os::FileError::None && !file.empty() &&
+                       os::readFile(copy, text) == os::FileError::None;
     const std::string answer =
         MsgBox("Rescued Text",
                "A save was interrupted before it had finished. The whole text was kept in the "
                "following file:\n\n\t'" +
-                   copy + "'\n\nOpen it, delete it, or be asked again at the next start?",
+                   copy + "'\n\n" + (named ? "It belongs to:\n\n\t'" + file + "'\n\n" : "") +
+                   "Open it, delete it, or be asked again at the next start?",
                "&Open\n&Delete\n&Later", BoxIcon::Question);
-    if (answer == "&Delete") os::files().remove(copy);
-    if (answer == "&Open") EDITWNDOPEN(SDIEdit, copy, false, 0);
-    return answer == "&Open";
+    if (answer == "&Delete") removeCopy(copy);
+    if (answer != "&Open") return false;
+    if (named) return bringBack(file, text);
+    EDITWNDOPEN(SDIEdit, copy, false, 0);
+    return true;
+}
+
+bool isRescueName(const std::string& path) {
+    return FILEGETFNAME(path).starts_with('.') && path.ends_with(nameEnd);
 }
 
 }  // namespace
@@ -86,8 +100,10 @@ void RESCUETEXT() {
     const std::string file = EDITWNDGETFILENAME(SDIEdit);
     const std::string stem = rescueStem(file);
     os::makeFolders(os::rescueFolder());
-    if (os::saveFile(stem + std::string(textEnd), GetText(SDIEdit)).ok())
-        static_cast<void>(os::saveFile(stem + std::string(nameEnd), file));
+    // The name first: a text that is there at all can then be given back to its file.
+    if (os::saveFile(stem + std::string(nameEnd), file).ok() &&
+        !os::saveFile(stem + std::string(textEnd), GetText(SDIEdit)).ok())
+        removePair(stem);
 }
 
 bool OFFERRESCUEDTEXT() {
@@ -96,6 +112,7 @@ bool OFFERRESCUEDTEXT() {
     for (const std::string& path : rescuedFiles()) {
         STAMP();
         if (shown) break;  // the others are offered at the next start: one text fits in the window
+        if (isRescueName(path)) continue;
         const std::string stem = path.substr(0, path.size() - textEnd.size());
         const bool hasName = os::infoOf(stem + std::string(nameEnd)).exists;
         if (path.ends_with(nameEnd))
@@ -111,9 +128,13 @@ void DROPRESCUEDTEXT(const std::string& file) {
     FRAME(DROPRESCUEDTEXT);
     for (const std::string& path : rescuedFiles()) {
         std::string name;
-        const bool ofFile =
-            path.ends_with(nameEnd) && os::readFile(path, name) == os::FileError::None && name == file;
-        if (ofFile) removePair(path.substr(0, path.size() - nameEnd.size()));
+        const bool pair = path.ends_with(nameEnd) && !isRescueName(path);
+        const std::string nameFile = pair ? path : os::rescueNameFile(path);
+        if (os::readFile(nameFile, name) != os::FileError::None || name != file) continue;
+        if (pair)
+            removePair(path.substr(0, path.size() - nameEnd.size()));
+        else
+            removeCopy(path);
     }
 }
 

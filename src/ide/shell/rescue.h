@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Rescue of unsaved text. Before a halt that an error causes, the changed text of the Code window goes to the
-// rescue folder: `NAME.PID.text` with the bytes and then `NAME.PID.name` with the full path of its file. The
+// Rescue of unsaved text. Before a halt that an error, the end of the session or the loss of the screen causes,
+// the changed text of the Code window goes to the rescue folder: `NAME.PID.name` with the full path of its file
+// and then `NAME.PID.text` with the bytes. The
 // next start offers each pair, and each copy that an interrupted save has left there; what the user leaves
 // stays for the start after that. A restored text keeps its pair until it has been saved or thrown away.
 #pragma once

@@ -19,6 +19,7 @@ namespace tarn {
 FrameStack* frameStack = nullptr;
 VariableTable* variableTable = nullptr;
 ClassTable* classTable = nullptr;
+ThrownPlace lastThrown;
 
 namespace {
 
@@ -98,6 +99,20 @@ void FunctionLeave() {
         tarn_current_line = caller.savedLine;
         caller.savedLine = 0;
     }
+}
+
+// Frames leave one after the other while an exception travels; the deepest tells where it was thrown.
+void NoteThrown() {
+    const FrameRecord* top = TopFrame();
+    if (top == nullptr) return;
+    const std::int32_t depth = frameStack->count;
+    const bool travels = lastThrown.depth == depth + 1 && lastThrown.callerLine == tarn_current_line;
+    if (!travels) {
+        lastThrown.frame = *top;
+        lastThrown.line = tarn_current_line;
+    }
+    lastThrown.depth = depth;
+    lastThrown.callerLine = recorded(depth - 1) ? frameAt(depth - 1).savedLine : 0;
 }
 
 std::string CurrentFunctionName() {

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -91,14 +92,25 @@ struct ModuleInfo {
     std::int32_t action = ReportErrors;
 };
 
+// Notes that an exception leaves the top frame: the report of one that nobody catches tells the deepest.
+void NoteThrown();
+
 class Frame {
 public:
-    Frame(const ModuleInfo& module, const char* function, std::int32_t line) {
+    Frame(const ModuleInfo& module, const char* function, std::int32_t line)
+        : exceptions_(std::uncaught_exceptions()) {
         FunctionEnter(module.name, function, line);
     }
-    ~Frame() { FunctionLeave(); }
+    ~Frame() {
+        if (std::uncaught_exceptions() > exceptions_) [[unlikely]]
+            NoteThrown();
+        FunctionLeave();
+    }
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;
+
+private:
+    int exceptions_;  // under way when the function was entered
 };
 
 #define MODULE(...)                                                                                          \
@@ -126,6 +138,9 @@ void RunProtected(void (*program)());
 // Called before any halt that an error causes, so that nothing the user typed is lost. Null: none.
 using RescueHook = void (*)();
 void SetRescueHook(RescueHook hook);
+// From now on the end of the session, or a signal that asks for an end, calls the hook and halts. Makes the
+// view.
+void ListenForEnd();
 
 // 0 no frames, 1 frames, 2 frames and the debugger (falls back to 1 while the main source is missing or
 // empty).

@@ -58,6 +58,15 @@ extern FrameStack* frameStack;        // null in debug mode 0
 extern VariableTable* variableTable;  // null below debug mode 2
 extern ClassTable* classTable;        // null below debug mode 2
 
+// Where the last exception that has left a function was thrown.
+struct ThrownPlace {
+    FrameRecord frame;
+    std::int32_t line;        // in that frame
+    std::int32_t depth;       // of the last frame that it has left; 0: there was none
+    std::int32_t callerLine;  // where the frame below called that one
+};
+extern ThrownPlace lastThrown;
+
 // The top frame; null when there is none, or when the count is outside 1 to MaxFrames.
 inline const FrameRecord* TopFrame() {
     if (frameStack == nullptr || frameStack->count < 1 || frameStack->count > MaxFrames) return nullptr;

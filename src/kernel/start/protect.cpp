@@ -7,6 +7,8 @@
 // exception is the rescue hook, which saves what the user typed and cannot do so without allocating. A fault
 // inside it, or a hang (a lock that the fault left taken), leads back to the report after at most
 // rescueSeconds.
+//
+// A wish that the program end (os/session.h) is no fault: it goes through the event loop, rescues and halts.
 #include "kernel/start/protect.h"
 
 #include "kernel/run/errors.h"
@@ -16,10 +18,13 @@
 #include "kernel/run/state.h"
 #include "kernel/start/process.h"
 #include "os/process.h"
+#include "os/session.h"
+#include "platform/model/view.h"
 
 #include <array>
 #include <csetjmp>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <sys/mman.h>
@@ -32,6 +37,7 @@ namespace {
 constexpr std::size_t stackBytes = std::size_t{4} << 20;  // committed as it is used
 constexpr unsigned rescueSeconds = 10;
 constexpr int faultExitCode = 1;
+constexpr int signalExitBase = 128;  // as shells report it
 
 volatile std::sig_atomic_t rescueRunning = 0, faults = 0;
 sigjmp_buf rescueEnd;
@@ -98,6 +104,17 @@ void onFault(int signal, siginfo_t* info, void*) {
     _exit(faultExitCode);
 }
 
+// In a handler: the event loop has not come round to the end that was asked for.
+void endLate(int signal) {
+    rescueGuarded();
+    _exit(signalExitBase + signal);
+}
+
+// What ends a program behind its back, as the toolkit does when the screen is gone, still runs this.
+void rescueAtExit() {
+    if (!ProcessIsEnding()) RescueOnce();
+}
+
 // Puts the handlers in place for its lifetime, and the former ones back.
 class FaultHandlers {
 public:
@@ -129,6 +146,14 @@ private:
     stack_t stack_{}, formerStack_{};
 };
 
+// The frames of the functions that the exception has left are gone.
+void reportThrown() {
+    const ThrownPlace& thrown = lastThrown;
+    if (thrown.depth < 1 || thrown.depth != FrameCount() + 1) return ReportFatalHere(ERR_OPERATING_SYSTEM);
+    ReportFatal(ERR_OPERATING_SYSTEM, ErrorText(ERR_OPERATING_SYSTEM), thrown.frame.className,
+                thrown.frame.functionName, thrown.line, "");
+}
+
 void runCatching(void (*program)()) {
     try {
         program();
@@ -137,7 +162,7 @@ void runCatching(void (*program)()) {
         if (ProcessIsEnding()) throw;  // thrown by what stands in for the end of the process
     }
     RescueOnce();
-    ReportFatalHere(ERR_OPERATING_SYSTEM);
+    reportThrown();
     os::endProcess(faultExitCode);
 }
 
@@ -181,7 +206,18 @@ void RunTimeFatal(std::int32_t code, std::string_view message, std::string_view 
     os::endProcess(faultExitCode);
 }
 
+void ListenForEnd() {
+    os::listenForEnd(endLate);
+    platform::view().watch(os::endDescriptor(), [] {
+        if (os::takeEndSignal() == 0) return;
+        RescueOnce();
+        Halt();
+    });
+}
+
 void RunProtected(void (*program)()) {
+    static const bool registered = std::atexit(rescueAtExit) == 0;
+    static_cast<void>(registered);
     LocateFatalProgram();
     const FaultHandlers handlers;
     runCatching(program);

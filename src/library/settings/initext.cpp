@@ -19,6 +19,11 @@ bool isSectionChar(char c) {
     return ascii::isSymbol(c) || c == ' ' || c == '.';
 }
 
+// What may stand behind the first character of a key.
+bool isKeyChar(char c) {
+    return c > ' ' && c <= '~' && c != '=';
+}
+
 // The name in a header line; empty if the line is no header.
 std::string_view headerName(std::string_view line) {
     line = ascii::withoutLineEnd(line);
@@ -61,17 +66,15 @@ Section findSection(std::string_view text, std::string_view name) {
 
 // The key of an entry; empty if the line is no entry.
 std::string_view entryKey(std::string_view line) {
-    std::size_t size = 0;
-    while (size < line.size() && ascii::isSymbol(line[size])) ++size;
-    if (size == 0 || size == line.size() || line[size] != '=') return {};
-    return line.substr(0, size);
+    const std::size_t size = line.find('=');
+    return size != npos && isKey(line.substr(0, size)) ? line.substr(0, size) : std::string_view();
 }
 
 // Whether `line` is the entry of `key`; looks at no more characters than that takes.
 bool isEntryOf(std::string_view line, std::string_view key) {
     if (line.size() <= key.size() || line[key.size()] != '=') return false;
     for (std::size_t i = 0; i < key.size(); ++i)
-        if (ascii::upper(line[i]) != ascii::upper(key[i]) || !ascii::isSymbol(line[i])) return false;
+        if (ascii::upper(line[i]) != ascii::upper(key[i]) || !isKeyChar(line[i])) return false;
     return true;
 }
 
@@ -81,7 +84,7 @@ struct Line {
 };
 
 Line findEntry(std::string_view text, const Section& section, std::string_view key) {
-    if (!section.found() || key.empty()) return {};
+    if (!section.found() || !isKey(key)) return {};
     for (std::size_t at = section.body; at < text.size() && text[at] != '[';) {
         const std::size_t end = lineEnd(text, at);
         if (isEntryOf(text.substr(at, end - at), key)) return {at, end};
@@ -184,7 +187,7 @@ std::string sections(std::string_view text) {
 }
 
 bool isKey(std::string_view key) {
-    return !key.empty() && std::all_of(key.begin(), key.end(), ascii::isSymbol);
+    return !key.empty() && ascii::isSymbol(key.front()) && std::all_of(key.begin(), key.end(), isKeyChar);
 }
 
 void put(std::string& text, std::string_view section, std::string_view key, std::string_view value) {

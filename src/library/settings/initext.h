@@ -5,8 +5,9 @@
 //
 // A line ends at LF; a CR before it belongs to the line end. A header is a line "[name]" from column 1, with
 // letters, digits, underscore, blank and full stop in the name; no other line that starts with "[" can be
-// found, but it ends the section above it. An entry is key=value from column 1, its key made of letters,
-// digits and underscore. A line whose first character is ";" is a comment. Names compare without regard to
+// found, but it ends the section above it. An entry is key=value from column 1. A key begins with a letter, a
+// digit or an underscore, and goes on with these or any other of the characters 33 to 126 but "="; so
+// "key =value" is no entry. A line whose first character is ";" is a comment. Names compare without regard to
 // the case of ASCII letters.
 //
 // What is written ends in CR LF; lines that are not written keep their bytes. Line ends inside a name or a

@@ -63,6 +63,11 @@ struct Failure {
 };
 Failure failure;
 
+std::map<std::string, ProfileOrigin>& origins() {
+    static std::map<std::string, ProfileOrigin> all;
+    return all;
+}
+
 // The failures of one kind that the user knows: the code by the file's name.
 using Told = std::map<std::string, std::int32_t>;
 Told toldReads, toldWrites;
@@ -135,7 +140,22 @@ bool writeProfile(const std::string& file, std::string_view text) {
     return result.ok();
 }
 
+std::string textToChange(const std::string& file, bool& readable) {
+    std::string text(readProfile(file, readable));
+    if (!text.empty() || !readable) return text;
+    const auto origin = origins().find(file);
+    return origin != origins().end() ? origin->second() : text;
+}
+
 }  // namespace detail
+
+void PROFILESTRORIGIN(const std::string& file, ProfileOrigin origin) {
+    FRAME(PROFILESTRORIGIN);
+    if (origin != nullptr)
+        detail::origins()[file] = origin;
+    else
+        detail::origins().erase(file);
+}
 
 namespace {
 
@@ -179,7 +199,7 @@ void PROFILESTRPUT(const std::string& file, std::string_view section, std::strin
     if (file.empty() || section.empty() || !(key.empty() || ini::isKey(key))) return;
     bool readable = false;
     STAMP();
-    std::string text(detail::readProfile(file, readable));
+    std::string text = detail::textToChange(file, readable);
     if (!readable) return;
     if (key.empty())
         ini::putList(text, section, value);

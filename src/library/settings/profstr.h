@@ -3,8 +3,9 @@
 // Profile strings: settings files of sections and key=value lines, words and tokens, and the controls of a
 // dialog kept in such a file. Every call reads the whole file, and a write saves the whole file; nothing
 // stays open. A missing file reads as empty; one that is there and cannot be read reads as empty and is not
-// written. An empty file name or section makes a write do nothing, and so does a key with other characters
-// than letters, digits and "_": it could never be found again. A failed write leaves the old file whole.
+// written. An empty file name or section makes a write do nothing, and so does a key that could never be found
+// again: one that holds "=" or another character than 33 to 126, or begins with another character than a letter, a digit or "_". A
+// failed write leaves the old file whole.
 //
 // A file that cannot be read or written is told in a box (651 to 654, 657), and the program goes on:
 // LastError has the code then. It is told once for a file and a code until the same file could be read, or
@@ -30,6 +31,10 @@ std::string PROFILESTRSECTIONS(const std::string& file);                        
 void PROFILESTRPUT(const std::string& file, std::string_view section, std::string_view key,
                    std::string_view value);
 void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key);
+
+// What a write begins with when it finds `file` missing or empty; the text is asked for then. Null: nothing.
+using ProfileOrigin = std::string (*)();
+void PROFILESTRORIGIN(const std::string& file, ProfileOrigin origin);
 
 // The values of a window's check boxes, radio buttons, edits and combo boxes, in the section of the window's
 // name. Saving writes the file once, and not at all if nothing has changed; a file that cannot be read

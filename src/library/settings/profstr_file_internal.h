@@ -20,6 +20,8 @@ void settingsError(std::int32_t code);
 // The text of the file; valid until the next call. A missing file and an empty name read as empty. `readable`
 // is false when the file is there and cannot be read: nothing may be written then.
 std::string_view readProfile(const std::string& file, bool& readable);
+// The same as a text to change; a missing or empty file gives its origin, if it has one.
+std::string textToChange(const std::string& file, bool& readable);
 bool writeProfile(const std::string& file, std::string_view text);
 
 }  // namespace tarn::detail

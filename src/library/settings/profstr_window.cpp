@@ -156,7 +156,7 @@ void SAVEINIFILE(const std::string& file, const Object& window, bool withPositio
     if (file.empty() || !IsLoaded(window)) return;
     bool readable = false;
     STAMP();
-    std::string text(detail::readProfile(file, readable));
+    std::string text = detail::textToChange(file, readable);
     if (!readable) return;
     const std::string before = text;
     STAMP();

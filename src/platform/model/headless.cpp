@@ -9,6 +9,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <map>
 #include <poll.h>
 #include <utility>
 
@@ -127,8 +128,8 @@ public:
     void showSplash(const std::string&, const std::vector<std::string>&) override {}
     void closeSplash() override {}
     void watch(int descriptor, std::function<void()> ready) override {
-        watched_ = descriptor;
-        ready_ = std::move(ready);
+        watched_.erase(descriptor);
+        if (descriptor >= 0 && ready) watched_[descriptor] = std::move(ready);
     }
     void raise(Window&) override {}
 
@@ -150,9 +151,9 @@ private:
     bool sleepToTimer();
 
     std::function<std::string(const Question&)> answer_;
-    std::function<void()> idle_, ready_;
+    std::function<void()> idle_;
+    std::map<int, std::function<void()>> watched_;  // by descriptor
     std::string clipboard_;
-    int watched_ = -1;
     bool progress_ = false, stopped_ = false;  // of a tool
     std::vector<Timer> timers_;
     std::vector<Asked> asking_;
@@ -173,9 +174,16 @@ void Headless::fireTimers() {
 }
 
 void Headless::step() {
-    pollfd descriptor{watched_, POLLIN, 0};
+    std::vector<pollfd> descriptors;
+    for (const auto& [descriptor, ready] : watched_) descriptors.push_back({descriptor, POLLIN, 0});
     const int patience = idle_ ? 1 : 0;  // milliseconds; an idle function may be waiting for another process
-    if (::poll(&descriptor, watched_ >= 0 ? 1 : 0, patience) > 0 && ready_) ready_();
+    ::poll(descriptors.data(), descriptors.size(), patience);
+    for (const pollfd& one : descriptors) {
+        const auto place = watched_.find(one.fd);
+        if (one.revents == 0 || place == watched_.end()) continue;
+        const auto ready = place->second;  // the watch may end inside
+        ready();
+    }
     fireTimers();
 }
 

@@ -53,7 +53,7 @@ void serve() {
 }
 
 void stopServing() {
-    if (os::instanceSocket() >= 0) view().watch(-1, {});
+    if (os::instanceSocket() >= 0) view().watch(os::instanceSocket(), {});
     os::stopInstanceServer();
 }
 

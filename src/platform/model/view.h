@@ -139,7 +139,8 @@ public:
     virtual bool toolStopPressed() = 0;
     virtual void showSplash(const std::string& picture, const std::vector<std::string>& lines) = 0;
     virtual void closeSplash() = 0;
-    virtual void watch(int descriptor, std::function<void()> ready) = 0;  // -1 stops watching
+    // Calls `ready` from any event loop whenever the descriptor can be read; null stops that.
+    virtual void watch(int descriptor, std::function<void()> ready) = 0;
     virtual void raise(Window& window) = 0;  // to the foreground, as after a hand-over
 
     // For whoever plays the user, from the idle function. The question whose box is open now, null if none

@@ -124,14 +124,22 @@ Frame::~Frame() {
     frames().erase(this);
 }
 
+// The library of the edit window takes long to load, so its control comes with the first showing; until then the
+// model holds the text.
+void Frame::makeEditor() {
+    if (!isEditWindowType(window_->type) || Peer::of(*client_) != nullptr) return;
+    const Selection selection = window_->text->selection();
+    Peer* peer = makeEditAreaPeer(*window_, client_);
+    client_->setProperty("peer", QVariant::fromValue(static_cast<void*>(peer)));
+    window_->widget = this;
+    for (const Property property :
+         {Property::Font, Property::Flags, Property::Tokens, Property::MaxLength, Property::Readonly})
+        peer->apply(property);
+    window_->text->select(selection.start, selection.length);
+    peer->widget()->show();
+}
+
 void Frame::makeControls() {
-    if (isEditWindowType(window_->type)) {
-        Peer* peer = makeEditAreaPeer(*window_, client_);
-        client_->setProperty("peer", QVariant::fromValue(static_cast<void*>(peer)));
-        window_->widget = this;
-        for (const Property property : {Property::Font, Property::Flags, Property::Tokens})
-            peer->apply(property);
-    }
     for (const auto& control : window_->controls) {
         Peer* peer = makePeer(*control, client_, !window_->menuItems.empty());
         applyFont(*peer->widget(), control->font, window_->font);
@@ -144,22 +152,50 @@ void Frame::makeControls() {
     orderTabs();
 }
 
-// Screen readers tell a control by the label before it; a mnemonic of that label leads to it.
+namespace {
+
+bool showsCaption(Type type) {
+    switch (type) {
+    case Type::Pushbutton:
+    case Type::Checkbox:
+    case Type::Radiobutton:
+    case Type::Groupbox: return true;
+    default: return false;
+    }
+}
+
+QString plainCaption(const Control& control) {
+    QString name = withoutMnemonic(shown(control.caption));
+    while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
+    return name;
+}
+
+// What screen readers call a control that shows no caption of its own: the label before it names it, else its
+// hint, and its name in the resource file only where there is nothing else.
+QString spokenName(const Control& control, const Control* label) {
+    if (control.type == Type::Bitmapbutton && !control.hint.empty()) return shown(control.hint);
+    if (control.type == Type::Bitmapbutton && !control.caption.empty()) return plainCaption(control);
+    if (showsCaption(control.type) && !control.caption.empty()) return plainCaption(control);
+    if (label != nullptr && !label->caption.empty()) return plainCaption(*label);
+    return shown(control.hint.empty() ? control.name : control.hint);
+}
+
+}  // namespace
+
 void Frame::nameControls() {
     const Control* label = nullptr;
     for (const auto& control : window_->controls) {
         Peer* peer = peerOf(*control);
-        QString name = withoutMnemonic(shown(control->caption));
-        if (name.isEmpty() && label != nullptr) name = withoutMnemonic(shown(label->caption));
-        if (name.isEmpty()) name = shown(control->hint.empty() ? control->name : control->hint);
-        if (!control->hint.empty() && control->type == Type::Bitmapbutton)
-            name = withoutMnemonic(shown(control->hint));
-        while (name.endsWith(u':') || name.endsWith(u' ')) name.chop(1);
-        // A widget that shows its caption is read by it, also when it changes.
-        if (control->caption.empty() || control->type == Type::Bitmapbutton) {
+        // A widget that shows its caption is read by it, also when it changes; a label that shows a value is
+        // told by the one before it.
+        if (control->type == Type::Label) {
+            if (label != nullptr) peer->widget()->setAccessibleDescription(plainCaption(*label));
+        } else if (!showsCaption(control->type) || control->caption.empty()) {
+            const QString name = spokenName(*control, label);
             peer->widget()->setAccessibleName(name);
             if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
         }
+        // A mnemonic of a label leads to the control behind it.
         if (label != nullptr && takesFocus(*control) && label->caption.find('&') != std::string::npos)
             if (auto* text = qobject_cast<QLabel*>(peerOf(*label)->widget()); text != nullptr)
                 text->setBuddy(peer->focusWidget());
@@ -216,7 +252,10 @@ void Frame::apply(Property property) {
     switch (property) {
     case Property::Caption: applyTitle(); break;
     case Property::Position: place(); break;
-    case Property::MinMax: applyLimits(); break;
+    case Property::MinMax:
+        applyLimits();
+        if (large_ && capped()) maximiseWithin();
+        break;
     case Property::State: applyState(); break;
     case Property::Enabled: setEnabled(window_->enabled); break;
     case Property::Visible:
@@ -231,7 +270,7 @@ void Frame::apply(Property property) {
     case Property::Picture: setWindowIcon(iconOf(window_->picture)); break;
     default: break;
     }
-    if (isEditWindowType(window_->type)) Peer::of(*client_)->apply(property);
+    if (Peer* editor = Peer::of(*client_); editor != nullptr) editor->apply(property);
 }
 
 void Frame::applyTo(Control& control, Property property) {
@@ -324,7 +363,19 @@ void Frame::layOut() {
     const int bar = barHeight();
     bar_->setGeometry(0, 0, width(), bar);
     client_->setGeometry(0, bar, width(), std::max(height() - bar, 0));
-    if (isEditWindowType(window_->type)) Peer::of(*client_)->widget()->setGeometry(client_->rect());
+    if (const Peer* editor = Peer::of(*client_); editor != nullptr)
+        editor->widget()->setGeometry(client_->rect());
+}
+
+// The frame counts too: its lower edge has to stay on the screen. It is the usual one, not that of a window that
+// the window system has just maximised.
+QSize Frame::largestSize() const {
+    const Rect& to = window_->maximum_;
+    const QRect room = screen()->availableGeometry();
+    const int bar = barHeight();
+    const int width = room.right() + 1 - to.x - assumed_.left() - assumed_.right();
+    const int height = room.bottom() + 1 - to.y - assumed_.top() - assumed_.bottom() - bar;
+    return {std::min(to.w, width), std::min(to.h, height) + bar};
 }
 
 void Frame::maximiseWithin() {
@@ -332,12 +383,19 @@ void Frame::maximiseWithin() {
     if (!large_) normal_ = geometry();
     large_ = true;
     showNormal();
-    const Rect& to = window_->maximum_;
-    const QRect room = screen()->availableGeometry();
-    const Rect margins = extents();
-    const int bar = barHeight();
-    resize(std::min(to.w, room.width() - margins.w), std::min(to.h + bar, room.height() - margins.h + bar));
-    move(to.x, to.y);
+    resize(largestSize());
+    move(window_->maximum_.x, window_->maximum_.y);
+    // A window system that has just taken the whole screen may place the window by the frame it had there.
+    for (const int milliseconds : {100, 400})
+        QTimer::singleShot(milliseconds, this, [this] { settleLarge(); });
+}
+
+void Frame::settleLarge() {
+    if (window_ == nullptr || !large_ || !capped() || isMaximized()) return;
+    const Flag quiet(applying_);
+    if (size() != largestSize()) resize(largestSize());
+    const QPoint corner(window_->maximum_.x, window_->maximum_.y);
+    if (frameGeometry().topLeft() != corner) move(corner);
 }
 
 void Frame::applyState() {
@@ -359,6 +417,10 @@ void Frame::applyState() {
 
 void Frame::report() {
     if (window_ == nullptr || applying_ || !isVisible() || window_->closing) return;
+    // Until the frame has been seen, what the widget tells is not the size of the window.
+    const QMargins margins = windowHandle() != nullptr ? windowHandle()->frameMargins() : assumed_;
+    if (margins.isNull() && !assumed_.isNull()) return;  // settle() will look again
+    if (margins != assumed_ && !isMaximized()) return settle();
     const int state = isMinimized() ? 1 : isMaximized() || large_ ? 2 : 0;
     const QRect frame = frameGeometry();
     const Rect now =
@@ -372,6 +434,7 @@ void Frame::report() {
 // any other that was given a place keeps its frame.
 void Frame::settle() {
     if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
+    if (isMaximized()) return report();  // with another frame, or none
     const QMargins margins = windowHandle()->frameMargins();
     const bool news = margins != assumed_;
     const QSize before(window_->position.w - assumed_.left() - assumed_.right(),
@@ -420,6 +483,12 @@ void Frame::bringUp() {
     const bool first = !isVisible();
     {
         const Flag quiet(applying_);
+        if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
+            assumed_ = knownMargins(window_->borderStyle);
+            if (window_->position != first_) place();
+        }
+        makeEditor();
+        layOut();
         applyModality();
         if (window_->state == 1 && first) window_->state = 0;
         if (isMinimized()) showNormal();
@@ -438,7 +507,7 @@ void Frame::bringUp() {
 }
 
 void Frame::focusFirst() {
-    if (isEditWindowType(window_->type)) return Peer::of(*client_)->focusWidget()->setFocus();
+    if (Peer* editor = Peer::of(*client_); editor != nullptr) return editor->focusWidget()->setFocus();
     if (focusWidget() != nullptr && focusWidget() != this) return;
     for (const auto& control : window_->controls) {
         if (!control->visible || !control->enabled || !control->tabStop || !takesFocus(*control)) continue;
@@ -454,7 +523,9 @@ void Frame::focusFirst() {
 void Frame::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     layOut();
-    QTimer::singleShot(60, this, [this] { settle(); });
+    // The window system tells the width of the frame in its own time, and not always with an event.
+    for (const int milliseconds : {60, 250, 1000})
+        QTimer::singleShot(milliseconds, this, [this] { settle(); });
 }
 
 void Frame::closeEvent(QCloseEvent* event) {
@@ -514,7 +585,7 @@ void Frame::release() {
         control->widget = nullptr;
     }
     for (const auto& item : window_->menuItems) item->widget = nullptr;
-    if (isEditWindowType(window_->type)) Peer::of(*client_)->release();
+    if (Peer* editor = Peer::of(*client_); editor != nullptr) editor->release();
     window_->widget = nullptr;
     frames().erase(this);  // what still comes for it, until it is deleted, finds no window
     window_ = nullptr;

@@ -42,6 +42,7 @@ protected:
 
 private:
     void makeControls();
+    void makeEditor();
     void nameControls();
     void orderTabs();
     void place();  // the model's position and limits to the screen
@@ -52,6 +53,8 @@ private:
     void applyTitle();
     void applyModality();
     void applyColours(Control& control);
+    void settleLarge();  // once the window system has done its part of that
+    [[nodiscard]] QSize largestSize() const;
     void maximiseWithin();              // to the largest position, which may be less than the screen
     void report();                      // the frame's place, if it is news to the model
     void settle();                      // after the window system has told how wide the frame is

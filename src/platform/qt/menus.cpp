@@ -6,9 +6,12 @@
 #include "platform/qt/texts.h"
 
 #include <QAction>
+#include <QFontMetrics>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
+#include <QScreen>
 
 #include <vector>
 
@@ -20,9 +23,27 @@ bool isSeparator(const Control& item) {
     return item.caption == "-" || item.caption.empty();
 }
 
+// A digit with its mnemonic, a blank and a name, as in a list of recent files: the name shows as it is.
+bool isNumbered(const QString& caption) {
+    return caption.size() > 3 && caption[0] == u'&' && caption[1].isDigit() && caption[2] == u' ';
+}
+
+// A name of a file may be longer than the screen is wide; both its ends tell more than its middle.
+QString menuText(const QAction& action, const QString& caption) {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const int room = screen != nullptr ? screen->availableSize().width() / 2 : 600;
+    const QFontMetrics metrics(action.font());
+    if (!isNumbered(caption)) return metrics.elidedText(caption, Qt::ElideMiddle, room, Qt::TextShowMnemonic);
+    QString name = metrics.elidedText(caption.mid(3), Qt::ElideMiddle, room);
+    for (QChar& c : name)
+        if (c < u' ') c = u' ';  // a tab would part a shortcut off
+    return caption.left(3) + name.replace(u'&', QStringLiteral("&&"));
+}
+
 void apply(QAction& action, const Control& item) {
-    QString text = shown(item.caption);
-    // Names of files stand in menus: their "&" has to be told from a mnemonic by whoever makes the caption.
+    const QString caption = shown(item.caption);
+    QString text = menuText(action, caption);
+    action.setToolTip(text.contains(u'\u2026') ? caption : QString());
     if (const QString key = shortcutText(item.shortcut); !key.isEmpty() && !text.contains(u'\t'))
         text += u'\t' + key;
     if (action.text() != text) action.setText(text);
@@ -75,6 +96,7 @@ void buildMenu(QMenuBar& bar, Window& window) {
         QAction* action = nullptr;
         if (parent) {
             auto* menu = new QMenu(&bar);
+            menu->setToolTipsVisible(true);
             action = open.empty() ? bar.addMenu(menu) : open.back()->addMenu(menu);
             open.push_back(menu);
         } else if (!open.empty()) {

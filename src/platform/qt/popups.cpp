@@ -95,7 +95,6 @@ ToolProgress::ToolProgress()
     setObjectName(QStringLiteral("toolprogress"));
     stop_->setObjectName(QStringLiteral("toolstop"));
     setAttribute(Qt::WA_QuitOnClose, false);
-    setAttribute(Qt::WA_ShowWithoutActivating);
     setWindowTitle(tr("Running ..."));
     label_->setTextFormat(Qt::PlainText);
     auto* bar = new QProgressBar(this);
@@ -115,6 +114,8 @@ ToolProgress::ToolProgress()
         adjustSize();
         centre(*this);
         show();
+        activateWindow();  // the work below takes no keys meanwhile, and Stop is at once under the fingers
+        stop_->setFocus();
     });
     connect(stop_, &QPushButton::clicked, this, [this] {
         stopped_ = true;
@@ -125,14 +126,18 @@ ToolProgress::ToolProgress()
 void ToolProgress::setText(const std::string& text) {
     if (text.empty()) {
         delay_.stop();
+        const bool active = isActiveWindow();
         hide();
+        if (active && gone) gone();
         stopped_ = false;
         stop_->setEnabled(true);
         return;
     }
+    constexpr int narrow = 360, wide = 720;  // pixels
     const QString line = shown(text);
-    label_->setMinimumWidth(std::max(360, std::min(fontMetrics().horizontalAdvance(line), 720)));
-    label_->setText(line);
+    label_->setMinimumWidth(std::clamp(fontMetrics().horizontalAdvance(line), narrow, wide));
+    label_->setText(fontMetrics().elidedText(line, Qt::ElideMiddle, wide));
+    label_->setAccessibleName(line);
     if (!isVisible() && !delay_.isActive()) delay_.start();
 }
 

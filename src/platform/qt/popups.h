@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,6 +37,7 @@ public:
     ToolProgress();
     void setText(const std::string& text);  // empty hides it
     [[nodiscard]] bool stopPressed() const { return stopped_; }
+    std::function<void()> gone;  // after the window with the focus has been hidden
 
 protected:
     void closeEvent(QCloseEvent* event) override;

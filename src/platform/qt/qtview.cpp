@@ -14,6 +14,8 @@
 #include "platform/qt/texts.h"
 #include "platform/qt/widgets.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QElapsedTimer>
@@ -96,6 +98,17 @@ QFontMetrics metricsOf(const Control& control) {
     return control.type == Type::Printer ? printerMetrics(control.name, font) : QFontMetrics(font);
 }
 
+// A window that is a plain widget would be no more than a filler to screen readers.
+QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+    if (object == nullptr || object->metaObject() != &QWidget::staticMetaObject) return nullptr;
+    auto* widget = static_cast<QWidget*>(object);
+    if (!widget->isWindow()) return nullptr;
+    const Frame* frame = frameOfWidget(widget);
+    const bool dialog =
+        frame == nullptr || (frame->window().menuItems.empty() && !isEditWindowType(frame->window().type));
+    return new QAccessibleWidget(widget, dialog ? QAccessible::Dialog : QAccessible::Window);
+}
+
 class Depth {
 public:
     explicit Depth(int& depth) : depth_(depth) { ++depth_; }
@@ -111,6 +124,7 @@ private:
 
 QtView::QtView() : application_(makeApplication()) {
     QApplication::setQuitOnLastWindowClosed(false);
+    QAccessible::installFactory(makeAccessible);
     qApp->installEventFilter(this);
     idleTimer_.setSingleShot(true);
     connect(&idleTimer_, &QTimer::timeout, this, [this] { runIdle(); });
@@ -125,6 +139,7 @@ QtView::~QtView() {
     splash_.reset();
     progress_.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QAccessible::removeFactory(makeAccessible);
     if (qApp != nullptr) qApp->removeEventFilter(this);
 }
 
@@ -147,7 +162,13 @@ void QtView::unload(Window& window) {
 }
 
 void QtView::show(Window& window) {
-    if (Frame* frame = frameOf(window); frame != nullptr) frame->bringUp();
+    if (Frame* frame = frameOf(window); frame != nullptr) bringUp(*frame);
+}
+
+// The model counts a window as active from here on; the window system follows in its own time.
+void QtView::bringUp(Frame& frame) {
+    noteLatest(frame);
+    frame.bringUp();
 }
 
 void QtView::hide(Window& window) {
@@ -161,7 +182,7 @@ void QtView::hide(Window& window) {
 void QtView::raise(Window& window) {
     Frame* frame = frameOf(window);
     if (frame == nullptr || !window.shown) return;
-    frame->bringUp();
+    bringUp(*frame);
     QApplication::alert(frame);  // where the desktop does not let a program push itself forward
 }
 
@@ -186,13 +207,24 @@ void QtView::activateBelow(Frame* gone) {
 }
 
 void QtView::activated() {
-    Frame* frame = frameOfWidget(QApplication::activeWindow());
+    // While a menu is open the toolkit does not follow the focus, and would name the window before.
+    if (QApplication::activePopupWidget() != nullptr) return;
+    const QWindow* focus = QGuiApplication::focusWindow();
+    Frame* frame = frameOfWidget(focus != nullptr ? QWidget::find(focus->winId()) : nullptr);
     std::erase_if(order_, [](const QPointer<Frame>& other) { return other.isNull(); });
     if (frame == nullptr || frame->window().widget == nullptr || !frame->isVisible()) return;
-    if (!order_.empty() && order_.back() == frame) return;
-    std::erase(order_, QPointer<Frame>(frame));
-    order_.emplace_back(frame);
-    userActivate(frame->window());
+    enter(*frame);
+}
+
+void QtView::noteLatest(Frame& frame) {
+    std::erase(order_, QPointer<Frame>(&frame));
+    order_.emplace_back(&frame);
+}
+
+void QtView::enter(Frame& frame) {
+    if (!order_.empty() && order_.back() == &frame) return;
+    noteLatest(frame);
+    userActivate(frame.window());
 }
 
 // ---- loops ----
@@ -356,7 +388,13 @@ bool QtView::openUrl(const std::string& url) {
 
 void QtView::toolProgress(const std::string& text) {
     if (progress_ == nullptr && text.empty()) return;
-    if (progress_ == nullptr) progress_ = std::make_unique<ToolProgress>();
+    if (progress_ == nullptr) {
+        progress_ = std::make_unique<ToolProgress>();
+        progress_->gone = [this] {
+            if (!order_.empty() && !order_.back().isNull() && order_.back()->isVisible())
+                order_.back()->activateWindow();
+        };
+    }
     progress_->setText(text);
 }
 
@@ -377,8 +415,8 @@ void QtView::closeSplash() {
 }
 
 void QtView::watch(int descriptor, std::function<void()> ready) {
-    watched_.clear();
-    if (descriptor < 0) return;
+    watched_.erase(descriptor);
+    if (descriptor < 0 || !ready) return;
     auto notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     connect(notifier.get(), &QSocketNotifier::activated, this, [ready = std::move(ready)] {
         const auto call = ready;  // the watch may end inside
@@ -402,6 +440,9 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
         return true;
     }
     if (hearMouse(*widget, *event)) return true;
+    // The focus follows a click in the window system's own time, which may be after the command of a button;
+    // the command has to know where its user was.
+    if (type == QEvent::MouseButtonPress && over != nullptr) enter(*frameOfWidget(widget));
     return type == QEvent::KeyPress && key(receiver, *static_cast<QKeyEvent*>(event));
 }
 
@@ -448,6 +489,7 @@ bool QtView::openMainMenu(Frame& frame, QKeyEvent& event) {
         if (QKeySequence::mnemonic(action->text()) != wanted || !action->isEnabled()) continue;
         main->raise();
         main->activateWindow();
+        enter(*main);  // a key may pick from the menu before the window system has given the focus
         main->bar().setActiveAction(action);
         return true;
     }

@@ -83,7 +83,10 @@ private:
     bool key(QObject* receiver, QKeyEvent& event);  // true: handled
     bool command(Frame& frame, int shortcut);       // a menu's shortcut, this window's or the main window's
     bool openMainMenu(Frame& frame, QKeyEvent& event);  // Alt and the letter of a menu of the main window
-    void activated();                 // tells the model which window is active, if that is news
+    void bringUp(Frame& frame);
+    void noteLatest(Frame& frame);
+    void enter(Frame& frame);         // the user works there now: tells the model, if that is news
+    void activated();                 // after the focus has moved
     void activateBelow(Frame* gone);  // after a window has gone, the one before it
     void sweep();                     // deletes what asked to be deleted, at the outermost level
 

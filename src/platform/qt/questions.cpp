@@ -17,11 +17,12 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
-#include <QScrollArea>
 #include <QStyle>
+#include <QTextEdit>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace tarn::platform::qt {
@@ -54,31 +55,50 @@ QStyle::StandardPixmap pixmapOf(BoxIcon icon) {
     }
 }
 
-// A text that can be selected. One that is too large for the screen scrolls.
+// A text of a given width in which words that are longer, as paths may be, break anywhere, and which scrolls
+// beyond a given height.
+QWidget* makeWrappedText(const QString& text, QWidget* parent, int width, int height) {
+    auto* view = new QTextEdit(parent);
+    view->setReadOnly(true);
+    view->setFrameShape(QFrame::NoFrame);
+    view->setTabChangesFocus(true);
+    view->document()->setDocumentMargin(0);
+    view->setTabStopDistance(view->fontMetrics().averageCharWidth() * 8.0);
+    view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    view->setLineWrapMode(QTextEdit::FixedPixelWidth);
+    view->setLineWrapColumnOrWidth(width);
+    view->setPlainText(text);
+    QPalette palette = view->palette();
+    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    palette.setColor(QPalette::Text, palette.color(QPalette::WindowText));
+    view->setPalette(palette);
+    view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    view->document()->setTextWidth(width);
+    const int bar = view->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 8;
+    const int needed = static_cast<int>(std::ceil(view->document()->size().height()));
+    view->setFixedSize(width + bar, std::min(needed, height));
+    return view;
+}
+
+// A text that can be selected. It takes no more than six tenths of the screen, so that the buttons stay there.
 QWidget* makeText(const QString& text, QWidget* parent) {
+    const QSize room = parent->screen()->availableSize() * 6 / 10;
     auto* label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    label->setFocusPolicy(Qt::ClickFocus);
-    label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    label->setObjectName(QStringLiteral("text"));
-    const QSize room = parent->screen()->availableSize();
-    if (label->sizeHint().width() > room.width() * 6 / 10) {
-        label->setWordWrap(true);
-        label->setMinimumWidth(room.width() / 2);
+    const QSize size = label->sizeHint();
+    QWidget* made = label;
+    if (size.width() > room.width() || size.height() > room.height()) {
+        delete label;
+        made = makeWrappedText(text, parent, std::min(size.width(), room.width()), room.height());
+    } else {
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     }
-    const int height =
-        label->wordWrap() ? label->heightForWidth(room.width() / 2) : label->sizeHint().height();
-    if (height <= room.height() * 6 / 10) return label;
-    auto* area = new QScrollArea(parent);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setWidget(label);
-    area->setMinimumSize(label->sizeHint().width() + area->style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
-                             8,
-                         room.height() * 6 / 10);
-    return area;
+    made->setFocusPolicy(Qt::ClickFocus);
+    made->setObjectName(QStringLiteral("text"));
+    made->setAccessibleName(text);
+    return made;
 }
 
 void prepare(QDialog& box, const Question& question) {
@@ -149,13 +169,8 @@ QHBoxLayout* okAndCancel(QDialog& box) {
     return row;
 }
 
-QLabel* addPrompt(QVBoxLayout& layout, const Question& question, QDialog& box) {
-    auto* prompt = new QLabel(shown(question.text), &box);
-    prompt->setTextFormat(Qt::PlainText);
-    prompt->setWordWrap(prompt->sizeHint().width() > box.screen()->availableSize().width() / 2);
-    prompt->setVisible(!question.text.empty());
-    layout.addWidget(prompt);
-    return prompt;
+void addPrompt(QVBoxLayout& layout, const Question& question, QDialog& box) {
+    if (!question.text.empty()) layout.addWidget(makeText(shown(question.text), &box));
 }
 
 std::string askLine(const Question& question, QWidget* parent) {

@@ -394,12 +394,15 @@ public:
     EditAreaPeer(Control& control, QWidget& holder) : Peer(control, holder) {
         area_ = loadEditLibrary()(&holder, *this);
         takeStore(control, area_->store());
-        area_->setName(shown(control.caption.empty() ? control.name : control.caption));
+        apply(Property::Caption);
     }
     QWidget* focusWidget() override { return area_->textWidget(); }
 
     void apply(Property property) override {
         switch (property) {
+        case Property::Caption:  // the name of what it shows
+            area_->setName(control_->caption.empty() ? QObject::tr("Text") : shown(control_->caption));
+            break;
         case Property::Flags:
         case Property::Readonly:
             area_->setFlags(control_->flags | (control_->readonly ? READONLY : 0));

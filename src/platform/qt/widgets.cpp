@@ -278,17 +278,28 @@ public:
         label.setFrameStyle(frames[std::clamp(control.border, 0, 2)]);
     }
     void apply(Property property) override {
-        if (property == Property::Caption) label_.setText(shown(control_->caption));
-        if (property == Property::Position || property == Property::Caption) wrap();
+        if (property == Property::Caption || property == Property::Position || property == Property::Font)
+            show();
     }
 
 private:
-    void wrap() {
+    void show() {
         const bool tall = control_->position.h > label_.fontMetrics().height() * 3 / 2;
         label_.setWordWrap(tall);
         static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
         label_.setAlignment(sides[std::clamp(control_->alignment, 0, 2)] |
                             (tall ? Qt::AlignTop : Qt::AlignVCenter));
+        const QString text = shown(control_->caption);
+        const QString fits = tall ? text : shortened(text);
+        label_.setText(fits);
+        label_.setAccessibleName(fits != text ? text : QString());  // else its text names it
+        label_.setToolTip(fits != text ? text : shown(control_->hint));
+    }
+    // What is too long for the line, as a path may be, loses its middle.
+    [[nodiscard]] QString shortened(const QString& text) const {
+        const int room = control_->position.w - 2 * label_.frameWidth();
+        if (room <= 0 || text.contains(u'\n')) return text;
+        return label_.fontMetrics().elidedText(text, Qt::ElideMiddle, room, Qt::TextShowMnemonic);
     }
     QLabel& label_;
 };

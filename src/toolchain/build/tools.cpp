@@ -52,7 +52,7 @@ ToolRun runTool(const std::string& program, const std::vector<std::string>& argu
                 const std::string& outputFile) {
     ToolRun run;
     os::StartError error = os::StartError::None;
-    const auto child = os::processes().start({program, arguments, {}, outputFile}, error);
+    const auto child = os::processes().start({program, arguments, {}, outputFile, false}, error);
     if (child == nullptr) {
         run.failure = describeStart(error);
         return run;

@@ -171,6 +171,20 @@ TEST_F(ProcessTest, theChildLeadsAGroupOfItsOwn) {
     sleeper->stop(longEnough);
 }
 
+TEST_F(ProcessTest, aChildWithoutAGroupOfItsOwnStaysInOursAndIsStoppedAlone) {
+    StartError error = StartError::None;
+    StartRequest request{"/bin/sh", {"-c", "exec sleep 60"}, {}, {}, false};
+    const auto first = processes().start(request, error), second = processes().start(request, error);
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(::getpgid(first->id()), ::getpgrp());
+    first->stop(longEnough);
+    EXPECT_EQ(first->poll().signal, SIGTERM);
+    EXPECT_FALSE(second->poll().ended);
+    second->stop(longEnough);
+    EXPECT_TRUE(second->poll().ended);
+}
+
 TEST_F(ProcessTest, waitingEndsWithTheTimeOrTheChild) {
     const auto child = shell("exec sleep 60");
     EXPECT_FALSE(child->poll().ended);

@@ -314,13 +314,14 @@ TEST_F(SaveRules, aRescueCopyThatCannotBeMadeLeavesTheFileAlone) {
 
 TEST_F(SaveRules, aFailureInPlaceNamesTheCopyOfTheNewContents) {
     closedFolder(disk_);
-    disk_.failAt(FileCall::Write, 2, FileError::WriteFailed);
+    disk_.failAt(FileCall::Write, 3, FileError::WriteFailed);
     const SaveResult result = saveFile(target, newText);
     EXPECT_EQ(result.error, FileError::WriteFailed);
     EXPECT_TRUE(result.inPlace);
     EXPECT_TRUE(result.rescueCopy.starts_with("/home/u/state/tarnwick/rescue/a.cls.")) << result.rescueCopy;
     EXPECT_EQ(disk_.contents(result.rescueCopy), newText);
     EXPECT_EQ(infoOf(result.rescueCopy).mode, 0600U);
+    EXPECT_EQ(disk_.contents(rescueNameFile(result.rescueCopy)), target);
     disk_.afterMachineDeath(SteeredFiles::Names::Lost);
     EXPECT_EQ(disk_.contents(result.rescueCopy), newText);
 }

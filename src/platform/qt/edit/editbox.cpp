@@ -46,6 +46,7 @@ public:
     EditBox(QWidget* parent, EditEvents& events)
         : QWidget(parent), events_(events), text_(new TextArea(this)), bar_(new StatusBar(this)) {
         setFocusProxy(text_);
+        text_->setObjectName(QStringLiteral("text"));
         bar_->hide();
         connect(text_, &TextArea::edited, this, [this] { events_.changed(); });
         connect(text_, &TextArea::moved, this, [this] { tellSoon(); });
@@ -66,10 +67,7 @@ public:
     void setMaxLength(int bytes) override { text_->setMaxLength(bytes); }
     void setTokens(std::string_view tokens) override { text_->setTokens(tokens); }
     void setFont(const Font& font) override { text_->setTextFont(font); }
-    void setName(const QString& name) override {
-        text_->setAccessibleName(name);
-        text_->setObjectName(name.isEmpty() ? QStringLiteral("text") : name);
-    }
+    void setName(const QString& name) override { text_->setAccessibleName(name); }
 
 protected:
     void resizeEvent(QResizeEvent*) override { layOut(); }

@@ -10,6 +10,7 @@
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -25,16 +26,40 @@ namespace {
 
 constexpr char BytesType[] = "application/x-tarnwick-bytes";
 constexpr int TabWidth = 4;
-constexpr int FirstStyle = 1;        // style numbers of the rules; 0 is plain
-constexpr int SelectionAlpha = 110;  // of 255
-constexpr int Gap = 6;               // pixels between number bar and text
-constexpr int LongLine = 65536;      // beyond this a column is not counted in characters
-constexpr int Piece = 65536;         // bytes coloured at a time
+constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
+constexpr int Gap = 6;           // pixels between number bar and text
+constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
+constexpr int Piece = 65536;     // bytes coloured at a time
+
+// Columns stand below each other whatever the desktop's fonts are: its fixed one, unless that is none.
+QString fixedFamily() {
+    const QFont desktop = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (QFontInfo(desktop).fixedPitch()) return desktop.family();
+    QFont any(QStringLiteral("monospace"));
+    any.setStyleHint(QFont::Monospace);
+    any.setFixedPitch(true);
+    if (QFontInfo(any).fixedPitch()) return QFontInfo(any).family();
+    for (const QString& family : QFontDatabase::families())
+        if (QFontDatabase::isFixedPitch(family)) return family;
+    return desktop.family();
+}
+
+// A font that is not there would be replaced by any other.
+QString familyOf(const Font& font) {
+    const QString family = QString::fromStdString(font.name);
+    return !family.isEmpty() && QFontDatabase::hasFamily(family) ? family : fixedFamily();
+}
+
+QColor colourOf(const TokenStyle& rule) {
+    return {rule.colour & 0xFF, rule.colour >> 8 & 0xFF, rule.colour >> 16 & 0xFF};
+}
 
 }  // namespace
 
 TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     setFrameShape(QFrame::NoFrame);
+    // The mark keeps its colour when another window, or program, takes the selection of the X server.
+    disconnect(QGuiApplication::clipboard(), nullptr, this, nullptr);
     configure();
     applyColours();
     connect(this,
@@ -176,6 +201,7 @@ void TextArea::select(int start, int length) {
     if (line < first || line >= first + shown) send(SCI_SETFIRSTVISIBLELINE, std::max(0L, line - shown / 3));
     sendBytes(SCI_SCROLLRANGE, to, reinterpret_cast<const char*>(static_cast<std::intptr_t>(from)));
     tellCaret(*this);  // the control itself tells only when it paints
+    emit moved();  // the control itself tells only when it paints
 }
 
 void TextArea::replaceSelection(std::string_view text) {
@@ -296,7 +322,7 @@ void TextArea::setTextFont(const Font& font) {
 
 void TextArea::applyColours() {
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    const QString family = font_.name.empty() ? fixed.family() : QString::fromStdString(font_.name);
+    const QString family = familyOf(font_);
     const qreal points = font_.size > 0 ? font_.size : fixed.pointSizeF() > 0 ? fixed.pointSizeF() : 10;
     const QPalette palette = QApplication::palette(this);
     const QColor paper = palette.color(QPalette::Base), ink = palette.color(QPalette::Text);
@@ -314,16 +340,16 @@ void TextArea::applyColours() {
     style(STYLE_LINENUMBER, mixed(ink, bar, 0.45), bar, false, false);
     long number = FirstStyle;
     for (const TokenStyle& rule : rules_.styles()) {
-        const QColor colour(rule.colour & 0xFF, rule.colour >> 8 & 0xFF, rule.colour >> 16 & 0xFF);
-        style(number++, readable(colour, paper), paper, rule.bold, rule.italic);
+        style(number++, readable(colourOf(rule), paper), paper, rule.bold, rule.italic);
     }
     SendScintilla(SCI_SETCARETFORE, ink);
     SendScintilla(SCI_SETCARETLINEBACK, mixed(paper, ink, 0.05));
-    // Translucent, so that texts keep their colours and stay readable, also in the grey that the control
-    // paints when another program holds the selection.
-    SendScintilla(SCI_SETSELBACK, 1UL, palette.color(QPalette::Highlight));
-    send(SCI_SETSELFORE, 0, 0);
-    send(SCI_SETSELALPHA, SelectionAlpha);
+    // Marked text has one colour, as in the desktop's own controls: those for the paper would not read well.
+    const QColor markedInk = palette.color(QPalette::Active, QPalette::HighlightedText);
+    SendScintilla(SCI_SETSELFORE, 1UL, markedInk);
+    SendScintilla(SCI_SETSELBACK, 1UL,
+                  readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk));
+    send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }
 

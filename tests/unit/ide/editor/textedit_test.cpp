@@ -250,6 +250,13 @@ TEST_F(RecentFiles, IgnoreWhatHasNoNameOrLimit) {
     EXPECT_EQ(list(), "/a\n");
 }
 
+TEST_F(RecentFiles, APathWithALineEndIsNotKeptSinceItWouldMakeTwoEntries) {
+    put("/a");
+    put("/b\nc");
+    put("/d\re");
+    EXPECT_EQ(list(), "/a\n");
+}
+
 TEST_F(RecentFiles, LoseOneEntryAndRenumber) {
     for (const char* name : {"/a", "/b", "/c"}) put(name);
     REMOVEMRUITEM(ini(), "MRU", "/B");

@@ -57,5 +57,23 @@ TEST_F(Idecore, EmptyPathsAreFilledAndChosenOnesKept) {
     EXPECT_EQ(GETEXAMPLEDIR(), "/mine/");
 }
 
+TEST_F(Idecore, WhereNoSettingsCanBeMadeThoseBesideTheProgramAreReadAndTheUserIsToldOnce) {
+    namespace fs = std::filesystem;
+    const std::string before = read(dir + "ide.ini");
+    setenv("XDG_CONFIG_HOME", "/proc/nobody/can/write/here", 1);
+    fs::permissions(dir + "ide.ini", fs::perms(0444));
+    fs::permissions(dir, fs::perms(0555));
+    if (!os::infoOf(dir).writable) {
+        EXPECT_EQ(GETIDEINIFILE(), dir + "ide.ini");
+        EXPECT_EQ(GETMAINCAPTIONSTR(), "Tarnwick Developer Studio v1.3");
+        answers = {"OK", "OK"};
+        PREPARESETTINGS();
+        PROFILESTRPUT(GETIDEINIFILE(), "Main", "LastPath", "/");
+        EXPECT_EQ(asked.size(), 1U);
+        EXPECT_EQ(read(dir + "ide.ini"), before);
+    }
+    fs::permissions(dir, fs::perms(0755));
+}
+
 }  // namespace
 }  // namespace tarn

@@ -452,6 +452,63 @@ TEST_F(Faults, AnythingElseIs512) {
     EXPECT_EXIT(runFaulty([] { throw 1; }), ::testing::ExitedWithCode(1), "Error 512\nOther op");
 }
 
+// ---- exceptions that leave functions ----
+
+constexpr ModuleInfo thrower{"thrower"};
+
+void throwAt(std::int32_t line) {
+    const Frame frame(thrower, "THROW_IT", 10);
+    Stamp(line, ReportErrors, DefaultErrorHandler);
+    throw 1;
+}
+void callThrower(std::int32_t line) {
+    const Frame frame(thrower, "CALL_IT", 20);
+    Stamp(25, ReportErrors, DefaultErrorHandler);
+    throwAt(line);
+}
+
+TEST_F(Faults, AnExceptionIsToldWithThePlaceThatThrewItThoughItsFramesAreGone) {
+    EXPECT_EXIT(runFaulty([] { callThrower(12); }), ::testing::ExitedWithCode(1),
+                "Error 512\nOther operating system error\nFile thrower, function throw_it, line 12\n");
+}
+
+TEST_F(Faults, AnExceptionThatWasCaughtIsNotTakenForTheNext) {
+    EXPECT_EXIT(runFaulty([] {
+                    try {
+                        callThrower(12);
+                    } catch (int) {}
+                    callThrower(13);
+                }),
+                ::testing::ExitedWithCode(1), "File thrower, function throw_it, line 13\n");
+    EXPECT_EXIT(runFaulty([] {
+                    const Frame frame(thrower, "CATCHES", 30);
+                    try {
+                        callThrower(12);
+                    } catch (int) {}
+                    Stamp(33, ReportErrors, DefaultErrorHandler);
+                    throw 2;
+                }),
+                ::testing::ExitedWithCode(1), "File thrower, function catches, line 33\n");
+}
+
+struct CallsAtItsEnd {
+    ~CallsAtItsEnd() {
+        const Frame frame(thrower, "CLEANS_UP", 40);
+        Stamp(41, ReportErrors, DefaultErrorHandler);
+    }
+};
+
+TEST_F(Faults, WhatIsCalledWhileAnExceptionTravelsIsNotItsPlace) {
+    EXPECT_EXIT(runFaulty([] {
+                    const Frame frame(thrower, "HOLDS", 50);
+                    Stamp(51, ReportErrors, DefaultErrorHandler);
+                    const CallsAtItsEnd last;
+                    Stamp(52, ReportErrors, DefaultErrorHandler);
+                    throw 3;
+                }),
+                ::testing::ExitedWithCode(1), "File thrower, function holds, line 52\n");
+}
+
 TEST_F(Faults, ABusErrorIsAnAccessViolation) {
     EXPECT_EXIT(runFaulty([] { raise(SIGBUS); }), ::testing::ExitedWithCode(1), "Error 5\nAccess violation");
 }

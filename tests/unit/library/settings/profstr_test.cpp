@@ -362,13 +362,69 @@ TEST_F(Profile, AFailureWhileAnotherReportGoesOnNeitherEndsTheProgramNorCountsAs
 TEST_F(Profile, AKeyThatCouldNotBeFoundAgainIsNotWritten) {
     start("[A]\r\nx=1\r\n");
     files.clearLog();
-    for (const char* key : {"a b", "a-b", "k.1", "k=", "k(1)", " k", ";k", "\xC3\xA4"}) {
+    for (const char* key :
+         {"a b", "a ", "a\tb", "k=", "=", " k", ";k", "[k", "-k", "k\xC3\xA4", "a\nb", "a\x7F"}) {
         PROFILESTRPUT(File, "A", key, "v");
         PROFILESTRPUT(File, "B", key, "v");
     }
     EXPECT_EQ(files.calls(), 0);
     EXPECT_EQ(text(), "[A]\r\nx=1\r\n");
     EXPECT_EQ(takeTold(), 0);
+}
+
+TEST_F(Profile, AKeyWithOtherCharactersThanLettersIsWrittenAndFoundAgain) {
+    const std::string old = "[A]\r\nx=1\r\nkey =2\r\n;c-x=3\r\n";
+    for (const std::string key : {"c-x", "k.1", "k(1)", "k:2", "1-", "_;["}) {
+        start(old);
+        PROFILESTRPUT(File, "A", key, "v");
+        PROFILESTRPUT(File, "A", "last", "w");
+        EXPECT_EQ(PROFILESTRGET(File, "A", key), "v") << key;
+        std::string other = key;
+        for (char& c : other) c = ascii::upper(c);
+        EXPECT_EQ(PROFILESTRGET(File, "a", other), "v") << key;
+        EXPECT_EQ(PROFILESTRKEYS(File, "A"), "x\n" + key + "\nlast\n") << key;
+        EXPECT_EQ(PROFILESTRGET(File, "A", "key"), "") << "a blank ahead of the = makes it no entry";
+        PROFILESTRPUT(File, "A", key, "again");
+        EXPECT_EQ(text(), old + key + "=again\r\nlast=w\r\n");
+        PROFILESTRDEL(File, "A", key);
+        EXPECT_EQ(text(), old + "last=w\r\n");
+    }
+    EXPECT_EQ(takeTold(), 0);
+}
+
+TEST_F(Profile, ALongerKeyIsNotTakenForItsBeginning) {
+    start("[A]\r\na-b=1\r\na=2\r\n");
+    EXPECT_EQ(PROFILESTRGET(File, "A", "a"), "2");
+    EXPECT_EQ(PROFILESTRGET(File, "A", "a-b"), "1");
+    EXPECT_EQ(PROFILESTRGET(File, "A", "a-"), "");
+}
+
+TEST_F(Profile, AListReplacesEntriesWithSuchKeysToo) {
+    start("[A]\r\n1=x\r\nc-x=2\r\n2=y\r\n\r\n[B]\r\n");
+    PROFILESTRPUT(File, "A", "", "new\n");
+    EXPECT_EQ(text(), "[A]\r\n1=new\r\n\r\n[B]\r\n");
+}
+
+std::string installed() {
+    return "[A]\r\nk=installed\r\n[B]\r\nm=2\r\n";
+}
+
+TEST_F(Profile, AFileThatWasDeletedOrEmptiedBeginsAgainWithItsOrigin) {
+    PROFILESTRORIGIN(File, installed);
+    for (const bool deleted : {true, false}) {
+        start("");
+        if (deleted) os::files().remove(File);
+        EXPECT_EQ(PROFILESTRGET(File, "A", "k"), "") << "a read gives what is there";
+        PROFILESTRPUT(File, "A", "n", "1");
+        EXPECT_EQ(text(), "[A]\r\nk=installed\r\nn=1\r\n[B]\r\nm=2\r\n");
+    }
+    start("[A]\r\nx=1\r\n");
+    PROFILESTRPUT(File, "A", "n", "1");
+    EXPECT_EQ(text(), "[A]\r\nx=1\r\nn=1\r\n") << "what stands in the file stays";
+    PROFILESTRORIGIN(File, nullptr);
+    start("");
+    PROFILESTRPUT(File, "A", "n", "1");
+    EXPECT_EQ(text(), "\r\n[A]\r\nn=1\r\n");
 }
 
 TEST_F(Profile, AFileThatCannotBeReadIsNeverWritten) {
