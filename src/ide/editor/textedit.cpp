@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/editor/textedit.h"
 
+#include "ide/editor/fileinfo.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
@@ -13,12 +14,11 @@
 #include <algorithm>
 #include <array>
 
-namespace tarn {
-namespace {
+MODULE("textedit", tarn::TEXTEDIT_ONERROR)
 
-// A file that cannot be read or written is told in a box; the text stays where it was and the program goes
-// on.
-void onerror(std::int32_t code) {
+namespace tarn {
+
+void TEXTEDIT_ONERROR(std::int32_t code) {
     if (code < 651 || code > 659) return DefaultErrorHandler(code);
     const Reporting report;
     if (!report.entered()) return;
@@ -31,13 +31,6 @@ void onerror(std::int32_t code) {
     MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + sentence, "OK", BoxIcon::Error);
     ContinueAfterError();
 }
-
-}  // namespace
-}  // namespace tarn
-
-MODULE("textedit", tarn::onerror)
-
-namespace tarn {
 
 // ---- flags ----
 
@@ -444,116 +437,11 @@ void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow) {
                                 screen.h - below - (frame.h - client.h)});
 }
 
-// ---- recent files ----
-
-void LOADMRULIST(const std::string& iniFile, const std::string& section, int count, const Object& firstItem) {
-    FRAME(LOADMRULIST);
-    STAMP();
-    const std::string files = PROFILESTRGET(iniFile, section, "");
-    for (int i = 1; i <= count; i++) {
-        STAMP();
-        const Object item = i == 1 ? firstItem : ControlElement(firstItem, i);
-        SetCaption(item, "&" + STR(i) + " " + STRLINE(files, i));
-    }
-}
-
-void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int limit, const std::string& name) {
-    FRAME(SAVEMRUITEM);
-    if (iniFile.empty() || section.empty() || name.empty() || limit < 1 || name == Untitled) return;
-    if (name.find_first_of("\r\n") != std::string::npos) return;  // it would make two lines of the list
-    STAMP();
-    const std::string old = PROFILESTRGET(iniFile, section, "");
-    std::string list = name + "\n";
-    int lines = 1;
-    for (int i = 1; i <= STRLINES(old) && lines < limit; i++) {
-        const std::string line = STRLINE(old, i);
-        if (line.empty()) break;
-        if (STREQUAL(line, name)) continue;
-        list += line + "\n";
-        lines++;
-    }
-    STAMP();
-    PROFILESTRPUT(iniFile, section, "", list);
-    STAMP();
-}
-
-void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const std::string& name) {
-    FRAME(REMOVEMRUITEM);
-    STAMP();
-    const std::string old = PROFILESTRGET(iniFile, section, "");
-    std::string list;
-    for (int i = 1; i <= STRLINES(old); i++) {
-        const std::string line = STRLINE(old, i);
-        if (!STREQUAL(line, name)) list += line + "\n";
-    }
-    STAMP();
-    PROFILESTRPUT(iniFile, section, "", list);
-    STAMP();
-}
-
-// ---- file information ----
-
-namespace {
-
-std::string sizeText(const std::string& text) {
-    const auto length = static_cast<int>(text.size());
-    return STR(length) + (length == 1 ? " Byte" : " Bytes") + ", " + STR(STRLINES(text)) + " lines";
-}
-
-void fillFileInfo(const Object& dialog) {
-    const std::string file = EDITWNDGETFILENAME(SDIEdit);
-    const std::string text = GetText(SDIEdit);
-    const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
-    const bool isMain = STRFIND("\nmain()\n", "\n" + SYMSCANSOURCE(text, 1024)) != 0;
-    const std::string time = FILETIME(file);
-    const std::pair<std::string_view, std::string> values[] = {
-        {"label2", file},
-        {"label4", className},
-        {"label6", className.empty() ? ""
-                   : isMain          ? "Main class"
-                                     : "Non-main class"},
-        {"label8", sizeText(text)},
-        {"label10", time.empty() ? "(not saved)" : time},
-        {"label12", STR(GetModify(SDIEdit) ? 1 : 0)},
-        {"label14", FLAGSTOSTR(GetFlags(SDIEdit))},
-    };
-    for (const auto& [label, value] : values) SetCaption(FINDCONTROL(dialog, label), value);
-}
-
-}  // namespace
-
-namespace {
-
-const RegisteredWindow registeredInformation("FileInfoDlg", FILEINFODLG);
-const RegisteredWindow registeredEditor("SDIEdit", SDIEDIT);
-
-}  // namespace
-
-bool FILEINFODLG(const Object& window, int event, const Object& control, int parameter) {
-    FRAME(FILEINFODLG);
-    STAMP();
-    const std::string name = event == COMMAND_EVENT ? GetName(control) : "";
-    const int key = event == KEYPRESS_EVENT ? parameter : 0;
-    STAMP();
-    if (event == LOAD_EVENT) fillFileInfo(window);
-    if (key == KEY_F1 || name == "pushbutton3") SHOWHELP(HELPTOPIC(GetCaption(window)));
-    STAMP();
-    if (key == KEY_ESCAPE || name == "pushbutton1") Unload(window);
-    STAMP();
-    return event == LOAD_EVENT || event == COMMAND_EVENT || key == KEY_F1 || key == KEY_ESCAPE;
-}
-
-void FILEINFODIALOG() {
-    FRAME(FILEINFODIALOG);
-    STAMP();
-    Load(FileInfoDlg);
-    STAMP();
-    Show(FileInfoDlg, true);
-}
-
 // ---- the window's events ----
 
 namespace {
+
+const RegisteredWindow registered("SDIEdit", SDIEDIT);
 
 void loadCodeWindow(const Object& window) {
     LOADINIFILE(GETIDEINIFILE(), window, true, true);

@@ -42,12 +42,7 @@ void DRAWMODIFYINDICATOR(const Object& window);
 void INITFILE(const Object& window);
 std::string GETWORDATCURSOR(const Object& window);
 
-// Recent files: a list of the settings file, newest first.
-void LOADMRULIST(const std::string& iniFile, const std::string& section, int count, const Object& firstItem);
-void SAVEMRUITEM(const std::string& iniFile, const std::string& section, int limit, const std::string& name);
-void REMOVEMRUITEM(const std::string& iniFile, const std::string& section, const std::string& name);
-
-void FILEINFODIALOG();
-bool FILEINFODLG(const Object& window, int event, const Object& control, int parameter);
+// A file that cannot be read or written is told in a box; the text stays where it was and the program goes on.
+void TEXTEDIT_ONERROR(std::int32_t code);
 
 }  // namespace tarn

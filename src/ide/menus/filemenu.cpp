@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/filemenu.h"
 
+#include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"

@@ -3,6 +3,7 @@
 
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
+#include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/runmenu.h"
