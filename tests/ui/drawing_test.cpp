@@ -383,6 +383,16 @@ TEST_F(DrawTest, AnImageFillsItsPlaceInItsOwnProportions) {
     EXPECT_EQ(at(48, 30), Blue);
     EXPECT_EQ(at(30, 12), ground) << "above it";
     EXPECT_EQ(at(30, 48), ground) << "below it";
+    ASSERT_TRUE(os::saveFile(folder / "p.svg",
+                             "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 20 40\">"
+                             "<rect width=\"20\" height=\"40\" fill=\"#ff0000\"/></svg>",
+                             os::Durability::Unsynced)
+                    .ok());
+    SetPicture(in(104), folder / "p.svg");
+    EXPECT_EQ(at(30, 12), Red);
+    EXPECT_EQ(at(30, 48), Red);
+    EXPECT_EQ(at(12, 30), ground);
+    EXPECT_EQ(at(48, 30), ground);
 }
 
 // ---- printing ----

@@ -61,7 +61,10 @@ QImage withoutMagenta(const QImage& image) {
 class SvgEngine : public QIconEngine {
 public:
     explicit SvgEngine(QByteArray bytes)
-        : bytes_(std::move(bytes)), symbolic_(bytes_.contains("currentColor")), key_(qHash(bytes_)) {}
+        : bytes_(std::move(bytes)), symbolic_(bytes_.contains("currentColor")), key_(qHash(bytes_)) {
+        const Picture size = measuredPicture({bytes_.constData(), static_cast<std::size_t>(bytes_.size())});
+        own_ = {size.width, size.height};
+    }
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
         const qreal ratio = painter->device() != nullptr ? painter->device()->devicePixelRatioF() : 1.0;
@@ -85,6 +88,11 @@ public:
         pixmap = draw(size, colour, mode);
         QPixmapCache::insert(key, pixmap);
         return pixmap;
+    }
+
+    // As large as there is room, in its own proportions.
+    QSize actualSize(const QSize& size, QIcon::Mode, QIcon::State) override {
+        return own_.isEmpty() ? size : own_.scaled(size, Qt::KeepAspectRatio);
     }
 
     QIconEngine* clone() const override { return new SvgEngine(*this); }
@@ -111,6 +119,7 @@ private:
     }
 
     QByteArray bytes_;
+    QSize own_;
     bool symbolic_;
     std::size_t key_;
 };

@@ -15,7 +15,8 @@ namespace tarn::platform::qt {
 
 // The null icon if there is no such picture.
 QIcon iconOf(const std::string& picture);
-// At that size in device-independent pixels, stretched where its proportions differ; null if there is none.
+// At that size in device-independent pixels: a bitmap is stretched where its proportions differ, an SVG keeps
+// its own. Null if there is none.
 QPixmap pictureScaled(const std::string& picture, const QSize& size, qreal ratio);
 // The picture at its own size, as a file of a format of the toolkit ("PNG"); empty if that cannot be done.
 std::string encodedPicture(const std::string& picture, const std::string& format);
