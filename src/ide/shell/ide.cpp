@@ -506,9 +506,10 @@ void RUNIDE() {
     DebugStart(1, ProductWord, ProductVersion, ProductBuild, "");
     REGISTERWINDOWS();
     SetRescueHook(RESCUETEXT);
-    ListenForEnd();
     {
         FRAME(RUNIDE);
+        STAMP();  // a second copy ends here, without a view
+        ListenForEnd();
         STAMP();
         Load(Main);
         STAMP();
