@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a file is, is told by its first four bytes, and then by its content: by the table of formats.h. The messages
-// say what the user can do about it.
+// What a file is, is told by its first four bytes, and then by its content: by the table of formats.h. The
+// messages say what the user can do about it.
 #include "kernel/data/datafile.h"
 
 #include "kernel/data/formats.h"

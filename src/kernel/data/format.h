@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What all formats of data files have in common: their numbers, what is known of each, how a file is laid out, how a
-// load or a save ended.
+// What all formats of data files have in common: their numbers, what is known of each, how a file is laid
+// out, how a load or a save ended.
 //
-// To add a format: give it a number here and a row of facts in format.cpp, write how it is described, loaded and saved,
-// and give it a row in formats.cpp. Identifying, loading, saving and tarn-data go by these rows.
+// To add a format: give it a number here and a row of facts in format.cpp, write how it is described, loaded
+// and saved, and give it a row in formats.cpp. Identifying, loading, saving and tarn-data go by these rows.
 #pragma once
 
 #include "kernel/values/values.h"

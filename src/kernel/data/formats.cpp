@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The table of formats stands at the end, behind what its rows name: how a file begins, what is in it, load and save.
+// The table of formats stands at the end, behind what its rows name: how a file begins, what is in it, load
+// and save.
 #include "kernel/data/formats.h"
 
 #include "kernel/data/datafile_binary.h"
@@ -176,7 +177,8 @@ DataResult saveXml(const SaveRequest& r) {
 
 // ---- the table ----
 
-// In the order in which files are looked at. Whether delimited text has commas or tabs is told by its description.
+// In the order in which files are looked at. Whether delimited text has commas or tabs is told by its
+// description.
 constexpr FormatOperations formats[] = {
     {FormatXml, beginsXml, describeXml, loadXml, saveXml},
     {FormatXbase, beginsXbase, describeXbase, loadXbase, saveXbase},

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How data files of each format are told, described, loaded and saved: a row a format. format.h has what is known of a
-// format without doing anything, and tells how to add one. datafile.h is the door for all others; only it uses this.
+// How data files of each format are told, described, loaded and saved: a row a format. format.h has what is
+// known of a format without doing anything, and tells how to add one. datafile.h is the door for all others;
+// only it uses this.
 //
 // Cost: a format is found by looking through the rows.
 #pragma once
@@ -33,8 +34,8 @@ struct SaveRequest {
 
 struct FormatOperations {
     DataFormat format;
-    // Whether a file that begins with these bytes, up to four behind a byte order mark, is one. Null for a format that
-    // the description of another tells.
+    // Whether a file that begins with these bytes, up to four behind a byte order mark, is one. Null for a
+    // format that the description of another tells.
     bool (*begins)(std::string_view start);
     // Fills in what the file is, or why it cannot be used.
     void (*describe)(const std::string& filename, const DataOptions* options, DataFileInfo& info);

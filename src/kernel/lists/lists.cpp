@@ -117,8 +117,8 @@ bool readElement(const ListDescriptor& l, std::int32_t position, void* v, Kind k
     return true;
 }
 
-// From a file. The rows that stay are written beside it and take its place at once, so that the old rows or the new
-// ones are there whatever happens; a stretch at the end is cut off.
+// From a file. The rows that stay are written beside it and take its place at once, so that the old rows or
+// the new ones are there whatever happens; a stretch at the end is cut off.
 bool deleteRows(ListDescriptor& l, std::int32_t index, std::int32_t n) {
     if (index + n == l.count) return n == 1 ? RemoveLastRow(l) : ResizeRows(l, index, nullptr);
     return WithMemory([&] {
@@ -211,8 +211,7 @@ void ListAppend(const void* v, Kind kind, ListDescriptor* l) {
 }
 
 void* ListAppendEmpty(ListDescriptor* l) {
-    if (!AcceptListInMemory(l) || (IsUntyped(*l) && !Refuse(ERR_LIST_TYPE)) || !hasRoom(*l))
-        return nullptr;
+    if (!AcceptListInMemory(l) || (IsUntyped(*l) && !Refuse(ERR_LIST_TYPE)) || !hasRoom(*l)) return nullptr;
     const std::int32_t count = l->count;
     Element element;
     if (!InitValue(element.bytes, At(l->prototype), ElementKindOf(*l))) return nullptr;

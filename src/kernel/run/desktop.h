@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the run-time itself shows, as a seam: tests put functions of their own there. Modules need none of this.
+// What the run-time itself shows, as a seam: tests put functions of their own there. Modules need none of
+// this.
 #pragma once
 
 #include <string>

@@ -34,7 +34,8 @@ private:
     std::int32_t before_;
 };
 
-// The cell is clear at first; at the end it holds the earlier error, or what was left in it if there was none.
+// The cell is clear at first; at the end it holds the earlier error, or what was left in it if there was
+// none.
 class [[nodiscard]] OwnErrors {
 public:
     OwnErrors() : before_(TakeError()) {}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reports of errors, beside what runtime.h has of them for modules: for handlers in C, and for the rooms above.
+// Reports of errors, beside what runtime.h has of them for modules: for handlers in C, and for the rooms
+// above.
 #pragma once
 
 #include <string>

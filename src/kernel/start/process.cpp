@@ -71,7 +71,8 @@ std::string InstanceName() {
     return InstanceNameOf(os::executablePath());
 }
 
-// A name that begins with its only dot has no extension: an empty lock name would be that of all such programs.
+// A name that begins with its only dot has no extension: an empty lock name would be that of all such
+// programs.
 std::string InstanceNameOf(std::string_view path) {
     const std::string_view stem = paths::stem(path);
     return ascii::uppered(stem.empty() ? paths::fileName(path) : stem);

@@ -62,10 +62,10 @@ bool HasAllKeptRows(const TableDescriptor& t) {
                HasRow(header, tree.row(node)) && ReadRow(header.rows, tree.row(node), row.get()) &&
                KeyOfRow(*row.get(), header.keyMaps[0], own) && tree.order(own, node) == 0;
     };
-    return
-        InitValue(row.get(), &RowShape(header), KindRecord) &&
-        tree.open(IndexFileName(RowFileName(header.rows), 1), IndexKeyShape(header, 0), os::OpenMode::Read) &&
-        EachKeptRow(t, isThere);
+    return InitValue(row.get(), &RowShape(header), KindRecord) &&
+           tree.open(IndexFileName(RowFileName(header.rows), 1), IndexKeyShape(header, 0),
+                     os::OpenMode::Read) &&
+           EachKeptRow(t, isThere);
 }
 
 bool MissesKeptRows(TableDescriptor& t, std::string_view fileName) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Whether the files of a table fit each other and its declaration. Only the modules of lists, tables and data files
-// include this, and tools. Nothing here changes a file.
+// Whether the files of a table fit each other and its declaration. Only the modules of lists, tables and data
+// files include this, and tools. Nothing here changes a file.
 //
 // Cost: linear in the files, but for the type text.
 #pragma once

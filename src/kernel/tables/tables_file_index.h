@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The index files of a table whose rows stand in a file: their life, and their changes. Indexes are counted
-// from 0 here, as in the row header; their files are numbered from 1 (index_file.h tells their format). Only the modules
-// of tables and data files include this, and tools.
+// from 0 here, as in the row header; their files are numbered from 1 (index_file.h tells their format). Only
+// the modules of tables and data files include this, and tools.
 //
 // The rows of `t` are open: the rows list in the row header holds the file's name and the count of rows, and
 // so does the table its count. Its key maps tell which indexes there are; a table without any has nothing to

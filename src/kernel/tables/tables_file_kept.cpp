@@ -259,7 +259,8 @@ bool EachKeptRow(const TableDescriptor& t, const std::function<bool(const Record
     std::vector<std::string> kept;
     {
         const ErrorCellAside aside;
-        if (!InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) || !readKept(t, rows, kept)) return true;
+        if (!InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) || !readKept(t, rows, kept))
+            return true;
     }
     for (const std::string& bytes : kept) {
         if (unpackQuietly(rows, bytes, row.get()) && !see(*row.get())) return false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Mends the files of lists and tables after a death of a process or machine, and makes the indexes of a table anew. Only
-// the modules of lists, tables and data files include this, and tools.
+// Mends the files of lists and tables after a death of a process or machine, and makes the indexes of a table
+// anew. Only the modules of lists, tables and data files include this, and tools.
 //
 // Cost: linear in the rows, which are read once; the keys of an index are sorted.
 #pragma once

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Where the files of a table may stand: an index must not be the file of rows, nor belong to another table. Only the
-// modules of tables and data files include this, and tools.
+// Where the files of a table may stand: an index must not be the file of rows, nor belong to another table.
+// Only the modules of tables and data files include this, and tools.
 //
 // Cost: a look at each name that an index may have.
 #pragma once

@@ -80,10 +80,10 @@ double RealDiv(double a, double b);  // 643 and 0 for b = 0
 
 inline constexpr std::int32_t MaxRealDecimals = 20,
                               RealTextDecimals = 16;  // the second: to read the same number back
-// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to MaxRealDecimals; a number beyond that is
-// brought to it); "E"; the exponent's sign and four digits: "+1.25E-0001". "+INF", "-INF" and "+NAN" for what
-// is no number. The second form writes at most `size` bytes with the NUL; a text that does not fit is left out
-// (`buffer` is then empty). The third pads to a format's width.
+// The exponent form: the sign, always; a digit; "."; `decimals` digits (0 to MaxRealDecimals; a number beyond
+// that is brought to it); "E"; the exponent's sign and four digits: "+1.25E-0001". "+INF", "-INF" and "+NAN"
+// for what is no number. The second form writes at most `size` bytes with the NUL; a text that does not fit
+// is left out (`buffer` is then empty). The third pads to a format's width.
 std::string RealToText(double x, std::int32_t decimals);
 void RealToText(double x, std::int32_t decimals, char* buffer, std::int32_t size);
 std::string RealToFormat(double x, Fixed format);

@@ -28,8 +28,9 @@ std::int32_t IntegerMod(std::int32_t a, std::int32_t b);
 std::string IntegerToText(std::int32_t value, std::int32_t width, std::int32_t base = 10);
 void IntegerToText(std::int32_t value, std::int32_t width, char* buffer, std::int32_t size,
                    std::int32_t base = 10);
-// An optional sign, then digits. `end` is the position, from 0, behind the last digit, and so the number of characters
-// that were read; 0, with `value` unchanged, when the text does not begin with a number or it is outside the integers.
+// An optional sign, then digits. `end` is the position, from 0, behind the last digit, and so the number of
+// characters that were read; 0, with `value` unchanged, when the text does not begin with a number or it is
+// outside the integers.
 void IntegerFromText(std::string_view text, std::int32_t& value, std::size_t& end);
 // A whole text that is one integer, blanks around it or not; "NULL", in capitals, is 0. Otherwise `ok` is
 // false and `value` unchanged.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The words of the language that cannot be names, in any case: the one table of them; what each means to the grammar is
-// the toolchain's matter (toolchain/language/words.h). Cost: a binary search.
+// The words of the language that cannot be names, in any case: the one table of them; what each means to the
+// grammar is the toolchain's matter (toolchain/language/words.h). Cost: a binary search.
 #pragma once
 
 #include <string_view>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The owning types of the modules: descriptors that are zero at first and freed when they leave their scope.
-// The raw operations shape and use them through get(). That of sets has another name than its like, as SetValue
-// is an operation of windows.
+// The raw operations shape and use them through get(). That of sets has another name than its like, as
+// SetValue is an operation of windows.
 #pragma once
 
 #include "kernel/values/values.h"

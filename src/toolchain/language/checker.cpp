@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Gives every name of a parsed class its declaration and every expression its type, and folds constants. Ahead of
-// Checker stands the arithmetic of constants, which is that of the run-time. Its parts stand in this order:
+// Gives every name of a parsed class its declaration and every expression its type, and folds constants.
+// Ahead of Checker stands the arithmetic of constants, which is that of the run-time. Its parts stand in this
+// order:
 //
 //     types         which fits which, and what is said when none does
 //     names         scopes, look-up, guesses at what was meant

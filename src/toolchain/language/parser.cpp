@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One recursive descent over the tokens of a class, a member function a rule of the grammar (docs/language.md). The parts
-// of Parser stand in this order:
+// One recursive descent over the tokens of a class, a member function a rule of the grammar
+// (docs/language.md). The parts of Parser stand in this order:
 //
 //     tokens        looking at the next one, taking it, telling what was expected instead, finding the way on
 //     the class     its head, what it uses, constants, types and variables

@@ -17,48 +17,20 @@ struct Entry {
 
 // Those that the grammar knows.
 constexpr auto Words = std::to_array<Entry>({
-    {"and", Word::And},
-    {"boolean", Word::Boolean},
-    {"by", Word::By},
-    {"case", Word::Case},
-    {"class", Word::Class},
-    {"const", Word::Const},
-    {"div", Word::Div},
-    {"downto", Word::Downto},
-    {"else", Word::Else},
-    {"elseif", Word::Elseif},
-    {"end", Word::End},
-    {"exit", Word::Exit},
-    {"false", Word::False},
-    {"for", Word::For},
-    {"from", Word::From},
-    {"function", Word::Function},
-    {"if", Word::If},
-    {"in", Word::In},
-    {"inout", Word::Inout},
-    {"integer", Word::Integer},
-    {"iterate", Word::Iterate},
-    {"loop", Word::Loop},
-    {"mod", Word::Mod},
-    {"not", Word::Not},
-    {"onerror", Word::Onerror},
-    {"or", Word::Or},
-    {"out", Word::Out},
-    {"postcond", Word::Postcond},
-    {"precond", Word::Precond},
-    {"private", Word::Private},
-    {"public", Word::Public},
-    {"return", Word::Return},
-    {"select", Word::Select},
-    {"string", Word::String},
-    {"then", Word::Then},
-    {"to", Word::To},
-    {"true", Word::True},
-    {"type", Word::Type},
-    {"uses", Word::Uses},
-    {"var", Word::Var},
-    {"when", Word::When},
-    {"while", Word::While},
+    {"and", Word::And},           {"boolean", Word::Boolean}, {"by", Word::By},
+    {"case", Word::Case},         {"class", Word::Class},     {"const", Word::Const},
+    {"div", Word::Div},           {"downto", Word::Downto},   {"else", Word::Else},
+    {"elseif", Word::Elseif},     {"end", Word::End},         {"exit", Word::Exit},
+    {"false", Word::False},       {"for", Word::For},         {"from", Word::From},
+    {"function", Word::Function}, {"if", Word::If},           {"in", Word::In},
+    {"inout", Word::Inout},       {"integer", Word::Integer}, {"iterate", Word::Iterate},
+    {"loop", Word::Loop},         {"mod", Word::Mod},         {"not", Word::Not},
+    {"onerror", Word::Onerror},   {"or", Word::Or},           {"out", Word::Out},
+    {"postcond", Word::Postcond}, {"precond", Word::Precond}, {"private", Word::Private},
+    {"public", Word::Public},     {"return", Word::Return},   {"select", Word::Select},
+    {"string", Word::String},     {"then", Word::Then},       {"to", Word::To},
+    {"true", Word::True},         {"type", Word::Type},       {"uses", Word::Uses},
+    {"var", Word::Var},           {"when", Word::When},       {"while", Word::While},
 });
 
 constexpr bool sorted() {
@@ -70,7 +42,8 @@ static_assert(sorted(), "the look-up is a binary search");
 
 constexpr bool allReserved() {
     for (const Entry& entry : Words)
-        if (std::find(std::begin(ReservedWords), std::end(ReservedWords), entry.text) == std::end(ReservedWords))
+        if (std::find(std::begin(ReservedWords), std::end(ReservedWords), entry.text) ==
+            std::end(ReservedWords))
             return false;
     return true;
 }

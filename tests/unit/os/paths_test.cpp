@@ -31,7 +31,8 @@ TEST(PathsTest, APathIsTakenApartAtItsLastSeparatorAndPoint) {
         EXPECT_EQ(paths::stem(row.path), row.stem) << row.path;
         EXPECT_EQ(paths::extension(row.path), row.extension) << row.path;
         EXPECT_EQ(paths::fileName(row.path), std::string(row.stem) + std::string(row.extension)) << row.path;
-        EXPECT_EQ(paths::withoutExtension(row.path), std::string(row.folder) + std::string(row.stem)) << row.path;
+        EXPECT_EQ(paths::withoutExtension(row.path), std::string(row.folder) + std::string(row.stem))
+            << row.path;
         EXPECT_EQ(paths::filePosition(row.path), row.folder.size()) << row.path;
     }
 }
@@ -40,8 +41,12 @@ TEST(PathsTest, NativeNamesHaveOneSeparator) {
     struct {
         std::string path, folder, part, name;
     } const cases[] = {
-        {"", "", "", ""},          {"a", "", "", "a"},         {"/", "/", "/", ""},
-        {"/a", "/", "/", "a"},     {"/a/b", "/a", "/a/", "b"}, {"a\\b", "", "", "a\\b"},
+        {"", "", "", ""},
+        {"a", "", "", "a"},
+        {"/", "/", "/", ""},
+        {"/a", "/", "/", "a"},
+        {"/a/b", "/a", "/a/", "b"},
+        {"a\\b", "", "", "a\\b"},
         {"/a/b/", "/a/b", "/a/b/", ""},
     };
     for (const auto& row : cases) {

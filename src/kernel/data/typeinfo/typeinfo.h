@@ -47,8 +47,8 @@ struct TypeInfoElement {
 
 // ---- lines ----
 
-// What a name may hold without quotes; one of these that is not "end" and neither begins nor ends with ':' is read
-// again as it stands.
+// What a name may hold without quotes; one of these that is not "end" and neither begins nor ends with ':' is
+// read again as it stands.
 constexpr bool IsTypeInfoNameChar(char c) {
     return ascii::isSymbol(c) || c == '-' || c == '.' || c == ':';
 }

@@ -7,8 +7,8 @@ namespace tarn::ascii {
 namespace {
 
 TEST(AsciiTest, EveryByteHasItsClasses) {
-    constexpr std::string_view upperCase = "ABCDEFGHIJKLMNOPQRSTUVWXYZ", lowerCase = "abcdefghijklmnopqrstuvwxyz",
-                               digits = "0123456789";
+    constexpr std::string_view upperCase = "ABCDEFGHIJKLMNOPQRSTUVWXYZ",
+                               lowerCase = "abcdefghijklmnopqrstuvwxyz", digits = "0123456789";
     const auto in = [](std::string_view set, char c) { return set.find(c) != std::string_view::npos; };
     for (int code = 0; code < 256; ++code) {
         const char c = static_cast<char>(code);
