@@ -48,7 +48,7 @@ std::string IndexFileName(std::string_view tableFile, std::int32_t index);
 // name that would be longer than a disk takes is shortened, and told from others by a checksum.
 std::string MarkedIndexName(std::string_view indexFile, std::string_view mark);
 // The bytes of a node record with a key of this shape; 0 for one that cannot stand in a file: a string
-// without a capacity, or more than MostPackedBytes (data/packing.h).
+// without a capacity, or more than MostPackedBytes (lists/packing.h).
 std::int32_t IndexRecordSize(const KeyView& key);
 
 // Makes an empty index file, which takes the place of one that may be there: whole, and not written through

@@ -17,13 +17,13 @@
 // the folder that is current at each operation. Both '/' and '\\' separate. A file is made where a link
 // leads, and what takes its place later does so there.
 //
-// Records of plain and fixed files are packed values (data/packing.h), those of Xbase files fields of
+// Records of plain and fixed files are packed values (lists/packing.h), those of Xbase files fields of
 // characters (data/xbase.h).
 //
 // A row is committed when its operation has returned, as far as the death of the process goes; FileClose
 // brings the file to the disk, against the death of the machine. After a death in the middle of an operation
 // the rows are whole, but for a torn last one or a note of one that was being written over (655 on opening),
-// or a last one that stands twice, while an index may be behind: RebuildTableFile (tables_file.h) mends all
+// or a last one that stands twice, while an index may be behind: RebuildTableFile (tables_file_mend.h) mends all
 // of that.
 #pragma once
 

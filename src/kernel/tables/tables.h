@@ -20,7 +20,7 @@
 // reported (TableAdd looks at 619 before 636). On any error, and when memory is short, the table and all its
 // indexes are as they were, except where TableRebuild says otherwise.
 //
-// A table that is held in a file has its rows and its indexes there (filevalues.h, tables_file.h); the roots
+// A table that is held in a file has its rows and its indexes there (filevalues.h, tables_file_index.h); the roots
 // in the row header are then empty. What its operations look up is checked: 763 when an index gives a row
 // that is not there or has another key, and the codes of files (651 to 656).
 //
@@ -72,7 +72,7 @@ void TableClear(TableDescriptor* t);  // the rows stay gone when the files of th
 // Builds every index anew from the rows, in row order. 637 when two rows have one key: that index then holds
 // the rows before the second, and the indexes behind it are empty. Rows that an index lacks can still be
 // updated and deleted through another, and the table then be rebuilt. 802 and 804 leave the indexes like 637
-// in memory; in a file they, the codes of files, and the user who stops it (data/progress.h, no error) leave
+// in memory; in a file they, the codes of files, and the user who stops it (run/progress.h, no error) leave
 // the old ones.
 void TableRebuild(TableDescriptor* t);
 

@@ -37,7 +37,7 @@ struct RebuiltTable {
     std::int32_t rowsRestored = 0;  // that a deletion had moved and that were lost (tables_file_kept.h)
     std::int32_t rowsTorn = 0;      // dropped, as they could not be read, while rows were kept
     std::int32_t badRow = 0;        // the row that could not be read, or 0
-    bool stopped = false;           // by the user (data/progress.h)
+    bool stopped = false;           // by the user (run/progress.h)
     std::vector<DuplicateKey> duplicates;  // the first of them, index after index; none was dropped
 };
 

@@ -32,7 +32,7 @@ bool FileTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView
                      const RecordDescriptor& row);                                       // 604, 635
 bool FileTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key);  // 604
 bool FileTableClear(TableDescriptor& t);
-// 637: the indexes are then as tables.h says. Stopped by the user (data/progress.h): true, and as it was.
+// 637: the indexes are then as tables.h says. Stopped by the user (run/progress.h): true, and as it was.
 bool FileTableRebuild(TableDescriptor& t);
 
 // Makes the rows of a table those of another of the same row type; each may stand in a file.
