@@ -1,4 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+//   tokens of one line   blanks, comments, strings with their escapes; which lines open a statement
+//   the parser           a line at a time: run() tells statements apart; define, version, fileStatement and block read one
+//                        each; bodyLine, propertyLine and headLine what stands in a block. A fault ends its statement, not
+//                        the file
+//   what was read        finding statements, symbols and numbers in it
+//   texts                values and paths as a file writes them
 #include "platform/resources/rctext.h"
 
 #include "platform/text.h"
