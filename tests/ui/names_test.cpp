@@ -104,10 +104,15 @@ TEST_P(Names, NoLetterLeadsToTwoItemsOfAMenu) {
 
 TEST_P(Names, EveryControlHasANameToBeSpoken) {
     ASSERT_NE(top(), nullptr);
+    const Control* before = nullptr;
     for (const auto& control : findWindow(window)->controls) {
         auto* widget = top()->findChild<QWidget*>(QString::fromStdString(control->name));
         ASSERT_NE(widget, nullptr) << control->name;
-        if (!control->visible || (control->type == Type::Label && control->caption.empty())) continue;
+        // What stands behind a label that is filled when the window is used gets its name then.
+        const auto isBlank = [](const Control& one) { return one.type == Type::Label && one.caption.empty(); };
+        const bool named = isBlank(*control) || (before != nullptr && isBlank(*before));
+        before = control.get();
+        if (!control->visible || named || control->type == Type::Shape) continue;
         EXPECT_NE(spoken(widget), "") << control->name;
         EXPECT_NE(spoken(widget), control->name) << "nobody knows what that is";
     }

@@ -190,6 +190,8 @@ void Frame::nameControls() {
         // told by the one before it.
         if (control->type == Type::Label) {
             if (label != nullptr) peer->widget()->setAccessibleDescription(plainCaption(*label));
+        } else if (control->type == Type::Shape) {
+            peer->widget()->setAccessibleName({});  // a line or a frame has nothing to say
         } else if (!showsCaption(control->type) || control->caption.empty()) {
             const QString name = spokenName(*control, label);
             peer->widget()->setAccessibleName(name);
@@ -445,10 +447,11 @@ void Frame::settle() {
     if (news && window_->state == 0 && !isMaximized() && !large_) {
         const Flag quiet(applying_);
         if (before == QSize(first_.w, first_.h) || window_->borderStyle != 2) {
-            window_->position.w = width() + margins.left() + margins.right();
-            window_->position.h = height() + margins.top() + margins.bottom();
+            window_->position.w = before.width() + margins.left() + margins.right();
+            window_->position.h = before.height() + barHeight() + margins.top() + margins.bottom();
         }
-        place();
+        const bool dragged = size() != QSize(before.width(), before.height() + barHeight());
+        if (!dragged) place();  // else the user has sized it meanwhile, and the model is told below
     }
     report();
 }
