@@ -118,7 +118,8 @@ void Monkey::idle() {
     if (finished()) return;
     beat = ++step_;
     for (QWidget* window : QApplication::topLevelWidgets())
-        if (window->objectName() == u"splash" && window->isVisible()) QTest::keyClick(window, Qt::Key_Space);
+        if (window->objectName() == u"SplashDlg" && window->isVisible())
+            QTest::keyClick(window, Qt::Key_Space);
     if (view().asking() != nullptr) {
         lookForErrors();
         return answer();

@@ -89,7 +89,7 @@ public:
 
     void endSplash() override {
         for (QWidget* window : QApplication::topLevelWidgets()) {
-            if (window->objectName() == "splash" && window->isVisible())
+            if (window->objectName() == "SplashDlg" && window->isVisible())
                 QTest::keyClick(window, Qt::Key_Space);
         }
     }

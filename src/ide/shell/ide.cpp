@@ -287,7 +287,7 @@ void DO_LOAD() {
     FRAME(DO_LOAD);
     STAMP();
     const std::string ini = GETIDEINIFILE();
-    SPLASHDLG_SHOWWITHBUTTONS();
+    SPLASHDLG_SHOWWITHBUTTONS("");
     STAMP();
     checkSettings(ini);
     STAMP();
@@ -451,6 +451,7 @@ void UPDATEMAINWINDOW() {
 namespace {
 
 void activated(int handle) {
+    if (!ISSHOWN(Main)) return;  // the splash window, while Main loads, which ends with an update
     const Object window = FindHandle(handle);
     if (ISSDIWINDOW(window)) SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
     UPDATEMAINWINDOW();

@@ -65,7 +65,6 @@ TARN_WINDOW_OPERATIONS(TARN_WRAP)
 // What modules need beside the operations; none of it can fail.
 using platform::ActiveWindow;
 using platform::ApplicationResources;
-using platform::CloseSplash;
 using platform::commandText;
 using platform::ControlElement;
 using platform::DestroyAllWindows;
@@ -81,7 +80,6 @@ using platform::SetApplicationResources;
 using platform::SetBusy;
 using platform::SetHelpViewer;
 using platform::SetTimer;
-using platform::ShowSplash;
 using platform::ShowToolProgress;
 using platform::ToolStopPressed;
 using platform::WaitEvents;

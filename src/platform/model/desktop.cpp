@@ -69,12 +69,6 @@ void ShowToolProgress(const std::string& text) {
 bool ToolStopPressed() {
     return view().toolStopPressed();
 }
-void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines) {
-    view().showSplash(pictureFile, lines);
-}
-void CloseSplash() {
-    view().closeSplash();
-}
 void SetTrace(int mode) {
     trace = mode;
 }

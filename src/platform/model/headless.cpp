@@ -125,8 +125,6 @@ public:
     }
     bool toolStopPressed() override { return stopped_; }
     bool pressStop() { return stopped_ = progress_; }
-    void showSplash(const std::string&, const std::vector<std::string>&) override {}
-    void closeSplash() override {}
     void watch(int descriptor, std::function<void()> ready) override {
         watched_.erase(descriptor);
         if (descriptor >= 0 && ready) watched_[descriptor] = std::move(ready);

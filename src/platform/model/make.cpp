@@ -121,7 +121,7 @@ void fill(Control& control, const Object& window, const ObjectTemplate& from) {
     control.object = Object(window.window(), from.number);
     if (hasText(control.type)) control.text = makePlainText();
     for (const PropertyRow& row : propertiesOf(control.type))
-        if (!row.missing.empty() && row.missing != "0") set(control, row.name, row.missing);
+        if (!row.missing.empty()) set(control, row.name, row.missing);
     for (const auto& [name, value] : from.properties) set(control, name, value);
     if (control.type == Type::Combobox && !control.text->length()) {
         // A drop-down list shows one of its rows, so it begins with none.

@@ -137,8 +137,6 @@ public:
     virtual bool openUrl(const std::string& url) = 0;  // false: no program was found for it
     virtual void toolProgress(const std::string& text) = 0;
     virtual bool toolStopPressed() = 0;
-    virtual void showSplash(const std::string& picture, const std::vector<std::string>& lines) = 0;
-    virtual void closeSplash() = 0;
     // Calls `ready` from any event loop whenever the descriptor can be read; null stops that.
     virtual void watch(int descriptor, std::function<void()> ready) = 0;
     virtual void raise(Window& window) = 0;  // to the foreground, as after a hand-over

@@ -20,9 +20,6 @@ bool OpenUrl(const std::string& url);  // with the desktop's program for it; fal
 // hides it.
 void ShowToolProgress(const std::string& text);
 bool ToolStopPressed();
-// Splash picture: `lines` drawn over the picture file; shown until closed.
-void ShowSplash(const std::string& pictureFile, const std::vector<std::string>& lines);
-void CloseSplash();
 void SetTrace(int mode);  // the level that whoever traces reads with GetTrace; 0 is off
 int GetTrace();
 int GetUserBreak();

@@ -196,6 +196,8 @@ void Frame::nameControls() {
             const QString name = spokenName(*control, label);
             peer->widget()->setAccessibleName(name);
             if (QWidget* inner = peer->focusWidget(); inner != nullptr) inner->setAccessibleName(name);
+        } else {
+            peer->widget()->setAccessibleName({});  // it may have come without a caption
         }
         // A mnemonic of a label leads to the control behind it.
         if (label != nullptr && takesFocus(*control) && label->caption.find('&') != std::string::npos)

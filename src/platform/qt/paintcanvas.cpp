@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QFontMetrics>
 #include <QPixmap>
+#include <qdrawutil.h>
 
 #include <algorithm>
 
@@ -70,6 +71,14 @@ void paintShape(QPainter& painter, ShapeKind kind, const QRect& r, const QColor&
         if (back.isValid()) painter.fillRect(r, back);
         if (fore.isValid() && fore != back) frameRect(painter, r, fore, width);
     }
+}
+
+void paintBorder(QPainter& painter, const QRect& rect, const QPalette& palette, int border,
+                 const QColor& line) {
+    if (border == 1)
+        paintShape(painter, RECTANGLE_SHAPE, rect, line.isValid() ? line : palette.color(QPalette::Mid),
+                   QColor());
+    if (border == 2) qDrawShadePanel(&painter, rect, palette, true, 1);
 }
 
 void PaintCanvas::line(int x1, int y1, int x2, int y2, Ink ink) {

@@ -9,6 +9,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPainter>
+#include <QPalette>
 
 #include <optional>
 
@@ -19,6 +20,11 @@ QColor colourOf(int value);  // 0xBBGGRR
 // Draws a shape so that it covers exactly `rect`; a fore or back colour that is not valid is left out.
 void paintShape(QPainter& painter, ShapeKind kind, const QRect& rect, const QColor& fore, const QColor& back,
                 int lineWidth = 1);
+
+// The border of a control inside the edges of `rect`: 0 none, 1 a line, 2 sunken. A colour that is not valid is the
+// desktop's for lines.
+void paintBorder(QPainter& painter, const QRect& rect, const QPalette& palette, int border,
+                 const QColor& line = {});
 
 class PaintCanvas : public Canvas {
 public:

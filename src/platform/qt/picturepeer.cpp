@@ -7,7 +7,6 @@
 
 #include <QIcon>
 #include <QPainter>
-#include <qdrawutil.h>
 
 #include <algorithm>
 
@@ -52,8 +51,26 @@ private:
         const bool line = shape_ == HORIZONTALLINE_SHAPE || shape_ == VERTICALLINE_SHAPE;
         // A filled shape has an outline only if it asks for one; any other would not be seen without.
         const bool outlined = border_ != 0 || !back.isValid() || line;
+        if (border_ == 2) return paintSunken(painter, back);
         paintShape(painter, static_cast<ShapeKind>(shape_), rect(), outlined ? fore : back, back);
-        if (border_ == 2 && shape_ == RECTANGLE_SHAPE) qDrawShadePanel(&painter, rect(), palette(), true, 1);
+    }
+    // Dark where the light, which comes from the upper left, does not reach.
+    void paintSunken(QPainter& painter, const QColor& back) const {
+        const QRect r = rect();
+        const QPalette colours = palette();
+        const QColor dark = colours.color(QPalette::Dark), light = colours.color(QPalette::Light);
+        const auto kind = static_cast<ShapeKind>(shape_);
+        if (kind == HORIZONTALLINE_SHAPE || kind == VERTICALLINE_SHAPE) {
+            const QPoint beside = kind == HORIZONTALLINE_SHAPE ? QPoint(0, 1) : QPoint(1, 0);
+            paintShape(painter, kind, r, dark, QColor());
+            return paintShape(painter, kind, r.translated(beside), light, QColor());
+        }
+        paintShape(painter, kind, r, dark, back);
+        QPolygon lower;
+        lower << r.bottomLeft() + QPoint(0, 1) << r.topRight() + QPoint(1, 0)
+              << r.bottomRight() + QPoint(1, 1);
+        painter.setClipRegion(QRegion(lower));
+        paintShape(painter, kind, r, light, QColor());
     }
     void paintPicture(QPainter& painter) const {
         if (back_ >= 0) painter.fillRect(rect(), colourOf(back_));
@@ -68,10 +85,7 @@ private:
             painter.setRenderHint(QPainter::SmoothPixmapTransform);
             painter.drawPixmap(place, pixmap);
         }
-        if (border_ == 1)
-            paintShape(painter, RECTANGLE_SHAPE, rect(),
-                       fore_ >= 0 ? colourOf(fore_) : palette().color(QPalette::Mid), QColor());
-        if (border_ == 2) qDrawShadePanel(&painter, rect(), palette(), true, 1);
+        paintBorder(painter, rect(), palette(), border_, fore_ >= 0 ? colourOf(fore_) : QColor());
     }
 
     QIcon icon_;

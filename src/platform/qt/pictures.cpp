@@ -199,24 +199,4 @@ QIcon iconOfFile(const std::string& file) {
     return bytes.isEmpty() ? QIcon() : QIcon(shown(file));
 }
 
-QPixmap pictureOfFile(const std::string& file, qreal ratio) {
-    QByteArray bytes = fileBytes(withSvg(file));
-    if (!isSvg(bytes)) bytes = fileBytes(file);
-    QPixmap pixmap;
-    if (isSvg(bytes)) {
-        QSvgRenderer renderer(bytes);
-        pixmap = QPixmap((QSizeF(renderer.defaultSize()) * ratio).toSize());
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        renderer.render(&painter);
-    } else {
-        const QImage image = withoutMagenta(QImage::fromData(bytes));
-        if (image.isNull()) return {};
-        pixmap = QPixmap::fromImage(
-            image.scaled(image.size() * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation));
-    }
-    pixmap.setDevicePixelRatio(ratio);
-    return pixmap;
-}
-
 }  // namespace tarn::platform::qt

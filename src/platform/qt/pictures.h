@@ -25,7 +25,5 @@ QSize measuredSize(std::string_view bytes);  // of an image file; empty if it is
 // A file; one of the same name with the extension ".svg" beside it goes before it, since it is sharp at any
 // scale.
 QIcon iconOfFile(const std::string& file);
-// The picture at its own size in device-independent pixels, drawn for `ratio`; pure magenta is transparent.
-QPixmap pictureOfFile(const std::string& file, qreal ratio);
 
 }  // namespace tarn::platform::qt

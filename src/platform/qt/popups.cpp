@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/popups.h"
 
-#include "platform/qt/pictures.h"
 #include "platform/qt/texts.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
@@ -20,39 +18,6 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr int Margin = 36;  // pixels between the window's edge and the lines
-constexpr int Bands = 4;    // each line has a quarter of the height inside
-
-QFont biggestFont(const QString& text, const QRect& band) {
-    QFont font(QStringLiteral("Arial"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setBold(true);
-    font.setItalic(true);
-    int low = 4, high = std::max(band.height(), 5);
-    while (low < high) {
-        const int size = (low + high + 1) / 2;
-        font.setPixelSize(size);
-        const QFontMetrics metrics(font);
-        const bool fits =
-            metrics.height() <= band.height() && metrics.horizontalAdvance(text) <= band.width();
-        if (fits)
-            low = size;
-        else
-            high = size - 1;
-    }
-    font.setPixelSize(low);
-    return font;
-}
-
-void drawLine(QPainter& painter, const QString& text, const QRect& band) {
-    painter.setFont(biggestFont(text, band));
-    painter.setPen(QColor(60, 50, 10));
-    for (int shift = 1; shift <= 4; ++shift)
-        painter.drawText(band.translated(shift, shift), Qt::AlignLeft, text);
-    painter.setPen(QColor(240, 170, 50));
-    painter.drawText(band, Qt::AlignLeft, text);
-}
-
 void centre(QWidget& widget) {
     QRect place(QPoint(), widget.size());
     place.moveCenter(widget.screen()->availableGeometry().center());
@@ -60,34 +25,6 @@ void centre(QWidget& widget) {
 }
 
 }  // namespace
-
-Splash::Splash(const std::string& picture, const std::vector<std::string>& lines)
-    // A window of the splash kind would get no focus, and so no key that ends its wait.
-    : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint), picture_(picture) {
-    setObjectName(QStringLiteral("splash"));
-    setAttribute(Qt::WA_TranslucentBackground);
-    setAttribute(Qt::WA_QuitOnClose, false);
-    for (const auto& line : lines) lines_ << shown(line);
-    pixmap_ = pictureOfFile(picture_, devicePixelRatioF());
-    setWindowTitle(lines_.value(0));
-    setAccessibleName(lines_.join(u' '));
-    setFixedSize(pixmap_.isNull() ? QSize(480, 300) : pixmap_.deviceIndependentSize().toSize());
-    centre(*this);
-}
-
-void Splash::paintEvent(QPaintEvent*) {
-    if (!qFuzzyCompare(pixmap_.devicePixelRatio(), devicePixelRatioF()) && !pixmap_.isNull())
-        pixmap_ = pictureOfFile(picture_, devicePixelRatioF());
-    QPainter painter(this);
-    if (pixmap_.isNull())
-        painter.fillRect(rect(), QColor(29, 53, 87));
-    else
-        painter.drawPixmap(0, 0, pixmap_);
-    const QRect inner = rect().adjusted(Margin, Margin, -Margin, -Margin);
-    const int height = inner.height() / Bands;
-    for (int i = 0; i < static_cast<int>(lines_.size()) && i < Bands; ++i)
-        drawLine(painter, lines_[i], QRect(inner.left(), inner.top() + i * height, inner.width(), height));
-}
 
 ToolProgress::ToolProgress()
     : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint), label_(new QLabel(this)),

@@ -1,35 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The two small windows that stand apart from the model: the splash picture, and the progress of a tool with
-// its Stop button.
+// The small window that stands apart from the model: the progress of a tool with its Stop button.
 #pragma once
 
 #include <QTimer>
 #include <QWidget>
 
 #include <functional>
-#include <memory>
 #include <string>
-#include <vector>
 
 class QLabel;
 class QPushButton;
 
 namespace tarn::platform::qt {
-
-// A frameless picture in the middle of the screen, with up to three lines drawn over it.
-class Splash : public QWidget {
-public:
-    Splash(const std::string& picture, const std::vector<std::string>& lines);
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-
-private:
-    std::string picture_;
-    QStringList lines_;
-    QPixmap pixmap_;
-};
 
 // Appears when its text has stood for 300 ms, so that short tools do not flash.
 class ToolProgress : public QWidget {

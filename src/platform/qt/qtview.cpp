@@ -136,7 +136,6 @@ QtView::~QtView() {
     closeQuestions();
     for (const auto& window : windows())
         if (frameOf(*window) != nullptr) unload(*window);
-    splash_.reset();
     progress_.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QAccessible::removeFactory(makeAccessible);
@@ -287,7 +286,6 @@ std::string QtView::ask(const Question& question) {
     QWidget* parent = QApplication::activeWindow();
     if (parent == nullptr && !order_.empty() && !order_.back().isNull()) parent = order_.back();
     const QPointer<QWidget> below(parent != nullptr && parent->isVisible() ? parent : nullptr);
-    if (splash_ != nullptr) splash_->lower();
     const std::string answer = askUser(question, below);
     if (busy) setBusy(true);
     if (below != nullptr && below->isVisible()) below->activateWindow();
@@ -400,18 +398,6 @@ void QtView::toolProgress(const std::string& text) {
 
 bool QtView::toolStopPressed() {
     return progress_ != nullptr && progress_->stopPressed();
-}
-
-void QtView::showSplash(const std::string& picture, const std::vector<std::string>& lines) {
-    splash_ = std::make_unique<Splash>(picture, lines);
-    splash_->show();
-    splash_->raise();
-    splash_->activateWindow();
-    pump();
-}
-
-void QtView::closeSplash() {
-    splash_.reset();
 }
 
 void QtView::watch(int descriptor, std::function<void()> ready) {

@@ -21,7 +21,6 @@ class QSocketNotifier;
 namespace tarn::platform::qt {
 
 class Frame;
-class Splash;
 class ToolProgress;
 
 class QtView : public QObject, public View {
@@ -70,8 +69,6 @@ public:
     bool openUrl(const std::string& url) override;
     void toolProgress(const std::string& text) override;
     bool toolStopPressed() override;
-    void showSplash(const std::string& picture, const std::vector<std::string>& lines) override;
-    void closeSplash() override;
     void watch(int descriptor, std::function<void()> ready) override;
     void raise(Window& window) override;
 
@@ -96,7 +93,6 @@ private:
     QTimer idleTimer_;
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
-    std::unique_ptr<Splash> splash_;
     std::unique_ptr<ToolProgress> progress_;
     std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
     int depth_ = 0;                       // loops, one inside the other

@@ -14,14 +14,6 @@
 
 namespace tarn::platform::qt {
 
-// Border and scroll bars as the resource file has them. A list that has any bars shows those it needs.
-inline void applyBars(QAbstractItemView& list, const Control& control) {
-    if (control.border == 0) list.setFrameShape(QFrame::NoFrame);
-    if (control.scrollBars != 0) return;
-    list.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-}
-
 // `Base` is one of the toolkit's item views.
 template <class Base>
 class RowsViewOf : public Base {

@@ -341,8 +341,11 @@ class LinesPeer : public Peer {
 public:
     LinesPeer(Control& control, LinesEdit& lines) : Peer(control, lines), lines_(lines) {
         lines.setTabChangesFocus(true);
-        if (control.border == 0) lines.setFrameShape(QFrame::NoFrame);
-        if ((control.scrollBars & 1) != 0) lines.setLineWrapMode(QPlainTextEdit::NoWrap);
+        if (!isEditWindowType(control.type))
+            applyBars(lines, control);  // one that stands in for the edit window
+        // A line that does not end at the edge has no side to stand at, so only lines from the left run on.
+        if ((control.scrollBars & 1) != 0 && control.alignment == 0)
+            lines.setLineWrapMode(QPlainTextEdit::NoWrap);
         static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
         QTextOption option = lines.document()->defaultTextOption();
         option.setAlignment(sides[std::clamp(control.alignment, 0, 2)]);

@@ -2,6 +2,7 @@
 #include "platform/qt/widgets.h"
 
 #include "platform/qt/gridpeer.h"
+#include "platform/qt/paintcanvas.h"
 #include "platform/qt/picturepeer.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/rowsview.h"
@@ -9,6 +10,7 @@
 #include "platform/qt/texts.h"
 
 #include <QAbstractListModel>
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -19,6 +21,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -102,6 +105,8 @@ public:
         : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
         list.setModel(rows_);
         applyBars(list, control);
+        // The bar goes by the widest row, so each of them has to be measured.
+        list.setUniformItemSizes((control.scrollBars & 1) == 0);
         list.refreshed = [this] { late_->now(); };
         if (control.type == Type::Iconlist) list.setIconSize({20, 20});
         list.doubleClicked = [this](QPoint at) {
@@ -455,6 +460,21 @@ private:
     QScrollBar& bar_;
 };
 
+class BorderedBar : public QProgressBar {
+public:
+    BorderedBar(int border, QWidget* parent) : QProgressBar(parent), border_(border) {}
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QProgressBar::paintEvent(event);
+        QPainter painter(this);
+        paintBorder(painter, rect(), palette(), border_);
+    }
+
+private:
+    int border_;
+};
+
 class ProgressPeer : public Peer {
 public:
     ProgressPeer(Control& control, QProgressBar& bar) : Peer(control, bar), bar_(bar) {
@@ -492,7 +512,7 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
     case Type::Scrollbar:
         return new ScrollPeer(control,
                               *new QScrollBar(isHorizontal(control) ? Qt::Horizontal : Qt::Vertical, parent));
-    case Type::Progressbar: return new ProgressPeer(control, *new QProgressBar(parent));
+    case Type::Progressbar: return new ProgressPeer(control, *new BorderedBar(control.border, parent));
     case Type::Editwindow:
     case Type::Richeditwindow: return makeEditAreaPeer(control, parent);
     default: return makePicturePeer(control, parent);
@@ -535,6 +555,15 @@ QFont qtFont(const Font& font, const QFont& base) {
     result.setBold(font.bold);
     result.setItalic(font.italic);
     return result;
+}
+
+void applyBars(QAbstractScrollArea& area, const Control& control) {
+    if (control.border == 0) area.setFrameShape(QFrame::NoFrame);
+    const auto policy = [&control](int bar) {
+        return (control.scrollBars & bar) != 0 ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
+    };
+    area.setHorizontalScrollBarPolicy(policy(1));
+    area.setVerticalScrollBarPolicy(policy(2));
 }
 
 void applyFont(QWidget& widget, const Font& own, const Font& inherited) {

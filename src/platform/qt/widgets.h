@@ -14,6 +14,8 @@
 #include <memory>
 #include <string>
 
+class QAbstractScrollArea;
+
 namespace tarn::platform::qt {
 
 // A widget for one control. Owned by its widget: both die together, before or after the control.
@@ -44,6 +46,8 @@ protected:
 Peer* makePeer(Control& control, QWidget* parent, bool flat);
 Peer* peerOf(const Control& control);  // null for a control without a widget and for menu items
 
+// Border and scroll bars as the resource file has them. A bar that it has shows where it is needed.
+void applyBars(QAbstractScrollArea& area, const Control& control);
 void applyFont(QWidget& widget, const Font& own, const Font& inherited);
 QFont qtFont(const Font& font, const QFont& base);
 

@@ -286,6 +286,30 @@ TEST_F(ModelTest, LoadFromAFileUnderAnotherName) {
     EXPECT_FALSE(IsLoaded(test));
 }
 
+TEST_F(ModelTest, WhatAResourceFileDoesNotMentionHasTheValueOfTheTable) {
+    loadMain();
+    ASSERT_EQ(Load(second), Ok);
+    ASSERT_EQ(Load(editor), Ok);
+    const Window &dialog = *findWindow(second), &edit = *findWindow(editor);
+    EXPECT_FALSE(dialog.maxButton);
+    EXPECT_FALSE(dialog.minButton);
+    EXPECT_TRUE(dialog.closeBox);
+    EXPECT_TRUE(edit.maxButton);
+    EXPECT_TRUE(edit.minButton);
+    EXPECT_EQ(edit.borderStyle, 2);
+    EXPECT_FALSE(control("tool").tabStop);
+    EXPECT_TRUE(control("ok").tabStop);
+    EXPECT_EQ(control("list1").scrollBars, 2);
+    EXPECT_EQ(control("memo").scrollBars, 0);
+    EXPECT_EQ(control("list1").border, 1);
+    EXPECT_EQ(control("label1").border, 0);
+    EXPECT_EQ(control("check1").alignment, 1);
+    EXPECT_EQ(control("label1").alignment, 0);
+    EXPECT_EQ(control("check1").value, 0);
+    EXPECT_EQ(control("combo2").comboStyle, 2) << "mentioned";
+    EXPECT_EQ(control("bar1").minimum, -5) << "mentioned";
+}
+
 TEST_F(ModelTest, UnloadSendsCloseAndObeysAVeto) {
     loadMain();
     bool veto = true;
