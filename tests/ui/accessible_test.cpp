@@ -2,7 +2,7 @@
 //
 // What a screen reader gets from the edit window: the text in any encoding, caret, selection, characters, words
 // and lines, what a key changes, and all of it quickly at the end of a long text.
-#include "platform/qt/editarea.h"
+#include "platform/qt/controls/editarea.h"
 #include "support/places.h"
 
 #include <gtest/gtest.h>

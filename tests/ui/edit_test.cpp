@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The edit window by itself: its library, without a model behind it.
-#include "platform/qt/editarea.h"
+#include "platform/qt/controls/editarea.h"
 #include "support/places.h"
 
 #include <gtest/gtest.h>

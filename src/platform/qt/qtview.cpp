@@ -3,16 +3,16 @@
 
 #include "os/process.h"
 #include "platform/model/model.h"
-#include "platform/qt/frame.h"
-#include "platform/qt/keys.h"
-#include "platform/qt/menus.h"
-#include "platform/qt/mouse.h"
-#include "platform/qt/pictures.h"
-#include "platform/qt/popups.h"
-#include "platform/qt/printing.h"
-#include "platform/qt/questions.h"
+#include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/drawing/printing.h"
+#include "platform/qt/input/keys.h"
+#include "platform/qt/input/mouse.h"
 #include "platform/qt/texts.h"
-#include "platform/qt/widgets.h"
+#include "platform/qt/windows/frame.h"
+#include "platform/qt/windows/menus.h"
+#include "platform/qt/windows/popups.h"
+#include "platform/qt/windows/questions.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

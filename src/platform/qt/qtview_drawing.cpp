@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The view's drawing, dragging, pictures, printing and clipboard.
-#include "platform/qt/frame.h"
-#include "platform/qt/mouse.h"
-#include "platform/qt/pictures.h"
-#include "platform/qt/printing.h"
+#include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/drawing/printing.h"
+#include "platform/qt/drawing/surface.h"
+#include "platform/qt/input/mouse.h"
+#include "platform/qt/input/tracker.h"
 #include "platform/qt/qtview.h"
-#include "platform/qt/surface.h"
 #include "platform/qt/texts.h"
-#include "platform/qt/tracker.h"
-#include "platform/qt/widgets.h"
+#include "platform/qt/windows/frame.h"
 
 #include <QApplication>
 #include <QClipboard>

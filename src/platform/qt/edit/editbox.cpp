@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The edit window as the view sees it: text and status bar in one widget, and the store over the text.
+#include "platform/qt/controls/editarea.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
 #include "platform/qt/edit/statusbar.h"
 #include "platform/qt/edit/textarea.h"
-#include "platform/qt/editarea.h"
 
 #include <QAccessible>
 #include <QLocale>

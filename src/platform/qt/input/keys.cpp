@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/keys.h"
+#include "platform/qt/input/keys.h"
 
 #include <QAbstractItemView>
 #include <QAbstractScrollArea>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/textpeers.h"
+#include "platform/qt/controls/textpeers.h"
 
 #include "os/process.h"
-#include "platform/qt/editarea.h"
+#include "platform/qt/controls/editarea.h"
 #include "platform/qt/texts.h"
 
 #include <QApplication>

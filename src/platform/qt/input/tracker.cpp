@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/tracker.h"
+#include "platform/qt/input/tracker.h"
 
 #include <QApplication>
 #include <QKeyEvent>

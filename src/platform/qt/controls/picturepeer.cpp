@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/picturepeer.h"
+#include "platform/qt/controls/picturepeer.h"
 
-#include "platform/qt/paintcanvas.h"
-#include "platform/qt/pictures.h"
-#include "platform/qt/surface.h"
+#include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/drawing/surface.h"
 
 #include <QIcon>
 #include <QPainter>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/mouse.h"
+#include "platform/qt/input/mouse.h"
 
-#include "platform/qt/frame.h"
-#include "platform/qt/surface.h"
+#include "platform/qt/drawing/surface.h"
+#include "platform/qt/windows/frame.h"
 
 #include <QContextMenuEvent>
 #include <QMouseEvent>

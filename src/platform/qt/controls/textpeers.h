@@ -4,7 +4,7 @@
 // the widget alone: the control's TextStore is the widget's.
 #pragma once
 
-#include "platform/qt/widgets.h"
+#include "platform/qt/controls/widgets.h"
 
 class QLineEdit;
 

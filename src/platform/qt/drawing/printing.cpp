@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/printing.h"
+#include "platform/qt/drawing/printing.h"
 
 #include "os/files.h"
-#include "platform/qt/paintcanvas.h"
+#include "platform/qt/drawing/paintcanvas.h"
 #include "platform/qt/texts.h"
 
 #include <QPageLayout>

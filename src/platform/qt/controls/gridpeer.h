@@ -4,7 +4,7 @@
 // parts the columns of both.
 #pragma once
 
-#include "platform/qt/widgets.h"
+#include "platform/qt/controls/widgets.h"
 
 namespace tarn::platform::qt {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/pictures.h"
+#include "platform/qt/drawing/pictures.h"
 
 #include "os/files.h"
 #include "platform/model/pictures.h"
-#include "platform/qt/faces.h"
+#include "platform/qt/drawing/faces.h"
 #include "platform/qt/texts.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/choosers.h"
+#include "platform/qt/windows/choosers.h"
 
 #include "platform/qt/texts.h"
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/widgets.h"
+#include "platform/qt/controls/widgets.h"
 
-#include "platform/qt/gridpeer.h"
-#include "platform/qt/paintcanvas.h"
-#include "platform/qt/picturepeer.h"
-#include "platform/qt/pictures.h"
-#include "platform/qt/rowsview.h"
-#include "platform/qt/textpeers.h"
+#include "platform/qt/controls/gridpeer.h"
+#include "platform/qt/controls/picturepeer.h"
+#include "platform/qt/controls/rowsview.h"
+#include "platform/qt/controls/textpeers.h"
+#include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 
 #include <QAbstractListModel>

@@ -3,7 +3,7 @@
 // Shapes, icons and images.
 #pragma once
 
-#include "platform/qt/widgets.h"
+#include "platform/qt/controls/widgets.h"
 
 namespace tarn::platform::qt {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/questions.h"
+#include "platform/qt/windows/questions.h"
 
-#include "platform/qt/choosers.h"
 #include "platform/qt/texts.h"
+#include "platform/qt/windows/choosers.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/popups.h"
+#include "platform/qt/windows/popups.h"
 
 #include "platform/qt/texts.h"
 

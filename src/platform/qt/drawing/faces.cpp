@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/faces.h"
+#include "platform/qt/drawing/faces.h"
 
 #include "platform/qt/texts.h"
 

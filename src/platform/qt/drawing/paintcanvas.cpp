@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/paintcanvas.h"
+#include "platform/qt/drawing/paintcanvas.h"
 
-#include "platform/qt/frame.h"
-#include "platform/qt/pictures.h"
-#include "platform/qt/surface.h"
+#include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/drawing/surface.h"
 #include "platform/qt/texts.h"
-#include "platform/qt/widgets.h"
+#include "platform/qt/windows/frame.h"
 
 #include <QApplication>
 #include <QFontMetrics>

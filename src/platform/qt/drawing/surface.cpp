@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/surface.h"
+#include "platform/qt/drawing/surface.h"
 
-#include "platform/qt/paintcanvas.h"
+#include "platform/qt/drawing/paintcanvas.h"
 
 #include <QPaintEvent>
 #include <QPointer>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/menus.h"
+#include "platform/qt/windows/menus.h"
 
-#include "platform/qt/keys.h"
-#include "platform/qt/pictures.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/input/keys.h"
 #include "platform/qt/texts.h"
 
 #include <QAction>

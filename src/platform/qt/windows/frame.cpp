@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/frame.h"
+#include "platform/qt/windows/frame.h"
 
-#include "platform/qt/menus.h"
-#include "platform/qt/paintcanvas.h"
-#include "platform/qt/pictures.h"
-#include "platform/qt/surface.h"
-#include "platform/qt/textpeers.h"
+#include "platform/qt/controls/textpeers.h"
+#include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/drawing/surface.h"
 #include "platform/qt/texts.h"
-#include "platform/qt/widgets.h"
+#include "platform/qt/windows/menus.h"
 
 #include <QApplication>
 #include <QCloseEvent>

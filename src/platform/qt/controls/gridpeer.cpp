@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/qt/gridpeer.h"
+#include "platform/qt/controls/gridpeer.h"
 
-#include "platform/qt/pictures.h"
-#include "platform/qt/rowsview.h"
+#include "platform/qt/controls/rowsview.h"
+#include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 
 #include <QAbstractTableModel>
