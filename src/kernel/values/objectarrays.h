@@ -6,7 +6,7 @@
 // The array has one dimension of strings with the bounds 0 and MAX_CONTROLS; anything else is refused before a
 // file is touched. Its elements have room for RESOURCE_OBJECT_SIZE characters, or are unbounded; a text ends
 // before its first NUL. An object that is too long for its element comes, as far as needed, without lines that
-// tell what holds without them, and without quotes; written back it is the same. The results are error texts,
+// tell what holds without them, and without quotes; written back it means the same. The results are error texts,
 // empty on success. The counts and sizes are what a program says of its arrays; the arrays themselves are asked
 // instead.
 //
