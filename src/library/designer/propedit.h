@@ -16,7 +16,7 @@
 //   INTEGER(1-"One",2-"Two")      one of the numbers
 //   INTEGER{1-"One",2-"Two"}      any combination of the bits
 //   INTEGER[a:b]                  b - a + 1 numbers, separated by blanks (at most 1000)
-//   NAME, NAME(a:b)               a symbol of a to b characters, or nothing
+//   NAME, NAME(a:b)               a symbol or nothing; a symbol of a to b characters
 //   STRING, STRING(n)             any text of at most n characters
 //   STRING("a","b")               one of the strings, in any case
 //   HIDDEN                        anything; the sheet does not show it
@@ -43,7 +43,8 @@ struct ValueCheck {
 };
 ValueCheck CHECKVALUE(std::string_view options, std::string_view value);
 // The line of the options string that the value selects, moved by `step` (+1 or -1, around the ends); 0 gives
-// the value in the form in which the list has it. A value that selects none, and one of a kind without a
+// the value in the form in which the list has it. The line that is the value is selected, else the first that
+// has its number or, of strings, begins with it. A value that selects none, and one of a kind without a
 // list, comes back as it was. An empty value selects the first line.
 std::string GETNEXTVALUE(std::string_view options, std::string_view value, int step);
 // What the user chooses from, one a line: "0-Left" of an ENUM, "1-One" of numbers, bare strings. Empty for

@@ -84,7 +84,10 @@ int lineOfValue(const Options& options, const std::vector<std::string_view>& lin
         if (number) return leadingNumberOf(line) == number;
         return !options.is("INTEGER") && ascii::equal(line.substr(0, value.size()), value);
     };
-    const auto found = std::find_if(lines.begin(), lines.end(), selects);
+    // The line that is the value comes before those that only begin with it or its number.
+    const auto same = [&](std::string_view line) { return ascii::equal(STRTRIM(line), value); };
+    auto found = std::find_if(lines.begin(), lines.end(), same);
+    if (found == lines.end()) found = std::find_if(lines.begin(), lines.end(), selects);
     return found == lines.end() ? 0 : static_cast<int>(found - lines.begin()) + 1;
 }
 

@@ -257,6 +257,21 @@ std::string renameStatement(RcFile& parsed, const std::string& file, const std::
     return "";
 }
 
+namespace {
+
+// Files of two kinds may have one name where people write them; each keeps its own.
+const RcStatement* replacedBy(const RcStatement& added, const RcFile& parsed) {
+    if (added.kind != RcKind::File) return parsed.find(added.kind, added.name);
+    const auto same = [&](const RcStatement& statement) {
+        return statement.kind == RcKind::File && statement.kindWord == added.kindWord &&
+               sameText(statement.name, added.name);
+    };
+    const auto found = std::find_if(parsed.statements.begin(), parsed.statements.end(), same);
+    return found == parsed.statements.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
 std::string addStatement(RcFile& parsed, const std::string& file, const std::string& line) {
     const RcFile added = parseResourceText(line);
     RcFault fault = added.fault;
@@ -266,7 +281,7 @@ std::string addStatement(RcFile& parsed, const std::string& file, const std::str
     if (added.statements.size() != 1 || added.statements[0].kind == RcKind::Unknown)
         return "This is not one resource statement.";
     const RcStatement& statement = added.statements[0];
-    const RcStatement* const old = parsed.find(statement.kind, statement.name);
+    const RcStatement* const old = replacedBy(statement, parsed);
     if (old != nullptr && !old->fault.empty()) return faultText(file, old->fault);
     if (old == nullptr && statement.kind != RcKind::Define && parsed.find(statement.name) != nullptr)
         return "'" + statement.name + "' is already a name in '" + file + "'.";

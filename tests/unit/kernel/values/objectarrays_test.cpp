@@ -7,9 +7,13 @@
 #include "kernel/values/owned.h"
 #include "kernel/values/strings.h"
 #include "os/files.h"
+#include "platform/resources/properties.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 #include "unit/kernel/values_fixture.h"
+
+#include <algorithm>
+#include <cstring>
 
 using namespace tarn;
 
@@ -129,18 +133,61 @@ TEST_F(ObjectArrays, ElementsOfExactlyTheirCapacityComeBack) {
     EXPECT_EQ(at(a.get(), 1).size(), 1024U);
 }
 
+TEST_F(ObjectArrays, FullElementsOfFewPropertiesComeBack) {
+    const struct {
+        const char *type, *before, *after;
+    } cases[] = {
+        {"Edit", "TEXT=\"", "\"\n"}, {"Label", "POSITION=1 2 3 4\nHINT=\"h\"\nCAPTION=\"", "\"\n"},
+        {"Label", "CAPTION=", "\n"}, {"Pushbutton", "TABSTOP=0\nWEIGHT=12\nCAPTION=", "\nHINT=h\n"},
+        {"Image", "PICTURE=", "\n"}, {"Edit", "ODD=\"", "\"\n"},
+    };
+    for (const auto& c : cases) {
+        ArrayValue a = strings(0, MAX_CONTROLS), none_ = strings(0, MAX_CONTROLS);
+        put(a.get(), 0, "NAME=D\nTYPEOF=Dialog\n");
+        const std::string before = "NAME=a\nTYPEOF=" + std::string(c.type) + "\n" + c.before;
+        const std::string given =
+            before + std::string(RESOURCE_OBJECT_SIZE - before.size() - std::strlen(c.after), 'x') + c.after;
+        put(a.get(), 1, given);
+        ASSERT_EQ(write(a.get(), none_.get(), rc), "");
+        const std::string file = load(rc);
+        ASSERT_EQ(ResourceRead(rc, "D", a.get(), 256, 1024), "") << c.type << " " << c.before;
+        const std::string read = at(a.get(), 1);
+        EXPECT_LE(read.size(), 1024U);
+        EXPECT_TRUE(read.starts_with("NAME=a\nTYPEOF=")) << read;
+        const auto properties = [](const std::string& list) {
+            auto all = platform::parsePropertyList(list).properties;
+            std::erase_if(all, [](const auto& property) { return property.first == "POSITION"; });
+            std::sort(all.begin(), all.end());
+            return all;
+        };
+        const auto came = properties(read);
+        for (const auto& property : properties(given))
+            EXPECT_TRUE(std::find(came.begin(), came.end(), property) != came.end())
+                << c.type << " " << property.first;
+        ASSERT_EQ(write(a.get(), none_.get(), rc), "");
+        EXPECT_EQ(load(rc), file) << "what was left out stays as it was";
+    }
+}
+
+TEST_F(ObjectArrays, QuotesThatMeanSomethingStay) {
+    ArrayValue a = strings(0, MAX_CONTROLS, 60), none_ = strings(0, MAX_CONTROLS);
+    save(rc, "D DIALOG\n Label a 1\n  CAPTION=\"\\\"quoted twice, in a long text\\\"\"\nEND\n");
+    EXPECT_NE(ResourceRead(rc, "D", a.get(), 256, 1024), "");
+    EXPECT_EQ(at(a.get(), 1), "");
+}
+
 TEST_F(ObjectArrays, AnObjectThatIsTooLongIsAnErrorAndNotCut) {
     ArrayValue a = strings(0, MAX_CONTROLS), wide = strings(0, MAX_CONTROLS, UNBOUNDED),
                none_ = strings(0, MAX_CONTROLS);
     put(wide.get(), 0, "NAME=D\nTYPEOF=Dialog\n");
-    put(wide.get(), 1, label(RESOURCE_OBJECT_SIZE + 1));
+    put(wide.get(), 1, "NAME=a\nTYPEOF=Label\nCAPTION=" + std::string(RESOURCE_OBJECT_SIZE - 28, 'x') + "\n");
     ASSERT_EQ(write(wide.get(), none_.get(), rc), "");
     put(a.get(), 2, "old");
     EXPECT_EQ(ResourceRead(rc, "D", a.get(), 256, 1024),
               "An object of 'D' in '" + rc + "' is too long for its element.");
     for (std::int32_t i = 0; i <= MAX_CONTROLS; ++i) ASSERT_EQ(at(a.get(), i), "") << i;
     EXPECT_EQ(ResourceRead(rc, "D", wide.get(), 256, 1024), "");
-    EXPECT_EQ(at(wide.get(), 1).size(), 1025U);
+    EXPECT_EQ(at(wide.get(), 1).size(), 1105U) << "all properties of a label";
 }
 
 TEST_F(ObjectArrays, ADialogThatIsNotThereGivesAnErrorAndAnEmptyArray) {

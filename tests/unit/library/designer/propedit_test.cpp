@@ -289,6 +289,12 @@ TEST_F(Propedit, StepsGoAroundTheList) {
         {kinds, "", -1, "Richeditwindow"},
         {"STRING(\" a \",\"b\")", "b", 1, "a"},
         {"STRING(\"8\",\"10\")", "10", 1, "8"},
+        {"STRING(\"abc\",\"ab\")", "ab", 0, "ab"},  // the line that it is, before those that begin with it
+        {"STRING(\"abc\",\"ab\")", "AB", 1, "abc"},
+        {"STRING(\"abc\",\"ab\")", "a", 0, "abc"},
+        {"STRING(\"1 px\",\"1 pt\")", "1 pt", 0, "1 pt"},
+        {"STRING(\"1 px\",\"1 pt\")", "1", 0, "1 px"},
+        {"STRING(\"ab\",\" a \")", "a", 0, "a"},
         {"INTEGER(0:9)", "5", 1, "5"},
         {"INTEGER{1-\"a\",2-\"b\"}", "1", 1, "1"},
         {"BOOLEAN", "True", 1, "True"},

@@ -379,6 +379,20 @@ TEST_F(ResourceTest, WriteTextReplacesTheResourceOfItsNameAndKind) {
     EXPECT_EQ(ResourceWriteText(rc, "Main BITMAP \"x\""), "'Main' is already a name in '" + rc + "'.");
 }
 
+TEST_F(ResourceTest, WriteTextNeverTakesThePlaceOfAFileOfAnotherKind) {
+    const std::string picture = "a BITMAP \"1.bmp\"\n";
+    write(rc, picture);
+    for (const char* line : {"A INCFILE \"z\"\n", "a DBFILE \"z\"\n", "a SOUND \"z\"\n"})
+        EXPECT_EQ(ResourceWriteText(rc, line),
+                  "'" + std::string(line, 1) + "' is already a name in '" + rc + "'.");
+    EXPECT_EQ(read(rc), picture);
+    write(rc, picture + "a INCFILE \"2\"\nb INCFILE \"3\"\n");
+    EXPECT_EQ(ResourceWriteText(rc, "A incfile \"4\"\n"), "") << "where both have come in by hand";
+    EXPECT_EQ(read(rc), picture + "A incfile \"4\"\nb INCFILE \"3\"\n");
+    EXPECT_EQ(ResourceWriteText(rc, "a bitmap \"5\"\n"), "");
+    EXPECT_EQ(read(rc), "a bitmap \"5\"\nA incfile \"4\"\nb INCFILE \"3\"\n");
+}
+
 TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) {
     std::string block = "VS_VERSION_INFO VERSIONINFO\n    FILEVERSION 1,2,3,4\n    PRODUCTVERSION 1,2,3,4\n"
                         "    FILEFLAGSMASK 0x3f\n    FILEFLAGS 0x0\n    FILEOS 0x10004\n    FILETYPE 0x1\n"
