@@ -3,6 +3,7 @@
 
 #include "os/files.h"
 #include "os/process.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <string_view>
@@ -25,15 +26,6 @@ struct Section {
 
 using Registry = std::vector<Section>;
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool same(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
-}
-
 // One `\` between parts, none at the ends.
 std::string keyOf(std::string_view text) {
     std::string key;
@@ -47,8 +39,8 @@ std::string keyOf(std::string_view text) {
 // What is left of `key` below `above`; empty if it is not below.
 std::string_view below(std::string_view key, std::string_view above) {
     if (above.empty()) return key;
-    const bool inside =
-        key.size() > above.size() && key[above.size()] == '\\' && same(key.substr(0, above.size()), above);
+    const bool inside = key.size() > above.size() && key[above.size()] == '\\' &&
+                        ascii::equal(key.substr(0, above.size()), above);
     return inside ? key.substr(above.size() + 1) : std::string_view();
 }
 
@@ -141,9 +133,9 @@ os::FileError store(const Registry& registry) {
 // A key that stands twice is one key: the first value of a name counts. Null if there is none.
 const Line* findSetting(const Registry& registry, const std::string& key, const std::string& name) {
     for (const Section& section : registry) {
-        if (section.key.empty() || !same(section.key, key)) continue;
+        if (section.key.empty() || !ascii::equal(section.key, key)) continue;
         for (const Line& line : section.lines) {
-            if (line.setting && same(line.name, name)) return &line;
+            if (line.setting && ascii::equal(line.name, name)) return &line;
         }
     }
     return nullptr;
@@ -151,7 +143,7 @@ const Line* findSetting(const Registry& registry, const std::string& key, const 
 
 Section& sectionFor(Registry& registry, const std::string& key) {
     const auto found = std::find_if(registry.begin() + 1, registry.end(),
-                                    [&](const Section& section) { return same(section.key, key); });
+                                    [&](const Section& section) { return ascii::equal(section.key, key); });
     if (found != registry.end()) return *found;
     registry.push_back({key, {}});
     return registry.back();
@@ -179,7 +171,7 @@ bool RegKeyExists(const std::string& key) {
     load(registry);
     const std::string wanted = keyOf(key);
     return std::any_of(registry.begin() + 1, registry.end(), [&](const Section& section) {
-        return same(section.key, wanted) || !below(section.key, wanted).empty();
+        return ascii::equal(section.key, wanted) || !below(section.key, wanted).empty();
     });
 }
 
@@ -223,9 +215,9 @@ std::string RegDeleteSetting(const std::string& key, const std::string& name) {
     if (const os::FileError error = load(registry); error != os::FileError::None) return messageOf(error);
     std::size_t removed = 0;
     for (Section& section : registry) {
-        if (section.key.empty() || !same(section.key, wanted)) continue;
-        removed += std::erase_if(section.lines,
-                                 [&](const Line& line) { return line.setting && same(line.name, name); });
+        if (section.key.empty() || !ascii::equal(section.key, wanted)) continue;
+        removed += std::erase_if(
+            section.lines, [&](const Line& line) { return line.setting && ascii::equal(line.name, name); });
     }
     return removed == 0 ? std::string() : messageOf(store(registry));
 }
@@ -238,7 +230,7 @@ std::string RegGetAllSections(const std::string& key) {
     for (const Section& section : registry) {
         const std::string_view rest = below(section.key, above);
         const std::string name(rest.substr(0, rest.find('\\')));
-        const auto known = [&](const std::string& one) { return same(one, name); };
+        const auto known = [&](const std::string& one) { return ascii::equal(one, name); };
         if (!name.empty() && std::none_of(names.begin(), names.end(), known)) names.push_back(name);
     }
     std::string text;
@@ -252,7 +244,7 @@ std::string RegGetAllSettings(const std::string& key) {
     const std::string wanted = keyOf(key);
     std::string text;
     for (const Section& section : registry) {
-        if (section.key.empty() || !same(section.key, wanted)) continue;
+        if (section.key.empty() || !ascii::equal(section.key, wanted)) continue;
         for (const Line& line : section.lines) {
             if (line.setting) text += (text.empty() ? "" : "\n") + line.text;
         }

@@ -13,8 +13,7 @@ std::string upper(std::string_view text) {
 }
 
 bool sameText(std::string_view a, std::string_view b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return upper(x) == upper(y); });
+    return ascii::equal(a, b);
 }
 
 bool lessText(std::string_view a, std::string_view b) {

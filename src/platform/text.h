@@ -3,6 +3,8 @@
 // Small text helpers of this layer. Case is that of ASCII letters; all other bytes stand for themselves.
 #pragma once
 
+#include "os/text/ascii.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,9 +12,7 @@
 
 namespace tarn::platform {
 
-inline char upper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
+using ascii::upper;
 std::string upper(std::string_view text);
 bool sameText(std::string_view a, std::string_view b);  // without regard to case
 bool lessText(std::string_view a, std::string_view b);  // an order without regard to case

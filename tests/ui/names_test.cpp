@@ -109,7 +109,9 @@ TEST_P(Names, EveryControlHasANameToBeSpoken) {
         auto* widget = top()->findChild<QWidget*>(QString::fromStdString(control->name));
         ASSERT_NE(widget, nullptr) << control->name;
         // What stands behind a label that is filled when the window is used gets its name then.
-        const auto isBlank = [](const Control& one) { return one.type == Type::Label && one.caption.empty(); };
+        const auto isBlank = [](const Control& one) {
+            return one.type == Type::Label && one.caption.empty();
+        };
         const bool named = isBlank(*control) || (before != nullptr && isBlank(*before));
         before = control.get();
         if (!control->visible || named || control->type == Type::Shape) continue;

@@ -18,10 +18,6 @@ constexpr const char* ExploreTitle = "Tools-Explore Data File";
 constexpr const char* DataFilter = "Data files (*.csv;*.tab;*.txt;*.xml;*.dbf;*.xbf)|"
                                    "*.csv;*.tab;*.txt;*.xml;*.dbf;*.xbf|All files (*)|*|";
 
-bool isDelimited(DataFormat format) {
-    return format == FormatComma || format == FormatTab;
-}
-
 // What the user can do about a file that cannot be shown.
 std::string nextStep(const std::string& file, bool delimited) {
     if (FileSize(file) <= 0) return "Choose a file that holds data.";
@@ -75,7 +71,7 @@ void DO_EXPLORE_DB() {
     DataFileInfo info;
     if (!identify(file, info)) return;
     STAMP();
-    if (isDelimited(info.format)) return exploreDelimited(file);
+    if (IsDelimited(info.format)) return exploreDelimited(file);
     if (!info.message.empty()) return tellFailure(file, info.message, false);
     showTable(file, nullptr, info.format);
     STAMP();

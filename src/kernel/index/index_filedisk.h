@@ -38,15 +38,11 @@ public:
     std::int32_t open(const std::string& path, os::OpenMode mode);
     // Opens the file again that was open; 656 when its size is another one now.
     std::int32_t reopen();
-    [[nodiscard]] bool isOpen() const {
-        return handle_ >= 0;
-    }
+    [[nodiscard]] bool isOpen() const { return handle_ >= 0; }
     std::int32_t close();
     void keep();  // open for the next operation, too
 
-    [[nodiscard]] std::int64_t size() const {
-        return size_;
-    }
+    [[nodiscard]] std::int64_t size() const { return size_; }
     // Reads `count` bytes; all of them must stand in the file.
     std::int32_t read(std::int64_t offset, char* into, std::int32_t count);
     // The same for mostPeek bytes at most: where they stand until the next reading or writing. Null on

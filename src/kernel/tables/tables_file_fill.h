@@ -44,15 +44,9 @@ public:
     // Rows from `first` to `last`. What stands before a duplicate is in the file then, and the fill can go on
     // behind it.
     Filled run(ListReader& rows, std::int32_t first, std::int32_t last, RowProgress* progress);
-    bool close() {
-        return tree_.close();
-    }
-    [[nodiscard]] const DuplicateKey& duplicate() const {
-        return duplicate_;
-    }
-    [[nodiscard]] std::int32_t badRow() const {
-        return badRow_;
-    }  // that could not be read; 0 for none
+    bool close() { return tree_.close(); }
+    [[nodiscard]] const DuplicateKey& duplicate() const { return duplicate_; }
+    [[nodiscard]] std::int32_t badRow() const { return badRow_; }  // that could not be read; 0 for none
 
 private:
     Filled insert(const RecordDescriptor& row, std::int32_t number);

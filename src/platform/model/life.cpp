@@ -4,6 +4,7 @@
 #include "platform/windowing.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "os/process.h"
 #include "platform/model/access_internal.h"
 #include "platform/text.h"
@@ -20,7 +21,7 @@ constexpr Code resourceFileMissing = 704;
 // The name by which copies of this program find each other.
 std::string instanceName() {
     const std::string path = os::executablePath();
-    std::string name = path.substr(path.rfind('/') + 1);
+    std::string name = os::nameOf(path);
     const std::size_t dot = name.rfind('.');
     if (dot != std::string::npos && dot > 0) name.resize(dot);
     return upper(name);

@@ -3,6 +3,7 @@
 // Which view is in force.
 #include "platform/model/view.h"
 
+#include "os/paths.h"
 #include "os/process.h"
 
 #include <dlfcn.h>
@@ -29,7 +30,7 @@ std::string ownFolder() {
     if (::dladdr(reinterpret_cast<const void*>(&hasScreen), &info) == 0 || info.dli_fname == nullptr)
         return "";
     const std::string path = info.dli_fname;
-    return path.substr(0, path.rfind('/') + 1);
+    return os::folderPart(path);
 }
 
 // Null if there is no such library, or it is not ours.

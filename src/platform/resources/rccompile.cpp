@@ -6,6 +6,7 @@
 #include "platform/resources/resource.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "platform/text.h"
 
 #include <deque>
@@ -113,7 +114,7 @@ std::string Compiler::pathOf(const Source& source, const std::string& written) c
         while (rest.starts_with('/')) rest.erase(0, 1);
         return folder.folder + (folder.folder.ends_with('/') ? "" : "/") + rest;
     }
-    return path.starts_with('/') ? path : source.name.substr(0, source.name.rfind('/') + 1) + path;
+    return path.starts_with('/') ? path : os::folderPart(source.name) + path;
 }
 
 void Compiler::picture(const Source& source, const RcStatement& statement) {

@@ -42,12 +42,6 @@ bool isWordByte(char c) {
            c == '-' || c == '+';
 }
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    const char u = upper(c);
-    return u >= 'A' && u <= 'F' ? u - 'A' + 10 : -1;
-}
-
 // One escape at `at`, which is the backslash; gives the bytes it takes, and adds what it stands for.
 std::size_t readEscape(std::string_view text, std::size_t at, bool path, std::string& into) {
     const char c = at + 1 < text.size() ? text[at + 1] : '\0';
@@ -57,7 +51,7 @@ std::size_t readEscape(std::string_view text, std::size_t at, bool path, std::st
     if (!path && c == 't') return into += '\t', 2;
     if (!path && c == '0') return into += '\0', 2;
     if (!path && c == 'x' && at + 3 < text.size()) {
-        const int high = hexDigit(text[at + 2]), low = hexDigit(text[at + 3]);
+        const int high = ascii::hexDigit(text[at + 2]), low = ascii::hexDigit(text[at + 3]);
         if (high >= 0 && low >= 0) return into += static_cast<char>(high * 16 + low), 4;
     }
     return into += '\\', 1;

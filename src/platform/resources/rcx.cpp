@@ -2,6 +2,7 @@
 #include "platform/resources/rcx.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "os/process.h"
 #include "platform/resources/resource.h"
 #include "platform/text.h"
@@ -429,8 +430,7 @@ Answer<std::string> PictureBytes(const std::string& name) {
     if (const std::string_view* const bytes = applicationResources().picture(name))
         return {std::string(*bytes), Ok};
     std::string path = os::native(name), bytes;
-    if (!path.starts_with('/'))
-        path = ApplicationResources().substr(0, ApplicationResources().rfind('/') + 1) + path;
+    if (!path.starts_with('/')) path = os::folderPart(ApplicationResources()) + path;
     if (os::readFile(path, bytes) != os::FileError::None || bytes.empty()) return {"", BitmapInvalid};
     return {std::move(bytes), Ok};
 }

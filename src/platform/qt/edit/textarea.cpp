@@ -201,7 +201,7 @@ void TextArea::select(int start, int length) {
     if (line < first || line >= first + shown) send(SCI_SETFIRSTVISIBLELINE, std::max(0L, line - shown / 3));
     sendBytes(SCI_SCROLLRANGE, to, reinterpret_cast<const char*>(static_cast<std::intptr_t>(from)));
     tellCaret(*this);  // the control itself tells only when it paints
-    emit moved();  // the control itself tells only when it paints
+    emit moved();      // the control itself tells only when it paints
 }
 
 void TextArea::replaceSelection(std::string_view text) {
