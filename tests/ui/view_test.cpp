@@ -305,6 +305,19 @@ TEST_F(ViewTest, KeysOfTheEditorStayInTheEditor) {
     EXPECT_EQ(GetText(Code).value, "x");
 }
 
+TEST_F(ViewTest, KeysTypedAheadOfTheFocusReachTheWindowThatWasShown) {
+    show(Main);
+    ASSERT_EQ(Show(Code, false).code, Ok);  // the focus has not moved yet
+    QWidget* before = top(Main)->focusWidget() != nullptr ? top(Main)->focusWidget() : top(Main);
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
+    QApplication::sendEvent(before, &event);
+    EXPECT_EQ(GetText(Code).value, "x");
+    settle();
+    show(Main);
+    press(before, Qt::Key_Y, Qt::NoModifier, QStringLiteral("y"));
+    EXPECT_EQ(GetText(Code).value, "x") << "the user has gone back";
+}
+
 TEST_F(ViewTest, TheEditorHoldsTheTextAndTellsEditsOnce) {
     show(Code);
     const std::string text = "a\0\xFF\r\nb\n"s;

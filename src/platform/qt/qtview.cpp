@@ -446,10 +446,24 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
         if (alive.isNull() || frame->window().widget == nullptr) return true;
     }
     if (focus == nullptr || !widgetNeeds(*focus, event)) {
+        if (typeAhead(*frame, event)) return true;
         if (command(*frame, modelShortcut(event))) return true;
         if (openMainMenu(*frame, event)) return true;
     }
     return false;
+}
+
+// The window system gives a window the focus in its own time; what is typed meanwhile still comes to the main
+// window, where the command was picked, and is meant for the one that the model counts as active.
+bool QtView::typeAhead(Frame& frame, QKeyEvent& event) {
+    Frame* next = order_.empty() ? nullptr : order_.back().data();
+    if (&frame != mainFrame() || next == nullptr || next == &frame || !next->isVisible() ||
+        next->window().widget == nullptr || !takesInput(next->window()))
+        return false;
+    QWidget* focus = next->focusWidget();
+    if (focus == nullptr || !widgetNeeds(*focus, event)) return false;
+    QApplication::sendEvent(focus, &event);
+    return true;
 }
 
 bool QtView::command(Frame& frame, int shortcut) {

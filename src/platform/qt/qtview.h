@@ -77,8 +77,9 @@ protected:
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
 private:
-    bool key(QObject* receiver, QKeyEvent& event);  // true: handled
-    bool command(Frame& frame, int shortcut);       // a menu's shortcut, this window's or the main window's
+    bool key(QObject* receiver, QKeyEvent& event);   // true: handled
+    bool typeAhead(Frame& frame, QKeyEvent& event);  // a key for the window that is about to get the focus
+    bool command(Frame& frame, int shortcut);        // a menu's shortcut, this window's or the main window's
     bool openMainMenu(Frame& frame, QKeyEvent& event);  // Alt and the letter of a menu of the main window
     void bringUp(Frame& frame);
     void noteLatest(Frame& frame);
