@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The widgets of controls, a Peer for each kind, in this order: lists and combo boxes, labels, push buttons, bitmap
+// buttons, check boxes and radio buttons, groups, scroll bars, progress bars. At the end stands the table from a type to
+// its Peer. Grids are in gridpeer, shapes, icons and images in picturepeer, edits and edit windows in textpeers.
 #include "platform/qt/controls/widgets.h"
 
 #include "platform/qt/controls/gridpeer.h"
@@ -328,9 +332,9 @@ private:
 };
 
 // A picture to press. On a toolbar it is flat and its caption only names it.
-class PicturePeer : public Peer {
+class BitmapButtonPeer : public Peer {
 public:
-    PicturePeer(Control& control, QToolButton& button, bool flat)
+    BitmapButtonPeer(Control& control, QToolButton& button, bool flat)
         : Peer(control, button), button_(button), flat_(flat) {
         button.setAutoRaise(flat);
         button.setFocusPolicy(flat ? Qt::TabFocus : Qt::StrongFocus);
@@ -505,7 +509,7 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
         [[fallthrough]];
     case Type::Listbox: return new RowsPeer(control, *new RowsView(parent));
     case Type::Pushbutton: return new PushPeer(control, *new QPushButton(parent));
-    case Type::Bitmapbutton: return new PicturePeer(control, *new QToolButton(parent), flat);
+    case Type::Bitmapbutton: return new BitmapButtonPeer(control, *new QToolButton(parent), flat);
     case Type::Checkbox: return new CheckPeer(control, *new QCheckBox(parent));
     case Type::Radiobutton: return new RadioPeer(control, *new QRadioButton(parent));
     case Type::Groupbox: return new GroupPeer(control, *new QGroupBox(parent));
