@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The program: without a display it says so and ends; else the environment runs in the frame that catches faults.
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
 #include "os/process.h"

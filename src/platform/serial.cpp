@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The serial port under the names of the operations (operations/serial.h), over os/serial.h: which ports are open, and
+// how the failures of the device become codes.
 #include "platform/operations/serial.h"
 
 #include "os/serial.h"

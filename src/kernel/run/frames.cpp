@@ -5,6 +5,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
 #include "os/files.h"
+#include "os/text/ascii.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -43,9 +44,7 @@ FrameRecord& frameAt(std::int32_t count) {
 }
 
 void lowerCase(char* text) {
-    for (; *text != 0; ++text) {
-        if (*text >= 'A' && *text <= 'Z') *text = static_cast<char>(*text - 'A' + 'a');
-    }
+    for (; *text != 0; ++text) *text = ascii::lower(*text);
 }
 
 void pushFrame(const char* className, const char* functionName, std::int32_t line) {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The plain text of an edit control, for windows without a view that has an editor of its own.
 #include "platform/model/model.h"
 
 #include <algorithm>
