@@ -343,6 +343,58 @@ int32_t tarn_date_parse(const tarn_string* text, tarn_string* result); /* 1 when
 void tarn_date_now(tarn_string* text);
 void tarn_file_time_text(const tarn_string* path, tarn_string* text); /* "" for no file */
 
+/* ---- what the text of the language becomes ---- */
+
+extern char* tarn_heap_base; /* a value's data is at this address plus its offset */
+
+/* A value of this shape that nobody else has: what stands for an element that is not there. Each lives until
+ * 64 others have been asked for. `like` may be null for the kinds 1 to 5. */
+void* tarn_scratch(int32_t kind, const void* like);
+/* The element, or a scratch value with the error set: 602 or 603, and what else the kernel finds wrong. */
+void* tarn_array_element(tarn_array* a, int32_t dimensions, int32_t i, int32_t j, int32_t k);
+void* tarn_list_element(tarn_list* l, int32_t position);
+int32_t tarn_enum_check(int32_t ordinal, int32_t count); /* 682, and 0, outside 0 to count - 1 */
+void tarn_string_append(tarn_string* dest, const tarn_string* part); /* `part` may be `dest` */
+/* Gives the line that begins at the position, without its end, and moves the position behind it. 0 at the end
+ * of the text. A line feed ends a line, with a carriage return before it or without. */
+int32_t tarn_text_next_line(const tarn_string* text, int32_t* position, tarn_string* line);
+
+/* The operations above with the arguments in the order of the language. */
+int32_t tarn_sys_array_length(const tarn_array* a); /* elements of all dimensions */
+int32_t tarn_sys_lbound(const tarn_array* a);
+int32_t tarn_sys_ubound(const tarn_array* a);
+void tarn_sys_redim(tarn_array* a, int32_t lower, int32_t upper);
+void tarn_sys_redim_preserve(tarn_array* a, int32_t lower, int32_t upper, int32_t preserve);
+void tarn_sys_redim2(tarn_array* a, int32_t lower, int32_t upper, int32_t lower2, int32_t upper2);
+void tarn_sys_set_include(tarn_set* s, int32_t member);
+void tarn_sys_set_exclude(tarn_set* s, int32_t member);
+int32_t tarn_sys_set_count(const tarn_set* s);
+void tarn_sys_list_add(tarn_list* l, const void* value, int32_t kind);
+void tarn_sys_list_insert(tarn_list* l, int32_t position, const tarn_string* text);
+void tarn_sys_list_delete(tarn_list* l, int32_t position);
+void tarn_sys_list_delete_some(tarn_list* l, int32_t position, int32_t count);
+void tarn_sys_list_sort(tarn_list* l); /* ascending, minding case */
+void tarn_sys_list_sort_by(tarn_list* l, int32_t ascending, int32_t ignore_case);
+int32_t tarn_sys_list_find(const tarn_list* l, const tarn_string* text); /* minding case */
+/* A table's row is handed over with its kind, which must be that of records (611). Without an index: the first
+ * one that the key fits (636). */
+void tarn_sys_tab_add(tarn_table* t, const void* row, int32_t kind);
+void tarn_sys_tab_read(const tarn_table* t, const tarn_record* key, void* row, int32_t kind);
+void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* row, int32_t kind, int32_t index);
+uint8_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
+                          int32_t kind);
+uint8_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
+                             int32_t kind, int32_t index);
+void tarn_sys_tab_update(tarn_table* t, const tarn_record* key, const void* row, int32_t kind);
+void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* row, int32_t kind, int32_t index);
+void tarn_sys_tab_delete(tarn_table* t, const tarn_record* key);
+void tarn_sys_tab_delete_by(tarn_table* t, const tarn_record* key, int32_t index);
+void tarn_sys_tab_row(const tarn_table* t, int32_t number, void* row, int32_t kind);
+void tarn_sys_open_list(tarn_list* l, const tarn_string* path);
+void tarn_sys_open_table(tarn_table* t, const tarn_string* path);
+void tarn_sys_close_list(tarn_list* l);
+void tarn_sys_close_table(tarn_table* t);
+
 /* ---- the library as compiled programs see it: SYSTEM functions, each with the line of its caller ----
  * An argument that the language declares `out` or `inout` is a pointer; strings are always pointers. */
 
@@ -374,6 +426,38 @@ void tarn_sys_arguments(tarn_string* result); /* the program's arguments, separa
 void tarn_sys_errormessage(int32_t code, tarn_string* result);
 void tarn_sys_errordetails(tarn_string* result); /* the whole text of a report */
 void tarn_sys_print(const tarn_string* text);    /* a line to standard output */
+
+
+void tarn_sys_msgbox_ok(const tarn_string* title, const tarn_string* text);
+void tarn_sys_assert(int32_t condition); /* 687 */
+int32_t tarn_sys_ord_enum(uint8_t value);
+int32_t tarn_sys_strfind_plain(const tarn_string* text, const tarn_string* what); /* minds case */
+void tarn_sys_str_enum(uint8_t value, tarn_string* result);
+void tarn_sys_str_fixed(int64_t value, tarn_string* result);
+void tarn_sys_str_real(double value, tarn_string* result);
+void tarn_sys_str_set(const tarn_set* value, tarn_string* result);
+void tarn_sys_str_integer_width(int32_t value, int32_t width, tarn_string* result);
+void tarn_sys_str_fixed_format(int64_t value, int64_t format, tarn_string* result);
+void tarn_sys_str_real_format(double value, int64_t format, tarn_string* result);
+int32_t tarn_sys_cvti_fixed(int64_t value); /* towards 0; 641 and 0 outside the integers, also below */
+int32_t tarn_sys_cvti_real(double value);
+int64_t tarn_sys_cvtf(const tarn_string* text); /* 984 and 0 for no fixed number */
+int64_t tarn_fixed_from_integer_call(int32_t value);
+double tarn_sys_cvtr(const tarn_string* text); /* 985 and 0 for no real number */
+int32_t tarn_sys_abs_integer(int32_t value);
+int64_t tarn_sys_abs_fixed(int64_t value);
+double tarn_sys_abs_real(double value);
+int64_t tarn_sys_sqr_fixed(int64_t value); /* the square root; 0 below 0, with 641 */
+double tarn_sys_sqr_real(double value);
+double tarn_sys_pwr(double base, double exponent);
+int32_t tarn_sys_random(int32_t most);
+int32_t tarn_sys_minval(int32_t a, int32_t b);
+int32_t tarn_sys_maxval(int32_t a, int32_t b);
+int32_t tarn_sys_iif_integer(uint8_t condition, int32_t a, int32_t b);
+int64_t tarn_sys_iif_fixed(uint8_t condition, int64_t a, int64_t b);
+double tarn_sys_iif_real(uint8_t condition, double a, double b);
+uint8_t tarn_sys_iif_boolean(uint8_t condition, uint8_t a, uint8_t b);
+void tarn_sys_iif_string(uint8_t condition, const tarn_string* a, const tarn_string* b, tarn_string* result);
 
 #ifdef __cplusplus
 }

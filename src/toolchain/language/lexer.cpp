@@ -4,7 +4,9 @@
 #include "os/text/ascii.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace tarn::toolchain {
 namespace {
@@ -14,8 +16,24 @@ bool isForeign(char c) {
 }
 
 // Longest first.
-constexpr std::array<std::string_view, 18> Symbols = {":=", "<>", "<=", ">=", "=>", "(", ")", "[", "]",
-                                                      ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*"};
+constexpr auto Symbols = std::to_array<std::string_view>(
+    {":=", "<>", "<=", ">=", "=>", "..", "(", ")", "[", "]", "{", "}",
+     ",",  ".",  ":",  "=",  "<",  ">",  "+", "-", "*", "/"});
+
+// Spellings of other languages, and what is written here. Longest first.
+struct Foreign {
+    std::string_view text, here;
+    Word word;
+};
+constexpr auto ForeignSymbols = std::to_array<Foreign>({
+    {"!=", "<>", Word::None},
+    {"==", "=", Word::None},
+    {"&&", "and", Word::And},
+    {"||", "or", Word::Or},
+    {"%", "mod", Word::Mod},
+    {"!", "not", Word::Not},
+});
+constexpr int FixedDecimals = 4;
 
 // Some editors put it in front of UTF-8; it is no part of the text.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
@@ -43,11 +61,19 @@ private:
             } else if (source_.substr(position_, 2) == "//") {
                 while (position_ < source_.size() && source_[position_] != '\n') ++position_;
                 continue;
+            } else if (c == ';') {
+                semicolon();
             } else if (c != ' ' && c != '\t' && c != '\r') {
                 return;
             }
             ++position_;
         }
+    }
+
+    // Who ends statements so does it on every line: it is told once.
+    void semicolon() {
+        if (!semicolonTold_) messages_.add(file_, line_, Problem::Foreign, {";", "nothing: a line or a blank is enough"});
+        semicolonTold_ = true;
     }
 
     Token token(TokenKind kind, std::size_t begin) {
@@ -65,6 +91,9 @@ private:
         if (ascii::isLetter(c)) return name();
         if (ascii::isDigit(c)) return number();
         if (c == '"') return string();
+        for (const Foreign& foreign : ForeignSymbols)
+            if (source_.substr(position_, foreign.text.size()) == foreign.text) return foreignSymbol(foreign);
+        if (c == '\'' && closesOnLine('\'')) return foreignString();
         for (const std::string_view symbol : Symbols) {
             if (source_.substr(position_, symbol.size()) != symbol) continue;
             const std::size_t begin = position_;
@@ -86,8 +115,92 @@ private:
         return result;
     }
 
+    Token foreignSymbol(const Foreign& foreign) {
+        const std::size_t begin = position_;
+        position_ += foreign.text.size();
+        messages_.add(file_, line_, Problem::Foreign, {foreign.text, "'" + std::string(foreign.here) + "'"});
+        Token result = token(foreign.word == Word::None ? TokenKind::Symbol : TokenKind::Word, begin);
+        result.word = foreign.word;
+        result.text = foreign.here;
+        return result;
+    }
+
+    bool closesOnLine(char quote) const {
+        const std::size_t end = source_.find_first_of(std::string{quote, '\n'}, position_ + 1);
+        return end != std::string_view::npos && source_[end] == quote;
+    }
+    Token foreignString() {
+        const std::size_t begin = position_;
+        position_ = source_.find('\'', begin + 1) + 1;
+        messages_.add(file_, line_, Problem::Foreign, {"'", "double quotes around a text"});
+        return token(TokenKind::String, begin);
+    }
+
+    void digits() {
+        while (position_ < source_.size() && ascii::isDigit(source_[position_])) ++position_;
+    }
+    char at(std::size_t place) const { return place < source_.size() ? source_[place] : '\0'; }
+
+    // A point with digits behind it, or an exponent.
+    bool isFraction() const { return at(position_) == '.' && ascii::isDigit(at(position_ + 1)); }
+    bool isExponent() const {
+        if (at(position_) != 'E' && at(position_) != 'e') return false;
+        const std::size_t sign = at(position_ + 1) == '+' || at(position_ + 1) == '-' ? 1 : 0;
+        return ascii::isDigit(at(position_ + 1 + sign));
+    }
+
     Token number() {
         const std::size_t begin = position_;
+        digits();
+        const std::size_t point = position_;
+        if (isFraction()) {
+            ++position_;
+            digits();
+        }
+        if (isExponent()) return real(begin);
+        if (position_ > point && !ascii::isSymbol(at(position_))) return fixed(begin, point);
+        return integer(begin);
+    }
+
+    Token real(std::size_t begin) {
+        position_ += 2;
+        digits();
+        Token result = token(TokenKind::Real, begin);
+        result.real = std::strtod(std::string(result.text).c_str(), nullptr);
+        if (ascii::isSymbol(at(position_))) return badNumber(begin);
+        if (std::isinf(result.real)) messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "a real number"});
+        return result;
+    }
+
+    Token fixed(std::size_t begin, std::size_t point) {
+        Token result = token(TokenKind::Fixed, begin);
+        const std::string_view decimals = result.text.substr(point - begin + 1);
+        if (decimals.size() > FixedDecimals) {
+            messages_.add(file_, line_, Problem::FixedDecimals, {result.text});
+            return result;
+        }
+        std::int64_t number = 0;
+        std::string all(result.text.substr(0, point - begin));
+        all.append(decimals).append(FixedDecimals - decimals.size(), '0');
+        for (const char c : all) {
+            if (number > (INT64_MAX - (c - '0')) / 10) {
+                messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "a fixed number"});
+                return result;
+            }
+            number = number * 10 + (c - '0');
+        }
+        result.number = number;
+        return result;
+    }
+
+    Token badNumber(std::size_t begin) {
+        while (ascii::isSymbol(at(position_))) ++position_;
+        messages_.add(file_, line_, Problem::BadNumber, {source_.substr(begin, position_ - begin)});
+        return token(TokenKind::Integer, begin);
+    }
+
+    Token integer(std::size_t begin) {
+        position_ = begin;
         while (position_ < source_.size() && ascii::isSymbol(source_[position_])) ++position_;
         Token result = token(TokenKind::Integer, begin);
         std::string_view digits = result.text;
@@ -114,7 +227,7 @@ private:
             large = large || result.number > most;
             if (large) result.number = 0;
         }
-        if (large) messages_.add(file_, line_, Problem::NumberTooLarge, {result.text});
+        if (large) messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "an integer"});
         if (hex && result.number > 0x7FFFFFFFLL) result.number -= 0x100000000LL;
     }
 
@@ -174,7 +287,7 @@ private:
     Messages& messages_;
     std::size_t position_ = 0;
     int line_ = 1;
-    bool first_ = true;
+    bool first_ = true, semicolonTold_ = false;
 };
 
 }  // namespace

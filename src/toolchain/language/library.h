@@ -1,30 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library functions that a class sees without naming them: a table of their forms, each with the name of
-// the C function behind it. A string result is the last argument of that C function.
+// The library that every class sees without naming it: the class `system`, whose text (system.cls) is built
+// into the compiler. Its functions are C functions of the run-time; the heads in its text are all that the
+// compiler knows of them.
 #pragma once
 
 #include "toolchain/language/tree.h"
 
-#include <string>
-#include <vector>
+#include <string_view>
 
 namespace tarn::toolchain {
 
-struct LibraryParameter {
-    Type type;
-    Mode mode = Mode::In;
-};
+extern const std::string_view SystemText;
 
-struct LibraryFunction {
-    const char* name;  // folded
-    const char* cName;
-    Type result;
-    std::vector<LibraryParameter> parameters;
-};
-
-// The forms of a function; empty if there is none of that name.
-std::vector<const LibraryFunction*> findLibraryForms(const std::string& foldedName);
-const std::vector<LibraryFunction>& libraryFunctions();
+// Read once, its types resolved.
+ClassTree& systemClass();
+bool isSystem(const ClassTree& tree);
+// A type of the library by its name; it is there.
+const Type* systemType(const char* name);
 
 }  // namespace tarn::toolchain

@@ -3,24 +3,9 @@
 
 namespace tarn::toolchain {
 
-const char* typeName(Type type) {
-    switch (type) {
-    case Type::Boolean: return "boolean";
-    case Type::Integer: return "integer";
-    case Type::String: return "string";
-    case Type::None: return "call without a value";
-    case Type::Unknown: break;
-    }
-    return "value";
-}
-
-std::string typePhrase(Type type) {
-    return (type == Type::Integer ? "an " : "a ") + std::string(typeName(type));
-}
-
 const char* operatorText(Operator op) {
-    static constexpr const char* Texts[] = {"+", "-",  "*", "div", "mod", "and", "or",
-                                            "=", "<>", "<", "<=",  ">",   ">="};
+    static constexpr const char* Texts[] = {"+",  "-", "*",  "/", "div", "mod", "and", "or",
+                                            "=", "<>", "<", "<=", ">",  ">=",  "in"};
     return Texts[static_cast<int>(op)];
 }
 
@@ -30,6 +15,7 @@ const char* declarationName(DeclarationKind kind) {
     case DeclarationKind::Type: return "a type";
     case DeclarationKind::Function: return "a function";
     case DeclarationKind::Parameter: return "a parameter of mode in";
+    case DeclarationKind::Window: return "a window or control";
     case DeclarationKind::ClassVariable:
     case DeclarationKind::Variable: break;
     }
@@ -39,6 +25,18 @@ const char* declarationName(DeclarationKind kind) {
 Declaration* findDeclaration(const ClassTree& tree, const std::string& foldedName) {
     const auto found = tree.names.find(foldedName);
     return found == tree.names.end() ? nullptr : found->second;
+}
+
+bool isStoredConstant(const Declaration& item) {
+    return item.kind == DeclarationKind::Constant && isComposite(item.type->kind) &&
+           item.type->kind != Kind::String;
+}
+
+const Declaration* findMain(const ClassTree& tree) {
+    for (const Declaration* item = findDeclaration(tree, "main"); item != nullptr; item = item->nextForm)
+        if (item->kind == DeclarationKind::Function && (item->function->parameters.empty() || item->function->isCallback))
+            return item;
+    return nullptr;
 }
 
 }  // namespace tarn::toolchain

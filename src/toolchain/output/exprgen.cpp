@@ -1,184 +1,195 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Lines, temporaries, scalars and chains of them.
 #include "toolchain/output/exprgen.h"
 
-#include "os/text/ascii.h"
-#include "toolchain/language/library.h"
-#include "toolchain/language/words.h"
 #include "toolchain/output/names.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarn::toolchain {
 namespace {
 
-// What a call may change while an earlier operand waits.
-enum Effects : unsigned {
-    None = 0,
-    ChangesShared = 1,  // class variables, and what parameters of mode out and inout stand for
-    ChangesLocals = 2,  // a variable is passed for it to be changed
-};
+constexpr std::size_t MostNested = 16;  // C operations in one another, which the C compiler must bear
 
-bool isShared(const Declaration& item) {
-    return item.kind == DeclarationKind::ClassVariable ||
-           (item.kind == DeclarationKind::Parameter && item.mode != Mode::In);
+// The operators as the run-time spells them.
+const char* relationName(Operator op) {
+    static constexpr const char* Names[] = {"EQ", "NE", "LT", "LE", "GT", "GE"};
+    return Names[static_cast<int>(op) - static_cast<int>(Operator::Eq)];
 }
 
-std::string literalNumber(std::int32_t number) {
-    return number == INT32_MIN ? "(-2147483647 - 1)" : std::to_string(number);
+std::string cRelation(Operator op) {
+    return op == Operator::Eq ? "==" : op == Operator::Ne ? "!=" : operatorText(op);
 }
-
-constexpr std::size_t MostJoined = 65536;  // characters of constants that become one literal
-constexpr std::size_t MostNested = 16;     // C operations in one another, which the C compiler must bear
 
 }  // namespace
+
+// ---- lines and temporaries ----
 
 std::string ExpressionGenerator::takeLines() {
     return std::exchange(lines_, {});
 }
 
 void ExpressionGenerator::line(const std::string& text) {
-    lines_.append(static_cast<std::size_t>(indent_ < 20 ? indent_ : 20) * 4, ' ').append(text).append("\n");
+    lines_.append(static_cast<std::size_t>(std::min(indent_, 20)) * 4, ' ').append(text).append("\n");
 }
 
 std::string ExpressionGenerator::newName() {
     return "n" + std::to_string(++names_);
 }
 
-std::string ExpressionGenerator::newTemporary() {
-    const std::string name = "&t[" + std::to_string(inUse_++) + "]";
-    if (inUse_ > most_) most_ = inUse_;
-    return name;
+void ExpressionGenerator::freeTemporaries() {
+    used_ = reserved_;
 }
 
-std::string ExpressionGenerator::place(const Declaration& item) {
-    if (item.kind == DeclarationKind::ClassVariable) {
-        shared_.foreign.insert(&item);
-        return (item.type.type == Type::String ? "&" : "") + itemSymbol(item);
+std::string ExpressionGenerator::rawTemporary(Kind kind) {
+    return newTemporary(plainType(kind));
+}
+
+std::string ExpressionGenerator::temporary(const Type* type) {
+    const Type* kept = type->kind == Kind::String ? plainType(Kind::String) : type;
+    const std::string address = newTemporary(kept);
+    if (kept->kind != Kind::String)
+        line("quarn_shape(" + address + ", " + shared_.shapes.pointerTo(kept) + ", " + cKind(kept->kind) + ");");
+    return address;
+}
+
+std::string ExpressionGenerator::newTemporary(const Type* kept) {
+    const auto [name, isNew] = temporaryNames_.emplace(kept, std::string());
+    if (isNew) name->second = kept->kind == Kind::String ? "t" : "x" + std::to_string(temporaryNames_.size());
+    const int number = used_[kept]++;
+    most_[kept] = std::max(most_[kept], used_[kept]);
+    return "&" + name->second + "[" + std::to_string(number) + "]";
+}
+
+std::string ExpressionGenerator::temporaryDefinitions() const {
+    std::string text;
+    for (const auto& [type, name] : temporaryNames_) {
+        const std::string count = std::to_string(most_.at(type));
+        text += "    " + cType(type->kind) + " " + name + "[" + count + "]";
+        if (type->kind == Kind::String)
+            text += ";\n    for (int i = 0; i < " + count + "; ++i)\n        tarn_string_init(&t[i], TARN_UNBOUNDED);\n";
+        else
+            text += " = {0};\n";
     }
-    const std::string name = "v_" + ascii::lowered(item.name);
-    const bool reference = item.kind == DeclarationKind::Parameter && item.mode != Mode::In;
-    if (item.type.type != Type::String) return reference ? "(*" + name + ")" : name;
-    const bool passed =
-        item.kind == DeclarationKind::Parameter && (reference || item.type.maxLength == Unbounded);
-    return passed ? name : "&" + name;
+    return text;
 }
 
-// ---- order of evaluation ----
-
-unsigned ExpressionGenerator::effects(const Expression& item) const {
-    unsigned result = None;
-    if (item.constant) return result;
-    for (const ExpressionPtr& operand : item.operands) result |= effects(*operand);
-    if (item.kind != ExpressionKind::Call) return result;
-    if (item.library == nullptr) {
-        result |= ChangesShared;
-        for (const auto& parameter : item.target->function->parameters)
-            if (parameter->mode != Mode::In) result |= ChangesLocals;
-        return result;
+std::string ExpressionGenerator::temporaryRelease() const {
+    std::string text;
+    for (const auto& [type, name] : temporaryNames_) {
+        const std::string count = std::to_string(most_.at(type));
+        text += "    for (int i = " + count + "; i-- > 0;)\n        ";
+        text += type->kind == Kind::String ? "tarn_string_free(&" + name + "[i]);\n"
+                                           : "tarn_adt_free(&" + name + "[i], " + cKind(type->kind) + ");\n";
     }
-    for (const LibraryParameter& parameter : item.library->parameters)
-        if (parameter.mode != Mode::In) result |= ChangesShared | ChangesLocals;
-    return result;
+    return text;
 }
 
-bool ExpressionGenerator::changes(const Expression& item, unsigned effects) const {
-    if (item.constant || item.kind != ExpressionKind::Name || item.isResult) return false;
-    const Declaration& target = *item.target;
-    if (isShared(target)) return effects != None;
-    return target.kind == DeclarationKind::Variable && (effects & ChangesLocals) != 0;
-}
+// ---- scalars ----
 
-std::string ExpressionGenerator::keptNumber(const Expression& item, unsigned later) {
-    std::string value = number(item);
-    if (item.constant || later == None) return value;
+std::string ExpressionGenerator::keptScalar(const Expression& item, unsigned later) {
+    std::string value = scalar(item);
+    if (item.constant || later == NoEffects) return value;
     const std::string name = newName();
-    line("const int32_t " + name + " = " + value + ";");
+    line("const " + cType(item.type->kind) + " " + name + " = " + value + ";");
     return name;
 }
 
-std::string ExpressionGenerator::numberBefore(const Expression& item, const Expression& later) {
-    return keptNumber(item, effects(later));
-}
-
-std::string ExpressionGenerator::keptText(const Expression& item, unsigned later) {
-    std::string value = text(item);
-    if (!changes(item, later)) return value;
-    const std::string copy = newTemporary();
-    line("tarn_string_assign(" + copy + ", " + value + ");");
-    return copy;
-}
-
-// ---- values ----
-
-std::string ExpressionGenerator::number(const Expression& item) {
-    if (item.constant) return literalNumber(item.constant->number);
+std::string ExpressionGenerator::scalar(const Expression& item) {
+    if (item.constant) return cNumber(*item.constant);
     switch (item.kind) {
-    case ExpressionKind::Name: return item.isResult ? "r" : place(*item.target);
-    case ExpressionKind::Element: {
-        const std::string index = number(*item.operands[0]);
-        return "tarn_string_get(" + place(*item.target) + ", " + index + ")";
+    case ExpressionKind::Name:
+    case ExpressionKind::Field: return lvalue(item, NoEffects);
+    case ExpressionKind::Index:
+        if (item.operands[0]->type->kind != Kind::String) return lvalue(item, NoEffects);
+        {
+            const std::string text = keptAddress(*item.operands[0], effects(*item.operands[1]));
+            return "quarn_char(" + text + ", " + scalar(*item.operands[1]) + ")";
+        }
+    case ExpressionKind::Not: return "!" + scalar(*item.operands[0]);
+    case ExpressionKind::Negate: {
+        const std::string value = scalar(*item.operands[0]);
+        if (item.type->kind == Kind::Real) return "(-" + value + ")";
+        return std::string(item.type->kind == Kind::Fixed ? "tarn_fixed_neg(" : "tarn_integer_neg(") + value + ")";
     }
-    case ExpressionKind::Not: return "!" + number(*item.operands[0]);
-    case ExpressionKind::Negate: return "tarn_integer_neg(" + number(*item.operands[0]) + ")";
     case ExpressionKind::Call: {
         const std::string value = callText(item, {});
         const std::string name = newName();
-        line("const int32_t " + name + " = " + value + ";");
+        line("const " + cType(item.type->kind) + " " + name + " = " + value + ";");
+        flushPuts(0);
         return name;
     }
+    case ExpressionKind::Convert: return conversion(item);
     default: return chain(item);
     }
 }
 
-std::string ExpressionGenerator::text(const Expression& item) {
-    if (item.constant) return shared_.literals.pointerTo(item.constant->text);
-    if (item.kind == ExpressionKind::Name) return item.isResult ? "result" : place(*item.target);
-    const std::string destination = newTemporary();
-    textInto(item, destination);
-    return destination;
-}
-
-void ExpressionGenerator::textInto(const Expression& item, const std::string& destination) {
-    if (item.constant || item.kind == ExpressionKind::Name)
-        line("tarn_string_assign(" + destination + ", " + text(item) + ");");
-    else if (item.kind == ExpressionKind::Call)
-        line(callText(item, destination) + ";");
-    else
-        textChain(item, destination);
+std::string ExpressionGenerator::conversion(const Expression& item) {
+    const Expression& operand = *item.operands[0];
+    const std::string value = scalar(operand);
+    if (item.type->kind == Kind::Fixed) return "tarn_fixed_from_integer(" + value + ")";
+    return (operand.type->kind == Kind::Fixed ? "tarn_fixed_to_real(" : "(double)(") + value + ")";
 }
 
 // ---- chains ----
 
 std::string ExpressionGenerator::chain(const Expression& item) {
     const Operator op = item.operators[0];
+    if (op == Operator::In) return membership(item);
     if (op >= Operator::Eq) return comparison(item);
     if (op == Operator::And || op == Operator::Or) return truthChain(item);
     return numberChain(item);
 }
 
 std::string ExpressionGenerator::comparison(const Expression& item) {
-    const std::string op = item.operators[0] == Operator::Eq   ? "=="
-                           : item.operators[0] == Operator::Ne ? "!="
-                                                               : operatorText(item.operators[0]);
+    const Operator op = item.operators[0];
     const Expression& left = *item.operands[0];
     const Expression& right = *item.operands[1];
-    if (left.type != Type::String) {
-        const std::string first = keptNumber(left, effects(right));
-        return "(" + first + " " + op + " " + number(right) + ")";
+    const Kind kind = left.type->kind;
+    if (isScalar(kind)) {
+        const std::string first = keptScalar(left, effects(right));
+        return "(" + first + " " + cRelation(op) + " " + scalar(right) + ")";
     }
-    const std::string first = keptText(left, effects(right));
-    return "(tarn_string_compare(" + first + ", " + text(right) + ") " + op + " 0)";
+    const std::string first = keptAddress(left, effects(right));
+    const std::string operands = first + ", " + address(right);
+    if (kind == Kind::String) return "(tarn_string_compare(" + operands + ") " + cRelation(op) + " 0)";
+    if (kind == Kind::Set) return "tarn_set_compare(\"" + std::string(relationName(op)) + "\", " + operands + ")";
+    return "tarn_adt_compare(\"" + std::string(relationName(op)) + "\", " + operands + ", " + cKind(kind) + ")";
+}
+
+// A literal on the right is a row of comparisons; no set is made.
+std::string ExpressionGenerator::membership(const Expression& item) {
+    const Expression& right = *item.operands[1];
+    if (right.kind != ExpressionKind::Set) {
+        const std::string value = keptScalar(*item.operands[0], effects(right));
+        return "tarn_set_contains(" + value + ", " + address(right) + ")";
+    }
+    const std::string value = newName();
+    line("const int32_t " + value + " = " + scalar(*item.operands[0]) + ";");
+    std::string text;
+    for (std::size_t i = 0; i < right.operands.size(); i += 2) {
+        const Expression* last = right.operands[i + 1].get();
+        const unsigned later = effects(right);
+        const std::string from = keptScalar(*right.operands[i], later);
+        const std::string test = last == nullptr
+                                     ? value + " == " + from
+                                     : "(" + value + " >= " + from + " && " + value + " <= " + keptScalar(*last, later) + ")";
+        text += (text.empty() ? "" : " || ") + test;
+    }
+    return text.empty() ? "0" : "(" + text + ")";
 }
 
 // An operand whose calls need statements is computed in a block of its own, which is entered only if it
 // counts.
 std::string ExpressionGenerator::truthChain(const Expression& item) {
     const bool isAnd = item.operators[0] == Operator::And;
-    std::string value = number(*item.operands[0]);
+    std::string value = scalar(*item.operands[0]);
     for (std::size_t i = 1; i < item.operands.size(); ++i) {
         std::string before = takeLines();
         ++indent_;
-        const std::string next = number(*item.operands[i]);
+        const std::string next = scalar(*item.operands[i]);
         std::string made = takeLines();
         --indent_;
         lines_ = std::move(before);
@@ -197,92 +208,33 @@ std::string ExpressionGenerator::truthChain(const Expression& item) {
     return value;
 }
 
+namespace {
+
+std::string numberStep(Kind kind, Operator op, const std::string& left, const std::string& right) {
+    static constexpr const char* Names[] = {"add", "sub", "mul", "div", "div", "mod"};
+    const std::string operands = "(" + left + ", " + right + ")", name = Names[static_cast<int>(op)];
+    if (kind == Kind::Integer) return "tarn_integer_" + name + operands;
+    if (kind == Kind::Fixed) return "tarn_fixed_" + name + operands;
+    if (op == Operator::Divide) return "tarn_real_div" + operands;
+    return "(" + left + " " + operatorText(op) + " " + right + ")";
+}
+
+}  // namespace
+
 std::string ExpressionGenerator::numberChain(const Expression& item) {
-    static constexpr const char* Names[] = {"add", "sub", "mul", "div", "mod"};
-    std::vector<unsigned> later(item.operands.size(), None);
+    std::vector<unsigned> later(item.operands.size(), NoEffects);
     for (std::size_t i = item.operands.size() - 1; i-- > 0;)
         later[i] = later[i + 1] | effects(*item.operands[i + 1]);
-    std::string value = keptNumber(*item.operands[0], later[0]);
+    const Kind kind = item.operands[0]->type->kind;
+    std::string value = keptScalar(*item.operands[0], later[0]);
     for (std::size_t i = 1; i < item.operands.size(); ++i) {
-        const std::string right = number(*item.operands[i]);
-        value = std::string("tarn_integer_") + Names[static_cast<int>(item.operators[i - 1])] + "(" + value +
-                ", " + right + ")";
-        if (later[i] == None && i % MostNested != 0) continue;
+        value = numberStep(kind, item.operators[i - 1], value, scalar(*item.operands[i]));
+        if (later[i] == NoEffects && i % MostNested != 0) continue;
         const std::string name = newName();
-        line("const int32_t " + name + " = " + value + ";");
+        line("const " + cType(kind) + " " + name + " = " + value + ";");
         value = name;
     }
     return value;
-}
-
-void ExpressionGenerator::textChain(const Expression& item, const std::string& destination) {
-    std::string value;
-    const std::size_t count = item.operands.size();
-    std::string temporary;
-    for (std::size_t i = 0; i < count;) {
-        std::string constant, next;
-        const std::size_t begin = i;
-        for (; i < count && item.operands[i]->constant; ++i) {
-            const std::string& part = item.operands[i]->constant->text;
-            if (i > begin && constant.size() + part.size() > MostJoined) break;
-            constant += part;
-        }
-        if (i == begin) ++i;
-        const unsigned later = begin == 0 && i < count ? effects(*item.operands[i]) : None;
-        next = item.operands[begin]->constant ? shared_.literals.pointerTo(constant)
-                                              : keptText(*item.operands[begin], later);
-        if (begin == 0) {
-            value = next;
-            continue;
-        }
-        // Only the last step may touch the destination, which can be an operand.
-        if (i < count && temporary.empty()) temporary = newTemporary();
-        const std::string& into = i < count ? temporary : destination;
-        line("tarn_string_concat(" + value + ", " + next + ", " + into + ");");
-        value = into;
-    }
-}
-
-// ---- calls ----
-
-void ExpressionGenerator::call(const Expression& item) {
-    line(callText(item, {}) + ";");
-}
-
-std::string ExpressionGenerator::argument(const Expression& item, std::size_t index, Mode mode,
-                                          unsigned later) {
-    const Expression& value = *item.operands[index];
-    if (mode != Mode::In) {
-        const std::string where = place(*value.target);
-        return value.type == Type::String ? where : "&" + where;
-    }
-    return value.type == Type::String ? keptText(value, later) : keptNumber(value, later);
-}
-
-// A string argument is read by the called function while it runs, so what the call itself changes counts too;
-// a number is copied when the call is made.
-std::string ExpressionGenerator::callText(const Expression& item, const std::string& result) {
-    const std::size_t count = item.operands.size();
-    unsigned own = None;
-    std::vector<Mode> modes;
-    for (std::size_t i = 0; i < count; ++i) {
-        modes.push_back(item.library != nullptr ? item.library->parameters[i].mode
-                                                : item.target->function->parameters[i]->mode);
-        if (modes.back() != Mode::In) own |= ChangesShared | ChangesLocals;
-    }
-    if (item.library == nullptr) own |= ChangesShared;
-    std::vector<unsigned> later(count + 1, None);
-    for (std::size_t i = count; i-- > 0;) later[i] = later[i + 1] | effects(*item.operands[i]);
-
-    std::string arguments;
-    for (std::size_t i = 0; i < count; ++i) {
-        const unsigned kept = later[i + 1] | (item.operands[i]->type == Type::String ? own : None);
-        arguments += (i == 0 ? "" : ", ") + argument(item, i, modes[i], kept);
-    }
-    if (!result.empty()) arguments += (count == 0 ? "" : ", ") + result;
-    if (item.library == nullptr) shared_.foreign.insert(item.target);
-    const std::string name = item.library != nullptr ? item.library->cName : itemSymbol(*item.target);
-    return name + "(" + arguments + ")";
 }
 
 }  // namespace tarn::toolchain

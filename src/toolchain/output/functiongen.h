@@ -6,6 +6,7 @@
 #include "toolchain/language/tree.h"
 #include "toolchain/output/generator.h"
 #include "toolchain/output/literals.h"
+#include "toolchain/output/shapes.h"
 
 #include <set>
 #include <string>
@@ -16,14 +17,16 @@ namespace tarn::toolchain {
 // What the functions of one class file share.
 struct Shared {
     Literals literals;
-    std::set<const Declaration*> foreign;  // items of other classes that are named
+    Shapes shapes;
+    std::set<const Declaration*> foreign;  // functions and variables that are named, in any class
     std::vector<bool> codeLines;
 };
 
-const char* cType(Type type);
+void markCodeLine(Shared& shared, int line);
 std::string functionHead(const Declaration& item);
+std::string externalHead(const Declaration& item);  // of a library function
 std::string generateFunction(const Declaration& item, const GeneratorOptions& options, Shared& shared);
-// The statements that give class variables their initial values, in a frame of their own.
+// The statements that give class variables and stored constants their initial values, in a frame of their own.
 std::string generateInitialValues(const ClassTree& tree, Shared& shared);
 
 }  // namespace tarn::toolchain

@@ -23,18 +23,17 @@ public:
         for (const auto& item : tree_.declarations)
             if (item->kind == DeclarationKind::Function)
                 bodies_ += generateFunction(*item, options_, shared_);
-        const std::string start = startFunction();
+        const std::string start = startFunction(), setup = setupFunction(), finish = finishFunction();
         Generated result;
-        result.text = head() + variables() + prototypes() + shared_.literals.definition() + bodies_ +
-                      setupFunction() + start + finishFunction() + programRecord();
+        result.text = head() + variables() + prototypes() + shared_.literals.definition() +
+                      shared_.shapes.definitions() + bodies_ + setup + start + finish + programRecord();
         result.codeLines = std::move(shared_.codeLines);
         return result;
     }
 
 private:
     std::string head() const {
-        return "/* Made from a class of the language; changes are lost. */\n" + std::string(InterfaceText) +
-               std::string(PreludeText) + "#define H " + handler() + "\nstatic void " + OnerrorSymbol +
+        return "/* Made from a class of the language; changes are lost. */\n" + std::string(CoreText) + "#define H " + handler() + "\nstatic void " + OnerrorSymbol +
                "(int32_t code);\n";
     }
 
@@ -42,13 +41,15 @@ private:
         return findDeclaration(tree_, "onerror") != nullptr ? OnerrorSymbol : "tarn_default_onerror";
     }
 
-    bool isVariable(const Declaration& item) const { return item.kind == DeclarationKind::ClassVariable; }
+    static bool isVariable(const Declaration& item) {
+        return item.kind == DeclarationKind::ClassVariable || isStoredConstant(item);
+    }
 
     std::string variables() const {
         std::string result;
         for (const auto& item : tree_.declarations)
             if (isVariable(*item))
-                result += std::string(item->isPublic ? "" : "static ") + cType(item->type.type) + " " +
+                result += std::string(item->isPublic ? "" : "static ") + cType(item->type->kind) + " " +
                           itemSymbol(*item) + ";\n";
         return result;
     }
@@ -58,11 +59,13 @@ private:
         for (const auto& item : tree_.declarations)
             if (item->kind == DeclarationKind::Function && !item->function->isOnerror)
                 result += functionHead(*item) + ";\n";
-        for (const Declaration* item : shared_.foreign)
-            if (item->owner != &tree_)
-                result += isVariable(*item) ? "extern " + std::string(cType(item->type.type)) + " " +
-                                                  itemSymbol(*item) + ";\n"
-                                            : functionHead(*item) + ";\n";
+        for (const Declaration* item : shared_.foreign) {
+            if (item->owner == &tree_) continue;
+            if (isVariable(*item))
+                result += "extern " + cType(item->type->kind) + " " + itemSymbol(*item) + ";\n";
+            else
+                result += (item->function->external.empty() ? functionHead(*item) : externalHead(*item)) + ";\n";
+        }
         return result;
     }
 
@@ -85,14 +88,14 @@ private:
 
     // Literals and variables of all classes exist before the first initial value is computed, so that classes
     // that use each other find them.
-    std::string setupFunction() const {
-        std::string result = stepHead("setup") + step("setup") + shared_.literals.initialisation();
+    std::string setupFunction() {
+        std::string values;
         for (const auto& item : tree_.declarations)
-            if (isVariable(*item) && item->type.type == Type::String)
-                result += "    tarn_string_init(&" + itemSymbol(*item) + ", " +
-                          std::to_string(item->type.maxLength) + ");\n";
-        return result + "    tarn_register_class(" + cString(tree_.path) + ", " + cString(tree_.name) +
-               ");\n}\n";
+            if (isVariable(*item) && !isScalar(item->type->kind))
+                values += "    " + shared_.shapes.initialise("&" + itemSymbol(*item), item->type) + "\n";
+        return stepHead("setup") + step("setup") + shared_.literals.initialisation() +
+               shared_.shapes.initialisation() + values + "    tarn_register_class(" + cString(tree_.path) + ", " +
+               cString(tree_.name) + ");\n}\n";
     }
 
     std::string startFunction() {
@@ -102,9 +105,9 @@ private:
     std::string finishFunction() const {
         std::string result = stepHead("finish");
         for (auto item = tree_.declarations.rbegin(); item != tree_.declarations.rend(); ++item)
-            if (isVariable(**item) && (*item)->type.type == Type::String)
-                result += "    tarn_string_free(&" + itemSymbol(**item) + ");\n";
-        return result + shared_.literals.release() + step("finish") + "}\n";
+            if (isVariable(**item) && !isScalar((*item)->type->kind))
+                result += "    tarn_adt_free(&" + itemSymbol(**item) + ", " + cKind((*item)->type->kind) + ");\n";
+        return result + shared_.shapes.release() + shared_.literals.release() + step("finish") + "}\n";
     }
 
     std::string programRecord() const {
@@ -114,7 +117,7 @@ private:
                "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
                classSymbol(tree_.name, "program") + " = {" + cString(std::string(ProductVersion)) + ", " +
                cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
-               ", " + itemSymbol(*findDeclaration(tree_, "main")) + ", " + classSymbol(tree_.name, "finish") +
+               ", " + itemSymbol(*findMain(tree_)) + ", " + classSymbol(tree_.name, "finish") +
                "};\n";
     }
 
@@ -127,8 +130,7 @@ private:
 }  // namespace
 
 bool hasMain(const ClassTree& tree) {
-    const Declaration* item = findDeclaration(tree, "main");
-    return item != nullptr && item->kind == DeclarationKind::Function;
+    return findMain(tree) != nullptr;
 }
 
 Generated generateC(const ClassTree& tree, const GeneratorOptions& options) {

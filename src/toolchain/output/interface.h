@@ -7,9 +7,7 @@
 
 namespace tarn::toolchain {
 
-extern const std::string_view
-    InterfaceText;  // the kernel's C interface, made by the build from kernel/api/api.h
-extern const std::string_view PreludeText;  // short forms of library functions
+extern const std::string_view CoreText;  // core.h, built in
 
 inline constexpr const char* OnerrorSymbol = "onerror";
 

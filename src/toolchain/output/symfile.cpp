@@ -18,10 +18,10 @@ Symbol symbolOf(const Declaration& item, const char* sort, int scope) {
     symbol.impline = item.function ? item.function->bodyLine : item.line;
     symbol.useline = item.useLine;
     symbol.classname = item.owner->name;
-    const TypeRef& type = item.function ? item.function->result : item.type;
-    if (type.type != Type::None) symbol.typeName = typeName(type.type);
-    if (type.maxLength != Unbounded) symbol.lb1 = type.maxLength;
-    if (item.value && item.value->type != Type::String) symbol.constvalue = item.value->number;
+    const Type& type = *(item.function ? item.function->result : item.type);
+    if (type.kind != Kind::None) symbol.typeName = kindName(type.kind);
+    if (type.length != Unbounded) symbol.lb1 = type.length;
+    if (item.value && item.value->kind != Kind::String) symbol.constvalue = static_cast<std::int32_t>(item.value->number);
     return symbol;
 }
 
@@ -97,8 +97,9 @@ std::vector<Symbol> symbolsOf(const ClassTree& tree) {
     self.decline = self.impline = tree.line;
     symbols.push_back(self);
     for (const auto& item : tree.declarations) {
-        static constexpr std::array<const char*, 6> Sorts = {"const",    "type",     "variable",
-                                                             "variable", "variable", "function"};
+        static constexpr std::array<const char*, 7> Sorts = {"const",    "type",     "variable",
+                                                             "variable", "variable", "function",
+                                                             "visualobject"};
         symbols.push_back(
             symbolOf(*item, Sorts[static_cast<std::size_t>(item->kind)], item->isPublic ? 1 : 2));
         if (item->function) addLocals(*item, symbols);
