@@ -18,6 +18,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -236,6 +237,7 @@ StartError check(const StartRequest& request) {
     if (std::any_of(request.arguments.begin(), request.arguments.end(), holdsZero))
         return StartError::BadArguments;
     if (holdsZero(request.outputFile)) return StartError::BadOutput;
+    if (holdsZero(request.inputFile)) return StartError::BadInput;
     // A folder that is missing would give the same error as a program that is missing.
     if (!request.folder.empty() && !infoOf(request.folder).folder) return StartError::NotFound;
     return StartError::None;
@@ -248,16 +250,30 @@ void hearOfChildren() {
     if (action.sa_handler == SIG_IGN) std::signal(SIGCHLD, SIG_DFL);
 }
 
+// Files are opened without waiting; the program expects to wait where the file makes it wait.
+void waits(int file, int mode) {
+    ::fcntl(file, F_SETFL, mode);
+}
+
+// Opening a folder for reading works, and reading from it does not.
+bool isReadable(int file) {
+    struct stat status {};
+    return file >= 0 && ::fstat(file, &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
 StartError spawn(const StartRequest& request, pid_t& pid) {
     if (const StartError error = check(request); error != StartError::None) return error;
     Preparation preparation(request.ownGroup);
-    const File input("/dev/null", O_RDONLY);
-    if (input.number() >= 0) preparation.input(input.number());
+    const File input(request.inputFile.empty() ? "/dev/null" : request.inputFile, O_RDONLY | O_NONBLOCK);
+    if (!request.inputFile.empty() && !isReadable(input.number())) return StartError::BadInput;
+    if (input.number() >= 0) {
+        waits(input.number(), O_RDONLY);
+        preparation.input(input.number());
+    }
     const File output(request.outputFile, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK);
     if (!request.outputFile.empty()) {
         if (output.number() < 0) return StartError::BadOutput;
-        ::fcntl(output.number(), F_SETFL,
-                O_WRONLY);  // the program expects to wait where the file makes it wait
+        waits(output.number(), O_WRONLY);
         preparation.output(output.number());
     }
     if (!request.folder.empty()) preparation.folder(request.folder);
@@ -278,6 +294,7 @@ public:
         one.program = native(one.program);
         one.folder = native(one.folder);
         one.outputFile = native(one.outputFile);
+        one.inputFile = native(one.inputFile);
         pid_t pid = 0;
         error = spawn(one, pid);
         return error == StartError::None ? std::make_unique<RealChild>(pid, one.ownGroup) : nullptr;
@@ -297,6 +314,15 @@ Processes* useProcesses(Processes* processes) {
     Processes* const before = inForce;
     inForce = processes;
     return before;
+}
+
+bool waitForProcess(int id, int milliseconds) {
+    return waitUntil(milliseconds, [id] {
+        if (id <= 0 || (::kill(id, 0) < 0 && errno == ESRCH)) return true;
+        siginfo_t info{};  // an ended child is there until its object goes
+        return ::waitid(P_PID, static_cast<id_t>(id), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+               info.si_pid != 0;
+    });
 }
 
 std::vector<RunningProcess> runningProcesses() {

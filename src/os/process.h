@@ -17,6 +17,7 @@ enum class StartError {
     NoMemory,
     BadArguments,  // an argument list that is too long
     BadOutput,     // the file for the output cannot be written
+    BadInput,      // the file for the input cannot be read
     Other,
 };
 
@@ -27,6 +28,7 @@ struct StartRequest {
     std::string outputFile;  // standard output and error go there (made or emptied); empty: inherited
     // False: the child stays in this process's group, so that whoever stops this process stops it too.
     bool ownGroup = true;
+    std::string inputFile = {};  // standard input comes from there; empty: there is none
 };
 
 struct ExitState {
@@ -55,9 +57,8 @@ class Processes {
 public:
     virtual ~Processes() = default;
     // Null on failure, with the reason in `error`. The child leads a process group of its own (unless the
-    // request says otherwise), reads nothing
-    // (its standard input is empty) and inherits no open file but the standard ones, no signal mask and no
-    // ignored signal.
+    // request says otherwise), reads what the request says, else nothing, and inherits no open file but the
+    // standard ones, no signal mask and no ignored signal.
     virtual std::unique_ptr<Child> start(const StartRequest& request, StartError& error) = 0;
 };
 
@@ -70,6 +71,9 @@ struct RunningProcess {
 };
 // All processes of the machine that this user may see, by number. Cost: a file read for each.
 std::vector<RunningProcess> runningProcesses();
+// Waits at most that long until the process has ended, a child or another. True also for a number that is no
+// process's.
+bool waitForProcess(int id, int milliseconds);
 
 // Full path of this program as it was called (links not followed); where that cannot be told, with links
 // followed.

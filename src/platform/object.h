@@ -173,6 +173,13 @@ struct Process {
     std::string name;
 };
 
+// What the user sits before.
+struct Desktop {
+    int monitors = 0;  // 0: there is no screen, and nothing of the rest is known
+    Rect screen;       // the whole of the screen with the active window
+    int iconSize = 0;  // pixels of the side of a large icon
+};
+
 struct CommTimeouts {
     int read = 1000, write = 1000;  // milliseconds
 };

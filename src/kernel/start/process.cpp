@@ -11,6 +11,7 @@
 #include "os/instance.h"
 #include "os/paths.h"
 #include "os/process.h"
+#include "os/text/arguments.h"
 #include "os/text/ascii.h"
 
 #include <cstdlib>
@@ -79,13 +80,7 @@ std::string InstanceNameOf(std::string_view path) {
 }
 
 std::string JoinedArguments() {
-    std::string line;
-    for (const std::string& argument : os::commandLine()) {
-        const bool quotes = argument.empty() || argument.find_first_of(" \t\r\n") != std::string::npos;
-        if (!line.empty()) line += ' ';
-        line += quotes ? "\"" + argument + "\"" : argument;
-    }
-    return line;
+    return os::joinedArguments(os::commandLine());
 }
 
 void ProcessStart(bool memoryChecking) {

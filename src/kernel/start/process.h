@@ -31,8 +31,7 @@ std::string InstanceNameOf(std::string_view path);
 // A halt has begun: what is thrown now is no stray exception.
 bool ProcessIsEnding();
 
-// The arguments of the program, separated by blanks; those that are empty or hold blanks, tabs or line ends
-// stand in double quotes, so that the text can be split again.
+// The arguments of the program as one line, which can be split again; see os/text/arguments.h.
 std::string JoinedArguments();
 // The same as it was at ProcessStart; empty outside ProcessStart to ProcessStop.
 std::string_view CommandLineText();

@@ -14,6 +14,7 @@ namespace tarn {
 
 using platform::BoxIcon;
 using platform::CommTimeouts;
+using platform::Desktop;
 using platform::Font;
 using platform::Object;
 using platform::Picture;
@@ -67,12 +68,14 @@ using platform::ActiveWindow;
 using platform::ApplicationResources;
 using platform::commandText;
 using platform::ControlElement;
+using platform::DesktopInfo;
 using platform::DestroyAllWindows;
 using platform::FindControl;
 using platform::FindHandle;
 using platform::FindWindow;
 using platform::OpenUrl;
 using platform::PlaySound;
+using platform::PostMessage;
 using platform::QuitMainLoop;
 using platform::RegisterWindow;
 using platform::ScreenSize;

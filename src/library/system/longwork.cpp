@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/system/longwork.h"
 
-#include "library/system/system.h"
+#include "kernel/windows/windowing.h"
 #include "os/clock.h"
 
 #include <utility>
@@ -47,7 +47,7 @@ LongWork::~LongWork() {
 
 void LongWork::show(std::int64_t done, std::int64_t total) {
     std::string text = text_;
-    if (total > 0) text += " (" + STR(static_cast<int>(done * 100 / total)) + " %)";
+    if (total > 0) text += " (" + std::to_string(done * 100 / total) + " %)";
     if (text == seen_) return;
     ShowToolProgress(text);
     seen_ = text;

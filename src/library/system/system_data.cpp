@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Whole values of the language to and from files.
+#include "library/system/files.h"
+
+#include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
 #include "library/system/longwork.h"
 #include "library/system/savereport_internal.h"
-#include "library/system/system.h"
-
-#include "kernel/data/datafile.h"
-#include "kernel/run/errors.h"
 
 MODULE("system", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Running programs. A program is started with an argument list, never through a shell; " > file" behind the
-// arguments sends its output to that file. While a tool is waited for, events are handled every few
-// milliseconds, and the wait ends as soon as the tool does. After a second the user gets a Stop button.
-#include "library/system/system.h"
+// Running programs. While a tool is waited for, events are handled every few milliseconds, and the wait ends
+// as soon as the tool does. After a second the user gets a Stop button.
+#include "library/system/programs.h"
 
 #include "kernel/run/errors.h"
+#include "library/system/files.h"
+#include "library/system/programs_internal.h"
+#include "library/system/strings.h"
+#include "os/clock.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "os/text/ascii.h"
@@ -32,46 +35,45 @@ bool hasContent(const std::string& path) {
     return os::sizeOf(path) > 0;
 }
 
-// The arguments in front of an unquoted " > ", and the file behind it.
+// What a line says: the arguments, and behind them which file stands at each mark.
 struct CommandLine {
     std::vector<std::string> arguments;
-    bool redirected = false;
-    std::vector<std::string> outputFiles;  // just one in a good line
+    ExecFiles files;
+    bool good = true;  // each mark once, and just one file behind it
 };
+
+// The next '<' or '>' that stands alone outside of quotes, from `from` on; the end of the line if there is
+// none.
+std::size_t findMark(std::string_view line, std::size_t from) {
+    bool quoted = false;
+    for (std::size_t at = from; at < line.size(); ++at) {
+        if (line[at] == '"') quoted = !quoted;
+        if (quoted || (line[at] != '>' && line[at] != '<')) continue;
+        const bool alone = (at == 0 || ascii::isSpace(line[at - 1])) &&
+                           (at + 1 == line.size() || ascii::isSpace(line[at + 1]));
+        if (alone) return at;
+    }
+    return line.size();
+}
 
 CommandLine parseCommandLine(std::string_view line) {
     CommandLine command;
-    bool quoted = false;
-    std::size_t mark = 0;
-    for (; mark < line.size() && !command.redirected; ++mark) {
-        if (line[mark] == '"') quoted = !quoted;
-        const bool alone = (mark == 0 || ascii::isBlank(line[mark - 1])) &&
-                           (mark + 1 == line.size() || ascii::isBlank(line[mark + 1]));
-        command.redirected = !quoted && line[mark] == '>' && alone;
+    std::size_t mark = findMark(line, 0);
+    command.arguments = SPLITARGUMENTS(line.substr(0, mark));
+    while (mark < line.size()) {
+        const std::size_t next = findMark(line, mark + 1);
+        std::string& file = line[mark] == '>' ? command.files.output : command.files.input;
+        const std::vector<std::string> files = SPLITARGUMENTS(line.substr(mark + 1, next - mark - 1));
+        command.good = command.good && files.size() == 1 && !files.front().empty() && file.empty();
+        if (!files.empty()) file = files.front();
+        mark = next;
     }
-    if (command.redirected) command.outputFiles = SPLITARGUMENTS(line.substr(mark));
-    command.arguments = SPLITARGUMENTS(line.substr(0, command.redirected ? mark - 1 : mark));
     return command;
 }
 
 bool holdsNul(const std::vector<std::string>& texts) {
     return std::any_of(texts.begin(), texts.end(),
                        [](const std::string& text) { return text.find('\0') != std::string::npos; });
-}
-
-// The file to start: a tool with a folder is looked for there alone, another on PATH.
-std::string findProgram(const std::string& program) {
-    if (!FILEGETDIR(program).empty()) return FINDTOOL(program);
-    const std::string path = os::environment("PATH");
-    for (std::string_view rest = path; !rest.empty();) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        const std::string folder(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        if (folder.empty()) continue;
-        const std::string found = FINDTOOL(FILEADDSEPARATOR(folder) + program);
-        if (!found.empty()) return found;
-    }
-    return {};
 }
 
 // Whether the file begins as programs and scripts do.
@@ -100,38 +102,45 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
         return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
     case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
     case os::StartError::BadArguments: return ERR_EXEC_COMMAND_LINE;
-    case os::StartError::BadOutput: return ERR_EXEC_OUTPUT_FILE;
+    case os::StartError::BadOutput:
+    case os::StartError::BadInput: return ERR_EXEC_OUTPUT_FILE;
     case os::StartError::Other: break;
     }
     return ERR_EXEC_OTHER;
 }
 
-// Null, with the error cell set, if the program cannot be started.
-std::unique_ptr<os::Child> start(const std::string& program, const std::string& arguments,
-                                 const std::string& folder) {
-    CommandLine command = parseCommandLine(arguments);
-    if (!isProgramName(program) || holdsNul(command.arguments)) {
-        SetError(ERR_EXEC_COMMAND_LINE);
-        return nullptr;
-    }
-    if (command.redirected && (command.outputFiles.size() != 1 || holdsNul(command.outputFiles))) {
-        SetError(ERR_EXEC_OUTPUT_FILE);
-        return nullptr;
-    }
+bool isPath(const std::string& path) {
+    return path.size() < PATH_MAX && path.find('\0') == std::string::npos;
+}
+
+// 0, or the code of what no program can be started with.
+std::int32_t findFault(const std::string& program, const std::vector<std::string>& arguments,
+                       const std::string& folder, const ExecFiles& files) {
+    if (!isProgramName(program) || holdsNul(arguments)) return ERR_EXEC_COMMAND_LINE;
+    if (!isPath(folder) || !isPath(files.input) || !isPath(files.output)) return ERR_EXEC_OUTPUT_FILE;
+    return 0;
+}
+
+struct Started {
+    std::unique_ptr<os::Child> child;  // null, with the code, if the program was not started
+    std::int32_t code = 0;
+};
+
+Started start(const std::string& program, const std::vector<std::string>& arguments,
+              const std::string& folder, const ExecFiles& files) {
+    if (const std::int32_t fault = findFault(program, arguments, folder, files)) return {nullptr, fault};
     os::StartRequest request;
-    request.program = findProgram(program);
-    if (request.program.empty()) {
-        SetError(ERR_EXEC_NOT_FOUND);
-        return nullptr;
-    }
-    request.arguments = std::move(command.arguments);
+    request.program = detail::FindProgram(program);
+    if (request.program.empty()) return {nullptr, ERR_EXEC_NOT_FOUND};
+    request.arguments = arguments;
     request.folder = os::native(folder);
-    if (command.redirected) request.outputFile = os::native(command.outputFiles.front());
+    request.outputFile = os::native(files.output);
+    request.inputFile = os::native(files.input);
     os::StartError error = os::StartError::None;
     std::unique_ptr<os::Child> child = os::processes().start(request, error);
-    if (child == nullptr)
-        SetError(errorCode(error == os::StartError::None ? os::StartError::Other : error, request.program));
-    return child;
+    if (child != nullptr) return {std::move(child), 0};
+    return {nullptr,
+            errorCode(error == os::StartError::None ? os::StartError::Other : error, request.program)};
 }
 
 // Waits until the child has ended or the user has stopped it.
@@ -160,7 +169,7 @@ void waitForEnd(os::Child& child, const std::string& name, ExecResult& result, o
 // be learned about it.
 bool isIdle(int process) {
     std::string text;
-    const std::string file = "/proc/" + STR(process) + "/stat";
+    const std::string file = "/proc/" + std::to_string(process) + "/stat";
     if (os::readFile(file, text) != os::FileError::None) return true;
     const std::size_t name = text.rfind(')');
     return name == std::string::npos || name + 2 >= text.size() || text[name + 2] == 'S';
@@ -196,25 +205,77 @@ std::string FINDTOOL(const std::string& path) {
     return !FILEBASENAME(bare).empty() && hasContent(bare) ? bare : std::string();
 }
 
+std::string detail::FindProgram(const std::string& program) {
+    if (!FILEGETDIR(program).empty()) return FINDTOOL(program);
+    const std::string path = os::environment("PATH");
+    for (std::string_view rest = path; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        const std::string folder(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        if (folder.empty()) continue;
+        const std::string found = FINDTOOL(FILEADDSEPARATOR(folder) + program);
+        if (!found.empty()) return found;
+    }
+    return {};
+}
+
+bool detail::StartProgram(const std::string& program, const std::vector<std::string>& arguments) {
+    return start(program, arguments, {}, {}).child != nullptr;
+}
+
+ExecResult EXEC(const std::string& program, const std::string& arguments, int mode) {
+    FRAME(EXEC);
+    STAMP();
+    return EXEC(program, arguments, mode, std::string());
+}
+
 ExecResult EXEC(const std::string& program, const std::string& arguments, int mode,
                 const std::string& folder) {
     FRAME(EXEC);
+    const CommandLine command = parseCommandLine(arguments);
+    STAMP();
+    if (isProgramName(program) && !holdsNul(command.arguments) && !command.good) {
+        SetError(ERR_EXEC_OUTPUT_FILE);
+        return {};
+    }
+    return EXEC(program, command.arguments, mode, folder, command.files);
+}
+
+ExecResult EXEC(const std::string& program, const std::vector<std::string>& arguments, int mode,
+                const std::string& folder, const ExecFiles& redirected) {
+    FRAME(EXEC);
     ExecResult result;
     STAMP();
-    const std::unique_ptr<os::Child> child = start(program, arguments, folder);
-    if (child == nullptr) return result;
+    const Started started = start(program, arguments, folder, redirected);
+    SetError(started.code);
+    if (started.child == nullptr) return result;
+    os::Child& child = *started.child;
     result.started = true;
+    result.process = child.id();
     os::ExitState state;
     STAMP();
     switch (mode >> 4 & 15) {
-    case WaitDisabled: waitDisabled(*child, FILEGETFNAME(program), result, state); break;
-    case WaitEnabled: waitForEnd(*child, FILEGETFNAME(program), result, state); break;
-    default: waitForIdle(*child, state); break;
+    case WaitDisabled: waitDisabled(child, FILEGETFNAME(program), result, state); break;
+    case WaitEnabled: waitForEnd(child, FILEGETFNAME(program), result, state); break;
+    default: waitForIdle(child, state); break;
     }
     constexpr int SignalBase = 128;  // as shells report it, so that the code alone tells the failure too
     result.signal = state.signal;
     result.code = state.signal != 0 ? SignalBase + state.signal : state.code;
     return result;
+}
+
+bool WAITFORSINGLEOBJECT_MSG(int process, int milliseconds) {
+    FRAME(WAITFORSINGLEOBJECT_MSG);
+    const std::int64_t start = os::clock().steady();
+    constexpr std::int64_t Millisecond = 1'000'000;  // nanoseconds
+    while (!os::waitForProcess(process, 0)) {
+        STAMP();
+        if (milliseconds >= 0 && os::clock().steady() - start >= milliseconds * Millisecond) return false;
+        WaitEvents(SliceMilliseconds, false);
+        os::waitForProcess(process, SliceMilliseconds);
+    }
+    return true;
 }
 
 }  // namespace tarn

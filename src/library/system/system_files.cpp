@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The file family of the system library: facts about files, free names, search paths, whole files, copies.
-// A failed write leaves the old contents and sets the error cell; see SAVEFILEREPORT for what the user is
-// told.
-#include "library/system/savereport_internal.h"
-#include "library/system/system.h"
+// The file family: facts about files, free names, search paths, whole files. A failed write leaves the old
+// contents and sets the error cell; see SAVEFILEREPORT for what the user is told.
+#include "library/system/files.h"
 
-#include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
+#include "library/system/conversion.h"
+#include "library/system/savereport_internal.h"
+#include "library/system/strings.h"
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/text/ascii.h"
@@ -36,36 +36,6 @@ int numberInName(std::string_view name, std::string_view stem, std::string_view 
     bool ok = false;
     const int number = ISDIGITS(digits) && digits.size() <= MostDigits ? CVTI(digits, ok) : 0;
     return ok ? number : -1;
-}
-
-bool isSameFile(const std::string& a, const std::string& b) {
-    const os::FileInfo first = os::infoOf(a), second = os::infoOf(b);
-    return first.exists && second.exists && first.device == second.device && first.inode == second.inode;
-}
-
-// A destination without a folder lies beside the source, whatever its drive; one that is a folder gets the
-// source's name.
-std::string completeDestination(const std::string& source, const std::string& dest) {
-    const PathParts parts = SPLITPATH(dest);
-    std::string out = parts.directory.empty() ? FILEGETDIR(source) + parts.name + parts.extension : dest;
-    if (out.ends_with('/') || out.ends_with('\\')) out += FILEGETFNAME(source);
-    return out;
-}
-
-// The copy has the bytes and the time of the source, and its permissions where they can be given.
-bool copyBytes(const std::string& source, const std::string& dest) {
-    std::string bytes;
-    if (!LOADFILE(source, bytes) || !SAVEFILE(dest, bytes)) return false;
-    const os::FileInfo info = os::infoOf(source);
-    if (FileSize(dest) != info.size) {
-        SetError(ERR_FILE_COPY_SIZE);
-        return false;
-    }
-    // Some file systems have no permissions to set; the copy is good without them.
-    (void)os::files().setMode(os::native(dest), info.mode);
-    const os::FileError time = os::files().setModified(os::native(dest), info.modified);
-    SetError(FileWriteCode(time));
-    return time == os::FileError::None;
 }
 
 }  // namespace
@@ -179,6 +149,14 @@ bool SAVEFILE(const std::string& file, std::string_view text) {
     return false;
 }
 
+bool SAVEFILE(const std::string& file, const std::vector<std::string>& lines) {
+    FRAME(SAVEFILE);
+    std::string text;
+    for (const std::string& line : lines) text.append(line) += '\n';
+    STAMP();
+    return SAVEFILE(file, text);
+}
+
 std::string SAVEFILEREPORT() {
     FRAME(SAVEFILEREPORT);
     const detail::FailedSave& failed = detail::LastFailedSave();
@@ -203,24 +181,6 @@ void FILEDELETE(const std::string& file) {
     STAMP();
     const os::FileError error = os::files().remove(os::native(file));
     if (!IsMissing(error)) SetError(FileWriteCode(error));
-}
-
-bool FILECOPY(const std::string& source, const std::string& dest, bool confirm) {
-    FRAME(FILECOPY);
-    const std::string target = completeDestination(source, dest);
-    if (!FILECHK(source) || !FILECHK(target)) return false;
-    STAMP();
-    const bool exists = FileSize(target) >= 0;
-    if (exists && confirm) {
-        STAMP();
-        const std::string question = "'" + target + "' already exists, do you want to replace it?";
-        if (MsgBox("Copy File", question, "Replace\nCancel") != "Replace") return false;
-    }
-    STAMP();
-    if (isSameFile(source, target)) return true;
-    if (exists && STREQUAL(source, target)) return false;
-    STAMP();
-    return copyBytes(source, target);
 }
 
 }  // namespace tarn

@@ -5,8 +5,9 @@
 //
 // A drive is what stands up to a ":" in front of the first separator. A path that begins with "/" is rooted
 // without one.
-#include "library/system/system.h"
+#include "library/system/files.h"
 
+#include "library/system/constants.h"
 #include "os/paths.h"
 #include "os/text/ascii.h"
 
@@ -50,8 +51,7 @@ bool partsAreGood(const PathParts& parts, std::string_view path) {
 }  // namespace
 
 bool FILENAMECHAR(char c) {
-    if (ascii::isLetter(c) || ascii::isDigit(c) || static_cast<unsigned char>(c) >= 128) return true;
-    return c != '\0' && std::string_view(" !#$%&'()+,-.;=@[]^_`{}~").find(c) != npos;
+    return static_cast<unsigned char>(c) >= 128 || FILENAMECHARS.find(c) != npos;
 }
 
 PathParts SPLITPATH(std::string_view path) {
@@ -126,24 +126,6 @@ std::string FILESUBSTITUTENAME(std::string_view line, std::string_view mark, std
         out.append("\"").append(base).append(line.substr(start, at - start)).append("\"");
     }
     return out;
-}
-
-std::vector<std::string> SPLITARGUMENTS(std::string_view line) {
-    std::vector<std::string> arguments;
-    bool quoted = false, inside = false;
-    for (const char c : line) {
-        if (!quoted && ascii::isSpace(c)) {
-            inside = false;
-            continue;
-        }
-        if (!inside) arguments.emplace_back();
-        inside = true;
-        if (c == '"')
-            quoted = !quoted;
-        else
-            arguments.back() += c;
-    }
-    return arguments;
 }
 
 }  // namespace tarn

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The resource family of the system library: the file that a resource stands for.
-#include "library/system/system.h"
+#include "library/system/programs.h"
 
 #include "kernel/windows/resources.h"
+#include "library/system/strings.h"
+#include "library/system/words.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -34,6 +36,11 @@ std::size_t pathPosition(const std::string& line) {
 }
 
 }  // namespace
+
+std::string APPRESOURCEFILE() {
+    FRAME(APPRESOURCEFILE);
+    return ApplicationResources();
+}
 
 bool IS_RESOURCE_MEMORY_OPTS(const std::string& word) {
     FRAME(IS_RESOURCE_MEMORY_OPTS);

@@ -1,21 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The string family of the system library. These functions compute on their arguments alone, can neither fail
-// nor set the error cell, and so have no frames. Letter case is that of ASCII; other bytes are compared as
-// they are.
-#include "library/system/system.h"
+// The string family. These functions compute on their arguments alone, and so have no frames.
+#include "library/system/strings.h"
 
-#include "kernel/text/numbers.h"
+#include "kernel/lists/lists.h"
+#include "kernel/run/errors.h"
+#include "kernel/values/strings.h"
+#include "library/system/constants.h"
+#include "os/text/arguments.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace tarn {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-constexpr std::string_view HexDigits = "0123456789ABCDEF";
 
 // The first `c` at or behind `from`, in either case; npos if there is none. Remembers where the next of each
 // case stands, so that a text with many of one and few of the other is not searched again and again.
@@ -39,6 +41,36 @@ private:
     std::size_t nextSmall_ = unknown, nextBig_ = unknown;
 };
 
+// A search that never looks at a character of the text twice, for texts that would make the plain way slow:
+// the ends of `what` that are also its beginnings tell how far it can be shifted.
+class SteadyFinder {
+public:
+    explicit SteadyFinder(std::string_view what) : what_(what), border_(what.size()) {
+        for (std::size_t i = 1, length = 0; i < what.size();) {
+            if (same(what[i], what[length]))
+                border_[i++] = ++length;
+            else if (length > 0)
+                length = border_[length - 1];
+            else
+                border_[i++] = 0;
+        }
+    }
+    [[nodiscard]] std::size_t next(std::string_view text, std::size_t from) const {
+        std::size_t matched = 0;
+        for (std::size_t i = from; i < text.size(); ++i) {
+            while (matched > 0 && !same(text[i], what_[matched])) matched = border_[matched - 1];
+            if (same(text[i], what_[matched])) ++matched;
+            if (matched == what_.size()) return i + 1 - matched;
+        }
+        return npos;
+    }
+
+private:
+    static bool same(char a, char b) { return ascii::upper(a) == ascii::upper(b); }
+    std::string_view what_;
+    std::vector<std::size_t> border_;
+};
+
 // Finds one text in another from successive places.
 class Finder {
 public:
@@ -46,18 +78,36 @@ public:
         : what_(what), text_(text), ignoreCase_(ignoreCase), first_(text, what.empty() ? '\0' : what[0]) {}
     std::size_t next(std::size_t from) {
         if (what_.empty() || from > text_.size()) return npos;
-        if (!ignoreCase_) return text_.find(what_, from);
+        if (!ignoreCase_) return exact(from);
+        if (steady_) return steady_->next(text_, from);
+        std::size_t spent = 0;  // characters compared in vain
         for (std::size_t at = first_.next(from); at != npos; at = first_.next(at + 1)) {
             if (what_.size() > text_.size() - at) return npos;
-            if (ascii::equal(text_.substr(at, what_.size()), what_)) return at;
+            const std::size_t matched = matchAt(at);
+            if (matched == what_.size()) return at;
+            spent += matched;
+            if (spent > Patience + 4 * (at - from)) return (steady_.emplace(what_)).next(text_, at + 1);
         }
         return npos;
     }
 
 private:
+    static constexpr std::size_t Patience = 4096;
+    [[nodiscard]] std::size_t exact(std::size_t from) const {
+        const void* const found =
+            ::memmem(text_.data() + from, text_.size() - from, what_.data(), what_.size());
+        return found == nullptr ? npos
+                                : static_cast<std::size_t>(static_cast<const char*>(found) - text_.data());
+    }
+    [[nodiscard]] std::size_t matchAt(std::size_t at) const {
+        std::size_t n = 0;
+        while (n < what_.size() && ascii::upper(text_[at + n]) == ascii::upper(what_[n])) ++n;
+        return n;
+    }
     std::string_view what_, text_;
     bool ignoreCase_;
     CaseFinder first_;
+    std::optional<SteadyFinder> steady_;
 };
 
 std::string_view trimmed(std::string_view text, bool left, bool right) {
@@ -70,11 +120,29 @@ std::size_t clamped(int count, std::string_view text) {
     return count <= 0 ? 0 : std::min(text.size(), static_cast<std::size_t>(count));
 }
 
+std::size_t startOf(int position) {
+    return position <= 1 ? 0 : static_cast<std::size_t>(position) - 1;
+}
+
+// Calls `put` with each part until it gives false.
+template <class Put>
+void eachPart(std::string_view text, std::string_view separator, int most, Put put) {
+    if (text.empty()) return;
+    Finder finder(separator, text, false);
+    std::size_t done = 0;
+    for (int part = 1; part != most; ++part) {
+        const std::size_t at = finder.next(done);
+        if (at == npos) break;
+        if (!put(text.substr(done, at - done))) return;
+        done = at + separator.size();
+    }
+    put(text.substr(done));
+}
+
 }  // namespace
 
 int STRFIND(std::string_view what, std::string_view text, int from, bool ignoreCase) {
-    const std::size_t start = from <= 1 ? 0 : static_cast<std::size_t>(from) - 1;
-    const std::size_t at = Finder(what, text, ignoreCase).next(start);
+    const std::size_t at = Finder(what, text, ignoreCase).next(startOf(from));
     return at == npos ? 0 : static_cast<int>(at) + 1;
 }
 
@@ -94,6 +162,9 @@ std::string STRLTRIM(std::string_view text) {
 }
 std::string STRRTRIM(std::string_view text) {
     return std::string(trimmed(text, false, true));
+}
+std::string STRLTRIMCRLF(std::string_view text) {
+    return std::string(text.substr(std::min(text.find_first_not_of("\r\n"), text.size())));
 }
 std::string STRRTRIMCRLF(std::string_view text) {
     return std::string(ascii::withoutLineEnd(text));
@@ -145,14 +216,17 @@ std::string STRREMOVEQUOTES(std::string_view text) {
     return std::string(text);
 }
 
-std::string STRREPLACE(std::string_view text, std::string_view what, std::string_view with, bool ignoreCase) {
+std::string STRREPLACE(std::string_view text, std::string_view what, std::string_view with, bool ignoreCase,
+                       int from, int most) {
     Finder finder(what, text, ignoreCase);
     std::string out;
     std::size_t done = 0;
-    for (std::size_t at = finder.next(0); at != npos; at = finder.next(done)) {
+    int count = 0;
+    for (std::size_t at = finder.next(startOf(from)); at != npos; at = finder.next(done)) {
         if (out.empty()) out.reserve(text.size());
         out.append(text.substr(done, at - done)).append(with);
         done = at + what.size();
+        if (++count == most) break;
     }
     out.append(text.substr(done));
     return out;
@@ -184,38 +258,52 @@ std::string LIMITLINES(std::string_view text, int most) {
     return out;
 }
 
-std::string STR(int value) {
-    return std::to_string(value);
-}
-
-std::string HEXSTR(std::uint32_t value, int width) {
-    std::string digits;
-    for (; value != 0; value >>= 4) digits.insert(digits.begin(), HexDigits[value & 15]);
-    const std::size_t wanted = static_cast<std::size_t>(std::clamp(width, 1, 255));
-    if (digits.size() < wanted) digits.insert(0, wanted - digits.size(), '0');
-    return digits;
-}
-
-std::uint32_t HEXVAL(std::string_view text) {
-    std::uint32_t value = 0;
-    for (const char c : text) {
-        const int digit = ascii::hexDigit(c);
-        if (digit < 0) break;
-        value = value << 4 | static_cast<std::uint32_t>(digit);
-    }
-    return value;
-}
-
 bool ISDIGITS(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), ascii::isDigit);
 }
 
-int CVTI(std::string_view text, bool& ok) {
-    std::int32_t value = 0;
-    std::size_t end = 0;
-    IntegerFromText(text, value, end);
-    ok = end != 0 && end == text.size();
-    return ok ? value : 0;
+StringPair STRSPLIT(std::string_view text) {
+    constexpr std::string_view Blanks = " \t";
+    const std::size_t start = std::min(text.find_first_not_of(Blanks), text.size());
+    text = text.substr(start, text.find_last_not_of(Blanks) + 1 - start);
+    const std::size_t end = std::min(text.find_first_of(Blanks), text.size());
+    const std::size_t next = std::min(text.find_first_not_of(Blanks, end), text.size());
+    return {std::string(text.substr(0, end)), std::string(text.substr(next))};
+}
+
+StringPair STRSPLIT(std::string_view text, std::string_view separator) {
+    const std::size_t at = Finder(separator, text, false).next(0);
+    if (at == npos) return {std::string(text), {}};
+    return {std::string(text.substr(0, at)), std::string(text.substr(at + separator.size()))};
+}
+
+std::vector<std::string> STRSPLIT(std::string_view text, std::string_view separator, int most) {
+    std::vector<std::string> parts;
+    eachPart(text, separator, most, [&](std::string_view part) {
+        parts.emplace_back(part);
+        return true;
+    });
+    return parts;
+}
+
+void STRSPLIT(std::string_view text, std::string_view separator, int most, ListDescriptor* parts) {
+    if (KindOf(parts) != KindList) return SetError(ERR_LIST_TYPE);
+    const Kind kind = ListElementKind(parts);
+    if (kind != KindString && kind != KindNone) return SetError(ERR_LIST_TYPE);
+    const std::string kept(text);  // the text may be a string of the list
+    ListClear(parts);
+    eachPart(kept, separator, most, [&](std::string_view part) {
+        const std::int32_t before = ListCount(parts);
+        ListAppend(String(part).get(), KindString, parts);
+        return ListCount(parts) > before;
+    });
+}
+
+std::vector<std::string> SPLITARGUMENTS(std::string_view line) {
+    return os::splitArguments(line);
+}
+std::string QUOTEARGUMENT(std::string_view argument) {
+    return os::quotedArgument(argument);
 }
 
 std::string KEYSTR(int keyCode) {
@@ -223,12 +311,14 @@ std::string KEYSTR(int keyCode) {
         int code;
         const char* text;
     };
-    static constexpr Name names[] = {{0x26, "Up"},   {0x28, "Down"}, {0x25, "Left"},  {0x27, "Right"},
-                                     {0x2E, "Del"},  {0x23, "End"},  {0x0D, "Enter"}, {0x1B, "Escape"},
-                                     {0x24, "Home"}, {0x22, "PgDn"}, {0x21, "PgUp"}};
-    if (keyCode >= 0x1141 && keyCode <= 0x115A)
-        return std::string("Ctrl+") + static_cast<char>('A' + (keyCode - 0x1141));
-    if (keyCode >= 0x70 && keyCode <= 0x7B) return std::string("F").append(STR(keyCode - 0x70 + 1));
+    static constexpr Name names[] = {{KEY_UP, "Up"},         {KEY_DOWN, "Down"},     {KEY_LEFT, "Left"},
+                                     {KEY_RIGHT, "Right"},   {KEY_DELETE, "Del"},    {KEY_END, "End"},
+                                     {KEY_RETURN, "Enter"},  {KEY_ESCAPE, "Escape"}, {KEY_HOME, "Home"},
+                                     {KEY_PAGEDOWN, "PgDn"}, {KEY_PAGEUP, "PgUp"}};
+    if (keyCode >= KEY_CTRL_A && keyCode <= KEY_CTRL_Z)
+        return std::string("Ctrl+") + static_cast<char>('A' + (keyCode - KEY_CTRL_A));
+    if (keyCode >= KEY_F1 && keyCode <= KEY_F12)
+        return std::string("F").append(std::to_string(keyCode - KEY_F1 + 1));
     for (const Name& name : names)
         if (name.code == keyCode) return name.text;
     return {};

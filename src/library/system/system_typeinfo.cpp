@@ -2,11 +2,12 @@
 //
 // Names from elsewhere made into identifiers: of columns of foreign data, in type information text, before
 // they reach generated code.
-#include "library/system/system.h"
+#include "library/system/words.h"
 
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
+#include "kernel/run/runtime.h"
 #include "kernel/values/owned.h"
 #include "kernel/values/string_text.h"
 #include "os/text/ascii.h"

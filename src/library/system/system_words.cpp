@@ -3,9 +3,8 @@
 // The words of the language and the token reader of the text-form parsers. These functions compute on their
 // arguments alone, can neither fail nor set the error cell, and so have no frames. Cost: a token is read in
 // one pass.
-#include "library/system/system.h"
+#include "library/system/words.h"
 
-#include "kernel/text/words.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>

@@ -87,6 +87,9 @@ Code SetMaxPosition(const Object& window, const Rect& rect) {
 Rect ScreenSize() {
     return view().screen();
 }
+Desktop DesktopInfo() {
+    return view().desktop();
+}
 
 Answer<int> TextWidth(const Object& object, std::string_view text) {
     return ask<int>(object, [&](const Control& c) { return view().textWidth(c, text); });

@@ -100,6 +100,7 @@ public:
     virtual int textWidth(const Control& control, std::string_view text) = 0;
     virtual int textHeight(const Control& control, std::string_view text) = 0;
     virtual Rect screen() = 0;
+    virtual Desktop desktop() { return {}; }
     // What the frame of `window` adds to its client area: x and y are the offset of the client area in the
     // frame, w and h the pixels that the frame has more than the client area. A menu bar belongs to the
     // frame.

@@ -52,6 +52,9 @@ void DestroyAllWindows();  // for the halt: no events are sent
 // of FindWindowHandle may belong to another copy of the program. 702: no such window, 727: no such control.
 Code Command(int windowHandle, int controlNumber, const std::string& text);
 std::string commandText();  // of the COMMAND_EVENT that is being handled
+// Has an event loop send the event to the window function, with the object as its sender; events so posted
+// keep their order. A window that has gone by then gets none. 702: the window is not loaded.
+Code PostMessage(const Object& object, int event, int parameter);
 
 // ---- finding ----
 

@@ -18,6 +18,7 @@ Code SetMinPosition(const Object& window, const Rect& rect);
 Answer<Rect> GetMaxPosition(const Object& window);  // all zero: the whole screen
 Code SetMaxPosition(const Object& window, const Rect& rect);
 Rect ScreenSize();  // the work area of the screen with the active window
+Desktop DesktopInfo();
 
 Answer<int> WindowWidth(const Object& object);  // of the frame; of a control its own
 Answer<int> WindowHeight(const Object& object);

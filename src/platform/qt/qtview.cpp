@@ -311,12 +311,30 @@ int QtView::textHeight(const Control& control, std::string_view text) {
     return metricsOf(control).height() * lines;
 }
 
-Rect QtView::screen() {
+namespace {
+
+// The screen with the active window; null if there is none.
+const QScreen* activeScreen() {
     const QWidget* active = QApplication::activeWindow();
-    const QScreen* screen = active != nullptr ? active->screen() : QGuiApplication::primaryScreen();
+    return active != nullptr ? active->screen() : QGuiApplication::primaryScreen();
+}
+
+}  // namespace
+
+Rect QtView::screen() {
+    const QScreen* screen = activeScreen();
     if (screen == nullptr) return {0, 0, 1024, 768};
     const QRect area = screen->availableGeometry();
     return {area.x(), area.y(), area.width(), area.height()};
+}
+
+Desktop QtView::desktop() {
+    const QScreen* screen = activeScreen();
+    if (screen == nullptr) return {};
+    const QRect area = screen->geometry();
+    return {static_cast<int>(QGuiApplication::screens().size()),
+            {area.x(), area.y(), area.width(), area.height()},
+            QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize)};
 }
 
 Rect QtView::frameExtents(const Window& window) {

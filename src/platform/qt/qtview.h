@@ -46,6 +46,7 @@ public:
     int textWidth(const Control& control, std::string_view text) override;
     int textHeight(const Control& control, std::string_view text) override;
     Rect screen() override;
+    Desktop desktop() override;
     Rect frameExtents(const Window& window) override;
     int dpi() override;
 
