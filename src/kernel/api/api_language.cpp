@@ -38,7 +38,7 @@ tarn::Kind elementKind(std::int32_t tag) {
 
 bool isRecordKind(int32_t kind) {
     if (kind == tarn::KindRecord) return true;
-    tarn::SetError(tarn::ERR_COMPONENT_KIND);
+    tarn::SetError(tarn::ERR_COMPONENT_TYPE);
     return false;
 }
 
@@ -79,7 +79,7 @@ void* tarn_list_element(tarn_list* l, int32_t position) {
 
 int32_t tarn_enum_check(int32_t ordinal, int32_t count) {
     if (ordinal >= 0 && ordinal < count) return ordinal;
-    tarn::SetError(tarn::ERR_ENUM_RANGE);
+    tarn::SetError(tarn::ERR_ENUM_LIMITS);
     return 0;
 }
 
@@ -168,7 +168,7 @@ void tarn_sys_tab_read(const tarn_table* t, const tarn_record* key, void* value,
 uint8_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value,
                              int32_t kind, int32_t index) {
     bool found = false;
-    if (isRecordKind(kind)) tarn::TableFind(text(op), in(t), index, in(key), in(row(value)), found);
+    if (isRecordKind(kind)) tarn::TableFind(text(op).view(), in(t), index, in(key), in(row(value)), found);
     return found ? 1 : 0;
 }
 uint8_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value, int32_t kind) {

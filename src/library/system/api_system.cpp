@@ -145,4 +145,101 @@ void tarn_sys_print(const tarn_string* s) {
     std::fflush(stdout);
 }
 
+void tarn_sys_msgbox_ok(const tarn_string* title, const tarn_string* message) {
+    MsgBox(text(title), text(message), {});
+}
+void tarn_sys_assert(int32_t condition) {
+    tarn_assert(condition, nullptr);
+}
+
+// ---- texts of values ----
+
+int32_t tarn_sys_ord_enum(uint8_t value) {
+    return value;
+}
+int32_t tarn_sys_strfind_plain(const tarn_string* s, const tarn_string* what) {
+    return STRFIND(view(what), view(s), 1, false);
+}
+void tarn_sys_str_enum(uint8_t value, tarn_string* result) {
+    assign(result, STR(value));
+}
+void tarn_sys_str_fixed(int64_t value, tarn_string* result) {
+    assign(result, STR(FixedValue(value)));
+}
+void tarn_sys_str_real(double value, tarn_string* result) {
+    assign(result, STR(value));
+}
+void tarn_sys_str_set(const tarn_set* value, tarn_string* result) {
+    tarn_set_to_text(value, 1, result);
+}
+void tarn_sys_str_integer_width(int32_t value, int32_t width, tarn_string* result) {
+    assign(result, STR(value, width));
+}
+void tarn_sys_str_fixed_format(int64_t value, int64_t format, tarn_string* result) {
+    assign(result, STR(FixedValue(value), FixedValue(format)));
+}
+void tarn_sys_str_real_format(double value, int64_t format, tarn_string* result) {
+    assign(result, STR(value, FixedValue(format)));
+}
+
+// ---- numbers ----
+
+int32_t tarn_sys_cvti_fixed(int64_t value) {
+    return CVTI(FixedValue(value));
+}
+int32_t tarn_sys_cvti_real(double value) {
+    return CVTI(value);
+}
+int64_t tarn_sys_cvtf(const tarn_string* s) {
+    return CVTF(view(s)).word;
+}
+int64_t tarn_fixed_from_integer_call(int32_t value) {
+    return CVTF(value).word;
+}
+double tarn_sys_cvtr(const tarn_string* s) {
+    return CVTR(view(s));
+}
+int32_t tarn_sys_abs_integer(int32_t value) {
+    return ABS(value);
+}
+int64_t tarn_sys_abs_fixed(int64_t value) {
+    return ABS(FixedValue(value)).word;
+}
+double tarn_sys_abs_real(double value) {
+    return ABS(value);
+}
+int64_t tarn_sys_sqr_fixed(int64_t value) {
+    return SQR(FixedValue(value)).word;
+}
+double tarn_sys_sqr_real(double value) {
+    return SQR(value);
+}
+double tarn_sys_pwr(double base, double exponent) {
+    return PWR(base, exponent);
+}
+int32_t tarn_sys_random(int32_t most) {
+    return RANDOM(most);
+}
+int32_t tarn_sys_minval(int32_t a, int32_t b) {
+    return MINVAL(a, b);
+}
+int32_t tarn_sys_maxval(int32_t a, int32_t b) {
+    return MAXVAL(a, b);
+}
+int32_t tarn_sys_iif_integer(uint8_t condition, int32_t a, int32_t b) {
+    return condition != 0 ? a : b;
+}
+int64_t tarn_sys_iif_fixed(uint8_t condition, int64_t a, int64_t b) {
+    return condition != 0 ? a : b;
+}
+double tarn_sys_iif_real(uint8_t condition, double a, double b) {
+    return condition != 0 ? a : b;
+}
+uint8_t tarn_sys_iif_boolean(uint8_t condition, uint8_t a, uint8_t b) {
+    return condition != 0 ? a : b;
+}
+void tarn_sys_iif_string(uint8_t condition, const tarn_string* a, const tarn_string* b, tarn_string* result) {
+    tarn_string_assign(result, condition != 0 ? a : b);
+}
+
 }  // extern "C"
