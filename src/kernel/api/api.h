@@ -381,9 +381,9 @@ int32_t tarn_sys_list_find(const tarn_list* l, const tarn_string* text); /* mind
 void tarn_sys_tab_add(tarn_table* t, const void* row, int32_t kind);
 void tarn_sys_tab_read(const tarn_table* t, const tarn_record* key, void* row, int32_t kind);
 void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* row, int32_t kind, int32_t index);
-uint8_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
+int32_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
                           int32_t kind);
-uint8_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
+int32_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
                              int32_t kind, int32_t index);
 void tarn_sys_tab_update(tarn_table* t, const tarn_record* key, const void* row, int32_t kind);
 void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* row, int32_t kind, int32_t index);
@@ -430,9 +430,9 @@ void tarn_sys_print(const tarn_string* text);    /* a line to standard output */
 
 void tarn_sys_msgbox_ok(const tarn_string* title, const tarn_string* text);
 void tarn_sys_assert(int32_t condition); /* 687 */
-int32_t tarn_sys_ord_enum(uint8_t value);
+int32_t tarn_sys_ord_enum(int32_t value);
 int32_t tarn_sys_strfind_plain(const tarn_string* text, const tarn_string* what); /* minds case */
-void tarn_sys_str_enum(uint8_t value, tarn_string* result);
+void tarn_sys_str_enum(int32_t value, tarn_string* result);
 void tarn_sys_str_fixed(int64_t value, tarn_string* result);
 void tarn_sys_str_real(double value, tarn_string* result);
 void tarn_sys_str_set(const tarn_set* value, tarn_string* result);
@@ -453,11 +453,11 @@ double tarn_sys_pwr(double base, double exponent);
 int32_t tarn_sys_random(int32_t most);
 int32_t tarn_sys_minval(int32_t a, int32_t b);
 int32_t tarn_sys_maxval(int32_t a, int32_t b);
-int32_t tarn_sys_iif_integer(uint8_t condition, int32_t a, int32_t b);
-int64_t tarn_sys_iif_fixed(uint8_t condition, int64_t a, int64_t b);
-double tarn_sys_iif_real(uint8_t condition, double a, double b);
-uint8_t tarn_sys_iif_boolean(uint8_t condition, uint8_t a, uint8_t b);
-void tarn_sys_iif_string(uint8_t condition, const tarn_string* a, const tarn_string* b, tarn_string* result);
+int32_t tarn_sys_iif_integer(int32_t condition, int32_t a, int32_t b);
+int64_t tarn_sys_iif_fixed(int32_t condition, int64_t a, int64_t b);
+double tarn_sys_iif_real(int32_t condition, double a, double b);
+int32_t tarn_sys_iif_boolean(int32_t condition, int32_t a, int32_t b);
+void tarn_sys_iif_string(int32_t condition, const tarn_string* a, const tarn_string* b, tarn_string* result);
 
 #ifdef __cplusplus
 }

@@ -165,13 +165,13 @@ void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* val
 void tarn_sys_tab_read(const tarn_table* t, const tarn_record* key, void* value, int32_t kind) {
     tarn_sys_tab_read_by(t, key, value, kind, tarn::TableIndexFor(in(t), in(key)));
 }
-uint8_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value,
+int32_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value,
                              int32_t kind, int32_t index) {
     bool found = false;
     if (isRecordKind(kind)) tarn::TableFind(text(op).view(), in(t), index, in(key), in(row(value)), found);
     return found ? 1 : 0;
 }
-uint8_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value, int32_t kind) {
+int32_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value, int32_t kind) {
     return tarn_sys_tab_find_by(op, t, key, value, kind, tarn::TableIndexFor(in(t), in(key)));
 }
 void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* value, int32_t kind, int32_t index) {

@@ -154,14 +154,14 @@ void tarn_sys_assert(int32_t condition) {
 
 // ---- texts of values ----
 
-int32_t tarn_sys_ord_enum(uint8_t value) {
+int32_t tarn_sys_ord_enum(int32_t value) {
     return value;
 }
 int32_t tarn_sys_strfind_plain(const tarn_string* s, const tarn_string* what) {
     return STRFIND(view(what), view(s), 1, false);
 }
-void tarn_sys_str_enum(uint8_t value, tarn_string* result) {
-    assign(result, STR(value));
+void tarn_sys_str_enum(int32_t value, tarn_string* result) {
+    assign(result, STR(static_cast<std::uint8_t>(value)));
 }
 void tarn_sys_str_fixed(int64_t value, tarn_string* result) {
     assign(result, STR(FixedValue(value)));
@@ -226,19 +226,19 @@ int32_t tarn_sys_minval(int32_t a, int32_t b) {
 int32_t tarn_sys_maxval(int32_t a, int32_t b) {
     return MAXVAL(a, b);
 }
-int32_t tarn_sys_iif_integer(uint8_t condition, int32_t a, int32_t b) {
+int32_t tarn_sys_iif_integer(int32_t condition, int32_t a, int32_t b) {
     return condition != 0 ? a : b;
 }
-int64_t tarn_sys_iif_fixed(uint8_t condition, int64_t a, int64_t b) {
+int64_t tarn_sys_iif_fixed(int32_t condition, int64_t a, int64_t b) {
     return condition != 0 ? a : b;
 }
-double tarn_sys_iif_real(uint8_t condition, double a, double b) {
+double tarn_sys_iif_real(int32_t condition, double a, double b) {
     return condition != 0 ? a : b;
 }
-uint8_t tarn_sys_iif_boolean(uint8_t condition, uint8_t a, uint8_t b) {
+int32_t tarn_sys_iif_boolean(int32_t condition, int32_t a, int32_t b) {
     return condition != 0 ? a : b;
 }
-void tarn_sys_iif_string(uint8_t condition, const tarn_string* a, const tarn_string* b, tarn_string* result) {
+void tarn_sys_iif_string(int32_t condition, const tarn_string* a, const tarn_string* b, tarn_string* result) {
     tarn_string_assign(result, condition != 0 ? a : b);
 }
 

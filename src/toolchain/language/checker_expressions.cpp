@@ -192,7 +192,9 @@ void Checker::constantName(Expression& item, Declaration& target) {
 void Checker::field(ExpressionPtr& item) {
     Expression& base = *item->operands[0];
     const bool plain = base.kind == ExpressionKind::Name && base.qualifier.empty();
-    if (plain && lookUp({}, base.name, base.line, true) == nullptr && isClassName(base.name)) {
+    const std::string folded = ascii::lowered(base.name);
+    const bool own = plain && (locals_.count(folded) > 0 || findDeclaration(tree_, folded) != nullptr);
+    if (plain && !own && isClassName(base.name)) {
         item->kind = ExpressionKind::Name;
         item->qualifier = base.name;
         item->operands.clear();

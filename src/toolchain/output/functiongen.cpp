@@ -37,6 +37,11 @@ std::string resultType(const Function& head) {
     return isComposite(head.result->kind) ? "void" : cType(head.result->kind);
 }
 
+// The run-time's functions take and give booleans and enums as whole words.
+std::string wideType(Kind kind) {
+    return cType(kind == Kind::Boolean || kind == Kind::Enum ? Kind::Integer : kind);
+}
+
 class FunctionGenerator {
 public:
     FunctionGenerator(const Declaration& item, const GeneratorOptions& options, Shared& shared)
@@ -211,13 +216,13 @@ std::string externalHead(const Declaration& item) {
     std::string parameters;
     for (const auto& parameter : head.parameters) {
         const Kind kind = parameter->type->kind;
-        std::string text = parameter->mode == Mode::In ? cType(kind) : (isScalar(kind) ? cPlace(kind) : cType(kind)) + " *";
+        std::string text = parameter->mode == Mode::In ? wideType(kind) : (isScalar(kind) ? cPlace(kind) : cType(kind)) + " *";
         if (parameter->mode == Mode::In && !isScalar(kind)) text = "const " + cType(kind) + " *";
         if (kind == Kind::Adt) text += ", int32_t";
         parameters = joined(parameters, text);
     }
     parameters = joined(parameters, resultParameter(head));
-    return resultType(head) + " " + head.external + "(" + (parameters.empty() ? "void" : parameters) + ")";
+    return (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + head.external + "(" + (parameters.empty() ? "void" : parameters) + ")";
 }
 
 std::string generateFunction(const Declaration& item, const GeneratorOptions& options, Shared& shared) {
