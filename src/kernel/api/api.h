@@ -395,6 +395,18 @@ void tarn_sys_open_table(tarn_table* t, const tarn_string* path);
 void tarn_sys_close_list(tarn_list* l);
 void tarn_sys_close_table(tarn_table* t);
 
+/* ---- windows: an object is a record of three integers (library/system/api_objects.h) ----
+ * Beside these stands a constant pointer to a function for each line of kernel/windows/operations.h: tarn_win_
+ * and the word of the line. */
+
+/* The window, or with a control's name the control, of the program's resources; unknown ones name nothing. */
+void tarn_object_bind(tarn_record* object, const char* window, const char* control);
+void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element); /* 602 outside */
+/* The function that gets the window's events. It tells by 1 that it has handled one, or vetoes the close. */
+void tarn_window_register(const char* window, int32_t (*function)(const tarn_record* me, int32_t event,
+                                                                  const tarn_record* control, int32_t parameter));
+void tarn_window_main(const char* window); /* loads it, shows it and runs until it is gone */
+
 /* ---- the library as compiled programs see it: SYSTEM functions, each with the line of its caller ----
  * An argument that the language declares `out` or `inout` is a pointer; strings are always pointers. */
 

@@ -7,10 +7,16 @@
 
 namespace tarn::toolchain {
 
+std::string systemText() {
+    static constexpr std::string_view Mark = "@WINDOWS@";
+    std::string text(SystemText);
+    return text.replace(text.find(Mark), Mark.size(), windowHeads());
+}
+
 ClassTree& systemClass() {
     static const std::unique_ptr<ClassTree> tree = [] {
         Messages silent;
-        return parseClass(SystemText, "system.cls", silent);
+        return parseClass(systemText(), "system.cls", silent);
     }();
     return *tree;
 }

@@ -7,6 +7,7 @@
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
 #include "toolchain/language/parser.h"
+#include "toolchain/language/windows.h"
 #include "toolchain/output/generator.h"
 
 #include <algorithm>
@@ -18,14 +19,6 @@ namespace {
 std::int64_t timeOf(const std::string& file) {
     const os::FileInfo info = os::infoOf(file);
     return info.exists ? info.modified : -1;
-}
-
-std::string twinOf(const std::string& file) {
-    for (const char* extension : {".rc", ".RC"}) {
-        std::string twin = changeExtension(file, extension);
-        if (os::sizeOf(twin) >= 0) return twin;
-    }
-    return {};
 }
 
 // Reads the classes breadth first, then puts them in order.

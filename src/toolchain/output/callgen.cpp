@@ -37,7 +37,7 @@ unsigned ExpressionGenerator::effects(const Expression& item) const {
 
 void ExpressionGenerator::call(const Expression& item) {
     const std::size_t before = puts_.size();
-    line(callText(item, {}) + ";");
+    line(callText(item, isComposite(item.type->kind) ? temporary(item.type) : std::string()) + ";");
     flushPuts(before);
 }
 

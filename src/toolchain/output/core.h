@@ -125,6 +125,11 @@ void tarn_table_key_from_row(const tarn_table *t, int32_t index, const tarn_reco
 void tarn_table_row(const tarn_table *t, int32_t number, tarn_record *row);
 int32_t tarn_table_count(const tarn_table *t);
 void tarn_assert(int32_t condition, const tarn_string *text);
+void tarn_object_bind(tarn_record *object, const char *window, const char *control);
+void tarn_control_element(const tarn_record *array, int32_t index, tarn_record *element);
+void tarn_window_register(const char *window, int32_t (*function)(const tarn_record *me, int32_t event,
+                                                                  const tarn_record *control, int32_t parameter));
+void tarn_window_main(const char *window);
 
 static inline void tarn_stamp(int32_t line, int32_t action, tarn_error_handler handler)
 {

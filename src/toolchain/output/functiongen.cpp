@@ -222,7 +222,9 @@ std::string externalHead(const Declaration& item) {
         parameters = joined(parameters, text);
     }
     parameters = joined(parameters, resultParameter(head));
-    return (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + head.external + "(" + (parameters.empty() ? "void" : parameters) + ")";
+    const bool isPointer = head.external.starts_with("tarn_win_");
+    const std::string name = isPointer ? "(*const " + head.external + ")" : head.external;
+    return (isPointer ? "extern " : "") + (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + name + "(" + (parameters.empty() ? "void" : parameters) + ")";
 }
 
 std::string generateFunction(const Declaration& item, const GeneratorOptions& options, Shared& shared) {

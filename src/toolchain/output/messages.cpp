@@ -82,6 +82,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::NoWindow, "the resource file of the class holds no window '%'"},
     {Problem::CannotWalk, "'for each' walks a list, an array, a set, a table or the lines of a text, and this is %"},
     {Problem::SameForm, "'%' of line % takes the same kinds of arguments"},
+    {Problem::NoControl, "the window '%' has no control '%'"},
     {Problem::NotStored, "% cannot be a constant"},
 
     {Problem::CannotRead, "the file cannot be read: %"},

@@ -90,6 +90,7 @@ enum class Problem : int {
     CannotWalk = 1338,
     SameForm = 1339,
     NotStored = 1340,
+    NoControl = 1341,
 
     CannotRead = 1901,
     CannotWrite = 1902,
