@@ -53,8 +53,13 @@ private:
             const std::string name = property(objects[i], "NAME"), array = property(objects[i], "ARRAY");
             const std::string type = property(objects[i], "TYPEOF");
             if (!name.empty()) declare(window, name, type);
-            if (!array.empty()) ++declare(window, array, type).upper;
+            if (!array.empty()) member(declare(window, array, type), name);
         }
+    }
+
+    // The array stands for its first member, from which the others are found.
+    static void member(Declaration& array, const std::string& name) {
+        if (array.upper++ == 0) array.control = name;
     }
 
     Declaration& declare(const std::string& window, const std::string& control, const std::string& type) {
