@@ -133,6 +133,33 @@ TEST_F(ProcessTest, outputAndErrorsGoToTheFileAndInputIsEmpty) {
     EXPECT_EQ(get("out"), "one\ntwo\nthree\n");
 }
 
+TEST_F(ProcessTest, inputComesFromTheFileThatIsNamed) {
+    ASSERT_TRUE(saveFile(at("in"), "typed\n").ok());
+    StartRequest request{"/bin/cat", {}, "", at("out")};
+    request.inputFile = root_ + "\\in";
+    EXPECT_EQ(startError(request), StartError::None);
+    EXPECT_EQ(get("out"), "typed\n");
+    for (const std::string& none : {at("none"), root_, at(std::string("in\0x", 4))}) {
+        request.inputFile = none;
+        request.outputFile = at("untouched");
+        EXPECT_EQ(startError(request), StartError::BadInput) << none;
+    }
+    EXPECT_EQ(sizeOf(at("untouched")), -1) << "the output is made when all else is good";
+    request.inputFile = "/dev/null";
+    EXPECT_EQ(startError(request), StartError::None);
+    EXPECT_EQ(sizeOf(at("untouched")), 0);
+}
+
+TEST_F(ProcessTest, aProcessIsWaitedForByItsNumber) {
+    const auto child = shell("sleep 0.3");
+    EXPECT_FALSE(waitForProcess(child->id(), 0));
+    EXPECT_FALSE(waitForProcess(child->id(), 20));
+    EXPECT_TRUE(waitForProcess(child->id(), longEnough));
+    EXPECT_EQ(child->wait(longEnough).code, 0) << "its end is still told to whoever started it";
+    for (const int none : {0, -1, -child->id(), 2'000'000'000}) EXPECT_TRUE(waitForProcess(none, 0)) << none;
+    EXPECT_FALSE(waitForProcess(::getpid(), 0));
+}
+
 TEST_F(ProcessTest, theProgramStartsInItsFolderAndPathsTakeBackslashes) {
     ASSERT_EQ(files().makeFolder(at("sub")), FileError::None);
     StartError error = StartError::Other;
