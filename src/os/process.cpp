@@ -33,18 +33,18 @@ struct Mapping {
 };
 
 constexpr Mapping mappings[] = {
-    {ENOENT, StartError::NotFound},       {ENOTDIR, StartError::NotFound},
-    {ELOOP, StartError::NotFound},        {ENAMETOOLONG, StartError::NotFound},
-    {EACCES, StartError::NotExecutable},  {EPERM, StartError::NotExecutable},
-    {ENOEXEC, StartError::NotExecutable}, {EISDIR, StartError::NotExecutable},
-    {ETXTBSY, StartError::NotExecutable}, {ELIBBAD, StartError::NotExecutable},
-    {ENOMEM, StartError::NoMemory},       {EAGAIN, StartError::NoMemory},
+    {ENOENT, StartError::NotFound},      {ENOTDIR, StartError::NotFound},
+    {ELOOP, StartError::NotFound},       {ENAMETOOLONG, StartError::NotFound},
+    {EACCES, StartError::NotExecutable}, {EPERM, StartError::NotExecutable},
+    {ENOEXEC, StartError::BadFormat},    {EISDIR, StartError::NotExecutable},
+    {ETXTBSY, StartError::WontRun},      {ELIBBAD, StartError::WontRun},
+    {ENOMEM, StartError::NoMemory},      {EAGAIN, StartError::NoMemory},
     {E2BIG, StartError::BadArguments},
 };
 
 StartError startError(int number, const std::string& program) {
     // The system gives the same error when the interpreter is what is missing.
-    if (number == ENOENT && infoOf(program).exists) return StartError::NotExecutable;
+    if (number == ENOENT && infoOf(program).exists) return StartError::WontRun;
     for (const Mapping& one : mappings) {
         if (one.number == number) return one.error;
     }

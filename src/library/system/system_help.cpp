@@ -55,9 +55,9 @@ std::string pageUrl(const std::string& file, const std::string& topic) {
 // Compiled help, for which a program may have a window of its own.
 constexpr std::string_view CompiledTypes[] = {EXT_CHM, ".qch"};
 
-// The classic viewer is no part of this system. What stands in for it tells the user so: a file beside the
-// help file, and one that the system folder of others may hold.
-bool openInPlaceOfClassic(const std::string& helpFile) {
+// What stands in for help that has no viewer (the classic one is no part of this system) and tells the user so:
+// a file beside the help file, and one that the system folder of others may hold.
+bool openInPlaceOf(const std::string& helpFile) {
     const std::string beside = FILEGETDIR(helpFile) + "viewhlp.chm";
     const std::string system = os::environment("WINDIR");
     const std::string fallBack = FILEADDSEPARATOR(system) + "help\\nthelp.chm";
@@ -82,8 +82,9 @@ std::string openHelp(const std::string& helpFile, const std::string& topic) {
         OPENBROWSER(0, pageUrl(helpFile, topic));
         return {};
     }
-    if (holds(CompiledTypes, type) && HtmlHelpApi(helpFile, topic)) return {};
-    if (type == EXT_HLP && openInPlaceOfClassic(helpFile)) return {};
+    const bool compiled = holds(CompiledTypes, type);
+    if (compiled && HtmlHelpApi(helpFile, topic)) return {};
+    if ((compiled || type == EXT_HLP) && openInPlaceOf(helpFile)) return {};
     return helpRefusal(type);
 }
 

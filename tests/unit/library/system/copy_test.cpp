@@ -130,6 +130,13 @@ TEST_F(Copies, AReadOnlySourceGivesAReadOnlyCopy) {
     EXPECT_EQ(get("copy"), "text");
 }
 
+TEST_F(Copies, ACopyDoesNotRunAsItsOwner) {
+    const std::string source = put("source", "text");
+    ASSERT_EQ(::chmod(source.c_str(), 06755), 0);
+    EXPECT_TRUE(FILECOPY(source, folder / "copy"));
+    EXPECT_EQ(os::infoOf(folder / "copy").mode & 07777, 0755U);
+}
+
 TEST_F(Copies, OntoItselfUnderAnyNameNothingChanges) {
     const std::string source = put("source", "text");
     ASSERT_EQ(::symlink(source.c_str(), (folder / "link").c_str()), 0);
