@@ -36,10 +36,11 @@ struct ExecFiles {
 // A program with a folder is taken from there, one without is sought on PATH; `x.exe` is also found as `x`.
 //
 //   901  no such program, or no such folder to run in    906  a name or arguments that are too long, or hold
-//   902  the file is no program                               a character 0
+//   902  the file is no program, or a damaged one             a character 0
 //   903  no memory for it                                907  a redirection without its one file, or to one
-//   908  it may not be run                                    that cannot be used; a folder too long
-//   909  any other failure
+//   905  what it needs to run is missing (its                 that cannot be used; a folder too long
+//        interpreter), or it is being written            908  it may not be run
+//                                                        909  any other failure
 ExecResult EXEC(const std::string& program, const std::string& arguments, int mode);
 ExecResult EXEC(const std::string& program, const std::string& arguments, int mode,
                 const std::string& folder);

@@ -100,7 +100,9 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
     case os::StartError::NotFound: return ERR_EXEC_NOT_FOUND;
     case os::StartError::NotExecutable:
         return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
+    case os::StartError::BadFormat: return ERR_EXEC_FORMAT;
     case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
+    case os::StartError::WontRun: return ERR_EXEC_WONT_RUN;
     case os::StartError::BadArguments: return ERR_EXEC_COMMAND_LINE;
     case os::StartError::BadOutput:
     case os::StartError::BadInput: return ERR_EXEC_OUTPUT_FILE;
