@@ -6,6 +6,7 @@
 #include "support/tempfolder.h"
 #include "toolchain/build/compile.h"
 #include "toolchain/build/make.h"
+#include "toolchain/build/tcc.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
 
@@ -19,10 +20,15 @@ namespace {
 
 constexpr int MostCalls = 200;
 
-class Failure : public ::testing::Test {
+std::vector<const char*> backEnds() {
+    return tccIsThere() ? std::vector<const char*>{"tcc", "gcc-O0"} : std::vector<const char*>{"gcc-O0"};
+}
+
+// With each kind of back end: a program, and the library in the process.
+class Failure : public ::testing::TestWithParam<const char*> {
 protected:
     const std::string file_ = "/home/user/a.cls";
-    const Variable path_{"PATH", "/usr/bin"};
+    const Variable path_{"PATH", "/usr/bin"}, backEnd_{"TARNWICK_CC", GetParam()};
     os::SteeredClock clock_;
 
     void prepare(os::SteeredFiles& files, os::SteeredProcesses& processes) {
@@ -42,15 +48,13 @@ protected:
     }
     std::size_t compile() {
         CompilerOptions options;
-        options.file = file_;
-        Messages messages;
-        compileClass(options, messages);
-        return messages.count();
+        options.files = {file_};
+        return compileClasses(options).front().messages.count();
     }
     bool outOfDate() { return isOutOfDate(findSources(file_, {}).classes[0]); }
 };
 
-TEST_F(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
+TEST_P(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
     const os::Steered clock(clock_);
     for (int call = 1; call < MostCalls; ++call) {
         os::SteeredFiles files;
@@ -76,7 +80,7 @@ TEST_F(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
     FAIL() << "a compile takes too many calls";
 }
 
-TEST_F(Failure, AnInterruptedCompileIsDoneAgain) {
+TEST_P(Failure, AnInterruptedCompileIsDoneAgain) {
     const os::Steered clock(clock_);
     for (int call = 1; call < MostCalls; ++call) {
         os::SteeredFiles files;
@@ -99,6 +103,9 @@ TEST_F(Failure, AnInterruptedCompileIsDoneAgain) {
     }
     FAIL() << "a compile takes too many calls";
 }
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, Failure, ::testing::ValuesIn(backEnds()),
+                         [](const auto& info) { return std::string(info.param, 3); });
 
 }  // namespace
 }  // namespace tarn::toolchain

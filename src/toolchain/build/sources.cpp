@@ -3,6 +3,7 @@
 // Which files a program is made of, and which of them are out of date.
 #include "os/files.h"
 #include "os/paths.h"
+#include "toolchain/build/link.h"
 #include "toolchain/build/make.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace tarn::toolchain {
 namespace {
@@ -37,6 +39,7 @@ public:
         add(mainFile);
         for (std::size_t i = 0; i < found_.size(); ++i) read(i);
         findNewest();
+        findReached();
     }
 
     std::vector<SourceClass> ordered() {
@@ -71,25 +74,62 @@ private:
     }
 
     void read(std::size_t number) {
-        const std::string file = found_[number].path;
         SourceClass item = found_[number];
         std::string text;
-        item.readable = os::readFile(file, text) == os::FileError::None;
-        Messages silent;
-        const auto tree = parseClass(text, file, silent);
-        item.name = tree->name;
-        item.isMain = hasMain(*tree);
-        item.resource = twinOf(file);
-        item.newest = timeOf(file);
-        for (const UsedClass& used : tree->uses) {
-            if (isBuiltInClass(used.name)) continue;
-            const std::string place = findClassFile(used.name, std::string(paths::folder(file)), path_);
+        item.modified = item.newest = timeOf(item.path);
+        item.readable = os::readFile(item.path, text) == os::FileError::None;
+        item.resource = twinOf(item.path);
+        item.source = sourceDigest(item.path, text);
+        readResults(item);
+        for (const std::string& used : usesOf(item, text)) {
+            if (isBuiltInClass(used)) continue;
+            const std::string place = find(used, std::string(paths::folder(item.path)));
             if (place.empty())
                 item.missingUse = true;
-            else if (place != file)
+            else if (place != item.path)
                 item.uses.push_back(add(place));
         }
         found_[number] = std::move(item);
+    }
+
+    static void readResults(SourceClass& item) {
+        std::string bytes;
+        if (os::readFile(changeExtension(item.path, ".sym"), bytes) == os::FileError::None)
+            item.record = findRecord(bytes);
+        if (os::readFile(objectFile(item.path), bytes) == os::FileError::None) item.object = digestOf(bytes);
+    }
+
+    // Fills in what the text says. A source that has not changed since its compile said it then.
+    static std::vector<std::string> usesOf(SourceClass& item, const std::string& text) {
+        if (item.record && item.record->source == item.source && item.record->uses) {
+            item.name = item.record->name;
+            item.isMain = item.record->isMain;
+            item.heads = item.record->heads;
+            return *item.record->uses;
+        }
+        Messages silent;
+        const auto tree = parseClass(text, item.path, silent);
+        item.name = tree->name;
+        item.isMain = hasMain(*tree);
+        item.heads = headsOf(text);
+        std::vector<std::string> names;
+        for (const UsedClass& used : tree->uses) names.push_back(used.name);
+        return names;
+    }
+
+    // A class is used from many places, and a folder in which it is not has to be listed to know that.
+    std::string find(const std::string& name, const std::string& folder) {
+        const auto [place, isNew] = places_.try_emplace({folder, name});
+        if (isNew) place->second = findClassFile(name, folder, path_);
+        return place->second;
+    }
+
+    void findReached() {
+        for (std::size_t i = 0; i < found_.size(); ++i)
+            found_[i].reach = reachOf(
+                i, found_.size(), [this](std::size_t n) -> const auto& { return found_[n].uses; },
+                [this](std::size_t n) -> const auto& { return found_[n].path; },
+                [this](std::size_t n) { return found_[n].heads; });
     }
 
     void findNewest() {
@@ -118,19 +158,39 @@ private:
     std::vector<std::string> path_;
     std::vector<SourceClass> found_;
     std::map<std::string, std::size_t> numbers_;
+    std::map<std::pair<std::string, std::string>, std::string> places_;  // by folder and name
 };
 
 bool hasResources(const Sources& sources) {
     return !sources.companion.empty();
 }
 
+// What the note of a result says: that it was made of these inputs, or that it was not, or there is none.
+enum class Note { None, Same, Other };
+Note noteSays(const std::string& result, Digest inputs) {
+    std::string bytes;
+    os::readFile(noteFile(result), bytes);
+    const std::optional<MakeNote> note = readNote(bytes);
+    if (!note) return Note::None;
+    if (note->inputs != inputs || os::readFile(result, bytes) != os::FileError::None) return Note::Other;
+    return note->result == digestOf(bytes) ? Note::Same : Note::Other;
+}
+
+bool resourceIsNewer(const Sources& sources) {
+    const std::int64_t companion = timeOf(sources.companion);
+    return std::any_of(sources.classes.begin(), sources.classes.end(), [&](const SourceClass& item) {
+        return !item.resource.empty() && timeOf(item.resource) > companion;
+    });
+}
+
 std::string changedFiles(const Sources& sources) {
     std::string text;
     for (const SourceClass& item : sources.classes)
         if (isOutOfDate(item)) text += item.path + "\n";
+    const bool byTime = resourceIsNewer(sources);
     if (companionIsOutOfDate(sources))
         for (const SourceClass& item : sources.classes)
-            if (!item.resource.empty() && timeOf(item.resource) > timeOf(sources.companion))
+            if (!item.resource.empty() && (!byTime || timeOf(item.resource) > timeOf(sources.companion)))
                 text += item.resource + "\n";
     if (text.empty() && exeIsOutOfDate(sources)) text = sources.exe + "\n";
     return text;
@@ -171,24 +231,51 @@ Sources findSources(const std::string& mainFile, const std::vector<std::string>&
 bool isOutOfDate(const SourceClass& item) {
     if (!isClassFile(item.path)) return false;
     if (item.missingUse || !item.readable) return true;
-    const std::int64_t object = timeOf(objectFile(item.path));
-    return object < 0 || object < item.newest || timeOf(changeExtension(item.path, ".sym")) < item.newest;
+    const std::int64_t results =
+        std::min(timeOf(objectFile(item.path)), timeOf(changeExtension(item.path, ".sym")));
+    if (!item.record) return results < item.newest;
+    const CompileRecord& record = *item.record;
+    return results < item.modified || record.source != item.source || record.reach != item.reach ||
+           record.object != item.object;
 }
 
 bool companionIsOutOfDate(const Sources& sources) {
     if (!hasResources(sources)) return false;
-    const std::int64_t companion = timeOf(sources.companion);
-    return std::any_of(sources.classes.begin(), sources.classes.end(), [&](const SourceClass& item) {
-        return !item.resource.empty() && timeOf(item.resource) > companion;
-    });
+    if (noteSays(sources.companion, companionInputs(sources)) == Note::Other) return true;
+    return resourceIsNewer(sources);
 }
 
 bool exeIsOutOfDate(const Sources& sources) {
     if (sources.exe.empty()) return false;
     const std::int64_t exe = timeOf(sources.exe);
     if (exe < 0 || os::sizeOf(sources.exe) == 0) return true;
-    return std::any_of(sources.classes.begin(), sources.classes.end(),
-                       [exe](const SourceClass& item) { return timeOf(objectFile(item.path)) > exe; });
+    const Note note = noteSays(sources.exe, programInputs(sources));
+    if (note != Note::None) return note == Note::Other;
+    return std::any_of(sources.classes.begin(), sources.classes.end(), [exe](const SourceClass& item) {
+        return item.record || timeOf(objectFile(item.path)) > exe;
+    });
+}
+
+Digest programInputs(const Sources& sources) {
+    Digest digest = digestOf(digestOf(startObject()), digestOf(libraryFolder()));
+    for (const SourceClass& item : sources.classes)
+        digest = digestOf(digest, digestOf(digestOf(item.path), item.object));
+    return digest;
+}
+
+Digest companionInputs(const Sources& sources) {
+    Digest digest = 0;
+    std::string bytes;
+    for (const SourceClass& item : sources.classes) {
+        if (item.resource.empty()) continue;
+        os::readFile(item.resource, bytes);
+        digest = digestOf(digest, digestOf(digestOf(item.resource), digestOf(bytes)));
+    }
+    return digest;
+}
+
+std::string noteFile(const std::string& result) {
+    return workFolder(result).append(paths::fileName(result)).append(".note");
 }
 
 std::string answerQuery(const MakeOptions& options, const Sources& sources) {
