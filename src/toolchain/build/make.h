@@ -25,6 +25,7 @@ struct SourceClass {
     std::vector<std::size_t> uses;  // numbers of the classes found
     std::string resource;           // its `.rc` twin; empty if there is none
     std::int64_t modified = 0;      // source time
+    std::int64_t results = -1;      // time of the older of object and symbol file; -1 if one is missing
     std::int64_t newest = 0;        // source time of it and all that it uses
     bool missingUse = false;
     bool readable = true;

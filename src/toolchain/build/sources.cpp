@@ -11,7 +11,9 @@
 #include "toolchain/output/generator.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
+#include <unordered_set>
 #include <utility>
 
 namespace tarn::toolchain {
@@ -22,13 +24,49 @@ std::int64_t timeOf(const std::string& file) {
     return info.exists ? info.modified : -1;
 }
 
-std::string twinOf(const std::string& file) {
-    for (const char* extension : {".rc", ".RC"}) {
-        std::string twin = changeExtension(file, extension);
-        if (os::sizeOf(twin) >= 0) return twin;
-    }
-    return {};
+// The last `most` bytes of a file, all if it is shorter; its time, -1 if it cannot be read.
+std::int64_t readEnd(const std::string& file, std::int64_t most, std::string& bytes) {
+    bytes.clear();
+    const os::FileInfo info = os::infoOf(file);
+    os::Handle handle = -1;
+    if (!info.exists || info.folder || os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None)
+        return -1;
+    const std::int64_t begin = std::max<std::int64_t>(info.size - most, 0);
+    bytes.resize(static_cast<std::size_t>(info.size - begin));
+    std::size_t got = 0;
+    const bool success = os::readUpTo(handle, begin, bytes.data(), bytes.size(), got) == os::FileError::None;
+    os::files().close(handle);
+    bytes.resize(success ? got : 0);
+    return success ? info.modified : -1;
 }
+
+constexpr std::int64_t WholeFile = INT64_MAX;
+constexpr std::int64_t RecordSize = 2048;  // a line of a symbol file with a full comment is shorter
+
+// What lies in the folders, each listed once: it is less work than to ask for each file.
+class Folders {
+public:
+    bool holds(const std::string& file) {
+        const std::string folder(paths::folder(file));
+        const auto [place, isNew] = names_.try_emplace(folder);
+        if (isNew) {
+            std::vector<std::string> names;
+            os::files().list(folder, names);
+            place->second.insert(names.begin(), names.end());
+        }
+        return place->second.count(std::string(paths::fileName(file))) != 0;
+    }
+    std::string twinOf(const std::string& file) {
+        for (const char* extension : {".rc", ".RC"}) {
+            std::string twin = changeExtension(file, extension);
+            if (holds(twin) && os::sizeOf(twin) >= 0) return twin;
+        }
+        return {};
+    }
+
+private:
+    std::map<std::string, std::unordered_set<std::string>> names_;
+};
 
 // Reads the classes breadth first, then puts them in order.
 class Finder {
@@ -76,9 +114,9 @@ private:
     void read(std::size_t number) {
         SourceClass item = found_[number];
         std::string text;
-        item.modified = item.newest = timeOf(item.path);
-        item.readable = os::readFile(item.path, text) == os::FileError::None;
-        item.resource = twinOf(item.path);
+        item.modified = item.newest = readEnd(item.path, WholeFile, text);
+        item.readable = item.modified >= 0;
+        item.resource = folders_.twinOf(item.path);
         item.source = sourceDigest(item.path, text);
         readResults(item);
         for (const std::string& used : usesOf(item, text)) {
@@ -92,11 +130,13 @@ private:
         found_[number] = std::move(item);
     }
 
-    static void readResults(SourceClass& item) {
-        std::string bytes;
-        if (os::readFile(changeExtension(item.path, ".sym"), bytes) == os::FileError::None)
-            item.record = findRecord(bytes);
-        if (os::readFile(objectFile(item.path), bytes) == os::FileError::None) item.object = digestOf(bytes);
+    void readResults(SourceClass& item) {
+        const std::string object = objectFile(item.path), symbols = changeExtension(item.path, ".sym");
+        if (folders_.holds(symbols)) item.results = readEnd(symbols, RecordSize, bytes_);
+        if (item.results >= 0) item.record = findRecord(bytes_);
+        const std::int64_t time = folders_.holds(object) ? readEnd(object, WholeFile, bytes_) : -1;
+        if (time >= 0) item.object = digestOf(bytes_);
+        item.results = std::min(item.results, time);
     }
 
     // Fills in what the text says. A source that has not changed since its compile said it then.
@@ -159,6 +199,8 @@ private:
     std::vector<SourceClass> found_;
     std::map<std::string, std::size_t> numbers_;
     std::map<std::pair<std::string, std::string>, std::string> places_;  // by folder and name
+    Folders folders_;
+    std::string bytes_;
 };
 
 bool hasResources(const Sources& sources) {
@@ -230,12 +272,10 @@ Sources findSources(const std::string& mainFile, const std::vector<std::string>&
 
 bool isOutOfDate(const SourceClass& item) {
     if (!isClassFile(item.path)) return false;
-    if (item.missingUse || !item.readable) return true;
-    const std::int64_t results =
-        std::min(timeOf(objectFile(item.path)), timeOf(changeExtension(item.path, ".sym")));
-    if (!item.record) return results < item.newest;
+    if (item.missingUse || !item.readable || item.results < 0) return true;
+    if (!item.record) return item.results < item.newest;
     const CompileRecord& record = *item.record;
-    return results < item.modified || record.source != item.source || record.reach != item.reach ||
+    return item.results < item.modified || record.source != item.source || record.reach != item.reach ||
            record.object != item.object;
 }
 
