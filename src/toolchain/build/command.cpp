@@ -15,7 +15,7 @@ namespace tarn::toolchain {
 namespace {
 
 constexpr std::string_view CompilerName = "quarn.exe";
-constexpr const char* DefaultLine = " /p1 /d1 /q /s3000 ^.cls";
+constexpr const char* DefaultWords[] = {"/p1", "/d1", "/q", "/s3000", "^.cls"};
 using namespace std::string_view_literals;
 constexpr std::string_view Note = "Tarnwick\0\0\0\0quar"sv;
 constexpr std::size_t NotePlace = 4096;  // it stands among the first bytes of the file
@@ -87,10 +87,12 @@ CompilerLine findCompilerLine() {
     std::string text = lineIn(settings);
     const bool isHere = !text.empty();
     if (!isHere) text = lineIn(settings = installedSettings());
-    if (text.empty()) text = "\"" + toolFolder() + std::string(CompilerName) + "\"" + DefaultLine;
     CompilerLine line;
     line.words = SPLITARGUMENTS(text);
-    if (!line.words.empty()) {
+    if (line.words.empty()) {
+        line.program = toolFolder() + std::string(CompilerName);
+        line.words.assign(std::begin(DefaultWords), std::end(DefaultWords));
+    } else {
         line.program = line.words.front();
         line.words.erase(line.words.begin());
     }
