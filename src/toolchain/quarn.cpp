@@ -8,6 +8,7 @@
 #include "toolchain/build/tools.h"
 
 #include <cstdio>
+#include <malloc.h>
 
 // The note by which the make tool knows this compiler from another one of its name; see isOwnCompiler.
 __asm__(".pushsection .note.tarnwick, \"a\", @note\n"
@@ -16,13 +17,11 @@ __asm__(".pushsection .note.tarnwick, \"a\", @note\n"
 
 namespace {
 
+using namespace tarn;
+
 constexpr int Failed = 1, CannotReport = 2;
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    using namespace tarn;
-    os::setCommandLine(argc, argv);
+int compile() {
     const std::string results = toolchain::toolFolder() + std::string(toolchain::ResultFile);
     os::files().remove(results);
     toolchain::Messages messages;
@@ -42,4 +41,18 @@ int main(int argc, char** argv) {
         return CannotReport;
     }
     return clean ? 0 : Failed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // What one class took the next one takes again; the system need not have it in between.
+    constexpr int Kept = 256 << 20, Step = 8 << 20;
+    mallopt(M_TRIM_THRESHOLD, Kept);
+    mallopt(M_MMAP_THRESHOLD, Step);
+    mallopt(M_TOP_PAD, Step);
+    os::setCommandLine(argc, argv);
+    const int code = compile();
+    std::fflush(stdout);
+    os::endProcess(code);
 }

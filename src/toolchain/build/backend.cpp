@@ -20,7 +20,8 @@ struct Name {
 };
 constexpr Name Names[] = {{"tcc", BackEnd::Quick}, {"gcc-O0", BackEnd::Plain}, {"gcc-O2", BackEnd::Best}};
 
-void fail(const std::string& classFile, const std::string& why, const std::string& output, Messages& messages) {
+void fail(const std::string& classFile, const std::string& why, const std::string& output,
+          Messages& messages) {
     messages.add(classFile, 0, Problem::CCompilerFailed, {why + (output.empty() ? "" : "\n" + output)});
 }
 
@@ -31,12 +32,13 @@ CompiledObject withQuick(const std::string& classFile, const std::string& text, 
     return {};
 }
 
-CompiledObject withMachine(const std::string& compiler, const std::string& classFile, bool best, Messages& messages) {
+CompiledObject withMachine(const std::string& compiler, const std::string& classFile, bool best,
+                           Messages& messages) {
     const std::string made = objectFile(classFile) + ".new";
     // Descriptors are seen under several types, hence without the rule of strict aliasing.
     const ToolRun run = runTool(compiler,
-                                {"-std=c11", best ? "-O2" : "-O0", "-w", "-fwrapv", "-fno-strict-aliasing", "-pipe",
-                                 "-c", "-o", made, generatedFile(classFile)},
+                                {"-std=c11", best ? "-O2" : "-O0", "-w", "-fwrapv", "-fno-strict-aliasing",
+                                 "-pipe", "-c", "-o", made, generatedFile(classFile)},
                                 made + ".log");
     CompiledObject object;
     if (run.failure.empty()) os::readFile(made, object.bytes);
@@ -50,15 +52,16 @@ CompiledObject withMachine(const std::string& compiler, const std::string& class
 
 BackEnd chooseBackEnd(int debug) {
     const std::string named = os::environment(Variable);
-    const auto found =
-        std::find_if(std::begin(Names), std::end(Names), [&](const Name& name) { return named == name.text; });
+    const auto found = std::find_if(std::begin(Names), std::end(Names),
+                                    [&](const Name& name) { return named == name.text; });
     if (found != std::end(Names)) return found->backEnd;
     if (!named.empty()) return BackEnd::Unknown;
     if (debug == 0) return BackEnd::Best;
     return tccIsThere() ? BackEnd::Quick : BackEnd::Plain;
 }
 
-CompiledObject compileObject(const std::string& classFile, const std::string& text, int debug, Messages& messages) {
+CompiledObject compileObject(const std::string& classFile, const std::string& text, int debug,
+                             Messages& messages) {
     const BackEnd chosen = chooseBackEnd(debug);
     const bool isFree = os::environment(Variable).empty();
     if (chosen == BackEnd::Unknown) {

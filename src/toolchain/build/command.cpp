@@ -33,10 +33,12 @@ std::string installedSettings() {
 }
 
 std::string lineIn(const std::string& settings) {
-    return settings.empty() || os::sizeOf(settings) < 0 ? std::string() : PROFILESTRGET(settings, "ordo", "CLS");
+    return settings.empty() || os::sizeOf(settings) < 0 ? std::string()
+                                                        : PROFILESTRGET(settings, "ordo", "CLS");
 }
 
-std::vector<platform::ResourceFolder> resourceFolders(const std::string& settings, const std::string& compilerFolder) {
+std::vector<platform::ResourceFolder> resourceFolders(const std::string& settings,
+                                                      const std::string& compilerFolder) {
     const std::string folder =
         settings.empty() ? std::string() : PROFILESTRGET(settings, "PathsOptionsDlg", "Edit5");
     return {{"<RESOURCEDIR>", folder},

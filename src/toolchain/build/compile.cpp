@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 
 namespace tarn::toolchain {
@@ -28,6 +29,23 @@ bool save(const std::string& file, const std::string& text, const std::string& c
     const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
     if (!result.ok()) messages.add(classFile, 0, Problem::CannotWrite, {file, os::describe(result.error)});
     return result.ok();
+}
+
+// For results that are read by what knows whether they are whole. A new file takes half the time of a replaced one.
+bool saveAnew(const std::string& file, const std::string& text, const std::string& classFile,
+              Messages& messages) {
+    constexpr std::uint32_t Permissions = 0666;
+    os::files().remove(file);
+    os::Handle handle = -1;
+    os::FileError error = os::files().open(file, os::OpenMode::Truncate, Permissions, handle);
+    if (error == os::FileError::None) {
+        error = os::files().write(handle, 0, text);
+        const os::FileError closed = os::files().close(handle);
+        if (error == os::FileError::None) error = closed;
+    }
+    if (error != os::FileError::None)
+        messages.add(classFile, 0, Problem::CannotWrite, {file, os::describe(error)});
+    return error == os::FileError::None;
 }
 
 bool makeWorkFolder(const std::string& file, Messages& messages) {
@@ -111,7 +129,8 @@ private:
         for (Facts& facts : facts_)
             if (facts.uses.empty())
                 for (const UsedClass& used : facts.tree->uses)
-                    if (used.tree != nullptr && used.tree != facts.tree) facts.uses.push_back(numbers_.at(used.tree));
+                    if (used.tree != nullptr && used.tree != facts.tree)
+                        facts.uses.push_back(numbers_.at(used.tree));
     }
 
     ClassLoader loader_;
@@ -146,21 +165,23 @@ public:
 
 private:
     void compile(Reader& reader, ClassResult& result) {
+        const ReadingFiles::InForce reading(files_);
         Messages& messages = result.messages;
         ClassTree* tree = reader.load(result.file, messages);
         if (tree == nullptr) return;
         if (!tree->name.empty()) checkClass(*tree, messages);
         if (messages.empty()) countSymbols(options_, *tree, messages);
-        if (messages.empty()) generate(*tree, reader.recordOf(*tree), std::max(began_, reader.newest()), messages);
+        if (messages.empty())
+            generate(*tree, reader.recordOf(*tree), std::max(began_, reader.newest()), messages);
     }
 
     void generate(const ClassTree& tree, CompileRecord record, std::int64_t time, Messages& messages) {
         Generated made = generateC(tree, {options_.precond, options_.debug});
         made.text += programPointer(tree);
         if (!makeWorkFolder(tree.path, messages)) return;
-        if (!save(generatedFile(tree.path), made.text, tree.path, messages)) return;
+        if (!saveAnew(generatedFile(tree.path), made.text, tree.path, messages)) return;
         const CompiledObject object = compileObject(tree.path, made.text, options_.debug, messages);
-        if (!messages.empty() || !save(objectFile(tree.path), object.bytes, tree.path, messages)) return;
+        if (!messages.empty() || !saveAnew(objectFile(tree.path), object.bytes, tree.path, messages)) return;
         record.object = digestOf(object.bytes);
         record.quick = object.quick;
         const std::string symbols = symbolFile(tree, describeOptions(options_), made.codeLines);
@@ -170,7 +191,7 @@ private:
         stampResult(objectFile(tree.path), time);
     }
 
-    const CompilerOptions& options_;
+    const CompilerOptions options_;
     std::vector<std::string> path_;
     const std::int64_t began_;
     ReadingFiles files_;
@@ -182,7 +203,10 @@ private:
 
 std::vector<ClassResult> compileClasses(const CompilerOptions& options) {
     std::vector<ClassResult> results;
-    Compiler compiler(options);
+    // It stays until the next call: to give all trees back takes time that a process at its end does not need.
+    static std::unique_ptr<Compiler> last;
+    last = std::make_unique<Compiler>(options);
+    Compiler& compiler = *last;
     for (const std::string& file : options.files) {
         results.push_back({fullPath(file), {}});
         compiler.compile(results.back());

@@ -63,12 +63,11 @@ private:
     // that this does not know counts as one.
     bool isModified(std::size_t at) const {
         if (at == 0 || tokens_[at - 1].kind != TokenKind::Word) return false;
-        constexpr Word Ends[] = {Word::Function, Word::Boolean, Word::Integer, Word::String, Word::True, Word::False};
+        constexpr Word Ends[] = {Word::Function, Word::Boolean, Word::Integer,
+                                 Word::String,   Word::True,    Word::False};
         return std::find(std::begin(Ends), std::end(Ends), tokens_[at - 1].word) == std::end(Ends);
     }
-    void take() {
-        kept_.push_back(&tokens_[at_++]);
-    }
+    void take() { kept_.push_back(&tokens_[at_++]); }
     // Behind the `end function` of the function that begins here; 0 if another one begins before that.
     std::size_t bodyEnd(std::size_t function) const {
         for (std::size_t i = function + 1; i < tokens_.size(); ++i) {
@@ -88,7 +87,9 @@ private:
         } while (at_ < tokens_.size() && (depth > 0 || tokens_[at_ - 1].text != ")"));
         if (at_ >= tokens_.size() || !isWord(tokens_[at_], Word::Return)) return;
         take();
-        while (at_ < tokens_.size() && !(tokens_[at_].firstOnLine && endsType(tokens_[at_ - 1], tokens_[at_]))) take();
+        while (at_ < tokens_.size() &&
+               !(tokens_[at_].firstOnLine && endsType(tokens_[at_ - 1], tokens_[at_])))
+            take();
     }
     static bool endsType(const Token& before, const Token& here) {
         const bool complete = before.kind == TokenKind::Name || before.text == "]" || before.text == ")" ||
@@ -109,7 +110,8 @@ private:
         // Behind "Class" and the names of the Uses line.
         std::size_t i = 0;
         while (i < kept_.size() && !isWord(*kept_[i], Word::Uses)) ++i;
-        for (i = i == kept_.size() ? 0 : i + 1; i < kept_.size() && kept_[i]->kind == TokenKind::Name; ++i) continue;
+        for (i = i == kept_.size() ? 0 : i + 1; i < kept_.size() && kept_[i]->kind == TokenKind::Name; ++i)
+            continue;
         for (; i + 1 < kept_.size(); ++i) {
             if (kept_[i]->kind != TokenKind::Name || kept_[i + 1]->text == ":") continue;
             if (i > 0 && (declares(*kept_[i - 1]) || isWord(*kept_[i - 1], Word::Class))) continue;

@@ -41,19 +41,21 @@ Heads headsOf(std::string_view text);
 // What a compile sees of other classes: the heads of those that the class uses, and of those that a class with open
 // heads among them uses, and so on. Classes are numbers here; `uses(n)` is a range of numbers.
 template <typename Uses, typename PathOf, typename HeadsOf>
-Digest reachOf(std::size_t first, std::size_t count, const Uses& uses, const PathOf& pathOf, const HeadsOf& heads);
+Digest reachOf(std::size_t first, std::size_t count, const Uses& uses, const PathOf& pathOf,
+               const HeadsOf& heads);
 
 // ---- the record of a compile ----
 
 struct CompileRecord {
     Digest source = 0;
     Heads heads;
-    Digest reach = 0;   // of the heads of other classes that the compile saw
-    Digest object = 0;  // of the bytes of its object
-    bool quick = false;            // the object is tcc's
+    Digest reach = 0;    // of the heads of other classes that the compile saw
+    Digest object = 0;   // of the bytes of its object
+    bool quick = false;  // the object is tcc's
     bool isMain = false;
-    std::string name;                             // of the class
-    std::optional<std::vector<std::string>> uses;  // as in its Uses line; nothing if they are too many to be noted
+    std::string name;  // of the class
+    std::optional<std::vector<std::string>>
+        uses;  // as in its Uses line; nothing if they are too many to be noted
 };
 
 // The line of the symbol file.
@@ -74,7 +76,8 @@ std::optional<MakeNote> readNote(std::string_view text);
 Digest reachedDigest(const std::string& path, Digest heads);
 
 template <typename Uses, typename PathOf, typename HeadsOf>
-Digest reachOf(std::size_t first, std::size_t count, const Uses& uses, const PathOf& pathOf, const HeadsOf& heads) {
+Digest reachOf(std::size_t first, std::size_t count, const Uses& uses, const PathOf& pathOf,
+               const HeadsOf& heads) {
     Digest sum = 0;  // in any order
     std::vector<char> seen(count, 0);
     std::vector<std::size_t> list{first};

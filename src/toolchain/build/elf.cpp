@@ -14,9 +14,11 @@ namespace {
 constexpr std::string_view SoName = "libtarnwick.so";
 constexpr std::string_view Prefixes[] = {"tarn_", "quarn_"};
 // What start.c calls, and what C compilers call for an assignment of a large value.
-constexpr const char* OfTheCLibrary[] = {"__libc_start_main", "getrlimit", "memcpy", "memmove", "memset", "memcmp"};
+constexpr const char* OfTheCLibrary[] = {"__libc_start_main", "getrlimit", "memcpy",
+                                         "memmove",           "memset",    "memcmp"};
 
-template <typename Record> void append(std::string& bytes, const Record& record) {
+template <typename Record>
+void append(std::string& bytes, const Record& record) {
     bytes.append(reinterpret_cast<const char*>(&record), sizeof record);
 }
 
@@ -41,7 +43,8 @@ public:
             os::readUpTo(handle_, static_cast<std::int64_t>(offset), bytes.data(), bytes.size(), got);
         return error == os::FileError::None && got == size ? bytes : std::string();
     }
-    template <typename Record> std::vector<Record> records(std::uint64_t offset, std::uint64_t size) const {
+    template <typename Record>
+    std::vector<Record> records(std::uint64_t offset, std::uint64_t size) const {
         const std::string bytes = part(offset, size);
         std::vector<Record> result(bytes.size() / sizeof(Record));
         std::memcpy(result.data(), bytes.data(), result.size() * sizeof(Record));
@@ -96,13 +99,15 @@ private:
         texts_.append(name).append(1, '\0');
         return place;
     }
-    static void section(Elf64_Shdr& header, Elf64_Word type, std::string& body, const void* data, std::size_t size,
-                        Elf64_Word link) {
+    static void section(Elf64_Shdr& header, Elf64_Word type, std::string& body, const void* data,
+                        std::size_t size, Elf64_Word link) {
         header.sh_type = type;
         header.sh_offset = sizeof(Elf64_Ehdr) + body.size();
         header.sh_size = size;
         header.sh_link = link;
-        header.sh_entsize = type == SHT_DYNSYM ? sizeof(Elf64_Sym) : type == SHT_DYNAMIC ? sizeof(Elf64_Dyn) : 0;
+        header.sh_entsize = type == SHT_DYNSYM    ? sizeof(Elf64_Sym)
+                            : type == SHT_DYNAMIC ? sizeof(Elf64_Dyn)
+                                                  : 0;
         body.append(static_cast<const char*>(data), size);
         body.resize((body.size() + 7) / 8 * 8);
     }

@@ -17,7 +17,8 @@ std::string save(const std::string& file, std::string_view bytes) {
     return "the file '" + file + "' cannot be written: " + std::string(os::describe(result.error));
 }
 
-std::string inMemory(const std::vector<LinkInput>& inputs, const std::string& library, const std::string& made) {
+std::string inMemory(const std::vector<LinkInput>& inputs, const std::string& library,
+                     const std::string& made) {
     std::vector<std::string_view> objects{startObject()};
     for (const LinkInput& input : inputs) objects.push_back(input.bytes);
     const Made program = tccLink(objects, library + "/libtarnwick.so");
@@ -31,16 +32,18 @@ std::string inMemory(const std::vector<LinkInput>& inputs, const std::string& li
     return std::string(os::describe(error));
 }
 
-std::string byMachine(const std::vector<LinkInput>& inputs, const std::string& library, const std::string& scratch,
-                      const std::string& made) {
+std::string byMachine(const std::vector<LinkInput>& inputs, const std::string& library,
+                      const std::string& scratch, const std::string& made) {
     const std::string compiler = findCCompiler(), start = scratch + ".start.o";
     if (compiler.empty()) return problemText(Problem::NoCCompiler, {});
     if (const std::string failure = save(start, startObject()); !failure.empty()) return failure;
-    std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-Wl,-z,noexecstack", "-o", made, start};
+    std::vector<std::string> arguments = {
+        "-w", "-Wl,--allow-shlib-undefined", "-Wl,-z,noexecstack", "-o", made, start};
     for (const LinkInput& input : inputs) arguments.push_back(input.file);
     // A word of its own for each path: a comma would divide one behind -Wl.
-    for (const std::string& word : {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
-                                    std::string("-Xlinker"), std::string("-rpath"), std::string("-Xlinker"), library})
+    for (const std::string& word :
+         {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
+          std::string("-Xlinker"), std::string("-rpath"), std::string("-Xlinker"), library})
         arguments.push_back(word);
 #ifdef __SANITIZE_ADDRESS__
     // The kernel of such a build needs its run-time to be the first library of the program.
@@ -55,9 +58,10 @@ std::string byMachine(const std::vector<LinkInput>& inputs, const std::string& l
 
 }  // namespace
 
-std::string linkProgram(const std::vector<LinkInput>& inputs, const std::string& library, const std::string& scratch,
-                        const std::string& made) {
-    const bool quick = std::all_of(inputs.begin(), inputs.end(), [](const LinkInput& one) { return one.quick; });
+std::string linkProgram(const std::vector<LinkInput>& inputs, const std::string& library,
+                        const std::string& scratch, const std::string& made) {
+    const bool quick =
+        std::all_of(inputs.begin(), inputs.end(), [](const LinkInput& one) { return one.quick; });
     if (!quick || !tccIsThere()) return byMachine(inputs, library, scratch, made);
     const std::string failure = inMemory(inputs, library, made);
     return failure.empty() || findCCompiler().empty() ? failure : byMachine(inputs, library, scratch, made);

@@ -22,7 +22,7 @@ std::string_view startObject();
 // in memory if all of them are the quick compiler's, else by the machine's C compiler, which reads their files.
 // `library` is the folder of libtarnwick.so. `scratch` is the beginning of names for files that are needed meanwhile.
 // The result says what went wrong; empty on success.
-std::string linkProgram(const std::vector<LinkInput>& inputs, const std::string& library, const std::string& scratch,
-                        const std::string& made);
+std::string linkProgram(const std::vector<LinkInput>& inputs, const std::string& library,
+                        const std::string& scratch, const std::string& made);
 
 }  // namespace tarn::toolchain

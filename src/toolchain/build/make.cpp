@@ -25,7 +25,8 @@ struct Compile {
     bool broke = false;  // the compiler did not end as one that tells what is wrong
 };
 
-Compile compile(const CompilerLine& line, const std::vector<std::string>& arguments, const std::string& file) {
+Compile compile(const CompilerLine& line, const std::vector<std::string>& arguments,
+                const std::string& file) {
     const std::string results = std::string(paths::folder(line.program)).append(ResultFile);
     os::files().remove(results);
     const ToolRun run = runTool(line.program, arguments);

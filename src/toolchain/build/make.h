@@ -31,10 +31,10 @@ struct SourceClass {
     bool readable = true;
     bool isMain = false;
 
-    Digest source = 0, reach = 0;             // now; see CompileRecord
+    Digest source = 0, reach = 0;  // now; see CompileRecord
     Heads heads;
-    std::optional<CompileRecord> record;      // of the last compile
-    Digest object = 0;                        // of the object that is there; 0 if there is none
+    std::optional<CompileRecord> record;  // of the last compile
+    Digest object = 0;                    // of the object that is there; 0 if there is none
 };
 
 // A program: its classes, those that others use first, the main class last.

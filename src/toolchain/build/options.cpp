@@ -84,7 +84,8 @@ CompilerOptions readCompilerOptions(const std::vector<std::string>& arguments, M
         if (argument.empty()) continue;
         if (isOptionSign(argument)) {
             const std::string word = ascii::lowered(argument.substr(1));
-            if (plainOption(word, options) || pathOption(argument, options) || mainFolderOption(argument, options))
+            if (plainOption(word, options) || pathOption(argument, options) ||
+                mainFolderOption(argument, options))
                 continue;
             if (argument[0] == '-') {
                 messages.add("quarn", 0, Problem::BadOption, {argument});

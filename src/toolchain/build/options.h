@@ -17,7 +17,7 @@ struct CompilerOptions {
     bool quiet = false;
     int maxSymbols = 0;  // 0: no limit
     std::vector<std::string> inheritedPath, resourcePath;
-    std::string mainFolder;  // leads the inherited path; may hold any character
+    std::string mainFolder;           // leads the inherited path; may hold any character
     std::vector<std::string> others;  // as given, without their sign: v, om, os, lwN, gX
 };
 

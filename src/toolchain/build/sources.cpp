@@ -29,7 +29,8 @@ std::int64_t readEnd(const std::string& file, std::int64_t most, std::string& by
     bytes.clear();
     const os::FileInfo info = os::infoOf(file);
     os::Handle handle = -1;
-    if (!info.exists || info.folder || os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None)
+    if (!info.exists || info.folder ||
+        os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None)
         return -1;
     const std::int64_t begin = std::max<std::int64_t>(info.size - most, 0);
     bytes.resize(static_cast<std::size_t>(info.size - begin));

@@ -7,16 +7,15 @@
 #include <sys/resource.h>
 
 struct tarn_program;
-extern const struct tarn_program *const tarn_main_program;
-int tarn_run(int argc, char **argv, const struct tarn_program *program);
+extern const struct tarn_program* const tarn_main_program;
+int tarn_run(int argc, char** argv, const struct tarn_program* program);
 
 /* The last place of the stack from where an error can still be reported. */
-char *quarn_stack_end;
+char* quarn_stack_end;
 
 /* The end of the stack is found once. A stack without a limit is taken for 1 GiB, so that endless recursion ends
    in its report and not in the memory of the machine. */
-int main(int argc, char **argv)
-{
+int main(int argc, char** argv) {
     struct rlimit limit;
     char here;
     if (getrlimit(RLIMIT_STACK, &limit) == 0) {

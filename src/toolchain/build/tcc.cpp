@@ -32,10 +32,11 @@ namespace tarn::toolchain {
 namespace {
 
 constexpr std::string_view Header = "#include <stdint.h>";
-constexpr std::string_view HeaderText =
-    "typedef signed char int8_t; typedef unsigned char uint8_t; typedef short int16_t; typedef unsigned short "
-    "uint16_t; typedef int int32_t; typedef unsigned int uint32_t; typedef long int64_t; typedef unsigned long "
-    "uint64_t; typedef unsigned long uintptr_t; typedef long intptr_t;";
+constexpr std::string_view HeaderText = "typedef signed char int8_t; typedef unsigned char uint8_t; typedef "
+                                        "short int16_t; typedef unsigned short "
+                                        "uint16_t; typedef int int32_t; typedef unsigned int uint32_t; "
+                                        "typedef long int64_t; typedef unsigned long "
+                                        "uint64_t; typedef unsigned long uintptr_t; typedef long intptr_t;";
 
 // A file without a place on a disk, which others in this process open by its path.
 class MemoryFile {
@@ -62,7 +63,8 @@ public:
         std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
         std::size_t done = 0;
         while (done < bytes.size()) {
-            const ssize_t got = ::pread(number_, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+            const ssize_t got =
+                ::pread(number_, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
             if (got <= 0) return {};
             done += static_cast<std::size_t>(got);
         }
@@ -74,7 +76,8 @@ private:
 };
 
 // Whether `call`, which has nothing to clean up, returns true, and returns at all.
-template <typename Call> bool guarded(const Call& call) {
+template <typename Call>
+bool guarded(const Call& call) {
     std::jmp_buf here;
     escape = &here;
     const bool success = setjmp(here) == 0 && call();
@@ -106,7 +109,8 @@ public:
     bool add(std::string_view bytes) {
         const MemoryFile file;
         const std::string path = file.path();
-        whole_ = whole_ && file.fill(bytes) && guarded([&] { return tcc_add_file(state_, path.c_str()) == 0; });
+        whole_ =
+            whole_ && file.fill(bytes) && guarded([&] { return tcc_add_file(state_, path.c_str()) == 0; });
         return whole_;
     }
     Made result() {

@@ -2,9 +2,11 @@
 //
 // A compile in which the n-th change to the disk fails, or during which the process dies there: a failure is
 // a message, and what is left is either whole or counts as out of date.
+#include "support/places.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 #include "toolchain/build/compile.h"
+#include "toolchain/build/link.h"
 #include "toolchain/build/make.h"
 #include "toolchain/build/tcc.h"
 #include "toolchain/build/tools.h"
@@ -102,6 +104,36 @@ TEST_P(Failure, AnInterruptedCompileIsDoneAgain) {
         EXPECT_FALSE(outOfDate()) << "call " << call;
     }
     FAIL() << "a compile takes too many calls";
+}
+
+// The program is made under another name; what stands there is no program unless the link says so.
+TEST(LinkFailure, AFullDiskAtAnyCallIsToldOrLeavesAWholeProgram) {
+    if (!tccIsThere()) GTEST_SKIP();
+    std::string library;
+    ASSERT_EQ(os::readFile(BINARY_DIR "/libtarnwick.so", library), os::FileError::None);
+    const Made object =
+        tccCompile("struct tarn_program; const struct tarn_program *const tarn_main_program = 0;");
+    ASSERT_EQ(object.failure, "");
+    const Variable path("PATH", "/usr/bin");
+    for (int call = 1; call < MostCalls; ++call) {
+        os::SteeredFiles files;
+        const os::Steered steered(files);
+        files.put("/lib/libtarnwick.so", library);
+        files.put("/home/user/there", "");
+        files.failAt(call, os::FileError::DiskFull);
+        const std::string failure =
+            linkProgram({{"/home/user/a.o", object.bytes, true}}, "/lib", "/home/user/a", "/home/user/a.new");
+        const bool reached = files.calls() >= call;
+        files.stopFailing();
+        if (failure.empty()) {
+            EXPECT_GT(files.contents("/home/user/a.new").size(), 1000U) << call;
+            EXPECT_EQ(os::infoOf("/home/user/a.new").mode & 0111U, 0111U) << call;
+        }
+        EXPECT_EQ(failure.empty(), !reached) << call << failure;
+        EXPECT_EQ(files.openHandles(), 0);
+        if (!reached) return;
+    }
+    FAIL() << "a link takes too many calls";
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, Failure, ::testing::ValuesIn(backEnds()),

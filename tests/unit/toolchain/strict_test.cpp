@@ -18,11 +18,12 @@ protected:
 };
 
 const char* const Clean = "function main()\nPRINT(\"[\" + ARGUMENTS() + \"]\")\nend function\n";
-const char* const Fails =
-    "function main()\nvar i : integer\ni := 1 div i\nPRINT(\"behind\")\nend function\n";
-const char* const Continues = "function main()\nvar i : integer\ni := CVTI(\"x\")\nPRINT(\"behind\")\nend function\n";
-const char* const Handles = "function main()\nvar i : integer\ni := 1 div i\nPRINT(\"behind\")\nend function\n"
-                            "function onerror(number : integer)\nPRINT(STR(number))\nend function\n";
+const char* const Fails = "function main()\nvar i : integer\ni := 1 div i\nPRINT(\"behind\")\nend function\n";
+const char* const Continues =
+    "function main()\nvar i : integer\ni := CVTI(\"x\")\nPRINT(\"behind\")\nend function\n";
+const char* const Handles =
+    "function main()\nvar i : integer\ni := 1 div i\nPRINT(\"behind\")\nend function\n"
+    "function onerror(number : integer)\nPRINT(STR(number))\nend function\n";
 
 TEST_F(Strict, WithoutItTheExitCodeIsZero) {
     for (const char* text : {Clean, Fails, Continues, Handles}) EXPECT_EQ(runProgram(text, {}), 0) << text;

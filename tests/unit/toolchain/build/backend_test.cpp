@@ -42,13 +42,13 @@ const char* const Program =
     "end function\n"
     "function onerror(number : integer)\n    PRINT(\"error \" + STR(number))\nend function\n"
     "End class\n";
-const char* const Words = "Tarnwick Class Words\n"
-                          "public function WORD(n : integer) return string\n"
-                          "    select n\n    case 1 =>\n        return \"one\"\n    case 2 =>\n        return \"two\"\n"
-                          "    else\n        return \"many\"\n    end select\n"
-                          "end function\nEnd class\n";
-const char* const Printed =
-    "543210 15 -2147483634 -41\nABC210two6\xC8\nerror 615\nerror 643\nx\n";
+const char* const Words =
+    "Tarnwick Class Words\n"
+    "public function WORD(n : integer) return string\n"
+    "    select n\n    case 1 =>\n        return \"one\"\n    case 2 =>\n        return \"two\"\n"
+    "    else\n        return \"many\"\n    end select\n"
+    "end function\nEnd class\n";
+const char* const Printed = "543210 15 -2147483634 -41\nABC210two6\xC8\nerror 615\nerror 643\nx\n";
 
 class BackEnds : public ToolchainTest {
 protected:
@@ -63,7 +63,8 @@ protected:
         EXPECT_EQ(output, Printed) << about;
     }
     void level(int debug) {
-        write("tools/ide.ini", "[ordo]\nCLS=\"" + dir + "tools/quarn.exe\" /p1 /d" + std::to_string(debug) + " ^.cls\n");
+        write("tools/ide.ini",
+              "[ordo]\nCLS=\"" + dir + "tools/quarn.exe\" /p1 /d" + std::to_string(debug) + " ^.cls\n");
     }
     std::string by(const char* symbols) const {
         const std::string text = read(symbols);
@@ -114,7 +115,8 @@ TEST_F(BackEnds, TheLevelChoosesAmongThem) {
 TEST_F(BackEnds, AnUnknownNameIsAnError) {
     const Variable chosen("TARNWICK_CC", "msc");
     EXPECT_EQ(make(), 1);
-    EXPECT_NE(errors().find("error 1912 TARNWICK_CC names the C compiler 'msc'"), std::string::npos) << errors();
+    EXPECT_NE(errors().find("error 1912 TARNWICK_CC names the C compiler 'msc'"), std::string::npos)
+        << errors();
 }
 
 TEST_F(BackEnds, TheQuickOneNeedsNothingOfTheMachine) {
@@ -155,7 +157,8 @@ TEST_F(BackEnds, AProgramFindsItsLibraryWhereItWasLinkedAndBesideItself) {
         std::filesystem::create_directories(folder + "x");
         for (const char* file : {"quarn.exe", "ordo.exe", "libtarnwick.so"})
             std::filesystem::copy_file(std::string(BINARY_DIR "/") + file, folder + file);
-        ASSERT_EQ(run(folder + "ordo.exe", {"-fa", dir + "main.cls", "-o" + dir + "o"}), 0) << output << read("o");
+        ASSERT_EQ(run(folder + "ordo.exe", {"-fa", dir + "main.cls", "-o" + dir + "o"}), 0)
+            << output << read("o");
         expectPrinted(name);
         std::filesystem::rename(folder + "libtarnwick.so", dir + "libtarnwick.so");
         expectPrinted(name);
@@ -165,8 +168,9 @@ TEST_F(BackEnds, AProgramFindsItsLibraryWhereItWasLinkedAndBesideItself) {
 }
 
 TEST_F(BackEnds, AMainClassThatIsUsedIsNotTheProgram) {
-    write("other.cls", "Tarnwick Class Other\nUses main words\nfunction main()\nPRINT(\"other\")\nend function\n"
-                       "End class\n");
+    write("other.cls",
+          "Tarnwick Class Other\nUses main words\nfunction main()\nPRINT(\"other\")\nend function\n"
+          "End class\n");
     for (const std::string& name : backEnds()) {
         const Variable chosen("TARNWICK_CC", name);
         ASSERT_EQ(ordo({"-fa", dir + "other.cls", "-o" + dir + "o"}), 0) << errors();
@@ -176,8 +180,9 @@ TEST_F(BackEnds, AMainClassThatIsUsedIsNotTheProgram) {
 }
 
 TEST_F(BackEnds, RecursionThatFillsTheStackIsAnErrorByEachOfThem) {
-    write("main.cls", "Tarnwick Class Main\nfunction deep(n : integer) return integer\nreturn deep(n + 1) + 1\n"
-                      "end function\nfunction main()\nPRINT(STR(deep(0)))\nend function\nEnd class\n");
+    write("main.cls",
+          "Tarnwick Class Main\nfunction deep(n : integer) return integer\nreturn deep(n + 1) + 1\n"
+          "end function\nfunction main()\nPRINT(STR(deep(0)))\nend function\nEnd class\n");
     for (const std::string& name : backEnds()) {
         const Variable chosen("TARNWICK_CC", name);
         ASSERT_EQ(make("-fa"), 0) << errors();
@@ -203,7 +208,8 @@ TEST(QuickBackEnd, WhatFailsIsToldAndTheNextOneWorks) {
 
 TEST(QuickBackEnd, OnlyALibraryHasNames) {
     EXPECT_NE(namesOfLibrary(BINARY_DIR "/libtarnwick.so"), "");
-    for (const char* file : {"/dev/null", "/nowhere", "/etc/passwd"}) EXPECT_EQ(namesOfLibrary(file), "") << file;
+    for (const char* file : {"/dev/null", "/nowhere", "/etc/passwd"})
+        EXPECT_EQ(namesOfLibrary(file), "") << file;
     std::string text = "no program";
     EXPECT_FALSE(forbidStackCode(text));
 }

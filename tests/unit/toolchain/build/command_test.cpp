@@ -16,14 +16,16 @@ class Command : public ToolchainTest {
 protected:
     void SetUp() override {
         ToolchainTest::SetUp();
-        write("main.cls", "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(TEXT())\nend function\nEnd class\n");
+        write("main.cls",
+              "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(TEXT())\nend function\nEnd class\n");
         write("b.cls", "Tarnwick Class B\npublic function TEXT() return string\nreturn \"b\"\nend function\n"
                        "End class\n");
     }
     void installed(const std::string& line) {
         write("environment/ide.ini", "[ordo]\r\nCLS=" + line + "\r\n");
         write("config/tarnwick/registry.ini",
-              "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe]\n=" + dir + "environment/ide\n");
+              "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe]\n=" + dir +
+                  "environment/ide\n");
     }
     // A copy of the tools, with `files` of them.
     std::string copied(const std::vector<std::string>& files) {
@@ -35,7 +37,8 @@ protected:
     // A compiler of somebody else, which leaves its words, each with a NUL behind it.
     void foreign(const std::string& file) {
         std::filesystem::remove(dir + file);
-        write(file, "#!/bin/sh\nprintf '%s\\0' \"$@\" >>'" + dir + "words'\necho 'x : 0 errors.' >\"$(dirname \"$0\")/sarn.err\"\n");
+        write(file, "#!/bin/sh\nprintf '%s\\0' \"$@\" >>'" + dir +
+                        "words'\necho 'x : 0 errors.' >\"$(dirname \"$0\")/sarn.err\"\n");
         std::filesystem::permissions(dir + file, std::filesystem::perms::owner_all);
     }
     std::vector<std::string> words() const {
@@ -86,8 +89,8 @@ TEST_F(Command, AnotherCompilerIsCalledClassByClassWithTheWordsOfItsLine) {
     installed("\"" + dir + "tools/quarn.exe\" /p1 \"/x y\" /om ^.cls");
     static_cast<void>(ordo({"-fm", dir + "main.cls", "-i" + dir + "a b;" + dir + "c", "-o" + dir + "o"}));
     const std::string path = "-i" + dir + ";" + dir + "a b;" + dir + "c";
-    EXPECT_EQ(words(), (std::vector<std::string>{"/p1", "/x y", "/om", dir + "b.cls", path, "/p1", "/x y", "/om",
-                                                 dir + "main.cls", path}));
+    EXPECT_EQ(words(), (std::vector<std::string>{"/p1", "/x y", "/om", dir + "b.cls", path, "/p1", "/x y",
+                                                 "/om", dir + "main.cls", path}));
 }
 
 TEST_F(Command, OurOwnCompilerGetsAllClassesInOneCall) {
@@ -100,8 +103,9 @@ TEST_F(Command, OurOwnCompilerGetsAllClassesInOneCall) {
     write("b.cls", "Tarnwick Class B\npublic const C = x\nEnd class\n");
     write("main.cls", "Tarnwick Class Main\nUses b\nconst D = y\nfunction main()\nend function\nEnd class\n");
     EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 1);
-    EXPECT_EQ(read("o"), dir + "b.cls(2) : error 1201 'x' is not declared\n> " + dir + "b.cls has 1 error.\n" + dir +
-                             "main.cls(3) : error 1201 'y' is not declared\n> " + dir + "main.cls has 1 error.\n");
+    EXPECT_EQ(read("o"),
+              dir + "b.cls(2) : error 1201 'x' is not declared\n> " + dir + "b.cls has 1 error.\n" + dir +
+                  "main.cls(3) : error 1201 'y' is not declared\n> " + dir + "main.cls has 1 error.\n");
     EXPECT_EQ(errors(), read("o"));
 }
 
@@ -111,14 +115,17 @@ TEST_F(Command, NamesReachTheToolsAsTheyAre) {
         if (backEnd == std::string("tcc") && !tccIsThere()) continue;
         const Variable chosen("TARNWICK_CC", backEnd);
         for (const char* name :
-             {"a b", "it's", "q\"q", "\"q\"", "$HOME", "$(touch x)", "`touch x`", "a;touch x", "a&b|c>d<e", "a^b", "-p9", "(x)",
-              "#x", "a\nb", "*?[x]", "~", "a,b", "-Wl,x", "@x", "%d%s", "a=b", "!x"}) {
+             {"a b",       "it's",  "q\"q", "\"q\"", "$HOME", "$(touch x)", "`touch x`", "a;touch x",
+              "a&b|c>d<e", "a^b",   "-p9",  "(x)",   "#x",    "a\nb",       "*?[x]",     "~",
+              "a,b",       "-Wl,x", "@x",   "%d%s",  "a=b",   "!x"}) {
             const std::string folder = "in " + std::string(name) + "/";
             const std::string file = folder + name + ".cls";
-            write(file, "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(TEXT() + ARGUMENTS())\nend function\n"
-                        "End class\n");
+            write(file,
+                  "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(TEXT() + ARGUMENTS())\nend function\n"
+                  "End class\n");
             write(folder + "b.cls", read("b.cls"));
-            ASSERT_EQ(ordo({"-fm", dir + file, "-o" + dir + "o"}), 0) << name << "\n" << errors() << read("o");
+            ASSERT_EQ(ordo({"-fm", dir + file, "-o" + dir + "o"}), 0) << name << "\n"
+                                                                      << errors() << read("o");
             ASSERT_EQ(run(dir + folder + name + ".exe", {"$HOME;x"}), 0) << name << output;
             EXPECT_EQ(output, "b$HOME;x\n") << name;
             EXPECT_FALSE(exists("x")) << name;
@@ -131,9 +138,26 @@ TEST_F(Command, WordsOfALineThatOnlyLookLikeTheClassStay) {
     write("it's $HOME/m.cls", "Tarnwick Class M\nfunction main()\nend function\nEnd class\n");
     installed("\"" + dir + "tools/quarn.exe\" \"/x$(touch x);^.log\" ^.cls");
     static_cast<void>(ordo({"-fm", dir + "it's $HOME/m.cls", "-o" + dir + "o"}));
-    EXPECT_EQ(words(), (std::vector<std::string>{"/x$(touch x);" + dir + "it's $HOME/m.log", dir + "it's $HOME/m.cls",
-                                                 "-i" + dir + "it's $HOME/"}));
+    EXPECT_EQ(words(), (std::vector<std::string>{"/x$(touch x);" + dir + "it's $HOME/m.log",
+                                                 dir + "it's $HOME/m.cls", "-i" + dir + "it's $HOME/"}));
     EXPECT_FALSE(exists("x"));
+}
+
+// It is told by the note that it carries; this one carries it, and dies.
+TEST_F(Command, ACompilerThatBreaksOverSeveralClassesIsCalledForEach) {
+    const std::string tool = copied({"ordo.exe", "libtarnwick.so"});
+    write("copy/quarn.exe",
+          std::string("#!/bin/sh\nprintf '%s\\0' \"$@\" >>'" + dir + "words'\nkill -9 $$\n# Tarnwick") +
+              std::string(4, '\0') + "quar\n");
+    std::filesystem::permissions(dir + "copy/quarn.exe", std::filesystem::perms::owner_all);
+    EXPECT_EQ(run(tool, {"-fm", dir + "main.cls", "-o" + dir + "o"}), 1);
+    for (const char* name : {"b.cls", "main.cls"})
+        EXPECT_NE(read("o").find(dir + name + " : error 1909 the compiler failed: it was ended by signal 9"),
+                  std::string::npos)
+            << read("o");
+    const std::vector<std::string> all = words();
+    EXPECT_EQ(std::count(all.begin(), all.end(), dir + "b.cls"), 2) << "in the call of both, and alone";
+    EXPECT_EQ(all.size(), 19U);
 }
 
 // ---- several classes in a call ----

@@ -39,12 +39,14 @@ protected:
         write("c.cls", Bottom);
         write("b.cls", "Tarnwick Class B\nUses c\npublic function TEXT() return string\n"
                        "return LETTER + STR(SHOWN) + STR(TWICE(4))\nend function\nEnd class\n");
-        write("main.cls", "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(TEXT())\nend function\nEnd class\n");
+        write("main.cls",
+              "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(TEXT())\nend function\nEnd class\n");
     }
     std::string query() {
         EXPECT_EQ(ordo({"-fq", dir + "main.cls", "-n", "-o" + dir + "ordo.err"}), 0) << output;
         std::string answer = read("ordo.err");
-        for (std::size_t at = 0; (at = answer.find(dir, at)) != std::string::npos;) answer.erase(at, dir.size());
+        for (std::size_t at = 0; (at = answer.find(dir, at)) != std::string::npos;)
+            answer.erase(at, dir.size());
         for (char& c : answer)
             if (c == '\n') c = ' ';
         return answer;
@@ -64,7 +66,8 @@ protected:
         write(file, text);
     }
     void shift(const std::string& file, std::int64_t by) {
-        EXPECT_EQ(os::files().setModified(dir + file, os::infoOf(dir + file).modified + by), os::FileError::None);
+        EXPECT_EQ(os::files().setModified(dir + file, os::infoOf(dir + file).modified + by),
+                  os::FileError::None);
     }
 };
 
@@ -75,9 +78,10 @@ TEST_F(Stale, AnEditCompilesThoseThatSeeIt) {
     for (const Row& row : std::vector<Row>{
              {"x * 2", "x * 3", "c.cls ", "c512\n"},
              {"return 1\n", "return 1 + 1\n", "c.cls ", "c58\n"},
-             {"private function own() return integer", "private function own(a : integer) return integer", "c.cls ",
+             {"private function own() return integer", "private function own(a : integer) return integer",
+              "c.cls ", "c58\n"},
+             {"private function own()", "function other()\nend function\nprivate function own()", "c.cls ",
               "c58\n"},
-             {"private function own()", "function other()\nend function\nprivate function own()", "c.cls ", "c58\n"},
              {"End class", "// nothing\nEnd class", "c.cls ", "c58\n"},
              {"public const LETTER", "public\n   const   LETTER", "c.cls ", "c58\n"},
              {"\"c\"", "\"d\"", "c.cls b.cls ", "d58\n"},
@@ -107,7 +111,8 @@ TEST_F(Stale, AnEditCompilesThoseThatSeeIt) {
 // The constant of b has its value from c; main sees it without using c.
 TEST_F(Stale, AConstantOfAConstantReachesThoseBehindIt) {
     write("b.cls", "Tarnwick Class B\nUses c\npublic const FAR = SHOWN * 10\nEnd class\n");
-    write("main.cls", "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(STR(FAR))\nend function\nEnd class\n");
+    write("main.cls",
+          "Tarnwick Class Main\nUses b\nfunction main()\nPRINT(STR(FAR))\nend function\nEnd class\n");
     EXPECT_EQ(built(), "50\n");
     replace("c.cls", "HIDDEN = 4", "HIDDEN = 6");
     EXPECT_EQ(query(), "c.cls b.cls main.cls ");
@@ -152,7 +157,8 @@ TEST_F(Stale, TheTimesOfFilesDoNotMatter) {
     EXPECT_EQ(query(), "c.cls ");
     EXPECT_EQ(built(), "c512\n");
     // The clock was ahead when the program was built, and has been set back.
-    for (const char* file : {"main.exe", ".tarnwick/c.o", ".tarnwick/b.o", ".tarnwick/main.o", "c.sym", "b.sym"})
+    for (const char* file :
+         {"main.exe", ".tarnwick/c.o", ".tarnwick/b.o", ".tarnwick/main.o", "c.sym", "b.sym"})
         shift(file, 24 * Hour);
     replace("c.cls", "x * 3", "x * 4");
     EXPECT_EQ(built(), "c516\n");
@@ -235,7 +241,8 @@ protected:
     std::unique_ptr<os::Child> start(const std::string& answer) {
         os::StartError error = os::StartError::None;
         return os::processes().start(
-            {dir + "tools/ordo.exe", {"-fm", dir + "main.cls", "-o" + dir + answer}, dir, dir + "output"}, error);
+            {dir + "tools/ordo.exe", {"-fm", dir + "main.cls", "-o" + dir + answer}, dir, dir + "output"},
+            error);
     }
 };
 
@@ -304,7 +311,8 @@ TEST(Digests, TheRecordOfACompileComesBackAsItWas) {
     EXPECT_LE(recordLine(record).size(), 1100U);
     EXPECT_FALSE(findRecord(recordLine(record))->uses) << "too many to be noted";
     const std::string line = recordLine(record);
-    for (std::size_t size = 0; size < line.size(); ++size) EXPECT_FALSE(findRecord(line.substr(0, size))) << size;
+    for (std::size_t size = 0; size < line.size(); ++size)
+        EXPECT_FALSE(findRecord(line.substr(0, size))) << size;
 }
 
 TEST(Digests, HeadsAreOpenWhereTheyMayNameSomethingOfAnotherClass) {
@@ -324,7 +332,8 @@ TEST(Digests, HeadsAreOpenWhereTheyMayNameSomethingOfAnotherClass) {
                            {"public function F(x : U)\nend function", true},
                            {"public function F() return U\nend function", true},
                            {"private function F() return U\nend function", false}})
-        EXPECT_EQ(headsOf(std::string("Tarnwick Class A\nUses b c\n") + row.item + "\nEnd class\n").open, row.open)
+        EXPECT_EQ(headsOf(std::string("Tarnwick Class A\nUses b c\n") + row.item + "\nEnd class\n").open,
+                  row.open)
             << row.item;
 }
 
