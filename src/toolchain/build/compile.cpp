@@ -121,7 +121,7 @@ private:
             list.pop_back();
             if (!numbers_.emplace(tree, facts_.size()).second) continue;
             const std::string& text = files_.textOf(tree->path);
-            facts_.push_back({sourceDigest(tree->path, text), headsOf(text), {}, tree});
+            facts_.push_back({sourceDigest(tree->path, text), outlineOf(text).heads, {}, tree});
             known_.insert(tree->path);
             for (const UsedClass& used : tree->uses)
                 if (used.tree != nullptr) list.push_back(used.tree);

@@ -192,10 +192,22 @@ Digest sourceDigest(const std::string& path, std::string_view text) {
     return digestOf(tools, digestOf(digestOf(path), digestOf(text)));
 }
 
-Heads headsOf(std::string_view text) {
+Outline outlineOf(std::string_view text) {
     Messages silent;
     const std::vector<Token> tokens = scan(text, {}, silent);
-    return HeadsFinder(tokens).run();
+    Outline outline;
+    outline.heads = HeadsFinder(tokens).run();
+    std::size_t at = 0;
+    while (at < tokens.size() && !isWord(tokens[at], Word::Class)) ++at;
+    if (at + 1 < tokens.size()) outline.name = tokens[at + 1].text;
+    if (at + 2 < tokens.size() && isWord(tokens[at + 2], Word::Uses))
+        for (std::size_t i = at + 3;
+             i < tokens.size() && (tokens[i].kind == TokenKind::Name || tokens[i].text == ","); ++i)
+            if (tokens[i].text != ",") outline.uses.emplace_back(tokens[i].text);
+    for (std::size_t i = at + 1; i + 1 < tokens.size() && !outline.isMain; ++i)
+        outline.isMain = isWord(tokens[i], Word::Function) && !isWord(tokens[i - 1], Word::End) &&
+                         ascii::equal(tokens[i + 1].text, "main");
+    return outline;
 }
 
 Digest reachedDigest(const std::string& path, Digest heads) {

@@ -7,8 +7,6 @@
 #include "toolchain/build/make.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
-#include "toolchain/language/parser.h"
-#include "toolchain/output/generator.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -148,14 +146,11 @@ private:
             item.heads = item.record->heads;
             return *item.record->uses;
         }
-        Messages silent;
-        const auto tree = parseClass(text, item.path, silent);
-        item.name = tree->name;
-        item.isMain = hasMain(*tree);
-        item.heads = headsOf(text);
-        std::vector<std::string> names;
-        for (const UsedClass& used : tree->uses) names.push_back(used.name);
-        return names;
+        Outline outline = outlineOf(text);
+        item.name = outline.name;
+        item.isMain = outline.isMain;
+        item.heads = outline.heads;
+        return outline.uses;
     }
 
     // A class is used from many places, and a folder in which it is not has to be listed to know that.

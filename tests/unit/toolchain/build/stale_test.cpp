@@ -6,6 +6,8 @@
 #include "support/toolchain_folder.h"
 #include "toolchain/build/digest.h"
 #include "toolchain/build/make.h"
+#include "toolchain/language/parser.h"
+#include "toolchain/output/generator.h"
 
 #include <csignal>
 #include <filesystem>
@@ -332,9 +334,33 @@ TEST(Digests, HeadsAreOpenWhereTheyMayNameSomethingOfAnotherClass) {
                            {"public function F(x : U)\nend function", true},
                            {"public function F() return U\nend function", true},
                            {"private function F() return U\nend function", false}})
-        EXPECT_EQ(headsOf(std::string("Tarnwick Class A\nUses b c\n") + row.item + "\nEnd class\n").open,
-                  row.open)
+        EXPECT_EQ(
+            outlineOf(std::string("Tarnwick Class A\nUses b c\n") + row.item + "\nEnd class\n").heads.open,
+            row.open)
             << row.item;
+}
+
+TEST(Digests, AnOutlineTellsWhatTheParserWould) {
+    for (const char* text :
+         {"", "Tarnwick", "Tarnwick Class", "Tarnwick Class A End class",
+          "tarnwick CLASS a USES b C\nEnd class",
+          "// Class X\nTarnwick Class A Uses b // c\n d\nfunction MAIN()\nend function\nEnd class",
+          "Tarnwick Class A\npublic const b = 1\nfunction maine()\nend function\nEnd class",
+          "Tarnwick Class A Uses b public const c = \"function main\"\nEnd class",
+          "Tarnwick Class A Uses const main = 1\nEnd class",
+          "Tarnwick Class A\nfunction main()\nfunction f()\nend function\nfunction main()\nend function\nEnd "
+          "class"}) {
+        Messages silent;
+        const auto tree = parseClass(text, "a.cls", silent);
+        const Outline outline = outlineOf(text);
+        if (tree->complete) {
+            EXPECT_EQ(outline.name, tree->name) << text;
+            EXPECT_EQ(outline.isMain, hasMain(*tree)) << text;
+        }
+        std::vector<std::string> uses;
+        for (const UsedClass& used : tree->uses) uses.push_back(used.name);
+        EXPECT_EQ(outline.uses, uses) << text;
+    }
 }
 
 TEST(Digests, EveryByteCounts) {
