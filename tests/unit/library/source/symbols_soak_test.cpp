@@ -316,6 +316,77 @@ TEST_F(SymbolsSoak, AFileChangesAsItsTextDoes) {
     }
 }
 
+// A text of pieces that mean something, in any order.
+std::string soup(std::mt19937& random) {
+    static const std::string pieces[] = {"class",
+                                         "End",
+                                         " class ",
+                                         "Uses",
+                                         "function",
+                                         "public ",
+                                         "callback ",
+                                         "case",
+                                         "x_event =>",
+                                         "f",
+                                         "G",
+                                         "(",
+                                         ")",
+                                         "//",
+                                         "\"",
+                                         "'",
+                                         "\n",
+                                         "\r\n",
+                                         "\r",
+                                         std::string(1, '\0'),
+                                         " ",
+                                         "\t",
+                                         "\xFF",
+                                         "[",
+                                         "1E+",
+                                         "<",
+                                         "const",
+                                         "type",
+                                         "private var",
+                                         "\n\n",
+                                         "\nfunction f(",
+                                         "\nEnd class\n",
+                                         "Class A\n"};
+    std::string text;
+    for (auto n = random() % 60; n > 0; --n) text += pieces[random() % std::size(pieces)];
+    return text;
+}
+
+TEST_F(SymbolsSoak, AnyTextIsChangedOrLeftAsItIs) {
+    std::mt19937 random(7);
+    const int count = rounds(2000);
+    for (int n = 0; n < count && !HasFailure(); ++n) {
+        const std::string text = soup(random);
+        SCOPED_TRACE(text);
+        const auto change = [&](auto operation) {
+            std::string changed = text;
+            const std::string error = operation(changed);
+            EXPECT_TRUE(error.empty() || changed == text);
+            return error.empty() ? changed : std::string();
+        };
+        change([](std::string& to) { return SYMSETUSES("X", 0, to); });
+        change([](std::string& to) { return SYMSETUSES("", 0, to); });
+        change([](std::string& to) { return SYMSETCLASSNAME("B", 0, "", to); });
+        change([](std::string& to) { return SYMINDENTFUNCHEADER("*", 0, to); });
+        const std::string added = change([](std::string& to) { return SYMADDFUNCTION(Added, 0, to); });
+        EXPECT_TRUE(added.empty() || added.find(STRREPLACE(Added, "\n", "\r\n")) != std::string::npos);
+        const FunctionLines was = SYMFINDFUNCTION("f", 0, text);
+        const std::string renamed =
+            change([](std::string& to) { return SYMRENAMEFUNCTION("f", "new_name", 0, to); });
+        EXPECT_EQ(SYMFINDFUNCTION("new_name", 0, renamed).bodyStart, renamed.empty() ? 0 : was.bodyStart);
+        std::string cut = text;
+        EXPECT_EQ(SYMDELETEFUNCTION("f", 0, cut), was.bodyStart != 0);
+        const int gone = was.bodyStart == 0 ? 0
+                                            : was.bodyEnd - was.bodyStart + 1 +
+                                                  (was.declStart == 0 ? 0 : was.declEnd - was.declStart + 1);
+        EXPECT_EQ(lineCount(text) - lineCount(cut), gone);
+    }
+}
+
 TEST_F(SymbolsSoak, TheExamplesAreAsTheyWereWhenAChangeIsTakenBack) {
     int classes = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(SOURCE_DIR "/examples")) {
