@@ -251,7 +251,9 @@ bool BROWSEINFODLG(const Object& window, int event, const Object& control, int p
     case LOAD_EVENT: load(window); break;
     case RESIZE_EVENT: layOut(window); break;
     case COMMAND_EVENT: result = press(window, GetName(control)); break;
-    case DBLCLICK_EVENT: VIEWCODE(window, FINDCONTROL(window, "iconlist1")); break;
+    case DBLCLICK_EVENT:
+        if (GetName(control) == "iconlist1") VIEWCODE(window, control);
+        break;
     case KEYPRESS_EVENT: result = pressKey(window, parameter); break;
     case CLOSE_EVENT:
         SAVEINIFILE(GETIDEINIFILE(), window, true, false);

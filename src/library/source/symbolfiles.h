@@ -46,8 +46,9 @@ struct DebugFlags {
 };
 DebugFlags SYMGETDEBUGFLAGS(std::string_view levels);
 
-// A line made from a template, in which $NAME$, $SCOPE$, $SIGNATURE$, $SORT$, $DECLINE$, $CLASSNAME$ and $TYPENAME$ stand
-// for the values of a symbol. A control character in a value becomes a blank, so that a line stays one.
+// A line made from a template, in which $NAME$, $SCOPE$, $SIGNATURE$, $SORT$, $DECLINE$, $CLASSNAME$ and
+// $TYPENAME$ stand for the values of a symbol. A control character in a value becomes a blank, so that a line
+// stays one.
 std::string SYMFORMATSTR(const SymbolRecord& record, std::string_view format);
 // Adds a line for each symbol of a sort that stands in `sortFilter`, words or "*" for all, to an icon list, which gets
 // pictures too, or a list box; to nothing else. $FILENAME$ stands for the class file in double quotes. What is

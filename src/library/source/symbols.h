@@ -40,8 +40,8 @@ bool SYMDELETEFUNCTION(const std::string& name, int mode, std::string& source);
 // In the heads of declaration and body; the arguments on lines of their own move along.
 std::string SYMRENAMEFUNCTION(const std::string& oldName, const std::string& newName, int mode,
                               std::string& source);
-// Lines up the arguments below the heads of the functions of that name, or of all: "*". The three lines below a head are
-// taken for arguments.
+// Lines up the arguments below the heads of the functions of that name, or of all: "*". The three lines below
+// a head are taken for arguments.
 std::string SYMINDENTFUNCHEADER(const std::string& name, int mode, std::string& source);
 
 // Lists the functions of a class; flags: low 4 bits the mode, 1024 "()" behind each name, 2048 " start end",

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The layout of window functions: a header of four lines, whose lower three stand under its first argument. It is reckoned
-// for callbacks, also where a function is none.
+// The layout of window functions: a header of four lines, whose lower three stand under its first argument. It
+// is reckoned for callbacks, also where a function is none.
 #include "library/source/symbols.h"
 
 #include "library/source/symbols_text_internal.h"

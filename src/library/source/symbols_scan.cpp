@@ -3,10 +3,10 @@
 // The source scan: the functions, and where asked for the constants, types and event handlers, of a class
 // text.
 //
-// An item is known by the first words of its line. It runs to the line before the next item, before the variables of
-// the class or "End class", or to the end of the text. The handlers inside a callback (lines "case xxx_event =>") do not end
-// their function: each runs to the next handler or to the end of the function. Cost: one pass over the lines;
-// only the first few words of each are read.
+// An item is known by the first words of its line. It runs to the line before the next item, before variables
+// of the class or "End class", or to the end of the text. The handlers inside a callback (lines "case
+// xxx_event =>") do not end their function: each runs to the next handler or to the end of the function.
+// Cost: one pass over the lines; only the first few words of each are read.
 #include "library/source/symbols.h"
 
 #include "library/source/symbols_text_internal.h"
