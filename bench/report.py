@@ -93,6 +93,8 @@ def main():
         ("fixedDivKernel", "fixedDivPlain", None), ("fixedDivKernel", None, 4),
         ("dateParseKernel", "dateParseLibc", None), ("dateAddKernel", None, None),
         ("profilestrget/50", "gkeyfile/50", 0.4), ("profilestrget/1000", "gkeyfile/1000", 0.4),
+        *((f"class{work}", "linesPlain", None) for work in ("Scan", "Find", "Add", "Delete", "Rename", "Uses")),
+        ("classScan", None, 5e6), ("classFind", None, 5e6),
         ("saveDurable", "writeAndSync", None),
         ("xmlBareKernel", "xmlEventsExpat", None), ("xmlTypesKernel", "xmlEventsExpat", None),
         ("xmlListKernel", "xmlEventsExpat", 1.2), ("xmlListKernel", "xmlTreePugi", None),
