@@ -105,6 +105,14 @@ CompilerLine findCompilerLine() {
     return line;
 }
 
+std::vector<std::string> inheritedPath(const CompilerLine& line) {
+    std::vector<std::string> folders;
+    for (const std::string& word : line.words)
+        if (isPathOption(word))
+            for (std::string& folder : splitPathList(word.substr(2))) folders.push_back(std::move(folder));
+    return folders;
+}
+
 std::vector<std::string> compilerArguments(const CompilerLine& line, const std::vector<std::string>& files,
                                            const std::string& mainFolder,
                                            const std::vector<std::string>& inheritedPath) {
@@ -123,8 +131,6 @@ std::vector<std::string> compilerArguments(const CompilerLine& line, const std::
             arguments.insert(arguments.end(), files.begin(), files.end());
         else if (!isPathOption(word))
             arguments.push_back(substituted(word, base));
-        else if (inheritedPath.empty())
-            addPath(word.substr(2));
     }
     if (!path.empty()) arguments.push_back("-i" + path);
     return arguments;

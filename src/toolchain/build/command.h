@@ -20,6 +20,8 @@ struct CompilerLine {
     std::vector<platform::ResourceFolder> resourceFolders;  // what placeholders in resource files stand for
 };
 CompilerLine findCompilerLine();
+// The inherited folders that the line names.
+std::vector<std::string> inheritedPath(const CompilerLine& line);
 
 // The arguments for these classes, each with its full path; a compiler that is not our own takes one. Every word reaches
 // the compiler as it is. The folder of the main class leads the inherited path, so that every class of the program

@@ -4,7 +4,6 @@
 #include "os/files.h"
 #include "os/paths.h"
 #include "platform/resources/resource.h"
-#include "toolchain/build/command.h"
 #include "toolchain/build/link.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
@@ -59,8 +58,9 @@ void writeNote(const std::string& result, Digest inputs) {
 // One pass over the sources as they were found.
 class Builder {
 public:
-    Builder(const MakeOptions& options, Sources& sources, const CompilerLine& line, bool all)
-        : options_(options), sources_(sources), main_(sources.classes.back()), line_(line), all_(all) {}
+    Builder(const MakeOptions& options, Sources& sources, const CompilerLine& line, bool all, bool last)
+        : options_(options), sources_(sources), main_(sources.classes.back()), line_(line), all_(all),
+          last_(last) {}
 
     BuildResult run() {
         result_.compilerFolder = paths::folder(line_.program);
@@ -137,13 +137,19 @@ private:
             item.record = findRecord(symbols);
             item.object = digestOf(input.bytes);
             if (item.record) {
-                again_ = again_ || item.record->source != item.source || item.record->reach != item.reach ||
-                         item.record->object != item.object;
+                again_ = again_ || !belongs(item);
                 input.quick = item.record->quick;
             }
             inputs.insert(&item == &main_ ? inputs.begin() : inputs.end(), std::move(input));
         }
         return inputs;
+    }
+
+    // In the last round the compiler's own view of what it used counts: a source that it reads otherwise than the
+    // make tool does is compiled at each build, and its program is right.
+    bool belongs(const SourceClass& item) const {
+        return item.record->source == item.source && item.record->object == item.object &&
+               (last_ || item.record->reach == item.reach);
     }
 
     // Another compiler's objects are not noted, and one may be as old as the program that is linked of it.
@@ -180,19 +186,19 @@ private:
     Sources& sources_;
     const SourceClass& main_;
     const CompilerLine& line_;
-    const bool all_;
+    const bool all_, last_;
     BuildResult result_;
     bool compiled_ = false, again_ = false;
 };
 
 }  // namespace
 
-BuildResult build(const MakeOptions& options, Sources sources) {
-    const CompilerLine line = findCompilerLine();
+BuildResult build(const MakeOptions& options, const CompilerLine& line, Sources sources) {
     const std::string file = sources.classes.back().path;
-    for (int round = 0; round < MostRounds; ++round) {
-        if (round > 0) sources = findSources(file, options.inheritedPath);
-        Builder builder(options, sources, line, options.mode == MakeMode::All && round == 0);
+    for (int round = 1; round <= MostRounds; ++round) {
+        if (round > 1) sources = findSources(file, options.inheritedPath);
+        Builder builder(options, sources, line, options.mode == MakeMode::All && round == 1,
+                        round == MostRounds);
         BuildResult result = builder.run();
         if (!builder.again()) return result;
     }

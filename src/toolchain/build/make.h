@@ -9,6 +9,7 @@
 // and the companion of its resources have notes as well (digest.h), without which times decide.
 #pragma once
 
+#include "toolchain/build/command.h"
 #include "toolchain/build/digest.h"
 #include "toolchain/build/options.h"
 #include "toolchain/output/messages.h"
@@ -65,6 +66,6 @@ struct BuildResult {
     std::string compilerFolder;  // where the environment looks for the messages
 };
 // `sources` as found for these options.
-BuildResult build(const MakeOptions& options, Sources sources);
+BuildResult build(const MakeOptions& options, const CompilerLine& line, Sources sources);
 
 }  // namespace tarn::toolchain

@@ -93,6 +93,19 @@ TEST_F(Command, AnotherCompilerIsCalledClassByClassWithTheWordsOfItsLine) {
                                                  "/om", dir + "main.cls", path}));
 }
 
+TEST_F(Command, TheInheritedPathOfTheLineCountsWhereNoneIsGiven) {
+    installed("\"" + dir + "tools/quarn.exe\" /d1 /i\"" + dir + "nowhere;" + dir + "lib rary\" ^.cls");
+    write("lib rary/b.cls", read("b.cls"));
+    std::filesystem::remove(dir + "b.cls");
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 0) << errors();
+    EXPECT_EQ(run(dir + "main.exe", {}), 0);
+    EXPECT_EQ(output, "b\n");
+    EXPECT_EQ(ordo({"-fq", "-n", dir + "main.cls", "-o" + dir + "o"}), 0);
+    EXPECT_EQ(read("o"), "");
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-i" + dir + "nowhere", "-o" + dir + "o"}), 1)
+        << "a given one counts alone";
+}
+
 TEST_F(Command, OurOwnCompilerGetsAllClassesInOneCall) {
     CompilerLine line;
     line.words = {"/q", "^.cls"};
