@@ -9,6 +9,7 @@
 #include "toolchain/language/classes.h"
 
 #include <algorithm>
+#include <unistd.h>
 #include <utility>
 
 namespace tarn::toolchain {
@@ -45,10 +46,10 @@ void notOlder(const std::string& result, const std::string& input) {
     if (os::infoOf(result).modified < time) os::files().setModified(result, time);
 }
 
-// Notes what a result was made of; without a note it is made again.
-void writeNote(const std::string& result, Digest inputs) {
-    std::string bytes;
-    if (os::readFile(result, bytes) != os::FileError::None || !os::infoOf(workFolder(result)).exists) return;
+// Notes what a result was made of; without a note it is made again. `bytes` are those that were made: in the place of
+// the result another build may have put its own meanwhile.
+void writeNote(const std::string& result, Digest inputs, std::string_view bytes) {
+    if (!os::infoOf(workFolder(result)).exists) return;
     static_cast<void>(
         os::saveFile(noteFile(result), noteText({inputs, digestOf(bytes)}), os::Durability::Unsynced));
 }
@@ -111,11 +112,20 @@ private:
         for (const SourceClass& item : sources_.classes)
             if (!item.resource.empty()) files.push_back(item.resource);
         const Digest inputs = companionInputs(sources_);
-        const std::string errors =
-            platform::CompileResources(files, sources_.companion, line_.resourceFolders);
+        const std::string made = sources_.companion + "." + std::to_string(::getpid());
+        std::string errors = platform::CompileResources(files, made, line_.resourceFolders);
+        if (const std::size_t at = errors.find(made); at != std::string::npos)
+            errors.replace(at, made.size(), sources_.companion);
+        std::string bytes;
+        const os::FileError error = os::readFile(made, bytes);
+        os::files().remove(made);
         if (errors.empty()) {
+            const os::SaveResult saved = os::saveFile(sources_.companion, bytes, os::Durability::Unsynced);
+            if (error != os::FileError::None || !saved.ok())
+                return fail(Problem::CannotWrite,
+                            {sources_.companion, os::describe(saved.ok() ? error : saved.error)});
             for (const std::string& file : files) notOlder(sources_.companion, file);
-            writeNote(sources_.companion, inputs);
+            writeNote(sources_.companion, inputs, bytes);
             return;
         }
         const bool isMessage = errors.find(" : error ") != std::string::npos;
@@ -130,9 +140,9 @@ private:
     std::vector<LinkInput> objects() {
         std::vector<LinkInput> inputs;
         for (SourceClass& item : sources_.classes) {
-            LinkInput input{objectFile(item.path), {}, false};
+            LinkInput input;
             std::string symbols;
-            os::readFile(input.file, input.bytes);
+            os::readFile(objectFile(item.path), input.bytes);
             os::readFile(changeExtension(item.path, ".sym"), symbols);
             item.record = findRecord(symbols);
             item.object = digestOf(input.bytes);
@@ -169,17 +179,19 @@ private:
         if (!all_ && !(compiled_ && timesDecide()) && !exeIsOutOfDate(sources_)) return;
         // The program is made under another name and put in its place, so that one that still runs is not
         // disturbed.
-        const std::string made = workFile(main_.path, ".new");
-        const std::string failure = linkProgram(inputs, library, workFile(main_.path, ""), made);
+        const std::string made = scratchFile(main_.path, ".exe");
+        const std::string failure = linkProgram(inputs, library, scratchFile(main_.path, ""), made);
         if (!failure.empty()) {
             os::files().remove(made);
             return fail(Problem::LinkFailed, {failure});
         }
+        std::string bytes;
+        os::readFile(made, bytes);
         const os::FileError error = os::files().rename(made, sources_.exe);
         if (error != os::FileError::None)
             return fail(Problem::CannotWrite, {sources_.exe, os::describe(error)});
         for (const SourceClass& item : sources_.classes) notOlder(sources_.exe, objectFile(item.path));
-        writeNote(sources_.exe, programInputs(sources_));
+        writeNote(sources_.exe, programInputs(sources_), bytes);
     }
 
     const MakeOptions& options_;
