@@ -9,6 +9,7 @@
 #include "toolchain/language/classes.h"
 
 #include <algorithm>
+#include <set>
 #include <unistd.h>
 #include <utility>
 
@@ -80,7 +81,7 @@ private:
         std::vector<std::string> files;
         for (const SourceClass& item : sources_.classes)
             if (isClassFile(item.path) && (all_ || isOutOfDate(item))) files.push_back(item.path);
-        compiled_ = !files.empty();
+        compiled_.insert(files.begin(), files.end());
         const std::size_t most = line_.isOwn ? MostClassesACall : 1;
         for (std::size_t at = 0; at < files.size(); at += most)
             compile({files.begin() + static_cast<std::ptrdiff_t>(at),
@@ -135,17 +136,21 @@ private:
             fail(Problem::ResourcesFailed, {errors});
     }
 
+    static void readResults(SourceClass& item) {
+        std::string symbols;
+        os::readFile(objectFile(item.path), item.objectBytes);
+        os::readFile(changeExtension(item.path, ".sym"), symbols);
+        item.record = findRecord(symbols);
+        item.object = digestOf(item.objectBytes);
+    }
+
     // The objects, the main class's first. What was compiled has to belong to the sources that were found: they may
     // have been saved meanwhile, or another compile may have written over an object.
     std::vector<LinkInput> objects() {
         std::vector<LinkInput> inputs;
         for (SourceClass& item : sources_.classes) {
-            LinkInput input;
-            std::string symbols;
-            os::readFile(objectFile(item.path), input.bytes);
-            os::readFile(changeExtension(item.path, ".sym"), symbols);
-            item.record = findRecord(symbols);
-            item.object = digestOf(input.bytes);
+            if (compiled_.count(item.path) != 0) readResults(item);
+            LinkInput input{std::move(item.objectBytes), false};
             if (item.record) {
                 again_ = again_ || !belongs(item);
                 input.quick = item.record->quick;
@@ -169,14 +174,14 @@ private:
     }
 
     void link() {
-        if (!all_ && !compiled_ && !exeIsOutOfDate(sources_)) return;
+        if (!all_ && compiled_.empty() && !exeIsOutOfDate(sources_)) return;
         if (!main_.isMain) return fail(Problem::NotAMainClass);
         const std::string library = libraryFolder();
         if (library.empty())
             return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
         const std::vector<LinkInput> inputs = objects();
         if (again_) return;
-        if (!all_ && !(compiled_ && timesDecide()) && !exeIsOutOfDate(sources_)) return;
+        if (!all_ && !(!compiled_.empty() && timesDecide()) && !exeIsOutOfDate(sources_)) return;
         // The program is made under another name and put in its place, so that one that still runs is not
         // disturbed.
         const std::string made = scratchFile(main_.path, ".exe");
@@ -200,7 +205,8 @@ private:
     const CompilerLine& line_;
     const bool all_, last_;
     BuildResult result_;
-    bool compiled_ = false, again_ = false;
+    std::set<std::string> compiled_;  // in this pass
+    bool again_ = false;
 };
 
 }  // namespace
