@@ -192,6 +192,7 @@ void placeMainWindow(const std::string& ini) {
 void placeCodeWindow(const std::string& ini) {
     if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
     WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
+    if (!IsLoaded(Main)) return;  // the user has closed it meanwhile
     const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
     const int top = main.y + main.h;
     EDITWNDSETMAXSIZE(SDIEdit, Main);
@@ -325,6 +326,7 @@ void DO_LOAD() {
     STAMP();
     placeCodeWindow(ini);
     STAMP();
+    if (!IsLoaded(Main)) return;
     const bool restored = OFFERRESCUEDTEXT();
     STAMP();
     if (!restored) chooseOpeningAction(ini, file);
