@@ -1,4 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+//
+//   second instance and errors   the hand-over of a file to the copy that runs; what happens to an error at the top
+//   settings check               which sections the settings lack
+//   load                         trace, place of the windows, toolbar, the items of Edit-Undo, the opening action; DO_LOAD
+//                                is their order
+//   unload                       what is kept
+//   bringing up to date          menus, hidden labels and enabled states
+//   events, the program          MAIN, and RUNIDE, which runs all of it
 #include "ide/shell/ide.h"
 
 #include "ide/build/compiler.h"

@@ -6,6 +6,7 @@
 #include "library/source/symbols_text_internal.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
+#include "os/tinylimits.h"
 
 #include <vector>
 
@@ -14,19 +15,14 @@ MODULE("symbols", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 namespace tarn {
 namespace {
 
-#ifdef TARNWICK_TINY
-constexpr std::size_t MaxLines = 80;
-#else
-constexpr std::size_t MaxLines = 8000;
-#endif
-
+using limits::MaxClassLines;
 using Lines = std::vector<std::string>;  // each without its line end
 
 // False, and no lines, if there are too many.
 bool splitLines(std::string_view text, Lines& lines) {
     lines.clear();
     while (!text.empty()) {
-        if (lines.size() == MaxLines) {
+        if (lines.size() == MaxClassLines) {
             lines.clear();
             return false;
         }
@@ -111,7 +107,7 @@ std::string SYMSETUSES(const std::string& names, int mode, std::string& source) 
     const std::string text = detail::loadSource(mode, source);
     Lines lines;
     if (!splitLines(text, lines))
-        return "Class has too many lines, maximum is " + std::to_string(MaxLines) + ".";
+        return "Class has too many lines, maximum is " + std::to_string(MaxClassLines) + ".";
     if (!changeUses(findHead(text), STRTRIM(names), lines)) return {};
     STAMP();
     return detail::storeSource(mode, source, joinLines(lines));

@@ -1,4 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+//   the frame        which flags and margins a window has; making its edit window and controls, their names for screen
+//                    readers, the order of tabs and the colours
+//   properties       what the model has changed, brought to the frame or to the widget of a control
+//   position         limits, places in the units of the model, states, and telling the model where the frame is
+//   showing          modality, coming to the front, the first focus, and the toolkit's events
+//   keys             which control a widget is, and the end of a frame
 #include "platform/qt/windows/frame.h"
 
 #include "platform/qt/controls/textpeers.h"
