@@ -93,6 +93,7 @@ void tarn_string_append(tarn_string *dest, const tarn_string *part);
 int32_t tarn_string_compare(const tarn_string *a, const tarn_string *b);
 void tarn_string_put(tarn_string *s, int32_t position, int32_t character);
 int32_t tarn_text_next_line(const tarn_string *text, int32_t *position, tarn_string *line);
+int32_t tarn_text_previous_line(const tarn_string *text, int32_t *position, tarn_string *line);
 
 void tarn_adt_init(void *target, const void *like, int32_t kind);
 void tarn_adt_copy(const void *source, void *target, int32_t kind);

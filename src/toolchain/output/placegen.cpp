@@ -98,7 +98,15 @@ std::string ExpressionGenerator::keptAddress(const Expression& item, unsigned la
 }
 
 std::string ExpressionGenerator::walkedAddress(const Expression& item) {
-    return isPlace(item) ? addressOfPlace(item, ChangesShared | ChangesLocals) : address(item);
+    if (!isPlace(item) || item.kind == ExpressionKind::Name) return address(item);
+    if (isStable(item) && !item.type->isExternal) {
+        const std::string name = newName();
+        line(cType(item.type->kind) + " *const " + name + " = " + address(item) + ";");
+        return name;
+    }
+    const std::string copied = temporary(item.type);
+    copy(address(item), copied, item.type);
+    return copied;
 }
 
 // `later`: what happens between here and the use of the address.
