@@ -73,6 +73,7 @@ class FieldStep:
 class ElementStep:
     def __init__(self, kind, indexes):
         self.kind, self.indexes = kind.element, indexes
+        self.sure = kind.kind == "arr" and kind.bounds and all(index[0].lstrip("-").isdigit() for index in indexes)
         self.text = "[" + ", ".join(index[0] for index in indexes) + "]"
 
     def compute(self, frame):
@@ -262,7 +263,7 @@ def bool_literal(scope, kind):
     return ("true" if value else "false"), lambda frame: value
 
 
-def composite_literal(scope, kind):
+def composite_literal(scope, kind, depth=0):
     """A result of a function that makes a value of the kind: aggregates have no type where they stand alone."""
     maker = scope.world.makers[kind.name]
     return maker.name + "()", lambda frame: maker.invoke([])
@@ -495,14 +496,14 @@ def aggregate(scope, kind, depth):
     text = "{" + ", ".join(made[0] for _, made in parts) + "}"
 
     def value(frame):
+        if kind.kind == "tab":
+            rows = []
+            for row, made in parts:
+                model.table_add(kind, rows, row.fit(made[1](frame)))
+            return rows
         values = [element.fit(made[1](frame)) for element, made in parts]
         if kind.kind == "arr":
             return [list(kind.bounds) if kind.bounds else [(1, len(values))], values]
-        if kind.kind == "tab":
-            rows = []
-            for row in values:
-                model.table_add(kind, rows, row)
-            return rows
         return values
     return text, value
 
@@ -524,7 +525,8 @@ def invoke(scope, function, depth):
             values.append(value)
             continue
         found = place(scope, kind, depth, change=True, local=True, without=used)
-        if found is None or found.kind is not kind:
+        # An element that is not there may be told before the call or behind it.
+        if found is None or found.kind is not kind or not all(getattr(step, "sure", True) for step in found.steps):
             return None
         used.add(found.variable.name)
         texts.append(found.text())

@@ -32,19 +32,21 @@ class Machine:
     """The output and the error cell of a run."""
 
     def __init__(self):
-        self.output, self.error, self.steps, self.depth = [], 0, 0, 0
+        self.output, self.errors, self.steps, self.depth = [], [], 0, 0
         self.globals = {}
 
     def fail(self, code):
-        self.error = self.error or code
+        if code not in self.errors:
+            self.errors.append(code)
 
     def stamp(self):
         self.steps += 1
         if self.steps > 20000:
             raise Discard()
-        if self.error:
-            self.output.append("E%d" % self.error)
-            self.error = 0
+        if self.errors:
+            # Of several errors of one statement the first is told; which operand of a place comes first is left open.
+            self.output.append("|".join("E%d" % code for code in self.errors))
+            self.errors = []
 
 
 machine = Machine()
@@ -95,7 +97,7 @@ def fixed_div(a, b):
 def real(value):
     if value != value or abs(value) > 1e300 or (value and abs(value) < 1e-300):
         raise Discard()
-    return value + 0.0
+    return value
 
 
 def real_div(a, b):

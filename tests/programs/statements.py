@@ -383,7 +383,8 @@ def walk(scope, depth):
     element = {"set": INT, "str": TEXT}.get(kind.kind) or kind.element
     source = place(scope, kind, 2) if chance.random() < 0.8 else None
     v = a_variable(scope, element, source and source.variable)
-    if not v:
+    # An element that is not there would be told again in each round.
+    if not v or (source and any(hasattr(step, "indexes") for step in source.steps)):
         return None
     kind = source.kind if source else kind
     text, value = (source.text(), source.read) if source else expression(scope, kind, 2)
@@ -393,7 +394,11 @@ def walk(scope, depth):
     where = expression(scope, BOOL, 2) if chance.random() < 0.4 else None
     scope.calls = calls
     # Whatever the walked expression reads is left alone in the body.
-    lines, inner = loop_body(scope, depth, [u.name for u in scope.variables if u.name in text] + [v.name])
+    read = [u for u in scope.variables if u.name in text]
+    # What a called function changes ends the walk; that is left to programs that are written by hand.
+    scope.calls = calls and not any(u.shared for u in read)
+    lines, inner = loop_body(scope, depth, [u.name for u in read] + [v.name])
+    scope.calls = calls
     head = "for each %s in %s%s%s%s loop" % (v.name, text, " through " + index[0] if index else "",
                                              " desc" if backwards else "", " where " + where[0] if where else "")
 
@@ -401,23 +406,29 @@ def walk(scope, depth):
         items = list(elements_of(kind, model.copied(value(frame)), index))
         if backwards:
             items.reverse()
-        rounds_where(items, v, where, inner, frame)
-    return [head] + indented(lines) + ["end loop"], run
+        rounds_where(items, v, where, inner, frame, kind.kind in ("str", "tab"))
+        if kind.kind == "tab":
+            machine.stamp()
+            v.write(frame, v.kind.fit(scope.world.makers[v.kind.name].invoke([])))
+    after = ["%s := MAKE_%s()" % (v.name, v.kind.name)] if kind.kind == "tab" else []
+    return [head] + indented(lines) + ["end loop"] + after, run
 
 
-def rounds_where(items, v, where, inner, frame):
+def rounds_where(items, v, where, inner, frame, early):
+    """The rounds of `for each`. Early: what the head left is reported at the beginning of a round, else at its end."""
     for item in items:
         v.write(frame, v.kind.fit(item))
-        if where and not where[1](frame):
+        if early:
             machine.stamp()
-            continue
         try:
-            inner(frame)
+            if not where or where[1](frame):
+                inner(frame)
         except Iterate:
             pass
         except Exit:
             return
-        machine.stamp()
+        if not early:
+            machine.stamp()
 
 
 def repeat(scope, depth):
