@@ -75,33 +75,31 @@ bool liesBelow(const std::string& path, const std::string& mountPoint) {
            (path.size() == mountPoint.size() || path[mountPoint.size()] == '/');
 }
 
-// The device that holds the path: that of the longest mount point above it, and of two equal ones the later,
-// which hides the earlier.
+// The number of the device that holds the path, "8:1": that of the longest mount point above it, and of two
+// equal ones the later, which hides the earlier.
 std::string deviceOf(const std::string& path) {
     const std::string mounts = textOf("/proc/self/mountinfo");
     std::string device;
     std::size_t longest = 0;
     for (std::string_view rest = mounts; !rest.empty();) {
         std::string_view line = ascii::takeLine(rest);
-        for (int skipped = 0; skipped < 4; ++skipped) takeWord(line);  // numbers, and the root in the device
+        takeWord(line);  // the mount, and the one that it stands on
+        takeWord(line);
+        const std::string_view number = takeWord(line);
+        takeWord(line);  // what of the device is mounted
         const std::string point = unescaped(takeWord(line));
-        if (!liesBelow(path, point) || point.size() < longest) continue;
-        for (std::string_view word = takeWord(line); !word.empty() && word != "-";) word = takeWord(line);
-        takeWord(line);  // the kind of file system
-        device = unescaped(takeWord(line));
+        if (point.empty() || !liesBelow(path, point) || point.size() < longest) continue;
+        device = number;
         longest = point.size();
     }
     return device;
 }
 
-// The name of the link in `folder` that leads to the device.
-std::string nameAmong(const std::string& folder, const std::string& device) {
-    std::vector<std::string> names;
-    files().list(folder, names);
-    for (const std::string& name : names) {
-        std::string resolved;
-        if (files().resolve(joined(folder, name), resolved) != FileError::None) continue;
-        if (resolved == device) return unescaped(name);
+// The value behind `name` at the beginning of a line.
+std::string valueOf(std::string_view text, std::string_view name) {
+    while (!text.empty()) {
+        const std::string_view line = ascii::withoutLineEnd(ascii::takeLine(text));
+        if (line.starts_with(name)) return unescaped(line.substr(name.size()));
     }
     return {};
 }
@@ -141,11 +139,10 @@ std::int64_t stackLimit() {
 }
 
 Disk diskOf(const std::string& path) {
-    std::string full, device;
+    std::string full;
     if (files().resolve(native(path), full) != FileError::None) return {};
-    const std::string source = deviceOf(full);
-    if (!source.starts_with('/') || files().resolve(source, device) != FileError::None) return {};
-    return {nameAmong("/dev/disk/by-label", device), nameAmong("/dev/disk/by-uuid", device)};
+    const std::string facts = textOf("/run/udev/data/b" + deviceOf(full));
+    return {valueOf(facts, "E:ID_FS_LABEL_ENC="), valueOf(facts, "E:ID_FS_UUID=")};
 }
 
 // Each device of the list is a block of lines "H: Handlers=mouse0 event3" and "B: REL=103".

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Facts about the machine, as Linux tells them in its files. What is not told is an empty text or -1: nothing
-// is guessed. Cost: a file or two read for each fact; `diskOf` also lists the disks.
+// is guessed. Cost: a file or two read for each fact.
 #pragma once
 
 #include <cstdint>

@@ -33,18 +33,18 @@ struct Mapping {
 };
 
 constexpr Mapping mappings[] = {
-    {ENOENT, StartError::NotFound},       {ENOTDIR, StartError::NotFound},
-    {ELOOP, StartError::NotFound},        {ENAMETOOLONG, StartError::NotFound},
-    {EACCES, StartError::NotExecutable},  {EPERM, StartError::NotExecutable},
-    {ENOEXEC, StartError::NotExecutable}, {EISDIR, StartError::NotExecutable},
-    {ETXTBSY, StartError::NotExecutable}, {ELIBBAD, StartError::NotExecutable},
-    {ENOMEM, StartError::NoMemory},       {EAGAIN, StartError::NoMemory},
+    {ENOENT, StartError::NotFound},      {ENOTDIR, StartError::NotFound},
+    {ELOOP, StartError::NotFound},       {ENAMETOOLONG, StartError::NotFound},
+    {EACCES, StartError::NotExecutable}, {EPERM, StartError::NotExecutable},
+    {ENOEXEC, StartError::BadFormat},    {EISDIR, StartError::NotExecutable},
+    {ETXTBSY, StartError::WontRun},      {ELIBBAD, StartError::WontRun},
+    {ENOMEM, StartError::NoMemory},      {EAGAIN, StartError::NoMemory},
     {E2BIG, StartError::BadArguments},
 };
 
 StartError startError(int number, const std::string& program) {
     // The system gives the same error when the interpreter is what is missing.
-    if (number == ENOENT && infoOf(program).exists) return StartError::NotExecutable;
+    if (number == ENOENT && infoOf(program).exists) return StartError::WontRun;
     for (const Mapping& one : mappings) {
         if (one.number == number) return one.error;
     }
@@ -82,29 +82,38 @@ void reapAbandoned() {
     std::erase_if(abandoned(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
 }
 
-// Whether the process is in the group and has not ended. Ended ones stay in it until their parent reaps them,
-// which the first process of a container may do late or never.
-bool runsIn(const std::string& process, pid_t group) {
-    char status[512];
+struct Status {
+    char state = '\0';  // '\0': there is no such process
+    int group = 0;
+    // Ended ones are there until their parent reaps them, which the first process of a container may do late or
+    // never.
+    [[nodiscard]] bool runs() const { return state != '\0' && state != 'Z' && state != 'X'; }
+};
+
+Status statusOf(const std::string& process) {
+    char text[512];
     std::size_t got = 0;
     Handle handle = -1;
     const std::string path = "/proc/" + process + "/stat";
-    if (realFiles().open(path, OpenMode::Read, 0, handle) != FileError::None) return false;
-    realFiles().read(handle, 0, status, sizeof status - 1, got);
+    if (realFiles().open(path, OpenMode::Read, 0, handle) != FileError::None) return {};
+    realFiles().read(handle, 0, text, sizeof text - 1, got);
     realFiles().close(handle);
-    status[got] = '\0';
-    const char* const name = std::strrchr(status, ')');  // the program's own name may hold anything
-    char state = 0;
-    int parent = 0, its = 0;
-    if (name == nullptr || std::sscanf(name + 1, " %c %d %d", &state, &parent, &its) != 3) return false;
-    return its == group && state != 'Z' && state != 'X';
+    text[got] = '\0';
+    const char* const name = std::strrchr(text, ')');  // the program's own name may hold anything
+    Status status;
+    int parent = 0;
+    if (name == nullptr || std::sscanf(name + 1, " %c %d %d", &status.state, &parent, &status.group) != 3)
+        return {};
+    return status;
 }
 
 bool groupRuns(pid_t group) {
     std::vector<std::string> names;
     realFiles().list("/proc", names);
     return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-        return name.front() >= '0' && name.front() <= '9' && runsIn(name, group);
+        if (name.front() < '0' || name.front() > '9') return false;
+        const Status status = statusOf(name);
+        return status.runs() && status.group == group;
     });
 }
 
@@ -319,9 +328,8 @@ Processes* useProcesses(Processes* processes) {
 bool waitForProcess(int id, int milliseconds) {
     return waitUntil(milliseconds, [id] {
         if (id <= 0 || (::kill(id, 0) < 0 && errno == ESRCH)) return true;
-        siginfo_t info{};  // an ended child is there until its object goes
-        return ::waitid(P_PID, static_cast<id_t>(id), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-               info.si_pid != 0;
+        const Status status = statusOf(std::to_string(id));
+        return status.state != '\0' && !status.runs();
     });
 }
 

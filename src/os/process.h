@@ -13,7 +13,9 @@ namespace tarn::os {
 enum class StartError {
     None,
     NotFound,       // no such program or path
-    NotExecutable,  // it is there and is no program, or may not be run
+    NotExecutable,  // it is there and may not be run
+    BadFormat,      // it is no program, or a damaged one
+    WontRun,        // what it needs to run is not there, or it is being written
     NoMemory,
     BadArguments,  // an argument list that is too long
     BadOutput,     // the file for the output cannot be written

@@ -20,6 +20,7 @@
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
@@ -638,6 +639,34 @@ TEST_F(DrawTest, ChoosersTakeAndGiveTheirValues) {
     EXPECT_EQ(PrintDialog(Draw, 0).value.flags, 0);
     answering("");
     EXPECT_TRUE(PrintDialog(Draw, 0).value.printer.empty());
+}
+
+TEST_F(DrawTest, PostedEventsComeInOrderFromEveryLoop) {
+    PostMessage(Draw, INFO_EVENT, 1);
+    PostMessage(in(101), DBLCLICK_EVENT, 2);
+    EXPECT_TRUE(heard.empty()) << "not at once";
+    for (int i = 0; i < 100 && heard.size() < 2; ++i) DoEvents();
+    EXPECT_EQ(heard, (std::vector<Heard>{{INFO_EVENT, 0, 1, 0}, {DBLCLICK_EVENT, 101, 2, 0}}));
+    heard.clear();
+    // A modal loop hears them too, and they may end it.
+    answer = [](int event, const Object&) {
+        if (event == INFO_EVENT) Hide(Draw);
+        return true;
+    };
+    Hide(Draw);
+    PostMessage(Draw, INFO_EVENT, 3);
+    Show(Draw, true);
+    EXPECT_EQ(heard, (std::vector<Heard>{{INFO_EVENT, 0, 3, 0}}));
+    answer = nullptr;
+}
+
+TEST_F(DrawTest, TheDesktopTellsItsScreensAndTheSizeOfIcons) {
+    const Desktop desktop = DesktopInfo();
+    EXPECT_EQ(desktop.monitors, QGuiApplication::screens().size());
+    EXPECT_EQ(desktop.screen.w, QGuiApplication::primaryScreen()->geometry().width());
+    EXPECT_EQ(desktop.screen.h, QGuiApplication::primaryScreen()->geometry().height());
+    EXPECT_GE(desktop.screen.h, ScreenSize().h);
+    EXPECT_GT(desktop.iconSize, 8);
 }
 
 TEST_F(DrawTest, TheDesktopsClipboardIsReachedByItsObject) {

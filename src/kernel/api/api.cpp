@@ -7,9 +7,16 @@
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "kernel/run/runtime.h"
+#include "kernel/run/state.h"
 #include "kernel/start/process.h"
 #include "kernel/values/strings.h"
 #include "os/process.h"
+
+#include <cstddef>
+
+static_assert(sizeof(tarn_frame) == sizeof(tarn::FrameRecord) && sizeof(tarn_frame_stack) == sizeof(tarn::FrameStack));
+static_assert(offsetof(tarn_frame, first_line) == offsetof(tarn::FrameRecord, firstLine) &&
+              offsetof(tarn_frame, copies) == offsetof(tarn::FrameRecord, copiedClass));
 
 namespace {
 
@@ -83,6 +90,13 @@ void tarn_postcondition(int32_t condition) {
 }
 
 int tarn_run(int argc, char** argv, const tarn_program* program) {
+    // The one argument that is the kernel's own, where it stands first; the program does not see it.
+    if (argc > 1 && std::string_view(argv[1]) == "--strict") {
+        tarn::ExitStrictly();
+        argv[1] = argv[0];
+        ++argv;
+        --argc;
+    }
     tarn::os::setCommandLine(argc, argv);
     running = program;
     tarn::RunProtected(runProgram);

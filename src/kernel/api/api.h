@@ -92,6 +92,22 @@ extern void* tarn_debugger_window;
 
 typedef void (*tarn_error_handler)(int32_t code);
 
+/* The frames, while compiled code may push and pop them by itself; null while it calls tarn_enter and tarn_leave
+ * (no frames are kept, calls are traced, variables are registered). A frame so pushed has literals as its names,
+ * the function's in lower case, and 0 as first variable. Frames beyond 500 go through the calls. */
+typedef struct tarn_frame {
+    const char *class_name, *function_name;
+    int32_t first_line, saved_line, first_variable;
+    char copies[2][41];
+} tarn_frame;
+typedef struct tarn_frame_stack {
+    int32_t count;
+    tarn_frame frames[500];
+} tarn_frame_stack;
+#ifndef __cplusplus
+extern tarn_frame_stack* tarn_quick_frames;
+#endif
+
 void tarn_enter(const char* class_name, const char* function_name, int32_t line);
 void tarn_leave(void);
 void tarn_stamp_slow(int32_t line, int32_t action, tarn_error_handler handler);
@@ -130,7 +146,8 @@ typedef struct tarn_program {
     void (*finalise)(void);
 } tarn_program;
 
-/* What main() of the generated program calls; does not return to user code after a halt. */
+/* What main() of a program calls; does not return to user code after a halt. An argument --strict, if it is the first,
+ * is taken out, and makes the exit code 1 when an error was reported; else it is 0. */
 int tarn_run(int argc, char** argv, const tarn_program* program);
 
 /* ---- integers and booleans ---- */
@@ -395,6 +412,18 @@ void tarn_sys_open_table(tarn_table* t, const tarn_string* path);
 void tarn_sys_close_list(tarn_list* l);
 void tarn_sys_close_table(tarn_table* t);
 
+/* ---- windows: an object is a record of three integers (library/system/api_objects.h) ----
+ * Beside these stands a constant pointer to a function for each line of kernel/windows/operations.h: tarn_win_
+ * and the word of the line. */
+
+/* The window, or with a control's name the control, of the program's resources; unknown ones name nothing. */
+void tarn_object_bind(tarn_record* object, const char* window, const char* control);
+void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element); /* 602 outside */
+/* The function that gets the window's events. It tells by 1 that it has handled one, or vetoes the close. */
+void tarn_window_register(const char* window, int32_t (*function)(const tarn_record* me, int32_t event,
+                                                                  const tarn_record* control, int32_t parameter));
+void tarn_window_main(const char* window); /* loads it, shows it and runs until it is gone */
+
 /* ---- the library as compiled programs see it: SYSTEM functions, each with the line of its caller ----
  * An argument that the language declares `out` or `inout` is a pointer; strings are always pointers. */
 
@@ -428,6 +457,26 @@ void tarn_sys_errordetails(tarn_string* result); /* the whole text of a report *
 void tarn_sys_print(const tarn_string* text);    /* a line to standard output */
 
 
+/* Values of any kind, by a format of the table of data formats or by the extension; see library/system/files.h. */
+void tarn_sys_loadfile_value(const tarn_string* path, void* value, int32_t kind);
+void tarn_sys_loadfile_format(const tarn_string* path, int32_t format, void* value, int32_t kind);
+void tarn_sys_loadfile_options(const tarn_string* path, int32_t format, const tarn_record* options, void* value,
+                               int32_t kind);
+void tarn_sys_savefile_value(const tarn_string* path, const void* value, int32_t kind);
+void tarn_sys_savefile_format(const tarn_string* path, int32_t format, const void* value, int32_t kind);
+void tarn_sys_savefile_options(const tarn_string* path, int32_t format, const tarn_record* options,
+                               const void* value, int32_t kind);
+/* Tables held in data files; see library/data/dbutil.h. The short forms have no options, and closing saves. */
+void tarn_sys_tabopen(const tarn_string* path, tarn_table* t);
+void tarn_sys_tabopen_options(const tarn_string* path, const tarn_record* options, tarn_table* t);
+void tarn_sys_tabclose(const tarn_string* path, tarn_table* t);
+void tarn_sys_tabclose_options(const tarn_string* path, const tarn_record* options, int32_t save, tarn_table* t);
+void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string* directory, tarn_string* stem,
+                        tarn_string* extension);
+void tarn_sys_strsplit(const tarn_string* text, const tarn_string* separator, tarn_string* left,
+                       tarn_string* right);
+void tarn_sys_nextword(const tarn_string* text, int32_t* position, tarn_string* word);
+void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* text, tarn_string* result);
 void tarn_sys_msgbox_ok(const tarn_string* title, const tarn_string* text);
 void tarn_sys_assert(int32_t condition); /* 687 */
 int32_t tarn_sys_ord_enum(int32_t value);

@@ -13,6 +13,7 @@
 extern "C" {
 std::int32_t tarn_current_line = 0;
 void* tarn_debugger_window = nullptr;
+tarn::FrameStack* tarn_quick_frames = nullptr;
 }
 
 namespace tarn {
@@ -52,9 +53,10 @@ void pushFrame(const char* className, const char* functionName, std::int32_t lin
     ++frameStack->count;
     if (!recorded(frameStack->count)) return;
     FrameRecord& frame = frameAt(frameStack->count);
-    CopyName(frame.className, className);
-    CopyName(frame.functionName, functionName);
-    lowerCase(frame.functionName);
+    frame.literalClass = nullptr;
+    CopyName(frame.copiedClass, className);
+    CopyName(frame.copiedFunction, functionName);
+    lowerCase(frame.copiedFunction);
     frame.firstLine = line;
     frame.savedLine = 0;
     frame.firstVariable = variableTable != nullptr ? variableTable->count + 1 : 0;
@@ -116,12 +118,12 @@ void NoteThrown() {
 
 std::string CurrentFunctionName() {
     const FrameRecord* top = TopFrame();
-    return top != nullptr ? top->functionName : "";
+    return top != nullptr ? top->functionName() : "";
 }
 
 std::string CurrentClassName() {
     const FrameRecord* top = TopFrame();
-    return top != nullptr ? top->className : "";
+    return top != nullptr ? top->className() : "";
 }
 
 std::int32_t FrameCount() {
@@ -135,6 +137,7 @@ void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_vie
     if (mode == 2 && os::sizeOf(os::native(mainSource)) <= 0) mode = 1;
     debugMode = mode;
     if (mode >= 1) allocateTable(frameStack);
+    ChooseFrames();
     if (mode == 2) {
         allocateTable(variableTable);
         allocateTable(classTable);
@@ -146,6 +149,12 @@ void DebugEnd() {
     freeTable(variableTable);
     freeTable(classTable);
     debugMode = 0;
+    ChooseFrames();
+}
+
+void ChooseFrames() {
+    const bool quick = debugMode == 1 && GetTraceMode() == 0;
+    tarn_quick_frames = quick ? frameStack : nullptr;
 }
 
 std::int32_t DebugMode() {

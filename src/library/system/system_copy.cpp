@@ -44,7 +44,10 @@ public:
     Source(const Source&) = delete;
     Source& operator=(const Source&) = delete;
     ~Source() {
-        if (handle_ >= 0) os::files().close(handle_);
+        try {
+            if (handle_ >= 0) os::files().close(handle_);
+        } catch (...) {  // the end of the process, in a test
+        }
     }
     [[nodiscard]] os::FileError error() const { return error_; }
     // Empty at the end and after a failure.
@@ -99,8 +102,10 @@ bool copyFile(const std::string& source, const std::string& dest) {
     if (info.folder || info.special) return Refuse(ERR_FILE_READ);
     if (const std::int32_t code = copyBytes(source, dest, info.size)) return Refuse(code);
     if (FileSize(dest) != info.size) return Refuse(ERR_FILE_COPY_SIZE);
-    // Some file systems have no permissions to set; the copy is good without them.
-    (void)os::files().setMode(os::native(dest), info.mode);
+    // Some file systems have no permissions to set; the copy is good without them. A copy never runs as its
+    // owner.
+    constexpr std::uint32_t permissions = 0777;
+    (void)os::files().setMode(os::native(dest), info.mode & permissions);
     const os::FileError time = os::files().setModified(os::native(dest), info.modified);
     SetError(FileWriteCode(time));
     return time == os::FileError::None;

@@ -55,9 +55,9 @@ std::string pageUrl(const std::string& file, const std::string& topic) {
 // Compiled help, for which a program may have a window of its own.
 constexpr std::string_view CompiledTypes[] = {EXT_CHM, ".qch"};
 
-// The classic viewer is no part of this system. What stands in for it tells the user so: a file beside the
-// help file, and one that the system folder of others may hold.
-bool openInPlaceOfClassic(const std::string& helpFile) {
+// What stands in for help that has no viewer (the classic one is no part of this system) and tells the user so:
+// a file beside the help file, and one that the system folder of others may hold.
+bool openInPlaceOf(const std::string& helpFile) {
     const std::string beside = FILEGETDIR(helpFile) + "viewhlp.chm";
     const std::string system = os::environment("WINDIR");
     const std::string fallBack = FILEADDSEPARATOR(system) + "help\\nthelp.chm";
@@ -65,8 +65,11 @@ bool openInPlaceOfClassic(const std::string& helpFile) {
     return !system.empty() && FileSize(fallBack) > 0 && HtmlHelpApi(fallBack, "");
 }
 
-std::string notSupported(std::string_view sort, const std::string& type) {
-    return std::string(sort) + " file type '" + type + "' is not supported.";
+std::string webRefusal(const std::string& type) {
+    return "Web file type '" + type + "' is not supported.";
+}
+std::string helpRefusal(const std::string& type) {
+    return "Help file type '" + type + "' is not supported.";
 }
 
 // Shows the help file, or tells why it is not shown.
@@ -74,14 +77,15 @@ std::string openHelp(const std::string& helpFile, const std::string& topic) {
     const std::string type = STRLOWER(FILEGETEXT(helpFile));
     if (helpFile.empty()) return "Help file name was not provided.";
     if (FileSize(helpFile) <= 0) return "Help file '" + helpFile + "' was empty or not found.";
-    if (holds(OtherWebTypes, type)) return notSupported("Web", type);
+    if (holds(OtherWebTypes, type)) return webRefusal(type);
     if (holds(WebTypes, type)) {
         OPENBROWSER(0, pageUrl(helpFile, topic));
         return {};
     }
-    if (holds(CompiledTypes, type) && HtmlHelpApi(helpFile, topic)) return {};
-    if (type == EXT_HLP && openInPlaceOfClassic(helpFile)) return {};
-    return notSupported("Help", type);
+    const bool compiled = holds(CompiledTypes, type);
+    if (compiled && HtmlHelpApi(helpFile, topic)) return {};
+    if ((compiled || type == EXT_HLP) && openInPlaceOf(helpFile)) return {};
+    return helpRefusal(type);
 }
 
 // The browser that somebody has named in the registry: the program of its command, then the page.

@@ -19,27 +19,19 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-// The first `c` at or behind `from`, in either case; npos if there is none. Remembers where the next of each
-// case stands, so that a text with many of one and few of the other is not searched again and again.
-class CaseFinder {
-public:
-    CaseFinder(std::string_view text, char c) : text_(text), small_(ascii::lower(c)), big_(ascii::upper(c)) {}
-    std::size_t next(std::size_t from) {
-        advance(nextSmall_, small_, from);
-        if (big_ == small_) return nextSmall_;
-        advance(nextBig_, big_, from);
-        return std::min(nextSmall_, nextBig_);
+// The first `c` at or behind `from`, in either case; npos if there is none. Both cases are looked for in one
+// stretch after another, which grow: one case that never comes must not cost the whole text at each call.
+std::size_t findLetter(std::string_view text, char c, std::size_t from) {
+    const char small = ascii::lower(c), big = ascii::upper(c);
+    if (small == big) return text.find(c, from);
+    for (std::size_t size = 64; from < text.size(); size *= 2) {
+        const std::string_view stretch = text.substr(from, size);
+        const std::size_t first = std::min(stretch.find(small), stretch.find(big));
+        if (first != npos) return from + first;
+        from += stretch.size();
     }
-
-private:
-    void advance(std::size_t& at, char c, std::size_t from) const {
-        if (at == unknown || at < from) at = text_.find(c, from);
-    }
-    static constexpr std::size_t unknown = npos - 1;
-    std::string_view text_;
-    char small_, big_;
-    std::size_t nextSmall_ = unknown, nextBig_ = unknown;
-};
+    return npos;
+}
 
 // A search that never looks at a character of the text twice, for texts that would make the plain way slow:
 // the ends of `what` that are also its beginnings tell how far it can be shifted.
@@ -75,13 +67,14 @@ private:
 class Finder {
 public:
     Finder(std::string_view what, std::string_view text, bool ignoreCase)
-        : what_(what), text_(text), ignoreCase_(ignoreCase), first_(text, what.empty() ? '\0' : what[0]) {}
+        : what_(what), text_(text), ignoreCase_(ignoreCase) {}
     std::size_t next(std::size_t from) {
         if (what_.empty() || from > text_.size()) return npos;
         if (!ignoreCase_) return exact(from);
         if (steady_) return steady_->next(text_, from);
         std::size_t spent = 0;  // characters compared in vain
-        for (std::size_t at = first_.next(from); at != npos; at = first_.next(at + 1)) {
+        for (std::size_t at = findLetter(text_, what_[0], from); at != npos;
+             at = findLetter(text_, what_[0], at + 1)) {
             if (what_.size() > text_.size() - at) return npos;
             const std::size_t matched = matchAt(at);
             if (matched == what_.size()) return at;
@@ -106,7 +99,6 @@ private:
     }
     std::string_view what_, text_;
     bool ignoreCase_;
-    CaseFinder first_;
     std::optional<SteadyFinder> steady_;
 };
 

@@ -6,6 +6,7 @@
 #include "os/text/ascii.h"
 #include "toolchain/language/checker_internal.h"
 #include "toolchain/language/library.h"
+#include "toolchain/language/windows.h"
 
 #include <algorithm>
 #include <utility>
@@ -183,7 +184,7 @@ void Checker::callbackHead(const Declaration& item, const Function& head) {
     }
     if (good) good = head.parameters[1]->type == systemType("Control");
     if (!good) return add(item.line, Problem::CallbackHeader, {});
-    const Declaration* window = findDeclaration(tree_, ascii::lowered(item.name + "#"));
+    const Declaration* window = findDeclaration(tree_, windowKey(item.name));
     if (window == nullptr) add(item.line, Problem::NoWindow, {item.name});
 }
 

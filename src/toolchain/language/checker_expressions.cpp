@@ -6,6 +6,7 @@
 #include "toolchain/language/checker_internal.h"
 #include "toolchain/language/constants.h"
 #include "toolchain/language/library.h"
+#include "toolchain/language/windows.h"
 
 #include <algorithm>
 #include <utility>
@@ -169,6 +170,10 @@ void Checker::name(Expression& item) {
     }
     item.target = lookUp(item.qualifier, item.name, item.line);
     if (item.target == nullptr) return;
+    if (item.target->kind == DeclarationKind::Function && item.target->function->isCallback) {
+        const Declaration* window = findDeclaration(*item.target->owner, windowKey(item.name));
+        if (window != nullptr) item.target = window;
+    }
     const Declaration& target = *item.target;
     if (target.kind == DeclarationKind::Function || target.kind == DeclarationKind::Type) {
         item.target = nullptr;
@@ -201,6 +206,7 @@ void Checker::field(ExpressionPtr& item) {
         return name(*item);
     }
     check(item->operands[0]);
+    if (item->operands[0]->isWindow && item->operands[0]->target->control.empty()) return control(*item);
     const Type* type = item->operands[0]->type;
     if (type->kind == Kind::Unknown) return;
     if (!isRecord(type->kind)) return add(item->line, Problem::TypeMismatch, {"a record", typePhrase(type)});
@@ -209,8 +215,21 @@ void Checker::field(ExpressionPtr& item) {
     item->type = type->fields[static_cast<std::size_t>(item->number) - 1].type;
 }
 
+// `Dialog.name`: a control of a window.
+void Checker::control(Expression& item) {
+    const Declaration& window = *item.operands[0]->target;
+    const Declaration* found = findDeclaration(*window.owner, windowKey(window.name, item.name));
+    if (found == nullptr) return add(item.line, Problem::NoControl, {window.name, item.name});
+    item.kind = ExpressionKind::Name;
+    item.operands.clear();
+    item.target = found;
+    item.type = found->type;
+    item.isWindow = true;
+}
+
 void Checker::index(Expression& item) {
     check(item.operands[0]);
+    if (item.operands[0]->isWindow) return element(item);
     for (std::size_t i = 1; i < item.operands.size(); ++i) {
         check(item.operands[i]);
         requireKind(item.operands[i], Kind::Integer);
@@ -228,6 +247,16 @@ void Checker::index(Expression& item) {
     add(item.line, Problem::IndexCount,
         {typePhrase(base), std::to_string(count), std::to_string(item.operands.size() - 1)});
     item.type = plainType(Kind::Unknown);
+}
+
+// `array[i]`: one control of several that share a name.
+void Checker::element(Expression& item) {
+    const Declaration& array = *item.operands[0]->target;
+    check(item.operands[1]);
+    requireKind(item.operands[1], Kind::Integer);
+    if (item.operands.size() != 2 || array.upper < array.lower)
+        return add(item.line, Problem::NoElements, {"'" + array.name + "'"});
+    item.type = array.type;
 }
 
 void Checker::unary(Expression& item) {

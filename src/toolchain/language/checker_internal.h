@@ -93,6 +93,7 @@ private:
         int line;
     };
     using SeenCases = std::map<std::pair<std::int64_t, std::string>, SeenCase>;  // by first number and text
+    void windowLabel(const CaseLabel& label);
     void caseLabel(CaseLabel& label, const Type* type, SeenCases& seen);
 
     // ---- expressions ----
@@ -106,7 +107,9 @@ private:
     void name(Expression& item);
     void constantName(Expression& item, Declaration& target);
     void field(ExpressionPtr& item);
+    void control(Expression& item);
     void index(Expression& item);
+    void element(Expression& item);
     void unary(Expression& item);
     void chain(Expression& item);
     bool stepFits(Expression& item, std::size_t step);

@@ -6,6 +6,7 @@
 #include "toolchain/language/checker_internal.h"
 #include "toolchain/language/classes.h"
 #include "toolchain/language/library.h"
+#include "toolchain/language/windows.h"
 
 #include <algorithm>
 
@@ -22,6 +23,9 @@ const Declaration* Checker::lookUp(const std::string& qualifier, const std::stri
     if (qualifier.empty()) {
         const auto local = locals_.find(folded);
         found = local != locals_.end() ? local->second : findDeclaration(tree_, folded);
+        if (found == nullptr && function_ != nullptr && function_->isCallback)
+            found = findDeclaration(tree_, windowKey(functionItem_->name, name));
+        if (found == nullptr) found = findDeclaration(tree_, windowKey(name));
         if (found == nullptr) found = lookUpUsed(folded, name, line);
         if (found == nullptr && !isSystem(tree_)) {
             Declaration* item = findDeclaration(systemClass(), folded);
@@ -44,6 +48,7 @@ const Declaration* Checker::lookUpUsed(const std::string& folded, const std::str
     for (const UsedClass& used : tree_.uses) {
         if (used.tree == nullptr || used.tree == &tree_) continue;
         Declaration* item = findDeclaration(*used.tree, folded);
+        if (item == nullptr || !item->isPublic) item = findDeclaration(*used.tree, folded + "#");
         if (item == nullptr || !item->isPublic || item == found) continue;
         if (found != nullptr) {
             add(line, Problem::Ambiguous, {name, found->owner->name, item->owner->name});

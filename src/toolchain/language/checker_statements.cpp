@@ -3,6 +3,7 @@
 // Statements: a function for each.
 #include "os/text/ascii.h"
 #include "toolchain/language/checker_internal.h"
+#include "toolchain/language/library.h"
 
 #include <algorithm>
 
@@ -40,6 +41,9 @@ void Checker::loop(Statement& item) {
 
 void Checker::callStatement(Statement& item) {
     check(item.value);
+    const Declaration* target = item.value->target;
+    const bool optional = target != nullptr && target->function && target->function->external.starts_with("tarn_win_");
+    if (optional) return;
     const bool used = item.value->kind == ExpressionKind::Call && item.value->type->kind != Kind::None &&
                       item.value->type->kind != Kind::Unknown;
     if (used) add(item.line, Problem::ResultUnused, {item.value->name});
@@ -121,7 +125,8 @@ void Checker::forEach(Statement& item) {
 void Checker::select(Statement& item) {
     check(item.value);
     const Kind kind = item.value->type->kind;
-    const bool good = isScalar(kind) || kind == Kind::String || kind == Kind::Unknown;
+    const bool isControl = item.value->type == systemType("Control");
+    const bool good = isScalar(kind) || kind == Kind::String || kind == Kind::Unknown || isControl;
     if (!good) add(item.line, Problem::TypeMismatch, {"a number or a string", typePhrase(item.value->type)});
     SeenCases seen;
     for (Branch& branch : item.branches) {
@@ -136,6 +141,7 @@ void Checker::caseLabel(CaseLabel& label, const Type* type, SeenCases& seen) {
         if (*value == nullptr) continue;
         check(*value, type);
         if (!fits(*value, type)) return;
+        if (type->kind == Kind::Record) return windowLabel(label);
         if (!(*value)->constant) return add(label.line, Problem::ConstantNeeded, {});
     }
     const bool ordered = type->kind != Kind::String && type->kind != Kind::Boolean && type->kind != Kind::Real;
@@ -154,6 +160,11 @@ void Checker::caseLabel(CaseLabel& label, const Type* type, SeenCases& seen) {
             return add(label.line, Problem::CaseTwice, {std::to_string(range.line)});
     }
     seen.emplace(std::pair(from.number, from.text), SeenCase{last, label.line});
+}
+
+// In a select over controls: the name of one.
+void Checker::windowLabel(const CaseLabel& label) {
+    if (!label.from->isWindow || label.to) add(label.line, Problem::ConstantNeeded, {});
 }
 
 void Checker::returned(Statement& item) {

@@ -5,6 +5,7 @@
 #include "os/paths.h"
 #include "os/text/ascii.h"
 #include "toolchain/language/parser.h"
+#include "toolchain/language/windows.h"
 #include "toolchain/language/words.h"
 
 #include <algorithm>
@@ -97,6 +98,7 @@ ClassTree* ClassLoader::read(const std::string& file, Messages& messages) {
         return nullptr;
     }
     ClassTree* tree = trees_.emplace(file, parseClass(text, file, messages)).first->second.get();
+    if (!tree->name.empty()) declareWindows(*tree);
     waiting_.push_back(tree);
     return tree;
 }

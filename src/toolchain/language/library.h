@@ -7,11 +7,15 @@
 
 #include "toolchain/language/tree.h"
 
+#include <string>
 #include <string_view>
 
 namespace tarn::toolchain {
 
-extern const std::string_view SystemText;
+extern const std::string_view SystemText;  // with a mark where the windowing operations belong
+std::string windowHeads();                 // the heads of those, one a line
+std::string errorConstants();              // of run-time errors
+std::string systemText();                  // the whole class
 
 // Read once, its types resolved.
 ClassTree& systemClass();

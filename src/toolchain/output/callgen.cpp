@@ -12,7 +12,7 @@ namespace {
 
 // Functions that handle events meanwhile, and so run other functions of the program.
 bool handlesEvents(const std::string& external) {
-    return external.starts_with("tarn_win_");
+    return external.starts_with("tarn_win_") || external.starts_with("tarn_sys_msgbox");
 }
 
 unsigned effectsOfCall(const Declaration& target) {
@@ -23,6 +23,12 @@ unsigned effectsOfCall(const Declaration& target) {
     for (const auto& parameter : head.parameters)
         if (parameter->mode != Mode::In) result |= ChangesShared | ChangesLocals;
     return result;
+}
+
+// What is held in a file is the file, and has no copy. The library looks at what it is given before it changes
+// anything of its own, so a table for it is not copied, however large it is.
+bool passedAsItStands(const Expression& value, const Declaration& parameter) {
+    return value.type->isExternal || parameter.type->isOpen;
 }
 
 }  // namespace
@@ -37,7 +43,7 @@ unsigned ExpressionGenerator::effects(const Expression& item) const {
 
 void ExpressionGenerator::call(const Expression& item) {
     const std::size_t before = puts_.size();
-    line(callText(item, {}) + ";");
+    line(callText(item, isComposite(item.type->kind) ? temporary(item.type) : std::string()) + ";");
     flushPuts(before);
 }
 
@@ -95,9 +101,9 @@ std::string ExpressionGenerator::callText(const Expression& item, const std::str
 
     std::string arguments;
     std::vector<std::string> back;
-    for (std::size_t i = 0; i < count; ++i) {
-        const bool isNumber = isScalar(item.operands[i]->type->kind);
-        Argument next = argument(item, i, later[i + 1] | (isNumber ? NoEffects : own));
+    for (std::size_t i = 0; i < count; ++i)  {
+        const bool asItStands = passedAsItStands(*item.operands[i], *item.target->function->parameters[i]);
+        Argument next = argument(item, i, asItStands ? NoEffects : later[i + 1] | (isScalar(item.operands[i]->type->kind) ? NoEffects : own));
         arguments += (i == 0 ? "" : ", ") + next.text;
         if (!next.copyBack.empty()) back.push_back(next.copyBack);
     }

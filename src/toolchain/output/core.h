@@ -6,6 +6,7 @@
  */
 #include <stdint.h>
 
+#ifndef TARNWICK_API_H /* a test puts the two behind each other */
 #define TARN_UNBOUNDED (-1000000)
 #define TARN_NO_DIMENSION (-999999)
 #define TARN_PACKED __attribute__((packed))
@@ -43,6 +44,8 @@ typedef struct TARN_PACKED tarn_table {
     int32_t maxlength, count, reserved;
 } tarn_table;
 
+#endif
+
 /* Values in records and arrays stand at any address. */
 typedef uint8_t quarn_u8;
 typedef int32_t __attribute__((aligned(1), may_alias)) quarn_i32;
@@ -63,6 +66,7 @@ void tarn_register_class(const char *source_path, const char *class_name);
 void tarn_register_variable(const char *name, char role, int32_t kind, void *address);
 void tarn_precondition(int32_t condition);
 void tarn_postcondition(int32_t condition);
+#ifndef TARNWICK_API_H
 typedef struct tarn_program {
     const char *library_version, *main_source;
     int32_t debug_mode, memory_checking, single_instance;
@@ -70,6 +74,7 @@ typedef struct tarn_program {
     void (*main)(void);
     void (*finalise)(void);
 } tarn_program;
+#endif
 
 int32_t tarn_integer_div(int32_t a, int32_t b);
 int32_t tarn_integer_mod(int32_t a, int32_t b);
@@ -125,7 +130,13 @@ void tarn_table_key_from_row(const tarn_table *t, int32_t index, const tarn_reco
 void tarn_table_row(const tarn_table *t, int32_t number, tarn_record *row);
 int32_t tarn_table_count(const tarn_table *t);
 void tarn_assert(int32_t condition, const tarn_string *text);
+void tarn_object_bind(tarn_record *object, const char *window, const char *control);
+void tarn_control_element(const tarn_record *array, int32_t index, tarn_record *element);
+void tarn_window_register(const char *window, int32_t (*function)(const tarn_record *me, int32_t event,
+                                                                  const tarn_record *control, int32_t parameter));
+void tarn_window_main(const char *window);
 
+#ifndef TARNWICK_API_H
 static inline void tarn_stamp(int32_t line, int32_t action, tarn_error_handler handler)
 {
     if (tarn_error_cell != 0 || tarn_debugger_window != 0)
@@ -140,7 +151,21 @@ static inline int32_t tarn_integer_neg(int32_t a) { return (int32_t)(0u - (uint3
 static inline int64_t tarn_fixed_add(int64_t a, int64_t b) { return (int64_t)((uint64_t)a + (uint64_t)b); }
 static inline int64_t tarn_fixed_sub(int64_t a, int64_t b) { return (int64_t)((uint64_t)a - (uint64_t)b); }
 static inline int64_t tarn_fixed_neg(int64_t a) { return (int64_t)(0u - (uint64_t)a); }
-static inline int64_t tarn_fixed_from_integer(int32_t i) { return (int64_t)i * 10000; }
+#endif
+#define tarn_fixed_from_integer(i) ((int64_t)(i) * 10000)
+
+#ifndef TARNWICK_API_H
+typedef struct tarn_frame {
+    const char *class_name, *function_name;
+    int32_t first_line, saved_line, first_variable;
+    char copies[2][41];
+} tarn_frame;
+typedef struct tarn_frame_stack {
+    int32_t count;
+    tarn_frame frames[500];
+} tarn_frame_stack;
+extern tarn_frame_stack *tarn_quick_frames;
+#endif
 
 extern char *quarn_stack_end; /* the last place from where an error can still be reported; see main() */
 /* Frames beyond 500 are counted and have no names, so the frames above are left first: the one that is found then
@@ -156,12 +181,37 @@ static void quarn_stack_is_full(const char *class_name, const char *function_nam
     tarn_error_cell = 803;
     tarn_stamp_slow(line, 0, tarn_default_onerror);
 }
-static inline void quarn_enter(const char *class_name, const char *function_name, int32_t line)
+/* The function's name in lower case, and as it is written. */
+static inline void quarn_enter(const char *class_name, const char *function_name, const char *written, int32_t line)
 {
     char here;
-    tarn_enter(class_name, function_name, line);
+    tarn_frame_stack *s = tarn_quick_frames;
+    if (s != 0 && (uint32_t)(s->count - 1) < 499) {
+        tarn_frame *frame = &s->frames[s->count++];
+        frame[-1].saved_line = tarn_current_line;
+        frame->class_name = class_name;
+        frame->function_name = function_name;
+        frame->first_line = line;
+        frame->saved_line = 0;
+        frame->first_variable = 0;
+        tarn_current_line = line;
+    } else {
+        tarn_enter(class_name, written, line);
+    }
     if (&here < quarn_stack_end)
-        quarn_stack_is_full(class_name, function_name, line);
+        quarn_stack_is_full(class_name, written, line);
+}
+
+static inline void quarn_leave(void)
+{
+    tarn_frame_stack *s = tarn_quick_frames;
+    if (s != 0 && (uint32_t)(s->count - 2) < 499) {
+        tarn_frame *frame = &s->frames[--s->count - 1];
+        tarn_current_line = frame->saved_line;
+        frame->saved_line = 0;
+    } else {
+        tarn_leave();
+    }
 }
 
 /* The character at a place of a text, 0 outside. */

@@ -78,7 +78,7 @@ private:
             out_.line("tarn_adt_clear(result, " + cKind(kind) + ");");
         else if (kind != Kind::None)
             out_.line(cType(kind) + " r = 0;");
-        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(item_.name) + ", " +
+        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(ascii::lowered(item_.name)) + ", " + cString(item_.name) + ", " +
                   std::to_string(head_.bodyLine) + ");");
         if (options_.debug == 2) registerVariables();
         entry_ = out_.takeLines();
@@ -141,7 +141,7 @@ private:
         for (auto item = head_.parameters.rbegin(); item != head_.parameters.rend(); ++item)
             if (isCopied(**item)) release(**item);
         for (auto item = head_.variables.rbegin(); item != head_.variables.rend(); ++item) release(**item);
-        if (!head_.isOnerror) out_.line("tarn_leave();");
+        if (!head_.isOnerror) out_.line("quarn_leave();");
     }
 
     // What the windows call: the handled flag is the result.
@@ -222,7 +222,9 @@ std::string externalHead(const Declaration& item) {
         parameters = joined(parameters, text);
     }
     parameters = joined(parameters, resultParameter(head));
-    return (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + head.external + "(" + (parameters.empty() ? "void" : parameters) + ")";
+    const bool isPointer = head.external.starts_with("tarn_win_") || head.external.starts_with("tarn_lib_");
+    const std::string name = isPointer ? "(*const " + head.external + ")" : head.external;
+    return (isPointer ? "extern " : "") + (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + name + "(" + (parameters.empty() ? "void" : parameters) + ")";
 }
 
 std::string generateFunction(const Declaration& item, const GeneratorOptions& options, Shared& shared) {

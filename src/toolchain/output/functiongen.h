@@ -8,6 +8,7 @@
 #include "toolchain/output/literals.h"
 #include "toolchain/output/shapes.h"
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,6 +19,7 @@ namespace tarn::toolchain {
 struct Shared {
     Literals literals;
     Shapes shapes;
+    std::map<const Declaration*, std::string> windows;  // windows and controls that are named, by their C names
     std::set<const Declaration*> foreign;  // functions and variables that are named, in any class
     std::vector<bool> codeLines;
 };

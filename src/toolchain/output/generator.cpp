@@ -23,10 +23,12 @@ public:
         for (const auto& item : tree_.declarations)
             if (item->kind == DeclarationKind::Function)
                 bodies_ += generateFunction(*item, options_, shared_);
+        for (const auto& item : tree_.declarations)
+            if (isWindowFunction(*item)) shared_.foreign.insert(item.get());
         const std::string start = startFunction(), setup = setupFunction(), finish = finishFunction();
         Generated result;
         result.text = head() + variables() + prototypes() + shared_.literals.definition() +
-                      shared_.shapes.definitions() + bodies_ + setup + start + finish + programRecord();
+                      shared_.shapes.definitions() + windows() + bodies_ + setup + start + finish + programRecord();
         result.codeLines = std::move(shared_.codeLines);
         return result;
     }
@@ -88,8 +90,28 @@ private:
 
     // Literals and variables of all classes exist before the first initial value is computed, so that classes
     // that use each other find them.
+    static bool isWindowFunction(const Declaration& item) { return item.function && item.function->isCallback; }
+
+    std::string windows() const {
+        std::string result;
+        for (const auto& [item, name] : shared_.windows) result += "static tarn_record " + name + ";\n";
+        return result;
+    }
+
+    // Windows and controls are known by name; the functions of windows get their events.
+    std::string bindings() {
+        std::string result;
+        for (const auto& [item, name] : shared_.windows)
+            result += "    " + shared_.shapes.initialise("&" + name, item->type) + "\n    tarn_object_bind(&" + name + ", " +
+                      cString(item->window) + ", " + cString(item->control) + ");\n";
+        for (const auto& item : tree_.declarations)
+            if (isWindowFunction(*item))
+                result += "    tarn_window_register(" + cString(item->name) + ", w_" + itemSymbol(*item) + ");\n";
+        return result;
+    }
+
     std::string setupFunction() {
-        std::string values;
+        std::string values = bindings();
         for (const auto& item : tree_.declarations)
             if (isVariable(*item) && !isScalar(item->type->kind))
                 values += "    " + shared_.shapes.initialise("&" + itemSymbol(*item), item->type) + "\n";
@@ -107,17 +129,26 @@ private:
         for (auto item = tree_.declarations.rbegin(); item != tree_.declarations.rend(); ++item)
             if (isVariable(**item) && !isScalar((*item)->type->kind))
                 result += "    tarn_adt_free(&" + itemSymbol(**item) + ", " + cKind((*item)->type->kind) + ");\n";
+        for (const auto& [item, name] : shared_.windows)
+            result += "    tarn_adt_free(&" + name + ", " + cKind(item->type->kind) + ");\n";
         return result + shared_.shapes.release() + shared_.literals.release() + step("finish") + "}\n";
+    }
+
+    std::string mainFunction() const {
+        const Declaration& main = *findMain(tree_);
+        return isWindowFunction(main) ? classSymbol(tree_.name, "window") : itemSymbol(main);
     }
 
     std::string programRecord() const {
         if (!hasMain(tree_)) return {};
+        const Declaration& main = *findMain(tree_);
+        const std::string window = !isWindowFunction(main) ? "" : "static void " + mainFunction() + "(void)\n{\n    tarn_window_main(" + cString(main.name) + ");\n}\n";
         const std::string initialise = classSymbol(tree_.name, "initialise");
-        return "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") +
+        return window + "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") +
                "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
                classSymbol(tree_.name, "program") + " = {" + cString(std::string(ProductVersion)) + ", " +
                cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
-               ", " + itemSymbol(*findMain(tree_)) + ", " + classSymbol(tree_.name, "finish") +
+               ", " + mainFunction() + ", " + classSymbol(tree_.name, "finish") +
                "};\n";
     }
 

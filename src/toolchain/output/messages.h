@@ -90,6 +90,7 @@ enum class Problem : int {
     CannotWalk = 1338,
     SameForm = 1339,
     NotStored = 1340,
+    NoControl = 1341,
 
     CannotRead = 1901,
     CannotWrite = 1902,
@@ -102,6 +103,8 @@ enum class Problem : int {
     ToolFailed = 1909,
     ResourcesFailed = 1910,
     NotAMainClass = 1911,
+    NoSuchBackEnd = 1912,
+    SourcesChange = 1913,
 };
 
 // The text of a problem with its `%` signs replaced in order.

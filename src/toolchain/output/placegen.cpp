@@ -34,6 +34,10 @@ std::string typed(const std::string& address, Kind kind) {
 }  // namespace
 
 std::string ExpressionGenerator::place(const Declaration& item) {
+    if (item.kind == DeclarationKind::Window) {
+        const auto [place, isNew] = shared_.windows.emplace(&item, "o" + std::to_string(shared_.windows.size() + 1));
+        return "&" + place->second;
+    }
     const bool scalarValue = isScalar(item.type->kind);
     if (item.kind == DeclarationKind::ClassVariable || isStoredConstant(item)) {
         shared_.foreign.insert(&item);
@@ -49,7 +53,7 @@ bool ExpressionGenerator::isPlace(const Expression& item) const {
     switch (item.kind) {
     case ExpressionKind::Name: return !item.constant;
     case ExpressionKind::Field: return true;
-    case ExpressionKind::Index: return item.operands[0]->type->kind != Kind::String;
+    case ExpressionKind::Index: return item.operands[0]->type->kind != Kind::String && !item.operands[0]->isWindow;
     default: return false;
     }
 }

@@ -219,7 +219,7 @@ void StatementGenerator::leaveLoop(const Statement& item, const char* jump) {
 void StatementGenerator::select(const Statement& item) {
     stamp(item.line);
     const Kind kind = item.value->type->kind;
-    const bool text = kind == Kind::String;
+    const bool text = kind == Kind::String || kind == Kind::Record;
     const std::string value = text ? out_.address(*item.value) : out_.newName();
     if (!text) out_.line("const " + cType(kind) + " " + value + " = " + out_.scalar(*item.value) + ";");
     const std::string end = newLabel();
@@ -238,6 +238,8 @@ void StatementGenerator::select(const Statement& item) {
 }
 
 std::string StatementGenerator::caseTest(const CaseLabel& label, const std::string& value, bool text) {
+    if (label.from->type->kind == Kind::Record)
+        return "tarn_adt_compare(\"EQ\", " + value + ", " + out_.address(*label.from) + ", " + cKind(Kind::Record) + ")";
     if (text) return "tarn_string_compare(" + value + ", " + out_.address(*label.from) + ") == 0";
     if (!label.to) return value + " == " + out_.scalar(*label.from);
     return value + " >= " + out_.scalar(*label.from) + " && " + value + " <= " + out_.scalar(*label.to);

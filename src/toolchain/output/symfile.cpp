@@ -18,6 +18,13 @@ Symbol symbolOf(const Declaration& item, const char* sort, int scope) {
     symbol.impline = item.function ? item.function->bodyLine : item.line;
     symbol.useline = item.useLine;
     symbol.classname = item.owner->name;
+    if (item.kind == DeclarationKind::Window) {
+        symbol.name = item.window;
+        symbol.signature = item.control;
+        symbol.typeName = item.controlType;
+        symbol.lb1 = item.upper >= item.lower ? item.lower : 0;
+        return symbol;
+    }
     const Type& type = *(item.function ? item.function->result : item.type);
     if (type.kind != Kind::None) symbol.typeName = kindName(type.kind);
     if (type.length != Unbounded) symbol.lb1 = type.length;

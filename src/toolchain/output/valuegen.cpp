@@ -29,6 +29,10 @@ void ExpressionGenerator::into(const Expression& item, const std::string& destin
         case ExpressionKind::Chain:
             return item.type->kind == Kind::Set ? setChain(item, destination) : textChain(item, destination);
         case ExpressionKind::Set: return setLiteral(item, destination);
+        case ExpressionKind::Index: {
+            const std::string index = scalar(*item.operands[1]);
+            return line("tarn_control_element(" + address(*item.operands[0]) + ", " + index + ", " + destination + ");");
+        }
         case ExpressionKind::Aggregate: return aggregate(item, destination);
         default: break;
         }

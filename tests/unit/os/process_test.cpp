@@ -106,8 +106,8 @@ TEST_F(ProcessTest, whatCannotBeStartedGivesItsReason) {
         {{at("good"), {}, at("plain"), ""}, StartError::NotFound},
         {{root_, {}, "", ""}, StartError::NotExecutable},
         {{at("plain"), {}, "", ""}, StartError::NotExecutable},
-        {{at("nonsense"), {}, "", ""}, StartError::NotExecutable},
-        {{at("lost"), {}, "", ""}, StartError::NotExecutable},
+        {{at("nonsense"), {}, "", ""}, StartError::BadFormat},
+        {{at("lost"), {}, "", ""}, StartError::WontRun},
         {{at("good"), {std::string(4'000'000, 'x')}, "", ""}, StartError::BadArguments},
         {{at("good"), {std::string("a\0b", 3)}, "", ""}, StartError::BadArguments},
         {{at("good"), {}, "", at("none/out")}, StartError::BadOutput},
@@ -131,6 +131,33 @@ TEST_F(ProcessTest, outputAndErrorsGoToTheFileAndInputIsEmpty) {
     const auto child = shell("echo one; echo two >&2; cat; echo three", at("out"));
     EXPECT_TRUE(child->wait(longEnough).ended);
     EXPECT_EQ(get("out"), "one\ntwo\nthree\n");
+}
+
+TEST_F(ProcessTest, inputComesFromTheFileThatIsNamed) {
+    ASSERT_TRUE(saveFile(at("in"), "typed\n").ok());
+    StartRequest request{"/bin/cat", {}, "", at("out")};
+    request.inputFile = root_ + "\\in";
+    EXPECT_EQ(startError(request), StartError::None);
+    EXPECT_EQ(get("out"), "typed\n");
+    for (const std::string& none : {at("none"), root_, at(std::string("in\0x", 4))}) {
+        request.inputFile = none;
+        request.outputFile = at("untouched");
+        EXPECT_EQ(startError(request), StartError::BadInput) << none;
+    }
+    EXPECT_EQ(sizeOf(at("untouched")), -1) << "the output is made when all else is good";
+    request.inputFile = "/dev/null";
+    EXPECT_EQ(startError(request), StartError::None);
+    EXPECT_EQ(sizeOf(at("untouched")), 0);
+}
+
+TEST_F(ProcessTest, aProcessIsWaitedForByItsNumber) {
+    const auto child = shell("sleep 0.3");
+    EXPECT_FALSE(waitForProcess(child->id(), 0));
+    EXPECT_FALSE(waitForProcess(child->id(), 20));
+    EXPECT_TRUE(waitForProcess(child->id(), longEnough));
+    EXPECT_EQ(child->wait(longEnough).code, 0) << "its end is still told to whoever started it";
+    for (const int none : {0, -1, -child->id(), 2'000'000'000}) EXPECT_TRUE(waitForProcess(none, 0)) << none;
+    EXPECT_FALSE(waitForProcess(::getpid(), 0));
 }
 
 TEST_F(ProcessTest, theProgramStartsInItsFolderAndPathsTakeBackslashes) {

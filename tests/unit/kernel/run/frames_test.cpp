@@ -50,7 +50,7 @@ TEST_F(Frames, EnterAndLeaveKeepTheLines) {
     EXPECT_EQ(CurrentFunctionName(), "do_load");
     EXPECT_EQ(frameStack->frames[0].savedLine, 0);
     EXPECT_EQ(frameStack->frames[1].firstLine, 0);
-    EXPECT_STREQ(frameStack->frames[1].className, "");
+    EXPECT_STREQ(frameStack->frames[1].className(), "");
     FunctionLeave();
     EXPECT_EQ(tarn_current_line, 0);
     EXPECT_EQ(FrameCount(), 0);

@@ -95,7 +95,7 @@ TEST_F(WrapperTest, WhatCannotFailLeavesTheCellAlone) {
 // Each line of the list has its wrapper, or this would not compile; a line that is there twice is a second form.
 TEST_F(WrapperTest, TheListNamesEachOperation) {
     std::multiset<std::string> names;
-#define TARN_NAME(result, name, parameters, arguments) names.insert(#name);
+#define TARN_NAME(result, name, symbol, parameters, arguments) names.insert(#name);
     TARN_WINDOW_OPERATIONS(TARN_NAME)
 #undef TARN_NAME
     for (const char* twice : {"AddItem", "SetList", "SetPicture", "DrawPicture"})
