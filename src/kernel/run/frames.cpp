@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <cxxabi.h>
 
 extern "C" {
 std::int32_t tarn_current_line = 0;
@@ -24,6 +25,27 @@ ClassTable* classTable = nullptr;
 ThrownPlace lastThrown;
 
 namespace {
+
+constinit const unsigned noExceptions = 0;  // for functions that run ahead of this module's own start
+
+}  // namespace
+
+constinit const unsigned* exceptionsUnderWay = &noExceptions;
+
+namespace {
+
+// What the language's run time keeps for each thread, as the C++ ABI of the machine lays it out.
+struct ThreadExceptions {
+    void* caught;
+    unsigned underWay;
+};
+
+// From here on frames look at the exceptions of the thread that calls this.
+bool watchThisThread() {
+    exceptionsUnderWay = &reinterpret_cast<const ThreadExceptions*>(abi::__cxa_get_globals())->underWay;
+    return true;
+}
+const bool watched = watchThisThread();
 
 std::int32_t debugMode = 0;
 
@@ -133,6 +155,7 @@ std::int32_t FrameCount() {
 void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_view /*version*/,
                 std::string_view /*build*/, std::string_view mainSource) {
     if (mode < 0 || mode > 2) return;
+    watchThisThread();
     // A program that has left its source behind has nothing to show in a debugger.
     if (mode == 2 && os::sizeOf(os::native(mainSource)) <= 0) mode = 1;
     debugMode = mode;

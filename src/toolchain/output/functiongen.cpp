@@ -195,6 +195,14 @@ private:
 
 }  // namespace
 
+bool DeclarationOrder::operator()(const Declaration* a, const Declaration* b) const {
+    const auto nameOf = [](const Declaration& item) {
+        if (item.kind == DeclarationKind::Window) return item.owner->name + "." + item.window + "." + item.name;
+        return item.function && !item.function->external.empty() ? item.function->external : itemSymbol(item);
+    };
+    return a != b && nameOf(*a) < nameOf(*b);
+}
+
 void markCodeLine(Shared& shared, int line) {
     const auto number = static_cast<std::size_t>(line);
     if (shared.codeLines.size() <= number) shared.codeLines.resize(number + 1);
