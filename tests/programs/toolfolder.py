@@ -3,26 +3,20 @@
 # Builds and runs programs of the language with the tools that were built. Each ToolFolder has links to them and private
 # settings, so that several work beside each other. A setting names how programs are compiled: debug level and C compiler.
 import os
-import shutil
 import subprocess
 
-# Name of a setting: options of the compiler, words for the C compiler (empty: what the tools choose).
+# Name of a setting: options of the compiler, and the C compiler behind it (empty: what the tools choose).
 SETTINGS = {
     "d2": ("/p2 /d2", ""),
     "d1": ("/p2 /d1", ""),
     "d0": ("/p2 /d0", ""),
-    "d2-gcc-O0": ("/p2 /d2", "gcc -O0"),
-    "d0-gcc-O2": ("/p2 /d0", "gcc -O2"),
     "d2-tcc": ("/p2 /d2", "tcc"),
+    "d2-gcc-O0": ("/p2 /d2", "gcc-O0"),
+    "d2-gcc-O2": ("/p2 /d2", "gcc-O2"),
+    "d0-tcc": ("/p2 /d0", "tcc"),
 }
-REGISTRY = "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe]\n="
 BUILD_SECONDS = 60
 RUN_SECONDS = 20
-
-
-def available(setting):
-    words = SETTINGS[setting][1].split()
-    return not words or shutil.which(words[0]) is not None
 
 
 class Run:
@@ -41,18 +35,18 @@ class ToolFolder:
     def __init__(self, binaries, folder, setting="d2"):
         self.folder = folder
         self.options, self.compiler = SETTINGS[setting]
-        for part in ("tools", "environment", "config/tarnwick", "path"):
+        for part in ("tools", "config"):
             os.makedirs(os.path.join(folder, part))
         for tool in ("quarn.exe", "ordo.exe"):
             os.symlink(os.path.join(binaries, tool), self._path("tools", tool))
-        self._write("config/tarnwick/registry.ini", REGISTRY + self._path("environment", "ide.exe") + "\n")
         self.use_options(self.options)
         self.environment = dict(os.environ, XDG_CONFIG_HOME=self._path("config"), XDG_STATE_HOME=self._path("state"),
                                 XDG_RUNTIME_DIR=folder)
         for name in ("DISPLAY", "WAYLAND_DISPLAY"):
             self.environment.pop(name, None)
+        self.environment.pop("TARNWICK_CC", None)
         if self.compiler:
-            self._choose_compiler()
+            self.environment["TARNWICK_CC"] = self.compiler
 
     def _path(self, *parts):
         return os.path.join(self.folder, *parts)
@@ -63,17 +57,7 @@ class ToolFolder:
 
     def use_options(self, options):
         line = '"%s" %s /q ^.cls' % (self._path("tools", "quarn.exe"), options)
-        self._write("environment/ide.ini", "[ordo]\nCLS=%s\n" % line)
-
-    def _choose_compiler(self):
-        """The tools take the first `cc` of the path; the words given last are the ones that count."""
-        words = self.compiler.split()
-        script = self._path("path", "cc")
-        with open(script, "w", encoding="latin-1") as file:
-            file.write('#!/bin/sh\nexec %s "$@" %s\n' % (words[0], " ".join(words[1:])))
-        os.chmod(script, 0o755)
-        self.environment["PATH"] = self._path("path") + ":" + self.environment["PATH"]
-        self.environment["TARNWICK_CC"] = self.compiler.replace(" ", "")
+        self._write("tools/ide.ini", "[ordo]\nCLS=%s\n" % line)
 
     def messages(self):
         try:

@@ -8,9 +8,9 @@
 #   options     options of the compiler in place of /p2 and the debug level, if there is such a file
 #   expected    the output of the programs, reports of errors included; or the messages, where a class is refused
 #
-#   run BINARIES [--setting NAME]... [--jobs N] [--update] [NAME]...
+#   run.py BINARIES [--setting NAME]... [--jobs N] [--update] [NAME]...
 #
-# BINARIES is the folder of quarn.exe and ordo.exe. `--setting all` runs under each setting that this machine has.
+# BINARIES is the folder of quarn.exe and ordo.exe. `--setting all` runs under each setting.
 # NAME picks the programs whose names begin so.
 import argparse
 import difflib
@@ -114,7 +114,7 @@ def main():
     given = parser.parse_args()
     settings = given.setting or ["d2"]
     if "all" in settings:
-        settings = [name for name in toolfolder.SETTINGS if toolfolder.available(name)]
+        settings = list(toolfolder.SETTINGS)
     report, names, began = Report(given.update), program_names(given.names), time.time()
     for setting in settings:
         run_setting(os.path.abspath(given.binaries), setting, names, given.jobs, report)
