@@ -250,6 +250,7 @@ void* tarn_record_field(tarn_record* r, int32_t n); /* null when there is no fie
 void tarn_record_put(tarn_record* r, int32_t n, const void* value, int32_t kind);
 void tarn_record_get(const tarn_record* r, int32_t n, void* value, int32_t kind);
 void tarn_record_append(tarn_record* r, const void* value, int32_t kind);
+void tarn_sys_record_assign(tarn_record* dest, const tarn_record* src); /* whatever their fields are */
 void tarn_sys_record_add_boolean(tarn_record* r, int32_t value);
 void tarn_sys_record_add_enum(tarn_record* r, int32_t value);
 void tarn_sys_record_add_integer(tarn_record* r, int32_t value);

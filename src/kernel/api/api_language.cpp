@@ -27,6 +27,11 @@ struct Scratch {
 std::array<Scratch, 64> scratches;
 std::size_t nextScratch = 0;
 
+void release(Scratch& place) {
+    if (tarn::IsAdtKind(place.kind)) tarn::AdtFree(place.bytes, place.kind);
+    place = {};
+}
+
 const void* prototypeOf(tarn::Offset offset) {
     return tarn::At(offset);
 }
@@ -56,20 +61,21 @@ extern "C" {
 
 void* tarn_scratch(int32_t kind, const void* like) {
     Scratch& place = scratches[nextScratch++ % scratches.size()];
-    tarn::AdtFree(place.bytes, place.kind);
-    std::memset(place.bytes, 0, sizeof place.bytes);
+    release(place);
     place.kind = kindOf(kind);
     if (tarn::IsAdtKind(kind) && like != nullptr) tarn::AdtInit(place.bytes, like, place.kind);
     return place.bytes;
 }
 
 void tarn_scratch_release(void) {
-    for (Scratch& place : scratches) {
-        tarn::AdtFree(place.bytes, place.kind);
-        place = {};
-    }
+    for (Scratch& place : scratches) release(place);
 }
 
+void tarn_sys_record_assign(tarn_record* dest, const tarn_record* src) {
+    if (dest == src) return;
+    tarn::AdtFree(dest, tarn::KindRecord);
+    tarn::AdtCopy(src, dest, tarn::KindRecord);
+}
 void tarn_sys_record_add_boolean(tarn_record* r, int32_t value) {
     const uint8_t byte = value != 0 ? 1 : 0;
     tarn_record_append(r, &byte, TARN_BOOLEAN);

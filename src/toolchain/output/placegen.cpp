@@ -188,6 +188,9 @@ std::string ExpressionGenerator::copyText(const std::string& source, const std::
     case Kind::String: return "tarn_string_assign(" + destination + ", " + source + ");";
     case Kind::Set: return "tarn_set_assign(" + destination + ", " + source + ");";
     case Kind::Array: return "tarn_array_assign(" + destination + ", " + source + ");";
+    case Kind::Record:
+        if (type->fields.empty()) return "tarn_sys_record_assign(" + destination + ", " + source + ");";
+        break;
     default: break;
     }
     if (isScalar(type->kind)) return dereference(destination, type->kind) + " = " + dereference(source, type->kind) + ";";

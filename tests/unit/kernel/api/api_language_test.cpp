@@ -32,7 +32,13 @@ struct Text {
     tarn_string string{};
 };
 
-class LanguageApi : public Runtime {};
+class LanguageApi : public Runtime {
+protected:
+    void TearDown() override {
+        tarn_scratch_release();
+        Runtime::TearDown();
+    }
+};
 
 std::string forward(const std::string& bytes) {
     const Text text(bytes);
