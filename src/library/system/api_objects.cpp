@@ -3,7 +3,7 @@
 // Windows, controls and window functions of compiled programs.
 #include "library/system/api_objects.h"
 
-#include "kernel/api/api_access_internal.h"
+#include "kernel/api/api_access.h"
 #include "kernel/values/records.h"
 #include "kernel/windows/resources.h"
 #include "kernel/windows/windowing.h"
