@@ -35,6 +35,25 @@ def per_megabyte(times):
     return {f"{name} a MB": time / int(name.rsplit("/", 1)[1]) for name, time in times.items() if "Linear/" in name}
 
 
+BUILD_BUDGETS = {  # milliseconds
+    "hello, edit to run": 25, "1 class of 200 lines": 30, "50 x 200 lines from nothing": 190,
+    "the same, body of the bottom class": 40, "the same, head of the bottom class": 55, "the same, nothing changed": 6,
+    "8,000 lines in one class": 90,
+}
+
+
+def builds(path):
+    """The table of the toolchain and its peers, one column for each."""
+    cases = json.load(open(path))
+    load = cases.pop("load")
+    names = list(next(iter(cases.values())))
+    print(f"\n{'builds, ms, at a load of ' + str(load):36}" + "".join(f"{name:>10}" for name in names) + "  budget")
+    for case, times in cases.items():
+        budget = BUILD_BUDGETS[case]
+        met = "met" if times["Tarnwick"] <= budget else "MISSED"
+        print(f"{case:36}" + "".join(f"{times.get(name, 0):10.1f}" for name in names) + f"  {budget} {met}")
+
+
 def text(ns):
     for unit, factor in (("ms", 1e6), ("us", 1e3)):
         if ns >= factor:
@@ -74,6 +93,8 @@ def main():
         ("fixedDivKernel", "fixedDivPlain", None), ("fixedDivKernel", None, 4),
         ("dateParseKernel", "dateParseLibc", None), ("dateAddKernel", None, None),
         ("profilestrget/50", "gkeyfile/50", 0.4), ("profilestrget/1000", "gkeyfile/1000", 0.4),
+        *((f"class{work}", "linesPlain", None) for work in ("Scan", "Find", "Add", "Delete", "Rename", "Uses")),
+        ("classScan", None, 5e6), ("classFind", None, 5e6),
         ("saveDurable", "writeAndSync", None),
         ("xmlBareKernel", "xmlEventsExpat", None), ("xmlTypesKernel", "xmlEventsExpat", None),
         ("xmlListKernel", "xmlEventsExpat", 1.2), ("xmlListKernel", "xmlTreePugi", None),
@@ -119,6 +140,8 @@ def main():
     if memory:
         print("memory that using a table on disk takes: " +
               ", ".join(f"{kb:.0f} kB of {name.split('/')[1]} rows" for name, kb in memory.items()))
+    if os.path.exists(f"{folder}/builds.json"):
+        builds(f"{folder}/builds.json")
     if "ide" in start:
         print("memory after start: " + ", ".join(f"{n} {r['mb']:.0f} MB" for n, r in start.items()) + " (budget 110 MB)")
 

@@ -56,10 +56,12 @@ int main(int argc, char** argv) {
         write(options.outputFile, messages.report(options.file));
         return Failed;
     }
+    const toolchain::CompilerLine line = toolchain::findCompilerLine();
+    if (options.inheritedPath.empty()) options.inheritedPath = toolchain::inheritedPath(line);
     const toolchain::Sources sources = toolchain::findSources(options.file, options.inheritedPath);
     if (options.query)
         return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
-    const toolchain::BuildResult result = toolchain::build(options, sources);
+    const toolchain::BuildResult result = toolchain::build(options, line, sources);
     const bool written = write(options.outputFile, result.report);
     const bool reported = write(result.compilerFolder + std::string(toolchain::ResultFile), result.report);
     return !written || !reported ? CannotReport : result.ok ? 0 : Failed;

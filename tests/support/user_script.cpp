@@ -291,12 +291,19 @@ void UserDriver::act(const ScriptLine& line) {
     }
 }
 
+namespace {
+
+bool isList(const Control& control) {
+    return control.type == Type::Listbox || control.type == Type::Iconlist;
+}
+
+}  // namespace
+
 void UserDriver::set(const Object& object, const std::string& value) {
     Control& control = *findControl(object);
     if (control.type == Type::Checkbox || control.type == Type::Radiobutton)
         return userValue(control, std::atoi(value.c_str()));
-    if (control.type == Type::Listbox || control.type == Type::Iconlist)
-        return userRow(control, std::atoi(value.c_str()));
+    if (isList(control)) return userRow(control, std::atoi(value.c_str()));
     control.text->setText(value);
     userChange(control);
 }
@@ -314,6 +321,11 @@ void UserDriver::edit(const std::string& from, const std::string& to) {
 
 void UserDriver::doubleClick(const Object& window, int number) {
     Window& target = *findWindow(window);
+    for (const auto& control : target.controls) {
+        if (!isList(*control)) continue;
+        userRow(*control, number);
+        return userDoubleClick(*control, 0, 0);
+    }
     const Selection line = lineOf(GetText(window).value, number);
     SetSelection(window, line.start, line.length);
     userDoubleClick(target, 0, 0);
@@ -346,7 +358,7 @@ std::string flag(bool on) {
 const std::map<std::string, std::string (*)(const Control&)> properties = {
     {"caption", [](const Control& c) { return c.caption; }},
     {"text", [](const Control& c) { return c.text ? c.text->text() : std::string(); }},
-    {"value", [](const Control& c) { return std::to_string(c.value); }},
+    {"value", [](const Control& c) { return std::to_string(isList(c) ? c.listIndex : c.value); }},
     {"enabled", [](const Control& c) { return flag(c.enabled); }},
     {"visible", [](const Control& c) { return flag(c.visible); }},
     {"checked", [](const Control& c) { return flag(c.checked); }},

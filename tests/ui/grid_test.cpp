@@ -101,6 +101,17 @@ TEST_F(GridTest, NumbersStandAtTheRight) {
     EXPECT_FALSE(atRight(3)) << "a column without a cell holds no numbers";
 }
 
+TEST_F(GridTest, TheFirstColumnHasRoomForPictures) {
+    SetCaption(List, "a\tb");
+    AddItem(List, "some long name\tx");
+    DoEvents();
+    const int plain = grid->columnWidth(0);
+    Clear(List);
+    AddItem(List, "some long name\tx", "picture");
+    DoEvents();
+    EXPECT_GE(grid->columnWidth(0), plain + grid->iconSize().width());
+}
+
 TEST_F(GridTest, ColumnsAreAsWideAsTheyNeedUntilTheUserDecides) {
     SetCaption(List, "a\tb\tc");
     AddItem(List, "x\ty\tz");

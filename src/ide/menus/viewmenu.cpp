@@ -4,6 +4,8 @@
 #include "ide/build/textview.h"
 #include "ide/build/toolrun.h"
 #include "ide/editor/textedit.h"
+#include "ide/program/browseinfo.h"
+#include "ide/program/functionlist.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/settings/profstr.h"
@@ -14,6 +16,18 @@
 MODULE("viewmenu")
 
 namespace tarn {
+
+void DO_FUNCTION_LIST() {
+    FRAME(DO_FUNCTION_LIST);
+    STAMP();
+    GOTOFUNCDIALOG();
+}
+
+void DO_BROWSE_INFO() {
+    FRAME(DO_BROWSE_INFO);
+    STAMP();
+    BROWSEINFODIALOG();
+}
 
 void DO_ERRORS() {
     FRAME(DO_ERRORS);

@@ -7,6 +7,8 @@
 
 namespace tarn {
 
+void DO_FUNCTION_LIST();
+void DO_BROWSE_INFO();
 void DO_ERRORS();
 void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object& menuItem);
 

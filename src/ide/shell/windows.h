@@ -21,6 +21,8 @@ inline const Object BrowseInfoDlg("BrowseInfoDlg");
 inline const Object StartupDlg("StartupDlg");
 inline const Object FileInfoDlg("FileInfoDlg");
 inline const Object ArgumentsDlg("ArgumentsDlg");
+inline const Object GotoFuncDlg("GotoFuncDlg");
+inline const Object MoreInfoDlg("MoreInfoDlg");
 
 inline Object MAINCONTROL(std::string_view name) {
     return FINDCONTROL(Main, name);

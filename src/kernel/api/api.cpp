@@ -83,6 +83,13 @@ void tarn_postcondition(int32_t condition) {
 }
 
 int tarn_run(int argc, char** argv, const tarn_program* program) {
+    // The one argument that is the kernel's own, where it stands first; the program does not see it.
+    if (argc > 1 && std::string_view(argv[1]) == "--strict") {
+        tarn::ExitStrictly();
+        argv[1] = argv[0];
+        ++argv;
+        --argc;
+    }
     tarn::os::setCommandLine(argc, argv);
     running = program;
     tarn::RunProtected(runProgram);

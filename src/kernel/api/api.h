@@ -130,7 +130,8 @@ typedef struct tarn_program {
     void (*finalise)(void);
 } tarn_program;
 
-/* What main() of the generated program calls; does not return to user code after a halt. */
+/* What main() of a program calls; does not return to user code after a halt. An argument --strict, if it is the first,
+ * is taken out, and makes the exit code 1 when an error was reported; else it is 0. */
 int tarn_run(int argc, char** argv, const tarn_program* program);
 
 /* ---- integers and booleans ---- */

@@ -20,6 +20,7 @@ namespace {
 RescueHook rescueHook = nullptr;
 
 bool reporting = false;
+bool reported = false;
 
 bool debugging() {
     return tarn_debugger_window != nullptr && DebugStop != nullptr;
@@ -83,6 +84,13 @@ void RescueOnce() {
     if (hook != nullptr) hook();
 }
 
+bool ErrorWasReported() {
+    return reported;
+}
+void NoteReportedError() {
+    reported = true;
+}
+
 bool BeginReport() {
     if (reporting) return false;
     reporting = true;
@@ -103,6 +111,7 @@ void DefaultErrorHandler(std::int32_t code) {
     {
         const Reporting report;
         if (!report.entered()) return;
+        NoteReportedError();
         const std::string title = "Error " + std::to_string(code);
         if (!continuable(code)) {
             RescueOnce();  // before the box: the user may never come back to it

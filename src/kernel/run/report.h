@@ -15,6 +15,11 @@ void RescueOnce();
 bool BeginReport();
 void EndReport();
 
+// Whether this process has shown an error to its user, in a box or on standard error. What a handler of the program
+// took, or the debugger showed, does not count.
+bool ErrorWasReported();
+void NoteReportedError();  // allocates nothing
+
 // The text cut to what a report holds, 1024 characters.
 std::string CutReport(std::string text);
 

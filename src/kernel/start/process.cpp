@@ -27,6 +27,7 @@ constexpr int lockMilliseconds = 1000;
 
 bool lockHeld = false;
 bool ending = false;
+bool strict = false;
 StringDescriptor commandLine;  // all zero until ProcessStart
 
 std::vector<void (*)()>& exitHooks() {
@@ -118,6 +119,10 @@ void AddExitHook(void (*hook)()) {
     exitHooks().push_back(hook);
 }
 
+void ExitStrictly() {
+    strict = true;
+}
+
 bool ProcessIsEnding() {
     return ending;
 }
@@ -127,7 +132,7 @@ void Halt() {
     runExitHooks();
     if (std::exchange(lockHeld, false)) os::releaseInstanceLock();
     TheDesktop().close();
-    os::endProcess(0);
+    os::endProcess(strict && ErrorWasReported() ? 1 : 0);
 }
 
 }  // namespace tarn

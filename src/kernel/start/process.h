@@ -28,6 +28,10 @@ std::string InstanceName();
 // The same for any executable; a leading dot begins no extension.
 std::string InstanceNameOf(std::string_view path);
 
+// From here on a halt ends the process with code 1 if an error was reported (ErrorWasReported). Without it the code
+// of a halt is 0.
+void ExitStrictly();
+
 // A halt has begun: what is thrown now is no stray exception.
 bool ProcessIsEnding();
 

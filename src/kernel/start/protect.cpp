@@ -170,6 +170,7 @@ void runCatching(void (*program)()) {
 
 void ReportFatal(std::int32_t code, const char* message, const char* file, const char* function,
                  std::int32_t line, const char* extra) {
+    NoteReportedError();
     static FixedText title, body;  // the stack of a fault handler is small, and this runs once
     title = {};
     body = {};

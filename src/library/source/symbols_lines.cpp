@@ -1,32 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Changes of a class text by lines: the Uses clause. A text of more than 8000 lines is refused.
+// The lines of a class text, and the Uses clause. A text of more than 8000 lines is refused.
 #include "library/source/symbols.h"
 
 #include "library/source/symbols_text_internal.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
 
-#include <vector>
-
 MODULE("symbols", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
-namespace {
+namespace detail {
 
-#ifdef TARNWICK_TINY
-constexpr std::size_t MaxLines = 80;
-#else
-constexpr std::size_t MaxLines = 8000;
-#endif
-
-using Lines = std::vector<std::string>;  // each without its line end
-
-// False, and no lines, if there are too many.
-bool splitLines(std::string_view text, Lines& lines) {
+bool LOADSTRINGLIST(std::string_view text, Lines& lines) {
+    FRAME(LOADSTRINGLIST);
     lines.clear();
     while (!text.empty()) {
-        if (lines.size() == MaxLines) {
+        if (lines.size() == MaxClassLines) {
             lines.clear();
             return false;
         }
@@ -40,6 +30,18 @@ std::string joinLines(const Lines& lines) {
     for (const std::string& line : lines) text.append(line).append("\r\n");
     return text;
 }
+
+std::string SAVESTRINGLIST(int mode, std::string& source, const Lines& lines) {
+    FRAME(SAVESTRINGLIST);
+    STAMP();
+    return storeSource(mode, source, joinLines(lines));
+}
+
+}  // namespace detail
+
+namespace {
+
+using detail::Lines;
 
 // Lines of the head of a class, from 1; 0 for what is not there.
 struct Head {
@@ -110,11 +112,10 @@ std::string SYMSETUSES(const std::string& names, int mode, std::string& source) 
     FRAME(SYMSETUSES);
     const std::string text = detail::loadSource(mode, source);
     Lines lines;
-    if (!splitLines(text, lines))
-        return "Class has too many lines, maximum is " + std::to_string(MaxLines) + ".";
+    if (!detail::LOADSTRINGLIST(text, lines)) return detail::TooManyLines;
     if (!changeUses(findHead(text), STRTRIM(names), lines)) return {};
     STAMP();
-    return detail::storeSource(mode, source, joinLines(lines));
+    return detail::SAVESTRINGLIST(mode, source, lines);
 }
 
 }  // namespace tarn

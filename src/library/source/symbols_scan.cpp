@@ -3,10 +3,10 @@
 // The source scan: the functions, and where asked for the constants, types and event handlers, of a class
 // text.
 //
-// An item is known by the first words of its line. It runs to the line before the next item, before "End
-// class", or to the end of the text. The handlers inside a callback (lines "case xxx_event =>") do not end
-// their function: each runs to the next handler or to the end of the function. Cost: one pass over the lines;
-// only the first few words of each are read.
+// An item is known by the first words of its line. It runs to the line before the next item, before variables
+// of the class or "End class", or to the end of the text. The handlers inside a callback (lines "case
+// xxx_event =>") do not end their function: each runs to the next handler or to the end of the function.
+// Cost: one pass over the lines; only the first few words of each are read.
 #include "library/source/symbols.h"
 
 #include "library/source/symbols_text_internal.h"
@@ -31,19 +31,8 @@ enum ScanFlag : int {
     WithBlanks = 16384,
 };
 
-enum class ItemKind { Function, Declaration, Handler };
-
-struct Item {
-    ItemKind kind;
-    std::string name;
-    int first = 0, last = 0;  // lines
-    std::string event;        // of a handler: the word behind "case"
-};
-
-struct FirstWords {
-    std::string kind, name;
-    bool callback = false;
-};
+using detail::Item;
+using detail::ItemKind;
 
 // Words from the start of a line, one at a time.
 class LineWords {
@@ -51,6 +40,7 @@ public:
     explicit LineWords(std::string_view line) : line_(line) {}
     std::string next() { return NextWord(line_, position_); }
     std::string upper() { return STRUPPER(next()); }
+    [[nodiscard]] std::size_t read() const { return position_ - 1; }  // characters
 
 private:
     std::string_view line_;
@@ -89,18 +79,27 @@ private:
         const bool callback = word == "CALLBACK";
         if (callback) word = words.upper();
         if (word == "FUNCTION")
-            begin(ItemKind::Function, words.next(), callback);
+            begin(ItemKind::Function, words, callback);
         else if (!callback && (word == "CONST" || word == "TYPE"))
-            begin(ItemKind::Declaration, words.next(), false);
+            begin(ItemKind::Declaration, words, false);
+        else if (scoped && !callback && word == "VAR")
+            endItems();
     }
 
-    void begin(ItemKind kind, const std::string& name, bool callback) {
-        endItem(line_ - 1);
+    void begin(ItemKind kind, LineWords& words, bool callback) {
+        endItems();
+        const std::string name = words.next();
         callback_ = callback;
-        item_ = handler_ = None;
         if (!isName(name)) return;  // nothing to list, but what stood above it has ended
         item_ = items_.size();
-        items_.push_back({kind, name, line_, line_, {}});
+        items_.push_back({kind, name, line_, line_, words.read() - name.size(), {}});
+    }
+
+    // In front of this line.
+    void endItems() {
+        endItem(line_ - 1);
+        item_ = handler_ = None;
+        callback_ = false;
     }
 
     void readHandler(LineWords& words) {
@@ -113,7 +112,7 @@ private:
         if (words.next() != "=>") return;
         if (handler_ != None) items_[handler_].last = line_ - 1;
         handler_ = items_.size();
-        items_.push_back({ItemKind::Handler, items_[item_].name, line_, line_, event});
+        items_.push_back({ItemKind::Handler, items_[item_].name, line_, line_, 0, event});
     }
 
     void endItem(int last) {
@@ -148,11 +147,20 @@ std::string listing(const Item& item, int flags) {
 
 }  // namespace
 
+std::vector<detail::Item> detail::scanItems(std::string_view text) {
+    return Scan().run(text);
+}
+
+bool detail::endsClass(std::string_view line) {
+    LineWords words(line);
+    return words.upper() == "END" && words.upper() == "CLASS";
+}
+
 std::string SYMSCANSOURCE(const std::string& source, int flags) {
     FRAME(SYMSCANSOURCE);
     const std::string text = detail::loadSource(flags & ModeMask, source);
     std::string out;
-    for (const Item& item : Scan().run(text))
+    for (const Item& item : detail::scanItems(text))
         if (isListed(item, flags)) out += listing(item, flags);
     return out;
 }

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the parts of the module symbols share: the text of a source in either mode, and the walk over its
-// tokens.
+// What the parts of the module symbols share: the text of a source in either mode, its lines, the walk over its
+// tokens, and the items that the source scan finds.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn::detail {
 
@@ -27,5 +29,40 @@ struct TokenWalk {
     std::string word, upper;
     char stop = '\0';
 };
+
+// ---- lines ----
+
+#ifdef TARNWICK_TINY
+inline constexpr std::size_t MaxClassLines = 80;
+inline constexpr const char* TooManyLines = "Class has too many lines, maximum is 80.";
+#else
+inline constexpr std::size_t MaxClassLines = 8000;
+inline constexpr const char* TooManyLines = "Class has too many lines, maximum is 8000.";
+#endif
+
+using Lines = std::vector<std::string>;  // each without its line end
+
+// The lines of a text; false, and no lines, if there are more than MaxClassLines.
+bool LOADSTRINGLIST(std::string_view text, Lines& lines);
+std::string joinLines(const Lines& lines);  // with CR LF behind each
+// Stores them so; see storeSource.
+std::string SAVESTRINGLIST(int mode, std::string& source, const Lines& lines);
+
+// ---- items ----
+
+enum class ItemKind { Function, Declaration, Handler };
+
+// A function, a constant or type, or an event handler of a callback. Lines count from 1; `last` is the one before the
+// next item.
+struct Item {
+    ItemKind kind = ItemKind::Function;
+    std::string name;
+    int first = 0, last = 0;
+    std::size_t column = 0;  // characters in front of the name in the first line
+    std::string event;       // of a handler: the word behind "case"
+};
+std::vector<Item> scanItems(std::string_view text);
+// Whether the words of a line begin with "end class".
+bool endsClass(std::string_view line);
 
 }  // namespace tarn::detail

@@ -32,15 +32,18 @@ struct ExecFiles {
 // counts as killed.
 //
 // `arguments` is a line as SPLITARGUMENTS reads it. Behind the arguments " > file" sends the output to that
-// file and " < file" reads the input from it, each once and in either order; in quotes both are characters.
-// A program with a folder is taken from there, one without is sought on PATH; `x.exe` is also found as `x`.
+// file and " < file" reads the input from it, each once and in either order; in quotes both are characters. A
+// program with a folder is taken from there, one without is sought on PATH; `x.exe` is also found as `x`.
 //
-//   901  no such program, or no such folder to run in    906  a name or arguments that are too long, or hold
-//   902  the file is no program, or a damaged one             a character 0
-//   903  no memory for it                                907  a redirection without its one file, or to one
-//   905  what it needs to run is missing (its                 that cannot be used; a folder too long
-//        interpreter), or it is being written            908  it may not be run
-//                                                        909  any other failure
+//   901  there is no such program, or no such folder to run in
+//   902  the file is no program, or a damaged one
+//   903  no memory for it
+//   905  what it needs to run (its interpreter) is missing, or it is being written
+//   906  a name or arguments that are too long, or hold a character 0
+//   907  a redirection without its one file, of one file both ways, or to one that cannot be used; a folder that
+//        is too long
+//   908  it may not be run
+//   909  any other failure
 ExecResult EXEC(const std::string& program, const std::string& arguments, int mode);
 ExecResult EXEC(const std::string& program, const std::string& arguments, int mode,
                 const std::string& folder);

@@ -115,11 +115,20 @@ bool isPath(const std::string& path) {
     return path.size() < PATH_MAX && path.find('\0') == std::string::npos;
 }
 
+// Making the output would empty the input before the program reads it.
+bool isOneFile(const ExecFiles& files) {
+    if (files.input.empty() || files.output.empty()) return false;
+    const os::FileInfo input = os::infoOf(files.input), output = os::infoOf(files.output);
+    return input.exists && output.exists && !input.special && input.device == output.device &&
+           input.inode == output.inode;
+}
+
 // 0, or the code of what no program can be started with.
 std::int32_t findFault(const std::string& program, const std::vector<std::string>& arguments,
                        const std::string& folder, const ExecFiles& files) {
     if (!isProgramName(program) || holdsNul(arguments)) return ERR_EXEC_COMMAND_LINE;
-    if (!isPath(folder) || !isPath(files.input) || !isPath(files.output)) return ERR_EXEC_OUTPUT_FILE;
+    if (!isPath(folder) || !isPath(files.input) || !isPath(files.output) || isOneFile(files))
+        return ERR_EXEC_OUTPUT_FILE;
     return 0;
 }
 

@@ -21,6 +21,8 @@ constexpr int letterWidth = 6, letterHeight = 13;
 constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
 constexpr char filePrinter[] = "Print to file";
 
+bool browser = true;
+
 // A document as plain text: the lines of each page, with a form feed between two pages.
 class TextDocument : public Canvas {
 public:
@@ -118,7 +120,7 @@ public:
         dropTimer(owner.handle);
         if (milliseconds > 0) timers_.push_back({owner.handle, milliseconds, dueAfter(milliseconds), false});
     }
-    bool openUrl(const std::string&) override { return true; }
+    bool openUrl(const std::string&) override { return browser; }
     void toolProgress(const std::string& text) override {
         progress_ = !text.empty();
         stopped_ = stopped_ && progress_;
@@ -253,6 +255,10 @@ int Headless::textWidth(const Control&, std::string_view text) {
 
 std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer) {
     return std::make_unique<Headless>(std::move(answer));
+}
+
+bool setHeadlessBrowser(bool there) {
+    return std::exchange(browser, there);
 }
 
 bool pressToolStop() {

@@ -167,6 +167,9 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 // Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the
 // progress is hidden. False if none is shown.
 bool pressToolStop();
+// Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
+// was so before.
+bool setHeadlessBrowser(bool there);
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();

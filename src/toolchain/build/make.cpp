@@ -1,100 +1,42 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/build/make.h"
 
-#include "kernel/run/runtime.h"
-#include "library/settings/profstr.h"
-#include "library/system/system.h"
 #include "os/files.h"
 #include "os/paths.h"
-#include "platform/registry.h"
 #include "platform/resources/resource.h"
+#include "toolchain/build/link.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
-#include "toolchain/language/words.h"
-#include "toolchain/output/generator.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace tarn::toolchain {
 namespace {
 
-// ---- the compiler's line ----
+constexpr std::size_t MostClassesACall = 200;  // command lines have a limit
+constexpr int MostRounds = 4;
 
-// The settings file of the environment that this user has installed; empty if none is known.
-std::string settingsFile() {
-    const std::string key = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
-    const std::string program = std::string(ProductWord) + " v" + std::string(ProductVersion) + " " +
-                                std::string(ProductBuild) + ".exe";
-    for (const std::string& name : {program, std::string("ide.exe")}) {
-        const std::string path = platform::RegGetSetting(key + name, "");
-        if (!path.empty()) return std::string(paths::folder(path)) + "ide.ini";
-    }
-    return {};
-}
+// ---- one call of the compiler ----
 
-std::string compilerLine() {
-    const std::string settings = settingsFile();
-    const std::string line = settings.empty() ? std::string() : PROFILESTRGET(settings, "ordo", "CLS");
-    return line.empty() ? "\"" + toolFolder() + "quarn.exe\" /p1 /d1 /q /s3000 ^.cls" : line;
-}
-
-// What the placeholders of paths in resource files stand for.
-std::vector<platform::ResourceFolder> resourceFolders(const std::string& compilerFolder) {
-    const std::string settings = settingsFile();
-    const std::string folder =
-        settings.empty() ? std::string() : PROFILESTRGET(settings, "PathsOptionsDlg", "Edit5");
-    return {{"<RESOURCEDIR>", folder},
-            {"{RESOURCEDIR}", folder},
-            {"<COMPILERDIR>", compilerFolder},
-            {"{COMPILERDIR}", compilerFolder}};
-}
-
-bool isPathOption(const std::string& word) {
-    return word.size() > 2 && (word[0] == '/' || word[0] == '-') && (word[1] == 'i' || word[1] == 'I') &&
-           !isClassFile(word);
-}
-
-struct Command {
-    std::string program;
-    std::vector<std::string> arguments;
+struct Compile {
+    std::string report;  // the messages of a call that failed; empty if it went well
+    bool broke = false;  // the compiler did not end as one that tells what is wrong
 };
 
-// The line for one class. The folder of the main class leads the inherited path, so that every class of the
-// program finds the others from wherever it is compiled.
-Command commandFor(const std::string& line, const std::string& file, const std::string& mainFolder,
-                   const std::vector<std::string>& inheritedPath) {
-    const std::string base = std::string(paths::withoutExtension(file));
-    std::vector<std::string> words = SPLITARGUMENTS(FILESUBSTITUTENAME(line, "^", base));
-    Command command;
-    std::string path = mainFolder;
-    for (const std::string& folder : inheritedPath) path += ";" + folder;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        if (i == 0)
-            command.program = words[i];
-        else if (isPathOption(words[i]))
-            path += inheritedPath.empty() ? ";" + words[i].substr(2) : "";
-        else
-            command.arguments.push_back(words[i] == base + ".cls" ? file : words[i]);
-    }
-    command.arguments.push_back("-i" + path);
-    const std::string found = FINDTOOL(command.program);
-    if (!found.empty()) command.program = found;
-    return command;
-}
-
-// ---- one compile ----
-
-// The messages of a compile that failed; empty if it went well.
-std::string compile(const Command& command, const std::string& file) {
-    const std::string results = std::string(paths::folder(command.program)).append(ResultFile);
+Compile compile(const CompilerLine& line, const std::vector<std::string>& arguments,
+                const std::string& file) {
+    const std::string results = std::string(paths::folder(line.program)).append(ResultFile);
     os::files().remove(results);
-    const ToolRun run = runTool(command.program, command.arguments);
+    const ToolRun run = runTool(line.program, arguments);
     std::string text;
     const bool written = os::readFile(results, text) == os::FileError::None;
     const bool success = text.empty() ? written : text.find(SuccessMark) != std::string::npos;
     if (run.failure.empty() && success) return {};
-    if (!text.empty() && !success && run.signal == 0) return text;
+    if (!text.empty() && !success && run.signal == 0) return {text, false};
     Messages messages;
     messages.add(file, 0, Problem::ToolFailed, {run.failure.empty() ? "it left no message" : run.failure});
-    return (success ? std::string() : text) + messages.report(file);
+    return {(success ? std::string() : text) + messages.report(file), true};
 }
 
 // A result is not older than what it was made of, also when that has a time in the future.
@@ -103,14 +45,25 @@ void notOlder(const std::string& result, const std::string& input) {
     if (os::infoOf(result).modified < time) os::files().setModified(result, time);
 }
 
+// Notes what a result was made of; without a note it is made again.
+void writeNote(const std::string& result, Digest inputs) {
+    std::string bytes;
+    if (os::readFile(result, bytes) != os::FileError::None || !os::infoOf(workFolder(result)).exists) return;
+    static_cast<void>(
+        os::saveFile(noteFile(result), noteText({inputs, digestOf(bytes)}), os::Durability::Unsynced));
+}
+
 // ---- the whole build ----
 
+// One pass over the sources as they were found.
 class Builder {
 public:
-    Builder(const MakeOptions& options, const Sources& sources)
-        : options_(options), sources_(sources), main_(sources.classes.back()), line_(compilerLine()) {}
+    Builder(const MakeOptions& options, Sources& sources, const CompilerLine& line, bool all, bool last)
+        : options_(options), sources_(sources), main_(sources.classes.back()), line_(line), all_(all),
+          last_(last) {}
 
     BuildResult run() {
+        result_.compilerFolder = paths::folder(line_.program);
         compileClasses();
         if (result_.report.empty()) compileResources();
         if (result_.report.empty() && !sources_.exe.empty()) link();
@@ -118,19 +71,32 @@ public:
         if (result_.ok) result_.report = summaryLine(main_.path, 0);
         return result_;
     }
+    // Something changed under the build's hands; what is out of date has to be found anew.
+    bool again() const { return again_; }
 
 private:
-    bool all() const { return options_.mode == MakeMode::All; }
-
     void compileClasses() {
-        const std::string mainFolder(paths::folder(main_.path));
-        result_.compilerFolder = paths::folder(commandFor(line_, main_.path, mainFolder, {}).program);
-        for (const SourceClass& item : sources_.classes) {
-            if (!isClassFile(item.path) || (!all() && !isOutOfDate(item))) continue;
-            result_.report +=
-                compile(commandFor(line_, item.path, mainFolder, options_.inheritedPath), item.path);
-            compiled_ = true;
+        std::vector<std::string> files;
+        for (const SourceClass& item : sources_.classes)
+            if (isClassFile(item.path) && (all_ || isOutOfDate(item))) files.push_back(item.path);
+        compiled_ = !files.empty();
+        const std::size_t most = line_.isOwn ? MostClassesACall : 1;
+        for (std::size_t at = 0; at < files.size(); at += most)
+            compile({files.begin() + static_cast<std::ptrdiff_t>(at),
+                     files.begin() + static_cast<std::ptrdiff_t>(std::min(at + most, files.size()))});
+    }
+
+    // A compiler that breaks over several classes is called for each of them: so it is told over which it breaks, and
+    // what is wrong with the others.
+    void compile(const std::vector<std::string>& files) {
+        const std::string folder(paths::folder(main_.path));
+        const Compile made = toolchain::compile(
+            line_, compilerArguments(line_, files, folder, options_.inheritedPath), files.front());
+        if (!made.broke || files.size() == 1) {
+            result_.report += made.report;
+            return;
         }
+        for (const std::string& file : files) compile(std::vector<std::string>{file});
     }
 
     void fail(Problem problem, std::initializer_list<std::string_view> values = {}) {
@@ -140,14 +106,16 @@ private:
     }
 
     void compileResources() {
-        if (sources_.companion.empty() || (!all() && !companionIsOutOfDate(sources_))) return;
+        if (sources_.companion.empty() || (!all_ && !companionIsOutOfDate(sources_))) return;
         std::vector<std::string> files;
         for (const SourceClass& item : sources_.classes)
             if (!item.resource.empty()) files.push_back(item.resource);
+        const Digest inputs = companionInputs(sources_);
         const std::string errors =
-            platform::CompileResources(files, sources_.companion, resourceFolders(result_.compilerFolder));
+            platform::CompileResources(files, sources_.companion, line_.resourceFolders);
         if (errors.empty()) {
             for (const std::string& file : files) notOlder(sources_.companion, file);
+            writeNote(sources_.companion, inputs);
             return;
         }
         const bool isMessage = errors.find(" : error ") != std::string::npos;
@@ -157,59 +125,86 @@ private:
             fail(Problem::ResourcesFailed, {errors});
     }
 
-    void link() {
-        if (!all() && !compiled_ && !exeIsOutOfDate(sources_)) return;
-        if (!main_.isMain) return fail(Problem::NotAMainClass);
-        const std::string compiler = findCCompiler(), library = libraryFolder();
-        if (compiler.empty()) return fail(Problem::NoCCompiler);
-        if (library.empty())
-            return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
-        const std::string start = workFile(main_.path, ".main.c");
-        const os::SaveResult saved =
-            os::saveFile(start, generateProgram(main_.name), os::Durability::Unsynced);
-        if (!saved.ok()) return fail(Problem::CannotWrite, {start, os::describe(saved.error)});
-        runLinker(compiler, library, start);
+    // The objects, the main class's first. What was compiled has to belong to the sources that were found: they may
+    // have been saved meanwhile, or another compile may have written over an object.
+    std::vector<LinkInput> objects() {
+        std::vector<LinkInput> inputs;
+        for (SourceClass& item : sources_.classes) {
+            LinkInput input{objectFile(item.path), {}, false};
+            std::string symbols;
+            os::readFile(input.file, input.bytes);
+            os::readFile(changeExtension(item.path, ".sym"), symbols);
+            item.record = findRecord(symbols);
+            item.object = digestOf(input.bytes);
+            if (item.record) {
+                again_ = again_ || !belongs(item);
+                input.quick = item.record->quick;
+            }
+            inputs.insert(&item == &main_ ? inputs.begin() : inputs.end(), std::move(input));
+        }
+        return inputs;
     }
 
-    // The program is made under another name and put in its place, so that one that still runs is not
-    // disturbed.
-    void runLinker(const std::string& compiler, const std::string& library, const std::string& start) {
+    // In the last round the compiler's own view of what it used counts: a source that it reads otherwise than the
+    // make tool does is compiled at each build, and its program is right.
+    bool belongs(const SourceClass& item) const {
+        return item.record->source == item.source && item.record->object == item.object &&
+               (last_ || item.record->reach == item.reach);
+    }
+
+    // Another compiler's objects are not noted, and one may be as old as the program that is linked of it.
+    bool timesDecide() const {
+        return std::any_of(sources_.classes.begin(), sources_.classes.end(),
+                           [](const SourceClass& item) { return !item.record; });
+    }
+
+    void link() {
+        if (!all_ && !compiled_ && !exeIsOutOfDate(sources_)) return;
+        if (!main_.isMain) return fail(Problem::NotAMainClass);
+        const std::string library = libraryFolder();
+        if (library.empty())
+            return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
+        const std::vector<LinkInput> inputs = objects();
+        if (again_) return;
+        if (!all_ && !(compiled_ && timesDecide()) && !exeIsOutOfDate(sources_)) return;
+        // The program is made under another name and put in its place, so that one that still runs is not
+        // disturbed.
         const std::string made = workFile(main_.path, ".new");
-        std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-o", made, start};
-        for (const SourceClass& item : sources_.classes) arguments.push_back(objectFile(item.path));
-        // A word of its own for each path: a comma would divide one behind -Wl.
-        for (const std::string& word :
-             {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
-              std::string("-Xlinker"), std::string("-rpath"), std::string("-Xlinker"), library})
-            arguments.push_back(word);
-#ifdef __SANITIZE_ADDRESS__
-        // The kernel of such a build needs its run-time to be the first library of the program.
-        arguments.push_back("-fsanitize=address");
-#endif
-        const ToolRun run = runTool(compiler, arguments, made + ".log");
-        if (!run.failure.empty() || os::sizeOf(made) <= 0) {
+        const std::string failure = linkProgram(inputs, library, workFile(main_.path, ""), made);
+        if (!failure.empty()) {
             os::files().remove(made);
-            return fail(Problem::LinkFailed, {(run.failure.empty() ? "no program was written" : run.failure) +
-                                              (run.output.empty() ? "" : "\n" + run.output)});
+            return fail(Problem::LinkFailed, {failure});
         }
         const os::FileError error = os::files().rename(made, sources_.exe);
         if (error != os::FileError::None)
             return fail(Problem::CannotWrite, {sources_.exe, os::describe(error)});
         for (const SourceClass& item : sources_.classes) notOlder(sources_.exe, objectFile(item.path));
+        writeNote(sources_.exe, programInputs(sources_));
     }
 
     const MakeOptions& options_;
-    const Sources& sources_;
+    Sources& sources_;
     const SourceClass& main_;
-    const std::string line_;
+    const CompilerLine& line_;
+    const bool all_, last_;
     BuildResult result_;
-    bool compiled_ = false;
+    bool compiled_ = false, again_ = false;
 };
 
 }  // namespace
 
-BuildResult build(const MakeOptions& options, const Sources& sources) {
-    return Builder(options, sources).run();
+BuildResult build(const MakeOptions& options, const CompilerLine& line, Sources sources) {
+    const std::string file = sources.classes.back().path;
+    for (int round = 1; round <= MostRounds; ++round) {
+        if (round > 1) sources = findSources(file, options.inheritedPath);
+        Builder builder(options, sources, line, options.mode == MakeMode::All && round == 1,
+                        round == MostRounds);
+        BuildResult result = builder.run();
+        if (!builder.again()) return result;
+    }
+    Messages messages;
+    messages.add(file, 0, Problem::SourcesChange);
+    return {false, messages.report(file), std::string(paths::folder(line.program))};
 }
 
 }  // namespace tarn::toolchain

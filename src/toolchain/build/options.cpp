@@ -26,8 +26,9 @@ bool allLetters(std::string_view text) {
                        [](char c) { return ascii::isLower(c) || ascii::isDigit(c); });
 }
 
-// Quotes that reached the tool as they stood.
+// Without quotes that reached the tool as they stood. Those inside of a name belong to it.
 std::string unquoted(std::string text) {
+    if (text.empty() || text.front() != '"' || os::sizeOf(text) >= 0) return text;
     text.erase(std::remove(text.begin(), text.end(), '"'), text.end());
     return text;
 }
@@ -68,6 +69,13 @@ bool pathOption(const std::string& argument, CompilerOptions& options) {
     return true;
 }
 
+// `-m`, as the make tool gives it.
+bool mainFolderOption(const std::string& argument, CompilerOptions& options) {
+    if (argument.size() < 3 || argument[0] != '-' || argument[1] != 'm') return false;
+    options.mainFolder = argument.substr(2);
+    return true;
+}
+
 }  // namespace
 
 CompilerOptions readCompilerOptions(const std::vector<std::string>& arguments, Messages& messages) {
@@ -76,15 +84,19 @@ CompilerOptions readCompilerOptions(const std::vector<std::string>& arguments, M
         if (argument.empty()) continue;
         if (isOptionSign(argument)) {
             const std::string word = ascii::lowered(argument.substr(1));
-            if (plainOption(word, options) || pathOption(argument, options)) continue;
+            if (plainOption(word, options) || pathOption(argument, options) ||
+                mainFolderOption(argument, options))
+                continue;
             if (argument[0] == '-') {
                 messages.add("quarn", 0, Problem::BadOption, {argument});
                 continue;
             }
         }
-        options.file = unquoted(argument);
+        options.files.push_back(unquoted(argument));
+        if (!isClassFile(options.files.back()))
+            messages.add("quarn", 0, Problem::NotAClassFile, {options.files.back()});
     }
-    if (!isClassFile(options.file)) messages.add("quarn", 0, Problem::NotAClassFile, {options.file});
+    if (options.files.empty()) messages.add("quarn", 0, Problem::NotAClassFile, {""});
     return options;
 }
 

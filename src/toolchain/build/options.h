@@ -12,11 +12,12 @@
 namespace tarn::toolchain {
 
 struct CompilerOptions {
-    std::string file;
+    std::vector<std::string> files;
     int precond = 0, debug = 0;
     bool quiet = false;
     int maxSymbols = 0;  // 0: no limit
     std::vector<std::string> inheritedPath, resourcePath;
+    std::string mainFolder;           // leads the inherited path; may hold any character
     std::vector<std::string> others;  // as given, without their sign: v, om, os, lwN, gX
 };
 

@@ -1,91 +1,54 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/language/windows.h"
 
-#include "kernel/windows/resources.h"
 #include "os/files.h"
 #include "os/paths.h"
 #include "os/text/ascii.h"
+#include "platform/resources/rctext.h"
 #include "toolchain/language/library.h"
 
 namespace tarn::toolchain {
 namespace {
 
-// The value of a property in a property list, without its quotes.
-std::string property(std::string_view list, std::string_view name) {
-    while (!list.empty()) {
-        std::string_view line = ascii::takeLine(list);
-        while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
-        const std::size_t sign = line.find('=');
-        if (sign == std::string_view::npos || !ascii::equal(line.substr(0, sign), name)) continue;
-        line.remove_prefix(sign + 1);
-        if (line.size() > 1 && line.front() == '"' && line.back() == '"') line = line.substr(1, line.size() - 2);
-        return std::string(line);
-    }
+using platform::RcKind;
+
+std::string valueOf(const platform::RcObject& object, std::string_view name) {
+    for (const platform::RcProperty& property : object.properties)
+        if (property.name == name) return property.value;
     return {};
 }
 
-class WindowReader {
-public:
-    WindowReader(ClassTree& tree, std::string file) : tree_(tree), file_(std::move(file)) {}
+void addObjects(const std::string& window, const std::vector<platform::RcObject>& objects,
+                std::vector<NamedObject>& list) {
+    for (const platform::RcObject& object : objects)
+        list.push_back({window, object.givenName(), std::string(platform::typeName(object.type)), valueOf(object, "ARRAY")});
+}
 
-    void run() {
-        std::string_view lines = list_ = ResourceInfo(file_, "DIALOG", "*").text;
-        while (!lines.empty()) {
-            const std::string_view line = ascii::takeLine(lines);
-            const std::string name(line.substr(0, line.find_first_of(" \r\n")));
-            if (!name.empty()) window(name);
-        }
-    }
+Declaration& declare(ClassTree& tree, const std::string& control, const NamedObject& object) {
+    const auto [place, isNew] = tree.names.emplace(windowKey(object.window, control), nullptr);
+    if (!isNew) return *place->second;
+    auto item = std::make_unique<Declaration>();
+    item->kind = DeclarationKind::Window;
+    item->name = control.empty() ? object.window : control;
+    item->window = object.window;
+    item->control = control;
+    item->controlType = object.type;
+    item->isPublic = true;
+    item->owner = &tree;
+    item->line = tree.line;
+    item->lower = 1;
+    item->upper = 0;
+    item->resolving = Progress::Done;
+    item->type = systemType("Control");
+    place->second = item.get();
+    tree.declarations.push_back(std::move(item));
+    return *place->second;
+}
 
-private:
-    void window(const std::string& name) {
-        platform::ObjectArray objects;
-        if (!platform::ResourceRead(file_, name, objects).empty()) return;
-        declare(name, {}, "window");
-        controls(name, objects);
-        const std::string menu = property(objects[0], "MENU");
-        platform::ObjectArray items;
-        if (!menu.empty() && platform::ResourceRead(file_, menu, items).empty()) controls(name, items);
-    }
-
-    void controls(const std::string& window, const platform::ObjectArray& objects) {
-        for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i) {
-            const std::string name = property(objects[i], "NAME"), array = property(objects[i], "ARRAY");
-            const std::string type = property(objects[i], "TYPEOF");
-            if (!name.empty()) declare(window, name, type);
-            if (!array.empty()) member(declare(window, array, type), name);
-        }
-    }
-
-    // The array stands for its first member, from which the others are found.
-    static void member(Declaration& array, const std::string& name) {
-        if (array.upper++ == 0) array.control = name;
-    }
-
-    Declaration& declare(const std::string& window, const std::string& control, const std::string& type) {
-        const auto [place, isNew] = tree_.names.emplace(windowKey(window, control), nullptr);
-        if (!isNew) return *place->second;
-        auto item = std::make_unique<Declaration>();
-        item->kind = DeclarationKind::Window;
-        item->name = control.empty() ? window : control;
-        item->window = window;
-        item->control = control;
-        item->controlType = type;
-        item->isPublic = true;
-        item->owner = &tree_;
-        item->line = tree_.line;
-        item->lower = 1;
-        item->upper = 0;
-        item->resolving = Progress::Done;
-        item->type = systemType("Control");
-        place->second = item.get();
-        tree_.declarations.push_back(std::move(item));
-        return *place->second;
-    }
-
-    ClassTree& tree_;
-    std::string file_, list_;
-};
+// The array stands for its first member, from which the others are found.
+void countMember(Declaration& array, const std::string& name) {
+    if (array.upper++ == 0) array.control = name;
+}
 
 }  // namespace
 
@@ -101,9 +64,36 @@ std::string twinOf(const std::string& file) {
     return {};
 }
 
+std::vector<NamedObject> namedObjects(std::string resources) {
+    const platform::RcFile file = platform::parseResourceText(std::move(resources));
+    std::vector<NamedObject> list;
+    for (const platform::RcStatement& statement : file.statements) {
+        if (statement.kind != RcKind::Window || !statement.fault.empty()) continue;
+        list.push_back({statement.name, {}, "window", {}});
+        addObjects(statement.name, statement.objects, list);
+        const platform::RcStatement* menu = file.find(RcKind::Menu, valueOf(statement.self, "MENU"));
+        if (menu != nullptr && menu->fault.empty()) addObjects(statement.name, menu->objects, list);
+    }
+    return list;
+}
+
+std::string windowNames(const std::string& resources) {
+    std::string text;
+    if (resources.empty()) return text;
+    for (const NamedObject& object : namedObjects(resources))
+        text += object.window + '#' + object.control + ':' + object.type + ' ' + object.array + '\n';
+    return text;
+}
+
 void declareWindows(ClassTree& tree) {
-    std::string file = twinOf(tree.path);
-    if (!file.empty()) WindowReader(tree, std::move(file)).run();
+    const std::string file = twinOf(tree.path);
+    std::string text;
+    if (file.empty() || os::readFile(file, text) != os::FileError::None) return;
+    for (const NamedObject& object : namedObjects(std::move(text))) {
+        if (object.control.empty() && object.type != "window") continue;  // nameless
+        declare(tree, object.control, object);
+        if (!object.array.empty()) countMember(declare(tree, object.array, object), object.control);
+    }
 }
 
 }  // namespace tarn::toolchain

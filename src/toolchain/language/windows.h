@@ -13,8 +13,21 @@
 #include "toolchain/language/tree.h"
 
 #include <string>
+#include <vector>
 
 namespace tarn::toolchain {
+
+struct NamedObject {
+    std::string window;
+    std::string control;  // empty: the window itself
+    std::string type;     // its word: "Pushbutton"; "window"
+    std::string array;    // of a member of a control array
+};
+// What the text of a resource file names, windows with their controls and menus' items. A statement with a fault
+// names nothing. Cost: one pass over the text.
+std::vector<NamedObject> namedObjects(std::string resources);
+// The same as one text: it changes where a class could see it.
+std::string windowNames(const std::string& resources);
 
 void declareWindows(ClassTree& tree);
 std::string windowKey(const std::string& window, const std::string& control = {});

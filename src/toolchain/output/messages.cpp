@@ -96,6 +96,8 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::ToolFailed, "the compiler failed: %"},
     {Problem::ResourcesFailed, "the resources cannot be compiled: %"},
     {Problem::NotAMainClass, "the class has no function main(), so it cannot be a program"},
+    {Problem::NoSuchBackEnd, "TARNWICK_CC names the C compiler '%', which is none of tcc, gcc-O0 and gcc-O2"},
+    {Problem::SourcesChange, "the sources change faster than they are compiled"},
 });
 
 // Breaks inside a text begin a continuation line.

@@ -103,6 +103,8 @@ enum class Problem : int {
     ToolFailed = 1909,
     ResourcesFailed = 1910,
     NotAMainClass = 1911,
+    NoSuchBackEnd = 1912,
+    SourcesChange = 1913,
 };
 
 // The text of a problem with its `%` signs replaced in order.

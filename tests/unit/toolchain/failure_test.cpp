@@ -2,10 +2,13 @@
 //
 // A compile in which the n-th change to the disk fails, or during which the process dies there: a failure is
 // a message, and what is left is either whole or counts as out of date.
+#include "support/places.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 #include "toolchain/build/compile.h"
+#include "toolchain/build/link.h"
 #include "toolchain/build/make.h"
+#include "toolchain/build/tcc.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
 
@@ -19,10 +22,15 @@ namespace {
 
 constexpr int MostCalls = 200;
 
-class Failure : public ::testing::Test {
+std::vector<const char*> backEnds() {
+    return tccIsThere() ? std::vector<const char*>{"tcc", "gcc-O0"} : std::vector<const char*>{"gcc-O0"};
+}
+
+// With each kind of back end: a program, and the library in the process.
+class Failure : public ::testing::TestWithParam<const char*> {
 protected:
     const std::string file_ = "/home/user/a.cls";
-    const Variable path_{"PATH", "/usr/bin"};
+    const Variable path_{"PATH", "/usr/bin"}, backEnd_{"TARNWICK_CC", GetParam()};
     os::SteeredClock clock_;
 
     void prepare(os::SteeredFiles& files, os::SteeredProcesses& processes) {
@@ -42,15 +50,13 @@ protected:
     }
     std::size_t compile() {
         CompilerOptions options;
-        options.file = file_;
-        Messages messages;
-        compileClass(options, messages);
-        return messages.count();
+        options.files = {file_};
+        return compileClasses(options).front().messages.count();
     }
     bool outOfDate() { return isOutOfDate(findSources(file_, {}).classes[0]); }
 };
 
-TEST_F(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
+TEST_P(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
     const os::Steered clock(clock_);
     for (int call = 1; call < MostCalls; ++call) {
         os::SteeredFiles files;
@@ -76,7 +82,7 @@ TEST_F(Failure, AFullDiskAtAnyCallIsAMessageAndLeavesNothingThatLooksBuilt) {
     FAIL() << "a compile takes too many calls";
 }
 
-TEST_F(Failure, AnInterruptedCompileIsDoneAgain) {
+TEST_P(Failure, AnInterruptedCompileIsDoneAgain) {
     const os::Steered clock(clock_);
     for (int call = 1; call < MostCalls; ++call) {
         os::SteeredFiles files;
@@ -99,6 +105,39 @@ TEST_F(Failure, AnInterruptedCompileIsDoneAgain) {
     }
     FAIL() << "a compile takes too many calls";
 }
+
+// The program is made under another name; what stands there is no program unless the link says so.
+TEST(LinkFailure, AFullDiskAtAnyCallIsToldOrLeavesAWholeProgram) {
+    if (!tccIsThere()) GTEST_SKIP();
+    std::string library;
+    ASSERT_EQ(os::readFile(BINARY_DIR "/libtarnwick.so", library), os::FileError::None);
+    const Made object =
+        tccCompile("struct tarn_program; const struct tarn_program *const tarn_main_program = 0;");
+    ASSERT_EQ(object.failure, "");
+    const Variable path("PATH", "/usr/bin");
+    for (int call = 1; call < MostCalls; ++call) {
+        os::SteeredFiles files;
+        const os::Steered steered(files);
+        files.put("/lib/libtarnwick.so", library);
+        files.put("/home/user/there", "");
+        files.failAt(call, os::FileError::DiskFull);
+        const std::string failure =
+            linkProgram({{"/home/user/a.o", object.bytes, true}}, "/lib", "/home/user/a", "/home/user/a.new");
+        const bool reached = files.calls() >= call;
+        files.stopFailing();
+        if (failure.empty()) {
+            EXPECT_GT(files.contents("/home/user/a.new").size(), 1000U) << call;
+            EXPECT_EQ(os::infoOf("/home/user/a.new").mode & 0111U, 0111U) << call;
+        }
+        EXPECT_EQ(failure.empty(), !reached) << call << failure;
+        EXPECT_EQ(files.openHandles(), 0);
+        if (!reached) return;
+    }
+    FAIL() << "a link takes too many calls";
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, Failure, ::testing::ValuesIn(backEnds()),
+                         [](const auto& info) { return std::string(info.param, 3); });
 
 }  // namespace
 }  // namespace tarn::toolchain

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QTimer>
 #include <QTreeView>
@@ -55,10 +56,13 @@ bool isNumber(std::string_view text) {
 
 // The rows that are looked at: some hundred, spread from the first to the last.
 template <class Visit>
-void eachSample(const std::vector<Row>& rows, Visit visit) {
+void eachSampleRow(const std::vector<Row>& rows, Visit visit) {
     const std::size_t count = std::min(rows.size(), Sample);
-    for (std::size_t i = 0; i < count; ++i)
-        visit(rows[count == 1 ? 0 : i * (rows.size() - 1) / (count - 1)].text);
+    for (std::size_t i = 0; i < count; ++i) visit(rows[count == 1 ? 0 : i * (rows.size() - 1) / (count - 1)]);
+}
+template <class Visit>
+void eachSample(const std::vector<Row>& rows, Visit visit) {
+    eachSampleRow(rows, [&](const Row& row) { visit(std::string_view(row.text)); });
 }
 
 // The names of the columns, from a title line that may begin and end with a tab.
@@ -277,7 +281,15 @@ private:
         eachSample(control_->rows, [&](std::string_view row) {
             cells = std::max(cells, metrics.horizontalAdvance(shown(cellOf(row, column))));
         });
-        return std::max(width, std::min(cells, WidestCharacters * character)) + 3 * character;
+        const int most = std::min(cells, WidestCharacters * character) + (column == 0 ? pictureWidth() : 0);
+        return std::max(width, most) + 3 * character;
+    }
+    // What a picture takes of the first column.
+    int pictureWidth() const {
+        bool some = false;
+        eachSampleRow(control_->rows, [&](const Row& row) { some = some || !row.picture.empty(); });
+        return some ? grid_.iconSize().width() + grid_.style()->pixelMetric(QStyle::PM_FocusFrameHMargin) * 2
+                    : 0;
     }
 
     GridView& grid_;

@@ -217,6 +217,14 @@ TEST_F(Exec, ABadRedirectionIs907AndNothingRuns) {
     }
     EXPECT_EQ(get("ran"), "");
     EXPECT_EQ(FileSize(out), -1);
+    ASSERT_EQ(::symlink(in.c_str(), (folder / "again").c_str()), 0);
+    for (const std::string& same : {in, folder / "again"}) {
+        EXPECT_FALSE(EXEC(folder / "mark", "< " + in + " > " + same, Wait).started)
+            << "it would be emptied first";
+        EXPECT_EQ(takeError(), 907) << same;
+    }
+    EXPECT_EQ(get("in"), "x");
+    EXPECT_TRUE(EXEC(folder / "tell", "< /dev/null > /dev/null", Wait).started);
 }
 
 TEST_F(Exec, MuchOutputComesWholeAndHoldsNothingUp) {

@@ -109,11 +109,20 @@ TEST_F(Help, TheBrowserOfTheRegistryGetsThePage) {
     EXPECT_TRUE(asked.empty());
 }
 
-// A view of a desktop that has no browser.
 TEST_F(Help, WithoutABrowserTheUserIsToldTheAddress) {
+    // One that the registry names and that is not there leaves it to the desktop.
     ASSERT_EQ(RegSaveSetting("http\\shell\\open\\command", "", folder / "none"), "");
     OPENBROWSER(0, "http://www.x.org/");
     EXPECT_TRUE(asked.empty()) << "the desktop has one";
+    const bool before = platform::setHeadlessBrowser(false);
+    OPENBROWSER(0, "http://www.x.org/");
+    EXPECT_EQ(lastText(), "It is not possible to visit the following website: http://www.x.org/\n"
+                          "The default browser cannot be found.");
+    MULTIHELP(0, put("a.htm"), 257, "Getting Started");
+    EXPECT_EQ(lastText(), "It is not possible to visit the following website: file://" + folder.path() +
+                              "/a.htm#Getting_Started\nThe default browser cannot be found.");
+    EXPECT_EQ(asked.size(), 2U) << "one box for each";
+    platform::setHeadlessBrowser(before);
 }
 
 TEST_F(Help, TheBrowserIsTheRegistrysElseTheVariablesElseTheDesktops) {

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the quick link needs to know of ELF files of this machine.
+#pragma once
+
+#include <string>
+
+namespace tarn::toolchain {
+
+// A shared library without code that has the names of the C interface in `library`, with their sizes, and those few
+// of the C library that compiled code calls; it calls itself as that one does. Empty if it cannot be read or is no
+// shared library. Cost: 100 us.
+std::string namesOfLibrary(const std::string& library);
+
+// Says in the program headers that the stack of the program holds no code, in the place of the header that tells
+// where the headers are, which a program with a fixed address does not need. False if there is none.
+bool forbidStackCode(std::string& program);
+
+}  // namespace tarn::toolchain
