@@ -441,6 +441,26 @@ void tarn_sys_errordetails(tarn_string* result); /* the whole text of a report *
 void tarn_sys_print(const tarn_string* text);    /* a line to standard output */
 
 
+/* Values of any kind, by a format of the table of data formats or by the extension; see library/system/files.h. */
+void tarn_sys_loadfile_value(const tarn_string* path, void* value, int32_t kind);
+void tarn_sys_loadfile_format(const tarn_string* path, int32_t format, void* value, int32_t kind);
+void tarn_sys_loadfile_options(const tarn_string* path, int32_t format, const tarn_record* options, void* value,
+                               int32_t kind);
+void tarn_sys_savefile_value(const tarn_string* path, const void* value, int32_t kind);
+void tarn_sys_savefile_format(const tarn_string* path, int32_t format, const void* value, int32_t kind);
+void tarn_sys_savefile_options(const tarn_string* path, int32_t format, const tarn_record* options,
+                               const void* value, int32_t kind);
+/* Tables held in data files; see library/data/dbutil.h. The short forms have no options, and closing saves. */
+void tarn_sys_tabopen(const tarn_string* path, tarn_table* t);
+void tarn_sys_tabopen_options(const tarn_string* path, const tarn_record* options, tarn_table* t);
+void tarn_sys_tabclose(const tarn_string* path, tarn_table* t);
+void tarn_sys_tabclose_options(const tarn_string* path, const tarn_record* options, int32_t save, tarn_table* t);
+void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string* directory, tarn_string* stem,
+                        tarn_string* extension);
+void tarn_sys_strsplit(const tarn_string* text, const tarn_string* separator, tarn_string* left,
+                       tarn_string* right);
+void tarn_sys_nextword(const tarn_string* text, int32_t* position, tarn_string* word);
+void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* text, tarn_string* result);
 void tarn_sys_msgbox_ok(const tarn_string* title, const tarn_string* text);
 void tarn_sys_assert(int32_t condition); /* 687 */
 int32_t tarn_sys_ord_enum(int32_t value);

@@ -14,6 +14,7 @@ namespace tarn::toolchain {
 
 extern const std::string_view SystemText;  // with a mark where the windowing operations belong
 std::string windowHeads();                 // the heads of those, one a line
+std::string errorConstants();              // of run-time errors
 std::string systemText();                  // the whole class
 
 // Read once, its types resolved.

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The heads of the windowing operations in class text, made from their list in kernel/windows/operations.h. An
-// argument has the name that it has there; where the language keeps that word it gets a "the" in front.
+// The heads of the windowing operations and of the library's functions in class text, made from their lists in
+// kernel/windows/operations.h and library/system/functions.h. An argument has the name that it has there; where the language keeps that word it gets a "the" in front.
 #include "kernel/text/words.h"
 #include "kernel/windows/operations.h"
+#include "library/system/functions.h"
+#include "library/system/numbers.h"
 #include "os/text/ascii.h"
 #include "platform/windowing.h"
 #include "toolchain/language/library.h"
@@ -20,6 +22,8 @@ using namespace platform;
 using namespace platform::constants;
 #define TARN_HEAD(result, name, symbol, parameters, arguments) result symbol parameters;
 TARN_WINDOW_OPERATIONS(TARN_HEAD)
+TARN_LIBRARY_FUNCTIONS(TARN_HEAD)
+TARN_LIBRARY_WINDOW_FUNCTIONS(TARN_HEAD)
 #undef TARN_HEAD
 }  // namespace heads
 
@@ -30,7 +34,8 @@ template <class T>
 const char* languageType() {
     using namespace platform;
     if constexpr (std::is_same_v<T, bool>) return "boolean";
-    else if constexpr (std::is_same_v<T, std::int64_t>) return "real";
+    else if constexpr (std::is_same_v<T, std::int64_t> || std::is_same_v<T, double>) return "real";
+    else if constexpr (std::is_same_v<T, FixedValue>) return "fixed";
     else if constexpr (std::is_integral_v<T> || std::is_enum_v<T>) return "integer";
     else if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>) return "string";
     else if constexpr (std::is_same_v<T, Object>) return "Control";
@@ -79,7 +84,7 @@ std::vector<std::string> namesIn(std::string_view parameters) {
 }
 
 template <class Head>
-std::string headText(const char* name, const char* symbol, std::string_view parameters) {
+std::string headText(const char* name, const std::string& symbol, std::string_view parameters) {
     const std::vector<const char*> types = Shape<Head>::parameters();
     const std::vector<std::string> names = namesIn(parameters);
     const char* result = Shape<Head>::result();
@@ -88,7 +93,7 @@ std::string headText(const char* name, const char* symbol, std::string_view para
     for (std::size_t i = 0; i < types.size(); ++i) text += (i == 0 ? "" : ", ") + names[i] + " : " + types[i];
     text += ")";
     if (!Shape<Head>::isVoid) text += std::string(" return ") + result;
-    return text + " external \"tarn_win_" + symbol + "\"\n";
+    return text + " external \"" + symbol + "\"\n";
 }
 
 }  // namespace
@@ -96,9 +101,14 @@ std::string headText(const char* name, const char* symbol, std::string_view para
 std::string windowHeads() {
     std::string text;
 #define TARN_TEXT(result, name, symbol, parameters, arguments)                                               \
-    text += headText<decltype(heads::symbol)>(#name, #symbol, #parameters);
+    text += headText<decltype(heads::symbol)>(#name, "tarn_win_" #symbol, #parameters);
+#define TARN_PLAIN(result, name, symbol, parameters, arguments)                                              \
+    text += headText<decltype(heads::symbol)>(#name, "tarn_lib_" #symbol, #parameters);
     TARN_WINDOW_OPERATIONS(TARN_TEXT)
+    TARN_LIBRARY_WINDOW_FUNCTIONS(TARN_TEXT)
+    TARN_LIBRARY_FUNCTIONS(TARN_PLAIN)
 #undef TARN_TEXT
+#undef TARN_PLAIN
     return text;
 }
 

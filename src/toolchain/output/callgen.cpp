@@ -12,7 +12,7 @@ namespace {
 
 // Functions that handle events meanwhile, and so run other functions of the program.
 bool handlesEvents(const std::string& external) {
-    return external.starts_with("tarn_win_");
+    return external.starts_with("tarn_win_") || external.starts_with("tarn_sys_msgbox");
 }
 
 unsigned effectsOfCall(const Declaration& target) {

@@ -6,6 +6,7 @@
  */
 #include <stdint.h>
 
+#ifndef TARNWICK_API_H /* a test puts the two behind each other */
 #define TARN_UNBOUNDED (-1000000)
 #define TARN_NO_DIMENSION (-999999)
 #define TARN_PACKED __attribute__((packed))
@@ -43,6 +44,8 @@ typedef struct TARN_PACKED tarn_table {
     int32_t maxlength, count, reserved;
 } tarn_table;
 
+#endif
+
 /* Values in records and arrays stand at any address. */
 typedef uint8_t quarn_u8;
 typedef int32_t __attribute__((aligned(1), may_alias)) quarn_i32;
@@ -63,6 +66,7 @@ void tarn_register_class(const char *source_path, const char *class_name);
 void tarn_register_variable(const char *name, char role, int32_t kind, void *address);
 void tarn_precondition(int32_t condition);
 void tarn_postcondition(int32_t condition);
+#ifndef TARNWICK_API_H
 typedef struct tarn_program {
     const char *library_version, *main_source;
     int32_t debug_mode, memory_checking, single_instance;
@@ -70,6 +74,7 @@ typedef struct tarn_program {
     void (*main)(void);
     void (*finalise)(void);
 } tarn_program;
+#endif
 
 int32_t tarn_integer_div(int32_t a, int32_t b);
 int32_t tarn_integer_mod(int32_t a, int32_t b);
@@ -131,6 +136,7 @@ void tarn_window_register(const char *window, int32_t (*function)(const tarn_rec
                                                                   const tarn_record *control, int32_t parameter));
 void tarn_window_main(const char *window);
 
+#ifndef TARNWICK_API_H
 static inline void tarn_stamp(int32_t line, int32_t action, tarn_error_handler handler)
 {
     if (tarn_error_cell != 0 || tarn_debugger_window != 0)
@@ -145,7 +151,8 @@ static inline int32_t tarn_integer_neg(int32_t a) { return (int32_t)(0u - (uint3
 static inline int64_t tarn_fixed_add(int64_t a, int64_t b) { return (int64_t)((uint64_t)a + (uint64_t)b); }
 static inline int64_t tarn_fixed_sub(int64_t a, int64_t b) { return (int64_t)((uint64_t)a - (uint64_t)b); }
 static inline int64_t tarn_fixed_neg(int64_t a) { return (int64_t)(0u - (uint64_t)a); }
-static inline int64_t tarn_fixed_from_integer(int32_t i) { return (int64_t)i * 10000; }
+#endif
+#define tarn_fixed_from_integer(i) ((int64_t)(i) * 10000)
 
 extern char *quarn_stack_end; /* the last place from where an error can still be reported; see main() */
 /* Frames beyond 500 are counted and have no names, so the frames above are left first: the one that is found then

@@ -222,7 +222,7 @@ std::string externalHead(const Declaration& item) {
         parameters = joined(parameters, text);
     }
     parameters = joined(parameters, resultParameter(head));
-    const bool isPointer = head.external.starts_with("tarn_win_");
+    const bool isPointer = head.external.starts_with("tarn_win_") || head.external.starts_with("tarn_lib_");
     const std::string name = isPointer ? "(*const " + head.external + ")" : head.external;
     return (isPointer ? "extern " : "") + (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + name + "(" + (parameters.empty() ? "void" : parameters) + ")";
 }
