@@ -189,14 +189,15 @@ const auto& typeOf(int column) {
 
 struct Source {
     int columns, shown, keys;
+    bool isText;
 };
 
 Parameters parametersOf(const Source& source, const std::string& name) {
-    Parameters all = {{"ClassName", "Orders"},          {"DbFile", "orders.data"},
+    Parameters all = {{"ClassName", "Orders"},          {"DbFile", source.isText ? "orders.csv" : "orders.data"},
                       {"DlgName", name},                {"Caption", name},
                       {"DlgRecName", "orders_RecordView"}, {"DlgTabName", "orders_TableView"},
                       {"NumHeaderRows", "1"},           {"NumFooterRows", "0"},
-                      {"SeparatorChar", source.columns == 4 ? "," : ""}};
+                      {"SeparatorChar", source.isText ? "44" : ""}};
     for (int i = 1; i <= source.columns; ++i) {
         const std::string n = std::to_string(i), column = "c" + n, type = typeOf(i).first;
         all["DbFields" + n] = column;
@@ -213,7 +214,8 @@ Parameters parametersOf(const Source& source, const std::string& name) {
 
 class DataSources : public Templates, public ::testing::WithParamInterface<Source> {};
 INSTANTIATE_TEST_SUITE_P(Columns, DataSources,
-                         ::testing::Values(Source{1, 1, 1}, Source{4, 3, 2}, Source{48, 48, 4}));
+                         ::testing::Values(Source{1, 1, 1, false}, Source{4, 3, 2, true},
+                                           Source{48, 48, 4, false}));
 
 TEST_P(DataSources, TheTableDeclarationIsText) {
     write("app1.cls", "Tarnwick Class App1\n" + expanded("TableDeclaration", parametersOf(GetParam(), "")) +
