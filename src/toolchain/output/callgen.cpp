@@ -25,6 +25,12 @@ unsigned effectsOfCall(const Declaration& target) {
     return result;
 }
 
+// What is held in a file is the file, and has no copy. The library looks at what it is given before it changes
+// anything of its own, so a table for it is not copied, however large it is.
+bool passedAsItStands(const Expression& value, const Declaration& parameter) {
+    return value.type->isExternal || parameter.type->isOpen;
+}
+
 }  // namespace
 
 unsigned ExpressionGenerator::effects(const Expression& item) const {
@@ -95,9 +101,9 @@ std::string ExpressionGenerator::callText(const Expression& item, const std::str
 
     std::string arguments;
     std::vector<std::string> back;
-    for (std::size_t i = 0; i < count; ++i) {
-        const bool isNumber = isScalar(item.operands[i]->type->kind);
-        Argument next = argument(item, i, later[i + 1] | (isNumber ? NoEffects : own));
+    for (std::size_t i = 0; i < count; ++i)  {
+        const bool asItStands = passedAsItStands(*item.operands[i], *item.target->function->parameters[i]);
+        Argument next = argument(item, i, asItStands ? NoEffects : later[i + 1] | (isScalar(item.operands[i]->type->kind) ? NoEffects : own));
         arguments += (i == 0 ? "" : ", ") + next.text;
         if (!next.copyBack.empty()) back.push_back(next.copyBack);
     }
