@@ -92,6 +92,22 @@ extern void* tarn_debugger_window;
 
 typedef void (*tarn_error_handler)(int32_t code);
 
+/* The frames, while compiled code may push and pop them by itself; null while it calls tarn_enter and tarn_leave
+ * (no frames are kept, calls are traced, variables are registered). A frame so pushed has literals as its names,
+ * the function's in lower case, and 0 as first variable. Frames beyond 500 go through the calls. */
+typedef struct tarn_frame {
+    const char *class_name, *function_name;
+    int32_t first_line, saved_line, first_variable;
+    char copies[2][41];
+} tarn_frame;
+typedef struct tarn_frame_stack {
+    int32_t count;
+    tarn_frame frames[500];
+} tarn_frame_stack;
+#ifndef __cplusplus
+extern tarn_frame_stack* tarn_quick_frames;
+#endif
+
 void tarn_enter(const char* class_name, const char* function_name, int32_t line);
 void tarn_leave(void);
 void tarn_stamp_slow(int32_t line, int32_t action, tarn_error_handler handler);

@@ -32,13 +32,7 @@ struct TokenWalk {
 
 // ---- lines ----
 
-#ifdef TARNWICK_TINY
-inline constexpr std::size_t MaxClassLines = 80;
-inline constexpr const char* TooManyLines = "Class has too many lines, maximum is 80.";
-#else
-inline constexpr std::size_t MaxClassLines = 8000;
-inline constexpr const char* TooManyLines = "Class has too many lines, maximum is 8000.";
-#endif
+using limits::MaxClassLines;
 
 using Lines = std::vector<std::string>;  // each without its line end
 

@@ -154,6 +154,19 @@ static inline int64_t tarn_fixed_neg(int64_t a) { return (int64_t)(0u - (uint64_
 #endif
 #define tarn_fixed_from_integer(i) ((int64_t)(i) * 10000)
 
+#ifndef TARNWICK_API_H
+typedef struct tarn_frame {
+    const char *class_name, *function_name;
+    int32_t first_line, saved_line, first_variable;
+    char copies[2][41];
+} tarn_frame;
+typedef struct tarn_frame_stack {
+    int32_t count;
+    tarn_frame frames[500];
+} tarn_frame_stack;
+extern tarn_frame_stack *tarn_quick_frames;
+#endif
+
 extern char *quarn_stack_end; /* the last place from where an error can still be reported; see main() */
 /* Frames beyond 500 are counted and have no names, so the frames above are left first: the one that is found then
    has its line again. The program ends with the report. */
@@ -168,12 +181,37 @@ static void quarn_stack_is_full(const char *class_name, const char *function_nam
     tarn_error_cell = 803;
     tarn_stamp_slow(line, 0, tarn_default_onerror);
 }
-static inline void quarn_enter(const char *class_name, const char *function_name, int32_t line)
+/* The function's name in lower case, and as it is written. */
+static inline void quarn_enter(const char *class_name, const char *function_name, const char *written, int32_t line)
 {
     char here;
-    tarn_enter(class_name, function_name, line);
+    tarn_frame_stack *s = tarn_quick_frames;
+    if (s != 0 && (uint32_t)(s->count - 1) < 499) {
+        tarn_frame *frame = &s->frames[s->count++];
+        frame[-1].saved_line = tarn_current_line;
+        frame->class_name = class_name;
+        frame->function_name = function_name;
+        frame->first_line = line;
+        frame->saved_line = 0;
+        frame->first_variable = 0;
+        tarn_current_line = line;
+    } else {
+        tarn_enter(class_name, written, line);
+    }
     if (&here < quarn_stack_end)
-        quarn_stack_is_full(class_name, function_name, line);
+        quarn_stack_is_full(class_name, written, line);
+}
+
+static inline void quarn_leave(void)
+{
+    tarn_frame_stack *s = tarn_quick_frames;
+    if (s != 0 && (uint32_t)(s->count - 2) < 499) {
+        tarn_frame *frame = &s->frames[--s->count - 1];
+        tarn_current_line = frame->saved_line;
+        frame->saved_line = 0;
+    } else {
+        tarn_leave();
+    }
 }
 
 /* The character at a place of a text, 0 outside. */
