@@ -283,7 +283,8 @@ class Examples : public ToolchainTest {
 protected:
     // Builds a program in a copy of the folder of an example; its output, or the messages of the build.
     std::string example(const std::string& name, const std::vector<std::string>& arguments = {}) {
-        if (!std::filesystem::exists(dir + name)) std::filesystem::copy(SOURCE_DIR "/examples/" + name, dir + name);
+        if (!std::filesystem::exists(dir + name))
+            std::filesystem::copy(SOURCE_DIR "/examples/" + name, dir + name);
         return build(name, name, arguments);
     }
     std::string build(const std::string& folder, const std::string& name,
@@ -312,7 +313,8 @@ TEST_F(Examples, WordcountCounts) {
 }
 
 TEST_F(Examples, WordcountTellsOfAMissingFileAndCountsAnEmptyOne) {
-    EXPECT_NE(example("wordcount", {dir + "nothing.txt"}).find("There is no file"), std::string::npos) << output;
+    EXPECT_NE(example("wordcount", {dir + "nothing.txt"}).find("There is no file"), std::string::npos)
+        << output;
     write("empty.txt", "");
     EXPECT_EQ(example("wordcount", {dir + "empty.txt"}), "0 words: see " + dir + "empty.txt.count\n");
     const std::string longWord(100, 'x');
@@ -334,7 +336,8 @@ TEST_F(Examples, DetectiveHasFiveFaultsAndTheFixesOfItsLessonsSolveAll) {
         {"return 0", "return number"},
         {"number := CVTI(text)", "failed := false\n number := CVTI(text)"},
         {"TABFIND(\"EQ\", guests, key, guest)", "TABFIND(\"EQ\", guests, key, guest, byage)"},
-        {"    a := a + b\n    b := a - b\n    a := a - b\n", "var old : integer\n old := a\n a := b\n b := old\n"}};
+        {"    a := a + b\n    b := a - b\n    a := a - b\n",
+         "var old : integer\n old := a\n a := b\n b := old\n"}};
     std::string text = read("detective/detective.cls");
     int left = static_cast<int>(std::size(Fixes));
     for (const auto& [fault, fix] : Fixes) {
@@ -343,7 +346,8 @@ TEST_F(Examples, DetectiveHasFiveFaultsAndTheFixesOfItsLessonsSolveAll) {
         text.replace(place, std::string_view(fault).size(), fix);
         write("detective/detective.cls", text);
         --left;
-        const std::string last = left == 0 ? "All cases are solved.\n" : std::to_string(left) + " cases are left.\n";
+        const std::string last =
+            left == 0 ? "All cases are solved.\n" : std::to_string(left) + " cases are left.\n";
         EXPECT_TRUE(example("detective").ends_with("\n" + last)) << output;
     }
 }

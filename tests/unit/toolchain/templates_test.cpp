@@ -97,9 +97,12 @@ bool condition(const std::string& line) {
     bool result = false;
     for (std::size_t i = 0; i + 2 < tokens.size(); i += 4) {
         const bool relation = holds(tokens[i], tokens[i + 1], tokens[i + 2]);
-        if (i == 0) result = relation;
-        else if (tokens[i - 1] == "#AND") result = result && relation;
-        else result = result || relation;
+        if (i == 0)
+            result = relation;
+        else if (tokens[i - 1] == "#AND")
+            result = result && relation;
+        else
+            result = result || relation;
     }
     return result;
 }
@@ -158,31 +161,29 @@ TEST_F(Templates, AnAddedWindowHasItsFunction) {
     write("app1.rc", expanded("DialogBody", window));
     write("app1.cls", "Tarnwick Class App1\n" + expanded("FunctionBody", window) +
                           "function main()\n Load(Dialog1)\n PRINT(GetCaption(Dialog1))\n"
-                          " Command(GetHandle(Dialog1), 20000, \"\")\n PRINT(STR(IsLoaded(Dialog1)))\nend function\nEnd class\n");
+                          " Command(GetHandle(Dialog1), 20000, \"\")\n PRINT(STR(IsLoaded(Dialog1)))\nend "
+                          "function\nEnd class\n");
     EXPECT_EQ(built("app1"), "Dialog1\nFalse\n");
 }
 
 TEST_F(Templates, ANewClassCanBeUsed) {
     write("new1.cls", expanded("NewNonMainClass", {{"Name", "New1"}}));
-    write("app1.cls",
-          "Tarnwick Class App1\nUses new1\nfunction main()\n PRINT(DESCRIPTION())\nend function\nEnd class\n");
+    write(
+        "app1.cls",
+        "Tarnwick Class App1\nUses new1\nfunction main()\n PRINT(DESCRIPTION())\nend function\nEnd class\n");
     EXPECT_EQ(built("app1"), "Class New1\n");
 }
 
 // ---- data sources ----
 
 // The types of columns, and how each shows the text "1" that is put into it.
-constexpr std::pair<const char*, const char*> Types[] = {{"integer", "1"},
-                                                         {"string[255]", "1"},
-                                                         {"fixed", "1.0000"},
-                                                         {"real", "+1.0000000000000000E+0000"},
-                                                         {"boolean", "True"},
-                                                         {"enum", "1"},
-                                                         {"Tdatetime[24]", "1"},
-                                                         {"Tchars[1:255]", "1"},
-                                                         {"Tnumeric[1:20]", "1"},
-                                                         {"Tlogical[1:1]", "1"},
-                                                         {"Tdate[1:8]", "1"}};
+constexpr std::pair<const char*, const char*> Types[] = {
+    {"integer", "1"},        {"string[255]", "1"},
+    {"fixed", "1.0000"},     {"real", "+1.0000000000000000E+0000"},
+    {"boolean", "True"},     {"enum", "1"},
+    {"Tdatetime[24]", "1"},  {"Tchars[1:255]", "1"},
+    {"Tnumeric[1:20]", "1"}, {"Tlogical[1:1]", "1"},
+    {"Tdate[1:8]", "1"}};
 const auto& typeOf(int column) {
     return Types[(column - 1) % static_cast<int>(std::size(Types))];
 }
@@ -193,10 +194,14 @@ struct Source {
 };
 
 Parameters parametersOf(const Source& source, const std::string& name) {
-    Parameters all = {{"ClassName", "Orders"},          {"DbFile", source.isText ? "orders.csv" : "orders.data"},
-                      {"DlgName", name},                {"Caption", name},
-                      {"DlgRecName", "orders_RecordView"}, {"DlgTabName", "orders_TableView"},
-                      {"NumHeaderRows", "1"},           {"NumFooterRows", "0"},
+    Parameters all = {{"ClassName", "Orders"},
+                      {"DbFile", source.isText ? "orders.csv" : "orders.data"},
+                      {"DlgName", name},
+                      {"Caption", name},
+                      {"DlgRecName", "orders_RecordView"},
+                      {"DlgTabName", "orders_TableView"},
+                      {"NumHeaderRows", "1"},
+                      {"NumFooterRows", "0"},
                       {"SeparatorChar", source.isText ? "44" : ""}};
     for (int i = 1; i <= source.columns; ++i) {
         const std::string n = std::to_string(i), column = "c" + n, type = typeOf(i).first;
@@ -224,26 +229,110 @@ TEST_P(DataSources, TheTableDeclarationIsText) {
     EXPECT_EQ(built("app1"), "1\n");
 }
 
-TEST_P(DataSources, TheConnectorClassListsItsRows) {
-    write("orders.cls", expanded("DatabaseDialog", parametersOf(GetParam(), "orders_DataView")));
-    std::string windows;
-    for (const char* kind : {"DataView", "RecordView", "TableView"})
-        windows +=
-            expanded(std::string(kind) + "Dialog", parametersOf(GetParam(), "orders_" + std::string(kind)));
-    write("orders.rc", windows);
-    std::string fill, show;
-    for (int i = 1; i <= GetParam().columns; ++i) {
-        const std::string column = "\"c" + std::to_string(i) + "\"";
-        fill += " SETCOLUMN(" + column + ", \"1\", row)\n";
-        show += (i == 1 ? "" : " + \" \" + ") + std::string("COLUMNTEXT(row, ") + column + ")";
+class Connector : public DataSources {
+protected:
+    void SetUp() override {
+        DataSources::SetUp();
+        write("orders.cls", expanded("DatabaseDialog", parametersOf(GetParam(), "orders_DataView")));
+        std::string windows;
+        for (const std::string kind : {"DataView", "RecordView", "TableView"})
+            windows += expanded(kind + "Dialog", parametersOf(GetParam(), "orders_" + kind));
+        write("orders.rc", windows);
     }
-    write("app1.cls", "Tarnwick Class App1\nUses orders\nfunction main()\nvar row : OrdersRec\n OPENROWS()\n" + fill +
-                          " TABADD(OrdersRows, row)\n SHOWROWS()\n for each row in OrdersRows loop\n  PRINT(" + show +
-                          ")\n end loop\n CLOSEROWS()\nend function\nEnd class\n");
-    std::string expected;
-    for (int i = 1; i <= GetParam().columns; ++i)
+    std::string program(const std::string& functions, const std::string& statements) {
+        write("app1.cls", "Tarnwick Class App1\nUses orders\n" + functions +
+                              "function main()\nvar row : OrdersRec\n" + statements +
+                              "end function\nEnd class\n");
+        return built("app1");
+    }
+    // A statement that prints all columns of `row`.
+    static std::string show() {
+        std::string text;
+        for (int i = 1; i <= GetParam().columns; ++i)
+            text += (i == 1 ? " PRINT(" : " + \" \" + ") + std::string("COLUMNTEXT(row, \"c") +
+                    std::to_string(i) + "\")";
+        return text + ")\n";
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Columns, Connector,
+                         ::testing::Values(Source{1, 1, 1, false}, Source{4, 3, 2, true},
+                                           Source{48, 48, 4, false}));
+
+TEST_P(Connector, KeepsARowWithTheValueOfEachColumn) {
+    std::string fill, expected;
+    for (int i = 1; i <= GetParam().columns; ++i) {
+        fill += " SETCOLUMN(\"c" + std::to_string(i) + "\", \"1\", row)\n";
         expected += (i == 1 ? "" : " ") + std::string(typeOf(i).second);
-    EXPECT_EQ(built("app1"), expected + "\n");
+    }
+    EXPECT_EQ(program("", " OPENROWS()\n" + fill + " TABADD(OrdersRows, row)\n CLOSEROWS()\n OPENROWS()\n" +
+                              " for each row in OrdersRows loop\n" + show() + " end loop\n CLOSEROWS()\n"),
+              expected + "\n");
+}
+
+TEST_P(Connector, ShowsItsRowsWithoutADisplayToo) {
+    EXPECT_EQ(program("", " SHOWROWS()\n Load(orders_TableView)\n Load(orders_RecordView)\n"
+                          " PRINT(GetCaption(orders_TableView.lsttable))\n"
+                          " PRINT(STR(ControlUbound(orders_RecordView.fields)))\n CLOSEROWS()\n")
+                  .substr(0, 2),
+              "c1");
+    EXPECT_TRUE(output.ends_with("\n" + std::to_string(GetParam().shown) + "\n")) << output;
+}
+
+// The row that is selected in the list is opened, and what the user does in its window changes the table. The user is
+// the function of a window of the program's own.
+TEST_P(Connector, ChangesTheRowThatIsOpened) {
+    write("app1.rc", "User DIALOG\nEND\n");
+    EXPECT_EQ(program(R"(
+function PRESS(window : Control, button : string)
+    var item : Control
+    item := FINDCONTROL(window, button)
+    Command(GetHandle(window), item.item, "")
+end function
+callback function User(in anEvent : integer, aControl : Control, aParameter : integer, out handled : boolean)
+    if anEvent = TIMER_EVENT then
+        PRINT(GetText(orders_RecordView.fields[1]))
+        SetText(orders_RecordView.fields[1], "7")
+        PRESS(orders_RecordView, "btnok")
+    end if
+end function
+)",
+                      R"(
+    OPENROWS()
+    row.c1 := 5
+    TABADD(OrdersRows, row)
+    row.c1 := 9
+    TABADD(OrdersRows, row)
+    Load(User)
+    Load(orders_DataView)
+    PRINT(STR(GetListCount(orders_DataView.lstrows)))
+    SetListIndex(orders_DataView.lstrows, 2)
+    POSTMESSAGE(User, TIMER_EVENT, 0)
+    PRESS(orders_DataView, "btnopen")
+    PRINT(STR(IsLoaded(orders_RecordView)))
+    for each row in OrdersRows loop
+        PRINT(STR(row.c1))
+    end loop
+    PRESS(orders_DataView, "btnclose")
+    CLOSEROWS()
+)"),
+              "2\n9\nFalse\n5\n7\n");
+}
+
+// Of text the lines ahead of the rows are passed over, and what is changed is in the file when it is closed.
+TEST_F(Templates, AConnectorOfTextReadsAndWritesIt) {
+    const Parameters all = parametersOf({4, 4, 1, true}, "orders_DataView");
+    write("orders.cls", expanded("DatabaseDialog", all));
+    write("orders.rc", expanded("DataViewDialog", all) +
+                           expanded("RecordViewDialog", parametersOf({4, 4, 1, true}, "orders_RecordView")) +
+                           expanded("TableViewDialog", parametersOf({4, 4, 1, true}, "orders_TableView")));
+    write("orders.csv", "c1,c2,c3,c4\n5,Ann,2.5,1.5\n3,Bob,0.25,7\n");
+    write("app1.cls",
+          "Tarnwick Class App1\nUses orders\nfunction main()\nvar row : OrdersRec\n OPENROWS()\n"
+          " for each row in OrdersRows loop\n  PRINT(row.c2)\n end loop\n row.c1 := 4\n row.c2 := \"Cy\"\n"
+          " TABADD(OrdersRows, row)\n CLOSEROWS()\nend function\nEnd class\n");
+    EXPECT_EQ(built("app1"), "Bob\nAnn\n");
+    EXPECT_NE(read("orders.csv").find("Cy"), std::string::npos) << read("orders.csv");
+    EXPECT_TRUE(read("orders.csv").starts_with("c1,c2,c3,c4")) << read("orders.csv");
 }
 
 }  // namespace
