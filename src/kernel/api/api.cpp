@@ -43,6 +43,7 @@ void runProgram() {
     call(program.initialise);
     call(program.main);
     call(program.finalise);
+    tarn_scratch_release();
     tarn::DebugEnd();
     tarn::ProcessStop();
 }

@@ -4,6 +4,8 @@
 // tokens, and the items that the source scan finds.
 #pragma once
 
+#include "os/tinylimits.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -33,6 +35,8 @@ struct TokenWalk {
 // ---- lines ----
 
 using limits::MaxClassLines;
+inline constexpr const char* TooManyLines = MaxClassLines == 8000 ? "Class has too many lines, maximum is 8000."
+                                                                   : "Class has too many lines, maximum is 80.";
 
 using Lines = std::vector<std::string>;  // each without its line end
 

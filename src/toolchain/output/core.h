@@ -93,12 +93,14 @@ void tarn_string_append(tarn_string *dest, const tarn_string *part);
 int32_t tarn_string_compare(const tarn_string *a, const tarn_string *b);
 void tarn_string_put(tarn_string *s, int32_t position, int32_t character);
 int32_t tarn_text_next_line(const tarn_string *text, int32_t *position, tarn_string *line);
+int32_t tarn_text_previous_line(const tarn_string *text, int32_t *position, tarn_string *line);
 
 void tarn_adt_init(void *target, const void *like, int32_t kind);
 void tarn_adt_copy(const void *source, void *target, int32_t kind);
 void tarn_adt_free(void *value, int32_t kind);
 void tarn_adt_clear(void *value, int32_t kind);
 int32_t tarn_adt_compare(const char *op, const void *a, const void *b, int32_t kind);
+void tarn_sys_record_assign(tarn_record *dest, const tarn_record *src);
 void tarn_record_init(tarn_record *r, int32_t tag, const uint8_t kinds[24]);
 void *tarn_scratch(int32_t kind, const void *like);
 void tarn_array_init(tarn_array *a, int32_t kind, const int32_t bounds[6], const void *prototype);
