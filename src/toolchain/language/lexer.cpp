@@ -16,9 +16,9 @@ bool isForeign(char c) {
 }
 
 // Longest first.
-constexpr auto Symbols = std::to_array<std::string_view>(
-    {":=", "<>", "<=", ">=", "=>", "..", "(", ")", "[", "]", "{", "}",
-     ",",  ".",  ":",  "=",  "<",  ">",  "+", "-", "*", "/"});
+constexpr auto Symbols =
+    std::to_array<std::string_view>({":=", "<>", "<=", ">=", "=>", "..", "(", ")", "[", "]", "{",
+                                     "}",  ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*", "/"});
 
 // Spellings of other languages, and what is written here. Longest first.
 struct Foreign {
@@ -72,7 +72,8 @@ private:
 
     // Who ends statements so does it on every line: it is told once.
     void semicolon() {
-        if (!semicolonTold_) messages_.add(file_, line_, Problem::Foreign, {";", "nothing: a line or a blank is enough"});
+        if (!semicolonTold_)
+            messages_.add(file_, line_, Problem::Foreign, {";", "nothing: a line or a blank is enough"});
         semicolonTold_ = true;
     }
 
@@ -168,7 +169,8 @@ private:
         Token result = token(TokenKind::Real, begin);
         result.real = std::strtod(std::string(result.text).c_str(), nullptr);
         if (ascii::isSymbol(at(position_))) return badNumber(begin);
-        if (std::isinf(result.real)) messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "a real number"});
+        if (std::isinf(result.real))
+            messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "a real number"});
         return result;
     }
 

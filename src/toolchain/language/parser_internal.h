@@ -154,12 +154,12 @@ private:
     std::size_t position_ = 0, lastSynchronised_ = 0, lastUnclosed_ = 0;
     ClassTree* tree_ = nullptr;
     int depth_ = 0;
-    int errorLine_ = 0;       // of the last message
-    int elseIfLine_ = 0;      // of the last `if` that stands behind `else` on one line
+    int errorLine_ = 0;   // of the last message
+    int elseIfLine_ = 0;  // of the last `if` that stands behind `else` on one line
     bool panic_ = false;
-    bool result_ = false;     // the function being read has one
-    bool headKnown_ = true;   // its head could be read
-    bool isPublic_ = false;   // the declaration being read
+    bool result_ = false;    // the function being read has one
+    bool headKnown_ = true;  // its head could be read
+    bool isPublic_ = false;  // the declaration being read
 };
 
 }  // namespace tarn::toolchain

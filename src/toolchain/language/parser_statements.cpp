@@ -142,7 +142,8 @@ StatementPtr Parser::itemStatement(int line) {
     const bool counts = (isSymbol("+") || isSymbol("-")) && !here().firstOnLine;
     if (counts && (peek(1).text == here().text || peek(1).text == "=")) {
         const std::string sign(here().text), name = target->name.empty() ? "x" : target->name;
-        report(Problem::Foreign, {sign + std::string(peek(1).text), "'" + name + " := " + name + " " + sign + " 1'"});
+        report(Problem::Foreign,
+               {sign + std::string(peek(1).text), "'" + name + " := " + name + " " + sign + " 1'"});
         return nullptr;
     }
     auto result = make(StatementKind::Assign, line);
