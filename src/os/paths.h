@@ -63,6 +63,12 @@ inline std::string nameOf(const std::string& path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
+// Without the extension of the file part. A name that begins with its only '.' has none.
+inline std::string withoutExtension(const std::string& path) {
+    const std::size_t name = path.rfind('/') + 1, dot = path.rfind('.');  // npos + 1 is 0
+    return dot != std::string::npos && dot > name ? path.substr(0, dot) : path;
+}
+
 // `folder` and `name` with one "/" between them.
 inline std::string joined(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder.back() == '/') return folder + name;

@@ -41,11 +41,14 @@ inline constexpr std::int32_t LeastSorted        = pick(1000,                   
 inline constexpr std::int32_t LeastGathered      = pick(100,                                     5);
 inline constexpr std::int32_t MostGathered       = pick(16000,                                   5);
 inline constexpr std::int32_t GatheredBytes      = pick(4 << 20,                                 1);
-// data files: bytes read at a time (of delimited text, in a tiny build behind its longest row); handed on at a time; read by the scanner
+// data files: bytes read at a time (of delimited text, in a tiny build behind its longest row); handed on at a time; read
+// by the scanner
 inline constexpr std::ptrdiff_t TabBlockBytes    = pick<std::ptrdiff_t>(256 * 1024,              64);
 inline constexpr std::int64_t XbaseBlockBytes    = pick<std::int64_t>(256 * 1024,                64);
 inline constexpr std::size_t FilePieceBytes      = pick<std::size_t>(std::size_t{256} * 1024,    16);
 inline constexpr std::size_t ScannerReadBytes    = pick<std::size_t>(65536,                      7);
+// class texts: lines
+inline constexpr std::size_t MaxClassLines       = pick<std::size_t>(8000,                       80);
 // clang-format on
 
 }  // namespace tarn::limits

@@ -40,8 +40,7 @@ struct Command {
 constexpr Command commands[] = {
     {"info", "FILE", "what FILE is, how many rows it has, and the declaration of its columns", 1, ForInfo,
      info},
-    {"convert", "A B", "write the rows of A to B; the extension of B decides: csv, tab, txt, xml, dbf or bin",
-     2, ForConvert, convert},
+    {"convert", "A B", "write the rows of A to B; the extension of B decides: ", 2, ForConvert, convert},
     {"check", "FILE", "what is wrong with a dbf, table or index FILE, a line for each fault", 1, ForCheck,
      check},
     {"rebuild", "FILE", "mend a dbf or table FILE, and make its indexes anew", 1, ForRebuild, rebuild},
@@ -53,7 +52,8 @@ std::string help() {
     for (const Command& command : commands) {
         std::string left = "  " + std::string(command.name) + " " + std::string(command.files);
         left.resize(column, ' ');
-        text += left + std::string(command.about) + "\n";
+        text += left + std::string(command.about) + (command.bit == ForConvert ? DataFormatNames("or") : "") +
+                "\n";
     }
     return text + "\nOptions:\n" + optionsHelp() +
            "\nExit status: 0 all is well, 1 the data could not be handled or has faults, 2 wrong usage.\n";

@@ -5,9 +5,9 @@
 //
 // The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is
 // another one beside it, made of links, so that the case has its own settings; what lies in the case's
-// `profile` folder replaces what is linked, and what lies in its `state` folder was left by an earlier run. Exit
-// status 0: as expected; 77: skipped; 1: not, with what was on
-// screen.
+// `profile` folder replaces what is linked, and what lies in its `state` folder was left by an earlier run. A
+// program that is started again is this process with itself in its place, told by the environment where the run
+// stands. Exit status 0: as expected; 77: skipped; 1: not, with what was on screen.
 #include "behaviour/hands.h"
 #include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
@@ -35,6 +35,9 @@ namespace {
 
 std::string root;  // of this run; removed at the end
 tarn::UserDriver* driver = nullptr;
+char** commandWords = nullptr;  // of this process
+
+constexpr const char *rootName = "TARNWICK_CASE_ROOT", *lineName = "TARNWICK_CASE_LINE";
 
 std::string readAll(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -58,9 +61,20 @@ bool leaks() {
     _exit(code);
 }
 
-// The program has halted: what is left of the script must need no program.
+// This process becomes the program that starts again.
+[[noreturn]] void startAgain() {
+    std::fflush(nullptr);
+    setenv(rootName, root.c_str(), 1);
+    setenv(lineName, std::to_string(driver->lineNumber()).c_str(), 1);
+    execv("/proc/self/exe", commandWords);
+    std::printf("The program could not be started again.\n");
+    end(1);
+}
+
+// The program has halted: what is left of the script must need no program, or start it again.
 void programEnded(int) {
     driver->programEnded();
+    if (!driver->failed() && driver->restarts()) startAgain();
     if (driver->failed()) std::printf("%s", driver->failure().c_str());
     end(driver->failed() ? 1 : 0);
 }
@@ -116,6 +130,16 @@ void prepareState(const std::string& from, const std::string& dir) {
         if (mark != std::string::npos) text = text.substr(0, mark) + dir + text.substr(mark + 5);
         std::ofstream(to, std::ios::binary) << text;
     }
+}
+
+// Leaves of the script what stands behind the line that has started the program again.
+void continueAt(tarn::Script& script, int line) {
+    while (!script.lines.empty() && script.lines.front().number < line)
+        script.lines.erase(script.lines.begin());
+    if (script.lines.empty()) return;
+    const std::vector<std::string> words = script.lines.front().words;
+    script.arguments.assign(words.begin() + 1, words.end());
+    script.lines.erase(script.lines.begin());
 }
 
 void setProgram(const std::string& profile, const std::vector<std::string>& arguments) {
@@ -184,20 +208,31 @@ int main(int argc, char** argv) {
     if (argc != 3 && !isMonkey)
         return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE or monkey SEED STEPS\n"),
                2;
+    const char* const before = getenv(rootName);  // of the run that this one continues
     std::string pattern = (fs::temp_directory_path() / "tarnwick-case-XXXXXX").string();
-    root = std::string(mkdtemp(pattern.data())) + "/";
+    root = before != nullptr ? before : std::string(mkdtemp(pattern.data())) + "/";
     if (isMonkey) runMonkey(static_cast<unsigned>(std::atoi(argv[2])), std::atoi(argv[3]));
-    const std::string mode = argv[1], from = fs::absolute(argv[2]).string() + "/";
+    commandWords = argv;
+    std::string folder = fs::absolute(argv[2]).string();
+    argv[2] = folder.data();
+    const std::string mode = argv[1], from = folder + "/";
     const std::string dir = root + "case/", profile = root + "profile/";
-    fs::copy(from, dir, fs::copy_options::recursive);
-    prepareProfile(profile, from);
+    if (before == nullptr) {
+        fs::copy(from, dir, fs::copy_options::recursive);
+        prepareProfile(profile, from);
+    }
     tarn::Script script = tarn::parseScript(readAll(from + "script"), dir, profile, mode != "model");
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
     if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
-    prepareSettings(profile + "ide.ini", script);
     prepareEnvironment();
-    prepareState(from, dir);
+    if (before != nullptr) {
+        continueAt(script, std::atoi(getenv(lineName)));
+        unsetenv(rootName);
+    } else {
+        prepareSettings(profile + "ide.ini", script);
+        prepareState(from, dir);
+    }
     fs::current_path(dir);
     setProgram(profile, script.arguments);
     tarn::os::useEndHook(programEnded);

@@ -4,6 +4,7 @@
 #include "library/settings/initext.h"
 #include "os/clock.h"
 #include "os/files.h"
+#include "support/sheet_rows.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -32,7 +33,8 @@ const std::map<std::string, LineForm> forms = {
     {"choose-file", {1}}, {"input", {1}},       {"pick", {1}},      {"start", {1}},
     {"stop-tool", {0}},   {"clock", {1}},       {"key", {1, true}}, {"type", {1, true}},
     {"click", {2, true}}, {"mouse", {4, true}}, {"maximise", {1}},  {"screenshot", {1}},
-    {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}}};
+    {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}},
+    {"strike", {3}},      {"sheet", {2}},       {"restart", {0}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
@@ -178,7 +180,7 @@ void UserDriver::idle() {
 
 void UserDriver::programEnded() {
     ended_ = true;
-    for (; !failed() && !finished(); at_++) {
+    for (; !failed() && !finished() && !restarts(); at_++) {
         const ScriptLine& line = script_.lines[at_];
         if (line.words[0] == "run")
             act(line);
@@ -220,12 +222,18 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "strike") return canStrike(w) ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "restart") return Outcome::NotYet;  // the program still runs
     return shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
 }
 
 // ---- doing ----
 
 namespace {
+
+const std::map<std::string, int> struckKeys = {
+    {"Up", KEY_UP},      {"Down", KEY_DOWN}, {"F1", KEY_F1},         {"F4", KEY_F4},
+    {"Esc", KEY_ESCAPE}, {"Left", KEY_LEFT}, {"Return", KEY_RETURN}, {"Right", KEY_RIGHT}};
 
 // The 1-based position of a line's start and its length without the line end; start 0 if there is no such
 // line.
@@ -261,12 +269,17 @@ void UserDriver::act(const ScriptLine& line) {
         SetSelection(Object("SDIEdit"),
                      lineOf(GetText(Object("SDIEdit")).value, std::atoi(w[1].c_str())).start, 0);
     else if (what == "dblclick")
-        doubleClick(Object(w[1]), std::atoi(w[2].c_str()));
+        doubleClick(w.size() == 3 ? Object(w[1]) : FindControl(Object(w[1]), w[2]),
+                    std::atoi(w.back().c_str()));
     else if (what == "close")
         userClose(*findWindow(Object(w[1])));
     else if (answerLines.count(what) != 0) {
         if (!view().answer(w[1])) at_--, fail("The open question takes no such answer.");
-    } else if (what == "start")
+    } else if (what == "strike")
+        strike(w);
+    else if (what == "sheet")
+        sheet(w[1], dir_ + w[2]);
+    else if (what == "start")
         startSecond(line);
     else if (what == "clock")
         os::clock().sleep(seconds(w[1]) * 1'000'000'000);
@@ -319,22 +332,56 @@ void UserDriver::edit(const std::string& from, const std::string& to) {
     SetSelText(window, to);
 }
 
-void UserDriver::doubleClick(const Object& window, int number) {
-    Window& target = *findWindow(window);
-    for (const auto& control : target.controls) {
-        if (!isList(*control)) continue;
-        userRow(*control, number);
-        return userDoubleClick(*control, 0, 0);
+// On a line of an edit window, or on a row of a list: of that one, or of the first in a window.
+void UserDriver::doubleClick(const Object& object, int number) {
+    Control* list = findControl(object);
+    if (object.isWindow())
+        for (const auto& control : findWindow(object)->controls)
+            if (isList(*control) && (list == nullptr || !isList(*list))) list = control.get();
+    Control& target = *list;
+    if (isList(target)) {
+        userRow(target, number);
+    } else {
+        const Selection line = lineOf(GetText(object).value, number);
+        SetSelection(object, line.start, line.length);
     }
-    const Selection line = lineOf(GetText(window).value, number);
-    SetSelection(window, line.start, line.length);
     userDoubleClick(target, 0, 0);
 }
 
-// The second copy is this program again, in the model mode and with nobody to answer it.
+bool UserDriver::canStrike(const std::vector<std::string>& words) {
+    const Window* window = findWindow(Object(words[1]));
+    lastSeen_ = "There is no such window.";
+    return window != nullptr && window->shown &&
+           (words[2] == "-" || findControl(FindControl(Object(words[1]), words[2])) != nullptr);
+}
+
+void UserDriver::strike(const std::vector<std::string>& words) {
+    const auto code = struckKeys.find(words[3]);
+    if (code == struckKeys.end()) {
+        at_--;
+        return fail("There is no such key.");
+    }
+    const Object window(words[1]);
+    Control* const focus = words[2] == "-" ? nullptr : findControl(FindControl(window, words[2]));
+    userKey(*findWindow(window), focus, code->second);
+}
+
+void UserDriver::sheet(const std::string& title, const std::string& file) {
+    std::string rows, outcome;
+    os::readFile(file, rows);
+    if (!showSheet(title, rows, outcome)) {
+        at_--;
+        return fail("A row of the sheet is not of the form name|options|value.");
+    }
+    if (!os::saveFile(file + ".out", outcome, os::Durability::Unsynced).ok())
+        fail("What the sheet gave could not be written.");
+}
+
+// The second copy is this program again, in the model mode and with nobody to answer it. It works in the
+// case's folder, wherever this one has gone.
 void UserDriver::startSecond(const ScriptLine& line) {
-    std::string command =
-        "TARNWICK_SECOND='" + profile_ + "' TARNWICK_SECOND_LOG='" + dir_ + line.words[1] + ".log' ";
+    std::string command = "cd '" + dir_ + "' && TARNWICK_SECOND='" + profile_ + "' TARNWICK_SECOND_LOG='" +
+                          dir_ + line.words[1] + ".log' ";
     command += "'/proc/" + std::to_string(getpid()) + "/exe' second";
     for (std::size_t i = 2; i < line.words.size(); i++) command += " '" + line.words[i] + "'";
     command += " >/dev/null 2>&1 &";

@@ -9,17 +9,22 @@
 //   set WINDOW CONTROL VALUE        types a text, ticks a box, picks a row
 //   edit "old" "new"                replaces a text in the Code window
 //   select LINE                     puts the caret at a line of the Code window
-//   dblclick WINDOW LINE            double click on a line of an edit window or a row of a list
+//   dblclick WINDOW LINE            double click on a line of an edit window
+//   dblclick WINDOW CONTROL ROW     double click on a row of a list
 //   close WINDOW                    the window's close button
 //   answer "&Yes"                   a button of the question that is open
 //   choose-file F, input T, pick R  what the open file, input or list box is given ("" cancels)
 //   start NAME FILE ...             a second copy of the program; its boxes go to {dir}/NAME.log
+//   restart FILE ...                the program, which must have ended, is started again
+//   sheet TITLE FILE                opens the property sheet on rows "name|options|value"; when it is closed,
+//                                   FILE.out has a line OK or Cancel, and the values
+//   strike WINDOW CONTROL KEY       a key that reaches a control ("-": the window) in any mode
 //   stop-tool                       the Stop button while a tool runs
 //   clock +3s                       lets time go by
-//   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)    real
-//   input REAL or MEANING                 with real input the first, in the model mode the second; a case
-//   with a line of
-//                                   real input that has no second is skipped in the model mode
+//   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)
+//                                   real input
+//   REAL or MEANING                 with real input the first, in the model mode the second; a case with a line
+//                                   of real input that has no second is skipped in the model mode
 //   maximise WINDOW                 as its button on the title does
 //   screenshot NAME                 a picture of the screen, where there is one
 //   run COMMAND ...                 a shell command in {dir}
@@ -91,7 +96,11 @@ class UserDriver {
 public:
     UserDriver(Script script, std::string dir, std::string profile, Hands& hands);
     void idle();          // does the next line if it can be done now
-    void programEnded();  // does the lines that need no program
+    void programEnded();  // does the lines that need no program, up to one that starts it again
+    // True if the next line starts the program again, which the caller must do: the lines behind it are for a
+    // driver of the program then.
+    [[nodiscard]] bool restarts() const { return !finished() && script_.lines[at_].words[0] == "restart"; }
+    [[nodiscard]] int lineNumber() const { return script_.lines[at_].number; }  // of the next line
     [[nodiscard]] bool failed() const { return !failure_.empty(); }
     [[nodiscard]] bool finished() const { return at_ >= script_.lines.size(); }
     [[nodiscard]] const std::string& failure() const { return failure_; }
@@ -115,8 +124,11 @@ private:
     bool expectSeen(const ScriptLine& line);
     void set(const platform::Object& object, const std::string& value);
     void edit(const std::string& from, const std::string& to);
-    void doubleClick(const platform::Object& window, int line);
+    void doubleClick(const platform::Object& object, int line);
     void startSecond(const ScriptLine& line);
+    bool canStrike(const std::vector<std::string>& words);
+    void strike(const std::vector<std::string>& words);
+    void sheet(const std::string& title, const std::string& file);
     [[nodiscard]] std::string onScreen() const;
 };
 

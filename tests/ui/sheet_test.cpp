@@ -21,6 +21,8 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <algorithm>
+#include <cmath>
 #include <deque>
 #include <functional>
 #include <set>
@@ -97,6 +99,41 @@ protected:
         values = "ok\n1\n1\n0x0000FF\n5\n";
     bool show() { return PROPERTIESDIALOG("ok:Pushbutton", "help.htm", "Topic", names, options, values); }
 };
+
+// As eyes see it, from 1 for none to 21.
+double contrast(const QColor& a, const QColor& b) {
+    const auto light = [](const QColor& colour) {
+        const auto part = [](double c) {
+            return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+    };
+    const double one = light(a) + 0.05, other = light(b) + 0.05;
+    return std::max(one, other) / std::min(one, other);
+}
+
+void expectReadable(const QLineEdit* edit) {
+    ASSERT_NE(edit, nullptr);
+    EXPECT_FALSE(edit->isEnabled());
+    const QPalette colours = edit->palette();
+    EXPECT_GE(contrast(colours.color(QPalette::Disabled, QPalette::Text),
+                       colours.color(QPalette::Disabled, QPalette::Base)),
+              4.5);
+}
+
+TEST_F(SheetTest, AValueThatCannotBeEditedCanBeReadInLightAndDark) {
+    const QPalette before = QApplication::palette();
+    options = "CONST\nENUM(Left,Right,Centre)\nINTEGER{1-\"One\",2-\"Two\"}\nCOLOUR(0:15)\nINTEGER(0:9)\n";
+    doings = {
+        [] { expectReadable(edit("edtvalue1")); },
+        [] { QApplication::setPalette(QPalette(QColor(49, 54, 59), QColor(49, 54, 59))); },
+        [] { expectReadable(edit("edtvalue1")); },
+        [&before] { QApplication::setPalette(before); },
+        [] { expectReadable(edit("edtvalue1")); },
+        [] { pressIn("propertiesdlg", Qt::Key_Escape); },
+    };
+    EXPECT_FALSE(show());
+}
 
 TEST_F(SheetTest, ValuesAreTypedSteppedCheckedAndTaken) {
     doings = {

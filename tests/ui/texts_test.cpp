@@ -308,6 +308,29 @@ TEST_F(TextsTest, AScreenReaderReadsTheCaptionOfToday) {
     EXPECT_EQ(name.toStdString(), "Off");
 }
 
+// How many pixels of a box's text are drawn.
+int inkOfBox(const std::string& text) {
+    int ink = 0;
+    QTimer::singleShot(0, [&] {
+        QWidget* box = QApplication::activeModalWidget();
+        const QImage seen = box->findChild<QWidget*>("text")->grab().toImage();
+        const QRgb paper = seen.pixel(0, 0);
+        for (int y = 0; y < seen.height(); ++y)
+            for (int x = 0; x < seen.width(); ++x) ink += seen.pixel(x, y) != paper;
+        QTest::keyClick(box, Qt::Key_Escape);
+    });
+    MsgBox("t", text, "OK\n");
+    return ink;
+}
+
+TEST_F(TextsTest, ALineOfABoxIsShownWholeBehindATab) {
+    const std::string line(20, 'H');
+    const int whole = inkOfBox(line);
+    EXPECT_GT(whole, 100);
+    EXPECT_GE(inkOfBox("\t" + line), whole);
+    EXPECT_GE(inkOfBox("x\n\t" + line) - inkOfBox("x"), whole);
+}
+
 TEST_F(TextsTest, ABoxIsDescribedByItsText) {
     std::string told;
     QTimer::singleShot(0, [&] {

@@ -10,6 +10,7 @@
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -412,13 +413,10 @@ std::string GETWORDATCURSOR(const Object& window) {
     FRAME(GETWORDATCURSOR);
     STAMP();
     const std::string text = GetText(window);
-    const auto isWord = [](char c) {
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
-    };
     std::size_t start = std::min(static_cast<std::size_t>(GetSelection(window).start) - 1, text.size());
     std::size_t end = start;
-    while (start > 0 && isWord(text[start - 1])) start--;
-    while (end < text.size() && isWord(text[end])) end++;
+    while (start > 0 && ascii::isSymbol(text[start - 1])) start--;
+    while (end < text.size() && ascii::isSymbol(text[end])) end++;
     return text.substr(start, end - start);
 }
 

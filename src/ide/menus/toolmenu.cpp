@@ -15,8 +15,11 @@ namespace tarn {
 namespace {
 
 constexpr const char* ExploreTitle = "Tools-Explore Data File";
-constexpr const char* DataFilter = "Data files (*.csv;*.tab;*.txt;*.xml;*.dbf;*.xbf)|"
-                                   "*.csv;*.tab;*.txt;*.xml;*.dbf;*.xbf|All files (*)|*|";
+
+std::string dataFilter() {
+    const std::string patterns = DataFilePatterns();
+    return "Data files (" + patterns + ")|" + patterns + "|All files (*)|*|";
+}
 
 // What the user can do about a file that cannot be shown.
 std::string nextStep(const std::string& file, bool delimited) {
@@ -65,7 +68,7 @@ void exploreDelimited(const std::string& file) {
 void DO_EXPLORE_DB() {
     FRAME(DO_EXPLORE_DB);
     STAMP();
-    const std::string file = OpenFileDialog(ExploreTitle, "", DataFilter);
+    const std::string file = OpenFileDialog(ExploreTitle, "", dataFilter());
     if (file.empty()) return;
     STAMP();
     DataFileInfo info;

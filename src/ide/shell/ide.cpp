@@ -1,4 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+//
+//   second instance and errors   the hand-over of a file to the copy that runs; what happens to an error at the top
+//   settings check               which sections the settings lack
+//   load                         trace, place of the windows, toolbar, the items of Edit-Undo, the opening action; DO_LOAD
+//                                is their order
+//   unload                       what is kept
+//   bringing up to date          menus, hidden labels and enabled states
+//   events, the program          MAIN, and RUNIDE, which runs all of it
 #include "ide/shell/ide.h"
 
 #include "ide/build/compiler.h"
@@ -192,6 +200,7 @@ void placeMainWindow(const std::string& ini) {
 void placeCodeWindow(const std::string& ini) {
     if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
     WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
+    if (!IsLoaded(Main)) return;  // the user has closed it meanwhile
     const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
     const int top = main.y + main.h;
     EDITWNDSETMAXSIZE(SDIEdit, Main);
@@ -325,6 +334,7 @@ void DO_LOAD() {
     STAMP();
     placeCodeWindow(ini);
     STAMP();
+    if (!IsLoaded(Main)) return;
     const bool restored = OFFERRESCUEDTEXT();
     STAMP();
     if (!restored) chooseOpeningAction(ini, file);

@@ -7,9 +7,16 @@
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "kernel/run/runtime.h"
+#include "kernel/run/state.h"
 #include "kernel/start/process.h"
 #include "kernel/values/strings.h"
 #include "os/process.h"
+
+#include <cstddef>
+
+static_assert(sizeof(tarn_frame) == sizeof(tarn::FrameRecord) && sizeof(tarn_frame_stack) == sizeof(tarn::FrameStack));
+static_assert(offsetof(tarn_frame, first_line) == offsetof(tarn::FrameRecord, firstLine) &&
+              offsetof(tarn_frame, copies) == offsetof(tarn::FrameRecord, copiedClass));
 
 namespace {
 
@@ -36,6 +43,7 @@ void runProgram() {
     call(program.initialise);
     call(program.main);
     call(program.finalise);
+    tarn_scratch_release();
     tarn::DebugEnd();
     tarn::ProcessStop();
 }

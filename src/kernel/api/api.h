@@ -92,6 +92,22 @@ extern void* tarn_debugger_window;
 
 typedef void (*tarn_error_handler)(int32_t code);
 
+/* The frames, while compiled code may push and pop them by itself; null while it calls tarn_enter and tarn_leave
+ * (no frames are kept, calls are traced, variables are registered). A frame so pushed has literals as its names,
+ * the function's in lower case, and 0 as first variable. Frames beyond 500 go through the calls. */
+typedef struct tarn_frame {
+    const char *class_name, *function_name;
+    int32_t first_line, saved_line, first_variable;
+    char copies[2][41];
+} tarn_frame;
+typedef struct tarn_frame_stack {
+    int32_t count;
+    tarn_frame frames[500];
+} tarn_frame_stack;
+#ifndef __cplusplus
+extern tarn_frame_stack* tarn_quick_frames;
+#endif
+
 void tarn_enter(const char* class_name, const char* function_name, int32_t line);
 void tarn_leave(void);
 void tarn_stamp_slow(int32_t line, int32_t action, tarn_error_handler handler);
@@ -234,6 +250,12 @@ void* tarn_record_field(tarn_record* r, int32_t n); /* null when there is no fie
 void tarn_record_put(tarn_record* r, int32_t n, const void* value, int32_t kind);
 void tarn_record_get(const tarn_record* r, int32_t n, void* value, int32_t kind);
 void tarn_record_append(tarn_record* r, const void* value, int32_t kind);
+void tarn_sys_record_assign(tarn_record* dest, const tarn_record* src); /* whatever their fields are */
+void tarn_sys_record_add_boolean(tarn_record* r, int32_t value);
+void tarn_sys_record_add_enum(tarn_record* r, int32_t value);
+void tarn_sys_record_add_integer(tarn_record* r, int32_t value);
+void tarn_sys_record_add_fixed(tarn_record* r, int64_t value);
+void tarn_sys_record_add_real(tarn_record* r, double value);
 void tarn_record_get_as_text(const tarn_record* r, int32_t n, tarn_string* text);
 void tarn_record_put_from_text(int32_t n, const tarn_string* text, tarn_record* r);
 
@@ -351,6 +373,7 @@ extern char* tarn_heap_base; /* a value's data is at this address plus its offse
 /* A value of this shape that nobody else has: what stands for an element that is not there. Each lives until
  * 64 others have been asked for. `like` may be null for the kinds 1 to 5. */
 void* tarn_scratch(int32_t kind, const void* like);
+void tarn_scratch_release(void); /* at the end of the program */
 /* The element, or a scratch value with the error set: 602 or 603, and what else the kernel finds wrong. */
 void* tarn_array_element(tarn_array* a, int32_t dimensions, int32_t i, int32_t j, int32_t k);
 void* tarn_list_element(tarn_list* l, int32_t position);
@@ -359,6 +382,9 @@ void tarn_string_append(tarn_string* dest, const tarn_string* part); /* `part` m
 /* Gives the line that begins at the position, without its end, and moves the position behind it. 0 at the end
  * of the text. A line feed ends a line, with a carriage return before it or without. */
 int32_t tarn_text_next_line(const tarn_string* text, int32_t* position, tarn_string* line);
+/* The line in front of the position, which moves to its beginning; length + 1 is behind the last one. 0 at the
+ * beginning of the text. */
+int32_t tarn_text_previous_line(const tarn_string* text, int32_t* position, tarn_string* line);
 
 /* The operations above with the arguments in the order of the language. */
 int32_t tarn_sys_array_length(const tarn_array* a); /* elements of all dimensions */

@@ -10,6 +10,7 @@
 #include "kernel/values/arrays.h"
 #include "kernel/values/sets.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -25,6 +26,11 @@ struct Scratch {
 };
 std::array<Scratch, 64> scratches;
 std::size_t nextScratch = 0;
+
+void release(Scratch& place) {
+    if (tarn::IsAdtKind(place.kind)) tarn::AdtFree(place.bytes, place.kind);
+    place = {};
+}
 
 const void* prototypeOf(tarn::Offset offset) {
     return tarn::At(offset);
@@ -55,11 +61,37 @@ extern "C" {
 
 void* tarn_scratch(int32_t kind, const void* like) {
     Scratch& place = scratches[nextScratch++ % scratches.size()];
-    tarn::AdtFree(place.bytes, place.kind);
-    std::memset(place.bytes, 0, sizeof place.bytes);
+    release(place);
     place.kind = kindOf(kind);
     if (tarn::IsAdtKind(kind) && like != nullptr) tarn::AdtInit(place.bytes, like, place.kind);
     return place.bytes;
+}
+
+void tarn_scratch_release(void) {
+    for (Scratch& place : scratches) release(place);
+}
+
+void tarn_sys_record_assign(tarn_record* dest, const tarn_record* src) {
+    if (dest == src) return;
+    tarn::AdtFree(dest, tarn::KindRecord);
+    tarn::AdtCopy(src, dest, tarn::KindRecord);
+}
+void tarn_sys_record_add_boolean(tarn_record* r, int32_t value) {
+    const uint8_t byte = value != 0 ? 1 : 0;
+    tarn_record_append(r, &byte, TARN_BOOLEAN);
+}
+void tarn_sys_record_add_enum(tarn_record* r, int32_t value) {
+    const auto byte = static_cast<uint8_t>(value);
+    tarn_record_append(r, &byte, TARN_ENUM);
+}
+void tarn_sys_record_add_integer(tarn_record* r, int32_t value) {
+    tarn_record_append(r, &value, TARN_INTEGER);
+}
+void tarn_sys_record_add_fixed(tarn_record* r, int64_t value) {
+    tarn_record_append(r, &value, TARN_FIXED);
+}
+void tarn_sys_record_add_real(tarn_record* r, double value) {
+    tarn_record_append(r, &value, TARN_REAL);
 }
 
 void* tarn_array_element(tarn_array* a, int32_t dimensions, int32_t i, int32_t j, int32_t k) {
@@ -94,6 +126,19 @@ int32_t tarn_text_next_line(const tarn_string* s, int32_t* position, tarn_string
     std::size_t end = all.find('\n', begin);
     if (end == std::string_view::npos) end = all.size();
     *position = static_cast<int32_t>(end) + 2;
+    if (end > begin && all[end - 1] == '\r') --end;
+    give(all.substr(begin, end - begin), line);
+    return 1;
+}
+
+int32_t tarn_text_previous_line(const tarn_string* s, int32_t* position, tarn_string* line) {
+    const std::string_view all = tarn::StringView(in(s));
+    if (*position < 2) return 0;
+    std::size_t end = std::min(static_cast<std::size_t>(*position - 1), all.size());
+    if (end > 0 && all[end - 1] == '\n') --end;
+    const std::size_t before = end == 0 ? std::string_view::npos : all.rfind('\n', end - 1);
+    const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+    *position = static_cast<int32_t>(begin) + 1;
     if (end > begin && all[end - 1] == '\r') --end;
     give(all.substr(begin, end - begin), line);
     return 1;

@@ -70,8 +70,8 @@ void readFile(const std::string& filename, const DataOptions* options, DataFileI
             FileWord(filename) + "cannot be opened, it is currently locked by another application.";
     } else if (error != os::FileError::None || nothing) {
         info.message = FileWord(filename) + "is invalid, does not exist or is empty.";
-    } else if (const FormatOperations* const format = FormatThatBegins(start); format != nullptr) {
-        info.format = format->format;
+    } else if (const FormatRow* const format = FormatThatBegins(start); format != nullptr) {
+        info.format = format->facts.format;
         format->describe(filename, options, info);
     } else {
         info.message =
@@ -185,23 +185,31 @@ bool ruinsItsRows(const std::string& filename, DataFormat format, const void* va
 DataResult LoadValue(const std::string& filename, DataFormat format, const DataOptions& options, void* value,
                      Kind kind, std::string& message) {
     message.clear();
-    const FormatOperations* const operations = OperationsOf(format);
-    if (operations == nullptr) return {ERR_COMPONENT_UNREPRESENTABLE};
-    return operations->load({filename, options, value, kind, message});
+    const FormatRow* const row = RowOf(format);
+    if (row == nullptr) return {ERR_COMPONENT_UNREPRESENTABLE};
+    return row->load({filename, options, value, kind, message});
 }
 
 DataResult LoadRows(const std::string& filename, DataFormat format, const DataOptions& options,
                     XmlRows::Form form, TableDescriptor* table, std::string& message) {
-    if (format == FormatXml) return LoadXmlRows(filename, form, table, message);
-    return LoadValue(filename, format, options, table, KindTable, message);
+    message.clear();
+    const FormatRow* const row = RowOf(format);
+    if (row == nullptr) return {ERR_COMPONENT_UNREPRESENTABLE};
+    return row->load({filename, options, table, KindTable, message, &form});
+}
+
+TextMisfit FindMisfit(DataFormat format, const DataOptions& options, std::string_view text,
+                      std::size_t from) {
+    const FormatRow* const row = RowOf(format);
+    return row != nullptr && row->misfit != nullptr ? row->misfit(options, text, from) : TextMisfit{};
 }
 
 DataResult SaveValue(const std::string& filename, DataFormat format, const DataOptions& options,
                      std::int32_t flags, const void* value, Kind kind, std::string_view names) {
     if (ruinsItsRows(filename, format, value, kind)) return {ERR_FILE_WRITE};
-    const FormatOperations* const operations = OperationsOf(format);
-    if (operations == nullptr) return {ERR_COMPONENT_UNREPRESENTABLE};
-    return operations->save({filename, options, flags, value, kind, names});
+    const FormatRow* const row = RowOf(format);
+    if (row == nullptr) return {ERR_COMPONENT_UNREPRESENTABLE};
+    return row->save({filename, options, flags, value, kind, names});
 }
 
 }  // namespace tarn

@@ -7,6 +7,7 @@
 #include "kernel/data/format.h"
 #include "kernel/data/scanner/scanner.h"
 #include "kernel/data/tab/tabular.h"
+#include "kernel/data/textfit.h"
 #include "kernel/data/xml/xml_order.h"
 #include "kernel/values/values.h"
 
@@ -44,6 +45,8 @@ DataResult LoadValue(const std::string& filename, DataFormat format, const DataO
 // Into a table of the columns that GetDataFileInfo found, which has no index.
 DataResult LoadRows(const std::string& filename, DataFormat format, const DataOptions& options,
                     XmlRows::Form form, TableDescriptor* table, std::string& message);
+// What of a text from a byte on a file of the format cannot hold, by these options.
+TextMisfit FindMisfit(DataFormat format, const DataOptions& options, std::string_view text, std::size_t from);
 DataResult SaveValue(const std::string& filename, DataFormat format, const DataOptions& options,
                      std::int32_t flags, const void* value, Kind kind, std::string_view names = {});
 

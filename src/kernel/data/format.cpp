@@ -1,50 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/format.h"
 
-#include "kernel/data/tab/tab_rows.h"
-#include "kernel/data/tab/tabular.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/records.h"
-#include "os/paths.h"
-#include "os/text/ascii.h"
 
 #include <cstring>
-#include <iterator>
 
 namespace tarn {
 
-namespace {
-
-constexpr DataOptions lines{0, 0, NoTabSeparator, -1}, commas{}, tabs{2, 0, '\t', -1};
-
-// The one for unknown files is the last.
-constexpr FormatFacts facts[] = {
-    {FormatText, "lines of text", {".txt"}, false, lines},
-    {FormatComma, "delimited text", {".csv"}, true, commas},
-    {FormatTab, "delimited text", {".tab"}, true, tabs},
-    {FormatBinary, "a table file", {".bin"}, false, commas},
-    {FormatXbase, "an Xbase file", {".dbf", ".xbf"}, false, commas},
-    {FormatXml, "XML", {".xml"}, false, commas},
-    {FormatUnknown, "a file of unknown form", {}, false, commas},
-};
-
-}  // namespace
-
-const FormatFacts& FactsOf(std::int32_t format) {
-    const FormatFacts* row = std::begin(facts);
-    while (row->format != format && row->format != FormatUnknown) ++row;
-    return *row;
+std::string DataFormatNames(std::string_view last) {
+    const std::span<const DataFormat> formats = DataFormats();
+    std::string names;
+    for (std::size_t i = 0; i < formats.size(); ++i) {
+        const bool isLast = i + 1 == formats.size();
+        if (i > 0) names += isLast ? " " + std::string(last) + " " : ", ";
+        names += FactsOf(formats[i]).extensions[0].substr(1);
+    }
+    return names;
 }
 
-DataFormat DataFormatOf(std::string_view filename) {
-    const std::string_view extension = paths::extension(filename);
-    if (extension.empty()) return FormatUnknown;
-    for (const FormatFacts& row : facts) {
-        for (const std::string_view known : row.extensions)
-            if (ascii::equal(known, extension)) return row.format;
+std::string DataFilePatterns() {
+    std::string patterns;
+    for (const DataFormat format : DataFormats()) {
+        const FormatFacts& facts = FactsOf(format);
+        for (const std::string_view extension : facts.extensions) {
+            if (facts.declared || extension.empty()) continue;
+            if (!patterns.empty()) patterns += ';';
+            patterns += '*';
+            patterns += extension;
+        }
     }
-    return FormatUnknown;
+    return patterns;
 }
 
 DataOptions DefaultDataOptions(std::int32_t format) {

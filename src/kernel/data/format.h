@@ -3,13 +3,15 @@
 // What all formats of data files have in common: their numbers, what is known of each, how a file is laid
 // out, how a load or a save ended.
 //
-// To add a format: give it a number here and a row of facts in format.cpp, write how it is described, loaded
-// and saved, and give it a row in formats.cpp. Identifying, loading, saving and tarn-data go by these rows.
+// To add a format: give it a number here, write how it is described, loaded and saved, and give it a row in
+// formats.cpp. Whoever handles data files goes by these rows; a format is named elsewhere only where it has a
+// way of its own.
 #pragma once
 
 #include "kernel/values/values.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -36,19 +38,37 @@ struct DataOptions {
     std::int32_t maxdatarows = -1;    // rows to read; -1 for all
 };
 
+// How rows stand in a file.
+enum class RowForm {
+    Lines,    // a line is a row of one text
+    Cells,    // a line is a row of cells; the file may have header and footer rows
+    Marked,   // texts between marks, which name them
+    Records,  // bytes of one length, on which tables work where they stand
+};
+
 // What is known of a format.
 struct FormatFacts {
     DataFormat format;
     std::string_view word;           // as messages call such a file
     std::string_view extensions[2];  // in lower case, with the point; empty ones are none
-    bool delimited;                  // rows of cells: it may have header and footer rows
+    RowForm rows;
+    bool declared;  // the file does not tell its columns: a declaration must
     DataOptions defaults;
 };
 // Those of FormatUnknown for a number that is no format.
 const FormatFacts& FactsOf(std::int32_t format);
+// The numbers of all formats, without FormatUnknown.
+std::span<const DataFormat> DataFormats();
 inline bool IsDelimited(DataFormat format) {
-    return FactsOf(format).delimited;
+    return FactsOf(format).rows == RowForm::Cells;
 }
+inline bool RowsAreLines(DataFormat format) {
+    return IsDelimited(format) || FactsOf(format).rows == RowForm::Lines;
+}
+// The first extension of each format without its point: "xml, dbf, csv, tab, txt LAST bin".
+std::string DataFormatNames(std::string_view last);
+// A pattern for each extension of the formats that tell their columns: "*.xml;*.dbf".
+std::string DataFilePatterns();
 
 // The defaults of a format.
 DataOptions DefaultDataOptions(std::int32_t format);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The table of formats stands at the end, behind what its rows name: how a file begins, what is in it, load
-// and save.
+// The table of formats stands at the end, behind what its rows name: how a file begins, what is in it, load,
+// save, and what texts fit.
 #include "kernel/data/formats.h"
 
 #include "kernel/data/datafile_binary.h"
@@ -10,9 +10,11 @@
 #include "kernel/data/xbase/xbase.h"
 #include "kernel/data/xml/xml.h"
 #include "kernel/index/index_file.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace tarn {
@@ -166,6 +168,8 @@ DataResult fromXml(const XmlResult& xml, std::string& message) {
 }
 
 DataResult loadXml(const LoadRequest& r) {
+    if (r.rows != nullptr)
+        return fromXml(XmlLoadRows(r.filename, *r.rows, static_cast<TableDescriptor*>(r.value)), r.message);
     return fromXml(XmlLoad(r.filename, r.value, r.kind), r.message);
 }
 DataResult saveXml(const SaveRequest& r) {
@@ -175,37 +179,106 @@ DataResult saveXml(const SaveRequest& r) {
     return result;
 }
 
+// ---- what texts fit ----
+
+TextMisfit misfitOfCell(const DataOptions& options, std::string_view text, std::size_t from) {
+    return MisfitOfCell(text, from, static_cast<char>(options.separatorchar));
+}
+TextMisfit misfitOfLine(const DataOptions&, std::string_view text, std::size_t from) {
+    return MisfitOfLine(text, from);
+}
+TextMisfit misfitOfXml(const DataOptions&, std::string_view text, std::size_t from) {
+    return MisfitOfXml(text, from);
+}
+TextMisfit misfitOfXbase(const DataOptions&, std::string_view text, std::size_t from) {
+    return MisfitOfXbase(text, from);
+}
+
 // ---- the table ----
 
-// In the order in which files are looked at. Whether delimited text has commas or tabs is told by its
-// description.
-constexpr FormatOperations formats[] = {
-    {FormatXml, beginsXml, describeXml, loadXml, saveXml},
-    {FormatXbase, beginsXbase, describeXbase, loadXbase, saveXbase},
-    {FormatComma, beginsText, describeText, loadDelimited, saveDelimited},
-    {FormatTab, nullptr, describeText, loadDelimited, saveDelimited},
-    {FormatText, nullptr, describeText, loadLines, saveLines},
-    {FormatBinary, beginsIndex, describeTableFile, loadBinary, saveBinary},
+constexpr DataOptions lines{0, 0, NoTabSeparator, -1}, commas{}, tabs{2, 0, '\t', -1};
+
+// In the order in which files are looked at, and in which lists name the formats. Whether delimited text has
+// commas or tabs is told by its description.
+constexpr FormatRow formats[] = {
+    {{FormatXml, "XML", {".xml"}, RowForm::Marked, false, commas},
+     beginsXml,
+     describeXml,
+     loadXml,
+     saveXml,
+     misfitOfXml},
+    {{FormatXbase, "an Xbase file", {".dbf", ".xbf"}, RowForm::Records, false, commas},
+     beginsXbase,
+     describeXbase,
+     loadXbase,
+     saveXbase,
+     misfitOfXbase},
+    {{FormatComma, "delimited text", {".csv"}, RowForm::Cells, false, commas},
+     beginsText,
+     describeText,
+     loadDelimited,
+     saveDelimited,
+     misfitOfCell},
+    {{FormatTab, "delimited text", {".tab"}, RowForm::Cells, false, tabs},
+     nullptr,
+     describeText,
+     loadDelimited,
+     saveDelimited,
+     misfitOfCell},
+    {{FormatText, "lines of text", {".txt"}, RowForm::Lines, false, lines},
+     nullptr,
+     describeText,
+     loadLines,
+     saveLines,
+     misfitOfLine},
+    {{FormatBinary, "a table file", {".bin"}, RowForm::Records, true, commas},
+     beginsIndex,
+     describeTableFile,
+     loadBinary,
+     saveBinary,
+     nullptr},
 };
+constexpr FormatFacts unknown = {FormatUnknown, "a file of unknown form", {}, RowForm::Records, false,
+                                 commas};
+
+constexpr auto numbers = [] {
+    std::array<DataFormat, std::size(formats)> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) all[i] = formats[i].facts.format;
+    return all;
+}();
 
 }  // namespace
 
-const FormatOperations* OperationsOf(DataFormat format) {
+const FormatRow* RowOf(DataFormat format) {
     const auto* const row = std::find_if(std::begin(formats), std::end(formats),
-                                         [=](const FormatOperations& f) { return f.format == format; });
+                                         [=](const FormatRow& f) { return f.facts.format == format; });
     return row != std::end(formats) ? row : nullptr;
 }
 
-const FormatOperations* FormatThatBegins(std::string_view start) {
-    const auto* const row =
-        std::find_if(std::begin(formats), std::end(formats),
-                     [=](const FormatOperations& f) { return f.begins != nullptr && f.begins(start); });
+const FormatRow* FormatThatBegins(std::string_view start) {
+    const auto* const row = std::find_if(std::begin(formats), std::end(formats), [=](const FormatRow& f) {
+        return f.begins != nullptr && f.begins(start);
+    });
     return row != std::end(formats) ? row : nullptr;
 }
 
-DataResult LoadXmlRows(const std::string& filename, XmlRows::Form form, TableDescriptor* table,
-                       std::string& message) {
-    return fromXml(XmlLoadRows(filename, form, table), message);
+const FormatFacts& FactsOf(std::int32_t format) {
+    const FormatRow* const row = RowOf(static_cast<DataFormat>(format));
+    return row != nullptr ? row->facts : unknown;
+}
+
+std::span<const DataFormat> DataFormats() {
+    return numbers;
+}
+
+DataFormat DataFormatOf(std::string_view filename) {
+    const std::string_view extension = paths::extension(filename);
+    if (extension.empty()) return FormatUnknown;
+    for (const FormatRow& row : formats) {
+        for (const std::string_view known : row.facts.extensions)
+            if (ascii::equal(known, extension)) return row.facts.format;
+    }
+    return FormatUnknown;
 }
 
 }  // namespace tarn

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How data files of each format are told, described, loaded and saved: a row a format. format.h has what is
-// known of a format without doing anything, and tells how to add one. datafile.h is the door for all others;
-// only it uses this.
+// What each format of data files is, and how such files are told, described, loaded and saved: a row a
+// format. format.h tells how to add one. datafile.h is the door for all others; only it uses this.
 //
 // Cost: a format is found by looking through the rows.
 #pragma once
 
 #include "kernel/data/datafile.h"
+#include "kernel/data/textfit.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +22,8 @@ struct LoadRequest {
     void* value;
     Kind kind;
     std::string& message;  // empty; gets that of an XML or Xbase file
+    // Of a table of the columns that were found in the file: which of its elements are the rows.
+    const XmlRows::Form* rows = nullptr;
 };
 struct SaveRequest {
     const std::string& filename;
@@ -32,8 +34,8 @@ struct SaveRequest {
     std::string_view names;
 };
 
-struct FormatOperations {
-    DataFormat format;
+struct FormatRow {
+    FormatFacts facts;
     // Whether a file that begins with these bytes, up to four behind a byte order mark, is one. Null for a
     // format that the description of another tells.
     bool (*begins)(std::string_view start);
@@ -41,15 +43,14 @@ struct FormatOperations {
     void (*describe)(const std::string& filename, const DataOptions* options, DataFileInfo& info);
     DataResult (*load)(const LoadRequest& request);
     DataResult (*save)(const SaveRequest& request);
+    // What of a text such a file cannot hold, from a byte on. Null where nothing is said of single texts.
+    TextMisfit (*misfit)(const DataOptions& options, std::string_view text, std::size_t from);
 };
 
 // Null for a number that is no format.
-const FormatOperations* OperationsOf(DataFormat format);
+const FormatRow* RowOf(DataFormat format);
 // The format of a file that begins so; null when it is none.
-const FormatOperations* FormatThatBegins(std::string_view start);
-
-DataResult LoadXmlRows(const std::string& filename, XmlRows::Form form, TableDescriptor* table,
-                       std::string& message);
+const FormatRow* FormatThatBegins(std::string_view start);
 
 inline constexpr std::size_t FormatHeadBytes = 4;
 inline constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";  // of UTF-8

@@ -9,10 +9,12 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <cxxabi.h>
 
 extern "C" {
 std::int32_t tarn_current_line = 0;
 void* tarn_debugger_window = nullptr;
+tarn::FrameStack* tarn_quick_frames = nullptr;
 }
 
 namespace tarn {
@@ -23,6 +25,27 @@ ClassTable* classTable = nullptr;
 ThrownPlace lastThrown;
 
 namespace {
+
+constinit const unsigned noExceptions = 0;  // for functions that run ahead of this module's own start
+
+}  // namespace
+
+constinit const unsigned* exceptionsUnderWay = &noExceptions;
+
+namespace {
+
+// What the language's run time keeps for each thread, as the C++ ABI of the machine lays it out.
+struct ThreadExceptions {
+    void* caught;
+    unsigned underWay;
+};
+
+// From here on frames look at the exceptions of the thread that calls this.
+bool watchThisThread() {
+    exceptionsUnderWay = &reinterpret_cast<const ThreadExceptions*>(abi::__cxa_get_globals())->underWay;
+    return true;
+}
+const bool watched = watchThisThread();
 
 std::int32_t debugMode = 0;
 
@@ -52,9 +75,10 @@ void pushFrame(const char* className, const char* functionName, std::int32_t lin
     ++frameStack->count;
     if (!recorded(frameStack->count)) return;
     FrameRecord& frame = frameAt(frameStack->count);
-    CopyName(frame.className, className);
-    CopyName(frame.functionName, functionName);
-    lowerCase(frame.functionName);
+    frame.literalClass = nullptr;
+    CopyName(frame.copiedClass, className);
+    CopyName(frame.copiedFunction, functionName);
+    lowerCase(frame.copiedFunction);
     frame.firstLine = line;
     frame.savedLine = 0;
     frame.firstVariable = variableTable != nullptr ? variableTable->count + 1 : 0;
@@ -116,12 +140,12 @@ void NoteThrown() {
 
 std::string CurrentFunctionName() {
     const FrameRecord* top = TopFrame();
-    return top != nullptr ? top->functionName : "";
+    return top != nullptr ? top->functionName() : "";
 }
 
 std::string CurrentClassName() {
     const FrameRecord* top = TopFrame();
-    return top != nullptr ? top->className : "";
+    return top != nullptr ? top->className() : "";
 }
 
 std::int32_t FrameCount() {
@@ -131,10 +155,12 @@ std::int32_t FrameCount() {
 void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_view /*version*/,
                 std::string_view /*build*/, std::string_view mainSource) {
     if (mode < 0 || mode > 2) return;
+    watchThisThread();
     // A program that has left its source behind has nothing to show in a debugger.
     if (mode == 2 && os::sizeOf(os::native(mainSource)) <= 0) mode = 1;
     debugMode = mode;
     if (mode >= 1) allocateTable(frameStack);
+    ChooseFrames();
     if (mode == 2) {
         allocateTable(variableTable);
         allocateTable(classTable);
@@ -146,6 +172,12 @@ void DebugEnd() {
     freeTable(variableTable);
     freeTable(classTable);
     debugMode = 0;
+    ChooseFrames();
+}
+
+void ChooseFrames() {
+    const bool quick = debugMode == 1 && GetTraceMode() == 0;
+    tarn_quick_frames = quick ? frameStack : nullptr;
 }
 
 std::int32_t DebugMode() {

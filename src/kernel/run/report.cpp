@@ -29,7 +29,7 @@ bool debugging() {
 std::string place() {
     const FrameRecord* top = TopFrame();
     if (top == nullptr) return {};
-    return std::string("File ") + top->className + ", function " + top->functionName + ", line " +
+    return std::string("File ") + top->className() + ", function " + top->functionName() + ", line " +
            std::to_string(tarn_current_line) + "\n";
 }
 

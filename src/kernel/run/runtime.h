@@ -11,7 +11,6 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
 #include <string>
 #include <string_view>
 
@@ -94,15 +93,18 @@ struct ModuleInfo {
 
 // Notes that an exception leaves the top frame: the report of one that nobody catches tells the deepest.
 void NoteThrown();
+// How many exceptions are under way in the thread of the modules, where the language's run time counts them:
+// std::uncaught_exceptions() gives the same number for two calls through tables.
+extern const unsigned* exceptionsUnderWay;
 
 class Frame {
 public:
     Frame(const ModuleInfo& module, const char* function, std::int32_t line)
-        : exceptions_(std::uncaught_exceptions()) {
+        : exceptions_(*exceptionsUnderWay) {
         FunctionEnter(module.name, function, line);
     }
     ~Frame() {
-        if (std::uncaught_exceptions() > exceptions_) [[unlikely]]
+        if (*exceptionsUnderWay > exceptions_) [[unlikely]]
             NoteThrown();
         FunctionLeave();
     }
@@ -110,7 +112,7 @@ public:
     Frame& operator=(const Frame&) = delete;
 
 private:
-    int exceptions_;  // under way when the function was entered
+    unsigned exceptions_;  // under way when the function was entered
 };
 
 #define MODULE(...)                                                                                          \

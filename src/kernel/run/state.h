@@ -18,12 +18,21 @@ inline constexpr std::size_t MaxName = 40;         // characters of a class, fun
 inline constexpr std::size_t MaxSourcePath = 255;  // characters
 inline constexpr std::size_t MaxReport = 1024;     // characters of a report text
 
+// Compiled code whose frames need nothing else pushes and pops them by itself (api.h, tarn_quick_frames): it names
+// its literals, which live as long as the program. All others are copied.
 struct FrameRecord {
-    char className[MaxName + 1];
-    char functionName[MaxName + 1];  // A to Z lower-cased
-    std::int32_t firstLine;          // of the function's head
-    std::int32_t savedLine;          // where it called deeper; 0 while it is the top frame
-    std::int32_t firstVariable;      // its first entry in the variable table, from 1; 0 without a table
+    const char* literalClass;     // null: the names are copies
+    const char* literalFunction;  // lower-cased
+    std::int32_t firstLine;       // of the function's head
+    std::int32_t savedLine;       // where it called deeper; 0 while it is the top frame
+    std::int32_t firstVariable;   // its first entry in the variable table, from 1; 0 without a table
+    char copiedClass[MaxName + 1];
+    char copiedFunction[MaxName + 1];  // A to Z lower-cased
+
+    [[nodiscard]] const char* className() const { return literalClass != nullptr ? literalClass : copiedClass; }
+    [[nodiscard]] const char* functionName() const {
+        return literalClass != nullptr ? literalFunction : copiedFunction;
+    }
 };
 
 struct FrameStack {
@@ -66,6 +75,9 @@ struct ThrownPlace {
     std::int32_t callerLine;  // where the frame below called that one
 };
 extern ThrownPlace lastThrown;
+
+// Whether compiled code pushes its frames by itself: not while calls are traced or variables registered.
+void ChooseFrames();
 
 // The top frame; null when there is none, or when the count is outside 1 to MaxFrames.
 inline const FrameRecord* TopFrame() {

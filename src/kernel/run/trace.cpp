@@ -3,6 +3,7 @@
 // The trace: a line for each call of a function, to the debug output or to the end of a file.
 #include "kernel/run/desktop.h"
 #include "kernel/run/runtime.h"
+#include "kernel/run/state.h"
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/process.h"
@@ -49,6 +50,7 @@ void Trace(std::string_view text) {
 void SetTraceMode(std::int32_t mode) {
     if (mode < 0 || mode > 2) return;
     traceMode = mode;
+    ChooseFrames();
     TheDesktop().setTrace(mode);
     const std::string dashes(40, '-');
     Trace(dashes);

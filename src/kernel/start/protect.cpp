@@ -150,8 +150,8 @@ private:
 void reportThrown() {
     const ThrownPlace& thrown = lastThrown;
     if (thrown.depth < 1 || thrown.depth != FrameCount() + 1) return ReportFatalHere(ERR_OPERATING_SYSTEM);
-    ReportFatal(ERR_OPERATING_SYSTEM, ErrorText(ERR_OPERATING_SYSTEM), thrown.frame.className,
-                thrown.frame.functionName, thrown.line, "");
+    ReportFatal(ERR_OPERATING_SYSTEM, ErrorText(ERR_OPERATING_SYSTEM), thrown.frame.className(),
+                thrown.frame.functionName(), thrown.line, "");
 }
 
 void runCatching(void (*program)()) {
@@ -194,8 +194,8 @@ void ReportFatal(std::int32_t code, const char* message, const char* file, const
 
 void ReportFatalHere(std::int32_t code) {
     const FrameRecord* top = TopFrame();
-    ReportFatal(code, ErrorText(code), top != nullptr ? top->className : "",
-                top != nullptr ? top->functionName : "", tarn_current_line, "");
+    ReportFatal(code, ErrorText(code), top != nullptr ? top->className() : "",
+                top != nullptr ? top->functionName() : "", tarn_current_line, "");
 }
 
 void RunTimeFatal(std::int32_t code, std::string_view message, std::string_view file,

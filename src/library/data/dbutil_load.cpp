@@ -59,11 +59,11 @@ void addRemark(DataTable& data, const std::string& remark) {
     data.remark += remark;
 }
 
-// Of delimited text that has more rows than a table can hold, the first ones are read.
+// Of a file that has more rows than a table can hold, the first ones are read where that can be asked for.
 DataResult load(const std::string& filename, DataOptions options, DataFormat format, XmlRows::Form form,
                 DataTable& data, std::string& message, bool& firstOnly) {
     DataResult result = LoadRows(filename, format, options, form, data.table.get(), message);
-    if (result.code != ERR_BLOCK_TOO_LARGE || format == FormatXml) return result;
+    if (result.code != ERR_BLOCK_TOO_LARGE || FactsOf(format).rows == RowForm::Marked) return result;
     options.maxdatarows = MostRows;
     result = LoadValue(filename, format, options, data.table.get(), KindTable, message);
     firstOnly = true;

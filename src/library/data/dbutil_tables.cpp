@@ -41,7 +41,7 @@ DataFormat savedFormat(const std::string& filename, const RecordDescriptor* opti
 
 // The rows of such a file cannot be worked on where they stand.
 bool isForeign(DataFormat format) {
-    return format == FormatText || format == FormatXml || IsDelimited(format);
+    return FactsOf(format).rows != RowForm::Records;
 }
 
 // "orders.csv": "orders.~sv".

@@ -6,6 +6,7 @@
 #include "library/source/symbols_text_internal.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
+#include "os/tinylimits.h"
 
 MODULE("symbols", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 

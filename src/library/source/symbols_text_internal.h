@@ -4,6 +4,8 @@
 // tokens, and the items that the source scan finds.
 #pragma once
 
+#include "os/tinylimits.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -32,13 +34,9 @@ struct TokenWalk {
 
 // ---- lines ----
 
-#ifdef TARNWICK_TINY
-inline constexpr std::size_t MaxClassLines = 80;
-inline constexpr const char* TooManyLines = "Class has too many lines, maximum is 80.";
-#else
-inline constexpr std::size_t MaxClassLines = 8000;
-inline constexpr const char* TooManyLines = "Class has too many lines, maximum is 8000.";
-#endif
+using limits::MaxClassLines;
+inline constexpr const char* TooManyLines = MaxClassLines == 8000 ? "Class has too many lines, maximum is 8000."
+                                                                   : "Class has too many lines, maximum is 80.";
 
 using Lines = std::vector<std::string>;  // each without its line end
 

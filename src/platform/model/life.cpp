@@ -20,11 +20,7 @@ constexpr Code resourceFileMissing = 704;
 
 // The name by which copies of this program find each other.
 std::string instanceName() {
-    const std::string path = os::executablePath();
-    std::string name = os::nameOf(path);
-    const std::size_t dot = name.rfind('.');
-    if (dot != std::string::npos && dot > 0) name.resize(dot);
-    return upper(name);
+    return upper(os::withoutExtension(os::nameOf(os::executablePath())));
 }
 
 Window* windowWith(const std::string& windowClass, const std::string& caption) {

@@ -45,8 +45,7 @@ void sendNext() {
 Code PostMessage(const Object& object, int event, int parameter) {
     const Window* const window = findWindow(object);
     if (window == nullptr) return WindowNotLoaded;
-    // The view may be another one than when the last event waited.
-    if (queue().empty()) view().watch(wakeDescriptor(), sendNext);
+    view().watch(wakeDescriptor(), sendNext);  // it may be another view than when the last event was posted
     queue().push_back({window->handle, object, event, parameter});
     const std::uint64_t one = 1;
     static_cast<void>(!::write(wakeDescriptor(), &one, sizeof one));

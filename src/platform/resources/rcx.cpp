@@ -392,10 +392,7 @@ Application& application() {
 }
 
 std::string usualFile() {
-    std::string path = os::executablePath();
-    const std::size_t name = path.rfind('/') + 1, dot = path.rfind('.');
-    if (dot != std::string::npos && dot > name) path.resize(dot);
-    return path + ".rcx";
+    return os::withoutExtension(os::executablePath()) + ".rcx";
 }
 
 }  // namespace

@@ -41,32 +41,29 @@ std::string declared(const std::string& file, const std::string& columns) {
 // ---- text and XML ----
 
 std::string rowsText(const Source& source, const Arguments& arguments) {
-    if (source.rowsSeen < 0) return "as many as lines";
+    if (source.rowsSeen < 0) return RowsAreLines(source.format) ? "as many as lines" : "not counted";
     const bool first = arguments.from.maxRows && source.rowsSeen == *arguments.from.maxRows;
     return std::to_string(source.rowsSeen) + (first ? " (at most as many as --max-rows)" : "");
 }
 
-constexpr std::string_view xmlForms[] = {"XML", "XML, a list of values", "XML, a single record"};
+constexpr std::string_view forms[] = {"", ", a list of values", ", a single record"};  // of XML
 
 std::string formText(const Source& source) {
     const auto rows = [](std::int32_t n, const char* what) {
         return ", " + std::to_string(n) + " " + what + " row" + (n == 1 ? "" : "s");
     };
-    switch (source.format) {
-    case FormatText: return std::string(FactsOf(source.format).word);
-    case FormatXml: return std::string(xmlForms[static_cast<std::size_t>(source.xmlRows.form)]);
-    default:
-        return std::string(FactsOf(source.format).word) + ", separator " +
-               separatorName(source.options.separatorchar) + rows(source.options.numheaderrows, "header") +
-               rows(source.options.numfooterrows, "footer");
-    }
+    const std::string word(FactsOf(source.format).word);
+    if (!IsDelimited(source.format))
+        return word + std::string(forms[static_cast<std::size_t>(source.xmlRows.form)]);
+    return word + ", separator " + separatorName(source.options.separatorchar) +
+           rows(source.options.numheaderrows, "header") + rows(source.options.numfooterrows, "footer");
 }
 
 int infoText(const std::string& file, const Arguments& arguments) {
     Source source;
     Problem problem = identify(file, arguments, false, source);
-    // The rows of a long XML file are not kept only to be looked at.
-    const bool look = source.format != FormatXml || fitsMemory(source.rowsSeen);
+    // The rows of a long file are not kept only to be looked at.
+    const bool look = RowsAreLines(source.format) || fitsMemory(source.rowsSeen);
     if (!problem.any() && look) problem = keepDigits(source);
     if (problem.any()) return tell(problem);
     const Problem gap = checkEmptyLine(source);

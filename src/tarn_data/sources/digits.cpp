@@ -143,7 +143,7 @@ struct Lost {
 };
 
 bool isOfTexts(const Source& source) {
-    return !source.text && (IsDelimited(source.format) || source.format == FormatXml);
+    return !source.text && (IsDelimited(source.format) || FactsOf(source.format).rows == RowForm::Marked);
 }
 
 // For each column, read as `kinds`: KindNone where every text does.
@@ -154,7 +154,7 @@ public:
     Problem find(const Source& source) {
         const auto all = [](Kind kind) { return kind == KindNone; };
         if (std::all_of(kinds_.begin(), kinds_.end(), all)) return {};
-        return source.format == FormatXml ? findInRows(source) : findInCells(source);
+        return IsDelimited(source.format) ? findInCells(source) : findInRows(source);
     }
     [[nodiscard]] const Lost& operator[](std::size_t column) const { return lost_[column]; }
 
@@ -235,7 +235,7 @@ Problem checkDigits(const Source& source, const RowType& type) {
         const Kind kind = RecordFieldKind(type.row.get(), static_cast<std::int32_t>(n));
         // Of delimited text the readers themselves refuse what is no integer.
         const bool whole = kind == KindInteger || kind == KindEnum;
-        const bool loses = kind == KindReal || kind == KindFixed || (whole && source.format == FormatXml);
+        const bool loses = kind == KindReal || kind == KindFixed || (whole && !IsDelimited(source.format));
         kinds.push_back(loses ? kind : KindNone);
     }
     LostDigits lost(std::move(kinds));

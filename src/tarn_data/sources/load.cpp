@@ -56,10 +56,9 @@ Problem makeFileRows(std::string_view columns, Rows& rows) {
 
 namespace {
 
-// The characters of the longest text of each column of a delimited file, or of XML; empty when they cannot be
-// told.
+// The characters of the longest text of each column; empty when they cannot be told.
 std::vector<std::int32_t> longestOf(const Source& source) {
-    if (!source.longest.empty() || source.format == FormatXml) return source.longest;
+    if (!source.longest.empty() || !RowsAreLines(source.format)) return source.longest;
     return TabMeasure(source.file, source.options).longest;
 }
 
@@ -74,7 +73,7 @@ std::string withLengths(const Source& source, std::string_view columns) {
         const bool open =
             TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
         if (open && !longest) longest = longestOf(source);
-        if (open && longest->empty() && source.format == FormatXml) return {};
+        if (open && longest->empty() && !RowsAreLines(source.format)) return {};
         const auto column = static_cast<std::size_t>(n - 1);
         const std::int32_t length = open && column < longest->size() ? std::max((*longest)[column], 1) : 1;
         text +=
@@ -130,7 +129,8 @@ Problem load(const Source& source, const DataOptions& options, Rows& rows, DataR
     const Work work("reading " + source.file);
     std::string message;
     // Lines, too, go by the options here.
-    const DataFormat format = source.format == FormatText ? FormatTab : source.format;
+    const bool lines = FactsOf(source.format).rows == RowForm::Lines;
+    const DataFormat format = lines ? FormatTab : source.format;
     result = LoadRows(source.file, format, options, source.xmlRows.form, rows.table.get(), message);
     ClearError();
     if (result.stopped || stopSignal() != 0) return stoppedProblem();

@@ -32,8 +32,8 @@ std::string adviceFor(const std::string& beginning) {
     for (const auto& mark : marks) {
         if (beginning.starts_with(mark.bytes)) return std::string(mark.advice);
     }
-    return "Known are delimited text (csv, tab), lines (txt), XML and Xbase (dbf); --separator=C reads it as "
-           "delimited, --type=FILE as a table file.";
+    return "Known are files of the forms " + DataFormatNames("and") +
+           "; --separator=C reads it as delimited text, --type=FILE as a table file.";
 }
 
 bool isTypeConflict(const std::string& message) {
@@ -127,10 +127,7 @@ bool isOneRow(const std::string& file, DataFileInfo& info) {
 }
 
 // Counts rows, and tells lists of values from lists of records.
-Problem identifyXml(const Arguments& arguments, Source& source) {
-    if (arguments.from.any())
-        return {fileWord(source.file) + "is XML, which has no separator, header, footer or row limit.",
-                "Leave the options of delimited text away.", WrongUsage};
+Problem identifyXml(Source& source) {
     XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
     source.rowsSeen = order.rows;
     source.longest = std::move(order.longest);
@@ -172,11 +169,16 @@ Problem identifyOther(const Arguments& arguments, Source& source) {
     source.format = info.format;
     source.columns = info.typeText;
     source.xmlRows = info.xmlRows;
-    if (info.format == FormatXml) return identifyXml(arguments, source);
-    if (!IsDelimited(info.format)) return {};
-    source.rowsSeen = info.rowsSeen;
-    source.rowBehind = info.rowBehind;
-    return {};
+    if (IsDelimited(info.format)) {
+        source.rowsSeen = info.rowsSeen;
+        source.rowBehind = info.rowBehind;
+        return {};
+    }
+    if (arguments.from.any())
+        return {fileWord(source.file) + "is " + std::string(FactsOf(info.format).word) +
+                    ", which has no separator, header, footer or row limit.",
+                "Leave the options of delimited text away.", WrongUsage};
+    return info.format == FormatXml ? identifyXml(source) : Problem();
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Delimited text is written without quotes, and XML without an encoding, so not every text fits. What does
-// not fit is told ahead of the writing: nothing is changed in silence.
+// Not every text fits into every target. What does not fit is told ahead of the writing: nothing is changed
+// in silence.
+#include "kernel/data/datafile.h"
 #include "kernel/data/xbase/xbase.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
@@ -18,94 +19,27 @@ namespace tarn::datatool {
 
 namespace {
 
-// ---- what fits: a place that does not, or npos, and why ----
-
-enum class Fault { Quote, Separator, LineEnd, ZeroByte, Control, Bytes };
-constexpr const char* faultTexts[] = {"begins with a quote",
-                                      "holds the separator",
-                                      "holds a line end",
-                                      "holds a zero byte",
-                                      "holds a control character, which XML cannot hold",
-                                      "holds a byte that XML cannot hold (it is no UTF-8)"};
-
-struct Misfit {
-    std::size_t at = std::string::npos;
-    Fault fault = Fault::Bytes;
-    [[nodiscard]] bool any() const { return at != std::string::npos; }
-    [[nodiscard]] const char* why() const { return faultTexts[static_cast<std::size_t>(fault)]; }
-};
-
-Fault faultOf(char c) {
-    return c == '\0' ? Fault::ZeroByte : Fault::LineEnd;
-}
-
-Misfit misfitOfDelimited(std::string_view text, std::size_t from, char separator) {
-    if (from == 0 && text.starts_with('"')) return {0, Fault::Quote};
-    for (std::size_t i = from; i < text.size(); ++i) {
-        if (text[i] == separator) return {i, Fault::Separator};
-        if (text[i] == '\n' || text[i] == '\r' || text[i] == '\0') return {i, faultOf(text[i])};
+// The first format that takes texts as they are and holds all of this one; empty if none does.
+std::string holderOf(std::string_view text) {
+    for (const DataFormat format : DataFormats()) {
+        const FormatFacts& facts = FactsOf(format);
+        if (RowsAreLines(format) || facts.declared) continue;
+        if (!FindMisfit(format, facts.defaults, text, 0).any())
+            return std::string(facts.extensions[0].substr(1));
     }
     return {};
-}
-
-Misfit misfitOfLine(std::string_view text, std::size_t from) {
-    const std::size_t at = text.find_first_of(std::string_view("\n\r\0", 3), from);
-    return {at, at < text.size() ? faultOf(text[at]) : Fault::LineEnd};
-}
-
-// The bytes of the UTF-8 character at `i` that XML may hold; 0 for what is none.
-std::size_t xmlCharacter(std::string_view text, std::size_t i) {
-    const auto byte = [&](std::size_t n) {
-        return n < text.size() ? static_cast<unsigned char>(text[n]) : 0U;
-    };
-    const unsigned first = byte(i);
-    if (first < 0x80) return first >= 0x20 || first == '\t' || first == '\n' ? 1 : 0;
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4) return 0;
-    unsigned code = first & (0xFFU >> (length + 1));
-    for (std::size_t n = 1; n < length; ++n) {
-        if ((byte(i + n) & 0xC0U) != 0x80) return 0;
-        code = code << 6U | (byte(i + n) & 0x3FU);
-    }
-    constexpr unsigned least[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-    return code < least[length] || code > 0x10FFFF || surrogate || code == 0xFFFE || code == 0xFFFF ? 0
-                                                                                                    : length;
-}
-
-Misfit misfitOfXml(std::string_view text, std::size_t from) {
-    for (std::size_t i = from; i < text.size();) {
-        const std::size_t length = xmlCharacter(text, i);
-        const bool control = static_cast<unsigned char>(text[i]) < ' ';
-        if (length == 0) return {i, control ? Fault::Control : Fault::Bytes};
-        i += length;
-    }
-    return {};
-}
-
-Misfit misfitOf(const Target& target, std::string_view text, std::size_t from) {
-    switch (target.format) {
-    case FormatXml: return misfitOfXml(text, from);
-    case FormatText: return misfitOfLine(text, from);
-    default: return misfitOfDelimited(text, from, static_cast<char>(target.options.separatorchar));
-    }
 }
 
 // What to do about a text. Other forms are named only where they hold all of it.
-std::string adviceFor(Fault fault, std::string_view text) {
-    const bool xml = !misfitOfXml(text, 0).any();
-    const bool xbase =
-        text.size() <= std::size_t{MaxXbaseFieldLength} && text.find('\0') == std::string::npos;
-    const char* const other = xml     ? "Write XML, which holds it, or "
-                              : xbase ? "Write dbf, which holds it, or "
-                                      : "Write ";
-    const std::string replaced = "'?' instead with --replace.";
-    switch (fault) {
-    case Fault::Separator:
-        return std::string("Choose another separator with --to-separator, or ") +
-               (xml ? "XML, or write " : "write ") + replaced;
-    case Fault::Bytes: return "Convert the file that is read to UTF-8 first, or write " + replaced;
-    default: return other + replaced;
+std::string adviceFor(TextMisfit::Way way, std::string_view text) {
+    const std::string holder = holderOf(text), replaced = "'?' instead with --replace.";
+    switch (way) {
+    case TextMisfit::Way::OtherSeparator:
+        return "Choose another separator with --to-separator, or " +
+               (holder.empty() ? "write " : holder + ", or write ") + replaced;
+    case TextMisfit::Way::OtherEncoding:
+        return "Convert the file that is read to UTF-8 first, or write " + replaced;
+    default: return "Write " + (holder.empty() ? "" : holder + ", which holds it, or ") + replaced;
     }
 }
 
@@ -118,9 +52,9 @@ public:
 
     Problem column(const RecordDescriptor* row, std::int32_t n) const {
         const bool members = RecordFieldKind(row, n) == KindSet && target_.options.separatorchar == ',';
-        if (!members || target_.format == FormatXml || target_.format == FormatText) return {};
+        if (!members || !IsDelimited(target_.format)) return {};
         return {"Column '" + nameOf(n) + "' holds sets, whose members are separated by commas.",
-                "Choose another separator with --to-separator, or XML."};
+                "Choose another separator with --to-separator, or xml."};
     }
 
     Problem row(RecordDescriptor* row, std::int32_t number) {
@@ -134,21 +68,26 @@ public:
             if (problem.any()) return problem;
             length += static_cast<std::size_t>(StringLength(s)) + 1;
         }
-        return target_.format == FormatXml ? Problem() : line(row, fields, length, number);
+        return RowsAreLines(target_.format) ? line(row, fields, length, number) : Problem();
     }
     [[nodiscard]] bool changed() const { return changed_; }  // the row that was looked at last
 
 private:
     [[nodiscard]] std::string nameOf(std::int32_t n) const { return names_[static_cast<std::size_t>(n - 1)]; }
 
+    [[nodiscard]] TextMisfit misfitOf(std::string_view text, std::size_t from) const {
+        return FindMisfit(target_.format, target_.options, text, from);
+    }
+
     Problem cell(StringDescriptor* s, std::int32_t number, std::int32_t n) {
-        Misfit misfit = misfitOf(target_, StringView(s), 0);
+        TextMisfit misfit = misfitOf(StringView(s), 0);
         if (!misfit.any()) return {};
         if (!replace_)
-            return {"Row " + std::to_string(number) + ", column '" + nameOf(n) + "' " + misfit.why() + ".",
-                    adviceFor(misfit.fault, StringView(s))};
+            return {"Row " + std::to_string(number) + ", column '" + nameOf(n) + "' " +
+                        std::string(misfit.why) + ".",
+                    adviceFor(misfit.way, StringView(s))};
         std::string text(StringView(s));
-        for (; misfit.any(); misfit = misfitOf(target_, text, misfit.at + 1)) text[misfit.at] = '?';
+        for (; misfit.any(); misfit = misfitOf(text, misfit.at + 1)) text[misfit.at] = '?';
         StringAssignView(s, text);
         changed_ = true;
         return {};
@@ -160,11 +99,11 @@ private:
         if (length > std::size_t{MaxTabLine} + 1)
             return {"Row " + std::to_string(number) + " would be a line of more than " +
                         std::to_string(MaxTabLine) + " characters.",
-                    "Write XML, which holds it."};
-        const bool empty = fields == 1 && length == 1 && target_.format != FormatText;
+                    "Write xml, which holds it."};
+        const bool empty = fields == 1 && length == 1 && IsDelimited(target_.format);
         if (!empty || replace_ || RecordFieldKind(row, 1) != KindString) return {};
         return {"Row " + std::to_string(number) + " is empty, and would be an empty line.",
-                "Write XML or txt, which hold it, or accept it with --replace."};
+                "Write xml or txt, which hold it, or accept it with --replace."};
     }
 
     const Target& target_;
@@ -219,14 +158,14 @@ Problem chooseTarget(const std::string& file, const Arguments& arguments, Target
         return {fileWord(file) + "cannot be written.", "It is no regular file: give the name of one."};
     if (arguments.toTable || target.format == FormatBinary) return chooseTable(arguments, target);
     if (target.format == FormatUnknown)
-        return {"'" + file + "' cannot be written: its extension is none of csv, tab, txt, xml, dbf and bin.",
+        return {"'" + file + "' cannot be written: its extension is none of " + DataFormatNames("and") + ".",
                 "The extension of the second file decides what is written; --to-table writes a table file "
                 "under any name.",
                 WrongUsage};
     if (!arguments.keys.empty())
         return {"'" + file + "' is no table file, so that --keys means nothing for it.",
                 "--to-table writes a table file.", WrongUsage};
-    if (IsDelimited(target.format) || target.format == FormatText) return chooseLayout(arguments.to, target);
+    if (RowsAreLines(target.format)) return chooseLayout(arguments.to, target);
     if (arguments.to.any())
         return {"'" + file + "' is " + std::string(FactsOf(target.format).word) +
                     ", which has no separator, header or footer.",

@@ -35,8 +35,8 @@ bool isDeleteFlag(std::string_view columns) {
 
 // Names that stand in the file, not those that its columns get when it has none.
 bool hasNames(const Source& source) {
-    const bool delimited = IsDelimited(source.format) && source.options.numheaderrows > 0;
-    return delimited || source.format == FormatXml || source.format == FormatXbase;
+    if (RowsAreLines(source.format)) return source.options.numheaderrows > 0 && IsDelimited(source.format);
+    return !FactsOf(source.format).declared;
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::size_t longestName = std::size_t{MaxXbaseFieldName},
                       longestText = std::size_t{MaxXbaseFieldLength};
-constexpr const char* writeOther = "Write XML or csv, which hold it";
+constexpr const char* writeOther = "Write xml or csv, which hold it";
 
 std::int32_t linesOf(std::string_view text) {
     return static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
@@ -190,7 +190,7 @@ constexpr char endMark = 26;
 
 Problem unrepresentable(const Target& target, const std::string& where) {
     return {"'" + target.file + "' cannot be written: " + where + "cannot stand in a dbf file.",
-            "Write XML or csv, or every column as text with --text."};
+            "Write xml or csv, or every column as text with --text."};
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "toolchain/build/backend.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "os/process.h"
 #include "toolchain/build/tcc.h"
 #include "toolchain/build/tools.h"
@@ -32,19 +33,31 @@ CompiledObject withQuick(const std::string& classFile, const std::string& text, 
     return {};
 }
 
-CompiledObject withMachine(const std::string& compiler, const std::string& classFile, bool best,
-                           Messages& messages) {
-    const std::string made = objectFile(classFile) + ".new";
-    // Descriptors are seen under several types, hence without the rule of strict aliasing.
-    const ToolRun run = runTool(compiler,
-                                {"-std=c11", best ? "-O2" : "-O0", "-w", "-fwrapv", "-fno-strict-aliasing",
-                                 "-pipe", "-c", "-o", made, generatedFile(classFile)},
-                                made + ".log");
+// The C compiler writes the name of its source into the object, without its folder. So that an object depends on its text
+// alone, the source has the class's name in a folder of this process.
+CompiledObject withMachine(const std::string& compiler, const std::string& classFile, const std::string& text,
+                           bool best, Messages& messages) {
+    const std::string folder = scratchFile(classFile, "") + "/";
+    const std::string source = folder + std::string(paths::stem(classFile)) + ".c", made = source + ".o";
+    static_cast<void>(os::files().makeFolder(folder));
     CompiledObject object;
-    if (run.failure.empty()) os::readFile(made, object.bytes);
+    const os::SaveResult saved = os::saveFile(source, text, os::Durability::Unsynced);
+    if (saved.ok()) {
+        // Descriptors are seen under several types, hence without the rule of strict aliasing.
+        const ToolRun run = runTool(compiler,
+                                    {"-std=c11", best ? "-O2" : "-O0", "-w", "-fwrapv",
+                                     "-fno-strict-aliasing", "-pipe", "-c", "-o", made, source},
+                                    made + ".log");
+        if (run.failure.empty()) os::readFile(made, object.bytes);
+        if (object.bytes.empty())
+            fail(classFile, run.failure.empty() ? "it wrote no object file" : run.failure, run.output,
+                 messages);
+    } else {
+        messages.add(classFile, 0, Problem::CannotWrite, {source, os::describe(saved.error)});
+    }
     os::files().remove(made);
-    if (object.bytes.empty())
-        fail(classFile, run.failure.empty() ? "it wrote no object file" : run.failure, run.output, messages);
+    os::files().remove(source);
+    os::files().removeFolder(folder);
     return object;
 }
 
@@ -78,7 +91,7 @@ CompiledObject compileObject(const std::string& classFile, const std::string& te
         }
     }
     const std::string compiler = findCCompiler();
-    if (!compiler.empty()) return withMachine(compiler, classFile, chosen == BackEnd::Best, messages);
+    if (!compiler.empty()) return withMachine(compiler, classFile, text, chosen == BackEnd::Best, messages);
     if (isFree && tccIsThere()) return withQuick(classFile, text, messages);
     messages.add(classFile, 0, Problem::NoCCompiler);
     return {};

@@ -25,7 +25,7 @@ struct CompiledObject {
     bool quick = false;
 };
 
-// Compiles the C text of a class, which stands also in its generated file. Where the choice was free and the quick
+// Compiles the C text of a class. Where the choice was free and the quick
 // compiler fails, the plain one takes its place; where there is no C compiler on the path, the quick one that of
 // the others.
 CompiledObject compileObject(const std::string& classFile, const std::string& text, int debug,

@@ -32,14 +32,41 @@ std::string inMemory(const std::vector<LinkInput>& inputs, const std::string& li
     return std::string(os::describe(error));
 }
 
+// Files of the bytes that the linker gets, removed at the end. It gets no others: what stands in the place of an object by
+// then may be another build's.
+class Files {
+public:
+    explicit Files(std::string scratch) : scratch_(std::move(scratch)) {}
+    ~Files() {
+        for (const std::string& name : names_) os::files().remove(name);
+    }
+    Files(const Files&) = delete;
+    Files& operator=(const Files&) = delete;
+
+    // What went wrong; empty on success.
+    std::string add(std::string_view bytes) {
+        names_.push_back(scratch_ + "." + std::to_string(names_.size()) + ".o");
+        return save(names_.back(), bytes);
+    }
+    const std::vector<std::string>& names() const { return names_; }
+
+private:
+    std::string scratch_;
+    std::vector<std::string> names_;
+};
+
 std::string byMachine(const std::vector<LinkInput>& inputs, const std::string& library,
                       const std::string& scratch, const std::string& made) {
-    const std::string compiler = findCCompiler(), start = scratch + ".start.o";
+    const std::string compiler = findCCompiler();
     if (compiler.empty()) return problemText(Problem::NoCCompiler, {});
-    if (const std::string failure = save(start, startObject()); !failure.empty()) return failure;
-    std::vector<std::string> arguments = {
-        "-w", "-Wl,--allow-shlib-undefined", "-Wl,-z,noexecstack", "-o", made, start};
-    for (const LinkInput& input : inputs) arguments.push_back(input.file);
+    Files files(scratch);
+    std::string failure = files.add(startObject());
+    for (const LinkInput& input : inputs)
+        if (failure.empty()) failure = files.add(input.bytes);
+    if (!failure.empty()) return failure;
+    std::vector<std::string> arguments = {"-w", "-Wl,--allow-shlib-undefined", "-Wl,-z,noexecstack", "-o",
+                                          made};
+    arguments.insert(arguments.end(), files.names().begin(), files.names().end());
     // A word of its own for each path: a comma would divide one behind -Wl.
     for (const std::string& word :
          {"-L" + library, std::string("-ltarnwick"), std::string("-Wl,-rpath,$ORIGIN"),
@@ -50,7 +77,6 @@ std::string byMachine(const std::vector<LinkInput>& inputs, const std::string& l
     arguments.push_back("-fsanitize=address");
 #endif
     const ToolRun run = runTool(compiler, arguments, made + ".log");
-    os::files().remove(start);
     if (run.failure.empty() && os::sizeOf(made) > 0) return {};
     return (run.failure.empty() ? "no program was written" : run.failure) +
            (run.output.empty() ? "" : "\n" + run.output);

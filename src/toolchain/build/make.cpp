@@ -9,6 +9,8 @@
 #include "toolchain/language/classes.h"
 
 #include <algorithm>
+#include <set>
+#include <unistd.h>
 #include <utility>
 
 namespace tarn::toolchain {
@@ -45,10 +47,10 @@ void notOlder(const std::string& result, const std::string& input) {
     if (os::infoOf(result).modified < time) os::files().setModified(result, time);
 }
 
-// Notes what a result was made of; without a note it is made again.
-void writeNote(const std::string& result, Digest inputs) {
-    std::string bytes;
-    if (os::readFile(result, bytes) != os::FileError::None || !os::infoOf(workFolder(result)).exists) return;
+// Notes what a result was made of; without a note it is made again. `bytes` are those that were made: in the place of
+// the result another build may have put its own meanwhile.
+void writeNote(const std::string& result, Digest inputs, std::string_view bytes) {
+    if (!os::infoOf(workFolder(result)).exists) return;
     static_cast<void>(
         os::saveFile(noteFile(result), noteText({inputs, digestOf(bytes)}), os::Durability::Unsynced));
 }
@@ -79,7 +81,7 @@ private:
         std::vector<std::string> files;
         for (const SourceClass& item : sources_.classes)
             if (isClassFile(item.path) && (all_ || isOutOfDate(item))) files.push_back(item.path);
-        compiled_ = !files.empty();
+        compiled_.insert(files.begin(), files.end());
         const std::size_t most = line_.isOwn ? MostClassesACall : 1;
         for (std::size_t at = 0; at < files.size(); at += most)
             compile({files.begin() + static_cast<std::ptrdiff_t>(at),
@@ -111,11 +113,20 @@ private:
         for (const SourceClass& item : sources_.classes)
             if (!item.resource.empty()) files.push_back(item.resource);
         const Digest inputs = companionInputs(sources_);
-        const std::string errors =
-            platform::CompileResources(files, sources_.companion, line_.resourceFolders);
+        const std::string made = sources_.companion + "." + std::to_string(::getpid());
+        std::string errors = platform::CompileResources(files, made, line_.resourceFolders);
+        if (const std::size_t at = errors.find(made); at != std::string::npos)
+            errors.replace(at, made.size(), sources_.companion);
+        std::string bytes;
+        const os::FileError error = os::readFile(made, bytes);
+        os::files().remove(made);
         if (errors.empty()) {
+            const os::SaveResult saved = os::saveFile(sources_.companion, bytes, os::Durability::Unsynced);
+            if (error != os::FileError::None || !saved.ok())
+                return fail(Problem::CannotWrite,
+                            {sources_.companion, os::describe(saved.ok() ? error : saved.error)});
             for (const std::string& file : files) notOlder(sources_.companion, file);
-            writeNote(sources_.companion, inputs);
+            writeNote(sources_.companion, inputs, bytes);
             return;
         }
         const bool isMessage = errors.find(" : error ") != std::string::npos;
@@ -125,17 +136,21 @@ private:
             fail(Problem::ResourcesFailed, {errors});
     }
 
+    static void readResults(SourceClass& item) {
+        std::string symbols;
+        os::readFile(objectFile(item.path), item.objectBytes);
+        os::readFile(changeExtension(item.path, ".sym"), symbols);
+        item.record = findRecord(symbols);
+        item.object = digestOf(item.objectBytes);
+    }
+
     // The objects, the main class's first. What was compiled has to belong to the sources that were found: they may
     // have been saved meanwhile, or another compile may have written over an object.
     std::vector<LinkInput> objects() {
         std::vector<LinkInput> inputs;
         for (SourceClass& item : sources_.classes) {
-            LinkInput input{objectFile(item.path), {}, false};
-            std::string symbols;
-            os::readFile(input.file, input.bytes);
-            os::readFile(changeExtension(item.path, ".sym"), symbols);
-            item.record = findRecord(symbols);
-            item.object = digestOf(input.bytes);
+            if (compiled_.count(item.path) != 0) readResults(item);
+            LinkInput input{std::move(item.objectBytes), false};
             if (item.record) {
                 again_ = again_ || !belongs(item);
                 input.quick = item.record->quick;
@@ -159,27 +174,29 @@ private:
     }
 
     void link() {
-        if (!all_ && !compiled_ && !exeIsOutOfDate(sources_)) return;
+        if (!all_ && compiled_.empty() && !exeIsOutOfDate(sources_)) return;
         if (!main_.isMain) return fail(Problem::NotAMainClass);
         const std::string library = libraryFolder();
         if (library.empty())
             return fail(Problem::LinkFailed, {"libtarnwick.so is not found beside the tools"});
         const std::vector<LinkInput> inputs = objects();
         if (again_) return;
-        if (!all_ && !(compiled_ && timesDecide()) && !exeIsOutOfDate(sources_)) return;
+        if (!all_ && !(!compiled_.empty() && timesDecide()) && !exeIsOutOfDate(sources_)) return;
         // The program is made under another name and put in its place, so that one that still runs is not
         // disturbed.
-        const std::string made = workFile(main_.path, ".new");
-        const std::string failure = linkProgram(inputs, library, workFile(main_.path, ""), made);
+        const std::string made = scratchFile(main_.path, ".exe");
+        const std::string failure = linkProgram(inputs, library, scratchFile(main_.path, ""), made);
         if (!failure.empty()) {
             os::files().remove(made);
             return fail(Problem::LinkFailed, {failure});
         }
+        std::string bytes;
+        os::readFile(made, bytes);
         const os::FileError error = os::files().rename(made, sources_.exe);
         if (error != os::FileError::None)
             return fail(Problem::CannotWrite, {sources_.exe, os::describe(error)});
         for (const SourceClass& item : sources_.classes) notOlder(sources_.exe, objectFile(item.path));
-        writeNote(sources_.exe, programInputs(sources_));
+        writeNote(sources_.exe, programInputs(sources_), bytes);
     }
 
     const MakeOptions& options_;
@@ -188,7 +205,8 @@ private:
     const CompilerLine& line_;
     const bool all_, last_;
     BuildResult result_;
-    bool compiled_ = false, again_ = false;
+    std::set<std::string> compiled_;  // in this pass
+    bool again_ = false;
 };
 
 }  // namespace

@@ -35,7 +35,8 @@ struct SourceClass {
     Digest source = 0, reach = 0;  // now; see CompileRecord
     Heads heads;
     std::optional<CompileRecord> record;  // of the last compile
-    Digest object = 0;                    // of the object that is there; 0 if there is none
+    std::string objectBytes;              // of the object that is there
+    Digest object = 0;                    // of these; 0 if there is none
 };
 
 // A program: its classes, those that others use first, the main class last.

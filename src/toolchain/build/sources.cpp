@@ -137,8 +137,8 @@ private:
         const std::string object = objectFile(item.path), symbols = changeExtension(item.path, ".sym");
         if (folders_.holds(symbols)) item.results = readEnd(symbols, RecordSize, bytes_);
         if (item.results >= 0) item.record = findRecord(bytes_);
-        const std::int64_t time = folders_.holds(object) ? readEnd(object, WholeFile, bytes_) : -1;
-        if (time >= 0) item.object = digestOf(bytes_);
+        const std::int64_t time = folders_.holds(object) ? readEnd(object, WholeFile, item.objectBytes) : -1;
+        if (time >= 0) item.object = digestOf(item.objectBytes);
         item.results = std::min(item.results, time);
     }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unistd.h>
 
 namespace tarn::toolchain {
 namespace {
@@ -104,6 +105,9 @@ std::string workFolder(const std::string& classFile) {
 }
 std::string workFile(const std::string& classFile, std::string_view extension) {
     return workFolder(classFile).append(paths::stem(classFile)).append(extension);
+}
+std::string scratchFile(const std::string& classFile, std::string_view extension) {
+    return workFile(classFile, "." + std::to_string(::getpid())).append(extension);
 }
 std::string objectFile(const std::string& classFile) {
     return workFile(classFile, ".o");

@@ -34,6 +34,9 @@ std::string workFolder(const std::string& classFile);
 // The file in there that is named after the class.
 std::string workFile(const std::string& classFile, std::string_view extension);
 std::string objectFile(const std::string& classFile);
+// The same with a number of this process in its name: what other builds do meanwhile, those included whose make tool has
+// died, is another file.
+std::string scratchFile(const std::string& classFile, std::string_view extension);
 std::string generatedFile(const std::string& classFile);
 
 }  // namespace tarn::toolchain

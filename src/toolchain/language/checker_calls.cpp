@@ -45,11 +45,11 @@ int costOfFit(Fit fit, const Type* from, const Type* to) {
     return Never;
 }
 
-// A change of the number of its elements, which `for each` over the value cannot bear.
-bool changesCount(const Declaration& form) {
+// A change of its elements, which `for each` over the value cannot bear.
+bool changesElements(const Declaration& form) {
     static constexpr auto Names = std::to_array<std::string_view>(
         {"listadd", "listinsert", "listdelete", "listclear", "listsort", "tabadd", "tabdelete", "tabclear",
-         "tabrebuild", "redim"});
+         "tabrebuild", "redim", "setinclude", "setexclude", "setclear", "open", "close", "tabopen", "tabclose"});
     return std::find(Names.begin(), Names.end(), ascii::lowered(form.name)) != Names.end();
 }
 
@@ -195,7 +195,7 @@ void Checker::indexArgument(Expression& item, std::size_t index, const Declarati
 }
 
 void Checker::guardWalked(const Expression& item, const Declaration& form) {
-    if (walked_.empty() || !isSystem(*form.owner) || !changesCount(form)) return;
+    if (walked_.empty() || !isSystem(*form.owner) || !changesElements(form)) return;
     for (std::size_t i = 0; i < item.operands.size(); ++i) {
         if (parametersOf(form)[i]->mode == Mode::In) continue;
         const Declaration* root = rootOf(*item.operands[i]);

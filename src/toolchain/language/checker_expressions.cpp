@@ -155,7 +155,7 @@ void Checker::checkOne(ExpressionPtr& item, const Type* expected) {
     case ExpressionKind::Not:
     case ExpressionKind::Negate: return unary(*item);
     case ExpressionKind::Chain: return chain(*item);
-    case ExpressionKind::Set: return setLiteral(*item, expected);
+    case ExpressionKind::Set: return setLiteral(*item);
     case ExpressionKind::Aggregate: return aggregate(*item, expected);
     case ExpressionKind::Convert: return;
     }
@@ -368,8 +368,8 @@ void Checker::constantText(Expression& item, Value value) {
 
 // ---- literals of composite values ----
 
-void Checker::setLiteral(Expression& item, const Type* expected) {
-    item.type = expected != nullptr && expected->kind == Kind::Set ? expected : plainType(Kind::Set);
+void Checker::setLiteral(Expression& item) {
+    item.type = plainType(Kind::Set);  // as wide as its members; what does not fit is told where it is assigned
     for (ExpressionPtr& member : item.operands) {
         if (member == nullptr) continue;
         check(member);
@@ -384,7 +384,7 @@ void Checker::aggregate(Expression& item, const Type* expected) {
     const bool open = kind == Kind::Adt || (expected != nullptr && (expected->isOpen || (isRecord(kind) && expected->fields.empty())));
     if (open) return freeAggregate(item);
     if (isRecord(kind)) return recordAggregate(item, expected);
-    const bool elements = kind == Kind::Array || kind == Kind::List || kind == Kind::Table;
+    const bool elements = (kind == Kind::Array && expected->dimensions == 1) || kind == Kind::List || kind == Kind::Table;
     if (!elements) {
         for (ExpressionPtr& operand : item.operands) check(operand);
         item.type = plainType(kind == Kind::Unknown ? Kind::Unknown : Kind::Aggregate);

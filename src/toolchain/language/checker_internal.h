@@ -116,7 +116,7 @@ private:
     void membership(Expression& item);
     void foldIfConstant(Expression& item);
     void constantText(Expression& item, Value value);
-    void setLiteral(Expression& item, const Type* expected);
+    void setLiteral(Expression& item);
     void aggregate(Expression& item, const Type* expected);
     void recordAggregate(Expression& item, const Type* expected);
     void freeAggregate(Expression& item);

@@ -111,7 +111,10 @@ const Type* internType(Type parts) {
     }
     parts.key = keyOf(parts);
     std::unique_ptr<Type>& place = types[parts.key];
-    if (!place) place = std::make_unique<Type>(std::move(parts));
+    if (!place) {
+        parts.number = types.size();
+        place = std::make_unique<Type>(std::move(parts));
+    }
     return place.get();
 }
 

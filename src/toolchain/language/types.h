@@ -72,6 +72,12 @@ struct Type {
     std::string enumName;             // Class.NAME of an enum that has names
     std::int32_t enumCount = 256;     // its names
     std::string key;                  // spells all of the above
+    std::size_t number = 0;           // types are counted as they are made
+};
+
+// An order that does not depend on where a type lies in memory.
+struct TypeOrder {
+    bool operator()(const Type* a, const Type* b) const { return a->number < b->number; }
 };
 
 const Type* plainType(Kind kind);  // without bounds or parts: a scalar, an unbounded string, None, Unknown ...

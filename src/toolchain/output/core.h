@@ -93,12 +93,14 @@ void tarn_string_append(tarn_string *dest, const tarn_string *part);
 int32_t tarn_string_compare(const tarn_string *a, const tarn_string *b);
 void tarn_string_put(tarn_string *s, int32_t position, int32_t character);
 int32_t tarn_text_next_line(const tarn_string *text, int32_t *position, tarn_string *line);
+int32_t tarn_text_previous_line(const tarn_string *text, int32_t *position, tarn_string *line);
 
 void tarn_adt_init(void *target, const void *like, int32_t kind);
 void tarn_adt_copy(const void *source, void *target, int32_t kind);
 void tarn_adt_free(void *value, int32_t kind);
 void tarn_adt_clear(void *value, int32_t kind);
 int32_t tarn_adt_compare(const char *op, const void *a, const void *b, int32_t kind);
+void tarn_sys_record_assign(tarn_record *dest, const tarn_record *src);
 void tarn_record_init(tarn_record *r, int32_t tag, const uint8_t kinds[24]);
 void *tarn_scratch(int32_t kind, const void *like);
 void tarn_array_init(tarn_array *a, int32_t kind, const int32_t bounds[6], const void *prototype);
@@ -154,6 +156,19 @@ static inline int64_t tarn_fixed_neg(int64_t a) { return (int64_t)(0u - (uint64_
 #endif
 #define tarn_fixed_from_integer(i) ((int64_t)(i) * 10000)
 
+#ifndef TARNWICK_API_H
+typedef struct tarn_frame {
+    const char *class_name, *function_name;
+    int32_t first_line, saved_line, first_variable;
+    char copies[2][41];
+} tarn_frame;
+typedef struct tarn_frame_stack {
+    int32_t count;
+    tarn_frame frames[500];
+} tarn_frame_stack;
+extern tarn_frame_stack *tarn_quick_frames;
+#endif
+
 extern char *quarn_stack_end; /* the last place from where an error can still be reported; see main() */
 /* Frames beyond 500 are counted and have no names, so the frames above are left first: the one that is found then
    has its line again. The program ends with the report. */
@@ -168,12 +183,37 @@ static void quarn_stack_is_full(const char *class_name, const char *function_nam
     tarn_error_cell = 803;
     tarn_stamp_slow(line, 0, tarn_default_onerror);
 }
-static inline void quarn_enter(const char *class_name, const char *function_name, int32_t line)
+/* The function's name in lower case, and as it is written. */
+static inline void quarn_enter(const char *class_name, const char *function_name, const char *written, int32_t line)
 {
     char here;
-    tarn_enter(class_name, function_name, line);
+    tarn_frame_stack *s = tarn_quick_frames;
+    if (s != 0 && (uint32_t)(s->count - 1) < 499) {
+        tarn_frame *frame = &s->frames[s->count++];
+        frame[-1].saved_line = tarn_current_line;
+        frame->class_name = class_name;
+        frame->function_name = function_name;
+        frame->first_line = line;
+        frame->saved_line = 0;
+        frame->first_variable = 0;
+        tarn_current_line = line;
+    } else {
+        tarn_enter(class_name, written, line);
+    }
     if (&here < quarn_stack_end)
-        quarn_stack_is_full(class_name, function_name, line);
+        quarn_stack_is_full(class_name, written, line);
+}
+
+static inline void quarn_leave(void)
+{
+    tarn_frame_stack *s = tarn_quick_frames;
+    if (s != 0 && (uint32_t)(s->count - 2) < 499) {
+        tarn_frame *frame = &s->frames[--s->count - 1];
+        tarn_current_line = frame->saved_line;
+        frame->saved_line = 0;
+    } else {
+        tarn_leave();
+    }
 }
 
 /* The character at a place of a text, 0 outside. */

@@ -51,7 +51,7 @@ public:
 
     private:
         ExpressionGenerator& out_;
-        std::map<const Type*, int> saved_;
+        std::map<const Type*, int, TypeOrder> saved_;
     };
     std::string temporary(const Type* type);  // its address; strings are unbounded, others empty in their shape
     [[nodiscard]] std::string temporaryDefinitions() const;
@@ -125,8 +125,8 @@ private:
     std::string lines_;
     int indent_ = 1;
     int names_ = 0;
-    std::map<const Type*, int> used_, reserved_, most_;
-    std::map<const Type*, std::string> temporaryNames_;
+    std::map<const Type*, int, TypeOrder> used_, reserved_, most_;
+    std::map<const Type*, std::string, TypeOrder> temporaryNames_;
     std::vector<PendingPut> puts_;
     bool writes_ = false;  // the address that is being made will be written to
 };

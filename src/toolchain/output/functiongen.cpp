@@ -78,7 +78,7 @@ private:
             out_.line("tarn_adt_clear(result, " + cKind(kind) + ");");
         else if (kind != Kind::None)
             out_.line(cType(kind) + " r = 0;");
-        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(item_.name) + ", " +
+        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(ascii::lowered(item_.name)) + ", " + cString(item_.name) + ", " +
                   std::to_string(head_.bodyLine) + ");");
         if (options_.debug == 2) registerVariables();
         entry_ = out_.takeLines();
@@ -141,7 +141,7 @@ private:
         for (auto item = head_.parameters.rbegin(); item != head_.parameters.rend(); ++item)
             if (isCopied(**item)) release(**item);
         for (auto item = head_.variables.rbegin(); item != head_.variables.rend(); ++item) release(**item);
-        if (!head_.isOnerror) out_.line("tarn_leave();");
+        if (!head_.isOnerror) out_.line("quarn_leave();");
     }
 
     // What the windows call: the handled flag is the result.
@@ -194,6 +194,14 @@ private:
 };
 
 }  // namespace
+
+bool DeclarationOrder::operator()(const Declaration* a, const Declaration* b) const {
+    const auto nameOf = [](const Declaration& item) {
+        if (item.kind == DeclarationKind::Window) return item.owner->name + "." + item.window + "." + item.name;
+        return item.function && !item.function->external.empty() ? item.function->external : itemSymbol(item);
+    };
+    return a != b && nameOf(*a) < nameOf(*b);
+}
 
 void markCodeLine(Shared& shared, int line) {
     const auto number = static_cast<std::size_t>(line);

@@ -15,12 +15,17 @@
 
 namespace tarn::toolchain {
 
+// By what the program calls them, so that the same text becomes the same C.
+struct DeclarationOrder {
+    bool operator()(const Declaration* a, const Declaration* b) const;
+};
+
 // What the functions of one class file share.
 struct Shared {
     Literals literals;
     Shapes shapes;
-    std::map<const Declaration*, std::string> windows;  // windows and controls that are named, by their C names
-    std::set<const Declaration*> foreign;  // functions and variables that are named, in any class
+    std::map<const Declaration*, std::string, DeclarationOrder> windows;  // that are named, with their C names
+    std::set<const Declaration*, DeclarationOrder> foreign;  // functions and variables that are named, in any class
     std::vector<bool> codeLines;
 };
 

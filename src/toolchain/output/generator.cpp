@@ -168,22 +168,4 @@ Generated generateC(const ClassTree& tree, const GeneratorOptions& options) {
     return ClassGenerator(tree, options).run();
 }
 
-std::string generateProgram(const std::string& className) {
-    const std::string program = classSymbol(className, "program");
-    // The end of the stack is found here once. A stack without a limit is taken for 1 GiB, so that endless
-    // recursion ends in its report and not in the memory of the machine.
-    return "#include <stddef.h>\n#include <sys/resource.h>\nstruct tarn_program;\nextern const struct "
-           "tarn_program " +
-           program +
-           ";\nint tarn_run(int, char **, const struct tarn_program *);\nchar *quarn_stack_end;\n"
-           "int main(int argc, char **argv)\n{\n    struct rlimit limit;\n    char here;\n"
-           "    if (getrlimit(RLIMIT_STACK, &limit) == 0) {\n"
-           "        const size_t most = (size_t)1 << 30;\n"
-           "        const size_t size = limit.rlim_cur < most ? (size_t)limit.rlim_cur : most;\n"
-           "        const size_t kept = size / 4 < 1048576 ? size / 4 : 1048576;\n"
-           "        quarn_stack_end = &here - (size - kept);\n    }\n"
-           "    return tarn_run(argc, argv, &" +
-           program + ");\n}\n";
-}
-
 }  // namespace tarn::toolchain

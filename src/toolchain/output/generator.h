@@ -28,9 +28,6 @@ struct Generated {
 // `tree` has been checked without a message.
 Generated generateC(const ClassTree& tree, const GeneratorOptions& options);
 
-// C that starts the program whose main class has this name.
-std::string generateProgram(const std::string& className);
-
 bool hasMain(const ClassTree& tree);
 
 }  // namespace tarn::toolchain

@@ -81,7 +81,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::BadKey, "the field '%' cannot be part of a key: keys are numbers, booleans, enums, strings and arrays of enums"},
     {Problem::NoBounds, "% takes no bounds here"},
     {Problem::LibraryOnly, "% stands in the heads of library functions only"},
-    {Problem::CallbackHeader, "a callback function has the arguments (in message : integer, control : Control, parameter : integer, out handled : boolean) and no result"},
+    {Problem::CallbackHeader, "a callback function has the arguments (in anEvent : integer, aControl : Control, aParameter : integer, out handled : boolean) and no result"},
     {Problem::NoWindow, "the resource file of the class holds no window '%'"},
     {Problem::CannotWalk, "'for each' walks a list, an array, a set, a table or the lines of a text, and this is %"},
     {Problem::SameForm, "'%' of line % takes the same kinds of arguments"},

@@ -98,7 +98,15 @@ std::string ExpressionGenerator::keptAddress(const Expression& item, unsigned la
 }
 
 std::string ExpressionGenerator::walkedAddress(const Expression& item) {
-    return isPlace(item) ? addressOfPlace(item, ChangesShared | ChangesLocals) : address(item);
+    if (!isPlace(item) || item.kind == ExpressionKind::Name) return address(item);
+    if (isStable(item) && !item.type->isExternal) {
+        const std::string name = newName();
+        line(cType(item.type->kind) + " *const " + name + " = " + address(item) + ";");
+        return name;
+    }
+    const std::string copied = temporary(item.type);
+    copy(address(item), copied, item.type);
+    return copied;
 }
 
 // `later`: what happens between here and the use of the address.
@@ -180,6 +188,9 @@ std::string ExpressionGenerator::copyText(const std::string& source, const std::
     case Kind::String: return "tarn_string_assign(" + destination + ", " + source + ");";
     case Kind::Set: return "tarn_set_assign(" + destination + ", " + source + ");";
     case Kind::Array: return "tarn_array_assign(" + destination + ", " + source + ");";
+    case Kind::Record:
+        if (type->fields.empty()) return "tarn_sys_record_assign(" + destination + ", " + source + ");";
+        break;
     default: break;
     }
     if (isScalar(type->kind)) return dereference(destination, type->kind) + " = " + dereference(source, type->kind) + ";";

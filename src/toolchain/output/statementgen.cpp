@@ -174,9 +174,11 @@ void StatementGenerator::walkSet(const Statement& item, const std::string& walke
 }
 
 void StatementGenerator::walkLines(const Statement& item, const std::string& walked) {
-    const std::string position = out_.newName();
-    out_.line("int32_t " + position + " = 1;");
-    open("while (tarn_text_next_line(" + walked + ", &" + position + ", " + out_.place(*item.target->target) + ")) {");
+    const std::string position = out_.newName(), length = out_.newName();
+    out_.line("const int32_t " + length + " = (" + walked + ")->length;");
+    out_.line("int32_t " + position + " = " + (item.down ? length + " + 1" : "1") + ";");
+    open("while ((" + walked + ")->length == " + length + " && tarn_text_" + (item.down ? "previous" : "next") + "_line(" + walked +
+         ", &" + position + ", " + out_.place(*item.target->target) + ")) {");
     stamp(item.line);
     round(item);
 }
@@ -194,13 +196,14 @@ void StatementGenerator::walkTable(const Statement& item, const std::string& wal
 
 // The key of the row before leads to the next one, so the body may change the row as it likes.
 void StatementGenerator::walkIndex(const Statement& item, const std::string& walked) {
-    const std::string count = out_.newName(), op = out_.newName(), index = std::to_string(item.index);
+    const std::string count = out_.newName(), op = out_.newName(), done = out_.newName(), index = std::to_string(item.index);
     const std::string row = out_.place(*item.target->target);
     const std::string key = out_.rawTemporary(Kind::Record);
     const ExpressionGenerator::Reservation reserved(out_);
     out_.line("const int32_t " + count + " = tarn_table_count(" + walked + ");");
+    out_.line("int32_t " + done + " = 0;");
     out_.line("const char *" + op + " = \"" + (item.down ? "LAST" : "FIRST") + "\";");
-    open("while (tarn_table_count(" + walked + ") == " + count + " && tarn_table_find(" + op + ", " + walked + ", " + index + ", " +
+    open("while (" + done + "++ < " + count + " && tarn_table_count(" + walked + ") == " + count + " && tarn_table_find(" + op + ", " + walked + ", " + index + ", " +
          key + ", " + row + ")) {");
     stamp(item.line);
     out_.line(op + " = \"" + (item.down ? "PREVIOUS" : "NEXT") + "\";");

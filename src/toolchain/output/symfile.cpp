@@ -6,7 +6,7 @@
 namespace tarn::toolchain {
 namespace {
 
-constexpr std::size_t MostSignature = 657;
+constexpr std::size_t MostSignature = 657, MostDisambig = 94;
 
 Symbol symbolOf(const Declaration& item, const char* sort, int scope) {
     Symbol symbol;
@@ -22,12 +22,22 @@ Symbol symbolOf(const Declaration& item, const char* sort, int scope) {
         symbol.name = item.window;
         symbol.signature = item.control;
         symbol.typeName = item.controlType;
-        symbol.lb1 = item.upper >= item.lower ? item.lower : 0;
+        if (item.upper >= item.lower) symbol.bounds = {item.lower, item.upper};
         return symbol;
     }
     const Type& type = *(item.function ? item.function->result : item.type);
-    if (type.kind != Kind::None) symbol.typeName = kindName(type.kind);
-    if (type.length != Unbounded) symbol.lb1 = type.length;
+    const TypeNode* node = item.function ? item.function->resultNode.get() : item.typeNode.get();
+    const bool isNamed = node != nullptr && node->kind == Kind::None && item.kind != DeclarationKind::Type;
+    if (type.kind != Kind::None) symbol.typeName = isNamed ? node->name : kindName(type.kind);
+    if (type.length != Unbounded) symbol.bounds[0] = type.length;
+    for (std::size_t i = 0; i < type.bounds.size(); ++i) {
+        symbol.bounds[2 * i] = type.bounds[i].lower;
+        symbol.bounds[2 * i + 1] = type.bounds[i].upper;
+    }
+    if (item.function)
+        for (const auto& parameter : item.function->parameters)
+            symbol.disambig += (symbol.disambig.empty() ? "" : ",") + std::string(kindName(parameter->type->kind));
+    symbol.disambig = symbol.disambig.substr(0, MostDisambig);
     if (item.value && item.value->kind != Kind::String) symbol.constvalue = static_cast<std::int32_t>(item.value->number);
     return symbol;
 }
@@ -53,8 +63,8 @@ std::string record(const Symbol& symbol) {
     text(symbol.sort);
     for (const int cell : {symbol.decline, symbol.impline, symbol.useline}) number(cell);
     text(symbol.classname);
-    for (const int cell : {symbol.lb1, 0, 0, 0, 0, 0}) number(cell);
-    text("");
+    for (const int cell : symbol.bounds) number(cell);
+    text(symbol.disambig);
     text(symbol.typeName);
     number(symbol.compno);
     number(symbol.constvalue);

@@ -5,6 +5,7 @@
 
 #include "toolchain/language/tree.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,8 @@ struct Symbol {
     std::string signature, sort;
     int decline = 0, impline = 0, useline = 0;
     std::string classname;
-    int lb1 = 0;  // of a string: its length
+    std::array<int, 6> bounds{};  // lower and upper of up to three dimensions; a capacity is the first
+    std::string disambig;         // the kinds of a function's parameters
     std::string typeName;
     int compno = 0;
     std::int32_t constvalue = 0;

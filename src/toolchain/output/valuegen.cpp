@@ -30,6 +30,7 @@ void ExpressionGenerator::into(const Expression& item, const std::string& destin
             return item.type->kind == Kind::Set ? setChain(item, destination) : textChain(item, destination);
         case ExpressionKind::Set: return setLiteral(item, destination);
         case ExpressionKind::Index: {
+            if (!item.operands[0]->isWindow) break;
             const std::string index = scalar(*item.operands[1]);
             return line("tarn_control_element(" + address(*item.operands[0]) + ", " + index + ", " + destination + ");");
         }
@@ -126,7 +127,7 @@ std::string ExpressionGenerator::valueAddress(const Expression& item) {
 }
 
 void ExpressionGenerator::part(const Expression& value, const std::string& destination, const Type* type) {
-    const bool fresh = value.kind == ExpressionKind::Aggregate || value.kind == ExpressionKind::Set;
+    const bool fresh = value.kind == ExpressionKind::Aggregate;
     if (isScalar(type->kind)) {
         const std::string text = scalar(value);
         line(dereference(destination, type->kind) + " = " + text + ";");

@@ -78,6 +78,18 @@ protected:
         return IndexRecordsOf(static_cast<std::int64_t>(bytes().size()), block.recordSize);
     }
     [[nodiscard]] std::int32_t rootRecord() const { return word(1088); }
+    // The tree of an index of single integers, as index_cases.h pictures it.
+    [[nodiscard]] std::string form() const { return form(rootRecord()); }
+    [[nodiscard]] std::string form(std::int32_t record) const {
+        constexpr int balanceWord = 1, leftWord = 4, rightWord = 5, keyWord = 6;
+        if (record == 0) return ".";
+        const std::int32_t balance = word(at(record, balanceWord));
+        const std::string key = std::to_string(word(at(record, keyWord)));
+        const std::string node = (balance == 0 ? "" : balance < 0 ? "-" : "+") + key;
+        const std::string left = form(word(at(record, leftWord)));
+        const std::string right = form(word(at(record, rightWord)));
+        return left == "." && right == "." ? node : "(" + left + " " + node + " " + right + ")";
+    }
     [[nodiscard]] std::int32_t firstFree() const { return word(1092); }
 
     const std::string path = "/d/t.i1";

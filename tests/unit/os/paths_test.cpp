@@ -39,20 +39,27 @@ TEST(PathsTest, APathIsTakenApartAtItsLastSeparatorAndPoint) {
 
 TEST(PathsTest, NativeNamesHaveOneSeparator) {
     struct {
-        std::string path, folder, part, name;
+        std::string path, folder, part, name, bare;
     } const cases[] = {
-        {"", "", "", ""},
-        {"a", "", "", "a"},
-        {"/", "/", "/", ""},
-        {"/a", "/", "/", "a"},
-        {"/a/b", "/a", "/a/", "b"},
-        {"a\\b", "", "", "a\\b"},
-        {"/a/b/", "/a/b", "/a/b/", ""},
+        {"", "", "", "", ""},
+        {"a", "", "", "a", "a"},
+        {"/", "/", "/", "", "/"},
+        {"/a", "/", "/", "a", "/a"},
+        {"/a/b", "/a", "/a/", "b", "/a/b"},
+        {"a\\b", "", "", "a\\b", "a\\b"},
+        {"/a/b/", "/a/b", "/a/b/", "", "/a/b/"},
+        {"/a.d/b", "/a.d", "/a.d/", "b", "/a.d/b"},
+        {"/a/b.c.exe", "/a", "/a/", "b.c.exe", "/a/b.c"},
+        {"b.exe", "", "", "b.exe", "b"},
+        {"/a/.b", "/a", "/a/", ".b", "/a/.b"},
+        {".b", "", "", ".b", ".b"},
+        {"b.", "", "", "b.", "b"},
     };
     for (const auto& row : cases) {
         EXPECT_EQ(os::folderOf(row.path), row.folder) << row.path;
         EXPECT_EQ(os::folderPart(row.path), row.part) << row.path;
         EXPECT_EQ(os::nameOf(row.path), row.name) << row.path;
+        EXPECT_EQ(os::withoutExtension(row.path), row.bare) << row.path;
     }
 }
 

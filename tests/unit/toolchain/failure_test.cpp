@@ -122,7 +122,7 @@ TEST(LinkFailure, AFullDiskAtAnyCallIsToldOrLeavesAWholeProgram) {
         files.put("/home/user/there", "");
         files.failAt(call, os::FileError::DiskFull);
         const std::string failure =
-            linkProgram({{"/home/user/a.o", object.bytes, true}}, "/lib", "/home/user/a", "/home/user/a.new");
+            linkProgram({{object.bytes, true}}, "/lib", "/home/user/a", "/home/user/a.new");
         const bool reached = files.calls() >= call;
         files.stopFailing();
         if (failure.empty()) {

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The widgets of edits, of one line and of several, which keep texts as bytes; at the end that of the edit window, whose
+// component stands in a library of its own.
 #include "platform/qt/controls/textpeers.h"
 
+#include "os/paths.h"
 #include "os/process.h"
 #include "platform/qt/controls/editarea.h"
 #include "platform/qt/texts.h"
@@ -380,8 +384,7 @@ MakeEditArea loadEditLibrary() {
         Dl_info self{};
         std::string folder;
         if (dladdr(reinterpret_cast<void*>(&loadEditLibrary), &self) != 0 && self.dli_fname != nullptr)
-            folder = std::string(self.dli_fname);
-        folder.resize(folder.rfind('/') == std::string::npos ? 0 : folder.rfind('/') + 1);
+            folder = os::folderPart(self.dli_fname);
         void* library = dlopen((folder + "libtarnwick-edit.so").c_str(), RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr) {
             os::debugOutput(std::string("The edit window cannot be loaded: ") + dlerror() + "\n");

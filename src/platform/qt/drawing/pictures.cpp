@@ -2,6 +2,7 @@
 #include "platform/qt/drawing/pictures.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "platform/model/pictures.h"
 #include "platform/qt/drawing/faces.h"
 #include "platform/qt/texts.h"
@@ -40,10 +41,7 @@ QByteArray fileBytes(const std::string& file) {
 }
 
 std::string withSvg(const std::string& file) {
-    const auto dot = file.rfind('.');
-    const auto slash = file.rfind('/');
-    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return file + ".svg";
-    return file.substr(0, dot) + ".svg";
+    return std::string(paths::withoutExtension(file)) + ".svg";
 }
 
 // Bitmaps have no transparency of their own: pure magenta stands for it.

@@ -1,4 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+//
+//   making           fonts, and the settings of the component
+//   text             bytes in and out, line ends, selection, what the user types, the mark of a change
+//   look             flags, number bar, colours by the tokens, fonts, the caret's place
+//   the user         lines and blocks by keys, paste, context menu, drag and drop
 #include "platform/qt/edit/textarea.h"
 
 #include "platform/qt/edit/accessible.h"

@@ -1,4 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+//   the frame        which flags and margins a window has; making its edit window and controls, their names for screen
+//                    readers, the order of tabs and the colours
+//   properties       what the model has changed, brought to the frame or to the widget of a control
+//   position         limits, places in the units of the model, states, and telling the model where the frame is
+//   showing          modality, coming to the front, the first focus, and the toolkit's events
+//   keys             which control a widget is, and the end of a frame
 #include "platform/qt/windows/frame.h"
 
 #include "platform/qt/controls/textpeers.h"
@@ -220,6 +227,21 @@ void Frame::orderTabs() {
     }
 }
 
+// A text that cannot be edited is there to be read: desktops draw it so faint that it cannot be.
+QPalette desktopColours(Type type) {
+    QPalette colours;
+    if (type != Type::Edit) return colours;
+    const QPalette desktop = QApplication::palette();
+    const QColor paper = desktop.color(QPalette::Disabled, QPalette::Base);
+    const QColor ink = desktop.color(QPalette::Active, QPalette::Text);
+    constexpr int share = 60;  // of a hundred, the ink's
+    const auto mix = [](int a, int b) { return (a * (100 - share) + b * share) / 100; };
+    colours.setColor(
+        QPalette::Disabled, QPalette::Text,
+        QColor(mix(paper.red(), ink.red()), mix(paper.green(), ink.green()), mix(paper.blue(), ink.blue())));
+    return colours;
+}
+
 void Frame::applyColours(Control& control) {
     const bool own = &control == window_;
     QWidget& widget = own ? *client_ : *peerOf(control)->widget();
@@ -227,7 +249,7 @@ void Frame::applyColours(Control& control) {
     // it.
     const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
     if ((control.foreColour < 0 && control.backColour < 0) || plain) {
-        widget.setPalette(QPalette());
+        widget.setPalette(desktopColours(control.type));
         return;
     }
     QPalette palette = QApplication::palette(&widget);
@@ -555,6 +577,10 @@ void Frame::resizeEvent(QResizeEvent* event) {
 
 void Frame::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
+    if (window_ != nullptr && event->type() == QEvent::PaletteChange) {
+        for (const auto& control : window_->controls)
+            if (control->type == Type::Edit && peerOf(*control) != nullptr) applyColours(*control);
+    }
     if (window_ == nullptr || event->type() != QEvent::WindowStateChange || applying_) return;
     if (!isMaximized() || !capped()) return report();
     // The window system has taken the whole screen: shrink to the largest position, or go back from it.

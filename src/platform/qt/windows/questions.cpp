@@ -80,12 +80,17 @@ QWidget* makeWrappedText(const QString& text, QWidget* parent, int width, int he
     return view;
 }
 
+// A label whose text can be selected measures tabs as something else than it draws, and would cut the line.
+QString withoutTabs(QString text) {
+    return text.replace(QLatin1Char('\t'), QStringLiteral("        "));
+}
+
 // A text that can be selected. It takes no more than six tenths of the screen, so that the buttons stay there.
 QWidget* makeText(const QString& text, QWidget* parent) {
     const QSize room = parent->screen()->availableSize() * 6 / 10;
     auto* label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
-    label->setText(text);
+    label->setText(withoutTabs(text));
     const QSize size = label->sizeHint();
     QWidget* made = label;
     if (size.width() > room.width() || size.height() > room.height()) {

@@ -5,19 +5,16 @@
 #include "kernel/index/index_filedisk.h"
 #include "kernel/index/index_filetree.h"
 #include "support/tempfolder.h"
+#include "unit/kernel/index_cases.h"
 #include "unit/kernel/index_file_fixture.h"
 
-#include <limits>
-
 using namespace tarn;
+using namespace tarn::indexcases;
 
 namespace {
 
 using os::FileCall;
 using os::FileError;
-
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Infinity = std::numeric_limits<double>::infinity();
 
 // Bytes written as hexadecimal digits, with blanks anywhere.
 std::string hex(std::string_view digits) {
@@ -209,62 +206,23 @@ TEST_F(IndexFiles, AHeaderAloneIsAnEmptyTree) {
     EXPECT_EQ(check(0), "");
 }
 
-TEST_F(IndexFiles, AscendingKeysTurnLeft) {
-    makeIntegers({1, 2, 3});
-    EXPECT_EQ(rootRecord(), 2);
-    EXPECT_EQ(word(at(2, 1)), 0);
-    EXPECT_EQ(word(at(2, 4)), 1);
-    EXPECT_EQ(word(at(2, 5)), 3);
-}
-
 TEST_F(IndexFiles, InsertingTurnsAsTheBalancesSay) {
-    struct Case {
-        std::initializer_list<int> keys;
-        const char* picture;
-    };
-    const Case cases[] = {
-        {{1, 2}, "[1 1]\n|-[2 0]"},
-        {{2, 1}, "|-[1 0]\n[2 -1]"},
-        {{3, 2, 1}, "|-[1 0]\n[2 0]\n|-[3 0]"},
-        {{3, 1, 2}, "|-[1 0]\n[2 0]\n|-[3 0]"},
-        {{1, 3, 2}, "|-[1 0]\n[2 0]\n|-[3 0]"},
-        {{5, 2, 6, 1, 4, 3}, "  |-[1 0]\n|-[2 0]\n| |-[3 0]\n[4 0]\n|-[5 1]\n  |-[6 0]"},
-        {{6, 2, 7, 1, 4, 5}, "  |-[1 0]\n|-[2 -1]\n[4 0]\n| |-[5 0]\n|-[6 0]\n  |-[7 0]"},
-    };
-    for (const Case& c : cases) {
+    for (const Insertion& c : insertions) {
         makeIntegers(c.keys);
-        EXPECT_EQ(picture(), c.picture);
+        EXPECT_EQ(form(), c.form);
         EXPECT_EQ(check(), "");
         EXPECT_EQ(IndexHeight(&root, block).bad, 0U);
     }
 }
 
 TEST_F(IndexFiles, DeletingTurnsAsTheBalancesSay) {
-    struct Case {
-        const char* what;
-        std::initializer_list<int> keys;
-        int gone;
-        const char* picture;
-    };
-    const Case cases[] = {
-        {"no child", {2, 1, 3}, 1, "[2 1]\n|-[3 0]"},
-        {"a right child only", {2, 1, 3, 4}, 3, "|-[1 0]\n[2 0]\n|-[4 0]"},
-        {"the left child takes the place", {2, 1, 3}, 2, "[1 1]\n|-[3 0]"},
-        {"the highest of the left side",
-         {5, 2, 7, 1, 3, 6, 8, 4},
-         5,
-         "  |-[1 0]\n|-[2 0]\n| |-[3 0]\n[4 0]\n| |-[6 0]\n|-[7 0]\n  |-[8 0]"},
-        {"single, height stays", {2, 1, 4, 3, 5}, 1, "|-[2 1]\n| |-[3 0]\n[4 -1]\n|-[5 0]"},
-        {"single", {2, 1, 3, 4}, 1, "|-[2 0]\n[3 0]\n|-[4 0]"},
-        {"double", {2, 1, 4, 3}, 1, "|-[2 0]\n[3 0]\n|-[4 0]"},
-        {"mirrored double", {3, 1, 4, 2}, 4, "|-[1 0]\n[2 0]\n|-[3 0]"},
-    };
-    for (const Case& c : cases) {
+    for (const Deletion& c : deletions) {
         SCOPED_TRACE(c.what);
         makeIntegers(c.keys);
         remove({integer(c.gone)});
-        EXPECT_EQ(picture(), c.picture);
+        EXPECT_EQ(form(), c.form);
         EXPECT_EQ(check(), "");
+        EXPECT_EQ(IndexCount(&root, block), static_cast<std::int32_t>(c.keys.size()) - 1);
     }
 }
 
@@ -322,27 +280,7 @@ TEST_F(IndexFiles, ARecordInTheMiddleOfTheFreeListCanBeCutOff) {
 // ---- keys ----
 
 TEST_F(IndexFiles, KeysOfEveryKindHaveTheirOrder) {
-    const std::vector<std::vector<Cells>> ascending = {
-        {{flag(false)}, {flag(true)}},
-        {{ordinal(0)}, {ordinal(1)}, {ordinal(127)}, {ordinal(128)}, {ordinal(255)}},
-        {{integer(INT32_MIN)}, {integer(-1)}, {integer(0)}, {integer(1)}, {integer(INT32_MAX)}},
-        {{fixedNumber(INT64_MIN)}, {fixedNumber(-1)}, {fixedNumber(0)}, {fixedNumber(INT64_MAX)}},
-        {{real(-Infinity)}, {real(-1.5)}, {real(0)}, {real(5e-324)}, {real(Infinity)}, {real(NaN)}},
-        {{text("", 4)},
-         {text(std::string(1, '\0'), 4)},
-         {text("A", 4)},
-         {text("AAAA", 4)},
-         {text("AB", 4)},
-         {text("a", 4)},
-         {text("\x80", 4)},
-         {text("\xff", 4)}},
-        {{characters("", 3)}, {characters("AB", 3)}, {characters("ABC", 3)}, {characters("\xff", 3)}},
-        {{integer(1), integer(9)}, {integer(2), integer(-9)}, {integer(2), integer(0)}},
-        {{text("a", 3), flag(true), characters("z", 2), real(1)},
-         {text("a", 3), flag(true), characters("z", 2), real(NaN)},
-         {text("aa", 3), flag(false), characters("a", 2), real(0)}},
-    };
-    for (const std::vector<Cells>& keys : ascending) {
+    for (const std::vector<Cells>& keys : ascendingKeys()) {
         make(keys[0]);
         for (std::size_t i = keys.size(); i-- > 0;)
             EXPECT_EQ(insert(keys[i], static_cast<std::int32_t>(i)), 0);
@@ -424,20 +362,7 @@ TEST_F(IndexFiles, KeysMayBeLargerThanWhatIsReadAtOnce) {
 
 TEST_F(IndexFiles, OperatorsFindNeighbours) {
     makeIntegers({10, 20, 30, 40, 50});
-    struct Case {
-        const char* op;
-        int key, row;
-    };
-    constexpr Case cases[] = {
-        {"EQ", 30, 300},       {"EQ", 31, -1},        {"EQUALS", 10, 100}, {"equals", 11, -1},
-        {"FIRST", 99, 100},    {"LAST", -1, 500},     {"GE", 30, 300},     {"GE", 31, 400},
-        {"GE", 5, 100},        {"GE", 51, -1},        {"LE", 30, 300},     {"LE", 29, 200},
-        {"LE", 99, 500},       {"LE", 9, -1},         {"GT", 30, 400},     {"GT", 9, 100},
-        {"GT", 50, -1},        {"NEXT", 50, -1},      {"NEXT", 10, 200},   {"nExT", 40, 500},
-        {"LT", 30, 200},       {"LT", 10, -1},        {"LT", 99, 500},     {"PREVIOUS", 10, -1},
-        {"PREVIOUS", 50, 400}, {"previous", 11, 100},
-    };
-    for (const Case& c : cases) EXPECT_EQ(find(c.op, {integer(c.key)}), c.row) << c.op << " " << c.key;
+    for (const Search& c : searches) EXPECT_EQ(find(c.op, {integer(c.key)}), c.row) << c.op << " " << c.key;
 }
 
 TEST_F(IndexFiles, FirstAndLastTakeNoKey) {

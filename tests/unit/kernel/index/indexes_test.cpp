@@ -4,19 +4,18 @@
 #include "kernel/index/index_nodes.h"
 #include "kernel/run/errors.h"
 #include "support/errorcell.h"
+#include "unit/kernel/index_cases.h"
 #include "unit/kernel/index_model.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"
 
 #include <functional>
-#include <limits>
 
 using namespace tarn;
+using namespace tarn::indexcases;
 
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Infinity = std::numeric_limits<double>::infinity();
 const IndexBlock memory;
 
 class Indexes : public Runtime {
@@ -114,27 +113,7 @@ TEST_F(Indexes, AscendingKeysTurnLeft) {
 }
 
 TEST_F(Indexes, InsertingTurnsAsTheBalancesSay) {
-    struct Case {
-        std::initializer_list<int> keys;
-        const char* form;
-    };
-    const Case cases[] = {
-        {{1}, "1"},
-        {{1, 2}, "(. +1 2)"},
-        {{2, 1}, "(1 -2 .)"},
-        {{3, 2, 1}, "(1 2 3)"},
-        {{3, 1, 2}, "(1 2 3)"},
-        {{1, 3, 2}, "(1 2 3)"},
-        {{1, 2, 3, 4, 5, 6, 7}, "((1 2 3) 4 (5 6 7))"},
-        {{7, 6, 5, 4, 3, 2, 1}, "((1 2 3) 4 (5 6 7))"},
-        // double turns with a grandchild that leans left, right and not at all
-        {{5, 2, 6, 1, 4, 3}, "((1 2 3) 4 (. +5 6))"},
-        {{6, 2, 7, 1, 4, 5}, "((1 -2 .) 4 (5 6 7))"},
-        {{3, 1, 2}, "(1 2 3)"},
-        {{2, 1, 5, 4, 6, 3}, "((1 2 3) 4 (. +5 6))"},
-        {{2, 1, 6, 4, 7, 5}, "((1 -2 .) 4 (5 6 7))"},
-    };
-    for (const Case& c : cases) {
+    for (const Insertion& c : insertions) {
         IndexClear(&root, memory);
         insertIntegers(c.keys);
         EXPECT_EQ(form(), c.form);
@@ -162,32 +141,7 @@ TEST_F(Indexes, DeletingTheOnlyKeyLeavesAnEmptyRoot) {
 }
 
 TEST_F(Indexes, DeletingTurnsAsTheBalancesSay) {
-    struct Case {
-        const char* what;
-        std::initializer_list<int> keys;
-        int gone;
-        const char* form;
-    };
-    const Case cases[] = {
-        {"no child", {2, 1, 3}, 1, "(. +2 3)"},
-        {"a right child only", {2, 1, 3, 4}, 3, "(1 2 4)"},
-        {"a left child only", {3, 2, 4, 1}, 2, "(1 3 4)"},
-        {"two children: the left child takes the place", {2, 1, 3}, 2, "(. +1 3)"},
-        {"two children: the highest of the left side", {5, 2, 7, 1, 3, 6, 8, 4}, 5, "((1 2 3) 4 (6 7 8))"},
-        {"its left child takes the highest one's place", {6, 2, 8, 1, 5, 7, 9, 4}, 6, "((1 2 4) 5 (7 8 9))"},
-        {"left shrinks, right level: single, height stays", {2, 1, 4, 3, 5}, 1, "((. +2 3) -4 5)"},
-        {"left shrinks, right leans right: single", {2, 1, 3, 4}, 1, "(2 3 4)"},
-        {"left shrinks, right leans left: double", {2, 1, 4, 3}, 1, "(2 3 4)"},
-        {"right shrinks, left level: single, height stays", {4, 2, 5, 1, 3}, 5, "(1 +2 (3 -4 .))"},
-        {"right shrinks, left leans left: single", {3, 2, 4, 1}, 4, "(1 2 3)"},
-        {"right shrinks, left leans right: double", {3, 1, 4, 2}, 4, "(1 2 3)"},
-        {"double, the grandchild leaning right", {3, 2, 7, 1, 5, 8, 4, 6}, 1, "((2 3 4) 5 (6 7 8))"},
-        {"shrinks on both levels",
-         {5, 2, 8, 1, 3, 7, 10, 4, 6, 9, 11, 12},
-         1,
-         "(((2 3 4) 5 (6 -7 .)) 8 (9 +10 (. +11 12)))"},
-    };
-    for (const Case& c : cases) {
+    for (const Deletion& c : deletions) {
         SCOPED_TRACE(c.what);
         IndexClear(&root, memory);
         insertIntegers(c.keys);
@@ -218,20 +172,7 @@ TEST_F(Indexes, TheRowOfAKeyCanBeChanged) {
 
 TEST_F(Indexes, OperatorsFindNeighbours) {
     insertIntegers({10, 20, 30, 40, 50});
-    struct Case {
-        const char* op;
-        int key, row;
-    };
-    constexpr Case cases[] = {
-        {"EQ", 30, 300},       {"EQ", 31, -1},        {"EQUALS", 10, 100}, {"equals", 11, -1},
-        {"FIRST", 99, 100},    {"LAST", -1, 500},     {"GE", 30, 300},     {"GE", 31, 400},
-        {"GE", 5, 100},        {"GE", 51, -1},        {"LE", 30, 300},     {"LE", 29, 200},
-        {"LE", 99, 500},       {"LE", 9, -1},         {"GT", 30, 400},     {"GT", 9, 100},
-        {"GT", 50, -1},        {"NEXT", 50, -1},      {"NEXT", 10, 200},   {"nExT", 40, 500},
-        {"LT", 30, 200},       {"LT", 10, -1},        {"LT", 99, 500},     {"PREVIOUS", 10, -1},
-        {"PREVIOUS", 50, 400}, {"previous", 11, 100},
-    };
-    for (const Case& c : cases) EXPECT_EQ(find(c.op, {integer(c.key)}), c.row) << c.op << " " << c.key;
+    for (const Search& c : searches) EXPECT_EQ(find(c.op, {integer(c.key)}), c.row) << c.op << " " << c.key;
 }
 
 TEST_F(Indexes, AnUnknownOperatorIsAnError) {
@@ -266,27 +207,18 @@ TEST_F(Indexes, TheKeyThatWasFoundIsGiven) {
 // ---- order of keys ----
 
 TEST_F(Indexes, KeysOfEveryKindHaveTheirOrder) {
-    const std::vector<std::vector<Cells>> ascending = {
-        {{flag(false)}, {flag(true)}},
-        {{ordinal(0)}, {ordinal(1)}, {ordinal(127)}, {ordinal(128)}, {ordinal(255)}},
-        {{integer(INT32_MIN)}, {integer(-1)}, {integer(0)}, {integer(1)}, {integer(INT32_MAX)}},
-        {{fixedNumber(INT64_MIN)}, {fixedNumber(-1)}, {fixedNumber(0)}, {fixedNumber(INT64_MAX)}},
-        {{real(-Infinity)}, {real(-1.5)}, {real(0)}, {real(5e-324)}, {real(Infinity)}, {real(NaN)}},
-        {{text("")},
-         {text(std::string(1, '\0'))},
-         {text("A")},
-         {text("AB")},
-         {text("B")},
-         {text("a")},
-         {text("\x80")},
-         {text("\xff")}},
-        {{text("", 4)}, {text("A", 4)}, {text("AAAA", 4)}, {text("B", 4)}},
-        {{characters("", 3)}, {characters("AB", 3)}, {characters("ABC", 3)}, {characters("\xff", 3)}},
-        {{integer(1), integer(9)}, {integer(2), integer(-9)}, {integer(2), integer(0)}},
-        {{text("a"), flag(true), characters("z", 2), real(1)},
-         {text("a"), flag(true), characters("z", 2), real(NaN)},
-         {text("aa"), flag(false), characters("a", 2), real(0)}},
-    };
+    std::vector<std::vector<Cells>> ascending = ascendingKeys();
+    ascending.push_back({{text("")},
+                         {text(std::string(1, '\0'))},
+                         {text("A")},
+                         {text("AB")},
+                         {text("B")},
+                         {text("a")},
+                         {text("\x80")},
+                         {text("\xff")}});
+    ascending.push_back({{text("a"), flag(true), characters("z", 2), real(1)},
+                         {text("a"), flag(true), characters("z", 2), real(NaN)},
+                         {text("aa"), flag(false), characters("a", 2), real(0)}});
     for (const std::vector<Cells>& keys : ascending) {
         IndexClear(&root, memory);
         for (std::size_t i = keys.size(); i-- > 0;)

@@ -6,6 +6,9 @@
 #include "os/files.h"
 #include "support/tempfolder.h"
 
+#include <exception>
+#include <thread>
+
 using namespace tarn;
 
 namespace {
@@ -50,7 +53,7 @@ TEST_F(Frames, EnterAndLeaveKeepTheLines) {
     EXPECT_EQ(CurrentFunctionName(), "do_load");
     EXPECT_EQ(frameStack->frames[0].savedLine, 0);
     EXPECT_EQ(frameStack->frames[1].firstLine, 0);
-    EXPECT_STREQ(frameStack->frames[1].className, "");
+    EXPECT_STREQ(frameStack->frames[1].className(), "");
     FunctionLeave();
     EXPECT_EQ(tarn_current_line, 0);
     EXPECT_EQ(FrameCount(), 0);
@@ -221,6 +224,54 @@ TEST_F(Frames, RegisteringWithoutTablesDoesNothing) {
     RegisterClass("p", "c");
     RegisterVariable("v", 'V', 3, &value);
     EXPECT_EQ(ErrorCell(), 0);
+}
+
+// Looks, while exceptions travel, at the number by which frames know of them.
+class LooksAtItsEnd {
+public:
+    static void look() { EXPECT_EQ(*exceptionsUnderWay, static_cast<unsigned>(std::uncaught_exceptions())); }
+    explicit LooksAtItsEnd(int deeper) : deeper_(deeper) {}
+    LooksAtItsEnd(const LooksAtItsEnd&) = delete;
+    LooksAtItsEnd& operator=(const LooksAtItsEnd&) = delete;
+    ~LooksAtItsEnd() {
+        look();
+        if (deeper_ == 0) return;
+        try {
+            const LooksAtItsEnd next(deeper_ - 1);
+            throw deeper_;
+        } catch (int) {
+            look();
+        }
+        look();
+    }
+
+private:
+    int deeper_;  // how many exceptions are thrown and caught on the way
+};
+
+void throwWithALook() {
+    try {
+        const LooksAtItsEnd outer(3);
+        throw 0;
+    } catch (int) {
+        LooksAtItsEnd::look();
+        EXPECT_EQ(*exceptionsUnderWay, 0U) << "one that is caught is not under way";
+    }
+}
+
+TEST_F(Frames, ExceptionsUnderWayAreCountedAsTheLanguageCountsThem) {
+    LooksAtItsEnd::look();
+    throwWithALook();
+    LooksAtItsEnd::look();
+}
+
+TEST_F(Frames, TheExceptionsAreThoseOfTheThreadThatStartsTheFrames) {
+    std::thread([] {
+        start(1);
+        throwWithALook();
+    }).join();
+    start(1);
+    throwWithALook();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/tinylimits.h"
 #include "support/places.h"
 #include "support/steerable.h"
 
@@ -160,11 +161,7 @@ TEST_F(Symbols, TheUsesLineIsReplacedAddedAndRemoved) {
 }
 
 TEST_F(Symbols, MoreThan8000LinesAreRefusedUntouched) {
-#ifdef TARNWICK_TINY
-    const int lines = 80;
-#else
-    const int lines = 8000;
-#endif
+    const int lines = limits::Tiny ? 80 : 8000;
     std::string text = "Class A\n";
     for (int i = 2; i <= lines; ++i) text += "\n";
     std::string most = text, more = text + "x";

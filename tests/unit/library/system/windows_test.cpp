@@ -219,6 +219,15 @@ TEST_F(WindowFamily, AWindowThatHasGoneGetsNoEventNorDoesItsSuccessor) {
     EXPECT_EQ(events[0].parameter, 2);
 }
 
+TEST_F(WindowFamily, EventsThatWaitWhenTheViewChangesComeWithTheNext) {
+    load();
+    POSTMESSAGE(dialog, INFO_EVENT, 1);
+    const std::unique_ptr<platform::View> former = platform::useView(platform::makeHeadlessView());
+    POSTMESSAGE(dialog, INFO_EVENT, 2);
+    for (int i = 0; i < 3; ++i) DoEvents();
+    EXPECT_EQ(events.size(), 2U);
+}
+
 TEST_F(WindowFamily, PlacesAreSetInPixels) {
     SETWINDOWPOS(dialog, 1, 2, 300, 200);
     EXPECT_EQ(takeError(), 702);
