@@ -428,7 +428,7 @@ void tarn_sys_close_table(tarn_table* t);
 
 /* The window, or with a control's name the control, of the program's resources; unknown ones name nothing. */
 void tarn_object_bind(tarn_record* object, const char* window, const char* control);
-void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element); /* 602 outside */
+void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element); /* 602 outside, 702 */
 /* The function that gets the window's events. It tells by 1 that it has handled one, or vetoes the close. */
 void tarn_window_register(const char* window, int32_t (*function)(const tarn_record* me, int32_t event,
                                                                   const tarn_record* control, int32_t parameter));

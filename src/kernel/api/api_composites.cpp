@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The kernel's arrays, sets, records, lists and tables under the names and types that compiled programs use.
-#include "kernel/api/api_access_internal.h"
+#include "kernel/api/api_access.h"
 #include "kernel/lists/lists.h"
 #include "kernel/tables/tables.h"
 #include "kernel/values/arrays.h"

@@ -2,7 +2,7 @@
 //
 // What the text of the language becomes beside the operations of the kernel: elements that are not there, texts
 // that grow in place, and the operations with their arguments in the order of the language.
-#include "kernel/api/api_access_internal.h"
+#include "kernel/api/api_access.h"
 #include "kernel/lists/lists.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables.h"

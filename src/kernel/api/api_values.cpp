@@ -2,7 +2,7 @@
 //
 // The kernel's numbers, dates, strings and values of any kind under the names and types that compiled
 // programs use. Each function passes its arguments on; the layouts of all values are checked here, once.
-#include "kernel/api/api_access_internal.h"
+#include "kernel/api/api_access.h"
 #include "kernel/text/dates.h"
 #include "kernel/text/fixed.h"
 #include "kernel/text/numbers.h"

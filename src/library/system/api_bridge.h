@@ -8,7 +8,7 @@
 // Only the lists of functions for programs use this.
 #pragma once
 
-#include "kernel/api/api_access_internal.h"
+#include "kernel/api/api_access.h"
 #include "kernel/lists/lists.h"
 #include "kernel/values/records.h"
 #include "kernel/values/strings.h"

@@ -3,7 +3,7 @@
 // Windows, controls and window functions of compiled programs.
 #include "library/system/api_objects.h"
 
-#include "kernel/api/api_access_internal.h"
+#include "kernel/api/api_access.h"
 #include "kernel/values/records.h"
 #include "kernel/windows/resources.h"
 #include "kernel/windows/windowing.h"
@@ -131,8 +131,8 @@ void tarn_object_bind(tarn_record* object, const char* window, const char* contr
 }
 
 void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element) {
-    const tarn::platform::Object found = tarn::ControlElement(objectOf(array), index);
-    if (found.empty()) tarn::SetError(tarn::ERR_ARRAY_BOUNDS);
+    const tarn::platform::Object first = objectOf(array), found = tarn::ControlElement(first, index);
+    if (found.empty()) tarn::SetError(tarn::IsLoaded(first.owner()) ? tarn::ERR_ARRAY_BOUNDS : tarn::ERR_WINDOW_NOT_LOADED);
     putObject(found, element);
 }
 

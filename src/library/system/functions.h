@@ -84,6 +84,8 @@
     X(Object, FINDWINDOW, findwindow, (std::string_view name), (name))                                               \
     X(Object, FINDWINDOW, findwindow_handle, (std::int32_t handle), (handle))                                        \
     X(std::int32_t, FINDWINDOWHANDLE, findwindowhandle, (const std::string& caption), (caption))                     \
+    X(void, AddItem, additem_text, (const Object& list, std::string_view text), (list, text))                        \
+    X(void, AddItem, additem_text_at, (const Object& list, std::int32_t row, std::string_view text), (list, row, text)) \
     X(Object, IIF, iif_object, (bool condition, const Object& yes, const Object& no), (condition, yes, no))          \
     X(void, MSGBOX, msgbox_text, (const std::string& text), (text))                                                  \
     X(std::string, MSGBOX, msgbox_buttons, (const std::string& title, const std::string& text, const std::string& buttons), (title, text, buttons))\

@@ -99,7 +99,10 @@ CompilerLine findCompilerLine() {
         line.words.erase(line.words.begin());
     }
     if (!isHere && !beside.empty()) line.program = beside;
-    if (const std::string found = FINDTOOL(line.program); !found.empty()) line.program = found;
+    // A name without a folder is that of a tool beside this one, whatever folder the build is called from.
+    const bool bare = paths::folder(line.program).empty();
+    const std::string found = FINDTOOL((bare ? toolFolder() : std::string()) + line.program);
+    if (!found.empty()) line.program = found;
     line.isOwn = isOwnCompiler(line.program);
     line.resourceFolders = resourceFolders(settings, std::string(paths::folder(line.program)));
     return line;

@@ -243,10 +243,20 @@ void Checker::index(Expression& item) {
     case Kind::List: item.type = base->element; break;
     default: return add(item.line, Problem::NoElements, {typePhrase(base)});
     }
-    if (item.operands.size() - 1 == count) return;
+    if (item.operands.size() - 1 == count) return foldCharacter(item);
     add(item.line, Problem::IndexCount,
         {typePhrase(base), std::to_string(count), std::to_string(item.operands.size() - 1)});
     item.type = plainType(Kind::Unknown);
+}
+
+// A character of a constant text is a constant.
+void Checker::foldCharacter(Expression& item) {
+    const auto& text = item.operands[0]->constant;
+    const auto& place = item.operands[1]->constant;
+    if (!text || !place || text->kind != Kind::String) return;
+    const auto size = static_cast<std::int64_t>(text->text.size());
+    const bool inside = place->number >= 1 && place->number <= size;
+    item.constant = integerValue(inside ? static_cast<unsigned char>(text->text[static_cast<std::size_t>(place->number) - 1]) : 0);
 }
 
 // `array[i]`: one control of several that share a name.

@@ -110,6 +110,7 @@ private:
     void control(Expression& item);
     void index(Expression& item);
     void element(Expression& item);
+    static void foldCharacter(Expression& item);
     void unary(Expression& item);
     void chain(Expression& item);
     bool stepFits(Expression& item, std::size_t step);

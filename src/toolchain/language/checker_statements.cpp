@@ -162,9 +162,11 @@ void Checker::caseLabel(CaseLabel& label, const Type* type, SeenCases& seen) {
     seen.emplace(std::pair(from.number, from.text), SeenCase{last, label.line});
 }
 
-// In a select over controls: the name of one.
+// In a select over controls: the name of one, or an element of a control array.
 void Checker::windowLabel(const CaseLabel& label) {
-    if (!label.from->isWindow || label.to) add(label.line, Problem::ConstantNeeded, {});
+    const Expression& from = *label.from;
+    const bool isElement = from.kind == ExpressionKind::Index && from.operands[0]->isWindow && from.operands[1]->constant;
+    if ((!from.isWindow && !isElement) || label.to) add(label.line, Problem::ConstantNeeded, {});
 }
 
 void Checker::returned(Statement& item) {

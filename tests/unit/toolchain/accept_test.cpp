@@ -116,6 +116,10 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
         {"a variable in a constant", "Tarnwick Class a\nprivate var v : integer\nconst c = v\nEnd class",
          "3 1308"},
         {"constants in any order", "Tarnwick Class a\nconst a = b + 1\nconst b = 2\nEnd class", ""},
+        {"what is known of constants",
+         "Tarnwick Class a\nconst A = Ord(\"0\")\nconst B = LENGTH(\"abc\")\nconst C = \"xyz\"\nconst D = C[2] + C[9]\n"
+         "type t : string[A + B + D]\nEnd class",
+         ""},
         {"constants in a circle", "Tarnwick Class a\nconst a = b\nconst b = a\nEnd class", "2 1313"},
         {"division by zero", "Tarnwick Class a\nconst a = 1 div 0\nEnd class", "2 1318"},
         {"string of no length", "Tarnwick Class a\ntype t : string[0]\nEnd class", "2 1309"},

@@ -134,7 +134,7 @@ TEST_F(Quarn, TheSymbolFileNamesItemsOptionsAndLinesOfCode) {
               "string[9]\",\"variable\",3,3,9,\"A\",9,0,0,0,0,0,\"\",\"string\",0,0,\"\"\n"
               "\"f\",2,\"function f(x : integer, out y : string) return "
               "boolean\",\"function\",4,4,0,\"A\",0,0,0,0,0,0,"
-              "\"\",\"boolean\",0,0,\"\"\n"
+              "\"integer,string\",\"boolean\",0,0,\"\"\n"
               "\"x\",3,\"x : integer\",\"variable\",4,4,5,\"A\",0,0,0,0,0,0,\"\",\"integer\",0,0,\"f\"\n"
               "\"y\",3,\"y : string\",\"variable\",4,4,0,\"A\",0,0,0,0,0,0,\"\",\"string\",0,0,\"f\"\n"
               "\"program\",2,\"\",\"program\",0,0,0,\"A\",0,0,0,0,0,0,\"\",\"\",0,0,\"-d2 -p1\"\n"

@@ -63,6 +63,13 @@ TEST_F(Command, ACopiedToolFolderWorksWithItsOwnCompiler) {
     EXPECT_NE(read("main.sym").find("-d2 -p2 -q"), std::string::npos) << "the options of the settings count";
 }
 
+TEST_F(Command, ABareNameIsThatOfAToolBesideThisOne) {
+    write("tools/ide.ini", "[ordo]\r\nCLS=quarn.exe /p2 /d1 /q ^.cls\r\n");
+    EXPECT_EQ(ordo({"-fm", dir + "main.cls", "-o" + dir + "o"}), 0) << errors();
+    EXPECT_EQ(run(dir + "main.exe", {}), 0);
+    EXPECT_EQ(output, "b\n");
+}
+
 TEST_F(Command, TheSettingsBesideTheToolComeFirst) {
     installed("\"" + dir + "tools/quarn.exe\" /p2 /d2 /q ^.cls");
     write("tools/ide.ini", "[ordo]\nCLS=\"" + dir + "tools/quarn.exe\" /p0 /d0 /q ^.cls\n");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How arguments of the C interface become those of the kernel. Only the modules of that interface include
-// this.
+// How arguments of the C interface become those of the kernel. Only the modules of that interface, here
+// and in the library, include this.
 #pragma once
 
 #include "kernel/api/api.h"
