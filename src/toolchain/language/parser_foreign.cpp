@@ -23,12 +23,13 @@ struct Instead {
     std::string_view expected, foreign;
 };
 constexpr auto Insteads = std::to_array<Instead>({
-    {"then", ":"},    {"then", "do"},   {"then", "loop"},  {"loop", ":"},     {"loop", "do"},   {"loop", "then"},
-    {"from", ":="},   {"from", "="},    {"to", ".."},      {"to", ":"},       {"by", "step"},   {"when", "if"},
-    {"=", ":="},      {":=", "="},      {":", "as"},       {":", "is"},       {":", "="},       {":", ".."},
-    {"=>", ":"},      {"=>", "then"},   {"=>", "->"},      {"=>", "do"},      {"", ":"},        {"", "then"},
-    {".", "->"},      {",", ";"},       {"(", "{"},        {"inout", "var"}, {"in", "const"},
-    {"return", ":"},  {"return", "->"}, {"return", "as"},  {"return", "=>"},  {"return", "is"}, {"case", "of"},
+    {"then", ":"},    {"then", "do"},   {"then", "loop"},   {"loop", ":"},    {"loop", "do"},
+    {"loop", "then"}, {"from", ":="},   {"from", "="},      {"to", ".."},     {"to", ":"},
+    {"by", "step"},   {"when", "if"},   {"=", ":="},        {":=", "="},      {":", "as"},
+    {":", "is"},      {":", "="},       {":", ".."},        {"=>", ":"},      {"=>", "then"},
+    {"=>", "->"},     {"=>", "do"},     {"", ":"},          {"", "then"},     {".", "->"},
+    {",", ";"},       {"(", "{"},       {"inout", "var"},   {"in", "const"},  {"return", ":"},
+    {"return", "->"}, {"return", "as"}, {"return", "=>"},   {"return", "is"}, {"case", "of"},
     {"case", ":"},    {"case", "do"},   {TheValue, "case"}, {"else", "case"},
 });
 
@@ -82,8 +83,9 @@ constexpr auto ForeignWords = std::to_array<ForeignWord>({
 });
 
 // Words in the place of `function`.
-constexpr auto FunctionWords = std::to_array<std::string_view>(
-    {"def", "func", "fn", "fun", "sub", "proc", "procedure", "method", "void", "int", "bool", "float", "double"});
+constexpr auto FunctionWords =
+    std::to_array<std::string_view>({"def", "func", "fn", "fun", "sub", "proc", "procedure", "method", "void",
+                                     "int", "bool", "float", "double"});
 
 constexpr auto ForeignDeclarations = std::to_array<ForeignWord>({
     {"import", "'Uses' and names of classes behind the name of the class"},
@@ -159,7 +161,8 @@ bool isTypeWord(Word word) {
 }
 
 bool isNumber(const Token& token) {
-    return token.kind == TokenKind::Integer || token.kind == TokenKind::Fixed || token.kind == TokenKind::Real;
+    return token.kind == TokenKind::Integer || token.kind == TokenKind::Fixed ||
+           token.kind == TokenKind::Real;
 }
 
 // Begins a value and no statement, whatever stands behind it.
@@ -180,14 +183,17 @@ struct ForeignEnd {
 namespace {
 
 constexpr auto ForeignEnds = std::to_array<ForeignEnd>({
-    {"endif", Word::If},         {"fi", Word::If},            {"endwhile", Word::Loop},
-    {"endfor", Word::Loop},      {"endloop", Word::Loop},     {"enddo", Word::Loop},
-    {"wend", Word::Loop},        {"next", Word::Loop},        {"until", Word::Loop},
-    {"done", Word::Loop},        {"od", Word::Loop},          {"endselect", Word::Select},
-    {"endswitch", Word::Select}, {"endcase", Word::Select},   {"esac", Word::Select},
-    {"endfunction", Word::Function}, {"endfunc", Word::Function}, {"endsub", Word::Function},
-    {"elif", Word::Elseif},      {"elsif", Word::Elseif},     {"default", Word::Else},
-    {"otherwise", Word::Else},
+    {"endif", Word::If},         {"fi", Word::If},
+    {"endwhile", Word::Loop},    {"endfor", Word::Loop},
+    {"endloop", Word::Loop},     {"enddo", Word::Loop},
+    {"wend", Word::Loop},        {"next", Word::Loop},
+    {"until", Word::Loop},       {"done", Word::Loop},
+    {"od", Word::Loop},          {"endselect", Word::Select},
+    {"endswitch", Word::Select}, {"endcase", Word::Select},
+    {"esac", Word::Select},      {"endfunction", Word::Function},
+    {"endfunc", Word::Function}, {"endsub", Word::Function},
+    {"elif", Word::Elseif},      {"elsif", Word::Elseif},
+    {"default", Word::Else},     {"otherwise", Word::Else},
 });
 
 }  // namespace
@@ -201,7 +207,8 @@ bool Parser::takeInstead(std::string_view expected) {
         if (expected.empty())
             tell(Problem::StatementExpected, {found()});
         else
-            tell(Problem::Expected, {expected == TheValue ? std::string(expected) : "'" + std::string(expected) + "'", found()});
+            tell(Problem::Expected,
+                 {expected == TheValue ? std::string(expected) : "'" + std::string(expected) + "'", found()});
         advance();
         return true;
     }
@@ -210,7 +217,8 @@ bool Parser::takeInstead(std::string_view expected) {
 
 // Whether `word` stands behind on this line.
 bool Parser::isOnLine(Word word) const {
-    for (std::size_t ahead = 1; ahead < Reach && peek(ahead).kind != TokenKind::End && !peek(ahead).firstOnLine; ++ahead)
+    for (std::size_t ahead = 1;
+         ahead < Reach && peek(ahead).kind != TokenKind::End && !peek(ahead).firstOnLine; ++ahead)
         if (peek(ahead).word == word) return true;
     return false;
 }
@@ -218,7 +226,8 @@ bool Parser::isOnLine(Word word) const {
 // The place behind the parenthesis that closes the one at `ahead`, on the same line; 0 if there is none.
 std::size_t Parser::behindParentheses(std::size_t ahead) const {
     int open = 0;
-    for (std::size_t i = ahead; i < Reach && peek(i).kind != TokenKind::End && (i == ahead || !peek(i).firstOnLine); ++i) {
+    for (std::size_t i = ahead;
+         i < Reach && peek(i).kind != TokenKind::End && (i == ahead || !peek(i).firstOnLine); ++i) {
         if (isSymbolToken(peek(i), "(")) ++open;
         if (isSymbolToken(peek(i), ")") && --open == 0) return i + 1;
     }
@@ -247,7 +256,9 @@ bool Parser::closeBrace(bool opened) {
 bool Parser::openBlock(Word word) {
     const std::string text(spelling(word));
     if (!panic_ && accept(word)) return false;
-    if (!panic_ && isSymbol("{")) return takeBrace("'" + text + "', and 'end " + (word == Word::Then ? "if" : text) + "' behind the block");
+    if (!panic_ && isSymbol("{"))
+        return takeBrace("'" + text + "', and 'end " + (word == Word::Then ? "if" : text) +
+                         "' behind the block");
     if (!panic_ && takeInstead(text)) return false;
     if (!panic_) reportExpected("'" + text + "'");
     if (skipTo(word))
@@ -282,7 +293,8 @@ const ForeignEnd* Parser::foreignEnd() const {
     if (entry->closes == Word::Elseif)
         fits = ifs_ > 0 && condition;
     else if (entry->closes == Word::Else)
-        fits = selects_ > 0 && (fits || isSymbolToken(next, ":") || isSymbolToken(next, "=>") || isSymbolToken(next, "->"));
+        fits = selects_ > 0 &&
+               (fits || isSymbolToken(next, ":") || isSymbolToken(next, "=>") || isSymbolToken(next, "->"));
     else if (entry->word == "until")
         fits = loops_ > 0 && (condition || behind != 0) && !isOnLine(Word::Loop);
     else if (entry->closes == Word::If || entry->closes == Word::Loop || entry->closes == Word::Select)
@@ -346,11 +358,13 @@ bool Parser::functionEndAhead() {
     for (std::size_t i = position_ + 1; i < tokens_.size(); ++i) {
         const Word word = tokens_[i].word;
         const bool behindEnd = tokens_[i - 1].word == Word::End;
-        if (word != Word::Function && word != Word::Callback && !(word == Word::Class && behindEnd) && tokens_[i].kind != TokenKind::End)
+        if (word != Word::Function && word != Word::Callback && !(word == Word::Class && behindEnd) &&
+            tokens_[i].kind != TokenKind::End)
             continue;
         decidedAt_ = i;
         endDecided_ = word == Word::Function && behindEnd &&
-                      !(tokens_[i].firstOnLine && i + 2 < tokens_.size() && tokens_[i + 1].kind == TokenKind::Name && isSymbolToken(tokens_[i + 2], "("));
+                      !(tokens_[i].firstOnLine && i + 2 < tokens_.size() &&
+                        tokens_[i + 1].kind == TokenKind::Name && isSymbolToken(tokens_[i + 2], "("));
         return endDecided_;
     }
     return false;
@@ -360,13 +374,15 @@ bool Parser::functionEndAhead() {
 bool Parser::strayEnd() {
     if (!isWord(Word::End)) return false;
     const Token& behind = peek(1);
-    const bool later = !behind.firstOnLine && (behind.word == Word::Later || (tryTold_ && ascii::equal(behind.text, "try")));
-    const bool open = ifs_ + loops_ + selects_ > 0 || behind.word == Word::Function || behind.word == Word::Class ||
-                      isFunctionWord(behind.text) || !functionEndAhead();
-    if (!later && open && !(endIsAlone() && ifs_ + loops_ + selects_ == 0 && functionEndAhead())) return false;
+    const bool later =
+        !behind.firstOnLine && (behind.word == Word::Later || (tryTold_ && ascii::equal(behind.text, "try")));
+    const bool open = ifs_ + loops_ + selects_ > 0 || behind.word == Word::Function ||
+                      behind.word == Word::Class || isFunctionWord(behind.text) || !functionEndAhead();
+    if (!later && open && !(endIsAlone() && ifs_ + loops_ + selects_ == 0 && functionEndAhead()))
+        return false;
     const bool alone = behind.firstOnLine;
     // The statement that it closes has had its message.
-    if (!later) tell(Problem::NotOpen, {alone ? "end" : "end " + std::string(behind.text.substr(0, 40))});
+    if (!later || tree_->complete) tell(Problem::NotOpen, {alone ? "end" : "end " + std::string(behind.text.substr(0, 40))});
     advance();
     if (!alone) advance();
     return true;
@@ -374,21 +390,25 @@ bool Parser::strayEnd() {
 
 bool Parser::atVariableList() const {
     std::size_t ahead = 0;
-    while (ahead < Reach && peek(ahead).kind == TokenKind::Name && isSymbolToken(peek(ahead + 1), ",")) ahead += 2;
-    return peek(ahead).kind == TokenKind::Name && isSymbolToken(peek(ahead + 1), ":") && !peek(ahead + 2).firstOnLine;
+    while (ahead < Reach && peek(ahead).kind == TokenKind::Name && isSymbolToken(peek(ahead + 1), ","))
+        ahead += 2;
+    return peek(ahead).kind == TokenKind::Name && isSymbolToken(peek(ahead + 1), ":") &&
+           !peek(ahead + 2).firstOnLine;
 }
 
 // Declarations among the statements: told and read, so that their names are known.
 bool Parser::misplaced() {
     if (foreignEnd() != nullptr) return false;
     if (isWord(Word::Var)) {
-        tell(Problem::Misplaced, {here().text, "the variables of a function stand between its head and its first statement"});
+        tell(Problem::Misplaced,
+             {here().text, "the variables of a function stand between its head and its first statement"});
         advance();
         variables(*functionItem_->function);
         return true;
     }
     if ((isWord(Word::Const) || isWord(Word::Type)) && functionEndAhead()) {
-        tell(Problem::Misplaced, {here().text, "constants and types are declared in the class, outside of functions"});
+        tell(Problem::Misplaced,
+             {here().text, "constants and types are declared in the class, outside of functions"});
         isWord(Word::Const) ? constant(false, position_) : type(false, position_);
         if (panic_) synchronise();
         return true;
@@ -409,7 +429,8 @@ StatementPtr Parser::foreignStatement(bool& taken) {
     const int line = here().line;
     taken = true;
     if (isSymbol("{")) return foreignBlock();
-    const bool twice = (isSymbol("+") || isSymbol("-")) && isSymbolToken(peek(1), here().text) && peek(2).kind == TokenKind::Name;
+    const bool twice = (isSymbol("+") || isSymbol("-")) && isSymbolToken(peek(1), here().text) &&
+                       peek(2).kind == TokenKind::Name;
     if (twice) {
         const std::string sign(here().text), text(peek(2).text);
         report(Problem::Foreign, {sign + sign + text, "'" + text + " := " + text + " " + sign + " 1'"});
@@ -418,29 +439,38 @@ StatementPtr Parser::foreignStatement(bool& taken) {
     const ForeignWord* entry = isName() ? entryOf(ForeignWords, &ForeignWord::word, here().text) : nullptr;
     const std::size_t behind = isSymbol("(") ? 0 : isSymbolToken(peek(1), "(") ? behindParentheses(1) : 0;
     const bool headed = behind != 0 && (isSymbolToken(peek(behind), "{") || !peek(behind).firstOnLine);
-    taken = entry != nullptr && (headed || !goesOn(peek(1)) || (peek(1).firstOnLine && !isSymbolToken(peek(1), ":=")));
+    taken = entry != nullptr &&
+            (headed || !goesOn(peek(1)) || (peek(1).firstOnLine && !isSymbolToken(peek(1), ":=")));
     if (!taken) return nullptr;
     if (entry->reading == Reading::Line) {
         report(Problem::Foreign, {here().text, entry->here});
         return nullptr;
     }
-    if (entry->reading == Reading::Try) {
-        if (!std::exchange(tryTold_, true)) tell(Problem::Foreign, {here().text, entry->here});
-        tree_->complete = false;
-        do advance();
-        while (!atEnd() && !here().firstOnLine);
-        return nullptr;
-    }
+    if (entry->reading == Reading::Try) return foreignTry(entry->here);
     const bool lastOfCase = ascii::equal(here().text, "break") && selects_ > 0 && loops_ == 0;
-    tell(Problem::Foreign, {here().text, lastOfCase ? "nothing: a case ends where the next one begins" : entry->here});
+    tell(Problem::Foreign,
+         {here().text, lastOfCase ? "nothing: a case ends where the next one begins" : entry->here});
     switch (entry->reading) {
     case Reading::Loop: return foreignLoop(line);
     case Reading::Select: return selectStatement(line);
     case Reading::If: return ifStatement(line);
     case Reading::While: return whileStatement(line);
     case Reading::ForEach: return forEachStatement(line);
-    default: break;
+    default: return foreignWord();
     }
+}
+
+// The parts of a `try` are told once; what stands in them is read.
+StatementPtr Parser::foreignTry(std::string_view right) {
+    if (!std::exchange(tryTold_, true)) tell(Problem::Foreign, {here().text, right});
+    tree_->complete = false;
+    do advance();
+    while (!atEnd() && !here().firstOnLine);
+    return nullptr;
+}
+
+// A word that is a statement by itself, with a condition or without.
+StatementPtr Parser::foreignWord() {
     advance();
     if (!here().firstOnLine && (isWord(Word::When) || (isWord(Word::If) && !isOnLine(Word::Then)))) {
         advance();
@@ -456,7 +486,8 @@ StatementPtr Parser::foreignBlock() {
     const auto close = std::find_if(begin, tokens_.end(), [](const Token& token) {
         return token.firstOnLine || isSymbolToken(token, "}");
     });
-    if (close != tokens_.end() && isSymbolToken(*close, "}")) position_ = static_cast<std::size_t>(close - tokens_.begin());
+    if (close != tokens_.end() && isSymbolToken(*close, "}"))
+        position_ = static_cast<std::size_t>(close - tokens_.begin());
     Block lost;
     if (!isSymbol("}")) block(lost);
     closeBrace(true);
@@ -509,7 +540,8 @@ StatementPtr Parser::foreignFor(int line) {
 // ---- heads and results ----
 
 bool Parser::atForeignFunction() const {
-    if (!isName() || !isFunctionWord(here().text) || peek(1).kind != TokenKind::Name || peek(1).firstOnLine) return false;
+    if (!isName() || !isFunctionWord(here().text) || peek(1).kind != TokenKind::Name || peek(1).firstOnLine)
+        return false;
     return isSymbolToken(peek(2), "(") || here().text.size() > 5 || ascii::equal(here().text, "sub");
 }
 
@@ -543,7 +575,8 @@ bool Parser::valueWithoutType() const {
     static constexpr std::string_view operators = "+-*/=<>(";
     const Token& behind = peek(2);
     return peek(1).kind == TokenKind::Name &&
-           (behind.word == Word::End || (behind.kind == TokenKind::Symbol && operators.find(behind.text[0]) != std::string_view::npos));
+           (behind.word == Word::End ||
+            (behind.kind == TokenKind::Symbol && operators.find(behind.text[0]) != std::string_view::npos));
 }
 
 bool Parser::returnsValue() const {
@@ -595,7 +628,8 @@ bool Parser::isDeclaredSomewhere(std::string_view text) const {
         while (end + 2 < tokens_.size() && end < i + Reach && isSymbolToken(tokens_[end + 1], ",")) end += 2;
         while (begin > 2 && begin + Reach > i && isSymbolToken(tokens_[begin - 1], ",")) begin -= 2;
         if (isSymbolToken(tokens_[end + 1], ":")) return true;
-        if (begin > 1 && isSymbolToken(tokens_[begin - 1], "(") && tokens_[begin - 2].word == Word::Enum) return true;
+        if (begin > 1 && isSymbolToken(tokens_[begin - 1], "(") && tokens_[begin - 2].word == Word::Enum)
+            return true;
     }
     return false;
 }
@@ -603,10 +637,13 @@ bool Parser::isDeclaredSomewhere(std::string_view text) const {
 // A used class may declare any name, so nothing is told then.
 ExpressionPtr Parser::foreignName(ExpressionPtr item) {
     const Expression* root = item.get();
-    while ((root->kind == ExpressionKind::Field || root->kind == ExpressionKind::Index) && !root->operands.empty())
+    while ((root->kind == ExpressionKind::Field || root->kind == ExpressionKind::Index) &&
+           !root->operands.empty())
         root = root->operands[0].get();
-    const bool plain = (root->kind == ExpressionKind::Name || root->kind == ExpressionKind::Call) && root->qualifier.empty();
-    const ForeignNameEntry* entry = plain ? entryOf(ForeignNames, &ForeignNameEntry::name, root->name) : nullptr;
+    const bool plain =
+        (root->kind == ExpressionKind::Name || root->kind == ExpressionKind::Call) && root->qualifier.empty();
+    const ForeignNameEntry* entry =
+        plain ? entryOf(ForeignNames, &ForeignNameEntry::name, root->name) : nullptr;
     if (entry == nullptr || !tree_->uses.empty() || isDeclared(root->name)) return item;
     reportAt(item->line, Problem::Foreign, {root->name, entry->here});
     toldLine_ = item->line;

@@ -91,6 +91,8 @@ private:
     StatementPtr foreignLoop(int line);
     StatementPtr foreignFor(int line);
     StatementPtr foreignBlock();
+    StatementPtr foreignTry(std::string_view right);
+    StatementPtr foreignWord();
     ExpressionPtr foreignName(ExpressionPtr item);
     bool foreignType(TypeNode& node);
     bool isDeclared(std::string_view text);

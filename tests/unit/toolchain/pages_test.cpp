@@ -28,14 +28,17 @@ std::string textOf(const std::string& path) {
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) text.replace(at, from.size(), to);
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
+        text.replace(at, from.size(), to);
     return text;
 }
 
 std::string plain(const std::string& html) {
     return replaced(replaced(replaced(html, "&lt;", "<"), "&gt;", ">"), "&amp;", "&");
 }
-std::string shown(Problem problem) { return replaced(problemText(problem, {}), "%", "..."); }
+std::string shown(Problem problem) {
+    return replaced(problemText(problem, {}), "%", "...");
+}
 
 // What stands between `open` and the next `close`, each time.
 std::vector<std::string> between(const std::string& text, const std::string& open, const std::string& close) {
@@ -73,18 +76,22 @@ protected:
 
 TEST_F(MessagePages, EachNumberHasAPageAndEachPageANumber) {
     std::set<std::string> expected = {"index.htm", "messages.css"};
-    for (const Problem problem : allProblems()) expected.insert(std::to_string(static_cast<int>(problem)) + ".htm");
+    for (const Problem problem : allProblems())
+        expected.insert(std::to_string(static_cast<int>(problem)) + ".htm");
     std::set<std::string> found;
-    for (const auto& entry : std::filesystem::directory_iterator(Pages)) found.insert(entry.path().filename());
+    for (const auto& entry : std::filesystem::directory_iterator(Pages))
+        found.insert(entry.path().filename());
     EXPECT_EQ(found, expected);
 }
 
 TEST_F(MessagePages, EachNumberStandsInTheTableOnce) {
     const std::string header = textOf(SOURCE_DIR "/src/toolchain/output/messages.h");
     std::size_t numbers = 0;
-    for (const std::string& line : between(header, " = 1", "\n")) numbers += line.size() == 4 && line.back() == ',';
+    for (const std::string& line : between(header, " = 1", "\n"))
+        numbers += line.size() == 4 && line.back() == ',';
     std::set<Problem> problems;
-    for (const Problem problem : allProblems()) EXPECT_TRUE(problems.insert(problem).second) << static_cast<int>(problem);
+    for (const Problem problem : allProblems())
+        EXPECT_TRUE(problems.insert(problem).second) << static_cast<int>(problem);
     EXPECT_EQ(problems.size(), numbers);
 }
 
@@ -140,7 +147,8 @@ TEST_F(MessagePages, TheListsOfTheDocumentsAreThoseOfTheCompiler) {
         language[std::stoi("1" + row)] = row.substr(row.find(" | ") + 3);
     expectAll(language, "docs/language.md");
     const std::string mark = ".htm\">", behind = "</a></dt><dd>";
-    for (const std::string& row : between(textOf(SOURCE_DIR "/docs/help/Tarnwick.htm"), "href=\"messages/", "</dd>"))
+    for (const std::string& row :
+         between(textOf(SOURCE_DIR "/docs/help/Tarnwick.htm"), "<dt id=\"", "</dd>"))
         help[std::stoi(row)] = plain(row.substr(row.find(behind) + behind.size()));
     expectAll(help, "the general help");
     for (const std::string& row : between(textOf(Pages + "index.htm"), "<dt><a href=\"", "</dd>"))
@@ -159,10 +167,12 @@ TEST_F(MessagePages, TheListsOfReservedWordsAreThoseOfTheCompiler) {
     const auto lists = between(textOf(SOURCE_DIR "/docs/language.md"), "\n```words\n", "```");
     ASSERT_EQ(lists.size(), 2U);
     EXPECT_EQ(wordsOf(lists[0]), std::set<std::string>(std::begin(ReservedWords), std::end(ReservedWords)));
-    const auto table = between(textOf(SOURCE_DIR "/src/kernel/text/words.cpp"), "FutureReservedWords[] = {", "};");
+    const auto table =
+        between(textOf(SOURCE_DIR "/src/kernel/text/words.cpp"), "FutureReservedWords[] = {", "};");
     ASSERT_EQ(table.size(), 1U);
     std::set<std::string> later;
-    for (const std::string& word : wordsOf(replaced(replaced(table[0], "\"", " "), ",", " "))) later.insert(word);
+    for (const std::string& word : wordsOf(replaced(replaced(table[0], "\"", " "), ",", " ")))
+        later.insert(word);
     EXPECT_EQ(wordsOf(lists[1]), later);
     for (const std::string& word : later) EXPECT_TRUE(IsFutureReservedWord(word)) << word;
 }

@@ -14,8 +14,8 @@ namespace tarn::toolchain {
 namespace {
 
 std::string inMain(const std::string& statements) {
-    return "Tarnwick Class Main\nfunction main()\nvar i, j : integer\n s, t : string\n b : boolean\n" + statements +
-           "\nend function\nEnd class\n";
+    return "Tarnwick Class Main\nfunction main()\nvar i, j : integer\n s, t : string\n b : boolean\n" +
+           statements + "\nend function\nEnd class\n";
 }
 
 std::string inClass(const std::string& declarations) {
@@ -31,10 +31,12 @@ protected:
         ClassTree* tree = loader.load(file, messages);
         if (!tree->name.empty()) checkClass(*tree, messages);
         std::vector<Message> list = messages.list();
-        std::stable_sort(list.begin(), list.end(), [](const Message& a, const Message& b) { return a.line < b.line; });
+        std::stable_sort(list.begin(), list.end(),
+                         [](const Message& a, const Message& b) { return a.line < b.line; });
         std::string found;
         for (const Message& message : list)
-            found += (found.empty() ? "" : ", ") + std::to_string(message.line) + " " + std::to_string(message.number);
+            found += (found.empty() ? "" : ", ") + std::to_string(message.line) + " " +
+                     std::to_string(message.number);
         report = messages.report(file);
         return found;
     }
@@ -277,34 +279,46 @@ TEST_F(Teaching, EachHabitIsToldOnceWithItsRightForm) {
 TEST_F(Teaching, WhatOnlyLooksLikeAHabitIsFree) {
     const Habit cases[] = {
         {"words of other languages as variables",
-         inClass("function main()\nvar next, otherwise, continue, elif, print, none, len, self, def, int : integer\n"
+         inClass("function main()\nvar next, otherwise, continue, elif, print, none, len, self, def, int : "
+                 "integer\n"
                  "loop\ncontinue := 1\nnext := 2\nif continue = 1 then\nelif := 4\nend if\nselect next\n"
-                 "case 1 =>\notherwise := 5\nend select\nnone := len + self + def + int + print\nexit\nend loop\nend function"),
+                 "case 1 =>\notherwise := 5\nend select\nnone := len + self + def + int + print\nexit\nend "
+                 "loop\nend function"),
          "", ""},
         {"functions of such names",
          inClass("function elif(a : integer)\nend function\nfunction println(a : string)\nend function\n"
-                 "function main()\nif true then\nelif(1)\nprintln(\"x\")\nend if\nend function"), "", ""},
+                 "function main()\nif true then\nelif(1)\nprintln(\"x\")\nend if\nend function"),
+         "", ""},
         {"such names declared behind their use",
          inClass("function main()\nvar i : float\ni := len(\"x\")\nend function\ntype float : integer\n"
-                 "function len(s : string) return integer\nreturn 1\nend function"), "", ""},
-        {"names of an enum", inClass("type t : enum (none, self)\nfunction main()\nvar x : t\nx := none\nend function"), "", ""},
+                 "function len(s : string) return integer\nreturn 1\nend function"),
+         "", ""},
+        {"names of an enum",
+         inClass("type t : enum (none, self)\nfunction main()\nvar x : t\nx := none\nend function"), "", ""},
         {"two signs in a row", inMain("i := 1 -- 2\nj := i--j\ni := j\n-- i\nj := 2 -- i j := 3"), "", ""},
         {"signs in front of a call", inMain("i := 1 -- i t := s"), "", ""},
         {"marks of comments in a text", inMain("s := \"/* # ' -- (* ; { } && \"\nPRINT(\"it's\")"), "", ""},
         {"a backslash in a text", inMain("s := \"C:\\new\\text\\n\""), "", ""},
         {"true and false in any case", inMain("b := True or FALSE and tRuE"), "", ""},
         {"print in any case", inMain("print(\"x\")\nPrint(\"y\")"), "", ""},
-        {"parentheses around conditions", inMain("if (b) then\nend if\nwhile (i < 3) loop\ni := 4\nend loop"), "", ""},
-        {"all on one line", inMain("if b then i := 1 elseif i = 2 then i := 3 else i := 4 end if while b loop exit end loop"), "", ""},
+        {"parentheses around conditions", inMain("if (b) then\nend if\nwhile (i < 3) loop\ni := 4\nend loop"),
+         "", ""},
+        {"all on one line",
+         inMain("if b then i := 1 elseif i = 2 then i := 3 else i := 4 end if while b loop exit end loop"),
+         "", ""},
         {"ends over two lines", inMain("if b then\nend\nif\nloop\nexit\nend\nloop"), "", ""},
         {"return and a statement on one line", inMain("return i := 1"), "", ""},
         {"a result on its own line", inClass("function f()\nreturn integer\nreturn 1\nend function"), "", ""},
         {"a head ahead in front of a constant",
          inClass("function f()\nconst A = 1\ntype T : integer\nfunction f()\nend function"), "", ""},
-        {"values in braces", inClass("const A : list of integer = {1, 2}\nfunction main()\nvar l : list of integer\nl := {3}\nend function"), "", ""},
+        {"values in braces",
+         inClass("const A : list of integer = {1, 2}\nfunction main()\nvar l : list of integer\nl := "
+                 "{3}\nend function"),
+         "", ""},
         {"sets with ranges", inMain("b := i in [1, 3:5, 7..9]"), "", ""},
     };
-    for (const Habit& item : cases) EXPECT_EQ(check(item.source), item.messages) << item.name << "\n" << report;
+    for (const Habit& item : cases)
+        EXPECT_EQ(check(item.source), item.messages) << item.name << "\n" << report;
 }
 
 TEST_F(Teaching, OtherMistakesOfTheSameClassAreToldToo) {
@@ -312,17 +326,28 @@ TEST_F(Teaching, OtherMistakesOfTheSameClassAreToldToo) {
     EXPECT_EQ(check(inMain("loop\nbreak\nend loop\ni := := 2")), "7 1006, 9 1101");
     EXPECT_EQ(check(inClass("def f()\nend function\nfunction g()\ni := 1\nend function")), "2 1006, 5 1201");
     EXPECT_EQ(check(inMain("end if") + ""), "6 1112");
-    EXPECT_EQ(check(inClass("function f()\nend if\nend function\nfunction g()\nend loop\nend function")), "3 1112, 6 1112");
+    EXPECT_EQ(check(inClass("function f()\nend if\nend function\nfunction g()\nend loop\nend function")),
+              "3 1112, 6 1112");
+}
+
+TEST_F(Teaching, AnEndOfAWordThatIsKeptForLaterIsNoStatement) {
+    EXPECT_EQ(check(inMain("end with")), "6 1112");
+    EXPECT_EQ(check(inMain("if b then\nend call\nend if")), "7 1112");
+    EXPECT_EQ(check(inMain("with s\nend with")), "6 1105") << "the statement has had its message";
 }
 
 TEST_F(Teaching, BracesAndSemicolonsAreToldOnceInAClass) {
-    EXPECT_EQ(check(inMain("if b {\ni := 1;\n} else {\ni := 2;\n}\nwhile b {\ni := 3;\n}")), "6 1006, 7 1006");
+    EXPECT_EQ(check(inMain("if b {\ni := 1;\n} else {\ni := 2;\n}\nwhile b {\ni := 3;\n}")),
+              "6 1006, 7 1006");
     EXPECT_EQ(check(inClass("function f() {\nif (true) {\nPRINT(\"x\")\n}\n}\nfunction g() {\n}")), "2 1006");
 }
 
 TEST_F(Teaching, ANameThatAUsedClassMayHaveIsNotTaught) {
-    write("other.cls", "Tarnwick Class other\npublic function len(s : string) return integer\nreturn 1\nend function\nEnd class");
-    EXPECT_EQ(check("Tarnwick Class Main\nUses other\nfunction main()\nvar i : integer\ni := len(\"x\")\nend function\nEnd class"), "");
+    write("other.cls", "Tarnwick Class other\npublic function len(s : string) return integer\nreturn 1\nend "
+                       "function\nEnd class");
+    EXPECT_EQ(check("Tarnwick Class Main\nUses other\nfunction main()\nvar i : integer\ni := len(\"x\")\nend "
+                    "function\nEnd class"),
+              "");
 }
 
 TEST_F(Teaching, AWordThatIsKeptForLaterIsCalledThat) {
@@ -334,9 +359,10 @@ TEST_F(Teaching, AWordThatIsKeptForLaterIsCalledThat) {
 
 // However much of it there is, it is read in time and ends in messages.
 TEST_F(Teaching, MuchOfAHabitCostsNoMoreThanItsLength) {
-    const char* pieces[] = {"until x ",  "a,\n",      "null, ",    "end\n",     "const a\n", "{ ",     "} ",       "for (",
-                            "elif x ",   "switch (i) {\n", "do\n", "try\n",     "default:\n", "end x\n", "return 1\n", "var\n",
-                            "-- a b\n",  "/* ",       "(* ",       "' ",        "class a\n", "x : integer\n", "int a\n", "repeat "};
+    const char* pieces[] = {"until x ",   "a,\n",    "null, ",     "end\n",          "const a\n", "{ ",
+                            "} ",         "for (",   "elif x ",    "switch (i) {\n", "do\n",      "try\n",
+                            "default:\n", "end x\n", "return 1\n", "var\n",          "-- a b\n",  "/* ",
+                            "(* ",        "' ",      "class a\n",  "x : integer\n",  "int a\n",   "repeat "};
     for (const char* piece : pieces) {
         std::string text;
         while (text.size() < 300000) text += piece;
