@@ -60,7 +60,9 @@ void helpOnError(const Object& window) {
     const Message message = messageAtCursor(window);
     if (message.number == 0)
         return MSGBOX("View Errors", "Cannot get help for the error.\nThe error number cannot be found.");
-    SHOWHELP(STR(message.number));
+    const std::string page = GETMESSAGEPAGE(message.number);
+    if (page.empty()) return SHOWHELP(STR(message.number));
+    MULTIHELP(0, page, 257, "");
 }
 
 // Where it was last; at first below the Code window's place, over the width of the screen.

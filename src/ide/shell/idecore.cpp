@@ -106,6 +106,13 @@ std::string GETHELPFILE() {
     return stem + STRWORD(types, 1);
 }
 
+// Each message has a page beside the help file; numbers of other compilers have none.
+std::string GETMESSAGEPAGE(int number) {
+    FRAME(GETMESSAGEPAGE);
+    const std::string page = FILEGETDIR(GETHELPFILE()) + "messages/" + STR(number) + ".htm";
+    return FileSize(page) > 0 ? page : "";
+}
+
 std::string REPLACECONSTANTS(std::string text) {
     FRAME(REPLACECONSTANTS);
     static constexpr std::pair<std::string_view, std::string_view> constants[] = {

@@ -25,6 +25,7 @@ std::string GETINHERITEDPATHS();    // as they stand, separated by ";"
 std::string GETINHERITEDPATHSML();  // one a line
 std::string GETINHERITEDLIBPATH();  // the first of them
 std::string GETHELPFILE();
+std::string GETMESSAGEPAGE(int number);  // of the default compiler's messages; empty when there is none
 std::string GETMAINCAPTIONSTR();
 std::string REPLACECONSTANTS(std::string text);
 // The file named on the command line: ".cls" added if it has no extension, the current folder in front unless

@@ -17,22 +17,33 @@ bool isForeign(char c) {
 
 // Longest first.
 constexpr auto Symbols =
-    std::to_array<std::string_view>({":=", "<>", "<=", ">=", "=>", "..", "(", ")", "[", "]", "{",
-                                     "}",  ",",  ".",  ":",  "=",  "<",  ">", "+", "-", "*", "/"});
+    std::to_array<std::string_view>({":=", "<>", "<=", ">=", "=>", "->", "..", "(", ")", "[", "]", "{",
+                                     "}",  ",",  ".",  ":",  "=",  "<",  ">",  "+", "-", "*", "/"});
 
-// Spellings of other languages, and what is written here. Longest first.
+// Spellings of other languages, what is written here, and the token that each is read as. Longest first.
 struct Foreign {
-    std::string_view text, here;
+    std::string_view text, here, readAs;
     Word word;
 };
 constexpr auto ForeignSymbols = std::to_array<Foreign>({
-    {"!=", "<>", Word::None},
-    {"==", "=", Word::None},
-    {"&&", "and", Word::And},
-    {"||", "or", Word::Or},
-    {"%", "mod", Word::Mod},
-    {"!", "not", Word::Not},
+    {"===", "'='", "=", Word::None},
+    {"!==", "'<>'", "<>", Word::None},
+    {"!=", "'<>'", "<>", Word::None},
+    {"==", "'='", "=", Word::None},
+    {"=<", "'<='", "<=", Word::None},
+    {"><", "'<>'", "<>", Word::None},
+    {"&&", "'and'", "and", Word::And},
+    {"||", "'or'", "or", Word::Or},
+    {"**", "PWR(base, exponent)", "*", Word::None},
+    {"<<", "'*' and a power of two", "*", Word::None},
+    {">>", "'div' and a power of two", "div", Word::Div},
+    {"%", "'mod'", "mod", Word::Mod},
+    {"!", "'not'", "not", Word::Not},
+    {"|", "'or'", "or", Word::Or},
+    {"^", "PWR(base, exponent)", "*", Word::None},
+    {"\\", "'div'", "div", Word::Div},
 });
+constexpr std::string_view CommentHere = "'//' in front of a comment, on each of its lines";
 constexpr int FixedDecimals = 4;
 
 // Some editors put it in front of UTF-8; it is no part of the text.
@@ -58,10 +69,13 @@ private:
             if (c == '\n') {
                 ++line_;
                 first_ = true;
+                parentheses_ = 0;
             } else if (source_.substr(position_, 2) == "//") {
-                while (position_ < source_.size() && source_[position_] != '\n') ++position_;
+                restOfLine();
                 continue;
-            } else if (c == ';') {
+            } else if (foreignComment()) {
+                continue;
+            } else if (c == ';' && parentheses_ == 0) {
                 semicolon();
             } else if (c != ' ' && c != '\t' && c != '\r') {
                 return;
@@ -70,11 +84,77 @@ private:
         }
     }
 
+    void restOfLine() {
+        while (position_ < source_.size() && source_[position_] != '\n') ++position_;
+    }
+
     // Who ends statements so does it on every line: it is told once.
     void semicolon() {
         if (!semicolonTold_)
             messages_.add(file_, line_, Problem::Foreign, {";", "nothing: a line or a blank is enough"});
         semicolonTold_ = true;
+    }
+
+    // Comments of other languages are told and left out as a whole: what stands in them has no faults.
+    bool foreignComment() {
+        if (source_.substr(position_, 2) == "/*") return blockComment("/*", "*/");
+        if (source_.substr(position_, 2) == "(*") return blockComment("(*", "*)");
+        if (at(position_) == '#') {
+            const bool character = ascii::isDigit(at(position_ + 1));
+            return !character && lineComment("#");
+        }
+        if (source_.substr(position_, 2) == "--") return isProse(position_ + 2) && lineComment("--");
+        return at(position_) == '\'' && first_ && !isTextOfLine() && lineComment("'");
+    }
+    bool lineComment(std::string_view mark) {
+        const bool include = source_.substr(position_, 8) == "#include";
+        if (include)
+            messages_.add(file_, line_, Problem::Foreign,
+                          {"#include", "'Uses' and names of classes behind the name of the class"});
+        else
+            messages_.add(file_, line_, Problem::Foreign, {mark, CommentHere});
+        restOfLine();
+        return true;
+    }
+    // One that is not closed ends with its line, so that the class behind it is still read.
+    bool blockComment(std::string_view open, std::string_view close) {
+        messages_.add(file_, line_, Problem::Foreign, {open, CommentHere});
+        const std::size_t end = source_.find(close, position_ + open.size());
+        if (end == std::string_view::npos) {
+            restOfLine();
+            return true;
+        }
+        for (; position_ < end + 2; ++position_)
+            if (source_[position_] == '\n') {
+                ++line_;
+                first_ = true;
+            }
+        return true;
+    }
+
+    // Two words in a row, the second of which begins no statement: no expression goes on so behind two signs.
+    bool isProse(std::size_t place) const {
+        const std::size_t begin = source_.find_first_not_of(" \t", place);
+        if (begin == place || begin >= source_.size() || !ascii::isLetter(source_[begin])) return false;
+        std::size_t end = begin;
+        while (ascii::isSymbol(at(end))) ++end;
+        const Word word = wordOf(source_.substr(begin, end - begin));
+        if (word != Word::None) return word != Word::Me && word != Word::True && word != Word::False;
+        if (at(end) == '\'') return true;
+        std::size_t next = source_.find_first_not_of(" \t", end);
+        if (next == end || !ascii::isLetter(at(next))) return false;
+        const std::size_t second = next;
+        while (ascii::isSymbol(at(next))) ++next;
+        if (wordOf(source_.substr(second, next - second)) != Word::None) return false;
+        next = source_.find_first_not_of(" \t", next);
+        return std::string_view(":.[(").find(at(next)) == std::string_view::npos;
+    }
+
+    // A text in single quotes at the beginning of a line is the argument of a call; else a comment begins.
+    bool isTextOfLine() const {
+        if (!closesOnLine('\'')) return false;
+        const std::size_t behind = source_.find_first_not_of(" \t\r", source_.find('\'', position_ + 1) + 1);
+        return std::string_view("\n,)+;").find(at(behind)) != std::string_view::npos;
     }
 
     Token token(TokenKind kind, std::size_t begin) {
@@ -94,7 +174,14 @@ private:
         if (c == '"') return string();
         for (const Foreign& foreign : ForeignSymbols)
             if (source_.substr(position_, foreign.text.size()) == foreign.text) return foreignSymbol(foreign);
-        if (c == '\'' && closesOnLine('\'')) return foreignString();
+        if (c == '\'')
+            return closesOnLine('\'')
+                       ? foreignString()
+                       : foreignRest("'", "double quotes around a text, '//' in front of a comment");
+        if (c == '#') return foreignRest("#", "CHR(...)");
+        if (c == '&') return foreignRest("&", "'and', or '+' to join texts");
+        if (c == ';') return semicolonToken();
+        parentheses_ += c == '(' ? 1 : c == ')' && parentheses_ > 0 ? -1 : 0;
         for (const std::string_view symbol : Symbols) {
             if (source_.substr(position_, symbol.size()) != symbol) continue;
             const std::size_t begin = position_;
@@ -119,11 +206,25 @@ private:
     Token foreignSymbol(const Foreign& foreign) {
         const std::size_t begin = position_;
         position_ += foreign.text.size();
-        messages_.add(file_, line_, Problem::Foreign, {foreign.text, "'" + std::string(foreign.here) + "'"});
+        messages_.add(file_, line_, Problem::Foreign, {foreign.text, foreign.here});
         Token result = token(foreign.word == Word::None ? TokenKind::Symbol : TokenKind::Word, begin);
         result.word = foreign.word;
-        result.text = foreign.here;
+        result.text = foreign.readAs;
         return result;
+    }
+
+    // Told, and nothing more is said of its line.
+    Token foreignRest(std::string_view mark, std::string_view right) {
+        const std::size_t begin = position_;
+        messages_.add(file_, line_, Problem::Foreign, {mark, right});
+        restOfLine();
+        return token(TokenKind::Bad, begin);
+    }
+
+    // Between parentheses it ends no statement; what belongs there the parser knows.
+    Token semicolonToken() {
+        const std::size_t begin = position_++;
+        return token(TokenKind::Symbol, begin);
     }
 
     bool closesOnLine(char quote) const {
@@ -252,8 +353,13 @@ private:
             if (static_cast<unsigned char>(c) < 32 && control == 0) control = position_;
             ++position_;
         }
-        messages_.add(file_, line_, Problem::OpenString);
-        while (position_ < source_.size() && source_[position_] != '\n') ++position_;
+        restOfLine();
+        const std::size_t lineEnd = source_.rfind('\n', begin);
+        const std::size_t lineBegin = lineEnd == std::string_view::npos ? 0 : lineEnd + 1;
+        if (source_.substr(lineBegin, begin - lineBegin).find("\\\"") != std::string_view::npos)
+            messages_.add(file_, line_, Problem::Foreign, {"\\\"", "'\"\"' for a quote in a text"});
+        else
+            messages_.add(file_, line_, Problem::OpenString);
         return token(TokenKind::Bad, begin);
     }
 
@@ -288,7 +394,7 @@ private:
     const std::string& file_;
     Messages& messages_;
     std::size_t position_ = 0;
-    int line_ = 1;
+    int line_ = 1, parentheses_ = 0;  // those that are open on this line
     bool first_ = true, semicolonTold_ = false;
 };
 

@@ -7,6 +7,7 @@
 #include "os/text/ascii.h"
 #include "toolchain/language/parser_internal.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarn::toolchain {
@@ -21,7 +22,8 @@ void Parser::parse(ClassTree& tree) {
     uses();
     while (!atEnd() && !atClassEnd()) declaration();
     tree.endLine = here().line;
-    const bool closed = expect(Word::End) && expect(Word::Class);
+    bool closed = expect(Word::End) && expect(Word::Class);
+    for (; closed && nested_ > 0 && atClassEnd(); --nested_) advance(), advance();
     if (closed && !atEnd()) report(Problem::TextBehindClass);
 }
 
@@ -42,6 +44,10 @@ void Parser::uses() {
     while (isName()) {
         tree_->uses.push_back({std::string(here().text), here().line, nullptr});
         advance();
+        if (!isSymbol(",")) continue;
+        if (!std::exchange(commaTold_, true))
+            tell(Problem::Expected, {"a blank between the names of used classes", found()});
+        advance();
     }
 }
 
@@ -54,13 +60,13 @@ void Parser::declaration() {
         constant(isPublic_, begin);
     else if (isWord(Word::Type))
         type(isPublic_, begin);
-    else if (isWord(Word::Function) || isWord(Word::Callback))
+    else if (isWord(Word::Function) || isWord(Word::Callback) || atForeignFunction())
         function(isPublic_, begin);
     else if (isWord(Word::Var) && hasScope)
         classVariables(isPublic_, begin);
     else if (isWord(Word::Var))
         report(Problem::BareClassVariable);
-    else
+    else if (!foreignDeclaration())
         report(Problem::Expected, {"a declaration or 'end class'", found()});
     if (panic_) synchroniseDeclaration(begin);
 }
@@ -164,9 +170,17 @@ bool Parser::variableLine(DeclarationKind kind, bool isPublic, std::size_t begin
     do {
         const int line = here().line;
         std::string text;
-        if (!newName(text)) return false;
+        if (typeInFront() || !newName(text)) return false;
         names.emplace_back(text, line);
     } while (accept(","));
+    if (isSymbol("=") || isSymbol(":=")) {
+        tell(Problem::Expected, {"':' and a type", found()});
+        advance();
+        expression();
+        items.push_back(declare(kind, names.back().first, names.back().second, isPublic));
+        forget(*items.back());
+        return !panic_;
+    }
     const TypeNodePtr node = expect(":") ? typeReference() : nullptr;
     const std::size_t end = position_;
     for (const auto& [text, line] : names) {
@@ -175,7 +189,7 @@ bool Parser::variableLine(DeclarationKind kind, bool isPublic, std::size_t begin
         items.back()->signature = textBetween(begin, end);
         if (panic_) forget(*items.back());
     }
-    if (panic_ || !accept(":=")) return !panic_;
+    if (panic_ || !(accept(":=") || (isSymbol("=") && takeInstead(":=")))) return !panic_;
     if (names.size() > 1) {
         --position_;
         reportExpected("the end of the declaration");
@@ -201,7 +215,14 @@ void Parser::classVariables(bool isPublic, std::size_t begin) {
 
 void Parser::function(bool isPublic, std::size_t begin) {
     const bool isCallback = accept(Word::Callback);
-    if (!expect(Word::Function)) return;
+    foreignHead_ = atForeignFunction();
+    if (foreignHead_) {
+        tell(Problem::Foreign, {here().text, "'function'"});
+        advance();
+    } else if (!expect(Word::Function)) {
+        return;
+    }
+    const std::size_t first = position_;
     const int line = here().line;
     auto item = declare(DeclarationKind::Function, std::string(here().text), line, isPublic);
     item->function = std::make_unique<Function>();
@@ -221,7 +242,10 @@ void Parser::function(bool isPublic, std::size_t begin) {
         externalBody(head);
     else if (!atForwardEnd())
         body(*item);
-    head.hasErrors = head.headHasErrors || messages_.count() != before;
+    const bool broken = std::any_of(tokens_.begin() + static_cast<std::ptrdiff_t>(first),
+                                    tokens_.begin() + static_cast<std::ptrdiff_t>(position_),
+                                    [](const Token& token) { return token.kind == TokenKind::Bad; });
+    head.hasErrors = head.headHasErrors || foreignHead_ || broken || messages_.count() != before;
     addFunction(std::move(item));
 }
 
@@ -234,11 +258,13 @@ void Parser::externalBody(Function& head) {
 void Parser::functionHead(Declaration& item) {
     Function& head = *item.function;
     parameters(item);
-    if (!panic_ && accept(Word::Return)) head.resultNode = typeReference();
+    if (panic_ || resultInstead(head) || valueWithoutType()) return;
+    if (accept(Word::Return)) head.resultNode = typeReference();
     if (!panic_ && head.isOnerror && accept(Word::From)) errorRange(head);
 }
 
-bool Parser::atForwardEnd() const {
+bool Parser::atForwardEnd() {
+    if ((isWord(Word::Const) || isWord(Word::Type)) && functionEndAhead()) return false;
     return atEnd() || beginsDeclaration(here().word) || atClassEnd();
 }
 
@@ -258,7 +284,7 @@ void Parser::parameters(Declaration& item) {
     Mode mode = Mode::In;
     do
         if (!parameter(item, mode)) return;
-    while (accept(","));
+    while (accept(",") || (isSymbol(";") && takeInstead(",")));
     expect(")");
 }
 
@@ -267,9 +293,19 @@ bool Parser::parameter(Declaration& item, Mode& mode) {
     auto& list = item.function->parameters;
     mode = accept(Word::Out) ? Mode::Out : accept(Word::Inout) ? Mode::Inout : Mode::In;
     if (mode == Mode::In) accept(Word::In);
+    if (isWord(Word::Var)) takeInstead("inout");
+    if (isWord(Word::Const)) takeInstead("in");
     const int line = here().line;
     std::string text;
-    if (!newName(text) || !expect(":")) return false;
+    if (typeInFront() || !newName(text)) return false;
+    if (isSymbol(",")) {
+        reportExpected("':' and a type, for each parameter of its own,");
+        return false;
+    }
+    if (!accept(":") && !takeInstead(":")) {
+        reportExpected("':' and a type");
+        return false;
+    }
     auto result = declare(DeclarationKind::Parameter, text, line, false);
     result->mode = mode;
     result->typeNode = typeReference();
@@ -281,6 +317,8 @@ bool Parser::parameter(Declaration& item, Mode& mode) {
 void Parser::body(Declaration& item) {
     Function& head = *item.function;
     head.bodyLine = item.line;
+    functionItem_ = &item;
+    ifs_ = loops_ = selects_ = braces_ = 0;
     result_ = head.resultNode != nullptr;
     headKnown_ = !head.headHasErrors;
     for (;;) {
@@ -293,10 +331,12 @@ void Parser::body(Declaration& item) {
             break;
         if (panic_) synchronise();
     }
+    const bool brace = isSymbol("{") && takeBrace("nothing: the end is 'end function'");
     while (accept(Word::Var)) variables(head);
     block(head.body);
     head.endLine = here().line;
-    closeBlock(Word::Function, item.line);
+    if (!closeBrace(brace)) closeBlock(Word::Function, item.line);
+    functionItem_ = nullptr;
 }
 
 void Parser::variables(Function& head) {

@@ -67,6 +67,23 @@ bool Parser::operatorAt(int level, Operator& op) const {
     return false;
 }
 
+// The lexer has told what breaks a value off on its line: nothing more is said of that value.
+ExpressionPtr Parser::expression() {
+    ExpressionPtr result = chain(0);
+    if (here().kind == TokenKind::Bad && !here().firstOnLine) return literal(Kind::Unknown);
+    return result;
+}
+
+// An assignment is no condition.
+ExpressionPtr Parser::condition() {
+    ExpressionPtr result = expression();
+    if (panic_ || !isSymbol(":=")) return result;
+    tell(Problem::Expected, {"'=' to compare", found()});
+    advance();
+    expression();
+    return literal(Kind::Unknown);
+}
+
 ExpressionPtr Parser::chain(int level) {
     if (level > TightestLevel) return sign();
     if (level == ComparisonLevel && isWord(Word::Not)) return negation();
@@ -235,7 +252,7 @@ ExpressionPtr Parser::item() {
             if (peek(1).kind == TokenKind::Symbol && peek(1).text == "]")
                 advance(), reportExpected("a value");
             if (!panic_) list(*result, "]");
-        } else if (accept(".")) {
+        } else if (accept(".") || (isSymbol("->") && takeInstead("."))) {
             auto next = makeExpression(ExpressionKind::Field, result->line);
             next->operands.push_back(std::move(result));
             result = std::move(next);
@@ -244,7 +261,7 @@ ExpressionPtr Parser::item() {
             break;
         }
     }
-    return result;
+    return panic_ ? std::move(result) : foreignName(std::move(result));
 }
 
 // Arguments behind a function's name, or behind a class's name and a function's.

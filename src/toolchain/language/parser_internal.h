@@ -7,6 +7,7 @@
 //                             the way on behind an error
 //     parser.cpp              the class: its head, what it uses, constants, variables, functions
 //     parser_types.cpp        types as they are written
+//     parser_foreign.cpp      what newcomers bring from other languages: tables of it, and how it is read on
 //     parser_statements.cpp   a function for each; blocks end where a word ends them
 //     parser_expressions.cpp  by levels of operators, loosest first; items, literals
 #pragma once
@@ -15,6 +16,7 @@
 #include "toolchain/language/parser.h"
 
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,6 +26,9 @@ namespace tarn::toolchain {
 
 bool beginsDeclaration(Word word);
 bool endsBlock(Word word);
+bool beginsStatement(Word word);
+
+struct ForeignEnd;
 
 class Parser {
 public:
@@ -53,6 +58,7 @@ private:
     void report(Problem problem, std::initializer_list<std::string_view> values = {});
     void reportAt(int line, Problem problem, std::initializer_list<std::string_view> values = {});
     void reportExpected(std::string_view what);
+    void tell(Problem problem, std::initializer_list<std::string_view> values);  // and go on
     bool expect(Word word);
     bool expect(std::string_view symbol);
     void synchronise();
@@ -60,6 +66,41 @@ private:
     bool newName(std::string& text);
     bool enter();  // one level deeper; false when that is too deep
     void leave() { --depth_; }
+
+    // ---- what newcomers bring: told once, and read as what is meant ----
+
+    bool takeInstead(std::string_view expected);
+    bool isOnLine(Word word) const;
+    std::size_t behindParentheses(std::size_t ahead) const;
+    bool takeBrace(std::string_view right);
+    bool closeBrace(bool opened);
+    bool openBlock(Word word);  // whether a brace opens it
+    bool skipTo(Word word);
+    const ForeignEnd* foreignEnd() const;
+    bool takeForeignEnd(Word word);
+    bool atForeignElseif() const;
+    bool atBlockEnd() const;
+    bool endIsAlone() const;
+    bool functionEndAhead();
+    bool strayEnd();
+    bool misplaced();
+    bool atVariableList() const;
+    bool atForeignFunction() const;
+    bool foreignDeclaration();
+    StatementPtr foreignStatement(bool& taken);
+    StatementPtr foreignLoop(int line);
+    StatementPtr foreignFor(int line);
+    StatementPtr foreignBlock();
+    StatementPtr foreignTry(std::string_view right);
+    StatementPtr foreignWord();
+    ExpressionPtr foreignName(ExpressionPtr item);
+    bool foreignType(TypeNode& node);
+    bool isDeclared(std::string_view text);
+    bool isDeclaredSomewhere(std::string_view text) const;
+    bool resultInstead(Function& head);
+    bool returnsValue() const;
+    bool valueWithoutType() const;
+    bool typeInFront(std::string_view lead = {});
 
     // ---- the class ----
 
@@ -84,7 +125,7 @@ private:
 
     void function(bool isPublic, std::size_t begin);
     void functionHead(Declaration& item);
-    bool atForwardEnd() const;
+    bool atForwardEnd();
     void errorRange(Function& head);
     void parameters(Declaration& item);
     bool parameter(Declaration& item, Mode& mode);
@@ -114,9 +155,8 @@ private:
     void closeBlock(Word word, int line);
     StatementPtr statement();
     StatementPtr itemStatement(int line);
-    bool foreignStatement();
     StatementPtr ifStatement(int line);
-    void elseBranch(Statement& statement);
+    void elseBranch(Statement& statement, bool& brace);
     StatementPtr whileStatement(int line);
     StatementPtr loopStatement(int line);
     StatementPtr forStatement(int line);
@@ -133,7 +173,8 @@ private:
 
     ExpressionPtr makeExpression(ExpressionKind kind, int line);
     ExpressionPtr makeName(const std::string& text, int line);
-    ExpressionPtr expression() { return chain(0); }  // never null, also after an error
+    ExpressionPtr expression();  // never null, also after an error
+    ExpressionPtr condition();
     bool operatorAt(int level, Operator& op) const;
     ExpressionPtr chain(int level);
     ExpressionPtr negation();
@@ -160,6 +201,19 @@ private:
     bool result_ = false;    // the function being read has one
     bool headKnown_ = true;  // its head could be read
     bool isPublic_ = false;  // the declaration being read
+    bool braceTold_ = false;
+    bool tryTold_ = false;
+    std::map<std::string, bool> declared_;   // words of the tables that the class declares as names
+    int toldLine_ = 0;                       // of the last habit that was told: one a line
+    bool commaTold_ = false;                 // between names of used classes
+    bool foreignHead_ = false;               // the function being read begins with a word of another language
+    int braces_ = 0;                         // blocks that a brace opened
+    int ifs_ = 0, loops_ = 0, selects_ = 0;  // open blocks of the function being read
+    bool doLoop_ = false;                    // the innermost loop began with `do` or `repeat`
+    std::size_t decidedAt_ = 0;              // the token that decides functionEndAhead
+    bool endDecided_ = false;
+    int nested_ = 0;                       // classes that begin inside of the class
+    Declaration* functionItem_ = nullptr;  // the function being read
 };
 
 }  // namespace tarn::toolchain

@@ -10,32 +10,6 @@
 namespace tarn::toolchain {
 namespace {
 
-struct ForeignWord {
-    std::string_view word, here;
-};
-
-// Statements of other languages, and what is written here.
-constexpr auto ForeignWords = std::to_array<ForeignWord>({
-    {"break", "'exit'"},
-    {"continue", "'iterate'"},
-    {"elif", "'elseif'"},
-    {"elsif", "'elseif'"},
-    {"endif", "'end if'"},
-    {"wend", "'end loop'"},
-    {"next", "'end loop'"},
-    {"switch", "'select'"},
-    {"do", "'loop'"},
-    {"repeat", "'loop' and 'exit when'"},
-    {"dim", "'var', between the head of the function and its statements"},
-    {"let", "the variable and ':='"},
-    {"begin", "nothing: a block begins behind 'then' or 'loop'"},
-    {"def", "'function'"},
-    {"func", "'function'"},
-    {"void", "'function'"},
-    {"int", "'var', a name, ':' and 'integer'"},
-    {"print", "PRINT(...)"},
-});
-
 bool isCall(const Expression& item) {
     return item.kind == ExpressionKind::Call;
 }
@@ -56,7 +30,9 @@ void Parser::block(Block& statements) {
             advance();
         lastUnclosed_ = position_;
     }
-    while (!atEnd() && !endsBlock(here().word)) {
+    while (!atEnd()) {
+        if (strayEnd() || misplaced()) continue;
+        if (atBlockEnd()) break;
         const std::size_t begin = position_;
         StatementPtr item = statement();
         if (item) statements.push_back(std::move(item));
@@ -69,27 +45,29 @@ void Parser::block(Block& statements) {
 
 // `end` and `word`. The end of an outer construct is left for it.
 void Parser::closeBlock(Word word, int line) {
-    const Word behind = peek(1).word;
+    if (!panic_ && takeForeignEnd(word)) return;
+    const bool alone = endIsAlone();
+    const Word behind = alone ? Word::None : peek(1).word;
     const bool outer = isWord(Word::End) && (behind == Word::Function || behind == Word::Class);
     if (isWord(Word::End) && (behind == word || !outer)) {
         advance();
-        if (accept(word)) return;
+        if (!alone && accept(word)) return;
         --position_;
     }
     // Several blocks that end at one place are told once, by the innermost.
     if (panic_ || std::exchange(lastUnclosed_, position_) == position_) return;
     const std::string what(spelling(word));
     const bool elseIf = word == Word::If && elseIfLine_ >= line;
-    const std::string other =
-        isWord(Word::End) ? "'end " + std::string(peek(1).text.substr(0, 40)) + "'" : found();
+    const std::string other = alone               ? "'end' alone"
+                              : isWord(Word::End) ? "'end " + std::string(peek(1).text.substr(0, 40)) + "'"
+                                                  : found();
     if (elseIf)
         reportAt(elseIfLine_, Problem::ElseIf, {std::to_string(line)});
     else
         reportAt(here().line, Problem::NotClosed, {what, std::to_string(line), "end " + what, other});
     if (isWord(Word::End) && !outer) {
-        const bool alone = peek(1).firstOnLine;  // nothing stands behind this end
         advance();
-        if (!alone) advance();
+        if (!alone && !here().firstOnLine) advance();
     } else if (outer && word == Word::Function) {
         panic_ = false;
     }
@@ -108,7 +86,11 @@ StatementPtr Parser::statement() {
     case Word::Return: return returnStatement(line);
     default: break;
     }
-    if (isName() && foreignStatement()) return nullptr;
+    bool taken = false;
+    if (isName() || isSymbol("{") || isSymbol("+") || isSymbol("-")) {
+        StatementPtr foreign = foreignStatement(taken);
+        if (taken) return foreign;
+    }
     if (isName() || isWord(Word::Me)) return itemStatement(line);
     if (isWord(Word::Later))
         report(Problem::NotAccepted, {here().text});
@@ -117,39 +99,32 @@ StatementPtr Parser::statement() {
     return nullptr;
 }
 
-// A word that begins statements elsewhere and is followed by what no statement of this language has.
-bool Parser::foreignStatement() {
-    const Token& next = peek(1);
-    const bool plain = next.kind == TokenKind::Symbol && !next.firstOnLine &&
-                       (next.text == ":=" || next.text == "." || next.text == "[" || next.text == "(");
-    if (plain) return false;
-    for (const ForeignWord& entry : ForeignWords)
-        if (ascii::equal(entry.word, here().text)) {
-            report(Problem::Foreign, {here().text, entry.here});
-            return true;
-        }
-    return false;
-}
-
 StatementPtr Parser::itemStatement(int line) {
     ExpressionPtr target = item();
     if (panic_) return nullptr;
+    if (target->kind == ExpressionKind::Literal) {  // told
+        errorLine_ = line;
+        panic_ = true;
+        return nullptr;
+    }
     if (isCall(*target)) {
         auto result = make(StatementKind::Call, line);
         result->value = std::move(target);
         return result;
     }
-    const bool counts = (isSymbol("+") || isSymbol("-")) && !here().firstOnLine;
-    if (counts && (peek(1).text == here().text || peek(1).text == "=")) {
+    const bool signs = isSymbol("+") || isSymbol("-") || isSymbol("*") || isSymbol("/");
+    const bool twice = peek(1).text == here().text && (isSymbol("+") || isSymbol("-"));
+    if (signs && !here().firstOnLine && (twice || peek(1).text == "=")) {
         const std::string sign(here().text), name = target->name.empty() ? "x" : target->name;
-        report(Problem::Foreign,
-               {sign + std::string(peek(1).text), "'" + name + " := " + name + " " + sign + " 1'"});
+        const std::string value = twice ? "1" : "...";
+        report(Problem::Foreign, {sign + std::string(peek(1).text),
+                                  "'" + name + " := " + name + " " + sign + " " + value + "'"});
         return nullptr;
     }
     auto result = make(StatementKind::Assign, line);
     result->target = std::move(target);
     if (isSymbol("=")) {
-        report(Problem::Foreign, {"=", "':=' to assign"});
+        reportExpected("':=' to assign");
         return nullptr;
     }
     if (!expect(":=")) return nullptr;
@@ -160,30 +135,39 @@ StatementPtr Parser::itemStatement(int line) {
 StatementPtr Parser::ifStatement(int line) {
     auto result = make(StatementKind::If, line);
     const bool behindElse = position_ > 0 && tokens_[position_ - 1].word == Word::Else && !here().firstOnLine;
-    while (isWord(Word::If) || isWord(Word::Elseif)) {
+    bool brace = false, more = true;
+    ++ifs_;
+    while (more) {
         Branch branch;
         branch.line = here().line;
-        advance();
-        branch.condition = expression();
-        if (!panic_) expect(Word::Then);
-        if (panic_) synchronise();
+        if (!takeForeignEnd(Word::Elseif)) advance();
+        branch.condition = condition();
+        brace = openBlock(Word::Then);
         block(branch.body);
+        brace = closeBrace(brace);
         result->branches.push_back(std::move(branch));
-        if (!isWord(Word::Elseif)) break;
+        // Behind a block in braces `else if` goes on with the same `if`.
+        if (brace && isWord(Word::Else) && peek(1).word == Word::If) advance();
+        more = isWord(Word::Elseif) ||
+               (brace && isWord(Word::If) && tokens_[position_ - 1].word == Word::Else) || atForeignElseif();
     }
-    elseBranch(*result);
-    closeBlock(Word::If, line);
+    elseBranch(*result, brace);
+    if (!brace) closeBlock(Word::If, line);
+    --ifs_;
     if (behindElse) elseIfLine_ = line;
     return result;
 }
 
-void Parser::elseBranch(Statement& statement) {
-    if (!isWord(Word::Else)) return;
+void Parser::elseBranch(Statement& statement, bool& brace) {
+    const bool foreign = takeForeignEnd(Word::Else);
+    if (!foreign && !isWord(Word::Else)) return;
     Branch branch;
     branch.line = here().line;
-    advance();
-    accept("=>");
+    if (!foreign) advance();
+    if (!accept("=>") && !here().firstOnLine) takeInstead("");
+    const bool opened = isSymbol("{") && takeBrace("nothing: a block begins behind 'else'");
     block(branch.body);
+    if (opened) brace = closeBrace(opened);
     statement.branches.push_back(std::move(branch));
     statement.hasElse = true;
 }
@@ -191,7 +175,7 @@ void Parser::elseBranch(Statement& statement) {
 StatementPtr Parser::whileStatement(int line) {
     advance();
     auto result = make(StatementKind::While, line);
-    result->value = expression();
+    result->value = condition();
     loopBody(*result);
     return result;
 }
@@ -205,6 +189,7 @@ StatementPtr Parser::loopStatement(int line) {
 StatementPtr Parser::forStatement(int line) {
     advance();
     auto result = make(StatementKind::For, line);
+    if (isSymbol("(")) return foreignFor(line);
     std::string text;
     if (name(text, "the name of a variable")) {
         result->target = makeName(text, line);
@@ -215,6 +200,10 @@ StatementPtr Parser::forStatement(int line) {
 }
 
 void Parser::forBounds(Statement& statement) {
+    if (isWord(Word::In) || isSymbol(",")) {
+        reportExpected(isWord(Word::In) ? "'from', or 'each' behind 'for'" : "'from'");
+        return;
+    }
     if (!expect(Word::From)) return;
     statement.value = expression();
     if (panic_) return;
@@ -224,12 +213,13 @@ void Parser::forBounds(Statement& statement) {
     else if (!expect(Word::To))
         return;
     statement.limit = expression();
-    if (!panic_ && accept(Word::By)) statement.step = expression();
+    const bool step = !panic_ && isName() && ascii::equal(here().text, "step") && takeInstead("by");
+    if (!panic_ && (step || accept(Word::By))) statement.step = expression();
 }
 
 StatementPtr Parser::forEachStatement(int line) {
     advance();
-    advance();
+    accept(Word::Each);
     auto result = make(StatementKind::ForEach, line);
     std::string text;
     if (name(text, "the name of a variable") && expect(Word::In)) {
@@ -244,22 +234,39 @@ StatementPtr Parser::forEachStatement(int line) {
 }
 
 void Parser::loopBody(Statement& statement) {
-    if (!panic_) expect(Word::Loop);
-    if (panic_) synchronise();
+    const bool brace = openBlock(Word::Loop);
+    ++loops_;
+    const bool outer = std::exchange(doLoop_, false);
     block(statement.body);
-    closeBlock(Word::Loop, statement.line);
+    doLoop_ = outer;
+    if (!closeBrace(brace)) closeBlock(Word::Loop, statement.line);
+    --loops_;
 }
 
 StatementPtr Parser::leaveStatement(StatementKind kind, int line) {
     advance();
     auto result = make(kind, line);
-    if (accept(Word::When)) result->value = expression();
+    const bool same = !here().firstOnLine;
+    if (same && isWord(Word::If) && !isOnLine(Word::Then)) {
+        takeInstead("when");
+        condition();
+    } else if (same && (isWord(Word::For) || isWord(Word::Loop) || isWord(Word::While)) &&
+               peek(1).firstOnLine) {
+        report(Problem::Expected, {"'when' or the next statement", found()});
+    } else if (accept(Word::When)) {
+        result->value = condition();
+    }
     return result;
 }
 
 StatementPtr Parser::returnStatement(int line) {
     advance();
     auto result = make(StatementKind::Return, line);
+    if (headKnown_ && !result_ && returnsValue()) {
+        tell(Problem::NoResultType, {functionItem_->name});
+        expression();
+        return result;
+    }
     const bool guess = !headKnown_ && here().line == line && !atEnd();
     if (headKnown_ ? result_ : guess) result->value = expression();
     return result;
@@ -268,20 +275,27 @@ StatementPtr Parser::returnStatement(int line) {
 StatementPtr Parser::selectStatement(int line) {
     advance();
     auto result = make(StatementKind::Select, line);
+    if (isWord(Word::Case) && !here().firstOnLine) takeInstead("the value");
     result->value = expression();
     if (panic_) synchronise();
+    ++selects_;
+    bool brace = isSymbol("{") && takeBrace("nothing: the end is 'end select'");
+    if (!brace && !here().firstOnLine) takeInstead("case");
     if (!isWord(Word::Case)) withoutCase();
     while (isWord(Word::Case)) {
         Branch branch;
         branch.line = here().line;
+        if (peek(1).word == Word::Else) break;
         advance();
         caseLabels(branch);
         if (panic_) synchronise();
         block(branch.body);
         result->branches.push_back(std::move(branch));
     }
-    elseBranch(*result);
-    closeBlock(Word::Select, line);
+    if (isWord(Word::Case)) takeInstead("else");
+    elseBranch(*result, brace);
+    if (!closeBrace(brace)) closeBlock(Word::Select, line);
+    --selects_;
     return result;
 }
 

@@ -17,15 +17,11 @@ bool endsBlock(Word word) {
            beginsDeclaration(word);
 }
 
-namespace {
-
-bool isStatementWord(Word word) {
+bool beginsStatement(Word word) {
     return word == Word::If || word == Word::While || word == Word::Loop || word == Word::For ||
            word == Word::Exit || word == Word::Iterate || word == Word::Select || word == Word::Return ||
            word == Word::Var;
 }
-
-}  // namespace
 
 const Token& Parser::peek(std::size_t ahead) const {
     const std::size_t last = tokens_.size() - 1;
@@ -57,8 +53,13 @@ void Parser::report(Problem problem, std::initializer_list<std::string_view> val
 }
 
 void Parser::reportAt(int line, Problem problem, std::initializer_list<std::string_view> values) {
-    if (!panic_ && here().kind != TokenKind::Bad) messages_.add(path_, line, problem, values);
+    if (!panic_ && here().kind != TokenKind::Bad && line != toldLine_) messages_.add(path_, line, problem, values);
     tree_->complete = false;
+}
+
+void Parser::tell(Problem problem, std::initializer_list<std::string_view> values) {
+    reportAt(here().line, problem, values);
+    toldLine_ = here().line;
 }
 
 // What is missing is missing at the end of the line before, if a new line has begun.
@@ -71,13 +72,13 @@ void Parser::reportExpected(std::string_view what) {
 }
 
 bool Parser::expect(Word word) {
-    if (accept(word)) return true;
+    if (accept(word) || takeInstead(spelling(word))) return true;
     reportExpected("'" + std::string(spelling(word)) + "'");
     return false;
 }
 
 bool Parser::expect(std::string_view symbol) {
-    if (accept(symbol)) return true;
+    if (accept(symbol) || takeInstead(symbol)) return true;
     reportExpected("'" + std::string(symbol) + "'");
     return false;
 }
@@ -89,7 +90,8 @@ void Parser::synchronise() {
     while (!atEnd()) {
         const Token& token = here();
         const bool begins =
-            token.kind == TokenKind::Name || endsBlock(token.word) || isStatementWord(token.word);
+            token.kind == TokenKind::Name || endsBlock(token.word) || beginsStatement(token.word) ||
+            (braces_ > 0 && token.kind == TokenKind::Symbol && token.text == "}");
         if (token.firstOnLine && token.line > errorLine_ && begins) break;
         if (token.firstOnLine && endsBlock(token.word) && position_ != lastSynchronised_) break;
         const Word word = token.word;
@@ -109,7 +111,7 @@ void Parser::synchronise() {
 bool Parser::name(std::string& text, std::string_view what) {
     if (!isName()) {
         if (here().kind == TokenKind::Word && !here().text.empty() && !isWord(Word::Later))
-            report(Problem::NameReserved, {here().text});
+            report(Problem::NameReserved, {here().text, "reserved"});
         else
             reportExpected(what);
         return false;
@@ -122,8 +124,7 @@ bool Parser::name(std::string& text, std::string_view what) {
 // A name that is being declared.
 bool Parser::newName(std::string& text) {
     if (isName() && ISFUTURERESERVEDWORD(here().text)) {
-        messages_.add(path_, here().line, Problem::NameReserved, {here().text});
-        tree_->complete = false;
+        tell(Problem::NameReserved, {here().text, "kept for later"});
     }
     return name(text, "a name");
 }

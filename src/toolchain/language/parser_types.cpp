@@ -79,7 +79,9 @@ void Parser::simpleType(TypeNode& node) {
     case Kind::Table:
         if (isSymbol("[")) ranges(node);
         return element(node);
-    default: return;
+    default:
+        if (isSymbol("[") && !here().firstOnLine) reportExpected("'array[...] of' in front of the type");
+        return;
     }
 }
 
@@ -89,6 +91,7 @@ void Parser::partOf(TypeNode& node) {
 }
 
 void Parser::namedType(TypeNode& node) {
+    if (foreignType(node)) return;
     name(node.name, "a type");
     if (accept(".")) {
         node.qualifier = std::move(node.name);
@@ -99,13 +102,14 @@ void Parser::namedType(TypeNode& node) {
 }
 
 void Parser::enumType(TypeNode& node) {
-    if (!accept("(")) return;
+    const bool brace = isSymbol("{") && takeInstead("(");
+    if (!brace && !accept("(")) return;
     do {
         std::string text;
         if (!newName(text)) return;
         node.names.push_back(text);
     } while (accept(","));
-    expect(")");
+    if (!brace || !accept("}")) expect(")");
 }
 
 void Parser::fields(TypeNode& node, Word closing) {
@@ -139,7 +143,7 @@ void Parser::ranges(TypeNode& node) {
         RangeNode range;
         if (!accept("*")) {
             range.lower = expression();
-            if (!panic_ && accept(":")) range.upper = expression();
+            if (!panic_ && (accept(":") || (isSymbol("..") && takeInstead(":")))) range.upper = expression();
         }
         if (panic_) return;
         node.ranges.push_back(std::move(range));
@@ -149,6 +153,7 @@ void Parser::ranges(TypeNode& node) {
 
 void Parser::element(TypeNode& node) {
     if (panic_) return;
+    if (isSymbol("<")) return reportExpected("'of' and a type");
     node.isOpen = !accept(Word::Of);
     if (node.isOpen) return;
     node.element = typeReference();

@@ -18,7 +18,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::NumberTooLarge, "the number % is too large for %"},
     {Problem::BadNumber, "% is not a number"},
     {Problem::NameTooLong, "the name '%' is longer than 40 characters"},
-    {Problem::Foreign, "'%' is no part of the language: write %"},
+    {Problem::Foreign, "'%' has no meaning here: write %"},
     {Problem::FixedDecimals, "a number with a point has at most 4 decimals: a real number is written %E0"},
 
     {Problem::Expected, "% is expected, but % follows"},
@@ -28,9 +28,12 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::NotAccepted, "'%' is a reserved word that this version does not accept"},
     {Problem::BareClassVariable, "a variable of the class begins with 'private var' or 'public var'"},
     {Problem::StatementExpected, "a statement is expected here, not %"},
-    {Problem::NameReserved, "'%' is reserved and cannot be a name"},
+    {Problem::NameReserved, "'%' is % and cannot be a name"},
     {Problem::NotClosed, "'%' of line % is not closed: '%' is expected, but % follows"},
     {Problem::ElseIf, "the 'if' of line % is not closed: behind an 'else' of the same 'if' write 'elseif'"},
+    {Problem::Misplaced, "'%' does not stand here: %"},
+    {Problem::NotOpen, "'%' closes nothing: no block of that kind is open here"},
+    {Problem::NoResultType, "the function '%' gives no value: write 'return' and a type behind its parentheses"},
 
     {Problem::UnknownName, "'%' is not declared"},
     {Problem::DeclaredTwice, "'%' is declared already, in line %"},
@@ -116,6 +119,12 @@ std::string continued(std::string_view text) {
 }
 
 }  // namespace
+
+std::vector<Problem> allProblems() {
+    std::vector<Problem> result;
+    for (const Entry& entry : Texts) result.push_back(entry.problem);
+    return result;
+}
 
 std::string problemText(Problem problem, std::initializer_list<std::string_view> values) {
     const auto found = std::find_if(Texts.begin(), Texts.end(),

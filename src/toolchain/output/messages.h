@@ -39,6 +39,9 @@ enum class Problem : int {
     NameReserved = 1108,
     NotClosed = 1109,
     ElseIf = 1110,
+    Misplaced = 1111,
+    NotOpen = 1112,
+    NoResultType = 1113,
 
     UnknownName = 1201,
     DeclaredTwice = 1202,
@@ -107,7 +110,10 @@ enum class Problem : int {
     SourcesChange = 1913,
 };
 
-// The text of a problem with its `%` signs replaced in order.
+// All problems, in the order of their numbers' groups.
+std::vector<Problem> allProblems();
+
+// The text of a problem with its `%` signs replaced in order; those without a value stay.
 std::string problemText(Problem problem, std::initializer_list<std::string_view> values);
 
 struct Message {

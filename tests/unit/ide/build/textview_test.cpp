@@ -130,6 +130,43 @@ TEST_F(ErrorWindow, WhatLeadsNowhereSaysSo) {
     }
 }
 
+TEST_F(ErrorWindow, HelpOnAMessageOfTheDefaultCompilerIsItsOwnPage) {
+    write("Tarnwick.htm", "general");
+    PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit2", dir);
+    std::filesystem::create_directories(dir + "messages");
+    write("messages/1101.htm", "page");
+    write("messages/1102.htm", "");
+    struct Case {
+        const char* message;
+        std::string page;
+    };
+    const Case cases[] = {{"a.cls(3) : error 1101 'then' is expected", "messages/1101.htm"},
+                          {"a.cls : fatal 1101 without a line", "messages/1101.htm"},
+                          {"a.cls(3) : error 1102 an empty page", "Tarnwick.htm#1102"},
+                          {"a.cls(3) : error 1103 no page", "Tarnwick.htm#1103"},
+                          {"a.cls(3) : error 9 of another compiler", "Tarnwick.htm#9"}};
+    const bool before = platform::setHeadlessBrowser(false);
+    for (const Case& c : cases) {
+        show(c.message);
+        EXPECT_TRUE(key(KEY_F1));
+        EXPECT_EQ(lastText(), "It is not possible to visit the following website: file://" + dir + c.page +
+                                  "\nThe default browser cannot be found.")
+            << c.message;
+    }
+    EXPECT_EQ(asked.size(), std::size(cases)) << "a page opens once";
+    show("a.cls(3) : error 1101 'then' is expected\n> and more\n", 2);
+    EXPECT_TRUE(key(KEY_F1));
+    EXPECT_NE(lastText().find("messages/1101.htm"), std::string::npos) << "a line that continues it is its";
+    platform::setHeadlessBrowser(before);
+}
+
+TEST_F(ErrorWindow, TheHelpFolderHoldsThePages) {
+    PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit2", BINARY_DIR "/help/");
+    EXPECT_EQ(GETMESSAGEPAGE(1001), BINARY_DIR "/help/messages/1001.htm");
+    EXPECT_EQ(GETMESSAGEPAGE(7), "");
+    EXPECT_EQ(GETMESSAGEPAGE(0), "");
+}
+
 TEST_F(ErrorWindow, EscClosesItAndTheCommandShowsItAgain) {
     show("a.cls(2): error 7\n");
     SetPosition(ViewDlg, WINDOW_UNIT, Rect{30, 40, 500, 120});
