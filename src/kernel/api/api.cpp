@@ -14,7 +14,8 @@
 
 #include <cstddef>
 
-static_assert(sizeof(tarn_frame) == sizeof(tarn::FrameRecord) && sizeof(tarn_frame_stack) == sizeof(tarn::FrameStack));
+static_assert(sizeof(tarn_frame) == sizeof(tarn::FrameRecord) &&
+              sizeof(tarn_frame_stack) == sizeof(tarn::FrameStack));
 static_assert(offsetof(tarn_frame, first_line) == offsetof(tarn::FrameRecord, firstLine) &&
               offsetof(tarn_frame, copies) == offsetof(tarn::FrameRecord, copiedClass));
 

@@ -377,7 +377,7 @@ void tarn_scratch_release(void); /* at the end of the program */
 /* The element, or a scratch value with the error set: 602 or 603, and what else the kernel finds wrong. */
 void* tarn_array_element(tarn_array* a, int32_t dimensions, int32_t i, int32_t j, int32_t k);
 void* tarn_list_element(tarn_list* l, int32_t position);
-int32_t tarn_enum_check(int32_t ordinal, int32_t count); /* 682, and 0, outside 0 to count - 1 */
+int32_t tarn_enum_check(int32_t ordinal, int32_t count);             /* 682, and 0, outside 0 to count - 1 */
 void tarn_string_append(tarn_string* dest, const tarn_string* part); /* `part` may be `dest` */
 /* Gives the line that begins at the position, without its end, and moves the position behind it. 0 at the end
  * of the text. A line feed ends a line, with a carriage return before it or without. */
@@ -407,13 +407,15 @@ int32_t tarn_sys_list_find(const tarn_list* l, const tarn_string* text); /* mind
  * one that the key fits (636). */
 void tarn_sys_tab_add(tarn_table* t, const void* row, int32_t kind);
 void tarn_sys_tab_read(const tarn_table* t, const tarn_record* key, void* row, int32_t kind);
-void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* row, int32_t kind, int32_t index);
+void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* row, int32_t kind,
+                          int32_t index);
 int32_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
                           int32_t kind);
 int32_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* row,
                              int32_t kind, int32_t index);
 void tarn_sys_tab_update(tarn_table* t, const tarn_record* key, const void* row, int32_t kind);
-void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* row, int32_t kind, int32_t index);
+void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* row, int32_t kind,
+                            int32_t index);
 void tarn_sys_tab_delete(tarn_table* t, const tarn_record* key);
 void tarn_sys_tab_delete_by(tarn_table* t, const tarn_record* key, int32_t index);
 void tarn_sys_tab_row(const tarn_table* t, int32_t number, void* row, int32_t kind);
@@ -428,10 +430,12 @@ void tarn_sys_close_table(tarn_table* t);
 
 /* The window, or with a control's name the control, of the program's resources; unknown ones name nothing. */
 void tarn_object_bind(tarn_record* object, const char* window, const char* control);
-void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element); /* 602 outside, 702 */
+void tarn_control_element(const tarn_record* array, int32_t index,
+                          tarn_record* element); /* 602 outside, 702 */
 /* The function that gets the window's events. It tells by 1 that it has handled one, or vetoes the close. */
-void tarn_window_register(const char* window, int32_t (*function)(const tarn_record* me, int32_t event,
-                                                                  const tarn_record* control, int32_t parameter));
+void tarn_window_register(const char* window,
+                          int32_t (*function)(const tarn_record* me, int32_t event,
+                                              const tarn_record* control, int32_t parameter));
 void tarn_window_main(const char* window); /* loads it, shows it and runs until it is gone */
 
 /* ---- the library as compiled programs see it: SYSTEM functions, each with the line of its caller ----
@@ -466,12 +470,11 @@ void tarn_sys_errormessage(int32_t code, tarn_string* result);
 void tarn_sys_errordetails(tarn_string* result); /* the whole text of a report */
 void tarn_sys_print(const tarn_string* text);    /* a line to standard output */
 
-
 /* Values of any kind, by a format of the table of data formats or by the extension; see library/system/files.h. */
 void tarn_sys_loadfile_value(const tarn_string* path, void* value, int32_t kind);
 void tarn_sys_loadfile_format(const tarn_string* path, int32_t format, void* value, int32_t kind);
-void tarn_sys_loadfile_options(const tarn_string* path, int32_t format, const tarn_record* options, void* value,
-                               int32_t kind);
+void tarn_sys_loadfile_options(const tarn_string* path, int32_t format, const tarn_record* options,
+                               void* value, int32_t kind);
 void tarn_sys_savefile_value(const tarn_string* path, const void* value, int32_t kind);
 void tarn_sys_savefile_format(const tarn_string* path, int32_t format, const void* value, int32_t kind);
 void tarn_sys_savefile_options(const tarn_string* path, int32_t format, const tarn_record* options,
@@ -480,13 +483,15 @@ void tarn_sys_savefile_options(const tarn_string* path, int32_t format, const ta
 void tarn_sys_tabopen(const tarn_string* path, tarn_table* t);
 void tarn_sys_tabopen_options(const tarn_string* path, const tarn_record* options, tarn_table* t);
 void tarn_sys_tabclose(const tarn_string* path, tarn_table* t);
-void tarn_sys_tabclose_options(const tarn_string* path, const tarn_record* options, int32_t save, tarn_table* t);
-void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string* directory, tarn_string* stem,
-                        tarn_string* extension);
+void tarn_sys_tabclose_options(const tarn_string* path, const tarn_record* options, int32_t save,
+                               tarn_table* t);
+void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string* directory,
+                        tarn_string* stem, tarn_string* extension);
 void tarn_sys_strsplit(const tarn_string* text, const tarn_string* separator, tarn_string* left,
                        tarn_string* right);
 void tarn_sys_nextword(const tarn_string* text, int32_t* position, tarn_string* word);
-void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* text, tarn_string* result);
+void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* text,
+                            tarn_string* result);
 void tarn_sys_msgbox_ok(const tarn_string* title, const tarn_string* text);
 void tarn_sys_assert(int32_t condition); /* 687 */
 int32_t tarn_sys_ord_enum(int32_t value);

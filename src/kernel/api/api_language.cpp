@@ -105,7 +105,8 @@ void* tarn_array_element(tarn_array* a, int32_t dimensions, int32_t i, int32_t j
 void* tarn_list_element(tarn_list* l, int32_t position) {
     void* element = tarn::ListRef(in(l), position);
     if (element != nullptr) return element;
-    const void* like = l->prototype != 0 || l->tag > tarn::TagInFile ? prototypeOf(l->prototype) : prototypeOf(l->data);
+    const void* like =
+        l->prototype != 0 || l->tag > tarn::TagInFile ? prototypeOf(l->prototype) : prototypeOf(l->data);
     return tarn_scratch(elementKind(l->tag), like);
 }
 
@@ -204,7 +205,8 @@ void tarn_sys_tab_add(tarn_table* t, const void* value, int32_t kind) {
     if (!isRecordKind(kind)) return;
     tarn::TableAdd(in(t), tarn::TableIndexCount(in(t)) > 0 ? 1 : 0, in(row(value)));
 }
-void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* value, int32_t kind, int32_t index) {
+void tarn_sys_tab_read_by(const tarn_table* t, const tarn_record* key, void* value, int32_t kind,
+                          int32_t index) {
     if (isRecordKind(kind)) tarn::TableRead(in(t), index, in(key), in(row(value)));
 }
 void tarn_sys_tab_read(const tarn_table* t, const tarn_record* key, void* value, int32_t kind) {
@@ -216,10 +218,12 @@ int32_t tarn_sys_tab_find_by(const tarn_string* op, const tarn_table* t, const t
     if (isRecordKind(kind)) tarn::TableFind(text(op).view(), in(t), index, in(key), in(row(value)), found);
     return found ? 1 : 0;
 }
-int32_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value, int32_t kind) {
+int32_t tarn_sys_tab_find(const tarn_string* op, const tarn_table* t, const tarn_record* key, void* value,
+                          int32_t kind) {
     return tarn_sys_tab_find_by(op, t, key, value, kind, tarn::TableIndexFor(in(t), in(key)));
 }
-void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* value, int32_t kind, int32_t index) {
+void tarn_sys_tab_update_by(tarn_table* t, const tarn_record* key, const void* value, int32_t kind,
+                            int32_t index) {
     if (isRecordKind(kind)) tarn::TableUpdate(in(row(value)), index, in(key), in(t));
 }
 void tarn_sys_tab_update(tarn_table* t, const tarn_record* key, const void* value, int32_t kind) {

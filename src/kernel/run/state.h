@@ -29,7 +29,9 @@ struct FrameRecord {
     char copiedClass[MaxName + 1];
     char copiedFunction[MaxName + 1];  // A to Z lower-cased
 
-    [[nodiscard]] const char* className() const { return literalClass != nullptr ? literalClass : copiedClass; }
+    [[nodiscard]] const char* className() const {
+        return literalClass != nullptr ? literalClass : copiedClass;
+    }
     [[nodiscard]] const char* functionName() const {
         return literalClass != nullptr ? literalFunction : copiedFunction;
     }

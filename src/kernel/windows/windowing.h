@@ -56,7 +56,7 @@ Result handOn(Call call) {
 }
 }  // namespace detail
 
-#define TARN_WRAP(result, name, symbol, parameters, arguments)                                                       \
+#define TARN_WRAP(result, name, symbol, parameters, arguments)                                               \
     inline result name parameters {                                                                          \
         return detail::handOn<result>([&] { return platform::name arguments; });                             \
     }

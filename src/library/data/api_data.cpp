@@ -18,12 +18,14 @@ std::string text(const tarn_string* s) {
 extern "C" {
 
 void tarn_sys_tabopen_options(const tarn_string* path, const tarn_record* options, tarn_table* t) {
-    TABOPEN(text(path), reinterpret_cast<const RecordDescriptor*>(options), reinterpret_cast<TableDescriptor*>(t));
+    TABOPEN(text(path), reinterpret_cast<const RecordDescriptor*>(options),
+            reinterpret_cast<TableDescriptor*>(t));
 }
 void tarn_sys_tabopen(const tarn_string* path, tarn_table* t) {
     tarn_sys_tabopen_options(path, nullptr, t);
 }
-void tarn_sys_tabclose_options(const tarn_string* path, const tarn_record* options, int32_t save, tarn_table* t) {
+void tarn_sys_tabclose_options(const tarn_string* path, const tarn_record* options, int32_t save,
+                               tarn_table* t) {
     TABCLOSE(text(path), reinterpret_cast<const RecordDescriptor*>(options), save != 0,
              reinterpret_cast<TableDescriptor*>(t));
 }

@@ -35,8 +35,9 @@ struct TokenWalk {
 // ---- lines ----
 
 using limits::MaxClassLines;
-inline constexpr const char* TooManyLines = MaxClassLines == 8000 ? "Class has too many lines, maximum is 8000."
-                                                                   : "Class has too many lines, maximum is 80.";
+inline constexpr const char* TooManyLines = MaxClassLines == 8000
+                                                ? "Class has too many lines, maximum is 8000."
+                                                : "Class has too many lines, maximum is 80.";
 
 using Lines = std::vector<std::string>;  // each without its line end
 

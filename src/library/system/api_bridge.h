@@ -138,7 +138,8 @@ struct Argument<TrackLimits> {
     static TrackLimits of(C value) {
         FieldReader fields(value);
         TrackLimits limits;
-        for (int* part : {&limits.handle, &limits.width, &limits.height, &limits.step}) *part = fields.number();
+        for (int* part : {&limits.handle, &limits.width, &limits.height, &limits.step})
+            *part = fields.number();
         return limits;
     }
 };
@@ -243,7 +244,9 @@ struct Bridge<R(A...), Call> {
         return static_cast<std::int32_t>(Call(Plain<A>::of(arguments)...));
     }
     static double real(typename Plain<A>::C... arguments) { return Call(Plain<A>::of(arguments)...); }
-    static std::int64_t fixed(typename Plain<A>::C... arguments) { return Call(Plain<A>::of(arguments)...).word; }
+    static std::int64_t fixed(typename Plain<A>::C... arguments) {
+        return Call(Plain<A>::of(arguments)...).word;
+    }
     static double large(typename Plain<A>::C... arguments) {
         return static_cast<double>(Call(Plain<A>::of(arguments)...));
     }
@@ -271,6 +274,5 @@ template <auto Call>
 struct Bridge<WindowFunction(const Object&), Call> {
     static constexpr std::nullptr_t function() { return nullptr; }
 };
-
 
 }  // namespace tarn::api::bridge

@@ -38,7 +38,8 @@ namespace {
 std::int32_t exec(const std::string& command, const std::string& arguments, int mode) {
     return EXEC(command, arguments, mode).code;
 }
-std::int32_t execIn(const std::string& command, const std::string& arguments, int mode, const std::string& folder) {
+std::int32_t execIn(const std::string& command, const std::string& arguments, int mode,
+                    const std::string& folder) {
     return EXEC(command, arguments, mode, folder).code;
 }
 
@@ -50,6 +51,7 @@ constexpr auto Of = [](auto&&... values) { return Call(std::forward<decltype(val
 extern "C" const auto tarn_win_exec =
     bridge::Bridge<std::int32_t(const std::string&, const std::string&, int), Of<exec>>::function();
 extern "C" const auto tarn_win_exec_in =
-    bridge::Bridge<std::int32_t(const std::string&, const std::string&, int, const std::string&), Of<execIn>>::function();
+    bridge::Bridge<std::int32_t(const std::string&, const std::string&, int, const std::string&),
+                   Of<execIn>>::function();
 
 }  // namespace tarn::api

@@ -60,7 +60,8 @@ const Numbers& controlsOf(const std::string& window) {
         const std::string_view line = ascii::takeLine(rest);
         const std::size_t blank = line.rfind(' ');
         if (blank == std::string_view::npos) continue;
-        place->second.emplace(ascii::lowered(line.substr(0, blank)), std::atoi(std::string(line.substr(blank + 1)).c_str()));
+        place->second.emplace(ascii::lowered(line.substr(0, blank)),
+                              std::atoi(std::string(line.substr(blank + 1)).c_str()));
     }
     return place->second;
 }
@@ -132,11 +133,13 @@ void tarn_object_bind(tarn_record* object, const char* window, const char* contr
 
 void tarn_control_element(const tarn_record* array, int32_t index, tarn_record* element) {
     const tarn::platform::Object first = objectOf(array), found = tarn::ControlElement(first, index);
-    if (found.empty()) tarn::SetError(tarn::IsLoaded(first.owner()) ? tarn::ERR_ARRAY_BOUNDS : tarn::ERR_WINDOW_NOT_LOADED);
+    if (found.empty())
+        tarn::SetError(tarn::IsLoaded(first.owner()) ? tarn::ERR_ARRAY_BOUNDS : tarn::ERR_WINDOW_NOT_LOADED);
     putObject(found, element);
 }
 
-void tarn_window_register(const char* window, int32_t (*function)(const tarn_record*, int32_t, const tarn_record*, int32_t)) {
+void tarn_window_register(const char* window,
+                          int32_t (*function)(const tarn_record*, int32_t, const tarn_record*, int32_t)) {
     functions()[tarn::ascii::lowered(text(window))] = function;
     tarn::RegisterWindow(tarn::platform::Object(text(window)), dispatch);
 }

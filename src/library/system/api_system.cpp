@@ -156,9 +156,10 @@ void tarn_sys_assert(int32_t condition) {
 
 // ---- values of any kind in files ----
 
-void tarn_sys_loadfile_options(const tarn_string* path, int32_t format, const tarn_record* options, void* value,
-                               int32_t kind) {
-    LOADFILE(text(path), format, reinterpret_cast<const RecordDescriptor*>(options), value, static_cast<Kind>(kind));
+void tarn_sys_loadfile_options(const tarn_string* path, int32_t format, const tarn_record* options,
+                               void* value, int32_t kind) {
+    LOADFILE(text(path), format, reinterpret_cast<const RecordDescriptor*>(options), value,
+             static_cast<Kind>(kind));
 }
 void tarn_sys_loadfile_format(const tarn_string* path, int32_t format, void* value, int32_t kind) {
     LOADFILE(text(path), format, value, static_cast<Kind>(kind));
@@ -166,9 +167,10 @@ void tarn_sys_loadfile_format(const tarn_string* path, int32_t format, void* val
 void tarn_sys_loadfile_value(const tarn_string* path, void* value, int32_t kind) {
     LOADFILE(text(path), value, static_cast<Kind>(kind));
 }
-void tarn_sys_savefile_options(const tarn_string* path, int32_t format, const tarn_record* options, const void* value,
-                               int32_t kind) {
-    SAVEFILE(text(path), format, reinterpret_cast<const RecordDescriptor*>(options), value, static_cast<Kind>(kind));
+void tarn_sys_savefile_options(const tarn_string* path, int32_t format, const tarn_record* options,
+                               const void* value, int32_t kind) {
+    SAVEFILE(text(path), format, reinterpret_cast<const RecordDescriptor*>(options), value,
+             static_cast<Kind>(kind));
 }
 void tarn_sys_savefile_format(const tarn_string* path, int32_t format, const void* value, int32_t kind) {
     SAVEFILE(text(path), format, value, static_cast<Kind>(kind));
@@ -179,15 +181,16 @@ void tarn_sys_savefile_value(const tarn_string* path, const void* value, int32_t
 
 // ---- texts in parts ----
 
-void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string* directory, tarn_string* stem,
-                        tarn_string* extension) {
+void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string* directory,
+                        tarn_string* stem, tarn_string* extension) {
     const PathParts parts = SPLITPATH(text(path));
     assign(drive, parts.drive);
     assign(directory, parts.directory);
     assign(stem, parts.name);
     assign(extension, parts.extension);
 }
-void tarn_sys_strsplit(const tarn_string* s, const tarn_string* separator, tarn_string* left, tarn_string* right) {
+void tarn_sys_strsplit(const tarn_string* s, const tarn_string* separator, tarn_string* left,
+                       tarn_string* right) {
     const StringPair parts = STRSPLIT(text(s), text(separator));
     assign(left, parts.left);
     assign(right, parts.right);
@@ -203,8 +206,8 @@ void tarn_sys_nextword(const tarn_string* s, int32_t* position, tarn_string* wor
     assign(word, found);
 }
 void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* s, tarn_string* result) {
-    TextTransform(reinterpret_cast<const StringDescriptor*>(key), mode, reinterpret_cast<const StringDescriptor*>(s),
-                  reinterpret_cast<StringDescriptor*>(result));
+    TextTransform(reinterpret_cast<const StringDescriptor*>(key), mode,
+                  reinterpret_cast<const StringDescriptor*>(s), reinterpret_cast<StringDescriptor*>(result));
 }
 
 // ---- texts of values ----

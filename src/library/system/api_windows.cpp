@@ -16,7 +16,7 @@ TARN_WINDOW_OPERATIONS(TARN_HEAD)
 
 #define TARN_BRIDGE(result, name, symbol, parameters, arguments)                                             \
     extern "C" const auto tarn_win_##symbol =                                                                \
-        bridge::Bridge<decltype(heads::symbol), [](auto&&... values) -> decltype(auto) {                             \
+        bridge::Bridge<decltype(heads::symbol), [](auto&&... values) -> decltype(auto) {                     \
             return tarn::name(std::forward<decltype(values)>(values)...);                                    \
         }>::function();
 TARN_WINDOW_OPERATIONS(TARN_BRIDGE)

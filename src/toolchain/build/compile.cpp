@@ -126,7 +126,8 @@ private:
             std::string resources;
             if (!twin.empty()) static_cast<void>(os::readFile(twin, resources));
             resources = windowNames(resources);
-            facts_.push_back({sourceDigest(tree->path, text, resources), outlineOf(text, resources).heads, {}, tree});
+            facts_.push_back(
+                {sourceDigest(tree->path, text, resources), outlineOf(text, resources).heads, {}, tree});
             known_.insert(tree->path);
             for (const UsedClass& used : tree->uses)
                 if (used.tree != nullptr) list.push_back(used.tree);

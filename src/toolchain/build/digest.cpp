@@ -93,11 +93,11 @@ private:
             take();
     }
     static bool endsType(const Token& before, const Token& here) {
-        static constexpr Word Types[] = {Word::Boolean, Word::Integer, Word::Fixed,  Word::Real, Word::String,
+        static constexpr Word Types[] = {Word::Boolean, Word::Integer, Word::Fixed, Word::Real, Word::String,
                                          Word::Enum,    Word::Record,  Word::Union, Word::Set};
-        const bool complete = before.kind == TokenKind::Name || before.text == "]" || before.text == ")" ||
-                              std::any_of(std::begin(Types), std::end(Types),
-                                          [&](Word word) { return isWord(before, word); });
+        const bool complete =
+            before.kind == TokenKind::Name || before.text == "]" || before.text == ")" ||
+            std::any_of(std::begin(Types), std::end(Types), [&](Word word) { return isWord(before, word); });
         return complete && here.kind != TokenKind::Symbol && !ascii::equal(here.text, "of");
     }
 
@@ -190,7 +190,8 @@ Digest digestOf(Digest first, Digest second) {
 }
 
 Digest sourceDigest(const std::string& path, std::string_view text, std::string_view windows) {
-    static const Digest tools = digestOf(digestOf(CoreText), digestOf(digestOf(systemText()), digestOf(ProductVersion)));
+    static const Digest tools =
+        digestOf(digestOf(CoreText), digestOf(digestOf(systemText()), digestOf(ProductVersion)));
     return digestOf(digestOf(tools, digestOf(windows)), digestOf(digestOf(path), digestOf(text)));
 }
 

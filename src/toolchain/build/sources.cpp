@@ -143,7 +143,8 @@ private:
     }
 
     // Fills in what the text says. A source that has not changed since its compile said it then.
-    static std::vector<std::string> usesOf(SourceClass& item, const std::string& text, const std::string& resources) {
+    static std::vector<std::string> usesOf(SourceClass& item, const std::string& text,
+                                           const std::string& resources) {
         if (item.record && item.record->source == item.source && item.record->uses) {
             item.name = item.record->name;
             item.isMain = item.record->isMain;

@@ -34,9 +34,8 @@ bool statementReturns(const Statement& item) {
     case StatementKind::Loop: return !leavesLoop(item.body);
     case StatementKind::If:
     case StatementKind::Select:
-        return item.hasElse &&
-               std::all_of(item.branches.begin(), item.branches.end(),
-                           [](const Branch& branch) { return alwaysReturns(branch.body); });
+        return item.hasElse && std::all_of(item.branches.begin(), item.branches.end(),
+                                           [](const Branch& branch) { return alwaysReturns(branch.body); });
     default: return false;
     }
 }
@@ -47,8 +46,9 @@ bool alwaysReturns(const Block& statements) {
 }
 
 bool sameKinds(const Function& a, const Function& b) {
-    return std::equal(a.parameters.begin(), a.parameters.end(), b.parameters.begin(), b.parameters.end(),
-                      [](const auto& left, const auto& right) { return left->type->kind == right->type->kind; });
+    return std::equal(
+        a.parameters.begin(), a.parameters.end(), b.parameters.begin(), b.parameters.end(),
+        [](const auto& left, const auto& right) { return left->type->kind == right->type->kind; });
 }
 
 }  // namespace
@@ -62,7 +62,8 @@ void Checker::run() {
     for (auto& item : tree_.declarations) {
         const bool lost = item->kind == DeclarationKind::Constant && !item->value && !isStoredConstant(*item);
         if (lost && messages_.empty())
-            add(item->line, item->dependsOnItself ? Problem::ConstantCycle : Problem::ConstantNeeded, {item->name});
+            add(item->line, item->dependsOnItself ? Problem::ConstantCycle : Problem::ConstantNeeded,
+                {item->name});
     }
 }
 

@@ -49,7 +49,8 @@ int costOfFit(Fit fit, const Type* from, const Type* to) {
 bool changesElements(const Declaration& form) {
     static constexpr auto Names = std::to_array<std::string_view>(
         {"listadd", "listinsert", "listdelete", "listclear", "listsort", "tabadd", "tabdelete", "tabclear",
-         "tabrebuild", "redim", "setinclude", "setexclude", "setclear", "open", "close", "tabopen", "tabclose"});
+         "tabrebuild", "redim", "setinclude", "setexclude", "setclear", "open", "close", "tabopen",
+         "tabclose"});
     return std::find(Names.begin(), Names.end(), ascii::lowered(form.name)) != Names.end();
 }
 
@@ -81,7 +82,8 @@ void Checker::call(ExpressionPtr& item) {
 // `Colour(3)`: an integer as a value of an enum.
 void Checker::typeCall(Expression& item, const Declaration& target) {
     for (ExpressionPtr& operand : item.operands) check(operand);
-    if (target.type->kind != Kind::Enum) return wrongKind(target, "a function or the name of an enum", item.line);
+    if (target.type->kind != Kind::Enum)
+        return wrongKind(target, "a function or the name of an enum", item.line);
     if (item.operands.size() != 1)
         return add(item.line, Problem::ArgumentCount, {item.name, "1", std::to_string(item.operands.size())});
     if (!requireKind(item.operands[0], Kind::Integer)) return;
@@ -99,7 +101,8 @@ void Checker::checkArguments(Expression& item, const Declaration& first) {
         }
         bool indexName = false;
         for (const Declaration* form = &first; form != nullptr; form = form->nextForm)
-            if (parametersOf(*form).size() == item.operands.size() && isIndexName(*parametersOf(*form)[i])) indexName = true;
+            if (parametersOf(*form).size() == item.operands.size() && isIndexName(*parametersOf(*form)[i]))
+                indexName = true;
         const bool bare = operand->kind == ExpressionKind::Name && operand->qualifier.empty();
         if (!indexName || !bare) check(operand);
         if (indexName && bare) operand->type = plainType(Kind::Integer);
@@ -153,8 +156,9 @@ const Declaration* Checker::formFor(const Expression& item, const Declaration& f
 }
 
 void Checker::noForm(Expression& item, const Declaration& first) {
-    const bool known = std::none_of(item.operands.begin(), item.operands.end(),
-                                    [](const ExpressionPtr& value) { return value->type->kind == Kind::Unknown; });
+    const bool known =
+        std::none_of(item.operands.begin(), item.operands.end(),
+                     [](const ExpressionPtr& value) { return value->type->kind == Kind::Unknown; });
     if (first.nextForm == nullptr)
         add(item.line, Problem::ArgumentCount,
             {item.name, std::to_string(parametersOf(first).size()), std::to_string(item.operands.size())});
@@ -176,7 +180,8 @@ void Checker::argument(Expression& item, std::size_t index, const Declaration& f
     const Fit fit = fitOf(value->type, type);
     if (fit != Fit::Same && fit != Fit::Open)
         add(value->line, Problem::TypeMismatch, {typePhrase(type), typePhrase(value->type)});
-    else if (!isVariable(*value, false) || (value->kind == ExpressionKind::Index && value->operands[0]->type->kind == Kind::String))
+    else if (!isVariable(*value, false) ||
+             (value->kind == ExpressionKind::Index && value->operands[0]->type->kind == Kind::String))
         add(value->line, Problem::VariableNeeded, {std::to_string(index + 1), item.name});
 }
 

@@ -32,7 +32,8 @@ bool operatorFits(Operator op, Kind kind) {
     case Operator::Lt:
     case Operator::Le:
     case Operator::Gt:
-    case Operator::Ge: return isNumber(kind) || kind == Kind::String || kind == Kind::Enum || kind == Kind::Set;
+    case Operator::Ge:
+        return isNumber(kind) || kind == Kind::String || kind == Kind::Enum || kind == Kind::Set;
     case Operator::Add: return isNumber(kind) || kind == Kind::String || kind == Kind::Set;
     case Operator::Subtract:
     case Operator::Multiply: return isNumber(kind) || kind == Kind::Set;
@@ -57,8 +58,10 @@ ExpressionPtr makeChain(Expression& from, std::size_t steps) {
     result->line = from.line;
     result->type = from.operands[0]->type;
     for (std::size_t i = 0; i <= steps; ++i) result->operands.push_back(std::move(from.operands[i]));
-    result->operators.assign(from.operators.begin(), from.operators.begin() + static_cast<std::ptrdiff_t>(steps));
-    from.operands.erase(from.operands.begin(), from.operands.begin() + static_cast<std::ptrdiff_t>(steps) + 1);
+    result->operators.assign(from.operators.begin(),
+                             from.operators.begin() + static_cast<std::ptrdiff_t>(steps));
+    from.operands.erase(from.operands.begin(),
+                        from.operands.begin() + static_cast<std::ptrdiff_t>(steps) + 1);
     from.operators.erase(from.operators.begin(), from.operators.begin() + static_cast<std::ptrdiff_t>(steps));
     return result;
 }
@@ -120,8 +123,9 @@ bool Checker::isVariable(const Expression& item, bool tell) {
             add(item.line, Problem::CannotAssign, {item.name.empty() ? "me" : item.name, "no variable"});
         return false;
     }
-    const bool constant = root->kind == DeclarationKind::Constant || root->kind == DeclarationKind::Function ||
-                          root->kind == DeclarationKind::Type || root->kind == DeclarationKind::Window ||
+    const bool constant = root->kind == DeclarationKind::Constant ||
+                          root->kind == DeclarationKind::Function || root->kind == DeclarationKind::Type ||
+                          root->kind == DeclarationKind::Window ||
                           (root->kind == DeclarationKind::Parameter && root->mode == Mode::In);
     if (constant && tell) add(item.line, Problem::CannotAssign, {root->name, declarationName(root->kind)});
     return !constant;
@@ -146,7 +150,8 @@ void Checker::checkOne(ExpressionPtr& item, const Type* expected) {
         return;
     case ExpressionKind::Name: return name(*item);
     case ExpressionKind::Me:
-        item->type = function_ != nullptr && function_->isCallback ? systemType("Control") : plainType(Kind::Unknown);
+        item->type =
+            function_ != nullptr && function_->isCallback ? systemType("Control") : plainType(Kind::Unknown);
         if (!isKnown(item)) add(item->line, Problem::UnknownName, {"me"});
         return;
     case ExpressionKind::Field: return field(item);
@@ -256,7 +261,8 @@ void Checker::foldCharacter(Expression& item) {
     if (!text || !place || text->kind != Kind::String) return;
     const auto size = static_cast<std::int64_t>(text->text.size());
     const bool inside = place->number >= 1 && place->number <= size;
-    item.constant = integerValue(inside ? static_cast<unsigned char>(text->text[static_cast<std::size_t>(place->number) - 1]) : 0);
+    item.constant = integerValue(
+        inside ? static_cast<unsigned char>(text->text[static_cast<std::size_t>(place->number) - 1]) : 0);
 }
 
 // `array[i]`: one control of several that share a name.
@@ -293,12 +299,14 @@ void Checker::chain(Expression& item) {
         if (!later) check(operand);
     }
     if (item.operators[0] == Operator::In) return membership(item);
-    const auto typed = std::find_if(item.operands.begin(), item.operands.end(), [](const ExpressionPtr& operand) {
-        return operand->kind != ExpressionKind::Aggregate && operand->kind != ExpressionKind::Set;
-    });
+    const auto typed =
+        std::find_if(item.operands.begin(), item.operands.end(), [](const ExpressionPtr& operand) {
+            return operand->kind != ExpressionKind::Aggregate && operand->kind != ExpressionKind::Set;
+        });
     const Type* expected = typed == item.operands.end() ? nullptr : (*typed)->type;
     for (ExpressionPtr& operand : item.operands)
-        if (operand->kind == ExpressionKind::Aggregate || operand->kind == ExpressionKind::Set) check(operand, expected);
+        if (operand->kind == ExpressionKind::Aggregate || operand->kind == ExpressionKind::Set)
+            check(operand, expected);
     for (std::size_t step = 0; step < item.operators.size();) {
         const std::size_t before = item.operators.size();
         if (!stepFits(item, step)) return;
@@ -306,7 +314,8 @@ void Checker::chain(Expression& item) {
     }
     const bool truth = isComparison(item.operators[0]);
     item.type = truth ? plainType(Kind::Boolean) : item.operands[0]->type;
-    if (item.type->kind == Kind::String || item.type->kind == Kind::Set) item.type = plainType(item.type->kind);
+    if (item.type->kind == Kind::String || item.type->kind == Kind::Set)
+        item.type = plainType(item.type->kind);
     foldIfConstant(item);
 }
 
@@ -354,8 +363,9 @@ void Checker::membership(Expression& item) {
 }
 
 void Checker::foldIfConstant(Expression& item) {
-    const bool constant = std::all_of(item.operands.begin(), item.operands.end(),
-                                      [](const ExpressionPtr& operand) { return operand->constant.has_value(); });
+    const bool constant =
+        std::all_of(item.operands.begin(), item.operands.end(),
+                    [](const ExpressionPtr& operand) { return operand->constant.has_value(); });
     if (!constant) return;
     Value value;
     if (foldChain(item, value)) {
@@ -379,7 +389,8 @@ void Checker::constantText(Expression& item, Value value) {
 // ---- literals of composite values ----
 
 void Checker::setLiteral(Expression& item) {
-    item.type = plainType(Kind::Set);  // as wide as its members; what does not fit is told where it is assigned
+    item.type =
+        plainType(Kind::Set);  // as wide as its members; what does not fit is told where it is assigned
     for (ExpressionPtr& member : item.operands) {
         if (member == nullptr) continue;
         check(member);
@@ -391,10 +402,13 @@ void Checker::setLiteral(Expression& item) {
 // The values in braces take the types of the fields, elements or rows that they become.
 void Checker::aggregate(Expression& item, const Type* expected) {
     const Kind kind = expected == nullptr ? Kind::None : expected->kind;
-    const bool open = kind == Kind::Adt || (expected != nullptr && (expected->isOpen || (isRecord(kind) && expected->fields.empty())));
+    const bool open =
+        kind == Kind::Adt ||
+        (expected != nullptr && (expected->isOpen || (isRecord(kind) && expected->fields.empty())));
     if (open) return freeAggregate(item);
     if (isRecord(kind)) return recordAggregate(item, expected);
-    const bool elements = (kind == Kind::Array && expected->dimensions == 1) || kind == Kind::List || kind == Kind::Table;
+    const bool elements =
+        (kind == Kind::Array && expected->dimensions == 1) || kind == Kind::List || kind == Kind::Table;
     if (!elements) {
         for (ExpressionPtr& operand : item.operands) check(operand);
         item.type = plainType(kind == Kind::Unknown ? Kind::Unknown : Kind::Aggregate);

@@ -17,7 +17,8 @@ void Checker::wrongKind(const Declaration& item, const char* needed, int line) {
 }
 
 // Null when nothing is found; a message was given then, unless `quiet`.
-const Declaration* Checker::lookUp(const std::string& qualifier, const std::string& name, int line, bool quiet) {
+const Declaration* Checker::lookUp(const std::string& qualifier, const std::string& name, int line,
+                                   bool quiet) {
     const std::string folded = ascii::lowered(name);
     const Declaration* found = nullptr;
     if (qualifier.empty()) {
@@ -93,7 +94,8 @@ void Checker::prepare(ClassTree& owner, Declaration& item, int line) {
     for (Declaration* form = &item; form != nullptr; form = form->nextForm) other.resolveHead(*form);
     if (item.kind == DeclarationKind::Constant && item.evaluation == Progress::Not)
         other.evaluate(item, constantDepth_);
-    if (item.kind == DeclarationKind::Constant && item.evaluation == Progress::Running) item.dependsOnItself = true;
+    if (item.kind == DeclarationKind::Constant && item.evaluation == Progress::Running)
+        item.dependsOnItself = true;
     if (item.dependsOnItself) {
         // The way back goes over this class: its constant is part of the circle, too.
         if (!running_.empty()) running_.back()->dependsOnItself = true;

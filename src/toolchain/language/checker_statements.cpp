@@ -42,7 +42,8 @@ void Checker::loop(Statement& item) {
 void Checker::callStatement(Statement& item) {
     check(item.value);
     const Declaration* target = item.value->target;
-    const bool optional = target != nullptr && target->function && target->function->external.starts_with("tarn_win_");
+    const bool optional =
+        target != nullptr && target->function && target->function->external.starts_with("tarn_win_");
     if (optional) return;
     const bool used = item.value->kind == ExpressionKind::Call && item.value->type->kind != Kind::None &&
                       item.value->type->kind != Kind::Unknown;
@@ -144,7 +145,8 @@ void Checker::caseLabel(CaseLabel& label, const Type* type, SeenCases& seen) {
         if (type->kind == Kind::Record) return windowLabel(label);
         if (!(*value)->constant) return add(label.line, Problem::ConstantNeeded, {});
     }
-    const bool ordered = type->kind != Kind::String && type->kind != Kind::Boolean && type->kind != Kind::Real;
+    const bool ordered =
+        type->kind != Kind::String && type->kind != Kind::Boolean && type->kind != Kind::Real;
     if (label.to && !ordered)
         return add(label.line, Problem::TypeMismatch, {"an integer", typePhrase(label.to->type)});
     const Value& from = *label.from->constant;
@@ -165,7 +167,8 @@ void Checker::caseLabel(CaseLabel& label, const Type* type, SeenCases& seen) {
 // In a select over controls: the name of one, or an element of a control array.
 void Checker::windowLabel(const CaseLabel& label) {
     const Expression& from = *label.from;
-    const bool isElement = from.kind == ExpressionKind::Index && from.operands[0]->isWindow && from.operands[1]->constant;
+    const bool isElement =
+        from.kind == ExpressionKind::Index && from.operands[0]->isWindow && from.operands[1]->constant;
     if ((!from.isWindow && !isElement) || label.to) add(label.line, Problem::ConstantNeeded, {});
 }
 

@@ -27,7 +27,8 @@ const Type* Checker::resolve(TypeNode& node) {
     if (isScalar(node.kind) && node.kind != Kind::Enum) return node.resolved = plainType(node.kind);
     const bool inLibrary = isSystem(tree_);
     if (!inLibrary && (node.kind == Kind::Adt || node.isOpen)) {
-        add(node.line, Problem::LibraryOnly, {std::string("'") + kindName(node.kind) + (node.isOpen ? "' without 'of'" : "'")});
+        add(node.line, Problem::LibraryOnly,
+            {std::string("'") + kindName(node.kind) + (node.isOpen ? "' without 'of'" : "'")});
         return node.resolved;
     }
     if (node.kind == Kind::Adt) return node.resolved = plainType(Kind::Adt);

@@ -16,9 +16,9 @@ bool isForeign(char c) {
 }
 
 // Longest first.
-constexpr auto Symbols = std::to_array<std::string_view>(
-    {":=", "<>", "<=", ">=", "=>", "->", "..", "(", ")", "[", "]", "{", "}",
-     ",",  ".",  ":",  "=",  "<",  ">",  "+", "-", "*", "/"});
+constexpr auto Symbols =
+    std::to_array<std::string_view>({":=", "<>", "<=", ">=", "=>", "->", "..", "(", ")", "[", "]", "{",
+                                     "}",  ",",  ".",  ":",  "=",  "<",  ">",  "+", "-", "*", "/"});
 
 // Spellings of other languages, what is written here, and the token that each is read as. Longest first.
 struct Foreign {
@@ -90,7 +90,8 @@ private:
 
     // Who ends statements so does it on every line: it is told once.
     void semicolon() {
-        if (!semicolonTold_) messages_.add(file_, line_, Problem::Foreign, {";", "nothing: a line or a blank is enough"});
+        if (!semicolonTold_)
+            messages_.add(file_, line_, Problem::Foreign, {";", "nothing: a line or a blank is enough"});
         semicolonTold_ = true;
     }
 
@@ -108,7 +109,8 @@ private:
     bool lineComment(std::string_view mark) {
         const bool include = source_.substr(position_, 8) == "#include";
         if (include)
-            messages_.add(file_, line_, Problem::Foreign, {"#include", "'Uses' and names of classes behind the name of the class"});
+            messages_.add(file_, line_, Problem::Foreign,
+                          {"#include", "'Uses' and names of classes behind the name of the class"});
         else
             messages_.add(file_, line_, Problem::Foreign, {mark, CommentHere});
         restOfLine();
@@ -172,7 +174,10 @@ private:
         if (c == '"') return string();
         for (const Foreign& foreign : ForeignSymbols)
             if (source_.substr(position_, foreign.text.size()) == foreign.text) return foreignSymbol(foreign);
-        if (c == '\'') return closesOnLine('\'') ? foreignString() : foreignRest("'", "double quotes around a text, '//' in front of a comment");
+        if (c == '\'')
+            return closesOnLine('\'')
+                       ? foreignString()
+                       : foreignRest("'", "double quotes around a text, '//' in front of a comment");
         if (c == '#') return foreignRest("#", "CHR(...)");
         if (c == '&') return foreignRest("&", "'and', or '+' to join texts");
         if (c == ';') return semicolonToken();
@@ -265,7 +270,8 @@ private:
         Token result = token(TokenKind::Real, begin);
         result.real = std::strtod(std::string(result.text).c_str(), nullptr);
         if (ascii::isSymbol(at(position_))) return badNumber(begin);
-        if (std::isinf(result.real)) messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "a real number"});
+        if (std::isinf(result.real))
+            messages_.add(file_, line_, Problem::NumberTooLarge, {result.text, "a real number"});
         return result;
     }
 

@@ -371,12 +371,14 @@ std::string headOf(const Declaration& item) {
 // A function may be declared ahead of its body, once, with the same head.
 void Parser::addFunction(std::unique_ptr<Declaration> item) {
     Declaration* ahead = nullptr;
-    for (Declaration* form = findDeclaration(*tree_, ascii::lowered(item->name)); form != nullptr; form = form->nextForm) {
+    for (Declaration* form = findDeclaration(*tree_, ascii::lowered(item->name)); form != nullptr;
+         form = form->nextForm) {
         const bool waits = form->kind == DeclarationKind::Function && form->function->bodyLine == 0 &&
                            form->function->external.empty();
         if (waits && (ahead == nullptr || headOf(*form) == headOf(*item))) ahead = form;
     }
-    const bool completes = ahead != nullptr && item->function->bodyLine != 0 && !item->function->headHasErrors;
+    const bool completes =
+        ahead != nullptr && item->function->bodyLine != 0 && !item->function->headHasErrors;
     if (!completes) return addToClass(std::move(item));
     if (headOf(*ahead) != headOf(*item)) {
         const std::string line = std::to_string(ahead->line);

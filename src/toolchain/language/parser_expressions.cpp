@@ -38,7 +38,8 @@ constexpr int ComparisonLevel = 2;
 constexpr int TightestLevel = 4;
 
 bool isNumberToken(const Token& token) {
-    return token.kind == TokenKind::Integer || token.kind == TokenKind::Fixed || token.kind == TokenKind::Real;
+    return token.kind == TokenKind::Integer || token.kind == TokenKind::Fixed ||
+           token.kind == TokenKind::Real;
 }
 
 }  // namespace
@@ -248,7 +249,8 @@ ExpressionPtr Parser::item() {
             next->name = result->name;
             next->operands.push_back(std::move(result));
             result = std::move(next);
-            if (peek(1).kind == TokenKind::Symbol && peek(1).text == "]") advance(), reportExpected("a value");
+            if (peek(1).kind == TokenKind::Symbol && peek(1).text == "]")
+                advance(), reportExpected("a value");
             if (!panic_) list(*result, "]");
         } else if (accept(".") || (isSymbol("->") && takeInstead("."))) {
             auto next = makeExpression(ExpressionKind::Field, result->line);
@@ -264,7 +266,8 @@ ExpressionPtr Parser::item() {
 
 // Arguments behind a function's name, or behind a class's name and a function's.
 ExpressionPtr Parser::call(ExpressionPtr base) {
-    const bool isField = base->kind == ExpressionKind::Field && base->operands[0]->kind == ExpressionKind::Name;
+    const bool isField =
+        base->kind == ExpressionKind::Field && base->operands[0]->kind == ExpressionKind::Name;
     if (base->kind != ExpressionKind::Name && !isField) {
         reportExpected("no arguments: only a function has them,");
         return base;

@@ -195,24 +195,24 @@ private:
     std::size_t position_ = 0, lastSynchronised_ = 0, lastUnclosed_ = 0;
     ClassTree* tree_ = nullptr;
     int depth_ = 0;
-    int errorLine_ = 0;       // of the last message
-    int elseIfLine_ = 0;      // of the last `if` that stands behind `else` on one line
+    int errorLine_ = 0;   // of the last message
+    int elseIfLine_ = 0;  // of the last `if` that stands behind `else` on one line
     bool panic_ = false;
-    bool result_ = false;     // the function being read has one
-    bool headKnown_ = true;   // its head could be read
-    bool isPublic_ = false;   // the declaration being read
+    bool result_ = false;    // the function being read has one
+    bool headKnown_ = true;  // its head could be read
+    bool isPublic_ = false;  // the declaration being read
     bool braceTold_ = false;
     bool tryTold_ = false;
-    std::map<std::string, bool> declared_;  // words of the tables that the class declares as names
-    int toldLine_ = 0;        // of the last habit that was told: one a line
-    bool commaTold_ = false;         // between names of used classes
-    bool foreignHead_ = false;       // the function being read begins with a word of another language
-    int braces_ = 0;                 // blocks that a brace opened
+    std::map<std::string, bool> declared_;   // words of the tables that the class declares as names
+    int toldLine_ = 0;                       // of the last habit that was told: one a line
+    bool commaTold_ = false;                 // between names of used classes
+    bool foreignHead_ = false;               // the function being read begins with a word of another language
+    int braces_ = 0;                         // blocks that a brace opened
     int ifs_ = 0, loops_ = 0, selects_ = 0;  // open blocks of the function being read
-    bool doLoop_ = false;            // the innermost loop began with `do` or `repeat`
-    std::size_t decidedAt_ = 0;      // the token that decides functionEndAhead
+    bool doLoop_ = false;                    // the innermost loop began with `do` or `repeat`
+    std::size_t decidedAt_ = 0;              // the token that decides functionEndAhead
     bool endDecided_ = false;
-    int nested_ = 0;                 // classes that begin inside of the class
+    int nested_ = 0;                       // classes that begin inside of the class
     Declaration* functionItem_ = nullptr;  // the function being read
 };
 

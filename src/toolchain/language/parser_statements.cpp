@@ -58,9 +58,9 @@ void Parser::closeBlock(Word word, int line) {
     if (panic_ || std::exchange(lastUnclosed_, position_) == position_) return;
     const std::string what(spelling(word));
     const bool elseIf = word == Word::If && elseIfLine_ >= line;
-    const std::string other =
-        alone ? "'end' alone"
-        : isWord(Word::End) ? "'end " + std::string(peek(1).text.substr(0, 40)) + "'" : found();
+    const std::string other = alone               ? "'end' alone"
+                              : isWord(Word::End) ? "'end " + std::string(peek(1).text.substr(0, 40)) + "'"
+                                                  : found();
     if (elseIf)
         reportAt(elseIfLine_, Problem::ElseIf, {std::to_string(line)});
     else
@@ -117,7 +117,8 @@ StatementPtr Parser::itemStatement(int line) {
     if (signs && !here().firstOnLine && (twice || peek(1).text == "=")) {
         const std::string sign(here().text), name = target->name.empty() ? "x" : target->name;
         const std::string value = twice ? "1" : "...";
-        report(Problem::Foreign, {sign + std::string(peek(1).text), "'" + name + " := " + name + " " + sign + " " + value + "'"});
+        report(Problem::Foreign, {sign + std::string(peek(1).text),
+                                  "'" + name + " := " + name + " " + sign + " " + value + "'"});
         return nullptr;
     }
     auto result = make(StatementKind::Assign, line);
@@ -147,8 +148,8 @@ StatementPtr Parser::ifStatement(int line) {
         result->branches.push_back(std::move(branch));
         // Behind a block in braces `else if` goes on with the same `if`.
         if (brace && isWord(Word::Else) && peek(1).word == Word::If) advance();
-        more = isWord(Word::Elseif) || (brace && isWord(Word::If) && tokens_[position_ - 1].word == Word::Else) ||
-               atForeignElseif();
+        more = isWord(Word::Elseif) ||
+               (brace && isWord(Word::If) && tokens_[position_ - 1].word == Word::Else) || atForeignElseif();
     }
     elseBranch(*result, brace);
     if (!brace) closeBlock(Word::If, line);
@@ -249,7 +250,8 @@ StatementPtr Parser::leaveStatement(StatementKind kind, int line) {
     if (same && isWord(Word::If) && !isOnLine(Word::Then)) {
         takeInstead("when");
         condition();
-    } else if (same && (isWord(Word::For) || isWord(Word::Loop) || isWord(Word::While)) && peek(1).firstOnLine) {
+    } else if (same && (isWord(Word::For) || isWord(Word::Loop) || isWord(Word::While)) &&
+               peek(1).firstOnLine) {
         report(Problem::Expected, {"'when' or the next statement", found()});
     } else if (accept(Word::When)) {
         result->value = condition();

@@ -132,7 +132,8 @@ void Parser::fields(TypeNode& node, Word closing) {
     if (accept(closing)) return;
     --position_;
     const std::string what(spelling(closing));
-    report(Problem::NotClosed, {what, std::to_string(line), "end " + what, "'end " + std::string(peek(1).text.substr(0, 40)) + "'"});
+    report(Problem::NotClosed, {what, std::to_string(line), "end " + what,
+                                "'end " + std::string(peek(1).text.substr(0, 40)) + "'"});
 }
 
 void Parser::ranges(TypeNode& node) {

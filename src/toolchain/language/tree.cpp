@@ -4,8 +4,8 @@
 namespace tarn::toolchain {
 
 const char* operatorText(Operator op) {
-    static constexpr const char* Texts[] = {"+",  "-", "*",  "/", "div", "mod", "and", "or",
-                                            "=", "<>", "<", "<=", ">",  ">=",  "in"};
+    static constexpr const char* Texts[] = {"+", "-",  "*", "/",  "div", "mod", "and", "or",
+                                            "=", "<>", "<", "<=", ">",   ">=",  "in"};
     return Texts[static_cast<int>(op)];
 }
 
@@ -34,7 +34,8 @@ bool isStoredConstant(const Declaration& item) {
 
 const Declaration* findMain(const ClassTree& tree) {
     for (const Declaration* item = findDeclaration(tree, "main"); item != nullptr; item = item->nextForm)
-        if (item->kind == DeclarationKind::Function && (item->function->parameters.empty() || item->function->isCallback))
+        if (item->kind == DeclarationKind::Function &&
+            (item->function->parameters.empty() || item->function->isCallback))
             return item;
     return nullptr;
 }

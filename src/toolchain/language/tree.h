@@ -29,22 +29,38 @@ struct Value {
     std::string text;
 };
 
-enum class Operator : unsigned char { Add, Subtract, Multiply, Divide, Div, Mod, And, Or, Eq, Ne, Lt, Le, Gt, Ge, In };
+enum class Operator : unsigned char {
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    Div,
+    Mod,
+    And,
+    Or,
+    Eq,
+    Ne,
+    Lt,
+    Le,
+    Gt,
+    Ge,
+    In
+};
 const char* operatorText(Operator op);
 
 enum class ExpressionKind : unsigned char {
     Literal,
     Name,
     Me,
-    Field,      // operand 0 and a name
-    Index,      // operand 0, then one index for each dimension
-    Call,       // the operands are the arguments
+    Field,  // operand 0 and a name
+    Index,  // operand 0, then one index for each dimension
+    Call,   // the operands are the arguments
     Not,
     Negate,
     Chain,
-    Set,        // pairs of operands, the second null for a single member
+    Set,  // pairs of operands, the second null for a single member
     Aggregate,
-    Convert,    // made by the checker: operand 0 as `type`
+    Convert,  // made by the checker: operand 0 as `type`
 };
 
 struct Declaration;
@@ -56,10 +72,10 @@ using ExpressionPtr = std::unique_ptr<Expression>;
 struct Expression {
     ExpressionKind kind = ExpressionKind::Literal;
     int line = 0;
-    std::string qualifier, name;          // Name, Call; Field (name alone)
+    std::string qualifier, name;  // Name, Call; Field (name alone)
     std::vector<ExpressionPtr> operands;
-    std::vector<Operator> operators;      // Chain: one fewer than operands; one level of precedence
-    Value value;                          // Literal
+    std::vector<Operator> operators;  // Chain: one fewer than operands; one level of precedence
+    Value value;                      // Literal
 
     // Set by the checker.
     const Type* type = plainType(Kind::Unknown);
@@ -103,15 +119,15 @@ enum class StatementKind : unsigned char {
 struct Statement {
     StatementKind kind = StatementKind::Call;
     int line = 0;
-    ExpressionPtr target;          // Assign; the variable of For and ForEach
-    ExpressionPtr value;           // the value, condition, call, selector, start, or what is walked
-    ExpressionPtr limit, step;     // For; step may be null
-    ExpressionPtr where;           // ForEach; may be null
-    std::string through;           // ForEach: the name of an index
-    int index = 1;                 // ForEach over a table: the number of the index, set by the checker; 0: none
-    bool down = false;             // For: downto; ForEach: desc
-    bool hasElse = false;          // If, Select: the last branch is `else`
-    bool isInitial = false;        // Assign: the start value of a variable
+    ExpressionPtr target;       // Assign; the variable of For and ForEach
+    ExpressionPtr value;        // the value, condition, call, selector, start, or what is walked
+    ExpressionPtr limit, step;  // For; step may be null
+    ExpressionPtr where;        // ForEach; may be null
+    std::string through;        // ForEach: the name of an index
+    int index = 1;              // ForEach over a table: the number of the index, set by the checker; 0: none
+    bool down = false;          // For: downto; ForEach: desc
+    bool hasElse = false;       // If, Select: the last branch is `else`
+    bool isInitial = false;     // Assign: the start value of a variable
     std::vector<Branch> branches;  // If, Select
     Block body;                    // loops
 };
@@ -137,12 +153,12 @@ struct IndexNode {
 };
 
 struct TypeNode {
-    Kind kind = Kind::None;       // None: a named type
+    Kind kind = Kind::None;  // None: a named type
     int line = 0;
     std::string qualifier, name;  // of a named type; of an enum with names what it is called
     bool isExternal = false;
     bool hasRanges = false;
-    bool isOpen = false;          // without `of`: any shape
+    bool isOpen = false;  // without `of`: any shape
     std::vector<RangeNode> ranges;
     std::vector<FieldNode> fields;
     std::vector<std::string> names;  // of an enum
@@ -155,7 +171,15 @@ using TypeNodePtr = std::shared_ptr<TypeNode>;
 
 // ---- declarations ----
 
-enum class DeclarationKind : unsigned char { Constant, Type, ClassVariable, Variable, Parameter, Function, Window };
+enum class DeclarationKind : unsigned char {
+    Constant,
+    Type,
+    ClassVariable,
+    Variable,
+    Parameter,
+    Function,
+    Window
+};
 const char* declarationName(DeclarationKind kind);
 
 enum class Mode : unsigned char { In, Out, Inout };
@@ -167,7 +191,7 @@ struct Condition {
 
 struct Function {
     std::vector<std::unique_ptr<Declaration>> parameters, variables;
-    TypeNodePtr resultNode;                    // null: no result
+    TypeNodePtr resultNode;  // null: no result
     const Type* result = plainType(Kind::None);
     std::vector<Condition> preconditions, postconditions;
     std::int32_t firstCode = 0, lastCode = 0;  // of onerror
@@ -189,13 +213,13 @@ struct Declaration {
     std::string name;
     int line = 0;  // of the (forward) declaration
     bool isPublic = false;
-    TypeNodePtr typeNode;                          // null: a constant that takes the type of its value
-    const Type* type = plainType(Kind::None);      // once it is resolved
+    TypeNodePtr typeNode;                      // null: a constant that takes the type of its value
+    const Type* type = plainType(Kind::None);  // once it is resolved
     Mode mode = Mode::In;
     ExpressionPtr initial;               // of a constant or a class variable
     std::unique_ptr<Function> function;  // of a function
     const ClassTree* owner = nullptr;
-    std::string signature;  // its head as written, blanks as one
+    std::string signature;            // its head as written, blanks as one
     Declaration* nextForm = nullptr;  // another function of the same name
 
     // A window, a menu's item or a control: what the resource file calls it.
@@ -203,7 +227,7 @@ struct Declaration {
     std::int32_t lower = 0, upper = -1;  // of a control array
 
     // Set by the checker.
-    mutable int useLine = 0;  // of the first use
+    mutable int useLine = 0;     // of the first use
     std::optional<Value> value;  // of a constant that is known while compiling
     Progress resolving = Progress::Not, evaluation = Progress::Not;
     int enumOrdinal = -1;  // of the name of an enum

@@ -16,10 +16,22 @@ struct KindRow {
 };
 
 constexpr KindRow Kinds[] = {
-    {"call without a value", 0}, {"boolean", 1}, {"enum", 1}, {"integer", 4},
-    {"fixed", 8},                {"real", 8},    {"string", 24}, {"record", 36},
-    {"union", 36},               {"set", 44},    {"array", 44},  {"list", 24},
-    {"table", 24},               {"adt", 0},     {"value", 0},   {"value in braces", 0},
+    {"call without a value", 0},
+    {"boolean", 1},
+    {"enum", 1},
+    {"integer", 4},
+    {"fixed", 8},
+    {"real", 8},
+    {"string", 24},
+    {"record", 36},
+    {"union", 36},
+    {"set", 44},
+    {"array", 44},
+    {"list", 24},
+    {"table", 24},
+    {"adt", 0},
+    {"value", 0},
+    {"value in braces", 0},
 };
 
 const KindRow& rowOf(Kind kind) {
@@ -34,9 +46,15 @@ std::string keyOf(const Type& type) {
     std::string key = std::to_string(static_cast<int>(type.kind));
     if (type.isExternal) key += 'x';
     if (type.isOpen) key += 'o';
-    key.append(1, ',').append(std::to_string(type.length)).append(1, ',').append(std::to_string(type.dimensions));
+    key.append(1, ',')
+        .append(std::to_string(type.length))
+        .append(1, ',')
+        .append(std::to_string(type.dimensions));
     for (const Range& range : type.bounds)
-        key.append(1, '[').append(std::to_string(range.lower)).append(1, ':').append(std::to_string(range.upper));
+        key.append(1, '[')
+            .append(std::to_string(range.lower))
+            .append(1, ':')
+            .append(std::to_string(range.upper));
     if (type.element != nullptr) spell(key, type.element);
     for (const Field& field : type.fields) {
         key.append(1, ';').append(ascii::lowered(field.name));
@@ -170,7 +188,8 @@ int indexNumber(const Type& table, std::string_view name) {
 
 Fit fitOf(const Type* from, const Type* to) {
     if (to->kind == Kind::Adt) return isComposite(from->kind) ? Fit::Open : Fit::None;
-    if (to->isOpen) return from->kind == to->kind || (isRecord(to->kind) && isRecord(from->kind)) ? Fit::Open : Fit::None;
+    if (to->isOpen)
+        return from->kind == to->kind || (isRecord(to->kind) && isRecord(from->kind)) ? Fit::Open : Fit::None;
     if (sameShape(from, to)) return from->kind == Kind::None ? Fit::None : Fit::Same;
     return converts(from->kind, to->kind) ? Fit::Convert : Fit::None;
 }

@@ -55,7 +55,7 @@ struct Field {
 };
 
 struct Index {
-    std::string name;  // may be empty
+    std::string name;         // may be empty
     std::vector<int> fields;  // numbers of row fields, from 1
 };
 
@@ -80,21 +80,30 @@ struct TypeOrder {
     bool operator()(const Type* a, const Type* b) const { return a->number < b->number; }
 };
 
-const Type* plainType(Kind kind);  // without bounds or parts: a scalar, an unbounded string, None, Unknown ...
+const Type*
+plainType(Kind kind);  // without bounds or parts: a scalar, an unbounded string, None, Unknown ...
 const Type* stringType(std::int32_t length);
 // The one type with these parts; sets the offsets of fields.
 const Type* internType(Type parts);
 const Type* openType(Kind kind);
 
-inline bool isScalar(Kind kind) { return kind >= Kind::Boolean && kind <= Kind::Real; }
-inline bool isComposite(Kind kind) { return kind >= Kind::String && kind <= Kind::Table; }
-inline bool isNumber(Kind kind) { return kind == Kind::Integer || kind == Kind::Fixed || kind == Kind::Real; }
-inline bool isRecord(Kind kind) { return kind == Kind::Record || kind == Kind::Union; }
+inline bool isScalar(Kind kind) {
+    return kind >= Kind::Boolean && kind <= Kind::Real;
+}
+inline bool isComposite(Kind kind) {
+    return kind >= Kind::String && kind <= Kind::Table;
+}
+inline bool isNumber(Kind kind) {
+    return kind == Kind::Integer || kind == Kind::Fixed || kind == Kind::Real;
+}
+inline bool isRecord(Kind kind) {
+    return kind == Kind::Record || kind == Kind::Union;
+}
 std::int32_t sizeOf(Kind kind);  // bytes in a record, array or list
 
-const char* kindName(Kind kind);               // "integer", "list" ...
-std::string typePhrase(const Type* type);      // with its article, for messages: "a list of strings"
-int fieldNumber(const Type& type, std::string_view name);  // from 1; 0 for none. Without regard to case
+const char* kindName(Kind kind);           // "integer", "list" ...
+std::string typePhrase(const Type* type);  // with its article, for messages: "a list of strings"
+int fieldNumber(const Type& type, std::string_view name);   // from 1; 0 for none. Without regard to case
 int indexNumber(const Type& table, std::string_view name);  // from 1; 0 for none
 
 // How a value of one type stands where another is needed.

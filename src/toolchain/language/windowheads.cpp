@@ -33,24 +33,42 @@ namespace {
 template <class T>
 const char* languageType() {
     using namespace platform;
-    if constexpr (std::is_same_v<T, bool>) return "boolean";
-    else if constexpr (std::is_same_v<T, std::int64_t> || std::is_same_v<T, double>) return "real";
-    else if constexpr (std::is_same_v<T, FixedValue>) return "fixed";
-    else if constexpr (std::is_integral_v<T> || std::is_enum_v<T>) return "integer";
-    else if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>) return "string";
-    else if constexpr (std::is_same_v<T, Object>) return "Control";
-    else if constexpr (std::is_same_v<T, Rect>) return "TRECT";
-    else if constexpr (std::is_same_v<T, Picture>) return "TPICTURE";
-    else if constexpr (std::is_same_v<T, Font>) return "TFONT";
-    else if constexpr (std::is_same_v<T, Selection>) return "TSELECTION";
-    else if constexpr (std::is_same_v<T, TrackLimits>) return "TTRACKLIMITS";
-    else if constexpr (std::is_same_v<T, PrintChoice>) return "TPRINTCHOICE";
-    else if constexpr (std::is_same_v<T, RegInfo>) return "TREGINFO";
-    else if constexpr (std::is_same_v<T, CommTimeouts>) return "TCOMMTIMEOUTS";
-    else if constexpr (std::is_same_v<T, std::vector<std::string>>) return "TSTRINGS";
-    else if constexpr (std::is_same_v<T, std::vector<Object>>) return "TCONTROLS";
-    else if constexpr (std::is_same_v<T, std::vector<Process>>) return "TPROCESSES";
-    else return nullptr;
+    if constexpr (std::is_same_v<T, bool>)
+        return "boolean";
+    else if constexpr (std::is_same_v<T, std::int64_t> || std::is_same_v<T, double>)
+        return "real";
+    else if constexpr (std::is_same_v<T, FixedValue>)
+        return "fixed";
+    else if constexpr (std::is_integral_v<T> || std::is_enum_v<T>)
+        return "integer";
+    else if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>)
+        return "string";
+    else if constexpr (std::is_same_v<T, Object>)
+        return "Control";
+    else if constexpr (std::is_same_v<T, Rect>)
+        return "TRECT";
+    else if constexpr (std::is_same_v<T, Picture>)
+        return "TPICTURE";
+    else if constexpr (std::is_same_v<T, Font>)
+        return "TFONT";
+    else if constexpr (std::is_same_v<T, Selection>)
+        return "TSELECTION";
+    else if constexpr (std::is_same_v<T, TrackLimits>)
+        return "TTRACKLIMITS";
+    else if constexpr (std::is_same_v<T, PrintChoice>)
+        return "TPRINTCHOICE";
+    else if constexpr (std::is_same_v<T, RegInfo>)
+        return "TREGINFO";
+    else if constexpr (std::is_same_v<T, CommTimeouts>)
+        return "TCOMMTIMEOUTS";
+    else if constexpr (std::is_same_v<T, std::vector<std::string>>)
+        return "TSTRINGS";
+    else if constexpr (std::is_same_v<T, std::vector<Object>>)
+        return "TCONTROLS";
+    else if constexpr (std::is_same_v<T, std::vector<Process>>)
+        return "TPROCESSES";
+    else
+        return nullptr;
 }
 
 template <class Head>
@@ -60,8 +78,10 @@ template <class R, class... A>
 struct Shape<R(A...)> {
     static constexpr bool isVoid = std::is_void_v<R>;
     static const char* result() {
-        if constexpr (isVoid) return "";
-        else return languageType<R>();
+        if constexpr (isVoid)
+            return "";
+        else
+            return languageType<R>();
     }
     static std::vector<const char*> parameters() { return {languageType<std::remove_cvref_t<A>>()...}; }
 };
@@ -77,7 +97,8 @@ std::vector<std::string> namesIn(std::string_view parameters) {
         one = one.substr(0, one.find('='));
         while (one.ends_with(' ')) one.remove_suffix(1);
         std::string name(one.substr(one.find_last_of(" &") + 1));
-        if (IsReservedWord(ascii::lowered(name)) || IsFutureReservedWord(ascii::lowered(name))) name.insert(0, "the");
+        if (IsReservedWord(ascii::lowered(name)) || IsFutureReservedWord(ascii::lowered(name)))
+            name.insert(0, "the");
         names.push_back(std::move(name));
     }
     return names;

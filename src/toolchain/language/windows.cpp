@@ -21,7 +21,8 @@ std::string valueOf(const platform::RcObject& object, std::string_view name) {
 void addObjects(const std::string& window, const std::vector<platform::RcObject>& objects,
                 std::vector<NamedObject>& list) {
     for (const platform::RcObject& object : objects)
-        list.push_back({window, object.givenName(), std::string(platform::typeName(object.type)), valueOf(object, "ARRAY")});
+        list.push_back({window, object.givenName(), std::string(platform::typeName(object.type)),
+                        valueOf(object, "ARRAY")});
 }
 
 Declaration& declare(ClassTree& tree, const std::string& control, const NamedObject& object) {

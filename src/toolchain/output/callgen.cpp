@@ -51,7 +51,8 @@ std::string ExpressionGenerator::enumCall(const Expression& item) {
     return "tarn_enum_check(" + scalar(*item.operands[0]) + ", " + std::to_string(item.type->enumCount) + ")";
 }
 
-ExpressionGenerator::Argument ExpressionGenerator::argument(const Expression& item, std::size_t index, unsigned later) {
+ExpressionGenerator::Argument ExpressionGenerator::argument(const Expression& item, std::size_t index,
+                                                            unsigned later) {
     const Expression& value = *item.operands[index];
     const Declaration& parameter = *item.target->function->parameters[index];
     const bool isLibrary = !item.target->function->external.empty();
@@ -67,8 +68,8 @@ ExpressionGenerator::Argument ExpressionGenerator::argument(const Expression& it
 }
 
 // A place that the call writes to.
-ExpressionGenerator::Argument ExpressionGenerator::returned(const Expression& value, const Declaration& parameter,
-                                                            bool isLibrary) {
+ExpressionGenerator::Argument ExpressionGenerator::returned(const Expression& value,
+                                                            const Declaration& parameter, bool isLibrary) {
     constexpr unsigned All = ChangesShared | ChangesLocals;
     if (isLibrary || isStable(value)) {
         writes_ = true;
@@ -101,9 +102,12 @@ std::string ExpressionGenerator::callText(const Expression& item, const std::str
 
     std::string arguments;
     std::vector<std::string> back;
-    for (std::size_t i = 0; i < count; ++i)  {
+    for (std::size_t i = 0; i < count; ++i) {
         const bool asItStands = passedAsItStands(*item.operands[i], *item.target->function->parameters[i]);
-        Argument next = argument(item, i, asItStands ? NoEffects : later[i + 1] | (isScalar(item.operands[i]->type->kind) ? NoEffects : own));
+        Argument next =
+            argument(item, i,
+                     asItStands ? NoEffects
+                                : later[i + 1] | (isScalar(item.operands[i]->type->kind) ? NoEffects : own));
         arguments += (i == 0 ? "" : ", ") + next.text;
         if (!next.copyBack.empty()) back.push_back(next.copyBack);
     }

@@ -51,7 +51,8 @@ std::string ExpressionGenerator::temporary(const Type* type) {
     const Type* kept = type->kind == Kind::String ? plainType(Kind::String) : type;
     const std::string address = newTemporary(kept);
     if (kept->kind != Kind::String)
-        line("quarn_shape(" + address + ", " + shared_.shapes.pointerTo(kept) + ", " + cKind(kept->kind) + ");");
+        line("quarn_shape(" + address + ", " + shared_.shapes.pointerTo(kept) + ", " + cKind(kept->kind) +
+             ");");
     return address;
 }
 
@@ -69,7 +70,8 @@ std::string ExpressionGenerator::temporaryDefinitions() const {
         const std::string count = std::to_string(most_.at(type));
         text += "    " + cType(type->kind) + " " + name + "[" + count + "]";
         if (type->kind == Kind::String)
-            text += ";\n    for (int i = 0; i < " + count + "; ++i)\n        tarn_string_init(&t[i], TARN_UNBOUNDED);\n";
+            text += ";\n    for (int i = 0; i < " + count +
+                    "; ++i)\n        tarn_string_init(&t[i], TARN_UNBOUNDED);\n";
         else
             text += " = {0};\n";
     }
@@ -112,7 +114,8 @@ std::string ExpressionGenerator::scalar(const Expression& item) {
     case ExpressionKind::Negate: {
         const std::string value = scalar(*item.operands[0]);
         if (item.type->kind == Kind::Real) return "(-" + value + ")";
-        return std::string(item.type->kind == Kind::Fixed ? "tarn_fixed_neg(" : "tarn_integer_neg(") + value + ")";
+        return std::string(item.type->kind == Kind::Fixed ? "tarn_fixed_neg(" : "tarn_integer_neg(") + value +
+               ")";
     }
     case ExpressionKind::Call: {
         const std::string value = callText(item, {});
@@ -155,8 +158,10 @@ std::string ExpressionGenerator::comparison(const Expression& item) {
     const std::string first = keptAddress(left, effects(right));
     const std::string operands = first + ", " + address(right);
     if (kind == Kind::String) return "(tarn_string_compare(" + operands + ") " + cRelation(op) + " 0)";
-    if (kind == Kind::Set) return "tarn_set_compare(\"" + std::string(relationName(op)) + "\", " + operands + ")";
-    return "tarn_adt_compare(\"" + std::string(relationName(op)) + "\", " + operands + ", " + cKind(kind) + ")";
+    if (kind == Kind::Set)
+        return "tarn_set_compare(\"" + std::string(relationName(op)) + "\", " + operands + ")";
+    return "tarn_adt_compare(\"" + std::string(relationName(op)) + "\", " + operands + ", " + cKind(kind) +
+           ")";
 }
 
 // A literal on the right is a row of comparisons; no set is made.
@@ -173,9 +178,9 @@ std::string ExpressionGenerator::membership(const Expression& item) {
         const Expression* last = right.operands[i + 1].get();
         const unsigned later = effects(right);
         const std::string from = keptScalar(*right.operands[i], later);
-        const std::string test = last == nullptr
-                                     ? value + " == " + from
-                                     : "(" + value + " >= " + from + " && " + value + " <= " + keptScalar(*last, later) + ")";
+        const std::string test = last == nullptr ? value + " == " + from
+                                                 : "(" + value + " >= " + from + " && " + value +
+                                                       " <= " + keptScalar(*last, later) + ")";
         text += (text.empty() ? "" : " || ") + test;
     }
     return text.empty() ? "0" : "(" + text + ")";

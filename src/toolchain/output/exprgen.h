@@ -44,7 +44,9 @@ public:
     // Those in use stay so until the reservation ends: for what a loop needs in all its rounds.
     class Reservation {
     public:
-        explicit Reservation(ExpressionGenerator& out) : out_(out), saved_(out.reserved_) { out_.reserved_ = out_.used_; }
+        explicit Reservation(ExpressionGenerator& out) : out_(out), saved_(out.reserved_) {
+            out_.reserved_ = out_.used_;
+        }
         ~Reservation() { out_.reserved_ = saved_; }
         Reservation(const Reservation&) = delete;
         Reservation& operator=(const Reservation&) = delete;
@@ -53,7 +55,8 @@ public:
         ExpressionGenerator& out_;
         std::map<const Type*, int, TypeOrder> saved_;
     };
-    std::string temporary(const Type* type);  // its address; strings are unbounded, others empty in their shape
+    std::string
+    temporary(const Type* type);  // its address; strings are unbounded, others empty in their shape
     [[nodiscard]] std::string temporaryDefinitions() const;
     [[nodiscard]] std::string temporaryRelease() const;
 

@@ -59,14 +59,15 @@ public:
         out_.line("tarn_stamp(0, 0, H);");
         const std::string body = out_.takeLines();
         leave();
-        return finish(functionHead(item_), body, isScalar(head_.result->kind) ? "    return r;\n" : "") + callback();
+        return finish(functionHead(item_), body, isScalar(head_.result->kind) ? "    return r;\n" : "") +
+               callback();
     }
 
 private:
     std::string finish(const std::string& head, const std::string& body, const std::string& last) {
         const std::string leaving = out_.takeLines();
-        return head + "\n{\n" + entry_ + out_.temporaryDefinitions() + body + out_.temporaryRelease() + leaving +
-               last + "}\n";
+        return head + "\n{\n" + entry_ + out_.temporaryDefinitions() + body + out_.temporaryRelease() +
+               leaving + last + "}\n";
     }
 
     void enter() {
@@ -78,8 +79,8 @@ private:
             out_.line("tarn_adt_clear(result, " + cKind(kind) + ");");
         else if (kind != Kind::None)
             out_.line(cType(kind) + " r = 0;");
-        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(ascii::lowered(item_.name)) + ", " + cString(item_.name) + ", " +
-                  std::to_string(head_.bodyLine) + ");");
+        out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(ascii::lowered(item_.name)) +
+                  ", " + cString(item_.name) + ", " + std::to_string(head_.bodyLine) + ");");
         if (options_.debug == 2) registerVariables();
         entry_ = out_.takeLines();
     }
@@ -89,7 +90,8 @@ private:
         for (const auto& item : head_.parameters) {
             if (isCopied(*item)) {
                 local(*item);
-                out_.line("tarn_string_assign(&" + localSymbol(*item) + ", a" + localSymbol(*item).substr(1) + ");");
+                out_.line("tarn_string_assign(&" + localSymbol(*item) + ", a" + localSymbol(*item).substr(1) +
+                          ");");
             } else if (item->mode == Mode::Out) {
                 clear(*item);
             }
@@ -197,7 +199,8 @@ private:
 
 bool DeclarationOrder::operator()(const Declaration* a, const Declaration* b) const {
     const auto nameOf = [](const Declaration& item) {
-        if (item.kind == DeclarationKind::Window) return item.owner->name + "." + item.window + "." + item.name;
+        if (item.kind == DeclarationKind::Window)
+            return item.owner->name + "." + item.window + "." + item.name;
         return item.function && !item.function->external.empty() ? item.function->external : itemSymbol(item);
     };
     return a != b && nameOf(*a) < nameOf(*b);
@@ -224,7 +227,8 @@ std::string externalHead(const Declaration& item) {
     std::string parameters;
     for (const auto& parameter : head.parameters) {
         const Kind kind = parameter->type->kind;
-        std::string text = parameter->mode == Mode::In ? wideType(kind) : (isScalar(kind) ? cPlace(kind) : cType(kind)) + " *";
+        std::string text = parameter->mode == Mode::In ? wideType(kind)
+                                                       : (isScalar(kind) ? cPlace(kind) : cType(kind)) + " *";
         if (parameter->mode == Mode::In && !isScalar(kind)) text = "const " + cType(kind) + " *";
         if (kind == Kind::Adt) text += ", int32_t";
         parameters = joined(parameters, text);
@@ -232,7 +236,9 @@ std::string externalHead(const Declaration& item) {
     parameters = joined(parameters, resultParameter(head));
     const bool isPointer = head.external.starts_with("tarn_win_") || head.external.starts_with("tarn_lib_");
     const std::string name = isPointer ? "(*const " + head.external + ")" : head.external;
-    return (isPointer ? "extern " : "") + (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + name + "(" + (parameters.empty() ? "void" : parameters) + ")";
+    return (isPointer ? "extern " : "") +
+           (isComposite(head.result->kind) ? "void" : wideType(head.result->kind)) + " " + name + "(" +
+           (parameters.empty() ? "void" : parameters) + ")";
 }
 
 std::string generateFunction(const Declaration& item, const GeneratorOptions& options, Shared& shared) {
@@ -268,9 +274,9 @@ std::string generateInitialValues(const ClassTree& tree, Shared& shared) {
         if (item->kind == DeclarationKind::ClassVariable && item->initial) initialValue(*item, shared, out);
     const std::string body = out.takeLines();
     if (body.empty()) return {};
-    return "    tarn_enter(" + cString(tree.name) + ", \"initialise\", " + std::to_string(tree.line) + ");\n" +
-           out.temporaryDefinitions() + body + "    tarn_stamp(0, 0, H);\n" + out.temporaryRelease() +
-           "    tarn_leave();\n";
+    return "    tarn_enter(" + cString(tree.name) + ", \"initialise\", " + std::to_string(tree.line) +
+           ");\n" + out.temporaryDefinitions() + body + "    tarn_stamp(0, 0, H);\n" +
+           out.temporaryRelease() + "    tarn_leave();\n";
 }
 
 }  // namespace tarn::toolchain

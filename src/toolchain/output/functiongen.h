@@ -24,8 +24,10 @@ struct DeclarationOrder {
 struct Shared {
     Literals literals;
     Shapes shapes;
-    std::map<const Declaration*, std::string, DeclarationOrder> windows;  // that are named, with their C names
-    std::set<const Declaration*, DeclarationOrder> foreign;  // functions and variables that are named, in any class
+    std::map<const Declaration*, std::string, DeclarationOrder>
+        windows;  // that are named, with their C names
+    std::set<const Declaration*, DeclarationOrder>
+        foreign;  // functions and variables that are named, in any class
     std::vector<bool> codeLines;
 };
 

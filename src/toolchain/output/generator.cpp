@@ -28,15 +28,16 @@ public:
         const std::string start = startFunction(), setup = setupFunction(), finish = finishFunction();
         Generated result;
         result.text = head() + variables() + prototypes() + shared_.literals.definition() +
-                      shared_.shapes.definitions() + windows() + bodies_ + setup + start + finish + programRecord();
+                      shared_.shapes.definitions() + windows() + bodies_ + setup + start + finish +
+                      programRecord();
         result.codeLines = std::move(shared_.codeLines);
         return result;
     }
 
 private:
     std::string head() const {
-        return "/* Made from a class of the language; changes are lost. */\n" + std::string(CoreText) + "#define H " + handler() + "\nstatic void " + OnerrorSymbol +
-               "(int32_t code);\n";
+        return "/* Made from a class of the language; changes are lost. */\n" + std::string(CoreText) +
+               "#define H " + handler() + "\nstatic void " + OnerrorSymbol + "(int32_t code);\n";
     }
 
     const char* handler() const {
@@ -66,7 +67,8 @@ private:
             if (isVariable(*item))
                 result += "extern " + cType(item->type->kind) + " " + itemSymbol(*item) + ";\n";
             else
-                result += (item->function->external.empty() ? functionHead(*item) : externalHead(*item)) + ";\n";
+                result +=
+                    (item->function->external.empty() ? functionHead(*item) : externalHead(*item)) + ";\n";
         }
         return result;
     }
@@ -90,7 +92,9 @@ private:
 
     // Literals and variables of all classes exist before the first initial value is computed, so that classes
     // that use each other find them.
-    static bool isWindowFunction(const Declaration& item) { return item.function && item.function->isCallback; }
+    static bool isWindowFunction(const Declaration& item) {
+        return item.function && item.function->isCallback;
+    }
 
     std::string windows() const {
         std::string result;
@@ -102,11 +106,13 @@ private:
     std::string bindings() {
         std::string result;
         for (const auto& [item, name] : shared_.windows)
-            result += "    " + shared_.shapes.initialise("&" + name, item->type) + "\n    tarn_object_bind(&" + name + ", " +
-                      cString(item->window) + ", " + cString(item->control) + ");\n";
+            result += "    " + shared_.shapes.initialise("&" + name, item->type) +
+                      "\n    tarn_object_bind(&" + name + ", " + cString(item->window) + ", " +
+                      cString(item->control) + ");\n";
         for (const auto& item : tree_.declarations)
             if (isWindowFunction(*item))
-                result += "    tarn_window_register(" + cString(item->name) + ", w_" + itemSymbol(*item) + ");\n";
+                result +=
+                    "    tarn_window_register(" + cString(item->name) + ", w_" + itemSymbol(*item) + ");\n";
         return result;
     }
 
@@ -116,8 +122,8 @@ private:
             if (isVariable(*item) && !isScalar(item->type->kind))
                 values += "    " + shared_.shapes.initialise("&" + itemSymbol(*item), item->type) + "\n";
         return stepHead("setup") + step("setup") + shared_.literals.initialisation() +
-               shared_.shapes.initialisation() + values + "    tarn_register_class(" + cString(tree_.path) + ", " +
-               cString(tree_.name) + ");\n}\n";
+               shared_.shapes.initialisation() + values + "    tarn_register_class(" + cString(tree_.path) +
+               ", " + cString(tree_.name) + ");\n}\n";
     }
 
     std::string startFunction() {
@@ -128,7 +134,8 @@ private:
         std::string result = stepHead("finish");
         for (auto item = tree_.declarations.rbegin(); item != tree_.declarations.rend(); ++item)
             if (isVariable(**item) && !isScalar((*item)->type->kind))
-                result += "    tarn_adt_free(&" + itemSymbol(**item) + ", " + cKind((*item)->type->kind) + ");\n";
+                result +=
+                    "    tarn_adt_free(&" + itemSymbol(**item) + ", " + cKind((*item)->type->kind) + ");\n";
         for (const auto& [item, name] : shared_.windows)
             result += "    tarn_adt_free(&" + name + ", " + cKind(item->type->kind) + ");\n";
         return result + shared_.shapes.release() + shared_.literals.release() + step("finish") + "}\n";
@@ -142,14 +149,16 @@ private:
     std::string programRecord() const {
         if (!hasMain(tree_)) return {};
         const Declaration& main = *findMain(tree_);
-        const std::string window = !isWindowFunction(main) ? "" : "static void " + mainFunction() + "(void)\n{\n    tarn_window_main(" + cString(main.name) + ");\n}\n";
+        const std::string window = !isWindowFunction(main) ? ""
+                                                           : "static void " + mainFunction() +
+                                                                 "(void)\n{\n    tarn_window_main(" +
+                                                                 cString(main.name) + ");\n}\n";
         const std::string initialise = classSymbol(tree_.name, "initialise");
         return window + "static void " + initialise + "(void)\n{\n    " + classSymbol(tree_.name, "setup") +
                "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
                classSymbol(tree_.name, "program") + " = {" + cString(std::string(ProductVersion)) + ", " +
                cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
-               ", " + mainFunction() + ", " + classSymbol(tree_.name, "finish") +
-               "};\n";
+               ", " + mainFunction() + ", " + classSymbol(tree_.name, "finish") + "};\n";
     }
 
     const ClassTree& tree_;

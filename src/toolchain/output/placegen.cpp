@@ -23,8 +23,8 @@ bool isShared(const Declaration& item) {
 
 // A parameter of mode in with a length is a variable of its own, so that its length holds.
 bool isCopied(const Declaration& item) {
-    return item.kind == DeclarationKind::Parameter && item.mode == Mode::In && item.type->kind == Kind::String &&
-           item.type->length != Unbounded;
+    return item.kind == DeclarationKind::Parameter && item.mode == Mode::In &&
+           item.type->kind == Kind::String && item.type->length != Unbounded;
 }
 
 std::string typed(const std::string& address, Kind kind) {
@@ -35,7 +35,8 @@ std::string typed(const std::string& address, Kind kind) {
 
 std::string ExpressionGenerator::place(const Declaration& item) {
     if (item.kind == DeclarationKind::Window) {
-        const auto [place, isNew] = shared_.windows.emplace(&item, "o" + std::to_string(shared_.windows.size() + 1));
+        const auto [place, isNew] =
+            shared_.windows.emplace(&item, "o" + std::to_string(shared_.windows.size() + 1));
         return "&" + place->second;
     }
     const bool scalarValue = isScalar(item.type->kind);
@@ -53,7 +54,8 @@ bool ExpressionGenerator::isPlace(const Expression& item) const {
     switch (item.kind) {
     case ExpressionKind::Name: return !item.constant;
     case ExpressionKind::Field: return true;
-    case ExpressionKind::Index: return item.operands[0]->type->kind != Kind::String && !item.operands[0]->isWindow;
+    case ExpressionKind::Index:
+        return item.operands[0]->type->kind != Kind::String && !item.operands[0]->isWindow;
     default: return false;
     }
 }
@@ -73,8 +75,9 @@ bool ExpressionGenerator::changes(const Expression& item, unsigned effects) cons
         if (isShared(*item.target)) return effects != NoEffects;
         return item.target->kind == DeclarationKind::Variable && (effects & ChangesLocals) != 0;
     }
-    return std::any_of(item.operands.begin(), item.operands.end(),
-                       [&](const ExpressionPtr& operand) { return operand != nullptr && changes(*operand, effects); });
+    return std::any_of(item.operands.begin(), item.operands.end(), [&](const ExpressionPtr& operand) {
+        return operand != nullptr && changes(*operand, effects);
+    });
 }
 
 // ---- addresses ----
@@ -137,7 +140,8 @@ std::string ExpressionGenerator::addressOfElement(const Expression& item, unsign
     for (std::size_t i = 1; i <= count; ++i) own |= effects(*item.operands[i]);
     std::string text = isPlace(base) ? addressOfPlace(base, later | own) : address(base);
     text = "(void *)" + text;
-    for (std::size_t i = 1; i <= count; ++i) text += ", " + keptScalar(*item.operands[i], later | (i < count ? own : NoEffects));
+    for (std::size_t i = 1; i <= count; ++i)
+        text += ", " + keptScalar(*item.operands[i], later | (i < count ? own : NoEffects));
     const std::string size = ", " + std::to_string(sizeOf(item.type->kind)) + ")";
     if (base.type->kind == Kind::List) return "quarn_list_at(" + text + size;
     return "quarn_at" + (count == 1 ? "" : std::to_string(count)) + "(" + text + size;
@@ -166,7 +170,8 @@ void ExpressionGenerator::flushPuts(std::size_t from) {
     while (puts_.size() > from) {
         const PendingPut put = puts_.back();
         puts_.pop_back();
-        line("tarn_list_put(" + put.value + ", " + cKind(put.element->kind) + ", " + put.position + ", " + put.list + ");");
+        line("tarn_list_put(" + put.value + ", " + cKind(put.element->kind) + ", " + put.position + ", " +
+             put.list + ");");
     }
 }
 
@@ -183,7 +188,8 @@ std::string ExpressionGenerator::lvalue(const Expression& item, unsigned later) 
 
 // ---- assignment ----
 
-std::string ExpressionGenerator::copyText(const std::string& source, const std::string& destination, const Type* type) {
+std::string ExpressionGenerator::copyText(const std::string& source, const std::string& destination,
+                                          const Type* type) {
     switch (type->kind) {
     case Kind::String: return "tarn_string_assign(" + destination + ", " + source + ");";
     case Kind::Set: return "tarn_set_assign(" + destination + ", " + source + ");";
@@ -193,7 +199,8 @@ std::string ExpressionGenerator::copyText(const std::string& source, const std::
         break;
     default: break;
     }
-    if (isScalar(type->kind)) return dereference(destination, type->kind) + " = " + dereference(source, type->kind) + ";";
+    if (isScalar(type->kind))
+        return dereference(destination, type->kind) + " = " + dereference(source, type->kind) + ";";
     return "tarn_adt_copy(" + source + ", " + destination + ", " + cKind(type->kind) + ");";
 }
 

@@ -17,7 +17,8 @@ std::string fieldType(const Type& type) {
     if (type.kind == Kind::String)
         return "string" + (type.length == Unbounded ? "" : "[" + std::to_string(type.length) + "]");
     if (type.kind == Kind::Set) return "set" + boundsText(type.bounds);
-    const bool characters = type.kind == Kind::Array && type.dimensions == 1 && type.element->kind == Kind::Enum;
+    const bool characters =
+        type.kind == Kind::Array && type.dimensions == 1 && type.element->kind == Kind::Enum;
     if (characters) return "Tchars" + boundsText(type.bounds);
     return isScalar(type.kind) ? kindName(type.kind) : "adt";
 }
@@ -82,16 +83,19 @@ std::string Shapes::construct(const std::string& name, const Type* type) {
     case Kind::Union: return constructRecord(name, type);
     case Kind::Set:
         if (type->bounds.empty()) return call("tarn_set_init", "TARN_UNBOUNDED, TARN_UNBOUNDED");
-        return call("tarn_set_init", std::to_string(type->bounds[0].lower) + ", " + std::to_string(type->bounds[0].upper));
+        return call("tarn_set_init",
+                    std::to_string(type->bounds[0].lower) + ", " + std::to_string(type->bounds[0].upper));
     case Kind::Array: {
         const std::string shape = cKind(type->element->kind) + ", ", element = elementShape(type->element);
         if (type->bounds.empty()) return call("tarn_array_init_dynamic", shape + element);
         std::string bounds;
         for (std::size_t i = 0; i < 3; ++i)
-            bounds += (i == 0 ? "" : ", ") + (i < type->bounds.size() ? std::to_string(type->bounds[i].lower) + ", " +
-                                                                            std::to_string(type->bounds[i].upper)
-                                                                      : "TARN_NO_DIMENSION, TARN_NO_DIMENSION");
-        return "    { static const int32_t b[6] = {" + bounds + "};\n" + call("tarn_array_init", shape + "b, " + element) + "    }\n";
+            bounds += (i == 0 ? "" : ", ") + (i < type->bounds.size()
+                                                  ? std::to_string(type->bounds[i].lower) + ", " +
+                                                        std::to_string(type->bounds[i].upper)
+                                                  : "TARN_NO_DIMENSION, TARN_NO_DIMENSION");
+        return "    { static const int32_t b[6] = {" + bounds + "};\n" +
+               call("tarn_array_init", shape + "b, " + element) + "    }\n";
     }
     case Kind::List:
         return call("tarn_list_init", lengthOf(type) + ", " + elementShape(type->element) + ", " +
@@ -103,15 +107,19 @@ std::string Shapes::construct(const std::string& name, const Type* type) {
 std::string Shapes::constructRecord(const std::string& name, const Type* type) {
     std::string kinds;
     for (std::size_t i = 0; i < MaxFields; i += 2) {
-        const auto kindAt = [&](std::size_t n) { return n < type->fields.size() ? static_cast<int>(type->fields[n].type->kind) : 0; };
+        const auto kindAt = [&](std::size_t n) {
+            return n < type->fields.size() ? static_cast<int>(type->fields[n].type->kind) : 0;
+        };
         kinds += (i == 0 ? "" : ",") + std::to_string(kindAt(i) * 16 + kindAt(i + 1));
     }
-    std::string text = "    { static const uint8_t kinds[24] = {" + kinds + "};\n    tarn_record_init(&" + name + ", " +
-                       (type->kind == Kind::Record ? "14" : "15") + ", kinds); }\n";
+    std::string text = "    { static const uint8_t kinds[24] = {" + kinds + "};\n    tarn_record_init(&" +
+                       name + ", " + (type->kind == Kind::Record ? "14" : "15") + ", kinds); }\n";
     for (const Field& field : type->fields)
         if (isComposite(field.type->kind))
             text += "    if (" + name + ".data != 0) " +
-                    initialise("(void *)quarn_field(&" + name + ", " + std::to_string(field.offset) + ")", field.type) + "\n";
+                    initialise("(void *)quarn_field(&" + name + ", " + std::to_string(field.offset) + ")",
+                               field.type) +
+                    "\n";
     return text;
 }
 
@@ -126,9 +134,9 @@ std::string Shapes::constructTable(const std::string& name, const Type* type) {
         }
         maps += (i == 0 ? "" : ", ") + std::to_string(static_cast<std::int32_t>(map));
     }
-    return "    { static const int32_t maps[5] = {" + maps + "};\n    tarn_table_init(&" + name + ", " + lengthOf(type) +
-           ", " + elementShape(type->element) + ", maps, " + cString(typeInformation(*type->element)) + ", " +
-           flag(type->isExternal) + "); }\n";
+    return "    { static const int32_t maps[5] = {" + maps + "};\n    tarn_table_init(&" + name + ", " +
+           lengthOf(type) + ", " + elementShape(type->element) + ", maps, " +
+           cString(typeInformation(*type->element)) + ", " + flag(type->isExternal) + "); }\n";
 }
 
 }  // namespace tarn::toolchain

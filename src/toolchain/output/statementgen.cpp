@@ -113,7 +113,8 @@ void StatementGenerator::take(const Statement& item, const std::string& source, 
     if (isScalar(element->kind))
         takeScalar(item, "(*(" + cPlace(element->kind) + " *)" + source + ")", element->kind);
     else
-        out_.copy("(" + cPlace(element->kind) + " *)" + source, out_.place(*item.target->target), item.target->type);
+        out_.copy("(" + cPlace(element->kind) + " *)" + source, out_.place(*item.target->target),
+                  item.target->type);
 }
 
 void StatementGenerator::takeScalar(const Statement& item, const std::string& value, Kind kind) {
@@ -137,12 +138,15 @@ void StatementGenerator::round(const Statement& item) {
 void StatementGenerator::walkElements(const Statement& item, const std::string& walked) {
     const Type& type = *item.value->type;
     const bool isList = type.kind == Kind::List;
-    const std::string counter = out_.newName(), count = out_.newName(), size = std::to_string(sizeOf(type.element->kind));
+    const std::string counter = out_.newName(), count = out_.newName(),
+                      size = std::to_string(sizeOf(type.element->kind));
     // Elements of an array stand one behind another, whatever its dimensions.
-    const std::string number = isList ? "tarn_list_count(" + walked + ")" : "((" + walked + ")->size / " + size + ")";
+    const std::string number =
+        isList ? "tarn_list_count(" + walked + ")" : "((" + walked + ")->size / " + size + ")";
     out_.line("const int32_t " + count + " = " + number + ";");
-    open("for (int32_t " + counter + " = " + (item.down ? count : "1") + "; " + counter + " >= 1 && " + counter + " <= " + count +
-         " && " + number + " == " + count + "; " + (item.down ? "--" : "++") + counter + stampText(item.line) + ") {");
+    open("for (int32_t " + counter + " = " + (item.down ? count : "1") + "; " + counter + " >= 1 && " +
+         counter + " <= " + count + " && " + number + " == " + count + "; " + (item.down ? "--" : "++") +
+         counter + stampText(item.line) + ") {");
     out_.freeTemporaries();
     if (type.isExternal) {
         std::string value;
@@ -153,19 +157,24 @@ void StatementGenerator::walkElements(const Statement& item, const std::string& 
         } else {
             value = out_.temporary(type.element);
         }
-        out_.line("tarn_list_get(" + walked + ", " + counter + ", " + value + ", " + cKind(type.element->kind) + ");");
+        out_.line("tarn_list_get(" + walked + ", " + counter + ", " + value + ", " +
+                  cKind(type.element->kind) + ");");
         take(item, value, type.element);
     } else {
-        take(item, "(tarn_heap_base + (" + walked + ")->data + (int64_t)(" + counter + " - 1) * " + size + ")", type.element);
+        take(item,
+             "(tarn_heap_base + (" + walked + ")->data + (int64_t)(" + counter + " - 1) * " + size + ")",
+             type.element);
     }
     round(item);
 }
 
 void StatementGenerator::walkSet(const Statement& item, const std::string& walked) {
     const std::string member = out_.newName(), last = out_.newName(), first = out_.newName();
-    out_.line("const int32_t " + first + " = (" + walked + ")->lower, " + last + " = (" + walked + ")->upper;");
-    open("for (int32_t " + member + " = " + (item.down ? last : first) + "; " + member + " >= " + first + " && " + member +
-         " <= " + last + "; " + (item.down ? "--" : "++") + member + stampText(item.line) + ") {");
+    out_.line("const int32_t " + first + " = (" + walked + ")->lower, " + last + " = (" + walked +
+              ")->upper;");
+    open("for (int32_t " + member + " = " + (item.down ? last : first) + "; " + member + " >= " + first +
+         " && " + member + " <= " + last + "; " + (item.down ? "--" : "++") + member + stampText(item.line) +
+         ") {");
     out_.freeTemporaries();
     out_.line("if (!tarn_set_contains(" + member + ", " + walked + "))");
     out_.line("    continue;");
@@ -177,8 +186,9 @@ void StatementGenerator::walkLines(const Statement& item, const std::string& wal
     const std::string position = out_.newName(), length = out_.newName();
     out_.line("const int32_t " + length + " = (" + walked + ")->length;");
     out_.line("int32_t " + position + " = " + (item.down ? length + " + 1" : "1") + ";");
-    open("while ((" + walked + ")->length == " + length + " && tarn_text_" + (item.down ? "previous" : "next") + "_line(" + walked +
-         ", &" + position + ", " + out_.place(*item.target->target) + ")) {");
+    open("while ((" + walked + ")->length == " + length + " && tarn_text_" +
+         (item.down ? "previous" : "next") + "_line(" + walked + ", &" + position + ", " +
+         out_.place(*item.target->target) + ")) {");
     stamp(item.line);
     round(item);
 }
@@ -187,8 +197,9 @@ void StatementGenerator::walkLines(const Statement& item, const std::string& wal
 void StatementGenerator::walkTable(const Statement& item, const std::string& walked) {
     const std::string counter = out_.newName(), count = out_.newName();
     out_.line("const int32_t " + count + " = tarn_table_count(" + walked + ");");
-    open("for (int32_t " + counter + " = " + (item.down ? count : "1") + "; " + counter + " >= 1 && " + counter + " <= " + count +
-         " && tarn_table_count(" + walked + ") == " + count + "; " + (item.down ? "--" : "++") + counter + stampText(item.line) + ") {");
+    open("for (int32_t " + counter + " = " + (item.down ? count : "1") + "; " + counter + " >= 1 && " +
+         counter + " <= " + count + " && tarn_table_count(" + walked + ") == " + count + "; " +
+         (item.down ? "--" : "++") + counter + stampText(item.line) + ") {");
     out_.freeTemporaries();
     out_.line("tarn_table_row(" + walked + ", " + counter + ", " + out_.place(*item.target->target) + ");");
     round(item);
@@ -196,15 +207,16 @@ void StatementGenerator::walkTable(const Statement& item, const std::string& wal
 
 // The key of the row before leads to the next one, so the body may change the row as it likes.
 void StatementGenerator::walkIndex(const Statement& item, const std::string& walked) {
-    const std::string count = out_.newName(), op = out_.newName(), done = out_.newName(), index = std::to_string(item.index);
+    const std::string count = out_.newName(), op = out_.newName(), done = out_.newName(),
+                      index = std::to_string(item.index);
     const std::string row = out_.place(*item.target->target);
     const std::string key = out_.rawTemporary(Kind::Record);
     const ExpressionGenerator::Reservation reserved(out_);
     out_.line("const int32_t " + count + " = tarn_table_count(" + walked + ");");
     out_.line("int32_t " + done + " = 0;");
     out_.line("const char *" + op + " = \"" + (item.down ? "LAST" : "FIRST") + "\";");
-    open("while (" + done + "++ < " + count + " && tarn_table_count(" + walked + ") == " + count + " && tarn_table_find(" + op + ", " + walked + ", " + index + ", " +
-         key + ", " + row + ")) {");
+    open("while (" + done + "++ < " + count + " && tarn_table_count(" + walked + ") == " + count +
+         " && tarn_table_find(" + op + ", " + walked + ", " + index + ", " + key + ", " + row + ")) {");
     stamp(item.line);
     out_.line(op + " = \"" + (item.down ? "PREVIOUS" : "NEXT") + "\";");
     out_.line("tarn_table_key_from_row(" + walked + ", " + index + ", " + row + ", " + key + ");");
@@ -242,7 +254,8 @@ void StatementGenerator::select(const Statement& item) {
 
 std::string StatementGenerator::caseTest(const CaseLabel& label, const std::string& value, bool text) {
     if (label.from->type->kind == Kind::Record)
-        return "tarn_adt_compare(\"EQ\", " + value + ", " + out_.address(*label.from) + ", " + cKind(Kind::Record) + ")";
+        return "tarn_adt_compare(\"EQ\", " + value + ", " + out_.address(*label.from) + ", " +
+               cKind(Kind::Record) + ")";
     if (text) return "tarn_string_compare(" + value + ", " + out_.address(*label.from) + ") == 0";
     if (!label.to) return value + " == " + out_.scalar(*label.from);
     return value + " >= " + out_.scalar(*label.from) + " && " + value + " <= " + out_.scalar(*label.to);
@@ -256,7 +269,8 @@ void StatementGenerator::returned(const Statement& item) {
     else if (item.value && isComposite(kind))
         out_.copy(out_.address(*item.value), "result", head_.result);
     else if (item.value)
-        out_.line(std::string("r = ") + (sizeOf(kind) == 1 ? "(uint8_t)" : "") + out_.scalar(*item.value) + ";");
+        out_.line(std::string("r = ") + (sizeOf(kind) == 1 ? "(uint8_t)" : "") + out_.scalar(*item.value) +
+                  ";");
     out_.line("goto leave;");
 }
 

@@ -36,9 +36,11 @@ Symbol symbolOf(const Declaration& item, const char* sort, int scope) {
     }
     if (item.function)
         for (const auto& parameter : item.function->parameters)
-            symbol.disambig += (symbol.disambig.empty() ? "" : ",") + std::string(kindName(parameter->type->kind));
+            symbol.disambig +=
+                (symbol.disambig.empty() ? "" : ",") + std::string(kindName(parameter->type->kind));
     symbol.disambig = symbol.disambig.substr(0, MostDisambig);
-    if (item.value && item.value->kind != Kind::String) symbol.constvalue = static_cast<std::int32_t>(item.value->number);
+    if (item.value && item.value->kind != Kind::String)
+        symbol.constvalue = static_cast<std::int32_t>(item.value->number);
     return symbol;
 }
 
@@ -114,9 +116,8 @@ std::vector<Symbol> symbolsOf(const ClassTree& tree) {
     self.decline = self.impline = tree.line;
     symbols.push_back(self);
     for (const auto& item : tree.declarations) {
-        static constexpr std::array<const char*, 7> Sorts = {"const",    "type",     "variable",
-                                                             "variable", "variable", "function",
-                                                             "visualobject"};
+        static constexpr std::array<const char*, 7> Sorts = {
+            "const", "type", "variable", "variable", "variable", "function", "visualobject"};
         symbols.push_back(
             symbolOf(*item, Sorts[static_cast<std::size_t>(item->kind)], item->isPublic ? 1 : 2));
         if (item->function) addLocals(*item, symbols);

@@ -14,8 +14,9 @@ constexpr std::size_t MostJoined = 65536;  // characters of constants that becom
 bool names(const Expression& item, const Declaration& variable) {
     if (item.constant) return false;
     if (item.kind == ExpressionKind::Name) return item.target == &variable;
-    return std::any_of(item.operands.begin(), item.operands.end(),
-                       [&](const ExpressionPtr& operand) { return operand != nullptr && names(*operand, variable); });
+    return std::any_of(item.operands.begin(), item.operands.end(), [&](const ExpressionPtr& operand) {
+        return operand != nullptr && names(*operand, variable);
+    });
 }
 
 }  // namespace
@@ -23,16 +24,15 @@ bool names(const Expression& item, const Declaration& variable) {
 void ExpressionGenerator::into(const Expression& item, const std::string& destination) {
     if (!item.constant) {
         switch (item.kind) {
-        case ExpressionKind::Call:
-            line(callText(item, destination) + ";");
-            return flushPuts(0);
+        case ExpressionKind::Call: line(callText(item, destination) + ";"); return flushPuts(0);
         case ExpressionKind::Chain:
             return item.type->kind == Kind::Set ? setChain(item, destination) : textChain(item, destination);
         case ExpressionKind::Set: return setLiteral(item, destination);
         case ExpressionKind::Index: {
             if (!item.operands[0]->isWindow) break;
             const std::string index = scalar(*item.operands[1]);
-            return line("tarn_control_element(" + address(*item.operands[0]) + ", " + index + ", " + destination + ");");
+            return line("tarn_control_element(" + address(*item.operands[0]) + ", " + index + ", " +
+                        destination + ");");
         }
         case ExpressionKind::Aggregate: return aggregate(item, destination);
         default: break;
@@ -72,7 +72,8 @@ void ExpressionGenerator::textChain(const Expression& item, const std::string& d
 
 // `s := s + a + b` adds to s where it stands, unless what is added looks at s on the way.
 bool ExpressionGenerator::appendsInPlace(const Expression& target, const Expression& value) {
-    const bool chained = value.kind == ExpressionKind::Chain && value.type->kind == Kind::String && !value.constant;
+    const bool chained =
+        value.kind == ExpressionKind::Chain && value.type->kind == Kind::String && !value.constant;
     if (!chained || target.kind != ExpressionKind::Name || target.type->kind != Kind::String) return false;
     const Expression& first = *value.operands[0];
     if (first.kind != ExpressionKind::Name || first.target != target.target || first.isResult) return false;
@@ -84,8 +85,10 @@ bool ExpressionGenerator::appendsInPlace(const Expression& target, const Express
     if (changes(target, all)) return false;
     std::vector<std::string> parts;
     unsigned later = all;
-    for (std::size_t i = 1; i < value.operands.size(); ++i) parts.push_back(keptAddress(*value.operands[i], later));
-    for (const std::string& part : parts) line("tarn_string_append(" + place(*target.target) + ", " + part + ");");
+    for (std::size_t i = 1; i < value.operands.size(); ++i)
+        parts.push_back(keptAddress(*value.operands[i], later));
+    for (const std::string& part : parts)
+        line("tarn_string_append(" + place(*target.target) + ", " + part + ");");
     return true;
 }
 
@@ -100,8 +103,8 @@ void ExpressionGenerator::setChain(const Expression& item, const std::string& de
         const std::string next = address(*item.operands[i]);
         if (i + 1 < count && partial.empty()) partial = temporary(plainType(Kind::Set));
         const std::string& into = i + 1 < count ? partial : destination;
-        line(std::string("tarn_set_") + Names[static_cast<int>(item.operators[i - 1])] + "(" + value + ", " + next +
-             ", " + into + ");");
+        line(std::string("tarn_set_") + Names[static_cast<int>(item.operators[i - 1])] + "(" + value + ", " +
+             next + ", " + into + ");");
         value = into;
     }
 }
@@ -142,7 +145,8 @@ void ExpressionGenerator::aggregate(const Expression& item, const std::string& d
     const Type& type = *item.type;
     if (isRecord(type.kind)) {
         for (std::size_t i = 0; i < item.operands.size(); ++i)
-            part(*item.operands[i], "quarn_field(" + destination + ", " + std::to_string(type.fields[i].offset) + ")",
+            part(*item.operands[i],
+                 "quarn_field(" + destination + ", " + std::to_string(type.fields[i].offset) + ")",
                  type.fields[i].type);
         return;
     }
@@ -151,12 +155,13 @@ void ExpressionGenerator::aggregate(const Expression& item, const std::string& d
     for (std::size_t i = 0; i < item.operands.size(); ++i) {
         const std::string value = valueAddress(*item.operands[i]);
         if (type.kind == Kind::Array)
-            line("tarn_array_auto_assign(" + destination + ", 1, " + std::to_string(first + static_cast<std::int32_t>(i)) +
-                 ", " + value + ", " + kind + ");");
+            line("tarn_array_auto_assign(" + destination + ", 1, " +
+                 std::to_string(first + static_cast<std::int32_t>(i)) + ", " + value + ", " + kind + ");");
         else if (type.kind == Kind::List)
             line("tarn_list_append(" + value + ", " + kind + ", " + destination + ");");
         else
-            line("tarn_table_add(" + destination + ", " + (type.indexes.empty() ? "0" : "1") + ", " + value + ");");
+            line("tarn_table_add(" + destination + ", " + (type.indexes.empty() ? "0" : "1") + ", " + value +
+                 ");");
     }
 }
 

@@ -117,7 +117,8 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
          "3 1308"},
         {"constants in any order", "Tarnwick Class a\nconst a = b + 1\nconst b = 2\nEnd class", ""},
         {"what is known of constants",
-         "Tarnwick Class a\nconst A = Ord(\"0\")\nconst B = LENGTH(\"abc\")\nconst C = \"xyz\"\nconst D = C[2] + C[9]\n"
+         "Tarnwick Class a\nconst A = Ord(\"0\")\nconst B = LENGTH(\"abc\")\nconst C = \"xyz\"\nconst D = "
+         "C[2] + C[9]\n"
          "type t : string[A + B + D]\nEnd class",
          ""},
         {"constants in a circle", "Tarnwick Class a\nconst a = b\nconst b = a\nEnd class", "2 1313"},

@@ -13,8 +13,6 @@
 namespace tarn {
 namespace {
 
-
-
 struct Text {
     explicit Text(const std::string& bytes = {}) {
         tarn_string_init(&string, TARN_UNBOUNDED);
@@ -54,7 +52,8 @@ std::string backward(const std::string& bytes) {
     Text line;
     std::string all;
     int32_t position = static_cast<int32_t>(bytes.size()) + 1;
-    while (tarn_text_previous_line(&text.string, &position, &line.string) != 0) all += "[" + line.value() + "]";
+    while (tarn_text_previous_line(&text.string, &position, &line.string) != 0)
+        all += "[" + line.value() + "]";
     return all;
 }
 

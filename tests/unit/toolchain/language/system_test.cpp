@@ -60,12 +60,14 @@ TEST_F(SystemClass, HasTheHeadsOfTheInterface) {
         text += externalHead(*item) + ";\n";
     }
     write("heads.c", text);
-    const std::string command = "cc -std=gnu11 -fsyntax-only -Wno-unused-function " + dir + "heads.c 2> " + dir + "said";
+    const std::string command =
+        "cc -std=gnu11 -fsyntax-only -Wno-unused-function " + dir + "heads.c 2> " + dir + "said";
     EXPECT_EQ(std::system(command.c_str()), 0) << read("said");
 }
 
 TEST_F(SystemClass, GivesEveryNameAMeaning) {
-    for (const char* name : {"printer", "screen", "clipboard", "err_file_read", "command_event", "white", "control"})
+    for (const char* name :
+         {"printer", "screen", "clipboard", "err_file_read", "command_event", "white", "control"})
         EXPECT_NE(findDeclaration(systemClass(), name), nullptr) << name;
 }
 
