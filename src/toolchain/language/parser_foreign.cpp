@@ -382,7 +382,8 @@ bool Parser::strayEnd() {
         return false;
     const bool alone = behind.firstOnLine;
     // The statement that it closes has had its message.
-    if (!later || tree_->complete) tell(Problem::NotOpen, {alone ? "end" : "end " + std::string(behind.text.substr(0, 40))});
+    if (!later || tree_->complete)
+        tell(Problem::NotOpen, {alone ? "end" : "end " + std::string(behind.text.substr(0, 40))});
     advance();
     if (!alone) advance();
     return true;

@@ -53,7 +53,8 @@ void Parser::report(Problem problem, std::initializer_list<std::string_view> val
 }
 
 void Parser::reportAt(int line, Problem problem, std::initializer_list<std::string_view> values) {
-    if (!panic_ && here().kind != TokenKind::Bad && line != toldLine_) messages_.add(path_, line, problem, values);
+    if (!panic_ && here().kind != TokenKind::Bad && line != toldLine_)
+        messages_.add(path_, line, problem, values);
     tree_->complete = false;
 }
 
@@ -89,9 +90,9 @@ void Parser::synchronise() {
     int opened = 0;
     while (!atEnd()) {
         const Token& token = here();
-        const bool begins =
-            token.kind == TokenKind::Name || endsBlock(token.word) || beginsStatement(token.word) ||
-            (braces_ > 0 && token.kind == TokenKind::Symbol && token.text == "}");
+        const bool begins = token.kind == TokenKind::Name || endsBlock(token.word) ||
+                            beginsStatement(token.word) ||
+                            (braces_ > 0 && token.kind == TokenKind::Symbol && token.text == "}");
         if (token.firstOnLine && token.line > errorLine_ && begins) break;
         if (token.firstOnLine && endsBlock(token.word) && position_ != lastSynchronised_) break;
         const Word word = token.word;

@@ -33,7 +33,8 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::ElseIf, "the 'if' of line % is not closed: behind an 'else' of the same 'if' write 'elseif'"},
     {Problem::Misplaced, "'%' does not stand here: %"},
     {Problem::NotOpen, "'%' closes nothing: no block of that kind is open here"},
-    {Problem::NoResultType, "the function '%' gives no value: write 'return' and a type behind its parentheses"},
+    {Problem::NoResultType,
+     "the function '%' gives no value: write 'return' and a type behind its parentheses"},
 
     {Problem::UnknownName, "'%' is not declared"},
     {Problem::DeclaredTwice, "'%' is declared already, in line %"},
