@@ -237,8 +237,14 @@ def real_literal(scope, kind):
 
 
 def text_literal(scope, kind):
-    value = scope.chance.choice(("", "a", "b", "ab", "abc", "xyz", "Hello", "a\"b", "zz top", "0", "12", "-5 "))
-    return quoted(value), lambda frame: value
+    value = scope.chance.choice(("", "a", "b", "ab", "abc", "xyz", "Hello", "a\"b", "zz top", "0", "12", "-5 ",
+                                 "a\nb", "\n", "one\n\ntwo\n"))
+    return (quoted(value) if "\n" not in value else lined(value)), lambda frame: value
+
+
+def lined(text):
+    """A text of several lines, as it is written."""
+    return "(" + " + CHR(10) + ".join(quoted(line) for line in text.split("\n")) + ")"
 
 
 def set_literal(scope, kind):
@@ -473,7 +479,7 @@ MAKERS = {
              mixed("*", lambda a, b: model.real(a * b), INT, float),
              mixed("+", lambda a, b: model.real(a + b), FIXED, lambda f: f / 10000.0), choose),
     "str": (two("+", lambda a, b: model.text(a + b), TEXT, TEXT), two("+", lambda a, b: model.text(a + b), TEXT, TEXT),
-            shown, shown, part, choose, one("STRUPPER(%s)", str.upper), one("STRTRIM(%s)", lambda a: a.strip(" "))),
+            shown, shown, part, choose, one("STRUPPER(%s)", str.upper), one("STRTRIM(%s)", lambda a: a.strip(" \t\r\n"))),
     "set": (two("+", lambda a, b: a | b), two("*", lambda a, b: a & b), two("-", lambda a, b: a - b), computed_set),
     "enum": (cut_enum,),
     "rec": (composite_literal,), "arr": (composite_literal,), "list": (composite_literal,), "tab": (composite_literal,),

@@ -5,6 +5,7 @@
 #
 #   main.cls    the program; main2.cls, main3.cls ... are programs that run behind it in the same folder
 #   *.cls       the classes that they use
+#   make.py     writes classes that are too long to be kept, if there is such a file
 #   options     options of the compiler in place of /p2 and the debug level, if there is such a file
 #   expected    the output of the programs, reports of errors included; or the messages, where a class is refused
 #
@@ -16,6 +17,7 @@ import argparse
 import difflib
 import os
 import shutil
+import subprocess
 import sys
 import tempfile
 import threading
@@ -39,6 +41,8 @@ def read(path):
 def outcome(tools, source, folder):
     """What comes of the program in `source`, which is copied to `folder`."""
     shutil.copytree(source, folder)
+    if os.path.exists(os.path.join(folder, "make.py")):
+        subprocess.run([sys.executable, "make.py"], cwd=folder, check=True)
     options = os.path.join(folder, "options")
     tools.use_options(read(options).strip() if os.path.exists(options) else tools.options)
     mains = sorted(name for name in os.listdir(folder) if name.startswith("main") and name.endswith(".cls"))

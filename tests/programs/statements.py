@@ -395,14 +395,19 @@ def walk(scope, depth):
     scope.calls = calls
     # Whatever the walked expression reads is left alone in the body.
     read = [u for u in scope.variables if u.name in text]
-    # What a called function changes ends the walk; that is left to programs that are written by hand.
-    scope.calls = calls and not any(u.shared for u in read)
+    # What a called function changes is followed where a class variable is walked that is a list; else there are no calls.
+    live = source and source.variable.shared and not source.steps and kind.kind == "list"
+    scope.calls = calls and (live or not any(u.shared for u in read))
     lines, inner = loop_body(scope, depth, [u.name for u in read] + [v.name])
+    if live and calls and chance.random() < 0.5:
+        lines, inner = with_change(scope, v, lines, inner)
     scope.calls = calls
     head = "for each %s in %s%s%s%s loop" % (v.name, text, " through " + index[0] if index else "",
                                              " desc" if backwards else "", " where " + where[0] if where else "")
 
     def run(frame):
+        if live:
+            return rounds_where(live_elements(value, frame, backwards), v, where, inner, frame, False)
         items = list(elements_of(kind, model.copied(value(frame)), index))
         if backwards:
             items.reverse()
@@ -410,8 +415,30 @@ def walk(scope, depth):
         if kind.kind == "tab":
             machine.stamp()
             v.write(frame, v.kind.fit(scope.world.makers[v.kind.name].invoke([])))
+        return None
     after = ["%s := MAKE_%s()" % (v.name, v.kind.name)] if kind.kind == "tab" else []
     return [head] + indented(lines) + ["end loop"] + after, run
+
+
+def live_elements(value, frame, backwards):
+    """The elements of a list that may change meanwhile: as they are at their round; the end where their number changes."""
+    count = len(value(frame))
+    for n in reversed(range(count)) if backwards else range(count):
+        now = value(frame)
+        if len(now) != count:
+            return
+        yield now[n]
+
+
+def with_change(scope, v, lines, inner):
+    """A body and, behind it, a function that changes the list that is walked."""
+    change = scope.world.change
+
+    def run(frame):
+        inner(frame)
+        machine.stamp()
+        change.run([v.read(frame)])
+    return lines + ["%s(%s)" % (change.name, v.name)], run
 
 
 def rounds_where(items, v, where, inner, frame, early):
