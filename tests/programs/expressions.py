@@ -521,12 +521,19 @@ def call(scope, kind, depth):
     return invoke(scope, scope.chance.choice(fitting), depth) if fitting else None
 
 
+def small_number(scope):
+    number = scope.chance.randint(1, 4)
+    return str(number), lambda frame: number
+
+
 def invoke(scope, function, depth):
     """A call as an expression; None if there is no variable for an argument that is returned."""
     texts, values, used = [], [], set()
-    for mode, _, kind in function.parameters:
+    for mode, name, kind in function.parameters:
         if mode == "in":
-            text, value = aggregate(scope, kind, depth - 1)
+            # How deep a recursion goes: most often some calls.
+            few = name == "d" and scope.chance.random() < 0.8
+            text, value = small_number(scope) if few else aggregate(scope, kind, depth - 1)
             texts.append(text)
             values.append(value)
             continue

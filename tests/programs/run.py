@@ -9,7 +9,7 @@
 #   options     options of the compiler in place of /p2 and the debug level, if there is such a file
 #   expected    the output of the programs, reports of errors included; or the messages, where a class is refused
 #
-#   run.py BINARIES [--setting NAME]... [--jobs N] [--update] [NAME]...
+#   run.py BINARIES [NAME]... [--setting NAME]... [--jobs N] [--update]
 #
 # BINARIES is the folder of quarn.exe and ordo.exe. `--setting all` runs under each setting.
 # NAME picks the programs whose names begin so.

@@ -4,7 +4,7 @@
 # `machine.stamp()` stands before each, where the program reports the error that the statement before it left.
 import model
 from model import machine, Exit, Iterate, Return
-from expressions import (BOOL, INT, FIXED, TEXT, SET, Variable, aggregate, compare, expression, invoke, number_text, place,
+from expressions import (BOOL, INT, FIXED, TEXT, SET, Place, Variable, aggregate, compare, expression, invoke, number_text, place,
                          plain_text, quoted)
 
 
@@ -382,6 +382,9 @@ def walk(scope, depth):
     kind = chance.choice(kinds)
     element = {"set": INT, "str": TEXT}.get(kind.kind) or kind.element
     source = place(scope, kind, 2) if chance.random() < 0.8 else None
+    if chance.random() < 0.15:
+        shared = scope.world.shared[-1]
+        kind, element, source = shared.kind, shared.kind.element, Place(shared, shared.kind, [])
     v = a_variable(scope, element, source and source.variable)
     # An element that is not there would be told again in each round.
     if not v or (source and any(hasattr(step, "indexes") for step in source.steps)):
@@ -399,7 +402,7 @@ def walk(scope, depth):
     live = source and source.variable.shared and not source.steps and kind.kind == "list"
     scope.calls = calls and (live or not any(u.shared for u in read))
     lines, inner = loop_body(scope, depth, [u.name for u in read] + [v.name])
-    if live and calls and chance.random() < 0.5:
+    if live and calls and not scope.light and chance.random() < 0.5:
         lines, inner = with_change(scope, v, lines, inner)
     scope.calls = calls
     head = "for each %s in %s%s%s%s loop" % (v.name, text, " through " + index[0] if index else "",
