@@ -235,7 +235,8 @@ std::string changedFiles(const Sources& sources) {
         for (const SourceClass& item : sources.classes)
             if (!item.resource.empty() && (!byTime || timeOf(item.resource) > timeOf(sources.companion)))
                 text += item.resource + "\n";
-    if (text.empty() && exeIsOutOfDate(sources)) text = sources.exe + "\n";
+    const bool isProgram = sources.classes.back().isMain;
+    if (text.empty() && isProgram && exeIsOutOfDate(sources)) text = sources.exe + "\n";
     return text;
 }
 
