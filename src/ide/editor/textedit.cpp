@@ -2,6 +2,7 @@
 #include "ide/editor/textedit.h"
 
 #include "ide/editor/fileinfo.h"
+#include "ide/editor/seenfile.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
@@ -229,6 +230,7 @@ bool loadIntoWindow(const Object& window, const std::string& file) {
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     SetText(window, text);
     SetModify(window, false);
+    NOTEFILESEEN(window, file);
     return true;
 }
 
@@ -321,10 +323,20 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
 
 bool writeText(const Object& window, const std::string& file) {
     if (!SAVEFILE(file, GetText(window))) return false;
+    NOTEFILESEEN(window, file);
     DROPRESCUEDTEXT(file);
     SetModify(window, false);
     SETMODIFYPRIVATE(window, false);
     return true;
+}
+
+// What another program has written meanwhile goes only if the user says so.
+bool maySaveOver(const Object& window, const std::string& file) {
+    if (!CHANGEDOUTSIDE(window, file)) return true;
+    return MsgBox("File-Save",
+                  "The following file was changed by another program after it was read here:\n\n\t" + file +
+                      "\n\nTo keep both, cancel and use File-Save As with another name.",
+                  "&Save over it\n&Cancel", BoxIcon::Warning) == "&Save over it";
 }
 
 // A text that could not be stored under its new name keeps the old one, and the class in it too.
@@ -352,6 +364,8 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
         EDITWNDSETFILENAME(window, file);
         EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     }
+    STAMP();
+    go = go && (file != before || maySaveOver(window, file));
     STAMP();
     go = go && agreeOnClassName(window, file);
     STAMP();
