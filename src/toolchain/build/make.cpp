@@ -92,8 +92,9 @@ private:
     // what is wrong with the others.
     void compile(const std::vector<std::string>& files) {
         const std::string folder(paths::folder(main_.path));
-        const Compile made = toolchain::compile(
-            line_, compilerArguments(line_, files, folder, options_.inheritedPath), files.front());
+        std::vector<std::string> arguments = compilerArguments(line_, files, folder, options_.inheritedPath);
+        if (line_.isOwn) arguments.insert(arguments.begin(), "/q");  // the whole report comes from here, once
+        const Compile made = toolchain::compile(line_, arguments, files.front());
         if (!made.broke || files.size() == 1) {
             result_.report += made.report;
             return;

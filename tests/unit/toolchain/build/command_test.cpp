@@ -70,6 +70,15 @@ TEST_F(Command, ABareNameIsThatOfAToolBesideThisOne) {
     EXPECT_EQ(output, "b\n");
 }
 
+TEST_F(Command, AMessageIsPrintedOnce) {
+    write("tools/ide.ini", "[ordo]\r\nCLS=quarn.exe /p2 /d1 ^.cls\r\n");
+    write("main.cls", "Tarnwick Class Main\nfunction main()\nx := 1\nend function\nEnd class\n");
+    EXPECT_NE(run(dir + "tools/ordo.exe", {"-fm", dir + "main.cls"}), 0);
+    const std::size_t first = output.find("error 1201");
+    ASSERT_NE(first, std::string::npos) << output;
+    EXPECT_EQ(output.find("error 1201", first + 1), std::string::npos) << output;
+}
+
 TEST_F(Command, TheSettingsBesideTheToolComeFirst) {
     installed("\"" + dir + "tools/quarn.exe\" /p2 /d2 /q ^.cls");
     write("tools/ide.ini", "[ordo]\nCLS=\"" + dir + "tools/quarn.exe\" /p0 /d0 /q ^.cls\n");
@@ -177,7 +186,7 @@ TEST_F(Command, ACompilerThatBreaksOverSeveralClassesIsCalledForEach) {
             << read("o");
     const std::vector<std::string> all = words();
     EXPECT_EQ(std::count(all.begin(), all.end(), dir + "b.cls"), 2) << "in the call of both, and alone";
-    EXPECT_EQ(all.size(), 19U);
+    EXPECT_EQ(all.size(), 22U);
 }
 
 // ---- several classes in a call ----
