@@ -47,7 +47,7 @@ public:
     std::vector<Record> records(std::uint64_t offset, std::uint64_t size) const {
         const std::string bytes = part(offset, size);
         std::vector<Record> result(bytes.size() / sizeof(Record));
-        std::memcpy(result.data(), bytes.data(), result.size() * sizeof(Record));
+        if (!result.empty()) std::memcpy(result.data(), bytes.data(), result.size() * sizeof(Record));
         return result;
     }
 
