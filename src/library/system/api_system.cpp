@@ -142,7 +142,7 @@ void tarn_sys_errordetails(tarn_string* result) {
 
 void tarn_sys_print(const tarn_string* s) {
     const std::string_view line = view(s);
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    if (!line.empty()) std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
 }

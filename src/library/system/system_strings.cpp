@@ -87,6 +87,7 @@ public:
 private:
     static constexpr std::size_t Patience = 4096;
     [[nodiscard]] std::size_t exact(std::size_t from) const {
+        if (what_.empty() || text_.size() - from < what_.size()) return what_.empty() ? from : npos;
         const void* const found =
             ::memmem(text_.data() + from, text_.size() - from, what_.data(), what_.size());
         return found == nullptr ? npos
