@@ -281,17 +281,16 @@ void Parser::errorRange(Function& head) {
 void Parser::parameters(Declaration& item) {
     if (!expect("(")) return;
     if (accept(")")) return;
-    Mode mode = Mode::In;
     do
-        if (!parameter(item, mode)) return;
+        if (!parameter(item)) return;
     while (accept(",") || (isSymbol(";") && takeInstead(",")));
     expect(")");
 }
 
-// `name, name : type` is one type for several, so a name that only a comma follows waits for its type.
-bool Parser::parameter(Declaration& item, Mode& mode) {
+// Each parameter has a mode and a type of its own. False where the list cannot be read on.
+bool Parser::parameter(Declaration& item) {
     auto& list = item.function->parameters;
-    mode = accept(Word::Out) ? Mode::Out : accept(Word::Inout) ? Mode::Inout : Mode::In;
+    const Mode mode = accept(Word::Out) ? Mode::Out : accept(Word::Inout) ? Mode::Inout : Mode::In;
     if (mode == Mode::In) accept(Word::In);
     if (isWord(Word::Var)) takeInstead("inout");
     if (isWord(Word::Const)) takeInstead("in");

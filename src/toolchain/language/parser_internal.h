@@ -128,7 +128,7 @@ private:
     bool atForwardEnd();
     void errorRange(Function& head);
     void parameters(Declaration& item);
-    bool parameter(Declaration& item, Mode& mode);
+    bool parameter(Declaration& item);
     void externalBody(Function& head);
     void body(Declaration& item);
     void variables(Function& head);

@@ -268,6 +268,3 @@ static inline void quarn_shape(void* value, const void* like, int32_t kind) {
     else
         tarn_adt_clear(value, kind);
 }
-static inline void quarn_assert(int32_t condition) {
-    tarn_assert(condition, 0);
-}
