@@ -100,6 +100,7 @@ enum Key : int {
     KEY_F2 = 113,
     KEY_F3 = 114,
     KEY_F4 = 115,
+    KEY_CTRL_CLICK = 0x1001,  // a click with Ctrl on a word of an edit window, which has the caret then
 };
 
 // Flags of an edit window.
@@ -114,6 +115,18 @@ enum EditFlag : int {
     PRIVATE_MODIFY = 2048,
     NUMBERBAR = 4096,
 };
+
+// What an edit window shows around its text.
+enum Look : int {
+    LOOK_LINE = 1,       // the line with the caret
+    LOOK_BRACKETS = 2,   // the bracket at the caret and its partner
+    LOOK_BLANKS = 4,     // blanks and tabs
+    LOOK_FOLDS = 8,      // the margin with the blocks that can be folded
+    LOOK_CHANGES = 16,   // the margin with the lines that were changed
+    LOOK_CHOICES = 32,   // for the program: it offers words by itself
+};
+
+enum LineEnds : int { ENDS_LF = 0, ENDS_CRLF = 1, ENDS_CR = 2, ENDS_MIXED = 3, ENDS_NONE = 4 };
 
 }  // namespace constants
 using namespace constants;

@@ -12,6 +12,7 @@
 #include "platform/operations/arrays.h"
 #include "platform/operations/dialogs.h"
 #include "platform/operations/drawing.h"
+#include "platform/operations/edits.h"
 #include "platform/operations/life.h"
 #include "platform/operations/lists.h"
 #include "platform/operations/looks.h"

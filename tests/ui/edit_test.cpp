@@ -329,7 +329,7 @@ TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
     auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
     ASSERT_NE(bar, nullptr);
     EXPECT_TRUE(bar->isVisible());
-    EXPECT_EQ(bar->accessibleDescription().toStdString(), "Line 2, column 2, Insert, , 6 bytes");
+    EXPECT_EQ(bar->accessibleDescription().toStdString(), "Line 2, column 2, Insert, , LF, , 6 bytes");
     QTest::mouseClick(bar, Qt::RightButton);
     EXPECT_EQ(infos, 1);
     area->setFlags(0);

@@ -77,6 +77,26 @@
     X(void, SetPicture, set_picture, (const Object& object, std::string_view picture), (object, picture))            \
     X(void, SetPicture, set_picture_value, (const Object& object, const Picture& picture), (object, picture))
 
+#define TARN_EDIT_OPERATIONS(X)                                                                                      \
+    X(std::string, GetTextRange, get_text_range, (const Object& object, int start, int length), (object, start, length)) \
+    X(int, GetLooks, get_looks, (const Object& window), (window))                                                    \
+    X(void, SetLooks, set_looks, (const Object& window, int looks), (window, looks))                                 \
+    X(int, GetTabWidth, get_tab_width, (const Object& window), (window))                                             \
+    X(void, SetTabWidth, set_tab_width, (const Object& window, int columns), (window, columns))                      \
+    X(int, GetZoom, get_zoom, (const Object& window), (window))                                                      \
+    X(void, SetZoom, set_zoom, (const Object& window, int points), (window, points))                                 \
+    X(int, GetLineEnds, get_line_ends, (const Object& window), (window))                                             \
+    X(void, SetLineEnds, set_line_ends, (const Object& window, int ends), (window, ends))                            \
+    X(std::string, GetBlocks, get_blocks, (const Object& window), (window))                                          \
+    X(void, SetBlocks, set_blocks, (const Object& window, std::string_view rules), (window, rules))                  \
+    X(void, FoldAll, fold_all, (const Object& window, bool folded), (window, folded))                                \
+    X(void, ShowChoices, show_choices, (const Object& window, std::string_view rows, int typed), (window, rows, typed)) \
+    X(std::string, GetChoices, get_choices, (const Object& window), (window))                                        \
+    X(void, ShowCallTip, show_call_tip, (const Object& window, int position, std::string_view text, int markStart, int markLength), (window, position, text, markStart, markLength)) \
+    X(std::string, GetCallTip, get_call_tip, (const Object& window), (window))                                       \
+    X(void, SetStatusText, set_status_text, (const Object& window, std::string_view text), (window, text))           \
+    X(std::string, GetStatusText, get_status_text, (const Object& window), (window))
+
 #define TARN_LIST_OPERATIONS(X)                                                                                      \
     X(int, GetListCount, get_list_count, (const Object& list), (list))                                               \
     X(int, GetListIndex, get_list_index, (const Object& list), (list))                                               \
@@ -211,6 +231,7 @@
 #define TARN_WINDOW_OPERATIONS(X)                                                                                    \
     TARN_LIFE_OPERATIONS(X)                                                                                          \
     TARN_VALUE_OPERATIONS(X)                                                                                         \
+    TARN_EDIT_OPERATIONS(X)                                                                                          \
     TARN_LIST_OPERATIONS(X)                                                                                          \
     TARN_POSITION_OPERATIONS(X)                                                                                      \
     TARN_ARRAY_OPERATIONS(X)                                                                                         \

@@ -246,7 +246,7 @@ constexpr NamedKey namedKeys[] = {
     {"Up", 38},     {"Down", 40},   {"Left", 37},     {"Right", 39}, {"Del", 46},      {"Delete", 46},
     {"Ins", 45},    {"Insert", 45}, {"End", 35},      {"Home", 36},  {"Enter", 13},    {"Return", 13},
     {"Escape", 27}, {"Esc", 27},    {"PgDn", 34},     {"PgUp", 33},  {"PageDown", 34}, {"PageUp", 33},
-    {"Space", 32},  {"Tab", 9},     {"Backspace", 8},
+    {"Space", 32},  {"Tab", 9},     {"Backspace", 8}, {"Plus", 187}, {"Minus", 189},
 };
 
 int keyFromText(std::string_view text) {

@@ -53,6 +53,11 @@ public:
     int foreColour = -1, backColour = -1;  // 0xBBGGRR, -1: the desktop's
     std::shared_ptr<Graph> graph;          // while it is drawn on; see graph_internal.h
     void* widget = nullptr;                // the view's
+    // Edit windows; operations/edits.h tells what they mean.
+    int looks = LOOK_LINE, tabWidth = 4, zoom = 0, typed = 0, tipPlace = 0;
+    Selection tipMark;
+    bool folded = false;
+    std::string blocks, choices, callTip, statusText;
 };
 
 class Window : public Control {

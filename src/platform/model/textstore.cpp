@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The plain text of an edit control, for windows without a view that has an editor of its own.
+// The plain text of an edit control, for windows without a view that has an editor of its own; and what every text
+// store can do by going through its text.
 #include "platform/model/model.h"
 
 #include <algorithm>
@@ -38,7 +39,60 @@ private:
     bool modified_ = false;
 };
 
+// Calls `end` with the place and the length of each line end.
+template <class End>
+void eachLineEnd(std::string_view text, End end) {
+    for (std::size_t at = text.find_first_of("\r\n"); at != std::string_view::npos;) {
+        const std::size_t length = text.substr(at, 2) == "\r\n" ? 2 : 1;
+        end(at, length);
+        at = text.find_first_of("\r\n", at + length);
+    }
+}
+
 }  // namespace
+
+int lineEndsOf(std::string_view text) {
+    int found = ENDS_NONE;
+    eachLineEnd(text, [&](std::size_t at, std::size_t length) {
+        const int one = length == 2 ? ENDS_CRLF : text[at] == '\r' ? ENDS_CR : ENDS_LF;
+        found = found == ENDS_NONE || found == one ? one : ENDS_MIXED;
+    });
+    return found;
+}
+
+std::string withLineEnds(std::string_view text, int ends) {
+    const std::string_view mark = ends == ENDS_CRLF ? "\r\n" : ends == ENDS_CR ? "\r" : "\n";
+    std::string out;
+    out.reserve(text.size());
+    std::size_t from = 0;
+    eachLineEnd(text, [&](std::size_t at, std::size_t length) {
+        out.append(text.substr(from, at - from)).append(mark);
+        from = at + length;
+    });
+    return out.append(text.substr(from));
+}
+
+std::string TextStore::range(int start, int length) const {
+    const std::string all = text();
+    const int from = std::clamp(start - 1, 0, static_cast<int>(all.size()));
+    return all.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(std::max(length, 0)));
+}
+
+int TextStore::lineEnds() const {
+    return lineEndsOf(text());
+}
+
+// The caret stays in its line.
+bool TextStore::convertLineEnds(int ends, int most) {
+    const std::string before = text(), after = withLineEnds(before, ends);
+    if (after == before || (most > 0 && static_cast<int>(after.size()) > most)) return false;
+    const auto caret = static_cast<std::size_t>(selection().start - 1);
+    const auto place = withLineEnds(std::string_view(before).substr(0, caret), ends).size();
+    select(1, length());
+    replaceSelection(after);
+    select(static_cast<int>(place) + 1, 0);
+    return true;
+}
 
 std::unique_ptr<TextStore> makePlainText() {
     return std::make_unique<PlainText>();

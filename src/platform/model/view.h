@@ -44,6 +44,12 @@ enum class Property {
     Colour,
     State,
     MenuItems,
+    Looks,
+    Blocks,
+    Folded,
+    Choices,
+    CallTip,
+    StatusText,
 };
 
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
@@ -59,7 +65,16 @@ public:
     virtual void replaceSelection(std::string_view text) = 0;
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
+    // The rest has a plain form that goes through the whole text.
+    [[nodiscard]] virtual std::string range(int start, int length) const;  // cut to the text
+    [[nodiscard]] virtual int lineEnds() const;                            // a LineEnds
+    // In one undo step; false if nothing changed, or `most` bytes (0: any number) would not be enough.
+    virtual bool convertLineEnds(int ends, int most);
 };
+
+// The line ends of a text, and a text with other ones.
+int lineEndsOf(std::string_view text);
+std::string withLineEnds(std::string_view text, int ends);
 
 // A question that waits for the user, for views and for whoever plays the user.
 struct Question {

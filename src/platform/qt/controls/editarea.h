@@ -7,9 +7,11 @@
 #include "platform/model/view.h"
 #include "platform/object.h"
 
+#include <QImage>
 #include <QPoint>
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 class QWidget;
@@ -24,6 +26,19 @@ public:
     virtual void changed() = 0;
     virtual void doubleClicked(QPoint position) = 0;  // pixels, in the edit window
     virtual void infoAsked(QPoint position) = 0;      // right click on the status bar
+    virtual void zoomed(int points) { static_cast<void>(points); }
+    // A click with Ctrl on a word, at a position of the text. False: nothing comes of it.
+    virtual bool nameClicked(int position) {
+        static_cast<void>(position);
+        return false;
+    }
+    // A picture of the resources, in pixels of the screen.
+    virtual QImage picture(const std::string& name, int size, qreal ratio) {
+        static_cast<void>(name);
+        static_cast<void>(size);
+        static_cast<void>(ratio);
+        return {};
+    }
 };
 
 class EditArea {
@@ -38,6 +53,13 @@ public:
     virtual void setTokens(std::string_view tokens) = 0;
     virtual void setFont(const Font& font) = 0;
     virtual void setName(const QString& name) = 0;  // for screen readers
+    // What platform/operations/edits.h tells.
+    virtual void setLooks(int looks, int tabWidth, int zoom) = 0;
+    virtual void setBlocks(std::string_view rules) = 0;
+    virtual void foldAll(bool folded) = 0;
+    virtual void showChoices(std::string_view rows, int typed) = 0;
+    virtual void showCallTip(int position, std::string_view text, const Selection& mark) = 0;
+    virtual void setNote(std::string_view text) = 0;
 };
 
 // Exported under the name "tarn_make_edit_area". The area belongs to its widget; `events` must outlive it.

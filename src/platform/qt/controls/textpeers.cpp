@@ -7,6 +7,7 @@
 #include "os/paths.h"
 #include "os/process.h"
 #include "platform/qt/controls/editarea.h"
+#include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 
 #include <QApplication>
@@ -16,6 +17,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextOption>
@@ -401,6 +403,8 @@ public:
         area_ = loadEditLibrary()(&holder, *this);
         takeStore(control, area_->store());
         apply(Property::Caption);
+        apply(Property::Looks);
+        apply(Property::Blocks);
     }
     QWidget* focusWidget() override { return area_->textWidget(); }
 
@@ -416,6 +420,14 @@ public:
         case Property::MaxLength: area_->setMaxLength(control_->maxLength); break;
         case Property::Tokens: area_->setTokens(control_->tokens); break;
         case Property::Font: area_->setFont(control_->font); break;
+        case Property::Looks: area_->setLooks(control_->looks, control_->tabWidth, control_->zoom); break;
+        case Property::Blocks: area_->setBlocks(control_->blocks); break;
+        case Property::Folded: area_->foldAll(control_->folded); break;
+        case Property::Choices: area_->showChoices(control_->choices, control_->typed); break;
+        case Property::CallTip:
+            area_->showCallTip(control_->tipPlace, control_->callTip, control_->tipMark);
+            break;
+        case Property::StatusText: area_->setNote(control_->statusText); break;
         default: break;
         }
     }
@@ -429,6 +441,23 @@ public:
     }
     void infoAsked(QPoint at) override {
         if (control_ != nullptr) userInfo(*control_, at.x(), at.y());
+    }
+    void zoomed(int points) override {
+        if (control_ != nullptr) control_->zoom = points;
+    }
+    bool nameClicked(int position) override {
+        if (control_ == nullptr) return false;
+        Window* const window = findWindow(control_->object);
+        if (window == nullptr) return false;
+        const QPointer<EditAreaPeer> alive(this);
+        const Selection before = control_->text->selection();
+        control_->text->select(position, 0);
+        if (userKey(*window, control_, KEY_CTRL_CLICK) || alive.isNull()) return true;
+        if (control_ != nullptr) control_->text->select(before.start, before.length);
+        return false;
+    }
+    QImage picture(const std::string& name, int size, qreal ratio) override {
+        return pictureScaled(name, QSize(size, size), ratio).toImage();
     }
 
 private:

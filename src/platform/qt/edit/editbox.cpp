@@ -37,6 +37,16 @@ public:
         if (area_ != nullptr) area_->setModified(modified);
     }
 
+    std::string range(int start, int length) const override {
+        return area_ != nullptr ? area_->range(start, length) : std::string();
+    }
+    int lineEnds() const override {
+        return area_ != nullptr ? area_->lineEnds() : static_cast<int>(ENDS_NONE);
+    }
+    bool convertLineEnds(int ends, int most) override {
+        return area_ != nullptr && area_->convertLineEnds(ends, most);
+    }
+
 private:
     QPointer<TextArea> area_;
 };
@@ -52,6 +62,14 @@ public:
         connect(text_, &TextArea::moved, this, [this] { tellSoon(); });
         connect(text_, &TextArea::pressedTwice, this,
                 [this](QPoint at) { events_.doubleClicked(text_->mapTo(this, at)); });
+        connect(text_, &TextArea::zoomed, this, [this](int points) { events_.zoomed(points); });
+        connect(text_, &TextArea::goesOn, this, [this] {
+            if (!note_.isEmpty()) setNote({});
+        });
+        text_->picture = [this](const std::string& name, int size, qreal ratio) {
+            return events_.picture(name, size, ratio);
+        };
+        text_->nameClicked = [this](int position) { return events_.nameClicked(position); };
         bar_->rightClicked = [this](QPoint at) { events_.infoAsked(bar_->mapTo(this, at)); };
         tellSoon();
     }
@@ -68,6 +86,17 @@ public:
     void setTokens(std::string_view tokens) override { text_->setTokens(tokens); }
     void setFont(const Font& font) override { text_->setTextFont(font); }
     void setName(const QString& name) override { text_->setAccessibleName(name); }
+    void setLooks(int looks, int tabWidth, int zoom) override { text_->setLooks(looks, tabWidth, zoom); }
+    void setBlocks(std::string_view rules) override { text_->setBlocks(rules); }
+    void foldAll(bool folded) override { text_->foldAll(folded); }
+    void showChoices(std::string_view rows, int typed) override { text_->showChoices(rows, typed); }
+    void showCallTip(int position, std::string_view text, const Selection& mark) override {
+        text_->showCallTip(position, text, mark);
+    }
+    void setNote(std::string_view text) override {
+        note_ = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+        tellSoon();
+    }
 
 protected:
     void resizeEvent(QResizeEvent*) override { layOut(); }
@@ -91,13 +120,24 @@ private:
         const QLocale locale;
         bar_->setParts({tr("Line %1, column %2").arg(place.line).arg(place.column),
                         text_->overwriting() ? tr("Overwrite") : tr("Insert"),
-                        text_->modified() ? tr("Modified") : QString(),
+                        text_->modified() ? tr("Modified") : QString(), endsText(),
+                        note_.isEmpty() && text_->inRows()
+                            ? tr("Lines over %1 bytes stand in rows, without colours and numbers")
+                                  .arg(locale.toString(Rows::LongLine))
+                            : note_,
                         tr("%1 bytes").arg(locale.toString(text_->length()))});
+    }
+
+    QString endsText() {
+        static constexpr const char* names[] = {"LF", "CR LF", "CR", QT_TR_NOOP("Mixed ends")};
+        const int ends = text_->lineEnds();
+        return ends < ENDS_NONE ? tr(names[ends]) : QString();
     }
 
     EditEvents& events_;
     TextArea* text_;
     StatusBar* bar_;
+    QString note_;
     bool told_ = false;
 };
 

@@ -30,7 +30,6 @@ namespace tarn::platform::qt {
 namespace {
 
 constexpr char BytesType[] = "application/x-tarnwick-bytes";
-constexpr int TabWidth = 4;
 constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
 constexpr int Gap = 6;           // pixels between number bar and text
 constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
@@ -69,11 +68,12 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     applyColours();
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
-            this, [this](int position, int type, const char*, int bytes) {
-                if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(bytes);
+            this, [this](int position, int type, const char* text, int bytes) {
+                if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(text, bytes);
                 tellReader();
-                if ((type & SC_MOD_BEFOREDELETE) != 0) tellRemoval(*this, position, bytes);
-                if ((type & SC_MOD_BEFOREINSERT) != 0) added_ = {position + 1, bytes};
+                if ((type & SC_MOD_BEFOREDELETE) != 0) onRemoval(position, bytes);
+                if ((type & SC_MOD_BEFOREINSERT) != 0)
+                    onInsertion(position, {text, static_cast<std::size_t>(text != nullptr ? bytes : 0)});
                 onModified();
             });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
@@ -82,10 +82,20 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
         if ((what & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) == 0) return;
         tellReader();
         tellCaret(*this);
+        matchBrackets();
+        showLine(lineOf(static_cast<int>(send(SCI_GETCURRENTPOS))));
         emit moved();
     });
     connect(this, &TextArea::SCN_SAVEPOINTLEFT, this, [this] { emit moved(); });
-    connect(this, &TextArea::SCN_SAVEPOINTREACHED, this, [this] { emit moved(); });
+    connect(this, &TextArea::SCN_SAVEPOINTREACHED, this, [this] {
+        changes_.clear();
+        send(SCI_MARKERDELETEALL, UnsavedMark);
+        emit moved();
+    });
+    connect(this, &TextArea::SCN_ZOOM, this, [this] {
+        digits_ = 0;
+        applyNumberBar();
+    });
 }
 
 long TextArea::send(unsigned message, long w, long l) const {
@@ -105,13 +115,15 @@ void TextArea::configure() {
     send(SCI_SETWRAPMODE, SC_WRAP_NONE);
     send(SCI_SETSCROLLWIDTH, 1);
     send(SCI_SETSCROLLWIDTHTRACKING, 1);
-    send(SCI_SETTABWIDTH, TabWidth);
     send(SCI_USEPOPUP, SC_POPUP_NEVER);  // its Paste ends a text at the first NUL; see contextMenuEvent
     send(SCI_SETUSETABS, 1);
     send(SCI_SETTABINDENTS, 0);
     send(SCI_SETBACKSPACEUNINDENTS, 0);
     send(SCI_SETENDATLASTLINE, 1);
-    send(SCI_SETMULTIPLESELECTION, 0);
+    send(SCI_SETMULTIPLESELECTION, 1);
+    send(SCI_SETADDITIONALSELECTIONTYPING, 1);
+    send(SCI_SETMULTIPASTE, SC_MULTIPASTE_EACH);
+    send(SCI_SETVIRTUALSPACEOPTIONS, SCVS_RECTANGULARSELECTION);
     send(SCI_SETCARETWIDTH, 2);
     send(SCI_SETMOUSEDWELLTIME, 10000000);
     for (int margin = 0; margin < 5; ++margin) send(SCI_SETMARGINWIDTHN, margin, 0);
@@ -123,23 +135,35 @@ void TextArea::configure() {
          {'D', 'L', 'T', 'U', 'B', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'M', 'N', 'O', 'P', 'Q', 'R', 'S', 'W'})
         for (const long modifiers : {long(SCMOD_CTRL), long(SCMOD_CTRL) | long(SCMOD_SHIFT)})
             send(SCI_CLEARCMDKEY, key + (modifiers << 16));
+    applyLooks();
 }
 
 // ---- text ----
 
-std::string_view TextArea::range(int from, int to) const {
+std::string_view TextArea::view(int from, int to) const {
+    if (to <= from) return {};
     const auto* start = reinterpret_cast<const char*>(send(SCI_GETRANGEPOINTER, from, to - from));
     return {start, static_cast<std::size_t>(to - from)};
 }
 
-int TextArea::length() const {
+int TextArea::size() const {
     return static_cast<int>(send(SCI_GETLENGTH));
 }
 
+int TextArea::length() const {
+    return size() - parts_.added();
+}
+
 std::string TextArea::bytes() const {
-    const int size = length();
-    if (size == 0) return {};
-    return std::string(range(0, size));
+    return parts_.on() ? parts_.joined(view(0, size()), 0) : std::string(view(0, size()));
+}
+
+std::string TextArea::range(int start, int length) const {
+    const int from = std::clamp(start - 1, 0, this->length());
+    const int to = from + std::clamp(length, 0, this->length() - from);
+    if (!parts_.on()) return std::string(view(from, to));
+    const int first = parts_.toControl(from, true);
+    return parts_.joined(view(first, parts_.toControl(to, false)), first);
 }
 
 int TextArea::lineOf(int position) const {
@@ -152,6 +176,7 @@ int TextArea::startOfLine(int line) const {
 
 // New lines end as most do in the first part of the file.
 void TextArea::adoptLineEnd(std::string_view text) {
+    endsKnown_ = false;
     text = text.substr(0, 65536);
     long pairs = 0, feeds = 0, returns = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -174,7 +199,11 @@ void TextArea::setBytes(std::string_view text) {
     send(SCI_SETUNDOCOLLECTION, 0);
     send(SCI_CLEARALL);
     send(SCI_SETSCROLLWIDTH, 1);
-    sendBytes(SCI_ADDTEXT, static_cast<long>(text.size()), text.data());
+    parts_.stop();
+    if (Rows::needed(text) && Rows::possible(text)) parts_.start(text);
+    const std::string rows = parts_.on() ? parts_.parted(text) : std::string();
+    const std::string_view shown = parts_.on() ? rows : text;
+    sendBytes(SCI_ADDTEXT, static_cast<long>(shown.size()), shown.data());
     send(SCI_SETUNDOCOLLECTION, 1);
     send(SCI_EMPTYUNDOBUFFER);
     send(SCI_SETSAVEPOINT);
@@ -185,21 +214,29 @@ void TextArea::setBytes(std::string_view text) {
     setting_ = false;
     tellReader();
     changed_ = false;
+    changes_.clear();
+    send(SCI_MARKERDELETEALL, UnsavedMark);
+    send(SCI_MARKERDELETEALL, SavedMark);
+    scanned_ = false;
+    scanLater(0, lineOf(size()));
+    digits_ = 0;
     applyNumberBar();
     emit moved();
 }
 
 Selection TextArea::selection() const {
-    const int start = static_cast<int>(send(SCI_GETSELECTIONSTART)),
-              end = static_cast<int>(send(SCI_GETSELECTIONEND));
+    const int start = parts_.toText(static_cast<int>(send(SCI_GETSELECTIONSTART))),
+              end = parts_.toText(static_cast<int>(send(SCI_GETSELECTIONEND)));
     return {start + 1, end - start};
 }
 
 void TextArea::select(int start, int length) {
     const int size = this->length();
-    const int from = std::clamp(start - 1, 0, size);
-    const int to = std::clamp(from + std::max(length, 0), from, size);
+    const int first = std::clamp(start - 1, 0, size), last = first + std::clamp(length, 0, size - first);
+    const int from = parts_.toControl(first, true), to = last > first ? parts_.toControl(last, false) : from;
     send(SCI_SETSELECTION, to, from);
+    showLine(lineOf(to));
+    showLine(lineOf(from));
     // A line that is out of sight comes to the upper third, so that what follows it shows.
     const long line = send(SCI_VISIBLEFROMDOCLINE, lineOf(from));
     const long first = send(SCI_GETFIRSTVISIBLELINE), shown = std::max(send(SCI_LINESONSCREEN), 1L);
@@ -211,8 +248,20 @@ void TextArea::select(int start, int length) {
 
 void TextArea::replaceSelection(std::string_view text) {
     flush();
+    if (parts_.on() && !parts_.fits(text)) {
+        const Selection at = selection();
+        std::string all = bytes();
+        all.replace(static_cast<std::size_t>(at.start - 1), static_cast<std::size_t>(at.length), text);
+        reload(all);
+        return select(at.start + static_cast<int>(text.size()), 0);
+    }
     insert(text);
     changed_ = false;
+}
+
+void TextArea::reload(std::string_view text) {
+    setBytes(text);
+    setModified(true);
 }
 
 void TextArea::insert(std::string_view text) {
@@ -223,7 +272,7 @@ void TextArea::insert(std::string_view text) {
     send(SCI_SETTARGETRANGE, start, end);
     sendBytes(SCI_REPLACETARGET, static_cast<long>(text.size()), text.data());
     send(SCI_ENDUNDOACTION);
-    send(SCI_SETEMPTYSELECTION, start + static_cast<long>(text.size()));
+    send(SCI_SETEMPTYSELECTION, send(SCI_GETTARGETEND));
     send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
     send(SCI_SCROLLCARET);
     free_ = false;
@@ -240,10 +289,31 @@ bool TextArea::refuses(std::string_view text) {
     return true;
 }
 
-void TextArea::checkInsertion(int bytes) {
-    if (limit_ == 0 || free_ || setting_ || length() + bytes <= limit_) return;
-    sendBytes(SCI_CHANGEINSERTION, 0, "");
-    QApplication::beep();
+void TextArea::checkInsertion(const char* text, int bytes) {
+    if (setting_) return;
+    if (limit_ > 0 && !free_ && length() + bytes > limit_) {
+        sendBytes(SCI_CHANGEINSERTION, 0, "");
+        return QApplication::beep();
+    }
+    if (text != nullptr) inRowsInsertion({text, static_cast<std::size_t>(bytes)});
+}
+
+// Parts what would make a line endless. The place is that of the caret closely enough: a line that has become too long
+// somewhere else is parted when it is typed in.
+void TextArea::inRowsInsertion(std::string_view text) {
+    const int line = lineOf(static_cast<int>(send(SCI_GETCURRENTPOS)));
+    const bool grown = send(SCI_LINELENGTH, line) + static_cast<long>(text.size()) > Rows::LongLine;
+    if (!parts_.on()) {
+        if (!grown || !(Rows::needed(text) || text.find_first_of("\r\n") == std::string_view::npos)) return;
+        const std::string_view all = view(0, size());
+        if (!Rows::possible(all) || (all.find('\n') == std::string_view::npos && !Rows::possible(text))) return;
+        parts_.start(all.find('\n') == std::string_view::npos ? text : all);
+        digits_ = 0;
+        scanLater(0, lineOf(size()));
+    }
+    std::string rows = parts_.parted(text);
+    if (grown && rows.size() < static_cast<std::size_t>(Rows::RowBytes)) rows += '\r';
+    if (rows != text) sendBytes(SCI_CHANGEINSERTION, static_cast<long>(rows.size()), rows.data());
 }
 
 bool TextArea::modified() const {
@@ -251,7 +321,10 @@ bool TextArea::modified() const {
 }
 
 void TextArea::setModified(bool modified) {
-    if (!modified) send(SCI_SETSAVEPOINT);
+    if (!modified) {
+        keepMarks();
+        send(SCI_SETSAVEPOINT);
+    }
     marked_ = modified;
     emit moved();
 }
@@ -260,6 +333,23 @@ void TextArea::setModified(bool modified) {
 void TextArea::tellReader() {
     const Selection added = std::exchange(added_, Selection());
     if (added.length > 0) tellInsertion(*this, added.start - 1, added.length);
+}
+
+void TextArea::onRemoval(int position, int bytes) {
+    tellRemoval(*this, position, bytes);
+    const int lines = lineOf(position + bytes) - lineOf(position);
+    parts_.removing(position, bytes);
+    noteChange(position, 0);
+    if (lines > 0) noteEnds({}, true);
+}
+
+void TextArea::onInsertion(int position, std::string_view text) {
+    added_ = {position + 1, static_cast<int>(text.size())};
+    if (parts_.on())
+        parts_.inserting(position, text, static_cast<char>(send(SCI_GETCHARAT, position)));
+    const auto feeds = std::count_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; });
+    noteChange(position, static_cast<int>(feeds));
+    if (feeds > 0) noteEnds(text, false);
 }
 
 void TextArea::onModified() {
@@ -271,6 +361,7 @@ void TextArea::onModified() {
 
 void TextArea::flush() {
     tellReader();
+    applyMarks();
     if (!changed_) return;
     changed_ = false;
     emit edited();
@@ -283,15 +374,15 @@ void TextArea::setFlags(int flags) {
     flags_ = flags;
     send(SCI_SETREADONLY, (flags & READONLY) != 0);
     if ((flags & ALLOWOVERWRITE) == 0) send(SCI_SETOVERTYPE, 0);
-    send(SCI_SETCARETLINEVISIBLE, (flags & READONLY) == 0);
     digits_ = 0;
     applyNumberBar();
+    applyLooks();
     if ((changed & HILITE) != 0) colourAnew();
     emit moved();
 }
 
 void TextArea::applyNumberBar() {
-    if ((flags_ & NUMBERBAR) == 0) {
+    if ((flags_ & NUMBERBAR) == 0 || parts_.on()) {  // rows are no lines
         send(SCI_SETMARGINWIDTHN, 0, 0);
         digits_ = 0;
         return;
@@ -347,13 +438,19 @@ void TextArea::applyColours() {
     for (const TokenStyle& rule : rules_.styles()) {
         style(number++, readable(colourOf(rule), paper), paper, rule.bold, rule.italic);
     }
+    defineMarks();
+    styleHelp();
     SendScintilla(SCI_SETCARETFORE, ink);
+    SendScintilla(SCI_SETADDITIONALCARETFORE, ink);
     SendScintilla(SCI_SETCARETLINEBACK, mixed(paper, ink, 0.05));
     // Marked text has one colour, as in the desktop's own controls: those for the paper would not read well.
     const QColor markedInk = palette.color(QPalette::Active, QPalette::HighlightedText);
     SendScintilla(SCI_SETSELFORE, 1UL, markedInk);
-    SendScintilla(SCI_SETSELBACK, 1UL,
-                  readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk));
+    const QColor marking = readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk);
+    SendScintilla(SCI_SETSELBACK, 1UL, marking);
+    SendScintilla(SCI_SETADDITIONALSELFORE, markedInk);
+    SendScintilla(SCI_SETADDITIONALSELBACK, marking);
+    send(SCI_SETADDITIONALSELALPHA, SC_ALPHA_NOALPHA);
     send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }
@@ -364,7 +461,7 @@ void TextArea::onStyleNeeded(int end) {
     const int to = static_cast<int>(send(SCI_GETLINEENDPOSITION, line));
     const int stop = std::max({to, end, from});
     send(SCI_STARTSTYLING, from);
-    if (rules_.empty() || (flags_ & HILITE) == 0) {
+    if (rules_.empty() || (flags_ & HILITE) == 0 || parts_.on()) {
         send(SCI_SETSTYLING, stop - from, 0);
         return;
     }
@@ -373,7 +470,7 @@ void TextArea::onStyleNeeded(int end) {
         const int next = startOfLine(lineOf(at) + 1);
         int last = std::min(stop, std::max(startOfLine(lineOf(std::min(stop, at + Piece))), next));
         if (last <= at) last = stop;
-        rules_.colour(range(at, last), styles_);
+        rules_.colour(view(at, last), styles_);
         sendBytes(SCI_SETSTYLINGEX, static_cast<long>(styles_.size()), styles_.data());
         at = last;
     }
@@ -382,6 +479,12 @@ void TextArea::onStyleNeeded(int end) {
 TextArea::Place TextArea::place() const {
     const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
     const int line = lineOf(caret), start = startOfLine(line);
+    if (parts_.on()) {
+        int first = line;
+        while (first > 0 && parts_.isAdded(startOfLine(first) - 1)) --first;
+        const int from = startOfLine(first), start = parts_.toText(from);
+        return {first + 1 - (from - start), parts_.toText(caret) - start + 1};
+    }
     if (caret - start > LongLine) return {line + 1, caret - start + 1};
     return {line + 1, static_cast<int>(send(SCI_GETCOLUMN, caret)) + 1};
 }
@@ -406,11 +509,15 @@ bool TextArea::viewportEvent(QEvent* event) {
 
 void TextArea::newLine() {
     static constexpr std::string_view ends[] = {"\r\n", "\r", "\n"};
+    if (send(SCI_GETSELECTIONS) > 1) {
+        send(SCI_NEWLINE);
+        return;
+    }
     std::string text(ends[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
     if ((flags_ & AUTOINDENT) != 0) {
         const int caret = static_cast<int>(send(SCI_GETSELECTIONSTART));
         const int start = startOfLine(lineOf(caret));
-        const std::string_view head = caret > start ? range(start, caret) : std::string_view();
+        const std::string_view head = caret > start ? view(start, caret) : std::string_view();
         text += head.substr(0, std::min(head.find_first_not_of(" \t"), head.size()));
     }
     insertTyped(text);
@@ -433,10 +540,10 @@ bool TextArea::shiftBlock(bool left) {
             if (stop > at) sendBytes(SCI_INSERTTEXT, at, "\t");
             continue;
         }
-        const std::string_view text = stop > at ? range(at, stop) : std::string_view();
+        const std::string_view text = stop > at ? view(at, stop) : std::string_view();
         const auto blanks = std::min(text.find_first_not_of(' '), text.size());
         const long remove =
-            !text.empty() && text[0] == '\t' ? 1 : static_cast<long>(std::min<std::size_t>(blanks, TabWidth));
+            !text.empty() && text[0] == '\t' ? 1 : static_cast<long>(std::min(blanks, static_cast<std::size_t>(tabWidth_)));
         if (remove > 0) send(SCI_DELETERANGE, at, remove);
     }
     send(SCI_ENDUNDOACTION);
@@ -450,14 +557,21 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
     const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool plain = modifiers == Qt::NoModifier, shift = modifiers == Qt::ShiftModifier;
     const bool writable = (flags_ & READONLY) == 0;
+    emit goesOn();
     if (writable && event->matches(QKeySequence::Paste) && pasteBytes()) return;
+    if (zoomKey(*event)) return;
+    if (writable && parts_.on() && (plain || shift) && eraseInRows(event->key())) return;
+    const bool choosing = send(SCI_AUTOCACTIVE) != 0;
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
+        if (choosing) return static_cast<void>(send(SCI_AUTOCCOMPLETE));
         if (writable && (plain || shift)) return newLine();
         break;
     case Qt::Key_Tab:
         if (!writable || !plain) break;
+        if (choosing) return static_cast<void>(send(SCI_AUTOCCOMPLETE));
+        if (send(SCI_GETSELECTIONS) > 1) return static_cast<void>(send(SCI_TAB));
         if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) insertTyped("\t");
         return;
     case Qt::Key_Backtab:
@@ -473,6 +587,18 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
     }
     QsciScintillaBase::keyPressEvent(event);
     if (event->key() == Qt::Key_Insert) emit moved();
+}
+
+// What stands between two rows is not there for the user: erasing it erases the character behind it too.
+bool TextArea::eraseInRows(int key) {
+    const bool back = key == Qt::Key_Backspace;
+    if ((!back && key != Qt::Key_Delete) || selection().length > 0 || send(SCI_GETSELECTIONS) > 1) return false;
+    const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
+    send(SCI_BEGINUNDOACTION);
+    if (parts_.isAdded(back ? caret - 1 : caret)) send(back ? SCI_DELETEBACK : SCI_CLEAR);
+    send(back ? SCI_DELETEBACK : SCI_CLEAR);
+    send(SCI_ENDUNDOACTION);
+    return true;
 }
 
 // The control ends a pasted text at its first NUL.
@@ -539,13 +665,19 @@ void TextArea::changeEvent(QEvent* event) {
 // Text leaves with its bytes beside it, so that a cut and paste inside the program keeps those that are no
 // UTF-8.
 QMimeData* TextArea::toMimeData(const QByteArray& text, bool rectangular) const {
-    QMimeData* data = QsciScintillaBase::toMimeData(text, rectangular);
     const Selection marked = selection();
-    // The text that comes here has blanks in the place of NUL.
-    if (!rectangular && text.size() == marked.length && marked.length > 0) {
-        const std::string_view bytes = range(marked.start - 1, marked.start - 1 + marked.length);
-        data->setData(QString::fromLatin1(BytesType), QByteArray(bytes.data(), text.size()));
+    const bool whole = !rectangular && send(SCI_GETSELECTIONS) == 1 && marked.length > 0;
+    const std::string bytes = whole ? range(marked.start, marked.length) : std::string();
+    const auto size = static_cast<qsizetype>(bytes.size());
+    if (parts_.on() && whole) {
+        QMimeData* data = QsciScintillaBase::toMimeData(QByteArray(bytes.data(), size), false);
+        data->setData(QString::fromLatin1(BytesType), QByteArray(bytes.data(), size));
+        return data;
     }
+    QMimeData* data = QsciScintillaBase::toMimeData(text, rectangular);
+    // The text that comes here has blanks in the place of NUL.
+    if (text.size() == size && size > 0)
+        data->setData(QString::fromLatin1(BytesType), QByteArray(bytes.data(), size));
     return data;
 }
 

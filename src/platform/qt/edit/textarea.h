@@ -2,16 +2,24 @@
 //
 // The text of an edit window on Scintilla, by bytes: every byte of any file is kept, positions count bytes, a
 // line typed ends like most lines of the file. Lines are coloured when they are first painted. Cost: a key
-// restyles its line only; setting a text is one copy, and nothing is scanned until it is painted.
+// restyles its line only; setting a text is one copy, and nothing is scanned until it is painted. Endless lines stand
+// in rows (rows.h), and have no colours and no blocks; all positions here count the bytes of the text.
 #pragma once
 
 #include "platform/object.h"
+#include "platform/qt/edit/blocks.h"
+#include "platform/qt/edit/rows.h"
 #include "platform/qt/edit/tokens.h"
 
 #include <Qsci/qsciscintillabase.h>
 
+#include <QImage>
+
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn::platform::qt {
 
@@ -34,6 +42,18 @@ public:
     void setMaxLength(int bytes) { limit_ = bytes; }  // 0: no limit
     void setTokens(std::string_view tokens);
     void setTextFont(const Font& font);
+    void setLooks(int looks, int tabWidth, int zoom);
+    void setBlocks(std::string_view rules);
+    void foldAll(bool folded);
+    void showChoices(std::string_view rows, int typed);
+    void showCallTip(int position, std::string_view text, const Selection& mark);
+    [[nodiscard]] std::string range(int start, int length) const;  // from 1, cut to the text
+    [[nodiscard]] int lineEnds();
+    bool convertLineEnds(int ends, int most);
+    [[nodiscard]] bool inRows() const { return parts_.on(); }
+
+    std::function<QImage(const std::string& name, int size, qreal ratio)> picture;
+    std::function<bool(int position)> nameClicked;
 
     struct Place {
         int line = 1, column = 1;
@@ -45,6 +65,8 @@ signals:
     void edited();  // the user changed the text; after the change
     void moved();   // caret, modified mark, length or mode
     void pressedTwice(QPoint at);
+    void zoomed(int points);
+    void goesOn();  // a key, or a press of the mouse
 
 protected:
     bool event(QEvent* event) override;
@@ -54,14 +76,23 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void changeEvent(QEvent* event) override;
     QMimeData* toMimeData(const QByteArray& text, bool rectangular) const override;
     QByteArray fromMimeData(const QMimeData* source, bool& rectangular) const override;
 
 private:
+    static constexpr int UnsavedMark = 0, SavedMark = 1;
+    static constexpr int NumberMargin = 0, ChangeMargin = 1, FoldMargin = 2;
+
     long send(unsigned message, long w = 0, long l = 0) const;
     long sendBytes(unsigned message, long w, const char* bytes) const;
-    void onModified();  // comes before the text changes
+    void onModified();  // these three come before the text changes
+    void onInsertion(int position, std::string_view text);
+    void onRemoval(int position, int bytes);
     void tellReader();  // a screen reader, of what was put in last
     void onStyleNeeded(int end);
     void configure();
@@ -73,14 +104,41 @@ private:
     void insert(std::string_view text);  // in the place of the selection, whatever the limit
     void insertTyped(std::string_view text);
     bool refuses(std::string_view text);  // true, with a beep: no room for it
-    void checkInsertion(int bytes);       // of whatever the control itself puts in
+    void checkInsertion(const char* text, int bytes);  // of whatever the control itself puts in
+    void inRowsInsertion(std::string_view text);
     void newLine();
     bool pasteBytes();           // true: done with, put in or refused
     void paste();                // what the user has asked for, by key or menu
     bool shiftBlock(bool left);  // true: it was a block
-    [[nodiscard]] std::string_view range(int from, int to) const;
+    [[nodiscard]] std::string_view view(int from, int to) const;  // of the control
+    [[nodiscard]] int size() const;                               // of the control
     [[nodiscard]] int lineOf(int position) const;
     [[nodiscard]] int startOfLine(int line) const;
+    void reload(std::string_view text);  // for what rows cannot take; empties the undo list
+    bool eraseInRows(int key);           // true: it was a key that erases
+
+    // textarea_looks.cpp
+    void applyLooks();
+    void zoomTo(int points);
+    bool zoomKey(const QKeyEvent& event);
+    void matchBrackets();
+    [[nodiscard]] int partnerOf(int position) const;
+    void noteChange(int position, int lines);
+    void applyMarks();
+    void keepMarks();  // what is marked as changed is saved now
+    void defineMarks();
+    void noteEnds(std::string_view text, bool removed);
+
+    // textarea_folds.cpp
+    void scanLater(int first, int last);
+    void scanBlocks(int most);
+    bool scanLine(int line);
+    void showLine(int line);
+
+    // textarea_help.cpp
+    int pictureNumber(const std::string& name);
+    void styleHelp();
+    [[nodiscard]] bool wordAt(QPoint at, int& position) const;
 
     TokenRules rules_;
     std::string tokens_;
@@ -94,6 +152,22 @@ private:
     bool setting_ = false;  // a text is being set: nothing to report
     bool changed_ = false;  // something to report
     bool marked_ = false;   // modified by decree, whatever the undo list says
+
+    Rows parts_;
+    int looks_ = LOOK_LINE, tabWidth_ = 4;
+    int ends_ = ENDS_NONE;    // a LineEnds
+    bool endsKnown_ = true;
+    struct Change {
+        int position = 0, lines = 0;
+    };
+    std::vector<Change> changes_;  // not yet marked
+    BlockRules blocks_;
+    int scanFrom_ = -1, scanTo_ = -1;  // lines whose blocks are to be found anew; -1: none
+    bool scanning_ = false;            // it will be done
+    bool scanned_ = false;             // some line has a depth
+    std::map<std::string, int> pictures_;
+    QPoint pressed_;
+    bool clicking_ = false;  // Ctrl and the button are down on a word
 };
 
 }  // namespace tarn::platform::qt

@@ -29,7 +29,7 @@ constexpr Pair Named[] = {
     {Qt::Key_Enter, 13},    {Qt::Key_Escape, 27}, {Qt::Key_Space, 32},  {Qt::Key_PageUp, 33},
     {Qt::Key_PageDown, 34}, {Qt::Key_End, 35},    {Qt::Key_Home, 36},   {Qt::Key_Left, 37},
     {Qt::Key_Up, 38},       {Qt::Key_Right, 39},  {Qt::Key_Down, 40},   {Qt::Key_Insert, 45},
-    {Qt::Key_Delete, 46},
+    {Qt::Key_Delete, 46},   {Qt::Key_Plus, 187},  {Qt::Key_Minus, 189},
 };
 
 bool isText(const QWidget& widget) {
