@@ -38,6 +38,7 @@ protected:
         dir = std::string(mkdtemp(pattern.data())) + "/";
         std::filesystem::copy_file(SOURCE_DIR "/src/ide/ide.ini", dir + "ide.ini");
         std::filesystem::copy_file(BINARY_DIR "/ide.rcx", dir + "ide.rcx");
+        std::filesystem::create_symlink(BINARY_DIR "/system.cls", dir + "system.cls");
         setenv("XDG_STATE_HOME", (dir + "state").c_str(), 1);
         setenv("XDG_CONFIG_HOME", (dir + "config").c_str(), 1);
         std::string program = dir + "ide";  // a name of this program, so that the folder counts as its own

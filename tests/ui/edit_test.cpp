@@ -9,6 +9,7 @@
 #include <QAbstractScrollArea>
 #include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
@@ -20,12 +21,14 @@
 #include <QPalette>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 #include <QWidget>
 
 #include <dlfcn.h>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -58,6 +61,11 @@ protected:
     void changed() override { ++changes; }
     void doubleClicked(QPoint) override { ++doubles; }
     void infoAsked(QPoint) override { ++infos; }
+    void zoomed(int points) override { zoom = points; }
+    bool nameClicked(int position) override {
+        clicked = position;
+        return follows;
+    }
 
     // A key with the text that it makes.
     void press(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -91,7 +99,8 @@ protected:
     QWidget window;
     EditArea* area = nullptr;
     std::unique_ptr<TextStore> store;
-    int changes = 0, doubles = 0, infos = 0;
+    int changes = 0, doubles = 0, infos = 0, zoom = 0, clicked = 0;
+    bool follows = false;
 };
 
 TEST_F(EditTest, KeepsEveryByteOfAnyText) {
@@ -618,6 +627,406 @@ TEST_F(EditTest, TakesNoDropThatWouldLoseBytesBehindNul) {
         QApplication::sendEvent(text->viewport(), &enter);
         EXPECT_EQ(enter.isAccepted(), !nul);
     }
+}
+
+// ---- endless lines ----
+
+// Milliseconds of the longest but one of some keys, painted.
+double slowKey(EditArea& area, const std::function<void()>& key) {
+    std::vector<double> times;
+    for (int i = 0; i < 12; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        key();
+        area.textWidget()->repaint();
+        QApplication::processEvents();
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[10];
+}
+
+TEST_F(EditTest, TypingInAnEndlessLineIsQuick) {
+    area->setFlags(STATUSBAR);
+    std::string text(4'000'000, 'x');
+    store->setText(text);
+    for (const int place : {1, 2'000'000, 4'000'001}) {
+        caret(place);
+        EXPECT_LT(slowKey(*area, [&] { type(QStringLiteral("y")); }), 100) << place;
+        text.insert(static_cast<std::size_t>(place - 1), 12, 'y');
+        EXPECT_EQ(store->text(), text);
+        EXPECT_EQ(store->length(), static_cast<int>(text.size()));
+    }
+}
+
+TEST_F(EditTest, EndlessLinesAreToldInTheStatusBar) {
+    area->setFlags(STATUSBAR);
+    const std::string line(50'000, 'x');
+    store->setText("a\n" + line + "\nb\n");
+    caret(2 + 30'001);
+    QApplication::processEvents();
+    auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
+    EXPECT_TRUE(bar->accessibleDescription().startsWith(QStringLiteral("Line 2, column 30")))
+        << bar->accessibleDescription().toStdString();
+    EXPECT_TRUE(bar->accessibleDescription().contains(QStringLiteral("stand in rows")));
+    caret(2 + 50'001 + 1);
+    QApplication::processEvents();
+    EXPECT_TRUE(bar->accessibleDescription().startsWith(QStringLiteral("Line 3, column 1")))
+        << bar->accessibleDescription().toStdString();
+}
+
+TEST_F(EditTest, EndlessLinesKeepEveryByteThroughEdits) {
+    const std::string line(40'000, 'x');
+    std::string odd;
+    for (int i = 0; i < 40'000; ++i) odd += static_cast<char>(i % 3 == 0 ? 0xC3 : i % 3 == 1 ? 0xA9 : 0xFF);
+    const std::string texts[] = {line,
+                                 line + "\n" + line + "\n",
+                                 "a\r\n" + line + "\r\nb",
+                                 "a\r" + line,
+                                 "a\nb\r\n" + line,
+                                 odd,
+                                 line + "\0"s + line};
+    for (const std::string& text : texts) {
+        store->setText(text);
+        EXPECT_EQ(store->text(), text);
+        EXPECT_EQ(store->length(), static_cast<int>(text.size()));
+        store->select(3, static_cast<int>(text.size()) - 5);
+        EXPECT_EQ(store->selection().start, 3);
+        EXPECT_EQ(store->selection().length, static_cast<int>(text.size()) - 5);
+        EXPECT_EQ(store->range(3, 12'345), text.substr(2, 12'345));
+        store->replaceSelection("new\r\n" + line + "\rend");
+        std::string wanted = text;
+        wanted.replace(2, text.size() - 5, "new\r\n" + line + "\rend");
+        EXPECT_EQ(store->text(), wanted);
+    }
+}
+
+TEST_F(EditTest, KeysInEndlessLinesWorkAsInOthers) {
+    std::string text(40'000, 'x');
+    for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>('a' + i % 26);
+    store->setText(text);
+    for (const int place : {1001, 2001, 1999, 2000, 2002}) {
+        caret(place);
+        press(Qt::Key_Backspace);
+        text.erase(static_cast<std::size_t>(place - 2), 1);
+        EXPECT_EQ(store->text(), text) << place;
+        press(Qt::Key_Delete);
+        text.erase(static_cast<std::size_t>(place - 2), 1);
+        EXPECT_EQ(store->text(), text) << place;
+        type(QStringLiteral("\n"));
+        text.insert(static_cast<std::size_t>(place - 2), "\n");
+        EXPECT_EQ(store->text(), text) << place;
+    }
+    const std::string last = text;
+    for (int i = 0; i < 30; ++i) ask(2176);
+    for (std::size_t i = 0; i < 40'000; ++i)
+        ASSERT_EQ(store->text()[i], static_cast<char>('a' + i % 26)) << "undone " << i;
+    for (int i = 0; i < 30; ++i) ask(2011);
+    EXPECT_EQ(store->text(), last) << "done again";
+}
+
+TEST_F(EditTest, APastedEndlessLineIsNoSlowerThanALoadedOne) {
+    store->setText("short\n");
+    caret(3);
+    const std::string line(1'000'000, 'x');
+    QGuiApplication::clipboard()->setText(QString::fromStdString(line));
+    press(Qt::Key_V, {}, Qt::ControlModifier);
+    EXPECT_EQ(store->text(), "sh" + line + "ort\n");
+    EXPECT_LT(slowKey(*area, [&] { type(QStringLiteral("y")); }), 100);
+    press(Qt::Key_A, {}, Qt::ControlModifier);
+    press(Qt::Key_C, {}, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "sh" + line + std::string(12, 'y') + "ort\n");
+}
+
+// ---- looks ----
+
+constexpr int AllLooks = LOOK_LINE | LOOK_BRACKETS | LOOK_FOLDS | LOOK_CHANGES;
+
+TEST_F(EditTest, ZoomIsKeptAndToldByKeysAndWheel) {
+    area->setLooks(AllLooks, 4, 3);
+    EXPECT_EQ(ask(2374), 3);
+    press(Qt::Key_Plus, QStringLiteral("+"), Qt::ControlModifier);
+    EXPECT_EQ(zoom, 4);
+    press(Qt::Key_Minus, QStringLiteral("-"), Qt::ControlModifier);
+    press(Qt::Key_Minus, QStringLiteral("-"), Qt::ControlModifier);
+    EXPECT_EQ(zoom, 2);
+    auto* text = qobject_cast<QAbstractScrollArea*>(area->textWidget())->viewport();
+    QWheelEvent wheel(QPointF(50, 50), text->mapToGlobal(QPointF(50, 50)), {}, {0, 120}, Qt::NoButton,
+                      Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(text, &wheel);
+    EXPECT_EQ(zoom, 3);
+    press(Qt::Key_0, QStringLiteral("0"), Qt::ControlModifier);
+    EXPECT_EQ(zoom, 0);
+    EXPECT_EQ(store->text(), "");
+}
+
+TEST_F(EditTest, BlanksTabsAndMarginsFollowTheLooks) {
+    EXPECT_EQ(ask(2243, 1), 0);
+    area->setLooks(AllLooks | LOOK_BLANKS, 8, 0);
+    EXPECT_EQ(ask(2121), 8);
+    EXPECT_NE(ask(2020), 0);
+    EXPECT_GT(ask(2243, 1), 0);
+    EXPECT_EQ(ask(2243, 2), 0) << "nothing can be folded";
+    area->setBlocks("any if\nend end\n");
+    EXPECT_GT(ask(2243, 2), 0);
+    area->setLooks(0, 4, 0);
+    EXPECT_EQ(ask(2243, 1) + ask(2243, 2) + ask(2020), 0);
+}
+
+TEST_F(EditTest, ChangedLinesAreMarkedUntilTheTextIsWhatItWas) {
+    area->setLooks(AllLooks, 4, 0);
+    const auto marks = [&] {
+        std::string text;
+        for (int line = 0; line < ask(2154); ++line) text += std::to_string(ask(2046, static_cast<unsigned long>(line)) & 3);
+        return text;
+    };
+    store->setText("a\nb\nc\nd\n");
+    EXPECT_EQ(marks(), "00000");
+    caret(3);
+    type(QStringLiteral("x"));
+    QApplication::processEvents();
+    EXPECT_EQ(marks(), "01000");
+    type(QStringLiteral("\n"));
+    QApplication::processEvents();
+    EXPECT_EQ(marks(), "011000");
+    ask(2176);
+    ask(2176);
+    QApplication::processEvents();
+    EXPECT_EQ(marks(), "00000") << "undone to what is saved";
+    type(QStringLiteral("y"));
+    store->setModified(false);
+    EXPECT_EQ(marks(), "02000") << "saved";
+    press(Qt::Key_Down);
+    type(QStringLiteral("z"));
+    QApplication::processEvents();
+    EXPECT_EQ(marks(), "02100");
+    ask(2176);
+    QApplication::processEvents();
+    EXPECT_EQ(marks(), "02000");
+    store->setText("new\n");
+    EXPECT_EQ(marks(), "00");
+}
+
+TEST_F(EditTest, SeveralCaretsTypeTogether) {
+    store->setText("a\nb\nc\n");
+    ask(2572, 0, 0);
+    ask(2573, 2, 2);
+    ask(2573, 4, 4);
+    type(QStringLiteral("x"));
+    EXPECT_EQ(store->text(), "xa\nxb\nxc\n");
+    type(QStringLiteral("\n"));
+    EXPECT_EQ(store->text(), "x\na\nx\nb\nx\nc\n");
+    press(Qt::Key_Escape);
+    EXPECT_EQ(ask(2570), 1);
+}
+
+TEST_F(EditTest, LineEndsAreConvertedInOneStep) {
+    struct Case {
+        std::string text;
+        int ends;
+    };
+    const Case cases[] = {{"a\nb\n", ENDS_LF},   {"a\r\nb", ENDS_CRLF}, {"a\rb\r", ENDS_CR},
+                          {"a\nb\r\n", ENDS_MIXED}, {"ab", ENDS_NONE},   {"", ENDS_NONE}};
+    for (const auto& [text, ends] : cases) {
+        store->setText(text);
+        EXPECT_EQ(store->lineEnds(), ends) << text;
+        for (const int wanted : {ENDS_CRLF, ENDS_LF}) {
+            store->setText(text);
+            EXPECT_EQ(store->convertLineEnds(wanted, 0), withLineEnds(text, wanted) != text) << text;
+            EXPECT_EQ(store->text(), withLineEnds(text, wanted));
+            if (store->text() == text) continue;
+            EXPECT_TRUE(store->modified());
+            ask(2176);
+            EXPECT_EQ(store->text(), text) << "undone";
+            EXPECT_FALSE(store->modified());
+            EXPECT_EQ(store->lineEnds(), ends);
+        }
+    }
+    store->setText("a\nb");
+    EXPECT_FALSE(store->convertLineEnds(ENDS_CRLF, 3)) << "no room";
+    EXPECT_EQ(store->text(), "a\nb");
+}
+
+TEST_F(EditTest, TypedLinesEndAsTheOthersAfterAConversionAndItsUndo) {
+    store->setText("a\nb\n");
+    store->convertLineEnds(ENDS_CRLF, 0);
+    caret(1);
+    type(QStringLiteral("\n"));
+    EXPECT_EQ(store->text(), "\r\na\r\nb\r\n");
+    ask(2176);
+    ask(2176);
+    EXPECT_EQ(store->lineEnds(), ENDS_LF);
+    type(QStringLiteral("\n"));
+    EXPECT_EQ(store->text(), "\na\nb\n");
+}
+
+// ---- blocks ----
+
+constexpr std::string_view Blocks = "any function if loop record select\nouter function\nend end\ncomment //\n";
+
+TEST_F(EditTest, BlocksFoldAndUnfold) {
+    area->setLooks(AllLooks, 4, 0);
+    area->setBlocks(Blocks);
+    store->setText("// one\n// two\nfunction a()\n  if x then // end if\n    y\n  end if\nend function\nz\n");
+    area->foldAll(true);
+    const auto visible = [&] {
+        std::string text;
+        for (int line = 0; line < ask(2154); ++line)
+            text += ask(2228, static_cast<unsigned long>(line)) != 0 ? '1' : '0';
+        return text;
+    };
+    EXPECT_EQ(visible(), "101000011");
+    store->select(static_cast<int>(store->text().find("y")) + 1, 1);
+    EXPECT_EQ(visible(), "101111111") << "what is selected shows";
+    area->foldAll(true);
+    area->foldAll(false);
+    EXPECT_EQ(visible(), "111111111");
+}
+
+TEST_F(EditTest, FoldedBlocksSurviveEditsElsewhere) {
+    area->setLooks(AllLooks, 4, 0);
+    area->setBlocks(Blocks);
+    store->setText("x\nfunction a()\n  b\nend function\nz\n");
+    area->foldAll(true);
+    caret(1);
+    type(QStringLiteral("new\nline"));
+    QApplication::processEvents();
+    EXPECT_EQ(ask(2228, 3), 0) << "the body stays folded";
+    EXPECT_NE(ask(2228, 2), 0);
+    caret(static_cast<int>(store->text().find("z")) + 1);
+    press(Qt::Key_Backspace);
+    QApplication::processEvents();
+    EXPECT_EQ(store->text(), "new\nlinex\nfunction a()\n  b\nend functionz\n");
+}
+
+TEST_F(EditTest, BlocksFollowWhatIsTyped) {
+    area->setLooks(AllLooks, 4, 0);
+    area->setBlocks(Blocks);
+    store->setText("a\nb\nc\nend if\nd\n");
+    QApplication::processEvents();
+    const auto levels = [&] {
+        std::string text;
+        for (int line = 0; line < ask(2154); ++line) {
+            const long level = ask(2223, static_cast<unsigned long>(line));
+            text += std::to_string((level & 0xFFF) - 0x400);
+            if ((level & 0x2000) != 0) text += '+';
+        }
+        return text;
+    };
+    EXPECT_EQ(levels(), "000000");
+    caret(1);
+    type(QStringLiteral("if "));
+    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+    EXPECT_EQ(levels(), "0+11100");
+    ask(2176);
+    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+    EXPECT_EQ(levels(), "000000");
+}
+
+TEST_F(EditTest, DeepNestsAndHostileTextsAreScanned) {
+    area->setLooks(AllLooks, 4, 0);
+    area->setBlocks(Blocks);
+    std::string deep;
+    for (int i = 0; i < 255; ++i) deep += "if a then\n";
+    for (int i = 0; i < 255; ++i) deep += "end if\n";
+    std::string endless;
+    for (int i = 0; i < 9000; ++i) endless += "if a then loop select\n";
+    for (const std::string& text : {deep, endless, "\xFF if \xC3\r\rend\0if\n"s, "end end end\n"s, ""s}) {
+        store->setText(text);
+        area->foldAll(true);
+        area->foldAll(false);
+        caret(1);
+        type(QStringLiteral("if"));
+        QApplication::processEvents();
+        EXPECT_EQ(store->text(), "if" + text);
+    }
+    store->setText(deep);
+    area->foldAll(false);
+    EXPECT_EQ(ask(2223, 255) & 0xFFF, 0x400 + 255);
+    EXPECT_EQ(ask(2223, 510) & 0xFFF, 0x400);
+}
+
+// ---- help while one types ----
+
+TEST_F(EditTest, AChoiceTakesThePlaceOfTheWordInOneStep) {
+    store->setText("one wo two\n");
+    caret(7);
+    area->showChoices("WORD\tsymconst\nWORLD\tsymtype\nworn", 2);
+    EXPECT_NE(ask(2102), 0);
+    press(Qt::Key_Down);
+    press(Qt::Key_Return, QStringLiteral("\r"));
+    EXPECT_EQ(store->text(), "one WORLD two\n");
+    ask(2176);
+    EXPECT_EQ(store->text(), "one wo two\n");
+}
+
+TEST_F(EditTest, AChoiceInTheMiddleOfAWordTakesThePlaceOfAllOfIt) {
+    store->setText("woxyz\n");
+    caret(3);
+    area->showChoices("WORD\nWORLD", 2);
+    press(Qt::Key_Tab, QStringLiteral("\t"));
+    EXPECT_EQ(store->text(), "WORD\n");
+}
+
+TEST_F(EditTest, ReturnBehindAWholeWordIsALineEnd) {
+    store->setText("word");
+    caret(5);
+    area->showChoices("word\nwording", 4);
+    press(Qt::Key_Return, QStringLiteral("\r"));
+    EXPECT_EQ(store->text(), "word\n");
+    EXPECT_EQ(ask(2102), 0);
+}
+
+TEST_F(EditTest, EscapeClosesListAndHint) {
+    store->setText("wo(");
+    caret(3);
+    area->showChoices("word", 2);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(ask(2102), 0);
+    caret(4);
+    area->showCallTip(3, "wo(a : integer)", {4, 11});
+    EXPECT_NE(ask(2202), 0);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(ask(2202), 0);
+    EXPECT_EQ(store->text(), "wo(");
+}
+
+TEST_F(EditTest, AClickWithCtrlAsksForTheNameAndElseAddsACaret) {
+    store->setText("name  other\n");
+    caret(12);
+    auto* text = qobject_cast<QAbstractScrollArea*>(area->textWidget())->viewport();
+    const QPoint at(static_cast<int>(ask(2164, 0, 7)) + 2, static_cast<int>(ask(2165, 0, 7)) + 5);
+    follows = true;
+    QTest::mouseClick(text, Qt::LeftButton, Qt::ControlModifier, at);
+    EXPECT_EQ(clicked, 8);
+    EXPECT_EQ(ask(2570), 1);
+    follows = false;
+    QTest::mouseClick(text, Qt::LeftButton, Qt::ControlModifier, at);
+    EXPECT_EQ(ask(2570), 2);
+}
+
+TEST_F(EditTest, BracketsAndTheirPartnersAreFoundNearby) {
+    area->setLooks(AllLooks, 4, 0);
+    store->setText("f(a, [b)" + std::string(3'000'000, '\n'));
+    for (const int place : {2, 3, 6, 7, 9}) {
+        QElapsedTimer timer;
+        timer.start();
+        caret(place);
+        area->textWidget()->repaint();
+        QApplication::processEvents();
+        EXPECT_LT(timer.elapsed(), 200) << place;
+    }
+}
+
+TEST_F(EditTest, ANoteInTheStatusBarGoesWithTheNextKey) {
+    area->setFlags(STATUSBAR);
+    area->setNote("no declaration found");
+    QApplication::processEvents();
+    auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
+    EXPECT_TRUE(bar->accessibleDescription().contains(QStringLiteral("no declaration found")));
+    press(Qt::Key_Left);
+    QApplication::processEvents();
+    EXPECT_FALSE(bar->accessibleDescription().contains(QStringLiteral("no declaration found")));
 }
 
 }  // namespace

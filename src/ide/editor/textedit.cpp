@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/editor/textedit.h"
 
+#include "ide/editor/completion.h"
+#include "ide/editor/declaration.h"
+#include "ide/editor/editlooks.h"
 #include "ide/editor/fileinfo.h"
 #include "ide/editor/seenfile.h"
 #include "ide/program/projedit.h"
@@ -124,6 +127,7 @@ void EDITWNDSETTOKENS(const Object& window, int level) {
     STAMP();
     setFlag(window, HILITE, level == 1);
     SetTokens(window, tokens);
+    SetBlocks(window, BLOCKRULES(EDITWNDGETFILENAME(window)));
 }
 
 // ---- name, size and marks ----
@@ -175,6 +179,7 @@ void INITFILE(const Object& window) {
     SetText(window, "");
     EDITWNDSETFILENAME(window, "");
     SetTokens(window, "");
+    SetBlocks(window, "");
     STAMP();
     SetModify(window, false);
     SETMODIFYPRIVATE(window, false);
@@ -461,11 +466,14 @@ void loadCodeWindow(const Object& window) {
     EDITWNDSETSTATUS(window, editorSetting("StatusBarOn"));
     EDITWNDSETNUMBERS(window, editorSetting("NumberBarOn"));
     EDITWNDSETAUTOINDENT(window, editorSetting("AutoIndentOn"));
+    EDITWNDAPPLYLOOKS(window);
 }
 
 void closeCodeWindow(const Object& window) {
     EDITWNDCLOSE(window, true);
-    if (EDITWNDGETFILENAME(window).empty()) SAVEINIFILE(GETIDEINIFILE(), window, true, true);
+    if (!EDITWNDGETFILENAME(window).empty()) return;
+    SAVEINIFILE(GETIDEINIFILE(), window, true, true);
+    KEEPZOOM(window);
 }
 
 void helpOnWord(const Object& window) {
@@ -480,6 +488,7 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
     STAMP();
     switch (event) {
     case KEYPRESS_EVENT:
+        if (parameter == KEY_CTRL_CLICK) return GOTODECLARATION(window, true);
         if (parameter != KEY_F1 && parameter != KEY_F2) return false;
         if (parameter == KEY_F1)
             helpOnWord(window);
@@ -489,6 +498,7 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
     case CHANGE_EVENT:
         SETMODIFYPRIVATE(window, true);
         DRAWMODIFYINDICATOR(window);
+        OFFERHELP(window);
         break;
     case INFO_EVENT: FILEINFODIALOG(); break;
     case LOAD_EVENT: loadCodeWindow(window); break;

@@ -3,6 +3,9 @@
 
 #include "ide/build/textview.h"
 #include "ide/build/toolrun.h"
+#include "ide/editor/completion.h"
+#include "ide/editor/declaration.h"
+#include "ide/editor/editlooks.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/browseinfo.h"
 #include "ide/program/functionlist.h"
@@ -36,6 +39,75 @@ void DO_ERRORS() {
         Show(ViewDlg, false);
     else
         VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFontName(SDIEdit), GetFontSize(SDIEdit));
+}
+
+// ---- the Code window ----
+
+namespace {
+
+bool hasText() {
+    if (ISSHOWN(SDIEdit) && !EDITWNDGETFILENAME(SDIEdit).empty()) return true;
+    Sound();
+    return false;
+}
+
+}  // namespace
+
+void DO_DECLARATION() {
+    FRAME(DO_DECLARATION);
+    STAMP();
+    if (!hasText()) return;
+    // From another window the key brings the Code window forward.
+    const bool here = ActiveWindow() == SDIEdit || STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), "SDIEdit");
+    Show(SDIEdit, false);
+    STAMP();
+    if (here) GOTODECLARATION(SDIEdit, false);
+}
+
+void DO_BACK() {
+    FRAME(DO_BACK);
+    STAMP();
+    if (hasText()) GOBACK(SDIEdit);
+}
+
+void DO_COMPLETE() {
+    FRAME(DO_COMPLETE);
+    STAMP();
+    if (!hasText()) return;
+    Show(SDIEdit, false);
+    STAMP();
+    COMPLETEWORD(SDIEdit, false);
+}
+
+void DO_FOLD_ALL(bool folded) {
+    FRAME(DO_FOLD_ALL);
+    STAMP();
+    if (hasText()) FoldAll(SDIEdit, folded);
+    STAMP();
+}
+
+void DO_LOOK(std::string_view setting) {
+    FRAME(DO_LOOK);
+    STAMP();
+    SWITCHLOOK(SDIEdit, setting);
+}
+
+void DO_TAB_WIDTH(int columns) {
+    FRAME(DO_TAB_WIDTH);
+    STAMP();
+    CHOOSETABWIDTH(SDIEdit, columns);
+}
+
+void DO_ZOOM(int points) {
+    FRAME(DO_ZOOM);
+    STAMP();
+    ZOOMBY(SDIEdit, points);
+}
+
+void DO_LINE_ENDS(int ends) {
+    FRAME(DO_LINE_ENDS);
+    STAMP();
+    CHOOSELINEENDS(SDIEdit, ends);
 }
 
 void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object& menuItem) {

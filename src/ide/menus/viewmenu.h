@@ -5,11 +5,21 @@
 
 #include "kernel/windows/windowing.h"
 
+#include <string_view>
+
 namespace tarn {
 
 void DO_FUNCTION_LIST();
 void DO_BROWSE_INFO();
 void DO_ERRORS();
+void DO_DECLARATION();
+void DO_BACK();
+void DO_COMPLETE();
+void DO_FOLD_ALL(bool folded);
+void DO_LOOK(std::string_view setting);  // of the section EditorOptionsDlg
+void DO_TAB_WIDTH(int columns);
+void DO_ZOOM(int points);  // 0: the size of the font
+void DO_LINE_ENDS(int ends);
 void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object& menuItem);
 
 }  // namespace tarn

@@ -42,10 +42,11 @@ private:
 // Calls `end` with the place and the length of each line end.
 template <class End>
 void eachLineEnd(std::string_view text, End end) {
-    for (std::size_t at = text.find_first_of("\r\n"); at != std::string_view::npos;) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] != '\r' && text[at] != '\n') continue;
         const std::size_t length = text.substr(at, 2) == "\r\n" ? 2 : 1;
         end(at, length);
-        at = text.find_first_of("\r\n", at + length);
+        at += length - 1;
     }
 }
 

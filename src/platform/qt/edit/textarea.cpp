@@ -232,8 +232,8 @@ Selection TextArea::selection() const {
 
 void TextArea::select(int start, int length) {
     const int size = this->length();
-    const int first = std::clamp(start - 1, 0, size), last = first + std::clamp(length, 0, size - first);
-    const int from = parts_.toControl(first, true), to = last > first ? parts_.toControl(last, false) : from;
+    const int begin = std::clamp(start - 1, 0, size), end = begin + std::clamp(length, 0, size - begin);
+    const int from = parts_.toControl(begin, true), to = end > begin ? parts_.toControl(end, false) : from;
     send(SCI_SETSELECTION, to, from);
     showLine(lineOf(to));
     showLine(lineOf(from));
@@ -565,12 +565,12 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (choosing) return static_cast<void>(send(SCI_AUTOCCOMPLETE));
+        if (choosing && takesChoice()) return;
         if (writable && (plain || shift)) return newLine();
         break;
     case Qt::Key_Tab:
         if (!writable || !plain) break;
-        if (choosing) return static_cast<void>(send(SCI_AUTOCCOMPLETE));
+        if (choosing && takesChoice()) return;
         if (send(SCI_GETSELECTIONS) > 1) return static_cast<void>(send(SCI_TAB));
         if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) insertTyped("\t");
         return;

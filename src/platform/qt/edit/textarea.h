@@ -137,6 +137,7 @@ private:
 
     // textarea_help.cpp
     int pictureNumber(const std::string& name);
+    bool takesChoice();  // false: the word stands there already
     void styleHelp();
     [[nodiscard]] bool wordAt(QPoint at, int& position) const;
 

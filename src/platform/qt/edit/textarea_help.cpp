@@ -14,7 +14,7 @@ namespace tarn::platform::qt {
 namespace {
 
 constexpr char PictureMark = '\x01';  // between a word and the number of its picture
-constexpr int Rows = 12;              // of the list
+constexpr int ListRows = 12;          // that show at once
 
 }  // namespace
 
@@ -50,8 +50,22 @@ void TextArea::showChoices(std::string_view rows, int typed) {
     send(SCI_AUTOCSETORDER, SC_ORDER_PRESORTED);
     send(SCI_AUTOCSETDROPRESTOFWORD, 1);
     send(SCI_AUTOCSETMULTI, SC_MULTIAUTOC_EACH);
-    send(SCI_AUTOCSETMAXHEIGHT, Rows);
+    send(SCI_AUTOCSETMAXHEIGHT, ListRows);
     sendBytes(SCI_AUTOCSHOW, typed, list.c_str());
+}
+
+// A key that takes what is offered does its own work where that would change nothing.
+bool TextArea::takesChoice() {
+    const auto length = send(SCI_AUTOCGETCURRENTTEXT);
+    std::string choice(static_cast<std::size_t>(length) + 1, '\0');
+    SendScintilla(SCI_AUTOCGETCURRENTTEXT, 0UL, static_cast<void*>(choice.data()));
+    choice.resize(static_cast<std::size_t>(length));
+    const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
+    const auto from = static_cast<int>(send(SCI_WORDSTARTPOSITION, caret, 1)),
+               to = static_cast<int>(send(SCI_WORDENDPOSITION, caret, 1));
+    const bool same = view(from, to) == choice;
+    send(same ? SCI_AUTOCCANCEL : SCI_AUTOCCOMPLETE);
+    return !same;
 }
 
 // ---- the hint ----

@@ -5,6 +5,7 @@
 //   brackets     the partner of the one at the caret
 //   changes      marks in the margin
 //   line ends    which the text has, and other ones
+#include "platform/model/view.h"
 #include "platform/qt/edit/colours.h"
 #include "platform/qt/edit/textarea.h"
 
