@@ -2,6 +2,7 @@
 #include "ide/editor/editlooks.h"
 
 #include "ide/editor/textedit.h"
+#include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"

@@ -4,6 +4,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/source/symbolfiles.h"
+#include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 #include "os/files.h"

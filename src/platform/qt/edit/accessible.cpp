@@ -44,29 +44,60 @@ int lineCount(const TextArea& area) {
     return static_cast<int>(send(area, Sci::SCI_GETLINECOUNT));
 }
 
-int offsetOf(const TextArea& area, int position) {
+// What stands between rows counts in these.
+int rowOffsetOf(const TextArea& area, int position) {
     needIndex(area);
     const int line = static_cast<int>(send(area, Sci::SCI_LINEFROMPOSITION, position));
     return offsetOfLine(area, line) + unitsIn(bytesOf(area, lineStart(area, line), position));
 }
 
-int lineAt(const TextArea& area, int offset) {
+int rowLineAt(const TextArea& area, int offset) {
     needIndex(area);
     const long line = send(area, Sci::SCI_LINEFROMINDEXPOSITION, offset, Sci::SC_LINECHARACTERINDEX_UTF16);
     return std::clamp(static_cast<int>(line), 0, lineCount(area) - 1);
 }
 
-int lineEnd(const TextArea& area, int line) {  // behind its end mark
-    return line + 1 < lineCount(area) ? lineStart(area, line + 1) : area.length();
+int sizeOf(const TextArea& area) {
+    return static_cast<int>(send(area, Sci::SCI_GETLENGTH));
 }
 
-int positionOf(const TextArea& area, int offset) {
-    const int line = lineAt(area, offset), start = lineStart(area, line);
+int lineEnd(const TextArea& area, int line) {  // behind its end mark
+    return line + 1 < lineCount(area) ? lineStart(area, line + 1) : sizeOf(area);
+}
+
+int rowPositionOf(const TextArea& area, int offset) {
+    const int line = rowLineAt(area, offset), start = lineStart(area, line);
     return start + bytesOfUnits(bytesOf(area, start, lineEnd(area, line)), offset - offsetOfLine(area, line));
 }
 
+int offsetOf(const TextArea& area, int position) {
+    return rowOffsetOf(area, position) - (position - area.rows().toText(position));
+}
+
+int positionOf(const TextArea& area, int offset) {
+    const std::vector<int>& places = area.rows().places();
+    std::size_t low = 0, high = places.size();
+    while (low < high) {
+        const std::size_t middle = (low + high) / 2;
+        if (rowOffsetOf(area, places[middle]) - static_cast<int>(middle) <= offset)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return rowPositionOf(area, offset + static_cast<int>(low));
+}
+
+int lineAt(const TextArea& area, int offset) {
+    return static_cast<int>(send(area, Sci::SCI_LINEFROMPOSITION, positionOf(area, offset)));
+}
+
+QString unitsBetween(const TextArea& area, int from, int to) {
+    const std::string_view bytes = bytesOf(area, from, to);
+    return area.rows().on() ? unitsOf(area.rows().joined(bytes, from)) : unitsOf(bytes);
+}
+
 int unitCount(const TextArea& area) {
-    return offsetOf(area, area.length());
+    return offsetOf(area, sizeOf(area));
 }
 
 struct Piece {
@@ -80,7 +111,8 @@ public:
     Excerpt(const TextArea& area, int offset) {
         constexpr int longest = 65536;  // bytes
         const int line = lineAt(area, offset);
-        const int first = std::max(line - 1, 0), last = std::min(line + 1, lineCount(area) - 1);
+        const int around = area.rows().on() ? longest / Rows::RowBytes / 2 : 1;
+        const int first = std::max(line - around, 0), last = std::min(line + around, lineCount(area) - 1);
         int from = lineStart(area, first), to = lineEnd(area, last);
         if (to - from > longest) {
             const int middle = positionOf(area, offset);
@@ -88,7 +120,7 @@ public:
             to = positionOf(area, offsetOf(area, std::min(to, middle + longest / 2)));
         }
         base_ = offsetOf(area, from);
-        text_ = unitsOf(bytesOf(area, from, to));
+        text_ = unitsBetween(area, from, to);
     }
     [[nodiscard]] Piece at(int offset, QAccessible::TextBoundaryType type) const {
         return shifted(pieceAt(offset - base_, type));
@@ -169,7 +201,7 @@ public:
         const int count = characterCount();
         start = std::clamp(start, 0, count);
         end = end < 0 ? count : std::clamp(end, start, count);
-        return unitsOf(bytesOf(area(), positionOf(area(), start), positionOf(area(), end)));
+        return unitsBetween(area(), positionOf(area(), start), positionOf(area(), end));
     }
     int characterCount() const override { return unitCount(area()); }
     QString textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* start,
@@ -202,8 +234,8 @@ public:
     void selection(int index, int* start, int* end) const override {
         const Selection marked = area().selection();
         const bool any = index == 0 && marked.length > 0;
-        *start = any ? offsetOf(area(), marked.start - 1) : 0;
-        *end = any ? offsetOf(area(), marked.start - 1 + marked.length) : 0;
+        *start = any ? offsetOf(area(), static_cast<int>(send(area(), Sci::SCI_GETSELECTIONSTART))) : 0;
+        *end = any ? offsetOf(area(), static_cast<int>(send(area(), Sci::SCI_GETSELECTIONEND))) : 0;
     }
     void addSelection(int start, int end) override { setSelection(0, start, end); }
     void removeSelection(int) override {
@@ -311,8 +343,8 @@ void tellCaret(TextArea& area) {
         QAccessibleTextCursorEvent event(&area, caret);
         return QAccessible::updateAccessibility(&event);
     }
-    const int start = offsetOf(area, marked.start - 1),
-              end = offsetOf(area, marked.start - 1 + marked.length);
+    const int start = offsetOf(area, static_cast<int>(send(area, Sci::SCI_GETSELECTIONSTART))),
+              end = offsetOf(area, static_cast<int>(send(area, Sci::SCI_GETSELECTIONEND)));
     QAccessibleTextSelectionEvent event(&area, start, end);
     event.setCursorPosition(caret);
     QAccessible::updateAccessibility(&event);
@@ -321,14 +353,14 @@ void tellCaret(TextArea& area) {
 void tellInsertion(TextArea& area, int position, int count) {
     if (!Listener::here()) return;
     QAccessibleTextInsertEvent event(&area, offsetOf(area, position),
-                                     unitsOf(bytesOf(area, position, position + count)));
+                                     unitsBetween(area, position, position + count));
     QAccessible::updateAccessibility(&event);
 }
 
 void tellRemoval(TextArea& area, int position, int count) {
     if (!Listener::here() || count <= 0) return;
     QAccessibleTextRemoveEvent event(&area, offsetOf(area, position),
-                                     unitsOf(bytesOf(area, position, position + count)));
+                                     unitsBetween(area, position, position + count));
     QAccessible::updateAccessibility(&event);
 }
 

@@ -121,7 +121,7 @@ private:
         bar_->setParts({tr("Line %1, column %2").arg(place.line).arg(place.column),
                         text_->overwriting() ? tr("Overwrite") : tr("Insert"),
                         text_->modified() ? tr("Modified") : QString(), endsText(),
-                        note_.isEmpty() && text_->inRows()
+                        note_.isEmpty() && text_->rows().on()
                             ? tr("Lines over %1 bytes stand in rows, without colours and numbers")
                                   .arg(locale.toString(Rows::LongLine))
                             : note_,

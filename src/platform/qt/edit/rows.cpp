@@ -90,10 +90,13 @@ std::string Rows::joined(std::string_view part, int from) const {
     return out.append(part.substr(std::min(done, part.size())));
 }
 
-void Rows::inserting(int at, std::string_view text, char next) {
+void Rows::inserting(int at, int count) {
+    for (std::size_t i = before(at); i < at_.size(); ++i) at_[i] += count;
+}
+
+void Rows::inserted(int at, std::string_view text, char next) {
     if (!on_) return;
     const std::size_t place = before(at);
-    for (std::size_t i = place; i < at_.size(); ++i) at_[i] += static_cast<int>(text.size());
     std::vector<int> found;
     for (std::size_t i = text.find('\r'); i != std::string_view::npos; i = text.find('\r', i + 1)) {
         const char behind = i + 1 < text.size() ? text[i + 1] : next;

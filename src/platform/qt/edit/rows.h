@@ -32,11 +32,13 @@ public:
     // A part of the control's text that begins at `from`, without what was added.
     [[nodiscard]] std::string joined(std::string_view part, int from) const;
 
-    // Told of every change, in front of it; `next` is the byte behind the place.
-    void inserting(int at, std::string_view text, char next);
+    // Told of every change: in front of it, and of what has come in; `next` is the byte behind that.
+    void inserting(int at, int count);
+    void inserted(int at, std::string_view text, char next);
     void removing(int at, int count);
 
     [[nodiscard]] int added() const { return static_cast<int>(at_.size()); }
+    [[nodiscard]] const std::vector<int>& places() const { return at_; }
     [[nodiscard]] bool isAdded(int position) const;
     [[nodiscard]] int toText(int position) const;
     // `behind`: in front of a row, not at the end of the row before.

@@ -6,6 +6,7 @@
 //   the user         lines and blocks by keys, paste, context menu, drag and drop
 #include "platform/qt/edit/textarea.h"
 
+#include "platform/model/view.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
 
@@ -68,12 +69,11 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     applyColours();
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
-            this, [this](int position, int type, const char* text, int bytes) {
-                if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(text, bytes);
+            this, [this](int position, int type, const char*, int bytes) {
+                if ((type & SC_MOD_INSERTCHECK) != 0) return checkInsertion(bytes);
                 tellReader();
                 if ((type & SC_MOD_BEFOREDELETE) != 0) onRemoval(position, bytes);
-                if ((type & SC_MOD_BEFOREINSERT) != 0)
-                    onInsertion(position, {text, static_cast<std::size_t>(text != nullptr ? bytes : 0)});
+                if ((type & SC_MOD_BEFOREINSERT) != 0) onInsertion(position, bytes);
                 onModified();
             });
     connect(this, &TextArea::SCN_STYLENEEDED, this, [this](int end) { onStyleNeeded(end); });
@@ -151,19 +151,19 @@ int TextArea::size() const {
 }
 
 int TextArea::length() const {
-    return size() - parts_.added();
+    return size() - rows().added();
 }
 
 std::string TextArea::bytes() const {
-    return parts_.on() ? parts_.joined(view(0, size()), 0) : std::string(view(0, size()));
+    return rows().on() ? rows().joined(view(0, size()), 0) : std::string(view(0, size()));
 }
 
 std::string TextArea::range(int start, int length) const {
     const int from = std::clamp(start - 1, 0, this->length());
     const int to = from + std::clamp(length, 0, this->length() - from);
-    if (!parts_.on()) return std::string(view(from, to));
-    const int first = parts_.toControl(from, true);
-    return parts_.joined(view(first, parts_.toControl(to, false)), first);
+    if (!rows().on()) return std::string(view(from, to));
+    const int first = rows().toControl(from, true), last = to > from ? rows().toControl(to, false) : first;
+    return rows().joined(view(first, last), first);
 }
 
 int TextArea::lineOf(int position) const {
@@ -200,6 +200,7 @@ void TextArea::setBytes(std::string_view text) {
     send(SCI_CLEARALL);
     send(SCI_SETSCROLLWIDTH, 1);
     parts_.stop();
+    arrived_ = {0, 0};
     if (Rows::needed(text) && Rows::possible(text)) parts_.start(text);
     const std::string rows = parts_.on() ? parts_.parted(text) : std::string();
     const std::string_view shown = parts_.on() ? rows : text;
@@ -225,15 +226,15 @@ void TextArea::setBytes(std::string_view text) {
 }
 
 Selection TextArea::selection() const {
-    const int start = parts_.toText(static_cast<int>(send(SCI_GETSELECTIONSTART))),
-              end = parts_.toText(static_cast<int>(send(SCI_GETSELECTIONEND)));
+    const int start = rows().toText(static_cast<int>(send(SCI_GETSELECTIONSTART))),
+              end = rows().toText(static_cast<int>(send(SCI_GETSELECTIONEND)));
     return {start + 1, end - start};
 }
 
 void TextArea::select(int start, int length) {
     const int size = this->length();
     const int begin = std::clamp(start - 1, 0, size), end = begin + std::clamp(length, 0, size - begin);
-    const int from = parts_.toControl(begin, true), to = end > begin ? parts_.toControl(end, false) : from;
+    const int from = rows().toControl(begin, true), to = end > begin ? rows().toControl(end, false) : from;
     send(SCI_SETSELECTION, to, from);
     showLine(lineOf(to));
     showLine(lineOf(from));
@@ -248,7 +249,7 @@ void TextArea::select(int start, int length) {
 
 void TextArea::replaceSelection(std::string_view text) {
     flush();
-    if (parts_.on() && !parts_.fits(text)) {
+    if (rows().on() && !rows().fits(text)) {
         const Selection at = selection();
         std::string all = bytes();
         all.replace(static_cast<std::size_t>(at.start - 1), static_cast<std::size_t>(at.length), text);
@@ -264,7 +265,9 @@ void TextArea::reload(std::string_view text) {
     setModified(true);
 }
 
-void TextArea::insert(std::string_view text) {
+void TextArea::insert(std::string_view whole) {
+    std::string store;
+    const std::string_view text = inRows(whole, store);
     const long start = send(SCI_GETSELECTIONSTART), end = send(SCI_GETSELECTIONEND);
     free_ = true;
     send(SCI_SETREADONLY, 0);
@@ -289,31 +292,36 @@ bool TextArea::refuses(std::string_view text) {
     return true;
 }
 
-void TextArea::checkInsertion(const char* text, int bytes) {
-    if (setting_) return;
-    if (limit_ > 0 && !free_ && length() + bytes > limit_) {
-        sendBytes(SCI_CHANGEINSERTION, 0, "");
-        return QApplication::beep();
-    }
-    if (text != nullptr) inRowsInsertion({text, static_cast<std::size_t>(bytes)});
+void TextArea::checkInsertion(int bytes) {
+    if (limit_ == 0 || free_ || setting_ || length() + bytes <= limit_) return;
+    sendBytes(SCI_CHANGEINSERTION, 0, "");
+    QApplication::beep();
 }
 
-// Parts what would make a line endless. The place is that of the caret closely enough: a line that has become too long
-// somewhere else is parted when it is typed in.
-void TextArea::inRowsInsertion(std::string_view text) {
-    const int line = lineOf(static_cast<int>(send(SCI_GETCURRENTPOS)));
-    const bool grown = send(SCI_LINELENGTH, line) + static_cast<long>(text.size()) > Rows::LongLine;
-    if (!parts_.on()) {
-        if (!grown || !(Rows::needed(text) || text.find_first_of("\r\n") == std::string_view::npos)) return;
-        const std::string_view all = view(0, size());
-        if (!Rows::possible(all) || (all.find('\n') == std::string_view::npos && !Rows::possible(text))) return;
-        parts_.start(all.find('\n') == std::string_view::npos ? text : all);
+std::string_view TextArea::inRows(std::string_view text, std::string& store) {
+    if (!rows().on()) {
+        const int line = lineOf(static_cast<int>(send(SCI_GETSELECTIONSTART)));
+        const bool grows = text.find_first_of("\r\n") == std::string_view::npos &&
+                           send(SCI_LINELENGTH, line) + static_cast<long>(text.size()) > Rows::LongLine;
+        const bool whole = lineOf(size()) == 0;  // there is no line end that those in it would have to be like
+        if (!grows && !Rows::needed(text)) return text;
+        if (!Rows::possible(view(0, size())) || !Rows::possible(text)) return text;
+        parts_.start(whole ? text : view(0, size()));
+        if (!parts_.fits(text)) return parts_.stop(), text;
         digits_ = 0;
-        scanLater(0, lineOf(size()));
+        applyNumberBar();
+        applyLooks();
     }
-    std::string rows = parts_.parted(text);
-    if (grown && rows.size() < static_cast<std::size_t>(Rows::RowBytes)) rows += '\r';
-    if (rows != text) sendBytes(SCI_CHANGEINSERTION, static_cast<long>(rows.size()), rows.data());
+    store = parts_.parted(text);
+    return store;
+}
+
+const Rows& TextArea::rows() const {
+    if (const Selection now = std::exchange(arrived_, Selection{0, 0}); now.length > 0) {
+        const int end = now.start + now.length;
+        parts_.inserted(now.start, view(now.start, end), static_cast<char>(send(SCI_GETCHARAT, end)));
+    }
+    return parts_;
 }
 
 bool TextArea::modified() const {
@@ -337,19 +345,18 @@ void TextArea::tellReader() {
 
 void TextArea::onRemoval(int position, int bytes) {
     tellRemoval(*this, position, bytes);
-    const int lines = lineOf(position + bytes) - lineOf(position);
+    static_cast<void>(rows());
     parts_.removing(position, bytes);
     noteChange(position, 0);
-    if (lines > 0) noteEnds({}, true);
+    noteEnds(view(position, position + bytes));
 }
 
-void TextArea::onInsertion(int position, std::string_view text) {
-    added_ = {position + 1, static_cast<int>(text.size())};
-    if (parts_.on())
-        parts_.inserting(position, text, static_cast<char>(send(SCI_GETCHARAT, position)));
-    const auto feeds = std::count_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; });
-    noteChange(position, static_cast<int>(feeds));
-    if (feeds > 0) noteEnds(text, false);
+void TextArea::onInsertion(int position, int bytes) {
+    added_ = {position + 1, bytes};
+    static_cast<void>(rows());
+    parts_.inserting(position, bytes);
+    if (parts_.on()) arrived_ = {position, bytes};
+    noteChange(position, bytes);
 }
 
 void TextArea::onModified() {
@@ -479,11 +486,11 @@ void TextArea::onStyleNeeded(int end) {
 TextArea::Place TextArea::place() const {
     const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
     const int line = lineOf(caret), start = startOfLine(line);
-    if (parts_.on()) {
+    if (rows().on()) {
         int first = line;
-        while (first > 0 && parts_.isAdded(startOfLine(first) - 1)) --first;
-        const int from = startOfLine(first), start = parts_.toText(from);
-        return {first + 1 - (from - start), parts_.toText(caret) - start + 1};
+        while (first > 0 && rows().isAdded(startOfLine(first) - 1)) --first;
+        const int from = startOfLine(first), beginning = rows().toText(from);
+        return {first + 1 - (from - beginning), rows().toText(caret) - beginning + 1};
     }
     if (caret - start > LongLine) return {line + 1, caret - start + 1};
     return {line + 1, static_cast<int>(send(SCI_GETCOLUMN, caret)) + 1};
@@ -595,7 +602,7 @@ bool TextArea::eraseInRows(int key) {
     if ((!back && key != Qt::Key_Delete) || selection().length > 0 || send(SCI_GETSELECTIONS) > 1) return false;
     const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
     send(SCI_BEGINUNDOACTION);
-    if (parts_.isAdded(back ? caret - 1 : caret)) send(back ? SCI_DELETEBACK : SCI_CLEAR);
+    if (rows().isAdded(back ? caret - 1 : caret)) send(back ? SCI_DELETEBACK : SCI_CLEAR);
     send(back ? SCI_DELETEBACK : SCI_CLEAR);
     send(SCI_ENDUNDOACTION);
     return true;
@@ -607,6 +614,14 @@ bool TextArea::pasteBytes() {
     const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
     if (bytes.contains('\0')) {
         insertTyped({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+        return true;
+    }
+    // What makes a line endless is parted, and then has the line ends of the others.
+    if (data != nullptr && (rows().on() || data->text().size() > Rows::LongLine) && send(SCI_GETSELECTIONS) == 1) {
+        const QByteArray text = bytes.isEmpty() ? data->text().toUtf8() : bytes;
+        static constexpr int ends[] = {ENDS_CRLF, ENDS_CR, ENDS_LF};
+        const long mode = std::clamp(send(SCI_GETEOLMODE), 0L, 2L);
+        insertTyped(withLineEnds({text.constData(), static_cast<std::size_t>(text.size())}, ends[mode]));
         return true;
     }
     // Refused here, the text in the selection is not lost.

@@ -50,7 +50,7 @@ public:
     [[nodiscard]] std::string range(int start, int length) const;  // from 1, cut to the text
     [[nodiscard]] int lineEnds();
     bool convertLineEnds(int ends, int most);
-    [[nodiscard]] bool inRows() const { return parts_.on(); }
+    [[nodiscard]] const Rows& rows() const;
 
     std::function<QImage(const std::string& name, int size, qreal ratio)> picture;
     std::function<bool(int position)> nameClicked;
@@ -91,7 +91,7 @@ private:
     long send(unsigned message, long w = 0, long l = 0) const;
     long sendBytes(unsigned message, long w, const char* bytes) const;
     void onModified();  // these three come before the text changes
-    void onInsertion(int position, std::string_view text);
+    void onInsertion(int position, int bytes);
     void onRemoval(int position, int bytes);
     void tellReader();  // a screen reader, of what was put in last
     void onStyleNeeded(int end);
@@ -101,11 +101,12 @@ private:
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
     void flush();                        // reports what has changed since the last time
-    void insert(std::string_view text);  // in the place of the selection, whatever the limit
+    void insert(std::string_view whole);  // in the place of the selection, whatever the limit
     void insertTyped(std::string_view text);
     bool refuses(std::string_view text);  // true, with a beep: no room for it
-    void checkInsertion(const char* text, int bytes);  // of whatever the control itself puts in
-    void inRowsInsertion(std::string_view text);
+    void checkInsertion(int bytes);       // of whatever the control itself puts in
+    // What goes into the control for a text that comes in at the selection.
+    std::string_view inRows(std::string_view text, std::string& store);
     void newLine();
     bool pasteBytes();           // true: done with, put in or refused
     void paste();                // what the user has asked for, by key or menu
@@ -123,11 +124,11 @@ private:
     bool zoomKey(const QKeyEvent& event);
     void matchBrackets();
     [[nodiscard]] int partnerOf(int position) const;
-    void noteChange(int position, int lines);
+    void noteChange(int position, int bytes);
     void applyMarks();
     void keepMarks();  // what is marked as changed is saved now
     void defineMarks();
-    void noteEnds(std::string_view text, bool removed);
+    void noteEnds(std::string_view text);
 
     // textarea_folds.cpp
     void scanLater(int first, int last);
@@ -140,6 +141,7 @@ private:
     bool takesChoice();  // false: the word stands there already
     void styleHelp();
     [[nodiscard]] bool wordAt(QPoint at, int& position) const;
+    [[nodiscard]] int placeAt(QPoint at) const;
 
     TokenRules rules_;
     std::string tokens_;
@@ -154,12 +156,13 @@ private:
     bool changed_ = false;  // something to report
     bool marked_ = false;   // modified by decree, whatever the undo list says
 
-    Rows parts_;
+    mutable Rows parts_;         // asked by rows()
+    mutable Selection arrived_;  // put in and not yet looked through for them; from 0
     int looks_ = LOOK_LINE, tabWidth_ = 4;
     int ends_ = ENDS_NONE;    // a LineEnds
     bool endsKnown_ = true;
     struct Change {
-        int position = 0, lines = 0;
+        int position = 0, bytes = 0;
     };
     std::vector<Change> changes_;  // not yet marked
     BlockRules blocks_;
@@ -168,7 +171,7 @@ private:
     bool scanned_ = false;             // some line has a depth
     std::map<std::string, int> pictures_;
     QPoint pressed_;
-    bool clicking_ = false;  // Ctrl and the button are down on a word
+    enum class CtrlDrag { None, Pressed, Dragging } ctrl_ = CtrlDrag::None;
 };
 
 }  // namespace tarn::platform::qt

@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn::platform::qt {
 
@@ -48,8 +49,11 @@ void TextArea::showChoices(std::string_view rows, int typed) {
     send(SCI_AUTOCSETTYPESEPARATOR, PictureMark);
     send(SCI_AUTOCSETIGNORECASE, 1);
     send(SCI_AUTOCSETORDER, SC_ORDER_PRESORTED);
-    send(SCI_AUTOCSETDROPRESTOFWORD, 1);
-    send(SCI_AUTOCSETMULTI, SC_MULTIAUTOC_EACH);
+    send(SCI_AUTOCSETCASEINSENSITIVEBEHAVIOUR, SC_CASEINSENSITIVEBEHAVIOUR_IGNORECASE);
+    // The control cannot drop what is left of several words.
+    const bool several = send(SCI_GETSELECTIONS) > 1;
+    send(SCI_AUTOCSETDROPRESTOFWORD, !several);
+    send(SCI_AUTOCSETMULTI, several ? SC_MULTIAUTOC_EACH : SC_MULTIAUTOC_ONCE);
     send(SCI_AUTOCSETMAXHEIGHT, ListRows);
     sendBytes(SCI_AUTOCSHOW, typed, list.c_str());
 }
@@ -72,7 +76,7 @@ bool TextArea::takesChoice() {
 
 void TextArea::showCallTip(int position, std::string_view text, const Selection& mark) {
     if (text.empty()) return static_cast<void>(send(SCI_CALLTIPCANCEL));
-    const int at = parts_.toControl(std::clamp(position - 1, 0, length()), true);
+    const int at = rows().toControl(std::clamp(position - 1, 0, length()), true);
     sendBytes(SCI_CALLTIPSHOW, at, std::string(text).c_str());
     send(SCI_CALLTIPSETHLT, mark.start - 1, mark.start - 1 + mark.length);
 }
@@ -96,36 +100,40 @@ bool TextArea::wordAt(QPoint at, int& position) const {
     return end > start;
 }
 
+int TextArea::placeAt(QPoint at) const {
+    return static_cast<int>(send(SCI_POSITIONFROMPOINT, at.x(), at.y()));
+}
+
 // A click with Ctrl goes to the declaration of a name; with a drag, or where nothing comes of it, it is one more
-// selection.
+// selection. A drag with Alt marks a rectangle, which the control knows by Ctrl.
 void TextArea::mousePressEvent(QMouseEvent* event) {
     emit goesOn();
-    int position = 0;
-    clicking_ = event->button() == Qt::LeftButton && event->modifiers() == Qt::ControlModifier &&
-                nameClicked && wordAt(event->pos(), position);
+    const bool left = event->button() == Qt::LeftButton;
+    ctrl_ = left && event->modifiers() == Qt::ControlModifier ? CtrlDrag::Pressed : CtrlDrag::None;
     pressed_ = event->pos();
-    if (!clicking_) QsciScintillaBase::mousePressEvent(event);
+    if (ctrl_ != CtrlDrag::None) return setFocus();
+    if (!left || event->modifiers() != Qt::AltModifier) return QsciScintillaBase::mousePressEvent(event);
+    QMouseEvent rectangle(event->type(), event->position(), event->globalPosition(), event->button(),
+                          event->buttons(), Qt::ControlModifier);
+    QsciScintillaBase::mousePressEvent(&rectangle);
 }
 
 void TextArea::mouseMoveEvent(QMouseEvent* event) {
-    if (clicking_ && (event->pos() - pressed_).manhattanLength() >= QApplication::startDragDistance()) {
-        clicking_ = false;
-        QMouseEvent press(QEvent::MouseButtonPress, pressed_, viewport()->mapToGlobal(pressed_), Qt::LeftButton,
-                          Qt::LeftButton, Qt::ControlModifier);
-        QsciScintillaBase::mousePressEvent(&press);
+    if (ctrl_ == CtrlDrag::None) return QsciScintillaBase::mouseMoveEvent(event);
+    if (ctrl_ == CtrlDrag::Pressed) {
+        if ((event->pos() - pressed_).manhattanLength() < QApplication::startDragDistance()) return;
+        ctrl_ = CtrlDrag::Dragging;
+        send(SCI_ADDSELECTION, placeAt(pressed_), placeAt(pressed_));
     }
-    if (!clicking_) QsciScintillaBase::mouseMoveEvent(event);
+    send(SCI_SETSELECTIONNCARET, send(SCI_GETMAINSELECTION), placeAt(event->pos()));
 }
 
 void TextArea::mouseReleaseEvent(QMouseEvent* event) {
-    if (!clicking_) return QsciScintillaBase::mouseReleaseEvent(event);
-    clicking_ = false;
+    if (ctrl_ == CtrlDrag::None) return QsciScintillaBase::mouseReleaseEvent(event);
+    const bool click = std::exchange(ctrl_, CtrlDrag::None) == CtrlDrag::Pressed;
     int position = 0;
-    if (wordAt(pressed_, position) && nameClicked(parts_.toText(position) + 1)) return;
-    QMouseEvent press(QEvent::MouseButtonPress, pressed_, viewport()->mapToGlobal(pressed_), Qt::LeftButton,
-                      Qt::LeftButton, Qt::ControlModifier);
-    QsciScintillaBase::mousePressEvent(&press);
-    QsciScintillaBase::mouseReleaseEvent(event);
+    if (!click || (nameClicked && wordAt(pressed_, position) && nameClicked(rows().toText(position) + 1))) return;
+    send(SCI_ADDSELECTION, placeAt(pressed_), placeAt(pressed_));
 }
 
 }  // namespace tarn::platform::qt

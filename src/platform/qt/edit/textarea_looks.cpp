@@ -159,18 +159,19 @@ int TextArea::partnerOf(int position) const {
 // ---- changes ----
 
 // What is going to change; it can be marked when it has.
-void TextArea::noteChange(int position, int lines) {
+void TextArea::noteChange(int position, int bytes) {
     if (setting_) return;
     applyMarks();
-    changes_.push_back({position, lines});
+    changes_.push_back({position, bytes});
 }
 
 void TextArea::applyMarks() {
     if (changes_.empty()) return;
     for (const Change& change : std::exchange(changes_, {})) {
-        const int first = lineOf(std::min(change.position, size()));
-        const int last = first + change.lines;
+        const int from = std::min(change.position, size()), to = std::min(from + change.bytes, size());
+        const int first = lineOf(from), last = lineOf(to);
         for (int line = first; line <= last; ++line) send(SCI_MARKERADD, line, UnsavedMark);
+        noteEnds(view(from, to));
         scanLater(first, last);
     }
 }
@@ -189,13 +190,14 @@ void TextArea::keepMarks() {
 // ---- line ends ----
 
 // Ends of the kind that the others have change nothing; what else they may have changed is found when it is asked for.
-void TextArea::noteEnds(std::string_view text, bool removed) {
-    if (removed ? ends_ == ENDS_MIXED : lineEndsOf(text) != ends_) endsKnown_ = false;
+void TextArea::noteEnds(std::string_view text) {
+    if (const int ends = lineEndsOf(text); ends != ENDS_NONE && ends != ends_) endsKnown_ = false;
 }
 
 int TextArea::lineEnds() {
-    if (send(SCI_GETLINECOUNT) == 1) return ENDS_NONE;
-    if (parts_.on()) return parts_.pairs() ? ENDS_CRLF : parts_.added() + 1 == send(SCI_GETLINECOUNT) ? ENDS_NONE : ENDS_LF;
+    applyMarks();
+    if (rows().added() + 1 == send(SCI_GETLINECOUNT)) return ENDS_NONE;
+    if (rows().on()) return rows().pairs() ? ENDS_CRLF : ENDS_LF;
     if (ends_ == ENDS_NONE) endsKnown_ = false;
     if (endsKnown_) return ends_;
     endsKnown_ = true;
