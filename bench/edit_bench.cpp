@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// edit_bench RCX: the Code window with 4,000,000 bytes: opening, and key to paint at its end; the peer is
-// QPlainTextEdit with the same text.
+// edit_bench RCX: the Code window with 4,000,000 bytes: opening, and key to paint at its end, in many lines and in one;
+// the peer is QPlainTextEdit with the same text.
 #include "paint_watch.h"
 
 #include "kernel/windows/windowing.h"
@@ -89,6 +89,17 @@ int main(int, char** argv) {
     figures.push_back({"openLarge", openTime(area, [&] { tarn::SetText(window, large); })});
     toEnd(area);
     figures.push_back({"keyToPaint", keyToPaint(area)});
+    tarn::SetLooks(window, tarn::LOOK_LINE | tarn::LOOK_BRACKETS | tarn::LOOK_FOLDS | tarn::LOOK_CHANGES);
+    tarn::SetBlocks(window, "any function record union if loop select\nouter function\nend end\ncomment //\n");
+    for (int i = 0; i < 100; ++i) QApplication::processEvents();
+    figures.push_back({"keyToPaintWithLooks", keyToPaint(area)});
+    const std::string endless(4000000, 'x');
+    figures.push_back({"openEndless", openTime(area, [&] { tarn::SetText(window, endless); })});
+    figures.push_back({"endlessKeyToPaintStart", keyToPaint(area)});
+    tarn::SetSelection(window, 2000000, 0);
+    figures.push_back({"endlessKeyToPaintMiddle", keyToPaint(area)});
+    toEnd(area);
+    figures.push_back({"endlessKeyToPaintEnd", keyToPaint(area)});
 
     QPlainTextEdit plain;
     plain.resize(widget->size());

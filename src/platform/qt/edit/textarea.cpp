@@ -88,7 +88,7 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     });
     connect(this, &TextArea::SCN_SAVEPOINTLEFT, this, [this] { emit moved(); });
     connect(this, &TextArea::SCN_SAVEPOINTREACHED, this, [this] {
-        changes_.clear();
+        applyMarks();  // looks at the line ends too
         send(SCI_MARKERDELETEALL, UnsavedMark);
         emit moved();
     });
