@@ -90,7 +90,8 @@ int main(int, char** argv) {
     toEnd(area);
     figures.push_back({"keyToPaint", keyToPaint(area)});
     tarn::SetLooks(window, tarn::LOOK_LINE | tarn::LOOK_BRACKETS | tarn::LOOK_FOLDS | tarn::LOOK_CHANGES);
-    tarn::SetBlocks(window, "any function record union if loop select\nouter function\nend end\ncomment //\n");
+    tarn::SetBlocks(window,
+                    "any function record union if loop select\nouter function\nend end\ncomment //\n");
     for (int i = 0; i < 100; ++i) QApplication::processEvents();
     figures.push_back({"keyToPaintWithLooks", keyToPaint(area)});
     const std::string endless(4000000, 'x');

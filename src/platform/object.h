@@ -118,12 +118,12 @@ enum EditFlag : int {
 
 // What an edit window shows around its text.
 enum Look : int {
-    LOOK_LINE = 1,       // the line with the caret
-    LOOK_BRACKETS = 2,   // the bracket at the caret and its partner
-    LOOK_BLANKS = 4,     // blanks and tabs
-    LOOK_FOLDS = 8,      // the margin with the blocks that can be folded
-    LOOK_CHANGES = 16,   // the margin with the lines that were changed
-    LOOK_CHOICES = 32,   // for the program: it offers words by itself
+    LOOK_LINE = 1,      // the line with the caret
+    LOOK_BRACKETS = 2,  // the bracket at the caret and its partner
+    LOOK_BLANKS = 4,    // blanks and tabs
+    LOOK_FOLDS = 8,     // the margin with the blocks that can be folded
+    LOOK_CHANGES = 16,  // the margin with the lines that were changed
+    LOOK_CHOICES = 32,  // for the program: it offers words by itself
 };
 
 enum LineEnds : int { ENDS_LF = 0, ENDS_CRLF = 1, ENDS_CR = 2, ENDS_MIXED = 3, ENDS_NONE = 4 };

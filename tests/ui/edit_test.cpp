@@ -679,13 +679,9 @@ TEST_F(EditTest, EndlessLinesKeepEveryByteThroughEdits) {
     const std::string line(40'000, 'x');
     std::string odd;
     for (int i = 0; i < 40'000; ++i) odd += static_cast<char>(i % 3 == 0 ? 0xC3 : i % 3 == 1 ? 0xA9 : 0xFF);
-    const std::string texts[] = {line,
-                                 line + "\n" + line + "\n",
-                                 "a\r\n" + line + "\r\nb",
-                                 "a\r" + line,
-                                 "a\nb\r\n" + line,
-                                 odd,
-                                 line + "\0"s + line};
+    const std::string texts[] = {
+        line, line + "\n" + line + "\n", "a\r\n" + line + "\r\nb", "a\r" + line, "a\nb\r\n" + line,
+        odd,  line + "\0"s + line};
     for (const std::string& text : texts) {
         store->setText(text);
         EXPECT_EQ(store->text(), text);
@@ -735,7 +731,8 @@ TEST_F(EditTest, APastedEndlessLineIsNoSlowerThanALoadedOne) {
     EXPECT_LT(slowKey(*area, [&] { type(QStringLiteral("y")); }), 100);
     press(Qt::Key_A, {}, Qt::ControlModifier);
     press(Qt::Key_C, {}, Qt::ControlModifier);
-    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "sh" + line + std::string(12, 'y') + "ort\n");
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
+              "sh" + line + std::string(12, 'y') + "ort\n");
 }
 
 // ---- looks ----
@@ -777,7 +774,8 @@ TEST_F(EditTest, ChangedLinesAreMarkedUntilTheTextIsWhatItWas) {
     area->setLooks(AllLooks, 4, 0);
     const auto marks = [&] {
         std::string text;
-        for (int line = 0; line < ask(2154); ++line) text += std::to_string(ask(2046, static_cast<unsigned long>(line)) & 3);
+        for (int line = 0; line < ask(2154); ++line)
+            text += std::to_string(ask(2046, static_cast<unsigned long>(line)) & 3);
         return text;
     };
     store->setText("a\nb\nc\nd\n");
@@ -825,8 +823,8 @@ TEST_F(EditTest, LineEndsAreConvertedInOneStep) {
         std::string text;
         int ends;
     };
-    const Case cases[] = {{"a\nb\n", ENDS_LF},   {"a\r\nb", ENDS_CRLF}, {"a\rb\r", ENDS_CR},
-                          {"a\nb\r\n", ENDS_MIXED}, {"ab", ENDS_NONE},   {"", ENDS_NONE}};
+    const Case cases[] = {{"a\nb\n", ENDS_LF},      {"a\r\nb", ENDS_CRLF}, {"a\rb\r", ENDS_CR},
+                          {"a\nb\r\n", ENDS_MIXED}, {"ab", ENDS_NONE},     {"", ENDS_NONE}};
     for (const auto& [text, ends] : cases) {
         store->setText(text);
         EXPECT_EQ(store->lineEnds(), ends) << text;
@@ -863,7 +861,8 @@ TEST_F(EditTest, TypedLinesEndAsTheOthersAfterAConversionAndItsUndo) {
 
 // ---- blocks ----
 
-constexpr std::string_view Blocks = "any function if loop record select\nouter function\nend end\ncomment //\n";
+constexpr std::string_view Blocks =
+    "any function if loop record select\nouter function\nend end\ncomment //\n";
 
 TEST_F(EditTest, BlocksFoldAndUnfold) {
     area->setLooks(AllLooks, 4, 0);

@@ -21,7 +21,7 @@ constexpr int Around = 4096;     // bytes in front of the caret that are looked 
 constexpr int LettersTyped = 3;  // that bring the list
 constexpr std::size_t MostForms = 4;
 
-constexpr std::string_view picturesOfKinds[] = {"symfunction", "symconst",  "symtype", "symobject",
+constexpr std::string_view picturesOfKinds[] = {"symfunction", "symconst", "symtype", "symobject",
                                                 "symwindow",   "symclass", "symother"};
 
 // What stands around the caret.
@@ -86,7 +86,8 @@ Hint hintFor(const NamePlace& place, const OpenCall& call) {
         if (name.kind != NameKind::Function || !STREQUAL(name.name, call.name)) return true;
         const HeadPart part = SYMGETARGUMENT(name.head, call.argument);
         if (hint.mark.length == 0 && part.length > 0)
-            hint.mark = {static_cast<int>(hint.text.size()) + (hint.text.empty() ? 0 : 1) + part.start, part.length};
+            hint.mark = {static_cast<int>(hint.text.size()) + (hint.text.empty() ? 0 : 1) + part.start,
+                         part.length};
         if (!hint.text.empty()) hint.text += '\n';
         hint.text += name.head;
         return ++forms < MostForms;
@@ -102,8 +103,9 @@ std::string COMPLETIONROWS(const NamePlace& place, const std::string& begun) {
     std::map<std::string, std::string> rows;  // by the upper case of the word
     const auto add = [&](std::string_view word, NameKind kind) {
         if (!startsSo(word, begun)) return;
-        rows.try_emplace(ascii::uppered(word), std::string(word) + "\t" +
-                                                   std::string(picturesOfKinds[static_cast<std::size_t>(kind)]));
+        rows.try_emplace(ascii::uppered(word),
+                         std::string(word) + "\t" +
+                             std::string(picturesOfKinds[static_cast<std::size_t>(kind)]));
     };
     EACHNAME(place, [&](const DeclaredName& name, const std::string&) {
         add(name.name, name.kind);
@@ -162,7 +164,8 @@ void SHOWCALLHINT(const Object& window) {
 void OFFERHELP(const Object& window) {
     FRAME(OFFERHELP);
     STAMP();
-    if ((GetLooks(window) & LOOK_CHOICES) == 0 || !hasClass(window)) return;
+    // What a command does from another window needs no help.
+    if (ActiveWindow() != window || (GetLooks(window) & LOOK_CHOICES) == 0 || !hasClass(window)) return;
     const int caret = GetSelection(window).start;
     STAMP();
     const std::string before = caret > 1 ? GetTextRange(window, caret - 1, 1) : std::string();

@@ -70,7 +70,8 @@ void selectName(const Object& window, const DeclaredName& name) {
     const std::string line = ascii::uppered(ascii::takeLine(rest)), wanted = ascii::uppered(name.name);
     for (std::size_t at = line.find(wanted); at != std::string::npos; at = line.find(wanted, at + 1)) {
         const std::size_t end = at + wanted.size();
-        if ((at > 0 && ascii::isSymbol(line[at - 1])) || (end < line.size() && ascii::isSymbol(line[end]))) continue;
+        if ((at > 0 && ascii::isSymbol(line[at - 1])) || (end < line.size() && ascii::isSymbol(line[end])))
+            continue;
         SetSelection(window, start + static_cast<int>(at) + 1, 0);
         return SetSelection(window, start + static_cast<int>(at) + 1, static_cast<int>(wanted.size()));
     }

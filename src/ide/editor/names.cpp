@@ -3,8 +3,8 @@
 
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
-#include "library/source/symbolfiles.h"
 #include "library/settings/profstr.h"
+#include "library/source/symbolfiles.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 #include "os/files.h"
@@ -43,7 +43,8 @@ Names namesOfSymbols(const std::string& file) {
         const NameKind kind = kindOf(record.sort);
         const bool special = record.sort == "program" || record.sort == "debug" || record.sort == "digest";
         if (special || record.scope == function_scope || kind == NameKind::Class) continue;
-        DeclaredName name{record.name, kind, record.scope == public_scope, record.signature, record.decline, 0, 0};
+        DeclaredName name{record.name, kind, record.scope == public_scope, record.signature, record.decline,
+                          0,           0};
         if (kind == NameKind::Window && !record.signature.empty()) {
             name.name = record.signature;  // a control
             name.head = record.name + "." + record.signature + " : " + record.typeName;
@@ -146,7 +147,8 @@ void EACHNAME(const NamePlace& place, const NameFound& found) {
     const Names own = SYMGETNAMES(place.text);
     STAMP();
     for (const DeclaredName& name : own)
-        if (name.first != 0 && place.line >= name.first && place.line <= name.last && !found(name, place.file))
+        if (name.first != 0 && place.line >= name.first && place.line <= name.last &&
+            !found(name, place.file))
             return;
     for (const DeclaredName& name : own)
         if (name.first == 0 && !found(name, place.file)) return;

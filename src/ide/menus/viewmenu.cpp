@@ -58,7 +58,8 @@ void DO_DECLARATION() {
     STAMP();
     if (!hasText()) return;
     // From another window the key brings the Code window forward.
-    const bool here = ActiveWindow() == SDIEdit || STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), "SDIEdit");
+    const bool here =
+        ActiveWindow() == SDIEdit || STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), "SDIEdit");
     Show(SDIEdit, false);
     STAMP();
     if (here) GOTODECLARATION(SDIEdit, false);

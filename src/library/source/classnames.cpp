@@ -152,13 +152,14 @@ private:
         ++at_;
         if (at_ >= tokens_.size() || !ascii::isLetter(tokens_[at_].text[0])) return;
         const std::size_t first = at_++, index = names_.size();
-        names_.push_back({std::string(tokens_[first].text), NameKind::Function, isPublic, {}, tokens_[first].line, 0, 0});
+        names_.push_back(
+            {std::string(tokens_[first].text), NameKind::Function, isPublic, {}, tokens_[first].line, 0, 0});
         parameters();
         if (is("return")) {
             ++at_;
             const int row = line();
-            while (at_ < tokens_.size() && line() == row && !is("external") && !is("from") && !is("precond") &&
-                   !is("postcond") && !is("var"))
+            while (at_ < tokens_.size() && line() == row && !is("external") && !is("from") &&
+                   !is("precond") && !is("postcond") && !is("var"))
                 ++at_;
         }
         names_[index].head = squeezed(text_.substr(startOf(first), startOf(at_) - startOf(first)));
@@ -178,7 +179,8 @@ private:
             if (is("function") || is("var")) return;  // the head is not finished
             if (text == "(") ++open;
             if (text == ")" && --open == 0) return static_cast<void>(++at_);
-            if (open == 1 && isName() && at_ + 1 < tokens_.size() && tokens_[at_ + 1].text == ":") variable(at_);
+            if (open == 1 && isName() && at_ + 1 < tokens_.size() && tokens_[at_ + 1].text == ":")
+                variable(at_);
         }
     }
 
@@ -198,8 +200,8 @@ private:
                 at_ += 2;
                 return;
             }
-            if (is("function") || is("callback") || is("public") || is("private") || is("const") || is("type") ||
-                (is("end") && is("class", 1)))
+            if (is("function") || is("callback") || is("public") || is("private") || is("const") ||
+                is("type") || (is("end") && is("class", 1)))
                 return;
             if (!is("var")) {
                 ++at_;
@@ -250,7 +252,8 @@ OpenCall SYMGETOPENCALL(std::string_view text) {
             const bool called = !before.text.empty() && ascii::isLetter(before.text[0]) &&
                                 !IsReservedWord(ascii::lowered(before.text)) &&
                                 !ascii::equal(further.text, "function");
-            open.push_back({called ? std::string(before.text) : std::string(), 0, static_cast<int>(token.start) + 1});
+            open.push_back(
+                {called ? std::string(before.text) : std::string(), 0, static_cast<int>(token.start) + 1});
         } else if (token.text == ")") {
             if (!open.empty()) open.pop_back();
         } else if (token.text == "," && !open.empty()) {

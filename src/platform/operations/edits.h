@@ -14,7 +14,7 @@ Answer<std::string> GetTextRange(const Object& object, int start, int length);
 
 Answer<int> GetLooks(const Object& window);  // bits: LOOK_BRACKETS and so on
 Code SetLooks(const Object& window, int looks);
-Answer<int> GetTabWidth(const Object& window);  // columns
+Answer<int> GetTabWidth(const Object& window);        // columns
 Code SetTabWidth(const Object& window, int columns);  // cut to 1 to 32
 // How many points the text is larger than its font; the user changes it too. From -8 to 20.
 Answer<int> GetZoom(const Object& window);

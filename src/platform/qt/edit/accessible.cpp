@@ -289,8 +289,8 @@ private:
     // The line with the caret, for readers that ask for a value.
     [[nodiscard]] QString line() const {
         constexpr int longest = 4096;
-        const auto number = static_cast<int>(
-            send(area(), Sci::SCI_LINEFROMPOSITION, send(area(), Sci::SCI_GETCURRENTPOS)));
+        const auto number =
+            static_cast<int>(send(area(), Sci::SCI_LINEFROMPOSITION, send(area(), Sci::SCI_GETCURRENTPOS)));
         const int from = lineStart(area(), number), to = lineEnd(area(), number);
         return to - from > longest ? QString() : unitsOf(bytesOf(area(), from, to)).trimmed();
     }

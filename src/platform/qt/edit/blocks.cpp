@@ -79,8 +79,8 @@ BlockRules::BlockRules(std::string_view rules) {
 BlockRules::Line BlockRules::scan(std::string_view line, int depth) const {
     Line found{depth, depth, false};
     const std::size_t text = line.find_first_not_of(" \t\r\n");
-    found.comment = text != std::string_view::npos && !comment_.empty() &&
-                    line.substr(text, comment_.size()) == comment_;
+    found.comment =
+        text != std::string_view::npos && !comment_.empty() && line.substr(text, comment_.size()) == comment_;
     if (found.comment) return found;
     bool first = true, ending = false;
     for (qt::Words words(line, comment_); words.next(); first = false) {

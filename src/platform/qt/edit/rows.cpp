@@ -54,8 +54,8 @@ void Rows::start(std::string_view text) {
 
 bool Rows::fits(std::string_view text) const {
     if (!pairs_) return text.find('\r') == std::string_view::npos;
-    return possible(text) && (text.find('\n') == std::string_view::npos ||
-                              text.find('\r') != std::string_view::npos);
+    return possible(text) &&
+           (text.find('\n') == std::string_view::npos || text.find('\r') != std::string_view::npos);
 }
 
 std::string Rows::parted(std::string_view text) const {

@@ -14,6 +14,7 @@ namespace tarn::platform::qt {
 namespace {
 constexpr int Pad = 10;   // on both sides of a part
 constexpr int Cell = 15;  // characters that a part has room for
+constexpr int Fixed = 3;  // parts that keep their place; those behind are as wide as they need
 }  // namespace
 
 StatusBar::StatusBar(QWidget* parent) : QWidget(parent) {
@@ -44,7 +45,8 @@ void StatusBar::paintEvent(QPaintEvent*) {
     for (qsizetype i = 0; i < parts_.size(); ++i) {
         const bool last = i + 1 == parts_.size();
         const int wide = fontMetrics().horizontalAdvance(parts_[i]) + 2 * Pad;
-        const int w = std::max(wide, i == 0 ? cell * 2 : cell);
+        if (i >= Fixed && !last && parts_[i].isEmpty()) continue;
+        const int w = i >= Fixed ? wide : std::max(wide, i == 0 ? cell * 2 : cell);
         const QRect place =
             last ? QRect(std::max(x, width() - wide), 1, wide, height() - 1) : QRect(x, 1, w, height() - 1);
         painter.setPen(ink);

@@ -303,7 +303,8 @@ std::string_view TextArea::inRows(std::string_view text, std::string& store) {
         const int line = lineOf(static_cast<int>(send(SCI_GETSELECTIONSTART)));
         const bool grows = text.find_first_of("\r\n") == std::string_view::npos &&
                            send(SCI_LINELENGTH, line) + static_cast<long>(text.size()) > Rows::LongLine;
-        const bool whole = lineOf(size()) == 0;  // there is no line end that those in it would have to be like
+        const bool whole =
+            lineOf(size()) == 0;  // there is no line end that those in it would have to be like
         if (!grows && !Rows::needed(text)) return text;
         if (!Rows::possible(view(0, size())) || !Rows::possible(text)) return text;
         parts_.start(whole ? text : view(0, size()));
@@ -549,8 +550,9 @@ bool TextArea::shiftBlock(bool left) {
         }
         const std::string_view text = stop > at ? view(at, stop) : std::string_view();
         const auto blanks = std::min(text.find_first_not_of(' '), text.size());
-        const long remove =
-            !text.empty() && text[0] == '\t' ? 1 : static_cast<long>(std::min(blanks, static_cast<std::size_t>(tabWidth_)));
+        const long remove = !text.empty() && text[0] == '\t'
+                                ? 1
+                                : static_cast<long>(std::min(blanks, static_cast<std::size_t>(tabWidth_)));
         if (remove > 0) send(SCI_DELETERANGE, at, remove);
     }
     send(SCI_ENDUNDOACTION);
@@ -599,7 +601,8 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
 // What stands between two rows is not there for the user: erasing it erases the character behind it too.
 bool TextArea::eraseInRows(int key) {
     const bool back = key == Qt::Key_Backspace;
-    if ((!back && key != Qt::Key_Delete) || selection().length > 0 || send(SCI_GETSELECTIONS) > 1) return false;
+    if ((!back && key != Qt::Key_Delete) || selection().length > 0 || send(SCI_GETSELECTIONS) > 1)
+        return false;
     const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
     send(SCI_BEGINUNDOACTION);
     if (rows().isAdded(back ? caret - 1 : caret)) send(back ? SCI_DELETEBACK : SCI_CLEAR);
@@ -617,7 +620,8 @@ bool TextArea::pasteBytes() {
         return true;
     }
     // What makes a line endless is parted, and then has the line ends of the others.
-    if (data != nullptr && (rows().on() || data->text().size() > Rows::LongLine) && send(SCI_GETSELECTIONS) == 1) {
+    if (data != nullptr && (rows().on() || data->text().size() > Rows::LongLine) &&
+        send(SCI_GETSELECTIONS) == 1) {
         const QByteArray text = bytes.isEmpty() ? data->text().toUtf8() : bytes;
         static constexpr int ends[] = {ENDS_CRLF, ENDS_CR, ENDS_LF};
         const long mode = std::clamp(send(SCI_GETEOLMODE), 0L, 2L);

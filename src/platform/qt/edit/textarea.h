@@ -100,7 +100,7 @@ private:
     void colourAnew();
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
-    void flush();                        // reports what has changed since the last time
+    void flush();                         // reports what has changed since the last time
     void insert(std::string_view whole);  // in the place of the selection, whatever the limit
     void insertTyped(std::string_view text);
     bool refuses(std::string_view text);  // true, with a beep: no room for it
@@ -159,7 +159,7 @@ private:
     mutable Rows parts_;         // asked by rows()
     mutable Selection arrived_;  // put in and not yet looked through for them; from 0
     int looks_ = LOOK_LINE, tabWidth_ = 4;
-    int ends_ = ENDS_NONE;    // a LineEnds
+    int ends_ = ENDS_NONE;  // a LineEnds
     bool endsKnown_ = true;
     struct Change {
         int position = 0, bytes = 0;

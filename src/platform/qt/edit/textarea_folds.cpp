@@ -34,10 +34,12 @@ void TextArea::foldAll(bool folded) {
     if (line >= 0 && line != lineOf(static_cast<int>(send(SCI_GETCURRENTPOS))))
         send(SCI_GOTOPOS, startOfLine(static_cast<int>(line)));
     send(SCI_SCROLLCARET);
+    emit moved();  // the control itself tells only when it paints
 }
 
 void TextArea::showLine(int line) {
-    if (send(SCI_GETALLLINESVISIBLE) == 0 && send(SCI_GETLINEVISIBLE, line) == 0) send(SCI_ENSUREVISIBLE, line);
+    if (send(SCI_GETALLLINESVISIBLE) == 0 && send(SCI_GETLINEVISIBLE, line) == 0)
+        send(SCI_ENSUREVISIBLE, line);
 }
 
 // The line in front is looked at too: whether a comment goes on.

@@ -43,7 +43,8 @@ void TextArea::showChoices(std::string_view rows, int typed) {
         if (!list.empty()) list += '\n';
         list += row.substr(0, tab);
         if (tab != std::string_view::npos)
-            list.append(1, PictureMark).append(std::to_string(pictureNumber(std::string(row.substr(tab + 1)))));
+            list.append(1, PictureMark)
+                .append(std::to_string(pictureNumber(std::string(row.substr(tab + 1)))));
     }
     send(SCI_AUTOCSETSEPARATOR, '\n');
     send(SCI_AUTOCSETTYPESEPARATOR, PictureMark);
@@ -132,7 +133,8 @@ void TextArea::mouseReleaseEvent(QMouseEvent* event) {
     if (ctrl_ == CtrlDrag::None) return QsciScintillaBase::mouseReleaseEvent(event);
     const bool click = std::exchange(ctrl_, CtrlDrag::None) == CtrlDrag::Pressed;
     int position = 0;
-    if (!click || (nameClicked && wordAt(pressed_, position) && nameClicked(rows().toText(position) + 1))) return;
+    if (!click || (nameClicked && wordAt(pressed_, position) && nameClicked(rows().toText(position) + 1)))
+        return;
     send(SCI_ADDSELECTION, placeAt(pressed_), placeAt(pressed_));
 }
 

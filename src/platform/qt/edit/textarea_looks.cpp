@@ -76,11 +76,13 @@ void TextArea::defineMarks() {
     mark(UnsavedMark, SC_MARK_FULLRECT, unsaved, unsaved);
     mark(SavedMark, SC_MARK_FULLRECT, saved, saved);
     const QColor line = mixed(ink, bar, 0.5);
-    static constexpr std::pair<long, long> folds[] = {
-        {SC_MARKNUM_FOLDER, SC_MARK_BOXPLUS},           {SC_MARKNUM_FOLDEROPEN, SC_MARK_BOXMINUS},
-        {SC_MARKNUM_FOLDEREND, SC_MARK_BOXPLUSCONNECTED}, {SC_MARKNUM_FOLDEROPENMID, SC_MARK_BOXMINUSCONNECTED},
-        {SC_MARKNUM_FOLDERSUB, SC_MARK_VLINE},          {SC_MARKNUM_FOLDERTAIL, SC_MARK_LCORNER},
-        {SC_MARKNUM_FOLDERMIDTAIL, SC_MARK_TCORNER}};
+    static constexpr std::pair<long, long> folds[] = {{SC_MARKNUM_FOLDER, SC_MARK_BOXPLUS},
+                                                      {SC_MARKNUM_FOLDEROPEN, SC_MARK_BOXMINUS},
+                                                      {SC_MARKNUM_FOLDEREND, SC_MARK_BOXPLUSCONNECTED},
+                                                      {SC_MARKNUM_FOLDEROPENMID, SC_MARK_BOXMINUSCONNECTED},
+                                                      {SC_MARKNUM_FOLDERSUB, SC_MARK_VLINE},
+                                                      {SC_MARKNUM_FOLDERTAIL, SC_MARK_LCORNER},
+                                                      {SC_MARKNUM_FOLDERMIDTAIL, SC_MARK_TCORNER}};
     for (const auto& [number, symbol] : folds) mark(number, symbol, bar, line);
     SendScintilla(SCI_SETFOLDMARGINCOLOUR, 1UL, bar);
     SendScintilla(SCI_SETFOLDMARGINHICOLOUR, 1UL, bar);

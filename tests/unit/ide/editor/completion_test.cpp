@@ -12,25 +12,23 @@
 namespace tarn {
 namespace {
 
-constexpr std::string_view Other =
-    "Tarnwick Class other\n"
-    "public const WIDEST = 3\n"
-    "public function WIDEN(text : string, count : integer) return string\n"
-    "end function\n"
-    "private function WIRED()\n"
-    "end function\n"
-    "End class\n";
-constexpr std::string_view Own =
-    "Tarnwick Class own\n"
-    "Uses other\n"
-    "private var windy : integer\n"
-    "function main()\n"
-    "   var wish : integer\n"
-    "   \n"
-    "end function\n"
-    "function AGAIN(wing : integer)\n"
-    "end function\n"
-    "End class\n";
+constexpr std::string_view Other = "Tarnwick Class other\n"
+                                   "public const WIDEST = 3\n"
+                                   "public function WIDEN(text : string, count : integer) return string\n"
+                                   "end function\n"
+                                   "private function WIRED()\n"
+                                   "end function\n"
+                                   "End class\n";
+constexpr std::string_view Own = "Tarnwick Class own\n"
+                                 "Uses other\n"
+                                 "private var windy : integer\n"
+                                 "function main()\n"
+                                 "   var wish : integer\n"
+                                 "   \n"
+                                 "end function\n"
+                                 "function AGAIN(wing : integer)\n"
+                                 "end function\n"
+                                 "End class\n";
 
 class Completion : public IdeTest {
 protected:
@@ -140,8 +138,9 @@ TEST_F(Completion, SeesAChangeOfAUsedClass) {
 
 TEST_F(Completion, ReadsTheSymbolFileOfAClassWithoutSource) {
     std::filesystem::remove(other);
-    write("other.sym",
-          "\"WIDELY\",1,\"WIDELY(a : integer)\",\"function\",7,8,0,\"other\",0,0,0,0,0,0,\"\",\"\",0,0,\"\"\n");
+    write(
+        "other.sym",
+        "\"WIDELY\",1,\"WIDELY(a : integer)\",\"function\",7,8,0,\"other\",0,0,0,0,0,0,\"\",\"\",0,0,\"\"\n");
     put("WID");
     EXPECT_EQ(offered(), "WIDELY ");
 }
@@ -178,9 +177,10 @@ TEST_F(Completion, OfFiftyClassesOfTwoHundredLinesComesAtOnce) {
         const std::string name = "class" + STR(n);
         std::string text = "Tarnwick Class " + name + "\n";
         for (int i = 0; i < 20; ++i)
-            text += "// What it does.\npublic function WISE" + STR(n) + "X" + STR(i) +
-                    "(text : string, count : integer) return string\n   var i : integer\n   if count > 0 then\n" +
-                    "      i := count\n   end if\n   return text\nend function\n\n\n";
+            text +=
+                "// What it does.\npublic function WISE" + STR(n) + "X" + STR(i) +
+                "(text : string, count : integer) return string\n   var i : integer\n   if count > 0 then\n" +
+                "      i := count\n   end if\n   return text\nend function\n\n\n";
         write(name + ".cls", text + "End class\n");
         uses += " " + name;
     }

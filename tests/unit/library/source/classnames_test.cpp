@@ -133,7 +133,9 @@ TEST(OpenCalls, HaveTheirArgumentsInTheHead) {
     const std::string head = "F(a : integer, b : array [1:2, 3] of string, c : TX) return x";
     const auto part = [&](int n) {
         const HeadPart at = SYMGETARGUMENT(head, n);
-        return at.length == 0 ? "" : head.substr(static_cast<std::size_t>(at.start - 1), static_cast<std::size_t>(at.length));
+        return at.length == 0
+                   ? ""
+                   : head.substr(static_cast<std::size_t>(at.start - 1), static_cast<std::size_t>(at.length));
     };
     EXPECT_EQ(part(0), "a : integer");
     EXPECT_EQ(part(1), "b : array [1:2, 3] of string");

@@ -26,7 +26,8 @@ protected:
 
     void SetUp() override {
         const std::string rc = folder / "a.rc";
-        ASSERT_TRUE(os::saveFile(rc, "Main DIALOG\nEND\nEditor EDITWINDOW\nEND\n", os::Durability::Unsynced).ok());
+        ASSERT_TRUE(
+            os::saveFile(rc, "Main DIALOG\nEND\nEditor EDITWINDOW\nEND\n", os::Durability::Unsynced).ok());
         ASSERT_EQ(CompileResources({rc}, folder / "a.rcx"), "");
         SetApplicationResources(folder / "a.rcx");
         before = useView(makeHeadlessView());
@@ -79,10 +80,11 @@ TEST_F(EditsTest, OtherWindowsTakeNoneOfIt) {
 
 TEST_F(EditsTest, OnWhatIsNotLoadedTheyFail) {
     const Object gone("Gone");
-    for (const Code code : {GetTextRange(gone, 1, 1).code, GetLooks(gone).code, SetLooks(gone, 0), SetTabWidth(gone, 1),
-                            SetZoom(gone, 1), GetLineEnds(gone).code, SetLineEnds(gone, 0), SetBlocks(gone, ""),
-                            FoldAll(gone, true), ShowChoices(gone, "", 0), ShowCallTip(gone, 1, "", 0, 0),
-                            SetStatusText(gone, "")})
+    for (const Code code :
+         {GetTextRange(gone, 1, 1).code, GetLooks(gone).code, SetLooks(gone, 0), SetTabWidth(gone, 1),
+          SetZoom(gone, 1), GetLineEnds(gone).code, SetLineEnds(gone, 0), SetBlocks(gone, ""),
+          FoldAll(gone, true), ShowChoices(gone, "", 0), ShowCallTip(gone, 1, "", 0, 0),
+          SetStatusText(gone, "")})
         EXPECT_EQ(code, 702);
 }
 
@@ -92,8 +94,13 @@ TEST_F(EditsTest, RangesAreCutToTheText) {
         int start, length;
         const char* text;
     };
-    for (const auto& [start, length, text] :
-         {Case{1, 3, "abc"}, {2, 1, "b"}, {3, 100, "c"}, {4, 1, ""}, {100, 1, ""}, {-5, 2, "ab"}, {1, -1, ""}})
+    for (const auto& [start, length, text] : {Case{1, 3, "abc"},
+                                              {2, 1, "b"},
+                                              {3, 100, "c"},
+                                              {4, 1, ""},
+                                              {100, 1, ""},
+                                              {-5, 2, "ab"},
+                                              {1, -1, ""}})
         EXPECT_EQ(GetTextRange(editor, start, length).value, text) << start << " " << length;
 }
 
