@@ -121,6 +121,8 @@ def main():
         ("start ide", "start geany", 0.6), ("start ide", "start qt", None),
         ("open 4 MB, extra", "plainOpenLarge", None),
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
+        ("keyToPaintWithLooks", None, 4e6), ("endlessKeyToPaintStart", None, 16e6),
+        ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("loadAndUnload", None, None),
     ]
