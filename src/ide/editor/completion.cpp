@@ -20,6 +20,7 @@ namespace {
 constexpr int Around = 4096;     // bytes in front of the caret that are looked at
 constexpr int LettersTyped = 3;  // that bring the list
 constexpr std::size_t MostForms = 4;
+constexpr int LargestText = 500000;  // bytes; a longer one is looked through only when the user asks
 
 constexpr std::string_view picturesOfKinds[] = {"symfunction", "symconst", "symtype", "symobject",
                                                 "symwindow",   "symclass", "symother"};
@@ -166,6 +167,7 @@ void OFFERHELP(const Object& window) {
     STAMP();
     // What a command does from another window needs no help.
     if (ActiveWindow() != window || (GetLooks(window) & LOOK_CHOICES) == 0 || !hasClass(window)) return;
+    if (GetTextLength(window) > LargestText) return;
     const int caret = GetSelection(window).start;
     STAMP();
     const std::string before = caret > 1 ? GetTextRange(window, caret - 1, 1) : std::string();

@@ -106,6 +106,21 @@ TEST_F(Completion, DoesNotComeByItselfInTheMiddleOfAWord) {
     EXPECT_EQ(GetChoices(SDIEdit), "");
 }
 
+TEST_F(Completion, ComesInAVeryLongTextOnlyWhenAskedFor) {
+    SetText(SDIEdit, GetText(SDIEdit) + std::string(500'000, '\n'));
+    put("wis");
+    EXPECT_EQ(GetChoices(SDIEdit), "");
+    COMPLETEWORD(SDIEdit, false);
+    EXPECT_EQ(offered(), "wish ");
+}
+
+TEST_F(Completion, DoesNotComeByItselfAtAChangeFromAnotherWindow) {
+    Load(StartupDlg);
+    Show(StartupDlg, false);
+    put("wis");
+    EXPECT_EQ(GetChoices(SDIEdit), "");
+}
+
 TEST_F(Completion, IsSwitchedByASetting) {
     SWITCHLOOK(SDIEdit, "ChoicesOn");
     put("wis");
