@@ -48,7 +48,10 @@ def assign(scope, depth):
 
     def run(frame):
         indexes = target.indexes(frame)
-        target.write(frame, indexes, value(frame))
+        new = value(frame)
+        if target.kind.kind == "arr":
+            new = model.taken(target.kind, target.follow(frame, indexes), new)
+        target.write(frame, indexes, new)
     return ["%s := %s" % (target.text(), text)], run
 
 
@@ -447,7 +450,7 @@ def with_change(scope, v, lines, inner):
 def rounds_where(items, v, where, inner, frame, early):
     """The rounds of `for each`. Early: what the head left is reported at the beginning of a round, else at its end."""
     for item in items:
-        v.write(frame, v.kind.fit(item))
+        v.write(frame, v.kind.fit(model.taken(v.kind, v.read(frame), item)))
         if early:
             machine.stamp()
         try:
