@@ -172,9 +172,11 @@ def table_place(scope, change):
 
 
 def key(scope, table, places):
-    parts = [aggregate(scope, table.row.fields[n][1], 1) for n in places]
+    """A text of a key is not cut to the field's capacity: a longer one is the key of no row."""
+    kinds = [table.row.fields[n][1] for n in places]
+    parts = [aggregate(scope, kind, 1) for kind in kinds]
     return "{" + ", ".join(part[0] for part in parts) + "}", lambda frame: tuple(
-        table.row.fields[n][1].fit(part[1](frame)) for n, part in zip(places, parts))
+        part[1](frame) if kind.kind == "str" else kind.fit(part[1](frame)) for kind, part in zip(kinds, parts))
 
 
 def table_add(scope, depth):
