@@ -555,6 +555,16 @@ FileError SteeredFiles::close(Handle handle) {
     return error;
 }
 
+FileError SteeredFiles::renameNew(const std::string& from, const std::string& to) {
+    Place there;
+    const FileError looked = find(to, false, there);
+    if (looked == FileError::None && there.node != nullptr) {
+        const FileError counted = count(FileCall::Rename, "renamenew " + native(from) + " " + native(to));
+        return counted != FileError::None ? counted : FileError::Exists;
+    }
+    return rename(from, to);
+}
+
 FileError SteeredFiles::rename(const std::string& from, const std::string& to) {
     FileError error = count(FileCall::Rename, "rename " + native(from) + " " + native(to));
     if (error != FileError::None) return error;
