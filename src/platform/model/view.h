@@ -178,6 +178,8 @@ bool pressToolStop();
 // Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
 // was so before.
 bool setHeadlessBrowser(bool there);
+// The files that headless views were told to play since this was asked last.
+std::vector<std::string> takeHeadlessSounds();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();
