@@ -19,7 +19,8 @@ public:
         text_ = text;
         selection_ = {};
         steps_.clear();
-        done_ = saved_ = 0;
+        done_ = 0;
+        saved_ = 0;
         forced_ = false;
     }
     int length() const override { return static_cast<int>(text_.size()); }
