@@ -70,7 +70,10 @@ TEST(LineDifference, LeadsFromTheFirstTextToTheSecond) {
     for (int round = 0; round < 500; round++) {
         std::string texts[2];
         for (std::string& text : texts)
-            for (unsigned n = random() % 30; n > 0; n--) text += static_cast<char>('a' + random() % 4), text += '\n';
+            for (auto n = random() % 30; n > 0; n--) {
+                text += "abcd"[random() % 4];
+                text += '\n';
+            }
         bool fits = true;
         EXPECT_EQ(applied(texts[0], LINEDIFFERENCE(texts[0], texts[1], 1000), fits), texts[1]);
         EXPECT_TRUE(fits);
