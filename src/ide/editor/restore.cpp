@@ -79,9 +79,8 @@ const RegisteredWindow registered("UndoDlg", UNDODLG);
 
 // ---- what it says ----
 
-std::string missing(std::string_view what, const std::string& name, std::string_view why) {
-    return "The following " + std::string(what) + ":\n\n\t'" + name + "'\n\nis missing or invalid. " +
-           std::string(why);
+std::string sentence(std::string_view head, const std::string& name, std::string_view why) {
+    return std::string(head) + "\n\n\t'" + name + "'\n\n" + std::string(why);
 }
 
 std::string promptOf(const std::string& file, const std::string& backup) {
@@ -165,10 +164,12 @@ void RESTOREFROMBACKUP(const std::string& title, const std::string& backup, cons
     STAMP();
     const std::string file = EDITWNDGETFILENAME(SDIEdit);
     if (!FILECHK(file))
-        return MSGBOX(title, missing("filename", file, "No restore points are available for this file."));
+        return MSGBOX(title, sentence("The following filename:", file,
+                                      "is missing or invalid. No restore points are available for this file."));
     STAMP();
     if (FileSize(backup) < 0)
-        return MSGBOX(title, missing("backup file", backup, "The file cannot be used as a restore point."));
+        return MSGBOX(title, sentence("The following backup file:", backup,
+                                      "is missing or invalid. The file cannot be used as a restore point."));
     STAMP();
     if (const int code = EDITWNDGETBACKUPNAME(file).code; code != 0) return TELLNOBACKUPS(file, code);
     STAMP();

@@ -57,12 +57,12 @@ protected:
     void SetUp() override {
         IdeTest::SetUp();
         loadWindows();
+        clock.setLocal({2015, 3, 1, 10, 15, 0, 0});
+        os::useClock(&clock);
         disk.put(ini(), read(ini()));
         disk.putFolder(dir + "state");
         disk.put(file, "one\n");
         os::useFiles(&disk);
-        clock.setLocal({2015, 3, 1, 10, 15, 0, 0});
-        os::useClock(&clock);
         static_cast<void>(platform::takeHeadlessSounds());
     }
     void TearDown() override {
@@ -509,6 +509,8 @@ TEST_F(Backup, TimerDoesNotRunWithAnIntervalOfZero) {
 TEST_F(Backup, TimerThatCannotBeStartedIsAnAssertion) {
     os::useFiles(nullptr);
     start();
+    asked.clear();
+    answers = {"Continue"};
     EDITWNDSETTIMER(Object("NoWindow"), MAINCONTROL("lblautobackuptimer"), 1);
     ASSERT_FALSE(asked.empty());
     EXPECT_EQ(AssertText(), "SetTimer could not start the auto-backup timer");
