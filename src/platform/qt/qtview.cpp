@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/qtview.h"
 
+#include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
 #include "platform/qt/controls/widgets.h"
