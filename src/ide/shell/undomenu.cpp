@@ -150,8 +150,9 @@ std::string APPENDDATEHEADINGS(const std::string& files) {
     std::string items, last;
     for (std::string_view rest = files; !rest.empty();) {
         const std::string_view file = nextLine(rest);
-        const std::string date = FILEGETEMBEDDEDDATE(file), full = TIMEMAKEFULLSTR(date);
-        if (date.empty() || !ISDATESTRVALID(full)) continue;
+        const std::string date = FILEGETEMBEDDEDDATE(file);
+        if (date.empty()) continue;
+        const std::string full = TIMEMAKEFULLSTR(date);
         const std::string day = full.substr(0, dayLength);
         if (day != last) items += "* ------ " + day + " (" + DAYNAMEOF(full) + ") ------ \n";
         last = day;

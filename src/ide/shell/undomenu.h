@@ -14,7 +14,8 @@ namespace tarn {
 
 // Notes the handles of the 50 items, while the menu is as the resource has it.
 void NOTEUNDOITEMS();
-// A heading for each day, "*" in front of it, and the files below. A file without a date in its name is left out.
+// A heading for each day, "*" in front of it, and the files below. A file without a date in its name is left out;
+// what stands in the place of one, as the parentheses of a folder, counts as one, so that the file can be restored.
 std::string APPENDDATEHEADINGS(const std::string& files);
 // Makes the array of menu items anew from lines; those with a "*" are headings and disabled. At most 50 are shown.
 void POPULATEMENUITEMS(const Object& menuArray, const std::string& items);

@@ -509,10 +509,10 @@ TEST_F(Backup, TimerDoesNotRunWithAnIntervalOfZero) {
 TEST_F(Backup, TimerThatCannotBeStartedIsAnAssertion) {
     os::useFiles(nullptr);
     start();
-    asked.clear();
-    answers = {"Continue"};
-    EDITWNDSETTIMER(Object("NoWindow"), MAINCONTROL("lblautobackuptimer"), 1);
-    ASSERT_FALSE(asked.empty());
+    struct Ended {};
+    const os::EndHook before = os::useEndHook([](int) { throw Ended{}; });
+    EXPECT_THROW(EDITWNDSETTIMER(Object("NoWindow"), MAINCONTROL("lblautobackuptimer"), 1), Ended);
+    os::useEndHook(before);
     EXPECT_EQ(AssertText(), "SetTimer could not start the auto-backup timer");
 }
 

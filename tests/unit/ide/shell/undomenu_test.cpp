@@ -18,8 +18,11 @@ TEST(DateHeadings, StandAboveTheFilesOfADay) {
               "* ------ 2015-03-01 (Sunday) ------ \n" + a + "\n" + b +
                   "\n* ------ 2014-12-24 (Wednesday) ------ \n" + c + "\n");
     EXPECT_EQ(APPENDDATEHEADINGS(""), "");
-    EXPECT_EQ(APPENDDATEHEADINGS("/d/a.txt.bak\n/d/a.txt (copy).bak\n/d (x)/a.txt (2015-03-01 10-15-00).bak\n"), "")
-        << "no date, and a folder that hides it";
+    EXPECT_EQ(APPENDDATEHEADINGS("/d/a.txt.bak\n/d/a.txt ().bak\n"), "") << "no date";
+    EXPECT_EQ(APPENDDATEHEADINGS("/d (x)/a.txt (2015-03-01 10-15-00).bak\n/d (x)/a.txt (2015-02-01 10-15-00).bak\n"),
+              "* ------ x000-01-01 () ------ \n/d (x)/a.txt (2015-03-01 10-15-00).bak\n"
+              "/d (x)/a.txt (2015-02-01 10-15-00).bak\n")
+        << "a folder that hides it";
     EXPECT_EQ(APPENDDATEHEADINGS("/d/a (2015-02).bak\n"),
               "* ------ 2015-02-01 (Sunday) ------ \n/d/a (2015-02).bak\n")
         << "a date in part is completed";
@@ -90,13 +93,15 @@ TEST_F(UndoMenu, ItemIsTheFileThatIsRestored) {
     EXPECT_EQ(items(), 4) << "what it was is a restore point";
 }
 
-TEST_F(UndoMenu, DoesNotShowThoseBehindAFolderWithParentheses) {
+TEST_F(UndoMenu, ShowsThoseBehindAFolderWithParenthesesWithoutTheirDates) {
     std::filesystem::create_directory(dir + "x (1)");
     const std::string file = write("x (1)/a.txt", "now\n");
     backup(file, "2014-12-24 18-30-59");
     start({file});
-    EXPECT_EQ(items(), 1);
-    EXPECT_EQ(GetCaption(item(1)), " ------ No backups ------ ");
+    ASSERT_EQ(items(), 2);
+    EXPECT_EQ(GetCaption(item(1)), "------ 1000-01-01 (Wednesday) ------");
+    EXPECT_EQ(GetCaption(item(2)), file + " (2014-12-24 18-30-59).bak");
+    EXPECT_TRUE(GetEnabled(item(2)));
 }
 
 TEST_F(UndoMenu, IsMadeAnewOnlyWhenItWouldDiffer) {
