@@ -209,7 +209,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     const auto& w = line.words;
     const bool open = view().asking() != nullptr;
     const bool answers = answerLines.count(w[0]) != 0;
-    const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run";
+    const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run" ||
+                       w[0] == "activate";  // what is asked then may be open already
     if (open && !answers && !looks) {
         fail("A question is open that nobody expects.");
         return Outcome::Failed;
@@ -299,7 +300,7 @@ void UserDriver::act(const ScriptLine& line) {
         startSecond(line);
     else if (what == "tick")
         timerFired(*findControl(w.size() == 2 ? Object(w[1]) : FindControl(Object(w[1]), w[2])));
-    else if (what == "activate")
+    else if (what == "activate" && view().asking() == nullptr)
         userReturn(*findWindow(Object(w[1])));
     else if (what == "clock")
         os::clock().sleep(seconds(w[1]) * 1'000'000'000);

@@ -239,6 +239,10 @@ TEST_F(EditTest, ReplacingARangeIsOneStepAndLeavesCaretAndView) {
     EXPECT_EQ(changes, 0);
     store->undo();
     EXPECT_EQ(store->text(), text);
+    store->select(6, 0);  // the start of the line behind
+    store->replaceRange(1, 5, "a longer line\n");
+    EXPECT_EQ(store->selection().start, 15);
+    store->undo();
     store->replaceRange(100000, 5, "end");
     EXPECT_EQ(store->text(), text + "end");
 }
@@ -259,6 +263,9 @@ TEST_F(EditTest, WhatHasNoRoomIsToldInTheStatusBarUntilTheNextEdit) {
     EXPECT_FALSE(said().contains(QStringLiteral("No room")));
     type(QStringLiteral("d"));
     EXPECT_EQ(store->text(), "abc");
+    store->undo();
+    EXPECT_EQ(store->text(), "ab") << "what was refused is no step";
+    store->redo();
     EXPECT_TRUE(said().contains(QStringLiteral("No room: a text has at most 3 bytes"))) << said().toStdString();
     EXPECT_TRUE(said().contains(QStringLiteral("Read-only file")));
     press(Qt::Key_Backspace);
