@@ -122,6 +122,8 @@ def main():
         ("open 4 MB, extra", "plainOpenLarge", None),
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
+        *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),
+        ("menuRefreshFresh/50", None, 2e6), ("menuRefreshFresh/10000", None, None),
         ("loadAndUnload", None, None),
     ]
     print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")

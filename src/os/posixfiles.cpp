@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
@@ -233,6 +234,20 @@ public:
     FileError rename(const std::string& from, const std::string& to) override {
         const Name name(from), target(to);
         if (name.bad() || target.bad()) return FileError::BadName;
+        return writeResult(::rename(name.c_str(), target.c_str()));
+    }
+
+    FileError renameNew(const std::string& from, const std::string& to) override {
+        const Name name(from), target(to);
+        if (name.bad() || target.bad()) return FileError::BadName;
+        const int result = ::renameat2(AT_FDCWD, name.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE);
+        if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return writeResult(result);
+        // A disk that knows no such renaming: a second name is never given over another file, and where there are no
+        // second names either, looking first is what is left.
+        if (::link(name.c_str(), target.c_str()) == 0) return writeResult(::unlink(name.c_str()));
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK) return lastError(FileError::WriteFailed);
+        struct stat status {};
+        if (::lstat(target.c_str(), &status) == 0) return FileError::Exists;
         return writeResult(::rename(name.c_str(), target.c_str()));
     }
 

@@ -204,6 +204,76 @@ TEST_F(EditTest, ReplacingTheSelectionIsOneUndoStepAndNotReported) {
     EXPECT_EQ(changes, 1) << "undoing is an edit of the user";
 }
 
+TEST_F(EditTest, StepsAreUndoneAndRedoneByTheProgramWithoutAReport) {
+    store->setText("one");
+    EXPECT_FALSE(store->canUndo());
+    EXPECT_FALSE(store->canRedo());
+    store->select(4, 0);
+    store->replaceSelection(" two");
+    EXPECT_TRUE(store->canUndo());
+    store->undo();
+    EXPECT_EQ(store->text(), "one");
+    EXPECT_FALSE(store->modified());
+    EXPECT_FALSE(store->canUndo());
+    EXPECT_TRUE(store->canRedo());
+    store->redo();
+    EXPECT_EQ(store->text(), "one two");
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    area->setFlags(READONLY);
+    EXPECT_FALSE(store->canUndo());
+}
+
+TEST_F(EditTest, ReplacingARangeIsOneStepAndLeavesCaretAndView) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i) text += "line\n";
+    store->setText(text);
+    store->select(800 * 5 + 1, 4);
+    const long first = ask(2152);
+    store->replaceRange(1, 4, "LINES \xFF\0"s);
+    EXPECT_EQ(store->text(), "LINES \xFF\0"s + text.substr(4));
+    EXPECT_EQ(store->selection().start, 800 * 5 + 1 + 4);
+    EXPECT_EQ(store->selection().length, 4);
+    EXPECT_EQ(ask(2152), first);
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    store->undo();
+    EXPECT_EQ(store->text(), text);
+    store->select(6, 0);  // the start of the line behind
+    store->replaceRange(1, 5, "a longer line\n");
+    EXPECT_EQ(store->selection().start, 15);
+    store->undo();
+    store->replaceRange(100000, 5, "end");
+    EXPECT_EQ(store->text(), text + "end");
+}
+
+TEST_F(EditTest, WhatHasNoRoomIsToldInTheStatusBarUntilTheNextEdit) {
+    area->setFlags(STATUSBAR);
+    area->setMaxLength(3);
+    area->setStatus(QStringLiteral("Read-only file"));
+    store->setText("ab");
+    store->select(3, 0);
+    auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
+    ASSERT_NE(bar, nullptr);
+    const auto said = [&] {
+        QApplication::processEvents();
+        return bar->accessibleDescription();
+    };
+    type(QStringLiteral("c"));
+    EXPECT_FALSE(said().contains(QStringLiteral("No room")));
+    type(QStringLiteral("d"));
+    EXPECT_EQ(store->text(), "abc");
+    store->undo();
+    EXPECT_EQ(store->text(), "ab") << "what was refused is no step";
+    store->redo();
+    EXPECT_TRUE(said().contains(QStringLiteral("No room: a text has at most 3 bytes"))) << said().toStdString();
+    EXPECT_TRUE(said().contains(QStringLiteral("Read-only file")));
+    press(Qt::Key_Backspace);
+    EXPECT_FALSE(said().contains(QStringLiteral("No room"))) << said().toStdString();
+    store->replaceSelection("longer than the limit");
+    EXPECT_EQ(store->length(), 23) << "the program is not limited";
+}
+
 TEST_F(EditTest, SettingATextIsNoChangeAndCannotBeUndone) {
     type(QStringLiteral("x"));
     changes = 0;

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/editor/textedit.h"
 
+#include "ide/editor/backup.h"
 #include "ide/editor/fileinfo.h"
+#include "ide/editor/recentfiles.h"
 #include "ide/editor/seenfile.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
+#include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/files.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -178,6 +182,49 @@ void INITFILE(const Object& window) {
     STAMP();
     SetModify(window, false);
     SETMODIFYPRIVATE(window, false);
+    SetStatus(window, "");
+}
+
+namespace {
+
+// The lines that two texts have in common at their start, in bytes, and behind them at their end.
+std::pair<std::size_t, std::size_t> commonEnds(const std::string& a, const std::string& b) {
+    const std::size_t most = std::min(a.size(), b.size());
+    std::size_t head = 0, tail = 0;
+    while (head < most && a[head] == b[head]) head++;
+    while (head > 0 && a[head - 1] != '\n') head--;
+    while (tail < most - head && a[a.size() - 1 - tail] == b[b.size() - 1 - tail]) tail++;
+    while (tail > 0 && a[a.size() - tail - 1] != '\n') tail--;
+    return {head, tail};
+}
+
+void showReadOnly(const Object& window, const std::string& file) {
+    const os::FileInfo info = os::infoOf(os::native(file));
+    SetStatus(window, info.exists && !info.writable ? "Read-only file" : "");
+}
+
+}  // namespace
+
+void EDITWNDCHANGETEXT(const Object& window, const std::string& text) {
+    FRAME(EDITWNDCHANGETEXT);
+    STAMP();
+    const std::string before = GetText(window);
+    if (before == text) return;
+    const auto [head, tail] = commonEnds(before, text);
+    ReplaceText(window, static_cast<int>(head) + 1, static_cast<int>(before.size() - head - tail),
+                std::string_view(text).substr(head, text.size() - head - tail));
+    STAMP();
+}
+
+void EDITWNDNOTELOADED(const Object& window, const std::string& file) {
+    FRAME(EDITWNDNOTELOADED);
+    STAMP();
+    SetModify(window, false);
+    SETMODIFYPRIVATE(window, false);
+    NOTEFILESEEN(window, file);
+    showReadOnly(window, file);
+    STAMP();
+    DRAWMODIFYINDICATOR(window);
 }
 
 // ---- open ----
@@ -229,8 +276,8 @@ bool loadIntoWindow(const Object& window, const std::string& file) {
     Show(window, false);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     SetText(window, text);
-    SetModify(window, false);
-    NOTEFILESEEN(window, file);
+    EDITWNDNOTELOADED(window, file);
+    EDITWNDCHECKBACKUPOK(file);
     return true;
 }
 
@@ -251,6 +298,7 @@ bool showOrLoad(const Object& window, const std::string& file, bool reload) {
 
 void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int line) {
     FRAME(EDITWNDOPEN);
+    const FileWork work;
     STAMP();
     const int most = EDITWNDGETMAXLENGTH(window);
     if (FileSize(file) > most) {
@@ -271,6 +319,7 @@ void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int
 
 void EDITWNDNEW(const Object& window, const std::string& text) {
     FRAME(EDITWNDNEW);
+    const FileWork work;
     STAMP();
     EDITWNDCLOSE(window, false);
     STAMP();
@@ -316,23 +365,22 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     if (answer != 6) return false;
     const std::string error = SYMSETCLASSNAME(base, 0, ProductWord, text);
     if (!error.empty()) MSGBOX("Save File", error);
-    SetText(window, text);
+    EDITWNDCHANGETEXT(window, text);
     SetModify(window, true);
     return true;
 }
 
 bool writeText(const Object& window, const std::string& file) {
     if (!SAVEFILE(file, GetText(window))) return false;
-    NOTEFILESEEN(window, file);
     DROPRESCUEDTEXT(file);
-    SetModify(window, false);
-    SETMODIFYPRIVATE(window, false);
+    EDITWNDNOTELOADED(window, file);
     return true;
 }
 
 // What another program has written meanwhile goes only if the user says so.
 bool maySaveOver(const Object& window, const std::string& file) {
     if (!CHANGEDOUTSIDE(window, file)) return true;
+    NOTECHANGEASKED(window, file);
     return MsgBox("File-Save",
                   "The following file was changed by another program after it was read here:\n\n\t" + file +
                       "\n\nTo keep both, cancel and use File-Save As with another name.",
@@ -341,7 +389,7 @@ bool maySaveOver(const Object& window, const std::string& file) {
 
 // A text that could not be stored under its new name keeps the old one, and the class in it too.
 void takeBackName(const Object& window, const std::string& name, const std::string& text) {
-    if (GetText(window) != text) SetText(window, text);
+    EDITWNDCHANGETEXT(window, text);
     SetModify(window, true);
     EDITWNDSETFILENAME(window, name);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
@@ -351,6 +399,7 @@ void takeBackName(const Object& window, const std::string& name, const std::stri
 
 void EDITWNDSAVE(const Object& window, bool saveAs) {
     FRAME(EDITWNDSAVE);
+    const FileWork work;
     STAMP();
     const std::string before = EDITWNDGETFILENAME(window);
     if (before.empty()) return MSGBOX("File-Save", "There is no file to save.");
@@ -373,11 +422,14 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     STAMP();
     if (go && !written) takeBackName(window, before, textBefore);
     STAMP();
+    if (written && file != before) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
+    STAMP();
     DRAWMODIFYINDICATOR(window);
 }
 
 void EDITWNDCLOSE(const Object& window, bool hide) {
     FRAME(EDITWNDCLOSE);
+    const FileWork work;
     STAMP();
     if (!IsLoaded(window)) return;
     bool discard = false;
@@ -461,6 +513,7 @@ void loadCodeWindow(const Object& window) {
     EDITWNDSETSTATUS(window, editorSetting("StatusBarOn"));
     EDITWNDSETNUMBERS(window, editorSetting("NumberBarOn"));
     EDITWNDSETAUTOINDENT(window, editorSetting("AutoIndentOn"));
+    SetMaxLength(window, EDITWNDGETMAXLENGTH(window));  // what is larger could not be opened again
 }
 
 void closeCodeWindow(const Object& window) {
@@ -489,7 +542,9 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
     case CHANGE_EVENT:
         SETMODIFYPRIVATE(window, true);
         DRAWMODIFYINDICATOR(window);
+        UPDATEUNDOTYPINGITEMS();
         break;
+    case TIMER_EVENT: EDITWNDAUTOBACKUP(window); break;
     case INFO_EVENT: FILEINFODIALOG(); break;
     case LOAD_EVENT: loadCodeWindow(window); break;
     case CLOSE_EVENT: closeCodeWindow(window); break;  // only hidden: the window lives as long as the program

@@ -27,6 +27,12 @@ std::string EDITWNDGETFILENAME(const Object& window);
 void EDITWNDSETFILENAME(const Object& window, const std::string& name);
 int EDITWNDGETMAXLENGTH(const Object& window);  // bytes; 0 if it is no edit window
 
+// Gives the window another text by one edit that can be undone: the caret stays where it is, and only lines that differ
+// are replaced.
+void EDITWNDCHANGETEXT(const Object& window, const std::string& text);
+// The window shows what stands in its file.
+void EDITWNDNOTELOADED(const Object& window, const std::string& file);
+
 void EDITWNDSETSTATUS(const Object& window, bool on);
 void EDITWNDSETNUMBERS(const Object& window, bool on);
 void EDITWNDSETAUTOINDENT(const Object& window, bool on);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/commands.h"
 
+#include "ide/menus/editmenu.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/helpmenu.h"
 #include "ide/menus/runmenu.h"
@@ -49,6 +50,10 @@ void quickbuild(const Fired&) {
     DO_QUICKBUILD(true, ignored);
 }
 
+void restoreBackup(const Fired& fired) {
+    DO_UNDO("Edit-Undo (restore from backup)", GetCaption(fired.control), MAINCONTROL("lblautobackuptimer"));
+}
+
 // The user's choice of a window must not be undone by giving the focus back.
 void chooseWindow(const Fired&) {
     DO_WINDOW_WINDOWS();
@@ -76,7 +81,9 @@ constexpr Row rows[] = {
     {"file_printer_setup", "", nullptr},
     {"file_mru_1", "", openRecent, true},
     {"file_exit", "", [](const Fired&) { DO_EXIT(); }},
-    {"edit_undo_01", "", nullptr, true},
+    {"edit_undo_typing", "", [](const Fired&) { DO_UNDO_TYPING(); }},
+    {"edit_redo_typing", "", [](const Fired&) { DO_REDO_TYPING(); }},
+    {"edit_undo_01", "", restoreBackup, true},
     {"edit_cut", "", nullptr},
     {"edit_copy", "", nullptr},
     {"edit_paste", "", nullptr},

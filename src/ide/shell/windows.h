@@ -23,6 +23,8 @@ inline const Object FileInfoDlg("FileInfoDlg");
 inline const Object ArgumentsDlg("ArgumentsDlg");
 inline const Object GotoFuncDlg("GotoFuncDlg");
 inline const Object MoreInfoDlg("MoreInfoDlg");
+inline const Object UndoDlg("UndoDlg");
+inline const Object DifferenceDlg("DifferenceDlg");
 
 inline Object MAINCONTROL(std::string_view name) {
     return FINDCONTROL(Main, name);

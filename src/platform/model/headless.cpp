@@ -40,6 +40,8 @@ private:
     std::string file_, text_;
 };
 
+std::vector<std::string> sounds;  // played, of all headless views
+
 struct Timer {
     int handle = 0, milliseconds = 0;
     std::int64_t due = 0;
@@ -113,7 +115,7 @@ public:
     void setClipboard(std::string_view text) override { clipboard_ = text; }
 
     void sound() override {}
-    void playSound(const std::string&) override {}
+    void playSound(const std::string& file) override { sounds.push_back(file); }
     void setIcon(const std::string&) override {}
     void setBusy(bool) override {}
     void setTimer(Control& owner, int milliseconds) override {
@@ -255,6 +257,10 @@ int Headless::textWidth(const Control&, std::string_view text) {
 
 std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer) {
     return std::make_unique<Headless>(std::move(answer));
+}
+
+std::vector<std::string> takeHeadlessSounds() {
+    return std::exchange(sounds, {});
 }
 
 bool setHeadlessBrowser(bool there) {

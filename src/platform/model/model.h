@@ -32,7 +32,7 @@ public:
     int level = 0;      // menu items: 1 for the menu bar, 2 below it, ...
     int shortcut = 0;   // menu items: key + 0x1000 Ctrl + 0x2000 Shift + 0x4000 Alt; 0 none
 
-    std::string caption, tokens, picture, hint;
+    std::string caption, tokens, picture, hint, status;
     std::unique_ptr<TextStore> text;  // edit windows, edits, combo boxes
     std::vector<Row> rows;
     int listIndex = 0;
@@ -91,6 +91,7 @@ void userDrag(Point pressed, Point released);
 bool userKey(Window& window, Control* focus, int key);  // true: handled, goes no further
 void userClose(Window& window);                         // the window's close button
 void userActivate(Window& window);
+void userReturn(Window& window);  // the user comes back from another program
 void userMoved(Window& window, const Rect& frame, int state);
 void timerFired(Control& owner);
 

@@ -111,6 +111,12 @@ void userActivate(Window& window) {
     if (isAlive(window) && window.shown) activate(window);
 }
 
+void userReturn(Window& window) {
+    if (!isAlive(window) || !window.shown) return;
+    std::erase(state().activation, window.handle);  // so that it is told
+    activate(window);
+}
+
 void userMoved(Window& window, const Rect& frame, int state) {
     if (!isAlive(window)) return;
     const bool resized =

@@ -49,6 +49,18 @@ bool setText(Control& c, std::string_view text) {
     return true;
 }
 
+// Lets `change` change the text as the user would.
+template <class Change>
+Code edit(const Object& object, Change change) {
+    Control* const control = findControl(object);
+    if (control == nullptr) return missing(object);
+    if (control->text == nullptr || isDropList(*control)) return Ok;
+    change(*control->text);
+    view().changed(*control, Property::Text);
+    userChange(*control);
+    return Ok;
+}
+
 }  // namespace
 
 Answer<std::string> GetCaption(const Object& object) {
@@ -95,13 +107,40 @@ Answer<std::string> GetSelText(const Object& object) {
 }
 
 Code SetSelText(const Object& object, std::string_view text) {
-    Control* const control = findControl(object);
-    if (control == nullptr) return missing(object);
-    if (control->text == nullptr || isDropList(*control)) return Ok;
-    control->text->replaceSelection(text);
-    view().changed(*control, Property::Text);
-    userChange(*control);
-    return Ok;
+    return edit(object, [&](TextStore& store) { store.replaceSelection(text); });
+}
+
+Code ReplaceText(const Object& object, int start, int length, std::string_view text) {
+    return edit(object, [&](TextStore& store) { store.replaceRange(start, length, text); });
+}
+
+bool CanUndo(const Object& object) {
+    const Control* const control = findControl(object);
+    return control != nullptr && control->text != nullptr && control->text->canUndo();
+}
+
+bool CanRedo(const Object& object) {
+    const Control* const control = findControl(object);
+    return control != nullptr && control->text != nullptr && control->text->canRedo();
+}
+
+Code Undo(const Object& object) {
+    if (!CanUndo(object)) return findControl(object) == nullptr ? missing(object) : Ok;
+    return edit(object, [](TextStore& store) { store.undo(); });
+}
+
+Code Redo(const Object& object) {
+    if (!CanRedo(object)) return findControl(object) == nullptr ? missing(object) : Ok;
+    return edit(object, [](TextStore& store) { store.redo(); });
+}
+
+Answer<std::string> GetStatus(const Object& object) {
+    return ask<std::string>(object, [](const Control& c) { return c.status; });
+}
+
+Code SetStatus(const Object& object, std::string_view status) {
+    return tell(object, Property::Status,
+                [&](Control& c) { return isEditWindowType(c.type) && assign(c.status, std::string(status)); });
 }
 
 Answer<Selection> GetSelection(const Object& object) {

@@ -35,6 +35,7 @@ enum class Property {
     Enabled,
     Visible,
     Flags,
+    Status,
     Picture,
     Rows,
     ListIndex,
@@ -57,6 +58,13 @@ public:
     [[nodiscard]] virtual Selection selection() const = 0;
     virtual void select(int start, int length) = 0;  // scrolls it into view
     virtual void replaceSelection(std::string_view text) = 0;
+    // Replaces `length` bytes from `start` on, in one undo step; the selection stays with its text.
+    virtual void replaceRange(int start, int length, std::string_view text);
+    // One step back, one forth. A store without steps can do neither.
+    [[nodiscard]] virtual bool canUndo() const { return false; }
+    [[nodiscard]] virtual bool canRedo() const { return false; }
+    virtual void undo() {}
+    virtual void redo() {}
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
 };
@@ -170,6 +178,8 @@ bool pressToolStop();
 // Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
 // was so before.
 bool setHeadlessBrowser(bool there);
+// The files that headless views were told to play since this was asked last.
+std::vector<std::string> takeHeadlessSounds();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();

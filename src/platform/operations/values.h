@@ -21,6 +21,17 @@ Answer<std::string> GetSelText(const Object& object);
 // Replaces the selection, in one undo step, and sends CHANGE_EVENT as a user's edit does (SetText sends
 // none).
 Code SetSelText(const Object& object, std::string_view text);
+// Replaces `length` bytes from `start` on in one undo step and sends CHANGE_EVENT; selection and caret stay with their
+// text, and nothing is scrolled.
+Code ReplaceText(const Object& object, int start, int length, std::string_view text);
+// The steps of the user's and the program's edits; SetText empties them. Undo and redo send CHANGE_EVENT.
+bool CanUndo(const Object& object);
+bool CanRedo(const Object& object);
+Code Undo(const Object& object);
+Code Redo(const Object& object);
+// What an edit window's status bar tells beside its own; empty: nothing.
+Answer<std::string> GetStatus(const Object& object);
+Code SetStatus(const Object& object, std::string_view status);
 Answer<Selection> GetSelection(const Object& object);
 Code SetSelection(const Object& object, int start, int length);  // scrolls it into view
 Answer<int> GetValue(const Object& object);  // check box, radio button, scroll and progress bar

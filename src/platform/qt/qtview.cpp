@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/qtview.h"
 
+#include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
 #include "platform/qt/controls/widgets.h"
@@ -210,8 +211,11 @@ void QtView::activated() {
     if (QApplication::activePopupWidget() != nullptr) return;
     const QWindow* focus = QGuiApplication::focusWindow();
     Frame* frame = frameOfWidget(focus != nullptr ? QWidget::find(focus->winId()) : nullptr);
+    const bool returns = away_ && focus != nullptr;
+    away_ = focus == nullptr;
     std::erase_if(order_, [](const QPointer<Frame>& other) { return other.isNull(); });
     if (frame == nullptr || frame->window().widget == nullptr || !frame->isVisible()) return;
+    if (returns && !order_.empty() && order_.back() == frame) return userReturn(frame->window());
     enter(*frame);
 }
 
@@ -353,13 +357,26 @@ void QtView::sound() {
     QApplication::beep();
 }
 
+namespace {
+
+// Without a server, and without a device that could do without one, a player would only wait and complain.
+bool canBeHeard() {
+    const std::string runtime = os::environment("XDG_RUNTIME_DIR");
+    return !os::environment("PULSE_SERVER").empty() || os::infoOf(runtime + "/pulse/native").exists ||
+           os::infoOf(runtime + "/pipewire-0").exists || os::infoOf("/dev/snd/controlC0").exists;
+}
+
+}  // namespace
+
 void QtView::playSound(const std::string& file) {
+    if (!canBeHeard() || os::sizeOf(file) <= 0) return;
     for (const char* player : {"paplay", "aplay"}) {
         const QString path = QStandardPaths::findExecutable(QString::fromLatin1(player));
         if (path.isEmpty()) continue;
         os::StartRequest request;
         request.program = path.toStdString();
         request.arguments = {file};
+        request.outputFile = "/dev/null";
         os::StartError error{};
         // The child plays on by itself; nobody waits for its end.
         static std::unique_ptr<os::Child> playing;

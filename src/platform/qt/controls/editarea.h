@@ -8,6 +8,7 @@
 #include "platform/object.h"
 
 #include <QPoint>
+#include <QString>
 
 #include <memory>
 #include <string_view>
@@ -37,6 +38,7 @@ public:
     virtual void setMaxLength(int bytes) = 0;  // what the user adds beyond is refused; 0: no limit
     virtual void setTokens(std::string_view tokens) = 0;
     virtual void setFont(const Font& font) = 0;
+    virtual void setStatus(const QString& text) = 0;  // a part of the status bar; empty: none
     virtual void setName(const QString& name) = 0;  // for screen readers
 };
 

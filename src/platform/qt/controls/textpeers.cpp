@@ -416,6 +416,7 @@ public:
         case Property::MaxLength: area_->setMaxLength(control_->maxLength); break;
         case Property::Tokens: area_->setTokens(control_->tokens); break;
         case Property::Font: area_->setFont(control_->font); break;
+        case Property::Status: area_->setStatus(shown(control_->status)); break;
         default: break;
         }
     }

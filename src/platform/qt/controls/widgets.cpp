@@ -527,6 +527,7 @@ constexpr Property All[] = {
     Property::Caption,   Property::Picture,  Property::Rows,    Property::ListIndex,
     Property::Range,     Property::Value,    Property::Checked, Property::Readonly,
     Property::MaxLength, Property::Password, Property::Flags,   Property::Tokens,
+    Property::Status,
 };
 
 }  // namespace

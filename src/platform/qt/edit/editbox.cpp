@@ -33,6 +33,17 @@ public:
         if (area_ != nullptr) area_->replaceSelection(text);
     }
     bool modified() const override { return area_ != nullptr && area_->modified(); }
+    void replaceRange(int start, int length, std::string_view text) override {
+        if (area_ != nullptr) area_->replaceRange(start, length, text);
+    }
+    bool canUndo() const override { return area_ != nullptr && area_->canUndo(); }
+    bool canRedo() const override { return area_ != nullptr && area_->canRedo(); }
+    void undo() override {
+        if (area_ != nullptr) area_->undo();
+    }
+    void redo() override {
+        if (area_ != nullptr) area_->redo();
+    }
     void setModified(bool modified) override {
         if (area_ != nullptr) area_->setModified(modified);
     }
@@ -48,7 +59,15 @@ public:
         setFocusProxy(text_);
         text_->setObjectName(QStringLiteral("text"));
         bar_->hide();
-        connect(text_, &TextArea::edited, this, [this] { events_.changed(); });
+        connect(text_, &TextArea::edited, this, [this] {
+            say({});
+            events_.changed();
+        });
+        connect(text_, &TextArea::refused, this, [this](int limit) {
+            say(tr("No room: a text has at most %1 bytes").arg(QLocale().toString(limit)));
+        });
+        saying_.setSingleShot(true);
+        connect(&saying_, &QTimer::timeout, this, [this] { say({}); });
         connect(text_, &TextArea::moved, this, [this] { tellSoon(); });
         connect(text_, &TextArea::pressedTwice, this,
                 [this](QPoint at) { events_.doubleClicked(text_->mapTo(this, at)); });
@@ -68,6 +87,10 @@ public:
     void setTokens(std::string_view tokens) override { text_->setTokens(tokens); }
     void setFont(const Font& font) override { text_->setTextFont(font); }
     void setName(const QString& name) override { text_->setAccessibleName(name); }
+    void setStatus(const QString& text) override {
+        status_ = text;
+        tellSoon();
+    }
 
 protected:
     void resizeEvent(QResizeEvent*) override { layOut(); }
@@ -77,6 +100,17 @@ private:
         const int bar = bar_->isVisibleTo(this) ? bar_->sizeHint().height() : 0;
         text_->setGeometry(0, 0, width(), height() - bar);
         bar_->setGeometry(0, height() - bar, width(), bar);
+    }
+    // Stands in the status bar for a while, or until the next edit.
+    void say(const QString& message) {
+        constexpr int milliseconds = 8000;
+        if (message.isEmpty())
+            saying_.stop();
+        else
+            saying_.start(milliseconds);
+        if (message == message_) return;
+        message_ = message;
+        tellSoon();
     }
     // Once for all that a key does.
     void tellSoon() {
@@ -89,15 +123,19 @@ private:
         if (!bar_->isVisibleTo(this)) return;
         const auto place = text_->place();
         const QLocale locale;
-        bar_->setParts({tr("Line %1, column %2").arg(place.line).arg(place.column),
-                        text_->overwriting() ? tr("Overwrite") : tr("Insert"),
-                        text_->modified() ? tr("Modified") : QString(),
-                        tr("%1 bytes").arg(locale.toString(text_->length()))});
+        QStringList parts{tr("Line %1, column %2").arg(place.line).arg(place.column),
+                          text_->overwriting() ? tr("Overwrite") : tr("Insert"),
+                          text_->modified() ? tr("Modified") : QString()};
+        for (const QString& more : {status_, message_})
+            if (!more.isEmpty()) parts << more;
+        bar_->setParts(parts << tr("%1 bytes").arg(locale.toString(text_->length())));
     }
 
     EditEvents& events_;
     TextArea* text_;
     StatusBar* bar_;
+    QString status_, message_;
+    QTimer saying_;  // how long a message stands
     bool told_ = false;
 };
 

@@ -16,6 +16,7 @@
 #include <QDragEnterEvent>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -215,6 +216,54 @@ void TextArea::replaceSelection(std::string_view text) {
     changed_ = false;
 }
 
+void TextArea::replaceRange(int start, int length, std::string_view text) {
+    flush();
+    const int from = std::clamp(start - 1, 0, this->length());
+    const int to = std::clamp(from + std::max(length, 0), from, this->length());
+    const auto moved = [&, size = static_cast<int>(text.size())](long position) {
+        if (position <= from) return position;
+        return position >= to ? position - (to - from) + size : std::min<long>(position, from + size);
+    };
+    const long anchor = moved(send(SCI_GETANCHOR)), caret = moved(send(SCI_GETCURRENTPOS));
+    free_ = true;
+    send(SCI_SETREADONLY, 0);
+    send(SCI_BEGINUNDOACTION);
+    send(SCI_SETTARGETRANGE, from, to);
+    sendBytes(SCI_REPLACETARGET, static_cast<long>(text.size()), text.data());
+    send(SCI_ENDUNDOACTION);
+    send(SCI_SETANCHOR, anchor);
+    send(SCI_SETCURRENTPOS, caret);
+    send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
+    free_ = false;
+    tellReader();
+    changed_ = false;
+}
+
+bool TextArea::canUndo() const {
+    return (flags_ & READONLY) == 0 && send(SCI_CANUNDO) != 0;
+}
+
+bool TextArea::canRedo() const {
+    return (flags_ & READONLY) == 0 && send(SCI_CANREDO) != 0;
+}
+
+void TextArea::step(unsigned message) {
+    flush();
+    free_ = true;
+    send(message);
+    free_ = false;
+    tellReader();
+    changed_ = false;
+}
+
+void TextArea::undo() {
+    step(SCI_UNDO);
+}
+
+void TextArea::redo() {
+    step(SCI_REDO);
+}
+
 void TextArea::insert(std::string_view text) {
     const long start = send(SCI_GETSELECTIONSTART), end = send(SCI_GETSELECTIONEND);
     free_ = true;
@@ -236,14 +285,19 @@ void TextArea::insertTyped(std::string_view text) {
 bool TextArea::refuses(std::string_view text) {
     const long marked = send(SCI_GETSELECTIONEND) - send(SCI_GETSELECTIONSTART);
     if (limit_ == 0 || length() - marked + static_cast<long>(text.size()) <= limit_) return false;
-    QApplication::beep();
+    refuse();
     return true;
+}
+
+void TextArea::refuse() {
+    QApplication::beep();
+    emit refused(limit_);
 }
 
 void TextArea::checkInsertion(int bytes) {
     if (limit_ == 0 || free_ || setting_ || length() + bytes <= limit_) return;
     sendBytes(SCI_CHANGEINSERTION, 0, "");
-    QApplication::beep();
+    refuse();
 }
 
 bool TextArea::modified() const {
@@ -471,8 +525,18 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
         break;
     default: break;
     }
+    // Refused here and not by the control, which would take the empty insertion for a change.
+    const bool isText = !event->text().isEmpty() && event->text()[0].isPrint() &&
+                        (modifiers & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+    if (writable && isText && !overwriting() && refuses(event->text().toStdString())) return;
     QsciScintillaBase::keyPressEvent(event);
     if (event->key() == Qt::Key_Insert) emit moved();
+}
+
+void TextArea::inputMethodEvent(QInputMethodEvent* event) {
+    const QString text = event->commitString();
+    if ((flags_ & READONLY) != 0 || text.isEmpty() || !refuses(text.toStdString()))
+        QsciScintillaBase::inputMethodEvent(event);
 }
 
 // The control ends a pasted text at its first NUL.

@@ -27,6 +27,12 @@ public:
     [[nodiscard]] Selection selection() const;
     void select(int start, int length);            // scrolls it into view
     void replaceSelection(std::string_view text);  // one undo step; not reported
+    // One undo step, not reported; caret and selection stay with their text, nothing is scrolled.
+    void replaceRange(int start, int length, std::string_view text);
+    [[nodiscard]] bool canUndo() const;
+    [[nodiscard]] bool canRedo() const;
+    void undo();  // not reported
+    void redo();
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
 
@@ -44,12 +50,14 @@ public:
 signals:
     void edited();  // the user changed the text; after the change
     void moved();   // caret, modified mark, length or mode
+    void refused(int limit);  // an edit that had no room
     void pressedTwice(QPoint at);
 
 protected:
     bool event(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -73,6 +81,8 @@ private:
     void insert(std::string_view text);  // in the place of the selection, whatever the limit
     void insertTyped(std::string_view text);
     bool refuses(std::string_view text);  // true, with a beep: no room for it
+    void refuse();
+    void step(unsigned message);  // SCI_UNDO or SCI_REDO
     void checkInsertion(int bytes);       // of whatever the control itself puts in
     void newLine();
     bool pasteBytes();           // true: done with, put in or refused

@@ -14,7 +14,7 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
     ASSERT_FALSE(pages.empty());
     start();
     asked.clear();
-    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg"}) {
+    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg", "DifferenceDlg"}) {
         const Object dialog(name);
         Load(dialog);
         ASSERT_TRUE(IsLoaded(dialog)) << name;
@@ -22,6 +22,8 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
         EXPECT_NE(pages.find("id=\"" + topic + "\""), std::string::npos) << name << " " << topic;
         Unload(dialog);
     }
+    // What the restoring of a file shows is named after its caption up to the parentheses.
+    EXPECT_NE(pages.find("id=\"Edit_Undo\""), std::string::npos);
     // The browser closes when there is nothing to browse, so its caption is taken from the box that says so.
     Load(BrowseInfoDlg);
     ASSERT_EQ(asked.size(), 1U);

@@ -2,6 +2,7 @@
 //
 // The start, the main window's commands and the stop, on the object model.
 #include "ide/menus/filemenu.h"
+#include "ide/shell/undomenu.h"
 #include "support/ide_fixture.h"
 
 namespace tarn {
