@@ -46,6 +46,8 @@ enum class Property {
     MenuItems,
 };
 
+struct TextEdit;
+
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
 // in its place, so that a text stands once. All positions are 1-based byte positions.
 class TextStore {
@@ -57,6 +59,11 @@ public:
     [[nodiscard]] virtual Selection selection() const = 0;
     virtual void select(int start, int length) = 0;  // scrolls it into view
     virtual void replaceSelection(std::string_view text) = 0;
+    // All of them as one step; there is at least one, and they are sound (see operations/textedits.h).
+    virtual void replaceParts(const std::vector<TextEdit>& edits);
+    // Places that are shown as marked. A store whose control cannot show any keeps none.
+    virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
+    [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
 };

@@ -12,6 +12,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+namespace tarn::platform {
+struct TextEdit;
+}
 
 namespace tarn::platform::qt {
 
@@ -27,6 +32,10 @@ public:
     [[nodiscard]] Selection selection() const;
     void select(int start, int length);            // scrolls it into view
     void replaceSelection(std::string_view text);  // one undo step; not reported
+    void replaceParts(const std::vector<TextEdit>& edits);  // one undo step; not reported
+    // Marked places; they move with their text.
+    void setMarks(const std::vector<Selection>& places);
+    [[nodiscard]] std::vector<Selection> marks() const;
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
 
