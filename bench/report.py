@@ -64,7 +64,8 @@ def text(ns):
 def main():
     folder = sys.argv[1]
     all_ = {}
-    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench"):
+    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
+                 "search_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -123,6 +124,8 @@ def main():
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("loadAndUnload", None, None),
+        ("replaceAll", "replaceAllVim", 0.3), ("findIgnoringCase", "findByLibc", None),
+        ("findInFiles", "grepFiles", None),
     ]
     print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")
     for name, peer, budget in rows:

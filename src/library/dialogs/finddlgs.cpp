@@ -352,7 +352,7 @@ void goToLine(const Object& window, const std::string& entered) {
     const int start = startOfLine(GetText(window), line);
     if (start == 0) return;
     SetSelection(window, start, 0);
-    Show(window, false);
+    Show(window.owner(), false);
 }
 
 }  // namespace

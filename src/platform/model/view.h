@@ -46,7 +46,9 @@ enum class Property {
     MenuItems,
 };
 
+namespace types {
 struct TextEdit;
+}
 
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
 // in its place, so that a text stands once. All positions are 1-based byte positions.

@@ -13,10 +13,12 @@
 
 namespace tarn::platform {
 
+namespace types {
 struct TextEdit {
     int start = 1, length = 0;  // what goes
     std::string text;           // what comes in its place
 };
+}  // namespace types
 
 // Carries out all edits as one step of undo and sends one CHANGE_EVENT, as a user's edit does. Their places are those of
 // the text before, from its start to its end; one that begins before the end of another is left out, and one that

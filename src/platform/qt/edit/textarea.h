@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tarn::platform {
+namespace tarn::platform::types {
 struct TextEdit;
 }
 

@@ -14,7 +14,8 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
     ASSERT_FALSE(pages.empty());
     start();
     asked.clear();
-    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg"}) {
+    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg",
+                             "FindFilesDlg", "ReplaceFilesDlg", "ReplaceListDlg"}) {
         const Object dialog(name);
         Load(dialog);
         ASSERT_TRUE(IsLoaded(dialog)) << name;
@@ -22,6 +23,8 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
         EXPECT_NE(pages.find("id=\"" + topic + "\""), std::string::npos) << name << " " << topic;
         Unload(dialog);
     }
+    for (const char* topic : {"Edit-Find", "Edit-Replace", "View_Line"})
+        EXPECT_NE(pages.find("id=\"" + std::string(topic) + "\""), std::string::npos) << topic;
     // The browser closes when there is nothing to browse, so its caption is taken from the box that says so.
     Load(BrowseInfoDlg);
     ASSERT_EQ(asked.size(), 1U);
