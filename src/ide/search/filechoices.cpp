@@ -8,6 +8,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/dialogs/finddlgs.h"
+#include "library/settings/profstr.h"
 #include "os/files.h"
 
 #include <algorithm>
@@ -72,7 +73,11 @@ void OFFERFILECHOICES(const Object& dialog) {
     if (!word.empty()) SetText(in(dialog, "edit1"), word);
     SetSelection(in(dialog, "edit1"), 1, GetTextLength(in(dialog, "edit1")));
     STAMP();
-    if (textIn(dialog, "edit3").empty()) SetText(in(dialog, "edit3"), SourcePatterns);
+    if (!PROFILESTRKEYS(GETIDEINIFILE(), GetName(dialog)).empty()) return;
+    STAMP();
+    SetText(in(dialog, "edit3"), SourcePatterns);
+    SetValue(in(dialog, "radio1"), 1);
+    SetValue(in(dialog, "check4"), 1);
     STAMP();
 }
 
@@ -92,16 +97,19 @@ std::string FILECHOICEPROBLEM(const Object& dialog) {
     return SEARCHOF(choices)->problem();
 }
 
-bool CHOOSEFOLDER(const Object& dialog, const Object& button) {
+bool CHOOSEFOLDER(const Object& dialog, int event, const Object& control) {
     FRAME(CHOOSEFOLDER);
     STAMP();
-    if (GetName(button) != "pushbutton4") return false;
-    const std::string before = STRTRIM(textIn(dialog, "edit4"));
-    const std::string folder = OpenFolderDialog(GetCaption(dialog), before.empty() ? programFolder() : before);
+    const std::string name = GetName(control);
+    const bool entered = event == CHANGE_EVENT && name == "edit4";
+    if (!entered && (event != COMMAND_EVENT || name != "pushbutton4")) return false;
+    std::string folder = STRTRIM(textIn(dialog, "edit4"));
+    if (!entered) {
+        folder = OpenFolderDialog(GetCaption(dialog), folder.empty() ? programFolder() : folder);
+        if (!folder.empty()) SetText(in(dialog, "edit4"), folder);
+    }
     STAMP();
-    if (folder.empty()) return true;
-    SetText(in(dialog, "edit4"), folder);
-    SetValue(in(dialog, "radio3"), 1);
+    if (!folder.empty()) SetValue(in(dialog, "radio3"), 1);
     STAMP();
     return true;
 }

@@ -25,12 +25,12 @@ struct FileChoices {
 };
 
 FileChoices FILECHOICES(const Object& dialog);
-// Fills what has no kept value: the word at the cursor and the patterns of sources.
+// Offers the word at the cursor and, the first time, the sources in all folders of the program's.
 void OFFERFILECHOICES(const Object& dialog);
 // Why there is nothing to search for, or nowhere; empty if there is.
 std::string FILECHOICEPROBLEM(const Object& dialog);
-// Lets the user choose the folder; false for another control than that button.
-bool CHOOSEFOLDER(const Object& dialog, const Object& button);
+// Lets the user choose the folder, by the button or by entering it; false for any other event.
+bool CHOOSEFOLDER(const Object& dialog, int event, const Object& control);
 
 std::unique_ptr<TextSearch> SEARCHOF(const FileChoices& choices);
 // The text of a file as it is to be searched: that of the Code window, where the file stands there, changed.

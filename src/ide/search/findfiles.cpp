@@ -110,7 +110,7 @@ std::string FINDINFILES(const FileChoices& choices) {
 bool FINDFILESDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(FINDFILESDLG);
     STAMP();
-    const bool result = (event == COMMAND_EVENT && CHOOSEFOLDER(window, control)) ||
+    const bool result = CHOOSEFOLDER(window, event, control) ||
                         DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;

@@ -299,7 +299,7 @@ void tell(const ReplaceReport& report, const std::string& notes) {
 bool REPLACEFILESDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(REPLACEFILESDLG);
     STAMP();
-    const bool result = (event == COMMAND_EVENT && CHOOSEFOLDER(window, control)) ||
+    const bool result = CHOOSEFOLDER(window, event, control) ||
                         DIALOGSHAPEEVENT(choicesShape, window, event, control, parameter);
     STAMP();
     return result;

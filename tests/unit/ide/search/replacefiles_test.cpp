@@ -67,7 +67,7 @@ protected:
             ++changed;
             const auto backups = backupsOf(file);
             EXPECT_EQ(backups.size(), 1U) << when;
-            if (!backups.empty()) EXPECT_EQ(disk.contents(backups[0]), text) << when;
+            EXPECT_EQ(backups.empty() ? "" : disk.contents(backups[0]), text) << when;
         }
         for (const std::string& file : disk.allFiles())
             if (file.ends_with(".bak")) {

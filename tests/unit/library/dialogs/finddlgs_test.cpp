@@ -473,7 +473,7 @@ TEST_F(GoToLine, SelectsItsStart) {
     struct Case {
         const char *entered, *place;
     };
-    for (const Case& c : {Case{"1", "1+0"}, {"2", "5+0"}, {" 3 ", "7+0"}, {"4", "11+0"},
+    for (const Case& c : {Case{"1", "1+0"}, {"2", "5+0"}, {" 3 ", "8+0"}, {"4", "12+0"},
                           // no line of the text, or no number
                           {"5", "6+1"}, {"0", "6+1"}, {"-1", "6+1"}, {"x", "6+1"}, {"", "6+1"}, {"2x", "6+1"},
                           {"99999999999", "6+1"}, {" ", "6+1"}}) {

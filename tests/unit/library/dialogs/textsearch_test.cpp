@@ -120,7 +120,7 @@ private:
 
 TEST(FindSoak, AgreesWithTheModel) {
     Texts texts(1);
-    for (int round = 0; round < rounds(5000); ++round) {
+    for (int round = 0; round < rounds(100'000); ++round) {
         const std::string text = texts.text(60);
         std::string search = texts.text(5);
         if (texts.coin() && !text.empty()) search = text.substr(texts.below(text.size()), 1 + texts.below(4));
@@ -133,7 +133,7 @@ TEST(FindSoak, AgreesWithTheModel) {
 
 TEST(FindSoak, ReplacingAgreesWithTheModel) {
     Texts texts(2);
-    for (int round = 0; round < rounds(3000); ++round) {
+    for (int round = 0; round < rounds(100'000); ++round) {
         const std::string text = texts.text(40), with = texts.text(3);
         std::string old = texts.text(3);
         if (texts.coin() && !text.empty()) old = text.substr(texts.below(text.size()), 1 + texts.below(2));
