@@ -33,7 +33,7 @@ std::uint64_t digestOf(std::string_view bytes) {
     return digest ^ bytes.size();
 }
 
-std::optional<std::vector<platform::TextEdit>> changesOf(std::string_view text, TextSearch& search,
+std::optional<std::vector<TextEdit>> changesOf(std::string_view text, TextSearch& search,
                                                          const FileChoices& choices) {
     search.anew();
     return REPLACEMENTS(text, search, choices.with, 1, true, EDITWNDGETMAXLENGTH(SDIEdit));
@@ -45,14 +45,14 @@ std::size_t startOfLine(std::string_view text, std::size_t at) {
 }
 
 // The lines that change, those of edits that touch the same lines together.
-std::vector<LineChange> linesOf(std::string_view text, const std::vector<platform::TextEdit>& edits) {
+std::vector<LineChange> linesOf(std::string_view text, const std::vector<TextEdit>& edits) {
     std::vector<LineChange> lines;
     int line = 1;
     std::size_t counted = 0;  // line ends in front of this place are in `line`
     for (std::size_t n = 0; n < edits.size() && lines.size() < MostLines;) {
         const std::size_t from = startOfLine(text, static_cast<std::size_t>(edits[n].start) - 1);
         std::size_t end = from;
-        std::vector<platform::TextEdit> own;
+        std::vector<TextEdit> own;
         for (; n < edits.size() && (own.empty() || static_cast<std::size_t>(edits[n].start) - 1 <= end); ++n) {
             own.push_back(edits[n]);
             own.back().start -= static_cast<int>(from);
@@ -158,7 +158,9 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
         return "No backup could be made of it. " + told(saved);
     const os::SaveResult saved = os::saveFile(change.file, APPLIED(text, *edits));
     if (saved.ok()) return {};
-    if (!saved.inPlace) os::files().remove(backup);  // the file is as it was
+    // A failure may come behind the replacing, or half-way in place; a backup that the file equals is of no use.
+    if (std::string now; os::readFile(change.file, now) == os::FileError::None && now == text)
+        os::files().remove(backup);
     return told(saved);
 }
 

@@ -82,10 +82,10 @@ std::optional<char> lastCharacter(std::string_view text, const TextHit& hit, con
 
 }  // namespace
 
-std::optional<std::vector<platform::TextEdit>> REPLACEMENTS(std::string_view text, TextSearch& search,
+std::optional<std::vector<TextEdit>> REPLACEMENTS(std::string_view text, TextSearch& search,
                                                             const std::string& with, int from, bool all,
                                                             std::int64_t most) {
-    std::vector<platform::TextEdit> edits;
+    std::vector<TextEdit> edits;
     std::optional<char> before;
     auto size = static_cast<std::int64_t>(text.size());
     most = std::max(most, size);
@@ -102,10 +102,10 @@ std::optional<std::vector<platform::TextEdit>> REPLACEMENTS(std::string_view tex
     return edits;
 }
 
-std::string APPLIED(std::string_view text, const std::vector<platform::TextEdit>& edits) {
+std::string APPLIED(std::string_view text, const std::vector<TextEdit>& edits) {
     std::string out;
     std::size_t at = 0;
-    for (const platform::TextEdit& edit : edits) {
+    for (const TextEdit& edit : edits) {
         const auto start = static_cast<std::size_t>(edit.start) - 1;
         out.append(text.substr(at, start - at)).append(edit.text);
         at = start + static_cast<std::size_t>(edit.length);

@@ -5,7 +5,7 @@
 // letter, a digit or "_". These classes neither fail nor call out, so they have no frames.
 #pragma once
 
-#include "platform/operations/textedits.h"
+#include "kernel/windows/textedits.h"
 
 #include <cstdint>
 #include <optional>
@@ -57,10 +57,10 @@ bool ISWORDHIT(std::string_view text, const TextHit& hit, std::optional<char> be
 
 // What replaces the hits from `from` on, each looked for behind the replacement of the one before: all of them, or the
 // first. Nothing if the text would get longer than `most` bytes while it gets longer.
-std::optional<std::vector<platform::TextEdit>> REPLACEMENTS(std::string_view text, TextSearch& search,
+std::optional<std::vector<TextEdit>> REPLACEMENTS(std::string_view text, TextSearch& search,
                                                             const std::string& with, int from, bool all,
                                                             std::int64_t most);
 // The text with these edits done, which come in the order of their places.
-std::string APPLIED(std::string_view text, const std::vector<platform::TextEdit>& edits);
+std::string APPLIED(std::string_view text, const std::vector<TextEdit>& edits);
 
 }  // namespace tarn

@@ -38,7 +38,7 @@ TEST(Regex, FindsInAnyBytes) {
                           {".", "\xE4\xC3\xA4", "1+1 2+1 3+1 "},    // else bytes
                           {"\\xE4", "\xE4", "1+1 "},
                           {"[\xC3\xA4\xC3\xB6]", "o\xC3\xB6", "2+2 "},
-                          {"(*UTF)x", "\xFFx", "2+1 "},
+                          {"(*UTF)x", "\xFFx", ""},
                           {"(a)|b", "ba", "1+1 2+1 "},
                           {"(?=b)", "ab", ""},
                           {"a\\Kb", "ab", "2+1 "}})
@@ -69,7 +69,7 @@ TEST(Regex, TellsWhatIsWrongAndWhere) {
         const char *pattern, *problem;
     };
     for (const Case& c : {Case{"(", "The pattern is not valid at character 1:\nmissing closing parenthesis."},
-                          {"a**b[", "The pattern is not valid at character 5:\nmissing terminating ] for character class."},
+                          {"ab[", "The pattern is not valid at character 3:\nmissing terminating ] for character class."},
                           {"*", "The pattern is not valid at character 0:\nquantifier does not follow a repeatable item."}}) {
         RegexSearch search(c.pattern, false, true);
         EXPECT_EQ(search.problem(), c.problem);
@@ -110,10 +110,11 @@ double secondsFor(RegexSearch& search, const std::string& text) {
 // Each of them would need more time than there is: by steps back, or by walking over the same text again and again
 // without one.
 TEST(RegexTime, HostilePatternsEndWithAMessage) {
-    const std::string run(4'000'000, 'a');
+    const std::string run = std::string(4'000'000, 'a') + "!";
     for (const char* pattern :
-         {"(a+)+$b", "(a+)+\n", "(a|a)*b", "(a|aa)+$b", "(.*)*x", "(?:a*)*b", "a*+b", "(?>a*)b", "(?:(?=a*+b)|a)*c", "a*a*a*a*b",
-          "(?:a++)++b", "^(a?){25}a{25}b", "(a*)*\\1b", "((a+)|(b+))*+c", "(?R)?a*+b", "(?:.(?=.*+b))*c"}) {
+         {"(a+)+$", "(a+)+[bc]", "(a|a)*[bc]", "(a|aa)+[bc]", "(.*)*[xy]", "(?:a*)*[bc]", "a*+[bc]", "(?>a*)[bc]",
+          "(?:(?=a*+[bc])|a)*[cd]", "a*a*a*a*[bc]", "(?:a++)++[bc]", "(a?){25}a{25}[bc]", "(a*)*\\1[bc]",
+          "((a+)|(b+))*+[cd]", "(?R)?a*+[bc]", "(?:.(?=.*+[bc]))*[cd]", "(?:(?!a*+[bc])a)*+[cd]", "(a+)+b"}) {
         RegexSearch search(pattern, false, true);
         ASSERT_EQ(search.problem(), "") << pattern;
         const double seconds = secondsFor(search, run);
@@ -123,7 +124,7 @@ TEST(RegexTime, HostilePatternsEndWithAMessage) {
         }
         EXPECT_EQ(search.next(run, 1).start, 0);  // at once
     }
-    RegexSearch search("(a+)+$b", false, true);
+    RegexSearch search("(a+)+$", false, true);
     secondsFor(search, run);
     EXPECT_EQ(search.problem(), "The pattern needs too much time.");
     search.anew();
@@ -156,7 +157,7 @@ TEST(CountedHits, AreToldInWords) {
     const std::string many = count("a", std::string(4'000'000, 'a'));
     EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(2));
     EXPECT_TRUE(many.starts_with("More than ") || many == "4,000,000 hits") << many;
-    EXPECT_EQ(count("(a+)+$b", std::string(100'000, 'a'), true), "Too slow to count");
+    EXPECT_EQ(count("(a+)+$", std::string(100'000, 'a') + "!", true), "Too slow to count");
 }
 
 }  // namespace
