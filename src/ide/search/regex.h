@@ -20,7 +20,7 @@
 
 namespace tarn {
 
-inline constexpr std::int64_t UsualPatience = 2'000'000'000;  // nanoseconds for one search
+inline constexpr std::int64_t UsualPatience = 3'000'000'000;  // nanoseconds for one search
 
 class RegexSearch : public TextSearch {
 public:

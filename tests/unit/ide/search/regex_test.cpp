@@ -101,6 +101,8 @@ TEST(Regex, PutsGroupsIn) {
 
 // ---- time ----
 
+constexpr std::int64_t Patience = 200'000'000;  // nanoseconds
+
 double secondsFor(RegexSearch& search, const std::string& text) {
     const auto began = std::chrono::steady_clock::now();
     EXPECT_EQ(search.next(text, 1).start, 0);
@@ -115,16 +117,15 @@ TEST(RegexTime, HostilePatternsEndWithAMessage) {
          {"(a+)+$", "(a+)+[bc]", "(a|a)*[bc]", "(a|aa)+[bc]", "(.*)*[xy]", "(?:a*)*[bc]", "a*+[bc]", "(?>a*)[bc]",
           "(?:(?=a*+[bc])|a)*[cd]", "a*a*a*a*[bc]", "(?:a++)++[bc]", "(a?){25}a{25}[bc]", "(a*)*\\1[bc]",
           "((a+)|(b+))*+[cd]", "(?R)?a*+[bc]", "(?:.(?=.*+[bc]))*[cd]", "(?:(?!a*+[bc])a)*+[cd]", "(a+)+b"}) {
-        RegexSearch search(pattern, false, true);
+        RegexSearch search(pattern, false, true, Patience);
         ASSERT_EQ(search.problem(), "") << pattern;
-        const double seconds = secondsFor(search, run);
-        EXPECT_LT(seconds, 10) << pattern;  // two, and what the machine does beside it
+        EXPECT_LT(secondsFor(search, run), 5) << pattern;  // the limit, and what the machine does beside it
         if (!search.problem().empty()) {
             EXPECT_EQ(search.problem(), "The pattern needs too much time.") << pattern;
         }
         EXPECT_EQ(search.next(run, 1).start, 0);  // at once
     }
-    RegexSearch search("(a+)+$", false, true);
+    RegexSearch search("(a+)+$", false, true, Patience);
     secondsFor(search, run);
     EXPECT_EQ(search.problem(), "The pattern needs too much time.");
     search.anew();
@@ -157,7 +158,8 @@ TEST(CountedHits, AreToldInWords) {
     const std::string many = count("a", std::string(4'000'000, 'a'));
     EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(2));
     EXPECT_TRUE(many.starts_with("More than ") || many == "4,000,000 hits") << many;
-    EXPECT_EQ(count("(a+)+$", std::string(100'000, 'a') + "!", true), "Too slow to count");
+    RegexSearch slow("(a+)+$", false, true, Patience);
+    EXPECT_EQ(COUNTHITS(std::string(100'000, 'a') + "!", slow), "Too slow to count");
 }
 
 }  // namespace
