@@ -64,7 +64,8 @@ def text(ns):
 def main():
     folder = sys.argv[1]
     all_ = {}
-    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench"):
+    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
+                 "search_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -125,6 +126,8 @@ def main():
         *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),
         ("menuRefreshFresh/50", None, 2e6), ("menuRefreshFresh/10000", None, None),
         ("loadAndUnload", None, None),
+        ("replaceAll", "replaceAllVim", 0.3), ("findIgnoringCase", "findByLibc", None),
+        ("findInFiles", "grepFiles", None),
     ]
     print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")
     for name, peer, budget in rows:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The edit window by itself: its library, without a model behind it.
+#include "platform/operations/textedits.h"
 #include "platform/qt/controls/editarea.h"
 #include "support/places.h"
 
@@ -272,6 +273,101 @@ TEST_F(EditTest, WhatHasNoRoomIsToldInTheStatusBarUntilTheNextEdit) {
     EXPECT_FALSE(said().contains(QStringLiteral("No room"))) << said().toStdString();
     store->replaceSelection("longer than the limit");
     EXPECT_EQ(store->length(), 23) << "the program is not limited";
+double luminance(const QColor& colour) {
+    const auto linear = [](float part) {
+        return part <= 0.03928F ? part / 12.92 : std::pow((static_cast<double>(part) + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+// Of the two colours that fill most of the picture.
+double contrastOf(const QImage& picture) {
+    std::map<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
+    std::vector<std::pair<int, QRgb>> most;
+    for (const auto& [colour, count] : counts) most.emplace_back(count, colour);
+    std::sort(most.rbegin(), most.rend());
+    if (most.size() < 2) return 0;
+    const double a = luminance(QColor(most[0].second)), b = luminance(QColor(most[1].second));
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+QPalette paletteOf(const QColor& paper, const QColor& ink, const QColor& mark, const QColor& marked) {
+    QPalette palette(ink, paper, paper, paper, paper, ink, ink, paper, paper);
+    palette.setColor(QPalette::Highlight, mark);
+    palette.setColor(QPalette::HighlightedText, marked);
+    return palette;
+}
+
+TEST_F(EditTest, ReplacingManyPlacesIsOneUndoStepAndNotReported) {
+    std::string text, wanted;
+    std::vector<TextEdit> edits;
+    for (int i = 0; i < 1000; ++i) {
+        edits.push_back({static_cast<int>(text.size()) + 3, 2, i % 3 == 0 ? "" : "new\n\0\xFF"s});
+        text += "x old\r\n\xC3";
+        wanted += "x " + edits.back().text + "d\r\n\xC3";
+    }
+    store->setText(text);
+    type(QStringLiteral("t"));
+    QApplication::processEvents();
+    changes = 0;
+    for (TextEdit& edit : edits) ++edit.start;
+    store->replaceParts(edits);
+    EXPECT_EQ(store->text(), "t" + wanted);
+    EXPECT_EQ(store->selection().length, 0);
+    EXPECT_EQ(store->selection().start, static_cast<int>(1 + wanted.size() - 4 + 1));
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    ask(2176);
+    EXPECT_EQ(store->text(), "t" + text);
+    ask(2176);
+    EXPECT_EQ(store->text(), text);
+    EXPECT_FALSE(store->modified());
+    ask(2011);
+    ask(2011);
+    EXPECT_EQ(store->text(), "t" + wanted);
+}
+
+std::string placesOf(const std::vector<Selection>& marks) {
+    std::string places;
+    for (const Selection& mark : marks) places += std::to_string(mark.start) + "+" + std::to_string(mark.length) + " ";
+    return places;
+}
+
+TEST_F(EditTest, MarksStayWithTheirText) {
+    store->setText("one two one");
+    EXPECT_TRUE(store->marks().empty());
+    store->setMarks({{1, 3}, {9, 3}, {50, 2}});
+    EXPECT_EQ(placesOf(store->marks()), "1+3 9+3 ");
+    caret(5);
+    type(QStringLiteral("xx"));
+    EXPECT_EQ(placesOf(store->marks()), "1+3 11+3 ");
+    store->setMarks({{5, 2}});
+    EXPECT_EQ(placesOf(store->marks()), "5+2 ");
+    EXPECT_EQ(store->text(), "one xxtwo one");
+    store->setMarks({});
+    EXPECT_TRUE(store->marks().empty());
+    store->setMarks({{1, 3}});
+    store->setText("one");
+    EXPECT_TRUE(store->marks().empty());
+}
+
+TEST_F(EditTest, MarkedHitsReadWellInEveryPalette) {
+    const QPalette before = QApplication::palette();
+    std::string blocks;
+    for (int i = 0; i < 30; ++i) blocks += "\u2588 ";
+    for (const QPalette& palette : {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
+                                    paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
+        QApplication::setPalette(palette);
+        store->setText(blocks + "\n");
+        store->setMarks({{1, store->length() - 1}});
+        caret(store->length() + 1);
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+        EXPECT_GE(contrastOf(area->textWidget()->grab(QRect(20, 5, 250, 5)).toImage()), 4.5);
+    }
+    QApplication::setPalette(before);
 }
 
 TEST_F(EditTest, SettingATextIsNoChangeAndCannotBeUndone) {
@@ -407,34 +503,6 @@ TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
 }
 
 // ---- what is marked ----
-
-double luminance(const QColor& colour) {
-    const auto linear = [](float part) {
-        return part <= 0.03928F ? part / 12.92 : std::pow((static_cast<double>(part) + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-// Of the two colours that fill most of the picture.
-double contrastOf(const QImage& picture) {
-    std::map<QRgb, int> counts;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
-    std::vector<std::pair<int, QRgb>> most;
-    for (const auto& [colour, count] : counts) most.emplace_back(count, colour);
-    std::sort(most.rbegin(), most.rend());
-    if (most.size() < 2) return 0;
-    const double a = luminance(QColor(most[0].second)), b = luminance(QColor(most[1].second));
-    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
-}
-
-QPalette paletteOf(const QColor& paper, const QColor& ink, const QColor& mark, const QColor& marked) {
-    QPalette palette(ink, paper, paper, paper, paper, ink, ink, paper, paper);
-    palette.setColor(QPalette::Highlight, mark);
-    palette.setColor(QPalette::HighlightedText, marked);
-    return palette;
-}
 
 TEST_F(EditTest, AMarkedCommentReadsWellInEveryPalette) {
     const QPalette before = QApplication::palette();

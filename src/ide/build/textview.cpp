@@ -57,6 +57,7 @@ void jumpToSource(const Object& window) {
 }
 
 void helpOnError(const Object& window) {
+    if (GetCaption(window) == FoundTitle) return SHOWWINDOWHELP(window);
     const Message message = messageAtCursor(window);
     if (message.number == 0)
         return MSGBOX("View Errors", "Cannot get help for the error.\nThe error number cannot be found.");
@@ -110,22 +111,36 @@ bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
     return result;
 }
 
-void VIEWDIALOG(const std::string& title, const std::string& file, const std::string& fontName,
-                int fontSize) {
-    FRAME(VIEWDIALOG);
-    STAMP();
+namespace {
+
+void showText(const std::string& title, const std::string& text, const std::string& fontName, int fontSize) {
     if (!IsLoaded(ViewDlg)) Load(ViewDlg);
-    std::string text;
-    STAMP();
-    if (FileSize(file) >= 0) LOADFILE(file, text);
-    STAMP();
     SetCaption(ViewDlg, title);
     SetFontName(ViewDlg, fontName);
     SetFontSize(ViewDlg, fontSize);
     SetText(ViewDlg, text);
-    STAMP();
     SetSelection(ViewDlg, 1, 0);
     Show(ViewDlg, false);
+}
+
+}  // namespace
+
+void VIEWDIALOG(const std::string& title, const std::string& file, const std::string& fontName,
+                int fontSize) {
+    FRAME(VIEWDIALOG);
+    std::string text;
+    STAMP();
+    if (FileSize(file) >= 0) LOADFILE(file, text);
+    STAMP();
+    showText(title, text, fontName, fontSize);
+    STAMP();
+}
+
+void VIEWTEXT(const std::string& title, const std::string& text) {
+    FRAME(VIEWTEXT);
+    STAMP();
+    showText(title, text, GetFontName(SDIEdit), GetFontSize(SDIEdit));
+    STAMP();
 }
 
 }  // namespace tarn

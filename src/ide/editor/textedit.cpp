@@ -11,6 +11,7 @@
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
@@ -473,17 +474,6 @@ void EDITWNDSELECTLINE(const Object& window, int line) {
     if (span.start == 0) return Sound();
     STAMP();
     markLine(window, span);
-}
-
-std::string GETWORDATCURSOR(const Object& window) {
-    FRAME(GETWORDATCURSOR);
-    STAMP();
-    const std::string text = GetText(window);
-    std::size_t start = std::min(static_cast<std::size_t>(GetSelection(window).start) - 1, text.size());
-    std::size_t end = start;
-    while (start > 0 && ascii::isSymbol(text[start - 1])) start--;
-    while (end < text.size() && ascii::isSymbol(text[end])) end++;
-    return text.substr(start, end - start);
 }
 
 void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow) {

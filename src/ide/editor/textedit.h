@@ -46,7 +46,6 @@ void EDITWNDSELECTLINE(const Object& window, int line);
 void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow);
 void DRAWMODIFYINDICATOR(const Object& window);
 void INITFILE(const Object& window);
-std::string GETWORDATCURSOR(const Object& window);
 
 // A file that cannot be read or written is told in a box; the text stays where it was and the program goes on.
 void TEXTEDIT_ONERROR(std::int32_t code);

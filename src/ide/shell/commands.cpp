@@ -2,6 +2,7 @@
 #include "ide/shell/commands.h"
 
 #include "ide/menus/editmenu.h"
+#include "ide/menus/editsearch.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/helpmenu.h"
 #include "ide/menus/runmenu.h"
@@ -92,11 +93,14 @@ constexpr Row rows[] = {
     {"edit_comment_block", "", nullptr},
     {"edit_uncomment_block", "", nullptr},
     {"edit_insert_file", "", nullptr},
-    {"edit_find", "btnedit_find", nullptr},
-    {"edit_find_next", "", nullptr},
-    {"edit_replace", "btnedit_replace", nullptr},
+    {"edit_find", "btnedit_find", [](const Fired&) { DO_FIND(); }},
+    {"edit_find_next", "", [](const Fired&) { DO_FIND_NEXT(); }},
+    {"edit_replace", "btnedit_replace", [](const Fired&) { DO_REPLACE(); }},
+    {"edit_find_marks", "", [](const Fired&) { DO_FIND_MARKS(); }},
+    {"edit_find_files", "", [](const Fired&) { DO_FIND_FILES(); }},
+    {"edit_replace_files", "", [](const Fired&) { DO_REPLACE_FILES(); }},
     {"edit_properties", "", nullptr},
-    {"view_line", "", nullptr},
+    {"view_line", "", [](const Fired&) { DO_LINE(); }},
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},
     {"view_browse_info", "", [](const Fired&) { DO_BROWSE_INFO(); }},
     {"view_errors", "", [](const Fired&) { DO_ERRORS(); }},

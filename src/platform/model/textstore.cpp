@@ -22,6 +22,7 @@ public:
         done_ = 0;
         saved_ = 0;
         forced_ = false;
+        marks_.clear();
     }
     int length() const override { return static_cast<int>(text_.size()); }
     Selection selection() const override { return selection_; }
@@ -50,6 +51,8 @@ public:
         const Step& step = steps_[done_++];
         put(step.start, step.removed.size(), step.added);
     }
+    void setMarks(const std::vector<Selection>& places) override { marks_ = places; }
+    std::vector<Selection> marks() const override { return marks_; }
     bool modified() const override { return forced_ || !saved_ || *saved_ != done_; }
     void setModified(bool modified) override {
         forced_ = modified;
@@ -79,14 +82,26 @@ private:
         if (saved_ && *saved_ > done_) saved_.reset();
         steps_.push_back({from, text_.substr(from, count), std::string(text)});
         ++done_;
-        text_.replace(from, count, text);
+        replace(from, count, text);
     }
     void put(std::size_t start, std::size_t count, const std::string& text) {
-        text_.replace(start, count, text);
+        replace(start, count, text);
         selection_ = {static_cast<int>(start + text.size()) + 1, 0};
     }
 
+    // What stands behind the range moves with it; a mark of which a part goes is gone.
+    void replace(std::size_t from, std::size_t count, std::string_view text) {
+        const int start = static_cast<int>(from) + 1, end = start + static_cast<int>(count);
+        std::erase_if(marks_, [&](const Selection& mark) {
+            return mark.start < end && mark.start + mark.length > start;
+        });
+        for (Selection& mark : marks_)
+            if (mark.start >= end) mark.start += static_cast<int>(text.size()) - static_cast<int>(count);
+        text_.replace(from, count, text);
+    }
+
     std::string text_;
+    std::vector<Selection> marks_;
     Selection selection_;
     std::vector<Step> steps_;
     std::size_t done_ = 0;                   // how many of them are done and not undone

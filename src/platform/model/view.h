@@ -47,6 +47,10 @@ enum class Property {
     MenuItems,
 };
 
+namespace types {
+struct TextEdit;
+}
+
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
 // in its place, so that a text stands once. All positions are 1-based byte positions.
 class TextStore {
@@ -65,6 +69,11 @@ public:
     [[nodiscard]] virtual bool canRedo() const { return false; }
     virtual void undo() {}
     virtual void redo() {}
+    // All of them as one step; there is at least one, and they are sound (see operations/textedits.h).
+    virtual void replaceParts(const std::vector<TextEdit>& edits);
+    // Places that are shown as marked. A store whose control cannot show any keeps none.
+    virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
+    [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The edit window as the view sees it: text and status bar in one widget, and the store over the text.
+#include "platform/operations/textedits.h"
 #include "platform/qt/controls/editarea.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
@@ -31,6 +32,15 @@ public:
     }
     void replaceSelection(std::string_view text) override {
         if (area_ != nullptr) area_->replaceSelection(text);
+    }
+    void replaceParts(const std::vector<TextEdit>& edits) override {
+        if (area_ != nullptr) area_->replaceParts(edits);
+    }
+    void setMarks(const std::vector<Selection>& places) override {
+        if (area_ != nullptr) area_->setMarks(places);
+    }
+    std::vector<Selection> marks() const override {
+        return area_ != nullptr ? area_->marks() : std::vector<Selection>();
     }
     bool modified() const override { return area_ != nullptr && area_->modified(); }
     void replaceRange(int start, int length, std::string_view text) override {

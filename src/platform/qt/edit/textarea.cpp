@@ -6,9 +6,11 @@
 //   the user         lines and blocks by keys, paste, context menu, drag and drop
 #include "platform/qt/edit/textarea.h"
 
+#include "platform/operations/textedits.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -32,10 +34,13 @@ namespace {
 
 constexpr char BytesType[] = "application/x-tarnwick-bytes";
 constexpr int TabWidth = 4;
+constexpr long MarkIndicator = 8;  // the first that is not the control's own
 constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
 constexpr int Gap = 6;           // pixels between number bar and text
 constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
 constexpr int Piece = 65536;     // bytes coloured at a time
+
+const QColor MarkColour(240, 150, 0);
 
 // Columns stand below each other whatever the desktop's fonts are: its fixed one, unless that is none.
 QString fixedFamily() {
@@ -278,6 +283,58 @@ void TextArea::insert(std::string_view text) {
     free_ = false;
 }
 
+// Each place is changed by itself, so that what stands between them is not moved and undo keeps the changes alone. The
+// control's notes of them are of use to a screen reader only, and cost more than the changes.
+void TextArea::replaceParts(const std::vector<TextEdit>& edits) {
+    flush();
+    free_ = true;
+    const long mask = send(SCI_GETMODEVENTMASK);
+    if (!QAccessible::isActive()) send(SCI_SETMODEVENTMASK, 0);
+    send(SCI_SETREADONLY, 0);
+    send(SCI_BEGINUNDOACTION);
+    long shift = -1;  // of a 1-based place in the text as it is now
+    long end = 0;
+    for (const TextEdit& edit : edits) {
+        const long start = edit.start + shift;
+        send(SCI_SETTARGETRANGE, start, start + edit.length);
+        sendBytes(SCI_REPLACETARGET, static_cast<long>(edit.text.size()), edit.text.data());
+        end = start + static_cast<long>(edit.text.size());
+        shift += static_cast<long>(edit.text.size()) - edit.length;
+    }
+    send(SCI_ENDUNDOACTION);
+    send(SCI_SETMODEVENTMASK, mask);
+    send(SCI_SETEMPTYSELECTION, end);
+    send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
+    send(SCI_SCROLLCARET);
+    free_ = false;
+    changed_ = false;
+    applyNumberBar();
+    emit moved();
+}
+
+void TextArea::setMarks(const std::vector<Selection>& places) {
+    send(SCI_SETINDICATORCURRENT, MarkIndicator);
+    send(SCI_INDICATORCLEARRANGE, 0, length());
+    const int size = length();
+    for (const Selection& place : places) {
+        const int from = std::clamp(place.start - 1, 0, size);
+        send(SCI_INDICATORFILLRANGE, from, std::clamp(place.length, 0, size - from));
+    }
+}
+
+// Places that touch each other are one.
+std::vector<Selection> TextArea::marks() const {
+    std::vector<Selection> places;
+    const int size = length();
+    for (int at = 0; at < size;) {
+        const int end = static_cast<int>(send(SCI_INDICATOREND, MarkIndicator, at));
+        if (end <= at) break;  // there are no marks at all
+        if (send(SCI_INDICATORVALUEAT, MarkIndicator, at) != 0) places.push_back({at + 1, end - at});
+        at = end;
+    }
+    return places;
+}
+
 void TextArea::insertTyped(std::string_view text) {
     if (!refuses(text)) insert(text);
 }
@@ -409,6 +466,12 @@ void TextArea::applyColours() {
     SendScintilla(SCI_SETSELBACK, 1UL,
                   readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk));
     send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
+    // Under the text, and as faint as the text needs to stay readable on it.
+    send(SCI_INDICSETSTYLE, MarkIndicator, INDIC_STRAIGHTBOX);
+    send(SCI_INDICSETUNDER, MarkIndicator, 1);
+    send(SCI_INDICSETALPHA, MarkIndicator, 80);
+    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 200);
+    SendScintilla(SCI_INDICSETFORE, static_cast<unsigned long>(MarkIndicator), MarkColour);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }
 

@@ -12,6 +12,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+namespace tarn::platform::types {
+struct TextEdit;
+}
 
 namespace tarn::platform::qt {
 
@@ -33,6 +38,10 @@ public:
     [[nodiscard]] bool canRedo() const;
     void undo();  // not reported
     void redo();
+    void replaceParts(const std::vector<TextEdit>& edits);  // one undo step; not reported
+    // Marked places; they move with their text.
+    void setMarks(const std::vector<Selection>& places);
+    [[nodiscard]] std::vector<Selection> marks() const;
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
 

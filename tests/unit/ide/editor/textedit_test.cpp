@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "library/dialogs/finddlgs.h"
 #include "support/ide_fixture.h"
 
 namespace tarn {

@@ -14,7 +14,8 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
     ASSERT_FALSE(pages.empty());
     start();
     asked.clear();
-    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg", "DifferenceDlg"}) {
+    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg",
+                             "DifferenceDlg", "FindFilesDlg", "ReplaceFilesDlg", "ReplaceListDlg"}) {
         const Object dialog(name);
         Load(dialog);
         ASSERT_TRUE(IsLoaded(dialog)) << name;
@@ -24,6 +25,8 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
     }
     // What the restoring of a file shows is named after its caption up to the parentheses.
     EXPECT_NE(pages.find("id=\"Edit_Undo\""), std::string::npos);
+    for (const char* topic : {"Edit-Find", "Edit-Replace", "View_Line"})
+        EXPECT_NE(pages.find("id=\"" + std::string(topic) + "\""), std::string::npos) << topic;
     // The browser closes when there is nothing to browse, so its caption is taken from the box that says so.
     Load(BrowseInfoDlg);
     ASSERT_EQ(asked.size(), 1U);
