@@ -36,6 +36,7 @@ enum class Property {
     Visible,
     Flags,
     Picture,
+    Hint,
     Rows,
     ListIndex,
     Position,
@@ -74,6 +75,7 @@ struct Question {
     std::string filter;
     BoxIcon icon = BoxIcon::None;
     int defaultButton = 1;
+    bool fixedWidth = false;  // Font: an empty name stands for the desktop's font of edit windows
 };
 
 class View {

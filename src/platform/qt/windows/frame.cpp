@@ -316,6 +316,10 @@ void Frame::applyTo(Control& control, Property property) {
     case Property::Position: placeControl(control); break;
     case Property::Font: applyFont(widget, control.font, window_->font); break;
     case Property::Colour: applyColours(control); break;
+    case Property::Hint:
+        widget.setToolTip(shown(control.hint));
+        nameControls();
+        break;
     default: break;
     }
     peer->apply(property);
