@@ -16,9 +16,9 @@ constexpr int NoColour = -1, MostColour = 0xFFFFFF;
 enum Style : int { Normal, Bold, Italic };  // in the order of the radio buttons
 
 // In the order of BasicColours.
-constexpr std::string_view names[] = {"Black",      "Dark blue",    "Dark green",  "Dark cyan",
-                                      "Dark red",   "Dark magenta", "Dark yellow", "Dark grey",
-                                      "Light grey", "Light blue",   "Light green", "Light cyan",
+constexpr std::string_view names[] = {"Black",      "Dark blue",     "Dark green",   "Dark cyan",
+                                      "Dark red",   "Dark magenta",  "Dark yellow",  "Dark grey",
+                                      "Light grey", "Light blue",    "Light green",  "Light cyan",
                                       "Light red",  "Light magenta", "Light yellow", "White"};
 static_assert(std::size(names) == BasicColours.size());
 
@@ -102,8 +102,8 @@ std::string HILITEVALUESTOSTR(const Object& list, const Object& radio) {
     return hexText(choice.colour) + std::string(styles[choice.style]);
 }
 
-void LOADHILITEVALUES(const std::string& file, std::string_view section, std::string_view key, const Object& list,
-                      const Object& radio, const Object& label) {
+void LOADHILITEVALUES(const std::string& file, std::string_view section, std::string_view key,
+                      const Object& list, const Object& radio, const Object& label) {
     FRAME(LOADHILITEVALUES);
     STAMP();
     const std::string setting = PROFILESTRGET(file, section, key);
@@ -121,8 +121,8 @@ bool HILITEVALUESCHANGED(const Object& list, const Object& radio, const Object& 
     return choiceIn(list, radio) != choiceFromText(GetCaption(label));
 }
 
-void SAVEHILITEVALUES(const std::string& file, std::string_view section, std::string_view key, const Object& list,
-                      const Object& radio) {
+void SAVEHILITEVALUES(const std::string& file, std::string_view section, std::string_view key,
+                      const Object& list, const Object& radio) {
     FRAME(SAVEHILITEVALUES);
     STAMP();
     PROFILESTRPUT(file, section, key, HILITEVALUESTOSTR(list, radio));

@@ -20,11 +20,11 @@ void ADDCOLORITEMS(const Object& list);
 // What the controls say, as a setting; "0" while no colour is selected.
 std::string HILITEVALUESTOSTR(const Object& list, const Object& radio);
 // Shows a setting, and keeps its text as the caption of `label`. A key that is absent selects no colour.
-void LOADHILITEVALUES(const std::string& file, std::string_view section, std::string_view key, const Object& list,
-                      const Object& radio, const Object& label);
+void LOADHILITEVALUES(const std::string& file, std::string_view section, std::string_view key,
+                      const Object& list, const Object& radio, const Object& label);
 // Whether the controls say another colour or style than the text in `label`.
 bool HILITEVALUESCHANGED(const Object& list, const Object& radio, const Object& label);
-void SAVEHILITEVALUES(const std::string& file, std::string_view section, std::string_view key, const Object& list,
-                      const Object& radio);
+void SAVEHILITEVALUES(const std::string& file, std::string_view section, std::string_view key,
+                      const Object& list, const Object& radio);
 
 }  // namespace tarn

@@ -77,7 +77,8 @@ void load(const Object& window) {
 }
 
 std::string problem(const Object& window) {
-    return DLGCHECKINTFIELD(in(window, "symbols"), "Maximum symbols (MAX_SYMBOLS)", LeastSymbols, MostSymbols);
+    return DLGCHECKINTFIELD(in(window, "symbols"), "Maximum symbols (MAX_SYMBOLS)", LeastSymbols,
+                            MostSymbols);
 }
 
 void save(const Object& window) {

@@ -41,7 +41,8 @@ bool isOn(const Object& window, std::string_view control) {
 }
 
 void enableColours(const Object& window) {
-    SETENABLEDRANGE(window, in(window, "rbkeywords1"), in(window, "lstfuturekeywords"), isOn(window, "hiliteon"));
+    SETENABLEDRANGE(window, in(window, "rbkeywords1"), in(window, "lstfuturekeywords"),
+                    isOn(window, "hiliteon"));
 }
 
 void load(const Object& window) {
@@ -50,7 +51,8 @@ void load(const Object& window) {
     for (const auto& kind : kinds) {
         const Object list = in(window, kind.list);
         ADDCOLORITEMS(list);
-        LOADHILITEVALUES(GETIDEINIFILE(), section, kind.key, list, in(window, kind.radio), in(window, kind.label));
+        LOADHILITEVALUES(GETIDEINIFILE(), section, kind.key, list, in(window, kind.radio),
+                         in(window, kind.label));
     }
     enableColours(window);
     SetEnabled(in(window, "btnautobackupdelete"), HASBACKUPS());

@@ -25,7 +25,8 @@ Object in(const Object& window, std::string_view control) {
 // The selected command; null if there is none.
 CommandKeys* selected(const Object& window) {
     const int row = GetListIndex(in(window, "iconlist1"));
-    return row > 0 && row <= static_cast<int>(chosen.size()) ? &chosen[static_cast<std::size_t>(row - 1)] : nullptr;
+    return row > 0 && row <= static_cast<int>(chosen.size()) ? &chosen[static_cast<std::size_t>(row - 1)]
+                                                             : nullptr;
 }
 
 std::string rowOf(const CommandKeys& command) {
@@ -39,7 +40,8 @@ void refreshRow(const Object& window, const CommandKeys& command) {
 // The command of another window that has the keys too; null if none has.
 const CommandKeys* elsewhere(const CommandKeys& command, const std::string& keys) {
     for (const CommandKeys& other : chosen)
-        if (!keys.empty() && other.keys == keys && other.item.window() != command.item.window()) return &other;
+        if (!keys.empty() && other.keys == keys && other.item.window() != command.item.window())
+            return &other;
     return nullptr;
 }
 
@@ -79,10 +81,10 @@ void give(const Object& window, CommandKeys& command, const std::string& keys) {
 bool freeKeys(const Object& window, const CommandKeys& command, const std::string& keys) {
     const CommandKeys* other = COMMANDWITHKEYS(chosen, command.item, keys);
     if (other == nullptr) return true;
-    const std::string answer =
-        MsgBox(GetCaption(window),
-               keys + " is used by " + other->title + ".\nDo you want " + command.title + " to have it instead?",
-               "&Yes\n&No", BoxIcon::Question);
+    const std::string answer = MsgBox(GetCaption(window),
+                                      keys + " is used by " + other->title + ".\nDo you want " +
+                                          command.title + " to have it instead?",
+                                      "&Yes\n&No", BoxIcon::Question);
     if (answer != "&Yes") return false;
     CommandKeys& loser = chosen[static_cast<std::size_t>(other - chosen.data())];
     loser.keys.clear();
@@ -103,7 +105,8 @@ void remove(const Object& window) {
 
 void restore(const Object& window) {
     CommandKeys* command = selected(window);
-    if (command != nullptr && freeKeys(window, *command, command->usual)) give(window, *command, command->usual);
+    if (command != nullptr && freeKeys(window, *command, command->usual))
+        give(window, *command, command->usual);
 }
 
 void restoreAll(const Object& window) {
@@ -126,9 +129,8 @@ void load(const Object& window) {
     bringUpToDate(window);
 }
 
-constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP, .load = load, .accept = [](const Object&) {
-                                SAVESHORTCUTS(chosen);
-                            }};
+constexpr DialogShape shape{
+    .showHelp = SHOWWINDOWHELP, .load = load, .accept = [](const Object&) { SAVESHORTCUTS(chosen); }};
 const RegisteredWindow registered("KeysOptionsDlg", KEYSOPTIONSDLG);
 
 constexpr struct {

@@ -146,7 +146,8 @@ bool CHECKPATHS(const std::string& title, const std::string& paths) {
     if (bad.empty()) return true;
     Sound();
     return MsgBox(title,
-                  "The following path(s) are too long or do not exist:\n" + indented(LIMITLINES(bad, MostShown)) +
+                  "The following path(s) are too long or do not exist:\n" +
+                      indented(LIMITLINES(bad, MostShown)) +
                       "Do you want to save them anyway (OK), or go back and fix them (Cancel)?",
                   "OK\nCancel", BoxIcon::Warning) == "OK";
 }

@@ -89,7 +89,6 @@ void addCommands(const Object& window, std::vector<CommandKeys>& commands) {
     }
 }
 
-
 // ---- the settings ----
 
 // What the settings give a command; false if they say nothing that can be used.
@@ -160,7 +159,8 @@ const CommandKeys* COMMANDWITHKEYS(const std::vector<CommandKeys>& commands, con
                                    std::string_view keys) {
     FRAME(COMMANDWITHKEYS);
     for (const CommandKeys& command : commands)
-        if (!keys.empty() && command.keys == keys && command.item != of && command.item.window() == of.window())
+        if (!keys.empty() && command.keys == keys && command.item != of &&
+            command.item.window() == of.window())
             return &command;
     return nullptr;
 }

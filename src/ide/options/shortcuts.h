@@ -28,7 +28,8 @@ std::vector<CommandKeys> COMMANDKEYS();
 // Why no command can have the keys; empty if one can.
 std::string SHORTCUTFAULT(std::string_view keys);
 // The one of `commands` in the window of `of`, other than `of`, that has the keys; null if none has.
-const CommandKeys* COMMANDWITHKEYS(const std::vector<CommandKeys>& commands, const Object& of, std::string_view keys);
+const CommandKeys* COMMANDWITHKEYS(const std::vector<CommandKeys>& commands, const Object& of,
+                                   std::string_view keys);
 
 // Gives the commands of a window their keys, as the settings have them. To be called when a window with a menu has been
 // loaded.

@@ -83,9 +83,9 @@ bool isTextKey(int shortcut) {
     constexpr int Ctrl = modifiers[0].code, Shift = modifiers[1].code, Alt = modifiers[2].code;
     constexpr int Insert = 45, Backspace = 8, FirstCaretKey = 33, LastCaretKey = 40;
     static constexpr int keys[] = {
-        Ctrl + 'A',          Ctrl + 'C',         Ctrl + 'V',     Ctrl + 'X', Ctrl + 'Z',       Ctrl + 'Y',
-        Ctrl + Shift + 'Z',  Ctrl + Insert,      Shift + Insert, Insert,     Shift + KEY_DELETE, KEY_DELETE,
-        Ctrl + KEY_DELETE,   Backspace,          Ctrl + Backspace,
+        Ctrl + 'A',         Ctrl + 'C',         Ctrl + 'V',        Ctrl + 'X',     Ctrl + 'Z',
+        Ctrl + 'Y',         Ctrl + Shift + 'Z', Ctrl + Insert,     Shift + Insert, Insert,
+        Shift + KEY_DELETE, KEY_DELETE,         Ctrl + KEY_DELETE, Backspace,      Ctrl + Backspace,
     };
     if (std::find(std::begin(keys), std::end(keys), shortcut) != std::end(keys)) return true;
     const int key = shortcut & KeyMask;

@@ -48,8 +48,9 @@ Code SetEnabled(const Object& object, bool enabled);
 Answer<std::string> GetShortcut(const Object& object);
 Code SetShortcut(const Object& object, std::string_view keys);
 std::string ShortcutName(std::string_view keys);  // as GetShortcut tells them; empty if the text names none
-bool IsTextKey(std::string_view keys);  // a text with the focus keeps them from the menus: "Ctrl+C", "Home", ...
-Answer<int> GetMenulevel(const Object& object);   // a menu item: 1 in the menu bar, 2 below it, ...; else 0
+// Whether a text with the focus keeps the keys from the menus, as "Ctrl+C" and "Home".
+bool IsTextKey(std::string_view keys);
+Answer<int> GetMenulevel(const Object& object);  // a menu item: 1 in the menu bar, 2 below it, ...; else 0
 Answer<std::string> GetHint(const Object& object);
 Code SetHint(const Object& object, std::string_view hint);
 Answer<int> GetFlags(const Object& object);

@@ -101,7 +101,8 @@ PressedKeys keysPressed(const QKeyEvent& event) {
     const bool plain = modifiers == Qt::NoModifier;
     const bool isTab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
     const bool leaves = isTab || (plain && (key == KEY_RETURN || key == KEY_ESCAPE || key == KEY_F1));
-    const bool mnemonic = modifiers == Qt::AltModifier && event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z;
+    const bool mnemonic =
+        modifiers == Qt::AltModifier && event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z;
     if (leaves || mnemonic) return {};
     if (plain && (event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete)) return {true, true, 0};
     return {true, key != 0, modelShortcut(event)};

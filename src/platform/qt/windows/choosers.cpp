@@ -134,7 +134,9 @@ std::string chosenIn(const Question& question, QDialog& box) {
 
 void chooseIn(const Question& question, QDialog& box, const std::string& answer) {
     switch (question.kind) {
-    case Question::Kind::Font: static_cast<QFontDialog&>(box).setCurrentFont(fontOf(shown(answer), question.fixedWidth)); break;
+    case Question::Kind::Font:
+        static_cast<QFontDialog&>(box).setCurrentFont(fontOf(shown(answer), question.fixedWidth));
+        break;
     case Question::Kind::Colour: static_cast<QColorDialog&>(box).setCurrentColor(colourIn(answer)); break;
     default: static_cast<PrintBox&>(box).take(shown(answer)); break;
     }

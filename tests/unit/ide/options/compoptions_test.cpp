@@ -48,7 +48,9 @@ protected:
 TEST_F(CompOptions, EveryControlComesFromItsKeyAndGoesBackToIt) {
     const struct {
         const char *key, *control;
-    } marks[] = {{"Quiet0", "quiet0"}, {"Verification", "verification"}, {"Manifest", "manifest"},
+    } marks[] = {{"Quiet0", "quiet0"},
+                 {"Verification", "verification"},
+                 {"Manifest", "manifest"},
                  {"ShortcutFile", "shortcutfile"}};
     for (const auto& mark : marks) {
         for (const char* value : {"1", "0"}) {
@@ -85,7 +87,7 @@ TEST_F(CompOptions, TheCommandLineShowsWhatIsChosenBeforeItIsStored) {
     EXPECT_EQ(preview(), SAVECOMMANDLINE(GETCOMPILEROPTIONS(), 0, false));
     const struct {
         const char *control, *word;
-    } marks[] = {{"precond2", "/p2"}, {"debug2", "/d2"},     {"quiet0", "/q"},
+    } marks[] = {{"precond2", "/p2"}, {"debug2", "/d2"},       {"quiet0", "/q"},
                  {"manifest", "/om"}, {"shortcutfile", "/os"}, {"verification", "/v"}};
     for (const auto& mark : marks) {
         EXPECT_FALSE(has(preview(), mark.word)) << mark.word;
@@ -242,7 +244,8 @@ TEST_F(CompOptions, SettingsWithoutTheSectionGiveLevelZero) {
 }
 
 TEST_F(CompOptions, VeryLongAndQuotedExtraOptionsSurvive) {
-    const std::string texts[] = {std::string(20000, 'x'), "\"/a b\"", "\"", "\"\"", "  lead", "a=b;c", "\"a\" \"b\""};
+    const std::string texts[] = {
+        std::string(20000, 'x'), "\"/a b\"", "\"", "\"\"", "  lead", "a=b;c", "\"a\" \"b\""};
     for (const std::string& text : texts) {
         load();
         typeInto("extra", text);

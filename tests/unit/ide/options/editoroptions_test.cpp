@@ -50,7 +50,8 @@ protected:
 };
 
 TEST_F(EditorOptions, EveryControlComesFromItsKeyAndGoesBackToIt) {
-    for (const char* key : {"chkSoundEffects", "HiliteOn", "StatusBarOn", "NumberBarOn", "AutoIndentOn", "FullScreenOn"}) {
+    for (const char* key :
+         {"chkSoundEffects", "HiliteOn", "StatusBarOn", "NumberBarOn", "AutoIndentOn", "FullScreenOn"}) {
         for (const char* value : {"1", "0"}) {
             setIni(key, value);
             load();
@@ -220,7 +221,7 @@ TEST_F(EditorOptions, TokensAreSetAgainOnlyWhenHighlightingHasChanged) {
 }
 
 TEST_F(EditorOptions, TheColoursAreEnabledOnlyWhileHighlightingIsOn) {
-    const char* const controls[] = {"lstkeywords", "lststrings",  "lstcomments",  "lstfuturekeywords",
+    const char* const controls[] = {"lstkeywords", "lststrings", "lstcomments", "lstfuturekeywords",
                                     "rbkeywords1", "rbstrings2", "rbcomments3", "rbfuturekeywords1"};
     for (const bool on : {true, false}) {
         setIni("HiliteOn", on ? "1" : "0");
@@ -228,7 +229,8 @@ TEST_F(EditorOptions, TheColoursAreEnabledOnlyWhileHighlightingIsOn) {
         for (const char* control : controls) EXPECT_EQ(GetEnabled(in(control)), on) << control;
         click("hiliteon", on ? 0 : 1);
         for (const char* control : controls) EXPECT_EQ(GetEnabled(in(control)), !on) << control;
-        for (const char* other : {"hiliteon", "statusbaron", "autobackupinterval", "pushbutton1", "pushbutton3"})
+        for (const char* other :
+             {"hiliteon", "statusbaron", "autobackupinterval", "pushbutton1", "pushbutton3"})
             EXPECT_TRUE(GetEnabled(in(other))) << other;
         press("pushbutton2");
     }

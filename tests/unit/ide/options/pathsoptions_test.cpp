@@ -68,8 +68,9 @@ TEST_F(PathsOptions, TheCommandLineFollowsThePaths) {
 }
 
 TEST_F(PathsOptions, MissingFoldersAreAskedAboutAndMayBeSaved) {
-    const std::string question = "The following path(s) are too long or do not exist:\n\t" + dir + "gone\n\t" + dir +
-                                 "lost\nDo you want to save them anyway (OK), or go back and fix them (Cancel)?";
+    const std::string question =
+        "The following path(s) are too long or do not exist:\n\t" + dir + "gone\n\t" + dir +
+        "lost\nDo you want to save them anyway (OK), or go back and fix them (Cancel)?";
     for (const char* answer : {"Cancel", "", "OK"}) {
         load();
         SetText(in("edit1"), dir + ";" + dir + "gone");
@@ -96,7 +97,8 @@ TEST_F(PathsOptions, TheListsAreSplitAndTheOthersAreNot) {
     SetText(in("edit5"), dir + ";;  ; " + dir + "x ;");
     answers = {"OK"};
     press("pushbutton1");
-    EXPECT_EQ(lastText(), "The following path(s) are too long or do not exist:\n\t" + dir + "a\n\tb\n\t" + dir +
+    EXPECT_EQ(lastText(), "The following path(s) are too long or do not exist:\n\t" + dir + "a\n\tb\n\t" +
+                              dir +
                               "x\nDo you want to save them anyway (OK), or go back and fix them (Cancel)?");
 }
 
@@ -140,14 +142,10 @@ TEST_F(PathsOptions, ALongListIsCutToTwentyLines) {
 TEST_F(PathsOptions, DrivesAreAddedToPathsThatNeedOne) {
     const struct {
         const char *drive, *before, *after;
-    } cases[] = {{"C:", "\\a", "C:\\a"},
-                 {"C:", "a;D:\\b; c;", "C:a;D:\\b;C:c;"},
-                 {"C:", "/a;\\b", "/a;C:\\b"},
-                 {"C:", "", ""},
-                 {"C:", ";;\\a", ";;C:\\a"},
-                 {"C:", " ", " "},
-                 {"", "\\a;b", "\\a;b"},
-                 {"", "/a", "/a"}};
+    } cases[] = {{"C:", "\\a", "C:\\a"},       {"C:", "a;D:\\b; c;", "C:a;D:\\b;C:c;"},
+                 {"C:", "/a;\\b", "/a;C:\\b"}, {"C:", "", ""},
+                 {"C:", ";;\\a", ";;C:\\a"},   {"C:", " ", " "},
+                 {"", "\\a;b", "\\a;b"},       {"", "/a", "/a"}};
     for (const auto& one : cases) EXPECT_EQ(ADDDRIVELETTERS(one.drive, one.before), one.after) << one.before;
 }
 
@@ -202,9 +200,10 @@ TEST_F(PathsOptions, AClassElsewhereIsOfferedForTheInheritedPath) {
     UPDATEINHERITPATHS("Add Class", file);
     EXPECT_EQ(asked.back().title, "Add Class");
     EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Yes", "No"}));
-    EXPECT_EQ(lastText(), "'" + dir +
-                              "lib/' should be added to the inherited class path.\nDo you want to add it now?\n"
-                              "If not, you should add it later using the Tools-Options-Paths command.");
+    EXPECT_EQ(lastText(),
+              "'" + dir +
+                  "lib/' should be added to the inherited class path.\nDo you want to add it now?\n"
+                  "If not, you should add it later using the Tools-Options-Paths command.");
     EXPECT_EQ(stored("Edit1"), dir);
     UPDATEINHERITPATHS("Add Class", file);
     EXPECT_EQ(stored("Edit1"), dir + ";" + dir + "lib/");
@@ -304,11 +303,13 @@ TEST_F(GeneralOptions, OfSeveralOpeningActionsTheFirstShowsAsAtTheStart) {
 
 TEST_F(GeneralOptions, TheGridGoesToTheDialogEditorWhenItIsTwoNumbers) {
     start();
-    const std::string rc = write("d.rc", "DialogDlg DIALOG\n  LABEL gridstr 101\n    POSITION=0 0 9 9\nEND\n");
+    const std::string rc =
+        write("d.rc", "DialogDlg DIALOG\n  LABEL gridstr 101\n    POSITION=0 0 9 9\nEND\n");
     ASSERT_EQ(Load(DialogDlg, rc, "DialogDlg"), "");
     const struct {
         const char *width, *height, *grid;
-    } cases[] = {{"4", "6", "4 6"}, {"x", "6", "4 6"}, {"", "6", "4 6"}, {"8", "-1", "4 6"}, {"12", "3", "12 3"}};
+    } cases[] = {
+        {"4", "6", "4 6"}, {"x", "6", "4 6"}, {"", "6", "4 6"}, {"8", "-1", "4 6"}, {"12", "3", "12 3"}};
     for (const auto& one : cases) {
         open([&] {
             SetText(in("GridWidth"), one.width);
@@ -337,7 +338,8 @@ TEST_F(FontOptions, TheCodeWindowTakesTheFontAtOnceAndKeepsIt) {
     EXPECT_EQ(GetFontName(SDIEdit), "Courier");
     EXPECT_EQ(GetFontSize(SDIEdit), 17);
     EXPECT_TRUE(GetFontBold(SDIEdit) && GetFontItalic(SDIEdit));
-    EXPECT_EQ(stored("_Fontname") + stored("_Fontsize") + stored("_Fontbold") + stored("_Fontitalic"), "Courier1711");
+    EXPECT_EQ(stored("_Fontname") + stored("_Fontsize") + stored("_Fontbold") + stored("_Fontitalic"),
+              "Courier1711");
     EXPECT_EQ(GetTokens(SDIEdit), tokens);
     platform::DestroyAllWindows();
     start();
