@@ -99,7 +99,8 @@ QMargins& knownMargins(int borderStyle) {
 // Before a window of that border has shown its frame, another's tells best.
 QMargins likelyMargins(int borderStyle) {
     QMargins margins = knownMargins(borderStyle);
-    for (int other = 2; margins.isNull() && borderStyle != 0 && other > 0; --other) margins = knownMargins(other);
+    for (int other = 2; margins.isNull() && borderStyle != 0 && other > 0; --other)
+        margins = knownMargins(other);
     return margins;
 }
 
