@@ -171,9 +171,12 @@ void APPLYSHORTCUTS(const Object& window) {
     STAMP();
     addCommands(window, commands);
     STAMP();
+    const std::string settings = "\n" + PROFILESTRKEYS(GETIDEINIFILE(), Section);
     for (CommandKeys& command : commands) {
         std::string keys;
-        command.keys = storedKeys(command.setting, keys) ? keys : command.usual;
+        // As a rule there are none, and a start has no time to look for each of them in the file.
+        const bool isThere = STRFIND("\n" + command.setting + "\n", settings) > 0;
+        command.keys = isThere && storedKeys(command.setting, keys) ? keys : command.usual;
     }
     STAMP();
     dropConflicts(commands);
