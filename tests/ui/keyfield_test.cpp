@@ -69,9 +69,10 @@ protected:
     }
     void TearDown() override { DestroyAllWindows(); }
     QLineEdit& line(const char* name = "edtkeys") {
-        for (QWidget* top : QApplication::topLevelWidgets())
-            if (auto* found = top->findChild<QLineEdit*>(QString::fromLatin1(name)); found != nullptr)
-                return *found;
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            auto* found = top->findChild<QLineEdit*>(QString::fromLatin1(name));
+            if (top->isVisible() && found != nullptr) return *found;  // one that is gone may not be freed yet
+        }
         throw std::logic_error("there is no such line");
     }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
