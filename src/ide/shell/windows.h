@@ -25,6 +25,11 @@ inline const Object GotoFuncDlg("GotoFuncDlg");
 inline const Object MoreInfoDlg("MoreInfoDlg");
 inline const Object UndoDlg("UndoDlg");
 inline const Object DifferenceDlg("DifferenceDlg");
+inline const Object CompOptionsDlg("CompOptionsDlg");
+inline const Object EditorOptionsDlg("EditorOptionsDlg");
+inline const Object GenOptionsDlg("GenOptionsDlg");
+inline const Object PathsOptionsDlg("PathsOptionsDlg");
+inline const Object KeysOptionsDlg("KeysOptionsDlg");
 
 inline Object MAINCONTROL(std::string_view name) {
     return FINDCONTROL(Main, name);

@@ -22,6 +22,7 @@ constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
 constexpr char filePrinter[] = "Print to file";
 
 bool browser = true;
+int beeps = 0;
 
 // A document as plain text: the lines of each page, with a form feed between two pages.
 class TextDocument : public Canvas {
@@ -114,7 +115,7 @@ public:
     std::string clipboard() override { return clipboard_; }
     void setClipboard(std::string_view text) override { clipboard_ = text; }
 
-    void sound() override {}
+    void sound() override { ++beeps; }
     void playSound(const std::string& file) override { sounds.push_back(file); }
     void setIcon(const std::string&) override {}
     void setBusy(bool) override {}
@@ -261,6 +262,10 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 
 std::vector<std::string> takeHeadlessSounds() {
     return std::exchange(sounds, {});
+}
+
+int headlessSounds() {
+    return beeps;
 }
 
 bool setHeadlessBrowser(bool there) {
