@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 MODULE("runexe", tarn::TOOL_ONERROR)
@@ -33,7 +34,8 @@ struct Run {
     std::string name, command;
     std::string input;         // what its pipe has not taken yet
     bool inputEnds = false;    // behind that
-    bool stopped = false;      // by the user
+    bool wrote = false;
+    bool stopped = false;  // by the user
     bool muted = false;        // the user has closed the window over it
 };
 
@@ -84,11 +86,11 @@ void showState(const std::string& state) {
     SetCaption(part("label2"), state);
 }
 
-// The window turns to this program, unless it still shows an earlier one that has not ended.
+// The window turns to this program, unless one that it shows still runs and has written.
 void turnTo(Run& run) {
     Console& c = console();
     if (c.current == &run) return;
-    if (c.current != nullptr) {
+    if (c.current != nullptr && c.current->wrote) {
         c.text.addLine("[" + run.name + ", process " + STR(run.child->id()) + "]");
     } else {
         c.text.clear();
@@ -99,6 +101,12 @@ void turnTo(Run& run) {
     SetCaption(part("label1"), run.command);
     showState("Running, process " + STR(run.child->id()));
     enable(true);
+}
+
+// The user shall see what it has to say.
+void comeUp(Run& run) {
+    turnTo(run);
+    if (std::exchange(run.wrote, true)) return;
     Show(OutputDlg, false);
 }
 
@@ -119,7 +127,7 @@ bool read(Run& run, std::int64_t until) {
         bytes.clear();
         if (run.child->readOutput(bytes, ReadBytes) <= 0) return false;
         if (run.muted) continue;
-        turnTo(run);
+        comeUp(run);
         console().text.add(bytes);
         console().changed = true;
     }
@@ -135,7 +143,8 @@ std::string endOf(const Run& run, const os::ExitState& state) {
 void finish(Run& run, const os::ExitState& state) {
     Console& c = console();
     const bool failed = state.signal != 0 || state.code != 0;
-    if (failed && !run.stopped && !run.muted && c.current == nullptr) turnTo(run);
+    const bool free = c.current == nullptr || !c.current->wrote || c.current == &run;
+    if (failed && !run.stopped && !run.muted && free) comeUp(run);
     if (c.current == &run) {
         c.text.end();
         showState(endOf(run, state));
@@ -198,7 +207,7 @@ void endInput() {
 // Whether the window may go: the user decides what becomes of a program that runs.
 bool mayClose(const Object& window) {
     Run* const run = console().current;
-    if (run == nullptr || !GetVisible(window)) return true;
+    if (run == nullptr || !run->wrote || !GetVisible(window)) return true;
     const std::string answer =
         MsgBox(GetCaption(window),
                "The program '" + run->name + "' is still running.\nDo you want to stop it, or to let it run without "
@@ -311,7 +320,7 @@ bool mayStart(const std::string& title) {
     if (!IsLoaded(OutputDlg)) return true;
     tick();  // what has ended a moment ago runs no more
     Run* const run = console().current;
-    if (run == nullptr) return true;
+    if (run == nullptr || !run->wrote) return true;
     const std::string answer =
         MsgBox(title,
                "The program '" + run->name + "' is still running, and its output is shown.\nDo you want to stop it and "
@@ -341,6 +350,9 @@ void RUNPROGRAM(const std::string& title, const std::string& exe, const std::str
     run->child = std::move(child);
     run->name = FILEGETFNAME(exe);
     run->command = arguments.empty() ? exe : exe + " " + arguments;
+    // A window that is open leaves what an earlier program wrote.
+    const Run* const shown = console().current;
+    if (GetVisible(OutputDlg) && (shown == nullptr || !shown->wrote)) turnTo(*run);
     console().runs.push_back(std::move(run));
     SETTIMER(OutputDlg, TickMilliseconds);
     tick();

@@ -3,7 +3,7 @@
 // Programs that were started, and the output window, which shows what they write and takes their input.
 //
 // Nobody can tell of a program whether it has windows until it shows one, so each is started with pipes. The window comes up
-// when a program writes something, or ends with an error; one that does neither runs by itself. What it shows belongs to
+// when a program writes something, or ends with an error; one that does neither runs by itself, but that a window which is open tells of it. What it shows belongs to
 // the program that was started last of those that wrote. Programs are read a little at a time, so that one that writes
 // without end neither holds up the windows nor fills the memory: it waits for its reader, and the last lines are kept.
 #pragma once

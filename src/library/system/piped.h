@@ -10,8 +10,8 @@
 
 namespace tarn {
 
-// Starts the program as EXEC does in mode 16, with the same arguments, files behind " > " and " < " and codes. What no file
-// is named for goes through pipes: see os::Child. Null, with the code in the error cell, if it does not start.
+// Starts the program as EXEC does, with the same arguments, files behind " > " and " < ", and codes, and waits for nothing.
+// What no file is named for goes through pipes: see os::Child. Null, with the code in the error cell, if it does not start.
 std::unique_ptr<os::Child> EXECPIPED(const std::string& program, const std::string& arguments,
                                      const std::string& folder);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/system/shortname.h"
 
+#include "kernel/run/runtime.h"
 #include "library/system/files.h"
 
 #include <algorithm>

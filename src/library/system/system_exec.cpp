@@ -289,9 +289,6 @@ std::unique_ptr<os::Child> EXECPIPED(const std::string& program, const std::stri
     }
     Started started = start(program, command.arguments, folder, command.files, true);
     SetError(started.code);
-    STAMP();
-    os::ExitState state;
-    if (started.child != nullptr) waitForIdle(*started.child, state);
     return std::move(started.child);
 }
 
