@@ -153,7 +153,7 @@ TEST_F(ProcessTest, inputComesFromTheFileThatIsNamed) {
 class PipedTest : public ProcessTest {
 protected:
     static std::unique_ptr<Child> piped(const std::string& command) {
-        StartRequest request{"/bin/sh", {"-c", command}};
+        StartRequest request{"/bin/sh", {"-c", command}, "", ""};
         request.piped = true;
         StartError error = StartError::Other;
         auto child = processes().start(request, error);
@@ -246,7 +246,7 @@ TEST_F(PipedTest, noDescriptorStaysBehind) {
     };
     const std::size_t before = open();
     for (int i = 0; i < 20; ++i) piped("exit 0")->wait(longEnough);
-    StartRequest none{at("none")};
+    StartRequest none{at("none"), {}, "", ""};
     none.piped = true;
     StartError error = StartError::None;
     EXPECT_EQ(processes().start(none, error), nullptr);
