@@ -47,7 +47,7 @@ struct Console {
     OutputText text;
     std::size_t shownBytes = 0;  // of the text in the window
     std::int64_t shownCuts = 0, shownAt = 0;
-    bool changed = false;
+    bool changed = false, ticking = false;
 };
 
 Console& console() {
@@ -166,10 +166,13 @@ bool hasEnded(Run& run, std::int64_t until) {
     return true;
 }
 
+// A window that comes up may ask something meanwhile, and time goes on then.
 void tick() {
     Console& c = console();
+    if (std::exchange(c.ticking, true)) return;
     const std::int64_t until = os::clock().steady() + ReadTime;
     std::erase_if(c.runs, [until](const auto& run) { return hasEnded(*run, until); });
+    c.ticking = false;
     if (c.changed && (c.current == nullptr || os::clock().steady() - c.shownAt >= ShowTime)) showText();
     if (c.runs.empty()) KILLTIMER(OutputDlg);
 }
@@ -177,6 +180,7 @@ void tick() {
 void stop(Run& run) {
     run.stopped = true;
     run.child->stop(GraceMilliseconds);
+    tick();
 }
 
 // ---- the user ----
@@ -206,6 +210,7 @@ void endInput() {
 
 // Whether the window may go: the user decides what becomes of a program that runs.
 bool mayClose(const Object& window) {
+    tick();  // what has ended a moment ago runs no more
     Run* const run = console().current;
     if (run == nullptr || !run->wrote || !GetVisible(window)) return true;
     const std::string answer =
@@ -329,7 +334,6 @@ bool mayStart(const std::string& title) {
     if (answer != "&Stop and Start") return false;
     if (console().current != run) return true;
     stop(*run);
-    tick();
     return true;
 }
 

@@ -89,7 +89,7 @@ private:
 };
 
 std::unique_ptr<PrinterCanvas> startFile(const std::string& name, const std::string& document) {
-    const std::string file = os::native(document) + ".pdf", folder(paths::folderOf(file));
+    const std::string file = os::native(document) + ".pdf", folder(paths::folder(file));
     auto pages = std::make_unique<QTemporaryFile>();
     if (document.empty() || (!folder.empty() && !os::infoOf(folder).folder) || !pages->open()) return nullptr;
     printerOf(name).setOutputFileName(pages->fileName());
