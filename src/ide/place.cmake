@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Lays what the environment reads at run time beside the executable of a build tree.
-foreach(file IN ITEMS mainicon.ico mainicon.svg logo.bmp logo.svg)
+foreach(file IN ITEMS mainicon.ico mainicon.svg logo.bmp logo.svg open2.bmp open3.bmp)
   file(COPY_FILE ${SOURCE_DIR}/src/ide/pictures/${file} ${BIN_DIR}/${file} ONLY_IF_DIFFERENT)
 endforeach()
 if(NOT EXISTS ${BIN_DIR}/ide.ini)

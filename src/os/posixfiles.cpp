@@ -5,6 +5,7 @@
 #include "os/files.h"
 
 #include "os/paths.h"
+#include "os/pipesignal_internal.h"
 #include "os/tinylimits.h"
 
 #include <algorithm>
@@ -126,33 +127,6 @@ bool realPath(const std::string& path, std::string& resolved) {
     std::free(found);
     return true;
 }
-
-// For the lifetime of this, a pipe without a reader is an error of the write, not the end of the program.
-// What the program does about the signal stays as it is, and programs that are started get it so.
-class PipeSignalAside {
-public:
-    PipeSignalAside() {
-        sigset_t pending;
-        sigemptyset(&pipe_);
-        sigaddset(&pipe_, SIGPIPE);
-        ::sigpending(&pending);
-        came_ = sigismember(&pending, SIGPIPE) == 1;
-        ::pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
-    }
-    ~PipeSignalAside() {
-        const int number = errno;
-        const timespec now{};
-        if (!came_) uninterrupted([&] { return ::sigtimedwait(&pipe_, nullptr, &now); });
-        ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-        errno = number;
-    }
-    PipeSignalAside(const PipeSignalAside&) = delete;
-    PipeSignalAside& operator=(const PipeSignalAside&) = delete;
-
-private:
-    sigset_t pipe_{}, before_{};
-    bool came_;
-};
 
 // A pipe has room when its reader takes something; one that takes nothing for so long is given up.
 ssize_t writeToPipe(Handle handle, std::string_view bytes) {

@@ -7,6 +7,7 @@
 #include "platform/model/view.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "platform/operations/printjob.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -435,6 +436,32 @@ TEST_F(DrawTest, PagesArePrintedToAFile) {
     EXPECT_EQ(pagesOf(folder / "report.pdf"), 3);
     SetFontName(printer, "");
     SetFontSize(printer, 0);
+}
+
+TEST_F(DrawTest, AFileThatIsPrintedToIsReplacedWholeOrNotAtAll) {
+    const Object printer = PrinterList().back();
+    const std::string file = folder / "kept.pdf";
+    SetCaption(printer, folder / "kept");
+    const auto print = [&](int pages) {
+        ASSERT_EQ(StartPrint(printer, {"a heading", 0, 0, 1}), Ok);
+        for (int i = 1; i < pages; ++i) NewPage(printer);
+        DrawTextstr(printer, "x");
+    };
+    print(2);
+    EXPECT_EQ(os::sizeOf(file), -1) << "nothing before the end";
+    EXPECT_EQ(EndPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 2);
+    print(3);
+    EXPECT_EQ(CancelPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 2);
+    print(3);
+    EXPECT_EQ(pagesOf(file), 2);
+    EXPECT_EQ(EndPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 3);
+    ASSERT_EQ(StartPrint(printer, {"", 2, 3, 1}), Ok);
+    for (int i = 1; i < 5; ++i) NewPage(printer);
+    EXPECT_EQ(EndPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 2) << "the part that is wanted";
 }
 
 // ---- dragging ----

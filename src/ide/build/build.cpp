@@ -82,7 +82,7 @@ bool hasMakeTool(const std::string& title) {
 bool make(const std::string& options, const std::string& file) {
     const std::string errors = GETCOMPILERMESSAGES(), output = GETMAKEMESSAGES();
     const std::string line =
-        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + output + "\"";
+        options + " " + QUOTEARGUMENT(file) + " -i" + QUOTEARGUMENT(GETINHERITEDPATHS()) + " -o" + QUOTEARGUMENT(output);
     const ToolRun run = RUNTOOL(FINDTOOL(GETORDOEXE()), line, 0 + 1, errors, output);
     if (!run.started) return false;
     const bool clean = ISCLEAN(run.messages);

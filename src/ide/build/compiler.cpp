@@ -50,9 +50,9 @@ std::string backEndSwitch() {
     return FileSize(folder + "ppc386.exe") >= 0 ? "/gfpc" : "";
 }
 
-// The tools read two quotes inside of quotes as one.
-std::string quoted(const std::string& paths) {
-    return "\"" + STRREPLACE(paths, "\"", "\"\"") + "\"";
+// In quotes whatever it holds, as the line is read by SPLITARGUMENTS.
+std::string quoted(const std::string& text) {
+    return "\"" + STRREPLACE(text, "\"", "\"\"") + "\"";
 }
 
 std::string levelSwitch(std::string_view name, int level) {
@@ -81,7 +81,7 @@ std::string SAVECOMMANDLINE(const CompilerOptions& o, int windowMode, bool write
     FRAME(SAVECOMMANDLINE);
     const std::string extra = STRTRIM(o.extra);
     const std::string pieces[] = {
-        "\"" + GETCOMPILEREXE() + "\"",
+        quoted(GETCOMPILEREXE()),
         levelSwitch("/p", o.precond),
         levelSwitch("/d", o.debug),
         o.quiet == 1 ? "/q" : "",
@@ -140,8 +140,11 @@ struct Compilation {
 
 Compilation runCompiler(const std::string& file, int windowMode) {
     std::string line = SAVECOMMANDLINE(GETCOMPILEROPTIONS(), 1, false);
-    line = FILESUBSTITUTENAME(line, "^", FILEGETDIR(file) + FILEBASENAME(file));
-    const std::string arguments = STRTRIM(std::string_view(line).substr(STRTOKEN(line, 1).size()));
+    line = FILESUBSTITUTENAME(line, "^", STRREPLACE(FILEGETDIR(file) + FILEBASENAME(file), "\"", "\"\""));
+    std::vector<std::string> words = SPLITARGUMENTS(line);
+    words.erase(words.begin());  // the compiler itself
+    std::string arguments;
+    for (const std::string& word : words) arguments += QUOTEARGUMENT(word) + " ";
     const std::string compiler = FINDTOOL(GETCOMPILEREXE());
     const std::string results = FILEGETDIR(compiler) + std::string(CompilerMessages);
     const ToolRun run = RUNTOOL(compiler, arguments, windowMode, results);
@@ -196,7 +199,7 @@ DependencyList LOADDEPLIST(const std::string& file, const std::string& options, 
     const std::string tool = GETORDOEXE();
     const std::string output = GETMAKEMESSAGES();
     const std::string line =
-        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -n -o\"" + output + "\"";
+        options + " " + QUOTEARGUMENT(file) + " -i" + QUOTEARGUMENT(GETINHERITEDPATHS()) + " -n -o" + QUOTEARGUMENT(output);
     STAMP();
     FILEDELETE(output);
     result.error = dependencyObstacle(file, tool);

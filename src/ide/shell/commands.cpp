@@ -72,14 +72,15 @@ constexpr Row rows[] = {
     {"file_new_class", "", nullptr},
     {"file_new_program", "", nullptr},
     {"file_open", "btnfile_open", openFile},
-    {"file_open_examples", "", nullptr},
+    {"file_open_examples", "",
+     [](const Fired&) { DO_OPEN_EXAMPLES("Examples and Tutorials", MAINCONTROL("programlabel")); }},
     {"file_save", "btnfile_save", [](const Fired&) { DO_SAVE(); }},
     {"file_save_as", "", [](const Fired&) { DO_SAVE_AS(); }},
     {"file_save_all", "", [](const Fired&) { DO_SAVE_ALL(); }},
     {"file_close_all", "", [](const Fired&) { DO_CLOSE_ALL(); }},
     {"file_close", "", [](const Fired&) { DO_CLOSE(lastActive()); }},
-    {"file_print", "btnfile_print", nullptr},
-    {"file_printer_setup", "", nullptr},
+    {"file_print", "btnfile_print", [](const Fired&) { DO_PRINT(); }},
+    {"file_printer_setup", "", [](const Fired&) { DO_PRINTER_SETUP(MAINCONTROL("printername")); }},
     {"file_mru_1", "", openRecent, true},
     {"file_exit", "", [](const Fired&) { DO_EXIT(); }},
     {"edit_undo_typing", "", [](const Fired&) { DO_UNDO_TYPING(); }},
@@ -158,7 +159,7 @@ constexpr Row rows[] = {
     {"help_compiler_errors", "", [](const Fired&) { DO_COMPILER_ERRORS(); }},
     {"help_run_time_errors", "", [](const Fired&) { DO_RUN_TIME_ERRORS(); }},
     {"help_tech_support", "", [](const Fired&) { DO_TECH_SUPPORT(); }},
-    {"help_about", "", nullptr},
+    {"help_about", "", [](const Fired&) { DO_ABOUT(Main); }},
 };
 
 bool inArrayOf(const Object& control, const Object& first) {

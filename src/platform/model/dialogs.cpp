@@ -5,6 +5,7 @@
 
 #include "os/files.h"
 #include "platform/model/access_internal.h"
+#include "platform/operations/printjob.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -199,12 +200,16 @@ Answer<int> ColourDialog(const Object& owner, int colour) {
 }
 
 Answer<PrintChoice> PrintDialog(const Object& owner, int flags) {
+    return PrintDialog(owner, flags, {});
+}
+
+Answer<PrintChoice> PrintDialog(const Object& owner, int flags, const std::string& printer) {
     if (const Code code = checkOwner(owner); code != Ok) return {{}, code};
     Question question;
     question.kind = Question::Kind::Print;
     question.title = "Print";
     question.rows = view().printers();
-    question.value = (flags & PRINT_SELECTION) != 0 ? "\tselection" : "";
+    question.value = printer + ((flags & PRINT_SELECTION) != 0 ? "\tselection" : "");
     const std::string answer = view().ask(question);
     return {answer.empty() ? PrintChoice() : choiceOf(answer, flags), Ok};
 }

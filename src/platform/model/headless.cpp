@@ -35,10 +35,14 @@ public:
     void picture(const Rect&, const std::string&) override {}
     void window(int, int, const Window&) override {}
     bool newPage() override { return text_ += '\f', true; }
-    bool finish() override { return os::saveFile(file_, text_, os::Durability::Unsynced).ok(); }
+    bool finish() override {
+        return !discarded_ && os::saveFile(file_, text_, os::Durability::Unsynced).ok();
+    }
+    void discard() override { discarded_ = true; }
 
 private:
     std::string file_, text_;
+    bool discarded_ = false;
 };
 
 std::vector<std::string> sounds;  // played, of all headless views
@@ -108,7 +112,8 @@ public:
         return printer == filePrinter ? PRINTER_READY : PRINTER_STOPPED;
     }
     Paper paper(const std::string&) override { return {698, 1027, 794, 1123, 48, 48, 96, 96}; }  // A4
-    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document) override {
+    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document,
+                                          int) override {
         if (printer != filePrinter || document.empty()) return nullptr;
         return std::make_unique<TextDocument>(os::native(document) + ".txt");
     }

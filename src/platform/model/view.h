@@ -143,8 +143,8 @@ public:
     virtual std::vector<std::string> printers() = 0;
     virtual PrinterStatus printerStatus(const std::string& printer) = 0;
     virtual Paper paper(const std::string& printer) = 0;
-    virtual std::unique_ptr<Canvas> startDocument(const std::string& printer,
-                                                  const std::string& document) = 0;  // null: it failed
+    virtual std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document,
+                                                  int copies) = 0;  // null: it failed
 
     virtual std::string clipboard() = 0;
     virtual void setClipboard(std::string_view text) = 0;

@@ -58,7 +58,8 @@ public:
     std::vector<std::string> printers() override;
     PrinterStatus printerStatus(const std::string& printer) override;
     Paper paper(const std::string& printer) override;
-    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document) override;
+    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document,
+                                          int copies) override;
     std::string clipboard() override;
     void setClipboard(std::string_view text) override;
 

@@ -70,8 +70,9 @@ Paper QtView::paper(const std::string& printer) {
     return paperOf(printer);
 }
 
-std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const std::string& document) {
-    return qt::startDocument(printer, document);
+std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const std::string& document,
+                                              int copies) {
+    return qt::startDocument(printer, document, copies);
 }
 
 std::string QtView::clipboard() {

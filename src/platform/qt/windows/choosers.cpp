@@ -27,6 +27,8 @@ public:
     PrintBox(const Question& question, QWidget* parent) : QDialog(parent) {
         auto* form = new QFormLayout(this);
         for (const std::string& name : question.rows) printer_->addItem(shown(name));
+        const QString first = shown(question.value).section(u'\t', 0, 0);
+        if (const int at = printer_->findText(first); at >= 0) printer_->setCurrentIndex(at);
         form->addRow(tr("&Printer:"), printer_);
         selection_->setVisible(question.value.find("selection") != std::string::npos);
         form->addRow(QString(), selection_);

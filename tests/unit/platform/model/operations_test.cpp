@@ -6,6 +6,7 @@
 #include "platform/model/view.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "platform/operations/printjob.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -474,6 +475,8 @@ TEST_F(OperationsTest, APrinterIsChosenOrNone) {
     EXPECT_EQ(choice.copies, 1);
     EXPECT_EQ(PrintDialog(main, 0).value.flags, 0) << "the selection was not offered";
     EXPECT_TRUE(PrintDialog(main, 0).value.printer.empty());
+    PrintDialog(main, PRINT_SELECTION, "Laser");
+    EXPECT_EQ(asked.back().value, "Laser\tselection") << "what is chosen at first";
     EXPECT_EQ(PrintDialog(page, 0).code, WindowNotLoaded);
 }
 
