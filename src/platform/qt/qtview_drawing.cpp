@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMimeData>
 
 namespace tarn::platform::qt {
 
@@ -75,11 +76,19 @@ std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const 
 }
 
 std::string QtView::clipboard() {
-    return QGuiApplication::clipboard()->text().toStdString();
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    if (data == nullptr) return {};
+    const QString bytes = QString::fromLatin1(BytesType);
+    return data->hasFormat(bytes) ? data->data(bytes).toStdString() : data->text().toStdString();
 }
 
+// The bytes are for this program's own texts; other programs get a text whose lines end as the desktop's do.
 void QtView::setClipboard(std::string_view text) {
-    QGuiApplication::clipboard()->setText(shown(text));
+    auto* data = new QMimeData;
+    data->setText(shown(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    data->setData(QString::fromLatin1(BytesType),
+                  QByteArray(text.data(), static_cast<qsizetype>(text.size())));
+    QGuiApplication::clipboard()->setMimeData(data);
 }
 
 }  // namespace tarn::platform::qt
