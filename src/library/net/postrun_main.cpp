@@ -30,9 +30,7 @@ int fail(int status, const std::string& text) {
 
 // Empty if no folder has it.
 std::string onPath(const std::string& program) {
-    const std::string folders = tarn::STRREPLACE(tarn::os::environment("PATH"), ":", ";");
-    const std::string folder = tarn::FILEFINDPATHNAME(folders, program);
-    return folder.empty() ? folder : tarn::FILEADDSEPARATOR(folder) + program;
+    return tarn::FILEFINDPATHNAME(tarn::STRREPLACE(tarn::os::environment("PATH"), ":", ";"), program);
 }
 
 int handOver(const tarn::PostrunMail& mail) {

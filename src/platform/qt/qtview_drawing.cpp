@@ -7,6 +7,7 @@
 #include "platform/qt/drawing/surface.h"
 #include "platform/qt/input/mouse.h"
 #include "platform/qt/input/tracker.h"
+#include "platform/qt/input/xclipboard.h"
 #include "platform/qt/qtview.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/windows/frame.h"
@@ -75,7 +76,17 @@ std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const 
     return qt::startDocument(printer, document);
 }
 
+namespace {
+
+// As many bytes as a text of the language can hold, and one that tells that there were more.
+constexpr std::size_t LargestText = 4096001;
+
+}  // namespace
+
 std::string QtView::clipboard() {
+    if (QGuiApplication::platformName() == u"xcb" && !QGuiApplication::clipboard()->ownsClipboard()) {
+        if (auto text = foreignClipboard(LargestText)) return *text;
+    }
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     if (data == nullptr) return {};
     const QString bytes = QString::fromLatin1(BytesType);

@@ -15,10 +15,10 @@ class LiteralProgram : public ToolchainTest {
 protected:
     // What a program writes that holds the bytes as a constant.
     std::string throughAProgram(const std::string& bytes) {
-        write("main.cls", "Tarnwick Class Main\nconst PICTURE = " + BYTESTRINGTOLITERAL(bytes) +
+        write("main.cls", "Tarnwick Class Main\nconst SHOWN = " + BYTESTRINGTOLITERAL(bytes) +
                               "\nfunction main()\n  SAVEFILE(\"" + dir +
-                              "out.bin\", PICTURE)\n"
-                              "  PRINT(STR(LENGTH(PICTURE)))\nend function\nEnd class\n");
+                              "out.bin\", SHOWN)\n"
+                              "  PRINT(STR(LENGTH(SHOWN)))\nend function\nEnd class\n");
         write("environment/ide.ini", "[ordo]\nCLS=\"" + dir + "tools/quarn.exe\" /p2 /d2 /q ^.cls\n");
         write("config/tarnwick/registry.ini",
               "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe]\n=" + dir +

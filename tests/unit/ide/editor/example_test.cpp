@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 
 namespace tarn {
 namespace {
@@ -90,11 +90,11 @@ TEST(Example, BytesOfAnyKindStayAsTheyAre) {
 TEST(Example, TheLargestTextIsLookedThroughInNoTime) {
     std::string text = "// a.cls\n";
     while (text.size() < 4000000) text += "// \t \n";
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     EXPECT_TRUE(ISEXAMPLE(text));
     EXPECT_EQ(GETEXAMPLEFILENAMES(text), "a.cls\n");
     EXPECT_EQ(GETEXAMPLETEXT(text, "a.cls").size(), text.size());
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
 }
 
 TEST(LineEnds, AreThoseOfTheTextAroundIfTheyAreAlike) {

@@ -3,7 +3,7 @@
 
 #include "support/ide_fixture.h"
 
-#include <chrono>
+#include <ctime>
 
 namespace tarn {
 namespace {
@@ -18,6 +18,7 @@ protected:
         std::filesystem::current_path(dir);
     }
     void open(std::string_view text) {
+        INITFILE(SDIEdit);
         EDITWNDOPEN(SDIEdit, write("a.txt", text), false, 0);
         ASSERT_EQ(GetText(SDIEdit), text);
     }
@@ -142,9 +143,9 @@ TEST_F(EditBlocks, APastedTextIsCutToWhatTheWindowTakes) {
 TEST_F(EditBlocks, AHundredMillionBytesArePastedInASecond) {
     EDITWNDNEW(SDIEdit, "");
     SetText(clipboard, std::string(100000000, '\n'));
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     DO_PASTE(label);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(std::clock() - start, 1 * CLOCKS_PER_SEC);
     EXPECT_EQ(GetTextLength(SDIEdit), 4000000);
 }
 
@@ -349,10 +350,10 @@ TEST_F(EditBlocks, ABlockMayBeTheLargestText) {
     while (body.size() < 4000000) body += "12345678\n";
     open(body.substr(0, 3999996));
     pick("edit_select_all");
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     pick("edit_comment_block");
     pick("edit_uncomment_block");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
     EXPECT_EQ(text(), body.substr(0, 3999996));
 }
 

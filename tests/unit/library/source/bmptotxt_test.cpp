@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 #include <random>
 
 namespace tarn {
@@ -66,7 +66,7 @@ TEST(Literal, GivesItsBytesBack) {
     for (int round = 0; round < 200; round++) {
         std::string bytes;
         const bool printable = round % 2 == 0;
-        for (unsigned n = random() % 400; n > 0; n--)
+        for (auto n = random() % 400; n > 0; n--)
             bytes += static_cast<char>(printable ? 32 + random() % 95 : random());
         samples.push_back(bytes);
     }
@@ -107,13 +107,13 @@ TEST(Literal, NumbersStringsAndNothingElseAreRead) {
 }
 
 TEST(Literal, HostileTextsAreReadInNoTime) {
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     for (const std::string piece : {"\"", "+", "[", "\"\n", "[1:", "1E+", "\"\"", "0x"}) {
         std::string text;
         while (text.size() < 200000) text += piece;
         EXPECT_LE(LITERALTOBYTESTRING(text).size(), text.size());
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+    EXPECT_LT(std::clock() - start, 4 * CLOCKS_PER_SEC);
 }
 
 // ---- a file into a control ----
@@ -152,7 +152,7 @@ TEST_F(BitmapText, IsWhatStandsInTheFile) {
     const std::string bytes = bitmap(8, 8, 0x123456);
     EXPECT_TRUE(BMPFILETOTEXT(put("a.bmp", bytes), edit));
     EXPECT_EQ(GetText(edit), BYTESTRINGTOLITERAL(bytes));
-    EXPECT_EQ(GetText(edit).substr(0, 5), "\"BMv\"");
+    EXPECT_EQ(GetText(edit).substr(0, 9), "\"BM\"+Chr(");
     EXPECT_TRUE(asked.empty());
 }
 
