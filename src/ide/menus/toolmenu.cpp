@@ -8,6 +8,7 @@
 #include "ide/options/genoptions.h"
 #include "ide/options/keysoptions.h"
 #include "ide/options/pathsoptions.h"
+#include "ide/editor/bitmaptext.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/tables/tables.h"
@@ -120,6 +121,16 @@ void DO_OPTIONS_KEYS() {
     FRAME(DO_OPTIONS_KEYS);
     STAMP();
     KEYSOPTIONSDIALOG();
+}
+
+void DO_CONVERT_BMP() {
+    FRAME(DO_CONVERT_BMP);
+    STAMP();
+    const std::string file =
+        OpenFileDialog("Tools-Convert Bitmap", "", "Bitmaps (*.bmp)|*.bmp|All files (*)|*|");
+    STAMP();
+    if (!file.empty()) CONVERTBMPDIALOG(file);
+    STAMP();
 }
 
 }  // namespace tarn

@@ -16,5 +16,7 @@ void DO_OPTIONS_FONTS();
 void DO_OPTIONS_GEN(const Object& mainWindow);
 void DO_OPTIONS_PATHS();
 void DO_OPTIONS_KEYS();
+// Asks for a bitmap and shows it as a text for a source.
+void DO_CONVERT_BMP();
 
 }  // namespace tarn

@@ -23,6 +23,7 @@ constexpr char filePrinter[] = "Print to file";
 
 bool browser = true;
 int beeps = 0;
+std::string lastUrl;
 
 // A document as plain text: the lines of each page, with a form feed between two pages.
 class TextDocument : public Canvas {
@@ -128,7 +129,10 @@ public:
         dropTimer(owner.handle);
         if (milliseconds > 0) timers_.push_back({owner.handle, milliseconds, dueAfter(milliseconds), false});
     }
-    bool openUrl(const std::string&) override { return browser; }
+    bool openUrl(const std::string& url) override {
+        lastUrl = url;
+        return browser;
+    }
     void toolProgress(const std::string& text) override {
         progress_ = !text.empty();
         stopped_ = stopped_ && progress_;
@@ -275,6 +279,10 @@ int headlessSounds() {
 
 bool setHeadlessBrowser(bool there) {
     return std::exchange(browser, there);
+}
+
+const std::string& lastHeadlessUrl() {
+    return lastUrl;
 }
 
 bool pressToolStop() {

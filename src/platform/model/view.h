@@ -193,6 +193,8 @@ int headlessSounds();
 bool setHeadlessBrowser(bool there);
 // The files that headless views were told to play since this was asked last.
 std::vector<std::string> takeHeadlessSounds();
+// What headless views were asked to open last.
+const std::string& lastHeadlessUrl();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();

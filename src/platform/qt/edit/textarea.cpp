@@ -9,6 +9,7 @@
 #include "platform/operations/textedits.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
+#include "platform/qt/texts.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -32,7 +33,6 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr char BytesType[] = "application/x-tarnwick-bytes";
 constexpr int TabWidth = 4;
 constexpr long MarkIndicator = 8;  // the first that is not the control's own
 constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain

@@ -15,7 +15,7 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
     start();
     asked.clear();
     for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg",
-                             "DifferenceDlg", "FindFilesDlg", "ReplaceFilesDlg", "ReplaceListDlg"}) {
+                             "DifferenceDlg", "ConvertBmpDlg", "FindFilesDlg", "ReplaceFilesDlg", "ReplaceListDlg"}) {
         const Object dialog(name);
         Load(dialog);
         ASSERT_TRUE(IsLoaded(dialog)) << name;
