@@ -8,6 +8,7 @@
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/toolresults.h"
 
 #include <utility>
 
@@ -138,7 +139,7 @@ Compilation runCompiler(const std::string& file, int windowMode) {
     line = FILESUBSTITUTENAME(line, "^", FILEGETDIR(file) + FILEBASENAME(file));
     const std::string arguments = STRTRIM(std::string_view(line).substr(STRTOKEN(line, 1).size()));
     const std::string compiler = FINDTOOL(GETCOMPILEREXE());
-    const std::string results = FILEGETDIR(compiler) + std::string(CompilerMessages);
+    const std::string results = os::resultFile(FILEGETDIR(compiler), CompilerMessages);
     const ToolRun run = RUNTOOL(compiler, arguments, windowMode, results);
     FILEDELETE(results);
     return {run.started, run.fault + (ISCLEAN(run.messages) ? "" : run.messages)};

@@ -3,6 +3,7 @@
 
 #include "ide/shell/idecore.h"
 #include "library/system/system.h"
+#include "os/toolresults.h"
 
 MODULE("toolrun", tarn::TOOL_ONERROR)
 
@@ -38,12 +39,12 @@ std::string GETORDOEXE() {
 
 std::string GETCOMPILERMESSAGES() {
     FRAME(GETCOMPILERMESSAGES);
-    return GETCOMPILERDIR() + std::string(CompilerMessages);
+    return os::resultFile(GETCOMPILERDIR(), CompilerMessages);
 }
 
 std::string GETMAKEMESSAGES() {
     FRAME(GETMAKEMESSAGES);
-    return GETCOMPILERDIR() + std::string(MakeMessages);
+    return os::resultFile(GETCOMPILERDIR(), MakeMessages);
 }
 
 // ---- runs ----

@@ -3,6 +3,7 @@
 
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/toolresults.h"
 #include "platform/resources/resource.h"
 #include "toolchain/build/link.h"
 #include "toolchain/build/tools.h"
@@ -28,7 +29,7 @@ struct Compile {
 
 Compile compile(const CompilerLine& line, const std::vector<std::string>& arguments,
                 const std::string& file) {
-    const std::string results = std::string(paths::folder(line.program)).append(ResultFile);
+    const std::string results = os::resultFile(std::string(paths::folder(line.program)), ResultFile);
     os::files().remove(results);
     const ToolRun run = runTool(line.program, arguments);
     std::string text;
