@@ -166,6 +166,13 @@ void Checker::noForm(Expression& item, const Declaration& first) {
         add(item.line, Problem::NoForm, {item.name});
 }
 
+// Whether it names something that keeps its value, so that there is more to say than that a variable is needed.
+static bool isKept(const Expression& value) {
+    const Declaration* root = rootOf(value);
+    return root != nullptr && (root->kind == DeclarationKind::Constant ||
+                               (root->kind == DeclarationKind::Parameter && root->mode == Mode::In));
+}
+
 void Checker::argument(Expression& item, std::size_t index, const Declaration& form) {
     const Declaration& parameter = *parametersOf(form)[index];
     ExpressionPtr& value = item.operands[index];
@@ -180,6 +187,8 @@ void Checker::argument(Expression& item, std::size_t index, const Declaration& f
     const Fit fit = fitOf(value->type, type);
     if (fit != Fit::Same && fit != Fit::Open)
         add(value->line, Problem::TypeMismatch, {typePhrase(type), typePhrase(value->type)});
+    else if (isKept(*value))
+        isVariable(*value, true);
     else if (!isVariable(*value, false) ||
              (value->kind == ExpressionKind::Index && value->operands[0]->type->kind == Kind::String))
         add(value->line, Problem::VariableNeeded, {std::to_string(index + 1), item.name});

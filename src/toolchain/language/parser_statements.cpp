@@ -123,6 +123,12 @@ StatementPtr Parser::itemStatement(int line) {
     }
     auto result = make(StatementKind::Assign, line);
     result->target = std::move(target);
+    if (here().told && !here().firstOnLine) {  // one message is enough
+        errorLine_ = line;
+        panic_ = true;
+        tree_->complete = false;
+        return nullptr;
+    }
     if (isSymbol("=")) {
         reportExpected("':=' to assign");
         return nullptr;
