@@ -8,6 +8,15 @@
 MODULE("toolrun", tarn::TOOL_ONERROR)
 
 namespace tarn {
+namespace {
+
+std::string nextStep(std::int32_t code) {
+    return code == ERR_EXEC_PERMISSIONS
+               ? "\nMake its file executable, or choose other tools in Tools-Options-Paths."
+               : "";
+}
+
+}  // namespace
 
 void TOOL_ONERROR(std::int32_t code) {
     const bool tool = code >= 901 && code <= 909, file = code >= 651 && code <= 659;
@@ -18,7 +27,7 @@ void TOOL_ONERROR(std::int32_t code) {
     MsgBox(
         "Error",
         ErrorMessage(code) + " (error " + STR(code) + ").\n" +
-            (tool ? "Cannot run external program."
+            (tool ? "Cannot run external program." + nextStep(code)
                   : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
                     "compiler file path that you may write."),
         "OK", BoxIcon::Error);

@@ -491,6 +491,9 @@ void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string
                         tarn_string* stem, tarn_string* extension);
 void tarn_sys_strsplit(const tarn_string* text, const tarn_string* separator, tarn_string* left,
                        tarn_string* right);
+void tarn_sys_strsplit_blanks(const tarn_string* text, tarn_string* left, tarn_string* right);
+void tarn_sys_setvalue(const tarn_string* text, tarn_set* s, uint8_t* ok);
+void tarn_sys_cvts(const void* value, int32_t kind, tarn_string* result); /* 986 */
 void tarn_sys_nextword(const tarn_string* text, int32_t* position, tarn_string* word);
 void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* text,
                             tarn_string* result);

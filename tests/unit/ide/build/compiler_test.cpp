@@ -116,6 +116,16 @@ TEST_F(Compiler, CompileNamesWhatStandsInItsWay) {
                               "'\nThis file is not a valid class.\n");
 }
 
+TEST_F(Compiler, ThatMayNotBeRunIsToldWithTheNextStep) {
+    std::filesystem::create_directory(dir + "tools");
+    PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "tools");
+    write("tools/quarn.exe", "#!/bin/sh\n");
+    ASSERT_EQ(::chmod((dir + "tools/quarn.exe").c_str(), 0644), 0);
+    COMPILESINGLEFILE(write("a.cls", "Tarnwick Class A\nEnd class\n"), 1);
+    EXPECT_EQ(lastText(), ErrorMessage(908) + " (error 908).\nCannot run external program.\nMake its file "
+                                              "executable, or choose other tools in Tools-Options-Paths.");
+}
+
 // Tools in a folder where the user cannot write; beside them lies what somebody else's run left. They write where the
 // real ones do.
 class InstalledTools : public IdeTest {

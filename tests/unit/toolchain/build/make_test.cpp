@@ -214,6 +214,15 @@ TEST_F(BrokenCompiler, AMissingCompilerIsAFailure) {
     EXPECT_NE(failure().find("the program is not found"), std::string::npos) << errors();
 }
 
+TEST_F(BrokenCompiler, ACompilerThatMayNotBeRunIsToldWithTheNextStep) {
+    compiler("exit 0");
+    std::filesystem::permissions(dir + "tools/quarn.exe", std::filesystem::perms(0644));
+    EXPECT_NE(failure().find("error 1909 the compiler failed: its file may not be run: make it executable (chmod +x '" +
+                             dir + "tools/quarn.exe')"),
+              std::string::npos)
+        << errors();
+}
+
 TEST_F(BrokenCompiler, AFailingCCompilerIsToldWithItsText) {
     const Variable backEnd("TARNWICK_CC", "gcc-O0");
     write("bin/cc", "#!/bin/sh\necho out of luck\nexit 1\n");
