@@ -71,8 +71,15 @@ public:
         if (result_.report.empty()) compileResources();
         if (result_.report.empty() && !sources_.exe.empty()) link();
         result_.ok = result_.report.empty();
-        if (result_.ok) result_.report = summaryLine(main_.path, 0);
+        if (result_.ok) result_.report = successes();
         return result_;
+    }
+    // A line for each class that was compiled, as the compiler writes it; for the program, where none was.
+    std::string successes() const {
+        std::string lines;
+        for (const SourceClass& item : sources_.classes)
+            if (compiled_.count(item.path) != 0) lines += summaryLine(item.path, 0);
+        return lines.empty() ? summaryLine(main_.path, 0) : lines;
     }
     // Something changed under the build's hands; what is out of date has to be found anew.
     bool again() const { return again_; }

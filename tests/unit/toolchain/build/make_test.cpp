@@ -312,7 +312,7 @@ TEST_F(Make, BuildsAtTheSameTimeWaitForEachOther) {
         ASSERT_NE(build, nullptr);
         EXPECT_EQ(build->wait(60000).code, 0);
     }
-    for (const char* answer : {"1", "2", "3", "4"}) EXPECT_EQ(read(answer), dir + "main.cls : 0 errors.\n");
+    for (const char* answer : {"1", "2", "3", "4"}) EXPECT_EQ(read(answer), dir + "c.cls : 0 errors.\n" + dir + "b.cls : 0 errors.\n" + dir + "main.cls : 0 errors.\n");
     EXPECT_EQ(run(dir + "main.exe", {}), 0);
     EXPECT_EQ(output, "c\n");
 }
