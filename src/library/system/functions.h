@@ -134,7 +134,6 @@
     X(Object, IIF, iif_object, (bool condition, const Object& yes, const Object& no), (condition, yes, no))          \
     X(void, MSGBOX, msgbox_text, (const std::string& text), (text))                                                  \
     X(std::string, MSGBOX, msgbox_buttons, (const std::string& title, const std::string& text, const std::string& buttons), (title, text, buttons))\
-    X(std::int32_t, FINDWINDOWHANDLE, findwindowhandle_class, (const std::string& windowClass, const std::string& caption), (windowClass, caption)) \
     X(std::string, MSGBOX, msgbox_icon, (const std::string& title, const std::string& text, const std::string& buttons, BoxIcon icon), (title, text, buttons, icon)) \
     X(std::int32_t, MSGBOX, msgbox_flags, (const std::string& title, const std::string& text, std::int32_t flags), (title, text, flags)) \
     X(std::string, INPUTBOX, inputbox, (const std::string& title, const std::string& prompt), (title, prompt))       \

@@ -76,7 +76,10 @@ const Declaration* Checker::lookUpIn(const std::string& qualifier, const std::st
         prepare(*used.tree, *item, line);
         return item;
     }
-    add(line, Problem::NotInUses, {qualifier});
+    if (const Declaration* item = lookUp({}, qualifier, line, true); item != nullptr)
+        wrongKind(*item, "the name of a class", line);
+    else
+        add(line, Problem::NotInUses, {qualifier});
     reported_.insert(ascii::lowered(name));
     return nullptr;
 }

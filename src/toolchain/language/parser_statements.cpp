@@ -107,6 +107,10 @@ StatementPtr Parser::itemStatement(int line) {
         panic_ = true;
         return nullptr;
     }
+    if (isCall(*target) && isSymbol(":=")) {
+        report(Problem::Foreign, {"( )", "'[' and ']' around the place of an element"});
+        return nullptr;
+    }
     if (isCall(*target)) {
         auto result = make(StatementKind::Call, line);
         result->value = std::move(target);

@@ -230,6 +230,8 @@ const Habit Habits[] = {
     {"== for := in a field", inMain("s[i] == 1"), "6 1006", "write ':=' to assign, '=' to compare"},
     {"== in a line that goes on", inMain("if b and\n b == (i = 1) then\nend if"), "7 1006", "write ':=' to assign, '=' to compare"},
     {"== in a call", inMain("PRINT(STR(i == 1))"), "6 1006", "write '='"},
+    {"a(i) := x", inMain("s(i) := 1"), "6 1006", "'[' and ']' around the place of an element"},
+    {"s.add(x)", inMain("s.add(1)"), "6 1208", "'s' is a variable, and the name of a class is needed here"},
     {"!= as a statement", inMain("i != 1"), "6 1006", "write '<>'"},
     {"try", inMain("try\ni := 1\ncatch\nend try"), "6 1006", "a function 'onerror', which gets the errors of its class"},
     {"goto", inMain("goto x"), "6 1006", "'loop', 'exit' and 'iterate'"},
