@@ -317,7 +317,8 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     if (!isClassName(base))
         return MsgBox("Save File",
                       "The classname '" + className + "' does not match the file being saved (" + base +
-                          ".cls).\nIt cannot be changed to match, because '" + base + "' is no name of a class.",
+                          ".cls).\nIt cannot be changed to match, because '" + base +
+                          "' is no name of a class.",
                       "&Save\n&Cancel", BoxIcon::Question) == "&Save";
     const int answer = MsgBoxEx("Save File",
                                 "The classname '" + className + "' does not match the file being saved (" +

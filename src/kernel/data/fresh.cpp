@@ -56,12 +56,13 @@ bool replaceTable(const TableDescriptor& fresh, TableDescriptor& target, const s
 
 // The shape of an array or set without bounds of its type has none; those that the target has are what is read into.
 void takeBounds(const void* target, void* fresh, Kind kind) {
-    if (target == nullptr || ReadAt<DescriptorHead>(fresh).size == ReadAt<DescriptorHead>(target).size) return;
+    if (target == nullptr || ReadAt<DescriptorHead>(fresh).size == ReadAt<DescriptorHead>(target).size)
+        return;
     if (kind == KindArray) {
         const auto array = ReadAt<ArrayDescriptor>(target);
         const ArrayBounds one = array.bounds[0], two = array.bounds[1], three = array.bounds[2];
-        ArrayRedim(static_cast<ArrayDescriptor*>(fresh), one.lower, one.upper, two.lower, two.upper, three.lower,
-                   three.upper, false);
+        ArrayRedim(static_cast<ArrayDescriptor*>(fresh), one.lower, one.upper, two.lower, two.upper,
+                   three.lower, three.upper, false);
     } else if (kind == KindSet) {
         const auto set = ReadAt<SetDescriptor>(target);
         SetRedim(static_cast<SetDescriptor*>(fresh), set.lower, set.upper, false);

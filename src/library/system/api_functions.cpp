@@ -61,7 +61,8 @@ extern "C" const auto tarn_win_exec_in =
     bridge::Bridge<std::int32_t(const std::string&, const std::string&, int, const std::string&),
                    Of<execIn>>::function();
 extern "C" const auto tarn_win_exec_list =
-    bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int), Of<execList>>::function();
+    bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int),
+                   Of<execList>>::function();
 extern "C" const auto tarn_win_exec_list_in =
     bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int, const std::string&),
                    Of<execListIn>>::function();

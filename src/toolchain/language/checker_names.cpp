@@ -122,7 +122,8 @@ void Checker::unknown(const std::string& name, int line) {
     const bool guess = std::any_of(tree_.uses.begin(), tree_.uses.end(), [](const UsedClass& used) {
         return used.tree != nullptr ? !used.tree->complete : !isBuiltInClass(used.name);
     });
-    if (!guess && !tellWindowFaults() && reported_.insert(ascii::lowered(name)).second) add(line, Problem::UnknownName, {name});
+    if (!guess && !tellWindowFaults() && reported_.insert(ascii::lowered(name)).second)
+        add(line, Problem::UnknownName, {name});
 }
 
 }  // namespace tarn::toolchain

@@ -77,9 +77,12 @@ private:
         }
         if (!item_) return;
         const bool symbol = token.kind == TokenKind::Symbol;
-        if (symbol && (token.text == "(" || token.text == "[")) ++brackets_;
-        else if (symbol && (token.text == ")" || token.text == "]")) --brackets_;
-        else if (brackets_ <= 0) item_ = name || (symbol && token.text == ".");
+        if (symbol && (token.text == "(" || token.text == "["))
+            ++brackets_;
+        else if (symbol && (token.text == ")" || token.text == "]"))
+            --brackets_;
+        else if (brackets_ <= 0)
+            item_ = name || (symbol && token.text == ".");
     }
 
     void skip() {

@@ -254,8 +254,8 @@ struct ClassTree {
     std::vector<std::unique_ptr<Declaration>> declarations;
     std::map<std::string, Declaration*> names;  // by folded name; further forms hang on the first
     std::vector<WindowFault> windowFaults;
-    bool complete = true;                       // false: the text has errors
-    bool typesDone = false;                     // the types of all heads are resolved
+    bool complete = true;    // false: the text has errors
+    bool typesDone = false;  // the types of all heads are resolved
 };
 
 Declaration* findDeclaration(const ClassTree& tree, const std::string& foldedName);

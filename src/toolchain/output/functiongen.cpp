@@ -171,8 +171,8 @@ private:
         std::string guard;
         if (head_.hasRange)
             guard = "    if (" + code + " < " + std::to_string(head_.firstCode) + " || " + code + " > " +
-                     std::to_string(head_.lastCode) + ") {\n        tarn_default_onerror(" + code +
-                     ");\n        return;\n    }\n";
+                    std::to_string(head_.lastCode) + ") {\n        tarn_default_onerror(" + code +
+                    ");\n        return;\n    }\n";
         entry_ = guard + "    if (!tarn_report_begin())\n        return;\n" + entry_;
         return finish(std::string("static void ") + OnerrorSymbol + "(int32_t " + code + ")", body,
                       "    tarn_report_end();\n");

@@ -152,8 +152,9 @@ protected:
     // The make tool also answers, with the name of the class.
     void tool(const std::string& name, const std::string& message) {
         write("tools/" + name, "#!/bin/sh\numask 077; mkdir -p '" + dir + "tarnwick'\necho '" + message +
-                                   "' >'" + dir + "tarnwick/sarn.err'\nfor word; do case $word in\n-o*) echo '" +
-                                   dir + "a.cls' >\"${word#-o}\";; esac; done\n");
+                                   "' >'" + dir +
+                                   "tarnwick/sarn.err'\nfor word; do case $word in\n-o*) echo '" + dir +
+                                   "a.cls' >\"${word#-o}\";; esac; done\n");
         ASSERT_EQ(::chmod((dir + "tools/" + name).c_str(), 0755), 0);
     }
     // From here on permissions count.

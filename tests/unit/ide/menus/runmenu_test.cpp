@@ -188,15 +188,17 @@ TEST_F(Start, ANewClassWithoutANameIsNotBuilt) {
     EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
     RUN_START("Run-Start", "<untitled>");
     EXPECT_EQ(log("ordo.exe"), "");
-    EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
-                          "not have the correct extension (*.cls).");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
+              "not have the correct extension (*.cls).");
 }
 
 TEST_F(Start, RefusesANewTextThatIsNoClass) {
     EDITWNDNEW(SDIEdit, "text");
     RUN_START("Run-Start", "<untitled>");
-    EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
-                          "not have the correct extension (*.cls).");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
+              "not have the correct extension (*.cls).");
 }
 
 TEST_F(Start, RefusesWhatCannotBeStarted) {

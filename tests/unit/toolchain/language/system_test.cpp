@@ -64,7 +64,8 @@ TEST_F(SystemClass, HasNoFunctionThatTheDocumentsDoNotTell) {
         told += text;
     }
     for (const auto& item : systemClass().declarations) {
-        if (item->kind != DeclarationKind::Function || operations.count(item->function->external) != 0) continue;
+        if (item->kind != DeclarationKind::Function || operations.count(item->function->external) != 0)
+            continue;
         bool found = false;
         for (const char* mark : {"`", " ", "\n"})
             for (const char* end : {"(", "`", ",", " "})
