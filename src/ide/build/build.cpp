@@ -12,6 +12,7 @@
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/toolresults.h"
 
 MODULE("runmenu", tarn::TOOL_ONERROR)
 
@@ -115,7 +116,7 @@ void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::st
 
 bool UPDATEERRORWINDOW(const std::string& compilerDir) {
     FRAME(UPDATEERRORWINDOW);
-    const std::string file = compilerDir + std::string(CompilerMessages);
+    const std::string file = os::resultFile(compilerDir, CompilerMessages);
     std::string text;
     STAMP();
     if (FileSize(file) > 0) LOADFILE(file, text);

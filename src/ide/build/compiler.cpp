@@ -8,6 +8,7 @@
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/toolresults.h"
 
 #include <utility>
 
@@ -146,7 +147,7 @@ Compilation runCompiler(const std::string& file, int windowMode) {
     std::string arguments;
     for (const std::string& word : words) arguments += QUOTEARGUMENT(word) + " ";
     const std::string compiler = FINDTOOL(GETCOMPILEREXE());
-    const std::string results = FILEGETDIR(compiler) + std::string(CompilerMessages);
+    const std::string results = os::resultFile(FILEGETDIR(compiler), CompilerMessages);
     const ToolRun run = RUNTOOL(compiler, arguments, windowMode, results);
     FILEDELETE(results);
     return {run.started, run.fault + (ISCLEAN(run.messages) ? "" : run.messages)};

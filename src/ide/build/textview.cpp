@@ -10,6 +10,7 @@
 #include "library/data/dbutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
+#include "os/text/utf8.h"
 
 MODULE("textview", tarn::TOOL_ONERROR)
 
@@ -31,8 +32,29 @@ struct Message {
     int line = 0, number = 0;
 };
 
+// The bytes that the tool wrote, which name files; the window may show some of them in another form. Its lines are theirs.
+constexpr std::string_view BytesValue = "bytes";
+
+void setMessages(const Object& window, const std::string& bytes) {
+    SetArrayValue(window, BytesValue, bytes);
+    SetText(window, utf8::shown(bytes));
+}
+
+int lineStart(const std::string& text, int line) {
+    int place = 1;
+    for (; line > 1 && place > 0; --line) place = STRFIND("\n", text, place) + 1;
+    return place;
+}
+
 Message messageAtCursor(const Object& window) {
-    const std::string result = FILEGETERROR(GetText(window), GetSelection(window).start, searchPath());
+    std::string text = GetText(window);
+    int place = GetSelection(window).start;
+    const std::string bytes = GetArrayValue(window, BytesValue);
+    if (bytes != text && utf8::shown(bytes) == text) {
+        place = lineStart(bytes, STRLINES(STRLEFT(text, place - 1)) + 1);
+        text = bytes;
+    }
+    const std::string result = FILEGETERROR(text, place, searchPath());
     Message message;
     bool ok = false;
     message.file = STRREMOVEQUOTES(STRTOKEN(result, 1));
@@ -118,7 +140,7 @@ void showText(const std::string& title, const std::string& text, const std::stri
     SetCaption(ViewDlg, title);
     SetFontName(ViewDlg, fontName);
     SetFontSize(ViewDlg, fontSize);
-    SetText(ViewDlg, text);
+    setMessages(ViewDlg, text);
     SetSelection(ViewDlg, 1, 0);
     Show(ViewDlg, false);
 }

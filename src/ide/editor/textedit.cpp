@@ -351,6 +351,12 @@ std::string askForName(const Object& window, const std::string& name) {
     return SaveAsDialog("Save File", proposedName(window, name), "Class (*.cls)|*.cls|All files (*)|*|");
 }
 
+bool isClassName(const std::string& name) {
+    constexpr std::size_t Most = 40;
+    return name.size() <= Most && STRTOIDENTIFIER(name, "", "_") == name && !ISRESERVEDWORD(name) &&
+           !ISFUTURERESERVEDWORD(name);
+}
+
 // Brings the class name in the text into line with the file's, if the user wants that; false on Cancel.
 bool agreeOnClassName(const Object& window, const std::string& file) {
     if (!ISCLASSFILE(file)) return true;
@@ -358,6 +364,12 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     const std::string base = FILEBASENAME(file);
     const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
     if (className.empty() || STREQUAL(className, base)) return true;
+    if (!isClassName(base))
+        return MsgBox("Save File",
+                      "The classname '" + className + "' does not match the file being saved (" + base +
+                          ".cls).\nIt cannot be changed to match, because '" + base +
+                          "' is no name of a class.",
+                      "&Save\n&Cancel", BoxIcon::Question) == "&Save";
     const int answer = MsgBoxEx("Save File",
                                 "The classname '" + className + "' does not match the file being saved (" +
                                     base + ".cls).\nDo you want the classname to be changed to match?",

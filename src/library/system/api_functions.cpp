@@ -38,6 +38,13 @@ namespace {
 std::int32_t exec(const std::string& command, const std::string& arguments, int mode) {
     return EXEC(command, arguments, mode).code;
 }
+std::int32_t execList(const std::string& command, const std::vector<std::string>& arguments, int mode) {
+    return EXEC(command, arguments, mode).code;
+}
+std::int32_t execListIn(const std::string& command, const std::vector<std::string>& arguments, int mode,
+                        const std::string& folder) {
+    return EXEC(command, arguments, mode, folder).code;
+}
 std::int32_t execIn(const std::string& command, const std::string& arguments, int mode,
                     const std::string& folder) {
     return EXEC(command, arguments, mode, folder).code;
@@ -53,5 +60,11 @@ extern "C" const auto tarn_win_exec =
 extern "C" const auto tarn_win_exec_in =
     bridge::Bridge<std::int32_t(const std::string&, const std::string&, int, const std::string&),
                    Of<execIn>>::function();
+extern "C" const auto tarn_win_exec_list =
+    bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int),
+                   Of<execList>>::function();
+extern "C" const auto tarn_win_exec_list_in =
+    bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int, const std::string&),
+                   Of<execListIn>>::function();
 
 }  // namespace tarn::api

@@ -74,6 +74,51 @@
     X(bool, ISDATEVALID, isdatevalid, (std::int32_t year, std::int32_t month, std::int32_t day), (year, month, day)) \
     X(bool, ISDATESTRVALID, isdatestrvalid, (std::string_view text), (text))                                         \
     X(std::string, TIMEMAKEFULLSTR, timemakefullstr, (std::string_view text), (text))                                \
+    X(bool, CVTB, cvtb_enum, (std::uint8_t value), (value))                                                          \
+    X(FixedValue, CVTF, cvtf_boolean, (bool value), (value))                                                         \
+    X(double, CVTR, cvtr_boolean, (bool value), (value))                                                             \
+    X(double, CVTR, cvtr_enum, (std::uint8_t value), (value))                                                        \
+    X(double, CVTR, cvtr_integer, (std::int32_t n), (n))                                                             \
+    X(std::string, STR, str_text, (std::string_view text), (text))                                                   \
+    X(std::string, STR, str_boolean_integer, (bool value, std::int32_t format), (value, format))                     \
+    X(std::string, STR, str_boolean_fixed, (bool value, FixedValue format), (value, format))                         \
+    X(std::string, STR, str_boolean_real, (bool value, double format), (value, format))                              \
+    X(std::string, STR, str_boolean_text, (bool value, std::string_view format), (value, format))                    \
+    X(std::string, STR, str_enum_integer, (std::uint8_t value, std::int32_t format), (value, format))                \
+    X(std::string, STR, str_enum_fixed, (std::uint8_t value, FixedValue format), (value, format))                    \
+    X(std::string, STR, str_enum_real, (std::uint8_t value, double format), (value, format))                         \
+    X(std::string, STR, str_enum_text, (std::uint8_t value, std::string_view format), (value, format))               \
+    X(std::string, STR, str_text_integer, (std::string_view text, std::int32_t format), (text, format))              \
+    X(std::string, STR, str_text_fixed, (std::string_view text, FixedValue format), (text, format))                  \
+    X(std::string, STR, str_text_real, (std::string_view text, double format), (text, format))                       \
+    X(std::string, STR, str_text_text, (std::string_view text, std::string_view format), (text, format))             \
+    X(std::string, STR, str_fixed_real, (FixedValue n, double format), (n, format))                                  \
+    X(std::string, STR, str_fixed_text, (FixedValue n, std::string_view format), (n, format))                        \
+    X(std::string, STR, str_real_real, (double n, double format), (n, format))                                       \
+    X(std::string, STR, str_real_text, (double n, std::string_view format), (n, format))                             \
+    X(std::string, HEXSTR, hexstr_boolean_plain, (bool value), (value))                                              \
+    X(std::string, HEXSTR, hexstr_boolean, (bool value, std::int32_t width), (value, width))                         \
+    X(std::string, HEXSTR, hexstr_enum_plain, (std::uint8_t value), (value))                                         \
+    X(std::string, HEXSTR, hexstr_enum, (std::uint8_t value, std::int32_t width), (value, width))                    \
+    X(std::string, HEXSTR, hexstr_integer_plain, (std::int32_t value), (value))                                      \
+    X(std::string, HEXSTR, hexstr_fixed_plain, (FixedValue value), (value))                                          \
+    X(std::string, HEXSTR, hexstr_fixed, (FixedValue value, std::int32_t width), (value, width))                     \
+    X(std::string, HEXSTR, hexstr_text, (std::string_view text), (text))                                             \
+    X(void, SETVALUE, setvalue, (std::string_view text, SetDescriptor* s), (text, s))                                \
+    X(std::string, STRREPLACE, strreplace_all, (std::string_view text, std::string_view what, std::string_view instead), (text, what, instead)) \
+    X(std::string, STRREPLACE, strreplace_case, (std::string_view text, std::string_view what, std::string_view instead, bool ignorecase), (text, what, instead, ignorecase)) \
+    X(std::string, STRREPLACE, strreplace_from, (std::string_view text, std::string_view what, std::string_view instead, bool ignorecase, std::int32_t first), (text, what, instead, ignorecase, first)) \
+    X(std::string, STRREPLACE, strreplace_most, (std::string_view text, std::string_view what, std::string_view instead, bool ignorecase, std::int32_t first, std::int32_t most), (text, what, instead, ignorecase, first, most)) \
+    X(std::vector<std::string>, STRSPLIT, strsplit_parts, (std::string_view text, std::string_view separator, std::int32_t most), (text, separator, most)) \
+    X(void, STRSPLIT, strsplit_list, (std::string_view text, std::string_view separator, std::int32_t most, ListDescriptor* parts), (text, separator, most, parts)) \
+    X(bool, FILECREATESHORTCUT, filecreateshortcut_whole, (const std::string& shortcut, const std::string& target, const std::string& arguments, const std::string& folder, const std::string& icon), (shortcut, target, arguments, folder, icon)) \
+    X(RegInfo, REGGETSETTINGINFO, reggetsettinginfo_key, (const std::string& key), (key))                            \
+    X(std::string, GETAPPLICATIONCOMPATIBILITYFLAGS, getapplicationcompatibilityflags, (const std::string& path), (path)) \
+    X(bool, IS_RESOURCE_MEMORY_OPTS, is_resource_memory_opts, (const std::string& word), (word))                     \
+    X(std::string, RESOURCEGETFILENAME, resourcegetfilename, (const std::string& path, const std::string& kind, const std::string& name), (path, kind, name)) \
+    X(std::string, TYPEINFOFIXIDENTIFIERS, typeinfofixidentifiers_length, (std::string_view text, std::int32_t maxLength), (text, maxLength)) \
+    X(std::string, TYPEINFOFIXIDENTIFIERS, typeinfofixidentifiers_drop, (std::string_view text, std::int32_t maxLength, bool dropDeleteFlag), (text, maxLength, dropDeleteFlag)) \
+    X(void, TYPEINFOFIXIDENTIFIERS, typeinfofixidentifiers_list, (ListDescriptor* lines, std::int32_t maxLength, bool dropDeleteFlag), (lines, maxLength, dropDeleteFlag)) \
     X(std::int32_t, TIMEGETDAYNUMBER, timegetdaynumber, (std::string_view text), (text))                             \
     X(std::string, TIMEDAYNUMBERTOSTR, timedaynumbertostr, (std::int32_t n), (n))
 
@@ -89,6 +134,13 @@
     X(Object, IIF, iif_object, (bool condition, const Object& yes, const Object& no), (condition, yes, no))          \
     X(void, MSGBOX, msgbox_text, (const std::string& text), (text))                                                  \
     X(std::string, MSGBOX, msgbox_buttons, (const std::string& title, const std::string& text, const std::string& buttons), (title, text, buttons))\
+    X(std::string, MSGBOX, msgbox_icon, (const std::string& title, const std::string& text, const std::string& buttons, BoxIcon icon), (title, text, buttons, icon)) \
+    X(std::int32_t, MSGBOX, msgbox_flags, (const std::string& title, const std::string& text, std::int32_t flags), (title, text, flags)) \
+    X(std::string, INPUTBOX, inputbox, (const std::string& title, const std::string& prompt), (title, prompt))       \
+    X(PrintChoice, PRINTDIALOG, printdialog, (const Object& owner), (owner))                                         \
+    X(void, ADJUSTCONTROLPOS, adjustcontrolpos, (const Object& window, const Object& control, const Rect& before), (window, control, before)) \
+    X(bool, FILECOPY, filecopy_plain, (const std::string& source, const std::string& dest), (source, dest))          \
+    X(bool, WAITFORSINGLEOBJECT_MSG, waitforsingleobject_msg, (std::int32_t process, std::int32_t milliseconds), (process, milliseconds)) \
     X(std::string, PRINTERS, printers, (), ())                                                                       \
     X(bool, SETTIMER, settimer, (const Object& window, std::int32_t milliseconds), (window, milliseconds))           \
     X(bool, SETTIMER, settimer_number, (const Object& window, std::int32_t number, std::int32_t milliseconds), (window, number, milliseconds))\

@@ -30,6 +30,18 @@ protected:
     }
 };
 
+TEST_F(ErrorWindow, ShowsBytesThatAreNoUtf8AsLatin1AndLeadsToTheirFile) {
+    const std::string file = put("\xE9t\xE9", "there");
+    const std::string message = file + "(2) : error 7 caf\xE9\n";
+    write("sarn.err", "\xC3\xA9t\xC3\xA9\n" + message);
+    ASSERT_FALSE(UPDATEERRORWINDOW(dir));
+    EXPECT_EQ(GetText(ViewDlg),
+              "\xC3\xA9t\xC3\xA9\n" + dir + "\xC3\xA9t\xC3\xA9/a.cls(2) : error 7 caf\xC3\xA9\n");
+    SetSelection(ViewDlg, 12, 0);
+    doubleClick();
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), file) << lastText();
+}
+
 TEST_F(ErrorWindow, SuccessIsNoTextOrTheMarkAnywhere) {
     struct Case {
         const char* text;

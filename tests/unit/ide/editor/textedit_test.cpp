@@ -152,6 +152,24 @@ TEST_F(CodeWindow, OffersToMatchTheClassNameToTheFile) {
     EXPECT_EQ(read(dir + "other.cls"), "Tarnwick Class other\nEnd class\n");
 }
 
+TEST_F(CodeWindow, OffersNoClassNameThatIsNone) {
+    const std::string text = "Tarnwick Class Abc\nEnd class\n";
+    for (const std::string base : {"two words", "\xC3\xA9t\xC3\xA9", "loop", "View", "1st", "a-b", "x.y",
+                                   "aaaaaaaaaabbbbbbbbbbccccccccccddddddddddE"}) {
+        EDITWNDNEW(SDIEdit, text);
+        answers = {dir + base + ".cls", "&Save"};
+        EDITWNDSAVE(SDIEdit, false);
+        EXPECT_EQ(lastText(), "The classname 'Abc' does not match the file being saved (" + base +
+                                  ".cls).\nIt cannot be changed to match, because '" + base +
+                                  "' is no name of a class.");
+        EXPECT_EQ(read(dir + base + ".cls"), text);
+    }
+    EDITWNDNEW(SDIEdit, text);
+    answers = {dir + "my class.cls", "&Cancel"};
+    EDITWNDSAVE(SDIEdit, false);
+    EXPECT_FALSE(std::filesystem::exists(dir + "my class.cls"));
+}
+
 TEST_F(CodeWindow, CancelAtTheClassNameSavesNothing) {
     EDITWNDNEW(SDIEdit, "Tarnwick Class Abc\nEnd class\n");
     answers = {dir + "other.cls", "&Cancel"};

@@ -226,6 +226,33 @@ TEST_F(Start, IsNotCurrentWhileTheTextIsChanged) {
     EXPECT_FALSE(ISUPTODATE(main));
 }
 
+TEST_F(Start, ANewClassIsNamedFirstAndThenBuilt) {
+    tool("ordo.exe", "");
+    EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
+    answers = {dir + "fresh.cls"};
+    RUN_START("Run-Start", "<untitled>");
+    EXPECT_TRUE(log("ordo.exe").starts_with("-fq\n" + dir + "fresh.cls\n")) << log("ordo.exe");
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "fresh.cls");
+}
+
+TEST_F(Start, ANewClassWithoutANameIsNotBuilt) {
+    tool("ordo.exe", "");
+    EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
+    RUN_START("Run-Start", "<untitled>");
+    EXPECT_EQ(log("ordo.exe"), "");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
+              "not have the correct extension (*.cls).");
+}
+
+TEST_F(Start, RefusesANewTextThatIsNoClass) {
+    EDITWNDNEW(SDIEdit, "text");
+    RUN_START("Run-Start", "<untitled>");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
+              "not have the correct extension (*.cls).");
+}
+
 TEST_F(Start, RefusesWhatCannotBeStarted) {
     RUN_START("Run-Start", "");
     EXPECT_EQ(lastText(),
