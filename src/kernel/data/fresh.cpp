@@ -54,27 +54,11 @@ bool replaceTable(const TableDescriptor& fresh, TableDescriptor& target, const s
     return moved || rebuilt(target);
 }
 
-// The shape of an array or set without bounds of its type has none; those that the target has are what is read into.
-void takeBounds(const void* target, void* fresh, Kind kind) {
-    if (target == nullptr || ReadAt<DescriptorHead>(fresh).size == ReadAt<DescriptorHead>(target).size)
-        return;
-    if (kind == KindArray) {
-        const auto array = ReadAt<ArrayDescriptor>(target);
-        const ArrayBounds one = array.bounds[0], two = array.bounds[1], three = array.bounds[2];
-        ArrayRedim(static_cast<ArrayDescriptor*>(fresh), one.lower, one.upper, two.lower, two.upper,
-                   three.lower, three.upper, false);
-    } else if (kind == KindSet) {
-        const auto set = ReadAt<SetDescriptor>(target);
-        SetRedim(static_cast<SetDescriptor*>(fresh), set.lower, set.upper, false);
-    }
-}
-
 }  // namespace
 
 // The destructor runs from the end of the first constructor on, whatever stops the second.
 FreshValue::FreshValue(void* target, Kind kind, Shaped) : target_(target), kind_(kind) {
     AdtInit(bytes_, target, kind);
-    if (!IsZeroValue(bytes_, kind)) takeBounds(target, bytes_, kind);
 }
 
 FreshValue::FreshValue(void* target, Kind kind) : FreshValue(target, kind, Shaped()) {
@@ -98,6 +82,21 @@ FreshValue::~FreshValue() {
     } catch (...) {  // the end of the process, in a test
     }
     AdtFree(bytes_, kind_);
+}
+
+void FreshValue::takeBounds() {
+    if (IsZeroValue(bytes_, kind_) ||
+        ReadAt<DescriptorHead>(bytes_).size == ReadAt<DescriptorHead>(target_).size)
+        return;
+    if (kind_ == KindArray) {
+        const auto array = ReadAt<ArrayDescriptor>(target_);
+        const ArrayBounds one = array.bounds[0], two = array.bounds[1], three = array.bounds[2];
+        ArrayRedim(reinterpret_cast<ArrayDescriptor*>(bytes_), one.lower, one.upper, two.lower, two.upper,
+                   three.lower, three.upper, false);
+    } else if (kind_ == KindSet) {
+        const auto set = ReadAt<SetDescriptor>(target_);
+        SetRedim(reinterpret_cast<SetDescriptor*>(bytes_), set.lower, set.upper, false);
+    }
 }
 
 bool FreshValue::replaceTarget() {

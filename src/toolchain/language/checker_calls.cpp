@@ -54,15 +54,20 @@ bool changesElements(const Declaration& form) {
     return std::find(Names.begin(), Names.end(), ascii::lowered(form.name)) != Names.end();
 }
 
+std::string kindText(const Declaration& parameter) {
+    const Kind kind = parameter.type->kind;
+    if (kind == Kind::Record && parameter.typeNode && !parameter.typeNode->name.empty())
+        return parameter.typeNode->name;
+    return kind == Kind::Adt ? "any value" : kindName(kind);
+}
+
 // "STRFIND(string, string)"
 std::string formText(const std::string& name, const Declaration& form) {
+    static constexpr const char* Modes[] = {"", "out ", "inout "};
     std::string text;
-    for (const auto& parameter : parametersOf(form)) {
-        const Kind kind = parameter->type->kind;
-        text += text.empty() ? "" : ", ";
-        text += parameter->mode == Mode::Out ? "out " : parameter->mode == Mode::Inout ? "inout " : "";
-        text += kind == Kind::Adt ? "any value" : kindName(kind);
-    }
+    for (const auto& parameter : parametersOf(form))
+        text +=
+            (text.empty() ? "" : ", ") + (Modes[static_cast<int>(parameter->mode)] + kindText(*parameter));
     return name + "(" + text + ")";
 }
 
