@@ -12,11 +12,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListView>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
@@ -672,6 +675,42 @@ TEST_F(DrawTest, TheDesktopTellsItsScreensAndTheSizeOfIcons) {
 TEST_F(DrawTest, TheDesktopsClipboardIsReachedByItsObject) {
     SetText(Sysclipboard, "copied \xC3\xA9");
     EXPECT_EQ(GetText(Sysclipboard).value, "copied \xC3\xA9");
+    QGuiApplication::clipboard()->setText(QStringLiteral("from elsewhere"));
+    EXPECT_EQ(GetText(Sysclipboard).value, "from elsewhere");
+    QGuiApplication::clipboard()->setImage(QImage(4, 4, QImage::Format_RGB32));
+    EXPECT_EQ(GetText(Sysclipboard).value, "");
+    QGuiApplication::clipboard()->clear();
+    EXPECT_EQ(GetText(Sysclipboard).value, "");
+}
+
+TEST_F(DrawTest, TheClipboardKeepsAnyBytesOfThisProgram) {
+    const std::string odd("a\xFF\xC3\0z\r\n\n", 8);
+    SetText(Sysclipboard, odd);
+    EXPECT_EQ(GetText(Sysclipboard).value, odd);
+    // Other programs get a text, whose lines end with LF.
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromLatin1("a\xFF\xC3\0z\n\n", 7));
+}
+
+TEST_F(DrawTest, ForeignBytesThatAreNoTextDoNoHarm) {
+    auto* data = new QMimeData;
+    data->setData(QStringLiteral("text/plain"), QByteArray("a\xFF\xC3", 3));
+    QGuiApplication::clipboard()->setMimeData(data);
+    EXPECT_EQ(GetText(Sysclipboard).value.substr(0, 1), "a");
+}
+
+TEST_F(DrawTest, AHundredMillionBytesOnTheClipboardTakeLessThanASecond) {
+    const std::string large(100000000, 'x');
+    QElapsedTimer clock;
+    clock.start();
+    QGuiApplication::clipboard()->setText(QString(100000000, u'x'));
+    clock.start();
+    EXPECT_EQ(GetText(Sysclipboard).value.size(), large.size());
+    EXPECT_LT(clock.elapsed(), 1000);
+    SetText(Sysclipboard, large);
+    clock.start();
+    EXPECT_EQ(GetText(Sysclipboard).value.size(), large.size());
+    EXPECT_LT(clock.elapsed(), 1000);
+    QGuiApplication::clipboard()->clear();
 }
 
 }  // namespace

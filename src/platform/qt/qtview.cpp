@@ -487,7 +487,9 @@ bool QtView::typeAhead(Frame& frame, QKeyEvent& event) {
 bool QtView::command(Frame& frame, int shortcut) {
     Control* item = findShortcut(frame.window(), shortcut);
     Frame* main = mainFrame();
-    if (item == nullptr && main != nullptr && main != &frame && takesInput(main->window()))
+    // The editing keys of Main's menu would change a text in which the user is not.
+    if (item == nullptr && main != nullptr && main != &frame && takesInput(main->window()) &&
+        !isEditingKey(shortcut))
         item = findShortcut(main->window(), shortcut);
     if (item == nullptr) return false;
     userCommand(*item);

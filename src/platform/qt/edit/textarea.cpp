@@ -8,6 +8,7 @@
 
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
+#include "platform/qt/texts.h"
 
 #include <QAction>
 #include <QApplication>
@@ -29,7 +30,6 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr char BytesType[] = "application/x-tarnwick-bytes";
 constexpr int TabWidth = 4;
 constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
 constexpr int Gap = 6;           // pixels between number bar and text

@@ -55,16 +55,6 @@ bool isArrow(int key) {
     return key >= Qt::Key_Left && key <= Qt::Key_Down;
 }
 
-bool textNeeds(int shortcut) {
-    static constexpr int keys[] = {
-        Ctrl + 'A', Ctrl + 'C', Ctrl + 'V', Ctrl + 'X', Ctrl + 'Z', Ctrl + 'Y', Ctrl + Shift + 'Z', Ctrl + 45,
-        Shift + 45, Shift + 46, 45,         46,         8,          Ctrl + 8,   Ctrl + 46,
-    };
-    if (std::find(std::begin(keys), std::end(keys), shortcut) != std::end(keys)) return true;
-    const int key = shortcut & KeyMask;
-    return key >= 33 && key <= 40 && (shortcut & Alt) == 0;
-}
-
 }  // namespace
 
 int modelKey(int key) {
@@ -97,9 +87,19 @@ QString shortcutText(int shortcut) {
     return QKeySequence(key).toString(QKeySequence::NativeText);
 }
 
+bool isEditingKey(int shortcut) {
+    static constexpr int keys[] = {
+        Ctrl + 'A', Ctrl + 'C', Ctrl + 'V', Ctrl + 'X', Ctrl + 'Z', Ctrl + 'Y', Ctrl + Shift + 'Z', Ctrl + 45,
+        Shift + 45, Shift + 46, 45,         46,         8,          Ctrl + 8,   Ctrl + 46,
+    };
+    if (std::find(std::begin(keys), std::end(keys), shortcut) != std::end(keys)) return true;
+    const int key = shortcut & KeyMask;
+    return key >= 33 && key <= 40 && (shortcut & Alt) == 0;
+}
+
 bool widgetNeeds(const QWidget& focus, const QKeyEvent& event) {
     if (isText(focus)) {
-        if (textNeeds(modelShortcut(event))) return true;
+        if (isEditingKey(modelShortcut(event))) return true;
         const bool command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
         return !command && !event.text().isEmpty() && event.text()[0] >= u' ';
     }

@@ -15,6 +15,8 @@ int modelKey(int qtKey);                    // letters, digits and named keys; e
 int modelShortcut(const QKeyEvent& event);  // 0 likewise
 QString shortcutText(int shortcut);         // "Ctrl+S" in the user's language; empty for 0
 
+// Those with which texts are edited everywhere: the clipboard's, undo, deleting, the caret's.
+bool isEditingKey(int shortcut);
 // Keys that the focused widget needs for itself whatever the menus say: a text its editing keys, a list its
 // arrows.
 bool widgetNeeds(const QWidget& focus, const QKeyEvent& event);
