@@ -26,6 +26,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <string>
@@ -525,6 +527,64 @@ TEST_F(EditTest, DarkColoursBecomeReadableOnADarkPalette) {
     QApplication::setPalette(before);
     QApplication::processEvents();
     EXPECT_EQ(foreOf(style), light);
+}
+
+// The sixteen colours that the options offer, 0xBBGGRR.
+constexpr int standardColours[] = {0x000000, 0x800000, 0x008000, 0x808000, 0x000080, 0x800080,
+                                   0x008080, 0x808080, 0xC0C0C0, 0xFF0000, 0x00FF00, 0xFFFF00,
+                                   0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF};
+
+QColor colourOf(int value) {
+    return {value & 255, value >> 8 & 255, value >> 16 & 255};
+}
+
+double contrastOf(const QColor& a, const QColor& b) {
+    const double x = luminance(a), y = luminance(b);
+    return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
+}
+
+TEST_F(EditTest, TheStandardColoursReadWellOnAnyPaperAndKeepTheirHue) {
+    const QPalette before = QApplication::palette();
+    std::string tokens, text;
+    for (int n = 0; n < 16; ++n) {
+        char rule[40];
+        std::snprintf(rule, sizeof rule, "word%d - 0x%06X\n", n, static_cast<unsigned>(standardColours[n]));
+        tokens += rule;
+        text += "word" + std::to_string(n) + "\n";
+    }
+    area->setFlags(HILITE);
+    area->setTokens(tokens);
+    store->setText(text);
+    for (const QColor& paper : {QColor(Qt::white), QColor(255, 253, 240), QColor(30, 30, 30),
+                                QColor(Qt::black), QColor(35, 38, 41), QColor(128, 128, 128)}) {
+        const bool dark = luminance(paper) < 0.18;
+        QApplication::setPalette(paletteOf(paper, dark ? Qt::white : Qt::black, Qt::blue, Qt::white));
+        QApplication::processEvents();
+        int position = 1, kept = 0;
+        for (int n = 0; n < 16; ++n) {
+            const QColor wanted = colourOf(standardColours[n]), shown = colourOf(foreOf(styleAt(position)));
+            const std::string which = std::to_string(n) + " on " + paper.name().toStdString();
+            EXPECT_GE(contrastOf(shown, paper), 4.5) << which;
+            if (contrastOf(wanted, paper) >= 4.5) {
+                EXPECT_EQ(shown.rgb(), wanted.rgb()) << which;
+                ++kept;
+            } else {
+                EXPECT_LT(contrastOf(shown, paper), 6.5) << which;  // no further than needed
+            }
+            // Black and white of a colour have no hue left.
+            if (wanted.hslSaturation() > 0 && shown.lightness() > 0 && shown.lightness() < 255) {
+                const int apart = std::abs(shown.hslHue() - wanted.hslHue());
+                EXPECT_LE(std::min(apart, 360 - apart), 2) << which;
+            } else if (wanted.hslSaturation() == 0) {
+                EXPECT_EQ(shown.hslSaturation(), 0) << which;
+            }
+            position += static_cast<int>(5 + std::to_string(n).size());
+        }
+        EXPECT_GT(kept, 0);
+        EXPECT_LT(kept, 16);
+    }
+    QApplication::setPalette(before);
+    QApplication::processEvents();
 }
 
 TEST_F(EditTest, CutAndPasteKeepsBytes) {
