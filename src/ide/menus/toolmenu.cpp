@@ -2,6 +2,7 @@
 #include "ide/menus/toolmenu.h"
 
 #include "ide/build/toolrun.h"
+#include "ide/editor/bitmaptext.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/tables/tables.h"
@@ -77,6 +78,16 @@ void DO_EXPLORE_DB() {
     if (IsDelimited(info.format)) return exploreDelimited(file);
     if (!info.message.empty()) return tellFailure(file, info.message, false);
     showTable(file, nullptr, info.format);
+    STAMP();
+}
+
+void DO_CONVERT_BMP() {
+    FRAME(DO_CONVERT_BMP);
+    STAMP();
+    const std::string file =
+        OpenFileDialog("Tools-Convert Bitmap", "", "Bitmaps (*.bmp)|*.bmp|All files (*)|*|");
+    STAMP();
+    if (!file.empty()) CONVERTBMPDIALOG(file);
     STAMP();
 }
 

@@ -20,6 +20,7 @@ inline const Object DialogDlg("DialogDlg");
 inline const Object BrowseInfoDlg("BrowseInfoDlg");
 inline const Object StartupDlg("StartupDlg");
 inline const Object FileInfoDlg("FileInfoDlg");
+inline const Object ConvertBmpDlg("ConvertBmpDlg");
 inline const Object ArgumentsDlg("ArgumentsDlg");
 inline const Object GotoFuncDlg("GotoFuncDlg");
 inline const Object MoreInfoDlg("MoreInfoDlg");
