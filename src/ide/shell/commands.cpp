@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/commands.h"
 
+#include "ide/menus/editblocks.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/helpmenu.h"
 #include "ide/menus/runmenu.h"
@@ -77,14 +78,14 @@ constexpr Row rows[] = {
     {"file_mru_1", "", openRecent, true},
     {"file_exit", "", [](const Fired&) { DO_EXIT(); }},
     {"edit_undo_01", "", nullptr, true},
-    {"edit_cut", "", nullptr},
-    {"edit_copy", "", nullptr},
-    {"edit_paste", "", nullptr},
-    {"edit_delete", "", nullptr},
-    {"edit_select_all", "", nullptr},
-    {"edit_comment_block", "", nullptr},
-    {"edit_uncomment_block", "", nullptr},
-    {"edit_insert_file", "", nullptr},
+    {"edit_cut", "", [](const Fired&) { DO_CUT(); }},
+    {"edit_copy", "", [](const Fired&) { DO_COPY(); }},
+    {"edit_paste", "", [](const Fired&) { DO_PASTE(MAINCONTROL("programlabel")); }},
+    {"edit_delete", "", [](const Fired&) { DO_DELETE(); }},
+    {"edit_select_all", "", [](const Fired&) { DO_SELECT_ALL(); }},
+    {"edit_comment_block", "", [](const Fired&) { DO_COMMENT_BLOCK(); }},
+    {"edit_uncomment_block", "", [](const Fired&) { DO_UNCOMMENT_BLOCK(); }},
+    {"edit_insert_file", "", [](const Fired&) { DO_INSERT_FILE(); }},
     {"edit_find", "btnedit_find", nullptr},
     {"edit_find_next", "", nullptr},
     {"edit_replace", "btnedit_replace", nullptr},
@@ -118,7 +119,7 @@ constexpr Row rows[] = {
     {"tools_explore_db", "", [](const Fired&) { DO_EXPLORE_DB(); }},
     {"tools_test_dialog", "", nullptr},
     {"tools_test_rcfile", "", nullptr},
-    {"tools_convert_bmp", "", nullptr},
+    {"tools_convert_bmp", "", [](const Fired&) { DO_CONVERT_BMP(); }},
     {"tools_options_rcfile", "", nullptr},
     {"tools_options_comp", "", nullptr},
     {"tools_options_debug", "", nullptr},
