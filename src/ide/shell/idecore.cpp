@@ -3,6 +3,7 @@
 
 #include "ide/build/toolrun.h"
 #include "ide/shell/windows.h"
+#include "library/net/netutil.h"
 #include "library/settings/initext.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
@@ -201,6 +202,8 @@ void PREPARESETTINGS() {
     const std::string known = FILEGETDIR(ini) + "ide";
     const std::string key = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe";
     if (platform::RegGetSetting(key, "") != known) platform::RegSaveSetting(key, "", known);
+    STAMP();
+    PREPAREMAIL();
 }
 
 std::string HELPTOPIC(std::string_view caption) {

@@ -22,6 +22,7 @@ constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
 constexpr char filePrinter[] = "Print to file";
 
 bool browser = true;
+std::string lastUrl;
 
 // A document as plain text: the lines of each page, with a form feed between two pages.
 class TextDocument : public Canvas {
@@ -120,7 +121,10 @@ public:
         dropTimer(owner.handle);
         if (milliseconds > 0) timers_.push_back({owner.handle, milliseconds, dueAfter(milliseconds), false});
     }
-    bool openUrl(const std::string&) override { return browser; }
+    bool openUrl(const std::string& url) override {
+        lastUrl = url;
+        return browser;
+    }
     void toolProgress(const std::string& text) override {
         progress_ = !text.empty();
         stopped_ = stopped_ && progress_;
@@ -259,6 +263,10 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 
 bool setHeadlessBrowser(bool there) {
     return std::exchange(browser, there);
+}
+
+const std::string& lastHeadlessUrl() {
+    return lastUrl;
 }
 
 bool pressToolStop() {

@@ -170,6 +170,8 @@ bool pressToolStop();
 // Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
 // was so before.
 bool setHeadlessBrowser(bool there);
+// What headless views were asked to open last.
+const std::string& lastHeadlessUrl();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();
