@@ -4,7 +4,9 @@
 // `tarn_lib_` and the word of the line; `tarn_win_` for those that may handle events.
 #include "library/system/functions.h"
 
+#include "library/net/netutil.h"
 #include "library/settings/profstr.h"
+#include "library/source/bmptotxt.h"
 #include "library/system/api_bridge.h"
 #include "library/system/system.h"
 #include "library/time/timeutil.h"

@@ -58,6 +58,13 @@
     X(std::string, REGGETBROWSER, reggetbrowser, (), ())                                                             \
     X(std::string, REGGETCURRENTVERSION, reggetcurrentversion, (const std::string& name), (name))                    \
     X(std::string, APPRESOURCEFILE, appresourcefile, (), ())                                                         \
+    X(std::string, LITERALTOBYTESTRING, literaltobytestring, (std::string_view text), (text))                        \
+    X(std::string, RGBTOSTR, rgbtostr, (std::int32_t colour), (colour))                                              \
+    X(std::string, RGBTOHEXSTR, rgbtohexstr, (std::int32_t colour), (colour))                                        \
+    X(bool, ISMAPIINSTALLED, ismapiinstalled, (), ())                                                                \
+    X(std::string, MAPIPROVIDERS, mapiproviders, (), ())                                                             \
+    X(std::string, URLESCAPE, urlescape, (std::string_view text), (text))                                            \
+    X(std::string, ERRORMESSAGE_SHELLEXECUTE, errormessage_shellexecute, (std::int32_t code), (code))                \
     X(bool, ISRESERVEDWORD, isreservedword, (std::string_view word), (word))                                         \
     X(bool, ISFUTURERESERVEDWORD, isfuturereservedword, (std::string_view word), (word))                             \
     X(std::string, STRTOIDENTIFIER, strtoidentifier_length, (std::string_view text, std::int32_t maxLength, std::string_view replacement), (text, maxLength, replacement))\
@@ -151,6 +158,8 @@
     X(void, STARTGRAPH, startgraph_all, (const Object& object), (object))                                            \
     X(bool, FILECOPY, filecopy, (const std::string& source, const std::string& dest, bool confirm), (source, dest, confirm))\
     X(void, OPENBROWSER, openbrowser, (std::int32_t owner, const std::string& url), (owner, url))                    \
+    X(void, EMAIL_MAILTO, email_mailto, (std::int32_t owner, std::int32_t flags, const std::string& address, const std::string& subject, const std::string& attachment, const std::string& body), (owner, flags, address, subject, attachment, body)) \
+    X(void, EMAIL_POSTRUN, email_postrun, (const std::string& provider, std::int32_t flags, const std::string& address, const std::string& subject, const std::string& attachment, const std::string& body), (provider, flags, address, subject, attachment, body)) \
     X(void, MULTIHELP, multihelp, (std::int32_t owner, const std::string& helpFile, std::int32_t command, const std::string& topic), (owner, helpFile, command, topic))\
     X(void, LOADINIFILE, loadinifile, (const std::string& path, const Object& window, bool withPosition, bool withFont), (path, window, withPosition, withFont))\
     X(void, SAVEINIFILE, saveinifile, (const std::string& path, const Object& window, bool withPosition, bool withFont), (path, window, withPosition, withFont))

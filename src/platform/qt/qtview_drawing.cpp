@@ -77,16 +77,10 @@ std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const 
     return qt::startDocument(printer, document, copies);
 }
 
-namespace {
-
-// As many bytes as a text of the language can hold, and one that tells that there were more.
-constexpr std::size_t LargestText = 4096001;
-
-}  // namespace
-
 std::string QtView::clipboard() {
     if (QGuiApplication::platformName() == u"xcb" && !QGuiApplication::clipboard()->ownsClipboard()) {
-        if (auto text = foreignClipboard(LargestText)) return *text;
+        // One more byte tells that there were more.
+        if (auto text = foreignClipboard(LargestText + 1)) return *text;
     }
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     if (data == nullptr) return {};

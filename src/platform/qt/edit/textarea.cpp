@@ -9,6 +9,7 @@
 #include "platform/operations/textedits.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
+#include "platform/qt/input/xclipboard.h"
 #include "platform/qt/texts.h"
 
 #include <QAccessible>
@@ -39,6 +40,7 @@ constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
 constexpr int Gap = 6;           // pixels between number bar and text
 constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
 constexpr int Piece = 65536;     // bytes coloured at a time
+constexpr std::string_view LineEnds[] = {"\r\n", "\r", "\n"};  // by the control's numbers
 
 const QColor MarkColour(240, 150, 0);
 
@@ -522,8 +524,7 @@ bool TextArea::viewportEvent(QEvent* event) {
 }
 
 void TextArea::newLine() {
-    static constexpr std::string_view ends[] = {"\r\n", "\r", "\n"};
-    std::string text(ends[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
+    std::string text(LineEnds[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
     if ((flags_ & AUTOINDENT) != 0) {
         const int caret = static_cast<int>(send(SCI_GETSELECTIONSTART));
         const int start = startOfLine(lineOf(caret));
@@ -602,8 +603,43 @@ void TextArea::inputMethodEvent(QInputMethodEvent* event) {
         QsciScintillaBase::inputMethodEvent(event);
 }
 
+namespace {
+
+std::string withLineEnds(std::string_view text, std::string_view end) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r' && text[i] != '\n') {
+            out += text[i];
+            continue;
+        }
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+        out += end;
+    }
+    return out;
+}
+
+}  // namespace
+
+// The control would fetch all of it before anybody could see how much it is. One that is larger than a text can be is
+// refused.
+bool TextArea::pasteForeign() {
+    const QClipboard* board = QGuiApplication::clipboard();
+    if (QGuiApplication::platformName() != u"xcb" || board->ownsClipboard()) return false;
+    const QMimeData* data = board->mimeData();
+    if (data != nullptr && data->hasFormat(QStringLiteral("text/x-qscintilla-rectangular"))) return false;
+    const auto text = foreignClipboard(LargestText + 1);
+    if (!text) return false;
+    if (text->size() > LargestText)
+        QApplication::beep();
+    else if (!text->empty())
+        insertTyped(withLineEnds(*text, LineEnds[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]));
+    return true;
+}
+
 // The control ends a pasted text at its first NUL.
 bool TextArea::pasteBytes() {
+    if (pasteForeign()) return true;
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
     if (bytes.contains('\0')) {

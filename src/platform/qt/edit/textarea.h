@@ -95,6 +95,7 @@ private:
     void checkInsertion(int bytes);       // of whatever the control itself puts in
     void newLine();
     bool pasteBytes();           // true: done with, put in or refused
+    bool pasteForeign();         // the same, of a text that another program has
     void paste();                // what the user has asked for, by key or menu
     bool shiftBlock(bool left);  // true: it was a block
     [[nodiscard]] std::string_view range(int from, int to) const;

@@ -11,6 +11,9 @@
 
 namespace tarn::platform::qt {
 
+// What a text of the language can hold.
+inline constexpr std::size_t LargestText = 4096000;
+
 // At most `most` bytes, as they came. Nothing where there is no X server, or its clipboard has no text in UTF-8 (which
 // an empty one does not have either): then the toolkit knows more. A program that does not answer for a second has no
 // text. Not for a clipboard of this program's own, which could not answer meanwhile.

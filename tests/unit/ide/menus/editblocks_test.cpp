@@ -175,11 +175,15 @@ TEST_F(EditBlocks, WhatWasCutComesBackAsItWas) {
     }
 }
 
+struct Ended {};
+
 TEST_F(EditBlocks, PasteNeedsALabel) {
     open("one");
     SetText(clipboard, "x");
-    DO_PASTE(SDIEdit);
-    EXPECT_NE(ErrorCell(), 0);
+    const os::EndHook before = os::useEndHook([](int) { throw Ended(); });
+    EXPECT_THROW(DO_PASTE(SDIEdit), Ended);
+    os::useEndHook(before);
+    EXPECT_FALSE(asked.empty());
     ClearError();
 }
 
