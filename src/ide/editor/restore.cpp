@@ -75,6 +75,20 @@ void showDetails(const Object& window, bool on) {
     endBelow(window, on ? "lblmoredetails" : "lblprompt");
 }
 
+// As high as its lines are when they are broken at the label's edge.
+void fitDetails(const Object& window) {
+    const Object label = FINDCONTROL(window, "lblmoredetails");
+    const std::string text = GetCaption(label);
+    Rect place = GetPosition(label, CLIENT_UNIT);
+    int lines = 0;
+    for (int i = 1; i <= STRLINES(text); i++) {
+        constexpr int perCent = 85;  // of the width are used where words break lines
+        lines += 1 + TextWidth(window, STRLINE(text, i)) * 100 / (std::max(place.w, 1) * perCent);
+    }
+    place.h = (lines + 1) * TextHeight(window, "X");
+    SetPosition(label, CLIENT_UNIT, place);
+}
+
 const RegisteredWindow registered("UndoDlg", UNDODLG);
 
 // ---- what it says ----
@@ -111,6 +125,7 @@ bool userAgrees(const std::string& title, const std::string& file, const std::st
                                                          {"lblprompt", promptOf(file, backup)},
                                                          {"lblmoredetails", stepsOf(file, backup, fresh)}};
     for (const auto& [label, text] : texts) SetCaption(FINDCONTROL(UndoDlg, label), text);
+    fitDetails(UndoDlg);
     Show(UndoDlg, true);
     const bool agreed = IsLoaded(UndoDlg);
     if (agreed) Unload(UndoDlg);
