@@ -235,7 +235,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
                                                                              : Outcome::NotYet;
     }
     if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" || w[0] == "mouse")
+    if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
+        w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;

@@ -36,7 +36,9 @@ private:
 
     void walk(const std::string& folder, int depth) {
         std::string place;
-        if (depth == 0 || !work_.go() || os::files().resolve(os::native(folder), place) != os::FileError::None) return;
+        if (depth == 0 || !work_.go() ||
+            os::files().resolve(os::native(folder), place) != os::FileError::None)
+            return;
         if (!seen_.insert(place).second) return;
         std::vector<std::string> names;
         os::files().list(place, names);
@@ -50,7 +52,8 @@ private:
             if (!isLink) walk(FILEADDSEPARATOR(folder) + name, depth - 1);
             return;
         }
-        if (!info.exists || info.special || !name.ends_with(".bak") || name.find('\n') != std::string::npos) return;
+        if (!info.exists || info.special || !name.ends_with(".bak") || name.find('\n') != std::string::npos)
+            return;
         if (path == settings_) return;
         if (found_.files.insert(FILEADDSEPARATOR(folder) + name).second) found_.bytes += info.size;
     }

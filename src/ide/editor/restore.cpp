@@ -25,7 +25,8 @@ void RESTORE_ONERROR(std::int32_t code) {
     Sound();
     MsgBox("Error",
            ErrorMessage(code) + " (error " + STR(code) +
-               ").\nThe file was not restored. Nothing is lost: the text that it had is in the file or in its newest "
+               ").\nThe file was not restored. Nothing is lost: the text that it had is in the file or in "
+               "its newest "
                "restore point, and the restore point that you have chosen is as it was.",
            "OK", BoxIcon::Error);
     ContinueAfterError();
@@ -179,8 +180,9 @@ void RESTOREFROMBACKUP(const std::string& title, const std::string& backup, cons
     STAMP();
     const std::string file = EDITWNDGETFILENAME(SDIEdit);
     if (!FILECHK(file))
-        return MSGBOX(title, sentence("The following filename:", file,
-                                      "is missing or invalid. No restore points are available for this file."));
+        return MSGBOX(title,
+                      sentence("The following filename:", file,
+                               "is missing or invalid. No restore points are available for this file."));
     STAMP();
     if (FileSize(backup) < 0)
         return MSGBOX(title, sentence("The following backup file:", backup,

@@ -14,7 +14,8 @@ TEST_F(HelpTopics, OfTheDialogsStandInTheHelpPages) {
     ASSERT_FALSE(pages.empty());
     start();
     asked.clear();
-    for (const char* name : {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg", "DifferenceDlg"}) {
+    for (const char* name :
+         {"ArgumentsDlg", "FileInfoDlg", "StartupDlg", "GotoFuncDlg", "MoreInfoDlg", "DifferenceDlg"}) {
         const Object dialog(name);
         Load(dialog);
         ASSERT_TRUE(IsLoaded(dialog)) << name;
