@@ -152,6 +152,10 @@ TEST_F(UndoMenu, StepsAreThoseOfTheWindowWhereTheUserWorks) {
     start({write("a.txt", "one\n")});
     type("x");
     EXPECT_TRUE(CANUNDOTYPING());
+    platform::userActivate(*platform::findWindow(Main));
+    EXPECT_TRUE(CANUNDOTYPING());
+    SetCaption(MAINCONTROL("lbllastactive"), "");
+    EXPECT_TRUE(CANUNDOTYPING()) << "behind the list of windows none is noted";
     SetCaption(MAINCONTROL("lbllastactive"), "ViewDlg");
     UPDATEUNDOTYPINGITEMS();
     EXPECT_FALSE(isEnabled("edit_undo_typing"));
