@@ -194,7 +194,7 @@ void UserDriver::programEnded() {
 namespace {
 
 // The item of Main that a line names: a control, or that element of its array.
-const Object itemOf(const std::string& name, const std::string& place) {
+Object itemOf(const std::string& name, const std::string& place) {
     const Object item = FindControl(Object("Main"), name);
     return place.empty() ? item : ControlElement(item, std::atoi(place.c_str()));
 }
