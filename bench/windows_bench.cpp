@@ -110,8 +110,8 @@ void backupRefresh(int backups, const char* fresh, const char* settled, std::vec
     std::ofstream(file) << "text\n";
     for (int i = 0; i < backups; i++) {
         char stamp[32];
-        std::snprintf(stamp, sizeof stamp, "2015-%02d-%02d %02d-%02d-00", 1 + i / 1000 % 12, 1 + i / 60 % 28, i / 60 % 24,
-                      i % 60);
+        std::snprintf(stamp, sizeof stamp, "2015-%02d-%02d %02d-%02d-00", 1 + i / 1000 % 12, 1 + i / 60 % 28,
+                      i / 60 % 24, i % 60);
         std::ofstream(file + " (" + stamp + ")" + std::to_string(i) + ".bak") << "text\n";
     }
     tarn::EDITWNDOPEN(tarn::SDIEdit, file, false, 0);

@@ -219,7 +219,8 @@ public:
         // A disk that knows no such renaming: a second name is never given over another file, and where there are no
         // second names either, looking first is what is left.
         if (::link(name.c_str(), target.c_str()) == 0) return writeResult(::unlink(name.c_str()));
-        if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK) return lastError(FileError::WriteFailed);
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK)
+            return lastError(FileError::WriteFailed);
         struct stat status {};
         if (::lstat(target.c_str(), &status) == 0) return FileError::Exists;
         return writeResult(::rename(name.c_str(), target.c_str()));

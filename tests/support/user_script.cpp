@@ -194,7 +194,7 @@ void UserDriver::programEnded() {
 namespace {
 
 // The item of Main that a line names: a control, or that element of its array.
-const Object itemOf(const std::string& name, const std::string& place) {
+Object itemOf(const std::string& name, const std::string& place) {
     const Object item = FindControl(Object("Main"), name);
     return place.empty() ? item : ControlElement(item, std::atoi(place.c_str()));
 }
@@ -235,7 +235,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
                                                                              : Outcome::NotYet;
     }
     if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" || w[0] == "mouse")
+    if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
+        w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;

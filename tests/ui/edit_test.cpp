@@ -269,7 +269,8 @@ TEST_F(EditTest, WhatHasNoRoomIsToldInTheStatusBarUntilTheNextEdit) {
     store->undo();
     EXPECT_EQ(store->text(), "ab") << "what was refused is no step";
     store->redo();
-    EXPECT_TRUE(said().contains(QStringLiteral("No room: a text has at most 3 bytes"))) << said().toStdString();
+    EXPECT_TRUE(said().contains(QStringLiteral("No room: a text has at most 3 bytes")))
+        << said().toStdString();
     EXPECT_TRUE(said().contains(QStringLiteral("Read-only file")));
     press(Qt::Key_Backspace);
     EXPECT_FALSE(said().contains(QStringLiteral("No room"))) << said().toStdString();

@@ -33,7 +33,8 @@ void BACKUP_ONERROR(std::int32_t code) {
     Sound();
     MsgBox("Error",
            ErrorMessage(code) + " (error " + STR(code) +
-               ").\nAn automatic backup could not be written, or an old one not be deleted. The text in its window "
+               ").\nAn automatic backup could not be written, or an old one not be deleted. The text in its "
+               "window "
                "is as it was. Check that there is room beside its file and that you may write there.",
            "OK", BoxIcon::Error);
     ContinueAfterError();
@@ -113,7 +114,8 @@ std::string freeName(const std::string& file) {
 bool isBackupOf(const std::string& file, const std::string& name) {
     const std::string_view rest = std::string_view(name).substr(std::min(file.size(), name.size()));
     return name.size() == file.size() + SuffixLength && name.starts_with(file) && rest.starts_with(" (") &&
-           rest.substr(2 + StampForm.size()) == ")" + std::string(BackupExtension) && ISDATESTRVALID(rest.substr(2));
+           rest.substr(2 + StampForm.size()) == ")" + std::string(BackupExtension) &&
+           ISDATESTRVALID(rest.substr(2));
 }
 
 // What was found last. It holds as long as the folder has the time that it had then, if that was a while ago: the
@@ -151,7 +153,8 @@ std::string readList(const std::string& folder, const std::string& name) {
 std::string FILEGETEMBEDDEDDATE(std::string_view name) {
     FRAME(FILEGETEMBEDDEDDATE);
     const std::size_t open = name.find('('), close = name.find(')');
-    if (open == std::string_view::npos || open == 0 || close == std::string_view::npos || close < open) return {};
+    if (open == std::string_view::npos || open == 0 || close == std::string_view::npos || close < open)
+        return {};
     return std::string(name.substr(open + 1, close - open - 1));
 }
 
@@ -278,8 +281,7 @@ void EDITWNDSETTIMER(const Object& window, const Object& label, int minutes) {
 void EDITWNDKILLTIMER(const Object& window, const Object& label) {
     FRAME(EDITWNDKILLTIMER);
     STAMP();
-    if (GetCaption(label) == "1")
-        Assert(KILLTIMER(window), "KillTimer did not kill the auto-backup timer");
+    if (GetCaption(label) == "1") Assert(KILLTIMER(window), "KillTimer did not kill the auto-backup timer");
     STAMP();
     SetCaption(label, "0");
     STAMP();
@@ -307,9 +309,9 @@ void TELLNOBACKUPS(const std::string& file, int code) {
     FRAME(TELLNOBACKUPS);
     if (code == Possible) return;
     STAMP();
-    MSGBOX("Automatic Backups",
-           "Automatic Backups and Undo will not work for the following file:\n\n\t'" + file + "'\n\n" +
-               EDITWNDBACKUPERRMSG(code) + "\n" + std::string(advice[code - 1]));
+    MSGBOX("Automatic Backups", "Automatic Backups and Undo will not work for the following file:\n\n\t'" +
+                                    file + "'\n\n" + EDITWNDBACKUPERRMSG(code) + "\n" +
+                                    std::string(advice[code - 1]));
 }
 
 void EDITWNDCHECKBACKUPOK(const std::string& file) {

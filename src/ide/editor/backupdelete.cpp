@@ -11,6 +11,7 @@
 #include "os/files.h"
 
 #include <set>
+#include <utility>
 #include <vector>
 
 MODULE("textedit", tarn::BACKUP_ONERROR)
@@ -21,6 +22,7 @@ namespace {
 struct Found {
     std::set<std::string> files;  // full paths, ascending
     std::int64_t bytes = 0;
+    bool stopped = false;  // by the user, before all of them were found
 };
 
 // Walks folders below folders. A link to a folder leads elsewhere, or in a circle, and is not followed; a folder that is
@@ -28,15 +30,19 @@ struct Found {
 class Search {
 public:
     void walk(const std::string& folder) { walk(folder, deepest); }
-    [[nodiscard]] const Found& found() const { return found_; }
-    [[nodiscard]] bool stopped() const { return work_.stopped(); }
+    Found found() {
+        found_.stopped = work_.stopped();
+        return std::move(found_);
+    }
 
 private:
     static constexpr int deepest = 64;
 
     void walk(const std::string& folder, int depth) {
         std::string place;
-        if (depth == 0 || !work_.go() || os::files().resolve(os::native(folder), place) != os::FileError::None) return;
+        if (depth == 0 || !work_.go() ||
+            os::files().resolve(os::native(folder), place) != os::FileError::None)
+            return;
         if (!seen_.insert(place).second) return;
         std::vector<std::string> names;
         os::files().list(place, names);
@@ -50,7 +56,8 @@ private:
             if (!isLink) walk(FILEADDSEPARATOR(folder) + name, depth - 1);
             return;
         }
-        if (!info.exists || info.special || !name.ends_with(".bak") || name.find('\n') != std::string::npos) return;
+        if (!info.exists || info.special || !name.ends_with(".bak") || name.find('\n') != std::string::npos)
+            return;
         if (path == settings_) return;
         if (found_.files.insert(FILEADDSEPARATOR(folder) + name).second) found_.bytes += info.size;
     }
@@ -84,7 +91,6 @@ void deleteFiles(const std::set<std::string>& files) {
     SetError(failure);
 }
 
-// Empty when the user has stopped the search.
 Found findBackups() {
     Search search;
     const std::string paths = GETINHERITEDPATHSML();
@@ -95,7 +101,7 @@ Found findBackups() {
     if (FILECHK(file)) folders.push_back(FILEGETDIR(file));
     for (const std::string& folder : folders)
         if (!folder.empty()) search.walk(folder);
-    return search.stopped() ? Found() : search.found();
+    return search.found();
 }
 
 }  // namespace
@@ -105,6 +111,7 @@ void EDITWNDDELETEBACKUPS(const std::string& title) {
     STAMP();
     const Found found = findBackups();
     STAMP();
+    if (found.stopped) return;
     if (found.bytes < 1) return MSGBOX(title, "There are no backup files to delete.");
     const std::string prompt = STR(static_cast<int>(found.files.size())) + " backup files, " +
                                withCommas(found.bytes) +

@@ -61,8 +61,8 @@ void reload(const Object& window, const std::string& file) {
     STAMP();
     const int most = EDITWNDGETMAXLENGTH(window);
     if (FileSize(file) > most) {
-        MSGBOX("File-Open", "The following file is too big to be loaded:\n\n\t" + file + "\n\nThe maximum size is " +
-                                STR(most) + " bytes.");
+        MSGBOX("File-Open", "The following file is too big to be loaded:\n\n\t" + file +
+                                "\n\nThe maximum size is " + STR(most) + " bytes.");
         return keep(window);
     }
     std::string text;
@@ -77,25 +77,27 @@ void reload(const Object& window, const std::string& file) {
 }
 
 void askAboutGone(const Object& window, const std::string& file) {
-    const std::string answer =
-        MsgBox("File Deleted",
-               "The following file was deleted or renamed by another program:\n\n\t" + file +
-                   "\n\nIts text is still in the window. Keep it there as a change that is not saved, or close it?",
-               "&Keep\n&Close", BoxIcon::Question);
+    const std::string answer = MsgBox(
+        "File Deleted",
+        "The following file was deleted or renamed by another program:\n\n\t" + file +
+            "\n\nIts text is still in the window. Keep it there as a change that is not saved, or close it?",
+        "&Keep\n&Close", BoxIcon::Question);
     if (answer == "&Close") return EDITWNDCLOSE(window, true);
     keep(window);
 }
 
 void askAboutChange(const Object& window, const std::string& file) {
     const std::string own =
-        GetModify(window) ? "The text in the window has changes that are not saved. They would leave it. " : "";
+        GetModify(window) ? "The text in the window has changes that are not saved. They would leave it. "
+                          : "";
     std::string answer = "&Show difference";
     while (answer == "&Show difference") {
-        answer = MsgBox("File Changed",
-                        "The following file was changed by another program:\n\n\t" + file + "\n\n" + own +
-                            "Reload it from the disk (Edit-Undo Change brings this text back), or keep the text that "
-                            "is in the window?",
-                        "&Reload\n&Keep\n&Show difference", BoxIcon::Question);
+        answer = MsgBox(
+            "File Changed",
+            "The following file was changed by another program:\n\n\t" + file + "\n\n" + own +
+                "Reload it from the disk (Edit-Undo Change brings this text back), or keep the text that "
+                "is in the window?",
+            "&Reload\n&Keep\n&Show difference", BoxIcon::Question);
         if (answer == "&Show difference") showDifference(window, file);
     }
     if (answer == "&Reload") return reload(window, file);
@@ -105,14 +107,14 @@ void askAboutChange(const Object& window, const std::string& file) {
 // The disk has what the window shows: only its date is another.
 bool showsTheFile(const Object& window, const std::string& file) {
     std::string onDisk;
-    return FileSize(file) == GetTextLength(window) && os::readFile(os::native(file), onDisk) == os::FileError::None &&
-           onDisk == GetText(window);
+    return FileSize(file) == GetTextLength(window) &&
+           os::readFile(os::native(file), onDisk) == os::FileError::None && onDisk == GetText(window);
 }
 
 bool somethingIsAsked() {
     const std::vector<Object> windows = WindowList();
-    return FileWork::goesOn() ||
-           std::any_of(windows.begin(), windows.end(), [](const Object& one) { return ISSHOWN(one) && IsModal(one); });
+    return FileWork::goesOn() || std::any_of(windows.begin(), windows.end(),
+                                             [](const Object& one) { return ISSHOWN(one) && IsModal(one); });
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ public:
     Comparison(const Lines& a, const Lines& b) : a_(a), b_(b) {
         const int most = static_cast<int>(std::min(a.size(), b.size()));
         while (head_ < most && a[index(head_)] == b[index(head_)]) ++head_;
-        while (tail_ < most - head_ && a[a.size() - 1 - index(tail_)] == b[b.size() - 1 - index(tail_)]) ++tail_;
+        while (tail_ < most - head_ && a[a.size() - 1 - index(tail_)] == b[b.size() - 1 - index(tail_)])
+            ++tail_;
         n_ = static_cast<int>(a.size()) - head_ - tail_;
         m_ = static_cast<int>(b.size()) - head_ - tail_;
     }
@@ -44,7 +45,8 @@ public:
         const std::vector<Row> middle = search() ? wayBack() : allDifferent();
         rows.insert(rows.end(), middle.begin(), middle.end());
         const int end = head_ + n_;
-        for (int i = end; i < std::min(end + Around, end + tail_); ++i) rows.push_back({' ', a_[index(i)], i + 1});
+        for (int i = end; i < std::min(end + Around, end + tail_); ++i)
+            rows.push_back({' ', a_[index(i)], i + 1});
         return rows;
     }
 
@@ -111,7 +113,8 @@ private:
 bool isNearChange(const std::vector<Row>& rows, std::size_t at) {
     const std::size_t from = at < Around ? 0 : at - Around, to = std::min(rows.size(), at + Around + 1);
     return std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(from),
-                       rows.begin() + static_cast<std::ptrdiff_t>(to), [](const Row& row) { return row.mark != ' '; });
+                       rows.begin() + static_cast<std::ptrdiff_t>(to),
+                       [](const Row& row) { return row.mark != ' '; });
 }
 
 // What cannot be seen of a line's end is written out.

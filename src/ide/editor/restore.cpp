@@ -25,7 +25,8 @@ void RESTORE_ONERROR(std::int32_t code) {
     Sound();
     MsgBox("Error",
            ErrorMessage(code) + " (error " + STR(code) +
-               ").\nThe file was not restored. Nothing is lost: the text that it had is in the file or in its newest "
+               ").\nThe file was not restored. Nothing is lost: the text that it had is in the file or in "
+               "its newest "
                "restore point, and the restore point that you have chosen is as it was.",
            "OK", BoxIcon::Error);
     ContinueAfterError();
@@ -75,6 +76,20 @@ void showDetails(const Object& window, bool on) {
     endBelow(window, on ? "lblmoredetails" : "lblprompt");
 }
 
+// As high as its lines are when they are broken at the label's edge.
+void fitDetails(const Object& window) {
+    const Object label = FINDCONTROL(window, "lblmoredetails");
+    const std::string text = GetCaption(label);
+    Rect place = GetPosition(label, CLIENT_UNIT);
+    int lines = 0;
+    for (int i = 1; i <= STRLINES(text); i++) {
+        constexpr int perCent = 85;  // of the width are used where words break lines
+        lines += 1 + TextWidth(window, STRLINE(text, i)) * 100 / (std::max(place.w, 1) * perCent);
+    }
+    place.h = (lines + 1) * TextHeight(window, "X");
+    SetPosition(label, CLIENT_UNIT, place);
+}
+
 const RegisteredWindow registered("UndoDlg", UNDODLG);
 
 // ---- what it says ----
@@ -111,6 +126,7 @@ bool userAgrees(const std::string& title, const std::string& file, const std::st
                                                          {"lblprompt", promptOf(file, backup)},
                                                          {"lblmoredetails", stepsOf(file, backup, fresh)}};
     for (const auto& [label, text] : texts) SetCaption(FINDCONTROL(UndoDlg, label), text);
+    fitDetails(UndoDlg);
     Show(UndoDlg, true);
     const bool agreed = IsLoaded(UndoDlg);
     if (agreed) Unload(UndoDlg);
@@ -164,8 +180,9 @@ void RESTOREFROMBACKUP(const std::string& title, const std::string& backup, cons
     STAMP();
     const std::string file = EDITWNDGETFILENAME(SDIEdit);
     if (!FILECHK(file))
-        return MSGBOX(title, sentence("The following filename:", file,
-                                      "is missing or invalid. No restore points are available for this file."));
+        return MSGBOX(title,
+                      sentence("The following filename:", file,
+                               "is missing or invalid. No restore points are available for this file."));
     STAMP();
     if (FileSize(backup) < 0)
         return MSGBOX(title, sentence("The following backup file:", backup,

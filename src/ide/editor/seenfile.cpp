@@ -58,7 +58,8 @@ void NOTECHANGEASKED(const Object& window, const std::string& file) {
     FRAME(NOTECHANGEASKED);
     STAMP();
     const auto known = seen().find(window.window());
-    if (known != seen().end() && known->second.file == file) known->second.asked = os::infoOf(os::native(file));
+    if (known != seen().end() && known->second.file == file)
+        known->second.asked = os::infoOf(os::native(file));
 }
 
 }  // namespace tarn

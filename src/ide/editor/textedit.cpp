@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 MODULE("textedit", tarn::TEXTEDIT_ONERROR)
 
@@ -199,12 +200,30 @@ std::pair<std::size_t, std::size_t> commonEnds(const std::string& a, const std::
     return {head, tail};
 }
 
+constexpr std::string_view NoRoom = "No room: a text has at most ";
+
 void showReadOnly(const Object& window, const std::string& file) {
     const os::FileInfo info = os::infoOf(os::native(file));
     SetStatus(window, info.exists && !info.writable ? "Read-only file" : "");
 }
 
+// What was refused is of no interest behind the next change.
+void forgetRefusal(const Object& window) {
+    if (GetStatus(window).starts_with(NoRoom)) showReadOnly(window, EDITWNDGETFILENAME(window));
+}
+
 }  // namespace
+
+bool EDITWNDHASROOM(const Object& window, std::int64_t bytes) {
+    FRAME(EDITWNDHASROOM);
+    STAMP();
+    const int most = EDITWNDGETMAXLENGTH(window);
+    if (bytes <= 0 || GetTextLength(window) + bytes <= most) return true;
+    Sound();
+    SetStatus(window, std::string(NoRoom) + STR(most) + " bytes");
+    STAMP();
+    return false;
+}
 
 void EDITWNDCHANGETEXT(const Object& window, const std::string& text) {
     FRAME(EDITWNDCHANGETEXT);
@@ -378,6 +397,7 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     if (answer != 6) return false;
     const std::string error = SYMSETCLASSNAME(base, 0, ProductWord, text);
     if (!error.empty()) MSGBOX("Save File", error);
+    if (!EDITWNDHASROOM(window, std::ssize(text) - GetTextLength(window))) return false;
     EDITWNDCHANGETEXT(window, text);
     SetModify(window, true);
     return true;
@@ -545,6 +565,7 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
         SETMODIFYPRIVATE(window, true);
         DRAWMODIFYINDICATOR(window);
         UPDATEUNDOTYPINGITEMS();
+        forgetRefusal(window);
         break;
     case TIMER_EVENT: EDITWNDAUTOBACKUP(window); break;
     case INFO_EVENT: FILEINFODIALOG(); break;

@@ -9,6 +9,7 @@
 
 #include "kernel/windows/windowing.h"
 
+#include <cstdint>
 #include <string>
 
 namespace tarn {
@@ -30,6 +31,10 @@ int EDITWNDGETMAXLENGTH(const Object& window);  // bytes; 0 if it is no edit win
 // Gives the window another text by one edit that can be undone: the caret stays where it is, and only lines that differ
 // are replaced.
 void EDITWNDCHANGETEXT(const Object& window, const std::string& text);
+// Whether the text may grow by so many bytes. If not, a sound and a word in the status bar until the next change: what is
+// larger than the largest text could be saved and not be opened again. For commands that put text in; what the user
+// types and pastes by keys is refused by the control.
+bool EDITWNDHASROOM(const Object& window, std::int64_t bytes);
 // The window shows what stands in its file.
 void EDITWNDNOTELOADED(const Object& window, const std::string& file);
 

@@ -341,7 +341,8 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     const Object program = MAINCONTROL("program_add_dialog");
     for (int i = ControlLbound(program); i <= ControlUbound(program); i++) {
         const Object item = ControlElement(program, i);
-        if (STREQUAL(GetTypeof(item), "Menuitem")) SetEnabled(item, programIsClass && HASHANDLER(GetName(item)));
+        if (STREQUAL(GetTypeof(item), "Menuitem"))
+            SetEnabled(item, programIsClass && HASHANDLER(GetName(item)));
     }
     for (const std::string_view name :
          {"run_quickbuild", "run_rebuild", "run_compile", "run_start", "run_debug", "run_info"})

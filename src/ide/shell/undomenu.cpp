@@ -183,8 +183,13 @@ void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
 
 namespace {
 
+// In Main the user means the window of before; where none is noted, the text.
 bool worksInText() {
-    return ISSHOWN(SDIEdit) && STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), SDIEdit.window());
+    if (!ISSHOWN(SDIEdit)) return false;
+    const Object active = ActiveWindow();
+    if (ISSDIWINDOW(active)) return active == SDIEdit;
+    const std::string last = GetCaption(MAINCONTROL("lbllastactive"));
+    return last.empty() || STREQUAL(last, SDIEdit.window());
 }
 
 }  // namespace

@@ -24,7 +24,8 @@ struct Tone {
 
 // Each tone swells within 5 milliseconds and fades to its end.
 void add(const Tone& tone, std::vector<double>& samples) {
-    const auto from = static_cast<std::size_t>(tone.start * Rate), count = static_cast<std::size_t>(tone.length * Rate);
+    const auto from = static_cast<std::size_t>(tone.start * Rate),
+               count = static_cast<std::size_t>(tone.length * Rate);
     if (samples.size() < from + count) samples.resize(from + count);
     std::uint32_t random = 1;
     for (std::size_t i = 0; i < count; ++i) {
@@ -73,7 +74,8 @@ bool make(const std::string& file, const std::array<Tone, N>& tones) {
 int main(int argc, char** argv) {
     if (argc != 2) return std::fputs("usage: makesounds FOLDER\n", stderr), 2;
     const std::string folder = std::string(argv[1]) + "/";
-    const bool made = make(folder + "save.wav", std::array{Tone{0, 0.16, 660, 0.25}, Tone{0.09, 0.22, 880, 0.25}}) &&
-                      make(folder + "snip.wav", std::array{Tone{0, 0.03, 0, 0.3}, Tone{0.09, 0.04, 0, 0.35}});
+    const bool made =
+        make(folder + "save.wav", std::array{Tone{0, 0.16, 660, 0.25}, Tone{0.09, 0.22, 880, 0.25}}) &&
+        make(folder + "snip.wav", std::array{Tone{0, 0.03, 0, 0.3}, Tone{0.09, 0.04, 0, 0.35}});
     return made ? 0 : 1;
 }

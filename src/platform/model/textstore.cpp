@@ -26,9 +26,7 @@ public:
     }
     int length() const override { return static_cast<int>(text_.size()); }
     Selection selection() const override { return selection_; }
-    void select(int start, int length) override {
-        selection_ = clamped(start, length);
-    }
+    void select(int start, int length) override { selection_ = clamped(start, length); }
     void replaceSelection(std::string_view text) override {
         const int end = selection_.start + static_cast<int>(text.size());
         edit(selection_.start, selection_.length, text);
@@ -73,8 +71,7 @@ private:
     static int moved(int position, const Selection& range, std::string_view text) {
         if (position <= range.start) return position;
         const int end = range.start + range.length, size = static_cast<int>(text.size());
-        return position >= end ? position - range.length + size
-                               : std::min(position, range.start + size);
+        return position >= end ? position - range.length + size : std::min(position, range.start + size);
     }
     void edit(int start, int length, std::string_view text) {
         const auto from = static_cast<std::size_t>(start - 1), count = static_cast<std::size_t>(length);
@@ -104,9 +101,10 @@ private:
     std::vector<Selection> marks_;
     Selection selection_;
     std::vector<Step> steps_;
-    std::size_t done_ = 0;                   // how many of them are done and not undone
-    std::optional<std::size_t> saved_ = 0;   // how many were when the text was not modified; none: it cannot be again
-    bool forced_ = false;                    // modified by decree
+    std::size_t done_ = 0;  // how many of them are done and not undone
+    std::optional<std::size_t> saved_ =
+        0;                 // how many were when the text was not modified; none: it cannot be again
+    bool forced_ = false;  // modified by decree
 };
 
 }  // namespace

@@ -139,8 +139,9 @@ Answer<std::string> GetStatus(const Object& object) {
 }
 
 Code SetStatus(const Object& object, std::string_view status) {
-    return tell(object, Property::Status,
-                [&](Control& c) { return isEditWindowType(c.type) && assign(c.status, std::string(status)); });
+    return tell(object, Property::Status, [&](Control& c) {
+        return isEditWindowType(c.type) && assign(c.status, std::string(status));
+    });
 }
 
 Answer<Selection> GetSelection(const Object& object) {

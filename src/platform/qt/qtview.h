@@ -94,7 +94,7 @@ private:
     std::function<void()> idle_;
     void runIdle();
     QTimer idleTimer_;
-    bool away_ = false;  // another program has the focus
+    bool away_ = false;                              // another program has the focus
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
     std::unique_ptr<ToolProgress> progress_;

@@ -409,7 +409,8 @@ TEST_F(NewFileTest, goesOverNothing) {
     disk_.putFolder("/home/u/texts/folder");
     const auto before = disk_.allFiles();
     for (const char* name : {"a.cls", "link", "dangling", "folder"})
-        EXPECT_EQ(saveNewFile(std::string("/home/u/texts/") + name, newText, 0600), FileError::Exists) << name;
+        EXPECT_EQ(saveNewFile(std::string("/home/u/texts/") + name, newText, 0600), FileError::Exists)
+            << name;
     EXPECT_EQ(disk_.allFiles(), before);
     EXPECT_EQ(disk_.contents(target), oldText);
     EXPECT_EQ(disk_.contents("/srv/real"), "real");
@@ -434,7 +435,8 @@ TEST_F(NewFileTest, isThereWholeOrNotAtAllAfterAnyFailureAndAnyDeath) {
                 disk.afterMachineDeath(SteeredFiles::Names::Kept);
             }
             calls = disk.calls();
-            EXPECT_TRUE(!disk.has(target) || disk.contents(target) == newText || (death && disk.contents(target).empty()))
+            EXPECT_TRUE(!disk.has(target) || disk.contents(target) == newText ||
+                        (death && disk.contents(target).empty()))
                 << n;
             EXPECT_EQ(disk.openHandles(), 0) << n;
             EXPECT_TRUE(death || error == FileError::None || disk.allFiles().size() <= 1U) << n;
@@ -445,7 +447,8 @@ TEST_F(NewFileTest, isThereWholeOrNotAtAllAfterAnyFailureAndAnyDeath) {
 
 TEST(RealNewFile, goesOverNothing) {
     const TempFolder folder;
-    const std::string one = folder.path() + "/one", two = folder.path() + "/two", link = folder.path() + "/link";
+    const std::string one = folder.path() + "/one", two = folder.path() + "/two",
+                      link = folder.path() + "/link";
     ASSERT_EQ(saveNewFile(one, "1", 0600), FileError::None);
     EXPECT_EQ(saveNewFile(one, "2", 0600), FileError::Exists);
     ASSERT_EQ(files().link(two, link), FileError::None);

@@ -39,7 +39,7 @@ public:
     virtual void setTokens(std::string_view tokens) = 0;
     virtual void setFont(const Font& font) = 0;
     virtual void setStatus(const QString& text) = 0;  // a part of the status bar; empty: none
-    virtual void setName(const QString& name) = 0;  // for screen readers
+    virtual void setName(const QString& name) = 0;    // for screen readers
 };
 
 // Exported under the name "tarn_make_edit_area". The area belongs to its widget; `events` must outlive it.

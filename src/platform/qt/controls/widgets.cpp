@@ -525,10 +525,9 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
 }
 
 constexpr Property All[] = {
-    Property::Caption,   Property::Picture,  Property::Rows,    Property::ListIndex,
-    Property::Range,     Property::Value,    Property::Checked, Property::Readonly,
-    Property::MaxLength, Property::Password, Property::Flags,   Property::Tokens,
-    Property::Status,
+    Property::Caption, Property::Picture, Property::Rows,     Property::ListIndex, Property::Range,
+    Property::Value,   Property::Checked, Property::Readonly, Property::MaxLength, Property::Password,
+    Property::Flags,   Property::Tokens,  Property::Status,
 };
 
 }  // namespace

@@ -57,8 +57,8 @@ public:
     [[nodiscard]] bool overwriting() const;
 
 signals:
-    void edited();  // the user changed the text; after the change
-    void moved();   // caret, modified mark, length or mode
+    void edited();            // the user changed the text; after the change
+    void moved();             // caret, modified mark, length or mode
     void refused(int limit);  // an edit that had no room
     void pressedTwice(QPoint at);
 
@@ -91,8 +91,8 @@ private:
     void insertTyped(std::string_view text);
     bool refuses(std::string_view text);  // true, with a beep: no room for it
     void refuse();
-    void step(unsigned message);  // SCI_UNDO or SCI_REDO
-    void checkInsertion(int bytes);       // of whatever the control itself puts in
+    void step(unsigned message);     // SCI_UNDO or SCI_REDO
+    void checkInsertion(int bytes);  // of whatever the control itself puts in
     void newLine();
     bool pasteBytes();           // true: done with, put in or refused
     bool pasteForeign();         // the same, of a text that another program has

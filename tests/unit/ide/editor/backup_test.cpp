@@ -30,10 +30,17 @@ TEST(EmbeddedDate, IsWhatStandsBetweenTheFirstParentheses) {
 TEST(DayNames, AreThoseOfTheCalendar) {
     const struct {
         const char *date, *name;
-    } rows[] = {{"1600-01-01", "Saturday"},          {"1600-01-02", "Sunday"}, {"1599-12-31", "Friday"},
-                {"2015-03-01 10-15-00", "Sunday"},   {"2000-02-29", "Tuesday"}, {"2026-01-02", "Friday"},
-                {"9999-12-31", "Friday"},            {"0001-01-01", "Monday"},  {"2015-02-30", ""},
-                {"copy", ""},                        {"", ""}};
+    } rows[] = {{"1600-01-01", "Saturday"},
+                {"1600-01-02", "Sunday"},
+                {"1599-12-31", "Friday"},
+                {"2015-03-01 10-15-00", "Sunday"},
+                {"2000-02-29", "Tuesday"},
+                {"2026-01-02", "Friday"},
+                {"9999-12-31", "Friday"},
+                {"0001-01-01", "Monday"},
+                {"2015-02-30", ""},
+                {"copy", ""},
+                {"", ""}};
     for (const auto& row : rows) EXPECT_EQ(DAYNAMEOF(row.date), row.name) << row.date;
 }
 
@@ -79,7 +86,9 @@ protected:
         SDIEDIT(SDIEdit, TIMER_EVENT, SDIEdit, 0);
         Stamp(0, ReportErrors, DefaultErrorHandler);
     }
-    static std::string day(int number) { return "/home/user/note.txt (2014-01-0" + STR(number) + " 00-00-00).bak"; }
+    static std::string day(int number) {
+        return "/home/user/note.txt (2014-01-0" + STR(number) + " 00-00-00).bak";
+    }
     void putDays(int count) {
         for (int i = 1; i <= count; i++) disk.put(day(i), "day " + STR(i));
     }
@@ -343,7 +352,8 @@ TEST_F(Backup, ThatFailsAtAnyCallIsToldAndLeavesNothingHalf) {
             for (const std::string& one : backups()) EXPECT_EQ(disk.contents(one), text) << "call " << n;
             if (disk.calls() < n) break;
             failures++;
-            if (asked.empty()) continue;  // a failure that changes nothing: the temporary could not be removed
+            if (asked.empty())
+                continue;  // a failure that changes nothing: the temporary could not be removed
             EXPECT_EQ(asked[0].title, "Error");
             EXPECT_NE(asked[0].text.find("(error 65"), std::string::npos) << asked[0].text;
         }
@@ -430,17 +440,20 @@ TEST_F(Backup, IsWarnedOfAtLoadWithWhatHelps) {
     const struct {
         std::string file, message;
     } rows[] = {
-        {"/home/user/a*b.txt",
-         "The filename is invalid.\nTo enable Automatic Backups and Undo for this file, save the file first, give\n"
-         "it a valid name, then re-open it again."},
+        {"/home/user/a*b.txt", "The filename is invalid.\nTo enable Automatic Backups and Undo for this "
+                               "file, save the file first, give\n"
+                               "it a valid name, then re-open it again."},
         {"/home/user/" + std::string(240, 'a'),
-         "The filename is too long to include the timestamp.\nTo enable Automatic Backups and Undo for this file, "
+         "The filename is too long to include the timestamp.\nTo enable Automatic Backups and Undo for this "
+         "file, "
          "close the file and copy it\nto a folder with a shorter path."},
         {"/home/user/locked.txt",
-         "The file is read-only or is stored on a read-only disk.\nTo enable Automatic Backups and Undo for this "
+         "The file is read-only or is stored on a read-only disk.\nTo enable Automatic Backups and Undo for "
+         "this "
          "file, close the file,\ncopy it to a local disk, give it read-write access, then re-open it."},
         {"/home/user/x.bak",
-         "The file is already a backup file because it has the extension '.bak'.\nTo enable Automatic Backups and "
+         "The file is already a backup file because it has the extension '.bak'.\nTo enable Automatic "
+         "Backups and "
          "Undo for this file, close the file, make a copy\nand rename it, then re-open it"}};
     for (const auto& row : rows) {
         asked.clear();
@@ -546,9 +559,9 @@ TEST_F(DeleteBackups, ShowsThemSortedAndDeletesAllWhateverIsChosen) {
     ASSERT_EQ(asked.size(), 1u);
     EXPECT_EQ(asked[0].title, "Delete");
     EXPECT_EQ(asked[0].rows, rows);
-    EXPECT_EQ(asked[0].text,
-              "5 backup files, 5,000 bytes total.\nTo delete all these files, select any one file and press OK.\nOr "
-              "press Cancel not to delete anything.");
+    EXPECT_EQ(asked[0].text, "5 backup files, 5,000 bytes total.\nTo delete all these files, select any one "
+                             "file and press OK.\nOr "
+                             "press Cancel not to delete anything.");
     EXPECT_EQ(backups(), std::vector<std::string>{"/elsewhere/f.bak"});
     EXPECT_TRUE(disk.has("/lib1/keep.cls"));
     EXPECT_TRUE(disk.has("/lib1/keep.bak.txt"));

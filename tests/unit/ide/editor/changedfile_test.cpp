@@ -33,7 +33,8 @@ TEST_F(ChangedFile, IsAskedAboutOnceWhenTheWindowBecomesActive) {
     comeBack();
     ASSERT_EQ(asked.size(), 1u);
     EXPECT_EQ(asked[0].title, "File Changed");
-    EXPECT_TRUE(asked[0].text.starts_with("The following file was changed by another program:\n\n\t" + file + "\n\n"));
+    EXPECT_TRUE(asked[0].text.starts_with("The following file was changed by another program:\n\n\t" + file +
+                                          "\n\n"));
     EXPECT_EQ(asked[0].buttons, (std::vector<std::string>{"&Reload", "&Keep", "&Show difference"}));
     comeBack();
     comeBack(Main);
@@ -91,7 +92,8 @@ TEST_F(ChangedFile, ReloadKeepsTheCaretInItsLine) {
 }
 
 TEST_F(ChangedFile, WithTheSameTextIsNotAskedAbout) {
-    std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+    std::filesystem::last_write_time(file,
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
     comeBack();
     EXPECT_TRUE(asked.empty()) << lastText();
     type("x");

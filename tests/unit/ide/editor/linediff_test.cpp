@@ -27,7 +27,8 @@ TEST(LineDifference, ShowsChangedLinesWithTheirNeighbours) {
          "Line 1:\n- x\n+ X\n  1\n  2\nLine 6:\n  5\n  6\n- y\n+ Y\n"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(LINEDIFFERENCE(row.first, row.second, 100), row.difference) << row.first << "|" << row.second;
+        EXPECT_EQ(LINEDIFFERENCE(row.first, row.second, 100), row.difference)
+            << row.first << "|" << row.second;
 }
 
 TEST(LineDifference, IsCutBehindTheMostLines) {

@@ -104,14 +104,17 @@ TEST_F(Restore, SaysWhatItWillDo) {
                                          "' will be copied to '" + file + "'.\n");
     type("x");
     restore(old);
-    EXPECT_TRUE(saw("lblmoredetails")
-                    .starts_with("1. You will be prompted whether to save changes in the text editor.\n2. The copy of "))
+    EXPECT_TRUE(
+        saw("lblmoredetails")
+            .starts_with(
+                "1. You will be prompted whether to save changes in the text editor.\n2. The copy of "))
         << saw("lblmoredetails");
 }
 
 TEST_F(Restore, IsLeftByCancelAndEscAndTheCloseBox) {
     for (const std::vector<std::string>& way :
-         {std::vector<std::string>{"pushbutton3"}, std::vector<std::string>{"Esc"}, std::vector<std::string>{}}) {
+         {std::vector<std::string>{"pushbutton3"}, std::vector<std::string>{"Esc"},
+          std::vector<std::string>{}}) {
         presses = way;
         restore(old);
         EXPECT_EQ(disk.contents(file), "new\n");
@@ -139,7 +142,9 @@ TEST_F(Restore, StopsTheTimerMeanwhile) {
 TEST_F(Restore, DetailsAreShownAndHidden) {
     Load(UndoDlg);
     const auto at = [](const char* name) { return GetPosition(FINDCONTROL(UndoDlg, name), CLIENT_UNIT); };
-    const auto press = [] { platform::userCommand(*platform::findControl(FINDCONTROL(UndoDlg, "pushbutton2"))); };
+    const auto press = [] {
+        platform::userCommand(*platform::findControl(FINDCONTROL(UndoDlg, "pushbutton2")));
+    };
     Show(UndoDlg, false);
     const auto check = [&](const char* label, const char* caption, bool details) {
         const Rect last = at(label);
@@ -160,13 +165,14 @@ TEST_F(Restore, DetailsAreShownAndHidden) {
 TEST_F(Restore, NeedsAFileInTheWindow) {
     EDITWNDNEW(SDIEdit, "");
     restore(old);
-    EXPECT_EQ(lastText(), "The following filename:\n\n\t'<untitled>'\n\nis missing or invalid. No restore points are "
-                          "available for this file.");
+    EXPECT_EQ(lastText(),
+              "The following filename:\n\n\t'<untitled>'\n\nis missing or invalid. No restore points are "
+              "available for this file.");
     SetModify(SDIEdit, false);
     EDITWNDCLOSE(SDIEdit, true);
     restore(old);
-    EXPECT_EQ(lastText(),
-              "The following filename:\n\n\t''\n\nis missing or invalid. No restore points are available for this file.");
+    EXPECT_EQ(lastText(), "The following filename:\n\n\t''\n\nis missing or invalid. No restore points are "
+                          "available for this file.");
     EXPECT_EQ(asked.back().title, Title);
     EXPECT_TRUE(seen.empty());
 }

@@ -19,7 +19,8 @@ TEST(DateHeadings, StandAboveTheFilesOfADay) {
                   "\n* ------ 2014-12-24 (Wednesday) ------ \n" + c + "\n");
     EXPECT_EQ(APPENDDATEHEADINGS(""), "");
     EXPECT_EQ(APPENDDATEHEADINGS("/d/a.txt.bak\n/d/a.txt ().bak\n"), "") << "no date";
-    EXPECT_EQ(APPENDDATEHEADINGS("/d (x)/a.txt (2015-03-01 10-15-00).bak\n/d (x)/a.txt (2015-02-01 10-15-00).bak\n"),
+    EXPECT_EQ(APPENDDATEHEADINGS(
+                  "/d (x)/a.txt (2015-03-01 10-15-00).bak\n/d (x)/a.txt (2015-02-01 10-15-00).bak\n"),
               "* ------ x000-01-01 () ------ \n/d (x)/a.txt (2015-03-01 10-15-00).bak\n"
               "/d (x)/a.txt (2015-02-01 10-15-00).bak\n")
         << "a folder that hides it";
@@ -65,7 +66,8 @@ TEST_F(UndoMenu, ShowsTheRestorePointsOfTheFileInTheWindow) {
 
 TEST_F(UndoMenu, ShowsFiftyLinesAtMost) {
     const std::string file = write("a.txt", "now\n");
-    for (int i = 10; i < 80; i++) backup(file, "2015-03-01 10-" + STR(i % 60 / 10) + STR(i % 10) + "-" + STR(i));
+    for (int i = 10; i < 80; i++)
+        backup(file, "2015-03-01 10-" + STR(i % 60 / 10) + STR(i % 10) + "-" + STR(i));
     start({file});
     EXPECT_EQ(items(), 50);
     EXPECT_FALSE(GetEnabled(item(1)));
@@ -150,6 +152,10 @@ TEST_F(UndoMenu, StepsAreThoseOfTheWindowWhereTheUserWorks) {
     start({write("a.txt", "one\n")});
     type("x");
     EXPECT_TRUE(CANUNDOTYPING());
+    platform::userActivate(*platform::findWindow(Main));
+    EXPECT_TRUE(CANUNDOTYPING());
+    SetCaption(MAINCONTROL("lbllastactive"), "");
+    EXPECT_TRUE(CANUNDOTYPING()) << "behind the list of windows none is noted";
     SetCaption(MAINCONTROL("lbllastactive"), "ViewDlg");
     UPDATEUNDOTYPINGITEMS();
     EXPECT_FALSE(isEnabled("edit_undo_typing"));
@@ -207,6 +213,18 @@ TEST_F(UndoMenu, ReadOnlyFileSaysSoInTheStatusBarUntilItIsSavedElsewhere) {
 TEST_F(UndoMenu, TextMayNotGrowBeyondTheLargestFile) {
     start();
     EXPECT_EQ(GetMaxLength(SDIEdit), 4'000'000);
+}
+
+TEST_F(UndoMenu, CommandsAskForRoomAndARefusalIsShownUntilTheNextChange) {
+    start({write("a.txt", std::string(3'999'990, 'a'))});
+    EXPECT_TRUE(EDITWNDHASROOM(SDIEdit, 10));
+    EXPECT_TRUE(EDITWNDHASROOM(SDIEdit, -5));
+    EXPECT_EQ(GetStatus(SDIEdit), "");
+    EXPECT_FALSE(EDITWNDHASROOM(SDIEdit, 11));
+    EXPECT_FALSE(EDITWNDHASROOM(SDIEdit, 4'000'000'000));
+    EXPECT_EQ(GetStatus(SDIEdit), "No room: a text has at most 4000000 bytes");
+    type("x");
+    EXPECT_EQ(GetStatus(SDIEdit), "");
 }
 
 TEST_F(UndoMenu, FileDialogsOfferAllFiles) {
