@@ -264,7 +264,8 @@ TEST_F(EditTest, ReplacingManyPlacesIsOneUndoStepAndNotReported) {
 
 std::string placesOf(const std::vector<Selection>& marks) {
     std::string places;
-    for (const Selection& mark : marks) places += std::to_string(mark.start) + "+" + std::to_string(mark.length) + " ";
+    for (const Selection& mark : marks)
+        places += std::to_string(mark.start) + "+" + std::to_string(mark.length) + " ";
     return places;
 }
 
@@ -290,8 +291,9 @@ TEST_F(EditTest, MarkedHitsReadWellInEveryPalette) {
     const QPalette before = QApplication::palette();
     std::string blocks;
     for (int i = 0; i < 30; ++i) blocks += "\u2588 ";
-    for (const QPalette& palette : {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
-                                    paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
+    for (const QPalette& palette :
+         {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
+          paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
         QApplication::setPalette(palette);
         store->setText(blocks + "\n");
         store->setMarks({{1, store->length() - 1}});

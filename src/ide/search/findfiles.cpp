@@ -47,8 +47,8 @@ public:
         lineEnd_ = std::min(text_.find('\n', lineStart_), text_.size());
         listed_ = true;
         const std::string_view shown = text_.substr(lineStart_, lineEnd_ - lineStart_);
-        findings_.lines += file_ + "(" + std::to_string(line_) + "): " + std::to_string(at - lineStart_ + 1) + ": " +
-                           SHOWNLINE(shown, at - lineStart_) + "\n";
+        findings_.lines += file_ + "(" + std::to_string(line_) + "): " + std::to_string(at - lineStart_ + 1) +
+                           ": " + SHOWNLINE(shown, at - lineStart_) + "\n";
         ++findings_.listed;
     }
 
@@ -70,7 +70,8 @@ void searchText(const std::string& file, std::string_view text, TextSearch& sear
         lister.hit(hit);
     ++findings.searched;
     if (findings.hits > before) ++findings.files;
-    if (findings.problem.empty() && !search.problem().empty()) findings.problem = "'" + file + "': " + search.problem();
+    if (findings.problem.empty() && !search.problem().empty())
+        findings.problem = "'" + file + "': " + search.problem();
 }
 
 std::string counted(int count, const char* one, const char* many) {
@@ -78,7 +79,8 @@ std::string counted(int count, const char* one, const char* many) {
 }
 
 std::string summary(const Findings& findings, const SkippedFiles& skipped, bool stopped) {
-    std::string lines = counted(findings.hits, "hit", "hits") + " in " + counted(findings.files, "file", "files") + "; " +
+    std::string lines = counted(findings.hits, "hit", "hits") + " in " +
+                        counted(findings.files, "file", "files") + "; " +
                         counted(findings.searched, "file was", "files were") + " searched.\n";
     if (findings.full()) lines += "There may be more: the list ends here.\n";
     if (stopped) lines += "The search was stopped.\n";
@@ -110,8 +112,8 @@ std::string FINDINFILES(const FileChoices& choices) {
 bool FINDFILESDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(FINDFILESDLG);
     STAMP();
-    const bool result = CHOOSEFOLDER(window, event, control) ||
-                        DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    const bool result =
+        CHOOSEFOLDER(window, event, control) || DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;
 }

@@ -34,7 +34,7 @@ std::uint64_t digestOf(std::string_view bytes) {
 }
 
 std::optional<std::vector<TextEdit>> changesOf(std::string_view text, TextSearch& search,
-                                                         const FileChoices& choices) {
+                                               const FileChoices& choices) {
     search.anew();
     return REPLACEMENTS(text, search, choices.with, 1, true, EDITWNDGETMAXLENGTH(SDIEdit));
 }
@@ -53,7 +53,8 @@ std::vector<LineChange> linesOf(std::string_view text, const std::vector<TextEdi
         const std::size_t from = startOfLine(text, static_cast<std::size_t>(edits[n].start) - 1);
         std::size_t end = from;
         std::vector<TextEdit> own;
-        for (; n < edits.size() && (own.empty() || static_cast<std::size_t>(edits[n].start) - 1 <= end); ++n) {
+        for (; n < edits.size() && (own.empty() || static_cast<std::size_t>(edits[n].start) - 1 <= end);
+             ++n) {
             own.push_back(edits[n]);
             own.back().start -= static_cast<int>(from);
             const auto behind = static_cast<std::size_t>(edits[n].start - 1 + edits[n].length);
@@ -87,7 +88,8 @@ struct Planner {
         } else if (!edits->empty() && ISCHANGEDINEDITOR(file)) {
             notes += "'" + file + "' is changed in the Code window. Save it first.\n";
         } else if (!edits->empty()) {
-            plan.files.push_back({file, digestOf(text), static_cast<int>(edits->size()), linesOf(text, *edits)});
+            plan.files.push_back(
+                {file, digestOf(text), static_cast<int>(edits->size()), linesOf(text, *edits)});
         }
     }
 };
@@ -121,8 +123,8 @@ std::string REPLACEBACKUPNAME(const std::string& file) {
     for (std::int64_t moment = os::clock().now();; moment += Second) {
         const os::CivilTime time = os::clock().local(moment);
         char stamp[64];
-        std::snprintf(stamp, sizeof stamp, " (%04d-%02d-%02d %02d-%02d-%02d).bak", time.year, time.month, time.day,
-                      time.hour, time.minute, time.second);
+        std::snprintf(stamp, sizeof stamp, " (%04d-%02d-%02d %02d-%02d-%02d).bak", time.year, time.month,
+                      time.day, time.hour, time.minute, time.second);
         if (const std::string name = file + stamp; !os::infoOf(name).exists) return name;
     }
 }
@@ -151,7 +153,8 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
     if (digestOf(text) != change.digest) return "It has changed since the list was made.";
     const auto edits = changesOf(text, search, choices);
     if (!search.problem().empty()) return search.problem();
-    if (!edits || static_cast<int>(edits->size()) != change.count) return "It has changed since the list was made.";
+    if (!edits || static_cast<int>(edits->size()) != change.count)
+        return "It has changed since the list was made.";
     if (!os::infoOf(change.file).writable) return "You may not write to it.";
     const std::string backup = REPLACEBACKUPNAME(change.file);
     if (const os::SaveResult saved = writeBackup(change.file, backup, text); !saved.ok())
@@ -206,8 +209,8 @@ ReplaceReport WRITEREPLACEMENTS(const FileChoices& choices, const ReplacePlan& p
 
 namespace {
 
-ReplacePlan* shownPlan = nullptr;          // of the list that is shown
-std::vector<std::size_t> fileOfRow;        // for each row the place of its file in the plan
+ReplacePlan* shownPlan = nullptr;    // of the list that is shown
+std::vector<std::size_t> fileOfRow;  // for each row the place of its file in the plan
 constexpr std::size_t MostRows = 20'000;
 constexpr const char* Title = "Replace in Files";
 
@@ -273,7 +276,8 @@ void toggleFile(const Object& dialog) {
 
 bool isToggle(int event, const Object& control, int parameter) {
     const std::string name = GetName(control);
-    return (event == COMMAND_EVENT && name == "pushbutton4") || (event == DBLCLICK_EVENT && name == "listbox1") ||
+    return (event == COMMAND_EVENT && name == "pushbutton4") ||
+           (event == DBLCLICK_EVENT && name == "listbox1") ||
            (event == KEYPRESS_EVENT && name == "listbox1" && parameter == ' ');
 }
 
@@ -291,8 +295,8 @@ bool letChoose(ReplacePlan& plan) {
 
 void tell(const ReplaceReport& report, const std::string& notes) {
     const std::string more = report.problems + notes;
-    MSGBOX(Title, replacementsOf(report.replacements) + (report.replacements == 1 ? " was" : " were") + " made in " +
-                      STR(report.files) + (report.files == 1 ? " file." : " files.") +
+    MSGBOX(Title, replacementsOf(report.replacements) + (report.replacements == 1 ? " was" : " were") +
+                      " made in " + STR(report.files) + (report.files == 1 ? " file." : " files.") +
                       (more.empty() ? std::string() : "\n\n" + LIMITLINES(more)));
 }
 

@@ -34,10 +34,10 @@ namespace {
 constexpr char BytesType[] = "application/x-tarnwick-bytes";
 constexpr int TabWidth = 4;
 constexpr long MarkIndicator = 8;  // the first that is not the control's own
-constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
-constexpr int Gap = 6;           // pixels between number bar and text
-constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
-constexpr int Piece = 65536;     // bytes coloured at a time
+constexpr int FirstStyle = 1;      // style numbers of the rules; 0 is plain
+constexpr int Gap = 6;             // pixels between number bar and text
+constexpr int LongLine = 65536;    // beyond this a column is not counted in characters
+constexpr int Piece = 65536;       // bytes coloured at a time
 
 const QColor MarkColour(240, 150, 0);
 
@@ -240,8 +240,10 @@ void TextArea::replaceParts(const std::vector<TextEdit>& edits) {
     flush();
     free_ = true;
     const long mask = send(SCI_GETMODEVENTMASK);
-    if (!QAccessible::isActive()) send(SCI_SETMODEVENTMASK, 0);
+    const bool heard = QAccessible::isActive(), before = blockSignals(!heard);
+    if (!heard) send(SCI_SETMODEVENTMASK, 0);
     send(SCI_SETREADONLY, 0);
+    send(SCI_SETLAYOUTCACHE, SC_CACHE_NONE);  // which each change would go through
     send(SCI_BEGINUNDOACTION);
     long shift = -1;  // of a 1-based place in the text as it is now
     long end = 0;
@@ -253,7 +255,9 @@ void TextArea::replaceParts(const std::vector<TextEdit>& edits) {
         shift += static_cast<long>(edit.text.size()) - edit.length;
     }
     send(SCI_ENDUNDOACTION);
+    send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     send(SCI_SETMODEVENTMASK, mask);
+    blockSignals(before);
     send(SCI_SETEMPTYSELECTION, end);
     send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
     send(SCI_SCROLLCARET);

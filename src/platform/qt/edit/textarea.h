@@ -30,8 +30,8 @@ public:
     void setBytes(std::string_view text);  // empties the undo list; no change is reported
     [[nodiscard]] int length() const;
     [[nodiscard]] Selection selection() const;
-    void select(int start, int length);            // scrolls it into view
-    void replaceSelection(std::string_view text);  // one undo step; not reported
+    void select(int start, int length);                     // scrolls it into view
+    void replaceSelection(std::string_view text);           // one undo step; not reported
     void replaceParts(const std::vector<TextEdit>& edits);  // one undo step; not reported
     // Marked places; they move with their text.
     void setMarks(const std::vector<Selection>& places);
