@@ -291,15 +291,21 @@ TEST_F(EditTest, MarkedHitsReadWellInEveryPalette) {
     const QPalette before = QApplication::palette();
     std::string blocks;
     for (int i = 0; i < 30; ++i) blocks += "\u2588 ";
+    area->setFlags(HILITE);
+    area->setTokens("// ##EOL 0x008000 ITALIC\n");
     for (const QPalette& palette :
          {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
           paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
         QApplication::setPalette(palette);
-        store->setText(blocks + "\n");
-        store->setMarks({{1, store->length() - 1}});
-        caret(store->length() + 1);
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-        EXPECT_GE(contrastOf(area->textWidget()->grab(QRect(20, 5, 250, 5)).toImage()), 4.5);
+        for (const bool comment : {false, true}) {
+            store->setText((comment ? "// " : "   ") + blocks + "\n");
+            store->setMarks({{1, store->length() - 1}});
+            caret(store->length() + 1);
+            for (int i = 0; i < 3; ++i) QApplication::processEvents();
+            // A comment has 4.5 on the plain ground.
+            EXPECT_GE(contrastOf(area->textWidget()->grab(QRect(40, 5, 230, 5)).toImage()),
+                      comment ? 3.7 : 4.5);
+        }
     }
     QApplication::setPalette(before);
 }

@@ -416,11 +416,11 @@ void TextArea::applyColours() {
     SendScintilla(SCI_SETSELBACK, 1UL,
                   readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk));
     send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
-    // Under the text, and as faint as the text needs to stay readable on it.
+    // Under the text, and faint, so that coloured text stays readable on it; the frame is what shows.
     send(SCI_INDICSETSTYLE, MarkIndicator, INDIC_STRAIGHTBOX);
     send(SCI_INDICSETUNDER, MarkIndicator, 1);
-    send(SCI_INDICSETALPHA, MarkIndicator, 80);
-    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 200);
+    send(SCI_INDICSETALPHA, MarkIndicator, 30);
+    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 255);
     SendScintilla(SCI_INDICSETFORE, static_cast<unsigned long>(MarkIndicator), MarkColour);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }
