@@ -26,6 +26,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t MostLines = 200;  // listed of one file
+constexpr int MostSlow = 3;             // files in which a pattern may need too much time
 
 std::uint64_t digestOf(std::string_view bytes) {
     std::uint64_t digest = 14695981039346656037ULL;
@@ -76,6 +77,7 @@ struct Planner {
     ReplacePlan plan;
     SkippedFiles skipped;
     std::string notes;
+    int slow = 0;
 
     void file(const std::string& file) {
         std::string text;
@@ -83,6 +85,7 @@ struct Planner {
         const auto edits = changesOf(text, search, choices);
         if (!search.problem().empty()) {
             notes += "'" + file + "': " + search.problem() + "\n";
+            if (++slow == MostSlow) notes += "The search was given up there.\n";
         } else if (!edits) {
             notes += "'" + file + "' would be too large for the Code window.\n";
         } else if (!edits->empty() && ISCHANGEDINEDITOR(file)) {
@@ -102,11 +105,12 @@ ReplacePlan PLANREPLACEMENTS(const FileChoices& choices) {
     LongWork work("Searching for '" + choices.text + "'");
     const FoundFiles found = FILESIN(choices.folders, choices.patterns, choices.subfolders, work);
     const auto search = SEARCHOF(choices);
-    Planner planner{choices, *search, {}, {.unreadable = found.unreadableFolders}, {}};
+    Planner planner{choices, *search, {}, {.unreadable = found.unreadableFolders}, {}, 0};
     std::int64_t done = 0;
     for (const std::string& file : found.files) {
         STAMP();
-        if (!work.go(done++, static_cast<std::int64_t>(found.files.size()))) break;
+        const bool goesOn = work.go(done++, static_cast<std::int64_t>(found.files.size()));
+        if (!goesOn || planner.slow >= MostSlow) break;
         planner.file(file);
     }
     STAMP();

@@ -170,5 +170,12 @@ TEST_F(FindInFiles, APatternThatNeedsTooMuchTimeIsTold) {
                                              "searched.\n'p/a.cls': The pattern needs too much time.\n");
 }
 
+TEST_F(FindInFiles, APatternThatNeedsTooMuchTimeInManyFilesIsGivenUp) {
+    for (int n = 0; n < 9; ++n) write("p/" + STR(n) + ".cls", std::string(100'000, 'a') + "!");
+    const std::string lines = find("(a+)+$", false, true);
+    EXPECT_TRUE(lines.starts_with("0 hits in 0 files; 3 files were searched.\n")) << lines;
+    EXPECT_TRUE(lines.ends_with("The search was given up there.\n")) << lines;
+}
+
 }  // namespace
 }  // namespace tarn
