@@ -62,9 +62,10 @@ double replaceAll(const std::string& text, int& count) {
 // What vim itself measures, without its start and the reading of the file.
 double vimReplaceAll(const std::string& folder, const std::string& text) {
     std::ofstream(folder + "text.txt") << text;
-    const std::string command = "vim -u NONE -N -i NONE -n -es -c 'let t = reltime()' -c '%s/needle/thread2/g' "
-                                "-c 'call writefile([reltimestr(reltime(t))], \"" +
-                                folder + "time\")' -c 'qa!' " + folder + "text.txt >/dev/null 2>&1 </dev/null";
+    const std::string command =
+        "vim -u NONE -N -i NONE -n -es -c 'let t = reltime()' -c '%s/needle/thread2/g' "
+        "-c 'call writefile([reltimestr(reltime(t))], \"" +
+        folder + "time\")' -c 'qa!' " + folder + "text.txt >/dev/null 2>&1 </dev/null";
     return timeOf([&] {
         double seconds = 0;
         if (std::system(command.c_str()) == 0) std::ifstream(folder + "time") >> seconds;
@@ -94,7 +95,8 @@ void makeFiles(const std::string& folder, const std::string& text) {
     for (int n = 0; n < 2000; ++n) {
         const std::string below = folder + "files/" + std::to_string(n / 100) + "/";
         if (n % 100 == 0) fs::create_directories(below);
-        std::ofstream(below + std::to_string(n) + ".cls") << text.substr(static_cast<std::size_t>(n) * 1000, 20'000);
+        std::ofstream(below + std::to_string(n) + ".cls")
+            << text.substr(static_cast<std::size_t>(n) * 1000, 20'000);
     }
 }
 
@@ -114,7 +116,8 @@ double findInFiles(const std::string& folder) {
 }
 
 double grepFiles(const std::string& folder) {
-    const std::string command = "LC_ALL=C grep -rnF --include='*.cls' 'needle := result' " + folder + "files >" + folder + "found";
+    const std::string command =
+        "LC_ALL=C grep -rnF --include='*.cls' 'needle := result' " + folder + "files >" + folder + "found";
     return timeOf([&] {
         QElapsedTimer timer;
         timer.start();

@@ -309,8 +309,9 @@ TEST_F(EditTest, ReplacingManyPlacesIsOneUndoStepAndNotReported) {
     std::vector<TextEdit> edits;
     for (int i = 0; i < 1000; ++i) {
         edits.push_back({static_cast<int>(text.size()) + 3, 2, i % 3 == 0 ? "" : "new\n\0\xFF"s});
-        text += "x old\r\n\xC3";
-        wanted += "x " + edits.back().text + "d\r\n\xC3";
+        const std::string gap(i % 9 == 0 ? 0 : static_cast<std::size_t>(i), 'y');
+        text += "x old\r\n" + gap + "\xC3";
+        wanted += "x " + edits.back().text + "d\r\n" + gap + "\xC3";
     }
     store->setText(text);
     type(QStringLiteral("t"));
@@ -335,7 +336,8 @@ TEST_F(EditTest, ReplacingManyPlacesIsOneUndoStepAndNotReported) {
 
 std::string placesOf(const std::vector<Selection>& marks) {
     std::string places;
-    for (const Selection& mark : marks) places += std::to_string(mark.start) + "+" + std::to_string(mark.length) + " ";
+    for (const Selection& mark : marks)
+        places += std::to_string(mark.start) + "+" + std::to_string(mark.length) + " ";
     return places;
 }
 
@@ -361,14 +363,21 @@ TEST_F(EditTest, MarkedHitsReadWellInEveryPalette) {
     const QPalette before = QApplication::palette();
     std::string blocks;
     for (int i = 0; i < 30; ++i) blocks += "\u2588 ";
-    for (const QPalette& palette : {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
-                                    paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
+    area->setFlags(HILITE);
+    area->setTokens("// ##EOL 0x008000 ITALIC\n");
+    for (const QPalette& palette :
+         {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
+          paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
         QApplication::setPalette(palette);
-        store->setText(blocks + "\n");
-        store->setMarks({{1, store->length() - 1}});
-        caret(store->length() + 1);
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-        EXPECT_GE(contrastOf(area->textWidget()->grab(QRect(20, 5, 250, 5)).toImage()), 4.5);
+        for (const bool comment : {false, true}) {
+            store->setText((comment ? "// " : "   ") + blocks + "\n");
+            store->setMarks({{1, store->length() - 1}});
+            caret(store->length() + 1);
+            for (int i = 0; i < 3; ++i) QApplication::processEvents();
+            // A comment has 4.5 on the plain ground.
+            EXPECT_GE(contrastOf(area->textWidget()->grab(QRect(40, 5, 230, 5)).toImage()),
+                      comment ? 3.7 : 4.5);
+        }
     }
     QApplication::setPalette(before);
 }

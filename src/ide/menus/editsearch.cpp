@@ -56,7 +56,8 @@ void DO_FIND_NEXT() {
     STAMP();
     const FindChoice choice = findChoice();
     STAMP();
-    if (!ISREGEXCHOSEN(FindSection)) return FINDNEXT(SDIEdit, choice.text, choice.matchWord, choice.matchCase, false);
+    if (!ISREGEXCHOSEN(FindSection))
+        return FINDNEXT(SDIEdit, choice.text, choice.matchWord, choice.matchCase, false);
     const auto search = MAKESEARCH(choice.text, choice.matchWord, choice.matchCase, true);
     STAMP();
     FINDNEXT(SDIEdit, *search, choice.text, false);
@@ -65,9 +66,9 @@ void DO_FIND_NEXT() {
 void DO_REPLACE() {
     FRAME(DO_REPLACE);
     STAMP();
-    ReplaceChoice choice{read(ReplaceSection, "OldString"),      read(ReplaceSection, "NewString"),
-                         isOn(ReplaceSection, "MatchWord"),      isOn(ReplaceSection, "MatchCase"),
-                         isOn(ReplaceSection, "ConfirmEach"),    isOn(ReplaceSection, "FromStart")};
+    ReplaceChoice choice{read(ReplaceSection, "OldString"),   read(ReplaceSection, "NewString"),
+                         isOn(ReplaceSection, "MatchWord"),   isOn(ReplaceSection, "MatchCase"),
+                         isOn(ReplaceSection, "ConfirmEach"), isOn(ReplaceSection, "FromStart")};
     STAMP();
     const SearchDialogs extras(ReplaceSection);
     REPLACEDIALOG("Edit-Replace", SDIEdit, GETHELPFILE(), "Edit-Replace", choice);
@@ -85,7 +86,8 @@ void DO_FIND_MARKS() {
     FRAME(DO_FIND_MARKS);
     STAMP();
     const FindChoice choice = findChoice();
-    const auto search = MAKESEARCH(choice.text, choice.matchWord, choice.matchCase, ISREGEXCHOSEN(FindSection));
+    const auto search =
+        MAKESEARCH(choice.text, choice.matchWord, choice.matchCase, ISREGEXCHOSEN(FindSection));
     STAMP();
     TOGGLEMARKS(SDIEdit, *search, choice.text);
 }

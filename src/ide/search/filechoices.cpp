@@ -91,7 +91,8 @@ std::string FILECHOICEPROBLEM(const Object& dialog) {
     for (const std::string& folder : choices.folders) {
         const os::FileInfo info = os::infoOf(folder);
         if (!isTicked(dialog, "radio3") || (info.exists && info.folder)) continue;
-        return folder.empty() ? "Enter the folder to be searched." : "The folder '" + folder + "' does not exist.";
+        return folder.empty() ? "Enter the folder to be searched."
+                              : "The folder '" + folder + "' does not exist.";
     }
     STAMP();
     return SEARCHOF(choices)->problem();

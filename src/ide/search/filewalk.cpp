@@ -23,7 +23,8 @@ bool fits(std::string_view name, std::string_view pattern) {
         if (in < pattern.size() && pattern[in] == '*') {
             star = in++;
             retry = at;
-        } else if (in < pattern.size() && (pattern[in] == '?' || ascii::upper(pattern[in]) == ascii::upper(name[at]))) {
+        } else if (in < pattern.size() &&
+                   (pattern[in] == '?' || ascii::upper(pattern[in]) == ascii::upper(name[at]))) {
             ++in;
             ++at;
         } else if (star != std::string_view::npos) {
@@ -81,7 +82,8 @@ private:
 
 void addLine(std::string& lines, int count, const char* why) {
     if (count == 0) return;
-    lines += std::to_string(count) + (count == 1 ? " file was passed over because it " : " files were passed over because they ") +
+    lines += std::to_string(count) +
+             (count == 1 ? " file was passed over because it " : " files were passed over because they ") +
              why + ".\n";
 }
 

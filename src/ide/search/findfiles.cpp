@@ -15,6 +15,7 @@ namespace tarn {
 namespace {
 
 constexpr int MostLines = 10'000;  // of hits that are listed
+constexpr int MostSlow = 3;        // files in which a pattern may need too much time
 
 constexpr DialogShape shape{.settings = GETIDEINIFILE,
                             .showHelp = SHOWWINDOWHELP,
@@ -25,9 +26,10 @@ const RegisteredWindow registered("FindFilesDlg", FINDFILESDLG);
 
 struct Findings {
     std::string lines;
-    int hits = 0, listed = 0, files = 0, searched = 0;
-    std::string problem;
-    bool full() const { return listed >= MostLines; }
+    int hits = 0, listed = 0, files = 0, searched = 0, slow = 0;
+    std::string problems;
+    [[nodiscard]] bool full() const { return listed >= MostLines; }
+    [[nodiscard]] bool over() const { return full() || slow >= MostSlow; }
 };
 
 // Walks through the hits of one text; a line with several is listed once.
@@ -47,8 +49,8 @@ public:
         lineEnd_ = std::min(text_.find('\n', lineStart_), text_.size());
         listed_ = true;
         const std::string_view shown = text_.substr(lineStart_, lineEnd_ - lineStart_);
-        findings_.lines += file_ + "(" + std::to_string(line_) + "): " + std::to_string(at - lineStart_ + 1) + ": " +
-                           SHOWNLINE(shown, at - lineStart_) + "\n";
+        findings_.lines += file_ + "(" + std::to_string(line_) + "): " + std::to_string(at - lineStart_ + 1) +
+                           ": " + SHOWNLINE(shown, at - lineStart_) + "\n";
         ++findings_.listed;
     }
 
@@ -70,7 +72,9 @@ void searchText(const std::string& file, std::string_view text, TextSearch& sear
         lister.hit(hit);
     ++findings.searched;
     if (findings.hits > before) ++findings.files;
-    if (findings.problem.empty() && !search.problem().empty()) findings.problem = "'" + file + "': " + search.problem();
+    if (search.problem().empty()) return;
+    findings.problems += "'" + file + "': " + search.problem() + "\n";
+    ++findings.slow;
 }
 
 std::string counted(int count, const char* one, const char* many) {
@@ -78,11 +82,13 @@ std::string counted(int count, const char* one, const char* many) {
 }
 
 std::string summary(const Findings& findings, const SkippedFiles& skipped, bool stopped) {
-    std::string lines = counted(findings.hits, "hit", "hits") + " in " + counted(findings.files, "file", "files") + "; " +
+    std::string lines = counted(findings.hits, "hit", "hits") + " in " +
+                        counted(findings.files, "file", "files") + "; " +
                         counted(findings.searched, "file was", "files were") + " searched.\n";
     if (findings.full()) lines += "There may be more: the list ends here.\n";
     if (stopped) lines += "The search was stopped.\n";
-    if (!findings.problem.empty()) lines += findings.problem + "\n";
+    lines += findings.problems;
+    if (findings.slow >= MostSlow) lines += "The search was given up there.\n";
     return lines + skipped.lines();
 }
 
@@ -100,7 +106,7 @@ std::string FINDINFILES(const FileChoices& choices) {
     std::int64_t done = 0;
     for (const std::string& file : found.files) {
         STAMP();
-        if (findings.full() || !work.go(done++, static_cast<std::int64_t>(found.files.size()))) break;
+        if (findings.over() || !work.go(done++, static_cast<std::int64_t>(found.files.size()))) break;
         if (TEXTOFFILE(file, text, skipped)) searchText(file, text, *search, findings);
     }
     STAMP();
@@ -110,8 +116,8 @@ std::string FINDINFILES(const FileChoices& choices) {
 bool FINDFILESDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(FINDFILESDLG);
     STAMP();
-    const bool result = CHOOSEFOLDER(window, event, control) ||
-                        DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    const bool result =
+        CHOOSEFOLDER(window, event, control) || DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;
 }

@@ -16,7 +16,8 @@
 namespace tarn {
 namespace {
 
-constexpr std::uint32_t MostSteps = 20'000'000, MostDepth = 1'000'000, MostMemory = 64 * 1024;  // the last in KiB
+constexpr std::uint32_t MostSteps = 20'000'000, MostDepth = 1'000'000,
+                        MostMemory = 64 * 1024;  // the last in KiB
 constexpr std::size_t LongestPattern = 10'000;
 constexpr int CallsPerLook = 256;
 constexpr const char* TooMuchTime = "The pattern needs too much time.";
@@ -65,7 +66,8 @@ bool isUtf8Tail(char c) {
 bool isSoundUtf8(std::string_view text) {
     int error = 0;
     std::size_t offset = 0;
-    static const Code empty(pcre2_compile(bytesOf("a"), 1, PCRE2_UTF | PCRE2_ANCHORED, &error, &offset, nullptr));
+    static const Code empty(
+        pcre2_compile(bytesOf("a"), 1, PCRE2_UTF | PCRE2_ANCHORED, &error, &offset, nullptr));
     static const std::unique_ptr<pcre2_match_data, FreeMatch> match(pcre2_match_data_create(1, nullptr));
     const int result = pcre2_match(empty.get(), bytesOf(text), text.size(), 0, 0, match.get(), nullptr);
     return result >= PCRE2_ERROR_NOMATCH;
@@ -95,7 +97,8 @@ struct RegexSearch::Engine {
                                       (utf ? PCRE2_UTF | PCRE2_UCP : PCRE2_NEVER_UTF);
         Code code(pcre2_compile(bytesOf(pattern), pattern.size(), options, &error, &offset, nullptr));
         if (code == nullptr)
-            problem = "The pattern is not valid at character " + std::to_string(offset) + ":\n" + messageOf(error) + ".";
+            problem = "The pattern is not valid at character " + std::to_string(offset) + ":\n" +
+                      messageOf(error) + ".";
         return code;
     }
     [[nodiscard]] const pcre2_code* codeFor(std::string_view text) {
@@ -116,8 +119,8 @@ struct RegexSearch::Engine {
         if (code == nullptr) return PCRE2_ERROR_NOMATCH;
         if (code == characters.get())
             while (from < text.size() && isUtf8Tail(text[from])) ++from;
-        return pcre2_match(code, bytesOf(text), text.size(), from, PCRE2_NOTEMPTY | PCRE2_NO_UTF_CHECK, match.get(),
-                           context.get());
+        return pcre2_match(code, bytesOf(text), text.size(), from, PCRE2_NOTEMPTY | PCRE2_NO_UTF_CHECK,
+                           match.get(), context.get());
     }
     [[nodiscard]] TextHit hit() const {
         const std::size_t* const places = pcre2_get_ovector_pointer(match.get());
@@ -128,7 +131,8 @@ struct RegexSearch::Engine {
         groups.clear();
         for (int n = 0; n < count; ++n) {
             const std::size_t from = places[2 * n], to = places[2 * n + 1];
-            groups.emplace_back(from == PCRE2_UNSET || to < from ? std::string_view() : text.substr(from, to - from));
+            groups.emplace_back(from == PCRE2_UNSET || to < from ? std::string_view()
+                                                                 : text.substr(from, to - from));
         }
     }
 };
@@ -186,7 +190,9 @@ TextHit RegexSearch::next(std::string_view text, int start, std::optional<char> 
 
 std::string RegexSearch::replacement(std::string_view, const std::string& with) const {
     std::string out;
-    const auto group = [&](std::size_t n) { return n < engine_->groups.size() ? engine_->groups[n] : std::string(); };
+    const auto group = [&](std::size_t n) {
+        return n < engine_->groups.size() ? engine_->groups[n] : std::string();
+    };
     for (std::size_t i = 0; i < with.size(); ++i) {
         const char c = with[i], next = i + 1 < with.size() ? with[i + 1] : '\0';
         const std::size_t brace = c == '$' && next == '{' ? with.find('}', i) : std::string::npos;

@@ -24,7 +24,8 @@ inline constexpr std::int64_t UsualPatience = 3'000'000'000;  // nanoseconds for
 
 class RegexSearch : public TextSearch {
 public:
-    RegexSearch(std::string_view pattern, bool matchWord, bool matchCase, std::int64_t patience = UsualPatience);
+    RegexSearch(std::string_view pattern, bool matchWord, bool matchCase,
+                std::int64_t patience = UsualPatience);
     ~RegexSearch() override;
     RegexSearch(const RegexSearch&) = delete;
     RegexSearch& operator=(const RegexSearch&) = delete;

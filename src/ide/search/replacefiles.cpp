@@ -26,6 +26,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t MostLines = 200;  // listed of one file
+constexpr int MostSlow = 3;             // files in which a pattern may need too much time
 
 std::uint64_t digestOf(std::string_view bytes) {
     std::uint64_t digest = 14695981039346656037ULL;
@@ -34,7 +35,7 @@ std::uint64_t digestOf(std::string_view bytes) {
 }
 
 std::optional<std::vector<TextEdit>> changesOf(std::string_view text, TextSearch& search,
-                                                         const FileChoices& choices) {
+                                               const FileChoices& choices) {
     search.anew();
     return REPLACEMENTS(text, search, choices.with, 1, true, EDITWNDGETMAXLENGTH(SDIEdit));
 }
@@ -53,7 +54,8 @@ std::vector<LineChange> linesOf(std::string_view text, const std::vector<TextEdi
         const std::size_t from = startOfLine(text, static_cast<std::size_t>(edits[n].start) - 1);
         std::size_t end = from;
         std::vector<TextEdit> own;
-        for (; n < edits.size() && (own.empty() || static_cast<std::size_t>(edits[n].start) - 1 <= end); ++n) {
+        for (; n < edits.size() && (own.empty() || static_cast<std::size_t>(edits[n].start) - 1 <= end);
+             ++n) {
             own.push_back(edits[n]);
             own.back().start -= static_cast<int>(from);
             const auto behind = static_cast<std::size_t>(edits[n].start - 1 + edits[n].length);
@@ -75,6 +77,7 @@ struct Planner {
     ReplacePlan plan;
     SkippedFiles skipped;
     std::string notes;
+    int slow = 0;
 
     void file(const std::string& file) {
         std::string text;
@@ -82,12 +85,14 @@ struct Planner {
         const auto edits = changesOf(text, search, choices);
         if (!search.problem().empty()) {
             notes += "'" + file + "': " + search.problem() + "\n";
+            if (++slow == MostSlow) notes += "The search was given up there.\n";
         } else if (!edits) {
             notes += "'" + file + "' would be too large for the Code window.\n";
         } else if (!edits->empty() && ISCHANGEDINEDITOR(file)) {
             notes += "'" + file + "' is changed in the Code window. Save it first.\n";
         } else if (!edits->empty()) {
-            plan.files.push_back({file, digestOf(text), static_cast<int>(edits->size()), linesOf(text, *edits)});
+            plan.files.push_back(
+                {file, digestOf(text), static_cast<int>(edits->size()), linesOf(text, *edits)});
         }
     }
 };
@@ -100,11 +105,12 @@ ReplacePlan PLANREPLACEMENTS(const FileChoices& choices) {
     LongWork work("Searching for '" + choices.text + "'");
     const FoundFiles found = FILESIN(choices.folders, choices.patterns, choices.subfolders, work);
     const auto search = SEARCHOF(choices);
-    Planner planner{choices, *search, {}, {.unreadable = found.unreadableFolders}, {}};
+    Planner planner{choices, *search, {}, {.unreadable = found.unreadableFolders}, {}, 0};
     std::int64_t done = 0;
     for (const std::string& file : found.files) {
         STAMP();
-        if (!work.go(done++, static_cast<std::int64_t>(found.files.size()))) break;
+        const bool goesOn = work.go(done++, static_cast<std::int64_t>(found.files.size()));
+        if (!goesOn || planner.slow >= MostSlow) break;
         planner.file(file);
     }
     STAMP();
@@ -121,8 +127,8 @@ std::string REPLACEBACKUPNAME(const std::string& file) {
     for (std::int64_t moment = os::clock().now();; moment += Second) {
         const os::CivilTime time = os::clock().local(moment);
         char stamp[64];
-        std::snprintf(stamp, sizeof stamp, " (%04d-%02d-%02d %02d-%02d-%02d).bak", time.year, time.month, time.day,
-                      time.hour, time.minute, time.second);
+        std::snprintf(stamp, sizeof stamp, " (%04d-%02d-%02d %02d-%02d-%02d).bak", time.year, time.month,
+                      time.day, time.hour, time.minute, time.second);
         if (const std::string name = file + stamp; !os::infoOf(name).exists) return name;
     }
 }
@@ -151,7 +157,8 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
     if (digestOf(text) != change.digest) return "It has changed since the list was made.";
     const auto edits = changesOf(text, search, choices);
     if (!search.problem().empty()) return search.problem();
-    if (!edits || static_cast<int>(edits->size()) != change.count) return "It has changed since the list was made.";
+    if (!edits || static_cast<int>(edits->size()) != change.count)
+        return "It has changed since the list was made.";
     if (!os::infoOf(change.file).writable) return "You may not write to it.";
     const std::string backup = REPLACEBACKUPNAME(change.file);
     if (const os::SaveResult saved = writeBackup(change.file, backup, text); !saved.ok())
@@ -206,8 +213,8 @@ ReplaceReport WRITEREPLACEMENTS(const FileChoices& choices, const ReplacePlan& p
 
 namespace {
 
-ReplacePlan* shownPlan = nullptr;          // of the list that is shown
-std::vector<std::size_t> fileOfRow;        // for each row the place of its file in the plan
+ReplacePlan* shownPlan = nullptr;    // of the list that is shown
+std::vector<std::size_t> fileOfRow;  // for each row the place of its file in the plan
 constexpr std::size_t MostRows = 20'000;
 constexpr const char* Title = "Replace in Files";
 
@@ -273,7 +280,8 @@ void toggleFile(const Object& dialog) {
 
 bool isToggle(int event, const Object& control, int parameter) {
     const std::string name = GetName(control);
-    return (event == COMMAND_EVENT && name == "pushbutton4") || (event == DBLCLICK_EVENT && name == "listbox1") ||
+    return (event == COMMAND_EVENT && name == "pushbutton4") ||
+           (event == DBLCLICK_EVENT && name == "listbox1") ||
            (event == KEYPRESS_EVENT && name == "listbox1" && parameter == ' ');
 }
 
@@ -291,8 +299,8 @@ bool letChoose(ReplacePlan& plan) {
 
 void tell(const ReplaceReport& report, const std::string& notes) {
     const std::string more = report.problems + notes;
-    MSGBOX(Title, replacementsOf(report.replacements) + (report.replacements == 1 ? " was" : " were") + " made in " +
-                      STR(report.files) + (report.files == 1 ? " file." : " files.") +
+    MSGBOX(Title, replacementsOf(report.replacements) + (report.replacements == 1 ? " was" : " were") +
+                      " made in " + STR(report.files) + (report.files == 1 ? " file." : " files.") +
                       (more.empty() ? std::string() : "\n\n" + LIMITLINES(more)));
 }
 

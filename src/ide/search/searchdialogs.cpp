@@ -33,7 +33,8 @@ bool isTicked(const Object& dialog, std::string_view box) {
 
 std::string withCommas(int number) {
     std::string digits = std::to_string(number);
-    for (int at = static_cast<int>(digits.size()) - 3; at > 0; at -= 3) digits.insert(static_cast<std::size_t>(at), ",");
+    for (int at = static_cast<int>(digits.size()) - 3; at > 0; at -= 3)
+        digits.insert(static_cast<std::size_t>(at), ",");
     return digits;
 }
 
@@ -119,7 +120,8 @@ std::string COUNTHITS(std::string_view text, TextSearch& search) {
         if (hit.start == 0) break;
         from = hit.start + hit.length;
         ++count;
-        if (count % 256 == 0 && os::clock().steady() >= end) return "More than " + withCommas(count) + " hits";
+        if (count % 256 == 0 && os::clock().steady() >= end)
+            return "More than " + withCommas(count) + " hits";
     }
     if (!search.problem().empty()) return "Too slow to count";
     return count == 0 ? "No hits" : withCommas(count) + (count == 1 ? " hit" : " hits");

@@ -12,7 +12,7 @@ MODULE("commdlgs")
 namespace tarn {
 namespace {
 
-constexpr int HelpOnKey = 257;  // open the help file on a topic
+constexpr int HelpOnKey = 257;                     // open the help file on a topic
 constexpr std::int64_t LongestText = 100'000'000;  // bytes that replacing may make of a text without a limit
 
 SearchExtras extras;
@@ -28,8 +28,8 @@ void showHelp(const Object& dialog) {
     MULTIHELP(0, GetCaption(in(dialog, "lblhelpfile")), HelpOnKey, GetCaption(in(dialog, "lblhelptopic")));
 }
 
-void openDialog(const Object& dialog, WindowFunction function, const std::string& title, const std::string& helpFile,
-                const std::string& helpTopic) {
+void openDialog(const Object& dialog, WindowFunction function, const std::string& title,
+                const std::string& helpFile, const std::string& helpTopic) {
     RegisterWindow(dialog, function);
     Load(dialog);
     SetCaption(dialog, title);
@@ -79,8 +79,8 @@ constexpr Button lineButtons[] = {{"pushbutton1", [](const Object& dialog) { Hid
 template <std::size_t Count>
 bool press(const Button (&buttons)[Count], const Object& dialog, const Object& control) {
     const std::string name = GetName(control);
-    const auto* const button =
-        std::find_if(std::begin(buttons), std::end(buttons), [&](const Button& one) { return one.name == name; });
+    const auto* const button = std::find_if(std::begin(buttons), std::end(buttons),
+                                            [&](const Button& one) { return one.name == name; });
     if (button == std::end(buttons)) return false;
     button->press(dialog);
     return true;
@@ -126,16 +126,16 @@ void tellCount(int count) {
 }
 
 // Asks at each hit; false when the user has cancelled, or the search gave up.
-bool replaceAsking(const Object& window, TextSearch& search, const std::string& shown, const std::string& with, int from,
-                   bool all, int& count) {
+bool replaceAsking(const Object& window, TextSearch& search, const std::string& shown,
+                   const std::string& with, int from, bool all, int& count) {
     for (bool more = true; more; more = all) {
         const std::string text = GetText(window);
         search.anew();
         const TextHit hit = search.next(text, from);
         if (hit.start == 0) break;
         SetSelection(window, hit.start, hit.length);
-        const std::string answer =
-            MsgBox("Replace", "Replace this occurrence of '" + shown + "'?", "&Yes\n&No\n&Cancel", BoxIcon::Question);
+        const std::string answer = MsgBox("Replace", "Replace this occurrence of '" + shown + "'?",
+                                          "&Yes\n&No\n&Cancel", BoxIcon::Question);
         if (answer != "&Yes" && answer != "&No") return false;
         from = hit.start + hit.length;
         if (answer == "&No") continue;
@@ -148,7 +148,8 @@ bool replaceAsking(const Object& window, TextSearch& search, const std::string& 
 }
 
 // False if nothing was tried, which beeps.
-bool replaceAtOnce(const Object& window, TextSearch& search, const std::string& with, int from, bool all, int& count) {
+bool replaceAtOnce(const Object& window, TextSearch& search, const std::string& with, int from, bool all,
+                   int& count) {
     const int most = GetMaxLength(window);
     const auto edits = REPLACEMENTS(GetText(window), search, with, from, all, most > 0 ? most : LongestText);
     if (!edits) return Sound(), false;
@@ -205,8 +206,8 @@ void FINDNEXT(const Object& window, const std::string& text, bool matchWord, boo
     FINDNEXT(window, search, text, fromStart);
 }
 
-void REPLACENEXT(const Object& window, TextSearch& search, const std::string& shown, const std::string& newText,
-                 bool confirmEach, bool fromStart, bool replaceAll) {
+void REPLACENEXT(const Object& window, TextSearch& search, const std::string& shown,
+                 const std::string& newText, bool confirmEach, bool fromStart, bool replaceAll) {
     FRAME(REPLACENEXT);
     STAMP();
     if (shown.empty() || GetReadonly(window)) return Sound();
@@ -296,8 +297,9 @@ void fillReplaceDialog(const Object& window, ReplaceChoice& choice) {
 }
 
 ReplaceChoice readReplaceDialog() {
-    return {GetText(in(ReplaceDlg, "edit1")), GetText(in(ReplaceDlg, "edit2")), isTicked(ReplaceDlg, "check1"),
-            isTicked(ReplaceDlg, "check2"),   isTicked(ReplaceDlg, "check3"),   isTicked(ReplaceDlg, "radio1")};
+    return {GetText(in(ReplaceDlg, "edit1")), GetText(in(ReplaceDlg, "edit2")),
+            isTicked(ReplaceDlg, "check1"),   isTicked(ReplaceDlg, "check2"),
+            isTicked(ReplaceDlg, "check3"),   isTicked(ReplaceDlg, "radio1")};
 }
 
 }  // namespace

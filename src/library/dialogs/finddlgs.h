@@ -71,8 +71,8 @@ int GETLINENUMBER(std::string_view text, int position);  // 1 and the line ends 
 
 // The same with any search; `shown` is what the user knows it by.
 void FINDNEXT(const Object& window, TextSearch& search, const std::string& shown, bool fromStart);
-void REPLACENEXT(const Object& window, TextSearch& search, const std::string& shown, const std::string& newText,
-                 bool confirmEach, bool fromStart, bool replaceAll);
+void REPLACENEXT(const Object& window, TextSearch& search, const std::string& shown,
+                 const std::string& newText, bool confirmEach, bool fromStart, bool replaceAll);
 
 // What a program adds to the find and the replace dialog. Each part may be null.
 struct SearchExtras {

@@ -19,7 +19,8 @@ constexpr std::size_t Patience = 4096;
 }  // namespace
 
 bool ISWORDHIT(std::string_view text, const TextHit& hit, std::optional<char> before) {
-    const auto start = static_cast<std::size_t>(hit.start - 1), end = start + static_cast<std::size_t>(hit.length);
+    const auto start = static_cast<std::size_t>(hit.start - 1),
+               end = start + static_cast<std::size_t>(hit.length);
     if (before ? ascii::isSymbol(*before) : start > 0 && ascii::isSymbol(text[start - 1])) return false;
     return end >= text.size() || !ascii::isSymbol(text[end]);
 }
@@ -38,15 +39,19 @@ TextHit PlainSearch::next(std::string_view text, int start, std::optional<char> 
         spent += what_.size();
         from = hit.start + 1;
         if (spent <= Patience + 4 * static_cast<std::size_t>(from - start)) continue;
-        const int found = steadyWord(text, static_cast<std::size_t>(hit.start), static_cast<std::size_t>(start - 1), before);
+        const int found = steadyWord(text, static_cast<std::size_t>(hit.start),
+                                     static_cast<std::size_t>(start - 1), before);
         return found == 0 ? TextHit{} : TextHit{found, length};
     }
 }
 
 // All places from the offset `from` on, also those that overlap: the ends of the text sought that are also its beginnings
 // tell how much of the next hit is known already.
-int PlainSearch::steadyWord(std::string_view text, std::size_t from, std::size_t start, std::optional<char> before) {
-    const auto same = [this](char a, char b) { return matchCase_ ? a == b : ascii::upper(a) == ascii::upper(b); };
+int PlainSearch::steadyWord(std::string_view text, std::size_t from, std::size_t start,
+                            std::optional<char> before) {
+    const auto same = [this](char a, char b) {
+        return matchCase_ ? a == b : ascii::upper(a) == ascii::upper(b);
+    };
     if (borders_.empty()) {
         borders_.resize(what_.size());
         for (std::size_t i = 1, size = 0; i < what_.size(); ++i) {
@@ -83,8 +88,8 @@ std::optional<char> lastCharacter(std::string_view text, const TextHit& hit, con
 }  // namespace
 
 std::optional<std::vector<TextEdit>> REPLACEMENTS(std::string_view text, TextSearch& search,
-                                                            const std::string& with, int from, bool all,
-                                                            std::int64_t most) {
+                                                  const std::string& with, int from, bool all,
+                                                  std::int64_t most) {
     std::vector<TextEdit> edits;
     std::optional<char> before;
     auto size = static_cast<std::int64_t>(text.size());

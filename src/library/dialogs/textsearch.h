@@ -58,8 +58,8 @@ bool ISWORDHIT(std::string_view text, const TextHit& hit, std::optional<char> be
 // What replaces the hits from `from` on, each looked for behind the replacement of the one before: all of them, or the
 // first. Nothing if the text would get longer than `most` bytes while it gets longer.
 std::optional<std::vector<TextEdit>> REPLACEMENTS(std::string_view text, TextSearch& search,
-                                                            const std::string& with, int from, bool all,
-                                                            std::int64_t most);
+                                                  const std::string& with, int from, bool all,
+                                                  std::int64_t most);
 // The text with these edits done, which come in the order of their places.
 std::string APPLIED(std::string_view text, const std::vector<TextEdit>& edits);
 

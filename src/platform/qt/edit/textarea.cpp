@@ -41,6 +41,7 @@ constexpr int Gap = 6;           // pixels between number bar and text
 constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
 constexpr int Piece = 65536;     // bytes coloured at a time
 constexpr std::string_view LineEnds[] = {"\r\n", "\r", "\n"};  // by the control's numbers
+constexpr int NearPlaces = 64;   // bytes between changes that are made as one
 
 const QColor MarkColour(240, 150, 0);
 
@@ -285,26 +286,46 @@ void TextArea::insert(std::string_view text) {
     free_ = false;
 }
 
-// Each place is changed by itself, so that what stands between them is not moved and undo keeps the changes alone. The
-// control's notes of them are of use to a screen reader only, and cost more than the changes.
+void TextArea::replaceRange(long start, long end, std::string_view text) {
+    send(SCI_SETTARGETRANGE, start, end);
+    sendBytes(SCI_REPLACETARGET, static_cast<long>(text.size()), text.data());
+}
+
+// Each place is changed by itself, so that what stands between them is not moved and undo keeps the changes alone; those
+// that nearly touch are one, since a change costs more than the few bytes between them. Where the last of them ends.
+long TextArea::changePlaces(const std::vector<TextEdit>& edits) {
+    long shift = -1;  // from a 1-based place of the text before to where that stands now
+    for (auto edit = edits.begin(); edit != edits.end();) {
+        const int first = edit->start;
+        int end = first;
+        std::string comes;
+        do {
+            if (edit->start > end)
+                comes += range(static_cast<int>(end + shift), static_cast<int>(edit->start + shift));
+            comes += edit->text;
+            end = edit->start + edit->length;
+        } while (++edit != edits.end() && edit->start - end <= NearPlaces);
+        replaceRange(first + shift, end + shift, comes);
+        shift += static_cast<long>(comes.size()) - (end - first);
+    }
+    return edits.back().start + edits.back().length + shift;
+}
+
+// The control's notes of the changes are of use to a screen reader only, and cost more than the changes.
 void TextArea::replaceParts(const std::vector<TextEdit>& edits) {
     flush();
     free_ = true;
     const long mask = send(SCI_GETMODEVENTMASK);
-    if (!QAccessible::isActive()) send(SCI_SETMODEVENTMASK, 0);
+    const bool heard = QAccessible::isActive(), before = blockSignals(!heard);
+    if (!heard) send(SCI_SETMODEVENTMASK, 0);
     send(SCI_SETREADONLY, 0);
+    send(SCI_SETLAYOUTCACHE, SC_CACHE_NONE);  // which each change would go through
     send(SCI_BEGINUNDOACTION);
-    long shift = -1;  // of a 1-based place in the text as it is now
-    long end = 0;
-    for (const TextEdit& edit : edits) {
-        const long start = edit.start + shift;
-        send(SCI_SETTARGETRANGE, start, start + edit.length);
-        sendBytes(SCI_REPLACETARGET, static_cast<long>(edit.text.size()), edit.text.data());
-        end = start + static_cast<long>(edit.text.size());
-        shift += static_cast<long>(edit.text.size()) - edit.length;
-    }
+    const long end = changePlaces(edits);
     send(SCI_ENDUNDOACTION);
+    send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     send(SCI_SETMODEVENTMASK, mask);
+    blockSignals(before);
     send(SCI_SETEMPTYSELECTION, end);
     send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
     send(SCI_SCROLLCARET);
@@ -468,11 +489,11 @@ void TextArea::applyColours() {
     SendScintilla(SCI_SETSELBACK, 1UL,
                   readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk));
     send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
-    // Under the text, and as faint as the text needs to stay readable on it.
+    // Under the text, and faint, so that coloured text stays readable on it; the frame is what shows.
     send(SCI_INDICSETSTYLE, MarkIndicator, INDIC_STRAIGHTBOX);
     send(SCI_INDICSETUNDER, MarkIndicator, 1);
-    send(SCI_INDICSETALPHA, MarkIndicator, 80);
-    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 200);
+    send(SCI_INDICSETALPHA, MarkIndicator, 30);
+    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 255);
     SendScintilla(SCI_INDICSETFORE, static_cast<unsigned long>(MarkIndicator), MarkColour);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }

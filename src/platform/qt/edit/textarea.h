@@ -86,6 +86,8 @@ private:
     void colourAnew();
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
+    void replaceRange(long start, long end, std::string_view text);
+    long changePlaces(const std::vector<TextEdit>& edits);
     void flush();                        // reports what has changed since the last time
     void insert(std::string_view text);  // in the place of the selection, whatever the limit
     void insertTyped(std::string_view text);

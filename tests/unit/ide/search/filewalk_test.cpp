@@ -17,11 +17,22 @@ TEST(FilePatterns, FitNamesInAnyCase) {
         const char *name, *patterns;
         bool fits;
     };
-    for (const Case& c : {Case{"a.cls", "*.cls", true}, {"A.CLS", "*.cls", true}, {"a.cls.bak", "*.cls", false},
-                          {"a.rc", "*.cls;*.rc", true}, {"a.rc", "*.cls *.rc", true}, {"a.txt", "*.cls; *.rc", false},
-                          {"a.txt", "", true}, {"a.txt", " ; ", true}, {"ab.txt", "a?.*", true}, {"a.txt", "a?.*", false},
-                          {"aXbXc", "a*b*c", true}, {"abc", "abc", true}, {"abcd", "abc", false}, {"", "*", true},
-                          {"a", "**", true}, {"aaaaaaaaaaaaaaaaaaaaaaaaaaaab", "*a*a*a*a*a*a*a*a*a*c", false}})
+    for (const Case& c : {Case{"a.cls", "*.cls", true},
+                          {"A.CLS", "*.cls", true},
+                          {"a.cls.bak", "*.cls", false},
+                          {"a.rc", "*.cls;*.rc", true},
+                          {"a.rc", "*.cls *.rc", true},
+                          {"a.txt", "*.cls; *.rc", false},
+                          {"a.txt", "", true},
+                          {"a.txt", " ; ", true},
+                          {"ab.txt", "a?.*", true},
+                          {"a.txt", "a?.*", false},
+                          {"aXbXc", "a*b*c", true},
+                          {"abc", "abc", true},
+                          {"abcd", "abc", false},
+                          {"", "*", true},
+                          {"a", "**", true},
+                          {"aaaaaaaaaaaaaaaaaaaaaaaaaaaab", "*a*a*a*a*a*a*a*a*a*c", false}})
         EXPECT_EQ(FITSPATTERNS(c.name, c.patterns), c.fits) << c.name << " " << c.patterns;
 }
 
@@ -30,10 +41,12 @@ protected:
     void SetUp() override {
         IdeTest::SetUp();
         loadWindows();
-        for (const char* folder : {"p", "p/in", "p/in/deep", "q"}) std::filesystem::create_directory(dir + folder);
+        for (const char* folder : {"p", "p/in", "p/in/deep", "q"})
+            std::filesystem::create_directory(dir + folder);
     }
     // The files found below these folders, without the common beginning.
-    std::string found(std::vector<std::string> folders, const char* patterns = "*.cls", bool subfolders = true) {
+    std::string found(std::vector<std::string> folders, const char* patterns = "*.cls",
+                      bool subfolders = true) {
         for (std::string& folder : folders) folder = dir + folder;
         LongWork work("");
         const FoundFiles files = FILESIN(folders, patterns, subfolders, work);
@@ -46,7 +59,8 @@ protected:
 };
 
 TEST_F(FileWalk, GoesThroughFoldersByName) {
-    for (const char* name : {"p/b.cls", "p/a.cls", "p/in/c.cls", "p/in/deep/d.cls", "p/a.txt"}) write(name, "");
+    for (const char* name : {"p/b.cls", "p/a.cls", "p/in/c.cls", "p/in/deep/d.cls", "p/a.txt"})
+        write(name, "");
     EXPECT_EQ(found({"p"}), "p/a.cls p/b.cls p/in/c.cls p/in/deep/d.cls ");
     EXPECT_EQ(found({"p/"}, "*", false), "p/a.cls p/a.txt p/b.cls ");
     EXPECT_EQ(found({"p/in", "p"}), "p/in/c.cls p/in/deep/d.cls p/a.cls p/b.cls ");  // each once
@@ -87,10 +101,9 @@ TEST_F(FileWalk, CountsWhatItPassesOver) {
     EXPECT_TRUE(READTEXTFILE(write("p/d", std::string(4'000'000, ' ')), text, skipped));
     EXPECT_FALSE(READTEXTFILE(dir + "p/none", text, skipped));
     EXPECT_FALSE(READTEXTFILE(dir + "p", text, skipped));
-    EXPECT_EQ(skipped.lines(),
-              "1 file was passed over because it held no text.\n"
-              "1 file was passed over because it had no room in the Code window.\n"
-              "2 files were passed over because they could not be read.\n");
+    EXPECT_EQ(skipped.lines(), "1 file was passed over because it held no text.\n"
+                               "1 file was passed over because it had no room in the Code window.\n"
+                               "2 files were passed over because they could not be read.\n");
 }
 
 TEST_F(FileWalk, ManyFoldersInFoldersComeToAnEnd) {
@@ -118,17 +131,20 @@ protected:
 
 TEST_F(FindInFiles, AreMessagesThatTellPlaceAndLine) {
     write("p/a.cls", "one\n\tTwo two\r\nthree two");
-    EXPECT_EQ(find("two"), "p/a.cls(2): 2: Two two \np/a.cls(3): 7: three two\n3 hits in 1 file; 1 file was searched.\n");
+    EXPECT_EQ(find("two"),
+              "p/a.cls(2): 2: Two two \np/a.cls(3): 7: three two\n3 hits in 1 file; 1 file was searched.\n");
     EXPECT_EQ(find("none"), "0 hits in 0 files; 1 file was searched.\n");
     EXPECT_EQ(find("^t", false, true), "p/a.cls(3): 1: three two\n1 hit in 1 file; 1 file was searched.\n");
     EXPECT_EQ(find("hre", true), "0 hits in 0 files; 1 file was searched.\n");
 }
 
 TEST_F(FindInFiles, LongLinesShowWhatStandsAroundTheHit) {
-    write("p/a.cls", std::string(5000, '.') + "hit" + std::string(5000, ',') + "\n" + std::string(300, ' ') + "hit\n");
+    write("p/a.cls",
+          std::string(5000, '.') + "hit" + std::string(5000, ',') + "\n" + std::string(300, ' ') + "hit\n");
     const std::string lines = find("hit");
-    EXPECT_NE(lines.find("p/a.cls(1): 5001: ..." + std::string(60, '.') + "hit" + std::string(137, ',') + "...\n"),
-              std::string::npos)
+    EXPECT_NE(
+        lines.find("p/a.cls(1): 5001: ..." + std::string(60, '.') + "hit" + std::string(137, ',') + "...\n"),
+        std::string::npos)
         << lines;
     EXPECT_NE(lines.find("p/a.cls(2): 301: hit\n"), std::string::npos) << lines;
 }
@@ -150,8 +166,15 @@ TEST_F(FindInFiles, SearchesTheTextOfTheCodeWindowWhereItIsChanged) {
 TEST_F(FindInFiles, APatternThatNeedsTooMuchTimeIsTold) {
     write("p/a.cls", std::string(100'000, 'a') + "!");
     write("p/b.cls", "aaab!\n");
-    EXPECT_EQ(find("(a+)+$|b", false, true),
-              "p/b.cls(1): 4: aaab!\n1 hit in 1 file; 2 files were searched.\n'p/a.cls': The pattern needs too much time.\n");
+    EXPECT_EQ(find("(a+)+$|b", false, true), "p/b.cls(1): 4: aaab!\n1 hit in 1 file; 2 files were "
+                                             "searched.\n'p/a.cls': The pattern needs too much time.\n");
+}
+
+TEST_F(FindInFiles, APatternThatNeedsTooMuchTimeInManyFilesIsGivenUp) {
+    for (int n = 0; n < 9; ++n) write("p/" + STR(n) + ".cls", std::string(100'000, 'a') + "!");
+    const std::string lines = find("(a+)+$", false, true);
+    EXPECT_TRUE(lines.starts_with("0 hits in 0 files; 3 files were searched.\n")) << lines;
+    EXPECT_TRUE(lines.ends_with("The search was given up there.\n")) << lines;
 }
 
 }  // namespace

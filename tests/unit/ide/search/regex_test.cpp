@@ -34,8 +34,8 @@ TEST(Regex, FindsInAnyBytes) {
                           {"x*", "axx", "2+2 "},  // a hit has at least one byte
                           {"^", "abc", ""},
                           {"\\bfoo\\b", "foofoo foo", "8+3 "},
-                          {".", "\xC3\xA4x", "1+2 3+1 "},           // characters of UTF-8
-                          {".", "\xE4\xC3\xA4", "1+1 2+1 3+1 "},    // else bytes
+                          {".", "\xC3\xA4x", "1+2 3+1 "},         // characters of UTF-8
+                          {".", "\xE4\xC3\xA4", "1+1 2+1 3+1 "},  // else bytes
                           {"\\xE4", "\xE4", "1+1 "},
                           {"[\xC3\xA4\xC3\xB6]", "o\xC3\xB6", "2+2 "},
                           {"(*UTF)x", "\xFFx", ""},
@@ -68,9 +68,10 @@ TEST(Regex, TellsWhatIsWrongAndWhere) {
     struct Case {
         const char *pattern, *problem;
     };
-    for (const Case& c : {Case{"(", "The pattern is not valid at character 1:\nmissing closing parenthesis."},
-                          {"ab[", "The pattern is not valid at character 3:\nmissing terminating ] for character class."},
-                          {"*", "The pattern is not valid at character 0:\nquantifier does not follow a repeatable item."}}) {
+    for (const Case& c :
+         {Case{"(", "The pattern is not valid at character 1:\nmissing closing parenthesis."},
+          {"ab[", "The pattern is not valid at character 3:\nmissing terminating ] for character class."},
+          {"*", "The pattern is not valid at character 0:\nquantifier does not follow a repeatable item."}}) {
         RegexSearch search(c.pattern, false, true);
         EXPECT_EQ(search.problem(), c.problem);
         EXPECT_EQ(search.next("aaa", 1).start, 0);
@@ -95,7 +96,8 @@ TEST(Regex, PutsGroupsIn) {
                           {"^a", "aaa", "", "aa"},
                           {"\\s+$", "a  \nb \n", "", "a\nb"}}) {
         RegexSearch search(c.pattern, false, true);
-        EXPECT_EQ(APPLIED(c.text, *REPLACEMENTS(c.text, search, c.with, 1, true, 1000)), c.result) << c.pattern;
+        EXPECT_EQ(APPLIED(c.text, *REPLACEMENTS(c.text, search, c.with, 1, true, 1000)), c.result)
+            << c.pattern;
     }
 }
 
@@ -114,9 +116,10 @@ double secondsFor(RegexSearch& search, const std::string& text) {
 TEST(RegexTime, HostilePatternsEndWithAMessage) {
     const std::string run = std::string(4'000'000, 'a') + "!";
     for (const char* pattern :
-         {"(a+)+$", "(a+)+[bc]", "(a|a)*[bc]", "(a|aa)+[bc]", "(.*)*[xy]", "(?:a*)*[bc]", "a*+[bc]", "(?>a*)[bc]",
-          "(?:(?=a*+[bc])|a)*[cd]", "a*a*a*a*[bc]", "(?:a++)++[bc]", "(a?){25}a{25}[bc]", "(a*)*\\1[bc]",
-          "((a+)|(b+))*+[cd]", "(?R)?a*+[bc]", "(?:.(?=.*+[bc]))*[cd]", "(?:(?!a*+[bc])a)*+[cd]", "(a+)+b"}) {
+         {"(a+)+$", "(a+)+[bc]", "(a|a)*[bc]", "(a|aa)+[bc]", "(.*)*[xy]", "(?:a*)*[bc]", "a*+[bc]",
+          "(?>a*)[bc]", "(?:(?=a*+[bc])|a)*[cd]", "a*a*a*a*[bc]", "(?:a++)++[bc]", "(a?){25}a{25}[bc]",
+          "(a*)*\\1[bc]", "((a+)|(b+))*+[cd]", "(?R)?a*+[bc]", "(?:.(?=.*+[bc]))*[cd]",
+          "(?:(?!a*+[bc])a)*+[cd]", "(a+)+b"}) {
         RegexSearch search(pattern, false, true, Patience);
         ASSERT_EQ(search.problem(), "") << pattern;
         EXPECT_LT(secondsFor(search, run), 5) << pattern;  // the limit, and what the machine does beside it
@@ -134,7 +137,8 @@ TEST(RegexTime, HostilePatternsEndWithAMessage) {
 
 TEST(RegexTime, OrdinaryPatternsFindTheirWayThroughLargeTexts) {
     std::string text;
-    while (text.size() < 4'000'000) text += "    if count > 0 then result := result + STR(count) // the sum of all\r\n";
+    while (text.size() < 4'000'000)
+        text += "    if count > 0 then result := result + STR(count) // the sum of all\r\n";
     text += "the_end = 1\n";
     for (const char* pattern : {"the_end\\s*=", "^[a-z_]+ = \\d$", "(\\w+) = 1", "[Tt]he_\\w+"}) {
         RegexSearch search(pattern, false, true);

@@ -166,13 +166,15 @@ TEST_F(ReplaceFiles, ATextThatWouldGetTooLargeIsLeft) {
     const ReplacePlan plan = PLANREPLACEMENTS(choices);
     EXPECT_EQ(plan.files.size(), 3U);
     choices.with = std::string(100, 'n');
-    EXPECT_EQ(PLANREPLACEMENTS(choices).notes, "'/home/user/p/a.cls' would be too large for the Code window.\n");
+    EXPECT_EQ(PLANREPLACEMENTS(choices).notes,
+              "'/home/user/p/a.cls' would be too large for the Code window.\n");
 }
 
 // ---- failing, full, killed ----
 
 TEST_F(ReplaceFiles, FailingAtAnyCallLeavesEachFileOldOrNewAndIsTold) {
-    for (const os::FileError error : {os::FileError::DiskFull, os::FileError::Denied, os::FileError::WriteFailed}) {
+    for (const os::FileError error :
+         {os::FileError::DiskFull, os::FileError::Denied, os::FileError::WriteFailed}) {
         int failures = 0;
         for (int n = 1; n < 200; ++n) {
             prepare();

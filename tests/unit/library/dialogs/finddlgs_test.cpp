@@ -23,8 +23,8 @@ namespace {
 std::string dialogText(const std::string& name, const std::string& more) {
     std::string text = name + " DIALOG\n  POSITION=0 0 200 100\n";
     int number = 101;
-    for (const char* control : {"Label lblhelpfile", "Label lblhelptopic", "Edit edit1", "Pushbutton pushbutton1",
-                                "Pushbutton pushbutton2", "Pushbutton pushbutton3"})
+    for (const char* control : {"Label lblhelpfile", "Label lblhelptopic", "Edit edit1",
+                                "Pushbutton pushbutton1", "Pushbutton pushbutton2", "Pushbutton pushbutton3"})
         text += "  " + std::string(control) + " " + STR(number++) + "\n    POSITION=1 1 9 9\n";
     return text + more + "END\n\n";
 }
@@ -178,8 +178,15 @@ TEST_F(FindDialogs, TheWordAtTheCursor) {
         int start;
         const char* word;
     };
-    for (const Case& c : {Case{"one two", 1, "one"}, {"one two", 3, "one"}, {"one two", 4, "one"}, {"one two", 5, "two"},
-                          {"one  two", 5, ""}, {"", 1, ""}, {"a_1.b", 4, "a_1"}, {"one", 4, "one"}, {"(x", 1, ""},
+    for (const Case& c : {Case{"one two", 1, "one"},
+                          {"one two", 3, "one"},
+                          {"one two", 4, "one"},
+                          {"one two", 5, "two"},
+                          {"one  two", 5, ""},
+                          {"", 1, ""},
+                          {"a_1.b", 4, "a_1"},
+                          {"one", 4, "one"},
+                          {"(x", 1, ""},
                           {"(x", 2, "x"}}) {
         put(c.text, c.start);
         EXPECT_EQ(GETWORDATCURSOR(Text), c.word) << c.text << " " << c.start;
@@ -247,13 +254,13 @@ TEST_F(FindDialogs, OkStaysWithoutATextToFind) {
     put("a b", 1);
     FindChoice choice;
     play({[] {
-              SetText(in(FindDlg, "edit1"), "");
-              press(FindDlg, "pushbutton1");
-              EXPECT_TRUE(IsLoaded(FindDlg) && GetVisible(FindDlg));
-              SetText(in(FindDlg, "edit1"), "b");
-              SetValue(in(FindDlg, "check1"), 1);
-              press(FindDlg, "pushbutton1");
-          }});
+        SetText(in(FindDlg, "edit1"), "");
+        press(FindDlg, "pushbutton1");
+        EXPECT_TRUE(IsLoaded(FindDlg) && GetVisible(FindDlg));
+        SetText(in(FindDlg, "edit1"), "b");
+        SetValue(in(FindDlg, "check1"), 1);
+        press(FindDlg, "pushbutton1");
+    }});
     FINDDIALOG("Find", Text, "", "", choice);
     EXPECT_EQ(selected(), "3+1");
     EXPECT_EQ(choice.text, "b");
@@ -473,10 +480,19 @@ TEST_F(GoToLine, SelectsItsStart) {
     struct Case {
         const char *entered, *place;
     };
-    for (const Case& c : {Case{"1", "1+0"}, {"2", "5+0"}, {" 3 ", "8+0"}, {"4", "12+0"},
+    for (const Case& c : {Case{"1", "1+0"},
+                          {"2", "5+0"},
+                          {" 3 ", "8+0"},
+                          {"4", "12+0"},
                           // no line of the text, or no number
-                          {"5", "6+1"}, {"0", "6+1"}, {"-1", "6+1"}, {"x", "6+1"}, {"", "6+1"}, {"2x", "6+1"},
-                          {"99999999999", "6+1"}, {" ", "6+1"}}) {
+                          {"5", "6+1"},
+                          {"0", "6+1"},
+                          {"-1", "6+1"},
+                          {"x", "6+1"},
+                          {"", "6+1"},
+                          {"2x", "6+1"},
+                          {"99999999999", "6+1"},
+                          {" ", "6+1"}}) {
         put("one\n2\r\nend\n", 6, 1);
         EXPECT_EQ(go(c.entered), c.place) << c.entered;
     }

@@ -68,8 +68,15 @@ TEST(FindInText, CountsLinesInFrontOfAPlace) {
         const char* text;
         int place, line;
     };
-    for (const Case& c : {Case{"", 1, 1}, {"a\nb", 1, 1}, {"a\nb", 2, 1}, {"a\nb", 3, 2}, {"a\n", 3, 2}, {"\n\n\n", 3, 3},
-                          {"a\nb", 100, 2}, {"a\nb", 0, 1}, {"a\nb", -7, 1}})
+    for (const Case& c : {Case{"", 1, 1},
+                          {"a\nb", 1, 1},
+                          {"a\nb", 2, 1},
+                          {"a\nb", 3, 2},
+                          {"a\n", 3, 2},
+                          {"\n\n\n", 3, 3},
+                          {"a\nb", 100, 2},
+                          {"a\nb", 0, 1},
+                          {"a\nb", -7, 1}})
         EXPECT_EQ(GETLINENUMBER(c.text, c.place), c.line) << c.place;
 }
 
@@ -81,19 +88,22 @@ bool same(char a, char b, bool matchCase) {
 
 int modelFind(std::string_view text, std::string_view search, int start, bool word, bool matchCase) {
     if (search.empty()) return 0;
-    for (auto at = static_cast<std::size_t>(std::max(start, 1) - 1); at + search.size() <= text.size(); ++at) {
+    for (auto at = static_cast<std::size_t>(std::max(start, 1) - 1); at + search.size() <= text.size();
+         ++at) {
         bool equal = true;
-        for (std::size_t i = 0; i < search.size(); ++i) equal = equal && same(text[at + i], search[i], matchCase);
+        for (std::size_t i = 0; i < search.size(); ++i)
+            equal = equal && same(text[at + i], search[i], matchCase);
         const std::size_t end = at + search.size();
-        const bool inWord = (at > 0 && ascii::isSymbol(text[at - 1])) || (end < text.size() && ascii::isSymbol(text[end]));
+        const bool inWord =
+            (at > 0 && ascii::isSymbol(text[at - 1])) || (end < text.size() && ascii::isSymbol(text[end]));
         if (equal && !(word && inWord)) return static_cast<int>(at) + 1;
     }
     return 0;
 }
 
 // Finds, cuts, inserts, and goes on behind what it has put in.
-std::string modelReplace(std::string text, const std::string& old, const std::string& with, int start, bool word,
-                         bool matchCase, bool all) {
+std::string modelReplace(std::string text, const std::string& old, const std::string& with, int start,
+                         bool word, bool matchCase, bool all) {
     for (int at = modelFind(text, old, start, word, matchCase); at != 0;
          at = all ? modelFind(text, old, at + static_cast<int>(with.size()), word, matchCase) : 0)
         text.replace(static_cast<std::size_t>(at) - 1, old.size(), with);
@@ -126,7 +136,8 @@ TEST(FindSoak, AgreesWithTheModel) {
         if (texts.coin() && !text.empty()) search = text.substr(texts.below(text.size()), 1 + texts.below(4));
         const int start = static_cast<int>(texts.below(64)) - 1;
         const bool word = texts.coin(), matchCase = texts.coin();
-        ASSERT_EQ(STRFINDEX(text, search, start, word, matchCase), modelFind(text, search, start, word, matchCase))
+        ASSERT_EQ(STRFINDEX(text, search, start, word, matchCase),
+                  modelFind(text, search, start, word, matchCase))
             << "round " << round << ": '" << search << "' in '" << text << "' from " << start;
     }
 }
@@ -144,7 +155,8 @@ TEST(FindSoak, ReplacingAgreesWithTheModel) {
         const auto edits = REPLACEMENTS(text, search, with, start, all, 1'000'000);
         ASSERT_TRUE(edits);
         ASSERT_EQ(APPLIED(text, *edits), modelReplace(text, old, with, start, word, matchCase, all))
-            << "round " << round << ": '" << old << "' by '" << with << "' in '" << text << "' from " << start;
+            << "round " << round << ": '" << old << "' by '" << with << "' in '" << text << "' from "
+            << start;
     }
 }
 
@@ -182,7 +194,8 @@ TEST(FindCost, AHitBehindManyRejectedOnesIsFound) {
     // Each hit in the run stands in a word, as its next character belongs to one, but for the last.
     const std::string run = repeated("-a", 200'000), search = repeated("-a", 4000) + "-";
     for (const bool matchCase : {true, false})
-        EXPECT_EQ(STRFINDEX(run + "- ", search, 1, true, matchCase), 0) << matchCase;  // "a" stands in front of it
+        EXPECT_EQ(STRFINDEX(run + "- ", search, 1, true, matchCase), 0)
+            << matchCase;  // "a" stands in front of it
     const std::string text = run + "b." + search + ".";
     for (const bool matchCase : {true, false})
         EXPECT_EQ(STRFINDEX(text, search, 1, true, matchCase), static_cast<int>(run.size()) + 3) << matchCase;
@@ -203,8 +216,9 @@ TEST(ReplaceInText, IsRefusedWhereTheTextWouldGetTooLong) {
     PlainSearch search("a", false, true);
     EXPECT_FALSE(REPLACEMENTS("aaaa", search, "bb", 1, true, 7));
     EXPECT_TRUE(REPLACEMENTS("aaaa", search, "bb", 1, true, 8));
-    EXPECT_TRUE(REPLACEMENTS("aaaa", search, "b", 1, true, 2));   // no longer than it is
-    EXPECT_FALSE(REPLACEMENTS(std::string(1'000'000, 'a'), search, std::string(100'000, 'b'), 1, true, 4'000'000));
+    EXPECT_TRUE(REPLACEMENTS("aaaa", search, "b", 1, true, 2));  // no longer than it is
+    EXPECT_FALSE(
+        REPLACEMENTS(std::string(1'000'000, 'a'), search, std::string(100'000, 'b'), 1, true, 4'000'000));
 }
 
 }  // namespace
