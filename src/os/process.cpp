@@ -222,7 +222,7 @@ private:
         return gone_;
     }
 
-    pid_t pid_, all_;  // `all_`: whom signals go to, the group or the child alone
+    pid_t pid_, all_;            // `all_`: whom signals go to, the group or the child alone
     Descriptor input_, output_;  // what this process writes to and reads from
     ExitState state_;
     bool reaped_ = false;

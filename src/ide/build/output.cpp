@@ -22,9 +22,9 @@ namespace tarn {
 namespace {
 
 constexpr int TickMilliseconds = 50, GraceMilliseconds = 500;
-constexpr std::int64_t Millisecond = 1'000'000;                             // nanoseconds
-constexpr std::int64_t ReadTime = 20 * Millisecond;                         // of a tick, so that windows stay alive
-constexpr std::int64_t ShowTime = 150 * Millisecond;                        // between two looks of the user
+constexpr std::int64_t Millisecond = 1'000'000;       // nanoseconds
+constexpr std::int64_t ReadTime = 20 * Millisecond;   // of a tick, so that windows stay alive
+constexpr std::int64_t ShowTime = 150 * Millisecond;  // between two looks of the user
 constexpr std::size_t ReadBytes = std::size_t{1} << 16U, MostInput = 1'000'000;
 
 // ---- what runs ----
@@ -32,11 +32,11 @@ constexpr std::size_t ReadBytes = std::size_t{1} << 16U, MostInput = 1'000'000;
 struct Run {
     std::unique_ptr<os::Child> child;
     std::string name, command;
-    std::string input;         // what its pipe has not taken yet
-    bool inputEnds = false;    // behind that
+    std::string input;       // what its pipe has not taken yet
+    bool inputEnds = false;  // behind that
     bool wrote = false;
     bool stopped = false;  // by the user
-    bool muted = false;        // the user has closed the window over it
+    bool muted = false;    // the user has closed the window over it
 };
 
 // The processes that this one has to read from, and what the window shows of them. They cannot stand in a file or a control;
@@ -215,8 +215,9 @@ bool mayClose(const Object& window) {
     if (run == nullptr || !run->wrote || !GetVisible(window)) return true;
     const std::string answer =
         MsgBox(GetCaption(window),
-               "The program '" + run->name + "' is still running.\nDo you want to stop it, or to let it run without "
-               "this window?",
+               "The program '" + run->name +
+                   "' is still running.\nDo you want to stop it, or to let it run without "
+                   "this window?",
                "&Stop It\n&Let It Run\n&Cancel", BoxIcon::Question);
     if (console().current != run) return true;  // it has ended meanwhile
     if (answer == "&Stop It") stop(*run);
@@ -255,7 +256,9 @@ bool keyPressed(const Object& window, int key) {
 void layOut(const Object& window) {
     const Rect page = GetPosition(window, CLIENT_UNIT);
     const auto placeOf = [](std::string_view name) { return GetPosition(part(name), CLIENT_UNIT); };
-    const auto put = [](std::string_view name, const Rect& place) { SetPosition(part(name), CLIENT_UNIT, place); };
+    const auto put = [](std::string_view name, const Rect& place) {
+        SetPosition(part(name), CLIENT_UNIT, place);
+    };
     const int margin = placeOf("edit1").x, gap = std::max(margin / 2, 1);
     const int row = page.h - margin - placeOf("pushbutton4").h;
     int right = page.w - margin;
@@ -328,8 +331,9 @@ bool mayStart(const std::string& title) {
     if (run == nullptr || !run->wrote) return true;
     const std::string answer =
         MsgBox(title,
-               "The program '" + run->name + "' is still running, and its output is shown.\nDo you want to stop it and "
-               "start again?",
+               "The program '" + run->name +
+                   "' is still running, and its output is shown.\nDo you want to stop it and "
+                   "start again?",
                "&Stop and Start\n&Cancel", BoxIcon::Question);
     if (answer != "&Stop and Start") return false;
     if (console().current != run) return true;

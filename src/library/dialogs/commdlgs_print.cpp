@@ -42,8 +42,9 @@ std::string askForFile(const std::string& document) {
     if (chosen.empty() || STREQUAL(FILEGETEXT(chosen), Extension)) return FILECHANGEEXT(chosen, "");
     const std::string file = chosen + std::string(Extension);
     if (FileSize(file) < 0) return chosen;
-    const std::string answer = MsgBox(
-        std::string(Title), "The file '" + file + "' exists. Do you want to replace it?", "&Yes\n&No", BoxIcon::Question);
+    const std::string answer =
+        MsgBox(std::string(Title), "The file '" + file + "' exists. Do you want to replace it?", "&Yes\n&No",
+               BoxIcon::Question);
     return answer == "&Yes" ? chosen : "";
 }
 
@@ -59,7 +60,8 @@ std::string advice(const Object& printer, const std::string& file) {
         return "The file '" + file +
                ".pdf' could not be written.\nChoose another folder, or make room on the disk, and try again.";
     return "The printer '" + GetName(printer) +
-           "' could not print.\nMake sure that it is switched on and connected, or choose another printer with "
+           "' could not print.\nMake sure that it is switched on and connected, or choose another printer "
+           "with "
            "File-Printer Setup.";
 }
 

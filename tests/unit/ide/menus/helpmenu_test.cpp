@@ -54,7 +54,8 @@ TEST_F(About, ButtonsComeInThisOrder) {
                                                             {"Help", GETHELPFILE(), "Help_About"}};
     ASSERT_EQ(buttons.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); i++)
-        EXPECT_EQ((std::vector<std::string>{buttons[i].caption, buttons[i].action, buttons[i].topic}), expected[i]);
+        EXPECT_EQ((std::vector<std::string>{buttons[i].caption, buttons[i].action, buttons[i].topic}),
+                  expected[i]);
 }
 
 TEST_F(About, ProductsNeedAnAddress) {
@@ -62,8 +63,10 @@ TEST_F(About, ProductsNeedAnAddress) {
     DO_PRODUCTS("Help-Products");
     ASSERT_EQ(asked.size(), 1U);
     EXPECT_EQ(asked[0].title, "Help-Products");
-    EXPECT_EQ(lastText(), "There is no address of a website in the settings.\nPut one there, in the section 'Product' under "
-                          "'Website'.");
+    EXPECT_EQ(
+        lastText(),
+        "There is no address of a website in the settings.\nPut one there, in the section 'Product' under "
+        "'Website'.");
     PROFILESTRPUT(ini(), "Product", "Website", "http://localhost/");
     DO_PRODUCTS("Help-Products");
     EXPECT_EQ(asked.size(), 1U) << "the browser is asked";

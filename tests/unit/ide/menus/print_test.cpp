@@ -131,8 +131,9 @@ TEST_F(Print, TellsWhatToDoWhenTheFileCannotBeWritten) {
     open("a.txt", "text");
     answers = {ToFile, dir + "none/out.pdf"};
     pick("file_print");
-    EXPECT_EQ(lastText(), "The file '" + dir + "none/out.pdf' could not be written.\nChoose another folder, or make room on "
-                          "the disk, and try again.");
+    EXPECT_EQ(lastText(), "The file '" + dir +
+                              "none/out.pdf' could not be written.\nChoose another folder, or make room on "
+                              "the disk, and try again.");
     EXPECT_TRUE(asked.back().title == "Print");
     EXPECT_EQ(body(pages()[0]), "text\n") << "the printer is free again";
 }
