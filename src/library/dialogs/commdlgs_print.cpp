@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/dialogs/commdlgs_print.h"
 
+#include "kernel/windows/printjob.h"
 #include "library/system/longwork.h"
 #include "library/system/system.h"
-#include "platform/operations/printjob.h"
 
 #include <algorithm>
 
@@ -67,25 +67,35 @@ std::string advice(const Object& printer, const std::string& file) {
 
 enum class Outcome { Printed, Stopped, Failed };
 
+// A failure of the printer is told, and has been dealt with then.
+bool hasFailed() {
+    const bool failed = ErrorCell() != 0;
+    ClearError();
+    return failed;
+}
+
 // The lines between StartPrint and EndPrint.
-Outcome printLines(const Object& printer, const platform::PrintJob& job, const std::string& text) {
-    if (platform::StartPrint(printer, job) != platform::Ok) return Outcome::Failed;
+Outcome printLines(const Object& printer, const PrintJob& job, const std::string& text) {
+    StartPrint(printer, job);
+    if (hasFailed()) return Outcome::Failed;
     LongWork work("Printing '" + job.heading + "'");
     const auto total = static_cast<std::int64_t>(text.size());
     for (std::string_view rest = text; !rest.empty();) {
         const std::size_t end = rest.find('\n');
-        platform::DrawTextstr(printer, rest.substr(0, end));
+        DrawTextstr(printer, rest.substr(0, end));
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
         if (work.go(total - static_cast<std::int64_t>(rest.size()), total)) continue;
-        platform::CancelPrint(printer);
+        CancelPrint(printer);
         return Outcome::Stopped;
     }
-    if (job.from <= platform::GetPage(printer).value)
-        return platform::EndPrint(printer) == platform::Ok ? Outcome::Printed : Outcome::Failed;
-    const int pages = platform::GetPage(printer).value;
-    platform::CancelPrint(printer);
-    tell("There is no page " + STR(job.from) + ": the text has " + STR(pages) + " page(s).");
-    return Outcome::Stopped;
+    const int pages = GetPage(printer);
+    if (job.from > pages) {
+        CancelPrint(printer);
+        tell("There is no page " + STR(job.from) + ": the text has " + STR(pages) + " page(s).");
+        return Outcome::Stopped;
+    }
+    EndPrint(printer);
+    return hasFailed() ? Outcome::Failed : Outcome::Printed;
 }
 
 }  // namespace
@@ -97,11 +107,10 @@ bool PRINT(const Object& window, const std::string& printer) {
     const std::string document = documentName(window), marked = GetSelText(window);
     STAMP();
     if (text.empty() || document.empty()) return MSGBOX(std::string(Title), "Nothing to print"), false;
-    const platform::Answer<PrintChoice> choice =
-        platform::PrintDialog(window, marked.empty() ? 0 : PRINT_SELECTION, printer);
-    const Object chosen = choice.value.printer;
+    const PrintChoice choice = PrintDialog(window, marked.empty() ? 0 : PRINT_SELECTION, printer);
+    const Object chosen = choice.printer;
     if (chosen.empty()) return false;
-    if ((choice.value.flags & PRINT_SELECTION) != 0) text = marked;
+    if ((choice.flags & PRINT_SELECTION) != 0) text = marked;
     STAMP();
     const std::string file = isToFile(chosen) ? askForFile(document) : "";
     if (isToFile(chosen) && file.empty()) return false;
@@ -109,8 +118,8 @@ bool PRINT(const Object& window, const std::string& printer) {
     SetCaption(chosen, file.empty() ? document : file);
     takeFont(chosen, window);
     STAMP();
-    const int from = choice.value.from, to = choice.value.to;
-    const Outcome outcome = printLines(chosen, {document, from, to, choice.value.copies}, text);
+    const int from = choice.from, to = choice.to;
+    const Outcome outcome = printLines(chosen, {document, from, to, choice.copies}, text);
     if (outcome == Outcome::Failed) tell(advice(chosen, file));
     STAMP();
     return outcome == Outcome::Printed;
