@@ -22,9 +22,11 @@ namespace tarn {
 namespace {
 
 constexpr int TickMilliseconds = 50, GraceMilliseconds = 500;
-constexpr std::int64_t Millisecond = 1'000'000;       // nanoseconds
-constexpr std::int64_t ReadTime = 20 * Millisecond;   // of a tick, so that windows stay alive
-constexpr std::int64_t ShowTime = 150 * Millisecond;  // between two looks of the user
+constexpr int BusyMilliseconds = 10;                      // between two looks while much comes
+constexpr std::size_t MuchBytes = std::size_t{1} << 18U;  // in one look
+constexpr std::int64_t Millisecond = 1'000'000;           // nanoseconds
+constexpr std::int64_t ReadTime = 20 * Millisecond;       // of a tick, so that windows stay alive
+constexpr std::int64_t ShowTime = 150 * Millisecond;      // between two looks of the user
 constexpr std::size_t ReadBytes = std::size_t{1} << 16U, MostInput = 1'000'000;
 
 // ---- what runs ----
@@ -47,6 +49,8 @@ struct Console {
     OutputText text;
     std::size_t shownBytes = 0;  // of the text in the window
     std::int64_t shownCuts = 0, shownAt = 0;
+    std::size_t came = 0;  // in this look
+    int pace = 0;          // milliseconds to the next one
     bool changed = false, ticking = false;
 };
 
@@ -126,6 +130,7 @@ bool read(Run& run, std::int64_t until) {
     while (os::clock().steady() < until) {
         bytes.clear();
         if (run.child->readOutput(bytes, ReadBytes) <= 0) return false;
+        console().came += bytes.size();
         if (run.muted) continue;
         comeUp(run);
         console().text.add(bytes);
@@ -166,6 +171,15 @@ bool hasEnded(Run& run, std::int64_t until) {
     return true;
 }
 
+// 0: nothing runs.
+void setPace(int milliseconds) {
+    if (std::exchange(console().pace, milliseconds) == milliseconds) return;
+    if (milliseconds == 0)
+        KILLTIMER(OutputDlg);
+    else
+        SETTIMER(OutputDlg, milliseconds);
+}
+
 // A window that comes up may ask something meanwhile, and time goes on then.
 void tick() {
     Console& c = console();
@@ -174,7 +188,7 @@ void tick() {
     std::erase_if(c.runs, [until](const auto& run) { return hasEnded(*run, until); });
     c.ticking = false;
     if (c.changed && (c.current == nullptr || os::clock().steady() - c.shownAt >= ShowTime)) showText();
-    if (c.runs.empty()) KILLTIMER(OutputDlg);
+    setPace(c.runs.empty() ? 0 : std::exchange(c.came, 0) > MuchBytes ? BusyMilliseconds : TickMilliseconds);
 }
 
 void stop(Run& run) {
@@ -362,7 +376,6 @@ void RUNPROGRAM(const std::string& title, const std::string& exe, const std::str
     const Run* const shown = console().current;
     if (GetVisible(OutputDlg) && (shown == nullptr || !shown->wrote)) turnTo(*run);
     console().runs.push_back(std::move(run));
-    SETTIMER(OutputDlg, TickMilliseconds);
     tick();
 }
 

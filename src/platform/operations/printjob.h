@@ -22,8 +22,6 @@ struct PrintJob {
 
 }  // namespace types
 
-using types::PrintJob;
-
 // As StartPrint. Pages outside of the part are counted and laid out like the others, and print nothing. A printer to a
 // file makes one copy. Its file stands there whole when EndPrint has returned, or is as it was.
 Code StartPrint(const Object& printer, const PrintJob& job);
