@@ -248,6 +248,21 @@ TEST_F(Output, EscClosesWhatHasEndedWithoutAQuestion) {
     EXPECT_EQ(text(), "y\n");
 }
 
+TEST_F(Output, ComesUpWhereItWasLast) {
+    run("echo x");
+    ASSERT_TRUE(untilState("Ended"));
+    SetPosition(OutputDlg, WINDOW_UNIT, {123, 234, 800, 600});
+    const Rect text = GetPosition(part("edit1"), CLIENT_UNIT);
+    Unload(OutputDlg);
+    ASSERT_FALSE(IsLoaded(OutputDlg));
+    run("echo y");
+    ASSERT_TRUE(untilState("Ended"));
+    const Rect place = GetPosition(OutputDlg, WINDOW_UNIT), again = GetPosition(part("edit1"), CLIENT_UNIT);
+    EXPECT_EQ(STR(place.x) + " " + STR(place.y) + " " + STR(place.w) + " " + STR(place.h), "123 234 800 600");
+    EXPECT_EQ(STR(again.w) + " " + STR(again.h), STR(text.w) + " " + STR(text.h))
+        << "the text follows the window";
+}
+
 TEST_F(Output, WhatCannotBeStartedIsToldAndShowsNothing) {
     write("prog.exe", "no program");
     RUNPROGRAM("Run-Start", dir + "prog.exe", "", dir);
