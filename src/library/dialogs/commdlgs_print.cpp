@@ -36,7 +36,9 @@ bool isToFile(const Object& printer) {
 // The file that the pages go to, without its extension, which the printer adds; empty if the user wants none.
 std::string askForFile(const std::string& document) {
     constexpr std::string_view Extension = ".pdf";
-    const std::string proposed = FILEBASENAME(document) + std::string(Extension);
+    // A text that has no file yet stands under a name in angle brackets.
+    const std::string name = STRREPLACE(STRREPLACE(FILEBASENAME(document), "<", ""), ">", "");
+    const std::string proposed = name + std::string(Extension);
     const std::string chosen =
         SaveAsDialog("Print to File", FILEGETDIR(document) + proposed, "PDF document (*.pdf)|*.pdf|");
     if (chosen.empty() || STREQUAL(FILEGETEXT(chosen), Extension)) return FILECHANGEEXT(chosen, "");

@@ -251,7 +251,7 @@ TEST_F(Output, EscClosesWhatHasEndedWithoutAQuestion) {
 TEST_F(Output, ComesUpWhereItWasLast) {
     run("echo x");
     ASSERT_TRUE(untilState("Ended"));
-    SetPosition(OutputDlg, WINDOW_UNIT, {123, 234, 800, 600});
+    platform::userMoved(*platform::findWindow(OutputDlg), {123, 234, 800, 600}, 0);
     const Rect text = GetPosition(part("edit1"), CLIENT_UNIT);
     Unload(OutputDlg);
     ASSERT_FALSE(IsLoaded(OutputDlg));

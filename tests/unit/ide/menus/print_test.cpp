@@ -150,6 +150,18 @@ TEST_F(Print, AsksBeforeAFileWithoutTheExtensionIsReplaced) {
     EXPECT_TRUE(std::filesystem::exists(dir + "out.txt"));
 }
 
+TEST_F(Print, ProposesTheNameOfTheTextForTheFile) {
+    open("a.b.txt", "text");
+    pages();
+    EXPECT_TRUE(asked[1].value.ends_with("/a.b.pdf")) << asked[1].value;
+    pick("file_new_textfile");
+    type("text");
+    asked.clear();
+    pages();
+    ASSERT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked[1].value, "untitled.pdf");
+}
+
 TEST_F(Print, TakesTheErrorWindowWhenItWasActiveLast) {
     open("a.txt", "text");
     VIEWDIALOG("View Errors", write("e.txt", "an error\n"), "", 0);
