@@ -25,8 +25,7 @@ public:
     ~PipeSignalAside() {
         const int number = errno;
         const timespec now{};
-        while (!came_ && ::sigtimedwait(&pipe_, nullptr, &now) < 0 && errno == EINTR) {
-        }
+        while (!came_ && ::sigtimedwait(&pipe_, nullptr, &now) < 0 && errno == EINTR) {}
         ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
         errno = number;
     }

@@ -134,6 +134,9 @@ bool makePipe(Pipe& pipe) {
     return true;
 }
 
+// Of an output, so that a child that writes much does not wait for each look at it; the system may allow less.
+constexpr int OutputBytes = 1 << 20;
+
 Descriptor kept(Descriptor& end) {
     ::fcntl(end.number(), F_SETFL, ::fcntl(end.number(), F_GETFL) | O_NONBLOCK);
     return std::move(end);
@@ -222,7 +225,7 @@ private:
         return gone_;
     }
 
-    pid_t pid_, all_;  // `all_`: whom signals go to, the group or the child alone
+    pid_t pid_, all_;            // `all_`: whom signals go to, the group or the child alone
     Descriptor input_, output_;  // what this process writes to and reads from
     ExitState state_;
     bool reaped_ = false;
@@ -347,7 +350,14 @@ struct Pipes {
     bool make(const StartRequest& request) {
         if (!request.piped) return true;
         return (!request.inputFile.empty() || makePipe(input)) &&
-               (!request.outputFile.empty() || makePipe(output));
+               (!request.outputFile.empty() || makeOutput());
+    }
+
+private:
+    bool makeOutput() {
+        if (!makePipe(output)) return false;
+        ::fcntl(output.write.number(), F_SETPIPE_SZ, OutputBytes);
+        return true;
     }
 };
 

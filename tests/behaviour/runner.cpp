@@ -81,9 +81,9 @@ void programEnded(int) {
 
 void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
-    for (const char* name :
-         {"ide.rcx", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "quarn.exe", "ordo.exe",
-          "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
+    for (const char* name : {"ide.rcx", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "open2.bmp",
+                             "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so", "libtarnwick-qt.so",
+                             "libtarnwick-edit.so", "help", "examples"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }

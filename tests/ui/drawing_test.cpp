@@ -5,9 +5,9 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/printjob.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
-#include "platform/operations/printjob.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>

@@ -82,8 +82,8 @@ bool hasMakeTool(const std::string& title) {
 // or died, is written where its messages would stand, so that the error window shows it.
 bool make(const std::string& options, const std::string& file) {
     const std::string errors = GETCOMPILERMESSAGES(), output = GETMAKEMESSAGES();
-    const std::string line =
-        options + " " + QUOTEARGUMENT(file) + " -i" + QUOTEARGUMENT(GETINHERITEDPATHS()) + " -o" + QUOTEARGUMENT(output);
+    const std::string line = options + " " + QUOTEARGUMENT(file) + " -i" +
+                             QUOTEARGUMENT(GETINHERITEDPATHS()) + " -o" + QUOTEARGUMENT(output);
     const ToolRun run = RUNTOOL(FINDTOOL(GETORDOEXE()), line, 0 + 1, errors, output);
     if (!run.started) return false;
     const bool clean = ISCLEAN(run.messages);

@@ -199,8 +199,8 @@ DependencyList LOADDEPLIST(const std::string& file, const std::string& options, 
     DependencyList result;
     const std::string tool = GETORDOEXE();
     const std::string output = GETMAKEMESSAGES();
-    const std::string line =
-        options + " " + QUOTEARGUMENT(file) + " -i" + QUOTEARGUMENT(GETINHERITEDPATHS()) + " -n -o" + QUOTEARGUMENT(output);
+    const std::string line = options + " " + QUOTEARGUMENT(file) + " -i" +
+                             QUOTEARGUMENT(GETINHERITEDPATHS()) + " -n -o" + QUOTEARGUMENT(output);
     STAMP();
     FILEDELETE(output);
     result.error = dependencyObstacle(file, tool);

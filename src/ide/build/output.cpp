@@ -22,9 +22,11 @@ namespace tarn {
 namespace {
 
 constexpr int TickMilliseconds = 50, GraceMilliseconds = 500;
-constexpr std::int64_t Millisecond = 1'000'000;                             // nanoseconds
-constexpr std::int64_t ReadTime = 20 * Millisecond;                         // of a tick, so that windows stay alive
-constexpr std::int64_t ShowTime = 150 * Millisecond;                        // between two looks of the user
+constexpr int BusyMilliseconds = 10;                      // between two looks while much comes
+constexpr std::size_t MuchBytes = std::size_t{1} << 18U;  // in one look
+constexpr std::int64_t Millisecond = 1'000'000;           // nanoseconds
+constexpr std::int64_t ReadTime = 20 * Millisecond;       // of a tick, so that windows stay alive
+constexpr std::int64_t ShowTime = 150 * Millisecond;      // between two looks of the user
 constexpr std::size_t ReadBytes = std::size_t{1} << 16U, MostInput = 1'000'000;
 
 // ---- what runs ----
@@ -32,11 +34,11 @@ constexpr std::size_t ReadBytes = std::size_t{1} << 16U, MostInput = 1'000'000;
 struct Run {
     std::unique_ptr<os::Child> child;
     std::string name, command;
-    std::string input;         // what its pipe has not taken yet
-    bool inputEnds = false;    // behind that
+    std::string input;       // what its pipe has not taken yet
+    bool inputEnds = false;  // behind that
     bool wrote = false;
     bool stopped = false;  // by the user
-    bool muted = false;        // the user has closed the window over it
+    bool muted = false;    // the user has closed the window over it
 };
 
 // The processes that this one has to read from, and what the window shows of them. They cannot stand in a file or a control;
@@ -47,6 +49,8 @@ struct Console {
     OutputText text;
     std::size_t shownBytes = 0;  // of the text in the window
     std::int64_t shownCuts = 0, shownAt = 0;
+    std::size_t came = 0;  // in this look
+    int pace = 0;          // milliseconds to the next one
     bool changed = false, ticking = false;
 };
 
@@ -126,6 +130,7 @@ bool read(Run& run, std::int64_t until) {
     while (os::clock().steady() < until) {
         bytes.clear();
         if (run.child->readOutput(bytes, ReadBytes) <= 0) return false;
+        console().came += bytes.size();
         if (run.muted) continue;
         comeUp(run);
         console().text.add(bytes);
@@ -166,6 +171,15 @@ bool hasEnded(Run& run, std::int64_t until) {
     return true;
 }
 
+// 0: nothing runs.
+void setPace(int milliseconds) {
+    if (std::exchange(console().pace, milliseconds) == milliseconds) return;
+    if (milliseconds == 0)
+        KILLTIMER(OutputDlg);
+    else
+        SETTIMER(OutputDlg, milliseconds);
+}
+
 // A window that comes up may ask something meanwhile, and time goes on then.
 void tick() {
     Console& c = console();
@@ -174,7 +188,7 @@ void tick() {
     std::erase_if(c.runs, [until](const auto& run) { return hasEnded(*run, until); });
     c.ticking = false;
     if (c.changed && (c.current == nullptr || os::clock().steady() - c.shownAt >= ShowTime)) showText();
-    if (c.runs.empty()) KILLTIMER(OutputDlg);
+    setPace(c.runs.empty() ? 0 : std::exchange(c.came, 0) > MuchBytes ? BusyMilliseconds : TickMilliseconds);
 }
 
 void stop(Run& run) {
@@ -215,8 +229,9 @@ bool mayClose(const Object& window) {
     if (run == nullptr || !run->wrote || !GetVisible(window)) return true;
     const std::string answer =
         MsgBox(GetCaption(window),
-               "The program '" + run->name + "' is still running.\nDo you want to stop it, or to let it run without "
-               "this window?",
+               "The program '" + run->name +
+                   "' is still running.\nDo you want to stop it, or to let it run without "
+                   "this window?",
                "&Stop It\n&Let It Run\n&Cancel", BoxIcon::Question);
     if (console().current != run) return true;  // it has ended meanwhile
     if (answer == "&Stop It") stop(*run);
@@ -255,7 +270,9 @@ bool keyPressed(const Object& window, int key) {
 void layOut(const Object& window) {
     const Rect page = GetPosition(window, CLIENT_UNIT);
     const auto placeOf = [](std::string_view name) { return GetPosition(part(name), CLIENT_UNIT); };
-    const auto put = [](std::string_view name, const Rect& place) { SetPosition(part(name), CLIENT_UNIT, place); };
+    const auto put = [](std::string_view name, const Rect& place) {
+        SetPosition(part(name), CLIENT_UNIT, place);
+    };
     const int margin = placeOf("edit1").x, gap = std::max(margin / 2, 1);
     const int row = page.h - margin - placeOf("pushbutton4").h;
     int right = page.w - margin;
@@ -328,8 +345,9 @@ bool mayStart(const std::string& title) {
     if (run == nullptr || !run->wrote) return true;
     const std::string answer =
         MsgBox(title,
-               "The program '" + run->name + "' is still running, and its output is shown.\nDo you want to stop it and "
-               "start again?",
+               "The program '" + run->name +
+                   "' is still running, and its output is shown.\nDo you want to stop it and "
+                   "start again?",
                "&Stop and Start\n&Cancel", BoxIcon::Question);
     if (answer != "&Stop and Start") return false;
     if (console().current != run) return true;
@@ -358,8 +376,8 @@ void RUNPROGRAM(const std::string& title, const std::string& exe, const std::str
     const Run* const shown = console().current;
     if (GetVisible(OutputDlg) && (shown == nullptr || !shown->wrote)) turnTo(*run);
     console().runs.push_back(std::move(run));
-    SETTIMER(OutputDlg, TickMilliseconds);
-    tick();
+    setPace(
+        TickMilliseconds);  // not at once: the command that starts gives the focus back to the editor at its end
 }
 
 }  // namespace tarn

@@ -41,7 +41,8 @@ Character characterAt(std::string_view bytes) {
     if (length == 0) return {1, false};
     for (std::size_t i = 1; i < length; ++i) {
         if (i == bytes.size()) return {0, false};
-        const bool fits = isFollowing(bytes[i]) && (i > 1 || maySecond(first, static_cast<unsigned char>(bytes[i])));
+        const bool fits =
+            isFollowing(bytes[i]) && (i > 1 || maySecond(first, static_cast<unsigned char>(bytes[i])));
         if (!fits) return {i, false};
     }
     return {length, true};

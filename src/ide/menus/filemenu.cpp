@@ -132,7 +132,8 @@ void DO_OPEN_EXAMPLES(const std::string& title, const Object& programLabel) {
 void DO_PRINT() {
     FRAME(DO_PRINT);
     STAMP();
-    const bool errors = STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), ViewDlg.window()) && ISSHOWN(ViewDlg);
+    const bool errors =
+        STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), ViewDlg.window()) && ISSHOWN(ViewDlg);
     STAMP();
     if (!errors && !IsLoaded(SDIEdit)) return MSGBOX("Print", "Nothing to print");
     PRINT(errors ? ViewDlg : SDIEdit, GetCaption(MAINCONTROL("printername")));

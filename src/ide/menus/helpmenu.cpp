@@ -89,8 +89,10 @@ void DO_PRODUCTS(const std::string& title) {
     STAMP();
     const std::string website = GETWEBSITE();
     if (website.empty())
-        return MSGBOX(title, "There is no address of a website in the settings.\nPut one there, in the section 'Product' "
-                             "under 'Website'.");
+        return MSGBOX(
+            title,
+            "There is no address of a website in the settings.\nPut one there, in the section 'Product' "
+            "under 'Website'.");
     OPENBROWSER(0, website);
     STAMP();
 }

@@ -22,12 +22,12 @@ std::string details() {
 
 // The command line tells which back end is in use.
 std::string credit() {
-    std::string text =
-        "The environment is free software under the GNU General Public License, version 3 or later;\n"
-        "what a program carries of it is under the Apache License, version 2.0.\n";
+    std::string text = "The environment is free software under the GNU General\nPublic License, version 3 or "
+                       "later; what a program\n"
+                       "carries of it is under the Apache License, version 2.0.\n";
     if (STRFIND("/GFPC", SAVECOMMANDLINE(CompilerOptions(), 0, false)) != 0)
-        text += "Programs carry the Pascal run-time library, under the terms that stand in the files\n"
-                "'copying.fpc' and 'copying.lgpl'.\n";
+        text += "Programs carry the Pascal run-time library, under the\nterms of the files 'copying.fpc' and "
+                "'copying.lgpl'.\n";
     return text;
 }
 

@@ -19,9 +19,10 @@ namespace {
 bool hasExamples(const std::string& title, const std::string& folder) {
     if (!folder.empty() && DiskSpace(folder) >= 0 && os::infoOf(folder).folder) return true;
     ClearError();
-    MSGBOX(title, "Can't open examples, the path to the example files cannot be found.\nThe following path is "
-                  "invalid:\n\n\t'" +
-                      folder + "'\n\nUse Tools-Options-Paths to set up the paths correctly.");
+    MSGBOX(title,
+           "Can't open examples, the path to the example files cannot be found.\nThe following path is "
+           "invalid:\n\n\t'" +
+               folder + "'\n\nUse Tools-Options-Paths to set up the paths correctly.");
     return false;
 }
 
@@ -32,7 +33,8 @@ std::string lastPart(const std::string& folder) {
 // Copies the files of the folder, whose sub-folders belong to nobody's example.
 bool copyFolder(const std::string& from, const std::string& to) {
     std::vector<std::string> names;
-    if (os::makeFolders(to) != os::FileError::None || os::files().list(from, names) != os::FileError::None) return false;
+    if (os::makeFolders(to) != os::FileError::None || os::files().list(from, names) != os::FileError::None)
+        return false;
     for (const std::string& name : names) {
         std::string bytes;
         if (os::infoOf(from + name).folder) continue;
@@ -47,14 +49,14 @@ bool copyFolder(const std::string& from, const std::string& to) {
 std::string writable(const std::string& title, const std::string& file) {
     const std::string folder = FILEGETDIR(file);
     if (os::infoOf(folder).writable || os::environment("HOME").empty()) return file;
-    const std::string own =
-        FILEADDSEPARATOR(os::environment("HOME")) + STRLOWER(ProductWord) + "-examples/" + lastPart(folder) + "/";
+    const std::string own = FILEADDSEPARATOR(os::environment("HOME")) + STRLOWER(ProductWord) + "-examples/" +
+                            lastPart(folder) + "/";
     const std::string there = own + FILEGETFNAME(file);
     if (FileSize(there) > 0) return there;
     const std::string answer =
         MsgBox(title,
-               "The folder of this example cannot be written, so it can be read but not built there:\n\n\t'" + folder +
-                   "'\n\nDo you want to work on a copy in the following folder?\n\n\t'" + own + "'",
+               "The folder of this example cannot be written, so it can be read but not built there:\n\n\t'" +
+                   folder + "'\n\nDo you want to work on a copy in the following folder?\n\n\t'" + own + "'",
                "&Copy\n&Read Only\nCancel", BoxIcon::Question);
     if (answer == "&Read Only") return file;
     if (answer != "&Copy") return {};
@@ -72,13 +74,12 @@ void BROWSEEXAMPLES(const std::string& title) {
     STAMP();
     if (!hasExamples(title, folder)) return;
     STAMP();
-    const ExampleChoice choice =
-        OPENEXAMPLEDIALOG({title,
-                           folder,
-                           "&Open\n&Run\n&Cancel\n&Help\n",
-                           GETHELPFILE(),
-                           "File_Open Examples",
-                           {GETRESOURCEDIR(), GETCOMPILERDIR()}});
+    const ExampleChoice choice = OPENEXAMPLEDIALOG({title,
+                                                    folder,
+                                                    "&Open\n&Run\n&Cancel\n&Help\n",
+                                                    GETHELPFILE(),
+                                                    "File_Open Examples",
+                                                    {GETRESOURCEDIR(), GETCOMPILERDIR()}});
     STAMP();
     const bool opens = choice.button == "&Open" || choice.button == "Open";
     const bool runs = choice.button == "&Run" || choice.button == "Run";

@@ -30,12 +30,14 @@ std::string fieldOf(const RecordValue& record, int number) {
 
 // The four fields as the file says them; false for a file of another form.
 bool readFields(const std::string& readme, ExampleFields& fields) {
-    const String type("readme : record\n\ttitle : string\n\tdescription : string\n\tpicture : string\n\tfiles : "
-                      "string\nend record\n");
+    const String type(
+        "readme : record\n\ttitle : string\n\tdescription : string\n\tpicture : string\n\tfiles : "
+        "string\nend record\n");
     RecordValue record;
     TypeInfoToRecord(type.get(), record.get());
     std::string text;
-    if (os::readFile(readme, text) != os::FileError::None || text.find('<') == std::string::npos) return false;
+    if (os::readFile(readme, text) != os::FileError::None || text.find('<') == std::string::npos)
+        return false;
     LOADFILE(readme, XmlFormat, record.get(), KindRecord);
     const bool good = ErrorCell() == 0;
     ClearError();
@@ -59,7 +61,8 @@ ExampleFields SETEXAMPLEFIELDS(const std::string& readme, const PlaceholderFolde
         os::readFile(readme, fields.description);
     }
     STAMP();
-    if (fields.title.empty()) fields.title = FILEGETFNAME(STRLEFT(folder, static_cast<int>(folder.size()) - 1));
+    if (fields.title.empty())
+        fields.title = FILEGETFNAME(STRLEFT(folder, static_cast<int>(folder.size()) - 1));
     fields.description = FILERESOLVEPATHS(fields.description, folders);
     fields.picture = FILERESOLVEPATHS(fields.picture, folders);
     if (!fields.picture.empty() && !ISROOTED(fields.picture)) fields.picture = folder + fields.picture;
@@ -93,7 +96,8 @@ void DRAWPICTUREONTOIMAGE(const Object& image, const std::string& file) {
     if (file.empty() || picture.code != platform::Ok || w <= 0 || h <= 0) return;
     STAMP();
     const double scale = std::min({1.0, double(place.w) / w, double(place.h) / h});
-    const int width = std::max(1, static_cast<int>(w * scale)), height = std::max(1, static_cast<int>(h * scale));
+    const int width = std::max(1, static_cast<int>(w * scale)),
+              height = std::max(1, static_cast<int>(h * scale));
     StartGraph(image);
     DrawPicture(image, file, (place.w - width) / 2, (place.h - height) / 2, width, height);
     EndGraph(image);
@@ -117,7 +121,8 @@ std::string chosenReadme(const Object& window) {
     const Object list = part(window, "iconlist1");
     const int row = GetListIndex(list);
     if (row == 0) return {};
-    return GetArrayValue(window, FolderValue) + FILEADDSEPARATOR(GetList(list, row)) + std::string(ReadmeName);
+    return GetArrayValue(window, FolderValue) + FILEADDSEPARATOR(GetList(list, row)) +
+           std::string(ReadmeName);
 }
 
 std::string picture(std::string_view name) {
@@ -133,7 +138,8 @@ void markChosen(const Object& list) {
 
 void showExample(const Object& window) {
     const std::string readme = chosenReadme(window);
-    const ExampleFields fields = readme.empty() ? ExampleFields() : SETEXAMPLEFIELDS(readme, placesOf(window));
+    const ExampleFields fields =
+        readme.empty() ? ExampleFields() : SETEXAMPLEFIELDS(readme, placesOf(window));
     markChosen(part(window, "iconlist1"));
     SetCaption(part(window, "label1"), fields.title);
     SetCaption(part(window, "label2"), fields.description);
@@ -186,6 +192,7 @@ void fill(const ExampleRequest& request) {
     const std::string count = STR(static_cast<int>(examples.size()));
     SetCaption(OpenExampleDlg,
                request.title + " (" + count + (examples.size() == 1 ? " example)" : " examples)"));
+    SetFontBold(part(OpenExampleDlg, "label1"), true);
     const Object list = part(OpenExampleDlg, "iconlist1");
     for (const std::string& name : examples) AddItem(list, name, picture("open2.bmp"));
     SetListIndex(list, examples.empty() ? 0 : 1);
@@ -211,11 +218,11 @@ ExampleChoice OPENEXAMPLEDIALOG(const ExampleRequest& request) {
     FRAME(OPENEXAMPLEDIALOG);
     STAMP();
     RegisterWindow(OpenExampleDlg, openExampleDlg);
-    Load(OpenExampleDlg, {std::string(FolderValue) + "=" + request.folder,
-                          std::string(HelpFileValue) + "=" + request.helpFile,
-                          std::string(TopicValue) + "=" + request.topic,
-                          std::string(ResourcesValue) + "=" + request.places.resources,
-                          std::string(CompilerValue) + "=" + request.places.compiler});
+    Load(OpenExampleDlg,
+         {std::string(FolderValue) + "=" + request.folder,
+          std::string(HelpFileValue) + "=" + request.helpFile, std::string(TopicValue) + "=" + request.topic,
+          std::string(ResourcesValue) + "=" + request.places.resources,
+          std::string(CompilerValue) + "=" + request.places.compiler});
     STAMP();
     fill(request);
     STAMP();

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/dialogs/commdlgs_print.h"
 
+#include "kernel/windows/printjob.h"
 #include "library/system/longwork.h"
 #include "library/system/system.h"
-#include "platform/operations/printjob.h"
 
 #include <algorithm>
 
@@ -36,14 +36,17 @@ bool isToFile(const Object& printer) {
 // The file that the pages go to, without its extension, which the printer adds; empty if the user wants none.
 std::string askForFile(const std::string& document) {
     constexpr std::string_view Extension = ".pdf";
-    const std::string proposed = FILEBASENAME(document) + std::string(Extension);
+    // A text that has no file yet stands under a name in angle brackets.
+    const std::string name = STRREPLACE(STRREPLACE(FILEBASENAME(document), "<", ""), ">", "");
+    const std::string proposed = name + std::string(Extension);
     const std::string chosen =
         SaveAsDialog("Print to File", FILEGETDIR(document) + proposed, "PDF document (*.pdf)|*.pdf|");
     if (chosen.empty() || STREQUAL(FILEGETEXT(chosen), Extension)) return FILECHANGEEXT(chosen, "");
     const std::string file = chosen + std::string(Extension);
     if (FileSize(file) < 0) return chosen;
-    const std::string answer = MsgBox(
-        std::string(Title), "The file '" + file + "' exists. Do you want to replace it?", "&Yes\n&No", BoxIcon::Question);
+    const std::string answer =
+        MsgBox(std::string(Title), "The file '" + file + "' exists. Do you want to replace it?", "&Yes\n&No",
+               BoxIcon::Question);
     return answer == "&Yes" ? chosen : "";
 }
 
@@ -59,31 +62,42 @@ std::string advice(const Object& printer, const std::string& file) {
         return "The file '" + file +
                ".pdf' could not be written.\nChoose another folder, or make room on the disk, and try again.";
     return "The printer '" + GetName(printer) +
-           "' could not print.\nMake sure that it is switched on and connected, or choose another printer with "
+           "' could not print.\nMake sure that it is switched on and connected, or choose another printer "
+           "with "
            "File-Printer Setup.";
 }
 
 enum class Outcome { Printed, Stopped, Failed };
 
+// A failure of the printer is told, and has been dealt with then.
+bool hasFailed() {
+    const bool failed = ErrorCell() != 0;
+    ClearError();
+    return failed;
+}
+
 // The lines between StartPrint and EndPrint.
-Outcome printLines(const Object& printer, const platform::PrintJob& job, const std::string& text) {
-    if (platform::StartPrint(printer, job) != platform::Ok) return Outcome::Failed;
+Outcome printLines(const Object& printer, const PrintJob& job, const std::string& text) {
+    StartPrint(printer, job);
+    if (hasFailed()) return Outcome::Failed;
     LongWork work("Printing '" + job.heading + "'");
     const auto total = static_cast<std::int64_t>(text.size());
     for (std::string_view rest = text; !rest.empty();) {
         const std::size_t end = rest.find('\n');
-        platform::DrawTextstr(printer, rest.substr(0, end));
+        DrawTextstr(printer, rest.substr(0, end));
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
         if (work.go(total - static_cast<std::int64_t>(rest.size()), total)) continue;
-        platform::CancelPrint(printer);
+        CancelPrint(printer);
         return Outcome::Stopped;
     }
-    if (job.from <= platform::GetPage(printer).value)
-        return platform::EndPrint(printer) == platform::Ok ? Outcome::Printed : Outcome::Failed;
-    const int pages = platform::GetPage(printer).value;
-    platform::CancelPrint(printer);
-    tell("There is no page " + STR(job.from) + ": the text has " + STR(pages) + " page(s).");
-    return Outcome::Stopped;
+    const int pages = GetPage(printer);
+    if (job.from > pages) {
+        CancelPrint(printer);
+        tell("There is no page " + STR(job.from) + ": the text has " + STR(pages) + " page(s).");
+        return Outcome::Stopped;
+    }
+    EndPrint(printer);
+    return hasFailed() ? Outcome::Failed : Outcome::Printed;
 }
 
 }  // namespace
@@ -95,11 +109,10 @@ bool PRINT(const Object& window, const std::string& printer) {
     const std::string document = documentName(window), marked = GetSelText(window);
     STAMP();
     if (text.empty() || document.empty()) return MSGBOX(std::string(Title), "Nothing to print"), false;
-    const platform::Answer<PrintChoice> choice =
-        platform::PrintDialog(window, marked.empty() ? 0 : PRINT_SELECTION, printer);
-    const Object chosen = choice.value.printer;
+    const PrintChoice choice = PrintDialog(window, marked.empty() ? 0 : PRINT_SELECTION, printer);
+    const Object chosen = choice.printer;
     if (chosen.empty()) return false;
-    if ((choice.value.flags & PRINT_SELECTION) != 0) text = marked;
+    if ((choice.flags & PRINT_SELECTION) != 0) text = marked;
     STAMP();
     const std::string file = isToFile(chosen) ? askForFile(document) : "";
     if (isToFile(chosen) && file.empty()) return false;
@@ -107,8 +120,8 @@ bool PRINT(const Object& window, const std::string& printer) {
     SetCaption(chosen, file.empty() ? document : file);
     takeFont(chosen, window);
     STAMP();
-    const int from = choice.value.from, to = choice.value.to;
-    const Outcome outcome = printLines(chosen, {document, from, to, choice.value.copies}, text);
+    const int from = choice.from, to = choice.to;
+    const Outcome outcome = printLines(chosen, {document, from, to, choice.copies}, text);
     if (outcome == Outcome::Failed) tell(advice(chosen, file));
     STAMP();
     return outcome == Outcome::Printed;

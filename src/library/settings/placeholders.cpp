@@ -59,7 +59,8 @@ std::string FILEUNRESOLVEPATHS(const std::string& path, const PlaceholderFolders
     for (const Place& place : places) {
         const std::string& folder = folders.*place.folder;
         const bool begins = !folder.empty() && path.starts_with(folder);
-        if (begins && (longest == nullptr || folder.size() > (folders.*longest->folder).size())) longest = &place;
+        if (begins && (longest == nullptr || folder.size() > (folders.*longest->folder).size()))
+            longest = &place;
     }
     if (longest == nullptr) return path;
     return "<" + std::string(longest->word) + ">\\" + path.substr((folders.*longest->folder).size());

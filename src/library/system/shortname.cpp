@@ -46,7 +46,9 @@ std::string FILESHORTENNAME(std::string_view name, int width) {
     if (kept <= room) {
         const std::size_t left = room - kept;
         out.append(parts.drive).append(firstOf(parts.directory, left / 2)).append(Dots);
-        return out.append(lastOf(parts.directory, left - left / 2)).append(parts.name).append(parts.extension);
+        return out.append(lastOf(parts.directory, left - left / 2))
+            .append(parts.name)
+            .append(parts.extension);
     }
     if (room <= Dots.size()) return std::string(Dots.substr(0, room));
     return out.append(Dots).append(lastOf(name, room - Dots.size()));

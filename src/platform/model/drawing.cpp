@@ -110,7 +110,8 @@ std::string shortened(const Control& control, std::string_view text, int width) 
     std::string out;
     do {
         text.remove_prefix(1);
-        while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0U) == 0x80U) text.remove_prefix(1);
+        while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0U) == 0x80U)
+            text.remove_prefix(1);
         out = "..." + std::string(text);
     } while (!text.empty() && view().textWidth(control, out) > width);
     return out;

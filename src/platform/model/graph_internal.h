@@ -20,8 +20,8 @@ struct Graph {
     bool failed = false;  // printers: a page could not be begun
     Font font;            // the object's own while it is drawn on
     int foreColour = -1, backColour = -1;
-    PrintJob job;          // printers
-    bool begun = false;    // printers: a page has gone to the canvas
+    PrintJob job;        // printers
+    bool begun = false;  // printers: a page has gone to the canvas
     // Whether what is drawn now comes out.
     [[nodiscard]] bool shows() const {
         return canvas != nullptr && page >= job.from && (job.to == 0 || page <= job.to);

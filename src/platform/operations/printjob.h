@@ -10,6 +10,8 @@
 
 namespace tarn::platform {
 
+namespace types {
+
 struct PrintJob {
     // On top of each page, with the page's number at the right, over a line; empty: pages have no heading. One that is
     // too wide is shortened at its left.
@@ -17,6 +19,9 @@ struct PrintJob {
     int from = 0, to = 0;  // the pages that go to paper; 0: from the first, to the last
     int copies = 1;
 };
+
+}  // namespace types
+
 // As StartPrint. Pages outside of the part are counted and laid out like the others, and print nothing. A printer to a
 // file makes one copy. Its file stands there whole when EndPrint has returned, or is as it was.
 Code StartPrint(const Object& printer, const PrintJob& job);

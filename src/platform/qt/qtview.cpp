@@ -23,6 +23,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QKeyEvent>
+#include <QLoggingCategory>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -47,6 +48,8 @@ char* arguments[] = {programName, nullptr};
 
 std::unique_ptr<QApplication> makeApplication() {
     if (QCoreApplication::instance() != nullptr) return nullptr;
+    // What a desktop lacks is nothing that a program has to say. QT_LOGGING_RULES brings it back.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.theme.*=false"));
     auto application = std::make_unique<QApplication>(argumentCount, arguments);
     QApplication::setApplicationName(QStringLiteral("tarnwick"));
     QApplication::setApplicationDisplayName(QString());

@@ -79,8 +79,8 @@ public:
     bool finish() override {
         std::string bytes;
         return PrinterCanvas::finish() &&
-               os::readFile(pages_->fileName().toStdString(), bytes) == os::FileError::None && !bytes.empty() &&
-               os::saveFile(document_, bytes, os::Durability::Unsynced).ok();
+               os::readFile(pages_->fileName().toStdString(), bytes) == os::FileError::None &&
+               !bytes.empty() && os::saveFile(document_, bytes, os::Durability::Unsynced).ok();
     }
 
 private:

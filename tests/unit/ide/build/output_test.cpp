@@ -170,8 +170,9 @@ TEST_F(Output, AsksBeforeAnotherStartWhileAProgramRuns) {
     answers = {"&Cancel"};
     run("echo second", "other.exe");
     ASSERT_EQ(asked.size(), 1U);
-    EXPECT_EQ(lastText(), "The program 'prog.exe' is still running, and its output is shown.\nDo you want to stop it and "
-                          "start again?");
+    EXPECT_EQ(lastText(),
+              "The program 'prog.exe' is still running, and its output is shown.\nDo you want to stop it and "
+              "start again?");
     EXPECT_EQ(asked[0].title, "Run-Start");
     EXPECT_TRUE(state().starts_with("Running")) << "it runs on";
     answers = {""};
@@ -204,8 +205,10 @@ TEST_F(Output, ClosingAsksWhatBecomesOfAProgramThatRuns) {
     answers = {"&Cancel"};
     press("pushbutton4");
     EXPECT_TRUE(isShown());
-    EXPECT_EQ(lastText(), "The program 'prog.exe' is still running.\nDo you want to stop it, or to let it run without this "
-                          "window?");
+    EXPECT_EQ(
+        lastText(),
+        "The program 'prog.exe' is still running.\nDo you want to stop it, or to let it run without this "
+        "window?");
     answers = {"&Stop It"};
     press("pushbutton4");
     EXPECT_FALSE(isShown());
@@ -213,7 +216,8 @@ TEST_F(Output, ClosingAsksWhatBecomesOfAProgramThatRuns) {
 }
 
 TEST_F(Output, AProgramThatIsLetRunGoesOnWithoutAWindow) {
-    run("echo up; i=0; while [ $i -lt 2000 ]; do echo $i 0123456789012345678901234567890123456789; i=$((i+1)); done; "
+    run("echo up; i=0; while [ $i -lt 2000 ]; do echo $i 0123456789012345678901234567890123456789; "
+        "i=$((i+1)); done; "
         "sleep 0.3; echo again; touch done");
     ASSERT_TRUE(until([] { return text().starts_with("up\n"); }));
     answers = {"&Let It Run"};
@@ -242,6 +246,21 @@ TEST_F(Output, EscClosesWhatHasEndedWithoutAQuestion) {
     run("echo y");
     ASSERT_TRUE(untilState("Ended"));
     EXPECT_EQ(text(), "y\n");
+}
+
+TEST_F(Output, ComesUpWhereItWasLast) {
+    run("echo x");
+    ASSERT_TRUE(untilState("Ended"));
+    platform::userMoved(*platform::findWindow(OutputDlg), {123, 234, 800, 600}, 0);
+    const Rect text = GetPosition(part("edit1"), CLIENT_UNIT);
+    Unload(OutputDlg);
+    ASSERT_FALSE(IsLoaded(OutputDlg));
+    run("echo y");
+    ASSERT_TRUE(untilState("Ended"));
+    const Rect place = GetPosition(OutputDlg, WINDOW_UNIT), again = GetPosition(part("edit1"), CLIENT_UNIT);
+    EXPECT_EQ(STR(place.x) + " " + STR(place.y) + " " + STR(place.w) + " " + STR(place.h), "123 234 800 600");
+    EXPECT_EQ(STR(again.w) + " " + STR(again.h), STR(text.w) + " " + STR(text.h))
+        << "the text follows the window";
 }
 
 TEST_F(Output, WhatCannotBeStartedIsToldAndShowsNothing) {

@@ -55,9 +55,11 @@ TEST(OutputText, KeepsTheLastLinesAndTellsHowManyWent) {
     EXPECT_EQ(text.text().size(), 2 * OutputText::MostLines);
     text.add("last\n");
     EXPECT_EQ(text.cuts(), 1);
-    EXPECT_TRUE(text.text().starts_with("... " + std::to_string(text.dropped()) + " line(s) before these are not kept ...\n"));
+    EXPECT_TRUE(text.text().starts_with("... " + std::to_string(text.dropped()) +
+                                        " line(s) before these are not kept ...\n"));
     EXPECT_TRUE(text.text().ends_with("x\nlast\n"));
-    EXPECT_EQ(static_cast<std::size_t>(text.dropped()), OutputText::MostLines + 1 - OutputText::MostLines * 3 / 4);
+    EXPECT_EQ(static_cast<std::size_t>(text.dropped()),
+              OutputText::MostLines + 1 - OutputText::MostLines * 3 / 4);
 }
 
 TEST(OutputText, StaysSmallWhateverComes) {

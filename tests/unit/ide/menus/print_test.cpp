@@ -131,8 +131,9 @@ TEST_F(Print, TellsWhatToDoWhenTheFileCannotBeWritten) {
     open("a.txt", "text");
     answers = {ToFile, dir + "none/out.pdf"};
     pick("file_print");
-    EXPECT_EQ(lastText(), "The file '" + dir + "none/out.pdf' could not be written.\nChoose another folder, or make room on "
-                          "the disk, and try again.");
+    EXPECT_EQ(lastText(), "The file '" + dir +
+                              "none/out.pdf' could not be written.\nChoose another folder, or make room on "
+                              "the disk, and try again.");
     EXPECT_TRUE(asked.back().title == "Print");
     EXPECT_EQ(body(pages()[0]), "text\n") << "the printer is free again";
 }
@@ -147,6 +148,18 @@ TEST_F(Print, AsksBeforeAFileWithoutTheExtensionIsReplaced) {
     answers = {ToFile, dir + "out", "&Yes"};
     pick("file_print");
     EXPECT_TRUE(std::filesystem::exists(dir + "out.txt"));
+}
+
+TEST_F(Print, ProposesTheNameOfTheTextForTheFile) {
+    open("a.b.txt", "text");
+    pages();
+    EXPECT_TRUE(asked[1].value.ends_with("/a.b.pdf")) << asked[1].value;
+    pick("file_new_textfile");
+    type("text");
+    asked.clear();
+    pages();
+    ASSERT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked[1].value, "untitled.pdf");
 }
 
 TEST_F(Print, TakesTheErrorWindowWhenItWasActiveLast) {

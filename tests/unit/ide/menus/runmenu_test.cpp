@@ -140,8 +140,8 @@ TEST_F(Build, ToolThatOnlyLeftItsOwnReportIsShownByIt) {
 TEST_F(Build, NamesReachTheMakeToolUnchanged) {
     tool("ordo.exe", "");
     for (const std::string name :
-         {"a b", "two  blanks ", "\"quoted\"", "one\"", "$HOME", "`id`", "a;b", "line\nend", "\xC3\xA4\xFF", "a'b", "*?",
-          "(x)", "> y", "< y", "a\tb", "~", "%d", "&"}) {
+         {"a b", "two  blanks ", "\"quoted\"", "one\"", "$HOME", "`id`", "a;b", "line\nend", "\xC3\xA4\xFF",
+          "a'b", "*?", "(x)", "> y", "< y", "a\tb", "~", "%d", "&"}) {
         const std::string folder = dir + "in " + name + "/";
         std::filesystem::create_directory(folder);
         const std::string file = folder + name + ".cls";
@@ -175,8 +175,8 @@ TEST_F(Build, AFolderOfToolsMayHaveAnyName) {
         if (GETCOMPILERDIR() != tools) PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", tools);
         ASSERT_EQ(GETCOMPILERDIR(), tools);
         for (const std::string program : {"ordo.exe", "quarn.exe"}) {
-            std::ofstream(tools + program) << "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$@\" > " << program
-                                           << ".log\n: > sarn.err\n";
+            std::ofstream(tools + program) << "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$@\" > "
+                                           << program << ".log\n: > sarn.err\n";
             std::filesystem::permissions(tools + program, std::filesystem::perms(0755));
         }
         EXPECT_TRUE(build(main)) << name << lastText();

@@ -40,6 +40,17 @@ TEST_F(WindowMenu, ArrangePutsTheErrorWindowBelowWithFiveLabelsOfHeight) {
     EXPECT_EQ(text(place(SDIEdit)), "100 " + STR(top) + " 1920 " + STR(1080 - top - height));
 }
 
+TEST_F(WindowMenu, ArrangePutsTheBrowserFortyPixelsInWithItsOwnSize) {
+    RegisterWindow(BrowseInfoDlg,
+                   [](const Object&, int, const Object&, int) { return false; });  // an empty one stays
+    Load(BrowseInfoDlg);
+    SetPosition(BrowseInfoDlg, WINDOW_UNIT, {7, 9, 500, 300});
+    Show(BrowseInfoDlg, false);
+    DO_WINDOW_ARRANGE();
+    EXPECT_EQ(text(place(BrowseInfoDlg)), "140 " + STR(top + 40) + " 500 300");
+    EXPECT_EQ(text(place(SDIEdit)), "100 " + STR(top) + " 1920 " + STR(1080 - top)) << "it takes no room";
+}
+
 TEST_F(WindowMenu, ArrangeLeavesWhatIsHiddenWhereItIs) {
     showErrors();
     Hide(ViewDlg);

@@ -36,9 +36,12 @@ protected:
         std::filesystem::create_directory(dir + "examples/" + name);
         write("examples/" + name + "/readme.txt",
               "<?xml version=\"1.0\"?><data type=\"record\"><title type=\"string\">" + title +
-                  "</title><description type=\"string\">about " + title + "</description><picture type=\"string\">"
-                  "</picture><files type=\"string\">" + files + "</files></data>\n");
-        write("examples/" + name + "/" + name + ".cls", "Tarnwick Class x\nfunction main()\nend function\nEnd class\n");
+                  "</title><description type=\"string\">about " + title +
+                  "</description><picture type=\"string\">"
+                  "</picture><files type=\"string\">" +
+                  files + "</files></data>\n");
+        write("examples/" + name + "/" + name + ".cls",
+              "Tarnwick Class x\nfunction main()\nend function\nEnd class\n");
     }
     // Opens the browser and does that in it; closes it if that does not.
     void browse(const std::function<void()>& doing) {
@@ -74,8 +77,10 @@ TEST_F(ExampleBrowser, TellsAFolderThatIsNotThere) {
     pick("file_open_examples");
     ASSERT_EQ(asked.size(), 1U);
     EXPECT_EQ(asked[0].title, "Examples and Tutorials");
-    EXPECT_EQ(lastText(), "Can't open examples, the path to the example files cannot be found.\nThe following path is "
-                          "invalid:\n\n\t'" + dir + "none/'\n\nUse Tools-Options-Paths to set up the paths correctly.");
+    EXPECT_EQ(lastText(),
+              "Can't open examples, the path to the example files cannot be found.\nThe following path is "
+              "invalid:\n\n\t'" +
+                  dir + "none/'\n\nUse Tools-Options-Paths to set up the paths correctly.");
 }
 
 TEST_F(ExampleBrowser, ListsFoldersWithAReadmeSortedAndCountsThem) {
@@ -89,7 +94,8 @@ TEST_F(ExampleBrowser, ListsFoldersWithAReadmeSortedAndCountsThem) {
     browse([] {
         EXPECT_EQ(GetCaption(OpenExampleDlg), "Examples and Tutorials (3 examples)");
         EXPECT_EQ(GetListCount(part("iconlist1")), 3);
-        EXPECT_EQ(GetList(part("iconlist1"), 1) + GetList(part("iconlist1"), 2) + GetList(part("iconlist1"), 3),
+        EXPECT_EQ(GetList(part("iconlist1"), 1) + GetList(part("iconlist1"), 2) +
+                      GetList(part("iconlist1"), 3),
                   "antbeeCat");
         EXPECT_EQ(GetCaption(part("label1")), "Ant") << "the first is chosen";
         EXPECT_EQ(GetCaption(part("label2")), "about Ant");

@@ -40,7 +40,8 @@ TEST(AboutDialogInfo, CutsValuesAndShortensPaths) {
             EXPECT_LE(line.size(), line.find(" = ") + 3 + static_cast<std::size_t>(width)) << line;
         }
         const std::string folder = STRLINE(text, 1).substr(std::string("Application directory = ").size());
-        EXPECT_EQ(folder.find("..."), width == 10 || width == 3 ? folder.find('.') : std::string::npos) << folder;
+        EXPECT_EQ(folder.find("..."), width == 10 || width == 3 ? folder.find('.') : std::string::npos)
+            << folder;
         EXPECT_EQ(folder == "...", width == 3) << folder;
     }
 }

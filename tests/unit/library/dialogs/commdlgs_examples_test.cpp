@@ -35,7 +35,8 @@ TEST(Placeholders, AreReplacedByTheirFolders) {
         {"<<RESOURCEDIR>\\", "</res/"},
     };
     for (const auto& one : cases) EXPECT_EQ(FILERESOLVEPATHS(one.text, folders), one.result) << one.text;
-    EXPECT_EQ(FILERESOLVEPATHS("<RESOURCEDIR>\\a", {"", "/c/"}), "<RESOURCEDIR>\\a") << "a folder that is not known";
+    EXPECT_EQ(FILERESOLVEPATHS("<RESOURCEDIR>\\a", {"", "/c/"}), "<RESOURCEDIR>\\a")
+        << "a folder that is not known";
 }
 
 TEST(Placeholders, StandForTheLongerFolderFirst) {
@@ -43,7 +44,8 @@ TEST(Placeholders, StandForTheLongerFolderFirst) {
     EXPECT_EQ(FILEUNRESOLVEPATHS("/t/res/a.bmp", {"/t/", "/t/res/"}), "<COMPILERDIR>\\a.bmp");
     EXPECT_EQ(FILEUNRESOLVEPATHS("/t/other/a.bmp", {"/t/res/", "/t/"}), "<COMPILERDIR>\\other/a.bmp");
     EXPECT_EQ(FILEUNRESOLVEPATHS("/else/a.bmp", {"/t/res/", "/t/"}), "/else/a.bmp");
-    EXPECT_EQ(FILEUNRESOLVEPATHS("see /t/a.bmp", {"/t/", ""}), "see /t/a.bmp") << "only where the path begins with it";
+    EXPECT_EQ(FILEUNRESOLVEPATHS("see /t/a.bmp", {"/t/", ""}), "see /t/a.bmp")
+        << "only where the path begins with it";
     EXPECT_EQ(FILEUNRESOLVEPATHS("", {"", ""}), "");
     const PlaceholderFolders folders{"/t/res/", "/t/"};
     EXPECT_EQ(FILERESOLVEPATHS(FILEUNRESOLVEPATHS("/t/res/x y/a.bmp", folders), folders), "/t/res/x y/a.bmp");
@@ -53,8 +55,14 @@ TEST(MainFile, IsTheMarkedOneOrTheOnlyOne) {
     const struct {
         const char *files, *main;
     } cases[] = {
-        {"", ""},           {"a.cls", "a.cls"},         {"a.cls\n", "a.cls"},         {"a.cls\n*b.cls\nc.cls", "b.cls"},
-        {"*a.cls", "a.cls"}, {"a.cls\nb.cls", ""},      {" * a.cls \r\nb.cls", "a.cls"}, {"\n\na.cls\n\n", "a.cls"},
+        {"", ""},
+        {"a.cls", "a.cls"},
+        {"a.cls\n", "a.cls"},
+        {"a.cls\n*b.cls\nc.cls", "b.cls"},
+        {"*a.cls", "a.cls"},
+        {"a.cls\nb.cls", ""},
+        {" * a.cls \r\nb.cls", "a.cls"},
+        {"\n\na.cls\n\n", "a.cls"},
         {"*a.cls\n*b.cls", "a.cls"},
     };
     for (const auto& one : cases) EXPECT_EQ(GETMAINFILEFROMLIST(one.files), one.main) << one.files;
@@ -74,10 +82,11 @@ protected:
 };
 
 TEST_F(ExampleText, IsAnXmlDataFileOfFourFields) {
-    const ExampleFields read = fields("<?xml version=\"1.0\"?>\n<data type=\"record\">\n<title type=\"string\">One &amp; two"
-                                      "</title>\n<description type=\"string\">first\n\nsecond {COMPILERDIR}\\x"
-                                      "</description>\n<picture type=\"string\">&lt;RESOURCEDIR&gt;\\one.svg</picture>\n"
-                                      "<files type=\"string\">*a.cls\nb.cls</files>\n</data>\n");
+    const ExampleFields read =
+        fields("<?xml version=\"1.0\"?>\n<data type=\"record\">\n<title type=\"string\">One &amp; two"
+               "</title>\n<description type=\"string\">first\n\nsecond {COMPILERDIR}\\x"
+               "</description>\n<picture type=\"string\">&lt;RESOURCEDIR&gt;\\one.svg</picture>\n"
+               "<files type=\"string\">*a.cls\nb.cls</files>\n</data>\n");
     EXPECT_EQ(read.title, "One & two");
     EXPECT_EQ(read.description, "first\n\nsecond /compiler/x");
     EXPECT_EQ(read.picture, "/res/one.svg");
@@ -85,9 +94,10 @@ TEST_F(ExampleText, IsAnXmlDataFileOfFourFields) {
 }
 
 TEST_F(ExampleText, MayLackFieldsAndItsPictureLiesBesideIt) {
-    const ExampleFields read = fields("<?xml version=\"1.0\"?><data type=\"record\"><title type=\"string\">T</title>"
-                                      "<description type=\"string\">D</description><picture type=\"string\">p.svg"
-                                      "</picture></data>");
+    const ExampleFields read =
+        fields("<?xml version=\"1.0\"?><data type=\"record\"><title type=\"string\">T</title>"
+               "<description type=\"string\">D</description><picture type=\"string\">p.svg"
+               "</picture></data>");
     EXPECT_EQ(read.title, "T");
     EXPECT_EQ(read.picture, folder / "one/p.svg");
     EXPECT_EQ(read.files, "");
@@ -113,7 +123,8 @@ TEST_F(ExampleText, OfEveryInstalledExampleNamesFilesThatAreThere) {
         EXPECT_TRUE(os::infoOf(read.picture).exists) << read.picture;
         EXPECT_TRUE(os::infoOf(at + GETMAINFILEFROMLIST(read.files)).exists) << read.files;
         for (int i = 1; i <= STRLINES(read.files + "\n"); i++)
-            EXPECT_TRUE(os::infoOf(at + STRREPLACE(STRLINE(read.files + "\n", i), "*", "")).exists) << at << i;
+            EXPECT_TRUE(os::infoOf(at + STRREPLACE(STRLINE(read.files + "\n", i), "*", "")).exists)
+                << at << i;
         ++count;
     }
     EXPECT_EQ(count, 6);

@@ -17,14 +17,14 @@ TEST(FileShortenName, KeepsDriveNameAndExtensionAsLongAsItCan) {
     } cases[] = {
         {"", 0, ""},
         {"", 5, ""},
-        {"a.txt", 5, "a.txt"},                                    // it fits
-        {"/home/user/work/a.txt", 21, "/home/user/work/a.txt"},   // just
+        {"a.txt", 5, "a.txt"},                                   // it fits
+        {"/home/user/work/a.txt", 21, "/home/user/work/a.txt"},  // just
         {"/home/user/work/a.txt", 20, "/home/.../work/a.txt"},
         {"/home/user/work/a.txt", 19, "/home.../work/a.txt"},
-        {"/home/user/work/a.txt", 8, "...a.txt"},                 // no room for any of the folder
-        {"/home/user/work/a.txt", 9, ".../a.txt"},                // the odd byte goes to its right
+        {"/home/user/work/a.txt", 8, "...a.txt"},   // no room for any of the folder
+        {"/home/user/work/a.txt", 9, ".../a.txt"},  // the odd byte goes to its right
         {"/home/user/work/a.txt", 10, "/.../a.txt"},
-        {"/home/user/work/a.txt", 7, "....txt"},                  // the end alone
+        {"/home/user/work/a.txt", 7, "....txt"},  // the end alone
         {"/home/user/work/a.txt", 4, "...t"},
         {"/home/user/work/a.txt", 3, "..."},
         {"/home/user/work/a.txt", 2, ".."},

@@ -5,9 +5,9 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/printjob.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
-#include "platform/operations/printjob.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -248,7 +248,8 @@ TEST_F(DrawingTest, APartOfThePagesIsPrinted) {
     const struct {
         int from, to;
         const char* result;
-    } cases[] = {{0, 0, "1\n\f2\n\f3\n"}, {1, 1, "1\n"}, {2, 0, "2\n\f3\n"}, {2, 2, "2\n"}, {3, 9, "3\n"}, {4, 0, ""}};
+    } cases[] = {{0, 0, "1\n\f2\n\f3\n"}, {1, 1, "1\n"}, {2, 0, "2\n\f3\n"},
+                 {2, 2, "2\n"},           {3, 9, "3\n"}, {4, 0, ""}};
     for (const auto& one : cases) {
         SetCaption(Sysprinter, "part");
         PrintJob job;

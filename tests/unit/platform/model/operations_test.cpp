@@ -4,9 +4,9 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/printjob.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
-#include "platform/operations/printjob.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -460,6 +460,13 @@ TEST_F(OperationsTest, AFontIsChosenOrStays) {
     EXPECT_EQ(FontDialog(main, mono).value, (Font{"Serif", 12, true, false})) << "what is not said stays";
     EXPECT_EQ(FontDialog(main, mono).value, mono);
     EXPECT_EQ(FontDialog(page, mono).code, WindowNotLoaded);
+}
+
+TEST(SoundTest, SilenceMakesNoView) {
+    std::unique_ptr<View> before = useView(nullptr);
+    PlaySound({});
+    EXPECT_EQ(useView(std::move(before)), nullptr)
+        << "a program without windows shall not load one at its end";
 }
 
 TEST_F(OperationsTest, APrinterIsChosenOrNone) {
