@@ -115,6 +115,11 @@ enum EditFlag : int {
     NUMBERBAR = 4096,
 };
 
+// The flag of an edit. Its text is the name of the keys that the user pressed last in it ("Ctrl+Shift+K"), and
+// CHANGE_EVENT tells of each press; Backspace and Del empty it. Tab, Return, Escape, F1 and the mnemonics of the window
+// keep their meaning, and a key without a name does nothing.
+enum : int { KEYFIELD = 8192 };
+
 }  // namespace constants
 using namespace constants;
 

@@ -73,6 +73,7 @@ using platform::DestroyAllWindows;
 using platform::FindControl;
 using platform::FindHandle;
 using platform::FindWindow;
+using platform::IsTextKey;
 using platform::OpenUrl;
 using platform::PlaySound;
 using platform::PostMessage;

@@ -180,6 +180,8 @@ Answer<Font> FontDialog(const Object& owner, const Font& font) {
     question.kind = Question::Kind::Font;
     question.title = "Font";
     question.value = fontText(font);
+    const Control* const control = findControl(owner);
+    question.fixedWidth = control != nullptr && isEditWindowType(control->type);
     const std::string answer = view().ask(question);
     return {answer.empty() ? font : fontOf(answer, font), Ok};
 }

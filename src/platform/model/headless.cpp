@@ -22,6 +22,7 @@ constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
 constexpr char filePrinter[] = "Print to file";
 
 bool browser = true;
+int beeps = 0;
 
 // A document as plain text: the lines of each page, with a form feed between two pages.
 class TextDocument : public Canvas {
@@ -112,7 +113,7 @@ public:
     std::string clipboard() override { return clipboard_; }
     void setClipboard(std::string_view text) override { clipboard_ = text; }
 
-    void sound() override {}
+    void sound() override { ++beeps; }
     void playSound(const std::string&) override {}
     void setIcon(const std::string&) override {}
     void setBusy(bool) override {}
@@ -255,6 +256,10 @@ int Headless::textWidth(const Control&, std::string_view text) {
 
 std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&)> answer) {
     return std::make_unique<Headless>(std::move(answer));
+}
+
+int headlessBeeps() {
+    return beeps;
 }
 
 bool setHeadlessBrowser(bool there) {

@@ -94,6 +94,11 @@ void userActivate(Window& window);
 void userMoved(Window& window, const Rect& frame, int state);
 void timerFired(Control& owner);
 
+// The keys of a shortcut by their name, as resource files have them: "Ctrl+S"; empty for 0 and for a key without one.
+std::string shortcutName(int shortcut);
+// Whether a text with the focus needs the keys for itself: to copy, undo, delete, or move the caret.
+bool isTextKey(int shortcut);
+
 // What is going on, for views and for whoever plays the user.
 Window* topModal();  // the innermost window that is shown modally; null if none is
 int eventDepth();    // how many window functions are running, one inside the other

@@ -213,12 +213,35 @@ Code SetEnabled(const Object& object, bool enabled) {
     return tell(object, Property::Enabled, [&](Control& c) { return assign(c.enabled, enabled); });
 }
 
+Answer<std::string> GetShortcut(const Object& object) {
+    return ask<std::string>(object, [](const Control& c) { return shortcutName(c.shortcut); });
+}
+
+Code SetShortcut(const Object& object, std::string_view keys) {
+    return tell(object, Property::Caption, [&](Control& c) {
+        return c.type == Type::Menuitem && assign(c.shortcut, shortcutFromText(keys));
+    });
+}
+
+Answer<int> GetMenulevel(const Object& object) {
+    return ask<int>(object, [](const Control& c) { return c.level; });
+}
+
+Answer<std::string> GetHint(const Object& object) {
+    return ask<std::string>(object, [](const Control& c) { return c.hint; });
+}
+
+Code SetHint(const Object& object, std::string_view hint) {
+    return tell(object, Property::Hint, [&](Control& c) { return assign(c.hint, std::string(hint)); });
+}
+
 Answer<int> GetFlags(const Object& object) {
     return ask<int>(object, [](const Control& c) { return c.flags; });
 }
 
 Code SetFlags(const Object& object, int flags) {
     return tell(object, Property::Flags, [&](Control& c) {
+        if (c.type == Type::Edit) return assign(c.flags, flags & KEYFIELD);
         if (!isEditWindowType(c.type) || !assign(c.flags, flags)) return false;
         c.readonly = (flags & READONLY) != 0;
         return true;

@@ -36,6 +36,7 @@ enum class Property {
     Visible,
     Flags,
     Picture,
+    Hint,
     Rows,
     ListIndex,
     Position,
@@ -74,6 +75,7 @@ struct Question {
     std::string filter;
     BoxIcon icon = BoxIcon::None;
     int defaultButton = 1;
+    bool fixedWidth = false;  // Font: an empty name stands for the desktop's font of edit windows
 };
 
 class View {
@@ -167,6 +169,8 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 // Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the
 // progress is hidden. False if none is shown.
 bool pressToolStop();
+// How often headless views have beeped.
+int headlessBeeps();
 // Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
 // was so before.
 bool setHeadlessBrowser(bool there);

@@ -43,6 +43,16 @@ Answer<int> GetMax(const Object& object);
 Code SetMax(const Object& object, int value);
 Answer<bool> GetEnabled(const Object& object);
 Code SetEnabled(const Object& object, bool enabled);
+// The keys that pick a menu item, by their name: "Ctrl+Shift+S", "F9"; empty for none. A text that names no keys
+// takes them away.
+Answer<std::string> GetShortcut(const Object& object);
+Code SetShortcut(const Object& object, std::string_view keys);
+std::string ShortcutName(std::string_view keys);  // as GetShortcut tells them; empty if the text names none
+// Whether a text with the focus keeps the keys from the menus, as "Ctrl+C" and "Home".
+bool IsTextKey(std::string_view keys);
+Answer<int> GetMenulevel(const Object& object);  // a menu item: 1 in the menu bar, 2 below it, ...; else 0
+Answer<std::string> GetHint(const Object& object);
+Code SetHint(const Object& object, std::string_view hint);
 Answer<int> GetFlags(const Object& object);
 Code SetFlags(const Object& object, int flags);
 Answer<int> GetBorderStyle(const Object& object);  // a window: 0 none, 1 fixed, 2 sizable

@@ -98,6 +98,17 @@ QFontMetrics metricsOf(const Control& control) {
     return control.type == Type::Printer ? printerMetrics(control.name, font) : QFontMetrics(font);
 }
 
+bool isKeyField(const Control* control) {
+    return control != nullptr && control->type == Type::Edit && (control->flags & KEYFIELD) != 0;
+}
+
+bool nameKeys(Control& field, const PressedKeys& keys) {
+    if (!keys.named) return true;
+    field.text->setText(shortcutName(keys.shortcut));
+    userChange(field);
+    return true;
+}
+
 // A window that is a plain widget would be no more than a filler to screen readers.
 QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
     if (object == nullptr || object->metaObject() != &QWidget::staticMetaObject) return nullptr;
@@ -458,6 +469,8 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
     const QWidget* focus = frame->focusWidget();
     if (widget != (focus != nullptr ? focus : frame)) return false;
     const QPointer<Frame> alive(frame);
+    if (Control* field = frame->controlOf(focus); isKeyField(field))
+        if (const PressedKeys keys = keysPressed(event); keys.taken) return nameKeys(*field, keys);
     if (windowHears(focus, event)) {
         Control* control = frame->controlOf(focus);
         if (userKey(frame->window(), control, modelKey(event.key()))) return true;

@@ -302,12 +302,20 @@ public:
         case Property::Password:
             line_.setEchoMode(control_->passwordChar != 0 ? QLineEdit::Password : QLineEdit::Normal);
             break;
+        case Property::Flags: takeOnlyKeys((control_->flags & KEYFIELD) != 0); break;
         default: break;
         }
     }
     void letGo() override { giveBackText(*control_); }
 
 private:
+    // Whole keys come from the view's filter; text in any other way would be none of their names.
+    void takeOnlyKeys(bool only) {
+        line_.setAttribute(Qt::WA_InputMethodEnabled, !only);
+        line_.setAcceptDrops(!only);
+        line_.setContextMenuPolicy(only ? Qt::NoContextMenu : Qt::DefaultContextMenu);
+    }
+
     QLineEdit& line_;
 };
 

@@ -287,7 +287,8 @@ public:
         label.setFrameStyle(frames[std::clamp(control.border, 0, 2)]);
     }
     void apply(Property property) override {
-        if (property == Property::Caption || property == Property::Position || property == Property::Font)
+        if (property == Property::Caption || property == Property::Position || property == Property::Font ||
+            property == Property::Hint)
             show();
     }
 
