@@ -50,6 +50,11 @@ std::string backEndSwitch() {
     return FileSize(folder + "ppc386.exe") >= 0 ? "/gfpc" : "";
 }
 
+// The tools read two quotes inside of quotes as one.
+std::string quoted(const std::string& paths) {
+    return "\"" + STRREPLACE(paths, "\"", "\"\"") + "\"";
+}
+
 std::string levelSwitch(std::string_view name, int level) {
     return level == 1 || level == 2 ? std::string(name) + STR(level) : std::string();
 }
@@ -85,8 +90,8 @@ std::string SAVECOMMANDLINE(const CompilerOptions& o, int windowMode, bool write
         o.shortcutFile == 1 ? "/os" : "",
         "/s" + STR(o.symbols),
         extra,
-        o.inheritPaths.empty() ? "" : "/i\"" + o.inheritPaths + "\"",
-        o.resourcePaths.empty() ? "" : "/r\"" + o.resourcePaths + "\"",
+        o.inheritPaths.empty() ? "" : "/i" + quoted(o.inheritPaths),
+        o.resourcePaths.empty() ? "" : "/r" + quoted(o.resourcePaths),
         windowMode >= 0 && windowMode <= 11 ? "/lw" + STR(windowMode) : "",
         backEndSwitch(),
         "^" + std::string(ClassExtension),
