@@ -16,6 +16,7 @@
 #include "ide/menus/filemenu.h"
 #include "ide/menus/runmenu.h"
 #include "ide/menus/viewmenu.h"
+#include "ide/options/shortcuts.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/commands.h"
 #include "ide/shell/idecore.h"
@@ -310,6 +311,8 @@ void DO_LOAD() {
            GetName(MAINCONTROL("ProgramLabel")) == "programlabel");
     STAMP();
     SetCaption(Main, GETMAINCAPTIONSTR());
+    STAMP();
+    APPLYSHORTCUTS(Main);
     STAMP();
     placeMainWindow(ini);
     STAMP();

@@ -23,6 +23,11 @@ inline const Object FileInfoDlg("FileInfoDlg");
 inline const Object ArgumentsDlg("ArgumentsDlg");
 inline const Object GotoFuncDlg("GotoFuncDlg");
 inline const Object MoreInfoDlg("MoreInfoDlg");
+inline const Object CompOptionsDlg("CompOptionsDlg");
+inline const Object EditorOptionsDlg("EditorOptionsDlg");
+inline const Object GenOptionsDlg("GenOptionsDlg");
+inline const Object PathsOptionsDlg("PathsOptionsDlg");
+inline const Object KeysOptionsDlg("KeysOptionsDlg");
 
 inline Object MAINCONTROL(std::string_view name) {
     return FINDCONTROL(Main, name);
