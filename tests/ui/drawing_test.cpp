@@ -651,6 +651,13 @@ TEST_F(DrawTest, ChoosersTakeAndGiveTheirValues) {
             EXPECT_TRUE(view().answer(text));
         });
     };
+    const auto accepting = [] {
+        QTimer::singleShot(0, [] {
+            QWidget* box = QApplication::activeModalWidget();
+            ASSERT_NE(box, nullptr);
+            QMetaObject::invokeMethod(box, "accept");
+        });
+    };
     answering("0x102030");
     EXPECT_EQ(ColourDialog(Draw, 5).value, 0x102030);
     answering("");
@@ -658,6 +665,18 @@ TEST_F(DrawTest, ChoosersTakeAndGiveTheirValues) {
     answering("DejaVu Sans\t17\tbi");
     EXPECT_EQ(FontDialog(Draw, {"DejaVu Sans Mono", 9, false, false}).value,
               (Font{"DejaVu Sans", 17, true, true}));
+    for (const char* family : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif"}) {
+        for (const bool bold : {false, true}) {
+            for (const bool italic : {false, true}) {
+                const Font font{family, 12, bold, italic};
+                answering(std::string(family) + "\t12\t" + (bold ? "b" : "") + (italic ? "i" : ""));
+                EXPECT_EQ(FontDialog(Draw, {}).value, font) << family << bold << italic;
+                accepting();
+                EXPECT_EQ(FontDialog(Draw, font).value, font)
+                    << "as it is offered: " << family << bold << italic;
+            }
+        }
+    }
     answering("");
     EXPECT_EQ(FontDialog(Draw, {"Own", 9, false, true}).value, (Font{"Own", 9, false, true}));
     answering("Print to file\tselection\t2\t3\t4");

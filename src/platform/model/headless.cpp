@@ -273,7 +273,7 @@ std::vector<std::string> takeHeadlessSounds() {
     return std::exchange(sounds, {});
 }
 
-int headlessSounds() {
+int headlessBeeps() {
     return beeps;
 }
 

@@ -186,8 +186,8 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 // Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the
 // progress is hidden. False if none is shown.
 bool pressToolStop();
-// How many sounds headless views were asked for.
-int headlessSounds();
+// How often headless views have beeped.
+int headlessBeeps();
 // Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
 // was so before.
 bool setHeadlessBrowser(bool there);

@@ -74,6 +74,18 @@ private:
 
 // ---- fonts ----
 
+// The box finds the style of a font by its name, which families spell as they like ("Normal", "Book", "Roman"); without
+// a name that the family has it takes another, which may be slanted. The plainest name that fits is the shortest.
+void nameStyle(QFont& font) {
+    QString best;
+    for (const QString& style : QFontDatabase::styles(font.family())) {
+        const bool fits = QFontDatabase::bold(font.family(), style) == font.bold() &&
+                          QFontDatabase::italic(font.family(), style) == font.italic();
+        if (fits && (best.isEmpty() || style.size() < best.size())) best = style;
+    }
+    if (!best.isEmpty()) font.setStyleName(best);
+}
+
 QFont fontOf(const QString& text, bool fixedWidth) {
     const QStringList parts = text.split(u'\t');
     QFont font = fixedWidth ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : QFont();
@@ -81,6 +93,7 @@ QFont fontOf(const QString& text, bool fixedWidth) {
     if (parts.value(1).toInt() > 0) font.setPointSize(parts[1].toInt());
     font.setBold(parts.value(2).contains(u'b'));
     font.setItalic(parts.value(2).contains(u'i'));
+    nameStyle(font);
     return font;
 }
 

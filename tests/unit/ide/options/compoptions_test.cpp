@@ -131,15 +131,15 @@ TEST_F(CompOptions, LettersAmongTheSymbolsBeep) {
     load();
     const std::string before = preview();
     for (const char* text : {"abc", "12a", "-1", " 5", "1.5"}) {
-        const int sounds = platform::headlessSounds();
+        const int beeps = platform::headlessBeeps();
         typeInto("symbols", text);
-        EXPECT_EQ(platform::headlessSounds(), sounds + 1) << text;
+        EXPECT_EQ(platform::headlessBeeps(), beeps + 1) << text;
         EXPECT_EQ(preview(), before) << text;
     }
-    const int sounds = platform::headlessSounds();
+    const int beeps = platform::headlessBeeps();
     typeInto("symbols", "4000");
     typeInto("symbols", "");
-    EXPECT_EQ(platform::headlessSounds(), sounds);
+    EXPECT_EQ(platform::headlessBeeps(), beeps);
     EXPECT_EQ(GetMaxLength(in("symbols")), 4);
 }
 

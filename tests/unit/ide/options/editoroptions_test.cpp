@@ -86,12 +86,12 @@ TEST_F(EditorOptions, TheCodeWindowFollowsAtOnce) {
 TEST_F(EditorOptions, LettersInTheNumbersBeep) {
     load();
     for (const char* field : {"autobackupinterval", "autobackupmaxfiles"}) {
-        const int sounds = platform::headlessSounds();
+        const int beeps = platform::headlessBeeps();
         typeInto(field, "1x");
-        EXPECT_EQ(platform::headlessSounds(), sounds + 1) << field;
+        EXPECT_EQ(platform::headlessBeeps(), beeps + 1) << field;
         typeInto(field, "12");
         typeInto(field, "");
-        EXPECT_EQ(platform::headlessSounds(), sounds + 1) << field;
+        EXPECT_EQ(platform::headlessBeeps(), beeps + 1) << field;
     }
 }
 

@@ -76,9 +76,9 @@ TEST_F(PathsOptions, MissingFoldersAreAskedAboutAndMayBeSaved) {
         SetText(in("edit1"), dir + ";" + dir + "gone");
         SetText(in("edit4"), dir + "lost");
         answers = {answer};
-        const int sounds = platform::headlessSounds();
+        const int beeps = platform::headlessBeeps();
         press("pushbutton1");
-        EXPECT_EQ(platform::headlessSounds(), sounds + 1);
+        EXPECT_EQ(platform::headlessBeeps(), beeps + 1);
         EXPECT_EQ(lastText(), question);
         EXPECT_EQ(asked.back().title, "Tools-Options-Paths");
         EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"OK", "Cancel"}));
