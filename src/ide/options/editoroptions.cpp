@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/options/editoroptions.h"
 
+#include "ide/editor/backup.h"
 #include "ide/editor/textedit.h"
-#include "ide/options/backuptimer.h"
 #include "ide/options/colours.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -55,7 +55,6 @@ void load(const Object& window) {
                          in(window, kind.label));
     }
     enableColours(window);
-    SetEnabled(in(window, "btnautobackupdelete"), HASBACKUPS());
 }
 
 std::string problem(const Object& window) {
@@ -113,7 +112,7 @@ bool handle(const Object& window, int event, const Object& control, int paramete
     } else if (name == "hiliteon") {
         enableColours(window);
     } else if (name == "btnautobackupdelete") {
-        DELETEBACKUPS(GetCaption(window));
+        EDITWNDDELETEBACKUPS(GetCaption(window));
     } else {
         return DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     }
@@ -133,7 +132,7 @@ bool EDITOROPTIONSDLG(const Object& window, int event, const Object& control, in
 void EDITOROPTIONSDIALOG(const Object& mainWindow, const Object& timerLabel) {
     FRAME(EDITOROPTIONSDIALOG);
     STAMP();
-    const int before = BACKUPINTERVAL();
+    const int before = EDITWNDGETINTERVAL();
     Load(EditorOptionsDlg);
     STAMP();
     const int ok = in(EditorOptionsDlg, shape.ok).number();
@@ -142,8 +141,11 @@ void EDITOROPTIONSDIALOG(const Object& mainWindow, const Object& timerLabel) {
     if (!accepted) return;
     EDITWNDSETMAXSIZE(SDIEdit, mainWindow);
     STAMP();
-    const int now = BACKUPINTERVAL();
-    if (now != before) RESTARTBACKUPTIMER(timerLabel, now);
+    const int now = EDITWNDGETINTERVAL();
+    if (now == before) return;
+    EDITWNDKILLTIMER(SDIEdit, timerLabel);
+    STAMP();
+    EDITWNDSETTIMER(SDIEdit, timerLabel, now);
     STAMP();
 }
 

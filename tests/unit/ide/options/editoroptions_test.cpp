@@ -3,7 +3,6 @@
 // The options of the editor and the colours of highlighting, on the object model alone.
 #include "ide/options/editoroptions.h"
 
-#include "ide/options/backuptimer.h"
 #include "ide/options/colours.h"
 #include "library/source/symbols.h"
 #include "support/ide_fixture.h"
@@ -306,7 +305,6 @@ TEST_F(EditorOptionsCommand, ACancelledDialogLeavesTheSizeAlone) {
 
 TEST_F(EditorOptionsCommand, AnIntervalOfZeroStopsTheTimerAtOnceAndAnotherStartsIt) {
     start();
-    if (!HASBACKUPS()) GTEST_SKIP() << "there are no automatic backups";
     open([] {
         put("autobackupinterval", "0");
         press("pushbutton1");

@@ -117,7 +117,7 @@ TEST_F(MenuKeys, AHintIsReadAndChanged) {
 }
 
 TEST_F(MenuKeys, AnEditTakesTheFlagOfKeysAndNoOther) {
-    EXPECT_EQ(SetFlags(edit, int{KEYFIELD} | READONLY | STATUSBAR), Ok);
+    EXPECT_EQ(SetFlags(edit, int{KEYFIELD} | int{READONLY} | int{STATUSBAR}), Ok);
     EXPECT_EQ(GetFlags(edit).value, KEYFIELD);
     EXPECT_FALSE(GetReadonly(edit).value);
     EXPECT_EQ(SetFlags(label, KEYFIELD), Ok);
