@@ -567,7 +567,10 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
         UPDATEUNDOTYPINGITEMS();
         forgetRefusal(window);
         break;
-    case TIMER_EVENT: EDITWNDAUTOBACKUP(window); break;
+    case TIMER_EVENT:
+        EDITWNDAUTOBACKUP(window);
+        UPDATEUNDOMENU();  // the menu may be opened by a key, without a command before it
+        break;
     case INFO_EVENT: FILEINFODIALOG(); break;
     case LOAD_EVENT: loadCodeWindow(window); break;
     case CLOSE_EVENT: closeCodeWindow(window); break;  // only hidden: the window lives as long as the program

@@ -217,6 +217,7 @@ void UPDATEUNDOTYPINGITEMS() {
 
 void UPDATEUNDOMENU() {
     FRAME(UPDATEUNDOMENU);
+    if (!IsLoaded(Main)) return;
     static std::string list, items;  // the headings of the list that was there last
     STAMP();
     std::string now = EDITWNDGETBACKUPLIST(EDITWNDGETFILENAME(SDIEdit));

@@ -22,7 +22,7 @@ void POPULATEMENUITEMS(const Object& menuArray, const std::string& items);
 
 bool CANUNDOTYPING();  // the user works in the Code window, and there is a step
 bool CANREDOTYPING();
-void UPDATEUNDOMENU();         // all of it
-void UPDATEUNDOTYPINGITEMS();  // the two alone; nothing unless Main is loaded
+void UPDATEUNDOMENU();         // all of it; nothing unless Main is loaded
+void UPDATEUNDOTYPINGITEMS();  // the two alone; the same
 
 }  // namespace tarn
