@@ -83,7 +83,7 @@ void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
     for (const char* name :
          {"ide.rcx", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "quarn.exe", "ordo.exe",
-          "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
+          "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "libtarnwick-help.so", "help", "examples"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }

@@ -213,6 +213,14 @@ void SetHelpViewer(HelpViewer viewer) {
     state().helpViewer = viewer;
 }
 
+void SetBoxHelp(BoxHelp help) {
+    state().boxHelp = help;
+}
+
+void userBoxHelp(const Question& question) {
+    if (state().boxHelp != nullptr) state().boxHelp(question.title, question.text);
+}
+
 bool HtmlHelpApi(const std::string& file, const std::string& key) {
     if (state().helpViewer != nullptr && state().helpViewer(file, key)) return true;
     const std::string path = os::native(file);
