@@ -102,7 +102,7 @@ void prepareProfile(const std::string& profile, const std::string& files) {
 void prepareEnvironment() {
     setenv("HOME", root.c_str(), 1);
     for (const auto& [name, folder] :
-         {std::pair{"XDG_CONFIG_HOME", "config"}, {"XDG_STATE_HOME", "state"}, {"XDG_RUNTIME_DIR", "run"}}) {
+         {std::pair{"XDG_CONFIG_HOME", "config"}, {"XDG_STATE_HOME", "state"}, {"XDG_CACHE_HOME", "cache"}, {"XDG_RUNTIME_DIR", "run"}}) {
         fs::create_directories(root + folder);
         fs::permissions(root + folder, fs::perms(0700));
         setenv(name, (root + folder).c_str(), 1);

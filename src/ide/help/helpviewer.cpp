@@ -107,7 +107,8 @@ void USEBOXHELP() {
 }
 
 std::string BOXTOPIC(std::string_view title, std::string_view text) {
-    const std::string number = numberIn(text);
+    std::string number = numberIn(text);
+    if (number.empty()) number = numberIn(title);
     return number.empty() ? HELPTOPIC(title) : number;
 }
 

@@ -57,8 +57,15 @@ void write(const std::string& path, const std::string& text, help::Book& book) {
     if (!os::saveFile(path, text, os::Durability::Unsynced).ok()) book.fault(path + " cannot be written");
 }
 
-// Pages that are written by hand lead to the whole help by its file.
+// Pages that are written by hand lead to the whole help by its file, and are called by their numbers alone.
 std::string relinked(std::string text, const help::Book& book) {
+    const std::string title = "<title>Message ";
+    if (const std::size_t at = text.find(title); at != std::string::npos) {
+        const std::string number = text.substr(at + title.size(), 4);
+        for (const help::Article& article : book.articles())
+            if (article.ready && article.heading.topics.front() == number)
+                text.replace(at + 7, title.size() - 7 + 4, help::escaped(article.heading.title));
+    }
     const std::string whole = "href=\"../Tarnwick.htm#";
     for (std::size_t at = 0; (at = text.find(whole, at)) != std::string::npos;) {
         const std::size_t begin = at + whole.size(), end = text.find('"', begin);

@@ -91,7 +91,7 @@ std::unique_ptr<Collection> Collection::open(const QString& file, QString& probl
 
 QUrl Collection::pageOf(const QString& topic) const {
     const QList<QHelpLink> links =
-        engine_->documentsForIdentifier(QString(topic).replace(u' ', u'_').toLower());
+        engine_->documentsForIdentifier(topic.trimmed().replace(u' ', u'_').toLower());
     return links.isEmpty() ? QUrl() : links.constFirst().url;
 }
 

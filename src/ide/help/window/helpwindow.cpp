@@ -17,6 +17,7 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
@@ -30,7 +31,8 @@ namespace {
 
 enum Tab { ContentsTab, IndexTab, SearchTab };
 constexpr int MoveWait = 500;  // milliseconds without a move until the place is kept
-constexpr char FirstTopic[] = "help_file_contents";
+constexpr char FirstTopic[] = "help_file_contents", IndexTopic[] = "help_index";
+constexpr std::size_t MostShown = 20;  // of the pages that a page which is not there names
 
 QLineEdit* makeLine(const QString& name, QWidget* parent) {
     auto* line = new QLineEdit(parent);
@@ -60,6 +62,8 @@ HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace) : keepPlac
     side_->addTab(makeContents(), tr("&Contents"));
     side_->addTab(makeIndex(), tr("&Index"));
     side_->addTab(makeSearch(), tr("&Search"));
+    side_->setUsesScrollButtons(false);
+    side_->setMinimumWidth(side_->tabBar()->sizeHint().width() + 4);
     auto* reading = new QWidget(this);
     auto* column = new QVBoxLayout(reading);
     column->setContentsMargins(0, 0, 0, 0);
@@ -79,8 +83,8 @@ HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace) : keepPlac
 }
 
 HelpWindow::~HelpWindow() {
-    delete contents_;  // they work on the engine's models
-    delete index_;
+    delete contents_.data();  // they work on the engine's models
+    delete index_.data();
 }
 
 // ---- making ----
@@ -150,10 +154,10 @@ QWidget* HelpWindow::makeIndex() {
     indexLine_->setObjectName(QStringLiteral("indexline"));
     columnOf(tab)->addWidget(indexLine_);
     connect(indexLine_, &QLineEdit::textChanged, this, [this](const QString& text) {
-        if (auto* index = qobject_cast<QHelpIndexWidget*>(index_); index != nullptr) index->filterIndices(text);
+        if (auto* index = qobject_cast<QHelpIndexWidget*>(index_.data()); index != nullptr) index->filterIndices(text);
     });
     connect(indexLine_, &QLineEdit::returnPressed, this, [this] {
-        if (auto* index = qobject_cast<QHelpIndexWidget*>(index_); index != nullptr)
+        if (auto* index = qobject_cast<QHelpIndexWidget*>(index_.data()); index != nullptr)
             index->activateCurrentItem();
     });
     indexLine_->installEventFilter(this);
@@ -211,8 +215,8 @@ QString HelpWindow::useFile(const QString& file) {
     QString problem;
     auto opened = Collection::open(file, problem);
     if (opened == nullptr) return problem;
-    delete contents_;
-    delete index_;
+    delete contents_.data();
+    delete index_.data();
     search_.reset();
     collection_ = std::move(opened);
     page_->setCollection(collection_.get());
@@ -234,6 +238,7 @@ void HelpWindow::fillSide() {
         const QHelpContentItem* item = collection_->engine().contentModel()->contentItemAt(row);
         if (item != nullptr && row.isValid() && contents->isVisible()) page_->show(item->url());
     });
+    connect(engine.contentModel(), &QHelpContentModel::contentsCreated, this, [this] { markContents(); });
     QHelpIndexWidget* index = engine.indexWidget();
     index->setAccessibleName(tr("Index"));
     side_->widget(IndexTab)->layout()->addWidget(index);
@@ -255,6 +260,7 @@ void HelpWindow::showTopic(const QString& topic) {
         showNotFound(topic);
     else
         page_->show(url);
+    if (topic.compare(QLatin1String(IndexTopic), Qt::CaseInsensitive) == 0) focusSide(IndexTab);
 }
 
 void HelpWindow::showNotFound(const QString& topic) {
@@ -266,7 +272,7 @@ void HelpWindow::showNotFound(const QString& topic) {
                                                        ? tr("The help has nothing on this word. The index and the "
                                                             "search on the left may lead further.")
                                                        : tr("There is no page of this name. These pages tell of it:"));
-    for (const Hit& hit : hits_)
+    for (const Hit& hit : std::vector<Hit>(hits_.begin(), hits_.begin() + std::ptrdiff_t(std::min(hits_.size(), MostShown))))
         html += QStringLiteral("<p><a href=\"%1\">%2</a></p>").arg(hit.page.toString(), hit.title.toHtmlEscaped());
     page_->showText(html + QStringLiteral("</body></html>"));
 }
@@ -275,6 +281,16 @@ void HelpWindow::pageChanged() {
     const QString title = page_->documentTitle();
     setWindowTitle(title.isEmpty() ? tr("Help") : title + QStringLiteral(" - ") + tr("Help"));
     if (findBar_->isVisible()) findState_->clear();
+    markContents();
+}
+
+// Shows in the contents where the page stands; the engine makes them in its own time.
+void HelpWindow::markContents() {
+    auto* contents = qobject_cast<QHelpContentWidget*>(contents_.data());
+    if (contents == nullptr || collection_->engine().contentModel()->isCreatingContents()) return;
+    const QModelIndex row = contents->indexOf(page_->source());
+    if (row.isValid()) contents->setCurrentIndex(row);
+    if (row.isValid()) contents->scrollTo(row);
 }
 
 // ---- search ----
@@ -384,7 +400,7 @@ bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return false;
     const int key = static_cast<QKeyEvent*>(event)->key();
     const bool walks = key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_PageDown || key == Qt::Key_PageUp;
-    QWidget* const rows = watched == indexLine_ ? index_ : found_;
+    QWidget* const rows = watched == indexLine_ ? index_.data() : found_;
     if (!walks || rows == nullptr) return false;
     QApplication::sendEvent(rows, event);
     return true;
@@ -401,9 +417,9 @@ QString HelpWindow::place() const {
 void HelpWindow::setPlace(const QString& place) {
     const QStringList parts = place.split(u' ', Qt::SkipEmptyParts);
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect at(0, 0, std::min(screen.width() * 2 / 3, 1000), std::min(screen.height() * 3 / 4, 760));
+    QRect at(0, 0, std::min(screen.width() * 9 / 10, 1000), std::min(screen.height() * 8 / 10, 760));
     at.moveCenter(screen.center());
-    int side = at.width() * 3 / 10;
+    int side = at.width() * 32 / 100;
     if (parts.size() >= 4) {
         const QRect kept(parts[0].toInt(), parts[1].toInt(), parts[2].toInt(), parts[3].toInt());
         const bool seen = kept.width() >= 200 && kept.height() >= 150 &&

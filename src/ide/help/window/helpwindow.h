@@ -61,6 +61,7 @@ private:
     void findText(bool backward);
     void print();
     void pageChanged();
+    void markContents();
     QString place() const;
 
     std::function<void(const QString&)> keepPlace_;

@@ -26,7 +26,7 @@ QString styleFor(const QColor& base, const QColor& text, const QColor& link) {
                "h1 { font-size: 160%; font-weight: 600; }"
                "h2, h3 { font-size: 115%; font-weight: 600; }"
                "p.message { font-weight: 600; }"
-               "pre { background-color: %2; font-family: monospace; }"
+               "pre { background-color: %2; font-family: monospace; white-space: pre-wrap; }"
                "code { font-family: monospace; }"
                "pre.wrong { color: %4; } pre.right { color: %5; }"
                "kbd { font-family: monospace; font-weight: 600; }"
