@@ -29,7 +29,9 @@ QString decoded(const std::string& bytes) {
 QWidget* keyTarget() {
     if (QWidget* popup = QApplication::activePopupWidget(); popup != nullptr) return popup;
     QWidget* modal = QApplication::activeModalWidget();
-    QWidget* window = modal != nullptr ? modal : QApplication::activeWindow();
+    QWidget* window = QApplication::activeWindow();
+    const bool help = window != nullptr && window->objectName() == "HelpWindow";  // which no dialog holds up
+    if (modal != nullptr && !help) window = modal;
     if (window == nullptr) {
         for (QWidget* candidate : QApplication::topLevelWidgets()) {
             if (candidate->isVisible() && candidate->isWindow()) window = candidate;

@@ -148,7 +148,7 @@ TEST_F(MessagePages, TheListsOfTheDocumentsAreThoseOfTheCompiler) {
     expectAll(language, "docs/language.md");
     const std::string mark = ".htm\">", behind = "</a></dt><dd>";
     for (const std::string& row :
-         between(textOf(SOURCE_DIR "/docs/help/Tarnwick.htm"), "\"><a href=\"messages/", "</dd>"))
+         between(textOf(BINARY_DIR "/help/Tarnwick.htm"), "\"><a href=\"messages/", "</dd>"))
         help[std::stoi(row)] = plain(row.substr(row.find(behind) + behind.size()));
     expectAll(help, "the general help");
     for (const std::string& row : between(textOf(Pages + "index.htm"), "<dt><a href=\"", "</dd>"))
