@@ -51,12 +51,14 @@ protected:
         page = window->findChild<QTextBrowser*>(QStringLiteral("helppage"));
         search = window->findChild<QLineEdit*>(QStringLiteral("searchline"));
         hits = window->findChild<QListWidget*>(QStringLiteral("searchhits"));
+        QApplication::setActiveWindow(window);
         ASSERT_TRUE(page != nullptr && search != nullptr && hits != nullptr);
     }
     void TearDown() override {
         if (window != nullptr) window->close();
     }
     void press(QWidget* on, Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
+        QApplication::setActiveWindow(window);
         QTest::keyClick(on, key, with);
     }
 
@@ -177,6 +179,7 @@ TEST_F(HelpWindowTest, HasAnIndexAndContents) {
     for (int i = 0; i < 100 && tree->model()->rowCount() < 9; ++i) QTest::qWait(20);
     EXPECT_GE(tree->model()->rowCount(), 9) << "the chapters";
     EXPECT_EQ(show(File, "STRFIND"), nullptr);
+    for (int i = 0; i < 100 && tree->currentIndex().data().toString() != u"STRFIND"; ++i) QTest::qWait(20);
     EXPECT_EQ(tree->currentIndex().data().toString(), u"STRFIND") << "the contents tell where the page stands";
 }
 

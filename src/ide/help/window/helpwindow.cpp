@@ -158,7 +158,7 @@ QWidget* HelpWindow::makeIndex() {
     });
     connect(indexLine_, &QLineEdit::returnPressed, this, [this] {
         if (auto* index = qobject_cast<QHelpIndexWidget*>(index_.data()); index != nullptr)
-            index->activateCurrentItem();
+            page_->show(collection_->pageOfKeyword(index->currentIndex().data().toString()));
     });
     indexLine_->installEventFilter(this);
     return tab;

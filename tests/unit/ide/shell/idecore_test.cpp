@@ -58,7 +58,7 @@ TEST_F(Idecore, HelpThatIsMissingIsToldWithWhatToDo) {
     EXPECT_EQ(asked[0].title, "MultiHelp");
     EXPECT_EQ(asked[0].text, told + "Install the program again, or name the folder of the help at Help files in "
                                     "Tools-Options-Paths.");
-    write("help/Tarnwick.qch", "x");
+    std::filesystem::create_directories(dir + "help");
     SHOWHELP("Help_Index");
     ASSERT_EQ(asked.size(), 2U);
     EXPECT_EQ(asked[1].text, told + "The help that came with the program lies in '" + dir +
