@@ -79,7 +79,8 @@ HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace) : keepPlac
     placeTimer_.setSingleShot(true);
     placeTimer_.setInterval(MoveWait);
     connect(&placeTimer_, &QTimer::timeout, this, [this] { keepPlace_(place()); });
-    connect(page_, &QTextBrowser::sourceChanged, this, [this] { pageChanged(); });
+    // The page itself still names the one before while it tells of the change.
+    connect(page_, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) { pageChanged(url); });
 }
 
 HelpWindow::~HelpWindow() {
@@ -277,7 +278,8 @@ void HelpWindow::showNotFound(const QString& topic) {
     page_->showText(html + QStringLiteral("</body></html>"));
 }
 
-void HelpWindow::pageChanged() {
+void HelpWindow::pageChanged(const QUrl& url) {
+    shown_ = url;
     const QString title = page_->documentTitle();
     setWindowTitle(title.isEmpty() ? tr("Help") : title + QStringLiteral(" - ") + tr("Help"));
     if (findBar_->isVisible()) findState_->clear();
@@ -287,8 +289,8 @@ void HelpWindow::pageChanged() {
 // Shows in the contents where the page stands; the engine makes them in its own time.
 void HelpWindow::markContents() {
     auto* contents = qobject_cast<QHelpContentWidget*>(contents_.data());
-    if (contents == nullptr || collection_->engine().contentModel()->isCreatingContents()) return;
-    const QModelIndex row = contents->indexOf(page_->source());
+    if (contents == nullptr) return;
+    const QModelIndex row = contents->indexOf(shown_);
     if (row.isValid()) contents->setCurrentIndex(row);
     if (row.isValid()) contents->scrollTo(row);
 }

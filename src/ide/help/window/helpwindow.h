@@ -60,13 +60,14 @@ private:
     void closeFind();
     void findText(bool backward);
     void print();
-    void pageChanged();
+    void pageChanged(const QUrl& url);
     void markContents();
     QString place() const;
 
     std::function<void(const QString&)> keepPlace_;
     QString file_;
     QDateTime fileTime_;
+    QUrl shown_;
     std::unique_ptr<Collection> collection_;
     std::unique_ptr<Search> search_;
     std::vector<Hit> hits_;
