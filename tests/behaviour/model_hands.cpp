@@ -2,6 +2,7 @@
 //
 // The model mode: no real input.
 #include "behaviour/hands.h"
+#include "ide/help/helpviewer.h"
 
 namespace tarn {
 namespace {
@@ -34,6 +35,7 @@ std::unique_ptr<Hands> makeHands(const std::string& mode) {
         ModelHands::asked() = topic;
         return true;
     });
+    USEBOXHELP();
     return std::make_unique<ModelHands>();
 }
 

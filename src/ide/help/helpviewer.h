@@ -12,7 +12,7 @@ namespace tarn {
 // From here on HtmlHelpApi opens .qch files in the help window; other files are left to others. Called once, by a
 // program that has a screen.
 void USEHELPWINDOW();
-// F1 in a message box opens help from here on.
+// F1 in a message box, and in a window that does nothing with it, opens help from here on.
 void USEBOXHELP();
 // What the help has on a box: the page of the error or message whose number its text tells, else the topic of its
 // title, as that of a dialog.

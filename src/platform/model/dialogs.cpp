@@ -217,8 +217,14 @@ void SetBoxHelp(BoxHelp help) {
     state().boxHelp = help;
 }
 
+bool helpOn(const std::string& title, const std::string& text) {
+    if (state().boxHelp == nullptr) return false;
+    state().boxHelp(title, text);
+    return true;
+}
+
 void userBoxHelp(const Question& question) {
-    if (state().boxHelp != nullptr) state().boxHelp(question.title, question.text);
+    static_cast<void>(helpOn(question.title, question.text));
 }
 
 bool HtmlHelpApi(const std::string& file, const std::string& key) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// F1 in a box that waits for an answer. The toolkit's boxes are no windows of the program, so no window function hears
-// their keys; whoever has help says here what to do.
+// F1 where no window function takes it: in a box that waits for an answer, which is no window of the program, and in
+// windows whose function leaves the key alone. Whoever has help says here what to do.
 #pragma once
 
 #include <string>
@@ -13,5 +13,6 @@ struct Question;
 using BoxHelp = void (*)(const std::string& title, const std::string& text);
 void SetBoxHelp(BoxHelp help);               // null: F1 does nothing
 void userBoxHelp(const Question& question);  // for views: the user has pressed F1 there
+bool helpOn(const std::string& title, const std::string& text);  // false: nobody has help
 
 }  // namespace tarn::platform
