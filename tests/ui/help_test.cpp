@@ -34,7 +34,8 @@ std::string kept;  // the place that the window handed over last
 
 const char* show(const QString& file, const char* topic, const char* place = "") {
     static const auto library = dlopen(BINARY_DIR "/libtarnwick-help.so", RTLD_NOW);
-    static const auto function = reinterpret_cast<Show>(library == nullptr ? nullptr : dlsym(library, ShowName));
+    static const auto function =
+        reinterpret_cast<Show>(library == nullptr ? nullptr : dlsym(library, ShowName));
     if (function == nullptr) return "the library is not there";
     const QByteArray path = file.toUtf8();
     return function({path.constData(), topic, place, [](const char* text) { kept = text; }});
@@ -180,7 +181,8 @@ TEST_F(HelpWindowTest, HasAnIndexAndContents) {
     EXPECT_GE(tree->model()->rowCount(), 9) << "the chapters";
     EXPECT_EQ(show(File, "STRFIND"), nullptr);
     for (int i = 0; i < 100 && tree->currentIndex().data().toString() != u"STRFIND"; ++i) QTest::qWait(20);
-    EXPECT_EQ(tree->currentIndex().data().toString(), u"STRFIND") << "the contents tell where the page stands";
+    EXPECT_EQ(tree->currentIndex().data().toString(), u"STRFIND")
+        << "the contents tell where the page stands";
 }
 
 TEST_F(HelpWindowTest, FollowsThePaletteAndStaysWhereItWasRead) {
@@ -217,7 +219,8 @@ TEST_F(HelpWindowTest, ZoomsAndKeepsItsPlace) {
 }
 
 TEST_F(HelpWindowTest, EveryPartHasANameForScreenReaders) {
-    for (const QWidget* part : {static_cast<QWidget*>(page), static_cast<QWidget*>(search), static_cast<QWidget*>(hits)})
+    for (const QWidget* part :
+         {static_cast<QWidget*>(page), static_cast<QWidget*>(search), static_cast<QWidget*>(hits)})
         EXPECT_FALSE(part->accessibleName().isEmpty()) << part->objectName().toStdString();
 }
 
@@ -333,7 +336,8 @@ TEST_F(CompiledHelp, LeadsOnlyToPagesAndAnchorsThatAreThere) {
             if (to.path().endsWith(u".css")) continue;
             ++count;
             const QString there = QString::fromUtf8(engine->fileData(to.adjusted(QUrl::RemoveFragment)));
-            EXPECT_FALSE(there.isEmpty()) << file.toString().toStdString() << " " << to.toString().toStdString();
+            EXPECT_FALSE(there.isEmpty())
+                << file.toString().toStdString() << " " << to.toString().toStdString();
             const bool anchored = !to.hasFragment() || there.contains(u'"' + to.fragment() + u'"');
             EXPECT_TRUE(anchored) << to.toString().toStdString();
         }

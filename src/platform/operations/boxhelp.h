@@ -11,8 +11,8 @@ namespace tarn::platform {
 struct Question;
 
 using BoxHelp = void (*)(const std::string& title, const std::string& text);
-void SetBoxHelp(BoxHelp help);               // null: F1 does nothing
-void userBoxHelp(const Question& question);  // for views: the user has pressed F1 there
+void SetBoxHelp(BoxHelp help);                                   // null: F1 does nothing
+void userBoxHelp(const Question& question);                      // for views: the user has pressed F1 there
 bool helpOn(const std::string& title, const std::string& text);  // false: nobody has help
 
 }  // namespace tarn::platform

@@ -52,10 +52,9 @@ dt { font-weight: bold; }
 )";
 
 std::string head(const std::string& title, std::string_view style) {
-    std::string text =
-        "<!DOCTYPE html>\n<!-- SPDX-License-Identifier: GPL-3.0-or-later -->\n<html "
-        "lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" +
-        escaped(title) + "</title>\n";
+    std::string text = "<!DOCTYPE html>\n<!-- SPDX-License-Identifier: GPL-3.0-or-later -->\n<html "
+                       "lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" +
+                       escaped(title) + "</title>\n";
     if (!style.empty()) text.append("<style>\n").append(style).append("</style>\n");
     return text + "</head>\n<body>\n";
 }
@@ -121,9 +120,8 @@ void Book::link() {
 }
 
 std::string Book::linked(const Article& article) const {
-    return replacedBetween(article.html, "href=\"#", "\"", [this](const std::string& topic) {
-        return "href=\"" + placeOf(topic) + "\"";
-    });
+    return replacedBetween(article.html, "href=\"#", "\"",
+                           [this](const std::string& topic) { return "href=\"" + placeOf(topic) + "\""; });
 }
 
 std::string Book::page(const Article& article) const {
@@ -167,8 +165,8 @@ std::string Book::contents() const {
 std::string Book::keywords() const {
     std::string text;
     const auto keyword = [&text](const std::string& name, const std::string& id, const std::string& place) {
-        text += "<keyword name=\"" + escaped(name) + "\"" + (id.empty() ? "" : " id=\"" + escaped(id) + "\"") +
-                " ref=\"" + place + "\"/>\n";
+        text += "<keyword name=\"" + escaped(name) + "\"" +
+                (id.empty() ? "" : " id=\"" + escaped(id) + "\"") + " ref=\"" + place + "\"/>\n";
     };
     std::set<std::string> done;
     for (const Article& article : articles_) {

@@ -197,7 +197,8 @@ void addConstants(Book& book) {
         }
         article.html += "</table>\n";
     }
-    const auto errors = static_cast<std::size_t>(std::count_if(constants.begin(), constants.end(), isErrorCode));
+    const auto errors =
+        static_cast<std::size_t>(std::count_if(constants.begin(), constants.end(), isErrorCode));
     if (shown + errors != constants.size()) book.fault("a constant of the library stands in no group");
     book.add(std::move(article));
 }
@@ -258,9 +259,12 @@ void addErrors(Book& book, std::string_view text) {
 void addMessages(Book& book) {
     Article list;
     list.depth = 0;
-    list.heading = {"Compiler messages", {"Help_Compiler_Errors"}, {"Messages of the compiler", "Errors of the compiler"}};
-    list.html = "<p>What compiler and make tool say. <kbd>F1</kbd> on a message in the error window opens its "
-                "page; so does <kbd>F1</kbd> on its number in the Code window.</p>\n<dl>\n";
+    list.heading = {"Compiler messages",
+                    {"Help_Compiler_Errors"},
+                    {"Messages of the compiler", "Errors of the compiler"}};
+    list.html =
+        "<p>What compiler and make tool say. <kbd>F1</kbd> on a message in the error window opens its "
+        "page; so does <kbd>F1</kbd> on its number in the Code window.</p>\n<dl>\n";
     std::vector<Article> pages;
     for (const toolchain::Problem problem : toolchain::allProblems()) {
         const std::string number = std::to_string(static_cast<int>(problem));

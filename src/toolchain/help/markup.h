@@ -28,7 +28,7 @@ std::vector<Section> sectionsOf(std::string_view text);
 
 std::string escaped(std::string_view text);     // for HTML
 std::string inlineHtml(std::string_view text);  // within a line
-std::string htmlOf(std::string_view text);      // whole blocks; "### Title {#topic}" is a heading with an anchor
+std::string htmlOf(std::string_view text);  // whole blocks; "### Title {#topic}" is a heading with an anchor
 // The form in which topics are compared and pages are named: lower case, "_" for each blank.
 std::string topicKey(std::string_view topic);
 std::vector<std::string> linesOf(std::string_view text);

@@ -91,14 +91,17 @@ TEST(HelpBook, TellsWhatIsWrong) {
 TEST(HelpBook, LinksFunctionsWhereTheyAreNamedButNotToThemselves) {
     Book book;
     book.add(article("STRFIND", "<code>STRFIND(text)</code>"));
-    book.add(article("B", "<code>STRFIND(a, b)</code> <code>strfind</code> <code>STR</code> <code>STRFIND x</code>"));
+    book.add(article(
+        "B", "<code>STRFIND(a, b)</code> <code>strfind</code> <code>STR</code> <code>STRFIND x</code>"));
     book.link();
     EXPECT_EQ(book.articles()[0].html, "<code>STRFIND(text)</code>");
-    EXPECT_EQ(book.articles()[1].html, "<a href=\"#STRFIND\"><code>STRFIND(a, b)</code></a> <code>strfind</code> "
-                                       "<code>STR</code> <code>STRFIND x</code>");
+    EXPECT_EQ(book.articles()[1].html,
+              "<a href=\"#STRFIND\"><code>STRFIND(a, b)</code></a> <code>strfind</code> "
+              "<code>STR</code> <code>STRFIND x</code>");
     EXPECT_NE(book.page(book.articles()[1]).find("href=\"strfind.htm\""), std::string::npos);
     EXPECT_NE(book.wholePage().find("href=\"#strfind\""), std::string::npos);
-    EXPECT_NE(book.wholePage().find("<a id=\"strfind\"></a>"), std::string::npos) << "in any case that is asked for";
+    EXPECT_NE(book.wholePage().find("<a id=\"strfind\"></a>"), std::string::npos)
+        << "in any case that is asked for";
 }
 
 TEST(HelpBook, NestsTheContents) {
@@ -139,8 +142,10 @@ TEST(HelpFacts, EachErrorNeedsItsText) {
     Book book;
     addErrors(book, "# E {#E}\n## 602\nWhy.\n## 999\nNone.\n");
     EXPECT_EQ(std::count(book.faults().begin(), book.faults().end(), "there is no run-time error 999"), 1);
-    EXPECT_EQ(std::count(book.faults().begin(), book.faults().end(), "the run-time error 602 has no text"), 0);
-    EXPECT_EQ(std::count(book.faults().begin(), book.faults().end(), "the run-time error 603 has no text"), 1);
+    EXPECT_EQ(std::count(book.faults().begin(), book.faults().end(), "the run-time error 602 has no text"),
+              0);
+    EXPECT_EQ(std::count(book.faults().begin(), book.faults().end(), "the run-time error 603 has no text"),
+              1);
     EXPECT_EQ(book.placeOf("602"), "602.htm");
     EXPECT_EQ(book.placeOf("ERR_ARRAY_BOUNDS"), "602.htm");
 }

@@ -26,9 +26,9 @@ public:
     ~Collection();
 
     QHelpEngine& engine() { return *engine_; }
-    QUrl pageOf(const QString& topic) const;    // empty if there is none; "_" or a blank, any case
+    QUrl pageOf(const QString& topic) const;           // empty if there is none; "_" or a blank, any case
     QUrl pageOfKeyword(const QString& keyword) const;  // of the index
-    QUrl page(const QString& name) const;       // by its name in the help
+    QUrl page(const QString& name) const;              // by its name in the help
     QList<QUrl> pages() const;
     QByteArray text(const QUrl& page) const;
 

@@ -96,7 +96,8 @@ QAction* HelpWindow::addTool(QToolBar& bar, const QString& name, const QString& 
     QList<QKeySequence> shortcuts;
     for (const QString& key : keys.split(u' ')) shortcuts << QKeySequence(key);
     action->setShortcuts(shortcuts);
-    action->setToolTip(tip + QStringLiteral(" (") + shortcuts.constFirst().toString(QKeySequence::NativeText) + u')');
+    action->setToolTip(tip + QStringLiteral(" (") +
+                       shortcuts.constFirst().toString(QKeySequence::NativeText) + u')');
     connect(action, &QAction::triggered, this, std::move(act));
     bar.addAction(action);
     return action;
@@ -155,7 +156,8 @@ QWidget* HelpWindow::makeIndex() {
     indexLine_->setObjectName(QStringLiteral("indexline"));
     columnOf(tab)->addWidget(indexLine_);
     connect(indexLine_, &QLineEdit::textChanged, this, [this](const QString& text) {
-        if (auto* index = qobject_cast<QHelpIndexWidget*>(index_.data()); index != nullptr) index->filterIndices(text);
+        if (auto* index = qobject_cast<QHelpIndexWidget*>(index_.data()); index != nullptr)
+            index->filterIndices(text);
     });
     connect(indexLine_, &QLineEdit::returnPressed, this, [this] {
         if (auto* index = qobject_cast<QHelpIndexWidget*>(index_.data()); index != nullptr)
@@ -234,7 +236,8 @@ void HelpWindow::fillSide() {
     contents->setAccessibleName(tr("Contents"));
     contents->setHeaderHidden(true);
     side_->widget(ContentsTab)->layout()->addWidget(contents);
-    connect(contents, &QHelpContentWidget::linkActivated, this, [this](const QUrl& url) { page_->show(url); });
+    connect(contents, &QHelpContentWidget::linkActivated, this,
+            [this](const QUrl& url) { page_->show(url); });
     connect(contents, &QTreeView::clicked, this, [this, contents](const QModelIndex& row) {
         const QHelpContentItem* item = collection_->engine().contentModel()->contentItemAt(row);
         if (item != nullptr && row.isValid() && contents->isVisible()) page_->show(item->url());
@@ -269,12 +272,14 @@ void HelpWindow::showNotFound(const QString& topic) {
     side_->setCurrentIndex(SearchTab);
     searchLine_->setText(words);
     QString html = QStringLiteral("<html><head><title>%1</title></head><body><h1>%1</h1><p>%2</p>")
-                       .arg(words.toHtmlEscaped(), hits_.empty()
-                                                       ? tr("The help has nothing on this word. The index and the "
-                                                            "search on the left may lead further.")
-                                                       : tr("There is no page of this name. These pages tell of it:"));
-    for (const Hit& hit : std::vector<Hit>(hits_.begin(), hits_.begin() + std::ptrdiff_t(std::min(hits_.size(), MostShown))))
-        html += QStringLiteral("<p><a href=\"%1\">%2</a></p>").arg(hit.page.toString(), hit.title.toHtmlEscaped());
+                       .arg(words.toHtmlEscaped(),
+                            hits_.empty() ? tr("The help has nothing on this word. The index and the "
+                                               "search on the left may lead further.")
+                                          : tr("There is no page of this name. These pages tell of it:"));
+    for (const Hit& hit :
+         std::vector<Hit>(hits_.begin(), hits_.begin() + std::ptrdiff_t(std::min(hits_.size(), MostShown))))
+        html += QStringLiteral("<p><a href=\"%1\">%2</a></p>")
+                    .arg(hit.page.toString(), hit.title.toHtmlEscaped());
     page_->showText(html + QStringLiteral("</body></html>"));
 }
 
@@ -401,7 +406,8 @@ void HelpWindow::keyPressEvent(QKeyEvent* event) {
 bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return false;
     const int key = static_cast<QKeyEvent*>(event)->key();
-    const bool walks = key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_PageDown || key == Qt::Key_PageUp;
+    const bool walks =
+        key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_PageDown || key == Qt::Key_PageUp;
     QWidget* const rows = watched == indexLine_ ? index_.data() : found_;
     if (!walks || rows == nullptr) return false;
     QApplication::sendEvent(rows, event);
@@ -412,8 +418,12 @@ bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
 QString HelpWindow::place() const {
     const QRect at = normalGeometry().isValid() && isMaximized() ? normalGeometry() : geometry();
     return QStringLiteral("%1 %2 %3 %4 %5 %6")
-        .arg(at.x()).arg(at.y()).arg(at.width()).arg(at.height())
-        .arg(split_->sizes().value(0)).arg(page_->zoomSteps());
+        .arg(at.x())
+        .arg(at.y())
+        .arg(at.width())
+        .arg(at.height())
+        .arg(split_->sizes().value(0))
+        .arg(page_->zoomSteps());
 }
 
 void HelpWindow::setPlace(const QString& place) {

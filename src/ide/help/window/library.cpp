@@ -18,8 +18,8 @@ void endWindow() {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) const char* tarn_show_help(
-    const tarn::help::Request& request) {
+extern "C" __attribute__((visibility("default"))) const char*
+tarn_show_help(const tarn::help::Request& request) {
     if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) return "There is no screen.";
     const bool first = window == nullptr;
     if (first) {

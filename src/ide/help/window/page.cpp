@@ -21,18 +21,17 @@ QColor mixed(const QColor& a, const QColor& b, int percentOfB) {
 QString styleFor(const QColor& base, const QColor& text, const QColor& link) {
     const QString ground = mixed(base, text, 7).name(), line = mixed(base, text, 30).name();
     const bool dark = base.lightness() < 128;
-    return QStringLiteral(
-               "a { color: %1; text-decoration: none; }"
-               "h1 { font-size: 160%; font-weight: 600; }"
-               "h2, h3 { font-size: 115%; font-weight: 600; }"
-               "p.message { font-weight: 600; }"
-               "pre { background-color: %2; font-family: monospace; white-space: pre-wrap; }"
-               "code { font-family: monospace; }"
-               "pre.wrong { color: %4; } pre.right { color: %5; }"
-               "kbd { font-family: monospace; font-weight: 600; }"
-               "td, th { padding: 3px 14px 3px 0px; }"
-               "th { text-align: left; border-bottom: 1px solid %3; }"
-               "dt { font-weight: 600; }")
+    return QStringLiteral("a { color: %1; text-decoration: none; }"
+                          "h1 { font-size: 160%; font-weight: 600; }"
+                          "h2, h3 { font-size: 115%; font-weight: 600; }"
+                          "p.message { font-weight: 600; }"
+                          "pre { background-color: %2; font-family: monospace; white-space: pre-wrap; }"
+                          "code { font-family: monospace; }"
+                          "pre.wrong { color: %4; } pre.right { color: %5; }"
+                          "kbd { font-family: monospace; font-weight: 600; }"
+                          "td, th { padding: 3px 14px 3px 0px; }"
+                          "th { text-align: left; border-bottom: 1px solid %3; }"
+                          "dt { font-weight: 600; }")
         .arg(link.name(), ground, line, QLatin1String(dark ? "#ff9a8a" : "#a02010"),
              QLatin1String(dark ? "#8fd0a0" : "#18632a"));
 }

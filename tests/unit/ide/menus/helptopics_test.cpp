@@ -68,7 +68,8 @@ TEST(HelpTopics, ThePageOfTheKeysHasTheKeysOfTheMenu) {
     const std::string page = textOf(SOURCE_DIR "/docs/help/keyboard.md");
     const auto keys = foundIn(SOURCE_DIR "/src/ide/shell", ".rc", "SHORTCUT=\"([^\"]+)\"");
     EXPECT_GE(keys.size(), 15U);
-    for (const std::string& key : keys) EXPECT_NE(page.find("<kbd>" + key + "</kbd>"), std::string::npos) << key;
+    for (const std::string& key : keys)
+        EXPECT_NE(page.find("<kbd>" + key + "</kbd>"), std::string::npos) << key;
 }
 
 }  // namespace
