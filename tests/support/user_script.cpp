@@ -489,7 +489,7 @@ bool UserDriver::expectSeen(const ScriptLine& line) {
     std::string text;
     const Control* const item = w[1] == "menu" ? findControl(FindControl(Object("Main"), w[2])) : nullptr;
     if (w[1] == "menu" && item == nullptr) return false;
-    const bool there = item != nullptr ? hands_.menuText(*item, text)
+    const bool there = item != nullptr  ? hands_.menuText(*item, text)
                        : w[1] == "help" ? hands_.helpTopic(text)
                        : w[1] == "page" ? hands_.helpPage(text)
                                         : hands_.statusText(text);

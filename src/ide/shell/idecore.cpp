@@ -225,11 +225,12 @@ namespace {
 void tellMissing(const std::string& file) {
     const std::string own = os::executableFolder() + "help/";
     const bool there = os::infoOf(own).exists && own != FILEGETDIR(file);
-    MSGBOX("MultiHelp", "Help file '" + file + "' was empty or not found.\n\n" +
-                            (there ? "The help that came with the program lies in '" + own +
-                                         "': name this folder at Help files in Tools-Options-Paths."
-                                   : "Install the program again, or name the folder of the help at Help files "
-                                     "in Tools-Options-Paths."));
+    MSGBOX("MultiHelp",
+           "Help file '" + file + "' was empty or not found.\n\n" +
+               (there ? "The help that came with the program lies in '" + own +
+                            "': name this folder at Help files in Tools-Options-Paths."
+                      : "Install the program again, or name the folder of the help at Help files "
+                        "in Tools-Options-Paths."));
 }
 
 }  // namespace

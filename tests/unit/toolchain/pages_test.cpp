@@ -128,7 +128,8 @@ TEST_F(MessagePages, LeadOnlyToPagesThatAreThere) {
     for (const auto& entry : std::filesystem::directory_iterator(Pages)) {
         for (const std::string& target : between(textOf(entry.path()), "href=\"", "\"")) {
             const std::string file = target.substr(0, target.find('#'));
-            EXPECT_TRUE(std::filesystem::exists(BINARY_DIR "/help/messages/" + file)) << entry.path() << " " << target;
+            EXPECT_TRUE(std::filesystem::exists(BINARY_DIR "/help/messages/" + file))
+                << entry.path() << " " << target;
             EXPECT_EQ(target.find("://"), std::string::npos) << "nothing leads outside";
         }
     }

@@ -56,8 +56,9 @@ TEST_F(Idecore, HelpThatIsMissingIsToldWithWhatToDo) {
     SHOWHELP("Help_Index");
     ASSERT_EQ(asked.size(), 1U);
     EXPECT_EQ(asked[0].title, "MultiHelp");
-    EXPECT_EQ(asked[0].text, told + "Install the program again, or name the folder of the help at Help files in "
-                                    "Tools-Options-Paths.");
+    EXPECT_EQ(asked[0].text, told +
+                                 "Install the program again, or name the folder of the help at Help files in "
+                                 "Tools-Options-Paths.");
     std::filesystem::create_directories(dir + "help");
     SHOWHELP("Help_Index");
     ASSERT_EQ(asked.size(), 2U);
@@ -67,7 +68,8 @@ TEST_F(Idecore, HelpThatIsMissingIsToldWithWhatToDo) {
 
 TEST_F(Idecore, ATopicIsTheCaptionOfItsDialog) {
     EXPECT_EQ(HELPTOPIC("Tools-Options-Paths"), "Tools_Options_Paths");
-    EXPECT_EQ(HELPTOPIC("Edit-Undo (restore from backup)"), "Edit_Undo") << "without what stands in parentheses";
+    EXPECT_EQ(HELPTOPIC("Edit-Undo (restore from backup)"), "Edit_Undo")
+        << "without what stands in parentheses";
     EXPECT_EQ(HELPTOPIC("More Information"), "More Information");
     EXPECT_EQ(HELPTOPIC(""), "");
     EXPECT_EQ(HELPTOPIC("(a)"), "");
