@@ -152,13 +152,24 @@ TEST(HelpFacts, EachErrorNeedsItsText) {
 
 class Recipes : public toolchain::ToolchainTest {};
 
-std::vector<std::string> codeIn(const std::string& file) {
+struct Code {
+    std::string text, output;  // empty: nothing is told of what it writes
+};
+
+std::vector<Code> codeIn(const std::string& file) {
+    constexpr std::string_view begin = "```cls\n", fence = "```", out = "```\n\n```out\n";
     std::string text;
     os::readFile(file, text);
-    std::vector<std::string> blocks;
-    for (std::size_t at = 0; (at = text.find("```cls\n", at)) != std::string::npos;) {
-        at += 7;
-        blocks.push_back(text.substr(at, text.find("```", at) - at));
+    std::vector<Code> blocks;
+    for (std::size_t at = 0; (at = text.find(begin, at)) != std::string::npos;) {
+        at += begin.size();
+        const std::size_t end = text.find(fence, at);
+        Code code{text.substr(at, end - at), ""};
+        if (text.compare(end, out.size(), out) == 0) {
+            const std::size_t from = end + out.size();
+            code.output = text.substr(from, text.find(fence, from) - from);
+        }
+        blocks.push_back(std::move(code));
     }
     return blocks;
 }
@@ -167,7 +178,7 @@ TEST_F(Recipes, AreAcceptedByTheCompiler) {
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(SOURCE_DIR "/docs/help")) {
         if (entry.path().extension() != ".md") continue;
-        for (const std::string& code : codeIn(entry.path())) {
+        for (const auto& [code, output] : codeIn(entry.path())) {
             const std::string name = code.find("Class Hello") != std::string::npos ? "Hello.cls" : "Main.cls";
             const std::string file = write(name, code);
             toolchain::Messages messages;
@@ -179,6 +190,24 @@ TEST_F(Recipes, AreAcceptedByTheCompiler) {
         }
     }
     EXPECT_GE(count, 24U);
+}
+
+TEST_F(Recipes, WriteWhatTheySay) {
+    write("environment/ide.ini", "[ordo]\nCLS=\"" + dir + "tools/quarn.exe\" /p1 /d1 /q ^.cls\n");
+    write("config/tarnwick/registry.ini",
+          "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe]\n=" + dir +
+              "environment/ide.exe\n");
+    std::size_t count = 0;
+    for (const auto& [code, expected] : codeIn(SOURCE_DIR "/docs/help/howdoi.md")) {
+        if (expected.empty()) continue;
+        const std::string source = write("Main.cls", code);
+        ASSERT_EQ(ordo({"-fa", source, "-o" + dir + "o"}), 0) << code << errors();
+        std::filesystem::remove(source);  // away from its source it runs without a debugger
+        run(dir + "Main.exe", {});
+        EXPECT_EQ(output, expected) << code;
+        ++count;
+    }
+    EXPECT_GE(count, 14U);
 }
 
 }  // namespace
