@@ -30,7 +30,8 @@ namespace tarn::help {
 namespace {
 
 const QString File = QStringLiteral(BINARY_DIR "/help/Tarnwick.qch");
-std::string kept;  // the place that the window handed over last
+std::string kept;              // the place that the window handed over last
+std::string asked, printFile;  // the title that was to be printed, and where
 
 const char* show(const QString& file, const char* topic, const char* place = "") {
     static const auto library = dlopen(BINARY_DIR "/libtarnwick-help.so", RTLD_NOW);
@@ -38,7 +39,12 @@ const char* show(const QString& file, const char* topic, const char* place = "")
         reinterpret_cast<Show>(library == nullptr ? nullptr : dlsym(library, ShowName));
     if (function == nullptr) return "the library is not there";
     const QByteArray path = file.toUtf8();
-    return function({path.constData(), topic, place, [](const char* text) { kept = text; }});
+    return function({path.constData(), topic, place, [](const char* text) { kept = text; },
+                     [](const char* title, PrintTarget& target) {
+                         asked = title;
+                         target.file = printFile;
+                         return !printFile.empty();
+                     }});
 }
 
 class HelpWindowTest : public ::testing::Test {
@@ -216,6 +222,21 @@ TEST_F(HelpWindowTest, ZoomsAndKeepsItsPlace) {
     for (int i = 0; i < 40; ++i) press(page, Qt::Key_Minus, Qt::ControlModifier);
     EXPECT_GT(page->font().pointSizeF(), 1) << "letters do not vanish";
     press(page, Qt::Key_0, Qt::ControlModifier);
+}
+
+TEST_F(HelpWindowTest, PrintsThePageWhereTheUserWants) {
+    QTemporaryDir dir;
+    EXPECT_EQ(show(File, "1101"), nullptr);
+    printFile.clear();
+    press(page, Qt::Key_P, Qt::ControlModifier);
+    EXPECT_EQ(asked, "1101 ... is expected, but ... follows") << "and Cancel prints nothing";
+    printFile = dir.filePath(QStringLiteral("page.pdf")).toStdString();
+    press(page, Qt::Key_P, Qt::ControlModifier);
+    QFile printed(QString::fromStdString(printFile));
+    ASSERT_TRUE(printed.open(QIODevice::ReadOnly));
+    EXPECT_EQ(printed.read(5), "%PDF-");
+    EXPECT_GT(printed.size(), 2000);
+    printFile.clear();
 }
 
 TEST_F(HelpWindowTest, EveryPartHasANameForScreenReaders) {

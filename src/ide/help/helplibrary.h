@@ -1,10 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// What the environment and the library of the help window, libtarnwick-help.so, know of each other: one function, in
-// plain C types. The library calls nothing of the environment but `keepPlace`.
+// What the environment and the library of the help window, libtarnwick-help.so, know of each other: one function, and
+// what it calls back.
 #pragma once
 
+#include <string>
+
 namespace tarn::help {
+
+// Where a page is printed: to a printer by its name, or into a PDF file.
+struct PrintTarget {
+    std::string printer, file;
+    int copies = 1;
+};
 
 struct Request {
     const char* file;   // the compiled help
@@ -12,6 +20,8 @@ struct Request {
     // Where the window was when it was last seen, as `keepPlace` got it; empty for the first time.
     const char* place;
     void (*keepPlace)(const char* place);  // called when the window closes or has been moved
+    // Asks the user where to print the page of that title, with the dialogs of the environment; false on Cancel.
+    bool (*choosePrinter)(const char* title, PrintTarget& target);
 };
 
 // Shows the window, which is made by the first call, with the page of the topic, or with what a search for it finds.

@@ -43,6 +43,23 @@ void keepPlace(const char* place) {
     PROFILESTRPUT(GETIDEINIFILE(), Section, PlaceKey, place);
 }
 
+// The last printer of the list writes a file.
+bool choosePrinter(const char* title, help::PrintTarget& target) {
+    FRAME(CHOOSEPRINTER);
+    STAMP();
+    const PrintChoice choice = PrintDialog(Object(), 0);
+    STAMP();
+    if (choice.printer.empty()) return false;
+    const std::vector<Object> printers = PrinterList();
+    target.copies = choice.copies;
+    if (choice.printer != printers.back()) {
+        target.printer = GetName(choice.printer);
+        return true;
+    }
+    target.file = SaveAsDialog("Print to File", std::string(title) + ".pdf", "PDF (*.pdf)|*.pdf|");
+    return !target.file.empty();
+}
+
 // The same pages for a browser, which a help folder has beside the compiled help.
 std::string pageBeside(const std::string& file) {
     const std::string page = FILECHANGEEXT(file, ".htm");
@@ -70,7 +87,7 @@ bool showHelp(const std::string& file, const std::string& topic) {
     const std::string place = PROFILESTRGET(GETIDEINIFILE(), Section, PlaceKey);
     std::string problem = "The help window is not there (" + whyNotLoaded + ").";
     if (show != nullptr) {
-        const char* const said = show({file.c_str(), topic.c_str(), place.c_str(), keepPlace});
+        const char* const said = show({file.c_str(), topic.c_str(), place.c_str(), keepPlace, choosePrinter});
         problem = said == nullptr ? "" : said;
     }
     if (!problem.empty()) tellProblem(file, topic, problem);

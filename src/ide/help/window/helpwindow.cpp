@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 #include <QHelpContentWidget>
 #include <QHelpEngine>
@@ -12,7 +13,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPrintDialog>
 #include <QPrinter>
 #include <QScreen>
 #include <QShortcut>
@@ -51,7 +51,9 @@ QVBoxLayout* columnOf(QWidget* parent) {
 
 }  // namespace
 
-HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace) : keepPlace_(std::move(keepPlace)) {
+HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace,
+                       std::function<bool(const QString&, PrintTarget&)> choosePrinter)
+    : keepPlace_(std::move(keepPlace)), choosePrinter_(std::move(choosePrinter)) {
     setObjectName(QStringLiteral("HelpWindow"));
     setWindowTitle(tr("Help"));
     page_ = new Page(this);
@@ -356,11 +358,18 @@ void HelpWindow::findText(bool backward) {
 // ---- the window ----
 
 void HelpWindow::print() {
+    PrintTarget target;
+    if (!choosePrinter_(page_->documentTitle(), target)) return;
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(page_->documentTitle());
-    QPrintDialog dialog(&printer, this);
-    dialog.setWindowTitle(tr("Print"));
-    if (dialog.exec() == QDialog::Accepted) page_->printable()->print(&printer);
+    printer.setCopyCount(target.copies);
+    if (target.file.empty()) {
+        printer.setPrinterName(QString::fromStdString(target.printer));
+    } else {
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(QFile::decodeName(QByteArray::fromStdString(target.file)));
+    }
+    page_->printable()->print(&printer);
 }
 
 // A window that is no dialog's own takes no input while the dialog waits; so it belongs to the dialog that waits when

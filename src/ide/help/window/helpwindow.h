@@ -4,6 +4,7 @@
 // never modal, and can be worked while a dialog of the program waits. All of it can be worked from the keyboard.
 #pragma once
 
+#include "ide/help/helplibrary.h"
 #include "ide/help/window/page.h"
 #include "ide/help/window/search.h"
 
@@ -26,7 +27,9 @@ namespace tarn::help {
 
 class HelpWindow : public QMainWindow {
 public:
-    explicit HelpWindow(std::function<void(const QString&)> keepPlace);
+    // What the window asks the environment for: see Request.
+    HelpWindow(std::function<void(const QString&)> keepPlace,
+               std::function<bool(const QString&, PrintTarget&)> choosePrinter);
     ~HelpWindow() override;
 
     // Empty, or why the file cannot be shown. A file that is shown already, and has not changed, is not read again.
@@ -65,6 +68,7 @@ private:
     QString place() const;
 
     std::function<void(const QString&)> keepPlace_;
+    std::function<bool(const QString&, PrintTarget&)> choosePrinter_;
     QString file_;
     QDateTime fileTime_;
     QUrl shown_;

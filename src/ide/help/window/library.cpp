@@ -24,7 +24,10 @@ tarn_show_help(const tarn::help::Request& request) {
     const bool first = window == nullptr;
     if (first) {
         window = new tarn::help::HelpWindow(
-            [keep = request.keepPlace](const QString& place) { keep(place.toUtf8().constData()); });
+            [keep = request.keepPlace](const QString& place) { keep(place.toUtf8().constData()); },
+            [choose = request.choosePrinter](const QString& title, tarn::help::PrintTarget& target) {
+                return choose(title.toUtf8().constData(), target);
+            });
         window->setPlace(QString::fromUtf8(request.place));
         qAddPostRoutine(endWindow);
     }
