@@ -59,6 +59,7 @@ HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace,
     page_ = new Page(this);
     page_->setObjectName(QStringLiteral("helppage"));
     makeTools();
+    makeKeys();
     side_ = new QTabWidget(this);
     side_->setDocumentMode(true);
     side_->addTab(makeContents(), tr("&Contents"));
@@ -66,15 +67,9 @@ HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace,
     side_->addTab(makeSearch(), tr("&Search"));
     side_->setUsesScrollButtons(false);
     side_->setMinimumWidth(side_->tabBar()->sizeHint().width() + 4);
-    auto* reading = new QWidget(this);
-    auto* column = new QVBoxLayout(reading);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(page_, 1);
-    column->addWidget(makeFindBar());
     split_ = new QSplitter(this);
     split_->addWidget(side_);
-    split_->addWidget(reading);
+    split_->addWidget(makeReading());
     split_->setStretchFactor(1, 1);
     split_->setChildrenCollapsible(false);
     setCentralWidget(split_);
@@ -130,6 +125,9 @@ void HelpWindow::makeTools() {
     forward_->setEnabled(false);
     connect(page_, &QTextBrowser::backwardAvailable, back_, &QAction::setEnabled);
     connect(page_, &QTextBrowser::forwardAvailable, forward_, &QAction::setEnabled);
+}
+
+void HelpWindow::makeKeys() {
     addKey(QStringLiteral("Ctrl+0"), [this] { page_->zoom(0), placeTimer_.start(); });
     addKey(QStringLiteral("F1"), [this] { focusSide(SearchTab); });
     addKey(QStringLiteral("F3"), [this] { findText(false); });
@@ -144,6 +142,16 @@ void HelpWindow::makeTools() {
 
 void HelpWindow::addKey(const QString& keys, std::function<void()> act) {
     connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this, std::move(act));
+}
+
+QWidget* HelpWindow::makeReading() {
+    auto* reading = new QWidget(this);
+    auto* column = new QVBoxLayout(reading);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(page_, 1);
+    column->addWidget(makeFindBar());
+    return reading;
 }
 
 QWidget* HelpWindow::makeContents() {

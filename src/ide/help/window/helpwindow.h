@@ -47,9 +47,11 @@ protected:
 
 private:
     void makeTools();
+    void makeKeys();
     QAction* addTool(QToolBar& bar, const QString& name, const QString& keys, const QString& tip,
                      std::function<void()> act);
     void addKey(const QString& keys, std::function<void()> act);
+    QWidget* makeReading();
     QWidget* makeContents();
     QWidget* makeIndex();
     QWidget* makeSearch();
