@@ -66,6 +66,8 @@ HelpWindow::HelpWindow(std::function<void(const QString&)> keepPlace,
     side_->addTab(makeIndex(), tr("&Index"));
     side_->addTab(makeSearch(), tr("&Search"));
     side_->setUsesScrollButtons(false);
+    // The letter of a tab leads to what is worked there, not to the tab.
+    connect(side_, &QTabWidget::currentChanged, this, [this](int tab) { focusSide(tab); });
     side_->setMinimumWidth(side_->tabBar()->sizeHint().width() + 4);
     split_ = new QSplitter(this);
     split_->addWidget(side_);
