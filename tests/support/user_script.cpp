@@ -476,7 +476,7 @@ bool UserDriver::expectFile(const ScriptLine& line) {
 
 namespace {
 
-const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu"};
+const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu", "help", "page"};
 
 std::string rectText(const Rect& r) {
     return std::to_string(r.x) + " " + std::to_string(r.y) + " " + std::to_string(r.w) + " " +
@@ -513,9 +513,13 @@ bool UserDriver::expectSeen(const ScriptLine& line) {
     std::string text;
     const Control* const item = w[1] == "menu" ? findControl(FindControl(Object("Main"), w[2])) : nullptr;
     if (w[1] == "menu" && item == nullptr) return false;
-    if (!(item != nullptr ? hands_.menuText(*item, text) : hands_.statusText(text))) return true;
+    const bool there = item != nullptr  ? hands_.menuText(*item, text)
+                       : w[1] == "help" ? hands_.helpTopic(text)
+                       : w[1] == "page" ? hands_.helpPage(text)
+                                        : hands_.statusText(text);
+    if (!there) return true;
     lastSeen_ = "Seen: " + text;
-    return item != nullptr ? text == w[3] : text.starts_with(w[2]);
+    return item != nullptr ? text == w[3] : w[1] == "help" ? text == w[2] : text.starts_with(w[2]);
 }
 
 bool UserDriver::expect(const ScriptLine& line) {

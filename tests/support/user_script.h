@@ -40,6 +40,8 @@
 //   expect on-screen WINDOW, expect below WINDOW OTHER      frames as they are; `box` is the open question,
 //                                   `stop` the window of a tool that runs
 //   expect status TEXT              what the status bar of the Code window begins with, where there is one
+//   expect help TOPIC               what the help was asked for last
+//   expect page TITLE               what the page in the help window begins with, where there is one
 //   expect menu CONTROL TEXT        what a menu item shows, where there are menus
 //   expect file F TEXT, expect file-has F TEXT, expect no-file F      F may hold "*"
 //
@@ -93,6 +95,8 @@ public:
     virtual platform::Rect stopFrame() { return {}; }                // of the window with the Stop button
     virtual bool statusText(std::string&) { return false; }          // false: this mode has no such thing
     virtual bool menuText(const platform::Control&, std::string&) { return false; }
+    virtual bool helpTopic(std::string&) { return false; }
+    virtual bool helpPage(std::string&) { return false; }
 };
 
 class UserDriver {

@@ -220,6 +220,20 @@ void SetHelpViewer(HelpViewer viewer) {
     state().helpViewer = viewer;
 }
 
+void SetBoxHelp(BoxHelp help) {
+    state().boxHelp = help;
+}
+
+bool helpOn(const std::string& title, const std::string& text) {
+    if (state().boxHelp == nullptr) return false;
+    state().boxHelp(title, text);
+    return true;
+}
+
+void userBoxHelp(const Question& question) {
+    static_cast<void>(helpOn(question.title, question.text));
+}
+
 bool HtmlHelpApi(const std::string& file, const std::string& key) {
     if (state().helpViewer != nullptr && state().helpViewer(file, key)) return true;
     const std::string path = os::native(file);

@@ -94,6 +94,7 @@ bool userKey(Window& window, Control* focus, int key) {
     if (sendEvent(object, KEYPRESS_EVENT, sender, key)) return true;
     Window* const left = findWindow(object);
     if (left == nullptr || !left->shown) return true;  // the key closed it
+    if (key == KEY_F1) return helpOn(std::string(left->caption), "");
     if (key != KEY_RETURN && key != KEY_ESCAPE) return false;
     focus = findControl(sender);
     if (key == KEY_RETURN && takesReturn(*left, focus)) return false;

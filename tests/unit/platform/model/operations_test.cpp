@@ -5,6 +5,7 @@
 #include "platform/model/model.h"
 #include "platform/model/view.h"
 #include "platform/operations/printjob.h"
+#include "platform/operations/boxhelp.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
@@ -500,6 +501,25 @@ TEST_F(OperationsTest, HelpGoesToTheHelpWindowOrTheBrowser) {
     EXPECT_TRUE(HtmlHelpApi("help/a.qch", "key"));
     EXPECT_EQ(shown, "a.qch#key");
     EXPECT_FALSE(HtmlHelpApi("a.chm", ""));
+}
+
+TEST_F(OperationsTest, HelpOnBoxesAndOnWindowsThatLeaveTheKeyAloneIsWithWhoeverHasIt) {
+    static std::string asked;
+    Window& window = *findWindow(main);
+    SetCaption(main, "A-B");
+    EXPECT_FALSE(userKey(window, nullptr, KEY_F1)) << "nobody has help";
+    SetBoxHelp([](const std::string& title, const std::string& text) { asked = title + "|" + text; });
+    EXPECT_TRUE(userKey(window, nullptr, KEY_F1));
+    EXPECT_EQ(asked, "A-B|");
+    Question question;
+    question.title = "Title";
+    question.text = "error 651";
+    userBoxHelp(question);
+    EXPECT_EQ(asked, "Title|error 651");
+    asked.clear();
+    EXPECT_FALSE(userKey(window, nullptr, KEY_F2)) << "other keys are not help";
+    EXPECT_EQ(asked, "");
+    SetBoxHelp(nullptr);
 }
 
 }  // namespace
