@@ -223,39 +223,52 @@ def expected(count, body, head):
     return str((level(count - 1, 7) + (head if count == 1 else 1)) % 1000)
 
 
-def once(language, case, round_):
+def edit(language, case, round_):
+    """Saves what the round changes; the numbers in the body and the head of the bottom class."""
     _, count, lines, what = case
-    body, head = 2 + round_, 1
+    body = 1 if what in ("head", "none") else 2 + round_
+    head = 2 + round_ if what == "head" else 1
     if what == "all":
         language.stamp = time.time_ns()
         language.fresh()
         language.save(count, lines, body, head)
-    elif what == "head":
-        body, head = 1, 2 + round_
+    elif what != "none":
         language.changed(count, lines, body, head)
-    elif what == "body":
-        language.changed(count, lines, body, head)
-    else:
-        body = 1
+    return body, head
+
+
+def timed(language, case):
+    """Milliseconds to the end of the run, and its output. Where nothing changed it is the tool alone that counts."""
+    _, count, _, what = case
     begin = time.perf_counter()
     language.build(count, what)
-    # Where nothing changed it is the tool alone that counts.
-    took = (time.perf_counter() - begin) * 1000
+    built = time.perf_counter()
     result = language.run()
-    if what != "none":
-        took = (time.perf_counter() - begin) * 1000
-    if result != expected(count, body, head):
-        raise SystemExit(f"{type(language).__name__}, {case[0]}: '{result}' and not '{expected(count, body, head)}'")
+    end = built if what == "none" else time.perf_counter()
+    return (end - begin) * 1000, result
+
+
+def once(language, case, round_):
+    body, head = edit(language, case, round_)
+    took, result = timed(language, case)
+    right = expected(case[1], body, head)
+    if result != right:
+        raise SystemExit(f"{type(language).__name__}, {case[0]}: '{result}' and not '{right}'")
     return took
 
 
+def prepare(language, case):
+    """The program as it is ahead of the first round, built."""
+    _, count, lines, _ = case
+    language.stamp = time.time_ns()
+    language.fresh()
+    language.save(count, lines, 1, 1)
+    language.build(count, "all")
+
+
 def measure(languages, case, rounds):
-    _, count, lines, what = case
     for language in languages:
-        language.stamp = time.time_ns()
-        language.fresh()
-        language.save(count, lines, 1, 1)
-        language.build(count, "all")
+        prepare(language, case)
     times = {type(language).__name__: [] for language in languages}
     for round_ in range(rounds):
         for language in languages:
@@ -263,22 +276,34 @@ def measure(languages, case, rounds):
     return {name: round(statistics.median(each), 1) for name, each in times.items()}
 
 
-def main():
-    build, rounds = os.path.abspath(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) > 2 else 7
-    home = tempfile.mkdtemp()
+def use_private_folders(home):
     for name, folder in (("HOME", ""), ("XDG_CONFIG_HOME", "/c"), ("XDG_STATE_HOME", "/s"), ("XDG_RUNTIME_DIR", "/r"),
                          ("GOCACHE", "/go"), ("GOPATH", "/gopath")):
         os.makedirs(home + folder, exist_ok=True)
         os.environ[name] = home + folder
     os.environ.pop("TARNWICK_CC", None)
-    # Links of our own, beside which the messages lie.
+
+
+def tool_links(build, home):
+    """The make tool by a name of our own, beside which the messages lie."""
     os.makedirs(home + "/tools")
     for tool in ("quarn.exe", "ordo.exe"):
         os.symlink(f"{build}/bin/{tool}", f"{home}/tools/{tool}")
-    Tarnwick.tool = home + "/tools/ordo.exe"
-    languages = [kind(home) for kind in (Tarnwick, Pascal, C, CByTcc, Go, Python)
-                 if kind is Tarnwick or shutil.which(kind.needs)]
+    return home + "/tools/ordo.exe"
+
+
+def installed_languages(home):
+    return [kind(home) for kind in (Tarnwick, Pascal, C, CByTcc, Go, Python)
+            if kind is Tarnwick or shutil.which(kind.needs)]
+
+
+def main():
+    build, rounds = os.path.abspath(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) > 2 else 7
+    home = tempfile.mkdtemp()
     try:
+        use_private_folders(home)
+        Tarnwick.tool = tool_links(build, home)
+        languages = installed_languages(home)
         result = {case[0]: measure(languages, case, rounds) for case in CASES}
         result["load"] = round(os.getloadavg()[0], 1)
     finally:

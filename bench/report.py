@@ -64,7 +64,8 @@ def text(ns):
 def main():
     folder = sys.argv[1]
     all_ = {}
-    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench"):
+    for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
+                 "search_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -124,7 +125,11 @@ def main():
         ("keyToPaintWithLooks", None, 4e6), ("endlessKeyToPaintStart", None, 16e6),
         ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
+        *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),
+        ("menuRefreshFresh/50", None, 2e6), ("menuRefreshFresh/10000", None, None),
         ("loadAndUnload", None, None),
+        ("replaceAll", "replaceAllVim", 0.3), ("findIgnoringCase", "findByLibc", None),
+        ("findInFiles", "grepFiles", None),
     ]
     print(f"{'work':30} {'here':>12} {'peer':>12} {'ratio':>7} {'rate':>16}  budget (peer)")
     for name, peer, budget in rows:

@@ -19,7 +19,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
 
 namespace {
 
@@ -95,6 +100,37 @@ double menuRefresh() {
     return median(times);
 }
 
+// The refresh with a file in the Code window that has so many backups: `fresh` as after a change in its folder, which
+// has it read again, else as after any other command.
+void backupRefresh(int backups, const char* fresh, const char* settled, std::vector<Figure>& figures) {
+    namespace fs = std::filesystem;
+    std::string folder = "/tmp/tarnwick-bench-XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr) std::abort();
+    const std::string file = folder + "/note.txt";
+    std::ofstream(file) << "text\n";
+    for (int i = 0; i < backups; i++) {
+        char stamp[32];
+        std::snprintf(stamp, sizeof stamp, "2015-%02d-%02d %02d-%02d-00", 1 + i / 1000 % 12, 1 + i / 60 % 28,
+                      i / 60 % 24, i % 60);
+        std::ofstream(file + " (" + stamp + ")" + std::to_string(i) + ".bak") << "text\n";
+    }
+    tarn::EDITWNDOPEN(tarn::SDIEdit, file, false, 0);
+    std::vector<double> times;
+    for (int i = 0; i < runs; i++) {
+        std::ofstream(folder + "/other" + std::to_string(i)) << "text\n";
+        QElapsedTimer timer;
+        timer.start();
+        tarn::UPDATEMAINWINDOW();
+        QApplication::processEvents();
+        times.push_back(milliseconds(timer));
+    }
+    figures.push_back({fresh, median(times)});
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+    figures.push_back({settled, menuRefresh()});
+    tarn::EDITWNDCLOSE(tarn::SDIEdit, true);
+    fs::remove_all(folder);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -110,6 +146,8 @@ int main(int argc, char** argv) {
     figures.push_back({"load255", load(file)});
     figures.push_back({"plain255", plainWidgets()});
     figures.push_back({"menuRefresh", menuRefresh()});
+    backupRefresh(50, "menuRefreshFresh/50", "menuRefresh/50", figures);
+    backupRefresh(10000, "menuRefreshFresh/10000", "menuRefresh/10000", figures);
     print(figures);
     tarn::os::files().remove(file);
     std::fflush(nullptr);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The program: without a display it says so and ends; else the environment runs in the frame that catches faults.
+#include "ide/help/helpviewer.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
 #include "os/process.h"
@@ -24,6 +25,8 @@ int main(int argc, char** argv) {
         std::fputs("ide: there is no display. Start it in a desktop session, or set DISPLAY.\n", stderr);
         return 1;
     }
+    tarn::USEHELPWINDOW();
+    tarn::USEBOXHELP();
     tarn::RunProtected(tarn::RUNIDE);
     return 0;
 }

@@ -76,6 +76,8 @@ public:
     virtual FileError sync(Handle handle) = 0;
     virtual FileError close(Handle handle) = 0;
     virtual FileError rename(const std::string& from, const std::string& to) = 0;  // replaces `to`
+    // The same, but never over something that stands under that name, a link to nowhere too: Exists.
+    virtual FileError renameNew(const std::string& from, const std::string& to) = 0;
     virtual FileError remove(const std::string& path) = 0;
     virtual FileError makeFolder(const std::string& path) = 0;
     virtual FileError removeFolder(const std::string& path) = 0;
@@ -144,6 +146,11 @@ struct SaveResult {
 // 10 system calls; synced, two waits for the disk.
 [[nodiscard]] SaveResult saveFile(const std::string& path, std::string_view bytes,
                                   Durability durability = Durability::Synced);
+
+// Makes a file of the bytes that must not exist yet: it is there whole, on the disk, or not at all. What stands under
+// the name already, be it a link, is left alone: Exists. The way: a temporary beside it, sync, renameNew, sync of the
+// folder; a failure of that last one leaves the file there, and is one all the same.
+[[nodiscard]] FileError saveNewFile(const std::string& path, std::string_view bytes, std::uint32_t mode);
 
 // Where rescue copies go: $XDG_STATE_HOME/tarnwick/rescue/, made when first needed. With "/" at the end.
 std::string rescueFolder();

@@ -5,12 +5,14 @@
 #include "os/files.h"
 
 #include "os/paths.h"
+#include "os/pipesignal_internal.h"
 #include "os/tinylimits.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
@@ -126,33 +128,6 @@ bool realPath(const std::string& path, std::string& resolved) {
     return true;
 }
 
-// For the lifetime of this, a pipe without a reader is an error of the write, not the end of the program.
-// What the program does about the signal stays as it is, and programs that are started get it so.
-class PipeSignalAside {
-public:
-    PipeSignalAside() {
-        sigset_t pending;
-        sigemptyset(&pipe_);
-        sigaddset(&pipe_, SIGPIPE);
-        ::sigpending(&pending);
-        came_ = sigismember(&pending, SIGPIPE) == 1;
-        ::pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
-    }
-    ~PipeSignalAside() {
-        const int number = errno;
-        const timespec now{};
-        if (!came_) uninterrupted([&] { return ::sigtimedwait(&pipe_, nullptr, &now); });
-        ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-        errno = number;
-    }
-    PipeSignalAside(const PipeSignalAside&) = delete;
-    PipeSignalAside& operator=(const PipeSignalAside&) = delete;
-
-private:
-    sigset_t pipe_{}, before_{};
-    bool came_;
-};
-
 // A pipe has room when its reader takes something; one that takes nothing for so long is given up.
 ssize_t writeToPipe(Handle handle, std::string_view bytes) {
     constexpr int longestWait = limits::LongestWait;  // milliseconds
@@ -233,6 +208,21 @@ public:
     FileError rename(const std::string& from, const std::string& to) override {
         const Name name(from), target(to);
         if (name.bad() || target.bad()) return FileError::BadName;
+        return writeResult(::rename(name.c_str(), target.c_str()));
+    }
+
+    FileError renameNew(const std::string& from, const std::string& to) override {
+        const Name name(from), target(to);
+        if (name.bad() || target.bad()) return FileError::BadName;
+        const int result = ::renameat2(AT_FDCWD, name.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE);
+        if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return writeResult(result);
+        // A disk that knows no such renaming: a second name is never given over another file, and where there are no
+        // second names either, looking first is what is left.
+        if (::link(name.c_str(), target.c_str()) == 0) return writeResult(::unlink(name.c_str()));
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK)
+            return lastError(FileError::WriteFailed);
+        struct stat status {};
+        if (::lstat(target.c_str(), &status) == 0) return FileError::Exists;
         return writeResult(::rename(name.c_str(), target.c_str()));
     }
 

@@ -8,6 +8,8 @@
 #include "os/process.h"
 
 #include "os/files.h"
+#include "os/pipesignal_internal.h"
+#include "os/runtimefiles_internal.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -22,6 +24,8 @@
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
+
+#include <utility>
 
 namespace tarn::os {
 
@@ -117,9 +121,35 @@ bool groupRuns(pid_t group) {
     });
 }
 
+// Both ends of a pipe; this process keeps one of them, which waits for nothing.
+struct Pipe {
+    Descriptor read, write;
+};
+
+bool makePipe(Pipe& pipe) {
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) return false;
+    pipe.read = Descriptor(ends[0]);
+    pipe.write = Descriptor(ends[1]);
+    return true;
+}
+
+// Of an output, so that a child that writes much does not wait for each look at it; the system may allow less.
+constexpr int OutputBytes = 1 << 20;
+
+Descriptor kept(Descriptor& end) {
+    ::fcntl(end.number(), F_SETFL, ::fcntl(end.number(), F_GETFL) | O_NONBLOCK);
+    return std::move(end);
+}
+
+bool mayComeLater() {
+    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+}
+
 class RealChild : public Child {
 public:
-    RealChild(pid_t pid, bool ownGroup) : pid_(pid), all_(ownGroup ? -pid : pid) {}
+    RealChild(pid_t pid, bool ownGroup, Descriptor input, Descriptor output)
+        : pid_(pid), all_(ownGroup ? -pid : pid), input_(std::move(input)), output_(std::move(output)) {}
     RealChild(const RealChild&) = delete;
     RealChild& operator=(const RealChild&) = delete;
     ~RealChild() override {
@@ -156,6 +186,29 @@ public:
 
     [[nodiscard]] int id() const override { return pid_; }
 
+    int readOutput(std::string& into, std::size_t most) override {
+        if (!output_.valid()) return -1;
+        const std::size_t before = into.size();
+        into.resize(before + most);
+        const ssize_t got = ::read(output_.number(), into.data() + before, most);
+        const bool later = got < 0 && mayComeLater();
+        into.resize(before + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        if (got > 0 || later) return static_cast<int>(std::max<ssize_t>(got, 0));
+        output_ = Descriptor();
+        return -1;
+    }
+
+    int writeInput(std::string_view bytes) override {
+        if (!input_.valid()) return -1;
+        const PipeSignalAside aside;
+        const ssize_t taken = ::write(input_.number(), bytes.data(), bytes.size());
+        if (taken >= 0 || mayComeLater()) return static_cast<int>(std::max<ssize_t>(taken, 0));
+        input_ = Descriptor();
+        return -1;
+    }
+
+    void endInput() override { input_ = Descriptor(); }
+
 private:
     // Reaps the child once it has ended; from then on the number is kept from others by the rest of the group
     // alone, so that it must not be used again when the group has been seen empty.
@@ -172,7 +225,8 @@ private:
         return gone_;
     }
 
-    pid_t pid_, all_;  // `all_`: whom signals go to, the group or the child alone
+    pid_t pid_, all_;            // `all_`: whom signals go to, the group or the child alone
+    Descriptor input_, output_;  // what this process writes to and reads from
     ExitState state_;
     bool reaped_ = false;
     bool gone_ = false;
@@ -196,7 +250,7 @@ private:
 // What the child does before it becomes the program.
 class Preparation {
 public:
-    explicit Preparation(bool ownGroup) {
+    Preparation(bool ownGroup, bool goesOnUnread) {
         ::posix_spawnattr_init(&attributes_);
         ::posix_spawn_file_actions_init(&actions_);
         sigset_t none, all;
@@ -204,6 +258,7 @@ public:
         ::sigfillset(&all);
         ::sigdelset(&all, SIGKILL);
         ::sigdelset(&all, SIGSTOP);
+        if (goesOnUnread) ::sigdelset(&all, SIGPIPE);  // the child gets it as it is at the spawn
         ::posix_spawnattr_setsigmask(&attributes_, &none);
         ::posix_spawnattr_setsigdefault(&attributes_, &all);
         ::posix_spawnattr_setpgroup(&attributes_, 0);
@@ -270,12 +325,51 @@ bool isReadable(int file) {
     return file >= 0 && ::fstat(file, &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
-StartError spawn(const StartRequest& request, pid_t& pid) {
+// For the lifetime of this, programs that are started inherit that nobody who reads is no reason to end.
+class PipeSignalIgnored {
+public:
+    explicit PipeSignalIgnored(bool wanted) : wanted_(wanted) {
+        struct sigaction ignored {};
+        ignored.sa_handler = SIG_IGN;
+        if (wanted_) ::sigaction(SIGPIPE, &ignored, &before_);
+    }
+    ~PipeSignalIgnored() {
+        if (wanted_) ::sigaction(SIGPIPE, &before_, nullptr);
+    }
+    PipeSignalIgnored(const PipeSignalIgnored&) = delete;
+    PipeSignalIgnored& operator=(const PipeSignalIgnored&) = delete;
+
+private:
+    bool wanted_;
+    struct sigaction before_ {};
+};
+
+// The pipes of a child, where the request wants them.
+struct Pipes {
+    Pipe input, output;
+    bool make(const StartRequest& request) {
+        if (!request.piped) return true;
+        return (!request.inputFile.empty() || makePipe(input)) &&
+               (!request.outputFile.empty() || makeOutput());
+    }
+
+private:
+    bool makeOutput() {
+        if (!makePipe(output)) return false;
+        ::fcntl(output.write.number(), F_SETPIPE_SZ, OutputBytes);
+        return true;
+    }
+};
+
+StartError spawn(const StartRequest& request, Pipes& pipes, pid_t& pid) {
     if (const StartError error = check(request); error != StartError::None) return error;
-    Preparation preparation(request.ownGroup);
+    if (!pipes.make(request)) return StartError::Other;
+    Preparation preparation(request.ownGroup, request.piped);
     const File input(request.inputFile.empty() ? "/dev/null" : request.inputFile, O_RDONLY | O_NONBLOCK);
     if (!request.inputFile.empty() && !isReadable(input.number())) return StartError::BadInput;
-    if (input.number() >= 0) {
+    if (pipes.input.read.valid()) {
+        preparation.input(pipes.input.read.number());
+    } else if (input.number() >= 0) {
         waits(input.number(), O_RDONLY);
         preparation.input(input.number());
     }
@@ -285,12 +379,14 @@ StartError spawn(const StartRequest& request, pid_t& pid) {
         waits(output.number(), O_WRONLY);
         preparation.output(output.number());
     }
+    if (pipes.output.write.valid()) preparation.output(pipes.output.write.number());
     if (!request.folder.empty()) preparation.folder(request.folder);
     preparation.closeOthers();
     std::vector<char*> arguments{const_cast<char*>(request.program.c_str())};
     for (const std::string& one : request.arguments) arguments.push_back(const_cast<char*>(one.c_str()));
     arguments.push_back(nullptr);
     hearOfChildren();
+    const PipeSignalIgnored ignored(request.piped);
     const int failed = preparation.spawn(request.program, arguments.data(), pid);
     return failed != 0 ? startError(failed, request.program) : StartError::None;
 }
@@ -305,14 +401,27 @@ public:
         one.outputFile = native(one.outputFile);
         one.inputFile = native(one.inputFile);
         pid_t pid = 0;
-        error = spawn(one, pid);
-        return error == StartError::None ? std::make_unique<RealChild>(pid, one.ownGroup) : nullptr;
+        Pipes pipes;
+        error = spawn(one, pipes, pid);
+        if (error != StartError::None) return nullptr;
+        Descriptor input, output;
+        if (pipes.input.write.valid()) input = kept(pipes.input.write);
+        if (pipes.output.read.valid()) output = kept(pipes.output.read);
+        return std::make_unique<RealChild>(pid, one.ownGroup, std::move(input), std::move(output));
     }
 };
 
 Processes* inForce = nullptr;  // null: the real ones
 
 }  // namespace
+
+int Child::readOutput(std::string&, std::size_t) {
+    return -1;
+}
+int Child::writeInput(std::string_view) {
+    return -1;
+}
+void Child::endInput() {}
 
 Processes& processes() {
     static RealProcesses real;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn::os {
@@ -31,6 +32,9 @@ struct StartRequest {
     // False: the child stays in this process's group, so that whoever stops this process stops it too.
     bool ownGroup = true;
     std::string inputFile = {};  // standard input comes from there; empty: there is none
+    // Where no file is named, standard output and error go into one pipe, and standard input comes from another; see
+    // Child. The child hears nothing when nobody reads its output any more: it goes on, and writes to nobody.
+    bool piped = false;
 };
 
 struct ExitState {
@@ -53,6 +57,13 @@ public:
     // grace.
     virtual void stop(int graceMilliseconds) = 0;
     [[nodiscard]] virtual int id() const = 0;
+
+    // Of a child with pipes; without one there is nothing to read, and nobody who takes anything. None of them waits.
+    // Appends at most `most` bytes of what the child has written, and tells how many; -1 when no more can come.
+    virtual int readOutput(std::string& into, std::size_t most);
+    // How many of the bytes the child's pipe has taken; -1 when nobody reads it.
+    virtual int writeInput(std::string_view bytes);
+    virtual void endInput();  // the child's input ends behind what was written
 };
 
 class Processes {

@@ -4,6 +4,7 @@
 // the disk, so that the death of the process between two calls is what it is in life: the end of all calls.
 //
 //     replace    temporary beside the target, write, owner, mode, sync, close, rename, sync of the folder
+//     new        the same without owner and mode, and with a rename that goes over nothing
 //     in place   rescue copy (the same steps, in the rescue folder), then the file itself: first what it
 //                grows by, so that a full disk shows before an old byte is touched
 #include "os/save_parts.h"
@@ -203,6 +204,21 @@ SaveResult saveFile(const std::string& path, std::string_view bytes, Durability 
     const Replacement result = replace(target, bytes, durability);
     if (result.impossible) return saveInPlace(target, bytes, durability);
     return {result.error, false, {}};
+}
+
+FileError saveNewFile(const std::string& path, std::string_view bytes, std::uint32_t mode) {
+    const std::string target = native(path);
+    NewFile made;
+    FileError error = makeUniqueFile(temporaryStart({target, {}}), TemporaryEnd, mode, made);
+    if (error != FileError::None) return error;
+    error = fill(made, bytes, nullptr, Durability::Synced);
+    if (error != FileError::None) return error;
+    error = files().renameNew(made.path, target);
+    if (error != FileError::None) {
+        files().remove(made.path);
+        return error == FileError::NotFound ? FileError::Vanished : error;
+    }
+    return files().syncFolder(folderOf(target));
 }
 
 std::string rescueNameFile(const std::string& copy) {

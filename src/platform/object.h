@@ -126,7 +126,15 @@ enum Look : int {
     LOOK_CHOICES = 32,  // for the program: it offers words by itself
 };
 
+// What a word in the status bar of an edit window does.
+enum class StatusKind { Stays, Passes };
+
 enum LineEnds : int { ENDS_LF = 0, ENDS_CRLF = 1, ENDS_CR = 2, ENDS_MIXED = 3, ENDS_NONE = 4 };
+
+// The flag of an edit. Its text is the name of the keys that the user pressed last in it ("Ctrl+Shift+K"), and
+// CHANGE_EVENT tells of each press; Backspace and Del empty it. Tab, Return, Escape, F1 and the mnemonics of the window
+// keep their meaning, and a key without a name does nothing.
+enum : int { KEYFIELD = 8192 };
 
 }  // namespace constants
 using namespace constants;

@@ -2,10 +2,11 @@
 //
 // ordo: builds a program from its main class, or answers what it consists of. The answer, or the result of
 // the build, goes to the file of -o, else to standard output. After a build the compiler's messages of the
-// whole run stand in `sarn.err` beside the compiler. The exit code is 0 only if nothing went wrong.
+// whole run stand in the compiler's `sarn.err`. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
 #include "os/instance.h"
 #include "os/process.h"
+#include "os/toolresults.h"
 #include "platform/model/view.h"
 #include "toolchain/build/make.h"
 #include "toolchain/language/classes.h"
@@ -63,6 +64,6 @@ int main(int argc, char** argv) {
         return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
     const toolchain::BuildResult result = toolchain::build(options, line, sources);
     const bool written = write(options.outputFile, result.report);
-    const bool reported = write(result.compilerFolder + std::string(toolchain::ResultFile), result.report);
+    const bool reported = write(os::resultFile(result.compilerFolder, toolchain::ResultFile), result.report);
     return !written || !reported ? CannotReport : result.ok ? 0 : Failed;
 }

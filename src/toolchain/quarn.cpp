@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// quarn: compiles classes. Its messages go to `sarn.err` beside the name that it was called by, and, unless
-// it was told to be quiet, to standard output. The exit code is 0 only if nothing went wrong.
+// quarn: compiles classes. Its messages go to `sarn.err` (os/toolresults.h tells where) and, unless it was told to be
+// quiet, to standard output. The exit code is 0 only if nothing went wrong.
 #include "os/files.h"
 #include "os/process.h"
+#include "os/toolresults.h"
 #include "toolchain/build/compile.h"
 #include "toolchain/build/tools.h"
 
@@ -22,7 +23,7 @@ using namespace tarn;
 constexpr int Failed = 1, CannotReport = 2;
 
 int compile() {
-    const std::string results = toolchain::toolFolder() + std::string(toolchain::ResultFile);
+    const std::string results = os::resultFile(toolchain::toolFolder(), toolchain::ResultFile);
     os::files().remove(results);
     toolchain::Messages messages;
     const toolchain::CompilerOptions options = toolchain::readCompilerOptions(os::commandLine(), messages);

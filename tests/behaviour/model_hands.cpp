@@ -2,6 +2,7 @@
 //
 // The model mode: no real input.
 #include "behaviour/hands.h"
+#include "ide/help/helpviewer.h"
 
 namespace tarn {
 namespace {
@@ -15,6 +16,13 @@ public:
     bool stopTool() override { return platform::pressToolStop(); }
     void endSplash() override {}
     void screenshot(const std::string&) override {}
+    bool helpTopic(std::string& topic) override { return topic = asked(), true; }
+
+    // Help without a window: what was asked for is all there is.
+    static std::string& asked() {
+        static std::string topic = "(nothing)";
+        return topic;
+    }
 };
 
 }  // namespace
@@ -22,6 +30,12 @@ public:
 std::unique_ptr<Hands> makeHands(const std::string& mode) {
     if (mode != "model") return makeQtHands(mode == "screen");
     platform::useView(platform::makeHeadlessView());
+    platform::SetHelpViewer([](const std::string& file, const std::string& topic) {
+        if (!file.ends_with(".qch")) return false;
+        ModelHands::asked() = topic;
+        return true;
+    });
+    USEBOXHELP();
     return std::make_unique<ModelHands>();
 }
 

@@ -3,6 +3,7 @@
 // The user's keys and mouse on real widgets: as events offscreen, through the X server on a display.
 #include "behaviour/hands.h"
 
+#include "ide/help/helpviewer.h"
 #include "os/process.h"
 
 #include <QAbstractButton>
@@ -28,7 +29,9 @@ QString decoded(const std::string& bytes) {
 QWidget* keyTarget() {
     if (QWidget* popup = QApplication::activePopupWidget(); popup != nullptr) return popup;
     QWidget* modal = QApplication::activeModalWidget();
-    QWidget* window = modal != nullptr ? modal : QApplication::activeWindow();
+    QWidget* window = QApplication::activeWindow();
+    const bool help = window != nullptr && window->objectName() == "HelpWindow";  // which no dialog holds up
+    if (modal != nullptr && !help) window = modal;
     if (window == nullptr) {
         for (QWidget* candidate : QApplication::topLevelWidgets()) {
             if (candidate->isVisible() && candidate->isWindow()) window = candidate;
@@ -129,6 +132,18 @@ public:
         return action != nullptr;
     }
 
+    bool helpTopic(std::string& topic) override {
+        const QWidget* window = helpWindow();
+        topic = window == nullptr ? "(no help window)" : window->property("topic").toString().toStdString();
+        return true;
+    }
+
+    bool helpPage(std::string& title) override {
+        const QWidget* window = helpWindow();
+        title = window == nullptr ? "(no help window)" : window->windowTitle().toStdString();
+        return true;
+    }
+
     void screenshot(const std::string& path) override {
         if (onScreen_) static_cast<void>(std::system(("import -window root '" + path + "'").c_str()));
     }
@@ -136,6 +151,11 @@ public:
 private:
     bool onScreen_;
 
+    static const QWidget* helpWindow() {
+        for (const QWidget* window : QApplication::topLevelWidgets())
+            if (window->objectName() == "HelpWindow" && window->isVisible()) return window;
+        return nullptr;
+    }
     static QWidget* topOf(const Object& object) {
         const Window* window = findWindow(object);
         return window != nullptr ? static_cast<QWidget*>(window->widget) : nullptr;
@@ -176,6 +196,8 @@ std::unique_ptr<Hands> makeQtHands(bool onScreen) {
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
         unsetenv("DISPLAY");
     }
+    USEHELPWINDOW();
+    USEBOXHELP();
     return std::make_unique<QtHands>(onScreen);
 }
 

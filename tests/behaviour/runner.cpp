@@ -82,8 +82,9 @@ void programEnded(int) {
 void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
     for (const char* name :
-         {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "quarn.exe",
-          "ordo.exe", "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "help", "examples"}) {
+         {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "open2.bmp",
+          "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so",
+          "libtarnwick-help.so", "help", "examples"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }
@@ -101,8 +102,10 @@ void prepareProfile(const std::string& profile, const std::string& files) {
 
 void prepareEnvironment() {
     setenv("HOME", root.c_str(), 1);
-    for (const auto& [name, folder] :
-         {std::pair{"XDG_CONFIG_HOME", "config"}, {"XDG_STATE_HOME", "state"}, {"XDG_RUNTIME_DIR", "run"}}) {
+    for (const auto& [name, folder] : {std::pair{"XDG_CONFIG_HOME", "config"},
+                                       {"XDG_STATE_HOME", "state"},
+                                       {"XDG_CACHE_HOME", "cache"},
+                                       {"XDG_RUNTIME_DIR", "run"}}) {
         fs::create_directories(root + folder);
         fs::permissions(root + folder, fs::perms(0700));
         setenv(name, (root + folder).c_str(), 1);

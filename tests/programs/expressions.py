@@ -553,9 +553,12 @@ def invoke(scope, function, depth):
                 continue
             indexes = value.indexes(frame)
             back.append((len(given), value, indexes))
-            given.append(value.follow(frame, indexes) if mode == "inout" else kind.empty())
+            given.append(kind.empty())
+        # A variable that is changed is the caller's own: what a later argument does to it is seen.
+        for at, found, indexes in back:
+            mode, _, kind = function.parameters[at]
             if mode == "inout":
-                given[-1] = kind.fit(given[-1])
+                given[at] = kind.fit(found.follow(frame, indexes))
         result, left = function.run(given)
         for at, found, indexes in back:
             found.write(frame, indexes, left[at])

@@ -276,6 +276,14 @@ def copied(value):
     return copy.deepcopy(value) if isinstance(value, list) else value
 
 
+def taken(kind, old, value):
+    """What an assignment leaves: an array that has bounds takes nothing from one that has none."""
+    if kind.kind == "arr" and not kind.bounds and old[0] and not value[0]:
+        machine.fail(760)
+        return old
+    return value
+
+
 # ---- tables ----
 
 def key_of(row, places):

@@ -48,7 +48,10 @@ def assign(scope, depth):
 
     def run(frame):
         indexes = target.indexes(frame)
-        target.write(frame, indexes, value(frame))
+        new = value(frame)
+        if target.kind.kind == "arr":
+            new = model.taken(target.kind, target.follow(frame, indexes), new)
+        target.write(frame, indexes, new)
     return ["%s := %s" % (target.text(), text)], run
 
 
@@ -169,9 +172,11 @@ def table_place(scope, change):
 
 
 def key(scope, table, places):
-    parts = [aggregate(scope, table.row.fields[n][1], 1) for n in places]
+    """A text of a key is not cut to the field's capacity: a longer one is the key of no row."""
+    kinds = [table.row.fields[n][1] for n in places]
+    parts = [aggregate(scope, kind, 1) for kind in kinds]
     return "{" + ", ".join(part[0] for part in parts) + "}", lambda frame: tuple(
-        table.row.fields[n][1].fit(part[1](frame)) for n, part in zip(places, parts))
+        part[1](frame) if kind.kind == "str" else kind.fit(part[1](frame)) for kind, part in zip(kinds, parts))
 
 
 def table_add(scope, depth):
@@ -447,7 +452,7 @@ def with_change(scope, v, lines, inner):
 def rounds_where(items, v, where, inner, frame, early):
     """The rounds of `for each`. Early: what the head left is reported at the beginning of a round, else at its end."""
     for item in items:
-        v.write(frame, v.kind.fit(item))
+        v.write(frame, v.kind.fit(model.taken(v.kind, v.read(frame), item)))
         if early:
             machine.stamp()
         try:

@@ -436,6 +436,7 @@ FileError SteeredFiles::make(const Place& place, const NodePointer& node) {
     if (!may(*place.folder, writeBit)) return FileError::Denied;
     if (freeBytes_ <= 0) return FileError::DiskFull;
     place.folder->names[place.name] = node;
+    place.folder->state.modified = clock().now();
     return FileError::None;
 }
 
@@ -555,6 +556,16 @@ FileError SteeredFiles::close(Handle handle) {
     return error;
 }
 
+FileError SteeredFiles::renameNew(const std::string& from, const std::string& to) {
+    Place there;
+    const FileError looked = find(to, false, there);
+    if (looked == FileError::None && there.node != nullptr) {
+        const FileError counted = count(FileCall::Rename, "renamenew " + native(from) + " " + native(to));
+        return counted != FileError::None ? counted : FileError::Exists;
+    }
+    return rename(from, to);
+}
+
 FileError SteeredFiles::rename(const std::string& from, const std::string& to) {
     FileError error = count(FileCall::Rename, "rename " + native(from) + " " + native(to));
     if (error != FileError::None) return error;
@@ -573,6 +584,7 @@ FileError SteeredFiles::rename(const std::string& from, const std::string& to) {
     if (made.node != nullptr) unlink(*made.node);
     old.folder->names.erase(old.name);
     made.folder->names[made.name] = old.node;
+    old.folder->state.modified = made.folder->state.modified = clock().now();
     return FileError::None;
 }
 
@@ -584,6 +596,7 @@ FileError SteeredFiles::remove(const std::string& path) {
     if (error != FileError::None) return error;
     if (place.node->kind == AFolder) return FileError::IsFolder;
     place.folder->names.erase(place.name);
+    place.folder->state.modified = clock().now();
     unlink(*place.node);
     return FileError::None;
 }

@@ -126,6 +126,7 @@ public:
     FileError sync(Handle handle) override;
     FileError close(Handle handle) override;
     FileError rename(const std::string& from, const std::string& to) override;
+    FileError renameNew(const std::string& from, const std::string& to) override;
     FileError remove(const std::string& path) override;
     FileError makeFolder(const std::string& path) override;
     FileError removeFolder(const std::string& path) override;

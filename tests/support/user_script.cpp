@@ -34,7 +34,8 @@ const std::map<std::string, LineForm> forms = {
     {"stop-tool", {0}},   {"clock", {1}},       {"key", {1, true}}, {"type", {1, true}},
     {"click", {2, true}}, {"mouse", {4, true}}, {"maximise", {1}},  {"screenshot", {1}},
     {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}},
-    {"strike", {3}},      {"sheet", {2}},       {"restart", {0}}};
+    {"strike", {3}},      {"sheet", {2}},       {"restart", {0}},   {"tick", {1}},
+    {"activate", {1}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
@@ -190,11 +191,26 @@ void UserDriver::programEnded() {
     }
 }
 
+namespace {
+
+// The item of Main that a line names: a control, or that element of its array.
+Object itemOf(const std::string& name, const std::string& place) {
+    const Object item = FindControl(Object("Main"), name);
+    return place.empty() ? item : ControlElement(item, std::atoi(place.c_str()));
+}
+
+Control* commanded(const std::vector<std::string>& words) {
+    return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
+}
+
+}  // namespace
+
 UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     const auto& w = line.words;
     const bool open = view().asking() != nullptr;
     const bool answers = answerLines.count(w[0]) != 0;
-    const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run";
+    const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run" ||
+                       w[0] == "activate";  // what is asked then may be open already
     if (open && !answers && !looks) {
         fail("A question is open that nobody expects.");
         return Outcome::Failed;
@@ -209,7 +225,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return window != nullptr && window->shown;
     };
     if (w[0] == "command") {
-        const Control* item = findControl(FindControl(Object("Main"), w[1]));
+        const Control* item = commanded(w);
         lastSeen_ = item == nullptr ? "There is no such control." : "It is disabled.";
         return item != nullptr && item->enabled && shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
     }
@@ -218,7 +234,9 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
                                                                              : Outcome::NotYet;
     }
-    if (w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" || w[0] == "mouse")
+    if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
+        w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
@@ -258,7 +276,7 @@ void UserDriver::act(const ScriptLine& line) {
     const auto& w = line.words;
     const std::string& what = w[0];
     if (what == "command")
-        userCommand(*findControl(FindControl(Object("Main"), w[1])));
+        userCommand(*commanded(w));
     else if (what == "press")
         userCommand(*findControl(FindControl(Object(w[1]), w[2])));
     else if (what == "set")
@@ -281,6 +299,10 @@ void UserDriver::act(const ScriptLine& line) {
         sheet(w[1], dir_ + w[2]);
     else if (what == "start")
         startSecond(line);
+    else if (what == "tick")
+        timerFired(*findControl(w.size() == 2 ? Object(w[1]) : FindControl(Object(w[1]), w[2])));
+    else if (what == "activate" && view().asking() == nullptr)
+        userReturn(*findWindow(Object(w[1])));
     else if (what == "clock")
         os::clock().sleep(seconds(w[1]) * 1'000'000'000);
     else if (what == "key" && !hands_.key(w[1]))
@@ -417,7 +439,9 @@ const std::map<std::string, std::string (*)(const Control&)> properties = {
 bool UserDriver::expectControl(const ScriptLine& line) {
     const auto& w = line.words;
     const bool ofWindow = w.size() == 4;
-    const Object object = ofWindow ? Object(w[2]) : FindControl(Object(w[2]), w[3]);
+    const Object object = ofWindow        ? Object(w[2])
+                          : w.size() == 6 ? itemOf(w[3], w[4])
+                                          : FindControl(Object(w[2]), w[3]);
     const Control* control = findControl(object);
     lastSeen_ = "There is no such control.";
     if (control == nullptr) return false;
@@ -452,7 +476,7 @@ bool UserDriver::expectFile(const ScriptLine& line) {
 
 namespace {
 
-const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu"};
+const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu", "help", "page"};
 
 std::string rectText(const Rect& r) {
     return std::to_string(r.x) + " " + std::to_string(r.y) + " " + std::to_string(r.w) + " " +
@@ -489,9 +513,13 @@ bool UserDriver::expectSeen(const ScriptLine& line) {
     std::string text;
     const Control* const item = w[1] == "menu" ? findControl(FindControl(Object("Main"), w[2])) : nullptr;
     if (w[1] == "menu" && item == nullptr) return false;
-    if (!(item != nullptr ? hands_.menuText(*item, text) : hands_.statusText(text))) return true;
+    const bool there = item != nullptr  ? hands_.menuText(*item, text)
+                       : w[1] == "help" ? hands_.helpTopic(text)
+                       : w[1] == "page" ? hands_.helpPage(text)
+                                        : hands_.statusText(text);
+    if (!there) return true;
     lastSeen_ = "Seen: " + text;
-    return item != nullptr ? text == w[3] : text.starts_with(w[2]);
+    return item != nullptr ? text == w[3] : w[1] == "help" ? text == w[2] : text.starts_with(w[2]);
 }
 
 bool UserDriver::expect(const ScriptLine& line) {

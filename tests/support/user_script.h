@@ -4,7 +4,7 @@
 //
 //   args FILE ...                   command line of the program (first line only)
 //   setting SECTION KEY VALUE       put into the settings ahead of the start
-//   command NAME                    picks a menu item or button of Main
+//   command NAME [N]                picks a menu item or button of Main, of an array the n-th
 //   press WINDOW CONTROL            presses a control
 //   set WINDOW CONTROL VALUE        types a text, ticks a box, picks a row
 //   edit "old" "new"                replaces a text in the Code window
@@ -21,6 +21,8 @@
 //   strike WINDOW CONTROL KEY       a key that reaches a control ("-": the window) in any mode
 //   stop-tool                       the Stop button while a tool runs
 //   clock +3s                       lets time go by
+//   tick WINDOW [CONTROL]           a timer of the window, or of a control, has come
+//   activate WINDOW                 the user comes back to the window, as from another program
 //   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)
 //                                   real input
 //   REAL or MEANING                 with real input the first, in the model mode the second; a case with a line
@@ -31,12 +33,15 @@
 //   dump WINDOW                     prints names, captions and states, without geometry
 //   wait WINDOW                     until it is visible
 //   expect caption|text|value|enabled|visible|checked|rows WINDOW [CONTROL] VALUE
+//   expect caption|... Main ITEM N VALUE      of the n-th item of an array
 //   expect active WINDOW, expect hidden WINDOW, expect line N (caret of the Code window)
 //   expect message TITLE TEXT       the open question, its text beginning so
 //   expect ini SECTION KEY VALUE    of {profile}ide.ini
 //   expect on-screen WINDOW, expect below WINDOW OTHER      frames as they are; `box` is the open question,
 //                                   `stop` the window of a tool that runs
 //   expect status TEXT              what the status bar of the Code window begins with, where there is one
+//   expect help TOPIC               what the help was asked for last
+//   expect page TITLE               what the page in the help window begins with, where there is one
 //   expect menu CONTROL TEXT        what a menu item shows, where there are menus
 //   expect file F TEXT, expect file-has F TEXT, expect no-file F      F may hold "*"
 //
@@ -90,6 +95,8 @@ public:
     virtual platform::Rect stopFrame() { return {}; }                // of the window with the Stop button
     virtual bool statusText(std::string&) { return false; }          // false: this mode has no such thing
     virtual bool menuText(const platform::Control&, std::string&) { return false; }
+    virtual bool helpTopic(std::string&) { return false; }
+    virtual bool helpPage(std::string&) { return false; }
 };
 
 class UserDriver {

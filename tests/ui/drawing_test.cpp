@@ -5,6 +5,7 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/printjob.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
@@ -12,11 +13,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListView>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
@@ -437,6 +441,32 @@ TEST_F(DrawTest, PagesArePrintedToAFile) {
     SetFontSize(printer, 0);
 }
 
+TEST_F(DrawTest, AFileThatIsPrintedToIsReplacedWholeOrNotAtAll) {
+    const Object printer = PrinterList().back();
+    const std::string file = folder / "kept.pdf";
+    SetCaption(printer, folder / "kept");
+    const auto print = [&](int pages) {
+        ASSERT_EQ(StartPrint(printer, {"a heading", 0, 0, 1}), Ok);
+        for (int i = 1; i < pages; ++i) NewPage(printer);
+        DrawTextstr(printer, "x");
+    };
+    print(2);
+    EXPECT_EQ(os::sizeOf(file), -1) << "nothing before the end";
+    EXPECT_EQ(EndPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 2);
+    print(3);
+    EXPECT_EQ(CancelPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 2);
+    print(3);
+    EXPECT_EQ(pagesOf(file), 2);
+    EXPECT_EQ(EndPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 3);
+    ASSERT_EQ(StartPrint(printer, {"", 2, 3, 1}), Ok);
+    for (int i = 1; i < 5; ++i) NewPage(printer);
+    EXPECT_EQ(EndPrint(printer), Ok);
+    EXPECT_EQ(pagesOf(file), 2) << "the part that is wanted";
+}
+
 // ---- dragging ----
 
 void mouse(QWidget* to, QEvent::Type type, QPoint at, Qt::MouseButton button = Qt::LeftButton) {
@@ -621,6 +651,13 @@ TEST_F(DrawTest, ChoosersTakeAndGiveTheirValues) {
             EXPECT_TRUE(view().answer(text));
         });
     };
+    const auto accepting = [] {
+        QTimer::singleShot(0, [] {
+            QWidget* box = QApplication::activeModalWidget();
+            ASSERT_NE(box, nullptr);
+            QMetaObject::invokeMethod(box, "accept");
+        });
+    };
     answering("0x102030");
     EXPECT_EQ(ColourDialog(Draw, 5).value, 0x102030);
     answering("");
@@ -628,6 +665,18 @@ TEST_F(DrawTest, ChoosersTakeAndGiveTheirValues) {
     answering("DejaVu Sans\t17\tbi");
     EXPECT_EQ(FontDialog(Draw, {"DejaVu Sans Mono", 9, false, false}).value,
               (Font{"DejaVu Sans", 17, true, true}));
+    for (const char* family : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif"}) {
+        for (const bool bold : {false, true}) {
+            for (const bool italic : {false, true}) {
+                const Font font{family, 12, bold, italic};
+                answering(std::string(family) + "\t12\t" + (bold ? "b" : "") + (italic ? "i" : ""));
+                EXPECT_EQ(FontDialog(Draw, {}).value, font) << family << bold << italic;
+                accepting();
+                EXPECT_EQ(FontDialog(Draw, font).value, font)
+                    << "as it is offered: " << family << bold << italic;
+            }
+        }
+    }
     answering("");
     EXPECT_EQ(FontDialog(Draw, {"Own", 9, false, true}).value, (Font{"Own", 9, false, true}));
     answering("Print to file\tselection\t2\t3\t4");
@@ -672,6 +721,42 @@ TEST_F(DrawTest, TheDesktopTellsItsScreensAndTheSizeOfIcons) {
 TEST_F(DrawTest, TheDesktopsClipboardIsReachedByItsObject) {
     SetText(Sysclipboard, "copied \xC3\xA9");
     EXPECT_EQ(GetText(Sysclipboard).value, "copied \xC3\xA9");
+    QGuiApplication::clipboard()->setText(QStringLiteral("from elsewhere"));
+    EXPECT_EQ(GetText(Sysclipboard).value, "from elsewhere");
+    QGuiApplication::clipboard()->setImage(QImage(4, 4, QImage::Format_RGB32));
+    EXPECT_EQ(GetText(Sysclipboard).value, "");
+    QGuiApplication::clipboard()->clear();
+    EXPECT_EQ(GetText(Sysclipboard).value, "");
+}
+
+TEST_F(DrawTest, TheClipboardKeepsAnyBytesOfThisProgram) {
+    const std::string odd("a\xFF\xC3\0z\r\n\n", 8);
+    SetText(Sysclipboard, odd);
+    EXPECT_EQ(GetText(Sysclipboard).value, odd);
+    // Other programs get a text, whose lines end with LF.
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromLatin1("a\xFF\xC3\0z\n\n", 7));
+}
+
+TEST_F(DrawTest, ForeignBytesThatAreNoTextDoNoHarm) {
+    auto* data = new QMimeData;
+    data->setData(QStringLiteral("text/plain"), QByteArray("a\xFF\xC3", 3));
+    QGuiApplication::clipboard()->setMimeData(data);
+    EXPECT_EQ(GetText(Sysclipboard).value.substr(0, 1), "a");
+}
+
+TEST_F(DrawTest, AHundredMillionBytesOnTheClipboardTakeLessThanASecond) {
+    const std::string large(100000000, 'x');
+    QElapsedTimer clock;
+    clock.start();
+    QGuiApplication::clipboard()->setText(QString(100000000, u'x'));
+    clock.start();
+    EXPECT_EQ(GetText(Sysclipboard).value.size(), large.size());
+    EXPECT_LT(clock.elapsed(), 1000);
+    SetText(Sysclipboard, large);
+    clock.start();
+    EXPECT_EQ(GetText(Sysclipboard).value.size(), large.size());
+    EXPECT_LT(clock.elapsed(), 1000);
+    QGuiApplication::clipboard()->clear();
 }
 
 }  // namespace

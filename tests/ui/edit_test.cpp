@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The edit window by itself: its library, without a model behind it.
+#include "platform/operations/textedits.h"
 #include "platform/qt/controls/editarea.h"
 #include "support/places.h"
 
@@ -28,6 +29,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <map>
@@ -214,6 +217,183 @@ TEST_F(EditTest, ReplacingTheSelectionIsOneUndoStepAndNotReported) {
     EXPECT_EQ(changes, 1) << "undoing is an edit of the user";
 }
 
+TEST_F(EditTest, StepsAreUndoneAndRedoneByTheProgramWithoutAReport) {
+    store->setText("one");
+    EXPECT_FALSE(store->canUndo());
+    EXPECT_FALSE(store->canRedo());
+    store->select(4, 0);
+    store->replaceSelection(" two");
+    EXPECT_TRUE(store->canUndo());
+    store->undo();
+    EXPECT_EQ(store->text(), "one");
+    EXPECT_FALSE(store->modified());
+    EXPECT_FALSE(store->canUndo());
+    EXPECT_TRUE(store->canRedo());
+    store->redo();
+    EXPECT_EQ(store->text(), "one two");
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    area->setFlags(READONLY);
+    EXPECT_FALSE(store->canUndo());
+}
+
+TEST_F(EditTest, ReplacingARangeIsOneStepAndLeavesCaretAndView) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i) text += "line\n";
+    store->setText(text);
+    store->select(800 * 5 + 1, 4);
+    const long first = ask(2152);
+    store->replaceRange(1, 4, "LINES \xFF\0"s);
+    EXPECT_EQ(store->text(), "LINES \xFF\0"s + text.substr(4));
+    EXPECT_EQ(store->selection().start, 800 * 5 + 1 + 4);
+    EXPECT_EQ(store->selection().length, 4);
+    EXPECT_EQ(ask(2152), first);
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    store->undo();
+    EXPECT_EQ(store->text(), text);
+    store->select(6, 0);  // the start of the line behind
+    store->replaceRange(1, 5, "a longer line\n");
+    EXPECT_EQ(store->selection().start, 15);
+    store->undo();
+    store->replaceRange(100000, 5, "end");
+    EXPECT_EQ(store->text(), text + "end");
+}
+
+TEST_F(EditTest, WhatHasNoRoomIsToldInTheStatusBarUntilTheNextEdit) {
+    area->setFlags(STATUSBAR);
+    area->setMaxLength(3);
+    area->setStatus(QStringLiteral("Read-only file"));
+    store->setText("ab");
+    store->select(3, 0);
+    auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
+    ASSERT_NE(bar, nullptr);
+    const auto said = [&] {
+        QApplication::processEvents();
+        return bar->accessibleDescription();
+    };
+    type(QStringLiteral("c"));
+    EXPECT_FALSE(said().contains(QStringLiteral("No room")));
+    type(QStringLiteral("d"));
+    EXPECT_EQ(store->text(), "abc");
+    store->undo();
+    EXPECT_EQ(store->text(), "ab") << "what was refused is no step";
+    store->redo();
+    EXPECT_TRUE(said().contains(QStringLiteral("No room: a text has at most 3 bytes")))
+        << said().toStdString();
+    EXPECT_TRUE(said().contains(QStringLiteral("Read-only file")));
+    press(Qt::Key_Backspace);
+    EXPECT_FALSE(said().contains(QStringLiteral("No room"))) << said().toStdString();
+    store->replaceSelection("longer than the limit");
+    EXPECT_EQ(store->length(), 23) << "the program is not limited";
+}
+
+double luminance(const QColor& colour) {
+    const auto linear = [](float part) {
+        return part <= 0.03928F ? part / 12.92 : std::pow((static_cast<double>(part) + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+// Of the two colours that fill most of the picture.
+double contrastOf(const QImage& picture) {
+    std::map<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
+    std::vector<std::pair<int, QRgb>> most;
+    for (const auto& [colour, count] : counts) most.emplace_back(count, colour);
+    std::sort(most.rbegin(), most.rend());
+    if (most.size() < 2) return 0;
+    const double a = luminance(QColor(most[0].second)), b = luminance(QColor(most[1].second));
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+QPalette paletteOf(const QColor& paper, const QColor& ink, const QColor& mark, const QColor& marked) {
+    QPalette palette(ink, paper, paper, paper, paper, ink, ink, paper, paper);
+    palette.setColor(QPalette::Highlight, mark);
+    palette.setColor(QPalette::HighlightedText, marked);
+    return palette;
+}
+
+TEST_F(EditTest, ReplacingManyPlacesIsOneUndoStepAndNotReported) {
+    std::string text, wanted;
+    std::vector<TextEdit> edits;
+    for (int i = 0; i < 1000; ++i) {
+        edits.push_back({static_cast<int>(text.size()) + 3, 2, i % 3 == 0 ? "" : "new\n\0\xFF"s});
+        const std::string gap(i % 9 == 0 ? 0 : static_cast<std::size_t>(i), 'y');
+        text += "x old\r\n" + gap + "\xC3";
+        wanted += "x " + edits.back().text + "d\r\n" + gap + "\xC3";
+    }
+    store->setText(text);
+    type(QStringLiteral("t"));
+    QApplication::processEvents();
+    changes = 0;
+    for (TextEdit& edit : edits) ++edit.start;
+    store->replaceParts(edits);
+    EXPECT_EQ(store->text(), "t" + wanted);
+    EXPECT_EQ(store->selection().length, 0);
+    EXPECT_EQ(store->selection().start, static_cast<int>(1 + wanted.size() - 4 + 1));
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 0);
+    ask(2176);
+    EXPECT_EQ(store->text(), "t" + text);
+    ask(2176);
+    EXPECT_EQ(store->text(), text);
+    EXPECT_FALSE(store->modified());
+    ask(2011);
+    ask(2011);
+    EXPECT_EQ(store->text(), "t" + wanted);
+}
+
+std::string placesOf(const std::vector<Selection>& marks) {
+    std::string places;
+    for (const Selection& mark : marks)
+        places += std::to_string(mark.start) + "+" + std::to_string(mark.length) + " ";
+    return places;
+}
+
+TEST_F(EditTest, MarksStayWithTheirText) {
+    store->setText("one two one");
+    EXPECT_TRUE(store->marks().empty());
+    store->setMarks({{1, 3}, {9, 3}, {50, 2}});
+    EXPECT_EQ(placesOf(store->marks()), "1+3 9+3 ");
+    caret(5);
+    type(QStringLiteral("xx"));
+    EXPECT_EQ(placesOf(store->marks()), "1+3 11+3 ");
+    store->setMarks({{5, 2}});
+    EXPECT_EQ(placesOf(store->marks()), "5+2 ");
+    EXPECT_EQ(store->text(), "one xxtwo one");
+    store->setMarks({});
+    EXPECT_TRUE(store->marks().empty());
+    store->setMarks({{1, 3}});
+    store->setText("one");
+    EXPECT_TRUE(store->marks().empty());
+}
+
+TEST_F(EditTest, MarkedHitsReadWellInEveryPalette) {
+    const QPalette before = QApplication::palette();
+    std::string blocks;
+    for (int i = 0; i < 30; ++i) blocks += "\u2588 ";
+    area->setFlags(HILITE);
+    area->setTokens("// ##EOL 0x008000 ITALIC\n");
+    for (const QPalette& palette :
+         {paletteOf(Qt::white, Qt::black, QColor(48, 140, 198), Qt::white),
+          paletteOf(QColor(30, 30, 30), QColor(220, 220, 220), QColor(42, 130, 218), Qt::white)}) {
+        QApplication::setPalette(palette);
+        for (const bool comment : {false, true}) {
+            store->setText((comment ? "// " : "   ") + blocks + "\n");
+            store->setMarks({{1, store->length() - 1}});
+            caret(store->length() + 1);
+            for (int i = 0; i < 3; ++i) QApplication::processEvents();
+            // A comment has 4.5 on the plain ground.
+            EXPECT_GE(contrastOf(area->textWidget()->grab(QRect(40, 5, 230, 5)).toImage()),
+                      comment ? 3.7 : 4.5);
+        }
+    }
+    QApplication::setPalette(before);
+}
+
 TEST_F(EditTest, SettingATextIsNoChangeAndCannotBeUndone) {
     type(QStringLiteral("x"));
     changes = 0;
@@ -339,7 +519,7 @@ TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
     auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
     ASSERT_NE(bar, nullptr);
     EXPECT_TRUE(bar->isVisible());
-    EXPECT_EQ(bar->accessibleDescription().toStdString(), "Line 2, column 2, Insert, , LF, , 6 bytes");
+    EXPECT_EQ(bar->accessibleDescription().toStdString(), "Line 2, column 2, Insert, , LF, 6 bytes");
     QTest::mouseClick(bar, Qt::RightButton);
     EXPECT_EQ(infos, 1);
     area->setFlags(0);
@@ -347,34 +527,6 @@ TEST_F(EditTest, TheStatusBarTellsCaretAndSize) {
 }
 
 // ---- what is marked ----
-
-double luminance(const QColor& colour) {
-    const auto linear = [](float part) {
-        return part <= 0.03928F ? part / 12.92 : std::pow((static_cast<double>(part) + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-// Of the two colours that fill most of the picture.
-double contrastOf(const QImage& picture) {
-    std::map<QRgb, int> counts;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
-    std::vector<std::pair<int, QRgb>> most;
-    for (const auto& [colour, count] : counts) most.emplace_back(count, colour);
-    std::sort(most.rbegin(), most.rend());
-    if (most.size() < 2) return 0;
-    const double a = luminance(QColor(most[0].second)), b = luminance(QColor(most[1].second));
-    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
-}
-
-QPalette paletteOf(const QColor& paper, const QColor& ink, const QColor& mark, const QColor& marked) {
-    QPalette palette(ink, paper, paper, paper, paper, ink, ink, paper, paper);
-    palette.setColor(QPalette::Highlight, mark);
-    palette.setColor(QPalette::HighlightedText, marked);
-    return palette;
-}
 
 TEST_F(EditTest, AMarkedCommentReadsWellInEveryPalette) {
     const QPalette before = QApplication::palette();
@@ -535,6 +687,64 @@ TEST_F(EditTest, DarkColoursBecomeReadableOnADarkPalette) {
     QApplication::setPalette(before);
     QApplication::processEvents();
     EXPECT_EQ(foreOf(style), light);
+}
+
+// The sixteen colours that the options offer, 0xBBGGRR.
+constexpr int standardColours[] = {0x000000, 0x800000, 0x008000, 0x808000, 0x000080, 0x800080,
+                                   0x008080, 0x808080, 0xC0C0C0, 0xFF0000, 0x00FF00, 0xFFFF00,
+                                   0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF};
+
+QColor colourOf(int value) {
+    return {value & 255, value >> 8 & 255, value >> 16 & 255};
+}
+
+double contrastOf(const QColor& a, const QColor& b) {
+    const double x = luminance(a), y = luminance(b);
+    return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
+}
+
+TEST_F(EditTest, TheStandardColoursReadWellOnAnyPaperAndKeepTheirHue) {
+    const QPalette before = QApplication::palette();
+    std::string tokens, text;
+    for (int n = 0; n < 16; ++n) {
+        char rule[40];
+        std::snprintf(rule, sizeof rule, "word%d - 0x%06X\n", n, static_cast<unsigned>(standardColours[n]));
+        tokens += rule;
+        text += "word" + std::to_string(n) + "\n";
+    }
+    area->setFlags(HILITE);
+    area->setTokens(tokens);
+    store->setText(text);
+    for (const QColor& paper : {QColor(Qt::white), QColor(255, 253, 240), QColor(30, 30, 30),
+                                QColor(Qt::black), QColor(35, 38, 41), QColor(128, 128, 128)}) {
+        const bool dark = luminance(paper) < 0.18;
+        QApplication::setPalette(paletteOf(paper, dark ? Qt::white : Qt::black, Qt::blue, Qt::white));
+        QApplication::processEvents();
+        int position = 1, kept = 0;
+        for (int n = 0; n < 16; ++n) {
+            const QColor wanted = colourOf(standardColours[n]), shown = colourOf(foreOf(styleAt(position)));
+            const std::string which = std::to_string(n) + " on " + paper.name().toStdString();
+            EXPECT_GE(contrastOf(shown, paper), 4.5) << which;
+            if (contrastOf(wanted, paper) >= 4.5) {
+                EXPECT_EQ(shown.rgb(), wanted.rgb()) << which;
+                ++kept;
+            } else {
+                EXPECT_LT(contrastOf(shown, paper), 6.5) << which;  // no further than needed
+            }
+            // Black and white of a colour have no hue left.
+            if (wanted.hslSaturation() > 0 && shown.lightness() > 0 && shown.lightness() < 255) {
+                const int apart = std::abs(shown.hslHue() - wanted.hslHue());
+                EXPECT_LE(std::min(apart, 360 - apart), 2) << which;
+            } else if (wanted.hslSaturation() == 0) {
+                EXPECT_EQ(shown.hslSaturation(), 0) << which;
+            }
+            position += static_cast<int>(5 + std::to_string(n).size());
+        }
+        EXPECT_GT(kept, 0);
+        EXPECT_LT(kept, 16);
+    }
+    QApplication::setPalette(before);
+    QApplication::processEvents();
 }
 
 TEST_F(EditTest, CutAndPasteKeepsBytes) {
@@ -733,6 +943,226 @@ TEST_F(EditTest, APastedEndlessLineIsNoSlowerThanALoadedOne) {
     press(Qt::Key_C, {}, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
               "sh" + line + std::string(12, 'y') + "ort\n");
+}
+
+// A line of 4,000,000 bytes with 8,000 places to find.
+constexpr int Hits = 8000, Apart = 500;
+
+std::string lineOfHits() {
+    std::string text;
+    for (int i = 0; i < Hits; ++i)
+        text += "hit" + std::string(static_cast<std::size_t>(Apart - 3), static_cast<char>('a' + i % 26));
+    return text;
+}
+
+std::vector<Selection> placesOfHits() {
+    std::vector<Selection> places;
+    for (int i = 0; i < Hits; ++i) places.push_back({i * Apart + 1, 3});
+    return places;
+}
+
+TEST_F(EditTest, ManyPlacesOfAnEndlessLineAreReplacedAsOneStep) {
+    const std::string text = lineOfHits();
+    for (const std::string& comes : {"HIT"s, ""s, "longer\xC3\xA9\0"s, "two\nlines"s, std::string(40, 'z')}) {
+        std::vector<TextEdit> edits;
+        std::string wanted;
+        for (const Selection& place : placesOfHits()) {
+            edits.push_back({place.start, place.length, comes});
+            wanted += comes + text.substr(static_cast<std::size_t>(place.start + 2), Apart - 3);
+        }
+        store->setText(text);
+        QElapsedTimer timer;
+        timer.start();
+        store->replaceParts(edits);
+        EXPECT_LT(timer.elapsed(), 3000);
+        EXPECT_EQ(store->text(), wanted);
+        EXPECT_EQ(store->length(), static_cast<int>(wanted.size()));
+        EXPECT_EQ(store->selection().start, static_cast<int>(wanted.size()) - (Apart - 3) + 1);
+        EXPECT_EQ(store->selection().length, 0);
+        EXPECT_EQ(store->range(1'000'001, 777), wanted.substr(1'000'000, 777));
+        store->undo();
+        EXPECT_EQ(store->text(), text) << "one step";
+        EXPECT_FALSE(store->canUndo());
+        EXPECT_FALSE(store->modified());
+        store->redo();
+        EXPECT_EQ(store->text(), wanted);
+        caret(2'000'000);
+        EXPECT_LT(slowKey(*area, [&] { type(QStringLiteral("y")); }), 200);
+    }
+    QApplication::processEvents();
+    EXPECT_EQ(changes, 5 * 12) << "the keys alone are reported";
+}
+
+TEST_F(EditTest, WhatMakesALineEndlessIsPartedInOneStepToo) {
+    std::string text, wanted;
+    std::vector<TextEdit> edits;
+    for (int i = 0; i < 1000; ++i) {
+        edits.push_back({static_cast<int>(text.size()) + 1, 1, std::string(900, 'n')});
+        text += "o y";
+        wanted += edits.back().text + " y";
+    }
+    for (const std::string& tail : {""s, "\nmore\n"s, "\r\nmore"s}) {
+        store->setText(text + tail);
+        store->replaceParts(edits);
+        EXPECT_EQ(store->text(), wanted + tail);
+        EXPECT_LT(slowKey(*area, [&] { type(QStringLiteral("y")); }), 200);
+        while (store->canUndo()) store->undo();
+        EXPECT_EQ(store->text(), text + tail);
+        store->replaceRange(2, 1, std::string(900'000, 'r'));
+        EXPECT_EQ(store->text(), "o" + std::string(900'000, 'r') + text.substr(2) + tail);
+        store->undo();
+        EXPECT_EQ(store->text(), text + tail);
+    }
+}
+
+TEST_F(EditTest, ARangeOfAnEndlessLineIsReplacedAroundCaretAndView) {
+    const std::string text = lineOfHits();
+    struct Case {
+        int start, length;
+        std::string comes;
+    };
+    const Case cases[] = {{1, 3, "x"},           {1001, 1000, ""},
+                          {999, 5, "\n"},        {500'000, 2'000'000, std::string(5000, 'n')},
+                          {4'000'001, 0, "end"}, {1, 4'000'000, "all"},
+                          {2000, 1, "\0\xFF"s}};
+    for (const auto& [start, length, comes] : cases) {
+        store->setText(text);
+        store->select(3'000'001, 500);
+        const long first = ask(2152);
+        store->replaceRange(start, length, comes);
+        std::string wanted = text;
+        wanted.replace(static_cast<std::size_t>(start - 1), static_cast<std::size_t>(length), comes);
+        EXPECT_EQ(store->text(), wanted) << start;
+        if (start + length <= 3'000'001) {
+            const Selection now = store->selection();
+            EXPECT_EQ(store->range(now.start, now.length), text.substr(3'000'000, 500)) << start;
+        }
+        if (start > 3'000'000) {
+            EXPECT_EQ(ask(2152), first) << "nothing is scrolled";
+        }
+        store->undo();
+        EXPECT_EQ(store->text(), text) << start;
+        EXPECT_FALSE(store->canUndo());
+        store->redo();
+        EXPECT_EQ(store->text(), wanted) << start;
+    }
+    store->setText(text);
+    store->replaceRange(2'000'001, 3, "lone\rreturn");
+    EXPECT_EQ(store->range(2'000'001, 11), "lone\rreturn");
+    EXPECT_EQ(store->length(), 4'000'008);
+    EXPECT_TRUE(store->modified());
+}
+
+TEST_F(EditTest, MarksOfAnEndlessLineStayWithTheirText) {
+    store->setText(lineOfHits());
+    const std::vector<Selection> places = placesOfHits();
+    store->setMarks(places);
+    EXPECT_EQ(placesOf(store->marks()), placesOf(places));
+    caret(1);
+    type(QStringLiteral("xx"));
+    std::vector<Selection> moved = places;
+    for (Selection& place : moved) place.start += 2;
+    EXPECT_EQ(placesOf(store->marks()), placesOf(moved));
+    store->replaceRange(1, 2, "");
+    EXPECT_EQ(placesOf(store->marks()), placesOf(places));
+    store->setMarks({{998, 10}, {2001, 3000}, {3'999'999, 50}});
+    EXPECT_EQ(placesOf(store->marks()), "998+10 2001+3000 3999999+2 ") << "over the ends of rows";
+    store->setMarks({{1, 2000}, {2001, 5}});
+    EXPECT_EQ(placesOf(store->marks()), "1+2005 ") << "those that touch are one";
+    EXPECT_EQ(store->text(), lineOfHits());
+    store->setMarks({});
+    EXPECT_TRUE(store->marks().empty());
+}
+
+TEST_F(EditTest, TheLimitOfAnEndlessLineCountsItsOwnBytes) {
+    area->setFlags(STATUSBAR);
+    area->setMaxLength(4'000'000);
+    area->setStatus(QStringLiteral("Read-only file"));
+    std::string text(3'999'998, 'x');
+    store->setText(text);
+    caret(2'000'000);
+    type(QStringLiteral("abc"));
+    text.insert(1'999'999, "ab");
+    EXPECT_EQ(store->text(), text) << "two had room";
+    QApplication::processEvents();
+    auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
+    for (const char* part :
+         {"No room: a text has at most 4,000,000 bytes", "Read-only file", "stand in rows"})
+        EXPECT_TRUE(bar->accessibleDescription().contains(QLatin1String(part)))
+            << bar->accessibleDescription().toStdString();
+    store->select(1, 2000);
+    QGuiApplication::clipboard()->setText(QString(2001, u'p'));
+    press(Qt::Key_V, {}, Qt::ControlModifier);
+    EXPECT_EQ(store->text(), text) << "one byte too many";
+    QGuiApplication::clipboard()->setText(QString(2000, u'p'));
+    press(Qt::Key_V, {}, Qt::ControlModifier);
+    text.replace(0, 2000, std::string(2000, 'p'));
+    EXPECT_EQ(store->text(), text);
+    while (store->canUndo()) store->undo();
+    EXPECT_EQ(store->text(), std::string(3'999'998, 'x'));
+    while (store->canRedo()) store->redo();
+    EXPECT_EQ(store->text(), text) << "what was done is done again, whatever the limit";
+}
+
+TEST_F(EditTest, APasteIntoAnEndlessLineKeepsItsBytesAndTakesTheLineEnds) {
+    for (const std::string& end : {"\n"s, "\r\n"s}) {
+        const std::string text = lineOfHits() + end;
+        store->setText(text);
+        caret(1001);
+        QGuiApplication::clipboard()->setText(QStringLiteral("one\r\ntwo\nthree"));
+        press(Qt::Key_V, {}, Qt::ControlModifier);
+        EXPECT_EQ(store->text(),
+                  text.substr(0, 1000) + "one" + end + "two" + end + "three" + text.substr(1000));
+        store->undo();
+        EXPECT_EQ(store->text(), text);
+        store->select(500, 3'000'000);
+        press(Qt::Key_X, {}, Qt::ControlModifier);
+        EXPECT_EQ(store->text(), text.substr(0, 499) + text.substr(3'000'499));
+        press(Qt::Key_V, {}, Qt::ControlModifier);
+        EXPECT_EQ(store->text(), text) << "cut and pasted";
+    }
+}
+
+TEST_F(EditTest, ReturnsThatWereOnceInATextAreNotTakenForRows) {
+    const std::string line(40'000, 'x');
+    store->setText("a\rb\nc");
+    store->convertLineEnds(ENDS_LF, 0);
+    caret(1);
+    store->replaceSelection(line);
+    EXPECT_EQ(store->text(), line + "a\nb\nc");
+    EXPECT_TRUE(store->modified());
+    while (store->canUndo()) store->undo();
+    EXPECT_EQ(store->text(), "a\nb\nc") << "what was before cannot be undone";
+    EXPECT_TRUE(store->modified());
+    store->setText("a\nb");
+    caret(1);
+    type(QStringLiteral("\n"));
+    store->replaceSelection(line);
+    while (store->canUndo()) store->undo();
+    EXPECT_EQ(store->text(), "a\nb") << "ends as the others are no hindrance";
+    EXPECT_FALSE(store->modified());
+}
+
+TEST_F(EditTest, ChangedLinesAndBlocksFollowReplacingManyPlacesAndItsUndo) {
+    area->setLooks(LOOK_FOLDS | LOOK_CHANGES, 4, 0);
+    area->setBlocks("any if\nend end\n");
+    const std::string between(100, 'c');
+    store->setText("a\nx\n" + between + "\nend if\na\n");
+    store->replaceParts({{1, 1, "if"}, {113, 1, "z"}});
+    EXPECT_EQ(store->text(), "if\nx\n" + between + "\nend if\nz\n");
+    const auto marked = [&] {
+        std::string lines;
+        for (int line = 0; line < ask(2154); ++line)
+            lines += std::to_string(ask(2046, static_cast<unsigned long>(line)) & 3);
+        return lines;
+    };
+    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+    EXPECT_EQ(marked(), "100010");
+    EXPECT_NE(ask(2223, 0) & 0x2000, 0) << "a block begins";
+    store->undo();
+    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+    EXPECT_EQ(marked().find('1'), std::string::npos);
+    EXPECT_EQ(ask(2223, 0) & 0x2000, 0);
 }
 
 // ---- looks ----
@@ -1020,7 +1450,7 @@ TEST_F(EditTest, BracketsAndTheirPartnersAreFoundNearby) {
 
 TEST_F(EditTest, ANoteInTheStatusBarGoesWithTheNextKey) {
     area->setFlags(STATUSBAR);
-    area->setNote("no declaration found");
+    area->setPassing(QStringLiteral("no declaration found"));
     QApplication::processEvents();
     auto* bar = window.findChild<QWidget*>(QStringLiteral("statusbar"));
     EXPECT_TRUE(bar->accessibleDescription().contains(QStringLiteral("no declaration found")));

@@ -13,6 +13,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QGroupBox>
@@ -303,6 +304,35 @@ TEST_F(ViewTest, KeysOfTheEditorStayInTheEditor) {
     press(editor(), Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
     EXPECT_EQ(count(COMMAND_EVENT), 0);
     EXPECT_EQ(GetText(Code).value, "x");
+}
+
+TEST_F(ViewTest, EditingKeysOfTheMainMenuActInMainAlone) {
+    show(Main);
+    QWidget* button = find<QToolButton>(Main, "btnopen");
+    press(button, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(count(COMMAND_EVENT, 102), 1);
+    show(Form);
+    find<QListView>(Form, "lstrows")->setFocus();
+    press(find<QListView>(Form, "lstrows"), Qt::Key_C, Qt::ControlModifier);
+    press(find<QCheckBox>(Form, "chkon"), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(count(COMMAND_EVENT, 102), 0);
+}
+
+TEST_F(ViewTest, AFieldsEditingKeysStayInTheField) {
+    show(Main);
+    show(Form);
+    auto* field = find<QLineEdit>(Form, "edtname");
+    SetText(Sysclipboard, "before");
+    field->setFocus();
+    field->selectAll();
+    press(field, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(GetText(Sysclipboard).value, "first");
+    press(field, Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(field->text(), QString());
+    press(field, Qt::Key_V, Qt::ControlModifier);
+    press(field, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(field->text().toStdString(), "firstfirst");
+    EXPECT_EQ(count(COMMAND_EVENT), 0);
 }
 
 TEST_F(ViewTest, KeysTypedAheadOfTheFocusReachTheWindowThatWasShown) {

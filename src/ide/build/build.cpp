@@ -12,6 +12,7 @@
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/toolresults.h"
 
 MODULE("runmenu", tarn::TOOL_ONERROR)
 
@@ -81,8 +82,8 @@ bool hasMakeTool(const std::string& title) {
 // or died, is written where its messages would stand, so that the error window shows it.
 bool make(const std::string& options, const std::string& file) {
     const std::string errors = GETCOMPILERMESSAGES(), output = GETMAKEMESSAGES();
-    const std::string line =
-        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -o\"" + output + "\"";
+    const std::string line = options + " " + QUOTEARGUMENT(file) + " -i" +
+                             QUOTEARGUMENT(GETINHERITEDPATHS()) + " -o" + QUOTEARGUMENT(output);
     const ToolRun run = RUNTOOL(FINDTOOL(GETORDOEXE()), line, 0 + 1, errors, output);
     if (!run.started) return false;
     const bool clean = ISCLEAN(run.messages);
@@ -115,7 +116,7 @@ void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::st
 
 bool UPDATEERRORWINDOW(const std::string& compilerDir) {
     FRAME(UPDATEERRORWINDOW);
-    const std::string file = compilerDir + std::string(CompilerMessages);
+    const std::string file = os::resultFile(compilerDir, CompilerMessages);
     std::string text;
     STAMP();
     if (FileSize(file) > 0) LOADFILE(file, text);

@@ -8,6 +8,7 @@
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/toolresults.h"
 
 #include <utility>
 
@@ -50,6 +51,11 @@ std::string backEndSwitch() {
     return FileSize(folder + "ppc386.exe") >= 0 ? "/gfpc" : "";
 }
 
+// In quotes whatever it holds, as the line is read by SPLITARGUMENTS.
+std::string quoted(const std::string& text) {
+    return "\"" + STRREPLACE(text, "\"", "\"\"") + "\"";
+}
+
 std::string levelSwitch(std::string_view name, int level) {
     return level == 1 || level == 2 ? std::string(name) + STR(level) : std::string();
 }
@@ -76,7 +82,7 @@ std::string SAVECOMMANDLINE(const CompilerOptions& o, int windowMode, bool write
     FRAME(SAVECOMMANDLINE);
     const std::string extra = STRTRIM(o.extra);
     const std::string pieces[] = {
-        "\"" + GETCOMPILEREXE() + "\"",
+        quoted(GETCOMPILEREXE()),
         levelSwitch("/p", o.precond),
         levelSwitch("/d", o.debug),
         o.quiet == 1 ? "/q" : "",
@@ -85,8 +91,8 @@ std::string SAVECOMMANDLINE(const CompilerOptions& o, int windowMode, bool write
         o.shortcutFile == 1 ? "/os" : "",
         "/s" + STR(o.symbols),
         extra,
-        o.inheritPaths.empty() ? "" : "/i\"" + o.inheritPaths + "\"",
-        o.resourcePaths.empty() ? "" : "/r\"" + o.resourcePaths + "\"",
+        o.inheritPaths.empty() ? "" : "/i" + quoted(o.inheritPaths),
+        o.resourcePaths.empty() ? "" : "/r" + quoted(o.resourcePaths),
         windowMode >= 0 && windowMode <= 11 ? "/lw" + STR(windowMode) : "",
         backEndSwitch(),
         "^" + std::string(ClassExtension),
@@ -135,10 +141,13 @@ struct Compilation {
 
 Compilation runCompiler(const std::string& file, int windowMode) {
     std::string line = SAVECOMMANDLINE(GETCOMPILEROPTIONS(), 1, false);
-    line = FILESUBSTITUTENAME(line, "^", FILEGETDIR(file) + FILEBASENAME(file));
-    const std::string arguments = STRTRIM(std::string_view(line).substr(STRTOKEN(line, 1).size()));
+    line = FILESUBSTITUTENAME(line, "^", STRREPLACE(FILEGETDIR(file) + FILEBASENAME(file), "\"", "\"\""));
+    std::vector<std::string> words = SPLITARGUMENTS(line);
+    words.erase(words.begin());  // the compiler itself
+    std::string arguments;
+    for (const std::string& word : words) arguments += QUOTEARGUMENT(word) + " ";
     const std::string compiler = FINDTOOL(GETCOMPILEREXE());
-    const std::string results = FILEGETDIR(compiler) + std::string(CompilerMessages);
+    const std::string results = os::resultFile(FILEGETDIR(compiler), CompilerMessages);
     const ToolRun run = RUNTOOL(compiler, arguments, windowMode, results);
     FILEDELETE(results);
     return {run.started, run.fault + (ISCLEAN(run.messages) ? "" : run.messages)};
@@ -190,8 +199,8 @@ DependencyList LOADDEPLIST(const std::string& file, const std::string& options, 
     DependencyList result;
     const std::string tool = GETORDOEXE();
     const std::string output = GETMAKEMESSAGES();
-    const std::string line =
-        options + " \"" + file + "\" -i\"" + GETINHERITEDPATHS() + "\" -n -o\"" + output + "\"";
+    const std::string line = options + " " + QUOTEARGUMENT(file) + " -i" +
+                             QUOTEARGUMENT(GETINHERITEDPATHS()) + " -n -o" + QUOTEARGUMENT(output);
     STAMP();
     FILEDELETE(output);
     result.error = dependencyObstacle(file, tool);

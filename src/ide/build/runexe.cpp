@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/build/runexe.h"
 
+#include "ide/build/output.h"
 #include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "library/settings/profstr.h"
@@ -18,7 +19,7 @@ void RUNEXEFILE(const std::string& exe, int trace, bool singleStep) {
     PROFILESTRPUT(ini, "debug", "SingleStep", singleStep ? "1" : "0");
     STAMP();
     // A program runs in its own folder, where the files lie that it names without one.
-    EXEC(exe, PROFILESTRGET(ini, "ArgumentsDlg", "Edit1"), 16 + 1, FILEGETDIR(exe));
+    RUNPROGRAM("Run-Start", exe, PROFILESTRGET(ini, "ArgumentsDlg", "Edit1"), FILEGETDIR(exe));
     STAMP();
 }
 

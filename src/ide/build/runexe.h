@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Starts a built program, which then runs by itself.
+// Starts a built program, which then runs by itself; see output.h.
 #pragma once
 
 #include <string>

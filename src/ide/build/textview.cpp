@@ -10,6 +10,7 @@
 #include "library/data/dbutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
+#include "os/text/utf8.h"
 
 MODULE("textview", tarn::TOOL_ONERROR)
 
@@ -31,8 +32,29 @@ struct Message {
     int line = 0, number = 0;
 };
 
+// The bytes that the tool wrote, which name files; the window may show some of them in another form. Its lines are theirs.
+constexpr std::string_view BytesValue = "bytes";
+
+void setMessages(const Object& window, const std::string& bytes) {
+    SetArrayValue(window, BytesValue, bytes);
+    SetText(window, utf8::shown(bytes));
+}
+
+int lineStart(const std::string& text, int line) {
+    int place = 1;
+    for (; line > 1 && place > 0; --line) place = STRFIND("\n", text, place) + 1;
+    return place;
+}
+
 Message messageAtCursor(const Object& window) {
-    const std::string result = FILEGETERROR(GetText(window), GetSelection(window).start, searchPath());
+    std::string text = GetText(window);
+    int place = GetSelection(window).start;
+    const std::string bytes = GetArrayValue(window, BytesValue);
+    if (bytes != text && utf8::shown(bytes) == text) {
+        place = lineStart(bytes, STRLINES(STRLEFT(text, place - 1)) + 1);
+        text = bytes;
+    }
+    const std::string result = FILEGETERROR(text, place, searchPath());
     Message message;
     bool ok = false;
     message.file = STRREMOVEQUOTES(STRTOKEN(result, 1));
@@ -57,6 +79,7 @@ void jumpToSource(const Object& window) {
 }
 
 void helpOnError(const Object& window) {
+    if (GetCaption(window) == FoundTitle) return SHOWWINDOWHELP(window);
     const Message message = messageAtCursor(window);
     if (message.number == 0)
         return MSGBOX("View Errors", "Cannot get help for the error.\nThe error number cannot be found.");
@@ -110,22 +133,36 @@ bool VIEWDLG(const Object& window, int event, const Object&, int parameter) {
     return result;
 }
 
+namespace {
+
+void showText(const std::string& title, const std::string& text, const std::string& fontName, int fontSize) {
+    if (!IsLoaded(ViewDlg)) Load(ViewDlg);
+    SetCaption(ViewDlg, title);
+    SetFontName(ViewDlg, fontName);
+    SetFontSize(ViewDlg, fontSize);
+    setMessages(ViewDlg, text);
+    SetSelection(ViewDlg, 1, 0);
+    Show(ViewDlg, false);
+}
+
+}  // namespace
+
 void VIEWDIALOG(const std::string& title, const std::string& file, const std::string& fontName,
                 int fontSize) {
     FRAME(VIEWDIALOG);
-    STAMP();
-    if (!IsLoaded(ViewDlg)) Load(ViewDlg);
     std::string text;
     STAMP();
     if (FileSize(file) >= 0) LOADFILE(file, text);
     STAMP();
-    SetCaption(ViewDlg, title);
-    SetFontName(ViewDlg, fontName);
-    SetFontSize(ViewDlg, fontSize);
-    SetText(ViewDlg, text);
+    showText(title, text, fontName, fontSize);
     STAMP();
-    SetSelection(ViewDlg, 1, 0);
-    Show(ViewDlg, false);
+}
+
+void VIEWTEXT(const std::string& title, const std::string& text) {
+    FRAME(VIEWTEXT);
+    STAMP();
+    showText(title, text, GetFontName(SDIEdit), GetFontSize(SDIEdit));
+    STAMP();
 }
 
 }  // namespace tarn

@@ -3,10 +3,20 @@
 
 #include "ide/shell/idecore.h"
 #include "library/system/system.h"
+#include "os/toolresults.h"
 
 MODULE("toolrun", tarn::TOOL_ONERROR)
 
 namespace tarn {
+namespace {
+
+std::string nextStep(std::int32_t code) {
+    return code == ERR_EXEC_PERMISSIONS
+               ? "\nMake its file executable, or choose other tools in Tools-Options-Paths."
+               : "";
+}
+
+}  // namespace
 
 void TOOL_ONERROR(std::int32_t code) {
     const bool tool = code >= 901 && code <= 909, file = code >= 651 && code <= 659;
@@ -17,7 +27,7 @@ void TOOL_ONERROR(std::int32_t code) {
     MsgBox(
         "Error",
         ErrorMessage(code) + " (error " + STR(code) + ").\n" +
-            (tool ? "Cannot run external program."
+            (tool ? "Cannot run external program." + nextStep(code)
                   : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
                     "compiler file path that you may write."),
         "OK", BoxIcon::Error);
@@ -38,12 +48,12 @@ std::string GETORDOEXE() {
 
 std::string GETCOMPILERMESSAGES() {
     FRAME(GETCOMPILERMESSAGES);
-    return GETCOMPILERDIR() + std::string(CompilerMessages);
+    return os::resultFile(GETCOMPILERDIR(), CompilerMessages);
 }
 
 std::string GETMAKEMESSAGES() {
     FRAME(GETMAKEMESSAGES);
-    return GETCOMPILERDIR() + std::string(MakeMessages);
+    return os::resultFile(GETCOMPILERDIR(), MakeMessages);
 }
 
 // ---- runs ----

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The one driver of the compiler and the make tool. Both leave a text beside the name that they are called by; whoever
-// starts one removes what an earlier run left, waits for it, and reads what it wrote.
+// The one driver of the compiler and the make tool. Both leave a text (os/toolresults.h tells where); whoever starts one
+// removes what an earlier run left, waits for it, and reads what it wrote.
 #pragma once
 
 #include "library/system/system.h"
@@ -12,7 +12,7 @@
 namespace tarn {
 
 inline constexpr std::string_view CompilerProgram = "quarn.exe", MakeProgram = "ordo.exe";
-// What they leave in the compiler directory: the compiler's messages, also of a build, and what the make tool says.
+// What they leave: the compiler's messages, also of a build, and what the make tool says.
 inline constexpr std::string_view CompilerMessages = "sarn.err", MakeMessages = "ordo.err";
 
 std::string GETCOMPILEREXE();

@@ -140,7 +140,7 @@ void COMPLETEWORD(const Object& window, bool automatic) {
     const std::string rows = COMPLETIONROWS(place, spot.word);
     STAMP();
     const bool alone = automatic && ascii::equal(rows.substr(0, rows.find('\t')), spot.word);
-    if (rows.empty() && !automatic) SetStatusText(window, "no word begins so");
+    if (rows.empty() && !automatic) SetStatus(window, "no word begins so", StatusKind::Passes);
     STAMP();
     ShowChoices(window, alone ? "" : rows, static_cast<int>(spot.word.size()));
 }

@@ -5,6 +5,7 @@
 #include "ide/editor/textedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "library/dialogs/finddlgs.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
 
@@ -112,7 +113,7 @@ bool GOTODECLARATION(const Object& window, bool quiet) {
     }
     STAMP();
     if (!hasSource(target)) {
-        if (!quiet) SetStatusText(window, "no declaration found");
+        if (!quiet) SetStatus(window, "no declaration found", StatusKind::Passes);
         return false;
     }
     if (target.file.empty()) {
@@ -134,7 +135,7 @@ void GOBACK(const Object& window) {
     STAMP();
     while (!places().empty() && isGone(window, places().back().file)) places().pop_back();
     STAMP();
-    if (places().empty()) return SetStatusText(window, "no place to go back to");
+    if (places().empty()) return SetStatus(window, "no place to go back to", StatusKind::Passes);
     const Place place = places().back();
     if (!openFile(window, place.file)) return;
     STAMP();

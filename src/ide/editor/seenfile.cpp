@@ -12,7 +12,8 @@ namespace {
 
 struct Seen {
     std::string file;
-    os::FileInfo info;
+    os::FileInfo info;   // as the window has it
+    os::FileInfo asked;  // as it was when the user was asked about it, or the same
 };
 
 std::map<std::string, Seen>& seen() {
@@ -29,7 +30,8 @@ bool sameContent(const os::FileInfo& a, const os::FileInfo& b) {
 void NOTEFILESEEN(const Object& window, const std::string& file) {
     FRAME(NOTEFILESEEN);
     STAMP();
-    seen()[window.window()] = {file, os::infoOf(os::native(file))};
+    const os::FileInfo info = os::infoOf(os::native(file));
+    seen()[window.window()] = {file, info, info};
 }
 
 bool CHANGEDOUTSIDE(const Object& window, const std::string& file) {
@@ -39,6 +41,25 @@ bool CHANGEDOUTSIDE(const Object& window, const std::string& file) {
     if (known == seen().end() || known->second.file != file || !known->second.info.exists) return false;
     const os::FileInfo now = os::infoOf(os::native(file));
     return now.exists && !sameContent(now, known->second.info);
+}
+
+OutsideChange NEWCHANGEOUTSIDE(const Object& window, const std::string& file) {
+    FRAME(NEWCHANGEOUTSIDE);
+    STAMP();
+    const auto known = seen().find(window.window());
+    if (known == seen().end() || known->second.file != file || !known->second.info.exists)
+        return OutsideChange::None;
+    const os::FileInfo now = os::infoOf(os::native(file)), &asked = known->second.asked;
+    if (!now.exists) return asked.exists ? OutsideChange::Gone : OutsideChange::None;
+    return asked.exists && sameContent(now, asked) ? OutsideChange::None : OutsideChange::Changed;
+}
+
+void NOTECHANGEASKED(const Object& window, const std::string& file) {
+    FRAME(NOTECHANGEASKED);
+    STAMP();
+    const auto known = seen().find(window.window());
+    if (known != seen().end() && known->second.file == file)
+        known->second.asked = os::infoOf(os::native(file));
 }
 
 }  // namespace tarn

@@ -15,4 +15,24 @@ void NOTEFILESEEN(const Object& window, const std::string& file);
 // Another program has changed the file since; false for one that the window did not read, and for one that is gone.
 bool CHANGEDOUTSIDE(const Object& window, const std::string& file);
 
+// What has happened to the file since it was seen, or since the user was asked about it last.
+enum class OutsideChange { None, Changed, Gone };
+OutsideChange NEWCHANGEOUTSIDE(const Object& window, const std::string& file);
+// The user is being asked about what stands on the disk now.
+void NOTECHANGEASKED(const Object& window, const std::string& file);
+
+// Lives while a window gets or gives up its file, or asks about it: its boxes bring windows forward, and nobody else must
+// ask about the file then.
+class FileWork {
+public:
+    FileWork() { ++depth_; }
+    ~FileWork() { --depth_; }
+    FileWork(const FileWork&) = delete;
+    FileWork& operator=(const FileWork&) = delete;
+    [[nodiscard]] static bool goesOn() { return depth_ > 0; }
+
+private:
+    static inline int depth_ = 0;
+};
+
 }  // namespace tarn

@@ -1,23 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/editor/textedit.h"
 
+#include "ide/editor/backup.h"
 #include "ide/editor/completion.h"
 #include "ide/editor/declaration.h"
 #include "ide/editor/editlooks.h"
 #include "ide/editor/fileinfo.h"
+#include "ide/editor/recentfiles.h"
 #include "ide/editor/seenfile.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
+#include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/files.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 MODULE("textedit", tarn::TEXTEDIT_ONERROR)
 
@@ -183,6 +189,60 @@ void INITFILE(const Object& window) {
     STAMP();
     SetModify(window, false);
     SETMODIFYPRIVATE(window, false);
+    SetStatus(window, "");
+}
+
+namespace {
+
+// The lines that two texts have in common at their start, in bytes, and behind them at their end.
+std::pair<std::size_t, std::size_t> commonEnds(const std::string& a, const std::string& b) {
+    const std::size_t most = std::min(a.size(), b.size());
+    std::size_t head = 0, tail = 0;
+    while (head < most && a[head] == b[head]) head++;
+    while (head > 0 && a[head - 1] != '\n') head--;
+    while (tail < most - head && a[a.size() - 1 - tail] == b[b.size() - 1 - tail]) tail++;
+    while (tail > 0 && a[a.size() - tail - 1] != '\n') tail--;
+    return {head, tail};
+}
+
+void showReadOnly(const Object& window, const std::string& file) {
+    const os::FileInfo info = os::infoOf(os::native(file));
+    SetStatus(window, info.exists && !info.writable ? "Read-only file" : "");
+}
+
+}  // namespace
+
+bool EDITWNDHASROOM(const Object& window, std::int64_t bytes) {
+    FRAME(EDITWNDHASROOM);
+    STAMP();
+    const int most = EDITWNDGETMAXLENGTH(window);
+    if (bytes <= 0 || GetTextLength(window) + bytes <= most) return true;
+    Sound();
+    SetStatus(window, "No room: a text has at most " + STR(most) + " bytes", StatusKind::Passes);
+    STAMP();
+    return false;
+}
+
+void EDITWNDCHANGETEXT(const Object& window, const std::string& text) {
+    FRAME(EDITWNDCHANGETEXT);
+    STAMP();
+    const std::string before = GetText(window);
+    if (before == text) return;
+    const auto [head, tail] = commonEnds(before, text);
+    ReplaceText(window, static_cast<int>(head) + 1, static_cast<int>(before.size() - head - tail),
+                std::string_view(text).substr(head, text.size() - head - tail));
+    STAMP();
+}
+
+void EDITWNDNOTELOADED(const Object& window, const std::string& file) {
+    FRAME(EDITWNDNOTELOADED);
+    STAMP();
+    SetModify(window, false);
+    SETMODIFYPRIVATE(window, false);
+    NOTEFILESEEN(window, file);
+    showReadOnly(window, file);
+    STAMP();
+    DRAWMODIFYINDICATOR(window);
 }
 
 // ---- open ----
@@ -234,8 +294,8 @@ bool loadIntoWindow(const Object& window, const std::string& file) {
     Show(window, false);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     SetText(window, text);
-    SetModify(window, false);
-    NOTEFILESEEN(window, file);
+    EDITWNDNOTELOADED(window, file);
+    EDITWNDCHECKBACKUPOK(file);
     return true;
 }
 
@@ -256,6 +316,7 @@ bool showOrLoad(const Object& window, const std::string& file, bool reload) {
 
 void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int line) {
     FRAME(EDITWNDOPEN);
+    const FileWork work;
     STAMP();
     const int most = EDITWNDGETMAXLENGTH(window);
     if (FileSize(file) > most) {
@@ -276,6 +337,7 @@ void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int
 
 void EDITWNDNEW(const Object& window, const std::string& text) {
     FRAME(EDITWNDNEW);
+    const FileWork work;
     STAMP();
     EDITWNDCLOSE(window, false);
     STAMP();
@@ -306,6 +368,12 @@ std::string askForName(const Object& window, const std::string& name) {
     return SaveAsDialog("Save File", proposedName(window, name), "Class (*.cls)|*.cls|All files (*)|*|");
 }
 
+bool isClassName(const std::string& name) {
+    constexpr std::size_t Most = 40;
+    return name.size() <= Most && STRTOIDENTIFIER(name, "", "_") == name && !ISRESERVEDWORD(name) &&
+           !ISFUTURERESERVEDWORD(name);
+}
+
 // Brings the class name in the text into line with the file's, if the user wants that; false on Cancel.
 bool agreeOnClassName(const Object& window, const std::string& file) {
     if (!ISCLASSFILE(file)) return true;
@@ -313,6 +381,12 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     const std::string base = FILEBASENAME(file);
     const std::string className = SYMGETCLASSNAME(0, text, ProductWord);
     if (className.empty() || STREQUAL(className, base)) return true;
+    if (!isClassName(base))
+        return MsgBox("Save File",
+                      "The classname '" + className + "' does not match the file being saved (" + base +
+                          ".cls).\nIt cannot be changed to match, because '" + base +
+                          "' is no name of a class.",
+                      "&Save\n&Cancel", BoxIcon::Question) == "&Save";
     const int answer = MsgBoxEx("Save File",
                                 "The classname '" + className + "' does not match the file being saved (" +
                                     base + ".cls).\nDo you want the classname to be changed to match?",
@@ -321,23 +395,23 @@ bool agreeOnClassName(const Object& window, const std::string& file) {
     if (answer != 6) return false;
     const std::string error = SYMSETCLASSNAME(base, 0, ProductWord, text);
     if (!error.empty()) MSGBOX("Save File", error);
-    SetText(window, text);
+    if (!EDITWNDHASROOM(window, std::ssize(text) - GetTextLength(window))) return false;
+    EDITWNDCHANGETEXT(window, text);
     SetModify(window, true);
     return true;
 }
 
 bool writeText(const Object& window, const std::string& file) {
     if (!SAVEFILE(file, GetText(window))) return false;
-    NOTEFILESEEN(window, file);
     DROPRESCUEDTEXT(file);
-    SetModify(window, false);
-    SETMODIFYPRIVATE(window, false);
+    EDITWNDNOTELOADED(window, file);
     return true;
 }
 
 // What another program has written meanwhile goes only if the user says so.
 bool maySaveOver(const Object& window, const std::string& file) {
     if (!CHANGEDOUTSIDE(window, file)) return true;
+    NOTECHANGEASKED(window, file);
     return MsgBox("File-Save",
                   "The following file was changed by another program after it was read here:\n\n\t" + file +
                       "\n\nTo keep both, cancel and use File-Save As with another name.",
@@ -346,7 +420,7 @@ bool maySaveOver(const Object& window, const std::string& file) {
 
 // A text that could not be stored under its new name keeps the old one, and the class in it too.
 void takeBackName(const Object& window, const std::string& name, const std::string& text) {
-    if (GetText(window) != text) SetText(window, text);
+    EDITWNDCHANGETEXT(window, text);
     SetModify(window, true);
     EDITWNDSETFILENAME(window, name);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
@@ -356,6 +430,7 @@ void takeBackName(const Object& window, const std::string& name, const std::stri
 
 void EDITWNDSAVE(const Object& window, bool saveAs) {
     FRAME(EDITWNDSAVE);
+    const FileWork work;
     STAMP();
     const std::string before = EDITWNDGETFILENAME(window);
     if (before.empty()) return MSGBOX("File-Save", "There is no file to save.");
@@ -378,11 +453,14 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     STAMP();
     if (go && !written) takeBackName(window, before, textBefore);
     STAMP();
+    if (written && file != before) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
+    STAMP();
     DRAWMODIFYINDICATOR(window);
 }
 
 void EDITWNDCLOSE(const Object& window, bool hide) {
     FRAME(EDITWNDCLOSE);
+    const FileWork work;
     STAMP();
     if (!IsLoaded(window)) return;
     bool discard = false;
@@ -428,17 +506,6 @@ void EDITWNDSELECTLINE(const Object& window, int line) {
     markLine(window, span);
 }
 
-std::string GETWORDATCURSOR(const Object& window) {
-    FRAME(GETWORDATCURSOR);
-    STAMP();
-    const std::string text = GetText(window);
-    std::size_t start = std::min(static_cast<std::size_t>(GetSelection(window).start) - 1, text.size());
-    std::size_t end = start;
-    while (start > 0 && ascii::isSymbol(text[start - 1])) start--;
-    while (end < text.size() && ascii::isSymbol(text[end])) end++;
-    return text.substr(start, end - start);
-}
-
 void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow) {
     FRAME(EDITWNDSETMAXSIZE);
     STAMP();
@@ -467,6 +534,7 @@ void loadCodeWindow(const Object& window) {
     EDITWNDSETNUMBERS(window, editorSetting("NumberBarOn"));
     EDITWNDSETAUTOINDENT(window, editorSetting("AutoIndentOn"));
     EDITWNDAPPLYLOOKS(window);
+    SetMaxLength(window, EDITWNDGETMAXLENGTH(window));  // what is larger could not be opened again
 }
 
 void closeCodeWindow(const Object& window) {
@@ -498,7 +566,13 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
     case CHANGE_EVENT:
         SETMODIFYPRIVATE(window, true);
         DRAWMODIFYINDICATOR(window);
+        UPDATEUNDOTYPINGITEMS();
+        SetStatus(window, "", StatusKind::Passes);  // it told of the text before
         OFFERHELP(window);
+        break;
+    case TIMER_EVENT:
+        EDITWNDAUTOBACKUP(window);
+        UPDATEUNDOMENU();  // the menu may be opened by a key, without a command before it
         break;
     case INFO_EVENT: FILEINFODIALOG(); break;
     case LOAD_EVENT: loadCodeWindow(window); break;

@@ -9,6 +9,7 @@
 
 #include "kernel/windows/windowing.h"
 
+#include <cstdint>
 #include <string>
 
 namespace tarn {
@@ -27,6 +28,16 @@ std::string EDITWNDGETFILENAME(const Object& window);
 void EDITWNDSETFILENAME(const Object& window, const std::string& name);
 int EDITWNDGETMAXLENGTH(const Object& window);  // bytes; 0 if it is no edit window
 
+// Gives the window another text by one edit that can be undone: the caret stays where it is, and only lines that differ
+// are replaced.
+void EDITWNDCHANGETEXT(const Object& window, const std::string& text);
+// Whether the text may grow by so many bytes. If not, a sound and a word in the status bar until the next change: what is
+// larger than the largest text could be saved and not be opened again. For commands that put text in; what the user
+// types and pastes by keys is refused by the control.
+bool EDITWNDHASROOM(const Object& window, std::int64_t bytes);
+// The window shows what stands in its file.
+void EDITWNDNOTELOADED(const Object& window, const std::string& file);
+
 void EDITWNDSETSTATUS(const Object& window, bool on);
 void EDITWNDSETNUMBERS(const Object& window, bool on);
 void EDITWNDSETAUTOINDENT(const Object& window, bool on);
@@ -40,7 +51,6 @@ void EDITWNDSELECTLINE(const Object& window, int line);
 void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow);
 void DRAWMODIFYINDICATOR(const Object& window);
 void INITFILE(const Object& window);
-std::string GETWORDATCURSOR(const Object& window);
 
 // A file that cannot be read or written is told in a box; the text stays where it was and the program goes on.
 void TEXTEDIT_ONERROR(std::int32_t code);

@@ -4,8 +4,10 @@
 #include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
+#include "ide/shell/examples.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "library/dialogs/commdlgs_print.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
@@ -117,6 +119,35 @@ void DO_MRU(const Object& first, const Object& last, const std::string& file, co
     REMOVEMRUITEM(GETIDEINIFILE(), "MRU", name);
     STAMP();
     LOADMRULIST(GETIDEINIFILE(), "MRU", 5, first);
+}
+
+void DO_OPEN_EXAMPLES(const std::string& title, const Object& programLabel) {
+    FRAME(DO_OPEN_EXAMPLES);
+    STAMP();
+    requireType(programLabel, "Label");
+    STAMP();
+    BROWSEEXAMPLES(title);
+}
+
+void DO_PRINT() {
+    FRAME(DO_PRINT);
+    STAMP();
+    const bool errors =
+        STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), ViewDlg.window()) && ISSHOWN(ViewDlg);
+    STAMP();
+    if (!errors && !IsLoaded(SDIEdit)) return MSGBOX("Print", "Nothing to print");
+    PRINT(errors ? ViewDlg : SDIEdit, GetCaption(MAINCONTROL("printername")));
+    STAMP();
+}
+
+void DO_PRINTER_SETUP(const Object& printerName) {
+    FRAME(DO_PRINTER_SETUP);
+    STAMP();
+    requireType(printerName, "Label");
+    STAMP();
+    const std::string name = PRINTERSETUPDIALOG();
+    STAMP();
+    if (!name.empty()) SetCaption(printerName, name);
 }
 
 void DO_EXIT() {

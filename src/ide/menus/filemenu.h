@@ -17,6 +17,9 @@ void DO_SAVE_ALL();
 void DO_CLOSE_ALL();
 void DO_CLOSE(const std::string& name);
 void DO_MRU(const Object& first, const Object& last, const std::string& file, const Object& programLabel);
+void DO_OPEN_EXAMPLES(const std::string& title, const Object& programLabel);
+void DO_PRINT();                                   // the window that was active last, if it has a text
+void DO_PRINTER_SETUP(const Object& printerName);  // the label with the name of the printer
 void DO_EXIT();
 // Unloads every window but Main; false when one of them stayed because the user chose Cancel.
 bool CLOSEALL();

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/helpmenu.h"
 
+#include "ide/shell/about.h"
 #include "ide/shell/idecore.h"
-#include "kernel/run/runtime.h"
+#include "library/system/system.h"
 
 MODULE("helpmenu")
 
@@ -72,6 +73,28 @@ void DO_TECH_SUPPORT() {
     FRAME(DO_TECH_SUPPORT);
     STAMP();
     SHOWHELP("Help_Technical Support");
+}
+
+void DO_ABOUT(const Object& mainWindow) {
+    FRAME(DO_ABOUT);
+    STAMP();
+    Precondition(IsLoaded(mainWindow));
+    STAMP();
+    ABOUTDIALOG("Help-About", "mainicon.ico", GETABOUTTEXT(), GETABOUTBOXBUTTONS());
+    STAMP();
+}
+
+void DO_PRODUCTS(const std::string& title) {
+    FRAME(DO_PRODUCTS);
+    STAMP();
+    const std::string website = GETWEBSITE();
+    if (website.empty())
+        return MSGBOX(
+            title,
+            "There is no address of a website in the settings.\nPut one there, in the section 'Product' "
+            "under 'Website'.");
+    OPENBROWSER(0, website);
+    STAMP();
 }
 
 }  // namespace tarn

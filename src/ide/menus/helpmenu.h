@@ -3,6 +3,10 @@
 // The Help menu: each command opens the help file on its topic.
 #pragma once
 
+#include "kernel/windows/windowing.h"
+
+#include <string>
+
 namespace tarn {
 
 void DO_FILECONTENTS();
@@ -16,5 +20,7 @@ void DO_HOW_DO_I();
 void DO_COMPILER_ERRORS();
 void DO_RUN_TIME_ERRORS();
 void DO_TECH_SUPPORT();
+void DO_ABOUT(const Object& mainWindow);
+void DO_PRODUCTS(const std::string& title);  // the product's pages in the browser
 
 }  // namespace tarn

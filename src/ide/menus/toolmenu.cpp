@@ -2,6 +2,13 @@
 #include "ide/menus/toolmenu.h"
 
 #include "ide/build/toolrun.h"
+#include "ide/options/compoptions.h"
+#include "ide/options/editoroptions.h"
+#include "ide/options/fonts.h"
+#include "ide/options/genoptions.h"
+#include "ide/options/keysoptions.h"
+#include "ide/options/pathsoptions.h"
+#include "ide/editor/bitmaptext.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/tables/tables.h"
@@ -77,6 +84,52 @@ void DO_EXPLORE_DB() {
     if (IsDelimited(info.format)) return exploreDelimited(file);
     if (!info.message.empty()) return tellFailure(file, info.message, false);
     showTable(file, nullptr, info.format);
+    STAMP();
+}
+
+void DO_OPTIONS_COMP() {
+    FRAME(DO_OPTIONS_COMP);
+    STAMP();
+    COMPOPTIONSDIALOG();
+}
+
+void DO_OPTIONS_EDITOR(const Object& mainWindow, const Object& timerLabel) {
+    FRAME(DO_OPTIONS_EDITOR);
+    STAMP();
+    EDITOROPTIONSDIALOG(mainWindow, timerLabel);
+}
+
+void DO_OPTIONS_FONTS() {
+    FRAME(DO_OPTIONS_FONTS);
+    STAMP();
+    FONTOPTIONSDIALOG();
+}
+
+void DO_OPTIONS_GEN(const Object& mainWindow) {
+    FRAME(DO_OPTIONS_GEN);
+    STAMP();
+    GENOPTIONSDIALOG(mainWindow);
+}
+
+void DO_OPTIONS_PATHS() {
+    FRAME(DO_OPTIONS_PATHS);
+    STAMP();
+    PATHSOPTIONSDIALOG();
+}
+
+void DO_OPTIONS_KEYS() {
+    FRAME(DO_OPTIONS_KEYS);
+    STAMP();
+    KEYSOPTIONSDIALOG();
+}
+
+void DO_CONVERT_BMP() {
+    FRAME(DO_CONVERT_BMP);
+    STAMP();
+    const std::string file =
+        OpenFileDialog("Tools-Convert Bitmap", "", "Bitmaps (*.bmp)|*.bmp|All files (*)|*|");
+    STAMP();
+    if (!file.empty()) CONVERTBMPDIALOG(file);
     STAMP();
 }
 

@@ -3,9 +3,20 @@
 // The Tools menu.
 #pragma once
 
+#include "kernel/windows/windowing.h"
+
 namespace tarn {
 
 // Asks for a data file and shows its rows. The settings of delimited text are asked for first.
 void DO_EXPLORE_DB();
+// The dialogs of Tools-Options; see ide/options.
+void DO_OPTIONS_COMP();
+void DO_OPTIONS_EDITOR(const Object& mainWindow, const Object& timerLabel);
+void DO_OPTIONS_FONTS();
+void DO_OPTIONS_GEN(const Object& mainWindow);
+void DO_OPTIONS_PATHS();
+void DO_OPTIONS_KEYS();
+// Asks for a bitmap and shows it as a text for a source.
+void DO_CONVERT_BMP();
 
 }  // namespace tarn

@@ -11,6 +11,7 @@
 #include "ide/program/functionlist.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
@@ -19,6 +20,12 @@
 MODULE("viewmenu")
 
 namespace tarn {
+
+void DO_LINE() {
+    FRAME(DO_LINE);
+    STAMP();
+    GOTOLINEDIALOG("View-Line", SDIEdit, GETHELPFILE(), "View_Line");
+}
 
 void DO_FUNCTION_LIST() {
     FRAME(DO_FUNCTION_LIST);

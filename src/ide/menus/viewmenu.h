@@ -9,6 +9,7 @@
 
 namespace tarn {
 
+void DO_LINE();
 void DO_FUNCTION_LIST();
 void DO_BROWSE_INFO();
 void DO_ERRORS();

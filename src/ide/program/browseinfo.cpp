@@ -166,15 +166,6 @@ void fillList(const Object& list, const std::string& classes) {
 
 namespace {
 
-// Each edge of a control keeps its distance to that side of the window to which it was nearer.
-void keepDistances(const Object& window, const Object& control, const Rect& before) {
-    const Rect after = GetPosition(window, CLIENT_UNIT), place = GetPosition(control, CLIENT_UNIT);
-    const auto moved = [](int edge, int was, int is) { return edge * 2 > was ? edge + is - was : edge; };
-    const int left = moved(place.x, before.w, after.w), right = moved(place.x + place.w, before.w, after.w);
-    const int top = moved(place.y, before.h, after.h), bottom = moved(place.y + place.h, before.h, after.h);
-    SetPosition(control, CLIENT_UNIT, Rect{left, top, right - left, bottom - top});
-}
-
 // The size of the client area for which the controls lie where they do stands in the window.
 constexpr std::string_view SizeValue = "size";
 
@@ -190,7 +181,7 @@ void layOut(const Object& window) {
     if (!ok || !tooOk) return;
     for (const std::string_view name :
          {"label1", "iconlist1", "label2", "pushbutton1", "pushbutton2", "pushbutton3"})
-        keepDistances(window, FINDCONTROL(window, name), before);
+        ADJUSTCONTROLPOS(window, FINDCONTROL(window, name), before);
     noteSize(window);
 }
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/commands.h"
 
+#include "ide/menus/editblocks.h"
+#include "ide/menus/editmenu.h"
+#include "ide/menus/editsearch.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/helpmenu.h"
 #include "ide/menus/runmenu.h"
@@ -49,6 +52,10 @@ void quickbuild(const Fired&) {
     DO_QUICKBUILD(true, ignored);
 }
 
+void restoreBackup(const Fired& fired) {
+    DO_UNDO("Edit-Undo (restore from backup)", GetCaption(fired.control), MAINCONTROL("lblautobackuptimer"));
+}
+
 // The user's choice of a window must not be undone by giving the focus back.
 void chooseWindow(const Fired&) {
     DO_WINDOW_WINDOWS();
@@ -66,30 +73,36 @@ constexpr Row rows[] = {
     {"file_new_class", "", nullptr},
     {"file_new_program", "", nullptr},
     {"file_open", "btnfile_open", openFile},
-    {"file_open_examples", "", nullptr},
+    {"file_open_examples", "",
+     [](const Fired&) { DO_OPEN_EXAMPLES("Examples and Tutorials", MAINCONTROL("programlabel")); }},
     {"file_save", "btnfile_save", [](const Fired&) { DO_SAVE(); }},
     {"file_save_as", "", [](const Fired&) { DO_SAVE_AS(); }},
     {"file_save_all", "", [](const Fired&) { DO_SAVE_ALL(); }},
     {"file_close_all", "", [](const Fired&) { DO_CLOSE_ALL(); }},
     {"file_close", "", [](const Fired&) { DO_CLOSE(lastActive()); }},
-    {"file_print", "btnfile_print", nullptr},
-    {"file_printer_setup", "", nullptr},
+    {"file_print", "btnfile_print", [](const Fired&) { DO_PRINT(); }},
+    {"file_printer_setup", "", [](const Fired&) { DO_PRINTER_SETUP(MAINCONTROL("printername")); }},
     {"file_mru_1", "", openRecent, true},
     {"file_exit", "", [](const Fired&) { DO_EXIT(); }},
-    {"edit_undo_01", "", nullptr, true},
-    {"edit_cut", "", nullptr},
-    {"edit_copy", "", nullptr},
-    {"edit_paste", "", nullptr},
-    {"edit_delete", "", nullptr},
-    {"edit_select_all", "", nullptr},
-    {"edit_comment_block", "", nullptr},
-    {"edit_uncomment_block", "", nullptr},
-    {"edit_insert_file", "", nullptr},
-    {"edit_find", "btnedit_find", nullptr},
-    {"edit_find_next", "", nullptr},
-    {"edit_replace", "btnedit_replace", nullptr},
+    {"edit_undo_typing", "", [](const Fired&) { DO_UNDO_TYPING(); }},
+    {"edit_redo_typing", "", [](const Fired&) { DO_REDO_TYPING(); }},
+    {"edit_undo_01", "", restoreBackup, true},
+    {"edit_cut", "", [](const Fired&) { DO_CUT(); }},
+    {"edit_copy", "", [](const Fired&) { DO_COPY(); }},
+    {"edit_paste", "", [](const Fired&) { DO_PASTE(MAINCONTROL("programlabel")); }},
+    {"edit_delete", "", [](const Fired&) { DO_DELETE(); }},
+    {"edit_select_all", "", [](const Fired&) { DO_SELECT_ALL(); }},
+    {"edit_comment_block", "", [](const Fired&) { DO_COMMENT_BLOCK(); }},
+    {"edit_uncomment_block", "", [](const Fired&) { DO_UNCOMMENT_BLOCK(); }},
+    {"edit_insert_file", "", [](const Fired&) { DO_INSERT_FILE(); }},
+    {"edit_find", "btnedit_find", [](const Fired&) { DO_FIND(); }},
+    {"edit_find_next", "", [](const Fired&) { DO_FIND_NEXT(); }},
+    {"edit_replace", "btnedit_replace", [](const Fired&) { DO_REPLACE(); }},
+    {"edit_find_marks", "", [](const Fired&) { DO_FIND_MARKS(); }},
+    {"edit_find_files", "", [](const Fired&) { DO_FIND_FILES(); }},
+    {"edit_replace_files", "", [](const Fired&) { DO_REPLACE_FILES(); }},
     {"edit_properties", "", nullptr},
-    {"view_line", "", nullptr},
+    {"view_line", "", [](const Fired&) { DO_LINE(); }},
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},
     {"view_browse_info", "", [](const Fired&) { DO_BROWSE_INFO(); }},
     {"view_errors", "", [](const Fired&) { DO_ERRORS(); }},
@@ -138,14 +151,16 @@ constexpr Row rows[] = {
     {"tools_explore_db", "", [](const Fired&) { DO_EXPLORE_DB(); }},
     {"tools_test_dialog", "", nullptr},
     {"tools_test_rcfile", "", nullptr},
-    {"tools_convert_bmp", "", nullptr},
+    {"tools_convert_bmp", "", [](const Fired&) { DO_CONVERT_BMP(); }},
     {"tools_options_rcfile", "", nullptr},
-    {"tools_options_comp", "", nullptr},
+    {"tools_options_comp", "", [](const Fired&) { DO_OPTIONS_COMP(); }},
     {"tools_options_debug", "", nullptr},
-    {"tools_options_editor", "", nullptr},
-    {"tools_options_fonts", "", nullptr},
-    {"tools_options_gen", "", nullptr},
-    {"tools_options_paths", "", nullptr},
+    {"tools_options_editor", "",
+     [](const Fired&) { DO_OPTIONS_EDITOR(Main, MAINCONTROL("lblautobackuptimer")); }},
+    {"tools_options_fonts", "", [](const Fired&) { DO_OPTIONS_FONTS(); }},
+    {"tools_options_gen", "", [](const Fired&) { DO_OPTIONS_GEN(Main); }},
+    {"tools_options_paths", "", [](const Fired&) { DO_OPTIONS_PATHS(); }},
+    {"tools_options_keys", "", [](const Fired&) { DO_OPTIONS_KEYS(); }},
     {"window_arrange", "", [](const Fired&) { DO_WINDOW_ARRANGE(); }},
     {"window_close_all", "", [](const Fired&) { DO_WINDOW_CLOSE_ALL(); }},
     {"window_windows", "", chooseWindow},
@@ -165,7 +180,7 @@ constexpr Row rows[] = {
     {"help_compiler_errors", "", [](const Fired&) { DO_COMPILER_ERRORS(); }},
     {"help_run_time_errors", "", [](const Fired&) { DO_RUN_TIME_ERRORS(); }},
     {"help_tech_support", "", [](const Fired&) { DO_TECH_SUPPORT(); }},
-    {"help_about", "", nullptr},
+    {"help_about", "", [](const Fired&) { DO_ABOUT(Main); }},
 };
 
 bool inArrayOf(const Object& control, const Object& first) {

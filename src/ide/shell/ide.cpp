@@ -2,8 +2,7 @@
 //
 //   second instance and errors   the hand-over of a file to the copy that runs; what happens to an error at the top
 //   settings check               which sections the settings lack
-//   load                         trace, place of the windows, toolbar, the items of Edit-Undo, the opening action; DO_LOAD
-//                                is their order
+//   load                         trace, place of the windows, toolbar, the opening action; DO_LOAD is their order
 //   unload                       what is kept
 //   bringing up to date          menus, hidden labels and enabled states
 //   events, the program          MAIN, and RUNIDE, which runs all of it
@@ -11,16 +10,20 @@
 
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
+#include "ide/editor/backup.h"
+#include "ide/editor/changedfile.h"
 #include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/runmenu.h"
 #include "ide/menus/viewmenu.h"
+#include "ide/options/shortcuts.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/commands.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
 #include "ide/shell/startup.h"
+#include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/commdlgs.h"
@@ -214,68 +217,6 @@ void showToolbarAsSet(const std::string& ini) {
     DO_STD_TOOLBAR(Main, MAINCONTROL("codelabel"), item);
 }
 
-// ---- the Edit-Undo menu items: 50 handles kept as text, since the array shrinks when items are removed ----
-
-constexpr int undoItems = 50;
-
-bool isMenuitem(const Object& item) {
-    return STREQUAL(GetTypeof(item), "Menuitem");
-}
-
-std::string handlesAsText(const int (&handles)[undoItems]) {
-    std::string text;
-    for (const int handle : handles) text += STR(handle) + "\n";
-    return text;
-}
-
-void handlesFromText(const std::string& text, int (&handles)[undoItems]) {
-    for (int i = 0; i < undoItems; i++) {
-        bool ok = false;
-        handles[i] = CVTI(STRLINE(text, i + 1), ok);
-    }
-}
-
-std::string undoHandleText() {
-    return STRREPLACE(GetText(MAINCONTROL("edtmenuarray")), "\r\n", "\n");
-}
-
-void noteUndoItems() {
-    const Object store = MAINCONTROL("edtmenuarray");
-    SetText(store, "");
-    const Object first = MAINCONTROL("edit_undo_01");
-    Assert(isMenuitem(first), "Edit-Undo is not a valid menuitem");
-    const int lower = ControlLbound(first), upper = ControlUbound(first);
-    Assert(lower == 1 && upper == undoItems,
-           "Edit-Undo array does not have the correct range: " + STR(lower) + " " + STR(upper));
-    int handles[undoItems] = {};
-    for (int i = 1; i <= undoItems; i++) {
-        const Object item = ControlElement(first, i);
-        handles[i - 1] = GetHandle(item);
-        Assert(isMenuitem(item),
-               "EDIT_UNDO_01[" + STR(i) + "] is not a valid menuitem: " + STR(handles[i - 1]));
-    }
-    SetText(store, handlesAsText(handles));
-    int again[undoItems] = {};
-    handlesFromText(undoHandleText(), again);
-    Assert(handlesAsText(again) == handlesAsText(handles),
-           "aControls[] did not correctly convert into a string");
-    for (int i = 0; i < undoItems; i++) {
-        const std::string place = "aControls[" + STR(i + 1) + "] ";
-        Assert(again[i] == handles[i], place + "was not copied: " + STR(handles[i]) + " : " + STR(again[i]));
-        Assert(isMenuitem(FindHandle(again[i])), place + "is not a valid menuitem: " + STR(again[i]));
-    }
-}
-
-// The menu items that were noted must still be there whenever the menu is made anew.
-void checkUndoItems() {
-    const std::string text = undoHandleText();
-    Assert(STRLINES(text) == undoItems,
-           "aControls was setup wrongly under the Load event: " + STR(STRLINES(text)));
-    Assert(isMenuitem(MAINCONTROL("edit_undo_01")),
-           "aControls[1] is invalid after being re-loaded from Main.edtMenuarray, type: " +
-               GetTypeof(MAINCONTROL("edit_undo_01")));
-}
-
 void chooseOpeningAction(const std::string& ini, const std::string& file) {
     if (!file.empty()) return DO_OPEN(file, MAINCONTROL("programlabel"));
     const auto chosen = [&](std::string_view key) { return PROFILESTRGET(ini, "GenOptionsDlg", key) == "1"; };
@@ -311,15 +252,19 @@ void DO_LOAD() {
     STAMP();
     SetCaption(Main, GETMAINCAPTIONSTR());
     STAMP();
+    APPLYSHORTCUTS(Main);
+    STAMP();
     placeMainWindow(ini);
     STAMP();
     showToolbarAsSet(ini);
     STAMP();
-    noteUndoItems();
+    NOTEUNDOITEMS();
     STAMP();
     Load(SDIEdit);
     STAMP();
     EDITWNDSETMAXSIZE(SDIEdit, Main);
+    STAMP();
+    EDITWNDSETTIMER(SDIEdit, MAINCONTROL("lblautobackuptimer"), EDITWNDGETINTERVAL());
     STAMP();
     AppIcon(GETAPPDIR() + "mainicon.ico");
     STAMP();
@@ -348,6 +293,8 @@ void DO_LOAD() {
 void DO_UNLOAD() {
     FRAME(DO_UNLOAD);
     const std::string ini = GETIDEINIFILE();
+    STAMP();
+    EDITWNDKILLTIMER(SDIEdit, MAINCONTROL("lblautobackuptimer"));
     STAMP();
     PROFILESTRPUT(ini, "Main", "LastPath", "\"" + GETCURDIR() + "\"");
     STAMP();
@@ -384,35 +331,6 @@ void REACTIVATELASTWINDOW() {
     SetCaption(label, name);  // showing the window has changed it
 }
 
-void POPULATEMENUITEMS(const Object& menuArray, const std::string& items) {
-    FRAME(POPULATEMENUITEMS);
-    STAMP();
-    checkUndoItems();
-    if (const int last = ControlUbound(menuArray); last > 1)
-        RemoveMenuitems(ControlElement(menuArray, 2), ControlElement(menuArray, last));
-    STAMP();
-    Assert(ControlLbound(menuArray) == 1 && ControlUbound(menuArray) == 1 && isMenuitem(menuArray));
-    STAMP();
-    if (items.empty()) {
-        SetCaption(menuArray, " ------ No backups ------ ");
-        SetEnabled(menuArray, false);
-        return;
-    }
-    const int total = std::min(undoItems, STRLINES(items));
-    for (int i = 2; i <= total; i++) {
-        STAMP();
-        AddMenuitem(ControlElement(menuArray, i - 1), "");
-    }
-    for (int i = 1; i <= total; i++) {
-        STAMP();
-        std::string line = STRLINE(items, i);
-        const bool heading = line.starts_with('*');
-        if (heading) line = STRTRIM(std::string_view(line).substr(1));
-        SetEnabled(ControlElement(menuArray, i), !heading);
-        SetCaption(ControlElement(menuArray, i), line);
-    }
-}
-
 namespace {
 
 void enable(std::string_view control, bool on) {
@@ -423,7 +341,8 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     const Object program = MAINCONTROL("program_add_dialog");
     for (int i = ControlLbound(program); i <= ControlUbound(program); i++) {
         const Object item = ControlElement(program, i);
-        if (isMenuitem(item)) SetEnabled(item, programIsClass && HASHANDLER(GetName(item)));
+        if (STREQUAL(GetTypeof(item), "Menuitem"))
+            SetEnabled(item, programIsClass && HASHANDLER(GetName(item)));
     }
     for (const std::string_view name :
          {"run_quickbuild", "run_rebuild", "run_compile", "run_start", "run_debug", "run_info"})
@@ -450,7 +369,7 @@ void UPDATEMAINWINDOW() {
     STAMP();
     enable("view_toolbox", ISSHOWN(DialogDlg));
     STAMP();
-    POPULATEMENUITEMS(MAINCONTROL("edit_undo_01"), "");
+    UPDATEUNDOMENU();
     STAMP();
     enableCommands(ISCLASSFILE(program), ISCLASSFILE(code));
     STAMP();
@@ -465,6 +384,7 @@ void activated(int handle) {
     const Object window = FindHandle(handle);
     if (ISSDIWINDOW(window)) SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
     UPDATEMAINWINDOW();
+    if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);
 }
 
 bool keyPressed(int key) {
@@ -497,6 +417,7 @@ bool MAIN(const Object&, int event, const Object& control, int parameter) {
     case KEYPRESS_EVENT: result = keyPressed(parameter); break;
     case COMMAND_EVENT: DO_COMMAND(control, parameter); break;
     case RESIZE_EVENT: resized(); break;
+    case TIMER_EVENT: PLAYSECONDSOUND(); break;
     case CLOSE_EVENT: result = closeVetoed(); break;
     default: result = false;
     }

@@ -24,6 +24,5 @@ void UPDATEMAINWINDOW();
 void REACTIVATELASTWINDOW();
 bool ISSDIWINDOW(const Object& window);
 std::string CHECKINIFILE(const std::string& iniFile);  // missing sections, one per line
-void POPULATEMENUITEMS(const Object& menuArray, const std::string& items);
 
 }  // namespace tarn

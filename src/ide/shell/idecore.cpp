@@ -3,6 +3,7 @@
 
 #include "ide/build/toolrun.h"
 #include "ide/shell/windows.h"
+#include "library/net/netutil.h"
 #include "library/settings/initext.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
@@ -106,9 +107,10 @@ std::string GETHELPFILE() {
     return stem + STRWORD(types, 1);
 }
 
-// Each message has a page beside the help file; numbers of other compilers have none.
+// Each message has a page beside the help file; numbers of other compilers have none. Compiled help has them as topics.
 std::string GETMESSAGEPAGE(int number) {
     FRAME(GETMESSAGEPAGE);
+    if (STRLOWER(FILEGETEXT(GETHELPFILE())) == ".qch") return {};
     const std::string page = FILEGETDIR(GETHELPFILE()) + "messages/" + STR(number) + ".htm";
     return FileSize(page) > 0 ? page : "";
 }
@@ -201,6 +203,8 @@ void PREPARESETTINGS() {
     const std::string known = FILEGETDIR(ini) + "ide";
     const std::string key = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe";
     if (platform::RegGetSetting(key, "") != known) platform::RegSaveSetting(key, "", known);
+    STAMP();
+    PREPAREMAIL();
 }
 
 std::string HELPTOPIC(std::string_view caption) {
@@ -209,7 +213,7 @@ std::string HELPTOPIC(std::string_view caption) {
     for (char& c : topic) {
         if (c == '-') c = '_';
     }
-    return topic;
+    return STRTRIM(topic.substr(0, topic.find('(')));
 }
 
 void SHOWWINDOWHELP(const Object& window) {
@@ -218,10 +222,30 @@ void SHOWWINDOWHELP(const Object& window) {
     SHOWHELP(HELPTOPIC(GetCaption(window)));
 }
 
+namespace {
+
+// What MULTIHELP says, and what to do about it.
+void tellMissing(const std::string& file) {
+    const std::string own = os::executableFolder() + "help/";
+    const bool there = os::infoOf(own).exists && own != FILEGETDIR(file);
+    MSGBOX("MultiHelp",
+           "Help file '" + file + "' was empty or not found.\n\n" +
+               (there ? "The help that came with the program lies in '" + own +
+                            "': name this folder at Help files in Tools-Options-Paths."
+                      : "Install the program again, or name the folder of the help at Help files "
+                        "in Tools-Options-Paths."));
+}
+
+}  // namespace
+
 void SHOWHELP(const std::string& topic) {
     FRAME(SHOWHELP);
     STAMP();
-    MULTIHELP(0, GETHELPFILE(), 257, topic);
+    const std::string file = GETHELPFILE();
+    if (FileSize(file) > 0)
+        MULTIHELP(0, file, 257, topic);
+    else
+        tellMissing(file);
 }
 
 }  // namespace tarn

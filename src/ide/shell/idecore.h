@@ -25,7 +25,7 @@ std::string GETINHERITEDPATHS();    // as they stand, separated by ";"
 std::string GETINHERITEDPATHSML();  // one a line
 std::string GETINHERITEDLIBPATH();  // the first of them
 std::string GETHELPFILE();
-std::string GETMESSAGEPAGE(int number);  // of the default compiler's messages; empty when there is none
+std::string GETMESSAGEPAGE(int number);  // a file of its own; empty if it has none
 std::string GETMAINCAPTIONSTR();
 std::string REPLACECONSTANTS(std::string text);
 // The file named on the command line: ".cls" added if it has no extension, the current folder in front unless
@@ -37,7 +37,7 @@ void PREPARESETTINGS();
 
 // ---- help ----
 
-// The topic of a dialog: its caption with each "-" replaced by "_".
+// The topic of a dialog: its caption with each "-" replaced by "_", without what stands in parentheses behind it.
 std::string HELPTOPIC(std::string_view caption);
 void SHOWHELP(const std::string& topic);
 void SHOWWINDOWHELP(const Object& window);  // on its caption

@@ -86,7 +86,7 @@ bool offerCopy(const std::string& copy) {
     if (answer != "&Open") return false;
     if (named) return bringBack(file, text);
     EDITWNDOPEN(SDIEdit, copy, false, 0);
-    return true;
+    return EDITWNDGETFILENAME(SDIEdit) == copy;
 }
 
 bool isRescueName(const std::string& path) {
@@ -112,7 +112,8 @@ bool OFFERRESCUEDTEXT() {
     for (const std::string& path : rescuedFiles()) {
         STAMP();
         if (shown) break;  // the others are offered at the next start: one text fits in the window
-        if (isRescueName(path)) continue;
+        // Those that the answer to another question has deleted are not asked about any more.
+        if (isRescueName(path) || !os::infoOf(path).exists) continue;
         const std::string stem = path.substr(0, path.size() - textEnd.size());
         const bool hasName = os::infoOf(stem + std::string(nameEnd)).exists;
         if (path.ends_with(nameEnd))

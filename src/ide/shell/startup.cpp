@@ -27,7 +27,7 @@ void restore(const Object& window) {
     const std::string last = STRTRIM(PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"));
     SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : "'" + last + "'");
     // What has no command yet cannot be chosen.
-    for (const int absent : {NewProgram, Examples}) SetEnabled(choices(window, absent), false);
+    SetEnabled(choices(window, NewProgram), false);
     SetEnabled(FINDCONTROL(window, "rbnewprogram"), false);
     const Object first = choices(window, LastProgram);
     if (!last.empty()) return;
@@ -52,6 +52,7 @@ void carryOut(int choice) {
     if (choice == LastProgram) DO_MRU(recent, recent, PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"), program);
     if (choice == NewTextFile) DO_NEW_TEXTFILE(MAINCONTROL("codelabel"));
     if (choice == GettingStarted) SHOWHELP("Getting Started");
+    if (choice == Examples) DO_OPEN_EXAMPLES("Examples and Tutorials", program);
 }
 
 constexpr DialogShape shape{

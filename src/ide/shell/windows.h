@@ -20,9 +20,17 @@ inline const Object DialogDlg("DialogDlg");
 inline const Object BrowseInfoDlg("BrowseInfoDlg");
 inline const Object StartupDlg("StartupDlg");
 inline const Object FileInfoDlg("FileInfoDlg");
+inline const Object ConvertBmpDlg("ConvertBmpDlg");
 inline const Object ArgumentsDlg("ArgumentsDlg");
 inline const Object GotoFuncDlg("GotoFuncDlg");
 inline const Object MoreInfoDlg("MoreInfoDlg");
+inline const Object UndoDlg("UndoDlg");
+inline const Object DifferenceDlg("DifferenceDlg");
+inline const Object CompOptionsDlg("CompOptionsDlg");
+inline const Object EditorOptionsDlg("EditorOptionsDlg");
+inline const Object GenOptionsDlg("GenOptionsDlg");
+inline const Object PathsOptionsDlg("PathsOptionsDlg");
+inline const Object KeysOptionsDlg("KeysOptionsDlg");
 
 inline Object MAINCONTROL(std::string_view name) {
     return FINDCONTROL(Main, name);

@@ -66,11 +66,10 @@ void tarn_default_onerror(int32_t code) {
     tarn::DefaultErrorHandler(code);
 }
 int32_t tarn_report_begin(void) {
-    return tarn::BeginReport() ? 1 : 0;
+    return tarn::BeginHandler() ? 1 : 0;
 }
 void tarn_report_end(void) {
-    tarn::EndReport();
-    tarn::ContinueAfterError();
+    tarn::EndHandler();
 }
 void tarn_register_class(const char* source_path, const char* class_name) {
     tarn::RegisterClass(text(source_path), text(class_name));

@@ -112,9 +112,11 @@ void tarn_enter(const char* class_name, const char* function_name, int32_t line)
 void tarn_leave(void);
 void tarn_stamp_slow(int32_t line, int32_t action, tarn_error_handler handler);
 void tarn_default_onerror(int32_t code);
-/* The frame of a class's onerror: 0 when a report goes on already; after a 1 end with tarn_report_end(). */
+/* The frame of a class's onerror. 1: the pending error is the last error now, and the cell is clear for what the
+   handler itself does; end with tarn_report_end(). 0: return at once. The error arose while a handler works, and has
+   been reported as if there were none, or a report goes on already. */
 int32_t tarn_report_begin(void);
-void tarn_report_end(void); /* also: last error := cell, cell := 0 */
+void tarn_report_end(void);
 
 static inline void tarn_stamp(int32_t line, int32_t action, tarn_error_handler handler) {
     if (tarn_error_cell != 0 || tarn_debugger_window != 0)
@@ -489,6 +491,9 @@ void tarn_sys_splitpath(const tarn_string* path, tarn_string* drive, tarn_string
                         tarn_string* stem, tarn_string* extension);
 void tarn_sys_strsplit(const tarn_string* text, const tarn_string* separator, tarn_string* left,
                        tarn_string* right);
+void tarn_sys_strsplit_blanks(const tarn_string* text, tarn_string* left, tarn_string* right);
+void tarn_sys_setvalue(const tarn_string* text, tarn_set* s, uint8_t* ok);
+void tarn_sys_cvts(const void* value, int32_t kind, tarn_string* result); /* 986 */
 void tarn_sys_nextword(const tarn_string* text, int32_t* position, tarn_string* word);
 void tarn_sys_texttransform(const tarn_string* key, int32_t mode, const tarn_string* text,
                             tarn_string* result);

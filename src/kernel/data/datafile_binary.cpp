@@ -38,6 +38,7 @@ DataResult load(const std::string& filename, void* value, Kind kind) {
         if (!Progress(done, size)) return {0, 0, 0, true};
     }
     FreshValue fresh(value, kind);
+    fresh.takeBounds();
     const std::int32_t code = ErrorCell() != 0 ? ErrorCell() : UnpackWhole(bytes, fresh.get(), kind);
     if (code != 0) return {code};
     if (!fresh.replaceTarget()) return {ErrorCell()};

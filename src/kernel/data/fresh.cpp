@@ -11,6 +11,8 @@
 #include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_places.h"
 #include "kernel/values/adt_kinds.h"
+#include "kernel/values/arrays.h"
+#include "kernel/values/sets.h"
 
 #include <cstring>
 
@@ -80,6 +82,21 @@ FreshValue::~FreshValue() {
     } catch (...) {  // the end of the process, in a test
     }
     AdtFree(bytes_, kind_);
+}
+
+void FreshValue::takeBounds() {
+    if (IsZeroValue(bytes_, kind_) ||
+        ReadAt<DescriptorHead>(bytes_).size == ReadAt<DescriptorHead>(target_).size)
+        return;
+    if (kind_ == KindArray) {
+        const auto array = ReadAt<ArrayDescriptor>(target_);
+        const ArrayBounds one = array.bounds[0], two = array.bounds[1], three = array.bounds[2];
+        ArrayRedim(reinterpret_cast<ArrayDescriptor*>(bytes_), one.lower, one.upper, two.lower, two.upper,
+                   three.lower, three.upper, false);
+    } else if (kind_ == KindSet) {
+        const auto set = ReadAt<SetDescriptor>(target_);
+        SetRedim(reinterpret_cast<SetDescriptor*>(bytes_), set.lower, set.upper, false);
+    }
 }
 
 bool FreshValue::replaceTarget() {

@@ -25,6 +25,8 @@ public:
     FreshValue& operator=(const FreshValue&) = delete;
 
     void* get() { return bytes_; }
+    // The bounds of the target for an array or set whose type has none, where the file does not tell them.
+    void takeBounds();
     // Once. False, with the error set and the target as it was, when the files could not be moved; only when
     // the indexes of new rows could then not be made either, the target has the new rows without them.
     bool replaceTarget();

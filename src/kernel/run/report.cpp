@@ -22,6 +22,11 @@ RescueHook rescueHook = nullptr;
 bool reporting = false;
 bool reported = false;
 
+// While a handler of compiled code works: the report of the error that it was called with, which is the last error.
+bool handling = false;
+std::int32_t handledCode = 0;
+std::string handledDetails;
+
 bool debugging() {
     return tarn_debugger_window != nullptr && DebugStop != nullptr;
 }
@@ -68,6 +73,7 @@ std::string CutReport(std::string text) {
 
 std::string ErrorDetails() {
     const std::int32_t code = tarn_error_cell;
+    if (code == 0 && handling && LastError() == handledCode) return handledDetails;
     if (code == 0) return LastError() != 0 ? ErrorMessage(LastError()) : std::string();
     std::string text = ErrorMessage(code) + "\n" + place();
     if (code == ERR_ASSERT && !AssertText().empty()) text += AssertText() + "\n";
@@ -91,20 +97,28 @@ void NoteReportedError() {
     reported = true;
 }
 
-bool BeginReport() {
+Reporting::Reporting() : entered_(!std::exchange(reporting, true)) {}
+
+Reporting::~Reporting() {
+    if (entered_) reporting = false;
+}
+
+bool BeginHandler() {
     if (reporting) return false;
-    reporting = true;
+    if (handling) {
+        DefaultErrorHandler(tarn_error_cell);
+        return false;
+    }
+    handling = true;
+    handledCode = tarn_error_cell;
+    handledDetails = ErrorDetails();
+    ContinueAfterError();
     return true;
 }
 
-void EndReport() {
-    reporting = false;
-}
-
-Reporting::Reporting() : entered_(BeginReport()) {}
-
-Reporting::~Reporting() {
-    if (entered_) EndReport();
+void EndHandler() {
+    handling = false;
+    handledDetails.clear();
 }
 
 void DefaultErrorHandler(std::int32_t code) {

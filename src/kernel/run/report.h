@@ -11,9 +11,11 @@ namespace tarn {
 // Calls the rescue hook (SetRescueHook in runtime.h), once in the life of the process.
 void RescueOnce();
 
-// The `reporting` mark for callers that cannot hold a Reporting.
-bool BeginReport();
-void EndReport();
+// The frame of a handler of compiled code, which must not be lost in it: an error that arises while one works, in it
+// or in what it calls, goes to the default handler, whatever class it is of. Begin is false then, and when a report
+// goes on already; after true, end.
+bool BeginHandler();
+void EndHandler();
 
 // Whether this process has shown an error to its user, in a box or on standard error. What a handler of the program
 // took, or the debugger showed, does not count.

@@ -160,5 +160,8 @@ bool IsReservedWord(std::string_view word) {
 bool IsFutureReservedWord(std::string_view word) {
     return holds(FutureReservedWords, word);
 }
+std::vector<std::string_view> FutureReservedWordList() {
+    return {std::begin(FutureReservedWords), std::end(FutureReservedWords)};
+}
 
 }  // namespace tarn

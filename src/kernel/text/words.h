@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -24,5 +25,6 @@ inline constexpr std::string_view ReservedWords[] = {
 bool IsReservedWord(std::string_view word);
 // Kept for later versions of the language and for generated code.
 bool IsFutureReservedWord(std::string_view word);
+std::vector<std::string_view> FutureReservedWordList();
 
 }  // namespace tarn

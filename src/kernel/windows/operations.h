@@ -70,6 +70,12 @@
     X(void, SetMax, set_max, (const Object& object, int value), (object, value))                                     \
     X(bool, GetEnabled, get_enabled, (const Object& object), (object))                                               \
     X(void, SetEnabled, set_enabled, (const Object& object, bool enabled), (object, enabled))                        \
+    X(std::string, GetShortcut, get_shortcut, (const Object& object), (object))                                      \
+    X(void, SetShortcut, set_shortcut, (const Object& object, std::string_view keys), (object, keys))                \
+    X(std::string, ShortcutName, shortcut_name, (std::string_view keys), (keys))                                     \
+    X(int, GetMenulevel, get_menulevel, (const Object& object), (object))                                            \
+    X(std::string, GetHint, get_hint, (const Object& object), (object))                                              \
+    X(void, SetHint, set_hint, (const Object& object, std::string_view hint), (object, hint))                        \
     X(int, GetFlags, get_flags, (const Object& object), (object))                                                    \
     X(void, SetFlags, set_flags, (const Object& object, int flags), (object, flags))                                 \
     X(int, GetBorderStyle, get_border_style, (const Object& object), (object))                                       \
@@ -93,9 +99,7 @@
     X(void, ShowChoices, show_choices, (const Object& window, std::string_view rows, int typed), (window, rows, typed)) \
     X(std::string, GetChoices, get_choices, (const Object& window), (window))                                        \
     X(void, ShowCallTip, show_call_tip, (const Object& window, int position, std::string_view text, int markStart, int markLength), (window, position, text, markStart, markLength)) \
-    X(std::string, GetCallTip, get_call_tip, (const Object& window), (window))                                       \
-    X(void, SetStatusText, set_status_text, (const Object& window, std::string_view text), (window, text))           \
-    X(std::string, GetStatusText, get_status_text, (const Object& window), (window))
+    X(std::string, GetCallTip, get_call_tip, (const Object& window), (window))
 
 #define TARN_LIST_OPERATIONS(X)                                                                                      \
     X(int, GetListCount, get_list_count, (const Object& list), (list))                                               \

@@ -66,6 +66,8 @@ TARN_WINDOW_OPERATIONS(TARN_WRAP)
 // What modules need beside the operations; none of it can fail.
 using platform::ActiveWindow;
 using platform::ApplicationResources;
+using platform::CanRedo;
+using platform::CanUndo;
 using platform::commandText;
 using platform::ControlElement;
 using platform::DesktopInfo;
@@ -73,6 +75,7 @@ using platform::DestroyAllWindows;
 using platform::FindControl;
 using platform::FindHandle;
 using platform::FindWindow;
+using platform::IsTextKey;
 using platform::OpenUrl;
 using platform::PlaySound;
 using platform::PostMessage;
@@ -87,5 +90,22 @@ using platform::ShowToolProgress;
 using platform::ToolStopPressed;
 using platform::WaitEvents;
 using platform::WindowClassName;
+
+// Operations on the text of an edit window that programs of the language do not have.
+inline void ReplaceText(const Object& object, int start, int length, std::string_view text) {
+    detail::note(platform::ReplaceText(object, start, length, text));
+}
+inline void Undo(const Object& object) {
+    detail::note(platform::Undo(object));
+}
+inline void Redo(const Object& object) {
+    detail::note(platform::Redo(object));
+}
+inline std::string GetStatus(const Object& object, StatusKind kind = StatusKind::Stays) {
+    return detail::bare(platform::GetStatus(object, kind));
+}
+inline void SetStatus(const Object& object, std::string_view status, StatusKind kind = StatusKind::Stays) {
+    detail::note(platform::SetStatus(object, status, kind));
+}
 
 }  // namespace tarn

@@ -28,6 +28,8 @@
 // linear in the texts.
 #pragma once
 
+#include "library/source/bmptotxt.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -57,9 +59,13 @@ struct LengthLimits {
 };
 LengthLimits GETMINMAX(std::string_view options);  // of NAME(a:b), with both bounds
 
-inline constexpr std::array<std::uint32_t, 16> BasicColours = {
-    0x000000, 0x800000, 0x008000, 0x808000, 0x000080, 0x800080, 0x008080, 0x808080,
-    0xC0C0C0, 0xFF0000, 0x00FF00, 0xFFFF00, 0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF};
+// The values of the standard colours, by their numbers.
+inline constexpr auto BasicColours = [] {
+    std::array<std::uint32_t, STANDARDCOLOURS.size()> values{};
+    for (std::size_t i = 0; i < values.size(); i++)
+        values[i] = static_cast<std::uint32_t>(STANDARDCOLOURS[i].value);
+    return values;
+}();
 std::string COLORSTOHEX();  // the basic colours as a text of two lines, eight in each
 std::string GETFILEDESCRIPTION(std::string_view extension);
 

@@ -39,4 +39,19 @@ OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& 
     return found;
 }
 
+void SETENABLEDRANGE(const Object& window, const Object& first, const Object& last, bool enabled) {
+    FRAME(SETENABLEDRANGE);
+    static constexpr std::string_view types =
+        ";Checkbox;Combobox;Edit;Listbox;Menuitem;Pushbutton;Radiobutton;Scrollbar;Iconlist;Bitmapbutton;";
+    STAMP();
+    if (GetTypeof(window) != "Dialog") return;
+    bool inside = false;
+    for (const Object& control : ControlList(window)) {
+        STAMP();
+        inside = inside || control == first;
+        if (inside && STRFIND(";" + GetTypeof(control) + ";", types) > 0) SetEnabled(control, enabled);
+        if (inside && control == last) return;
+    }
+}
+
 }  // namespace tarn

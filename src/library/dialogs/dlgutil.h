@@ -26,4 +26,8 @@ struct OtherControl {
 OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& caption,
                               const std::string& control);
 
+// Enables or disables the controls of a dialog from `first` to `last` in the order of its control list: those that the
+// user works with, not labels, groups and pictures. Does nothing unless `window` is a dialog and holds `first`.
+void SETENABLEDRANGE(const Object& window, const Object& first, const Object& last, bool enabled);
+
 }  // namespace tarn

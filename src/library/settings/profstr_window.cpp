@@ -68,14 +68,20 @@ void loadControl(const Object& control, std::string_view value) {
     }
 }
 
+// Reading takes a pair of quotes off, so a text that has one of its own gets another around it.
+std::string protectedQuotes(const std::string& text) {
+    const bool quoted = text.size() > 1 && text.front() == '"' && text.back() == '"';
+    return quoted ? "\"" + text + "\"" : text;
+}
+
 // What is stored of a control; false if nothing is.
 bool storedText(const Object& control, std::string& value) {
     switch (keptBy(control)) {
     case Kept::Number: value = STR(GetValue(control)); return true;
-    case Kept::Text: value = GetText(control); return true;
+    case Kept::Text: value = protectedQuotes(GetText(control)); return true;
     case Kept::Combo:
         if (GetCombostyle(control) != DropDownList) {
-            value = GetCombotext(control);
+            value = protectedQuotes(GetCombotext(control));
             return true;
         }
         value = GetListIndex(control) > 0 ? GetList(control, GetListIndex(control)) : std::string();

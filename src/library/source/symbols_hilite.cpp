@@ -48,10 +48,7 @@ std::string GETHILITELIST(const std::string& iniFile, std::string_view section, 
     const std::string setting = PROFILESTRGET(iniFile, section, settingKey);
     STAMP();
     const std::string list = PROFILESTRGET(iniFile, section, listKey);
-    if (endsWith(settingKey, "STRINGS")) {
-        const std::string delimiters = STRREMOVEQUOTES(list);
-        return delimiters.empty() ? std::string() : delimiters + " - " + setting + "\n";
-    }
+    if (endsWith(settingKey, "STRINGS")) return STRREMOVEQUOTES(list) + " - " + setting + "\n";
     if (endsWith(settingKey, "COMMENTS")) return commentRules(list, setting);
     return wordRules(list, setting);
 }

@@ -155,6 +155,16 @@ struct Argument<CommTimeouts> {
     }
 };
 template <>
+struct Argument<SetDescriptor*> {
+    using C = tarn_set*;
+    static SetDescriptor* of(C value) { return in(value); }
+};
+template <>
+struct Argument<ListDescriptor*> {
+    using C = tarn_list*;
+    static ListDescriptor* of(C value) { return in(value); }
+};
+template <>
 struct Argument<std::vector<std::string>> {
     using C = const tarn_list*;
     static std::vector<std::string> of(C value) {

@@ -4,7 +4,9 @@
 // `tarn_lib_` and the word of the line; `tarn_win_` for those that may handle events.
 #include "library/system/functions.h"
 
+#include "library/net/netutil.h"
 #include "library/settings/profstr.h"
+#include "library/source/bmptotxt.h"
 #include "library/system/api_bridge.h"
 #include "library/system/system.h"
 #include "library/time/timeutil.h"
@@ -38,6 +40,13 @@ namespace {
 std::int32_t exec(const std::string& command, const std::string& arguments, int mode) {
     return EXEC(command, arguments, mode).code;
 }
+std::int32_t execList(const std::string& command, const std::vector<std::string>& arguments, int mode) {
+    return EXEC(command, arguments, mode).code;
+}
+std::int32_t execListIn(const std::string& command, const std::vector<std::string>& arguments, int mode,
+                        const std::string& folder) {
+    return EXEC(command, arguments, mode, folder).code;
+}
 std::int32_t execIn(const std::string& command, const std::string& arguments, int mode,
                     const std::string& folder) {
     return EXEC(command, arguments, mode, folder).code;
@@ -53,5 +62,11 @@ extern "C" const auto tarn_win_exec =
 extern "C" const auto tarn_win_exec_in =
     bridge::Bridge<std::int32_t(const std::string&, const std::string&, int, const std::string&),
                    Of<execIn>>::function();
+extern "C" const auto tarn_win_exec_list =
+    bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int),
+                   Of<execList>>::function();
+extern "C" const auto tarn_win_exec_list_in =
+    bridge::Bridge<std::int32_t(const std::string&, const std::vector<std::string>&, int, const std::string&),
+                   Of<execListIn>>::function();
 
 }  // namespace tarn::api

@@ -195,6 +195,19 @@ void tarn_sys_strsplit(const tarn_string* s, const tarn_string* separator, tarn_
     assign(left, parts.left);
     assign(right, parts.right);
 }
+void tarn_sys_strsplit_blanks(const tarn_string* s, tarn_string* left, tarn_string* right) {
+    const StringPair parts = STRSPLIT(text(s));
+    assign(left, parts.left);
+    assign(right, parts.right);
+}
+void tarn_sys_setvalue(const tarn_string* s, tarn_set* set, uint8_t* ok) {
+    bool done = false;
+    SETVALUE(view(s), reinterpret_cast<SetDescriptor*>(set), done);
+    *ok = done ? 1 : 0;
+}
+void tarn_sys_cvts(const void* value, int32_t kind, tarn_string* result) {
+    assign(result, CVTS(value, static_cast<Kind>(kind)));
+}
 void tarn_sys_nextword(const tarn_string* s, int32_t* position, tarn_string* word) {
     int32_t place = 0;
     std::memcpy(&place, position, sizeof place);

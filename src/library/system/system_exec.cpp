@@ -6,6 +6,7 @@
 
 #include "kernel/run/errors.h"
 #include "library/system/files.h"
+#include "library/system/piped.h"
 #include "library/system/programs_internal.h"
 #include "library/system/strings.h"
 #include "os/clock.h"
@@ -138,7 +139,7 @@ struct Started {
 };
 
 Started start(const std::string& program, const std::vector<std::string>& arguments,
-              const std::string& folder, const ExecFiles& files) {
+              const std::string& folder, const ExecFiles& files, bool piped = false) {
     if (const std::int32_t fault = findFault(program, arguments, folder, files)) return {nullptr, fault};
     os::StartRequest request;
     request.program = detail::FindProgram(program);
@@ -147,6 +148,7 @@ Started start(const std::string& program, const std::vector<std::string>& argume
     request.folder = os::native(folder);
     request.outputFile = os::native(files.output);
     request.inputFile = os::native(files.input);
+    request.piped = piped;
     os::StartError error = os::StartError::None;
     std::unique_ptr<os::Child> child = os::processes().start(request, error);
     if (child != nullptr) return {std::move(child), 0};
@@ -274,6 +276,20 @@ ExecResult EXEC(const std::string& program, const std::vector<std::string>& argu
     result.signal = state.signal;
     result.code = state.signal != 0 ? SignalBase + state.signal : state.code;
     return result;
+}
+
+std::unique_ptr<os::Child> EXECPIPED(const std::string& program, const std::string& arguments,
+                                     const std::string& folder) {
+    FRAME(EXECPIPED);
+    const CommandLine command = parseCommandLine(arguments);
+    STAMP();
+    if (isProgramName(program) && !holdsNul(command.arguments) && !command.good) {
+        SetError(ERR_EXEC_OUTPUT_FILE);
+        return nullptr;
+    }
+    Started started = start(program, command.arguments, folder, command.files, true);
+    SetError(started.code);
+    return std::move(started.child);
 }
 
 bool WAITFORSINGLEOBJECT_MSG(int process, int milliseconds) {

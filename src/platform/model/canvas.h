@@ -32,6 +32,7 @@ public:
     virtual bool newPage() { return false; }  // printers: false if it failed
     // Shows what was drawn, or ends the document. False if something could not be written.
     virtual bool finish() { return true; }
+    virtual void discard() {}  // printers: ends the document, and nothing shall come of it
 };
 
 // A page of a printer, in dots.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <sys/utsname.h>
+#include <utility>
 
 namespace tarn::platform {
 
@@ -20,8 +21,10 @@ int trace = 0, userBreak = 0;
 void Sound() {
     view().sound();
 }
+// Silence needs no view where nothing can sound: each program asks for it at its end, also one without windows.
 void PlaySound(const std::string& wavFile) {
-    view().playSound(wavFile);
+    static bool sounds = false;
+    if (std::exchange(sounds, !wavFile.empty()) || !wavFile.empty()) view().playSound(wavFile);
 }
 
 std::string SystemInfo() {

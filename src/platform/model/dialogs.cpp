@@ -5,6 +5,7 @@
 
 #include "os/files.h"
 #include "platform/model/access_internal.h"
+#include "platform/operations/printjob.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -180,6 +181,8 @@ Answer<Font> FontDialog(const Object& owner, const Font& font) {
     question.kind = Question::Kind::Font;
     question.title = "Font";
     question.value = fontText(font);
+    const Control* const control = findControl(owner);
+    question.fixedWidth = control != nullptr && isEditWindowType(control->type);
     const std::string answer = view().ask(question);
     return {answer.empty() ? font : fontOf(answer, font), Ok};
 }
@@ -197,12 +200,16 @@ Answer<int> ColourDialog(const Object& owner, int colour) {
 }
 
 Answer<PrintChoice> PrintDialog(const Object& owner, int flags) {
+    return PrintDialog(owner, flags, {});
+}
+
+Answer<PrintChoice> PrintDialog(const Object& owner, int flags, const std::string& printer) {
     if (const Code code = checkOwner(owner); code != Ok) return {{}, code};
     Question question;
     question.kind = Question::Kind::Print;
     question.title = "Print";
     question.rows = view().printers();
-    question.value = (flags & PRINT_SELECTION) != 0 ? "\tselection" : "";
+    question.value = printer + ((flags & PRINT_SELECTION) != 0 ? "\tselection" : "");
     const std::string answer = view().ask(question);
     return {answer.empty() ? PrintChoice() : choiceOf(answer, flags), Ok};
 }
@@ -211,6 +218,20 @@ Answer<PrintChoice> PrintDialog(const Object& owner, int flags) {
 
 void SetHelpViewer(HelpViewer viewer) {
     state().helpViewer = viewer;
+}
+
+void SetBoxHelp(BoxHelp help) {
+    state().boxHelp = help;
+}
+
+bool helpOn(const std::string& title, const std::string& text) {
+    if (state().boxHelp == nullptr) return false;
+    state().boxHelp(title, text);
+    return true;
+}
+
+void userBoxHelp(const Question& question) {
+    static_cast<void>(helpOn(question.title, question.text));
 }
 
 bool HtmlHelpApi(const std::string& file, const std::string& key) {

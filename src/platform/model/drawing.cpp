@@ -42,7 +42,7 @@ template <class Draw>
 Code drawOn(const Object& object, Draw draw) {
     const Target target(object);
     if (target.code != Ok) return target.code;
-    if (target.graph().canvas != nullptr) draw(*target.graph().canvas, target.graph(), target.ink());
+    if (target.graph().shows()) draw(*target.graph().canvas, target.graph(), target.ink());
     return Ok;
 }
 
@@ -95,13 +95,45 @@ void putLine(Control& control, std::string_view line) {
     if (control.type == Type::Printer && graph.y > 0 &&
         graph.y + height > view().paper(control.name).height) {
         const int x = graph.x;
-        beginPage(graph);
+        beginPage(control);
         graph.x = x;
     }
-    if (graph.canvas != nullptr)
+    if (graph.shows())
         graph.canvas->text(graph.originX + graph.x, graph.originY + graph.y, line, control.font,
                            {control.foreColour, control.backColour});
     graph.y += height;
+}
+
+// What of a heading fits: its end, behind dots, since names of files differ there.
+std::string shortened(const Control& control, std::string_view text, int width) {
+    if (view().textWidth(control, text) <= width) return std::string(text);
+    std::string out;
+    do {
+        text.remove_prefix(1);
+        while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0U) == 0x80U)
+            text.remove_prefix(1);
+        out = "..." + std::string(text);
+    } while (!text.empty() && view().textWidth(control, out) > width);
+    return out;
+}
+
+// The heading at the left, the number of the page at the right, a line, and as much room as half a line. As plain text
+// it is one line.
+void putHeading(Control& control) {
+    Graph& graph = *control.graph;
+    const int width = view().paper(control.name).width, height = view().textHeight(control, "X");
+    const int blank = std::max(view().textWidth(control, " "), 1);
+    const std::string number = "Page " + std::to_string(graph.page);
+    const int at = width - view().textWidth(control, number);
+    std::string line = shortened(control, withoutTabs(graph.job.heading), at - 2 * blank);
+    const int gap = at - view().textWidth(control, line);
+    line.append(static_cast<std::size_t>(std::max(gap / blank, 1)), ' ');
+    if (graph.shows()) {
+        const Ink ink{control.foreColour, control.backColour};
+        graph.canvas->text(0, 0, line + number, control.font, ink);
+        graph.canvas->line(0, height + height / 4, width - 1, height + height / 4, ink);
+    }
+    graph.y = height + height / 2;
 }
 
 void putText(Control& control, std::string_view text) {
@@ -144,10 +176,12 @@ bool endGraph(Control& control) {
     return whole && !graph->failed;
 }
 
-void beginPage(Graph& graph) {
+void beginPage(Control& control) {
+    Graph& graph = *control.graph;
     ++graph.page;
     graph.x = graph.y = 0;
-    if (graph.canvas != nullptr && !graph.canvas->newPage()) graph.failed = true;
+    if (graph.shows() && std::exchange(graph.begun, true) && !graph.canvas->newPage()) graph.failed = true;
+    if (!graph.job.heading.empty()) putHeading(control);
 }
 
 Code StartGraph(const Object& object, int x, int y) {

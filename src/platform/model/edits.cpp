@@ -107,15 +107,4 @@ Answer<std::string> GetCallTip(const Object& window) {
     return ask<std::string>(window, [](const Control& c) { return c.callTip; });
 }
 
-Code SetStatusText(const Object& window, std::string_view text) {
-    return tellEdit(window, Property::StatusText, [&](Control& c) {
-        c.statusText = text;
-        return true;
-    });
-}
-
-Answer<std::string> GetStatusText(const Object& window) {
-    return ask<std::string>(window, [](const Control& c) { return c.statusText; });
-}
-
 }  // namespace tarn::platform

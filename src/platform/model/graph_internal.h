@@ -6,6 +6,7 @@
 
 #include "platform/model/canvas.h"
 #include "platform/model/model.h"
+#include "platform/operations/printjob.h"
 
 #include <memory>
 
@@ -19,12 +20,18 @@ struct Graph {
     bool failed = false;  // printers: a page could not be begun
     Font font;            // the object's own while it is drawn on
     int foreColour = -1, backColour = -1;
+    PrintJob job;        // printers
+    bool begun = false;  // printers: a page has gone to the canvas
+    // Whether what is drawn now comes out.
+    [[nodiscard]] bool shows() const {
+        return canvas != nullptr && page >= job.from && (job.to == 0 || page <= job.to);
+    }
 };
 
 // Begins a drawing on the control, and ends it; `finish` tells whether all could be written.
 Graph& beginGraph(Control& control, std::unique_ptr<Canvas> canvas);
 bool endGraph(Control& control);
-// Begins a page where the one that is full ends.
-void beginPage(Graph& graph);
+// Begins the first page, and one where the page that is full ends, with its heading.
+void beginPage(Control& control);
 
 }  // namespace tarn::platform

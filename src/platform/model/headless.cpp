@@ -22,6 +22,8 @@ constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
 constexpr char filePrinter[] = "Print to file";
 
 bool browser = true;
+int beeps = 0;
+std::string lastUrl;
 
 // A document as plain text: the lines of each page, with a form feed between two pages.
 class TextDocument : public Canvas {
@@ -34,11 +36,17 @@ public:
     void picture(const Rect&, const std::string&) override {}
     void window(int, int, const Window&) override {}
     bool newPage() override { return text_ += '\f', true; }
-    bool finish() override { return os::saveFile(file_, text_, os::Durability::Unsynced).ok(); }
+    bool finish() override {
+        return !discarded_ && os::saveFile(file_, text_, os::Durability::Unsynced).ok();
+    }
+    void discard() override { discarded_ = true; }
 
 private:
     std::string file_, text_;
+    bool discarded_ = false;
 };
+
+std::vector<std::string> sounds;  // played, of all headless views
 
 struct Timer {
     int handle = 0, milliseconds = 0;
@@ -105,22 +113,26 @@ public:
         return printer == filePrinter ? PRINTER_READY : PRINTER_STOPPED;
     }
     Paper paper(const std::string&) override { return {698, 1027, 794, 1123, 48, 48, 96, 96}; }  // A4
-    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document) override {
+    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document,
+                                          int) override {
         if (printer != filePrinter || document.empty()) return nullptr;
         return std::make_unique<TextDocument>(os::native(document) + ".txt");
     }
     std::string clipboard() override { return clipboard_; }
     void setClipboard(std::string_view text) override { clipboard_ = text; }
 
-    void sound() override {}
-    void playSound(const std::string&) override {}
+    void sound() override { ++beeps; }
+    void playSound(const std::string& file) override { sounds.push_back(file); }
     void setIcon(const std::string&) override {}
     void setBusy(bool) override {}
     void setTimer(Control& owner, int milliseconds) override {
         dropTimer(owner.handle);
         if (milliseconds > 0) timers_.push_back({owner.handle, milliseconds, dueAfter(milliseconds), false});
     }
-    bool openUrl(const std::string&) override { return browser; }
+    bool openUrl(const std::string& url) override {
+        lastUrl = url;
+        return browser;
+    }
     void toolProgress(const std::string& text) override {
         progress_ = !text.empty();
         stopped_ = stopped_ && progress_;
@@ -257,8 +269,20 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
     return std::make_unique<Headless>(std::move(answer));
 }
 
+std::vector<std::string> takeHeadlessSounds() {
+    return std::exchange(sounds, {});
+}
+
+int headlessBeeps() {
+    return beeps;
+}
+
 bool setHeadlessBrowser(bool there) {
     return std::exchange(browser, there);
+}
+
+const std::string& lastHeadlessUrl() {
+    return lastUrl;
 }
 
 bool pressToolStop() {

@@ -235,46 +235,4 @@ std::unique_ptr<Control> makeMenuitem(const Control& like) {
     return item;
 }
 
-namespace {
-
-struct NamedKey {
-    std::string_view name;
-    int code;
-};
-
-constexpr NamedKey namedKeys[] = {
-    {"Up", 38},     {"Down", 40},   {"Left", 37},     {"Right", 39}, {"Del", 46},      {"Delete", 46},
-    {"Ins", 45},    {"Insert", 45}, {"End", 35},      {"Home", 36},  {"Enter", 13},    {"Return", 13},
-    {"Escape", 27}, {"Esc", 27},    {"PgDn", 34},     {"PgUp", 33},  {"PageDown", 34}, {"PageUp", 33},
-    {"Space", 32},  {"Tab", 9},     {"Backspace", 8}, {"Plus", 187}, {"Minus", 189},
-};
-
-int keyFromText(std::string_view text) {
-    if (text.size() == 1) return static_cast<unsigned char>(upper(text[0]));
-    if (upper(text[0]) == 'F')
-        if (const auto number = wholeNumber(text.substr(1)); number && *number >= 1 && *number <= 24)
-            return 111 + *number;
-    for (const NamedKey& key : namedKeys)
-        if (sameText(key.name, text)) return key.code;
-    return 0;
-}
-
-}  // namespace
-
-int shortcutFromText(std::string_view text) {
-    constexpr NamedKey modifiers[] = {{"Ctrl+", 0x1000}, {"Shift+", 0x2000}, {"Alt+", 0x4000}};
-    int code = 0;
-    for (bool found = true; found;) {
-        found = false;
-        for (const NamedKey& modifier : modifiers) {
-            if (!sameText(text.substr(0, modifier.name.size()), modifier.name)) continue;
-            code |= modifier.code;
-            text.remove_prefix(modifier.name.size());
-            found = true;
-        }
-    }
-    const int key = text.empty() ? 0 : keyFromText(text);
-    return key == 0 ? 0 : code | key;
-}
-
 }  // namespace tarn::platform

@@ -32,7 +32,7 @@ public:
     int level = 0;      // menu items: 1 for the menu bar, 2 below it, ...
     int shortcut = 0;   // menu items: key + 0x1000 Ctrl + 0x2000 Shift + 0x4000 Alt; 0 none
 
-    std::string caption, tokens, picture, hint;
+    std::string caption, tokens, picture, hint, status, passing;
     std::unique_ptr<TextStore> text;  // edit windows, edits, combo boxes
     std::vector<Row> rows;
     int listIndex = 0;
@@ -57,7 +57,7 @@ public:
     int looks = LOOK_LINE, tabWidth = 4, zoom = 0, typed = 0, tipPlace = 0;
     Selection tipMark;
     bool folded = false;
-    std::string blocks, choices, callTip, statusText;
+    std::string blocks, choices, callTip;
 };
 
 class Window : public Control {
@@ -96,8 +96,14 @@ void userDrag(Point pressed, Point released);
 bool userKey(Window& window, Control* focus, int key);  // true: handled, goes no further
 void userClose(Window& window);                         // the window's close button
 void userActivate(Window& window);
+void userReturn(Window& window);  // the user comes back from another program
 void userMoved(Window& window, const Rect& frame, int state);
 void timerFired(Control& owner);
+
+// The keys of a shortcut by their name, as resource files have them: "Ctrl+S"; empty for 0 and for a key without one.
+std::string shortcutName(int shortcut);
+// Whether a text with the focus needs the keys for itself: to copy, undo, delete, or move the caret.
+bool isTextKey(int shortcut);
 
 // What is going on, for views and for whoever plays the user.
 Window* topModal();  // the innermost window that is shown modally; null if none is

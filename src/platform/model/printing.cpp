@@ -4,6 +4,7 @@
 #include "platform/model/access_internal.h"
 #include "platform/model/graph_internal.h"
 #include "platform/operations/drawing.h"
+#include "platform/operations/printjob.h"
 
 #include <algorithm>
 
@@ -38,14 +39,28 @@ std::vector<Object> PrinterList() {
 }
 
 Code StartPrint(const Object& object) {
+    return StartPrint(object, PrintJob());
+}
+
+Code StartPrint(const Object& object, const PrintJob& job) {
     const Printer printer(object);
     if (printer.code != Ok) return printer.code;
     Control& control = *printer.control;
     if (control.graph != nullptr) return PrinterFailed;
     if (view().printerStatus(control.name) == PRINTER_STOPPED) return PrinterNotReady;
-    std::unique_ptr<Canvas> canvas = view().startDocument(control.name, control.caption);
+    std::unique_ptr<Canvas> canvas = view().startDocument(control.name, control.caption, job.copies);
     if (canvas == nullptr) return PrinterFailed;
-    beginGraph(control, std::move(canvas)).page = 1;
+    beginGraph(control, std::move(canvas)).job = job;
+    beginPage(control);
+    return Ok;
+}
+
+Code CancelPrint(const Object& object) {
+    const Printer printer(object);
+    if (printer.code != Ok) return printer.code;
+    if (printer.control->graph == nullptr) return PrintNotStarted;
+    if (printer.control->graph->canvas != nullptr) printer.control->graph->canvas->discard();
+    endGraph(*printer.control);
     return Ok;
 }
 
@@ -60,7 +75,7 @@ Code NewPage(const Object& object) {
     const Printer printer(object);
     if (printer.code != Ok) return printer.code;
     if (printer.control->graph == nullptr) return PrintNotStarted;
-    beginPage(*printer.control->graph);
+    beginPage(*printer.control);
     return printer.control->graph->failed ? PrinterFailed : Ok;
 }
 

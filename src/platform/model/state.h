@@ -10,6 +10,7 @@
 
 #include "os/instance.h"
 #include "platform/model/model.h"
+#include "platform/operations/boxhelp.h"
 #include "platform/resources/rcx.h"
 
 #include <deque>
@@ -38,6 +39,7 @@ struct State {
     std::map<int, int> results;      // of the windows that are shown modally, by handle
     std::vector<Object> commanding;  // senders of the COMMAND_EVENTs being handled, the innermost last
     HelpViewer helpViewer = nullptr;
+    BoxHelp boxHelp = nullptr;
     std::optional<std::pair<Point, Point>> drag;  // of the next TrackRect; see userDrag
     std::string commandText;
     int lastHandle = 0;

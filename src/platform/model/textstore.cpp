@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The plain text of an edit control, for windows without a view that has an editor of its own; and what every text
-// store can do by going through its text.
+// The plain text of an edit control, for windows without a view that has an editor of its own; it keeps what each edit
+// has replaced, so that it can be undone as there. And what every text store can do by going through its text.
 #include "platform/model/model.h"
 
 #include <algorithm>
+#include <optional>
+#include <vector>
 
 namespace tarn::platform {
 
@@ -16,27 +18,93 @@ public:
     void setText(std::string_view text) override {
         text_ = text;
         selection_ = {};
-        modified_ = false;
+        steps_.clear();
+        done_ = 0;
+        saved_ = 0;
+        forced_ = false;
+        marks_.clear();
     }
     int length() const override { return static_cast<int>(text_.size()); }
     Selection selection() const override { return selection_; }
-    void select(int start, int length) override {
-        selection_.start = std::clamp(start, 1, this->length() + 1);
-        selection_.length = std::clamp(length, 0, this->length() + 1 - selection_.start);
-    }
+    void select(int start, int length) override { selection_ = clamped(start, length); }
     void replaceSelection(std::string_view text) override {
-        text_.replace(static_cast<std::size_t>(selection_.start - 1),
-                      static_cast<std::size_t>(selection_.length), text);
-        selection_ = {selection_.start + static_cast<int>(text.size()), 0};
-        modified_ = true;
+        const int end = selection_.start + static_cast<int>(text.size());
+        edit(selection_.start, selection_.length, text);
+        selection_ = {end, 0};
     }
-    bool modified() const override { return modified_; }
-    void setModified(bool modified) override { modified_ = modified; }
+    void replaceRange(int start, int length, std::string_view text) override {
+        const Selection range = clamped(start, length);
+        const int from = moved(selection_.start, range, text),
+                  to = moved(selection_.start + selection_.length, range, text);
+        edit(range.start, range.length, text);
+        selection_ = {from, to - from};
+    }
+    bool canUndo() const override { return done_ > 0; }
+    bool canRedo() const override { return done_ < steps_.size(); }
+    void undo() override {
+        const Step& step = steps_[--done_];
+        put(step.start, step.added.size(), step.removed);
+    }
+    void redo() override {
+        const Step& step = steps_[done_++];
+        put(step.start, step.removed.size(), step.added);
+    }
+    void setMarks(const std::vector<Selection>& places) override { marks_ = places; }
+    std::vector<Selection> marks() const override { return marks_; }
+    bool modified() const override { return forced_ || !saved_ || *saved_ != done_; }
+    void setModified(bool modified) override {
+        forced_ = modified;
+        if (!modified) saved_ = done_;
+    }
 
 private:
+    struct Step {
+        std::size_t start;  // from 0
+        std::string removed, added;
+    };
+
+    Selection clamped(int start, int length) const {
+        const int from = std::clamp(start, 1, this->length() + 1);
+        return {from, std::clamp(length, 0, this->length() + 1 - from)};
+    }
+    // Where a position goes when the range gets another text.
+    static int moved(int position, const Selection& range, std::string_view text) {
+        if (position <= range.start) return position;
+        const int end = range.start + range.length, size = static_cast<int>(text.size());
+        return position >= end ? position - range.length + size : std::min(position, range.start + size);
+    }
+    void edit(int start, int length, std::string_view text) {
+        const auto from = static_cast<std::size_t>(start - 1), count = static_cast<std::size_t>(length);
+        steps_.resize(done_);  // what was undone is lost with the next edit
+        if (saved_ && *saved_ > done_) saved_.reset();
+        steps_.push_back({from, text_.substr(from, count), std::string(text)});
+        ++done_;
+        replace(from, count, text);
+    }
+    void put(std::size_t start, std::size_t count, const std::string& text) {
+        replace(start, count, text);
+        selection_ = {static_cast<int>(start + text.size()) + 1, 0};
+    }
+
+    // What stands behind the range moves with it; a mark of which a part goes is gone.
+    void replace(std::size_t from, std::size_t count, std::string_view text) {
+        const int start = static_cast<int>(from) + 1, end = start + static_cast<int>(count);
+        std::erase_if(marks_, [&](const Selection& mark) {
+            return mark.start < end && mark.start + mark.length > start;
+        });
+        for (Selection& mark : marks_)
+            if (mark.start >= end) mark.start += static_cast<int>(text.size()) - static_cast<int>(count);
+        text_.replace(from, count, text);
+    }
+
     std::string text_;
+    std::vector<Selection> marks_;
     Selection selection_;
-    bool modified_ = false;
+    std::vector<Step> steps_;
+    std::size_t done_ = 0;  // how many of them are done and not undone
+    std::optional<std::size_t> saved_ =
+        0;                 // how many were when the text was not modified; none: it cannot be again
+    bool forced_ = false;  // modified by decree
 };
 
 // Calls `end` with the place and the length of each line end.
@@ -83,16 +151,43 @@ int TextStore::lineEnds() const {
     return lineEndsOf(text());
 }
 
-// The caret stays in its line.
+// The caret and the marks stay with their lines.
 bool TextStore::convertLineEnds(int ends, int most) {
     const std::string before = text(), after = withLineEnds(before, ends);
     if (after == before || (most > 0 && static_cast<int>(after.size()) > most)) return false;
-    const auto caret = static_cast<std::size_t>(selection().start - 1);
-    const auto place = withLineEnds(std::string_view(before).substr(0, caret), ends).size();
+    std::size_t seen = 0, now = 0;  // a place in the text before, and where that comes to stand
+    const auto moved = [&](int place) {
+        const auto at = static_cast<std::size_t>(place - 1);
+        if (at < seen) seen = now = 0;
+        now += withLineEnds(std::string_view(before).substr(seen, at - seen), ends).size();
+        seen = at;
+        return static_cast<int>(now) + 1;
+    };
+    const int caret = moved(selection().start);
+    std::vector<Selection> places = marks();
+    for (Selection& place : places) {
+        const int start = moved(place.start), end = moved(place.start + place.length);
+        place = {start, end - start};
+    }
     select(1, length());
     replaceSelection(after);
-    select(static_cast<int>(place) + 1, 0);
+    select(caret, 0);
+    setMarks(places);
     return true;
+}
+
+// For stores that only know a selection.
+void TextStore::replaceRange(int start, int length, std::string_view text) {
+    const Selection before = selection();
+    const auto moved = [&](int position) {
+        if (position <= start) return position;
+        const int size = static_cast<int>(text.size());
+        return position >= start + length ? position - length + size : std::min(position, start + size);
+    };
+    select(start, length);
+    replaceSelection(text);
+    const int from = moved(before.start);
+    select(from, moved(before.start + before.length) - from);
 }
 
 std::unique_ptr<TextStore> makePlainText() {

@@ -94,6 +94,7 @@ bool userKey(Window& window, Control* focus, int key) {
     if (sendEvent(object, KEYPRESS_EVENT, sender, key)) return true;
     Window* const left = findWindow(object);
     if (left == nullptr || !left->shown) return true;  // the key closed it
+    if (key == KEY_F1) return helpOn(std::string(left->caption), "");
     if (key != KEY_RETURN && key != KEY_ESCAPE) return false;
     focus = findControl(sender);
     if (key == KEY_RETURN && takesReturn(*left, focus)) return false;
@@ -109,6 +110,12 @@ void userClose(Window& window) {
 
 void userActivate(Window& window) {
     if (isAlive(window) && window.shown) activate(window);
+}
+
+void userReturn(Window& window) {
+    if (!isAlive(window) || !window.shown) return;
+    std::erase(state().activation, window.handle);  // so that it is told
+    activate(window);
 }
 
 void userMoved(Window& window, const Rect& frame, int state) {

@@ -49,6 +49,18 @@ bool setText(Control& c, std::string_view text) {
     return true;
 }
 
+// Lets `change` change the text as the user would.
+template <class Change>
+Code edit(const Object& object, Change change) {
+    Control* const control = findControl(object);
+    if (control == nullptr) return missing(object);
+    if (control->text == nullptr || isDropList(*control)) return Ok;
+    change(*control->text);
+    view().changed(*control, Property::Text);
+    userChange(*control);
+    return Ok;
+}
+
 }  // namespace
 
 Answer<std::string> GetCaption(const Object& object) {
@@ -95,13 +107,48 @@ Answer<std::string> GetSelText(const Object& object) {
 }
 
 Code SetSelText(const Object& object, std::string_view text) {
-    Control* const control = findControl(object);
-    if (control == nullptr) return missing(object);
-    if (control->text == nullptr || isDropList(*control)) return Ok;
-    control->text->replaceSelection(text);
-    view().changed(*control, Property::Text);
-    userChange(*control);
-    return Ok;
+    return edit(object, [&](TextStore& store) { store.replaceSelection(text); });
+}
+
+Code ReplaceText(const Object& object, int start, int length, std::string_view text) {
+    return edit(object, [&](TextStore& store) { store.replaceRange(start, length, text); });
+}
+
+bool CanUndo(const Object& object) {
+    const Control* const control = findControl(object);
+    return control != nullptr && control->text != nullptr && control->text->canUndo();
+}
+
+bool CanRedo(const Object& object) {
+    const Control* const control = findControl(object);
+    return control != nullptr && control->text != nullptr && control->text->canRedo();
+}
+
+Code Undo(const Object& object) {
+    if (!CanUndo(object)) return findControl(object) == nullptr ? missing(object) : Ok;
+    return edit(object, [](TextStore& store) { store.undo(); });
+}
+
+Code Redo(const Object& object) {
+    if (!CanRedo(object)) return findControl(object) == nullptr ? missing(object) : Ok;
+    return edit(object, [](TextStore& store) { store.redo(); });
+}
+
+Answer<std::string> GetStatus(const Object& object, StatusKind kind) {
+    return ask<std::string>(
+        object, [&](const Control& c) { return kind == StatusKind::Passes ? c.passing : c.status; });
+}
+
+Code SetStatus(const Object& object, std::string_view status, StatusKind kind) {
+    if (kind == StatusKind::Passes)
+        return tell(object, Property::Passing, [&](Control& c) {
+            if (!isEditWindowType(c.type) || (status.empty() && c.passing.empty())) return false;
+            c.passing = status;
+            return true;  // a word that is said again is shown again
+        });
+    return tell(object, Property::Status, [&](Control& c) {
+        return isEditWindowType(c.type) && assign(c.status, std::string(status));
+    });
 }
 
 Answer<Selection> GetSelection(const Object& object) {
@@ -213,12 +260,35 @@ Code SetEnabled(const Object& object, bool enabled) {
     return tell(object, Property::Enabled, [&](Control& c) { return assign(c.enabled, enabled); });
 }
 
+Answer<std::string> GetShortcut(const Object& object) {
+    return ask<std::string>(object, [](const Control& c) { return shortcutName(c.shortcut); });
+}
+
+Code SetShortcut(const Object& object, std::string_view keys) {
+    return tell(object, Property::Caption, [&](Control& c) {
+        return c.type == Type::Menuitem && assign(c.shortcut, shortcutFromText(keys));
+    });
+}
+
+Answer<int> GetMenulevel(const Object& object) {
+    return ask<int>(object, [](const Control& c) { return c.level; });
+}
+
+Answer<std::string> GetHint(const Object& object) {
+    return ask<std::string>(object, [](const Control& c) { return c.hint; });
+}
+
+Code SetHint(const Object& object, std::string_view hint) {
+    return tell(object, Property::Hint, [&](Control& c) { return assign(c.hint, std::string(hint)); });
+}
+
 Answer<int> GetFlags(const Object& object) {
     return ask<int>(object, [](const Control& c) { return c.flags; });
 }
 
 Code SetFlags(const Object& object, int flags) {
     return tell(object, Property::Flags, [&](Control& c) {
+        if (c.type == Type::Edit) return assign(c.flags, flags & KEYFIELD);
         if (!isEditWindowType(c.type) || !assign(c.flags, flags)) return false;
         c.readonly = (flags & READONLY) != 0;
         return true;

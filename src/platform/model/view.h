@@ -35,7 +35,10 @@ enum class Property {
     Enabled,
     Visible,
     Flags,
+    Status,
+    Passing,
     Picture,
+    Hint,
     Rows,
     ListIndex,
     Position,
@@ -49,8 +52,11 @@ enum class Property {
     Folded,
     Choices,
     CallTip,
-    StatusText,
 };
+
+namespace types {
+struct TextEdit;
+}
 
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
 // in its place, so that a text stands once. All positions are 1-based byte positions.
@@ -63,6 +69,18 @@ public:
     [[nodiscard]] virtual Selection selection() const = 0;
     virtual void select(int start, int length) = 0;  // scrolls it into view
     virtual void replaceSelection(std::string_view text) = 0;
+    // Replaces `length` bytes from `start` on, in one undo step; the selection stays with its text.
+    virtual void replaceRange(int start, int length, std::string_view text);
+    // One step back, one forth. A store without steps can do neither.
+    [[nodiscard]] virtual bool canUndo() const { return false; }
+    [[nodiscard]] virtual bool canRedo() const { return false; }
+    virtual void undo() {}
+    virtual void redo() {}
+    // All of them as one step; there is at least one, and they are sound (see operations/textedits.h).
+    virtual void replaceParts(const std::vector<TextEdit>& edits);
+    // Places that are shown as marked. A store whose control cannot show any keeps none.
+    virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
+    [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
     // The rest has a plain form that goes through the whole text.
@@ -89,6 +107,7 @@ struct Question {
     std::string filter;
     BoxIcon icon = BoxIcon::None;
     int defaultButton = 1;
+    bool fixedWidth = false;  // Font: an empty name stands for the desktop's font of edit windows
 };
 
 class View {
@@ -139,8 +158,8 @@ public:
     virtual std::vector<std::string> printers() = 0;
     virtual PrinterStatus printerStatus(const std::string& printer) = 0;
     virtual Paper paper(const std::string& printer) = 0;
-    virtual std::unique_ptr<Canvas> startDocument(const std::string& printer,
-                                                  const std::string& document) = 0;  // null: it failed
+    virtual std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document,
+                                                  int copies) = 0;  // null: it failed
 
     virtual std::string clipboard() = 0;
     virtual void setClipboard(std::string_view text) = 0;
@@ -182,9 +201,15 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 // Presses Stop while a headless view shows the progress of a tool: `toolStopPressed` is true then until the
 // progress is hidden. False if none is shown.
 bool pressToolStop();
+// How often headless views have beeped.
+int headlessBeeps();
 // Whether the desktop of headless views has a browser for `openUrl`; it has one unless told. The result is what
 // was so before.
 bool setHeadlessBrowser(bool there);
+// The files that headless views were told to play since this was asked last.
+std::vector<std::string> takeHeadlessSounds();
+// What headless views were asked to open last.
+const std::string& lastHeadlessUrl();
 
 // What libtarnwick-qt.so exports under the name "tarn_make_view".
 using MakeView = View* (*)();

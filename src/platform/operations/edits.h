@@ -42,8 +42,5 @@ Answer<std::string> GetChoices(const Object& window);  // as they were shown las
 // A hint at a position of the text, with a part of it marked; an empty one closes it.
 Code ShowCallTip(const Object& window, int position, std::string_view text, int markStart, int markLength);
 Answer<std::string> GetCallTip(const Object& window);
-// A note in the status bar, until the user goes on.
-Code SetStatusText(const Object& window, std::string_view text);
-Answer<std::string> GetStatusText(const Object& window);
 
 }  // namespace tarn::platform

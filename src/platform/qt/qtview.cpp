@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/qtview.h"
 
+#include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
 #include "platform/qt/controls/widgets.h"
@@ -22,6 +23,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QKeyEvent>
+#include <QLoggingCategory>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -46,6 +48,8 @@ char* arguments[] = {programName, nullptr};
 
 std::unique_ptr<QApplication> makeApplication() {
     if (QCoreApplication::instance() != nullptr) return nullptr;
+    // What a desktop lacks is nothing that a program has to say. QT_LOGGING_RULES brings it back.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.theme.*=false"));
     auto application = std::make_unique<QApplication>(argumentCount, arguments);
     QApplication::setApplicationName(QStringLiteral("tarnwick"));
     QApplication::setApplicationDisplayName(QString());
@@ -96,6 +100,17 @@ QFont fontOf(const Control& control) {
 QFontMetrics metricsOf(const Control& control) {
     const QFont font = fontOf(control);
     return control.type == Type::Printer ? printerMetrics(control.name, font) : QFontMetrics(font);
+}
+
+bool isKeyField(const Control* control) {
+    return control != nullptr && control->type == Type::Edit && (control->flags & KEYFIELD) != 0;
+}
+
+bool nameKeys(Control& field, const PressedKeys& keys) {
+    if (!keys.named) return true;
+    field.text->setText(shortcutName(keys.shortcut));
+    userChange(field);
+    return true;
 }
 
 // A window that is a plain widget would be no more than a filler to screen readers.
@@ -210,8 +225,11 @@ void QtView::activated() {
     if (QApplication::activePopupWidget() != nullptr) return;
     const QWindow* focus = QGuiApplication::focusWindow();
     Frame* frame = frameOfWidget(focus != nullptr ? QWidget::find(focus->winId()) : nullptr);
+    const bool returns = away_ && focus != nullptr;
+    away_ = focus == nullptr;
     std::erase_if(order_, [](const QPointer<Frame>& other) { return other.isNull(); });
     if (frame == nullptr || frame->window().widget == nullptr || !frame->isVisible()) return;
+    if (returns && !order_.empty() && order_.back() == frame) return userReturn(frame->window());
     enter(*frame);
 }
 
@@ -353,13 +371,26 @@ void QtView::sound() {
     QApplication::beep();
 }
 
+namespace {
+
+// Without a server, and without a device that could do without one, a player would only wait and complain.
+bool canBeHeard() {
+    const std::string runtime = os::environment("XDG_RUNTIME_DIR");
+    return !os::environment("PULSE_SERVER").empty() || os::infoOf(runtime + "/pulse/native").exists ||
+           os::infoOf(runtime + "/pipewire-0").exists || os::infoOf("/dev/snd/controlC0").exists;
+}
+
+}  // namespace
+
 void QtView::playSound(const std::string& file) {
+    if (!canBeHeard() || os::sizeOf(file) <= 0) return;
     for (const char* player : {"paplay", "aplay"}) {
         const QString path = QStandardPaths::findExecutable(QString::fromLatin1(player));
         if (path.isEmpty()) continue;
         os::StartRequest request;
         request.program = path.toStdString();
         request.arguments = {file};
+        request.outputFile = "/dev/null";
         os::StartError error{};
         // The child plays on by itself; nobody waits for its end.
         static std::unique_ptr<os::Child> playing;
@@ -458,6 +489,8 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
     const QWidget* focus = frame->focusWidget();
     if (widget != (focus != nullptr ? focus : frame)) return false;
     const QPointer<Frame> alive(frame);
+    if (Control* field = frame->controlOf(focus); isKeyField(field))
+        if (const PressedKeys keys = keysPressed(event); keys.taken) return nameKeys(*field, keys);
     if (windowHears(focus, event)) {
         Control* control = frame->controlOf(focus);
         if (userKey(frame->window(), control, modelKey(event.key()))) return true;
@@ -487,7 +520,9 @@ bool QtView::typeAhead(Frame& frame, QKeyEvent& event) {
 bool QtView::command(Frame& frame, int shortcut) {
     Control* item = findShortcut(frame.window(), shortcut);
     Frame* main = mainFrame();
-    if (item == nullptr && main != nullptr && main != &frame && takesInput(main->window()))
+    // The editing keys of Main's menu would change a text in which the user is not.
+    if (item == nullptr && main != nullptr && main != &frame && takesInput(main->window()) &&
+        !isTextKey(shortcut))
         item = findShortcut(main->window(), shortcut);
     if (item == nullptr) return false;
     userCommand(*item);

@@ -58,7 +58,8 @@ public:
     std::vector<std::string> printers() override;
     PrinterStatus printerStatus(const std::string& printer) override;
     Paper paper(const std::string& printer) override;
-    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document) override;
+    std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document,
+                                          int copies) override;
     std::string clipboard() override;
     void setClipboard(std::string_view text) override;
 
@@ -93,6 +94,7 @@ private:
     std::function<void()> idle_;
     void runIdle();
     QTimer idleTimer_;
+    bool away_ = false;                              // another program has the focus
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
     std::unique_ptr<ToolProgress> progress_;

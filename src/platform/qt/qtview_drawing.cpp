@@ -7,12 +7,14 @@
 #include "platform/qt/drawing/surface.h"
 #include "platform/qt/input/mouse.h"
 #include "platform/qt/input/tracker.h"
+#include "platform/qt/input/xclipboard.h"
 #include "platform/qt/qtview.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/windows/frame.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMimeData>
 
 namespace tarn::platform::qt {
 
@@ -70,16 +72,29 @@ Paper QtView::paper(const std::string& printer) {
     return paperOf(printer);
 }
 
-std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const std::string& document) {
-    return qt::startDocument(printer, document);
+std::unique_ptr<Canvas> QtView::startDocument(const std::string& printer, const std::string& document,
+                                              int copies) {
+    return qt::startDocument(printer, document, copies);
 }
 
 std::string QtView::clipboard() {
-    return QGuiApplication::clipboard()->text().toStdString();
+    if (QGuiApplication::platformName() == u"xcb" && !QGuiApplication::clipboard()->ownsClipboard()) {
+        // One more byte tells that there were more.
+        if (auto text = foreignClipboard(LargestText + 1)) return *text;
+    }
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    if (data == nullptr) return {};
+    const QString bytes = QString::fromLatin1(BytesType);
+    return data->hasFormat(bytes) ? data->data(bytes).toStdString() : data->text().toStdString();
 }
 
+// The bytes are for this program's own texts; other programs get a text whose lines end as the desktop's do.
 void QtView::setClipboard(std::string_view text) {
-    QGuiApplication::clipboard()->setText(shown(text));
+    auto* data = new QMimeData;
+    data->setText(shown(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    data->setData(QString::fromLatin1(BytesType),
+                  QByteArray(text.data(), static_cast<qsizetype>(text.size())));
+    QGuiApplication::clipboard()->setMimeData(data);
 }
 
 }  // namespace tarn::platform::qt

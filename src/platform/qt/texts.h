@@ -12,6 +12,10 @@
 
 namespace tarn::platform::qt {
 
+// The private format of the clipboard and of drops that carries a text's bytes as they are, beside the text that other
+// programs understand, which has neither NUL nor anything that is no UTF-8.
+inline constexpr char BytesType[] = "application/x-tarnwick-bytes";
+
 bool isUtf8(std::string_view bytes);
 QString shown(std::string_view bytes);
 

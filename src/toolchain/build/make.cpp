@@ -3,6 +3,7 @@
 
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/toolresults.h"
 #include "platform/resources/resource.h"
 #include "toolchain/build/link.h"
 #include "toolchain/build/tools.h"
@@ -28,7 +29,7 @@ struct Compile {
 
 Compile compile(const CompilerLine& line, const std::vector<std::string>& arguments,
                 const std::string& file) {
-    const std::string results = std::string(paths::folder(line.program)).append(ResultFile);
+    const std::string results = os::resultFile(std::string(paths::folder(line.program)), ResultFile);
     os::files().remove(results);
     const ToolRun run = runTool(line.program, arguments);
     std::string text;
@@ -70,8 +71,15 @@ public:
         if (result_.report.empty()) compileResources();
         if (result_.report.empty() && !sources_.exe.empty()) link();
         result_.ok = result_.report.empty();
-        if (result_.ok) result_.report = summaryLine(main_.path, 0);
+        if (result_.ok) result_.report = successes();
         return result_;
+    }
+    // A line for each class that was compiled, as the compiler writes it; for the program, where none was.
+    std::string successes() const {
+        std::string lines;
+        for (const SourceClass& item : sources_.classes)
+            if (compiled_.count(item.path) != 0) lines += summaryLine(item.path, 0);
+        return lines.empty() ? summaryLine(main_.path, 0) : lines;
     }
     // Something changed under the build's hands; what is out of date has to be found anew.
     bool again() const { return again_; }

@@ -51,6 +51,9 @@ public:
     os::FileError rename(const std::string& from, const std::string& to) override {
         return next_.rename(from, to);
     }
+    os::FileError renameNew(const std::string& from, const std::string& to) override {
+        return next_.renameNew(from, to);
+    }
     os::FileError remove(const std::string& path) override { return next_.remove(path); }
     os::FileError makeFolder(const std::string& path) override { return next_.makeFolder(path); }
     os::FileError removeFolder(const std::string& path) override { return next_.removeFolder(path); }

@@ -18,10 +18,13 @@ constexpr std::array<std::string_view, 3> SystemFolders = {"../lib/tarnwick/", "
 constexpr int MostOutputLines = 20;
 constexpr int Forever = 3600 * 1000;  // a wait is taken up again until the tool ends
 
-const char* describeStart(os::StartError error) {
+std::string describeStart(os::StartError error, const std::string& program) {
     switch (error) {
     case os::StartError::NotFound: return "the program is not found";
-    case os::StartError::NotExecutable: return "the file is not a program";
+    case os::StartError::NotExecutable:
+        return "its file may not be run: make it executable (chmod +x '" + program + "')";
+    case os::StartError::BadFormat: return "the file is not a program";
+    case os::StartError::WontRun: return "what it needs to run is missing, or it is being written";
     case os::StartError::NoMemory: return "memory is exhausted";
     case os::StartError::BadArguments: return "the command line is too long";
     case os::StartError::BadOutput: return "its output file cannot be written";
@@ -55,7 +58,7 @@ ToolRun runTool(const std::string& program, const std::vector<std::string>& argu
     os::StartError error = os::StartError::None;
     const auto child = os::processes().start({program, arguments, {}, outputFile, false}, error);
     if (child == nullptr) {
-        run.failure = describeStart(error);
+        run.failure = describeStart(error, program);
         return run;
     }
     run.started = true;

@@ -186,7 +186,14 @@ void Checker::callbackHead(const Declaration& item, const Function& head) {
     if (good) good = head.parameters[1]->type == systemType("Control");
     if (!good) return add(item.line, Problem::CallbackHeader, {});
     const Declaration* window = findDeclaration(tree_, windowKey(item.name));
-    if (window == nullptr) add(item.line, Problem::NoWindow, {item.name});
+    if (window == nullptr && !tellWindowFaults()) add(item.line, Problem::NoWindow, {item.name});
+}
+
+bool Checker::tellWindowFaults() {
+    for (const WindowFault& fault : tree_.windowFaults)
+        if (reported_.insert(fault.file + ":" + std::to_string(fault.line)).second)
+            messages_.add(fault.file, fault.line, Problem::ResourcesFailed, {fault.text});
+    return !tree_.windowFaults.empty();
 }
 
 // Two forms of a name differ in the number or the kinds of their parameters.

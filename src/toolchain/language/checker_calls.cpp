@@ -49,9 +49,43 @@ int costOfFit(Fit fit, const Type* from, const Type* to) {
 bool changesElements(const Declaration& form) {
     static constexpr auto Names = std::to_array<std::string_view>(
         {"listadd", "listinsert", "listdelete", "listclear", "listsort", "tabadd", "tabdelete", "tabclear",
-         "tabrebuild", "redim", "setinclude", "setexclude", "setclear", "open", "close", "tabopen",
-         "tabclose"});
+         "tabrebuild", "redim", "setinclude", "setexclude", "setclear", "setvalue", "strsplit", "open",
+         "close", "tabopen", "tabclose"});
     return std::find(Names.begin(), Names.end(), ascii::lowered(form.name)) != Names.end();
+}
+
+std::string kindText(const Declaration& parameter) {
+    const Kind kind = parameter.type->kind;
+    if (kind == Kind::Record && parameter.typeNode && !parameter.typeNode->name.empty())
+        return parameter.typeNode->name;
+    return kind == Kind::Adt ? "any value" : kindName(kind);
+}
+
+// "STRFIND(string, string)"
+std::string formText(const std::string& name, const Declaration& form) {
+    static constexpr const char* Modes[] = {"", "out ", "inout "};
+    std::string text;
+    for (const auto& parameter : parametersOf(form))
+        text +=
+            (text.empty() ? "" : ", ") + (Modes[static_cast<int>(parameter->mode)] + kindText(*parameter));
+    return name + "(" + text + ")";
+}
+
+// The forms with as many arguments as the call has; all of them if there are none.
+std::string formTexts(const std::string& name, const Declaration& first, std::size_t arguments) {
+    constexpr int Most = 5;
+    std::string same, all;
+    int ofSame = 0, ofAll = 0;
+    const auto add = [](std::string& list, int& count, const std::string& text) {
+        if (++count <= Most + 1) list += (count == 1 ? "" : ", ") + (count <= Most ? text : "...");
+    };
+    for (const Declaration* form = &first; form != nullptr; form = form->nextForm) {
+        if (form->kind != DeclarationKind::Function) continue;
+        const std::string text = formText(name, *form);
+        if (parametersOf(*form).size() == arguments) add(same, ofSame, text);
+        add(all, ofAll, text);
+    }
+    return same.empty() ? all : same;
 }
 
 }  // namespace
@@ -163,7 +197,14 @@ void Checker::noForm(Expression& item, const Declaration& first) {
         add(item.line, Problem::ArgumentCount,
             {item.name, std::to_string(parametersOf(first).size()), std::to_string(item.operands.size())});
     else if (known)
-        add(item.line, Problem::NoForm, {item.name});
+        add(item.line, Problem::NoForm, {item.name, formTexts(item.name, first, item.operands.size())});
+}
+
+// Whether it names something that keeps its value, so that there is more to say than that a variable is needed.
+static bool isKept(const Expression& value) {
+    const Declaration* root = rootOf(value);
+    return root != nullptr && (root->kind == DeclarationKind::Constant ||
+                               (root->kind == DeclarationKind::Parameter && root->mode == Mode::In));
 }
 
 void Checker::argument(Expression& item, std::size_t index, const Declaration& form) {
@@ -180,6 +221,8 @@ void Checker::argument(Expression& item, std::size_t index, const Declaration& f
     const Fit fit = fitOf(value->type, type);
     if (fit != Fit::Same && fit != Fit::Open)
         add(value->line, Problem::TypeMismatch, {typePhrase(type), typePhrase(value->type)});
+    else if (isKept(*value))
+        isVariable(*value, true);
     else if (!isVariable(*value, false) ||
              (value->kind == ExpressionKind::Index && value->operands[0]->type->kind == Kind::String))
         add(value->line, Problem::VariableNeeded, {std::to_string(index + 1), item.name});

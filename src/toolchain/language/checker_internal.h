@@ -36,6 +36,9 @@ private:
         messages_.add(tree_.path, line, problem, values);
     }
 
+    // Tells the faults for which windows of the class are missing, once; false if there are none.
+    bool tellWindowFaults();
+
     // ---- the class ----
 
     void finishConstant(Declaration& item);

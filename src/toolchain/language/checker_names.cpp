@@ -76,7 +76,10 @@ const Declaration* Checker::lookUpIn(const std::string& qualifier, const std::st
         prepare(*used.tree, *item, line);
         return item;
     }
-    add(line, Problem::NotInUses, {qualifier});
+    if (const Declaration* item = lookUp({}, qualifier, line, true); item != nullptr)
+        wrongKind(*item, "the name of a class", line);
+    else
+        add(line, Problem::NotInUses, {qualifier});
     reported_.insert(ascii::lowered(name));
     return nullptr;
 }
@@ -114,12 +117,13 @@ void Checker::prepare(ClassTree& owner, Declaration& item, int line) {
     if (!known) add(line, Problem::UsedClassHasErrors, {owner.name});
 }
 
-// One message for each name, and none while a used class cannot be read to its end.
+// One message for each name, and none while a used class cannot be read to its end, or the windows of this one.
 void Checker::unknown(const std::string& name, int line) {
     const bool guess = std::any_of(tree_.uses.begin(), tree_.uses.end(), [](const UsedClass& used) {
         return used.tree != nullptr ? !used.tree->complete : !isBuiltInClass(used.name);
     });
-    if (!guess && reported_.insert(ascii::lowered(name)).second) add(line, Problem::UnknownName, {name});
+    if (!guess && !tellWindowFaults() && reported_.insert(ascii::lowered(name)).second)
+        add(line, Problem::UnknownName, {name});
 }
 
 }  // namespace tarn::toolchain

@@ -43,6 +43,7 @@ constexpr auto ForeignSymbols = std::to_array<Foreign>({
     {"^", "PWR(base, exponent)", "*", Word::None},
     {"\\", "'div'", "div", Word::Div},
 });
+constexpr std::string_view AssignHere = "':=' to assign, '=' to compare";
 constexpr std::string_view CommentHere = "'//' in front of a comment, on each of its lines";
 constexpr int FixedDecimals = 4;
 
@@ -57,12 +58,33 @@ public:
     std::vector<Token> run() {
         std::vector<Token> tokens;
         if (source_.substr(0, ByteOrderMark.size()) == ByteOrderMark) position_ = ByteOrderMark.size();
-        for (skip(); position_ < source_.size(); skip()) tokens.push_back(next());
+        for (skip(); position_ < source_.size(); skip()) {
+            tokens.push_back(next());
+            followItem(tokens.back());
+        }
         tokens.push_back(token(TokenKind::End, position_));
         return tokens;
     }
 
 private:
+    // Whether what stands on the line so far can be an item that is assigned to: a name, its fields and elements.
+    void followItem(const Token& token) {
+        const bool name = token.kind == TokenKind::Name || token.word == Word::Me;
+        if (token.firstOnLine) {
+            item_ = name;
+            brackets_ = 0;
+            return;
+        }
+        if (!item_) return;
+        const bool symbol = token.kind == TokenKind::Symbol;
+        if (symbol && (token.text == "(" || token.text == "["))
+            ++brackets_;
+        else if (symbol && (token.text == ")" || token.text == "]"))
+            --brackets_;
+        else if (brackets_ <= 0)
+            item_ = name || (symbol && token.text == ".");
+    }
+
     void skip() {
         while (position_ < source_.size()) {
             const char c = source_[position_];
@@ -206,8 +228,10 @@ private:
     Token foreignSymbol(const Foreign& foreign) {
         const std::size_t begin = position_;
         position_ += foreign.text.size();
-        messages_.add(file_, line_, Problem::Foreign, {foreign.text, foreign.here});
+        const bool assigns = foreign.readAs == "=" && item_ && brackets_ == 0 && !first_;
+        messages_.add(file_, line_, Problem::Foreign, {foreign.text, assigns ? AssignHere : foreign.here});
         Token result = token(foreign.word == Word::None ? TokenKind::Symbol : TokenKind::Word, begin);
+        result.told = true;
         result.word = foreign.word;
         result.text = foreign.readAs;
         return result;
@@ -395,7 +419,8 @@ private:
     Messages& messages_;
     std::size_t position_ = 0;
     int line_ = 1, parentheses_ = 0;  // those that are open on this line
-    bool first_ = true, semicolonTold_ = false;
+    int brackets_ = 0;                // those of the item
+    bool first_ = true, semicolonTold_ = false, item_ = false;
 };
 
 }  // namespace

@@ -23,6 +23,7 @@ struct Token {
     TokenKind kind = TokenKind::End;
     Word word = Word::None;
     bool firstOnLine = false;
+    bool told = false;  // in the place of a sign of another language, with a message
     int line = 1;
     std::string_view text;    // as written; a string with its quotes
     std::int64_t number = 0;  // of an integer, at most 2^32; of a fixed number 10000 times as much

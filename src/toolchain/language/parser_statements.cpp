@@ -107,6 +107,10 @@ StatementPtr Parser::itemStatement(int line) {
         panic_ = true;
         return nullptr;
     }
+    if (isCall(*target) && isSymbol(":=")) {
+        report(Problem::Foreign, {"( )", "'[' and ']' around the place of an element"});
+        return nullptr;
+    }
     if (isCall(*target)) {
         auto result = make(StatementKind::Call, line);
         result->value = std::move(target);
@@ -123,6 +127,12 @@ StatementPtr Parser::itemStatement(int line) {
     }
     auto result = make(StatementKind::Assign, line);
     result->target = std::move(target);
+    if (here().told && !here().firstOnLine) {  // one message is enough
+        errorLine_ = line;
+        panic_ = true;
+        tree_->complete = false;
+        return nullptr;
+    }
     if (isSymbol("=")) {
         reportExpected("':=' to assign");
         return nullptr;

@@ -240,6 +240,12 @@ struct UsedClass {
     ClassTree* tree = nullptr;  // null: not found, or the library
 };
 
+// A window that the class's resource file does not tell, because of a fault.
+struct WindowFault {
+    std::string file, text;
+    int line = 0;
+};
+
 struct ClassTree {
     std::string path;  // full path of the file
     std::string name;
@@ -247,8 +253,9 @@ struct ClassTree {
     std::vector<UsedClass> uses;
     std::vector<std::unique_ptr<Declaration>> declarations;
     std::map<std::string, Declaration*> names;  // by folded name; further forms hang on the first
-    bool complete = true;                       // false: the text has errors
-    bool typesDone = false;                     // the types of all heads are resolved
+    std::vector<WindowFault> windowFaults;
+    bool complete = true;    // false: the text has errors
+    bool typesDone = false;  // the types of all heads are resolved
 };
 
 Declaration* findDeclaration(const ClassTree& tree, const std::string& foldedName);

@@ -3,6 +3,7 @@
 // The heads of the windowing operations and of the library's functions in class text, made from their lists in
 // kernel/windows/operations.h and library/system/functions.h. An argument has the name that it has there; where the language keeps that word it gets a "the" in front.
 #include "kernel/text/words.h"
+#include "kernel/values/values.h"
 #include "kernel/windows/operations.h"
 #include "library/system/functions.h"
 #include "library/system/numbers.h"
@@ -35,6 +36,12 @@ const char* languageType() {
     using namespace platform;
     if constexpr (std::is_same_v<T, bool>)
         return "boolean";
+    else if constexpr (std::is_same_v<T, std::uint8_t>)
+        return "enum";
+    else if constexpr (std::is_same_v<T, SetDescriptor*>)
+        return "set";
+    else if constexpr (std::is_same_v<T, ListDescriptor*>)
+        return "TSTRINGS";
     else if constexpr (std::is_same_v<T, std::int64_t> || std::is_same_v<T, double>)
         return "real";
     else if constexpr (std::is_same_v<T, FixedValue>)
@@ -71,6 +78,12 @@ const char* languageType() {
         return nullptr;
 }
 
+// What is handed on by a pointer is changed.
+template <class T>
+const char* mode() {
+    return std::is_pointer_v<T> ? "inout " : "";
+}
+
 template <class Head>
 struct Shape;
 
@@ -84,6 +97,7 @@ struct Shape<R(A...)> {
             return languageType<R>();
     }
     static std::vector<const char*> parameters() { return {languageType<std::remove_cvref_t<A>>()...}; }
+    static std::vector<const char*> modes() { return {mode<A>()...}; }
 };
 
 // The names of the parameters in "(const Object& object, int x = 0)".
@@ -111,7 +125,9 @@ std::string headText(const char* name, const std::string& symbol, std::string_vi
     const char* result = Shape<Head>::result();
     if (result == nullptr) return {};
     std::string text = std::string("public function ") + name + "(";
-    for (std::size_t i = 0; i < types.size(); ++i) text += (i == 0 ? "" : ", ") + names[i] + " : " + types[i];
+    const std::vector<const char*> modes = Shape<Head>::modes();
+    for (std::size_t i = 0; i < types.size(); ++i)
+        text += (i == 0 ? "" : ", ") + (modes[i] + names[i]) + " : " + types[i];
     text += ")";
     if (!Shape<Head>::isVoid) text += std::string(" return ") + result;
     return text + " external \"" + symbol + "\"\n";

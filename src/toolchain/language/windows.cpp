@@ -65,8 +65,9 @@ std::string twinOf(const std::string& file) {
     return {};
 }
 
-std::vector<NamedObject> namedObjects(std::string resources) {
-    const platform::RcFile file = platform::parseResourceText(std::move(resources));
+namespace {
+
+std::vector<NamedObject> objectsOf(const platform::RcFile& file) {
     std::vector<NamedObject> list;
     for (const platform::RcStatement& statement : file.statements) {
         if (statement.kind != RcKind::Window || !statement.fault.empty()) continue;
@@ -76,6 +77,21 @@ std::vector<NamedObject> namedObjects(std::string resources) {
         if (menu != nullptr && menu->fault.empty()) addObjects(statement.name, menu->objects, list);
     }
     return list;
+}
+
+std::vector<WindowFault> faultsOf(const std::string& path, const platform::RcFile& file) {
+    std::vector<WindowFault> faults;
+    if (!file.fault.empty()) faults.push_back({path, file.fault.text, file.fault.line});
+    for (const platform::RcStatement& statement : file.statements)
+        if ((statement.kind == RcKind::Window || statement.kind == RcKind::Menu) && !statement.fault.empty())
+            faults.push_back({path, statement.fault.text, statement.fault.line});
+    return faults;
+}
+
+}  // namespace
+
+std::vector<NamedObject> namedObjects(std::string resources) {
+    return objectsOf(platform::parseResourceText(std::move(resources)));
 }
 
 std::string windowNames(const std::string& resources) {
@@ -90,7 +106,9 @@ void declareWindows(ClassTree& tree) {
     const std::string file = twinOf(tree.path);
     std::string text;
     if (file.empty() || os::readFile(file, text) != os::FileError::None) return;
-    for (const NamedObject& object : namedObjects(std::move(text))) {
+    const platform::RcFile resources = platform::parseResourceText(std::move(text));
+    tree.windowFaults = faultsOf(file, resources);
+    for (const NamedObject& object : objectsOf(resources)) {
         if (object.control.empty() && object.type != "window") continue;  // nameless
         declare(tree, object.control, object);
         if (!object.array.empty()) countMember(declare(tree, object.array, object), object.control);

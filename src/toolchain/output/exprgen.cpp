@@ -187,30 +187,48 @@ std::string ExpressionGenerator::membership(const Expression& item) {
 }
 
 // An operand whose calls need statements is computed in a block of its own, which is entered only if it
-// counts.
+// counts. No constant stands in the C: tcc 0.9.27 loses jumps where one does.
 std::string ExpressionGenerator::truthChain(const Expression& item) {
     const bool isAnd = item.operators[0] == Operator::And;
-    std::string value = scalar(*item.operands[0]);
-    for (std::size_t i = 1; i < item.operands.size(); ++i) {
-        std::string before = takeLines();
-        ++indent_;
-        const std::string next = scalar(*item.operands[i]);
-        std::string made = takeLines();
-        --indent_;
-        lines_ = std::move(before);
-        if (made.empty() && i % MostNested != 0) {
-            value = "(" + value + (isAnd ? " && " : " || ") + next + ")";
-            continue;
-        }
-        const std::string name = newName();
-        line("int32_t " + name + " = " + value + ";");
-        line(std::string("if (") + (isAnd ? "" : "!") + name + ") {");
-        lines_ += made;
-        line("    " + name + " = " + next + ";");
-        line("}");
-        value = name;
+    std::string value;  // of the operands so far; empty while they change nothing
+    for (std::size_t i = 0; i < item.operands.size(); ++i) {
+        const Expression& operand = *item.operands[i];
+        if (operand.constant && (operand.constant->number != 0) == isAnd) continue;
+        if (operand.constant) return decidedTruth(value, isAnd);
+        if (value.empty())
+            value = scalar(operand);
+        else
+            addTruth(value, operand, isAnd, i % MostNested == 0);
     }
     return value;
+}
+
+// What is behind a constant that decides is not reached; what is before it may fail.
+std::string ExpressionGenerator::decidedTruth(const std::string& before, bool isAnd) {
+    const std::string name = newName(), constant = isAnd ? "0" : "1";
+    line("int32_t " + name + " = " + (before.empty() ? constant : "(" + before + ", " + constant + ")") +
+         ";");
+    return name;
+}
+
+void ExpressionGenerator::addTruth(std::string& value, const Expression& operand, bool isAnd, bool apart) {
+    std::string before = takeLines();
+    ++indent_;
+    const std::string next = scalar(operand);
+    std::string made = takeLines();
+    --indent_;
+    lines_ = std::move(before);
+    if (made.empty() && !apart) {
+        value = "(" + value + (isAnd ? " && " : " || ") + next + ")";
+        return;
+    }
+    const std::string name = newName();
+    line("int32_t " + name + " = " + value + ";");
+    line(std::string("if (") + (isAnd ? "" : "!") + name + ") {");
+    lines_ += made;
+    line("    " + name + " = " + next + ";");
+    line("}");
+    value = name;
 }
 
 namespace {

@@ -93,6 +93,8 @@ private:
     std::string comparison(const Expression& item);
     std::string membership(const Expression& item);
     std::string truthChain(const Expression& item);
+    std::string decidedTruth(const std::string& before, bool isAnd);
+    void addTruth(std::string& value, const Expression& operand, bool isAnd, bool apart);
     std::string numberChain(const Expression& item);
     std::string conversion(const Expression& item);
     // placegen.cpp

@@ -143,7 +143,7 @@ private:
         for (auto item = head_.parameters.rbegin(); item != head_.parameters.rend(); ++item)
             if (isCopied(**item)) release(**item);
         for (auto item = head_.variables.rbegin(); item != head_.variables.rend(); ++item) release(**item);
-        if (!head_.isOnerror) out_.line("quarn_leave();");
+        out_.line("quarn_leave();");
     }
 
     // What the windows call: the handled flag is the result.
@@ -155,26 +155,27 @@ private:
                itemSymbol(item_) + "(event, control, parameter, &handled, me);\n    return handled;\n}\n";
     }
 
-    // The handler works in the frame where the error arose: it has none of its own, and does not move its
-    // line.
+    // The handler has a frame of its own, so that errors in it are told with their place: its stamps call it once more,
+    // and tarn_report_begin reports what it is then called with. Its lines are no places to stop at, because in the
+    // debugger no handler is called.
     std::string onerror() {
-        statements_.withoutStamps();
-        locals();
-        entry_ = out_.takeLines();
+        statements_.listNoLines();
+        enter();
         statements_.block(head_.body);
         out_.line("goto leave;");
         out_.line("leave:;");
+        out_.line("tarn_stamp(0, 0, H);");
         const std::string body = out_.takeLines();
         leave();
         const std::string code = localSymbol(*head_.parameters[0]);
-        std::string guard = "    const int32_t line = tarn_current_line;\n";
+        std::string guard;
         if (head_.hasRange)
-            guard += "    if (" + code + " < " + std::to_string(head_.firstCode) + " || " + code + " > " +
-                     std::to_string(head_.lastCode) + ") {\n        tarn_default_onerror(" + code +
-                     ");\n        return;\n    }\n";
+            guard = "    if (" + code + " < " + std::to_string(head_.firstCode) + " || " + code + " > " +
+                    std::to_string(head_.lastCode) + ") {\n        tarn_default_onerror(" + code +
+                    ");\n        return;\n    }\n";
         entry_ = guard + "    if (!tarn_report_begin())\n        return;\n" + entry_;
         return finish(std::string("static void ") + OnerrorSymbol + "(int32_t " + code + ")", body,
-                      "    tarn_current_line = line;\n    tarn_report_end();\n");
+                      "    tarn_report_end();\n");
     }
 
     void conditions(const std::vector<Condition>& list, const char* test) {

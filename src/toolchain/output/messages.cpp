@@ -65,7 +65,7 @@ constexpr auto Texts = std::to_array<Entry>({
     {Problem::NoBody, "the function '%' has no body"},
     {Problem::StepNotPositive, "the step behind 'by' must be at least 1"},
     {Problem::ConstantArithmetic, "this constant cannot be computed: division by zero"},
-    {Problem::NoForm, "no form of '%' takes these arguments"},
+    {Problem::NoForm, "no form of '%' takes these arguments; there are: %"},
     {Problem::OnerrorHeader, "the function 'onerror' has one argument, an integer, and no result"},
     {Problem::StringResult, "the result of a function is a string without a length"},
     {Problem::TextTooLong, "this text is longer than 4096000 characters"},

@@ -7,13 +7,12 @@ namespace tarn::toolchain {
 
 void StatementGenerator::stamp(int line) {
     out_.freeTemporaries();
-    if (!stamps_) return;
     out_.line("tarn_stamp(" + std::to_string(line) + ", 0, H);");
-    markCodeLine(shared_, line);
+    if (listed_) markCodeLine(shared_, line);
 }
 
-std::string StatementGenerator::stampText(int line) const {
-    return stamps_ ? ", tarn_stamp(" + std::to_string(line) + ", 0, H)" : "";
+std::string StatementGenerator::stampText(int line) {
+    return ", tarn_stamp(" + std::to_string(line) + ", 0, H)";
 }
 
 void StatementGenerator::open(const std::string& text) {

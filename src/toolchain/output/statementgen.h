@@ -15,7 +15,7 @@ public:
         : head_(head), shared_(shared), out_(out) {}
 
     void block(const Block& statements);
-    void withoutStamps() { stamps_ = false; }  // of a handler of errors
+    void listNoLines() { listed_ = false; }  // the debugger is told of no line here
     void stamp(int line);
     void open(const std::string& text);
     void close(const std::string& text = "}");
@@ -38,14 +38,14 @@ private:
     void select(const Statement& item);
     std::string caseTest(const CaseLabel& label, const std::string& value, bool text);
     void returned(const Statement& item);
-    std::string stampText(int line) const;
+    static std::string stampText(int line);
     std::string newLabel() { return "L" + std::to_string(++labels_); }
 
     const Function& head_;
     Shared& shared_;
     ExpressionGenerator& out_;
     int labels_ = 0;
-    bool stamps_ = true;
+    bool listed_ = true;
 };
 
 }  // namespace tarn::toolchain

@@ -150,6 +150,109 @@ TEST_F(ProcessTest, inputComesFromTheFileThatIsNamed) {
     EXPECT_EQ(sizeOf(at("untouched")), 0);
 }
 
+class PipedTest : public ProcessTest {
+protected:
+    static std::unique_ptr<Child> piped(const std::string& command) {
+        StartRequest request{"/bin/sh", {"-c", command}, "", ""};
+        request.piped = true;
+        StartError error = StartError::Other;
+        auto child = processes().start(request, error);
+        EXPECT_EQ(error, StartError::None);
+        return child;
+    }
+    // All that it writes, to its end.
+    static std::string output(Child& child) {
+        std::string text;
+        for (int i = 0; i < longEnough && child.readOutput(text, 1000) >= 0; ++i) ::usleep(1000);
+        return text;
+    }
+};
+
+TEST_F(PipedTest, outputAndErrorsAreRead) {
+    const auto child = piped("echo one; echo two >&2; printf '\\377\\000'");
+    EXPECT_EQ(output(*child), std::string("one\ntwo\n\xff\0", 10));
+    EXPECT_TRUE(child->wait(longEnough).ended);
+    std::string none;
+    EXPECT_EQ(child->readOutput(none, 10), -1) << "and stays so";
+}
+
+TEST_F(PipedTest, readingDoesNotWaitAndTakesAtMostWhatIsWanted) {
+    const auto child = piped("read a; printf 123456789; read b");
+    std::string text;
+    EXPECT_EQ(child->readOutput(text, 100), 0);
+    EXPECT_EQ(child->writeInput("go\n"), 3);
+    for (int i = 0; i < longEnough && child->readOutput(text, 4) == 0; ++i) ::usleep(1000);
+    EXPECT_EQ(text, "1234");
+    EXPECT_EQ(child->readOutput(text, 100), 5);
+    EXPECT_EQ(text, "123456789");
+    child->endInput();
+    EXPECT_TRUE(child->wait(longEnough).ended);
+}
+
+TEST_F(PipedTest, inputArrivesAndEnds) {
+    const auto child = piped("cat; echo end");
+    EXPECT_EQ(child->writeInput("a b\n"), 4);
+    EXPECT_EQ(child->writeInput(""), 0);
+    child->endInput();
+    EXPECT_EQ(output(*child), "a b\nend\n");
+    EXPECT_EQ(child->writeInput("late"), -1);
+}
+
+TEST_F(PipedTest, inputThatNobodyReadsFillsThePipeAndDoesNotWait) {
+    const auto child = piped("sleep 5");
+    const std::string much(1 << 22, 'x');
+    const int taken = child->writeInput(much);
+    EXPECT_GT(taken, 0);
+    EXPECT_LT(taken, 1 << 22);
+    EXPECT_EQ(child->writeInput(much), 0);
+    child->stop(0);
+    EXPECT_EQ(child->writeInput(much), -1) << "this process lives on";
+}
+
+TEST_F(PipedTest, aChildGoesOnWhenNobodyReadsIt) {
+    auto child = piped("read a; echo one; echo two; echo done > " + at("out"));
+    child.reset();
+    EXPECT_EQ(awaited("out"), "done");
+}
+
+TEST_F(PipedTest, aFileThatIsNamedTakesThePipesPlace) {
+    StartRequest request{"/bin/sh", {"-c", "cat; echo out"}, "", at("out")};
+    request.piped = true;
+    StartError error = StartError::Other;
+    const auto child = processes().start(request, error);
+    ASSERT_EQ(error, StartError::None);
+    std::string text;
+    EXPECT_EQ(child->readOutput(text, 10), -1);
+    child->writeInput("in\n");
+    child->endInput();
+    EXPECT_TRUE(child->wait(longEnough).ended);
+    EXPECT_EQ(get("out"), "in\nout\n");
+}
+
+TEST_F(PipedTest, aChildWithoutPipesHasNothingToReadAndReadsNothing) {
+    const auto child = shell("exit 0");
+    std::string text;
+    EXPECT_EQ(child->readOutput(text, 10), -1);
+    EXPECT_EQ(child->writeInput("a"), -1);
+    child->endInput();
+    EXPECT_TRUE(child->wait(longEnough).ended);
+}
+
+TEST_F(PipedTest, noDescriptorStaysBehind) {
+    const auto open = [] {
+        std::vector<std::string> names;
+        realFiles().list("/proc/self/fd", names);
+        return names.size();
+    };
+    const std::size_t before = open();
+    for (int i = 0; i < 20; ++i) piped("exit 0")->wait(longEnough);
+    StartRequest none{at("none"), {}, "", ""};
+    none.piped = true;
+    StartError error = StartError::None;
+    EXPECT_EQ(processes().start(none, error), nullptr);
+    EXPECT_EQ(open(), before);
+}
+
 TEST_F(ProcessTest, aProcessIsWaitedForByItsNumber) {
     const auto child = shell("sleep 0.3");
     EXPECT_FALSE(waitForProcess(child->id(), 0));

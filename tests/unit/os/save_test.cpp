@@ -389,5 +389,80 @@ TEST_F(SaveRules, aFolderThatGoesDuringTheSaveHasVanished) {
     EXPECT_EQ(disk_.contents(target), oldText);
 }
 
+// ---- files that must not exist yet ----
+
+class NewFileTest : public SaveRules {};
+
+TEST_F(NewFileTest, isThereWholeWithItsMode) {
+    disk_.putFolder("/home/u/texts");
+    ASSERT_EQ(saveNewFile(target, newText, 0600), FileError::None);
+    EXPECT_EQ(disk_.contents(target), newText);
+    EXPECT_EQ(infoOf(target).mode, 0600U);
+    EXPECT_EQ(disk_.allFiles(), std::vector<std::string>{target});
+}
+
+TEST_F(NewFileTest, goesOverNothing) {
+    existing(disk_);
+    disk_.put("/srv/real", "real");
+    disk_.putLink("/srv/real", "/home/u/texts/link");
+    disk_.putLink("/srv/absent", "/home/u/texts/dangling");
+    disk_.putFolder("/home/u/texts/folder");
+    const auto before = disk_.allFiles();
+    for (const char* name : {"a.cls", "link", "dangling", "folder"})
+        EXPECT_EQ(saveNewFile(std::string("/home/u/texts/") + name, newText, 0600), FileError::Exists)
+            << name;
+    EXPECT_EQ(disk_.allFiles(), before);
+    EXPECT_EQ(disk_.contents(target), oldText);
+    EXPECT_EQ(disk_.contents("/srv/real"), "real");
+}
+
+TEST_F(NewFileTest, isThereWholeOrNotAtAllAfterAnyFailureAndAnyDeath) {
+    int calls = 0;
+    for (int n = 1; n < 30; n++) {
+        for (const bool death : {false, true}) {
+            SteeredFiles disk;
+            const Steered steered(disk);
+            disk.putFolder("/home/u/texts");
+            disk.clearLog();
+            if (death)
+                disk.dieAt(n, n % 2 == 0);
+            else
+                disk.failAt(n, FileError::DiskFull);
+            FileError error = FileError::None;
+            try {
+                error = saveNewFile(target, newText, 0600);
+            } catch (const ProcessDeath&) {
+                disk.afterMachineDeath(SteeredFiles::Names::Kept);
+            }
+            calls = disk.calls();
+            EXPECT_TRUE(!disk.has(target) || disk.contents(target) == newText ||
+                        (death && disk.contents(target).empty()))
+                << n;
+            EXPECT_EQ(disk.openHandles(), 0) << n;
+            EXPECT_TRUE(death || error == FileError::None || disk.allFiles().size() <= 1U) << n;
+        }
+    }
+    EXPECT_GE(calls, 6);
+}
+
+TEST(RealNewFile, goesOverNothing) {
+    const TempFolder folder;
+    const std::string one = folder.path() + "/one", two = folder.path() + "/two",
+                      link = folder.path() + "/link";
+    ASSERT_EQ(saveNewFile(one, "1", 0600), FileError::None);
+    EXPECT_EQ(saveNewFile(one, "2", 0600), FileError::Exists);
+    ASSERT_EQ(files().link(two, link), FileError::None);
+    EXPECT_EQ(saveNewFile(link, "2", 0600), FileError::Exists);
+    EXPECT_EQ(files().renameNew(one, link), FileError::Exists);
+    EXPECT_EQ(files().renameNew(one, two), FileError::None);
+    EXPECT_EQ(files().renameNew(one, two), FileError::NotFound);
+    std::string bytes;
+    ASSERT_EQ(readFile(two, bytes), FileError::None);
+    EXPECT_EQ(bytes, "1");
+    std::vector<std::string> names;
+    ASSERT_EQ(files().list(folder.path(), names), FileError::None);
+    EXPECT_EQ(names, (std::vector<std::string>{"link", "two"}));
+}
+
 }  // namespace
 }  // namespace tarn::os

@@ -128,7 +128,8 @@ TEST_F(MessagePages, LeadOnlyToPagesThatAreThere) {
     for (const auto& entry : std::filesystem::directory_iterator(Pages)) {
         for (const std::string& target : between(textOf(entry.path()), "href=\"", "\"")) {
             const std::string file = target.substr(0, target.find('#'));
-            EXPECT_TRUE(std::filesystem::exists(Pages + file)) << entry.path() << " " << target;
+            EXPECT_TRUE(std::filesystem::exists(BINARY_DIR "/help/messages/" + file))
+                << entry.path() << " " << target;
             EXPECT_EQ(target.find("://"), std::string::npos) << "nothing leads outside";
         }
     }
@@ -148,7 +149,7 @@ TEST_F(MessagePages, TheListsOfTheDocumentsAreThoseOfTheCompiler) {
     expectAll(language, "docs/language.md");
     const std::string mark = ".htm\">", behind = "</a></dt><dd>";
     for (const std::string& row :
-         between(textOf(SOURCE_DIR "/docs/help/Tarnwick.htm"), "\"><a href=\"messages/", "</dd>"))
+         between(textOf(BINARY_DIR "/help/Tarnwick.htm"), "\"><a href=\"messages/", "</dd>"))
         help[std::stoi(row)] = plain(row.substr(row.find(behind) + behind.size()));
     expectAll(help, "the general help");
     for (const std::string& row : between(textOf(Pages + "index.htm"), "<dt><a href=\"", "</dd>"))

@@ -7,6 +7,8 @@
 #include "toolchain/output/symfile.h"
 
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarn::toolchain {
 namespace {
@@ -90,6 +92,60 @@ TEST_F(Quarn, ResultsThatCannotBeWrittenAreNotPassedOver) {
     write("a.cls", "Tarnwick Class A\nEnd class\n");
     EXPECT_EQ(quarn({dir + "a.cls"}), 2);
     EXPECT_NE(output.find("cannot write"), std::string::npos);
+}
+
+// Tools of an installation, which stand in a folder that the user cannot write to.
+class ToolsOfAnInstallation : public ToolchainTest {
+protected:
+    static constexpr unsigned Nobody = 65534;
+
+    void SetUp() override {
+        ToolchainTest::SetUp();
+        if (::geteuid() == 0) {
+            ASSERT_EQ(::chown(dir.c_str(), Nobody, Nobody), 0);
+        }
+        write("a.cls", "Tarnwick Class A\nfunction main()\nPRINT(\"a\")\nend function\nEnd class\n");
+    }
+    void TearDown() override {
+        std::filesystem::permissions(dir + "tools", std::filesystem::perms::owner_all);
+        ToolchainTest::TearDown();
+    }
+    // Calls a tool as a user for whom permissions count. `stale` is what lies beside the tools from another time.
+    int call(const std::string& tool, std::vector<std::string> arguments, const std::string& stale = {}) {
+        if (!stale.empty()) write("tools/sarn.err", stale);
+        ::chmod((dir + "tools").c_str(), 0555);
+        arguments.insert(arguments.begin(), dir + "tools/" + tool);
+        if (::geteuid() == 0)
+            arguments.insert(arguments.begin(),
+                             {"/usr/bin/setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
+        const std::string program = arguments.front();
+        arguments.erase(arguments.begin());
+        std::filesystem::remove(dir + "output");
+        return run(program, arguments);
+    }
+    std::string own() const { return read("tarnwick/sarn.err"); }
+};
+
+TEST_F(ToolsOfAnInstallation, LeaveTheirMessagesInTheUsersFolder) {
+    EXPECT_EQ(call("quarn.exe", {"/q", dir + "a.cls"}), 0) << output;
+    EXPECT_EQ(own(), dir + "a.cls : 0 errors.\n");
+    EXPECT_FALSE(exists("tools/sarn.err"));
+}
+
+TEST_F(ToolsOfAnInstallation, BuildAProgramWhateverLiesBesideThem) {
+    EXPECT_EQ(call("ordo.exe", {"-fm", dir + "a.cls"}, "a.cls(1) : error 1201 of long ago\n"), 0) << output;
+    EXPECT_EQ(own(), dir + "a.cls : 0 errors.\n");
+    EXPECT_EQ(run(dir + "a.exe", {}), 0);
+    EXPECT_EQ(output, "a\n");
+    EXPECT_EQ(errors(), "a.cls(1) : error 1201 of long ago\n");
+}
+
+TEST_F(ToolsOfAnInstallation, TakeNoOldSuccessForTheirOwn) {
+    write("a.cls", "Tarnwick Class A\nfunction main()\nx := 1\nend function\nEnd class\n");
+    EXPECT_EQ(call("ordo.exe", {"-fm", dir + "a.cls"}, dir + "a.cls : 0 errors.\n"), 1) << output;
+    EXPECT_NE(own().find("a.cls(3) : error 1201 'x' is not declared\n"), std::string::npos) << own();
+    EXPECT_NE(output.find("error 1201"), std::string::npos) << output;
+    EXPECT_FALSE(exists("a.exe"));
 }
 
 TEST(SymbolFile, TheBitmapHasABitForEachLineOfCode) {

@@ -9,6 +9,7 @@
 
 #include <QImage>
 #include <QPoint>
+#include <QString>
 
 #include <memory>
 #include <string>
@@ -53,13 +54,15 @@ public:
     virtual void setTokens(std::string_view tokens) = 0;
     virtual void setFont(const Font& font) = 0;
     virtual void setName(const QString& name) = 0;  // for screen readers
+    // Parts of the status bar; empty: none. What passes stands for some seconds, or until the user goes on.
+    virtual void setStatus(const QString& text) = 0;
+    virtual void setPassing(const QString& text) = 0;
     // What platform/operations/edits.h tells.
     virtual void setLooks(int looks, int tabWidth, int zoom) = 0;
     virtual void setBlocks(std::string_view rules) = 0;
     virtual void foldAll(bool folded) = 0;
     virtual void showChoices(std::string_view rows, int typed) = 0;
     virtual void showCallTip(int position, std::string_view text, const Selection& mark) = 0;
-    virtual void setNote(std::string_view text) = 0;
 };
 
 // Exported under the name "tarn_make_edit_area". The area belongs to its widget; `events` must outlive it.

@@ -304,12 +304,20 @@ public:
         case Property::Password:
             line_.setEchoMode(control_->passwordChar != 0 ? QLineEdit::Password : QLineEdit::Normal);
             break;
+        case Property::Flags: takeOnlyKeys((control_->flags & KEYFIELD) != 0); break;
         default: break;
         }
     }
     void letGo() override { giveBackText(*control_); }
 
 private:
+    // Whole keys come from the view's filter; text in any other way would be none of their names.
+    void takeOnlyKeys(bool only) {
+        line_.setAttribute(Qt::WA_InputMethodEnabled, !only);
+        line_.setAcceptDrops(!only);
+        line_.setContextMenuPolicy(only ? Qt::NoContextMenu : Qt::DefaultContextMenu);
+    }
+
     QLineEdit& line_;
 };
 
@@ -427,7 +435,8 @@ public:
         case Property::CallTip:
             area_->showCallTip(control_->tipPlace, control_->callTip, control_->tipMark);
             break;
-        case Property::StatusText: area_->setNote(control_->statusText); break;
+        case Property::Status: area_->setStatus(shown(control_->status)); break;
+        case Property::Passing: area_->setPassing(shown(control_->passing)); break;
         default: break;
         }
     }

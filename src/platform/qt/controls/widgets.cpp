@@ -287,7 +287,8 @@ public:
         label.setFrameStyle(frames[std::clamp(control.border, 0, 2)]);
     }
     void apply(Property property) override {
-        if (property == Property::Caption || property == Property::Position || property == Property::Font)
+        if (property == Property::Caption || property == Property::Position || property == Property::Font ||
+            property == Property::Hint)
             show();
     }
 
@@ -524,9 +525,9 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
 }
 
 constexpr Property All[] = {
-    Property::Caption,   Property::Picture,  Property::Rows,    Property::ListIndex,
-    Property::Range,     Property::Value,    Property::Checked, Property::Readonly,
-    Property::MaxLength, Property::Password, Property::Flags,   Property::Tokens,
+    Property::Caption, Property::Picture, Property::Rows,     Property::ListIndex, Property::Range,
+    Property::Value,   Property::Checked, Property::Readonly, Property::MaxLength, Property::Password,
+    Property::Flags,   Property::Tokens,  Property::Status,
 };
 
 }  // namespace

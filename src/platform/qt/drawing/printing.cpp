@@ -2,12 +2,14 @@
 #include "platform/qt/drawing/printing.h"
 
 #include "os/files.h"
+#include "os/paths.h"
 #include "platform/qt/drawing/paintcanvas.h"
 #include "platform/qt/texts.h"
 
 #include <QPageLayout>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QTemporaryFile>
 
 #include <algorithm>
 #include <map>
@@ -49,7 +51,7 @@ public:
           name_(std::move(name)) {
         painter_.begin(&printerOf(name_));
     }
-    ~PrinterCanvas() override { PrinterCanvas::finish(); }
+    ~PrinterCanvas() override { PrinterCanvas::discard(); }
     [[nodiscard]] bool begun() const { return painter_.isActive(); }
     bool newPage() override { return painter_.isActive() && printerOf(name_).newPage(); }
     bool finish() override {
@@ -58,10 +60,41 @@ public:
         known().erase(name_);
         return ended;
     }
+    void discard() override {
+        if (!painter_.isActive()) return;
+        printerOf(name_).abort();
+        painter_.end();
+        known().erase(name_);
+    }
 
 private:
     std::string name_;
 };
+
+// The pages are made in a file of their own, which takes the place of the document's at the end.
+class FileCanvas : public PrinterCanvas {
+public:
+    FileCanvas(std::string name, std::string document, std::unique_ptr<QTemporaryFile> pages)
+        : PrinterCanvas(std::move(name)), document_(std::move(document)), pages_(std::move(pages)) {}
+    bool finish() override {
+        std::string bytes;
+        return PrinterCanvas::finish() &&
+               os::readFile(pages_->fileName().toStdString(), bytes) == os::FileError::None &&
+               !bytes.empty() && os::saveFile(document_, bytes, os::Durability::Unsynced).ok();
+    }
+
+private:
+    std::string document_;
+    std::unique_ptr<QTemporaryFile> pages_;
+};
+
+std::unique_ptr<PrinterCanvas> startFile(const std::string& name, const std::string& document) {
+    const std::string file = os::native(document) + ".pdf", folder(paths::folder(file));
+    auto pages = std::make_unique<QTemporaryFile>();
+    if (document.empty() || (!folder.empty() && !os::infoOf(folder).folder) || !pages->open()) return nullptr;
+    printerOf(name).setOutputFileName(pages->fileName());
+    return std::make_unique<FileCanvas>(name, file, std::move(pages));
+}
 
 }  // namespace
 
@@ -100,15 +133,17 @@ QFontMetrics printerMetrics(const std::string& printer, const QFont& font) {
     return {font, &printerOf(printer)};
 }
 
-std::unique_ptr<Canvas> startDocument(const std::string& name, const std::string& document) {
+std::unique_ptr<Canvas> startDocument(const std::string& name, const std::string& document, int copies) {
     QPrinter& printer = printerOf(name);
     printer.setDocName(shown(document));
+    std::unique_ptr<PrinterCanvas> canvas;
     if (name == FilePrinter) {
-        if (document.empty()) return nullptr;
-        printer.setOutputFileName(shown(os::native(document)) + QStringLiteral(".pdf"));
+        canvas = startFile(name, document);
+    } else {
+        printer.setCopyCount(copies);
+        canvas = std::make_unique<PrinterCanvas>(name);
     }
-    auto canvas = std::make_unique<PrinterCanvas>(name);
-    if (!canvas->begun()) return known().erase(name), nullptr;
+    if (canvas == nullptr || !canvas->begun()) return known().erase(name), nullptr;
     return canvas;
 }
 

@@ -19,7 +19,8 @@ std::vector<std::string> printers();  // the default one first, the one to a fil
 PrinterStatus printerStatus(const std::string& printer);
 Paper paperOf(const std::string& printer);
 QFontMetrics printerMetrics(const std::string& printer, const QFont& font);
-// Null if the printer does not begin. A document without a name goes to no file.
-std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document);
+// Null if the printer does not begin. A document without a name goes to no file, and neither does one for a folder that
+// is not there; a file is made when the document ends, whole or not at all.
+std::unique_ptr<Canvas> startDocument(const std::string& printer, const std::string& document, int copies);
 
 }  // namespace tarn::platform::qt

@@ -32,7 +32,8 @@ QColor readable(const QColor& colour, const QColor& background) {
     QColor result = colour;
     while (contrast(result, background) < Enough && lightness + step >= 0 && lightness + step <= 1) {
         lightness += step;
-        result = QColor::fromHslF(std::max(hue, 0.0F), saturation, lightness);
+        // With the 8 bits of the screen, which may be just too few.
+        result = QColor(QColor::fromHslF(std::max(hue, 0.0F), saturation, lightness).rgb());
     }
     return result;
 }

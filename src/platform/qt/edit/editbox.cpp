@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The edit window as the view sees it: text and status bar in one widget, and the store over the text.
+#include "platform/operations/textedits.h"
 #include "platform/qt/controls/editarea.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
@@ -32,7 +33,27 @@ public:
     void replaceSelection(std::string_view text) override {
         if (area_ != nullptr) area_->replaceSelection(text);
     }
+    void replaceParts(const std::vector<TextEdit>& edits) override {
+        if (area_ != nullptr && !area_->replaceParts(edits)) TextStore::replaceParts(edits);
+    }
+    void setMarks(const std::vector<Selection>& places) override {
+        if (area_ != nullptr) area_->setMarks(places);
+    }
+    std::vector<Selection> marks() const override {
+        return area_ != nullptr ? area_->marks() : std::vector<Selection>();
+    }
     bool modified() const override { return area_ != nullptr && area_->modified(); }
+    void replaceRange(int start, int length, std::string_view text) override {
+        if (area_ != nullptr) area_->replaceRange(start, length, text);
+    }
+    bool canUndo() const override { return area_ != nullptr && area_->canUndo(); }
+    bool canRedo() const override { return area_ != nullptr && area_->canRedo(); }
+    void undo() override {
+        if (area_ != nullptr) area_->undo();
+    }
+    void redo() override {
+        if (area_ != nullptr) area_->redo();
+    }
     void setModified(bool modified) override {
         if (area_ != nullptr) area_->setModified(modified);
     }
@@ -58,14 +79,20 @@ public:
         setFocusProxy(text_);
         text_->setObjectName(QStringLiteral("text"));
         bar_->hide();
-        connect(text_, &TextArea::edited, this, [this] { events_.changed(); });
+        connect(text_, &TextArea::edited, this, [this] {
+            say({});
+            events_.changed();
+        });
+        connect(text_, &TextArea::refused, this, [this](int limit) {
+            say(tr("No room: a text has at most %1 bytes").arg(QLocale().toString(limit)));
+        });
+        saying_.setSingleShot(true);
+        connect(&saying_, &QTimer::timeout, this, [this] { say({}); });
         connect(text_, &TextArea::moved, this, [this] { tellSoon(); });
         connect(text_, &TextArea::pressedTwice, this,
                 [this](QPoint at) { events_.doubleClicked(text_->mapTo(this, at)); });
         connect(text_, &TextArea::zoomed, this, [this](int points) { events_.zoomed(points); });
-        connect(text_, &TextArea::goesOn, this, [this] {
-            if (!note_.isEmpty()) setNote({});
-        });
+        connect(text_, &TextArea::goesOn, this, [this] { say({}); });
         text_->picture = [this](const std::string& name, int size, qreal ratio) {
             return events_.picture(name, size, ratio);
         };
@@ -93,8 +120,9 @@ public:
     void showCallTip(int position, std::string_view text, const Selection& mark) override {
         text_->showCallTip(position, text, mark);
     }
-    void setNote(std::string_view text) override {
-        note_ = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    void setPassing(const QString& text) override { say(text); }
+    void setStatus(const QString& text) override {
+        status_ = text;
         tellSoon();
     }
 
@@ -107,6 +135,17 @@ private:
         text_->setGeometry(0, 0, width(), height() - bar);
         bar_->setGeometry(0, height() - bar, width(), bar);
     }
+    // Stands in the status bar for a while, or until the user goes on.
+    void say(const QString& message) {
+        constexpr int milliseconds = 8000;
+        if (message.isEmpty())
+            saying_.stop();
+        else
+            saying_.start(milliseconds);
+        if (message == message_) return;
+        message_ = message;
+        tellSoon();
+    }
     // Once for all that a key does.
     void tellSoon() {
         if (told_) return;
@@ -118,14 +157,12 @@ private:
         if (!bar_->isVisibleTo(this)) return;
         const auto place = text_->place();
         const QLocale locale;
-        bar_->setParts({tr("Line %1, column %2").arg(place.line).arg(place.column),
-                        text_->overwriting() ? tr("Overwrite") : tr("Insert"),
-                        text_->modified() ? tr("Modified") : QString(), endsText(),
-                        note_.isEmpty() && text_->rows().on()
-                            ? tr("Lines over %1 bytes stand in rows, without colours and numbers")
-                                  .arg(locale.toString(Rows::LongLine))
-                            : note_,
-                        tr("%1 bytes").arg(locale.toString(text_->length()))});
+        QStringList parts{tr("Line %1, column %2").arg(place.line).arg(place.column),
+                          text_->overwriting() ? tr("Overwrite") : tr("Insert"),
+                          text_->modified() ? tr("Modified") : QString()};
+        for (const QString& more : {endsText(), status_, rowsText(), message_})
+            if (!more.isEmpty()) parts << more;
+        bar_->setParts(parts << tr("%1 bytes").arg(locale.toString(text_->length())));
     }
 
     QString endsText() {
@@ -134,10 +171,17 @@ private:
         return ends < ENDS_NONE ? tr(names[ends]) : QString();
     }
 
+    QString rowsText() {
+        if (!text_->rows().on()) return {};
+        return tr("Lines over %1 bytes stand in rows, without colours and numbers")
+            .arg(QLocale().toString(Rows::LongLine));
+    }
+
     EditEvents& events_;
     TextArea* text_;
     StatusBar* bar_;
-    QString note_;
+    QString status_, message_;
+    QTimer saying_;  // how long a message stands
     bool told_ = false;
 };
 

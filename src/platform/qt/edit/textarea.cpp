@@ -7,9 +7,13 @@
 #include "platform/qt/edit/textarea.h"
 
 #include "platform/model/view.h"
+#include "platform/operations/textedits.h"
 #include "platform/qt/edit/accessible.h"
 #include "platform/qt/edit/colours.h"
+#include "platform/qt/input/xclipboard.h"
+#include "platform/qt/texts.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -17,6 +21,7 @@
 #include <QDragEnterEvent>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -30,11 +35,15 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr char BytesType[] = "application/x-tarnwick-bytes";
-constexpr int FirstStyle = 1;    // style numbers of the rules; 0 is plain
-constexpr int Gap = 6;           // pixels between number bar and text
-constexpr int LongLine = 65536;  // beyond this a column is not counted in characters
-constexpr int Piece = 65536;     // bytes coloured at a time
+constexpr long MarkIndicator = 8;  // the first that is not the control's own
+constexpr int FirstStyle = 1;      // style numbers of the rules; 0 is plain
+constexpr int Gap = 6;             // pixels between number bar and text
+constexpr int LongLine = 65536;    // beyond this a column is not counted in characters
+constexpr int Piece = 65536;       // bytes coloured at a time
+constexpr std::string_view LineEndTexts[] = {"\r\n", "\r", "\n"};  // by the control's numbers
+constexpr int NearPlaces = 64;  // bytes between changes that are made as one
+
+const QColor MarkColour(240, 150, 0);
 
 // Columns stand below each other whatever the desktop's fonts are: its fixed one, unless that is none.
 QString fixedFamily() {
@@ -216,6 +225,7 @@ void TextArea::setBytes(std::string_view text) {
     tellReader();
     changed_ = false;
     changes_.clear();
+    kinds_ = 0;
     send(SCI_MARKERDELETEALL, UnsavedMark);
     send(SCI_MARKERDELETEALL, SavedMark);
     scanned_ = false;
@@ -232,9 +242,8 @@ Selection TextArea::selection() const {
 }
 
 void TextArea::select(int start, int length) {
-    const int size = this->length();
-    const int begin = std::clamp(start - 1, 0, size), end = begin + std::clamp(length, 0, size - begin);
-    const int from = rows().toControl(begin, true), to = end > begin ? rows().toControl(end, false) : from;
+    const Selection place = inControl(start, length);
+    const int from = place.start, to = from + place.length;
     send(SCI_SETSELECTION, to, from);
     showLine(lineOf(to));
     showLine(lineOf(from));
@@ -247,27 +256,84 @@ void TextArea::select(int start, int length) {
     emit moved();      // the control itself tells only when it paints
 }
 
-void TextArea::replaceSelection(std::string_view text) {
-    flush();
-    if (rows().on() && !rows().fits(text)) {
-        const Selection at = selection();
-        std::string all = bytes();
-        all.replace(static_cast<std::size_t>(at.start - 1), static_cast<std::size_t>(at.length), text);
-        reload(all);
-        return select(at.start + static_cast<int>(text.size()), 0);
-    }
-    insert(text);
-    changed_ = false;
+bool TextArea::reloads(int start, int length, std::string_view text) {
+    if (!rows().on() || rows().fits(text)) return false;
+    std::string all = bytes();
+    all.replace(static_cast<std::size_t>(start - 1), static_cast<std::size_t>(length), text);
+    setBytes(all);
+    setModified(true);
+    return true;
 }
 
-void TextArea::reload(std::string_view text) {
-    setBytes(text);
-    setModified(true);
+Selection TextArea::inControl(int start, int length) const {
+    const int size = this->length();
+    const int begin = std::clamp(start - 1, 0, size), end = begin + std::clamp(length, 0, size - begin);
+    const int from = rows().toControl(begin, true), to = end > begin ? rows().toControl(end, false) : from;
+    return {from, to - from};
+}
+
+void TextArea::replaceSelection(std::string_view text) {
+    flush();
+    const Selection at = selection();
+    if (reloads(at.start, at.length, text)) return select(at.start + static_cast<int>(text.size()), 0);
+    insert(text);
+    settle();
+}
+
+void TextArea::replaceRange(int start, int length, std::string_view text) {
+    flush();
+    const int from = std::clamp(start - 1, 0, this->length()),
+              to = from + std::clamp(length, 0, this->length() - from);
+    const auto moved = [&, size = static_cast<int>(text.size())](long place) {
+        const int position = rows().toText(static_cast<int>(place));
+        if (position <= from) return position;
+        return position >= to ? position - (to - from) + size : std::min(position, from + size);
+    };
+    const int anchor = moved(send(SCI_GETANCHOR)), caret = moved(send(SCI_GETCURRENTPOS));
+    if (!reloads(from + 1, to - from, text)) {
+        std::string store;
+        const std::string_view comes = inRows(rows().toControl(from, true), text, store);
+        const Selection place = inControl(from + 1, to - from);
+        free_ = true;
+        send(SCI_SETREADONLY, 0);
+        send(SCI_BEGINUNDOACTION);
+        put(place.start, place.start + place.length, comes);
+        send(SCI_ENDUNDOACTION);
+        send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
+        free_ = false;
+    }
+    send(SCI_SETANCHOR, rows().toControl(anchor, true));
+    send(SCI_SETCURRENTPOS, rows().toControl(caret, true));
+    settle();
+}
+
+bool TextArea::canUndo() const {
+    return (flags_ & READONLY) == 0 && send(SCI_CANUNDO) != 0;
+}
+
+bool TextArea::canRedo() const {
+    return (flags_ & READONLY) == 0 && send(SCI_CANREDO) != 0;
+}
+
+void TextArea::step(unsigned message) {
+    flush();
+    free_ = true;
+    send(message);
+    free_ = false;
+    settle();
+}
+
+void TextArea::undo() {
+    step(SCI_UNDO);
+}
+
+void TextArea::redo() {
+    step(SCI_REDO);
 }
 
 void TextArea::insert(std::string_view whole) {
     std::string store;
-    const std::string_view text = inRows(whole, store);
+    const std::string_view text = inRows(static_cast<int>(send(SCI_GETSELECTIONSTART)), whole, store);
     const long start = send(SCI_GETSELECTIONSTART), end = send(SCI_GETSELECTIONEND);
     free_ = true;
     send(SCI_SETREADONLY, 0);
@@ -281,26 +347,129 @@ void TextArea::insert(std::string_view whole) {
     free_ = false;
 }
 
+void TextArea::put(long from, long to, std::string_view text) {
+    send(SCI_SETTARGETRANGE, from, to);
+    sendBytes(SCI_REPLACETARGET, static_cast<long>(text.size()), text.data());
+}
+
+// Each place is changed by itself, so that what stands between them is not moved and undo keeps the changes alone; those
+// that nearly touch are one, since a change costs more than the few bytes between them. `told`: the control tells of the
+// changes. Where the last of them ends, in the text from 0.
+int TextArea::changePlaces(const std::vector<TextEdit>& edits, bool told) {
+    int shift = 0;  // from a place of the text before to where that stands now
+    for (auto edit = edits.begin(); edit != edits.end();) {
+        const int first = edit->start;
+        int end = first;
+        std::string comes;
+        do {
+            if (edit->start > end) comes += range(end + shift, edit->start - end);
+            comes += edit->text;
+            end = edit->start + edit->length;
+        } while (++edit != edits.end() && edit->start - end <= NearPlaces);
+        const Selection place = inControl(first + shift, end - first);
+        if (!told && place.length > 0) onRemoval(place.start, place.length);
+        if (!told && !comes.empty()) onInsertion(place.start, static_cast<int>(comes.size()));
+        put(place.start, place.start + place.length, comes);
+        shift += static_cast<int>(comes.size()) - (end - first);
+    }
+    return edits.back().start - 1 + edits.back().length + shift;
+}
+
+// Whether a line could become endless, or a row too long, and need to be parted.
+bool TextArea::makesEndless(const std::vector<TextEdit>& edits) const {
+    int line = -1;
+    long length = 0;
+    for (const TextEdit& edit : edits) {
+        const int at = lineOf(rows().toControl(edit.start - 1, true));
+        if (at != line) length = send(SCI_LINELENGTH, line = at);
+        length += static_cast<long>(edit.text.size());
+        if (!edit.text.empty() && length > Rows::LongLine)
+            return rows().on() || Rows::possible(view(0, size()));
+    }
+    return false;
+}
+
+// The control's notes of the changes are of use to a screen reader only, and cost more than the changes.
+bool TextArea::replaceParts(const std::vector<TextEdit>& edits) {
+    flush();
+    const bool fits = !rows().on() || std::all_of(edits.begin(), edits.end(), [this](const TextEdit& edit) {
+        return rows().fits(edit.text);
+    });
+    if (!fits || makesEndless(edits)) return false;
+    free_ = true;
+    const long mask = send(SCI_GETMODEVENTMASK);
+    const bool heard = QAccessible::isActive(), before = blockSignals(!heard);
+    if (!heard) send(SCI_SETMODEVENTMASK, 0);
+    send(SCI_SETREADONLY, 0);
+    send(SCI_SETLAYOUTCACHE, SC_CACHE_NONE);  // which each change would go through
+    send(SCI_BEGINUNDOACTION);
+    const int end = changePlaces(edits, heard);
+    send(SCI_ENDUNDOACTION);
+    send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
+    send(SCI_SETMODEVENTMASK, mask);
+    blockSignals(before);
+    send(SCI_SETEMPTYSELECTION, rows().toControl(end, false));
+    send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
+    send(SCI_SCROLLCARET);
+    free_ = false;
+    settle();
+    applyNumberBar();
+    emit moved();
+    return true;
+}
+
+void TextArea::setMarks(const std::vector<Selection>& places) {
+    send(SCI_SETINDICATORCURRENT, MarkIndicator);
+    send(SCI_INDICATORCLEARRANGE, 0, size());
+    for (const Selection& mark : places) {
+        const Selection place = inControl(mark.start, mark.length);
+        send(SCI_INDICATORFILLRANGE, place.start, place.length);
+    }
+}
+
+// Places that touch each other are one.
+std::vector<Selection> TextArea::marks() const {
+    std::vector<Selection> places;
+    const int last = size();
+    for (int at = 0; at < last;) {
+        const int end = static_cast<int>(send(SCI_INDICATOREND, MarkIndicator, at));
+        if (end <= at) break;  // there are no marks at all
+        if (send(SCI_INDICATORVALUEAT, MarkIndicator, at) != 0) {
+            const int from = rows().toText(at) + 1, length = rows().toText(end) + 1 - from;
+            if (!places.empty() && places.back().start + places.back().length == from)
+                places.back().length += length;
+            else if (length > 0)
+                places.push_back({from, length});
+        }
+        at = end;
+    }
+    return places;
+}
+
 void TextArea::insertTyped(std::string_view text) {
     if (!refuses(text)) insert(text);
 }
 
 bool TextArea::refuses(std::string_view text) {
-    const long marked = send(SCI_GETSELECTIONEND) - send(SCI_GETSELECTIONSTART);
-    if (limit_ == 0 || length() - marked + static_cast<long>(text.size()) <= limit_) return false;
-    QApplication::beep();
+    if (limit_ == 0 || length() - selection().length + static_cast<long>(text.size()) <= limit_) return false;
+    refuse();
     return true;
+}
+
+void TextArea::refuse() {
+    QApplication::beep();
+    emit refused(limit_);
 }
 
 void TextArea::checkInsertion(int bytes) {
     if (limit_ == 0 || free_ || setting_ || length() + bytes <= limit_) return;
     sendBytes(SCI_CHANGEINSERTION, 0, "");
-    QApplication::beep();
+    refuse();
 }
 
-std::string_view TextArea::inRows(std::string_view text, std::string& store) {
+std::string_view TextArea::inRows(int at, std::string_view text, std::string& store) {
     if (!rows().on()) {
-        const int line = lineOf(static_cast<int>(send(SCI_GETSELECTIONSTART)));
+        const int line = lineOf(at);
         const bool grows = text.find_first_of("\r\n") == std::string_view::npos &&
                            send(SCI_LINELENGTH, line) + static_cast<long>(text.size()) > Rows::LongLine;
         const bool whole =
@@ -309,12 +478,23 @@ std::string_view TextArea::inRows(std::string_view text, std::string& store) {
         if (!Rows::possible(view(0, size())) || !Rows::possible(text)) return text;
         parts_.start(whole ? text : view(0, size()));
         if (!parts_.fits(text)) return parts_.stop(), text;
+        forgetOddSteps();
         digits_ = 0;
         applyNumberBar();
         applyLooks();
     }
     store = parts_.parted(text);
     return store;
+}
+
+// Undoing what had line ends of another kind would bring back returns that rows take for their own.
+void TextArea::forgetOddSteps() {
+    applyMarks();
+    const int own = parts_.pairs() ? ENDS_CRLF : ENDS_LF;
+    if ((kinds_ & ~(1 << own | 1 << ENDS_NONE)) == 0) return;
+    marked_ = modified();
+    send(SCI_EMPTYUNDOBUFFER);
+    kinds_ = 0;
 }
 
 const Rows& TextArea::rows() const {
@@ -373,6 +553,12 @@ void TextArea::flush() {
     if (!changed_) return;
     changed_ = false;
     emit edited();
+}
+
+void TextArea::settle() {
+    tellReader();
+    applyMarks();
+    changed_ = false;
 }
 
 // ---- look ----
@@ -460,6 +646,12 @@ void TextArea::applyColours() {
     SendScintilla(SCI_SETADDITIONALSELBACK, marking);
     send(SCI_SETADDITIONALSELALPHA, SC_ALPHA_NOALPHA);
     send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
+    // Under the text, and faint, so that coloured text stays readable on it; the frame is what shows.
+    send(SCI_INDICSETSTYLE, MarkIndicator, INDIC_STRAIGHTBOX);
+    send(SCI_INDICSETUNDER, MarkIndicator, 1);
+    send(SCI_INDICSETALPHA, MarkIndicator, 30);
+    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 255);
+    SendScintilla(SCI_INDICSETFORE, static_cast<unsigned long>(MarkIndicator), MarkColour);
     SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
 }
 
@@ -516,12 +708,11 @@ bool TextArea::viewportEvent(QEvent* event) {
 }
 
 void TextArea::newLine() {
-    static constexpr std::string_view ends[] = {"\r\n", "\r", "\n"};
     if (send(SCI_GETSELECTIONS) > 1) {
         send(SCI_NEWLINE);
         return;
     }
-    std::string text(ends[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
+    std::string text(LineEndTexts[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
     if ((flags_ & AUTOINDENT) != 0) {
         const int caret = static_cast<int>(send(SCI_GETSELECTIONSTART));
         const int start = startOfLine(lineOf(caret));
@@ -557,7 +748,7 @@ bool TextArea::shiftBlock(bool left) {
     }
     send(SCI_ENDUNDOACTION);
     if (whole)
-        send(SCI_SETSELECTION, last + 1 < send(SCI_GETLINECOUNT) ? startOfLine(last + 1) : length(),
+        send(SCI_SETSELECTION, last + 1 < send(SCI_GETLINECOUNT) ? startOfLine(last + 1) : size(),
              startOfLine(first));
     return true;
 }
@@ -594,6 +785,10 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
         break;
     default: break;
     }
+    // Refused here and not by the control, which would take the empty insertion for a change.
+    const bool isText = !event->text().isEmpty() && event->text()[0].isPrint() &&
+                        (modifiers & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+    if (writable && isText && !overwriting() && refuses(event->text().toStdString())) return;
     QsciScintillaBase::keyPressEvent(event);
     if (event->key() == Qt::Key_Insert) emit moved();
 }
@@ -611,8 +806,39 @@ bool TextArea::eraseInRows(int key) {
     return true;
 }
 
+void TextArea::inputMethodEvent(QInputMethodEvent* event) {
+    const QString text = event->commitString();
+    if ((flags_ & READONLY) != 0 || text.isEmpty() || !refuses(text.toStdString()))
+        QsciScintillaBase::inputMethodEvent(event);
+}
+
+// With the line ends that the text has.
+std::string TextArea::withOwnEnds(std::string_view text) const {
+    static constexpr int ends[] = {ENDS_CRLF, ENDS_CR, ENDS_LF};  // by the control's numbers
+    return withLineEnds(text, ends[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
+}
+
+// The control would fetch all of it before anybody could see how much it is. One that is larger than a text can be is
+// refused.
+bool TextArea::pasteForeign() {
+    const QClipboard* board = QGuiApplication::clipboard();
+    if (QGuiApplication::platformName() != u"xcb" || board->ownsClipboard()) return false;
+    const QMimeData* data = board->mimeData();
+    if (data != nullptr && data->hasFormat(QStringLiteral("text/x-qscintilla-rectangular"))) return false;
+    const auto text = foreignClipboard(LargestText + 1);
+    if (!text) return false;
+    if (text->size() > LargestText) {
+        QApplication::beep();
+        return true;
+    }
+    if (send(SCI_GETSELECTIONS) > 1) return false;  // it goes to each of them, which the control does
+    if (!text->empty()) insertTyped(withOwnEnds(*text));
+    return true;
+}
+
 // The control ends a pasted text at its first NUL.
 bool TextArea::pasteBytes() {
+    if (pasteForeign()) return true;
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
     if (bytes.contains('\0')) {
@@ -623,9 +849,7 @@ bool TextArea::pasteBytes() {
     if (data != nullptr && (rows().on() || data->text().size() > Rows::LongLine) &&
         send(SCI_GETSELECTIONS) == 1) {
         const QByteArray text = bytes.isEmpty() ? data->text().toUtf8() : bytes;
-        static constexpr int ends[] = {ENDS_CRLF, ENDS_CR, ENDS_LF};
-        const long mode = std::clamp(send(SCI_GETEOLMODE), 0L, 2L);
-        insertTyped(withLineEnds({text.constData(), static_cast<std::size_t>(text.size())}, ends[mode]));
+        insertTyped(withOwnEnds({text.constData(), static_cast<std::size_t>(text.size())}));
         return true;
     }
     // Refused here, the text in the selection is not lost.

@@ -21,6 +21,10 @@
 #include <string_view>
 #include <vector>
 
+namespace tarn::platform::types {
+struct TextEdit;
+}
+
 namespace tarn::platform::qt {
 
 class TextArea : public QsciScintillaBase {
@@ -35,6 +39,17 @@ public:
     [[nodiscard]] Selection selection() const;
     void select(int start, int length);            // scrolls it into view
     void replaceSelection(std::string_view text);  // one undo step; not reported
+    // One undo step, not reported; caret and selection stay with their text, nothing is scrolled.
+    void replaceRange(int start, int length, std::string_view text);
+    [[nodiscard]] bool canUndo() const;
+    [[nodiscard]] bool canRedo() const;
+    void undo();  // not reported
+    void redo();
+    // One undo step; not reported. False, and nothing is done, if it takes more than changing each place by itself.
+    bool replaceParts(const std::vector<TextEdit>& edits);
+    // Marked places; they move with their text.
+    void setMarks(const std::vector<Selection>& places);
+    [[nodiscard]] std::vector<Selection> marks() const;
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
 
@@ -62,8 +77,9 @@ public:
     [[nodiscard]] bool overwriting() const;
 
 signals:
-    void edited();  // the user changed the text; after the change
-    void moved();   // caret, modified mark, length or mode
+    void edited();            // the user changed the text; after the change
+    void moved();             // caret, modified mark, length or mode
+    void refused(int limit);  // an edit that had no room
     void pressedTwice(QPoint at);
     void zoomed(int points);
     void goesOn();  // a key, or a press of the mouse
@@ -72,6 +88,7 @@ protected:
     bool event(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -100,23 +117,35 @@ private:
     void colourAnew();
     void applyNumberBar();
     void adoptLineEnd(std::string_view text);
+    void put(long from, long to, std::string_view text);  // of the control
+    [[nodiscard]] bool makesEndless(const std::vector<TextEdit>& edits) const;
+    int changePlaces(const std::vector<TextEdit>& edits, bool told);
     void flush();                         // reports what has changed since the last time
+    void settle();                        // the same of what is not to be reported
     void insert(std::string_view whole);  // in the place of the selection, whatever the limit
     void insertTyped(std::string_view text);
     bool refuses(std::string_view text);  // true, with a beep: no room for it
-    void checkInsertion(int bytes);       // of whatever the control itself puts in
-    // What goes into the control for a text that comes in at the selection.
-    std::string_view inRows(std::string_view text, std::string& store);
+    void refuse();
+    void step(unsigned message);     // SCI_UNDO or SCI_REDO
+    void checkInsertion(int bytes);  // of whatever the control itself puts in
+    // What goes into the control for a text that comes in at a place of it.
+    std::string_view inRows(int at, std::string_view text, std::string& store);
+    [[nodiscard]] Selection inControl(int start,
+                                      int length) const;  // of a part of the text, which is cut; from 0
     void newLine();
-    bool pasteBytes();           // true: done with, put in or refused
+    bool pasteBytes();  // true: done with, put in or refused
+    [[nodiscard]] std::string withOwnEnds(std::string_view text) const;
+    bool pasteForeign();         // the same, of a text that another program has
     void paste();                // what the user has asked for, by key or menu
     bool shiftBlock(bool left);  // true: it was a block
     [[nodiscard]] std::string_view view(int from, int to) const;  // of the control
     [[nodiscard]] int size() const;                               // of the control
     [[nodiscard]] int lineOf(int position) const;
     [[nodiscard]] int startOfLine(int line) const;
-    void reload(std::string_view text);  // for what rows cannot take; empties the undo list
-    bool eraseInRows(int key);           // true: it was a key that erases
+    void forgetOddSteps();
+    // For what rows cannot take: sets the text anew, with an empty undo list. False: they take it.
+    bool reloads(int start, int length, std::string_view text);
+    bool eraseInRows(int key);  // true: it was a key that erases
 
     // textarea_looks.cpp
     void applyLooks();
@@ -161,6 +190,7 @@ private:
     int looks_ = LOOK_LINE, tabWidth_ = 4;
     int ends_ = ENDS_NONE;  // a LineEnds
     bool endsKnown_ = true;
+    int kinds_ = 0;  // bits: the line ends of all that was changed, as 1 << ENDS_LF
     struct Change {
         int position = 0, bytes = 0;
     };

@@ -193,7 +193,9 @@ void TextArea::keepMarks() {
 
 // Ends of the kind that the others have change nothing; what else they may have changed is found when it is asked for.
 void TextArea::noteEnds(std::string_view text) {
-    if (const int ends = lineEndsOf(text); ends != ENDS_NONE && ends != ends_) endsKnown_ = false;
+    const int ends = lineEndsOf(text);
+    kinds_ |= 1 << ends;
+    if (ends != ENDS_NONE && ends != ends_) endsKnown_ = false;
 }
 
 int TextArea::lineEnds() {

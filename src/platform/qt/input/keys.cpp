@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/input/keys.h"
 
+#include "platform/model/model.h"
+
 #include <QAbstractItemView>
 #include <QAbstractScrollArea>
 #include <QAbstractSlider>
@@ -10,10 +12,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
-
-#include <algorithm>
-#include <array>
-#include <iterator>
 
 namespace tarn::platform::qt {
 
@@ -55,16 +53,6 @@ bool isArrow(int key) {
     return key >= Qt::Key_Left && key <= Qt::Key_Down;
 }
 
-bool textNeeds(int shortcut) {
-    static constexpr int keys[] = {
-        Ctrl + 'A', Ctrl + 'C', Ctrl + 'V', Ctrl + 'X', Ctrl + 'Z', Ctrl + 'Y', Ctrl + Shift + 'Z', Ctrl + 45,
-        Shift + 45, Shift + 46, 45,         46,         8,          Ctrl + 8,   Ctrl + 46,
-    };
-    if (std::find(std::begin(keys), std::end(keys), shortcut) != std::end(keys)) return true;
-    const int key = shortcut & KeyMask;
-    return key >= 33 && key <= 40 && (shortcut & Alt) == 0;
-}
-
 }  // namespace
 
 int modelKey(int key) {
@@ -99,12 +87,25 @@ QString shortcutText(int shortcut) {
 
 bool widgetNeeds(const QWidget& focus, const QKeyEvent& event) {
     if (isText(focus)) {
-        if (textNeeds(modelShortcut(event))) return true;
+        if (isTextKey(modelShortcut(event))) return true;
         const bool command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
         return !command && !event.text().isEmpty() && event.text()[0] >= u' ';
     }
     return isList(focus) && event.modifiers() == Qt::NoModifier &&
            (isArrow(event.key()) || event.key() == Qt::Key_Space);
+}
+
+PressedKeys keysPressed(const QKeyEvent& event) {
+    const int key = modelKey(event.key());
+    const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    const bool plain = modifiers == Qt::NoModifier;
+    const bool isTab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
+    const bool leaves = isTab || (plain && (key == KEY_RETURN || key == KEY_ESCAPE || key == KEY_F1));
+    const bool mnemonic =
+        modifiers == Qt::AltModifier && event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z;
+    if (leaves || mnemonic) return {};
+    if (plain && (event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete)) return {true, true, 0};
+    return {true, key != 0, modelShortcut(event)};
 }
 
 bool windowHears(const QWidget* focus, const QKeyEvent& event) {

@@ -18,6 +18,13 @@ QString shortcutText(int shortcut);         // "Ctrl+S" in the user's language; 
 // Keys that the focused widget needs for itself whatever the menus say: a text its editing keys, a list its
 // arrows.
 bool widgetNeeds(const QWidget& focus, const QKeyEvent& event);
+// What a field that holds the name of keys makes of a key press: nothing of its own (the key goes on as elsewhere), a
+// new text, or no text, which empties it.
+struct PressedKeys {
+    bool taken = false, named = false;
+    int shortcut = 0;  // 0: empty it
+};
+PressedKeys keysPressed(const QKeyEvent& event);
 // Plain keys that a window function hears of before anything else, given where the focus is.
 bool windowHears(const QWidget* focus, const QKeyEvent& event);
 

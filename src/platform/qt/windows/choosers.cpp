@@ -7,6 +7,7 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFontDatabase>
 #include <QFontDialog>
 #include <QFormLayout>
 #include <QSpinBox>
@@ -26,6 +27,8 @@ public:
     PrintBox(const Question& question, QWidget* parent) : QDialog(parent) {
         auto* form = new QFormLayout(this);
         for (const std::string& name : question.rows) printer_->addItem(shown(name));
+        const QString first = shown(question.value).section(u'\t', 0, 0);
+        if (const int at = printer_->findText(first); at >= 0) printer_->setCurrentIndex(at);
         form->addRow(tr("&Printer:"), printer_);
         selection_->setVisible(question.value.find("selection") != std::string::npos);
         form->addRow(QString(), selection_);
@@ -71,13 +74,26 @@ private:
 
 // ---- fonts ----
 
-QFont fontOf(const QString& text) {
+// The box finds the style of a font by its name, which families spell as they like ("Normal", "Book", "Roman"); without
+// a name that the family has it takes another, which may be slanted. The plainest name that fits is the shortest.
+void nameStyle(QFont& font) {
+    QString best;
+    for (const QString& style : QFontDatabase::styles(font.family())) {
+        const bool fits = QFontDatabase::bold(font.family(), style) == font.bold() &&
+                          QFontDatabase::italic(font.family(), style) == font.italic();
+        if (fits && (best.isEmpty() || style.size() < best.size())) best = style;
+    }
+    if (!best.isEmpty()) font.setStyleName(best);
+}
+
+QFont fontOf(const QString& text, bool fixedWidth) {
     const QStringList parts = text.split(u'\t');
-    QFont font;
+    QFont font = fixedWidth ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : QFont();
     if (!parts.value(0).isEmpty()) font.setFamily(parts[0]);
     if (parts.value(1).toInt() > 0) font.setPointSize(parts[1].toInt());
     font.setBold(parts.value(2).contains(u'b'));
     font.setItalic(parts.value(2).contains(u'i'));
+    nameStyle(font);
     return font;
 }
 
@@ -108,7 +124,7 @@ bool isChooser(const Question& question) {
 std::unique_ptr<QDialog> makeChooser(const Question& question, QWidget* parent) {
     std::unique_ptr<QDialog> box;
     if (question.kind == Question::Kind::Font) {
-        auto font = std::make_unique<QFontDialog>(fontOf(shown(question.value)), parent);
+        auto font = std::make_unique<QFontDialog>(fontOf(shown(question.value), question.fixedWidth), parent);
         font->setOption(QFontDialog::DontUseNativeDialog);
         box = std::move(font);
     } else if (question.kind == Question::Kind::Colour) {
@@ -133,7 +149,9 @@ std::string chosenIn(const Question& question, QDialog& box) {
 
 void chooseIn(const Question& question, QDialog& box, const std::string& answer) {
     switch (question.kind) {
-    case Question::Kind::Font: static_cast<QFontDialog&>(box).setCurrentFont(fontOf(shown(answer))); break;
+    case Question::Kind::Font:
+        static_cast<QFontDialog&>(box).setCurrentFont(fontOf(shown(answer), question.fixedWidth));
+        break;
     case Question::Kind::Colour: static_cast<QColorDialog&>(box).setCurrentColor(colourIn(answer)); break;
     default: static_cast<PrintBox&>(box).take(shown(answer)); break;
     }

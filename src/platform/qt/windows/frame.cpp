@@ -96,6 +96,14 @@ QMargins& knownMargins(int borderStyle) {
     return known[std::clamp(borderStyle, 0, 2)];
 }
 
+// Before a window of that border has shown its frame, another's tells best.
+QMargins likelyMargins(int borderStyle) {
+    QMargins margins = knownMargins(borderStyle);
+    for (int other = 2; margins.isNull() && borderStyle != 0 && other > 0; --other)
+        margins = knownMargins(other);
+    return margins;
+}
+
 }  // namespace
 
 Frame* frameOf(const Window& window) {
@@ -316,6 +324,10 @@ void Frame::applyTo(Control& control, Property property) {
     case Property::Position: placeControl(control); break;
     case Property::Font: applyFont(widget, control.font, window_->font); break;
     case Property::Colour: applyColours(control); break;
+    case Property::Hint:
+        widget.setToolTip(shown(control.hint));
+        nameControls();
+        break;
     default: break;
     }
     peer->apply(property);
@@ -498,7 +510,7 @@ void Frame::applyModality() {
     QRect mine(QPoint(), size());
     mine.moveCenter(over.center());
     // What is placed is the area inside the frame, whose title has to stay on the screen.
-    const QRect room = screen()->availableGeometry().marginsRemoved(knownMargins(window_->borderStyle));
+    const QRect room = screen()->availableGeometry().marginsRemoved(likelyMargins(window_->borderStyle));
     mine.moveLeft(std::clamp(mine.left(), room.left(), std::max(room.left(), room.right() - mine.width())));
     mine.moveTop(std::clamp(mine.top(), room.top(), std::max(room.top(), room.bottom() - mine.height())));
     window_->position.x = mine.x();

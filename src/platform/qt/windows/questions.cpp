@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/windows/questions.h"
 
+#include "platform/operations/boxhelp.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/windows/choosers.h"
 
@@ -17,6 +18,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QStyle>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -41,6 +43,8 @@ std::vector<Open>& open() {
 // Runs a box and keeps it in the list of open ones.
 int run(const Question& question, QDialog& box) {
     open().push_back({&question, &box});
+    const QShortcut help(QKeySequence(Qt::Key_F1), &box);
+    QObject::connect(&help, &QShortcut::activated, &box, [&question] { userBoxHelp(question); });
     const int result = box.exec();
     open().pop_back();
     return result;

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/build/compiler.h"
+
+#include "ide/build/build.h"
 #include "support/ide_fixture.h"
+#include "support/tempfolder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarn {
 namespace {
@@ -108,6 +114,93 @@ TEST_F(Compiler, CompileNamesWhatStandsInItsWay) {
     COMPILESINGLEFILE(cls, 1);
     EXPECT_EQ(lastText(), "Cannot compile '" + cls + "'\n\nCannot compile '" + cls +
                               "'\nThis file is not a valid class.\n");
+}
+
+TEST_F(Compiler, ThatMayNotBeRunIsToldWithTheNextStep) {
+    std::filesystem::create_directory(dir + "tools");
+    PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "tools");
+    write("tools/quarn.exe", "#!/bin/sh\n");
+    ASSERT_EQ(::chmod((dir + "tools/quarn.exe").c_str(), 0644), 0);
+    COMPILESINGLEFILE(write("a.cls", "Tarnwick Class A\nEnd class\n"), 1);
+    EXPECT_EQ(lastText(), ErrorMessage(908) + " (error 908).\nCannot run external program.\nMake its file "
+                                              "executable, or choose other tools in Tools-Options-Paths.");
+}
+
+// Tools in a folder where the user cannot write; beside them lies what somebody else's run left. They write where the
+// real ones do.
+class InstalledTools : public IdeTest {
+protected:
+    static constexpr unsigned Nobody = 65534;
+
+    void SetUp() override {
+        IdeTest::SetUp();
+        PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "tools");
+        std::filesystem::create_directory(dir + "tools");
+        write("a.cls", "Tarnwick Class A\nfunction main()\nend function\nEnd class\n");
+        tool("quarn.exe", "a.cls(2) : error 1201 of now");
+        tool("ordo.exe", "a.cls(2) : error 1201 of now");
+        write("tools/sarn.err", "a.cls : 0 errors.\n");
+        write("tools/ordo.err", "/of/long/ago.cls\n");
+    }
+    void TearDown() override {
+        if (root_) {
+            ASSERT_EQ(::setresuid(0, 0, 0), 0);
+        }
+        ::chmod((dir + "tools").c_str(), 0755);
+        IdeTest::TearDown();
+    }
+    // The make tool also answers, with the name of the class.
+    void tool(const std::string& name, const std::string& message) {
+        write("tools/" + name, "#!/bin/sh\numask 077; mkdir -p '" + dir + "tarnwick'\necho '" + message +
+                                   "' >'" + dir +
+                                   "tarnwick/sarn.err'\nfor word; do case $word in\n-o*) echo '" + dir +
+                                   "a.cls' >\"${word#-o}\";; esac; done\n");
+        ASSERT_EQ(::chmod((dir + "tools/" + name).c_str(), 0755), 0);
+    }
+    // From here on permissions count.
+    void becomeUser() {
+        ASSERT_EQ(::chmod((dir + "tools").c_str(), 0555), 0);
+        if (!root_) return;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(dir))
+            if (entry.path().string().find("/tools") == std::string::npos) {
+                ASSERT_EQ(::lchown(entry.path().c_str(), Nobody, Nobody), 0);
+            }
+        ASSERT_EQ(::chown(dir.c_str(), Nobody, Nobody), 0);
+        ASSERT_EQ(::setresuid(Nobody, Nobody, 0), 0);
+    }
+
+private:
+    const bool root_ = ::geteuid() == 0;
+};
+
+TEST_F(InstalledTools, AreAskedAllTheSame) {
+    const Variable runtime("XDG_RUNTIME_DIR", dir);
+    becomeUser();
+    const DependencyList list = LOADDEPLIST(dir + "a.cls", "/fa", true);
+    EXPECT_EQ(list.files, dir + "a.cls\n");
+    EXPECT_EQ(list.error, "");
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
+TEST_F(InstalledTools, TellInTheErrorWindowWhatThisBuildSays) {
+    const Variable runtime("XDG_RUNTIME_DIR", dir);
+    loadWindows();
+    becomeUser();
+    std::string file = dir + "a.cls";
+    bool ok = true;
+    RUN_BUILD("Run-Quickbuild", "-fm", file, ok);
+    EXPECT_FALSE(ok) << lastText();
+    ASSERT_TRUE(IsLoaded(ViewDlg)) << lastText();
+    EXPECT_EQ(GetText(ViewDlg), "a.cls(2) : error 1201 of now\n");
+}
+
+TEST_F(InstalledTools, CompileOneClass) {
+    const Variable runtime("XDG_RUNTIME_DIR", dir);
+    becomeUser();
+    COMPILESINGLEFILE(dir + "a.cls", 1);
+    EXPECT_EQ(lastText(), "Cannot compile '" + dir + "a.cls'\n\na.cls(2) : error 1201 of now\n");
+    EXPECT_FALSE(std::filesystem::exists(dir + "tarnwick/sarn.err")) << "it is removed when it has been told";
+    EXPECT_EQ(read(dir + "tools/sarn.err"), "a.cls : 0 errors.\n");
 }
 
 }  // namespace

@@ -30,6 +30,18 @@ protected:
     }
 };
 
+TEST_F(ErrorWindow, ShowsBytesThatAreNoUtf8AsLatin1AndLeadsToTheirFile) {
+    const std::string file = put("\xE9t\xE9", "there");
+    const std::string message = file + "(2) : error 7 caf\xE9\n";
+    write("sarn.err", "\xC3\xA9t\xC3\xA9\n" + message);
+    ASSERT_FALSE(UPDATEERRORWINDOW(dir));
+    EXPECT_EQ(GetText(ViewDlg),
+              "\xC3\xA9t\xC3\xA9\n" + dir + "\xC3\xA9t\xC3\xA9/a.cls(2) : error 7 caf\xC3\xA9\n");
+    SetSelection(ViewDlg, 12, 0);
+    doubleClick();
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), file) << lastText();
+}
+
 TEST_F(ErrorWindow, SuccessIsNoTextOrTheMarkAnywhere) {
     struct Case {
         const char* text;
@@ -123,7 +135,9 @@ TEST_F(ErrorWindow, WhatLeadsNowhereSaysSo) {
         EXPECT_EQ(lastText(), c.jump) << c.message;
         EXPECT_EQ(asked.back().title, "View Errors");
         EXPECT_TRUE(key(KEY_F1));
-        EXPECT_EQ(lastText(), c.hasHelp ? noHelpFile : noNumber) << c.message;
+        EXPECT_EQ(lastText().substr(0, (c.hasHelp ? noHelpFile : noNumber).size()),
+                  c.hasHelp ? noHelpFile : noNumber)
+            << c.message;
         EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), "");
         EXPECT_EQ(asked.size(), 2U);
         asked.clear();
@@ -162,6 +176,9 @@ TEST_F(ErrorWindow, HelpOnAMessageOfTheDefaultCompilerIsItsOwnPage) {
 
 TEST_F(ErrorWindow, TheHelpFolderHoldsThePages) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit2", BINARY_DIR "/help/");
+    PROFILESTRPUT(ini(), "GenOptionsDlg", "HelpFileTypes", "qch;htm");
+    EXPECT_EQ(GETMESSAGEPAGE(1001), "") << "compiled help has it as a topic";
+    PROFILESTRPUT(ini(), "GenOptionsDlg", "HelpFileTypes", "htm;qch");
     EXPECT_EQ(GETMESSAGEPAGE(1001), BINARY_DIR "/help/messages/1001.htm");
     EXPECT_EQ(GETMESSAGEPAGE(7), "");
     EXPECT_EQ(GETMESSAGEPAGE(0), "");

@@ -226,7 +226,7 @@ TEST_F(Completion, GoesToADeclarationOfTheClassAndBack) {
     GOBACK(SDIEdit);
     EXPECT_EQ(GetSelection(SDIEdit).start, before.start);
     GOBACK(SDIEdit);
-    EXPECT_EQ(GetStatusText(SDIEdit), "no place to go back to");
+    EXPECT_EQ(GetStatus(SDIEdit, StatusKind::Passes), "no place to go back to");
 }
 
 TEST_F(Completion, GoesToAUsedClassAndBack) {
@@ -247,7 +247,7 @@ TEST_F(Completion, AsksAboutChangesOnTheWay) {
     ASSERT_EQ(asked.size(), 1u);
     EXPECT_EQ(asked[0].title, "Save Changes?");
     GOBACK(SDIEdit);
-    EXPECT_EQ(GetStatusText(SDIEdit), "no place to go back to");
+    EXPECT_EQ(GetStatus(SDIEdit, StatusKind::Passes), "no place to go back to");
 }
 
 TEST_F(Completion, KnowsLocalNamesFirst) {
@@ -261,7 +261,7 @@ TEST_F(Completion, KnowsLocalNamesFirst) {
 TEST_F(Completion, TellsThatThereIsNoDeclaration) {
     put("unknown");
     EXPECT_FALSE(GOTODECLARATION(SDIEdit, false));
-    EXPECT_EQ(GetStatusText(SDIEdit), "no declaration found");
+    EXPECT_EQ(GetStatus(SDIEdit, StatusKind::Passes), "no declaration found");
 }
 
 TEST_F(Completion, KeepsAtLeastTwentyPlaces) {

@@ -169,6 +169,46 @@ TEST_F(Rescue, KeepsNothingWithoutAChange) {
     EXPECT_TRUE(asked.empty());
 }
 
+TEST_F(Rescue, AsksNoSecondTimeAboutATextThatWasDeleted) {
+    loadWindows();
+    EDITWNDOPEN(SDIEdit, write("a.txt", "one\n"), false, 0);
+    type("two");
+    RESCUETEXT();
+    SetModify(SDIEdit, false);
+    EDITWNDCLOSE(SDIEdit, true);
+    answers = {"&Delete", "&Open"};
+    EXPECT_FALSE(OFFERRESCUEDTEXT());
+    EXPECT_EQ(asked.size(), 1u) << lastText();
+}
+
+TEST_F(Rescue, AsksNoSecondTimeAboutACopyThatWasDeleted) {
+    loadWindows();
+    os::makeFolders(os::rescueFolder());
+    const std::string copy = os::rescueFolder() + "b.txt.123-1";
+    ASSERT_TRUE(os::saveFile(copy, "whole text\n").ok());
+    ASSERT_TRUE(os::saveFile(os::rescueNameFile(copy), dir + "b.txt").ok());
+    answers = {"&Delete", "&Open"};
+    EXPECT_FALSE(OFFERRESCUEDTEXT());
+    EXPECT_EQ(asked.size(), 1u) << lastText();
+    EXPECT_EQ(os::sizeOf(copy), -1);
+    EXPECT_EQ(os::sizeOf(os::rescueNameFile(copy)), -1);
+}
+
+TEST_F(Rescue, HasShownNothingWhenACopyCannotBeOpened) {
+    loadWindows();
+    os::makeFolders(os::rescueFolder());
+    ASSERT_TRUE(os::saveFile(os::rescueFolder() + "a.txt.123-1", std::string(4000001, 'a')).ok());
+    ASSERT_TRUE(os::saveFile(os::rescueFolder() + "b.txt.123-2", "small\n").ok());
+    answers = {"&Open", "", "&Open"};
+    EXPECT_TRUE(OFFERRESCUEDTEXT()) << "the next one is offered";
+    EXPECT_EQ(GetText(SDIEdit), "small\n");
+    EXPECT_TRUE(GetVisible(SDIEdit));
+    EDITWNDCLOSE(SDIEdit, true);
+    std::filesystem::remove(os::rescueFolder() + "b.txt.123-2");
+    answers = {"&Open"};
+    EXPECT_FALSE(OFFERRESCUEDTEXT()) << "so that the opening action is chosen";
+}
+
 TEST_F(Rescue, OffersTheCopyOfAnInterruptedSave) {
     loadWindows();
     os::makeFolders(os::rescueFolder());

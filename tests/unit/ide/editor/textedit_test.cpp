@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "library/dialogs/finddlgs.h"
 #include "support/ide_fixture.h"
 
 namespace tarn {
@@ -149,6 +150,24 @@ TEST_F(CodeWindow, OffersToMatchTheClassNameToTheFile) {
               "The classname 'Abc' does not match the file being saved (other.cls).\nDo you want the "
               "classname to be changed to match?");
     EXPECT_EQ(read(dir + "other.cls"), "Tarnwick Class other\nEnd class\n");
+}
+
+TEST_F(CodeWindow, OffersNoClassNameThatIsNone) {
+    const std::string text = "Tarnwick Class Abc\nEnd class\n";
+    for (const std::string base : {"two words", "\xC3\xA9t\xC3\xA9", "loop", "View", "1st", "a-b", "x.y",
+                                   "aaaaaaaaaabbbbbbbbbbccccccccccddddddddddE"}) {
+        EDITWNDNEW(SDIEdit, text);
+        answers = {dir + base + ".cls", "&Save"};
+        EDITWNDSAVE(SDIEdit, false);
+        EXPECT_EQ(lastText(), "The classname 'Abc' does not match the file being saved (" + base +
+                                  ".cls).\nIt cannot be changed to match, because '" + base +
+                                  "' is no name of a class.");
+        EXPECT_EQ(read(dir + base + ".cls"), text);
+    }
+    EDITWNDNEW(SDIEdit, text);
+    answers = {dir + "my class.cls", "&Cancel"};
+    EDITWNDSAVE(SDIEdit, false);
+    EXPECT_FALSE(std::filesystem::exists(dir + "my class.cls"));
 }
 
 TEST_F(CodeWindow, CancelAtTheClassNameSavesNothing) {

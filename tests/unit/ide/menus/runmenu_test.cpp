@@ -7,6 +7,8 @@
 #include "ide/build/textview.h"
 #include "support/ide_fixture.h"
 
+#include <fstream>
+
 namespace tarn {
 namespace {
 
@@ -135,6 +137,56 @@ TEST_F(Build, ToolThatOnlyLeftItsOwnReportIsShownByIt) {
     EXPECT_EQ(GetText(ViewDlg), "ordo : error 1906 the option is not known\n");
 }
 
+TEST_F(Build, NamesReachTheMakeToolUnchanged) {
+    tool("ordo.exe", "");
+    for (const std::string name :
+         {"a b", "two  blanks ", "\"quoted\"", "one\"", "$HOME", "`id`", "a;b", "line\nend", "\xC3\xA4\xFF",
+          "a'b", "*?", "(x)", "> y", "< y", "a\tb", "~", "%d", "&"}) {
+        const std::string folder = dir + "in " + name + "/";
+        std::filesystem::create_directory(folder);
+        const std::string file = folder + name + ".cls";
+        std::ofstream(file) << "Tarnwick Class prog\nfunction main()\nend function\nEnd class\n";
+        EXPECT_TRUE(build(file)) << name << lastText();
+        EXPECT_EQ(log("ordo.exe"), "-fm\n" + file + "\n-i\n-o" + tools + "ordo.err\n") << name;
+        EXPECT_TRUE(ISUPTODATE(file)) << name;
+        EXPECT_EQ(log("ordo.exe"), "/fq\n" + file + "\n-i\n-n\n-o" + tools + "ordo.err\n") << name;
+    }
+}
+
+TEST_F(Build, NamesReachTheCompilerUnchanged) {
+    tool("quarn.exe", ": > sarn.err");
+    for (const std::string name : {"a b", "\"quoted\"", "$HOME", "a;b", "line\nend", "\xC3\xA4\xFF", "> y"}) {
+        const std::string folder = dir + "in " + name + "/";
+        std::filesystem::create_directory(folder);
+        const std::string file = folder + name + ".cls";
+        std::ofstream(file) << "Tarnwick Class prog\nfunction main()\nend function\nEnd class\n";
+        open(file);
+        RUN_COMPILE(SDIEdit);
+        EXPECT_EQ(lastText(), "Successfully compiled '" + file + "'");
+        EXPECT_TRUE(log("quarn.exe").ends_with("\n" + file + "\n")) << log("quarn.exe");
+    }
+}
+
+TEST_F(Build, AFolderOfToolsMayHaveAnyName) {
+    for (const std::string name : {"t \"x\" y", "$t;u", "\xE4"}) {
+        tools = dir + name + "/";
+        std::filesystem::create_directory(tools);
+        PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", "\"" + STRREPLACE(tools, "\"", "\"\"") + "\"");
+        if (GETCOMPILERDIR() != tools) PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", tools);
+        ASSERT_EQ(GETCOMPILERDIR(), tools);
+        for (const std::string program : {"ordo.exe", "quarn.exe"}) {
+            std::ofstream(tools + program) << "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$@\" > "
+                                           << program << ".log\n: > sarn.err\n";
+            std::filesystem::permissions(tools + program, std::filesystem::perms(0755));
+        }
+        EXPECT_TRUE(build(main)) << name << lastText();
+        EXPECT_EQ(log("ordo.exe"), "-fm\n" + main + "\n-i\n-o" + tools + "ordo.err\n") << name;
+        open(main);
+        RUN_COMPILE(SDIEdit);
+        EXPECT_EQ(lastText(), "Successfully compiled '" + main + "'") << name;
+    }
+}
+
 using Start = Build;
 
 TEST_F(Start, RebuildsAMissingProgramWithoutAQuestionAndStartsIt) {
@@ -172,6 +224,33 @@ TEST_F(Start, IsNotCurrentWhileTheTextIsChanged) {
     open(main);
     change();
     EXPECT_FALSE(ISUPTODATE(main));
+}
+
+TEST_F(Start, ANewClassIsNamedFirstAndThenBuilt) {
+    tool("ordo.exe", "");
+    EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
+    answers = {dir + "fresh.cls"};
+    RUN_START("Run-Start", "<untitled>");
+    EXPECT_TRUE(log("ordo.exe").starts_with("-fq\n" + dir + "fresh.cls\n")) << log("ordo.exe");
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "fresh.cls");
+}
+
+TEST_F(Start, ANewClassWithoutANameIsNotBuilt) {
+    tool("ordo.exe", "");
+    EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
+    RUN_START("Run-Start", "<untitled>");
+    EXPECT_EQ(log("ordo.exe"), "");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
+              "not have the correct extension (*.cls).");
+}
+
+TEST_F(Start, RefusesANewTextThatIsNoClass) {
+    EDITWNDNEW(SDIEdit, "text");
+    RUN_START("Run-Start", "<untitled>");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
+              "not have the correct extension (*.cls).");
 }
 
 TEST_F(Start, RefusesWhatCannotBeStarted) {

@@ -49,6 +49,32 @@ TEST_F(Idecore, HelpFileIsTheFirstTypeThatExists) {
     EXPECT_EQ(GETHELPFILE(), dir + "Tarnwick.htm");
 }
 
+TEST_F(Idecore, HelpThatIsMissingIsToldWithWhatToDo) {
+    PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit2", dir + "none/");
+    PROFILESTRPUT(ini(), "GenOptionsDlg", "HelpFileTypes", "qch");
+    const std::string told = "Help file '" + dir + "none/Tarnwick.qch' was empty or not found.\n\n";
+    SHOWHELP("Help_Index");
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(asked[0].title, "MultiHelp");
+    EXPECT_EQ(asked[0].text, told +
+                                 "Install the program again, or name the folder of the help at Help files in "
+                                 "Tools-Options-Paths.");
+    std::filesystem::create_directories(dir + "help");
+    SHOWHELP("Help_Index");
+    ASSERT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked[1].text, told + "The help that came with the program lies in '" + dir +
+                                 "help/': name this folder at Help files in Tools-Options-Paths.");
+}
+
+TEST_F(Idecore, ATopicIsTheCaptionOfItsDialog) {
+    EXPECT_EQ(HELPTOPIC("Tools-Options-Paths"), "Tools_Options_Paths");
+    EXPECT_EQ(HELPTOPIC("Edit-Undo (restore from backup)"), "Edit_Undo")
+        << "without what stands in parentheses";
+    EXPECT_EQ(HELPTOPIC("More Information"), "More Information");
+    EXPECT_EQ(HELPTOPIC(""), "");
+    EXPECT_EQ(HELPTOPIC("(a)"), "");
+}
+
 TEST_F(Idecore, EmptyPathsAreFilledAndChosenOnesKept) {
     for (const char* key : {"Edit2", "Edit3", "Edit5"}) PROFILESTRPUT(ini(), "PathsOptionsDlg", key, "");
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit4", "/mine");

@@ -2,6 +2,7 @@
 //
 // The start, the main window's commands and the stop, on the object model.
 #include "ide/menus/filemenu.h"
+#include "ide/shell/undomenu.h"
 #include "support/ide_fixture.h"
 
 namespace tarn {
@@ -97,7 +98,7 @@ TEST_F(MainWindow, EnablesTheRunCommandsForAClassOnly) {
 
 TEST_F(MainWindow, DisablesWhatHasNoCommandYet) {
     start();
-    for (const char* item : {"file_new_class", "program_add_class", "tools_options_comp", "btnrun_debug"})
+    for (const char* item : {"file_new_class", "program_add_class", "tools_options_debug", "btnrun_debug"})
         EXPECT_FALSE(isEnabled(item)) << item;
 }
 

@@ -318,15 +318,85 @@ TEST_F(Debugged, AWindowWithoutADebuggerBehindItReportsInABox) {
     EXPECT_EQ(tarn_current_line, 4);
 }
 
-TEST_F(Report, TheCInterfaceReportsTheSameWay) {
-    EXPECT_EQ(tarn_report_begin(), 1);
-    EXPECT_EQ(tarn_report_begin(), 0);
-    tarn_set_error(905);
-    tarn_stamp(3, 0, tarn_default_onerror);
-    EXPECT_EQ(tarn_error_cell, 905);
-    tarn_report_end();
-    EXPECT_EQ(tarn_error_cell, 0);
+// A handler of compiled code, which fails with each of `troubles` in turn.
+class CompiledHandler : public Report {
+protected:
+    static std::vector<std::int32_t>& troubles() {
+        static std::vector<std::int32_t> codes;
+        return codes;
+    }
+    static void handler(std::int32_t code) {
+        if (tarn_report_begin() == 0) return;
+        log().push_back("handler " + std::to_string(code) + " " + ErrorDetails());
+        tarn_enter("c", "onerror", 20);
+        for (const std::int32_t trouble : troubles()) {
+            SetError(trouble);
+            tarn_stamp(21, 0, handler);
+        }
+        tarn_leave();
+        tarn_report_end();
+    }
+    void TearDown() override {
+        troubles().clear();
+        Report::TearDown();
+    }
+};
+
+TEST_F(CompiledHandler, SeesTheErrorAsTheLastOne) {
+    tarn_enter("c", "F", 9);
+    SetError(905);
+    tarn_stamp(10, 0, handler);
+    tarn_leave();
+    EXPECT_EQ(log(), (Log{"handler 905 File loaded but won't run\nFile c, function f, line 9\n"}));
+    EXPECT_EQ(ErrorCell(), 0);
     EXPECT_EQ(LastError(), 905);
+    EXPECT_EQ(ErrorDetails(), ErrorMessage(905)) << "behind the handler the text alone is left";
+}
+
+TEST_F(CompiledHandler, ThatFailsIsReportedWithItsPlaceAndCallsNoHandler) {
+    answer() = "Continue";
+    troubles() = {983, 984};
+    tarn_enter("c", "F", 9);
+    SetError(905);
+    tarn_stamp(10, 0, handler);
+    tarn_leave();
+    ASSERT_EQ(log().size(), 5U);
+    EXPECT_EQ(log()[2].substr(0, 13), "box|Error 983");
+    EXPECT_NE(log()[2].find("File c, function onerror, line 20\n"), std::string::npos) << log()[2];
+    EXPECT_EQ(log()[4].substr(0, 13), "box|Error 984");
+    EXPECT_EQ(LastError(), 984);
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
+TEST_F(CompiledHandler, IsCalledAgainForTheNextError) {
+    answer() = "Continue";
+    troubles() = {983};
+    for (int time = 0; time < 2; ++time) {
+        SetError(905);
+        tarn_stamp(10, 0, handler);
+    }
+    EXPECT_EQ(log().size(), 6U);
+    EXPECT_EQ(log()[3].substr(0, 11), "handler 905");
+}
+
+TEST_F(CompiledHandler, IsNotCalledWhileAReportIsShown) {
+    const Reporting outer;
+    SetError(905);
+    tarn_stamp(1, 0, handler);
+    EXPECT_TRUE(log().empty());
+    EXPECT_EQ(ErrorCell(), 905);
+}
+
+TEST_F(CompiledHandler, MayForgetTheErrorThatItHandles) {
+    SetError(905);
+    ASSERT_EQ(tarn_report_begin(), 1);
+    tarn_clear_error();
+    EXPECT_EQ(ErrorDetails(), "");
+    tarn_report_end();
+    EXPECT_EQ(LastError(), 0);
+}
+
+TEST_F(Report, TheCInterfaceReportsTheSameWay) {
     answer() = "Continue";
     tarn_enter("c", "F", 9);
     tarn_set_error(905);

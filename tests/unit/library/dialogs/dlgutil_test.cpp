@@ -6,6 +6,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/windows/resources.h"
 #include "os/files.h"
+#include "platform/model/view.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,37 @@ TEST(Dlgutil, TheNumberOfAControlOfAProgram) {
     EXPECT_EQ(GETVISUALOBJECTINFO(folder / "other", "label1"), 0);
     EXPECT_EQ(GETVISUALOBJECTINFO("", "label1"), 0);
     EXPECT_EQ(ErrorCell(), 0);
+}
+
+TEST(Dlgutil, ARangeOfControlsIsEnabledButForLabelsAndGroups) {
+    const TempFolder folder;
+    std::unique_ptr<platform::View> before = platform::useView(platform::makeHeadlessView());
+    const std::string rc = folder / "range.rc";
+    ASSERT_TRUE(os::saveFile(rc, "Range DIALOG\n  Edit e1 1\n  Label l 2\n  Checkbox c 3\n  Radiobutton r 4\n"
+                                 "  Groupbox g 5\n  Listbox list 6\n  Pushbutton p 7\n  Edit e2 8\nEND\n"
+                                 "Editor EDITWINDOW\nEND\n")
+                    .ok());
+    const Object window("Range");
+    ASSERT_EQ(Load(window, rc, "Range"), "");
+    const auto off = [&] {
+        std::string numbers;
+        for (const Object& control : ControlList(window))
+            if (!GetEnabled(control)) numbers += std::to_string(control.number());
+        return numbers;
+    };
+    SETENABLEDRANGE(window, Object("Range", 3), Object("Range", 7), false);
+    EXPECT_EQ(off(), "3467");
+    SETENABLEDRANGE(window, Object("Range", 4), Object("Range", 4), true);
+    EXPECT_EQ(off(), "367");
+    SETENABLEDRANGE(window, Object("Range", 1), Object("Range", 8), true);
+    EXPECT_EQ(off(), "");
+    SETENABLEDRANGE(window, Object("Range", 99), Object("Range", 8), false);
+    EXPECT_EQ(off(), "");
+    SETENABLEDRANGE(window, Object("Range", 7), Object("Range", 1), false);  // there is no end: to the last
+    EXPECT_EQ(off(), "78");
+    EXPECT_EQ(ErrorCell(), 0);
+    Unload(window);
+    platform::useView(std::move(before));
 }
 
 }  // namespace

@@ -269,7 +269,7 @@ TEST_F(Symbols, TokensComeFromTheSectionOfTheExtension) {
     EXPECT_EQ(MAKETOKENSTR("/i", "."), "");
     EXPECT_EQ(MAKETOKENSTR("/i", ""), "");
     EXPECT_EQ(MAKETOKENSTR("/none", ".cls"), "");
-    EXPECT_EQ(MAKETOKENSTR("/i", "c"), "a - \n");  // the words end where no token stands
+    EXPECT_EQ(MAKETOKENSTR("/i", "c"), "a - \n - \n");  // the words end where no token stands
 }
 
 TEST_F(Symbols, TheEndOfTheSettingsKeyChoosesTheRule) {
@@ -277,10 +277,10 @@ TEST_F(Symbols, TheEndOfTheSettingsKeyChoosesTheRule) {
     EXPECT_EQ(GETHILITELIST("/i", "S", "myStrings", "l"), "' - 0x1\n");
     files.put("/q", "[S]\nStrings=0x1\nl=\"\nm=\"\"\n");
     EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "l"), "\" - 0x1\n");
-    EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "m"), "");
+    EXPECT_EQ(GETHILITELIST("/q", "S", "Strings", "m"), " - 0x1\n");
     EXPECT_EQ(GETHILITELIST("/i", "S", "BLOCKCOMMENTS", "c"), "-- ##EOL 0x2\nrem ##EOL 0x2\n");
     EXPECT_EQ(GETHILITELIST("/i", "S", "x", "none"), "");
-    EXPECT_EQ(GETHILITELIST("/i", "S", "Strings", "none"), "");
+    EXPECT_EQ(GETHILITELIST("/i", "S", "Strings", "none"), " - \n");
 }
 
 // ---- the shipped settings file ----

@@ -5,6 +5,7 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/printjob.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
@@ -209,6 +210,76 @@ TEST_F(DrawingTest, AFullPageEndsByItselfAndALongLineIsBroken) {
     const std::string text = written("long.txt"), row(static_cast<std::size_t>(letters), 'y');
     EXPECT_EQ(text.find('\f'), static_cast<std::size_t>(lines * 2));
     EXPECT_TRUE(text.ends_with("\fx\n" + row + "\n" + row + "\n\xC3\xA4z\n")) << text.substr(text.find('\f'));
+}
+
+TEST_F(DrawingTest, EachPageHasItsHeadingWithItsNumber) {
+    SetCaption(Sysprinter, "headed");
+    PrintJob job;
+    job.heading = "/some/where/a.txt";
+    ASSERT_EQ(StartPrint(Sysprinter, job), Ok);
+    EXPECT_GT(GetCurrentY(Sysprinter).value, 13) << "the heading has its room";
+    const int first = GetCurrentY(Sysprinter).value;
+    DrawTextstr(Sysprinter, "one");
+    NewPage(Sysprinter);
+    EXPECT_EQ(GetCurrentY(Sysprinter).value, first);
+    DrawTextstr(Sysprinter, "two");
+    EXPECT_EQ(EndPrint(Sysprinter), Ok);
+    const std::string text = written("headed.txt");
+    const std::size_t end = text.find('\n'), page = text.find('\f');
+    EXPECT_TRUE(text.starts_with("/some/where/a.txt  "));
+    EXPECT_EQ(text.substr(end - 6, 12), "Page 1\none\n\f");
+    EXPECT_EQ(end, static_cast<std::size_t>(GetPageWidth(Sysprinter).value / 6)) << "over the whole width";
+    EXPECT_NE(text.find("Page 2\ntwo\n", page), std::string::npos);
+}
+
+TEST_F(DrawingTest, AHeadingThatIsTooWideLosesItsBeginning) {
+    SetCaption(Sysprinter, "wide");
+    PrintJob job;
+    for (int i = 0; i < 40; ++i) job.heading += "folder\xC3\xA4/";
+    job.heading += "end.txt";
+    ASSERT_EQ(StartPrint(Sysprinter, job), Ok);
+    EXPECT_EQ(EndPrint(Sysprinter), Ok);
+    const std::string line = written("wide.txt");
+    EXPECT_TRUE(line.starts_with("...")) << line;
+    EXPECT_NE(line.find("/end.txt  Page 1\n"), std::string::npos) << line;
+}
+
+TEST_F(DrawingTest, APartOfThePagesIsPrinted) {
+    const struct {
+        int from, to;
+        const char* result;
+    } cases[] = {{0, 0, "1\n\f2\n\f3\n"}, {1, 1, "1\n"}, {2, 0, "2\n\f3\n"},
+                 {2, 2, "2\n"},           {3, 9, "3\n"}, {4, 0, ""}};
+    for (const auto& one : cases) {
+        SetCaption(Sysprinter, "part");
+        PrintJob job;
+        job.from = one.from;
+        job.to = one.to;
+        ASSERT_EQ(StartPrint(Sysprinter, job), Ok);
+        for (int page = 1; page <= 3; ++page) {
+            if (page > 1) NewPage(Sysprinter);
+            EXPECT_EQ(GetPage(Sysprinter).value, page);
+            DrawTextstr(Sysprinter, std::to_string(page));
+        }
+        EXPECT_EQ(EndPrint(Sysprinter), Ok);
+        EXPECT_EQ(written("part.txt"), one.result) << one.from << " " << one.to;
+    }
+}
+
+TEST_F(DrawingTest, ADocumentThatIsCancelledLeavesTheOldOne) {
+    EXPECT_EQ(CancelPrint(Sysprinter), PrintNotStarted);
+    EXPECT_EQ(CancelPrint(main), ControlInvalid);
+    SetCaption(Sysprinter, "kept");
+    ASSERT_EQ(StartPrint(Sysprinter), Ok);
+    DrawTextstr(Sysprinter, "old");
+    ASSERT_EQ(EndPrint(Sysprinter), Ok);
+    ASSERT_EQ(StartPrint(Sysprinter), Ok);
+    DrawTextstr(Sysprinter, "new");
+    EXPECT_EQ(CancelPrint(Sysprinter), Ok);
+    EXPECT_EQ(GetPage(Sysprinter).value, 0);
+    EXPECT_EQ(written("kept.txt"), "old\n");
+    EXPECT_EQ(StartPrint(Sysprinter), Ok) << "the printer is free";
+    EXPECT_EQ(CancelPrint(Sysprinter), Ok);
 }
 
 TEST_F(DrawingTest, ADocumentThatCannotBeWrittenFails) {

@@ -3,6 +3,7 @@
 // What edit windows show around their text, without a screen.
 #include "os/files.h"
 #include "platform/model/model.h"
+#include "platform/operations/textedits.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
@@ -52,14 +53,16 @@ TEST_F(EditsTest, WhatIsSetIsThereAgainCutToItsLimits) {
     SetBlocks(editor, "any if");
     ShowChoices(editor, "a\tb\n", 1);
     ShowCallTip(editor, 3, "tip", 1, 2);
-    SetStatusText(editor, "note");
+    SetStatus(editor, "stays");
+    SetStatus(editor, "passes", StatusKind::Passes);
     EXPECT_EQ(GetLooks(editor).value, LOOK_BLANKS);
     EXPECT_EQ(GetTabWidth(editor).value, 1);
     EXPECT_EQ(GetZoom(editor).value, 20);
     EXPECT_EQ(GetBlocks(editor).value, "any if");
     EXPECT_EQ(GetChoices(editor).value, "a\tb\n");
     EXPECT_EQ(GetCallTip(editor).value, "tip");
-    EXPECT_EQ(GetStatusText(editor).value, "note");
+    EXPECT_EQ(GetStatus(editor).value, "stays");
+    EXPECT_EQ(GetStatus(editor, StatusKind::Passes).value, "passes");
     SetTabWidth(editor, 99);
     SetZoom(editor, -100);
     EXPECT_EQ(GetTabWidth(editor).value, 32);
@@ -71,6 +74,8 @@ TEST_F(EditsTest, OtherWindowsTakeNoneOfIt) {
     EXPECT_EQ(SetTabWidth(main, 8), Ok);
     EXPECT_EQ(SetLineEnds(main, ENDS_LF), Ok);
     EXPECT_EQ(ShowChoices(main, "a", 1), Ok);
+    EXPECT_EQ(SetStatus(main, "a", StatusKind::Passes), Ok);
+    EXPECT_EQ(GetStatus(main, StatusKind::Passes).value, "");
     EXPECT_EQ(GetLooks(main).value, 0);
     EXPECT_EQ(GetTabWidth(main).value, 0);
     EXPECT_EQ(GetLineEnds(main).value, ENDS_NONE);
@@ -83,8 +88,8 @@ TEST_F(EditsTest, OnWhatIsNotLoadedTheyFail) {
     for (const Code code :
          {GetTextRange(gone, 1, 1).code, GetLooks(gone).code, SetLooks(gone, 0), SetTabWidth(gone, 1),
           SetZoom(gone, 1), GetLineEnds(gone).code, SetLineEnds(gone, 0), SetBlocks(gone, ""),
-          FoldAll(gone, true), ShowChoices(gone, "", 0), ShowCallTip(gone, 1, "", 0, 0),
-          SetStatusText(gone, "")})
+          FoldAll(gone, true), ShowChoices(gone, "", 0), ShowCallTip(gone, 1, "", 0, 0), SetStatus(gone, ""),
+          SetStatus(gone, "", StatusKind::Passes)})
         EXPECT_EQ(code, 702);
 }
 
@@ -134,6 +139,22 @@ TEST_F(EditsTest, AConversionKeepsTheCaretInItsLine) {
     SetSelection(editor, 5, 0);
     SetLineEnds(editor, ENDS_CRLF);
     EXPECT_EQ(GetSelection(editor).value.start, 7);
+}
+
+TEST_F(EditsTest, AConversionIsOneStepAndKeepsTheMarks) {
+    SetText(editor, "a\nbc\nd\n");
+    SetMarks(editor, {{1, 1}, {4, 3}});
+    SetLineEnds(editor, ENDS_CRLF);
+    ASSERT_EQ(GetMarks(editor).value.size(), 2U);
+    EXPECT_EQ(GetMarks(editor).value[0].start, 1);
+    EXPECT_EQ(GetMarks(editor).value[1].start, 5) << "in front of c";
+    EXPECT_EQ(GetMarks(editor).value[1].length, 4) << "with the pair";
+    Undo(editor);
+    EXPECT_EQ(GetText(editor).value, "a\nbc\nd\n");
+    EXPECT_FALSE(CanUndo(editor));
+    EXPECT_FALSE(GetModify(editor).value);
+    Redo(editor);
+    EXPECT_EQ(GetText(editor).value, "a\r\nbc\r\nd\r\n");
 }
 
 TEST_F(EditsTest, AReadonlyOrFullTextKeepsItsLineEnds) {

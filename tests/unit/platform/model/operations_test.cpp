@@ -4,6 +4,8 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/printjob.h"
+#include "platform/operations/boxhelp.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
@@ -461,6 +463,13 @@ TEST_F(OperationsTest, AFontIsChosenOrStays) {
     EXPECT_EQ(FontDialog(page, mono).code, WindowNotLoaded);
 }
 
+TEST(SoundTest, SilenceMakesNoView) {
+    std::unique_ptr<View> before = useView(nullptr);
+    PlaySound({});
+    EXPECT_EQ(useView(std::move(before)), nullptr)
+        << "a program without windows shall not load one at its end";
+}
+
 TEST_F(OperationsTest, APrinterIsChosenOrNone) {
     answers = {"Print to file\tselection\t2\t5\t3", "Print to file", "Print to file\tselection", ""};
     PrintChoice choice = PrintDialog(main, PRINT_SELECTION).value;
@@ -474,6 +483,8 @@ TEST_F(OperationsTest, APrinterIsChosenOrNone) {
     EXPECT_EQ(choice.copies, 1);
     EXPECT_EQ(PrintDialog(main, 0).value.flags, 0) << "the selection was not offered";
     EXPECT_TRUE(PrintDialog(main, 0).value.printer.empty());
+    PrintDialog(main, PRINT_SELECTION, "Laser");
+    EXPECT_EQ(asked.back().value, "Laser\tselection") << "what is chosen at first";
     EXPECT_EQ(PrintDialog(page, 0).code, WindowNotLoaded);
 }
 
@@ -490,6 +501,25 @@ TEST_F(OperationsTest, HelpGoesToTheHelpWindowOrTheBrowser) {
     EXPECT_TRUE(HtmlHelpApi("help/a.qch", "key"));
     EXPECT_EQ(shown, "a.qch#key");
     EXPECT_FALSE(HtmlHelpApi("a.chm", ""));
+}
+
+TEST_F(OperationsTest, HelpOnBoxesAndOnWindowsThatLeaveTheKeyAloneIsWithWhoeverHasIt) {
+    static std::string asked;
+    Window& window = *findWindow(main);
+    SetCaption(main, "A-B");
+    EXPECT_FALSE(userKey(window, nullptr, KEY_F1)) << "nobody has help";
+    SetBoxHelp([](const std::string& title, const std::string& text) { asked = title + "|" + text; });
+    EXPECT_TRUE(userKey(window, nullptr, KEY_F1));
+    EXPECT_EQ(asked, "A-B|");
+    Question question;
+    question.title = "Title";
+    question.text = "error 651";
+    userBoxHelp(question);
+    EXPECT_EQ(asked, "Title|error 651");
+    asked.clear();
+    EXPECT_FALSE(userKey(window, nullptr, KEY_F2)) << "other keys are not help";
+    EXPECT_EQ(asked, "");
+    SetBoxHelp(nullptr);
 }
 
 }  // namespace

@@ -214,6 +214,16 @@ TEST_F(BrokenCompiler, AMissingCompilerIsAFailure) {
     EXPECT_NE(failure().find("the program is not found"), std::string::npos) << errors();
 }
 
+TEST_F(BrokenCompiler, ACompilerThatMayNotBeRunIsToldWithTheNextStep) {
+    compiler("exit 0");
+    std::filesystem::permissions(dir + "tools/quarn.exe", std::filesystem::perms(0644));
+    EXPECT_NE(failure().find(
+                  "error 1909 the compiler failed: its file may not be run: make it executable (chmod +x '" +
+                  dir + "tools/quarn.exe')"),
+              std::string::npos)
+        << errors();
+}
+
 TEST_F(BrokenCompiler, AFailingCCompilerIsToldWithItsText) {
     const Variable backEnd("TARNWICK_CC", "gcc-O0");
     write("bin/cc", "#!/bin/sh\necho out of luck\nexit 1\n");
@@ -303,7 +313,9 @@ TEST_F(Make, BuildsAtTheSameTimeWaitForEachOther) {
         ASSERT_NE(build, nullptr);
         EXPECT_EQ(build->wait(60000).code, 0);
     }
-    for (const char* answer : {"1", "2", "3", "4"}) EXPECT_EQ(read(answer), dir + "main.cls : 0 errors.\n");
+    for (const char* answer : {"1", "2", "3", "4"})
+        EXPECT_EQ(read(answer),
+                  dir + "c.cls : 0 errors.\n" + dir + "b.cls : 0 errors.\n" + dir + "main.cls : 0 errors.\n");
     EXPECT_EQ(run(dir + "main.exe", {}), 0);
     EXPECT_EQ(output, "c\n");
 }

@@ -2,6 +2,7 @@
 //
 // The library as the language sees it: its class has no fault, and behind each head stands a C function of the
 // run-time with the same parameters.
+#include "kernel/windows/operations.h"
 #include "support/places.h"
 #include "support/toolchain_folder.h"
 #include "toolchain/language/checker.h"
@@ -48,6 +49,29 @@ TEST_F(SystemClass, NamesFunctionsOfTheRunTimeOnly) {
         EXPECT_NE(dlsym(RTLD_DEFAULT, item->function->external.c_str()), nullptr) << item->function->external;
     }
     EXPECT_GT(functions, 300U);
+}
+
+// Windowing operations are told by their list.
+TEST_F(SystemClass, HasNoFunctionThatTheDocumentsDoNotTell) {
+    std::set<std::string> operations;
+#define TARN_NAME(result, name, symbol, parameters, arguments) operations.insert("tarn_win_" #symbol);
+    TARN_WINDOW_OPERATIONS(TARN_NAME)
+#undef TARN_NAME
+    std::string told;
+    for (const char* name : {"/docs/language.md", "/docs/library.md"}) {
+        std::string text;
+        ASSERT_EQ(os::readFile(SOURCE_DIR + std::string(name), text), os::FileError::None);
+        told += text;
+    }
+    for (const auto& item : systemClass().declarations) {
+        if (item->kind != DeclarationKind::Function || operations.count(item->function->external) != 0)
+            continue;
+        bool found = false;
+        for (const char* mark : {"`", " ", "\n"})
+            for (const char* end : {"(", "`", ",", " "})
+                found = found || told.find(mark + item->name + end) != std::string::npos;
+        EXPECT_TRUE(found) << item->name;
+    }
 }
 
 // The C compiler compares the heads, what every class begins with, and the interface that the run-time is built with.

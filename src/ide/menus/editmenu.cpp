@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/menus/editmenu.h"
+
+#include "ide/editor/restore.h"
+#include "ide/shell/undomenu.h"
+#include "ide/shell/windows.h"
+#include "library/system/system.h"
+
+MODULE("editmenu")
+
+namespace tarn {
+
+void DO_UNDO_TYPING() {
+    FRAME(DO_UNDO_TYPING);
+    STAMP();
+    if (!CANUNDOTYPING()) return Sound();
+    Undo(SDIEdit);
+    STAMP();
+}
+
+void DO_REDO_TYPING() {
+    FRAME(DO_REDO_TYPING);
+    STAMP();
+    if (!CANREDOTYPING()) return Sound();
+    Redo(SDIEdit);
+    STAMP();
+}
+
+void DO_UNDO(const std::string& title, const std::string& backupFile, const Object& timerLabel) {
+    FRAME(DO_UNDO);
+    STAMP();
+    Precondition(STREQUAL(GetTypeof(timerLabel), "Label"));
+    STAMP();
+    RESTOREFROMBACKUP(title, backupFile, timerLabel);
+}
+
+}  // namespace tarn

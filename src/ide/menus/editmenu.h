@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Edit menu.
+#pragma once
+
+#include "kernel/windows/windowing.h"
+
+#include <string>
+
+namespace tarn {
+
+// One step of what was done to the text in the Code window, back or forth; a sound when there is none.
+void DO_UNDO_TYPING();
+void DO_REDO_TYPING();
+// Restores the Code window's file from one of its backups.
+void DO_UNDO(const std::string& title, const std::string& backupFile, const Object& timerLabel);
+
+}  // namespace tarn
