@@ -276,6 +276,8 @@ TEST_F(EditTest, WhatHasNoRoomIsToldInTheStatusBarUntilTheNextEdit) {
     EXPECT_FALSE(said().contains(QStringLiteral("No room"))) << said().toStdString();
     store->replaceSelection("longer than the limit");
     EXPECT_EQ(store->length(), 23) << "the program is not limited";
+}
+
 double luminance(const QColor& colour) {
     const auto linear = [](float part) {
         return part <= 0.03928F ? part / 12.92 : std::pow((static_cast<double>(part) + 0.055) / 1.055, 2.4);
