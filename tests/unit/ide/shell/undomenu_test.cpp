@@ -72,7 +72,7 @@ TEST_F(UndoMenu, ShowsFiftyLinesAtMost) {
     EXPECT_EQ(items(), 50);
     EXPECT_FALSE(GetEnabled(item(1)));
     for (int i = 2; i <= 50; i++) EXPECT_TRUE(GetEnabled(item(i))) << i;
-    EXPECT_FALSE(isEnabled("edit_cut")) << "the items behind are as they were";
+    EXPECT_TRUE(isEnabled("edit_cut")) << "the items behind are as they were";
     EXPECT_EQ(GetCaption(MAINCONTROL("edit_cut")), "Cu&t");
 }
 
