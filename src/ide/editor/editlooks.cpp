@@ -7,6 +7,8 @@
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
+#include <cstdint>
+
 MODULE("textedit")
 
 namespace tarn {
@@ -47,6 +49,17 @@ int numberSetting(std::string_view key, int shipped) {
 
 void check(std::string_view item, bool on) {
     if (IsLoaded(Main)) SetChecked(MAINCONTROL(item), on);
+}
+
+// The bytes that a text has more with a pair at each line end.
+std::int64_t growthByPairs(std::string_view text) {
+    std::int64_t growth = 0;
+    for (std::size_t i = 0; i < text.size(); i++) {
+        const bool pair = text.substr(i, 2) == "\r\n";
+        if (!pair && (text[i] == '\r' || text[i] == '\n')) growth++;
+        if (pair) i++;
+    }
+    return growth;
 }
 
 void setTabWidth(const Object& window, int columns) {
@@ -110,6 +123,8 @@ void CHOOSELINEENDS(const Object& window, int ends) {
     STAMP();
     if (EDITWNDGETFILENAME(window).empty()) return Sound();
     const int before = GetLineEnds(window);
+    STAMP();
+    if (ends == ENDS_CRLF && !EDITWNDHASROOM(window, growthByPairs(GetText(window)))) return;
     SetLineEnds(window, ends);
     STAMP();
     if (before != ends && before != ENDS_NONE && GetLineEnds(window) != ends) Sound();

@@ -307,5 +307,22 @@ TEST_F(Completion, LineEndsAreConvertedAndMarkTheText) {
     EXPECT_FALSE(GetModify(SDIEdit)) << "they are so already";
 }
 
+TEST_F(Completion, LineEndsForWhichThereIsNoRoomStayAndTheStatusBarSaysSo) {
+    const std::string ends = "\nb\nc\r\nd\re\n\n";  // five of them grow by one
+    const std::string text = std::string(4'000'000 - ends.size() - 5, 'a') + ends;
+    EDITWNDOPEN(SDIEdit, write("full.txt", "a" + text), false, 0);
+    CHOOSELINEENDS(SDIEdit, ENDS_CRLF);
+    EXPECT_EQ(GetText(SDIEdit), "a" + text);
+    EXPECT_EQ(GetStatus(SDIEdit, StatusKind::Passes), "No room: a text has at most 4000000 bytes");
+    EXPECT_FALSE(GetModify(SDIEdit));
+    EDITWNDOPEN(SDIEdit, write("room.txt", text), false, 0);
+    CHOOSELINEENDS(SDIEdit, ENDS_CRLF);
+    EXPECT_EQ(GetTextLength(SDIEdit), 4'000'000);
+    EXPECT_EQ(GetStatus(SDIEdit, StatusKind::Passes), "");
+    Undo(SDIEdit);
+    EXPECT_EQ(GetText(SDIEdit), text) << "one step";
+    EXPECT_FALSE(GetModify(SDIEdit));
+}
+
 }  // namespace
 }  // namespace tarn

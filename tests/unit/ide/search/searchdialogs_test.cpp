@@ -93,7 +93,7 @@ protected:
         for (int n = 0; n < 200; ++n) write("f" + std::to_string(n) + ".cls", "old\n");
         choices.text = "old";
         choices.with = "new";
-        choices.patterns = "*.cls";
+        choices.patterns = "f*.cls";  // not system.cls
         choices.folders = {dir};
         os::useClock(&clock);
     }
