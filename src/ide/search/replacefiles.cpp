@@ -172,10 +172,11 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
 
 // Shows the new text where the old one stands in the Code window.
 void readAgain(const std::string& file) {
-    if (!STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) return;
+    if (!ISINEDITOR(file)) return;
+    const std::string shown = EDITWNDGETFILENAME(SDIEdit);
     const Selection selection = GetSelection(SDIEdit);
     EDITWNDCLOSE(SDIEdit, false);
-    EDITWNDOPEN(SDIEdit, file, false, 0);
+    EDITWNDOPEN(SDIEdit, shown, false, 0);
     SetSelection(SDIEdit, std::min(selection.start, GetTextLength(SDIEdit) + 1), 0);
 }
 
