@@ -8,6 +8,7 @@
 #include "ide/shell/windows.h"
 #include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
+#include "library/system/system.h"
 
 MODULE("editmenu")
 
@@ -22,11 +23,13 @@ std::string read(std::string_view section, std::string_view key) {
 bool isOn(std::string_view section, std::string_view key) {
     return read(section, key) == "1";
 }
-void write(std::string_view section, std::string_view key, const std::string& value) {
-    PROFILESTRPUT(GETIDEINIFILE(), section, key, value);
+// A text that stands in quotes gets a pair around them, since the reading of settings takes one away.
+void write(std::string_view section, std::string_view key, const std::string& text) {
+    const bool quoted = text.size() > 1 && text.starts_with('"') && text.ends_with('"');
+    PROFILESTRPUT(GETIDEINIFILE(), section, key, quoted ? STRADDQUOTES(text) : text);
 }
 void write(std::string_view section, std::string_view key, bool on) {
-    write(section, key, std::string(on ? "1" : "0"));
+    PROFILESTRPUT(GETIDEINIFILE(), section, key, on ? "1" : "0");
 }
 
 FindChoice findChoice() {

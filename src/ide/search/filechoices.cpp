@@ -119,10 +119,19 @@ std::unique_ptr<TextSearch> SEARCHOF(const FileChoices& choices) {
     return MAKESEARCH(choices.text, choices.matchWord, choices.matchCase, choices.regex);
 }
 
+bool ISINEDITOR(const std::string& file) {
+    FRAME(ISINEDITOR);
+    STAMP();
+    const std::string shown = EDITWNDGETFILENAME(SDIEdit);
+    if (shown == file || !FILECHK(shown)) return shown == file;
+    const os::FileInfo one = os::infoOf(os::native(shown)), other = os::infoOf(os::native(file));
+    return one.exists && other.exists && one.device == other.device && one.inode == other.inode;
+}
+
 bool ISCHANGEDINEDITOR(const std::string& file) {
     FRAME(ISCHANGEDINEDITOR);
     STAMP();
-    return STREQUAL(EDITWNDGETFILENAME(SDIEdit), file) && GetModify(SDIEdit);
+    return GetModify(SDIEdit) && ISINEDITOR(file);
 }
 
 bool TEXTOFFILE(const std::string& file, std::string& text, SkippedFiles& skipped) {

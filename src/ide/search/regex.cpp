@@ -36,6 +36,9 @@ int look(pcre2_callout_block*, void* data) {
 struct FreeCode {
     void operator()(pcre2_code* code) const { pcre2_code_free(code); }
 };
+struct FreeRules {
+    void operator()(pcre2_compile_context* rules) const { pcre2_compile_context_free(rules); }
+};
 struct FreeContext {
     void operator()(pcre2_match_context* context) const { pcre2_match_context_free(context); }
 };
@@ -46,6 +49,16 @@ using Code = std::unique_ptr<pcre2_code, FreeCode>;
 
 const unsigned char* bytesOf(std::string_view text) {
     return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+// A line ends with LF or CR LF: what is put in behind a line must not come between those two.
+pcre2_compile_context* rules() {
+    static const std::unique_ptr<pcre2_compile_context, FreeRules> both = [] {
+        std::unique_ptr<pcre2_compile_context, FreeRules> made(pcre2_compile_context_create(nullptr));
+        pcre2_set_newline(made.get(), PCRE2_NEWLINE_ANYCRLF);
+        return made;
+    }();
+    return both.get();
 }
 
 std::string messageOf(int error) {
@@ -95,7 +108,7 @@ struct RegexSearch::Engine {
         const std::uint32_t options = PCRE2_MULTILINE | PCRE2_AUTO_CALLOUT | PCRE2_NEVER_BACKSLASH_C |
                                       (matchCase ? 0 : PCRE2_CASELESS) |
                                       (utf ? PCRE2_UTF | PCRE2_UCP : PCRE2_NEVER_UTF);
-        Code code(pcre2_compile(bytesOf(pattern), pattern.size(), options, &error, &offset, nullptr));
+        Code code(pcre2_compile(bytesOf(pattern), pattern.size(), options, &error, &offset, rules()));
         if (code == nullptr)
             problem = "The pattern is not valid at character " + std::to_string(offset) + ":\n" +
                       messageOf(error) + ".";

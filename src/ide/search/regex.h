@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Searching by regular expressions in the syntax of PCRE2, the only place of its header. "^" and "$" stand for the ends
-// of lines, "." for any character but a line end. A text that is sound UTF-8 is searched by characters, any other by
-// bytes. A hit has at least one byte.
+// of lines, be they LF or CR LF, "." for any character but those two. A text that is sound UTF-8 is searched by
+// characters, any other by bytes. A hit has at least one byte.
 //
 // What comes in the place of a hit may hold "$0" for the hit, "$1" to "$9" and "${10}" for what its groups matched, "$$"
 // for "$", "\n", "\t" and "\\"; a group that does not exist, or has matched nothing, is empty.

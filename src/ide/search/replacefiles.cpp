@@ -141,11 +141,10 @@ std::string told(const os::SaveResult& saved) {
     return text;
 }
 
-// The old bytes beside the file, for nobody whom the file is not for.
-os::SaveResult writeBackup(const std::string& file, const std::string& backup, const std::string& text) {
-    os::SaveResult saved = os::saveFile(backup, text);
-    if (saved.ok()) saved.error = os::files().setMode(backup, os::infoOf(file).mode);
-    return saved;
+// The old bytes beside the file, from the first moment for nobody whom the file is not for.
+os::FileError writeBackup(const std::string& file, const std::string& backup, const std::string& text) {
+    constexpr std::uint32_t permissions = 0777;
+    return os::saveNewFile(backup, text, os::infoOf(file).mode & permissions);
 }
 
 // Why the file was not written; empty if it was.
@@ -161,8 +160,8 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
         return "It has changed since the list was made.";
     if (!os::infoOf(change.file).writable) return "You may not write to it.";
     const std::string backup = REPLACEBACKUPNAME(change.file);
-    if (const os::SaveResult saved = writeBackup(change.file, backup, text); !saved.ok())
-        return "No backup could be made of it. " + told(saved);
+    if (const os::FileError error = writeBackup(change.file, backup, text); error != os::FileError::None)
+        return "No backup could be made of it. " + std::string(os::describe(error));
     const os::SaveResult saved = os::saveFile(change.file, APPLIED(text, *edits));
     if (saved.ok()) return {};
     // A failure may come behind the replacing, or half-way in place; a backup that the file equals is of no use.
@@ -173,10 +172,11 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
 
 // Shows the new text where the old one stands in the Code window.
 void readAgain(const std::string& file) {
-    if (!STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) return;
+    if (!ISINEDITOR(file)) return;
+    const std::string shown = EDITWNDGETFILENAME(SDIEdit);
     const Selection selection = GetSelection(SDIEdit);
     EDITWNDCLOSE(SDIEdit, false);
-    EDITWNDOPEN(SDIEdit, file, false, 0);
+    EDITWNDOPEN(SDIEdit, shown, false, 0);
     SetSelection(SDIEdit, std::min(selection.start, GetTextLength(SDIEdit) + 1), 0);
 }
 

@@ -41,7 +41,12 @@ TEST(Regex, FindsInAnyBytes) {
                           {"(*UTF)x", "\xFFx", ""},
                           {"(a)|b", "ba", "1+1 2+1 "},
                           {"(?=b)", "ab", ""},
-                          {"a\\Kb", "ab", "2+1 "}})
+                          {"a\\Kb", "ab", "2+1 "},
+                          {"a$", "a\r\nba\r\n", "1+1 5+1 "},  // both kinds of line ends
+                          {"^.+$", "ab\r\ncd\nef\r\n", "1+2 5+2 8+2 "},
+                          {"^b", "a\r\nb", "4+1 "},
+                          {"a\r\nb", "a\r\nb", "1+4 "},
+                          {"b\\n", "b\r\nb\n", "4+2 "}})
         EXPECT_EQ(hits(c.pattern, c.text), c.hits) << c.pattern;
     EXPECT_EQ(hits("A", "aA", false, false), "1+1 2+1 ");
     EXPECT_EQ(hits("\xC3\x84", "\xC3\xA4", false, false), "1+2 ");

@@ -110,6 +110,30 @@ TEST_F(ReplaceFiles, BackupsAreForNobodyElse) {
     EXPECT_EQ(info.mode, 0600U);
 }
 
+TEST_F(ReplaceFiles, NoCopyOfAPrivateFileIsEverForOthers) {
+    for (int n = 1; n < 200; ++n) {
+        prepare();
+        disk.put("/home/user/p/a.cls", "old", 0600);
+        const ReplacePlan plan = PLANREPLACEMENTS(choices);
+        disk.dieAt(n);
+        bool died = false;
+        try {
+            WRITEREPLACEMENTS(choices, plan);
+        } catch (const os::ProcessDeath&) {
+            died = true;
+        }
+        disk.revive();
+        ClearError();
+        for (const std::string& file : disk.allFiles()) {
+            if (!file.starts_with("/home/user/p/") || disk.contents(file) != "old") continue;
+            os::FileInfo info;
+            ASSERT_EQ(disk.info(file, info), os::FileError::None);
+            EXPECT_EQ(info.mode & 0077U, 0U) << file << " at call " << n;
+        }
+        if (!died) break;
+    }
+}
+
 TEST_F(ReplaceFiles, WhatIsNotWantedStays) {
     ReplacePlan plan = PLANREPLACEMENTS(choices);
     plan.files[1].wanted = false;
