@@ -18,19 +18,19 @@ TEST(FileShortenName, KeepsDriveNameAndExtensionAsLongAsItCan) {
         {"", 0, ""},
         {"", 5, ""},
         {"a.txt", 5, "a.txt"},                                   // it fits
-        {"/home/user/work/a.txt", 21, "/home/user/work/a.txt"},  // just
-        {"/home/user/work/a.txt", 20, "/home/.../work/a.txt"},
-        {"/home/user/work/a.txt", 19, "/home.../work/a.txt"},
-        {"/home/user/work/a.txt", 8, "...a.txt"},   // no room for any of the folder
-        {"/home/user/work/a.txt", 9, ".../a.txt"},  // the odd byte goes to its right
-        {"/home/user/work/a.txt", 10, "/.../a.txt"},
-        {"/home/user/work/a.txt", 7, "....txt"},  // the end alone
-        {"/home/user/work/a.txt", 4, "...t"},
-        {"/home/user/work/a.txt", 3, "..."},
-        {"/home/user/work/a.txt", 2, ".."},
-        {"/home/user/work/a.txt", 1, "."},
-        {"/home/user/work/a.txt", 0, ""},
-        {"/home/user/work/a.txt", -1, ""},
+        {"/home/user/docs/a.txt", 21, "/home/user/docs/a.txt"},  // just
+        {"/home/user/docs/a.txt", 20, "/home/.../docs/a.txt"},
+        {"/home/user/docs/a.txt", 19, "/home.../work/a.txt"},
+        {"/home/user/docs/a.txt", 8, "...a.txt"},   // no room for any of the folder
+        {"/home/user/docs/a.txt", 9, ".../a.txt"},  // the odd byte goes to its right
+        {"/home/user/docs/a.txt", 10, "/.../a.txt"},
+        {"/home/user/docs/a.txt", 7, "....txt"},  // the end alone
+        {"/home/user/docs/a.txt", 4, "...t"},
+        {"/home/user/docs/a.txt", 3, "..."},
+        {"/home/user/docs/a.txt", 2, ".."},
+        {"/home/user/docs/a.txt", 1, "."},
+        {"/home/user/docs/a.txt", 0, ""},
+        {"/home/user/docs/a.txt", -1, ""},
         {"averylongnamewithoutafolder", 10, "...afolder"},
         {"/a/folder/that/ends/", 12, "/a/f...ends/"},
         {"/\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4/n", 8, "/.../n"},  // no character is cut in two
