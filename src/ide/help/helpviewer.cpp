@@ -22,6 +22,9 @@ constexpr std::string_view Section = "HelpWindow", PlaceKey = "_Position";
 // What the numbers of run-time errors and of messages stand behind in texts.
 constexpr std::string_view NumberMarks[] = {"error ", "Error ", "fatal "};
 
+// The topics of titles that are also names of functions.
+constexpr std::pair<std::string_view, std::string_view> TitleTopics[] = {{"Print", "File_Print"}};
+
 std::string whyNotLoaded;
 
 help::Show loadLibrary() {
@@ -126,7 +129,10 @@ void USEBOXHELP() {
 std::string BOXTOPIC(std::string_view title, std::string_view text) {
     std::string number = numberIn(text);
     if (number.empty()) number = numberIn(title);
-    return number.empty() ? HELPTOPIC(title) : number;
+    if (!number.empty()) return number;
+    for (const auto& [known, topic] : TitleTopics)
+        if (title == known) return std::string(topic);
+    return HELPTOPIC(title);
 }
 
 }  // namespace tarn
