@@ -5,12 +5,14 @@
 #include "ide/shell/idecore.h"
 #include "kernel/run/runtime.h"
 #include "kernel/windows/boxhelp.h"
+#include "library/dialogs/commdlgs_print.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/process.h"
 #include "os/text/ascii.h"
 
 #include <dlfcn.h>
+#include <utility>
 
 MODULE("helpviewer")
 
@@ -55,12 +57,15 @@ bool choosePrinter(const char* title, help::PrintTarget& target) {
     if (choice.printer.empty()) return false;
     const std::vector<Object> printers = PrinterList();
     target.copies = choice.copies;
+    target.from = choice.from;
+    target.to = choice.to;
     if (choice.printer != printers.back()) {
         target.printer = GetName(choice.printer);
         return true;
     }
-    target.file = SaveAsDialog("Print to File", std::string(title) + ".pdf", "PDF (*.pdf)|*.pdf|");
-    return !target.file.empty();
+    const std::string file = PRINTFILEDIALOG(STRREPLACE(title, "/", "-") + ".pdf");
+    if (!file.empty()) target.file = file + ".pdf";
+    return !file.empty();
 }
 
 // The same pages for a browser, which a help folder has beside the compiled help.
