@@ -15,11 +15,13 @@
 #include <QHelpLink>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QTreeView>
 
 #include <dlfcn.h>
@@ -32,6 +34,7 @@ namespace {
 const QString File = QStringLiteral(BINARY_DIR "/help/Tarnwick.qch");
 std::string kept;              // the place that the window handed over last
 std::string asked, printFile;  // the title that was to be printed, and where
+int fromPage = 0, toPage = 0;  // which pages of it
 
 const char* show(const QString& file, const char* topic, const char* place = "") {
     static const auto library = dlopen(BINARY_DIR "/libtarnwick-help.so", RTLD_NOW);
@@ -43,6 +46,8 @@ const char* show(const QString& file, const char* topic, const char* place = "")
                      [](const char* title, PrintTarget& target) {
                          asked = title;
                          target.file = printFile;
+                         target.from = fromPage;
+                         target.to = toPage;
                          return !printFile.empty();
                      }});
 }
@@ -137,6 +142,29 @@ TEST_F(HelpWindowTest, SearchesForAllWordsAndPutsTitlesFirst) {
     EXPECT_EQ(hits->count(), 0);
     search->setText(QStringLiteral("<b> & \" ' % .* \\"));
     EXPECT_EQ(page->documentTitle().isEmpty(), false) << "signs mean nothing";
+}
+
+TEST_F(HelpWindowTest, MarksTheWordsThatWereSearchedForAndShowsTheFirst) {
+    search->setText(QStringLiteral("compiler messages"));
+    hits->setCurrentRow(hits->count() - 1);
+    press(search, Qt::Key_Return);
+    const auto marks = page->extraSelections();
+    ASSERT_FALSE(marks.isEmpty());
+    for (const auto& mark : marks) {
+        const QString word = mark.cursor.selectedText().toLower();
+        EXPECT_TRUE(word == u"compiler" || word == u"messages") << word.toStdString();
+    }
+    EXPECT_TRUE(page->viewport()->rect().contains(page->cursorRect(marks.first().cursor)));
+    EXPECT_EQ(show(File, "STRFIND"), nullptr);
+    EXPECT_TRUE(page->extraSelections().isEmpty()) << "another page has no marks";
+}
+
+TEST_F(HelpWindowTest, GoesBackToEachWordWithoutAPage) {
+    EXPECT_EQ(show(File, "zebra"), nullptr);
+    EXPECT_EQ(show(File, "giraffe"), nullptr);
+    EXPECT_EQ(page->documentTitle(), u"giraffe");
+    press(page, Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(page->documentTitle(), u"zebra");
 }
 
 TEST_F(HelpWindowTest, LooksForAWordWithoutAPage) {
@@ -236,6 +264,41 @@ TEST_F(HelpWindowTest, PrintsThePageWhereTheUserWants) {
     ASSERT_TRUE(printed.open(QIODevice::ReadOnly));
     EXPECT_EQ(printed.read(5), "%PDF-");
     EXPECT_GT(printed.size(), 2000);
+    printFile.clear();
+}
+
+TEST_F(HelpWindowTest, PrintsThePagesThatWereChosen) {
+    QTemporaryDir dir;
+    const auto pagesOf = [&](int from, int to) {
+        fromPage = from, toPage = to;
+        printFile = dir.filePath(QStringLiteral("pages.pdf")).toStdString();
+        press(page, Qt::Key_P, Qt::ControlModifier);
+        fromPage = toPage = 0;
+        QFile printed(QString::fromStdString(printFile));
+        return printed.open(QIODevice::ReadOnly) ? printed.readAll().count("/Type /Page\n") : 0;
+    };
+    EXPECT_EQ(show(File, "Help_Run-time Errors"), nullptr);
+    const auto all = pagesOf(0, 0);
+    EXPECT_GT(all, 2);
+    EXPECT_EQ(pagesOf(2, 2), 1);
+    EXPECT_EQ(pagesOf(2, 0), all - 1);
+    EXPECT_EQ(pagesOf(0, 2), 2);
+    printFile.clear();
+}
+
+TEST_F(HelpWindowTest, TellsThatAPageCouldNotBePrintedAndLeavesTheOldFile) {
+    QTemporaryDir dir;
+    EXPECT_EQ(show(File, "1101"), nullptr);
+    printFile = dir.filePath(QStringLiteral("none/page.pdf")).toStdString();
+    QString told;
+    QTimer::singleShot(0, [&told] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) return;
+        told = box->text();
+        box->close();
+    });
+    press(page, Qt::Key_P, Qt::ControlModifier);
+    EXPECT_TRUE(told.contains(QString::fromStdString(printFile))) << told.toStdString();
     printFile.clear();
 }
 

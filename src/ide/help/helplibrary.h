@@ -11,6 +11,7 @@ namespace tarn::help {
 // Where a page is printed: to a printer by its name, or into a PDF file.
 struct PrintTarget {
     std::string printer, file;
+    int from = 0, to = 0;  // pages; 0: from the first, to the last
     int copies = 1;
 };
 

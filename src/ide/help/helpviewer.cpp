@@ -5,12 +5,14 @@
 #include "ide/shell/idecore.h"
 #include "kernel/run/runtime.h"
 #include "kernel/windows/boxhelp.h"
+#include "library/dialogs/commdlgs_print.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/process.h"
 #include "os/text/ascii.h"
 
 #include <dlfcn.h>
+#include <utility>
 
 MODULE("helpviewer")
 
@@ -21,6 +23,9 @@ constexpr std::string_view Section = "HelpWindow", PlaceKey = "_Position";
 
 // What the numbers of run-time errors and of messages stand behind in texts.
 constexpr std::string_view NumberMarks[] = {"error ", "Error ", "fatal "};
+
+// The topics of titles that are also names of functions.
+constexpr std::pair<std::string_view, std::string_view> TitleTopics[] = {{"Print", "File_Print"}};
 
 std::string whyNotLoaded;
 
@@ -52,12 +57,15 @@ bool choosePrinter(const char* title, help::PrintTarget& target) {
     if (choice.printer.empty()) return false;
     const std::vector<Object> printers = PrinterList();
     target.copies = choice.copies;
+    target.from = choice.from;
+    target.to = choice.to;
     if (choice.printer != printers.back()) {
         target.printer = GetName(choice.printer);
         return true;
     }
-    target.file = SaveAsDialog("Print to File", std::string(title) + ".pdf", "PDF (*.pdf)|*.pdf|");
-    return !target.file.empty();
+    const std::string file = PRINTFILEDIALOG(STRREPLACE(title, "/", "-") + ".pdf");
+    if (!file.empty()) target.file = file + ".pdf";
+    return !file.empty();
 }
 
 // The same pages for a browser, which a help folder has beside the compiled help.
@@ -126,7 +134,10 @@ void USEBOXHELP() {
 std::string BOXTOPIC(std::string_view title, std::string_view text) {
     std::string number = numberIn(text);
     if (number.empty()) number = numberIn(title);
-    return number.empty() ? HELPTOPIC(title) : number;
+    if (!number.empty()) return number;
+    for (const auto& [known, topic] : TitleTopics)
+        if (title == known) return std::string(topic);
+    return HELPTOPIC(title);
 }
 
 }  // namespace tarn

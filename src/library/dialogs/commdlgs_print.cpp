@@ -15,6 +15,7 @@ namespace {
 constexpr std::string_view Title = "Print";
 constexpr std::string_view PlainFont = "Courier New";
 constexpr int PlainSize = 10;  // points
+constexpr std::string_view Extension = ".pdf";
 
 void tell(const std::string& text) {
     MsgBox(std::string(Title), text, "OK", BoxIcon::Error);
@@ -33,21 +34,10 @@ bool isToFile(const Object& printer) {
     return !all.empty() && printer == all.back();
 }
 
-// The file that the pages go to, without its extension, which the printer adds; empty if the user wants none.
+// The file that the pages of a text go to. A text that has no file yet stands under a name in angle brackets.
 std::string askForFile(const std::string& document) {
-    constexpr std::string_view Extension = ".pdf";
-    // A text that has no file yet stands under a name in angle brackets.
     const std::string name = STRREPLACE(STRREPLACE(FILEBASENAME(document), "<", ""), ">", "");
-    const std::string proposed = name + std::string(Extension);
-    const std::string chosen =
-        SaveAsDialog("Print to File", FILEGETDIR(document) + proposed, "PDF document (*.pdf)|*.pdf|");
-    if (chosen.empty() || STREQUAL(FILEGETEXT(chosen), Extension)) return FILECHANGEEXT(chosen, "");
-    const std::string file = chosen + std::string(Extension);
-    if (FileSize(file) < 0) return chosen;
-    const std::string answer =
-        MsgBox(std::string(Title), "The file '" + file + "' exists. Do you want to replace it?", "&Yes\n&No",
-               BoxIcon::Question);
-    return answer == "&Yes" ? chosen : "";
+    return PRINTFILEDIALOG(FILEGETDIR(document) + name + std::string(Extension));
 }
 
 void takeFont(const Object& printer, const Object& window) {
@@ -125,6 +115,21 @@ bool PRINT(const Object& window, const std::string& printer) {
     if (outcome == Outcome::Failed) tell(advice(chosen, file));
     STAMP();
     return outcome == Outcome::Printed;
+}
+
+std::string PRINTFILEDIALOG(const std::string& proposed) {
+    FRAME(PRINTFILEDIALOG);
+    STAMP();
+    const std::string chosen = SaveAsDialog("Print to File", proposed, "PDF document (*.pdf)|*.pdf|");
+    STAMP();
+    if (chosen.empty() || STREQUAL(FILEGETEXT(chosen), Extension)) return FILECHANGEEXT(chosen, "");
+    const std::string file = chosen + std::string(Extension);
+    if (FileSize(file) < 0) return chosen;
+    STAMP();
+    const std::string answer =
+        MsgBox(std::string(Title), "The file '" + file + "' exists. Do you want to replace it?", "&Yes\n&No",
+               BoxIcon::Question);
+    return answer == "&Yes" ? chosen : "";
 }
 
 std::string PRINTERSETUPDIALOG() {

@@ -18,6 +18,10 @@ namespace tarn {
 // far it is, and can be stopped; then nothing comes of it. True if it has been printed.
 bool PRINT(const Object& window, const std::string& printer = {});
 
+// Asks for the PDF file that pages go to, and before one without the extension is replaced. The file without its
+// extension, which the printer adds; empty if the user wants none.
+std::string PRINTFILEDIALOG(const std::string& proposed);
+
 // The name of the printer that the user chose out of a list; empty if none.
 std::string PRINTERSETUPDIALOG();
 

@@ -13,7 +13,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
+#include <QPageRanges>
+#include <QPdfWriter>
 #include <QPrinter>
+#include <QSaveFile>
 #include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
@@ -32,6 +36,7 @@ namespace {
 enum Tab { ContentsTab, IndexTab, SearchTab };
 constexpr int MoveWait = 500;  // milliseconds without a move until the place is kept
 constexpr char FirstTopic[] = "help_file_contents", IndexTopic[] = "help_index";
+constexpr int MostPages = 1000000;
 constexpr std::size_t MostShown = 20;  // of the pages that a page which is not there names
 
 QLineEdit* makeLine(const QString& name, QWidget* parent) {
@@ -40,6 +45,27 @@ QLineEdit* makeLine(const QString& name, QWidget* parent) {
     line->setAccessibleName(name);
     line->setClearButtonEnabled(true);
     return line;
+}
+
+QPageRanges rangesOf(const PrintTarget& target) {
+    QPageRanges ranges;
+    if (target.from > 0 || target.to > 0)
+        ranges.addRange(std::max(target.from, 1),
+                        target.to > 0 ? std::max(target.to, target.from) : MostPages);
+    return ranges;
+}
+
+// Written whole or not at all; false if it could not be.
+bool printToFile(const Page& page, const QString& file, const PrintTarget& target) {
+    QSaveFile out(file);
+    if (!out.open(QIODevice::WriteOnly)) return false;
+    {
+        QPdfWriter writer(&out);  // ends the document when it goes
+        writer.setTitle(page.documentTitle());
+        writer.setPageRanges(rangesOf(target));
+        page.printable()->print(&writer);
+    }
+    return out.commit();
 }
 
 QVBoxLayout* columnOf(QWidget* parent) {
@@ -297,6 +323,7 @@ void HelpWindow::showNotFound(const QString& topic) {
 
 void HelpWindow::pageChanged(const QUrl& url) {
     shown_ = url;
+    page_->setExtraSelections({});
     const QString title = page_->documentTitle();
     setWindowTitle(title.isEmpty() ? tr("Help") : title + QStringLiteral(" - ") + tr("Help"));
     if (findBar_->isVisible()) findState_->clear();
@@ -324,7 +351,9 @@ void HelpWindow::search(const QString& words) {
 }
 
 void HelpWindow::showHit(int row) {
-    if (row >= 0 && row < int(hits_.size())) page_->show(hits_[std::size_t(row)].page);
+    if (row < 0 || row >= int(hits_.size())) return;
+    page_->show(hits_[std::size_t(row)].page);
+    page_->mark(searchLine_->text().split(u' ', Qt::SkipEmptyParts));
 }
 
 void HelpWindow::focusSide(int tab) {
@@ -370,16 +399,27 @@ void HelpWindow::findText(bool backward) {
 void HelpWindow::print() {
     PrintTarget target;
     if (!choosePrinter_(page_->documentTitle(), target)) return;
+    if (!target.file.empty()) {
+        const QString file = QFile::decodeName(QByteArray::fromStdString(target.file));
+        if (!printToFile(*page_, file, target))
+            tellNotPrinted(tr("The file '%1' could not be written.").arg(file));
+        return;
+    }
     QPrinter printer(QPrinter::HighResolution);
+    const QString name = QString::fromStdString(target.printer);
+    printer.setPrinterName(name);
     printer.setDocName(page_->documentTitle());
     printer.setCopyCount(target.copies);
-    if (target.file.empty()) {
-        printer.setPrinterName(QString::fromStdString(target.printer));
-    } else {
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(QFile::decodeName(QByteArray::fromStdString(target.file)));
-    }
+    printer.setPageRanges(rangesOf(target));
     page_->printable()->print(&printer);
+    if (!printer.isValid() || printer.printerState() == QPrinter::Error)
+        tellNotPrinted(tr("The printer '%1' could not print.").arg(name));
+}
+
+void HelpWindow::tellNotPrinted(const QString& where) {
+    QMessageBox::warning(this, tr("Print"),
+                         where + u'\n' +
+                             tr("Choose another place, or make room on the disk, and try again."));
 }
 
 // A window that is no dialog's own takes no input while the dialog waits; so it belongs to the dialog that waits when

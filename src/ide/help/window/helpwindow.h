@@ -59,6 +59,7 @@ private:
     void fillSide();
     void search(const QString& words);
     void showHit(int row);
+    void tellNotPrinted(const QString& where);
     void showNotFound(const QString& topic);
     void focusSide(int tab);
     void openFind();

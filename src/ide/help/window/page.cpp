@@ -12,6 +12,7 @@ namespace tarn::help {
 namespace {
 
 constexpr int MostSteps = 12;
+constexpr qsizetype MostMarks = 500;
 
 QColor mixed(const QColor& a, const QColor& b, int percentOfB) {
     const auto mix = [percentOfB](int x, int y) { return (x * (100 - percentOfB) + y * percentOfB) / 100; };
@@ -47,7 +48,7 @@ Page::Page(QWidget* parent) : QTextBrowser(parent) {
 
 QVariant Page::loadResource(int type, const QUrl& name) {
     if (type == QTextDocument::StyleSheetResource || collection_ == nullptr) return {};
-    if (name.scheme() == QLatin1String("own")) return own_;
+    if (name.scheme() == QLatin1String("own")) return own_.value(name);
     return QString::fromUtf8(collection_->text(name));
 }
 
@@ -56,8 +57,33 @@ void Page::show(const QUrl& url) {
 }
 
 void Page::showText(const QString& html) {
-    own_ = html;
-    setSource(QUrl(QStringLiteral("own:%1").arg(qHash(html))));
+    const QUrl url(QStringLiteral("own:%1").arg(qHash(html)));
+    own_[url] = html;
+    setSource(url);
+}
+
+void Page::mark(const QStringList& words) {
+    QList<QTextEdit::ExtraSelection> marks;
+    const QString text = document()->toPlainText();
+    QTextCharFormat format;
+    format.setBackground(mixed(palette().color(QPalette::Base), palette().color(QPalette::Highlight), 35));
+    int first = -1;
+    for (const QString& word : words) {
+        for (qsizetype at = 0; (at = text.indexOf(word, at, Qt::CaseInsensitive)) >= 0; at += word.size()) {
+            if (at > 0 && text[at - 1].isLetterOrNumber()) continue;
+            QTextCursor place(document());
+            place.setPosition(int(at));
+            place.setPosition(int(at + word.size()), QTextCursor::KeepAnchor);
+            if (marks.size() < MostMarks) marks.append({place, format});
+            if (first < 0 || at < first) first = int(at);
+        }
+    }
+    setExtraSelections(marks);
+    if (first < 0) return;
+    QTextCursor start(document());
+    start.setPosition(first);
+    setTextCursor(start);
+    ensureCursorVisible();
 }
 
 void Page::zoom(int steps) {
@@ -71,7 +97,7 @@ std::unique_ptr<QTextDocument> Page::printable() const {
     auto copy = std::make_unique<QTextDocument>();
     copy->setDefaultStyleSheet(styleFor(Qt::white, Qt::black, QColor(0, 0, 160)));
     copy->setHtml(source().scheme() == QLatin1String("own") || collection_ == nullptr
-                      ? own_
+                      ? own_.value(source())
                       : QString::fromUtf8(collection_->text(source())));
     return copy;
 }

@@ -6,7 +6,9 @@
 
 #include "ide/help/window/collection.h"
 
+#include <QHash>
 #include <QTextBrowser>
+#include <QUrl>
 
 namespace tarn::help {
 
@@ -16,7 +18,9 @@ public:
     void setCollection(const Collection* collection) { collection_ = collection; }
     void show(const QUrl& url);          // remembered, so that Back leads away from it
     void showText(const QString& html);  // a page of its own, such as "nothing was found"
-    void zoom(int steps);                // from the size of the desktop's font
+    // Marks where words begin so in the text, and shows the first place.
+    void mark(const QStringList& words);
+    void zoom(int steps);  // from the size of the desktop's font
     int zoomSteps() const { return steps_; }
     // The text as it is printed: black on white, whatever the palette is.
     std::unique_ptr<QTextDocument> printable() const;
@@ -30,7 +34,7 @@ private:
     void restyle();
 
     const Collection* collection_ = nullptr;
-    QString own_;  // the text of a page that is none of the collection
+    QHash<QUrl, QString> own_;  // the texts of pages that are none of the collection
     int steps_ = 0;
     bool styling_ = false;
 };

@@ -21,6 +21,7 @@ TEST(BoxHelp, IsThePageOfTheNumberOrTheTopicOfTheTitle) {
         {"View Errors", "an error 12 is no number of a page", "View Errors"},
         {"Save File", "no error here, but 651 pages", "Save File"},
         {"Print", "error 12, then error 922", "922"},
+        {"Print", "Nothing to print", "File_Print"},  // PRINT is a function of the library
         {"", "", ""},
     };
     for (const Case& c : cases) EXPECT_EQ(BOXTOPIC(c.title, c.text), c.topic) << c.title << " " << c.text;
