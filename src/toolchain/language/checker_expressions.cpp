@@ -349,8 +349,11 @@ bool Checker::stepFits(Expression& item, std::size_t step) {
 
 // `x in set`: a literal on the right is never made as a set.
 void Checker::membership(Expression& item) {
-    if (item.operands[0]->kind == ExpressionKind::Set) check(item.operands[0]);
-    if (item.operands[1]->kind == ExpressionKind::Set) check(item.operands[1]);
+    for (ExpressionPtr& operand : item.operands)
+        if (operand->kind == ExpressionKind::Set) check(operand);
+    if (item.operands[0]->kind == ExpressionKind::Aggregate) return check(item.operands[0]);
+    if (item.operands[1]->kind == ExpressionKind::Aggregate)
+        return add(item.operands[1]->line, Problem::Foreign, {"{", "'[' and ']' around the members of a set"});
     const bool ordinal = item.operands[0]->type->kind == Kind::Enum;
     const bool good = (ordinal || requireKind(item.operands[0], Kind::Integer)) &&
                       isKnown(item.operands[1]) && item.operands[1]->type->kind == Kind::Set;
