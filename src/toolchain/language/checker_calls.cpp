@@ -5,6 +5,7 @@
 #include "os/text/ascii.h"
 #include "toolchain/language/checker_internal.h"
 #include "toolchain/language/constants.h"
+#include "toolchain/language/hints.h"
 #include "toolchain/language/library.h"
 
 #include <algorithm>
@@ -90,7 +91,22 @@ std::string formTexts(const std::string& name, const Declaration& first, std::si
 
 }  // namespace
 
+// `rows.add(x)`: told with the function that does it here.
+bool Checker::isMethod(Expression& item) {
+    if (item.qualifier.empty() || isClassName(item.qualifier)) return false;
+    const Declaration* object = lookUp({}, item.qualifier, item.line, true);
+    const bool variable = object != nullptr && object->kind != DeclarationKind::Function &&
+                          object->kind != DeclarationKind::Type && object->kind != DeclarationKind::Window;
+    const std::string here =
+        variable ? methodHint(item.name, item.qualifier, object->type->kind) : std::string();
+    if (here.empty()) return false;
+    for (ExpressionPtr& operand : item.operands) check(operand, plainType(Kind::Unknown));
+    add(item.line, Problem::Foreign, {"." + item.name, here});
+    return true;
+}
+
 void Checker::call(ExpressionPtr& item) {
+    if (isMethod(*item)) return;
     const Declaration* target = lookUp(item->qualifier, item->name, item->line, true);
     if (target == nullptr) {
         for (ExpressionPtr& operand : item->operands) check(operand, plainType(Kind::Unknown));

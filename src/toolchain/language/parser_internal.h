@@ -182,6 +182,7 @@ private:
     ExpressionPtr literal(Kind kind);
     ExpressionPtr number(bool minus);
     ExpressionPtr primary();
+    [[nodiscard]] std::string_view valueInstead() const;
     ExpressionPtr parentheses();
     ExpressionPtr setLiteral();
     ExpressionPtr aggregate();
