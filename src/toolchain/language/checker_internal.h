@@ -140,6 +140,7 @@ private:
     void noForm(Expression& item, const Declaration& first);
     void indexArgument(Expression& item, std::size_t index, const Declaration& form);
     void guardWalked(const Expression& item, const Declaration& form);
+    void guardKind(const Expression& item, const Declaration& form);
     static void foldLibraryCall(Expression& item);
 
     ClassTree& tree_;

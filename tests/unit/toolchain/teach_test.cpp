@@ -227,6 +227,7 @@ const Habit Habits[] = {
     {"reserved function", inClass("function run()\nend function"), "2 1108", "'run' is reserved and cannot be a name"},
     {"reserved local", inClass("function f()\nvar\n with : string\nend function"), "4 1108", "'with' is reserved and cannot be a name"},
     {"reserved argument", inClass("function f(code : string)\nend function"), "2 1108", "'code' is reserved and cannot be a name"},
+    {"no value for a constant", inClass("function f()\nend function\nconst X : integer = f()\nconst Y : integer = \"a\"\nconst Z = Y + 1"), "4 1306, 5 1301", "this is a string: write CVTI(...)"},
     {"? in a condition", inMain("while i ? 1 loop j := 1 end loop\nj := 2"), "6 1006", "write IIF(condition, a, b)"},
     {"? :", inMain("i := b ? 1 : 2\nj := 2"), "6 1006", "write IIF(condition, a, b)"},
     {"? : in a call", inMain("PRINT(STR(b ? 1 : 2))\nj := 2"), "6 1006", "write IIF(condition, a, b)"},
