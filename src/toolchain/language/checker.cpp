@@ -117,10 +117,10 @@ void Checker::evaluate(Declaration& item, int depth) {
 }
 
 void Checker::finishConstant(Declaration& item) {
-    if (item.typeNode)
-        fits(item.initial, item.type);
-    else
+    if (!item.typeNode)
         item.type = item.initial->type;
+    else if (!fits(item.initial, item.type))
+        item.type = plainType(Kind::Unknown);  // told
     if (item.type->kind == Kind::Unknown) return;
     if (item.type->kind == Kind::None || item.type->kind == Kind::Aggregate || item.type->isExternal)
         return add(item.line, Problem::NotStored, {typePhrase(item.type)});

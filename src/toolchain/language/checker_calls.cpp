@@ -5,6 +5,7 @@
 #include "os/text/ascii.h"
 #include "toolchain/language/checker_internal.h"
 #include "toolchain/language/constants.h"
+#include "toolchain/language/hints.h"
 #include "toolchain/language/library.h"
 
 #include <algorithm>
@@ -90,7 +91,22 @@ std::string formTexts(const std::string& name, const Declaration& first, std::si
 
 }  // namespace
 
+// `rows.add(x)`: told with the function that does it here.
+bool Checker::isMethod(Expression& item) {
+    if (item.qualifier.empty() || isClassName(item.qualifier)) return false;
+    const Declaration* object = lookUp({}, item.qualifier, item.line, true);
+    const bool variable = object != nullptr && object->kind != DeclarationKind::Function &&
+                          object->kind != DeclarationKind::Type && object->kind != DeclarationKind::Window;
+    const std::string here =
+        variable ? methodHint(item.name, item.qualifier, object->type->kind) : std::string();
+    if (here.empty()) return false;
+    for (ExpressionPtr& operand : item.operands) check(operand, plainType(Kind::Unknown));
+    add(item.line, Problem::Foreign, {"." + item.name, here});
+    return true;
+}
+
 void Checker::call(ExpressionPtr& item) {
+    if (isMethod(*item)) return;
     const Declaration* target = lookUp(item->qualifier, item->name, item->line, true);
     if (target == nullptr) {
         for (ExpressionPtr& operand : item->operands) check(operand, plainType(Kind::Unknown));
@@ -110,6 +126,7 @@ void Checker::call(ExpressionPtr& item) {
     item->type = head.result;
     for (std::size_t i = 0; i < item->operands.size(); ++i) argument(*item, i, *form);
     guardWalked(*item, *form);
+    guardKind(*item, *form);
     foldLibraryCall(*item);
 }
 
@@ -205,6 +222,22 @@ static bool isKept(const Expression& value) {
     const Declaration* root = rootOf(value);
     return root != nullptr && (root->kind == DeclarationKind::Constant ||
                                (root->kind == DeclarationKind::Parameter && root->mode == Mode::In));
+}
+
+// What takes any list by its head, and could only fail with this one.
+void Checker::guardKind(const Expression& item, const Declaration& form) {
+    static constexpr auto OfStrings = std::to_array<std::string_view>({"listinsert", "listsort", "listfind"});
+    if (form.owner == nullptr || !isSystem(*form.owner) || item.operands.empty()) return;
+    const std::string name = ascii::lowered(form.name);
+    const Type& type = *item.operands[0]->type;
+    const bool ofStrings = std::find(OfStrings.begin(), OfStrings.end(), name) != OfStrings.end();
+    if (ofStrings && type.kind == Kind::List && type.element->kind != Kind::String &&
+        type.element->kind != Kind::Unknown)
+        add(item.operands[0]->line, Problem::TypeMismatch, {"a list of strings", typePhrase(&type)});
+    if ((name == "open" || name == "close") && !type.isExternal &&
+        (type.kind == Kind::List || type.kind == Kind::Table))
+        add(item.operands[0]->line, Problem::TypeMismatch,
+            {std::string("an external ") + kindName(type.kind), typePhrase(&type)});
 }
 
 void Checker::argument(Expression& item, std::size_t index, const Declaration& form) {

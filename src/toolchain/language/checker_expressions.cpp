@@ -5,6 +5,7 @@
 #include "os/text/ascii.h"
 #include "toolchain/language/checker_internal.h"
 #include "toolchain/language/constants.h"
+#include "toolchain/language/hints.h"
 #include "toolchain/language/library.h"
 #include "toolchain/language/windows.h"
 
@@ -102,7 +103,8 @@ bool Checker::fits(ExpressionPtr& item, const Type* type) {
     else if (item->type->kind == Kind::Aggregate)
         add(item->line, Problem::AggregateType, {});
     else
-        add(item->line, Problem::TypeMismatch, {typePhrase(type), typePhrase(item->type)});
+        add(item->line, Problem::TypeMismatch,
+            {typePhrase(type), typePhrase(item->type) + conversionHint(item->type, type)});
     return false;
 }
 
@@ -214,10 +216,19 @@ void Checker::field(ExpressionPtr& item) {
     if (item->operands[0]->isWindow && item->operands[0]->target->control.empty()) return control(*item);
     const Type* type = item->operands[0]->type;
     if (type->kind == Kind::Unknown) return;
-    if (!isRecord(type->kind)) return add(item->line, Problem::TypeMismatch, {"a record", typePhrase(type)});
+    if (!isRecord(type->kind)) return noRecord(*item);
     item->number = fieldNumber(*type, item->name);
     if (item->number == 0) return add(item->line, Problem::NoSuchField, {typePhrase(type), item->name});
     item->type = type->fields[static_cast<std::size_t>(item->number) - 1].type;
+}
+
+// `text.length`: told with the function that gives it here.
+void Checker::noRecord(const Expression& item) {
+    const Expression& base = *item.operands[0];
+    const std::string here =
+        methodHint(item.name, base.kind == ExpressionKind::Name ? base.name : "...", base.type->kind);
+    if (here.empty()) return add(item.line, Problem::TypeMismatch, {"a record", typePhrase(base.type)});
+    add(item.line, Problem::Foreign, {"." + item.name, here});
 }
 
 // `Dialog.name`: a control of a window.
@@ -332,7 +343,8 @@ bool Checker::stepFits(Expression& item, std::size_t step) {
     const Kind kind = common != Kind::None ? common : left;
     if (!same || !operatorFits(op, kind)) {
         add(right->line, Problem::OperandType,
-            {operatorText(op), typePhrase(item.operands[0]->type), typePhrase(right->type)});
+            {operatorText(op), typePhrase(item.operands[0]->type),
+             typePhrase(right->type) + operandHint(op, *item.operands[step], *right)});
         return false;
     }
     if (common == Kind::None) return true;
@@ -349,8 +361,12 @@ bool Checker::stepFits(Expression& item, std::size_t step) {
 
 // `x in set`: a literal on the right is never made as a set.
 void Checker::membership(Expression& item) {
-    if (item.operands[0]->kind == ExpressionKind::Set) check(item.operands[0]);
-    if (item.operands[1]->kind == ExpressionKind::Set) check(item.operands[1]);
+    for (ExpressionPtr& operand : item.operands)
+        if (operand->kind == ExpressionKind::Set) check(operand);
+    if (item.operands[0]->kind == ExpressionKind::Aggregate) return check(item.operands[0]);
+    if (item.operands[1]->kind == ExpressionKind::Aggregate)
+        return add(item.operands[1]->line, Problem::Foreign,
+                   {"{", "'[' and ']' around the members of a set"});
     const bool ordinal = item.operands[0]->type->kind == Kind::Enum;
     const bool good = (ordinal || requireKind(item.operands[0], Kind::Integer)) &&
                       isKnown(item.operands[1]) && item.operands[1]->type->kind == Kind::Set;

@@ -110,6 +110,7 @@ private:
     void name(Expression& item);
     void constantName(Expression& item, Declaration& target);
     void field(ExpressionPtr& item);
+    void noRecord(const Expression& item);
     void control(Expression& item);
     void index(Expression& item);
     void element(Expression& item);
@@ -129,6 +130,7 @@ private:
     // ---- calls ----
 
     void call(ExpressionPtr& item);
+    bool isMethod(Expression& item);
     void typeCall(Expression& item, const Declaration& target);
     void checkArguments(Expression& item, const Declaration& first);
     const Declaration* formFor(const Expression& item, const Declaration& first);
@@ -138,6 +140,7 @@ private:
     void noForm(Expression& item, const Declaration& first);
     void indexArgument(Expression& item, std::size_t index, const Declaration& form);
     void guardWalked(const Expression& item, const Declaration& form);
+    void guardKind(const Expression& item, const Declaration& form);
     static void foldLibraryCall(Expression& item);
 
     ClassTree& tree_;

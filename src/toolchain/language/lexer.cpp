@@ -32,6 +32,7 @@ constexpr auto ForeignSymbols = std::to_array<Foreign>({
     {"==", "'='", "=", Word::None},
     {"=<", "'<='", "<=", Word::None},
     {"><", "'<>'", "<>", Word::None},
+    {"~=", "'<>'", "<>", Word::None},
     {"&&", "'and'", "and", Word::And},
     {"||", "'or'", "or", Word::Or},
     {"**", "PWR(base, exponent)", "*", Word::None},
@@ -194,6 +195,7 @@ private:
         if (ascii::isLetter(c)) return name();
         if (ascii::isDigit(c)) return number();
         if (c == '"') return string();
+        if (joinsTexts()) return foreignRest("||", "'+' to join texts");
         for (const Foreign& foreign : ForeignSymbols)
             if (source_.substr(position_, foreign.text.size()) == foreign.text) return foreignSymbol(foreign);
         if (c == '\'')
@@ -235,6 +237,14 @@ private:
         result.word = foreign.word;
         result.text = foreign.readAs;
         return result;
+    }
+
+    // `||` with a text on one side.
+    bool joinsTexts() const {
+        if (source_.substr(position_, 2) != "||") return false;
+        const std::size_t left = source_.find_last_not_of(" \t", position_ - 1);
+        const std::size_t right = source_.find_first_not_of(" \t", position_ + 2);
+        return (position_ > 0 && left != std::string_view::npos && at(left) == '"') || at(right) == '"';
     }
 
     // Told, and nothing more is said of its line.
@@ -389,7 +399,10 @@ private:
 
     Token bad() {
         if (atForeignLetter()) return foreignWord(position_);
-        badCharacter(source_[position_]);
+        if (source_[position_] == '?')
+            messages_.add(file_, line_, Problem::Foreign, {"?", "IIF(condition, a, b)"});
+        else
+            badCharacter(source_[position_]);
         const std::size_t begin = position_++;
         return token(TokenKind::Bad, begin);
     }

@@ -184,8 +184,24 @@ ExpressionPtr Parser::primary() {
     if (isSymbol("(")) return parentheses();
     if (isSymbol("[")) return setLiteral();
     if (isSymbol("{")) return aggregate();
-    reportExpected("a value");
+    if (const std::string_view here_ = valueInstead(); !here_.empty())
+        report(Problem::Foreign, {here().text, here_});
+    else
+        reportExpected("a value");
     return literal(Kind::Unknown);
+}
+
+// What is written in place of a conversion by the name of a type, or of a choice inside of a value.
+std::string_view Parser::valueInstead() const {
+    if (isWord(Word::If)) return here().firstOnLine ? "" : "IIF(condition, a, b)";
+    static constexpr std::pair<Word, std::string_view> Conversions[] = {{Word::Boolean, "CVTB(...)"},
+                                                                        {Word::Integer, "CVTI(...)"},
+                                                                        {Word::Fixed, "CVTF(...)"},
+                                                                        {Word::Real, "CVTR(...)"},
+                                                                        {Word::String, "STR(...)"}};
+    for (const auto& [word, conversion] : Conversions)
+        if (isWord(word)) return here().firstOnLine ? "" : conversion;
+    return {};
 }
 
 ExpressionPtr Parser::parentheses() {
@@ -228,6 +244,8 @@ void Parser::list(Expression& item, std::string_view close) {
         do item.operands.push_back(expression());
         while (!panic_ && accept(","));
     }
+    if (!panic_ && item.kind == ExpressionKind::Index && (isSymbol(":") || isSymbol("..")))
+        report(Problem::Foreign, {here().text, "STRMID(text, place, count) for a part of a text"});
     if (!panic_) expect(close);
     leave();
 }

@@ -115,6 +115,14 @@ constexpr auto ForeignNames = std::to_array<ForeignNameEntry>({
     {"printf", "PRINT(...)"},
     {"writeln", "PRINT(...)"},
     {"write", "PRINT(...)"},
+    {"substr", "STRMID(text, place, count)"},
+    {"substring", "STRMID(text, place, count)"},
+    {"tostring", "STR(...)"},
+    {"toupper", "STRUPPER(...)"},
+    {"tolower", "STRLOWER(...)"},
+    {"trim", "STRTRIM(...)"},
+    {"atoi", "CVTI(...)"},
+    {"parseint", "CVTI(...)"},
 });
 
 struct ForeignTypeEntry {

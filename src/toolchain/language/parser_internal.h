@@ -155,6 +155,7 @@ private:
     void closeBlock(Word word, int line);
     StatementPtr statement();
     StatementPtr itemStatement(int line);
+    void takeValueOfNextLine(int line);
     StatementPtr ifStatement(int line);
     void elseBranch(Statement& statement, bool& brace);
     StatementPtr whileStatement(int line);
@@ -182,6 +183,7 @@ private:
     ExpressionPtr literal(Kind kind);
     ExpressionPtr number(bool minus);
     ExpressionPtr primary();
+    [[nodiscard]] std::string_view valueInstead() const;
     ExpressionPtr parentheses();
     ExpressionPtr setLiteral();
     ExpressionPtr aggregate();

@@ -139,7 +139,20 @@ StatementPtr Parser::itemStatement(int line) {
     }
     if (!expect(":=")) return nullptr;
     result->value = expression();
+    takeValueOfNextLine(line);
     return result;
+}
+
+// A value that is missing at the end of a line takes the name that the next assignment begins with.
+void Parser::takeValueOfNextLine(int line) {
+    if (panic_ || !isSymbol(":=")) return;
+    std::size_t first = position_;
+    while (first > 1 && !tokens_[first].firstOnLine) --first;
+    if (tokens_[first].line <= line) return;
+    reportAt(tokens_[first - 1].line, Problem::Expected,
+             {"a value", "'" + std::string(tokens_[first].text) + "'"});
+    advance();
+    expression();
 }
 
 StatementPtr Parser::ifStatement(int line) {

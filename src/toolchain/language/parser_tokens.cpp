@@ -127,6 +127,10 @@ bool Parser::newName(std::string& text) {
     if (isName() && ISFUTURERESERVEDWORD(here().text)) {
         tell(Problem::NameReserved, {here().text, "kept for later"});
     }
+    if (isWord(Word::Later)) {
+        report(Problem::NameReserved, {here().text, "reserved"});
+        return false;
+    }
     return name(text, "a name");
 }
 

@@ -83,7 +83,7 @@ TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {
          "3 1101"},
         {"an open string", inMain("s := \"abc\ni := 1"), "6 1002"},
         {"two quotes", inMain("s := \"a\"\"b\""), ""},
-        {"a bad character", inMain("i := 1 ? 2"), "6 1001"},
+        {"a bad character", inMain("i := 1 @ 2"), "6 1001"},
         {"a number too large", inMain("i := 99999999999"), "6 1003"},
         {"the smallest number", inMain("i := -2147483648"), ""},
         {"one more than the largest", inMain("i := 2147483648"), "6 1003"},
