@@ -236,7 +236,7 @@ void DO_INSERT_FILE() {
     }
     STAMP();
     std::string text;
-    if (LOADFILE(file, text)) SetSelText(SDIEdit, text);
+    if (LOADFILE(file, text)) SetSelText(SDIEdit, ADOPTLINEENDS(text, GetText(SDIEdit)));
     STAMP();
 }
 

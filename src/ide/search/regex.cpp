@@ -4,6 +4,7 @@
 // again without one. So it calls out in front of each item of the pattern, and the call looks at the clock now and then.
 #include "ide/search/regex.h"
 
+#include "ide/editor/lineends.h"
 #include "os/clock.h"
 #include "os/text/ascii.h"
 
@@ -101,6 +102,7 @@ struct RegexSearch::Engine {
     std::size_t knownSize = 0;
     bool byCharacters = true;
     std::vector<std::string> groups;  // of the last hit
+    std::string lineEnd;              // that of this text; empty: not looked for
 
     Code compile(bool utf, std::string& problem) const {
         int error = 0;
@@ -118,6 +120,7 @@ struct RegexSearch::Engine {
         if (text.data() != known || text.size() != knownSize) {
             known = text.data();
             knownSize = text.size();
+            lineEnd.clear();
             byCharacters = characters != nullptr && needsCharacters(text);
         }
         return byCharacters ? characters.get() : bytes.get();
@@ -177,6 +180,11 @@ void RegexSearch::anew() {
     engine_->known = nullptr;
 }
 
+std::string RegexSearch::lineEndOf(std::string_view text) const {
+    if (engine_->lineEnd.empty()) engine_->lineEnd = ADOPTLINEENDS("\n", text);
+    return engine_->lineEnd;
+}
+
 TextHit RegexSearch::next(std::string_view text, int start, std::optional<char> before) {
     if (!problem_.empty()) return {};
     const std::int64_t began = os::clock().steady();
@@ -201,7 +209,7 @@ TextHit RegexSearch::next(std::string_view text, int start, std::optional<char> 
     return found;
 }
 
-std::string RegexSearch::replacement(std::string_view, const std::string& with) const {
+std::string RegexSearch::replacement(std::string_view text, const std::string& with) const {
     std::string out;
     const auto group = [&](std::size_t n) {
         return n < engine_->groups.size() ? engine_->groups[n] : std::string();
@@ -221,7 +229,7 @@ std::string RegexSearch::replacement(std::string_view, const std::string& with) 
             out += c;
             ++i;
         } else if (c == '\\' && (next == 'n' || next == 't')) {
-            out += next == 'n' ? '\n' : '\t';
+            out += next == 'n' ? lineEndOf(text) : "\t";
             ++i;
         } else {
             out += c;

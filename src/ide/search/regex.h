@@ -5,7 +5,8 @@
 // characters, any other by bytes. A hit has at least one byte.
 //
 // What comes in the place of a hit may hold "$0" for the hit, "$1" to "$9" and "${10}" for what its groups matched, "$$"
-// for "$", "\n", "\t" and "\\"; a group that does not exist, or has matched nothing, is empty.
+// for "$", "\n" for a line end of the text's own kind, "\t" and "\\"; a group that does not exist, or has matched
+// nothing, is empty.
 //
 // Cost: a pattern may need any time, so a search has a limit of it for all its calls on one text together. When that is over it
 // finds nothing more, and `problem` says so.
@@ -37,6 +38,8 @@ public:
     void anew() override;  // its time begins anew too
 
 private:
+    [[nodiscard]] std::string lineEndOf(std::string_view text) const;
+
     struct Engine;  // the compiled pattern and what it matched last
     std::unique_ptr<Engine> engine_;
     bool matchWord_;

@@ -95,6 +95,8 @@ TEST(Regex, PutsGroupsIn) {
                           {"x", "axb", "[$0]", "a[x]b"},
                           {"x", "axb", "$$1$", "a$1$b"},
                           {"x", "axb", "\\n\\t\\\\\\x", "a\n\t\\\\xb"},
+                          {"x", "axb\r\n", "\\n", "a\r\nb\r\n"},  // the line ends of the text
+                          {"x", "axb\nc\r\n", "\\n", "a\nb\nc\r\n"},
                           {"(a)|(b)", "ab", "<$1$2>", "<a><b>"},
                           {"(a)", "a", "$2${1}${10}${}${x}", "a${}${x}"},
                           {"^", "abc", "x", "abc"},
