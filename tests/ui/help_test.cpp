@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QHelpEngineCore>
@@ -157,6 +158,17 @@ TEST_F(HelpWindowTest, MarksTheWordsThatWereSearchedForAndShowsTheFirst) {
     EXPECT_TRUE(page->viewport()->rect().contains(page->cursorRect(marks.first().cursor)));
     EXPECT_EQ(show(File, "STRFIND"), nullptr);
     EXPECT_TRUE(page->extraSelections().isEmpty()) << "another page has no marks";
+}
+
+TEST_F(HelpWindowTest, SearchesForAWordOnceHoweverOftenItIsPasted) {
+    search->setText(QStringLiteral("a"));
+    const int pages = hits->count();
+    ASSERT_GT(pages, 10);
+    QElapsedTimer time;
+    time.start();
+    search->setText(QStringLiteral("a ").repeated(16000));
+    EXPECT_EQ(hits->count(), pages);
+    EXPECT_LT(time.elapsed(), 2000);
 }
 
 TEST_F(HelpWindowTest, GoesBackToEachWordWithoutAPage) {

@@ -353,7 +353,9 @@ void HelpWindow::search(const QString& words) {
 void HelpWindow::showHit(int row) {
     if (row < 0 || row >= int(hits_.size())) return;
     page_->show(hits_[std::size_t(row)].page);
-    page_->mark(searchLine_->text().split(u' ', Qt::SkipEmptyParts));
+    QStringList words = searchLine_->text().split(u' ', Qt::SkipEmptyParts);
+    words.removeDuplicates();
+    page_->mark(words);
 }
 
 void HelpWindow::focusSide(int tab) {
