@@ -344,10 +344,21 @@ void HelpWindow::markContents() {
 void HelpWindow::search(const QString& words) {
     hits_ = search_ == nullptr ? std::vector<Hit>() : search_->find(words);
     found_->clear();
-    for (const Hit& hit : hits_) found_->addItem(hit.title);
+    QHash<QString, int> titles;
+    for (const Hit& hit : hits_) titles[hit.title]++;
+    for (const Hit& hit : hits_) {
+        const QString chapter = titles[hit.title] > 1 ? chapterOf(hit.page) : QString();
+        found_->addItem(chapter.isEmpty() ? hit.title : hit.title + QStringLiteral(" - ") + chapter);
+    }
     if (!hits_.empty()) found_->setCurrentRow(0);
     const QString one = tr("1 page"), more = tr("%1 pages").arg(hits_.size());
     count_->setText(words.trimmed().isEmpty() ? QString() : hits_.size() == 1 ? one : more);
+}
+
+// Empty while the engine still makes the contents, and for a page that is a chapter itself.
+QString HelpWindow::chapterOf(const QUrl& page) const {
+    auto* contents = qobject_cast<QHelpContentWidget*>(contents_.data());
+    return contents == nullptr ? QString() : contents->indexOf(page).parent().data().toString();
 }
 
 void HelpWindow::showHit(int row) {
