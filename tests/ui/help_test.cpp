@@ -316,7 +316,7 @@ TEST_F(HelpWindowTest, PrintsThePagesThatWereChosen) {
     printFile.clear();
 }
 
-TEST_F(HelpWindowTest, TellsThatAPageCouldNotBePrintedAndLeavesTheOldFile) {
+TEST_F(HelpWindowTest, TellsThatAPageCouldNotBePrinted) {
     QTemporaryDir dir;
     EXPECT_EQ(show(File, "1101"), nullptr);
     printFile = dir.filePath(QStringLiteral("none/page.pdf")).toStdString();

@@ -55,9 +55,10 @@ QPageRanges rangesOf(const PrintTarget& target) {
     return ranges;
 }
 
-// Written whole or not at all; false if it could not be.
+// Written whole or not at all where the folder can be written; false if it could not be.
 bool printToFile(const Page& page, const QString& file, const PrintTarget& target) {
     QSaveFile out(file);
+    out.setDirectWriteFallback(true);  // a file may be writable where its folder is not
     if (!out.open(QIODevice::WriteOnly)) return false;
     {
         QPdfWriter writer(&out);  // ends the document when it goes
