@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QHelpEngineCore>
@@ -159,6 +160,35 @@ TEST_F(HelpWindowTest, MarksTheWordsThatWereSearchedForAndShowsTheFirst) {
     EXPECT_TRUE(page->extraSelections().isEmpty()) << "another page has no marks";
 }
 
+TEST_F(HelpWindowTest, SearchesForAWordOnceHoweverOftenItIsPasted) {
+    search->setText(QStringLiteral("a"));
+    const int pages = hits->count();
+    ASSERT_GT(pages, 10);
+    QElapsedTimer time;
+    time.start();
+    search->setText(QStringLiteral("a ").repeated(16000));
+    EXPECT_EQ(hits->count(), pages);
+    EXPECT_LT(time.elapsed(), 2000);
+}
+
+TEST_F(HelpWindowTest, NamesTheChaptersOfPagesWithTheSameTitle) {
+    QTreeView* contents = nullptr;
+    for (QTreeView* tree : window->findChildren<QTreeView*>())
+        if (tree->accessibleName() == u"Contents") contents = tree;
+    ASSERT_NE(contents, nullptr);
+    QTRY_VERIFY(contents->model()->rowCount() > 0);
+    for (const char* title : {"Files", "Printing", "Windows", "Programs"}) {
+        search->setText(QString::fromLatin1(title));
+        QStringList named;
+        for (int i = 0; i < hits->count(); i++)
+            if (hits->item(i)->text().startsWith(QLatin1String(title))) named << hits->item(i)->text();
+        EXPECT_GE(named.size(), 2) << title;
+        EXPECT_EQ(named.removeDuplicates(), 0) << title;
+    }
+    search->setText(QStringLiteral("strfind"));
+    EXPECT_EQ(hits->item(0)->text(), u"STRFIND") << "what is alone has its title alone";
+}
+
 TEST_F(HelpWindowTest, GoesBackToEachWordWithoutAPage) {
     EXPECT_EQ(show(File, "zebra"), nullptr);
     EXPECT_EQ(show(File, "giraffe"), nullptr);
@@ -286,7 +316,7 @@ TEST_F(HelpWindowTest, PrintsThePagesThatWereChosen) {
     printFile.clear();
 }
 
-TEST_F(HelpWindowTest, TellsThatAPageCouldNotBePrintedAndLeavesTheOldFile) {
+TEST_F(HelpWindowTest, TellsThatAPageCouldNotBePrinted) {
     QTemporaryDir dir;
     EXPECT_EQ(show(File, "1101"), nullptr);
     printFile = dir.filePath(QStringLiteral("none/page.pdf")).toStdString();

@@ -55,9 +55,10 @@ QPageRanges rangesOf(const PrintTarget& target) {
     return ranges;
 }
 
-// Written whole or not at all; false if it could not be.
+// Written whole or not at all where the folder can be written; false if it could not be.
 bool printToFile(const Page& page, const QString& file, const PrintTarget& target) {
     QSaveFile out(file);
+    out.setDirectWriteFallback(true);  // a file may be writable where its folder is not
     if (!out.open(QIODevice::WriteOnly)) return false;
     {
         QPdfWriter writer(&out);  // ends the document when it goes
@@ -344,16 +345,29 @@ void HelpWindow::markContents() {
 void HelpWindow::search(const QString& words) {
     hits_ = search_ == nullptr ? std::vector<Hit>() : search_->find(words);
     found_->clear();
-    for (const Hit& hit : hits_) found_->addItem(hit.title);
+    QHash<QString, int> titles;
+    for (const Hit& hit : hits_) titles[hit.title]++;
+    for (const Hit& hit : hits_) {
+        const QString chapter = titles[hit.title] > 1 ? chapterOf(hit.page) : QString();
+        found_->addItem(chapter.isEmpty() ? hit.title : hit.title + QStringLiteral(" - ") + chapter);
+    }
     if (!hits_.empty()) found_->setCurrentRow(0);
     const QString one = tr("1 page"), more = tr("%1 pages").arg(hits_.size());
     count_->setText(words.trimmed().isEmpty() ? QString() : hits_.size() == 1 ? one : more);
 }
 
+// Empty while the engine still makes the contents, and for a page that is a chapter itself.
+QString HelpWindow::chapterOf(const QUrl& page) const {
+    auto* contents = qobject_cast<QHelpContentWidget*>(contents_.data());
+    return contents == nullptr ? QString() : contents->indexOf(page).parent().data().toString();
+}
+
 void HelpWindow::showHit(int row) {
     if (row < 0 || row >= int(hits_.size())) return;
     page_->show(hits_[std::size_t(row)].page);
-    page_->mark(searchLine_->text().split(u' ', Qt::SkipEmptyParts));
+    QStringList words = searchLine_->text().split(u' ', Qt::SkipEmptyParts);
+    words.removeDuplicates();
+    page_->mark(words);
 }
 
 void HelpWindow::focusSide(int tab) {

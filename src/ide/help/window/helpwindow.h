@@ -58,6 +58,7 @@ private:
     QWidget* makeFindBar();
     void fillSide();
     void search(const QString& words);
+    QString chapterOf(const QUrl& page) const;
     void showHit(int row);
     void tellNotPrinted(const QString& where);
     void showNotFound(const QString& topic);

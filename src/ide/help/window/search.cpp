@@ -53,15 +53,18 @@ void Search::read() {
 std::vector<Hit> Search::find(const QString& words) {
     if (pages_.empty()) read();
     std::vector<Hit> hits;
-    const QStringList wanted = words.toLower().split(u' ', Qt::SkipEmptyParts);
+    QStringList wanted = words.toLower().split(u' ', Qt::SkipEmptyParts);
     if (wanted.isEmpty()) return hits;
+    const QString whole = wanted.join(u' ');
+    wanted.removeDuplicates();
     for (const Page& page : pages_) {
         const QString title = page.title.toLower();
-        Hit hit{page.url, page.title, title == wanted.join(u' ') ? WholeTitle : 0};
+        Hit hit{page.url, page.title, title == whole ? WholeTitle : 0};
         bool all = true;
         for (const QString& word : wanted) {
             const int times = beginnings(page.text, word), titled = beginnings(title, word);
-            all = all && times + titled > 0;
+            all = times + titled > 0;
+            if (!all) break;
             hit.weight += std::min(times, MostTimes) + (titled > 0 ? InTitle : 0);
         }
         if (all) hits.push_back(hit);
