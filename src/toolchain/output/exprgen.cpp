@@ -173,17 +173,18 @@ std::string ExpressionGenerator::membership(const Expression& item) {
     }
     const std::string value = newName();
     line("const int32_t " + value + " = " + scalar(*item.operands[0]) + ";");
+    if (right.operands.empty()) return decidedTruth(value, true);
+    const unsigned later = effects(right);
     std::string text;
     for (std::size_t i = 0; i < right.operands.size(); i += 2) {
         const Expression* last = right.operands[i + 1].get();
-        const unsigned later = effects(right);
         const std::string from = keptScalar(*right.operands[i], later);
         const std::string test = last == nullptr ? value + " == " + from
                                                  : "(" + value + " >= " + from + " && " + value +
                                                        " <= " + keptScalar(*last, later) + ")";
         text += (text.empty() ? "" : " || ") + test;
     }
-    return text.empty() ? "0" : "(" + text + ")";
+    return "(" + text + ")";
 }
 
 // An operand whose calls need statements is computed in a block of its own, which is entered only if it
