@@ -13,6 +13,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QWidget>
 
 #include <csignal>
@@ -77,16 +78,28 @@ public:
     explicit Owner(int bytes) {
         os::StartError error{};
         child_ = os::processes().start({os::executablePath(), {"own", std::to_string(bytes)}, "", ""}, error);
-        usleep(2500000);  // until it has the clipboard
+        for (int i = 0; i < 400 && !hasClipboard(); i++) {
+            usleep(50000);
+            platform::DoEvents();
+        }
     }
     ~Owner() {
         if (child_ != nullptr) child_->stop(0);
+        for (int i = 0; i < 100 && hasClipboard(); i++) {
+            usleep(50000);
+            platform::DoEvents();
+        }
     }
     Owner(const Owner&) = delete;
     Owner& operator=(const Owner&) = delete;
     void freeze() const { ::kill(child_->id(), SIGSTOP); }
 
 private:
+    static bool hasClipboard() {
+        const QClipboard* board = QGuiApplication::clipboard();
+        return !board->ownsClipboard() && board->mimeData() != nullptr && board->mimeData()->hasText();
+    }
+
     std::unique_ptr<os::Child> child_;
 };
 

@@ -19,19 +19,11 @@ std::string nextStep(std::int32_t code) {
 }  // namespace
 
 void TOOL_ONERROR(std::int32_t code) {
-    const bool tool = code >= 901 && code <= 909, file = code >= 651 && code <= 659;
-    if (!tool && !file) return DefaultErrorHandler(code);
-    const Reporting report;
-    if (!report.entered()) return;
-    Sound();
-    MsgBox(
-        "Error",
-        ErrorMessage(code) + " (error " + STR(code) + ").\n" +
-            (tool ? "Cannot run external program." + nextStep(code)
-                  : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
-                    "compiler file path that you may write."),
-        "OK", BoxIcon::Error);
-    ContinueAfterError();
+    const bool tool = code >= 901 && code <= 909;
+    if (!tool && !ISFILEERROR(code)) return DefaultErrorHandler(code);
+    TELLERROR(code, tool ? "Cannot run external program." + nextStep(code)
+                         : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
+                           "compiler file path that you may write.");
 }
 
 // ---- names ----

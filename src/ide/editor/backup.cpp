@@ -27,17 +27,9 @@ MODULE("textedit", tarn::BACKUP_ONERROR)
 namespace tarn {
 
 void BACKUP_ONERROR(std::int32_t code) {
-    if (code < 651 || code > 659) return DefaultErrorHandler(code);
-    const Reporting report;
-    if (!report.entered()) return;
-    Sound();
-    MsgBox("Error",
-           ErrorMessage(code) + " (error " + STR(code) +
-               ").\nAn automatic backup could not be written, or an old one not be deleted. The text in its "
-               "window "
-               "is as it was. Check that there is room beside its file and that you may write there.",
-           "OK", BoxIcon::Error);
-    ContinueAfterError();
+    if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
+    TELLERROR(code, "An automatic backup could not be written, or an old one not be deleted. The text in its window "
+                    "is as it was. Check that there is room beside its file and that you may write there.");
 }
 
 // ---- settings ----

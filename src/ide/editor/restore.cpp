@@ -19,17 +19,9 @@ MODULE("editmenu", tarn::RESTORE_ONERROR)
 namespace tarn {
 
 void RESTORE_ONERROR(std::int32_t code) {
-    if (code < 651 || code > 659) return DefaultErrorHandler(code);
-    const Reporting report;
-    if (!report.entered()) return;
-    Sound();
-    MsgBox("Error",
-           ErrorMessage(code) + " (error " + STR(code) +
-               ").\nThe file was not restored. Nothing is lost: the text that it had is in the file or in "
-               "its newest "
-               "restore point, and the restore point that you have chosen is as it was.",
-           "OK", BoxIcon::Error);
-    ContinueAfterError();
+    if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
+    TELLERROR(code, "The file was not restored. Nothing is lost: the text that it had is in the file or in its newest "
+                    "restore point, and the restore point that you have chosen is as it was.");
 }
 
 namespace {

@@ -30,17 +30,12 @@ MODULE("textedit", tarn::TEXTEDIT_ONERROR)
 namespace tarn {
 
 void TEXTEDIT_ONERROR(std::int32_t code) {
-    if (code < 651 || code > 659) return DefaultErrorHandler(code);
-    const Reporting report;
-    if (!report.entered()) return;
+    if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
     const std::string failedSave = SAVEFILEREPORT();
-    const std::string sentence =
-        !failedSave.empty() ? failedSave
-        : code == 651       ? "The file was not opened. Check that it exists and that you may read it."
-                      : "Nothing was written. Check that you may write to it and that the disk has room.";
-    Sound();
-    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + sentence, "OK", BoxIcon::Error);
-    ContinueAfterError();
+    TELLERROR(code, !failedSave.empty() ? failedSave
+                    : code == 651
+                        ? "The file was not opened. Check that it exists and that you may read it."
+                        : "Nothing was written. Check that you may write to it and that the disk has room.");
 }
 
 // ---- flags ----

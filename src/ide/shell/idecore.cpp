@@ -248,4 +248,12 @@ void SHOWHELP(const std::string& topic) {
         tellMissing(file);
 }
 
+void TELLERROR(std::int32_t code, const std::string& sentence) {
+    const Reporting report;
+    if (!report.entered()) return;
+    Sound();
+    MsgBox("Error", ErrorMessage(code) + " (error " + STR(code) + ").\n" + sentence, "OK", BoxIcon::Error);
+    ContinueAfterError();
+}
+
 }  // namespace tarn

@@ -42,4 +42,12 @@ std::string HELPTOPIC(std::string_view caption);
 void SHOWHELP(const std::string& topic);
 void SHOWWINDOWHELP(const Object& window);  // on its caption
 
+// ---- errors ----
+
+inline constexpr bool ISFILEERROR(std::int32_t code) {
+    return code >= 651 && code <= 659;
+}
+// For the handler of a module: a box with the error and, below it, what that means and what to do; the program goes on.
+void TELLERROR(std::int32_t code, const std::string& sentence);
+
 }  // namespace tarn
