@@ -16,7 +16,7 @@ SETTINGS = {
     "d0-tcc": ("/p2 /d0", "tcc"),
 }
 BUILD_SECONDS = 60
-RUN_SECONDS = 20
+RUN_SECONDS = 60
 
 
 class Run:
