@@ -50,7 +50,7 @@ std::string FLAGSTOSTR(int flags);  // the names of an edit control's flags, suc
 int GETTOKENLEVEL();                // by the settings: 1 words are highlighted, 0 not
 // Highlighting and blocks for the language of the window's file; any level but 1: no highlighting.
 void EDITWNDSETTOKENS(const Object& window, int level);
-void EDITWNDSELECTLINES(const Object& window);           // all of the lines in which the selection is, if there is one
+void EDITWNDSELECTLINES(const Object& window);           // the whole lines of the selection, if there is one
 void EDITWNDSELECTLINE(const Object& window, int line);  // beeps if the text does not have it
 // Full screen as in the settings; else the window stays below the main window. Nothing for other kinds of windows.
 void EDITWNDSETMAXSIZE(const Object& window, const Object& mainWindow);
