@@ -376,8 +376,8 @@ void RUNPROGRAM(const std::string& title, const std::string& exe, const std::str
     const Run* const shown = console().current;
     if (GetVisible(OutputDlg) && (shown == nullptr || !shown->wrote)) turnTo(*run);
     console().runs.push_back(std::move(run));
-    setPace(
-        TickMilliseconds);  // not at once: the command that starts gives the focus back to the editor at its end
+    // Not at once: the command that starts gives the focus back to the editor at its end.
+    setPace(TickMilliseconds);
 }
 
 }  // namespace tarn

@@ -2,10 +2,11 @@
 //
 // Programs that were started, and the output window, which shows what they write and takes their input.
 //
-// Nobody can tell of a program whether it has windows until it shows one, so each is started with pipes. The window comes up
-// when a program writes something, or ends with an error; one that does neither runs by itself, but that a window which is open tells of it. What it shows belongs to
-// the program that was started last of those that wrote. Programs are read a little at a time, so that one that writes
-// without end neither holds up the windows nor fills the memory: it waits for its reader, and the last lines are kept.
+// Nobody can tell of a program whether it has windows until it shows one, so each is started with pipes. The window
+// comes up when a program writes something, or ends with an error; a program that does neither runs by itself, and only
+// a window that is open anyway tells of it. What the window shows belongs to the program that was started last of those
+// that wrote. Programs are read a little at a time, so that one that writes without end neither holds up the windows nor
+// fills the memory: it waits for its reader, and the last lines are kept (outputtext.h).
 #pragma once
 
 #include "kernel/windows/windowing.h"
@@ -16,8 +17,8 @@ namespace tarn {
 
 inline const Object OutputDlg("OutputDlg");
 
-// Starts the program in the folder and does not wait for it. While one runs that the window shows, the user is asked first,
-// under `title`. Codes as EXEC.
+// Starts the program in the folder and does not wait for it; a timer of the window reads what it writes. While one runs
+// that the window shows, the user is asked first, under `title`. Codes as EXEC (library/system/programs.h).
 void RUNPROGRAM(const std::string& title, const std::string& exe, const std::string& arguments,
                 const std::string& folder);
 

@@ -27,7 +27,7 @@ public:
 
     [[nodiscard]] bool empty() const { return lines_.empty() && open_.empty(); }
     [[nodiscard]] std::string text() const;
-    // Counts up whenever lines that were in the text are no longer there; otherwise a new text begins as the old one.
+    // Counts up whenever lines go out of the text; as long as it stays the same, a new text begins as the old one.
     [[nodiscard]] std::int64_t cuts() const { return cuts_; }
     [[nodiscard]] std::int64_t dropped() const { return dropped_; }
 

@@ -91,17 +91,6 @@ int codeOf(const std::string& file) {
     return STREQUAL(FILEGETEXT(file), BackupExtension) ? IsBackup : Possible;
 }
 
-// A second that has its backup is left to it.
-std::string freeName(const std::string& file) {
-    constexpr int attempts = 100;
-    std::string name;
-    for (int later = 0; later < attempts; later++) {
-        name = file + suffix(later);
-        if (FileSize(name) < 0) break;
-    }
-    return name;
-}
-
 // Whether the name is one that backups of this file have; those of "note 2" are listed with those of "note".
 bool isBackupOf(const std::string& file, const std::string& name) {
     const std::string_view rest = std::string_view(name).substr(std::min(file.size(), name.size()));
@@ -184,6 +173,18 @@ std::string EDITWNDGETBACKUPLIST(const std::string& file) {
     return last.list;
 }
 
+std::string FREEBACKUPNAME(const std::string& file) {
+    FRAME(FREEBACKUPNAME);
+    constexpr int attempts = 100;
+    std::string name;
+    for (int later = 0; later < attempts; later++) {
+        STAMP();
+        name = file + suffix(later);
+        if (FileSize(name) < 0) break;
+    }
+    return name;
+}
+
 BackupName EDITWNDGETBACKUPNAME(const std::string& file) {
     FRAME(EDITWNDGETBACKUPNAME);
     STAMP();
@@ -191,7 +192,7 @@ BackupName EDITWNDGETBACKUPNAME(const std::string& file) {
     result.code = codeOf(file);
     if (result.code != Possible) return result;
     STAMP();
-    result.backupName = freeName(file);
+    result.backupName = FREEBACKUPNAME(file);
     const std::string list = EDITWNDGETBACKUPLIST(file);
     const int most = EDITWNDGETMAXBACKUPS();
     STAMP();

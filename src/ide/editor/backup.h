@@ -37,6 +37,9 @@ struct BackupName {
     int code = 0;            // why there can be no backups; see EDITWNDBACKUPERRMSG
 };
 BackupName EDITWNDGETBACKUPNAME(const std::string& file);
+// The name of a backup made now, whether there can be one or not. A second that has its backup is left to it: then it is
+// the next one that is free, within a hundred.
+std::string FREEBACKUPNAME(const std::string& file);
 // 1 the name is not valid, 2 it is too long, 3 file or folder cannot be written, 4 it is a backup; empty for 0.
 std::string EDITWNDBACKUPERRMSG(int code);
 // Full paths of the files whose names begin with that of `file` and end with ".bak", one a line, the latest name first.

@@ -11,7 +11,8 @@ namespace tarn {
 // (the user is asked about changes). Of a name of the library its help is shown. False if there is none; `quiet`: that
 // is not told.
 bool GOTODECLARATION(const Object& window, bool quiet);
-// To the place that was left last.
+// To the place that was left last, in its file; tells when there is none. If the user keeps the window's text instead, the
+// place is not forgotten.
 void GOBACK(const Object& window);
 
 }  // namespace tarn

@@ -5,17 +5,16 @@
 //   dialogs    the choices, the list, the report
 #include "ide/search/replacefiles.h"
 
+#include "ide/editor/backup.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
 #include "library/system/system.h"
-#include "os/clock.h"
 #include "os/files.h"
 
 #include <algorithm>
-#include <cstdio>
 
 MODULE("editmenu")
 
@@ -121,18 +120,6 @@ ReplacePlan PLANREPLACEMENTS(const FileChoices& choices) {
 
 // ---- write ----
 
-std::string REPLACEBACKUPNAME(const std::string& file) {
-    FRAME(REPLACEBACKUPNAME);
-    constexpr std::int64_t Second = 1'000'000'000;
-    for (std::int64_t moment = os::clock().now();; moment += Second) {
-        const os::CivilTime time = os::clock().local(moment);
-        char stamp[64];
-        std::snprintf(stamp, sizeof stamp, " (%04d-%02d-%02d %02d-%02d-%02d).bak", time.year, time.month,
-                      time.day, time.hour, time.minute, time.second);
-        if (const std::string name = file + stamp; !os::infoOf(name).exists) return name;
-    }
-}
-
 namespace {
 
 std::string told(const os::SaveResult& saved) {
@@ -159,7 +146,7 @@ std::string writeFile(const FileChange& change, const FileChoices& choices, Text
     if (!edits || static_cast<int>(edits->size()) != change.count)
         return "It has changed since the list was made.";
     if (!os::infoOf(change.file).writable) return "You may not write to it.";
-    const std::string backup = REPLACEBACKUPNAME(change.file);
+    const std::string backup = FREEBACKUPNAME(change.file);
     if (const os::FileError error = writeBackup(change.file, backup, text); error != os::FileError::None)
         return "No backup could be made of it. " + std::string(os::describe(error));
     const os::SaveResult saved = os::saveFile(change.file, APPLIED(text, *edits));

@@ -52,8 +52,4 @@ struct ReplaceReport {
 // Writes the files that are wanted.
 ReplaceReport WRITEREPLACEMENTS(const FileChoices& choices, const ReplacePlan& plan);
 
-// The name for a backup of the file that is taken now, in the form of the automatic ones; where that is taken it is the
-// next second's that is free.
-std::string REPLACEBACKUPNAME(const std::string& file);
-
 }  // namespace tarn

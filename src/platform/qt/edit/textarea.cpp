@@ -1,74 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-//   making           fonts, and the settings of the component
-//   text             bytes in and out, line ends, selection, what the user types, the mark of a change
-//   look             flags, number bar, colours by the tokens, fonts, the caret's place
-//   the user         lines and blocks by keys, paste, context menu, drag and drop
+//   making           what is heard of the component, and its settings
+//   text             bytes in and out, line ends, selection
+//   changes          what is told of them, to whom, and when
+//   caret            where it stands
 #include "platform/qt/edit/textarea.h"
 
-#include "platform/model/view.h"
-#include "platform/operations/textedits.h"
 #include "platform/qt/edit/accessible.h"
-#include "platform/qt/edit/colours.h"
-#include "platform/qt/input/xclipboard.h"
-#include "platform/qt/texts.h"
 
-#include <QAccessible>
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QContextMenuEvent>
-#include <QDragEnterEvent>
-#include <QFontDatabase>
-#include <QFontInfo>
-#include <QInputMethodEvent>
-#include <QKeyEvent>
-#include <QMenu>
-#include <QMimeData>
 #include <QTimer>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace tarn::platform::qt {
 
 namespace {
 
-constexpr long MarkIndicator = 8;  // the first that is not the control's own
-constexpr int FirstStyle = 1;      // style numbers of the rules; 0 is plain
-constexpr int Gap = 6;             // pixels between number bar and text
-constexpr int LongLine = 65536;    // beyond this a column is not counted in characters
-constexpr int Piece = 65536;       // bytes coloured at a time
-constexpr std::string_view LineEndTexts[] = {"\r\n", "\r", "\n"};  // by the control's numbers
-constexpr int NearPlaces = 64;  // bytes between changes that are made as one
-
-const QColor MarkColour(240, 150, 0);
-
-// Columns stand below each other whatever the desktop's fonts are: its fixed one, unless that is none.
-QString fixedFamily() {
-    const QFont desktop = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    if (QFontInfo(desktop).fixedPitch()) return desktop.family();
-    QFont any(QStringLiteral("monospace"));
-    any.setStyleHint(QFont::Monospace);
-    any.setFixedPitch(true);
-    if (QFontInfo(any).fixedPitch()) return QFontInfo(any).family();
-    for (const QString& family : QFontDatabase::families())
-        if (QFontDatabase::isFixedPitch(family)) return family;
-    return desktop.family();
-}
-
-// A font that is not there would be replaced by any other.
-QString familyOf(const Font& font) {
-    const QString family = QString::fromStdString(font.name);
-    return !family.isEmpty() && QFontDatabase::hasFamily(family) ? family : fixedFamily();
-}
-
-QColor colourOf(const TokenStyle& rule) {
-    return {rule.colour & 0xFF, rule.colour >> 8 & 0xFF, rule.colour >> 16 & 0xFF};
-}
+constexpr int LongColumn =
+    65536;  // bytes in front of the caret, beyond which they are not counted in characters
 
 }  // namespace
+
+// ---- making ----
 
 TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     setFrameShape(QFrame::NoFrame);
@@ -76,6 +32,10 @@ TextArea::TextArea(QWidget* parent) : QsciScintillaBase(parent) {
     disconnect(QGuiApplication::clipboard(), nullptr, this, nullptr);
     configure();
     applyColours();
+    listen();
+}
+
+void TextArea::listen() {
     connect(this,
             qOverload<int, int, const char*, int, int, int, int, int, int, int>(&TextArea::SCN_MODIFIED),
             this, [this](int position, int type, const char*, int bytes) {
@@ -137,7 +97,7 @@ void TextArea::configure() {
     send(SCI_SETMOUSEDWELLTIME, 10000000);
     for (int margin = 0; margin < 5; ++margin) send(SCI_SETMARGINWIDTHN, margin, 0);
     send(SCI_SETMARGINTYPEN, 0, SC_MARGIN_NUMBER);
-    send(SCI_SETMARGINLEFT, 0, Gap);
+    send(SCI_SETMARGINLEFT, 0, NumberGap);
     // Keys of the control that write control characters or change the text in ways that nobody here asked
     // for.
     for (const int key :
@@ -252,24 +212,9 @@ void TextArea::select(int start, int length) {
     const long first = send(SCI_GETFIRSTVISIBLELINE), shown = std::max(send(SCI_LINESONSCREEN), 1L);
     if (line < first || line >= first + shown) send(SCI_SETFIRSTVISIBLELINE, std::max(0L, line - shown / 3));
     sendBytes(SCI_SCROLLRANGE, to, reinterpret_cast<const char*>(static_cast<std::intptr_t>(from)));
-    tellCaret(*this);  // the control itself tells only when it paints
-    emit moved();      // the control itself tells only when it paints
-}
-
-bool TextArea::reloads(int start, int length, std::string_view text) {
-    if (!rows().on() || rows().fits(text)) return false;
-    std::string all = bytes();
-    all.replace(static_cast<std::size_t>(start - 1), static_cast<std::size_t>(length), text);
-    setBytes(all);
-    setModified(true);
-    return true;
-}
-
-Selection TextArea::inControl(int start, int length) const {
-    const int size = this->length();
-    const int begin = std::clamp(start - 1, 0, size), end = begin + std::clamp(length, 0, size - begin);
-    const int from = rows().toControl(begin, true), to = end > begin ? rows().toControl(end, false) : from;
-    return {from, to - from};
+    // The control itself tells only when it paints.
+    tellCaret(*this);
+    emit moved();
 }
 
 void TextArea::replaceSelection(std::string_view text) {
@@ -352,100 +297,6 @@ void TextArea::put(long from, long to, std::string_view text) {
     sendBytes(SCI_REPLACETARGET, static_cast<long>(text.size()), text.data());
 }
 
-// Each place is changed by itself, so that what stands between them is not moved and undo keeps the changes alone; those
-// that nearly touch are one, since a change costs more than the few bytes between them. `told`: the control tells of the
-// changes. Where the last of them ends, in the text from 0.
-int TextArea::changePlaces(const std::vector<TextEdit>& edits, bool told) {
-    int shift = 0;  // from a place of the text before to where that stands now
-    for (auto edit = edits.begin(); edit != edits.end();) {
-        const int first = edit->start;
-        int end = first;
-        std::string comes;
-        do {
-            if (edit->start > end) comes += range(end + shift, edit->start - end);
-            comes += edit->text;
-            end = edit->start + edit->length;
-        } while (++edit != edits.end() && edit->start - end <= NearPlaces);
-        const Selection place = inControl(first + shift, end - first);
-        if (!told && place.length > 0) onRemoval(place.start, place.length);
-        if (!told && !comes.empty()) onInsertion(place.start, static_cast<int>(comes.size()));
-        put(place.start, place.start + place.length, comes);
-        shift += static_cast<int>(comes.size()) - (end - first);
-    }
-    return edits.back().start - 1 + edits.back().length + shift;
-}
-
-// Whether a line could become endless, or a row too long, and need to be parted.
-bool TextArea::makesEndless(const std::vector<TextEdit>& edits) const {
-    int line = -1;
-    long length = 0;
-    for (const TextEdit& edit : edits) {
-        const int at = lineOf(rows().toControl(edit.start - 1, true));
-        if (at != line) length = send(SCI_LINELENGTH, line = at);
-        length += static_cast<long>(edit.text.size());
-        if (!edit.text.empty() && length > Rows::LongLine)
-            return rows().on() || Rows::possible(view(0, size()));
-    }
-    return false;
-}
-
-// The control's notes of the changes are of use to a screen reader only, and cost more than the changes.
-bool TextArea::replaceParts(const std::vector<TextEdit>& edits) {
-    flush();
-    const bool fits = !rows().on() || std::all_of(edits.begin(), edits.end(), [this](const TextEdit& edit) {
-        return rows().fits(edit.text);
-    });
-    if (!fits || makesEndless(edits)) return false;
-    free_ = true;
-    const long mask = send(SCI_GETMODEVENTMASK);
-    const bool heard = QAccessible::isActive(), before = blockSignals(!heard);
-    if (!heard) send(SCI_SETMODEVENTMASK, 0);
-    send(SCI_SETREADONLY, 0);
-    send(SCI_SETLAYOUTCACHE, SC_CACHE_NONE);  // which each change would go through
-    send(SCI_BEGINUNDOACTION);
-    const int end = changePlaces(edits, heard);
-    send(SCI_ENDUNDOACTION);
-    send(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
-    send(SCI_SETMODEVENTMASK, mask);
-    blockSignals(before);
-    send(SCI_SETEMPTYSELECTION, rows().toControl(end, false));
-    send(SCI_SETREADONLY, (flags_ & READONLY) != 0);
-    send(SCI_SCROLLCARET);
-    free_ = false;
-    settle();
-    applyNumberBar();
-    emit moved();
-    return true;
-}
-
-void TextArea::setMarks(const std::vector<Selection>& places) {
-    send(SCI_SETINDICATORCURRENT, MarkIndicator);
-    send(SCI_INDICATORCLEARRANGE, 0, size());
-    for (const Selection& mark : places) {
-        const Selection place = inControl(mark.start, mark.length);
-        send(SCI_INDICATORFILLRANGE, place.start, place.length);
-    }
-}
-
-// Places that touch each other are one.
-std::vector<Selection> TextArea::marks() const {
-    std::vector<Selection> places;
-    const int last = size();
-    for (int at = 0; at < last;) {
-        const int end = static_cast<int>(send(SCI_INDICATOREND, MarkIndicator, at));
-        if (end <= at) break;  // there are no marks at all
-        if (send(SCI_INDICATORVALUEAT, MarkIndicator, at) != 0) {
-            const int from = rows().toText(at) + 1, length = rows().toText(end) + 1 - from;
-            if (!places.empty() && places.back().start + places.back().length == from)
-                places.back().length += length;
-            else if (length > 0)
-                places.push_back({from, length});
-        }
-        at = end;
-    }
-    return places;
-}
-
 void TextArea::insertTyped(std::string_view text) {
     if (!refuses(text)) insert(text);
 }
@@ -467,43 +318,7 @@ void TextArea::checkInsertion(int bytes) {
     refuse();
 }
 
-std::string_view TextArea::inRows(int at, std::string_view text, std::string& store) {
-    if (!rows().on()) {
-        const int line = lineOf(at);
-        const bool grows = text.find_first_of("\r\n") == std::string_view::npos &&
-                           send(SCI_LINELENGTH, line) + static_cast<long>(text.size()) > Rows::LongLine;
-        const bool whole =
-            lineOf(size()) == 0;  // there is no line end that those in it would have to be like
-        if (!grows && !Rows::needed(text)) return text;
-        if (!Rows::possible(view(0, size())) || !Rows::possible(text)) return text;
-        parts_.start(whole ? text : view(0, size()));
-        if (!parts_.fits(text)) return parts_.stop(), text;
-        forgetOddSteps();
-        digits_ = 0;
-        applyNumberBar();
-        applyLooks();
-    }
-    store = parts_.parted(text);
-    return store;
-}
-
-// Undoing what had line ends of another kind would bring back returns that rows take for their own.
-void TextArea::forgetOddSteps() {
-    applyMarks();
-    const int own = parts_.pairs() ? ENDS_CRLF : ENDS_LF;
-    if ((kinds_ & ~(1 << own | 1 << ENDS_NONE)) == 0) return;
-    marked_ = modified();
-    send(SCI_EMPTYUNDOBUFFER);
-    kinds_ = 0;
-}
-
-const Rows& TextArea::rows() const {
-    if (const Selection now = std::exchange(arrived_, Selection{0, 0}); now.length > 0) {
-        const int end = now.start + now.length;
-        parts_.inserted(now.start, view(now.start, end), static_cast<char>(send(SCI_GETCHARAT, end)));
-    }
-    return parts_;
-}
+// ---- changes ----
 
 bool TextArea::modified() const {
     return marked_ || send(SCI_GETMODIFY) != 0;
@@ -561,120 +376,7 @@ void TextArea::settle() {
     changed_ = false;
 }
 
-// ---- look ----
-
-void TextArea::setFlags(int flags) {
-    const int changed = flags_ ^ flags;
-    flags_ = flags;
-    send(SCI_SETREADONLY, (flags & READONLY) != 0);
-    if ((flags & ALLOWOVERWRITE) == 0) send(SCI_SETOVERTYPE, 0);
-    digits_ = 0;
-    applyNumberBar();
-    applyLooks();
-    if ((changed & HILITE) != 0) colourAnew();
-    emit moved();
-}
-
-void TextArea::applyNumberBar() {
-    if ((flags_ & NUMBERBAR) == 0 || parts_.on()) {  // rows are no lines
-        send(SCI_SETMARGINWIDTHN, 0, 0);
-        digits_ = 0;
-        return;
-    }
-    const int digits = std::max(3, static_cast<int>(std::to_string(send(SCI_GETLINECOUNT)).size()));
-    if (digits == digits_) return;
-    digits_ = digits;
-    const std::string widest(static_cast<std::size_t>(digits), '8');
-    send(SCI_SETMARGINWIDTHN, 0, sendBytes(SCI_TEXTWIDTH, STYLE_LINENUMBER, widest.c_str()) + 2 * Gap);
-}
-
-void TextArea::setTokens(std::string_view tokens) {
-    if (tokens == tokens_) return;
-    tokens_ = tokens;
-    rules_ = TokenRules(tokens);
-    applyColours();
-    colourAnew();
-}
-
-// Clearing the styles counts the whole text as coloured; starting at 0 lets the next paint ask for them
-// again.
-void TextArea::colourAnew() {
-    send(SCI_CLEARDOCUMENTSTYLE);
-    send(SCI_STARTSTYLING, 0);
-}
-
-void TextArea::setTextFont(const Font& font) {
-    font_ = font;
-    applyColours();
-    digits_ = 0;
-    applyNumberBar();
-}
-
-void TextArea::applyColours() {
-    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    const QString family = familyOf(font_);
-    const qreal points = font_.size > 0 ? font_.size : fixed.pointSizeF() > 0 ? fixed.pointSizeF() : 10;
-    const QPalette palette = QApplication::palette(this);
-    const QColor paper = palette.color(QPalette::Base), ink = palette.color(QPalette::Text);
-    const auto style = [&](long number, const QColor& fore, const QColor& back, bool bold, bool italic) {
-        SendScintilla(SCI_STYLESETFORE, static_cast<unsigned long>(number), fore);
-        SendScintilla(SCI_STYLESETBACK, static_cast<unsigned long>(number), back);
-        send(SCI_STYLESETBOLD, number, bold);
-        send(SCI_STYLESETITALIC, number, italic);
-    };
-    sendBytes(SCI_STYLESETFONT, STYLE_DEFAULT, family.toUtf8().constData());
-    send(SCI_STYLESETSIZEFRACTIONAL, STYLE_DEFAULT, std::lround(points * int(SC_FONT_SIZE_MULTIPLIER)));
-    style(STYLE_DEFAULT, ink, paper, font_.bold, font_.italic);
-    send(SCI_STYLECLEARALL);
-    const QColor bar = mixed(paper, palette.color(QPalette::Window), 0.6);
-    style(STYLE_LINENUMBER, mixed(ink, bar, 0.45), bar, false, false);
-    long number = FirstStyle;
-    for (const TokenStyle& rule : rules_.styles()) {
-        style(number++, readable(colourOf(rule), paper), paper, rule.bold, rule.italic);
-    }
-    defineMarks();
-    styleHelp();
-    SendScintilla(SCI_SETCARETFORE, ink);
-    SendScintilla(SCI_SETADDITIONALCARETFORE, ink);
-    SendScintilla(SCI_SETCARETLINEBACK, mixed(paper, ink, 0.05));
-    // Marked text has one colour, as in the desktop's own controls: those for the paper would not read well.
-    const QColor markedInk = palette.color(QPalette::Active, QPalette::HighlightedText);
-    SendScintilla(SCI_SETSELFORE, 1UL, markedInk);
-    const QColor marking = readable(palette.color(QPalette::Active, QPalette::Highlight), markedInk);
-    SendScintilla(SCI_SETSELBACK, 1UL, marking);
-    SendScintilla(SCI_SETADDITIONALSELFORE, markedInk);
-    SendScintilla(SCI_SETADDITIONALSELBACK, marking);
-    send(SCI_SETADDITIONALSELALPHA, SC_ALPHA_NOALPHA);
-    send(SCI_SETSELALPHA, SC_ALPHA_NOALPHA);
-    // Under the text, and faint, so that coloured text stays readable on it; the frame is what shows.
-    send(SCI_INDICSETSTYLE, MarkIndicator, INDIC_STRAIGHTBOX);
-    send(SCI_INDICSETUNDER, MarkIndicator, 1);
-    send(SCI_INDICSETALPHA, MarkIndicator, 30);
-    send(SCI_INDICSETOUTLINEALPHA, MarkIndicator, 255);
-    SendScintilla(SCI_INDICSETFORE, static_cast<unsigned long>(MarkIndicator), MarkColour);
-    SendScintilla(SCI_SETWHITESPACEFORE, 1UL, mixed(paper, ink, 0.4));
-}
-
-void TextArea::onStyleNeeded(int end) {
-    const int from = startOfLine(lineOf(static_cast<int>(send(SCI_GETENDSTYLED))));
-    const int line = lineOf(end);
-    const int to = static_cast<int>(send(SCI_GETLINEENDPOSITION, line));
-    const int stop = std::max({to, end, from});
-    send(SCI_STARTSTYLING, from);
-    if (rules_.empty() || (flags_ & HILITE) == 0 || parts_.on()) {
-        send(SCI_SETSTYLING, stop - from, 0);
-        return;
-    }
-    // In pieces of whole lines, so that a jump to the end of a long text needs no second copy of it.
-    for (int at = from; at < stop;) {
-        const int next = startOfLine(lineOf(at) + 1);
-        int last = std::min(stop, std::max(startOfLine(lineOf(std::min(stop, at + Piece))), next));
-        if (last <= at) last = stop;
-        rules_.colour(view(at, last), styles_);
-        sendBytes(SCI_SETSTYLINGEX, static_cast<long>(styles_.size()), styles_.data());
-        at = last;
-    }
-}
+// ---- caret ----
 
 TextArea::Place TextArea::place() const {
     const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
@@ -685,249 +387,12 @@ TextArea::Place TextArea::place() const {
         const int from = startOfLine(first), beginning = rows().toText(from);
         return {first + 1 - (from - beginning), rows().toText(caret) - beginning + 1};
     }
-    if (caret - start > LongLine) return {line + 1, caret - start + 1};
+    if (caret - start > LongColumn) return {line + 1, caret - start + 1};
     return {line + 1, static_cast<int>(send(SCI_GETCOLUMN, caret)) + 1};
 }
 
 bool TextArea::overwriting() const {
     return send(SCI_GETOVERTYPE) != 0;
-}
-
-// ---- the user ----
-
-bool TextArea::event(QEvent* event) {
-    const bool handled = QsciScintillaBase::event(event);
-    flush();
-    return handled;
-}
-
-bool TextArea::viewportEvent(QEvent* event) {
-    const bool handled = QsciScintillaBase::viewportEvent(event);
-    flush();
-    return handled;
-}
-
-void TextArea::newLine() {
-    if (send(SCI_GETSELECTIONS) > 1) {
-        send(SCI_NEWLINE);
-        return;
-    }
-    std::string text(LineEndTexts[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
-    if ((flags_ & AUTOINDENT) != 0) {
-        const int caret = static_cast<int>(send(SCI_GETSELECTIONSTART));
-        const int start = startOfLine(lineOf(caret));
-        const std::string_view head = caret > start ? view(start, caret) : std::string_view();
-        text += head.substr(0, std::min(head.find_first_not_of(" \t"), head.size()));
-    }
-    insertTyped(text);
-    send(SCI_CHOOSECARETX);
-}
-
-// Moves the lines of a selection that spans several by one tab.
-bool TextArea::shiftBlock(bool left) {
-    const int start = static_cast<int>(send(SCI_GETSELECTIONSTART)),
-              end = static_cast<int>(send(SCI_GETSELECTIONEND));
-    const int first = lineOf(start);
-    int last = lineOf(end);
-    if (last > first && end == startOfLine(last)) --last;
-    const bool whole = lineOf(end) > first;
-    if (!whole && !left) return false;
-    send(SCI_BEGINUNDOACTION);
-    for (int line = first; line <= last; ++line) {
-        const int at = startOfLine(line), stop = static_cast<int>(send(SCI_GETLINEENDPOSITION, line));
-        if (!left) {
-            if (stop > at) sendBytes(SCI_INSERTTEXT, at, "\t");
-            continue;
-        }
-        const std::string_view text = stop > at ? view(at, stop) : std::string_view();
-        const auto blanks = std::min(text.find_first_not_of(' '), text.size());
-        const long remove = !text.empty() && text[0] == '\t'
-                                ? 1
-                                : static_cast<long>(std::min(blanks, static_cast<std::size_t>(tabWidth_)));
-        if (remove > 0) send(SCI_DELETERANGE, at, remove);
-    }
-    send(SCI_ENDUNDOACTION);
-    if (whole)
-        send(SCI_SETSELECTION, last + 1 < send(SCI_GETLINECOUNT) ? startOfLine(last + 1) : size(),
-             startOfLine(first));
-    return true;
-}
-
-void TextArea::keyPressEvent(QKeyEvent* event) {
-    const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
-    const bool plain = modifiers == Qt::NoModifier, shift = modifiers == Qt::ShiftModifier;
-    const bool writable = (flags_ & READONLY) == 0;
-    emit goesOn();
-    if (writable && event->matches(QKeySequence::Paste) && pasteBytes()) return;
-    if (zoomKey(*event)) return;
-    if (writable && parts_.on() && (plain || shift) && eraseInRows(event->key())) return;
-    const bool choosing = send(SCI_AUTOCACTIVE) != 0;
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (choosing && takesChoice()) return;
-        if (writable && (plain || shift)) return newLine();
-        break;
-    case Qt::Key_Tab:
-        if (!writable || !plain) break;
-        if (choosing && takesChoice()) return;
-        if (send(SCI_GETSELECTIONS) > 1) return static_cast<void>(send(SCI_TAB));
-        if ((flags_ & TABSHIFT) == 0 || !shiftBlock(false)) insertTyped("\t");
-        return;
-    case Qt::Key_Backtab:
-        if (writable && (flags_ & TABSHIFT) != 0)
-            shiftBlock(true);
-        else
-            QAbstractScrollArea::focusNextPrevChild(false);
-        return;
-    case Qt::Key_Insert:
-        if (plain && (flags_ & ALLOWOVERWRITE) == 0) return;
-        break;
-    default: break;
-    }
-    // Refused here and not by the control, which would take the empty insertion for a change.
-    const bool isText = !event->text().isEmpty() && event->text()[0].isPrint() &&
-                        (modifiers & (Qt::ControlModifier | Qt::AltModifier)) == 0;
-    if (writable && isText && !overwriting() && refuses(event->text().toStdString())) return;
-    QsciScintillaBase::keyPressEvent(event);
-    if (event->key() == Qt::Key_Insert) emit moved();
-}
-
-// What stands between two rows is not there for the user: erasing it erases the character behind it too.
-bool TextArea::eraseInRows(int key) {
-    const bool back = key == Qt::Key_Backspace;
-    if ((!back && key != Qt::Key_Delete) || selection().length > 0 || send(SCI_GETSELECTIONS) > 1)
-        return false;
-    const int caret = static_cast<int>(send(SCI_GETCURRENTPOS));
-    send(SCI_BEGINUNDOACTION);
-    if (rows().isAdded(back ? caret - 1 : caret)) send(back ? SCI_DELETEBACK : SCI_CLEAR);
-    send(back ? SCI_DELETEBACK : SCI_CLEAR);
-    send(SCI_ENDUNDOACTION);
-    return true;
-}
-
-void TextArea::inputMethodEvent(QInputMethodEvent* event) {
-    const QString text = event->commitString();
-    if ((flags_ & READONLY) != 0 || text.isEmpty() || !refuses(text.toStdString()))
-        QsciScintillaBase::inputMethodEvent(event);
-}
-
-// With the line ends that the text has.
-std::string TextArea::withOwnEnds(std::string_view text) const {
-    static constexpr int ends[] = {ENDS_CRLF, ENDS_CR, ENDS_LF};  // by the control's numbers
-    return withLineEnds(text, ends[std::clamp(send(SCI_GETEOLMODE), 0L, 2L)]);
-}
-
-// The control would fetch all of it before anybody could see how much it is. One that is larger than a text can be is
-// refused.
-bool TextArea::pasteForeign() {
-    const QClipboard* board = QGuiApplication::clipboard();
-    if (QGuiApplication::platformName() != u"xcb" || board->ownsClipboard()) return false;
-    const QMimeData* data = board->mimeData();
-    if (data != nullptr && data->hasFormat(QStringLiteral("text/x-qscintilla-rectangular"))) return false;
-    const auto text = foreignClipboard(LargestText + 1);
-    if (!text) return false;
-    if (text->size() > LargestText) {
-        QApplication::beep();
-        return true;
-    }
-    if (send(SCI_GETSELECTIONS) > 1) return false;  // it goes to each of them, which the control does
-    if (!text->empty()) insertTyped(withOwnEnds(*text));
-    return true;
-}
-
-// The control ends a pasted text at its first NUL.
-bool TextArea::pasteBytes() {
-    if (pasteForeign()) return true;
-    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
-    const QByteArray bytes = data != nullptr ? data->data(QString::fromLatin1(BytesType)) : QByteArray();
-    if (bytes.contains('\0')) {
-        insertTyped({bytes.constData(), static_cast<std::size_t>(bytes.size())});
-        return true;
-    }
-    // What makes a line endless is parted, and then has the line ends of the others.
-    if (data != nullptr && (rows().on() || data->text().size() > Rows::LongLine) &&
-        send(SCI_GETSELECTIONS) == 1) {
-        const QByteArray text = bytes.isEmpty() ? data->text().toUtf8() : bytes;
-        insertTyped(withOwnEnds({text.constData(), static_cast<std::size_t>(text.size())}));
-        return true;
-    }
-    // Refused here, the text in the selection is not lost.
-    return limit_ > 0 && data != nullptr &&
-           refuses(bytes.isEmpty() ? data->text().toStdString()
-                                   : std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
-}
-
-void TextArea::paste() {
-    if (!pasteBytes()) send(SCI_PASTE);
-}
-
-void TextArea::contextMenuEvent(QContextMenuEvent* event) {
-    const bool writable = (flags_ & READONLY) == 0, marked = selection().length > 0;
-    QMenu menu(this);
-    const auto add = [&](const QString& caption, bool possible, auto action) {
-        connect(menu.addAction(caption), &QAction::triggered, this, action);
-        menu.actions().last()->setEnabled(possible);
-    };
-    add(tr("&Undo"), writable && send(SCI_CANUNDO) != 0, [this] { send(SCI_UNDO); });
-    add(tr("&Redo"), writable && send(SCI_CANREDO) != 0, [this] { send(SCI_REDO); });
-    menu.addSeparator();
-    add(tr("Cu&t"), writable && marked, [this] { send(SCI_CUT); });
-    add(tr("&Copy"), marked, [this] { send(SCI_COPY); });
-    add(tr("&Paste"), writable && send(SCI_CANPASTE) != 0, [this] { paste(); });
-    add(tr("&Delete"), writable && marked, [this] { send(SCI_CLEAR); });
-    menu.addSeparator();
-    add(tr("Select &All"), length() > 0, [this] { send(SCI_SELECTALL); });
-    menu.exec(event->globalPos());
-    flush();
-}
-
-// A drop ends a text at its first NUL, and a move would lose the rest.
-void TextArea::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->data(QString::fromLatin1(BytesType)).contains('\0'))
-        event->ignore();
-    else
-        QsciScintillaBase::dragEnterEvent(event);
-}
-
-void TextArea::focusInEvent(QFocusEvent* event) {
-    QsciScintillaBase::focusInEvent(event);
-    if ((flags_ & SELECTALL) != 0) send(SCI_SELECTALL);
-}
-
-void TextArea::mouseDoubleClickEvent(QMouseEvent* event) {
-    QsciScintillaBase::mouseDoubleClickEvent(event);
-    emit pressedTwice(event->pos());
-}
-
-void TextArea::changeEvent(QEvent* event) {
-    QsciScintillaBase::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) applyColours();
-}
-
-// Text leaves with its bytes beside it, so that a cut and paste inside the program keeps those that are no
-// UTF-8.
-QMimeData* TextArea::toMimeData(const QByteArray& text, bool rectangular) const {
-    const Selection marked = selection();
-    const bool whole = !rectangular && send(SCI_GETSELECTIONS) == 1 && marked.length > 0;
-    const std::string bytes = whole ? range(marked.start, marked.length) : std::string();
-    const auto size = static_cast<qsizetype>(bytes.size());
-    if (parts_.on() && whole) {
-        QMimeData* data = QsciScintillaBase::toMimeData(QByteArray(bytes.data(), size), false);
-        data->setData(QString::fromLatin1(BytesType), QByteArray(bytes.data(), size));
-        return data;
-    }
-    QMimeData* data = QsciScintillaBase::toMimeData(text, rectangular);
-    // The text that comes here has blanks in the place of NUL.
-    if (text.size() == size && size > 0)
-        data->setData(QString::fromLatin1(BytesType), QByteArray(bytes.data(), size));
-    return data;
-}
-
-QByteArray TextArea::fromMimeData(const QMimeData* source, bool& rectangular) const {
-    const QByteArray text = QsciScintillaBase::fromMimeData(source, rectangular);
-    const QByteArray bytes = source->data(QString::fromLatin1(BytesType));
-    return bytes.isEmpty() ? text : bytes;
 }
 
 }  // namespace tarn::platform::qt

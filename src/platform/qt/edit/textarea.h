@@ -104,50 +104,64 @@ protected:
 private:
     static constexpr int UnsavedMark = 0, SavedMark = 1;
     static constexpr int NumberMargin = 0, ChangeMargin = 1, FoldMargin = 2;
+    static constexpr int NumberGap = 6;       // pixels between number bar and text
+    static constexpr long MarkIndicator = 8;  // the first that is not the control's own
 
+    // textarea.cpp
     long send(unsigned message, long w = 0, long l = 0) const;
     long sendBytes(unsigned message, long w, const char* bytes) const;
-    void onModified();  // these three come before the text changes
-    void onInsertion(int position, int bytes);
-    void onRemoval(int position, int bytes);
-    void tellReader();  // a screen reader, of what was put in last
-    void onStyleNeeded(int end);
     void configure();
-    void applyColours();
-    void colourAnew();
-    void applyNumberBar();
-    void adoptLineEnd(std::string_view text);
-    void put(long from, long to, std::string_view text);  // of the control
-    [[nodiscard]] bool makesEndless(const std::vector<TextEdit>& edits) const;
-    int changePlaces(const std::vector<TextEdit>& edits, bool told);
-    void flush();                         // reports what has changed since the last time
-    void settle();                        // the same of what is not to be reported
-    void insert(std::string_view whole);  // in the place of the selection, whatever the limit
-    void insertTyped(std::string_view text);
-    bool refuses(std::string_view text);  // true, with a beep: no room for it
-    void refuse();
-    void step(unsigned message);     // SCI_UNDO or SCI_REDO
-    void checkInsertion(int bytes);  // of whatever the control itself puts in
-    // What goes into the control for a text that comes in at a place of it.
-    std::string_view inRows(int at, std::string_view text, std::string& store);
-    [[nodiscard]] Selection inControl(int start,
-                                      int length) const;  // of a part of the text, which is cut; from 0
-    void newLine();
-    bool pasteBytes();  // true: done with, put in or refused
-    [[nodiscard]] std::string withOwnEnds(std::string_view text) const;
-    bool pasteForeign();         // the same, of a text that another program has
-    void paste();                // what the user has asked for, by key or menu
-    bool shiftBlock(bool left);  // true: it was a block
+    void listen();
     [[nodiscard]] std::string_view view(int from, int to) const;  // of the control
     [[nodiscard]] int size() const;                               // of the control
     [[nodiscard]] int lineOf(int position) const;
     [[nodiscard]] int startOfLine(int line) const;
+    void adoptLineEnd(std::string_view text);
+    void step(unsigned message);                          // SCI_UNDO or SCI_REDO
+    void insert(std::string_view whole);                  // in the place of the selection, whatever the limit
+    void put(long from, long to, std::string_view text);  // of the control
+    void insertTyped(std::string_view text);
+    bool refuses(std::string_view text);  // true, with a beep: no room for it
+    void refuse();
+    void checkInsertion(int bytes);  // of whatever the control itself puts in
+    void onModified();               // these three come before the text changes
+    void onInsertion(int position, int bytes);
+    void onRemoval(int position, int bytes);
+    void tellReader();  // a screen reader, of what was put in last
+    void flush();       // reports what has changed since the last time
+    void settle();      // forgets it: nothing to report
+
+    // textarea_rows.cpp
+    // What goes into the control for a text that comes in at a place of it.
+    std::string_view inRows(int at, std::string_view text, std::string& store);
+    // Of a part of the text, which is cut; from 0.
+    [[nodiscard]] Selection inControl(int start, int length) const;
     void forgetOddSteps();
     // For what rows cannot take: sets the text anew, with an empty undo list. False: they take it.
     bool reloads(int start, int length, std::string_view text);
+    [[nodiscard]] bool makesEndless(const std::vector<TextEdit>& edits) const;
     bool eraseInRows(int key);  // true: it was a key that erases
 
+    // textarea_places.cpp
+    int changePlaces(const std::vector<TextEdit>& edits, bool told);
+
+    // textarea_user.cpp
+    bool lineKey(const QKeyEvent& event);
+    void newLine();
+    bool shiftBlock(bool left);  // true: it was a block
+    [[nodiscard]] std::string withOwnEnds(std::string_view text) const;
+    bool pasteForeign();  // true: done with, put in or refused; of a text that another program has
+    bool pasteBytes();    // the same, of any text
+    void paste();         // what the user has asked for, by key or menu
+
+    // textarea_colours.cpp
+    void applyColours();
+    void colourMarkings(const QColor& paper, const QColor& ink);
+    void colourAnew();
+    void onStyleNeeded(int end);
+
     // textarea_looks.cpp
+    void applyNumberBar();
     void applyLooks();
     void zoomTo(int points);
     bool zoomKey(const QKeyEvent& event);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What stands around the text of an edit window:
-//   looks        the caret's line, blanks, tabs, size, margins
+//   looks        the caret's line, blanks, tabs, size, flags, number bar and margins
 //   brackets     the partner of the one at the caret
 //   changes      marks in the margin
 //   line ends    which the text has, and other ones
@@ -19,8 +19,12 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr int FarthestPartner = 32768;  // bytes that are looked through for it
-constexpr int ChangeWidth = 4, FoldWidth = 14;
+constexpr int FarthestPartner = 32768;          // bytes that are looked through for it
+constexpr int ChangeWidth = 4, FoldWidth = 14;  // pixels
+
+// By LineEnds.
+constexpr long ControlEnds[] = {QsciScintillaBase::SC_EOL_LF, QsciScintillaBase::SC_EOL_CRLF,
+                                QsciScintillaBase::SC_EOL_CR};
 
 bool isBracket(char c) {
     return c != '\0' && std::string_view("()[]{}").find(c) != std::string_view::npos;
@@ -60,6 +64,31 @@ void TextArea::applyLooks() {
     if (!folds && send(SCI_GETMARGINWIDTHN, FoldMargin) > 0) foldAll(false);
     send(SCI_SETMARGINWIDTHN, FoldMargin, folds ? FoldWidth : 0);
     matchBrackets();
+}
+
+void TextArea::setFlags(int flags) {
+    const int changed = flags_ ^ flags;
+    flags_ = flags;
+    send(SCI_SETREADONLY, (flags & READONLY) != 0);
+    if ((flags & ALLOWOVERWRITE) == 0) send(SCI_SETOVERTYPE, 0);
+    digits_ = 0;
+    applyNumberBar();
+    applyLooks();
+    if ((changed & HILITE) != 0) colourAnew();
+    emit moved();
+}
+
+void TextArea::applyNumberBar() {
+    if ((flags_ & NUMBERBAR) == 0 || parts_.on()) {  // rows are no lines
+        send(SCI_SETMARGINWIDTHN, 0, 0);
+        digits_ = 0;
+        return;
+    }
+    const int digits = std::max(3, static_cast<int>(std::to_string(send(SCI_GETLINECOUNT)).size()));
+    if (digits == digits_) return;
+    digits_ = digits;
+    const std::string widest(static_cast<std::size_t>(digits), '8');
+    send(SCI_SETMARGINWIDTHN, 0, sendBytes(SCI_TEXTWIDTH, STYLE_LINENUMBER, widest.c_str()) + 2 * NumberGap);
 }
 
 void TextArea::defineMarks() {
@@ -206,8 +235,7 @@ int TextArea::lineEnds() {
     if (endsKnown_) return ends_;
     endsKnown_ = true;
     ends_ = lineEndsOf(view(0, size()));
-    static constexpr long modes[] = {SC_EOL_LF, SC_EOL_CRLF, SC_EOL_CR};
-    if (ends_ <= ENDS_CR) send(SCI_SETEOLMODE, modes[ends_]);
+    if (ends_ <= ENDS_CR) send(SCI_SETEOLMODE, ControlEnds[ends_]);
     return ends_;
 }
 
@@ -216,11 +244,10 @@ bool TextArea::convertLineEnds(int ends, int most) {
     const auto after = withLineEnds(view(0, size()), ends).size();
     if (most > 0 && after > static_cast<std::size_t>(most)) return false;
     flush();
-    static constexpr long modes[] = {SC_EOL_LF, SC_EOL_CRLF, SC_EOL_CR};
     free_ = true;
-    send(SCI_CONVERTEOLS, modes[ends]);
+    send(SCI_CONVERTEOLS, ControlEnds[ends]);
     free_ = false;
-    send(SCI_SETEOLMODE, modes[ends]);
+    send(SCI_SETEOLMODE, ControlEnds[ends]);
     ends_ = ends;
     endsKnown_ = true;
     applyMarks();

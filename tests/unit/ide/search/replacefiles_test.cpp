@@ -96,10 +96,12 @@ TEST_F(ReplaceFiles, WritesTheFilesAndTheirOldBytesBesideThem) {
     EXPECT_EQ(disk.openHandles(), 0);
 }
 
-TEST_F(ReplaceFiles, BackupsOfTheSameSecondGetTheNext) {
+TEST_F(ReplaceFiles, ABackupOfTheSameSecondStaysAndTheNewOneHasTheNext) {
     disk.put("/home/user/p/a.cls (2001-02-03 04-05-06).bak", "another");
-    EXPECT_EQ(REPLACEBACKUPNAME("/home/user/p/a.cls"), "/home/user/p/a.cls (2001-02-03 04-05-07).bak");
-    EXPECT_EQ(REPLACEBACKUPNAME("/home/user/p/b.cls"), "/home/user/p/b.cls (2001-02-03 04-05-06).bak");
+    EXPECT_EQ(WRITEREPLACEMENTS(choices, PLANREPLACEMENTS(choices)).files, 3);
+    EXPECT_EQ(disk.contents("/home/user/p/a.cls (2001-02-03 04-05-06).bak"), "another");
+    EXPECT_EQ(disk.contents("/home/user/p/a.cls (2001-02-03 04-05-07).bak"), Old.at("/home/user/p/a.cls"));
+    EXPECT_EQ(disk.contents("/home/user/p/b.cls (2001-02-03 04-05-06).bak"), Old.at("/home/user/p/b.cls"));
 }
 
 TEST_F(ReplaceFiles, BackupsAreForNobodyElse) {
