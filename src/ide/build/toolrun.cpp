@@ -21,9 +21,11 @@ std::string nextStep(std::int32_t code) {
 void TOOL_ONERROR(std::int32_t code) {
     const bool tool = code >= 901 && code <= 909;
     if (!tool && !ISFILEERROR(code)) return DefaultErrorHandler(code);
-    TELLERROR(code, tool ? "Cannot run external program." + nextStep(code)
-                         : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
-                           "compiler file path that you may write.");
+    TELLERROR(code,
+              tool
+                  ? "Cannot run external program." + nextStep(code)
+                  : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
+                    "compiler file path that you may write.");
 }
 
 // ---- names ----

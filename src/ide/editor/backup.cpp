@@ -28,8 +28,10 @@ namespace tarn {
 
 void BACKUP_ONERROR(std::int32_t code) {
     if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
-    TELLERROR(code, "An automatic backup could not be written, or an old one not be deleted. The text in its window "
-                    "is as it was. Check that there is room beside its file and that you may write there.");
+    TELLERROR(
+        code,
+        "An automatic backup could not be written, or an old one not be deleted. The text in its window "
+        "is as it was. Check that there is room beside its file and that you may write there.");
 }
 
 // ---- settings ----

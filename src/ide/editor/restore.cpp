@@ -20,8 +20,10 @@ namespace tarn {
 
 void RESTORE_ONERROR(std::int32_t code) {
     if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
-    TELLERROR(code, "The file was not restored. Nothing is lost: the text that it had is in the file or in its newest "
-                    "restore point, and the restore point that you have chosen is as it was.");
+    TELLERROR(
+        code,
+        "The file was not restored. Nothing is lost: the text that it had is in the file or in its newest "
+        "restore point, and the restore point that you have chosen is as it was.");
 }
 
 namespace {
