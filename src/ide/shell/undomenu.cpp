@@ -101,7 +101,6 @@ std::string_view nextLine(std::string_view& rest) {
 struct Item {
     std::string caption;
     bool heading = false;
-    friend bool operator==(const Item&, const Item&) = default;
 };
 
 // What the menu shows for these lines.
