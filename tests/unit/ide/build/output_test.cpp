@@ -72,7 +72,7 @@ TEST_F(Output, TellsHowAProgramEnded) {
                                                          {"echo x; kill -9 $$", "Ended by signal 9"}};
     for (const auto& [body, end] : cases) {
         run(body);
-        EXPECT_TRUE(until([&] { return state() == end; })) << body << " " << state();
+        EXPECT_TRUE(until([&, wanted = end] { return state() == wanted; })) << body << " " << state();
         EXPECT_TRUE(isShown()) << body;
     }
     EXPECT_EQ(text(), "x\n") << "each begins with an empty text";
