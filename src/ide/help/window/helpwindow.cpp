@@ -443,6 +443,8 @@ void HelpWindow::bringUp() {
     QWindow* const waiting = QGuiApplication::modalWindow();
     if (windowHandle()->transientParent() != waiting) {
         hide();
+        for (QWindow* one = waiting; one != nullptr; one = one->transientParent())
+            if (one->transientParent() == windowHandle()) one->setTransientParent(nullptr);  // else a ring
         windowHandle()->setTransientParent(waiting);
     }
     if (isMinimized()) showNormal();

@@ -492,6 +492,14 @@ void Frame::settle() {
 
 // ---- showing ----
 
+// What belonged to this window when it was shown last may be what it is to belong to now; the toolkit never comes to the
+// end of such a ring.
+void Frame::leaveRing() {
+    if (isVisible()) return;
+    for (QWindow* const other : QGuiApplication::allWindows())
+        if (other->transientParent() == windowHandle()) other->setTransientParent(nullptr);
+}
+
 void Frame::applyModality() {
     const Qt::WindowModality wanted = window_->modal ? Qt::ApplicationModal : Qt::NonModal;
     if (windowModality() != wanted) {
@@ -500,6 +508,7 @@ void Frame::applyModality() {
     }
     Frame* below = frameOfWidget(QApplication::activeWindow());
     winId();
+    leaveRing();
     if (window_->owned && !window_->modal)
         if (const Window* main = findWindow(Object("Main")); main != nullptr) below = frameOf(*main);
     const bool owned = (window_->modal || window_->owned) && below != nullptr && below != this;

@@ -51,6 +51,7 @@ private:
     void applyState();
     void applyLimits();
     void applyTitle();
+    void leaveRing();
     void applyModality();
     void applyColours(Control& control);
     void settleLarge();  // once the window system has done its part of that
