@@ -84,10 +84,12 @@ void prepareProfile(const std::string& profile, const std::string& files) {
     for (const char* name :
          {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "open2.bmp",
           "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so",
-          "libtarnwick-help.so", "help", "examples"}) {
+          "libtarnwick-help.so", "help"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }
+    // Examples are opened and saved where they lie: a case has its own.
+    fs::copy(SOURCE_DIR "/examples", profile + "examples", fs::copy_options::recursive);
     // A name of this program, so that the folder counts as its own.
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
     for (const char* name : {"ide.ini", "ide.bak"})
