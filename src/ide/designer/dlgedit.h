@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The dialog editor: a dialog of a resource file as two lists of property lists, held by invisible controls of the
+// window DialogDlg. There is no other store; every operation reads them.
+//
+//   datalist       item 1 the dialog, then its controls; later ones lie on top of earlier ones
+//   menulist       item 1 the menu, then its items; empty without a menu
+//   hilite1        the selected object: 0 none, 1 the dialog, n > 1 item n of datalist, -1 the menu
+//   marginstr, modestr, gridstr, linkstr, ctlprotectstr, changedflag, resourcedir, compilerdir, rcfile, dlgname,
+//   helpfile, helpkey, prophelpkey, menuhelpkey
+//
+// Errors are texts in boxes; none of these operations leaves a file damaged.
+#pragma once
+
+#include "kernel/windows/windowing.h"
+
+#include <string>
+
+namespace tarn {
+
+inline constexpr int OPEN_MODAL = 1;           // no Toolbox; shown modally
+inline constexpr int OPEN_LOCK_DELETION = 2;   // objects cannot be deleted
+inline constexpr int OPEN_AS_CHANGED = 4;      // marked as changed
+
+struct DialogOpening {
+    std::string caption, helpFile, helpKey, toolboxHelpKey, propertyHelpKey, menuHelpKey;
+    std::string grid;  // "4 4"
+    int flags = 0;
+    std::string file, dialog;
+};
+void DIALOGOPEN(const DialogOpening& opening);
+// With the captions, help keys and the grid of the environment's settings.
+void OPENDIALOG(const std::string& file, const std::string& dialog, int flags = 0);
+
+void DIALOGSAVE();            // the dialog stays marked as changed where it could not be saved
+bool DIALOGSAVEIFMODIFIED();  // asks first; always true: DIALOGGETMODIFY tells what the user chose
+std::string DIALOGGETFILENAME();  // empty if no dialog is open
+std::string DIALOGGETDLGNAME();
+bool DIALOGGETMODIFY();
+void DIALOGSETMODIFY(bool changed);
+void SETCHANGEDFLAG(const Object& window, const Object& checkbox, bool changed);
+
+// Puts right what an edit of an object's properties has left.
+void POSTEDITCHECK(const Object& datalist, int index);
+
+// Redraws the open dialog from its lists.
+void DIALOGREDRAW();
+
+// Tells the Program Window, if it is there, to read its files again.
+void AUTOREFRESHPROJECT();
+
+}  // namespace tarn

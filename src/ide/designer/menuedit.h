@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The menu editor: the flat list of a menu's items, nested by the level that POSITION holds.
+#pragma once
+
+#include "kernel/windows/windowing.h"
+
+#include <string>
+#include <vector>
+
+namespace tarn {
+
+// Item 1 of `items` is the property list of the menu, which stays. On OK with a change the others are replaced, and the
+// result is true.
+[[nodiscard]] bool MENUEDITDIALOG(const std::string& title, const std::string& helpFile, const std::string& helpKey,
+                                  std::vector<std::string>& items);
+bool MENUEDITDLG(const Object& window, int event, const Object& control, int parameter);
+
+}  // namespace tarn
