@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -24,6 +25,7 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QTreeView>
+#include <QWindow>
 
 #include <dlfcn.h>
 #include <memory>
@@ -100,6 +102,21 @@ TEST_F(HelpWindowTest, ShowsTopicsInAnyCaseWithBlanksOrNone) {
         EXPECT_EQ(show(File, c.topic), nullptr);
         EXPECT_EQ(page->documentTitle().toStdString(), c.title) << c.topic;
     }
+}
+
+// The toolkit goes round a ring for ever.
+TEST_F(HelpWindowTest, BelongsToADialogThatBelongedToItWithoutARing) {
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.winId();
+    dialog.windowHandle()->setTransientParent(window->windowHandle());
+    dialog.show();
+    EXPECT_EQ(show(File, "STRFIND"), nullptr);
+    EXPECT_EQ(window->windowHandle()->transientParent(), dialog.windowHandle());
+    EXPECT_EQ(dialog.windowHandle()->transientParent(), nullptr);
+    dialog.hide();
+    EXPECT_EQ(show(File, "STRFIND"), nullptr);
+    EXPECT_EQ(window->windowHandle()->transientParent(), nullptr);
 }
 
 TEST_F(HelpWindowTest, IsOneWindowThatIsUsedAgain) {

@@ -91,8 +91,8 @@ std::vector<UsedClass> usedClasses(const NamePlace& place) {
 
 // The windows and controls of a class stand in its symbol file alone.
 bool eachWindow(const std::string& file, const NamePlace& place, const NameFound& found) {
-    const std::string symbols = FILECHANGEEXT(file, ".sym");
-    for (const DeclaredName& name : *namesOf(symbols)) {
+    const std::shared_ptr<const Names> names = namesOf(FILECHANGEEXT(file, ".sym"));
+    for (const DeclaredName& name : *names) {
         const std::size_t dot = name.head.find('.');
         const bool fits = place.qualifier.empty() ||
                           (dot != std::string::npos && STREQUAL(name.head.substr(0, dot), place.qualifier));
@@ -102,7 +102,8 @@ bool eachWindow(const std::string& file, const NamePlace& place, const NameFound
 }
 
 bool eachShared(const std::string& file, const NameFound& found) {
-    for (const DeclaredName& name : *namesOf(file))
+    const std::shared_ptr<const Names> names = namesOf(file);
+    for (const DeclaredName& name : *names)
         if (isShared(name) && !found(name, file)) return false;
     return true;
 }
@@ -159,7 +160,8 @@ void EACHNAME(const NamePlace& place, const NameFound& found) {
         if (!used.file.empty() && (!found(name, used.file) || !eachShared(used.file, found))) return;
     }
     STAMP();
-    for (const DeclaredName& name : *namesOf(GETLIBRARYCLASS()))
+    const std::shared_ptr<const Names> library = namesOf(GETLIBRARYCLASS());
+    for (const DeclaredName& name : *library)
         if (isShared(name) && !found(name, "")) return;
 }
 

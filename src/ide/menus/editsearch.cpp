@@ -17,24 +17,44 @@ namespace {
 
 constexpr std::string_view FindSection = "Edit_Find", ReplaceSection = "Edit_Replace";
 
-std::string read(std::string_view section, std::string_view key) {
-    return PROFILESTRGET(GETIDEINIFILE(), section, key);
-}
-bool isOn(std::string_view section, std::string_view key) {
-    return read(section, key) == "1";
-}
-// A text that stands in quotes gets a pair around them, since the reading of settings takes one away.
-void write(std::string_view section, std::string_view key, const std::string& text) {
-    const bool quoted = text.size() > 1 && text.starts_with('"') && text.ends_with('"');
-    PROFILESTRPUT(GETIDEINIFILE(), section, key, quoted ? STRADDQUOTES(text) : text);
-}
-void write(std::string_view section, std::string_view key, bool on) {
-    PROFILESTRPUT(GETIDEINIFILE(), section, key, on ? "1" : "0");
+// What a dialog asks for, each under its key of the dialog's section.
+template <class Choice>
+struct Key {
+    std::string_view name;
+    bool Choice::*ticked = nullptr;
+    std::string Choice::*text = nullptr;
+};
+
+constexpr Key<FindChoice> findKeys[] = {{"FindString", nullptr, &FindChoice::text},
+                                        {"MatchWord", &FindChoice::matchWord},
+                                        {"MatchCase", &FindChoice::matchCase},
+                                        {"FromStart", &FindChoice::fromStart}};
+constexpr Key<ReplaceChoice> replaceKeys[] = {
+    {"OldString", nullptr, &ReplaceChoice::oldText}, {"NewString", nullptr, &ReplaceChoice::newText},
+    {"MatchWord", &ReplaceChoice::matchWord},        {"MatchCase", &ReplaceChoice::matchCase},
+    {"FromStart", &ReplaceChoice::fromStart},        {"ConfirmEach", &ReplaceChoice::confirmEach}};
+
+template <class Choice, std::size_t Count>
+Choice readChoice(std::string_view section, const Key<Choice> (&keys)[Count]) {
+    Choice choice;
+    for (const Key<Choice>& key : keys) {
+        const std::string value = PROFILESTRGET(GETIDEINIFILE(), section, key.name);
+        if (key.text != nullptr)
+            choice.*key.text = value;
+        else
+            choice.*key.ticked = value == "1";
+    }
+    return choice;
 }
 
-FindChoice findChoice() {
-    return {read(FindSection, "FindString"), isOn(FindSection, "MatchWord"), isOn(FindSection, "MatchCase"),
-            isOn(FindSection, "FromStart")};
+// A text that stands in quotes gets a pair around them, since the reading of settings takes one away.
+template <class Choice, std::size_t Count>
+void writeChoice(std::string_view section, const Key<Choice> (&keys)[Count], const Choice& choice) {
+    for (const Key<Choice>& key : keys) {
+        std::string value = key.text != nullptr ? choice.*key.text : choice.*key.ticked ? "1" : "0";
+        if (value.size() > 1 && value.starts_with('"') && value.ends_with('"')) value = STRADDQUOTES(value);
+        PROFILESTRPUT(GETIDEINIFILE(), section, key.name, value);
+    }
 }
 
 }  // namespace
@@ -42,22 +62,19 @@ FindChoice findChoice() {
 void DO_FIND() {
     FRAME(DO_FIND);
     STAMP();
-    FindChoice choice = findChoice();
+    FindChoice choice = readChoice(FindSection, findKeys);
     STAMP();
     const SearchDialogs extras(FindSection);
     FINDDIALOG("Edit-Find", SDIEdit, GETHELPFILE(), "Edit-Find", choice);
     STAMP();
-    write(FindSection, "FindString", choice.text);
-    write(FindSection, "MatchWord", choice.matchWord);
-    write(FindSection, "MatchCase", choice.matchCase);
-    write(FindSection, "FromStart", choice.fromStart);
+    writeChoice(FindSection, findKeys, choice);
     STAMP();
 }
 
 void DO_FIND_NEXT() {
     FRAME(DO_FIND_NEXT);
     STAMP();
-    const FindChoice choice = findChoice();
+    const FindChoice choice = readChoice(FindSection, findKeys);
     STAMP();
     if (!ISREGEXCHOSEN(FindSection))
         return FINDNEXT(SDIEdit, choice.text, choice.matchWord, choice.matchCase, false);
@@ -69,26 +86,19 @@ void DO_FIND_NEXT() {
 void DO_REPLACE() {
     FRAME(DO_REPLACE);
     STAMP();
-    ReplaceChoice choice{read(ReplaceSection, "OldString"),   read(ReplaceSection, "NewString"),
-                         isOn(ReplaceSection, "MatchWord"),   isOn(ReplaceSection, "MatchCase"),
-                         isOn(ReplaceSection, "ConfirmEach"), isOn(ReplaceSection, "FromStart")};
+    ReplaceChoice choice = readChoice(ReplaceSection, replaceKeys);
     STAMP();
     const SearchDialogs extras(ReplaceSection);
     REPLACEDIALOG("Edit-Replace", SDIEdit, GETHELPFILE(), "Edit-Replace", choice);
     STAMP();
-    write(ReplaceSection, "OldString", choice.oldText);
-    write(ReplaceSection, "NewString", choice.newText);
-    write(ReplaceSection, "MatchWord", choice.matchWord);
-    write(ReplaceSection, "MatchCase", choice.matchCase);
-    write(ReplaceSection, "FromStart", choice.fromStart);
-    write(ReplaceSection, "ConfirmEach", choice.confirmEach);
+    writeChoice(ReplaceSection, replaceKeys, choice);
     STAMP();
 }
 
 void DO_FIND_MARKS() {
     FRAME(DO_FIND_MARKS);
     STAMP();
-    const FindChoice choice = findChoice();
+    const FindChoice choice = readChoice(FindSection, findKeys);
     const auto search =
         MAKESEARCH(choice.text, choice.matchWord, choice.matchCase, ISREGEXCHOSEN(FindSection));
     STAMP();

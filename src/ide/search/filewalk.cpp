@@ -17,26 +17,6 @@ namespace {
 
 constexpr std::size_t MostDepth = 200;  // folders in folders
 
-bool fits(std::string_view name, std::string_view pattern) {
-    std::size_t at = 0, in = 0, star = std::string_view::npos, retry = 0;
-    while (at < name.size()) {
-        if (in < pattern.size() && pattern[in] == '*') {
-            star = in++;
-            retry = at;
-        } else if (in < pattern.size() &&
-                   (pattern[in] == '?' || ascii::upper(pattern[in]) == ascii::upper(name[at]))) {
-            ++in;
-            ++at;
-        } else if (star != std::string_view::npos) {
-            in = star + 1;
-            at = ++retry;
-        } else {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of('*', in) == std::string_view::npos;
-}
-
 class Walk {
 public:
     Walk(std::string_view patterns, bool subfolders, LongWork& work)
@@ -94,7 +74,7 @@ bool FITSPATTERNS(std::string_view name, std::string_view patterns) {
     for (std::size_t at = 0; at < patterns.size();) {
         const std::size_t end = std::min(patterns.find_first_of("; \t", at), patterns.size());
         const std::string_view pattern = patterns.substr(at, end - at);
-        if (!pattern.empty() && fits(name, pattern)) return true;
+        if (!pattern.empty() && ascii::matches(name, pattern)) return true;
         any = any || !pattern.empty();
         at = end + 1;
     }

@@ -57,6 +57,27 @@ constexpr bool equal(std::string_view a, std::string_view b) {
     return true;
 }
 
+// Whether the whole name is what the pattern says, without regard to case: `*` stands for any characters, `?` for one.
+// Cost: the product of the lengths at worst.
+constexpr bool matches(std::string_view name, std::string_view pattern) {
+    std::size_t at = 0, in = 0, star = std::string_view::npos, retry = 0;
+    while (at < name.size()) {
+        if (in < pattern.size() && pattern[in] == '*') {
+            star = in++;
+            retry = at;
+        } else if (in < pattern.size() && (pattern[in] == '?' || upper(pattern[in]) == upper(name[at]))) {
+            ++in;
+            ++at;
+        } else if (star != std::string_view::npos) {
+            in = star + 1;
+            at = ++retry;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of('*', in) == std::string_view::npos;
+}
+
 // The value of a hexadecimal digit, -1 for any other character.
 constexpr int hexDigit(char c) {
     if (isDigit(c)) return c - '0';

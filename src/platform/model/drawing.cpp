@@ -72,21 +72,42 @@ std::string withoutTabs(std::string_view line) {
     return out;
 }
 
-// How many bytes of the line fit into the width; at least one character.
+// Whether a character of several bytes goes on there.
+bool isInside(std::string_view line, std::size_t at) {
+    return at < line.size() && (static_cast<unsigned char>(line[at]) & 0xC0U) == 0x80U;
+}
+
+// The place, or the start of the character of several bytes that it stands in.
+std::size_t characterStart(std::string_view line, std::size_t at) {
+    std::size_t start = at;
+    while (start > 0 && at - start < 3 && isInside(line, start)) --start;
+    return isInside(line, start) ? at : start;
+}
+
+// How many bytes of the line fit into the width; at least one character. Cost: of a line without end only what is near
+// the width is measured.
 std::size_t fitting(const Control& control, std::string_view line, int width) {
-    if (view().textWidth(control, line) <= width) return line.size();
-    std::size_t low = 0, high = line.size();  // what fits, what does not
-    while (high - low > 1) {
-        const std::size_t middle = (low + high) / 2;
-        (view().textWidth(control, line.substr(0, middle)) <= width ? low : high) = middle;
-    }
-    const auto inside = [&](std::size_t at) {
-        return at < line.size() && (static_cast<unsigned char>(line[at]) & 0xC0U) == 0x80U;
+    constexpr std::size_t Guess = 64;
+    const auto fits = [&](std::size_t count) {
+        return view().textWidth(control, line.substr(0, count)) <= width;
     };
-    while (low > 0 && inside(low)) --low;
-    if (low == 0)
-        for (low = 1; inside(low);) ++low;
-    return low;
+    std::size_t low = 0,
+                high = characterStart(line, std::min(line.size(), Guess));  // what fits, what may not
+    while (fits(high)) {
+        if (high == line.size()) return high;
+        low = high;
+        high = characterStart(line, std::min(line.size(), 2 * high));
+    }
+    const auto next = [&](std::size_t at) {
+        std::size_t end = at + 1;
+        while (end - at < 4 && isInside(line, end)) ++end;
+        return end;
+    };
+    while (next(low) < high) {
+        const std::size_t middle = std::max(characterStart(line, (low + high) / 2), next(low));
+        (fits(middle) ? low : high) = middle;
+    }
+    return low > 0 ? low : next(low);
 }
 
 void putLine(Control& control, std::string_view line) {
@@ -110,8 +131,7 @@ std::string shortened(const Control& control, std::string_view text, int width) 
     std::string out;
     do {
         text.remove_prefix(1);
-        while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0U) == 0x80U)
-            text.remove_prefix(1);
+        while (isInside(text, 0)) text.remove_prefix(1);
         out = "..." + std::string(text);
     } while (!text.empty() && view().textWidth(control, out) > width);
     return out;

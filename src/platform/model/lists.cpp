@@ -3,6 +3,7 @@
 // Rows of list controls, and the named values of windows.
 #include "platform/operations/lists.h"
 
+#include "os/text/ascii.h"
 #include "platform/model/access_internal.h"
 #include "platform/text.h"
 
@@ -118,26 +119,6 @@ void setValue(NamedValues& values, std::string_view name, std::string_view value
         values.emplace_back(name, value);
 }
 
-// `*` stands for any characters, `?` for one.
-bool fits(std::string_view name, std::string_view pattern) {
-    std::size_t at = 0, in = 0, star = std::string_view::npos, retry = 0;
-    while (at < name.size()) {
-        if (in < pattern.size() && pattern[in] == '*') {
-            star = in++;
-            retry = at;
-        } else if (in < pattern.size() && (pattern[in] == '?' || upper(pattern[in]) == upper(name[at]))) {
-            ++in;
-            ++at;
-        } else if (star != std::string_view::npos) {
-            in = star + 1;
-            at = ++retry;
-        } else {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of('*', in) == std::string_view::npos;
-}
-
 }  // namespace
 
 Answer<std::string> GetArrayValue(const Object& object, std::string_view name) {
@@ -159,7 +140,7 @@ Answer<std::vector<std::string>> GetArrayValues(const Object& object, std::strin
     if (window == nullptr) return {{}, WindowNotLoaded};
     Answer<std::vector<std::string>> answer;
     for (const auto& [name, value] : window->values)
-        if (fits(name, pattern)) answer.value.push_back(name + "=" + value);
+        if (ascii::matches(name, pattern)) answer.value.push_back(name + "=" + value);
     return answer;
 }
 

@@ -38,6 +38,33 @@ TEST(AsciiTest, TextsAreEqualWithoutRegardToCase) {
     EXPECT_FALSE(equal("\xC4", "\xE4"));
 }
 
+TEST(AsciiTest, NamesFitPatternsOfWildcards) {
+    struct Row {
+        const char *name, *pattern;
+        bool fits;
+    };
+    static constexpr Row rows[] = {{"", "", true},
+                                   {"", "*", true},
+                                   {"", "?", false},
+                                   {"a", "", false},
+                                   {"a.cls", "*.cls", true},
+                                   {"A.CLS", "*.cls", true},
+                                   {"a.cls", "*.CL?", true},
+                                   {"a.cl", "*.CL?", false},
+                                   {"abab", "*ab", true},
+                                   {"aab", "*ab", true},
+                                   {"abc", "a*b", false},
+                                   {"abc", "a**c", true},
+                                   {"abc", "abc*", true},
+                                   {"abc", "?b?", true},
+                                   {"abcd", "?b?", false},
+                                   {"a*c", "a*c", true},
+                                   {"\xC3\xA4.txt", "??.txt", true}};
+    for (const Row& row : rows)
+        EXPECT_EQ(matches(row.name, row.pattern), row.fits) << row.name << " " << row.pattern;
+    EXPECT_FALSE(matches(std::string(3000, 'a'), "*a*a*a*a*b"));
+}
+
 TEST(AsciiTest, HexadecimalDigitsHaveValues) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     for (std::size_t i = 0; i < digits.size(); ++i) {

@@ -212,6 +212,29 @@ TEST_F(DrawingTest, AFullPageEndsByItselfAndALongLineIsBroken) {
     EXPECT_TRUE(text.ends_with("\fx\n" + row + "\n" + row + "\n\xC3\xA4z\n")) << text.substr(text.find('\f'));
 }
 
+TEST_F(DrawingTest, ALineWithoutEndIsBrokenBetweenCharactersAndLosesNone) {
+    const int letters = GetPageWidth(Sysprinter).value / 6;
+    for (const std::string letter : {"y", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\x80", "\xFF"}) {
+        SetCaption(Sysprinter, "long");
+        ASSERT_EQ(StartPrint(Sysprinter), Ok);
+        std::string line;
+        for (int i = 0; i < letters * 300 + 7; ++i) line += letter;
+        DrawTextstr(Sysprinter, line);
+        EndPrint(Sysprinter);
+        std::string text, rest = written("long.txt");
+        int whole = 0;
+        for (std::size_t end = 0; (end = rest.find('\n')) != std::string::npos; rest.erase(0, end + 1)) {
+            const std::string row =
+                rest.substr(rest.starts_with('\f') ? 1 : 0, end - (rest.starts_with('\f') ? 1 : 0));
+            EXPECT_EQ(row.size() % letter.size(), 0U) << letter;
+            whole += row.size() == letter.size() * static_cast<std::size_t>(letters);
+            text += row;
+        }
+        EXPECT_EQ(text, line) << letter;
+        EXPECT_TRUE(whole == 300 || letter == "\x80" || letter == "\xFF") << letter << whole;
+    }
+}
+
 TEST_F(DrawingTest, EachPageHasItsHeadingWithItsNumber) {
     SetCaption(Sysprinter, "headed");
     PrintJob job;
