@@ -57,7 +57,8 @@ TemplateChoice OPENTEMPLATEDIALOG(std::string filename) {
     FRAME(OPENTEMPLATEDIALOG);
     STAMP();
     if (filename.empty())
-        filename = OpenFileDialog(Title, FILEGETDIR(GETIDEINIFILE()) + "*.ini", "Template files (*.ini)|*.ini|");
+        filename =
+            OpenFileDialog(Title, FILEGETDIR(GETIDEINIFILE()) + "*.ini", "Template files (*.ini)|*.ini|");
     if (filename.empty()) return {};
     STAMP();
     if (FileSize(filename) <= 0) {
@@ -87,8 +88,8 @@ std::string TESTTEMPLATE(const std::string& filename, const std::string& section
     }
     TemplateParameters list = TEMPLATETOPROPLIST(loaded.text);
     STAMP();
-    if (!list.names.empty() && !PROPERTIESDIALOG(section, GETHELPFILE(), HELPTOPIC(Title), list.names, list.types,
-                                                 list.values))
+    if (!list.names.empty() &&
+        !PROPERTIESDIALOG(section, GETHELPFILE(), HELPTOPIC(Title), list.names, list.types, list.values))
         return {};
     STAMP();
     const TemplateText result = UPDATETEMPLATE(list, loaded.text, false);
