@@ -14,8 +14,10 @@ protected:
         IdeTest::SetUp();
         start();
         asked.clear();
+        platform::view().setIdle([] { platform::QuitMainLoop(); });  // a window that waits is left at once
     }
     void TearDown() override {
+        platform::view().setIdle({});
         EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
         IdeTest::TearDown();
     }
@@ -69,6 +71,8 @@ TEST_F(TestTemplate, ATemplateThatCannotBeLoadedIsTold) {
 TEST_F(TestTemplate, GivesAndShowsTheText) {
     const std::string file = write("own.ini", "[Template.a]\r\n1=#UCASE(x)\r\n2=y\r\n");
     EXPECT_EQ(TESTTEMPLATE(file, "Template.a"), "X\ny\n");
+    ASSERT_TRUE(IsLoaded(Object("TemplateTextDlg")));
+    EXPECT_EQ(GetText(FINDCONTROL(Object("TemplateTextDlg"), "edit1")), "X\ny\n");
 }
 
 }  // namespace
