@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editblocks.h"
 
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/example.h"
 #include "ide/editor/lineends.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/windows.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
@@ -58,6 +60,8 @@ void DO_COPY() {
 
 void DO_DELETE() {
     FRAME(DO_DELETE);
+    STAMP();
+    if (DIALOGISINFRONT()) return DIALOGDELETESELECTED();
     STAMP();
     if (holdsFile() && GetSelection(SDIEdit).length > 0) SetSelText(SDIEdit, "");
     STAMP();
@@ -160,6 +164,8 @@ void PASTEEXAMPLE(const std::string& text, const Object& programLabel) {
     const std::string file = saveExample(text, names);
     STAMP();
     if (!file.empty()) EDITWNDOPEN(SDIEdit, file, false, 0);
+    STAMP();
+    if (!file.empty() && ISMAINCLASS(file)) PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
     STAMP();
 }
 

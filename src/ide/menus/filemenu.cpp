@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/filemenu.h"
 
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
@@ -20,10 +21,12 @@ void requireType(const Object& control, std::string_view type) {
     Precondition(STREQUAL(GetTypeof(control), type));
 }
 
-// Opens the file and notes it among the recent ones if the window took it.
-void openAndRemember(const std::string& file) {
+// Opens the file, and the program if it is one, and notes it among the recent ones if the window took it.
+void openAndRemember(const std::string& file, bool isMain, const Object& programLabel) {
     EDITWNDOPEN(SDIEdit, file, false, 0);
-    if (STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
+    if (!STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) return;
+    if (isMain) PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
+    SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
 }
 
 bool programWindowsLoaded() {
@@ -55,7 +58,7 @@ void DO_OPEN(std::string name, const Object& programLabel) {
     STAMP();
     if (isMain && programWindowsLoaded() && !CLOSEALL()) return;
     STAMP();
-    openAndRemember(name);
+    openAndRemember(name, isMain, programLabel);
 }
 
 bool CLOSEALL() {
@@ -76,6 +79,7 @@ void DO_SAVE() {
     const std::string window = GETSAVEWINDOW();
     STAMP();
     if (STREQUAL(window, SDIEdit.window())) return EDITWNDSAVE(SDIEdit, false);
+    if (STREQUAL(window, DialogDlg.window())) return DIALOGSAVE();
     Sound();
 }
 
@@ -100,7 +104,8 @@ void DO_CLOSE_ALL() {
 void DO_CLOSE(const std::string& name) {
     FRAME(DO_CLOSE);
     STAMP();
-    if (STREQUAL(name, SDIEdit.window())) return Unload(SDIEdit);
+    for (const Object& window : {SDIEdit, DialogDlg})
+        if (STREQUAL(name, window.window())) return Unload(window);
     Sound();
 }
 

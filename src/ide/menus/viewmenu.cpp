@@ -2,6 +2,8 @@
 #include "ide/menus/viewmenu.h"
 
 #include "ide/build/textview.h"
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/toolbox.h"
 #include "ide/build/toolrun.h"
 #include "ide/editor/completion.h"
 #include "ide/editor/declaration.h"
@@ -9,10 +11,12 @@
 #include "ide/editor/textedit.h"
 #include "ide/program/browseinfo.h"
 #include "ide/program/functionlist.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
+#include "library/source/symbols.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -46,6 +50,19 @@ void DO_ERRORS() {
         Show(ViewDlg, false);
     else
         VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFontName(SDIEdit), GetFontSize(SDIEdit));
+}
+
+void DO_PROGRAM_WINDOW(const Object& programLabel) {
+    FRAME(DO_PROGRAM_WINDOW);
+    STAMP();
+    Precondition(STREQUAL(GetTypeof(programLabel), "Label"));
+    STAMP();
+    if (IsLoaded(ProjectEditorDlg)) return static_cast<void>(Show(ProjectEditorDlg, false));
+    const std::string file = EDITWNDGETFILENAME(SDIEdit);
+    if (!ISMAINCLASS(file)) return Sound();
+    STAMP();
+    PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
+    STAMP();
 }
 
 // ---- the Code window ----
@@ -142,6 +159,17 @@ void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object&
     PROFILESTRPUT(GETIDEINIFILE(), "Main", "VIEW_STD_TOOLBAR", on ? "1" : "0");
     STAMP();
     EDITWNDSETMAXSIZE(SDIEdit, mainWindow);
+}
+
+// Only for the dialog editor, whose Toolbox it is.
+void DO_TOOLBOX(const Object& menuItem) {
+    FRAME(DO_TOOLBOX);
+    STAMP();
+    Precondition(STREQUAL(GetTypeof(menuItem), "Menuitem"));
+    STAMP();
+    if (!ISSHOWN(DialogDlg)) return Sound();
+    if (TOOLBOXGETVISIBLE()) return TOOLBOXCLOSE();
+    TOOLBOXOPEN(GETHELPFILE(), "Toolbox");
 }
 
 }  // namespace tarn

@@ -71,6 +71,7 @@ public:
     Rect minimum_, maximum_;
     bool closeBox = true, maxButton = true, minButton = true;
     bool owned = false;   // stays above the main window
+    bool onTop = false;   // stays above all windows
     int borderStyle = 2;  // 0 none, 1 fixed, 2 sizable
     int state = 0;        // 0 normal, 1 minimised, 2 maximised
     bool shown = false, modal = false, closing = false;
@@ -113,6 +114,8 @@ bool busy();         // SetBusy is on
 // False while the window takes no input: a modal one is open above it, or the program is busy.
 bool takesInput(const Window& window);
 
+// A control that no window has, of a property list; null if that is none of a control.
+std::unique_ptr<Control> makeLoose(std::string_view properties);
 // The text store of the model itself.
 std::unique_ptr<TextStore> makePlainText();
 

@@ -352,7 +352,9 @@ Desktop QtView::desktop() {
     const QRect area = screen->geometry();
     return {static_cast<int>(QGuiApplication::screens().size()),
             {area.x(), area.y(), area.width(), area.height()},
-            QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize)};
+            QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize),
+            QApplication::palette().color(QPalette::Window).lightness() <
+                QApplication::palette().color(QPalette::WindowText).lightness()};
 }
 
 Rect QtView::frameExtents(const Window& window) {
@@ -501,7 +503,8 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
         if (command(*frame, modelShortcut(event))) return true;
         if (openMainMenu(*frame, event)) return true;
     }
-    return false;
+    const bool alone = focus == nullptr || focus == frame;
+    return alone && windowHearsLast(event) && userKey(frame->window(), nullptr, modelShortcut(event));
 }
 
 // The window system gives a window the focus in its own time; what is typed meanwhile still comes to the main

@@ -5,7 +5,9 @@
 // its Peer. Grids are in gridpeer, shapes, icons and images in picturepeer, edits and edit windows in textpeers.
 #include "platform/qt/controls/widgets.h"
 
+#include "platform/model/pictures.h"
 #include "platform/qt/controls/gridpeer.h"
+#include "platform/qt/controls/markedrows.h"
 #include "platform/qt/controls/picturepeer.h"
 #include "platform/qt/controls/rowsview.h"
 #include "platform/qt/controls/textpeers.h"
@@ -49,7 +51,11 @@ public:
     QVariant data(const QModelIndex& index, int role) const override {
         const auto row = static_cast<std::size_t>(index.row());
         if (!index.isValid() || control_ == nullptr || row >= control_->rows.size()) return {};
-        if (role == Qt::DisplayRole || role == Qt::EditRole) return shown(control_->rows[row].text);
+        const std::string& text = control_->rows[row].text;
+        const bool marked = control_->type == Type::Iconlist && text.find(char(BoldMark)) != std::string::npos;
+        if (role == Qt::DisplayRole || role == Qt::EditRole)
+            return marked ? shown(text).remove(QChar(BoldMark)) : shown(text);
+        if (role == MarkedTextRole && marked) return shown(text);
         if (role == Qt::DecorationRole && !control_->rows[row].picture.empty())
             return iconOf(control_->rows[row].picture);
         return {};
@@ -112,7 +118,7 @@ public:
         // The bar goes by the widest row, so each of them has to be measured.
         list.setUniformItemSizes((control.scrollBars & 1) == 0);
         list.refreshed = [this] { late_->now(); };
-        if (control.type == Type::Iconlist) list.setIconSize({20, 20});
+        if (control.type == Type::Iconlist) dressIcons();
         list.doubleClicked = [this](QPoint at) {
             at = inWindow(*list_.viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
@@ -137,6 +143,11 @@ public:
     }
 
 private:
+    // A picture that is wider than it is high, such as one that begins with the line of a tree, keeps its proportions.
+    void dressIcons() {
+        list_.setIconSize({60, 20});
+        list_.setItemDelegate(new MarkedRows(&list_));
+    }
     void choose() {
         quiet_ = true;
         const QModelIndex row = rows_->index(control_->listIndex - 1);
@@ -345,13 +356,18 @@ public:
     }
     void apply(Property property) override {
         if (property == Property::Caption || property == Property::Picture) dress();
-        if (property == Property::Position) {
-            const int side = std::min(control_->position.w, control_->position.h);
-            button_.setIconSize(QSize(1, 1) * std::clamp(side - 10, 16, 48));
-        }
+        if (property == Property::Position || property == Property::Picture) sizeIcon();
     }
 
 private:
+    // A drawn face fills the button; an icon is a square in it.
+    void sizeIcon() {
+        const PictureSource* const source = pictureSource(control_->picture);
+        const QSize room(control_->position.w, control_->position.h);
+        const int side = std::clamp(std::min(room.width(), room.height()) - 10, 16, 48);
+        const bool face = source != nullptr && source->face;
+        button_.setIconSize(face ? (room - QSize(6, 6)).expandedTo({16, 16}) : QSize(side, side));
+    }
     void dress() {
         const QIcon icon = iconOf(control_->picture);
         button_.setIcon(icon);
@@ -530,6 +546,21 @@ constexpr Property All[] = {
     Property::Flags,   Property::Tokens,  Property::Status,
 };
 
+// A text that cannot be edited is there to be read: desktops draw it so faint that it cannot be.
+QPalette desktopColours(Type type) {
+    QPalette colours;
+    if (type != Type::Edit) return colours;
+    const QPalette desktop = QApplication::palette();
+    const QColor paper = desktop.color(QPalette::Disabled, QPalette::Base);
+    const QColor ink = desktop.color(QPalette::Active, QPalette::Text);
+    constexpr int share = 60;  // of a hundred, the ink's
+    const auto mix = [](int a, int b) { return (a * (100 - share) + b * share) / 100; };
+    colours.setColor(
+        QPalette::Disabled, QPalette::Text,
+        QColor(mix(paper.red(), ink.red()), mix(paper.green(), ink.green()), mix(paper.blue(), ink.blue())));
+    return colours;
+}
+
 }  // namespace
 
 Peer::Peer(Control& control, QWidget& widget) : QObject(&widget), control_(&control), widget_(&widget) {
@@ -577,6 +608,38 @@ void applyFont(QWidget& widget, const Font& own, const Font& inherited) {
         widget.setFont(QFont());
     else
         widget.setFont(qtFont(font, QApplication::font(&widget)));
+}
+
+void applyColours(QWidget& widget, const Control& control) {
+    const bool own = isWindowType(control.type);
+    // Black on white is what a resource file says that means nothing special; the desktop's colours stand for
+    // it.
+    const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
+    if ((control.foreColour < 0 && control.backColour < 0) || plain) {
+        widget.setPalette(desktopColours(control.type));
+        return;
+    }
+    QPalette palette = QApplication::palette(&widget);
+    // Controls have a window's colours only where its ground shows through them.
+    const auto set = [&](int colour, std::initializer_list<QPalette::ColorRole> roles) {
+        if (colour < 0) return;
+        palette.setColor(*roles.begin(), colourOf(colour));
+        if (!own)
+            for (const auto role : roles) palette.setColor(role, colourOf(colour));
+    };
+    set(control.foreColour, {QPalette::WindowText, QPalette::Text, QPalette::ButtonText});
+    set(control.backColour, {QPalette::Window, QPalette::Base, QPalette::Button});
+    if (control.type == Type::Progressbar) set(control.foreColour, {QPalette::Highlight});
+    widget.setPalette(palette);
+    widget.setAutoFillBackground(control.backColour >= 0);
+}
+
+QRect placeOf(const Control& control, const QWidget& widget) {
+    const Rect& r = control.position;
+    int height = r.h;
+    if (qobject_cast<const QComboBox*>(&widget) != nullptr)
+        height = std::min(height, widget.sizeHint().height());
+    return {r.x, r.y, std::max(r.w, 0), std::max(height, 0)};
 }
 
 }  // namespace tarn::platform::qt
