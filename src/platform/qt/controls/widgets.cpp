@@ -130,6 +130,7 @@ public:
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
 
+    void catchUp() override { late_->now(); }
     void letGo() override {
         quiet_ = true;
         late_->stop();
@@ -249,6 +250,7 @@ public:
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
     QWidget* focusWidget() override { return line_; }
+    void catchUp() override { late_->now(); }
     void letGo() override {
         giveBackText(*control_);
         quiet_ = true;
