@@ -50,5 +50,10 @@ Peer* peerOf(const Control& control);  // null for a control without a widget an
 void applyBars(QAbstractScrollArea& area, const Control& control);
 void applyFont(QWidget& widget, const Font& own, const Font& inherited);
 QFont qtFont(const Font& font, const QFont& base);
+// The colours of a control, or of the client area of a window.
+void applyColours(QWidget& widget, const Control& control);
+// Where the widget stands. Drop-down boxes have the height of their line; a resource file gives them that of the dropped
+// list.
+QRect placeOf(const Control& control, const QWidget& widget);
 
 }  // namespace tarn::platform::qt
