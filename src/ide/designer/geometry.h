@@ -4,7 +4,11 @@
 // window, inside a margin. All rectangles are pixels relative to the left upper corner of the drawn frame, unless
 // something else is said.
 //
-// Cost: each asks the window for the size of its letters.
+// The window's font is the dialog's (DRAWWINDOW sets it); to measure a caption or a menu it is set to the frame's and back.
+// Errors: those of the measures (a window that is not loaded), with rectangles of 0.
+//
+// Cost: each asks the window for the size of its letters, twice where a caption or a menu is measured; GETCLICKINDEX reads
+// the positions of the controls.
 #pragma once
 
 #include "kernel/windows/windowing.h"
@@ -14,11 +18,15 @@
 
 namespace tarn {
 
+// The letters of the frame's own texts.
+inline constexpr std::string_view FRAME_FONT = "Microsoft Sans Serif";
+inline constexpr int FRAME_FONT_SIZE = 8;
+
 // How much of the frame is drawn.
 enum FrameMode : int { CLIENT_ONLY = 0, CLIENT_AND_MENU = 1, FULL_FRAME = 2 };
 
 struct FrameRects {
-    Rect position;  // POSITION of the dialog
+    Rect position;                      // POSITION of the dialog
     Rect client, frame, caption, menu;  // what is not drawn is all 0
 };
 // Of a dialog's property list. A mode that is none gives rectangles of 0, but the position.

@@ -127,4 +127,11 @@ bool windowHears(const QWidget* focus, const QKeyEvent& event) {
     return isArrow(key) && !text && (focus == nullptr || !isList(*focus));
 }
 
+bool windowHearsLast(const QKeyEvent& event) {
+    const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (modifiers.testFlag(Qt::AltModifier) || modifiers.testFlag(Qt::MetaModifier)) return false;
+    const bool tab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
+    return tab || (modifiers != Qt::NoModifier && modelKey(event.key()) != 0);
+}
+
 }  // namespace tarn::platform::qt
