@@ -86,14 +86,14 @@ void NOTEPROJECTFILES(const Object& window) {
     NOTEPROJECTFILES(window, GetArrayValue(window, FilesValue));
 }
 
-void PROJECTCAMEFORWARD(const Object& window) {
+bool PROJECTCAMEFORWARD(const Object& window) {
     FRAME(PROJECTCAMEFORWARD);
     STAMP();
-    if (!IsLoaded(window)) return;
+    if (!IsLoaded(window)) return false;
     const std::string files = GetArrayValue(window, FilesValue);
-    if (files.empty() || stampsOf(files) == GetArrayValue(window, StampsValue)) return;
+    if (files.empty() || stampsOf(files) == GetArrayValue(window, StampsValue)) return false;
     STAMP();
-    SETTIMER(window, Patience);
+    return SETTIMER(window, Patience);
 }
 
 void PROJECTFOLLOWFILES(const Object& window) {
