@@ -9,6 +9,7 @@
 #include "ide/shell/windows.h"
 #include "library/designer/propedit.h"
 #include "library/designer/proputil.h"
+#include "library/settings/profstr.h"
 #include "library/source/codewiz.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
