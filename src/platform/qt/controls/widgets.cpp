@@ -136,6 +136,7 @@ public:
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
 
+    void catchUp() override { late_->now(); }
     void letGo() override {
         quiet_ = true;
         late_->stop();
@@ -260,6 +261,7 @@ public:
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
     QWidget* focusWidget() override { return line_; }
+    void catchUp() override { late_->now(); }
     void letGo() override {
         giveBackText(*control_);
         quiet_ = true;
