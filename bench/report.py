@@ -125,6 +125,7 @@ def main():
         ("keyToPaintWithLooks", None, 4e6), ("endlessKeyToPaintStart", None, 16e6),
         ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
+        ("designRedraw255", "plainPaint255", 1.2), ("designAnew255", "plain255", None), ("designAnew255", None, 50e6),
         *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),
         ("menuRefreshFresh/50", None, 2e6), ("menuRefreshFresh/10000", None, None),
         ("loadAndUnload", None, None),

@@ -196,9 +196,10 @@ struct Process {
 
 // What the user sits before.
 struct Desktop {
-    int monitors = 0;  // 0: there is no screen, and nothing of the rest is known
-    Rect screen;       // the whole of the screen with the active window
-    int iconSize = 0;  // pixels of the side of a large icon
+    int monitors = 0;   // 0: there is no screen, and nothing of the rest is known
+    Rect screen;        // the whole of the screen with the active window
+    int iconSize = 0;   // pixels of the side of a large icon
+    bool dark = false;  // its letters are lighter than their ground
 };
 
 struct CommTimeouts {

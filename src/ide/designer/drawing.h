@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The picture of a dialog: painted from its property lists on the window of the dialog editor, never made of real
-// controls. It shows what the running window will show.
+// controls. It shows what the running window will show: fonts, colours and pictures of the dialog, in the desktop's own
+// style (dlgdraw.h).
+//
+// Errors: what cannot be read is a default (a list without POSITION has no size and does not show), and a picture that is
+// not there is a crossed box with its name; a window that is not loaded sets the error cell. Cost: 255 controls take less
+// than 255 plain widgets take to paint; see DrawControl.
 #pragma once
 
 #include "ide/designer/geometry.h"
@@ -16,10 +21,12 @@ struct DesignPicture {
     std::string grid;  // width and height in resource units; "0 0" draws none
     Margin margin;
     int mode = FULL_FRAME;
-    bool link = false;  // the window takes the size of the picture
+    bool link = false;                           // the window takes the size of the picture
     std::string resourceFolder, compilerFolder;  // of pictures' paths
-    int selection = 0;  // as GETCLICKINDEX has it
+    int selection = 0;                           // as GETCLICKINDEX has it
+    std::string resourceFile;                    // that declares pictures by name; empty: they are paths
 };
+// The window has the dialog's font from then on: all measures go by it.
 void DRAWWINDOW(const Object& window, const DesignPicture& picture);
 
 }  // namespace tarn

@@ -172,6 +172,7 @@
     X(void, DrawPicture, draw_picture, (const Object& object, std::string_view picture, int x, int y, int w = 0, int h = 0), (object, picture, x, y, w, h)) \
     X(void, DrawPicture, draw_picture_value, (const Object& object, const Picture& picture, int x, int y, int w = 0, int h = 0), (object, picture, x, y, w, h)) \
     X(void, DrawWindow, draw_window, (const Object& object, const Object& window), (object, window))                 \
+    X(void, DrawControl, draw_control, (const Object& object, std::string_view properties, int x, int y, int w, int h), (object, properties, x, y, w, h)) \
     X(int, GetCurrentX, get_current_x, (const Object& object), (object))                                             \
     X(void, SetCurrentX, set_current_x, (const Object& object, int x), (object, x))                                  \
     X(int, GetCurrentY, get_current_y, (const Object& object), (object))                                             \

@@ -29,6 +29,8 @@ public:
                       Ink ink) = 0;  // upper left corner
     virtual void picture(const Rect& rect, const std::string& name) = 0;
     virtual void window(int x, int y, const Window& window) = 0;
+    // A control of that property list; `font` is its window's.
+    virtual void control(const Rect& rect, std::string_view properties, const Font& font) = 0;
     virtual bool newPage() { return false; }  // printers: false if it failed
     // Shows what was drawn, or ends the document. False if something could not be written.
     virtual bool finish() { return true; }

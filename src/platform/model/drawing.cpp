@@ -253,6 +253,15 @@ Code DrawWindow(const Object& object, const Object& from) {
     });
 }
 
+Code DrawControl(const Object& object, std::string_view properties, int x, int y, int w, int h) {
+    const Target target(object);
+    if (target.code != Ok) return target.code;
+    return drawOn(object, [&](Canvas& canvas, const Graph& g, Ink) {
+        if (w > 0 && h > 0)
+            canvas.control({g.originX + x, g.originY + y, w, h}, properties, target.control->font);
+    });
+}
+
 Answer<int> GetCurrentX(const Object& object) {
     return askGraph(object, &Graph::x);
 }

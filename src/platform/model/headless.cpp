@@ -35,6 +35,7 @@ public:
     void text(int, int, std::string_view line, const Font&, Ink) override { text_.append(line).append("\n"); }
     void picture(const Rect&, const std::string&) override {}
     void window(int, int, const Window&) override {}
+    void control(const Rect&, std::string_view, const Font&) override {}
     bool newPage() override { return text_ += '\f', true; }
     bool finish() override {
         return !discarded_ && os::saveFile(file_, text_, os::Durability::Unsynced).ok();

@@ -119,18 +119,22 @@ void set(Control& control, std::string_view name, std::string_view value) {
     if (setter != setters.end()) setter->second(control, value);
 }
 
-void fill(Control& control, const Object& window, const ObjectTemplate& from) {
-    control.type = from.type;
-    control.name = from.name;
-    control.object = Object(window.window(), from.number);
-    if (hasText(control.type)) control.text = makePlainText();
-    for (const PropertyRow& row : propertiesOf(control.type))
+void fill(Control& control, Type type, const std::string& name, const Properties& properties) {
+    control.type = type;
+    control.name = name;
+    if (hasText(type)) control.text = makePlainText();
+    for (const PropertyRow& row : propertiesOf(type))
         if (!row.missing.empty()) set(control, row.name, row.missing);
-    for (const auto& [name, value] : from.properties) set(control, name, value);
-    if (control.type == Type::Combobox && !control.text->length()) {
+    for (const auto& [property, value] : properties) set(control, property, value);
+    if (type == Type::Combobox && !control.text->length()) {
         // A drop-down list shows one of its rows, so it begins with none.
         control.listIndex = 0;
     }
+}
+
+void fill(Control& control, const Object& window, const ObjectTemplate& from) {
+    control.object = Object(window.window(), from.number);
+    fill(control, from.type, from.name, from.properties);
     enroll(control);
 }
 
@@ -220,6 +224,15 @@ Code makeWindow(const Object& object, const WindowTemplate& from, const std::str
     }
     sendEvent(object, LOAD_EVENT, object, 0);
     return Ok;
+}
+
+std::unique_ptr<Control> makeLoose(std::string_view properties) {
+    const ParsedList list = parsePropertyList(properties);
+    if (isWindowType(list.type) || list.type == Type::Menuitem || propertiesOf(list.type).empty())
+        return nullptr;
+    auto control = std::make_unique<Control>();
+    fill(*control, list.type, list.name, list.properties);
+    return control;
 }
 
 std::unique_ptr<Control> makeMenuitem(const Control& like) {

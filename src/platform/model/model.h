@@ -114,6 +114,8 @@ bool busy();         // SetBusy is on
 // False while the window takes no input: a modal one is open above it, or the program is busy.
 bool takesInput(const Window& window);
 
+// A control that no window has, of a property list; null if that is none of a control.
+std::unique_ptr<Control> makeLoose(std::string_view properties);
 // The text store of the model itself.
 std::unique_ptr<TextStore> makePlainText();
 

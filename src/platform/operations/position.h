@@ -43,8 +43,8 @@ Code AlignItems(const Object& window);
 // draws a new one from the point where the button was pressed; TRACK_MOVE moves `rect`, or resizes it when
 // the button was pressed within `limits.handle` pixels inside one of its edges. The result stays inside
 // `bounds`, is no smaller than the limits say, and what has moved lies on the grid of `limits.step` that
-// begins in the corner of `bounds`. Pixels of the client area. Escape, or a window that goes, gives `rect`
-// back. Without a mouse button that is down it is given back at once.
+// begins in the corner of `bounds`. Pixels of the client area. Escape, a window that goes, and a mouse that moves no
+// farther than in a click give `rect` back. Without a mouse button that is down it is given back at once.
 Answer<Rect> TrackRect(const Object& window, TrackMode mode, const TrackLimits& limits, const Rect& bounds,
                        const Rect& rect);
 

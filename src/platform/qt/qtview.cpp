@@ -352,7 +352,9 @@ Desktop QtView::desktop() {
     const QRect area = screen->geometry();
     return {static_cast<int>(QGuiApplication::screens().size()),
             {area.x(), area.y(), area.width(), area.height()},
-            QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize)};
+            QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize),
+            QApplication::palette().color(QPalette::Window).lightness() <
+                QApplication::palette().color(QPalette::WindowText).lightness()};
 }
 
 Rect QtView::frameExtents(const Window& window) {

@@ -130,6 +130,7 @@ public:
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
 
+    void catchUp() override { late_->now(); }
     void letGo() override {
         quiet_ = true;
         late_->stop();
@@ -249,6 +250,7 @@ public:
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
     QWidget* focusWidget() override { return line_; }
+    void catchUp() override { late_->now(); }
     void letGo() override {
         giveBackText(*control_);
         quiet_ = true;
@@ -530,6 +532,21 @@ constexpr Property All[] = {
     Property::Flags,   Property::Tokens,  Property::Status,
 };
 
+// A text that cannot be edited is there to be read: desktops draw it so faint that it cannot be.
+QPalette desktopColours(Type type) {
+    QPalette colours;
+    if (type != Type::Edit) return colours;
+    const QPalette desktop = QApplication::palette();
+    const QColor paper = desktop.color(QPalette::Disabled, QPalette::Base);
+    const QColor ink = desktop.color(QPalette::Active, QPalette::Text);
+    constexpr int share = 60;  // of a hundred, the ink's
+    const auto mix = [](int a, int b) { return (a * (100 - share) + b * share) / 100; };
+    colours.setColor(
+        QPalette::Disabled, QPalette::Text,
+        QColor(mix(paper.red(), ink.red()), mix(paper.green(), ink.green()), mix(paper.blue(), ink.blue())));
+    return colours;
+}
+
 }  // namespace
 
 Peer::Peer(Control& control, QWidget& widget) : QObject(&widget), control_(&control), widget_(&widget) {
@@ -577,6 +594,38 @@ void applyFont(QWidget& widget, const Font& own, const Font& inherited) {
         widget.setFont(QFont());
     else
         widget.setFont(qtFont(font, QApplication::font(&widget)));
+}
+
+void applyColours(QWidget& widget, const Control& control) {
+    const bool own = isWindowType(control.type);
+    // Black on white is what a resource file says that means nothing special; the desktop's colours stand for
+    // it.
+    const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
+    if ((control.foreColour < 0 && control.backColour < 0) || plain) {
+        widget.setPalette(desktopColours(control.type));
+        return;
+    }
+    QPalette palette = QApplication::palette(&widget);
+    // Controls have a window's colours only where its ground shows through them.
+    const auto set = [&](int colour, std::initializer_list<QPalette::ColorRole> roles) {
+        if (colour < 0) return;
+        palette.setColor(*roles.begin(), colourOf(colour));
+        if (!own)
+            for (const auto role : roles) palette.setColor(role, colourOf(colour));
+    };
+    set(control.foreColour, {QPalette::WindowText, QPalette::Text, QPalette::ButtonText});
+    set(control.backColour, {QPalette::Window, QPalette::Base, QPalette::Button});
+    if (control.type == Type::Progressbar) set(control.foreColour, {QPalette::Highlight});
+    widget.setPalette(palette);
+    widget.setAutoFillBackground(control.backColour >= 0);
+}
+
+QRect placeOf(const Control& control, const QWidget& widget) {
+    const Rect& r = control.position;
+    int height = r.h;
+    if (qobject_cast<const QComboBox*>(&widget) != nullptr)
+        height = std::min(height, widget.sizeHint().height());
+    return {r.x, r.y, std::max(r.w, 0), std::max(height, 0)};
 }
 
 }  // namespace tarn::platform::qt

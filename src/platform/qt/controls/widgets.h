@@ -25,6 +25,7 @@ public:
     static Peer* of(const QWidget& widget);     // null for a widget that shows no control
     virtual void apply(Property property) = 0;  // brings one property of the model to the widget
     virtual QWidget* focusWidget() { return widget_; }
+    virtual void catchUp() {}  // does now what waits for a quiet moment
     void release() {  // the control is about to go: from now on nothing is read from it or told to it
         letGo();
         control_ = nullptr;
@@ -50,5 +51,10 @@ Peer* peerOf(const Control& control);  // null for a control without a widget an
 void applyBars(QAbstractScrollArea& area, const Control& control);
 void applyFont(QWidget& widget, const Font& own, const Font& inherited);
 QFont qtFont(const Font& font, const QFont& base);
+// The colours of a control, or of the client area of a window.
+void applyColours(QWidget& widget, const Control& control);
+// Where the widget stands. Drop-down boxes have the height of their line; a resource file gives them that of the dropped
+// list.
+QRect placeOf(const Control& control, const QWidget& widget);
 
 }  // namespace tarn::platform::qt

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/drawing/paintcanvas.h"
 
+#include "platform/qt/controls/controlpicture.h"
 #include "platform/qt/controls/widgets.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/drawing/surface.h"
@@ -126,6 +127,13 @@ void PaintCanvas::window(int x, int y, const Window& window) {
     const QPixmap pixmap = frame->client().grab();
     const QSize size = frame->client().size() * width_;
     painter_.drawPixmap(QRect(QPoint(x, y), size), pixmap);
+}
+
+void PaintCanvas::control(const Rect& r, std::string_view properties, const Font& font) {
+    if (!ready()) return;
+    const QPixmap pixmap =
+        controlPicture(properties, {r.w, r.h}, font, painter_.device()->devicePixelRatioF());
+    if (!pixmap.isNull()) painter_.drawPixmap(QPoint(r.x, r.y), pixmap);
 }
 
 }  // namespace tarn::platform::qt

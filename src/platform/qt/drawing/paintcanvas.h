@@ -36,6 +36,7 @@ public:
     void text(int x, int y, std::string_view line, const Font& font, Ink ink) override;
     void picture(const Rect& rect, const std::string& name) override;
     void window(int x, int y, const Window& window) override;
+    void control(const Rect& rect, std::string_view properties, const Font& font) override;
 
 protected:
     [[nodiscard]] virtual bool ready() { return painter_.isActive(); }

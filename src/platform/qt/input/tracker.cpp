@@ -3,29 +3,89 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
-#include <QRubberBand>
+#include <QToolTip>
+
+#include <algorithm>
 
 namespace tarn::platform::qt {
 
+namespace {
+
+constexpr int ClickSlack = 3;    // pixels that the mouse may move in a click
+constexpr int LabelOffset = 16;  // of the label from the pointer
+
+// By what is taken hold of, column by column: the left edge, neither, the right edge.
+constexpr Qt::CursorShape cursors[3][3] = {
+    {Qt::SizeFDiagCursor, Qt::SizeHorCursor, Qt::SizeBDiagCursor},
+    {Qt::SizeVerCursor, Qt::SizeAllCursor, Qt::SizeVerCursor},
+    {Qt::SizeBDiagCursor, Qt::SizeHorCursor, Qt::SizeFDiagCursor},
+};
+
+Qt::CursorShape cursorOf(const Track& track) {
+    if (track.mode != TRACK_MOVE) return Qt::CrossCursor;
+    const Point edge = trackHandle(track);
+    return cursors[edge.x + 1][edge.y + 1];
+}
+
+QLabel* makeLabel(QWidget& client) {
+    auto* const label = new QLabel(&client);
+    label->setObjectName(QStringLiteral("track"));
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    label->setPalette(QToolTip::palette());
+    label->setBackgroundRole(QPalette::ToolTipBase);
+    label->setForegroundRole(QPalette::ToolTipText);
+    label->setAutoFillBackground(true);
+    label->setFrameStyle(QFrame::Box | QFrame::Plain);
+    label->setMargin(2);
+    return label;
+}
+
+}  // namespace
+
 Tracker::Tracker(QWidget& client, const Track& track)
-    : client_(&client), band_(new QRubberBand(QRubberBand::Rectangle, &client)), track_(track),
-      rect_(track.start) {
+    : client_(&client), band_(new QRubberBand(QRubberBand::Rectangle, &client)), label_(makeLabel(client)),
+      track_(track), rect_(track.start) {
+    QApplication::setOverrideCursor(cursorOf(track_));
     qApp->installEventFilter(this);
 }
 
 Tracker::~Tracker() {
     qApp->removeEventFilter(this);
+    QApplication::restoreOverrideCursor();
     delete band_.data();
+    delete label_.data();
 }
 
 void Tracker::follow(QPoint global) {
     if (client_.isNull()) return;
     const QPoint at = client_->mapFromGlobal(global);
+    const QPoint way = at - QPoint(track_.pressed.x, track_.pressed.y);
+    if (!moved_ && track_.mode == TRACK_MOVE && way.manhattanLength() < ClickSlack) return;
+    moved_ = true;
     rect_ = tracked(track_, {at.x(), at.y()});
-    if (band_.isNull()) return;
+    showAt(at);
+}
+
+// The label stands where it covers neither the pointer nor the edge of the window.
+void Tracker::showAt(QPoint pointer) {
+    if (band_.isNull() || label_.isNull()) return;
     band_->setGeometry(rect_.x, rect_.y, rect_.w, rect_.h);
     band_->show();
+    label_->setText(QStringLiteral("%1, %2   %3 \u00D7 %4")
+                        .arg(rect_.x - track_.bounds.x)
+                        .arg(rect_.y - track_.bounds.y)
+                        .arg(rect_.w)
+                        .arg(rect_.h));
+    label_->adjustSize();
+    const auto beside = [](int at, int size, int room) {
+        return at + LabelOffset + size <= room ? at + LabelOffset : std::max(at - LabelOffset - size, 0);
+    };
+    label_->move(beside(pointer.x(), label_->width(), client_->width()),
+                 beside(pointer.y(), label_->height(), client_->height()));
+    label_->raise();
+    label_->show();
 }
 
 // All input is the drag's until it ends.

@@ -18,7 +18,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -79,15 +78,6 @@ bool takesFocus(const Control& control) {
     case Type::Image: return false;
     default: return true;
     }
-}
-
-// Drop-down boxes have the height of their line; a resource file gives them that of the dropped list.
-QRect rectOf(const Control& control, const QWidget& widget) {
-    const Rect& r = control.position;
-    int height = r.h;
-    if (qobject_cast<const QComboBox*>(&widget) != nullptr)
-        height = std::min(height, widget.sizeHint().height());
-    return {r.x, r.y, std::max(r.w, 0), std::max(height, 0)};
 }
 
 // How wide frames are, by border style; learnt from the first window of a kind that the window system has
@@ -236,44 +226,9 @@ void Frame::orderTabs() {
     }
 }
 
-// A text that cannot be edited is there to be read: desktops draw it so faint that it cannot be.
-QPalette desktopColours(Type type) {
-    QPalette colours;
-    if (type != Type::Edit) return colours;
-    const QPalette desktop = QApplication::palette();
-    const QColor paper = desktop.color(QPalette::Disabled, QPalette::Base);
-    const QColor ink = desktop.color(QPalette::Active, QPalette::Text);
-    constexpr int share = 60;  // of a hundred, the ink's
-    const auto mix = [](int a, int b) { return (a * (100 - share) + b * share) / 100; };
-    colours.setColor(
-        QPalette::Disabled, QPalette::Text,
-        QColor(mix(paper.red(), ink.red()), mix(paper.green(), ink.green()), mix(paper.blue(), ink.blue())));
-    return colours;
-}
-
 void Frame::applyColours(Control& control) {
     const bool own = &control == window_;
-    QWidget& widget = own ? *client_ : *peerOf(control)->widget();
-    // Black on white is what a resource file says that means nothing special; the desktop's colours stand for
-    // it.
-    const bool plain = control.foreColour == 0 && control.backColour == 0xFFFFFF;
-    if ((control.foreColour < 0 && control.backColour < 0) || plain) {
-        widget.setPalette(desktopColours(control.type));
-        return;
-    }
-    QPalette palette = QApplication::palette(&widget);
-    // Controls have a window's colours only where its ground shows through them.
-    const auto set = [&](int colour, std::initializer_list<QPalette::ColorRole> roles) {
-        if (colour < 0) return;
-        palette.setColor(*roles.begin(), colourOf(colour));
-        if (!own)
-            for (const auto role : roles) palette.setColor(role, colourOf(colour));
-    };
-    set(control.foreColour, {QPalette::WindowText, QPalette::Text, QPalette::ButtonText});
-    set(control.backColour, {QPalette::Window, QPalette::Base, QPalette::Button});
-    if (control.type == Type::Progressbar) set(control.foreColour, {QPalette::Highlight});
-    widget.setPalette(palette);
-    widget.setAutoFillBackground(control.backColour >= 0);
+    qt::applyColours(own ? *client_ : *peerOf(control)->widget(), control);
 }
 
 // ---- properties ----
@@ -337,7 +292,7 @@ void Frame::applyTo(Control& control, Property property) {
 
 void Frame::placeControl(Control& control) {
     Peer* peer = peerOf(control);
-    peer->widget()->setGeometry(rectOf(control, *peer->widget()));
+    peer->widget()->setGeometry(placeOf(control, *peer->widget()));
     peer->apply(Property::Position);
 }
 

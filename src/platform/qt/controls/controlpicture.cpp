@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/qt/controls/controlpicture.h"
+
+#include "os/paths.h"
+#include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/pictures.h"
+#include "platform/qt/texts.h"
+#include "platform/text.h"
+
+#include <QAbstractScrollArea>
+#include <QApplication>
+#include <QCache>
+#include <QPainter>
+#include <QStyle>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+namespace tarn::platform::qt {
+
+namespace {
+
+constexpr int Kept = 64 * 1024;  // KB
+constexpr int LargestSide = 8192;
+constexpr qreal Faint = 0.45;
+constexpr int ButtonEdge = 3;
+
+// Lines that change nothing of the look. PICTURE does, and so does what stands in the file, which may change meanwhile.
+constexpr std::array<std::string_view, 5> unseen = {"NAME=", "POSITION=", "HINT=", "TABSTOP=", "CANCEL="};
+
+bool isSeen(std::string_view line) {
+    return std::none_of(unseen.begin(), unseen.end(),
+                        [line](std::string_view name) { return line.starts_with(name); });
+}
+
+// What tells one look from another, in one text.
+QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, qreal ratio) {
+    QByteArray look;
+    look.reserve(static_cast<qsizetype>(properties.size() + font.name.size() + 96));
+    const auto number = [&look](qint64 n) { look.append(QByteArray::number(n)).append(' '); };
+    for (const qint64 n :
+         {qint64{size.width()}, qint64{size.height()}, qint64(ratio * 1000), qint64{font.size},
+          qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey()})
+        number(n);
+    look.append(QApplication::font().key().toUtf8()).append(' ');
+    look.append(font.name.data(), static_cast<qsizetype>(font.name.size())).append('\n');
+    while (!properties.empty()) {
+        const std::size_t end = std::min(properties.find('\n'), properties.size());
+        const std::string_view line = properties.substr(0, end);
+        if (isSeen(line)) look.append(line.data(), static_cast<qsizetype>(line.size())).append('\n');
+        properties.remove_prefix(std::min(end + 1, properties.size()));
+    }
+    return look;
+}
+
+bool hasMenu(std::string_view properties) {
+    return properties.starts_with("MENU=") || properties.find("\nMENU=") != std::string_view::npos;
+}
+
+// The bars that the control has, be they needed or not.
+void showBars(QWidget& widget, const Control& control) {
+    const auto show = [&control](QAbstractScrollArea& area) {
+        if ((control.scrollBars & 1) != 0) area.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+        if ((control.scrollBars & 2) != 0) area.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    };
+    if (auto* const area = qobject_cast<QAbstractScrollArea*>(&widget); area != nullptr) show(*area);
+}
+
+// A window that is never shown, in the colours of one that the user works in.
+class Holder : public QWidget {
+public:
+    Holder() {
+        QPalette colours = QApplication::palette();
+        for (int role = 0; role < QPalette::NColorRoles; ++role)
+            colours.setBrush(QPalette::Inactive, QPalette::ColorRole(role),
+                             colours.brush(QPalette::Active, QPalette::ColorRole(role)));
+        setPalette(colours);
+    }
+};
+
+bool lacksPicture(const Control& control) {
+    return !control.picture.empty() && iconOf(control.picture).isNull();
+}
+
+// Stands for a picture that is not there: a crossed box with its name, as much of it as has room.
+void paintMissing(QPainter& painter, const QWidget& widget, const QRect& box, const std::string& picture) {
+    const QColor line = widget.palette().color(QPalette::Mid),
+                 ink = widget.palette().color(QPalette::WindowText);
+    painter.setPen(line);
+    painter.drawLine(box.topLeft(), box.bottomRight());
+    painter.drawLine(box.bottomLeft(), box.topRight());
+    paintShape(painter, RECTANGLE_SHAPE, box, line, QColor());
+    const QRect room = box.adjusted(2, 1, -2, -1);
+    const QString name = shown(paths::fileName(picture));
+    painter.setFont(widget.font());
+    painter.setPen(ink);
+    painter.setClipRect(room);
+    painter.drawText(room, Qt::AlignCenter,
+                     painter.fontMetrics().elidedText(name, Qt::ElideRight, room.width()));
+}
+
+QPixmap drawn(Control& control, const QSize& size, const Font& font, qreal ratio, bool flat) {
+    Holder holder;
+    control.position = {0, 0, size.width(), size.height()};
+    const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
+    Peer* const peer = makePeer(control, &holder, flat);
+    QWidget& widget = *peer->widget();
+    applyFont(widget, control.font, font);
+    applyColours(widget, control);
+    widget.setEnabled(control.enabled);
+    showBars(widget, control);
+    widget.ensurePolished();
+    widget.setGeometry(placeOf(control, widget));
+    peer->apply(Property::Position);
+    peer->catchUp();
+    QPixmap picture(size * ratio);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::transparent);
+    {
+        QPainter painter(&picture);
+        if (!control.visible) painter.setOpacity(Faint);
+        widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
+        const int edge = control.type == Type::Bitmapbutton ? ButtonEdge : 0;
+        if (!missing.empty())
+            paintMissing(painter, widget, widget.rect().adjusted(edge, edge, -edge, -edge), missing);
+    }
+    peer->release();
+    control.widget = nullptr;
+    return picture;
+}
+
+}  // namespace
+
+QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font, qreal ratio) {
+    static QCache<QByteArray, QPixmap> known(Kept);
+    const QSize size = asked.boundedTo({LargestSide, LargestSide});
+    const QByteArray look = lookOf(properties, size, font, ratio);
+    if (const QPixmap* const kept = known.object(look); kept != nullptr) return *kept;
+    const std::unique_ptr<Control> control = makeLoose(properties);
+    if (control == nullptr || size.isEmpty()) return {};
+    const bool missing = lacksPicture(*control);  // one that is missing may come later
+    const QPixmap picture = drawn(*control, size, font, ratio, hasMenu(properties));
+    if (missing) return picture;
+    const qsizetype cost = qsizetype{picture.width()} * picture.height() * 4 / 1024 + 1;
+    known.insert(look, new QPixmap(picture), cost);
+    return picture;
+}
+
+}  // namespace tarn::platform::qt
