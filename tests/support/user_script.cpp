@@ -199,6 +199,10 @@ Object itemOf(const std::string& name, const std::string& place) {
     return place.empty() ? item : ControlElement(item, std::atoi(place.c_str()));
 }
 
+// What the user does with windows that take input: while a tool runs, they take none.
+const std::set<std::string> needsRest = {"command", "press", "set",      "click", "mouse", "key",
+                                         "type",    "edit",  "dblclick", "close", "select", "strike"};
+
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
 }
@@ -224,6 +228,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         const Window* window = findWindow(object);
         return window != nullptr && window->shown;
     };
+    if (busy() && needsRest.count(w[0]) != 0) return Outcome::NotYet;
     if (w[0] == "command") {
         const Control* item = commanded(w);
         lastSeen_ = item == nullptr ? "There is no such control." : "It is disabled.";

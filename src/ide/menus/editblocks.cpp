@@ -6,6 +6,7 @@
 #include "ide/editor/lineends.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/windows.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
@@ -163,6 +164,8 @@ void PASTEEXAMPLE(const std::string& text, const Object& programLabel) {
     const std::string file = saveExample(text, names);
     STAMP();
     if (!file.empty()) EDITWNDOPEN(SDIEdit, file, false, 0);
+    STAMP();
+    if (!file.empty() && ISMAINCLASS(file)) PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
     STAMP();
 }
 

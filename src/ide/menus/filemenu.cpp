@@ -21,10 +21,12 @@ void requireType(const Object& control, std::string_view type) {
     Precondition(STREQUAL(GetTypeof(control), type));
 }
 
-// Opens the file and notes it among the recent ones if the window took it.
-void openAndRemember(const std::string& file) {
+// Opens the file, and the program if it is one, and notes it among the recent ones if the window took it.
+void openAndRemember(const std::string& file, bool isMain, const Object& programLabel) {
     EDITWNDOPEN(SDIEdit, file, false, 0);
-    if (STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
+    if (!STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) return;
+    if (isMain) PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
+    SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
 }
 
 bool programWindowsLoaded() {
@@ -56,7 +58,7 @@ void DO_OPEN(std::string name, const Object& programLabel) {
     STAMP();
     if (isMain && programWindowsLoaded() && !CLOSEALL()) return;
     STAMP();
-    openAndRemember(name);
+    openAndRemember(name, isMain, programLabel);
 }
 
 bool CLOSEALL() {

@@ -11,10 +11,12 @@
 #include "ide/editor/textedit.h"
 #include "ide/program/browseinfo.h"
 #include "ide/program/functionlist.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
+#include "library/source/symbols.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -48,6 +50,19 @@ void DO_ERRORS() {
         Show(ViewDlg, false);
     else
         VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFontName(SDIEdit), GetFontSize(SDIEdit));
+}
+
+void DO_PROGRAM_WINDOW(const Object& programLabel) {
+    FRAME(DO_PROGRAM_WINDOW);
+    STAMP();
+    Precondition(STREQUAL(GetTypeof(programLabel), "Label"));
+    STAMP();
+    if (IsLoaded(ProjectEditorDlg)) return static_cast<void>(Show(ProjectEditorDlg, false));
+    const std::string file = EDITWNDGETFILENAME(SDIEdit);
+    if (!ISMAINCLASS(file)) return Sound();
+    STAMP();
+    PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
+    STAMP();
 }
 
 // ---- the Code window ----

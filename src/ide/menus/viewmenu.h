@@ -13,6 +13,8 @@ void DO_LINE();
 void DO_FUNCTION_LIST();
 void DO_BROWSE_INFO();
 void DO_ERRORS();
+// Brings the Program Window forward; without one opens it for the main class in the Code window.
+void DO_PROGRAM_WINDOW(const Object& programLabel);
 void DO_DECLARATION();
 void DO_BACK();
 void DO_COMPLETE();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/options/genoptions.h"
 
+#include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -64,6 +65,8 @@ void GENOPTIONSDIALOG(const Object& mainWindow) {
     Show(GenOptionsDlg, true);
     STAMP();
     setDesignGrid();
+    STAMP();
+    if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);
     STAMP();
     SetCaption(mainWindow, GETMAINCAPTIONSTR());
     STAMP();

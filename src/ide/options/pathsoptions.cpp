@@ -165,21 +165,27 @@ std::string ADDDRIVELETTERS(std::string_view drive, std::string_view paths) {
     return result;
 }
 
-void UPDATEINHERITPATHS(const std::string& title, const std::string& file) {
+namespace {
+
+bool mayAdd(const std::string& title, const std::string& folder) {
+    return MsgBox(title,
+                  "'" + folder +
+                      "' should be added to the inherited class path.\nDo you want to add it now?\n"
+                      "If not, you should add it later using the Tools-Options-Paths command.",
+                  "Yes\nNo", BoxIcon::Question) == "Yes";
+}
+
+}  // namespace
+
+void UPDATEINHERITPATHS(const std::string& title, const std::string& file, bool ask) {
     FRAME(UPDATEINHERITPATHS);
     const std::string folder = FILEGETDIR(file);
     STAMP();
     if (folder.empty() || !ISCLASSFILE(file)) return;
     if (("\n" + GETINHERITEDPATHSML()).find("\n" + folder + "\n") != std::string::npos) return;
     STAMP();
-    const std::string answer =
-        MsgBox(title,
-               "'" + folder +
-                   "' should be added to the inherited class path.\nDo you want to add it now?\n"
-                   "If not, you should add it later using the Tools-Options-Paths command.",
-               "Yes\nNo", BoxIcon::Question);
+    if (ask && !mayAdd(title, folder)) return;
     STAMP();
-    if (answer != "Yes") return;
     const std::string paths = GETINHERITEDPATHS();
     PROFILESTRPUT(GETIDEINIFILE(), "PathsOptionsDlg", "Edit1",
                   paths + (paths.empty() || paths.ends_with(';') ? "" : ";") + folder);

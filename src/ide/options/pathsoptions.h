@@ -17,7 +17,7 @@ void PATHSOPTIONSDIALOG();
 bool CHECKPATHS(const std::string& title, const std::string& paths);
 // The paths of a list with `drive` in front of those that have none. A path that begins with "/" needs none.
 std::string ADDDRIVELETTERS(std::string_view drive, std::string_view paths);
-// Offers to put the folder of a class on the inherited path, if it is not there.
-void UPDATEINHERITPATHS(const std::string& title, const std::string& file);
+// Puts the folder of a class on the inherited path, if it is not there; with `ask` only if the user says so.
+void UPDATEINHERITPATHS(const std::string& title, const std::string& file, bool ask = true);
 
 }  // namespace tarn

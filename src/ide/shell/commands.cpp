@@ -6,6 +6,7 @@
 #include "ide/menus/editsearch.h"
 #include "ide/menus/filemenu.h"
 #include "ide/menus/helpmenu.h"
+#include "ide/menus/progmenu.h"
 #include "ide/menus/runmenu.h"
 #include "ide/menus/toolmenu.h"
 #include "ide/menus/viewmenu.h"
@@ -106,7 +107,7 @@ constexpr Row rows[] = {
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},
     {"view_browse_info", "", [](const Fired&) { DO_BROWSE_INFO(); }},
     {"view_errors", "", [](const Fired&) { DO_ERRORS(); }},
-    {"view_program_window", "", nullptr},
+    {"view_program_window", "", [](const Fired&) { DO_PROGRAM_WINDOW(MAINCONTROL("programlabel")); }},
     {"view_std_toolbar", "", toggleToolbar},
     {"view_toolbox", "", [](const Fired&) { DO_TOOLBOX(MAINCONTROL("view_toolbox")); }},
     {"view_declaration", "", [](const Fired&) { DO_DECLARATION(); }},
@@ -135,7 +136,7 @@ constexpr Row rows[] = {
     {"program_add_database", "", nullptr},
     {"program_add_file", "", nullptr},
     {"program_edit_properties", "", nullptr},
-    {"program_refresh", "", nullptr},
+    {"program_refresh", "", [](const Fired&) { DO_REFRESH(); }},
     {"program_remove_file", "", nullptr},
     {"program_show_input", "", nullptr},
     {"program_show_output", "", nullptr},

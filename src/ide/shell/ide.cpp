@@ -20,6 +20,7 @@
 #include "ide/menus/viewmenu.h"
 #include "ide/options/shortcuts.h"
 #include "ide/program/projedit.h"
+#include "ide/program/projlive.h"
 #include "ide/shell/commands.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
@@ -387,6 +388,7 @@ void activated(int handle) {
     if (ISSDIWINDOW(window)) SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
     UPDATEMAINWINDOW();
     if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);
+    if (window == ProjectEditorDlg) static_cast<void>(PROJECTCAMEFORWARD(window));
 }
 
 bool keyPressed(int key) {

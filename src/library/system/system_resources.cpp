@@ -4,6 +4,7 @@
 #include "library/system/programs.h"
 
 #include "kernel/windows/resources.h"
+#include "library/system/resourceline.h"
 #include "library/system/strings.h"
 #include "library/system/words.h"
 #include "os/text/ascii.h"
@@ -47,18 +48,22 @@ bool IS_RESOURCE_MEMORY_OPTS(const std::string& word) {
     return ResourceMemoryOption(word);
 }
 
+std::string RESOURCELINEFILENAME(const std::string& line) {
+    FRAME(RESOURCELINEFILENAME);
+    const std::size_t position = pathPosition(line);
+    std::string path = STRTRIM(position <= line.size() ? line.substr(position - 1) : "");
+    STAMP();
+    if (path.size() >= 2 && path.front() == '"' && path.back() == '"') path = path.substr(1, path.size() - 2);
+    return STRREPLACE(path, "\\\\", "\\");
+}
+
 std::string RESOURCEGETFILENAME(const std::string& file, const std::string& kind, const std::string& name) {
     FRAME(RESOURCEGETFILENAME);
     STAMP();
     const ResourceText info = ResourceInfo(file, kind, name);
     if (!info.error.empty() || info.text.empty()) return "";
     STAMP();
-    const std::string line = info.text.substr(0, info.text.find('\n'));
-    const std::size_t position = pathPosition(line);
-    std::string path = STRTRIM(position <= line.size() ? line.substr(position - 1) : "");
-    STAMP();
-    if (path.size() >= 2 && path.front() == '"' && path.back() == '"') path = path.substr(1, path.size() - 2);
-    return STRREPLACE(path, "\\\\", "\\");
+    return RESOURCELINEFILENAME(info.text.substr(0, info.text.find('\n')));
 }
 
 }  // namespace tarn

@@ -5,7 +5,9 @@
 // its Peer. Grids are in gridpeer, shapes, icons and images in picturepeer, edits and edit windows in textpeers.
 #include "platform/qt/controls/widgets.h"
 
+#include "platform/model/pictures.h"
 #include "platform/qt/controls/gridpeer.h"
+#include "platform/qt/controls/markedrows.h"
 #include "platform/qt/controls/picturepeer.h"
 #include "platform/qt/controls/rowsview.h"
 #include "platform/qt/controls/textpeers.h"
@@ -49,7 +51,11 @@ public:
     QVariant data(const QModelIndex& index, int role) const override {
         const auto row = static_cast<std::size_t>(index.row());
         if (!index.isValid() || control_ == nullptr || row >= control_->rows.size()) return {};
-        if (role == Qt::DisplayRole || role == Qt::EditRole) return shown(control_->rows[row].text);
+        const std::string& text = control_->rows[row].text;
+        const bool marked = control_->type == Type::Iconlist && text.find(char(BoldMark)) != std::string::npos;
+        if (role == Qt::DisplayRole || role == Qt::EditRole)
+            return marked ? shown(text).remove(QChar(BoldMark)) : shown(text);
+        if (role == MarkedTextRole && marked) return shown(text);
         if (role == Qt::DecorationRole && !control_->rows[row].picture.empty())
             return iconOf(control_->rows[row].picture);
         return {};
@@ -112,7 +118,7 @@ public:
         // The bar goes by the widest row, so each of them has to be measured.
         list.setUniformItemSizes((control.scrollBars & 1) == 0);
         list.refreshed = [this] { late_->now(); };
-        if (control.type == Type::Iconlist) list.setIconSize({20, 20});
+        if (control.type == Type::Iconlist) dressIcons();
         list.doubleClicked = [this](QPoint at) {
             at = inWindow(*list_.viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
@@ -138,6 +144,11 @@ public:
     }
 
 private:
+    // A picture that is wider than it is high, such as one that begins with the line of a tree, keeps its proportions.
+    void dressIcons() {
+        list_.setIconSize({60, 20});
+        list_.setItemDelegate(new MarkedRows(&list_));
+    }
     void choose() {
         quiet_ = true;
         const QModelIndex row = rows_->index(control_->listIndex - 1);
@@ -347,13 +358,18 @@ public:
     }
     void apply(Property property) override {
         if (property == Property::Caption || property == Property::Picture) dress();
-        if (property == Property::Position) {
-            const int side = std::min(control_->position.w, control_->position.h);
-            button_.setIconSize(QSize(1, 1) * std::clamp(side - 10, 16, 48));
-        }
+        if (property == Property::Position || property == Property::Picture) sizeIcon();
     }
 
 private:
+    // A drawn face fills the button; an icon is a square in it.
+    void sizeIcon() {
+        const PictureSource* const source = pictureSource(control_->picture);
+        const QSize room(control_->position.w, control_->position.h);
+        const int side = std::clamp(std::min(room.width(), room.height()) - 10, 16, 48);
+        const bool face = source != nullptr && source->face;
+        button_.setIconSize(face ? (room - QSize(6, 6)).expandedTo({16, 16}) : QSize(side, side));
+    }
     void dress() {
         const QIcon icon = iconOf(control_->picture);
         button_.setIcon(icon);

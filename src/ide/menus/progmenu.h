@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Program menu.
+#pragma once
+
+namespace tarn {
+
+void DO_REFRESH();
+
+}  // namespace tarn
