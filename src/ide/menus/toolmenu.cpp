@@ -10,6 +10,7 @@
 #include "ide/options/genoptions.h"
 #include "ide/options/keysoptions.h"
 #include "ide/options/pathsoptions.h"
+#include "ide/program/testtemplate.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/tables/tables.h"
@@ -138,6 +139,15 @@ void DO_CHECK_DIALOG() {
     FRAME(DO_CHECK_DIALOG);
     STAMP();
     CHECKDIALOGDLG();
+    STAMP();
+}
+
+void DO_TEST_TEMPLATE() {
+    FRAME(DO_TEST_TEMPLATE);
+    STAMP();
+    const TemplateChoice choice = OPENTEMPLATEDIALOG();
+    STAMP();
+    if (!choice.section.empty()) TESTTEMPLATE(choice.filename, choice.section);
     STAMP();
 }
 

@@ -20,5 +20,7 @@ void DO_OPTIONS_KEYS();
 void DO_CHECK_DIALOG();
 // Asks for a bitmap and shows it as a text for a source.
 void DO_CONVERT_BMP();
+// Asks for a template and shows what comes of it.
+void DO_TEST_TEMPLATE();
 
 }  // namespace tarn

@@ -268,7 +268,7 @@ void DO_LOAD() {
     STAMP();
     EDITWNDSETTIMER(SDIEdit, MAINCONTROL("lblautobackuptimer"), EDITWNDGETINTERVAL());
     STAMP();
-    AppIcon(GETAPPDIR() + "mainicon.ico");
+    AppIcon(GETAPPDIR() + std::string(ProductIcon));
     STAMP();
     const std::string file = GETCOMMANDLINEFILE();
     goToLastFolder(ini);
