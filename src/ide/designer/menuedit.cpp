@@ -66,8 +66,8 @@ void layOut(const Object& window) {
     for (const std::string_view name : {"listbox1", "label5", "pushbutton1", "pushbutton2", "pushbutton3"})
         ADJUSTCONTROLPOS(window, in(window, name), before);
     for (const std::string_view name :
-         {"label1", "edit1", "label2", "edit2", "label3", "edit3", "label4", "edit4", "upbutton", "downbutton",
-          "indentbutton", "unindentbutton", "addbutton", "deletebutton"})
+         {"label1", "edit1", "label2", "edit2", "label3", "edit3", "label4", "edit4", "upbutton",
+          "downbutton", "indentbutton", "unindentbutton", "addbutton", "deletebutton"})
         ADJUSTCONTROLPOS(window, in(window, name), onlyWider);
     noteSize(window);
 }

@@ -13,8 +13,8 @@ namespace tarn {
 
 // Item 1 of `items` is the property list of the menu, which stays. On OK with a change the others are replaced, and the
 // result is true; else they stay as they were, byte for byte. An empty list opens nothing.
-[[nodiscard]] bool MENUEDITDIALOG(const std::string& title, const std::string& helpFile, const std::string& helpKey,
-                                  std::vector<std::string>& items);
+[[nodiscard]] bool MENUEDITDIALOG(const std::string& title, const std::string& helpFile,
+                                  const std::string& helpKey, std::vector<std::string>& items);
 bool MENUEDITDLG(const Object& window, int event, const Object& control, int parameter);
 
 }  // namespace tarn

@@ -8,6 +8,7 @@
 #include "library/system/system.h"
 
 #include <algorithm>
+#include <iterator>
 
 MODULE("dlgedit2")
 
@@ -68,6 +69,17 @@ void note(const char* action, int row) {
     SetChecked(part("checkbox1"), true);
 }
 
+// The properties that are shown; what an item does not tell has the value that it means then.
+constexpr struct Field {
+    const char *edit, *property, *missing;
+} fields[] = {
+    {"edit1", "CAPTION", ""}, {"edit2", "CHECKED", "0"}, {"edit3", "ENABLED", "1"}, {"edit4", "NAME", ""}};
+
+std::string valueOf(const Field& field, std::string_view list) {
+    const std::string value = GETPROPVALUE(list, field.property);
+    return value.empty() ? field.missing : value;
+}
+
 void tell(const std::string& text) {
     MSGBOX(GetCaption(MenuEditDlg), text);
 }
@@ -119,13 +131,8 @@ void GETMENUINFO(const Object&, const Object& dataList, std::vector<std::string>
 void SHOWMENUITEMPROPS(int row) {
     FRAME(SHOWMENUITEMPROPS);
     STAMP();
-    constexpr struct {
-        const char *edit, *property, *without;
-    } fields[] = {
-        {"edit1", "CAPTION", ""}, {"edit2", "CHECKED", "0"}, {"edit3", "ENABLED", "1"}, {"edit4", "NAME", ""}};
     const std::string list = exists(row) ? GetList(data(), row) : std::string();
-    for (const auto& field : fields)
-        SetText(part(field.edit), list.empty() ? std::string(field.without) : GETPROPVALUE(list, field.property));
+    for (const Field& field : fields) SetText(part(field.edit), valueOf(field, list));
     STAMP();
 }
 
@@ -168,7 +175,8 @@ std::string faultOf(const MenuItemCheck& item, int row) {
     constexpr const char* again = "\nPlease fix up the Name property, then try again.";
     if (isLine(item.caption)) return {};
     if (!item.name.empty() && !ISSYMBOLSTR(item.name))
-        return head + "Names should start with a letter and contain letters, digits or the underscore." + again;
+        return head + "Names should start with a letter and contain letters, digits or the underscore." +
+               again;
     if (!item.name.empty() && isTaken(item.name, row))
         return head + "It is already being used for another menu item." + again;
     if (item.caption.empty() && !item.name.empty())
@@ -178,16 +186,15 @@ std::string faultOf(const MenuItemCheck& item, int row) {
 
 // A caption stands in quotes, so that its own stay its own.
 void putValues(const MenuItemCheck& item, std::string& list) {
-    put("CAPTION", "\"" + item.caption + "\"", list);
-    put("CHECKED", item.checked, list);
-    put("ENABLED", item.enabled, list);
-    put("NAME", item.name, list);
+    const std::string values[] = {"\"" + item.caption + "\"", item.checked, item.enabled, item.name};
+    for (std::size_t n = 0; n < std::size(fields); ++n) put(fields[n].property, values[n], list);
 }
 
 bool differs(const MenuItemCheck& item, std::string_view list) {
-    const auto stored = [&](std::string_view name) { return STRTRIM(GETPROPVALUE(list, name)); };
-    return stored("CAPTION") != item.caption || stored("CHECKED") != item.checked ||
-           stored("ENABLED") != item.enabled || stored("NAME") != item.name;
+    const std::string* const values[] = {&item.caption, &item.checked, &item.enabled, &item.name};
+    for (std::size_t n = 0; n < std::size(fields); ++n)
+        if (STRTRIM(valueOf(fields[n], list)) != *values[n]) return true;
+    return false;
 }
 
 }  // namespace
@@ -298,8 +305,7 @@ void unindentRow(int row) {
 constexpr struct {
     std::string_view caption;
     void (*move)(int row);
-} moves[] = {
-    {"MOVE UP", moveUp}, {"MOVE DOWN", moveDown}, {"INDENT", indentRow}, {"UNINDENT", unindentRow}};
+} moves[] = {{"MOVE UP", moveUp}, {"MOVE DOWN", moveDown}, {"INDENT", indentRow}, {"UNINDENT", unindentRow}};
 
 }  // namespace
 

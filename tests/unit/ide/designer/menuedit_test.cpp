@@ -58,8 +58,8 @@ protected:
     static Strings brief(const Strings& lists) {
         Strings rows;
         for (std::size_t n = 1; n < lists.size(); ++n)
-            rows.push_back(GETPROPVALUE(lists[n], "POSITION") + "|" + GETPROPVALUE(lists[n], "CAPTION") + "|" +
-                           GETPROPVALUE(lists[n], "NAME"));
+            rows.push_back(GETPROPVALUE(lists[n], "POSITION") + "|" + GETPROPVALUE(lists[n], "CAPTION") +
+                           "|" + GETPROPVALUE(lists[n], "NAME"));
         return rows;
     }
     bool edit(std::function<void()> doing) {
@@ -77,9 +77,12 @@ protected:
     static Object part(const std::string& name) { return FINDCONTROL(MenuEditDlg, name); }
     static void press(const std::string& name) { platform::userCommand(*platform::findControl(part(name))); }
     static bool key(int code, const std::string& focus = "listbox1") {
-        return platform::userKey(*platform::findWindow(MenuEditDlg), platform::findControl(part(focus)), code);
+        return platform::userKey(*platform::findWindow(MenuEditDlg), platform::findControl(part(focus)),
+                                 code);
     }
-    static bool mouseDown() { return platform::userMouseDown(*platform::findControl(part("listbox1")), 0, 0); }
+    static bool mouseDown() {
+        return platform::userMouseDown(*platform::findControl(part("listbox1")), 0, 0);
+    }
     static void pick(int row) { platform::userRow(*platform::findControl(part("listbox1")), row); }
     static void enter(const std::string& edit, const std::string& text) {
         SetText(part(edit), text);
@@ -105,13 +108,16 @@ protected:
         lists.insert(lists.begin(), "");
         return brief(lists);
     }
-    static Strings some() { return {"1|&File|", "2|&Open...|file_open", "2||", "2|E&xit|file_exit", "1|&Help|help"}; }
+    static Strings some() {
+        return {"1|&File|", "2|&Open...|file_open", "2||", "2|E&xit|file_exit", "1|&Help|help"};
+    }
 
     static std::string wrongName(const std::string& name) {
         return "The following Name property is not allowed:\n\n\t'" + name + "'\n\n";
     }
     static constexpr const char* Again = "Please fix up the Name property, then try again.";
-    static constexpr const char* NoCaption = "This menu item is not valid. It should have a Caption property.";
+    static constexpr const char* NoCaption =
+        "This menu item is not valid. It should have a Caption property.";
     static std::string takenName(const std::string& name) {
         return wrongName(name) + "It is already being used for another menu item.\n" + Again;
     }
@@ -136,7 +142,8 @@ TEST_F(MenuEditor, ShowsTheItemsWithTheirIndentsAndTheFirstOneSelected) {
         EXPECT_EQ(current(), "1");
         EXPECT_EQ(action(), "");
         EXPECT_FALSE(changed());
-        EXPECT_EQ(text("edit1") + "," + text("edit2") + "," + text("edit3") + "," + text("edit4"), "&File,0,1,");
+        EXPECT_EQ(text("edit1") + "," + text("edit2") + "," + text("edit3") + "," + text("edit4"),
+                  "&File,0,1,");
         for (const char* hidden : {"data1", "label6", "checkbox1", "helpkey", "helpfile"})
             EXPECT_FALSE(GetVisible(part(hidden))) << hidden;
     });
@@ -152,9 +159,17 @@ TEST_F(MenuEditor, ShowsThePropertyListsInstead) {
 TEST_F(MenuEditor, FormsOfAnItem) {
     const struct {
         const char *item, *shown;
-    } forms[] = {{"1|File|x", "File"},     {"2|File|", "...File"}, {"3|a|b", "......a"}, {"1||", "-----"},
-                 {"2||", "...-----"},      {"0|a|b", "a"},         {"-3|a|b", "a"},      {"2||named", "..."},
-                 {"x|a|b", "a"},           {"1|-|", "-"},          {"1|\xe4\"\xff|n", "\xe4\"\xff"},
+    } forms[] = {{"1|File|x", "File"},
+                 {"2|File|", "...File"},
+                 {"3|a|b", "......a"},
+                 {"1||", "-----"},
+                 {"2||", "...-----"},
+                 {"0|a|b", "a"},
+                 {"-3|a|b", "a"},
+                 {"2||named", "..."},
+                 {"x|a|b", "a"},
+                 {"1|-|", "-"},
+                 {"1|\xe4\"\xff|n", "\xe4\"\xff"},
                  {"1|Open\tCtrl+O|n", "Open\tCtrl+O"}};
     for (const auto& form : forms) EXPECT_EQ(PROPLISTTOLISTITEM(item(form.item)), form.shown) << form.item;
     EXPECT_EQ(PROPLISTTOLISTITEM(""), "-----");
@@ -173,7 +188,8 @@ TEST_F(MenuEditor, TheMenuAloneHasNoRows) {
         EXPECT_EQ(row(), 0);
         EXPECT_EQ(current(), "0");
         EXPECT_EQ(text("edit1") + "," + text("edit2") + "," + text("edit3") + "," + text("edit4"), ",0,1,");
-        for (const char* button : {"upbutton", "downbutton", "indentbutton", "unindentbutton", "deletebutton"})
+        for (const char* button :
+             {"upbutton", "downbutton", "indentbutton", "unindentbutton", "deletebutton"})
             press(button);
         EXPECT_FALSE(changed());
         EXPECT_EQ(row(), 0);
@@ -280,7 +296,7 @@ TEST_F(MenuEditor, AHitOnTheRowItselfDoesNotCount) {
 TEST_F(MenuEditor, SwitchesAreNoughtOrOne) {
     const struct {
         const char *text, *kept, *stored;
-    } cases[] = {{"0", "0", "0"}, {"1", "1", "1"},   {" 1 ", "0", "0"}, {"2", "2", "0"},  {"", "0", "0"},
+    } cases[] = {{"0", "0", "0"}, {"1", "1", "1"},  {" 1 ", "0", "0"}, {"2", "2", "0"},   {"", "0", "0"},
                  {"x", "0", "0"}, {"1x", "0", "0"}, {"-1", "-1", "0"}, {"01", "01", "0"}, {"\xff", "0", "0"}};
     give({"1|a|b"});
     look([&] {
@@ -289,7 +305,8 @@ TEST_F(MenuEditor, SwitchesAreNoughtOrOne) {
                 enter(field, one.text);
                 EXPECT_EQ(text(field), one.kept) << one.text;
                 const MenuItemCheck check = CHECKMENUITEMPROPS(1);
-                EXPECT_EQ(field == std::string("edit2") ? check.checked : check.enabled, one.stored) << one.text;
+                EXPECT_EQ(field == std::string("edit2") ? check.checked : check.enabled, one.stored)
+                    << one.text;
             }
     });
 }
@@ -328,7 +345,8 @@ TEST_F(MenuEditor, TheItemIsStoredBeforeTheSelectionMoves) {
         EXPECT_TRUE(changed());
         EXPECT_EQ(now()[0], "1|&Datei|datei");
         EXPECT_EQ(shown()[0], "&Datei");
-        EXPECT_EQ(GETPROPVALUE(rowsOf("data1")[0], "CHECKED") + GETPROPVALUE(rowsOf("data1")[0], "ENABLED"), "10");
+        EXPECT_EQ(GETPROPVALUE(rowsOf("data1")[0], "CHECKED") + GETPROPVALUE(rowsOf("data1")[0], "ENABLED"),
+                  "10");
         pick(2);
         EXPECT_EQ(text("edit1"), "&Open...");
         EXPECT_EQ(current(), "2");
@@ -368,7 +386,8 @@ TEST_F(MenuEditor, NothingIsUpdatedWhereNothingDiffers) {
 
 TEST_F(MenuEditor, WhatTheEditorDoesNotShowSurvivesEveryEdit) {
     give({"1|a|a", "1|b|b", "1|c|c"});
-    const std::string more = "SHORTCUT=\"Ctrl+\\0\"\nHINT=\"a\\nb = \"c\"\"\nPICTURE=\"<RESOURCEDIR>\\x.bmp\"\nODD=\xff=\n";
+    const std::string more =
+        "SHORTCUT=\"Ctrl+\\0\"\nHINT=\"a\\nb = \"c\"\"\nPICTURE=\"<RESOURCEDIR>\\x.bmp\"\nODD=\xff=\n";
     items[2] = "NAME=b\nTYPEOF=Menuitem\nPOSITION=1\nCAPTION=\"b\"\nCHECKED=0\nENABLED=1\n" + more;
     EXPECT_TRUE(edit([] {
         pick(2);
@@ -383,12 +402,13 @@ TEST_F(MenuEditor, WhatTheEditorDoesNotShowSurvivesEveryEdit) {
         press("pushbutton1");
     }));
     EXPECT_EQ(brief(items), (Strings{"1|a|a", "1|c|c", "2|other|other"}));
-    EXPECT_EQ(items[3], "NAME=other\nTYPEOF=Menuitem\nPOSITION=2\nCAPTION=\"other\"\nCHECKED=1\nENABLED=1\n" + more);
+    EXPECT_EQ(items[3],
+              "NAME=other\nTYPEOF=Menuitem\nPOSITION=2\nCAPTION=\"other\"\nCHECKED=1\nENABLED=1\n" + more);
 }
 
 TEST_F(MenuEditor, CaptionsOfAnyBytesComeBackAsTheyAre) {
-    for (const std::string caption : {"\"quoted\"", "\"", "\"\"", "Open\tCtrl+O", "\xc3\xa4\xff\x80", "a\\nb", "a=b\"c",
-                                      "\\", "x\rx", "&&&", "CAPTION=x"}) {
+    for (const std::string caption : {"\"quoted\"", "\"", "\"\"", "Open\tCtrl+O", "\xc3\xa4\xff\x80", "a\\nb",
+                                      "a=b\"c", "\\", "x\rx", "&&&", "CAPTION=x"}) {
         give({"1|old|name"});
         EXPECT_TRUE(edit([&] {
             enter("edit1", caption);
@@ -491,7 +511,9 @@ TEST_F(MenuEditor, TheItemBeyondTheLargestMenuIsRefused) {
         EXPECT_TRUE(asked.empty());
         enterItem("one more", "no symbol");
         press("addbutton");
-        EXPECT_EQ(lastText(), "Cannot add a menu item, this menu has too many items.\nThe maximum number allowed is 255.");
+        EXPECT_EQ(
+            lastText(),
+            "Cannot add a menu item, this menu has too many items.\nThe maximum number allowed is 255.");
         EXPECT_EQ(shown().size(), 255u);
         enterItem("last", "last");
         press("pushbutton1");
@@ -579,8 +601,10 @@ TEST_F(MenuEditor, LevelsGoFromOneToEleven) {
 TEST_F(MenuEditor, TheCaptionOfTheButtonSaysWhatItDoes) {
     give({"1|a|a", "1|b|b"});
     look([] {
-        for (const auto& [button, caption] : {std::pair("upbutton", "MOVE UP"), {"downbutton", "MOVE DOWN"},
-                                              {"indentbutton", "INDENT"}, {"unindentbutton", "UNINDENT"}})
+        for (const auto& [button, caption] : {std::pair("upbutton", "MOVE UP"),
+                                              {"downbutton", "MOVE DOWN"},
+                                              {"indentbutton", "INDENT"},
+                                              {"unindentbutton", "UNINDENT"}})
             EXPECT_EQ(STRUPPER(STRDELCHARS(GetCaption(part(button)), "&")), caption);
         MOVEMENUITEMPROPS(2, "In&dEnT");
         EXPECT_EQ(now()[1], "2|b|b");
@@ -641,24 +665,34 @@ TEST_F(MenuEditor, LeavesNeedANameAndPopupsNeedNone) {
         Strings rows;
         int wrong;
         bool repaired = false;
-    } cases[] = {{{"1|File|", "2|Open|open"}, 0},   {{"1|File|", "2|Open|"}, 2}, {{"1|File|"}, 1},
-                 {{"1|File|", "1|Edit|edit"}, 1},   {{"1||"}, 0},                {{"1|-|"}, 0},
-                 {{"1|-----|", "1|a|a"}, 0},        {{"1|a|", "2||"}, 0},        {{"1|a|", "4|b|b"}, 0, true},
-                 {{"1|a|a", "2|b|", "2|c|"}, 2},    {{"1|a|a", "2|b|", "3|c|c", "1|d|"}, 4}};
+    } cases[] = {{{"1|File|", "2|Open|open"}, 0},
+                 {{"1|File|", "2|Open|"}, 2},
+                 {{"1|File|"}, 1},
+                 {{"1|File|", "1|Edit|edit"}, 1},
+                 {{"1||"}, 0},
+                 {{"1|-|"}, 0},
+                 {{"1|-----|", "1|a|a"}, 0},
+                 {{"1|a|", "2||"}, 0},
+                 {{"1|a|", "4|b|b"}, 0, true},
+                 {{"1|a|a", "2|b|", "2|c|"}, 2},
+                 {{"1|a|a", "2|b|", "3|c|c", "1|d|"}, 4}};
     for (const auto& one : cases) {
         asked.clear();
         give(one.rows);
         const bool ok = one.wrong == 0;
         EXPECT_EQ(edit([&] {
-            press("pushbutton1");
-            EXPECT_EQ(asked.size(), ok ? 0u : 1u);
-            if (ok) return;
-            EXPECT_EQ(lastText(), noName(GETPROPVALUE(items[static_cast<std::size_t>(one.wrong)], "CAPTION")));
-            EXPECT_EQ(row(), one.wrong);
-            EXPECT_EQ(current(), STR(one.wrong));
-            EXPECT_EQ(text("edit1"), GETPROPVALUE(items[static_cast<std::size_t>(one.wrong)], "CAPTION"));
-            press("pushbutton2");
-        }), one.repaired && ok);
+                      press("pushbutton1");
+                      EXPECT_EQ(asked.size(), ok ? 0u : 1u);
+                      if (ok) return;
+                      EXPECT_EQ(lastText(),
+                                noName(GETPROPVALUE(items[static_cast<std::size_t>(one.wrong)], "CAPTION")));
+                      EXPECT_EQ(row(), one.wrong);
+                      EXPECT_EQ(current(), STR(one.wrong));
+                      EXPECT_EQ(text("edit1"),
+                                GETPROPVALUE(items[static_cast<std::size_t>(one.wrong)], "CAPTION"));
+                      press("pushbutton2");
+                  }),
+                  one.repaired && ok);
     }
 }
 
@@ -700,9 +734,11 @@ TEST_F(MenuEditor, TheListTakesTheRoomOfALargerWindow) {
     give(some());
     look([] {
         const auto place = [](const char* name) { return GetPosition(part(name), CLIENT_UNIT); };
-        const Rect list = place("listbox1"), name = place("edit4"), ok = place("pushbutton1"), add = place("addbutton");
+        const Rect list = place("listbox1"), name = place("edit4"), ok = place("pushbutton1"),
+                   add = place("addbutton");
         const Rect frame = GetPosition(MenuEditDlg, WINDOW_UNIT);
-        platform::userMoved(*platform::findWindow(MenuEditDlg), Rect{frame.x, frame.y, frame.w + 50, frame.h + 30}, 0);
+        platform::userMoved(*platform::findWindow(MenuEditDlg),
+                            Rect{frame.x, frame.y, frame.w + 50, frame.h + 30}, 0);
         EXPECT_EQ(place("listbox1"), (Rect{list.x, list.y, list.w + 50, list.h + 30}));
         EXPECT_EQ(place("edit4"), (Rect{name.x + 50, name.y, name.w, name.h}));
         EXPECT_EQ(place("addbutton"), (Rect{add.x + 50, add.y, add.w, add.h}));
