@@ -9,7 +9,10 @@
 //   marginstr, modestr, gridstr, linkstr, ctlprotectstr, changedflag, resourcedir, compilerdir, rcfile, dlgname,
 //   helpfile, helpkey, prophelpkey, menuhelpkey
 //
-// Errors are texts in boxes; none of these operations leaves a file damaged.
+// Errors are texts in boxes; none of these operations leaves a file damaged. A save writes the lines that have changed,
+// and asks before it writes over what another program has made of the dialog meanwhile.
+//
+// The lists change through DESIGNSTEP (dlgstep.h) alone. Cost: a read or a write of the resource file, and a redraw.
 #pragma once
 
 #include "kernel/windows/windowing.h"
@@ -18,9 +21,9 @@
 
 namespace tarn {
 
-inline constexpr int OPEN_MODAL = 1;           // no Toolbox; shown modally
-inline constexpr int OPEN_LOCK_DELETION = 2;   // objects cannot be deleted
-inline constexpr int OPEN_AS_CHANGED = 4;      // marked as changed
+inline constexpr int OPEN_MODAL = 1;          // no Toolbox; shown modally
+inline constexpr int OPEN_LOCK_DELETION = 2;  // objects cannot be deleted
+inline constexpr int OPEN_AS_CHANGED = 4;     // marked as changed
 
 struct DialogOpening {
     std::string caption, helpFile, helpKey, toolboxHelpKey, propertyHelpKey, menuHelpKey;
@@ -32,19 +35,29 @@ void DIALOGOPEN(const DialogOpening& opening);
 // With the captions, help keys and the grid of the environment's settings.
 void OPENDIALOG(const std::string& file, const std::string& dialog, int flags = 0);
 
-void DIALOGSAVE();            // the dialog stays marked as changed where it could not be saved
-bool DIALOGSAVEIFMODIFIED();  // asks first; always true: DIALOGGETMODIFY tells what the user chose
+void DIALOGSAVE();                // the dialog stays marked as changed where it could not be saved
+bool DIALOGSAVEIFMODIFIED();      // asks first; always true: DIALOGGETMODIFY tells what the user chose
 std::string DIALOGGETFILENAME();  // empty if no dialog is open
 std::string DIALOGGETDLGNAME();
 bool DIALOGGETMODIFY();
 void DIALOGSETMODIFY(bool changed);
 void SETCHANGEDFLAG(const Object& window, const Object& checkbox, bool changed);
 
-// Puts right what an edit of an object's properties has left.
-void POSTEDITCHECK(const Object& datalist, int index);
+// Asks about changes. True: the window may go.
+bool DIALOGMAYCLOSE();
+
+// The user was in the dialog editor last, and its window is there.
+bool DIALOGISINFRONT();
+// As the keys F2 and Delete do.
+void DIALOGEDITSELECTED();
+void DIALOGDELETESELECTED();
+
+// The window's events, by a table.
+bool DIALOGDLG(const Object& window, int event, const Object& control, int parameter);
 
 // Redraws the open dialog from its lists.
 void DIALOGREDRAW();
+bool DIALOGDRAWING();  // a redraw is under way, which may give the window another size
 
 // Tells the Program Window, if it is there, to read its files again.
 void AUTOREFRESHPROJECT();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editblocks.h"
 
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/example.h"
 #include "ide/editor/lineends.h"
 #include "ide/editor/textedit.h"
@@ -59,6 +60,8 @@ void DO_COPY() {
 
 void DO_DELETE() {
     FRAME(DO_DELETE);
+    STAMP();
+    if (DIALOGISINFRONT()) return DIALOGDELETESELECTED();
     STAMP();
     if (holdsFile() && GetSelection(SDIEdit).length > 0) SetSelText(SDIEdit, "");
     STAMP();

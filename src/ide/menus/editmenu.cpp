@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editmenu.h"
 
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/restore.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
@@ -32,6 +33,14 @@ void DO_UNDO(const std::string& title, const std::string& backupFile, const Obje
     Precondition(STREQUAL(GetTypeof(timerLabel), "Label"));
     STAMP();
     RESTOREFROMBACKUP(title, backupFile, timerLabel);
+}
+
+void DO_PROPERTIES() {
+    FRAME(DO_PROPERTIES);
+    STAMP();
+    if (!DIALOGISINFRONT()) return Sound();
+    STAMP();
+    DIALOGEDITSELECTED();
 }
 
 }  // namespace tarn

@@ -15,4 +15,7 @@ void DO_REDO_TYPING();
 // Restores the Code window's file from one of its backups.
 void DO_UNDO(const std::string& title, const std::string& backupFile, const Object& timerLabel);
 
+// The properties of what is selected in the dialog editor, if the user was there last; else a sound.
+void DO_PROPERTIES();
+
 }  // namespace tarn

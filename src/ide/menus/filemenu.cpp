@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/filemenu.h"
 
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
@@ -78,6 +79,7 @@ void DO_SAVE() {
     const std::string window = GETSAVEWINDOW();
     STAMP();
     if (STREQUAL(window, SDIEdit.window())) return EDITWNDSAVE(SDIEdit, false);
+    if (STREQUAL(window, DialogDlg.window())) return DIALOGSAVE();
     Sound();
 }
 
@@ -102,7 +104,8 @@ void DO_CLOSE_ALL() {
 void DO_CLOSE(const std::string& name) {
     FRAME(DO_CLOSE);
     STAMP();
-    if (STREQUAL(name, SDIEdit.window())) return Unload(SDIEdit);
+    for (const Object& window : {SDIEdit, DialogDlg})
+        if (STREQUAL(name, window.window())) return Unload(window);
     Sound();
 }
 

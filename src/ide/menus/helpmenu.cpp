@@ -3,6 +3,7 @@
 
 #include "ide/shell/about.h"
 #include "ide/shell/idecore.h"
+#include "library/system/product.h"
 #include "library/system/system.h"
 
 MODULE("helpmenu")
@@ -80,7 +81,7 @@ void DO_ABOUT(const Object& mainWindow) {
     STAMP();
     Precondition(IsLoaded(mainWindow));
     STAMP();
-    ABOUTDIALOG("Help-About", "mainicon.ico", GETABOUTTEXT(), GETABOUTBOXBUTTONS());
+    ABOUTDIALOG("Help-About", std::string(ProductIcon), GETABOUTTEXT(), GETABOUTBOXBUTTONS());
     STAMP();
 }
 

@@ -2,6 +2,7 @@
 #include "ide/menus/toolmenu.h"
 
 #include "ide/build/toolrun.h"
+#include "ide/designer/dlgcheck.h"
 #include "ide/editor/bitmaptext.h"
 #include "ide/options/compoptions.h"
 #include "ide/options/editoroptions.h"
@@ -9,6 +10,7 @@
 #include "ide/options/genoptions.h"
 #include "ide/options/keysoptions.h"
 #include "ide/options/pathsoptions.h"
+#include "ide/program/testtemplate.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/tables/tables.h"
@@ -130,6 +132,22 @@ void DO_CONVERT_BMP() {
         OpenFileDialog("Tools-Convert Bitmap", "", "Bitmaps (*.bmp)|*.bmp|All files (*)|*|");
     STAMP();
     if (!file.empty()) CONVERTBMPDIALOG(file);
+    STAMP();
+}
+
+void DO_CHECK_DIALOG() {
+    FRAME(DO_CHECK_DIALOG);
+    STAMP();
+    CHECKDIALOGDLG();
+    STAMP();
+}
+
+void DO_TEST_TEMPLATE() {
+    FRAME(DO_TEST_TEMPLATE);
+    STAMP();
+    const TemplateChoice choice = OPENTEMPLATEDIALOG();
+    STAMP();
+    if (!choice.section.empty()) TESTTEMPLATE(choice.filename, choice.section);
     STAMP();
 }
 

@@ -2,6 +2,8 @@
 #include "ide/menus/viewmenu.h"
 
 #include "ide/build/textview.h"
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/toolbox.h"
 #include "ide/build/toolrun.h"
 #include "ide/editor/completion.h"
 #include "ide/editor/declaration.h"
@@ -157,6 +159,17 @@ void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object&
     PROFILESTRPUT(GETIDEINIFILE(), "Main", "VIEW_STD_TOOLBAR", on ? "1" : "0");
     STAMP();
     EDITWNDSETMAXSIZE(SDIEdit, mainWindow);
+}
+
+// Only for the dialog editor, whose Toolbox it is.
+void DO_TOOLBOX(const Object& menuItem) {
+    FRAME(DO_TOOLBOX);
+    STAMP();
+    Precondition(STREQUAL(GetTypeof(menuItem), "Menuitem"));
+    STAMP();
+    if (!ISSHOWN(DialogDlg)) return Sound();
+    if (TOOLBOXGETVISIBLE()) return TOOLBOXCLOSE();
+    TOOLBOXOPEN(GETHELPFILE(), "Toolbox");
 }
 
 }  // namespace tarn

@@ -8,6 +8,7 @@
 #include "library/data/dbutil_windows.h"
 #include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
+#include "library/system/product.h"
 #include "library/system/system.h"
 
 MODULE("toolmenu")
@@ -15,7 +16,7 @@ MODULE("toolmenu")
 namespace tarn {
 namespace {
 
-constexpr int LeastSymbols = 3000, MostSymbols = 9999, SymbolDigits = 4;
+constexpr int LeastSymbols = 3000, MostSymbols = MaxCompilerSymbols, SymbolDigits = 4;
 constexpr int WindowMode = 0;  // of the compiler's window
 
 // The switches, and where their state stands.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/projeditor.h"
 
+#include "ide/program/newdialog.h"
 #include "ide/program/projitems.h"
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
@@ -31,7 +32,7 @@ constexpr Button buttons[] = {
     {"bitmapbutton2", "Remove", "bin.ico", nullptr},
     {"bitmapbutton3", "Edit", "default.ico", PROJECTITEMEDIT},
     {"bitmapbutton4", "New class", "code4.ico", nullptr},
-    {"bitmapbutton5", "New dialog", "dialog03.ico", nullptr},
+    {"bitmapbutton5", "New dialog", "dialog03.ico", [](const Object&) { PROJECTNEWDIALOG(); }},
     {"bitmapbutton6", "New data source", "disk10.ico", nullptr},
     {"bitmapbutton7", "Help", "help95.ico", SHOWWINDOWHELP},
 };

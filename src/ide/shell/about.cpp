@@ -5,6 +5,7 @@
 #include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "library/settings/profstr.h"
+#include "library/system/product.h"
 #include "library/system/system.h"
 
 MODULE("helpmenu", tarn::TOOL_ONERROR)
@@ -37,13 +38,14 @@ std::string GETABOUTTEXT() {
     FRAME(GETABOUTTEXT);
     const std::string rule = std::string(RuleLength, '_') + "\n";
     STAMP();
-    const std::string maker = "Made by the developers of " + std::string(ProductWord) + ".\n";
+    const std::string maker = "Made by " + std::string(ProductMaker) + ".\n";
     return details() + rule + maker + credit() + rule + ABOUTDIALOGINFO(ValueWidth);
 }
 
 std::string GETWEBSITE() {
     FRAME(GETWEBSITE);
-    return PROFILESTRGET(GETIDEINIFILE(), "Product", "Website");
+    const std::string own = PROFILESTRGET(GETIDEINIFILE(), "Product", "Website");
+    return own.empty() ? std::string(ProductWebAddress) : own;
 }
 
 AboutButtons GETABOUTBOXBUTTONS() {

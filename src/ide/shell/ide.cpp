@@ -10,6 +10,7 @@
 
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
+#include "ide/designer/toolbox.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/changedfile.h"
 #include "ide/editor/recentfiles.h"
@@ -267,7 +268,7 @@ void DO_LOAD() {
     STAMP();
     EDITWNDSETTIMER(SDIEdit, MAINCONTROL("lblautobackuptimer"), EDITWNDGETINTERVAL());
     STAMP();
-    AppIcon(GETAPPDIR() + "mainicon.ico");
+    AppIcon(GETAPPDIR() + std::string(ProductIcon));
     STAMP();
     const std::string file = GETCOMMANDLINEFILE();
     goToLastFolder(ini);
@@ -369,6 +370,7 @@ void UPDATEMAINWINDOW() {
     LOADMRULIST(GETIDEINIFILE(), "MRU", 5, MAINCONTROL("file_mru_1"));
     STAMP();
     enable("view_toolbox", ISSHOWN(DialogDlg));
+    SetChecked(MAINCONTROL("view_toolbox"), TOOLBOXGETVISIBLE());
     STAMP();
     UPDATEUNDOMENU();
     STAMP();

@@ -6,6 +6,7 @@
 #include "library/net/netutil.h"
 #include "library/settings/initext.h"
 #include "library/settings/profstr.h"
+#include "library/source/codewiz.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
@@ -113,21 +114,6 @@ std::string GETMESSAGEPAGE(int number) {
     if (STRLOWER(FILEGETEXT(GETHELPFILE())) == ".qch") return {};
     const std::string page = FILEGETDIR(GETHELPFILE()) + "messages/" + STR(number) + ".htm";
     return FileSize(page) > 0 ? page : "";
-}
-
-std::string REPLACECONSTANTS(std::string text) {
-    FRAME(REPLACECONSTANTS);
-    static constexpr std::pair<std::string_view, std::string_view> constants[] = {
-        {"%PRODUCT_NAME%", ProductWord},
-        {"%VERSION_NUMBER%", ProductVersion},
-        {"%RELEASE_NUMBER%", ProductBuild},
-        {"%SOURCE_EXT%", ClassExtension},
-        {"%APPLICATION_ICON%", "mainicon.ico"},
-        {"%MAX_FIELDS%", "48"},
-        {"%MAX_SEGMENTS%", "4"},
-    };
-    for (const auto& [name, value] : constants) text = STRREPLACE(text, name, value);
-    return text;
 }
 
 std::string GETMAINCAPTIONSTR() {

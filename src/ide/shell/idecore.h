@@ -27,7 +27,6 @@ std::string GETINHERITEDLIBPATH();  // the first of them
 std::string GETHELPFILE();
 std::string GETMESSAGEPAGE(int number);  // a file of its own; empty if it has none
 std::string GETMAINCAPTIONSTR();
-std::string REPLACECONSTANTS(std::string text);
 // The file named on the command line: ".cls" added if it has no extension, the current folder in front unless
 // it is rooted; empty if there is none.
 std::string GETCOMMANDLINEFILE();

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "kernel/windows/windowing.h"
+#include "library/system/product.h"
 #include "library/system/system.h"
 
 #include <string_view>
@@ -44,7 +45,7 @@ inline bool ISSHOWN(const Object& window) {
     return IsLoaded(window) && GetVisible(window);
 }
 
-inline constexpr std::string_view ClassExtension = ".cls";
+inline constexpr std::string_view ClassExtension = SourceExtension;
 inline constexpr std::string_view ResourceExtension = ".rc";
 inline constexpr std::string_view Untitled = "<untitled>";
 

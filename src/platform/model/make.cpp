@@ -103,7 +103,11 @@ const std::unordered_map<std::string_view, Setter> windowSetters = {
     {"CLOSEBOX", [](Control& c, std::string_view v) { asWindow(c).closeBox = flag(v); }},
     {"MAXBUTTON", [](Control& c, std::string_view v) { asWindow(c).maxButton = flag(v); }},
     {"MINBUTTON", [](Control& c, std::string_view v) { asWindow(c).minButton = flag(v); }},
-    {"OWNER", [](Control& c, std::string_view v) { asWindow(c).owned = flag(v); }},
+    {"OWNER",
+     [](Control& c, std::string_view v) {
+         asWindow(c).owned = leadingNumber(v) == 1;
+         asWindow(c).onTop = leadingNumber(v) == 2;
+     }},
 };
 
 void set(Control& control, std::string_view name, std::string_view value) {

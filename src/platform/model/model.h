@@ -71,6 +71,7 @@ public:
     Rect minimum_, maximum_;
     bool closeBox = true, maxButton = true, minButton = true;
     bool owned = false;   // stays above the main window
+    bool onTop = false;   // stays above all windows
     int borderStyle = 2;  // 0 none, 1 fixed, 2 sizable
     int state = 0;        // 0 normal, 1 minimised, 2 maximised
     bool shown = false, modal = false, closing = false;

@@ -503,7 +503,8 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
         if (command(*frame, modelShortcut(event))) return true;
         if (openMainMenu(*frame, event)) return true;
     }
-    return false;
+    const bool alone = focus == nullptr || focus == frame;
+    return alone && windowHearsLast(event) && userKey(frame->window(), nullptr, modelShortcut(event));
 }
 
 // The window system gives a window the focus in its own time; what is typed meanwhile still comes to the main

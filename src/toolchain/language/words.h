@@ -5,6 +5,8 @@
 // Cost: one binary search a look-up.
 #pragma once
 
+#include "library/system/product.h"
+
 #include <string>
 #include <string_view>
 
@@ -80,6 +82,6 @@ enum class Word : unsigned char {
 Word wordOf(std::string_view text);
 std::string_view spelling(Word word);  // in lower case; empty for None and Later
 
-inline constexpr std::size_t MaxNameLength = 40;
+inline constexpr std::size_t MaxNameLength = MaxIdentifier;
 
 }  // namespace tarn::toolchain

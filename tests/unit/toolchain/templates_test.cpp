@@ -1,134 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The templates that the settings ship are text of the language: each of them, with its parameters filled in, is
-// accepted by the compiler, and the program that it becomes or belongs to runs without a display. The templates
-// are expanded here by a small expander of this test's own.
-#include "library/settings/profstr.h"
+// accepted by the compiler, and the program that it becomes or belongs to runs without a display.
+#include "library/designer/proputil.h"
+#include "library/source/codewiz.h"
+#include "library/source/symbols.h"
+#include "library/system/system.h"
 #include "support/places.h"
 #include "support/toolchain_folder.h"
 
 #include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace tarn::toolchain {
 namespace {
 
 using Parameters = std::map<std::string, std::string>;
 
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        lines.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    return lines;
+std::string loaded(const std::string& name) {
+    const TemplateText loaded = LOADTEMPLATE(SOURCE_DIR "/src/ide/ide.ini", "Template." + name + ".cls");
+    EXPECT_EQ(loaded.message, "");
+    return loaded.text;
 }
 
-void replaceAll(std::string& text, const std::string& what, const std::string& with) {
-    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
-        text.replace(at, what.size(), with);
-}
-
-// `#FOR %i% = 1 TO n` ... `#NEXT %i%`, the outer loops first.
-std::vector<std::string> unrolled(std::vector<std::string> lines) {
-    for (bool again = true; std::exchange(again, false);) {
-        std::vector<std::string> result;
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            char name[20] = "";
-            int from = 0, to = 0;
-            if (std::sscanf(lines[i].c_str(), "#FOR %%%19[a-z]%% = %d TO %d", name, &from, &to) != 3) {
-                result.push_back(lines[i]);
-                continue;
-            }
-            again = true;
-            const std::string variable = "%" + std::string(name) + "%";
-            std::size_t next = i + 1;
-            while (next < lines.size() && lines[next] != "#NEXT " + variable) ++next;
-            for (int n = from; n <= to; ++n)
-                for (std::size_t line = i + 1; line < next; ++line)
-                    replaceAll(result.emplace_back(lines[line]), variable, std::to_string(n));
-            i = next;
-        }
-        lines = std::move(result);
-    }
-    return lines;
-}
-
-// The `$Name$` and `$Name=TYPE$` of a line; those that have no value are empty.
-std::string filled(const std::string& line, const Parameters& parameters) {
-    std::string result;
-    std::size_t at = 0;
-    for (std::size_t sign = 0; (sign = line.find('$', at)) != std::string::npos;) {
-        const std::size_t end = line.find('$', sign + 1);
-        std::string name = line.substr(sign + 1, end - sign - 1);
-        name.resize(std::min(name.find('='), name.size()));
-        const auto value = parameters.find(name);
-        result += line.substr(at, sign - at) + (value == parameters.end() ? "" : value->second);
-        at = end + 1;
-    }
-    return result + line.substr(at);
-}
-
-std::vector<std::string> tokensOf(const std::string& line) {
-    std::vector<std::string> tokens;
-    std::size_t at = 0;
-    while ((at = line.find_first_not_of(' ', at)) != std::string::npos) {
-        const bool quoted = line[at] == '"';
-        const std::size_t end = std::min(line.find(quoted ? '"' : ' ', at + 1), line.size());
-        tokens.push_back(quoted ? line.substr(at + 1, end - at - 1) : line.substr(at, end - at));
-        at = end + (quoted ? 1 : 0);
-    }
-    return tokens;
-}
-
-bool holds(const std::string& left, const std::string& relation, const std::string& right) {
-    if (relation == "=") return left == right;
-    if (relation == "<>") return left != right;
-    EXPECT_EQ(relation, "IN");
-    return ("," + right + ",").find(left) != std::string::npos;
-}
-
-// `#IF a = b #OR c IN d`, from left to right.
-bool condition(const std::string& line) {
-    const std::vector<std::string> tokens = tokensOf(line.substr(3));
-    bool result = false;
-    for (std::size_t i = 0; i + 2 < tokens.size(); i += 4) {
-        const bool relation = holds(tokens[i], tokens[i + 1], tokens[i + 2]);
-        if (i == 0)
-            result = relation;
-        else if (tokens[i - 1] == "#AND")
-            result = result && relation;
-        else
-            result = result || relation;
-    }
-    return result;
-}
-
+// Parameters that are not given are empty.
 std::string expanded(const std::string& name, const Parameters& parameters) {
-    std::string text = PROFILESTRGET(SOURCE_DIR "/src/ide/ide.ini", "Template." + name + ".cls", "");
-    EXPECT_NE(text, "") << name;
-    replaceAll(text, "%MAX_FIELDS%", "48");
-    std::string result;
-    int depth = 0, skip = 0;
-    for (const std::string& source : unrolled(linesOf(text))) {
-        const std::string line = filled(source, parameters);
-        if (line.starts_with("#//")) continue;
-        if (line.starts_with("#IF")) {
-            if (++depth > 0 && skip == 0 && !condition(line)) skip = depth;
-        } else if (line.starts_with("#ELSE")) {
-            skip = skip == 0 ? depth : skip == depth ? 0 : skip;
-        } else if (line.starts_with("#END")) {
-            if (skip == depth) skip = 0;
-            --depth;
-        } else if (skip == 0) {
-            result += line + "\n";
-        }
-    }
-    EXPECT_EQ(depth, 0) << name;
-    return result;
+    const std::string text = loaded(name);
+    TemplateParameters list = TEMPLATETOPROPLIST(text);
+    for (const auto& [parameter, value] : parameters) SETPROPVALUE(parameter, value, list.names, list.values);
+    const TemplateText result = UPDATETEMPLATE(list, text, true);
+    EXPECT_EQ(result.message, "");
+    return result.text;
 }
 
 class Templates : public ToolchainTest {
@@ -158,12 +61,29 @@ TEST_F(Templates, ANewProgramWithAWindowBuildsAndRuns) {
 // As the environment adds it: the text of the window behind the resources, and its function in the class.
 TEST_F(Templates, AnAddedWindowHasItsFunction) {
     const Parameters window = {{"Name", "Dialog1"}, {"Caption", "Dialog1"}};
-    write("app1.rc", expanded("DialogBody", window));
-    write("app1.cls", "Tarnwick Class App1\n" + expanded("FunctionBody", window) +
-                          "function main()\n Load(Dialog1)\n PRINT(GetCaption(Dialog1))\n"
-                          " Command(GetHandle(Dialog1), 20000, \"\")\n PRINT(STR(IsLoaded(Dialog1)))\nend "
-                          "function\nEnd class\n");
+    write("app1.rc", expanded("NewDialog", {{"Name", "Other"}, {"Caption", "Other"}}) + "\r\n" +
+                         expanded("DialogBody", window));
+    std::string text = "Tarnwick Class App1\nfunction main()\n Load(Dialog1)\n PRINT(GetCaption(Dialog1))\n"
+                       " Command(GetHandle(Dialog1), 20000, \"\")\n PRINT(STR(IsLoaded(Dialog1)))\nend "
+                       "function\nEnd class\n";
+    EXPECT_EQ(SYMADDFUNCTION(FUNCTIONFROMTEMPLATE("Dialog1", loaded("FunctionBody")).text, 0, text), "");
+    write("app1.cls", text);
     EXPECT_EQ(built("app1"), "Dialog1\nFalse\n");
+}
+
+TEST_F(Templates, TheFunctionOfAWindowFitsOneWithoutButtonsToo) {
+    write("app1.rc", expanded("NewDialog", {{"Name", "Plain"}, {"Caption", "Plain"}}));
+    write("app1.cls", "Tarnwick Class App1\n" + FUNCTIONFROMTEMPLATE("Plain", loaded("FunctionBody")).text +
+                          "function main()\n Load(Plain)\n PRINT(GetCaption(Plain))\n Unload(Plain)\n"
+                          " PRINT(STR(IsLoaded(Plain)))\nend function\nEnd class\n");
+    EXPECT_EQ(built("app1"), "Plain\nFalse\n");
+}
+
+TEST_F(Templates, TheArgumentsOfAWindowFunctionStandBelowEachOther) {
+    std::string text = FUNCTIONFROMTEMPLATE("AnyName", loaded("FunctionBody")).text;
+    const std::string before = text;
+    EXPECT_EQ(SYMINDENTFUNCHEADER("*", 0, text), "");
+    EXPECT_EQ(text, before);
 }
 
 TEST_F(Templates, ANewClassCanBeUsed) {
@@ -172,6 +92,37 @@ TEST_F(Templates, ANewClassCanBeUsed) {
         "app1.cls",
         "Tarnwick Class App1\nUses new1\nfunction main()\n PRINT(DESCRIPTION())\nend function\nEnd class\n");
     EXPECT_EQ(built("app1"), "Class New1\n");
+}
+
+TEST_F(Templates, NewClassesDoNotCollide) {
+    for (const std::string name : {"New1", "New2"})
+        write(name + ".cls", expanded("NewNonMainClass", {{"Name", name}}));
+    write("app1.cls", "Tarnwick Class App1\nUses New1 New2\nfunction main()\n PRINT(\"both\")\nend "
+                      "function\nEnd class\n");
+    EXPECT_EQ(built("app1"), "both\n");
+}
+
+// As the program's properties name it: the placeholder has a backslash, which a resource text writes twice.
+TEST_F(Templates, ANewProgramKnowsItsIcon) {
+    const std::string window = expanded(
+        "NewDialog", {{"Name", "Main"}, {"Caption", "Main"}, {"Program Icon", "<RESOURCEDIR>\\tree.ico"}});
+    EXPECT_NE(window.find("ProgramIcon ICON \"<RESOURCEDIR>\\\\tree.ico\""), std::string::npos) << window;
+    EXPECT_EQ(RESOURCEGETFILENAME(write("app1.rc", window), "ICON", "ProgramIcon"),
+              "<RESOURCEDIR>\\tree.ico");
+}
+
+TEST_F(Templates, EachOneIsLoadedAndLeavesNoCommandBehind) {
+    std::string names;
+    for (const char* name :
+         {"NewMainClass", "NewNonMainClass", "NewDialog", "DialogBody", "FunctionBody", "DatabaseDialog",
+          "DataViewDialog", "RecordViewDialog", "TableViewDialog", "TableDeclaration"}) {
+        names += "Template." + std::string(name) + ".cls\n";
+        const std::string text = expanded(name, {});
+        for (const char* rest : {"$", "#IF", "#END", "#ELSE", "#//", "#FOR", "#NEXT", "%"})
+            EXPECT_EQ(text.find(rest), std::string::npos) << name << ": " << rest;
+        EXPECT_EQ(text.find("   \r\n"), std::string::npos) << name;
+    }
+    EXPECT_EQ(TEMPLATESECTIONS(SOURCE_DIR "/src/ide/ide.ini"), names);
 }
 
 // ---- data sources ----

@@ -121,7 +121,17 @@ bool windowHears(const QWidget* focus, const QKeyEvent& event) {
                          qobject_cast<const QAbstractItemView*>(focus) != nullptr);
     }
     if (focus != nullptr && isPlainLine(*focus)) return isArrow(key);
+    // A window may have to keep what belongs to the row that the key leaves.
+    if (qobject_cast<const QAbstractItemView*>(focus) != nullptr)
+        return isArrow(key) || key == Qt::Key_Home || key == Qt::Key_End;
     return isArrow(key) && !text && (focus == nullptr || !isList(*focus));
+}
+
+bool windowHearsLast(const QKeyEvent& event) {
+    const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (modifiers.testFlag(Qt::AltModifier) || modifiers.testFlag(Qt::MetaModifier)) return false;
+    const bool tab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
+    return tab || (modifiers != Qt::NoModifier && modelKey(event.key()) != 0);
 }
 
 }  // namespace tarn::platform::qt

@@ -27,5 +27,8 @@ struct PressedKeys {
 PressedKeys keysPressed(const QKeyEvent& event);
 // Plain keys that a window function hears of before anything else, given where the focus is.
 bool windowHears(const QWidget* focus, const QKeyEvent& event);
+// Keys that a window function hears of last, if no menu has them, in a window without a control that takes the keyboard:
+// Tab, and what has a name and is pressed with Ctrl or Shift. They come as shortcuts.
+bool windowHearsLast(const QKeyEvent& event);
 
 }  // namespace tarn::platform::qt

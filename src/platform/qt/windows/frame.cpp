@@ -57,6 +57,7 @@ Qt::WindowFlags flagsOf(const Window& window) {
     if (window.borderStyle == 0) return Qt::Window | Qt::FramelessWindowHint;
     Qt::WindowFlags flags =
         Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    if (window.onTop) flags |= Qt::WindowStaysOnTopHint;
     if (window.closeBox) flags |= Qt::WindowCloseButtonHint;
     if (window.borderStyle == 2 && window.maxButton) flags |= Qt::WindowMaximizeButtonHint;
     if (window.borderStyle == 2 && window.minButton) flags |= Qt::WindowMinimizeButtonHint;
@@ -256,6 +257,7 @@ void Frame::apply(Property property) {
         break;
     case Property::Colour: applyColours(*window_); break;
     case Property::MenuItems: menuChanged(); break;
+    case Property::Hint: setAccessibleDescription(shown(window_->hint)); break;
     case Property::Picture: setWindowIcon(iconOf(window_->picture)); break;
     default: break;
     }

@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+//   the changed state, the picture     what the window shows
+//   opening                            DIALOGOPEN and its steps
+//   the rest of the environment        the settings, the Program Window
+#include "ide/designer/dlgedit.h"
+
+#include "ide/designer/dlgdisk.h"
+#include "ide/designer/dlgstep.h"
+#include "ide/designer/drawing.h"
+#include "ide/designer/geometry.h"
+#include "ide/designer/toolbox.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "kernel/windows/resources.h"
+#include "library/designer/proputil.h"
+#include "library/dialogs/dlgutil.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
+
+MODULE("dlgedit")
+
+namespace tarn {
+
+// ---- the changed state ----
+
+namespace {
+
+constexpr std::string_view Mark = " *";
+
+}  // namespace
+
+void SETCHANGEDFLAG(const Object& window, const Object& checkbox, bool changed) {
+    FRAME(SETCHANGEDFLAG);
+    STAMP();
+    if (!STREQUAL(GetTypeof(window), "Dialog") || !STREQUAL(GetTypeof(checkbox), "Checkbox")) return;
+    STAMP();
+    std::string caption = GetCaption(window);
+    if (changed && !caption.ends_with(Mark)) caption += Mark;
+    if (!changed && caption.ends_with(Mark)) caption.resize(caption.size() - Mark.size());
+    SetCaption(window, caption);
+    SetValue(checkbox, changed ? 1 : 0);
+    STAMP();
+}
+
+std::string DIALOGGETFILENAME() {
+    return DESIGNTEXT("rcfile");
+}
+
+std::string DIALOGGETDLGNAME() {
+    return DESIGNTEXT("dlgname");
+}
+
+bool DIALOGGETMODIFY() {
+    FRAME(DIALOGGETMODIFY);
+    if (!IsLoaded(DialogDlg)) return false;
+    STAMP();
+    return GetValue(DESIGNCONTROL("changedflag")) != 0;
+}
+
+void DIALOGSETMODIFY(bool changed) {
+    FRAME(DIALOGSETMODIFY);
+    if (!IsLoaded(DialogDlg)) return;
+    STAMP();
+    SETCHANGEDFLAG(DialogDlg, DESIGNCONTROL("changedflag"), changed);
+}
+
+// ---- the picture ----
+
+namespace {
+
+bool drawing = false;
+
+int numberOf(std::string_view label) {
+    bool ok = false;
+    const int number = CVTI(DESIGNTEXT(label), ok);
+    return ok ? number : 0;
+}
+
+}  // namespace
+
+bool DIALOGDRAWING() {
+    return drawing;
+}
+
+void DIALOGREDRAW() {
+    FRAME(DIALOGREDRAW);
+    if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
+    STAMP();
+    DesignPicture picture;
+    picture.dialog = TSTRINGARRAY(DESIGNCONTROL("datalist"));
+    picture.menu = TSTRINGARRAY(DESIGNCONTROL("menulist"));
+    picture.grid = DESIGNTEXT("gridstr");
+    picture.margin = GETMARGIN(DESIGNTEXT("marginstr"));
+    picture.mode = numberOf("modestr");
+    picture.link = DESIGNTEXT("linkstr") == "1";
+    picture.resourceFolder = DESIGNTEXT("resourcedir");
+    picture.compilerFolder = DESIGNTEXT("compilerdir");
+    picture.resourceFile = DESIGNTEXT("rcfile");
+    picture.selection = SELECTEDOBJECT();
+    STAMP();
+    drawing = true;
+    DRAWWINDOW(DialogDlg, picture);
+    drawing = false;
+    STAMP();
+}
+
+// ---- opening ----
+
+namespace {
+
+std::string numbers(const UnitRect& rect) {
+    return STR(rect.x) + " " + STR(rect.y) + " " + STR(rect.w) + " " + STR(rect.h);
+}
+
+void assertInvertible(const std::string& list, const LetterSize& letter) {
+    FRAME(ASSERTINVERTIBLE);
+    const UnitRect start = GETPROPPOSITION(list);
+    const UnitRect again = PIXELSTORCUNITS(letter, RCUNITSTOPIXELS(letter, start));
+    STAMP();
+    Assert(start == again, "Position of " + GETPROPVALUE(list, "NAME") +
+                               " is not invertible.\nStart position=" + numbers(start) +
+                               "\nRecalculated position=" + numbers(again) + "\n");
+    STAMP();
+}
+
+// The entries of a list control have no line end.
+std::string withoutLineEnd(std::string list) {
+    if (list.ends_with('\n')) list.pop_back();
+    return list;
+}
+
+void fill(const Object& list, const ObjectArray& objects) {
+    for (const std::string& one : objects) {
+        if (one.empty()) break;
+        AddItem(list, withoutLineEnd(one));
+    }
+}
+
+void loadEditor(const DialogOpening& opening) {
+    FRAME(LOADEDITOR);
+    const bool modal = (opening.flags & OPEN_MODAL) != 0;
+    STAMP();
+    if (modal && IsLoaded(DialogDlg)) Unload(DialogDlg);
+    STAMP();
+    if (!modal) TOOLBOXOPEN(opening.helpFile, opening.toolboxHelpKey);
+    STAMP();
+    Load(DialogDlg);
+    STAMP();
+    SetCaption(DialogDlg, opening.caption);
+    DIALOGSETMODIFY(false);
+    const std::pair<std::string_view, std::string> labels[] = {
+        {"marginstr", "10 10 10 10"},
+        {"modestr", STR(FULL_FRAME)},
+        {"gridstr", opening.grid},
+        {"linkstr", "1"},
+        {"resourcedir", GETRESOURCEDIR()},
+        {"compilerdir", GETCOMPILERDIR()},
+        {"rcfile", opening.file},
+        {"dlgname", opening.dialog},
+        {"helpfile", opening.helpFile},
+        {"helpkey", opening.helpKey},
+        {"prophelpkey", opening.propertyHelpKey},
+        {"menuhelpkey", opening.menuHelpKey},
+        {"ctlprotectstr", (opening.flags & OPEN_LOCK_DELETION) != 0 ? "1" : "0"},
+    };
+    for (const auto& [label, text] : labels) SETDESIGNTEXT(label, text);
+    STAMP();
+    SetFontName(DialogDlg, "");  // a dialog without a font of its own must not get that of the one before
+    SetFontSize(DialogDlg, 0);
+    STAMP();
+}
+
+void fillDialog(const ObjectArray& objects) {
+    FRAME(FILLDIALOG);
+    STAMP();
+    Clear(DESIGNCONTROL("datalist"));
+    Clear(DESIGNCONTROL("menulist"));
+    const LetterSize letter = LETTERSIZE(DialogDlg);
+    for (const std::string& one : objects) {
+        if (one.empty()) break;
+        assertInvertible(one, letter);
+    }
+    fill(DESIGNCONTROL("datalist"), objects);
+    SELECTOBJECT(0);
+    STAMP();
+}
+
+// False if the user does not want the dialog without its menu.
+bool fillMenu(const DialogOpening& opening, const std::string& menu) {
+    FRAME(FILLMENU);
+    if (menu.empty()) return true;
+    ObjectArray objects;
+    const std::string error = ResourceRead(opening.file, menu, objects);
+    STAMP();
+    fill(DESIGNCONTROL("menulist"), objects);
+    STAMP();
+    if (error.empty()) return true;
+    Sound();
+    const std::string answer = MsgBox("Error",
+                                      "An error occurred while loading the menu of '" + opening.dialog +
+                                          "' from file '" + opening.file + "'.\n" + error +
+                                          "\n\nDo you want to continue loading '" + opening.dialog + "'?\n",
+                                      "&Yes\n&No", BoxIcon::Error);
+    STAMP();
+    return answer == "&Yes";
+}
+
+void limitSize(const std::string& dialog) {
+    FRAME(LIMITSIZE);
+    constexpr int least = 12;
+    const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
+    const int frame = 2 * GETBORDERHEIGHT(DialogDlg, GETPROPINT(dialog, "BORDERSTYLE"));
+    const int across = margin.left + margin.right, down = margin.top + margin.bottom;
+    STAMP();
+    SetMinPosition(DialogDlg, Rect{0, 0, across + least, down + least});
+    SetMaxPosition(DialogDlg, Rect{0, 0, frame + across + GetPageWidth(Sysscreen),
+                                   frame + down + GetPageHeight(Sysscreen)});
+    STAMP();
+}
+
+}  // namespace
+
+void DIALOGOPEN(const DialogOpening& opening) {
+    FRAME(DIALOGOPEN);
+    STAMP();
+    DIALOGSAVEIFMODIFIED();
+    STAMP();
+    if (DIALOGGETMODIFY() || opening.file.empty() || opening.dialog.empty()) return;
+    ObjectArray objects;
+    const std::string error = ResourceRead(opening.file, opening.dialog, objects);
+    STAMP();
+    if (!error.empty()) {
+        MSGBOX(DialogEditorTitle, "Can't load properties for '" + opening.dialog + "' from file '" +
+                                      opening.file + "'.\n" + error);
+        objects.fill("");
+    }
+    STAMP();
+    bool opened = !objects[0].empty();
+    if (opened) {
+        loadEditor(opening);
+        fillDialog(objects);
+        opened = fillMenu(opening, GETPROPVALUE(objects[0], "MENU"));
+    }
+    STAMP();
+    if (!opened) {
+        if (IsLoaded(DialogDlg)) Unload(DialogDlg);
+        STAMP();
+        return;
+    }
+    NOTEDIALOGSEEN(opening.file, opening.dialog);
+    limitSize(objects[0]);
+    if ((opening.flags & OPEN_AS_CHANGED) != 0) DIALOGSETMODIFY(true);
+    STAMP();
+    DIALOGREDRAW();
+    STAMP();
+    Show(DialogDlg, (opening.flags & OPEN_MODAL) != 0);
+    STAMP();
+}
+
+// ---- the rest of the environment ----
+
+void OPENDIALOG(const std::string& file, const std::string& dialog, int flags) {
+    FRAME(OPENDIALOG);
+    const auto setting = [](std::string_view key) {
+        return PROFILESTRGET(GETIDEINIFILE(), "GenOptionsDlg", key);
+    };
+    STAMP();
+    DialogOpening opening;
+    opening.caption = std::string(DialogEditorTitle) + " (" + dialog + ")";
+    opening.helpFile = GETHELPFILE();
+    opening.helpKey = DialogEditorTitle;
+    opening.toolboxHelpKey = "Toolbox";
+    opening.propertyHelpKey = "Properties";
+    opening.menuHelpKey = "Menu Editor";
+    const std::string width = setting("GridWidth"), height = setting("GridHeight");
+    opening.grid = ISDIGITS(width) && ISDIGITS(height) ? width + " " + height : "0 0";
+    opening.flags = flags;
+    opening.file = file;
+    opening.dialog = dialog;
+    STAMP();
+    DIALOGOPEN(opening);
+}
+
+void AUTOREFRESHPROJECT() {
+    FRAME(AUTOREFRESHPROJECT);
+    if (!IsLoaded(ProjectEditorDlg)) return;
+    STAMP();
+    const int button =
+        GETVISUALOBJECTINFO(ApplicationResources(), ProjectEditorDlg.window(), "bitmapbutton1");
+    STAMP();
+    if (button != 0) Command(GetHandle(ProjectEditorDlg), button, "");
+    STAMP();
+}
+
+}  // namespace tarn

@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What happens in the window of the dialog editor: a table of keys, and one of the other events. All state is in the
+// controls of the window.
+#include "ide/designer/dlgcode.h"
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/dlgobjects.h"
+#include "ide/designer/dlgstep.h"
+#include "ide/designer/geometry.h"
+#include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
+#include "library/designer/proputil.h"
+#include "library/system/system.h"
+
+MODULE("dlgedit")
+
+namespace tarn {
+namespace {
+
+// Keys beside those that have a name for all windows. What is pressed with Ctrl or Shift comes with these bits.
+constexpr int Tab = 9, F6 = 117, Ctrl = 0x1000, Shift = 0x2000;
+
+Object datalist() {
+    return DESIGNCONTROL("datalist");
+}
+Object menulist() {
+    return DESIGNCONTROL("menulist");
+}
+Margin margin() {
+    return GETMARGIN(DESIGNTEXT("marginstr"));
+}
+int frameMode() {
+    return CVTI(DESIGNTEXT("modestr"));
+}
+
+void redrawIf(bool changed) {
+    if (changed) DIALOGREDRAW();
+}
+
+// ---- keys ----
+
+void showHelp() {
+    DESIGNHELP(DESIGNTEXT("helpfile"), DESIGNTEXT("helpkey"));
+}
+
+void editSelected() {
+    redrawIf(EDITOBJECT(datalist(), menulist(), SELECTEDOBJECT(), DESIGNTEXT("helpfile"),
+                        DESIGNTEXT("prophelpkey"), DESIGNTEXT("menuhelpkey")));
+}
+
+std::string numbers(const Rect& rect) {
+    return STR(rect.x) + " " + STR(rect.y) + " " + STR(rect.w) + " " + STR(rect.h);
+}
+std::string numbers(const UnitRect& rect) {
+    return STR(rect.x) + " " + STR(rect.y) + " " + STR(rect.w) + " " + STR(rect.h);
+}
+
+void tellSize() {
+    const std::string list = DESIGNITEM(SELECTEDOBJECT());
+    if (list.empty()) return;
+    const std::string type = GETPROPVALUE(list, "TYPEOF");
+    const UnitRect units = GETPROPPOSITION(list);
+    const Rect unit = RCUNITSTOPIXELS(DialogDlg, {0, 0, 4, 8}), pixels = RCUNITSTOPIXELS(DialogDlg, units);
+    const UnitRect again = PIXELSTORCUNITS(DialogDlg, pixels);
+    std::string text = "Size of 4 x 8 RC file units in pixels = " + STR(unit.w) + " " + STR(unit.h) + "\n" +
+                       "Size of " + type + " in RC file units = " + numbers(units) + "\n" + "Size of " +
+                       type + " in pixels = " + numbers(pixels) + "\n";
+    if (again != units) text += "Recalculated size in RC file units = " + numbers(again) + "\n";
+    MSGBOX(OBJECTTITLE(SELECTEDOBJECT()), text);
+}
+
+void listProperties() {
+    ListBox("Object properties", "", GETPROPERTYLISTS(datalist(), menulist()));
+}
+
+void deleteSelected() {
+    const bool deleted = DESIGNSTEP([] {
+        if (DELETEOBJECT(datalist(), menulist(), SELECTEDOBJECT(), DESIGNTEXT("ctlprotectstr")))
+            SELECTOBJECT(0);
+    });
+    redrawIf(deleted);
+}
+
+void selectNothing() {
+    SELECTOBJECT(0);
+    DIALOGREDRAW();
+}
+
+void move(int dx, int dy) {
+    redrawIf(DESIGNSTEP([&] { MOVECONTROLXY(datalist(), SELECTEDOBJECT(), dx, dy); }));
+}
+
+void size(int dw, int dh) {
+    redrawIf(DESIGNSTEP([&] { SIZECONTROL(datalist(), SELECTEDOBJECT(), dw, dh); }));
+}
+
+// Through the dialog, its controls in their order, and its menu, around the ends.
+void stepSelection(int by) {
+    const int objects = GetListCount(datalist());
+    const bool menu = !GETPROPVALUE(DESIGNITEM(1), "MENU").empty();
+    const int places = objects + (menu ? 1 : 0);
+    const int selected = SELECTEDOBJECT();
+    const int place = selected == -1 ? places : selected;  // 0: none
+    const int next = place == 0 && by < 0 ? places : (place - 1 + by + places) % places + 1;
+    SELECTOBJECT(menu && next == places ? -1 : next);
+    DIALOGREDRAW();
+}
+
+void showToolbox() {
+    if (ISSHOWN(ToolboxDlg))
+        Show(ToolboxDlg, false);
+    else
+        Sound();
+}
+
+struct KeyRow {
+    int key;
+    void (*action)();
+};
+constexpr KeyRow keys[] = {
+    {KEY_F1, showHelp},
+    {KEY_F2, editSelected},
+    {KEY_RETURN, editSelected},
+    {KEY_F3, tellSize},
+    {KEY_F4, listProperties},
+    {KEY_DELETE, deleteSelected},
+    {KEY_ESCAPE, selectNothing},
+    {KEY_LEFT, [] { move(-1, 0); }},
+    {KEY_RIGHT, [] { move(1, 0); }},
+    {KEY_UP, [] { move(0, -1); }},
+    {KEY_DOWN, [] { move(0, 1); }},
+    {Ctrl + KEY_LEFT, [] { size(-1, 0); }},
+    {Ctrl + KEY_RIGHT, [] { size(1, 0); }},
+    {Ctrl + KEY_UP, [] { size(0, -1); }},
+    {Ctrl + KEY_DOWN, [] { size(0, 1); }},
+    {Tab, [] { stepSelection(1); }},
+    {Shift + Tab, [] { stepSelection(-1); }},
+    {F6, showToolbox},
+};
+
+bool keyPressed(int key) {
+    for (const KeyRow& row : keys) {
+        if (row.key != key) continue;
+        row.action();
+        return true;
+    }
+    return false;
+}
+
+// ---- the mouse ----
+
+int xOf(int parameter) {
+    return static_cast<std::int16_t>(static_cast<unsigned>(parameter) & 0xffffU);
+}
+int yOf(int parameter) {
+    return static_cast<std::int16_t>(static_cast<unsigned>(parameter) >> 16);
+}
+
+int selectAt(int parameter) {
+    const int index =
+        GETCLICKINDEX(DialogDlg, datalist(), frameMode(), margin(), xOf(parameter), yOf(parameter));
+    SELECTOBJECT(index);
+    return index;
+}
+
+// Lets the user drag a control or its edges. One that comes back where it was keeps its numbers.
+void track(int index) {
+    FRAME(TRACK);
+    std::string list = DESIGNITEM(index);
+    const UnitRect before = GETPROPPOSITION(list);
+    const Rect corner = CALCOFFSETS(DialogDlg, DESIGNITEM(1), frameMode(), margin());
+    const FrameRects frame = CALCOFFSETS(DialogDlg, DESIGNITEM(1), frameMode());
+    Rect start = RCUNITSTOPIXELS(DialogDlg, before);
+    start.x += corner.x;
+    start.y += corner.y;
+    STAMP();
+    Rect now = TrackRect(DialogDlg, TRACK_MOVE, {4, 12, 12, 1},
+                         {corner.x, corner.y, frame.client.w, frame.client.h}, start);
+    STAMP();
+    if (!IsLoaded(DialogDlg)) return;
+    const bool dragged = now != start;
+    now.x -= corner.x;
+    now.y -= corner.y;
+    const UnitRect after = dragged ? PIXELSTORCUNITS(DialogDlg, now) : before;
+    STAMP();
+    if (after == before) return;
+    SETPROPPOSITION(list, after);
+    DESIGNSTEP([&] { SetList(datalist(), index, list.substr(0, list.size() - 1)); });
+    STAMP();
+}
+
+void pressed(int parameter) {
+    const int before = SELECTEDOBJECT();
+    const int index = selectAt(parameter);
+    const bool wasDrawn = before == -1 || before > 1;
+    if (index == -1 || index > 1 || wasDrawn) DIALOGREDRAW();
+    if (index <= 1) return;
+    track(index);
+    DIALOGREDRAW();
+}
+
+void rightClicked(int parameter) {
+    selectAt(parameter);
+    DIALOGREDRAW();
+    editSelected();
+}
+
+void showCode() {
+    const int index = SELECTEDOBJECT();
+    const std::string dialog = DESIGNITEM(1), object = index == -1 ? dialog : DESIGNITEM(index);
+    if (object.empty()) return;
+    const std::string type = index == -1 ? "Menuitem" : GETPROPVALUE(object, "TYPEOF");
+    SHOWCODEFILE(DIALOGGETFILENAME(), GETPROPVALUE(object, "NAME"), GETPROPVALUE(dialog, "TYPEOF"), type);
+}
+
+// ---- the window ----
+
+// To the right of the Toolbox, below the main window.
+void place() {
+    constexpr int gap = 20;
+    const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
+    const int toolbox = IsLoaded(ToolboxDlg) ? GetPosition(ToolboxDlg, WINDOW_UNIT).w + gap : 0;
+    const Rect own = GetPosition(DialogDlg, WINDOW_UNIT);
+    SetPosition(DialogDlg, WINDOW_UNIT, Rect{screen.x + gap + toolbox, main.y + main.h + gap, own.w, own.h});
+}
+
+// A dialog that is larger than the window may become stays so.
+int sizeFrom(int client, int offsets, int most, int before) {
+    const bool cut = most > 0 && client >= most && before + offsets > most;
+    return cut ? before : std::max(client - offsets, 0);
+}
+
+void resized() {
+    FRAME(RESIZED);
+    STAMP();
+    std::string list = DESIGNITEM(1);
+    if (DIALOGDRAWING() || list.empty() || DESIGNTEXT("linkstr") != "1") return;
+    STAMP();
+    const Rect offsets = CALCOFFSETS(DialogDlg, list, frameMode(), margin());
+    const Rect window = GetPosition(DialogDlg, CLIENT_UNIT), most = GetMaxPosition(DialogDlg);
+    const UnitRect before = GETPROPPOSITION(list);
+    Rect pixels = RCUNITSTOPIXELS(DialogDlg, before);
+    const Rect old = pixels;
+    pixels.w = sizeFrom(window.w, offsets.w, most.w, pixels.w);
+    pixels.h = sizeFrom(window.h, offsets.h, most.h, pixels.h);
+    STAMP();
+    if (pixels == old) return;
+    const UnitRect units = PIXELSTORCUNITS(DialogDlg, pixels);
+    const UnitRect after{before.x, before.y, units.w, units.h};
+    STAMP();
+    if (after == before) return;
+    SETPROPPOSITION(list, after);
+    redrawIf(DESIGNSTEP([&] { SetList(datalist(), 1, list.substr(0, list.size() - 1)); }));
+    STAMP();
+}
+
+struct EventRow {
+    int event;
+    bool (*action)(int parameter);  // whether the event is handled
+};
+constexpr EventRow events[] = {
+    {LOAD_EVENT, [](int) { return place(), false; }},
+    {KEYPRESS_EVENT, keyPressed},
+    {MOUSEDOWN_EVENT, [](int parameter) { return pressed(parameter), true; }},
+    {INFO_EVENT, [](int parameter) { return rightClicked(parameter), true; }},
+    {DBLCLICK_EVENT, [](int) { return showCode(), true; }},
+    {RESIZE_EVENT, [](int) { return resized(), true; }},
+    {CLOSE_EVENT, [](int) { return !DIALOGMAYCLOSE(); }},
+};
+
+const RegisteredWindow registered("DialogDlg", DIALOGDLG);
+
+}  // namespace
+
+bool DIALOGISINFRONT() {
+    FRAME(DIALOGISINFRONT);
+    STAMP();
+    return ISSHOWN(DialogDlg) && STREQUAL(GetCaption(MAINCONTROL("lbllastactive")), DialogDlg.window());
+}
+
+void DIALOGEDITSELECTED() {
+    FRAME(DIALOGEDITSELECTED);
+    STAMP();
+    editSelected();
+    STAMP();
+}
+
+void DIALOGDELETESELECTED() {
+    FRAME(DIALOGDELETESELECTED);
+    STAMP();
+    deleteSelected();
+    STAMP();
+}
+
+bool DIALOGDLG(const Object&, int event, const Object&, int parameter) {
+    FRAME(DIALOGDLG);
+    STAMP();
+    bool handled = false;
+    for (const EventRow& row : events)
+        if (row.event == event) handled = row.action(parameter);
+    STAMP();
+    return handled;
+}
+
+}  // namespace tarn

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Saving a dialog: a row of checks, each of which may end it, then the rename and the write. Whatever ends it leaves the
+// dialog marked as changed.
+#include "ide/designer/dlgcode.h"
+#include "ide/designer/dlgdisk.h"
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/dlgstep.h"
+#include "ide/designer/toolbox.h"
+#include "ide/shell/windows.h"
+#include "kernel/windows/resources.h"
+#include "library/designer/proputil.h"
+#include "library/system/system.h"
+
+MODULE("dlgedit")
+
+namespace tarn {
+namespace {
+
+// Each may end the save.
+struct Save {
+    std::string file, oldName;
+    bool missing = false;  // the dialog is no longer in the file, and the user wants it there
+};
+using Step = bool (*)(Save& save);
+
+// Ignore goes on; everything else ends the save.
+bool ignored(const std::string& message) {
+    Sound();
+    return MsgBox(DialogEditorTitle, message, "OK\nIgnore", BoxIcon::Warning) == "Ignore";
+}
+
+void tell(const std::string& message) {
+    Sound();
+    MsgBox(DialogEditorTitle, message, "OK", BoxIcon::Error);
+}
+
+void selectGuilty(const NameFault& fault) {
+    SELECTOBJECT(fault.second ? -1 : fault.index);
+    DIALOGREDRAW();
+}
+
+// ---- the checks ----
+
+bool typeMayHaveControls(Save&) {
+    const std::string type = GETPROPVALUE(DESIGNITEM(1), "TYPEOF");
+    const int controls = GetListCount(DESIGNCONTROL("datalist")) - 1;
+    if (controls <= 0 || (!STREQUAL(type, "Editwindow") && !STREQUAL(type, "Richeditwindow"))) return true;
+    return ignored("Windows of type '" + type + "' should not contain control objects.\n" +
+                   "However the window being saved contains " + STR(controls) + " control(s).\n" +
+                   "These controls should be deleted before saving the window.\n");
+}
+
+bool namesAreAllowed(Save&) {
+    const NameFault fault =
+        CHECKBADNAMES(DESIGNCONTROL("datalist"), DESIGNCONTROL("menulist"), -1, false, BadNames);
+    if (fault.message.empty()) return true;
+    if (ignored(fault.message + "(The index of the invalid name = " + STR(fault.index) + ")")) return true;
+    selectGuilty(fault);
+    return false;
+}
+
+bool namesAreUnique(Save&) {
+    const NameFault fault = CHECKDUPLICATES(DESIGNCONTROL("datalist"), DESIGNCONTROL("menulist"), -1, false);
+    if (fault.message.empty()) return true;
+    tell(fault.message + "(The index of the duplicate = " + STR(fault.index) + ")");
+    selectGuilty(fault);
+    return false;
+}
+
+bool asked(const std::string& text, const std::string& yes) {
+    return MsgBox("File-Save", text, yes + "\n&Cancel", BoxIcon::Warning) == yes;
+}
+
+// What another program has written meanwhile goes only if the user says so.
+bool maySaveOver(Save& save) {
+    const DialogOnDisk state = DIALOGONDISK(save.file, save.oldName);
+    save.missing = state == DialogOnDisk::Missing || state == DialogOnDisk::FileMissing;
+    switch (state) {
+    case DialogOnDisk::AsSeen: return true;
+    case DialogOnDisk::FileMissing:
+        return asked("The following file was deleted or renamed by another program:\n\n\t" + save.file +
+                         "\n\nSave this dialog to a new file of that name?",
+                     "&Save");
+    case DialogOnDisk::Missing:
+        return asked("The following file was changed by another program after it was read here:\n\n\t" +
+                         save.file + "\n\nThe dialog '" + save.oldName +
+                         "' cannot be read there any more. Add it again?",
+                     "&Save");
+    default:
+        return asked("The following file was changed by another program after it was read here:\n\n\t" +
+                         save.file + "\n\nIts dialog '" + save.oldName +
+                         "' is another one now. Everything else in the file stays as it is.",
+                     "&Save over it");
+    }
+}
+
+// ---- the work ----
+
+void renamed(const Save& save, const std::string& name) {
+    SETDESIGNTEXT("dlgname", name);
+    SetCaption(DialogDlg, STRREPLACE(GetCaption(DialogDlg), "(" + save.oldName + ")", "(" + name + ")"));
+}
+
+bool rename(Save& save) {
+    const std::string name = GETPROPVALUE(DESIGNITEM(1), "NAME");
+    if (STREQUAL(name, save.oldName)) return true;
+    const std::string error = save.missing ? "" : ResourceRename(save.file, save.oldName, name);
+    if (!error.empty()) return tell(error), false;
+    renamed(save, name);
+    NOTEDIALOGSEEN(save.file, name);
+    CHECKRENAMEFUNCTION(FILECHANGEEXT(save.file, ClassExtension), save.oldName, name);
+    AUTOREFRESHPROJECT();
+    return true;
+}
+
+bool write(Save& save) {
+    const std::string error = ResourceWrite(TSTRINGARRAY(DESIGNCONTROL("datalist")),
+                                            TSTRINGARRAY(DESIGNCONTROL("menulist")), save.file);
+    if (!error.empty()) return tell(error), false;
+    NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
+    DIALOGSETMODIFY(false);
+    return true;
+}
+
+constexpr Step steps[] = {typeMayHaveControls, namesAreAllowed, namesAreUnique, maySaveOver, rename, write};
+
+}  // namespace
+
+void DIALOGSAVE() {
+    FRAME(DIALOGSAVE);
+    if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
+    STAMP();
+    Save save{DIALOGGETFILENAME(), DIALOGGETDLGNAME()};
+    for (const Step step : steps) {
+        STAMP();
+        if (!step(save)) break;
+    }
+    STAMP();
+}
+
+bool DIALOGSAVEIFMODIFIED() {
+    FRAME(DIALOGSAVEIFMODIFIED);
+    STAMP();
+    if (!DIALOGGETMODIFY()) return true;
+    const std::string answer =
+        MsgBox("Save Changes?",
+               DIALOGGETFILENAME() + "\nThis file has been changed. Do you want to save the changes?",
+               "&Yes\n&No\n&Cancel", BoxIcon::Question);
+    STAMP();
+    if (answer == "&Yes") DIALOGSAVE();
+    if (answer == "&No") DIALOGSETMODIFY(false);
+    STAMP();
+    return true;
+}
+
+bool DIALOGMAYCLOSE() {
+    FRAME(DIALOGMAYCLOSE);
+    STAMP();
+    std::string answer = "&No";
+    if (DIALOGGETMODIFY())
+        answer =
+            MsgBox(DialogEditorTitle,
+                   "Dialog " + DIALOGGETDLGNAME() + " has been edited.\nDo you want to save the changes?\n",
+                   "&Yes\n&No\n&Cancel", BoxIcon::Question);
+    STAMP();
+    if (answer == "&Yes") DIALOGSAVE();
+    STAMP();
+    if (answer != "&No" && (answer != "&Yes" || DIALOGGETMODIFY())) return false;
+    TOOLBOXCLOSE();
+    return true;
+}
+
+}  // namespace tarn

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What the dialog editor's window holds, and the two ways by which it changes: every change of the lists is part of a
+// step, and every change of the selection goes through SELECTOBJECT.
+//
+// All of these work on the window DialogDlg. While it is not loaded the texts are empty, and nothing changes.
+// Cost: a step copies the lists twice.
+#pragma once
+
+#include "kernel/windows/windowing.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+inline constexpr const char* DialogEditorTitle = "Dialog Editor";
+
+// A control of the editor's window, and the caption of one.
+Object DESIGNCONTROL(std::string_view name);
+std::string DESIGNTEXT(std::string_view label);
+void SETDESIGNTEXT(std::string_view label, std::string_view text);
+std::string
+DESIGNITEM(int index);  // item n of datalist, or -1 item 1 of menulist, with LF at its end; else empty
+
+void DESIGNHELP(const std::string& helpFile, const std::string& helpKey);
+
+// The lists as they stand.
+struct DesignLists {
+    std::vector<std::string> dialog, menu;
+    int selection = 0;
+    friend bool operator==(const DesignLists&, const DesignLists&) = default;
+};
+DesignLists DESIGNLISTS();
+
+// Runs what one action of the user does to the lists. If they differ afterwards the dialog is marked as changed, and
+// the result is true. A step within a step is part of it.
+bool DESIGNSTEP(const std::function<void()>& action);
+
+int SELECTEDOBJECT();                // as hilite1 has it
+void SELECTOBJECT(int index);        // without a redraw; tells screen readers
+std::string OBJECTTITLE(int index);  // "name:type"; empty if there is no such object
+
+}  // namespace tarn

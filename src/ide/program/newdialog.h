@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A new dialog for the open program: its text from the template Template.DialogBody at the end of a resource file, its
+// window function from Template.FunctionBody in the class beside that file.
+//
+// Both files are written as whole new ones in the place of the old, and only what was read a moment before is added to;
+// so a full disk or a file that cannot be written is told and leaves the old file. A resource file in which the new
+// dialog could not be found again gets its old text back. A class in the Code window is changed there, by one edit that
+// can be undone, and not on the disk.
+#pragma once
+
+namespace tarn {
+
+// Asks about changes of the open dialog, adds the new one, and opens it. It goes to the files of the selected row of the
+// Program Window; else to those of the class in the Code window; else to a new resource file in the current folder.
+void PROJECTNEWDIALOG();
+
+}  // namespace tarn
