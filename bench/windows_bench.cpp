@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // windows_bench: a window of 255 controls from its resource file to the paint, beside 255 plain widgets of the toolkit;
-// and what every command of the environment costs behind it, the refresh of its menus.
+// its design, drawn whole, beside those widgets painted anew; and what every command of the environment costs behind it,
+// the refresh of its menus.
 #include "paint_watch.h"
 
+#include "ide/designer/drawing.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "kernel/run/runtime.h"
 #include "kernel/windows/windowing.h"
+#include "library/designer/proputil.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
@@ -31,7 +34,7 @@ namespace {
 using namespace bench;
 
 constexpr int controls = 255, runs = 15;
-const tarn::Object window("Large");
+const tarn::Object window("Large"), design("Design");
 
 constexpr const char* kinds[] = {"Label", "Edit", "Checkbox", "Pushbutton"};
 
@@ -42,7 +45,7 @@ std::string resourceText() {
                 std::to_string(100 + i) + "\n    POSITION=" + std::to_string(i % 16 * 40) + " " +
                 std::to_string(i / 16 * 18) + " 38 14\n" +
                 (i % 4 == 1 ? "    TEXT=\"text\"\n" : "    CAPTION=\"Control\"\n");
-    return text + "END\n";
+    return text + "END\nDesign DIALOG\n  CAPTION=\"Design\"\n  POSITION=0 0 640 300\nEND\n";
 }
 
 double load(const std::string& file) {
@@ -70,21 +73,70 @@ QWidget* plainWidget(int kind, QWidget* parent) {
     }
 }
 
+void fill(QWidget& plain) {
+    plain.setWindowTitle("Large");
+    plain.resize(1280, 600);
+    for (int n = 0; n < controls; n++)
+        plainWidget(n % 4, &plain)->setGeometry(n % 16 * 80, n / 16 * 36, 76, 28);
+}
+
 double plainWidgets() {
     std::vector<double> times;
     for (int i = 0; i < runs; i++) {
         QElapsedTimer timer;
         timer.start();
         QWidget plain;
-        plain.setWindowTitle("Large");
-        plain.resize(1280, 600);
-        for (int n = 0; n < controls; n++)
-            plainWidget(n % 4, &plain)->setGeometry(n % 16 * 80, n / 16 * 36, 76, 28);
+        fill(plain);
         PaintWatch watch(&plain);
         plain.show();
         untilPainted(watch);
         times.push_back(milliseconds(timer));
     }
+    return median(times);
+}
+
+// All of them painted again, as when something covered them.
+double plainPaint() {
+    QWidget plain;
+    fill(plain);
+    PaintWatch watch(&plain);
+    plain.show();
+    untilPainted(watch);
+    std::vector<double> times;
+    for (int i = 0; i < runs; i++) {
+        QElapsedTimer timer;
+        timer.start();
+        plain.repaint();
+        times.push_back(milliseconds(timer));
+    }
+    return median(times);
+}
+
+// The whole design to the paint, after a change of one control, or of all.
+double designRedraw(const std::string& file, bool all) {
+    if (!tarn::Load(design, file, "Design").empty()) std::abort();
+    tarn::Show(design, false);
+    auto* const frame = static_cast<QWidget*>(tarn::platform::findWindow(design)->widget);
+    tarn::DesignPicture picture;
+    tarn::ResourceRead(file, "Large", picture.dialog);
+    picture.grid = "8 8";
+    picture.margin = {10, 10, 10, 10};
+    tarn::DRAWWINDOW(design, picture);
+    QApplication::processEvents();
+    std::vector<double> times;
+    for (int i = 0; i < runs; i++) {
+        for (int n = 1; n <= (all ? controls : 1); n++)
+            for (const char* name : {"CAPTION", "TEXT"})
+                tarn::SETPROPVALUE(name, std::to_string(all) + "Control" + std::to_string(i),
+                                   picture.dialog[n]);
+        QElapsedTimer timer;
+        timer.start();
+        tarn::DRAWWINDOW(design, picture);
+        frame->repaint();
+        times.push_back(milliseconds(timer));
+    }
+    tarn::Unload(design);
+    QApplication::processEvents();
     return median(times);
 }
 
@@ -145,6 +197,9 @@ int main(int argc, char** argv) {
     std::vector<Figure> figures;
     figures.push_back({"load255", load(file)});
     figures.push_back({"plain255", plainWidgets()});
+    figures.push_back({"designRedraw255", designRedraw(file, false)});
+    figures.push_back({"designAnew255", designRedraw(file, true)});
+    figures.push_back({"plainPaint255", plainPaint()});
     figures.push_back({"menuRefresh", menuRefresh()});
     backupRefresh(50, "menuRefreshFresh/50", "menuRefresh/50", figures);
     backupRefresh(10000, "menuRefreshFresh/10000", "menuRefresh/10000", figures);

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The model mode: no real input.
+#include "behaviour/design_places.h"
 #include "behaviour/hands.h"
+#include "ide/designer/dlgedit.h"
 #include "ide/help/helpviewer.h"
+#include "ide/shell/windows.h"
 
 namespace tarn {
 namespace {
@@ -13,6 +16,23 @@ public:
     bool type(const std::string&) override { return false; }
     bool click(const platform::Object&) override { return false; }
     bool mouse(const platform::Object&, int, int, int) override { return false; }
+    bool design(const std::string& file, const std::string& dialog) override { return OPENDIALOG(file, dialog), true; }
+    bool point(const std::string& object, const std::string& how) override {
+        platform::Point at;
+        if (!designPoint(object, false, at)) return false;
+        platform::Window& window = *platform::findWindow(DialogDlg);
+        if (how == "right") return platform::userInfo(window, at.x, at.y), true;
+        platform::userMouseDown(window, at.x, at.y);
+        if (how == "2") platform::userDoubleClick(window, at.x, at.y);
+        return true;
+    }
+    bool drag(const std::string& object, bool corner, int dx, int dy) override {
+        platform::Point at;
+        if (!designPoint(object, corner, at)) return false;
+        const platform::Point by = designDistance(dx, dy);
+        platform::userDrag(at, {at.x + by.x, at.y + by.y});
+        return platform::userMouseDown(*platform::findWindow(DialogDlg), at.x, at.y);
+    }
     bool stopTool() override { return platform::pressToolStop(); }
     void endSplash() override {}
     void screenshot(const std::string&) override {}

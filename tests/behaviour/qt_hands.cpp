@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The user's keys and mouse on real widgets: as events offscreen, through the X server on a display.
+#include "behaviour/design_places.h"
 #include "behaviour/hands.h"
-
+#include "ide/designer/dlgedit.h"
 #include "ide/help/helpviewer.h"
+#include "ide/shell/windows.h"
 #include "os/process.h"
 
+#include <QContextMenuEvent>
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QAction>
 #include <QApplication>
 #include <QKeySequence>
+#include <QMouseEvent>
 #include <QTest>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdlib>
@@ -79,6 +84,37 @@ public:
         if (area == nullptr) area = widget->findChild<QAbstractScrollArea*>();
         return area != nullptr && press(*area->viewport(), QPoint(x, y), clicks);
     }
+
+    bool design(const std::string& file, const std::string& dialog) override {
+        OPENDIALOG(file, dialog);
+        return true;
+    }
+
+    bool point(const std::string& object, const std::string& how) override {
+        Point at;
+        if (!designPoint(object, false, at)) return false;
+        QWidget* const client = clientAt(at);
+        if (how != "right") {
+            dragTo(*client, at, at);
+            if (how == "2") onScreen_ ? dragTo(*client, at, at) : doubleClick(*client, at);
+            return true;
+        }
+        const QPoint place = QPoint(at.x, at.y) - client->pos(), global = client->mapToGlobal(place);
+        if (onScreen_) return run("mousemove --sync " + text(global) + " click 3");
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, global);
+        QApplication::sendEvent(client, &event);
+        return true;
+    }
+
+    bool drag(const std::string& object, bool corner, int dx, int dy) override {
+        Point at;
+        if (!designPoint(object, corner, at)) return false;
+        const Point by = designDistance(dx, dy);
+        dragTo(*clientAt(at), at, {at.x + by.x, at.y + by.y});
+        return true;
+    }
+
+    bool holdsButton() override { return holds_; }
 
     bool stopTool() override {
         for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -149,7 +185,45 @@ public:
     }
 
 private:
-    bool onScreen_;
+    bool onScreen_, holds_ = false;
+
+    static std::string text(const QPoint& point) {
+        return std::to_string(point.x()) + " " + std::to_string(point.y());
+    }
+    static bool run(const std::string& command) { return std::system(("xdotool " + command).c_str()) == 0; }
+
+    static QWidget* clientAt(const Point& at) {
+        QWidget* const window = topOf(DialogDlg);
+        QWidget* const client = window->childAt(at.x, at.y);
+        return client != nullptr ? client : window;
+    }
+
+    // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
+    void dragTo(QWidget& client, const Point& from, const Point& to) {
+        const QPoint begin = QPoint(from.x, from.y) - client.pos(), end = QPoint(to.x, to.y) - client.pos();
+        if (onScreen_) {
+            run("mousemove --sync " + text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
+                text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) + " mouseup 1");
+            return;
+        }
+        holds_ = true;
+        const QPointer<QWidget> alive(&client);
+        for (const QEvent::Type type : {QEvent::MouseMove, QEvent::MouseButtonRelease})
+            QTimer::singleShot(type == QEvent::MouseMove ? 5 : 10, [=, this] {
+                const bool up = type == QEvent::MouseButtonRelease;
+                if (up) holds_ = false;
+                if (alive.isNull()) return;
+                QMouseEvent event(type, end, alive->mapToGlobal(end), up ? Qt::LeftButton : Qt::NoButton,
+                                  up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+                QApplication::sendEvent(alive, &event);
+            });
+        QTest::mousePress(&client, Qt::LeftButton, {}, begin);
+        if (!alive.isNull()) QTest::mouseRelease(&client, Qt::LeftButton, {}, end);
+    }
+
+    static void doubleClick(QWidget& client, const Point& at) {
+        QTest::mouseDClick(&client, Qt::LeftButton, {}, QPoint(at.x, at.y) - client.pos());
+    }
 
     static const QWidget* helpWindow() {
         for (const QWidget* window : QApplication::topLevelWidgets())
@@ -166,12 +240,20 @@ private:
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
             return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
-                                std::to_string(at.y()) + " click --repeat " + std::to_string(clicks) +
-                                " --delay 40 1")
+                                std::to_string(at.y()) + " click --repeat " +
+                                std::to_string(std::max(clicks, 1)) + " --delay 40 " + (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
         }
+        if (clicks == 0) return rightClick(widget, place);
         QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
         if (clicks == 2) QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
+        return true;
+    }
+
+    static bool rightClick(QWidget& widget, const QPoint& place) {
+        QTest::mouseClick(&widget, Qt::RightButton, {}, place);
+        QCoreApplication::postEvent(
+            &widget, new QContextMenuEvent(QContextMenuEvent::Mouse, place, widget.mapToGlobal(place)));
         return true;
     }
 

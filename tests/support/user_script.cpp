@@ -35,12 +35,12 @@ const std::map<std::string, LineForm> forms = {
     {"click", {2, true}}, {"mouse", {4, true}}, {"maximise", {1}},  {"screenshot", {1}},
     {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}},
     {"strike", {3}},      {"sheet", {2}},       {"restart", {0}},   {"tick", {1}},
-    {"activate", {1}}};
+    {"activate", {1}},    {"design", {2}},      {"point", {1}},     {"drag", {3}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
 char unescape(char c) {
-    return c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c;
+    return c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c == 'b' ? '\2' : c;
 }
 
 // Splits a line into its words; false when a quote stays open.
@@ -199,6 +199,11 @@ Object itemOf(const std::string& name, const std::string& place) {
     return place.empty() ? item : ControlElement(item, std::atoi(place.c_str()));
 }
 
+// What the user does with windows that take input: while a tool runs, they take none.
+const std::set<std::string> needsRest = {"command", "press", "set",      "click", "mouse",
+                                         "type",    "edit",  "dblclick", "close", "select", "strike",
+                                         "point",   "drag"};
+
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
 }
@@ -218,12 +223,15 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     if (answers) return open ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "expect") return expect(line) ? Outcome::Done : Outcome::NotYet;
     const auto waited = std::chrono::steady_clock::now() - since_;
-    if (forms.at(w[0]).realInput && waited < std::chrono::milliseconds(hands_.patience()))
+    if (hands_.holdsButton()) return Outcome::NotYet;
+    const bool pointing = w[0] == "point" || w[0] == "drag";
+    if ((forms.at(w[0]).realInput || pointing) && waited < std::chrono::milliseconds(hands_.patience()))
         return Outcome::NotYet;
     const auto shown = [](const Object& object) {
         const Window* window = findWindow(object);
         return window != nullptr && window->shown;
     };
+    if (busy() && needsRest.count(w[0]) != 0) return Outcome::NotYet;
     if (w[0] == "command") {
         const Control* item = commanded(w);
         lastSeen_ = item == nullptr ? "There is no such control." : "It is disabled.";
@@ -234,6 +242,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
                                                                              : Outcome::NotYet;
     }
+    if (pointing) return shown(Object("DialogDlg")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
         w[0] == "mouse")
@@ -249,7 +258,12 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
 
 namespace {
 
+constexpr int Ctrl = 0x1000, Shift = 0x2000;
 const std::map<std::string, int> struckKeys = {
+    {"Tab", 9},          {"Shift+Tab", Shift + 9}, {"F2", KEY_F2}, {"F3", KEY_F3},
+    {"F6", 117},         {"Del", KEY_DELETE},
+    {"Ctrl+Left", Ctrl + KEY_LEFT}, {"Ctrl+Right", Ctrl + KEY_RIGHT},
+    {"Ctrl+Up", Ctrl + KEY_UP},     {"Ctrl+Down", Ctrl + KEY_DOWN},
     {"Up", KEY_UP},      {"Down", KEY_DOWN}, {"F1", KEY_F1},         {"F4", KEY_F4},
     {"Esc", KEY_ESCAPE}, {"Left", KEY_LEFT}, {"Return", KEY_RETURN}, {"Right", KEY_RIGHT}};
 
@@ -297,6 +311,10 @@ void UserDriver::act(const ScriptLine& line) {
         strike(w);
     else if (what == "sheet")
         sheet(w[1], dir_ + w[2]);
+    else if (what == "design")
+        hands_.design(w[1], w[2]);
+    else if (what == "point" || what == "drag")
+        point(w);
     else if (what == "start")
         startSecond(line);
     else if (what == "tick")
@@ -386,6 +404,14 @@ void UserDriver::strike(const std::vector<std::string>& words) {
     const Object window(words[1]);
     Control* const focus = words[2] == "-" ? nullptr : findControl(FindControl(window, words[2]));
     userKey(*findWindow(window), focus, code->second);
+}
+
+void UserDriver::point(const std::vector<std::string>& words) {
+    const bool corner = words.size() > 4 && words[4] == "corner";
+    const bool done = words[0] == "point" ? hands_.point(words[1], words.size() > 2 ? words[2] : "")
+                                          : hands_.drag(words[1], corner, std::atoi(words[2].c_str()),
+                                                        std::atoi(words[3].c_str()));
+    if (!done) at_--, fail("The dialog has no such object.");
 }
 
 void UserDriver::sheet(const std::string& title, const std::string& file) {
@@ -489,6 +515,16 @@ bool holds(const Rect& outer, const Rect& inner) {
 }
 
 }  // namespace
+
+bool Hands::design(const std::string&, const std::string&) {
+    return false;
+}
+bool Hands::point(const std::string&, const std::string&) {
+    return false;
+}
+bool Hands::drag(const std::string&, bool, int, int) {
+    return false;
+}
 
 void Hands::maximise(const Object& window) {
     static_cast<void>(SetWindowState(window, 2));

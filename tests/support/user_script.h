@@ -19,6 +19,9 @@
 //   sheet TITLE FILE                opens the property sheet on rows "name|options|value"; when it is closed,
 //                                   FILE.out has a line OK or Cancel, and the values
 //   strike WINDOW CONTROL KEY       a key that reaches a control ("-": the window) in any mode
+//   design FILE NAME                opens a dialog in the dialog editor
+//   point OBJECT ["2"|right]        clicks an object of the open dialog: its name, "-" the dialog, menu, margin
+//   drag OBJECT DX DY [corner]      drags it, by resource units
 //   stop-tool                       the Stop button while a tool runs
 //   clock +3s                       lets time go by
 //   tick WINDOW [CONTROL]           a timer of the window, or of a control, has come
@@ -85,6 +88,12 @@ public:
     virtual bool type(const std::string& text) = 0;
     virtual bool click(const platform::Object& control) = 0;
     virtual bool mouse(const platform::Object& window, int x, int y, int clicks) = 0;
+    // In the dialog editor: opens a dialog; presses on an object of it (once, "2" twice, "right" the other button); drags one
+    // by its middle or its corner, by resource units. False: there is no such object.
+    virtual bool design(const std::string& file, const std::string& dialog);
+    virtual bool point(const std::string& object, const std::string& how);
+    virtual bool drag(const std::string& object, bool corner, int dx, int dy);
+    virtual bool holdsButton() { return false; }  // of the mouse
     virtual bool stopTool() = 0;  // false: no tool runs that could be stopped
     virtual void endSplash() = 0;
     virtual void screenshot(const std::string& path) = 0;
@@ -135,6 +144,7 @@ private:
     void startSecond(const ScriptLine& line);
     bool canStrike(const std::vector<std::string>& words);
     void strike(const std::vector<std::string>& words);
+    void point(const std::vector<std::string>& words);
     void sheet(const std::string& title, const std::string& file);
     [[nodiscard]] std::string onScreen() const;
 };

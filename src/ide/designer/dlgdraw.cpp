@@ -50,7 +50,7 @@ void bottomAndRight(const Object& window, int x1, int y1, int x2, int y2, int co
     DrawLine(window, x2, y1, x2, y2);
 }
 
-constexpr Bevel raised = {WHITE, WHITE, DARK_GREY, BLACK, LIGHT_GREY};
+constexpr Bevel raised = {WHITE, WHITE, DARKGREY, BLACK, LIGHTGREY};
 
 void drawRaised(const Object& window, const Rect& rect) {
     DRAWCOLOREDRECT(window, rect.x, rect.y, rightOf(rect), bottomOf(rect), raised);
@@ -188,14 +188,14 @@ Rect DRAWSCROLLBARS(const Object& window, const Rect& rect, int bars) {
     if (beside != 0)
         scrollBar(window, {rect.x + rest.w, rect.y, beside, rest.h}, Arrow::Up, Arrow::Down, false);
     if (below != 0 && beside != 0)
-        fillRect(window, {rect.x + rest.w, rect.y + rest.h, beside, below}, LIGHT_GREY);
+        fillRect(window, {rect.x + rest.w, rect.y + rest.h, beside, below}, LIGHTGREY);
     return rest;
 }
 
 void DRAWSIZINGCORNER(const Object& window, const Rect& rect) {
     FRAME(DRAWSIZINGCORNER);
     STAMP();
-    SetForeColour(window, DARK_GREY);
+    SetForeColour(window, DARKGREY);
     const int right = rightOf(rect) - 1, bottom = bottomOf(rect) - 1;
     for (int i = 1; i <= SizingLines; ++i)
         DrawLine(window, right - i * SizingStep, bottom, right, bottom - i * SizingStep);
@@ -210,7 +210,7 @@ void DRAWLANDSCAPE(const Object& window, const Rect& rect) {
     const Rect sheet = {rect.x + (rect.w - width) / 2, rect.y + (rect.h - height) / 2, width, height};
     setInk(window, BLACK, WHITE);
     DrawShape(window, RECTANGLE_SHAPE, sheet.x, sheet.y, sheet.w, sheet.h);
-    SetForeColour(window, DARK_GREY);
+    SetForeColour(window, DARKGREY);
     for (int y = sheet.y + SizingStep; y < bottomOf(sheet) - 1; y += SizingStep)
         DrawLine(window, sheet.x + TextGap, y, rightOf(sheet) - TextGap, y);
 }
@@ -238,10 +238,10 @@ void DRAWNCBUTTON(const Object& window, const Rect& rect, NcButton button) {
 void DRAWPANELLAMP(const Object& window, const Rect& rect, std::string_view state) {
     FRAME(DRAWPANELLAMP);
     STAMP();
-    int colour = LIGHT_GREY;
+    int colour = LIGHTGREY;
     for (const Lamp& lamp : lamps)
         if (STREQUAL(state, lamp.state)) colour = lamp.colour;
-    DRAWCIRCLE(window, rect, DARK_GREY, colour);
+    DRAWCIRCLE(window, rect, DARKGREY, colour);
 }
 
 void DRAWSTATUSTEXT(const Object& window, const Rect& lamp, std::string_view state, const std::string& text) {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "kernel/windows/windowing.h"
+#include "library/system/constants.h"
 
 #include <string>
 #include <string_view>
@@ -15,7 +16,6 @@
 namespace tarn {
 
 inline constexpr int NO_COLOUR = -1;
-inline constexpr int BLACK = 0x000000, WHITE = 0xFFFFFF, DARK_GREY = 0x808080, LIGHT_GREY = 0xC0C0C0;
 inline constexpr int GRID_GREY = 0x909090;  // seen on light grounds and on dark ones
 inline constexpr int HANDLE_SIZE = 4;       // pixels of a side
 

@@ -96,6 +96,7 @@ void DIALOGREDRAW() {
     picture.link = DESIGNTEXT("linkstr") == "1";
     picture.resourceFolder = DESIGNTEXT("resourcedir");
     picture.compilerFolder = DESIGNTEXT("compilerdir");
+    picture.resourceFile = DESIGNTEXT("rcfile");
     picture.selection = SELECTEDOBJECT();
     STAMP();
     drawing = true;

@@ -19,7 +19,7 @@ struct FrameColours {
     Bevel outer;
     int inner, selection;
 };
-constexpr FrameColours light = {{0xE0E0E0, WHITE, DARK_GREY, BLACK, NO_COLOUR}, LIGHT_GREY, BLACK};
+constexpr FrameColours light = {{0xE0E0E0, WHITE, DARKGREY, BLACK, NO_COLOUR}, LIGHTGREY, BLACK};
 constexpr FrameColours dark = {{0x606060, 0x707070, 0x303030, BLACK, NO_COLOUR}, 0x484848, WHITE};
 constexpr int CaptionGround = 0x8C5F3A, CaptionInk = WHITE;
 

@@ -2,6 +2,7 @@
 #include "ide/menus/toolmenu.h"
 
 #include "ide/build/toolrun.h"
+#include "ide/designer/dlgcheck.h"
 #include "ide/editor/bitmaptext.h"
 #include "ide/options/compoptions.h"
 #include "ide/options/editoroptions.h"
@@ -131,6 +132,13 @@ void DO_CONVERT_BMP() {
         OpenFileDialog("Tools-Convert Bitmap", "", "Bitmaps (*.bmp)|*.bmp|All files (*)|*|");
     STAMP();
     if (!file.empty()) CONVERTBMPDIALOG(file);
+    STAMP();
+}
+
+void DO_CHECK_DIALOG() {
+    FRAME(DO_CHECK_DIALOG);
+    STAMP();
+    CHECKDIALOGDLG();
     STAMP();
 }
 

@@ -16,6 +16,8 @@ void DO_OPTIONS_FONTS();
 void DO_OPTIONS_GEN(const Object& mainWindow);
 void DO_OPTIONS_PATHS();
 void DO_OPTIONS_KEYS();
+// Reads the open dialog as its users will.
+void DO_CHECK_DIALOG();
 // Asks for a bitmap and shows it as a text for a source.
 void DO_CONVERT_BMP();
 // Asks for a template and shows what comes of it.

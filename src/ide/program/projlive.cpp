@@ -22,7 +22,8 @@ constexpr int Patience = 400;
 std::string stampOf(const std::string& file) {
     const os::FileInfo info = os::infoOf(file);
     if (!info.exists) return "\n";
-    return std::to_string(info.modified) + " " + std::to_string(info.size) + " " + std::to_string(info.inode) + "\n";
+    return std::to_string(info.modified) + " " + std::to_string(info.size) + " " +
+           std::to_string(info.inode) + "\n";
 }
 
 // A resource file that appears beside a class, or goes, is a change of the program too.
@@ -86,14 +87,14 @@ void NOTEPROJECTFILES(const Object& window) {
     NOTEPROJECTFILES(window, GetArrayValue(window, FilesValue));
 }
 
-void PROJECTCAMEFORWARD(const Object& window) {
+bool PROJECTCAMEFORWARD(const Object& window) {
     FRAME(PROJECTCAMEFORWARD);
     STAMP();
-    if (!IsLoaded(window)) return;
+    if (!IsLoaded(window)) return false;
     const std::string files = GetArrayValue(window, FilesValue);
-    if (files.empty() || stampsOf(files) == GetArrayValue(window, StampsValue)) return;
+    if (files.empty() || stampsOf(files) == GetArrayValue(window, StampsValue)) return false;
     STAMP();
-    SETTIMER(window, Patience);
+    return SETTIMER(window, Patience);
 }
 
 void PROJECTFOLLOWFILES(const Object& window) {

@@ -17,8 +17,8 @@ namespace tarn {
 // The window shows the program as these files, one a line, now stand on the disk.
 void NOTEPROJECTFILES(const Object& window, const std::string& files);
 void NOTEPROJECTFILES(const Object& window);  // the files that were noted last
-// The user has come to the window.
-void PROJECTCAMEFORWARD(const Object& window);
+// The user has come to the window: whether it will be read again.
+bool PROJECTCAMEFORWARD(const Object& window);
 // The timer that PROJECTCAMEFORWARD has set has come.
 void PROJECTFOLLOWFILES(const Object& window);
 

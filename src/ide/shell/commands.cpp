@@ -154,6 +154,7 @@ constexpr Row rows[] = {
     {"tools_test_rcfile", "", nullptr},
     {"tools_convert_bmp", "", [](const Fired&) { DO_CONVERT_BMP(); }},
     {"tools_options_rcfile", "", nullptr},
+    {"tools_check_dialog", "", [](const Fired&) { DO_CHECK_DIALOG(); }},
     {"tools_test_template", "", [](const Fired&) { DO_TEST_TEMPLATE(); }},
     {"tools_options_comp", "", [](const Fired&) { DO_OPTIONS_COMP(); }},
     {"tools_options_debug", "", nullptr},

@@ -388,7 +388,7 @@ void activated(int handle) {
     if (ISSDIWINDOW(window)) SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
     UPDATEMAINWINDOW();
     if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);
-    if (window == ProjectEditorDlg) PROJECTCAMEFORWARD(window);
+    if (window == ProjectEditorDlg) static_cast<void>(PROJECTCAMEFORWARD(window));
 }
 
 bool keyPressed(int key) {

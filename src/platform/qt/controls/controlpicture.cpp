@@ -115,6 +115,7 @@ QPixmap drawn(Control& control, const QSize& size, const Font& font, qreal ratio
     widget.ensurePolished();
     widget.setGeometry(placeOf(control, widget));
     peer->apply(Property::Position);
+    peer->catchUp();
     QPixmap picture(size * ratio);
     picture.setDevicePixelRatio(ratio);
     picture.fill(Qt::transparent);

@@ -205,11 +205,7 @@ public:
         grid.setIconSize({20, 20});
         grid.setItemDelegate(new CellDelegate(&grid));
         grid.setHeaderHidden(true);
-        grid.refreshed = [this] {
-            if (!late_->isActive()) return;
-            late_->stop();
-            refresh();
-        };
+        grid.refreshed = [this] { catchUp(); };
         grid.doubleClicked = [this](QPoint at) {
             at = inWindow(*grid_.viewport(), at);
             if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
@@ -234,6 +230,11 @@ public:
         // Thousands of rows that are added one by one are shown once.
         if (property == Property::Rows || property == Property::Caption) late_->start();
         if (property == Property::ListIndex && !late_->isActive()) choose();
+    }
+    void catchUp() override {
+        if (!late_->isActive()) return;
+        late_->stop();
+        refresh();
     }
     void letGo() override {
         quiet_ = true;

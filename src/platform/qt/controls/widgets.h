@@ -25,6 +25,7 @@ public:
     static Peer* of(const QWidget& widget);     // null for a widget that shows no control
     virtual void apply(Property property) = 0;  // brings one property of the model to the widget
     virtual QWidget* focusWidget() { return widget_; }
+    virtual void catchUp() {}  // does now what waits for a quiet moment
     void release() {  // the control is about to go: from now on nothing is read from it or told to it
         letGo();
         control_ = nullptr;

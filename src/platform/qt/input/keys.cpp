@@ -121,6 +121,9 @@ bool windowHears(const QWidget* focus, const QKeyEvent& event) {
                          qobject_cast<const QAbstractItemView*>(focus) != nullptr);
     }
     if (focus != nullptr && isPlainLine(*focus)) return isArrow(key);
+    // A window may have to keep what belongs to the row that the key leaves.
+    if (qobject_cast<const QAbstractItemView*>(focus) != nullptr)
+        return isArrow(key) || key == Qt::Key_Home || key == Qt::Key_End;
     return isArrow(key) && !text && (focus == nullptr || !isList(*focus));
 }
 

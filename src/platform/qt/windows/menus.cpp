@@ -20,7 +20,7 @@ namespace tarn::platform::qt {
 namespace {
 
 bool isSeparator(const Control& item) {
-    return item.caption == "-" || item.caption.empty();
+    return item.caption.find_first_not_of('-') == std::string::npos;
 }
 
 // A digit with its mnemonic, a blank and a name, as in a list of recent files: the name shows as it is.

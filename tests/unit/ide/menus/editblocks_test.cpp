@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editblocks.h"
 
+#include "ide/program/projwindow.h"
 #include "support/ide_fixture.h"
 
 #include <ctime>
@@ -229,6 +230,9 @@ TEST_F(EditBlocks, ExampleCodeCanBeNormalText) {
 
 TEST_F(EditBlocks, ExampleCodeBecomesFilesAndTheMainClassIsOpened) {
     open("old\n");
+    const std::string tool =
+        write("ordo.exe", "#!/bin/sh\necho \"" + dir + "second.cls\" >\"" + dir + "ordo.err\"\n");
+    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
     answers = {"New Program", dir + "first.rc", dir + "second.cls", dir + "third.cls"};
     paste("// a.rc\n// empty\n// b.cls\nTarnwick Class second\nfunction main()\nend function\nEnd class\n"
           "// c.cls\nTarnwick Class third\nEnd class");
@@ -241,6 +245,7 @@ TEST_F(EditBlocks, ExampleCodeBecomesFilesAndTheMainClassIsOpened) {
     EXPECT_EQ(read(dir + "third.cls"), "// c.cls\nTarnwick Class third\nEnd class\n");
     EXPECT_EQ(GetCaption(SDIEdit), dir + "second.cls");
     EXPECT_FALSE(GetModify(SDIEdit));
+    EXPECT_EQ(PROJECTGETMAINFILE(), dir + "second.cls");
 }
 
 TEST_F(EditBlocks, WithoutAMainClassTheFirstFileIsOpened) {
