@@ -19,6 +19,7 @@ namespace {
 
 const Object TemplateTextDlg("TemplateTextDlg");
 constexpr const char* Title = "Tools-Test Template";
+constexpr const char* CodeFont = "monospace";  // what the desktop has under that name
 
 constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP};
 const RegisteredWindow registered("TemplateTextDlg", TEMPLATETEXTDLG);
@@ -45,6 +46,7 @@ void showText(const std::string& section, const std::string& text) {
     STAMP();
     if (!IsLoaded(TemplateTextDlg)) return;
     SetCaption(part("label2"), section);
+    SetFontName(part("edit1"), CodeFont);
     SetText(part("edit1"), text);
     SetEnabled(part("pushbutton4"), !EDITWNDGETFILENAME(SDIEdit).empty());
     STAMP();

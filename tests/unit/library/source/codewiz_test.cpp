@@ -169,7 +169,7 @@ TEST_F(Loading, RepeatsTheBodyOfALoop) {
         {"#NEXT %i%\na\n", "#NEXT %i%\na\n"},
         // Loops that are not closed take each other's lines in; a loop line that was a body has no variable then.
         {"#FOR %i% = 1 TO 2\nx\n#FOR %j% = 1 TO 2\ny\n", "x\ny\nx\n"},
-        {"#FOR %i% = 1 TO 2\n#FOR %i% = 1 TO 2\nx\n#NEXT %i%\ny\n", "y\n"},
+        {"#FOR %i% = 1 TO 2\n#FOR %i% = 1 TO 2\nx\n#NEXT %i%\ny\n", ""},
         // A bad line gives nothing, and takes its body along.
         {"a\n#FOR %i% = x TO 2\nx%i%\n#NEXT %i%\nb\n", "a\nb\n"},
         {"a\n#FOR rubbish\nx\n#NEXT %i%\nb\n", "a\nb\n"},
