@@ -65,7 +65,7 @@ def main():
     folder = sys.argv[1]
     all_ = {}
     for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
-                 "search_bench"):
+                 "search_bench", "program_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -124,6 +124,8 @@ def main():
         ("open 4 MB, extra", None, 50e6), ("keyToPaint", "plainKeyToPaint", None), ("keyToPaint", None, 4e6),
         ("keyToPaintWithLooks", None, 4e6), ("endlessKeyToPaintStart", None, 16e6),
         ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
+        ("programMakeTool", None, None), ("programOpen", None, 60e6), ("programRefresh", None, 30e6),
+        ("programRows5000", "treeRows5000", 0.6),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("designRedraw255", "plainPaint255", 1.2), ("designAnew255", "plain255", None), ("designAnew255", None, 50e6),
         *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),

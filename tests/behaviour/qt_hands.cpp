@@ -8,6 +8,7 @@
 #include "ide/shell/windows.h"
 #include "os/process.h"
 
+#include <QContextMenuEvent>
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QAction>
@@ -247,12 +248,20 @@ private:
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
             return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
-                                std::to_string(at.y()) + " click --repeat " + std::to_string(clicks) +
-                                " --delay 40 1")
+                                std::to_string(at.y()) + " click --repeat " +
+                                std::to_string(std::max(clicks, 1)) + " --delay 40 " + (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
         }
+        if (clicks == 0) return rightClick(widget, place);
         QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
         if (clicks == 2) QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
+        return true;
+    }
+
+    static bool rightClick(QWidget& widget, const QPoint& place) {
+        QTest::mouseClick(&widget, Qt::RightButton, {}, place);
+        QCoreApplication::postEvent(
+            &widget, new QContextMenuEvent(QContextMenuEvent::Mouse, place, widget.mapToGlobal(place)));
         return true;
     }
 

@@ -165,7 +165,8 @@ void PASTEEXAMPLE(const std::string& text, const Object& programLabel) {
     STAMP();
     if (!file.empty()) EDITWNDOPEN(SDIEdit, file, false, 0);
     STAMP();
-    if (!file.empty() && ISMAINCLASS(file)) PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
+    if (!file.empty() && ISMAINCLASS(file))
+        PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
     STAMP();
 }
 

@@ -67,7 +67,8 @@ void layOut(const Object& window) {
 // At first at the right edge, below the main window, where the Code window leaves a quarter.
 Rect firstPlace(const Object& window) {
     const Rect screen = ScreenSize(), now = GetPosition(window, WINDOW_UNIT);
-    const int top = IsLoaded(Main) ? GetPosition(Main, WINDOW_UNIT).y + GetPosition(Main, WINDOW_UNIT).h : screen.y;
+    const int top =
+        IsLoaded(Main) ? GetPosition(Main, WINDOW_UNIT).y + GetPosition(Main, WINDOW_UNIT).h : screen.y;
     const int width = std::max(now.w, screen.w / 4);
     return {screen.x + screen.w - width, top, width, std::max(now.h, (screen.y + screen.h - top) * 3 / 4)};
 }
@@ -76,7 +77,8 @@ void load(const Object& window) {
     Assert(window == ProjectEditorDlg && GetName(FINDCONTROL(window, "bitmapbutton1")) == buttons[0].name);
     for (const Button& button : buttons) {
         const Object control = FINDCONTROL(window, button.name);
-        const std::string icon = FILEBASENAME(button.icon);  // a resource of this program, which has no extension
+        const std::string icon =
+            FILEBASENAME(button.icon);  // a resource of this program, which has no extension
         SetPicture(control, PictureName(TBITMAP(FaceWidth, FaceHeight, button.caption, icon)));
         SetEnabled(control, button.action != nullptr);
     }

@@ -12,7 +12,6 @@
 #include "os/files.h"
 
 #include <algorithm>
-#include <iterator>
 
 MODULE("projedit", tarn::IDE_ONERROR)
 
@@ -52,7 +51,8 @@ ProjectItem PARSEPROJECTITEM(std::string_view line) {
 void ADDPROJECTITEM(const ProjectItem& item, std::vector<std::string>& items) {
     FRAME(ADDPROJECTITEM);
     std::string line = STR(item.level);
-    for (const std::string* field : {&item.title, &item.type, &item.name, &item.file, &item.date, &item.picture})
+    for (const std::string* field :
+         {&item.title, &item.type, &item.name, &item.file, &item.date, &item.picture})
         line += " " + inQuotes(*field);
     if (!item.openPicture.empty()) line += " " + inQuotes(item.openPicture);
     items.push_back(std::move(line));
@@ -98,15 +98,16 @@ bool standsForFile(const Kind& kind) {
 class ListMaker {
 public:
     ListMaker(const ProjectView& view, const std::string& mainFile)
-        : view_(view), main_(withoutExtension(mainFile)), library_(FILEADDSEPARATOR(GETINHERITEDLIBPATH())),
-          folders_{GETRESOURCEDIR(), GETCOMPILERDIR()} {}
+        : view_(view), main_(withoutExtension(mainFile)),
+          library_(FILEADDSEPARATOR(GETINHERITEDLIBPATH())), folders_{GETRESOURCEDIR(), GETCOMPILERDIR()} {}
 
     void add(const std::string& dependency) {
         const std::string file = os::native(FILERESOLVEPATHS(dependency, folders_));
         const bool found = ISROOTED(file) && FileSize(file) >= 0;
         if (!found)
-            return Assert(false, "'" + file + "' should be a fully qualified name.\nCheck the paths in the "
-                                              "resource file are correct.");
+            return Assert(false, "'" + file +
+                                     "' should be a fully qualified name.\nCheck the paths in the "
+                                     "resource file are correct.");
         if (isHidden(file)) return;
         if (ISCLASSFILE(file)) addClass(file);
         if (!STREQUAL(FILEGETEXT(file), ResourceExtension)) return;
@@ -134,8 +135,8 @@ private:
 
     void addClass(const std::string& file) {
         const std::string name = nameOf(file);
-        ADDPROJECTITEM({1, (isMain(file) ? "Main Class " : "Class ") + bold(name) + suffix(file), "Class", name,
-                        file, FILETIME(file), "class0.bmp", ""},
+        ADDPROJECTITEM({1, (isMain(file) ? "Main Class " : "Class ") + bold(name) + suffix(file), "Class",
+                        name, file, FILETIME(file), "class0.bmp", ""},
                        items);
     }
     void addKind(const std::string& file, const Kind& kind) {
@@ -164,7 +165,8 @@ private:
         item.type = standsForFile(kind) ? STRWORD(line, 3) : std::string(kind.word);
         item.file = standsForFile(kind) ? fileOfMember(file, line) : file;
         item.date = FILETIME(item.file);
-        item.title = (kind.memberWord.empty() ? item.type : std::string(kind.memberWord)) + " " + bold(item.name);
+        item.title =
+            (kind.memberWord.empty() ? item.type : std::string(kind.memberWord)) + " " + bold(item.name);
         if (standsForFile(kind)) item.title += suffix(item.file);
         item.picture = last ? kind.lastPicture : kind.memberPicture;
         ADDPROJECTITEM(item, items);
@@ -227,7 +229,8 @@ bool ISLIBRARYFILE(std::string_view file) {
     const std::string name = FILEGETFNAME(FILECHANGEEXT(file, ClassExtension));
     std::vector<std::string> names;
     if (folder.empty() || os::files().list(os::native(folder), names) != os::FileError::None) return false;
-    return std::any_of(names.begin(), names.end(), [&](const std::string& each) { return STREQUAL(each, name); });
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& each) { return STREQUAL(each, name); });
 }
 
 }  // namespace tarn

@@ -22,7 +22,8 @@ constexpr int Patience = 400;
 std::string stampOf(const std::string& file) {
     const os::FileInfo info = os::infoOf(file);
     if (!info.exists) return "\n";
-    return std::to_string(info.modified) + " " + std::to_string(info.size) + " " + std::to_string(info.inode) + "\n";
+    return std::to_string(info.modified) + " " + std::to_string(info.size) + " " +
+           std::to_string(info.inode) + "\n";
 }
 
 // A resource file that appears beside a class, or goes, is a change of the program too.

@@ -124,8 +124,7 @@ void PROJECTREFRESH(const Object& window) {
     STAMP();
     const std::string error = PROJECTRELOAD(window, place);
     STAMP();
-    if (!error.empty())
-        MSGBOX(GetCaption(window), "It is not possible to open/update the window.\n" + error);
+    if (!error.empty()) MSGBOX(GetCaption(window), "It is not possible to open/update the window.\n" + error);
 }
 
 std::string PROJECTRELOAD(const Object& window, const ProjectPlace& place) {
@@ -243,7 +242,8 @@ bool PROJECTITEMISOPEN(const Object& window, int row) {
     FRAME(PROJECTITEMISOPEN);
     const Controls controls = controlsOf(window);
     STAMP();
-    return controls.complete && isOpen(controls, row, childrenOf(controls.data, numberOfRow(controls.map, row)));
+    return controls.complete &&
+           isOpen(controls, row, childrenOf(controls.data, numberOfRow(controls.map, row)));
 }
 
 bool PROJECTITEMSELECT(const Object& window, const Object& iconlist, int row) {
@@ -287,7 +287,8 @@ std::string PROJECTGETLIST(const Object& window) {
 
 // ---- filling ----
 
-int UPDATEITEMS(const Object& iconlist, const Object& maplist, const Object& datalist, const ProjectPlace& place) {
+int UPDATEITEMS(const Object& iconlist, const Object& maplist, const Object& datalist,
+                const ProjectPlace& place) {
     FRAME(UPDATEITEMS);
     STAMP();
     Clear(iconlist);

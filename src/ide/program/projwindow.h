@@ -45,8 +45,8 @@ struct ProjectRow {
     int row = 0, number = 0;  // of the row and of its item; 0 if nothing is selected
     ProjectItem item;
 };
-ProjectRow PROJECTITEMINFO(const Object& window);          // the selected row
-ProjectRow PROJECTITEMAT(const Object& window, int row);   // any row
+ProjectRow PROJECTITEMINFO(const Object& window);               // the selected row
+ProjectRow PROJECTITEMAT(const Object& window, int row);        // any row
 ProjectPlace PROJECTITEMGETPOS(const Object& window, int row);  // 0, 0 for what is no row
 // The class that owns the row: the nearest one above it, or the row itself; empty if there is none.
 std::string PROJECTITEMGETPARENT(const Object& window, int row);
@@ -64,6 +64,7 @@ void UPDATEPROJECTWINDOW(const Object& window, const std::string& mainFile, std:
                          const ProjectPlace& place);
 // Makes the rows of the items: the top ones, and the children of top item `place.top` if `place.sub` is above 0. The
 // number of those children.
-int UPDATEITEMS(const Object& iconlist, const Object& maplist, const Object& datalist, const ProjectPlace& place);
+int UPDATEITEMS(const Object& iconlist, const Object& maplist, const Object& datalist,
+                const ProjectPlace& place);
 
 }  // namespace tarn

@@ -51,7 +51,8 @@ void drawParts(QPainter& painter, const std::vector<Part>& parts, QRect room) {
 
 }  // namespace
 
-void MarkedRows::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void MarkedRows::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                       const QModelIndex& index) const {
     const QString marked = index.data(MarkedTextRole).toString();
     if (marked.isEmpty()) return QStyledItemDelegate::paint(painter, option, index);
     QStyleOptionViewItem own(option);

@@ -52,7 +52,8 @@ public:
         const auto row = static_cast<std::size_t>(index.row());
         if (!index.isValid() || control_ == nullptr || row >= control_->rows.size()) return {};
         const std::string& text = control_->rows[row].text;
-        const bool marked = control_->type == Type::Iconlist && text.find(char(BoldMark)) != std::string::npos;
+        const bool marked =
+            control_->type == Type::Iconlist && text.find(char(BoldMark)) != std::string::npos;
         if (role == Qt::DisplayRole || role == Qt::EditRole)
             return marked ? shown(text).remove(QChar(BoldMark)) : shown(text);
         if (role == MarkedTextRole && marked) return shown(text);

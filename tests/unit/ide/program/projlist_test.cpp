@@ -14,7 +14,8 @@ protected:
     // The items of dependencies, each a path below the folder of the test.
     std::vector<ProjectItem> list(const std::vector<std::string>& names, ProjectView view = {}) {
         std::string files;
-        for (const std::string& name : names) files += (name[0] == '/' || name[0] == '<' || name[0] == '{' ? "" : dir) + name + "\n";
+        for (const std::string& name : names)
+            files += (name[0] == '/' || name[0] == '<' || name[0] == '{' ? "" : dir) + name + "\n";
         std::vector<ProjectItem> items;
         for (const std::string& line : MAKEPROJECTLIST(view, dir + "main.cls", files))
             items.push_back(PARSEPROJECTITEM(line));
@@ -22,7 +23,8 @@ protected:
     }
     static std::string titles(const std::vector<ProjectItem>& items) {
         std::string text;
-        for (const ProjectItem& item : items) text += std::string(item.level == 2 ? " " : "") + item.title + "|";
+        for (const ProjectItem& item : items)
+            text += std::string(item.level == 2 ? " " : "") + item.title + "|";
         for (char& c : text)
             if (c == BOLD_MARK) c = '*';
         return text;
@@ -33,9 +35,7 @@ protected:
             text += item.picture + (item.openPicture.empty() ? "" : ">" + item.openPicture) + " ";
         return text;
     }
-    void setLibrary(const std::string& folder) {
-        PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit1", folder);
-    }
+    void setLibrary(const std::string& folder) { PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit1", folder); }
     static std::string dialog(const std::string& name) {
         return name + " DIALOG\n  POSITION=0 0 10 10\n  CAPTION=\"x\"\nEND\n\n";
     }
@@ -47,11 +47,11 @@ constexpr const char* Class = "Tarnwick Class X\nEnd class\n";
 
 TEST_F(ProjList, AnItemIsALevelAndSixFieldsInQuotes) {
     std::vector<std::string> items{"before"};
-    ADDPROJECTITEM({1, "Class <B>A</B>", "Class", "A", "/d/a.cls", "2026-01-01 00:00:00", "class0.bmp", ""}, items);
+    ADDPROJECTITEM({1, "Class <B>A</B>", "Class", "A", "/d/a.cls", "2026-01-01 00:00:00", "class0.bmp", ""},
+                   items);
     ADDPROJECTITEM({2, "t", "DIALOG", "n", "f", "d", "p", "o"}, items);
     ASSERT_EQ(items.size(), 3u);
-    EXPECT_EQ(items[1],
-              R"(1 "Class <B>A</B>" "Class" "A" "/d/a.cls" "2026-01-01 00:00:00" "class0.bmp")");
+    EXPECT_EQ(items[1], R"(1 "Class <B>A</B>" "Class" "A" "/d/a.cls" "2026-01-01 00:00:00" "class0.bmp")");
     EXPECT_EQ(items[2], R"(2 "t" "DIALOG" "n" "f" "d" "p" "o")");
 }
 
@@ -79,11 +79,13 @@ TEST_F(ProjList, FieldsThatAreNotThereAreEmpty) {
 }
 
 TEST_F(ProjList, AnyNameSurvivesTheText) {
-    for (const std::string& name : std::vector<std::string>{"a b", "a\"b", "\"", "\"\"", "\xC3\xA4\xFF", "a\\b", "a'b", "$(x)", "<I>", "a,b;c"}) {
+    for (const std::string& name : std::vector<std::string>{"a b", "a\"b", "\"", "\"\"", "\xC3\xA4\xFF",
+                                                            "a\\b", "a'b", "$(x)", "<I>", "a,b;c"}) {
         std::vector<std::string> items;
         ADDPROJECTITEM({1, name, name, name, "/" + name, name, name, name}, items);
         const ProjectItem item = PARSEPROJECTITEM(items[0]);
-        for (const std::string& field : {item.title, item.type, item.name, item.date, item.picture, item.openPicture})
+        for (const std::string& field :
+             {item.title, item.type, item.name, item.date, item.picture, item.openPicture})
             EXPECT_EQ(field, name);
         EXPECT_EQ(item.file, "/" + name);
     }
@@ -120,7 +122,8 @@ TEST_F(ProjList, PathsWinOverFiles) {
                  {false, true, " (" + dir + "main.cls)"},
                  {true, true, " (" + dir + "main.cls)"}};
     for (const auto& c : cases)
-        EXPECT_EQ(titles(list({"main.cls"}, {false, c.files, c.paths})), "Main Class *Main*" + c.suffix + "|");
+        EXPECT_EQ(titles(list({"main.cls"}, {false, c.files, c.paths})),
+                  "Main Class *Main*" + c.suffix + "|");
 }
 
 TEST_F(ProjList, OtherExtensionsGiveNoItem) {
@@ -132,7 +135,8 @@ TEST_F(ProjList, LibraryClassesStayOutOfTheList) {
     std::filesystem::create_directories(dir + "lib/deep/er");
     for (const char* name : {"main.cls", "lib/a.cls", "lib/deep/b.cls", "lib/deep/er/c.cls", "lib/w.rc"})
         write(name, Class);
-    const std::vector<std::string> all{"main.cls", "lib/a.cls", "lib/deep/b.cls", "lib/deep/er/c.cls", "lib/w.rc"};
+    const std::vector<std::string> all{"main.cls", "lib/a.cls", "lib/deep/b.cls", "lib/deep/er/c.cls",
+                                       "lib/w.rc"};
     setLibrary(dir + "lib;" + dir);
     EXPECT_EQ(titles(list(all)), "Main Class *Main*|Class *C*|") << "its folder and the ones in that";
     setLibrary(dir + "lib/");
@@ -151,7 +155,8 @@ TEST_F(ProjList, TheMainClassIsAlwaysShown) {
         << "and what has its path and stem";
     EXPECT_EQ(titles([this] {
                   std::vector<ProjectItem> items;
-                  for (const std::string& line : MAKEPROJECTLIST({}, STRUPPER(dir) + "MAIN.CLS", dir + "main.cls\n"))
+                  for (const std::string& line :
+                       MAKEPROJECTLIST({}, STRUPPER(dir) + "MAIN.CLS", dir + "main.cls\n"))
                       items.push_back(PARSEPROJECTITEM(line));
                   return items;
               }()),
@@ -182,7 +187,8 @@ TEST_F(ProjList, DialogsStandUnderTheirGroup) {
 }
 
 TEST_F(ProjList, VersionBlocksAreTopItems) {
-    write("a.rc", "One VERSIONINFO\nFILEVERSION 1,0,0,0\nBEGIN\nEND\n\nTwo VERSIONINFO\nFILEVERSION 2,0,0,0\nBEGIN\nEND\n");
+    write("a.rc", "One VERSIONINFO\nFILEVERSION 1,0,0,0\nBEGIN\nEND\n\nTwo VERSIONINFO\nFILEVERSION "
+                  "2,0,0,0\nBEGIN\nEND\n");
     const auto items = list({"a.rc"}, {false, true, false});
     EXPECT_EQ(titles(items), "Dialogs (a.rc)|VERSIONINFO *One*|VERSIONINFO *Two*|");
     ASSERT_EQ(items.size(), 3u);
@@ -201,8 +207,9 @@ TEST_F(ProjList, FilesOfAResourceFileStandInGroups) {
     EXPECT_EQ(titles(items), "Dialogs (a.rc)|Included files (a.rc)| INCFILE *note* (note.txt)|"
                              "Included bitmaps (a.rc)| BITMAP *Pic* (p.bmp)| BITMAP *Pic2* (p.bmp)|"
                              "Database (a.rc)| Table *data* (d.xml)|");
-    EXPECT_EQ(pictures(items), "resource0.bmp file1.bmp>file2.bmp file4.bmp file1.bmp>file2.bmp file3.bmp file4.bmp "
-                               "database1.bmp>database2.bmp database4.bmp ");
+    EXPECT_EQ(pictures(items),
+              "resource0.bmp file1.bmp>file2.bmp file4.bmp file1.bmp>file2.bmp file3.bmp file4.bmp "
+              "database1.bmp>database2.bmp database4.bmp ");
     ASSERT_EQ(items.size(), 8u);
     EXPECT_EQ(items[2].type, "INCFILE");
     EXPECT_EQ(items[2].file, text);
@@ -237,7 +244,8 @@ TEST_F(ProjList, PlaceholdersStandForTheirFolders) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit3", dir + "comp");
     write("res/a.cls", Class);
     write("comp/b.cls", Class);
-    EXPECT_EQ(titles(list({"<RESOURCEDIR>\\a.cls", "{RESOURCEDIR}\\a.cls", "<COMPILERDIR>\\b.cls", "{COMPILERDIR}\\b.cls"})),
+    EXPECT_EQ(titles(list({"<RESOURCEDIR>\\a.cls", "{RESOURCEDIR}\\a.cls", "<COMPILERDIR>\\b.cls",
+                           "{COMPILERDIR}\\b.cls"})),
               "Class *A*|Class *A*|Class *B*|Class *B*|");
     write("x.rc", "p BITMAP \"<RESOURCEDIR>\\\\p.bmp\"\n");
     EXPECT_EQ(list({"x.rc"}).back().file, dir + "res/p.bmp");
@@ -250,8 +258,9 @@ TEST_F(ProjList, APathThatIsNoneIsABrokenPromise) {
         answers = {"Continue"};
         EXPECT_EQ(titles(list({"a.cls"})), "Class *A*|");
         EXPECT_TRUE(MAKEPROJECTLIST({}, dir + "main.cls", file + "\n").empty());
-        EXPECT_NE(lastText().find("'" + file + "' should be a fully qualified name.\nCheck the paths in the resource "
-                                                "file are correct."),
+        EXPECT_NE(lastText().find("'" + file +
+                                  "' should be a fully qualified name.\nCheck the paths in the resource "
+                                  "file are correct."),
                   std::string::npos)
             << lastText();
     }
@@ -294,7 +303,9 @@ TEST_F(ProjList, TheMainFileIsFoundAmongTheTopItems) {
 // ---- settings and folders ----
 
 TEST_F(ProjList, TheViewIsReadFromTheSettings) {
-    const auto set = [this](const char* key, const char* value) { PROFILESTRPUT(ini(), "GenOptionsDlg", key, value); };
+    const auto set = [this](const char* key, const char* value) {
+        PROFILESTRPUT(ini(), "GenOptionsDlg", key, value);
+    };
     set("ShowClasses", "1");
     set("ShowFiles", "01");
     set("ShowPaths", "yes");

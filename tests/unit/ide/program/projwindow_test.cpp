@@ -2,8 +2,8 @@
 //
 // The rows of the Program Window, its keys and clicks, and how it follows the files.
 #include "ide/designer/dlgedit.h"
-#include "ide/program/projeditor.h"
 #include "ide/program/projedit.h"
+#include "ide/program/projeditor.h"
 #include "ide/program/projitems.h"
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
@@ -71,8 +71,8 @@ protected:
         std::string text;
         for (int n = 1; n <= STRWORDCOUNT(levels); ++n) {
             bool ok = false;
-            ADDPROJECTITEM({CVTI(STRWORD(levels, n), ok), "t" + STR(n), "T", "n" + STR(n), dir + "f" + STR(n), "", "p.bmp",
-                            "o.bmp"},
+            ADDPROJECTITEM({CVTI(STRWORD(levels, n), ok), "t" + STR(n), "T", "n" + STR(n), dir + "f" + STR(n),
+                            "", "p.bmp", "o.bmp"},
                            items);
         }
         for (const std::string& item : items) text += item + "\n";
@@ -121,8 +121,8 @@ TEST_F(ProjWindow, ADependencyListThatFailsClosesTheWindowAtOpening) {
 
 TEST_F(ProjWindow, AMissingMakeToolIsTold) {
     start({write("main.cls", MainClass)});
-    EXPECT_EQ(lastText(),
-              "The Program Window cannot be opened or updated.\nThe file '" + dir + "ordo.exe' was not found.");
+    EXPECT_EQ(lastText(), "The Program Window cannot be opened or updated.\nThe file '" + dir +
+                              "ordo.exe' was not found.");
     EXPECT_FALSE(IsLoaded(ProjectEditorDlg));
 }
 
@@ -182,12 +182,18 @@ TEST_F(ProjWindow, RowsAndTheirPlaces) {
         ProjectPlace place;
         std::string rows;
     } cases[] = {
-        {"1 1 2 2 1", {1, 0}, "[t1]|t2|t5|"},       {"1 1 2 2 1", {2, 0}, "t1|[t2]|t5|"},
-        {"1 1 2 2 1", {2, 1}, "t1|t2|[t3]|t4|t5|"}, {"1 1 2 2 1", {2, 2}, "t1|t2|t3|[t4]|t5|"},
-        {"1 1 2 2 1", {2, 9}, "t1|t2|t3|[t4]|t5|"}, {"1 1 2 2 1", {3, 2}, "t1|t2|[t5]|"},
-        {"1 1 2 2 1", {9, 0}, "t1|t2|[t5]|"},       {"1 1 2 2 1", {9, 9}, "t1|t2|[t5]|"},
-        {"", {1, 0}, ""},                           {"1", {0, 0}, "t1|"},
-        {"2 2 1", {1, 0}, "[t3]|"},                 {"1 2", {1, 1}, "t1|[t2]|"},
+        {"1 1 2 2 1", {1, 0}, "[t1]|t2|t5|"},
+        {"1 1 2 2 1", {2, 0}, "t1|[t2]|t5|"},
+        {"1 1 2 2 1", {2, 1}, "t1|t2|[t3]|t4|t5|"},
+        {"1 1 2 2 1", {2, 2}, "t1|t2|t3|[t4]|t5|"},
+        {"1 1 2 2 1", {2, 9}, "t1|t2|t3|[t4]|t5|"},
+        {"1 1 2 2 1", {3, 2}, "t1|t2|[t5]|"},
+        {"1 1 2 2 1", {9, 0}, "t1|t2|[t5]|"},
+        {"1 1 2 2 1", {9, 9}, "t1|t2|[t5]|"},
+        {"", {1, 0}, ""},
+        {"1", {0, 0}, "t1|"},
+        {"2 2 1", {1, 0}, "[t3]|"},
+        {"1 2", {1, 1}, "t1|[t2]|"},
     };
     for (const auto& c : cases) {
         fill(c.levels, c.place);
@@ -232,7 +238,9 @@ TEST_F(ProjWindow, OnlyTheNextLevelOpens) {
 
 TEST_F(ProjWindow, AnOpenItemHasItsOwnPicture) {
     open();
-    const auto picture = [](int row) { return platform::findControl(rows())->rows[static_cast<std::size_t>(row - 1)].picture; };
+    const auto picture = [](int row) {
+        return platform::findControl(rows())->rows[static_cast<std::size_t>(row - 1)].picture;
+    };
     EXPECT_EQ(picture(2), "resource1");
     EXPECT_TRUE(PROJECTITEMSELECT(ProjectEditorDlg, rows(), 2));
     EXPECT_EQ(picture(2), "resource2");
@@ -247,9 +255,9 @@ TEST_F(ProjWindow, AnOpenItemHasItsOwnPicture) {
     choose(3);
     PROJECTREFRESH(ProjectEditorDlg);
     EXPECT_EQ(picture(2), "resource2");
-    for (const char* name : {"class0", "resource0", "resource1", "resource2", "resource3", "resource4",
-                                    "versioninfo0", "file1", "file2", "file3", "file4", "database1", "database2",
-                                    "database3", "database4"})
+    for (const char* name :
+         {"class0", "resource0", "resource1", "resource2", "resource3", "resource4", "versioninfo0", "file1",
+          "file2", "file3", "file4", "database1", "database2", "database3", "database4"})
         EXPECT_EQ(platform::PictureBytes(name).code, 0) << name;
 }
 
@@ -269,7 +277,8 @@ TEST_F(ProjWindow, AFileOfTheListThatHasGoneIsABrokenPromise) {
     std::filesystem::remove(dir + "main.rc");
     answers = {"Continue"};
     EXPECT_EQ(PROJECTGETLIST(ProjectEditorDlg), file + "\n" + dir + "other.cls\n");
-    EXPECT_NE(lastText().find("'" + dir + "main.rc' should be a full path."), std::string::npos) << lastText();
+    EXPECT_NE(lastText().find("'" + dir + "main.rc' should be a full path."), std::string::npos)
+        << lastText();
 }
 
 // ---- refresh ----
@@ -375,9 +384,11 @@ TEST_F(ProjWindow, LeftAndRight) {
     key(KEY_RIGHT);
     EXPECT_EQ(shownRows(), "Main Class Main|Dialogs|DIALOG First|[DIALOG Second]|Class Other|");
     key(KEY_RIGHT);
-    EXPECT_EQ(shownRows(), "Main Class Main|Dialogs|DIALOG First|[DIALOG Second]|Class Other|") << "the last one";
+    EXPECT_EQ(shownRows(), "Main Class Main|Dialogs|DIALOG First|[DIALOG Second]|Class Other|")
+        << "the last one";
     key(KEY_LEFT);
-    EXPECT_EQ(shownRows(), "Main Class Main|[Dialogs]|Class Other|") << "a child goes to its item, which closes";
+    EXPECT_EQ(shownRows(), "Main Class Main|[Dialogs]|Class Other|")
+        << "a child goes to its item, which closes";
     choose(3);
     for (const int code : {KEY_LEFT, KEY_RIGHT}) key(code);
     EXPECT_EQ(shownRows(), "Main Class Main|Dialogs|[Class Other]|");
@@ -419,7 +430,8 @@ TEST_F(ProjWindow, ARightClickTellsTheFactsOfTheRow) {
     const std::string rc = dir + "main.rc";
     EXPECT_EQ(lastText(), "CtlName = Iconlist1 (4)\nMainFile = " + file +
                               "\nItemType = DIALOG\nItemName = Second\nItemFile = " + rc +
-                              "\nItemFileSize = " + std::to_string(FileSize(rc)) + "\nItemFileDate = " + FILETIME(rc) +
+                              "\nItemFileSize = " + std::to_string(FileSize(rc)) +
+                              "\nItemFileDate = " + FILETIME(rc) +
                               "\nSelItemIdx = 4\nItemPos = 2\nItemSubPos = 2\nParentFile = " + file +
                               "\nParentFileSize = " + std::to_string(FileSize(file)) +
                               "\nParentFileDate = " + FILETIME(file));
@@ -431,7 +443,7 @@ TEST_F(ProjWindow, ARightClickTellsTheFactsOfTheRow) {
 
 TEST_F(ProjWindow, ButtonsWithoutACommandAreDisabled) {
     open();
-    const bool enabled[] = {true, false, true, false, false, false, true};
+    const bool enabled[] = {true, false, true, false, true, false, true};
     for (int n = 1; n <= 7; ++n)
         EXPECT_EQ(GetEnabled(FINDCONTROL(ProjectEditorDlg, "bitmapbutton" + STR(n))), enabled[n - 1]) << n;
     const Picture face = LoadPicture(GetPicture(FINDCONTROL(ProjectEditorDlg, "bitmapbutton1")));
@@ -454,7 +466,8 @@ TEST_F(ProjWindow, WhatCannotBeEditedIsTold) {
         {"1 \"t\" \"Class\" \"n\" \"/gone.cls\"", "/gone.cls", "The file does not exist or cannot be found."},
         {"1 \"t\" \"DIALOG\" \"n\" \"" + rc + "\"", rc, "Choose a dialog from this file and try again."},
         {"1 \"t\" \"INCFILE\" \"n\" \"" + rc + "\"", rc, "Choose a dialog from this file and try again."},
-        {"1 \"t\" \"INCFILE\" \"n\" \"" + dir + "note.doc\"", dir + "note.doc", "There is no editor for this type of file."},
+        {"1 \"t\" \"INCFILE\" \"n\" \"" + dir + "note.doc\"", dir + "note.doc",
+         "There is no editor for this type of file."},
     };
     for (const auto& c : cases) {
         UPDATEPROJECTWINDOW(ProjectEditorDlg, file, c.item + "\n", {});
@@ -509,10 +522,52 @@ TEST_F(ProjWindow, TheCurrentResourceIsThatOfTheSelectedRow) {
 TEST_F(ProjWindow, TheOwnersResourceFileCountsWhereARowHasNone) {
     open();
     const std::string note = write("note.txt", "x");
-    UPDATEPROJECTWINDOW(ProjectEditorDlg, file,
-                        "1 \"a\" \"Class\" \"Main\" \"" + file + "\"\n1 \"b\" \"INCFILE\" \"n\" \"" + note + "\"\n", {2, 0});
+    UPDATEPROJECTWINDOW(
+        ProjectEditorDlg, file,
+        "1 \"a\" \"Class\" \"Main\" \"" + file + "\"\n1 \"b\" \"INCFILE\" \"n\" \"" + note + "\"\n", {2, 0});
     EDITWNDOPEN(SDIEdit, note, false, 0);
     EXPECT_EQ(GETCURRENTRESOURCE().file, dir + "main.rc");
+}
+
+TEST_F(ProjWindow, TheOpenDialogIsTheCurrentResource) {
+    open();
+    choose(1);
+    OPENDIALOG(dir + "main.rc", "Second");
+    ASSERT_TRUE(IsLoaded(DialogDlg)) << lastText();
+    EXPECT_EQ(GETCURRENTRESOURCE().file, dir + "main.rc");
+    EXPECT_EQ(GETCURRENTRESOURCE().dialog, "Second");
+}
+
+TEST_F(ProjWindow, ADialogOpensInTheDialogEditor) {
+    open();
+    choose(2);
+    key(KEY_RIGHT);
+    choose(3);
+    key(KEY_RETURN);
+    EXPECT_EQ(DIALOGGETDLGNAME(), "First") << lastText();
+    choose(4);
+    doubleClick();
+    EXPECT_EQ(DIALOGGETDLGNAME(), "Second") << lastText();
+    EXPECT_EQ(DIALOGGETFILENAME(), dir + "main.rc");
+}
+
+TEST_F(ProjWindow, AChangedDialogIsSavedWithTheRest) {
+    open();
+    OPENDIALOG(dir + "main.rc", "Second");
+    type("x");
+    Show(Main, false);
+    EXPECT_EQ(GETSAVEWINDOW(), "sdiedit");
+    SAVEALL();
+    EXPECT_FALSE(GetModify(SDIEdit));
+    EXPECT_EQ(read(file), std::string(MainClass) + "x");
+    DIALOGSETMODIFY(true);
+    Show(Main, false);
+    EXPECT_EQ(GETSAVEWINDOW(), "dialogdlg");
+    SAVEALL();
+    EXPECT_FALSE(DIALOGGETMODIFY()) << lastText();
+    EXPECT_EQ(GETSAVEWINDOW(), "");
+    Show(DialogDlg, false);
+    EXPECT_EQ(GETSAVEWINDOW(), "dialogdlg");
 }
 
 TEST_F(ProjWindow, ASaveMeansTheActiveWindow) {
@@ -537,7 +592,8 @@ TEST_F(ProjWindow, ItsPlaceIsKept) {
     const Rect chosen{70, 90, first.w + 100, first.h + 50};
     SetPosition(ProjectEditorDlg, WINDOW_UNIT, chosen);
     PROJECTCLOSE(ProjectEditorDlg);
-    EXPECT_EQ(PROFILESTRGET(ini(), "Projecteditordlg", "_Position"), "70 90 " + STR(chosen.w) + " " + STR(chosen.h));
+    EXPECT_EQ(PROFILESTRGET(ini(), "Projecteditordlg", "_Position"),
+              "70 90 " + STR(chosen.w) + " " + STR(chosen.h));
     PROJECTOPEN(ProjectEditorDlg, "Program Window", file);
     EXPECT_EQ(GetPosition(ProjectEditorDlg, WINDOW_UNIT), chosen);
     const Rect client = GetPosition(ProjectEditorDlg, CLIENT_UNIT), list = GetPosition(rows(), CLIENT_UNIT);
