@@ -200,9 +200,8 @@ Object itemOf(const std::string& name, const std::string& place) {
 }
 
 // What the user does with windows that take input: while a tool runs, they take none.
-const std::set<std::string> needsRest = {"command", "press", "set",      "click", "mouse", "key",
-                                         "type",    "edit",  "dblclick", "close", "select", "strike",
-                                         "point",   "drag"};
+const std::set<std::string> needsRest = {"command", "press",    "set",   "click",  "mouse",  "key",   "type",
+                                         "edit",    "dblclick", "close", "select", "strike", "point", "drag"};
 
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
@@ -259,13 +258,24 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
 namespace {
 
 constexpr int Ctrl = 0x1000, Shift = 0x2000;
-const std::map<std::string, int> struckKeys = {
-    {"Tab", 9},          {"Shift+Tab", Shift + 9}, {"F2", KEY_F2}, {"F3", KEY_F3},
-    {"F6", 117},         {"Del", KEY_DELETE},
-    {"Ctrl+Left", Ctrl + KEY_LEFT}, {"Ctrl+Right", Ctrl + KEY_RIGHT},
-    {"Ctrl+Up", Ctrl + KEY_UP},     {"Ctrl+Down", Ctrl + KEY_DOWN},
-    {"Up", KEY_UP},      {"Down", KEY_DOWN}, {"F1", KEY_F1},         {"F4", KEY_F4},
-    {"Esc", KEY_ESCAPE}, {"Left", KEY_LEFT}, {"Return", KEY_RETURN}, {"Right", KEY_RIGHT}};
+const std::map<std::string, int> struckKeys = {{"Tab", 9},
+                                               {"Shift+Tab", Shift + 9},
+                                               {"F2", KEY_F2},
+                                               {"F3", KEY_F3},
+                                               {"F6", 117},
+                                               {"Del", KEY_DELETE},
+                                               {"Ctrl+Left", Ctrl + KEY_LEFT},
+                                               {"Ctrl+Right", Ctrl + KEY_RIGHT},
+                                               {"Ctrl+Up", Ctrl + KEY_UP},
+                                               {"Ctrl+Down", Ctrl + KEY_DOWN},
+                                               {"Up", KEY_UP},
+                                               {"Down", KEY_DOWN},
+                                               {"F1", KEY_F1},
+                                               {"F4", KEY_F4},
+                                               {"Esc", KEY_ESCAPE},
+                                               {"Left", KEY_LEFT},
+                                               {"Return", KEY_RETURN},
+                                               {"Right", KEY_RIGHT}};
 
 // The 1-based position of a line's start and its length without the line end; start 0 if there is no such
 // line.
