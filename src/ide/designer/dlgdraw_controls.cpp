@@ -123,7 +123,10 @@ void DRAWIMAGE(const DesignControl& control) {
 void DRAWLABEL(const DesignControl& control) {
     FRAME(DRAWLABEL);
     STAMP();
-    drawShown(control);
+    if (control.leads)
+        drawShown(control, std::string(control.properties) + "BUDDY=1\n");
+    else
+        drawShown(control);
     if (GETPROPVALUE(control.properties, "CAPTION").empty() &&
         GETPROPINT(control.properties, "BORDERSTYLE") == 0)
         drawOutline(control);

@@ -3,7 +3,10 @@
 
 #include "ide/designer/dlgdraw.h"
 #include "library/designer/proputil.h"
+#include "library/system/strings.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -68,13 +71,22 @@ Rect placeOf(const Painting& p, std::string_view control) {
     return {p.rects.client.x + place.x, p.rects.client.y + place.y, place.w, place.h};
 }
 
+bool takesFocus(std::string_view control) {
+    constexpr std::string_view none[] = {"", "Label", "Groupbox", "Progressbar", "Shape", "Icon", "Image"};
+    const std::string type = GETPROPVALUE(control, "TYPEOF");
+    return std::none_of(std::begin(none), std::end(none),
+                        [&](std::string_view n) { return STREQUAL(n, type); });
+}
+
 void drawControls(const Painting& p) {
     const ObjectArray& objects = p.picture.dialog;
     const PictureFolders folders = {p.picture.resourceFolder, p.picture.compilerFolder,
                                     p.picture.resourceFile};
     const bool menu = !GETPROPVALUE(p.dialog, "MENU").empty();
-    for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i)
-        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu});
+    for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i) {
+        const bool leads = i + 1 < objects.size() && takesFocus(objects[i + 1]);
+        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu, leads});
+    }
 }
 
 void drawSelection(const Painting& p) {

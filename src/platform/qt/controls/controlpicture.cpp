@@ -11,6 +11,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QCache>
+#include <QLabel>
 #include <QPainter>
 #include <QStyle>
 
@@ -56,8 +57,9 @@ QByteArray lookOf(std::string_view properties, const QSize& size, const Font& fo
     return look;
 }
 
-bool hasMenu(std::string_view properties) {
-    return properties.starts_with("MENU=") || properties.find("\nMENU=") != std::string_view::npos;
+// A line of that name, with its "=".
+bool hasLine(std::string_view properties, const std::string& name) {
+    return properties.starts_with(name) || properties.find("\n" + name) != std::string_view::npos;
 }
 
 // The bars that the control has, be they needed or not.
@@ -102,15 +104,18 @@ void paintMissing(QPainter& painter, const QWidget& widget, const QRect& box, co
                      painter.fontMetrics().elidedText(name, Qt::ElideRight, room.width()));
 }
 
-QPixmap drawn(Control& control, const QSize& size, const Font& font, qreal ratio, bool flat) {
+QPixmap drawn(Control& control, std::string_view properties, const QSize& size, const Font& font,
+              qreal ratio) {
     Holder holder;
     control.position = {0, 0, size.width(), size.height()};
     const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
-    Peer* const peer = makePeer(control, &holder, flat);
+    Peer* const peer = makePeer(control, &holder, hasLine(properties, "MENU="));
     QWidget& widget = *peer->widget();
     applyFont(widget, control.font, font);
     applyColours(widget, control);
     widget.setEnabled(control.enabled);
+    if (auto* const label = qobject_cast<QLabel*>(&widget); label != nullptr && hasLine(properties, "BUDDY="))
+        label->setBuddy(&holder);
     showBars(widget, control);
     widget.ensurePolished();
     widget.setGeometry(placeOf(control, widget));
@@ -142,7 +147,7 @@ QPixmap controlPicture(std::string_view properties, const QSize& asked, const Fo
     const std::unique_ptr<Control> control = makeLoose(properties);
     if (control == nullptr || size.isEmpty()) return {};
     const bool missing = lacksPicture(*control);  // one that is missing may come later
-    const QPixmap picture = drawn(*control, size, font, ratio, hasMenu(properties));
+    const QPixmap picture = drawn(*control, properties, size, font, ratio);
     if (missing) return picture;
     const qsizetype cost = qsizetype{picture.width()} * picture.height() * 4 / 1024 + 1;
     known.insert(look, new QPixmap(picture), cost);
