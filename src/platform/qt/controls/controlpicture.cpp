@@ -13,7 +13,7 @@
 #include <QCache>
 #include <QLabel>
 #include <QPainter>
-#include <QStyle>
+#include <QtMath>
 
 #include <algorithm>
 #include <array>
@@ -38,13 +38,13 @@ bool isSeen(std::string_view line) {
 }
 
 // What tells one look from another, in one text.
-QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, qreal ratio) {
+QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, const PixelGrid& grid) {
     QByteArray look;
     look.reserve(static_cast<qsizetype>(properties.size() + font.name.size() + 96));
     const auto number = [&look](qint64 n) { look.append(QByteArray::number(n)).append(' '); };
-    for (const qint64 n :
-         {qint64{size.width()}, qint64{size.height()}, qint64(ratio * 1000), qint64{font.size},
-          qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey()})
+    for (const qint64 n : {qint64{size.width()}, qint64{size.height()}, qint64(grid.ratio * 1000),
+                           qint64(grid.offset.x() * 1000), qint64(grid.offset.y() * 1000), qint64{font.size},
+                           qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey()})
         number(n);
     look.append(QApplication::font().key().toUtf8()).append(' ');
     look.append(font.name.data(), static_cast<qsizetype>(font.name.size())).append('\n');
@@ -104,11 +104,10 @@ void paintMissing(QPainter& painter, const QWidget& widget, const QRect& box, co
                      painter.fontMetrics().elidedText(name, Qt::ElideRight, room.width()));
 }
 
-QPixmap drawn(Control& control, std::string_view properties, const QSize& size, const Font& font,
-              qreal ratio) {
-    Holder holder;
+// The widget of the control in a holder, as large and in the state that it has in a window.
+Peer* dressed(Control& control, QWidget& holder, std::string_view properties, const QSize& size,
+              const Font& font) {
     control.position = {0, 0, size.width(), size.height()};
-    const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
     Peer* const peer = makePeer(control, &holder, hasLine(properties, "MENU="));
     QWidget& widget = *peer->widget();
     applyFont(widget, control.font, font);
@@ -121,11 +120,22 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
     widget.setGeometry(placeOf(control, widget));
     peer->apply(Property::Position);
     peer->catchUp();
-    QPixmap picture(size * ratio);
-    picture.setDevicePixelRatio(ratio);
+    return peer;
+}
+
+QPixmap drawn(Control& control, std::string_view properties, const QSize& size, const Font& font,
+              const PixelGrid& grid) {
+    const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
+    Holder holder;
+    Peer* const peer = dressed(control, holder, properties, size, font);
+    QWidget& widget = *peer->widget();
+    QPixmap picture(qCeil(size.width() * grid.ratio + grid.offset.x()),
+                    qCeil(size.height() * grid.ratio + grid.offset.y()));
+    picture.setDevicePixelRatio(grid.ratio);
     picture.fill(Qt::transparent);
     {
         QPainter painter(&picture);
+        painter.translate(grid.offset / grid.ratio);
         if (!control.visible) painter.setOpacity(Faint);
         widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
         const int edge = control.type == Type::Bitmapbutton ? ButtonEdge : 0;
@@ -139,15 +149,16 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
 
 }  // namespace
 
-QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font, qreal ratio) {
+QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font,
+                       const PixelGrid& grid) {
     static QCache<QByteArray, QPixmap> known(Kept);
     const QSize size = asked.boundedTo({LargestSide, LargestSide});
-    const QByteArray look = lookOf(properties, size, font, ratio);
+    const QByteArray look = lookOf(properties, size, font, grid);
     if (const QPixmap* const kept = known.object(look); kept != nullptr) return *kept;
     const std::unique_ptr<Control> control = makeLoose(properties);
     if (control == nullptr || size.isEmpty()) return {};
     const bool missing = lacksPicture(*control);  // one that is missing may come later
-    const QPixmap picture = drawn(*control, properties, size, font, ratio);
+    const QPixmap picture = drawn(*control, properties, size, font, grid);
     if (missing) return picture;
     const qsizetype cost = qsizetype{picture.width()} * picture.height() * 4 / 1024 + 1;
     known.insert(look, new QPixmap(picture), cost);
