@@ -59,11 +59,17 @@ void fitWindow(const Painting& p) {
     if (now.w != w || now.h != h) SetPosition(p.window, CLIENT_UNIT, {now.x, now.y, w, h});
 }
 
-void drawGrid(const Painting& p) {
+// The pixels between its lines; nothing in one direction means no grid.
+Rect gridOf(const Painting& p) {
     std::size_t at = 1;
     const int across = GETINT(p.picture.grid, at), down = GETINT(p.picture.grid, at);
     const Rect step = RCUNITSTOPIXELS(p.letter, {0, 0, across, down});
-    if (step.w > 0 && step.h > 0) DRAWCELLS(p.window, p.rects.client, step.w, step.h, GRID_GREY);
+    return step.w > 0 && step.h > 0 ? step : Rect{};
+}
+
+void drawGrid(const Painting& p) {
+    const Rect step = gridOf(p);
+    DRAWCELLS(p.window, p.rects.client, step.w, step.h, GRID_GREY);
 }
 
 Rect placeOf(const Painting& p, std::string_view control) {
@@ -82,10 +88,10 @@ void drawControls(const Painting& p) {
     const ObjectArray& objects = p.picture.dialog;
     const PictureFolders folders = {p.picture.resourceFolder, p.picture.compilerFolder,
                                     p.picture.resourceFile};
-    const bool menu = !GETPROPVALUE(p.dialog, "MENU").empty();
+    const bool menu = !GETPROPVALUE(p.dialog, "MENU").empty(), grid = gridOf(p).w != 0;
     for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i) {
         const bool leads = i + 1 < objects.size() && takesFocus(objects[i + 1]);
-        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu, leads});
+        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu, leads, grid});
     }
 }
 

@@ -137,6 +137,7 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
         QPainter painter(&picture);
         painter.translate(grid.offset / grid.ratio);
         if (!control.visible) painter.setOpacity(Faint);
+        if (hasLine(properties, "GROUND=")) painter.fillRect(widget.rect(), holder.palette().window());
         widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
         const int edge = control.type == Type::Bitmapbutton ? ButtonEdge : 0;
         if (!missing.empty())
