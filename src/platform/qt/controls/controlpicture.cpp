@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -71,17 +72,20 @@ void showBars(QWidget& widget, const Control& control) {
     if (auto* const area = qobject_cast<QAbstractScrollArea*>(&widget); area != nullptr) show(*area);
 }
 
-// A window that is never shown, in the colours of one that the user works in.
-class Holder : public QWidget {
-public:
-    Holder() {
-        QPalette colours = QApplication::palette();
-        for (int role = 0; role < QPalette::NColorRoles; ++role)
-            colours.setBrush(QPalette::Inactive, QPalette::ColorRole(role),
-                             colours.brush(QPalette::Active, QPalette::ColorRole(role)));
-        setPalette(colours);
-    }
-};
+// A window that is never shown, in the colours of one that the user works in. It stays for the next control, and is not
+// deleted, since the toolkit may end before.
+QWidget& holder() {
+    static QWidget* const widget = new QWidget;
+    static qint64 palette = 0;
+    if (palette == QApplication::palette().cacheKey()) return *widget;
+    palette = QApplication::palette().cacheKey();
+    QPalette colours = QApplication::palette();
+    for (int role = 0; role < QPalette::NColorRoles; ++role)
+        colours.setBrush(QPalette::Inactive, QPalette::ColorRole(role),
+                         colours.brush(QPalette::Active, QPalette::ColorRole(role)));
+    widget->setPalette(colours);
+    return *widget;
+}
 
 bool lacksPicture(const Control& control) {
     return !control.picture.empty() && iconOf(control.picture).isNull();
@@ -105,16 +109,15 @@ void paintMissing(QPainter& painter, const QWidget& widget, const QRect& box, co
 }
 
 // The widget of the control in a holder, as large and in the state that it has in a window.
-Peer* dressed(Control& control, QWidget& holder, std::string_view properties, const QSize& size,
-              const Font& font) {
+Peer* dressed(Control& control, std::string_view properties, const QSize& size, const Font& font) {
     control.position = {0, 0, size.width(), size.height()};
-    Peer* const peer = makePeer(control, &holder, hasLine(properties, "MENU="));
+    Peer* const peer = makePeer(control, &holder(), hasLine(properties, "MENU="));
     QWidget& widget = *peer->widget();
     applyFont(widget, control.font, font);
     applyColours(widget, control);
     widget.setEnabled(control.enabled);
     if (auto* const label = qobject_cast<QLabel*>(&widget); label != nullptr && hasLine(properties, "BUDDY="))
-        label->setBuddy(&holder);
+        label->setBuddy(&holder());
     showBars(widget, control);
     widget.ensurePolished();
     widget.setGeometry(placeOf(control, widget));
@@ -126,9 +129,9 @@ Peer* dressed(Control& control, QWidget& holder, std::string_view properties, co
 QPixmap drawn(Control& control, std::string_view properties, const QSize& size, const Font& font,
               const PixelGrid& grid) {
     const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
-    Holder holder;
-    Peer* const peer = dressed(control, holder, properties, size, font);
-    QWidget& widget = *peer->widget();
+    Peer* const peer = dressed(control, properties, size, font);
+    const std::unique_ptr<QWidget> owned(peer->widget());
+    QWidget& widget = *owned;
     QPixmap picture(qCeil(size.width() * grid.ratio + grid.offset.x()),
                     qCeil(size.height() * grid.ratio + grid.offset.y()));
     picture.setDevicePixelRatio(grid.ratio);
@@ -137,7 +140,7 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
         QPainter painter(&picture);
         painter.translate(grid.offset / grid.ratio);
         if (!control.visible) painter.setOpacity(Faint);
-        if (hasLine(properties, "GROUND=")) painter.fillRect(widget.rect(), holder.palette().window());
+        if (hasLine(properties, "GROUND=")) painter.fillRect(widget.rect(), holder().palette().window());
         widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
         const int edge = control.type == Type::Bitmapbutton ? ButtonEdge : 0;
         if (!missing.empty())
