@@ -127,7 +127,7 @@ double designRedraw(const std::string& file, bool all) {
     for (int i = 0; i < runs; i++) {
         for (int n = 1; n <= (all ? controls : 1); n++)
             for (const char* name : {"CAPTION", "TEXT"})
-                tarn::SETPROPVALUE(name, std::to_string(all) + "Control" + std::to_string(i),
+                tarn::SETPROPVALUE(name, std::to_string(n) + (all ? " of " : " in ") + std::to_string(i),
                                    picture.dialog[n]);
         QElapsedTimer timer;
         timer.start();

@@ -18,7 +18,9 @@ platform::Point middle(const Rect& rect) {
 bool designPoint(const std::string& name, bool corner, platform::Point& point) {
     const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
     const FrameRects rects = CALCOFFSETS(DialogDlg, DESIGNITEM(1), FULL_FRAME);
-    const auto inWindow = [&](Rect rect) { return Rect{rect.x + margin.left, rect.y + margin.top, rect.w, rect.h}; };
+    const auto inWindow = [&](Rect rect) {
+        return Rect{rect.x + margin.left, rect.y + margin.top, rect.w, rect.h};
+    };
     if (name == "margin") return point = {2, 2}, true;
     if (name == "menu") return point = middle(inWindow(rects.menu)), rects.menu.h > 0;
     const Rect client = inWindow(rects.client);

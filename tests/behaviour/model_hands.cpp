@@ -16,7 +16,9 @@ public:
     bool type(const std::string&) override { return false; }
     bool click(const platform::Object&) override { return false; }
     bool mouse(const platform::Object&, int, int, int) override { return false; }
-    bool design(const std::string& file, const std::string& dialog) override { return OPENDIALOG(file, dialog), true; }
+    bool design(const std::string& file, const std::string& dialog) override {
+        return OPENDIALOG(file, dialog), true;
+    }
     bool point(const std::string& object, const std::string& how) override {
         platform::Point at;
         if (!designPoint(object, false, at)) return false;

@@ -100,7 +100,11 @@ public:
             return true;
         }
         const QPoint place = QPoint(at.x, at.y) - client->pos(), global = client->mapToGlobal(place);
-        if (onScreen_) return run("mousemove --sync " + text(global) + " click 3");
+        if (onScreen_) {
+            holds_ = true;
+            QTimer::singleShot(arrival, [this] { holds_ = false; });
+            return run("mousemove --sync " + text(global) + " click 3");
+        }
         QContextMenuEvent event(QContextMenuEvent::Mouse, place, global);
         QApplication::sendEvent(client, &event);
         return true;
@@ -185,6 +189,8 @@ public:
     }
 
 private:
+    static constexpr int arrival =
+        300;  // milliseconds until what the server was told has come back as events
     bool onScreen_, holds_ = false;
 
     static std::string text(const QPoint& point) {
@@ -201,12 +207,14 @@ private:
     // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
     void dragTo(QWidget& client, const Point& from, const Point& to) {
         const QPoint begin = QPoint(from.x, from.y) - client.pos(), end = QPoint(to.x, to.y) - client.pos();
+        holds_ = true;
         if (onScreen_) {
+            QTimer::singleShot(arrival, [this] { holds_ = false; });
             run("mousemove --sync " + text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
-                text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) + " mouseup 1");
+                text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) +
+                " mouseup 1");
             return;
         }
-        holds_ = true;
         const QPointer<QWidget> alive(&client);
         for (const QEvent::Type type : {QEvent::MouseMove, QEvent::MouseButtonRelease})
             QTimer::singleShot(type == QEvent::MouseMove ? 5 : 10, [=, this] {

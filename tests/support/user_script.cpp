@@ -259,13 +259,24 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
 namespace {
 
 constexpr int Ctrl = 0x1000, Shift = 0x2000;
-const std::map<std::string, int> struckKeys = {
-    {"Tab", 9},          {"Shift+Tab", Shift + 9}, {"F2", KEY_F2}, {"F3", KEY_F3},
-    {"F6", 117},         {"Del", KEY_DELETE},
-    {"Ctrl+Left", Ctrl + KEY_LEFT}, {"Ctrl+Right", Ctrl + KEY_RIGHT},
-    {"Ctrl+Up", Ctrl + KEY_UP},     {"Ctrl+Down", Ctrl + KEY_DOWN},
-    {"Up", KEY_UP},      {"Down", KEY_DOWN}, {"F1", KEY_F1},         {"F4", KEY_F4},
-    {"Esc", KEY_ESCAPE}, {"Left", KEY_LEFT}, {"Return", KEY_RETURN}, {"Right", KEY_RIGHT}};
+const std::map<std::string, int> struckKeys = {{"Tab", 9},
+                                               {"Shift+Tab", Shift + 9},
+                                               {"F2", KEY_F2},
+                                               {"F3", KEY_F3},
+                                               {"F6", 117},
+                                               {"Del", KEY_DELETE},
+                                               {"Ctrl+Left", Ctrl + KEY_LEFT},
+                                               {"Ctrl+Right", Ctrl + KEY_RIGHT},
+                                               {"Ctrl+Up", Ctrl + KEY_UP},
+                                               {"Ctrl+Down", Ctrl + KEY_DOWN},
+                                               {"Up", KEY_UP},
+                                               {"Down", KEY_DOWN},
+                                               {"F1", KEY_F1},
+                                               {"F4", KEY_F4},
+                                               {"Esc", KEY_ESCAPE},
+                                               {"Left", KEY_LEFT},
+                                               {"Return", KEY_RETURN},
+                                               {"Right", KEY_RIGHT}};
 
 // The 1-based position of a line's start and its length without the line end; start 0 if there is no such
 // line.

@@ -94,7 +94,7 @@ public:
     virtual bool point(const std::string& object, const std::string& how);
     virtual bool drag(const std::string& object, bool corner, int dx, int dy);
     virtual bool holdsButton() { return false; }  // of the mouse
-    virtual bool stopTool() = 0;  // false: no tool runs that could be stopped
+    virtual bool stopTool() = 0;                  // false: no tool runs that could be stopped
     virtual void endSplash() = 0;
     virtual void screenshot(const std::string& path) = 0;
     // What is on the screen. The defaults are those of the model, which knows no frames and no texts.

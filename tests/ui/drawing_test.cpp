@@ -24,6 +24,7 @@
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRubberBand>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTest>
@@ -515,6 +516,67 @@ TEST_F(TrackTest, ARectangleIsDraggedAndResized) {
     mode = TRACK_NEW;
     drag({5, 6}, {moveTo(70, 60), release(35, 46)});
     EXPECT_EQ(result, (Rect{5, 6, 30, 40}));
+    TearDownMouse();
+}
+
+TEST_F(TrackTest, EachHandleMovesItsEdgesAndHasItsPointer) {
+    struct Case {
+        QPoint press;
+        Qt::CursorShape pointer;
+        Rect result;  // 10 to the right and 6 down
+    };
+    for (const Case& one : {Case{{20, 20}, Qt::SizeFDiagCursor, {30, 26, 30, 24}},
+                            Case{{40, 20}, Qt::SizeVerCursor, {20, 26, 40, 24}},
+                            Case{{59, 20}, Qt::SizeBDiagCursor, {20, 26, 50, 24}},
+                            Case{{20, 35}, Qt::SizeHorCursor, {30, 20, 30, 30}},
+                            Case{{59, 35}, Qt::SizeHorCursor, {20, 20, 50, 30}},
+                            Case{{20, 49}, Qt::SizeBDiagCursor, {30, 20, 30, 36}},
+                            Case{{40, 49}, Qt::SizeVerCursor, {20, 20, 40, 36}},
+                            Case{{59, 49}, Qt::SizeFDiagCursor, {20, 20, 50, 36}},
+                            Case{{40, 35}, Qt::SizeAllCursor, {30, 26, 40, 30}}}) {
+        const QPoint to = one.press + QPoint(10, 6);
+        Qt::CursorShape pointer = Qt::ArrowCursor;
+        drag(one.press, {moveTo(to.x(), to.y()),
+                         [&] {
+                             if (const QCursor* over = QApplication::overrideCursor())
+                                 pointer = over->shape();
+                         },
+                         release(to.x(), to.y())});
+        EXPECT_EQ(result, one.result) << one.press.x() << " " << one.press.y();
+        EXPECT_EQ(pointer, one.pointer) << one.press.x() << " " << one.press.y();
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the pointer as it was";
+        TearDownMouse();
+    }
+}
+
+TEST_F(TrackTest, AClickMovesNothing) {
+    drag({40, 35}, {moveTo(41, 36), release(41, 36)});
+    EXPECT_EQ(result, (Rect{20, 20, 40, 30}));
+    TearDownMouse();
+    drag({40, 35}, {moveTo(60, 35), moveTo(41, 35), release(41, 35)});
+    EXPECT_EQ(result, (Rect{21, 20, 40, 30})) << "one that went farther counts every pixel";
+    TearDownMouse();
+}
+
+TEST_F(TrackTest, ABandAndALabelFollowTheMouse) {
+    const auto band = [] { return client()->findChild<QRubberBand*>(); };
+    const auto label = [] { return client()->findChild<QLabel*>(QStringLiteral("track")); };
+    QRect outline, text;
+    QString told;
+    bool early = true;
+    drag({40, 35}, {[&] { early = band()->isVisible() || label()->isVisible(); }, moveTo(50, 40),
+                    [&] {
+                        outline = band()->geometry();
+                        text = label()->geometry();
+                        told = label()->text();
+                    },
+                    release(50, 40)});
+    EXPECT_FALSE(early) << "nothing shows before the mouse has moved";
+    EXPECT_EQ(outline, QRect(30, 25, 40, 30));
+    EXPECT_EQ(told.toStdString(), "30, 25   40 \xC3\x97 30");
+    EXPECT_FALSE(text.contains(50, 40)) << "the pointer is not covered";
+    EXPECT_EQ(band(), nullptr);
+    EXPECT_EQ(label(), nullptr);
     TearDownMouse();
 }
 

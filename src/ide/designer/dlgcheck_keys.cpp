@@ -231,6 +231,11 @@ bool leadsBack(const UnitRect& from, const UnitRect& to) {
     return bottom(to) <= from.y && to.x < right(from);
 }
 
+// A row of pictures above what they work on may come behind it, so that the keyboard begins there.
+bool isTool(const CheckedObject& from, const CheckedObject& to) {
+    return to.isA("Bitmapbutton") && !from.isA("Bitmapbutton");
+}
+
 }  // namespace
 
 void checkOrder(const CheckedDialog& dialog, Findings& findings) {
@@ -238,7 +243,7 @@ void checkOrder(const CheckedDialog& dialog, Findings& findings) {
     // A text that is only read may come last, so that the keyboard begins where something can be done.
     for (const CheckedObject& control : dialog.controls) {
         if (!control.tabStop || control.readOnly) continue;
-        if (before != nullptr && leadsBack(before->at, control.at))
+        if (before != nullptr && leadsBack(before->at, control.at) && !isTool(*before, control))
             findings.push_back({false, control.index,
                                 "Tab leads from " + before->told() + " back to " + control.told() +
                                     ", which is read before it. Move it forward in the order of the objects.",

@@ -70,7 +70,9 @@ struct DesignControl {
     Rect rect;
     std::string_view properties;  // its list
     const PictureFolders& folders;
-    bool menu = false;  // the dialog has one
+    bool menu = false;    // the dialog has one
+    bool leads = false;   // the control behind it can have the focus, so that a label's mnemonic leads there
+    bool ground = false;  // there is a grid, which shall not show between letters
 };
 // By TYPEOF. What is no type of a control is a box with its name.
 void DRAWCONTROL(const DesignControl& control);

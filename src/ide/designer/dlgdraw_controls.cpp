@@ -25,6 +25,14 @@ void drawShown(const DesignControl& control) {
     drawShown(control, control.properties);
 }
 
+// Letters that stand on the dialog's ground.
+void drawLettered(const DesignControl& control) {
+    std::string list(control.properties);
+    if (control.leads) list += "BUDDY=1\n";
+    if (control.ground) list += "GROUND=1\n";
+    drawShown(control, list);
+}
+
 void drawOutline(const DesignControl& control) {
     const Rect& r = control.rect;
     SetForeColour(control.window, GRID_GREY);
@@ -123,7 +131,7 @@ void DRAWIMAGE(const DesignControl& control) {
 void DRAWLABEL(const DesignControl& control) {
     FRAME(DRAWLABEL);
     STAMP();
-    drawShown(control);
+    drawLettered(control);
     if (GETPROPVALUE(control.properties, "CAPTION").empty() &&
         GETPROPINT(control.properties, "BORDERSTYLE") == 0)
         drawOutline(control);
@@ -132,7 +140,7 @@ void DRAWLABEL(const DesignControl& control) {
 void DRAWCHECKBOX(const DesignControl& control) {
     FRAME(DRAWCHECKBOX);
     STAMP();
-    drawShown(control);
+    drawLettered(control);
 }
 
 void DRAWCOMBOBOX(const DesignControl& control) {
@@ -180,7 +188,7 @@ void DRAWPUSHBUTTON(const DesignControl& control) {
 void DRAWRADIOBUTTON(const DesignControl& control) {
     FRAME(DRAWRADIOBUTTON);
     STAMP();
-    drawShown(control);
+    drawLettered(control);
 }
 
 void DRAWSCROLLBAR(const DesignControl& control) {

@@ -3,7 +3,10 @@
 
 #include "ide/designer/dlgdraw.h"
 #include "library/designer/proputil.h"
+#include "library/system/strings.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -56,11 +59,17 @@ void fitWindow(const Painting& p) {
     if (now.w != w || now.h != h) SetPosition(p.window, CLIENT_UNIT, {now.x, now.y, w, h});
 }
 
-void drawGrid(const Painting& p) {
+// The pixels between its lines; nothing in one direction means no grid.
+Rect gridOf(const Painting& p) {
     std::size_t at = 1;
     const int across = GETINT(p.picture.grid, at), down = GETINT(p.picture.grid, at);
     const Rect step = RCUNITSTOPIXELS(p.letter, {0, 0, across, down});
-    if (step.w > 0 && step.h > 0) DRAWCELLS(p.window, p.rects.client, step.w, step.h, GRID_GREY);
+    return step.w > 0 && step.h > 0 ? step : Rect{};
+}
+
+void drawGrid(const Painting& p) {
+    const Rect step = gridOf(p);
+    DRAWCELLS(p.window, p.rects.client, step.w, step.h, GRID_GREY);
 }
 
 Rect placeOf(const Painting& p, std::string_view control) {
@@ -68,13 +77,22 @@ Rect placeOf(const Painting& p, std::string_view control) {
     return {p.rects.client.x + place.x, p.rects.client.y + place.y, place.w, place.h};
 }
 
+bool takesFocus(std::string_view control) {
+    constexpr std::string_view none[] = {"", "Label", "Groupbox", "Progressbar", "Shape", "Icon", "Image"};
+    const std::string type = GETPROPVALUE(control, "TYPEOF");
+    return std::none_of(std::begin(none), std::end(none),
+                        [&](std::string_view n) { return STREQUAL(n, type); });
+}
+
 void drawControls(const Painting& p) {
     const ObjectArray& objects = p.picture.dialog;
     const PictureFolders folders = {p.picture.resourceFolder, p.picture.compilerFolder,
                                     p.picture.resourceFile};
-    const bool menu = !GETPROPVALUE(p.dialog, "MENU").empty();
-    for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i)
-        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu});
+    const bool menu = !GETPROPVALUE(p.dialog, "MENU").empty(), grid = gridOf(p).w != 0;
+    for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i) {
+        const bool leads = i + 1 < objects.size() && takesFocus(objects[i + 1]);
+        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu, leads, grid});
+    }
 }
 
 void drawSelection(const Painting& p) {

@@ -11,11 +11,13 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QCache>
+#include <QLabel>
 #include <QPainter>
-#include <QStyle>
+#include <QtMath>
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -37,13 +39,13 @@ bool isSeen(std::string_view line) {
 }
 
 // What tells one look from another, in one text.
-QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, qreal ratio) {
+QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, const PixelGrid& grid) {
     QByteArray look;
     look.reserve(static_cast<qsizetype>(properties.size() + font.name.size() + 96));
     const auto number = [&look](qint64 n) { look.append(QByteArray::number(n)).append(' '); };
-    for (const qint64 n :
-         {qint64{size.width()}, qint64{size.height()}, qint64(ratio * 1000), qint64{font.size},
-          qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey()})
+    for (const qint64 n : {qint64{size.width()}, qint64{size.height()}, qint64(grid.ratio * 1000),
+                           qint64(grid.offset.x() * 1000), qint64(grid.offset.y() * 1000), qint64{font.size},
+                           qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey()})
         number(n);
     look.append(QApplication::font().key().toUtf8()).append(' ');
     look.append(font.name.data(), static_cast<qsizetype>(font.name.size())).append('\n');
@@ -56,8 +58,9 @@ QByteArray lookOf(std::string_view properties, const QSize& size, const Font& fo
     return look;
 }
 
-bool hasMenu(std::string_view properties) {
-    return properties.starts_with("MENU=") || properties.find("\nMENU=") != std::string_view::npos;
+// A line of that name, with its "=".
+bool hasLine(std::string_view properties, const std::string& name) {
+    return properties.starts_with(name) || properties.find("\n" + name) != std::string_view::npos;
 }
 
 // The bars that the control has, be they needed or not.
@@ -69,17 +72,20 @@ void showBars(QWidget& widget, const Control& control) {
     if (auto* const area = qobject_cast<QAbstractScrollArea*>(&widget); area != nullptr) show(*area);
 }
 
-// A window that is never shown, in the colours of one that the user works in.
-class Holder : public QWidget {
-public:
-    Holder() {
-        QPalette colours = QApplication::palette();
-        for (int role = 0; role < QPalette::NColorRoles; ++role)
-            colours.setBrush(QPalette::Inactive, QPalette::ColorRole(role),
-                             colours.brush(QPalette::Active, QPalette::ColorRole(role)));
-        setPalette(colours);
-    }
-};
+// A window that is never shown, in the colours of one that the user works in. It stays for the next control, and is not
+// deleted, since the toolkit may end before.
+QWidget& holder() {
+    static QWidget* const widget = new QWidget;
+    static qint64 palette = 0;
+    if (palette == QApplication::palette().cacheKey()) return *widget;
+    palette = QApplication::palette().cacheKey();
+    QPalette colours = QApplication::palette();
+    for (int role = 0; role < QPalette::NColorRoles; ++role)
+        colours.setBrush(QPalette::Inactive, QPalette::ColorRole(role),
+                         colours.brush(QPalette::Active, QPalette::ColorRole(role)));
+    widget->setPalette(colours);
+    return *widget;
+}
 
 bool lacksPicture(const Control& control) {
     return !control.picture.empty() && iconOf(control.picture).isNull();
@@ -102,26 +108,39 @@ void paintMissing(QPainter& painter, const QWidget& widget, const QRect& box, co
                      painter.fontMetrics().elidedText(name, Qt::ElideRight, room.width()));
 }
 
-QPixmap drawn(Control& control, const QSize& size, const Font& font, qreal ratio, bool flat) {
-    Holder holder;
+// The widget of the control in a holder, as large and in the state that it has in a window.
+Peer* dressed(Control& control, std::string_view properties, const QSize& size, const Font& font) {
     control.position = {0, 0, size.width(), size.height()};
-    const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
-    Peer* const peer = makePeer(control, &holder, flat);
+    Peer* const peer = makePeer(control, &holder(), hasLine(properties, "MENU="));
     QWidget& widget = *peer->widget();
     applyFont(widget, control.font, font);
     applyColours(widget, control);
     widget.setEnabled(control.enabled);
+    if (auto* const label = qobject_cast<QLabel*>(&widget); label != nullptr && hasLine(properties, "BUDDY="))
+        label->setBuddy(&holder());
     showBars(widget, control);
     widget.ensurePolished();
     widget.setGeometry(placeOf(control, widget));
     peer->apply(Property::Position);
     peer->catchUp();
-    QPixmap picture(size * ratio);
-    picture.setDevicePixelRatio(ratio);
+    return peer;
+}
+
+QPixmap drawn(Control& control, std::string_view properties, const QSize& size, const Font& font,
+              const PixelGrid& grid) {
+    const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
+    Peer* const peer = dressed(control, properties, size, font);
+    const std::unique_ptr<QWidget> owned(peer->widget());
+    QWidget& widget = *owned;
+    QPixmap picture(qCeil(size.width() * grid.ratio + grid.offset.x()),
+                    qCeil(size.height() * grid.ratio + grid.offset.y()));
+    picture.setDevicePixelRatio(grid.ratio);
     picture.fill(Qt::transparent);
     {
         QPainter painter(&picture);
+        painter.translate(grid.offset / grid.ratio);
         if (!control.visible) painter.setOpacity(Faint);
+        if (hasLine(properties, "GROUND=")) painter.fillRect(widget.rect(), holder().palette().window());
         widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
         const int edge = control.type == Type::Bitmapbutton ? ButtonEdge : 0;
         if (!missing.empty())
@@ -134,15 +153,16 @@ QPixmap drawn(Control& control, const QSize& size, const Font& font, qreal ratio
 
 }  // namespace
 
-QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font, qreal ratio) {
+QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font,
+                       const PixelGrid& grid) {
     static QCache<QByteArray, QPixmap> known(Kept);
     const QSize size = asked.boundedTo({LargestSide, LargestSide});
-    const QByteArray look = lookOf(properties, size, font, ratio);
+    const QByteArray look = lookOf(properties, size, font, grid);
     if (const QPixmap* const kept = known.object(look); kept != nullptr) return *kept;
     const std::unique_ptr<Control> control = makeLoose(properties);
     if (control == nullptr || size.isEmpty()) return {};
     const bool missing = lacksPicture(*control);  // one that is missing may come later
-    const QPixmap picture = drawn(*control, size, font, ratio, hasMenu(properties));
+    const QPixmap picture = drawn(*control, properties, size, font, grid);
     if (missing) return picture;
     const qsizetype cost = qsizetype{picture.width()} * picture.height() * 4 / 1024 + 1;
     known.insert(look, new QPixmap(picture), cost);

@@ -14,8 +14,15 @@
 
 namespace tarn::platform::qt {
 
+// How a control falls on the pixels of a device.
+struct PixelGrid {
+    qreal ratio = 1;  // pixels of the device for one of the control
+    QPointF offset;   // of its corner from that of the picture, in pixels of the device; below 1
+};
+
 // Of a property list (see DrawControl), of that size in device-independent pixels; null if it is of no control. `font` is
 // that of its window.
-QPixmap controlPicture(std::string_view properties, const QSize& size, const Font& font, qreal ratio);
+QPixmap controlPicture(std::string_view properties, const QSize& size, const Font& font,
+                       const PixelGrid& grid);
 
 }  // namespace tarn::platform::qt

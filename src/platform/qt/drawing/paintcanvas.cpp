@@ -14,6 +14,7 @@
 #include <qdrawutil.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarn::platform::qt {
 
@@ -131,9 +132,11 @@ void PaintCanvas::window(int x, int y, const Window& window) {
 
 void PaintCanvas::control(const Rect& r, std::string_view properties, const Font& font) {
     if (!ready()) return;
-    const QPixmap pixmap =
-        controlPicture(properties, {r.w, r.h}, font, painter_.device()->devicePixelRatioF());
-    if (!pixmap.isNull()) painter_.drawPixmap(QPoint(r.x, r.y), pixmap);
+    // A picture between pixels would be blurred, so it begins at a whole one of the device.
+    const qreal ratio = painter_.device()->devicePixelRatioF();
+    const QPointF corner = QPointF(r.x, r.y) * ratio, whole(std::floor(corner.x()), std::floor(corner.y()));
+    const QPixmap pixmap = controlPicture(properties, {r.w, r.h}, font, {ratio, corner - whole});
+    if (!pixmap.isNull()) painter_.drawPixmap(whole / ratio, pixmap);
 }
 
 }  // namespace tarn::platform::qt

@@ -246,6 +246,11 @@ TEST_F(DialogCheck, TabFollowsTheReadingOrder) {
                     "Label c 60 8 40 14|CAPTION=\"x\""}),
               Strings{});
     EXPECT_EQ(told({"Scrollbar a 8 30 40 14", "Edit b 8 8 40 14|READONLY=1|HINT=\"x\""}), Strings{});
+    const std::string list = "Scrollbar list 8 30 100 40",
+                      first = "Bitmapbutton a 8 8 16 16|HINT=\"A\"|TABSTOP=1";
+    const std::string second = "Bitmapbutton b 30 8 16 16|HINT=\"B\"|TABSTOP=1";
+    EXPECT_EQ(told({list, first, second}), Strings{}) << "tools may come behind what they work on";
+    EXPECT_EQ(told({list, second, first}).size(), 1u) << "but in their order";
 }
 
 // ---- room ----

@@ -312,6 +312,26 @@ TEST_F(DialogEditor, AnotherCaseIsNoRename) {
     EXPECT_EQ(DIALOGGETDLGNAME(), "Dlg");
 }
 
+std::vector<std::string> heardByProgramWindow;
+
+TEST_F(DialogEditor, ARenameTellsTheProgramWindowToRefresh) {
+    RegisterWindow(ProjectEditorDlg, [](const Object&, int event, const Object& control, int) {
+        if (event == COMMAND_EVENT) heardByProgramWindow.push_back(GetName(control));
+        return true;
+    });
+    heardByProgramWindow.clear();
+    open(some);
+    SELECTOBJECT(1);
+    edit({{"NAME", "Fresh"}});
+    AUTOREFRESHPROJECT();
+    EXPECT_TRUE(heardByProgramWindow.empty()) << "it is not there";
+    Load(ProjectEditorDlg);
+    DIALOGSAVE();
+    EXPECT_EQ(heardByProgramWindow, (std::vector<std::string>{"bitmapbutton1"}));
+    platform::DestroyAllWindows();
+    REGISTERWINDOWS();
+}
+
 // ---- what others do to the file meanwhile ----
 
 TEST_F(DialogEditor, ChangesElsewhereInTheFileAreKept) {

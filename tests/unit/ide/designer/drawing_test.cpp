@@ -365,6 +365,30 @@ TEST_F(Drawing, BitmapButtonsBesideAMenuAreThoseOfAToolbar) {
     EXPECT_NE(view->lists.back().find("\nMENU="), std::string::npos);
 }
 
+TEST_F(Drawing, ALabelsMnemonicLeadsWhereTheNextControlTakesTheFocus) {
+    const auto led = [&](const std::string& next) {
+        redrawn(picture("", {control("Label1", "0 0 10 10"), next}));
+        return view->lists[0].ends_with("BUDDY=1\n");
+    };
+    for (const char* type : {"Edit", "Listbox", "Pushbutton"})
+        EXPECT_TRUE(led(control("x", "0 0 9 9", type))) << type;
+    for (const char* type : {"Label", "Groupbox", "Shape", "Icon", "Image", "Progressbar"})
+        EXPECT_FALSE(led(control("x", "0 0 9 9", type))) << type;
+    EXPECT_FALSE(led("")) << "the last one";
+}
+
+TEST_F(Drawing, NoGridShowsBetweenLetters) {
+    for (const char* type : {"Label", "Checkbox", "Radiobutton", "Shape"}) {
+        DesignPicture p = picture("", {control("Some1", "0 0 10 10", type)});
+        redrawn(p);
+        EXPECT_EQ(view->lists[0].find("GROUND"), std::string::npos) << type;
+        p.grid = "4 4";
+        redrawn(p);
+        EXPECT_EQ(view->lists[0].find("GROUND") != std::string::npos, std::string_view(type) != "Shape")
+            << type;
+    }
+}
+
 TEST_F(Drawing, TheSelectedControlHasHandlesAboveAllOthers) {
     DesignPicture p = picture("", {control("Label1", "0 0 20 10"), control("Label2", "0 0 20 10")});
     p.mode = CLIENT_ONLY;

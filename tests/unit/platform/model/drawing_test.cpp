@@ -77,10 +77,16 @@ TEST_F(DrawingTest, OnlyWindowsAndImagesAreDrawnOn) {
 
 TEST_F(DrawingTest, NothingIsDrawnBeforeTheStartAndAfterTheEnd) {
     const auto codes = [&] {
-        return std::vector<Code>{
-            DrawLine(main, 0, 0, 1, 1), DrawPoint(main, 0, 0),  DrawShape(main, ELLIPSE_SHAPE, 0, 0, 5, 5),
-            DrawTextstr(main, "a"),     DrawWindow(main, main), GetCurrentX(main).code,
-            SetCurrentX(main, 3),       GetCurrentY(main).code, SetCurrentY(main, 3)};
+        return std::vector<Code>{DrawLine(main, 0, 0, 1, 1),
+                                 DrawPoint(main, 0, 0),
+                                 DrawShape(main, ELLIPSE_SHAPE, 0, 0, 5, 5),
+                                 DrawTextstr(main, "a"),
+                                 DrawWindow(main, main),
+                                 GetCurrentX(main).code,
+                                 SetCurrentX(main, 3),
+                                 GetCurrentY(main).code,
+                                 SetCurrentY(main, 3),
+                                 DrawControl(main, "TYPEOF=Edit\n", 0, 0, 9, 9)};
     };
     for (const Code code : codes()) EXPECT_EQ(code, GraphicsNotStarted);
     EXPECT_EQ(EndGraph(main), GraphicsNotStarted);
@@ -89,6 +95,20 @@ TEST_F(DrawingTest, NothingIsDrawnBeforeTheStartAndAfterTheEnd) {
     EXPECT_EQ(EndGraph(main), Ok);
     for (const Code code : codes()) EXPECT_EQ(code, GraphicsNotStarted);
     EXPECT_EQ(EndGraph(main), GraphicsNotStarted);
+}
+
+TEST_F(DrawingTest, AControlOfAPropertyListHasWhatTheListTellsAndTheDefaultsOfItsType) {
+    const auto edit = makeLoose("NAME=Some1\nTYPEOF=Edit\nTEXT=\"a\\nb\"\nMULTILINE=1\nREADONLY=1\n");
+    ASSERT_NE(edit, nullptr);
+    EXPECT_EQ(edit->name, "Some1");
+    EXPECT_EQ(edit->text->text(), "a\nb");
+    EXPECT_EQ(edit->multiline, 1);
+    EXPECT_TRUE(edit->readonly);
+    EXPECT_EQ(edit->border, 1) << "not told";
+    EXPECT_EQ(makeLoose("typeof=LABEL\n")->type, Type::Label);
+    for (const char* none : {"", "NAME=x\n", "TYPEOF=Dialog\n", "TYPEOF=Editwindow\n", "TYPEOF=Menuitem\n",
+                             "TYPEOF=Screen\n", "TYPEOF=Spinner\n", "rubbish"})
+        EXPECT_EQ(makeLoose(none), nullptr) << none;
 }
 
 TEST_F(DrawingTest, TheCurrentPointIsBelowTheTextAndWhereItWasSet) {
