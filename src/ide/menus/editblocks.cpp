@@ -70,6 +70,7 @@ void DO_DELETE() {
 void DO_SELECT_ALL() {
     FRAME(DO_SELECT_ALL);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGSELECTALL();
     if (!holdsFile()) return;
     const int length = GetTextLength(SDIEdit);
     STAMP();
