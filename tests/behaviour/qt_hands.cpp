@@ -99,7 +99,7 @@ public:
             if (how == "2") onScreen_ ? dragTo(*client, at, at) : doubleClick(*client, at);
             return true;
         }
-        const QPoint place = QPoint(at.x, at.y) - client->pos(), global = client->mapToGlobal(place);
+        const QPoint place = within(*client, at), global = client->mapToGlobal(place);
         if (onScreen_) {
             holds_ = true;
             QTimer::singleShot(arrival, [this] { holds_ = false; });
@@ -204,9 +204,14 @@ private:
         return client != nullptr ? client : window;
     }
 
+    // A place of the window as one of the widget that is there, which may be the window itself.
+    static QPoint within(const QWidget& client, const Point& at) {
+        return client.mapFrom(client.window(), QPoint(at.x, at.y));
+    }
+
     // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
     void dragTo(QWidget& client, const Point& from, const Point& to, bool shift = false) {
-        const QPoint begin = QPoint(from.x, from.y) - client.pos(), end = QPoint(to.x, to.y) - client.pos();
+        const QPoint begin = within(client, from), end = within(client, to);
         holds_ = true;
         if (onScreen_) {
             QTimer::singleShot(arrival, [this] { holds_ = false; });
@@ -231,7 +236,7 @@ private:
     }
 
     static void doubleClick(QWidget& client, const Point& at) {
-        QTest::mouseDClick(&client, Qt::LeftButton, {}, QPoint(at.x, at.y) - client.pos());
+        QTest::mouseDClick(&client, Qt::LeftButton, {}, within(client, at));
     }
 
     static const QWidget* helpWindow() {
