@@ -2,12 +2,9 @@
 #include "ide/menus/toolmenu.h"
 
 #include "ide/build/toolrun.h"
-<<<<<<< HEAD
 #include "ide/designer/dlgcheck.h"
-=======
 #include "ide/designer/dlgtest.h"
 #include "ide/designer/openresource.h"
->>>>>>> dlgtest
 #include "ide/editor/bitmaptext.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
