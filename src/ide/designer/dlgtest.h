@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Dialogs in files: whether one survives being rewritten, how one runs, and what makes a copied one fit its new home.
-// Errors are texts, empty on success.
+// Errors are texts, empty on success. A test writes a file of its own, "~dlgtest1.tmp", into the folder of the resource
+// file and deletes it at once; who lets it be kept deletes it.
+//
+// Cost: each reads the resource file some times; a test makes all controls of the window, and does not show them.
 #pragma once
+
+#include "kernel/windows/windowing.h"
 
 #include <string>
 
@@ -18,15 +23,21 @@ PropertyTest TESTPROPERTIES(const std::string& file, const std::string& dialog, 
 std::string TESTFILEPROPERTIES(const std::string& file);  // of all dialogs of the file
 std::string FINDDIFFERENCE(const std::string& list1, const std::string& list2);
 
-// Shows the dialog as a real window, modally; the scratch file with `keep`.
+// Shows the dialog as its program will, modally, under the window TestDlg. An error is told in a box of that title. The
+// result is the scratch file with `keep`.
 std::string WINDOWTESTERDIALOG(const std::string& title, const std::string& file, const std::string& dialog,
                                bool keep = false);
+
+// Escape and Return close it, arrows work as in the program, all other keys and its buttons do nothing but say so.
+bool TESTDLG(const Object& window, int event, const Object& control, int parameter);
 
 // These write the file only where something has to change.
 std::string FIXPROPERTY_OWNER(const std::string& file, const std::string& dialog);
 std::string FIXPROPERTY_POSITION(const std::string& file, const std::string& dialog);
 std::string FIXPROPERTY_PICTURE(const std::string& file, const std::string& dialog,
                                 const std::string& resourceFolder, const std::string& compilerFolder);
+// A menu whose name is one of `names` (the first word of each line) gets a free one, in the place of the old menu if no
+// other dialog of the file shows that.
 std::string FIXPROPERTY_MENU(const std::string& file, const std::string& dialog, const std::string& names);
 
 // The resource texts joined, dialog by dialog as they are written: of all dialogs, or of the last one alone.

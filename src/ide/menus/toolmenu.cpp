@@ -3,13 +3,19 @@
 
 #include "ide/build/toolrun.h"
 #include "ide/designer/dlgcheck.h"
+#include "ide/designer/dlgtest.h"
+#include "ide/designer/openresource.h"
 #include "ide/editor/bitmaptext.h"
+#include "ide/editor/textedit.h"
+#include "ide/menus/filemenu.h"
 #include "ide/options/compoptions.h"
 #include "ide/options/editoroptions.h"
 #include "ide/options/fonts.h"
 #include "ide/options/genoptions.h"
 #include "ide/options/keysoptions.h"
 #include "ide/options/pathsoptions.h"
+#include "ide/program/newdialog.h"
+#include "ide/program/projedit.h"
 #include "ide/program/testtemplate.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -24,6 +30,7 @@ namespace tarn {
 namespace {
 
 constexpr const char* ExploreTitle = "Tools-Explore Data File";
+constexpr const char* TestTitle = "Tools-Test Dialog";
 
 std::string dataFilter() {
     const std::string patterns = DataFilePatterns();
@@ -86,6 +93,52 @@ void DO_EXPLORE_DB() {
     if (IsDelimited(info.format)) return exploreDelimited(file);
     if (!info.message.empty()) return tellFailure(file, info.message, false);
     showTable(file, nullptr, info.format);
+    STAMP();
+}
+
+void DO_EXPLORE_RCFILE(const Object& programLabel) {
+    FRAME(DO_EXPLORE_RCFILE);
+    STAMP();
+    const std::string file = OpenFileDialog("Tools-Explore Resource File", "", "Resource files (*.rc)|*.rc|");
+    STAMP();
+    if (file.empty() || !CLOSEALL()) return;
+    STAMP();
+    PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
+    STAMP();
+}
+
+void DO_TEST_DIALOG() {
+    FRAME(DO_TEST_DIALOG);
+    STAMP();
+    const CurrentResource current = GETCURRENTRESOURCE();
+    STAMP();
+    const ResourceChoice choice = OPENRESOURCEDIALOG(TestTitle, "dialog", current.file, current.dialog);
+    STAMP();
+    if (!choice.file.empty() && !choice.name.empty()) WINDOWTESTERDIALOG(TestTitle, choice.file, choice.name);
+    STAMP();
+}
+
+void DO_TEST_RCFILE() {
+    FRAME(DO_TEST_RCFILE);
+    STAMP();
+    Load(RcFileTestDlg);
+    STAMP();
+    Show(RcFileTestDlg, true);
+    STAMP();
+}
+
+void CREATERCFILEDIALOG(const Object&) {
+    FRAME(CREATERCFILEDIALOG);
+    STAMP();
+    constexpr const char* title = "Tools-Create Resource File";
+    const std::string refusal = "Cannot create a new RC file.\n";
+    if (!PROJECTGETMAINFILE().empty())
+        return MSGBOX(title, refusal + "The program window must be closed first.\n");
+    STAMP();
+    if (!EDITWNDGETFILENAME(SDIEdit).empty())
+        return MSGBOX(title, refusal + "The code editor must be closed first.\n");
+    STAMP();
+    PROJECTNEWDIALOG();
     STAMP();
 }
 

@@ -9,6 +9,13 @@ namespace tarn {
 
 // Asks for a data file and shows its rows. The settings of delimited text are asked for first.
 void DO_EXPLORE_DB();
+// Asks for a resource file and opens it as a program without a class.
+void DO_EXPLORE_RCFILE(const Object& programLabel);
+// Asks for a dialog, first for the current one, and shows it as its program will.
+void DO_TEST_DIALOG();
+// A new dialog in a new resource file, which needs the Program Window and the Code window closed.
+void CREATERCFILEDIALOG(const Object& label);
+void DO_TEST_RCFILE();  // the tests of whole resource files
 // The dialogs of Tools-Options; see ide/options.
 void DO_OPTIONS_COMP();
 void DO_OPTIONS_EDITOR(const Object& mainWindow, const Object& timerLabel);

@@ -5,6 +5,7 @@
 
 #include "os/files.h"
 #include "platform/model/access_internal.h"
+#include "platform/operations/manyfiles.h"
 #include "platform/operations/printjob.h"
 #include "platform/text.h"
 
@@ -53,9 +54,10 @@ BoxIcon iconOf(int flags) {
 }
 
 std::string askFile(Question::Kind kind, const std::string& title, const std::string& start,
-                    const std::string& filter) {
+                    const std::string& filter, bool several = false) {
     Question question;
     question.kind = kind;
+    question.several = several;
     question.title = title;
     question.value = start;
     question.filter = filter;
@@ -109,6 +111,11 @@ std::string ListBox(const std::string& title, const std::string& prompt, const s
 
 std::string OpenFileDialog(const std::string& title, const std::string& start, const std::string& filter) {
     return askFile(Question::Kind::OpenFile, title, start, filter);
+}
+
+std::vector<std::string> OpenFilesDialog(const std::string& title, const std::string& start,
+                                         const std::string& filter) {
+    return linesOf(askFile(Question::Kind::OpenFile, title, start, filter, true));
 }
 
 std::string SaveAsDialog(const std::string& title, const std::string& start, const std::string& filter) {

@@ -107,6 +107,7 @@ struct Question {
     std::string filter;
     BoxIcon icon = BoxIcon::None;
     int defaultButton = 1;
+    bool several = false;     // OpenFile: of any number of files; the answer has a path on each line
     bool fixedWidth = false;  // Font: an empty name stands for the desktop's font of edit windows
 };
 

@@ -278,15 +278,31 @@ QStringList filtersOf(const std::string& filter) {
     return filters;
 }
 
+// A path on each line. One that holds a line feed would be two, and is left out.
+std::string linesOfPaths(const QStringList& paths) {
+    std::string lines;
+    for (const QString& path : paths)
+        if (!path.contains(u'\n')) lines += QFile::encodeName(path).toStdString() + "\n";
+    return lines;
+}
+
+// What the user would type into the line of the dialog: several names stand in quotes there.
+QString typedFiles(const Question& question, const std::string& text) {
+    const QStringList paths = shown(text).split(u'\n', Qt::SkipEmptyParts);
+    if (!question.several || paths.size() < 2) return shown(text);
+    return u'"' + paths.join(QStringLiteral("\" \"")) + u'"';
+}
+
 std::string askFile(const Question& question, QWidget* parent) {
     QFileDialog box(parent, shown(question.title));
     box.setWindowModality(Qt::ApplicationModal);
     const bool save = question.kind == Question::Kind::SaveFile,
                folder = question.kind == Question::Kind::Folder;
     box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    box.setFileMode(save     ? QFileDialog::AnyFile
-                    : folder ? QFileDialog::Directory
-                             : QFileDialog::ExistingFile);
+    box.setFileMode(save               ? QFileDialog::AnyFile
+                    : folder           ? QFileDialog::Directory
+                    : question.several ? QFileDialog::ExistingFiles
+                                       : QFileDialog::ExistingFile);
     box.setOption(QFileDialog::ShowDirsOnly, folder);
     if (const QStringList filters = filtersOf(question.filter); !filters.isEmpty() && !folder)
         box.setNameFilters(filters);
@@ -297,6 +313,7 @@ std::string askFile(const Question& question, QWidget* parent) {
         if (!isFolder && !start.fileName().contains(u'*')) box.selectFile(start.fileName());
     }
     if (run(question, box) != QDialog::Accepted || box.selectedFiles().isEmpty()) return {};
+    if (question.several) return linesOfPaths(box.selectedFiles());
     const QByteArray path = QFile::encodeName(box.selectedFiles().constFirst());
     return {path.constData(), static_cast<std::size_t>(path.size())};
 }
@@ -354,9 +371,9 @@ bool answerQuestion(const std::string& text) {
     if (question->kind == Question::Kind::List) return choose(*box, text);
     if (isChooser(*question)) return chooseIn(*question, *box, text), true;
     if (auto* files = qobject_cast<QFileDialog*>(box); files != nullptr) {
-        files->selectFile(shown(text));
+        if (!question->several) files->selectFile(shown(text));
         auto* line = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        if (line != nullptr) line->setText(shown(text));
+        if (line != nullptr) line->setText(typedFiles(*question, text));
         QMetaObject::invokeMethod(files, "accept");
         return true;
     }
