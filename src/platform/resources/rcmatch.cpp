@@ -65,6 +65,7 @@ int likenessOfNamesakes(const Trait& a, const Trait& b) {
 class Matcher {
 public:
     Matcher(const std::vector<RcObject>& blocks, const std::vector<ParsedList>& wanted);
+    void ends();
     void namesakes();
     void align(int least);
     void anywhere(int least);
@@ -94,6 +95,18 @@ Matcher::Matcher(const std::vector<RcObject>& blocks, const std::vector<ParsedLi
     for (const RcObject& block : blocks)
         blocks_.push_back(traits.of(block.givenName(), block.type, block.values()));
     for (const ParsedList& list : wanted) wanted_.push_back(traits.of(list.name, list.type, list.properties));
+}
+
+// What stands unchanged in front of the first change, and behind the last: so among equal objects the one that
+// changes keeps its own.
+void Matcher::ends() {
+    const auto same = [&](std::size_t b, std::size_t w) {
+        const Trait &block = blocks_[b], &wanted = wanted_[w];
+        return block.type == wanted.type && block.name == wanted.name && block.content == wanted.content;
+    };
+    std::size_t b = blocks_.size(), w = wanted_.size(), front = 0;
+    for (; front < std::min(b, w) && same(front, front); ++front) settle(front, front);
+    while (b > front && w > front && same(b - 1, w - 1)) settle(--b, --w);
 }
 
 // Where several have one name, the most alike are each other.
@@ -156,6 +169,7 @@ void Matcher::anywhere(int least) {
 std::vector<const RcObject*> matchObjects(const std::vector<RcObject>& blocks,
                                           const std::vector<ParsedList>& wanted) {
     Matcher matcher(blocks, wanted);
+    matcher.ends();
     matcher.namesakes();
     matcher.align(sameContent);
     matcher.anywhere(sameContent);

@@ -153,6 +153,25 @@ TEST_F(ResourceKeepTest, NamelessControlsOfEqualContentKeepTheirNeighbours) {
     }
 }
 
+TEST_F(ResourceKeepTest, OfEqualControlsTheOneThatChangesKeepsItsComment) {
+    for (const char* head : {"Label", "Label twin"}) {
+        std::vector<std::string> blocks;
+        for (const char* comment : {"// one", "// two", "// three"})
+            blocks.push_back(std::string("  ") + comment + "\n  " + head +
+                             "\n    CAPTION=\"x\"\n    HINT=\"y\"\n");
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            SCOPED_TRACE(head + std::to_string(i));
+            std::vector<std::string> changed = blocks;
+            changed[i] = replaced(changed[i], "\"y\"", "\"z\"");
+            write(rc, dialog(blocks));
+            ObjectArray array = objects("D");
+            array[i + 1] = replaced(array[i + 1], "HINT=\"y\"", "HINT=\"z\"");
+            EXPECT_EQ(ResourceWrite(array, {}, rc), "");
+            EXPECT_EQ(read(rc), dialog(changed));
+        }
+    }
+}
+
 // ---- menus ----
 
 TEST_F(ResourceKeepTest, SeparatorsKeepTheirComments) {
