@@ -17,6 +17,7 @@ struct Trait {
     int content = 0;   // all but the name
     int position = 0;  // of a menu item 0: its level says little
     int text = 0;      // what the user sees of it
+    int rest = 0;      // all but the name and what the user sees
 };
 
 class Traits {
@@ -31,14 +32,22 @@ private:
     std::map<std::string, int> numbers_;
 };
 
+constexpr std::string_view seenProperties[] = {"CAPTION", "TEXT", "PICTURE", "ROWS"};
+
+bool isSeen(std::string_view name) {
+    return std::find(std::begin(seenProperties), std::end(seenProperties), name) != std::end(seenProperties);
+}
+
 Trait Traits::of(std::string_view name, Type type, const Properties& properties) {
     Trait trait{type, number(upper(name)), 0, 0, 0};
     Properties sorted = properties;
     std::sort(sorted.begin(), sorted.end());
     trait.content = number("\n" + makePropertyList("", type, sorted));
+    std::erase_if(sorted, [](const auto& property) { return isSeen(property.first); });
+    trait.rest = number("\r" + makePropertyList("", type, sorted));
     if (type != Type::Menuitem)
         trait.position = number("\t" + std::string(valueOf(properties, type, "POSITION")));
-    for (const char* seen : {"CAPTION", "TEXT", "PICTURE", "ROWS"})
+    for (const std::string_view seen : seenProperties)
         if (trait.text == 0) trait.text = number(std::string(valueOf(properties, type, seen)));
     return trait;
 }
@@ -53,7 +62,8 @@ int likeness(const Trait& a, const Trait& b) {
         return a.name == 0 && b.name == 0 && position && a.text == b.text ? likely : nothing;
     const int more = (position ? 5 : 0) + (text ? 5 : 0);
     if (more > 0) return known + more;
-    return a.name == 0 && b.name == 0 && (a.text == 0) == (b.text == 0) ? unlikely : nothing;
+    return a.name == 0 && b.name == 0 && ((a.text == 0) == (b.text == 0) || a.rest == b.rest) ? unlikely
+                                                                                              : nothing;
 }
 
 int likenessOfNamesakes(const Trait& a, const Trait& b) {

@@ -172,6 +172,19 @@ TEST_F(ResourceKeepTest, OfEqualControlsTheOneThatChangesKeepsItsComment) {
     }
 }
 
+TEST_F(ResourceKeepTest, WhatGetsItsFirstTextOrLosesItsLastKeepsItsComment) {
+    const std::string with = "  // mine\n  Label\n    POSITION=1 1 9 9\n    CAPTION=\"x\"\n",
+                      without = replaced(with, "\"x\"", "\"\"");
+    EXPECT_EQ(after(dialog({with}), [](ObjectArray& a) { set(a[1], "\"x\"", "\"\""); }), dialog({without}));
+    EXPECT_EQ(after(dialog({without}), [](ObjectArray& a) { set(a[1], "CAPTION=\"\"", "CAPTION=\"x\""); }),
+              dialog({with}));
+    const std::string item = "  // mine\n  Menuitem\n    POSITION=2\n    PICTURE=\"a.bmp\"\n";
+    const std::string menu = "D DIALOG\nEND\nM MENU\n" + item + "END\n";
+    EXPECT_EQ(after(
+                  menu, [](ObjectArray& a) { set(a[1], "\"a.bmp\"", "\"\""); }, true),
+              replaced(menu, "a.bmp", ""));
+}
+
 // ---- menus ----
 
 TEST_F(ResourceKeepTest, SeparatorsKeepTheirComments) {
