@@ -13,7 +13,8 @@ namespace tarn {
 namespace {
 
 constexpr int LockSide = 9, ShackleInset = 2, ShackleHeight = 6, BodyTop = 4;  // pixels
-constexpr int NumberGap = 3;  // between a number and the edges of its box
+constexpr int LockInset = HANDLE_SIZE + 1;  // beside the handle of the corner
+constexpr int NumberGap = 3;                // between a number and the edges of its box
 
 void box(const Object& window, const Rect& rect, int line, int fill) {
     SetForeColour(window, line);
@@ -43,7 +44,7 @@ void DRAWHOLLOWHANDLERECT(const Object& window, const Rect& rect, int size, int 
 void DRAWLOCKMARK(const Object& window, const Rect& rect, int ink, int ground) {
     FRAME(DRAWLOCKMARK);
     STAMP();
-    const int x = rect.x + rect.w - LockSide - 1, y = rect.y + 1;
+    const int x = rect.x + rect.w - LockSide - LockInset, y = rect.y + LockInset;
     box(window, {x - 1, y - 1, LockSide + 2, LockSide + 2}, ground, ground);
     box(window, {x + ShackleInset, y, LockSide - 2 * ShackleInset, ShackleHeight}, ink, NO_COLOUR);
     box(window, {x, y + BodyTop, LockSide, LockSide - BodyTop}, ink, ink);

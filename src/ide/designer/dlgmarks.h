@@ -10,7 +10,7 @@ namespace tarn {
 
 // As DRAWHANDLERECT, with handles that are outlines on a ground.
 void DRAWHOLLOWHANDLERECT(const Object& window, const Rect& rect, int size, int line, int ground);
-// A padlock in the upper right corner.
+// A padlock in the upper right corner, inside of its handle.
 void DRAWLOCKMARK(const Object& window, const Rect& rect, int ink, int ground);
 // A number in a box in the upper left corner, in the font of the drawing.
 void DRAWNUMBERMARK(const Object& window, const Rect& rect, int number, int ink, int ground);

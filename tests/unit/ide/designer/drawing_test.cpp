@@ -423,8 +423,8 @@ TEST_F(Drawing, ALockedControlHasAMark) {
     p.mode = CLIENT_ONLY;
     p.locked = {3, 7};
     EXPECT_EQ(of(redrawn(p), "shape"),
-              (Calls{"shape 0 89 10 11 11 ffffff ffffff", "shape 0 92 11 5 6 000000 -",
-                     "shape 0 90 15 9 5 000000 000000"}));
+              (Calls{"shape 0 85 14 11 11 ffffff ffffff", "shape 0 88 15 5 6 000000 -",
+                     "shape 0 86 19 9 5 000000 000000"}));
 }
 
 TEST_F(Drawing, NumbersOfAnOrderStandInPlaceOfHandles) {
