@@ -2,8 +2,10 @@
 //
 // What happens in the window of the dialog editor: a table of keys, and one of the other events. All state is in the
 // controls of the window.
+#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/geometry.h"
@@ -136,6 +138,14 @@ constexpr KeyRow keys[] = {
     {Tab, [] { stepSelection(1); }},
     {Shift + Tab, [] { stepSelection(-1); }},
     {F6, showToolbox},
+    // The editing keys of the Edit menu, which other windows than Main get themselves.
+    {Ctrl + 'Z', DIALOGUNDO},
+    {Ctrl + 'Y', DIALOGREDO},
+    {Ctrl + Shift + 'Z', DIALOGREDO},
+    {Ctrl + 'X', DIALOGCUT},
+    {Ctrl + 'C', DIALOGCOPY},
+    {Ctrl + 'V', DIALOGPASTE},
+    {Ctrl + 'A', DIALOGSELECTALL},
 };
 
 bool keyPressed(int key) {
@@ -254,18 +264,24 @@ void resized() {
     STAMP();
 }
 
+bool closes() {
+    if (!DIALOGMAYCLOSE()) return false;
+    DIALOGHISTORYEND();
+    return true;
+}
+
 struct EventRow {
     int event;
     bool (*action)(int parameter);  // whether the event is handled
 };
 constexpr EventRow events[] = {
-    {LOAD_EVENT, [](int) { return place(), false; }},
+    {LOAD_EVENT, [](int) { return DIALOGHISTORYEND(), place(), false; }},
     {KEYPRESS_EVENT, keyPressed},
     {MOUSEDOWN_EVENT, [](int parameter) { return pressed(parameter), true; }},
     {INFO_EVENT, [](int parameter) { return rightClicked(parameter), true; }},
     {DBLCLICK_EVENT, [](int) { return showCode(), true; }},
     {RESIZE_EVENT, [](int) { return resized(), true; }},
-    {CLOSE_EVENT, [](int) { return !DIALOGMAYCLOSE(); }},
+    {CLOSE_EVENT, [](int) { return !closes(); }},
 };
 
 const RegisteredWindow registered("DialogDlg", DIALOGDLG);

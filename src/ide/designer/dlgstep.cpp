@@ -2,6 +2,7 @@
 #include "ide/designer/dlgstep.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
@@ -79,14 +80,25 @@ bool DESIGNSTEP(const std::function<void()>& action) {
     if (!IsLoaded(DialogDlg)) return false;
     STAMP();
     const DesignLists before = DESIGNLISTS();
+    const int dialog = DIALOGHISTORYNUMBER();
     ++stepDepth;
     action();
     --stepDepth;
     STAMP();
-    if (!IsLoaded(DialogDlg) || sameContent(before, DESIGNLISTS())) return false;
-    if (stepDepth == 0) DIALOGSETMODIFY(true);
+    if (!IsLoaded(DialogDlg) || dialog != DIALOGHISTORYNUMBER()) return false;
+    const DesignLists after = DESIGNLISTS();
+    if (sameContent(before, after)) return false;
+    STAMP();
+    if (stepDepth == 0) {
+        DIALOGSETMODIFY(true);
+        NOTEDESIGNSTEP(before, after);
+    }
     STAMP();
     return true;
+}
+
+bool INDESIGNSTEP() {
+    return stepDepth > 0;
 }
 
 // ---- the selection ----

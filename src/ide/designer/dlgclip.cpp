@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/designer/dlgclip.h"
+
+#include "ide/designer/cliptext.h"
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/dlgobjects.h"
+#include "ide/designer/dlgpaste.h"
+#include "ide/designer/dlgstep.h"
+#include "ide/shell/windows.h"
+#include "library/system/system.h"
+
+#include <algorithm>
+
+MODULE("dlgedit")
+
+namespace tarn {
+namespace {
+
+void refuse(const std::string& why) {
+    FRAME(REFUSE);
+    Sound();
+    STAMP();
+    SetHint(DialogDlg, why);
+    STAMP();
+}
+
+// In their order in the list, so that what lies on top stays on top.
+std::vector<std::string> selectedControls() {
+    std::vector<int> selected = SELECTEDOBJECTS();
+    std::sort(selected.begin(), selected.end());
+    std::vector<std::string> lists;
+    for (const int index : selected)
+        if (index > 1) lists.push_back(DESIGNITEM(index));
+    return lists;
+}
+
+// From the last on, so that the indexes before it stay.
+void deleteSelectedControls() {
+    FRAME(DELETESELECTEDCONTROLS);
+    std::vector<int> selected = SELECTEDOBJECTS();
+    std::sort(selected.rbegin(), selected.rend());
+    const Object datalist = DESIGNCONTROL("datalist"), menulist = DESIGNCONTROL("menulist");
+    STAMP();
+    for (const int index : selected)
+        static_cast<void>(DELETEOBJECT(datalist, menulist, index, DESIGNTEXT("ctlprotectstr")));
+    SELECTOBJECT(0);
+    STAMP();
+}
+
+// False if there is nothing to copy.
+bool copySelected() {
+    FRAME(COPYSELECTED);
+    STAMP();
+    const std::vector<std::string> lists = selectedControls();
+    if (lists.empty()) return refuse("No control is selected."), false;
+    STAMP();
+    const std::string text = CONTROLSTEXT(lists);
+    if (text.empty()) return refuse("A control that a resource file cannot hold is not copied."), false;
+    SetText(clipboard, text);
+    STAMP();
+    return true;
+}
+
+void addControls(const std::vector<std::string>& controls) {
+    FRAME(ADDCONTROLS);
+    const Object datalist = DESIGNCONTROL("datalist");
+    std::vector<int> added;
+    for (std::string list : controls) {
+        if (list.ends_with('\n')) list.pop_back();
+        AddItem(datalist, list);
+        added.push_back(GetListCount(datalist));
+    }
+    STAMP();
+    SELECTOBJECTS(added);
+    STAMP();
+}
+
+// All of them, or none.
+void put(const std::vector<std::string>& controls) {
+    FRAME(PUT);
+    STAMP();
+    if (!MAYADDCONTROLS(static_cast<int>(controls.size()))) return;
+    STAMP();
+    const DesignLists now = DESIGNLISTS();
+    const std::vector<std::string> fitted =
+        STOREDCONTROLS(FITTEDCONTROLS(controls, {now.dialog, now.menu, DESIGNTEXT("gridstr")}));
+    if (fitted.empty()) return refuse("A control that a resource file cannot hold is not pasted.");
+    STAMP();
+    DESIGNSTEP([&] { addControls(fitted); });
+    DIALOGREDRAW();
+    STAMP();
+    Show(DialogDlg, false);
+    STAMP();
+}
+
+bool isOpen() {
+    return IsLoaded(DialogDlg) && GetListCount(DESIGNCONTROL("datalist")) > 0;
+}
+
+}  // namespace
+
+void DIALOGCOPY() {
+    FRAME(DIALOGCOPY);
+    if (!isOpen()) return Sound();
+    STAMP();
+    static_cast<void>(copySelected());
+}
+
+void DIALOGCUT() {
+    FRAME(DIALOGCUT);
+    if (!isOpen() || DESIGNTEXT("ctlprotectstr") != "0") return Sound();
+    STAMP();
+    if (!copySelected()) return;
+    STAMP();
+    if (DESIGNSTEP(deleteSelectedControls)) DIALOGREDRAW();
+    STAMP();
+}
+
+void DIALOGPASTE() {
+    FRAME(DIALOGPASTE);
+    if (!isOpen()) return Sound();
+    STAMP();
+    const ClipControls controls = TEXTCONTROLS(GetText(clipboard));
+    STAMP();
+    controls.fault.empty() ? put(controls.lists) : refuse(controls.fault);
+    STAMP();
+}
+
+void DIALOGDUPLICATE() {
+    FRAME(DIALOGDUPLICATE);
+    if (!isOpen()) return Sound();
+    STAMP();
+    const std::vector<std::string> lists = selectedControls();
+    lists.empty() ? refuse("No control is selected.") : put(lists);
+    STAMP();
+}
+
+void DIALOGSELECTALL() {
+    FRAME(DIALOGSELECTALL);
+    const int objects = IsLoaded(DialogDlg) ? GetListCount(DESIGNCONTROL("datalist")) : 0;
+    if (objects < 2) return Sound();
+    STAMP();
+    const int first = SELECTEDOBJECT();
+    std::vector<int> all;
+    if (first > 1) all.push_back(first);
+    for (int index = 2; index <= objects; ++index)
+        if (index != first) all.push_back(index);
+    SELECTOBJECTS(all);
+    STAMP();
+    DIALOGREDRAW();
+    STAMP();
+}
+
+}  // namespace tarn
