@@ -8,11 +8,11 @@
 #include "ide/shell/windows.h"
 #include "os/process.h"
 
-#include <QContextMenuEvent>
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeySequence>
 #include <QMouseEvent>
 #include <QTest>
@@ -95,7 +95,7 @@ public:
         if (!designPoint(object, false, at)) return false;
         QWidget* const client = clientAt(at);
         if (how != "right") {
-            dragTo(*client, at, at);
+            dragTo(*client, at, at, how == "shift");
             if (how == "2") onScreen_ ? dragTo(*client, at, at) : doubleClick(*client, at);
             return true;
         }
@@ -205,14 +205,15 @@ private:
     }
 
     // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
-    void dragTo(QWidget& client, const Point& from, const Point& to) {
+    void dragTo(QWidget& client, const Point& from, const Point& to, bool shift = false) {
         const QPoint begin = QPoint(from.x, from.y) - client.pos(), end = QPoint(to.x, to.y) - client.pos();
         holds_ = true;
         if (onScreen_) {
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            run("mousemove --sync " + text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
+            run(std::string(shift ? "keydown shift " : "") + "mousemove --sync " +
+                text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
                 text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) +
-                " mouseup 1");
+                " mouseup 1" + (shift ? " keyup shift" : ""));
             return;
         }
         const QPointer<QWidget> alive(&client);
@@ -225,7 +226,7 @@ private:
                                   up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
                 QApplication::sendEvent(alive, &event);
             });
-        QTest::mousePress(&client, Qt::LeftButton, {}, begin);
+        QTest::mousePress(&client, Qt::LeftButton, shift ? Qt::ShiftModifier : Qt::NoModifier, begin);
         if (!alive.isNull()) QTest::mouseRelease(&client, Qt::LeftButton, {}, end);
     }
 
@@ -249,7 +250,8 @@ private:
             const QPoint at = widget.mapToGlobal(place);
             return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
                                 std::to_string(at.y()) + " click --repeat " +
-                                std::to_string(std::max(clicks, 1)) + " --delay 40 " + (clicks > 0 ? "1" : "3"))
+                                std::to_string(std::max(clicks, 1)) + " --delay 40 " +
+                                (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
         }
         if (clicks == 0) return rightClick(widget, place);

@@ -3,9 +3,11 @@
 
 #include "ide/designer/cliptext.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlgmany.h"
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgpaste.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/dlgtab.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
 
@@ -32,19 +34,6 @@ std::vector<std::string> selectedControls() {
     for (const int index : selected)
         if (index > 1) lists.push_back(DESIGNITEM(index));
     return lists;
-}
-
-// From the last on, so that the indexes before it stay.
-void deleteSelectedControls() {
-    FRAME(DELETESELECTEDCONTROLS);
-    std::vector<int> selected = SELECTEDOBJECTS();
-    std::sort(selected.rbegin(), selected.rend());
-    const Object datalist = DESIGNCONTROL("datalist"), menulist = DESIGNCONTROL("menulist");
-    STAMP();
-    for (const int index : selected)
-        static_cast<void>(DELETEOBJECT(datalist, menulist, index, DESIGNTEXT("ctlprotectstr")));
-    SELECTOBJECT(0);
-    STAMP();
 }
 
 // False if there is nothing to copy.
@@ -93,32 +82,33 @@ void put(const std::vector<std::string>& controls) {
     STAMP();
 }
 
-bool isOpen() {
-    return IsLoaded(DialogDlg) && GetListCount(DESIGNCONTROL("datalist")) > 0;
+// While the order is clicked nothing else is done to the controls.
+bool takesCommands() {
+    return IsLoaded(DialogDlg) && GetListCount(DESIGNCONTROL("datalist")) > 0 && !TABORDERISON();
 }
 
 }  // namespace
 
 void DIALOGCOPY() {
     FRAME(DIALOGCOPY);
-    if (!isOpen()) return Sound();
+    if (!takesCommands()) return Sound();
     STAMP();
     static_cast<void>(copySelected());
 }
 
 void DIALOGCUT() {
     FRAME(DIALOGCUT);
-    if (!isOpen() || DESIGNTEXT("ctlprotectstr") != "0") return Sound();
+    if (!takesCommands() || DESIGNTEXT("ctlprotectstr") != "0") return Sound();
     STAMP();
     if (!copySelected()) return;
     STAMP();
-    if (DESIGNSTEP(deleteSelectedControls)) DIALOGREDRAW();
+    DIALOGDELETESELECTED();
     STAMP();
 }
 
 void DIALOGPASTE() {
     FRAME(DIALOGPASTE);
-    if (!isOpen()) return Sound();
+    if (!takesCommands()) return Sound();
     STAMP();
     const ClipControls controls = TEXTCONTROLS(GetText(clipboard));
     STAMP();
@@ -128,7 +118,7 @@ void DIALOGPASTE() {
 
 void DIALOGDUPLICATE() {
     FRAME(DIALOGDUPLICATE);
-    if (!isOpen()) return Sound();
+    if (!takesCommands()) return Sound();
     STAMP();
     const std::vector<std::string> lists = selectedControls();
     lists.empty() ? refuse("No control is selected.") : put(lists);
@@ -137,17 +127,9 @@ void DIALOGDUPLICATE() {
 
 void DIALOGSELECTALL() {
     FRAME(DIALOGSELECTALL);
-    const int objects = IsLoaded(DialogDlg) ? GetListCount(DESIGNCONTROL("datalist")) : 0;
-    if (objects < 2) return Sound();
+    if (!takesCommands()) return Sound();
     STAMP();
-    const int first = SELECTEDOBJECT();
-    std::vector<int> all;
-    if (first > 1) all.push_back(first);
-    for (int index = 2; index <= objects; ++index)
-        if (index != first) all.push_back(index);
-    SELECTOBJECTS(all);
-    STAMP();
-    DIALOGREDRAW();
+    SELECTALLCONTROLS();
     STAMP();
 }
 

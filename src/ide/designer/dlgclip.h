@@ -22,6 +22,6 @@ void DIALOGCUT();
 void DIALOGCOPY();
 void DIALOGPASTE();
 void DIALOGDUPLICATE();
-void DIALOGSELECTALL();  // all controls, a selected one first
+void DIALOGSELECTALL();  // all controls
 
 }  // namespace tarn

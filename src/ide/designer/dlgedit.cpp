@@ -7,7 +7,9 @@
 
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlghistory.h"
+#include "ide/designer/dlglock.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/dlgtab.h"
 #include "ide/designer/drawing.h"
 #include "ide/designer/geometry.h"
 #include "ide/designer/toolbox.h"
@@ -99,6 +101,10 @@ void DIALOGREDRAW() {
     picture.compilerFolder = DESIGNTEXT("compilerdir");
     picture.resourceFile = DESIGNTEXT("rcfile");
     picture.selection = SELECTEDOBJECT();
+    picture.others = DESIGNLISTS().others;
+    picture.locked = LOCKEDOBJECTS();
+    if (TABORDERISON()) picture.tabOrder = TABORDERNOW();
+    picture.clicked = TABORDERCHOSEN();
     STAMP();
     drawing = true;
     DRAWWINDOW(DialogDlg, picture);
@@ -157,6 +163,8 @@ void loadEditor(const DialogOpening& opening) {
         {"linkstr", "1"},
         {"resourcedir", GETRESOURCEDIR()},
         {"compilerdir", GETCOMPILERDIR()},
+        {"locks", ""},
+        {"taborder", ""},
         {"rcfile", opening.file},
         {"dlgname", opening.dialog},
         {"helpfile", opening.helpFile},

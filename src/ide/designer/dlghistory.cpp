@@ -5,6 +5,8 @@
 #include "ide/designer/dlghistory.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlglock.h"
+#include "ide/designer/dlgtab.h"
 #include "ide/designer/listdelta.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
@@ -166,6 +168,8 @@ void store(const Object& list, const std::vector<std::string>& items) {
 
 void show(const DesignLists& lists) {
     FRAME(SHOW);
+    CARRYLOCKS(DESIGNLISTS(), lists);
+    STAMP();
     store(DESIGNCONTROL("datalist"), lists.dialog);
     store(DESIGNCONTROL("menulist"), lists.menu);
     STAMP();
@@ -185,7 +189,7 @@ using Direction = std::optional<DesignLists> (DesignHistory::*)(const DesignList
 
 void go(Direction direction) {
     FRAME(GO);
-    if (!IsLoaded(DialogDlg) || INDESIGNSTEP()) return Sound();
+    if (!IsLoaded(DialogDlg) || INDESIGNSTEP() || TABORDERISON()) return Sound();
     STAMP();
     const std::optional<DesignLists> lists = (opened().history.*direction)(DESIGNLISTS());
     if (!lists) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/commands.h"
 
+#include "ide/designer/dlgmenu.h"
 #include "ide/menus/editblocks.h"
 #include "ide/menus/editmenu.h"
 #include "ide/menus/editsearch.h"
@@ -103,6 +104,8 @@ constexpr Row rows[] = {
     {"edit_find_files", "", [](const Fired&) { DO_FIND_FILES(); }},
     {"edit_replace_files", "", [](const Fired&) { DO_REPLACE_FILES(); }},
     {"edit_properties", "", [](const Fired&) { DO_PROPERTIES(); }},
+    {"edit_dialog_align_left", "",
+     [](const Fired& fired) { DIALOGCOMMAND(STRLOWER(GetName(fired.control))); }, true},
     {"edit_dialog_duplicate", "", [](const Fired&) { DO_DIALOG_DUPLICATE(); }},
     {"view_line", "", [](const Fired&) { DO_LINE(); }},
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},

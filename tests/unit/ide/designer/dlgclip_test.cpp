@@ -432,11 +432,11 @@ TEST_F(DialogClip, DamagedTextsNeverMakeADialogThatCannotBeSaved) {
 
 // ---- select all ----
 
-TEST_F(DialogClip, SelectAllTakesTheControlsTheSelectedFirst) {
+TEST_F(DialogClip, SelectAllTakesAllControls) {
     openThree();
     SELECTOBJECT(3);
     pick("edit_select_all");
-    EXPECT_EQ(SELECTEDOBJECTS(), (std::vector<int>{3, 2, 4}));
+    EXPECT_EQ(SELECTEDOBJECTS(), (std::vector<int>{2, 3, 4}));
     EXPECT_FALSE(DIALOGGETMODIFY());
     SELECTOBJECT(1);
     key(0x1000 + 'A');
