@@ -67,6 +67,7 @@ MainMenu MENU
     SHORTCUT="Ctrl+C"
   Menuitem
     POSITION=2
+    CAPTION="-----"
   Menuitem file_more 103
     POSITION=2
     CAPTION="&More"
@@ -233,7 +234,7 @@ TEST_F(ViewTest, TheMenuBarFollowsTheLevelsOfTheFlatList) {
     const auto items = bar->actions()[0]->menu()->actions();
     ASSERT_EQ(items.size(), 4);
     EXPECT_EQ(items[0]->text().toStdString(), "&Open...\tCtrl+O");
-    EXPECT_TRUE(items[2]->isSeparator());
+    EXPECT_TRUE(items[2]->isSeparator()) << "dashes alone";
     ASSERT_NE(items[3]->menu(), nullptr);
     EXPECT_EQ(items[3]->menu()->actions().size(), 1);
     EXPECT_TRUE(bar->actions()[1]->menu()->actions()[0]->isChecked());
@@ -597,6 +598,26 @@ TEST_F(ViewTest, UpAndDownOfALineReachTheWindow) {
     pressAt(find<QComboBox>(Form, "cmbedit")->lineEdit(), Qt::Key_Down);
     pressAt(find<QComboBox>(Form, "cmbdrop"), Qt::Key_Down);
     EXPECT_EQ(count(KEYPRESS_EVENT), 2) << "several lines and rows are walked by their own keys";
+}
+
+TEST_F(ViewTest, KeysThatMoveAListsSelectionReachTheWindowFirst) {
+    show(Form);
+    auto* list = find<QListView>(Form, "lstrows");
+    ASSERT_NE(list, nullptr);
+    list->setFocus();
+    SetListIndex(in(Form, 305), 1);
+    settle();
+    handledKey() = 40;
+    press(list, Qt::Key_Down);
+    EXPECT_EQ(GetListIndex(in(Form, 305)).value, 1) << "a key that the window takes moves nothing";
+    handledKey() = 0;
+    press(list, Qt::Key_Down);
+    EXPECT_EQ(GetListIndex(in(Form, 305)).value, 2);
+    press(list, Qt::Key_Home);
+    EXPECT_EQ(GetListIndex(in(Form, 305)).value, 1);
+    press(list, Qt::Key_End);
+    press(list, Qt::Key_Up);
+    EXPECT_EQ(count(KEYPRESS_EVENT, 305), 5);
 }
 
 TEST_F(ViewTest, ALabelThatIsFilledBeforeTheWindowIsShownNamesTheControl) {

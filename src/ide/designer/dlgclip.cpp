@@ -3,7 +3,6 @@
 
 #include "ide/designer/cliptext.h"
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlgmany.h"
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgpaste.h"
 #include "ide/designer/dlgstep.h"
@@ -122,14 +121,6 @@ void DIALOGDUPLICATE() {
     STAMP();
     const std::vector<std::string> lists = selectedControls();
     lists.empty() ? refuse("No control is selected.") : put(lists);
-    STAMP();
-}
-
-void DIALOGSELECTALL() {
-    FRAME(DIALOGSELECTALL);
-    if (!takesCommands()) return Sound();
-    STAMP();
-    SELECTALLCONTROLS();
     STAMP();
 }
 

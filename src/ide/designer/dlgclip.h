@@ -22,6 +22,5 @@ void DIALOGCUT();
 void DIALOGCOPY();
 void DIALOGPASTE();
 void DIALOGDUPLICATE();
-void DIALOGSELECTALL();  // all controls
 
 }  // namespace tarn

@@ -137,7 +137,6 @@ constexpr KeyRow keys[] = {
     {Ctrl + 'X', DIALOGCUT},
     {Ctrl + 'C', DIALOGCOPY},
     {Ctrl + 'V', DIALOGPASTE},
-    {Ctrl + 'A', DIALOGSELECTALL},
 };
 
 // While the order is clicked nothing else is done to the controls.

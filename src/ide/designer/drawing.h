@@ -5,8 +5,9 @@
 // style (dlgdraw.h).
 //
 // Errors: what cannot be read is a default (a list without POSITION has no size and does not show), and a picture that is
-// not there is a crossed box with its name; a window that is not loaded sets the error cell. Cost: 255 controls take less
-// than 255 plain widgets take to paint; see DrawControl.
+// not there is a crossed box with its name; a window that is not loaded sets the error cell. Cost: a redraw of 255
+// controls of which few have changed takes less than 255 plain widgets take to paint; the first one makes their widgets and
+// takes some three times as long as making plain ones.
 #pragma once
 
 #include "ide/designer/geometry.h"

@@ -112,7 +112,7 @@ ResourceChoice OPENRESOURCEDIALOG(const std::string& title, const std::string& w
     ResourceChoice choice;
     if (IsLoaded(OpenResourceDlg) && GetCaption(part("lblchosen")) == "1")
         choice = {chosenFile(), chosenName()};
-    Unload(OpenResourceDlg);
+    if (IsLoaded(OpenResourceDlg)) Unload(OpenResourceDlg);
     STAMP();
     return choice;
 }

@@ -111,7 +111,11 @@ public:
         if (isHidden(file)) return;
         if (ISCLASSFILE(file)) addClass(file);
         if (!STREQUAL(FILEGETEXT(file), ResourceExtension)) return;
-        for (const Kind& kind : kinds) addKind(file, kind);
+        std::string text;
+        os::readFile(file, text);
+        text = STRUPPER(text);
+        for (const Kind& kind : kinds)
+            if (&kind == &dialogs || text.find(kind.word) != std::string::npos) addKind(file, kind);
     }
     std::vector<std::string> items;
 

@@ -8,7 +8,8 @@
 //
 //     1 "Class <B>Shapes</B>" "Class" "Shapes" "/home/ann/shapes.cls" "2026-03-01 10:15:00" "class0.bmp"
 //
-// Cost: MAKEPROJECTLIST reads each resource file once for each of the five kinds; the others are linear in their text.
+// Cost: MAKEPROJECTLIST reads each resource file once, and once more for each of the five kinds whose word stands in it;
+// the others are linear in their text.
 #pragma once
 
 #include <string>

@@ -70,6 +70,13 @@ void MarkedRows::paint(QPainter* painter, const QStyleOptionViewItem& option,
 }
 
 QSize MarkedRows::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    QSize size = sizeOf(option, index);
+    if (longest)
+        for (const int row : longest()) size = size.expandedTo(sizeOf(option, index.siblingAtRow(row)));
+    return size;
+}
+
+QSize MarkedRows::sizeOf(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QSize size = QStyledItemDelegate::sizeHint(option, index);
     const QString marked = index.data(MarkedTextRole).toString();
     if (marked.isEmpty()) return size;

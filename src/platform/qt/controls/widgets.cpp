@@ -38,6 +38,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <iterator>
+#include <numeric>
 
 namespace tarn::platform::qt {
 
@@ -60,6 +62,20 @@ public:
         if (role == Qt::DecorationRole && !control_->rows[row].picture.empty())
             return iconOf(control_->rows[row].picture);
         return {};
+    }
+    // The rows with the longest texts, at most so many.
+    std::vector<int> longest(int most) const {
+        std::vector<int> rows(control_ == nullptr ? 0 : control_->rows.size());
+        std::iota(rows.begin(), rows.end(), 0);
+        const auto middle = rows.begin() + std::min<std::ptrdiff_t>(most, std::ssize(rows));
+        std::nth_element(rows.begin(), middle, rows.end(), [this](int a, int b) {
+            const auto length = [this](int row) {
+                return control_->rows[static_cast<std::size_t>(row)].text.size();
+            };
+            return length(a) > length(b);
+        });
+        rows.erase(middle, rows.end());
+        return rows;
     }
     void refresh() {
         beginResetModel();
@@ -147,8 +163,11 @@ public:
 private:
     // A picture that is wider than it is high, such as one that begins with the line of a tree, keeps its proportions.
     void dressIcons() {
+        auto* const drawing = new MarkedRows(&list_);
+        drawing->longest = [this] { return rows_->longest(Measured); };
         list_.setIconSize({60, 20});
-        list_.setItemDelegate(new MarkedRows(&list_));
+        list_.setItemDelegate(drawing);
+        list_.setUniformItemSizes(true);
     }
     void choose() {
         quiet_ = true;
@@ -166,6 +185,8 @@ private:
         list_.verticalScrollBar()->setValue(top);
         choose();
     }
+
+    static constexpr int Measured = 32;  // rows whose width is looked at
 
     RowsView& list_;
     RowModel* rows_;
