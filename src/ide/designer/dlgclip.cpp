@@ -7,6 +7,7 @@
 #include "ide/designer/dlgpaste.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/dlgtab.h"
+#include "ide/shell/statusline.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
 
@@ -21,6 +22,7 @@ void refuse(const std::string& why) {
     FRAME(REFUSE);
     Sound();
     STAMP();
+    TELLSTATUS(why);
     SetHint(DialogDlg, why);
     STAMP();
 }
@@ -45,6 +47,7 @@ bool copySelected() {
     const std::string text = CONTROLSTEXT(lists);
     if (text.empty()) return refuse("A control that a resource file cannot hold is not copied."), false;
     SetText(clipboard, text);
+    TELLSTATUS("");
     STAMP();
     return true;
 }
@@ -75,6 +78,7 @@ void put(const std::vector<std::string>& controls) {
     if (fitted.empty()) return refuse("A control that a resource file cannot hold is not pasted.");
     STAMP();
     DESIGNSTEP([&] { addControls(fitted); });
+    TELLSTATUS("");
     DIALOGREDRAW();
     STAMP();
     Show(DialogDlg, false);

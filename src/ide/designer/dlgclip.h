@@ -8,13 +8,11 @@
 // the dialog as far as it has room, and move by a step of the grid from where another control stands exactly. Only one
 // button of a dialog is its default one: that which was there.
 //
-// Paste and Duplicate are one step of undo each. What is not possible beeps, and tells why in the hint of the window; that
-// a dialog has too many controls, or takes none, is told as ADDOBJECT tells it. Nothing is pasted in part.
+// Cut, Paste and Duplicate are one step of undo each. What is not possible beeps, and tells why in the status line and the
+// hint of the window; that a dialog has too many controls, or takes none, is told as ADDOBJECT tells it. Nothing is pasted
+// in part.
 // Cost: that of the texts, twice, and a redraw.
 #pragma once
-
-#include <string>
-#include <vector>
 
 namespace tarn {
 

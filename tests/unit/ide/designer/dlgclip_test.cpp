@@ -20,7 +20,10 @@ protected:
         open(dialog(control("LABEL", "one", "8 8 42 17") + control("EDIT", "two", "40 20 60 20") +
                     control("PUSHBUTTON", "three", "100 60 40 12", "    DEFAULT=1\n") + more));
     }
-    static std::string hint() { return GetHint(DialogDlg); }
+    static std::string hint() {
+        EXPECT_EQ(GetHint(DialogDlg), GetCaption(MAINCONTROL("lblstatus")));
+        return GetHint(DialogDlg);
+    }
     static std::string clip() { return GetText(clipboard); }
     static std::string clipOf(const std::string& controls) {
         return std::string(ClipHead) + "\nCopied DIALOG\n" + controls + "END\n";
