@@ -6,6 +6,7 @@
 #include "ide/designer/dlgedit.h"
 
 #include "ide/designer/dlgdisk.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/designer/dlglock.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/dlgtab.h"
@@ -257,6 +258,7 @@ void DIALOGOPEN(const DialogOpening& opening) {
         return;
     }
     NOTEDIALOGSEEN(opening.file, opening.dialog);
+    DIALOGHISTORYSTART((opening.flags & OPEN_AS_CHANGED) == 0);
     limitSize(objects[0]);
     if ((opening.flags & OPEN_AS_CHANGED) != 0) DIALOGSETMODIFY(true);
     STAMP();

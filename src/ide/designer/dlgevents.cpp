@@ -2,8 +2,10 @@
 //
 // What happens in the window of the dialog editor: a table of keys, and one of the other events. All state is in the
 // controls of the window.
+#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgmany.h"
 #include "ide/designer/dlgmouse.h"
 #include "ide/designer/dlgobjects.h"
@@ -128,6 +130,13 @@ constexpr KeyRow keys[] = {
     {Tab, [] { stepSelection(1); }},
     {Shift + Tab, [] { stepSelection(-1); }},
     {F6, showToolbox},
+    // The editing keys of the Edit menu, which other windows than Main get themselves.
+    {Ctrl + 'Z', DIALOGUNDO},
+    {Ctrl + 'Y', DIALOGREDO},
+    {Ctrl + Shift + 'Z', DIALOGREDO},
+    {Ctrl + 'X', DIALOGCUT},
+    {Ctrl + 'C', DIALOGCOPY},
+    {Ctrl + 'V', DIALOGPASTE},
 };
 
 // While the order is clicked nothing else is done to the controls.
@@ -204,18 +213,24 @@ void resized() {
     STAMP();
 }
 
+bool closes() {
+    if (!DIALOGMAYCLOSE()) return false;
+    DIALOGHISTORYEND();
+    return true;
+}
+
 struct EventRow {
     int event;
     bool (*action)(int parameter);  // whether the event is handled
 };
 constexpr EventRow events[] = {
-    {LOAD_EVENT, [](int) { return place(), false; }},
+    {LOAD_EVENT, [](int) { return DIALOGHISTORYEND(), place(), false; }},
     {KEYPRESS_EVENT, keyPressed},
     {MOUSEDOWN_EVENT, [](int parameter) { return DESIGNPRESSED(parameter), true; }},
     {INFO_EVENT, [](int parameter) { return rightClicked(parameter), true; }},
     {DBLCLICK_EVENT, [](int) { return showCode(), true; }},
     {RESIZE_EVENT, [](int) { return resized(), true; }},
-    {CLOSE_EVENT, [](int) { return !DIALOGMAYCLOSE(); }},
+    {CLOSE_EVENT, [](int) { return !closes(); }},
 };
 
 const RegisteredWindow registered("DialogDlg", DIALOGDLG);

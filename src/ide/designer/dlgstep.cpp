@@ -2,6 +2,7 @@
 #include "ide/designer/dlgstep.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/designer/dlglock.h"
 #include "ide/designer/dlgmenu.h"
 #include "ide/shell/windows.h"
@@ -104,17 +105,26 @@ bool DESIGNSTEP(const std::function<void()>& action) {
     if (!IsLoaded(DialogDlg)) return false;
     STAMP();
     const DesignLists before = DESIGNLISTS();
+    const int dialog = DIALOGHISTORYNUMBER();
     ++stepDepth;
     action();
     --stepDepth;
     STAMP();
-    if (!IsLoaded(DialogDlg)) return false;
+    if (!IsLoaded(DialogDlg) || dialog != DIALOGHISTORYNUMBER()) return false;
     const DesignLists after = DESIGNLISTS();
     if (sameContent(before, after)) return false;
-    if (stepDepth == 0) CARRYLOCKS(before, after);
-    if (stepDepth == 0) DIALOGSETMODIFY(true);
+    STAMP();
+    if (stepDepth == 0) {
+        CARRYLOCKS(before, after);
+        DIALOGSETMODIFY(true);
+        NOTEDESIGNSTEP(before, after);
+    }
     STAMP();
     return true;
+}
+
+bool INDESIGNSTEP() {
+    return stepDepth > 0;
 }
 
 // ---- the selection ----

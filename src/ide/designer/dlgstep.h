@@ -42,6 +42,7 @@ DesignLists DESIGNLISTS();
 // Runs what one action of the user does to the lists. If they differ afterwards the dialog is marked as changed, and
 // the result is true. A step within a step is part of it.
 bool DESIGNSTEP(const std::function<void()>& action);
+bool INDESIGNSTEP();
 
 int SELECTEDOBJECT();          // as hilite1 has it
 void SELECTOBJECT(int index);  // and nothing else; without a redraw; tells screen readers

@@ -106,7 +106,7 @@ constexpr Row rows[] = {
     {"edit_properties", "", [](const Fired&) { DO_PROPERTIES(); }},
     {"edit_dialog_align_left", "",
      [](const Fired& fired) { DIALOGCOMMAND(STRLOWER(GetName(fired.control))); }, true},
-    {"edit_dialog_duplicate", "", nullptr},
+    {"edit_dialog_duplicate", "", [](const Fired&) { DO_DIALOG_DUPLICATE(); }},
     {"view_line", "", [](const Fired&) { DO_LINE(); }},
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},
     {"view_browse_info", "", [](const Fired&) { DO_BROWSE_INFO(); }},
