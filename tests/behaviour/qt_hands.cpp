@@ -103,7 +103,7 @@ public:
         if (onScreen_) {
             holds_ = true;
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            return run("mousemove --sync " + text(global) + " click 3");
+            return run("mousemove " + text(global) + " click 3");
         }
         QContextMenuEvent event(QContextMenuEvent::Mouse, place, global);
         QApplication::sendEvent(client, &event);
@@ -204,13 +204,14 @@ private:
         return client != nullptr ? client : window;
     }
 
-    // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
+    // Presses, moves and releases. What one client sends arrives in order; waiting for a move of a pointer that is there
+    // already would last until it gives up. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
     void dragTo(QWidget& client, const Point& from, const Point& to) {
         const QPoint begin = QPoint(from.x, from.y) - client.pos(), end = QPoint(to.x, to.y) - client.pos();
         holds_ = true;
         if (onScreen_) {
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            run("mousemove --sync " + text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
+            run("mousemove " + text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
                 text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) +
                 " mouseup 1");
             return;
@@ -247,7 +248,7 @@ private:
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
-            return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
+            return std::system(("xdotool mousemove " + std::to_string(at.x()) + " " +
                                 std::to_string(at.y()) + " click --repeat " +
                                 std::to_string(std::max(clicks, 1)) + " --delay 40 " + (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
