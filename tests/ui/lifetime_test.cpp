@@ -133,6 +133,25 @@ TEST_F(LifetimeTest, AVisibleWindowCanBecomeModal) {
     EXPECT_TRUE(checked);
 }
 
+TEST_F(LifetimeTest, AModalWindowStaysAboveOneThatStaysAboveAll) {
+    for (const bool above : {true, false}) {
+        ASSERT_EQ(Load(Main), Ok);
+        findWindow(Main)->onTop = above;
+        ASSERT_EQ(Show(Main, false).code, Ok);
+        ASSERT_EQ(Load(Form), Ok);
+        bool checked = false;
+        QTimer::singleShot(0, [&] {
+            EXPECT_EQ(frame(Form)->windowFlags().testFlag(Qt::WindowStaysOnTopHint), above);
+            checked = true;
+            Hide(Form);
+        });
+        Show(Form, true);
+        EXPECT_TRUE(checked);
+        DestroyAllWindows();
+        DoEvents();
+    }
+}
+
 TEST_F(LifetimeTest, AModalWindowCanBeAnsweredWhileTheProgramIsBusy) {
     open(Main);
     ASSERT_EQ(Load(Form), Ok);

@@ -97,6 +97,13 @@ QMargins likelyMargins(int borderStyle) {
 
 }  // namespace
 
+bool staysOnTop() {
+    return std::any_of(frames().begin(), frames().end(), [](const QWidget* widget) {
+        const Window* const window = static_cast<const Frame*>(widget)->model();
+        return window != nullptr && window->onTop && widget->isVisible();
+    });
+}
+
 Frame* frameOf(const Window& window) {
     if (window.widget == nullptr) return nullptr;
     return static_cast<Frame*>(window.widget);
@@ -463,6 +470,9 @@ void Frame::applyModality() {
         if (isVisible()) hide();  // the toolkit takes a new modality only while a window is hidden
         setWindowModality(wanted);
     }
+    const bool onTop = window_->onTop || (window_->modal && staysOnTop());
+    if (!isVisible() && onTop != windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+        setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
     Frame* below = frameOfWidget(QApplication::activeWindow());
     winId();
     leaveRing();

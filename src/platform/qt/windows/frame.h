@@ -75,6 +75,7 @@ private:
     QMargins assumed_;  // of the frame, while the window system has not told
 };
 
+bool staysOnTop();  // a window is shown that stays above all others: a modal one that opens has to stay above it
 Frame* frameOf(const Window& window);         // null if it has none
 Frame* frameOfWidget(const QWidget* widget);  // the frame that holds it; null if none does
 
