@@ -563,11 +563,20 @@ void Frame::resizeEvent(QResizeEvent* event) {
     report();
 }
 
+// What a program has drawn stays in the old colours. It hears what it draws again for at another size.
+void Frame::coloursChanged() {
+    if (!isVisible() || !client_->isDrawnOn()) return;
+    QTimer::singleShot(0, this, [this] {
+        if (window_ != nullptr) userColours(*window_);
+    });
+}
+
 void Frame::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (window_ != nullptr && event->type() == QEvent::PaletteChange) {
         for (const auto& control : window_->controls)
             if (control->type == Type::Edit && peerOf(*control) != nullptr) applyColours(*control);
+        coloursChanged();
     }
     if (window_ == nullptr || event->type() != QEvent::WindowStateChange || applying_) return;
     if (!isMaximized() || !capped()) return report();

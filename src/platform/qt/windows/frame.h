@@ -53,6 +53,7 @@ private:
     void applyTitle();
     void leaveRing();
     void applyModality();
+    void coloursChanged();
     void applyColours(Control& control);
     void settleLarge();  // once the window system has done its part of that
     [[nodiscard]] QSize largestSize() const;
