@@ -103,7 +103,7 @@ public:
         if (onScreen_) {
             holds_ = true;
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            return run("mousemove --sync " + text(global) + " click 3");
+            return run("mousemove " + text(global) + " click 3");
         }
         QContextMenuEvent event(QContextMenuEvent::Mouse, place, global);
         QApplication::sendEvent(client, &event);
@@ -209,13 +209,15 @@ private:
         return client.mapFrom(client.window(), QPoint(at.x, at.y));
     }
 
-    // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
+    // Presses, moves and releases. What one client sends arrives in order; waiting for a move of a pointer that is there
+    // already would last until it gives up. Offscreen the press returns only when a drag has ended, so the rest comes by
+    // a timer.
     void dragTo(QWidget& client, const Point& from, const Point& to, bool shift = false) {
         const QPoint begin = within(client, from), end = within(client, to);
         holds_ = true;
         if (onScreen_) {
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            run(std::string(shift ? "keydown shift " : "") + "mousemove --sync " +
+            run(std::string(shift ? "keydown shift " : "") + "mousemove " +
                 text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
                 text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) +
                 " mouseup 1" + (shift ? " keyup shift" : ""));
@@ -253,7 +255,7 @@ private:
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
-            return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
+            return std::system(("xdotool mousemove " + std::to_string(at.x()) + " " +
                                 std::to_string(at.y()) + " click --repeat " +
                                 std::to_string(std::max(clicks, 1)) + " --delay 40 " +
                                 (clicks > 0 ? "1" : "3"))

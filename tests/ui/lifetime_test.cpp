@@ -133,6 +133,49 @@ TEST_F(LifetimeTest, AVisibleWindowCanBecomeModal) {
     EXPECT_TRUE(checked);
 }
 
+TEST_F(LifetimeTest, AModalWindowStaysAboveOneThatStaysAboveAll) {
+    for (const bool above : {true, false}) {
+        ASSERT_EQ(Load(Main), Ok);
+        findWindow(Main)->onTop = above;
+        ASSERT_EQ(Show(Main, false).code, Ok);
+        ASSERT_EQ(Load(Form), Ok);
+        bool checked = false;
+        QTimer::singleShot(0, [&] {
+            EXPECT_EQ(frame(Form)->windowFlags().testFlag(Qt::WindowStaysOnTopHint), above);
+            checked = true;
+            Hide(Form);
+        });
+        Show(Form, true);
+        EXPECT_TRUE(checked);
+        DestroyAllWindows();
+        DoEvents();
+    }
+}
+
+TEST_F(LifetimeTest, AWindowThatIsDrawnOnHearsOfOtherColoursAsOfAnotherSize) {
+    static int heard;
+    const QPalette before = QApplication::palette();
+    open(Main);
+    open(Form);
+    StartGraph(Form);
+    EndGraph(Form);
+    for (const Object& window : {Main, Form})
+        RegisterWindow(window, [](const Object& object, int event, const Object&, int) {
+            if (event == RESIZE_EVENT) heard += object == Form ? 1 : 100;
+            return false;
+        });
+    QTest::qWait(1100);  // the frame has settled
+    heard = 0;
+    QPalette dark = before;
+    dark.setColor(QPalette::Window, Qt::black);
+    QApplication::setPalette(dark);
+    DoEvents();
+    QTest::qWait(20);
+    EXPECT_EQ(heard, 1);
+    QApplication::setPalette(before);
+    DoEvents();
+}
+
 TEST_F(LifetimeTest, AModalWindowCanBeAnsweredWhileTheProgramIsBusy) {
     open(Main);
     ASSERT_EQ(Load(Form), Ok);

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 MODULE("dlgedit")
 
@@ -183,10 +184,24 @@ void place() {
     SetPosition(DialogDlg, WINDOW_UNIT, Rect{screen.x + gap + toolbox, main.y + main.h + gap, own.w, own.h});
 }
 
+bool drawnDark = false;  // the desktop was dark when the dialog was drawn last
+
+void loaded() {
+    drawnDark = DesktopInfo().dark;
+    place();
+}
+
 // A dialog that is larger than the window may become stays so.
 int sizeFrom(int client, int offsets, int most, int before) {
     const bool cut = most > 0 && client >= most && before + offsets > most;
     return cut ? before : std::max(client - offsets, 0);
+}
+
+// A window that is drawn on hears of other colours as of another size.
+void redrawInColours() {
+    if (DIALOGDRAWING()) return;
+    const bool dark = DesktopInfo().dark;
+    if (std::exchange(drawnDark, dark) != dark) DIALOGREDRAW();
 }
 
 void resized() {
@@ -224,12 +239,12 @@ struct EventRow {
     bool (*action)(int parameter);  // whether the event is handled
 };
 constexpr EventRow events[] = {
-    {LOAD_EVENT, [](int) { return DIALOGHISTORYEND(), place(), false; }},
+    {LOAD_EVENT, [](int) { return DIALOGHISTORYEND(), loaded(), false; }},
     {KEYPRESS_EVENT, keyPressed},
     {MOUSEDOWN_EVENT, [](int parameter) { return DESIGNPRESSED(parameter), true; }},
     {INFO_EVENT, [](int parameter) { return rightClicked(parameter), true; }},
     {DBLCLICK_EVENT, [](int) { return showCode(), true; }},
-    {RESIZE_EVENT, [](int) { return resized(), true; }},
+    {RESIZE_EVENT, [](int) { return resized(), redrawInColours(), true; }},
     {CLOSE_EVENT, [](int) { return !closes(); }},
 };
 

@@ -97,7 +97,8 @@ void userDrag(Point pressed, Point released);
 bool userKey(Window& window, Control* focus, int key);  // true: handled, goes no further
 void userClose(Window& window);                         // the window's close button
 void userActivate(Window& window);
-void userReturn(Window& window);  // the user comes back from another program
+void userReturn(Window& window);   // the user comes back from another program
+void userColours(Window& window);  // chooses other colours: a RESIZE_EVENT, to draw again
 void userMoved(Window& window, const Rect& frame, int state);
 void timerFired(Control& owner);
 

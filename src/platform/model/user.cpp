@@ -127,6 +127,10 @@ void userMoved(Window& window, const Rect& frame, int state) {
     if (resized) sendEvent(window.object, RESIZE_EVENT, window.object, 0);
 }
 
+void userColours(Window& window) {
+    if (isAlive(window) && window.shown) sendEvent(window.object, RESIZE_EVENT, window.object, 0);
+}
+
 bool userInfo(Control& control, int x, int y) {
     return isAlive(control) && takesInput(windowOf(control)) && send(control, INFO_EVENT, place(x, y));
 }

@@ -20,6 +20,7 @@ public:
     // Draws into the picture until it is finished or deleted; one at a time. It may outlive the widget.
     std::unique_ptr<Canvas> canvas();
     void wipe();  // nothing is drawn any more
+    [[nodiscard]] bool isDrawnOn() const { return picture_ != nullptr; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;  // the picture

@@ -2,6 +2,7 @@
 #include "platform/qt/windows/choosers.h"
 
 #include "platform/qt/texts.h"
+#include "platform/qt/windows/frame.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -136,6 +137,7 @@ std::unique_ptr<QDialog> makeChooser(const Question& question, QWidget* parent) 
     }
     box->setWindowTitle(shown(question.title));
     box->setWindowModality(Qt::ApplicationModal);
+    box->setWindowFlag(Qt::WindowStaysOnTopHint, staysOnTop());
     return box;
 }
 

@@ -97,6 +97,13 @@ QMargins likelyMargins(int borderStyle) {
 
 }  // namespace
 
+bool staysOnTop() {
+    return std::any_of(frames().begin(), frames().end(), [](const QWidget* widget) {
+        const Window* const window = static_cast<const Frame*>(widget)->model();
+        return window != nullptr && window->onTop && widget->isVisible();
+    });
+}
+
 Frame* frameOf(const Window& window) {
     if (window.widget == nullptr) return nullptr;
     return static_cast<Frame*>(window.widget);
@@ -463,6 +470,9 @@ void Frame::applyModality() {
         if (isVisible()) hide();  // the toolkit takes a new modality only while a window is hidden
         setWindowModality(wanted);
     }
+    const bool onTop = window_->onTop || (window_->modal && staysOnTop());
+    if (!isVisible() && onTop != windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+        setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
     Frame* below = frameOfWidget(QApplication::activeWindow());
     winId();
     leaveRing();
@@ -553,11 +563,20 @@ void Frame::resizeEvent(QResizeEvent* event) {
     report();
 }
 
+// What a program has drawn stays in the old colours. It hears what it draws again for at another size.
+void Frame::coloursChanged() {
+    if (!isVisible() || !client_->isDrawnOn()) return;
+    QTimer::singleShot(0, this, [this] {
+        if (window_ != nullptr) userColours(*window_);
+    });
+}
+
 void Frame::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (window_ != nullptr && event->type() == QEvent::PaletteChange) {
         for (const auto& control : window_->controls)
             if (control->type == Type::Edit && peerOf(*control) != nullptr) applyColours(*control);
+        coloursChanged();
     }
     if (window_ == nullptr || event->type() != QEvent::WindowStateChange || applying_) return;
     if (!isMaximized() || !capped()) return report();

@@ -53,6 +53,7 @@ private:
     void applyTitle();
     void leaveRing();
     void applyModality();
+    void coloursChanged();
     void applyColours(Control& control);
     void settleLarge();  // once the window system has done its part of that
     [[nodiscard]] QSize largestSize() const;
@@ -75,6 +76,7 @@ private:
     QMargins assumed_;  // of the frame, while the window system has not told
 };
 
+bool staysOnTop();  // a window is shown that stays above all others: a modal one that opens has to stay above it
 Frame* frameOf(const Window& window);         // null if it has none
 Frame* frameOfWidget(const QWidget* widget);  // the frame that holds it; null if none does
 

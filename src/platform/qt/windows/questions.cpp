@@ -4,6 +4,7 @@
 #include "platform/operations/boxhelp.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/windows/choosers.h"
+#include "platform/qt/windows/frame.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -114,6 +115,7 @@ void prepare(QDialog& box, const Question& question) {
     box.setWindowTitle(shown(question.title));
     box.setWindowModality(Qt::ApplicationModal);
     box.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    box.setWindowFlag(Qt::WindowStaysOnTopHint, staysOnTop());
 }
 
 QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
@@ -296,6 +298,7 @@ QString typedFiles(const Question& question, const std::string& text) {
 std::string askFile(const Question& question, QWidget* parent) {
     QFileDialog box(parent, shown(question.title));
     box.setWindowModality(Qt::ApplicationModal);
+    box.setWindowFlag(Qt::WindowStaysOnTopHint, staysOnTop());
     const bool save = question.kind == Question::Kind::SaveFile,
                folder = question.kind == Question::Kind::Folder;
     box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);

@@ -2,6 +2,7 @@
 //
 // What keys and mouse do in the dialog editor, on the object model.
 #include "support/dialog_editor_fixture.h"
+#include "support/recording_view.h"
 
 namespace tarn {
 namespace {
@@ -204,6 +205,26 @@ TEST_F(DialogEvents, ResizingTheWindowSizesTheDialog) {
     resize(30, 13);
     EXPECT_EQ(property(1, "POSITION"), "0 0 220 108");
     EXPECT_FALSE(DIALOGGETMODIFY());
+}
+
+TEST_F(DialogEvents, OtherColoursOfTheDesktopDrawTheDialogAgainAndChangeNothing) {
+    openTwo();
+    auto recording = std::make_unique<platform::RecordingView>();
+    auto& drawn = recording->calls;
+    bool& dark = recording->dark;
+    const auto told = [] { platform::userColours(*platform::findWindow(DialogDlg)); };
+    auto before = platform::useView(std::move(recording));
+    for (const bool now : {true, false}) {
+        dark = now;
+        drawn.clear();
+        told();
+        EXPECT_FALSE(drawn.empty()) << now;
+        drawn.clear();
+        told();
+        EXPECT_TRUE(drawn.empty()) << "they are the ones it has";
+    }
+    EXPECT_FALSE(DIALOGGETMODIFY());
+    platform::useView(std::move(before));
 }
 
 TEST_F(DialogEvents, F2AndReturnEditTheSelection) {
