@@ -8,11 +8,11 @@
 #include "ide/shell/windows.h"
 #include "os/process.h"
 
-#include <QContextMenuEvent>
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeySequence>
 #include <QMouseEvent>
 #include <QTest>
@@ -249,7 +249,8 @@ private:
             const QPoint at = widget.mapToGlobal(place);
             return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
                                 std::to_string(at.y()) + " click --repeat " +
-                                std::to_string(std::max(clicks, 1)) + " --delay 40 " + (clicks > 0 ? "1" : "3"))
+                                std::to_string(std::max(clicks, 1)) + " --delay 40 " +
+                                (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
         }
         if (clicks == 0) return rightClick(widget, place);
@@ -267,8 +268,9 @@ private:
 
     static std::string xName(std::string name) {
         const std::pair<std::string, std::string> names[] = {
-            {"Ctrl+", "ctrl+"},   {"Alt+", "alt+"},  {"Shift+", "shift+"}, {"Esc", "Escape"},
-            {"Return", "Return"}, {"Del", "Delete"}, {"Space", "space"}};
+            {"Ctrl+", "ctrl+"}, {"Alt+", "alt+"},     {"Shift+", "shift+"},
+            {"Esc", "Escape"},  {"Return", "Return"}, {"Del", "Delete"},
+            {"Space", "space"}, {"++", "+plus"},      {"+-", "+minus"}};
         for (const auto& [from, to] : names) {
             const std::size_t at = name.find(from);
             if (at != std::string::npos) name.replace(at, from.size(), to);

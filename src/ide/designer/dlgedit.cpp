@@ -7,10 +7,12 @@
 
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/dlgzoom.h"
 #include "ide/designer/drawing.h"
 #include "ide/designer/geometry.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/statusline.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
@@ -63,6 +65,7 @@ void DIALOGSETMODIFY(bool changed) {
     if (!IsLoaded(DialogDlg)) return;
     STAMP();
     SETCHANGEDFLAG(DialogDlg, DESIGNCONTROL("changedflag"), changed);
+    if (changed) TELLSTATUS("");  // what it told of the last save
 }
 
 // ---- the picture ----
@@ -148,6 +151,7 @@ void loadEditor(const DialogOpening& opening) {
     Load(DialogDlg);
     STAMP();
     SetCaption(DialogDlg, opening.caption);
+    DIALOGSETZOOM(100);
     DIALOGSETMODIFY(false);
     const std::pair<std::string_view, std::string> labels[] = {
         {"marginstr", "10 10 10 10"},
@@ -206,19 +210,6 @@ bool fillMenu(const DialogOpening& opening, const std::string& menu) {
     return answer == "&Yes";
 }
 
-void limitSize(const std::string& dialog) {
-    FRAME(LIMITSIZE);
-    constexpr int least = 12;
-    const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
-    const int frame = 2 * GETBORDERHEIGHT(DialogDlg, GETPROPINT(dialog, "BORDERSTYLE"));
-    const int across = margin.left + margin.right, down = margin.top + margin.bottom;
-    STAMP();
-    SetMinPosition(DialogDlg, Rect{0, 0, across + least, down + least});
-    SetMaxPosition(DialogDlg, Rect{0, 0, frame + across + GetPageWidth(Sysscreen),
-                                   frame + down + GetPageHeight(Sysscreen)});
-    STAMP();
-}
-
 }  // namespace
 
 void DIALOGOPEN(const DialogOpening& opening) {
@@ -249,7 +240,7 @@ void DIALOGOPEN(const DialogOpening& opening) {
         return;
     }
     NOTEDIALOGSEEN(opening.file, opening.dialog);
-    limitSize(objects[0]);
+    LIMITDESIGNSIZE(objects[0]);
     if ((opening.flags & OPEN_AS_CHANGED) != 0) DIALOGSETMODIFY(true);
     STAMP();
     DIALOGREDRAW();

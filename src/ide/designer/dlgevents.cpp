@@ -6,6 +6,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/dlgzoom.h"
 #include "ide/designer/geometry.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -19,6 +20,7 @@ namespace {
 
 // Keys beside those that have a name for all windows. What is pressed with Ctrl or Shift comes with these bits.
 constexpr int Tab = 9, F6 = 117, Ctrl = 0x1000, Shift = 0x2000;
+constexpr int Zero = 48, Plus = 187, Minus = 189;
 
 Object datalist() {
     return DESIGNCONTROL("datalist");
@@ -136,6 +138,10 @@ constexpr KeyRow keys[] = {
     {Tab, [] { stepSelection(1); }},
     {Shift + Tab, [] { stepSelection(-1); }},
     {F6, showToolbox},
+    {Ctrl + Plus, [] { DIALOGZOOM(1); }},
+    {Ctrl + Shift + Plus, [] { DIALOGZOOM(1); }},  // where Plus stands above another sign
+    {Ctrl + Minus, [] { DIALOGZOOM(-1); }},
+    {Ctrl + Zero, [] { DIALOGZOOM(0); }},
 };
 
 bool keyPressed(int key) {
@@ -174,7 +180,7 @@ void track(int index) {
     start.x += corner.x;
     start.y += corner.y;
     STAMP();
-    Rect now = TrackRect(DialogDlg, TRACK_MOVE, {4, 12, 12, 1},
+    Rect now = TrackRect(DialogDlg, TRACK_MOVE, {HANDLEPIXELS(DialogDlg), 12, 12, 1},
                          {corner.x, corner.y, frame.client.w, frame.client.h}, start);
     STAMP();
     if (!IsLoaded(DialogDlg)) return;
@@ -224,10 +230,11 @@ void place() {
     SetPosition(DialogDlg, WINDOW_UNIT, Rect{screen.x + gap + toolbox, main.y + main.h + gap, own.w, own.h});
 }
 
-// A dialog that is larger than the window may become stays so.
+// A dialog that is drawn in a window of that size, or is larger than the window may become, stays as it is.
 int sizeFrom(int client, int offsets, int most, int before) {
-    const bool cut = most > 0 && client >= most && before + offsets > most;
-    return cut ? before : std::max(client - offsets, 0);
+    const int drawn = ZOOMEDPIXELS(DialogDlg, before + offsets);
+    const bool cut = most > 0 && client >= most && drawn > most;
+    return cut || client == drawn ? before : std::max(UNZOOMEDPIXELS(DialogDlg, client) - offsets, 0);
 }
 
 void resized() {

@@ -2,6 +2,7 @@
 #include "ide/designer/drawing.h"
 
 #include "ide/designer/dlgdraw.h"
+#include "ide/designer/dlgzoom.h"
 #include "library/designer/proputil.h"
 #include "library/system/strings.h"
 
@@ -54,8 +55,8 @@ void setFrameFont(const Object& window) {
 void fitWindow(const Painting& p) {
     const Rect now = GetPosition(p.window, CLIENT_UNIT);
     const Margin& margin = p.picture.margin;
-    const int w = margin.left + p.rects.frame.w + margin.right,
-              h = margin.top + p.rects.frame.h + margin.bottom;
+    const int w = ZOOMEDPIXELS(p.window, margin.left + p.rects.frame.w + margin.right),
+              h = ZOOMEDPIXELS(p.window, margin.top + p.rects.frame.h + margin.bottom);
     if (now.w != w || now.h != h) SetPosition(p.window, CLIENT_UNIT, {now.x, now.y, w, h});
 }
 
@@ -100,7 +101,7 @@ void drawSelection(const Painting& p) {
     if (index < 2 || static_cast<std::size_t>(index) > p.picture.dialog.size()) return;
     const std::string& control = p.picture.dialog[static_cast<std::size_t>(index) - 1];
     if (!control.empty())
-        DRAWHANDLERECT(p.window, placeOf(p, control), HANDLE_SIZE, p.colours.selection, NO_COLOUR);
+        DRAWHANDLERECT(p.window, placeOf(p, control), HANDLEPIXELS(p.window), p.colours.selection, NO_COLOUR);
 }
 
 // From the right: close, maximise, minimise. The caption has what is left.
@@ -155,7 +156,8 @@ void drawMenuBar(const Painting& p) {
     SetBackColour(p.window, NO_COLOUR);
     DRAWCONTROLTEXT(p.window, {bar.x + TextInset, bar.y, bar.w - 2 * TextInset, bar.h},
                     menuText(p.picture.menu), 0);
-    if (p.picture.selection == -1) DRAWHANDLERECT(p.window, bar, HANDLE_SIZE, p.colours.selection, NO_COLOUR);
+    if (p.picture.selection == -1)
+        DRAWHANDLERECT(p.window, bar, HANDLEPIXELS(p.window), p.colours.selection, NO_COLOUR);
 }
 
 void drawFrame(const Painting& p) {

@@ -156,7 +156,8 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
 QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font,
                        const PixelGrid& grid) {
     static QCache<QByteArray, QPixmap> known(Kept);
-    const QSize size = asked.boundedTo({LargestSide, LargestSide});
+    const int most = static_cast<int>(LargestSide / std::max(grid.ratio, 1.0));
+    const QSize size = asked.boundedTo({most, most});
     const QByteArray look = lookOf(properties, size, font, grid);
     if (const QPixmap* const kept = known.object(look); kept != nullptr) return *kept;
     const std::unique_ptr<Control> control = makeLoose(properties);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/input/tracker.h"
 
+#include "platform/model/drawscale.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
@@ -44,9 +46,9 @@ QLabel* makeLabel(QWidget& client) {
 
 }  // namespace
 
-Tracker::Tracker(QWidget& client, const Track& track)
+Tracker::Tracker(QWidget& client, const Track& track, int scale)
     : client_(&client), band_(new QRubberBand(QRubberBand::Rectangle, &client)), label_(makeLabel(client)),
-      track_(track), rect_(track.start) {
+      track_(track), scale_(scale), rect_(track.start) {
     QApplication::setOverrideCursor(cursorOf(track_));
     qApp->installEventFilter(this);
 }
@@ -61,17 +63,19 @@ Tracker::~Tracker() {
 void Tracker::follow(QPoint global) {
     if (client_.isNull()) return;
     const QPoint at = client_->mapFromGlobal(global);
-    const QPoint way = at - QPoint(track_.pressed.x, track_.pressed.y);
+    const Point place = onDrawing({at.x(), at.y()}, scale_);
+    const QPoint way = QPoint(place.x - track_.pressed.x, place.y - track_.pressed.y) * scale_ / 100;
     if (!moved_ && track_.mode == TRACK_MOVE && way.manhattanLength() < ClickSlack) return;
     moved_ = true;
-    rect_ = tracked(track_, {at.x(), at.y()});
+    rect_ = tracked(track_, place);
     showAt(at);
 }
 
 // The label stands where it covers neither the pointer nor the edge of the window.
 void Tracker::showAt(QPoint pointer) {
     if (band_.isNull() || label_.isNull()) return;
-    band_->setGeometry(rect_.x, rect_.y, rect_.w, rect_.h);
+    const Rect band = onClient(rect_, scale_);
+    band_->setGeometry(band.x, band.y, band.w, band.h);
     band_->show();
     label_->setText(QStringLiteral("%1, %2   %3 \u00D7 %4")
                         .arg(rect_.x - track_.bounds.x)

@@ -18,8 +18,9 @@ namespace tarn::platform::qt {
 
 class Tracker : public QObject {
 public:
-    // `client` is the area whose pixels the rectangles count; `pressed` is where the button went down.
-    Tracker(QWidget& client, const Track& track);
+    // `client` is the area whose pixels the rectangles count, at a scale in per cent; `pressed` is where the button went
+    // down.
+    Tracker(QWidget& client, const Track& track, int scale);
     ~Tracker() override;
     [[nodiscard]] bool done() const { return done_ || client_.isNull() || !client_->isVisible(); }
     [[nodiscard]] Rect result() const { return rect_; }
@@ -36,6 +37,7 @@ private:
     QPointer<QLabel> label_;
     bool moved_ = false;  // farther than a click may
     Track track_;
+    int scale_;
     Rect rect_;
     bool done_ = false;
 };
