@@ -200,9 +200,8 @@ Object itemOf(const std::string& name, const std::string& place) {
 }
 
 // What the user does with windows that take input: while a tool runs, they take none.
-const std::set<std::string> needsRest = {"command", "press", "set",      "click", "mouse",
-                                         "type",    "edit",  "dblclick", "close", "select", "strike",
-                                         "point",   "drag"};
+const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
+                                         "dblclick", "close", "select", "strike", "point", "drag"};
 
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
@@ -260,6 +259,8 @@ namespace {
 
 constexpr int Ctrl = 0x1000, Shift = 0x2000;
 const std::map<std::string, int> struckKeys = {{"Tab", 9},
+                                               {"Ctrl+Plus", Ctrl + 187},
+                                               {"Ctrl+Minus", Ctrl + 189},
                                                {"Shift+Tab", Shift + 9},
                                                {"F2", KEY_F2},
                                                {"F3", KEY_F3},

@@ -20,6 +20,7 @@
 #include <QWheelEvent>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -41,9 +42,11 @@ constexpr int Red = 0x0000FF, Blue = 0xFF0000;
 
 std::vector<int> keys;
 std::optional<Rect> dragged;
+std::function<void()> onPress;
 
 bool listen(const Object& window, int event, const Object&, int parameter) {
     if (event == KEYPRESS_EVENT) keys.push_back(parameter);
+    if (event == MOUSEDOWN_EVENT && onPress) onPress();
     if (event == MOUSEDOWN_EVENT && dragged)
         dragged = TrackRect(window, TRACK_MOVE, {4, 12, 12, 1}, {0, 0, 200, 150}, *dragged).value;
     return event == KEYPRESS_EVENT;
@@ -174,17 +177,21 @@ TEST_F(ZoomTest, ADragIsShownWhereItIsSeenAndGivesPixelsOfTheDrawing) {
     dragged = Rect{20, 20, 40, 30};
     QWidget& area = client();
     Rect band;
-    QTimer::singleShot(5, [&] {
-        QMouseEvent move(QEvent::MouseMove, QPoint(100, 80), area.mapToGlobal(QPoint(100, 80)), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&area, &move);
-        const auto* const shown = area.findChild<QRubberBand*>();
-        if (shown != nullptr) band = {shown->x(), shown->y(), shown->width(), shown->height()};
-        QMouseEvent up(QEvent::MouseButtonRelease, QPoint(100, 80), area.mapToGlobal(QPoint(100, 80)),
-                       Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(&area, &up);
-    });
+    const auto send = [&](QEvent::Type type, Qt::MouseButton button) {
+        const QPoint to(100, 80);
+        QMouseEvent event(type, to, area.mapToGlobal(to), button, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&area, &event);
+    };
+    onPress = [&] {
+        QTimer::singleShot(1, [&] {
+            send(QEvent::MouseMove, Qt::NoButton);
+            const auto* const shown = area.findChild<QRubberBand*>();
+            if (shown != nullptr) band = {shown->x(), shown->y(), shown->width(), shown->height()};
+            send(QEvent::MouseButtonRelease, Qt::LeftButton);
+        });
+    };
     QTest::mousePress(&area, Qt::LeftButton, {}, QPoint(80, 70));
+    onPress = nullptr;
     QTest::mouseRelease(&area, Qt::LeftButton, {}, QPoint(100, 80));
     EXPECT_EQ(*dragged, (Rect{30, 25, 40, 30}));
     EXPECT_EQ(band, (Rect{60, 50, 80, 60}));

@@ -245,6 +245,7 @@ void resized() {
     STAMP();
     const Rect offsets = CALCOFFSETS(DialogDlg, list, frameMode(), margin());
     const Rect window = GetPosition(DialogDlg, CLIENT_UNIT), most = GetMaxPosition(DialogDlg);
+    if (ISGIVENSIZE(window)) return;
     const UnitRect before = GETPROPPOSITION(list);
     Rect pixels = RCUNITSTOPIXELS(DialogDlg, before);
     const Rect old = pixels;

@@ -9,9 +9,13 @@
 #include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
+#include "os/clock.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
+#include <utility>
+#include <vector>
 
 MODULE("dlgedit")
 
@@ -36,7 +40,35 @@ std::string captionAt(std::string caption, int before, int now) {
     return caption + std::string(marked ? mark : "");
 }
 
+// The window system tells of a new size in its own time, when there may be another zoom already; that is no size that the
+// user has given the window.
+struct GivenSizes {
+    std::vector<std::pair<int, int>> sizes;
+    std::int64_t until = 0;  // of the clock
+};
+GivenSizes& given() {
+    static GivenSizes last;
+    return last;
+}
+
+void noteSize() {
+    constexpr std::int64_t wait = 1'000'000'000;  // nanoseconds
+    GivenSizes& last = given();
+    const std::int64_t now = os::clock().now();
+    if (now >= last.until) last.sizes.clear();
+    const Rect client = GetPosition(DialogDlg, CLIENT_UNIT);
+    last.sizes.emplace_back(client.w, client.h);
+    last.until = now + wait;
+}
+
 }  // namespace
+
+bool ISGIVENSIZE(const Rect& client) {
+    const GivenSizes& last = given();
+    const std::pair size(client.w, client.h);
+    return os::clock().now() < last.until &&
+           std::find(last.sizes.begin(), last.sizes.end(), size) != last.sizes.end();
+}
 
 int DIALOGGETZOOM() {
     FRAME(DIALOGGETZOOM);
@@ -67,10 +99,12 @@ void DIALOGZOOM(int step) {
     const int now = step == 0 ? Whole : steps[next];
     STAMP();
     if (now == before) return step == 0 ? void() : Sound();
+    noteSize();
     DIALOGSETZOOM(now);
     LIMITDESIGNSIZE(DESIGNITEM(1));
     STAMP();
     DIALOGREDRAW();
+    noteSize();
     STAMP();
 }
 

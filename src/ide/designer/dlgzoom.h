@@ -22,6 +22,9 @@ void DIALOGZOOM(int step);
 // How small and how large the user can make the editor's window, by the property list of the dialog.
 void LIMITDESIGNSIZE(const std::string& dialog);
 
+// Whether a zoom of the last second has given the window that size, so that it is not the user's.
+bool ISGIVENSIZE(const Rect& client);
+
 // The pixels on the screen that so many of the drawing take, and how many of the drawing find room in so many there.
 int ZOOMEDPIXELS(const Object& window, int pixels);
 int UNZOOMEDPIXELS(const Object& window, int pixels);

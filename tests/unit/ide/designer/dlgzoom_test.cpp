@@ -5,6 +5,7 @@
 
 #include "ide/menus/viewmenu.h"
 #include "kernel/windows/drawscale.h"
+#include "os/clock.h"
 #include "support/dialog_editor_fixture.h"
 
 namespace tarn {
@@ -124,6 +125,22 @@ TEST_F(DialogZoom, SizingTheWindowSizesTheDialogByWhatIsSeen) {
         EXPECT_EQ(property(1, "POSITION"), row.size) << row.zoom;
         DIALOGSETMODIFY(false);
     }
+}
+
+TEST_F(DialogZoom, ASizeThatComesLateIsNotTheUsers) {
+    openOne();
+    const Rect first = GetPosition(DialogDlg, WINDOW_UNIT);
+    DIALOGZOOM(1);
+    const Rect second = GetPosition(DialogDlg, WINDOW_UNIT);
+    DIALOGZOOM(1);
+    for (const Rect& late : {first, second}) {
+        platform::userMoved(*platform::findWindow(DialogDlg), late, 0);
+        EXPECT_EQ(property(1, "POSITION"), "0 0 200 100");
+        EXPECT_FALSE(DIALOGGETMODIFY());
+    }
+    os::clock().sleep(1'100'000'000);
+    platform::userMoved(*platform::findWindow(DialogDlg), first, 0);
+    EXPECT_TRUE(DIALOGGETMODIFY()) << "later on it is";
 }
 
 TEST_F(DialogZoom, WithoutTheLinkTheWindowStays) {
