@@ -135,6 +135,9 @@ TEST_F(ZoomTest, ControlsAreDrawnAtTheScaleAndNotBlownUp) {
             for (int x = 0; x < a.width(); ++x) sum += std::abs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y)));
         return sum / (a.width() * a.height());
     };
+    // Smaller, too, the whole control is there.
+    const QImage half = drawn(50, draw).copy(QRect(part.topLeft() / 2, part.size() / 2));
+    EXPECT_LT(difference(once.scaled(half.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation), half), 20);
     EXPECT_NE(twice, blown) << "the same pixels, only larger";
     EXPECT_LT(difference(once, reduced), 12) << "the same button";
     // Blown up, each two by two pixels are one colour.
