@@ -200,8 +200,9 @@ Object itemOf(const std::string& name, const std::string& place) {
 }
 
 // What the user does with windows that take input: while a tool runs, they take none.
-const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
-                                         "dblclick", "close", "select", "strike", "point", "drag"};
+const std::set<std::string> needsRest = {"command", "press", "set",      "click", "mouse",
+                                         "type",    "edit",  "dblclick", "close", "select", "strike",
+                                         "point",   "drag"};
 
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));

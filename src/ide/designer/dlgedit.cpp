@@ -150,8 +150,8 @@ void loadEditor(const DialogOpening& opening) {
     STAMP();
     Load(DialogDlg);
     STAMP();
-    SetCaption(DialogDlg, opening.caption);
     DIALOGSETZOOM(100);
+    SetCaption(DialogDlg, opening.caption);
     DIALOGSETMODIFY(false);
     const std::pair<std::string_view, std::string> labels[] = {
         {"marginstr", "10 10 10 10"},
