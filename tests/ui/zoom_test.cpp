@@ -137,7 +137,8 @@ TEST_F(ZoomTest, ControlsAreDrawnAtTheScaleAndNotBlownUp) {
     };
     // Smaller, too, the whole control is there.
     const QImage half = drawn(50, draw).copy(QRect(part.topLeft() / 2, part.size() / 2));
-    EXPECT_LT(difference(once.scaled(half.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation), half), 20);
+    EXPECT_LT(difference(once.scaled(half.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation), half),
+              20);
     EXPECT_NE(twice, blown) << "the same pixels, only larger";
     EXPECT_LT(difference(once, reduced), 12) << "the same button";
     // Blown up, each two by two pixels are one colour.
