@@ -2,9 +2,14 @@
 #include "ide/designer/dlgstep.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
+#include "ide/designer/dlglock.h"
+#include "ide/designer/dlgmenu.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
+
+#include <algorithm>
 
 MODULE("dlgedit")
 
@@ -26,6 +31,29 @@ void SETDESIGNTEXT(std::string_view label, std::string_view text) {
     if (!IsLoaded(DialogDlg)) return;
     STAMP();
     SetCaption(DESIGNCONTROL(label), text);
+}
+
+std::vector<int> DESIGNNUMBERS(std::string_view label) {
+    FRAME(DESIGNNUMBERS);
+    STAMP();
+    const std::string text = DESIGNTEXT(label);
+    std::vector<int> numbers;
+    for (std::size_t at = 1; at <= text.size();) {
+        const std::size_t before = at;
+        const int number = GETINT(text, at);
+        if (at == before) break;
+        numbers.push_back(number);
+    }
+    return numbers;
+}
+
+void SETDESIGNNUMBERS(std::string_view label, const std::vector<int>& numbers) {
+    FRAME(SETDESIGNNUMBERS);
+    STAMP();
+    std::string text;
+    for (const int number : numbers) text += (text.empty() ? "" : " ") + STR(number);
+    SETDESIGNTEXT(label, text);
+    STAMP();
 }
 
 std::string DESIGNITEM(int index) {
@@ -66,7 +94,10 @@ DesignLists DESIGNLISTS() {
     FRAME(DESIGNLISTS);
     if (!IsLoaded(DialogDlg)) return {};
     STAMP();
-    return {itemsOf(DESIGNCONTROL("datalist")), itemsOf(DESIGNCONTROL("menulist")), SELECTEDOBJECT()};
+    std::vector<int> others = SELECTEDOBJECTS();
+    if (!others.empty()) others.erase(others.begin());
+    STAMP();
+    return {itemsOf(DESIGNCONTROL("datalist")), itemsOf(DESIGNCONTROL("menulist")), SELECTEDOBJECT(), others};
 }
 
 bool DESIGNSTEP(const std::function<void()>& action) {
@@ -74,14 +105,26 @@ bool DESIGNSTEP(const std::function<void()>& action) {
     if (!IsLoaded(DialogDlg)) return false;
     STAMP();
     const DesignLists before = DESIGNLISTS();
+    const int dialog = DIALOGHISTORYNUMBER();
     ++stepDepth;
     action();
     --stepDepth;
     STAMP();
-    if (!IsLoaded(DialogDlg) || sameContent(before, DESIGNLISTS())) return false;
-    if (stepDepth == 0) DIALOGSETMODIFY(true);
+    if (!IsLoaded(DialogDlg) || dialog != DIALOGHISTORYNUMBER()) return false;
+    const DesignLists after = DESIGNLISTS();
+    if (sameContent(before, after)) return false;
+    STAMP();
+    if (stepDepth == 0) {
+        CARRYLOCKS(before, after);
+        DIALOGSETMODIFY(true);
+        NOTEDESIGNSTEP(before, after);
+    }
     STAMP();
     return true;
+}
+
+bool INDESIGNSTEP() {
+    return stepDepth > 0;
 }
 
 // ---- the selection ----
@@ -100,13 +143,60 @@ std::string OBJECTTITLE(int index) {
     return list.empty() ? "" : GETPROPVALUE(list, "NAME") + ":" + GETPROPVALUE(list, "TYPEOF");
 }
 
-void SELECTOBJECT(int index) {
-    FRAME(SELECTOBJECT);
+namespace {
+
+bool isControl(int index) {
+    return index > 1 && index <= GetListCount(DESIGNCONTROL("datalist"));
+}
+
+void addOnce(std::vector<int>& indexes, int index) {
+    if (std::find(indexes.begin(), indexes.end(), index) == indexes.end()) indexes.push_back(index);
+}
+
+std::string hintFor(const std::vector<int>& selected) {
+    if (selected.empty()) return {};
+    const std::string title = OBJECTTITLE(selected[0]);
+    if (title.empty()) return {};
+    const std::string hint = "Selected: " + STRREPLACE(title, ":", ", ");
+    return selected.size() == 1 ? hint
+                                : hint + ", and " + STR(static_cast<int>(selected.size()) - 1) + " more";
+}
+
+}  // namespace
+
+std::vector<int> SELECTEDOBJECTS() {
+    FRAME(SELECTEDOBJECTS);
+    const int first = SELECTEDOBJECT();
+    STAMP();
+    if (first == 0) return {};
+    std::vector<int> selected = {first};
+    if (!isControl(first)) return selected;
+    for (const int index : DESIGNNUMBERS("hilites"))
+        if (isControl(index)) addOnce(selected, index);
+    STAMP();
+    return selected;
+}
+
+void SELECTOBJECTS(const std::vector<int>& indexes) {
+    FRAME(SELECTOBJECTS);
     if (!IsLoaded(DialogDlg)) return;
     STAMP();
-    SETDESIGNTEXT("hilite1", STR(index));
-    const std::string title = OBJECTTITLE(index);
-    SetHint(DialogDlg, title.empty() ? "" : "Selected: " + STRREPLACE(title, ":", ", "));
+    std::vector<int> selected;
+    for (const int index : indexes)
+        if (indexes.size() == 1 || isControl(index)) addOnce(selected, index);
+    STAMP();
+    SETDESIGNTEXT("hilite1", STR(selected.empty() ? 0 : selected[0]));
+    if (!selected.empty()) selected.erase(selected.begin());
+    SETDESIGNNUMBERS("hilites", selected);
+    SetHint(DialogDlg, hintFor(SELECTEDOBJECTS()));
+    UPDATEDIALOGMENU();
+    STAMP();
+}
+
+void SELECTOBJECT(int index) {
+    FRAME(SELECTOBJECT);
+    STAMP();
+    SELECTOBJECTS({index});
     STAMP();
 }
 

@@ -22,6 +22,9 @@ inline constexpr const char* DialogEditorTitle = "Dialog Editor";
 Object DESIGNCONTROL(std::string_view name);
 std::string DESIGNTEXT(std::string_view label);
 void SETDESIGNTEXT(std::string_view label, std::string_view text);
+// A label of numbers, parted by blanks; what is no number ends them.
+std::vector<int> DESIGNNUMBERS(std::string_view label);
+void SETDESIGNNUMBERS(std::string_view label, const std::vector<int>& numbers);
 std::string
 DESIGNITEM(int index);  // item n of datalist, or -1 item 1 of menulist, with LF at its end; else empty
 
@@ -31,6 +34,7 @@ void DESIGNHELP(const std::string& helpFile, const std::string& helpKey);
 struct DesignLists {
     std::vector<std::string> dialog, menu;
     int selection = 0;
+    std::vector<int> others;  // that are selected beside it
     friend bool operator==(const DesignLists&, const DesignLists&) = default;
 };
 DesignLists DESIGNLISTS();
@@ -38,9 +42,14 @@ DesignLists DESIGNLISTS();
 // Runs what one action of the user does to the lists. If they differ afterwards the dialog is marked as changed, and
 // the result is true. A step within a step is part of it.
 bool DESIGNSTEP(const std::function<void()>& action);
+bool INDESIGNSTEP();
 
-int SELECTEDOBJECT();                // as hilite1 has it
-void SELECTOBJECT(int index);        // without a redraw; tells screen readers
-std::string OBJECTTITLE(int index);  // "name:type"; empty if there is no such object
+int SELECTEDOBJECT();          // as hilite1 has it
+void SELECTOBJECT(int index);  // and nothing else; without a redraw; tells screen readers
+// All that is selected: first what hilite1 has, then those of hilites, each once and there. Several are controls alone:
+// the dialog, the menu and nothing stand by themselves. Empty if nothing is selected.
+std::vector<int> SELECTEDOBJECTS();
+void SELECTOBJECTS(const std::vector<int>& indexes);  // of several, what is no control is left out
+std::string OBJECTTITLE(int index);                   // "name:type"; empty if there is no such object
 
 }  // namespace tarn

@@ -2,7 +2,9 @@
 #include "ide/menus/editmenu.h"
 
 #include "ide/designer/dlgchanges.h"
+#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/editor/restore.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
@@ -15,6 +17,7 @@ namespace tarn {
 void DO_UNDO_TYPING() {
     FRAME(DO_UNDO_TYPING);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGUNDO();
     if (!CANUNDOTYPING()) return Sound();
     Undo(SDIEdit);
     STAMP();
@@ -23,6 +26,7 @@ void DO_UNDO_TYPING() {
 void DO_REDO_TYPING() {
     FRAME(DO_REDO_TYPING);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGREDO();
     if (!CANREDOTYPING()) return Sound();
     Redo(SDIEdit);
     STAMP();
@@ -48,6 +52,12 @@ void DO_DIALOG_CHANGES() {
     FRAME(DO_DIALOG_CHANGES);
     STAMP();
     SHOWSAVECHANGES();
+}
+
+void DO_DIALOG_DUPLICATE() {
+    FRAME(DO_DIALOG_DUPLICATE);
+    STAMP();
+    DIALOGDUPLICATE();
 }
 
 }  // namespace tarn

@@ -10,6 +10,7 @@
 
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
+#include "ide/designer/dlgmenu.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/changedfile.h"
@@ -355,6 +356,7 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     enable("window_browser", ISSHOWN(BrowseInfoDlg));
     enable("window_error", ISSHOWN(ViewDlg));
     SetEnabled(MAINCONTROL("edit_dialog"), ISSHOWN(DialogDlg));
+    UPDATEDIALOGMENU();
 }
 
 }  // namespace

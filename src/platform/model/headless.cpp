@@ -2,6 +2,7 @@
 //
 // The view without a screen: fixed measures, timers, and loops that let whoever plays the user go on.
 #include "platform/model/drawscale.h"
+#include "platform/model/guides.h"
 #include "platform/model/state.h"
 
 #include "os/clock.h"
@@ -107,7 +108,7 @@ public:
         if (!drag) return track.start;
         const int scale = drawScale(window);
         track.pressed = onDrawing(drag->first, scale);
-        return tracked(track, onDrawing(drag->second, scale));
+        return tracked(track, onDrawing(drag->second, scale), dragGuides());
     }
     Picture measured(std::string_view) override { return {}; }
     std::string encoded(const std::string&, const std::string&) override { return {}; }

@@ -50,7 +50,7 @@ Rect QtView::track(Window& window, Track track) {
     const QPoint at = frame->client().mapFromGlobal(lastPress());
     const int scale = drawScale(window);
     track.pressed = onDrawing({at.x(), at.y()}, scale);
-    Tracker tracker(frame->client(), track, scale);
+    Tracker tracker(frame->client(), track, dragGuides(), scale);
     loop([&] { return tracker.done(); });
     return tracker.result();
 }

@@ -10,6 +10,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn::platform::qt {
 
@@ -44,11 +45,25 @@ QLabel* makeLabel(QWidget& client) {
     return label;
 }
 
+QFrame* makeGuide(QWidget& client) {
+    auto* const line = new QFrame(&client);
+    line->setObjectName(QStringLiteral("guide"));
+    line->setAttribute(Qt::WA_TransparentForMouseEvents);
+    line->setAutoFillBackground(true);
+    QPalette palette = line->palette();
+    palette.setColor(QPalette::Window, palette.color(QPalette::Highlight));
+    line->setPalette(palette);
+    return line;
+}
+
 }  // namespace
 
-Tracker::Tracker(QWidget& client, const Track& track, int scale)
+Tracker::Tracker(QWidget& client, const Track& track, DragGuides guides, int scale)
     : client_(&client), band_(new QRubberBand(QRubberBand::Rectangle, &client)), label_(makeLabel(client)),
-      track_(track), scale_(scale), rect_(track.start) {
+      guideX_(makeGuide(client)), guideY_(makeGuide(client)), track_(track), guides_(std::move(guides)),
+      scale_(scale), rect_(track.start) {
+    for (std::size_t i = 0; i < guides_.along.size(); ++i)
+        along_.emplace_back(new QRubberBand(QRubberBand::Rectangle, &client));
     QApplication::setOverrideCursor(cursorOf(track_));
     qApp->installEventFilter(this);
 }
@@ -58,17 +73,44 @@ Tracker::~Tracker() {
     QApplication::restoreOverrideCursor();
     delete band_.data();
     delete label_.data();
+    delete guideX_.data();
+    delete guideY_.data();
+    for (const auto& band : along_) delete band.data();
 }
 
-void Tracker::follow(QPoint global) {
+void Tracker::follow(const QMouseEvent& event) {
     if (client_.isNull()) return;
-    const QPoint at = client_->mapFromGlobal(global);
+    const bool free = event.modifiers().testFlag(Qt::AltModifier);
+    const QPoint at = client_->mapFromGlobal(event.globalPosition().toPoint());
     const Point place = onDrawing({at.x(), at.y()}, scale_);
     const QPoint way = QPoint(place.x - track_.pressed.x, place.y - track_.pressed.y) * scale_ / 100;
     if (!moved_ && track_.mode == TRACK_MOVE && way.manhattanLength() < ClickSlack) return;
     moved_ = true;
-    rect_ = tracked(track_, place);
+    rect_ = tracked(track_, place, guides_, free);
+    showAlong();
+    showGuides(free);
     showAt(at);
+}
+
+void Tracker::showAlong() {
+    const std::vector<Rect> rects = trackedAlong(track_, rect_, guides_);
+    for (std::size_t i = 0; i < rects.size(); ++i) {
+        if (along_[i].isNull()) continue;
+        const Rect band = onClient(rects[i], scale_);
+        along_[i]->setGeometry(band.x, band.y, band.w, band.h);
+        along_[i]->show();
+    }
+}
+
+void Tracker::showGuides(bool free) {
+    if (guideX_.isNull() || guideY_.isNull()) return;
+    const Rect& area = track_.bounds;
+    const Point at = free ? Point{-1, -1} : guidesAt(rect_, guides_);
+    const Rect x = onClient({at.x, area.y, 1, area.h}, scale_), y = onClient({area.x, at.y, area.w, 1}, scale_);
+    guideX_->setGeometry(x.x, x.y, 1, x.h);
+    guideY_->setGeometry(y.x, y.y, y.w, 1);
+    guideX_->setVisible(at.x >= 0);
+    guideY_->setVisible(at.y >= 0);
 }
 
 // The label stands where it covers neither the pointer nor the edge of the window.
@@ -95,10 +137,10 @@ void Tracker::showAt(QPoint pointer) {
 // All input is the drag's until it ends.
 bool Tracker::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
-    case QEvent::MouseMove: follow(static_cast<QMouseEvent*>(event)->globalPosition().toPoint()); return true;
+    case QEvent::MouseMove: follow(*static_cast<QMouseEvent*>(event)); return true;
     case QEvent::MouseButtonRelease:
         if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-            follow(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+            follow(*static_cast<QMouseEvent*>(event));
             done_ = true;
         }
         return true;
