@@ -4,6 +4,7 @@
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/geometry.h"
 #include "ide/shell/windows.h"
+#include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"
 
 namespace tarn {
@@ -13,9 +14,14 @@ platform::Point middle(const Rect& rect) {
     return {rect.x + rect.w / 2, rect.y + rect.h / 2};
 }
 
-}  // namespace
+// The first pixel of the client area that shows that one of the drawing.
+platform::Point shown(platform::Point drawing) {
+    const int scale = GetDrawScale(DialogDlg);
+    const auto up = [scale](int n) { return n >= 0 ? (n * scale + 99) / 100 : -(-n * scale / 100); };
+    return {up(drawing.x), up(drawing.y)};
+}
 
-bool designPoint(const std::string& name, bool corner, platform::Point& point) {
+bool drawnPoint(const std::string& name, bool corner, platform::Point& point) {
     const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
     const FrameRects rects = CALCOFFSETS(DialogDlg, DESIGNITEM(1), FULL_FRAME);
     const auto inWindow = [&](Rect rect) {
@@ -34,9 +40,17 @@ bool designPoint(const std::string& name, bool corner, platform::Point& point) {
     return true;
 }
 
+}  // namespace
+
+bool designPoint(const std::string& name, bool corner, platform::Point& point) {
+    if (!drawnPoint(name, corner, point)) return false;
+    point = shown(point);
+    return true;
+}
+
 platform::Point designDistance(int x, int y) {
     const Rect pixels = RCUNITSTOPIXELS(DialogDlg, {x, y, 0, 0});
-    return {pixels.x, pixels.y};
+    return shown({pixels.x, pixels.y});
 }
 
 }  // namespace tarn

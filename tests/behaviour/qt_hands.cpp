@@ -276,8 +276,9 @@ private:
 
     static std::string xName(std::string name) {
         const std::pair<std::string, std::string> names[] = {
-            {"Ctrl+", "ctrl+"},   {"Alt+", "alt+"},  {"Shift+", "shift+"}, {"Esc", "Escape"},
-            {"Return", "Return"}, {"Del", "Delete"}, {"Space", "space"}};
+            {"Ctrl+", "ctrl+"}, {"Alt+", "alt+"},     {"Shift+", "shift+"},
+            {"Esc", "Escape"},  {"Return", "Return"}, {"Del", "Delete"},
+            {"Space", "space"}, {"++", "+plus"},      {"+-", "+minus"}};
         for (const auto& [from, to] : names) {
             const std::size_t at = name.find(from);
             if (at != std::string::npos) name.replace(at, from.size(), to);

@@ -259,6 +259,8 @@ namespace {
 
 constexpr int Ctrl = 0x1000, Shift = 0x2000;
 const std::map<std::string, int> struckKeys = {{"Tab", 9},
+                                               {"Ctrl+Plus", Ctrl + 187},
+                                               {"Ctrl+Minus", Ctrl + 189},
                                                {"Shift+Tab", Shift + 9},
                                                {"F2", KEY_F2},
                                                {"F3", KEY_F3},

@@ -3,6 +3,7 @@
 // Designs on real widgets: what the design of a dialog shows, held against its running window, control by control.
 #include "ide/designer/drawing.h"
 #include "kernel/run/errors.h"
+#include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"
 #include "os/files.h"
 #include "platform/model/model.h"
@@ -303,6 +304,35 @@ TEST_F(DesignTest, EachControlLooksAsInTheRunningWindow) {
         Unload(All);
         Unload(Design);
         settle();
+    }
+}
+
+// How far two pictures are apart on the mean, of 255.
+double distance(const QImage& a, const QImage& b) {
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) sum += std::abs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y)));
+    return sum / (double(a.width()) * a.height());
+}
+
+TEST_F(DesignTest, AtEachZoomItIsTheSamePictureInAnotherSize) {
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(dark ? darkPalette() : before);
+        open();
+        SetDrawScale(Design, 100);
+        const QImage whole = designed();
+        for (const int zoom : {50, 75, 150, 200, 400}) {
+            SetDrawScale(Design, zoom);
+            const QImage zoomed = designed();
+            EXPECT_NEAR(zoomed.width(), whole.width() * zoom / 100.0, 1) << zoom;
+            EXPECT_NEAR(zoomed.height(), whole.height() * zoom / 100.0, 1) << zoom;
+            const QSize least = zoomed.size().boundedTo(whole.size());
+            const auto reduced = [&](const QImage& image) {
+                return image.scaled(least, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            };
+            EXPECT_LT(distance(reduced(zoomed), reduced(whole)), 6) << zoom << (dark ? " dark" : "");
+        }
+        Unload(Design);
     }
 }
 

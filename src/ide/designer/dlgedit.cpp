@@ -10,10 +10,12 @@
 #include "ide/designer/dlglock.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/dlgtab.h"
+#include "ide/designer/dlgzoom.h"
 #include "ide/designer/drawing.h"
 #include "ide/designer/geometry.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/statusline.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
@@ -66,6 +68,7 @@ void DIALOGSETMODIFY(bool changed) {
     if (!IsLoaded(DialogDlg)) return;
     STAMP();
     SETCHANGEDFLAG(DialogDlg, DESIGNCONTROL("changedflag"), changed);
+    if (changed) TELLSTATUS("");  // what it told of the last save
 }
 
 // ---- the picture ----
@@ -154,6 +157,7 @@ void loadEditor(const DialogOpening& opening) {
     STAMP();
     Load(DialogDlg);
     STAMP();
+    DIALOGSETZOOM(100);
     SetCaption(DialogDlg, opening.caption);
     DIALOGSETMODIFY(false);
     const std::pair<std::string_view, std::string> labels[] = {
@@ -215,19 +219,6 @@ bool fillMenu(const DialogOpening& opening, const std::string& menu) {
     return answer == "&Yes";
 }
 
-void limitSize(const std::string& dialog) {
-    FRAME(LIMITSIZE);
-    constexpr int least = 12;
-    const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
-    const int frame = 2 * GETBORDERHEIGHT(DialogDlg, GETPROPINT(dialog, "BORDERSTYLE"));
-    const int across = margin.left + margin.right, down = margin.top + margin.bottom;
-    STAMP();
-    SetMinPosition(DialogDlg, Rect{0, 0, across + least, down + least});
-    SetMaxPosition(DialogDlg, Rect{0, 0, frame + across + GetPageWidth(Sysscreen),
-                                   frame + down + GetPageHeight(Sysscreen)});
-    STAMP();
-}
-
 }  // namespace
 
 void DIALOGOPEN(const DialogOpening& opening) {
@@ -259,7 +250,7 @@ void DIALOGOPEN(const DialogOpening& opening) {
     }
     NOTEDIALOGSEEN(opening.file, opening.dialog);
     DIALOGHISTORYSTART((opening.flags & OPEN_AS_CHANGED) == 0);
-    limitSize(objects[0]);
+    LIMITDESIGNSIZE(objects[0]);
     if ((opening.flags & OPEN_AS_CHANGED) != 0) DIALOGSETMODIFY(true);
     STAMP();
     DIALOGREDRAW();

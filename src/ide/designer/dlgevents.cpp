@@ -11,6 +11,7 @@
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/dlgtab.h"
+#include "ide/designer/dlgzoom.h"
 #include "ide/designer/geometry.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -28,6 +29,7 @@ namespace {
 
 // Keys beside those that have a name for all windows. What is pressed with Ctrl or Shift comes with these bits.
 constexpr int Tab = 9, F6 = 117, Ctrl = 0x1000, Shift = 0x2000;
+constexpr int Zero = 48, Plus = 187, Minus = 189;
 
 Object datalist() {
     return DESIGNCONTROL("datalist");
@@ -131,6 +133,10 @@ constexpr KeyRow keys[] = {
     {Tab, [] { stepSelection(1); }},
     {Shift + Tab, [] { stepSelection(-1); }},
     {F6, showToolbox},
+    {Ctrl + Plus, [] { DIALOGZOOM(1); }},
+    {Ctrl + Shift + Plus, [] { DIALOGZOOM(1); }},  // where Plus stands above another sign
+    {Ctrl + Minus, [] { DIALOGZOOM(-1); }},
+    {Ctrl + Zero, [] { DIALOGZOOM(0); }},
     // The editing keys of the Edit menu, which other windows than Main get themselves.
     {Ctrl + 'Z', DIALOGUNDO},
     {Ctrl + 'Y', DIALOGREDO},
@@ -191,10 +197,11 @@ void loaded() {
     place();
 }
 
-// A dialog that is larger than the window may become stays so.
+// A dialog that is drawn in a window of that size, or is larger than the window may become, stays as it is.
 int sizeFrom(int client, int offsets, int most, int before) {
-    const bool cut = most > 0 && client >= most && before + offsets > most;
-    return cut ? before : std::max(client - offsets, 0);
+    const int drawn = ZOOMEDPIXELS(DialogDlg, before + offsets);
+    const bool cut = most > 0 && client >= most && drawn > most;
+    return cut || client == drawn ? before : std::max(UNZOOMEDPIXELS(DialogDlg, client) - offsets, 0);
 }
 
 // A window that is drawn on hears of other colours as of another size.
@@ -212,6 +219,7 @@ void resized() {
     STAMP();
     const Rect offsets = CALCOFFSETS(DialogDlg, list, frameMode(), margin());
     const Rect window = GetPosition(DialogDlg, CLIENT_UNIT), most = GetMaxPosition(DialogDlg);
+    if (ISGIVENSIZE(window)) return;
     const UnitRect before = GETPROPPOSITION(list);
     Rect pixels = RCUNITSTOPIXELS(DialogDlg, before);
     const Rect old = pixels;

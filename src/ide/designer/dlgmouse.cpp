@@ -6,6 +6,7 @@
 #include "ide/designer/dlgmany.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/dlgtab.h"
+#include "ide/designer/dlgzoom.h"
 #include "ide/designer/geometry.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -84,7 +85,8 @@ bool track(int index) {
     const Rect client = clientArea();
     const Rect start = pixelsOf(index, client, LETTERSIZE(DialogDlg));
     STAMP();
-    Rect now = TrackRect(DialogDlg, TRACK_MOVE, {4, 12, 12, 1}, client, start, guidesFor(index, client));
+    Rect now = TrackRect(DialogDlg, TRACK_MOVE, {HANDLEPIXELS(DialogDlg), 12, 12, 1}, client, start,
+                         guidesFor(index, client));
     STAMP();
     if (!IsLoaded(DialogDlg) || now == start) return false;
     now.x -= client.x;

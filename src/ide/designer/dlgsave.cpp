@@ -2,6 +2,7 @@
 //
 // Saving a dialog: a row of checks, each of which may end it, then the rename and the write. Whatever ends it leaves the
 // dialog marked as changed.
+#include "ide/designer/dlgchanges.h"
 #include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlgedit.h"
@@ -135,10 +136,14 @@ void DIALOGSAVE() {
     if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
     STAMP();
     Save save{DIALOGGETFILENAME(), DIALOGGETDLGNAME()};
+    const std::string before = FILETEXT(save.file);
+    bool saved = true;
     for (const Step step : steps) {
         STAMP();
-        if (!step(save)) break;
+        saved = saved && step(save);
     }
+    STAMP();
+    if (saved) TELLSAVED(before, save.file);
     STAMP();
 }
 

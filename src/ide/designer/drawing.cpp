@@ -3,6 +3,7 @@
 
 #include "ide/designer/dlgdraw.h"
 #include "ide/designer/dlgmarks.h"
+#include "ide/designer/dlgzoom.h"
 #include "library/designer/proputil.h"
 #include "library/system/strings.h"
 
@@ -56,8 +57,8 @@ void setFrameFont(const Object& window) {
 void fitWindow(const Painting& p) {
     const Rect now = GetPosition(p.window, CLIENT_UNIT);
     const Margin& margin = p.picture.margin;
-    const int w = margin.left + p.rects.frame.w + margin.right,
-              h = margin.top + p.rects.frame.h + margin.bottom;
+    const int w = ZOOMEDPIXELS(p.window, margin.left + p.rects.frame.w + margin.right),
+              h = ZOOMEDPIXELS(p.window, margin.top + p.rects.frame.h + margin.bottom);
     if (now.w != w || now.h != h) SetPosition(p.window, CLIENT_UNIT, {now.x, now.y, w, h});
 }
 
@@ -108,10 +109,10 @@ const std::string* controlOf(const Painting& p, int index) {
 void drawSelection(const Painting& p) {
     for (const int index : p.picture.others)
         if (const std::string* const control = controlOf(p, index); control != nullptr)
-            DRAWHOLLOWHANDLERECT(p.window, placeOf(p, *control), HANDLE_SIZE, p.colours.selection,
+            DRAWHOLLOWHANDLERECT(p.window, placeOf(p, *control), HANDLEPIXELS(p.window), p.colours.selection,
                                  p.colours.hollow);
     if (const std::string* const control = controlOf(p, p.picture.selection); control != nullptr)
-        DRAWHANDLERECT(p.window, placeOf(p, *control), HANDLE_SIZE, p.colours.selection, NO_COLOUR);
+        DRAWHANDLERECT(p.window, placeOf(p, *control), HANDLEPIXELS(p.window), p.colours.selection, NO_COLOUR);
 }
 
 void drawLocks(const Painting& p) {
@@ -188,7 +189,8 @@ void drawMenuBar(const Painting& p) {
     SetBackColour(p.window, NO_COLOUR);
     DRAWCONTROLTEXT(p.window, {bar.x + TextInset, bar.y, bar.w - 2 * TextInset, bar.h},
                     menuText(p.picture.menu), 0);
-    if (p.picture.selection == -1) DRAWHANDLERECT(p.window, bar, HANDLE_SIZE, p.colours.selection, NO_COLOUR);
+    if (p.picture.selection == -1)
+        DRAWHANDLERECT(p.window, bar, HANDLEPIXELS(p.window), p.colours.selection, NO_COLOUR);
 }
 
 void drawFrame(const Painting& p) {

@@ -36,12 +36,12 @@ void deleteLeftOvers(const std::string& folder) {
     }
 }
 
-// An empty file that was not there: two tests at once never get one.
-os::FileError makeEmpty(const std::string& folder, std::string& path) {
+// A file that was not there: two tests at once never get one.
+os::FileError makeNew(const std::string& folder, const std::string& text, std::string& path) {
     os::FileError error = os::FileError::Exists;
     for (int tries = 0; error == os::FileError::Exists && tries < MostTries; ++tries) {
         path = FILETEMPNAME(folder, Stem, Extension);
-        error = os::saveNewFile(path, "", 0600);
+        error = os::saveNewFile(path, text, 0600);
     }
     return error;
 }
@@ -78,18 +78,25 @@ ResourceText RESOURCENAMES(const std::string& file, const std::string& kind) {
     return names;
 }
 
-std::string ScratchFile::make(const std::string& beside, const DialogObjects& objects) {
-    FRAME(ScratchFile::make);
+std::string ScratchFile::makeOf(const std::string& beside, const std::string& text) {
+    FRAME(ScratchFile::makeOf);
     drop();
     STAMP();
     const std::string folder = FILEGETDIR(beside);
     deleteLeftOvers(folder);
     std::string path;
-    const os::FileError error = makeEmpty(folder, path);
-    if (error != os::FileError::None)
-        return "No file can be made in the folder '" + folder + "'. " + std::string(os::describe(error)) +
+    const os::FileError error = makeNew(folder, text, path);
+    if (error == os::FileError::None) path_ = path;
+    return error == os::FileError::None ? "" : std::string(os::describe(error));
+}
+
+std::string ScratchFile::make(const std::string& beside, const DialogObjects& objects) {
+    FRAME(ScratchFile::make);
+    STAMP();
+    const std::string error = makeOf(beside, "");
+    if (!error.empty())
+        return "No file can be made in the folder '" + FILEGETDIR(beside) + "'. " + error +
                "\nA test writes the dialog into a file of its own there, and deletes it afterwards.";
-    path_ = path;
     STAMP();
     return ResourceWrite(objects.dialog, objects.menu, path_);
 }

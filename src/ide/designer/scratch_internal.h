@@ -40,6 +40,8 @@ public:
 
     // Makes the file, and writes the objects into it. An error text, which says so where the folder takes no file.
     std::string make(const std::string& beside, const DialogObjects& objects);
+    // Makes the file with that text. As `make` otherwise.
+    std::string makeOf(const std::string& beside, const std::string& text);
     [[nodiscard]] const std::string& path() const { return path_; }
     // Gives the dialog the name of tests, so that the test window can be loaded from it.
     std::string rename(const std::string& dialog);

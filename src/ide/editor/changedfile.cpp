@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/editor/changedfile.h"
 
-#include "ide/editor/linediff.h"
+#include "ide/editor/difference.h"
 #include "ide/editor/seenfile.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
-#include "ide/shell/windowtable.h"
-#include "library/dialogs/dialogshape.h"
 #include "library/system/system.h"
 #include "os/files.h"
 
@@ -19,32 +17,16 @@ MODULE("textedit", tarn::TEXTEDIT_ONERROR)
 namespace tarn {
 namespace {
 
-// ---- the difference ----
-
-const DialogShape shape = [] {
-    DialogShape difference;
-    difference.cancel = "";
-    difference.showHelp = SHOWWINDOWHELP;
-    difference.load = [](const Object& window) { SetFontName(FINDCONTROL(window, "edit1"), "monospace"); };
-    return difference;
-}();
-const RegisteredWindow registered("DifferenceDlg", DIFFERENCEDLG);
-
 void showDifference(const Object& window, const std::string& file) {
     FRAME(SHOWDIFFERENCE);
-    constexpr int most = 2000;
     std::string onDisk;
     STAMP();
     const bool read = LOADFILE(file, onDisk);
     STAMP();
     if (!read) return;
-    Load(DifferenceDlg);
-    SetCaption(FINDCONTROL(DifferenceDlg, "label1"), file);
-    STAMP();
-    const std::string difference = LINEDIFFERENCE(GetText(window), onDisk, most);
-    SetText(FINDCONTROL(DifferenceDlg, "edit1"), difference.empty() ? "There is none.\n" : difference);
-    STAMP();
-    Show(DifferenceDlg, true);
+    SHOWDIFFERENCE({"File-Show Difference", file,
+                    "&Lines of the window alone (-) and of the file on the disk alone (+):", GetText(window),
+                    onDisk});
     STAMP();
 }
 
@@ -118,12 +100,6 @@ bool somethingIsAsked() {
 }
 
 }  // namespace
-
-bool DIFFERENCEDLG(const Object& window, int event, const Object& control, int parameter) {
-    FRAME(DIFFERENCEDLG);
-    STAMP();
-    return DIALOGSHAPEEVENT(shape, window, event, control, parameter);
-}
 
 void ASKABOUTCHANGEOUTSIDE(const Object& window) {
     FRAME(ASKABOUTCHANGEOUTSIDE);

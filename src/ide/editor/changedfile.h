@@ -11,6 +11,5 @@ namespace tarn {
 // Asks if there is a new change and nothing else is being asked: reload (one step that can be undone), keep, or show
 // the difference. A file that has gone is kept in the window or closed.
 void ASKABOUTCHANGEOUTSIDE(const Object& window);
-bool DIFFERENCEDLG(const Object& window, int event, const Object& control, int parameter);
 
 }  // namespace tarn

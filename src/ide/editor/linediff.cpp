@@ -145,4 +145,21 @@ std::string LINEDIFFERENCE(std::string_view first, std::string_view second, int 
     return out;
 }
 
+int LINESCHANGED(std::string_view first, std::string_view second) {
+    if (first == second) return 0;
+    const Lines a = linesOf(first), b = linesOf(second);
+    int changed = 0, gone = 0, come = 0;  // the last two: since the last common line
+    const auto close = [&] {
+        changed += std::max(gone, come);
+        gone = come = 0;
+    };
+    for (const Row& row : Comparison(a, b).rows()) {
+        if (row.mark == '-') ++gone;
+        if (row.mark == '+') ++come;
+        if (row.mark == ' ') close();
+    }
+    close();
+    return changed;
+}
+
 }  // namespace tarn

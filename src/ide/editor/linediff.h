@@ -14,4 +14,8 @@ namespace tarn {
 // Empty for equal texts. Cut behind `most` lines.
 std::string LINEDIFFERENCE(std::string_view first, std::string_view second, int most);
 
+// How many lines the second text has other than the first: one that is written anew counts once, and so does one that has
+// come or gone.
+int LINESCHANGED(std::string_view first, std::string_view second);
+
 }  // namespace tarn

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editmenu.h"
 
+#include "ide/designer/dlgchanges.h"
 #include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
@@ -45,6 +46,12 @@ void DO_PROPERTIES() {
     if (!DIALOGISINFRONT()) return Sound();
     STAMP();
     DIALOGEDITSELECTED();
+}
+
+void DO_DIALOG_CHANGES() {
+    FRAME(DO_DIALOG_CHANGES);
+    STAMP();
+    SHOWSAVECHANGES();
 }
 
 void DO_DIALOG_DUPLICATE() {

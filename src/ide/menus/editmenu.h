@@ -18,6 +18,8 @@ void DO_UNDO(const std::string& title, const std::string& backupFile, const Obje
 
 // The properties of what is selected in the dialog editor, if the user was there last; else a sound.
 void DO_PROPERTIES();
+// The lines that a save of the open dialog would change.
+void DO_DIALOG_CHANGES();
 // The selected controls of the dialog editor once more.
 void DO_DIALOG_DUPLICATE();
 

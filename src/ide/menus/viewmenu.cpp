@@ -2,9 +2,10 @@
 #include "ide/menus/viewmenu.h"
 
 #include "ide/build/textview.h"
-#include "ide/designer/dlgedit.h"
-#include "ide/designer/toolbox.h"
 #include "ide/build/toolrun.h"
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/dlgzoom.h"
+#include "ide/designer/toolbox.h"
 #include "ide/editor/completion.h"
 #include "ide/editor/declaration.h"
 #include "ide/editor/editlooks.h"
@@ -126,6 +127,7 @@ void DO_TAB_WIDTH(int columns) {
 void DO_ZOOM(int points) {
     FRAME(DO_ZOOM);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGZOOM(points);
     ZOOMBY(SDIEdit, points);
 }
 

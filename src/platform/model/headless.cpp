@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The view without a screen: fixed measures, timers, and loops that let whoever plays the user go on.
+#include "platform/model/drawscale.h"
 #include "platform/model/guides.h"
 #include "platform/model/state.h"
 
@@ -102,11 +103,12 @@ public:
 
     std::unique_ptr<Canvas> canvas(Control&) override { return nullptr; }
     void wipe(Control&) override {}
-    Rect track(Window&, Track track) override {
+    Rect track(Window& window, Track track) override {
         const auto drag = std::exchange(state().drag, std::nullopt);
         if (!drag) return track.start;
-        track.pressed = drag->first;
-        return tracked(track, drag->second, dragGuides());
+        const int scale = drawScale(window);
+        track.pressed = onDrawing(drag->first, scale);
+        return tracked(track, onDrawing(drag->second, scale), dragGuides());
     }
     Picture measured(std::string_view) override { return {}; }
     std::string encoded(const std::string&, const std::string&) override { return {}; }

@@ -162,6 +162,7 @@ void destroy(Window& window) {
     if (windowOfHandle(handle) == nullptr) return;  // gone meanwhile
     view().unload(window);
     s.byHandle.erase(handle);
+    s.drawScales.erase(handle);
     for (const auto* controls : {&window.controls, &window.menuItems})
         for (const auto& control : *controls) s.byHandle.erase(control->handle);
     std::erase(s.activation, handle);

@@ -37,6 +37,7 @@ struct State {
     std::map<int, std::pair<std::string, std::string>>
         elsewhere;                   // class and caption of other copies' windows
     std::map<int, int> results;      // of the windows that are shown modally, by handle
+    std::map<int, int> drawScales;   // per cent, of the windows that have one, by handle
     std::vector<Object> commanding;  // senders of the COMMAND_EVENTs being handled, the innermost last
     HelpViewer helpViewer = nullptr;
     BoxHelp boxHelp = nullptr;

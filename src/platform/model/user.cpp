@@ -2,6 +2,7 @@
 //
 // What the user did, as a view reports it. Each function changes the model and then sends the event; what it
 // was given may be gone when it returns. A window that takes no input hears nothing.
+#include "platform/model/drawscale.h"
 #include "platform/model/state.h"
 
 #include <algorithm>
@@ -16,10 +17,11 @@ bool reachable(const Control& control) {
     return takesInput(windowOf(control)) && control.enabled;
 }
 
-// The low word is x, the high word y; both have a sign.
-int place(int x, int y) {
-    return static_cast<int>((static_cast<unsigned>(y) & 0xffffU) << 16 |
-                            (static_cast<unsigned>(x) & 0xffffU));
+// Of the window's drawing. The low word is x, the high word y; both have a sign.
+int place(const Control& control, int x, int y) {
+    const Point at = onDrawing({x, y}, drawScale(control));
+    return static_cast<int>((static_cast<unsigned>(at.y) & 0xffffU) << 16 |
+                            (static_cast<unsigned>(at.x) & 0xffffU));
 }
 
 bool send(const Control& control, int event, int parameter = 0) {
@@ -75,11 +77,11 @@ void userRow(Control& control, int row) {
 }
 
 bool userMouseDown(Control& control, int x, int y) {
-    return reachable(control) && send(control, MOUSEDOWN_EVENT, place(x, y));
+    return reachable(control) && send(control, MOUSEDOWN_EVENT, place(control, x, y));
 }
 
 void userDoubleClick(Control& control, int x, int y) {
-    if (reachable(control)) send(control, DBLCLICK_EVENT, place(x, y));
+    if (reachable(control)) send(control, DBLCLICK_EVENT, place(control, x, y));
 }
 
 void userDrag(Point pressed, Point released) {
@@ -132,7 +134,8 @@ void userColours(Window& window) {
 }
 
 bool userInfo(Control& control, int x, int y) {
-    return isAlive(control) && takesInput(windowOf(control)) && send(control, INFO_EVENT, place(x, y));
+    return isAlive(control) && takesInput(windowOf(control)) &&
+           send(control, INFO_EVENT, place(control, x, y));
 }
 
 // A handler that asks or waits runs the event loop, and a tick that comes meanwhile is one too many.

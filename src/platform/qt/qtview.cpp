@@ -476,7 +476,7 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
         if (type == QEvent::Close) event->ignore();
         return true;
     }
-    if (hearMouse(*widget, *event)) return true;
+    if (hearMouse(*widget, *event) || hearWheel(*widget, *event)) return true;
     // The focus follows a click in the window system's own time, which may be after the command of a button;
     // the command has to know where its user was.
     if (type == QEvent::MouseButtonPress && over != nullptr) enter(*frameOfWidget(widget));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The view's drawing, dragging, pictures, printing and clipboard.
+#include "platform/model/drawscale.h"
 #include "platform/qt/controls/widgets.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/drawing/printing.h"
@@ -34,7 +35,9 @@ SurfaceWidget* surfaceOf(Control& control) {
 
 std::unique_ptr<Canvas> QtView::canvas(Control& control) {
     SurfaceWidget* const surface = surfaceOf(control);
-    return surface == nullptr ? nullptr : surface->canvas();
+    return surface == nullptr
+               ? nullptr
+               : surface->canvas(platform::isWindowType(control.type) ? drawScale(control) : 100);
 }
 
 void QtView::wipe(Control& control) {
@@ -45,8 +48,9 @@ Rect QtView::track(Window& window, Track track) {
     Frame* const frame = frameOf(window);
     if (frame == nullptr || !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) return track.start;
     const QPoint at = frame->client().mapFromGlobal(lastPress());
-    track.pressed = {at.x(), at.y()};
-    Tracker tracker(frame->client(), track, dragGuides());
+    const int scale = drawScale(window);
+    track.pressed = onDrawing({at.x(), at.y()}, scale);
+    Tracker tracker(frame->client(), track, dragGuides(), scale);
     loop([&] { return tracker.done(); });
     return tracker.result();
 }

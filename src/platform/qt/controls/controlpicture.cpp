@@ -134,11 +134,13 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
     QWidget& widget = *owned;
     QPixmap picture(qCeil(size.width() * grid.ratio + grid.offset.x()),
                     qCeil(size.height() * grid.ratio + grid.offset.y()));
-    picture.setDevicePixelRatio(grid.ratio);
+    const qreal ratio = std::max(grid.ratio, 1.0);  // the toolkit knows of no smaller one
+    picture.setDevicePixelRatio(ratio);
     picture.fill(Qt::transparent);
     {
         QPainter painter(&picture);
-        painter.translate(grid.offset / grid.ratio);
+        painter.translate(grid.offset / ratio);
+        painter.scale(grid.ratio / ratio, grid.ratio / ratio);
         if (!control.visible) painter.setOpacity(Faint);
         if (hasLine(properties, "GROUND=")) painter.fillRect(widget.rect(), holder().palette().window());
         widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
@@ -156,7 +158,8 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
 QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font,
                        const PixelGrid& grid) {
     static QCache<QByteArray, QPixmap> known(Kept);
-    const QSize size = asked.boundedTo({LargestSide, LargestSide});
+    const int most = static_cast<int>(LargestSide / std::max(grid.ratio, 1.0));
+    const QSize size = asked.boundedTo({most, most});
     const QByteArray look = lookOf(properties, size, font, grid);
     if (const QPixmap* const kept = known.object(look); kept != nullptr) return *kept;
     const std::unique_ptr<Control> control = makeLoose(properties);

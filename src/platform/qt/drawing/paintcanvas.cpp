@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/drawing/paintcanvas.h"
 
+#include "platform/model/drawscale.h"
 #include "platform/qt/controls/controlpicture.h"
 #include "platform/qt/controls/widgets.h"
 #include "platform/qt/drawing/pictures.h"
@@ -83,25 +84,35 @@ void paintBorder(QPainter& painter, const QRect& rect, const QPalette& palette, 
     if (border == 2) qDrawShadePanel(&painter, rect, palette, true, 1);
 }
 
+QRect PaintCanvas::placed(const Rect& rect) const {
+    const Rect r = onClient(rect, scale_);
+    return {r.x, r.y, r.w, r.h};
+}
+
 void PaintCanvas::line(int x1, int y1, int x2, int y2, Ink ink) {
     if (!ready()) return;
     const QColor colour = foreOf(ink);
-    if (y1 == y2) return painter_.fillRect(std::min(x1, x2), y1, std::abs(x2 - x1) + width_, width_, colour);
-    if (x1 == x2) return painter_.fillRect(x1, std::min(y1, y2), width_, std::abs(y2 - y1) + width_, colour);
-    painter_.setPen(penOf(colour, width_));
-    painter_.drawLine(x1, y1, x2, y2);
+    if (x1 == x2 || y1 == y2) {
+        const Rect all = {std::min(x1, x2), std::min(y1, y2), std::abs(x2 - x1) + width_,
+                          std::abs(y2 - y1) + width_};
+        return painter_.fillRect(placed(all), colour);
+    }
+    const QRect from = placed({x1, y1, width_, width_}), to = placed({x2, y2, width_, width_});
+    painter_.setPen(penOf(colour, std::min(from.width(), to.width())));
+    painter_.drawLine(from.topLeft(), to.topLeft());
 }
 
 void PaintCanvas::point(int x, int y, Ink ink) {
-    if (ready()) painter_.fillRect(x, y, width_, width_, foreOf(ink));
+    if (ready()) painter_.fillRect(placed({x, y, width_, width_}), foreOf(ink));
 }
 
 void PaintCanvas::shape(ShapeKind kind, const Rect& r, Ink ink) {
     if (!ready()) return;
-    paintShape(painter_, kind, {r.x, r.y, r.w, r.h}, foreOf(ink),
-               ink.back < 0 ? QColor() : colourOf(ink.back), width_);
+    paintShape(painter_, kind, placed(r), foreOf(ink), ink.back < 0 ? QColor() : colourOf(ink.back),
+               std::max(1, static_cast<int>(width_ * factor())));
 }
 
+// The letters are those of the scale, at the places that the measures of the unscaled ones give them.
 void PaintCanvas::text(int x, int y, std::string_view line, const Font& font, Ink ink) {
     if (!ready()) return;
     if (font_ != font) {
@@ -111,15 +122,20 @@ void PaintCanvas::text(int x, int y, std::string_view line, const Font& font, In
     const QString text = shown(line);
     const QFontMetrics metrics = painter_.fontMetrics();
     if (ink.back >= 0)
-        painter_.fillRect(x, y, metrics.horizontalAdvance(text), metrics.height(), colourOf(ink.back));
+        painter_.fillRect(placed({x, y, metrics.horizontalAdvance(text), metrics.height()}),
+                          colourOf(ink.back));
     painter_.setPen(foreOf(ink));
+    const QTransform unscaled = painter_.transform();
+    if (scale_ != 100) painter_.scale(factor(), factor());
     painter_.drawText(x, y + metrics.ascent(), text);
+    painter_.setTransform(unscaled);
 }
 
 void PaintCanvas::picture(const Rect& r, const std::string& name) {
     if (!ready()) return;
-    const QPixmap pixmap = pictureScaled(name, {r.w, r.h}, painter_.device()->devicePixelRatioF());
-    if (!pixmap.isNull()) painter_.drawPixmap(QRect(r.x, r.y, r.w, r.h), pixmap);
+    const QRect place = placed(r);
+    const QPixmap pixmap = pictureScaled(name, place.size(), painter_.device()->devicePixelRatioF());
+    if (!pixmap.isNull()) painter_.drawPixmap(place, pixmap);
 }
 
 void PaintCanvas::window(int x, int y, const Window& window) {
@@ -127,16 +143,18 @@ void PaintCanvas::window(int x, int y, const Window& window) {
     if (!ready() || frame == nullptr) return;
     const QPixmap pixmap = frame->client().grab();
     const QSize size = frame->client().size() * width_;
-    painter_.drawPixmap(QRect(QPoint(x, y), size), pixmap);
+    painter_.drawPixmap(placed({x, y, size.width(), size.height()}), pixmap);
 }
 
 void PaintCanvas::control(const Rect& r, std::string_view properties, const Font& font) {
     if (!ready()) return;
     // A picture between pixels would be blurred, so it begins at a whole one of the device.
-    const qreal ratio = painter_.device()->devicePixelRatioF();
+    const qreal device = painter_.device()->devicePixelRatioF(), ratio = device * factor();
     const QPointF corner = QPointF(r.x, r.y) * ratio, whole(std::floor(corner.x()), std::floor(corner.y()));
     const QPixmap pixmap = controlPicture(properties, {r.w, r.h}, font, {ratio, corner - whole});
-    if (!pixmap.isNull()) painter_.drawPixmap(whole / ratio, pixmap);
+    if (pixmap.isNull()) return;
+    const QSizeF pixels = pixmap.size();
+    painter_.drawPixmap(QRectF(whole / device, pixels / device), pixmap, QRectF({}, pixels));
 }
 
 }  // namespace tarn::platform::qt

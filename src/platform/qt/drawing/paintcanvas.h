@@ -28,8 +28,10 @@ void paintBorder(QPainter& painter, const QRect& rect, const QPalette& palette, 
 
 class PaintCanvas : public Canvas {
 public:
-    // The desktop's fore colour, and how wide lines are.
-    PaintCanvas(QColor fore, int lineWidth) : fore_(std::move(fore)), width_(lineWidth) {}
+    // The desktop's fore colour, how wide lines are, and how large what is drawn shall be, in per cent: lines and boxes
+    // begin at whole pixels, texts and controls are drawn at the scale.
+    PaintCanvas(QColor fore, int lineWidth, int scale = 100)
+        : fore_(std::move(fore)), width_(lineWidth), scale_(scale) {}
     void line(int x1, int y1, int x2, int y2, Ink ink) override;
     void point(int x, int y, Ink ink) override;
     void shape(ShapeKind kind, const Rect& rect, Ink ink) override;
@@ -43,10 +45,12 @@ protected:
     QPainter painter_;
 
 private:
+    [[nodiscard]] QRect placed(const Rect& rect) const;
+    [[nodiscard]] qreal factor() const { return scale_ / 100.0; }
     [[nodiscard]] QColor foreOf(Ink ink) const { return ink.fore < 0 ? fore_ : colourOf(ink.fore); }
 
     QColor fore_;
-    int width_;
+    int width_, scale_;
     std::optional<Font> font_;  // that the painter has
 };
 

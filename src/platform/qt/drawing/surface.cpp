@@ -10,8 +10,8 @@ namespace tarn::platform::qt {
 
 class SurfaceCanvas : public PaintCanvas {
 public:
-    explicit SurfaceCanvas(SurfaceWidget& widget)
-        : PaintCanvas(widget.palette().color(QPalette::WindowText), 1), widget_(&widget),
+    SurfaceCanvas(SurfaceWidget& widget, int scale)
+        : PaintCanvas(widget.palette().color(QPalette::WindowText), 1, scale), widget_(&widget),
           picture_(widget.picture_) {
         widget.drawing_ = true;
         painter_.begin(picture_.get());
@@ -34,10 +34,10 @@ private:
     std::shared_ptr<QImage> picture_;  // the widget may go first
 };
 
-std::unique_ptr<Canvas> SurfaceWidget::canvas() {
+std::unique_ptr<Canvas> SurfaceWidget::canvas(int scale) {
     if (drawing_ || size().isEmpty()) return nullptr;
     prepare();
-    return std::make_unique<SurfaceCanvas>(*this);
+    return std::make_unique<SurfaceCanvas>(*this, scale);
 }
 
 void SurfaceWidget::prepare() {

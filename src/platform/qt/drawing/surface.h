@@ -18,8 +18,8 @@ class SurfaceWidget : public QWidget {
 public:
     using QWidget::QWidget;
     // Draws into the picture until it is finished or deleted; one at a time. It may outlive the widget.
-    std::unique_ptr<Canvas> canvas();
-    void wipe();  // nothing is drawn any more
+    std::unique_ptr<Canvas> canvas(int scale = 100);  // per cent
+    void wipe();                                      // nothing is drawn any more
     [[nodiscard]] bool isDrawnOn() const { return picture_ != nullptr; }
 
 protected:

@@ -7,7 +7,9 @@
 
 #include <QContextMenuEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
 
+#include <cstdlib>
 #include <optional>
 
 namespace tarn::platform::qt {
@@ -15,6 +17,7 @@ namespace tarn::platform::qt {
 namespace {
 
 QPoint pressed;
+constexpr int KEY_CTRL_PLUS = 0x1000 + 187, KEY_CTRL_MINUS = 0x1000 + 189;
 
 // Where an event of the mouse is on the screen; none for other events, and other buttons.
 std::optional<QPoint> placeOf(const QEvent& event) {
@@ -83,6 +86,22 @@ bool hearMouse(QWidget& receiver, QEvent& event) {
     const QPointer<QWidget> alive(&receiver);
     const bool handled = tell(*control, event, client.mapFromGlobal(*global));
     return handled || alive.isNull() || frameOfWidget(&receiver) == nullptr;
+}
+
+bool hearWheel(const QWidget& receiver, const QEvent& event) {
+    if (event.type() != QEvent::Wheel) return false;
+    const auto& wheel = static_cast<const QWheelEvent&>(event);
+    Frame* const frame = frameOfWidget(&receiver);
+    const bool own = frame != nullptr && frame->model() != nullptr && &receiver == &frame->client();
+    if (!own || wheel.modifiers() != Qt::ControlModifier || wheel.angleDelta().y() == 0) return false;
+    constexpr int notch = 120;  // touch pads turn the wheel in small parts
+    static int turned = 0;
+    if ((turned > 0) != (wheel.angleDelta().y() > 0)) turned = 0;
+    turned += wheel.angleDelta().y();
+    if (std::abs(turned) < notch) return true;
+    const int key = turned > 0 ? KEY_CTRL_PLUS : KEY_CTRL_MINUS;
+    turned = 0;
+    return userKey(*frame->model(), nullptr, key);
 }
 
 QPoint lastPress() {

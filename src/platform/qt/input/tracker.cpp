@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/input/tracker.h"
 
+#include "platform/model/drawscale.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
@@ -56,10 +58,10 @@ QFrame* makeGuide(QWidget& client) {
 
 }  // namespace
 
-Tracker::Tracker(QWidget& client, const Track& track, DragGuides guides)
+Tracker::Tracker(QWidget& client, const Track& track, DragGuides guides, int scale)
     : client_(&client), band_(new QRubberBand(QRubberBand::Rectangle, &client)), label_(makeLabel(client)),
       guideX_(makeGuide(client)), guideY_(makeGuide(client)), track_(track), guides_(std::move(guides)),
-      rect_(track.start) {
+      scale_(scale), rect_(track.start) {
     for (std::size_t i = 0; i < guides_.along.size(); ++i)
         along_.emplace_back(new QRubberBand(QRubberBand::Rectangle, &client));
     QApplication::setOverrideCursor(cursorOf(track_));
@@ -80,10 +82,11 @@ void Tracker::follow(const QMouseEvent& event) {
     if (client_.isNull()) return;
     const bool free = event.modifiers().testFlag(Qt::AltModifier);
     const QPoint at = client_->mapFromGlobal(event.globalPosition().toPoint());
-    const QPoint way = at - QPoint(track_.pressed.x, track_.pressed.y);
+    const Point place = onDrawing({at.x(), at.y()}, scale_);
+    const QPoint way = QPoint(place.x - track_.pressed.x, place.y - track_.pressed.y) * scale_ / 100;
     if (!moved_ && track_.mode == TRACK_MOVE && way.manhattanLength() < ClickSlack) return;
     moved_ = true;
-    rect_ = tracked(track_, {at.x(), at.y()}, guides_, free);
+    rect_ = tracked(track_, place, guides_, free);
     showAlong();
     showGuides(free);
     showAt(at);
@@ -93,7 +96,8 @@ void Tracker::showAlong() {
     const std::vector<Rect> rects = trackedAlong(track_, rect_, guides_);
     for (std::size_t i = 0; i < rects.size(); ++i) {
         if (along_[i].isNull()) continue;
-        along_[i]->setGeometry(rects[i].x, rects[i].y, rects[i].w, rects[i].h);
+        const Rect band = onClient(rects[i], scale_);
+        along_[i]->setGeometry(band.x, band.y, band.w, band.h);
         along_[i]->show();
     }
 }
@@ -102,8 +106,9 @@ void Tracker::showGuides(bool free) {
     if (guideX_.isNull() || guideY_.isNull()) return;
     const Rect& area = track_.bounds;
     const Point at = free ? Point{-1, -1} : guidesAt(rect_, guides_);
-    guideX_->setGeometry(at.x, area.y, 1, area.h);
-    guideY_->setGeometry(area.x, at.y, area.w, 1);
+    const Rect x = onClient({at.x, area.y, 1, area.h}, scale_), y = onClient({area.x, at.y, area.w, 1}, scale_);
+    guideX_->setGeometry(x.x, x.y, 1, x.h);
+    guideY_->setGeometry(y.x, y.y, y.w, 1);
     guideX_->setVisible(at.x >= 0);
     guideY_->setVisible(at.y >= 0);
 }
@@ -111,7 +116,8 @@ void Tracker::showGuides(bool free) {
 // The label stands where it covers neither the pointer nor the edge of the window.
 void Tracker::showAt(QPoint pointer) {
     if (band_.isNull() || label_.isNull()) return;
-    band_->setGeometry(rect_.x, rect_.y, rect_.w, rect_.h);
+    const Rect band = onClient(rect_, scale_);
+    band_->setGeometry(band.x, band.y, band.w, band.h);
     band_->show();
     label_->setText(QStringLiteral("%1, %2   %3 \u00D7 %4")
                         .arg(rect_.x - track_.bounds.x)

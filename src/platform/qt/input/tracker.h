@@ -23,8 +23,9 @@ namespace tarn::platform::qt {
 
 class Tracker : public QObject {
 public:
-    // `client` is the area whose pixels the rectangles count; `pressed` is where the button went down.
-    Tracker(QWidget& client, const Track& track, DragGuides guides);
+    // `client` is the area whose pixels the rectangles count, at a scale in per cent; `pressed` is where the button went
+    // down.
+    Tracker(QWidget& client, const Track& track, DragGuides guides, int scale);
     ~Tracker() override;
     [[nodiscard]] bool done() const { return done_ || client_.isNull() || !client_->isVisible(); }
     [[nodiscard]] Rect result() const { return rect_; }
@@ -46,6 +47,7 @@ private:
     bool moved_ = false;                // farther than a click may
     Track track_;
     DragGuides guides_;
+    int scale_;
     Rect rect_;
     bool done_ = false;
 };

@@ -92,5 +92,27 @@ TEST(LineDifference, OfLargeTextsIsFoundSoon) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
+TEST(LinesChanged, CountALineThatIsAnotherOnce) {
+    struct Row {
+        const char *first, *second;
+        int changed;
+    };
+    const Row rows[] = {
+        {"", "", 0},
+        {"a\nb\n", "a\nb\n", 0},
+        {"a\nb\n", "a\nx\n", 1},
+        {"a\nb\n", "a\n", 1},
+        {"a\n", "a\nb\n", 1},
+        {"", "a\nb\nc\n", 3},
+        {"a\nb\nc\n", "", 3},
+        {"a\nb\nc\n", "x\nb\ny\n", 2},
+        {"a\nb\nc\n", "a\nx\ny\nz\nc\n", 3},
+        {"a\nb\n", "a\r\nb\n", 1},
+        {"a\nb", "a\nb\n", 1},
+    };
+    for (const auto& [first, second, changed] : rows)
+        EXPECT_EQ(LINESCHANGED(first, second), changed) << first << "---\n" << second;
+}
+
 }  // namespace
 }  // namespace tarn
