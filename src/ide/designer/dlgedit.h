@@ -6,6 +6,7 @@
 //   datalist       item 1 the dialog, then its controls; later ones lie on top of earlier ones
 //   menulist       item 1 the menu, then its items; empty without a menu
 //   hilite1        the selected object: 0 none, 1 the dialog, n > 1 item n of datalist, -1 the menu
+//   hilites        the controls that are selected beside it, parted by blanks
 //   marginstr, modestr, gridstr, linkstr, ctlprotectstr, changedflag, resourcedir, compilerdir, rcfile, dlgname,
 //   helpfile, helpkey, prophelpkey, menuhelpkey
 //

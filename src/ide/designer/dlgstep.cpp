@@ -6,6 +6,8 @@
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
 
+#include <algorithm>
+
 MODULE("dlgedit")
 
 namespace tarn {
@@ -66,7 +68,10 @@ DesignLists DESIGNLISTS() {
     FRAME(DESIGNLISTS);
     if (!IsLoaded(DialogDlg)) return {};
     STAMP();
-    return {itemsOf(DESIGNCONTROL("datalist")), itemsOf(DESIGNCONTROL("menulist")), SELECTEDOBJECT()};
+    std::vector<int> others = SELECTEDOBJECTS();
+    if (!others.empty()) others.erase(others.begin());
+    STAMP();
+    return {itemsOf(DESIGNCONTROL("datalist")), itemsOf(DESIGNCONTROL("menulist")), SELECTEDOBJECT(), others};
 }
 
 bool DESIGNSTEP(const std::function<void()>& action) {
@@ -100,13 +105,65 @@ std::string OBJECTTITLE(int index) {
     return list.empty() ? "" : GETPROPVALUE(list, "NAME") + ":" + GETPROPVALUE(list, "TYPEOF");
 }
 
-void SELECTOBJECT(int index) {
-    FRAME(SELECTOBJECT);
+namespace {
+
+bool isControl(int index) {
+    return index > 1 && index <= GetListCount(DESIGNCONTROL("datalist"));
+}
+
+void addOnce(std::vector<int>& indexes, int index) {
+    if (std::find(indexes.begin(), indexes.end(), index) == indexes.end()) indexes.push_back(index);
+}
+
+std::string hintFor(const std::vector<int>& selected) {
+    if (selected.empty()) return {};
+    const std::string title = OBJECTTITLE(selected[0]);
+    if (title.empty()) return {};
+    const std::string hint = "Selected: " + STRREPLACE(title, ":", ", ");
+    return selected.size() == 1 ? hint
+                                : hint + ", and " + STR(static_cast<int>(selected.size()) - 1) + " more";
+}
+
+}  // namespace
+
+std::vector<int> SELECTEDOBJECTS() {
+    FRAME(SELECTEDOBJECTS);
+    const int first = SELECTEDOBJECT();
+    STAMP();
+    if (first == 0) return {};
+    std::vector<int> selected = {first};
+    if (!isControl(first)) return selected;
+    const std::string others = DESIGNTEXT("hilites");
+    STAMP();
+    std::size_t at = 1, before = 0;
+    while (at <= others.size() && at != before) {
+        before = at;
+        if (const int index = GETINT(others, at); isControl(index)) addOnce(selected, index);
+    }
+    STAMP();
+    return selected;
+}
+
+void SELECTOBJECTS(const std::vector<int>& indexes) {
+    FRAME(SELECTOBJECTS);
     if (!IsLoaded(DialogDlg)) return;
     STAMP();
-    SETDESIGNTEXT("hilite1", STR(index));
-    const std::string title = OBJECTTITLE(index);
-    SetHint(DialogDlg, title.empty() ? "" : "Selected: " + STRREPLACE(title, ":", ", "));
+    std::vector<int> selected;
+    for (const int index : indexes)
+        if (indexes.size() == 1 || isControl(index)) addOnce(selected, index);
+    std::string others;
+    for (std::size_t i = 1; i < selected.size(); ++i) others += (i > 1 ? " " : "") + STR(selected[i]);
+    STAMP();
+    SETDESIGNTEXT("hilite1", STR(selected.empty() ? 0 : selected[0]));
+    SETDESIGNTEXT("hilites", others);
+    SetHint(DialogDlg, hintFor(SELECTEDOBJECTS()));
+    STAMP();
+}
+
+void SELECTOBJECT(int index) {
+    FRAME(SELECTOBJECT);
+    STAMP();
+    SELECTOBJECTS({index});
     STAMP();
 }
 

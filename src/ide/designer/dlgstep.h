@@ -31,6 +31,7 @@ void DESIGNHELP(const std::string& helpFile, const std::string& helpKey);
 struct DesignLists {
     std::vector<std::string> dialog, menu;
     int selection = 0;
+    std::vector<int> others;  // that are selected beside it
     friend bool operator==(const DesignLists&, const DesignLists&) = default;
 };
 DesignLists DESIGNLISTS();
@@ -39,8 +40,12 @@ DesignLists DESIGNLISTS();
 // the result is true. A step within a step is part of it.
 bool DESIGNSTEP(const std::function<void()>& action);
 
-int SELECTEDOBJECT();                // as hilite1 has it
-void SELECTOBJECT(int index);        // without a redraw; tells screen readers
-std::string OBJECTTITLE(int index);  // "name:type"; empty if there is no such object
+int SELECTEDOBJECT();          // as hilite1 has it
+void SELECTOBJECT(int index);  // and nothing else; without a redraw; tells screen readers
+// All that is selected: first what hilite1 has, then those of hilites, each once and there. Several are controls alone:
+// the dialog, the menu and nothing stand by themselves. Empty if nothing is selected.
+std::vector<int> SELECTEDOBJECTS();
+void SELECTOBJECTS(const std::vector<int>& indexes);  // of several, what is no control is left out
+std::string OBJECTTITLE(int index);                   // "name:type"; empty if there is no such object
 
 }  // namespace tarn
