@@ -354,6 +354,7 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     enable("window_dialog", ISSHOWN(DialogDlg));
     enable("window_browser", ISSHOWN(BrowseInfoDlg));
     enable("window_error", ISSHOWN(ViewDlg));
+    SetEnabled(MAINCONTROL("edit_dialog"), ISSHOWN(DialogDlg));
 }
 
 }  // namespace
