@@ -9,6 +9,7 @@
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/drawing.h"
 #include "ide/designer/geometry.h"
+#include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -103,6 +104,7 @@ void DIALOGREDRAW() {
     DRAWWINDOW(DialogDlg, picture);
     drawing = false;
     STAMP();
+    REFRESHPROPERTYWINDOW();
 }
 
 // ---- opening ----
@@ -144,6 +146,10 @@ void loadEditor(const DialogOpening& opening) {
     if (modal && IsLoaded(DialogDlg)) Unload(DialogDlg);
     STAMP();
     if (!modal) TOOLBOXOPEN(opening.helpFile, opening.toolboxHelpKey);
+    if (modal)
+        PROPERTYWINDOWCLOSE();
+    else
+        PROPERTYWINDOWOPEN();
     STAMP();
     Load(DialogDlg);
     STAMP();

@@ -7,6 +7,7 @@
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/geometry.h"
+#include "ide/designer/propwindow.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/designer/proputil.h"
@@ -109,7 +110,7 @@ void stepSelection(int by) {
 void showToolbox() {
     if (ISSHOWN(ToolboxDlg))
         Show(ToolboxDlg, false);
-    else
+    else if (!GOTOPROPERTYWINDOW())
         Sound();
 }
 
@@ -294,6 +295,9 @@ void DIALOGDELETESELECTED() {
 
 bool DIALOGDLG(const Object&, int event, const Object&, int parameter) {
     FRAME(DIALOGDLG);
+    STAMP();
+    if ((event == KEYPRESS_EVENT || event == MOUSEDOWN_EVENT || event == INFO_EVENT) && !KEEPTYPEDPROPERTY())
+        return true;
     STAMP();
     bool handled = false;
     for (const EventRow& row : events)

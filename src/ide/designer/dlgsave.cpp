@@ -6,6 +6,7 @@
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
@@ -131,6 +132,8 @@ void DIALOGSAVE() {
     FRAME(DIALOGSAVE);
     if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
     STAMP();
+    if (!KEEPTYPEDPROPERTY()) return;
+    STAMP();
     Save save{DIALOGGETFILENAME(), DIALOGGETDLGNAME()};
     for (const Step step : steps) {
         STAMP();
@@ -141,6 +144,8 @@ void DIALOGSAVE() {
 
 bool DIALOGSAVEIFMODIFIED() {
     FRAME(DIALOGSAVEIFMODIFIED);
+    STAMP();
+    static_cast<void>(KEEPTYPEDPROPERTY());
     STAMP();
     if (!DIALOGGETMODIFY()) return true;
     const std::string answer =
@@ -157,6 +162,8 @@ bool DIALOGSAVEIFMODIFIED() {
 bool DIALOGMAYCLOSE() {
     FRAME(DIALOGMAYCLOSE);
     STAMP();
+    if (!KEEPTYPEDPROPERTY()) return false;
+    STAMP();
     std::string answer = "&No";
     if (DIALOGGETMODIFY())
         answer =
@@ -168,6 +175,7 @@ bool DIALOGMAYCLOSE() {
     STAMP();
     if (answer != "&No" && (answer != "&Yes" || DIALOGGETMODIFY())) return false;
     TOOLBOXCLOSE();
+    PROPERTYWINDOWCLOSE();
     return true;
 }
 

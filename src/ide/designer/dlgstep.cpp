@@ -2,6 +2,7 @@
 #include "ide/designer/dlgstep.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/propwindow.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
@@ -158,6 +159,7 @@ void SELECTOBJECTS(const std::vector<int>& indexes) {
     SETDESIGNTEXT("hilites", others);
     SetHint(DialogDlg, hintFor(SELECTEDOBJECTS()));
     STAMP();
+    REFRESHPROPERTYWINDOW();
 }
 
 void SELECTOBJECT(int index) {

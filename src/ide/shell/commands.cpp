@@ -103,6 +103,7 @@ constexpr Row rows[] = {
     {"edit_find_files", "", [](const Fired&) { DO_FIND_FILES(); }},
     {"edit_replace_files", "", [](const Fired&) { DO_REPLACE_FILES(); }},
     {"edit_properties", "", [](const Fired&) { DO_PROPERTIES(); }},
+    {"edit_dialog_properties", "", [](const Fired&) { DO_PROPERTY_WINDOW(); }},
     {"edit_dialog_duplicate", "", nullptr},
     {"view_line", "", [](const Fired&) { DO_LINE(); }},
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},

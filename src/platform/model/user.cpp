@@ -3,6 +3,7 @@
 // What the user did, as a view reports it. Each function changes the model and then sends the event; what it
 // was given may be gone when it returns. A window that takes no input hears nothing.
 #include "platform/model/state.h"
+#include "platform/operations/focus.h"
 
 #include <algorithm>
 
@@ -50,6 +51,7 @@ void userCommand(Control& control) {
 
 void userChange(Control& control) {
     if (!isAlive(control)) return;
+    userFocus(control);
     if (control.type == Type::Combobox) control.listIndex = 0;
     send(control, CHANGE_EVENT);
 }
@@ -89,6 +91,7 @@ void userDrag(Point pressed, Point released) {
 bool userKey(Window& window, Control* focus, int key) {
     if (!isAlive(window) || !takesInput(window)) return false;
     if (focus != nullptr && !isAlive(*focus)) focus = nullptr;
+    if (focus != nullptr) userFocus(*focus);
     const Object object = window.object;
     const Object sender = focus != nullptr ? focus->object : object;
     if (sendEvent(object, KEYPRESS_EVENT, sender, key)) return true;
