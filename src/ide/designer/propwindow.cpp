@@ -84,12 +84,48 @@ int roomForRows() {
     return rows;
 }
 
+// The values take what the names leave of the width.
+void layOut() {
+    FRAME(LAYOUT);
+    const int width = GetPosition(PropertyDlg, CLIENT_UNIT).w;
+    const Rect frame = GetPosition(part("shpframe"), CLIENT_UNIT);
+    const Rect bar = GetPosition(part("sclrows"), CLIENT_UNIT);
+    const int right = width - frame.x - (GetVisible(part("sclrows")) ? bar.w + 2 : 0);  // of the frame
+    const auto setPlace = [](const Object& control, auto change) {
+        Rect at = GetPosition(control, CLIENT_UNIT);
+        change(at);
+        SetPosition(control, CLIENT_UNIT, at);
+    };
+    STAMP();
+    for (int n = 1; n <= PROPERTYROWS(PropertyDlg); ++n) {
+        const PropertyRow row = PROPERTYROW(PropertyDlg, n);
+        setPlace(row.drop, [&](Rect& at) { at.x = right - at.w - 1; });
+        const int end = GetPosition(row.drop, CLIENT_UNIT).x - 2;
+        setPlace(row.value, [&](Rect& at) { at.w = std::max(end - at.x, 1); });
+        setPlace(row.line, [&](Rect& at) { at.w = right - at.x; });
+    }
+    STAMP();
+    const int drop = GetPosition(PROPERTYROW(PropertyDlg, 1).drop, CLIENT_UNIT).x;
+    setPlace(part("shpframe"), [&](Rect& at) { at.w = right - at.x; });
+    setPlace(part("shpcolumn2"), [&](Rect& at) { at.x = drop - 2; });
+    for (const std::string_view name : {"edtsearch", "lbltitle", "lblnote"})
+        setPlace(part(name), [&](Rect& at) { at.w = std::max(width - frame.x - at.x, 1); });
+    const int bottom = GetPosition(PropertyDlg, CLIENT_UNIT).h - frame.x;
+    setPlace(part("sclrows"), [&](Rect& at) {
+        at.x = width - frame.x - at.w;
+        at.h = std::max(bottom - at.y, at.w);
+    });
+    STAMP();
+}
+
 void showScrollBar(int properties, int rows) {
     const Object bar = part("sclrows");
     const int above = std::max(properties - rows, 0);
     SetMax(bar, above);
     if (GetValue(bar) > above) SetValue(bar, above);
+    if (GetVisible(bar) == (above > 0)) return;
     SetVisible(bar, above > 0);
+    layOut();
 }
 
 void showRow(int n, const SharedProperty& property, const std::string& before, bool sameObjects) {
@@ -130,40 +166,6 @@ void fill(const std::vector<int>& objects) {
 
 int shownRows() {
     return STRLINES(GetCaption(part("lblshown")));
-}
-
-// The values take what the names leave of the width.
-void layOut() {
-    FRAME(LAYOUT);
-    const int width = GetPosition(PropertyDlg, CLIENT_UNIT).w;
-    const Rect frame = GetPosition(part("shpframe"), CLIENT_UNIT);
-    const Rect bar = GetPosition(part("sclrows"), CLIENT_UNIT);
-    const int right = width - frame.x - bar.w - 2;  // of the frame
-    const auto setPlace = [](const Object& control, auto change) {
-        Rect at = GetPosition(control, CLIENT_UNIT);
-        change(at);
-        SetPosition(control, CLIENT_UNIT, at);
-    };
-    STAMP();
-    for (int n = 1; n <= PROPERTYROWS(PropertyDlg); ++n) {
-        const PropertyRow row = PROPERTYROW(PropertyDlg, n);
-        setPlace(row.drop, [&](Rect& at) { at.x = right - at.w - 1; });
-        const int end = GetPosition(row.drop, CLIENT_UNIT).x - 2;
-        setPlace(row.value, [&](Rect& at) { at.w = std::max(end - at.x, 1); });
-        setPlace(row.line, [&](Rect& at) { at.w = right - at.x; });
-    }
-    STAMP();
-    const int drop = GetPosition(PROPERTYROW(PropertyDlg, 1).drop, CLIENT_UNIT).x;
-    setPlace(part("shpframe"), [&](Rect& at) { at.w = right - at.x; });
-    setPlace(part("shpcolumn2"), [&](Rect& at) { at.x = drop - 2; });
-    for (const std::string_view name : {"edtsearch", "lbltitle", "lblnote"})
-        setPlace(part(name), [&](Rect& at) { at.w = std::max(width - frame.x - at.x, 1); });
-    const int bottom = GetPosition(PropertyDlg, CLIENT_UNIT).h - frame.x;
-    setPlace(part("sclrows"), [&](Rect& at) {
-        at.x = right + 2;
-        at.h = std::max(bottom - at.y, at.w);
-    });
-    STAMP();
 }
 
 // ---- changing ----
@@ -324,6 +326,7 @@ void place() {
     constexpr int gap = 20, least = 120;
     const Rect screen = ScreenSize();
     Rect frame = GetPosition(PropertyDlg, WINDOW_UNIT);
+    frame.h = std::min(frame.h, screen.h - 2 * gap);
     frame.x = screen.x + std::max(screen.w - frame.w - gap, 0);
     frame.y = screen.y + std::max(screen.h - frame.h, 0) / 3;
     const std::string text = setting("_Position");
