@@ -127,10 +127,15 @@ void DO_TEST_RCFILE() {
     STAMP();
 }
 
-void CREATERCFILEDIALOG(const Object&) {
+void DO_OPTIONS_RCFILE(const std::string& title) {
+    FRAME(DO_OPTIONS_RCFILE);
+    STAMP();
+    CREATERCFILEDIALOG(title);
+}
+
+void CREATERCFILEDIALOG(const std::string& title) {
     FRAME(CREATERCFILEDIALOG);
     STAMP();
-    constexpr const char* title = "Tools-Create Resource File";
     const std::string refusal = "Cannot create a new RC file.\n";
     if (!PROJECTGETMAINFILE().empty())
         return MSGBOX(title, refusal + "The program window must be closed first.\n");

@@ -5,6 +5,8 @@
 
 #include "kernel/windows/windowing.h"
 
+#include <string>
+
 namespace tarn {
 
 // Asks for a data file and shows its rows. The settings of delimited text are asked for first.
@@ -13,8 +15,10 @@ void DO_EXPLORE_DB();
 void DO_EXPLORE_RCFILE(const Object& programLabel);
 // Asks for a dialog, first for the current one, and shows it as its program will.
 void DO_TEST_DIALOG();
-// A new dialog in a new resource file, which needs the Program Window and the Code window closed.
-void CREATERCFILEDIALOG(const Object& label);
+// A new dialog in a new resource file, which needs the Program Window and the Code window closed. `title` is that of
+// the boxes.
+void DO_OPTIONS_RCFILE(const std::string& title);
+void CREATERCFILEDIALOG(const std::string& title);
 void DO_TEST_RCFILE();  // the tests of whole resource files
 // The dialogs of Tools-Options; see ide/options.
 void DO_OPTIONS_COMP();

@@ -155,7 +155,7 @@ constexpr Row rows[] = {
     {"tools_test_dialog", "", [](const Fired&) { DO_TEST_DIALOG(); }},
     {"tools_test_rcfile", "", [](const Fired&) { DO_TEST_RCFILE(); }},
     {"tools_convert_bmp", "", [](const Fired&) { DO_CONVERT_BMP(); }},
-    {"tools_options_rcfile", "", nullptr},
+    {"tools_options_rcfile", "", [](const Fired&) { DO_OPTIONS_RCFILE("Tools-Create Resource File"); }},
     {"tools_check_dialog", "", [](const Fired&) { DO_CHECK_DIALOG(); }},
     {"tools_test_template", "", [](const Fired&) { DO_TEST_TEMPLATE(); }},
     {"tools_options_comp", "", [](const Fired&) { DO_OPTIONS_COMP(); }},

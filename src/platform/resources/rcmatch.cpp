@@ -17,6 +17,7 @@ struct Trait {
     int content = 0;   // all but the name
     int position = 0;  // of a menu item 0: its level says little
     int text = 0;      // what the user sees of it
+    int rest = 0;      // all but the name and what the user sees
 };
 
 class Traits {
@@ -31,14 +32,22 @@ private:
     std::map<std::string, int> numbers_;
 };
 
+constexpr std::string_view seenProperties[] = {"CAPTION", "TEXT", "PICTURE", "ROWS"};
+
+bool isSeen(std::string_view name) {
+    return std::find(std::begin(seenProperties), std::end(seenProperties), name) != std::end(seenProperties);
+}
+
 Trait Traits::of(std::string_view name, Type type, const Properties& properties) {
     Trait trait{type, number(upper(name)), 0, 0, 0};
     Properties sorted = properties;
     std::sort(sorted.begin(), sorted.end());
     trait.content = number("\n" + makePropertyList("", type, sorted));
+    std::erase_if(sorted, [](const auto& property) { return isSeen(property.first); });
+    trait.rest = number("\r" + makePropertyList("", type, sorted));
     if (type != Type::Menuitem)
         trait.position = number("\t" + std::string(valueOf(properties, type, "POSITION")));
-    for (const char* seen : {"CAPTION", "TEXT", "PICTURE", "ROWS"})
+    for (const std::string_view seen : seenProperties)
         if (trait.text == 0) trait.text = number(std::string(valueOf(properties, type, seen)));
     return trait;
 }
@@ -53,7 +62,8 @@ int likeness(const Trait& a, const Trait& b) {
         return a.name == 0 && b.name == 0 && position && a.text == b.text ? likely : nothing;
     const int more = (position ? 5 : 0) + (text ? 5 : 0);
     if (more > 0) return known + more;
-    return a.name == 0 && b.name == 0 && (a.text == 0) == (b.text == 0) ? unlikely : nothing;
+    return a.name == 0 && b.name == 0 && ((a.text == 0) == (b.text == 0) || a.rest == b.rest) ? unlikely
+                                                                                              : nothing;
 }
 
 int likenessOfNamesakes(const Trait& a, const Trait& b) {
@@ -65,6 +75,7 @@ int likenessOfNamesakes(const Trait& a, const Trait& b) {
 class Matcher {
 public:
     Matcher(const std::vector<RcObject>& blocks, const std::vector<ParsedList>& wanted);
+    void ends();
     void namesakes();
     void align(int least);
     void anywhere(int least);
@@ -94,6 +105,18 @@ Matcher::Matcher(const std::vector<RcObject>& blocks, const std::vector<ParsedLi
     for (const RcObject& block : blocks)
         blocks_.push_back(traits.of(block.givenName(), block.type, block.values()));
     for (const ParsedList& list : wanted) wanted_.push_back(traits.of(list.name, list.type, list.properties));
+}
+
+// What stands unchanged in front of the first change, and behind the last: so among equal objects the one that
+// changes keeps its own.
+void Matcher::ends() {
+    const auto same = [&](std::size_t b, std::size_t w) {
+        const Trait &block = blocks_[b], &wanted = wanted_[w];
+        return block.type == wanted.type && block.name == wanted.name && block.content == wanted.content;
+    };
+    std::size_t b = blocks_.size(), w = wanted_.size(), front = 0;
+    for (; front < std::min(b, w) && same(front, front); ++front) settle(front, front);
+    while (b > front && w > front && same(b - 1, w - 1)) settle(--b, --w);
 }
 
 // Where several have one name, the most alike are each other.
@@ -156,6 +179,7 @@ void Matcher::anywhere(int least) {
 std::vector<const RcObject*> matchObjects(const std::vector<RcObject>& blocks,
                                           const std::vector<ParsedList>& wanted) {
     Matcher matcher(blocks, wanted);
+    matcher.ends();
     matcher.namesakes();
     matcher.align(sameContent);
     matcher.anywhere(sameContent);

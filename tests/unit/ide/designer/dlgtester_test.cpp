@@ -398,7 +398,7 @@ TEST_F(ResourceTools, ExploreAResourceFileInTheProgramWindow) {
     EXPECT_EQ(GetCaption(ProjectEditorDlg).substr(0, 14), "Program Window");
     EXPECT_EQ(GetCaption(MAINCONTROL("programlabel")), rc);
     const std::size_t before = asked.size();
-    CREATERCFILEDIALOG({});
+    CREATERCFILEDIALOG("Tools-Create Resource File");
     ASSERT_EQ(asked.size(), before + 1);
     EXPECT_EQ(lastText(), "Cannot create a new RC file.\nThe program window must be closed first.\n");
 }
@@ -410,7 +410,7 @@ TEST_F(ResourceTools, ExploringNothingLeavesAllAsItIs) {
 
 TEST_F(ResourceTools, ANewResourceFileNeedsTheCodeWindowClosed) {
     EDITWNDOPEN(SDIEdit, write("a.cls", "x\n"), false, 0);
-    CREATERCFILEDIALOG({});
+    CREATERCFILEDIALOG("Tools-Create Resource File");
     EXPECT_EQ(lastText(), "Cannot create a new RC file.\nThe code editor must be closed first.\n");
 }
 

@@ -153,6 +153,38 @@ TEST_F(ResourceKeepTest, NamelessControlsOfEqualContentKeepTheirNeighbours) {
     }
 }
 
+TEST_F(ResourceKeepTest, OfEqualControlsTheOneThatChangesKeepsItsComment) {
+    for (const char* head : {"Label", "Label twin"}) {
+        std::vector<std::string> blocks;
+        for (const char* comment : {"// one", "// two", "// three"})
+            blocks.push_back(std::string("  ") + comment + "\n  " + head +
+                             "\n    CAPTION=\"x\"\n    HINT=\"y\"\n");
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            SCOPED_TRACE(head + std::to_string(i));
+            std::vector<std::string> changed = blocks;
+            changed[i] = replaced(changed[i], "\"y\"", "\"z\"");
+            write(rc, dialog(blocks));
+            ObjectArray array = objects("D");
+            array[i + 1] = replaced(array[i + 1], "HINT=\"y\"", "HINT=\"z\"");
+            EXPECT_EQ(ResourceWrite(array, {}, rc), "");
+            EXPECT_EQ(read(rc), dialog(changed));
+        }
+    }
+}
+
+TEST_F(ResourceKeepTest, WhatGetsItsFirstTextOrLosesItsLastKeepsItsComment) {
+    const std::string with = "  // mine\n  Label\n    POSITION=1 1 9 9\n    CAPTION=\"x\"\n",
+                      without = replaced(with, "\"x\"", "\"\"");
+    EXPECT_EQ(after(dialog({with}), [](ObjectArray& a) { set(a[1], "\"x\"", "\"\""); }), dialog({without}));
+    EXPECT_EQ(after(dialog({without}), [](ObjectArray& a) { set(a[1], "CAPTION=\"\"", "CAPTION=\"x\""); }),
+              dialog({with}));
+    const std::string item = "  // mine\n  Menuitem\n    POSITION=2\n    PICTURE=\"a.bmp\"\n";
+    const std::string menu = "D DIALOG\nEND\nM MENU\n" + item + "END\n";
+    EXPECT_EQ(after(
+                  menu, [](ObjectArray& a) { set(a[1], "\"a.bmp\"", "\"\""); }, true),
+              replaced(menu, "a.bmp", ""));
+}
+
 // ---- menus ----
 
 TEST_F(ResourceKeepTest, SeparatorsKeepTheirComments) {
