@@ -6,6 +6,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/help/helpviewer.h"
 #include "ide/shell/windows.h"
+#include "platform/model/guides.h"
 
 namespace tarn {
 namespace {
@@ -24,7 +25,9 @@ public:
         if (!designPoint(object, false, at)) return false;
         platform::Window& window = *platform::findWindow(DialogDlg);
         if (how == "right") return platform::userInfo(window, at.x, at.y), true;
+        platform::userMouseKeys(how == "shift" ? platform::MOUSE_SHIFT : 0);
         platform::userMouseDown(window, at.x, at.y);
+        platform::userMouseKeys(0);
         if (how == "2") platform::userDoubleClick(window, at.x, at.y);
         return true;
     }

@@ -8,11 +8,11 @@
 #include "ide/shell/windows.h"
 #include "os/process.h"
 
-#include <QContextMenuEvent>
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeySequence>
 #include <QMouseEvent>
 #include <QTest>
@@ -95,11 +95,11 @@ public:
         if (!designPoint(object, false, at)) return false;
         QWidget* const client = clientAt(at);
         if (how != "right") {
-            dragTo(*client, at, at);
+            dragTo(*client, at, at, how == "shift");
             if (how == "2") onScreen_ ? dragTo(*client, at, at) : doubleClick(*client, at);
             return true;
         }
-        const QPoint place = QPoint(at.x, at.y) - client->pos(), global = client->mapToGlobal(place);
+        const QPoint place = within(*client, at), global = client->mapToGlobal(place);
         if (onScreen_) {
             holds_ = true;
             QTimer::singleShot(arrival, [this] { holds_ = false; });
@@ -204,15 +204,21 @@ private:
         return client != nullptr ? client : window;
     }
 
+    // A place of the window as one of the widget that is there, which may be the window itself.
+    static QPoint within(const QWidget& client, const Point& at) {
+        return client.mapFrom(client.window(), QPoint(at.x, at.y));
+    }
+
     // Presses, moves and releases. Offscreen the press returns only when a drag has ended, so the rest comes by a timer.
-    void dragTo(QWidget& client, const Point& from, const Point& to) {
-        const QPoint begin = QPoint(from.x, from.y) - client.pos(), end = QPoint(to.x, to.y) - client.pos();
+    void dragTo(QWidget& client, const Point& from, const Point& to, bool shift = false) {
+        const QPoint begin = within(client, from), end = within(client, to);
         holds_ = true;
         if (onScreen_) {
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            run("mousemove --sync " + text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
+            run(std::string(shift ? "keydown shift " : "") + "mousemove --sync " +
+                text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
                 text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) +
-                " mouseup 1");
+                " mouseup 1" + (shift ? " keyup shift" : ""));
             return;
         }
         const QPointer<QWidget> alive(&client);
@@ -225,12 +231,12 @@ private:
                                   up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
                 QApplication::sendEvent(alive, &event);
             });
-        QTest::mousePress(&client, Qt::LeftButton, {}, begin);
+        QTest::mousePress(&client, Qt::LeftButton, shift ? Qt::ShiftModifier : Qt::NoModifier, begin);
         if (!alive.isNull()) QTest::mouseRelease(&client, Qt::LeftButton, {}, end);
     }
 
     static void doubleClick(QWidget& client, const Point& at) {
-        QTest::mouseDClick(&client, Qt::LeftButton, {}, QPoint(at.x, at.y) - client.pos());
+        QTest::mouseDClick(&client, Qt::LeftButton, {}, within(client, at));
     }
 
     static const QWidget* helpWindow() {
@@ -249,7 +255,8 @@ private:
             const QPoint at = widget.mapToGlobal(place);
             return std::system(("xdotool mousemove --sync " + std::to_string(at.x()) + " " +
                                 std::to_string(at.y()) + " click --repeat " +
-                                std::to_string(std::max(clicks, 1)) + " --delay 40 " + (clicks > 0 ? "1" : "3"))
+                                std::to_string(std::max(clicks, 1)) + " --delay 40 " +
+                                (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
         }
         if (clicks == 0) return rightClick(widget, place);

@@ -200,9 +200,8 @@ Object itemOf(const std::string& name, const std::string& place) {
 }
 
 // What the user does with windows that take input: while a tool runs, they take none.
-const std::set<std::string> needsRest = {"command", "press", "set",      "click", "mouse",
-                                         "type",    "edit",  "dblclick", "close", "select", "strike",
-                                         "point",   "drag"};
+const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
+                                         "dblclick", "close", "select", "strike", "point", "drag"};
 
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
@@ -277,6 +276,15 @@ const std::map<std::string, int> struckKeys = {{"Tab", 9},
                                                {"Left", KEY_LEFT},
                                                {"Return", KEY_RETURN},
                                                {"Right", KEY_RIGHT}};
+
+// By its name, or Ctrl and a letter; 0 if there is none.
+int struckKey(const std::string& name) {
+    constexpr std::string_view control = "Ctrl+";
+    const auto code = struckKeys.find(name);
+    if (code != struckKeys.end()) return code->second;
+    const bool letter = name.size() == control.size() + 1 && name.back() >= 'A' && name.back() <= 'Z';
+    return letter && name.starts_with(control) ? Ctrl + name.back() : 0;
+}
 
 // The 1-based position of a line's start and its length without the line end; start 0 if there is no such
 // line.
@@ -407,14 +415,14 @@ bool UserDriver::canStrike(const std::vector<std::string>& words) {
 }
 
 void UserDriver::strike(const std::vector<std::string>& words) {
-    const auto code = struckKeys.find(words[3]);
-    if (code == struckKeys.end()) {
+    const int code = struckKey(words[3]);
+    if (code == 0) {
         at_--;
         return fail("There is no such key.");
     }
     const Object window(words[1]);
     Control* const focus = words[2] == "-" ? nullptr : findControl(FindControl(window, words[2]));
-    userKey(*findWindow(window), focus, code->second);
+    userKey(*findWindow(window), focus, code);
 }
 
 void UserDriver::point(const std::vector<std::string>& words) {

@@ -5,6 +5,7 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "platform/operations/dragging.h"
 #include "platform/operations/printjob.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
@@ -16,6 +17,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
+#include <QFrame>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
@@ -31,6 +33,7 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -470,10 +473,11 @@ TEST_F(DrawTest, AFileThatIsPrintedToIsReplacedWholeOrNotAtAll) {
 
 // ---- dragging ----
 
-void mouse(QWidget* to, QEvent::Type type, QPoint at, Qt::MouseButton button = Qt::LeftButton) {
+void mouse(QWidget* to, QEvent::Type type, QPoint at, Qt::MouseButton button = Qt::LeftButton,
+           Qt::KeyboardModifiers keys = Qt::NoModifier) {
     const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, at, to->mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : button, held,
-                      Qt::NoModifier);
+                      keys);
     QApplication::sendEvent(to, &event);
 }
 
@@ -481,6 +485,7 @@ class TrackTest : public DrawTest {
 protected:
     Rect result;
     TrackMode mode = TRACK_MOVE;
+    DragGuides guides;
     // Presses at a point of the window, whose function then tracks, and does the steps meanwhile.
     void drag(QPoint from, const std::vector<std::function<void()>>& steps) {
         int next = 0;
@@ -491,7 +496,7 @@ protected:
         answer = [&](int event, const Object&) {
             if (event != MOUSEDOWN_EVENT) return false;
             timer.start(1);
-            result = TrackRect(Draw, mode, {4, 12, 12, 1}, {0, 0, 100, 100}, {20, 20, 40, 30}).value;
+            result = TrackRect(Draw, mode, {4, 12, 12, 1}, {0, 0, 100, 100}, {20, 20, 40, 30}, guides).value;
             return true;
         };
         QTest::mousePress(client(), Qt::LeftButton, {}, from);
@@ -578,6 +583,68 @@ TEST_F(TrackTest, ABandAndALabelFollowTheMouse) {
     EXPECT_EQ(band(), nullptr);
     EXPECT_EQ(label(), nullptr);
     TearDownMouse();
+}
+
+TEST_F(TrackTest, AGuideDrawsTheRectangleAndShowsUnlessAltIsDown) {
+    guides.x = {33};
+    const auto lines = [] {
+        int shown = 0;
+        for (const QFrame* line : client()->findChildren<QFrame*>(QStringLiteral("guide")))
+            shown += line->isVisible() ? 1 : 0;
+        return shown;
+    };
+    int near = 0, free = 0;
+    QRect place;
+    drag({40, 35}, {moveTo(50, 35),
+                    [&] {
+                        near = lines();
+                        for (const QFrame* line : client()->findChildren<QFrame*>(QStringLiteral("guide")))
+                            if (line->isVisible()) place = line->geometry();
+                    },
+                    release(50, 35)});
+    EXPECT_EQ(result, (Rect{33, 20, 40, 30}));
+    EXPECT_EQ(near, 1);
+    EXPECT_EQ(place, QRect(33, 0, 1, 100));
+    TearDownMouse();
+    const auto withAlt = [](QEvent::Type type) {
+        mouse(client(), type, {50, 35}, Qt::LeftButton, Qt::AltModifier);
+    };
+    drag({40, 35}, {[&] { withAlt(QEvent::MouseMove); }, [&] { free = lines(); },
+                    [&] { withAlt(QEvent::MouseButtonRelease); }});
+    EXPECT_EQ(result, (Rect{30, 20, 40, 30}));
+    EXPECT_EQ(free, 0);
+    EXPECT_TRUE(client()->findChildren<QFrame*>(QStringLiteral("guide")).isEmpty());
+    TearDownMouse();
+}
+
+TEST_F(TrackTest, BandsShowWhatGoesAlong) {
+    guides.along = {{70, 60, 20, 20}, {20, 60, 20, 20}};
+    std::vector<QRect> bands;
+    drag({40, 35}, {moveTo(45, 38),
+                    [&] {
+                        for (const QRubberBand* band : client()->findChildren<QRubberBand*>())
+                            bands.push_back(band->geometry());
+                    },
+                    moveTo(500, 38), release(500, 38)});
+    EXPECT_EQ(bands.size(), 3U);
+    EXPECT_EQ(std::count(bands.begin(), bands.end(), QRect(75, 63, 20, 20)), 1);
+    EXPECT_EQ(std::count(bands.begin(), bands.end(), QRect(25, 63, 20, 20)), 1);
+    EXPECT_EQ(result, (Rect{30, 23, 40, 30})) << "the first of them is at the edge";
+    EXPECT_TRUE(client()->findChildren<QRubberBand*>().isEmpty());
+    TearDownMouse();
+}
+
+TEST_F(TrackTest, ThePressTellsWhichKeysAreHeldDown) {
+    struct Case {
+        Qt::KeyboardModifiers keys;
+        int expected;
+    };
+    for (const Case& one : {Case{Qt::NoModifier, 0}, Case{Qt::ShiftModifier, MOUSE_SHIFT},
+                            Case{Qt::ControlModifier, MOUSE_CTRL},
+                            Case{Qt::ShiftModifier | Qt::ControlModifier, MOUSE_SHIFT | MOUSE_CTRL}}) {
+        QTest::mouseClick(client(), Qt::LeftButton, one.keys, {3, 4});
+        EXPECT_EQ(GetMouseKeys(), one.expected);
+    }
 }
 
 TEST_F(TrackTest, EscapeAndAWindowThatGoesEndTheDrag) {

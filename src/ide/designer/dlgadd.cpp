@@ -132,14 +132,14 @@ std::string withoutLineEnd(std::string list) {
     return list;
 }
 
-// Why no control can be added; empty if one can.
+// Why the dialog cannot have so many controls; empty if it can.
 std::string obstacle(int controls) {
     const std::string type = GETPROPVALUE(DESIGNITEM(1), "TYPEOF");
     if (!STREQUAL(type, "Dialog"))
         return "Cannot add a control object, controls can only be added to Dialogs.\nThe type of the current "
                "window is " +
                type + ".";
-    if (controls >= MAX_CONTROLS)
+    if (controls > MAX_CONTROLS)
         return "Cannot add a control object, this dialog has too many control objects.\nThe maximum number "
                "allowed is " +
                STR(MAX_CONTROLS) + ".\n";
@@ -154,7 +154,7 @@ bool told(const std::string& problem) {
 void addControl(const NewObject& object, int controls) {
     FRAME(ADDCONTROL);
     STAMP();
-    if (told(obstacle(controls))) return;
+    if (told(obstacle(controls + 1))) return;
     AddItem(datalist(), withoutLineEnd(object.list));
     STAMP();
     SELECTOBJECT(GetListCount(datalist()));
@@ -178,6 +178,12 @@ void addMenu(const NewObject& object) {
 }
 
 }  // namespace
+
+bool MAYADDCONTROLS(int more) {
+    FRAME(MAYADDCONTROLS);
+    STAMP();
+    return !told(obstacle(GetListCount(datalist()) - 1 + more));
+}
 
 bool ADDOBJECT(const Object& window, const std::string& type, const std::string& option, int x, int y) {
     FRAME(ADDOBJECT);

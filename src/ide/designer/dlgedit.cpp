@@ -6,7 +6,10 @@
 #include "ide/designer/dlgedit.h"
 
 #include "ide/designer/dlgdisk.h"
+#include "ide/designer/dlghistory.h"
+#include "ide/designer/dlglock.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/dlgtab.h"
 #include "ide/designer/drawing.h"
 #include "ide/designer/geometry.h"
 #include "ide/designer/propwindow.h"
@@ -99,6 +102,10 @@ void DIALOGREDRAW() {
     picture.compilerFolder = DESIGNTEXT("compilerdir");
     picture.resourceFile = DESIGNTEXT("rcfile");
     picture.selection = SELECTEDOBJECT();
+    picture.others = DESIGNLISTS().others;
+    picture.locked = LOCKEDOBJECTS();
+    if (TABORDERISON()) picture.tabOrder = TABORDERNOW();
+    picture.clicked = TABORDERCHOSEN();
     STAMP();
     drawing = true;
     DRAWWINDOW(DialogDlg, picture);
@@ -162,6 +169,8 @@ void loadEditor(const DialogOpening& opening) {
         {"linkstr", "1"},
         {"resourcedir", GETRESOURCEDIR()},
         {"compilerdir", GETCOMPILERDIR()},
+        {"locks", ""},
+        {"taborder", ""},
         {"rcfile", opening.file},
         {"dlgname", opening.dialog},
         {"helpfile", opening.helpFile},
@@ -255,6 +264,7 @@ void DIALOGOPEN(const DialogOpening& opening) {
         return;
     }
     NOTEDIALOGSEEN(opening.file, opening.dialog);
+    DIALOGHISTORYSTART((opening.flags & OPEN_AS_CHANGED) == 0);
     limitSize(objects[0]);
     if ((opening.flags & OPEN_AS_CHANGED) != 0) DIALOGSETMODIFY(true);
     STAMP();

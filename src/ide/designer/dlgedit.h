@@ -7,6 +7,8 @@
 //   menulist       item 1 the menu, then its items; empty without a menu
 //   hilite1        the selected object: 0 none, 1 the dialog, n > 1 item n of datalist, -1 the menu
 //   hilites        the controls that are selected beside it, parted by blanks
+//   locks          those that are locked (dlglock.h)
+//   taborder       the clicks of a new order, while there are some (dlgtab.h)
 //   marginstr, modestr, gridstr, linkstr, ctlprotectstr, changedflag, resourcedir, compilerdir, rcfile, dlgname,
 //   helpfile, helpkey, prophelpkey, menuhelpkey
 //
@@ -52,6 +54,7 @@ bool DIALOGISINFRONT();
 // As the keys F2 and Delete do.
 void DIALOGEDITSELECTED();
 void DIALOGDELETESELECTED();
+void DIALOGSELECTALL();  // all controls
 
 // The window's events, by a table.
 bool DIALOGDLG(const Object& window, int event, const Object& control, int parameter);

@@ -2,16 +2,24 @@
 //
 // What happens in the window of the dialog editor: a table of keys, and one of the other events. All state is in the
 // controls of the window.
+#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
+#include "ide/designer/dlgmany.h"
+#include "ide/designer/dlgmouse.h"
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/dlgtab.h"
 #include "ide/designer/geometry.h"
 #include "ide/designer/propwindow.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
+
+#include <algorithm>
+#include <iterator>
 
 MODULE("dlgedit")
 
@@ -74,25 +82,10 @@ void listProperties() {
     ListBox("Object properties", "", GETPROPERTYLISTS(datalist(), menulist()));
 }
 
-void deleteSelected() {
-    const bool deleted = DESIGNSTEP([] {
-        if (DELETEOBJECT(datalist(), menulist(), SELECTEDOBJECT(), DESIGNTEXT("ctlprotectstr")))
-            SELECTOBJECT(0);
-    });
-    redrawIf(deleted);
-}
-
 void selectNothing() {
+    if (TABORDERISON()) return TABORDEREND();
     SELECTOBJECT(0);
     DIALOGREDRAW();
-}
-
-void move(int dx, int dy) {
-    redrawIf(DESIGNSTEP([&] { MOVECONTROLXY(datalist(), SELECTEDOBJECT(), dx, dy); }));
-}
-
-void size(int dw, int dh) {
-    redrawIf(DESIGNSTEP([&] { SIZECONTROL(datalist(), SELECTEDOBJECT(), dw, dh); }));
 }
 
 // Through the dialog, its controls in their order, and its menu, around the ends.
@@ -124,22 +117,37 @@ constexpr KeyRow keys[] = {
     {KEY_RETURN, editSelected},
     {KEY_F3, tellSize},
     {KEY_F4, listProperties},
-    {KEY_DELETE, deleteSelected},
+    {KEY_DELETE, DELETESELECTED},
     {KEY_ESCAPE, selectNothing},
-    {KEY_LEFT, [] { move(-1, 0); }},
-    {KEY_RIGHT, [] { move(1, 0); }},
-    {KEY_UP, [] { move(0, -1); }},
-    {KEY_DOWN, [] { move(0, 1); }},
-    {Ctrl + KEY_LEFT, [] { size(-1, 0); }},
-    {Ctrl + KEY_RIGHT, [] { size(1, 0); }},
-    {Ctrl + KEY_UP, [] { size(0, -1); }},
-    {Ctrl + KEY_DOWN, [] { size(0, 1); }},
+    {KEY_LEFT, [] { MOVESELECTED(-1, 0); }},
+    {KEY_RIGHT, [] { MOVESELECTED(1, 0); }},
+    {KEY_UP, [] { MOVESELECTED(0, -1); }},
+    {KEY_DOWN, [] { MOVESELECTED(0, 1); }},
+    {Ctrl + KEY_LEFT, [] { SIZESELECTED(-1, 0); }},
+    {Ctrl + KEY_RIGHT, [] { SIZESELECTED(1, 0); }},
+    {Ctrl + KEY_UP, [] { SIZESELECTED(0, -1); }},
+    {Ctrl + KEY_DOWN, [] { SIZESELECTED(0, 1); }},
+    {Ctrl + 'A', SELECTALLCONTROLS},
     {Tab, [] { stepSelection(1); }},
     {Shift + Tab, [] { stepSelection(-1); }},
     {F6, showToolbox},
+    // The editing keys of the Edit menu, which other windows than Main get themselves.
+    {Ctrl + 'Z', DIALOGUNDO},
+    {Ctrl + 'Y', DIALOGREDO},
+    {Ctrl + Shift + 'Z', DIALOGREDO},
+    {Ctrl + 'X', DIALOGCUT},
+    {Ctrl + 'C', DIALOGCOPY},
+    {Ctrl + 'V', DIALOGPASTE},
 };
 
+// While the order is clicked nothing else is done to the controls.
+bool refusedNow(int key) {
+    constexpr int kept[] = {KEY_F1, KEY_F3, KEY_F4, KEY_ESCAPE, F6};
+    return TABORDERISON() && std::find(std::begin(kept), std::end(kept), key) == std::end(kept);
+}
+
 bool keyPressed(int key) {
+    if (refusedNow(key)) return Sound(), true;
     for (const KeyRow& row : keys) {
         if (row.key != key) continue;
         row.action();
@@ -150,58 +158,9 @@ bool keyPressed(int key) {
 
 // ---- the mouse ----
 
-int xOf(int parameter) {
-    return static_cast<std::int16_t>(static_cast<unsigned>(parameter) & 0xffffU);
-}
-int yOf(int parameter) {
-    return static_cast<std::int16_t>(static_cast<unsigned>(parameter) >> 16);
-}
-
-int selectAt(int parameter) {
-    const int index =
-        GETCLICKINDEX(DialogDlg, datalist(), frameMode(), margin(), xOf(parameter), yOf(parameter));
-    SELECTOBJECT(index);
-    return index;
-}
-
-// Lets the user drag a control or its edges. One that comes back where it was keeps its numbers.
-void track(int index) {
-    FRAME(TRACK);
-    std::string list = DESIGNITEM(index);
-    const UnitRect before = GETPROPPOSITION(list);
-    const Rect corner = CALCOFFSETS(DialogDlg, DESIGNITEM(1), frameMode(), margin());
-    const FrameRects frame = CALCOFFSETS(DialogDlg, DESIGNITEM(1), frameMode());
-    Rect start = RCUNITSTOPIXELS(DialogDlg, before);
-    start.x += corner.x;
-    start.y += corner.y;
-    STAMP();
-    Rect now = TrackRect(DialogDlg, TRACK_MOVE, {4, 12, 12, 1},
-                         {corner.x, corner.y, frame.client.w, frame.client.h}, start);
-    STAMP();
-    if (!IsLoaded(DialogDlg)) return;
-    const bool dragged = now != start;
-    now.x -= corner.x;
-    now.y -= corner.y;
-    const UnitRect after = dragged ? PIXELSTORCUNITS(DialogDlg, now) : before;
-    STAMP();
-    if (after == before) return;
-    SETPROPPOSITION(list, after);
-    DESIGNSTEP([&] { SetList(datalist(), index, list.substr(0, list.size() - 1)); });
-    STAMP();
-}
-
-void pressed(int parameter) {
-    const int before = SELECTEDOBJECT();
-    const int index = selectAt(parameter);
-    const bool wasDrawn = before == -1 || before > 1;
-    if (index == -1 || index > 1 || wasDrawn) DIALOGREDRAW();
-    if (index <= 1) return;
-    track(index);
-    DIALOGREDRAW();
-}
-
 void rightClicked(int parameter) {
-    selectAt(parameter);
+    if (TABORDERISON()) return Sound();
+    DESIGNSELECTAT(parameter);
     DIALOGREDRAW();
     editSelected();
 }
@@ -255,18 +214,24 @@ void resized() {
     STAMP();
 }
 
+bool closes() {
+    if (!DIALOGMAYCLOSE()) return false;
+    DIALOGHISTORYEND();
+    return true;
+}
+
 struct EventRow {
     int event;
     bool (*action)(int parameter);  // whether the event is handled
 };
 constexpr EventRow events[] = {
-    {LOAD_EVENT, [](int) { return place(), false; }},
+    {LOAD_EVENT, [](int) { return DIALOGHISTORYEND(), place(), false; }},
     {KEYPRESS_EVENT, keyPressed},
-    {MOUSEDOWN_EVENT, [](int parameter) { return pressed(parameter), true; }},
+    {MOUSEDOWN_EVENT, [](int parameter) { return DESIGNPRESSED(parameter), true; }},
     {INFO_EVENT, [](int parameter) { return rightClicked(parameter), true; }},
     {DBLCLICK_EVENT, [](int) { return showCode(), true; }},
     {RESIZE_EVENT, [](int) { return resized(), true; }},
-    {CLOSE_EVENT, [](int) { return !DIALOGMAYCLOSE(); }},
+    {CLOSE_EVENT, [](int) { return !closes(); }},
 };
 
 const RegisteredWindow registered("DialogDlg", DIALOGDLG);
@@ -282,6 +247,7 @@ bool DIALOGISINFRONT() {
 void DIALOGEDITSELECTED() {
     FRAME(DIALOGEDITSELECTED);
     STAMP();
+    if (TABORDERISON()) return Sound();
     editSelected();
     STAMP();
 }
@@ -289,7 +255,16 @@ void DIALOGEDITSELECTED() {
 void DIALOGDELETESELECTED() {
     FRAME(DIALOGDELETESELECTED);
     STAMP();
-    deleteSelected();
+    if (TABORDERISON()) return Sound();
+    DELETESELECTED();
+    STAMP();
+}
+
+void DIALOGSELECTALL() {
+    FRAME(DIALOGSELECTALL);
+    STAMP();
+    if (TABORDERISON()) return Sound();
+    SELECTALLCONTROLS();
     STAMP();
 }
 

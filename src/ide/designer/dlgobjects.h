@@ -17,6 +17,9 @@ namespace tarn {
 // meaning. x and y are pixels of the window; -1 for both looks for a free place. Selects it, redraws and shows the window.
 bool ADDOBJECT(const Object& window, const std::string& type, const std::string& option, int x, int y);
 
+// Whether the dialog takes so many controls more; tells the user if it does not.
+bool MAYADDCONTROLS(int more);
+
 // `lock` is the caption of ctlprotectstr: objects stay unless it is "0".
 bool DELETEOBJECT(const Object& datalist, const Object& menulist, int index, const std::string& lock);
 // By resource units. The control stays inside the dialog.

@@ -5,6 +5,7 @@
 #include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
@@ -109,6 +110,7 @@ bool rename(Save& save) {
     const std::string error = save.missing ? "" : ResourceRename(save.file, save.oldName, name);
     if (!error.empty()) return tell(error), false;
     renamed(save, name);
+    DIALOGHISTORYAPART();
     NOTEDIALOGSEEN(save.file, name);
     CHECKRENAMEFUNCTION(FILECHANGEEXT(save.file, ClassExtension), save.oldName, name);
     AUTOREFRESHPROJECT();
@@ -120,6 +122,7 @@ bool write(Save& save) {
                                             TSTRINGARRAY(DESIGNCONTROL("menulist")), save.file);
     if (!error.empty()) return tell(error), false;
     NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
+    DIALOGHISTORYSAVED();
     DIALOGSETMODIFY(false);
     return true;
 }

@@ -2,6 +2,9 @@
 #include "ide/designer/dlgstep.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
+#include "ide/designer/dlglock.h"
+#include "ide/designer/dlgmenu.h"
 #include "ide/designer/propwindow.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
@@ -29,6 +32,29 @@ void SETDESIGNTEXT(std::string_view label, std::string_view text) {
     if (!IsLoaded(DialogDlg)) return;
     STAMP();
     SetCaption(DESIGNCONTROL(label), text);
+}
+
+std::vector<int> DESIGNNUMBERS(std::string_view label) {
+    FRAME(DESIGNNUMBERS);
+    STAMP();
+    const std::string text = DESIGNTEXT(label);
+    std::vector<int> numbers;
+    for (std::size_t at = 1; at <= text.size();) {
+        const std::size_t before = at;
+        const int number = GETINT(text, at);
+        if (at == before) break;
+        numbers.push_back(number);
+    }
+    return numbers;
+}
+
+void SETDESIGNNUMBERS(std::string_view label, const std::vector<int>& numbers) {
+    FRAME(SETDESIGNNUMBERS);
+    STAMP();
+    std::string text;
+    for (const int number : numbers) text += (text.empty() ? "" : " ") + STR(number);
+    SETDESIGNTEXT(label, text);
+    STAMP();
 }
 
 std::string DESIGNITEM(int index) {
@@ -80,14 +106,26 @@ bool DESIGNSTEP(const std::function<void()>& action) {
     if (!IsLoaded(DialogDlg)) return false;
     STAMP();
     const DesignLists before = DESIGNLISTS();
+    const int dialog = DIALOGHISTORYNUMBER();
     ++stepDepth;
     action();
     --stepDepth;
     STAMP();
-    if (!IsLoaded(DialogDlg) || sameContent(before, DESIGNLISTS())) return false;
-    if (stepDepth == 0) DIALOGSETMODIFY(true);
+    if (!IsLoaded(DialogDlg) || dialog != DIALOGHISTORYNUMBER()) return false;
+    const DesignLists after = DESIGNLISTS();
+    if (sameContent(before, after)) return false;
+    STAMP();
+    if (stepDepth == 0) {
+        CARRYLOCKS(before, after);
+        DIALOGSETMODIFY(true);
+        NOTEDESIGNSTEP(before, after);
+    }
     STAMP();
     return true;
+}
+
+bool INDESIGNSTEP() {
+    return stepDepth > 0;
 }
 
 // ---- the selection ----
@@ -134,13 +172,8 @@ std::vector<int> SELECTEDOBJECTS() {
     if (first == 0) return {};
     std::vector<int> selected = {first};
     if (!isControl(first)) return selected;
-    const std::string others = DESIGNTEXT("hilites");
-    STAMP();
-    std::size_t at = 1, before = 0;
-    while (at <= others.size() && at != before) {
-        before = at;
-        if (const int index = GETINT(others, at); isControl(index)) addOnce(selected, index);
-    }
+    for (const int index : DESIGNNUMBERS("hilites"))
+        if (isControl(index)) addOnce(selected, index);
     STAMP();
     return selected;
 }
@@ -152,12 +185,12 @@ void SELECTOBJECTS(const std::vector<int>& indexes) {
     std::vector<int> selected;
     for (const int index : indexes)
         if (indexes.size() == 1 || isControl(index)) addOnce(selected, index);
-    std::string others;
-    for (std::size_t i = 1; i < selected.size(); ++i) others += (i > 1 ? " " : "") + STR(selected[i]);
     STAMP();
     SETDESIGNTEXT("hilite1", STR(selected.empty() ? 0 : selected[0]));
-    SETDESIGNTEXT("hilites", others);
+    if (!selected.empty()) selected.erase(selected.begin());
+    SETDESIGNNUMBERS("hilites", selected);
     SetHint(DialogDlg, hintFor(SELECTEDOBJECTS()));
+    UPDATEDIALOGMENU();
     STAMP();
     REFRESHPROPERTYWINDOW();
 }

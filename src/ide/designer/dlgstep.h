@@ -22,6 +22,9 @@ inline constexpr const char* DialogEditorTitle = "Dialog Editor";
 Object DESIGNCONTROL(std::string_view name);
 std::string DESIGNTEXT(std::string_view label);
 void SETDESIGNTEXT(std::string_view label, std::string_view text);
+// A label of numbers, parted by blanks; what is no number ends them.
+std::vector<int> DESIGNNUMBERS(std::string_view label);
+void SETDESIGNNUMBERS(std::string_view label, const std::vector<int>& numbers);
 std::string
 DESIGNITEM(int index);  // item n of datalist, or -1 item 1 of menulist, with LF at its end; else empty
 
@@ -39,6 +42,7 @@ DesignLists DESIGNLISTS();
 // Runs what one action of the user does to the lists. If they differ afterwards the dialog is marked as changed, and
 // the result is true. A step within a step is part of it.
 bool DESIGNSTEP(const std::function<void()>& action);
+bool INDESIGNSTEP();
 
 int SELECTEDOBJECT();          // as hilite1 has it
 void SELECTOBJECT(int index);  // and nothing else; without a redraw; tells screen readers

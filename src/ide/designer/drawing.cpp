@@ -2,6 +2,7 @@
 #include "ide/designer/drawing.h"
 
 #include "ide/designer/dlgdraw.h"
+#include "ide/designer/dlgmarks.h"
 #include "library/designer/proputil.h"
 #include "library/system/strings.h"
 
@@ -20,11 +21,12 @@ constexpr int TextInset = 3;  // pixels between the edge of a bar and its text
 // What the frame is painted in; the desktop's letters and ground are the rest.
 struct FrameColours {
     Bevel outer;
-    int inner, selection;
+    int inner, selection, hollow;
 };
-constexpr FrameColours light = {{0xE0E0E0, WHITE, DARKGREY, BLACK, NO_COLOUR}, LIGHTGREY, BLACK};
-constexpr FrameColours dark = {{0x606060, 0x707070, 0x303030, BLACK, NO_COLOUR}, 0x484848, WHITE};
+constexpr FrameColours light = {{0xE0E0E0, WHITE, DARKGREY, BLACK, NO_COLOUR}, LIGHTGREY, BLACK, WHITE};
+constexpr FrameColours dark = {{0x606060, 0x707070, 0x303030, BLACK, NO_COLOUR}, 0x484848, WHITE, BLACK};
 constexpr int CaptionGround = 0x8C5F3A, CaptionInk = WHITE;
+constexpr int ClickedGround = 0x2A7A2A;  // of numbers that the user has chosen
 
 struct Painting {
     const Object& window;
@@ -95,12 +97,43 @@ void drawControls(const Painting& p) {
     }
 }
 
-void drawSelection(const Painting& p) {
-    const int index = p.picture.selection;
-    if (index < 2 || static_cast<std::size_t>(index) > p.picture.dialog.size()) return;
+// Null if the picture has no such control.
+const std::string* controlOf(const Painting& p, int index) {
+    if (index < 2 || static_cast<std::size_t>(index) > p.picture.dialog.size()) return nullptr;
     const std::string& control = p.picture.dialog[static_cast<std::size_t>(index) - 1];
-    if (!control.empty())
-        DRAWHANDLERECT(p.window, placeOf(p, control), HANDLE_SIZE, p.colours.selection, NO_COLOUR);
+    return control.empty() ? nullptr : &control;
+}
+
+// The first selected one above the others.
+void drawSelection(const Painting& p) {
+    for (const int index : p.picture.others)
+        if (const std::string* const control = controlOf(p, index); control != nullptr)
+            DRAWHOLLOWHANDLERECT(p.window, placeOf(p, *control), HANDLE_SIZE, p.colours.selection,
+                                 p.colours.hollow);
+    if (const std::string* const control = controlOf(p, p.picture.selection); control != nullptr)
+        DRAWHANDLERECT(p.window, placeOf(p, *control), HANDLE_SIZE, p.colours.selection, NO_COLOUR);
+}
+
+void drawLocks(const Painting& p) {
+    for (const int index : p.picture.locked)
+        if (const std::string* const control = controlOf(p, index); control != nullptr)
+            DRAWLOCKMARK(p.window, placeOf(p, *control), p.colours.selection, p.colours.hollow);
+}
+
+void drawTabOrder(const Painting& p) {
+    setFrameFont(p.window);
+    for (std::size_t i = 0; i < p.picture.tabOrder.size(); ++i)
+        if (const std::string* const control = controlOf(p, p.picture.tabOrder[i]); control != nullptr)
+            DRAWNUMBERMARK(p.window, placeOf(p, *control), static_cast<int>(i) + 1, CaptionInk,
+                           i < p.picture.clicked ? ClickedGround : CaptionGround);
+}
+
+void drawMarks(const Painting& p) {
+    drawLocks(p);
+    if (p.picture.tabOrder.empty())
+        drawSelection(p);
+    else
+        drawTabOrder(p);
 }
 
 // From the right: close, maximise, minimise. The caption has what is left.
@@ -189,7 +222,7 @@ void DRAWWINDOW(const Object& window, const DesignPicture& picture) {
     drawGrid(painting);
     STAMP();
     drawControls(painting);
-    drawSelection(painting);
+    drawMarks(painting);
     STAMP();
     drawCaptionBar(painting);
     drawMenuBar(painting);

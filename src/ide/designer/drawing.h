@@ -14,6 +14,7 @@
 #include "kernel/windows/resources.h"
 
 #include <string>
+#include <vector>
 
 namespace tarn {
 
@@ -26,6 +27,10 @@ struct DesignPicture {
     std::string resourceFolder, compilerFolder;  // of pictures' paths
     int selection = 0;                           // as GETCLICKINDEX has it
     std::string resourceFile;                    // that declares pictures by name; empty: they are paths
+    std::vector<int> others;                     // controls that are selected too
+    std::vector<int> locked;                     // these have a mark
+    std::vector<int> tabOrder;  // if not empty, controls show their places in it, and no handles
+    std::size_t clicked = 0;    // how many of these places the user has chosen already
 };
 // The window has the dialog's font from then on: all measures go by it.
 void DRAWWINDOW(const Object& window, const DesignPicture& picture);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editblocks.h"
 
+#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/example.h"
 #include "ide/editor/lineends.h"
@@ -45,6 +46,7 @@ bool copySelection() {
 void DO_CUT() {
     FRAME(DO_CUT);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGCUT();
     if (!holdsFile()) return;
     STAMP();
     if (copySelection()) SetSelText(SDIEdit, "");
@@ -54,6 +56,7 @@ void DO_CUT() {
 void DO_COPY() {
     FRAME(DO_COPY);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGCOPY();
     if (holdsFile()) copySelection();
     STAMP();
 }
@@ -70,6 +73,7 @@ void DO_DELETE() {
 void DO_SELECT_ALL() {
     FRAME(DO_SELECT_ALL);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGSELECTALL();
     if (!holdsFile()) return;
     const int length = GetTextLength(SDIEdit);
     STAMP();
@@ -105,6 +109,8 @@ void DO_PASTE(const Object& programLabel) {
     FRAME(DO_PASTE);
     STAMP();
     Precondition(STREQUAL(GetTypeof(programLabel), "Label"));
+    STAMP();
+    if (DIALOGISINFRONT()) return DIALOGPASTE();
     STAMP();
     std::string text = textToPaste();
     STAMP();

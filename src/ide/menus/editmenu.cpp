@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editmenu.h"
 
+#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/editor/restore.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
@@ -14,6 +16,7 @@ namespace tarn {
 void DO_UNDO_TYPING() {
     FRAME(DO_UNDO_TYPING);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGUNDO();
     if (!CANUNDOTYPING()) return Sound();
     Undo(SDIEdit);
     STAMP();
@@ -22,6 +25,7 @@ void DO_UNDO_TYPING() {
 void DO_REDO_TYPING() {
     FRAME(DO_REDO_TYPING);
     STAMP();
+    if (DIALOGISINFRONT()) return DIALOGREDO();
     if (!CANREDOTYPING()) return Sound();
     Redo(SDIEdit);
     STAMP();
@@ -41,6 +45,12 @@ void DO_PROPERTIES() {
     if (!DIALOGISINFRONT()) return Sound();
     STAMP();
     DIALOGEDITSELECTED();
+}
+
+void DO_DIALOG_DUPLICATE() {
+    FRAME(DO_DIALOG_DUPLICATE);
+    STAMP();
+    DIALOGDUPLICATE();
 }
 
 }  // namespace tarn

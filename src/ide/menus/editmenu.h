@@ -9,7 +9,8 @@
 
 namespace tarn {
 
-// One step of what was done to the text in the Code window, back or forth; a sound when there is none.
+// One step of what was done to the text in the Code window, or in the dialog editor if the user was there last, back or
+// forth; a sound when there is none.
 void DO_UNDO_TYPING();
 void DO_REDO_TYPING();
 // Restores the Code window's file from one of its backups.
@@ -17,5 +18,7 @@ void DO_UNDO(const std::string& title, const std::string& backupFile, const Obje
 
 // The properties of what is selected in the dialog editor, if the user was there last; else a sound.
 void DO_PROPERTIES();
+// The selected controls of the dialog editor once more.
+void DO_DIALOG_DUPLICATE();
 
 }  // namespace tarn

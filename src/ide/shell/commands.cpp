@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/commands.h"
 
+#include "ide/designer/dlgmenu.h"
 #include "ide/menus/editblocks.h"
 #include "ide/menus/editmenu.h"
 #include "ide/menus/editsearch.h"
@@ -104,7 +105,9 @@ constexpr Row rows[] = {
     {"edit_replace_files", "", [](const Fired&) { DO_REPLACE_FILES(); }},
     {"edit_properties", "", [](const Fired&) { DO_PROPERTIES(); }},
     {"edit_dialog_properties", "", [](const Fired&) { DO_PROPERTY_WINDOW(); }},
-    {"edit_dialog_duplicate", "", nullptr},
+    {"edit_dialog_align_left", "",
+     [](const Fired& fired) { DIALOGCOMMAND(STRLOWER(GetName(fired.control))); }, true},
+    {"edit_dialog_duplicate", "", [](const Fired&) { DO_DIALOG_DUPLICATE(); }},
     {"view_line", "", [](const Fired&) { DO_LINE(); }},
     {"view_function_list", "", [](const Fired&) { DO_FUNCTION_LIST(); }},
     {"view_browse_info", "", [](const Fired&) { DO_BROWSE_INFO(); }},

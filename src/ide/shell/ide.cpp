@@ -10,6 +10,7 @@
 
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
+#include "ide/designer/dlgmenu.h"
 #include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/backup.h"
@@ -356,6 +357,7 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     enable("window_browser", ISSHOWN(BrowseInfoDlg));
     enable("window_error", ISSHOWN(ViewDlg));
     SetEnabled(MAINCONTROL("edit_dialog"), ISSHOWN(DialogDlg));
+    UPDATEDIALOGMENU();
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/undomenu.h"
 
+#include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/commands.h"
@@ -209,8 +211,9 @@ void UPDATEUNDOTYPINGITEMS() {
     FRAME(UPDATEUNDOTYPINGITEMS);
     if (!IsLoaded(Main)) return;
     STAMP();
-    SetEnabled(MAINCONTROL("edit_undo_typing"), CANUNDOTYPING());
-    SetEnabled(MAINCONTROL("edit_redo_typing"), CANREDOTYPING());
+    const bool dialog = DIALOGISINFRONT();
+    SetEnabled(MAINCONTROL("edit_undo_typing"), dialog ? DIALOGCANUNDO() : CANUNDOTYPING());
+    SetEnabled(MAINCONTROL("edit_redo_typing"), dialog ? DIALOGCANREDO() : CANREDOTYPING());
     STAMP();
 }
 

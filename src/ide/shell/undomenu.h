@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The items of the Edit menu that change with what there is to undo: the restore points of the Code window's file, newest
-// first under the headings of their days, and the two for the steps of the text itself.
+// first under the headings of their days, and the two for the steps of the text itself, or of the dialog editor while that is
+// in front.
 //
 // Cost of bringing them up to date: a look at the file's folder, and the menu is made anew only when it would differ.
 #pragma once

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The view without a screen: fixed measures, timers, and loops that let whoever plays the user go on.
+#include "platform/model/guides.h"
 #include "platform/model/state.h"
 
 #include "os/clock.h"
@@ -105,7 +106,7 @@ public:
         const auto drag = std::exchange(state().drag, std::nullopt);
         if (!drag) return track.start;
         track.pressed = drag->first;
-        return tracked(track, drag->second);
+        return tracked(track, drag->second, dragGuides());
     }
     Picture measured(std::string_view) override { return {}; }
     std::string encoded(const std::string&, const std::string&) override { return {}; }

@@ -46,7 +46,7 @@ Rect QtView::track(Window& window, Track track) {
     if (frame == nullptr || !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) return track.start;
     const QPoint at = frame->client().mapFromGlobal(lastPress());
     track.pressed = {at.x(), at.y()};
-    Tracker tracker(frame->client(), track);
+    Tracker tracker(frame->client(), track, dragGuides());
     loop([&] { return tracker.done(); });
     return tracker.result();
 }

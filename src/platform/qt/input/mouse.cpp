@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/input/mouse.h"
 
+#include "platform/model/guides.h"
 #include "platform/qt/drawing/surface.h"
 #include "platform/qt/windows/frame.h"
 
@@ -47,9 +48,17 @@ bool hearsDoubleClick(const Control& control) {
     }
 }
 
-bool tell(Control& control, QEvent::Type type, QPoint at) {
-    switch (type) {
-    case QEvent::MouseButtonPress: return userMouseDown(control, at.x(), at.y());
+int keysOf(const QEvent& event) {
+    const auto held = static_cast<const QMouseEvent&>(event).modifiers();
+    return (held.testFlag(Qt::ControlModifier) ? MOUSE_CTRL : 0) |
+           (held.testFlag(Qt::ShiftModifier) ? MOUSE_SHIFT : 0);
+}
+
+bool tell(Control& control, const QEvent& event, QPoint at) {
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+        userMouseKeys(keysOf(event));
+        return userMouseDown(control, at.x(), at.y());
     case QEvent::MouseButtonDblClick:
         if (hearsDoubleClick(control)) userDoubleClick(control, at.x(), at.y());
         return false;
@@ -72,7 +81,7 @@ bool hearMouse(QWidget& receiver, QEvent& event) {
     Control* control = frame->controlOf(&receiver);
     if (control == nullptr || !control->enabled) control = frame->model();
     const QPointer<QWidget> alive(&receiver);
-    const bool handled = tell(*control, event.type(), client.mapFromGlobal(*global));
+    const bool handled = tell(*control, event, client.mapFromGlobal(*global));
     return handled || alive.isNull() || frameOfWidget(&receiver) == nullptr;
 }
 

@@ -8,6 +8,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn::platform::qt {
 
@@ -42,11 +43,25 @@ QLabel* makeLabel(QWidget& client) {
     return label;
 }
 
+QFrame* makeGuide(QWidget& client) {
+    auto* const line = new QFrame(&client);
+    line->setObjectName(QStringLiteral("guide"));
+    line->setAttribute(Qt::WA_TransparentForMouseEvents);
+    line->setAutoFillBackground(true);
+    QPalette palette = line->palette();
+    palette.setColor(QPalette::Window, palette.color(QPalette::Highlight));
+    line->setPalette(palette);
+    return line;
+}
+
 }  // namespace
 
-Tracker::Tracker(QWidget& client, const Track& track)
+Tracker::Tracker(QWidget& client, const Track& track, DragGuides guides)
     : client_(&client), band_(new QRubberBand(QRubberBand::Rectangle, &client)), label_(makeLabel(client)),
-      track_(track), rect_(track.start) {
+      guideX_(makeGuide(client)), guideY_(makeGuide(client)), track_(track), guides_(std::move(guides)),
+      rect_(track.start) {
+    for (std::size_t i = 0; i < guides_.along.size(); ++i)
+        along_.emplace_back(new QRubberBand(QRubberBand::Rectangle, &client));
     QApplication::setOverrideCursor(cursorOf(track_));
     qApp->installEventFilter(this);
 }
@@ -56,16 +71,41 @@ Tracker::~Tracker() {
     QApplication::restoreOverrideCursor();
     delete band_.data();
     delete label_.data();
+    delete guideX_.data();
+    delete guideY_.data();
+    for (const auto& band : along_) delete band.data();
 }
 
-void Tracker::follow(QPoint global) {
+void Tracker::follow(const QMouseEvent& event) {
     if (client_.isNull()) return;
-    const QPoint at = client_->mapFromGlobal(global);
+    const bool free = event.modifiers().testFlag(Qt::AltModifier);
+    const QPoint at = client_->mapFromGlobal(event.globalPosition().toPoint());
     const QPoint way = at - QPoint(track_.pressed.x, track_.pressed.y);
     if (!moved_ && track_.mode == TRACK_MOVE && way.manhattanLength() < ClickSlack) return;
     moved_ = true;
-    rect_ = tracked(track_, {at.x(), at.y()});
+    rect_ = tracked(track_, {at.x(), at.y()}, guides_, free);
+    showAlong();
+    showGuides(free);
     showAt(at);
+}
+
+void Tracker::showAlong() {
+    const std::vector<Rect> rects = trackedAlong(track_, rect_, guides_);
+    for (std::size_t i = 0; i < rects.size(); ++i) {
+        if (along_[i].isNull()) continue;
+        along_[i]->setGeometry(rects[i].x, rects[i].y, rects[i].w, rects[i].h);
+        along_[i]->show();
+    }
+}
+
+void Tracker::showGuides(bool free) {
+    if (guideX_.isNull() || guideY_.isNull()) return;
+    const Rect& area = track_.bounds;
+    const Point at = free ? Point{-1, -1} : guidesAt(rect_, guides_);
+    guideX_->setGeometry(at.x, area.y, 1, area.h);
+    guideY_->setGeometry(area.x, at.y, area.w, 1);
+    guideX_->setVisible(at.x >= 0);
+    guideY_->setVisible(at.y >= 0);
 }
 
 // The label stands where it covers neither the pointer nor the edge of the window.
@@ -91,10 +131,10 @@ void Tracker::showAt(QPoint pointer) {
 // All input is the drag's until it ends.
 bool Tracker::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
-    case QEvent::MouseMove: follow(static_cast<QMouseEvent*>(event)->globalPosition().toPoint()); return true;
+    case QEvent::MouseMove: follow(*static_cast<QMouseEvent*>(event)); return true;
     case QEvent::MouseButtonRelease:
         if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-            follow(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+            follow(*static_cast<QMouseEvent*>(event));
             done_ = true;
         }
         return true;

@@ -402,6 +402,46 @@ TEST_F(Drawing, TheSelectedControlHasHandlesAboveAllOthers) {
     }
 }
 
+TEST_F(Drawing, OtherSelectedControlsHaveHollowHandlesBelowThoseOfTheFirst) {
+    DesignPicture p = picture("", {control("Label1", "0 0 20 10"), control("Label2", "40 0 20 10")});
+    p.mode = CLIENT_ONLY;
+    p.selection = 2;
+    p.others = {3, 0, 1, 99};
+    const Calls all = of(redrawn(p), "shape");
+    ASSERT_EQ(all.size(), 18U);
+    EXPECT_EQ(all[0], "shape 0 70 10 30 16 000000 -");
+    EXPECT_EQ(all[1], "shape 0 70 10 4 4 000000 ffffff");
+    EXPECT_EQ(all[8], "shape 0 96 22 4 4 000000 ffffff");
+    EXPECT_EQ(all[9], "shape 0 10 10 30 16 000000 -");
+    EXPECT_EQ(all[10], "shape 0 10 10 4 4 000000 000000");
+    view->dark = true;
+    EXPECT_EQ(of(redrawn(p), "shape")[1], "shape 0 70 10 4 4 ffffff 000000");
+}
+
+TEST_F(Drawing, ALockedControlHasAMark) {
+    DesignPicture p = picture("", {control("Label1", "0 0 20 10"), control("Label2", "40 0 20 10")});
+    p.mode = CLIENT_ONLY;
+    p.locked = {3, 7};
+    EXPECT_EQ(of(redrawn(p), "shape"),
+              (Calls{"shape 0 85 14 11 11 ffffff ffffff", "shape 0 88 15 5 6 000000 -",
+                     "shape 0 86 19 9 5 000000 000000"}));
+}
+
+TEST_F(Drawing, NumbersOfAnOrderStandInPlaceOfHandles) {
+    DesignPicture p = picture("", {control("Label1", "0 0 20 10"), control("Label2", "40 0 20 10")});
+    p.mode = CLIENT_ONLY;
+    p.selection = 2;
+    p.tabOrder = {3, 2};
+    p.clicked = 1;
+    const Calls all = redrawn(p);
+    EXPECT_EQ(of(all, "shape"),
+              (Calls{"shape 0 70 10 15 15 2a7a2a 2a7a2a", "shape 0 10 10 15 15 8c5f3a 8c5f3a"}));
+    const Calls texts = of(all, "text");
+    ASSERT_EQ(texts.size(), 2U);
+    EXPECT_NE(texts[0].find("\"1\" Microsoft Sans Serif 8"), std::string::npos) << texts[0];
+    EXPECT_NE(texts[1].find("\"2\" Microsoft Sans Serif 8"), std::string::npos) << texts[1];
+}
+
 TEST_F(Drawing, TheCaptionBarHasTheButtonsThatTheDialogHas) {
     const auto bar = [&](const std::string& more) { return redrawn(picture("CAPTION=\"Hello\"\n" + more)); };
     EXPECT_EQ(of(bar(""), "text"), (Calls{"text 17 16 \"Hello\" Microsoft Sans Serif 8"}));
