@@ -9,7 +9,6 @@
 #include "library/designer/proputil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
-#include "platform/text.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -26,10 +25,25 @@ using Lists = std::vector<std::string>;
 
 constexpr std::size_t longestName = 40;
 
+// A letter or "_", then letters, digits and "_".
+bool isIdentifier(const std::string& name) {
+    const auto mayBe = [](char c) {
+        return c == '_' || ISDIGIT(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    };
+    return !name.empty() && !ISDIGIT(name[0]) && std::all_of(name.begin(), name.end(), mayBe);
+}
+
+// Of a control that is named by its number.
+bool isNumber(const std::string& name) {
+    bool ok = false;
+    static_cast<void>(CVTI(name, ok));
+    return ok && (name == "-1" || ISDIGITS(name));
+}
+
 bool mayBeName(const std::string& name) {
     if (name.empty() || name.size() > longestName) return false;
     if (STRFIND(" " + name + " ", " " + std::string(BadNames) + " ") != 0) return false;
-    return platform::isIdentifier(name) || platform::wholeNumber(name).has_value();
+    return isIdentifier(name) || isNumber(name);
 }
 
 // The names of a dialog and its menu, in upper case.
@@ -54,7 +68,7 @@ private:
         constexpr std::size_t longest = 30;
         std::string stem = name;
         while (!stem.empty() && ISDIGIT(stem.back())) stem.pop_back();
-        return mayBeName(name) && platform::isIdentifier(stem) ? stem.substr(0, longest) : STRNAMECASE(type);
+        return mayBeName(name) && isIdentifier(stem) ? stem.substr(0, longest) : STRNAMECASE(type);
     }
     // A stem with digits and "_" in it is none for GETNEXTNAME, so each stands as this letter there.
     [[nodiscard]] std::string next(const std::string& stem) const {
