@@ -13,6 +13,7 @@
 #include "ide/designer/dlgzoom.h"
 #include "ide/designer/drawing.h"
 #include "ide/designer/geometry.h"
+#include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/statusline.h"
@@ -113,6 +114,7 @@ void DIALOGREDRAW() {
     DRAWWINDOW(DialogDlg, picture);
     drawing = false;
     STAMP();
+    REFRESHPROPERTYWINDOW();
 }
 
 // ---- opening ----
@@ -154,6 +156,10 @@ void loadEditor(const DialogOpening& opening) {
     if (modal && IsLoaded(DialogDlg)) Unload(DialogDlg);
     STAMP();
     if (!modal) TOOLBOXOPEN(opening.helpFile, opening.toolboxHelpKey);
+    if (modal)
+        PROPERTYWINDOWCLOSE();
+    else
+        PROPERTYWINDOWOPEN();
     STAMP();
     Load(DialogDlg);
     STAMP();

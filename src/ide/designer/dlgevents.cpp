@@ -13,6 +13,7 @@
 #include "ide/designer/dlgtab.h"
 #include "ide/designer/dlgzoom.h"
 #include "ide/designer/geometry.h"
+#include "ide/designer/propwindow.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/designer/proputil.h"
@@ -105,7 +106,7 @@ void stepSelection(int by) {
 void showToolbox() {
     if (ISSHOWN(ToolboxDlg))
         Show(ToolboxDlg, false);
-    else
+    else if (!GOTOPROPERTYWINDOW())
         Sound();
 }
 
@@ -292,6 +293,9 @@ void DIALOGSELECTALL() {
 
 bool DIALOGDLG(const Object&, int event, const Object&, int parameter) {
     FRAME(DIALOGDLG);
+    STAMP();
+    if ((event == KEYPRESS_EVENT || event == MOUSEDOWN_EVENT || event == INFO_EVENT) && !KEEPTYPEDPROPERTY())
+        return true;
     STAMP();
     bool handled = false;
     for (const EventRow& row : events)

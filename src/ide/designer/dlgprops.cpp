@@ -5,10 +5,10 @@
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/menuedit.h"
+#include "ide/designer/proplines.h"
 #include "library/designer/propedit.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/designer/proputil.h"
-#include "library/settings/placeholders.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
@@ -19,10 +19,6 @@ MODULE("dlgedit")
 
 namespace tarn {
 namespace {
-
-PlaceholderFolders folders() {
-    return {DESIGNTEXT("resourcedir"), DESIGNTEXT("compilerdir")};
-}
 
 std::string itemOf(const Object& list, int item) {
     return GetList(list, item) + "\n";
@@ -35,70 +31,16 @@ void store(const Object& list, int item, std::string properties) {
 
 // ---- the sheet ----
 
-// A property on its way through the sheet.
-struct SheetRow {
-    std::string name, line;  // the line as it stands in the list
-    std::string options, value;
-};
-
-// The options of a property in the type's description; what the type does not know is not shown.
-std::string optionsOf(const std::string& types, const std::string& name) {
-    for (int n = 1; n <= STRLINES(types); ++n) {
-        const std::string line = STRLINE(types, n), word = STRWORD(line, 1);
-        if (STREQUAL(word, name)) return STRTRIM(line.substr(std::min(line.size(), word.size())));
-    }
-    return "HIDDEN";
-}
-
-std::vector<SheetRow> rowsOf(const std::string& list, bool isWindow) {
-    const std::string types = GETOBJECTTYPELIST(GETPROPVALUE(list, "TYPEOF"));
-    const std::string names = GETPROPNAMES(list), values = GETPROPVALUE(list, "");
-    std::vector<SheetRow> rows;
-    for (int n = 1; n <= STRLINES(names); ++n) {
-        SheetRow row{STRLINE(names, n), STRLINE(list, n), "", STRLINE(values, n)};
-        row.options = isWindow && STREQUAL(row.name, "TYPEOF")
-                          ? R"(STRING("Dialog","Editwindow","Richeditwindow"))"
-                          : optionsOf(types, row.name);
-        // A path is shown as it is on this machine.
-        if (STREQUAL(row.name, "PICTURE") && row.value.find('<') != std::string::npos)
-            row.value = FILERESOLVEPATHS(row.value, folders());
-        rows.push_back(std::move(row));
-    }
-    return rows;
-}
-
-std::string joined(const std::vector<SheetRow>& rows, std::string SheetRow::*column) {
+std::string joined(const std::vector<PropertyLine>& rows, std::string PropertyLine::*column) {
     std::string text;
-    for (const SheetRow& row : rows) text += row.*column + "\n";
+    for (const PropertyLine& row : rows) text += row.*column + "\n";
     return text;
 }
 
-bool isQuoted(const SheetRow& row) {
-    return (row.options.starts_with("STRING") || row.options.starts_with("FILENAME")) &&
-           !STREQUAL(row.name, "TYPEOF");
-}
-
-// What the sheet makes of a value that it is given, so that only what the user has done counts as a change.
-std::string asShown(const SheetRow& row) {
-    if (row.options == "HIDDEN") return row.value;
-    const std::string value = GETNEXTVALUE(row.options, row.value, 0);
-    return CHECKVALUE(row.options, value).message.empty() ? value : "\n";
-}
-
-bool sameValue(const SheetRow& row, const std::string& now) {
-    return now == row.value || now == asShown(row);
-}
-
-std::string rebuilt(const std::vector<SheetRow>& rows, const std::string& values) {
+std::string rebuilt(const std::vector<PropertyLine>& rows, const std::string& values) {
     std::string list;
     int n = 0;
-    for (const SheetRow& row : rows) {
-        const std::string value = STRLINE(values, ++n);
-        if (sameValue(row, value))
-            list += row.line + "\n";
-        else
-            list += row.name + "=" + (isQuoted(row) ? STRADDQUOTES(value) : value) + "\n";
-    }
+    for (const PropertyLine& row : rows) list += PROPERTYLINE(row, STRLINE(values, ++n)) + "\n";
     return list;
 }
 
@@ -106,12 +48,12 @@ void editProperties(const Object& datalist, int index, const std::string& helpFi
                     const std::string& helpKey) {
     FRAME(EDITPROPERTIES);
     const std::string list = itemOf(datalist, index);
-    const std::vector<SheetRow> rows = rowsOf(list, index == 1);
+    const std::vector<PropertyLine> rows = PROPERTYLINES(list, index == 1);
     const std::string title = STRNAMECASE(GETPROPVALUE(list, "NAME") + ":" + GETPROPVALUE(list, "TYPEOF"));
-    std::string values = joined(rows, &SheetRow::value);
+    std::string values = joined(rows, &PropertyLine::value);
     STAMP();
-    if (!PROPERTIESDIALOG(title, helpFile, helpKey, joined(rows, &SheetRow::name),
-                          joined(rows, &SheetRow::options), values))
+    if (!PROPERTIESDIALOG(title, helpFile, helpKey, joined(rows, &PropertyLine::name),
+                          joined(rows, &PropertyLine::options), values))
         return;
     STAMP();
     store(datalist, index, rebuilt(rows, values));
@@ -171,7 +113,7 @@ struct Edited {
 
 void unresolvePicture(Edited& object) {
     const std::string picture = GETPROPVALUE(object.properties, "PICTURE");
-    const std::string stored = FILEUNRESOLVEPATHS(picture, folders());
+    const std::string stored = FILEUNRESOLVEPATHS(picture, DESIGNFOLDERS());
     if (stored != picture) SETPROPVALUE("PICTURE", STRADDQUOTES(stored), object.properties);
 }
 

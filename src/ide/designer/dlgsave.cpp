@@ -8,6 +8,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
@@ -135,6 +136,8 @@ void DIALOGSAVE() {
     FRAME(DIALOGSAVE);
     if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
     STAMP();
+    if (!KEEPTYPEDPROPERTY()) return;
+    STAMP();
     Save save{DIALOGGETFILENAME(), DIALOGGETDLGNAME()};
     const std::string before = FILETEXT(save.file);
     bool saved = true;
@@ -149,6 +152,8 @@ void DIALOGSAVE() {
 
 bool DIALOGSAVEIFMODIFIED() {
     FRAME(DIALOGSAVEIFMODIFIED);
+    STAMP();
+    static_cast<void>(KEEPTYPEDPROPERTY());
     STAMP();
     if (!DIALOGGETMODIFY()) return true;
     const std::string answer =
@@ -165,6 +170,8 @@ bool DIALOGSAVEIFMODIFIED() {
 bool DIALOGMAYCLOSE() {
     FRAME(DIALOGMAYCLOSE);
     STAMP();
+    if (!KEEPTYPEDPROPERTY()) return false;
+    STAMP();
     std::string answer = "&No";
     if (DIALOGGETMODIFY())
         answer =
@@ -176,6 +183,7 @@ bool DIALOGMAYCLOSE() {
     STAMP();
     if (answer != "&No" && (answer != "&Yes" || DIALOGGETMODIFY())) return false;
     TOOLBOXCLOSE();
+    PROPERTYWINDOWCLOSE();
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlglock.h"
 #include "ide/designer/dlgmenu.h"
+#include "ide/designer/propwindow.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
@@ -191,6 +192,7 @@ void SELECTOBJECTS(const std::vector<int>& indexes) {
     SetHint(DialogDlg, hintFor(SELECTEDOBJECTS()));
     UPDATEDIALOGMENU();
     STAMP();
+    REFRESHPROPERTYWINDOW();
 }
 
 void SELECTOBJECT(int index) {

@@ -4,6 +4,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/propwindow.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -47,9 +48,9 @@ bool keyPressed(int key) {
         TOOLBOXCLOSE();
     else if (key == KEY_F1)
         DESIGNHELP(GetCaption(tool("helpfile")), GetCaption(tool("helpkey")));
-    else if (key == F6)
+    else if (key == F6 && !GOTOPROPERTYWINDOW())
         Show(DialogDlg, false);
-    else
+    else if (key != F6)
         return false;
     return true;
 }

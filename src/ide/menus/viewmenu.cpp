@@ -5,6 +5,7 @@
 #include "ide/build/toolrun.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgzoom.h"
+#include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/completion.h"
 #include "ide/editor/declaration.h"
@@ -172,6 +173,12 @@ void DO_TOOLBOX(const Object& menuItem) {
     if (!ISSHOWN(DialogDlg)) return Sound();
     if (TOOLBOXGETVISIBLE()) return TOOLBOXCLOSE();
     TOOLBOXOPEN(GETHELPFILE(), "Toolbox");
+}
+
+void DO_PROPERTY_WINDOW() {
+    FRAME(DO_PROPERTY_WINDOW);
+    STAMP();
+    PROPERTYWINDOWTOGGLE();
 }
 
 }  // namespace tarn

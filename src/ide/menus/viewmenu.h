@@ -24,6 +24,7 @@ void DO_TAB_WIDTH(int columns);
 void DO_ZOOM(int points);  // 0: the size of the font; the design has steps of its own
 void DO_LINE_ENDS(int ends);
 void DO_TOOLBOX(const Object& menuItem);  // shows or hides it; a sound without a dialog
+void DO_PROPERTY_WINDOW();                // the same of the Properties window
 void DO_STD_TOOLBAR(const Object& mainWindow, const Object& label, const Object& menuItem);
 
 }  // namespace tarn

@@ -2,6 +2,7 @@
 #include "ide/program/projedit.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/propwindow.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
@@ -18,7 +19,8 @@ std::string COMPILERGETMAINFILE() {
 
 std::string GETSAVEWINDOW() {
     FRAME(GETSAVEWINDOW);
-    const Object active = ActiveWindow();
+    Object active = ActiveWindow();
+    if (active == PropertyDlg) active = DialogDlg;  // it is the design that is worked on there
     STAMP();
     for (const Object& window : {SDIEdit, DialogDlg}) {
         if (active == window && IsLoaded(window) && GetVisible(window)) return STRLOWER(window.window());

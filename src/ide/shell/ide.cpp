@@ -11,6 +11,7 @@
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
 #include "ide/designer/dlgmenu.h"
+#include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/changedfile.h"
@@ -374,6 +375,7 @@ void UPDATEMAINWINDOW() {
     STAMP();
     enable("view_toolbox", ISSHOWN(DialogDlg));
     SetChecked(MAINCONTROL("view_toolbox"), TOOLBOXGETVISIBLE());
+    SetChecked(MAINCONTROL("edit_dialog_properties"), PROPERTYWINDOWVISIBLE());
     STAMP();
     UPDATEUNDOMENU();
     STAMP();

@@ -4,6 +4,7 @@
 #include "platform/model/model.h"
 
 #include "platform/model/state.h"
+#include "platform/operations/focus.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -110,6 +111,8 @@ bool takesInput(const Window& window) {
 void activate(Window& window) {
     State& s = state();
     if (!s.activation.empty() && s.activation.back() == window.handle) return;
+    const Window* const before = s.activation.empty() ? nullptr : windowOfHandle(s.activation.back());
+    if (before != nullptr) leaveFocus(*before);
     std::erase(s.activation, window.handle);
     s.activation.push_back(window.handle);
     const Object object = window.object;

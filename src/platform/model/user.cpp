@@ -4,6 +4,7 @@
 // was given may be gone when it returns. A window that takes no input hears nothing.
 #include "platform/model/drawscale.h"
 #include "platform/model/state.h"
+#include "platform/operations/focus.h"
 
 #include <algorithm>
 
@@ -52,6 +53,7 @@ void userCommand(Control& control) {
 
 void userChange(Control& control) {
     if (!isAlive(control)) return;
+    userFocus(control);
     if (control.type == Type::Combobox) control.listIndex = 0;
     send(control, CHANGE_EVENT);
 }
@@ -91,6 +93,7 @@ void userDrag(Point pressed, Point released) {
 bool userKey(Window& window, Control* focus, int key) {
     if (!isAlive(window) || !takesInput(window)) return false;
     if (focus != nullptr && !isAlive(*focus)) focus = nullptr;
+    if (focus != nullptr) userFocus(*focus);
     const Object object = window.object;
     const Object sender = focus != nullptr ? focus->object : object;
     if (sendEvent(object, KEYPRESS_EVENT, sender, key)) return true;

@@ -52,6 +52,7 @@ enum class Property {
     Folded,
     Choices,
     CallTip,
+    Focus,
 };
 
 namespace types {

@@ -4,6 +4,7 @@
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
+#include "platform/operations/focus.h"
 #include "platform/qt/controls/widgets.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/drawing/printing.h"
@@ -466,6 +467,7 @@ void QtView::watch(int descriptor, std::function<void()> ready) {
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     const auto type = event->type();
+    if (type == QEvent::FocusIn) noteFocus(receiver);
     if (!isInput(type)) return false;
     if (type == QEvent::KeyPress || type == QEvent::MouseButtonPress) input_ = true;
     auto* widget = receiver->isWidgetType() ? static_cast<QWidget*>(receiver) : nullptr;
@@ -481,6 +483,13 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     // the command has to know where its user was.
     if (type == QEvent::MouseButtonPress && over != nullptr) enter(*frameOfWidget(widget));
     return type == QEvent::KeyPress && key(receiver, *static_cast<QKeyEvent*>(event));
+}
+
+void QtView::noteFocus(QObject* receiver) {
+    auto* widget = receiver->isWidgetType() ? static_cast<QWidget*>(receiver) : nullptr;
+    const Frame* const frame = widget != nullptr ? frameOfWidget(widget) : nullptr;
+    Control* const control = frame != nullptr ? frame->controlOf(widget) : nullptr;
+    if (control != nullptr) userFocus(*control);
 }
 
 bool QtView::key(QObject* receiver, QKeyEvent& event) {

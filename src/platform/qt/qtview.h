@@ -79,6 +79,7 @@ protected:
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
 private:
+    void noteFocus(QObject* receiver);               // it has got the focus
     bool key(QObject* receiver, QKeyEvent& event);   // true: handled
     bool typeAhead(Frame& frame, QKeyEvent& event);  // a key for the window that is about to get the focus
     bool command(Frame& frame, int shortcut);        // a menu's shortcut, this window's or the main window's

@@ -292,6 +292,7 @@ void Frame::applyTo(Control& control, Property property) {
         widget.setToolTip(shown(control.hint));
         nameControls();
         break;
+    case Property::Focus: peer->focusWidget()->setFocus(Qt::TabFocusReason); break;
     default: break;
     }
     peer->apply(property);
