@@ -7,6 +7,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/toolbox.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
@@ -109,7 +110,7 @@ bool rename(Save& save) {
     if (!error.empty()) return tell(error), false;
     renamed(save, name);
     NOTEDIALOGSEEN(save.file, name);
-    CHECKRENAMEFUNCTION(FILECHANGEEXT(save.file, ClassExtension), save.oldName, name);
+    CHECKRENAMEFUNCTION(TWINFILE(save.file, ClassExtension), save.oldName, name);
     AUTOREFRESHPROJECT();
     return true;
 }

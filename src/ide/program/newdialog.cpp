@@ -3,6 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/lineends.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
@@ -64,7 +65,7 @@ struct Target {
 };
 
 Target twinsOf(const std::string& file) {
-    return {FILECHANGEEXT(file, ClassExtension), FILECHANGEEXT(file, ResourceExtension), {}};
+    return {TWINFILE(file, ClassExtension), TWINFILE(file, ResourceExtension), {}};
 }
 
 // The file of the selected row; of a row that is neither a class nor a resource file, the class that it belongs to.
@@ -202,7 +203,7 @@ void addWindowFunction(const std::string& name, const std::string& classFile) {
     STAMP();
     std::string error = function.message;
     if (error.empty()) {
-        const bool inWindow = STREQUAL(EDITWNDGETFILENAME(SDIEdit), classFile);
+        const bool inWindow = ISINEDITOR(classFile);
         error = inWindow ? addToWindow(name, function.text) : addToFile(name, function.text, classFile);
     }
     STAMP();

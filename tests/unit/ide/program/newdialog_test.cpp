@@ -154,6 +154,36 @@ TEST_F(NewDialog, AClassThatCannotTakeTheFunctionIsTold) {
     EXPECT_EQ(DIALOGGETDLGNAME(), "Dialog1");  // the dialog is there all the same
 }
 
+TEST_F(NewDialog, FilesWithTheirExtensionsInUpperCaseAreTwinsToo) {
+    write("a.CLS", Class);
+    write("a.RC", Main1);
+    openProgram({"a.CLS", "a.RC"});
+    run();
+    EXPECT_EQ(text("a.RC"), Main1 + std::string("\n") + dialogText("Dialog1"));
+    EXPECT_NE(functions(text("a.CLS"), "Dialog1"), 0);
+    EXPECT_FALSE(std::filesystem::exists(dir + "a.rc"));
+    EXPECT_FALSE(std::filesystem::exists(dir + "a.cls"));
+}
+
+TEST_F(NewDialog, AFileOfTheSameNameInOtherCaseIsAnotherClass) {
+    write("a.cls", Class);
+    openProgram({"a.cls"});
+    EDITWNDOPEN(SDIEdit, write("A.cls", Class), false, 0);
+    run();
+    EXPECT_NE(functions(text("a.cls"), "Dialog1"), 0);
+    EXPECT_EQ(GetText(SDIEdit), Class);
+}
+
+TEST_F(NewDialog, AClassThatIsInTheCodeWindowByALinkIsChangedThere) {
+    write("a.cls", Class);
+    openProgram({"a.cls"});
+    std::filesystem::create_symlink(dir + "a.cls", dir + "link.cls");
+    EDITWNDOPEN(SDIEdit, dir + "link.cls", false, 0);
+    run();
+    EXPECT_EQ(text("a.cls"), Class);
+    EXPECT_NE(functions(GetText(SDIEdit), "Dialog1"), 0);
+}
+
 TEST_F(NewDialog, WithoutAProgramItGoesBesideTheClassInTheCodeWindow) {
     EDITWNDOPEN(SDIEdit, write("a.cls", Class), false, 0);
     run();
