@@ -19,9 +19,19 @@
 namespace tarn {
 namespace {
 
+// The report of a failed save. Where the file stayed as it was, the report goes on about the window that holds the text;
+// that of a new dialog stands in none.
+std::string saveFailure() {
+    const std::string report = SAVEFILEREPORT();
+    const std::size_t window = report.find("The file on disk is as it was,");
+    return window == std::string::npos
+               ? report
+               : report.substr(0, window) + "Nothing was added to it. Try again when the cause is gone.";
+}
+
 void NEWDIALOG_ONERROR(std::int32_t code) {
     if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
-    const std::string failedSave = SAVEFILEREPORT();
+    const std::string failedSave = saveFailure();
     TELLERROR(code, !failedSave.empty() ? failedSave
                                         : "Nothing was added to the file. Check that you may read it.");
 }

@@ -302,7 +302,10 @@ TEST_F(NewDialogOnBadDisk, AFullDiskIsToldAndLeavesTheFile) {
     EDITWNDOPEN(SDIEdit, "/w/a.cls", false, 0);
     disk.setFreeBytes(0);
     run();
-    EXPECT_FALSE(asked.empty());
+    ASSERT_FALSE(asked.empty());
+    EXPECT_NE(asked[0].text.find("\t'/w/a.rc'\n"), std::string::npos) << asked[0].text;
+    EXPECT_TRUE(asked[0].text.ends_with("\nNothing was added to it. Try again when the cause is gone."))
+        << asked[0].text;  // no window has the text of a new dialog
     EXPECT_EQ(disk.contents("/w/a.rc"), Main1);
     EXPECT_EQ(DIALOGGETFILENAME(), "");
 }
