@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/designer/dlgcode.h"
 
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/windows.h"
 #include "library/settings/profstr.h"
@@ -20,14 +21,10 @@ constexpr const char* RenameTitle = "Rename Function";
 // What SYMSCANSOURCE lists, and the mode in its low bits.
 constexpr int FromText = 0, FromFile = 1, WithParentheses = 1024, WithLines = 2048, WithEvents = 4096;
 
-bool isInCodeWindow(const std::string& classFile) {
-    return IsLoaded(SDIEdit) && STREQUAL(EDITWNDGETFILENAME(SDIEdit), classFile);
-}
-
 // The class where it is at its newest: the text of the Code window, or the file.
 struct ClassSource {
     explicit ClassSource(const std::string& classFile)
-        : open(isInCodeWindow(classFile)), mode(open ? FromText : FromFile),
+        : open(ISINEDITOR(classFile)), mode(open ? FromText : FromFile),
           source(open ? GetText(SDIEdit) : classFile) {}
     bool open;
     int mode;
@@ -88,7 +85,7 @@ void SHOWCODEFILE(const std::string& resourceFile, const std::string& objectName
                   const std::string& objectType) {
     FRAME(SHOWCODEFILE);
     STAMP();
-    const std::string classFile = FILECHANGEEXT(resourceFile, ClassExtension);
+    const std::string classFile = TWINFILE(resourceFile, ClassExtension);
     const ClassSource from(classFile);
     const std::string list = SYMSCANSOURCE(from.source, from.mode | WithParentheses | WithLines | WithEvents);
     STAMP();
@@ -97,7 +94,8 @@ void SHOWCODEFILE(const std::string& resourceFile, const std::string& objectName
     const std::string_view event = eventOf(objectType);
     const int handler = event.empty() ? 0 : lineOf(list, objectName + "()." + std::string(event));
     STAMP();
-    EDITWNDOPEN(SDIEdit, classFile, false, handler != 0 ? handler : line);
+    EDITWNDOPEN(SDIEdit, from.open ? EDITWNDGETFILENAME(SDIEdit) : classFile, false,
+                handler != 0 ? handler : line);
     STAMP();
     if (IsLoaded(Main)) SetCaption(MAINCONTROL("CodeLabel"), EDITWNDGETFILENAME(SDIEdit));
 }

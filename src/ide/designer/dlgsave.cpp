@@ -10,6 +10,7 @@
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
@@ -113,7 +114,7 @@ bool rename(Save& save) {
     renamed(save, name);
     DIALOGHISTORYAPART();
     NOTEDIALOGSEEN(save.file, name);
-    CHECKRENAMEFUNCTION(FILECHANGEEXT(save.file, ClassExtension), save.oldName, name);
+    CHECKRENAMEFUNCTION(TWINFILE(save.file, ClassExtension), save.oldName, name);
     AUTOREFRESHPROJECT();
     return true;
 }

@@ -86,6 +86,19 @@ std::string MAKETESTFILE(const std::string& file, const std::string& dialog, Scr
     return error.empty() ? scratch.rename(dialog) : error;
 }
 
+// The window blocks all others, so one without a size, or wholly to the left of the screen or above it, comes into sight.
+void bringIntoSight(const Object& window) {
+    constexpr int Least = 40;  // pixels
+    const Rect screen = ScreenSize(), client = GetPosition(window, CLIENT_UNIT),
+               now = GetPosition(window, WINDOW_UNIT);
+    Rect at = now;
+    at.w += std::max(Least - client.w, 0);
+    at.h += std::max(Least - client.h, 0);
+    if (at.x + at.w < screen.x + Least) at.x = screen.x;
+    if (at.y + at.h < screen.y + Least) at.y = screen.y;
+    if (at != now) SetPosition(window, WINDOW_UNIT, at);
+}
+
 // The first of a group, if none is set.
 void setFirst(const std::vector<Object>& group) {
     const auto isSet = [](const Object& button) { return GetValue(button) != 0; };
@@ -161,6 +174,7 @@ std::string WINDOWTESTERDIALOG(const std::string& title, const std::string& file
         MSGBOX(title, error);
         return kept;
     }
+    bringIntoSight(TestDlg);
     Show(TestDlg, true);
     STAMP();
     if (IsLoaded(TestDlg)) Unload(TestDlg);

@@ -3,6 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/lineends.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
@@ -18,9 +19,19 @@
 namespace tarn {
 namespace {
 
+// The report of a failed save. Where the file stayed as it was, the report goes on about the window that holds the text;
+// that of a new dialog stands in none.
+std::string saveFailure() {
+    const std::string report = SAVEFILEREPORT();
+    const std::size_t window = report.find("The file on disk is as it was,");
+    return window == std::string::npos
+               ? report
+               : report.substr(0, window) + "Nothing was added to it. Try again when the cause is gone.";
+}
+
 void NEWDIALOG_ONERROR(std::int32_t code) {
     if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
-    const std::string failedSave = SAVEFILEREPORT();
+    const std::string failedSave = saveFailure();
     TELLERROR(code, !failedSave.empty() ? failedSave
                                         : "Nothing was added to the file. Check that you may read it.");
 }
@@ -64,7 +75,7 @@ struct Target {
 };
 
 Target twinsOf(const std::string& file) {
-    return {FILECHANGEEXT(file, ClassExtension), FILECHANGEEXT(file, ResourceExtension), {}};
+    return {TWINFILE(file, ClassExtension), TWINFILE(file, ResourceExtension), {}};
 }
 
 // The file of the selected row; of a row that is neither a class nor a resource file, the class that it belongs to.
@@ -202,7 +213,7 @@ void addWindowFunction(const std::string& name, const std::string& classFile) {
     STAMP();
     std::string error = function.message;
     if (error.empty()) {
-        const bool inWindow = STREQUAL(EDITWNDGETFILENAME(SDIEdit), classFile);
+        const bool inWindow = ISINEDITOR(classFile);
         error = inWindow ? addToWindow(name, function.text) : addToFile(name, function.text, classFile);
     }
     STAMP();

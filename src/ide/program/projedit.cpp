@@ -3,6 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/propwindow.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
@@ -43,7 +44,7 @@ namespace {
 
 // The resource file beside a file; empty if there is none, or nothing in it.
 std::string resourcesBeside(const std::string& file) {
-    const std::string twin = file.empty() ? "" : FILECHANGEEXT(file, ResourceExtension);
+    const std::string twin = TWINFILE(file, ResourceExtension);
     return !twin.empty() && FileSize(twin) > 0 ? twin : std::string();
 }
 
@@ -62,7 +63,7 @@ CurrentResource GETCURRENTRESOURCE() {
     for (const std::string& file : {row.item.file, PROJECTITEMGETPARENT(ProjectEditorDlg, row.row)})
         if (const std::string twin = resourcesBeside(file); !twin.empty()) return {twin, ""};
     STAMP();
-    return {ISCLASSFILE(code) ? FILECHANGEEXT(code, ResourceExtension) : "", ""};
+    return {ISCLASSFILE(code) ? TWINFILE(code, ResourceExtension) : "", ""};
 }
 
 void PROJECTNEWTEXTFILE() {

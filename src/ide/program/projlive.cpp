@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/projlive.h"
 
+#include "ide/editor/sourcefile.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/ide.h"
 #include "library/system/system.h"
@@ -33,7 +34,7 @@ std::string stampsOf(const std::string& files) {
         const std::size_t end = std::min(files.find('\n', at), files.size());
         const std::string file = files.substr(at, end - at);
         stamps += stampOf(file);
-        if (ISCLASSFILE(file)) stamps += stampOf(FILECHANGEEXT(file, ResourceExtension));
+        if (ISCLASSFILE(file)) stamps += stampOf(TWINFILE(file, ResourceExtension));
         at = end + 1;
     }
     return stamps;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/search/filechoices.h"
 
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
 #include "ide/search/regex.h"
@@ -117,15 +118,6 @@ bool CHOOSEFOLDER(const Object& dialog, int event, const Object& control) {
 
 std::unique_ptr<TextSearch> SEARCHOF(const FileChoices& choices) {
     return MAKESEARCH(choices.text, choices.matchWord, choices.matchCase, choices.regex);
-}
-
-bool ISINEDITOR(const std::string& file) {
-    FRAME(ISINEDITOR);
-    STAMP();
-    const std::string shown = EDITWNDGETFILENAME(SDIEdit);
-    if (shown == file || !FILECHK(shown)) return shown == file;
-    const os::FileInfo one = os::infoOf(os::native(shown)), other = os::infoOf(os::native(file));
-    return one.exists && other.exists && one.device == other.device && one.inode == other.inode;
 }
 
 bool ISCHANGEDINEDITOR(const std::string& file) {

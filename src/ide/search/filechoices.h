@@ -35,9 +35,7 @@ bool CHOOSEFOLDER(const Object& dialog, int event, const Object& control);
 std::unique_ptr<TextSearch> SEARCHOF(const FileChoices& choices);
 // The text of a file as it is to be searched: that of the Code window, where the file stands there, changed.
 bool TEXTOFFILE(const std::string& file, std::string& text, SkippedFiles& skipped);
-// Whether the file stands in the Code window, by this name or by another one that it has. Names that differ by case are
-// those of two files.
-bool ISINEDITOR(const std::string& file);
+// Whether the file stands in the Code window, changed.
 bool ISCHANGEDINEDITOR(const std::string& file);
 
 // A line of a text as a list shows it: blanks in front taken away, control characters as blanks, and at most some 200

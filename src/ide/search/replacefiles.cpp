@@ -6,6 +6,7 @@
 #include "ide/search/replacefiles.h"
 
 #include "ide/editor/backup.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"

@@ -5,6 +5,8 @@
 
 #include "support/ide_fixture.h"
 
+#include <filesystem>
+
 namespace tarn {
 namespace {
 
@@ -68,6 +70,30 @@ TEST_F(DialogCode, TheTextOfTheCodeWindowIsNewerThanTheFile) {
     SetText(SDIEdit, "// one more line\n" + GetText(SDIEdit));
     SHOWCODEFILE(rc, "idok", "Dialog", "Pushbutton");
     EXPECT_EQ(line(), 13);
+}
+
+TEST_F(DialogCode, AClassMayHaveItsExtensionInUpperCase) {
+    write("a.CLS", Class);
+    SHOWCODEFILE(rc, "idok", "Dialog", "Pushbutton");
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "a.CLS");
+}
+
+TEST_F(DialogCode, AClassThatIsOpenByALinkStaysOpenSo) {
+    write("a.cls", Class);
+    std::filesystem::create_symlink(cls, dir + "link.cls");
+    EDITWNDOPEN(SDIEdit, dir + "link.cls", false, 0);
+    SetText(SDIEdit, "// one more line\n" + GetText(SDIEdit));
+    SHOWCODEFILE(rc, "idok", "Dialog", "Pushbutton");
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "link.cls");
+    EXPECT_EQ(line(), 13);
+}
+
+TEST_F(DialogCode, AFileOfTheSameNameInOtherCaseIsAnotherClass) {
+    write("a.cls", "Tarnwick Class a\nEnd class\n");
+    EDITWNDOPEN(SDIEdit, write("A.cls", Class), false, 0);
+    CHECKRENAMEFUNCTION(cls, "D", "E");
+    EXPECT_TRUE(asked.empty());
+    EXPECT_EQ(GetText(SDIEdit), Class);
 }
 
 TEST_F(DialogCode, WhatIsNotThereIsTold) {

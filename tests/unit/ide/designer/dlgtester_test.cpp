@@ -181,6 +181,30 @@ TEST_F(TestWindow, AWindowOffTheScreenComesBack) {
         lastText().starts_with("The window is off the edge of the screen (Position = 5000 5000 100 80)\n"));
 }
 
+// It blocks all other windows, so nobody could close it.
+TEST_F(TestWindow, AWindowThatCouldNotBeSeenIsBroughtIntoSight) {
+    for (const char* position : {"", "  POSITION=0 0 0 0\n", "  POSITION=-5000 10 100 80\n",
+                                 "  POSITION=10 -5000 100 80\n", "  POSITION=-90 -70 90 70\n"}) {
+        make("D DIALOG\n" + std::string(position) + "END\n");
+        show([position] {
+            const Rect at = GetPosition(TestDlg, WINDOW_UNIT), client = GetPosition(TestDlg, CLIENT_UNIT);
+            EXPECT_GE(at.x + at.w, ScreenSize().x + 40) << position;
+            EXPECT_GE(at.y + at.h, ScreenSize().y + 40) << position;
+            EXPECT_GE(client.w, 40) << position;
+            EXPECT_GE(client.h, 40) << position;
+        });
+    }
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(TestWindow, AWindowPartlyOffTheScreenStaysThere) {
+    make("D DIALOG\n  POSITION=-20 -10 100 80\nEND\n");
+    show([] {
+        EXPECT_LT(GetPosition(TestDlg, WINDOW_UNIT).x, 0);
+        EXPECT_LT(GetPosition(TestDlg, WINDOW_UNIT).y, 0);
+    });
+}
+
 // ---- whole files ----
 
 class FileTests : public TestWindow {

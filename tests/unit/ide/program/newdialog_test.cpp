@@ -154,6 +154,36 @@ TEST_F(NewDialog, AClassThatCannotTakeTheFunctionIsTold) {
     EXPECT_EQ(DIALOGGETDLGNAME(), "Dialog1");  // the dialog is there all the same
 }
 
+TEST_F(NewDialog, FilesWithTheirExtensionsInUpperCaseAreTwinsToo) {
+    write("a.CLS", Class);
+    write("a.RC", Main1);
+    openProgram({"a.CLS", "a.RC"});
+    run();
+    EXPECT_EQ(text("a.RC"), Main1 + std::string("\n") + dialogText("Dialog1"));
+    EXPECT_NE(functions(text("a.CLS"), "Dialog1"), 0);
+    EXPECT_FALSE(std::filesystem::exists(dir + "a.rc"));
+    EXPECT_FALSE(std::filesystem::exists(dir + "a.cls"));
+}
+
+TEST_F(NewDialog, AFileOfTheSameNameInOtherCaseIsAnotherClass) {
+    write("a.cls", Class);
+    openProgram({"a.cls"});
+    EDITWNDOPEN(SDIEdit, write("A.cls", Class), false, 0);
+    run();
+    EXPECT_NE(functions(text("a.cls"), "Dialog1"), 0);
+    EXPECT_EQ(GetText(SDIEdit), Class);
+}
+
+TEST_F(NewDialog, AClassThatIsInTheCodeWindowByALinkIsChangedThere) {
+    write("a.cls", Class);
+    openProgram({"a.cls"});
+    std::filesystem::create_symlink(dir + "a.cls", dir + "link.cls");
+    EDITWNDOPEN(SDIEdit, dir + "link.cls", false, 0);
+    run();
+    EXPECT_EQ(text("a.cls"), Class);
+    EXPECT_NE(functions(GetText(SDIEdit), "Dialog1"), 0);
+}
+
 TEST_F(NewDialog, WithoutAProgramItGoesBesideTheClassInTheCodeWindow) {
     EDITWNDOPEN(SDIEdit, write("a.cls", Class), false, 0);
     run();
@@ -272,7 +302,10 @@ TEST_F(NewDialogOnBadDisk, AFullDiskIsToldAndLeavesTheFile) {
     EDITWNDOPEN(SDIEdit, "/w/a.cls", false, 0);
     disk.setFreeBytes(0);
     run();
-    EXPECT_FALSE(asked.empty());
+    ASSERT_FALSE(asked.empty());
+    EXPECT_NE(asked[0].text.find("\t'/w/a.rc'\n"), std::string::npos) << asked[0].text;
+    EXPECT_TRUE(asked[0].text.ends_with("\nNothing was added to it. Try again when the cause is gone."))
+        << asked[0].text;  // no window has the text of a new dialog
     EXPECT_EQ(disk.contents("/w/a.rc"), Main1);
     EXPECT_EQ(DIALOGGETFILENAME(), "");
 }

@@ -529,6 +529,14 @@ TEST_F(ProjWindow, TheOwnersResourceFileCountsWhereARowHasNone) {
     EXPECT_EQ(GETCURRENTRESOURCE().file, dir + "main.rc");
 }
 
+TEST_F(ProjWindow, AResourceFileMayHaveItsExtensionInUpperCase) {
+    open();
+    choose(0);
+    const std::string rc = write("b.RC", dialog("X"));
+    EDITWNDOPEN(SDIEdit, write("b.cls", "Tarnwick Class b\nEnd class\n"), false, 0);
+    EXPECT_EQ(GETCURRENTRESOURCE().file, rc);
+}
+
 TEST_F(ProjWindow, TheOpenDialogIsTheCurrentResource) {
     open();
     choose(1);
