@@ -11,6 +11,7 @@
 #include "ide/designer/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/sourcefile.h"
+#include "ide/shell/rescue.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
@@ -126,6 +127,7 @@ bool write(Save& save) {
     NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
     DIALOGHISTORYSAVED();
     DIALOGSETMODIFY(false);
+    DROPRESCUEDTEXT(save.file);
     return true;
 }
 
@@ -151,6 +153,16 @@ void DIALOGSAVE() {
     STAMP();
 }
 
+namespace {
+
+// The user does not want the changes.
+void giveUp() {
+    DIALOGSETMODIFY(false);
+    DROPRESCUEDTEXT(DIALOGGETFILENAME());
+}
+
+}  // namespace
+
 bool DIALOGSAVEIFMODIFIED() {
     FRAME(DIALOGSAVEIFMODIFIED);
     STAMP();
@@ -163,7 +175,7 @@ bool DIALOGSAVEIFMODIFIED() {
                "&Yes\n&No\n&Cancel", BoxIcon::Question);
     STAMP();
     if (answer == "&Yes") DIALOGSAVE();
-    if (answer == "&No") DIALOGSETMODIFY(false);
+    if (answer == "&No") giveUp();
     STAMP();
     return true;
 }
@@ -183,6 +195,7 @@ bool DIALOGMAYCLOSE() {
     if (answer == "&Yes") DIALOGSAVE();
     STAMP();
     if (answer != "&No" && (answer != "&Yes" || DIALOGGETMODIFY())) return false;
+    if (answer == "&No" && DIALOGGETMODIFY()) DROPRESCUEDTEXT(DIALOGGETFILENAME());
     TOOLBOXCLOSE();
     PROPERTYWINDOWCLOSE();
     return true;

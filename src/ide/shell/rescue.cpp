@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/rescue.h"
 
+#include "ide/designer/dlgchanges.h"
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
@@ -95,15 +97,24 @@ bool isRescueName(const std::string& path) {
 
 }  // namespace
 
-void RESCUETEXT() {
-    if (!IsLoaded(SDIEdit) || !GetModify(SDIEdit)) return;
-    const std::string file = EDITWNDGETFILENAME(SDIEdit);
+namespace {
+
+void keep(const std::string& file, const std::string& text) {
     const std::string stem = rescueStem(file);
     os::makeFolders(os::rescueFolder());
     // The name first: a text that is there at all can then be given back to its file.
     if (os::saveFile(stem + std::string(nameEnd), file).ok() &&
-        !os::saveFile(stem + std::string(textEnd), GetText(SDIEdit)).ok())
+        !os::saveFile(stem + std::string(textEnd), text).ok())
         removePair(stem);
+}
+
+}  // namespace
+
+void RESCUETEXT() {
+    if (IsLoaded(SDIEdit) && GetModify(SDIEdit)) keep(EDITWNDGETFILENAME(SDIEdit), GetText(SDIEdit));
+    if (!DIALOGGETMODIFY()) return;
+    const SaveTexts dialog = SAVETEXTS();
+    if (dialog.error.empty() && dialog.after != dialog.before) keep(DIALOGGETFILENAME(), dialog.after);
 }
 
 bool OFFERRESCUEDTEXT() {
