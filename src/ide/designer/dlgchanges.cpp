@@ -3,7 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "ide/editor/difference.h"
 #include "ide/editor/linediff.h"
 #include "ide/shell/idecore.h"
@@ -51,7 +51,7 @@ SaveTexts SAVETEXTS() {
     if (DESIGNITEM(1).empty()) return {};
     SaveTexts texts;
     texts.before = FILETEXT(DIALOGGETFILENAME());
-    detail::ScratchFile scratch;
+    ScratchFile scratch;
     STAMP();
     texts.error = scratch.makeOf(GETIDEINIFILE(), texts.before);
     STAMP();

@@ -3,7 +3,7 @@
 // What makes a copied dialog fit its new home.
 #include "ide/designer/dlgtest.h"
 
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "kernel/windows/windowing.h"
 #include "library/designer/dlgunits.h"
 #include "library/designer/proputil.h"
@@ -19,7 +19,6 @@ MODULE("dlgedit")
 namespace tarn {
 namespace {
 
-using detail::DialogObjects;
 
 const Object MeasureDlg("MeasureDlg");  // a window of the dialog's font, which is never shown
 constexpr int LeastInSight = 40;        // resource units
@@ -62,7 +61,7 @@ std::set<std::string> wordsOf(std::string_view lines) {
 bool ISSHAREDMENU(const std::string& file, const std::string& dialog, const std::string& menu) {
     FRAME(ISSHAREDMENU);
     STAMP();
-    const std::string names = detail::RESOURCENAMES(file, "DIALOG").text;
+    const std::string names = RESOURCENAMES(file, "DIALOG").text;
     ObjectArray objects;
     for (int n = 1; n <= STRLINES(names); ++n) {
         STAMP();
@@ -78,7 +77,7 @@ bool ISSHAREDMENU(const std::string& file, const std::string& dialog, const std:
 std::string FIXPROPERTY_OWNER(const std::string& file, const std::string& dialog) {
     FRAME(FIXPROPERTY_OWNER);
     STAMP();
-    return detail::CHANGEOBJECTS(file, dialog, [](DialogObjects& objects) {
+    return CHANGEOBJECTS(file, dialog, [](DialogObjects& objects) {
         const bool owned = GETPROPINT(objects.dialog[0], "OWNER") != 0;
         if (owned) SETPROPINT("OWNER", 0, objects.dialog[0]);
         return owned;
@@ -89,7 +88,7 @@ std::string FIXPROPERTY_POSITION(const std::string& file, const std::string& dia
     FRAME(FIXPROPERTY_POSITION);
     ScreenUnits screen;
     STAMP();
-    const std::string error = detail::CHANGEOBJECTS(file, dialog, [&](DialogObjects& objects) {
+    const std::string error = CHANGEOBJECTS(file, dialog, [&](DialogObjects& objects) {
         UnitRect at = GETPROPPOSITION(objects.dialog[0]);
         if (at.x <= 0 && at.y <= 0) return false;  // no screen is so small, so none is measured
         screen = MEASURESCREEN(file, dialog);
@@ -111,7 +110,7 @@ std::string FIXPROPERTY_PICTURE(const std::string& file, const std::string& dial
     FRAME(FIXPROPERTY_PICTURE);
     STAMP();
     const PlaceholderFolders folders{FILEADDSEPARATOR(resourceFolder), FILEADDSEPARATOR(compilerFolder)};
-    return detail::CHANGEOBJECTS(file, dialog, [&](DialogObjects& objects) {
+    return CHANGEOBJECTS(file, dialog, [&](DialogObjects& objects) {
         bool changed = false;
         for (ObjectArray* const all : {&objects.dialog, &objects.menu})
             for (std::string& object : *all) {
@@ -131,10 +130,10 @@ std::string FIXPROPERTY_MENU(const std::string& file, const std::string& dialog,
     std::string old, free;
     STAMP();
     std::set<std::string> taken = wordsOf(names);
-    const std::string error = detail::CHANGEOBJECTS(file, dialog, [&](DialogObjects& objects) {
+    const std::string error = CHANGEOBJECTS(file, dialog, [&](DialogObjects& objects) {
         old = GETPROPVALUE(objects.dialog[0], "MENU");
         if (old.empty() || !taken.contains(STRUPPER(old))) return false;
-        taken.merge(wordsOf(detail::RESOURCENAMES(file, "*").text));
+        taken.merge(wordsOf(RESOURCENAMES(file, "*").text));
         for (int n = 1; n <= MostMenus && free.empty(); ++n) {
             const std::string name = dialog + "_Menu" + STR(n);
             if (!taken.contains(STRUPPER(name))) free = name;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/designer/dlgtest.h"
 
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "library/system/system.h"
 #include "os/files.h"
 
@@ -32,13 +32,13 @@ std::string temporaryFolder() {
 void NORMALISE(const std::string& file, bool fromFirst) {
     FRAME(NORMALISE);
     STAMP();
-    const std::string names = detail::RESOURCENAMES(file, "DIALOG").text;
+    const std::string names = RESOURCENAMES(file, "DIALOG").text;
     const int count = STRLINES(names);
     for (int n = fromFirst ? 1 : std::max(count, 1); n <= count; ++n) {
         STAMP();
         const std::string name = STRLINE(names, n);
-        detail::DialogObjects objects;
-        if (isSymbol(name) && detail::READOBJECTS(file, name, objects).empty())
+        DialogObjects objects;
+        if (isSymbol(name) && READOBJECTS(file, name, objects).empty())
             static_cast<void>(ResourceWrite(objects.dialog, objects.menu, file));
     }
 }

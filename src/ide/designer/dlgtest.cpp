@@ -3,7 +3,7 @@
 // The round trip of a dialog: written into a file of its own, read back, compared, and loaded as a window.
 #include "ide/designer/dlgtest.h"
 
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/settings/profstr.h"
@@ -16,8 +16,6 @@ MODULE("dlgedit")
 namespace tarn {
 namespace {
 
-using detail::DialogObjects;
-using detail::ScratchFile;
 
 std::size_t countOf(const ObjectArray& objects) {
     const auto end = std::find(objects.begin(), objects.end(), "");
@@ -49,12 +47,12 @@ std::string WRITEANDCOMPARE(const std::string& file, const std::string& dialog, 
     FRAME(WRITEANDCOMPARE);
     DialogObjects before, after;
     STAMP();
-    std::string error = detail::READOBJECTS(file, dialog, before);
+    std::string error = READOBJECTS(file, dialog, before);
     STAMP();
     if (error.empty()) error = scratch.make(file, before);
     STAMP();
-    if (error.empty()) error = detail::READOBJECTS(scratch.path(), dialog, after);
-    return error.empty() ? detail::COMPAREOBJECTS(before, after) : error;
+    if (error.empty()) error = READOBJECTS(scratch.path(), dialog, after);
+    return error.empty() ? COMPAREOBJECTS(before, after) : error;
 }
 
 // As the window that its program will show.
@@ -62,9 +60,9 @@ std::string LOADANDUNLOAD(const std::string& dialog, ScratchFile& scratch) {
     FRAME(LOADANDUNLOAD);
     STAMP();
     std::string error = scratch.rename(dialog);
-    if (error.empty()) error = FIXPROPERTY_OWNER(scratch.path(), detail::NameOfTests);
+    if (error.empty()) error = FIXPROPERTY_OWNER(scratch.path(), NameOfTests);
     STAMP();
-    if (error.empty()) error = Load(TestDlg, scratch.path(), detail::NameOfTests);
+    if (error.empty()) error = Load(TestDlg, scratch.path(), NameOfTests);
     if (error.empty()) Unload(TestDlg);
     STAMP();
     return error;
@@ -93,7 +91,7 @@ std::string FINDUNNUMBERED(const std::string& file, const std::string& dialog) {
 
 }  // namespace
 
-std::string detail::COMPAREOBJECTS(const DialogObjects& before, const DialogObjects& after) {
+std::string COMPAREOBJECTS(const DialogObjects& before, const DialogObjects& after) {
     FRAME(COMPAREOBJECTS);
     const struct {
         const ObjectArray &before, &after;
@@ -148,7 +146,7 @@ PropertyTest TESTPROPERTIES(const std::string& file, const std::string& dialog, 
 std::string TESTFILEPROPERTIES(const std::string& file) {
     FRAME(TESTFILEPROPERTIES);
     STAMP();
-    const ResourceText dialogs = detail::RESOURCENAMES(file, "DIALOG");
+    const ResourceText dialogs = RESOURCENAMES(file, "DIALOG");
     if (!dialogs.error.empty()) return dialogs.error;
     for (int n = 1; n <= STRLINES(dialogs.text); ++n) {
         STAMP();

@@ -3,7 +3,7 @@
 // The test window: a dialog as its program will show it.
 #include "ide/designer/dlgtest.h"
 
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -21,8 +21,6 @@ MODULE("dlgedit")
 namespace tarn {
 namespace {
 
-using detail::DialogObjects;
-using detail::ScratchFile;
 
 const RegisteredWindow registered("TestDlg", TESTDLG);
 
@@ -50,7 +48,7 @@ std::string RESOLVEPICTURES(const std::string& source, const std::string& scratc
     FRAME(RESOLVEPICTURES);
     STAMP();
     const PlaceholderFolders folders{GETRESOURCEDIR(), GETCOMPILERDIR()};
-    return detail::CHANGEOBJECTS(scratch, dialog, [&](DialogObjects& objects) {
+    return CHANGEOBJECTS(scratch, dialog, [&](DialogObjects& objects) {
         bool changed = false;
         for (ObjectArray* const all : {&objects.dialog, &objects.menu})
             for (std::string& object : *all) {
@@ -73,7 +71,7 @@ std::string MAKETESTFILE(const std::string& file, const std::string& dialog, Scr
     FRAME(MAKETESTFILE);
     DialogObjects objects;
     STAMP();
-    std::string error = detail::READOBJECTS(file, dialog, objects);
+    std::string error = READOBJECTS(file, dialog, objects);
     STAMP();
     if (error.empty()) error = scratch.make(file, objects);
     if (error.empty()) error = FIXPROPERTY_OWNER(scratch.path(), dialog);
@@ -166,7 +164,7 @@ std::string WINDOWTESTERDIALOG(const std::string& title, const std::string& file
     STAMP();
     std::string error = MAKETESTFILE(file, dialog, scratch);
     STAMP();
-    if (error.empty()) error = Load(TestDlg, scratch.path(), detail::NameOfTests);
+    if (error.empty()) error = Load(TestDlg, scratch.path(), NameOfTests);
     const std::string kept = keep ? scratch.keep() : "";
     scratch.drop();
     STAMP();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/designer/openresource.h"
 
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
@@ -33,7 +33,7 @@ std::string chosenName() {
 void FILLNAMES(const std::string& name) {
     FRAME(FILLNAMES);
     STAMP();
-    const std::string names = detail::RESOURCENAMES(chosenFile(), STRUPPER(kind())).text;
+    const std::string names = RESOURCENAMES(chosenFile(), STRUPPER(kind())).text;
     const Object list = part("listbox1");
     Clear(list);
     int selected = names.empty() ? 0 : 1;
@@ -60,7 +60,7 @@ std::string problemOf(const Object&) {
     const std::string file = chosenFile();
     if (file.empty()) return "Choose a resource file first.";
     if (FileSize(file) < 0) return "'" + file + "' does not exist.";
-    const ResourceText names = detail::RESOURCENAMES(file, STRUPPER(kind()));
+    const ResourceText names = RESOURCENAMES(file, STRUPPER(kind()));
     if (!names.error.empty()) return names.error;
     if (names.text.empty()) return "'" + file + "' has no " + kind() + ".";
     return chosenName().empty() ? "Choose a " + kind() + " first." : "";

@@ -2,7 +2,7 @@
 #include "ide/designer/rcfiletest.h"
 
 #include "ide/designer/dlgtest.h"
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -62,7 +62,7 @@ FileTest TESTFILE(const std::string& file) {
     FRAME(TESTFILE);
     STAMP();
     FileTest test;
-    const ResourceText names = detail::RESOURCENAMES(file, "DIALOG");
+    const ResourceText names = RESOURCENAMES(file, "DIALOG");
     test.error = FileSize(file) < 0 ? "The file does not exist." : names.error;
     test.windows = STRLINES(names.text);
     for (int n = 1; n <= test.windows && test.error.empty(); ++n) {

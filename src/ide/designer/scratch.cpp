@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 
 #include "ide/designer/dlgtest.h"
 #include "library/designer/proputil.h"
@@ -13,7 +13,7 @@
 
 MODULE("dlgedit")
 
-namespace tarn::detail {
+namespace tarn {
 namespace {
 
 constexpr std::string_view Stem = "~dlgtest", Extension = ".tmp";
@@ -120,4 +120,4 @@ std::string ScratchFile::keep() {
     return std::exchange(path_, {});
 }
 
-}  // namespace tarn::detail
+}  // namespace tarn

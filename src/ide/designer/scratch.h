@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-namespace tarn::detail {
+namespace tarn {
 
 inline const std::string NameOfTests = "TestDlg";  // of the dialog in a scratch file
 
@@ -52,4 +52,4 @@ private:
     std::string path_;
 };
 
-}  // namespace tarn::detail
+}  // namespace tarn

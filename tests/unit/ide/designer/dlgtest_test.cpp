@@ -3,7 +3,7 @@
 // Dialogs in files: the round trip, what makes a copied dialog fit, and joined texts.
 #include "ide/designer/dlgtest.h"
 
-#include "ide/designer/scratch_internal.h"
+#include "ide/designer/scratch.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
 #include "support/ide_fixture.h"
@@ -74,28 +74,28 @@ TEST_F(DialogFiles, TheFirstPropertyThatDiffersIsNamed) {
 }
 
 TEST_F(DialogFiles, ObjectsThatDifferAreNamedByNumberNameAndType) {
-    detail::DialogObjects before, after;
+    DialogObjects before, after;
     before.dialog[0] = "NAME=D\nTYPEOF=Dialog\n";
     before.dialog[1] = "NAME=ok\nTYPEOF=Pushbutton\nCAPTION=\"a\"\n";
     before.menu[0] = "NAME=M\nTYPEOF=Menuitem\n";
     before.menu[1] = "NAME=open\nTYPEOF=Menuitem\nCHECKED=0\n";
     after = before;
-    EXPECT_EQ(detail::COMPAREOBJECTS(before, after), "");
+    EXPECT_EQ(COMPAREOBJECTS(before, after), "");
     after.dialog[1] = "NAME=ok\nTYPEOF=Pushbutton\nCAPTION=\"b\"\n";
     EXPECT_EQ(
-        detail::COMPAREOBJECTS(before, after),
+        COMPAREOBJECTS(before, after),
         "Visual object 1 (ok of type Pushbutton) had different properties when reloaded (Property CAPTION)");
     after = before;
     after.menu[1] = "NAME=open\nTYPEOF=Menuitem\n";
-    EXPECT_EQ(detail::COMPAREOBJECTS(before, after),
+    EXPECT_EQ(COMPAREOBJECTS(before, after),
               "Menu item object 1 (open of type Menuitem) had different properties when reloaded (Property "
               "CHECKED is "
               "missing from one of the lists)");
     after.menu[1].clear();
-    EXPECT_EQ(detail::COMPAREOBJECTS(before, after),
+    EXPECT_EQ(COMPAREOBJECTS(before, after),
               "Menu contained a different number of Visual objects when reloaded");
     after.dialog[2] = before.dialog[1];
-    EXPECT_EQ(detail::COMPAREOBJECTS(before, after),
+    EXPECT_EQ(COMPAREOBJECTS(before, after),
               "Dialog contained a different number of Visual objects when reloaded");
 }
 
