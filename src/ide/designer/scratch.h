@@ -3,6 +3,7 @@
 // Dialogs on their way between a resource file and a scratch file: what the operations of dlgtest.h share.
 #pragma once
 
+#include "ide/designer/dlgtest.h"
 #include "kernel/windows/resources.h"
 
 #include <functional>
@@ -12,14 +13,7 @@ namespace tarn {
 
 inline const std::string NameOfTests = "TestDlg";  // of the dialog in a scratch file
 
-// A dialog with the menu that it names; no first element of `menu` where it names none.
-struct DialogObjects {
-    ObjectArray dialog, menu;
-};
 std::string READOBJECTS(const std::string& file, const std::string& dialog, DialogObjects& objects);
-
-// What differs, first in the numbers of objects, then in one of them; empty if nothing does.
-std::string COMPAREOBJECTS(const DialogObjects& before, const DialogObjects& after);
 
 // Reads the dialog, and writes it back if `change` says that it has changed something.
 std::string CHANGEOBJECTS(const std::string& file, const std::string& dialog,

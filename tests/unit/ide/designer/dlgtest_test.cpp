@@ -3,7 +3,6 @@
 // Dialogs in files: the round trip, what makes a copied dialog fit, and joined texts.
 #include "ide/designer/dlgtest.h"
 
-#include "ide/designer/scratch.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
 #include "support/ide_fixture.h"
