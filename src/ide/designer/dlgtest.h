@@ -22,14 +22,12 @@ struct PropertyTest {
 };
 PropertyTest TESTPROPERTIES(const std::string& file, const std::string& dialog, bool keep = false);
 std::string TESTFILEPROPERTIES(const std::string& file);  // of all dialogs of the file
-namespace detail {
 // A dialog with the menu that it names; no first element of `menu` where it names none.
 struct DialogObjects {
     ObjectArray dialog, menu;
 };
 // What differs, first in the numbers of objects, then in one of them; empty if nothing does.
 std::string COMPAREOBJECTS(const DialogObjects& before, const DialogObjects& after);
-}  // namespace detail
 std::string FINDDIFFERENCE(const std::string& list1, const std::string& list2);
 
 // Shows the dialog as its program will, modally, under the window TestDlg. An error is told in a box of that title. The
