@@ -13,6 +13,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QElapsedTimer>
 #include <QKeySequence>
 #include <QMouseEvent>
 #include <QTest>
@@ -96,7 +97,7 @@ public:
         QWidget* const client = clientAt(at);
         if (how != "right") {
             dragTo(*client, at, at, how == "shift");
-            if (how == "2") onScreen_ ? dragTo(*client, at, at) : doubleClick(*client, at);
+            if (how == "2") onScreen_ ? pressAndMove(*client, at, at) : doubleClick(*client, at);
             return true;
         }
         const QPoint place = within(*client, at), global = client->mapToGlobal(place);
@@ -118,7 +119,7 @@ public:
         return true;
     }
 
-    bool holdsButton() override { return holds_; }
+    bool holdsButton() override { return holds_ || settles(); }
 
     bool stopTool() override {
         for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -191,7 +192,19 @@ public:
 private:
     static constexpr int arrival =
         300;  // milliseconds until what the server was told has come back as events
+    static constexpr int doubleClickTime = 450;  // milliseconds, and a little more
+    static constexpr int settleTime = 250;       // milliseconds after which a window has its place
     bool onScreen_, holds_ = false;
+    QElapsedTimer pressed_, placed_;
+    QRect place_;
+
+    // The window manager places the dialog editor in its own time.
+    bool settles() {
+        const QWidget* const window = onScreen_ ? topOf(DialogDlg) : nullptr;
+        if (window == nullptr || !window->isVisible()) return false;
+        if (std::exchange(place_, window->frameGeometry()) != window->frameGeometry()) placed_.start();
+        return placed_.elapsed() < settleTime;
+    }
 
     static std::string text(const QPoint& point) {
         return std::to_string(point.x()) + " " + std::to_string(point.y());
@@ -213,14 +226,20 @@ private:
     // already would last until it gives up. Offscreen the press returns only when a drag has ended, so the rest comes by
     // a timer.
     void dragTo(QWidget& client, const Point& from, const Point& to, bool shift = false) {
+        if (onScreen_ && pressed_.isValid() && pressed_.elapsed() < doubleClickTime)
+            run("sleep 0." + std::to_string(doubleClickTime));  // two presses are no double click
+        pressed_.start();
+        pressAndMove(client, from, to, shift);
+    }
+
+    void pressAndMove(QWidget& client, const Point& from, const Point& to, bool shift = false) {
         const QPoint begin = within(client, from), end = within(client, to);
         holds_ = true;
         if (onScreen_) {
             QTimer::singleShot(arrival, [this] { holds_ = false; });
-            run(std::string(shift ? "keydown shift " : "") + "mousemove " +
-                text(client.mapToGlobal(begin)) + " mousedown 1 mousemove " +
-                text(client.mapToGlobal((begin + end) / 2)) + " mousemove " + text(client.mapToGlobal(end)) +
-                " mouseup 1" + (shift ? " keyup shift" : ""));
+            run(std::string(shift ? "keydown shift " : "") + "mousemove " + text(client.mapToGlobal(begin)) +
+                " mousedown 1 mousemove " + text(client.mapToGlobal((begin + end) / 2)) + " mousemove " +
+                text(client.mapToGlobal(end)) + " mouseup 1" + (shift ? " keyup shift" : ""));
             return;
         }
         const QPointer<QWidget> alive(&client);
@@ -255,9 +274,8 @@ private:
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
-            return std::system(("xdotool mousemove " + std::to_string(at.x()) + " " +
-                                std::to_string(at.y()) + " click --repeat " +
-                                std::to_string(std::max(clicks, 1)) + " --delay 40 " +
+            return std::system(("xdotool mousemove " + std::to_string(at.x()) + " " + std::to_string(at.y()) +
+                                " click --repeat " + std::to_string(std::max(clicks, 1)) + " --delay 40 " +
                                 (clicks > 0 ? "1" : "3"))
                                    .c_str()) == 0;
         }
