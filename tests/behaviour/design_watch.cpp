@@ -8,6 +8,7 @@
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"
+#include "platform/resources/properties.h"
 
 #include <algorithm>
 
@@ -48,6 +49,14 @@ std::string inFile(const std::string& file, const std::string& name, std::vector
     return error;
 }
 
+// What the editor adds has its choices and empty texts in another form ("1-Yes") than what a file has.
+void normalise(std::vector<std::string>& items) {
+    for (std::string& item : items) {
+        const platform::ParsedList list = platform::parsePropertyList(item + "\n");
+        item = platform::makePropertyList(list.name, list.type, list.properties);
+    }
+}
+
 }  // namespace
 
 void DesignWatch::fileIsForeign() {
@@ -55,8 +64,7 @@ void DesignWatch::fileIsForeign() {
 }
 
 std::string DesignWatch::compare() const {
-    DesignLists file;
-    const DesignLists now = DESIGNLISTS();
+    DesignLists file, now = DESIGNLISTS();
     const std::string error = inFile(DIALOGGETFILENAME(), GETPROPVALUE(DESIGNITEM(1), "NAME"), file.dialog);
     if (!error.empty()) return "the dialog is not in its file: " + error;
     const std::string menu = GETPROPVALUE(DESIGNITEM(1), "MENU");
@@ -65,6 +73,7 @@ std::string DesignWatch::compare() const {
         file.menu = now.menu;
     else if (const std::string fault = inFile(DIALOGGETFILENAME(), menu, file.menu); !fault.empty())
         return "the menu is not in its file: " + fault;
+    for (auto* items : {&file.dialog, &file.menu, &now.dialog, &now.menu}) normalise(*items);
     return difference("the file", file, now);
 }
 

@@ -138,6 +138,7 @@ void Monkey::idle() {
     if (step_ > 0) lookAtClock();
     startClock();
     beat = ++step_;
+    if (QApplication::instance() == nullptr) return fail("there are no real widgets: is the Qt view built?");
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window->objectName() == u"SplashDlg" && window->isVisible())
             QTest::keyClick(window, Qt::Key_Space);
