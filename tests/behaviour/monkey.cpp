@@ -53,14 +53,6 @@ const std::vector<int>& keys() {
     return all;
 }
 
-QWidget* focus() {
-    if (QWidget* popup = QApplication::activePopupWidget(); popup != nullptr) return popup;
-    QWidget* window = QApplication::activeModalWidget();
-    if (window == nullptr) window = QApplication::activeWindow();
-    if (window == nullptr) return nullptr;
-    return window->focusWidget() != nullptr ? window->focusWidget() : window;
-}
-
 std::vector<const Window*> shownWindows() {
     std::vector<const Window*> all;
     for (const auto& window : windows())
@@ -73,6 +65,14 @@ void put(const std::string& path, const std::string& text) {
 }
 
 }  // namespace
+
+QWidget* keyReceiver() {
+    if (QWidget* popup = QApplication::activePopupWidget(); popup != nullptr) return popup;
+    QWidget* window = QApplication::activeModalWidget();
+    if (window == nullptr) window = QApplication::activeWindow();
+    if (window == nullptr) return nullptr;
+    return window->focusWidget() != nullptr ? window->focusWidget() : window;
+}
 
 void prepareMonkey(const std::string& examples, const std::string& folder, const std::string& profile) {
     fs::create_directories(folder);
@@ -111,12 +111,34 @@ void Monkey::lookForErrors() {
     const Question* const question = view().asking();
     const bool own = question->title.starts_with("Error 7") || question->title.starts_with("Error 8") ||
                      question->text.find("(error 7") != std::string::npos;
-    if (own) failure_ = "step " + std::to_string(step_) + ": " + question->title + "\n" + question->text;
+    if (own) fail(question->title + "\n" + question->text);
+}
+
+void Monkey::fail(const std::string& what) {
+    if (failure_.empty()) failure_ = "step " + std::to_string(step_) + ": " + what;
+}
+
+// The time since the step before.
+void Monkey::lookAtClock() {
+    constexpr long Promise = 1000;
+    const auto passed =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - last_);
+    if (passed.count() > Promise)
+        ++slow_, log("the step before took " + std::to_string(passed.count()) + " ms");
+    if (passed.count() > longest_) longest_ = passed.count(), longestStep_ = step_;
+}
+
+std::string Monkey::slowness() const {
+    return std::to_string(slow_) + " steps over a second; the longest, step " + std::to_string(longestStep_) +
+           ", took " + std::to_string(longest_) + " ms";
 }
 
 void Monkey::idle() {
-    if (finished()) return;
+    if (finished() || waits()) return;
+    if (step_ > 0) lookAtClock();
+    startClock();
     beat = ++step_;
+    if (QApplication::instance() == nullptr) return fail("there are no real widgets: is the Qt view built?");
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window->objectName() == u"SplashDlg" && window->isVisible())
             QTest::keyClick(window, Qt::Key_Space);
@@ -125,15 +147,18 @@ void Monkey::idle() {
         return answer();
     }
     const Window* const main = findWindow(Object("Main"));
-    if (main == nullptr || !main->shown) return;
+    if (main != nullptr && main->shown) act();
+}
+
+void Monkey::act() {
     switch (below(10)) {
     case 0:
     case 1: return command();
     case 2: return press();
     case 3:
-    case 4: return key(focus());
+    case 4: return key(keyReceiver());
     case 5:
-    case 6: return type(focus());
+    case 6: return type(keyReceiver());
     case 7:
     case 8: return mouse();
     default: return closeWindow();
@@ -159,7 +184,7 @@ void Monkey::answer() {
     const Question* const question = view().asking();
     const bool message = question->kind == Question::Kind::Message;
     if (message && below(3) == 0 && question->title != "File-Exit" && question->title != "Error")
-        return key(focus());
+        return key(keyReceiver());
     std::string text;
     switch (question->kind) {
     case Question::Kind::Message:
@@ -174,26 +199,35 @@ void Monkey::answer() {
     default: text = file(question->kind == Question::Kind::SaveFile); break;
     }
     log("answer '" + question->title + "' with '" + text + "'");
+    answered(question->title, text);
     if (!view().answer(text)) static_cast<void>(view().answer(""));
 }
 
 void Monkey::command() {
+    command({""});
+}
+
+void Monkey::command(const std::vector<std::string>& prefixes) {
+    const auto wanted = [&](const std::string& name) {
+        return name.find('_') != std::string::npos && name != "file_exit" &&
+               std::any_of(prefixes.begin(), prefixes.end(),
+                           [&](const std::string& p) { return name.starts_with(p); });
+    };
     std::vector<Control*> items;
     for (const auto& item : findWindow(Object("Main"))->menuItems)
-        if (item->enabled && item->visible && item->name.find('_') != std::string::npos &&
-            item->name != "file_exit")
-            items.push_back(item.get());
+        if (item->enabled && item->visible && wanted(item->name)) items.push_back(item.get());
     if (items.empty() || !takesInput(*findWindow(Object("Main")))) return;
     Control* const item = one(items);
     log("command " + item->name);
     userCommand(*item);
 }
 
-void Monkey::press() {
+void Monkey::press(const std::string& only) {
     std::vector<Control*> controls;
     for (const Window* window : shownWindows())
         for (const auto& control : window->controls)
-            if (control->enabled && control->visible) controls.push_back(control.get());
+            if (control->enabled && control->visible && (only.empty() || window->name == only))
+                controls.push_back(control.get());
     if (controls.empty()) return;
     Control* const control = one(controls);
     log("press " + control->object.window() + " " + control->name);
@@ -230,7 +264,7 @@ void Monkey::type(QWidget* to) {
     log("type " + text + " to " + to->objectName().toStdString());
     // What the keys close must not get the rest of them.
     for (const char c : text)
-        if (QWidget* now = focus(); now != nullptr) QTest::keyClick(now, c);
+        if (QWidget* now = keyReceiver(); now != nullptr) QTest::keyClick(now, c);
 }
 
 void Monkey::mouse() {

@@ -2,12 +2,14 @@
 //
 // Runs one behaviour case:  user_runner MODE CASE     (MODE: model, offscreen or screen)
 // or a random user:         user_runner monkey SEED STEPS
+// or one of dialogs alone:  user_runner designer-monkey SEED STEPS
 //
 // The case's folder is copied to a folder of its own. The program's folder (settings, resources, tools) is
 // another one beside it, made of links, so that the case has its own settings; what lies in the case's
 // `profile` folder replaces what is linked, and what lies in its `state` folder was left by an earlier run. A
 // program that is started again is this process with itself in its place, told by the environment where the run
 // stands. Exit status 0: as expected; 77: skipped; 1: not, with what was on screen.
+#include "behaviour/designer_monkey.h"
 #include "behaviour/hands.h"
 #include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
@@ -81,10 +83,9 @@ void programEnded(int) {
 
 void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
-    for (const char* name :
-         {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg", "open2.bmp",
-          "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so",
-          "libtarnwick-help.so", "help"}) {
+    for (const char* name : {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg",
+                             "open2.bmp", "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so",
+                             "libtarnwick-qt.so", "libtarnwick-edit.so", "libtarnwick-help.so", "help"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
     }
@@ -175,10 +176,11 @@ void monkeyEnded(int) {
     _exit(1);
 }
 
-[[noreturn]] void runMonkey(unsigned seed, int steps) {
+[[noreturn]] void runMonkey(unsigned seed, int steps, bool ofDialogs) {
     const std::string dir = root + "case/", profile = root + "profile/";
     prepareProfile(profile, dir);
     tarn::prepareMonkey(SOURCE_DIR "/examples/wordcount", dir, profile);
+    if (ofDialogs) tarn::prepareDesignerMonkey(SOURCE_DIR, dir);
     prepareEnvironment();
     // No browser, no player and no compiler of the machine.
     setenv("PATH", root.c_str(), 1);
@@ -186,13 +188,17 @@ void monkeyEnded(int) {
     setProgram(profile, {});
     tarn::os::useEndHook(monkeyEnded);
     const std::unique_ptr<tarn::Hands> hands = tarn::makeHands("offscreen");
-    tarn::Monkey monkey(seed, steps, dir, root + "steps.log");
-    std::printf("seed %u, %d steps, logged in %ssteps.log\n", seed, steps, root.c_str());
+    const std::string log = root + "steps.log";
+    const std::unique_ptr<tarn::Monkey> monkey =
+        ofDialogs ? std::make_unique<tarn::DesignerMonkey>(seed, steps, dir, log)
+                  : std::make_unique<tarn::Monkey>(seed, steps, dir, log);
+    std::printf("seed %u, %d steps, logged in %s\n", seed, steps, log.c_str());
     tarn::platform::view().setIdle([&monkey] {
-        monkey.idle();
-        if (!monkey.finished()) return;
-        if (!monkey.failed()) end(0);
-        std::printf("%s\n", monkey.failure().c_str());
+        monkey->idle();
+        if (!monkey->finished()) return;
+        std::printf("%s\n", monkey->slowness().c_str());
+        if (!monkey->failed()) end(0);
+        std::printf("%s\n", monkey->failure().c_str());
         std::fflush(nullptr);
         _exit(1);
     });
@@ -209,14 +215,16 @@ int skip(const char* why) {
 
 int main(int argc, char** argv) {
     if (argc >= 2 && std::string(argv[1]) == "second") return runSecond(argc, argv);
-    const bool isMonkey = argc == 4 && std::string(argv[1]) == "monkey";
+    const bool ofDialogs = argc == 4 && std::string(argv[1]) == "designer-monkey";
+    const bool isMonkey = ofDialogs || (argc == 4 && std::string(argv[1]) == "monkey");
     if (argc != 3 && !isMonkey)
-        return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE or monkey SEED STEPS\n"),
+        return std::fprintf(stderr, "usage: user_runner model|offscreen|screen CASE\n"
+                                    "or monkey|designer-monkey SEED STEPS\n"),
                2;
     const char* const before = getenv(rootName);  // of the run that this one continues
     std::string pattern = (fs::temp_directory_path() / "tarnwick-case-XXXXXX").string();
     root = before != nullptr ? before : std::string(mkdtemp(pattern.data())) + "/";
-    if (isMonkey) runMonkey(static_cast<unsigned>(std::atoi(argv[2])), std::atoi(argv[3]));
+    if (isMonkey) runMonkey(static_cast<unsigned>(std::atoi(argv[2])), std::atoi(argv[3]), ofDialogs);
     commandWords = argv;
     std::string folder = fs::absolute(argv[2]).string();
     argv[2] = folder.data();

@@ -98,6 +98,26 @@ protected:
     }
 };
 
+// One that is larger than a million pixels is drawn where it is seen alone.
+TEST_F(ZoomTest, LargeControlsStandWhereTheScaleSays) {
+    const auto shape = [](Rect at) {
+        DrawControl(Draw, "NAME=x\nTYPEOF=Shape\nSHAPE=0\nFORECOLOUR=0x0000FF\nBACKCOLOUR=0x0000FF\n",
+                    at.x - 10, at.y - 5, at.w, at.h);  // the drawing's corner is at 10 5
+    };
+    const int width = client().width(), height = client().height();
+    struct Row {
+        Rect at, seen;  // at 400 %
+    };
+    for (const auto& [at, seen] : std::vector<Row>{
+             {{10, 5, 400, 300}, {40, 20, width - 40, height - 20}},
+             {{-390, -290, 400, 300}, {0, 0, 40, 40}},
+             {{-100, -50, 400, 300}, {0, 0, width, height}},
+             {{-400, 0, 400, 300}, {0, 0, 0, 0}},
+             {{10, 5, 20, 15}, {40, 20, 80, 60}},
+         })
+        EXPECT_EQ(boxOf(drawn(400, [&] { shape(at); }), Red), seen) << at.x << " " << at.y;
+}
+
 TEST_F(ZoomTest, BoxesAndLinesStandWhereTheScaleSays) {
     const auto draw = [] {
         SetForeColour(Draw, Red);

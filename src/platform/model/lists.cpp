@@ -13,11 +13,10 @@ namespace tarn::platform {
 
 namespace {
 
-// A row has no line end.
+// A row has no line end. A carriage return by itself is none: it may end the last value of a property list.
 std::string rowText(std::string_view text) {
-    if (text.ends_with('\n')) text.remove_suffix(1);
-    if (text.ends_with('\r')) text.remove_suffix(1);
-    return std::string(text);
+    const std::size_t end = text.ends_with("\r\n") ? 2 : text.ends_with('\n') ? 1 : 0;
+    return std::string(text.substr(0, text.size() - end));
 }
 
 bool hasRow(const Control& c, int row) {

@@ -27,6 +27,7 @@ namespace {
 
 constexpr int Kept = 64 * 1024;  // KB
 constexpr int LargestSide = 8192;
+constexpr qint64 LargeArea = 1 << 20;  // pixels: what is larger is drawn where it is seen alone
 constexpr qreal Faint = 0.45;
 constexpr int ButtonEdge = 3;
 
@@ -38,14 +39,25 @@ bool isSeen(std::string_view line) {
                         [line](std::string_view name) { return line.starts_with(name); });
 }
 
+// What is drawn of the picture, in its pixels.
+QRect partOf(const QSize& size, const PixelGrid& grid) {
+    const QRect whole(0, 0, qCeil(size.width() * grid.ratio + grid.offset.x()),
+                      qCeil(size.height() * grid.ratio + grid.offset.y()));
+    if (grid.seen.isNull()) return whole;
+    const QRect seen = whole & grid.seen;
+    return seen.isEmpty() || qint64{whole.width()} * whole.height() > LargeArea ? seen : whole;
+}
+
 // What tells one look from another, in one text.
-QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, const PixelGrid& grid) {
+QByteArray lookOf(std::string_view properties, const QSize& size, const Font& font, const PixelGrid& grid,
+                  const QRect& part) {
     QByteArray look;
     look.reserve(static_cast<qsizetype>(properties.size() + font.name.size() + 96));
     const auto number = [&look](qint64 n) { look.append(QByteArray::number(n)).append(' '); };
     for (const qint64 n : {qint64{size.width()}, qint64{size.height()}, qint64(grid.ratio * 1000),
                            qint64(grid.offset.x() * 1000), qint64(grid.offset.y() * 1000), qint64{font.size},
-                           qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey()})
+                           qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey(),
+                           qint64{part.x()}, qint64{part.y()}, qint64{part.width()}, qint64{part.height()}})
         number(n);
     look.append(QApplication::font().key().toUtf8()).append(' ');
     look.append(font.name.data(), static_cast<qsizetype>(font.name.size())).append('\n');
@@ -127,19 +139,18 @@ Peer* dressed(Control& control, std::string_view properties, const QSize& size, 
 }
 
 QPixmap drawn(Control& control, std::string_view properties, const QSize& size, const Font& font,
-              const PixelGrid& grid) {
+              const PixelGrid& grid, const QRect& part) {
     const std::string missing = lacksPicture(control) ? std::exchange(control.picture, {}) : std::string();
     Peer* const peer = dressed(control, properties, size, font);
     const std::unique_ptr<QWidget> owned(peer->widget());
     QWidget& widget = *owned;
-    QPixmap picture(qCeil(size.width() * grid.ratio + grid.offset.x()),
-                    qCeil(size.height() * grid.ratio + grid.offset.y()));
+    QPixmap picture(part.size());
     const qreal ratio = std::max(grid.ratio, 1.0);  // the toolkit knows of no smaller one
     picture.setDevicePixelRatio(ratio);
     picture.fill(Qt::transparent);
     {
         QPainter painter(&picture);
-        painter.translate(grid.offset / ratio);
+        painter.translate((grid.offset - part.topLeft()) / ratio);
         painter.scale(grid.ratio / ratio, grid.ratio / ratio);
         if (!control.visible) painter.setOpacity(Faint);
         if (hasLine(properties, "GROUND=")) painter.fillRect(widget.rect(), holder().palette().window());
@@ -155,21 +166,23 @@ QPixmap drawn(Control& control, std::string_view properties, const QSize& size, 
 
 }  // namespace
 
-QPixmap controlPicture(std::string_view properties, const QSize& asked, const Font& font,
-                       const PixelGrid& grid) {
+ControlPicture controlPicture(std::string_view properties, const QSize& asked, const Font& font,
+                              const PixelGrid& grid) {
     static QCache<QByteArray, QPixmap> known(Kept);
     const int most = static_cast<int>(LargestSide / std::max(grid.ratio, 1.0));
     const QSize size = asked.boundedTo({most, most});
-    const QByteArray look = lookOf(properties, size, font, grid);
-    if (const QPixmap* const kept = known.object(look); kept != nullptr) return *kept;
+    const QRect part = partOf(size, grid);
+    if (size.isEmpty() || part.isEmpty()) return {};
+    const QByteArray look = lookOf(properties, size, font, grid, part);
+    if (const QPixmap* const kept = known.object(look); kept != nullptr) return {*kept, part.topLeft()};
     const std::unique_ptr<Control> control = makeLoose(properties);
-    if (control == nullptr || size.isEmpty()) return {};
+    if (control == nullptr) return {};
     const bool missing = lacksPicture(*control);  // one that is missing may come later
-    const QPixmap picture = drawn(*control, properties, size, font, grid);
-    if (missing) return picture;
+    const QPixmap picture = drawn(*control, properties, size, font, grid, part);
+    if (missing) return {picture, part.topLeft()};
     const qsizetype cost = qsizetype{picture.width()} * picture.height() * 4 / 1024 + 1;
     known.insert(look, new QPixmap(picture), cost);
-    return picture;
+    return {picture, part.topLeft()};
 }
 
 }  // namespace tarn::platform::qt

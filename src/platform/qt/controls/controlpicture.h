@@ -9,6 +9,8 @@
 #include "platform/object.h"
 
 #include <QPixmap>
+#include <QPoint>
+#include <QRect>
 
 #include <string_view>
 
@@ -18,11 +20,17 @@ namespace tarn::platform::qt {
 struct PixelGrid {
     qreal ratio = 1;  // pixels of the device for one of the control
     QPointF offset;   // of its corner from that of the picture, in pixels of the device; below 1
+    QRect seen;       // what of the picture is on the device, in its pixels; null: all
 };
 
-// Of a property list (see DrawControl), of that size in device-independent pixels; null if it is of no control. `font` is
-// that of its window.
-QPixmap controlPicture(std::string_view properties, const QSize& size, const Font& font,
-                       const PixelGrid& grid);
+struct ControlPicture {
+    QPixmap pixmap;
+    QPoint corner;  // in the whole picture, of which a large one is only drawn where it is seen
+};
+
+// Of a property list (see DrawControl), of that size in device-independent pixels; null if it is of no control, or nothing
+// of it is seen. `font` is that of its window.
+ControlPicture controlPicture(std::string_view properties, const QSize& size, const Font& font,
+                              const PixelGrid& grid);
 
 }  // namespace tarn::platform::qt

@@ -151,10 +151,19 @@ void PaintCanvas::control(const Rect& r, std::string_view properties, const Font
     // A picture between pixels would be blurred, so it begins at a whole one of the device.
     const qreal device = painter_.device()->devicePixelRatioF(), ratio = device * factor();
     const QPointF corner = QPointF(r.x, r.y) * ratio, whole(std::floor(corner.x()), std::floor(corner.y()));
-    const QPixmap pixmap = controlPicture(properties, {r.w, r.h}, font, {ratio, corner - whole});
+    PixelGrid grid{ratio, corner - whole, deviceRect()};
+    if (!grid.seen.isNull()) grid.seen.translate(-whole.toPoint());
+    const auto [pixmap, part] = controlPicture(properties, {r.w, r.h}, font, grid);
     if (pixmap.isNull()) return;
     const QSizeF pixels = pixmap.size();
-    painter_.drawPixmap(QRectF(whole / device, pixels / device), pixmap, QRectF({}, pixels));
+    painter_.drawPixmap(QRectF((whole + part) / device, pixels / device), pixmap, QRectF({}, pixels));
+}
+
+// In its pixels; null where what is drawn falls elsewhere.
+QRect PaintCanvas::deviceRect() const {
+    const QPaintDevice& device = *painter_.device();
+    if (device.devType() != QInternal::Image || !painter_.transform().isIdentity()) return {};
+    return {0, 0, device.width(), device.height()};
 }
 
 }  // namespace tarn::platform::qt

@@ -46,6 +46,7 @@ protected:
 
 private:
     [[nodiscard]] QRect placed(const Rect& rect) const;
+    [[nodiscard]] QRect deviceRect() const;
     [[nodiscard]] qreal factor() const { return scale_ / 100.0; }
     [[nodiscard]] QColor foreOf(Ink ink) const { return ink.fore < 0 ? fore_ : colourOf(ink.fore); }
 

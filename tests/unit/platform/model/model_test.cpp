@@ -1018,6 +1018,8 @@ TEST_F(ModelTest, RowsAreNumberedFromOneAndHaveNoLineEnd) {
     EXPECT_EQ(GetList(list, 2).value, "a");
     EXPECT_EQ(GetList(list, 3).value, "b");
     EXPECT_EQ(GetList(list, 4).value, "c\nd\n") << "one line end is taken off";
+    SetList(list, 3, "b\r");
+    EXPECT_EQ(GetList(list, 3).value, "b\r") << "a carriage return by itself is none";
     const std::string big(100'000, 'x');
     SetList(list, 1, big);
     EXPECT_EQ(GetList(list, 1).value, big);
