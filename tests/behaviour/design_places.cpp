@@ -2,7 +2,7 @@
 #include "behaviour/design_places.h"
 
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/geometry.h"
+#include "ide/designer/drawing/geometry.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"

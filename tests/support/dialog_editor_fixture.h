@@ -5,9 +5,9 @@
 #pragma once
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/geometry.h"
+#include "ide/designer/drawing/geometry.h"
+#include "ide/designer/objects/dlgobjects.h"
 #include "ide/designer/toolbox.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/designer/proputil.h"

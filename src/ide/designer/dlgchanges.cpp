@@ -3,7 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/scratch.h"
+#include "ide/designer/files/scratch.h"
 #include "ide/editor/difference.h"
 #include "ide/editor/linediff.h"
 #include "ide/shell/idecore.h"

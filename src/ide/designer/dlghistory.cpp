@@ -5,9 +5,9 @@
 #include "ide/designer/dlghistory.h"
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlglock.h"
-#include "ide/designer/dlgtab.h"
 #include "ide/designer/listdelta.h"
+#include "ide/designer/objects/dlglock.h"
+#include "ide/designer/objects/dlgtab.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"

@@ -3,12 +3,12 @@
 // Saving a dialog: a row of checks, each of which may end it, then the rename and the write. Whatever ends it leaves the
 // dialog marked as changed.
 #include "ide/designer/dlgchanges.h"
-#include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/files/dlgcode.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/shell/rescue.h"

@@ -3,9 +3,9 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
-#include "ide/designer/dlglock.h"
-#include "ide/designer/dlgmenu.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/objects/dlglock.h"
+#include "ide/designer/objects/dlgmenu.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"

@@ -3,8 +3,8 @@
 // Undo and redo in the dialog editor, on the object model, and the deltas that the steps are kept as.
 #include "ide/designer/dlghistory.h"
 
-#include "ide/designer/dlgclip.h"
 #include "ide/designer/listdelta.h"
+#include "ide/designer/objects/dlgclip.h"
 #include "library/designer/propedit.h"
 #include "support/dialog_editor_fixture.h"
 
