@@ -4,6 +4,9 @@
 // Errors are texts, empty on success. A test writes a file of its own, "~dlgtest1.tmp", into the folder of the resource
 // file and deletes it at once; who lets it be kept deletes it.
 //
+//   dlgtest.cpp    the tests of properties        dlgfix.cpp    what makes a copied dialog fit
+//   dlgtester.cpp  the window TestDlg             dlgmerge.cpp  joined texts
+//
 // Cost: each reads the resource file some times; a test makes all controls of the window, and does not show them.
 #pragma once
 
@@ -13,14 +16,17 @@
 
 namespace tarn {
 
+// Whether the file has a resource of that kind and name, in any case; false for a file that cannot be read.
 bool ISINRESOURCEFILE(const std::string& file, const std::string& kind, const std::string& name);
 
 struct PropertyTest {
     std::string error;
     std::string scratchFile;  // with `keep`, the file that was written for the test; else empty
 };
+// Writes the dialog into a file of its own, reads it again, and tells what differs.
 PropertyTest TESTPROPERTIES(const std::string& file, const std::string& dialog, bool keep = false);
 std::string TESTFILEPROPERTIES(const std::string& file);  // of all dialogs of the file
+// The first property in which two property lists differ, in words.
 std::string FINDDIFFERENCE(const std::string& list1, const std::string& list2);
 
 // Shows the dialog as its program will, modally, under the window TestDlg. An error is told in a box of that title. The

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The choice of a resource in a resource file. The file is typed or looked for; its resources show below it.
+// What cannot be chosen is told when the user presses OK. Cost: each change of the file name reads the file.
 #pragma once
 
 #include "kernel/windows/windowing.h"

@@ -2,6 +2,8 @@
 //
 // The menu editor: the flat list of a menu's items, nested by the level that POSITION holds. The work on the items is in
 // menuitems.h; here is the window.
+//
+// Cost: that of the items, read once and written once.
 #pragma once
 
 #include "kernel/windows/windowing.h"

@@ -3,7 +3,8 @@
 // Alignment: a table of operations on the places of several objects, and what applies one to the selection. All go by the
 // first of them, which stays where it is but for what is said of an operation.
 //
-// The operations are known by the names of their menu items.
+// The operations are known by the names of their menu items. Cost: linear in the objects (equal gaps sort them), and a
+// redraw.
 #pragma once
 
 #include "library/designer/proputil.h"

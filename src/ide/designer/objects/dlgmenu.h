@@ -8,8 +8,9 @@
 
 namespace tarn {
 
-// By the name of the menu item; nothing while the dialog editor is not shown.
+// By the name of the menu item. Beeps where the item would be disabled.
 void DIALOGCOMMAND(std::string_view item);
+// Enables and ticks them for what is selected now; without an editor all are disabled.
 void UPDATEDIALOGMENU();
 
 }  // namespace tarn

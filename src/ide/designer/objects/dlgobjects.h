@@ -5,6 +5,11 @@
 //
 // Call them inside DESIGNSTEP (dlgstep.h); ADDOBJECT alone makes a step of its own. They change the lists and nothing else:
 // the caller redraws. What is not possible beeps, and gives false.
+//
+//   dlgobjects.cpp  deleting, moving, sizing, the order     dlgadd.cpp  adding: names, places and sizes of new ones
+//   ../properties/dlgprops.cpp  editing
+//
+// Cost: an operation on one object reads and writes its property list; a new name and the order read those of all.
 #pragma once
 
 #include "kernel/windows/windowing.h"
