@@ -31,8 +31,7 @@ std::string saveInto(const std::string& scratch) {
     const bool renames = !STREQUAL(name, old) && ResourceRead(scratch, old, there).empty();
     const std::string error = renames ? ResourceRename(scratch, old, name) : "";
     if (!error.empty()) return error;
-    return ResourceWrite(TSTRINGARRAY(DESIGNCONTROL("datalist")), TSTRINGARRAY(DESIGNCONTROL("menulist")),
-                         scratch);
+    return ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), scratch);
 }
 
 }  // namespace

@@ -170,8 +170,8 @@ void show(const DesignLists& lists) {
     FRAME(SHOW);
     CARRYLOCKS(DESIGNLISTS(), lists);
     STAMP();
-    store(DESIGNCONTROL("datalist"), lists.dialog);
-    store(DESIGNCONTROL("menulist"), lists.menu);
+    store(DATALIST(), lists.dialog);
+    store(MENULIST(), lists.menu);
     STAMP();
     std::vector<int> selected = {lists.selection};
     selected.insert(selected.end(), lists.others.begin(), lists.others.end());

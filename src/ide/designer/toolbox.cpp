@@ -56,8 +56,7 @@ bool keyPressed(int key) {
 }
 
 void moveInOrder(int direction) {
-    if (DESIGNSTEP([&] { MOVECONTROLZ(DESIGNCONTROL("datalist"), SELECTEDOBJECT(), direction); }))
-        DIALOGREDRAW();
+    if (DESIGNSTEP([&] { MOVECONTROLZ(DATALIST(), SELECTEDOBJECT(), direction); })) DIALOGREDRAW();
 }
 
 bool isInArray(const Object& control) {

@@ -39,8 +39,7 @@ const DialogFinding* selected(const Object& window) {
 }
 
 void check() {
-    found = CHECKDIALOG(DialogDlg, TSTRINGARRAY(DESIGNCONTROL("datalist")),
-                        TSTRINGARRAY(DESIGNCONTROL("menulist")));
+    found = CHECKDIALOG(DialogDlg, TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()));
 }
 
 bool canRepair(const DialogFinding& finding) {

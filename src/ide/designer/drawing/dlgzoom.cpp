@@ -111,7 +111,7 @@ void DIALOGZOOM(int step) {
 void LIMITDESIGNSIZE(const std::string& dialog) {
     FRAME(LIMITSIZE);
     constexpr int least = 12;
-    const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
+    const Margin margin = DIALOGGETMARGIN();
     const int frame = 2 * GETBORDERHEIGHT(DialogDlg, GETPROPINT(dialog, "BORDERSTYLE"));
     const int across = margin.left + margin.right, down = margin.top + margin.bottom;
     const auto zoomed = [](int w, int h) {

@@ -41,10 +41,6 @@ ScreenUnits MEASURESCREEN(const std::string& file, const std::string& dialog) {
     return screen;
 }
 
-std::string positionText(const UnitRect& at) {
-    return STR(at.x) + " " + STR(at.y) + " " + STR(at.w) + " " + STR(at.h);
-}
-
 // The first word of each line, in upper case.
 std::set<std::string> wordsOf(std::string_view lines) {
     std::set<std::string> words;
@@ -94,7 +90,7 @@ std::string FIXPROPERTY_POSITION(const std::string& file, const std::string& dia
         const UnitRect& size = screen.size;
         if (!screen.error.empty() || (at.x <= size.w - LeastInSight && at.y <= size.h - LeastInSight))
             return false;
-        MSGBOX("Dialog Editor", "The window is off the edge of the screen (Position = " + positionText(at) +
+        MSGBOX("Dialog Editor", "The window is off the edge of the screen (Position = " + POSITIONTEXT(at) +
                                     ")\nIt will be moved back on the screen to make it visible.\n");
         at.x = std::max((size.w - at.w) / 2, LeastInSight);
         at.y = std::max((size.h - at.h) / 2, LeastInSight);

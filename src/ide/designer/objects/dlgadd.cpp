@@ -31,17 +31,13 @@ struct NewObject {
     }
 };
 
-Object datalist() {
-    return DESIGNCONTROL("datalist");
-}
-
 // ---- name and option ----
 
 void setName(NewObject& object) {
     FRAME(SETNAME);
     const bool menu = object.is("Menuitem");
     const std::string names =
-        menu ? ResourceInfo(DIALOGGETFILENAME(), "MENU", "*").text : GETPROPVALUE(datalist(), "NAME");
+        menu ? ResourceInfo(DIALOGGETFILENAME(), "MENU", "*").text : GETPROPVALUE(DATALIST(), "NAME");
     const std::string base = menu ? "Menu" : object.is("Iconlist") ? object.type : STRNAMECASE(object.type);
     STAMP();
     const std::string name = GETNEXTNAME(names, base);
@@ -62,8 +58,8 @@ void setOption(NewObject& object) {
 constexpr int Step = 8;  // resource units
 
 bool isTaken(int x, int y) {
-    for (int item = GetListCount(datalist()); item >= 2; --item) {
-        const UnitRect other = GETPROPPOSITION(GetList(datalist(), item) + "\n");
+    for (int item = GetListCount(DATALIST()); item >= 2; --item) {
+        const UnitRect other = GETPROPPOSITION(DESIGNITEM(item));
         if (other.x == x && other.y == y) return true;
     }
     return false;
@@ -83,8 +79,7 @@ UnitRect freePlace() {
 }
 
 UnitRect placeAt(const Object& window, int x, int y) {
-    const Rect corner =
-        CALCOFFSETS(window, DESIGNITEM(1), CVTI(DESIGNTEXT("modestr")), GETMARGIN(DESIGNTEXT("marginstr")));
+    const Rect corner = CALCOFFSETS(window, DESIGNITEM(1), DIALOGGETMODE(), DIALOGGETMARGIN());
     return PIXELSTORCUNITS(window, Rect{x - corner.x, y - corner.y, 0, 0});
 }
 
@@ -127,11 +122,6 @@ void setPlace(const Object& window, NewObject& object) {
 
 // ---- into the lists ----
 
-std::string withoutLineEnd(std::string list) {
-    if (list.ends_with('\n')) list.pop_back();
-    return list;
-}
-
 // Why the dialog cannot have so many controls; empty if it can.
 std::string obstacle(int controls) {
     const std::string type = GETPROPVALUE(DESIGNITEM(1), "TYPEOF");
@@ -155,9 +145,9 @@ void addControl(const NewObject& object, int controls) {
     FRAME(ADDCONTROL);
     STAMP();
     if (told(obstacle(controls + 1))) return;
-    AddItem(datalist(), withoutLineEnd(object.list));
+    ADDDESIGNITEM(DATALIST(), object.list);
     STAMP();
-    SELECTOBJECT(GetListCount(datalist()));
+    SELECTOBJECT(GetListCount(DATALIST()));
     STAMP();
 }
 
@@ -167,11 +157,11 @@ void addMenu(const NewObject& object) {
     const bool hasMenu = !GETPROPVALUE(dialog, "MENU").empty();
     STAMP();
     if (told(hasMenu ? "Cannot add a menu, this window already has a menu." : "")) return;
-    const Object menulist = DESIGNCONTROL("menulist");
+    const Object menulist = MENULIST();
     Clear(menulist);  // of a menu that the dialog does not name any more
-    AddItem(menulist, withoutLineEnd(object.list));
+    ADDDESIGNITEM(menulist, object.list);
     SETPROPVALUE("MENU", STRADDQUOTES(GETPROPVALUE(object.list, "NAME")), dialog);
-    SetList(datalist(), 1, withoutLineEnd(dialog));
+    SETDESIGNITEM(DATALIST(), 1, dialog);
     STAMP();
     SELECTOBJECT(-1);
     STAMP();
@@ -182,7 +172,7 @@ void addMenu(const NewObject& object) {
 bool MAYADDCONTROLS(int more) {
     FRAME(MAYADDCONTROLS);
     STAMP();
-    return !told(obstacle(GetListCount(datalist()) - 1 + more));
+    return !told(obstacle(GetListCount(DATALIST()) - 1 + more));
 }
 
 bool ADDOBJECT(const Object& window, const std::string& type, const std::string& option, int x, int y) {
@@ -192,7 +182,7 @@ bool ADDOBJECT(const Object& window, const std::string& type, const std::string&
     STAMP();
     NewObject object{type, option, GETOBJECTDEFAULTS(type), x, y};
     if (object.list.empty()) return false;
-    const int controls = STRLINES(GETPROPVALUE(datalist(), "NAME")) - 1;
+    const int controls = STRLINES(GETPROPVALUE(DATALIST(), "NAME")) - 1;
     STAMP();
     setName(object);
     setOption(object);

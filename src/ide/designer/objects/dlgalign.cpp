@@ -190,7 +190,7 @@ void putInFront(bool front) {
     const std::vector<int> selected = SELECTEDOBJECTS();
     STAMP();
     if (!selectsControls(selected)) return Sound();
-    std::vector<int> order(static_cast<std::size_t>(GetListCount(DESIGNCONTROL("datalist"))) - 1);
+    std::vector<int> order(static_cast<std::size_t>(GetListCount(DATALIST())) - 1);
     std::iota(order.begin(), order.end(), 2);
     std::stable_partition(order.begin(), order.end(), [&](int index) {
         const bool chosen = std::find(selected.begin(), selected.end(), index) != selected.end();

@@ -54,11 +54,10 @@ bool copySelected() {
 
 void addControls(const std::vector<std::string>& controls) {
     FRAME(ADDCONTROLS);
-    const Object datalist = DESIGNCONTROL("datalist");
+    const Object datalist = DATALIST();
     std::vector<int> added;
-    for (std::string list : controls) {
-        if (list.ends_with('\n')) list.pop_back();
-        AddItem(datalist, list);
+    for (const std::string& list : controls) {
+        ADDDESIGNITEM(datalist, list);
         added.push_back(GetListCount(datalist));
     }
     STAMP();
@@ -87,7 +86,7 @@ void put(const std::vector<std::string>& controls) {
 
 // While the order is clicked nothing else is done to the controls.
 bool takesCommands() {
-    return IsLoaded(DialogDlg) && GetListCount(DESIGNCONTROL("datalist")) > 0 && !TABORDERISON();
+    return IsLoaded(DialogDlg) && GetListCount(DATALIST()) > 0 && !TABORDERISON();
 }
 
 }  // namespace

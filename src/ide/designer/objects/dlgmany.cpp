@@ -15,10 +15,6 @@ MODULE("dlgedit")
 namespace tarn {
 namespace {
 
-Object datalist() {
-    return DESIGNCONTROL("datalist");
-}
-
 using Change = UnitRect (*)(UnitRect, int, int);
 
 UnitRect moved(UnitRect place, int dx, int dy) {
@@ -64,6 +60,17 @@ std::vector<int> movable() {
     return rest;
 }
 
+// One object is changed by what there is for one, which knows its own limits.
+void changeSelected(Change change, bool (*changeOne)(const Object&, int, int, int), int across, int down) {
+    FRAME(CHANGESELECTED);
+    const std::vector<int> selected = SELECTEDOBJECTS(), rest = movable();
+    STAMP();
+    if (selected.size() > 1 && !rest.empty()) return changeAll(rest, change, across, down);
+    if (rest.size() != selected.size()) return;
+    if (DESIGNSTEP([&] { changeOne(DATALIST(), SELECTEDOBJECT(), across, down); })) DIALOGREDRAW();
+    STAMP();
+}
+
 }  // namespace
 
 UnitRect DESIGNPLACE(int index) {
@@ -78,7 +85,7 @@ void SETDESIGNPLACE(int index, const UnitRect& place) {
     std::string list = DESIGNITEM(index);
     if (list.empty() || GETPROPPOSITION(list) == place) return;
     SETPROPPOSITION(list, place);
-    SetList(datalist(), index, list.substr(0, list.size() - 1));
+    SETDESIGNITEM(DATALIST(), index, list);
     STAMP();
 }
 
@@ -94,23 +101,13 @@ UnitRect KEPTINSIDE(UnitRect place) {
 void MOVESELECTED(int dx, int dy) {
     FRAME(MOVESELECTED);
     STAMP();
-    const std::vector<int> selected = SELECTEDOBJECTS(), rest = movable();
-    STAMP();
-    if (selected.size() > 1 && !rest.empty()) return changeAll(rest, moved, dx, dy);
-    if (rest.size() != selected.size()) return;
-    if (DESIGNSTEP([&] { MOVECONTROLXY(datalist(), SELECTEDOBJECT(), dx, dy); })) DIALOGREDRAW();
-    STAMP();
+    changeSelected(moved, MOVECONTROLXY, dx, dy);
 }
 
 void SIZESELECTED(int dw, int dh) {
     FRAME(SIZESELECTED);
     STAMP();
-    const std::vector<int> selected = SELECTEDOBJECTS(), rest = movable();
-    STAMP();
-    if (selected.size() > 1 && !rest.empty()) return changeAll(rest, sized, dw, dh);
-    if (rest.size() != selected.size()) return;
-    if (DESIGNSTEP([&] { SIZECONTROL(datalist(), SELECTEDOBJECT(), dw, dh); })) DIALOGREDRAW();
-    STAMP();
+    changeSelected(sized, SIZECONTROL, dw, dh);
 }
 
 void DELETESELECTED() {
@@ -121,9 +118,9 @@ void DELETESELECTED() {
     std::sort(indexes.rbegin(), indexes.rend());
     const bool deleted = DESIGNSTEP([&] {
         const std::string lock = DESIGNTEXT("ctlprotectstr");
-        const Object menulist = DESIGNCONTROL("menulist");
+        const Object menulist = MENULIST();
         for (const int index : indexes)
-            if (!DELETEOBJECT(datalist(), menulist, index, lock)) return;
+            if (!DELETEOBJECT(DATALIST(), menulist, index, lock)) return;
         SELECTOBJECT(0);
     });
     STAMP();
@@ -135,7 +132,7 @@ void SELECTALLCONTROLS() {
     FRAME(SELECTALLCONTROLS);
     STAMP();
     std::vector<int> all;
-    for (int index = 2; index <= GetListCount(datalist()); ++index) all.push_back(index);
+    for (int index = 2; index <= GetListCount(DATALIST()); ++index) all.push_back(index);
     if (all.empty()) return Sound();
     SELECTOBJECTS(all);
     STAMP();

@@ -2,6 +2,7 @@
 //
 // What keys and menus do to all selected objects at once: each is one step, and redraws. With one object these are the
 // operations of dlgobjects.h. Of several, all go or none: where one would leave the dialog it beeps. Locked ones stay.
+// Cost: the positions of the selected objects are read and written, and the lists copied (DESIGNSTEP).
 #pragma once
 
 #include "library/designer/proputil.h"
@@ -11,8 +12,8 @@ namespace tarn {
 // The place of an object, in resource units. It is set inside DESIGNSTEP; one that is the same already is not written.
 UnitRect DESIGNPLACE(int index);
 void SETDESIGNPLACE(int index, const UnitRect& place);
-UnitRect
-KEPTINSIDE(UnitRect place);  // moved into the dialog; one that is too large lies at its left and upper edge
+// Moved into the dialog; one that is too large lies at its left and upper edge.
+UnitRect KEPTINSIDE(UnitRect place);
 
 void MOVESELECTED(int dx, int dy);  // by resource units
 void SIZESELECTED(int dw, int dh);

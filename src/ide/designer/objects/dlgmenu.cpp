@@ -39,7 +39,7 @@ void switchTabOrder() {
 }
 
 bool hasOrder() {
-    return TABORDERISON() || GetListCount(DESIGNCONTROL("datalist")) > 2;
+    return TABORDERISON() || GetListCount(DATALIST()) > 2;
 }
 
 struct CommandRow {

@@ -19,23 +19,14 @@ bool refused() {
     return false;
 }
 
-std::string itemOf(const Object& list, int item) {
-    return GetList(list, item) + "\n";
-}
-
-void store(const Object& list, int item, std::string properties) {
-    if (properties.ends_with('\n')) properties.pop_back();
-    SetList(list, item, properties);
-}
-
 bool isControl(const Object& datalist, int index) {
     return index > 1 && index <= GetListCount(datalist);
 }
 
 void storePosition(const Object& datalist, int index, const UnitRect& position) {
-    std::string list = itemOf(datalist, index);
+    std::string list = GETDESIGNITEM(datalist, index);
     SETPROPPOSITION(list, position);
-    store(datalist, index, list);
+    SETDESIGNITEM(datalist, index, list);
 }
 
 bool fitsInto(int place, int size, int room) {
@@ -56,9 +47,9 @@ bool DELETEOBJECT(const Object& datalist, const Object& menulist, int index, con
     }
     STAMP();
     if (index != -1) return refused();
-    std::string dialog = itemOf(datalist, 1);
+    std::string dialog = GETDESIGNITEM(datalist, 1);
     SETPROPVALUE("MENU", "\"\"", dialog);
-    store(datalist, 1, dialog);
+    SETDESIGNITEM(datalist, 1, dialog);
     Clear(menulist);
     STAMP();
     return true;
@@ -70,8 +61,8 @@ bool MOVECONTROLXY(const Object& datalist, int index, int dx, int dy) {
     FRAME(MOVECONTROLXY);
     STAMP();
     if (!isControl(datalist, index)) return refused();
-    const UnitRect dialog = GETPROPPOSITION(itemOf(datalist, 1));
-    UnitRect position = GETPROPPOSITION(itemOf(datalist, index));
+    const UnitRect dialog = GETPROPPOSITION(GETDESIGNITEM(datalist, 1));
+    UnitRect position = GETPROPPOSITION(GETDESIGNITEM(datalist, index));
     position.x += dx;
     position.y += dy;
     STAMP();
@@ -86,8 +77,8 @@ bool SIZECONTROL(const Object& datalist, int index, int dw, int dh) {
     FRAME(SIZECONTROL);
     STAMP();
     if (index != 1 && !isControl(datalist, index)) return refused();
-    const UnitRect dialog = GETPROPPOSITION(itemOf(datalist, 1));
-    UnitRect position = GETPROPPOSITION(itemOf(datalist, index));
+    const UnitRect dialog = GETPROPPOSITION(GETDESIGNITEM(datalist, 1));
+    UnitRect position = GETPROPPOSITION(GETDESIGNITEM(datalist, index));
     position.w += dw;
     position.h += dh;
     const bool leaves =
@@ -121,9 +112,9 @@ Overlapping overlapping(const Object& datalist, int index, int direction) {
     constexpr int most = 10;
     Overlapping found;
     const int last = GetListCount(datalist);
-    const UnitRect own = GETPROPPOSITION(itemOf(datalist, index));
+    const UnitRect own = GETPROPPOSITION(GETDESIGNITEM(datalist, index));
     for (int other = index + direction; other >= 2 && other <= last; other += direction) {
-        const std::string list = itemOf(datalist, other);
+        const std::string list = GETDESIGNITEM(datalist, other);
         if (!overlap(own, GETPROPPOSITION(list))) continue;
         found.farthest = other;
         if (++found.count <= most)
@@ -153,7 +144,7 @@ bool MOVECONTROLZ(const Object& datalist, int index, int direction) {
     const Overlapping found = overlapping(datalist, index, direction > 0 ? 1 : -1);
     STAMP();
     if (found.count == 0) return refused();
-    const std::string list = itemOf(datalist, index);
+    const std::string list = GETDESIGNITEM(datalist, index);
     STAMP();
     if (!wantsMove(list, found.lines, direction)) return false;
     RemoveItem(datalist, index);

@@ -14,20 +14,16 @@ MODULE("dlgedit")
 namespace tarn {
 namespace {
 
-Object datalist() {
-    return DESIGNCONTROL("datalist");
-}
-
 // What was clicked, in that order; empty also where objects have come or gone since.
 std::vector<int> clicked() {
     std::vector<int> numbers = DESIGNNUMBERS("taborder");
-    if (numbers.empty() || numbers[0] != GetListCount(datalist())) return {};
+    if (numbers.empty() || numbers[0] != GetListCount(DATALIST())) return {};
     numbers.erase(numbers.begin());
     return numbers;
 }
 
 bool isControl(int index) {
-    return index > 1 && index <= GetListCount(datalist());
+    return index > 1 && index <= GetListCount(DATALIST());
 }
 
 // Where each index of a list has gone.
@@ -50,9 +46,9 @@ bool TABORDERISON() {
 void TABORDERBEGIN() {
     FRAME(TABORDERBEGIN);
     STAMP();
-    if (GetListCount(datalist()) < 3) return Sound();  // nothing to put in order
+    if (GetListCount(DATALIST()) < 3) return Sound();  // nothing to put in order
     SELECTOBJECT(0);
-    SETDESIGNNUMBERS("taborder", {GetListCount(datalist())});
+    SETDESIGNNUMBERS("taborder", {GetListCount(DATALIST())});
     STAMP();
     DIALOGREDRAW();
     UPDATEDIALOGMENU();
@@ -69,7 +65,7 @@ void TABORDERCLICK(int index) {
         chosen.pop_back();
     else
         chosen.push_back(index);
-    chosen.insert(chosen.begin(), GetListCount(datalist()));
+    chosen.insert(chosen.begin(), GetListCount(DATALIST()));
     SETDESIGNNUMBERS("taborder", chosen);
     STAMP();
     DIALOGREDRAW();
@@ -80,7 +76,7 @@ std::vector<int> TABORDERNOW() {
     FRAME(TABORDERNOW);
     STAMP();
     std::vector<int> order = clicked();
-    for (int index = 2; index <= GetListCount(datalist()); ++index)
+    for (int index = 2; index <= GetListCount(DATALIST()); ++index)
         if (std::find(order.begin(), order.end(), index) == order.end()) order.push_back(index);
     STAMP();
     return order;
@@ -114,7 +110,7 @@ void REORDERCONTROLS(const std::vector<int>& order) {
     const std::vector<std::string> before = DESIGNLISTS().dialog;
     const bool changed = DESIGNSTEP([&] {
         for (std::size_t i = 0; i < order.size(); ++i)
-            SetList(datalist(), static_cast<int>(i) + 2, before[static_cast<std::size_t>(order[i]) - 1]);
+            SetList(DATALIST(), static_cast<int>(i) + 2, before[static_cast<std::size_t>(order[i]) - 1]);
         if (!selected.empty()) SELECTOBJECTS(selected);
     });
     STAMP();

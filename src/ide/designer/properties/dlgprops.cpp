@@ -20,15 +20,6 @@ MODULE("dlgedit")
 namespace tarn {
 namespace {
 
-std::string itemOf(const Object& list, int item) {
-    return GetList(list, item) + "\n";
-}
-
-void store(const Object& list, int item, std::string properties) {
-    if (properties.ends_with('\n')) properties.pop_back();
-    SetList(list, item, properties);
-}
-
 // ---- the sheet ----
 
 std::string joined(const std::vector<PropertyLine>& rows, std::string PropertyLine::*column) {
@@ -47,7 +38,7 @@ std::string rebuilt(const std::vector<PropertyLine>& rows, const std::string& va
 void editProperties(const Object& datalist, int index, const std::string& helpFile,
                     const std::string& helpKey) {
     FRAME(EDITPROPERTIES);
-    const std::string list = itemOf(datalist, index);
+    const std::string list = GETDESIGNITEM(datalist, index);
     const std::vector<PropertyLine> rows = PROPERTYLINES(list, index == 1);
     const std::string title = STRNAMECASE(GETPROPVALUE(list, "NAME") + ":" + GETPROPVALUE(list, "TYPEOF"));
     std::string values = joined(rows, &PropertyLine::value);
@@ -56,7 +47,7 @@ void editProperties(const Object& datalist, int index, const std::string& helpFi
                           joined(rows, &PropertyLine::options), values))
         return;
     STAMP();
-    store(datalist, index, rebuilt(rows, values));
+    SETDESIGNITEM(datalist, index, rebuilt(rows, values));
     STAMP();
     POSTEDITCHECK(datalist, index);
     STAMP();
@@ -68,21 +59,18 @@ void editMenu(const Object& datalist, const Object& menulist, const std::string&
               const std::string& helpKey) {
     FRAME(EDITMENU);
     std::vector<std::string> items;
-    for (int item = 1; item <= GetListCount(menulist); ++item) items.push_back(itemOf(menulist, item));
+    for (int item = 1; item <= GetListCount(menulist); ++item) items.push_back(GETDESIGNITEM(menulist, item));
     STAMP();
     if (items.empty()) {
         items.push_back(GETOBJECTDEFAULTS("Menuitem"));
         SETPROPVALUE("POSITION", "0", items[0]);
-        SETPROPVALUE("NAME", GETPROPVALUE(itemOf(datalist, 1), "MENU"), items[0]);
+        SETPROPVALUE("NAME", GETPROPVALUE(GETDESIGNITEM(datalist, 1), "MENU"), items[0]);
     }
     STAMP();
     if (!MENUEDITDIALOG("Menu Editor", helpFile, helpKey, items)) return;
     STAMP();
     Clear(menulist);
-    for (std::string item : items) {
-        if (item.ends_with('\n')) item.pop_back();
-        AddItem(menulist, item);
-    }
+    for (const std::string& item : items) ADDDESIGNITEM(menulist, item);
     STAMP();
 }
 
@@ -127,12 +115,12 @@ void dropScrollbars(Edited& object) {
 void dropOtherDefaults(Edited& object) {
     if (GETPROPINT(object.properties, "DEFAULT") != 1) return;
     for (int item = 1; item <= GetListCount(object.list); ++item) {
-        std::string other = itemOf(object.list, item);
+        std::string other = GETDESIGNITEM(object.list, item);
         const bool isDefault =
             STREQUAL(GETPROPVALUE(other, "TYPEOF"), "Pushbutton") && GETPROPINT(other, "DEFAULT") == 1;
         if (item == object.index || !isDefault) continue;
         SETPROPINT("DEFAULT", 0, other);
-        store(object.list, item, other);
+        SETDESIGNITEM(object.list, item, other);
     }
 }
 
@@ -179,12 +167,12 @@ void POSTEDITCHECK(const Object& datalist, int index) {
     STAMP();
     if (!STREQUAL(GetTypeof(datalist), "Listbox") || index < 1 || index > GetListCount(datalist)) return;
     STAMP();
-    Edited object{datalist, index, itemOf(datalist, index)};
+    Edited object{datalist, index, GETDESIGNITEM(datalist, index)};
     const std::string before = object.properties, type = GETPROPVALUE(before, "TYPEOF");
     for (const Fix& fix : fixes)
         if (STREQUAL(type, fix.type)) fix.apply(object);
     STAMP();
-    if (object.properties != before) store(datalist, index, object.properties);
+    if (object.properties != before) SETDESIGNITEM(datalist, index, object.properties);
     STAMP();
     warnOfName(datalist, index, STREQUAL(type, "Dialog"));
 }

@@ -49,8 +49,8 @@ void change(int object, const std::string& name, const std::string& value) {
         after += (STREQUAL(line.name, name) ? PROPERTYLINE(line, value) : line.line) + "\n";
     STAMP();
     if (after == before) return;
-    const Object datalist = DESIGNCONTROL("datalist");
-    SetList(datalist, object, after.substr(0, after.size() - 1));
+    const Object datalist = DATALIST();
+    SETDESIGNITEM(datalist, object, after);
     STAMP();
     POSTEDITCHECK(datalist, object);
     STAMP();

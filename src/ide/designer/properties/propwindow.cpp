@@ -15,6 +15,7 @@
 #include "ide/shell/windowtable.h"
 #include "kernel/windows/focus.h"
 #include "library/designer/propedit_rows.h"
+#include "library/designer/proputil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
@@ -207,7 +208,7 @@ void notePlace() {
     FRAME(NOTEPLACE);
     const Rect at = GetPosition(PropertyDlg, WINDOW_UNIT);
     STAMP();
-    set("_Position", STR(at.x) + " " + STR(at.y) + " " + STR(at.w) + " " + STR(at.h));
+    set("_Position", POSITIONTEXT(at));
     STAMP();
 }
 

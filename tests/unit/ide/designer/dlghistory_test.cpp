@@ -298,9 +298,9 @@ TEST_F(DialogUndo, WhatChangesNothingIsNoStep) {
 TEST_F(DialogUndo, AStepWithinAStepIsPartOfIt) {
     openThree();
     DESIGNSTEP([] {
-        DESIGNSTEP([] { SetList(DESIGNCONTROL("datalist"), 2, "NAME=a\nTYPEOF=Label\nPOSITION=0 0 8 8"); });
+        DESIGNSTEP([] { SetList(DATALIST(), 2, "NAME=a\nTYPEOF=Label\nPOSITION=0 0 8 8"); });
         EXPECT_TRUE(beeps(undo)) << "nothing is undone while a step runs";
-        SetList(DESIGNCONTROL("datalist"), 3, "NAME=b\nTYPEOF=Label\nPOSITION=0 0 8 8");
+        SetList(DATALIST(), 3, "NAME=b\nTYPEOF=Label\nPOSITION=0 0 8 8");
     });
     undo();
     EXPECT_FALSE(marked());

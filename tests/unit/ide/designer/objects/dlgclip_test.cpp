@@ -186,7 +186,7 @@ TEST_F(DialogClip, EveryByteOfACaptionComesBack) {
         if (byte != '\n') caption += static_cast<char>(byte);
     std::string list = item(2);
     SETPROPVALUE("CAPTION", "\"" + caption + "\\n\\0\"", list);
-    DESIGNSTEP([&] { SetList(DESIGNCONTROL("datalist"), 2, list.substr(0, list.size() - 1)); });
+    DESIGNSTEP([&] { SETDESIGNITEM(DATALIST(), 2, list); });
     SELECTOBJECT(2);
     pick("edit_cut");
     pick("edit_paste");

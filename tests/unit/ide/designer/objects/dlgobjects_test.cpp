@@ -18,7 +18,7 @@ protected:
     }
     static bool moveZ(int direction) {
         bool moved = false;
-        DESIGNSTEP([&] { moved = MOVECONTROLZ(DESIGNCONTROL("datalist"), SELECTEDOBJECT(), direction); });
+        DESIGNSTEP([&] { moved = MOVECONTROLZ(DATALIST(), SELECTEDOBJECT(), direction); });
         return moved;
     }
 };
