@@ -5,35 +5,23 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
 #include "library/designer/proputil.h"
-#include "support/ide_fixture.h"
-
-#include <functional>
+#include "support/doings_fixture.h"
 
 namespace tarn {
 namespace {
 
-class DialogCheckWindow : public IdeTest {
+class DialogCheckWindow : public DoingsTest {
 protected:
-    std::deque<std::function<void()>> doings;  // what the user does in turn, each when a window waits
     std::string file;
 
     void SetUp() override {
-        IdeTest::SetUp();
+        DoingsTest::SetUp();
         start({write("nothing.txt", "")});
         asked.clear();
-        platform::view().setIdle([this] {
-            if (doings.empty()) return platform::QuitMainLoop();
-            const auto next = doings.front();
-            doings.pop_front();
-            next();
-        });
     }
     void TearDown() override {
-        platform::view().setIdle({});
-        EXPECT_TRUE(doings.empty());
         EXPECT_FALSE(IsLoaded(DlgCheckDlg));
-        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
-        IdeTest::TearDown();
+        DoingsTest::TearDown();
     }
     void open(const std::string& controls, const std::string& items = "") {
         const std::string menu = items.empty() ? "" : "TestMenu MENU\n" + items + "END\n";
@@ -128,8 +116,7 @@ TEST_F(DialogCheckWindow, RepairAllLeavesWhatHasNoSafeRepair) {
         EXPECT_EQ(property(2, "CAPTION"), "&One");
         EXPECT_EQ(property(3, "DEFAULT"), "1");
         EXPECT_EQ(property(5, "POSITION"), "8 80 80 20");
-        EXPECT_EQ(GETPROPVALUE(GetList(DESIGNCONTROL("menulist"), 2), "CAPTION"), "O&pen")
-            << "O is taken by the box";
+        EXPECT_EQ(GETPROPVALUE(GetList(MENULIST(), 2), "CAPTION"), "O&pen") << "O is taken by the box";
         ASSERT_GE(rows(), 1);
         EXPECT_TRUE(text().starts_with("Edit 'name' has no label before it")) << text();
         EXPECT_FALSE(GetEnabled(part("btnrepair")));

@@ -9,40 +9,28 @@
 #include "ide/program/projedit.h"
 #include "ide/shell/commands.h"
 #include "kernel/windows/resources.h"
-#include "support/ide_fixture.h"
+#include "support/doings_fixture.h"
 
 #include <filesystem>
-#include <functional>
 
 namespace tarn {
 namespace {
 
 const Object OpenResourceDlg("OpenResourceDlg");
 
-class TestWindow : public IdeTest {
+class TestWindow : public DoingsTest {
 protected:
-    // What the user does in turn, each when a window waits.
-    std::deque<std::function<void()>> doings;
     std::string rc;
 
     void SetUp() override {
-        IdeTest::SetUp();
+        DoingsTest::SetUp();
         std::filesystem::create_directory(dir + "rc");
         rc = dir + "rc/a.rc";
         loadWindows();
-        platform::view().setIdle([this] {
-            if (doings.empty()) return platform::QuitMainLoop();
-            const auto next = doings.front();
-            doings.pop_front();
-            next();
-        });
     }
     void TearDown() override {
-        platform::view().setIdle({});
-        EXPECT_TRUE(doings.empty());
         for (const Object& window : {TestDlg, RcFileTestDlg, OpenResourceDlg}) EXPECT_FALSE(IsLoaded(window));
-        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
-        IdeTest::TearDown();
+        DoingsTest::TearDown();
     }
     void make(const std::string& text) { write("rc/a.rc", text); }
     bool scratchIsThere() {

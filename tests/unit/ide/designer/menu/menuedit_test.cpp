@@ -6,9 +6,8 @@
 #include "kernel/windows/resources.h"
 #include "library/designer/propedit.h"
 #include "library/designer/proputil.h"
-#include "support/ide_fixture.h"
+#include "support/doings_fixture.h"
 
-#include <functional>
 #include <random>
 
 namespace tarn {
@@ -16,31 +15,20 @@ namespace {
 
 constexpr int KeyEnd = 35, KeyHome = 36;
 
-class MenuEditor : public IdeTest {
+class MenuEditor : public DoingsTest {
 protected:
     using Strings = std::vector<std::string>;
 
-    // What the user does in turn, each when the window waits.
-    std::deque<std::function<void()>> doings;
     Strings items;
 
     void SetUp() override {
-        IdeTest::SetUp();
+        DoingsTest::SetUp();
         REGISTERWINDOWS();
-        platform::view().setIdle([this] {
-            if (doings.empty()) return platform::QuitMainLoop();
-            const auto next = doings.front();
-            doings.pop_front();
-            next();
-        });
     }
     void TearDown() override {
-        platform::view().setIdle({});
-        EXPECT_TRUE(doings.empty());
         EXPECT_FALSE(IsLoaded(MenuEditDlg));
-        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
         MENUITEMVIEW = true;
-        IdeTest::TearDown();
+        DoingsTest::TearDown();
     }
 
     // "level|caption|name" as the property list that a resource file gives.

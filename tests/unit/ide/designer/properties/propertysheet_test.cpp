@@ -5,35 +5,19 @@
 #include "library/designer/propedit.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/designer/proputil.h"
-#include "support/ide_fixture.h"
+#include "support/doings_fixture.h"
 
 #include <filesystem>
-#include <functional>
 
 namespace tarn {
 namespace {
 
-class PropertySheet : public IdeTest {
+class PropertySheet : public DoingsTest {
 protected:
-    // What the user does in turn, each when a window waits.
-    std::deque<std::function<void()>> doings;
-
-    void SetUp() override {
-        IdeTest::SetUp();
-        platform::view().setIdle([this] {
-            if (doings.empty()) return platform::QuitMainLoop();
-            const auto next = doings.front();
-            doings.pop_front();
-            next();
-        });
-    }
     void TearDown() override {
-        platform::view().setIdle({});
-        EXPECT_TRUE(doings.empty());
         for (const Object& window : {PropertiesDlg, ColorBoxDlg, ExclusiveBoxDlg, InclusiveBoxDlg})
             EXPECT_FALSE(IsLoaded(window)) << window.window();
-        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
-        IdeTest::TearDown();
+        DoingsTest::TearDown();
     }
 
     static Object part(const std::string& name) { return FINDCONTROL(PropertiesDlg, name); }
