@@ -5,7 +5,7 @@
 // the refresh of its menus.
 #include "paint_watch.h"
 
-#include "ide/designer/drawing.h"
+#include "ide/designer/drawing/drawing.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/windows.h"

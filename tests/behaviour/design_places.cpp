@@ -2,7 +2,7 @@
 #include "behaviour/design_places.h"
 
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/geometry.h"
+#include "ide/designer/drawing/geometry.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"
@@ -31,7 +31,7 @@ bool drawnPoint(const std::string& name, bool corner, platform::Point& point) {
     if (name == "menu") return point = middle(inWindow(rects.menu)), rects.menu.h > 0;
     const Rect client = inWindow(rects.client);
     if (name == "-") return point = {client.x + client.w - 3, client.y + client.h - 3}, true;
-    const int item = SEARCHPROPLIST(DESIGNCONTROL("datalist"), "NAME", name);
+    const int item = SEARCHPROPLIST(DATALIST(), "NAME", name);
     if (item < 2) return false;
     Rect rect = RCUNITSTOPIXELS(DialogDlg, GETPROPPOSITION(DESIGNITEM(item)));
     rect.x += client.x;

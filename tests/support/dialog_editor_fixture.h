@@ -5,39 +5,24 @@
 #pragma once
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/geometry.h"
+#include "ide/designer/drawing/geometry.h"
+#include "ide/designer/objects/dlgobjects.h"
 #include "ide/designer/toolbox.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/designer/proputil.h"
-#include "support/ide_fixture.h"
-
-#include <functional>
+#include "support/doings_fixture.h"
 
 namespace tarn {
 
-class DialogEditorTest : public IdeTest {
+class DialogEditorTest : public DoingsTest {
 protected:
     std::string file;
-    std::deque<std::function<void()>> doings;  // what the user does in turn, each when a window waits
 
     void SetUp() override {
-        IdeTest::SetUp();
+        DoingsTest::SetUp();
         start({write("nothing.txt", "")});
         asked.clear();
-        platform::view().setIdle([this] {
-            if (doings.empty()) return platform::QuitMainLoop();
-            const auto next = doings.front();
-            doings.pop_front();
-            next();
-        });
-    }
-    void TearDown() override {
-        platform::view().setIdle({});
-        EXPECT_TRUE(doings.empty());
-        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
-        IdeTest::TearDown();
     }
 
     static std::string control(const std::string& type, const std::string& name, const std::string& place,
@@ -61,7 +46,7 @@ protected:
         return GETPROPVALUE(item(index), name);
     }
     static int count(const std::string& list = "datalist") { return GetListCount(DESIGNCONTROL(list)); }
-    static std::string names() { return GETPROPVALUE(DESIGNCONTROL("datalist"), "NAME"); }
+    static std::string names() { return GETPROPVALUE(DATALIST(), "NAME"); }
 
     // ---- what the user does ----
     static bool key(int code, const Object& window = DialogDlg) {
@@ -69,8 +54,7 @@ protected:
     }
     // A place of the window over a place of the dialog's client area.
     static platform::Point at(int x, int y) {
-        const Rect corner =
-            CALCOFFSETS(DialogDlg, DESIGNITEM(1), FULL_FRAME, GETMARGIN(DESIGNTEXT("marginstr")));
+        const Rect corner = CALCOFFSETS(DialogDlg, DESIGNITEM(1), FULL_FRAME, DIALOGGETMARGIN());
         return {x + corner.x, y + corner.y};
     }
     static void click(int x, int y) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Designs on real widgets: what the design of a dialog shows, held against its running window, control by control.
-#include "ide/designer/drawing.h"
+#include "ide/designer/drawing/drawing.h"
 #include "kernel/run/errors.h"
 #include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The dialog check with the letters of a real font: the system's own dialogs have room for their captions.
-#include "ide/designer/dlgcheck.h"
+#include "ide/designer/check/dlgcheck.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
 #include "platform/windowing.h"

@@ -3,7 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/scratch.h"
+#include "ide/designer/files/scratch.h"
 #include "ide/editor/difference.h"
 #include "ide/editor/linediff.h"
 #include "ide/shell/idecore.h"
@@ -31,8 +31,7 @@ std::string saveInto(const std::string& scratch) {
     const bool renames = !STREQUAL(name, old) && ResourceRead(scratch, old, there).empty();
     const std::string error = renames ? ResourceRename(scratch, old, name) : "";
     if (!error.empty()) return error;
-    return ResourceWrite(TSTRINGARRAY(DESIGNCONTROL("datalist")), TSTRINGARRAY(DESIGNCONTROL("menulist")),
-                         scratch);
+    return ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), scratch);
 }
 
 }  // namespace

@@ -7,13 +7,13 @@
 
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlghistory.h"
-#include "ide/designer/dlglock.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/dlgtab.h"
-#include "ide/designer/dlgzoom.h"
-#include "ide/designer/drawing.h"
-#include "ide/designer/geometry.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/drawing/dlgzoom.h"
+#include "ide/designer/drawing/drawing.h"
+#include "ide/designer/drawing/geometry.h"
+#include "ide/designer/objects/dlglock.h"
+#include "ide/designer/objects/dlgtab.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/statusline.h"
@@ -78,13 +78,21 @@ namespace {
 
 bool drawing = false;
 
-int numberOf(std::string_view label) {
-    bool ok = false;
-    const int number = CVTI(DESIGNTEXT(label), ok);
-    return ok ? number : 0;
+}  // namespace
+
+Margin DIALOGGETMARGIN() {
+    FRAME(DIALOGGETMARGIN);
+    STAMP();
+    return GETMARGIN(DESIGNTEXT("marginstr"));
 }
 
-}  // namespace
+int DIALOGGETMODE() {
+    FRAME(DIALOGGETMODE);
+    STAMP();
+    bool ok = false;
+    const int mode = CVTI(DESIGNTEXT("modestr"), ok);
+    return ok ? mode : CLIENT_ONLY;
+}
 
 bool DIALOGDRAWING() {
     return drawing;
@@ -92,14 +100,14 @@ bool DIALOGDRAWING() {
 
 void DIALOGREDRAW() {
     FRAME(DIALOGREDRAW);
-    if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
+    if (!IsLoaded(DialogDlg) || GetListCount(DATALIST()) == 0) return;
     STAMP();
     DesignPicture picture;
-    picture.dialog = TSTRINGARRAY(DESIGNCONTROL("datalist"));
-    picture.menu = TSTRINGARRAY(DESIGNCONTROL("menulist"));
+    picture.dialog = TSTRINGARRAY(DATALIST());
+    picture.menu = TSTRINGARRAY(MENULIST());
     picture.grid = DESIGNTEXT("gridstr");
-    picture.margin = GETMARGIN(DESIGNTEXT("marginstr"));
-    picture.mode = numberOf("modestr");
+    picture.margin = DIALOGGETMARGIN();
+    picture.mode = DIALOGGETMODE();
     picture.link = DESIGNTEXT("linkstr") == "1";
     picture.resourceFolder = DESIGNTEXT("resourcedir");
     picture.compilerFolder = DESIGNTEXT("compilerdir");
@@ -121,31 +129,21 @@ void DIALOGREDRAW() {
 
 namespace {
 
-std::string numbers(const UnitRect& rect) {
-    return STR(rect.x) + " " + STR(rect.y) + " " + STR(rect.w) + " " + STR(rect.h);
-}
-
 void assertInvertible(const std::string& list, const LetterSize& letter) {
     FRAME(ASSERTINVERTIBLE);
     const UnitRect start = GETPROPPOSITION(list);
     const UnitRect again = PIXELSTORCUNITS(letter, RCUNITSTOPIXELS(letter, start));
     STAMP();
     Assert(start == again, "Position of " + GETPROPVALUE(list, "NAME") +
-                               " is not invertible.\nStart position=" + numbers(start) +
-                               "\nRecalculated position=" + numbers(again) + "\n");
+                               " is not invertible.\nStart position=" + POSITIONTEXT(start) +
+                               "\nRecalculated position=" + POSITIONTEXT(again) + "\n");
     STAMP();
-}
-
-// The entries of a list control have no line end.
-std::string withoutLineEnd(std::string list) {
-    if (list.ends_with('\n')) list.pop_back();
-    return list;
 }
 
 void fill(const Object& list, const ObjectArray& objects) {
     for (const std::string& one : objects) {
         if (one.empty()) break;
-        AddItem(list, withoutLineEnd(one));
+        ADDDESIGNITEM(list, one);
     }
 }
 
@@ -193,14 +191,14 @@ void loadEditor(const DialogOpening& opening) {
 void fillDialog(const ObjectArray& objects) {
     FRAME(FILLDIALOG);
     STAMP();
-    Clear(DESIGNCONTROL("datalist"));
-    Clear(DESIGNCONTROL("menulist"));
+    Clear(DATALIST());
+    Clear(MENULIST());
     const LetterSize letter = LETTERSIZE(DialogDlg);
     for (const std::string& one : objects) {
         if (one.empty()) break;
         assertInvertible(one, letter);
     }
-    fill(DESIGNCONTROL("datalist"), objects);
+    fill(DATALIST(), objects);
     SELECTOBJECT(0);
     STAMP();
 }
@@ -212,7 +210,7 @@ bool fillMenu(const DialogOpening& opening, const std::string& menu) {
     ObjectArray objects;
     const std::string error = ResourceRead(opening.file, menu, objects);
     STAMP();
-    fill(DESIGNCONTROL("menulist"), objects);
+    fill(MENULIST(), objects);
     STAMP();
     if (error.empty()) return true;
     Sound();

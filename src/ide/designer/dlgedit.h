@@ -15,9 +15,14 @@
 // Errors are texts in boxes; none of these operations leaves a file damaged. A save writes the lines that have changed,
 // and asks before it writes over what another program has made of the dialog meanwhile.
 //
+//   dlgedit.cpp    opening, the picture, the changed state
+//   dlgevents.cpp  the window's events: the table of its keys
+//   dlgsave.cpp    saving and closing
+//
 // The lists change through DESIGNSTEP (dlgstep.h) alone. Cost: a read or a write of the resource file, and a redraw.
 #pragma once
 
+#include "ide/designer/drawing/geometry.h"
 #include "kernel/windows/windowing.h"
 
 #include <string>
@@ -34,6 +39,8 @@ struct DialogOpening {
     int flags = 0;
     std::string file, dialog;
 };
+// Asks about changes of the dialog that is open, which stays if they do. A dialog that cannot be read is told, and closes
+// the editor; one whose menu cannot be read is opened without it if the user wants that.
 void DIALOGOPEN(const DialogOpening& opening);
 // With the captions, help keys and the grid of the environment's settings.
 void OPENDIALOG(const std::string& file, const std::string& dialog, int flags = 0);
@@ -44,6 +51,7 @@ std::string DIALOGGETFILENAME();  // empty if no dialog is open
 std::string DIALOGGETDLGNAME();
 bool DIALOGGETMODIFY();
 void DIALOGSETMODIFY(bool changed);
+// The mark in the caption of a window, and the flag in its check box.
 void SETCHANGEDFLAG(const Object& window, const Object& checkbox, bool changed);
 
 // Asks about changes. True: the window may go.
@@ -61,7 +69,9 @@ bool DIALOGDLG(const Object& window, int event, const Object& control, int param
 
 // Redraws the open dialog from its lists.
 void DIALOGREDRAW();
-bool DIALOGDRAWING();  // a redraw is under way, which may give the window another size
+Margin DIALOGGETMARGIN();  // around the picture in the window
+int DIALOGGETMODE();       // which parts of the frame are drawn: a FrameMode
+bool DIALOGDRAWING();      // a redraw is under way, which may give the window another size
 
 // Tells the Program Window, if it is there, to read its files again.
 void AUTOREFRESHPROJECT();

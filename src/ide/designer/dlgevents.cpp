@@ -2,18 +2,18 @@
 //
 // What happens in the window of the dialog editor: a table of keys, and one of the other events. All state is in the
 // controls of the window.
-#include "ide/designer/dlgclip.h"
-#include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
-#include "ide/designer/dlgmany.h"
 #include "ide/designer/dlgmouse.h"
-#include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/dlgtab.h"
-#include "ide/designer/dlgzoom.h"
-#include "ide/designer/geometry.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/drawing/dlgzoom.h"
+#include "ide/designer/drawing/geometry.h"
+#include "ide/designer/files/dlgcode.h"
+#include "ide/designer/objects/dlgclip.h"
+#include "ide/designer/objects/dlgmany.h"
+#include "ide/designer/objects/dlgobjects.h"
+#include "ide/designer/objects/dlgtab.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/designer/proputil.h"
@@ -32,19 +32,6 @@ namespace {
 constexpr int Tab = 9, F6 = 117, Ctrl = 0x1000, Shift = 0x2000;
 constexpr int Zero = 48, Plus = 187, Minus = 189;
 
-Object datalist() {
-    return DESIGNCONTROL("datalist");
-}
-Object menulist() {
-    return DESIGNCONTROL("menulist");
-}
-Margin margin() {
-    return GETMARGIN(DESIGNTEXT("marginstr"));
-}
-int frameMode() {
-    return CVTI(DESIGNTEXT("modestr"));
-}
-
 void redrawIf(bool changed) {
     if (changed) DIALOGREDRAW();
 }
@@ -56,15 +43,8 @@ void showHelp() {
 }
 
 void editSelected() {
-    redrawIf(EDITOBJECT(datalist(), menulist(), SELECTEDOBJECT(), DESIGNTEXT("helpfile"),
+    redrawIf(EDITOBJECT(DATALIST(), MENULIST(), SELECTEDOBJECT(), DESIGNTEXT("helpfile"),
                         DESIGNTEXT("prophelpkey"), DESIGNTEXT("menuhelpkey")));
-}
-
-std::string numbers(const Rect& rect) {
-    return STR(rect.x) + " " + STR(rect.y) + " " + STR(rect.w) + " " + STR(rect.h);
-}
-std::string numbers(const UnitRect& rect) {
-    return STR(rect.x) + " " + STR(rect.y) + " " + STR(rect.w) + " " + STR(rect.h);
 }
 
 void tellSize() {
@@ -75,14 +55,14 @@ void tellSize() {
     const Rect unit = RCUNITSTOPIXELS(DialogDlg, {0, 0, 4, 8}), pixels = RCUNITSTOPIXELS(DialogDlg, units);
     const UnitRect again = PIXELSTORCUNITS(DialogDlg, pixels);
     std::string text = "Size of 4 x 8 RC file units in pixels = " + STR(unit.w) + " " + STR(unit.h) + "\n" +
-                       "Size of " + type + " in RC file units = " + numbers(units) + "\n" + "Size of " +
-                       type + " in pixels = " + numbers(pixels) + "\n";
-    if (again != units) text += "Recalculated size in RC file units = " + numbers(again) + "\n";
+                       "Size of " + type + " in RC file units = " + POSITIONTEXT(units) + "\n" + "Size of " +
+                       type + " in pixels = " + POSITIONTEXT(pixels) + "\n";
+    if (again != units) text += "Recalculated size in RC file units = " + POSITIONTEXT(again) + "\n";
     MSGBOX(OBJECTTITLE(SELECTEDOBJECT()), text);
 }
 
 void listProperties() {
-    ListBox("Object properties", "", GETPROPERTYLISTS(datalist(), menulist()));
+    ListBox("Object properties", "", GETPROPERTYLISTS(DATALIST(), MENULIST()));
 }
 
 void selectNothing() {
@@ -93,7 +73,7 @@ void selectNothing() {
 
 // Through the dialog, its controls in their order, and its menu, around the ends.
 void stepSelection(int by) {
-    const int objects = GetListCount(datalist());
+    const int objects = GetListCount(DATALIST());
     const bool menu = !GETPROPVALUE(DESIGNITEM(1), "MENU").empty();
     const int places = objects + (menu ? 1 : 0);
     const int selected = SELECTEDOBJECT();
@@ -218,7 +198,7 @@ void resized() {
     std::string list = DESIGNITEM(1);
     if (DIALOGDRAWING() || list.empty() || DESIGNTEXT("linkstr") != "1") return;
     STAMP();
-    const Rect offsets = CALCOFFSETS(DialogDlg, list, frameMode(), margin());
+    const Rect offsets = CALCOFFSETS(DialogDlg, list, DIALOGGETMODE(), DIALOGGETMARGIN());
     const Rect window = GetPosition(DialogDlg, CLIENT_UNIT), most = GetMaxPosition(DialogDlg);
     if (ISGIVENSIZE(window)) return;
     const UnitRect before = GETPROPPOSITION(list);
@@ -233,7 +213,7 @@ void resized() {
     STAMP();
     if (after == before) return;
     SETPROPPOSITION(list, after);
-    redrawIf(DESIGNSTEP([&] { SetList(datalist(), 1, list.substr(0, list.size() - 1)); }));
+    redrawIf(DESIGNSTEP([&] { SETDESIGNITEM(DATALIST(), 1, list); }));
     STAMP();
 }
 

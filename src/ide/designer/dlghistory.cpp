@@ -5,9 +5,9 @@
 #include "ide/designer/dlghistory.h"
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlglock.h"
-#include "ide/designer/dlgtab.h"
 #include "ide/designer/listdelta.h"
+#include "ide/designer/objects/dlglock.h"
+#include "ide/designer/objects/dlgtab.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
@@ -170,8 +170,8 @@ void show(const DesignLists& lists) {
     FRAME(SHOW);
     CARRYLOCKS(DESIGNLISTS(), lists);
     STAMP();
-    store(DESIGNCONTROL("datalist"), lists.dialog);
-    store(DESIGNCONTROL("menulist"), lists.menu);
+    store(DATALIST(), lists.dialog);
+    store(MENULIST(), lists.menu);
     STAMP();
     std::vector<int> selected = {lists.selection};
     selected.insert(selected.end(), lists.others.begin(), lists.others.end());

@@ -2,12 +2,12 @@
 #include "ide/designer/dlgmouse.h"
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlglock.h"
-#include "ide/designer/dlgmany.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/dlgtab.h"
-#include "ide/designer/dlgzoom.h"
-#include "ide/designer/geometry.h"
+#include "ide/designer/drawing/dlgzoom.h"
+#include "ide/designer/drawing/geometry.h"
+#include "ide/designer/objects/dlglock.h"
+#include "ide/designer/objects/dlgmany.h"
+#include "ide/designer/objects/dlgtab.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/dragging.h"
@@ -23,26 +23,16 @@ namespace {
 
 constexpr int ClickSlack = 3;  // pixels: a band that is no larger was a click
 
-Object datalist() {
-    return DESIGNCONTROL("datalist");
-}
-Margin margin() {
-    return GETMARGIN(DESIGNTEXT("marginstr"));
-}
-int frameMode() {
-    return CVTI(DESIGNTEXT("modestr"));
-}
-
 int indexAt(int parameter) {
     const int x = static_cast<std::int16_t>(static_cast<unsigned>(parameter) & 0xffffU);
     const int y = static_cast<std::int16_t>(static_cast<unsigned>(parameter) >> 16);
-    return GETCLICKINDEX(DialogDlg, datalist(), frameMode(), margin(), x, y);
+    return GETCLICKINDEX(DialogDlg, DATALIST(), DIALOGGETMODE(), DIALOGGETMARGIN(), x, y);
 }
 
 // The client area of the dialog, in pixels of the window.
 Rect clientArea() {
-    const Rect corner = CALCOFFSETS(DialogDlg, DESIGNITEM(1), frameMode(), margin());
-    const FrameRects frame = CALCOFFSETS(DialogDlg, DESIGNITEM(1), frameMode());
+    const Rect corner = CALCOFFSETS(DialogDlg, DESIGNITEM(1), DIALOGGETMODE(), DIALOGGETMARGIN());
+    const FrameRects frame = CALCOFFSETS(DialogDlg, DESIGNITEM(1), DIALOGGETMODE());
     return {corner.x, corner.y, frame.client.w, frame.client.h};
 }
 
@@ -63,7 +53,7 @@ DragGuides guidesFor(int dragged, const Rect& client) {
     const std::vector<int> selected = SELECTEDOBJECTS(), locks = LOCKEDOBJECTS();
     const LetterSize letter = LETTERSIZE(DialogDlg);
     const bool snap = SNAPISON();
-    for (int index = 2; index <= GetListCount(datalist()); ++index) {
+    for (int index = 2; index <= GetListCount(DATALIST()); ++index) {
         if (index == dragged) continue;
         const bool along = contains(selected, index) && !contains(locks, index);
         if (!along && !snap) continue;
@@ -117,7 +107,7 @@ void selectByBand(std::vector<int> selected) {
     if (!IsLoaded(DialogDlg) || (band.w <= ClickSlack && band.h <= ClickSlack)) return;
     const LetterSize letter = LETTERSIZE(DialogDlg);
     const std::size_t before = selected.size();
-    for (int index = 2; index <= GetListCount(datalist()); ++index)
+    for (int index = 2; index <= GetListCount(DATALIST()); ++index)
         if (!contains(selected, index) && meets(band, pixelsOf(index, client, letter)))
             selected.push_back(index);
     STAMP();

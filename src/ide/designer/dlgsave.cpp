@@ -3,12 +3,12 @@
 // Saving a dialog: a row of checks, each of which may end it, then the rename and the write. Whatever ends it leaves the
 // dialog marked as changed.
 #include "ide/designer/dlgchanges.h"
-#include "ide/designer/dlgcode.h"
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/files/dlgcode.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/shell/rescue.h"
@@ -49,7 +49,7 @@ void selectGuilty(const NameFault& fault) {
 
 bool typeMayHaveControls(Save&) {
     const std::string type = GETPROPVALUE(DESIGNITEM(1), "TYPEOF");
-    const int controls = GetListCount(DESIGNCONTROL("datalist")) - 1;
+    const int controls = GetListCount(DATALIST()) - 1;
     if (controls <= 0 || (!STREQUAL(type, "Editwindow") && !STREQUAL(type, "Richeditwindow"))) return true;
     return ignored("Windows of type '" + type + "' should not contain control objects.\n" +
                    "However the window being saved contains " + STR(controls) + " control(s).\n" +
@@ -57,8 +57,7 @@ bool typeMayHaveControls(Save&) {
 }
 
 bool namesAreAllowed(Save&) {
-    const NameFault fault =
-        CHECKBADNAMES(DESIGNCONTROL("datalist"), DESIGNCONTROL("menulist"), -1, false, BadNames);
+    const NameFault fault = CHECKBADNAMES(DATALIST(), MENULIST(), -1, false, BadNames);
     if (fault.message.empty()) return true;
     if (ignored(fault.message + "(The index of the invalid name = " + STR(fault.index) + ")")) return true;
     selectGuilty(fault);
@@ -66,7 +65,7 @@ bool namesAreAllowed(Save&) {
 }
 
 bool namesAreUnique(Save&) {
-    const NameFault fault = CHECKDUPLICATES(DESIGNCONTROL("datalist"), DESIGNCONTROL("menulist"), -1, false);
+    const NameFault fault = CHECKDUPLICATES(DATALIST(), MENULIST(), -1, false);
     if (fault.message.empty()) return true;
     tell(fault.message + "(The index of the duplicate = " + STR(fault.index) + ")");
     selectGuilty(fault);
@@ -121,8 +120,7 @@ bool rename(Save& save) {
 }
 
 bool write(Save& save) {
-    const std::string error = ResourceWrite(TSTRINGARRAY(DESIGNCONTROL("datalist")),
-                                            TSTRINGARRAY(DESIGNCONTROL("menulist")), save.file);
+    const std::string error = ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), save.file);
     if (!error.empty()) return tell(error), false;
     NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
     DIALOGHISTORYSAVED();
@@ -137,7 +135,7 @@ constexpr Step steps[] = {typeMayHaveControls, namesAreAllowed, namesAreUnique, 
 
 void DIALOGSAVE() {
     FRAME(DIALOGSAVE);
-    if (!IsLoaded(DialogDlg) || GetListCount(DESIGNCONTROL("datalist")) == 0) return;
+    if (!IsLoaded(DialogDlg) || GetListCount(DATALIST()) == 0) return;
     STAMP();
     if (!KEEPTYPEDPROPERTY()) return;
     STAMP();

@@ -3,14 +3,15 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
-#include "ide/designer/dlglock.h"
-#include "ide/designer/dlgmenu.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/objects/dlglock.h"
+#include "ide/designer/objects/dlgmenu.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
 
 #include <algorithm>
+#include <utility>
 
 MODULE("dlgedit")
 
@@ -57,15 +58,6 @@ void SETDESIGNNUMBERS(std::string_view label, const std::vector<int>& numbers) {
     STAMP();
 }
 
-std::string DESIGNITEM(int index) {
-    FRAME(DESIGNITEM);
-    if (!IsLoaded(DialogDlg)) return {};
-    STAMP();
-    const Object list = DESIGNCONTROL(index == -1 ? "menulist" : "datalist");
-    const int item = index == -1 ? 1 : index;
-    return item >= 1 && item <= GetListCount(list) ? GetList(list, item) + "\n" : std::string();
-}
-
 void DESIGNHELP(const std::string& helpFile, const std::string& helpKey) {
     FRAME(DESIGNHELP);
     constexpr int showTopic = 257;
@@ -74,6 +66,54 @@ void DESIGNHELP(const std::string& helpFile, const std::string& helpKey) {
 }
 
 // ---- the lists ----
+
+namespace {
+
+std::string withoutLineEnd(std::string properties) {
+    if (properties.ends_with('\n')) properties.pop_back();
+    return properties;
+}
+
+}  // namespace
+
+Object DATALIST() {
+    return DESIGNCONTROL("datalist");
+}
+
+Object MENULIST() {
+    return DESIGNCONTROL("menulist");
+}
+
+std::string DESIGNITEM(int index) {
+    FRAME(DESIGNITEM);
+    if (!IsLoaded(DialogDlg)) return {};
+    STAMP();
+    const Object list = index == -1 ? MENULIST() : DATALIST();
+    const int item = index == -1 ? 1 : index;
+    return item >= 1 && item <= GetListCount(list) ? GETDESIGNITEM(list, item) : std::string();
+}
+
+std::string GETDESIGNITEM(const Object& list, int item) {
+    FRAME(GETDESIGNITEM);
+    STAMP();
+    return GetList(list, item) + "\n";
+}
+
+void SETDESIGNITEM(const Object& list, int item, std::string properties) {
+    FRAME(SETDESIGNITEM);
+    STAMP();
+    SetList(list, item, withoutLineEnd(std::move(properties)));
+    STAMP();
+}
+
+void ADDDESIGNITEM(const Object& list, std::string properties) {
+    FRAME(ADDDESIGNITEM);
+    STAMP();
+    AddItem(list, withoutLineEnd(std::move(properties)));
+    STAMP();
+}
+
+// ---- changes ----
 
 namespace {
 
@@ -98,7 +138,7 @@ DesignLists DESIGNLISTS() {
     std::vector<int> others = SELECTEDOBJECTS();
     if (!others.empty()) others.erase(others.begin());
     STAMP();
-    return {itemsOf(DESIGNCONTROL("datalist")), itemsOf(DESIGNCONTROL("menulist")), SELECTEDOBJECT(), others};
+    return {itemsOf(DATALIST()), itemsOf(MENULIST()), SELECTEDOBJECT(), others};
 }
 
 bool DESIGNSTEP(const std::function<void()>& action) {
@@ -147,7 +187,7 @@ std::string OBJECTTITLE(int index) {
 namespace {
 
 bool isControl(int index) {
-    return index > 1 && index <= GetListCount(DESIGNCONTROL("datalist"));
+    return index > 1 && index <= GetListCount(DATALIST());
 }
 
 void addOnce(std::vector<int>& indexes, int index) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the dialog editor's window holds, and the two ways by which it changes: every change of the lists is part of a
-// step, and every change of the selection goes through SELECTOBJECT.
+// step, and every change of the selection goes through SELECTOBJECTS.
 //
 // All of these work on the window DialogDlg. While it is not loaded the texts are empty, and nothing changes.
 // Cost: a step copies the lists twice.
@@ -18,6 +18,8 @@ namespace tarn {
 
 inline constexpr const char* DialogEditorTitle = "Dialog Editor";
 
+// ---- what the window holds ----
+
 // A control of the editor's window, and the caption of one.
 Object DESIGNCONTROL(std::string_view name);
 std::string DESIGNTEXT(std::string_view label);
@@ -25,10 +27,19 @@ void SETDESIGNTEXT(std::string_view label, std::string_view text);
 // A label of numbers, parted by blanks; what is no number ends them.
 std::vector<int> DESIGNNUMBERS(std::string_view label);
 void SETDESIGNNUMBERS(std::string_view label, const std::vector<int>& numbers);
-std::string
-DESIGNITEM(int index);  // item n of datalist, or -1 item 1 of menulist, with LF at its end; else empty
 
+// The two lists. An entry is a property list without the LF at its end, which it has everywhere else.
+Object DATALIST();
+Object MENULIST();
+std::string DESIGNITEM(int index);  // item n of datalist, or -1 item 1 of menulist, with LF; else empty
+std::string GETDESIGNITEM(const Object& list, int item);  // with LF
+void SETDESIGNITEM(const Object& list, int item, std::string properties);
+void ADDDESIGNITEM(const Object& list, std::string properties);
+
+// Shows a topic of the help.
 void DESIGNHELP(const std::string& helpFile, const std::string& helpKey);
+
+// ---- changes ----
 
 // The lists as they stand.
 struct DesignLists {
@@ -39,10 +50,13 @@ struct DesignLists {
 };
 DesignLists DESIGNLISTS();
 
-// Runs what one action of the user does to the lists. If they differ afterwards the dialog is marked as changed, and
-// the result is true. A step within a step is part of it.
+// Runs what one action of the user does to the lists. If they differ afterwards the locks follow their objects, the dialog
+// is marked as changed, the history notes the step, and the result is true; the caller redraws. A step within a step is part
+// of it. False also where the action has closed the editor or opened another dialog.
 bool DESIGNSTEP(const std::function<void()>& action);
 bool INDESIGNSTEP();
+
+// ---- the selection ----
 
 int SELECTEDOBJECT();          // as hilite1 has it
 void SELECTOBJECT(int index);  // and nothing else; without a redraw; tells screen readers

@@ -2,9 +2,9 @@
 #include "ide/designer/toolbox.h"
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/dlgobjects.h"
 #include "ide/designer/dlgstep.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/objects/dlgobjects.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -56,8 +56,7 @@ bool keyPressed(int key) {
 }
 
 void moveInOrder(int direction) {
-    if (DESIGNSTEP([&] { MOVECONTROLZ(DESIGNCONTROL("datalist"), SELECTEDOBJECT(), direction); }))
-        DIALOGREDRAW();
+    if (DESIGNSTEP([&] { MOVECONTROLZ(DATALIST(), SELECTEDOBJECT(), direction); })) DIALOGREDRAW();
 }
 
 bool isInArray(const Object& control) {

@@ -5,6 +5,8 @@
 //
 // Tab goes through the buttons and Space presses one; the keys that change a dialog beep here. F6 goes to the dialog and
 // back.
+//
+// Errors: those of ADDOBJECT and MOVECONTROLZ (objects/dlgobjects.h); a button beeps while no dialog is open.
 #pragma once
 
 #include "kernel/windows/windowing.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editblocks.h"
 
-#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/objects/dlgclip.h"
 #include "ide/editor/example.h"
 #include "ide/editor/lineends.h"
 #include "ide/editor/textedit.h"

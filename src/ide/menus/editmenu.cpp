@@ -2,9 +2,9 @@
 #include "ide/menus/editmenu.h"
 
 #include "ide/designer/dlgchanges.h"
-#include "ide/designer/dlgclip.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
+#include "ide/designer/objects/dlgclip.h"
 #include "ide/editor/restore.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"

@@ -2,9 +2,9 @@
 #include "ide/menus/toolmenu.h"
 
 #include "ide/build/toolrun.h"
-#include "ide/designer/dlgcheck.h"
-#include "ide/designer/dlgtest.h"
-#include "ide/designer/openresource.h"
+#include "ide/designer/check/dlgcheck.h"
+#include "ide/designer/files/dlgtest.h"
+#include "ide/designer/files/openresource.h"
 #include "ide/editor/bitmaptext.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"

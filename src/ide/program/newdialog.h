@@ -7,6 +7,8 @@
 // so a full disk or a file that cannot be written is told and leaves the old file. A resource file in which the new
 // dialog could not be found again gets its old text back. A class in the Code window is changed there, by one edit that
 // can be undone, and not on the disk.
+//
+// Cost: reads and writes both files, and refreshes the Program Window.
 #pragma once
 
 namespace tarn {

@@ -2,7 +2,7 @@
 #include "ide/program/projedit.h"
 
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/windows.h"

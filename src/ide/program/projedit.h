@@ -2,6 +2,9 @@
 //
 // The open program: which file is compiled, which window a Save means, on which resource a command acts, and the
 // commands that create things.
+//
+// The window itself is projeditor.h, its rows projwindow.h. A save that fails tells it. Cost: a
+// look at windows and rows.
 #pragma once
 
 #include "ide/program/projwindow.h"

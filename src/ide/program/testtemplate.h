@@ -2,6 +2,7 @@
 //
 // Templates by hand: the user chooses a template of a settings file, fills its parameters in, and sees the text that
 // comes of it. So whoever writes a template can try it, and any template serves to put text into the Code window.
+// Cost: that of the template (library/source/codewiz.h).
 #pragma once
 
 #include "kernel/windows/windowing.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/commands.h"
 
-#include "ide/designer/dlgmenu.h"
+#include "ide/designer/objects/dlgmenu.h"
 #include "ide/menus/editblocks.h"
 #include "ide/menus/editmenu.h"
 #include "ide/menus/editsearch.h"

@@ -10,8 +10,8 @@
 
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
-#include "ide/designer/dlgmenu.h"
-#include "ide/designer/propwindow.h"
+#include "ide/designer/objects/dlgmenu.h"
+#include "ide/designer/properties/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/changedfile.h"

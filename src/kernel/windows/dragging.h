@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The wrappers of the operations in platform/operations/dragging.h.
+// Drags that follow guides, and the keys held with the mouse, as modules call it: like windowing.h these put a failure
+// into the error cell. What they do is told in platform/operations/dragging.h. Programs do not have them.
 #pragma once
 
 #include "kernel/windows/windowing.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The wrappers of the operations in platform/operations/focus.h.
+// Where the keys of a window go, as modules call it: like windowing.h these put a failure
+// into the error cell. What they do is told in platform/operations/focus.h. Programs do not have them.
 #pragma once
 
 #include "kernel/windows/windowing.h"

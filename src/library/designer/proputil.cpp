@@ -180,9 +180,15 @@ UnitRect GETPROPPOSITION(std::string_view list) {
 }
 
 void SETPROPPOSITION(std::string& list, const UnitRect& position) {
-    SETPROPVALUE(positionName,
-                 STR(position.x) + " " + STR(position.y) + " " + STR(position.w) + " " + STR(position.h),
-                 list);
+    SETPROPVALUE(positionName, POSITIONTEXT(position), list);
+}
+
+std::string POSITIONTEXT(const UnitRect& position) {
+    return STR(position.x) + " " + STR(position.y) + " " + STR(position.w) + " " + STR(position.h);
+}
+
+std::string POSITIONTEXT(const Rect& position) {
+    return POSITIONTEXT(UnitRect{position.x, position.y, position.w, position.h});
 }
 
 // ---- whole dialogs ----

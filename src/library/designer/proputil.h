@@ -57,6 +57,9 @@ int GETINT(std::string_view text, std::size_t& position);
 // for the four numbers.
 UnitRect GETPROPPOSITION(std::string_view list);
 void SETPROPPOSITION(std::string& list, const UnitRect& position);
+// The four numbers, parted by blanks.
+std::string POSITIONTEXT(const UnitRect& position);
+std::string POSITIONTEXT(const Rect& position);
 
 // ---- whole dialogs, as entries of list controls ----
 

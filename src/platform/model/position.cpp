@@ -66,6 +66,7 @@ Answer<Rect> GetPosition(const Object& object, Unit unit) {
 Code SetPosition(const Object& object, Unit unit, const Rect& rect) {
     return tell(object, Property::Position, [&](Control& c) {
         if (isSystem(c.type)) return false;
+        if (isWindowType(c.type)) static_cast<Window&>(c).clientSized = unit == CLIENT_UNIT;
         return assign(c.position,
                       isWindowType(c.type) ? frameFor(static_cast<const Window&>(c), unit, rect) : rect);
     });

@@ -432,9 +432,9 @@ void Frame::report() {
     userMoved(*window_, now, state);
 }
 
-// The width of the frame is known only once the window system has drawn it. A window as its resources made it,
-// and one whose size the user cannot change, keeps its client area, since its controls were measured for that;
-// any other that was given a place keeps its frame.
+// The width of the frame is known only once the window system has drawn it. A window as its resources made it, one whose
+// size the user cannot change, and one that was given the size of its client area keeps that, since its controls were
+// measured for it; any other that was given a place keeps its frame.
 void Frame::settle() {
     if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
     if (isMaximized()) return report();  // with another frame, or none
@@ -445,7 +445,7 @@ void Frame::settle() {
     assumed_ = knownMargins(window_->borderStyle) = margins;
     if (news && window_->state == 0 && !isMaximized() && !large_) {
         const Flag quiet(applying_);
-        if (before == QSize(first_.w, first_.h) || window_->borderStyle != 2) {
+        if (before == QSize(first_.w, first_.h) || window_->borderStyle != 2 || window_->clientSized) {
             window_->position.w = before.width() + margins.left() + margins.right();
             window_->position.h = before.height() + barHeight() + margins.top() + margins.bottom();
         }
@@ -500,7 +500,12 @@ void Frame::bringUp() {
     {
         const Flag quiet(applying_);
         if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
+            const QMargins news = knownMargins(window_->borderStyle) - assumed_;
             assumed_ = knownMargins(window_->borderStyle);
+            if (window_->clientSized) {
+                window_->position.w += news.left() + news.right();
+                window_->position.h += news.top() + news.bottom();
+            }
             if (window_->position != first_) place();
         }
         makeEditor();

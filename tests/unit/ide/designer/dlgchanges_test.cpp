@@ -26,7 +26,7 @@ protected:
     static void put(int index, const std::string& name, const std::string& value) {
         std::string list = DESIGNITEM(index);
         SETPROPVALUE(name, value, list);
-        DESIGNSTEP([&] { SetList(DESIGNCONTROL("datalist"), index, list.substr(0, list.size() - 1)); });
+        DESIGNSTEP([&] { SETDESIGNITEM(DATALIST(), index, list); });
     }
     void show() {
         doings.emplace_back([this] {
@@ -102,11 +102,8 @@ TEST_F(SaveChanges, AreThoseThatTheSaveMakes) {
         [] { put(1, "NAME", "Renamed"); },
         [] { put(2, "NAME", "uno"); },
         [] { put(2, "CAPTION", "\"a \\\"quote\\\"\""); },
-        [] { DESIGNSTEP([] { RemoveItem(DESIGNCONTROL("datalist"), 3); }); },
-        [] {
-            DESIGNSTEP(
-                [] { AddItem(DESIGNCONTROL("datalist"), "NAME=new\nTYPEOF=Label\nPOSITION=1 1 9 9"); });
-        },
+        [] { DESIGNSTEP([] { RemoveItem(DATALIST(), 3); }); },
+        [] { DESIGNSTEP([] { AddItem(DATALIST(), "NAME=new\nTYPEOF=Label\nPOSITION=1 1 9 9"); }); },
     };
     for (const auto& change : changes) {
         openOne();

@@ -3,8 +3,8 @@
 // Undo and redo in the dialog editor, on the object model, and the deltas that the steps are kept as.
 #include "ide/designer/dlghistory.h"
 
-#include "ide/designer/dlgclip.h"
 #include "ide/designer/listdelta.h"
+#include "ide/designer/objects/dlgclip.h"
 #include "library/designer/propedit.h"
 #include "support/dialog_editor_fixture.h"
 
@@ -298,9 +298,9 @@ TEST_F(DialogUndo, WhatChangesNothingIsNoStep) {
 TEST_F(DialogUndo, AStepWithinAStepIsPartOfIt) {
     openThree();
     DESIGNSTEP([] {
-        DESIGNSTEP([] { SetList(DESIGNCONTROL("datalist"), 2, "NAME=a\nTYPEOF=Label\nPOSITION=0 0 8 8"); });
+        DESIGNSTEP([] { SetList(DATALIST(), 2, "NAME=a\nTYPEOF=Label\nPOSITION=0 0 8 8"); });
         EXPECT_TRUE(beeps(undo)) << "nothing is undone while a step runs";
-        SetList(DESIGNCONTROL("datalist"), 3, "NAME=b\nTYPEOF=Label\nPOSITION=0 0 8 8");
+        SetList(DATALIST(), 3, "NAME=b\nTYPEOF=Label\nPOSITION=0 0 8 8");
     });
     undo();
     EXPECT_FALSE(marked());

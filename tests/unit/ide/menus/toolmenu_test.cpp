@@ -12,34 +12,14 @@
 #include "library/data/dbutil_grid.h"
 #include "library/data/dbutil_windows.h"
 #include "os/clock.h"
-#include "support/ide_fixture.h"
+#include "support/doings_fixture.h"
 #include "support/steerable.h"
-
-#include <functional>
 
 namespace tarn {
 namespace {
 
-class DataFiles : public IdeTest {
+class DataFiles : public DoingsTest {
 protected:
-    // What the user does in turn, each when a window waits.
-    std::deque<std::function<void()>> doings;
-
-    void SetUp() override {
-        IdeTest::SetUp();
-        platform::view().setIdle([this] {
-            if (doings.empty()) return platform::QuitMainLoop();
-            const auto next = doings.front();
-            doings.pop_front();
-            next();
-        });
-    }
-    void TearDown() override {
-        platform::view().setIdle({});
-        EXPECT_TRUE(doings.empty());
-        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
-        IdeTest::TearDown();
-    }
     static Object in(const Object& window, std::string_view name) { return FINDCONTROL(window, name); }
     static Object setting(std::string_view name) { return in(TabbedFileSetupDlg, name); }
     static void press(const Object& button) { platform::userCommand(*platform::findControl(button)); }
