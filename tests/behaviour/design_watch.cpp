@@ -4,7 +4,7 @@
 #include "ide/designer/dlgchanges.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
-#include "ide/designer/dlgtab.h"
+#include "ide/designer/objects/dlgtab.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
 #include "library/designer/proputil.h"

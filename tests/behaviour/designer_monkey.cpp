@@ -4,7 +4,7 @@
 #include "behaviour/design_places.h"
 #include "ide/designer/dlgchanges.h"
 #include "ide/designer/dlgedit.h"
-#include "ide/designer/scratch.h"
+#include "ide/designer/files/scratch.h"
 #include "ide/shell/windows.h"
 #include "library/designer/proputil.h"
 #include "platform/model/model.h"

@@ -261,8 +261,6 @@ void DIALOGOPEN(const DialogOpening& opening) {
     STAMP();
     Show(DialogDlg, (opening.flags & OPEN_MODAL) != 0);
     STAMP();
-    DIALOGREDRAW();  // how wide the window manager's frame is may be known only now, and the window be too small
-    STAMP();
 }
 
 // ---- the rest of the environment ----

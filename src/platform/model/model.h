@@ -70,11 +70,11 @@ public:
     // window goes.
     Rect minimum_, maximum_;
     bool closeBox = true, maxButton = true, minButton = true;
-    bool owned = false;   // stays above the main window
-    bool onTop = false;   // stays above all windows
+    bool owned = false;        // stays above the main window
+    bool onTop = false;        // stays above all windows
     bool clientSized = false;  // its size was given last as that of its client area
-    int borderStyle = 2;  // 0 none, 1 fixed, 2 sizable
-    int state = 0;        // 0 normal, 1 minimised, 2 maximised
+    int borderStyle = 2;       // 0 none, 1 fixed, 2 sizable
+    int state = 0;             // 0 normal, 1 minimised, 2 maximised
     bool shown = false, modal = false, closing = false;
     std::string resourceFile;  // where it came from
 };

@@ -3,7 +3,7 @@
 // Dialogs on their way between a resource file and a scratch file: what the operations of dlgtest.h share.
 #pragma once
 
-#include "ide/designer/dlgtest.h"
+#include "ide/designer/files/dlgtest.h"
 #include "kernel/windows/resources.h"
 
 #include <functional>
