@@ -198,6 +198,7 @@ TEST_F(ZoomTest, AnotherWindowAndItsOwnControlsStayAsTheyAre) {
 
 TEST_F(ZoomTest, ADragIsShownWhereItIsSeenAndGivesPixelsOfTheDrawing) {
     SetDrawScale(Draw, 200);
+    QTest::qWait(100);  // the window takes its place
     dragged = Rect{20, 20, 40, 30};
     QWidget& area = client();
     Rect band;

@@ -72,7 +72,7 @@ public:
     bool closeBox = true, maxButton = true, minButton = true;
     bool owned = false;        // stays above the main window
     bool onTop = false;        // stays above all windows
-    bool clientSized = false;  // its size was given last as that of its client area
+    bool clientWide = false, clientHigh = false;  // given last as the size of its client area
     int borderStyle = 2;       // 0 none, 1 fixed, 2 sizable
     int state = 0;             // 0 normal, 1 minimised, 2 maximised
     bool shown = false, modal = false, closing = false;

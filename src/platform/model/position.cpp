@@ -54,6 +54,18 @@ Code setLimit(const Object& object, Rect Window::*which, const Rect& rect) {
 
 }  // namespace
 
+namespace {
+
+// What is given in the unit it was read in says nothing new.
+void noteUnit(Window& window, Unit unit, const Rect& rect) {
+    const Rect client = inside(window.position, view().frameExtents(window));
+    const bool inner = unit == CLIENT_UNIT;
+    window.clientWide = inner && (window.clientWide || rect.w != client.w);
+    window.clientHigh = inner && (window.clientHigh || rect.h != client.h);
+}
+
+}  // namespace
+
 Answer<Rect> GetPosition(const Object& object, Unit unit) {
     return ask<Rect>(object, [&](const Control& c) {
         if (c.type == Type::Screen) return view().screen();
@@ -66,7 +78,7 @@ Answer<Rect> GetPosition(const Object& object, Unit unit) {
 Code SetPosition(const Object& object, Unit unit, const Rect& rect) {
     return tell(object, Property::Position, [&](Control& c) {
         if (isSystem(c.type)) return false;
-        if (isWindowType(c.type)) static_cast<Window&>(c).clientSized = unit == CLIENT_UNIT;
+        if (isWindowType(c.type)) noteUnit(static_cast<Window&>(c), unit, rect);
         return assign(c.position,
                       isWindowType(c.type) ? frameFor(static_cast<const Window&>(c), unit, rect) : rect);
     });
