@@ -446,9 +446,10 @@ void Frame::settle() {
     if (news && window_->state == 0 && !isMaximized() && !large_) {
         const Flag quiet(applying_);
         const bool keeps = before == QSize(first_.w, first_.h) || window_->borderStyle != 2;
-        if (keeps || window_->clientWide)
+        const bool below = window_->menuItems.empty();  // other windows are placed below one that has a menu
+        if (keeps || (below && window_->clientWide))
             window_->position.w = before.width() + margins.left() + margins.right();
-        if (keeps || window_->clientHigh)
+        if (keeps || (below && window_->clientHigh))
             window_->position.h = before.height() + barHeight() + margins.top() + margins.bottom();
         const bool dragged = size() != QSize(before.width(), before.height() + barHeight());
         if (!dragged) place();  // else the user has sized it meanwhile, and the model is told below
@@ -503,8 +504,10 @@ void Frame::bringUp() {
         if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
             const QMargins news = knownMargins(window_->borderStyle) - assumed_;
             assumed_ = knownMargins(window_->borderStyle);
-            if (window_->clientWide) window_->position.w += news.left() + news.right();
-            if (window_->clientHigh) window_->position.h += news.top() + news.bottom();
+            if (window_->menuItems.empty() && window_->clientWide)
+                window_->position.w += news.left() + news.right();
+            if (window_->menuItems.empty() && window_->clientHigh)
+                window_->position.h += news.top() + news.bottom();
             if (window_->position != first_) place();
         }
         makeEditor();
