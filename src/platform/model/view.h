@@ -53,10 +53,12 @@ enum class Property {
     Choices,
     CallTip,
     Focus,
+    MarkMargin,
 };
 
 namespace types {
 struct TextEdit;
+struct LineMark;
 }
 
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
@@ -82,6 +84,9 @@ public:
     // Places that are shown as marked. A store whose control cannot show any keeps none.
     virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
     [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
+    // Marks of lines, as operations/linemarks.h tells. As above: a store may keep none.
+    virtual void setLineMarks(const std::vector<LineMark>& marks);
+    [[nodiscard]] virtual std::vector<LineMark> lineMarks() const;
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
     // The rest has a plain form that goes through the whole text.
