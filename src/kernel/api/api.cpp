@@ -4,6 +4,7 @@
 // api_values.cpp.
 #include "kernel/api/api.h"
 
+#include "kernel/debug/engine.h"
 #include "kernel/debug/fieldnames.h"
 #include "kernel/debug/results.h"
 #include "kernel/run/errors.h"
@@ -43,6 +44,8 @@ void runProgram() {
     const auto own = [](const char* named, std::string_view library) {
         return named != nullptr ? std::string_view(named) : library;
     };
+    tarn::UseDebugger();
+    tarn::AddExitHook(tarn::EndDebugger);
     tarn::DebugStart(program.debug_mode, own(program.product, tarn::ProductWord), text(program.library_version),
                      own(program.build, tarn::ProductBuild), text(program.main_source));
     if (text(program.library_version) != tarn::ProductVersion) tarn::SetError(tarn::ERR_LIBRARY_VERSION);

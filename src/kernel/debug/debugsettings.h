@@ -88,7 +88,8 @@ struct DebugChange {
     std::string value;
 };
 // Writes all values of the section in one save of the whole file, and nothing if they are there already. A file that is
-// missing is not made, since it would be taken for whole settings. Gives what failed, in words; empty on success.
+// missing is not made, since it would be taken for whole settings: that is a failure, too. Gives what failed, in words;
+// empty on success.
 [[nodiscard]] std::string SaveDebugSettings(std::string_view file, const std::vector<DebugChange>& changes);
 
 }  // namespace tarn
