@@ -14,7 +14,7 @@
 #include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/view.h"

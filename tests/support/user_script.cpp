@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/user_script.h"
 
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "os/clock.h"
 #include "os/files.h"
 #include "support/sheet_rows.h"

@@ -4,6 +4,7 @@
 // api_values.cpp.
 #include "kernel/api/api.h"
 
+#include "kernel/debug/engine.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "kernel/run/runtime.h"
@@ -38,6 +39,8 @@ void call(void (*step)()) {
 void runProgram() {
     const tarn_program& program = *running;
     tarn::ProcessStart({program.memory_checking != 0, program.single_instance != 0});
+    tarn::UseDebugger();
+    tarn::AddExitHook(tarn::EndDebugger);
     tarn::DebugStart(program.debug_mode, tarn::ProductWord, tarn::ProductVersion, tarn::ProductBuild,
                      text(program.main_source));
     if (text(program.library_version) != tarn::ProductVersion) tarn::SetError(tarn::ERR_LIBRARY_VERSION);
