@@ -5,6 +5,7 @@
 
 #include "kernel/debug/codelines.h"
 #include "kernel/debug/engine_internal.h"
+#include "kernel/debug/runto.h"
 #include "kernel/debug/stop.h"
 #include "kernel/debug/stopnotice.h"
 #include "kernel/run/debughooks.h"
@@ -64,12 +65,14 @@ void start(std::string_view product, std::string_view version, std::string_view 
     BreakpointsSetChanged(engine.breakpoints, false);
     SetTraceMode(settings.traceMode);
     engine.stepFlag = settings.singleStep;
+    const RunToPlace first = TakeRunTo(engine.settingsFile);
     engine.window =
         platform::StartDebug({}, InactiveDebuggerTitle, Buttons, Icon, OnDebugEvent, placeOf(settings));
     tarn_debugger_window = engine.window;
     if (engine.window == nullptr) return;
     DebugStop = StopIfAsked;
     ArmPoints();
+    RunTo(first.className, first.line);
     NoteRunning(mainSource);
 }
 
