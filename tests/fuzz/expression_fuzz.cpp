@@ -61,8 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::int32_t blocks = LiveBlocks();
     {
         std::string error;
-        const auto expression =
-            DebugExpression::compile({reinterpret_cast<const char*>(data), size}, error);
+        const auto expression = DebugExpression::compile({reinterpret_cast<const char*>(data), size}, error);
         require((expression == nullptr) == !error.empty());
         constexpr std::int32_t pending = 603;
         SetError(pending);

@@ -33,8 +33,8 @@ Descriptor* fieldOf(RecordDescriptor* record, std::int32_t number) {
 // A record with a field of every kind but records and tables.
 void makeRecord(RecordDescriptor* record) {
     RecordInit(record, TagRecord,
-               MakeFieldKinds({KindBoolean, KindEnum, KindInteger, KindFixed, KindReal, KindString, KindString, KindSet,
-                               KindSet, KindArray, KindArray, KindArray, KindList}));
+               MakeFieldKinds({KindBoolean, KindEnum, KindInteger, KindFixed, KindReal, KindString,
+                               KindString, KindSet, KindSet, KindArray, KindArray, KindArray, KindList}));
     StringInit(fieldOf<StringDescriptor>(record, 6), UNBOUNDED);
     StringInit(fieldOf<StringDescriptor>(record, 7), 4);
     SetInit(fieldOf<SetDescriptor>(record, 8), UNBOUNDED, UNBOUNDED);
@@ -55,7 +55,9 @@ Kind makeValue(void* value, std::uint8_t shape) {
     case 0: AdtInit(value, record.get(), KindRecord); return KindRecord;
     case 1: AdtInit(value, list.get(), KindList); return KindList;
     case 2: ListInit(static_cast<ListDescriptor*>(value), 3, list.get(), KindList, false); return KindList;
-    case 3: ArrayInit(static_cast<ArrayDescriptor*>(value), KindRecord, -1, 1, record.get()); return KindArray;
+    case 3:
+        ArrayInit(static_cast<ArrayDescriptor*>(value), KindRecord, -1, 1, record.get());
+        return KindArray;
     case 4:
         TableInit(static_cast<TableDescriptor*>(value), UNBOUNDED, record.get(), {MakeKeyMap(3)}, "", false);
         return KindTable;
