@@ -58,7 +58,7 @@ struct Program {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Program program;
-    const std::int32_t blocks = LiveBlocks();
+    const auto blocks = LiveBlocks();
     {
         std::string error;
         const auto expression = DebugExpression::compile({reinterpret_cast<const char*>(data), size}, error);

@@ -69,7 +69,7 @@ Kind makeValue(void* value, std::uint8_t shape) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
-    const std::int32_t blocks = LiveBlocks();
+    const auto blocks = LiveBlocks();
     const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
     alignas(8) char value[sizeof(ArrayDescriptor)] = {};
     const Kind kind = makeValue(value, data[0]);
