@@ -1,8 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Expressions of the debugger: what watches show and conditions of breakpoints test. A name of a variable, fields,
-// elements, literals, arithmetic and comparisons, `and`, `or`, `not`, brackets; no calls. Compiled once: a name becomes
-// its place in the variables of its function, so that testing a condition allocates nothing.
+// Expressions of the debugger: what watches show and conditions of breakpoints test. They are written as in the language:
+// names of variables in any case, fields, elements, literals, `+ - * / div mod`, comparisons, `in` for members of a set,
+// `and`, `or`, `not`, brackets. There are no calls, so that nothing is changed by looking.
+//
+//   count > 100 and names[count] = "end"          prices[i, 2] * 1.19          not (c in [1, 5..9])
+//
+// Types are looked at when the expression is evaluated. An enum counts as its ordinal, an array of characters as its text
+// up to its first NUL; rows of a table are its elements. `/` of integers is fixed, as in the language.
+//
+// The fields of a record have no names in memory: they are known where the class's symbol file tells them
+// (declaredtypes.h), otherwise an expression with a field cannot be told.
+//
+// Compiled once: a name becomes its place in the variables of its function, so that testing a condition allocates
+// nothing, unless it reads what stands in a file.
 //
 // Cost of a test: some ten nanoseconds for a comparison of integers (see the benchmark).
 #pragma once
@@ -14,6 +25,8 @@
 
 namespace tarn {
 
+struct ExpressionParts;
+
 class DebugExpression {
 public:
     // `error` says what does not fit and where, in words for the user; null is then the result.
@@ -23,15 +36,17 @@ public:
     DebugExpression& operator=(const DebugExpression&) = delete;
 
     // With the variables of the frame (1 is the bottom). A condition that cannot be told (a name that is not there, an
-    // index outside the bounds, a division by zero) holds, so that the program stops where the user can see why.
+    // index outside the bounds, a division by zero, a value that is no boolean) holds, so that the program stops where
+    // the user can see why.
     [[nodiscard]] bool holds(std::int32_t frame);
-    // The value as text, or why there is none, in brackets. The error cell stays as it was.
+    // The value as text, as the list shows values in one line, or why there is none, in brackets. The error cell stays as
+    // it was.
     [[nodiscard]] std::string text(std::int32_t frame, bool hex);
 
 private:
-    struct Parts;
-    explicit DebugExpression(std::unique_ptr<Parts> parts);
-    std::unique_ptr<Parts> parts_;
+    friend class ExpressionCompiler;
+    explicit DebugExpression(std::unique_ptr<ExpressionParts> parts);
+    std::unique_ptr<ExpressionParts> parts_;
 };
 
 }  // namespace tarn
