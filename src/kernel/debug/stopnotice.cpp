@@ -91,13 +91,17 @@ StopNotice noticeOf(std::string_view text) {
     return numbers && notice.state != DebugState::None ? notice : StopNotice();
 }
 
+// The process whose note that is; 0: none that lives.
+int processOf(std::string_view name) {
+    std::int32_t process = 0;
+    return readNumber(name.substr(NotePrefix.size()), process) && !os::waitForProcess(process, 0) ? process
+                                                                                                  : 0;
+}
+
 // Processes that were ended with force have left theirs.
 void dropNotesOfTheDead() {
-    for (const std::string& name : os::notesWith(NotePrefix)) {
-        std::int32_t process = 0;
-        const bool numbered = readNumber(std::string_view(name).substr(NotePrefix.size()), process);
-        if (!numbered || os::waitForProcess(process, 0)) os::dropNote(name);
-    }
+    for (const std::string& name : os::notesWith(NotePrefix))
+        if (processOf(name) == 0) os::dropNote(name);
 }
 
 void put() {
@@ -128,6 +132,13 @@ void EndStopNotice() {
 
 StopNotice ReadStopNotice(int process) {
     return noticeOf(os::getNote(noteName(process)));
+}
+
+std::vector<int> DebuggedProcesses() {
+    std::vector<int> processes;
+    for (const std::string& name : os::notesWith(NotePrefix))
+        if (const int process = processOf(name); process != 0) processes.push_back(process);
+    return processes;
 }
 
 void DropStopNotice(int process) {

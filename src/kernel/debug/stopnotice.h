@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -44,6 +45,7 @@ struct StopNotice {
 };
 
 StopNotice ReadStopNotice(int process);
+std::vector<int> DebuggedProcesses();  // those of this user that live, in no order
 // Of a process that has ended. The note of a process that lives is its own.
 void DropStopNotice(int process);
 
