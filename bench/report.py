@@ -78,6 +78,8 @@ def main():
     # name, peer, the budget as a ratio to the peer or as nanoseconds
     rows = [
         ("stampInline", None, 1), ("stampCalled", None, 2), ("frame", None, None),
+        ("condition/integer", None, 100), ("condition/three", None, 200),
+        ("values/collapsed", None, 20e6), ("values/expanded", None, 20e6), ("values/page", None, 1e6),
         ("concatKernel/40", "concatStd/40", 0.5), ("concatKernel/4000", "concatStd/4000", None),
         ("allocateKernel/40", "allocateMalloc/40", None), ("allocateKernel/1000", "allocateMalloc/1000", None),
         *((f"string{work}Kernel/{n}", f"string{work}Std/{n}", None)

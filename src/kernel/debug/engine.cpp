@@ -4,8 +4,10 @@
 #include "kernel/debug/engine.h"
 
 #include "kernel/debug/codelines.h"
+#include "kernel/debug/declaredconstants.h"
 #include "kernel/debug/engine_internal.h"
 #include "kernel/debug/runto.h"
+#include "kernel/debug/showvalues.h"
 #include "kernel/debug/stop.h"
 #include "kernel/debug/stopnotice.h"
 #include "kernel/run/debughooks.h"
@@ -141,6 +143,8 @@ void CloseDebugger() {
     release(engine.breakpoints);
     release(codeLineTable);
     engine = {};
+    ForgetShownValues();
+    ForgetDeclaredConstants();
 }
 
 }  // namespace debug
