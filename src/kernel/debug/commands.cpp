@@ -5,6 +5,7 @@
 #include "kernel/debug/expression.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/run/errorcell.h"
+#include "platform/text.h"
 
 namespace tarn {
 
@@ -30,6 +31,7 @@ void stepOver(DebugWindow& window) {
 // Out of the bottom frame nothing is left to stop in: the program runs on.
 void stepOut(DebugWindow& window) {
     engine.stepDepth = FrameCount() > 1 ? FrameCount() - 1 : 0;
+    engine.outOf = FrameCount();
     Leave(window);
 }
 
@@ -39,6 +41,19 @@ void showCurrentCode(DebugWindow& window) {
 
 void helpOnError(DebugWindow&) {
     HelpOnError();
+}
+
+void turnPage(DebugWindow& window, ValuePage page) {
+    const bool shown =
+        engine.mode == ListMode::Values &&
+        PageValue(window, engine.frame, platform::DebugSelected(window), page, ShowsIntegersInHex());
+    if (!shown) Beep();
+}
+void nextPage(DebugWindow& window) {
+    turnPage(window, ValuePage::Next);
+}
+void previousPage(DebugWindow& window) {
+    turnPage(window, ValuePage::Previous);
 }
 
 struct Command {
@@ -58,7 +73,9 @@ constexpr Command commands[] = {{DEBUG_HALT, halt},
                                 {DEBUG_HELP, helpOnError},
                                 {DEBUG_STEP_OUT, stepOut},
                                 {DEBUG_RUN_TO, RunToSelected},
-                                {DEBUG_WATCH, AskWatch}};
+                                {DEBUG_WATCH, AskWatch},
+                                {DEBUG_NEXT_PAGE, nextPage},
+                                {DEBUG_PREVIOUS_PAGE, previousPage}};
 
 void runCommand(DebugWindow& window, int number) {
     for (const Command& command : commands)
@@ -93,14 +110,14 @@ void doubleClick(DebugWindow& window, int line) {
     Beep();
 }
 
-// What stands behind " = " is what the user changes.
+// The whole value is offered, also where the list shows a part of it.
 void editValue(DebugWindow& window, int line) {
     const std::string text = platform::DebugLine(window, line);
-    const std::size_t at = text.find(" = ");
-    if (at == std::string::npos) return Beep();
-    const std::string old = text.substr(at + 3);
-    const std::string value =
-        platform::InputBox(std::string(DebuggerTitle), "New value of " + text.substr(0, at) + ":", old);
+    const std::string old = WholeValue(engine.frame, line, ShowsIntegersInHex());
+    if (old.empty()) return Beep();
+    const std::string name = text.substr(0, text.find(" = "));
+    const std::string value = platform::InputBox(
+        std::string(DebuggerTitle), "New value of " + std::string(platform::trim(name)) + ":", old);
     if (value.empty() || value == old) return;
     const std::string refusal = ChangeValue(window, engine.frame, line, value);
     if (!refusal.empty()) static_cast<void>(Ask(refusal, "OK"));
@@ -120,7 +137,10 @@ std::string tipFor(const std::string& text) {
     const ErrorCellAside aside;
     std::string error;
     const auto expression = DebugExpression::compile(text, error);
-    return expression != nullptr ? text + " = " + expression->text(engine.frame, ShowsIntegersInHex()) : "";
+    const std::string value =
+        expression != nullptr ? expression->text(engine.frame, ShowsIntegersInHex()) : std::string();
+    const bool told = !value.empty() && value.front() != '(';  // brackets hold why there is none
+    return told ? text + " = " + value : std::string();
 }
 
 void close(DebugWindow& window) {

@@ -4,7 +4,10 @@
 #include "kernel/debug/engine.h"
 
 #include "kernel/debug/codelines.h"
+#include "kernel/debug/declaredtypes.h"
 #include "kernel/debug/engine_internal.h"
+#include "kernel/debug/runto.h"
+#include "kernel/debug/showvalues.h"
 #include "kernel/debug/stop.h"
 #include "kernel/debug/stopnotice.h"
 #include "kernel/run/debughooks.h"
@@ -70,6 +73,8 @@ void start(std::string_view product, std::string_view version, std::string_view 
     if (engine.window == nullptr) return;
     DebugStop = StopIfAsked;
     ArmPoints();
+    const RunToPlace first = TakeRunTo(engine.settingsFile);
+    RunTo(first.className, first.line);
     NoteRunning(mainSource);
 }
 
@@ -117,7 +122,9 @@ void saveSettings() {
 }
 
 void classAdded(std::string_view sourcePath, std::string_view className) {
-    if (engine.window != nullptr) AddCodeLines(className, sourcePath);
+    if (engine.window == nullptr) return;
+    AddCodeLines(className, sourcePath);
+    SettleRunTo(className);
 }
 
 bool takesError(std::int32_t code) {
@@ -135,6 +142,8 @@ void CloseDebugger() {
     tarn_debugger_window = nullptr;
     DebugStop = nullptr;
     DropPoints();
+    ForgetShownValues();
+    ForgetDeclaredTypes();
     release(engine.breakpoints);
     release(codeLineTable);
     engine = {};
@@ -147,7 +156,8 @@ void EndDebugger() {
 }
 
 void UseDebugger() {
-    UseDebuggerHooks({debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError});
+    UseDebuggerHooks(
+        {debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError, debug::NoteResult});
 }
 
 }  // namespace tarn
