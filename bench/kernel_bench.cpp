@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// Stamps, frames and strings of the kernel; the string peer is std::string. Stamps under the debugger are those of a
-// loop in a function of a compiled program's shape, with breakpoints in other lines.
+// Stamps, frames and strings of the kernel, the string peer is std::string; values and conditions in the debugger. Stamps
+// under the debugger are those of a function of a compiled program's shape, with breakpoints in other lines.
 #include "kernel/debug/debugsettings.h"
 #include "kernel/debug/engine.h"
+#include "kernel/debug/expression.h"
+#include "kernel/debug/showvalues.h"
+#include "kernel/lists/lists.h"
 #include "kernel/run/runtime.h"
+#include "kernel/run/state.h"
+#include "kernel/values/adt.h"
 #include "kernel/values/strings.h"
+#include "platform/model/view.h"
 
 #include <benchmark/benchmark.h>
 
@@ -160,6 +166,74 @@ void concatStd(benchmark::State& state) {
     }
 }
 BENCHMARK(concatStd)->Arg(40)->Arg(4000);
+
+// ---- the debugger ----
+
+// The frame of a function with some variables, one of them a list of 100,000 integers.
+class DebuggedFrame {
+public:
+    DebuggedFrame() {
+        static tarn::VariableTable table{};
+        tarn::DebugStart(1, "", "", "", "");
+        tarn::variableTable = &table;
+        table.count = 0;
+        tarn::FunctionEnter("Bench", "frame", 1);
+        tarn::StringInit(&text_, tarn::UNBOUNDED);
+        tarn::StringAssignView(&text_, "some text");
+        tarn::ListInit(&list_, tarn::UNBOUNDED, nullptr, tarn::KindInteger, false);
+        for (std::int32_t i = 1; i <= 100'000; ++i) tarn::ListAppend(&i, tarn::KindInteger, &list_);
+        tarn::RegisterVariable("first", 'V', tarn::KindInteger, &first_);
+        tarn::RegisterVariable("text", 'V', tarn::KindString, &text_);
+        tarn::RegisterVariable("list", 'V', tarn::KindList, &list_);
+        tarn::RegisterVariable("count", 'V', tarn::KindInteger, &count_);
+    }
+    ~DebuggedFrame() {
+        tarn::FunctionLeave();
+        tarn::AdtFree(&list_, tarn::KindList);
+        tarn::StringFree(&text_);
+        tarn::variableTable = nullptr;
+    }
+    DebuggedFrame(const DebuggedFrame&) = delete;
+    DebuggedFrame& operator=(const DebuggedFrame&) = delete;
+
+    static std::int32_t number() { return tarn::FrameCount(); }
+    std::int32_t& count() { return count_; }
+
+private:
+    std::int32_t first_ = 1, count_ = 7;
+    tarn::StringDescriptor text_{};
+    tarn::ListDescriptor list_{};
+};
+
+void condition(benchmark::State& state, const char* text) {
+    DebuggedFrame frame;
+    std::string error;
+    const auto expression = tarn::DebugExpression::compile(text, error);
+    for (auto _ : state) {
+        if (expression->holds(DebuggedFrame::number())) state.SkipWithError("the condition holds");
+        ++frame.count();
+        frame.count() &= 63;
+    }
+}
+BENCHMARK_CAPTURE(condition, integer, "count > 100");
+BENCHMARK_CAPTURE(condition, three, "count > 100 or text = \"another\" or list[count + 1] = 0");
+
+// In the model of the window, without a screen.
+void values(benchmark::State& state, bool expanded, bool paged) {
+    const auto view = tarn::platform::useView(tarn::platform::makeHeadlessView());
+    const DebuggedFrame frame;
+    tarn::platform::DebugWindow* const window = tarn::platform::StartDebug(
+        {}, "", "", "", [](tarn::platform::DebugWindow&, const tarn::platform::DebugEvent&) {}, {});
+    tarn::variableTable->entries[2].expanded = expanded;
+    tarn::ShowValues(*window, DebuggedFrame::number(), false);
+    if (paged) tarn::PageValue(*window, DebuggedFrame::number(), 3, tarn::ValuePage::Next, false);
+    for (auto _ : state) tarn::ShowValues(*window, DebuggedFrame::number(), false);
+    tarn::ForgetShownValues();
+    tarn::platform::EndDebug(window);
+}
+BENCHMARK_CAPTURE(values, collapsed, false, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(values, expanded, true, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(values, page, true, true)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

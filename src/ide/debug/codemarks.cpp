@@ -2,17 +2,18 @@
 #include "ide/debug/codemarks.h"
 
 #include "ide/debug/breakpointlist.h"
-#include "ide/debug/codelines.h"
 #include "ide/debug/ruledlg.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/statusline.h"
 #include "ide/shell/windows.h"
+#include "kernel/debug/codelines.h"
 #include "kernel/debug/debugsettings.h"
 #include "kernel/windows/linemarks.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/files.h"
 
 #include <algorithm>
 #include <vector>
@@ -202,11 +203,21 @@ void refuse(const std::string& why) {
     TELLSTATUS(why);
 }
 
+// Whether the compiler has told which lines of the text have code; what it told of an older text counts no more.
+bool knowsCodeLines(const Object& window, const std::string& file) {
+    const os::FileInfo source = os::infoOf(os::native(file)),
+                       told = os::infoOf(os::native(FILECHANGEEXT(file, ".sym")));
+    return !GetModify(window) && source.exists && told.exists && told.modified >= source.modified;
+}
+
 // The line that can have a breakpoint, told if it is another one; 0, and told, if none can.
 int lineWithCode(const Object& window, int line) {
-    const std::string lines = GetModify(window) ? std::string() : CODELINES(EDITWNDGETFILENAME(window));
-    if (lines.empty() || HASCODE(lines, line)) return line;
-    const int next = NEXTWITHCODE(lines, line);
+    const std::string file = EDITWNDGETFILENAME(window);
+    if (!knowsCodeLines(window, file)) return line;
+    CodeLineSet code;
+    LoadCodeLines(shown().className, file, code);
+    if (code.has(line)) return line;
+    const int next = code.next(line);
     const std::string none = "No code was generated at line " + STR(line);
     if (next == 0)
         refuse(none + ".");
@@ -217,6 +228,12 @@ int lineWithCode(const Object& window, int line) {
 
 bool has(const std::vector<int>& lines, int line) {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+void dropRule(int line) {
+    std::vector<DebugRule> rules = storedRules();
+    PutDebugRule(rules, DebugRule{shown().className, line, {}, 0, {}});
+    storeRules(rules);
 }
 
 // True if the settings have them now.
@@ -248,10 +265,12 @@ void TOGGLEBREAKPOINT(const Object& window, int line) {
     STAMP();
     if (!has(lines, line)) line = lineWithCode(window, line);
     if (line == 0) return;
-    if (has(lines, line))
+    if (has(lines, line)) {
         lines.erase(std::find(lines.begin(), lines.end(), line));
-    else
+        dropRule(line);
+    } else {
         lines.push_back(line);
+    }
     STAMP();
     put(window, lines);
     STAMP();

@@ -9,8 +9,10 @@
 #include "ide/shell/windows.h"
 #include "kernel/debug/stopnotice.h"
 #include "library/system/system.h"
+#include "platform/operations/debugger.h"
 
 #include <algorithm>
+#include <csignal>
 #include <vector>
 
 MODULE("runexe", tarn::IDE_ONERROR)
@@ -97,6 +99,19 @@ void FORGETPROGRAM(int process) {
     DropStopNotice(process);
     STAMP();
     SHOWBREAKPOINTS(SDIEdit);
+    STAMP();
+}
+
+void BREAKDEBUGGED() {
+    FRAME(BREAKDEBUGGED);
+    STAMP();
+    for (auto program = programs().rbegin(); program != programs().rend(); ++program) {
+        if (program->seen.state != DebugState::Running) continue;
+        ::kill(program->process, platform::DebugBreakSignal);
+        return;
+    }
+    Sound();
+    TELLSTATUS("No program runs in the debugger.");
     STAMP();
 }
 

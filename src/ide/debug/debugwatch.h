@@ -15,5 +15,7 @@ namespace tarn {
 void FOLLOWPROGRAM(int process, const std::string& name);
 // It has ended: what it has left in the settings is shown.
 void FORGETPROGRAM(int process);
+// Stops the program under the debugger that was started last of those that run; beeps if there is none.
+void BREAKDEBUGGED();
 
 }  // namespace tarn

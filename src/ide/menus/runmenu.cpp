@@ -5,6 +5,7 @@
 #include "ide/build/start.h"
 #include "ide/build/toolrun.h"
 #include "ide/debug/codemarks.h"
+#include "ide/debug/debugwatch.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/windows.h"
 
@@ -84,6 +85,12 @@ void DO_RUN_TO_CURSOR() {
     STAMP();
     RUN_TO_LINE("Run-Run to Cursor", COMPILERGETMAINFILE(), className, CARETLINE(SDIEdit));
     STAMP();
+}
+
+void DO_BREAK() {
+    FRAME(DO_BREAK);
+    STAMP();
+    BREAKDEBUGGED();
 }
 
 // ---- arguments ----

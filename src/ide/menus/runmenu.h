@@ -17,5 +17,6 @@ void DO_ARGUMENTS();
 void DO_TOGGLE_BREAKPOINT();
 void DO_BREAKPOINT_RULE();
 void DO_RUN_TO_CURSOR();
+void DO_BREAK();
 
 }  // namespace tarn

@@ -157,7 +157,7 @@ constexpr Row rows[] = {
     {"run_breakpoint", "", [](const Fired&) { DO_TOGGLE_BREAKPOINT(); }},
     {"run_rule", "", [](const Fired&) { DO_BREAKPOINT_RULE(); }},
     {"run_to_cursor", "", [](const Fired&) { DO_RUN_TO_CURSOR(); }},
-    {"run_break", "", nullptr},
+    {"run_break", "", [](const Fired&) { DO_BREAK(); }},
     {"tools_explore_rcfile", "", [](const Fired&) { DO_EXPLORE_RCFILE(MAINCONTROL("programlabel")); }},
     {"tools_explore_db", "", [](const Fired&) { DO_EXPLORE_DB(); }},
     {"tools_test_dialog", "", [](const Fired&) { DO_TEST_DIALOG(); }},

@@ -5,7 +5,6 @@
 #include "kernel/debug/expression.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/run/errorcell.h"
-#include "platform/text.h"
 
 namespace tarn {
 
@@ -39,21 +38,22 @@ void showCurrentCode(DebugWindow& window) {
     ShowCode(window, {}, tarn_current_line);
 }
 
-void helpOnError(DebugWindow&) {
-    HelpOnError();
+// A command on the selected line of the values.
+template <class Act>
+void onValue(DebugWindow& window, Act act) {
+    const int line = platform::DebugSelected(window);
+    if (engine.mode != ListMode::Values || line < 1 || !act(line, ShowsIntegersInHex())) Beep();
+}
+template <ValuePage page>
+void turnPage(DebugWindow& window) {
+    onValue(window, [&](int line, bool hex) { return PageValue(window, engine.frame, line, page, hex); });
+}
+void showWhole(DebugWindow& window) {
+    onValue(window, [&](int line, bool hex) { return ShowWholeValue(window, engine.frame, line, hex); });
 }
 
-void turnPage(DebugWindow& window, ValuePage page) {
-    const bool shown =
-        engine.mode == ListMode::Values &&
-        PageValue(window, engine.frame, platform::DebugSelected(window), page, ShowsIntegersInHex());
-    if (!shown) Beep();
-}
-void nextPage(DebugWindow& window) {
-    turnPage(window, ValuePage::Next);
-}
-void previousPage(DebugWindow& window) {
-    turnPage(window, ValuePage::Previous);
+void helpOnError(DebugWindow&) {
+    HelpOnError();
 }
 
 struct Command {
@@ -74,8 +74,9 @@ constexpr Command commands[] = {{DEBUG_HALT, halt},
                                 {DEBUG_STEP_OUT, stepOut},
                                 {DEBUG_RUN_TO, RunToSelected},
                                 {DEBUG_WATCH, AskWatch},
-                                {DEBUG_NEXT_PAGE, nextPage},
-                                {DEBUG_PREVIOUS_PAGE, previousPage}};
+                                {DEBUG_NEXT_PAGE, turnPage<ValuePage::Next>},
+                                {DEBUG_PREVIOUS_PAGE, turnPage<ValuePage::Previous>},
+                                {DEBUG_WHOLE, showWhole}};
 
 void runCommand(DebugWindow& window, int number) {
     for (const Command& command : commands)
@@ -110,14 +111,11 @@ void doubleClick(DebugWindow& window, int line) {
     Beep();
 }
 
-// The whole value is offered, also where the list shows a part of it.
 void editValue(DebugWindow& window, int line) {
-    const std::string text = platform::DebugLine(window, line);
     const std::string old = WholeValue(engine.frame, line, ShowsIntegersInHex());
     if (old.empty()) return Beep();
-    const std::string name = text.substr(0, text.find(" = "));
-    const std::string value = platform::InputBox(
-        std::string(DebuggerTitle), "New value of " + std::string(platform::trim(name)) + ":", old);
+    const std::string text = "New value of " + NameOfValue(engine.frame, line) + ":";
+    const std::string value = platform::InputBox(std::string(DebuggerTitle), text, old);
     if (value.empty() || value == old) return;
     const std::string refusal = ChangeValue(window, engine.frame, line, value);
     if (!refusal.empty()) static_cast<void>(Ask(refusal, "OK"));
@@ -137,10 +135,9 @@ std::string tipFor(const std::string& text) {
     const ErrorCellAside aside;
     std::string error;
     const auto expression = DebugExpression::compile(text, error);
-    const std::string value =
-        expression != nullptr ? expression->text(engine.frame, ShowsIntegersInHex()) : std::string();
-    const bool told = !value.empty() && value.front() != '(';  // brackets hold why there is none
-    return told ? text + " = " + value : std::string();
+    const auto value =
+        expression != nullptr ? expression->value(engine.frame, ShowsIntegersInHex()) : std::nullopt;
+    return value ? text + " = " + *value : "";
 }
 
 void close(DebugWindow& window) {

@@ -4,7 +4,7 @@
 #include "kernel/debug/engine.h"
 
 #include "kernel/debug/codelines.h"
-#include "kernel/debug/declaredtypes.h"
+#include "kernel/debug/declaredconstants.h"
 #include "kernel/debug/engine_internal.h"
 #include "kernel/debug/runto.h"
 #include "kernel/debug/showvalues.h"
@@ -67,13 +67,13 @@ void start(std::string_view product, std::string_view version, std::string_view 
     BreakpointsSetChanged(engine.breakpoints, false);
     SetTraceMode(settings.traceMode);
     engine.stepFlag = settings.singleStep;
+    const RunToPlace first = TakeRunTo(engine.settingsFile);
     engine.window =
         platform::StartDebug({}, InactiveDebuggerTitle, Buttons, Icon, OnDebugEvent, placeOf(settings));
     tarn_debugger_window = engine.window;
     if (engine.window == nullptr) return;
     DebugStop = StopIfAsked;
     ArmPoints();
-    const RunToPlace first = TakeRunTo(engine.settingsFile);
     RunTo(first.className, first.line);
     NoteRunning(mainSource);
 }
@@ -142,11 +142,11 @@ void CloseDebugger() {
     tarn_debugger_window = nullptr;
     DebugStop = nullptr;
     DropPoints();
-    ForgetShownValues();
-    ForgetDeclaredTypes();
     release(engine.breakpoints);
     release(codeLineTable);
     engine = {};
+    ForgetShownValues();
+    ForgetDeclaredConstants();
 }
 
 }  // namespace debug

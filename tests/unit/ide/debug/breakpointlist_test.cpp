@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/debug/breakpointlist.h"
 
-#include "ide/debug/codelines.h"
 #include "support/ide_fixture.h"
 
 namespace tarn {
@@ -64,37 +63,6 @@ TEST_F(BreakpointList, NamesOfClassesAreThoseOfTheLanguage) {
     for (const std::string& name : {std::string(), std::string("1a"), std::string("a-b"),
                                     std::string("function"), std::string(41, 'a')})
         EXPECT_FALSE(ISCLASSNAME(name)) << name;
-}
-
-TEST_F(BreakpointList, CodeLinesAreThoseOfTheBitmap) {
-    std::string bitmap(1000, '\0');
-    bitmap[0] = 0x05;                       // lines 1 and 3
-    bitmap[999] = static_cast<char>(0x80);  // line 8000
-    EXPECT_TRUE(HASCODE(bitmap, 1));
-    EXPECT_FALSE(HASCODE(bitmap, 2));
-    EXPECT_TRUE(HASCODE(bitmap, 8000));
-    for (const int line : {0, -1, 8001}) EXPECT_FALSE(HASCODE(bitmap, line)) << line;
-    EXPECT_EQ(NEXTWITHCODE(bitmap, 1), 3);
-    EXPECT_EQ(NEXTWITHCODE(bitmap, 3), 8000);
-    EXPECT_EQ(NEXTWITHCODE(bitmap, 8000), 0);
-    EXPECT_EQ(NEXTWITHCODE("", 1), 0);
-}
-
-TEST_F(BreakpointList, CodeLinesOfAnOlderTextAreNotKnown) {
-    const std::string source = write("a.cls", "Tarnwick Class a\nEnd class\n");
-    EXPECT_EQ(CODELINES(source), "") << "never compiled";
-    std::string row = "\"debug\",2,\"\",\"debug\",0,0,0,\"a\",0,0,0,0,0,0,\"\",\"\",0,0,\"\\x05";
-    for (int i = 1; i < 1000; i++) row += "\\x00";
-    const std::string symbols = write("a.sym", row + "\"\n");
-    os::files().setModified(source, 1'000'000'000);
-    os::files().setModified(symbols, 2'000'000'000);
-    ASSERT_EQ(CODELINES(source).size(), 1000U);
-    EXPECT_TRUE(HASCODE(CODELINES(source), 3));
-    os::files().setModified(source, 3'000'000'000);
-    EXPECT_EQ(CODELINES(source), "");
-    write("a.sym", "\"debug\",2,\"\",\"debug\",0,0,0,\"a\",0,0,0,0,0,0,\"\",\"\",0,0,\"short\"\n");
-    os::files().setModified(source, 1'000'000'000);
-    EXPECT_EQ(CODELINES(source), "") << "a bitmap of another length is none";
 }
 
 }  // namespace
