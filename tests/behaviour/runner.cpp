@@ -237,6 +237,7 @@ int main(int argc, char** argv) {
     tarn::Script script = tarn::parseScript(readAll(from + "script"), dir, profile, mode != "model");
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
     if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
+    if (mode != "screen" && script.needsScreen) end(skip("it needs a screen"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
     prepareEnvironment();
     if (before != nullptr) {
