@@ -27,9 +27,8 @@ void stepOver(DebugWindow& window) {
     Leave(window);
 }
 
-// Out of the bottom frame nothing is left to stop in: the program runs on.
 void stepOut(DebugWindow& window) {
-    engine.stepDepth = FrameCount() > 1 ? FrameCount() - 1 : 0;
+    StepOut();
     Leave(window);
 }
 

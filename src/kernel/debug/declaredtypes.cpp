@@ -5,6 +5,7 @@
 #include "kernel/debug/declaredtypes.h"
 
 #include "kernel/data/tab/tabular.h"
+#include "kernel/debug/fieldnames.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/text/numbers.h"
 #include "os/files.h"
@@ -243,6 +244,33 @@ const DeclaredType* FindDeclaredType(const FrameRecord& frame, std::string_view 
     return kept.type;
 }
 
+namespace {
+
+// Told names are program text, so that their place tells them apart.
+std::map<const char*, const DeclaredType*> toldTypes;
+
+const DeclaredType* typeOfNames(std::string_view names) {
+    if (names.empty()) return nullptr;
+    DeclaredType& type = types.emplace_back();
+    type.element = typeOfNames(ElementNames(names));
+    for (std::int32_t number = 1; !FieldName(names, number).empty(); ++number) {
+        type.fields.emplace_back(FieldName(names, number));
+        type.fieldTypes.push_back(typeOfNames(FindField(names, type.fields.back()).names));
+    }
+    return &type;
+}
+
+}  // namespace
+
+const DeclaredType* FindTypeOfVariable(const FrameRecord& frame, const VariableEntry& entry,
+                                       DeclaredTypeOfVariable& kept) {
+    const std::string_view names = FieldNames(entry);
+    if (names.empty()) return FindDeclaredType(frame, entry.name, kept);
+    const auto [place, isNew] = toldTypes.try_emplace(names.data());
+    if (isNew) place->second = typeOfNames(names);
+    return place->second;
+}
+
 bool FindDeclaredConstant(const FrameRecord& frame, std::string_view name, std::int32_t& value) {
     std::string className = frame.className();
     const Symbol* const symbol = symbolAnywhere(className, "const", name);
@@ -254,6 +282,7 @@ bool FindDeclaredConstant(const FrameRecord& frame, std::string_view name, std::
 void ForgetDeclaredTypes() {
     symbolsOfClasses.clear();
     namedTypes.clear();
+    toldTypes.clear();
     types.clear();
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The names of the fields of records. Values do not know them: the symbol file of a class (docs/formats/sym.md) tells what
-// its variables are declared as, and what its types are made of.
+// The names of the fields of records. Values do not know them: compiled code may tell them (fieldnames.h), or the symbol
+// file of a class (docs/formats/sym.md) tells what its variables are declared as, and what its types are made of.
 //
 // A type that another class declares is looked for in the symbols of all registered classes. What is declared in a way
 // that no symbol tells (a local variable of a record type without a name, a declaration of more than 657 characters) is
@@ -37,6 +37,10 @@ struct DeclaredTypeOfVariable {
 // Null if nothing is known.
 const DeclaredType* FindDeclaredType(const FrameRecord& frame, std::string_view variable,
                                      DeclaredTypeOfVariable& kept);
+
+// The same of a registered variable: by the names that its code has told (fieldnames.h), else by the symbols.
+const DeclaredType* FindTypeOfVariable(const FrameRecord& frame, const VariableEntry& entry,
+                                       DeclaredTypeOfVariable& kept);
 
 // The value of an integer, boolean or enum constant of the class of the frame, or of any other class; false if there is
 // none.

@@ -150,7 +150,8 @@ void EndDebugger() {
 }
 
 void UseDebugger() {
-    UseDebuggerHooks({debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError});
+    UseDebuggerHooks(
+        {debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError, debug::NoteResult});
 }
 
 }  // namespace tarn

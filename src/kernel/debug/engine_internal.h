@@ -38,6 +38,8 @@ struct Engine {
 
     bool stepFlag = false;       // stop at the next stamp
     std::int32_t stepDepth = 0;  // not 0: stop as soon as the frame count is at or below it
+    std::int32_t leftFrame = 0;  // not 0: the frame that is being stepped out of
+    std::string leftResult;      // what it has made, as text
     bool leaves = false;         // the user has closed the window: the program goes on without a debugger
     bool stopped = false;
 
@@ -64,6 +66,11 @@ std::string ClassOf(std::int32_t frame);  // empty if it is not recorded
 
 // Saves, closes the window and forgets everything but the tables of the run-time.
 void CloseDebugger();
+
+// ---- stop.cpp ----
+
+void StepOut();     // runs until the top frame is gone
+void NoteResult();  // the result of that frame, at its last stamp
 
 // ---- points.cpp: the lines that need a look ----
 

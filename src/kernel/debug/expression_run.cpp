@@ -132,7 +132,7 @@ private:
         Operand& operand = *top_++;
         setPlace(operand, entry.address, static_cast<Kind>(entry.kind));
         if (name.needsType)
-            operand.declared = FindDeclaredType(frameStack->frames[frame_ - 1], entry.name, name.declared);
+            operand.declared = FindTypeOfVariable(frameStack->frames[frame_ - 1], entry, name.declared);
     }
     void constant(const ExpressionName& name) {
         std::int32_t value = 0;

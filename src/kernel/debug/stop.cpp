@@ -2,8 +2,11 @@
 #include "kernel/debug/stop.h"
 
 #include "kernel/debug/engine_internal.h"
+#include "kernel/debug/results.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/debug/stopnotice.h"
+#include "kernel/debug/valuetext.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "os/text/ascii.h"
@@ -62,6 +65,7 @@ std::string statusText() {
     } else if (const std::string fault = PointFault(); !fault.empty()) {
         text += "\n" + fault;
     }
+    if (!engine.leftResult.empty()) text += "\n" + engine.leftResult;
     return CutReport(std::move(text));
 }
 
@@ -81,14 +85,16 @@ StopPlace noticedPlace() {
 void clearSteps() {
     if (engine.stepDepth != 0 && FrameCount() <= engine.stepDepth) engine.stepDepth = 0;
     engine.stepFlag = false;
+    engine.leftFrame = 0;
+    engine.leftResult.clear();
     RunTo({}, 0);  // it is reached, or the user has something else to look at
 }
 
 void stop(DebugWindow& window) {
     engine.stopped = true;
-    clearSteps();
     platform::SetDebugCaption(window, DebuggerTitle);
     platform::SetDebugStatus(window, statusText());
+    clearSteps();
     engine.frame = TopRecorded();
     ShowCode(window, {}, tarn_current_line);
     NoteStopped(noticedPlace());
@@ -101,6 +107,23 @@ void stop(DebugWindow& window) {
 }
 
 }  // namespace
+
+// Out of the bottom frame nothing is left to stop in: the program runs on.
+void StepOut() {
+    engine.stepDepth = FrameCount() > 1 ? FrameCount() - 1 : 0;
+    engine.leftFrame = FrameCount();
+}
+
+void NoteResult() {
+    constexpr std::size_t most = 200;  // characters
+    if (engine.leftFrame == 0 || FrameCount() != engine.leftFrame) return;
+    const ResultPlace place = ResultOf(FrameCount());
+    if (place.kind == 0) return;
+    const ErrorCellAside aside;
+    std::string text = ValueText(place.address, place.kind, VALUE_BRACES | VALUE_BLANKS);
+    if (text.size() > most) text = text.substr(0, most) + "...";
+    engine.leftResult = CurrentFunctionName() + "() = " + text;
+}
 
 void StopIfAsked(bool force) {
     const bool armed = IsArmedHere();

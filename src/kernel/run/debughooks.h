@@ -17,6 +17,7 @@ struct DebuggerHooks {
     void (*classAdded)(std::string_view sourcePath, std::string_view className) = nullptr;
     // Whether a pending error stops at once; another one goes to the handler of its class, as without a debugger.
     bool (*takesError)(std::int32_t code) = nullptr;
+    void (*leaving)() = nullptr;  // at the last stamp of a function, which has made its result
 };
 DebuggerHooks UseDebuggerHooks(const DebuggerHooks& hooks);  // returns the ones before
 const DebuggerHooks& TheDebuggerHooks();

@@ -157,7 +157,10 @@ void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
         else if (action == ReportErrors)
             report(code, handler);
     }
-    if (line == 0) return;
+    if (line == 0) {
+        if (debugging() && TheDebuggerHooks().leaving != nullptr) TheDebuggerHooks().leaving();
+        return;
+    }
     tarn_current_line = line;
     if (debugging()) pollDebugger();
 }
