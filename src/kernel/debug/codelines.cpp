@@ -42,13 +42,6 @@ private:
     std::string bitmap_;
 };
 
-std::string symbolFile(std::string_view className, std::string_view sourcePath) {
-    const std::string beside = os::native(std::string(paths::withoutExtension(sourcePath)) + ".sym");
-    if (os::sizeOf(beside) >= 0) return beside;
-    const std::string other = os::executableFolder() + std::string(className) + ".sym";
-    return os::sizeOf(other) >= 0 ? other : std::string();
-}
-
 const CodeLineEntry* entryOf(std::string_view className) {
     if (codeLineTable == nullptr) return nullptr;
     for (const CodeLineEntry& entry :
@@ -70,9 +63,16 @@ void CodeLineSet::assign(std::string_view bitmap) {
     if (bitmap.size() == Bytes) std::copy(bitmap.begin(), bitmap.end(), bits_.begin());
 }
 
+std::string SymbolFileOf(std::string_view className, std::string_view sourcePath) {
+    const std::string beside = os::native(std::string(paths::withoutExtension(sourcePath)) + ".sym");
+    if (os::sizeOf(beside) >= 0) return beside;
+    const std::string other = os::executableFolder() + std::string(className) + ".sym";
+    return os::sizeOf(other) >= 0 ? other : std::string();
+}
+
 void LoadCodeLines(std::string_view className, std::string_view sourcePath, CodeLineSet& lines) {
     lines = {};
-    const std::string file = symbolFile(className, sourcePath);
+    const std::string file = SymbolFileOf(className, sourcePath);
     if (file.empty()) return;
     const ErrorCellAside aside;
     BitmapSearch search;

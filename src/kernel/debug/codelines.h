@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -40,6 +41,8 @@ struct CodeLineTable {
 };
 extern CodeLineTable* codeLineTable;  // null while there is no debugger
 
+// The symbols of a class: beside its source, else beside the program; empty if there are none.
+std::string SymbolFileOf(std::string_view className, std::string_view sourcePath);
 // Reads the lines from the symbols beside the source, else from those beside the program. A file that is missing or
 // damaged has none. Cost: one pass over the file.
 void LoadCodeLines(std::string_view className, std::string_view sourcePath, CodeLineSet& lines);

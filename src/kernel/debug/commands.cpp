@@ -27,13 +27,29 @@ void stepOver(DebugWindow& window) {
     Leave(window);
 }
 
+// Out of the bottom frame nothing is left to stop in: the program runs on.
 void stepOut(DebugWindow& window) {
-    StepOut();
+    engine.stepDepth = FrameCount() > 1 ? FrameCount() - 1 : 0;
+    engine.outOf = FrameCount();
     Leave(window);
 }
 
 void showCurrentCode(DebugWindow& window) {
     ShowCode(window, {}, tarn_current_line);
+}
+
+// A command on the selected line of the values.
+template <class Act>
+void onValue(DebugWindow& window, Act act) {
+    const int line = platform::DebugSelected(window);
+    if (engine.mode != ListMode::Values || line < 1 || !act(line, ShowsIntegersInHex())) Beep();
+}
+template <ValuePage page>
+void turnPage(DebugWindow& window) {
+    onValue(window, [&](int line, bool hex) { return PageValue(window, engine.frame, line, page, hex); });
+}
+void showWhole(DebugWindow& window) {
+    onValue(window, [&](int line, bool hex) { return ShowWholeValue(window, engine.frame, line, hex); });
 }
 
 void helpOnError(DebugWindow&) {
@@ -57,7 +73,10 @@ constexpr Command commands[] = {{DEBUG_HALT, halt},
                                 {DEBUG_HELP, helpOnError},
                                 {DEBUG_STEP_OUT, stepOut},
                                 {DEBUG_RUN_TO, RunToSelected},
-                                {DEBUG_WATCH, AskWatch}};
+                                {DEBUG_WATCH, AskWatch},
+                                {DEBUG_NEXT_PAGE, turnPage<ValuePage::Next>},
+                                {DEBUG_PREVIOUS_PAGE, turnPage<ValuePage::Previous>},
+                                {DEBUG_WHOLE, showWhole}};
 
 void runCommand(DebugWindow& window, int number) {
     for (const Command& command : commands)
@@ -92,14 +111,11 @@ void doubleClick(DebugWindow& window, int line) {
     Beep();
 }
 
-// What stands behind " = " is what the user changes.
 void editValue(DebugWindow& window, int line) {
-    const std::string text = platform::DebugLine(window, line);
-    const std::size_t at = text.find(" = ");
-    if (at == std::string::npos) return Beep();
-    const std::string old = text.substr(at + 3);
-    const std::string value =
-        platform::InputBox(std::string(DebuggerTitle), "New value of " + text.substr(0, at) + ":", old);
+    const std::string old = WholeValue(engine.frame, line, ShowsIntegersInHex());
+    if (old.empty()) return Beep();
+    const std::string text = "New value of " + NameOfValue(engine.frame, line) + ":";
+    const std::string value = platform::InputBox(std::string(DebuggerTitle), text, old);
     if (value.empty() || value == old) return;
     const std::string refusal = ChangeValue(window, engine.frame, line, value);
     if (!refusal.empty()) static_cast<void>(Ask(refusal, "OK"));
@@ -119,7 +135,9 @@ std::string tipFor(const std::string& text) {
     const ErrorCellAside aside;
     std::string error;
     const auto expression = DebugExpression::compile(text, error);
-    return expression != nullptr ? text + " = " + expression->text(engine.frame, ShowsIntegersInHex()) : "";
+    const auto value =
+        expression != nullptr ? expression->value(engine.frame, ShowsIntegersInHex()) : std::nullopt;
+    return value ? text + " = " + *value : "";
 }
 
 void close(DebugWindow& window) {

@@ -4,8 +4,10 @@
 #include "kernel/debug/engine.h"
 
 #include "kernel/debug/codelines.h"
+#include "kernel/debug/declaredconstants.h"
 #include "kernel/debug/engine_internal.h"
 #include "kernel/debug/runto.h"
+#include "kernel/debug/showvalues.h"
 #include "kernel/debug/stop.h"
 #include "kernel/debug/stopnotice.h"
 #include "kernel/run/debughooks.h"
@@ -120,7 +122,9 @@ void saveSettings() {
 }
 
 void classAdded(std::string_view sourcePath, std::string_view className) {
-    if (engine.window != nullptr) AddCodeLines(className, sourcePath);
+    if (engine.window == nullptr) return;
+    AddCodeLines(className, sourcePath);
+    SettleRunTo(className);
 }
 
 bool takesError(std::int32_t code) {
@@ -141,6 +145,8 @@ void CloseDebugger() {
     release(engine.breakpoints);
     release(codeLineTable);
     engine = {};
+    ForgetShownValues();
+    ForgetDeclaredConstants();
 }
 
 }  // namespace debug

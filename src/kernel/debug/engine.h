@@ -37,9 +37,12 @@ enum DebugCommandNumber : int {
     DEBUG_CLASSES,
     DEBUG_INFORMATION,
     DEBUG_HELP,
-    DEBUG_STEP_OUT,  // runs until the function has returned
-    DEBUG_RUN_TO,    // runs until the selected line, or the next one with code behind it, is reached
-    DEBUG_WATCH,     // asks for an expression, and shows all that are watched
+    DEBUG_STEP_OUT,   // runs until the function has returned
+    DEBUG_RUN_TO,     // runs until the selected line, or the next one with code behind it, is reached
+    DEBUG_WATCH,      // asks for an expression, and shows all that are watched
+    DEBUG_NEXT_PAGE,  // of the selected array, list or table: PageElements elements alone
+    DEBUG_PREVIOUS_PAGE,
+    DEBUG_WHOLE,  // the selected value without limits, or again within them
 };
 
 inline constexpr std::string_view DebuggerTitle = "Integrated Debugger",

@@ -38,8 +38,8 @@ struct Engine {
 
     bool stepFlag = false;       // stop at the next stamp
     std::int32_t stepDepth = 0;  // not 0: stop as soon as the frame count is at or below it
-    std::int32_t leftFrame = 0;  // not 0: the frame that is being stepped out of
-    std::string leftResult;      // what it has made, as text
+    std::int32_t outOf = 0;      // the frame that is stepped out of; 0: none
+    std::string result;          // of the function that was stepped out of last; empty: it is not known
     bool leaves = false;         // the user has closed the window: the program goes on without a debugger
     bool stopped = false;
 
@@ -69,8 +69,8 @@ void CloseDebugger();
 
 // ---- stop.cpp ----
 
-void StepOut();     // runs until the top frame is gone
-void NoteResult();  // the result of that frame, at its last stamp
+// Remembers the result of the function that is stepped out of, when that ends.
+void NoteResult();
 
 // ---- points.cpp: the lines that need a look ----
 
@@ -85,6 +85,8 @@ bool StopsHere();
 std::string PointFault();
 // Stops at the line once, whether it has a breakpoint or not; an empty class takes that back.
 void RunTo(std::string_view className, std::int32_t line);
+// The class's lines are known now: a line to run to that has no code becomes the next one that has.
+void SettleRunTo(std::string_view className);
 
 // ---- the lists ----
 

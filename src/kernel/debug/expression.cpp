@@ -65,6 +65,15 @@ bool DebugExpression::holds(std::int32_t frame) {
     return !known || value.whole != 0;
 }
 
+std::optional<std::string> DebugExpression::value(std::int32_t frame, bool hex) {
+    const ErrorCellAside aside;
+    const ExpressionResult result = Evaluate(*parts_, frame);
+    std::optional<std::string> text;
+    if (result.trouble == Trouble::None) text = textOf(result.value, hex);
+    forgetElements(*parts_);
+    return text;
+}
+
 std::string DebugExpression::text(std::int32_t frame, bool hex) {
     const ErrorCellAside aside;
     const ExpressionResult result = Evaluate(*parts_, frame);

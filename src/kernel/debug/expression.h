@@ -9,8 +9,8 @@
 // Types are looked at when the expression is evaluated. An enum counts as its ordinal, an array of characters as its text
 // up to its first NUL; rows of a table are its elements. `/` of integers is fixed, as in the language.
 //
-// The fields of a record have no names in memory: they are known where the class's symbol file tells them
-// (declaredtypes.h), otherwise an expression with a field cannot be told.
+// The names of fields are those that the program has told (fieldnames.h). What is no variable may be an integer or enum
+// constant of the classes (declaredconstants.h).
 //
 // Compiled once: a name becomes its place in the variables of its function, so that testing a condition allocates
 // nothing, unless it reads what stands in a file.
@@ -20,6 +20,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -39,8 +40,9 @@ public:
     // index outside the bounds, a division by zero, a value that is no boolean) holds, so that the program stops where
     // the user can see why.
     [[nodiscard]] bool holds(std::int32_t frame);
-    // The value as text, as the list shows values in one line, or why there is none, in brackets. The error cell stays as
-    // it was.
+    // The value as text, as the list shows values in one line; nothing if there is none. The error cell stays as it was.
+    [[nodiscard]] std::optional<std::string> value(std::int32_t frame, bool hex);
+    // The same, or why there is none, in brackets.
     [[nodiscard]] std::string text(std::int32_t frame, bool hex);
 
 private:

@@ -196,7 +196,7 @@ private:
     // A variable, and the fields and elements that are taken of it.
     void variable(std::string_view name) {
         const std::size_t number = parts_->names.size();
-        parts_->names.push_back({std::string(name), {}, -1, false, {}});
+        parts_->names.push_back({std::string(name), {}, -1, {}, {}});
         emit(Op::Variable, static_cast<std::int32_t>(number), 1);
         advance(name.size());
         while (good()) {
@@ -204,7 +204,7 @@ private:
             if (takeSign("["))
                 subscripts();
             else if (next() == '.' && !text_.substr(at_).starts_with("..") && takeSign("."))
-                field(number);
+                field();
             else
                 return;
         }
@@ -220,10 +220,9 @@ private:
         emit(Op::Index, count, -count);
         --nesting_;
     }
-    void field(std::size_t variable) {
+    void field() {
         const std::string_view name = word();
         if (name.empty()) return fail("The name of a field is expected here");
-        parts_->names[variable].needsType = true;
         parts_->fields.emplace_back(name);
         emit(Op::Field, static_cast<std::int32_t>(parts_->fields.size()) - 1, 0);
         advance(name.size());

@@ -3,7 +3,6 @@
 // What an expression is compiled to: instructions for a stack of operands, in the order in which they are done.
 #pragma once
 
-#include "kernel/debug/declaredtypes.h"
 #include "kernel/debug/expression.h"
 #include "kernel/lists/list_access.h"
 #include "kernel/text/fixed.h"
@@ -13,6 +12,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,7 +60,7 @@ struct ExpressionOperand {
         const void* place;
     };
     std::string_view text;
-    const DeclaredType* declared = nullptr;  // of a place, if it is known
+    std::string_view names;  // of a place: those of its fields (fieldnames.h)
 };
 
 // A name of a variable, and where it was found last.
@@ -68,8 +68,8 @@ struct ExpressionName {
     std::string text;        // as it is written
     std::string registered;  // as the table of variables has it
     std::int32_t offset = -1;
-    bool needsType = false;  // because fields follow
-    DeclaredTypeOfVariable declared;
+    std::string constantOf;  // the class for which it was looked for among the constants
+    std::optional<std::int32_t> constant;
 };
 
 struct ExpressionParts {

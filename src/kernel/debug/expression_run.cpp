@@ -2,7 +2,9 @@
 //
 // The operands stand on a stack that has its full size from the start. A variable stays a place until its value is
 // needed, so that an array is not copied for one element.
+#include "kernel/debug/declaredconstants.h"
 #include "kernel/debug/expression_internal.h"
+#include "kernel/debug/fieldnames.h"
 #include "kernel/debug/framevariables.h"
 #include "kernel/debug/valueelements_internal.h"
 #include "kernel/run/errorcell.h"
@@ -131,37 +133,39 @@ private:
         const VariableEntry& entry = variables_.first[name.offset];
         Operand& operand = *top_++;
         setPlace(operand, entry.address, static_cast<Kind>(entry.kind));
-        if (name.needsType)
-            operand.declared = FindTypeOfVariable(frameStack->frames[frame_ - 1], entry, name.declared);
+        operand.names = FieldNames(entry);
     }
-    void constant(const ExpressionName& name) {
-        std::int32_t value = 0;
-        const bool known = frameStack != nullptr && frame_ >= 1 &&
-                           frame_ <= std::min(frameStack->count, MaxFrames) &&
-                           FindDeclaredConstant(frameStack->frames[frame_ - 1], name.text, value);
-        if (!known) return static_cast<void>(fail(Trouble::NoName, name.text));
+    void constant(ExpressionName& name) {
+        const bool hasFrame =
+            frameStack != nullptr && frame_ >= 1 && frame_ <= std::min(frameStack->count, MaxFrames);
+        const std::string_view className = hasFrame ? frameStack->frames[frame_ - 1].className() : "";
+        if (hasFrame && name.constantOf != className) {
+            name.constantOf = className;
+            name.constant = FindDeclaredConstant(className, name.text);
+        }
+        if (!hasFrame || !name.constant) return static_cast<void>(fail(Trouble::NoName, name.text));
         *top_ = {};
-        setWhole(*top_++, Type::Integer, value);
+        setWhole(*top_++, Type::Integer, *name.constant);
     }
     static void setPlace(Operand& operand, const void* place, Kind kind) {
         operand.type = Type::Place;
         operand.kind = kind;
         operand.place = place;
-        operand.declared = nullptr;
+        operand.names = {};
     }
 
     void field(const std::string& name) {
         Operand& operand = top_[-1];
         const bool isRecord =
             operand.type == Type::Place && (operand.kind == KindRecord || operand.kind == KindUnion);
-        const DeclaredType* const declared = operand.declared;
-        const std::int32_t number = isRecord && declared != nullptr ? FieldNumber(*declared, name) : 0;
+        const FieldPlace found = isRecord ? FindField(operand.names, name) : FieldPlace();
         const auto* const record = static_cast<const RecordDescriptor*>(operand.place);
-        if (number == 0 || !IsOfKind(record, operand.kind) || number > FieldCountOf(record->kinds))
+        if (found.number == 0 || !IsOfKind(record, operand.kind) ||
+            found.number > FieldCountOf(record->kinds))
             return static_cast<void>(fail(Trouble::NoFields, name));
-        const Kind kind = FieldKindAt(record->kinds, number);
-        setPlace(operand, RecordFieldAddress(record, number), kind);
-        operand.declared = declared->fieldTypes[static_cast<std::size_t>(number) - 1];
+        const Kind kind = FieldKindAt(record->kinds, found.number);
+        setPlace(operand, RecordFieldAddress(record, found.number), kind);
+        operand.names = found.names;
     }
 
     void index(std::int32_t count) {
@@ -176,7 +180,8 @@ private:
         }
         const bool isWhole =
             base.type == Type::Place && IsAdtKind(base.kind) && IsOfKind(base.place, base.kind);
-        const DeclaredType* const declared = base.declared != nullptr ? base.declared->element : nullptr;
+        const std::string_view names =
+            base.type == Type::Place ? ElementNames(base.names) : std::string_view();
         if (!isWhole || (base.kind != KindArray && count != 1))
             static_cast<void>(fail(Trouble::NotIndexed));
         else if (base.kind == KindArray)
@@ -185,7 +190,7 @@ private:
             ofText(base, subscripts[0]);
         else
             ofRows(base, subscripts[0]);
-        base.declared = declared;
+        base.names = names;
     }
     void ofArray(Operand& base, const std::int32_t* subscripts, std::int32_t count) {
         const auto array = ReadAt<ArrayDescriptor>(base.place);

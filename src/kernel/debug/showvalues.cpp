@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -33,17 +34,17 @@ struct Shown {
 };
 Shown shown, noted;
 
-// Of the values that are shown by pages: the first element of the page. By the addresses of the values.
-std::map<const void*, std::int32_t> pages;
+// What the user has asked for, by the addresses of the variables.
+std::map<const void*, HowShown> asked;
 
 std::uint64_t functionOf(std::int32_t frame) {
     const FrameRecord& record = frameStack->frames[frame - 1];
     return std::hash<std::string>()(std::string(record.className()) + ':' + record.functionName());
 }
 
-std::int32_t pageOf(const VariableEntry& entry) {
-    const auto page = pages.find(entry.address);
-    return page != pages.end() ? page->second : -1;
+HowShown howShown(const VariableEntry& entry) {
+    const auto found = asked.find(entry.address);
+    return found != asked.end() ? found->second : HowShown();
 }
 
 // ---- what has changed ----
@@ -83,7 +84,7 @@ void markLines(platform::DebugWindow& window, const FrameVariables& variables) {
         const int number = static_cast<int>(i) + 1;
         if (lineChanged(line, before[static_cast<std::size_t>(line.variable)]))
             platform::SetDebugFlags(window, number, platform::types::DEBUG_CHANGED);
-        if (line.element != ShownLine::NoElement) continue;
+        if (line.element != ShownLine::NoElement || line.continues) continue;
         const VariableEntry& entry = variables.first[line.variable];
         if (IsExpandable(static_cast<Kind>(entry.kind)))
             platform::SetDebugMarker(window, number,
@@ -94,7 +95,7 @@ void markLines(platform::DebugWindow& window, const FrameVariables& variables) {
 
 ValueDump dumpOf(const FrameVariables& variables, bool hex) {
     ValueDump dump(hex, MaxShownText);
-    for (const VariableEntry& entry : variables) dump.add(entry, pageOf(entry));
+    for (const VariableEntry& entry : variables) dump.add(entry, howShown(entry));
     return dump;
 }
 
@@ -166,7 +167,7 @@ bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bo
     VariableEntry* const entry = variableNamedBy(platform::DebugLine(window, line), frame);
     if (entry == nullptr) return false;
     entry->expanded = !entry->expanded;
-    if (!entry->expanded) pages.erase(entry->address);
+    if (!entry->expanded) asked.erase(entry->address);
     ShowValuesAgain(window, frame, hex);
     return true;
 }
@@ -175,19 +176,29 @@ bool PageValue(platform::DebugWindow& window, std::int32_t frame, int line, Valu
     const LineValue at = ValueOfLine(frame, line);
     if (at.variable == nullptr || !IsExpandable(static_cast<Kind>(at.variable->kind))) return false;
     VariableEntry& entry = *const_cast<VariableEntry*>(at.variable);
-    const std::int32_t now = pageOf(entry),
+    const std::int32_t now = howShown(entry).page,
                        count = ValueElements(entry.address, static_cast<Kind>(entry.kind)).count();
-    std::int32_t first = -1;
-    if (page == ValuePage::Next) first = now < 0 ? 0 : now + PageElements;
-    if (page == ValuePage::Previous) first = now - PageElements;
-    if (page == ValuePage::All ? now < 0 : first < 0 || first >= count) return false;
+    const std::int32_t first =
+        page == ValuePage::Next ? (now < 0 ? 0 : now + PageElements) : now - PageElements;
+    if (first < 0 || first >= count) return false;
     entry.expanded = true;
-    if (page == ValuePage::All)
-        pages.erase(entry.address);
-    else
-        pages[entry.address] = first;
+    asked[entry.address].page = first;
     ShowValuesAgain(window, frame, hex);
     return true;
+}
+
+bool ShowWholeValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
+    const LineValue at = ValueOfLine(frame, line);
+    if (at.variable == nullptr) return false;
+    const bool expanded = at.variable->expanded && IsExpandable(static_cast<Kind>(at.variable->kind));
+    if (expanded && at.element == ShownLine::NoElement) return false;
+    std::set<std::int32_t>& whole = asked[at.variable->address].whole;
+    if (whole.erase(at.element) == 0) whole.insert(at.element);
+    const int before = platform::DebugCount(window);
+    ShowValuesAgain(window, frame, hex);
+    if (platform::DebugCount(window) != before) return true;
+    whole.erase(at.element);
+    return false;
 }
 
 void NoteShownValues() {
@@ -196,7 +207,7 @@ void NoteShownValues() {
 
 void ForgetShownValues() {
     shown = noted = {};
-    pages.clear();
+    asked.clear();
 }
 
 }  // namespace tarn

@@ -48,16 +48,23 @@ void DumpVariable(const VariableEntry& entry, bool hex, void* dest);
 // expand there, or the line has more than MaxShownValue characters.
 bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex);
 
-enum class ValuePage { Next, Previous, All };
+enum class ValuePage { Next, Previous };
 // Shows, of the array, list or table of a line, PageElements elements alone, under a line that tells which: the first
-// ones, then those behind or before. False, with nothing changed, if there are none. The value stays so until All is
-// asked for, or it is collapsed.
+// ones, then those behind or before. False, with nothing changed, if there are none. The value stays so until it is
+// collapsed.
 bool PageValue(platform::DebugWindow& window, std::int32_t frame, int line, ValuePage page, bool hex);
+
+// Shows the value of a line whole, in as many lines as that takes, or again within the limits. False, with nothing changed,
+// if it is within them anyway.
+bool ShowWholeValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex);
 
 // Changes the value that a line shows to what `text` says (valuetext.h). The empty text if that was done, else why not,
 // in words for the user; the value is then as it was. The list is filled anew, with the selection and the first seen line
 // as they were; the error cell stays as it was.
 std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int line, std::string_view text);
+
+// The variable that a line shows, or which element of it: "names", "element 2 of names"; empty for a line without one.
+std::string NameOfValue(std::int32_t frame, int line);
 
 // The value that a line shows as ChangeValue takes it, without the limits but MaxShownText; empty for a line without one.
 std::string WholeValue(std::int32_t frame, int line, bool hex);

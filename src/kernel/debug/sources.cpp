@@ -91,6 +91,7 @@ void ShowCode(DebugWindow& window, std::string_view className, std::int32_t line
         unmark(window);
     } else {
         platform::DebugAddstrings(window, LoadSource(name));
+        platform::SetDebugNumbers(window, true);
         platform::DebugExtent(window);
         engine.highlighted = 0;
         markBreakpoints(window, name);

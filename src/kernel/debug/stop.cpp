@@ -5,7 +5,6 @@
 #include "kernel/debug/results.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/debug/stopnotice.h"
-#include "kernel/debug/valuetext.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
@@ -62,10 +61,11 @@ std::string statusText() {
         text = "Error " + std::to_string(code) + ", " + ErrorMessage(code) + (text.empty() ? "" : ", ") +
                text + "\n";
         if (code == ERR_ASSERT) text += AssertText() + "\n";
+    } else if (!engine.result.empty() && FrameCount() < engine.outOf) {
+        text += "\nResult of " + engine.result;
     } else if (const std::string fault = PointFault(); !fault.empty()) {
         text += "\n" + fault;
     }
-    if (!engine.leftResult.empty()) text += "\n" + engine.leftResult;
     return CutReport(std::move(text));
 }
 
@@ -82,19 +82,24 @@ StopPlace noticedPlace() {
     return {className, CurrentFunctionName(), sourceOf(className), LineOf(FrameCount()), ErrorCell()};
 }
 
+// What was stepped out of is left, or the user goes another way from here.
+void endStepOut() {
+    if (FrameCount() <= engine.outOf) engine.outOf = 0;
+    engine.result.clear();
+}
+
 void clearSteps() {
     if (engine.stepDepth != 0 && FrameCount() <= engine.stepDepth) engine.stepDepth = 0;
     engine.stepFlag = false;
-    engine.leftFrame = 0;
-    engine.leftResult.clear();
     RunTo({}, 0);  // it is reached, or the user has something else to look at
 }
 
 void stop(DebugWindow& window) {
     engine.stopped = true;
+    clearSteps();
     platform::SetDebugCaption(window, DebuggerTitle);
     platform::SetDebugStatus(window, statusText());
-    clearSteps();
+    endStepOut();
     engine.frame = TopRecorded();
     ShowCode(window, {}, tarn_current_line);
     NoteStopped(noticedPlace());
@@ -108,21 +113,16 @@ void stop(DebugWindow& window) {
 
 }  // namespace
 
-// Out of the bottom frame nothing is left to stop in: the program runs on.
-void StepOut() {
-    engine.stepDepth = FrameCount() > 1 ? FrameCount() - 1 : 0;
-    engine.leftFrame = FrameCount();
-}
-
 void NoteResult() {
-    constexpr std::size_t most = 200;  // characters
-    if (engine.leftFrame == 0 || FrameCount() != engine.leftFrame) return;
-    const ResultPlace place = ResultOf(FrameCount());
+    if (engine.outOf == 0 || FrameCount() != engine.outOf) return;
+    const ResultPlace place = ResultOf(engine.outOf);
     if (place.kind == 0) return;
     const ErrorCellAside aside;
-    std::string text = ValueText(place.address, place.kind, VALUE_BRACES | VALUE_BLANKS);
-    if (text.size() > most) text = text.substr(0, most) + "...";
-    engine.leftResult = CurrentFunctionName() + "() = " + text;
+    VariableEntry entry{};
+    CopyName(entry.name, (CurrentFunctionName() + "()").c_str());
+    entry.kind = place.kind;
+    entry.address = place.address;
+    engine.result = ascii::withoutLineEnd(DumpVariable(entry, ShowsIntegersInHex()));
 }
 
 void StopIfAsked(bool force) {

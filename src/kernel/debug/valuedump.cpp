@@ -19,6 +19,7 @@ namespace {
 constexpr std::string_view tooBig = "{...too big...}", tooBigLine = "  {...too big...}\n",
                            unreadable = "{...cannot be read...}", damaged = "{...no value...}",
                            cutMark = "...", indent = "   ";
+constexpr std::size_t WholeLine = 100;
 constexpr std::string_view typeWords[KindCount] = {"",      "Boolean", "Enum",   "Integer", "Fixed",
                                                    "Real",  "String",  "Record", "Union",   "Set",
                                                    "Array", "List",    "Table"};
@@ -60,6 +61,12 @@ std::string typeText(const void* value, Kind kind) {
     return text;
 }
 
+// Of a value in one line: whether there is more of it.
+bool isTooBig(std::string_view shown) {
+    return shown == tooBig ||
+           (shown.size() == MaxShownCharacters + cutMark.size() && shown.ends_with(cutMark));
+}
+
 bool isValue(const void* at, Kind kind) {
     return !IsAdtKind(kind) || IsZeroValue(at, kind) || IsOfKind(at, kind);
 }
@@ -89,36 +96,55 @@ void AppendOneLine(std::string& text, const void* at, Kind kind, bool hex) {
         text.replace(start, std::string::npos, tooBig);
 }
 
-void ValueDump::add(const VariableEntry& entry, std::int32_t page) {
+void ValueDump::add(const VariableEntry& entry, const HowShown& how) {
     const auto kind = static_cast<Kind>(entry.kind);
     if (!IsValueKind(kind) || entry.address == nullptr || full()) return;
     variables_.push_back({entry.address, 0, 0, 0, {}});
-    const std::size_t start = text_.size();
+    const std::size_t start = text_.size(), line = lines_.size();
     text_ += std::string(entry.name) + " : " + typeText(entry.address, kind) + " = ";
     variables_.back().head = fingerprint(std::string_view(text_).substr(start));
     const bool expanded = entry.expanded && IsExpandable(kind) && isValue(entry.address, kind);
-    if (!expanded) {
-        const std::size_t begin = text_.size();
-        AppendOneLine(text_, entry.address, kind, hex_);
-        const std::string_view shown = std::string_view(text_).substr(begin);
-        variables_.back().value = fingerprint(
-            shown == tooBig ? ValueText(entry.address, kind, OneLineFlags(false)) : std::string(shown));
-    }
-    endLine(ShownLine::NoElement);
-    if (expanded && !full() && !IsZeroValue(entry.address, kind)) elements(entry.address, kind, page);
+    if (!expanded) variable(entry.address, kind, how.whole.contains(ShownLine::NoElement));
+    endLine(ShownLine::NoElement, lines_.size() > line);
+    if (expanded && !full() && !IsZeroValue(entry.address, kind)) elements(entry.address, kind, how);
     if (text_.size() > capacity_) text_.resize(capacity_);
 }
 
-void ValueDump::endLine(std::int32_t element) {
-    text_ += '\n';
-    lines_.push_back({static_cast<std::int32_t>(variables_.size()) - 1, element});
+// The value of one that is not expanded.
+void ValueDump::variable(const void* at, Kind kind, bool whole) {
+    const std::string shown = OneLineValue(at, kind, hex_);
+    const bool big = isTooBig(shown);
+    variables_.back().value = fingerprint(big ? ValueText(at, kind, OneLineFlags(false)) : shown);
+    if (big && whole)
+        wholeValue(at, kind, ShownLine::NoElement, {});
+    else
+        text_ += shown;
 }
 
-void ValueDump::elements(const void* at, Kind kind, std::int32_t page) {
+// A value without its limits, in lines of WholeLine characters; the last one is not ended.
+void ValueDump::wholeValue(const void* at, Kind kind, std::int32_t element, std::string_view indentOfLine) {
+    std::string all;
+    ValueWriter(all, OneLineFlags(hex_)).append(at, kind, MaxShownText);
+    std::string_view rest = all;
+    for (bool continues = false;; continues = true) {
+        if (continues) text_.append(indentOfLine).append(indent);
+        text_.append(rest.substr(0, WholeLine));
+        rest.remove_prefix(std::min(rest.size(), WholeLine));
+        if (rest.empty() || full()) return;
+        endLine(element, continues);
+    }
+}
+
+void ValueDump::endLine(std::int32_t element, bool continues) {
+    text_ += '\n';
+    lines_.push_back({static_cast<std::int32_t>(variables_.size()) - 1, element, continues});
+}
+
+void ValueDump::elements(const void* at, Kind kind, const HowShown& how) {
     ValueElements all(at, kind);
     std::int32_t first = 0, behind = all.count();
-    if (page >= 0) {
-        first = std::min(page, behind);
+    if (how.page >= 0) {
+        first = std::min(how.page, behind);
         behind = std::min(behind, first + PageElements);
         text_ += std::string(indent) + "{...elements " + std::to_string(first + 1) + " to " +
                  std::to_string(behind) + " of " + std::to_string(all.count()) + "...}";
@@ -127,24 +153,30 @@ void ValueDump::elements(const void* at, Kind kind, std::int32_t page) {
     variables_.back().firstElement = first;
     for (std::int32_t i = first; i < behind; ++i) {
         const void* const one = all.at(i);
-        if (!element(one, all.kind(i), i, i + 1 == all.count()) || one == nullptr) return;
+        const bool shown = element(one, all.kind(i), i, how.whole.contains(i), i + 1 == all.count());
+        if (!shown || one == nullptr) return;
     }
 }
 
 // False: it found no place.
-bool ValueDump::element(const void* at, Kind kind, std::int32_t index, bool last) {
-    const std::size_t start = text_.size();
+bool ValueDump::element(const void* at, Kind kind, std::int32_t index, bool whole, bool last) {
+    const std::size_t start = text_.size(), line = lines_.size();
     text_ += indent;
     if (at != nullptr)
         AppendOneLine(text_, at, kind, hex_);
     else
         text_ += unreadable;
-    variables_.back().elements.push_back(fingerprint(std::string_view(text_).substr(start)));
+    const std::string_view shown = std::string_view(text_).substr(start + indent.size());
+    variables_.back().elements.push_back(fingerprint(shown));
+    if (whole && isTooBig(shown)) {
+        text_.resize(start + indent.size());
+        wholeValue(at, kind, index, indent);
+    }
     if (!last && at != nullptr) text_ += ',';
-    endLine(index);
+    endLine(index, lines_.size() > line);
     if (text_.size() <= capacity_) return true;
     text_.resize(start);
-    lines_.pop_back();
+    lines_.resize(line);
     dropLinesFor(tooBigLine.size());
     text_ += tooBigLine;
     lines_.push_back({static_cast<std::int32_t>(variables_.size()) - 1, ShownLine::NoValue});

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,13 @@ namespace tarn {
 struct ShownLine {
     static constexpr std::int32_t NoElement = -1, NoValue = -2;  // the whole variable; neither
     std::int32_t variable = 0, element = NoElement;
+    bool continues = false;  // the line before
+};
+
+// What the user has asked for beyond what is shown of itself.
+struct HowShown {
+    std::int32_t page = -1;  // the first element of PageElements that are shown alone; below 0: all are
+    std::set<std::int32_t> whole{};  // elements, or NoElement, whose limits do not count
 };
 
 // The fingerprints of what a variable has shown, so that a change is seen.
@@ -32,18 +40,19 @@ class ValueDump {
 public:
     ValueDump(bool hex, std::size_t capacity) : hex_(hex), capacity_(capacity) {}
 
-    // `page`: the first element that is shown, with PageElements from there on; below 0 for all.
-    void add(const VariableEntry& entry, std::int32_t page = -1);
+    void add(const VariableEntry& entry, const HowShown& how = {});
 
     [[nodiscard]] const std::string& text() const { return text_; }
     [[nodiscard]] const std::vector<ShownLine>& lines() const { return lines_; }
     std::vector<ShownVariable>& variables() { return variables_; }
 
 private:
-    void elements(const void* at, Kind kind, std::int32_t page);
-    bool element(const void* at, Kind kind, std::int32_t index, bool last);
+    void variable(const void* at, Kind kind, bool whole);
+    void elements(const void* at, Kind kind, const HowShown& how);
+    bool element(const void* at, Kind kind, std::int32_t index, bool whole, bool last);
+    void wholeValue(const void* at, Kind kind, std::int32_t element, std::string_view indent);
     void dropLinesFor(std::size_t size);
-    void endLine(std::int32_t element);
+    void endLine(std::int32_t element, bool continues = false);
     [[nodiscard]] bool full() const { return text_.size() >= capacity_; }
 
     bool hex_;

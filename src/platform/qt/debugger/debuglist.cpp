@@ -39,7 +39,9 @@ DebugList::DebugList(DebugWindow& window, QWidget* parent)
     rows_->setWindow(&window);
     setModel(rows_);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
-        if (window_ != nullptr && !showing_) window_->top = value + 1;
+        if (window_ == nullptr || showing_) return;
+        window_->top = value + 1;
+        keeps_ = false;
     });
 }
 
@@ -73,13 +75,11 @@ void DebugList::showSelection() {
     else
         selectionModel()->clearSelection();
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
-    if (window_->scrolls) {
-        const QRect place = visualRect(index);
-        const bool seen = viewport()->rect().contains(QPoint(0, place.top())) &&
-                          viewport()->rect().contains(QPoint(0, place.bottom()));
-        if (!seen) scrollTo(index, PositionAtCenter);
-        window_->scrolls = false;
+    if (std::exchange(window_->scrolls, false)) {
+        const QRect place = visualRect(index), all = viewport()->rect();
+        if (place.top() < all.top() || place.bottom() > all.bottom()) scrollTo(index, PositionAtCenter);
         window_->top = verticalScrollBar()->value() + 1;
+        keeps_ = true;
     }
     showing_ = before;
 }
@@ -88,9 +88,24 @@ void DebugList::showTop() {
     if (window_ == nullptr || rows_->rowCount() == 0) return;
     const bool before = std::exchange(showing_, true);
     executeDelayedItemsLayout();
+    keeps_ = false;
     verticalScrollBar()->setValue(window_->top - 1);
     window_->top = verticalScrollBar()->value() + 1;
     showing_ = before;
+}
+
+// A bar may come, and the window get another size, after the line was brought into view.
+void DebugList::keepInView() {
+    if (!keeps_ || window_ == nullptr || !currentIndex().isValid()) return;
+    const bool before = std::exchange(showing_, true);
+    scrollTo(currentIndex(), EnsureVisible);
+    window_->top = verticalScrollBar()->value() + 1;
+    showing_ = before;
+}
+
+void DebugList::resizeEvent(QResizeEvent* event) {
+    QListView::resizeEvent(event);
+    keepInView();
 }
 
 void DebugList::showTip() {
@@ -149,7 +164,8 @@ std::string DebugList::wordAt(int line, int x) const {
     while (end < text.size() && isNamePart(text[end])) ++end;
     while (start > 0 && (isNamePart(text[start - 1]) || text[start - 1] == u'.')) --start;
     while (start < at && !text[start].isLetter() && text[start] != u'_') ++start;
-    return text.mid(start, end - start).toStdString();
+    const bool isName = text[start].isLetter() || text[start] == u'_';
+    return isName ? text.mid(start, end - start).toStdString() : std::string();
 }
 
 bool DebugList::openBy(int key) {

@@ -39,6 +39,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
@@ -48,6 +49,7 @@ private:
     [[nodiscard]] Part partAt(int x) const;
     [[nodiscard]] std::string wordAt(int line, int x) const;
     [[nodiscard]] int selectedLine() const;
+    void keepInView();
     bool openBy(int key);  // an arrow that expands or collapses
 
     DebugWindow* window_;
@@ -55,6 +57,7 @@ private:
     DebugRowPainter* painter_;
     QPoint pointer_;        // on the screen, when a tip was asked for
     bool showing_ = false;  // what happens now is the model's doing
+    bool keeps_ = false;    // the selected line in view, until the user scrolls
 };
 
 }  // namespace tarn::platform::qt

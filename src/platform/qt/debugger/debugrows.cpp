@@ -8,6 +8,7 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarn::platform::qt {
 
@@ -133,7 +134,8 @@ int DebugRowPainter::longest() const {
             pixels = std::max(pixels, metrics.horizontalAdvance(shownDebugLine(text)));
     }
     columns = std::min(columns, static_cast<int>(mostLetters) + 1);
-    return std::max(pixels, metrics.horizontalAdvance(u'x') * columns);
+    const qreal letter = QFontMetricsF(list_.font(), &list_).horizontalAdvance(u'x');
+    return std::max(pixels, static_cast<int>(std::ceil(letter * columns)));
 }
 
 QSize DebugRowPainter::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {

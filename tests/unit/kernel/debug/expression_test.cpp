@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/debug/expression.h"
+#include "kernel/debug/fieldnames.h"
 
 #include "kernel/lists/lists.h"
 #include "kernel/tables/filevalues.h"
@@ -307,98 +308,101 @@ TEST_F(Expressions, ReadRowsOfTablesAndFiles) {
     EXPECT_EQ(takeError(), 0);
 }
 
-// ---- fields and constants, which symbol files tell ----
+// ---- the names of fields, which the program tells, and constants, which symbol files tell ----
 
-class DeclaredNames : public Expressions {
+class NamedFields : public Expressions {
 protected:
-    static std::string symbol(const std::string& name, int scope, const std::string& signature,
-                              const std::string& sort, const std::string& type, int value = 0,
-                              const std::string& comment = "") {
-        return "\"" + name + "\"," + std::to_string(scope) + ",\"" + signature + "\",\"" + sort +
-               "\",1,1,1,\"Main\",0,0,0,0,0,0,\"\",\"" + type + "\",0," + std::to_string(value) + ",\"" +
-               comment + "\"\n";
-    }
-    void writeSymbols() {
-        write("main.sym",
-              symbol("Main", 1, "", "class", "") +
-                  symbol("TPoint", 1, "type TPoint : record x, y : integer end record", "type", "record") +
-                  symbol("TLine", 1,
-                         "type TLine : record first : TPoint name : string[8] last : Other.TPoint end record",
-                         "type", "record") +
-                  symbol("TLoop", 1, "type TLoop : record a : integer next : list of TLoop end record",
-                         "type", "record") +
-                  symbol("points", 2, "private var points : list of TPoint", "variable", "list") +
-                  symbol("inner", 2,
-                         "private var inner : array[1:2] of record k : integer v : string end record",
-                         "variable", "array") +
-                  symbol("line", 3, "line : TLine", "variable", "TLine", 0, "work") +
-                  symbol("line", 3, "line : TPoint", "variable", "TPoint", 0, "other") +
-                  symbol("loop", 3, "loop : TLoop", "variable", "TLoop", 0, "work") +
-                  symbol("LIMIT", 2, "const LIMIT = 12", "const", "integer", 12) +
-                  symbol("RATE", 2, "const RATE = 1.5", "const", "fixed", 15000));
-        write("other.sym",
-              symbol("Other", 1, "", "class", "") +
-                  symbol("TPoint", 1, "type TPoint : record p, q : integer end record", "type", "record") +
-                  symbol("red", 1, "const red = 2", "const", "TColour", 2));
-        RegisterClass(folder_ / "main.cls", "Main");
-        RegisterClass(folder_ / "other.cls", "Other");
-    }
     static ValueModel point(std::int64_t x, std::int64_t y) { return Record({integer(x), integer(y)}); }
+    void addNamed(std::string_view name, const ValueModel& value, const char* names) {
+        NameFields(add(name, value), names);
+    }
 };
 
-TEST_F(DeclaredNames, AreFieldsOfRecords) {
-    writeSymbols();
-    add("line", Record({point(1, 2), Text("L", 8), point(3, 4)}));
-    add("points", List(point(0, 0), {point(5, 6), point(7, 8)}));
-    add("inner", Array({{1, 2}}, Record({integer(0), Text("")}),
-                       {Record({integer(1), Text("one")}), Record({integer(2), Text("two")})}));
+TEST_F(NamedFields, AreFound) {
+    addNamed("line", Record({point(1, 2), Text("L", 8), point(3, 4)}), "(first(x,y),name,last(p,q))");
+    addNamed("points", List(point(0, 0), {point(5, 6), point(7, 8)}), "[(x,y)]");
+    addNamed("inner",
+             Array({{1, 2}}, Record({integer(0), Text("")}),
+                   {Record({integer(1), Text("one")}), Record({integer(2), Text("two")})}),
+             "[(k,v)]");
+    addNamed("deep", Record({List(point(0, 0), {point(9, 10)})}), "(all[(x,y)])");
+    add("bare", point(1, 2));
     EXPECT_EQ(valueOf("line.first.y"), "2");
     EXPECT_EQ(valueOf("LINE.NAME"), "\"L\"");
     EXPECT_EQ(valueOf("line.last.q"), "4");
     EXPECT_EQ(valueOf("line.last.x"), "(no field x is known)");
     EXPECT_EQ(valueOf("line.first"), "{1, 2}");
     EXPECT_EQ(valueOf("points[2].x + 1"), "8");
+    EXPECT_EQ(valueOf("points.x"), "(no field x is known)");
     EXPECT_EQ(valueOf("inner[2].v"), "\"two\"");
+    EXPECT_EQ(valueOf("inner[2].v[1]"), "116");
+    EXPECT_EQ(valueOf("deep.all[1].y"), "10");
+    EXPECT_EQ(valueOf("bare.x"), "(no field x is known)");
     EXPECT_TRUE(holds("line.first.x = 1 and points[1].y = 6"));
+    EXPECT_FALSE(holds("line.first.x = 2"));
 }
 
-TEST_F(DeclaredNames, AreThoseOfTheFunction) {
-    writeSymbols();
-    add("line", Record({point(1, 2), Text("L", 8), point(3, 4)}));
-    FunctionEnter("Main", "OTHER", 1);
-    add("line", point(8, 9));
-    std::string error;
-    const auto expression = DebugExpression::compile("line.x = 8", error);
-    EXPECT_TRUE(expression->holds(2));
-    EXPECT_EQ(expression->text(2, false), "True");
-    EXPECT_EQ(expression->text(1, false), "(no field x is known)");
-    EXPECT_EQ(expression->text(2, false), "True");
+TEST_F(NamedFields, MayBeMoreThanThereAre) {
+    addNamed("point", point(1, 2), "(x,y,z)");
+    EXPECT_EQ(valueOf("point.z"), "(no field z is known)");
 }
 
-TEST_F(DeclaredNames, MayNameThemselves) {
-    writeSymbols();
-    const ValueModel inside = Record({integer(1), List(integer(0), {})});
-    add("loop", inside);
-    EXPECT_EQ(valueOf("loop.a"), "1");
+TEST_F(NamedFields, AreThoseOfRowsInFiles) {
+    const OddValue like(point(0, 0));
+    ListValue list;
+    ListInit(list.get(), UNBOUNDED, like.at(), KindRecord, true);
+    RegisterVariable("l", 'V', KindList, list.get());
+    NameFields(list.get(), "[(x,y)]");
+    FileOpen(list.get(), KindList, folder_ / "n.dat");
+    const OddValue row(point(3, 4));
+    ListAppend(row.at(), KindRecord, list.get());
+    EXPECT_EQ(valueOf("l[1].y"), "4");
 }
 
-TEST_F(DeclaredNames, AreConstants) {
-    writeSymbols();
+class DeclaredConstants : public Expressions {
+protected:
+    static std::string symbol(const std::string& name, const std::string& sort, const std::string& type,
+                              int value) {
+        return "\"" + name + "\",1,\"const\",\"" + sort + "\",1,1,1,\"Main\",0,0,0,0,0,0,\"\",\"" + type +
+               "\",0," + std::to_string(value) + ",\"\"\n";
+    }
+    void registerClasses() {
+        RegisterClass(folder_ / "main.cls", "Main");
+        RegisterClass(folder_ / "other.cls", "Other");
+    }
+};
+
+TEST_F(DeclaredConstants, AreKnownByTheirNames) {
+    write("main.sym", symbol("Main", "class", "", 5) + symbol("LIMIT", "const", "integer", 12) +
+                          symbol("RATE", "const", "fixed", 15000) + symbol("SIZE", "type", "integer", 7));
+    write("other.sym", symbol("red", "const", "TColour", 2) + symbol("LIMIT", "const", "integer", 13));
+    registerClasses();
     addInteger("i", 12);
     EXPECT_EQ(valueOf("i = limit"), "True");
     EXPECT_EQ(valueOf("red"), "2");
-    EXPECT_EQ(valueOf("RATE"), "(there is no RATE here)");
+    for (const char* name : {"RATE", "SIZE", "Main"})
+        EXPECT_EQ(valueOf(name), "(there is no " + std::string(name) + " here)");
+    addInteger("red", 77);
+    EXPECT_EQ(valueOf("red"), "77");
 }
 
-TEST_F(DeclaredNames, OfADamagedFileAreWhatCanBeRead) {
-    RegisterClass(folder_ / "main.cls", "Main");
-    write("main.sym", symbol("line", 3, "line : record x : integer y", "variable", "record", 0, "work") +
-                          "\"half\",1,\"half : record a");
-    add("line", point(1, 2));
-    add("half", point(1, 2));
-    EXPECT_EQ(valueOf("line.x"), "1");
-    EXPECT_EQ(valueOf("line.y"), "(no field y is known)");
-    EXPECT_EQ(valueOf("half.a"), "(no field a is known)");
+TEST_F(DeclaredConstants, AreThoseOfTheClassOfTheFrame) {
+    write("main.sym", symbol("LIMIT", "const", "integer", 12));
+    write("other.sym", symbol("LIMIT", "const", "integer", 13));
+    registerClasses();
+    FunctionEnter("Other", "deeper", 1);
+    std::string error;
+    const auto expression = DebugExpression::compile("LIMIT", error);
+    EXPECT_EQ(expression->text(1, false), "12");
+    EXPECT_EQ(expression->text(2, false), "13");
+    EXPECT_EQ(expression->text(1, false), "12");
+}
+
+TEST_F(DeclaredConstants, OfADamagedFileAreWhatCanBeRead) {
+    write("main.sym", symbol("LIMIT", "const", "integer", 12) + "\"HALF\",1,\"half");
+    registerClasses();
+    EXPECT_EQ(valueOf("LIMIT"), "12");
+    EXPECT_EQ(valueOf("HALF"), "(there is no HALF here)");
 }
 
 }  // namespace

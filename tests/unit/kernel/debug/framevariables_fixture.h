@@ -3,7 +3,7 @@
 // A program under the debugger, as far as its variables go: frames with registered values.
 #pragma once
 
-#include "kernel/debug/declaredtypes.h"
+#include "kernel/debug/declaredconstants.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
@@ -29,7 +29,7 @@ protected:
     void TearDown() override {
         while (FrameCount() > 0) FunctionLeave();
         ForgetShownValues();
-        ForgetDeclaredTypes();
+        ForgetDeclaredConstants();
         DebugEnd();
         values_.clear();
         numbers_.clear();

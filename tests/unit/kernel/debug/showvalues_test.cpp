@@ -337,7 +337,6 @@ TEST_F(ShownValues, ComeByPages) {
     show();
     EXPECT_FALSE(PageValue(*window_, 1, 1, ValuePage::Next, false));
     EXPECT_FALSE(PageValue(*window_, 1, 2, ValuePage::Previous, false));
-    EXPECT_FALSE(PageValue(*window_, 1, 2, ValuePage::All, false));
     EXPECT_TRUE(PageValue(*window_, 1, 2, ValuePage::Next, false));
     ASSERT_EQ(lines().size(), 103U);
     EXPECT_EQ(lines()[2], "   {...elements 1 to 100 of 250...}");
@@ -353,9 +352,44 @@ TEST_F(ShownValues, ComeByPages) {
     EXPECT_EQ(lines()[3], "   101,");
     EXPECT_EQ(ChangeValue(*window_, 1, 4, "7"), "");
     EXPECT_EQ(lines()[3], "   7,");
-    EXPECT_TRUE(PageValue(*window_, 1, 2, ValuePage::All, false));
+    EXPECT_TRUE(ExpandValue(*window_, 1, 2, false));
+    EXPECT_TRUE(ExpandValue(*window_, 1, 2, false));
     EXPECT_EQ(lines().size(), 252U);
     EXPECT_EQ(lines()[102], "   7,");
+}
+
+TEST_F(ShownValues, ComeWhole) {
+    const std::string text(1100, 'x');
+    addInteger("a", 1);
+    add("text", Text(text));
+    add("list", List(Text(""), {Text("a"), Text(text), Text("b")}));
+    add("chars", characters(std::string(1100, 'y')));
+    entry(3).expanded = true;
+    const Lines before = show();
+    EXPECT_FALSE(ShowWholeValue(*window_, 1, 1, false));
+    EXPECT_FALSE(ShowWholeValue(*window_, 1, 3, false));
+    EXPECT_FALSE(ShowWholeValue(*window_, 1, 4, false));
+    EXPECT_FALSE(ShowWholeValue(*window_, 1, 100, false));
+    EXPECT_EQ(lines(), before);
+    EXPECT_TRUE(ShowWholeValue(*window_, 1, 2, false));
+    ASSERT_EQ(lines().size(), before.size() + 11);
+    EXPECT_EQ(lines()[1], "text : String = \"" + std::string(99, 'x'));
+    EXPECT_EQ(lines()[2], "   " + std::string(100, 'x'));
+    EXPECT_EQ(lines()[12], "   x\"");
+    EXPECT_EQ(lines()[13], before[2]);
+    EXPECT_TRUE(ShowWholeValue(*window_, 1, 16, false));
+    ASSERT_EQ(lines().size(), before.size() + 22);
+    EXPECT_EQ(lines()[15], "   \"" + std::string(99, 'x'));
+    EXPECT_EQ(lines()[26], "      x\",");
+    EXPECT_EQ(lines()[27], "   \"b\"");
+    EXPECT_TRUE(ShowWholeValue(*window_, 1, 29, false));
+    EXPECT_EQ(lines().back(), "   y\"");
+    NoteShownValues();
+    EXPECT_EQ(ChangeValue(*window_, 1, 5, "\"short\""), "");
+    EXPECT_EQ(lines()[1], "text : String = \"short\"");
+    EXPECT_EQ(changed(), std::vector<int>{2});
+    EXPECT_TRUE(ShowWholeValue(*window_, 1, 10, false));
+    EXPECT_EQ(lines()[4], "   {...too big...},");
 }
 
 // ---- one value ----
