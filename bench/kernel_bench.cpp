@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Stamps, frames and strings of the kernel, the string peer is std::string; values and conditions in the debugger.
+// Stamps, frames and strings of the kernel, the string peer is std::string; values and conditions in the debugger. Stamps
+// under the debugger are those of a function of a compiled program's shape, with breakpoints in other lines.
+#include "kernel/debug/debugsettings.h"
+#include "kernel/debug/engine.h"
 #include "kernel/debug/expression.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/lists/lists.h"
@@ -11,6 +14,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 MODULE("bench")
@@ -45,6 +51,97 @@ void frame(benchmark::State& state) {
     }
 }
 BENCHMARK(frame);
+
+// A program under the debugger with breakpoints of `classes` classes, at lines that it does not come to.
+class UnderDebugger {
+public:
+    UnderDebugger(int breakpoints, int classes, const std::string& more) {
+        std::string pattern = "/tmp/tarnwick-bench-XXXXXX";
+        folder_ = ::mkdtemp(pattern.data());
+        std::filesystem::create_directories(folder_ + "/tarnwick");
+        ::setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
+        ::setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
+        std::ofstream(folder_ + "/main.cls") << "x";
+        std::ofstream(folder_ + "/tarnwick/registry.ini")
+            << "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\ide.exe]\n=" << folder_ << "/ide\n";
+        std::ofstream(folder_ + "/ide.ini") << "[debug]\nbreakpoints=" << values(breakpoints, classes) << "\n"
+                                            << more;
+        tarn::UseDebugger();
+        tarn::UseDebugWait([](tarn::platform::DebugWindow&) {});
+        tarn::DebugStart(2, "Tarnwick", "1.3", "2207", folder_ + "/main.cls");
+    }
+    ~UnderDebugger() {
+        tarn::DebugEnd();
+        std::filesystem::remove_all(folder_);
+    }
+    UnderDebugger(const UnderDebugger&) = delete;
+    UnderDebugger& operator=(const UnderDebugger&) = delete;
+
+private:
+    static std::string values(int breakpoints, int classes) {
+        std::string text;
+        for (int i = 0; i < classes; ++i) {
+            text += (i == 0 ? std::string("bench") : "c" + std::to_string(i)) + " ";
+            for (int line = 0; line < breakpoints / classes; ++line) text += std::to_string(500 + line) + " ";
+        }
+        return text;
+    }
+    std::string folder_;
+};
+
+// Arguments: breakpoints, of how many classes.
+void stampUnderDebugger(benchmark::State& state) {
+    const UnderDebugger debugger(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), "");
+    tarn::FunctionEnter("bench", "LOOP", 1);
+    std::int32_t line = 1;
+    for (auto _ : state) {
+        tarn::Stamp(line, tarn::ReportErrors, nullptr);
+        line = line % 20 + 1;
+        benchmark::ClobberMemory();
+    }
+    tarn::FunctionLeave();
+}
+BENCHMARK(stampUnderDebugger)->Args({0, 1})->Args({200, 1})->Args({200, 50});
+
+// A call with two statements in it, which looks its class up.
+void callUnderDebugger(benchmark::State& state) {
+    const UnderDebugger debugger(200, 50, "");
+    for (auto _ : state) {
+        tarn::FunctionEnter("bench", "CALLED", 1);
+        tarn::Stamp(2, tarn::ReportErrors, nullptr);
+        tarn::Stamp(3, tarn::ReportErrors, nullptr);
+        tarn::FunctionLeave();
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(callUnderDebugger);
+
+// A breakpoint whose condition does not hold, at each stamp.
+void conditionTested(benchmark::State& state) {
+    const UnderDebugger debugger(200, 1, "Rules=bench 510 if \"x > 3 and y = 7\" ;\n");
+    tarn::FunctionEnter("bench", "LOOP", 1);
+    std::int32_t x = 5, y = 0;
+    tarn::RegisterVariable("x", 'V', 3, &x);
+    tarn::RegisterVariable("y", 'V', 3, &y);
+    for (auto _ : state) {
+        tarn::Stamp(510, tarn::ReportErrors, nullptr);
+        benchmark::ClobberMemory();
+    }
+    tarn::FunctionLeave();
+}
+BENCHMARK(conditionTested);
+
+// From one statement to the next with a stop in between: the list is filled anew, nobody looks at it.
+void stepUnderDebugger(benchmark::State& state) {
+    const UnderDebugger debugger(0, 1, "SingleStep=1\n");
+    tarn::UseDebugWait([](tarn::platform::DebugWindow& window) {
+        tarn::OnDebugEvent(window, {tarn::platform::DebugMessage::Command, tarn::DEBUG_STEP_INTO, {}});
+    });
+    tarn::FunctionEnter("bench", "LOOP", 1);
+    for (auto _ : state) tarn::Stamp(2, tarn::ReportErrors, nullptr);
+    tarn::FunctionLeave();
+}
+BENCHMARK(stepUnderDebugger);
 
 void concatKernel(benchmark::State& state) {
     const std::string half(static_cast<std::size_t>(state.range(0)), 'a');

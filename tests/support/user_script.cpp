@@ -487,6 +487,7 @@ const std::map<std::string, std::string (*)(const Control&)> properties = {
     {"visible", [](const Control& c) { return flag(c.visible); }},
     {"checked", [](const Control& c) { return flag(c.checked); }},
     {"rows", shownRows},
+    {"text-has", [](const Control& c) { return c.text ? c.text->text() : std::string(); }},
 };
 
 }  // namespace
@@ -502,7 +503,7 @@ bool UserDriver::expectControl(const ScriptLine& line) {
     if (control == nullptr) return false;
     const std::string seen = properties.at(w[1])(*control);
     lastSeen_ = "Seen: " + seen;
-    return seen == w.back();
+    return w[1] == "text-has" ? seen.find(w.back()) != std::string::npos : seen == w.back();
 }
 
 namespace {

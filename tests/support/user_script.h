@@ -40,6 +40,7 @@
 //   wait WINDOW                     until it is visible
 //   expect caption|text|value|enabled|visible|checked|rows WINDOW [CONTROL] VALUE
 //   expect caption|... Main ITEM N VALUE      of the n-th item of an array
+//   expect text-has WINDOW [CONTROL] TEXT     a part of its text
 //   expect active WINDOW, expect hidden WINDOW, expect line N (caret of the Code window)
 //   expect message TITLE TEXT       the open question, its text beginning so
 //   expect ini SECTION KEY VALUE    of {profile}ide.ini

@@ -30,6 +30,7 @@ void stepOver(DebugWindow& window) {
 // Out of the bottom frame nothing is left to stop in: the program runs on.
 void stepOut(DebugWindow& window) {
     engine.stepDepth = FrameCount() > 1 ? FrameCount() - 1 : 0;
+    engine.outOf = FrameCount();
     Leave(window);
 }
 

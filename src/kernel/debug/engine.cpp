@@ -122,7 +122,9 @@ void saveSettings() {
 }
 
 void classAdded(std::string_view sourcePath, std::string_view className) {
-    if (engine.window != nullptr) AddCodeLines(className, sourcePath);
+    if (engine.window == nullptr) return;
+    AddCodeLines(className, sourcePath);
+    SettleRunTo(className);
 }
 
 bool takesError(std::int32_t code) {
@@ -154,7 +156,8 @@ void EndDebugger() {
 }
 
 void UseDebugger() {
-    UseDebuggerHooks({debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError});
+    UseDebuggerHooks(
+        {debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError, debug::NoteResult});
 }
 
 }  // namespace tarn

@@ -38,6 +38,8 @@ struct Engine {
 
     bool stepFlag = false;       // stop at the next stamp
     std::int32_t stepDepth = 0;  // not 0: stop as soon as the frame count is at or below it
+    std::int32_t outOf = 0;      // the frame that is stepped out of; 0: none
+    std::string result;          // of the function that was stepped out of last; empty: it is not known
     bool leaves = false;         // the user has closed the window: the program goes on without a debugger
     bool stopped = false;
 
@@ -65,6 +67,11 @@ std::string ClassOf(std::int32_t frame);  // empty if it is not recorded
 // Saves, closes the window and forgets everything but the tables of the run-time.
 void CloseDebugger();
 
+// ---- stop.cpp ----
+
+// Remembers the result of the function that is stepped out of, when that ends.
+void NoteResult();
+
 // ---- points.cpp: the lines that need a look ----
 
 // Makes the map anew after any change of breakpoints or rules.
@@ -78,6 +85,8 @@ bool StopsHere();
 std::string PointFault();
 // Stops at the line once, whether it has a breakpoint or not; an empty class takes that back.
 void RunTo(std::string_view className, std::int32_t line);
+// The class's lines are known now: a line to run to that has no code becomes the next one that has.
+void SettleRunTo(std::string_view className);
 
 // ---- the lists ----
 

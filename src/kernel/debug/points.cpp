@@ -154,9 +154,16 @@ void DropPoints() {
 
 void RunTo(std::string_view className, std::int32_t line) {
     if (className.empty() && runToClass.empty()) return;
-    runToClass = className;
+    runToClass = std::string(className);
     runToLine = line;
     ArmPoints();
+}
+
+void SettleRunTo(std::string_view className) {
+    if (runToClass.empty() || !ascii::equal(runToClass, className) || LineHasCode(className, runToLine))
+        return;
+    const std::int32_t next = NextCodeLine(className, runToLine);
+    if (next != 0) RunTo(runToClass, next);
 }
 
 bool IsArmedHere() {

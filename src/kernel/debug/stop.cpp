@@ -2,8 +2,10 @@
 #include "kernel/debug/stop.h"
 
 #include "kernel/debug/engine_internal.h"
+#include "kernel/debug/results.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/debug/stopnotice.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "os/text/ascii.h"
@@ -59,6 +61,8 @@ std::string statusText() {
         text = "Error " + std::to_string(code) + ", " + ErrorMessage(code) + (text.empty() ? "" : ", ") +
                text + "\n";
         if (code == ERR_ASSERT) text += AssertText() + "\n";
+    } else if (!engine.result.empty() && FrameCount() < engine.outOf) {
+        text += "\nResult of " + engine.result;
     } else if (const std::string fault = PointFault(); !fault.empty()) {
         text += "\n" + fault;
     }
@@ -78,6 +82,12 @@ StopPlace noticedPlace() {
     return {className, CurrentFunctionName(), sourceOf(className), LineOf(FrameCount()), ErrorCell()};
 }
 
+// What was stepped out of is left, or the user goes another way from here.
+void endStepOut() {
+    if (FrameCount() <= engine.outOf) engine.outOf = 0;
+    engine.result.clear();
+}
+
 void clearSteps() {
     if (engine.stepDepth != 0 && FrameCount() <= engine.stepDepth) engine.stepDepth = 0;
     engine.stepFlag = false;
@@ -89,6 +99,7 @@ void stop(DebugWindow& window) {
     clearSteps();
     platform::SetDebugCaption(window, DebuggerTitle);
     platform::SetDebugStatus(window, statusText());
+    endStepOut();
     engine.frame = TopRecorded();
     ShowCode(window, {}, tarn_current_line);
     NoteStopped(noticedPlace());
@@ -101,6 +112,18 @@ void stop(DebugWindow& window) {
 }
 
 }  // namespace
+
+void NoteResult() {
+    if (engine.outOf == 0 || FrameCount() != engine.outOf) return;
+    const ResultPlace place = ResultOf(engine.outOf);
+    if (place.kind == 0) return;
+    const ErrorCellAside aside;
+    VariableEntry entry{};
+    CopyName(entry.name, (CurrentFunctionName() + "()").c_str());
+    entry.kind = place.kind;
+    entry.address = place.address;
+    engine.result = ascii::withoutLineEnd(DumpVariable(entry, ShowsIntegersInHex()));
+}
 
 void StopIfAsked(bool force) {
     const bool armed = IsArmedHere();

@@ -17,6 +17,8 @@ struct DebuggerHooks {
     void (*classAdded)(std::string_view sourcePath, std::string_view className) = nullptr;
     // Whether a pending error stops at once; another one goes to the handler of its class, as without a debugger.
     bool (*takesError)(std::int32_t code) = nullptr;
+    // At a stamp of line 0, which stands behind the last statement of a function, while there is a debugger window.
+    void (*functionEnds)() = nullptr;
 };
 DebuggerHooks UseDebuggerHooks(const DebuggerHooks& hooks);  // returns the ones before
 const DebuggerHooks& TheDebuggerHooks();

@@ -157,9 +157,12 @@ void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
         else if (action == ReportErrors)
             report(code, handler);
     }
-    if (line == 0) return;
-    tarn_current_line = line;
-    if (debugging()) pollDebugger();
+    if (line != 0) tarn_current_line = line;
+    if (!debugging()) return;
+    if (line != 0)
+        pollDebugger();
+    else if (const auto functionEnds = TheDebuggerHooks().functionEnds; functionEnds != nullptr)
+        functionEnds();
 }
 
 }  // namespace tarn

@@ -43,12 +43,11 @@ void TextArea::defineLineMarks() {
         SendScintilla(SCI_MARKERSETBACK, static_cast<unsigned long>(number), fill);
     };
     const QColor red = readable(QColor(0xD0, 0x30, 0x30), paper),
-                 amber = readable(QColor(0xE0, 0x9A, 0x00), paper),
-                 blue = readable(QColor(0x30, 0x70, 0xD0), paper);
+                 amber = readable(QColor(0xE0, 0x9A, 0x00), paper), ink = palette.color(QPalette::Text);
     define(BreakpointMark, SC_MARK_CIRCLE, red, red);
     define(RuleMark, SC_MARK_CIRCLE, red, amber);
-    define(CurrentMark, SC_MARK_SHORTARROW, blue, blue);
-    define(CurrentLineMark, SC_MARK_BACKGROUND, blue, blue);
+    define(CurrentMark, SC_MARK_ARROW, ink, amber);
+    define(CurrentLineMark, SC_MARK_BACKGROUND, amber, amber);
     send(SCI_MARKERSETALPHA, CurrentLineMark, CurrentShade);
 }
 
