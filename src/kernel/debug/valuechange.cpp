@@ -114,9 +114,8 @@ std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int l
 std::string NameOfValue(std::int32_t frame, int line) {
     const LineValue at = ValueOfLine(frame, line);
     if (at.variable == nullptr) return {};
-    const std::string name = at.variable->name;
-    if (at.element == ShownLine::NoElement) return name;
-    return "element " + std::to_string(at.element + 1) + " of " + name;
+    if (at.element == ShownLine::NoElement) return VariableHead(*at.variable);
+    return "element " + std::to_string(at.element + 1) + " of " + at.variable->name;
 }
 
 std::string WholeValue(std::int32_t frame, int line, bool hex) {

@@ -494,6 +494,10 @@ TEST_F(ShownValues, AreToldAsAWhole) {
     add("list", List(Text(""), {Text(text), Text("b")}));
     entry(2).expanded = true;
     show();
+    EXPECT_EQ(NameOfValue(1, 1), "text : String");
+    EXPECT_EQ(NameOfValue(1, 2), "list : List (Length=2)");
+    EXPECT_EQ(NameOfValue(1, 4), "element 2 of list");
+    EXPECT_EQ(NameOfValue(1, 5), "");
     EXPECT_EQ(WholeValue(1, 1, false), "\"" + text + "\"");
     EXPECT_EQ(WholeValue(1, 2, false), "{\"" + text + "\", \"b\"}");
     EXPECT_EQ(WholeValue(1, 3, false), "\"" + text + "\"");
