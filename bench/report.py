@@ -78,6 +78,10 @@ def main():
     # name, peer, the budget as a ratio to the peer or as nanoseconds
     rows = [
         ("stampInline", None, 1), ("stampCalled", None, 2), ("frame", None, None),
+        ("stampUnderDebugger/0/1", None, 25), ("stampUnderDebugger/200/1", None, 25), ("stampUnderDebugger/200/50", None, 25),
+        ("callUnderDebugger", None, None), ("conditionTested", None, 100), ("stepUnderDebugger", None, 5e6),
+        ("condition/integer", None, 100), ("condition/three", None, 200),
+        ("values/collapsed", None, 20e6), ("values/expanded", None, 20e6), ("values/page", None, 1e6),
         ("concatKernel/40", "concatStd/40", 0.5), ("concatKernel/4000", "concatStd/4000", None),
         ("allocateKernel/40", "allocateMalloc/40", None), ("allocateKernel/1000", "allocateMalloc/1000", None),
         *((f"string{work}Kernel/{n}", f"string{work}Std/{n}", None)

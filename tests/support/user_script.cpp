@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/user_script.h"
 
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "os/clock.h"
 #include "os/files.h"
+#include "platform/model/linemarks.h"
 #include "support/sheet_rows.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ const std::map<std::string, LineForm> forms = {
     {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}},
     {"strike", {3}},      {"sheet", {2}},       {"restart", {0}},   {"tick", {1}},
     {"activate", {1}},    {"design", {2}},      {"point", {1}},     {"drag", {3}},
-    {"front", {1, true}}};
+    {"margin", {1}},      {"front", {1, true}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
@@ -112,6 +113,10 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
         }
         if (line.words[0] == "setting" && line.words.size() == 4) {
             script.settings.push_back({line.words[1], line.words[2], line.words[3]});
+            continue;
+        }
+        if (line.words[0] == "needs-screen" || line.words[0] == "hide-screen") {
+            (line.words[0] == "needs-screen" ? script.needsScreen : script.hidesScreen) = true;
             continue;
         }
         const std::string fault = whole ? lineFault(line.words) : "a quote stays open";
@@ -208,7 +213,7 @@ Object itemOf(const std::string& name, const std::string& place) {
 
 // What the user does with windows that take input: while a tool runs, they take none.
 const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
-                                         "dblclick", "close", "select", "strike", "point", "drag"};
+                                         "dblclick", "close", "select", "strike", "point", "drag", "margin"};
 
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
@@ -254,7 +259,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
         w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "edit" || w[0] == "select" || w[0] == "margin") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "strike") return canStrike(w) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "restart") return Outcome::NotYet;  // the program still runs
@@ -332,6 +337,8 @@ void UserDriver::act(const ScriptLine& line) {
     else if (what == "dblclick")
         doubleClick(w.size() == 3 ? Object(w[1]) : FindControl(Object(w[1]), w[2]),
                     std::atoi(w.back().c_str()));
+    else if (what == "margin")
+        userMarginClick(*findControl(Object("SDIEdit")), std::atoi(w[1].c_str()));
     else if (what == "close")
         userClose(*findWindow(Object(w[1])));
     else if (answerLines.count(what) != 0) {
@@ -487,6 +494,7 @@ const std::map<std::string, std::string (*)(const Control&)> properties = {
     {"visible", [](const Control& c) { return flag(c.visible); }},
     {"checked", [](const Control& c) { return flag(c.checked); }},
     {"rows", shownRows},
+    {"text-has", [](const Control& c) { return c.text ? c.text->text() : std::string(); }},
 };
 
 }  // namespace
@@ -502,7 +510,7 @@ bool UserDriver::expectControl(const ScriptLine& line) {
     if (control == nullptr) return false;
     const std::string seen = properties.at(w[1])(*control);
     lastSeen_ = "Seen: " + seen;
-    return seen == w.back();
+    return w[1] == "text-has" ? seen.find(w.back()) != std::string::npos : seen == w.back();
 }
 
 namespace {

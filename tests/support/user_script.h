@@ -4,6 +4,9 @@
 //
 //   args FILE ...                   command line of the program (first line only)
 //   setting SECTION KEY VALUE       put into the settings ahead of the start
+//   needs-screen                    (first lines) a case for real windows alone
+//   hide-screen                     (first lines) programs that are started find no screen
+//   margin LINE                     a click in the margin of the Code window, beside a line
 //   command NAME [N]                picks a menu item or button of Main, of an array the n-th
 //   press WINDOW CONTROL            presses a control
 //   set WINDOW CONTROL VALUE        types a text, ticks a box, picks a row
@@ -38,6 +41,7 @@
 //   wait WINDOW                     until it is visible
 //   expect caption|text|value|enabled|visible|checked|rows WINDOW [CONTROL] VALUE
 //   expect caption|... Main ITEM N VALUE      of the n-th item of an array
+//   expect text-has WINDOW [CONTROL] TEXT     a part of its text
 //   expect active WINDOW, expect hidden WINDOW, expect line N (caret of the Code window)
 //   expect message TITLE TEXT       the open question, its text beginning so
 //   expect ini SECTION KEY VALUE    of {profile}ide.ini
@@ -75,7 +79,7 @@ struct Script {
     std::vector<std::string> arguments;                // of the program
     std::vector<std::array<std::string, 3>> settings;  // section, key, value
     std::vector<ScriptLine> lines;
-    bool needsRealInput = false;
+    bool needsRealInput = false, hidesScreen = false;
     bool needsScreen = false;  // other programs show windows there, too
     std::string error;         // of the script's own text; empty if it is well formed
 };

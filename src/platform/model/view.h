@@ -53,6 +53,7 @@ enum class Property {
     Choices,
     CallTip,
     Focus,
+    MarkMargin,
 };
 
 // What has changed of the debugger's window; see operations/debugger.h.
@@ -73,6 +74,7 @@ enum class DebugPart {
 
 namespace types {
 struct TextEdit;
+struct LineMark;
 class DebugWindow;
 }  // namespace types
 
@@ -99,6 +101,9 @@ public:
     // Places that are shown as marked. A store whose control cannot show any keeps none.
     virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
     [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
+    // Marks of lines, as operations/linemarks.h tells. As above: a store may keep none.
+    virtual void setLineMarks(const std::vector<LineMark>& marks);
+    [[nodiscard]] virtual std::vector<LineMark> lineMarks() const;
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
     // The rest has a plain form that goes through the whole text.

@@ -23,7 +23,7 @@ struct DebugCommand {
     const char *word, *title, *keys;
 };
 enum : int { DEBUG_STOP = 101, DEBUG_BREAKPOINT_COMMAND = 105 };
-inline constexpr std::array<DebugCommand, 14> debugCommands{{
+inline constexpr std::array<DebugCommand, 17> debugCommands{{
     {DEBUG_STOP, "stop", "Stop the program", "Ctrl+F2"},
     {102, "run", "Run", "F9"},
     {103, "into", "Step into calls", "F7"},
@@ -38,6 +38,9 @@ inline constexpr std::array<DebugCommand, 14> debugCommands{{
     {112, "out", "Step out of the function", "Shift+F8"},
     {113, "until", "Run to the selected line", "F4"},
     {114, "watch", "Watch an expression", "Ctrl+F7"},
+    {115, "next", "Next hundred elements of the selected value", "Ctrl+PgDown"},
+    {116, "previous", "Hundred elements before", "Ctrl+PgUp"},
+    {117, "whole", "The selected value whole", "Shift+F2"},
 }};
 const DebugCommand* debugCommand(int number);  // null if there is none
 
