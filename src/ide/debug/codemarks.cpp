@@ -58,6 +58,11 @@ std::vector<int> linesNow(const Object& window) {
     return lines;
 }
 
+int currentNow(const Object& window) {
+    const std::vector<LineMark> marks = GetLineMarks(window);
+    return shown().current > 0 && marks.size() > shown().stored.size() ? marks.back().line : shown().current;
+}
+
 void mark(const Object& window, const std::vector<int>& lines) {
     const std::vector<DebugRule> rules = storedRules();
     std::vector<LineMark> marks;
@@ -108,9 +113,9 @@ void SHOWBREAKPOINTS(const Object& window) {
     const bool same = !className.empty() && className == shown().className && !GetLineMarks(window).empty();
     const std::vector<Breakpoint> known = same ? shown().stored : std::vector<Breakpoint>();
     const std::vector<int> lines = same ? linesNow(window) : std::vector<int>();
+    const int current = same ? currentNow(window) : 0;
     STAMP();
     SetMarkMargin(window, !className.empty());
-    const int current = same ? shown().current : 0;
     shown() = {className, {}, current};
     STAMP();
     if (className.empty()) return;
@@ -186,11 +191,11 @@ void KEEPBREAKPOINTS(const Object& window) {
     STAMP();
     storeRules(movedRules(lines, className));
     STAMP();
-    STOREBREAKPOINTS(withThese(breakpointsAt(lines, className)));
-    shown().stored.clear();
+    const std::vector<Breakpoint> now = breakpointsAt(lines, className);
+    STOREBREAKPOINTS(withThese(now));
     STAMP();
-    SetLineMarks(window, {});  // what stands in the settings are the lines of now
-    SHOWBREAKPOINTS(window);
+    shown() = {className, now, currentNow(window)};
+    mark(window, linesOf(now, {}, {}));
     STAMP();
 }
 

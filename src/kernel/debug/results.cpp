@@ -16,8 +16,10 @@ Told told[MaxFrames];
 
 void RegisterResult(std::int32_t kind, void* address) {
     const FrameRecord* const top = TopFrame();
-    if (top == nullptr || variableTable == nullptr || kind < 1 || kind > 12 || address == nullptr) return;
-    told[frameStack->count - 1] = {{kind, address}, top->firstLine, top->firstVariable};
+    if (top == nullptr || variableTable == nullptr) return;
+    const bool whole = kind >= 1 && kind <= 12 && address != nullptr;
+    told[frameStack->count - 1] = {whole ? ResultPlace{kind, address} : ResultPlace(), top->firstLine,
+                                   top->firstVariable};
 }
 
 ResultPlace ResultOf(std::int32_t frame) {

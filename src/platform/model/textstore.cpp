@@ -118,14 +118,20 @@ private:
     bool forced_ = false;  // modified by decree
 };
 
-// Calls `end` with the place and the length of each line end.
+// Calls `end` with the place and the length of each line end, in their order.
 template <class End>
 void eachLineEnd(std::string_view text, End end) {
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] != '\r' && text[at] != '\n') continue;
-        const std::size_t length = text.substr(at, 2) == "\r\n" ? 2 : 1;
-        end(at, length);
-        at += length - 1;
+    std::size_t lf = text.find('\n'), cr = text.find('\r');
+    while (lf != cr) {  // equal only when there are no more of either
+        if (lf < cr) {
+            end(lf, std::size_t{1});
+        } else {
+            const bool pair = lf == cr + 1;
+            end(cr, std::size_t{pair ? 2U : 1U});
+            cr = text.find('\r', cr + 1);
+            if (!pair) continue;
+        }
+        lf = text.find('\n', lf + 1);
     }
 }
 

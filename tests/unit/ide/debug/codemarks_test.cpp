@@ -84,11 +84,11 @@ TEST_F(CodeMarks, MoveWithTheTextAndAreStoredWhenItIsSaved) {
     store("Sums 3 5");
     open();
     edit("PRINT(\"1\")", "// a comment\nPRINT(\"1\")");
-    EXPECT_EQ(marks(), "3 6 ") << "the first line of the two keeps its mark";
+    EXPECT_EQ(marks(), "4 6 ");
     EXPECT_EQ(stored(), "Sums 3 5");
     EDITWNDSAVE(SDIEdit, false);
-    EXPECT_EQ(stored(), "Sums 3 6");
-    EXPECT_EQ(marks(), "3 6 ");
+    EXPECT_EQ(stored(), "Sums 4 6");
+    EXPECT_EQ(marks(), "4 6 ");
 }
 
 TEST_F(CodeMarks, OfDeletedLinesGoWithTheSave) {
@@ -115,7 +115,7 @@ TEST_F(CodeMarks, FollowTheClassToItsNewName) {
     store("Sums 3 other 1");
     open();
     edit("Class Sums", "Class Totals");
-    answers = {"7"};  // the file keeps its name
+    answers = {"&No"};  // the class keeps it
     EDITWNDSAVE(SDIEdit, false);
     EXPECT_EQ(stored(), "Totals 3 other 1");
 }
@@ -195,6 +195,16 @@ TEST_F(CodeMarks, TheCurrentLineIsMarkedBesideThem) {
     EXPECT_EQ(marks(), "3 5 4! ");
     MARKCURRENTLINE(SDIEdit, 0);
     EXPECT_EQ(marks(), "3 5 ");
+}
+
+TEST_F(CodeMarks, TheCurrentLineMovesWithTheText) {
+    store("Sums 3");
+    open();
+    MARKCURRENTLINE(SDIEdit, 5);
+    edit("function main()\n", "function main()\n\n");
+    EXPECT_EQ(marks(), "4 6! ");
+    EDITWNDSAVE(SDIEdit, false);
+    EXPECT_EQ(marks(), "4 6! ");
 }
 
 TEST_F(CodeMarks, TheCurrentLineGoesWithTheText) {

@@ -85,7 +85,7 @@ TEST_F(LineMarks, MoveWithTheirLines) {
                           {"two\nthree\n", "", "0 2 "},
                           {"three\n", "", "2 3 "},
                           {"two\nthree\nfour\nfive\n", "", "0 0 "},
-                          {"\nfour", "", "2 0 "},
+                          {"\nfour", "", "2 3 "},
                           {"e\nt", "", "1 3 "},
                           {"five\n", "", "2 4 "},
                           {"three\nfour", "four", "2 3 "},
