@@ -7,6 +7,7 @@
 
 #include "platform/model/view.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -86,10 +87,11 @@ private:
     bool openMainMenu(Frame& frame, QKeyEvent& event);  // Alt and the letter of a menu of the main window
     void bringUp(Frame& frame);
     void noteLatest(Frame& frame);
-    void enter(Frame& frame);         // the user works there now: tells the model, if that is news
-    void activated();                 // after the focus has moved
-    void activateBelow(Frame* gone);  // after a window has gone, the one before it
-    void sweep();                     // deletes what asked to be deleted, at the outermost level
+    void enter(Frame& frame);          // the user works there now: tells the model, if that is news
+    void activated();                  // after the focus has moved
+    bool insists(const Frame& frame);  // it has got the focus that the program has just given to another one
+    void activateBelow(Frame* gone);   // after a window has gone, the one before it
+    void sweep();                      // deletes what asked to be deleted, at the outermost level
 
     std::unique_ptr<QApplication> application_;  // null if the program had made one before
     std::function<void()> idle_;
@@ -100,7 +102,10 @@ private:
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
     std::unique_ptr<ToolProgress> progress_;
     std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
-    int depth_ = 0;                       // loops, one inside the other
+    QPointer<Frame> broughtUp_;           // by the program, and the user has done nothing since
+    QElapsedTimer sinceGone_;             // the last window that had the focus when it went
+    int timesInsisted_ = 0;
+    int depth_ = 0;  // loops, one inside the other
     bool busy_ = false;
     bool input_ = false;  // a key or a click since the wait began
 };
