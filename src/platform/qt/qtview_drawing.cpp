@@ -35,9 +35,7 @@ SurfaceWidget* surfaceOf(Control& control) {
 
 std::unique_ptr<Canvas> QtView::canvas(Control& control) {
     SurfaceWidget* const surface = surfaceOf(control);
-    return surface == nullptr
-               ? nullptr
-               : surface->canvas(platform::isWindowType(control.type) ? drawScale(control) : 100);
+    return surface == nullptr ? nullptr : surface->canvas(drawLook(control));
 }
 
 void QtView::wipe(Control& control) {

@@ -5,6 +5,7 @@
 #include "os/paths.h"
 #include "platform/model/pictures.h"
 #include "platform/qt/drawing/faces.h"
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/texts.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
@@ -97,7 +98,7 @@ public:
 
 private:
     static QColor colourOf(QIcon::Mode mode) {
-        const QPalette palette = QApplication::palette();
+        const QPalette palette = paletteInForce();
         if (mode == QIcon::Disabled) return palette.color(QPalette::Disabled, QPalette::ButtonText);
         if (mode == QIcon::Selected) return palette.color(QPalette::HighlightedText);
         return palette.color(QPalette::Active, QPalette::ButtonText);
