@@ -11,6 +11,7 @@
 #include "platform/qt/drawing/printing.h"
 #include "platform/qt/input/keys.h"
 #include "platform/qt/input/mouse.h"
+#include "platform/qt/input/tracker.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/windows/frame.h"
 #include "platform/qt/windows/menus.h"
@@ -481,6 +482,7 @@ void QtView::watch(int descriptor, std::function<void()> ready) {
 // ---- events of the whole program ----
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
+    if (tracking_ != nullptr && tracking_->hear(*event)) return true;
     const auto type = event->type();
     if (type == QEvent::FocusIn) noteFocus(receiver);
     if (!isInput(type)) return false;

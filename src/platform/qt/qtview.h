@@ -23,6 +23,7 @@ namespace tarn::platform::qt {
 
 class Frame;
 class ToolProgress;
+class Tracker;
 
 class QtView : public QObject, public View {
 public:
@@ -101,6 +102,7 @@ private:
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
     std::unique_ptr<ToolProgress> progress_;
+    Tracker* tracking_ = nullptr;         // the drag that is under way
     std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
     QPointer<Frame> broughtUp_;           // by the program, and the user has done nothing since
     QElapsedTimer sinceGone_;             // the last window that had the focus when it went

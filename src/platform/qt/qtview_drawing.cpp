@@ -17,6 +17,8 @@
 #include <QClipboard>
 #include <QMimeData>
 
+#include <utility>
+
 namespace tarn::platform::qt {
 
 namespace {
@@ -49,7 +51,9 @@ Rect QtView::track(Window& window, Track track) {
     const int scale = drawScale(window);
     track.pressed = onDrawing({at.x(), at.y()}, scale);
     Tracker tracker(frame->client(), track, dragGuides(), scale);
+    Tracker* const outer = std::exchange(tracking_, &tracker);
     loop([&] { return tracker.done(); });
+    tracking_ = outer;
     return tracker.result();
 }
 
