@@ -105,7 +105,7 @@ TEST_F(Preview, OfAFontOfTheDialogsOwnIsAPointLarger) {
 }
 
 TEST_F(Preview, StaysOnTheScreenAndScrolls) {
-    open("0 0 900 700");
+    open("0 0 900 500");
     preview([] {
         EXPECT_FALSE(GetVisible(part("scldown")));
         choose("optscale3");
