@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/projeditor.h"
 
+#include "ide/program/members/removeitem.h"
 #include "ide/program/newdialog.h"
 #include "ide/program/projitems.h"
 #include "ide/program/projlive.h"
@@ -29,7 +30,7 @@ struct Button {
 };
 constexpr Button buttons[] = {
     {"bitmapbutton1", "Refresh", "refresh.ico", PROJECTREFRESH},
-    {"bitmapbutton2", "Remove", "bin.ico", nullptr},
+    {"bitmapbutton2", "Remove", "bin.ico", PROJECTITEMDELETE},
     {"bitmapbutton3", "Edit", "default.ico", PROJECTITEMEDIT},
     {"bitmapbutton4", "New class", "code4.ico", nullptr},
     {"bitmapbutton5", "New dialog", "dialog03.ico", [](const Object&) { PROJECTNEWDIALOG(); }},
@@ -168,6 +169,7 @@ bool pressKey(const Object& window, const Object& control, int key) {
     if (STREQUAL(GetTypeof(control), "Bitmapbutton")) return false;
     const int row = PROJECTITEMINFO(window).row;
     if (key == KEY_RETURN) return PROJECTITEMEDIT(window), true;
+    if (key == KEY_DELETE) return PROJECTITEMDELETE(window), true;
     if (key != KEY_LEFT && key != KEY_RIGHT) return false;
     if (row > 0 && key == KEY_LEFT) goLeft(window, row);
     if (row > 0 && key == KEY_RIGHT) goRight(window, row);

@@ -56,6 +56,8 @@ bool PROJECTITEMISOPEN(const Object& window, int row);  // its children are show
 
 // The files of the top items, one a line. One that does not exist is a broken promise (687).
 std::string PROJECTGETLIST(const Object& window);
+// The same of those that exist, for commands that mend a program of which a file has gone.
+std::string PROJECTGETFILES(const Object& window);
 
 // ---- filling ----
 
