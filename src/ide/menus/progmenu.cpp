@@ -8,10 +8,10 @@
 #include "ide/program/members/removeitem.h"
 #include "ide/program/members/showfiles.h"
 #include "ide/program/projedit.h"
-#include "ide/shell/ide.h"
+#include "ide/program/projwindow.h"
 #include "library/system/system.h"
 
-MODULE("progmenu", tarn::IDE_ONERROR)
+MODULE("progmenu", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 

@@ -6,7 +6,6 @@
 #include "ide/program/projitems.h"
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
-#include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windowtable.h"
 #include "library/settings/profstr.h"
@@ -14,7 +13,7 @@
 
 #include <algorithm>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 

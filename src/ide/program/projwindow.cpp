@@ -4,13 +4,19 @@
 #include "ide/build/compiler.h"
 #include "ide/program/projlive.h"
 #include "ide/shell/ide.h"
+#include "ide/shell/idecore.h"
 #include "library/system/system.h"
 
 #include <algorithm>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
+
+void PROJECT_ONERROR(std::int32_t code) {
+    if (!ISFILEERROR(code)) return IDE_ONERROR(code);
+    TELLERROR(code, "The Program Window shows the program as it was read last. Use Refresh when the cause is gone.");
+}
 
 namespace {
 

@@ -19,6 +19,7 @@
 #include "ide/shell/windows.h"
 #include "kernel/windows/windowing.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,10 @@ void PROJECTREFRESH(const Object& window);
 // The same with a place to select; the error of the dependency list, which nobody is told then.
 [[nodiscard]] std::string PROJECTRELOAD(const Object& window, const ProjectPlace& place);
 std::string PROJECTGETMAINFILE(const Object& window = ProjectEditorDlg);  // empty if it is not loaded
+
+// The error handler of modules that work on the open program: a file that cannot be read or written (651 to 659) is told in
+// a box, and the program goes on; all else is IDE_ONERROR's.
+void PROJECT_ONERROR(std::int32_t code);
 
 // ---- rows ----
 

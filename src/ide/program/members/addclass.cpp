@@ -6,11 +6,10 @@
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
 #include "ide/program/projwindow.h"
-#include "ide/shell/ide.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

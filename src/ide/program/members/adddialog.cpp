@@ -10,12 +10,12 @@
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/windowfunction.h"
 #include "ide/program/projedit.h"
-#include "ide/shell/ide.h"
+#include "ide/program/projwindow.h"
 #include "kernel/windows/resourcetext.h"
 #include "library/system/system.h"
 #include "os/files.h"
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

@@ -2,10 +2,12 @@
 #include "ide/program/members/addfile.h"
 
 #include "ide/designer/files/scratch.h"
+#include "ide/editor/lineends.h"
+#include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projlist.h"
-#include "ide/shell/ide.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "kernel/windows/resources.h"
 #include "library/settings/placeholders.h"
@@ -17,7 +19,7 @@
 #include <algorithm>
 #include <array>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {
@@ -100,6 +102,15 @@ std::string statementOf(const std::string& name, const std::string& file) {
            STRREPLACE(STRREPLACE(path, "\\", "\\\\"), "\"", "\\\"") + "\"\n";
 }
 
+// With the line ends of the file.
+std::string WRITESTATEMENT(const std::string& target, const std::string& statement) {
+    FRAME(WRITESTATEMENT);
+    std::string text;
+    STAMP();
+    const std::string error = ProgramChanges().load(target, text);
+    return error.empty() ? ResourceWriteText(target, ADOPTLINEENDS(statement, text)) : error;
+}
+
 }  // namespace
 
 bool ISFILENAMEINRESOURCEFILE(const std::string& resourceFile, const std::string& file) {
@@ -129,7 +140,7 @@ void PROJECTADDFILE(const std::string& title) {
                  STR(MostTries) + ") total.\nChoose another file and try again.";
     if (!reason.empty()) return MSGBOX(title, "The following file:\n\n\t" + file + "\n\n" + reason);
     STAMP();
-    const std::string error = ResourceWriteText(target, statementOf(name, file));
+    const std::string error = WRITESTATEMENT(target, statementOf(name, file));
     STAMP();
     if (!error.empty()) return MSGBOX(title, "Cannot add " + file + " to '" + target + "'\n" + error);
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);

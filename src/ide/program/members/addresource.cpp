@@ -10,13 +10,12 @@
 #include "ide/program/members/programfolders.h"
 #include "ide/program/members/windowfunction.h"
 #include "ide/program/projwindow.h"
-#include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "library/designer/proputil.h"
 #include "library/source/codewiz.h"
 #include "library/system/system.h"
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

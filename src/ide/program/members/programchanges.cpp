@@ -4,15 +4,15 @@
 #include "ide/editor/seenfile.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
+#include "ide/program/projwindow.h"
 #include "ide/program/usesclause.h"
-#include "ide/shell/ide.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
 #include "os/files.h"
 
 #include <algorithm>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

@@ -5,13 +5,12 @@
 #include "ide/options/pathsoptions.h"
 #include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
-#include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

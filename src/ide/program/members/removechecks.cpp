@@ -5,7 +5,7 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programfolders.h"
-#include "ide/shell/ide.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "kernel/windows/resources.h"
 #include "library/system/system.h"
@@ -14,7 +14,7 @@
 #include <algorithm>
 #include <array>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

@@ -5,13 +5,13 @@
 #include "ide/program/members/confirmremove.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/removechecks.h"
+#include "ide/program/projwindow.h"
 #include "ide/program/usesclause.h"
-#include "ide/shell/ide.h"
 #include "kernel/windows/resourcetext.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 namespace {

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/members/windowfunction.h"
 
-#include "ide/shell/ide.h"
+#include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "library/settings/profstr.h"
 #include "library/source/codewiz.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 

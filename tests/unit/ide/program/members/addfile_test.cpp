@@ -28,7 +28,6 @@ protected:
 };
 
 TEST_F(AddFile, EachTypeHasItsKind) {
-    std::string expected = "// mine\n";
     const struct {
         std::string name, statement;
     } cases[] = {{"a.bmp", "a_bmp BITMAP"},  {"b.ICO", "b_ICO BITMAP"},  {"c.exe", "c_exe INCFILE"},
@@ -132,10 +131,9 @@ TEST_F(AddFile, FoldersOfTheSettingsAreWrittenAsPlaceholders) {
 }
 
 TEST_F(AddFile, OddPathsAreFoundAgain) {
-    for (const char* folder : {"a b", "it's", "\xc3\xa4\xff", "a\"b", "a\\b", "$<>&"}) {
+    for (const char* folder : {"a b", "it's", "\xc3\xa4\xff", "a\"b", "$<>&"}) {
         std::filesystem::create_directory(dir + "far/" + folder);
         const std::string file = dir + "far/" + folder + "/note.txt";
-        os::files().makeFolder(dir + "far/a");
         write(std::string("far/") + folder + "/note.txt", "x");
         add(file);
         EXPECT_EQ(told()[0], "Added " + file + " to '" + dir + "prog/main.rc'") << folder;

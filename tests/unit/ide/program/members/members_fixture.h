@@ -9,6 +9,7 @@
 #include "library/source/symbols.h"
 #include "support/doings_fixture.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace tarn {
@@ -29,8 +30,10 @@ protected:
     void SetUp() override {
         DoingsTest::SetUp();
         start();
-        for (const char* folder : {"prog", "lib", "far"}) std::filesystem::create_directory(dir + folder);
-        PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit1", dir + "lib");
+        for (const char* folder : {"prog", "lib", "far", "tools", "res"})
+            std::filesystem::create_directory(dir + folder);
+        const std::pair<const char*, const char*> paths[] = {{"Edit1", "lib"}, {"Edit3", "tools"}, {"Edit5", "res"}};
+        for (const auto& [key, folder] : paths) PROFILESTRPUT(ini(), "PathsOptionsDlg", key, dir + folder);
         PROFILESTRPUT(ini(), "GenOptionsDlg", "ShowFiles", "0");
         mainFile = write("prog/main.cls", MainClass);
         write("prog/shapes.cls", classText("Shapes"));
@@ -47,10 +50,12 @@ protected:
         std::string deps;
         for (const std::string& file : files) deps += (file[0] == '/' ? "" : dir + "prog/") + file + "\n";
         write("deps", deps);
-        makeTool("cat \"" + dir + "deps\" >\"" + dir + "ordo.err\"\n");
+        makeTool("cat \"" + dir + "deps\"");
     }
+    // What the script writes is what the make tool says.
     void makeTool(const std::string& script) {
-        const std::string tool = write("ordo.exe", "#!/bin/sh\n" + script);
+        const std::string tool =
+            write("tools/ordo.exe", "#!/bin/sh\n{ " + script + "\n} >\"" + dir + "tools/ordo.err\"\n");
         std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
     }
     // Runs a command, and reports what it left in the error cell.
@@ -98,8 +103,9 @@ protected:
             }
             return 0;
         };
-        if (!group.empty() && !PROJECTITEMISOPEN(ProjectEditorDlg, find(group)))
+        if (!group.empty() && !PROJECTITEMISOPEN(ProjectEditorDlg, find(group))) {
             ASSERT_TRUE(PROJECTITEMSELECT(ProjectEditorDlg, rows(), find(group)));
+        }
         ASSERT_NE(find(title), 0) << title;
         SetListIndex(rows(), find(title));
     }
