@@ -43,8 +43,9 @@ struct FileChange {
 
 struct ChangeResult {
     FileError error = FileError::None;
-    std::string path;      // which file failed; of the note, if none of them is to blame
-    bool pending = false;  // what was done could not be undone either: the note stays, and the next start finishes it
+    std::string path;  // which file failed; of the note, if none of them is to blame
+    bool pending =
+        false;  // what was done could not be undone either: the note stays, and the next start finishes it
     [[nodiscard]] bool ok() const { return error == FileError::None; }
 };
 
