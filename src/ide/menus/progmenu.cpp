@@ -8,6 +8,7 @@
 #include "ide/program/members/removeitem.h"
 #include "ide/program/members/showfiles.h"
 #include "ide/program/projedit.h"
+#include "ide/program/progprops.h"
 #include "ide/program/projwindow.h"
 #include "library/system/system.h"
 
@@ -46,6 +47,15 @@ void DO_ADD_FILE() {
 }
 
 // ---- the program as it is ----
+
+void DO_EDIT_PROPERTIES() {
+    FRAME(DO_EDIT_PROPERTIES);
+    STAMP();
+    const std::string mainFile = PROJECTGETMAINFILE();
+    STAMP();
+    PROGRAMPROPERTIESDIALOG("Program-Edit Program Properties", mainFile, FIRSTVERSIONINFO(mainFile));
+    STAMP();
+}
 
 void DO_REFRESH() {
     FRAME(DO_REFRESH);

@@ -9,6 +9,7 @@ void DO_ADD_CLASS();
 void DO_ADD_RCFILE();
 void DO_ADD_DIALOG();
 void DO_ADD_FILE();
+void DO_EDIT_PROPERTIES();
 void DO_REFRESH();
 void DO_REMOVE_FILE();
 void DO_SHOW_INPUT();

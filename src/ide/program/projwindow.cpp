@@ -2,6 +2,7 @@
 #include "ide/program/projwindow.h"
 
 #include "ide/build/compiler.h"
+#include "ide/build/toolrun.h"
 #include "ide/program/projlive.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
@@ -14,8 +15,8 @@ MODULE("projedit", tarn::PROJECT_ONERROR)
 namespace tarn {
 
 void PROJECT_ONERROR(std::int32_t code) {
-    if (!ISFILEERROR(code)) return IDE_ONERROR(code);
-    TELLERROR(code, "The Program Window shows the program as it was read last. Use Refresh when the cause is gone.");
+    const bool tool = code >= 901 && code <= 909;
+    return tool || ISFILEERROR(code) ? TOOL_ONERROR(code) : IDE_ONERROR(code);
 }
 
 namespace {

@@ -40,8 +40,8 @@ void PROJECTREFRESH(const Object& window);
 [[nodiscard]] std::string PROJECTRELOAD(const Object& window, const ProjectPlace& place);
 std::string PROJECTGETMAINFILE(const Object& window = ProjectEditorDlg);  // empty if it is not loaded
 
-// The error handler of modules that work on the open program: a file that cannot be read or written (651 to 659) is told in
-// a box, and the program goes on; all else is IDE_ONERROR's.
+// The error handler of modules that work on the open program: a make tool that cannot be asked (901 to 909) and a file that
+// cannot be read or written (651 to 659) are told in a box, and the environment goes on; all else is IDE_ONERROR's.
 void PROJECT_ONERROR(std::int32_t code);
 
 // ---- rows ----

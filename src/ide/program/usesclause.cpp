@@ -5,11 +5,23 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/changes.h"
+#include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
-MODULE("projedit")
+namespace tarn {
+namespace {
+
+void USESCLAUSE_ONERROR(std::int32_t code) {
+    if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
+    TELLERROR(code, "The Uses clause was not changed. Check that you may read the class.");
+}
+
+}  // namespace
+}  // namespace tarn
+
+MODULE("projedit", tarn::USESCLAUSE_ONERROR)
 
 namespace tarn {
 namespace {
@@ -62,8 +74,9 @@ bool UPDATEUSESCLAUSE(const std::string& file, std::string_view operation, const
     const bool inWindow = ISINEDITOR(file);
     STAMP();
     std::string text = inWindow ? GetText(SDIEdit) : "";
-    if (!inWindow && !LOADFILE(file, text)) return false;
+    const bool loaded = inWindow || LOADFILE(file, text);
     STAMP();
+    if (!loaded) return false;
     const UsesChange change = CHANGEUSESCLAUSE(text, operation, name);
     STAMP();
     if (!change.error.empty()) return tell(file, change.error), false;
