@@ -7,8 +7,8 @@
 #include "ide/program/members/addresource.h"
 #include "ide/program/members/removeitem.h"
 #include "ide/program/members/showfiles.h"
-#include "ide/program/projedit.h"
 #include "ide/program/progprops.h"
+#include "ide/program/projedit.h"
 #include "ide/program/projwindow.h"
 #include "library/system/system.h"
 

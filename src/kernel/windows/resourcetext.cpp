@@ -39,8 +39,8 @@ std::string ResourceTextDelete(std::string& text, const std::string& file, const
 
 ResourceText ResourceTextInfo(const std::string& text, const std::string& file, const std::string& kind,
                               const std::string& name) {
-    return CutResourceText(
-        platform::listStatements(platform::parseResourceText(text), file, kind, name), file);
+    return CutResourceText(platform::listStatements(platform::parseResourceText(text), file, kind, name),
+                           file);
 }
 
 }  // namespace tarn

@@ -32,8 +32,9 @@ std::string obstacleOf(const std::string& file, const std::string& mainFile, con
                   "The existing file is in an inherited folder, or in the folder containing the main "
                   "program.\nChoose a different class or rename the existing file.");
     if (!ISNAME(FILEBASENAME(file)))
-        return FILEMESSAGE(file, "cannot be added to the program, as its filename is not a valid class name.\n"
-                                 "Make a copy of the file, remove spaces from its name and try again.\n");
+        return FILEMESSAGE(file,
+                           "cannot be added to the program, as its filename is not a valid class name.\n"
+                           "Make a copy of the file, remove spaces from its name and try again.\n");
     return {};
 }
 
@@ -83,9 +84,9 @@ bool ADDTOPROGRAM(const std::string& title, const std::string& file, const std::
                   bool inside) {
     FRAME(ADDTOPROGRAM);
     STAMP();
-    const Placing placing = inside ? Placing::Cancel
-                                   : ASKPLACING(title, "class", "class file (and resource file)", file,
-                                                mainFile);
+    const Placing placing =
+        inside ? Placing::Cancel
+               : ASKPLACING(title, "class", "class file (and resource file)", file, mainFile);
     if (!inside && placing == Placing::Cancel) return false;
     STAMP();
     const Copies copies = placing == Placing::CopyFile ? planCopies(file, mainFile) : Copies();

@@ -30,8 +30,8 @@ std::string headOf(const ResourceChoice& dialog) {
     return "The following dialog:\n\n\t" + dialog.name + " in '" + dialog.file + "'\n\n";
 }
 
-std::string REASON(const ResourceChoice& dialog, const Target& target) {
-    FRAME(REASON);
+std::string DIALOGOBSTACLE(const ResourceChoice& dialog, const Target& target) {
+    FRAME(DIALOGOBSTACLE);
     STAMP();
     const std::string error = TESTPROPERTIES(dialog.file, dialog.name).error;
     if (!error.empty()) return "cannot be added to the program, because of the following error:\n" + error;
@@ -181,17 +181,20 @@ void PROJECTADDDIALOG(const std::string& title) {
     if (dialog.name.empty()) return;
     const Target target = FINDTARGET();
     STAMP();
-    const std::string reason = REASON(dialog, target);
+    const std::string reason = DIALOGOBSTACLE(dialog, target);
     STAMP();
     if (!reason.empty()) return MSGBOX(title, headOf(dialog) + reason);
     const std::string name = ASKNAME(title, dialog.name, target);
     STAMP();
-    if (name.empty()) return;
+    if (name.empty() || !SETTLECODEWINDOW(target.resourceFile)) return;
+    STAMP();
     const Copy copy = COPYDIALOG(dialog, name, target);
     STAMP();
     const std::string error = copy.error.empty() ? ADDCOPY(copy, name, target) : copy.error;
     STAMP();
-    if (!error.empty()) return MSGBOX(title, headOf(dialog) + "cannot be added to the program, because of the following error:\n" + error);
+    if (!error.empty())
+        return MSGBOX(title, headOf(dialog) +
+                                 "cannot be added to the program, because of the following error:\n" + error);
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);
     STAMP();
     MSGBOX(title, "Added " + name + " from '" + dialog.file + "'");

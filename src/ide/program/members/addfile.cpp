@@ -41,8 +41,9 @@ constexpr std::array<FileType, 6> types = {{{".bmp", "BITMAP"},
 
 const FileType* typeOf(const std::string& file) {
     const std::string extension = FILEGETEXT(file);
-    const auto found = std::find_if(types.begin(), types.end(),
-                                    [&](const FileType& type) { return STREQUAL(type.extension, extension); });
+    const auto found = std::find_if(types.begin(), types.end(), [&](const FileType& type) {
+        return STREQUAL(type.extension, extension);
+    });
     return found == types.end() ? nullptr : &*found;
 }
 

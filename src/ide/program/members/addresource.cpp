@@ -123,9 +123,9 @@ bool ADDTOPROGRAM(const std::string& title, const NewPair& pair) {
     FRAME(ADDTOPROGRAM);
     STAMP();
     const bool inside = FINDINFOLDERS(pair.mainFile, pair.resourceFile).inside;
-    const Placing placing = inside ? Placing::Cancel
-                                   : ASKPLACING(title, "resource file", "resource file", pair.resourceFile,
-                                                pair.mainFile);
+    const Placing placing =
+        inside ? Placing::Cancel
+               : ASKPLACING(title, "resource file", "resource file", pair.resourceFile, pair.mainFile);
     STAMP();
     if (!inside && placing == Placing::Cancel) return false;
     if (!SETTLECODEWINDOW(pair.mainFile)) return false;

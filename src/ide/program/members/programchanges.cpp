@@ -18,8 +18,9 @@ namespace tarn {
 namespace {
 
 std::string readError(const std::string& file, os::FileError error) {
-    return error == os::FileError::None ? ""
-                                        : "'" + file + "' cannot be read. " + std::string(os::describe(error));
+    return error == os::FileError::None
+               ? ""
+               : "'" + file + "' cannot be read. " + std::string(os::describe(error));
 }
 
 }  // namespace

@@ -20,7 +20,8 @@ namespace tarn {
 namespace {
 
 bool isOneOf(const std::string& text, std::initializer_list<std::string_view> words) {
-    return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return STREQUAL(word, text); });
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view word) { return STREQUAL(word, text); });
 }
 
 bool isResourceFile(const ProjectItem& item) {
@@ -108,8 +109,7 @@ bool ISLIBRARYCLASS(const ProjectItem& item) {
     FRAME(ISLIBRARYCLASS);
     STAMP();
     const std::string library = FILEADDSEPARATOR(GETINHERITEDLIBPATH());
-    return MEMBEROF(item) == Member::Class && !library.empty() &&
-           ISSAMEFILE(FILEGETDIR(item.file), library);
+    return MEMBEROF(item) == Member::Class && !library.empty() && ISSAMEFILE(FILEGETDIR(item.file), library);
 }
 
 bool ISOPENINEDITOR(const std::string& file) {

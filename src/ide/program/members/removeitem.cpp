@@ -104,9 +104,9 @@ void REMOVEDIALOG(Removal& removal) {
     FRAME(REMOVEDIALOG);
     const ProjectItem& item = removal.item();
     STAMP();
-    const RemoveChoice choice = CONFIRMREMOVEDIALOG(
-        "Dialog '" + item.name + "'", "This will remove the dialog from '" + item.file + "'.",
-        ISCLASSFILE(PROJECTGETMAINFILE(removal.window)), false);
+    const RemoveChoice choice = CONFIRMREMOVEDIALOG("Dialog '" + item.name + "'",
+                                                    "This will remove the dialog from '" + item.file + "'.",
+                                                    ISCLASSFILE(PROJECTGETMAINFILE(removal.window)), false);
     STAMP();
     if (!choice.remove || !SETTLECODEWINDOW(item.file)) return;
     TAKEOUT(removal, item.file, "DIALOG");
@@ -121,9 +121,9 @@ void REMOVEVERSION(Removal& removal) {
     FRAME(REMOVEVERSION);
     const ProjectItem& item = removal.item();
     STAMP();
-    const RemoveChoice choice =
-        CONFIRMREMOVEDIALOG("VersionInfo '" + item.name + "'",
-                            "This will remove the version information from '" + item.file + "'.", false, false);
+    const RemoveChoice choice = CONFIRMREMOVEDIALOG(
+        "VersionInfo '" + item.name + "'",
+        "This will remove the version information from '" + item.file + "'.", false, false);
     STAMP();
     if (!choice.remove || !SETTLECODEWINDOW(item.file)) return;
     TAKEOUT(removal, item.file, "VERSIONINFO");
@@ -214,8 +214,7 @@ void REMOVEINCLUDED(Removal& removal) {
     const ProjectItem& item = removal.item();
     STAMP();
     const std::string resourceFile = resourceFileOf(removal);
-    const RemoveChoice choice =
-        CONFIRMREMOVEDIALOG("File '" + item.file + "'", DeletionWarning, false, true);
+    const RemoveChoice choice = CONFIRMREMOVEDIALOG("File '" + item.file + "'", DeletionWarning, false, true);
     STAMP();
     if (!choice.remove || !SETTLECODEWINDOW(resourceFile)) return;
     TAKEOUT(removal, resourceFile, item.type);
@@ -230,8 +229,10 @@ struct Remover {
     Member member;
     void (*remove)(Removal& removal);
 };
-constexpr Remover removers[] = {{Member::ResourceFile, REMOVERESOURCEFILE}, {Member::Dialog, REMOVEDIALOG},
-                                {Member::VersionInfo, REMOVEVERSION},       {Member::Class, REMOVECLASS},
+constexpr Remover removers[] = {{Member::ResourceFile, REMOVERESOURCEFILE},
+                                {Member::Dialog, REMOVEDIALOG},
+                                {Member::VersionInfo, REMOVEVERSION},
+                                {Member::Class, REMOVECLASS},
                                 {Member::IncludedFile, REMOVEINCLUDED}};
 
 }  // namespace

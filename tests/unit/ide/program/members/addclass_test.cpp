@@ -21,16 +21,18 @@ protected:
     }
     std::string question(const std::string& file) {
         return "The class being added (" + FILEGETFNAME(file) +
-               ") is not currently in one of the inherited folders.\nYou can update the inherited folder list to "
+               ") is not currently in one of the inherited folders.\nYou can update the inherited folder "
+               "list to "
                "include the new path (" +
                FILEGETDIR(file) +
                ")\nOr you can copy the class file (and resource file) to the main program folder (" + dir +
                "prog/)\nWhat do you want to do?\n";
     }
-    static constexpr const char* SameName =
-        "cannot be added, because a file with the same name already exists.\nThe existing file is in an inherited "
-        "folder, or in the folder containing the main program.\nChoose a different class or rename the existing "
-        "file.";
+    static constexpr const char* SameName = "cannot be added, because a file with the same name already "
+                                            "exists.\nThe existing file is in an inherited "
+                                            "folder, or in the folder containing the main program.\nChoose a "
+                                            "different class or rename the existing "
+                                            "file.";
 };
 
 TEST_F(AddClass, AsksForAClass) {
@@ -65,15 +67,18 @@ TEST_F(AddClass, ChecksInItsOrder) {
         {"far/shapes.cls", "function main()\nend function\n", dir + "far/shapes.cls",
          "cannot be added because it is not a class.\nThe Add Class command only works with classes."},
         {"far/shapes.cls", mainText, dir + "far/shapes.cls",
-         "is a main class and cannot be added.\nThe program already has a main class called '" + mainFile + "'."},
+         "is a main class and cannot be added.\nThe program already has a main class called '" + mainFile +
+             "'."},
         {"far/SHAPES.cls", classText("Shapes"), "SHAPES.cls",
          "is already part of the program. It cannot be added twice."},
         {"far/my class.cls", classText("My"), "my class.cls", SameName},
         {"far/your class.cls", classText("Your"), dir + "far/your class.cls",
-         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the file, "
+         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the "
+         "file, "
          "remove spaces from its name and try again.\n"},
         {"far/loop.cls", classText("Loop"), dir + "far/loop.cls",
-         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the file, "
+         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the "
+         "file, "
          "remove spaces from its name and try again.\n"},
         {"far/missing.cls", "", dir + "far/missing.cls",
          "cannot be added because it is not a class.\nThe Add Class command only works with classes."},
@@ -91,10 +96,11 @@ TEST_F(AddClass, ChecksInItsOrder) {
 TEST_F(AddClass, TheMainClassItselfIsRefusedAsAMainClass) {
     open();
     add(mainFile);
-    EXPECT_EQ(told(), std::vector<std::string>{form(
-                          mainFile, "is a main class and cannot be added.\nThe program already has a main class "
-                                    "called '" +
-                                        mainFile + "'.")});
+    EXPECT_EQ(told(),
+              std::vector<std::string>{
+                  form(mainFile, "is a main class and cannot be added.\nThe program already has a main class "
+                                 "called '" +
+                                     mainFile + "'.")});
 }
 
 TEST_F(AddClass, OneOfTheFoldersOfTheProgramNeedsNoQuestion) {
@@ -160,7 +166,8 @@ TEST_F(AddClass, CopyFileCopiesBothFiles) {
     add(file, {"Copy file"});
     EXPECT_EQ(text("prog/both.cls"), STRNL2CRNL(classText("Both")));
     EXPECT_EQ(text("prog/both.rc"), dialog("D"));
-    EXPECT_EQ(std::filesystem::last_write_time(dir + "prog/both.cls"), std::filesystem::last_write_time(file));
+    EXPECT_EQ(std::filesystem::last_write_time(dir + "prog/both.cls"),
+              std::filesystem::last_write_time(file));
     EXPECT_EQ(uses("prog/main.cls"), "Shapes round both");
     EXPECT_EQ(inherited(), dir + "lib");
 }

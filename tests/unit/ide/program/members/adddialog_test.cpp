@@ -4,8 +4,8 @@
 #include "ide/program/members/adddialog.h"
 
 #include "ide/designer/dlgedit.h"
-#include "unit/ide/program/members/members_fixture.h"
 #include "kernel/windows/resources.h"
+#include "unit/ide/program/members/members_fixture.h"
 
 namespace tarn {
 namespace {
@@ -55,7 +55,8 @@ TEST_F(AddDialog, GoesToTheResourceFileThatIsMeantWithItsFunction) {
     EXPECT_EQ(asked.back().title, "Program-Add Dialog Window");
     EXPECT_TRUE(rc().starts_with(dialog("Ask"))) << rc();
     EXPECT_EQ(ResourceInfo(dir + "prog/main.rc", "DIALOG", "*").text, "Ask DIALOG\nNew DIALOG\n");
-    EXPECT_NE(text("prog/main.cls").find("callback function New(in  anEvent : integer,\n"), std::string::npos);
+    EXPECT_NE(text("prog/main.cls").find("callback function New(in  anEvent : integer,\n"),
+              std::string::npos);
     EXPECT_EQ(text("prog/main.cls").find('\r'), std::string::npos);
     EXPECT_FALSE(scratchIsThere());
     EXPECT_EQ(text("far/a.rc"), dialog("New") + dialog("ask") + dialog("main"));
@@ -75,14 +76,16 @@ TEST_F(AddDialog, AnErrorOfTheDialogComesBeforeAMissingTarget) {
     const std::string bad = write("far/bad.rc", "D DIALOG\n  Label 17\n    CAPTION=\"a\"\nEND\n");
     add(bad, "D");
     ASSERT_EQ(told().size(), 1U);
-    EXPECT_TRUE(told()[0].starts_with("The following dialog:\n\n\tD in '" + bad +
-                                      "'\n\ncannot be added to the program, because of the following error:\n"))
+    EXPECT_TRUE(
+        told()[0].starts_with("The following dialog:\n\n\tD in '" + bad +
+                              "'\n\ncannot be added to the program, because of the following error:\n"))
         << told()[0];
     add(source, "New");
-    EXPECT_EQ(told(), std::vector<std::string>{
-                          "The following dialog:\n\n\tNew in '" + source +
-                          "'\n\ncannot be added. You have not specified where the dialog is added to.\nChoose a "
-                          "resource file in the program window and try again."});
+    EXPECT_EQ(told(),
+              std::vector<std::string>{
+                  "The following dialog:\n\n\tNew in '" + source +
+                  "'\n\ncannot be added. You have not specified where the dialog is added to.\nChoose a "
+                  "resource file in the program window and try again."});
 }
 
 TEST_F(AddDialog, ANameThatCannotBeIsAskedAboutUntilItCan) {
@@ -90,16 +93,20 @@ TEST_F(AddDialog, ANameThatCannotBeIsAskedAboutUntilItCan) {
     const std::string end = "Choose another name for the dialog being added.\n",
                       taken = "The following file (or its class file):\n\n\t'" + dir + "prog/main.rc'\n\n";
     add(source, "main", {"9to5", "my dialog", "loop", "ASK", "Main", "Free"});
-    const std::string invalid = " cannot be added, as the name is not a valid identifier.\nIt must start with a "
-                                "letter, and contain only letters, numbers or an underscore.\n" +
-                                end;
-    const std::string reserved = " cannot be added, as the program already has a function called 'main'.\n" + end;
-    EXPECT_EQ(told(), (std::vector<std::string>{
-                          "Dialog main" + reserved, "Dialog 9to5" + invalid, "Dialog my dialog" + invalid,
-                          "Dialog loop" + invalid,
-                          "Dialog ASK cannot be added. " + taken + "already contains a dialog or function called "
-                          "'ASK'. " + end,
-                          "Dialog Main" + reserved, "Added Free from '" + source + "'"}));
+    const std::string invalid =
+        " cannot be added, as the name is not a valid identifier.\nIt must start with a "
+        "letter, and contain only letters, numbers or an underscore.\n" +
+        end;
+    const std::string reserved =
+        " cannot be added, as the program already has a function called 'main'.\n" + end;
+    EXPECT_EQ(told(),
+              (std::vector<std::string>{"Dialog main" + reserved, "Dialog 9to5" + invalid,
+                                        "Dialog my dialog" + invalid, "Dialog loop" + invalid,
+                                        "Dialog ASK cannot be added. " + taken +
+                                            "already contains a dialog or function called "
+                                            "'ASK'. " +
+                                            end,
+                                        "Dialog Main" + reserved, "Added Free from '" + source + "'"}));
     EXPECT_EQ(ResourceInfo(dir + "prog/main.rc", "DIALOG", "*").text, "Ask DIALOG\nFree DIALOG\n");
     EXPECT_NE(SYMFINDFUNCTION("Free", 1, mainFile).bodyStart, 0);
 }
@@ -149,8 +156,8 @@ TEST_F(AddDialog, GoesToTheFileOfTheDialogThatIsOpen) {
 TEST_F(AddDialog, AMenuComesAlongUnderAFreeName) {
     const std::string menu = " MENU\n  Menuitem\n    POSITION=1\n    CAPTION=\"&File\"\nEND\n";
     write("prog/main.rc", dialog("Ask") + "Bar" + menu);
-    const std::string file = write("far/menus.rc", "New DIALOG\n  POSITION=0 0 50 50\n  MENU=bar\nEND\nbar" + menu +
-                                                       "Other DIALOG\n  MENU=bar\nEND\n");
+    const std::string file = write("far/menus.rc", "New DIALOG\n  POSITION=0 0 50 50\n  MENU=bar\nEND\nbar" +
+                                                       menu + "Other DIALOG\n  MENU=bar\nEND\n");
     choose("Dialogs");
     add(file, "New");
     EXPECT_EQ(told(), std::vector<std::string>{"Added New from '" + file + "'"});
@@ -163,7 +170,8 @@ TEST_F(AddDialog, AnOwnerAndAPlaceOffTheScreenAreMended) {
     choose("Dialogs");
     add(file, "Odd");
     ASSERT_EQ(told().size(), 2U);
-    EXPECT_TRUE(told()[0].starts_with("The window is off the edge of the screen (Position = 9000 9000 50 50)"));
+    EXPECT_TRUE(
+        told()[0].starts_with("The window is off the edge of the screen (Position = 9000 9000 50 50)"));
     ObjectArray objects;
     EXPECT_EQ(ResourceRead(dir + "prog/main.rc", "Odd", objects), "");
     EXPECT_NE(objects[0].find("\nOWNER=0\n"), std::string::npos) << objects[0];
@@ -203,7 +211,8 @@ TEST_F(AddDialog, AClassThatTakesNoFunctionIsToldAndNothingChanges) {
     const std::string before = everything();
     add(source, "New");
     ASSERT_EQ(told().size(), 1U);
-    EXPECT_NE(told()[0].find("Could not add the window function for 'New'.\nClass syntax is wrong"), std::string::npos)
+    EXPECT_NE(told()[0].find("Could not add the window function for 'New'.\nClass syntax is wrong"),
+              std::string::npos)
         << told()[0];
     EXPECT_EQ(everything(), before);
 }

@@ -3,8 +3,8 @@
 // Adding a file to a resource file: which, where, and under what name.
 #include "ide/program/members/addfile.h"
 
-#include "unit/ide/program/members/members_fixture.h"
 #include "kernel/windows/resources.h"
+#include "unit/ide/program/members/members_fixture.h"
 
 namespace tarn {
 namespace {
@@ -30,8 +30,8 @@ protected:
 TEST_F(AddFile, EachTypeHasItsKind) {
     const struct {
         std::string name, statement;
-    } cases[] = {{"a.bmp", "a_bmp BITMAP"},  {"b.ICO", "b_ICO BITMAP"},  {"c.exe", "c_exe INCFILE"},
-                 {"d.txt", "d_txt INCFILE"}, {"e.xml", "e_xml INCFILE"}, {"f.wav", "f_wav INCFILE"},
+    } cases[] = {{"a.bmp", "a_bmp BITMAP"},         {"b.ICO", "b_ICO BITMAP"},  {"c.exe", "c_exe INCFILE"},
+                 {"d.txt", "d_txt INCFILE"},        {"e.xml", "e_xml INCFILE"}, {"f.wav", "f_wav INCFILE"},
                  {"1 & 2.txt", "n___2_txt INCFILE"}};
     for (const auto& c : cases) {
         const std::string file = write("far/" + c.name, "x");
@@ -48,22 +48,25 @@ TEST_F(AddFile, AsksWithRowsForAllTypes) {
     ASSERT_EQ(asked.size(), 1U);
     EXPECT_EQ(asked[0].title, "Program-Add File");
     EXPECT_EQ(asked[0].value, "*:*");
-    EXPECT_EQ(asked[0].filter,
-              "All files(*.*)|*.*|Bitmap files(*.bmp)|*.bmp|Icon files(*.ico)|*.ico|EXE files(*.exe)|*.exe|Text "
-              "files(*.txt)|*.txt|XML files(*.xml)|*.xml|Wave files(*.wav)|*.wav|");
+    EXPECT_EQ(
+        asked[0].filter,
+        "All files(*.*)|*.*|Bitmap files(*.bmp)|*.bmp|Icon files(*.ico)|*.ico|EXE files(*.exe)|*.exe|Text "
+        "files(*.txt)|*.txt|XML files(*.xml)|*.xml|Wave files(*.wav)|*.wav|");
     EXPECT_EQ(rc(), "// mine\n");
 }
 
 TEST_F(AddFile, ChecksInItsOrder) {
-    const std::string noTarget = "cannot be added. You have not specified where the file is added to.\nChoose a "
-                                 "resource file in the program window and try again.";
+    const std::string noTarget =
+        "cannot be added. You have not specified where the file is added to.\nChoose a "
+        "resource file in the program window and try again.";
     const std::string exe = write("prog/main.exe", "x"), doc = write("prog/main.doc", "x"),
                       note = write("far/note.txt", "x");
     SetListIndex(rows(), 0);  // no row, and no class in the Code window: nothing is meant
     add(doc);
-    EXPECT_EQ(told(), std::vector<std::string>{refusal(
-                          doc, "cannot be added. Only files of type .bmp .ico .exe .txt .xml .wav can be added to a "
-                               "resource file.")});
+    EXPECT_EQ(told(),
+              std::vector<std::string>{refusal(
+                  doc, "cannot be added. Only files of type .bmp .ico .exe .txt .xml .wav can be added to a "
+                       "resource file.")});
     add(exe);
     EXPECT_EQ(told(), std::vector<std::string>{refusal(
                           exe, "does not need adding. It is the main program file and is always included.")});
@@ -77,8 +80,9 @@ TEST_F(AddFile, ChecksInItsOrder) {
     EXPECT_EQ(told(), std::vector<std::string>{
                           refusal(note, "is already in the resource file and does not need adding again.")});
     add(dir + "far/none.txt");
-    EXPECT_EQ(told(), std::vector<std::string>{refusal(
-                          dir + "far/none.txt", "cannot be added. The file does not exist or cannot be found.")});
+    EXPECT_EQ(told(),
+              std::vector<std::string>{refusal(
+                  dir + "far/none.txt", "cannot be added. The file does not exist or cannot be found.")});
     EXPECT_EQ(rc(), before);
 }
 
@@ -96,9 +100,10 @@ TEST_F(AddFile, ANameThatIsTakenGetsANumber) {
         const std::string file = write("far/" + STR(n) + "/picture.bmp", "x"), before = rc();
         add(file);
         if (n == 11) {
-            EXPECT_EQ(told(), std::vector<std::string>{refusal(
-                                  file, "cannot be added. The resource file contains too many files with similar "
-                                        "names (over 10) total.\nChoose another file and try again.")});
+            EXPECT_EQ(told(),
+                      std::vector<std::string>{refusal(
+                          file, "cannot be added. The resource file contains too many files with similar "
+                                "names (over 10) total.\nChoose another file and try again.")});
             EXPECT_EQ(rc(), before);
             break;
         }

@@ -31,8 +31,10 @@ TEST_F(AddResource, MakesAClassWithAFunctionForEachDialog) {
     EXPECT_TRUE(hasFunction(made, "ask"));
     EXPECT_TRUE(hasFunction(made, "tell"));
     EXPECT_FALSE(hasFunction(made, "pic"));
-    EXPECT_NE(made.find("callback function ask(in  anEvent : integer,\n                          aControl : Control,\n"),
-              std::string::npos)
+    EXPECT_NE(
+        made.find(
+            "callback function ask(in  anEvent : integer,\n                          aControl : Control,\n"),
+        std::string::npos)
         << made;
     EXPECT_EQ(made.find('\r'), std::string::npos);
     EXPECT_EQ(uses("prog/main.cls"), "Shapes boxes");
@@ -49,15 +51,17 @@ TEST_F(AddResource, AFileWithoutDialogsGetsAClassToo) {
 // Each file has the fault of its row and those below it.
 TEST_F(AddResource, ChecksInItsOrder) {
     open();
-    const std::string same =
-        "cannot be added, because a file or a class with the same name already exists.\nThe existing file is in an "
-        "inherited folder, or in the folder containing the main program.\nChoose a different class or rename the "
-        "existing file.";
-    const std::string badName =
-        "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the file, "
-        "remove underscores and spaces from its name and try again.\n";
-    const std::string part = "cannot be added to the program. The resource file must have a\ndifferent name from all "
-                             "other classes and resource files in the program.";
+    const std::string same = "cannot be added, because a file or a class with the same name already "
+                             "exists.\nThe existing file is in an "
+                             "inherited folder, or in the folder containing the main program.\nChoose a "
+                             "different class or rename the "
+                             "existing file.";
+    const std::string badName = "cannot be added to the program, as its filename is not a valid class "
+                                "name.\nMake a copy of the file, "
+                                "remove underscores and spaces from its name and try again.\n";
+    const std::string part =
+        "cannot be added to the program. The resource file must have a\ndifferent name from all "
+        "other classes and resource files in the program.";
     const std::string bad = "D DIALOG\n  Label 17\n    CAPTION=\"a\"\nEND\n";
     write("prog/Main.cls", "");  // not in the program, only of that name
     std::filesystem::remove(dir + "prog/Main.cls");
@@ -106,8 +110,8 @@ TEST_F(AddResource, AFileElsewhereIsAskedAbout) {
     EXPECT_EQ(told(), std::vector<std::string>{
                           "The resource file being added (boxes.rc) is not currently in one of the inherited "
                           "folders.\nYou can update the inherited folder list to include the new path (" +
-                          dir + "far/)\nOr you can copy the resource file to the main program folder (" + dir +
-                          "prog/)\nWhat do you want to do?\n"});
+                          dir + "far/)\nOr you can copy the resource file to the main program folder (" +
+                          dir + "prog/)\nWhat do you want to do?\n"});
     EXPECT_EQ(everything(), before);
     add(file, {"Copy file"});
     EXPECT_EQ(text("prog/boxes.rc"), dialog("ask"));
@@ -129,8 +133,9 @@ TEST_F(AddResource, ATemplateThatIsMissingIsTold) {
         PROFILESTRDEL(ini(), name, "");
         const std::string before = everything();
         add(file);
-        EXPECT_EQ(told(), std::vector<std::string>{"Cannot create new class.\nCannot create " + std::string(name) +
-                                                   ", it was not in \"" + ini() + "\".\n"});
+        EXPECT_EQ(told(),
+                  std::vector<std::string>{"Cannot create new class.\nCannot create " + std::string(name) +
+                                           ", it was not in \"" + ini() + "\".\n"});
         EXPECT_EQ(everything(), before);
     }
 }

@@ -8,9 +8,9 @@
 #include "ide/program/members/addresource.h"
 #include "ide/program/members/removeitem.h"
 
-#include "unit/ide/program/members/members_fixture.h"
 #include "os/changes.h"
 #include "support/steerable.h"
+#include "unit/ide/program/members/members_fixture.h"
 
 #include <map>
 
@@ -38,14 +38,16 @@ struct Command {
     const char* name;
     std::deque<std::string> answers;
     void (*run)();
-    const char* row = "";      // the selected one: type and name of its item
-    bool tickBoth = false;     // in the question before a removal
+    const char* row = "";   // the selected one: type and name of its item
+    bool tickBoth = false;  // in the question before a removal
 };
 const Command commands[] = {
     {"copy a class", {"/far/round.cls", "Copy file"}, [] { PROJECTADDCLASS("T"); }},
     {"add a folder for a class", {"/far/round.cls", "Update folders"}, [] { PROJECTADDCLASS("T"); }},
     {"copy a resource file", {"/far/boxes.rc", "Copy file"}, [] { PROJECTADDRESOURCE("T"); }},
-    {"add a folder for a resource file", {"/far/boxes.rc", "Update folders"}, [] { PROJECTADDRESOURCE("T"); }},
+    {"add a folder for a resource file",
+     {"/far/boxes.rc", "Update folders"},
+     [] { PROJECTADDRESOURCE("T"); }},
     {"add a dialog", {"OK"}, [] { PROJECTADDDIALOG("T"); }, "DIALOG Main"},
     {"add a file", {"/far/pic.bmp"}, [] { PROJECTADDFILE("T"); }, "DIALOG Main"},
     {"remove a dialog", {}, [] { PROJECTITEMDELETE(ProjectEditorDlg); }, "DIALOG Ask", true},
@@ -65,14 +67,13 @@ protected:
         settings = read(ini());
         Load(ProjectEditorDlg);
         std::vector<std::string> items;
-        for (const ProjectItem& item :
-             {ProjectItem{1, "M", "Class", "Main", "/w/main.cls", "", "p", ""},
-              ProjectItem{1, "D", "DIALOG", "Main", "/w/main.rc", "", "p", ""},
-              ProjectItem{2, "A", "DIALOG", "Ask", "/w/main.rc", "", "p", ""},
-              ProjectItem{1, "I", "INCFILE", "Main", "/w/main.rc", "", "p", ""},
-              ProjectItem{2, "N", "INCFILE", "note", "/w/note.txt", "", "p", ""},
-              ProjectItem{1, "S", "Class", "Shapes", "/w/shapes.cls", "", "p", ""},
-              ProjectItem{1, "O", "Class", "Other", "/w/other.cls", "", "p", ""}})
+        for (const ProjectItem& item : {ProjectItem{1, "M", "Class", "Main", "/w/main.cls", "", "p", ""},
+                                        ProjectItem{1, "D", "DIALOG", "Main", "/w/main.rc", "", "p", ""},
+                                        ProjectItem{2, "A", "DIALOG", "Ask", "/w/main.rc", "", "p", ""},
+                                        ProjectItem{1, "I", "INCFILE", "Main", "/w/main.rc", "", "p", ""},
+                                        ProjectItem{2, "N", "INCFILE", "note", "/w/note.txt", "", "p", ""},
+                                        ProjectItem{1, "S", "Class", "Shapes", "/w/shapes.cls", "", "p", ""},
+                                        ProjectItem{1, "O", "Class", "Other", "/w/other.cls", "", "p", ""}})
             ADDPROJECTITEM(item, items);
         for (const std::string& item : items) list_ += item + "\n";
         os::useFiles(&disk);
@@ -111,7 +112,8 @@ protected:
         answers = command.answers;
         UPDATEPROJECTWINDOW(ProjectEditorDlg, "/w/main.cls", list_, {1, 0});
         for (const int group : {3, 2})
-            static_cast<void>(PROJECTITEMSELECT(ProjectEditorDlg, FINDCONTROL(ProjectEditorDlg, "iconlist1"), group));
+            static_cast<void>(
+                PROJECTITEMSELECT(ProjectEditorDlg, FINDCONTROL(ProjectEditorDlg, "iconlist1"), group));
         for (int row = 1; row <= 7; ++row) {
             const ProjectItem item = PROJECTITEMAT(ProjectEditorDlg, row).item;
             if (item.type + " " + item.name == command.row)
@@ -194,7 +196,8 @@ TEST_F(MemberDeaths, AKillAtAnyCallLeavesTheOldProgramOrTheNewOne) {
 }
 
 TEST_F(MemberDeaths, AFailureAtAnyCallLeavesTheOldProgramOrTheNewOne) {
-    for (const os::FileError error : {os::FileError::WriteFailed, os::FileError::DiskFull, os::FileError::Denied})
+    for (const os::FileError error :
+         {os::FileError::WriteFailed, os::FileError::DiskFull, os::FileError::Denied})
         for (const Command& command : commands) {
             const Files changed = after(command);
             for (int n = 1; n < 400; ++n) {

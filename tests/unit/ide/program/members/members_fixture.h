@@ -22,7 +22,9 @@ protected:
         "Tarnwick Class Main\nUses Shapes\n\nfunction main()\nend function\n\nEnd class\n";
     std::string mainFile;
 
-    static std::string classText(const std::string& name) { return "Tarnwick Class " + name + "\nEnd class\n"; }
+    static std::string classText(const std::string& name) {
+        return "Tarnwick Class " + name + "\nEnd class\n";
+    }
     static std::string dialog(const std::string& name) {
         return name + " DIALOG\n  POSITION=0 0 50 50\n  CAPTION=\"" + name + "\"\nEND\n";
     }
@@ -32,7 +34,8 @@ protected:
         start();
         for (const char* folder : {"prog", "lib", "far", "tools", "res"})
             std::filesystem::create_directory(dir + folder);
-        const std::pair<const char*, const char*> paths[] = {{"Edit1", "lib"}, {"Edit3", "tools"}, {"Edit5", "res"}};
+        const std::pair<const char*, const char*> paths[] = {
+            {"Edit1", "lib"}, {"Edit3", "tools"}, {"Edit5", "res"}};
         for (const auto& [key, folder] : paths) PROFILESTRPUT(ini(), "PathsOptionsDlg", key, dir + folder);
         PROFILESTRPUT(ini(), "GenOptionsDlg", "ShowFiles", "0");
         mainFile = write("prog/main.cls", MainClass);

@@ -5,15 +5,15 @@
 #include "ide/program/members/removeitem.h"
 
 #include "ide/designer/dlgedit.h"
-#include "unit/ide/program/members/members_fixture.h"
 #include "kernel/windows/resources.h"
+#include "unit/ide/program/members/members_fixture.h"
 
 namespace tarn {
 namespace {
 
-constexpr const char* WithFunctions =
-    "Tarnwick Class Main\nUses Shapes\n\nfunction main()\nend function\n\ncallback function Ask(in anEvent : integer)\n"
-    "end function\n\nfunction Tell()\nend function\n\nEnd class\n";
+constexpr const char* WithFunctions = "Tarnwick Class Main\nUses Shapes\n\nfunction main()\nend "
+                                      "function\n\ncallback function Ask(in anEvent : integer)\n"
+                                      "end function\n\nfunction Tell()\nend function\n\nEnd class\n";
 
 class RemoveItem : public MembersTest {
 protected:
@@ -26,8 +26,10 @@ protected:
     void SetUp() override {
         MembersTest::SetUp();
         write("prog/main.cls", WithFunctions);
-        write("prog/main.rc", dialog("Ask") + dialog("Tell") + "about VERSIONINFO\nBEGIN\nEND\nlast VERSIONINFO\nBEGIN\nEND\n" +
-                                  "note INCFILE \"note.txt\"\npic BITMAP \"pic.bmp\"\ndata INCFILE \"data.xml\"\n");
+        write("prog/main.rc",
+              dialog("Ask") + dialog("Tell") +
+                  "about VERSIONINFO\nBEGIN\nEND\nlast VERSIONINFO\nBEGIN\nEND\n" +
+                  "note INCFILE \"note.txt\"\npic BITMAP \"pic.bmp\"\ndata INCFILE \"data.xml\"\n");
         for (const char* name : {"note.txt", "pic.bmp", "data.xml"}) write("prog/" + std::string(name), "x");
         write("prog/shapes.rc", "");
         open({"main.cls", "main.rc", "shapes.cls", "shapes.rc"});
@@ -38,8 +40,8 @@ protected:
             ASSERT_TRUE(IsLoaded(ConfirmRemoveDlg));
             const auto box = [](const char* name) { return part(ConfirmRemoveDlg, name); };
             EXPECT_EQ(GetValue(box("checkbox1")) + GetValue(box("checkbox2")), 0);
-            offers.push_back({GetCaption(box("label1")), GetCaption(box("label2")), GetEnabled(box("checkbox1")),
-                              GetEnabled(box("checkbox2"))});
+            offers.push_back({GetCaption(box("label1")), GetCaption(box("label2")),
+                              GetEnabled(box("checkbox1")), GetEnabled(box("checkbox2"))});
             if (alsoRemove) SetValue(box("checkbox1"), 1);
             if (alsoDelete) SetValue(box("checkbox2"), 1);
             press(ConfirmRemoveDlg, button == "Remove" ? "pushbutton1" : "pushbutton2");
@@ -132,7 +134,8 @@ TEST_F(RemoveItem, TheCoreOfTheLibrary) {
 }
 
 TEST_F(RemoveItem, AFileThatIsOpenInAnEditor) {
-    const std::string reason = "The file is currently open in an editor.\nPlease close the editor window, then try again.";
+    const std::string reason =
+        "The file is currently open in an editor.\nPlease close the editor window, then try again.";
     EDITWNDOPEN(SDIEdit, dir + "prog/shapes.cls", false, 0);
     choose("Class Shapes");
     expectRefused(Remove, dir + "prog/shapes.cls", reason);
@@ -152,7 +155,8 @@ TEST_F(RemoveItem, AFileThatIsOpenInAnEditor) {
 TEST_F(RemoveItem, AResourceFileThatHoldsDialogs) {
     for (const char* title : {"Dialogs", "Included files", "Included bitmaps"}) {
         choose(title);
-        expectRefused(Delete, rcFile(), "It contains one or more dialog objects, which must be removed first.\n");
+        expectRefused(Delete, rcFile(),
+                      "It contains one or more dialog objects, which must be removed first.\n");
     }
 }
 
@@ -160,16 +164,18 @@ TEST_F(RemoveItem, ADataSource) {
     choose("INCFILE data", "Included files");
     const std::string before = everything();
     remove();
-    EXPECT_EQ(told(), std::vector<std::string>{
-                          "This is a Data Source which cannot be removed:\n\n\t'" + dir +
-                          "prog/data.xml'\n\nTo remove the Data Source from the project, remove the parent\nclass "
-                          "instead. The parent class is '" +
-                          mainFile + "'."});
+    EXPECT_EQ(told(),
+              std::vector<std::string>{
+                  "This is a Data Source which cannot be removed:\n\n\t'" + dir +
+                  "prog/data.xml'\n\nTo remove the Data Source from the project, remove the parent\nclass "
+                  "instead. The parent class is '" +
+                  mainFile + "'."});
     EXPECT_EQ(everything(), before);
 }
 
 TEST_F(RemoveItem, WhatIsOfNoKnownType) {
-    UPDATEPROJECTWINDOW(ProjectEditorDlg, mainFile, "1 \"x\" \"ODD\" \"x\" \"" + dir + "prog/note.txt\"\n", {});
+    UPDATEPROJECTWINDOW(ProjectEditorDlg, mainFile, "1 \"x\" \"ODD\" \"x\" \"" + dir + "prog/note.txt\"\n",
+                        {});
     expectRefused(Remove, dir + "prog/note.txt", "The file is of an unknown type.");
 }
 
@@ -207,8 +213,9 @@ TEST_F(RemoveItem, ADialogWithItsFunction) {
     choose("DIALOG Ask", "Dialogs");
     answerWith("Remove", true);
     remove();
-    EXPECT_EQ(told(), std::vector<std::string>{"Removed Ask from '" + rcFile() +
-                                               "'\nRemoved callback function Ask() from '" + mainFile + "'\n"});
+    EXPECT_EQ(told(),
+              std::vector<std::string>{"Removed Ask from '" + rcFile() +
+                                       "'\nRemoved callback function Ask() from '" + mainFile + "'\n"});
     EXPECT_EQ(SYMFINDFUNCTION("Ask", 1, mainFile).bodyStart, 0);
     EXPECT_NE(SYMFINDFUNCTION("Tell", 1, mainFile).bodyStart, 0);
 }
@@ -266,8 +273,9 @@ TEST_F(RemoveItem, AResourceFileWithoutDialogs) {
     answerWith("Remove");
     remove();
     EXPECT_EQ(offers[0].title, "File '" + dir + "prog/shapes.rc'");
-    EXPECT_EQ(offers[0].text, "Warning: if you select the 'Also delete file(s)' checkbox, this will permanently "
-                              "delete the file.");
+    EXPECT_EQ(offers[0].text,
+              "Warning: if you select the 'Also delete file(s)' checkbox, this will permanently "
+              "delete the file.");
     EXPECT_TRUE(offers[0].canDelete);
     EXPECT_EQ(told(), std::vector<std::string>{"File '" + dir + "prog/shapes.rc' was not deleted.\n"});
     EXPECT_TRUE(there("prog/shapes.rc"));
@@ -305,8 +313,9 @@ TEST_F(RemoveItem, AClassLeavesAllClausesAndItsFileStays) {
     answerWith("Remove");
     remove();
     EXPECT_EQ(offers[0].title, "Class 'Shapes'");
-    EXPECT_EQ(offers[0].text, "Warning: if you select the 'Also delete file(s)' checkbox, the class file and dialog "
-                              "file will be permanently deleted.");
+    EXPECT_EQ(offers[0].text,
+              "Warning: if you select the 'Also delete file(s)' checkbox, the class file and dialog "
+              "file will be permanently deleted.");
     EXPECT_FALSE(offers[0].canRemove);
     EXPECT_TRUE(offers[0].canDelete);
     EXPECT_EQ(told(), std::vector<std::string>{"Removed class 'Shapes' from Uses clause of '" + mainFile +
@@ -323,9 +332,9 @@ TEST_F(RemoveItem, AClassWithItsFiles) {
     answerWith("Remove", false, true);
     list({"main.cls", "main.rc"});
     remove();
-    EXPECT_EQ(told(), std::vector<std::string>{"Removed class 'Shapes' from Uses clause of '" + mainFile +
-                                               "'\nDeleted file '" + dir + "prog/shapes.cls'\nDeleted file '" + dir +
-                                               "prog/shapes.rc'\n"});
+    EXPECT_EQ(told(), std::vector<std::string>{
+                          "Removed class 'Shapes' from Uses clause of '" + mainFile + "'\nDeleted file '" +
+                          dir + "prog/shapes.cls'\nDeleted file '" + dir + "prog/shapes.rc'\n"});
     EXPECT_FALSE(there("prog/shapes.cls"));
     EXPECT_FALSE(there("prog/shapes.rc"));
 }
@@ -353,8 +362,9 @@ TEST_F(RemoveItem, AClassOfTheLibraryCannotBeDeleted) {
     choose("Class Lists");
     answerWith("Remove", false, true);
     remove();
-    EXPECT_EQ(offers[0].text, "This file is part of the run time library. Although you can remove it from the "
-                              "program, the actual file will not be deleted.");
+    EXPECT_EQ(offers[0].text,
+              "This file is part of the run time library. Although you can remove it from the "
+              "program, the actual file will not be deleted.");
     EXPECT_FALSE(offers[0].canDelete);
     EXPECT_EQ(uses("prog/main.cls"), "Shapes");
     EXPECT_TRUE(there("lib/lists.cls"));
@@ -377,9 +387,11 @@ TEST_F(RemoveItem, FilesThatAreOpenAreNotDeleted) {
     const std::string before = everything();
     answerWith("Remove", false, true);
     remove();
-    EXPECT_EQ(told(), std::vector<std::string>{refusal(
-                          Remove, dir + "prog/shapes.cls",
-                          "The file is currently open in an editor.\nPlease close the editor window, then try again.")});
+    EXPECT_EQ(
+        told(),
+        std::vector<std::string>{refusal(
+            Remove, dir + "prog/shapes.cls",
+            "The file is currently open in an editor.\nPlease close the editor window, then try again.")});
     EXPECT_EQ(everything(), before);
     Unload(DialogDlg);
 }
@@ -427,11 +439,9 @@ TEST_F(RemoveItem, OnlyRemoveKeepsThePlaceOfTheQuestion) {
 
 TEST_F(RemoveItem, TheCrossAndEscapeAreCancel) {
     const std::string before = everything();
-    const std::function<void()> ways[] = {[] { Unload(ConfirmRemoveDlg); },
-                                          [] {
-                                              platform::userKey(*platform::findWindow(ConfirmRemoveDlg), nullptr,
-                                                                KEY_ESCAPE);
-                                          }};
+    const std::function<void()> ways[] = {
+        [] { Unload(ConfirmRemoveDlg); },
+        [] { platform::userKey(*platform::findWindow(ConfirmRemoveDlg), nullptr, KEY_ESCAPE); }};
     for (const auto& way : ways) {
         choose("DIALOG Ask", "Dialogs");
         doings.push_back(way);

@@ -14,9 +14,11 @@ struct Command {
 };
 const Command commands[] = {
     {DO_SHOW_INPUT, "Program-Show Input Files", "input",
-     "(the input files are the source code files and\nresource files used when compiling the program)\n", "/fs"},
+     "(the input files are the source code files and\nresource files used when compiling the program)\n",
+     "/fs"},
     {DO_SHOW_OUTPUT, "Program-Show Output Files", "output",
-     "(the output files are the binary files and\nfiles that must be distributed to run the program)\n", "/ft"},
+     "(the output files are the binary files and\nfiles that must be distributed to run the program)\n",
+     "/ft"},
 };
 
 class ShowFiles : public MembersTest {
@@ -31,7 +33,8 @@ TEST_F(ShowFiles, AListOfAllFilesComesAndTheChosenLineGoesToTheClipboard) {
     for (const Command& command : commands) {
         std::vector<std::string> files = {"main.cls"};
         for (int n = 1; n <= 50; ++n) files.push_back("c" + STR(n) + ".cls");
-        for (const std::string& file : files) write("prog/" + file, file == "main.cls" ? MainClass : classText("C"));
+        for (const std::string& file : files)
+            write("prog/" + file, file == "main.cls" ? MainClass : classText("C"));
         open(files);
         makeTool("case \"$1\" in " + command.option + ") cat \"" + dir + "deps\";; esac");
         SetText(clipboard, "old");
@@ -39,8 +42,8 @@ TEST_F(ShowFiles, AListOfAllFilesComesAndTheChosenLineGoesToTheClipboard) {
         ASSERT_EQ(asked.size(), 1U);
         EXPECT_EQ(asked[0].kind, platform::Question::Kind::List);
         EXPECT_EQ(asked[0].title, command.title);
-        EXPECT_EQ(asked[0].text, "The program '" + mainFile + "'\nhas the following " + command.word + " files:\n" +
-                                     command.meaning);
+        EXPECT_EQ(asked[0].text, "The program '" + mainFile + "'\nhas the following " + command.word +
+                                     " files:\n" + command.meaning);
         EXPECT_EQ(asked[0].rows.size(), 51U);
         EXPECT_EQ(GetText(clipboard), "old");
         show(command, dir + "prog/c50.cls");
@@ -57,7 +60,8 @@ TEST_F(ShowFiles, AnErrorComesBeforeAFileThatIsNoMainClass) {
                                                    " files.\nno such class"});
         list({"shapes.cls"});
         show(command);
-        EXPECT_EQ(told(), std::vector<std::string>{"File '" + dir + "prog/shapes.cls' is not a main class.\nIt is only "
+        EXPECT_EQ(told(), std::vector<std::string>{"File '" + dir +
+                                                   "prog/shapes.cls' is not a main class.\nIt is only "
                                                    "possible to view the " +
                                                    command.word + " files of a main class."});
     }
