@@ -97,12 +97,12 @@ std::string GETEXTNFILELIST(const std::string& files, std::string_view extension
 bool ISNAMEINLIST(const std::string& text, const std::string& name, std::int64_t size) {
     FRAME(ISNAMEINLIST);
     // -rw-r--r--  3.0 unx     1234 tx defX 26-Nov-22 16:33 the name
-    constexpr int SizeWord = 4, NameWord = 9;
+    constexpr int SizeWord = 4, TimeWord = 8;
     const std::string lines = text + "\n";
     for (int i = 1; i <= STRLINES(lines); ++i) {
-        const std::string line = STRRTRIMCRLF(STRLINE(lines, i));
-        const int place = STRWORDPOS(line, NameWord);
-        if (place > 0 && line.substr(static_cast<std::size_t>(place - 1)) == name &&
+        const std::string line = STRRTRIMCRLF(STRLINE(lines, i)), time = STRWORD(line, TimeWord);
+        const auto place = static_cast<std::size_t>(STRWORDPOS(line, TimeWord)) + time.size();
+        if (!time.empty() && place <= line.size() && line.substr(place) == name &&
             STRWORD(line, SizeWord) == std::to_string(size))
             return true;
     }

@@ -33,7 +33,10 @@ public:
         error_ = os::files().open(path, os::OpenMode::CreateNew, mode, handle_);
     }
     ~NewFile() {
-        if (handle_ >= 0) os::files().close(handle_);
+        try {
+            if (handle_ >= 0) os::files().close(handle_);
+        } catch (...) {  // the end of the process, in a test
+        }
     }
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
@@ -219,6 +222,7 @@ private:
             if (kept) {
                 const os::SaveResult saved = os::saveFile(copy, text);
                 if (!saved.ok()) return failed(copy, saved.error);
+                os::files().setMode(copy, os::infoOf(path).mode & 0777U);
             }
             journal.entries.push_back({path, kept});
         }
@@ -231,21 +235,20 @@ private:
             const FileError error = os::files().rename(places_.app, work_.old());
             if (error != FileError::None) return failed(places_.app, error);
         }
-        const FileError error = os::files().rename(work_.fresh(), places_.app);
-        if (error != FileError::None) return failed(places_.app, error);
-        if (before_.name == package_.name) moveStrangers(work_.old(), before_, places_.app);
-        return {};
+        FileError error = os::files().rename(work_.fresh(), places_.app);
+        if (error == FileError::None && before_.name == package_.name)
+            error = moveStrangers(work_.old(), before_, places_.app);
+        return error == FileError::None ? std::string() : failed(places_.app, error);
     }
 
     std::string writeEntries() {
         for (const Shortcut& shortcut : package_.shortcuts) {
             const std::string file = entryFile(package_, shortcut, places_);
             if (file.empty()) continue;
-            const os::SaveResult saved =
-                os::saveFile(file, entryText(package_, shortcut, places_), os::Durability::Unsynced);
-            if (!saved.ok()) return failed(file, saved.error);
             // Desktops start what lies on them only when it may be run.
-            if (shortcut.place == Shortcut::Place::Desktop) os::files().setMode(file, Executable);
+            const std::uint32_t mode = shortcut.place == Shortcut::Place::Desktop ? Executable : Plain;
+            const FileError error = writeEntry(file, entryText(package_, shortcut, places_), mode);
+            if (error != FileError::None) return failed(file, error);
         }
         for (const std::string& entry : before_.entries)
             if (std::find(list_.entries.begin(), list_.entries.end(), entry) == list_.entries.end())

@@ -48,8 +48,10 @@ std::string WorkFolder::keptEntry(std::size_t number) const {
 
 void WorkFolder::remove() const {
     if (!exists(path_)) return;
+    Installed before;
+    static_cast<void>(readInstalled(old(), before));
+    static_cast<void>(removeInstalled(old(), before));
     removeFlat(fresh());
-    removeFlat(old());
     removeFlat(path_);
 }
 
@@ -86,28 +88,32 @@ Journal readJournal(const std::string& text) {
 
 // ---- files that are not the installation's ----
 
-void moveStrangers(const std::string& from, const Installed& list, const std::string& to) {
+os::FileError moveStrangers(const std::string& from, const Installed& list, const std::string& to) {
     std::vector<std::string> names;
-    os::files().list(from, names);
+    os::FileError error = os::files().list(from, names);
     for (const std::string& name : names) {
         const InstalledFile* const own = list.find(name);
         const bool changed = own != nullptr && isChanged(from + "/" + name, *own);
         if (list.owns(name) && !changed) continue;
         const bool taken = changed || exists(to + "/" + name);
-        os::files().rename(from + "/" + name, to + "/" + (taken ? freeName(to, name + Saved) : name));
+        if (error == os::FileError::None)
+            error = os::files().rename(from + "/" + name, to + "/" + (taken ? freeName(to, name + Saved) : name));
     }
+    return error;
 }
 
-void moveStrangersBack(const std::string& from, const Installed& list, const std::string& to) {
+os::FileError moveStrangersBack(const std::string& from, const Installed& list, const std::string& to) {
     std::vector<std::string> names;
-    os::files().list(from, names);
+    os::FileError error = os::files().list(from, names);
     for (const std::string& name : names) {
         if (list.owns(name)) continue;
         const std::size_t saved = name.rfind(Saved);
         const std::string before = saved == std::string::npos ? name : name.substr(0, saved);
         const bool wasBefore = before != name && !exists(to + "/" + before);
-        os::files().rename(from + "/" + name, to + "/" + (wasBefore ? before : name));
+        if (error == os::FileError::None)
+            error = os::files().rename(from + "/" + name, to + "/" + (wasBefore ? before : name));
     }
+    return error;
 }
 
 os::FileError removeInstalled(const std::string& app, const Installed& list) {
@@ -121,6 +127,32 @@ os::FileError removeInstalled(const std::string& app, const Installed& list) {
     return os::FileError::None;
 }
 
+// ---- desktop entries ----
+
+namespace {
+
+std::string besideEntry(const std::string& path) {
+    return os::joined(os::folderOf(path), "." + os::nameOf(path) + ".setup");
+}
+
+}  // namespace
+
+os::FileError writeEntry(const std::string& path, std::string_view text, std::uint32_t mode) {
+    const std::string made = besideEntry(path);
+    os::Handle handle = -1;
+    os::files().remove(made);
+    os::FileError error = os::files().open(made, os::OpenMode::CreateNew, mode, handle);
+    if (error != os::FileError::None) return error;
+    error = os::files().write(handle, 0, text);
+    if (error == os::FileError::None) error = os::files().sync(handle);
+    const os::FileError closed = os::files().close(handle);
+    if (error == os::FileError::None) error = closed;
+    if (error == os::FileError::None) error = os::files().setMode(made, mode);
+    if (error == os::FileError::None) error = os::files().rename(made, path);
+    if (error != os::FileError::None) os::files().remove(made);
+    return error;
+}
+
 // ---- undoing ----
 
 namespace {
@@ -132,8 +164,8 @@ os::FileError undoPlace(const WorkFolder& work, const std::string& app, const Jo
     if (placed) {
         Installed list;
         static_cast<void>(readInstalled(app, list));
-        if (moved) moveStrangersBack(app, list, work.old());
-        const os::FileError error = removeInstalled(app, list);
+        os::FileError error = moved ? moveStrangersBack(app, list, work.old()) : os::FileError::None;
+        if (error == os::FileError::None) error = removeInstalled(app, list);
         if (error != os::FileError::None) return error;
     }
     return moved ? os::files().rename(work.old(), app) : os::FileError::None;
@@ -144,11 +176,12 @@ os::FileError undoEntries(const WorkFolder& work, const Journal& journal) {
     for (std::size_t i = 0; i < journal.entries.size(); ++i) {
         const Journal::Entry& entry = journal.entries[i];
         std::string text;
+        os::files().remove(besideEntry(entry.path));
         os::FileError error = os::FileError::None;
         if (!entry.kept)
             error = os::files().remove(entry.path);
         else if (os::readFile(work.keptEntry(i), text) == os::FileError::None)
-            error = os::saveFile(entry.path, text, os::Durability::Unsynced).error;
+            error = writeEntry(entry.path, text, os::infoOf(work.keptEntry(i)).mode & 0777U);
         if (error != os::FileError::None && error != os::FileError::NotFound) first = error;
     }
     return first;

@@ -19,7 +19,7 @@ public:
     [[nodiscard]] std::string old() const { return path_ + "/old"; }
     [[nodiscard]] std::string journal() const { return path_ + "/journal"; }
     [[nodiscard]] std::string keptEntry(std::size_t number) const;
-    // With all that is in it, but folders of the user.
+    // With all that is in it, but files that an installation there does not own.
     void remove() const;
 
 private:
@@ -40,10 +40,13 @@ std::string textOf(const Journal& journal);
 Journal readJournal(const std::string& text);
 
 // Files that do not belong to an installation go from one folder to the other, under other names where these are taken; a
-// file of the list that has been changed goes as NAME.saved.
-void moveStrangers(const std::string& from, const Installed& list, const std::string& to);
+// file of the list that has been changed goes as NAME.saved. The first failure ends it.
+os::FileError moveStrangers(const std::string& from, const Installed& list, const std::string& to);
 // The same back, with their own names again.
-void moveStrangersBack(const std::string& from, const Installed& list, const std::string& to);
+os::FileError moveStrangersBack(const std::string& from, const Installed& list, const std::string& to);
+
+// Writes a desktop entry: by a file beside it, which undoing knows, so that a death leaves nothing there.
+os::FileError writeEntry(const std::string& path, std::string_view text, std::uint32_t mode);
 
 // The files of an installation and then its folder; files that are not its own stay, and the folder with them.
 os::FileError removeInstalled(const std::string& app, const Installed& list);
