@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/progmenu.h"
 
+#include "ide/program/projedit.h"
 #include "ide/program/projwindow.h"
+#include "ide/ship/packager.h"
 #include "library/system/system.h"
 
 MODULE("progmenu")
@@ -12,6 +14,13 @@ void DO_REFRESH() {
     FRAME(DO_REFRESH);
     STAMP();
     PROJECTREFRESH(ProjectEditorDlg);
+    STAMP();
+}
+
+void DO_COPY_EXE() {
+    FRAME(DO_COPY_EXE);
+    STAMP();
+    COPYEXE("Program-Copy EXE File", COMPILERGETMAINFILE());
     STAMP();
 }
 

@@ -6,5 +6,6 @@
 namespace tarn {
 
 void DO_REFRESH();
+void DO_COPY_EXE();
 
 }  // namespace tarn

@@ -146,7 +146,7 @@ constexpr Row rows[] = {
     {"program_remove_file", "", nullptr},
     {"program_show_input", "", nullptr},
     {"program_show_output", "", nullptr},
-    {"program_copy_exe", "", nullptr},
+    {"program_copy_exe", "", [](const Fired&) { DO_COPY_EXE(); }},
     {"run_quickbuild", "btnrun_quickbuild", quickbuild},
     {"run_rebuild", "", [](const Fired&) { DO_REBUILD(); }},
     {"run_compile", "", [](const Fired&) { DO_COMPILE(); }},
