@@ -9,6 +9,7 @@
 //
 // Without a place the user is asked for it, with --quiet it is the home. The exit code is 0 when all was done, 1 when it
 // could not be done (and then everything is as it was), 2 for arguments that it does not know, 3 when the user left.
+#include "os/instance.h"
 #include "os/paths.h"
 #include "os/process.h"
 #include "toolchain/setup/asking.h"
@@ -52,6 +53,14 @@ Options readOptions(const std::vector<std::string>& arguments) {
     if (options.quiet && options.place == Place::Ask) options.place = Place::Home;
     return options;
 }
+
+// Installations of one user go one after the other: each takes what an earlier one has left for half done. A lock that
+// cannot be made stops nobody.
+bool waitForOthers() {
+    constexpr int Patience = 60 * 1000;
+    return os::acquireInstanceLock("tarnwick-setup", Patience) != os::LockState::Busy;
+}
+constexpr const char* OtherRuns = "Another installation is under way.";
 
 // A path from the current folder on, unless it is a full one.
 std::string fullPath(const std::string& path) {
@@ -102,10 +111,11 @@ int install(const setup::Installer& installer, Options options) {
         user.tell(title, "There is no home folder: the variable HOME is not set.");
         return Failed;
     }
-    const std::string failure = setup::install(installer, places, [&](std::int64_t done, std::int64_t total) {
+    const auto goesOn = [&user](std::int64_t done, std::int64_t total) {
         user.progress(done, total);
         return stopped == 0;
-    });
+    };
+    const std::string failure = waitForOthers() ? setup::install(installer, places, goesOn) : OtherRuns;
     if (!failure.empty())
         user.tell(title, installer.package.name + " was not installed.\n" + failure);
     else if (!options.quiet)
@@ -127,7 +137,7 @@ int uninstall(const std::string& app, const std::string& name, const Options& op
             return Left;
     }
     bool stayed = false;
-    const std::string failure = setup::uninstall(app, stayed);
+    const std::string failure = waitForOthers() ? setup::uninstall(app, stayed) : OtherRuns;
     if (!failure.empty())
         user.tell(title, name + " was not removed.\n" + failure);
     else if (stayed)
