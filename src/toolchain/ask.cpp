@@ -2,10 +2,11 @@
 //
 // tarnwick-ask: asks in windows for the installer that carries it, which by itself needs no toolkit.
 //
-//     tarnwick-ask box TITLE TEXT BUTTON...      writes the button that was pressed
-//     tarnwick-ask folder TITLE START            writes the folder that was chosen
+//     tarnwick-ask box TITLE TEXT BUTTON...      the button that was pressed
+//     tarnwick-ask folder TITLE START            the folder that was chosen
 //
-// The answer is empty when the user leaves. The exit code is 1 if no window can be shown here.
+// The answer is the last line that is written, behind the word "answer" and a blank, since the toolkit may write lines of
+// its own. It is empty when the user leaves. The exit code is 1 if no window can be shown here.
 #include "os/process.h"
 #include "platform/model/view.h"
 #include "platform/operations/dialogs.h"
@@ -38,6 +39,6 @@ int main(int argc, char** argv) {
         for (std::size_t i = Buttons; i < words.size(); ++i) buttons += words[i] + "\n";
         answer = platform::MsgBox(words[Title], words[Text], buttons);
     }
-    std::printf("%s\n", answer.c_str());
+    std::printf("\nanswer %s\n", answer.c_str());
     return 0;
 }

@@ -12,6 +12,7 @@
 namespace tarn::setup {
 namespace {
 
+constexpr std::string_view Answer = "\nanswer ";  // in front of what the user has chosen
 
 bool hasScreen() {
     return !os::environment("DISPLAY").empty() || !os::environment("WAYLAND_DISPLAY").empty();
@@ -99,7 +100,10 @@ bool User::run(const std::vector<std::string>& arguments, std::string& answer) {
         folder_.clear();
         return false;
     }
-    while (!answer.empty() && answer.back() == '\n') answer.pop_back();
+    const std::size_t at = answer.rfind(Answer);
+    if (at == std::string::npos) return false;
+    answer.erase(0, at + Answer.size());
+    if (!answer.empty() && answer.back() == '\n') answer.pop_back();
     return true;
 }
 
