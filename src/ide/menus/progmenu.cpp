@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/progmenu.h"
 
+#include "ide/program/progprops.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projwindow.h"
 #include "ide/ship/packager.h"
@@ -9,6 +10,15 @@
 MODULE("progmenu")
 
 namespace tarn {
+
+void DO_EDIT_PROPERTIES() {
+    FRAME(DO_EDIT_PROPERTIES);
+    STAMP();
+    const std::string mainFile = PROJECTGETMAINFILE();
+    STAMP();
+    PROGRAMPROPERTIESDIALOG("Program-Edit Program Properties", mainFile, FIRSTVERSIONINFO(mainFile));
+    STAMP();
+}
 
 void DO_REFRESH() {
     FRAME(DO_REFRESH);

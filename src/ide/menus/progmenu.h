@@ -5,6 +5,7 @@
 
 namespace tarn {
 
+void DO_EDIT_PROPERTIES();
 void DO_REFRESH();
 void DO_COPY_EXE();
 

@@ -2,6 +2,7 @@
 #include "ide/menus/runmenu.h"
 
 #include "ide/build/build.h"
+#include "ide/build/runinfo.h"
 #include "ide/build/toolrun.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/windows.h"
@@ -62,6 +63,15 @@ void DO_ARGUMENTS() {
     Load(ArgumentsDlg);
     STAMP();
     Show(ArgumentsDlg, true);
+}
+
+// ---- information ----
+
+void DO_INFO() {
+    FRAME(DO_INFO);
+    STAMP();
+    RUNINFODIALOG();
+    STAMP();
 }
 
 }  // namespace tarn

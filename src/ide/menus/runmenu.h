@@ -13,5 +13,6 @@ void DO_COMPILE();
 void DO_START();
 void DO_START_EXAMPLE(const std::string& file);
 void DO_ARGUMENTS();
+void DO_INFO();
 
 }  // namespace tarn

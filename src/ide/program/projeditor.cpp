@@ -2,6 +2,7 @@
 #include "ide/program/projeditor.h"
 
 #include "ide/program/newdialog.h"
+#include "ide/program/newprogram.h"
 #include "ide/program/projitems.h"
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
@@ -31,7 +32,8 @@ constexpr Button buttons[] = {
     {"bitmapbutton1", "Refresh", "refresh.ico", PROJECTREFRESH},
     {"bitmapbutton2", "Remove", "bin.ico", nullptr},
     {"bitmapbutton3", "Edit", "default.ico", PROJECTITEMEDIT},
-    {"bitmapbutton4", "New class", "code4.ico", nullptr},
+    {"bitmapbutton4", "New class", "code4.ico",
+     [](const Object&) { PROJECTNEWNONMAIN(MAINCONTROL("codelabel"), "New Class"); }},
     {"bitmapbutton5", "New dialog", "dialog03.ico", [](const Object&) { PROJECTNEWDIALOG(); }},
     {"bitmapbutton6", "New data source", "disk10.ico", nullptr},
     {"bitmapbutton7", "Help", "help95.ico", SHOWWINDOWHELP},

@@ -2,13 +2,27 @@
 #include "ide/program/projwindow.h"
 
 #include "ide/build/compiler.h"
+#include "ide/build/toolrun.h"
 #include "ide/program/projlive.h"
 #include "ide/shell/ide.h"
+#include "ide/shell/idecore.h"
 #include "library/system/system.h"
 
 #include <algorithm>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+namespace tarn {
+namespace {
+
+// A make tool that cannot be asked is no reason to end the environment.
+void PROJECTWINDOW_ONERROR(std::int32_t code) {
+    const bool tool = code >= 901 && code <= 909;
+    return tool || ISFILEERROR(code) ? TOOL_ONERROR(code) : IDE_ONERROR(code);
+}
+
+}  // namespace
+}  // namespace tarn
+
+MODULE("projedit", tarn::PROJECTWINDOW_ONERROR)
 
 namespace tarn {
 

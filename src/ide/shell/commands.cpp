@@ -72,8 +72,9 @@ void toggleToolbar(const Fired&) {
 constexpr Row rows[] = {
     {"file_new_textfile", "btnfile_new_textfile",
      [](const Fired&) { DO_NEW_TEXTFILE(MAINCONTROL("codelabel")); }},
-    {"file_new_class", "", nullptr},
-    {"file_new_program", "", nullptr},
+    {"file_new_class", "", [](const Fired&) { DO_NEW_CLASS(MAINCONTROL("codelabel")); }},
+    {"file_new_program", "",
+     [](const Fired&) { DO_NEW_PROGRAM(MAINCONTROL("programlabel"), MAINCONTROL("codelabel")); }},
     {"file_open", "btnfile_open", openFile},
     {"file_open_examples", "",
      [](const Fired&) { DO_OPEN_EXAMPLES("Examples and Tutorials", MAINCONTROL("programlabel")); }},
@@ -141,7 +142,7 @@ constexpr Row rows[] = {
     {"program_add_dialog", "", nullptr},
     {"program_add_database", "", nullptr},
     {"program_add_file", "", nullptr},
-    {"program_edit_properties", "", nullptr},
+    {"program_edit_properties", "", [](const Fired&) { DO_EDIT_PROPERTIES(); }},
     {"program_refresh", "", [](const Fired&) { DO_REFRESH(); }},
     {"program_remove_file", "", nullptr},
     {"program_show_input", "", nullptr},
@@ -153,7 +154,7 @@ constexpr Row rows[] = {
     {"run_start", "btnrun_start", [](const Fired&) { DO_START(); }},
     {"run_debug", "btnrun_debug", nullptr},
     {"run_arguments", "", [](const Fired&) { DO_ARGUMENTS(); }},
-    {"run_info", "", nullptr},
+    {"run_info", "", [](const Fired&) { DO_INFO(); }},
     {"tools_explore_rcfile", "", [](const Fired&) { DO_EXPLORE_RCFILE(MAINCONTROL("programlabel")); }},
     {"tools_explore_db", "", [](const Fired&) { DO_EXPLORE_DB(); }},
     {"tools_test_dialog", "", [](const Fired&) { DO_TEST_DIALOG(); }},
@@ -189,6 +190,7 @@ constexpr Row rows[] = {
     {"help_compiler_errors", "", [](const Fired&) { DO_COMPILER_ERRORS(); }},
     {"help_run_time_errors", "", [](const Fired&) { DO_RUN_TIME_ERRORS(); }},
     {"help_tech_support", "", [](const Fired&) { DO_TECH_SUPPORT(); }},
+    {"help_welcome", "", [](const Fired&) { DO_WELCOME(); }},
     {"help_about", "", [](const Fired&) { DO_ABOUT(Main); }},
 };
 

@@ -28,13 +28,13 @@ constexpr int FaceWidth = 64, FaceHeight = 64;  // pixels
 
 struct Button {
     std::string_view name, caption, icon;
-    void (*action)(const Object& window);  // null: it cannot be done yet, so the button is disabled
+    void (*action)(const Object& window);
 };
 constexpr Button buttons[] = {
     {"bitmapbutton1", "Copy to\nfloppy", "disk09.ico", packager::copyToFloppy},
     {"bitmapbutton2", "Copy to\nfolder", "folder1.ico", packager::copyToFolder},
     {"bitmapbutton3", "Copy to\nzip file", "zip.ico", packager::copyToZip},
-    {"bitmapbutton4", "Create\ninstaller", "installer1.ico", nullptr},
+    {"bitmapbutton4", "Create\ninstaller", "installer1.ico", packager::createInstaller},
     {"bitmapbutton5", "Help", "help95.ico", SHOWWINDOWHELP},
     {"bitmapbutton6", "Close\nwindow", "exit3.ico", [](const Object& window) { Unload(window); }},
 };
@@ -44,7 +44,7 @@ bool press(const Object& window, const Object& control) {
     for (const Button& button : buttons) {
         if (name != button.name) continue;
         STAMP();
-        if (button.action != nullptr) button.action(window);
+        button.action(window);
         return true;
     }
     return false;
@@ -59,9 +59,8 @@ bool pressKey(const Object& window, int key) {
 void load(const Object& window) {
     for (const Button& button : buttons) {
         const std::string icon = FILEBASENAME(button.icon);  // a resource of this program, which has no extension
-        const Object control = FINDCONTROL(window, button.name);
-        SetPicture(control, PictureName(TBITMAP(FaceWidth, FaceHeight, button.caption, icon)));
-        SetEnabled(control, button.action != nullptr);
+        SetPicture(FINDCONTROL(window, button.name),
+                   PictureName(TBITMAP(FaceWidth, FaceHeight, button.caption, icon)));
     }
 }
 

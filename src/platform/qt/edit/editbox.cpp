@@ -42,6 +42,12 @@ public:
     std::vector<Selection> marks() const override {
         return area_ != nullptr ? area_->marks() : std::vector<Selection>();
     }
+    void setFolds(const std::vector<int>& lines) override {
+        if (area_ != nullptr) area_->setFolds(lines);
+    }
+    std::vector<int> folds() const override {
+        return area_ != nullptr ? area_->folds() : std::vector<int>();
+    }
     bool modified() const override { return area_ != nullptr && area_->modified(); }
     void replaceRange(int start, int length, std::string_view text) override {
         if (area_ != nullptr) area_->replaceRange(start, length, text);
