@@ -19,8 +19,7 @@ namespace {
 using namespace tarn;
 
 bool canShowWindows() {
-    const bool screen =
-        !os::environment("DISPLAY").empty() || !os::environment("WAYLAND_DISPLAY").empty();
+    const bool screen = !os::environment("DISPLAY").empty() || !os::environment("WAYLAND_DISPLAY").empty();
     return screen && ::dlopen((os::executableFolder() + "libtarnwick-qt.so").c_str(), RTLD_NOW) != nullptr;
 }
 

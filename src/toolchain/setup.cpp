@@ -101,7 +101,9 @@ int install(const setup::Installer& installer, Options options) {
     if (options.place == Options::Place::Ask) {
         user.useWindowsOf(installer);
         if (!user.canAsk()) {
-            user.tell(title, "There is no screen and no terminal to ask on. Use --home, --system, or --folder FOLDER.");
+            user.tell(
+                title,
+                "There is no screen and no terminal to ask on. Use --home, --system, or --folder FOLDER.");
             return Usage;
         }
         if (!askPlace(user, installer.package, options)) return Left;
@@ -120,7 +122,8 @@ int install(const setup::Installer& installer, Options options) {
         user.tell(title, installer.package.name + " was not installed.\n" + failure);
     else if (!options.quiet)
         user.tell(title, installer.package.name + " was installed in '" + places.app +
-                             "'.\nTo remove it, run '" + places.app + "/" + std::string(setup::UninstallName) + "'.");
+                             "'.\nTo remove it, run '" + places.app + "/" +
+                             std::string(setup::UninstallName) + "'.");
     return failure.empty() ? Done : Failed;
 }
 
@@ -168,6 +171,7 @@ int main(int argc, char** argv) {
     const std::string app = os::folderOf(self), name = setup::installedName(app);
     if (whole == setup::Whole::NoPackage && !name.empty() && os::nameOf(self) == setup::UninstallName)
         return options.check ? Done : uninstall(app, name, options);
-    if (whole != setup::Whole::Yes || !setup::openInstaller(self, layout, installer).empty()) return damaged();
+    if (whole != setup::Whole::Yes || !setup::openInstaller(self, layout, installer).empty())
+        return damaged();
     return options.check ? Done : install(installer, options);
 }

@@ -5,9 +5,9 @@
 #include "ide/build/compiler.h"
 #include "ide/build/toolrun.h"
 #include "ide/program/projedit.h"
-#include "ide/ship/packager.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
+#include "ide/ship/packager.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
@@ -17,7 +17,8 @@ namespace tarn {
 namespace {
 
 constexpr const char* PackagerText =
-    "This command copies the EXE file and its supporting files (bitmaps, icons etc) to any destination. These files may "
+    "This command copies the EXE file and its supporting files (bitmaps, icons etc) to any destination. "
+    "These files may "
     "then be installed to a single folder on another computer and run from there.";
 
 // What every program needs beside it.
@@ -25,12 +26,12 @@ constexpr std::string_view LibraryFiles[] = {"libtarnwick.so", "libtarnwick-qt.s
 
 bool bringUpToDate(const std::string& title, const std::string& file) {
     Sound();
-    const std::string answer =
-        MsgBox(title,
-               "File '" + file +
-                   "' is not up to date.\nIt should be brought up to date before copying the EXE file.\nDo you want "
-                   "to bring the files up to date now?\n",
-               "Yes\nNo\nCancel", BoxIcon::Question);
+    const std::string answer = MsgBox(
+        title,
+        "File '" + file +
+            "' is not up to date.\nIt should be brought up to date before copying the EXE file.\nDo you want "
+            "to bring the files up to date now?\n",
+        "Yes\nNo\nCancel", BoxIcon::Question);
     if (answer != "Yes") return answer == "No";
     bool ok = false;
     std::string built = file;
@@ -40,9 +41,10 @@ bool bringUpToDate(const std::string& title, const std::string& file) {
 
 bool isMain(const std::string& title, const std::string& file) {
     if (ISMAINCLASS(file)) return true;
-    MSGBOX(title, "File '" + file +
-                      "' is not a main class.\nIt is only possible to copy the EXE file after compiling a main "
-                      "class.");
+    MSGBOX(title,
+           "File '" + file +
+               "' is not a main class.\nIt is only possible to copy the EXE file after compiling a main "
+               "class.");
     return false;
 }
 

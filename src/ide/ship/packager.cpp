@@ -2,10 +2,10 @@
 #include "ide/ship/packager.h"
 
 #include "ide/build/toolrun.h"
-#include "ide/ship/packager_internal.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "ide/ship/packager_internal.h"
 #include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
 #include "library/system/system.h"
@@ -58,7 +58,8 @@ bool pressKey(const Object& window, int key) {
 
 void load(const Object& window) {
     for (const Button& button : buttons) {
-        const std::string icon = FILEBASENAME(button.icon);  // a resource of this program, which has no extension
+        const std::string icon =
+            FILEBASENAME(button.icon);  // a resource of this program, which has no extension
         SetPicture(FINDCONTROL(window, button.name),
                    PictureName(TBITMAP(FaceWidth, FaceHeight, button.caption, icon)));
     }
@@ -73,6 +74,14 @@ std::string packager::mainClassOf(const Object& window) {
 }
 std::string packager::filesOf(const Object& window) {
     return GetArrayValue(window, FilesValue);
+}
+void packager::setFiles(const Object& window, const std::string& files) {
+    FRAME(PACKAGER_SETFILES);
+    STAMP();
+    SetArrayValue(window, FilesValue, files);
+    LISTBOXADDFILES(rowsOf(window), files);
+    SetCaption(FINDCONTROL(window, "label2"), "&Files (" + STR(LISTBOXCOUNTFILES(rowsOf(window))) + "):");
+    STAMP();
 }
 
 bool PACKAGERDLG(const Object& window, int event, const Object& control, int parameter) {
@@ -97,11 +106,8 @@ void PACKAGERDIALOG(const Object& owner, const std::string& mainClass, const std
     Load(PackagerDlg);
     STAMP();
     SetArrayValue(PackagerDlg, MainClassValue, mainClass);
-    SetArrayValue(PackagerDlg, FilesValue, files);
     SetCaption(FINDCONTROL(PackagerDlg, "label1"), text);
-    LISTBOXADDFILES(rowsOf(PackagerDlg), files);
-    SetCaption(FINDCONTROL(PackagerDlg, "label2"),
-               "&Files (" + STR(LISTBOXCOUNTFILES(rowsOf(PackagerDlg))) + "):");
+    packager::setFiles(PackagerDlg, files);
     STAMP();
     Show(PackagerDlg, true);
     STAMP();

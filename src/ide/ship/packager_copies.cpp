@@ -2,9 +2,9 @@
 //
 // The buttons that copy the files as they are.
 #include "ide/build/toolrun.h"
+#include "ide/shell/idecore.h"
 #include "ide/ship/packager.h"
 #include "ide/ship/packager_internal.h"
-#include "ide/shell/idecore.h"
 #include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
 #include "library/system/system.h"
@@ -57,8 +57,7 @@ void packager::copyToZip(const Object& window) {
     FRAME(PACKAGER_ZIP);
     STAMP();
     const std::string mainClass = mainClassOf(window);
-    const std::string proposed =
-        mainClass.empty() ? std::string() : FILECHANGEEXT(mainClass, EXT_ZIP);
+    const std::string proposed = mainClass.empty() ? std::string() : FILECHANGEEXT(mainClass, EXT_ZIP);
     STAMP();
     static_cast<void>(COPYTOZIP(window, filesOf(window), proposed));
     STAMP();

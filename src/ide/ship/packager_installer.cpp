@@ -3,8 +3,12 @@
 // The button that makes an installer: the properties of the program first, which the installer tells, then a build if they
 // have changed.
 #include "ide/build/build.h"
+#include "ide/build/compiler.h"
 #include "ide/build/toolrun.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/program/progprops.h"
+#include "ide/shell/windows.h"
+#include "ide/ship/packager.h"
 #include "ide/ship/packager_internal.h"
 #include "library/dialogs/versioninfo.h"
 #include "library/settings/profstr.h"
@@ -18,7 +22,7 @@ namespace {
 
 // The first icon among the resources of the main class, with its path; empty if there is none.
 std::string iconOf(const std::string& mainClass) {
-    const std::string resources = FILECHANGEEXT(mainClass, EXT_RC);
+    const std::string resources = TWINFILE(mainClass, ResourceExtension);
     if (FileSize(resources) < 1) return {};
     const std::string icons = ResourceInfo(resources, "ICON", "*").text + "\n";
     const std::string name = STRTOKEN(STRLINE(icons, 1), 1);
@@ -28,12 +32,20 @@ std::string iconOf(const std::string& mainClass) {
     return STREQUAL(FILEGETEXT(path), EXT_ICO) && FileSize(path) > 0 ? path : std::string();
 }
 
+// What a build has added is handed over too: the first properties of a program make it a file of resources.
+void refreshFiles(const Object& window, const std::string& mainClass) {
+    const DependencyList targets = LOADDEPLIST(mainClass, "/ft", true);
+    if (targets.error.empty()) packager::setFiles(window, targets.files + GETLIBRARYFILES(targets.files));
+}
+
 // False if the build failed.
-bool buildWithProperties(const std::string& title, const std::string& mainClass) {
-    MSGBOX(title, "The Program Properties have changed.\nAbout to do a Quickbuild to bring the program up to date.");
+bool buildWithProperties(const Object& window, const std::string& mainClass) {
+    MSGBOX(GetCaption(window),
+           "The Program Properties have changed.\nAbout to do a Quickbuild to bring the program up to date.");
     std::string file = mainClass;
     bool ok = false;
     RUN_BUILD("Run-Quickbuild", "-fm", file, ok);
+    if (ok) refreshFiles(window, mainClass);
     return ok;
 }
 
@@ -61,7 +73,7 @@ void packager::createInstaller(const Object& window) {
                                                             mainClass, FIRSTVERSIONINFO(mainClass));
     STAMP();
     if (result == PropertiesResult::Cancel) return;
-    if (result == PropertiesResult::Save && !buildWithProperties(GetCaption(window), mainClass)) return;
+    if (result == PropertiesResult::Save && !buildWithProperties(window, mainClass)) return;
     STAMP();
     makeInstaller(window, mainClass);
     STAMP();

@@ -11,6 +11,7 @@ namespace tarn::packager {
 
 std::string mainClassOf(const Object& window);
 std::string filesOf(const Object& window);
+void setFiles(const Object& window, const std::string& files);  // and shows them
 
 // The buttons.
 void copyToFloppy(const Object& window);

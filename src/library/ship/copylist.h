@@ -12,11 +12,13 @@
 
 namespace tarn {
 
-inline constexpr std::int64_t MaxPackageSize = 600'000'000;  // bytes of all files of a folder, zip file or installer
+inline constexpr std::int64_t MaxPackageSize =
+    600'000'000;  // bytes of all files of a folder, zip file or installer
 
 struct CopyFile {
-    std::string Name;          // the full path
-    std::int32_t Size = -1;    // in bytes, -1: it does not exist; what is larger than the number can be is the largest
+    std::string Name;  // the full path
+    std::int32_t Size =
+        -1;  // in bytes, -1: it does not exist; what is larger than the number can be is the largest
     std::int32_t Rounded = 0;  // up to whole allocation units
     std::int32_t Disk = 0;     // on which it goes, from 1 on; 0: not placed
 };
@@ -35,7 +37,8 @@ struct CopyList {
 std::string COPYPATH(std::string_view line);  // the path of a line
 std::string STRSORT(std::string_view text);   // the lines in the order of their bytes, each with its line end
 std::string STRPLURAL(int count);             // "s", nothing for 1
-std::string GETEXTNFILELIST(const std::string& files, std::string_view extension);  // any case; paths, one a line
+std::string GETEXTNFILELIST(const std::string& files,
+                            std::string_view extension);  // any case; paths, one a line
 // Whether a short listing of a zip file has a line with that size and that name, extension included.
 bool ISNAMEINLIST(const std::string& text, const std::string& name, std::int64_t size);
 
@@ -55,7 +58,8 @@ using CopyProgress = bool (*)(void* context, std::int64_t done, std::int64_t tot
 // that had not been copied by then.
 std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go = nullptr,
                          void* context = nullptr);
-std::string FILEDELETELIST(const std::string& files);  // those that are still there; none that was not there before
+std::string
+FILEDELETELIST(const std::string& files);  // those that are still there; none that was not there before
 
 std::string GETCOMMANDPROCESSOR();  // of the variable COMSPEC; empty if it is not set
 

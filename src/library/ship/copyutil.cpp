@@ -215,8 +215,8 @@ bool COPYTOFOLDER(const Object& owner, const std::string& files, const std::stri
     }
     STAMP();
     if (failed.empty())
-        tell(owner, "Successfully copied " + std::to_string(list.files.size()) + " file(s) to '" + folder +
-                        "'.");
+        tell(owner,
+             "Successfully copied " + std::to_string(list.files.size()) + " file(s) to '" + folder + "'.");
     else
         tell(owner,
              "The following file(s) could not be copied:\n\n" + indented(failed) +

@@ -48,12 +48,14 @@ Made compile(const std::string& script, const std::string& installer) {
     const LongWork work(WaitText);
     const Seen before = seen(installer);
     const std::string output = FILETEMPNAME(FILEGETDIR(installer), ".iscc-", ".txt");
-    const std::string folder = STRLEFT(FILEGETDIR(installer), static_cast<int>(FILEGETDIR(installer).size()) - 1);
+    const std::string folder =
+        STRLEFT(FILEGETDIR(installer), static_cast<int>(FILEGETDIR(installer).size()) - 1);
     Made made;
-    const ExecResult run = EXEC(outsideTool(InstallerProgram),
-                                QUOTEARGUMENT(script) + " /O" + QUOTEARGUMENT(folder.empty() ? "/" : folder) +
-                                    " /F" + QUOTEARGUMENT(FILEBASENAME(installer)) + " > " + QUOTEARGUMENT(output),
-                                Waiting);
+    const ExecResult run =
+        EXEC(outsideTool(InstallerProgram),
+             QUOTEARGUMENT(script) + " /O" + QUOTEARGUMENT(folder.empty() ? "/" : folder) + " /F" +
+                 QUOTEARGUMENT(FILEBASENAME(installer)) + " > " + QUOTEARGUMENT(output),
+             Waiting);
     ClearError();
     made.stopped = run.stopped;
     if (FileSize(output) > 0) LOADFILE(output, made.messages);
@@ -64,12 +66,12 @@ Made compile(const std::string& script, const std::string& installer) {
 }
 
 void tellMade(const Object& owner, const Made& made, const std::string& installer, const std::string& text) {
-    const std::string messages = made.ok ? std::string() : STRRTRIMCRLF(LIMITLINES(made.messages, MostListed));
-    const std::string answer =
-        ask(owner,
-            (made.ok ? "Created '" : "Could not create '") + installer + "'" +
-                (messages.empty() ? "" : "\n\n" + messages),
-            "Close\nShow Script", made.ok ? BoxIcon::Information : BoxIcon::Error);
+    const std::string messages =
+        made.ok ? std::string() : STRRTRIMCRLF(LIMITLINES(made.messages, MostListed));
+    const std::string answer = ask(owner,
+                                   (made.ok ? "Created '" : "Could not create '") + installer + "'" +
+                                       (messages.empty() ? "" : "\n\n" + messages),
+                                   "Close\nShow Script", made.ok ? BoxIcon::Information : BoxIcon::Error);
     if (answer == "Show Script") SHOWSCRIPT(text);
 }
 
@@ -112,17 +114,15 @@ bool COPYTOINSTALLER(const Object& owner, const std::string& company, const std:
     STAMP();
     if (!hasTool(owner, InstallerProgram, "installer", "create the installer.")) return false;
     STAMP();
-    const CopyList list =
-        checked(owner, files,
-                "Some of the files do not exist, or they are too large to fit in the installer.",
-                "the maximum size of the files to be installed");
+    const CopyList list = checked(
+        owner, files, "Some of the files do not exist, or they are too large to fit in the installer.",
+        "the maximum size of the files to be installed");
     STAMP();
     if (!list.canBeCopied()) return false;
     const WaitLabel wait(owner, WaitText);
     const std::string exe = exeOf(mainExe, files);
-    const std::string text =
-        CREATEISSSCRIPT(company, copyright, product, description, versionText, version, files, exe,
-                        iconOf(iconFile, files));
+    const std::string text = CREATEISSSCRIPT(company, copyright, product, description, versionText, version,
+                                             files, exe, iconOf(iconFile, files));
     const std::string stem = FILEGETDIR(exe) + FILEBASENAME(exe) + "-install";
     STAMP();
     if (!SAVEFILE(stem + ".iss", text)) return false;

@@ -117,8 +117,7 @@ bool COPYTOZIP(const Object& owner, const std::string& files, const std::string&
     if (!hasTools(owner)) return false;
     STAMP();
     const CopyList list =
-        checked(owner, files,
-                "Some of the files do not exist, or they are too large to fit in the zip file.",
+        checked(owner, files, "Some of the files do not exist, or they are too large to fit in the zip file.",
                 "the maximum zip file size");
     STAMP();
     if (!list.canBeCopied()) return false;

@@ -92,8 +92,7 @@ bool User::run(const std::vector<std::string>& arguments, std::string& answer) {
         constexpr std::size_t Most = 64 * 1024;
         while (!state.ended) {
             state = child->wait(100);
-            while (child->readOutput(answer, Most) > 0) {
-            }
+            while (child->readOutput(answer, Most) > 0) {}
         }
     }
     if (child == nullptr || state.code != 0 || state.signal != 0) {
@@ -119,7 +118,8 @@ std::size_t User::ask(const std::string& title, const std::string& text,
     }
     if (!hasTerminal()) return choices.size() - 1;
     std::cout << text << "\n";
-    for (const std::string& choice : choices) std::cout << "  " << letterOf(choice) << "  " << wordOf(choice) << "\n";
+    for (const std::string& choice : choices)
+        std::cout << "  " << letterOf(choice) << "  " << wordOf(choice) << "\n";
     while (std::cout << "> " << std::flush && std::getline(std::cin, answer))
         for (std::size_t i = 0; i < choices.size(); ++i)
             if (answer.size() == 1 && answer[0] == letterOf(choices[i])) return i;

@@ -36,8 +36,8 @@ private:
     bool run(const std::vector<std::string>& arguments, std::string& answer);
 
     bool quiet_;
-    std::string folder_;    // of what asks in windows; empty: there is none
-    std::string scratch_;   // the same, if it goes with this object
+    std::string folder_;   // of what asks in windows; empty: there is none
+    std::string scratch_;  // the same, if it goes with this object
     std::vector<std::string> unpacked_;
     int percent_ = -1;
 };

@@ -74,8 +74,9 @@ public:
 
     std::string run() {
         using Step = std::string (Installation::*)();
-        for (const Step step : {&Installation::checkPlace, &Installation::makeWorkFolder,
-                                &Installation::unpack, &Installation::copyUninstaller, &Installation::writeList}) {
+        for (const Step step :
+             {&Installation::checkPlace, &Installation::makeWorkFolder, &Installation::unpack,
+              &Installation::copyUninstaller, &Installation::writeList}) {
             const std::string failure = (this->*step)();
             if (failure.empty()) continue;
             work_.remove();
@@ -162,8 +163,8 @@ private:
         std::string piece(Piece, '\0');
         for (std::int64_t at = 0; at < installer_.layout.program && error == FileError::None;) {
             std::size_t got = 0;
-            const auto count = static_cast<std::size_t>(
-                std::min<std::int64_t>(Piece, installer_.layout.program - at));
+            const auto count =
+                static_cast<std::size_t>(std::min<std::int64_t>(Piece, installer_.layout.program - at));
             error = os::readUpTo(handle, at, piece.data(), count, got);
             if (error == FileError::None && got == 0) error = FileError::ReadFailed;
             if (error == FileError::None && !made.write({piece.data(), got})) error = made.error();

@@ -47,7 +47,8 @@ public:
         if (os::readFile(request_.script, text) != os::FileError::None)
             return errorLine(request_.script, {0, "the script cannot be read"});
         std::string report;
-        for (const ScriptError& error : readScript(text, script_)) report += errorLine(request_.script, error);
+        for (const ScriptError& error : readScript(text, script_))
+            report += errorLine(request_.script, error);
         if (report.empty()) {
             addAsking();
             report = measure();
@@ -60,10 +61,9 @@ private:
 
     void addAsking() {
         const Package& package = script_.package;
-        const bool canAsk =
-            os::sizeOf(request_.askProgram) > 0 &&
-            std::all_of(std::begin(Libraries), std::end(Libraries),
-                        [&](std::string_view library) { return package.holds(library); });
+        const bool canAsk = os::sizeOf(request_.askProgram) > 0 &&
+                            std::all_of(std::begin(Libraries), std::end(Libraries),
+                                        [&](std::string_view library) { return package.holds(library); });
         if (!canAsk) return;
         script_.package.files.push_back({std::string(AskName), 0, true});
         script_.sources.push_back(request_.askProgram);
@@ -91,8 +91,8 @@ private:
             script_.package.files[i].executable = isProgram(script_.sources[i], info);
         }
         if (report.empty() && script_.package.size() > MaxPackageSize)
-            report = fail("the files have " + std::to_string(script_.package.size()) + " bytes; the most is " +
-                          std::to_string(MaxPackageSize));
+            report = fail("the files have " + std::to_string(script_.package.size()) +
+                          " bytes; the most is " + std::to_string(MaxPackageSize));
         return report;
     }
 
@@ -114,7 +114,8 @@ private:
         put(trailerOf(layout, sum_));
         const os::SaveResult saved = out_.finish();
         if (!saved.ok())
-            return fail("'" + request_.made + "' cannot be written: " + std::string(os::describe(saved.error)));
+            return fail("'" + request_.made +
+                        "' cannot be written: " + std::string(os::describe(saved.error)));
         constexpr std::uint32_t Executable = 0755;
         os::files().setMode(request_.made, Executable);
         return {};

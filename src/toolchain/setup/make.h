@@ -12,10 +12,11 @@
 namespace tarn::setup {
 
 struct MakeRequest {
-    std::string script;           // file
-    std::string made;             // file
-    std::string setupProgram;     // what installs: goes in front of the package
-    std::string askProgram = {};  // what asks in windows; empty, or without the libraries that it needs: left out
+    std::string script;        // file
+    std::string made;          // file
+    std::string setupProgram;  // what installs: goes in front of the package
+    std::string askProgram =
+        {};  // what asks in windows; empty, or without the libraries that it needs: left out
 };
 // What is wrong, for the user, one a line with file and line; empty on success. Cost: reads each file twice.
 std::string makeInstaller(const MakeRequest& request);

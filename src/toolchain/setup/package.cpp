@@ -157,7 +157,8 @@ bool sumOfFirst(os::Handle handle, std::int64_t count, std::uint64_t& sum) {
     for (std::int64_t at = 0; at < count;) {
         std::size_t got = 0;
         const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(Piece, count - at));
-        if (os::readUpTo(handle, at, piece.get(), wanted, got) != os::FileError::None || got == 0) return false;
+        if (os::readUpTo(handle, at, piece.get(), wanted, got) != os::FileError::None || got == 0)
+            return false;
         sum = addToSum(sum, {piece.get(), got});
         at += static_cast<std::int64_t>(got);
     }
@@ -200,8 +201,7 @@ bool sumOf(const std::string& file, std::uint64_t& sum) {
     os::Handle handle = -1;
     std::int64_t size = 0;
     if (os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None) return false;
-    const bool ok =
-        os::files().size(handle, size) == os::FileError::None && sumOfFirst(handle, size, sum);
+    const bool ok = os::files().size(handle, size) == os::FileError::None && sumOfFirst(handle, size, sum);
     os::files().close(handle);
     return ok;
 }

@@ -67,9 +67,8 @@ struct Unpacker::Stream {
 Unpacker::Unpacker(const std::string& file, const Layout& layout) : stream_(std::make_unique<Stream>()) {
     stream_->at = layout.program;
     stream_->end = layout.program + layout.package;
-    broken_ =
-        os::files().open(file, os::OpenMode::Read, 0, stream_->handle) != os::FileError::None ||
-        ::lzma_stream_decoder(&stream_->lzma, MostMemory, 0) != LZMA_OK;
+    broken_ = os::files().open(file, os::OpenMode::Read, 0, stream_->handle) != os::FileError::None ||
+              ::lzma_stream_decoder(&stream_->lzma, MostMemory, 0) != LZMA_OK;
 }
 Unpacker::~Unpacker() {
     ::lzma_end(&stream_->lzma);
@@ -115,8 +114,8 @@ std::string Unpacker::readHead(Package& package) {
 std::string Unpacker::readFile(const PackedFile& file, const Sink& sink) {
     for (std::int64_t left = file.size; left > 0;) {
         if (ready_.empty() && !fill()) return Damaged;
-        const auto count = static_cast<std::size_t>(
-            std::min<std::int64_t>(left, static_cast<std::int64_t>(ready_.size())));
+        const auto count =
+            static_cast<std::size_t>(std::min<std::int64_t>(left, static_cast<std::int64_t>(ready_.size())));
         if (sink && count > 0 && !sink(std::string_view(ready_).substr(0, count)))
             return "'" + file.name + "' cannot be written";
         ready_.erase(0, count);
@@ -126,8 +125,7 @@ std::string Unpacker::readFile(const PackedFile& file, const Sink& sink) {
 }
 
 std::string Unpacker::end() {
-    while (ready_.empty() && fill()) {
-    }
+    while (ready_.empty() && fill()) {}
     return ready_.empty() && ended_ && stream_->at == stream_->end && stream_->lzma.avail_in == 0
                ? std::string()
                : std::string(Damaged);

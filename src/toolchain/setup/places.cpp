@@ -92,8 +92,7 @@ std::string start(const std::string& name, const std::string& program, const Pla
 }  // namespace
 
 std::string entryFile(const Package& package, const Shortcut& shortcut, const Places& places) {
-    const std::string& folder =
-        shortcut.place == Shortcut::Place::Menu ? places.menu : places.desktop;
+    const std::string& folder = shortcut.place == Shortcut::Place::Menu ? places.menu : places.desktop;
     const bool uninstalls = shortcut.kind == Shortcut::Kind::Uninstall;
     return folder.empty() ? std::string()
                           : folder + "/" + package.name + (uninstalls ? "-uninstall.desktop" : ".desktop");

@@ -11,7 +11,8 @@
 namespace tarn::setup {
 
 struct Places {
-    std::string app;      // the folder of the program; everything that is installed is in it but the desktop entries
+    std::string
+        app;  // the folder of the program; everything that is installed is in it but the desktop entries
     std::string menu;     // where the desktop looks for entries
     std::string desktop;  // where the user looks for them; empty: there is no such folder
 };

@@ -248,9 +248,8 @@ private:
             fail("[Icons] names no program");
         else if (!package.holds(package.program))
             fail("'" + package.program + "' is not among the files");
-        const bool icon = std::any_of(package.shortcuts.begin(), package.shortcuts.end(), [](const Shortcut& one) {
-            return one.kind == Shortcut::Kind::Icon;
-        });
+        const bool icon = std::any_of(package.shortcuts.begin(), package.shortcuts.end(),
+                                      [](const Shortcut& one) { return one.kind == Shortcut::Kind::Icon; });
         if (icon && !package.holds(IconName)) fail("'" + std::string(IconName) + "' is not among the files");
     }
 

@@ -97,7 +97,8 @@ os::FileError moveStrangers(const std::string& from, const Installed& list, cons
         if (list.owns(name) && !changed) continue;
         const bool taken = changed || exists(to + "/" + name);
         if (error == os::FileError::None)
-            error = os::files().rename(from + "/" + name, to + "/" + (taken ? freeName(to, name + Saved) : name));
+            error =
+                os::files().rename(from + "/" + name, to + "/" + (taken ? freeName(to, name + Saved) : name));
     }
     return error;
 }

@@ -22,10 +22,11 @@ protected:
     // The answers to its queries: what it writes, and whether it fails.
     void makeTool(const std::string& targets, const std::string& stale, int code = 0) {
         write("targets", targets), write("stale", stale);
-        write("ordo.exe", "#!/bin/sh\nfor a; do case $a in -o*) out=${a#-o};; /ft) from=targets;; /fq) from=stale;; "
-                          "-fm) cp '" +
-                              dir + "wrong' '" + dir + "sarn.err'; exit 1;; esac; done\ncat '" + dir +
-                              "'$from > \"$out\"\nexit " + STR(code) + "\n");
+        write("ordo.exe",
+              "#!/bin/sh\nfor a; do case $a in -o*) out=${a#-o};; /ft) from=targets;; /fq) from=stale;; "
+              "-fm) cp '" +
+                  dir + "wrong' '" + dir + "sarn.err'; exit 1;; esac; done\ncat '" + dir +
+                  "'$from > \"$out\"\nexit " + STR(code) + "\n");
         std::filesystem::permissions(dir + "ordo.exe", std::filesystem::perms(0755));
     }
     void copyExe(const std::string& file) {
@@ -36,7 +37,8 @@ protected:
     static void press(const char* name) { platform::userCommand(*platform::findControl(part(name))); }
     static std::string rows() {
         std::string text;
-        for (int i = 1; i <= GetListCount(part("iconlist1")); ++i) text += GetList(part("iconlist1"), i) + "\n";
+        for (int i = 1; i <= GetListCount(part("iconlist1")); ++i)
+            text += GetList(part("iconlist1"), i) + "\n";
         return text;
     }
 };
@@ -53,7 +55,8 @@ TEST_F(PackagerTest, TheMakeToolsErrorComesFirst) {
     copyExe("");
     EXPECT_EQ(lastText(), "It is not possible to copy the EXE file.\nNo file has been specified.");
     copyExe(dir + "none.cls");
-    EXPECT_EQ(lastText(), "It is not possible to copy the EXE file.\nThe file '" + dir + "none.cls' was not found.");
+    EXPECT_EQ(lastText(),
+              "It is not possible to copy the EXE file.\nThe file '" + dir + "none.cls' was not found.");
 }
 
 TEST_F(PackagerTest, OnlyTheOutputOfAMainClassIsCopiedWhateverIsOutOfDate) {
@@ -61,8 +64,9 @@ TEST_F(PackagerTest, OnlyTheOutputOfAMainClassIsCopiedWhateverIsOutOfDate) {
     const std::string file = write("other.cls", "Tarnwick Class Other\nEnd class\n");
     copyExe(file);
     ASSERT_EQ(asked.size(), 1U);
-    EXPECT_EQ(asked[0].text, "File '" + file + "' is not a main class.\nIt is only possible to copy the EXE file after "
-                                               "compiling a main class.");
+    EXPECT_EQ(asked[0].text, "File '" + file +
+                                 "' is not a main class.\nIt is only possible to copy the EXE file after "
+                                 "compiling a main class.");
 }
 
 TEST_F(PackagerTest, AQuickbuildThatFailsEndsTheCommand) {
@@ -143,8 +147,8 @@ TEST_F(PackagerTest, TheScriptIsShownAndCopiedByADoubleClick) {
         EXPECT_EQ(GetText(Sysclipboard), GetText(script));
         platform::userKey(*platform::findWindow(script), nullptr, KEY_ESCAPE);
     }};
-    EXPECT_FALSE(COPYTOINSTALLER(PackagerDlg, "Ann", "(c)", "", "Counts", "1.0", "1 0 0 0", "", dir + "prog.exe\n",
-                                 dir + "prog.cls"));
+    EXPECT_FALSE(COPYTOINSTALLER(PackagerDlg, "Ann", "(c)", "", "Counts", "1.0", "1 0 0 0", "",
+                                 dir + "prog.exe\n", dir + "prog.cls"));
     EXPECT_EQ(lastText(), "Could not create '" + dir + "prog-install.exe'");
     EXPECT_FALSE(IsLoaded(script));
     Unload(PackagerDlg);

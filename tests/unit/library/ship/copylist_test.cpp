@@ -32,8 +32,8 @@ protected:
 };
 
 TEST_F(CopyLists, FilesAreRoundedUpAndPlacedOnTheCurrentDiskOrTheNext) {
-    const std::string files = make("a", 0) + "\n" + make("b", 1) + "\n" + make("c", 512) + "\n" + make("d", 513) +
-                              "\n" + make("e", 10) + "\n";
+    const std::string files = make("a", 0) + "\n" + make("b", 1) + "\n" + make("c", 512) + "\n" +
+                              make("d", 513) + "\n" + make("e", 10) + "\n";
     EXPECT_EQ(placed(GETSEGMENTEDFILELIST(files, 1024, 512)), "0 0 1;1 512 1;512 512 1;513 1024 2;10 512 3;");
     EXPECT_EQ(placed(GETSEGMENTEDFILELIST(files, 1024, 1)), "0 0 1;1 1 1;512 512 1;513 513 2;10 10 2;");
     EXPECT_EQ(placed(GETSEGMENTEDFILELIST(files, 1024, 0)), "0 0 1;1 1 1;512 512 1;513 513 2;10 10 2;");
@@ -137,29 +137,31 @@ TEST_F(CopyLists, TheCommandProcessorIsThatOfItsVariable) {
 
 // ---- the script ----
 
-constexpr const char* Head = "[Setup]\nAppName=prog\nAppVerName=Counts words\nAppId=prog\nDefaultDirName={pf}\\prog\n"
-                             "DefaultGroupName=prog\nAppPublisher=Ann & Co.\nAppCopyright=(c) Ann\nAppVersion=1.3\n"
-                             "WizardImageFile=compiler:wizmodernimage-is.bmp\n"
-                             "WizardSmallImageFile=compiler:wizmodernsmallimage-is.bmp\nCompression=lzma/normal\n\n"
-                             "[Dirs]\nName:\"{app}\"; Permissions:authusers-modify;\n\n"
-                             "[Languages]\nName:\"english\"; MessagesFile:\"compiler:Default.isl\"\n\n[Icons]\n";
+constexpr const char* Head =
+    "[Setup]\nAppName=prog\nAppVerName=Counts words\nAppId=prog\nDefaultDirName={pf}\\prog\n"
+    "DefaultGroupName=prog\nAppPublisher=Ann & Co.\nAppCopyright=(c) Ann\nAppVersion=1.3\n"
+    "WizardImageFile=compiler:wizmodernimage-is.bmp\n"
+    "WizardSmallImageFile=compiler:wizmodernsmallimage-is.bmp\nCompression=lzma/normal\n\n"
+    "[Dirs]\nName:\"{app}\"; Permissions:authusers-modify;\n\n"
+    "[Languages]\nName:\"english\"; MessagesFile:\"compiler:Default.isl\"\n\n[Icons]\n";
 
 TEST(InstallerScriptText, HasItsSectionsWithAnIcon) {
-    EXPECT_EQ(CREATEISSSCRIPT("Ann & Co.", "(c) Ann", "Product", "Counts words", "1.3", "1 3 2207 0",
-                              "/p/prog.exe\t12 byte(s)\n/p/prog.rcx\n", "/p/prog.cls", "/p/i.ico"),
-              std::string(Head) +
-                  "Name:\"{group}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\"; "
-                  "IconFilename:\"{app}\\mainicon.ico\";\n"
-                  "Name:\"{group}\\Uninstall\"; Filename:\"{uninstallexe}\";\n"
-                  "Name:\"{commondesktop}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\"; "
-                  "IconFilename:\"{app}\\mainicon.ico\";\n\n[Files]\n"
-                  "Source:\"/p/i.ico\"; DestDir:\"{app}\\\"; DestName:\"mainicon.ico\";\n"
-                  "Source:\"/p/prog.exe\"; DestDir:\"{app}\\\";\nSource:\"/p/prog.rcx\"; DestDir:\"{app}\\\";\n");
+    EXPECT_EQ(
+        CREATEISSSCRIPT("Ann & Co.", "(c) Ann", "Product", "Counts words", "1.3", "1 3 2207 0",
+                        "/p/prog.exe\t12 byte(s)\n/p/prog.rcx\n", "/p/prog.cls", "/p/i.ico"),
+        std::string(Head) +
+            "Name:\"{group}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\"; "
+            "IconFilename:\"{app}\\mainicon.ico\";\n"
+            "Name:\"{group}\\Uninstall\"; Filename:\"{uninstallexe}\";\n"
+            "Name:\"{commondesktop}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\"; "
+            "IconFilename:\"{app}\\mainicon.ico\";\n\n[Files]\n"
+            "Source:\"/p/i.ico\"; DestDir:\"{app}\\\"; DestName:\"mainicon.ico\";\n"
+            "Source:\"/p/prog.exe\"; DestDir:\"{app}\\\";\nSource:\"/p/prog.rcx\"; DestDir:\"{app}\\\";\n");
 }
 
 TEST(InstallerScriptText, LeavesOutTheLinesThatNeedAnIcon) {
-    EXPECT_EQ(CREATEISSSCRIPT("Ann & Co.", "(c) Ann", "Product", "Counts words", "", "1 3 2207 0", "/p/prog.exe",
-                              "/p/prog.exe", ""),
+    EXPECT_EQ(CREATEISSSCRIPT("Ann & Co.", "(c) Ann", "Product", "Counts words", "", "1 3 2207 0",
+                              "/p/prog.exe", "/p/prog.exe", ""),
               std::string(Head) +
                   "Name:\"{group}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\";\n"
                   "Name:\"{group}\\Uninstall\"; Filename:\"{uninstallexe}\";\n\n[Files]\n"
@@ -169,7 +171,8 @@ TEST(InstallerScriptText, LeavesOutTheLinesThatNeedAnIcon) {
 TEST(InstallerScriptText, QuotesInPathsStandTwice) {
     const std::string text = CREATEISSSCRIPT("", "", "", "", "", "", "/p/a \"b\".exe", "/p/a \"b\".exe", "");
     EXPECT_NE(text.find("Source:\"/p/a \"\"b\"\".exe\"; DestDir"), std::string::npos) << text;
-    EXPECT_NE(text.find("Name:\"{group}\\a \"\"b\"\"\"; Filename:\"{app}\\a \"\"b\"\".exe\";"), std::string::npos)
+    EXPECT_NE(text.find("Name:\"{group}\\a \"\"b\"\"\"; Filename:\"{app}\\a \"\"b\"\".exe\";"),
+              std::string::npos)
         << text;
     EXPECT_NE(text.find("AppName=a \"b\"\n"), std::string::npos) << text;
 }

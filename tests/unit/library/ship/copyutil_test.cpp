@@ -35,7 +35,8 @@ protected:
             return answer;
         }));
         folder("program"), folder("files"), folder("to");
-        std::string program = dir / "program/ide";  // a name of this program, so that the folder counts as its own
+        std::string program =
+            dir / "program/ide";  // a name of this program, so that the folder counts as its own
         std::filesystem::create_symlink(std::filesystem::read_symlink("/proc/self/exe"), program);
         char* arguments[] = {program.data(), nullptr};
         os::setCommandLine(1, arguments);
@@ -62,7 +63,9 @@ protected:
         std::filesystem::permissions(dir / "program/" + name, std::filesystem::perms::owner_all);
     }
     [[nodiscard]] std::string lastText() const { return asked.empty() ? "" : asked.back().text; }
-    [[nodiscard]] std::string listing(const std::string& name) const { return GETDISKFILELIST(dir / name, "*.*"); }
+    [[nodiscard]] std::string listing(const std::string& name) const {
+        return GETDISKFILELIST(dir / name, "*.*");
+    }
     std::string read(const std::string& name) {
         std::string bytes;
         os::readFile(dir / name, bytes);
@@ -105,8 +108,9 @@ TEST_F(ShipCopies, OneFloppyDiskIsNoPlural) {
 TEST_F(ShipCopies, AMissingOrTooLargeFileBlocksTheFloppy) {
     for (const std::string& files : {file("a", 1) + dir / "none\n", file("a", 1001)}) {
         EXPECT_FALSE(COPYTOFLOPPY(owner, files, drive));
-        EXPECT_EQ(lastText(), "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on "
-                              "the disk.\n(the disk size is 1000 bytes)\nTry copying to a Zip file instead.");
+        EXPECT_EQ(lastText(),
+                  "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on "
+                  "the disk.\n(the disk size is 1000 bytes)\nTry copying to a Zip file instead.");
     }
     EXPECT_EQ(asked.size(), 2U);
 }
@@ -115,21 +119,24 @@ TEST_F(ShipCopies, ADiskWithTooLittleRoomIsTold) {
     make("to/old", std::string(250, 'x'));  // three units
     answers = {"OK", "OK"};
     EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 750), drive));
-    EXPECT_EQ(lastText(), "Disk 1 has 700 byte(s) free, but 800 are needed.\nTry again with another floppy disk.");
+    EXPECT_EQ(lastText(),
+              "Disk 1 has 700 byte(s) free, but 800 are needed.\nTry again with another floppy disk.");
     EXPECT_EQ(listing("to"), "old\t250\n");
     drive.folder = dir / "none";
     answers = {"OK", "OK"};
     EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 750), drive));
-    EXPECT_EQ(lastText(), "Disk 1 has 0 byte(s) free, but 800 are needed.\nTry again with another floppy disk.");
+    EXPECT_EQ(lastText(),
+              "Disk 1 has 0 byte(s) free, but 800 are needed.\nTry again with another floppy disk.");
 }
 
 TEST_F(ShipCopies, ADiskThatIsNotBlankIsToldBehindTheCopying) {
     make("to/old", "x");
     answers = {"OK", "OK"};
     EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 10), drive));
-    EXPECT_EQ(lastText(), "After copying files to Disk 1 the files on the disk do not match the file list.\nEither "
-                          "some of the files could not be copied, or the disk was not a blank disk.\nTry again with "
-                          "another blank floppy disk.");
+    EXPECT_EQ(lastText(),
+              "After copying files to Disk 1 the files on the disk do not match the file list.\nEither "
+              "some of the files could not be copied, or the disk was not a blank disk.\nTry again with "
+              "another blank floppy disk.");
     EXPECT_EQ(listing("to"), "a\t10\nold\t1\n") << "what was copied stays";
 }
 
@@ -146,9 +153,10 @@ TEST_F(ShipCopies, FilesThatAreThereAlreadyAreAskedAbout) {
     make("to/c", "old");
     make("to/other", "mine");
     const std::string files = file("a", 3) + file("c", 1);
-    const std::string question = "The folder '" + dir / "to" +
-                                 "' already contains the following file(s):\n\n\tc\n\nIf you copy to this folder, the "
-                                 "file(s) may be overwritten.\nDo you want to continue?";
+    const std::string question =
+        "The folder '" + dir / "to" +
+        "' already contains the following file(s):\n\n\tc\n\nIf you copy to this folder, the "
+        "file(s) may be overwritten.\nDo you want to continue?";
     for (const std::string answer : {"Quit", ""}) {
         answers = {answer};
         EXPECT_FALSE(COPYTOFOLDER(owner, files, dir / "to"));
@@ -175,8 +183,9 @@ TEST_F(ShipCopies, LongListsEndWithMore) {
 TEST_F(ShipCopies, AMissingFileBlocksTheFolderBeforeItIsLookedAt) {
     make("to/a", "old");
     EXPECT_FALSE(COPYTOFOLDER(owner, file("a", 1) + dir / "none\n", dir / "to"));
-    EXPECT_EQ(lastText(), "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on the "
-                          "disk.\n(the disk size is 600000000 bytes)");
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on the "
+              "disk.\n(the disk size is 600000000 bytes)");
     EXPECT_EQ(asked.size(), 1U);
     EXPECT_EQ(read("to/a"), "old");
 }
@@ -233,17 +242,20 @@ TEST_F(ShipCopies, TheZipProgramIsAskedForFirstThenUnzip) {
     const Variable path("PATH", dir / "none");
     const std::string missing = dir / "none\n";
     EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
-    EXPECT_EQ(lastText(), "This command requires the 'zip' program to compress the files.\nHowever the zip program '" +
-                              dir / "program/zip.exe" + "' does not exist.");
+    EXPECT_EQ(lastText(),
+              "This command requires the 'zip' program to compress the files.\nHowever the zip program '" +
+                  dir / "program/zip.exe" + "' does not exist.");
     tool("zip", "exit 0");
     EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
-    EXPECT_EQ(lastText(), "This command requires the 'unzip' program to test the zipped files.\nHowever the unzip "
-                          "program '" +
-                              dir / "program/unzip.exe" + "' does not exist.");
+    EXPECT_EQ(lastText(),
+              "This command requires the 'unzip' program to test the zipped files.\nHowever the unzip "
+              "program '" +
+                  dir / "program/unzip.exe" + "' does not exist.");
     tool("unzip.exe", "exit 0");
     EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
-    EXPECT_EQ(lastText(), "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the zip "
-                          "file.\n(the maximum zip file size is 600000000 bytes)");
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the zip "
+              "file.\n(the maximum zip file size is 600000000 bytes)");
     EXPECT_EQ(asked.size(), 3U);
 }
 
@@ -254,8 +266,8 @@ TEST_F(ShipCopies, AZipThatFailsIsToldAndTheOldOneStays) {
     EXPECT_FALSE(COPYTOZIP(owner, file("a", 1) + file("b", 2), ""));
     EXPECT_EQ(lastText(), "The following file(s) could not be zipped:\n\n\t" + dir / "files/a" + "\n\t" +
                               dir / "files/b" +
-                              "\n\nThe file(s) could not be found, or the destination...\n'" + dir / "to/a.zip" +
-                              "' could not be written.");
+                              "\n\nThe file(s) could not be found, or the destination...\n'" +
+                              dir / "to/a.zip" + "' could not be written.");
     EXPECT_EQ(read("to/a.zip"), "the old one");
     EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
 }
@@ -266,8 +278,8 @@ TEST_F(ShipCopies, TheZipProgramGetsACallForEachFile) {
     answers = {dir / "to/a.zip", "OK"};
     EXPECT_FALSE(COPYTOZIP(owner, file("a b", 1) + file("c", 2), ""));
     const std::string made = dir / "to/.a-1.zip";
-    EXPECT_EQ(read("calls"), made + " -j -9 " + dir / "files/a b" + "\n" + made + " -j -9 " + dir / "files/c" +
-                                 "\n-Z -s --t --h " + made + "\n");
+    EXPECT_EQ(read("calls"), made + " -j -9 " + dir / "files/a b" + "\n" + made + " -j -9 " +
+                                 dir / "files/c" + "\n-Z -s --t --h " + made + "\n");
     EXPECT_EQ(read("unzip.err"), "");
 }
 
@@ -297,13 +309,15 @@ protected:
 
 TEST_F(ShipInstallers, TheProgramIsAskedForThenTheFiles) {
     EXPECT_FALSE(run(dir / "none\n"));
-    EXPECT_EQ(lastText(), "This command requires the 'installer' program to create the installer.\nHowever the "
-                          "installer program '" +
-                              dir / "program/iscc.exe" + "' does not exist.");
+    EXPECT_EQ(lastText(),
+              "This command requires the 'installer' program to create the installer.\nHowever the "
+              "installer program '" +
+                  dir / "program/iscc.exe" + "' does not exist.");
     tool("iscc.exe", "exit 0");
     EXPECT_FALSE(run(dir / "none\n"));
-    EXPECT_EQ(lastText(), "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the "
-                          "installer.\n(the maximum size of the files to be installed is 600000000 bytes)");
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the "
+              "installer.\n(the maximum size of the files to be installed is 600000000 bytes)");
     EXPECT_EQ(asked.size(), 2U);
 }
 
@@ -315,8 +329,9 @@ TEST_F(ShipInstallers, TheCompilerGetsTheScriptAndMakesTheFileBesideTheProgram) 
     EXPECT_EQ(read("calls"), dir / "files/prog-install.iss" + "\n/O" + dir / "files" + "\n/Fprog-install\n");
     EXPECT_EQ(lastText(), "Created '" + dir / "files/prog-install.exe" + "'");
     EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Close", "Show Script"}));
-    EXPECT_NE(read("files/prog-install.iss").find("Source:\"" + dir / "files/an.ICO" +
-                                                  "\"; DestDir:\"{app}\\\"; DestName:\"mainicon.ico\";\n"),
+    EXPECT_NE(read("files/prog-install.iss")
+                  .find("Source:\"" + dir / "files/an.ICO" +
+                        "\"; DestDir:\"{app}\\\"; DestName:\"mainicon.ico\";\n"),
               std::string::npos)
         << "the icon among the files";
 }
@@ -326,8 +341,8 @@ TEST_F(ShipInstallers, WithoutANewFileItWasNotCreatedAndTheOldOneStays) {
     tool("iscc.exe", "echo 'x.iss(3) : error : something'; exit 0");
     answers = {"Close"};
     EXPECT_FALSE(run(file("prog.exe", 3)));
-    EXPECT_EQ(lastText(), "Could not create '" + dir / "files/prog-install.exe" +
-                              "'\n\nx.iss(3) : error : something");
+    EXPECT_EQ(lastText(),
+              "Could not create '" + dir / "files/prog-install.exe" + "'\n\nx.iss(3) : error : something");
     EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Close", "Show Script"}));
     EXPECT_EQ(read("files/prog-install.exe"), "the old one");
     EXPECT_EQ(GETDISKFILELIST(dir / "files", ".iscc*"), "");

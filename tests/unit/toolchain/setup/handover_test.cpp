@@ -24,7 +24,8 @@ protected:
         home = dir + "o'brien & \"x\"";
         std::filesystem::create_directories(home + "/Desktop");
         std::filesystem::copy(SOURCE_DIR "/examples/wordcount", dir + "wordcount");
-        ASSERT_EQ(ordo({"-fm", dir + "wordcount/wordcount.cls", "-o" + dir + "ordo.err"}), 0) << read("ordo.err");
+        ASSERT_EQ(ordo({"-fm", dir + "wordcount/wordcount.cls", "-o" + dir + "ordo.err"}), 0)
+            << read("ordo.err");
         ASSERT_EQ(ordo({"-ft", dir + "wordcount/wordcount.cls", "-n", "-o" + dir + "ordo.err"}), 0);
         files = withoutDebugInformation(read("ordo.err"));
         ASSERT_EQ(runAt(dir + "wordcount"), 0) << output;
@@ -59,18 +60,18 @@ protected:
         EXPECT_EQ(runAt(folder), 0) << output;
         EXPECT_EQ(output, expected);
         EXPECT_EQ(run("/usr/bin/env", {"-i", "LD_TRACE_LOADED_OBJECTS=1", folder + "/wordcount.exe"}), 0);
-        EXPECT_NE(output.find("libtarnwick.so => " + folder + "/libtarnwick.so"), std::string::npos) << output;
+        EXPECT_NE(output.find("libtarnwick.so => " + folder + "/libtarnwick.so"), std::string::npos)
+            << output;
         EXPECT_EQ(output.find(BINARY_DIR), std::string::npos) << output;
         EXPECT_EQ(output.find("not found"), std::string::npos) << output;
     }
     // Gives the same answer to each box.
     template <class Command>
     bool answering(const std::string& answer, const Command& command) {
-        auto before = platform::useView(
-            platform::makeHeadlessView([&](const platform::Question& question) {
-                told = question.text;
-                return answer;
-            }));
+        auto before = platform::useView(platform::makeHeadlessView([&](const platform::Question& question) {
+            told = question.text;
+            return answer;
+        }));
         ClearError();
         const bool ok = command();
         platform::useView(std::move(before));
@@ -80,8 +81,8 @@ protected:
         const std::string main = dir + "wordcount/wordcount.exe";
         write("wordcount-install.iss",
               CREATEISSSCRIPT("Ann", "(c)", "Words", "Counts words", "1.0", "1 0 0 0", files, main, ""));
-        ASSERT_EQ(run(BINARY_DIR "/iscc.exe",
-                      {dir + "wordcount-install.iss", "/O" + dir.substr(0, dir.size() - 1), "/Fwordcount-install"}),
+        ASSERT_EQ(run(BINARY_DIR "/iscc.exe", {dir + "wordcount-install.iss",
+                                               "/O" + dir.substr(0, dir.size() - 1), "/Fwordcount-install"}),
                   0)
             << output;
         installer = dir + "wordcount-install.exe";
@@ -158,7 +159,8 @@ TEST_F(Handover, ADamagedInstallerInstallsNothing) {
 TEST_F(Handover, QuestionsWithoutAnybodyToAskAreToldAndUnknownOptionsRefused) {
     makeInstaller();
     EXPECT_EQ(withHome(installer, {}), 2);
-    EXPECT_EQ(output, "There is no screen and no terminal to ask on. Use --home, --system, or --folder FOLDER.\n");
+    EXPECT_EQ(output,
+              "There is no screen and no terminal to ask on. Use --home, --system, or --folder FOLDER.\n");
     EXPECT_EQ(withHome(installer, {"--quite"}), 2);
     EXPECT_EQ(withHome(installer, {"--folder"}), 2);
     EXPECT_EQ(run("/usr/bin/env", {"-i", installer, "--quiet"}), 1);
@@ -171,7 +173,8 @@ TEST_F(Handover, AnInstallationThatIsKilledAnywhereIsMadeGoodByTheNext) {
     for (int milliseconds = 1; milliseconds < 200; milliseconds += 17) {
         os::StartError error = os::StartError::None;
         const auto child = os::processes().start(
-            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""}, error);
+            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""},
+            error);
         ASSERT_NE(child, nullptr);
         child->wait(milliseconds);
         child->stop(0);

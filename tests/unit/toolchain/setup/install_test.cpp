@@ -26,7 +26,8 @@ std::string scriptOf(const std::string& files) {
            "Compression=lzma/normal\n\n[Icons]\n"
            "Name:\"{group}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\";\n"
            "Name:\"{group}\\Uninstall\"; Filename:\"{uninstallexe}\";\n"
-           "Name:\"{commondesktop}\\prog\"; Filename:\"{app}\\prog.exe\"; WorkingDir:\"{app}\";\n\n[Files]\n" +
+           "Name:\"{commondesktop}\\prog\"; Filename:\"{app}\\prog.exe\"; "
+           "WorkingDir:\"{app}\";\n\n[Files]\n" +
            files;
 }
 
@@ -240,8 +241,7 @@ bool dies(Machine& machine, int call, const std::string& version) {
     machine.disk.dieAt(call);
     try {
         static_cast<void>(machine.install(version));
-    } catch (const os::ProcessDeath&) {
-    }
+    } catch (const os::ProcessDeath&) {}
     const bool dead = machine.disk.dead();
     machine.disk.revive();
     machine.disk.stopFailing();
@@ -250,16 +250,16 @@ bool dies(Machine& machine, int call, const std::string& version) {
 
 TEST(Install, ADeathAtAnyCallIsUndoneByTheNextRun) {
     const Snapshot whole = firstInstalled();
-    const int calls = atEachCall(
-        [](Machine&) {}, [](Machine& machine, int call) { return dies(machine, call, "first"); },
-        [&](Machine& machine) {
-            EXPECT_EQ(undoUnfinished(places.app), "");
-            const Snapshot now = homeOf(machine.disk);
-            EXPECT_TRUE(now.empty() || now == whole) << different(whole, now);
-            EXPECT_EQ(machine.install("first"), "");
-            EXPECT_EQ(machine.disk.contents(inApp("prog.exe")), "first");
-            EXPECT_FALSE(os::infoOf("/home/u/.local/opt/.prog.setup").exists);
-        });
+    const int calls =
+        atEachCall([](Machine&) {}, [](Machine& machine, int call) { return dies(machine, call, "first"); },
+                   [&](Machine& machine) {
+                       EXPECT_EQ(undoUnfinished(places.app), "");
+                       const Snapshot now = homeOf(machine.disk);
+                       EXPECT_TRUE(now.empty() || now == whole) << different(whole, now);
+                       EXPECT_EQ(machine.install("first"), "");
+                       EXPECT_EQ(machine.disk.contents(inApp("prog.exe")), "first");
+                       EXPECT_FALSE(os::infoOf("/home/u/.local/opt/.prog.setup").exists);
+                   });
     EXPECT_GT(calls, 30);
 }
 
@@ -294,8 +294,7 @@ TEST(Install, ADeathWhileUndoingIsUndoneAsWell) {
             machine.disk.dieAt(second);
             try {
                 static_cast<void>(undoUnfinished(places.app));
-            } catch (const os::ProcessDeath&) {
-            }
+            } catch (const os::ProcessDeath&) {}
             machine.disk.revive();
             machine.disk.stopFailing();
             EXPECT_EQ(undoUnfinished(places.app), "");
@@ -325,7 +324,8 @@ TEST(Install, AnErrorAtAnyCallLeavesWhatWasThere) {
             },
             [&](Machine& machine) {
                 const Snapshot now = homeOf(machine.disk);
-                EXPECT_TRUE(failure.empty() ? now.at(inApp("prog.exe")) == "second" : now == before) << failure;
+                EXPECT_TRUE(failure.empty() ? now.at(inApp("prog.exe")) == "second" : now == before)
+                    << failure;
                 EXPECT_EQ(now.count(inApp("notes.txt")), 1U);
             });
     }

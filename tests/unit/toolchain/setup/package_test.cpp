@@ -91,8 +91,9 @@ TEST_F(Packages, AFailureAtAnyCallKeepsTheInstallerThatWasThere) {
 }
 
 TEST_F(Packages, AFileThatIsNotThereIsToldAndNothingIsMade) {
-    disk.put("/src/script", std::string(Script) + "Source:\"/src/none\"; DestDir:\"{app}\\\";\n"
-                                                  "Source:\"/src\"; DestDir:\"{app}\\\"; DestName:\"folder\";\n");
+    disk.put("/src/script", std::string(Script) +
+                                "Source:\"/src/none\"; DestDir:\"{app}\\\";\n"
+                                "Source:\"/src\"; DestDir:\"{app}\\\"; DestName:\"folder\";\n");
     EXPECT_EQ(make(), "/src/script(0) : error : the file '/src/none' does not exist\n"
                       "/src/script(0) : error : the file '/src' does not exist\n");
     EXPECT_FALSE(disk.has("/out/a.exe"));
@@ -122,8 +123,9 @@ TEST_F(Packages, WhatAsksInWindowsGoesAlongInFrontWhereItsLibrariesDo) {
         return names;
     };
     EXPECT_EQ(files(), "prog.exe;a 'b'.txt;");
-    disk.put("/src/script", std::string(Script) + "Source:\"/src/libtarnwick.so\"; DestDir:\"{app}\\\";\n"
-                                                  "Source:\"/src/libtarnwick-qt.so\"; DestDir:\"{app}\\\";\n");
+    disk.put("/src/script", std::string(Script) +
+                                "Source:\"/src/libtarnwick.so\"; DestDir:\"{app}\\\";\n"
+                                "Source:\"/src/libtarnwick-qt.so\"; DestDir:\"{app}\\\";\n");
     EXPECT_EQ(files(), "libtarnwick-qt.so;libtarnwick.so;tarnwick-ask;prog.exe;a 'b'.txt;");
 }
 
@@ -140,9 +142,10 @@ TEST(PackageHead, IsReadAsItWasWritten) {
 }
 
 TEST(PackageHead, NamesThatLeadElsewhereAndUnknownLinesAreRefused) {
-    for (const char* line : {"file x 1 ../a", "file x 1 a/b", "file x 1 ..", "file x 1 ", "file x -1 a", "file y 1 a",
-                             "file x 1x a", "file x 600000001 a", "file x 1 prog.exe", "shortcut menu", "else a",
-                             "shortcut menu other", "file x 99999999999999999999 a"}) {
+    for (const char* line :
+         {"file x 1 ../a", "file x 1 a/b", "file x 1 ..", "file x 1 ", "file x -1 a", "file y 1 a",
+          "file x 1x a", "file x 600000001 a", "file x 1 prog.exe", "shortcut menu", "else a",
+          "shortcut menu other", "file x 99999999999999999999 a"}) {
         Package package;
         EXPECT_NE(readHead("tarnwick setup 1\nname prog\nprogram prog.exe\nfile x 1 prog.exe\n" +
                                std::string(line) + "\n\n",
@@ -150,8 +153,9 @@ TEST(PackageHead, NamesThatLeadElsewhereAndUnknownLinesAreRefused) {
                   "")
             << line;
     }
-    for (const char* head : {"", "tarnwick setup 2\n\n", "tarnwick setup 1\n\n", "tarnwick setup 1\nname ../x\n\n",
-                             "tarnwick setup 1\nname prog\nprogram other\nfile x 1 prog.exe\n\n"}) {
+    for (const char* head :
+         {"", "tarnwick setup 2\n\n", "tarnwick setup 1\n\n", "tarnwick setup 1\nname ../x\n\n",
+          "tarnwick setup 1\nname prog\nprogram other\nfile x 1 prog.exe\n\n"}) {
         Package package;
         EXPECT_NE(readHead(head, package), "") << head;
     }
@@ -160,7 +164,8 @@ TEST(PackageHead, NamesThatLeadElsewhereAndUnknownLinesAreRefused) {
 TEST(PackageNames, AreThoseOfFilesAlone) {
     for (const char* good : {"a", "a b'c\"d", "..a", "...", ".hidden", "\xC3\xA4", "-rf"})
         EXPECT_TRUE(isPlainName(good)) << good;
-    for (const char* bad : {"", ".", "..", "a/b", "/a", "a\\b", "a\nb", "a\tb"}) EXPECT_FALSE(isPlainName(bad)) << bad;
+    for (const char* bad : {"", ".", "..", "a/b", "/a", "a\\b", "a\nb", "a\tb"})
+        EXPECT_FALSE(isPlainName(bad)) << bad;
     EXPECT_FALSE(isPlainName(std::string(300, 'a')));
 }
 

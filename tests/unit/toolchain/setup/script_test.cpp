@@ -27,7 +27,8 @@ std::string written(const std::string& icon, const std::string& files) {
 
 TEST(InstallerScript, ReadsWhatThePackagerWrites) {
     Script script;
-    const auto errors = readScript(written("/i/x.ico", "/home/u/word count.exe\tmore\n/a \"b\"/c'd.txt\n"), script);
+    const auto errors =
+        readScript(written("/i/x.ico", "/home/u/word count.exe\tmore\n/a \"b\"/c'd.txt\n"), script);
     ASSERT_TRUE(errors.empty()) << errors[0].line << errors[0].text;
     const Package& package = script.package;
     EXPECT_EQ(package.name, "word count");
@@ -93,7 +94,8 @@ TEST(InstallerScript, TellsEachThingThatIsWrongWithItsLine) {
          "22 the key 'Parameters' is not known here\n"},
         {"Name:\"{group}\\Un", "Name:\"{group}\\U; Filename:\"{uninstallexe}\";",
          "22 a semicolon is missing behind the value of 'Name'\n"},
-        {"Name:\"{group}\\Un", "Name:\"{group}\\U\"; Filename:\"{uninstallexe}", "22 the quotes are not closed\n"},
+        {"Name:\"{group}\\Un", "Name:\"{group}\\U\"; Filename:\"{uninstallexe}",
+         "22 the quotes are not closed\n"},
         {"Name:\"{group}\\Un", "Name:\"{group}\\U\"; Name:\"x\"", "22 the key 'Name' stands twice\n"},
         {"Name:\"{group}\\Un", "Name", "22 a key without a value\n"},
         {"Name:\"{group}\\Un", "Name:\"{group}\\U\"; Filename:\"{uninstallexe}\"; WorkingDir:\"/\";",
@@ -101,7 +103,8 @@ TEST(InstallerScript, TellsEachThingThatIsWrongWithItsLine) {
         {"Name:\"{group}\\Un", "Name:\"{group}\\U\"; Filename:\"{uninstallexe}\"; IconFilename:\"/x.ico\";",
          "22 the icon must be {app}\\mainicon.ico\n"},
         {"Source:\"/home", "Source:\"/home/u/../x/word count.exe\"; DestDir:\"{app}\\\";",
-         "27 '/home/u/../x/word count.exe' leads out of its folder\n0 'word count.exe' is not among the files\n"},
+         "27 '/home/u/../x/word count.exe' leads out of its folder\n0 'word count.exe' is not among the "
+         "files\n"},
         {"Source:\"/i", "Source:\"/i/x.ico\"; DestDir:\"{app}\\..\\\"; DestName:\"mainicon.ico\";",
          "26 the folder must be {app}\\\n0 'mainicon.ico' is not among the files\n"},
         {"Source:\"/i", "Source:\"/i/x.ico\"; DestDir:\"{app}\\\"; DestName:\"../mainicon.ico\";",
@@ -113,8 +116,11 @@ TEST(InstallerScript, TellsEachThingThatIsWrongWithItsLine) {
         {"Source:\"/i", "Source:\"/i/\"; DestDir:\"{app}\\\";",
          "26 '' is no name of a file\n0 'mainicon.ico' is not among the files\n"},
     };
-    for (const Row& row : rows) EXPECT_EQ(errorsOf(with(row.old, row.line)).substr(0, std::string(row.error).size()), row.error) << row.line;
-    EXPECT_EQ(errorsOf(""), "0 [Setup] has no AppName\n0 [Setup] has no DefaultDirName\n0 [Icons] names no program\n");
+    for (const Row& row : rows)
+        EXPECT_EQ(errorsOf(with(row.old, row.line)).substr(0, std::string(row.error).size()), row.error)
+            << row.line;
+    EXPECT_EQ(errorsOf(""),
+              "0 [Setup] has no AppName\n0 [Setup] has no DefaultDirName\n0 [Icons] names no program\n");
     EXPECT_EQ(errorsOf(std::string("[Setup]\nApp\0Name=x", 18)).substr(0, 16), "2 a character 0\n");
 }
 
@@ -125,7 +131,8 @@ TEST(InstallerScript, TwoFaultsAreBothTold) {
 
 TEST(InstallerScript, NoTextOfTheUserBecomesALine) {
     const std::string evil = "a\n[Files]\nSource:\"/etc/passwd\"; DestDir:\"{app}\\\";";
-    const std::string text = CREATEISSSCRIPT(evil, evil, evil, evil, evil, "1 2", "/p/x.exe\n", "/p/x.exe", "");
+    const std::string text =
+        CREATEISSSCRIPT(evil, evil, evil, evil, evil, "1 2", "/p/x.exe\n", "/p/x.exe", "");
     Script script;
     EXPECT_EQ(errorsOf(text), "");
     static_cast<void>(readScript(text, script));
