@@ -84,7 +84,7 @@ void programEnded(int) {
 void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
     for (const char* name : {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg",
-                             "open2.bmp", "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so",
+                             "open2.bmp", "open3.bmp", "quarn.exe", "ordo.exe", "iscc.exe", "libtarnwick.so",
                              "libtarnwick-qt.so", "libtarnwick-edit.so", "libtarnwick-help.so", "help"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);

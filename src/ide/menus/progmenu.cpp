@@ -10,6 +10,7 @@
 #include "ide/program/progprops.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projwindow.h"
+#include "ide/ship/packager.h"
 #include "library/system/system.h"
 
 MODULE("progmenu", tarn::PROJECT_ONERROR)
@@ -82,6 +83,13 @@ void DO_SHOW_OUTPUT() {
     FRAME(DO_SHOW_OUTPUT);
     STAMP();
     SHOWOUTPUTFILES("Program-Show Output Files", COMPILERGETMAINFILE());
+    STAMP();
+}
+
+void DO_COPY_EXE() {
+    FRAME(DO_COPY_EXE);
+    STAMP();
+    COPYEXE("Program-Copy EXE File", COMPILERGETMAINFILE());
     STAMP();
 }
 

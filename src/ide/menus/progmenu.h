@@ -14,5 +14,6 @@ void DO_REFRESH();
 void DO_REMOVE_FILE();
 void DO_SHOW_INPUT();
 void DO_SHOW_OUTPUT();
+void DO_COPY_EXE();
 
 }  // namespace tarn

@@ -148,7 +148,7 @@ constexpr Row rows[] = {
     {"program_remove_file", "", [](const Fired&) { DO_REMOVE_FILE(); }},
     {"program_show_input", "", [](const Fired&) { DO_SHOW_INPUT(); }},
     {"program_show_output", "", [](const Fired&) { DO_SHOW_OUTPUT(); }},
-    {"program_copy_exe", "", nullptr},
+    {"program_copy_exe", "", [](const Fired&) { DO_COPY_EXE(); }},
     {"run_quickbuild", "btnrun_quickbuild", quickbuild},
     {"run_rebuild", "", [](const Fired&) { DO_REBUILD(); }},
     {"run_compile", "", [](const Fired&) { DO_COMPILE(); }},
