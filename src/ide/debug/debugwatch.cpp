@@ -9,10 +9,8 @@
 #include "ide/shell/windows.h"
 #include "kernel/debug/stopnotice.h"
 #include "library/system/system.h"
-#include "platform/operations/debugger.h"
 
 #include <algorithm>
-#include <csignal>
 #include <vector>
 
 MODULE("runexe", tarn::IDE_ONERROR)
@@ -105,11 +103,8 @@ void FORGETPROGRAM(int process) {
 void BREAKDEBUGGED() {
     FRAME(BREAKDEBUGGED);
     STAMP();
-    for (auto program = programs().rbegin(); program != programs().rend(); ++program) {
-        if (program->seen.state != DebugState::Running) continue;
-        ::kill(program->process, platform::DebugBreakSignal);
-        return;
-    }
+    for (auto program = programs().rbegin(); program != programs().rend(); ++program)
+        if (program->seen.state == DebugState::Running && BreakInto(program->process)) return;
     Sound();
     TELLSTATUS("No program runs in the debugger.");
     STAMP();
