@@ -81,9 +81,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string after = ValueText(value, kind, Form);
     if (IsAdtKind(kind)) require(AdtCheck(value, kind).empty());
     if (!read) require(after == before);
-    std::int32_t again = 1;
+    ValueMisfit misfit;
     if (after.size() < MaxValueText) {
-        require(ValueFromWholeText(after, again, value, kind));
+        require(ValueFromWholeText(after, value, kind, misfit));
         require(ValueText(value, kind, Form) == after);
     }
     AdtFree(value, kind);

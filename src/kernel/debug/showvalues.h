@@ -63,7 +63,8 @@ bool ShowWholeValue(platform::DebugWindow& window, std::int32_t frame, int line,
 // as they were; the error cell stays as it was.
 std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int line, std::string_view text);
 
-// The variable that a line shows, or which element of it: "names", "element 2 of names"; empty for a line without one.
+// The variable that a line shows, or which element of it, counted from 1: "x : Integer", "element 2 of names"; empty for a
+// line without one.
 std::string NameOfValue(std::int32_t frame, int line);
 
 // The value that a line shows as ChangeValue takes it, without the limits but MaxShownText; empty for a line without one.

@@ -33,20 +33,25 @@ constexpr std::string_view wanted[KindCount] = {
     "the elements between { and }, with commas",
     "the rows between { and }, with commas, no two with one key"};
 
+constexpr std::string_view unchanged = "The value was not changed: ";
+
+std::string failure() {
+    if (ErrorCell() == 0) return {};
+    return std::string(unchanged) + ErrorMessage(ErrorCell()) + ".";
+}
+
 // What is wrong with a text that was refused, in words for the user.
-std::string refusal(Kind kind, std::int32_t position) {
-    if (ErrorCell() != 0) return "The value was not changed: " + ErrorMessage(ErrorCell()) + ".";
-    return "The value was not changed: the text does not fit from character " + std::to_string(position) +
-           " on. Here stands " + std::string(wanted[kind]) + ".";
+std::string refusal(const ValueMisfit& misfit) {
+    if (ErrorCell() != 0) return failure();
+    std::string text = std::string(unchanged) + "at character " + std::to_string(misfit.position) +
+                       " it takes " + std::string(wanted[misfit.kind]);
+    if (misfit.capacity != 0) text += ", of at most " + std::to_string(misfit.capacity) + " characters";
+    return text + ".";
 }
 
 std::string changed(std::string_view text, void* at, Kind kind) {
-    std::int32_t position = 1;
-    return ValueFromWholeText(text, position, at, kind) ? std::string() : refusal(kind, position);
-}
-
-std::string done() {
-    return ErrorCell() == 0 ? std::string() : refusal(KindNone, 0);
+    ValueMisfit misfit;
+    return ValueFromWholeText(text, at, kind, misfit) ? std::string() : refusal(misfit);
 }
 
 // An element that stands in a file is read beside, changed, and put back.
@@ -54,11 +59,11 @@ std::string changeInFile(std::string_view text, ListDescriptor* list, std::int32
     const Kind kind = ListElementKind(list);
     ElementBeside element(At(list->prototype), kind);
     ListGet(list, position, element.at(), kind);
-    if (ErrorCell() != 0) return done();
+    if (ErrorCell() != 0) return failure();
     const std::string why = changed(text, element.at(), kind);
     if (!why.empty()) return why;
     ListPut(element.at(), kind, position, list);
-    return done();
+    return failure();
 }
 
 // The indexes follow a row that is changed.
@@ -69,14 +74,14 @@ std::string changeRow(std::string_view text, TableDescriptor* table, std::int32_
     TableRow(table, number, row.get());
     const bool hasIndex = TableIndexCount(table) > 0;
     if (hasIndex) TableKeyFromRow(table, 1, row.get(), key.get());
-    if (ErrorCell() != 0) return done();
+    if (ErrorCell() != 0) return failure();
     const std::string why = changed(text, row.get(), KindRecord);
     if (!why.empty()) return why;
     if (hasIndex)
         TableUpdate(row.get(), 1, key.get(), table);
     else
         ListPut(row.get(), KindRecord, number, rows);
-    return done();
+    return failure();
 }
 
 std::string changeElement(std::string_view text, const VariableEntry& entry, std::int32_t index) {
@@ -86,7 +91,7 @@ std::string changeElement(std::string_view text, const VariableEntry& entry, std
     const bool inFile = ReadAt<DescriptorHead>(entry.address).tag > TagInFile;
     if (inFile) return changeInFile(text, static_cast<ListDescriptor*>(entry.address), index + 1);
     ValueElements all(entry.address, kind);
-    if (index >= all.count()) return "The value was not changed: the element is there no more.";
+    if (index >= all.count()) return std::string(unchanged) + "the element is there no more.";
     return changed(text, const_cast<void*>(all.at(index)), all.kind(index));
 }
 
@@ -109,9 +114,8 @@ std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int l
 std::string NameOfValue(std::int32_t frame, int line) {
     const LineValue at = ValueOfLine(frame, line);
     if (at.variable == nullptr) return {};
-    const std::string name = at.variable->name;
-    if (at.element == ShownLine::NoElement) return name;
-    return "element " + std::to_string(at.element + 1) + " of " + name;
+    if (at.element == ShownLine::NoElement) return VariableHead(*at.variable);
+    return "element " + std::to_string(at.element + 1) + " of " + at.variable->name;
 }
 
 std::string WholeValue(std::int32_t frame, int line, bool hex) {

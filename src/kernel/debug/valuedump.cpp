@@ -73,6 +73,10 @@ bool isValue(const void* at, Kind kind) {
 
 }  // namespace
 
+std::string VariableHead(const VariableEntry& entry) {
+    return std::string(entry.name) + " : " + typeText(entry.address, static_cast<Kind>(entry.kind));
+}
+
 std::uint32_t OneLineFlags(bool hex) {
     return VALUE_BRACES | VALUE_BLANKS | VALUE_CHARACTERS | VALUE_TO_NUL | (hex ? VALUE_HEX : 0U);
 }
@@ -101,7 +105,7 @@ void ValueDump::add(const VariableEntry& entry, const HowShown& how) {
     if (!IsValueKind(kind) || entry.address == nullptr || full()) return;
     variables_.push_back({entry.address, 0, 0, 0, {}});
     const std::size_t start = text_.size(), line = lines_.size();
-    text_ += std::string(entry.name) + " : " + typeText(entry.address, kind) + " = ";
+    text_ += VariableHead(entry) + " = ";
     variables_.back().head = fingerprint(std::string_view(text_).substr(start));
     const bool expanded = entry.expanded && IsExpandable(kind) && isValue(entry.address, kind);
     if (!expanded) variable(entry.address, kind, how.whole.contains(ShownLine::NoElement));

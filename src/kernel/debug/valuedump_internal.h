@@ -62,6 +62,9 @@ private:
     std::vector<ShownVariable> variables_;
 };
 
+// What stands in front of a variable's value: "x : Integer".
+std::string VariableHead(const VariableEntry& entry);
+
 // The flags for values in one line.
 std::uint32_t OneLineFlags(bool hex);
 // A value in one line, within the limits of one.

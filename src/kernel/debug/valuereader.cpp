@@ -176,6 +176,7 @@ bool ValueReader::string(StringDescriptor* into) {
         into->maxlength == UNBOUNDED || bytes.size() <= static_cast<std::size_t>(into->maxlength);
     if (fits) StringAssignView(into, bytes);
     if (fits && OwnErrors::code() == 0) return true;
+    if (!fits) capacity_ = into->maxlength;
     at_ = start;
     return false;
 }
@@ -190,7 +191,14 @@ bool ValueReader::set(SetDescriptor* into) {
     return error == 0;
 }
 
+// The innermost value that does not fit is the first that says so.
 bool ValueReader::value(void* into, const void* old, Kind kind) {
+    const bool read = valueOf(into, old, kind);
+    if (!read && wanted_ == KindNone) wanted_ = kind;
+    return read;
+}
+
+bool ValueReader::valueOf(void* into, const void* old, Kind kind) {
     switch (kind) {
     case KindBoolean: return boolean(into);
     case KindEnum: return ordinal(into);
@@ -376,8 +384,10 @@ bool readDescriptor(ValueReader& reader, void* value, Kind kind, Behind behind) 
     return (behind == Behind::Anything || reader.ends()) && fresh.replaceTarget();
 }
 
-bool readValue(std::string_view text, std::int32_t& position, void* value, std::int32_t kind, Behind behind) {
+bool readValue(std::string_view text, void* value, std::int32_t kind, Behind behind, ValueMisfit& misfit) {
     const auto known = static_cast<Kind>(kind);
+    std::int32_t& position = misfit.position;
+    misfit.kind = kind;
     if (value == nullptr || !IsValueKind(kind) || !IsOfKind(value, known)) return Refuse(ERR_UNIDENTIFIABLE);
     text = text.substr(0, INT32_MAX - 1);  // positions are integers
     if (position < 1 || static_cast<std::size_t>(position) > text.size() + 1) return false;
@@ -388,6 +398,8 @@ bool readValue(std::string_view text, std::int32_t& position, void* value, std::
                                : readNumber(reader, value, known, behind);
     });
     position = static_cast<std::int32_t>(reader.position()) + 1;
+    if (reader.wanted() != KindNone) misfit.kind = reader.wanted();
+    misfit.capacity = reader.capacity();
     // What does not fit is told by the result.
     const std::int32_t code = OwnErrors::code();
     if (code != ERR_OUT_OF_MEMORY && !IsFileFailure(code)) OwnErrors::forget();
@@ -397,12 +409,15 @@ bool readValue(std::string_view text, std::int32_t& position, void* value, std::
 }  // namespace
 
 bool ValueFromText(std::string_view text, std::int32_t& position, void* value, std::int32_t kind) {
-    return readValue(text, position, value, kind, Behind::Anything);
+    ValueMisfit misfit{position};
+    const bool read = readValue(text, value, kind, Behind::Anything, misfit);
+    position = misfit.position;
+    return read;
 }
 
-bool ValueFromWholeText(std::string_view text, std::int32_t& position, void* value, std::int32_t kind) {
-    position = 1;
-    return readValue(text, position, value, kind, Behind::Nothing);
+bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit) {
+    misfit = {};
+    return readValue(text, value, kind, Behind::Nothing, misfit);
 }
 
 }  // namespace tarn

@@ -23,10 +23,14 @@ public:
     // Whether nothing but blanks follows; the text is behind them then.
     bool ends();
     [[nodiscard]] std::size_t position() const { return at_; }
+    // What was wanted there; capacity 0 for what is no string that is too short.
+    [[nodiscard]] Kind wanted() const { return wanted_; }
+    [[nodiscard]] std::int32_t capacity() const { return capacity_; }
 
 private:
     // `old` may be null here.
     bool value(void* into, const void* old, Kind kind);
+    bool valueOf(void* into, const void* old, Kind kind);
     bool boolean(void* into);
     bool ordinal(void* into);
     bool integer(std::int32_t& number);
@@ -60,6 +64,8 @@ private:
 
     std::string_view text_;
     std::size_t at_;
+    Kind wanted_ = KindNone;
+    std::int32_t capacity_ = 0;
 };
 
 }  // namespace tarn

@@ -58,7 +58,14 @@ std::string ValueText(const void* value, std::int32_t kind, std::uint32_t flags)
 // than it holds, a row whose key is there); `position` is then where it does not. Also with an error in the cell: 764 as
 // above, 802, and the codes of files.
 bool ValueFromText(std::string_view text, std::int32_t& position, void* value, std::int32_t kind);
+
+// Where a text does not fit, and what would.
+struct ValueMisfit {
+    std::int32_t position = 1;
+    std::int32_t kind = 0;      // of the value, or of the one inside of it, that begins or goes on there
+    std::int32_t capacity = 0;  // of a fixed string for which the text is too long
+};
 // The same for a text that is one value from its beginning to its end, but for blanks: all else behind it does not fit.
-bool ValueFromWholeText(std::string_view text, std::int32_t& position, void* value, std::int32_t kind);
+bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit);
 
 }  // namespace tarn

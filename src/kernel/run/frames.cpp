@@ -210,6 +210,7 @@ void RegisterClass(std::string_view sourcePath, std::string_view className) {
 void RegisterVariable(std::string_view name, char role, std::int32_t kind, void* address) {
     constexpr std::string_view roles = "CINOV";
     if (variableTable == nullptr || variableTable->count >= MaxVariables) return;
+    if (FrameCount() > MaxFrames) return;  // nobody would drop it when that frame leaves
     if (role == 0 || roles.find(role) == std::string_view::npos) return;
     if (kind < 1 || kind > 12 || address == nullptr) return;
     VariableEntry& entry = variableTable->entries[variableTable->count++];

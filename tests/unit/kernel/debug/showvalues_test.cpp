@@ -422,16 +422,29 @@ TEST_F(ShownValues, RefuseWhatDoesNotFit) {
     add("text", Text("abc", 5));
     add("given", Text("abc"), 'I');
     show();
-    const std::string start = "The value was not changed: the text does not fit from character ";
-    EXPECT_EQ(ChangeValue(*window_, 1, 1, "x"),
-              start +
-                  "1 on. Here stands an integer, in decimal or as 0x and up to eight hexadecimal digits.");
-    EXPECT_EQ(ChangeValue(*window_, 1, 1, "12 x").substr(0, start.size() + 1), start + "4");
-    EXPECT_EQ(ChangeValue(*window_, 1, 2, "\"toolong\""),
-              start + "1 on. Here stands a text in double quotes.");
+    add("list", List(Record({Text("", 3), integer(0)}), {}));
+    show();
+    const struct {
+        int line;
+        const char* text;
+        const char* refusal;
+    } cases[] = {
+        {1, "x", "1 it takes an integer, in decimal or as 0x and up to eight hexadecimal digits."},
+        {1, "12 x", "4 it takes an integer, in decimal or as 0x and up to eight hexadecimal digits."},
+        {2, "\"toolong\"", "1 it takes a text in double quotes, of at most 5 characters."},
+        {2, "short", "1 it takes a text in double quotes."},
+        {4, "{{\"abcd\", 1}}", "3 it takes a text in double quotes, of at most 3 characters."},
+        {4, "{{\"abc\", x}}",
+         "10 it takes an integer, in decimal or as 0x and up to eight hexadecimal digits."},
+        {4, "{{\"abc\", 1, 2}}", "13 it takes the fields between { and }, with commas."},
+        {4, "{{\"abc\", 1}", "12 it takes the elements between { and }, with commas."},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(ChangeValue(*window_, 1, one.line, one.text),
+                  std::string("The value was not changed: at character ") + one.refusal);
     EXPECT_EQ(ChangeValue(*window_, 1, 3, "\"x\""),
               "A parameter of mode in is the value of the caller, and cannot be changed here.");
-    EXPECT_EQ(ChangeValue(*window_, 1, 4, "1"), "There is no value in this line.");
+    EXPECT_EQ(ChangeValue(*window_, 1, 5, "1"), "There is no value in this line.");
     EXPECT_EQ(ChangeValue(*window_, 2, 1, "1"), "There is no value in this line.");
     EXPECT_EQ(a, 1);
     SetError(603);
@@ -481,6 +494,10 @@ TEST_F(ShownValues, AreToldAsAWhole) {
     add("list", List(Text(""), {Text(text), Text("b")}));
     entry(2).expanded = true;
     show();
+    EXPECT_EQ(NameOfValue(1, 1), "text : String");
+    EXPECT_EQ(NameOfValue(1, 2), "list : List (Length=2)");
+    EXPECT_EQ(NameOfValue(1, 4), "element 2 of list");
+    EXPECT_EQ(NameOfValue(1, 5), "");
     EXPECT_EQ(WholeValue(1, 1, false), "\"" + text + "\"");
     EXPECT_EQ(WholeValue(1, 2, false), "{\"" + text + "\", \"b\"}");
     EXPECT_EQ(WholeValue(1, 3, false), "\"" + text + "\"");

@@ -163,18 +163,20 @@ TEST_F(ValueReading, AWholeTextIsOneValueAlone) {
         std::int32_t position;
     } cases[] = {{"5", true, 2}, {" 5 \n", true, 5}, {"5 6", false, 3}, {"5,", false, 2}, {"", false, 1}};
     for (const auto& one : cases) {
-        std::int32_t number = 1, position = 100;
-        EXPECT_EQ(ValueFromWholeText(one.text, position, &number, KindInteger), one.fits) << one.text;
-        EXPECT_EQ(position, one.position) << one.text;
+        std::int32_t number = 1;
+        ValueMisfit misfit{100, 7, 7};
+        EXPECT_EQ(ValueFromWholeText(one.text, &number, KindInteger, misfit), one.fits) << one.text;
+        EXPECT_EQ(misfit.position, one.position) << one.text;
+        EXPECT_EQ(misfit.kind, KindInteger) << one.text;
+        EXPECT_EQ(misfit.capacity, 0) << one.text;
         EXPECT_EQ(number, one.fits ? 5 : 1);
     }
     std::int64_t fixed = 1;
-    std::int32_t behind = 0;
-    EXPECT_FALSE(ValueFromWholeText("1E5", behind, &fixed, KindFixed));
-    EXPECT_EQ(behind, 2);
+    ValueMisfit misfit;
+    EXPECT_FALSE(ValueFromWholeText("1E5", &fixed, KindFixed, misfit));
+    EXPECT_EQ(misfit.position, 2);
     OddValue list(integers({1}));
-    std::int32_t position = 0;
-    EXPECT_FALSE(ValueFromWholeText("{2} 3", position, list.at(), KindList));
+    EXPECT_FALSE(ValueFromWholeText("{2} 3", list.at(), KindList, misfit));
     EXPECT_EQ(model::Differs(integers({1}), list.at()), "");
 }
 
