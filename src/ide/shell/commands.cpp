@@ -105,6 +105,7 @@ constexpr Row rows[] = {
     {"edit_replace_files", "", [](const Fired&) { DO_REPLACE_FILES(); }},
     {"edit_properties", "", [](const Fired&) { DO_PROPERTIES(); }},
     {"edit_dialog_changes", "", [](const Fired&) { DO_DIALOG_CHANGES(); }},
+    {"edit_dialog_preview", "", [](const Fired&) { DO_DIALOG_PREVIEW(); }},
     {"edit_dialog_properties", "", [](const Fired&) { DO_PROPERTY_WINDOW(); }},
     {"edit_dialog_align_left", "",
      [](const Fired& fired) { DIALOGCOMMAND(STRLOWER(GetName(fired.control))); }, true},

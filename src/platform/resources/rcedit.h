@@ -15,9 +15,14 @@ namespace tarn::platform {
 
 std::string readObjects(const RcFile& parsed, const std::string& file, const std::string& name,
                         ObjectArray& objects);
-// Of a dialog and its menu both are written or none.
+// Of a dialog and its menu both are written or none. `past` as ResourceWrite has it.
 std::string writeObjects(RcFile& parsed, const std::string& file, const ObjectArray& dialog,
-                         const ObjectArray& menu);
+                         const ObjectArray& menu, ResourcePast& past);
+inline std::string writeObjects(RcFile& parsed, const std::string& file, const ObjectArray& dialog,
+                                const ObjectArray& menu) {
+    ResourcePast none;
+    return writeObjects(parsed, file, dialog, menu, none);
+}
 std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& name);
 std::string renameStatement(RcFile& parsed, const std::string& file, const std::string& oldName,
                             const std::string& newName);
