@@ -166,7 +166,7 @@ TEST_F(DebugEdits, AValueIsChanged) {
     stampAt(5);
     EXPECT_EQ(x, 41);
     ASSERT_EQ(boxes().size(), 3U);
-    EXPECT_EQ(boxes()[0], "Integrated Debugger|New value of x:|7");
+    EXPECT_EQ(boxes()[0], "Integrated Debugger|New value of x : Integer:|7");
     EXPECT_TRUE(boxes()[2].ends_with("|OK")) << boxes()[2];
 }
 
