@@ -65,7 +65,7 @@ def main():
     folder = sys.argv[1]
     all_ = {}
     for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
-                 "search_bench", "program_bench"):
+                 "search_bench", "program_bench", "debugger_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -130,6 +130,8 @@ def main():
         ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
         ("programMakeTool", None, None), ("programOpen", None, 60e6), ("programRefresh", None, 30e6),
         ("programRows5000", "treeRows5000", 0.6),
+        ("debugStop8000", None, 30e6), ("debugStep", None, 5e6), ("debugValues20000", None, 20e6),
+        ("userBreakAsked", "userBreakAskedAlone", None), ("userBreakAsked", None, 10),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("designRedraw255", "plainPaint255", 1.2), ("designAnew255", "plain255", None), ("designAnew255", None, 50e6),
         *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),

@@ -37,7 +37,7 @@ const std::map<std::string, LineForm> forms = {
     {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}},
     {"strike", {3}},      {"sheet", {2}},       {"restart", {0}},   {"tick", {1}},
     {"activate", {1}},    {"design", {2}},      {"point", {1}},     {"drag", {3}},
-    {"margin", {1}}};
+    {"margin", {1}},      {"front", {1, true}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
@@ -76,6 +76,11 @@ void chooseAlternative(std::vector<std::string>& words, bool realInput) {
         words.erase(middle, words.end());
     else
         words.erase(words.begin(), middle + 1);
+}
+
+// What other programs than this one show.
+bool isOfOthers(const std::vector<std::string>& words) {
+    return words[0] == "front" || (words[0] == "expect" && (words[1] == "front" || words[1] == "clipboard"));
 }
 
 std::string lineFault(const std::vector<std::string>& words) {
@@ -118,6 +123,7 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
         if (!fault.empty() && script.error.empty())
             script.error = "line " + std::to_string(number) + ": " + fault;
         if (fault.empty()) script.needsRealInput |= forms.at(line.words[0]).realInput;
+        if (fault.empty()) script.needsScreen |= isOfOthers(line.words);
         script.lines.push_back(line);
     }
     return script;
@@ -220,7 +226,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     const bool open = view().asking() != nullptr;
     const bool answers = answerLines.count(w[0]) != 0;
     const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run" ||
-                       w[0] == "activate";  // what is asked then may be open already
+                       w[0] == "activate" || w[0] == "front";  // what is asked then may be open already
     if (open && !answers && !looks) {
         fail("A question is open that nobody expects.");
         return Outcome::Failed;
@@ -247,6 +253,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
                                                                              : Outcome::NotYet;
     }
+    if (w[0] == "front") return hands_.bringForward(w[1]) ? Outcome::Done : Outcome::NotYet;
     if (pointing) return shown(Object("DialogDlg")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
@@ -532,7 +539,8 @@ bool UserDriver::expectFile(const ScriptLine& line) {
 
 namespace {
 
-const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu", "help", "page"};
+const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu",
+                                          "help",      "page",  "front",  "clipboard"};
 
 std::string rectText(const Rect& r) {
     return std::to_string(r.x) + " " + std::to_string(r.y) + " " + std::to_string(r.w) + " " +
@@ -553,6 +561,10 @@ bool Hands::point(const std::string&, const std::string&) {
     return false;
 }
 bool Hands::drag(const std::string&, bool, int, int) {
+    return false;
+}
+
+bool Hands::bringForward(const std::string&) {
     return false;
 }
 
@@ -579,12 +591,16 @@ bool UserDriver::expectSeen(const ScriptLine& line) {
     std::string text;
     const Control* const item = w[1] == "menu" ? findControl(FindControl(Object("Main"), w[2])) : nullptr;
     if (w[1] == "menu" && item == nullptr) return false;
-    const bool there = item != nullptr  ? hands_.menuText(*item, text)
-                       : w[1] == "help" ? hands_.helpTopic(text)
-                       : w[1] == "page" ? hands_.helpPage(text)
-                                        : hands_.statusText(text);
+    const bool there = item != nullptr       ? hands_.menuText(*item, text)
+                       : w[1] == "help"      ? hands_.helpTopic(text)
+                       : w[1] == "page"      ? hands_.helpPage(text)
+                       : w[1] == "front"     ? hands_.frontTitle(text)
+                       : w[1] == "clipboard" ? hands_.clipboardText(text)
+                                             : hands_.statusText(text);
     if (!there) return true;
     lastSeen_ = "Seen: " + text;
+    if (w[1] == "clipboard") return text.find(w[2]) != std::string::npos;
+    if (w[1] == "front") return text == w[2];
     return item != nullptr ? text == w[3] : w[1] == "help" ? text == w[2] : text.starts_with(w[2]);
 }
 

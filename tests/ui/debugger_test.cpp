@@ -536,19 +536,30 @@ void work(int milliseconds) {
     while (os::clock().steady() < end && GetUserBreak() == 0) {}
 }
 
-// Posts the event from another thread, as the window system does.
-template <class Event, class... Arguments>
-void comes(QWidget* to, int afterMilliseconds, Arguments... arguments) {
+// Posts events one after the other from another thread, as the window system does.
+void come(QWidget* to, const std::vector<QEvent*>& events) {
     QWindow* const target = to->windowHandle();
-    auto* const event = new Event(arguments...);
     std::thread([=] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(afterMilliseconds));
-        QCoreApplication::postEvent(target, event);
+        for (QEvent* event : events) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            QCoreApplication::postEvent(target, event);
+        }
     }).detach();
+}
+QEvent* typed(char16_t letter) {
+    return new QKeyEvent(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QString(QChar(letter)));
+}
+// Press and release on a widget of the window.
+std::vector<QEvent*> click(QWidget* window, QWidget* on) {
+    const QPointF place = on->mapTo(window, QPoint(5, 5)), global = on->mapToGlobal(QPointF(5, 5));
+    const auto mouse = [&](QEvent::Type type, Qt::MouseButtons held) {
+        return new QMouseEvent(type, place, global, Qt::LeftButton, held, Qt::NoModifier);
+    };
+    return {mouse(QEvent::MouseButtonPress, Qt::LeftButton), mouse(QEvent::MouseButtonRelease, Qt::NoButton)};
 }
 
 TEST_F(DebuggerTest, CtrlBreakReachesAProgramThatIsBusy) {
-    comes<QKeyEvent>(form(), 80, QEvent::KeyPress, Qt::Key_Pause, Qt::ControlModifier);
+    come(form(), {new QKeyEvent(QEvent::KeyPress, Qt::Key_Pause, Qt::ControlModifier)});
     const std::int64_t start = os::clock().steady();
     work(5000);
     EXPECT_EQ(GetUserBreak(), 1);
@@ -561,16 +572,9 @@ TEST_F(DebuggerTest, WhatIsTypedIntoABusyProgramWaitsForIt) {
     text->setFocus();
     DoEvents();
     heard.clear();
-    for (const char16_t letter : {u'a', u'b', u'c'})
-        comes<QKeyEvent>(form(), 20 + 10 * (letter - u'a'), QEvent::KeyPress, Qt::Key_A, Qt::NoModifier,
-                         QString(QChar(letter)));
-    const QPointF place = press->mapTo(form(), QPoint(5, 5)), global = press->mapToGlobal(QPointF(5, 5));
-    comes<QMouseEvent>(form(), 60, QEvent::MouseButtonPress, place, global, Qt::LeftButton, Qt::LeftButton,
-                       Qt::NoModifier);
-    comes<QMouseEvent>(form(), 80, QEvent::MouseButtonRelease, place, global, Qt::LeftButton, Qt::NoButton,
-                       Qt::NoModifier);
-    comes<QCloseEvent>(form(), 100);
-    work(300);
+    const std::vector<QEvent*> presses = click(form(), press);
+    come(form(), {typed(u'a'), typed(u'b'), typed(u'c'), presses[0], presses[1], new QCloseEvent});
+    work(500);
     EXPECT_EQ(text->text(), QString());
     EXPECT_EQ(heard.size(), 0U);
     stop({});
@@ -589,19 +593,12 @@ TEST_F(DebuggerTest, TheDebuggersWindowWorksWhileTheProgramIsBusy) {
     EXPECT_EQ(top()->windowTitle(), QStringLiteral("Integrated Debugger [inactive]"));
     EXPECT_FALSE(button(QStringLiteral("102"))->isEnabled());
     QToolButton* const breaks = button(QStringLiteral("break"));
-    const auto click = [](QWidget* on, int after) {
-        const QPointF place = on->mapTo(top(), QPoint(5, 5)), global = on->mapToGlobal(QPointF(5, 5));
-        comes<QMouseEvent>(top(), after, QEvent::MouseButtonPress, place, global, Qt::LeftButton,
-                           Qt::LeftButton, Qt::NoModifier);
-        comes<QMouseEvent>(top(), after + 10, QEvent::MouseButtonRelease, place, global, Qt::LeftButton,
-                           Qt::NoButton, Qt::NoModifier);
-    };
-    click(breaks, 20);
+    come(top(), click(top(), breaks));
     work(2000);
     EXPECT_EQ(GetUserBreak(), 1);
     SetUserBreak(0);
-    click(button(QStringLiteral("101")), 20);
-    work(300);
+    come(top(), click(top(), button(QStringLiteral("101"))));
+    work(500);
     EXPECT_TRUE(ended);
 }
 

@@ -48,11 +48,14 @@ bool isHeard(QEvent::Type type) {
     }
 }
 
+// The window systems of the desktop have a key symbol for it that the toolkit does not name.
+constexpr quint32 breakSymbol = 0xff6b;
+
 bool isBreak(const QEvent& event) {
     if (event.type() != QEvent::KeyPress) return false;
     const auto& key = static_cast<const QKeyEvent&>(event);
     const bool named =
-        key.key() == Qt::Key_Pause || key.key() == Qt::Key_Cancel || key.key() == Qt::Key_ScrollLock;
+        key.key() == Qt::Key_Pause || key.key() == Qt::Key_Cancel || key.nativeVirtualKey() == breakSymbol;
     return named && key.modifiers().testFlag(Qt::ControlModifier);
 }
 
