@@ -138,7 +138,7 @@ LineValue ValueOfLine(std::int32_t frame, int line) {
                        static_cast<std::size_t>(line) <= shown.lines.size();
     if (!known) return {};
     const ShownLine& at = shown.lines[static_cast<std::size_t>(line) - 1];
-    if (at.element == ShownLine::NoValue || at.variable >= variables.count) return {};
+    if (at.variable >= variables.count) return {};
     return {&variables.first[at.variable], at.element};
 }
 
@@ -173,6 +173,9 @@ void DumpVariable(const VariableEntry& entry, bool hex, void* dest) {
 }
 
 bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
+    const LineValue at = ValueOfLine(frame, line);
+    const bool tellsPage = at.variable != nullptr && !at.isValue() && howShown(*at.variable).page >= 0;
+    if (tellsPage) return PageValue(window, frame, line, ValuePage::Next, hex);
     VariableEntry* const entry = expandableOf(platform::DebugLine(window, line), frame, line);
     if (entry == nullptr) return false;
     entry->expanded = !entry->expanded;
@@ -198,7 +201,7 @@ bool PageValue(platform::DebugWindow& window, std::int32_t frame, int line, Valu
 
 bool ShowWholeValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
     const LineValue at = ValueOfLine(frame, line);
-    if (at.variable == nullptr) return false;
+    if (!at.isValue()) return false;
     const bool expanded = at.variable->expanded && IsExpandable(static_cast<Kind>(at.variable->kind));
     if (expanded && at.element == ShownLine::NoElement) return false;
     std::set<std::int32_t>& whole = asked[at.variable->address].whole;
