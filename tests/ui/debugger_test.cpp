@@ -495,8 +495,23 @@ TEST_F(DebuggerTest, WhileTheProgramRunsOnlyStopAndBreakArePossible) {
     QTest::mouseClick(button(QStringLiteral("101")), Qt::LeftButton);
     EXPECT_EQ(done, (Done{"command 101"}));
     EXPECT_EQ(GetUserBreak(), 0);
-    QTest::mouseClick(button(QStringLiteral("break")), Qt::LeftButton);
-    EXPECT_EQ(GetUserBreak(), 1);
+    for (int press = 0; press < 2; ++press) {
+        QTest::mouseClick(button(QStringLiteral("break")), Qt::LeftButton);
+        EXPECT_EQ(GetUserBreak(), 1);
+        EXPECT_TRUE(button(QStringLiteral("break"))->isChecked())
+            << "until the program has come to a statement";
+    }
+    stop({[] { EXPECT_FALSE(button(QStringLiteral("break"))->isChecked()); }});
+}
+
+TEST_F(DebuggerTest, TheMenuOfTheListHasAllCommandsOnce) {
+    QStringList titles;
+    for (const QAction* action : list()->actions())
+        if (!action->isSeparator()) titles << action->text();
+    for (const DebugCommand& command : debugCommands)
+        EXPECT_EQ(titles.count(QString::fromLatin1(command.title)), 1) << command.title;
+    EXPECT_EQ(titles.size(), static_cast<qsizetype>(debugCommands.size()) + 4) << "edit, help, and copies";
+    EXPECT_EQ(titles.removeDuplicates(), 0);
 }
 
 TEST_F(DebuggerTest, ClosingTheWindowAsksTheHandlerOrBreaksIn) {

@@ -8,8 +8,8 @@
 #include "ide/shell/statusline.h"
 #include "ide/shell/windows.h"
 #include "kernel/debug/stopnotice.h"
+#include "kernel/windows/debugbreak.h"
 #include "library/system/system.h"
-#include "platform/operations/debugger.h"
 
 #include <algorithm>
 #include <csignal>
@@ -107,7 +107,7 @@ void BREAKDEBUGGED() {
     STAMP();
     for (auto program = programs().rbegin(); program != programs().rend(); ++program) {
         if (program->seen.state != DebugState::Running) continue;
-        ::kill(program->process, platform::DebugBreakSignal);
+        ::kill(program->process, DebugBreakSignal);
         return;
     }
     Sound();

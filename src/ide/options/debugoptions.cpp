@@ -208,6 +208,9 @@ std::string problem(const Object& window) {
 void accept(const Object& window) {
     const std::string ini = GETIDEINIFILE();
     STOREBREAKPOINTS(breakpointsIn(in(window, "lstbreakpoints")));
+    std::erase_if(chosenRules, [&window](const DebugRule& rule) {
+        return FINDBREAKPOINT(in(window, "lstbreakpoints"), rule.className, rule.line) < 0;
+    });
     const std::string rules = FormatDebugRules(chosenRules);
     if (PROFILESTRGET(ini, DebugSection, DebugRulesKey) != rules)
         PROFILESTRPUT(ini, DebugSection, DebugRulesKey, rules);

@@ -315,7 +315,8 @@ std::string QtView::ask(const Question& question) {
 QWidget* QtView::askedFrom() const {
     QWidget* const debugger = debugger_.window();
     QWidget* parent = QApplication::activeWindow();
-    if (debugger_.stopped()) return parent != nullptr && parent->parentWidget() != nullptr ? parent : debugger;
+    if (debugger_.stopped())
+        return parent != nullptr && parent->parentWidget() != nullptr ? parent : debugger;
     if (parent == nullptr || parent == debugger) parent = order_.empty() ? nullptr : order_.back().data();
     return parent;
 }

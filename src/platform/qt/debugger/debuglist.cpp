@@ -103,6 +103,11 @@ void DebugList::keepInView() {
     showing_ = before;
 }
 
+void DebugList::paintEvent(QPaintEvent* event) {
+    painter_->paintGround(*viewport());
+    QListView::paintEvent(event);
+}
+
 void DebugList::resizeEvent(QResizeEvent* event) {
     QListView::resizeEvent(event);
     keepInView();

@@ -143,6 +143,12 @@ QSize DebugRowPainter::sizeHint(const QStyleOptionViewItem&, const QModelIndex&)
     return {wide ? columns().text + longest() + extentBehind : 1, list_.fontMetrics().height() + 2};
 }
 
+void DebugRowPainter::paintGround(QWidget& viewport) const {
+    QPainter painter(&viewport);
+    painter.fillRect(0, 0, columns().text - gap, viewport.height(),
+                     list_.palette().color(QPalette::AlternateBase));
+}
+
 // The margin covers what of the text is scrolled under it.
 void DebugRowPainter::paintMargin(QPainter& painter, const QRect& row, int line) const {
     const DebugWindow& window = *rows_.window();

@@ -40,7 +40,8 @@ public:
     DebugRowPainter(const DebugRows& rows, QWidget* list)
         : QStyledItemDelegate(list), rows_(rows), list_(*list) {}
     [[nodiscard]] DebugColumns columns() const;
-    [[nodiscard]] int longest() const;  // pixels of the longest line
+    [[nodiscard]] int longest() const;          // pixels of the longest line
+    void paintGround(QWidget& viewport) const;  // the margin where no lines are
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;

@@ -137,7 +137,11 @@ QWidget* DebugView::makeToolbar() {
     break_->setToolTip(tr("Break into the program (Ctrl+Break)"));
     break_->setIcon(debugPicture(QStringLiteral("pause")));
     break_->setObjectName(QStringLiteral("break"));
-    connect(break_, &QAction::triggered, this, [] { SetUserBreak(1); });
+    break_->setCheckable(true);  // pressed until the program has come to a statement
+    connect(break_, &QAction::triggered, this, [this] {
+        SetUserBreak(1);
+        break_->setChecked(true);
+    });
     addButton(break_);
     row->addStretch();
     return bar;
@@ -160,9 +164,25 @@ void DebugView::makeActions() {
     onKey(tr("Copy all"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), [this] { copy(true); });
 }
 
+// In groups by what they are for; what no group names comes behind them.
 void DebugView::makeMenu() {
-    for (QAction* action : actions())
-        if (action != break_) list_->addAction(action);
+    const std::vector<int> groups[] = {{102, 103, 104, 112, 113},
+                                       {DEBUG_BREAKPOINT_COMMAND, 114},
+                                       {106, 107, 108, 109, 110, 111},
+                                       {DEBUG_STOP}};
+    QList<QAction*> rest = actions();
+    rest.removeOne(break_);
+    for (const std::vector<int>& group : groups) {
+        for (const int number : group) {
+            auto* const action = findChild<QAction*>(QString::number(number));
+            list_->addAction(action);
+            rest.removeOne(action);
+        }
+        auto* const line = new QAction(this);
+        line->setSeparator(true);
+        list_->addAction(line);
+    }
+    list_->addActions(rest);
     list_->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -243,6 +263,7 @@ void DebugView::showTip() {
 void DebugView::showLive(bool live) {
     for (QAction* action : live_) action->setEnabled(live);
     break_->setEnabled(!live);
+    if (live) break_->setChecked(false);
     status_->setEnabled(live);
 }
 

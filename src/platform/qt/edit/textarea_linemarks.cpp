@@ -28,7 +28,8 @@ void TextArea::setMarkMargin(bool shown) {
 void TextArea::applyMarkMargin() {
     const bool shown = markMargin_ && !parts_.on();  // rows are no lines
     send(SCI_SETMARGINTYPEN, MarkMargin, SC_MARGIN_SYMBOL);
-    send(SCI_SETMARGINMASKN, MarkMargin, MarginMask);
+    // What stands behind the text is drawn there only if a margin has it, which itself shows nothing of it.
+    send(SCI_SETMARGINMASKN, MarkMargin, MarginMask | 1 << CurrentLineMark);
     send(SCI_SETMARGINSENSITIVEN, MarkMargin, 1);
     send(SCI_SETMARGINWIDTHN, MarkMargin, shown ? MarginWidth : 0);
     if (!shown) setLineMarks({});
