@@ -31,11 +31,17 @@ bool isCompiled(std::string_view file) {
     return ascii::equal(type, ".chm") || ascii::equal(type, ".qch");
 }
 
+// A program may have no viewer for compiled help; the same pages stand beside it for the browser.
+bool shows(const std::string& file, const std::string& topic) {
+    return platform::HtmlHelpApi(file, topic) ||
+           platform::HtmlHelpApi(std::string(paths::withoutExtension(file)) + ".htm", topic);
+}
+
 }  // namespace
 
 void ShowHelp(const std::string& topic) {
-    const std::string file = helpFile();
-    if (!isCompiled(file) || !platform::HtmlHelpApi(os::native(file), topic)) Beep();
+    const std::string file = os::native(helpFile());
+    if (!isCompiled(file) || !shows(file, topic)) Beep();
 }
 
 void HelpOnError() {

@@ -157,6 +157,22 @@ TEST_F(HelpedDebugger, ATypeMayLackItsFullStopAndAFolderHaveItsEnd) {
     EXPECT_EQ(shown(), std::vector<std::string>{"/opt/help/Tarnwick.qch#643"});
 }
 
+TEST_F(HelpedDebugger, WithoutAViewerThePageBesideItOpensInTheBrowser) {
+    platform::SetHelpViewer(nullptr);
+    write("Tarnwick.htm", "x");
+    hands().push_back([](platform::DebugWindow&) {});
+    helpWith("[PathsOptionsDlg]\r\nEdit2=" + folder.path() + "\r\n[GenOptionsDlg]\r\nHelpFileTypes=qch\r\n");
+    EXPECT_EQ(platform::lastHeadlessUrl(), "file://" + folder / "Tarnwick.htm" + "#643");
+}
+
+TEST_F(HelpedDebugger, WhatNobodyShowsBeeps) {
+    platform::SetHelpViewer(nullptr);
+    const int beeps = platform::headlessBeeps();
+    hands().push_back([](platform::DebugWindow&) {});
+    helpWith("[PathsOptionsDlg]\r\nEdit2=" + folder.path() + "\r\n[GenOptionsDlg]\r\nHelpFileTypes=qch\r\n");
+    EXPECT_EQ(platform::headlessBeeps(), beeps + 1);
+}
+
 TEST_F(HelpedDebugger, AnyOtherTypeBeeps) {
     const int beeps = platform::headlessBeeps();
     hands().push_back([](platform::DebugWindow&) {});
