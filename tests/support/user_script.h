@@ -79,9 +79,10 @@ struct Script {
     std::vector<std::string> arguments;                // of the program
     std::vector<std::array<std::string, 3>> settings;  // section, key, value
     std::vector<ScriptLine> lines;
-    bool needsRealInput = false, hidesScreen = false;
+    bool needsRealInput = false;
     bool needsScreen = false;  // other programs show windows there, too
-    std::string error;         // of the script's own text; empty if it is well formed
+    bool hidesScreen = false;
+    std::string error;  // of the script's own text; empty if it is well formed
 };
 Script parseScript(const std::string& text, const std::string& dir, const std::string& profile,
                    bool realInput);
