@@ -232,7 +232,8 @@ std::vector<std::string> ParseWatches(std::string_view value) {
     std::vector<std::string> watches;
     while (!value.empty()) {
         const std::string_view watch = takeItem(value);
-        if (!watch.empty()) watches.emplace_back(watch);
+        const bool closed = std::count(watch.begin(), watch.end(), '"') % 2 == 0;
+        if (!watch.empty() && closed) watches.emplace_back(watch);
     }
     return watches;
 }

@@ -79,10 +79,9 @@ void ArmPoints();
 void DropPoints();
 // Whether the current line of the top frame needs a look. Cost: some nanoseconds.
 bool IsArmedHere();
-// The look: counts the hit, writes what is to be written, and tells whether to stop.
-bool StopsHere();
-// Why the condition of the line that stopped last could not be read; empty if it could.
-std::string PointFault();
+// The look: counts the hit, writes what is to be written, and tells whether to stop. `fault` is why the line's condition
+// could not be read, if so.
+bool StopsHere(std::string& fault);
 // Stops at the line once, whether it has a breakpoint or not; an empty class takes that back.
 void RunTo(std::string_view className, std::int32_t line);
 // The class's lines are known now: a line to run to that has no code becomes the next one that has.

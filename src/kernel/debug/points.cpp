@@ -75,7 +75,6 @@ NameTable names;
 std::vector<std::unique_ptr<PointRule>> rules;
 std::string runToClass;
 std::int32_t runToLine = 0;
-std::string fault;
 
 FrameRecord* topFrame() {
     return const_cast<FrameRecord*>(TopFrame());  // the stack is the run-time's own, and may be written
@@ -148,7 +147,6 @@ void DropPoints() {
     names.clear();
     rules.clear();
     runToClass.clear();
-    fault.clear();
     forgetClasses();
 }
 
@@ -171,8 +169,7 @@ bool IsArmedHere() {
     return one != nullptr && one->map.has(tarn_current_line);
 }
 
-bool StopsHere() {
-    fault.clear();
+bool StopsHere(std::string& fault) {
     const ArmedClass* const one = armedClassHere();
     if (one == nullptr) return false;
     const auto at =
@@ -181,10 +178,6 @@ bool StopsHere() {
     if (at == one->points.end() || at->line != tarn_current_line) return false;
     const bool stops = at->breakpoint && (at->rule == nullptr || at->rule->stops(FrameCount(), fault));
     return stops || at->runTo;
-}
-
-std::string PointFault() {
-    return fault;
 }
 
 }  // namespace tarn::debug

@@ -54,7 +54,7 @@ std::string place() {
            std::to_string(tarn_current_line);
 }
 
-std::string statusText() {
+std::string statusText(const std::string& fault) {
     const std::int32_t code = ErrorCell();
     std::string text = place();
     if (code != 0) {
@@ -63,7 +63,7 @@ std::string statusText() {
         if (code == ERR_ASSERT) text += AssertText() + "\n";
     } else if (!engine.result.empty() && FrameCount() < engine.outOf) {
         text += "\nResult of " + engine.result;
-    } else if (const std::string fault = PointFault(); !fault.empty()) {
+    } else if (!fault.empty()) {
         text += "\n" + fault;
     }
     return CutReport(std::move(text));
@@ -94,11 +94,11 @@ void clearSteps() {
     RunTo({}, 0);  // it is reached, or the user has something else to look at
 }
 
-void stop(DebugWindow& window) {
+void stop(DebugWindow& window, const std::string& fault) {
     engine.stopped = true;
     clearSteps();
     platform::SetDebugCaption(window, DebuggerTitle);
-    platform::SetDebugStatus(window, statusText());
+    platform::SetDebugStatus(window, statusText(fault));
     endStepOut();
     engine.frame = TopRecorded();
     ShowCode(window, {}, tarn_current_line);
@@ -130,9 +130,10 @@ void StopIfAsked(bool force) {
     if (!force && !armed && !engine.stepFlag && engine.stepDepth == 0) [[likely]]
         return;
     if (engine.window == nullptr || DebugMode() != 2 || engine.stopped) return;
-    const bool point =
-        armed && StopsHere();  // also where a step stops: the hit counts, and its text is written
-    if (force || point || stepEnds()) stop(*engine.window);
+    std::string fault;
+    // Also where a step stops: the hit counts, and its text is written.
+    const bool point = armed && StopsHere(fault);
+    if (force || point || stepEnds()) stop(*engine.window, fault);
 }
 
 }  // namespace debug

@@ -70,7 +70,8 @@ void report(std::int32_t code, ErrorHandler handler) {
 void pollDebugger() {
     const bool broken = platform::GetUserBreak() == 1;
     if (broken) platform::SetUserBreak(0);
-    DebugStop(broken);
+    if (DebugStop != nullptr)
+        DebugStop(broken);  // looking for the break, the window may have heard of its end
 }
 
 }  // namespace

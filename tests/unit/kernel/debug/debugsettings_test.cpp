@@ -149,6 +149,8 @@ TEST(Watches, AreTheSameBehindARoundTrip) {
     EXPECT_EQ(FormatWatches(watches), "\"a;b\" ; x + 1 ; list[3].name ;");
     EXPECT_EQ(ParseWatches(FormatWatches(watches)), watches);
     EXPECT_TRUE(ParseWatches(" ; ;").empty());
+    EXPECT_EQ(ParseWatches("a ; \"b ; c").size(), 1U)
+        << "what has an open quote would take in those behind it";
 }
 
 // ---- the file ----

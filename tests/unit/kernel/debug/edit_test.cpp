@@ -135,6 +135,18 @@ TEST_F(DebugEdits, AConditionThatIsBrokenStopsAndSaysWhy) {
         << stops()[0].status;
 }
 
+TEST_F(DebugEdits, WhatIsWrongWithAConditionIsToldAtItsOwnStopAlone) {
+    DebugEnd();
+    settings("breakpoints=sums 9\r\nRules=SUMS 9 if \"x >\" ;\r\n");
+    start();
+    addClass("Sums", 40, {5, 9});
+    hands().push_back([](platform::DebugWindow& window) { command(window, DEBUG_STEP_INTO); });
+    countTo(1);
+    const Called f("Sums", "F", 1);
+    stampAt(5);
+    EXPECT_EQ(stops().back().status, "File Sums, function f, line 5");
+}
+
 TEST_F(DebugEdits, RulesOfOtherProgramsStay) {
     DebugEnd();
     settings("breakpoints=sums 9\r\nRules=OTHER 5 hits 2 ; SUMS 9 hits 2 ;\r\nSingleStep=1\r\n");
@@ -166,7 +178,7 @@ TEST_F(DebugEdits, AValueIsChanged) {
     stampAt(5);
     EXPECT_EQ(x, 41);
     ASSERT_EQ(boxes().size(), 3U);
-    EXPECT_EQ(boxes()[0], "Integrated Debugger|New value of x:|7");
+    EXPECT_EQ(boxes()[0], "Integrated Debugger|New value of x : Integer:|7");
     EXPECT_TRUE(boxes()[2].ends_with("|OK")) << boxes()[2];
 }
 
