@@ -14,9 +14,9 @@
 #include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
-#include "os/text/initext.h"
 #include "os/files.h"
 #include "os/process.h"
+#include "os/text/initext.h"
 #include "platform/model/view.h"
 #include "support/places.h"
 #include "support/user_script.h"
@@ -252,7 +252,7 @@ int main(int argc, char** argv) {
     tarn::os::useEndHook(programEnded);
     const std::unique_ptr<tarn::Hands> hands = tarn::makeHands(mode);
     if (script.hidesScreen)
-        for (const char* screen : {"DISPLAY", "WAYLAND_DISPLAY"}) unsetenv(screen);
+        for (const char* screen : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) unsetenv(screen);
     tarn::UserDriver user(script, dir, profile, *hands);
     driver = &user;
     tarn::platform::view().setIdle([&user] {
