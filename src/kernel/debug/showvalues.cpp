@@ -99,13 +99,22 @@ ValueDump dumpOf(const FrameVariables& variables, bool hex) {
     return dump;
 }
 
-VariableEntry* variableNamedBy(std::string_view text, std::int32_t frame) {
-    if (text.size() > MaxShownValue) return nullptr;
+// The first word of a line, if it can be a name.
+std::string_view nameIn(std::string_view text) {
+    if (text.size() > MaxShownValue) return {};
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    if (text.empty() || !(ascii::isLetter(text[0]) || text[0] == '_')) return nullptr;
+    if (text.empty() || !(ascii::isLetter(text[0]) || text[0] == '_')) return {};
     const auto end = std::find_if_not(text.begin(), text.end(), ascii::isSymbol);
+    return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+// What a line names; of two variables with one name the one that it shows.
+VariableEntry* expandableOf(std::string_view text, std::int32_t frame, int line) {
+    const std::string_view name = nameIn(text);
+    const VariableEntry* const own = ValueOfLine(frame, line).variable;
+    const bool isOwn = own != nullptr && ascii::equal(own->name, name);
     VariableEntry* const entry =
-        FindVariable(VariablesOf(frame), text.substr(0, static_cast<std::size_t>(end - text.begin())));
+        isOwn ? const_cast<VariableEntry*>(own) : FindVariable(VariablesOf(frame), name);
     return entry != nullptr && IsExpandable(static_cast<Kind>(entry->kind)) ? entry : nullptr;
 }
 
@@ -164,7 +173,7 @@ void DumpVariable(const VariableEntry& entry, bool hex, void* dest) {
 }
 
 bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
-    VariableEntry* const entry = variableNamedBy(platform::DebugLine(window, line), frame);
+    VariableEntry* const entry = expandableOf(platform::DebugLine(window, line), frame, line);
     if (entry == nullptr) return false;
     entry->expanded = !entry->expanded;
     if (!entry->expanded) asked.erase(entry->address);

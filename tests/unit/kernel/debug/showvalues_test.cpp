@@ -285,6 +285,24 @@ TEST_F(ShownValues, ADoubleClickExpandsAndCollapses) {
     EXPECT_EQ(lines(), (Lines{"a : Integer = 1", "list : List (Length=2) = {1, 2}", "b : Integer = 1"}));
 }
 
+TEST_F(ShownValues, OfTwoWithOneNameTheOneOfTheLineIsExpanded) {
+    add("list", integers(1));
+    add("LIST", integers(2));
+    show();
+    EXPECT_TRUE(ExpandValue(*window_, 1, 2, false));
+    EXPECT_FALSE(entry(1).expanded);
+    EXPECT_TRUE(entry(2).expanded);
+}
+
+TEST_F(ShownValues, AnElementThatReadsLikeAVariableExpandsIt) {
+    add("True", integers(1));
+    add("list", List(Number(KindBoolean, 0), {Number(KindBoolean, 1)}));
+    entry(2).expanded = true;
+    EXPECT_EQ(show()[2], "   True");
+    EXPECT_TRUE(ExpandValue(*window_, 1, 3, false));
+    EXPECT_TRUE(entry(1).expanded);
+}
+
 TEST_F(ShownValues, ALineThatIsTooLongIsNotExpanded) {
     add("list", List(Text(""), {Text(std::string(1000, 'x'))}));
     show();
