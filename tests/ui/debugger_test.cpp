@@ -104,13 +104,11 @@ protected:
     void stop(std::vector<Step> steps) {
         steps.emplace_back([this] { LeaveDebug(*window); });
         std::function<void(std::size_t)> next = [&](std::size_t index) {
-            if (index == steps.size()) return;
             steps[index]();
-            QTimer::singleShot(20, [&, index] { next(index + 1); });
+            if (index + 1 < steps.size()) QTimer::singleShot(20, [&, index] { next(index + 1); });
         };
         QTimer::singleShot(20, [&] { next(0); });
         ActivateDebug(*window);
-        QTest::qWait(30);  // the last timer
     }
     static QWidget* top() {
         for (QWidget* widget : QApplication::topLevelWidgets())
