@@ -93,8 +93,9 @@ void prepareProfile(const std::string& profile, const std::string& files) {
     fs::copy(SOURCE_DIR "/examples", profile + "examples", fs::copy_options::recursive);
     // A name of this program, so that the folder counts as its own.
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
-    for (const char* name : {"ide.ini", "ide.bak"})
-        fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + name);
+    std::string settings = readAll(SOURCE_DIR "/src/ide/ide.ini");
+    tarn::ini::put(settings, "Welcome", "AtStart", "0");  // it would stand in front of what a case is about
+    for (const char* name : {"ide.ini", "ide.bak"}) std::ofstream(profile + name, std::ios::binary) << settings;
     if (!fs::exists(files + "profile")) return;
     for (const auto& entry : fs::directory_iterator(files + "profile")) {
         const std::string to = profile + entry.path().filename().string();
