@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -70,7 +71,8 @@ void stopAt(DebugWindow& window, int line) {
     SetDebugCaption(window, "Integrated Debugger [inactive]");
 }
 
-double firstStop() {
+// The very first one of the process, and the median.
+std::pair<double, double> firstStops() {
     std::vector<double> times;
     for (int i = 0; i < runs; i++) {
         QElapsedTimer timer;
@@ -84,7 +86,7 @@ double firstStop() {
         EndDebug(&window);
         QApplication::processEvents();
     }
-    return median(times);
+    return {times.front(), median(times)};
 }
 
 double step(DebugWindow& window) {
@@ -131,7 +133,9 @@ double userBreak() {
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     std::vector<Figure> figures;
-    figures.push_back({"debugStop8000", firstStop()});
+    const auto [first, usual] = firstStops();
+    figures.push_back({"debugStopFirst", first});
+    figures.push_back({"debugStop8000", usual});
     DebugWindow& window = start();
     fill(window, "    count := count + ", sourceLines);
     figures.push_back({"debugStep", step(window)});

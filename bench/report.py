@@ -130,7 +130,7 @@ def main():
         ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
         ("programMakeTool", None, None), ("programOpen", None, 60e6), ("programRefresh", None, 30e6),
         ("programRows5000", "treeRows5000", 0.6),
-        ("debugStop8000", None, 30e6), ("debugStep", None, 5e6), ("debugValues20000", None, 20e6),
+        ("debugStopFirst", None, 30e6), ("debugStop8000", None, 30e6), ("debugStep", None, 5e6), ("debugValues20000", None, 20e6),
         ("userBreakAsked", "userBreakAskedAlone", None), ("userBreakAsked", None, 10),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("designRedraw255", "plainPaint255", 1.2), ("designAnew255", "plain255", None), ("designAnew255", None, 50e6),

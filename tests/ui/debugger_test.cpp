@@ -21,6 +21,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -103,13 +104,11 @@ protected:
     void stop(std::vector<Step> steps) {
         steps.emplace_back([this] { LeaveDebug(*window); });
         std::function<void(std::size_t)> next = [&](std::size_t index) {
-            if (index == steps.size()) return;
             steps[index]();
-            QTimer::singleShot(20, [&, index] { next(index + 1); });
+            if (index + 1 < steps.size()) QTimer::singleShot(20, [&, index] { next(index + 1); });
         };
         QTimer::singleShot(20, [&] { next(0); });
         ActivateDebug(*window);
-        QTest::qWait(30);  // the last timer
     }
     static QWidget* top() {
         for (QWidget* widget : QApplication::topLevelWidgets())
@@ -449,6 +448,36 @@ TEST_F(DebuggerTest, ABoxOfTheProgramIsDeafAndLivesOn) {
     SetTimer(Form, 30);
     EXPECT_EQ(MsgBox("Program", "A question", "&Yes\n&No"), "&Yes");
     EXPECT_EQ(done, (Done{"command 107"}));
+}
+
+TEST_F(DebuggerTest, AMenuThatIsOpenClosesAtAStop) {
+    QMenu menu(form());
+    menu.addAction(QStringLiteral("one"));
+    menu.popup(form()->mapToGlobal(QPoint(5, 5)));
+    QTest::qWait(20);
+    ASSERT_EQ(QApplication::activePopupWidget(), &menu);
+    stop({[&] { EXPECT_FALSE(menu.isVisible()); }, [] { key(Qt::Key_F8); }});
+    EXPECT_EQ(done, (Done{"command 104"}));
+}
+
+TEST_F(DebuggerTest, AStopWhileAButtonIsHeldLeavesItReleased) {
+    QPushButton* const press = form()->findChild<QPushButton*>();
+    inProgram = [&](int event, int) {
+        if (event != MOUSEDOWN_EVENT) return;
+        stop({[&] {
+                  QTest::mouseRelease(form()->windowHandle(), Qt::LeftButton, {},
+                                      press->mapTo(form(), QPoint(5, 5)));
+              },
+              [] { QTest::mouseClick(button(QStringLiteral("106")), Qt::LeftButton); }});
+    };
+    QTest::mousePress(form()->windowHandle(), Qt::LeftButton, {}, press->mapTo(form(), QPoint(5, 5)));
+    QTest::qWait(50);
+    inProgram = {};
+    EXPECT_EQ(done, (Done{"command 106"}));
+    heard.clear();
+    QTest::mouseClick(form()->windowHandle(), Qt::LeftButton, {}, press->mapTo(form(), QPoint(5, 5)));
+    EXPECT_EQ(count(COMMAND_EVENT), 1);
+    EXPECT_FALSE(press->isDown());
 }
 
 TEST_F(DebuggerTest, TheHandlerMayAskInBoxes) {
