@@ -5,6 +5,7 @@
 #include "kernel/debug/expression.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/run/errorcell.h"
+#include "os/text/ascii.h"
 
 namespace tarn {
 
@@ -131,7 +132,7 @@ void edit(DebugWindow& window, int line) {
 
 // The value of what the pointer rests on, if that is one of the chosen frame.
 std::string tipFor(const std::string& text) {
-    if (engine.mode != ListMode::Code || text.empty()) return {};
+    if (engine.mode != ListMode::Code || text.empty() || ascii::isDigit(text[0])) return {};
     const ErrorCellAside aside;
     std::string error;
     const auto expression = DebugExpression::compile(text, error);

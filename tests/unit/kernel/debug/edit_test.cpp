@@ -218,7 +218,8 @@ TEST_F(DebugEdits, WithoutVariablesThatIsSaid) {
 TEST_F(DebugEdits, ANameUnderThePointerTellsItsValue) {
     std::int32_t x = 7;
     hands().push_back([](platform::DebugWindow& window) {
-        const std::pair<const char*, const char*> rows[] = {{"x", "x = 7"}, {"", ""}, {"for", ""}};
+        const std::pair<const char*, const char*> rows[] = {
+            {"x", "x = 7"}, {"", ""}, {"for", ""}, {"12", ""}};
         for (const auto& [text, tip] : rows) {
             event(window, DebugMessage::Hover, 5, text);
             EXPECT_EQ(window.tip, tip) << text;
