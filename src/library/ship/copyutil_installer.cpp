@@ -98,6 +98,7 @@ void SHOWSCRIPT(const std::string& text) {
     Load(ScriptDlg);
     STAMP();
     if (!IsLoaded(ScriptDlg)) return;
+    SetCaption(ScriptDlg, "(Double click to copy to clipboard)");
     SetText(ScriptDlg, text);
     SetSelection(ScriptDlg, 1, 0);
     STAMP();

@@ -80,7 +80,7 @@ public:
             const std::string failure = (this->*step)();
             if (failure.empty()) continue;
             work_.remove();
-            removeFolders(list_.folders);
+            restoreFolders();
             return failure;
         }
         return takePlace();
@@ -100,9 +100,9 @@ private:
                        ? std::string()
                        : "'" + places_.app + "' holds another program, '" + before_.name + "'.";
         // An empty folder may have been made for this; anything else is somebody's.
-        return os::files().removeFolder(places_.app) == FileError::None
-                   ? std::string()
-                   : "'" + places_.app + "' is there already and was not made by this installer.";
+        wasEmpty_ = os::files().removeFolder(places_.app) == FileError::None;
+        return wasEmpty_ ? std::string()
+                         : "'" + places_.app + "' is there already and was not made by this installer.";
     }
 
     std::string makeWorkFolder() {
@@ -206,7 +206,7 @@ private:
             return {};
         }
         const std::string also = undoUnfinished(places_.app);
-        removeFolders(list_.folders);
+        restoreFolders();
         return also.empty() ? failure : failure + "\n" + also;
     }
 
@@ -262,9 +262,10 @@ private:
         return os::files().remove(work_.journal()) == FileError::None;
     }
 
-    static void removeFolders(const std::vector<std::string>& folders) {
-        for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
+    void restoreFolders() {
+        for (auto folder = list_.folders.rbegin(); folder != list_.folders.rend(); ++folder)
             os::files().removeFolder(*folder);
+        if (wasEmpty_) os::files().makeFolder(places_.app);
     }
 
     const Installer& installer_;
@@ -274,6 +275,7 @@ private:
     const WorkFolder work_;
     Installed before_, list_;
     std::int64_t done_ = 0;
+    bool wasEmpty_ = false;  // the place was an empty folder
 };
 
 }  // namespace

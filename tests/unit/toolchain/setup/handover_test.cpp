@@ -186,6 +186,45 @@ TEST_F(Handover, AnInstallationThatIsKilledAnywhereIsMadeGoodByTheNext) {
     EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
+TEST_F(Handover, TwoInstallationsAtOnceGoOneAfterTheOther) {
+    makeInstaller();
+    std::vector<std::unique_ptr<os::Child>> children;
+    for (int i = 0; i < 2; ++i) {
+        os::StartError error = os::StartError::None;
+        children.push_back(os::processes().start(
+            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""},
+            error));
+    }
+    for (const auto& child : children) {
+        const os::ExitState state = child->wait(60000);
+        EXPECT_TRUE(state.ended && state.code == 0) << state.code;
+    }
+    expectRunsAt(home + "/.local/opt/wordcount");
+}
+
+TEST_F(Handover, OnATerminalItAsksThere) {
+    makeInstaller();
+    write("start", "exec env -i HOME=\"$HOME\" XDG_RUNTIME_DIR=\"$XDG_RUNTIME_DIR\" \"$PROGRAM\"\n");
+    // What is typed, each line when there was time to ask.
+    const auto typing = [this](const std::string& lines, const std::string& program) {
+        write("type", "for word in " + lines + "; do sleep 0.5; echo \"$word\"; done; sleep 20\n");
+        return run("/usr/bin/env",
+                   {"HOME=" + home, "XDG_RUNTIME_DIR=" + dir, "PROGRAM=" + program, "sh", "-c",
+                    "sh type | { script -qec 'sh start' /dev/null; echo \"code $?\"; kill 0; }"});
+    };
+    typing("c", installer);
+    EXPECT_NE(output.find("Where shall 'Counts words' be installed?"), std::string::npos) << output;
+    EXPECT_NE(output.find("code 3"), std::string::npos) << output;
+    EXPECT_EQ(allIn(home), "/Desktop\n");
+    typing("x m", installer);
+    EXPECT_NE(output.find("wordcount was installed in '" + home + "/.local/opt/wordcount'."),
+              std::string::npos)
+        << output;
+    typing("r", home + "/.local/opt/wordcount/uninstall");
+    EXPECT_NE(output.find("code 0"), std::string::npos) << output;
+    EXPECT_EQ(allIn(home), "/Desktop\n");
+}
+
 TEST_F(Handover, AWrongScriptIsToldWithItsLineAndNothingIsMade) {
     write("bad.iss", "[Setup]\nAppName=x\nOther=1\n");
     EXPECT_EQ(run(BINARY_DIR "/iscc.exe", {dir + "bad.iss"}), 1);

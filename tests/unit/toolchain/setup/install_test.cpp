@@ -173,6 +173,10 @@ TEST(Install, AFolderThatIsSomebodyElsesIsRefused) {
 TEST(Install, AnEmptyFolderIsTaken) {
     Machine machine;
     machine.disk.putFolder(places.app);
+    machine.disk.setFreeBytes(1000);
+    EXPECT_NE(machine.install("first"), "");
+    EXPECT_TRUE(os::infoOf(places.app).folder) << "it stays when nothing comes into it";
+    machine.disk.setFreeBytes(100'000'000);
     EXPECT_EQ(machine.install("first"), "");
 }
 
