@@ -185,16 +185,18 @@ void QtView::show(Window& window) {
 void QtView::bringUp(Frame& frame) {
     noteLatest(frame);
     broughtUp_ = &frame;
+    sinceBroughtUp_.start();
     timesInsisted_ = 0;
     frame.bringUp();
 }
 
-// A dialog that closes leaves the focus to the window it belongs to, and the window system may tell so only after the
-// program has brought another one up. Somebody who asks for a window at that moment gets it at the second try.
+// The window system gives the focus in its own time: to the window below a dialog that closes, or to one that was shown
+// before, when the program has already brought another one up. So for a moment in which the user does nothing that one is
+// asked for again. Somebody who picks a window from the desktop just then gets it at the third try.
 bool QtView::insists(const Frame& frame) {
     constexpr int patience = 1000, tries = 2;  // milliseconds
     if (broughtUp_.isNull() || broughtUp_ == &frame || timesInsisted_ == tries) return false;
-    if (!sinceGone_.isValid() || sinceGone_.elapsed() > patience) return false;
+    if (sinceBroughtUp_.elapsed() > patience) return false;
     if (!broughtUp_->isVisible() || broughtUp_->model() == nullptr || !takesInput(broughtUp_->window()))
         return false;
     ++timesInsisted_;
@@ -228,7 +230,6 @@ void QtView::changed(Control& control, Property property) {
 }
 
 void QtView::activateBelow(Frame* gone) {
-    sinceGone_.start();
     std::erase_if(order_, [gone](const QPointer<Frame>& frame) { return frame.isNull() || frame == gone; });
     for (auto frame = order_.rbegin(); frame != order_.rend(); ++frame) {
         if (!(*frame)->isVisible() || !(*frame)->windowHandle() || !takesInput((*frame)->window())) continue;
