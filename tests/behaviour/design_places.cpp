@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "behaviour/design_places.h"
 
+#include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/drawing/geometry.h"
 #include "ide/shell/windows.h"
@@ -22,7 +23,7 @@ platform::Point shown(platform::Point drawing) {
 }
 
 bool drawnPoint(const std::string& name, bool corner, platform::Point& point) {
-    const Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
+    const Margin margin = DIALOGGETMARGIN();
     const FrameRects rects = CALCOFFSETS(DialogDlg, DESIGNITEM(1), FULL_FRAME);
     const auto inWindow = [&](Rect rect) {
         return Rect{rect.x + margin.left, rect.y + margin.top, rect.w, rect.h};

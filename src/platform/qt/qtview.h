@@ -113,7 +113,7 @@ private:
     Tracker* tracking_ = nullptr;         // the drag that is under way
     std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
     QPointer<Frame> broughtUp_;           // by the program, and the user has done nothing since
-    QElapsedTimer sinceGone_;             // the last window that had the focus when it went
+    QElapsedTimer sinceBroughtUp_;
     int timesInsisted_ = 0;
     int depth_ = 0;  // loops, one inside the other
     bool busy_ = false;
