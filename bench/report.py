@@ -65,7 +65,7 @@ def main():
     folder = sys.argv[1]
     all_ = {}
     for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
-                 "search_bench", "program_bench", "debugger_bench"):
+                 "designer_bench", "search_bench", "program_bench", "debugger_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -134,6 +134,8 @@ def main():
         ("userBreakAsked", "userBreakAskedAlone", None), ("userBreakAsked", None, 10),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("designRedraw255", "plainPaint255", 1.2), ("designAnew255", "plain255", None), ("designAnew255", None, 50e6),
+        ("editorFirst255", None, None), ("editorOpen255", None, 50e6), ("editorOpenOf100", None, 20e6),
+        ("editorSaveOf100", None, 20e6),
         *((f"menuRefresh/{n}", None, 2e6) for n in (50, 10000)),
         ("menuRefreshFresh/50", None, 2e6), ("menuRefreshFresh/10000", None, None),
         ("loadAndUnload", None, None),

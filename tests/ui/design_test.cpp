@@ -336,6 +336,38 @@ TEST_F(DesignTest, AtEachZoomItIsTheSamePictureInAnotherSize) {
     }
 }
 
+double meanGrey(const QImage& image) {
+    double sum = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) sum += qGray(image.pixel(x, y));
+    return sum / (double(image.width()) * image.height());
+}
+
+// Whatever the desktop is, the picture has the colours that it was given, and the window those of the desktop.
+TEST_F(DesignTest, InOtherColoursNothingOfTheDesktopsIsLeft) {
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(dark ? darkPalette() : before);
+        open();
+        picture.running = true;
+        const QImage desktop = designed();
+        SetDrawColours(Design, dark ? DARK_COLOURS : LIGHT_COLOURS);
+        EXPECT_EQ(designed(), desktop) << "its own";
+        SetDrawColours(Design, dark ? LIGHT_COLOURS : DARK_COLOURS);
+        const QImage other = designed();
+        EXPECT_EQ(meanGrey(desktop) < 128, dark) << meanGrey(desktop);
+        EXPECT_EQ(meanGrey(other) < 128, !dark) << meanGrey(other);
+        for (const char* const name : {"edit", "lines", "push", "check", "label", "list"}) {
+            const Rect r = placeOf(find(name));
+            const QImage part = other.copy(r.x, r.y, r.w, r.h);
+            EXPECT_EQ(meanGrey(part) < 128, !dark) << name << meanGrey(part);
+        }
+        SetDrawColours(Design, DESKTOP_COLOURS);
+        EXPECT_EQ(designed(), desktop) << "back again";
+        Unload(Design);
+        settle();
+    }
+}
+
 TEST_F(DesignTest, ItHasTheFontOfTheDialog) {
     const std::string font = "  FONTNAME=\"DejaVu Serif\"\n  FONTSIZE=12\n  FONTBOLD=1\n";
     open(replaced(Resources, "  POSITION=0 0 300 240\n", "  POSITION=0 0 300 240\n" + font));

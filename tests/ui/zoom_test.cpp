@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QLineEdit>
+#include <QRubberBand>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -40,9 +41,16 @@ constexpr char Resources[] =
 constexpr int Red = 0x0000FF, Blue = 0xFF0000;
 
 std::vector<int> keys;
+std::optional<Rect> dragged;
+int presses = 0;
+std::function<void()> onPress;
 
-bool listen(const Object&, int event, const Object&, int parameter) {
+bool listen(const Object& window, int event, const Object&, int parameter) {
     if (event == KEYPRESS_EVENT) keys.push_back(parameter);
+    presses += event == MOUSEDOWN_EVENT ? 1 : 0;
+    if (event == MOUSEDOWN_EVENT && onPress) onPress();
+    if (event == MOUSEDOWN_EVENT && dragged)
+        dragged = TrackRect(window, TRACK_MOVE, {4, 12, 12, 1}, {0, 0, 200, 150}, *dragged).value;
     return event == KEYPRESS_EVENT;
 }
 
@@ -61,6 +69,8 @@ protected:
         Show(Draw, false);
         QTest::qWait(20);
         keys.clear();
+        dragged.reset();
+        presses = 0;
     }
     void TearDown() override {
         DestroyAllWindows();
@@ -187,6 +197,33 @@ TEST_F(ZoomTest, AnotherWindowAndItsOwnControlsStayAsTheyAre) {
     const Rect window = GetPosition(Draw, CLIENT_UNIT).value;
     SetDrawScale(Draw, 50);
     EXPECT_EQ(GetPosition(Draw, CLIENT_UNIT).value, window);
+}
+
+TEST_F(ZoomTest, ADragIsShownWhereItIsSeenAndGivesPixelsOfTheDrawing) {
+    SetDrawScale(Draw, 200);
+    QTest::qWait(100);  // the window takes its place
+    dragged = Rect{20, 20, 40, 30};
+    QWidget& area = client();
+    Rect band;
+    const auto send = [&](QEvent::Type type, Qt::MouseButton button) {
+        const QPoint to(100, 80);
+        QMouseEvent event(type, to, area.mapToGlobal(to), button, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&area, &event);
+    };
+    onPress = [&] {
+        QTimer::singleShot(1, [&] {
+            send(QEvent::MouseMove, Qt::NoButton);
+            const auto* const shown = area.findChild<QRubberBand*>();
+            if (shown != nullptr) band = {shown->x(), shown->y(), shown->width(), shown->height()};
+            send(QEvent::MouseButtonRelease, Qt::LeftButton);
+        });
+    };
+    QTest::mousePress(&area, Qt::LeftButton, {}, QPoint(80, 70));
+    onPress = nullptr;
+    QTest::mouseRelease(&area, Qt::LeftButton, {}, QPoint(100, 80));
+    EXPECT_EQ(*dragged, (Rect{30, 25, 40, 30}));
+    EXPECT_EQ(presses, 1) << "also where the window does not take it for its own";
+    EXPECT_EQ(band, (Rect{60, 50, 80, 60}));
 }
 
 TEST_F(ZoomTest, TheWheelWithCtrlIsAKeyOfTheWindow) {

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/debug/breakpointlist.h"
 
+#include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
 #include "kernel/debug/breakpoints.h"
 #include "kernel/debug/debugsettings.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
-MODULE("toolmenu")
+MODULE("toolmenu", tarn::TOOL_ONERROR)
 
 namespace tarn {
 

@@ -8,11 +8,9 @@
 #include "ide/shell/statusline.h"
 #include "ide/shell/windows.h"
 #include "kernel/debug/stopnotice.h"
-#include "kernel/windows/debugbreak.h"
 #include "library/system/system.h"
 
 #include <algorithm>
-#include <csignal>
 #include <vector>
 
 MODULE("runexe", tarn::IDE_ONERROR)
@@ -105,11 +103,8 @@ void FORGETPROGRAM(int process) {
 void BREAKDEBUGGED() {
     FRAME(BREAKDEBUGGED);
     STAMP();
-    for (auto program = programs().rbegin(); program != programs().rend(); ++program) {
-        if (program->seen.state != DebugState::Running) continue;
-        ::kill(program->process, DebugBreakSignal);
-        return;
-    }
+    for (auto program = programs().rbegin(); program != programs().rend(); ++program)
+        if (program->seen.state == DebugState::Running && BreakInto(program->process)) return;
     Sound();
     TELLSTATUS("No program runs in the debugger.");
     STAMP();

@@ -3,6 +3,7 @@
 
 #include "ide/shell/idecore.h"
 #include "ide/shell/windowtable.h"
+#include "kernel/debug/expression.h"
 #include "library/dialogs/dialogshape.h"
 #include "library/system/system.h"
 
@@ -31,7 +32,11 @@ bool readHits(const Object& window, int& hits) {
 
 std::string problem(const Object& window) {
     int hits = 0;
-    return readHits(window, hits) ? std::string() : "The number of the hit must be a whole number from 1 on.";
+    if (!readHits(window, hits)) return "The number of the hit must be a whole number from 1 on.";
+    const std::string condition = textIn(window, "edtcondition");
+    std::string fault;
+    if (condition.empty() || DebugExpression::compile(condition, fault) != nullptr) return {};
+    return "The condition cannot be read.\n" + fault;
 }
 
 constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP, .problem = problem, .hides = true};

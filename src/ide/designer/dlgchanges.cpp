@@ -2,6 +2,7 @@
 #include "ide/designer/dlgchanges.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/files/scratch.h"
 #include "ide/editor/difference.h"
@@ -31,7 +32,8 @@ std::string saveInto(const std::string& scratch) {
     const bool renames = !STREQUAL(name, old) && ResourceRead(scratch, old, there).empty();
     const std::string error = renames ? ResourceRename(scratch, old, name) : "";
     if (!error.empty()) return error;
-    return ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), scratch);
+    ResourcePast past = DIALOGHISTORYPAST();
+    return ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), scratch, past);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "ide/designer/dlgdisk.h"
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/drawing/dlgview.h"
 #include "ide/designer/drawing/dlgzoom.h"
 #include "ide/designer/drawing/drawing.h"
 #include "ide/designer/drawing/geometry.h"
@@ -83,7 +84,13 @@ bool drawing = false;
 Margin DIALOGGETMARGIN() {
     FRAME(DIALOGGETMARGIN);
     STAMP();
-    return GETMARGIN(DESIGNTEXT("marginstr"));
+    const Rect scrolled = DESIGNSCROLLED();
+    Margin margin = GETMARGIN(DESIGNTEXT("marginstr"));
+    margin.left -= scrolled.x;
+    margin.right += scrolled.x;
+    margin.top -= scrolled.y;
+    margin.bottom += scrolled.y;
+    return margin;
 }
 
 int DIALOGGETMODE() {
@@ -98,11 +105,11 @@ bool DIALOGDRAWING() {
     return drawing;
 }
 
-void DIALOGREDRAW() {
-    FRAME(DIALOGREDRAW);
-    if (!IsLoaded(DialogDlg) || GetListCount(DATALIST()) == 0) return;
-    STAMP();
+DesignPicture DIALOGPICTURE() {
+    FRAME(DIALOGPICTURE);
     DesignPicture picture;
+    if (!IsLoaded(DialogDlg)) return picture;
+    STAMP();
     picture.dialog = TSTRINGARRAY(DATALIST());
     picture.menu = TSTRINGARRAY(MENULIST());
     picture.grid = DESIGNTEXT("gridstr");
@@ -118,7 +125,19 @@ void DIALOGREDRAW() {
     if (TABORDERISON()) picture.tabOrder = TABORDERNOW();
     picture.clicked = TABORDERCHOSEN();
     STAMP();
+    return picture;
+}
+
+void DIALOGREDRAW() {
+    FRAME(DIALOGREDRAW);
+    if (!IsLoaded(DialogDlg) || GetListCount(DATALIST()) == 0) return;
+    STAMP();
+    DesignPicture picture = DIALOGPICTURE();
+    STAMP();
     drawing = true;
+    LAYOUTDESIGNVIEW(picture);
+    picture.margin = DIALOGGETMARGIN();
+    STAMP();
     DRAWWINDOW(DialogDlg, picture);
     drawing = false;
     STAMP();

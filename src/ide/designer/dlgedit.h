@@ -9,6 +9,7 @@
 //   hilites        the controls that are selected beside it, parted by blanks
 //   locks          those that are locked (dlglock.h)
 //   taborder       the clicks of a new order, while there are some (dlgtab.h)
+//   sclacross, scldown   how far the design is scrolled (drawing/dlgview.h)
 //   marginstr, modestr, gridstr, linkstr, ctlprotectstr, changedflag, resourcedir, compilerdir, rcfile, dlgname,
 //   helpfile, helpkey, prophelpkey, menuhelpkey
 //
@@ -28,6 +29,8 @@
 #include <string>
 
 namespace tarn {
+
+struct DesignPicture;
 
 inline constexpr int OPEN_MODAL = 1;          // no Toolbox; shown modally
 inline constexpr int OPEN_LOCK_DELETION = 2;  // objects cannot be deleted
@@ -69,9 +72,10 @@ bool DIALOGDLG(const Object& window, int event, const Object& control, int param
 
 // Redraws the open dialog from its lists.
 void DIALOGREDRAW();
-Margin DIALOGGETMARGIN();  // around the picture in the window
-int DIALOGGETMODE();       // which parts of the frame are drawn: a FrameMode
-bool DIALOGDRAWING();      // a redraw is under way, which may give the window another size
+DesignPicture DIALOGPICTURE();  // what it draws; empty lists without a dialog
+Margin DIALOGGETMARGIN();       // around the picture in the window; what is scrolled out of it counts below 0
+int DIALOGGETMODE();            // which parts of the frame are drawn: a FrameMode
+bool DIALOGDRAWING();           // a redraw is under way, which may give the window another size
 
 // Tells the Program Window, if it is there, to read its files again.
 void AUTOREFRESHPROJECT();

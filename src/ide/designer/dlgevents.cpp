@@ -6,6 +6,7 @@
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgmouse.h"
 #include "ide/designer/dlgstep.h"
+#include "ide/designer/drawing/dlgview.h"
 #include "ide/designer/drawing/dlgzoom.h"
 #include "ide/designer/drawing/geometry.h"
 #include "ide/designer/files/dlgcode.h"
@@ -80,6 +81,7 @@ void stepSelection(int by) {
     const int place = selected == -1 ? places : selected;  // 0: none
     const int next = place == 0 && by < 0 ? places : (place - 1 + by + places) % places + 1;
     SELECTOBJECT(menu && next == places ? -1 : next);
+    static_cast<void>(SHOWSELECTEDOBJECT());
     DIALOGREDRAW();
 }
 
@@ -198,6 +200,8 @@ void resized() {
     std::string list = DESIGNITEM(1);
     if (DIALOGDRAWING() || list.empty() || DESIGNTEXT("linkstr") != "1") return;
     STAMP();
+    if (DESIGNISSCROLLED()) return DIALOGREDRAW();  // the edge sizes what is seen of it
+    STAMP();
     const Rect offsets = CALCOFFSETS(DialogDlg, list, DIALOGGETMODE(), DIALOGGETMARGIN());
     const Rect window = GetPosition(DialogDlg, CLIENT_UNIT), most = GetMaxPosition(DialogDlg);
     if (ISGIVENSIZE(window)) return;
@@ -233,6 +237,7 @@ constexpr EventRow events[] = {
     {MOUSEDOWN_EVENT, [](int parameter) { return DESIGNPRESSED(parameter), true; }},
     {INFO_EVENT, [](int parameter) { return rightClicked(parameter), true; }},
     {DBLCLICK_EVENT, [](int) { return showCode(), true; }},
+    {CHANGE_EVENT, [](int) { return DIALOGREDRAW(), true; }},  // of a scroll bar
     {RESIZE_EVENT, [](int) { return resized(), redrawInColours(), true; }},
     {CLOSE_EVENT, [](int) { return !closes(); }},
 };

@@ -145,6 +145,7 @@ namespace {
 struct OpenDialog {
     DesignHistory history;
     std::optional<std::size_t> inFile;  // the digest of what the file has; none if that is unknown
+    ResourcePast past;
     int number = 0;
 };
 
@@ -208,6 +209,7 @@ void DIALOGHISTORYSTART(bool inFile) {
     STAMP();
     OpenDialog& dialog = opened();
     dialog.history.clear();
+    dialog.past.clear();
     dialog.inFile.reset();
     ++dialog.number;
     if (inFile) dialog.inFile = digestOf(DESIGNLISTS());
@@ -218,6 +220,7 @@ void DIALOGHISTORYSTART(bool inFile) {
 
 void DIALOGHISTORYEND() {
     opened().history.clear();
+    opened().past.clear();
     ++opened().number;
 }
 
@@ -229,6 +232,10 @@ void DIALOGHISTORYSAVED() {
 
 void DIALOGHISTORYAPART() {
     opened().inFile.reset();
+}
+
+ResourcePast& DIALOGHISTORYPAST() {
+    return opened().past;
 }
 
 int DIALOGHISTORYNUMBER() {

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "ide/designer/dlgstep.h"
+#include "kernel/windows/resources.h"
 
 #include <cstddef>
 #include <deque>
@@ -69,6 +70,8 @@ void DIALOGHISTORYSTART(bool inFile);
 void DIALOGHISTORYEND();    // the window goes
 void DIALOGHISTORYSAVED();  // the file has what the lists have
 void DIALOGHISTORYAPART();  // the file has something else than any state of the lists
+// What saves have taken out of the file, so that an undo behind a save brings back the same bytes.
+ResourcePast& DIALOGHISTORYPAST();
 void NOTEDESIGNSTEP(const DesignLists& before, const DesignLists& after);
 int DIALOGHISTORYNUMBER();  // of the dialog that is open: each start counts
 

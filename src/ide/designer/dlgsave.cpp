@@ -120,7 +120,8 @@ bool rename(Save& save) {
 }
 
 bool write(Save& save) {
-    const std::string error = ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), save.file);
+    const std::string error =
+        ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), save.file, DIALOGHISTORYPAST());
     if (!error.empty()) return tell(error), false;
     NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
     DIALOGHISTORYSAVED();

@@ -4,6 +4,7 @@
 #include "ide/designer/dlgchanges.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlghistory.h"
+#include "ide/designer/drawing/dlgpreview.h"
 #include "ide/designer/objects/dlgclip.h"
 #include "ide/editor/restore.h"
 #include "ide/shell/undomenu.h"
@@ -52,6 +53,12 @@ void DO_DIALOG_CHANGES() {
     FRAME(DO_DIALOG_CHANGES);
     STAMP();
     SHOWSAVECHANGES();
+}
+
+void DO_DIALOG_PREVIEW() {
+    FRAME(DO_DIALOG_PREVIEW);
+    STAMP();
+    SHOWPREVIEW();
 }
 
 void DO_DIALOG_DUPLICATE() {

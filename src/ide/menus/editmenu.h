@@ -20,6 +20,8 @@ void DO_UNDO(const std::string& title, const std::string& backupFile, const Obje
 void DO_PROPERTIES();
 // The lines that a save of the open dialog would change.
 void DO_DIALOG_CHANGES();
+// The open dialog as it looks on other desktops.
+void DO_DIALOG_PREVIEW();
 // The selected controls of the dialog editor once more.
 void DO_DIALOG_DUPLICATE();
 

@@ -2,6 +2,7 @@
 #include "ide/menus/runmenu.h"
 
 #include "ide/build/build.h"
+#include "ide/build/runinfo.h"
 #include "ide/build/start.h"
 #include "ide/build/toolrun.h"
 #include "ide/debug/codemarks.h"
@@ -101,6 +102,15 @@ void DO_ARGUMENTS() {
     Load(ArgumentsDlg);
     STAMP();
     Show(ArgumentsDlg, true);
+}
+
+// ---- information ----
+
+void DO_INFO() {
+    FRAME(DO_INFO);
+    STAMP();
+    RUNINFODIALOG();
+    STAMP();
 }
 
 }  // namespace tarn

@@ -14,6 +14,7 @@ void DO_START();
 void DO_START_EXAMPLE(const std::string& file);
 void DO_DEBUG();
 void DO_ARGUMENTS();
+void DO_INFO();
 void DO_TOGGLE_BREAKPOINT();
 void DO_BREAKPOINT_RULE();
 void DO_RUN_TO_CURSOR();

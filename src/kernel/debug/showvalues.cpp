@@ -99,13 +99,22 @@ ValueDump dumpOf(const FrameVariables& variables, bool hex) {
     return dump;
 }
 
-VariableEntry* variableNamedBy(std::string_view text, std::int32_t frame) {
-    if (text.size() > MaxShownValue) return nullptr;
+// The first word of a line, if it can be a name.
+std::string_view nameIn(std::string_view text) {
+    if (text.size() > MaxShownValue) return {};
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    if (text.empty() || !(ascii::isLetter(text[0]) || text[0] == '_')) return nullptr;
+    if (text.empty() || !(ascii::isLetter(text[0]) || text[0] == '_')) return {};
     const auto end = std::find_if_not(text.begin(), text.end(), ascii::isSymbol);
+    return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+// What a line names; of two variables with one name the one that it shows.
+VariableEntry* expandableOf(std::string_view text, std::int32_t frame, int line) {
+    const std::string_view name = nameIn(text);
+    const VariableEntry* const own = ValueOfLine(frame, line).variable;
+    const bool isOwn = own != nullptr && ascii::equal(own->name, name);
     VariableEntry* const entry =
-        FindVariable(VariablesOf(frame), text.substr(0, static_cast<std::size_t>(end - text.begin())));
+        isOwn ? const_cast<VariableEntry*>(own) : FindVariable(VariablesOf(frame), name);
     return entry != nullptr && IsExpandable(static_cast<Kind>(entry->kind)) ? entry : nullptr;
 }
 
@@ -129,7 +138,7 @@ LineValue ValueOfLine(std::int32_t frame, int line) {
                        static_cast<std::size_t>(line) <= shown.lines.size();
     if (!known) return {};
     const ShownLine& at = shown.lines[static_cast<std::size_t>(line) - 1];
-    if (at.element == ShownLine::NoValue || at.variable >= variables.count) return {};
+    if (at.variable >= variables.count) return {};
     return {&variables.first[at.variable], at.element};
 }
 
@@ -164,7 +173,10 @@ void DumpVariable(const VariableEntry& entry, bool hex, void* dest) {
 }
 
 bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
-    VariableEntry* const entry = variableNamedBy(platform::DebugLine(window, line), frame);
+    const LineValue at = ValueOfLine(frame, line);
+    const bool tellsPage = at.variable != nullptr && !at.isValue() && howShown(*at.variable).page >= 0;
+    if (tellsPage) return PageValue(window, frame, line, ValuePage::Next, hex);
+    VariableEntry* const entry = expandableOf(platform::DebugLine(window, line), frame, line);
     if (entry == nullptr) return false;
     entry->expanded = !entry->expanded;
     if (!entry->expanded) asked.erase(entry->address);
@@ -189,7 +201,7 @@ bool PageValue(platform::DebugWindow& window, std::int32_t frame, int line, Valu
 
 bool ShowWholeValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
     const LineValue at = ValueOfLine(frame, line);
-    if (at.variable == nullptr) return false;
+    if (!at.isValue()) return false;
     const bool expanded = at.variable->expanded && IsExpandable(static_cast<Kind>(at.variable->kind));
     if (expanded && at.element == ShownLine::NoElement) return false;
     std::set<std::int32_t>& whole = asked[at.variable->address].whole;

@@ -44,8 +44,9 @@ std::string DumpVariable(const VariableEntry& entry, bool hex, std::size_t capac
 void DumpVariable(const VariableEntry& entry, bool hex, void* dest);
 
 // A double click on a line: expands or collapses the variable whose name is its first word, if that is an array, list or
-// table, and fills the list anew with the selection and the first seen line as they were. False if there is nothing to
-// expand there, or the line has more than MaxShownValue characters.
+// table, and fills the list anew with the selection and the first seen line as they were; on the line that tells which
+// elements are shown, goes on to the next ones. False if there is nothing to expand there, or the line has more than
+// MaxShownValue characters.
 bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex);
 
 enum class ValuePage { Next, Previous };

@@ -12,8 +12,9 @@
 namespace tarn {
 
 struct LineValue {
-    const VariableEntry* variable = nullptr;  // null: the line shows no value
-    std::int32_t element = ShownLine::NoElement;
+    const VariableEntry* variable = nullptr;  // null: the line belongs to no variable
+    std::int32_t element = ShownLine::NoValue;
+    [[nodiscard]] bool isValue() const { return element != ShownLine::NoValue; }
 };
 // By what ShowValues has last put into the list.
 LineValue ValueOfLine(std::int32_t frame, int line);

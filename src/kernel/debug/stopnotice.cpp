@@ -15,9 +15,11 @@
 
 #include "os/process.h"
 #include "os/runtimenotes.h"
+#include "platform/operations/debugger.h"
 
 #include <array>
 #include <charconv>
+#include <csignal>
 #include <optional>
 #include <system_error>
 #include <unistd.h>
@@ -139,6 +141,11 @@ std::vector<int> DebuggedProcesses() {
     for (const std::string& name : os::notesWith(NotePrefix))
         if (const int process = processOf(name); process != 0) processes.push_back(process);
     return processes;
+}
+
+bool BreakInto(int process) {
+    return ReadStopNotice(process).state != DebugState::None &&
+           ::kill(process, platform::DebugBreakSignal) == 0;
 }
 
 void DropStopNotice(int process) {

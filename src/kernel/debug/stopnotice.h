@@ -46,6 +46,8 @@ struct StopNotice {
 
 StopNotice ReadStopNotice(int process);
 std::vector<int> DebuggedProcesses();  // those of this user that live, in no order
+// Stops a program under the debugger at its next line; false, and nothing is done, if that process is none.
+bool BreakInto(int process);
 // Of a process that has ended. The note of a process that lives is its own.
 void DropStopNotice(int process);
 

@@ -99,7 +99,7 @@ std::string changeElement(std::string_view text, const VariableEntry& entry, std
 
 std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int line, std::string_view text) {
     const LineValue at = ValueOfLine(frame, line);
-    if (at.variable == nullptr) return "There is no value in this line.";
+    if (!at.isValue()) return "There is no value in this line.";
     const auto kind = static_cast<Kind>(at.variable->kind);
     constexpr char in = 'I';
     if (at.variable->role == in && IsAdtKind(kind))
@@ -113,14 +113,14 @@ std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int l
 
 std::string NameOfValue(std::int32_t frame, int line) {
     const LineValue at = ValueOfLine(frame, line);
-    if (at.variable == nullptr) return {};
+    if (!at.isValue()) return {};
     if (at.element == ShownLine::NoElement) return VariableHead(*at.variable);
     return "element " + std::to_string(at.element + 1) + " of " + at.variable->name;
 }
 
 std::string WholeValue(std::int32_t frame, int line, bool hex) {
     const LineValue at = ValueOfLine(frame, line);
-    if (at.variable == nullptr) return {};
+    if (!at.isValue()) return {};
     const void* value = at.variable->address;
     auto kind = static_cast<Kind>(at.variable->kind);
     std::string text;

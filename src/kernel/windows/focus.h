@@ -7,6 +7,9 @@
 #include "kernel/windows/windowing.h"
 #include "platform/operations/focus.h"
 
+#include <utility>
+#include <vector>
+
 namespace tarn {
 
 using platform::GetFocus;
@@ -14,6 +17,10 @@ using platform::LEAVE_EVENT;
 
 inline void WatchFocus(const Object& window) {
     detail::note(platform::WatchFocus(window));
+}
+
+inline void TakeKeys(const Object& window, std::vector<int> keys) {
+    detail::note(platform::TakeKeys(window, std::move(keys)));
 }
 
 inline void SetFocus(const Object& control) {

@@ -19,6 +19,7 @@ using platform::ObjectArray;
 using platform::ResourceCommonId;
 using platform::ResourceFolder;
 using platform::ResourceMemoryOption;
+using platform::ResourcePast;
 using platform::ResourceText;
 using platform::ResourceTypelist;
 using platform::ResourceValue;
@@ -38,6 +39,10 @@ inline std::string ResourceRead(const std::string& file, const std::string& name
 inline std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu,
                                  const std::string& file) {
     return CutResourceError(platform::ResourceWrite(dialog, menu, file));
+}
+inline std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu, const std::string& file,
+                                 ResourcePast& past) {
+    return CutResourceError(platform::ResourceWrite(dialog, menu, file, past));
 }
 inline ResourceText ResourceInfo(const std::string& file, const std::string& kind, const std::string& name) {
     return CutResourceText(platform::ResourceInfo(file, kind, name), file);

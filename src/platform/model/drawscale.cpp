@@ -2,7 +2,6 @@
 #include "platform/model/drawscale.h"
 
 #include "platform/model/access_internal.h"
-#include "platform/operations/drawscale.h"
 
 #include <algorithm>
 
@@ -21,12 +20,15 @@ int times(int number, int factor, int divisor) {
 
 }  // namespace
 
+DrawLook drawLook(const Control& drawnOn) {
+    const auto& looks = state().drawLooks;
+    const auto found = looks.find(drawnOn.handle);
+    return found == looks.end() ? DrawLook{} : found->second;
+}
+
 int drawScale(const Control& control) {
-    const auto& scales = state().drawScales;
-    const Window* const window = scales.empty() ? nullptr : findWindow(control.object.owner());
-    if (window == nullptr) return Whole;
-    const auto found = scales.find(window->handle);
-    return found == scales.end() ? Whole : found->second;
+    const Window* const window = state().drawLooks.empty() ? nullptr : findWindow(control.object.owner());
+    return window == nullptr ? Whole : drawLook(*window).scale;
 }
 
 Point onDrawing(Point client, int percent) {
@@ -40,17 +42,47 @@ Rect onClient(const Rect& drawing, int percent) {
     return {x, y, std::max(w, drawing.w > 0 ? 1 : 0), std::max(h, drawing.h > 0 ? 1 : 0)};
 }
 
-Answer<int> GetDrawScale(const Object& window) {
-    const Window* const found = findWindow(window);
-    if (found == nullptr) return {Whole, WindowNotLoaded};
-    return {drawScale(*found), Ok};
+namespace {
+
+// A window, or an image of one; null for anything else.
+const Control* surface(const Object& object) {
+    const Control* const control = findControl(object);
+    const bool takesDrawing =
+        control != nullptr && (isWindowType(control->type) || control->type == Type::Image);
+    return takesDrawing ? control : nullptr;
 }
 
-Code SetDrawScale(const Object& window, int percent) {
-    const Window* const found = findWindow(window);
+template <class T>
+Answer<T> askLook(const Object& object, T DrawLook::*part) {
+    const Control* const found = surface(object);
+    if (found == nullptr) return {DrawLook{}.*part, WindowNotLoaded};
+    return {drawLook(*found).*part, Ok};
+}
+
+template <class T>
+Code setLook(const Object& object, T DrawLook::*part, T value) {
+    const Control* const found = surface(object);
     if (found == nullptr) return WindowNotLoaded;
-    state().drawScales[found->handle] = std::clamp(percent, LEAST_DRAW_SCALE, MOST_DRAW_SCALE);
+    state().drawLooks[found->handle].*part = value;
     return Ok;
+}
+
+}  // namespace
+
+Answer<int> GetDrawScale(const Object& object) {
+    return askLook(object, &DrawLook::scale);
+}
+
+Code SetDrawScale(const Object& object, int percent) {
+    return setLook(object, &DrawLook::scale, std::clamp(percent, LEAST_DRAW_SCALE, MOST_DRAW_SCALE));
+}
+
+Answer<DrawColours> GetDrawColours(const Object& object) {
+    return askLook(object, &DrawLook::colours);
+}
+
+Code SetDrawColours(const Object& object, DrawColours colours) {
+    return setLook(object, &DrawLook::colours, colours);
 }
 
 }  // namespace tarn::platform

@@ -4,10 +4,18 @@
 #pragma once
 
 #include "platform/model/model.h"
+#include "platform/operations/drawscale.h"
 
 namespace tarn::platform {
 
 int drawScale(const Control& control);  // per cent, of its window
+
+// How a drawing on a window, or on an image, is shown.
+struct DrawLook {
+    int scale = 100;  // per cent
+    DrawColours colours = DESKTOP_COLOURS;
+};
+DrawLook drawLook(const Control& drawnOn);
 
 // The pixel of the drawing that a pixel of the client area shows.
 Point onDrawing(Point client, int percent);

@@ -4,6 +4,7 @@
 #include "platform/model/access_internal.h"
 #include "platform/operations/life.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -11,17 +12,27 @@ namespace tarn::platform {
 
 namespace {
 
+struct Watch {
+    Object focus;
+    std::vector<int> keys;
+};
+
 // By the handles of the windows that asked: a window of the same name that is loaded later is another one.
-std::map<int, Object>& watched() {
-    static std::map<int, Object> controls;
-    return controls;
+std::map<int, Watch>& watched() {
+    static std::map<int, Watch> windows;
+    return windows;
 }
 
-Object* watchedFocus(const Object& object) {
+Watch* watchOf(const Object& object) {
     const Window* const window = findWindow(object);
     if (window == nullptr) return nullptr;
     const auto place = watched().find(window->handle);
     return place == watched().end() ? nullptr : &place->second;
+}
+
+Object* watchedFocus(const Object& object) {
+    Watch* const watch = watchOf(object);
+    return watch == nullptr ? nullptr : &watch->focus;
 }
 
 void tellLeft(const Object& control) {
@@ -36,6 +47,18 @@ Code WatchFocus(const Object& object) {
     std::erase_if(watched(), [](const auto& entry) { return windowOfHandle(entry.first) == nullptr; });
     watched().try_emplace(window->handle);
     return Ok;
+}
+
+Code TakeKeys(const Object& window, std::vector<int> keys) {
+    const Code code = WatchFocus(window);
+    if (code == Ok) watchOf(window)->keys = std::move(keys);
+    return code;
+}
+
+bool takesKey(const Window& window, int key) {
+    const Watch* const watch = watchOf(window.object);
+    return watch != nullptr && key != 0 &&
+           std::find(watch->keys.begin(), watch->keys.end(), key) != watch->keys.end();
 }
 
 Object GetFocus(const Object& window) {

@@ -169,9 +169,12 @@ void destroy(Window& window) {
     if (windowOfHandle(handle) == nullptr) return;  // gone meanwhile
     view().unload(window);
     s.byHandle.erase(handle);
-    s.drawScales.erase(handle);
+    s.drawLooks.erase(handle);
     for (const auto* controls : {&window.controls, &window.menuItems})
-        for (const auto& control : *controls) s.byHandle.erase(control->handle);
+        for (const auto& control : *controls) {
+            s.byHandle.erase(control->handle);
+            s.drawLooks.erase(control->handle);
+        }
     std::erase(s.activation, handle);
     const auto place = std::find_if(s.windows.begin(), s.windows.end(),
                                     [&](const auto& one) { return one.get() == &window; });

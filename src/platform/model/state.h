@@ -9,6 +9,7 @@
 #pragma once
 
 #include "os/instance.h"
+#include "platform/model/drawscale.h"
 #include "platform/model/model.h"
 #include "platform/operations/boxhelp.h"
 #include "platform/resources/rcx.h"
@@ -35,10 +36,10 @@ struct State {
     std::map<Type, std::unique_ptr<Control>> system;  // screen and clipboard, once asked for
     std::vector<std::unique_ptr<Control>> printers;   // by number, from 1
     std::map<int, std::pair<std::string, std::string>>
-        elsewhere;                   // class and caption of other copies' windows
-    std::map<int, int> results;      // of the windows that are shown modally, by handle
-    std::map<int, int> drawScales;   // per cent, of the windows that have one, by handle
-    std::vector<Object> commanding;  // senders of the COMMAND_EVENTs being handled, the innermost last
+        elsewhere;                      // class and caption of other copies' windows
+    std::map<int, int> results;         // of the windows that are shown modally, by handle
+    std::map<int, DrawLook> drawLooks;  // of the windows and images that have one, by handle
+    std::vector<Object> commanding;     // senders of the COMMAND_EVENTs being handled, the innermost last
     HelpViewer helpViewer = nullptr;
     BoxHelp boxHelp = nullptr;
     std::optional<std::pair<Point, Point>> drag;  // of the next TrackRect; see userDrag

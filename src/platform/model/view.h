@@ -101,6 +101,9 @@ public:
     // Places that are shown as marked. A store whose control cannot show any keeps none.
     virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
     [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
+    // Lines, from 1, of which the block is folded; those that begin none are left out.
+    virtual void setFolds(const std::vector<int>& lines) { static_cast<void>(lines); }
+    [[nodiscard]] virtual std::vector<int> folds() const { return {}; }
     // Marks of lines, as operations/linemarks.h tells. As above: a store may keep none.
     virtual void setLineMarks(const std::vector<LineMark>& marks);
     [[nodiscard]] virtual std::vector<LineMark> lineMarks() const;

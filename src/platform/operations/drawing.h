@@ -34,12 +34,12 @@ Code DrawTextstr(const Object& object, std::string_view text);
 Code DrawPicture(const Object& object, std::string_view picture, int x, int y, int w = 0, int h = 0);
 Code DrawPicture(const Object& object, const Picture& picture, int x, int y, int w = 0, int h = 0);
 Code DrawWindow(const Object& object, const Object& window);  // its client area, at the current point
-// A control as a window would show it, from its property list, with the font of the drawing for its window's. It differs
-// from a real one in this: scroll bars stand as SCROLLBARS tells, needed or not, one that is not VISIBLE is faint, and for
-// a picture that is not there stands a crossed box with its name. Lines of the list that tell of its window: MENU, that
-// there is one, which makes bitmap buttons flat; BUDDY, that the mnemonic of a label leads to another control; GROUND, that
-// the window's ground covers what was drawn before. A list of no control draws nothing. Cost: that of a picture, where one
-// of the same look was drawn before.
+// A control as a window would show it, from its property list, with the font of the drawing for its window's. Other than
+// in a real one, scroll bars stand as SCROLLBARS tells, one that is not VISIBLE is faint, and for a picture that is not
+// there stands a crossed box with its name. Lines of the list that tell of its window: MENU, that there is one, which makes
+// bitmap buttons flat; BUDDY, that the mnemonic of a label leads to a control; GROUND, that the window's ground covers what
+// was drawn; RUNNING, that bars stand where they are needed. A window's list draws its ground, one of no object nothing.
+// Cost: that of a picture, where one of the same look was drawn before.
 Code DrawControl(const Object& object, std::string_view properties, int x, int y, int w, int h);
 Answer<int> GetCurrentX(const Object& object);
 Code SetCurrentX(const Object& object, int x);

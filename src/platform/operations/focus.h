@@ -6,6 +6,8 @@
 
 #include "platform/object.h"
 
+#include <vector>
+
 namespace tarn::platform {
 
 class Control;
@@ -16,9 +18,13 @@ class Window;
 inline constexpr int LEAVE_EVENT = 32790;
 
 Code WatchFocus(const Object& window);  // 702: it is not loaded
-Object GetFocus(const Object& window);  // of a window that asked; empty: none has it
-Code SetFocus(const Object& control);   // in its window, which stays where it is
-void userFocus(Control& control);       // for views: the user has gone there
-void leaveFocus(const Window& window);  // another window has become active
+// A window that asked hears these keys as its own, whatever menu they belong to elsewhere: with Ctrl (0x1000) and Shift
+// (0x2000) added, as KEYPRESS_EVENT. Keys that a text with the focus needs stay with the text.
+Code TakeKeys(const Object& window, std::vector<int> keys);
+bool takesKey(const Window& window, int key);  // for views
+Object GetFocus(const Object& window);         // of a window that asked; empty: none has it
+Code SetFocus(const Object& control);          // in its window, which stays where it is
+void userFocus(Control& control);              // for views: the user has gone there
+void leaveFocus(const Window& window);         // another window has become active
 
 }  // namespace tarn::platform

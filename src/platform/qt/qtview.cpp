@@ -7,10 +7,12 @@
 #include "platform/model/model.h"
 #include "platform/operations/focus.h"
 #include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/drawing/printing.h"
 #include "platform/qt/input/keys.h"
 #include "platform/qt/input/mouse.h"
+#include "platform/qt/input/tracker.h"
 #include "platform/qt/texts.h"
 #include "platform/qt/windows/frame.h"
 #include "platform/qt/windows/menus.h"
@@ -21,7 +23,6 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QDesktopServices>
-#include <QElapsedTimer>
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QKeyEvent>
@@ -184,7 +185,22 @@ void QtView::show(Window& window) {
 // The model counts a window as active from here on; the window system follows in its own time.
 void QtView::bringUp(Frame& frame) {
     noteLatest(frame);
+    broughtUp_ = &frame;
+    timesInsisted_ = 0;
     frame.bringUp();
+}
+
+// A dialog that closes leaves the focus to the window it belongs to, and the window system may tell so only after the
+// program has brought another one up. Somebody who asks for a window at that moment gets it at the second try.
+bool QtView::insists(const Frame& frame) {
+    constexpr int patience = 1000, tries = 2;  // milliseconds
+    if (broughtUp_.isNull() || broughtUp_ == &frame || timesInsisted_ == tries) return false;
+    if (!sinceGone_.isValid() || sinceGone_.elapsed() > patience) return false;
+    if (!broughtUp_->isVisible() || broughtUp_->model() == nullptr || !takesInput(broughtUp_->window()))
+        return false;
+    ++timesInsisted_;
+    broughtUp_->activateWindow();
+    return true;
 }
 
 void QtView::hide(Window& window) {
@@ -213,6 +229,7 @@ void QtView::changed(Control& control, Property property) {
 }
 
 void QtView::activateBelow(Frame* gone) {
+    sinceGone_.start();
     std::erase_if(order_, [gone](const QPointer<Frame>& frame) { return frame.isNull() || frame == gone; });
     for (auto frame = order_.rbegin(); frame != order_.rend(); ++frame) {
         if (!(*frame)->isVisible() || !(*frame)->windowHandle() || !takesInput((*frame)->window())) continue;
@@ -232,7 +249,7 @@ void QtView::activated() {
     std::erase_if(order_, [](const QPointer<Frame>& other) { return other.isNull(); });
     if (frame == nullptr || frame->window().widget == nullptr || !frame->isVisible()) return;
     if (returns && !order_.empty() && order_.back() == frame) return userReturn(frame->window());
-    enter(*frame);
+    if (!insists(*frame)) enter(*frame);
 }
 
 void QtView::noteLatest(Frame& frame) {
@@ -364,8 +381,7 @@ Desktop QtView::desktop() {
     return {static_cast<int>(QGuiApplication::screens().size()),
             {area.x(), area.y(), area.width(), area.height()},
             QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize),
-            QApplication::palette().color(QPalette::Window).lightness() <
-                QApplication::palette().color(QPalette::WindowText).lightness()};
+            isDark(QApplication::palette())};
 }
 
 Rect QtView::frameExtents(const Window& window) {
@@ -477,10 +493,14 @@ void QtView::watch(int descriptor, std::function<void()> ready) {
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     if (debugger_.takes(receiver, *event)) return true;
+    if (tracking_ != nullptr && tracking_->hear(*event)) return true;
     const auto type = event->type();
     if (type == QEvent::FocusIn) noteFocus(receiver);
     if (!isInput(type)) return false;
-    if (type == QEvent::KeyPress || type == QEvent::MouseButtonPress) input_ = true;
+    if (type == QEvent::KeyPress || type == QEvent::MouseButtonPress) {
+        input_ = true;
+        broughtUp_ = nullptr;
+    }
     auto* widget = receiver->isWidgetType() ? static_cast<QWidget*>(receiver) : nullptr;
     if (widget == nullptr) return false;
     const Frame* const over = frameOfWidget(widget);
@@ -519,6 +539,8 @@ bool QtView::key(QObject* receiver, QKeyEvent& event) {
         if (alive.isNull() || frame->window().widget == nullptr) return true;
     }
     if (focus == nullptr || !widgetNeeds(*focus, event)) {
+        if (takesKey(frame->window(), modelShortcut(event)))
+            return userKey(frame->window(), frame->controlOf(focus), modelShortcut(event)), true;
         if (typeAhead(*frame, event)) return true;
         if (command(*frame, modelShortcut(event))) return true;
         if (openMainMenu(*frame, event)) return true;

@@ -8,6 +8,7 @@
 #include "platform/model/view.h"
 #include "platform/qt/debugger/debughost.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -23,6 +24,7 @@ namespace tarn::platform::qt {
 
 class Frame;
 class ToolProgress;
+class Tracker;
 
 class QtView : public QObject, public View {
 public:
@@ -90,10 +92,11 @@ private:
     bool openMainMenu(Frame& frame, QKeyEvent& event);  // Alt and the letter of a menu of the main window
     void bringUp(Frame& frame);
     void noteLatest(Frame& frame);
-    void enter(Frame& frame);         // the user works there now: tells the model, if that is news
-    void activated();                 // after the focus has moved
-    void activateBelow(Frame* gone);  // after a window has gone, the one before it
-    void sweep();                     // deletes what asked to be deleted, at the outermost level
+    void enter(Frame& frame);          // the user works there now: tells the model, if that is news
+    void activated();                  // after the focus has moved
+    bool insists(const Frame& frame);  // it has got the focus that the program has just given to another one
+    void activateBelow(Frame* gone);   // after a window has gone, the one before it
+    void sweep();                      // deletes what asked to be deleted, at the outermost level
 
     [[nodiscard]] QWidget* askedFrom() const;  // the window over which a box opens; null: none
     void restWatches(bool rest);               // while the program rests
@@ -107,8 +110,12 @@ private:
     std::map<int, std::unique_ptr<QTimer>> timers_;  // by the owner's handle
     std::map<int, std::unique_ptr<QSocketNotifier>> watched_;
     std::unique_ptr<ToolProgress> progress_;
+    Tracker* tracking_ = nullptr;         // the drag that is under way
     std::vector<QPointer<Frame>> order_;  // the active window and those before it, latest last
-    int depth_ = 0;                       // loops, one inside the other
+    QPointer<Frame> broughtUp_;           // by the program, and the user has done nothing since
+    QElapsedTimer sinceGone_;             // the last window that had the focus when it went
+    int timesInsisted_ = 0;
+    int depth_ = 0;  // loops, one inside the other
     bool busy_ = false;
     bool input_ = false;  // a key or a click since the wait began
 };

@@ -17,6 +17,8 @@
 #include <QClipboard>
 #include <QMimeData>
 
+#include <utility>
+
 namespace tarn::platform::qt {
 
 namespace {
@@ -35,9 +37,7 @@ SurfaceWidget* surfaceOf(Control& control) {
 
 std::unique_ptr<Canvas> QtView::canvas(Control& control) {
     SurfaceWidget* const surface = surfaceOf(control);
-    return surface == nullptr
-               ? nullptr
-               : surface->canvas(platform::isWindowType(control.type) ? drawScale(control) : 100);
+    return surface == nullptr ? nullptr : surface->canvas(drawLook(control));
 }
 
 void QtView::wipe(Control& control) {
@@ -51,7 +51,9 @@ Rect QtView::track(Window& window, Track track) {
     const int scale = drawScale(window);
     track.pressed = onDrawing({at.x(), at.y()}, scale);
     Tracker tracker(frame->client(), track, dragGuides(), scale);
+    Tracker* const outer = std::exchange(tracking_, &tracker);
     loop([&] { return tracker.done(); });
+    tracking_ = outer;
     return tracker.result();
 }
 

@@ -8,6 +8,9 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <utility>
 
 namespace tarn::platform {
 
@@ -83,20 +86,22 @@ std::string change(const std::string& file, const RcFile& parsed, std::string te
     return now == nullptr ? notThere(file, name) : "";
 }
 
+// What a statement loses is added to `lost`.
 std::string writeOne(const std::string& file, const RcFile& parsed, const ObjectArray& objects, bool menu,
-                     RcFile& changed) {
+                     RcFile& changed, const ResourcePast& past, ResourcePast& lost) {
     const std::string name = parsePropertyList(objects[0]).name;
     const RcKind kind = menu ? RcKind::Menu : RcKind::Window;
     const RcStatement* const old = parsed.find(kind, name);
     if (old == nullptr && parsed.find(name) != nullptr)
         return "'" + name + "' is the name of another resource.";
     if (old != nullptr && !old->fault.empty()) return faultText(file, old->fault);
-    const std::string statement = statementText(parsed, old, objects, menu);
+    const StatementText statement = statementText(parsed, old, objects, menu, past);
     std::string text = parsed.text;
     if (old == nullptr)
-        append(text, statement, std::string(parsed.lineEnd()));
+        append(text, statement.text, std::string(parsed.lineEnd()));
     else
-        text.replace(old->span.begin, old->span.end - old->span.begin, statement);
+        text.replace(old->span.begin, old->span.end - old->span.begin, statement.text);
+    if (statement.loses) lost.push_back(parsed.text.substr(old->span.begin, old->span.end - old->span.begin));
     return change(file, parsed, std::move(text), kind, name, changed);
 }
 
@@ -119,18 +124,36 @@ std::string readObjects(const RcFile& parsed, const std::string& file, const std
     return "";
 }
 
+namespace {
+
+// The oldest texts go.
+void keepPast(ResourcePast& past, ResourcePast lost) {
+    constexpr std::size_t most = std::size_t{8} << 20U;  // bytes
+    std::size_t size = 0;
+    for (std::string& text : lost) past.push_back(std::move(text));
+    auto first = past.end();
+    while (first != past.begin() && (size += std::prev(first)->size()) <= most) --first;
+    past.erase(past.begin(), first);
+}
+
+}  // namespace
+
 std::string writeObjects(RcFile& parsed, const std::string& file, const ObjectArray& dialog,
-                         const ObjectArray& menu) {
+                         const ObjectArray& menu, ResourcePast& past) {
     if (dialog[0].empty()) return "There is no dialog to write.";
     if (std::string error = refusal(dialog, false); !error.empty()) return error;
     if (std::string error = menu[0].empty() ? "" : refusal(menu, true); !error.empty()) return error;
     RcFile changed, both;
-    if (std::string error = writeOne(file, parsed, dialog, false, changed); !error.empty()) return error;
+    ResourcePast lost;
+    std::string error = writeOne(file, parsed, dialog, false, changed, past, lost);
+    if (!error.empty()) return error;
     if (!menu[0].empty()) {
-        if (std::string error = writeOne(file, changed, menu, true, both); !error.empty()) return error;
+        error = writeOne(file, changed, menu, true, both, past, lost);
+        if (!error.empty()) return error;
         changed = std::move(both);
     }
     parsed = std::move(changed);
+    keepPast(past, std::move(lost));
     return "";
 }
 
@@ -149,34 +172,53 @@ std::string obstacle(const RcFile& parsed, const std::string& file, const std::s
 
 namespace {
 
-// Whether the statements of `after` are those of `before` but for the one that was taken out: without it, a
+bool hasName(const RcStatement& statement) {
+    return statement.kind != RcKind::Unknown && statement.kind != RcKind::Define;
+}
+
+// Which statements an operation means.
+using Meant = std::function<bool(const RcStatement& statement)>;
+
+// Whether the statements of `after` are those of `before` but for the ones that were taken out: without them, a
 // block that has no END could reach further.
-bool othersStay(const RcFile& before, const RcFile& after, const std::string& name) {
+bool othersStay(const RcFile& before, const RcFile& after, const Meant& isMeant) {
     std::size_t i = 0;
     for (const RcStatement& statement : before.statements) {
-        const bool hasName = statement.kind != RcKind::Unknown && statement.kind != RcKind::Define;
-        if (!hasName || sameText(statement.name, name)) continue;
-        while (i < after.statements.size() &&
-               (after.statements[i].kind == RcKind::Unknown || after.statements[i].kind == RcKind::Define))
-            ++i;
+        if (!hasName(statement) || isMeant(statement)) continue;
+        while (i < after.statements.size() && !hasName(after.statements[i])) ++i;
         if (i == after.statements.size() || after.statements[i++].name != statement.name) return false;
     }
     return true;
+}
+
+std::string deleteMeant(RcFile& parsed, const std::string& file, const Meant& isMeant) {
+    std::string text = parsed.text;
+    for (auto statement = parsed.statements.rbegin(); statement != parsed.statements.rend(); ++statement)
+        if (hasName(*statement) && isMeant(*statement))
+            text.erase(statement->span.begin, statement->span.end - statement->span.begin);
+    RcFile changed = parseResourceText(std::move(text));
+    if (!othersStay(parsed, changed, isMeant)) return faultText(file, lastFault(parsed));
+    parsed = std::move(changed);
+    return "";
 }
 
 }  // namespace
 
 std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& name) {
     if (std::string error = obstacle(parsed, file, name); !error.empty()) return error;
-    std::string text = parsed.text;
-    for (auto statement = parsed.statements.rbegin(); statement != parsed.statements.rend(); ++statement)
-        if (statement->kind != RcKind::Define && statement->kind != RcKind::Unknown &&
-            sameText(statement->name, name))
-            text.erase(statement->span.begin, statement->span.end - statement->span.begin);
-    RcFile changed = parseResourceText(std::move(text));
-    if (!othersStay(parsed, changed, name)) return faultText(file, lastFault(parsed));
-    parsed = std::move(changed);
-    return "";
+    return deleteMeant(parsed, file,
+                       [&](const RcStatement& statement) { return sameText(statement.name, name); });
+}
+
+std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& kind,
+                            const std::string& name) {
+    const ResourceText found = listStatements(parsed, file, kind, name);
+    if (!found.error.empty()) return found.error;
+    if (found.text.empty()) return notThere(file, name);
+    return deleteMeant(parsed, file, [&](const RcStatement& statement) {
+        const bool window = sameText(kind, "DIALOG") && statement.kind == RcKind::Window;
+        return sameText(statement.name, name) && (window || sameText(statement.kindWord, kind));
+    });
 }
 
 namespace {

@@ -15,7 +15,11 @@ namespace {
 class Writer {
 public:
     explicit Writer(const RcFile& file) : file_(file) {}
-    std::string statement(const RcStatement* old, const ObjectArray& objects, bool menu);
+    StatementText statement(const RcStatement* old, const ObjectArray& objects, bool menu,
+                            const std::vector<std::string>& past);
+    std::string continued(const RcObject& block, const ParsedList& wanted) {
+        return objectHead(block, wanted) + properties(block, wanted);
+    }
 
 private:
     std::string newNumber() {
@@ -38,6 +42,9 @@ private:
     std::string objectHead(const RcObject& block, const ParsedList& wanted);
     std::string fresh(const ParsedList& wanted);
     std::string freshStatement(const ParsedList& self, bool menu);
+    [[nodiscard]] std::vector<std::string> returned(const std::vector<const RcObject*>& blocks,
+                                                    const std::vector<ParsedList>& wanted,
+                                                    const std::vector<std::string>& past) const;
 
     const RcFile& file_;
     std::string eol_{file_.lineEnd()};
@@ -198,7 +205,41 @@ std::string Writer::freshStatement(const ParsedList& self, bool menu) {
     return result;
 }
 
-std::string Writer::statement(const RcStatement* old, const ObjectArray& objects, bool menu) {
+// The blocks of objects that have been in the file and are not any more.
+class Past {
+public:
+    explicit Past(const std::vector<std::string>& texts) {
+        for (auto text = texts.rbegin(); text != texts.rend(); ++text)
+            files_.push_back(parseResourceText(*text));
+    }
+    // The text of the newest block for the object, which no other one gets; empty if there is none, or if it would not say
+    // the number that it said then.
+    std::string textFor(const ParsedList& wanted, const RcFile& now, std::set<int>& numbers) {
+        for (const RcFile& file : files_)
+            for (const RcStatement& statement : file.statements)
+                for (const RcObject& block : statement.objects) {
+                    if (!isOf(block, wanted) || used_.contains(&block)) continue;
+                    const int number = block.number.empty() ? now.symbol(block.name) : file.numberOf(block);
+                    if (number == 0 && !wanted.name.empty()) return {};
+                    if (number > 0 && !numbers.insert(number).second) return {};
+                    used_.insert(&block);
+                    return Writer(file).continued(block, wanted);
+                }
+        return {};
+    }
+
+private:
+    static bool isOf(const RcObject& block, const ParsedList& wanted) {
+        if (block.type != wanted.type || !sameText(block.givenName(), wanted.name)) return false;
+        return !wanted.name.empty() || makePropertyList("", block.type, block.values()) ==
+                                           makePropertyList("", wanted.type, wanted.properties);
+    }
+    std::vector<RcFile> files_;
+    std::set<const RcObject*> used_;
+};
+
+StatementText Writer::statement(const RcStatement* old, const ObjectArray& objects, bool menu,
+                                const std::vector<std::string>& past) {
     std::vector<ParsedList> wanted = parseAll(objects, menu ? Type::Menuitem : Type::None);
     const ParsedList self = std::move(wanted.front());
     wanted.erase(wanted.begin());
@@ -210,15 +251,34 @@ std::string Writer::statement(const RcStatement* old, const ObjectArray& objects
     if (old == nullptr) {
         result = freshStatement(self, menu);
         for (const ParsedList& one : wanted) result += fresh(one);
-        return result + "END" + eol_;
+        return {result + "END" + eol_};
     }
     result = windowHead(old->self, self) + properties(old->self, self);
     const std::vector<const RcObject*> blocks = matchObjects(old->objects, wanted);
+    const std::vector<std::string> returning = returned(blocks, wanted, past);
     for (std::size_t i = 0; i < wanted.size(); ++i)
-        result += blocks[i] != nullptr ? objectHead(*blocks[i], wanted[i]) + properties(*blocks[i], wanted[i])
-                                       : fresh(wanted[i]);
+        result += blocks[i] != nullptr    ? continued(*blocks[i], wanted[i])
+                  : !returning[i].empty() ? returning[i]
+                                          : fresh(wanted[i]);
     const std::size_t bodyEnd = old->objects.empty() ? old->self.span.end : old->objects.back().span.end;
-    return result + bytes({bodyEnd, old->span.end});
+    const auto kept =
+        std::count_if(blocks.begin(), blocks.end(), [](const RcObject* b) { return b != nullptr; });
+    return {result + bytes({bodyEnd, old->span.end}), kept < std::ssize(old->objects)};
+}
+
+// For each object that the file does not have the block that it had, empty where there is none.
+std::vector<std::string> Writer::returned(const std::vector<const RcObject*>& blocks,
+                                          const std::vector<ParsedList>& wanted,
+                                          const std::vector<std::string>& past) const {
+    std::vector<std::string> texts(wanted.size());
+    if (past.empty() || std::find(blocks.begin(), blocks.end(), nullptr) == blocks.end()) return texts;
+    Past before(past);
+    std::set<int> numbers;
+    for (const RcObject* const block : blocks)
+        if (block != nullptr) numbers.insert(file_.numberOf(*block));
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        if (blocks[i] == nullptr) texts[i] = before.textFor(wanted[i], file_, numbers);
+    return texts;
 }
 
 }  // namespace
@@ -233,8 +293,9 @@ std::vector<ParsedList> parseAll(const ObjectArray& objects, Type usual) {
     return result;
 }
 
-std::string statementText(const RcFile& file, const RcStatement* old, const ObjectArray& objects, bool menu) {
-    return Writer(file).statement(old, objects, menu);
+StatementText statementText(const RcFile& file, const RcStatement* old, const ObjectArray& objects, bool menu,
+                            const std::vector<std::string>& past) {
+    return Writer(file).statement(old, objects, menu, past);
 }
 
 }  // namespace tarn::platform

@@ -18,7 +18,13 @@ namespace tarn::platform {
 std::vector<ParsedList> parseAll(const ObjectArray& objects, Type usual);
 
 // The statement for the objects, in the place of `old`; null if the file has none yet. The first element must
-// not be empty.
-std::string statementText(const RcFile& file, const RcStatement* old, const ObjectArray& objects, bool menu);
+// not be empty. An object that `old` does not have gets the block that a text of `past` has for it, the last of them
+// first. `loses`: `old` has a block that no object continues.
+struct StatementText {
+    std::string text;
+    bool loses = false;
+};
+StatementText statementText(const RcFile& file, const RcStatement* old, const ObjectArray& objects, bool menu,
+                            const std::vector<std::string>& past = {});
 
 }  // namespace tarn::platform

@@ -46,7 +46,17 @@ std::string ResourceRead(const std::string& file, const std::string& name, Objec
 }
 
 std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu, const std::string& file) {
-    return edit(file, [&](RcFile& parsed) { return writeObjects(parsed, file, dialog, menu); });
+    ResourcePast none;
+    return ResourceWrite(dialog, menu, file, none);
+}
+
+std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu, const std::string& file,
+                          ResourcePast& past) {
+    ResourcePast after = past;
+    std::string error =
+        edit(file, [&](RcFile& parsed) { return writeObjects(parsed, file, dialog, menu, after); });
+    if (error.empty()) past = std::move(after);
+    return error;
 }
 
 std::string ResourceDelete(const std::string& file, const std::string& name) {

@@ -31,6 +31,12 @@ struct ResourceText {
 std::string ResourceRead(const std::string& file, const std::string& name, ObjectArray& objects);
 // Writes or replaces a window and its menu, both or none; an empty first element of `menu` means no menu.
 std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu, const std::string& file);
+// What writes have taken out of a file, so that it can come back as it was: texts of statements, the last one last, of at
+// most 8 MB. A write that takes objects out adds the statement as it was before; an object that comes back, by its name
+// and type, gets its block from there, with comments, layout and number.
+using ResourcePast = std::vector<std::string>;
+std::string ResourceWrite(const ObjectArray& dialog, const ObjectArray& menu, const std::string& file,
+                          ResourcePast& past);
 // Lines ended by LF. `kind` and `name` "*": all names; a kind and "*": its lines; a kind and a name: that line, of a
 // version block the whole text; CONTROLS and a window's name: name and number of each control and menu item.
 // DIALOG is any window, and "*" with a name any kind. The tokens of a file's line are its name, its id, the kind,

@@ -2,6 +2,7 @@
 //
 // The room in a dialog: controls that cover each other or reach out of it, and captions that are cut off.
 #include "ide/designer/check/dlgcheck_internal.h"
+#include "ide/designer/drawing/geometry.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -102,8 +103,7 @@ public:
         SetFontBold(window, GETPROPINT(dialog.list, "FONTBOLD") != 0);
         SetFontItalic(window, GETPROPINT(dialog.list, "FONTITALIC") != 0);
         SetFontSize(window, GETPROPINT(dialog.list, "FONTSIZE"));
-        points_ = GETPROPINT(dialog.list, "FONTSIZE");
-        if (points_ <= 0) points_ = pointsOfDesktop();
+        points_ = FONTPOINTS(window);
     }
     ~Letters() { EndGraph(window_); }
     Letters(const Letters&) = delete;
@@ -119,16 +119,6 @@ public:
     [[nodiscard]] int width(std::string_view text) const { return TextWidth(window_, text); }
 
 private:
-    // The desktop's size has no number: it is that of the letters that are as high.
-    [[nodiscard]] int pointsOfDesktop() const {
-        constexpr int least = 6, most = 40;
-        const int height = TextHeight(window_, "X");
-        for (int points = least; points < most; ++points) {
-            SetFontSize(window_, points);
-            if (TextHeight(window_, "X") >= height) return points;
-        }
-        return most;
-    }
     const Object& window_;
     int points_ = 0, line_ = 0;
     LetterSize size_;

@@ -73,6 +73,8 @@ struct DesignControl {
     bool menu = false;    // the dialog has one
     bool leads = false;   // the control behind it can have the focus, so that a label's mnemonic leads there
     bool ground = false;  // there is a grid, which shall not show between letters
+    bool running =
+        false;  // as its program shows it: bars where they are needed, and nothing where there is nothing
 };
 // By TYPEOF. What is no type of a control is a box with its name.
 void DRAWCONTROL(const DesignControl& control);

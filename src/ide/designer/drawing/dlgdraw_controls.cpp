@@ -18,7 +18,8 @@ namespace {
 
 void drawShown(const DesignControl& control, std::string_view properties) {
     const Rect& r = control.rect;
-    DrawControl(control.window, properties, r.x, r.y, r.w, r.h);
+    if (!control.running) return DrawControl(control.window, properties, r.x, r.y, r.w, r.h);
+    DrawControl(control.window, std::string(properties) + "RUNNING=1\n", r.x, r.y, r.w, r.h);
 }
 
 void drawShown(const DesignControl& control) {
@@ -34,6 +35,7 @@ void drawLettered(const DesignControl& control) {
 }
 
 void drawOutline(const DesignControl& control) {
+    if (control.running) return;
     const Rect& r = control.rect;
     SetForeColour(control.window, GRID_GREY);
     SetBackColour(control.window, NO_COLOUR);
@@ -99,6 +101,7 @@ void DRAWCONTROL(const DesignControl& control) {
     const std::string type = GETPROPVALUE(control.properties, "TYPEOF");
     for (const TypeRoutine& routine : routines)
         if (STREQUAL(routine.type, type)) return routine.draw(control);
+    if (control.running) return;
     drawOutline(control);
     SetForeColour(control.window, NO_COLOUR);
     STAMP();

@@ -4,6 +4,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/drawing/dlgdraw.h"
+#include "ide/designer/drawing/dlgview.h"
 #include "ide/designer/drawing/geometry.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/drawscale.h"
@@ -100,10 +101,12 @@ void DIALOGZOOM(int step) {
     STAMP();
     if (now == before) return step == 0 ? void() : Sound();
     noteSize();
+    UNSCROLLDESIGN();
     DIALOGSETZOOM(now);
     LIMITDESIGNSIZE(DESIGNITEM(1));
     STAMP();
     DIALOGREDRAW();
+    if (SHOWSELECTEDOBJECT()) DIALOGREDRAW();
     noteSize();
     STAMP();
 }
@@ -119,8 +122,10 @@ void LIMITDESIGNSIZE(const std::string& dialog) {
     };
     STAMP();
     SetMinPosition(DialogDlg, zoomed(across + least, down + least));
-    SetMaxPosition(DialogDlg,
-                   zoomed(frame + across + GetPageWidth(Sysscreen), frame + down + GetPageHeight(Sysscreen)));
+    Rect most = zoomed(frame + across + GetPageWidth(Sysscreen), frame + down + GetPageHeight(Sysscreen));
+    const Rect room = DESIGNROOM();
+    if (DIALOGGETZOOM() > Whole) most = {0, 0, std::min(most.w, room.w), std::min(most.h, room.h)};
+    SetMaxPosition(DialogDlg, most);
     STAMP();
 }
 

@@ -4,6 +4,7 @@
 #include "ide/designer/drawing/dlgdraw.h"
 #include "ide/designer/drawing/dlgmarks.h"
 #include "ide/designer/drawing/dlgzoom.h"
+#include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"
 #include "library/system/strings.h"
 
@@ -53,13 +54,20 @@ void setFrameFont(const Object& window) {
     setFont(window, std::string(FRAME_FONT), FRAME_FONT_SIZE, false, false);
 }
 
-// The window takes the size of the frame and the margins around it.
-void fitWindow(const Painting& p) {
-    const Rect now = GetPosition(p.window, CLIENT_UNIT);
-    const Margin& margin = p.picture.margin;
-    const int w = ZOOMEDPIXELS(p.window, margin.left + p.rects.frame.w + margin.right),
-              h = ZOOMEDPIXELS(p.window, margin.top + p.rects.frame.h + margin.bottom);
-    if (now.w != w || now.h != h) SetPosition(p.window, CLIENT_UNIT, {now.x, now.y, w, h});
+int atMost(int size, int most) {
+    return most > 0 ? std::min(size, most) : size;
+}
+
+// The frame and the margins around it, on the screen. The window takes that size, as far as it may.
+Rect fitWindow(const Object& window, const DesignPicture& picture, const Rect& frame) {
+    const Margin& margin = picture.margin;
+    const Rect whole = {0, 0, ZOOMEDPIXELS(window, margin.left + frame.w + margin.right),
+                        ZOOMEDPIXELS(window, margin.top + frame.h + margin.bottom)};
+    if (!picture.link) return whole;
+    const Rect now = GetPosition(window, CLIENT_UNIT);
+    const int w = atMost(whole.w, picture.mostWidth), h = atMost(whole.h, picture.mostHeight);
+    if (now.w != w || now.h != h) SetPosition(window, CLIENT_UNIT, {now.x, now.y, w, h});
+    return whole;
 }
 
 // The pixels between its lines; nothing in one direction means no grid.
@@ -68,6 +76,13 @@ Rect gridOf(const Painting& p) {
     const int across = GETINT(p.picture.grid, at), down = GETINT(p.picture.grid, at);
     const Rect step = RCUNITSTOPIXELS(p.letter, {0, 0, across, down});
     return step.w > 0 && step.h > 0 ? step : Rect{};
+}
+
+// What a program's window stands on; a design lets its editor's window be seen.
+void drawGround(const Painting& p) {
+    if (!p.picture.running) return;
+    const Rect& all = p.rects.frame;
+    DrawControl(p.window, "TYPEOF=Dialog\n", 0, 0, all.w, all.h);
 }
 
 void drawGrid(const Painting& p) {
@@ -93,8 +108,10 @@ void drawControls(const Painting& p) {
                                     p.picture.resourceFile};
     const bool menu = !GETPROPVALUE(p.dialog, "MENU").empty(), grid = gridOf(p).w != 0;
     for (std::size_t i = 1; i < objects.size() && !objects[i].empty(); ++i) {
+        if (p.picture.running && GETPROPVALUE(objects[i], "VISIBLE") == "0") continue;
         const bool leads = i + 1 < objects.size() && takesFocus(objects[i + 1]);
-        DRAWCONTROL({p.window, placeOf(p, objects[i]), objects[i], folders, menu, leads, grid});
+        DRAWCONTROL(
+            {p.window, placeOf(p, objects[i]), objects[i], folders, menu, leads, grid, p.picture.running});
     }
 }
 
@@ -131,6 +148,7 @@ void drawTabOrder(const Painting& p) {
 }
 
 void drawMarks(const Painting& p) {
+    if (p.picture.running) return;
     drawLocks(p);
     if (p.picture.tabOrder.empty())
         drawSelection(p);
@@ -190,7 +208,7 @@ void drawMenuBar(const Painting& p) {
     SetBackColour(p.window, NO_COLOUR);
     DRAWCONTROLTEXT(p.window, {bar.x + TextInset, bar.y, bar.w - 2 * TextInset, bar.h},
                     menuText(p.picture.menu), 0);
-    if (p.picture.selection == -1)
+    if (p.picture.selection == -1 && !p.picture.running)
         DRAWHANDLERECT(p.window, bar, HANDLEPIXELS(p.window), p.colours.selection, NO_COLOUR);
 }
 
@@ -201,27 +219,51 @@ void drawFrame(const Painting& p) {
     DRAWCOLOREDRECT(p.window, 2, 2, right - 2, bottom - 2, {inner, inner, inner, inner, NO_COLOUR});
 }
 
+bool isDark(const Object& window) {
+    const DrawColours colours = GetDrawColours(window);
+    return colours == DESKTOP_COLOURS ? DesktopInfo().dark : colours == DARK_COLOURS;
+}
+
 }  // namespace
+
+void USEDESIGNFONT(const Object& window, const DesignPicture& picture) {
+    FRAME(USEDESIGNFONT);
+    const std::string& dialog = picture.dialog[0];
+    STAMP();
+    setFont(window, GETPROPVALUE(dialog, "FONTNAME"), GETPROPINT(dialog, "FONTSIZE"),
+            isSet(dialog, "FONTBOLD"), isSet(dialog, "FONTITALIC"));
+    STAMP();
+    if (picture.largerFont != 0) SetFontSize(window, FONTPOINTS(window) + picture.largerFont);
+    STAMP();
+}
+
+Rect FITDESIGN(const Object& window, const DesignPicture& picture) {
+    FRAME(FITDESIGN);
+    STAMP();
+    USEDESIGNFONT(window, picture);
+    STAMP();
+    return fitWindow(window, picture, CALCOFFSETS(window, picture.dialog[0], picture.mode).frame);
+}
 
 void DRAWWINDOW(const Object& window, const DesignPicture& picture) {
     FRAME(DRAWWINDOW);
     const std::string& dialog = picture.dialog[0];
     STAMP();
-    setFont(window, GETPROPVALUE(dialog, "FONTNAME"), GETPROPINT(dialog, "FONTSIZE"),
-            isSet(dialog, "FONTBOLD"), isSet(dialog, "FONTITALIC"));
+    USEDESIGNFONT(window, picture);
     STAMP();
     const Painting painting = {window,
                                picture,
                                dialog,
                                CALCOFFSETS(window, dialog, picture.mode),
                                LETTERSIZE(window),
-                               DesktopInfo().dark ? dark : light};
+                               isDark(window) ? dark : light};
     STAMP();
-    if (picture.link) fitWindow(painting);
+    fitWindow(window, picture, painting.rects.frame);
     STAMP();
     StartGraph(window, picture.margin.left, picture.margin.top);
     Clear(window);
     STAMP();
+    drawGround(painting);
     drawGrid(painting);
     STAMP();
     drawControls(painting);

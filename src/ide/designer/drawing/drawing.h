@@ -24,6 +24,7 @@ struct DesignPicture {
     Margin margin;
     int mode = FULL_FRAME;
     bool link = false;                           // the window takes the size of the picture
+    int mostWidth = 0, mostHeight = 0;           // of its client area then; 0: no limit
     std::string resourceFolder, compilerFolder;  // of pictures' paths
     int selection = 0;                           // as GETCLICKINDEX has it
     std::string resourceFile;                    // that declares pictures by name; empty: they are paths
@@ -31,8 +32,14 @@ struct DesignPicture {
     std::vector<int> locked;                     // these have a mark
     std::vector<int> tabOrder;  // if not empty, controls show their places in it, and no handles
     std::size_t clicked = 0;    // how many of these places the user has chosen already
+    bool running = false;  // as its program shows it, on the desktop's ground: without what only a design has
+    int largerFont = 0;    // points by which its letters are larger
 };
-// The window has the dialog's font from then on: all measures go by it.
+// The window, which may be an image as well, has the dialog's font from then on: all measures go by it. A scale and colours
+// of its own (kernel/windows/drawscale.h) hold for the picture.
 void DRAWWINDOW(const Object& window, const DesignPicture& picture);
+// Without drawing: the font, and the size of the picture in pixels of the screen, which the window takes if it is linked.
+void USEDESIGNFONT(const Object& window, const DesignPicture& picture);
+Rect FITDESIGN(const Object& window, const DesignPicture& picture);
 
 }  // namespace tarn

@@ -102,6 +102,23 @@ int controlAt(const Object& window, const Object& datalist, int x, int y) {
 
 }  // namespace
 
+int FONTPOINTS(const Object& window) {
+    FRAME(FONTPOINTS);
+    STAMP();
+    constexpr int least = 6, most = 40;
+    const int own = GetFontSize(window);
+    if (own > 0) return own;
+    const int height = TextHeight(window, "X");
+    int points = least;
+    for (; points < most; ++points) {
+        SetFontSize(window, points);
+        if (TextHeight(window, "X") >= height) break;
+    }
+    SetFontSize(window, own);
+    STAMP();
+    return points;
+}
+
 int GETBORDERHEIGHT(const Object&, int borderStyle) {
     return borderStyle != 0 ? Border : 0;
 }

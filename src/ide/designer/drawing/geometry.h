@@ -18,6 +18,10 @@
 
 namespace tarn {
 
+// How large the letters of the window's font are, also where it is the desktop's, of which no number is told: then they are
+// those that are as high. 6 to 40.
+int FONTPOINTS(const Object& window);
+
 // The letters of the frame's own texts.
 inline constexpr std::string_view FRAME_FONT = "Microsoft Sans Serif";
 inline constexpr int FRAME_FONT_SIZE = 8;

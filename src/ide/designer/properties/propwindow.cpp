@@ -28,7 +28,7 @@ MODULE("propwindow")
 namespace tarn {
 namespace {
 
-constexpr int F6 = 117;
+constexpr int F6 = 117, CtrlF = 0x1000 + 'F';
 constexpr const char* Section = "Propertydlg";
 
 // ---- changing ----
@@ -141,6 +141,7 @@ bool keyPressed(const Object& control, int key) {
     case KEY_RETURN: return (row > 0 && (static_cast<void>(keep(row)), true)) || inSearch;
     case KEY_F4: return row > 0 && (choose(row), true);
     case KEY_F1: return DESIGNHELP(GETHELPFILE(), "Properties_Window"), true;
+    case CtrlF: return SetFocus(PROPERTYPART("edtsearch")), true;
     case F6: return KEEPTYPEDPROPERTY() && IsLoaded(DialogDlg) ? (Show(DialogDlg, false), true) : true;
     case KEY_ESCAPE: return escape(row);
     default: return false;
@@ -213,7 +214,7 @@ void notePlace() {
 }
 
 void loaded() {
-    WatchFocus(PropertyDlg);
+    TakeKeys(PropertyDlg, {CtrlF});
     place();
     LAYOUTPROPERTYWINDOW();
     REFRESHPROPERTYWINDOW();

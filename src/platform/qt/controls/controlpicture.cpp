@@ -4,6 +4,7 @@
 #include "os/paths.h"
 #include "platform/qt/controls/widgets.h"
 #include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 #include "platform/text.h"
@@ -56,7 +57,7 @@ QByteArray lookOf(std::string_view properties, const QSize& size, const Font& fo
     const auto number = [&look](qint64 n) { look.append(QByteArray::number(n)).append(' '); };
     for (const qint64 n : {qint64{size.width()}, qint64{size.height()}, qint64(grid.ratio * 1000),
                            qint64(grid.offset.x() * 1000), qint64(grid.offset.y() * 1000), qint64{font.size},
-                           qint64{font.bold}, qint64{font.italic}, QApplication::palette().cacheKey(),
+                           qint64{font.bold}, qint64{font.italic}, paletteInForce().cacheKey(),
                            qint64{part.x()}, qint64{part.y()}, qint64{part.width()}, qint64{part.height()}})
         number(n);
     look.append(QApplication::font().key().toUtf8()).append(' ');
@@ -89,9 +90,9 @@ void showBars(QWidget& widget, const Control& control) {
 QWidget& holder() {
     static QWidget* const widget = new QWidget;
     static qint64 palette = 0;
-    if (palette == QApplication::palette().cacheKey()) return *widget;
-    palette = QApplication::palette().cacheKey();
-    QPalette colours = QApplication::palette();
+    QPalette colours = paletteInForce();
+    if (palette == colours.cacheKey()) return *widget;
+    palette = colours.cacheKey();
     for (int role = 0; role < QPalette::NColorRoles; ++role)
         colours.setBrush(QPalette::Inactive, QPalette::ColorRole(role),
                          colours.brush(QPalette::Active, QPalette::ColorRole(role)));
@@ -130,7 +131,7 @@ Peer* dressed(Control& control, std::string_view properties, const QSize& size, 
     widget.setEnabled(control.enabled);
     if (auto* const label = qobject_cast<QLabel*>(&widget); label != nullptr && hasLine(properties, "BUDDY="))
         label->setBuddy(&holder());
-    showBars(widget, control);
+    if (!hasLine(properties, "RUNNING=")) showBars(widget, control);
     widget.ensurePolished();
     widget.setGeometry(placeOf(control, widget));
     peer->apply(Property::Position);

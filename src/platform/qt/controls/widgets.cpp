@@ -12,6 +12,7 @@
 #include "platform/qt/controls/rowsview.h"
 #include "platform/qt/controls/textpeers.h"
 #include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 
@@ -116,6 +117,10 @@ public:
         setInterval(0);
         callOnTimeout(this, refresh_);
     }
+    // A running timer that is started anew costs more than the row.
+    void soon() {
+        if (!isActive()) start();
+    }
     void now() {
         if (!isActive()) return;
         stop();
@@ -149,7 +154,7 @@ public:
     }
 
     void apply(Property property) override {
-        if (property == Property::Rows) late_->start();
+        if (property == Property::Rows) late_->soon();
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
 
@@ -279,7 +284,7 @@ public:
     }
     void apply(Property property) override {
         if (property == Property::MaxLength) limitLine(*line_, control_->maxLength);
-        if (property == Property::Rows) late_->start();
+        if (property == Property::Rows) late_->soon();
         if (property == Property::ListIndex && !late_->isActive()) choose();
     }
     QWidget* focusWidget() override { return line_; }
@@ -574,7 +579,7 @@ constexpr Property All[] = {
 QPalette desktopColours(Type type) {
     QPalette colours;
     if (type != Type::Edit) return colours;
-    const QPalette desktop = QApplication::palette();
+    const QPalette desktop = paletteInForce();
     const QColor paper = desktop.color(QPalette::Disabled, QPalette::Base);
     const QColor ink = desktop.color(QPalette::Active, QPalette::Text);
     constexpr int share = 60;  // of a hundred, the ink's
@@ -643,7 +648,7 @@ void applyColours(QWidget& widget, const Control& control) {
         widget.setPalette(desktopColours(control.type));
         return;
     }
-    QPalette palette = QApplication::palette(&widget);
+    QPalette palette;  // the rest stays that of the window
     // Controls have a window's colours only where its ground shows through them.
     const auto set = [&](int colour, std::initializer_list<QPalette::ColorRole> roles) {
         if (colour < 0) return;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/drawing/faces.h"
 
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/texts.h"
 
 #include <QApplication>
@@ -23,7 +24,7 @@ public:
           icon_(iconOfBytes(QByteArray(face.icon.data(), static_cast<qsizetype>(face.icon.size())))) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        const QPalette palette = QApplication::palette();
+        const QPalette palette = paletteInForce();
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         painter->save();
         painter->translate(rect.topLeft());

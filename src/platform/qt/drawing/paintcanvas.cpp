@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/drawing/paintcanvas.h"
 
-#include "platform/model/drawscale.h"
 #include "platform/qt/controls/controlpicture.h"
 #include "platform/qt/controls/widgets.h"
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/drawing/surface.h"
 #include "platform/qt/texts.h"
@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace tarn::platform::qt {
 
@@ -50,6 +51,18 @@ void paintRound(QPainter& painter, ShapeKind kind, const QRect& r, const QColor&
     else
         painter.drawRoundedRect(edge, Corner * width, Corner * width);
     painter.restore();
+}
+
+}  // namespace
+
+namespace {
+
+bool isOfWindow(std::string_view properties) {
+    constexpr std::string_view types[] = {"TYPEOF=Dialog\n", "TYPEOF=Editwindow\n",
+                                          "TYPEOF=Richeditwindow\n"};
+    return std::any_of(std::begin(types), std::end(types), [properties](std::string_view type) {
+        return properties.find(type) != std::string_view::npos;
+    });
 }
 
 }  // namespace
@@ -133,6 +146,7 @@ void PaintCanvas::text(int x, int y, std::string_view line, const Font& font, In
 
 void PaintCanvas::picture(const Rect& r, const std::string& name) {
     if (!ready()) return;
+    const PaletteScope scope(colours_);
     const QRect place = placed(r);
     const QPixmap pixmap = pictureScaled(name, place.size(), painter_.device()->devicePixelRatioF());
     if (!pixmap.isNull()) painter_.drawPixmap(place, pixmap);
@@ -148,6 +162,8 @@ void PaintCanvas::window(int x, int y, const Window& window) {
 
 void PaintCanvas::control(const Rect& r, std::string_view properties, const Font& font) {
     if (!ready()) return;
+    const PaletteScope scope(colours_);
+    if (isOfWindow(properties)) return painter_.fillRect(placed(r), paletteInForce().window());
     // A picture between pixels would be blurred, so it begins at a whole one of the device.
     const qreal device = painter_.device()->devicePixelRatioF(), ratio = device * factor();
     const QPointF corner = QPointF(r.x, r.y) * ratio, whole(std::floor(corner.x()), std::floor(corner.y()));

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/model/canvas.h"
+#include "platform/model/drawscale.h"
 
 #include <QColor>
 #include <QFont>
@@ -28,10 +29,10 @@ void paintBorder(QPainter& painter, const QRect& rect, const QPalette& palette, 
 
 class PaintCanvas : public Canvas {
 public:
-    // The desktop's fore colour, how wide lines are, and how large what is drawn shall be, in per cent: lines and boxes
-    // begin at whole pixels, texts and controls are drawn at the scale.
-    PaintCanvas(QColor fore, int lineWidth, int scale = 100)
-        : fore_(std::move(fore)), width_(lineWidth), scale_(scale) {}
+    // The desktop's fore colour, how wide lines are, and how large and in which colours is drawn: lines and boxes begin at
+    // whole pixels, texts and controls are drawn at the scale.
+    PaintCanvas(QColor fore, int lineWidth, const DrawLook& look = {})
+        : fore_(std::move(fore)), width_(lineWidth), scale_(look.scale), colours_(look.colours) {}
     void line(int x1, int y1, int x2, int y2, Ink ink) override;
     void point(int x, int y, Ink ink) override;
     void shape(ShapeKind kind, const Rect& rect, Ink ink) override;
@@ -52,6 +53,7 @@ private:
 
     QColor fore_;
     int width_, scale_;
+    DrawColours colours_;
     std::optional<Font> font_;  // that the painter has
 };
 

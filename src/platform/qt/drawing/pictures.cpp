@@ -5,6 +5,7 @@
 #include "os/paths.h"
 #include "platform/model/pictures.h"
 #include "platform/qt/drawing/faces.h"
+#include "platform/qt/drawing/palettes.h"
 #include "platform/qt/texts.h"
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
@@ -99,7 +100,7 @@ public:
 private:
     // A picture with colours of its own fades as a whole when it is disabled.
     [[nodiscard]] QColor colourOf(QIcon::Mode mode) const {
-        const QPalette palette = QApplication::palette();
+        const QPalette palette = paletteInForce();
         if (mode == QIcon::Disabled && !coloured_)
             return palette.color(QPalette::Disabled, QPalette::ButtonText);
         if (mode == QIcon::Selected) return palette.color(QPalette::HighlightedText);

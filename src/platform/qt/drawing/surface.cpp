@@ -2,6 +2,7 @@
 #include "platform/qt/drawing/surface.h"
 
 #include "platform/qt/drawing/paintcanvas.h"
+#include "platform/qt/drawing/palettes.h"
 
 #include <QPaintEvent>
 #include <QPointer>
@@ -10,8 +11,8 @@ namespace tarn::platform::qt {
 
 class SurfaceCanvas : public PaintCanvas {
 public:
-    SurfaceCanvas(SurfaceWidget& widget, int scale)
-        : PaintCanvas(widget.palette().color(QPalette::WindowText), 1, scale), widget_(&widget),
+    SurfaceCanvas(SurfaceWidget& widget, const DrawLook& look)
+        : PaintCanvas(coloursOf(widget, look).color(QPalette::WindowText), 1, look), widget_(&widget),
           picture_(widget.picture_) {
         widget.drawing_ = true;
         painter_.begin(picture_.get());
@@ -30,14 +31,17 @@ protected:
     bool ready() override { return widget_ != nullptr && painter_.isActive(); }
 
 private:
+    static QPalette coloursOf(const SurfaceWidget& widget, const DrawLook& look) {
+        return look.colours == DESKTOP_COLOURS ? widget.palette() : paletteOf(look.colours);
+    }
     QPointer<SurfaceWidget> widget_;
     std::shared_ptr<QImage> picture_;  // the widget may go first
 };
 
-std::unique_ptr<Canvas> SurfaceWidget::canvas(int scale) {
+std::unique_ptr<Canvas> SurfaceWidget::canvas(const DrawLook& look) {
     if (drawing_ || size().isEmpty()) return nullptr;
     prepare();
-    return std::make_unique<SurfaceCanvas>(*this, scale);
+    return std::make_unique<SurfaceCanvas>(*this, look);
 }
 
 void SurfaceWidget::prepare() {

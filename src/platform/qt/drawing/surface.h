@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/model/canvas.h"
+#include "platform/model/drawscale.h"
 
 #include <QImage>
 #include <QWidget>
@@ -18,8 +19,8 @@ class SurfaceWidget : public QWidget {
 public:
     using QWidget::QWidget;
     // Draws into the picture until it is finished or deleted; one at a time. It may outlive the widget.
-    std::unique_ptr<Canvas> canvas(int scale = 100);  // per cent
-    void wipe();                                      // nothing is drawn any more
+    std::unique_ptr<Canvas> canvas(const DrawLook& look = {});
+    void wipe();  // nothing is drawn any more
     [[nodiscard]] bool isDrawnOn() const { return picture_ != nullptr; }
 
 protected:

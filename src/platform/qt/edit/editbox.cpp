@@ -43,6 +43,12 @@ public:
     std::vector<Selection> marks() const override {
         return area_ != nullptr ? area_->marks() : std::vector<Selection>();
     }
+    void setFolds(const std::vector<int>& lines) override {
+        if (area_ != nullptr) area_->setFolds(lines);
+    }
+    std::vector<int> folds() const override {
+        return area_ != nullptr ? area_->folds() : std::vector<int>();
+    }
     void setLineMarks(const std::vector<LineMark>& marks) override {
         if (area_ != nullptr) area_->setLineMarks(marks);
     }

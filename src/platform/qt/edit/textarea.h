@@ -65,6 +65,8 @@ public:
     void setLooks(int looks, int tabWidth, int zoom);
     void setBlocks(std::string_view rules);
     void foldAll(bool folded);
+    void setFolds(const std::vector<int>& lines);
+    [[nodiscard]] std::vector<int> folds() const;
     void showChoices(std::string_view rows, int typed);
     void showCallTip(int position, std::string_view text, const Selection& mark);
     [[nodiscard]] std::string range(int start, int length) const;  // from 1, cut to the text

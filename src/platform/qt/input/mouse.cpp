@@ -7,6 +7,7 @@
 
 #include <QContextMenuEvent>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 #include <cstdlib>
@@ -88,11 +89,39 @@ bool hearMouse(QWidget& receiver, QEvent& event) {
     return handled || alive.isNull() || frameOfWidget(&receiver) == nullptr;
 }
 
+namespace {
+
+// The bar that scrolls in that direction what is drawn on the window; null without one.
+QScrollBar* barOf(const Frame& frame, Qt::Orientation orientation) {
+    for (QScrollBar* const bar : frame.client().findChildren<QScrollBar*>(Qt::FindDirectChildrenOnly))
+        if (bar->isVisible() && bar->isEnabled() && bar->orientation() == orientation) return bar;
+    return nullptr;
+}
+
+// Over a drawing the wheel turns its scroll bar, with Shift the one that goes sideways.
+bool scrollDrawing(const Frame& frame, const QWheelEvent& wheel) {
+    const bool shift = wheel.modifiers() == Qt::ShiftModifier;
+    if ((wheel.modifiers() != Qt::NoModifier && !shift) || !frame.client().isDrawnOn()) return false;
+    const QPoint by = wheel.angleDelta();
+    const bool sideways = shift || std::abs(by.x()) > std::abs(by.y());
+    QScrollBar* const bar = barOf(frame, sideways ? Qt::Horizontal : Qt::Vertical);
+    if (bar == nullptr) return false;
+    constexpr int notch = 120, lines = 3;
+    static int turned = 0;  // that was not yet a line
+    turned += (sideways && by.x() != 0 ? by.x() : by.y()) * lines;
+    bar->setValue(bar->value() - turned / notch);
+    turned %= notch;
+    return true;
+}
+
+}  // namespace
+
 bool hearWheel(const QWidget& receiver, const QEvent& event) {
     if (event.type() != QEvent::Wheel) return false;
     const auto& wheel = static_cast<const QWheelEvent&>(event);
     Frame* const frame = frameOfWidget(&receiver);
     const bool own = frame != nullptr && frame->model() != nullptr && &receiver == &frame->client();
+    if (own && scrollDrawing(*frame, wheel)) return true;
     if (!own || wheel.modifiers() != Qt::ControlModifier || wheel.angleDelta().y() == 0) return false;
     constexpr int notch = 120;  // touch pads turn the wheel in small parts
     static int turned = 0;

@@ -65,11 +65,9 @@ Tracker::Tracker(QWidget& client, const Track& track, DragGuides guides, int sca
     for (std::size_t i = 0; i < guides_.along.size(); ++i)
         along_.emplace_back(new QRubberBand(QRubberBand::Rectangle, &client));
     QApplication::setOverrideCursor(cursorOf(track_));
-    qApp->installEventFilter(this);
 }
 
 Tracker::~Tracker() {
-    qApp->removeEventFilter(this);
     QApplication::restoreOverrideCursor();
     delete band_.data();
     delete label_.data();
@@ -106,7 +104,8 @@ void Tracker::showGuides(bool free) {
     if (guideX_.isNull() || guideY_.isNull()) return;
     const Rect& area = track_.bounds;
     const Point at = free ? Point{-1, -1} : guidesAt(rect_, guides_);
-    const Rect x = onClient({at.x, area.y, 1, area.h}, scale_), y = onClient({area.x, at.y, area.w, 1}, scale_);
+    const Rect x = onClient({at.x, area.y, 1, area.h}, scale_),
+               y = onClient({area.x, at.y, area.w, 1}, scale_);
     guideX_->setGeometry(x.x, x.y, 1, x.h);
     guideY_->setGeometry(y.x, y.y, y.w, 1);
     guideX_->setVisible(at.x >= 0);
@@ -134,19 +133,18 @@ void Tracker::showAt(QPoint pointer) {
     label_->show();
 }
 
-// All input is the drag's until it ends.
-bool Tracker::eventFilter(QObject*, QEvent* event) {
-    switch (event->type()) {
-    case QEvent::MouseMove: follow(*static_cast<QMouseEvent*>(event)); return true;
+bool Tracker::hear(QEvent& event) {
+    switch (event.type()) {
+    case QEvent::MouseMove: follow(static_cast<QMouseEvent&>(event)); return true;
     case QEvent::MouseButtonRelease:
-        if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-            follow(*static_cast<QMouseEvent*>(event));
+        if (static_cast<QMouseEvent&>(event).button() == Qt::LeftButton) {
+            follow(static_cast<QMouseEvent&>(event));
             done_ = true;
         }
         return true;
     case QEvent::ShortcutOverride:
     case QEvent::KeyPress:
-        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        if (static_cast<QKeyEvent&>(event).key() == Qt::Key_Escape) {
             rect_ = track_.start;
             done_ = true;
         }

@@ -11,27 +11,29 @@
 #include "platform/model/guides.h"
 
 #include <QLabel>
-#include <QObject>
 #include <QPointer>
 #include <QRubberBand>
 
 #include <vector>
 
+class QEvent;
 class QMouseEvent;
 
 namespace tarn::platform::qt {
 
-class Tracker : public QObject {
+class Tracker {
 public:
     // `client` is the area whose pixels the rectangles count, at a scale in per cent; `pressed` is where the button went
     // down.
     Tracker(QWidget& client, const Track& track, DragGuides guides, int scale);
-    ~Tracker() override;
+    ~Tracker();
+    Tracker(const Tracker&) = delete;
+    Tracker& operator=(const Tracker&) = delete;
+    // All events of the program are the drag's until it ends; true for those that nobody else hears. The view hands them
+    // on: a filter of the drag's own, put before the view's while that hears the press, would have it hear the press again.
+    bool hear(QEvent& event);
     [[nodiscard]] bool done() const { return done_ || client_.isNull() || !client_->isVisible(); }
     [[nodiscard]] Rect result() const { return rect_; }
-
-protected:
-    bool eventFilter(QObject* receiver, QEvent* event) override;
 
 private:
     void follow(const QMouseEvent& event);

@@ -225,8 +225,9 @@ void Frame::orderTabs() {
     for (const auto& control : window_->controls) {
         QWidget* widget = peerOf(*control)->focusWidget();
         if (!takesFocus(*control)) continue;
-        // A picture beside a line of text acts for it, and leaves the keyboard where it is.
-        const auto clicked = control->type == Type::Bitmapbutton ? Qt::NoFocus : Qt::ClickFocus;
+        // A picture beside a line of text acts for it, a bar for what it scrolls: both leave the keyboard where it is.
+        const bool aside = control->type == Type::Bitmapbutton || control->type == Type::Scrollbar;
+        const auto clicked = aside ? Qt::NoFocus : Qt::ClickFocus;
         if (!control->tabStop && control->type != Type::Radiobutton) widget->setFocusPolicy(clicked);
         if (before != nullptr) setTabOrder(before, widget);
         before = widget;
@@ -432,9 +433,20 @@ void Frame::report() {
     userMoved(*window_, now, state);
 }
 
-// The width of the frame is known only once the window system has drawn it. A window as its resources made it, one whose
-// size the user cannot change, and one that was given the size of its client area keeps that, since its controls were
-// measured for it; any other that was given a place keeps its frame.
+// The frame is another than was thought, so either the frame or the area inside it is no longer as large as it was given.
+// Where the program gave the size of the client area, the frame follows, since the controls were measured for what is inside;
+// where it gave the place of the frame, that stays. A window with a menu keeps its frame in both cases: others are placed
+// below it, and it would grow over them. `keepsClient`: none of that counts, the client area stays.
+void Frame::takeMargins(const QMargins& margins, bool keepsClient) {
+    const QMargins news = margins - assumed_;
+    const bool grows = window_->menuItems.empty();
+    if (keepsClient || (grows && window_->clientWide)) window_->position.w += news.left() + news.right();
+    if (keepsClient || (grows && window_->clientHigh)) window_->position.h += news.top() + news.bottom();
+    assumed_ = margins;
+}
+
+// The width of the frame is known only once the window system has drawn it. A window as its resources made it, and one whose
+// size the user cannot change, keeps its client area.
 void Frame::settle() {
     if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
     if (isMaximized()) return report();  // with another frame, or none
@@ -442,18 +454,14 @@ void Frame::settle() {
     const bool news = margins != assumed_;
     const QSize before(window_->position.w - assumed_.left() - assumed_.right(),
                        window_->position.h - assumed_.top() - assumed_.bottom() - barHeight());
-    assumed_ = knownMargins(window_->borderStyle) = margins;
+    knownMargins(window_->borderStyle) = margins;
     if (news && window_->state == 0 && !isMaximized() && !large_) {
         const Flag quiet(applying_);
-        const bool keeps = before == QSize(first_.w, first_.h) || window_->borderStyle != 2;
-        const bool below = window_->menuItems.empty();  // other windows are placed below one that has a menu
-        if (keeps || (below && window_->clientWide))
-            window_->position.w = before.width() + margins.left() + margins.right();
-        if (keeps || (below && window_->clientHigh))
-            window_->position.h = before.height() + barHeight() + margins.top() + margins.bottom();
+        takeMargins(margins, before == QSize(first_.w, first_.h) || window_->borderStyle != 2);
         const bool dragged = size() != QSize(before.width(), before.height() + barHeight());
         if (!dragged) place();  // else the user has sized it meanwhile, and the model is told below
     }
+    assumed_ = margins;
     report();
 }
 
@@ -502,12 +510,7 @@ void Frame::bringUp() {
     {
         const Flag quiet(applying_);
         if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
-            const QMargins news = knownMargins(window_->borderStyle) - assumed_;
-            assumed_ = knownMargins(window_->borderStyle);
-            if (window_->menuItems.empty() && window_->clientWide)
-                window_->position.w += news.left() + news.right();
-            if (window_->menuItems.empty() && window_->clientHigh)
-                window_->position.h += news.top() + news.bottom();
+            takeMargins(knownMargins(window_->borderStyle), false);
             if (window_->position != first_) place();
         }
         makeEditor();

@@ -57,9 +57,10 @@ private:
     void applyColours(Control& control);
     void settleLarge();  // once the window system has done its part of that
     [[nodiscard]] QSize largestSize() const;
-    void maximiseWithin();              // to the largest position, which may be less than the screen
-    void report();                      // the frame's place, if it is news to the model
-    void settle();                      // after the window system has told how wide the frame is
+    void maximiseWithin();  // to the largest position, which may be less than the screen
+    void report();          // the frame's place, if it is news to the model
+    void settle();          // after the window system has told how wide the frame is
+    void takeMargins(const QMargins& margins, bool keepsClient);
     [[nodiscard]] bool capped() const;  // has a largest position
     [[nodiscard]] int barHeight() const;
     void focusFirst();

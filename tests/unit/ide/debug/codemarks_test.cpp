@@ -150,6 +150,28 @@ TEST_F(CodeMarks, AreRefusedWhereAProgramWouldNotTakeThem) {
     EXPECT_EQ(GetCaption(MAINCONTROL("lblstatus")), "A program takes at most 200 breakpoints.");
 }
 
+TEST_F(CodeMarks, OfSettingsThatCannotBeWrittenAreToldAndNotShown) {
+    open();
+    std::filesystem::permissions(ini(), std::filesystem::perms(0444));
+    answers = {"OK", "OK", "OK"};
+    TOGGLEBREAKPOINT(SDIEdit, 4);
+    EXPECT_FALSE(asked.empty());
+    EXPECT_EQ(marks(), "");
+    std::filesystem::permissions(ini(), std::filesystem::perms(0644));
+    TOGGLEBREAKPOINT(SDIEdit, 4);
+    EXPECT_EQ(marks(), "4 ");
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
+TEST_F(CodeMarks, OfAnOddValueAreWhatCanBeRead) {
+    store("  9 9 sums sums 3 sums x 4");
+    open();
+    EXPECT_EQ(marks(), "3 ");
+    store("Sums 99999999 3");
+    SHOWBREAKPOINTS(SDIEdit);
+    EXPECT_EQ(marks(), "0 3 ") << "a line that is not there";
+}
+
 class CompiledCodeMarks : public CodeMarks {
 protected:
     // Lines 3 and 5 have code.

@@ -339,6 +339,42 @@ TEST_F(DialogUndo, LeadsBehindASaveAndTheMarkFollowsTheFile) {
     EXPECT_TRUE(marked());
 }
 
+// Between the save and the undo the blocks of the file are gone.
+TEST_F(DialogUndo, BringsBackEachByteThatASaveTookOut) {
+    const std::string text =
+        "// first\nDlg DIALOG\n  POSITION=0 0 200 100\n  MENU=Menu1\n"
+        "  LABEL one 101\n    POSITION=8 8 42 17\n"
+        "\n  // the name, as the user types it\n  EDIT   two 77  // number kept\n"
+        "    // wide enough\n    POSITION= 40 20 60 20\n    Strange=1\n"
+        "  PUSHBUTTON three 103\n    POSITION=100 60 40 12\n  // last\nEND\n"
+        "Menu1 MENU\n  MENUITEM a 9\n    POSITION=1\n  // a line\n  MENUITEM  10\n    POSITION=1\n"
+        "END\n";
+    open(text);
+    ASSERT_EQ(read(file), text);
+    SELECTOBJECT(3);
+    key(KEY_DELETE);
+    DIALOGSAVE();
+    EXPECT_EQ(read(file).find("wide enough"), std::string::npos);
+    key(0x1000 + 'A');
+    key(KEY_DELETE);
+    DIALOGSAVE();
+    EXPECT_EQ(read(file).find("PUSHBUTTON"), std::string::npos);
+    undo();
+    undo();
+    DIALOGSAVE();
+    EXPECT_EQ(read(file), text);
+    redo();
+    DIALOGSAVE();
+    undo();
+    SELECTOBJECT(3);
+    key(KEY_RIGHT);
+    DIALOGSAVE();
+    EXPECT_NE(
+        read(file).find("  EDIT   two 77  // number kept\n    // wide enough\n    POSITION= 41 20 60 20\n"),
+        std::string::npos)
+        << read(file);
+}
+
 TEST_F(DialogUndo, ADialogOpenedAsChangedStaysMarked) {
     openThree(OPEN_AS_CHANGED);
     SELECTOBJECT(2);

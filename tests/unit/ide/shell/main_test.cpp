@@ -97,7 +97,7 @@ TEST_F(MainWindow, EnablesTheRunCommandsForAClassOnly) {
 
 TEST_F(MainWindow, DisablesWhatHasNoCommandYet) {
     start();
-    for (const char* item : {"file_new_class", "program_add_class"})
+    for (const char* item : {"program_add_database"})
         EXPECT_FALSE(isEnabled(item)) << item;
 }
 

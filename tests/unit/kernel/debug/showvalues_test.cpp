@@ -285,6 +285,33 @@ TEST_F(ShownValues, ADoubleClickExpandsAndCollapses) {
     EXPECT_EQ(lines(), (Lines{"a : Integer = 1", "list : List (Length=2) = {1, 2}", "b : Integer = 1"}));
 }
 
+TEST_F(ShownValues, OfTwoWithOneNameTheOneOfTheLineIsExpanded) {
+    add("list", integers(1));
+    add("LIST", integers(2));
+    show();
+    EXPECT_TRUE(ExpandValue(*window_, 1, 2, false));
+    EXPECT_FALSE(entry(1).expanded);
+    EXPECT_TRUE(entry(2).expanded);
+}
+
+TEST_F(ShownValues, AnElementThatReadsLikeAVariableExpandsIt) {
+    add("True", integers(1));
+    add("list", List(Number(KindBoolean, 0), {Number(KindBoolean, 1)}));
+    entry(2).expanded = true;
+    EXPECT_EQ(show()[2], "   True");
+    EXPECT_TRUE(ExpandValue(*window_, 1, 3, false));
+    EXPECT_TRUE(entry(1).expanded);
+}
+
+TEST_F(ShownValues, TheLineForElementsWithoutAPlaceOpensNothing) {
+    add("list", integers(150000));
+    entry(1).expanded = true;
+    const int last = static_cast<int>(show().size());
+    EXPECT_EQ(platform::DebugLine(*window_, last), "  {...too big...}");
+    EXPECT_FALSE(ExpandValue(*window_, 1, last, false));
+    EXPECT_EQ(platform::DebugCount(*window_), last);
+}
+
 TEST_F(ShownValues, ALineThatIsTooLongIsNotExpanded) {
     add("list", List(Text(""), {Text(std::string(1000, 'x'))}));
     show();
@@ -343,7 +370,14 @@ TEST_F(ShownValues, ComeByPages) {
     EXPECT_EQ(lines()[3], "   1,");
     EXPECT_EQ(lines()[102], "   100,");
     EXPECT_TRUE(PageValue(*window_, 1, 50, ValuePage::Next, false));
-    EXPECT_TRUE(PageValue(*window_, 1, 2, ValuePage::Next, false));
+    EXPECT_EQ(WholeValue(1, 3, false), "");
+    EXPECT_EQ(NameOfValue(1, 3), "");
+    EXPECT_EQ(ChangeValue(*window_, 1, 3, "1"), "There is no value in this line.");
+    EXPECT_FALSE(ShowWholeValue(*window_, 1, 3, false));
+    EXPECT_TRUE(ExpandValue(*window_, 1, 3, false));
+    EXPECT_FALSE(ExpandValue(*window_, 1, 3, false));
+    EXPECT_TRUE(PageValue(*window_, 1, 3, ValuePage::Previous, false));
+    EXPECT_TRUE(PageValue(*window_, 1, 3, ValuePage::Next, false));
     ASSERT_EQ(lines().size(), 53U);
     EXPECT_EQ(lines()[2], "   {...elements 201 to 250 of 250...}");
     EXPECT_EQ(lines()[52], "   250");

@@ -2,11 +2,13 @@
 #include "kernel/debug/stopnotice.h"
 
 #include "os/runtimenotes.h"
+#include "platform/operations/debugger.h"
 #include "support/places.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -82,6 +84,26 @@ TEST_F(StopNotices, OfAnEndedProcessCanBeDropped) {
     os::putNote(name(NoProcess), "x");
     DropStopNotice(NoProcess);
     EXPECT_EQ(os::getNote(name(NoProcess)), "");
+}
+
+TEST_F(StopNotices, LetOthersBreakIntoTheProgramAlone) {
+    static volatile std::sig_atomic_t heard = 0;
+    const auto before = std::signal(platform::DebugBreakSignal, [](int) { heard = heard + 1; });
+    EXPECT_FALSE(BreakInto(self_)) << "it is not under the debugger";
+    EXPECT_FALSE(BreakInto(NoProcess));
+    EXPECT_EQ(heard, 0);
+    NoteRunning("/a.cls");
+    EXPECT_TRUE(BreakInto(self_));
+    EXPECT_EQ(heard, 1);
+    std::signal(platform::DebugBreakSignal, before);
+}
+
+TEST_F(StopNotices, TellWhichProgramsThereAre) {
+    EXPECT_TRUE(DebuggedProcesses().empty());
+    os::putNote(name(NoProcess), "x");
+    NoteRunning("/a.cls");
+    os::putNote(name(NoProcess), "x");
+    EXPECT_EQ(DebuggedProcesses(), std::vector<int>{self_}) << "and none that has died";
 }
 
 TEST_F(StopNotices, HoldPathsThatHaveALineEndAsEmpty) {

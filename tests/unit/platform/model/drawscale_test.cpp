@@ -18,7 +18,8 @@
 namespace tarn::platform {
 namespace {
 
-constexpr char Resources[] = "Main DIALOG\n  POSITION=0 0 100 100\nEND\nOther DIALOG\nEND\n";
+constexpr char Resources[] =
+    "Main DIALOG\n  POSITION=0 0 100 100\n  Image picture 101\n  Label text 102\nEND\nOther DIALOG\nEND\n";
 
 struct Heard {
     int event, x, y;
@@ -77,6 +78,35 @@ TEST_F(DrawScale, Is100UntilItIsSetAndGoesWithItsWindow) {
     EXPECT_EQ(SetDrawScale(main, 250), WindowNotLoaded);
     ASSERT_EQ(Load(main), Ok);
     EXPECT_EQ(GetDrawScale(main).value, 100);
+}
+
+TEST_F(DrawScale, OfAnImageIsItsOwn) {
+    const Object picture("Main", 101), text("Main", 102);
+    EXPECT_EQ(SetDrawScale(picture, 200), Ok);
+    EXPECT_EQ(GetDrawScale(picture).value, 200);
+    EXPECT_EQ(GetDrawScale(main).value, 100) << "the window's places of the mouse stay";
+    EXPECT_EQ(drawScale(*findControl(picture)), 100);
+    EXPECT_EQ(drawLook(*findControl(picture)).scale, 200);
+    EXPECT_EQ(SetDrawScale(main, 300), Ok);
+    EXPECT_EQ(GetDrawScale(picture).value, 200);
+    EXPECT_EQ(SetDrawScale(text, 200), WindowNotLoaded) << "nothing is drawn on a label";
+    Unload(main);
+    ASSERT_EQ(Load(main), Ok);
+    EXPECT_EQ(GetDrawScale(picture).value, 100);
+}
+
+TEST_F(DrawScale, HasColoursBeside) {
+    const Object picture("Main", 101), text("Main", 102);
+    EXPECT_EQ(GetDrawColours(main).value, DESKTOP_COLOURS);
+    EXPECT_EQ(SetDrawColours(picture, DARK_COLOURS), Ok);
+    EXPECT_EQ(SetDrawScale(picture, 200), Ok);
+    EXPECT_EQ(GetDrawColours(picture).value, DARK_COLOURS);
+    EXPECT_EQ(GetDrawColours(main).value, DESKTOP_COLOURS);
+    EXPECT_EQ(SetDrawColours(picture, LIGHT_COLOURS), Ok);
+    EXPECT_EQ(GetDrawScale(picture).value, 200);
+    EXPECT_EQ(SetDrawColours(text, DARK_COLOURS), WindowNotLoaded);
+    Unload(main);
+    EXPECT_EQ(GetDrawColours(main).code, WindowNotLoaded);
 }
 
 TEST_F(DrawScale, HasLimits) {

@@ -57,6 +57,64 @@ struct Step {
     std::string result;
 };
 
+// ---- what was taken out ----
+
+TEST_F(ResourceKeepTest, AnObjectThatComesBackGetsItsBlock) {
+    const std::string text = dialog({name, edtname, street, edtstreet, town});
+    for (const std::size_t gone : {std::size_t{1}, std::size_t{2}, std::size_t{4}, std::size_t{5}}) {
+        write(rc, text);
+        const ObjectArray all = objects("D");
+        ObjectArray less = all;
+        remove(less, gone);
+        ResourcePast past;
+        EXPECT_EQ(ResourceWrite(less, {}, rc, past), "");
+        EXPECT_EQ(past.size(), 1U);
+        EXPECT_NE(read(rc), text);
+        EXPECT_EQ(ResourceWrite(all, {}, rc, past), "");
+        EXPECT_EQ(read(rc), text) << gone;
+        EXPECT_EQ(past.size(), 1U) << "nothing went";
+    }
+}
+
+TEST_F(ResourceKeepTest, WhatTookItsNumberMeanwhileKeepsThat) {
+    write(rc, dialog({edtname}));
+    const ObjectArray all = objects("D");
+    ObjectArray less = all;
+    less[1] = "NAME=other\nTYPEOF=Edit\nPOSITION=1 1 2 2\n";
+    ResourcePast past;
+    ObjectArray none{};
+    none[0] = all[0];
+    EXPECT_EQ(ResourceWrite(none, {}, rc, past), "");
+    write(rc, replaced(read(rc), "D DIALOG\n", "D DIALOG\n  Edit other 11\n    POSITION=1 1 2 2\n"));
+    less = objects("D");
+    less[2] = all[1];
+    EXPECT_EQ(ResourceWrite(less, {}, rc, past), "");
+    EXPECT_EQ(read(rc).find("edtname 11"), std::string::npos) << read(rc);
+    EXPECT_NE(read(rc).find("edtname"), std::string::npos);
+}
+
+TEST_F(ResourceKeepTest, AnotherTypeOfThatNameIsNew) {
+    write(rc, dialog({edtname}));
+    const ObjectArray all = objects("D");
+    ObjectArray none{};
+    none[0] = all[0];
+    ResourcePast past;
+    EXPECT_EQ(ResourceWrite(none, {}, rc, past), "");
+    ObjectArray changed = none;
+    changed[1] = "NAME=edtname\nTYPEOF=Listbox\nPOSITION=20 1 10 10\n";
+    EXPECT_EQ(ResourceWrite(changed, {}, rc, past), "");
+    EXPECT_EQ(read(rc).find("// typed"), std::string::npos);
+}
+
+TEST_F(ResourceKeepTest, AWriteThatFailsRemembersNothing) {
+    write(rc, dialog({edtname}));
+    ObjectArray none = objects("D");
+    none[1].clear();
+    ResourcePast past;
+    EXPECT_NE(ResourceWrite(none, {}, "/nowhere/at/all.rc", past), "");
+    EXPECT_TRUE(past.empty());
+}
+
 // ---- nameless controls ----
 
 TEST_F(ResourceKeepTest, NamelessControlsKeepTheirCommentsWhenOthersComeAndGo) {
