@@ -92,7 +92,7 @@ private:
 // Arguments: breakpoints, of how many classes.
 void stampUnderDebugger(benchmark::State& state) {
     const UnderDebugger debugger(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), "");
-    tarn::FunctionEnter("bench", "LOOP", 1);
+    tarn::EnterProgramFunction("bench", "LOOP", 1);
     std::int32_t line = 1;
     for (auto _ : state) {
         tarn::Stamp(line, tarn::ReportErrors, nullptr);
@@ -107,7 +107,7 @@ BENCHMARK(stampUnderDebugger)->Args({0, 1})->Args({200, 1})->Args({200, 50});
 void callUnderDebugger(benchmark::State& state) {
     const UnderDebugger debugger(200, 50, "");
     for (auto _ : state) {
-        tarn::FunctionEnter("bench", "CALLED", 1);
+        tarn::EnterProgramFunction("bench", "CALLED", 1);
         tarn::Stamp(2, tarn::ReportErrors, nullptr);
         tarn::Stamp(3, tarn::ReportErrors, nullptr);
         tarn::FunctionLeave();
@@ -119,7 +119,7 @@ BENCHMARK(callUnderDebugger);
 // A breakpoint whose condition does not hold, at each stamp.
 void conditionTested(benchmark::State& state) {
     const UnderDebugger debugger(200, 1, "Rules=bench 510 if \"x > 3 and y = 7\" ;\n");
-    tarn::FunctionEnter("bench", "LOOP", 1);
+    tarn::EnterProgramFunction("bench", "LOOP", 1);
     std::int32_t x = 5, y = 0;
     tarn::RegisterVariable("x", 'V', 3, &x);
     tarn::RegisterVariable("y", 'V', 3, &y);
@@ -137,7 +137,7 @@ void stepUnderDebugger(benchmark::State& state) {
     tarn::UseDebugWait([](tarn::platform::DebugWindow& window) {
         tarn::OnDebugEvent(window, {tarn::platform::DebugMessage::Command, tarn::DEBUG_STEP_INTO, {}});
     });
-    tarn::FunctionEnter("bench", "LOOP", 1);
+    tarn::EnterProgramFunction("bench", "LOOP", 1);
     for (auto _ : state) tarn::Stamp(2, tarn::ReportErrors, nullptr);
     tarn::FunctionLeave();
 }

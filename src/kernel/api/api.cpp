@@ -62,7 +62,7 @@ void runProgram() {
 extern "C" {
 
 void tarn_enter(const char* class_name, const char* function_name, int32_t line) {
-    tarn::FunctionEnter(class_name, function_name, line);
+    tarn::EnterProgramFunction(class_name, function_name, line);
 }
 void tarn_leave(void) {
     tarn::FunctionLeave();

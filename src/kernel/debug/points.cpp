@@ -119,7 +119,8 @@ void armBreakpoints() {
 
 void forgetClasses() {
     if (frameStack == nullptr) return;
-    for (FrameRecord& frame : frameStack->frames) frame.debugClass = 0;
+    for (FrameRecord& frame : frameStack->frames)
+        if (!frame.ofRuntime()) frame.debugClass = 0;
 }
 
 const ArmedClass* armedClassHere() {

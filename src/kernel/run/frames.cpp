@@ -84,7 +84,7 @@ void pushFrame(const char* className, const char* functionName, std::int32_t lin
     lowerCase(frame.copiedFunction);
     frame.firstLine = line;
     frame.savedLine = 0;
-    frame.debugClass = 0;
+    frame.debugClass = RuntimeFrame;
     frame.firstVariable = variableTable != nullptr ? variableTable->count + 1 : 0;
 }
 
@@ -110,6 +110,11 @@ void FunctionEnter(const char* className, const char* functionName, std::int32_t
     tarn_current_line = line;
     if (GetTraceMode() != 0) [[unlikely]]
         traceCall(className, functionName, line);
+}
+
+void EnterProgramFunction(const char* className, const char* functionName, std::int32_t line) {
+    FunctionEnter(className, functionName, line);
+    if (frameStack != nullptr && recorded(frameStack->count)) frameAt(frameStack->count).debugClass = 0;
 }
 
 void FunctionLeave() {

@@ -55,8 +55,18 @@ bool stopsAt(std::int32_t code) {
 
 // In the debugger the user looks at the place of the error, and the program goes on behind it.
 void stopForError() {
+    const std::int32_t code = tarn_error_cell;
     DebugStop(true);
+    if (code == ERR_OUT_OF_STACK) {  // nothing is left to go on with
+        RescueOnce();
+        Halt();
+    }
     ContinueAfterError();
+}
+
+bool inRuntime() {
+    const FrameRecord* const top = TopFrame();
+    return top != nullptr && top->ofRuntime();
 }
 
 void report(std::int32_t code, ErrorHandler handler) {
@@ -159,7 +169,7 @@ void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
             report(code, handler);
     }
     if (line != 0) tarn_current_line = line;
-    if (!debugging()) return;
+    if (!debugging() || inRuntime()) return;
     if (line != 0)
         pollDebugger();
     else if (const auto functionEnds = TheDebuggerHooks().functionEnds; functionEnds != nullptr)

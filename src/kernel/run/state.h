@@ -18,6 +18,10 @@ inline constexpr std::size_t MaxName = 40;         // characters of a class, fun
 inline constexpr std::size_t MaxSourcePath = 255;  // characters
 inline constexpr std::size_t MaxReport = 1024;     // characters of a report text
 
+// The mark of a frame that is a function of the run-time or the library. Its lines are none that the debugger's user knows:
+// no step and no breakpoint stops there, and what it does belongs to the statement that called it.
+inline constexpr std::int16_t RuntimeFrame = -2;
+
 // Compiled code whose frames need nothing else pushes and pops them by itself (api.h, tarn_quick_frames): it names
 // its literals, which live as long as the program. All others are copied.
 struct FrameRecord {
@@ -30,6 +34,7 @@ struct FrameRecord {
     char copiedFunction[MaxName + 1];  // A to Z lower-cased
     // The debugger's number of the class, in bytes that the C form of this record leaves unused; 0: not looked up yet.
     std::int16_t debugClass;
+    [[nodiscard]] bool ofRuntime() const { return debugClass == RuntimeFrame; }
 
     [[nodiscard]] const char* className() const {
         return literalClass != nullptr ? literalClass : copiedClass;
@@ -79,6 +84,9 @@ struct ThrownPlace {
     std::int32_t callerLine;  // where the frame below called that one
 };
 extern ThrownPlace lastThrown;
+
+// FunctionEnter for a function of the program.
+void EnterProgramFunction(const char* className, const char* functionName, std::int32_t line);
 
 // Whether compiled code pushes its frames by itself: not while calls are traced or variables registered.
 void ChooseFrames();

@@ -131,7 +131,26 @@ const char TwoClasses[] = "1  Tarnwick Class Main\n"
                           "6  end function\n"
                           "7  End class\n";
 
+const char Library[] = "1  Tarnwick Class Main\n"
+                       "2  function main()\n"
+                       "3      var s : string\n"
+                       "4      SAVEFILE(\"out\", \"text\")\n"
+                       "5      LOADFILE(\"out\", s)\n"
+                       "6      PRINT(STRUPPER(s))\n"
+                       "7  end function\n"
+                       "8  End class\n";
+
+const char Endless[] = "1  Tarnwick Class Main\n"
+                       "2  function deep(n : integer) return integer\n"
+                       "3      return deep(n + 1) + 1\n"
+                       "4  end function\n"
+                       "5  function main()\n"
+                       "6      PRINT(STR(deep(1)))\n"
+                       "7  end function\n"
+                       "8  End class\n";
+
 const Row rows[] = {
+    {"what the library does is one statement", Library, "S", "into*9", "Main4/1 Main5/1 Main6/1"},
     {"every line", Sums, "S", "into*40",
      "Main2/1 Main11/1 Main12/1 Main5/2 Main6/2 Main5/2 Main6/2 Main5/2 Main8/2 Main13/1 Main5/2 Main6/2 "
      "Main5/2 Main8/2"},
@@ -290,6 +309,14 @@ TEST_F(CompiledStops, BreakpointsAreSavedAtTheEndAndAtAHalt) {
     EXPECT_NE(read("environment/ide.ini").find("breakpoints=Main 13 \r\n"), std::string::npos);
     debugged("SingleStep=1\n", "code\nbreak 12\nstop\n");
     EXPECT_NE(read("environment/ide.ini").find("breakpoints=Main 12 \r\n"), std::string::npos);
+}
+
+TEST_F(CompiledStops, BehindAFullStackTheProgramEnds) {
+    build(Endless);
+    const std::string shown = debugged("", "run\nrun\nrun\n");
+    EXPECT_NE(shown.find("Error 803, Program ran out of stack space, File Main, function deep, line 2"),
+              std::string::npos)
+        << shown;
 }
 
 TEST_F(CompiledStops, AwayFromItsSourceAProgramRunsAlone) {

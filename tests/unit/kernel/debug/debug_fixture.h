@@ -28,7 +28,7 @@ namespace tarn {
 class Called {
 public:
     Called(const char* className, const char* function, std::int32_t line) {
-        FunctionEnter(className, function, line);
+        EnterProgramFunction(className, function, line);
     }
     ~Called() { FunctionLeave(); }
     Called(const Called&) = delete;

@@ -173,7 +173,7 @@ TEST_F(DebuggerEnds, StopEndsTheProgramAndSaves) {
         command(window, DEBUG_TOGGLE);
         command(window, DEBUG_HALT);
     });
-    FunctionEnter("Sums", "F", 1);
+    EnterProgramFunction("Sums", "F", 1);
     EXPECT_EQ(endOf([] { stampAt(5); }), 0);
     EXPECT_EQ(setting("breakpoints"), "Sums 5 ");
     EXPECT_EQ(setting("SingleStep"), "0");

@@ -45,7 +45,7 @@ TEST_F(DebugLists, TheCallStackIsShownFromTheTop) {
 TEST_F(DebugLists, OfADeepRecursionTheRecordedFramesAreShown) {
     for (int i = 1; i <= 501; ++i) {
         stampAt(i + 1000);
-        FunctionEnter("Deep", "F", i);
+        EnterProgramFunction("Deep", "F", i);
     }
     stops().clear();
     hands().clear();

@@ -6,6 +6,8 @@
 #include "kernel/run/errors.h"
 #include "platform/operations/system.h"
 
+extern "C" tarn::FrameStack* tarn_quick_frames;  // what compiled code looks at
+
 namespace tarn {
 namespace {
 
@@ -83,6 +85,59 @@ TEST_F(StopStatus, TheUsersBreakStops) {
     stampAt(12);
     EXPECT_EQ(stopsText(), "Sums3/1 Sums9/1");
     EXPECT_EQ(platform::GetUserBreak(), 0);
+}
+
+TEST_F(StopStatus, FunctionsOfTheRunTimeHaveNoLinesToStopAt) {
+    const Called f("Sums", "DO_ADD", 2);
+    hands().push_back([](platform::DebugWindow& window) { command(window, DEBUG_STEP_INTO); });
+    stampAt(3);
+    {
+        FunctionEnter("Sums", "LIBRARY", 4);  // even of that name
+        stampAt(5);
+        platform::SetUserBreak(1);
+        stampAt(9);
+        EXPECT_EQ(platform::GetUserBreak(), 1) << "the program's next line hears it";
+        FunctionLeave();
+    }
+    stampAt(12);
+    EXPECT_EQ(stopsText(), "Sums3/1 Sums12/1");
+}
+
+TEST_F(StopStatus, AFunctionOfTheProgramThatTheRunTimeCallsHasItsLines) {
+    const Called f("Sums", "DO_ADD", 2);
+    hands().push_back([](platform::DebugWindow& window) { command(window, DEBUG_STEP_INTO); });
+    stampAt(3);
+    FunctionEnter("system", "EACH", 4);
+    {
+        const Called g("Sums", "CALLBACK", 8);
+        stampAt(9);
+    }
+    FunctionLeave();
+    EXPECT_EQ(stopsText(), "Sums3/1 Sums9/3");
+}
+
+TEST_F(StopStatus, AnErrorInTheRunTimeStops) {
+    const Called f("Sums", "DO_ADD", 2);
+    stampAt(3);
+    FunctionEnter("profstr", "PUT", 4);
+    stampAt(5);
+    SetError(652);
+    stampAt(6);
+    FunctionLeave();
+    EXPECT_EQ(stopsText(), "Sums3/1 profstr5/2");
+}
+
+TEST_F(StopStatus, BehindAFullStackTheProgramEnds) {
+    EnterProgramFunction("Sums", "DEEP", 2);
+    SetError(803);
+    EXPECT_EQ(endOf([] { stampAt(3); }), 0);
+    ASSERT_EQ(stops().size(), 1U);
+    EXPECT_EQ(stops()[0].status,
+              "Error 803, Program ran out of stack space, File Sums, function deep, line 2\n");
+}
+
+TEST_F(StopStatus, UnderTheDebuggerNoFrameIsPushedByTheProgramItself) {
+    EXPECT_EQ(tarn_quick_frames, nullptr);
 }
 
 TEST_F(StopStatus, AStampInsideOfAStopDoesNotStop) {

@@ -84,7 +84,7 @@ TEST_F(StopRules, OfRandomProgramsAreThoseOfTheRules) {
                 open.pop_back();
             }
             while (static_cast<std::int32_t>(open.size()) < at.depth) {
-                FunctionEnter(at.className.c_str(), "F", 50);
+                EnterProgramFunction(at.className.c_str(), "F", 50);
                 open.push_back(at.className);
             }
             stampAt(at.line);
