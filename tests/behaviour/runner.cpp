@@ -14,7 +14,7 @@
 #include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "platform/model/view.h"
@@ -239,6 +239,7 @@ int main(int argc, char** argv) {
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
     if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
+    if (mode != "screen" && script.needsScreen) end(skip("it needs a screen"));
     prepareEnvironment();
     if (before != nullptr) {
         continueAt(script, std::atoi(getenv(lineName)));
@@ -251,6 +252,8 @@ int main(int argc, char** argv) {
     setProgram(profile, script.arguments);
     tarn::os::useEndHook(programEnded);
     const std::unique_ptr<tarn::Hands> hands = tarn::makeHands(mode);
+    if (script.hidesScreen)
+        for (const char* screen : {"DISPLAY", "WAYLAND_DISPLAY"}) unsetenv(screen);
     tarn::UserDriver user(script, dir, profile, *hands);
     driver = &user;
     tarn::platform::view().setIdle([&user] {

@@ -105,6 +105,13 @@ void openDialog(const Session& session) {
         OPENDIALOG(session.resourceFile, session.dialog);
 }
 
+// The one that the user was in comes last: a window manager gives the focus to windows in the order in which they come.
+struct Part {
+    const Object& window;
+    void (*open)(const Session& session);
+};
+const Part parts[] = {{ProjectEditorDlg, openProgram}, {SDIEdit, openCode}, {DialogDlg, openDialog}};
+
 }  // namespace
 
 Session CURRENTSESSION() {
@@ -148,11 +155,12 @@ void RESTORESESSION() {
     FRAME(RESTORESESSION);
     STAMP();
     const Session session = keptSession();
-    openProgram(session);
-    STAMP();
-    openCode(session);
-    STAMP();
-    openDialog(session);
+    for (const bool last : {false, true}) {
+        for (const Part& part : parts) {
+            STAMP();
+            if (STREQUAL(session.active, part.window.window()) == last) part.open(session);
+        }
+    }
     STAMP();
     tellMissing(session);
     STAMP();

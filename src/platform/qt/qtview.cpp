@@ -3,6 +3,7 @@
 
 #include "os/files.h"
 #include "os/process.h"
+#include "platform/model/debugger/debugwindow.h"
 #include "platform/model/model.h"
 #include "platform/operations/focus.h"
 #include "platform/qt/controls/widgets.h"
@@ -223,7 +224,7 @@ void QtView::activateBelow(Frame* gone) {
 
 void QtView::activated() {
     // While a menu is open the toolkit does not follow the focus, and would name the window before.
-    if (QApplication::activePopupWidget() != nullptr) return;
+    if (QApplication::activePopupWidget() != nullptr || programRests()) return;
     const QWindow* focus = QGuiApplication::focusWindow();
     Frame* frame = frameOfWidget(focus != nullptr ? QWidget::find(focus->winId()) : nullptr);
     const bool returns = away_ && focus != nullptr;
@@ -302,13 +303,22 @@ void QtView::runIdle() {
 std::string QtView::ask(const Question& question) {
     const bool busy = busy_;
     if (busy) setBusy(false);
-    QWidget* parent = QApplication::activeWindow();
-    if (parent == nullptr && !order_.empty() && !order_.back().isNull()) parent = order_.back();
+    QWidget* const parent = askedFrom();
     const QPointer<QWidget> below(parent != nullptr && parent->isVisible() ? parent : nullptr);
     const std::string answer = askUser(question, below);
     if (busy) setBusy(true);
     if (below != nullptr && below->isVisible()) below->activateWindow();
     return answer;
+}
+
+// The debugger's window asks for itself alone.
+QWidget* QtView::askedFrom() const {
+    QWidget* const debugger = debugger_.window();
+    QWidget* parent = QApplication::activeWindow();
+    if (debugger_.stopped())
+        return parent != nullptr && parent->parentWidget() != nullptr ? parent : debugger;
+    if (parent == nullptr || parent == debugger) parent = order_.empty() ? nullptr : order_.back().data();
+    return parent;
 }
 
 const Question* QtView::asking() {
@@ -466,6 +476,7 @@ void QtView::watch(int descriptor, std::function<void()> ready) {
 // ---- events of the whole program ----
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
+    if (debugger_.takes(receiver, *event)) return true;
     const auto type = event->type();
     if (type == QEvent::FocusIn) noteFocus(receiver);
     if (!isInput(type)) return false;
