@@ -138,10 +138,9 @@ void tell(const std::string& message) {
     MsgBox(Title, message, "OK", BoxIcon::Error);
 }
 
-bool isThere(const std::string& mainFile, std::string_view verb) {
+bool isThere(const std::string& mainFile, const std::string& otherwise) {
     if (FileSize(mainFile) >= 0) return true;
-    tell("The Program Properties " + std::string(verb) +
-         " because there is no main file.\nOpen a file in the program window then try again.");
+    tell(otherwise);
     return false;
 }
 
@@ -157,7 +156,9 @@ LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& na
     FRAME(LOADVERSIONINFO);
     STAMP();
     LoadedVersion loaded;
-    if (!isThere(mainFile, "are not available")) return loaded;
+    if (!isThere(mainFile, "The Program Properties are not available because there is no main file.\n"
+                           "Open a file in the program window then try again."))
+        return loaded;
     const std::string file = resourcesOf(mainFile);
     STAMP();
     const ResourceText block =
@@ -176,7 +177,9 @@ LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& na
 bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields) {
     FRAME(SAVEVERSIONINFO);
     STAMP();
-    if (!isThere(mainFile, "cannot be updated")) return false;
+    if (!isThere(mainFile, "The Program Properties cannot be updated because there is no main file.\n"
+                           "Open a file in the program window then try again."))
+        return false;
     const std::string text = FIELDSTOVERSIONINFO(name, fields, FILEBASENAME(mainFile));
     STAMP();
     const std::string error = ResourceWriteText(resourcesOf(mainFile), text);

@@ -11,12 +11,12 @@ namespace {
 constexpr int None = -1, Ok = 1, Retry = 4;  // what a page's modal Show answers
 
 struct Button {
-    std::string_view control, word, caption;
+    std::string_view control, caption, fault;  // what is said of a page without it, behind its name
 };
 constexpr Button buttons[] = {
-    {"IDRETRY", "Back", "&Back <<"},
-    {"IDOK", "Next", "&Next >>"},
-    {"IDCANCEL", "Cancel", "Cancel"},
+    {"IDRETRY", "&Back <<", " does not have a 'Back' button (IDRETRY)\n"},
+    {"IDOK", "&Next >>", " does not have a 'Next' button (IDOK)\n"},
+    {"IDCANCEL", "Cancel", " does not have a 'Cancel' button (IDCANCEL)\n"},
 };
 
 void prepare(const Object& page, const std::string& title, std::size_t number, std::size_t count) {
@@ -51,9 +51,7 @@ bool CHECKALLOWEDINWIZARD(const Object& window) {
     const std::string name = GetName(window);
     std::string faults;
     for (const Button& button : buttons)
-        if (FINDCONTROL(window, button.control).empty())
-            faults += name + " does not have a '" + std::string(button.word) + "' button (" +
-                      std::string(button.control) + ")\n";
+        if (FINDCONTROL(window, button.control).empty()) faults += name + std::string(button.fault);
     STAMP();
     if (GetVisible(window)) faults += name + " is not allowed to Show itself while loading\n";
     STAMP();

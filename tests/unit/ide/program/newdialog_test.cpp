@@ -4,6 +4,7 @@
 #include "ide/program/newdialog.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/program/changes.h"
 #include "ide/program/projwindow.h"
 #include "library/source/symbols.h"
 #include "support/ide_fixture.h"
@@ -327,6 +328,72 @@ TEST_F(NewDialogOnBadDisk, AFailureAtAnyCallLeavesTheOldFileOrTheNew) {
         if (disk.calls() < call) break;
     }
     EXPECT_EQ(disk.contents("/w/a.cls"), Class);
+}
+
+// The dialog and its function in the class, of a program whose class is selected.
+class NewDialogOfAProgram : public NewDialogOnBadDisk {
+protected:
+    void begin() {
+        disk.put("/w/a.cls", Class);
+        disk.put("/w/a.rc", Main1);
+        if (!IsLoaded(ProjectEditorDlg)) Load(ProjectEditorDlg);
+        std::vector<std::string> items;
+        ProjectItem item;
+        item.level = 1;
+        item.type = "Class";
+        item.file = "/w/a.cls";
+        ADDPROJECTITEM(item, items);
+        UPDATEPROJECTWINDOW(ProjectEditorDlg, "/w/a.cls", items[0] + "\n", {1, 0});
+        asked.clear();
+    }
+    void end() {
+        ClearError();
+        static_cast<void>(FINISHCHANGES());
+        if (IsLoaded(DialogDlg)) Unload(DialogDlg);
+    }
+    [[nodiscard]] bool allOld() {
+        return disk.contents("/w/a.cls") == Class && disk.contents("/w/a.rc") == Main1;
+    }
+    [[nodiscard]] bool allNew() {
+        return functions(disk.contents("/w/a.cls"), "Dialog1") != 0 &&
+               disk.contents("/w/a.rc") == Main1 + std::string("\n") + dialogText("Dialog1");
+    }
+};
+
+TEST_F(NewDialogOfAProgram, AFailureAtAnyCallLeavesBothFilesOldOrNew) {
+    int calls = 1000;
+    for (int call = 1; call <= calls; ++call) {
+        begin();
+        disk.failAt(call, os::FileError::DiskFull);
+        run();
+        calls = disk.calls();
+        disk.stopFailing();
+        end();
+        EXPECT_TRUE(allOld() || allNew()) << call;
+        EXPECT_TRUE(allNew() || !asked.empty()) << call;
+    }
+    EXPECT_TRUE(allNew());
+}
+
+TEST_F(NewDialogOfAProgram, AKillAtAnyCallLeavesBothFilesOldOrNewAtTheNextStart) {
+    for (const bool midway : {false, true}) {
+        bool died = true;
+        for (int call = 1; died && call < 200; ++call) {
+            begin();
+            died = false;
+            disk.dieAt(call, midway);
+            try {
+                PROJECTNEWDIALOG();
+            } catch (const os::ProcessDeath&) {
+                died = true;
+            }
+            disk.revive();
+            end();
+            EXPECT_TRUE(allOld() || allNew()) << call;
+        }
+        EXPECT_FALSE(died);
+        EXPECT_TRUE(allNew());
+    }
 }
 
 }  // namespace

@@ -493,6 +493,31 @@ TEST_F(NewProgramOnBadDisk, AFailureAtAnyCallLeavesNoHalfClass) {
     FAIL() << "no end";
 }
 
+TEST_F(NewProgramOnBadDisk, AKillAtAnyCallLeavesNoHalfClassAtTheNextStart) {
+    for (const bool midway : {false, true}) {
+        bool died = true;
+        for (int call = 1; died && call < 200; ++call) {
+            begin();
+            openMain();
+            fill({});
+            died = false;
+            disk.dieAt(call, midway);
+            try {
+                PROJECTNEWNONMAIN(MAINCONTROL("codelabel"), "New Class");
+            } catch (const os::ProcessDeath&) {
+                died = true;
+            }
+            disk.revive();
+            ClearError();
+            static_cast<void>(FINISHCHANGES());
+            EXPECT_TRUE(classOld() || classNew()) << call;
+            INITFILE(SDIEdit);
+        }
+        EXPECT_FALSE(died);
+        EXPECT_TRUE(classNew());
+    }
+}
+
 TEST_F(NewProgramOnBadDisk, AnUnfinishedChangeIsToldAtTheNextStart) {
     const std::string folder = dir + "state/tarnwick/changes/";
     disk.failAlways(os::FileCall::Remove, os::FileError::Denied);
