@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // program_bench: the Program Window of 50 classes and 20 resource files, opened and refreshed up to the paint, without
-// the make tool's own time, which is measured beside it; and 5,000 rows put into it, beside the same rows in a plain
-// tree of the toolkit.
+// the make tool's own time, which is measured beside it; 5,000 rows put into it, beside the same rows in a plain
+// tree of the toolkit; and the names that a place of such a program knows, as completion lists them, first with all
+// classes still to be read and then again.
 #include "paint_watch.h"
 
 #include "ide/build/compiler.h"
+#include "ide/editor/completion.h"
+#include "ide/editor/names.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -20,6 +23,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -143,6 +147,18 @@ double fillTree() {
     });
 }
 
+// Nothing if the list lacks the functions of a class.
+double completion(const std::string& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    const std::string source = text.str();
+    QElapsedTimer timer;
+    timer.start();
+    const std::string rows = tarn::COMPLETIONROWS({source, file, 6, {}}, "");
+    const double time = milliseconds(timer);
+    return rows.find("Part49") == std::string::npos ? 0 : time;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -161,6 +177,8 @@ int main(int argc, char** argv) {
     figures.push_back({"programRefresh", refresh() - tool});
     figures.push_back({"programRows5000", fillRows()});
     figures.push_back({"treeRows5000", fillTree()});
+    figures.push_back({"completionFirst", completion(file)});
+    figures.push_back({"completion", timeOf([&] { return completion(file); })});
     print(figures);
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);

@@ -65,7 +65,7 @@ def main():
     folder = sys.argv[1]
     all_ = {}
     for name in ("kernel_bench", "values_bench", "library_bench", "platform_bench", "os_bench", "edit_bench", "windows_bench",
-                 "designer_bench", "search_bench", "program_bench"):
+                 "designer_bench", "search_bench", "program_bench", "debugger_bench"):
         all_.update(medians(f"{folder}/{name}.json")[0])
     data, rates = medians(f"{folder}/data_bench.json", "cpu_time")
     all_.update(data)
@@ -78,6 +78,10 @@ def main():
     # name, peer, the budget as a ratio to the peer or as nanoseconds
     rows = [
         ("stampInline", None, 1), ("stampCalled", None, 2), ("frame", None, None),
+        ("stampUnderDebugger/0/1", None, 25), ("stampUnderDebugger/200/1", None, 25), ("stampUnderDebugger/200/50", None, 25),
+        ("callUnderDebugger", None, None), ("conditionTested", None, 100), ("stepUnderDebugger", None, 5e6),
+        ("condition/integer", None, 100), ("condition/three", None, 200),
+        ("values/collapsed", None, 20e6), ("values/expanded", None, 20e6), ("values/page", None, 1e6),
         ("concatKernel/40", "concatStd/40", 0.5), ("concatKernel/4000", "concatStd/4000", None),
         ("allocateKernel/40", "allocateMalloc/40", None), ("allocateKernel/1000", "allocateMalloc/1000", None),
         *((f"string{work}Kernel/{n}", f"string{work}Std/{n}", None)
@@ -126,6 +130,8 @@ def main():
         ("endlessKeyToPaintMiddle", None, 16e6), ("endlessKeyToPaintEnd", None, 16e6),
         ("programMakeTool", None, None), ("programOpen", None, 60e6), ("programRefresh", None, 30e6),
         ("programRows5000", "treeRows5000", 0.6),
+        ("debugStopFirst", None, 30e6), ("debugStop8000", None, 30e6), ("debugStep", None, 5e6), ("debugValues20000", None, 20e6),
+        ("userBreakAsked", "userBreakAskedAlone", None), ("userBreakAsked", None, 10),
         ("load255", "plain255", None), ("load255", None, 50e6), ("menuRefresh", None, 2e6),
         ("designRedraw255", "plainPaint255", 1.2), ("designAnew255", "plain255", None), ("designAnew255", None, 50e6),
         ("editorFirst255", None, None), ("editorOpen255", None, 50e6), ("editorOpenOf100", None, 20e6),

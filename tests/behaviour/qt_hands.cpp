@@ -12,6 +12,7 @@
 #include <QAbstractScrollArea>
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QKeySequence>
@@ -20,6 +21,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
 #include <cstdlib>
 
 namespace tarn {
@@ -185,6 +189,30 @@ public:
         return true;
     }
 
+    bool bringForward(const std::string& title) override {
+        std::string front;
+        if (frontTitle(front) && front == title) return true;
+        // Without a window of that title there is none to activate, which is no fault yet.
+        static_cast<void>(
+            run("search --onlyvisible --name '^" + pattern(title) + "$' windowactivate 2>/dev/null"));
+        return false;
+    }
+
+    bool frontTitle(std::string& title) override {
+        title.clear();
+        std::FILE* const out = ::popen("xdotool getactivewindow getwindowname 2>/dev/null", "r");
+        if (out == nullptr) return false;
+        for (int c = std::fgetc(out); c != EOF && c != '\n'; c = std::fgetc(out))
+            title += static_cast<char>(c);
+        ::pclose(out);
+        return true;
+    }
+
+    bool clipboardText(std::string& text) override {
+        text = QGuiApplication::clipboard()->text().toStdString();
+        return true;
+    }
+
     void screenshot(const std::string& path) override {
         if (onScreen_) static_cast<void>(std::system(("import -window root '" + path + "'").c_str()));
     }
@@ -208,6 +236,13 @@ private:
 
     static std::string text(const QPoint& point) {
         return std::to_string(point.x()) + " " + std::to_string(point.y());
+    }
+    // A regular expression that the text fits; whatever is no letter may be any.
+    static std::string pattern(std::string text) {
+        const auto plain = [](unsigned char c) { return std::isalnum(c) != 0 || c == ' '; };
+        std::replace_if(
+            text.begin(), text.end(), [&](char c) { return !plain(static_cast<unsigned char>(c)); }, '.');
+        return text;
     }
     static bool run(const std::string& command) { return std::system(("xdotool " + command).c_str()) == 0; }
 

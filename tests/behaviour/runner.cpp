@@ -14,9 +14,9 @@
 #include "behaviour/monkey.h"
 #include "ide/shell/ide.h"
 #include "kernel/run/runtime.h"
-#include "library/settings/initext.h"
 #include "os/files.h"
 #include "os/process.h"
+#include "os/text/initext.h"
 #include "platform/model/view.h"
 #include "support/places.h"
 #include "support/user_script.h"
@@ -84,7 +84,7 @@ void programEnded(int) {
 void prepareProfile(const std::string& profile, const std::string& files) {
     fs::create_directories(profile);
     for (const char* name : {"ide.rcx", "system.cls", "logo.bmp", "mainicon.ico", "mainicon.svg", "logo.svg",
-                             "open2.bmp", "open3.bmp", "quarn.exe", "ordo.exe", "libtarnwick.so",
+                             "open2.bmp", "open3.bmp", "quarn.exe", "ordo.exe", "iscc.exe", "libtarnwick.so",
                              "libtarnwick-qt.so", "libtarnwick-edit.so", "libtarnwick-help.so", "help"}) {
         if (fs::exists(std::string(BINARY_DIR "/") + name))
             fs::create_symlink(std::string(BINARY_DIR "/") + name, profile + name);
@@ -93,8 +93,9 @@ void prepareProfile(const std::string& profile, const std::string& files) {
     fs::copy(SOURCE_DIR "/examples", profile + "examples", fs::copy_options::recursive);
     // A name of this program, so that the folder counts as its own.
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), profile + "ide");
-    for (const char* name : {"ide.ini", "ide.bak"})
-        fs::copy_file(SOURCE_DIR "/src/ide/ide.ini", profile + name);
+    std::string settings = readAll(SOURCE_DIR "/src/ide/ide.ini");
+    tarn::ini::put(settings, "Welcome", "AtStart", "0");  // it would stand in front of what a case is about
+    for (const char* name : {"ide.ini", "ide.bak"}) std::ofstream(profile + name, std::ios::binary) << settings;
     if (!fs::exists(files + "profile")) return;
     for (const auto& entry : fs::directory_iterator(files + "profile")) {
         const std::string to = profile + entry.path().filename().string();
@@ -238,6 +239,7 @@ int main(int argc, char** argv) {
     if (!script.error.empty()) return std::printf("%s: %s\n", from.c_str(), script.error.c_str()), end(1), 1;
     if (mode == "model" && script.needsRealInput) end(skip("it needs real input"));
     if (mode == "screen" && getenv("DISPLAY") == nullptr) end(skip("there is no display"));
+    if (mode != "screen" && script.needsScreen) end(skip("it needs a screen"));
     prepareEnvironment();
     if (before != nullptr) {
         continueAt(script, std::atoi(getenv(lineName)));
@@ -250,6 +252,8 @@ int main(int argc, char** argv) {
     setProgram(profile, script.arguments);
     tarn::os::useEndHook(programEnded);
     const std::unique_ptr<tarn::Hands> hands = tarn::makeHands(mode);
+    if (script.hidesScreen)
+        for (const char* screen : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) unsetenv(screen);
     tarn::UserDriver user(script, dir, profile, *hands);
     driver = &user;
     tarn::platform::view().setIdle([&user] {

@@ -37,6 +37,7 @@ protected:
         std::string pattern = (std::filesystem::temp_directory_path() / "ide-test-XXXXXX").string();
         dir = std::string(mkdtemp(pattern.data())) + "/";
         std::filesystem::copy_file(SOURCE_DIR "/src/ide/ide.ini", dir + "ide.ini");
+        PROFILESTRPUT(dir + "ide.ini", "Welcome", "AtStart", "0");
         std::filesystem::copy_file(BINARY_DIR "/ide.rcx", dir + "ide.rcx");
         std::filesystem::create_symlink(BINARY_DIR "/system.cls", dir + "system.cls");
         setenv("XDG_STATE_HOME", (dir + "state").c_str(), 1);

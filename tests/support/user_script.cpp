@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/user_script.h"
 
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "os/clock.h"
 #include "os/files.h"
+#include "platform/model/linemarks.h"
 #include "support/sheet_rows.h"
 
 #include <algorithm>
@@ -35,7 +36,8 @@ const std::map<std::string, LineForm> forms = {
     {"click", {2, true}}, {"mouse", {4, true}}, {"maximise", {1}},  {"screenshot", {1}},
     {"dump", {1}},        {"wait", {1}},        {"expect", {1}},    {"run", {1}},
     {"strike", {3}},      {"sheet", {2}},       {"restart", {0}},   {"tick", {1}},
-    {"activate", {1}},    {"design", {2}},      {"point", {1}},     {"drag", {3}}};
+    {"activate", {1}},    {"design", {2}},      {"point", {1}},     {"drag", {3}},
+    {"margin", {1}},      {"front", {1, true}}};
 
 const std::set<std::string> answerLines = {"answer", "choose-file", "input", "pick"};
 
@@ -76,6 +78,11 @@ void chooseAlternative(std::vector<std::string>& words, bool realInput) {
         words.erase(words.begin(), middle + 1);
 }
 
+// What other programs than this one show.
+bool isOfOthers(const std::vector<std::string>& words) {
+    return words[0] == "front" || (words[0] == "expect" && (words[1] == "front" || words[1] == "clipboard"));
+}
+
 std::string lineFault(const std::vector<std::string>& words) {
     const auto form = forms.find(words[0]);
     if (form == forms.end()) return "there is no '" + words[0] + "'";
@@ -108,10 +115,15 @@ Script parseScript(const std::string& text, const std::string& dir, const std::s
             script.settings.push_back({line.words[1], line.words[2], line.words[3]});
             continue;
         }
+        if (line.words[0] == "needs-screen" || line.words[0] == "hide-screen") {
+            (line.words[0] == "needs-screen" ? script.needsScreen : script.hidesScreen) = true;
+            continue;
+        }
         const std::string fault = whole ? lineFault(line.words) : "a quote stays open";
         if (!fault.empty() && script.error.empty())
             script.error = "line " + std::to_string(number) + ": " + fault;
         if (fault.empty()) script.needsRealInput |= forms.at(line.words[0]).realInput;
+        if (fault.empty()) script.needsScreen |= isOfOthers(line.words);
         script.lines.push_back(line);
     }
     return script;
@@ -201,7 +213,7 @@ Object itemOf(const std::string& name, const std::string& place) {
 
 // What the user does with windows that take input: while a tool runs, they take none.
 const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
-                                         "dblclick", "close", "select", "strike", "point", "drag"};
+                                         "dblclick", "close", "select", "strike", "point", "drag", "margin"};
 
 Control* commanded(const std::vector<std::string>& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
@@ -214,7 +226,7 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     const bool open = view().asking() != nullptr;
     const bool answers = answerLines.count(w[0]) != 0;
     const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run" ||
-                       w[0] == "activate";  // what is asked then may be open already
+                       w[0] == "activate" || w[0] == "front";  // what is asked then may be open already
     if (open && !answers && !looks) {
         fail("A question is open that nobody expects.");
         return Outcome::Failed;
@@ -241,12 +253,13 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
         return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
                                                                              : Outcome::NotYet;
     }
+    if (w[0] == "front") return hands_.bringForward(w[1]) ? Outcome::Done : Outcome::NotYet;
     if (pointing) return shown(Object("DialogDlg")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
         w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "edit" || w[0] == "select") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "edit" || w[0] == "select" || w[0] == "margin") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "strike") return canStrike(w) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "restart") return Outcome::NotYet;  // the program still runs
@@ -324,6 +337,8 @@ void UserDriver::act(const ScriptLine& line) {
     else if (what == "dblclick")
         doubleClick(w.size() == 3 ? Object(w[1]) : FindControl(Object(w[1]), w[2]),
                     std::atoi(w.back().c_str()));
+    else if (what == "margin")
+        userMarginClick(*findControl(Object("SDIEdit")), std::atoi(w[1].c_str()));
     else if (what == "close")
         userClose(*findWindow(Object(w[1])));
     else if (answerLines.count(what) != 0) {
@@ -479,6 +494,7 @@ const std::map<std::string, std::string (*)(const Control&)> properties = {
     {"visible", [](const Control& c) { return flag(c.visible); }},
     {"checked", [](const Control& c) { return flag(c.checked); }},
     {"rows", shownRows},
+    {"text-has", [](const Control& c) { return c.text ? c.text->text() : std::string(); }},
 };
 
 }  // namespace
@@ -494,7 +510,7 @@ bool UserDriver::expectControl(const ScriptLine& line) {
     if (control == nullptr) return false;
     const std::string seen = properties.at(w[1])(*control);
     lastSeen_ = "Seen: " + seen;
-    return seen == w.back();
+    return w[1] == "text-has" ? seen.find(w.back()) != std::string::npos : seen == w.back();
 }
 
 namespace {
@@ -523,7 +539,8 @@ bool UserDriver::expectFile(const ScriptLine& line) {
 
 namespace {
 
-const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu", "help", "page"};
+const std::set<std::string> seenThings = {"on-screen", "below", "status", "menu",
+                                          "help",      "page",  "front",  "clipboard"};
 
 std::string rectText(const Rect& r) {
     return std::to_string(r.x) + " " + std::to_string(r.y) + " " + std::to_string(r.w) + " " +
@@ -544,6 +561,10 @@ bool Hands::point(const std::string&, const std::string&) {
     return false;
 }
 bool Hands::drag(const std::string&, bool, int, int) {
+    return false;
+}
+
+bool Hands::bringForward(const std::string&) {
     return false;
 }
 
@@ -570,12 +591,16 @@ bool UserDriver::expectSeen(const ScriptLine& line) {
     std::string text;
     const Control* const item = w[1] == "menu" ? findControl(FindControl(Object("Main"), w[2])) : nullptr;
     if (w[1] == "menu" && item == nullptr) return false;
-    const bool there = item != nullptr  ? hands_.menuText(*item, text)
-                       : w[1] == "help" ? hands_.helpTopic(text)
-                       : w[1] == "page" ? hands_.helpPage(text)
-                                        : hands_.statusText(text);
+    const bool there = item != nullptr       ? hands_.menuText(*item, text)
+                       : w[1] == "help"      ? hands_.helpTopic(text)
+                       : w[1] == "page"      ? hands_.helpPage(text)
+                       : w[1] == "front"     ? hands_.frontTitle(text)
+                       : w[1] == "clipboard" ? hands_.clipboardText(text)
+                                             : hands_.statusText(text);
     if (!there) return true;
     lastSeen_ = "Seen: " + text;
+    if (w[1] == "clipboard") return text.find(w[2]) != std::string::npos;
+    if (w[1] == "front") return text == w[2];
     return item != nullptr ? text == w[3] : w[1] == "help" ? text == w[2] : text.starts_with(w[2]);
 }
 

@@ -4,6 +4,9 @@
 //
 //   args FILE ...                   command line of the program (first line only)
 //   setting SECTION KEY VALUE       put into the settings ahead of the start
+//   needs-screen                    (first lines) a case for real windows alone
+//   hide-screen                     (first lines) programs that are started find no screen
+//   margin LINE                     a click in the margin of the Code window, beside a line
 //   command NAME [N]                picks a menu item or button of Main, of an array the n-th
 //   press WINDOW CONTROL            presses a control
 //   set WINDOW CONTROL VALUE        types a text, ticks a box, picks a row
@@ -28,6 +31,7 @@
 //   activate WINDOW                 the user comes back to the window, as from another program
 //   key F1, type TEXT, click WINDOW CONTROL, mouse WINDOW X Y CLICKS (in the text of an edit window)
 //                                   real input
+//   front TITLE                     brings the window of that title forward, of whatever program; keys go there then
 //   REAL or MEANING                 with real input the first, in the model mode the second; a case with a line
 //                                   of real input that has no second is skipped in the model mode
 //   maximise WINDOW                 as its button on the title does
@@ -37,6 +41,7 @@
 //   wait WINDOW                     until it is visible
 //   expect caption|text|value|enabled|visible|checked|rows WINDOW [CONTROL] VALUE
 //   expect caption|... Main ITEM N VALUE      of the n-th item of an array
+//   expect text-has WINDOW [CONTROL] TEXT     a part of its text
 //   expect active WINDOW, expect hidden WINDOW, expect line N (caret of the Code window)
 //   expect message TITLE TEXT       the open question, its text beginning so
 //   expect ini SECTION KEY VALUE    of {profile}ide.ini
@@ -46,6 +51,7 @@
 //   expect help TOPIC               what the help was asked for last
 //   expect page TITLE               what the page in the help window begins with, where there is one
 //   expect menu CONTROL TEXT        what a menu item shows, where there are menus
+//   expect front TITLE, expect clipboard TEXT      the window in front, what the clipboard holds, of whatever program
 //   expect file F TEXT, expect file-has F TEXT, expect no-file F      F may hold "*"
 //
 // Words are separated by blanks; a word in double quotes may hold blanks, \n, \t, \" and \\. {dir} is the
@@ -74,6 +80,8 @@ struct Script {
     std::vector<std::array<std::string, 3>> settings;  // section, key, value
     std::vector<ScriptLine> lines;
     bool needsRealInput = false;
+    bool needsScreen = false;  // other programs show windows there, too
+    bool hidesScreen = false;
     std::string error;  // of the script's own text; empty if it is well formed
 };
 Script parseScript(const std::string& text, const std::string& dir, const std::string& profile,
@@ -93,8 +101,9 @@ public:
     virtual bool design(const std::string& file, const std::string& dialog);
     virtual bool point(const std::string& object, const std::string& how);
     virtual bool drag(const std::string& object, bool corner, int dx, int dy);
-    virtual bool holdsButton() { return false; }  // of the mouse
-    virtual bool stopTool() = 0;                  // false: no tool runs that could be stopped
+    virtual bool bringForward(const std::string& title);  // true once the window of that title is in front
+    virtual bool holdsButton() { return false; }          // of the mouse
+    virtual bool stopTool() = 0;                          // false: no tool runs that could be stopped
     virtual void endSplash() = 0;
     virtual void screenshot(const std::string& path) = 0;
     // What is on the screen. The defaults are those of the model, which knows no frames and no texts.
@@ -106,6 +115,8 @@ public:
     virtual bool menuText(const platform::Control&, std::string&) { return false; }
     virtual bool helpTopic(std::string&) { return false; }
     virtual bool helpPage(std::string&) { return false; }
+    virtual bool frontTitle(std::string&) { return false; }
+    virtual bool clipboardText(std::string&) { return false; }
 };
 
 class UserDriver {

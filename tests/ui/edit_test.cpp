@@ -44,6 +44,8 @@ namespace {
 
 using namespace std::string_literals;
 
+constexpr int NumberMargin = 1, ChangeMargin = 2, FoldMargin = 3;  // 0 is for marks
+
 class EditTest : public ::testing::Test, public EditEvents {
 protected:
     void SetUp() override {
@@ -500,7 +502,7 @@ TEST_F(EditTest, OverwritesOnlyWhereThatIsAllowed) {
 }
 
 TEST_F(EditTest, TheNumberBarGrowsWithTheText) {
-    const auto width = [this] { return ask(2243, 0); };
+    const auto width = [this] { return ask(2243, NumberMargin); };
     EXPECT_EQ(width(), 0);
     area->setFlags(NUMBERBAR);
     const long narrow = width();
@@ -1188,16 +1190,16 @@ TEST_F(EditTest, ZoomIsKeptAndToldByKeysAndWheel) {
 }
 
 TEST_F(EditTest, BlanksTabsAndMarginsFollowTheLooks) {
-    EXPECT_EQ(ask(2243, 1), 0);
+    EXPECT_EQ(ask(2243, ChangeMargin), 0);
     area->setLooks(AllLooks | LOOK_BLANKS, 8, 0);
     EXPECT_EQ(ask(2121), 8);
     EXPECT_NE(ask(2020), 0);
-    EXPECT_GT(ask(2243, 1), 0);
-    EXPECT_EQ(ask(2243, 2), 0) << "nothing can be folded";
+    EXPECT_GT(ask(2243, ChangeMargin), 0);
+    EXPECT_EQ(ask(2243, FoldMargin), 0) << "nothing can be folded";
     area->setBlocks("any if\nend end\n");
-    EXPECT_GT(ask(2243, 2), 0);
+    EXPECT_GT(ask(2243, FoldMargin), 0);
     area->setLooks(0, 4, 0);
-    EXPECT_EQ(ask(2243, 1) + ask(2243, 2) + ask(2020), 0);
+    EXPECT_EQ(ask(2243, ChangeMargin) + ask(2243, FoldMargin) + ask(2020), 0);
 }
 
 TEST_F(EditTest, ChangedLinesAreMarkedUntilTheTextIsWhatItWas) {

@@ -2,14 +2,12 @@
 #include "ide/build/build.h"
 
 #include "ide/build/compiler.h"
-#include "ide/build/runexe.h"
 #include "ide/build/textview.h"
 #include "ide/build/toolrun.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
-#include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 #include "os/toolresults.h"
@@ -161,7 +159,7 @@ void RUN_COMPILE(const Object& window) {
     COMPILESINGLEFILE(file, 1);
 }
 
-// ---- start ----
+// ---- what is current ----
 
 bool ISUPTODATE(const std::string& file) {
     FRAME(ISUPTODATE);
@@ -172,42 +170,6 @@ bool ISUPTODATE(const std::string& file) {
     STAMP();
     const DependencyList stale = LOADDEPLIST(file, "/fq", true);
     return stale.files.empty() && stale.error.empty();
-}
-
-namespace {
-
-bool isStartable(const std::string& file) {
-    if (file == Untitled) return SYMISCLASS(0, GetText(SDIEdit), ProductWord, "CLASS");
-    return ISCLASSFILE(file);
-}
-
-void traceStart(const std::string& file, bool upToDate) {
-    const bool fullDebugging = PROFILESTRGET(GETIDEINIFILE(), "CompOptionsDlg", "Debug2") == "1";
-    Trace("StartFile = " + file);
-    Trace("SingleStep = 0");
-    Trace(std::string("fUpToDate = ") + (upToDate ? "1" : "0"));
-    Trace(std::string("fCompOptionsHasD2 = ") + (fullDebugging ? "1" : "0"));
-}
-
-}  // namespace
-
-void RUN_START(const std::string& title, const std::string& startFile) {
-    FRAME(RUN_START);
-    std::string file = startFile;
-    STAMP();
-    const bool upToDate = ISUPTODATE(file);
-    STAMP();
-    const int trace = PROFILESTRGETINT(GETIDEINIFILE(), "DebugOptionsDlg", "Traceprogram");
-    traceStart(file, upToDate);
-    STAMP();
-    if (!isStartable(file)) return SHOWNOCLASSERROR(title, file);
-    const bool current = upToDate && FileSize(FILECHANGEEXT(file, ".exe")) > 0;
-    bool ok = current;
-    if (!current) RUN_BUILD(title, "-fq", file, ok);
-    STAMP();
-    if (!ok) return;
-    RUNEXEFILE(FILECHANGEEXT(file, ".exe"), trace, false);
-    STAMP();
 }
 
 }  // namespace tarn

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Builds and starts: what may be built, whether a program is current, and how it comes to run. The truth is in the files:
-// the make tool is asked each time.
+// Builds: what may be built, and whether a program is current. The truth is in the files: the make tool is asked each time.
+// How a program comes to run is told in start.h.
 #pragma once
 
 #include "kernel/windows/windowing.h"
@@ -14,8 +14,6 @@ namespace tarn {
 void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::string& file, bool& ok);
 // Compiles the class in the Code window, and tells the outcome.
 void RUN_COMPILE(const Object& window);
-// Builds what is out of date, then starts the program.
-void RUN_START(const std::string& title, const std::string& file);
 bool ISUPTODATE(const std::string& file);
 // Shows the compiler's messages, or clears the error window when there are none: true.
 bool UPDATEERRORWINDOW(const std::string& compilerDir);

@@ -3,6 +3,7 @@
 
 #include "ide/build/outputtext.h"
 #include "ide/build/toolrun.h"
+#include "ide/debug/debugwatch.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -166,8 +167,10 @@ void finish(Run& run, const os::ExitState& state) {
 bool hasEnded(Run& run, std::int64_t until) {
     const os::ExitState state = run.child->poll();
     write(run);
+    if (!state.ended) FOLLOWPROGRAM(run.child->id(), run.name);
     if (read(run, until) || !state.ended) return false;
     finish(run, state);
+    FORGETPROGRAM(run.child->id());
     return true;
 }
 

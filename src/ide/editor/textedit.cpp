@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/editor/textedit.h"
 
+#include "ide/debug/codemarks.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/completion.h"
 #include "ide/editor/declaration.h"
@@ -14,6 +15,7 @@
 #include "ide/shell/undomenu.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "kernel/windows/linemarks.h"
 #include "library/dialogs/finddlgs.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
@@ -185,6 +187,7 @@ void INITFILE(const Object& window) {
     SetModify(window, false);
     SETMODIFYPRIVATE(window, false);
     SetStatus(window, "");
+    SHOWBREAKPOINTS(window);
 }
 
 namespace {
@@ -279,17 +282,18 @@ void showLine(const Object& window, const std::string& file, int line) {
 }
 
 // Puts the file into the empty window; false if it cannot be read, which leaves the window empty.
-bool loadIntoWindow(const Object& window, const std::string& file) {
+bool loadIntoWindow(const Object& window, const std::string& file, bool raises = true) {
     std::string text;
     if (!LOADFILE(file, text)) {
         Hide(window);
         return false;
     }
     EDITWNDSETFILENAME(window, file);
-    Show(window, false);
+    if (raises || !GetVisible(window)) Show(window, false);
     EDITWNDSETTOKENS(window, GETTOKENLEVEL());
     SetText(window, text);
     EDITWNDNOTELOADED(window, file);
+    SHOWBREAKPOINTS(window);
     EDITWNDCHECKBACKUPOK(file);
     return true;
 }
@@ -328,6 +332,24 @@ void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int
     SETMODIFYPRIVATE(window, GetModify(window));
     STAMP();
     DRAWMODIFYINDICATOR(window);
+}
+
+bool EDITWNDFOLLOW(const Object& window, const std::string& file, int line) {
+    FRAME(EDITWNDFOLLOW);
+    if (!IsLoaded(window) || FileWork::goesOn()) return false;
+    const FileWork work;
+    STAMP();
+    if (!STREQUAL(EDITWNDGETFILENAME(window), file)) {
+        const std::int64_t size = FileSize(file);
+        if (GetModify(window) || size < 0 || size > EDITWNDGETMAXLENGTH(window)) return false;
+        EDITWNDCLOSE(window, false);
+        if (!loadIntoWindow(window, file, false)) return false;
+    }
+    STAMP();
+    const LineSpan span = findLine(GetText(window), line);
+    if (span.start != 0) SetSelection(window, span.start, 0);
+    STAMP();
+    return span.start != 0;
 }
 
 void EDITWNDNEW(const Object& window, const std::string& text) {
@@ -449,6 +471,8 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     if (go && !written) takeBackName(window, before, textBefore);
     STAMP();
     if (written && file != before) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
+    if (written && file == before) KEEPBREAKPOINTS(window);
+    if (written && file != before) SHOWBREAKPOINTS(window);
     STAMP();
     DRAWMODIFYINDICATOR(window);
 }
@@ -552,6 +576,7 @@ bool SDIEDIT(const Object& window, int event, const Object&, int parameter) {
     switch (event) {
     case KEYPRESS_EVENT:
         if (parameter == KEY_CTRL_CLICK) return GOTODECLARATION(window, true);
+        if (parameter == KEY_MARGIN_CLICK) return TOGGLEBREAKPOINT(window, GetClickedLine(window)), true;
         if (parameter != KEY_F1 && parameter != KEY_F2) return false;
         if (parameter == KEY_F1)
             helpOnWord(window);

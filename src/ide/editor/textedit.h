@@ -22,6 +22,9 @@ void EDITWNDNEW(const Object& window, const std::string& text);
 // Loads and shows; selects `line` unless it is 0. `reload`: a changed copy of the same file is asked about
 // and read again.
 void EDITWNDOPEN(const Object& window, const std::string& file, bool reload, int line);
+// Shows a line without a question and without coming forward: for who follows a program that the user looks at. False
+// where that cannot be: another text has changes, the file cannot be read, or has no such line.
+bool EDITWNDFOLLOW(const Object& window, const std::string& file, int line);
 void EDITWNDSAVE(const Object& window, bool saveAs);
 // Asks about changes and empties the window. A window that still has a name afterwards was kept by the user.
 void EDITWNDCLOSE(const Object& window, bool hide);

@@ -4,6 +4,7 @@
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
+#include "ide/program/newprogram.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/examples.h"
 #include "ide/shell/idecore.h"
@@ -44,6 +45,23 @@ void DO_NEW_TEXTFILE(const Object& codeLabel) {
     requireType(codeLabel, "Label");
     STAMP();
     PROJECTNEWTEXTFILE();
+}
+
+void DO_NEW_CLASS(const Object& codeLabel) {
+    FRAME(DO_NEW_CLASS);
+    STAMP();
+    requireType(codeLabel, "Label");
+    STAMP();
+    PROJECTNEWNONMAIN(codeLabel, "New Class");
+}
+
+void DO_NEW_PROGRAM(const Object& programLabel, const Object& codeLabel) {
+    FRAME(DO_NEW_PROGRAM);
+    STAMP();
+    requireType(programLabel, "Label");
+    requireType(codeLabel, "Label");
+    STAMP();
+    PROJECTNEWMAIN(ProjectEditorDlg, codeLabel, "New Program", true);
 }
 
 void DO_OPEN(std::string name, const Object& programLabel) {

@@ -10,6 +10,8 @@
 namespace tarn {
 
 void DO_NEW_TEXTFILE(const Object& codeLabel);
+void DO_NEW_CLASS(const Object& codeLabel);
+void DO_NEW_PROGRAM(const Object& programLabel, const Object& codeLabel);
 void DO_OPEN(std::string name, const Object& programLabel);  // an empty name asks for one
 void DO_SAVE();
 void DO_SAVE_AS();

@@ -3,6 +3,7 @@
 
 #include "ide/shell/about.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/welcome.h"
 #include "library/system/product.h"
 #include "library/system/system.h"
 
@@ -74,6 +75,13 @@ void DO_TECH_SUPPORT() {
     FRAME(DO_TECH_SUPPORT);
     STAMP();
     SHOWHELP("Help_Technical Support");
+}
+
+void DO_WELCOME() {
+    FRAME(DO_WELCOME);
+    STAMP();
+    WELCOMEDIALOG();
+    STAMP();
 }
 
 void DO_ABOUT(const Object& mainWindow) {

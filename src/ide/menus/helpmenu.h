@@ -20,6 +20,7 @@ void DO_HOW_DO_I();
 void DO_COMPILER_ERRORS();
 void DO_RUN_TIME_ERRORS();
 void DO_TECH_SUPPORT();
+void DO_WELCOME();
 void DO_ABOUT(const Object& mainWindow);
 void DO_PRODUCTS(const std::string& title);  // the product's pages in the browser
 

@@ -2,7 +2,11 @@
 #include "ide/menus/runmenu.h"
 
 #include "ide/build/build.h"
+#include "ide/build/runinfo.h"
+#include "ide/build/start.h"
 #include "ide/build/toolrun.h"
+#include "ide/debug/codemarks.h"
+#include "ide/debug/debugwatch.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/windows.h"
 
@@ -45,13 +49,49 @@ void DO_COMPILE() {
 void DO_START() {
     FRAME(DO_START);
     STAMP();
-    RUN_START("Run-Start", COMPILERGETMAINFILE());
+    RUN_START("Run-Start", false, COMPILERGETMAINFILE());
 }
 
 void DO_START_EXAMPLE(const std::string& file) {
     FRAME(DO_START_EXAMPLE);
     STAMP();
-    RUN_START("Run-Example program", file);
+    RUN_START("Run-Example program", false, file);
+}
+
+void DO_DEBUG() {
+    FRAME(DO_DEBUG);
+    STAMP();
+    RUN_START("Run-Start in Debugger", true, COMPILERGETMAINFILE());
+}
+
+// ---- debugging ----
+
+void DO_TOGGLE_BREAKPOINT() {
+    FRAME(DO_TOGGLE_BREAKPOINT);
+    STAMP();
+    TOGGLEBREAKPOINT(SDIEdit, CARETLINE(SDIEdit));
+}
+
+void DO_BREAKPOINT_RULE() {
+    FRAME(DO_BREAKPOINT_RULE);
+    STAMP();
+    ASKBREAKPOINTRULE(SDIEdit, CARETLINE(SDIEdit));
+}
+
+void DO_RUN_TO_CURSOR() {
+    FRAME(DO_RUN_TO_CURSOR);
+    STAMP();
+    const std::string className = CLASSINWINDOW(SDIEdit);
+    if (className.empty()) return Sound();
+    STAMP();
+    RUN_TO_LINE("Run-Run to Cursor", COMPILERGETMAINFILE(), className, CARETLINE(SDIEdit));
+    STAMP();
+}
+
+void DO_BREAK() {
+    FRAME(DO_BREAK);
+    STAMP();
+    BREAKDEBUGGED();
 }
 
 // ---- arguments ----
@@ -62,6 +102,15 @@ void DO_ARGUMENTS() {
     Load(ArgumentsDlg);
     STAMP();
     Show(ArgumentsDlg, true);
+}
+
+// ---- information ----
+
+void DO_INFO() {
+    FRAME(DO_INFO);
+    STAMP();
+    RUNINFODIALOG();
+    STAMP();
 }
 
 }  // namespace tarn

@@ -9,6 +9,7 @@
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
 #include "ide/options/compoptions.h"
+#include "ide/options/debugoptions.h"
 #include "ide/options/editoroptions.h"
 #include "ide/options/fonts.h"
 #include "ide/options/genoptions.h"
@@ -151,6 +152,12 @@ void DO_OPTIONS_COMP() {
     FRAME(DO_OPTIONS_COMP);
     STAMP();
     COMPOPTIONSDIALOG();
+}
+
+void DO_OPTIONS_DEBUG() {
+    FRAME(DO_OPTIONS_DEBUG);
+    STAMP();
+    DEBUGOPTIONSDIALOG();
 }
 
 void DO_OPTIONS_EDITOR(const Object& mainWindow, const Object& timerLabel) {

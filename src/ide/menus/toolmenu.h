@@ -22,6 +22,7 @@ void CREATERCFILEDIALOG(const std::string& title);
 void DO_TEST_RCFILE();  // the tests of whole resource files
 // The dialogs of Tools-Options; see ide/options.
 void DO_OPTIONS_COMP();
+void DO_OPTIONS_DEBUG();
 void DO_OPTIONS_EDITOR(const Object& mainWindow, const Object& timerLabel);
 void DO_OPTIONS_FONTS();
 void DO_OPTIONS_GEN(const Object& mainWindow);

@@ -22,7 +22,7 @@ std::string stored(std::string_view key) {
 
 // The start takes the first action that is on, so that is the one to show.
 void showOpeningAction(const Object& window) {
-    for (int i = 3; i >= 0; i--) {
+    for (int i = 4; i >= 0; i--) {
         const std::string name = "rbStartup" + STR(i);
         if (stored(name) == "1") SetValue(FINDCONTROL(window, name), 1);
     }

@@ -5,6 +5,7 @@
 #include "ide/editor/lineends.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
+#include "ide/program/changes.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -19,21 +20,9 @@
 namespace tarn {
 namespace {
 
-// The report of a failed save. Where the file stayed as it was, the report goes on about the window that holds the text;
-// that of a new dialog stands in none.
-std::string saveFailure() {
-    const std::string report = SAVEFILEREPORT();
-    const std::size_t window = report.find("The file on disk is as it was,");
-    return window == std::string::npos
-               ? report
-               : report.substr(0, window) + "Nothing was added to it. Try again when the cause is gone.";
-}
-
 void NEWDIALOG_ONERROR(std::int32_t code) {
     if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
-    const std::string failedSave = saveFailure();
-    TELLERROR(code, !failedSave.empty() ? failedSave
-                                        : "Nothing was added to the file. Check that you may read it.");
+    TELLERROR(code, "Nothing was added to the file. Check that you may read it.");
 }
 
 }  // namespace
@@ -152,26 +141,6 @@ std::string withStatement(const std::string& old, const std::string& statement) 
     return ADOPTLINEENDS(text + statement, old);
 }
 
-// True if the dialog stands in the file then. What is wrong is told, and the file is as it was.
-bool appendDialog(const std::string& file, const std::string& name, const std::string& statement) {
-    const bool isNew = !isThere(file);
-    std::string old;
-    if (!isNew && !LOADFILE(file, old)) return false;
-    std::string error = ResourceInfo(file, "DIALOG", "*").error;
-    if (error.empty()) {
-        if (!SAVEFILE(file, withStatement(old, statement))) return false;
-        const ResourceText found = ResourceInfo(file, "DIALOG", name);
-        if (!found.text.empty() && found.error.empty()) return true;
-        error = found.error.empty() ? "It would be a part of what stands in front of it." : found.error;
-        if (isNew)
-            FILEDELETE(file);
-        else if (!SAVEFILE(file, old))
-            return false;
-    }
-    tell("Could not add '" + name + "' to '" + file + "'.\n" + error);
-    return false;
-}
-
 // ---- the window function ----
 
 // The text of a class with the function; an error text, and nothing changed, if it cannot be put in.
@@ -183,41 +152,99 @@ std::string addFunction(const std::string& name, const std::string& function, st
     return error;
 }
 
-std::string addToWindow(const std::string& name, const std::string& function) {
-    std::string text = GetText(SDIEdit);
-    if (SYMFINDFUNCTION(name, 0, text).bodyStart != 0) return {};
-    const auto before = static_cast<std::int64_t>(text.size());
-    std::string error = addFunction(name, function, text);
-    if (!error.empty()) return error;
-    if (!EDITWNDHASROOM(SDIEdit, static_cast<std::int64_t>(text.size()) - before))
-        return "The text in the Code window cannot grow any further.";
-    EDITWNDCHANGETEXT(SDIEdit, text);
+// What becomes of the class beside the dialog.
+struct ClassChange {
+    bool wanted = false;    // the program is that of a class
+    bool inWindow = false;  // it is changed in the Code window, and not on the disk
+    std::string before, after;
+    std::string error;  // why the function cannot be put in
+    [[nodiscard]] bool any() const { return wanted && error.empty() && after != before; }
+};
+
+TemplateText functionText(const std::string& name) {
+    const TemplateText body = LOADTEMPLATE(GETIDEINIFILE(), templateOf("FunctionBody"));
+    return body.message.empty() ? FUNCTIONFROMTEMPLATE(name, body.text) : body;
+}
+
+// A function of that name that is there already stays as it is.
+ClassChange planFunction(const std::string& name, const std::string& classFile) {
+    ClassChange change;
+    change.wanted = ISCLASSFILE(PROJECTGETMAINFILE(ProjectEditorDlg));
+    if (!change.wanted) return change;
+    change.inWindow = ISINEDITOR(classFile);
+    STAMP();
+    if (change.inWindow)
+        change.before = GetText(SDIEdit);
+    else if (isThere(classFile) && !LOADFILE(classFile, change.before))
+        return change;
+    change.after = change.before;
+    STAMP();
+    if (SYMFINDFUNCTION(name, 0, change.before).bodyStart != 0) return change;
+    const TemplateText function = functionText(name);
+    STAMP();
+    change.error = function.message;
+    if (change.error.empty()) change.error = addFunction(name, function.text, change.after);
+    return change;
+}
+
+std::string changeWindow(const ClassChange& change) {
+    const auto growth =
+        static_cast<std::int64_t>(change.after.size()) - static_cast<std::int64_t>(change.before.size());
+    if (!EDITWNDHASROOM(SDIEdit, growth)) return "The text in the Code window cannot grow any further.";
+    EDITWNDCHANGETEXT(SDIEdit, change.after);
     return {};
 }
 
-// A file that cannot be read or written is told by the module's handler.
-std::string addToFile(const std::string& name, const std::string& function, const std::string& file) {
-    std::string text;
-    if (isThere(file) && !LOADFILE(file, text)) return {};
-    if (SYMFINDFUNCTION(name, 0, text).bodyStart != 0) return {};
-    std::string error = addFunction(name, function, text);
-    if (error.empty()) [[maybe_unused]]
-        const bool told = SAVEFILE(file, text);
-    return error;
-}
-
-void addWindowFunction(const std::string& name, const std::string& classFile) {
-    const TemplateText body = LOADTEMPLATE(GETIDEINIFILE(), templateOf("FunctionBody"));
-    STAMP();
-    const TemplateText function = body.message.empty() ? FUNCTIONFROMTEMPLATE(name, body.text) : body;
-    STAMP();
-    std::string error = function.message;
-    if (error.empty()) {
-        const bool inWindow = ISINEDITOR(classFile);
-        error = inWindow ? addToWindow(name, function.text) : addToFile(name, function.text, classFile);
-    }
+void finishFunction(const std::string& name, const ClassChange& change) {
+    std::string error = change.error;
+    if (error.empty() && change.any() && change.inWindow) error = changeWindow(change);
     STAMP();
     if (!error.empty()) tell("Could not add the window function for '" + name + "'.\n" + error);
+}
+
+// ---- the files ----
+
+struct Plan {
+    std::string name;
+    Target target;
+    bool appends = false;  // otherwise the dialog is in the file already
+    std::string before, after;
+    ClassChange code;
+};
+
+// Both files, from the one text to the other or back. An empty file that was not there goes again.
+std::vector<os::FileChange> changesOf(const Plan& plan, bool back) {
+    std::vector<os::FileChange> changes;
+    const auto add = [&](const std::string& file, const std::string& before, const std::string& after) {
+        const std::string& text = back ? before : after;
+        changes.push_back(
+            {file, text, text.empty() ? os::FileChange::Kind::Remove : os::FileChange::Kind::Write});
+    };
+    if (plan.appends) add(plan.target.resourceFile, plan.before, plan.after);
+    if (plan.code.any() && !plan.code.inWindow) add(plan.target.classFile, plan.code.before, plan.code.after);
+    return changes;
+}
+
+// Why the dialog does not stand in the file; empty if it does.
+std::string whyMissing(const Plan& plan) {
+    const ResourceText found = ResourceInfo(plan.target.resourceFile, "DIALOG", plan.name);
+    if (!found.error.empty()) return found.error;
+    return found.text.empty() ? "It would be a part of what stands in front of it." : "";
+}
+
+// True if the dialog stands in the file then. What is wrong is told, and the files are as they were.
+bool writePlan(const Plan& plan) {
+    std::string error = plan.appends ? ResourceInfo(plan.target.resourceFile, "DIALOG", "*").error : "";
+    if (error.empty()) error = CHANGEFILES(changesOf(plan, false));
+    if (error.empty() && plan.appends) {
+        error = whyMissing(plan);
+        if (error.empty()) return true;
+        const std::string failed = CHANGEFILES(changesOf(plan, true));
+        if (!failed.empty()) error += "\n" + failed;
+    }
+    if (!error.empty())
+        tell("Could not add '" + plan.name + "' to '" + plan.target.resourceFile + "'.\n" + error);
+    return error.empty();
 }
 
 // ---- the command ----
@@ -240,13 +267,15 @@ bool mayChange(const Target& target, const std::string& name) {
                   "&Yes\n&No", "&Yes");
 }
 
-// Puts the dialog into the resource file. False, and told, if it is not there then.
-bool addDialog(const Target& target, const std::string& name, const TemplateText& body) {
-    if (!target.untouched.empty()) return true;
-    const TemplateText text = body.message.empty() ? dialogText(body, name) : body;
-    if (text.message.empty()) return appendDialog(target.resourceFile, name, text.text);
-    tell("Cannot create new dialog.\n" + text.message + "\n");
-    return false;
+// The text of the resource file with the dialog. False: told.
+bool planDialog(Plan& plan, const TemplateText& body) {
+    plan.appends = plan.target.untouched.empty();
+    if (!plan.appends) return true;
+    const TemplateText text = body.message.empty() ? dialogText(body, plan.name) : body;
+    if (!text.message.empty()) return tell("Cannot create new dialog.\n" + text.message + "\n"), false;
+    if (isThere(plan.target.resourceFile) && !LOADFILE(plan.target.resourceFile, plan.before)) return false;
+    plan.after = withStatement(plan.before, text.text);
+    return true;
 }
 
 }  // namespace
@@ -258,20 +287,24 @@ void PROJECTNEWDIALOG() {
     STAMP();
     const TemplateText body = LOADTEMPLATE(GETIDEINIFILE(), templateOf("DialogBody"));
     STAMP();
-    const Target target = findTarget(body);
+    Plan plan;
+    plan.target = findTarget(body);
     STAMP();
-    const std::string name = target.untouched.empty() ? newName(target) : target.untouched;
+    plan.name = plan.target.untouched.empty() ? newName(plan.target) : plan.target.untouched;
     STAMP();
-    if (!mayChange(target, name)) return;
+    const bool wanted = mayChange(plan.target, plan.name) && planDialog(plan, body);
     STAMP();
-    const bool added = addDialog(target, name, body);
+    if (!wanted) return;
+    plan.code = planFunction(plan.name, plan.target.classFile);
     STAMP();
-    if (!added) return;
-    if (ISCLASSFILE(PROJECTGETMAINFILE(ProjectEditorDlg))) addWindowFunction(name, target.classFile);
+    const bool written = writePlan(plan);
+    STAMP();
+    if (!written) return;
+    finishFunction(plan.name, plan.code);
     STAMP();
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);
     STAMP();
-    OPENDIALOG(target.resourceFile, name);
+    OPENDIALOG(plan.target.resourceFile, plan.name);
     STAMP();
 }
 

@@ -3,10 +3,9 @@
 // A new dialog for the open program: its text from the template Template.DialogBody at the end of a resource file, its
 // window function from Template.FunctionBody in the class beside that file.
 //
-// Both files are written as whole new ones in the place of the old, and only what was read a moment before is added to;
-// so a full disk or a file that cannot be written is told and leaves the old file. A resource file in which the new
-// dialog could not be found again gets its old text back. A class in the Code window is changed there, by one edit that
-// can be undone, and not on the disk.
+// Both files are changed, or none is (changes.h); a full disk or a file that cannot be written is told. Files in which the
+// new dialog could not be found again get their old texts back. A class in the Code window is changed there, by one edit
+// that can be undone, and not on the disk.
 //
 // Cost: reads and writes both files, and refreshes the Program Window.
 #pragma once

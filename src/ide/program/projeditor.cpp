@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/projeditor.h"
 
+#include "ide/program/members/removeitem.h"
 #include "ide/program/newdialog.h"
+#include "ide/program/newprogram.h"
 #include "ide/program/projitems.h"
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
-#include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windowtable.h"
 #include "library/settings/profstr.h"
@@ -13,7 +14,7 @@
 
 #include <algorithm>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
 
@@ -29,9 +30,10 @@ struct Button {
 };
 constexpr Button buttons[] = {
     {"bitmapbutton1", "Refresh", "refresh.ico", PROJECTREFRESH},
-    {"bitmapbutton2", "Remove", "bin.ico", nullptr},
+    {"bitmapbutton2", "Remove", "bin.ico", PROJECTITEMDELETE},
     {"bitmapbutton3", "Edit", "default.ico", PROJECTITEMEDIT},
-    {"bitmapbutton4", "New class", "code4.ico", nullptr},
+    {"bitmapbutton4", "New class", "code4.ico",
+     [](const Object&) { PROJECTNEWNONMAIN(MAINCONTROL("codelabel"), "New Class"); }},
     {"bitmapbutton5", "New dialog", "dialog03.ico", [](const Object&) { PROJECTNEWDIALOG(); }},
     {"bitmapbutton6", "New data source", "disk10.ico", nullptr},
     {"bitmapbutton7", "Help", "help95.ico", SHOWWINDOWHELP},
@@ -168,6 +170,7 @@ bool pressKey(const Object& window, const Object& control, int key) {
     if (STREQUAL(GetTypeof(control), "Bitmapbutton")) return false;
     const int row = PROJECTITEMINFO(window).row;
     if (key == KEY_RETURN) return PROJECTITEMEDIT(window), true;
+    if (key == KEY_DELETE) return PROJECTITEMDELETE(window), true;
     if (key != KEY_LEFT && key != KEY_RIGHT) return false;
     if (row > 0 && key == KEY_LEFT) goLeft(window, row);
     if (row > 0 && key == KEY_RIGHT) goRight(window, row);

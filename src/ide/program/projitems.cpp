@@ -4,6 +4,7 @@
 #include "ide/build/toolrun.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/textedit.h"
+#include "ide/program/progprops.h"
 #include "ide/program/projwindow.h"
 #include "library/system/system.h"
 
@@ -37,6 +38,8 @@ void paint(const std::string& file) {
 bool edit(const ProjectItem& item) {
     if (has(item, ResourceExtension) && item.type == "DIALOG")
         OPENDIALOG(item.file, item.name);
+    else if (has(item, ResourceExtension) && item.type == "VERSIONINFO")
+        PROGRAMPROPERTIESDIALOG("Program Properties", item.file, item.name);
     else if (has(item, ".bmp"))
         paint(item.file);
     else if (has(item, ".txt") || has(item, ClassExtension))

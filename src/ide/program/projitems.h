@@ -7,8 +7,9 @@
 
 namespace tarn {
 
-// Opens the row in the editor of its kind: a class or a text in the Code window, a dialog in the dialog editor, a picture
-// in the system's paint program. What has no editor is told. Beeps if nothing is selected.
+// Opens the row in the editor of its kind: a class or a text in the Code window, a dialog in the dialog editor, a version
+// block as the properties of the program, a picture in the system's paint program. What has no editor is told. Beeps if
+// nothing is selected.
 void PROJECTITEMEDIT(const Object& window);
 
 }  // namespace tarn

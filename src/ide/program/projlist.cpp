@@ -167,18 +167,13 @@ private:
         item.level = kind.group.empty() ? 1 : 2;
         item.name = STRWORD(line, 1);
         item.type = standsForFile(kind) ? STRWORD(line, 3) : std::string(kind.word);
-        item.file = standsForFile(kind) ? fileOfMember(file, line) : file;
+        item.file = standsForFile(kind) ? FILEOFRESOURCE(file, line, folders_) : file;
         item.date = FILETIME(item.file);
         item.title =
             (kind.memberWord.empty() ? item.type : std::string(kind.memberWord)) + " " + bold(item.name);
         if (standsForFile(kind)) item.title += suffix(item.file);
         item.picture = last ? kind.lastPicture : kind.memberPicture;
         ADDPROJECTITEM(item, items);
-    }
-    // A relative path starts from the folder of the resource file.
-    [[nodiscard]] std::string fileOfMember(const std::string& file, const std::string& line) const {
-        const std::string path = os::native(FILERESOLVEPATHS(RESOURCELINEFILENAME(line), folders_));
-        return path.empty() || ISROOTED(path) ? path : FILEGETDIR(file) + path;
     }
 
     ProjectView view_;
@@ -211,6 +206,13 @@ ProjectPlace FINDMAINFILE(const std::vector<std::string>& items, std::string_vie
         if (STREQUAL(item.file, mainFile)) return {count, 0};
     }
     return {};
+}
+
+std::string FILEOFRESOURCE(const std::string& file, const std::string& line,
+                           const PlaceholderFolders& folders) {
+    FRAME(FILEOFRESOURCE);
+    const std::string path = os::native(FILERESOLVEPATHS(RESOURCELINEFILENAME(line), folders));
+    return path.empty() || ISROOTED(path) ? path : FILEGETDIR(file) + path;
 }
 
 // ---- folders of a program ----

@@ -12,6 +12,8 @@
 // the others are linear in their text.
 #pragma once
 
+#include "library/settings/placeholders.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +49,10 @@ struct ProjectPlace {
 };
 // The top item that stands for the file, in any case; the first one if none does.
 ProjectPlace FINDMAINFILE(const std::vector<std::string>& items, std::string_view mainFile);
+
+// The full path of the file that a line of ResourceInfo names; a relative one starts from the folder of the resource file.
+std::string FILEOFRESOURCE(const std::string& file, const std::string& line,
+                           const PlaceholderFolders& folders);
 
 // Of the folders, one a line, those that hold a file of this name and extension: folder and name, one a line.
 std::string FOLDERLISTFINDFILE(const std::string& folders, std::string_view file);

@@ -2,15 +2,22 @@
 #include "ide/program/projwindow.h"
 
 #include "ide/build/compiler.h"
+#include "ide/build/toolrun.h"
 #include "ide/program/projlive.h"
 #include "ide/shell/ide.h"
+#include "ide/shell/idecore.h"
 #include "library/system/system.h"
 
 #include <algorithm>
 
-MODULE("projedit", tarn::IDE_ONERROR)
+MODULE("projedit", tarn::PROJECT_ONERROR)
 
 namespace tarn {
+
+void PROJECT_ONERROR(std::int32_t code) {
+    const bool tool = code >= 901 && code <= 909;
+    return tool || ISFILEERROR(code) ? TOOL_ONERROR(code) : IDE_ONERROR(code);
+}
 
 namespace {
 
@@ -267,22 +274,39 @@ bool PROJECTITEMSELECT(const Object& window, const Object& iconlist, int row) {
     return true;
 }
 
-std::string PROJECTGETLIST(const Object& window) {
-    FRAME(PROJECTGETLIST);
+namespace {
+
+// The files of the top items, one a line. `isMeant` says which.
+template <class Meant>
+std::string topFiles(const Object& window, const Meant& isMeant) {
     const Controls controls = controlsOf(window);
     std::string files;
     const int count = controls.complete ? GetListCount(controls.data) : 0;
     for (int number = 1; number <= count; ++number) {
-        STAMP();
         const ProjectItem item = itemAt(controls.data, number);
-        if (item.level != 1 || item.file.empty()) continue;
-        if (FileSize(item.file) < 0)
-            Assert(false, "'" + item.file + "' should be a full path.");
-        else
-            files += item.file + "\n";
+        if (item.level == 1 && !item.file.empty() && isMeant(item.file)) files += item.file + "\n";
     }
+    return files;
+}
+
+}  // namespace
+
+std::string PROJECTGETLIST(const Object& window) {
+    FRAME(PROJECTGETLIST);
+    const std::string files = topFiles(window, [](const std::string& file) {
+        STAMP();
+        const bool exists = FileSize(file) >= 0;
+        if (!exists) Assert(false, "'" + file + "' should be a full path.");
+        return exists;
+    });
     STAMP();
     return files;
+}
+
+std::string PROJECTGETFILES(const Object& window) {
+    FRAME(PROJECTGETFILES);
+    STAMP();
+    return topFiles(window, [](const std::string& file) { return FileSize(file) >= 0; });
 }
 
 // ---- filling ----

@@ -19,6 +19,7 @@
 #include "ide/shell/windows.h"
 #include "kernel/windows/windowing.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +40,10 @@ void PROJECTREFRESH(const Object& window);
 [[nodiscard]] std::string PROJECTRELOAD(const Object& window, const ProjectPlace& place);
 std::string PROJECTGETMAINFILE(const Object& window = ProjectEditorDlg);  // empty if it is not loaded
 
+// The error handler of modules that work on the open program: a make tool that cannot be asked (901 to 909) and a file that
+// cannot be read or written (651 to 659) are told in a box, and the environment goes on; all else is IDE_ONERROR's.
+void PROJECT_ONERROR(std::int32_t code);
+
 // ---- rows ----
 
 struct ProjectRow {
@@ -56,6 +61,8 @@ bool PROJECTITEMISOPEN(const Object& window, int row);  // its children are show
 
 // The files of the top items, one a line. One that does not exist is a broken promise (687).
 std::string PROJECTGETLIST(const Object& window);
+// The same of those that exist, for commands that mend a program of which a file has gone.
+std::string PROJECTGETFILES(const Object& window);
 
 // ---- filling ----
 

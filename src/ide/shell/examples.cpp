@@ -66,11 +66,28 @@ std::string writable(const std::string& title, const std::string& file) {
     return {};
 }
 
+// The file to work on, its folder the current one unless a program is open; empty if the user wants nothing.
+std::string enter(const std::string& title, const std::string& example) {
+    const bool open = !PROJECTGETMAINFILE().empty();
+    std::string file = writable(title, example);
+    STAMP();
+    if (!file.empty() && !open) SETCURDIR(FILEGETDIR(file));
+    return file;
+}
+
 }  // namespace
+
+void OPENEXAMPLE(const std::string& title, const std::string& file) {
+    FRAME(OPENEXAMPLE);
+    STAMP();
+    const std::string mine = enter(title, file);
+    STAMP();
+    if (!mine.empty()) DO_OPEN(mine, MAINCONTROL("programlabel"));
+}
 
 void BROWSEEXAMPLES(const std::string& title) {
     FRAME(BROWSEEXAMPLES);
-    const std::string folder = GETEXAMPLEDIR(), open = PROJECTGETMAINFILE();
+    const std::string folder = GETEXAMPLEDIR();
     STAMP();
     if (!hasExamples(title, folder)) return;
     STAMP();
@@ -84,11 +101,9 @@ void BROWSEEXAMPLES(const std::string& title) {
     const bool opens = choice.button == "&Open" || choice.button == "Open";
     const bool runs = choice.button == "&Run" || choice.button == "Run";
     if ((!opens && !runs) || choice.file.empty()) return;
-    const std::string file = writable(title, choice.file);
+    const std::string file = enter(title, choice.file);
     STAMP();
     if (file.empty()) return;
-    if (open.empty()) SETCURDIR(FILEGETDIR(file));
-    STAMP();
     if (opens) return DO_OPEN(file, MAINCONTROL("programlabel"));
     DO_START_EXAMPLE(file);
 }

@@ -11,4 +11,7 @@ namespace tarn {
 // whether to work on a copy, since a program is built beside its class.
 void BROWSEEXAMPLES(const std::string& title);
 
+// Opens the main file of an example, asking about a copy as above. The title is that of the questions.
+void OPENEXAMPLE(const std::string& title, const std::string& file);
+
 }  // namespace tarn

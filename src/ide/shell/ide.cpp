@@ -21,13 +21,17 @@
 #include "ide/menus/runmenu.h"
 #include "ide/menus/viewmenu.h"
 #include "ide/options/shortcuts.h"
+#include "ide/program/changes.h"
+#include "ide/program/newprogram.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projlive.h"
 #include "ide/shell/commands.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/rescue.h"
+#include "ide/shell/session.h"
 #include "ide/shell/startup.h"
 #include "ide/shell/undomenu.h"
+#include "ide/shell/welcome.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/commdlgs.h"
@@ -225,8 +229,11 @@ void chooseOpeningAction(const std::string& ini, const std::string& file) {
     if (!file.empty()) return DO_OPEN(file, MAINCONTROL("programlabel"));
     const auto chosen = [&](std::string_view key) { return PROFILESTRGET(ini, "GenOptionsDlg", key) == "1"; };
     if (chosen("rbStartup1")) return DO_NEW_TEXTFILE(MAINCONTROL("codelabel"));
-    if (chosen("rbStartup2")) return;  // a new program: the command does not exist yet
-    if (chosen("rbStartup3")) STARTUPDIALOG();
+    if (chosen("rbStartup2"))
+        return PROJECTNEWMAIN(ProjectEditorDlg, MAINCONTROL("codelabel"), "New Program", false);
+    if (chosen("rbStartup3")) return STARTUPDIALOG();
+    if (chosen("rbStartup4")) return RESTORESESSION();
+    WELCOMEATSTART();
 }
 
 void goToLastFolder(const std::string& ini) {
@@ -284,6 +291,8 @@ void DO_LOAD() {
     placeCodeWindow(ini);
     STAMP();
     if (!IsLoaded(Main)) return;
+    static_cast<void>(FINISHCHANGES());
+    STAMP();
     const bool restored = OFFERRESCUEDTEXT();
     STAMP();
     if (!restored) chooseOpeningAction(ini, file);
@@ -409,7 +418,9 @@ void resized() {
 
 // Each window asks its own question about saving; the first that stays vetoes.
 bool closeVetoed() {
+    const Session session = CURRENTSESSION();  // before the windows go
     if (!CLOSEALL()) return true;
+    KEEPSESSION(session);
     DO_UNLOAD();
     return false;
 }

@@ -4,7 +4,7 @@
 #include "ide/build/toolrun.h"
 #include "ide/shell/windows.h"
 #include "library/net/netutil.h"
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "library/settings/profstr.h"
 #include "library/source/codewiz.h"
 #include "library/system/system.h"

@@ -2,6 +2,7 @@
 #include "ide/shell/startup.h"
 
 #include "ide/menus/filemenu.h"
+#include "ide/program/newprogram.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -26,9 +27,6 @@ void restore(const Object& window) {
     SetValue(FINDCONTROL(window, "checkbox1"), 0);
     const std::string last = STRTRIM(PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"));
     SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : "'" + last + "'");
-    // What has no command yet cannot be chosen.
-    SetEnabled(choices(window, NewProgram), false);
-    SetEnabled(FINDCONTROL(window, "rbnewprogram"), false);
     const Object first = choices(window, LastProgram);
     if (!last.empty()) return;
     if (Controlselectionpos(first) == LastProgram) SetValue(choices(window, NewTextFile), 1);
@@ -42,7 +40,7 @@ void storeChoice(const Object& window) {
         chosen = 1;
     else if (GetValue(FINDCONTROL(window, "rbnewprogram")) == 1)
         chosen = 2;
-    for (int i = 0; i <= 3; i++)
+    for (int i = 0; i <= 4; i++)
         PROFILESTRPUT(GETIDEINIFILE(), "GenOptionsDlg", "rbStartup" + STR(i), i == chosen ? "1" : "0");
 }
 
@@ -51,6 +49,8 @@ void carryOut(int choice) {
     const Object recent = MAINCONTROL("file_mru_1");
     if (choice == LastProgram) DO_MRU(recent, recent, PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"), program);
     if (choice == NewTextFile) DO_NEW_TEXTFILE(MAINCONTROL("codelabel"));
+    if (choice == NewProgram)
+        PROJECTNEWMAIN(ProjectEditorDlg, MAINCONTROL("codelabel"), "New Program", false);
     if (choice == GettingStarted) SHOWHELP("Getting Started");
     if (choice == Examples) DO_OPEN_EXAMPLES("Examples and Tutorials", program);
 }

@@ -32,6 +32,7 @@ inline const Object MoreInfoDlg("MoreInfoDlg");
 inline const Object UndoDlg("UndoDlg");
 inline const Object DifferenceDlg("DifferenceDlg");
 inline const Object CompOptionsDlg("CompOptionsDlg");
+inline const Object DebugOptionsDlg("DebugOptionsDlg");
 inline const Object EditorOptionsDlg("EditorOptionsDlg");
 inline const Object GenOptionsDlg("GenOptionsDlg");
 inline const Object PathsOptionsDlg("PathsOptionsDlg");

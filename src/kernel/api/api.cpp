@@ -4,6 +4,9 @@
 // api_values.cpp.
 #include "kernel/api/api.h"
 
+#include "kernel/debug/engine.h"
+#include "kernel/debug/fieldnames.h"
+#include "kernel/debug/results.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/report.h"
 #include "kernel/run/runtime.h"
@@ -38,8 +41,13 @@ void call(void (*step)()) {
 void runProgram() {
     const tarn_program& program = *running;
     tarn::ProcessStart({program.memory_checking != 0, program.single_instance != 0});
-    tarn::DebugStart(program.debug_mode, tarn::ProductWord, tarn::ProductVersion, tarn::ProductBuild,
-                     text(program.main_source));
+    const auto own = [](const char* named, std::string_view library) {
+        return named != nullptr ? std::string_view(named) : library;
+    };
+    tarn::UseDebugger();
+    tarn::AddExitHook(tarn::EndDebugger);
+    tarn::DebugStart(program.debug_mode, own(program.product, tarn::ProductWord), text(program.library_version),
+                     own(program.build, tarn::ProductBuild), text(program.main_source));
     if (text(program.library_version) != tarn::ProductVersion) tarn::SetError(tarn::ERR_LIBRARY_VERSION);
     call(program.initialise);
     call(program.main);
@@ -76,6 +84,12 @@ void tarn_register_class(const char* source_path, const char* class_name) {
 }
 void tarn_register_variable(const char* name, char role, int32_t kind, void* address) {
     tarn::RegisterVariable(text(name), role, kind, address);
+}
+void tarn_name_fields(const void* address, const char* names) {
+    tarn::NameFields(address, names);
+}
+void tarn_register_result(int32_t kind, void* address) {
+    tarn::RegisterResult(kind, address);
 }
 void tarn_clear_error(void) {
     tarn::ClearError();

@@ -129,6 +129,11 @@ static inline void tarn_set_error(int32_t code) {
 }
 void tarn_register_class(const char* source_path, const char* class_name);
 void tarn_register_variable(const char* name, char role, int32_t kind, void* address);
+/* Behind the registration of a record, union, array, list or table: the names of the fields in it, in program text; see
+   kernel/debug/fieldnames.h. "" if there are none. */
+void tarn_name_fields(const void* address, const char* names);
+/* Behind the variables: where the function that was entered last makes its result. */
+void tarn_register_result(int32_t kind, void* address);
 void tarn_assert(int32_t condition, const tarn_string* text); /* 687; a null text is the empty one */
 void tarn_clear_error(void);                                  /* error cell and last error := 0 */
 void tarn_precondition(int32_t condition);
@@ -146,6 +151,7 @@ typedef struct tarn_program {
     void (*initialise)(void); /* the main class's initialiser, which runs those it uses first, each once */
     void (*main)(void);
     void (*finalise)(void);
+    const char *product, *build; /* with the version: what the debugger finds its settings by; null: the library's */
 } tarn_program;
 
 /* What main() of a program calls; does not return to user code after a halt. An argument --strict, if it is the first,

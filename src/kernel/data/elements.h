@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The elements of values that data files hold row by row, wherever those stand. Only the modules of data
-// files include this.
+// files and of the debugger include this.
 #pragma once
 
 #include "kernel/lists/list_access.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A file is read into a fresh value, which takes the target's place when all went well. Only the modules of
-// data files include this.
+// A file, or a text that a user gives, is read into a fresh value, which takes the target's place when all went
+// well. Only the modules of data files and the debugger's reader of values include this.
 #pragma once
 
 #include "kernel/lists/rowfile.h"

@@ -36,6 +36,11 @@ void BreakpointSet(BreakpointTable* table, std::string_view className, std::int3
 bool BreakpointsChanged(const BreakpointTable* table);
 void BreakpointsSetChanged(BreakpointTable* table, bool value);
 
+// The value of `breakpoints`: those of the classes of the program, "class line line class line ", as many as 1024
+// characters hold.
+std::string BreakpointsText(const BreakpointTable* table, const ClassTable* classes);
+
+// Whether the line is one of those that the class's symbols name; NextCodeLine gives the first one behind a line.
 bool LineHasCode(std::string_view className, std::int32_t line);
 std::int32_t NextCodeLine(std::string_view className, std::int32_t line);  // 0: none
 

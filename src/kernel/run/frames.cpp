@@ -2,6 +2,7 @@
 //
 // The stack of call frames, the debug mode that says whether there is one, and the tables of the debugger
 // that calls of a program fill: variables and classes.
+#include "kernel/run/debughooks.h"
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
 #include "os/files.h"
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <cxxabi.h>
+#include <utility>
 
 extern "C" {
 std::int32_t tarn_current_line = 0;
@@ -48,6 +50,7 @@ bool watchThisThread() {
 const bool watched = watchThisThread();
 
 std::int32_t debugMode = 0;
+DebuggerHooks debuggerHooks;
 
 template <class Table>
 void allocateTable(Table*& table) {
@@ -81,6 +84,7 @@ void pushFrame(const char* className, const char* functionName, std::int32_t lin
     lowerCase(frame.copiedFunction);
     frame.firstLine = line;
     frame.savedLine = 0;
+    frame.debugClass = 0;
     frame.firstVariable = variableTable != nullptr ? variableTable->count + 1 : 0;
 }
 
@@ -152,8 +156,8 @@ std::int32_t FrameCount() {
     return frameStack != nullptr ? frameStack->count : 0;
 }
 
-void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_view /*version*/,
-                std::string_view /*build*/, std::string_view mainSource) {
+void DebugStart(std::int32_t mode, std::string_view product, std::string_view version, std::string_view build,
+                std::string_view mainSource) {
     if (mode < 0 || mode > 2) return;
     watchThisThread();
     // A program that has left its source behind has nothing to show in a debugger.
@@ -164,10 +168,12 @@ void DebugStart(std::int32_t mode, std::string_view /*product*/, std::string_vie
     if (mode == 2) {
         allocateTable(variableTable);
         allocateTable(classTable);
+        if (debuggerHooks.start != nullptr) debuggerHooks.start(product, version, build, mainSource);
     }
 }
 
 void DebugEnd() {
+    if (debugMode == 2 && debuggerHooks.end != nullptr) debuggerHooks.end();
     freeTable(frameStack);
     freeTable(variableTable);
     freeTable(classTable);
@@ -180,6 +186,14 @@ void ChooseFrames() {
     tarn_quick_frames = quick ? frameStack : nullptr;
 }
 
+DebuggerHooks UseDebuggerHooks(const DebuggerHooks& hooks) {
+    return std::exchange(debuggerHooks, hooks);
+}
+
+const DebuggerHooks& TheDebuggerHooks() {
+    return debuggerHooks;
+}
+
 std::int32_t DebugMode() {
     return debugMode;
 }
@@ -190,11 +204,13 @@ void RegisterClass(std::string_view sourcePath, std::string_view className) {
     ClassEntry& entry = classTable->entries[classTable->count++];
     entry.className[className.copy(entry.className, MaxName)] = 0;
     entry.sourcePath[sourcePath.copy(entry.sourcePath, MaxSourcePath)] = 0;
+    if (debuggerHooks.classAdded != nullptr) debuggerHooks.classAdded(entry.sourcePath, entry.className);
 }
 
 void RegisterVariable(std::string_view name, char role, std::int32_t kind, void* address) {
     constexpr std::string_view roles = "CINOV";
     if (variableTable == nullptr || variableTable->count >= MaxVariables) return;
+    if (FrameCount() > MaxFrames) return;  // nobody would drop it when that frame leaves
     if (role == 0 || roles.find(role) == std::string_view::npos) return;
     if (kind < 1 || kind > 12 || address == nullptr) return;
     VariableEntry& entry = variableTable->entries[variableTable->count++];

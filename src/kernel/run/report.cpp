@@ -3,6 +3,7 @@
 // What a stamp does with a pending error: the report's text, the default handler, Continue and Halt.
 #include "kernel/run/report.h"
 
+#include "kernel/run/debughooks.h"
 #include "kernel/run/desktop.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
@@ -47,21 +48,30 @@ std::string show(const std::string& title, const std::string& buttons) {
     return TheDesktop().box(title, ErrorDetails(), buttons);
 }
 
+bool stopsAt(std::int32_t code) {
+    const auto takes = TheDebuggerHooks().takesError;
+    return debugging() && (takes == nullptr || takes(code));
+}
+
 // In the debugger the user looks at the place of the error, and the program goes on behind it.
+void stopForError() {
+    DebugStop(true);
+    ContinueAfterError();
+}
+
 void report(std::int32_t code, ErrorHandler handler) {
-    if (debugging()) {
-        DebugStop(true);
-        ContinueAfterError();
-    } else {
+    if (stopsAt(code))
+        stopForError();
+    else
         (handler != nullptr ? handler : DefaultErrorHandler)(code);
-    }
 }
 
 // The user's break stops whatever the breakpoints say, once.
 void pollDebugger() {
     const bool broken = platform::GetUserBreak() == 1;
     if (broken) platform::SetUserBreak(0);
-    DebugStop(broken);
+    if (DebugStop != nullptr)
+        DebugStop(broken);  // looking for the break, the window may have heard of its end
 }
 
 }  // namespace
@@ -122,6 +132,7 @@ void EndHandler() {
 }
 
 void DefaultErrorHandler(std::int32_t code) {
+    if (debugging()) return stopForError();  // no handler of the program has taken it
     {
         const Reporting report;
         if (!report.entered()) return;
@@ -147,9 +158,12 @@ void StampSlow(std::int32_t line, std::int32_t action, ErrorHandler handler) {
         else if (action == ReportErrors)
             report(code, handler);
     }
-    if (line == 0) return;
-    tarn_current_line = line;
-    if (debugging()) pollDebugger();
+    if (line != 0) tarn_current_line = line;
+    if (!debugging()) return;
+    if (line != 0)
+        pollDebugger();
+    else if (const auto functionEnds = TheDebuggerHooks().functionEnds; functionEnds != nullptr)
+        functionEnds();
 }
 
 }  // namespace tarn

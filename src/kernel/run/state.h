@@ -28,6 +28,8 @@ struct FrameRecord {
     std::int32_t firstVariable;   // its first entry in the variable table, from 1; 0 without a table
     char copiedClass[MaxName + 1];
     char copiedFunction[MaxName + 1];  // A to Z lower-cased
+    // The debugger's number of the class, in bytes that the C form of this record leaves unused; 0: not looked up yet.
+    std::int16_t debugClass;
 
     [[nodiscard]] const char* className() const {
         return literalClass != nullptr ? literalClass : copiedClass;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The trace: a line for each call of a function, to the debug output or to the end of a file.
+#include "kernel/run/trace.h"
+
 #include "kernel/run/desktop.h"
 #include "kernel/run/runtime.h"
 #include "kernel/run/state.h"
@@ -18,7 +20,7 @@ std::int32_t traceMode = 0;
 
 // What goes wrong here stays here: a program under trace runs as it does without.
 void appendToFile(const std::string& line) {
-    const std::string path = os::stateFolder() + "trace.txt";
+    const std::string path = TraceFile();
     os::Handle file = -1;
     if (os::files().open(path, os::OpenMode::Append, 0644, file) != os::FileError::None) {
         os::makeFolders(os::stateFolder());
@@ -37,6 +39,10 @@ std::string now() {
 }
 
 }  // namespace
+
+std::string TraceFile() {
+    return os::stateFolder() + "trace.txt";
+}
 
 void Trace(std::string_view text) {
     if (traceMode == 0) return;

@@ -29,4 +29,18 @@ std::vector<std::string> ResourceStatementObjects(const std::string& text, const
     return objects;
 }
 
+std::string ResourceTextDelete(std::string& text, const std::string& file, const std::string& kind,
+                               const std::string& name) {
+    platform::RcFile parsed = platform::parseResourceText(text);
+    const std::string error = platform::deleteStatement(parsed, file, kind, name);
+    if (error.empty()) text = parsed.text;
+    return CutResourceError(error);
+}
+
+ResourceText ResourceTextInfo(const std::string& text, const std::string& file, const std::string& kind,
+                              const std::string& name) {
+    return CutResourceText(platform::listStatements(platform::parseResourceText(text), file, kind, name),
+                           file);
+}
+
 }  // namespace tarn

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A window of a resource file as a text by itself, in memory: what ResourceWrite would add to an empty file, and what
-// ResourceRead would give for it. For texts that come from elsewhere than files, such as the clipboard, which may be anything.
+// Resources as texts in memory. A window by itself: what ResourceWrite would add to an empty file, and what ResourceRead
+// would give for it; for texts that come from elsewhere than files, such as the clipboard, which may be anything. And a
+// whole resource file, for commands that change several files at once.
 //
-// Neither touches the error cell. Cost: linear in the text.
+// None touches the error cell. Cost: linear in the text.
 #pragma once
 
 #include "kernel/windows/resources.h"
@@ -18,5 +19,12 @@ std::string ResourceStatement(const std::vector<std::string>& objects);
 // Its objects, of which there may be more than a window can have. Empty unless the text is the statement of that window and
 // has no fault.
 std::vector<std::string> ResourceStatementObjects(const std::string& text, const std::string& name);
+
+// The operations of resources.h on the text of a file, whose name `file` stands in errors alone. What is deleted is of that
+// kind, other resources of the name stay; on an error the text does.
+std::string ResourceTextDelete(std::string& text, const std::string& file, const std::string& kind,
+                               const std::string& name);
+ResourceText ResourceTextInfo(const std::string& text, const std::string& file, const std::string& kind,
+                              const std::string& name);
 
 }  // namespace tarn

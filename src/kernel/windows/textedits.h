@@ -19,6 +19,12 @@ inline void ReplaceParts(const Object& object, const std::vector<TextEdit>& edit
 inline void SetMarks(const Object& object, const std::vector<Selection>& places) {
     detail::note(platform::SetMarks(object, places));
 }
+inline void SetFolds(const Object& object, const std::vector<int>& lines) {
+    detail::note(platform::SetFolds(object, lines));
+}
+inline std::vector<int> GetFolds(const Object& object) {
+    return detail::bare(platform::GetFolds(object));
+}
 inline std::vector<Selection> GetMarks(const Object& object) {
     return detail::bare(platform::GetMarks(object));
 }

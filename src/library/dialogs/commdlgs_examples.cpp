@@ -86,6 +86,27 @@ std::string GETMAINFILEFROMLIST(const std::string& files) {
     return count == 1 ? only : std::string();
 }
 
+std::vector<std::string> EXAMPLESIN(const std::string& folder) {
+    FRAME(EXAMPLESIN);
+    std::vector<std::string> names, examples;
+    os::files().list(folder, names);
+    for (const std::string& name : names)
+        if (os::sizeOf(folder + name + "/" + std::string(ReadmeName)) >= 0) examples.push_back(name);
+    std::sort(examples.begin(), examples.end(), [](const std::string& a, const std::string& b) {
+        const std::string left = STRLOWER(a), right = STRLOWER(b);
+        return left != right ? left < right : a < b;
+    });
+    return examples;
+}
+
+std::string EXAMPLEMAINFILE(const std::string& readme, const PlaceholderFolders& places) {
+    FRAME(EXAMPLEMAINFILE);
+    const std::string folder = FILEGETDIR(readme);
+    const std::string named = GETMAINFILEFROMLIST(SETEXAMPLEFIELDS(readme, places).files);
+    if (!named.empty()) return ISROOTED(named) ? named : folder + named;
+    return folder + FILEGETFNAME(STRLEFT(folder, static_cast<int>(folder.size()) - 1)) + ".cls";
+}
+
 void DRAWPICTUREONTOIMAGE(const Object& image, const std::string& file) {
     FRAME(DRAWPICTUREONTOIMAGE);
     STAMP();
@@ -174,21 +195,8 @@ bool openExampleDlg(const Object& window, int event, const Object& control, int 
     }
 }
 
-// Sorted without regard to case, as users look for names.
-std::vector<std::string> examplesIn(const std::string& folder) {
-    std::vector<std::string> names, examples;
-    os::files().list(folder, names);
-    for (const std::string& name : names)
-        if (os::sizeOf(folder + name + "/" + std::string(ReadmeName)) >= 0) examples.push_back(name);
-    std::sort(examples.begin(), examples.end(), [](const std::string& a, const std::string& b) {
-        const std::string left = STRLOWER(a), right = STRLOWER(b);
-        return left != right ? left < right : a < b;
-    });
-    return examples;
-}
-
 void fill(const ExampleRequest& request) {
-    const std::vector<std::string> examples = examplesIn(request.folder);
+    const std::vector<std::string> examples = EXAMPLESIN(request.folder);
     const std::string count = STR(static_cast<int>(examples.size()));
     SetCaption(OpenExampleDlg,
                request.title + " (" + count + (examples.size() == 1 ? " example)" : " examples)"));
@@ -202,14 +210,6 @@ void fill(const ExampleRequest& request) {
         SetVisible(button, !STRLINE(request.buttons, i).empty());
     }
     showExample(OpenExampleDlg);
-}
-
-// The class that the example's text names; else the one that has the name of its folder.
-std::string mainFile(const std::string& readme, const PlaceholderFolders& places) {
-    const std::string folder = FILEGETDIR(readme);
-    const std::string named = GETMAINFILEFROMLIST(SETEXAMPLEFIELDS(readme, places).files);
-    if (!named.empty()) return ISROOTED(named) ? named : folder + named;
-    return folder + FILEGETFNAME(STRLEFT(folder, static_cast<int>(folder.size()) - 1)) + ".cls";
 }
 
 }  // namespace
@@ -231,7 +231,7 @@ ExampleChoice OPENEXAMPLEDIALOG(const ExampleRequest& request) {
     if (!IsLoaded(OpenExampleDlg)) return {};
     const std::string readme = chosenReadme(OpenExampleDlg);
     const ExampleChoice choice{GetCaption(part(OpenExampleDlg, "lbllastbutton")),
-                               readme.empty() ? "" : mainFile(readme, request.places)};
+                               readme.empty() ? "" : EXAMPLEMAINFILE(readme, request.places)};
     STAMP();
     Unload(OpenExampleDlg);
     STAMP();

@@ -13,6 +13,7 @@
 #include "library/settings/placeholders.h"
 
 #include <string>
+#include <vector>
 
 namespace tarn {
 
@@ -25,6 +26,10 @@ struct ExampleFields {
 };
 // What the text of an example says, with its placeholders resolved.
 ExampleFields SETEXAMPLEFIELDS(const std::string& readme, const PlaceholderFolders& folders);
+// The sub-folders that are examples, sorted without regard to case, as users look for names.
+std::vector<std::string> EXAMPLESIN(const std::string& folder);
+// The class that the example's text names; else the one that has the name of its folder.
+std::string EXAMPLEMAINFILE(const std::string& readme, const PlaceholderFolders& places);
 // The file marked "*", without the mark, or the only one; empty if neither is there.
 std::string GETMAINFILEFROMLIST(const std::string& files);
 // Draws the picture file on the image, as large as it fits and no larger than it is, in its middle; without a picture that

@@ -54,4 +54,64 @@ void SETENABLEDRANGE(const Object& window, const Object& first, const Object& la
     }
 }
 
+// ---- places ----
+
+void AUTOPOSITION(const Object& control, int x, int y, int w, int h) {
+    FRAME(AUTOPOSITION);
+    STAMP();
+    const Rect now = GetPosition(control, CLIENT_UNIT);
+    STAMP();
+    SetPosition(control, CLIENT_UNIT,
+                {x < 0 ? now.x : x, y < 0 ? now.y : y, w < 0 ? now.w : w, h < 0 ? now.h : h});
+}
+
+int GETX(const Object& control) {
+    FRAME(GETX);
+    return GetPosition(control, CLIENT_UNIT).x;
+}
+
+int GETY(const Object& control) {
+    FRAME(GETY);
+    return GetPosition(control, CLIENT_UNIT).y;
+}
+
+int GETWIDTH(const Object& control) {
+    FRAME(GETWIDTH);
+    return GetPosition(control, CLIENT_UNIT).w;
+}
+
+int GETHEIGHT(const Object& control) {
+    FRAME(GETHEIGHT);
+    return GetPosition(control, CLIENT_UNIT).h;
+}
+
+// ---- rows ----
+
+namespace {
+
+int findRow(const Object& control, std::string_view text, int start, bool whole) {
+    const int count = GetListCount(control), length = static_cast<int>(text.size());
+    const int before = start < 1 || start > count ? 0 : start;
+    for (int step = 0; step < count; ++step) {
+        const int row = (before + step) % count + 1;
+        const std::string each = GetList(control, row);
+        if (STREQUAL(whole ? each : STRLEFT(each, length), text)) return row;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int FINDSTRING(const Object& control, std::string_view text, int start) {
+    FRAME(FINDSTRING);
+    STAMP();
+    return findRow(control, text, start, false);
+}
+
+int FINDSTRINGEXACT(const Object& control, std::string_view text, int start) {
+    FRAME(FINDSTRINGEXACT);
+    STAMP();
+    return findRow(control, text, start, true);
+}
+
 }  // namespace tarn

@@ -30,4 +30,19 @@ OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& 
 // user works with, not labels, groups and pictures. Does nothing unless `window` is a dialog and holds `first`.
 void SETENABLEDRANGE(const Object& window, const Object& first, const Object& last, bool enabled);
 
+// ---- places of controls, in pixels of their window ----
+
+// Where the control lies; each number that is below 0 keeps what it is.
+void AUTOPOSITION(const Object& control, int x, int y, int w, int h);
+int GETX(const Object& control);
+int GETY(const Object& control);
+int GETWIDTH(const Object& control);
+int GETHEIGHT(const Object& control);
+
+// ---- rows of list controls, in any case ----
+
+// The first row behind `start` that begins with the text, then from the first row on; 0 if there is none.
+int FINDSTRING(const Object& control, std::string_view text, int start);
+int FINDSTRINGEXACT(const Object& control, std::string_view text, int start);  // the whole row
+
 }  // namespace tarn

@@ -7,7 +7,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "library/settings/profstr_file_internal.h"
 #include "library/system/system.h"
 #include "os/files.h"

@@ -4,7 +4,7 @@
 // saved once.
 #include "library/settings/profstr.h"
 
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 #include "library/settings/profstr_file_internal.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"

@@ -2,6 +2,7 @@
 #include "library/source/symbolfiles.h"
 
 #include "kernel/data/tab/tabular.h"
+#include "kernel/debug/symboltext.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
@@ -40,33 +41,6 @@ const Field fields[] = {textField(&SymbolRecord::name, 40),       numberField(&S
                         numberField(&SymbolRecord::compno),       numberField(&SymbolRecord::constvalue),
                         textField(&SymbolRecord::comment, 1000)};
 
-// The byte of a sequence behind a backslash, which `rest` begins with, and how many characters tell it; 0 for none.
-std::size_t escaped(std::string_view rest, char& byte) {
-    static constexpr std::pair<char, char> Letters[] = {{'\\', '\\'}, {'t', '\t'}, {'n', '\n'}, {'r', '\r'}};
-    if (rest.empty()) return 0;
-    for (const auto& [letter, meant] : Letters) {
-        if (rest[0] != letter) continue;
-        byte = meant;
-        return 1;
-    }
-    if (rest.size() < 3 || rest[0] != 'x') return 0;
-    const int high = ascii::hexDigit(rest[1]), low = ascii::hexDigit(rest[2]);
-    if (high < 0 || low < 0) return 0;
-    byte = static_cast<char>(high * 16 + low);
-    return 3;
-}
-
-// A text as it was before the compiler made it printable; at most `most` characters of it.
-std::string plain(std::string_view cell, std::size_t most) {
-    std::string text;
-    for (std::size_t i = 0; i < cell.size() && text.size() < most; ++i) {
-        char byte = cell[i];
-        if (byte == '\\') i += escaped(cell.substr(i + 1), byte);
-        text += byte;
-    }
-    return text;
-}
-
 int number(std::string_view cell) {
     bool ok = false;
     const int value = CVTI(STRTRIM(cell), ok);
@@ -77,7 +51,7 @@ void setField(SymbolRecord& record, std::int32_t column, std::string_view cell) 
     if (column < 1 || column > static_cast<std::int32_t>(std::size(fields))) return;
     const Field& field = fields[column - 1];
     if (field.text != nullptr)
-        record.*field.text = plain(cell, field.most);
+        record.*field.text = SymbolText(cell, field.most);
     else
         record.*field.number = number(cell);
 }

@@ -36,6 +36,17 @@ std::size_t pathPosition(const std::string& line) {
     return position;
 }
 
+// A backslash stands in front of a backslash and of a quote; any other one stands for itself.
+std::string withoutEscapes(std::string_view path) {
+    std::string plain;
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        const bool escapes =
+            path[at] == '\\' && at + 1 < path.size() && (path[at + 1] == '\\' || path[at + 1] == '"');
+        plain += path[escapes ? ++at : at];
+    }
+    return plain;
+}
+
 }  // namespace
 
 std::string APPRESOURCEFILE() {
@@ -54,7 +65,7 @@ std::string RESOURCELINEFILENAME(const std::string& line) {
     std::string path = STRTRIM(position <= line.size() ? line.substr(position - 1) : "");
     STAMP();
     if (path.size() >= 2 && path.front() == '"' && path.back() == '"') path = path.substr(1, path.size() - 2);
-    return STRREPLACE(path, "\\\\", "\\");
+    return withoutEscapes(path);
 }
 
 std::string RESOURCEGETFILENAME(const std::string& file, const std::string& kind, const std::string& name) {

@@ -14,7 +14,7 @@ namespace tarn::platform {
 
 namespace {
 
-int trace = 0, userBreak = 0;
+int trace = 0;
 
 }  // namespace
 
@@ -77,12 +77,6 @@ void SetTrace(int mode) {
 }
 int GetTrace() {
     return trace;
-}
-int GetUserBreak() {
-    return userBreak;
-}
-void SetUserBreak(int value) {
-    userBreak = value;
 }
 
 Code RaiseGuiRtx(Code code) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The view without a screen: fixed measures, timers, and loops that let whoever plays the user go on.
+#include "platform/model/debugger/debugwindow.h"
+#include "platform/model/debugger/terminal.h"
 #include "platform/model/drawscale.h"
 #include "platform/model/guides.h"
 #include "platform/model/state.h"
@@ -25,6 +27,7 @@ constexpr char filePrinter[] = "Print to file";
 
 bool browser = true;
 int beeps = 0;
+HeadlessDebugger debugger;
 std::string lastUrl;
 
 // A document as plain text: the lines of each page, with a form feed between two pages.
@@ -148,6 +151,17 @@ public:
         if (descriptor >= 0 && ready) watched_[descriptor] = std::move(ready);
     }
     void raise(Window&) override {}
+    void debugChanged(DebugWindow&, DebugPart part) override {
+        if (part == DebugPart::Made || part == DebugPart::Gone) hearInterrupt(part == DebugPart::Made);
+    }
+    void debugLoop(DebugWindow& window, const std::function<bool()>& until) override {
+        if (const HeadlessDebugger play = debugger)
+            play(window);
+        else if (idle_)
+            loop(until);
+        else
+            debugAtTerminal(window, until);
+    }
 
 private:
     struct Asked {
@@ -190,6 +204,7 @@ void Headless::fireTimers() {
 }
 
 void Headless::step() {
+    if (programRests()) return;
     std::vector<pollfd> descriptors;
     for (const auto& [descriptor, ready] : watched_) descriptors.push_back({descriptor, POLLIN, 0});
     const int patience = idle_ ? 1 : 0;  // milliseconds; an idle function may be waiting for another process
@@ -215,6 +230,7 @@ bool Headless::sleepToTimer() {
 
 std::string Headless::ask(const Question& question) {
     if (answer_) return answer_(question);
+    if (isAtTerminal()) return askAtTerminal(question);
     if (!idle_) {
         // Nobody can answer: what a program says must not be lost all the same.
         os::debugOutput(question.title + (question.title.empty() ? "" : ": ") + question.text + "\n");
@@ -275,6 +291,10 @@ std::unique_ptr<View> makeHeadlessView(std::function<std::string(const Question&
 
 std::vector<std::string> takeHeadlessSounds() {
     return std::exchange(sounds, {});
+}
+
+HeadlessDebugger setHeadlessDebugger(HeadlessDebugger play) {
+    return std::exchange(debugger, std::move(play));
 }
 
 int headlessBeeps() {

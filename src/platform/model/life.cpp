@@ -7,6 +7,8 @@
 #include "os/paths.h"
 #include "os/process.h"
 #include "platform/model/access_internal.h"
+#include "platform/model/debugger/debugwindow.h"
+#include "platform/model/debugger/userbreak.h"
 #include "platform/text.h"
 
 #include <utility>
@@ -211,6 +213,7 @@ void MainLoop(const Object& main) {
 
 void DoEvents() {
     view().pump();
+    noteUserHeard();
     settle();
     runCommands();
 }
@@ -218,6 +221,7 @@ void DoEvents() {
 void WaitEvents(int milliseconds, bool inputEnds) {
     ++state().waiting;
     view().wait(milliseconds, inputEnds);
+    noteUserHeard();
     --state().waiting;
 }
 
@@ -254,7 +258,8 @@ std::string commandText() {
 
 void runCommands() {
     State& s = state();
-    while (s.depth == 0 && s.waiting == 0 && topModal() == nullptr && !s.commands.empty()) {
+    while (s.depth == 0 && s.waiting == 0 && topModal() == nullptr && !programRests() &&
+           !s.commands.empty()) {
         const os::InstanceCommand command = std::move(s.commands.front());
         s.commands.pop_front();
         Window* const window = windowWith(command.windowClass, command.caption);

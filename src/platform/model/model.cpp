@@ -3,6 +3,8 @@
 // The loaded windows: finding, showing, unloading, and the way of an event.
 #include "platform/model/model.h"
 
+#include "platform/model/debugger/debugwindow.h"
+#include "platform/model/debugger/userbreak.h"
 #include "platform/model/state.h"
 #include "platform/operations/focus.h"
 #include "platform/text.h"
@@ -64,10 +66,12 @@ void enroll(Control& control) {
 // ---- events ----
 
 bool sendEvent(const Object& object, int event, const Object& sender, int parameter) {
+    if (programRests()) return noteRested(object, event), false;
     settle();
     const Window* const window = findWindow(object);
     if (window == nullptr || window->function == nullptr) return false;
     const WindowFunction function = window->function;
+    if (state().depth == 0) noteUserHeard();
     ++state().depth;
     if (event == COMMAND_EVENT) state().commanding.push_back(sender);
     const bool handled = function(object, event, sender, parameter);
@@ -103,7 +107,7 @@ Window* topModal() {
 
 bool takesInput(const Window& window) {
     const Window* const top = topModal();
-    return !busy() && window.shown && (top == nullptr || top == &window);
+    return !busy() && !programRests() && window.shown && (top == nullptr || top == &window);
 }
 
 // ---- showing ----

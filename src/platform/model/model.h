@@ -56,7 +56,8 @@ public:
     // Edit windows; operations/edits.h tells what they mean.
     int looks = LOOK_LINE, tabWidth = 4, zoom = 0, typed = 0, tipPlace = 0;
     Selection tipMark;
-    bool folded = false;
+    bool folded = false, markMargin = false;
+    int clickedLine = 0;
     std::string blocks, choices, callTip;
 };
 

@@ -3,6 +3,7 @@
 // Events that wait for an event loop. A descriptor that can be read while any of them waits wakes the loops of
 // every view; one event is sent at a time, so that a loop inside of its handler goes on with the next.
 #include "platform/model/access_internal.h"
+#include "platform/model/debugger/debugwindow.h"
 #include "platform/operations/life.h"
 
 #include <deque>
@@ -30,6 +31,7 @@ int wakeDescriptor() {
 }
 
 void sendNext() {
+    if (programRests()) return;
     std::uint64_t count = 0;
     static_cast<void>(!::read(wakeDescriptor(), &count, sizeof count));
     if (queue().empty()) return;

@@ -62,6 +62,19 @@ Code SetMarks(const Object& object, const std::vector<Selection>& places) {
     return Ok;
 }
 
+Code SetFolds(const Object& object, const std::vector<int>& lines) {
+    Control* const control = findControl(object);
+    if (control == nullptr) return missing(object);
+    if (control->text != nullptr) control->text->setFolds(lines);
+    return Ok;
+}
+
+Answer<std::vector<int>> GetFolds(const Object& object) {
+    return ask<std::vector<int>>(object, [](const Control& c) {
+        return c.text == nullptr ? std::vector<int>() : c.text->folds();
+    });
+}
+
 Answer<std::vector<Selection>> GetMarks(const Object& object) {
     return ask<std::vector<Selection>>(object, [](const Control& c) {
         return c.text == nullptr ? std::vector<Selection>() : c.text->marks();

@@ -2,6 +2,7 @@
 //
 // The plain text of an edit control, for windows without a view that has an editor of its own; it keeps what each edit
 // has replaced, so that it can be undone as there. And what every text store can do by going through its text.
+#include "platform/model/linemarks.h"
 #include "platform/model/model.h"
 
 #include <algorithm>
@@ -23,6 +24,7 @@ public:
         saved_ = 0;
         forced_ = false;
         marks_.clear();
+        lineMarks_.clear();
     }
     int length() const override { return static_cast<int>(text_.size()); }
     Selection selection() const override { return selection_; }
@@ -51,6 +53,13 @@ public:
     }
     void setMarks(const std::vector<Selection>& places) override { marks_ = places; }
     std::vector<Selection> marks() const override { return marks_; }
+    void setLineMarks(const std::vector<LineMark>& marks) override {
+        const auto lines = 1 + std::count(text_.begin(), text_.end(), '\n');
+        lineMarks_ = marks;
+        for (LineMark& mark : lineMarks_)
+            if (mark.line < 1 || mark.line > lines) mark.line = 0;
+    }
+    std::vector<LineMark> lineMarks() const override { return lineMarks_; }
     bool modified() const override { return forced_ || !saved_ || *saved_ != done_; }
     void setModified(bool modified) override {
         forced_ = modified;
@@ -94,11 +103,13 @@ private:
         });
         for (Selection& mark : marks_)
             if (mark.start >= end) mark.start += static_cast<int>(text.size()) - static_cast<int>(count);
+        moveLineMarks(lineMarks_, text_, from, count, text);
         text_.replace(from, count, text);
     }
 
     std::string text_;
     std::vector<Selection> marks_;
+    std::vector<LineMark> lineMarks_;
     Selection selection_;
     std::vector<Step> steps_;
     std::size_t done_ = 0;  // how many of them are done and not undone
@@ -107,14 +118,20 @@ private:
     bool forced_ = false;  // modified by decree
 };
 
-// Calls `end` with the place and the length of each line end.
+// Calls `end` with the place and the length of each line end, in their order.
 template <class End>
 void eachLineEnd(std::string_view text, End end) {
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] != '\r' && text[at] != '\n') continue;
-        const std::size_t length = text.substr(at, 2) == "\r\n" ? 2 : 1;
-        end(at, length);
-        at += length - 1;
+    std::size_t lf = text.find('\n'), cr = text.find('\r');
+    while (lf != cr) {  // equal only when there are no more of either
+        if (lf < cr) {
+            end(lf, std::size_t{1});
+        } else {
+            const bool pair = lf == cr + 1;
+            end(cr, std::size_t{pair ? 2U : 1U});
+            cr = text.find('\r', cr + 1);
+            if (!pair) continue;
+        }
+        lf = text.find('\n', lf + 1);
     }
 }
 
@@ -141,6 +158,14 @@ std::string withLineEnds(std::string_view text, int ends) {
     return out.append(text.substr(from));
 }
 
+void TextStore::setLineMarks(const std::vector<LineMark>& marks) {
+    static_cast<void>(marks);
+}
+
+std::vector<LineMark> TextStore::lineMarks() const {
+    return {};
+}
+
 std::string TextStore::range(int start, int length) const {
     const std::string all = text();
     const int from = std::clamp(start - 1, 0, static_cast<int>(all.size()));
@@ -151,7 +176,7 @@ int TextStore::lineEnds() const {
     return lineEndsOf(text());
 }
 
-// The caret and the marks stay with their lines.
+// The caret and all marks stay with their lines.
 bool TextStore::convertLineEnds(int ends, int most) {
     const std::string before = text(), after = withLineEnds(before, ends);
     if (after == before || (most > 0 && static_cast<int>(after.size()) > most)) return false;
@@ -169,10 +194,12 @@ bool TextStore::convertLineEnds(int ends, int most) {
         const int start = moved(place.start), end = moved(place.start + place.length);
         place = {start, end - start};
     }
+    const std::vector<LineMark> lines = lineMarks();
     select(1, length());
     replaceSelection(after);
     select(caret, 0);
     setMarks(places);
+    setLineMarks(lines);
     return true;
 }
 

@@ -2,6 +2,7 @@
 //
 // What the user did, as a view reports it. Each function changes the model and then sends the event; what it
 // was given may be gone when it returns. A window that takes no input hears nothing.
+#include "platform/model/debugger/debugwindow.h"
 #include "platform/model/drawscale.h"
 #include "platform/model/state.h"
 #include "platform/operations/focus.h"
@@ -114,11 +115,11 @@ void userClose(Window& window) {
 }
 
 void userActivate(Window& window) {
-    if (isAlive(window) && window.shown) activate(window);
+    if (isAlive(window) && window.shown && !programRests()) activate(window);
 }
 
 void userReturn(Window& window) {
-    if (!isAlive(window) || !window.shown) return;
+    if (!isAlive(window) || !window.shown || programRests()) return;
     std::erase(state().activation, window.handle);  // so that it is told
     activate(window);
 }

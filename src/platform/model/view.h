@@ -53,11 +53,30 @@ enum class Property {
     Choices,
     CallTip,
     Focus,
+    MarkMargin,
+};
+
+// What has changed of the debugger's window; see operations/debugger.h.
+enum class DebugPart {
+    Made,
+    Gone,
+    Caption,
+    Status,
+    Lines,
+    Marks,
+    Selection,
+    Top,
+    Extent,
+    Tip,
+    Running,  // the program stops, or runs
+    Shown,    // nothing; what has changed is to be seen from now on
 };
 
 namespace types {
 struct TextEdit;
-}
+struct LineMark;
+class DebugWindow;
+}  // namespace types
 
 // The text of an edit window or an edit control. The model has a plain one; the Qt view puts the editor's own
 // in its place, so that a text stands once. All positions are 1-based byte positions.
@@ -82,6 +101,12 @@ public:
     // Places that are shown as marked. A store whose control cannot show any keeps none.
     virtual void setMarks(const std::vector<Selection>& places) { static_cast<void>(places); }
     [[nodiscard]] virtual std::vector<Selection> marks() const { return {}; }
+    // Lines, from 1, of which the block is folded; those that begin none are left out.
+    virtual void setFolds(const std::vector<int>& lines) { static_cast<void>(lines); }
+    [[nodiscard]] virtual std::vector<int> folds() const { return {}; }
+    // Marks of lines, as operations/linemarks.h tells. As above: a store may keep none.
+    virtual void setLineMarks(const std::vector<LineMark>& marks);
+    [[nodiscard]] virtual std::vector<LineMark> lineMarks() const;
     [[nodiscard]] virtual bool modified() const = 0;
     virtual void setModified(bool modified) = 0;
     // The rest has a plain form that goes through the whole text.
@@ -177,6 +202,20 @@ public:
     // Calls `ready` from any event loop whenever the descriptor can be read; null stops that.
     virtual void watch(int descriptor, std::function<void()> ready) = 0;
     virtual void raise(Window& window) = 0;  // to the foreground, as after a hand-over
+
+    // The debugger's window, which is none of the model's windows. A view without one shows nothing, and leaves a stop
+    // at once. `debugLoop` lets the user work in it until `until` is true; the program rests meanwhile.
+    virtual void debugChanged(DebugWindow& window, DebugPart part) {
+        static_cast<void>(window);
+        static_cast<void>(part);
+    }
+    virtual void debugLoop(DebugWindow& window, const std::function<bool()>& until) {
+        static_cast<void>(window);
+        static_cast<void>(until);
+    }
+    // The program has not been in an event loop for a while: what the user does in the debugger's window happens, and
+    // the user's break is noticed. Nothing else reaches the program or is lost.
+    virtual void debugPump() {}
 
     // For whoever plays the user, from the idle function. The question whose box is open now, null if none
     // is, and its answer, given as the user would: the caption of a button (with or without its "&"), a text,

@@ -4,8 +4,18 @@
 // other windows of the program are painted but deaf. A process has at most one. It is no window of a resource file and
 // is not among the windows of the program.
 //
-// Without a screen the terminal takes the part of the window: it shows the status and the lines around the selected
-// one, and takes the commands as words.
+// Without a screen the terminal takes the part of the window, if the standard input is a terminal, a pipe or a file: it
+// shows the status and the lines around the selected one on the standard error, and takes the commands as words. At the
+// end of that input every stop is left at once.
+//
+// The handler is called inside of ActivateDebug. While the program runs, the window can be looked at, and only two
+// things can be done there: Command 101 reaches the handler from the program's event loop, or from a statement; and
+// the window's own button, Ctrl+Break or closing the window set the user's break.
+//
+// The user's break (GetUserBreak, SetUserBreak) is also set by the signal DebugBreakSignal while the window stands, and
+// by the terminal's interrupt key where the terminal takes the part of the window. A program that does not come to its
+// event loop hears the user all the same: GetUserBreak, which a debugged program asks at each statement, lets the window
+// work every 50 ms or so, and keeps what is typed for other windows until later.
 //
 // Lines are numbered from 1; what a line that does not exist is asked for is empty, and telling it something does
 // nothing. Cost: filling the list is linear in the text; everything else is constant.
@@ -13,6 +23,7 @@
 
 #include "platform/object.h"
 
+#include <csignal>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -28,9 +39,9 @@ enum class DebugMessage {
     Command,      // a button, or its key: `number` is the command's
     DoubleClick,  // on a line of the list, or Return there: `number` is the line
     Help,         // F1, or the window's help
-    Edit,  // F2 on a line: its value, or the rule of its breakpoint, is to be changed: `number` is the line
-    Hover,  // the pointer rests on a line: `number` is it, `text` the word under the pointer. The handler answers
-            // by SetDebugTip
+    Edit,   // F2 on a line: its value, or the rule of its breakpoint, is to be changed: `number` is the line
+    Hover,  // the pointer rests on a line: `number` is it, `text` the word under the pointer, with the names
+            // and dots before it ("a.b" over b). The handler answers by SetDebugTip
     Close,  // the user has closed the window
 };
 struct DebugEvent {
@@ -53,6 +64,9 @@ struct DebugPlace {
 
 }  // namespace types
 
+// What whoever started a debugged program sends to break into it. A process without the window takes no notice of it.
+inline constexpr int DebugBreakSignal = SIGURG;
+
 // Makes the window and shows it; null if there is one already. `bitmapNames` has a picture's name on each line, an
 // empty line for a gap; the buttons send 101 and up, a gap takes no number. What `handler` does may start a box or ask
 // for a text, not a second ActivateDebug.
@@ -74,7 +88,7 @@ void SetDebugTip(DebugWindow& window, std::string_view text);  // shown at the p
 // ---- the list, control 201 ----
 
 // Fills the list with the lines of a text: LF ends a line, and a text without an end of its last line has one all the
-// same. Flags and markers are gone, nothing is selected.
+// same. Flags, markers, numbers and extent are gone, nothing is selected.
 void DebugAddstrings(DebugWindow& window, std::string_view text);
 int DebugCount(const DebugWindow& window);
 std::string DebugLine(const DebugWindow& window, int line);
@@ -86,6 +100,8 @@ int DebugSelected(const DebugWindow& window);                  // 0 for none
 void DebugSelect(DebugWindow& window, int line, bool scroll);  // 0 for none; `scroll` brings it into view
 int DebugTop(const DebugWindow& window);                       // the first line that is seen
 void SetDebugTop(DebugWindow& window, int line);
+// A margin shows the numbers of the lines; they are no part of the text. Off at first.
+void SetDebugNumbers(DebugWindow& window, bool on);
 void DebugExtent(DebugWindow& window);  // the longest line and 30 pixels can be reached by scrolling sideways
 void DebugRepaint(DebugWindow& window);
 

@@ -30,4 +30,9 @@ Code ReplaceParts(const Object& object, const std::vector<TextEdit>& edits);
 Code SetMarks(const Object& object, const std::vector<Selection>& places);
 Answer<std::vector<Selection>> GetMarks(const Object& object);
 
+// The lines, from 1, whose blocks are folded; a block that begins in none of them is open. Lines that begin no block are
+// left out. Only the edit window on a screen has folds.
+Code SetFolds(const Object& object, const std::vector<int>& lines);
+Answer<std::vector<int>> GetFolds(const Object& object);
+
 }  // namespace tarn::platform

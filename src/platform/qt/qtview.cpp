@@ -4,6 +4,7 @@
 // desktop in qtview_desktop.cpp, drawing in qtview_drawing.cpp.
 #include "platform/qt/qtview.h"
 
+#include "platform/model/debugger/debugwindow.h"
 #include "platform/model/model.h"
 #include "platform/qt/windows/frame.h"
 #include "platform/qt/windows/popups.h"
@@ -168,7 +169,7 @@ void QtView::activateBelow(Frame* gone) {
 
 void QtView::activated() {
     // While a menu is open the toolkit does not follow the focus, and would name the window before.
-    if (QApplication::activePopupWidget() != nullptr) return;
+    if (QApplication::activePopupWidget() != nullptr || programRests()) return;
     const QWindow* focus = QGuiApplication::focusWindow();
     Frame* frame = frameOfWidget(focus != nullptr ? QWidget::find(focus->winId()) : nullptr);
     const bool returns = away_ && focus != nullptr;
@@ -247,13 +248,22 @@ void QtView::runIdle() {
 std::string QtView::ask(const Question& question) {
     const bool busy = busy_;
     if (busy) setBusy(false);
-    QWidget* parent = QApplication::activeWindow();
-    if (parent == nullptr && !order_.empty() && !order_.back().isNull()) parent = order_.back();
+    QWidget* const parent = askedFrom();
     const QPointer<QWidget> below(parent != nullptr && parent->isVisible() ? parent : nullptr);
     const std::string answer = askUser(question, below);
     if (busy) setBusy(true);
     if (below != nullptr && below->isVisible()) below->activateWindow();
     return answer;
+}
+
+// The debugger's window asks for itself alone.
+QWidget* QtView::askedFrom() const {
+    QWidget* const debugger = debugger_.window();
+    QWidget* parent = QApplication::activeWindow();
+    if (debugger_.stopped())
+        return parent != nullptr && parent->parentWidget() != nullptr ? parent : debugger;
+    if (parent == nullptr || parent == debugger) parent = order_.empty() ? nullptr : order_.back().data();
+    return parent;
 }
 
 const Question* QtView::asking() {

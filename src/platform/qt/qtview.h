@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/model/view.h"
+#include "platform/qt/debugger/debughost.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -75,6 +76,9 @@ public:
     bool toolStopPressed() override;
     void watch(int descriptor, std::function<void()> ready) override;
     void raise(Window& window) override;
+    void debugChanged(DebugWindow& window, DebugPart part) override;
+    void debugLoop(DebugWindow& window, const std::function<bool()>& until) override;
+    void debugPump() override;
 
 protected:
     // Sees every event of the program first.
@@ -94,7 +98,11 @@ private:
     void activateBelow(Frame* gone);   // after a window has gone, the one before it
     void sweep();                      // deletes what asked to be deleted, at the outermost level
 
+    [[nodiscard]] QWidget* askedFrom() const;  // the window over which a box opens; null: none
+    void restWatches(bool rest);               // while the program rests
+
     std::unique_ptr<QApplication> application_;  // null if the program had made one before
+    DebugHost debugger_;
     std::function<void()> idle_;
     void runIdle();
     QTimer idleTimer_;

@@ -61,6 +61,7 @@ bool nameKeys(Control& field, const PressedKeys& keys) {
 }  // namespace
 
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
+    if (debugger_.takes(receiver, *event)) return true;
     if (tracking_ != nullptr && tracking_->hear(*event)) return true;
     const auto type = event->type();
     if (type == QEvent::FocusIn) noteFocus(receiver);

@@ -8,6 +8,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <utility>
 
@@ -171,34 +172,53 @@ std::string obstacle(const RcFile& parsed, const std::string& file, const std::s
 
 namespace {
 
-// Whether the statements of `after` are those of `before` but for the one that was taken out: without it, a
+bool hasName(const RcStatement& statement) {
+    return statement.kind != RcKind::Unknown && statement.kind != RcKind::Define;
+}
+
+// Which statements an operation means.
+using Meant = std::function<bool(const RcStatement& statement)>;
+
+// Whether the statements of `after` are those of `before` but for the ones that were taken out: without them, a
 // block that has no END could reach further.
-bool othersStay(const RcFile& before, const RcFile& after, const std::string& name) {
+bool othersStay(const RcFile& before, const RcFile& after, const Meant& isMeant) {
     std::size_t i = 0;
     for (const RcStatement& statement : before.statements) {
-        const bool hasName = statement.kind != RcKind::Unknown && statement.kind != RcKind::Define;
-        if (!hasName || sameText(statement.name, name)) continue;
-        while (i < after.statements.size() &&
-               (after.statements[i].kind == RcKind::Unknown || after.statements[i].kind == RcKind::Define))
-            ++i;
+        if (!hasName(statement) || isMeant(statement)) continue;
+        while (i < after.statements.size() && !hasName(after.statements[i])) ++i;
         if (i == after.statements.size() || after.statements[i++].name != statement.name) return false;
     }
     return true;
+}
+
+std::string deleteMeant(RcFile& parsed, const std::string& file, const Meant& isMeant) {
+    std::string text = parsed.text;
+    for (auto statement = parsed.statements.rbegin(); statement != parsed.statements.rend(); ++statement)
+        if (hasName(*statement) && isMeant(*statement))
+            text.erase(statement->span.begin, statement->span.end - statement->span.begin);
+    RcFile changed = parseResourceText(std::move(text));
+    if (!othersStay(parsed, changed, isMeant)) return faultText(file, lastFault(parsed));
+    parsed = std::move(changed);
+    return "";
 }
 
 }  // namespace
 
 std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& name) {
     if (std::string error = obstacle(parsed, file, name); !error.empty()) return error;
-    std::string text = parsed.text;
-    for (auto statement = parsed.statements.rbegin(); statement != parsed.statements.rend(); ++statement)
-        if (statement->kind != RcKind::Define && statement->kind != RcKind::Unknown &&
-            sameText(statement->name, name))
-            text.erase(statement->span.begin, statement->span.end - statement->span.begin);
-    RcFile changed = parseResourceText(std::move(text));
-    if (!othersStay(parsed, changed, name)) return faultText(file, lastFault(parsed));
-    parsed = std::move(changed);
-    return "";
+    return deleteMeant(parsed, file,
+                       [&](const RcStatement& statement) { return sameText(statement.name, name); });
+}
+
+std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& kind,
+                            const std::string& name) {
+    const ResourceText found = listStatements(parsed, file, kind, name);
+    if (!found.error.empty()) return found.error;
+    if (found.text.empty()) return notThere(file, name);
+    return deleteMeant(parsed, file, [&](const RcStatement& statement) {
+        const bool window = sameText(kind, "DIALOG") && statement.kind == RcKind::Window;
+        return sameText(statement.name, name) && (window || sameText(statement.kindWord, kind));
+    });
 }
 
 namespace {

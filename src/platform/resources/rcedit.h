@@ -24,6 +24,9 @@ inline std::string writeObjects(RcFile& parsed, const std::string& file, const O
     return writeObjects(parsed, file, dialog, menu, none);
 }
 std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& name);
+// The same of those of one kind alone, by its word; DIALOG is any window. Others of that name stay.
+std::string deleteStatement(RcFile& parsed, const std::string& file, const std::string& kind,
+                            const std::string& name);
 std::string renameStatement(RcFile& parsed, const std::string& file, const std::string& oldName,
                             const std::string& newName);
 std::string addStatement(RcFile& parsed, const std::string& file, const std::string& line);

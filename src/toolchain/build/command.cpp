@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolchain/build/command.h"
 
+#include "kernel/debug/debugsettings.h"
 #include "kernel/run/runtime.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/paths.h"
 #include "os/process.h"
-#include "platform/registry.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
 
@@ -22,14 +22,7 @@ constexpr std::size_t NotePlace = 4096;  // it stands among the first bytes of t
 
 // The settings file of the environment that this user has installed; empty if none is known.
 std::string installedSettings() {
-    const std::string key = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
-    const std::string program = std::string(ProductWord) + " v" + std::string(ProductVersion) + " " +
-                                std::string(ProductBuild) + ".exe";
-    for (const std::string& name : {program, std::string("ide.exe")}) {
-        const std::string path = platform::RegGetSetting(key + name, "");
-        if (!path.empty()) return std::string(paths::folder(path)) + "ide.ini";
-    }
-    return {};
+    return FindSettingsFile(ProductWord, ProductVersion, ProductBuild);
 }
 
 std::string lineIn(const std::string& settings) {

@@ -3,6 +3,7 @@
 // Which files a program is made of, and which of them are out of date.
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/text/ascii.h"
 #include "toolchain/build/link.h"
 #include "toolchain/build/make.h"
 #include "toolchain/build/tools.h"
@@ -39,6 +40,11 @@ std::int64_t readEnd(const std::string& file, std::int64_t most, std::string& by
     bytes.resize(success ? got : 0);
     return success ? info.modified : -1;
 }
+
+// What stands beside a program: the run-time library, its windows, and the last-ditch box of a fault.
+constexpr std::string_view EditLibrary = "libtarnwick-edit.so";
+constexpr std::string_view RunTimeFiles[] = {"libtarnwick.so", "libtarnwick-qt.so", EditLibrary,
+                                             "tarnwick-fatal"};
 
 constexpr std::int64_t WholeFile = INT64_MAX;
 constexpr std::int64_t RecordSize = 2048;  // a line of a symbol file with a full comment is shorter
@@ -249,9 +255,25 @@ std::string allFiles(const Sources& sources, bool withResources) {
     return text;
 }
 
-// What a copy of the program needs; objects and symbol files stay with the sources.
+// An edit window needs a library of its own, which no other program carries.
+bool hasEditWindow(const Sources& sources) {
+    return std::any_of(sources.classes.begin(), sources.classes.end(), [](const SourceClass& item) {
+        std::string text;
+        if (!item.resource.empty()) static_cast<void>(os::readFile(item.resource, text));
+        return ascii::uppered(text).find(" EDITWINDOW") != std::string::npos;
+    });
+}
+
+// What a copy of the program needs; objects and symbol files stay with the sources. The run-time library is told where
+// it stands for the tools.
 std::string targets(const Sources& sources) {
-    return sources.exe + "\n" + (hasResources(sources) ? sources.companion + "\n" : "");
+    std::string text = sources.exe + "\n" + (hasResources(sources) ? sources.companion + "\n" : "");
+    const std::string folder = libraryFolder() + "/";
+    for (const std::string_view library : RunTimeFiles) {
+        const std::string file = folder + std::string(library);
+        if (os::sizeOf(file) > 0 && (library != EditLibrary || hasEditWindow(sources))) text += file + "\n";
+    }
+    return text;
 }
 
 }  // namespace

@@ -64,6 +64,8 @@ int32_t tarn_report_begin(void);
 void tarn_report_end(void);
 void tarn_register_class(const char* source_path, const char* class_name);
 void tarn_register_variable(const char* name, char role, int32_t kind, void* address);
+void tarn_name_fields(const void* address, const char* names);
+void tarn_register_result(int32_t kind, void* address);
 void tarn_precondition(int32_t condition);
 void tarn_postcondition(int32_t condition);
 #ifndef TARNWICK_API_H
@@ -73,6 +75,7 @@ typedef struct tarn_program {
     void (*initialise)(void);
     void (*main)(void);
     void (*finalise)(void);
+    const char *product, *build;
 } tarn_program;
 #endif
 

@@ -5,6 +5,7 @@
 #include "toolchain/output/functiongen.h"
 
 #include "os/text/ascii.h"
+#include "toolchain/output/debuggen.h"
 #include "toolchain/output/interface.h"
 #include "toolchain/output/names.h"
 #include "toolchain/output/statementgen.h"
@@ -81,7 +82,7 @@ private:
             out_.line(cType(kind) + " r = 0;");
         out_.line("quarn_enter(" + cString(item_.owner->name) + ", " + cString(ascii::lowered(item_.name)) +
                   ", " + cString(item_.name) + ", " + std::to_string(head_.bodyLine) + ");");
-        if (options_.debug == 2) registerVariables();
+        if (options_.debug == 2) registerVariables(item_, out_);
         entry_ = out_.takeLines();
     }
 
@@ -114,21 +115,6 @@ private:
             out_.line("tarn_string_assign_bytes(" + name + ", \"\", 0);");
         else
             out_.line("tarn_adt_clear(" + name + ", " + cKind(kind) + ");");
-    }
-
-    void registerVariables() {
-        static constexpr char Roles[] = {'I', 'O', 'N'};
-        for (const auto& item : head_.parameters)
-            registerVariable(*item, Roles[static_cast<int>(item->mode)]);
-        for (const auto& item : head_.variables) registerVariable(*item, 'V');
-        for (const auto& item : item_.owner->declarations)
-            if (item->kind == DeclarationKind::ClassVariable) registerVariable(*item, 'C');
-    }
-    void registerVariable(const Declaration& item, char role) {
-        const Kind kind = item.type->kind;
-        const std::string place = (isScalar(kind) ? "&" : "") + out_.place(item);
-        out_.line("tarn_register_variable(" + cString(item.name) + ", '" + role + "', " + cKind(kind) +
-                  ", (void *)" + place + ");");
     }
 
     void release(const Declaration& item) {
@@ -267,8 +253,10 @@ void initialValue(const Declaration& item, Shared& shared, ExpressionGenerator& 
 
 }  // namespace
 
-std::string generateInitialValues(const ClassTree& tree, Shared& shared) {
+std::string generateInitialValues(const ClassTree& tree, const GeneratorOptions& options, Shared& shared) {
     ExpressionGenerator out(shared);
+    if (options.debug == 2) registerClassVariables(tree, out);
+    const std::string registered = out.takeLines();
     for (const auto& item : tree.declarations)
         if (isStoredConstant(*item)) initialValue(*item, shared, out);
     for (const auto& item : tree.declarations)
@@ -276,7 +264,7 @@ std::string generateInitialValues(const ClassTree& tree, Shared& shared) {
     const std::string body = out.takeLines();
     if (body.empty()) return {};
     return "    tarn_enter(" + cString(tree.name) + ", \"initialise\", " + std::to_string(tree.line) +
-           ");\n" + out.temporaryDefinitions() + body + "    tarn_stamp(0, 0, H);\n" +
+           ");\n" + registered + out.temporaryDefinitions() + body + "    tarn_stamp(0, 0, H);\n" +
            out.temporaryRelease() + "    tarn_leave();\n";
 }
 

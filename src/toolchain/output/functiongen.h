@@ -36,6 +36,6 @@ std::string functionHead(const Declaration& item);
 std::string externalHead(const Declaration& item);  // of a library function
 std::string generateFunction(const Declaration& item, const GeneratorOptions& options, Shared& shared);
 // The statements that give class variables and stored constants their initial values, in a frame of their own.
-std::string generateInitialValues(const ClassTree& tree, Shared& shared);
+std::string generateInitialValues(const ClassTree& tree, const GeneratorOptions& options, Shared& shared);
 
 }  // namespace tarn::toolchain

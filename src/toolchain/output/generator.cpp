@@ -127,7 +127,7 @@ private:
     }
 
     std::string startFunction() {
-        return stepHead("start") + step("start") + generateInitialValues(tree_, shared_) + "}\n";
+        return stepHead("start") + step("start") + generateInitialValues(tree_, options_, shared_) + "}\n";
     }
 
     std::string finishFunction() const {
@@ -158,7 +158,8 @@ private:
                "();\n    " + classSymbol(tree_.name, "start") + "();\n}\nconst tarn_program " +
                classSymbol(tree_.name, "program") + " = {" + cString(std::string(ProductVersion)) + ", " +
                cString(tree_.path) + ", " + (options_.debug == 2 ? "2, 1" : "1, 0") + ", 1, " + initialise +
-               ", " + mainFunction() + ", " + classSymbol(tree_.name, "finish") + "};\n";
+               ", " + mainFunction() + ", " + classSymbol(tree_.name, "finish") + ", " +
+               cString(std::string(ProductWord)) + ", " + cString(std::string(ProductBuild)) + "};\n";
     }
 
     const ClassTree& tree_;

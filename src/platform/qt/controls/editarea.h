@@ -33,6 +33,8 @@ public:
         static_cast<void>(position);
         return false;
     }
+    // Beside a line, in the margin for marks.
+    virtual void marginClicked(int line) { static_cast<void>(line); }
     // A picture of the resources, in pixels of the screen.
     virtual QImage picture(const std::string& name, int size, qreal ratio) {
         static_cast<void>(name);
@@ -59,6 +61,7 @@ public:
     virtual void setPassing(const QString& text) = 0;
     // What platform/operations/edits.h tells.
     virtual void setLooks(int looks, int tabWidth, int zoom) = 0;
+    virtual void setMarkMargin(bool shown) = 0;  // of platform/operations/linemarks.h
     virtual void setBlocks(std::string_view rules) = 0;
     virtual void foldAll(bool folded) = 0;
     virtual void showChoices(std::string_view rows, int typed) = 0;

@@ -6,6 +6,7 @@
 
 #include "os/paths.h"
 #include "os/process.h"
+#include "platform/model/linemarks.h"
 #include "platform/qt/controls/editarea.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
@@ -413,6 +414,7 @@ public:
         apply(Property::Caption);
         apply(Property::Looks);
         apply(Property::Blocks);
+        apply(Property::MarkMargin);
     }
     QWidget* focusWidget() override { return area_->textWidget(); }
 
@@ -430,6 +432,7 @@ public:
         case Property::Font: area_->setFont(control_->font); break;
         case Property::Looks: area_->setLooks(control_->looks, control_->tabWidth, control_->zoom); break;
         case Property::Blocks: area_->setBlocks(control_->blocks); break;
+        case Property::MarkMargin: area_->setMarkMargin(control_->markMargin); break;
         case Property::Folded: area_->foldAll(control_->folded); break;
         case Property::Choices: area_->showChoices(control_->choices, control_->typed); break;
         case Property::CallTip:
@@ -464,6 +467,9 @@ public:
         if (userKey(*window, control_, KEY_CTRL_CLICK) || alive.isNull()) return true;
         if (control_ != nullptr) control_->text->select(before.start, before.length);
         return false;
+    }
+    void marginClicked(int line) override {
+        if (control_ != nullptr) userMarginClick(*control_, line);
     }
     QImage picture(const std::string& name, int size, qreal ratio) override {
         return pictureScaled(name, QSize(size, size), ratio).toImage();

@@ -60,7 +60,8 @@ QImage withoutMagenta(const QImage& image) {
 class SvgEngine : public QIconEngine {
 public:
     explicit SvgEngine(QByteArray bytes)
-        : bytes_(std::move(bytes)), symbolic_(bytes_.contains("currentColor")), key_(qHash(bytes_)) {
+        : bytes_(std::move(bytes)), symbolic_(bytes_.contains("currentColor")),
+          coloured_(!symbolic_ || bytes_.contains("=\"#")), key_(qHash(bytes_)) {
         const Picture size = measuredPicture({bytes_.constData(), static_cast<std::size_t>(bytes_.size())});
         own_ = {size.width, size.height};
     }
@@ -97,9 +98,11 @@ public:
     QIconEngine* clone() const override { return new SvgEngine(*this); }
 
 private:
-    static QColor colourOf(QIcon::Mode mode) {
+    // A picture with colours of its own fades as a whole when it is disabled.
+    [[nodiscard]] QColor colourOf(QIcon::Mode mode) const {
         const QPalette palette = paletteInForce();
-        if (mode == QIcon::Disabled) return palette.color(QPalette::Disabled, QPalette::ButtonText);
+        if (mode == QIcon::Disabled && !coloured_)
+            return palette.color(QPalette::Disabled, QPalette::ButtonText);
         if (mode == QIcon::Selected) return palette.color(QPalette::HighlightedText);
         return palette.color(QPalette::Active, QPalette::ButtonText);
     }
@@ -112,14 +115,14 @@ private:
         QPixmap pixmap(size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        if (!symbolic_ && mode == QIcon::Disabled) painter.setOpacity(0.4);
+        if (coloured_ && mode == QIcon::Disabled) painter.setOpacity(0.4);
         renderer.render(&painter);
         return pixmap;
     }
 
     QByteArray bytes_;
     QSize own_;
-    bool symbolic_;
+    bool symbolic_, coloured_;
     std::size_t key_;
 };
 

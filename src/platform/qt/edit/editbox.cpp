@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The edit window as the view sees it: text and status bar in one widget, and the store over the text.
+#include "platform/operations/linemarks.h"
 #include "platform/operations/textedits.h"
 #include "platform/qt/controls/editarea.h"
 #include "platform/qt/edit/accessible.h"
@@ -41,6 +42,18 @@ public:
     }
     std::vector<Selection> marks() const override {
         return area_ != nullptr ? area_->marks() : std::vector<Selection>();
+    }
+    void setFolds(const std::vector<int>& lines) override {
+        if (area_ != nullptr) area_->setFolds(lines);
+    }
+    std::vector<int> folds() const override {
+        return area_ != nullptr ? area_->folds() : std::vector<int>();
+    }
+    void setLineMarks(const std::vector<LineMark>& marks) override {
+        if (area_ != nullptr) area_->setLineMarks(marks);
+    }
+    std::vector<LineMark> lineMarks() const override {
+        return area_ != nullptr ? area_->lineMarks() : std::vector<LineMark>();
     }
     bool modified() const override { return area_ != nullptr && area_->modified(); }
     void replaceRange(int start, int length, std::string_view text) override {
@@ -96,6 +109,7 @@ public:
         text_->picture = [this](const std::string& name, int size, qreal ratio) {
             return events_.picture(name, size, ratio);
         };
+        connect(text_, &TextArea::marginPressed, this, [this](int line) { events_.marginClicked(line); });
         text_->nameClicked = [this](int position) { return events_.nameClicked(position); };
         bar_->rightClicked = [this](QPoint at) { events_.infoAsked(bar_->mapTo(this, at)); };
         tellSoon();
@@ -114,6 +128,7 @@ public:
     void setFont(const Font& font) override { text_->setTextFont(font); }
     void setName(const QString& name) override { text_->setAccessibleName(name); }
     void setLooks(int looks, int tabWidth, int zoom) override { text_->setLooks(looks, tabWidth, zoom); }
+    void setMarkMargin(bool shown) override { text_->setMarkMargin(shown); }
     void setBlocks(std::string_view rules) override { text_->setBlocks(rules); }
     void foldAll(bool folded) override { text_->foldAll(folded); }
     void showChoices(std::string_view rows, int typed) override { text_->showChoices(rows, typed); }

@@ -6,6 +6,7 @@
 //   caret            where it stands
 #include "platform/qt/edit/textarea.h"
 
+#include "platform/operations/linemarks.h"
 #include "platform/qt/edit/accessible.h"
 
 #include <QApplication>
@@ -61,6 +62,9 @@ void TextArea::listen() {
         send(SCI_MARKERDELETEALL, UnsavedMark);
         emit moved();
     });
+    connect(this, &TextArea::SCN_MARGINCLICK, this, [this](int position, int, int margin) {
+        if (margin == MarkMargin) emit marginPressed(lineOf(position) + 1);
+    });
     connect(this, &TextArea::SCN_ZOOM, this, [this] {
         digits_ = 0;
         applyNumberBar();
@@ -96,7 +100,8 @@ void TextArea::configure() {
     send(SCI_SETCARETWIDTH, 2);
     send(SCI_SETMOUSEDWELLTIME, 10000000);
     for (int margin = 0; margin < 5; ++margin) send(SCI_SETMARGINWIDTHN, margin, 0);
-    send(SCI_SETMARGINTYPEN, 0, SC_MARGIN_NUMBER);
+    send(SCI_SETMARGINTYPEN, NumberMargin, SC_MARGIN_NUMBER);
+    send(SCI_SETMARGINMASKN, NumberMargin, 0);
     send(SCI_SETMARGINLEFT, 0, NumberGap);
     // Keys of the control that write control characters or change the text in ways that nobody here asked
     // for.
@@ -164,6 +169,7 @@ void TextArea::adoptLineEnd(std::string_view text) {
 
 void TextArea::setBytes(std::string_view text) {
     setting_ = true;
+    setLineMarks({});
     send(SCI_SETREADONLY, 0);
     send(SCI_SETUNDOCOLLECTION, 0);
     send(SCI_CLEARALL);
@@ -188,6 +194,7 @@ void TextArea::setBytes(std::string_view text) {
     kinds_ = 0;
     send(SCI_MARKERDELETEALL, UnsavedMark);
     send(SCI_MARKERDELETEALL, SavedMark);
+    applyMarkMargin();
     scanned_ = false;
     scanLater(0, lineOf(size()));
     digits_ = 0;
@@ -343,6 +350,7 @@ void TextArea::onRemoval(int position, int bytes) {
     tellRemoval(*this, position, bytes);
     static_cast<void>(rows());
     parts_.removing(position, bytes);
+    if (!placed_.empty()) dropLineMarks(position, bytes);
     noteChange(position, 0);
     noteEnds(view(position, position + bytes));
 }

@@ -23,7 +23,8 @@
 
 namespace tarn::platform::types {
 struct TextEdit;
-}
+struct LineMark;
+}  // namespace tarn::platform::types
 
 namespace tarn::platform::qt {
 
@@ -50,6 +51,10 @@ public:
     // Marked places; they move with their text.
     void setMarks(const std::vector<Selection>& places);
     [[nodiscard]] std::vector<Selection> marks() const;
+    // Marked lines; they move with their lines.
+    void setLineMarks(const std::vector<LineMark>& marks);
+    [[nodiscard]] std::vector<LineMark> lineMarks() const;
+    void setMarkMargin(bool shown);
     [[nodiscard]] bool modified() const;
     void setModified(bool modified);
 
@@ -60,6 +65,8 @@ public:
     void setLooks(int looks, int tabWidth, int zoom);
     void setBlocks(std::string_view rules);
     void foldAll(bool folded);
+    void setFolds(const std::vector<int>& lines);
+    [[nodiscard]] std::vector<int> folds() const;
     void showChoices(std::string_view rows, int typed);
     void showCallTip(int position, std::string_view text, const Selection& mark);
     [[nodiscard]] std::string range(int start, int length) const;  // from 1, cut to the text
@@ -82,7 +89,8 @@ signals:
     void refused(int limit);  // an edit that had no room
     void pressedTwice(QPoint at);
     void zoomed(int points);
-    void goesOn();  // a key, or a press of the mouse
+    void goesOn();                 // a key, or a press of the mouse
+    void marginPressed(int line);  // in the margin for marks, beside a line
 
 protected:
     bool event(QEvent* event) override;
@@ -103,7 +111,10 @@ protected:
 
 private:
     static constexpr int UnsavedMark = 0, SavedMark = 1;
-    static constexpr int NumberMargin = 0, ChangeMargin = 1, FoldMargin = 2;
+    static constexpr int BreakpointMark = 2, RuleMark = 3, CurrentMark = 4;  // in the order of LineMarkKind
+    static constexpr int CurrentLineMark = 5;                                // behind the text of that line
+    static constexpr long MarginMask = 1 << BreakpointMark | 1 << RuleMark | 1 << CurrentMark;
+    static constexpr int MarkMargin = 0, NumberMargin = 1, ChangeMargin = 2, FoldMargin = 3;
     static constexpr int NumberGap = 6;       // pixels between number bar and text
     static constexpr long MarkIndicator = 8;  // the first that is not the control's own
 
@@ -173,6 +184,11 @@ private:
     void defineMarks();
     void noteEnds(std::string_view text);
 
+    // textarea_linemarks.cpp
+    void applyMarkMargin();
+    void defineLineMarks();
+    void dropLineMarks(int position, int bytes);  // of lines that are going as a whole
+
     // textarea_folds.cpp
     void scanLater(int first, int last);
     void scanBlocks(int most);
@@ -213,6 +229,12 @@ private:
     int scanFrom_ = -1, scanTo_ = -1;  // lines whose blocks are to be found anew; -1: none
     bool scanning_ = false;            // it will be done
     bool scanned_ = false;             // some line has a depth
+    bool markMargin_ = false;
+    struct PlacedMark {
+        int kinds = 0;
+        std::vector<long> handles;  // of the control, which finds their line by them
+    };
+    std::vector<PlacedMark> placed_;
     std::map<std::string, int> pictures_;
     QPoint pressed_;
     enum class CtrlDrag { None, Pressed, Dragging } ctrl_ = CtrlDrag::None;

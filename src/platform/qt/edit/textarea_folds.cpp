@@ -37,6 +37,22 @@ void TextArea::foldAll(bool folded) {
     emit moved();  // the control itself tells only when it paints
 }
 
+void TextArea::setFolds(const std::vector<int>& lines) {
+    while (scanFrom_ >= 0) scanBlocks(InPieces);
+    send(SCI_FOLDALL, SC_FOLDACTION_EXPAND);
+    for (const int line : lines)
+        if (line > 0 && (send(SCI_GETFOLDLEVEL, line - 1) & SC_FOLDLEVELHEADERFLAG) != 0)
+            send(SCI_FOLDLINE, line - 1, SC_FOLDACTION_CONTRACT);
+    emit moved();  // the control itself tells only when it paints
+}
+
+std::vector<int> TextArea::folds() const {
+    std::vector<int> lines;
+    for (long line = send(SCI_CONTRACTEDFOLDNEXT, 0); line >= 0; line = send(SCI_CONTRACTEDFOLDNEXT, line + 1))
+        lines.push_back(static_cast<int>(line) + 1);
+    return lines;
+}
+
 void TextArea::showLine(int line) {
     if (send(SCI_GETALLLINESVISIBLE) == 0 && send(SCI_GETLINEVISIBLE, line) == 0)
         send(SCI_ENSUREVISIBLE, line);

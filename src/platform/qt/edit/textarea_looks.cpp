@@ -63,6 +63,7 @@ void TextArea::applyLooks() {
     const bool folds = shows(LOOK_FOLDS) && !blocks_.empty() && !parts_.on();
     if (!folds && send(SCI_GETMARGINWIDTHN, FoldMargin) > 0) foldAll(false);
     send(SCI_SETMARGINWIDTHN, FoldMargin, folds ? FoldWidth : 0);
+    applyMarkMargin();
     matchBrackets();
 }
 
@@ -80,7 +81,7 @@ void TextArea::setFlags(int flags) {
 
 void TextArea::applyNumberBar() {
     if ((flags_ & NUMBERBAR) == 0 || parts_.on()) {  // rows are no lines
-        send(SCI_SETMARGINWIDTHN, 0, 0);
+        send(SCI_SETMARGINWIDTHN, NumberMargin, 0);
         digits_ = 0;
         return;
     }
@@ -88,7 +89,8 @@ void TextArea::applyNumberBar() {
     if (digits == digits_) return;
     digits_ = digits;
     const std::string widest(static_cast<std::size_t>(digits), '8');
-    send(SCI_SETMARGINWIDTHN, 0, sendBytes(SCI_TEXTWIDTH, STYLE_LINENUMBER, widest.c_str()) + 2 * NumberGap);
+    send(SCI_SETMARGINWIDTHN, NumberMargin,
+         sendBytes(SCI_TEXTWIDTH, STYLE_LINENUMBER, widest.c_str()) + 2 * NumberGap);
 }
 
 void TextArea::defineMarks() {
@@ -104,6 +106,7 @@ void TextArea::defineMarks() {
                  saved = readable(QColor(0x2E, 0x9E, 0x4F), paper);
     mark(UnsavedMark, SC_MARK_FULLRECT, unsaved, unsaved);
     mark(SavedMark, SC_MARK_FULLRECT, saved, saved);
+    defineLineMarks();
     const QColor line = mixed(ink, bar, 0.5);
     static constexpr std::pair<long, long> folds[] = {{SC_MARKNUM_FOLDER, SC_MARK_BOXPLUS},
                                                       {SC_MARKNUM_FOLDEROPEN, SC_MARK_BOXMINUS},

@@ -2,6 +2,7 @@
 //
 // The build commands against make tools and compilers that are shell scripts of the test.
 #include "ide/build/build.h"
+#include "ide/build/start.h"
 #include "ide/menus/runmenu.h"
 
 #include "ide/build/textview.h"
@@ -194,7 +195,7 @@ TEST_F(Start, RebuildsAMissingProgramWithoutAQuestionAndStartsIt) {
          "case \" $* \" in *\" -n \"*) echo prog.exe > ordo.err; exit;; esac; printf '#!/bin/sh\\ntouch "
          "\"%s\"\\n' \"" +
              dir + "ran\" > ../prog.exe; chmod +x ../prog.exe");
-    RUN_START("Run-Start", main);
+    RUN_START("Run-Start", false, main);
     for (int i = 0; i < 100 && !std::filesystem::exists(dir + "ran"); i++) DoEvents(), usleep(20000);
     EXPECT_TRUE(std::filesystem::exists(dir + "ran"));
     EXPECT_EQ(log("ordo.exe").substr(0, 4), "-fq\n");
@@ -208,11 +209,11 @@ TEST_F(Start, AsksTheMakeToolWhetherTheProgramIsCurrent) {
     std::filesystem::permissions(dir + "prog.exe", std::filesystem::perms(0755));
     EXPECT_TRUE(ISUPTODATE(main));
     EXPECT_EQ(log("ordo.exe"), "/fq\n" + main + "\n-i\n-n\n-o" + tools + "ordo.err\n");
-    RUN_START("Run-Start", main);
+    RUN_START("Run-Start", false, main);
     EXPECT_FALSE(std::filesystem::exists(tools + "built"));
     tool("ordo.exe", "case \" $* \" in *\" -n \"*) echo prog.exe > ordo.err;; *) touch built;; esac");
     EXPECT_FALSE(ISUPTODATE(main));
-    RUN_START("Run-Start", main);
+    RUN_START("Run-Start", false, main);
     EXPECT_TRUE(std::filesystem::exists(tools + "built"));
 }
 
@@ -230,7 +231,7 @@ TEST_F(Start, ANewClassIsNamedFirstAndThenBuilt) {
     tool("ordo.exe", "");
     EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
     answers = {dir + "fresh.cls"};
-    RUN_START("Run-Start", "<untitled>");
+    RUN_START("Run-Start", false, "<untitled>");
     EXPECT_TRUE(log("ordo.exe").starts_with("-fq\n" + dir + "fresh.cls\n")) << log("ordo.exe");
     EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "fresh.cls");
 }
@@ -238,7 +239,7 @@ TEST_F(Start, ANewClassIsNamedFirstAndThenBuilt) {
 TEST_F(Start, ANewClassWithoutANameIsNotBuilt) {
     tool("ordo.exe", "");
     EDITWNDNEW(SDIEdit, "Tarnwick Class fresh\nfunction main()\nend function\nEnd class\n");
-    RUN_START("Run-Start", "<untitled>");
+    RUN_START("Run-Start", false, "<untitled>");
     EXPECT_EQ(log("ordo.exe"), "");
     EXPECT_EQ(lastText(),
               "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
@@ -247,17 +248,17 @@ TEST_F(Start, ANewClassWithoutANameIsNotBuilt) {
 
 TEST_F(Start, RefusesANewTextThatIsNoClass) {
     EDITWNDNEW(SDIEdit, "text");
-    RUN_START("Run-Start", "<untitled>");
+    RUN_START("Run-Start", false, "<untitled>");
     EXPECT_EQ(lastText(),
               "It is not possible to use the 'Run-Start' command.\n'<untitled>' is not a class, it does "
               "not have the correct extension (*.cls).");
 }
 
 TEST_F(Start, RefusesWhatCannotBeStarted) {
-    RUN_START("Run-Start", "");
+    RUN_START("Run-Start", false, "");
     EXPECT_EQ(lastText(),
               "It is not possible to use the 'Run-Start' command.\nThere is no file to build or run.");
-    RUN_START("Run-Start", dir + "a.txt");
+    RUN_START("Run-Start", false, dir + "a.txt");
     EXPECT_EQ(lastText(), "It is not possible to use the 'Run-Start' command.\n'" + dir +
                               "a.txt' is not a class, it does not have the correct extension (*.cls).");
 }

@@ -111,6 +111,7 @@ TEST_P(OptionsDialog, HasNothingOfItsPlaceOrFontInTheSettings) {
 const Dialog dialogs[] = {
     {"CompOptionsDlg", "tools_options_comp", "Tools-Options-Compiler", "Tools_Options_Compiler"},
     {"EditorOptionsDlg", "tools_options_editor", "Tools-Options-Editor", "Tools_Options_Editor"},
+    {"DebugOptionsDlg", "tools_options_debug", "Tools-Options-Debug", "Tools_Options_Debug"},
     {"GenOptionsDlg", "tools_options_gen", "Tools-Options-General", "Tools_Options_General"},
     {"PathsOptionsDlg", "tools_options_paths", "Tools-Options-Paths", "Tools_Options_Paths"},
     {"KeysOptionsDlg", "tools_options_keys", "Tools-Options-Keyboard", "Tools_Options_Keyboard"}};

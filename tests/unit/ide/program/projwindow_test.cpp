@@ -443,7 +443,7 @@ TEST_F(ProjWindow, ARightClickTellsTheFactsOfTheRow) {
 
 TEST_F(ProjWindow, ButtonsWithoutACommandAreDisabled) {
     open();
-    const bool enabled[] = {true, false, true, false, true, false, true};
+    const bool enabled[] = {true, true, true, true, true, false, true};
     for (int n = 1; n <= 7; ++n)
         EXPECT_EQ(GetEnabled(FINDCONTROL(ProjectEditorDlg, "bitmapbutton" + STR(n))), enabled[n - 1]) << n;
     const Picture face = LoadPicture(GetPicture(FINDCONTROL(ProjectEditorDlg, "bitmapbutton1")));

@@ -61,7 +61,8 @@ TEST_F(Settings, CutInHalfLackTheSectionsBehindTheCut) {
 TEST(Commands, WithoutAHandlerAreKnown) {
     EXPECT_TRUE(HASHANDLER("file_open"));
     EXPECT_TRUE(HASHANDLER("btnfile_open"));
-    EXPECT_FALSE(HASHANDLER("program_add_class"));
+    EXPECT_TRUE(HASHANDLER("program_add_class"));
+    EXPECT_FALSE(HASHANDLER("program_add_database"));
     EXPECT_FALSE(HASHANDLER("no_such_control"));
 }
 

@@ -81,5 +81,52 @@ TEST(Dlgutil, ARangeOfControlsIsEnabledButForLabelsAndGroups) {
     platform::useView(std::move(before));
 }
 
+TEST(Dlgutil, AControlIsPutWhereTheNumbersSay) {
+    const TempFolder folder;
+    std::unique_ptr<platform::View> before = platform::useView(platform::makeHeadlessView());
+    const std::string rc = folder / "place.rc";
+    ASSERT_TRUE(
+        os::saveFile(rc, "Place DIALOG\n  POSITION=0 0 200 200\n  Edit e 1\n    POSITION=8 8 40 14\nEND\n")
+            .ok());
+    const Object window("Place"), edit("Place", 1);
+    ASSERT_EQ(Load(window, rc, "Place"), "");
+    const auto place = [&] {
+        return std::vector<int>{GETX(edit), GETY(edit), GETWIDTH(edit), GETHEIGHT(edit)};
+    };
+    AUTOPOSITION(edit, 11, 12, 53, 24);
+    EXPECT_EQ(place(), (std::vector<int>{11, 12, 53, 24}));
+    AUTOPOSITION(edit, -1, 0, -1, 30);
+    EXPECT_EQ(place(), (std::vector<int>{11, 0, 53, 30}));
+    EXPECT_EQ(ErrorCell(), 0);
+    Unload(window);
+    platform::useView(std::move(before));
+}
+
+TEST(Dlgutil, ARowIsFoundByItsBeginningOrAsAWhole) {
+    const TempFolder folder;
+    std::unique_ptr<platform::View> before = platform::useView(platform::makeHeadlessView());
+    const std::string rc = folder / "rows.rc";
+    ASSERT_TRUE(os::saveFile(rc, "Rows DIALOG\n  Listbox l 1\n  Listbox none 2\nEND\n").ok());
+    const Object window("Rows"), list("Rows", 1), none("Rows", 2);
+    ASSERT_EQ(Load(window, rc, "Rows"), "");
+    for (const char* const row : {"Apple", "Pear", "apple pie", "", "PEAR"}) AddItem(list, row);
+    const struct {
+        const char* text;
+        int start, begins, whole;
+    } table[] = {
+        {"APP", 0, 1, 0},  {"app", 1, 3, 0},  {"app", 3, 1, 0},        {"apple", 0, 1, 1}, {"apple", 1, 3, 1},
+        {"pear", 2, 5, 5}, {"pear", 5, 2, 2}, {"", 0, 1, 4},           {"", 4, 5, 4},      {"plum", 0, 0, 0},
+        {"app", 99, 1, 0}, {"app", -1, 1, 0}, {"apple pies", 0, 0, 0},
+    };
+    for (const auto& row : table) {
+        EXPECT_EQ(FINDSTRING(list, row.text, row.start), row.begins) << row.text << " " << row.start;
+        EXPECT_EQ(FINDSTRINGEXACT(list, row.text, row.start), row.whole) << row.text << " " << row.start;
+    }
+    EXPECT_EQ(FINDSTRING(none, "", 0), 0);
+    EXPECT_EQ(ErrorCell(), 0);
+    Unload(window);
+    platform::useView(std::move(before));
+}
+
 }  // namespace
 }  // namespace tarn

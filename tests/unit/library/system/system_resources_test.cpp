@@ -27,6 +27,7 @@ TEST(Resources, TheFileOfAResourceIsItsPathAsItIsWritten) {
                                  "blanks BITMAP \"my pictures/a b.bmp\"\n"
                                  "slashes INCFILE \"C:\\\\dir\\\\new.txt\"\n"
                                  "placeholder INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n"
+                                 "quote INCFILE \"a \\\"b\\\".txt\"\n"
                                  "options INCFILE PRELOAD fixed \"o.txt\"\n"
                                  "withId 12 INCFILE FIXED \"i.txt\"\n"
                                  "withSymbol IDS INCFILE \"s.txt\"\n"
@@ -46,6 +47,7 @@ TEST(Resources, TheFileOfAResourceIsItsPathAsItIsWritten) {
         {"BITMAP", "blanks", "my pictures/a b.bmp"},
         {"INCFILE", "slashes", "C:\\dir\\new.txt"},
         {"INCFILE", "placeholder", "<RESOURCEDIR>\\r.ico"},
+        {"INCFILE", "quote", "a \"b\".txt"},
         {"INCFILE", "options", "o.txt"},
         {"INCFILE", "withId", "i.txt"},
         {"INCFILE", "withSymbol", "s.txt"},

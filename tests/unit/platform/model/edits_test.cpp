@@ -122,6 +122,10 @@ TEST_F(EditsTest, LineEndsAreToldAndConverted) {
         {"\r\n\r\n", ENDS_CRLF, "\r\n\r\n"},
         {"a\rb", ENDS_CR, "a\r\nb"},
         {"a\r\r\nb\n", ENDS_MIXED, "a\r\n\r\nb\r\n"},
+        {"\r\r", ENDS_CR, "\r\n\r\n"},
+        {"\n\r", ENDS_MIXED, "\r\n\r\n"},
+        {"\n\r\n", ENDS_MIXED, "\r\n\r\n"},
+        {"\r\n\r", ENDS_MIXED, "\r\n\r\n"},
         {std::string("\0\n\xFF", 3), ENDS_LF, std::string("\0\r\n\xFF", 4)},
     };
     for (const auto& [text, ends, pairs] : cases) {

@@ -59,11 +59,22 @@ protected:
 TEST_F(Make, QueriesNameTheFilesOfTheProgramUsedClassesFirst) {
     EXPECT_EQ(query("/fa"), "c.cls b.cls main.cls ");
     EXPECT_EQ(query("/fs"), "c.cls b.cls main.cls ");
-    EXPECT_EQ(query("/ft"), "main.exe ");
+    write("tools/libtarnwick.so", "library");
+    EXPECT_EQ(query("/ft"), "main.exe tools/libtarnwick.so ");
     EXPECT_EQ(query("-fq"), "c.cls b.cls main.cls ");
     write("b.rc", "");
     EXPECT_EQ(query("/fs"), "c.cls b.cls b.rc main.cls ");
-    EXPECT_EQ(query("/ft"), "main.exe main.rcx ");
+    EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so ");
+}
+
+TEST_F(Make, TheRunTimeLibraryIsAmongTheTargetsAndTheEditWindowsWhereThereIsOne) {
+    for (const char* file : {"libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "tarnwick-fatal"})
+        write(std::string("tools/") + file, "library");
+    write("b.rc", "Main DIALOG\nEND\n");
+    EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so tools/libtarnwick-qt.so tools/tarnwick-fatal ");
+    write("c.rc", "Other EditWindow\nEND\n");
+    EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so tools/libtarnwick-qt.so "
+                            "tools/libtarnwick-edit.so tools/tarnwick-fatal ");
 }
 
 // As a device such as /dev/null would be.

@@ -3,7 +3,7 @@
 // See initext.h. A section is sought by its "[" alone, which is rare in such files, and only the lines of the
 // section found are looked at one by one. None of these functions can fail or calls out, so they have no
 // frames.
-#include "library/settings/initext.h"
+#include "os/text/initext.h"
 
 #include "os/text/ascii.h"
 

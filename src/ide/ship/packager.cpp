@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ide/ship/packager.h"
+
+#include "ide/build/toolrun.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
+#include "ide/ship/packager_internal.h"
+#include "library/settings/profstr.h"
+#include "library/ship/copyutil.h"
+#include "library/system/system.h"
+
+MODULE("progmenu", tarn::TOOL_ONERROR)
+
+namespace tarn {
+namespace {
+
+// What the window knows stands in it, under these names.
+constexpr std::string_view MainClassValue = "mainclass", FilesValue = "files";
+
+Object rowsOf(const Object& window) {
+    return FINDCONTROL(window, "iconlist1");
+}
+
+// ---- buttons ----
+
+constexpr int FaceWidth = 64, FaceHeight = 64;  // pixels
+
+struct Button {
+    std::string_view name, caption, icon;
+    void (*action)(const Object& window);
+};
+constexpr Button buttons[] = {
+    {"bitmapbutton1", "Copy to\nfloppy", "disk09.ico", packager::copyToFloppy},
+    {"bitmapbutton2", "Copy to\nfolder", "folder1.ico", packager::copyToFolder},
+    {"bitmapbutton3", "Copy to\nzip file", "zip.ico", packager::copyToZip},
+    {"bitmapbutton4", "Create\ninstaller", "installer1.ico", packager::createInstaller},
+    {"bitmapbutton5", "Help", "help95.ico", SHOWWINDOWHELP},
+    {"bitmapbutton6", "Close\nwindow", "exit3.ico", [](const Object& window) { Unload(window); }},
+};
+
+bool press(const Object& window, const Object& control) {
+    const std::string name = GetName(control);
+    for (const Button& button : buttons) {
+        if (name != button.name) continue;
+        STAMP();
+        button.action(window);
+        return true;
+    }
+    return false;
+}
+
+bool pressKey(const Object& window, int key) {
+    if (key == KEY_ESCAPE) Unload(window);
+    if (key == KEY_F1) SHOWWINDOWHELP(window);
+    return key == KEY_ESCAPE || key == KEY_F1;
+}
+
+void load(const Object& window) {
+    for (const Button& button : buttons) {
+        const std::string icon =
+            FILEBASENAME(button.icon);  // a resource of this program, which has no extension
+        SetPicture(FINDCONTROL(window, button.name),
+                   PictureName(TBITMAP(FaceWidth, FaceHeight, button.caption, icon)));
+    }
+}
+
+const RegisteredWindow registered("PackagerDlg", PACKAGERDLG);
+
+}  // namespace
+
+std::string packager::mainClassOf(const Object& window) {
+    return GetArrayValue(window, MainClassValue);
+}
+std::string packager::filesOf(const Object& window) {
+    return GetArrayValue(window, FilesValue);
+}
+void packager::setFiles(const Object& window, const std::string& files) {
+    FRAME(PACKAGER_SETFILES);
+    STAMP();
+    SetArrayValue(window, FilesValue, files);
+    LISTBOXADDFILES(rowsOf(window), files);
+    SetCaption(FINDCONTROL(window, "label2"), "&Files (" + STR(LISTBOXCOUNTFILES(rowsOf(window))) + "):");
+    STAMP();
+}
+
+bool PACKAGERDLG(const Object& window, int event, const Object& control, int parameter) {
+    FRAME(PACKAGERDLG);
+    STAMP();
+    bool result = true;
+    switch (event) {
+    case LOAD_EVENT: load(window); break;
+    case COMMAND_EVENT: result = press(window, control); break;
+    case KEYPRESS_EVENT: result = pressKey(window, parameter); break;
+    default: result = false;
+    }
+    STAMP();
+    return result;
+}
+
+void PACKAGERDIALOG(const Object& owner, const std::string& mainClass, const std::string& files,
+                    const std::string& text) {
+    FRAME(PACKAGERDIALOG);
+    static_cast<void>(owner);  // a modal window belongs to the one that is active
+    STAMP();
+    Load(PackagerDlg);
+    STAMP();
+    SetArrayValue(PackagerDlg, MainClassValue, mainClass);
+    SetCaption(FINDCONTROL(PackagerDlg, "label1"), text);
+    packager::setFiles(PackagerDlg, files);
+    STAMP();
+    Show(PackagerDlg, true);
+    STAMP();
+}
+
+// ---- rows ----
+
+void LISTBOXADDFILES(const Object& control, const std::string& files) {
+    FRAME(LISTBOXADDFILES);
+    STAMP();
+    Clear(control);
+    const std::string lines = files + "\n";
+    for (int i = 1; i <= STRLINES(lines); ++i) {
+        STAMP();
+        const std::string path = COPYPATH(STRLINE(lines, i));
+        if (path.empty()) continue;
+        const std::int64_t size = FileSize(path);
+        const std::string shown = size < 0 ? "(missing)" : std::to_string(size) + " byte(s)";
+        AddItem(control, FILEGETFNAME(path) + "\t" + shown, size < 0 ? "cross" : "tick");
+    }
+    STAMP();
+}
+
+int LISTBOXCOUNTFILES(const Object& control) {
+    FRAME(LISTBOXCOUNTFILES);
+    STAMP();
+    return GetListCount(control);
+}
+
+}  // namespace tarn

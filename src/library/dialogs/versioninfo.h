@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The version block of a program: company, copyright and version as they stand in the resource file of its main class,
+//
+//     VS_VERSION_INFO VERSIONINFO
+//         FILEVERSION 1,0,0,0
+//         ...
+//                 VALUE "CompanyName", "Ann & Co.\0"
+//
+// A quote in a text stands there twice. Control characters, which no text of a resource can hold, become blanks. Cost:
+// linear in the text; loading and saving read and write the resource file.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+inline constexpr std::string_view DefaultVersionName = "VS_VERSION_INFO";
+
+struct VersionFields {
+    std::string comments = {}, company = {}, copyright = {}, trademarks = {}, product = {}, description = {};
+    std::string version = {};  // four numbers parted by blanks
+    bool operator==(const VersionFields&) const = default;
+};
+
+// What is not there is empty.
+VersionFields VERSIONINFOTOFIELDS(std::string_view text);
+// Numbers that are missing are 0.
+std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fields,
+                                const std::string& fileStem);
+std::string GETDEFAULTVERSIONINFO(const std::string& fileStem);  // the block of a new program
+std::string REMOVETRAILINGNULL(std::string_view text);           // without the two characters `\0` at the end
+
+struct LoadedVersion {
+    VersionFields fields;
+    bool ok = false;     // otherwise what is wrong was told
+    bool found = false;  // there is a block of that name
+};
+// The block of the resource file beside the main file; no name stands for no block.
+LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& name);
+// False, and told, if it could not be written; the file is as it was then.
+bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields);
+
+}  // namespace tarn

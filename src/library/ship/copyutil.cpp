@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the commands share, and those that copy the files as they are.
+#include "library/ship/copyutil.h"
+
+#include "library/ship/copyutil_internal.h"
+#include "os/files.h"
+#include "os/process.h"
+
+#include <algorithm>
+
+MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
+
+namespace tarn {
+namespace ship {
+
+WaitLabel::WaitLabel(const Object& owner, const std::string& text)
+    : label_(IsLoaded(owner) ? FINDCONTROL(owner, "lblwait") : Object()) {
+    if (!label_.empty()) SetCaption(label_, text);
+}
+WaitLabel::~WaitLabel() {
+    if (!label_.empty() && IsLoaded(label_)) SetCaption(label_, "");
+}
+
+namespace {
+
+std::string captionOf(const Object& owner) {
+    return IsLoaded(owner) ? GetCaption(owner) : std::string();
+}
+
+}  // namespace
+
+void tell(const Object& owner, const std::string& text, BoxIcon icon) {
+    MsgBox(captionOf(owner), text, "OK", icon);
+}
+
+std::string ask(const Object& owner, const std::string& text, const std::string& buttons, BoxIcon icon) {
+    return MsgBox(captionOf(owner), text, buttons, icon);
+}
+
+std::string indented(const std::string& lines) {
+    const std::string some = LIMITLINES(lines, MostListed);
+    std::string text;
+    for (int i = 1; i <= STRLINES(some); ++i) text += "\t" + STRLINE(some, i) + "\n";
+    return text;
+}
+
+bool reported(void* longWork, std::int64_t done, std::int64_t total) {
+    return static_cast<LongWork*>(longWork)->go(done, total);
+}
+
+std::string toolPath(std::string_view name) {
+    return os::executableFolder() + std::string(name);
+}
+
+std::string outsideTool(std::string_view name) {
+    const std::string beside = FINDTOOL(toolPath(name));
+    if (!beside.empty()) return beside;
+    const std::string path = STRREPLACE(os::environment("PATH"), ":", ";");
+    const std::string found = FILEFINDPATHNAME(path, name);
+    return found.empty() ? FILEFINDPATHNAME(path, FILEBASENAME(name)) : found;
+}
+
+bool hasTool(const Object& owner, std::string_view name, const std::string& word,
+             const std::string& purpose) {
+    if (!outsideTool(name).empty()) return true;
+    tell(owner,
+         "This command requires the '" + word + "' program to " + purpose + "\nHowever the " + word +
+             " program '" + toolPath(name) + "' does not exist.",
+         BoxIcon::Error);
+    return false;
+}
+
+CopyList checked(const Object& owner, const std::string& files, const std::string& reason,
+                 const std::string& limit) {
+    constexpr std::int64_t Byte = 1;
+    CopyList list = GETSEGMENTEDFILELIST(files, MaxPackageSize, Byte);
+    if (list.disks() > 1) list = {-1, {}};
+    if (!list.canBeCopied())
+        tell(owner,
+             "Cannot copy files.\n" + reason + "\n(" + limit + " is " + std::to_string(MaxPackageSize) +
+                 " bytes)",
+             BoxIcon::Error);
+    return list;
+}
+
+}  // namespace ship
+
+using namespace ship;
+
+// ---- floppy disks ----
+
+namespace {
+
+constexpr const char* DoNotFit = "Some of the files do not exist, or they are too large to fit on the disk.";
+
+// What the disk in the drive has room for: no more than a disk of its kind, whatever the folder has.
+std::int64_t freeOn(const FloppyDrive& drive) {
+    std::int64_t used = 0, free = 0;
+    const std::string files = GETDISKFILELIST(drive.folder, "*.*");
+    for (int i = 1; i <= STRLINES(files); ++i) {
+        const std::string file = FILEADDSEPARATOR(drive.folder) + COPYPATH(STRLINE(files, i));
+        const CopyList one = GETSEGMENTEDFILELIST(file, drive.capacity, drive.allocationUnit);
+        used += one.canBeCopied() ? one.roundedSize(1) : drive.capacity;
+    }
+    if (os::files().freeSpace(os::native(drive.folder), free) != os::FileError::None) return 0;
+    return std::clamp<std::int64_t>(drive.capacity - used, 0, std::max<std::int64_t>(free, 0));
+}
+
+class FloppyCopy {
+public:
+    FloppyCopy(const Object& owner, const CopyList& list, const FloppyDrive& drive)
+        : owner_(owner), list_(list), drive_(drive) {}
+
+    bool run() {
+        const int disks = list_.disks();
+        tell(owner_, "You need " + STR(disks) + " blank floppy disk" + STRPLURAL(disks));
+        for (int disk = 1; disk <= disks; ++disk)
+            if (!insert(disk) || !hasRoom(disk) || !copy(disk) || !matches(disk)) return false;
+        tell(owner_, "Successfully copied " + std::to_string(list_.files.size()) + " file(s) to " +
+                         STR(disks) + " floppy disk(s).");
+        return true;
+    }
+
+private:
+    bool insert(int disk) {
+        return ask(owner_,
+                   "Insert floppy disk " + STR(disk) + " and click OK, or press Cancel to stop copying.",
+                   "OK\nCancel", BoxIcon::Information) == "OK";
+    }
+    bool hasRoom(int disk) {
+        const std::int64_t free = freeOn(drive_), needed = list_.roundedSize(disk);
+        if (free >= needed) return true;
+        tell(owner_,
+             "Disk " + STR(disk) + " has " + std::to_string(free) + " byte(s) free, but " +
+                 std::to_string(needed) + " are needed.\nTry again with another floppy disk.",
+             BoxIcon::Error);
+        return false;
+    }
+    bool copy(int disk) {
+        LongWork work("Please wait, copying files to floppy disk...");
+        static_cast<void>(FILECOPYLIST(list_.paths(disk), drive_.folder, reported, &work));
+        return !work.stopped();
+    }
+    bool matches(int disk) {
+        if (STRSORT(GETDISKFILELIST(drive_.folder, "*.*")) == STRSORT(FILELISTLINES(list_.paths(disk))))
+            return true;
+        tell(owner_,
+             "After copying files to Disk " + STR(disk) +
+                 " the files on the disk do not match the file list.\nEither some of the files could not be "
+                 "copied, or the disk was not a blank disk.\nTry again with another blank floppy disk.",
+             BoxIcon::Error);
+        return false;
+    }
+
+    const Object& owner_;
+    const CopyList& list_;
+    const FloppyDrive& drive_;
+};
+
+}  // namespace
+
+bool COPYTOFLOPPY(const Object& owner, const std::string& files, const FloppyDrive& drive) {
+    FRAME(COPYTOFLOPPY);
+    STAMP();
+    const WaitLabel wait(owner, "Please wait, copying files to floppy disk...");
+    const CopyList list = GETSEGMENTEDFILELIST(files, drive.capacity, drive.allocationUnit);
+    STAMP();
+    if (!list.canBeCopied()) {
+        tell(owner,
+             "Cannot copy files.\n" + std::string(DoNotFit) + "\n(the disk size is " +
+                 std::to_string(drive.capacity) + " bytes)\nTry copying to a Zip file instead.",
+             BoxIcon::Error);
+        return false;
+    }
+    return FloppyCopy(owner, list, drive).run();
+}
+
+// ---- a folder ----
+
+namespace {
+
+// The names that stand in the list and in the folder.
+std::string namesInBoth(const CopyList& list, const std::string& folder) {
+    std::string names;
+    for (const CopyFile& file : list.files) {
+        const std::string name = FILEGETFNAME(file.Name);
+        if (FileSize(FILEADDSEPARATOR(folder) + name) >= 0) names += name + "\n";
+    }
+    return STRSORT(names);
+}
+
+bool mayOverwrite(const Object& owner, const std::string& names, const std::string& folder) {
+    return names.empty() ||
+           ask(owner,
+               "The folder '" + folder + "' already contains the following file(s):\n\n" + indented(names) +
+                   "\nIf you copy to this folder, the file(s) may be overwritten.\nDo you want to continue?",
+               "Quit\nContinue", BoxIcon::Warning) == "Continue";
+}
+
+}  // namespace
+
+bool COPYTOFOLDER(const Object& owner, const std::string& files, const std::string& folder) {
+    FRAME(COPYTOFOLDER);
+    STAMP();
+    const WaitLabel wait(owner, "Please wait, copying files to a folder...");
+    const CopyList list = checked(owner, files, DoNotFit, "the disk size");
+    STAMP();
+    if (!list.canBeCopied() || !mayOverwrite(owner, namesInBoth(list, folder), folder)) return false;
+    std::string failed;
+    {
+        LongWork work("Please wait, copying files to a folder...");
+        failed = FILECOPYLIST(list.paths(1), folder, reported, &work);
+        if (work.stopped()) return false;
+    }
+    STAMP();
+    if (failed.empty())
+        tell(owner,
+             "Successfully copied " + std::to_string(list.files.size()) + " file(s) to '" + folder + "'.");
+    else
+        tell(owner,
+             "The following file(s) could not be copied:\n\n" + indented(failed) +
+                 "\nThe file(s) could not be found, or the destination...\n'" + folder +
+                 "' could not be written.",
+             BoxIcon::Error);
+    return failed.empty();
+}
+
+}  // namespace tarn

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the commands of copyutil.h share.
+#pragma once
+
+#include "library/ship/copylist.h"
+#include "library/system/longwork.h"
+#include "library/system/system.h"
+
+#include <string>
+#include <string_view>
+
+namespace tarn::ship {
+
+inline constexpr int MostListed = 20;  // lines of files in a box
+
+// Shows a text in the label "lblwait" of the window as long as it lives.
+class WaitLabel {
+public:
+    WaitLabel(const Object& owner, const std::string& text);
+    ~WaitLabel();
+    WaitLabel(const WaitLabel&) = delete;
+    WaitLabel& operator=(const WaitLabel&) = delete;
+
+private:
+    Object label_;
+};
+
+void tell(const Object& owner, const std::string& text, BoxIcon icon = BoxIcon::Information);
+std::string ask(const Object& owner, const std::string& text, const std::string& buttons, BoxIcon icon);
+std::string indented(const std::string& lines);  // at most MostListed lines, a tab before each
+bool reported(void* longWork, std::int64_t done, std::int64_t total);  // a CopyProgress
+
+// The file to start for a tool that lies beside this program or on PATH; empty if there is none.
+std::string outsideTool(std::string_view name);
+std::string toolPath(std::string_view name);  // where it is expected
+// Tells that a command needs a program that is not there: its word ("zip") and what it is for. True if it is there.
+bool hasTool(const Object& owner, std::string_view name, const std::string& word, const std::string& purpose);
+// The files, if they all exist and fit; otherwise empty, and the user is told by the two lines behind the first.
+CopyList checked(const Object& owner, const std::string& files, const std::string& reason,
+                 const std::string& limit);
+
+}  // namespace tarn::ship

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// tarnwick-setup: the program in front of a package, which installs it, and without one the program that removes what was
+// installed. It needs nothing but the C library, so that it starts wherever the installed program would.
+//
+//     NAME-install.exe [--quiet] [--home | --system | --folder FOLDER]
+//     NAME-install.exe --check
+//     uninstall [--quiet]
+//
+// Without a place the user is asked for it, with --quiet it is the home. The exit code is 0 when all was done, 1 when it
+// could not be done (and then everything is as it was), 2 for arguments that it does not know, 3 when the user left.
+#include "os/instance.h"
+#include "os/paths.h"
+#include "os/process.h"
+#include "toolchain/setup/asking.h"
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+using namespace tarn;
+
+constexpr int Done = 0, Failed = 1, Usage = 2, Left = 3;
+
+volatile std::sig_atomic_t stopped = 0;
+
+struct Options {
+    bool quiet = false, check = false, understood = true;
+    enum class Place { Ask, Home, System, Folder } place = Place::Ask;
+    std::string folder;
+};
+
+Options readOptions(const std::vector<std::string>& arguments) {
+    using Place = Options::Place;
+    Options options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& word = arguments[i];
+        if (word == "--quiet")
+            options.quiet = true;
+        else if (word == "--check")
+            options.check = true;
+        else if (word == "--home")
+            options.place = Place::Home;
+        else if (word == "--system")
+            options.place = Place::System;
+        else if (word == "--folder" && i + 1 < arguments.size()) {
+            options.place = Place::Folder;
+            options.folder = arguments[++i];
+        } else
+            options.understood = false;
+    }
+    if (options.quiet && options.place == Place::Ask) options.place = Place::Home;
+    return options;
+}
+
+// Installations of one user go one after the other: each takes what an earlier one has left for half done. A lock that
+// cannot be made stops nobody.
+bool waitForOthers() {
+    constexpr int Patience = 60 * 1000;
+    return os::acquireInstanceLock("tarnwick-setup", Patience) != os::LockState::Busy;
+}
+constexpr const char* OtherRuns = "Another installation is under way.";
+
+// A path from the current folder on, unless it is a full one.
+std::string fullPath(const std::string& path) {
+    return path.starts_with('/') ? path : os::joined(os::files().currentFolder(), path);
+}
+
+// False if the user leaves.
+bool askPlace(setup::User& user, const setup::Package& package, Options& options) {
+    using Place = Options::Place;
+    const std::string home = setup::placesInHome(package).app, system = setup::placesInSystem(package).app;
+    const std::string title = "Install " + package.name;
+    const std::string text = "Where shall '" + (package.title.empty() ? package.name : package.title) +
+                             "' be installed?\n\nFor me: " + home + "\nFor everybody: " + system;
+    constexpr Place places[] = {Place::Home, Place::System, Place::Folder};
+    const std::size_t choice =
+        user.ask(title, text, {"For &me", "For &everybody", "&Other folder", "&Cancel"});
+    if (choice >= std::size(places)) return false;
+    options.place = places[choice];
+    if (options.place == Place::Folder) {
+        options.folder = user.askFolder(title, os::folderOf(home));
+        // The user names a folder for programs; this one gets its own in it.
+        if (!options.folder.empty()) options.folder = os::joined(options.folder, package.name);
+    }
+    return options.place != Place::Folder || !options.folder.empty();
+}
+
+setup::Places placesOf(const Options& options, const setup::Package& package) {
+    switch (options.place) {
+    case Options::Place::System: return setup::placesInSystem(package);
+    case Options::Place::Folder: return setup::placesInFolder(package, fullPath(options.folder));
+    default: return setup::placesInHome(package);
+    }
+}
+
+int install(const setup::Installer& installer, Options options) {
+    const std::string title = "Install " + installer.package.name;
+    setup::User user(options.quiet);
+    if (options.place == Options::Place::Ask) {
+        user.useWindowsOf(installer);
+        if (!user.canAsk()) {
+            user.tell(
+                title,
+                "There is no screen and no terminal to ask on. Use --home, --system, or --folder FOLDER.");
+            return Usage;
+        }
+        if (!askPlace(user, installer.package, options)) return Left;
+    }
+    const setup::Places places = placesOf(options, installer.package);
+    if (places.app.empty()) {
+        user.tell(title, "There is no home folder: the variable HOME is not set.");
+        return Failed;
+    }
+    const auto goesOn = [&user](std::int64_t done, std::int64_t total) {
+        user.progress(done, total);
+        return stopped == 0;
+    };
+    const std::string failure = waitForOthers() ? setup::install(installer, places, goesOn) : OtherRuns;
+    if (!failure.empty())
+        user.tell(title, installer.package.name + " was not installed.\n" + failure);
+    else if (!options.quiet)
+        user.tell(title, installer.package.name + " was installed in '" + places.app +
+                             "'.\nTo remove it, run '" + places.app + "/" +
+                             std::string(setup::UninstallName) + "'.");
+    return failure.empty() ? Done : Failed;
+}
+
+int uninstall(const std::string& app, const std::string& name, const Options& options) {
+    setup::User user(options.quiet);
+    const std::string title = "Uninstall " + name;
+    if (!options.quiet) {
+        user.useWindowsIn(app);
+        if (!user.canAsk()) {
+            user.tell(title, "There is no screen and no terminal to ask on. Use --quiet.");
+            return Usage;
+        }
+        if (user.ask(title, "Shall " + name + " be removed from '" + app + "'?", {"&Remove", "&Cancel"}) != 0)
+            return Left;
+    }
+    bool stayed = false;
+    const std::string failure = waitForOthers() ? setup::uninstall(app, stayed) : OtherRuns;
+    if (!failure.empty())
+        user.tell(title, name + " was not removed.\n" + failure);
+    else if (stayed)
+        user.tell(title, "Files in '" + app + "' that were not installed have stayed.");
+    return failure.empty() ? Done : Failed;
+}
+
+int damaged() {
+    std::fputs("This installer is damaged or incomplete. Get it again.\n", stderr);
+    return Failed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    os::setCommandLine(argc, argv);
+    const Options options = readOptions(os::commandLine());
+    if (!options.understood) {
+        std::fputs("options: --quiet, --home, --system, --folder FOLDER, --check\n", stderr);
+        return Usage;
+    }
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, [](int) { stopped = 1; });
+    std::string self;
+    os::files().resolve(os::executablePath(), self);
+    setup::Installer installer;
+    setup::Layout layout;
+    const setup::Whole whole = setup::checkInstaller(self, layout);
+    const std::string app = os::folderOf(self), name = setup::installedName(app);
+    if (whole == setup::Whole::NoPackage && !name.empty() && os::nameOf(self) == setup::UninstallName)
+        return options.check ? Done : uninstall(app, name, options);
+    if (whole != setup::Whole::Yes || !setup::openInstaller(self, layout, installer).empty())
+        return damaged();
+    return options.check ? Done : install(installer, options);
+}

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Makes an installer of a script: one executable file, which is there whole or not at all; one of that name that was there
+// before stays until then.
+#pragma once
+
+#include "toolchain/setup/script.h"
+
+#include <string>
+#include <vector>
+
+namespace tarn::setup {
+
+struct MakeRequest {
+    std::string script;        // file
+    std::string made;          // file
+    std::string setupProgram;  // what installs: goes in front of the package
+    std::string askProgram =
+        {};  // what asks in windows; empty, or without the libraries that it needs: left out
+};
+// What is wrong, for the user, one a line with file and line; empty on success. Cost: reads each file twice.
+std::string makeInstaller(const MakeRequest& request);
+
+}  // namespace tarn::setup

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "os/paths.h"
+#include "toolchain/setup/install.h"
+#include "toolchain/setup/work_internal.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tarn::setup {
+namespace {
+
+constexpr const char* Saved = ".saved";
+
+os::FileError removeFlat(const std::string& folder) {
+    std::vector<std::string> names;
+    os::files().list(folder, names);
+    for (const std::string& name : names) os::files().remove(folder + "/" + name);
+    return os::files().removeFolder(folder);
+}
+
+bool isChanged(const std::string& file, const InstalledFile& installed) {
+    std::uint64_t sum = 0;
+    return os::sizeOf(file) >= 0 &&
+           (os::sizeOf(file) != installed.size || !sumOf(file, sum) || sum != installed.sum);
+}
+
+// Under which nothing stands in the folder.
+std::string freeName(const std::string& folder, const std::string& name) {
+    std::string free = name;
+    for (int i = 2; exists(folder + "/" + free); ++i) free = name + std::to_string(i);
+    return free;
+}
+
+}  // namespace
+
+bool exists(const std::string& path) {
+    return os::infoOf(path).exists;
+}
+
+// ---- the work folder ----
+
+WorkFolder::WorkFolder(const std::string& app)
+    : path_(os::joined(os::folderOf(app), "." + os::nameOf(app) + ".setup")) {}
+
+std::string WorkFolder::keptEntry(std::size_t number) const {
+    return path_ + "/entry" + std::to_string(number);
+}
+
+void WorkFolder::remove() const {
+    if (!exists(path_)) return;
+    Installed before;
+    static_cast<void>(readInstalled(old(), before));
+    static_cast<void>(removeInstalled(old(), before));
+    removeFlat(fresh());
+    removeFlat(path_);
+}
+
+// ---- the journal ----
+
+std::string textOf(const Journal& journal) {
+    std::string text = journal.had ? "had\n" : "";
+    for (std::size_t i = 0; i < journal.entries.size(); ++i) {
+        const Journal::Entry& entry = journal.entries[i];
+        text += (entry.kept ? "kept " + std::to_string(i) + " " : std::string("entry ")) + entry.path + "\n";
+    }
+    for (const std::string& folder : journal.folders) text += "folder " + folder + "\n";
+    return text;
+}
+
+Journal readJournal(const std::string& text) {
+    Journal journal;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        const std::string line = text.substr(at, end - at);
+        const std::size_t slash = line.find('/');
+        if (line == "had") journal.had = true;
+        if (slash != std::string::npos) {
+            const std::string path = line.substr(slash);
+            if (line.starts_with("folder "))
+                journal.folders.push_back(path);
+            else
+                journal.entries.push_back({path, line.starts_with("kept ")});
+        }
+        at = end + 1;
+    }
+    return journal;
+}
+
+// ---- files that are not the installation's ----
+
+os::FileError moveStrangers(const std::string& from, const Installed& list, const std::string& to) {
+    std::vector<std::string> names;
+    os::FileError error = os::files().list(from, names);
+    for (const std::string& name : names) {
+        const InstalledFile* const own = list.find(name);
+        const bool changed = own != nullptr && isChanged(from + "/" + name, *own);
+        if (list.owns(name) && !changed) continue;
+        const bool taken = changed || exists(to + "/" + name);
+        if (error == os::FileError::None)
+            error =
+                os::files().rename(from + "/" + name, to + "/" + (taken ? freeName(to, name + Saved) : name));
+    }
+    return error;
+}
+
+os::FileError moveStrangersBack(const std::string& from, const Installed& list, const std::string& to) {
+    std::vector<std::string> names;
+    os::FileError error = os::files().list(from, names);
+    for (const std::string& name : names) {
+        if (list.owns(name)) continue;
+        const std::size_t saved = name.rfind(Saved);
+        const std::string before = saved == std::string::npos ? name : name.substr(0, saved);
+        const bool wasBefore = before != name && !exists(to + "/" + before);
+        if (error == os::FileError::None)
+            error = os::files().rename(from + "/" + name, to + "/" + (wasBefore ? before : name));
+    }
+    return error;
+}
+
+os::FileError removeInstalled(const std::string& app, const Installed& list) {
+    for (const InstalledFile& file : list.files) {
+        const os::FileError error = os::files().remove(app + "/" + file.name);
+        if (error != os::FileError::None && error != os::FileError::NotFound) return error;
+    }
+    os::files().remove(app + "/" + std::string(UninstallName));
+    os::files().remove(app + "/" + std::string(ListName));  // the last, so that it can be done again
+    os::files().removeFolder(app);
+    return os::FileError::None;
+}
+
+// ---- desktop entries ----
+
+namespace {
+
+std::string besideEntry(const std::string& path) {
+    return os::joined(os::folderOf(path), "." + os::nameOf(path) + ".setup");
+}
+
+}  // namespace
+
+os::FileError writeEntry(const std::string& path, std::string_view text, std::uint32_t mode) {
+    const std::string made = besideEntry(path);
+    os::Handle handle = -1;
+    os::files().remove(made);
+    os::FileError error = os::files().open(made, os::OpenMode::CreateNew, mode, handle);
+    if (error != os::FileError::None) return error;
+    error = os::files().write(handle, 0, text);
+    if (error == os::FileError::None) error = os::files().sync(handle);
+    const os::FileError closed = os::files().close(handle);
+    if (error == os::FileError::None) error = closed;
+    if (error == os::FileError::None) error = os::files().setMode(made, mode);
+    if (error == os::FileError::None) error = os::files().rename(made, path);
+    if (error != os::FileError::None) os::files().remove(made);
+    return error;
+}
+
+// ---- undoing ----
+
+namespace {
+
+// The place gets back what was there before the installation.
+os::FileError undoPlace(const WorkFolder& work, const std::string& app, const Journal& journal) {
+    const bool moved = exists(work.old());
+    const bool placed = exists(app) && !exists(work.fresh()) && (moved || !journal.had);
+    if (placed) {
+        Installed list;
+        static_cast<void>(readInstalled(app, list));
+        os::FileError error = moved ? moveStrangersBack(app, list, work.old()) : os::FileError::None;
+        if (error == os::FileError::None) error = removeInstalled(app, list);
+        if (error != os::FileError::None) return error;
+    }
+    return moved ? os::files().rename(work.old(), app) : os::FileError::None;
+}
+
+os::FileError undoEntries(const WorkFolder& work, const Journal& journal) {
+    os::FileError first = os::FileError::None;
+    for (std::size_t i = 0; i < journal.entries.size(); ++i) {
+        const Journal::Entry& entry = journal.entries[i];
+        std::string text;
+        os::files().remove(besideEntry(entry.path));
+        os::FileError error = os::FileError::None;
+        if (!entry.kept)
+            error = os::files().remove(entry.path);
+        else if (os::readFile(work.keptEntry(i), text) == os::FileError::None)
+            error = writeEntry(entry.path, text, os::infoOf(work.keptEntry(i)).mode & 0777U);
+        if (error != os::FileError::None && error != os::FileError::NotFound) first = error;
+    }
+    return first;
+}
+
+}  // namespace
+
+std::string undoUnfinished(const std::string& app) {
+    const WorkFolder work(app);
+    if (!exists(work.path())) return {};
+    std::string text;
+    if (os::readFile(work.journal(), text) == os::FileError::None) {
+        const Journal journal = readJournal(text);
+        os::FileError error = undoPlace(work, app, journal);
+        if (error == os::FileError::None) error = undoEntries(work, journal);
+        if (error != os::FileError::None)
+            return "An earlier installation was not finished, and it cannot be undone: " +
+                   std::string(os::describe(error));
+        for (auto folder = journal.folders.rbegin(); folder != journal.folders.rend(); ++folder)
+            os::files().removeFolder(*folder);
+        os::files().remove(work.journal());
+    }
+    work.remove();
+    return {};
+}
+
+}  // namespace tarn::setup

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Version blocks: from fields to text and back, and in resource files.
+#include "library/dialogs/versioninfo.h"
+
+#include "kernel/run/runtime.h"
+#include "kernel/windows/resources.h"
+#include "os/files.h"
+#include "platform/model/view.h"
+#include "support/tempfolder.h"
+
+#include <gtest/gtest.h>
+
+namespace tarn {
+namespace {
+
+const VersionFields full{"None", "Ann & Co.", "(c) Ann", "Boo (TM)", "Shelf", "Keeps books", "4 5 6 7"};
+
+constexpr const char* block = "MyInfo VERSIONINFO\n"
+                              "    FILEVERSION 4,5,6,7\n"
+                              "    PRODUCTVERSION 4,5,6,7\n"
+                              "    FILEFLAGSMASK 0x3f\n"
+                              "    FILEFLAGS 0x0\n"
+                              "    FILEOS 0x10004\n"
+                              "    FILETYPE 0x1\n"
+                              "    FILESUBTYPE 0x0\n"
+                              "BEGIN\n"
+                              "    BLOCK \"StringFileInfo\"\n"
+                              "    BEGIN\n"
+                              "        BLOCK \"080904b0\"\n"
+                              "        BEGIN\n"
+                              "            VALUE \"Comments\", \"None\\0\"\n"
+                              "            VALUE \"CompanyName\", \"Ann & Co.\\0\"\n"
+                              "            VALUE \"FileDescription\", \"Keeps books\\0\"\n"
+                              "            VALUE \"FileVersion\", \"4.5.6.7\\0\"\n"
+                              "            VALUE \"InternalName\", \"shelf\\0\"\n"
+                              "            VALUE \"LegalCopyright\", \"(c) Ann\\0\"\n"
+                              "            VALUE \"LegalTrademarks\", \"Boo (TM)\\0\"\n"
+                              "            VALUE \"OriginalFilename\", \"shelf\\0\"\n"
+                              "            VALUE \"ProductName\", \"Shelf\\0\"\n"
+                              "            VALUE \"ProductVersion\", \"4.5.6.7\\0\"\n"
+                              "        END\n"
+                              "    END\n"
+                              "    BLOCK \"VarFileInfo\"\n"
+                              "    BEGIN\n"
+                              "        VALUE \"Translation\", 0x809, 1200\n"
+                              "    END\n"
+                              "END\n";
+
+TEST(VersionInfo, FieldsAreWrittenAsABlock) {
+    EXPECT_EQ(FIELDSTOVERSIONINFO("MyInfo", full, "shelf"), block);
+}
+
+TEST(VersionInfo, ABlockGivesItsFields) {
+    EXPECT_EQ(VERSIONINFOTOFIELDS(block), full);
+}
+
+TEST(VersionInfo, TheBlockOfANewProgram) {
+    const std::string text = GETDEFAULTVERSIONINFO("app1");
+    EXPECT_TRUE(text.starts_with("VS_VERSION_INFO VERSIONINFO\n    FILEVERSION 1,3,2207,0\n"
+                                 "    PRODUCTVERSION 1,3,2207,0\n"))
+        << text;
+    EXPECT_NE(text.find("        BEGIN\n"
+                        "            VALUE \"CompanyName\", \"\\0\"\n"
+                        "            VALUE \"FileDescription\", \"Created by Tarnwick 1.3\\0\"\n"
+                        "            VALUE \"FileVersion\", \"1.3.2207.0\\0\"\n"
+                        "            VALUE \"InternalName\", \"app1\\0\"\n"
+                        "            VALUE \"OriginalFilename\", \"app1\\0\"\n"
+                        "            VALUE \"ProductName\", \"app1 Application\\0\"\n"
+                        "            VALUE \"ProductVersion\", \"1.3.2207.0\\0\"\n"
+                        "        END\n"),
+              std::string::npos)
+        << text;
+    for (const char* const none : {"Comments", "LegalCopyright", "LegalTrademarks"})
+        EXPECT_EQ(text.find(none), std::string::npos) << none;
+    const VersionFields fields = VERSIONINFOTOFIELDS(text);
+    EXPECT_EQ(fields,
+              (VersionFields{"", "", "", "", "app1 Application", "Created by Tarnwick 1.3", "1 3 2207 0"}));
+}
+
+TEST(VersionInfo, LinesOfAnyFormAreRead) {
+    const struct {
+        const char* text;
+        VersionFields fields;
+    } table[] = {
+        {"", {}},
+        {"value \"companyname\" , \"x\"", {.company = "x"}},
+        {"VALUE \"CompanyName\", \"a\\0\\0\"", {.company = "a\\0"}},
+        {"VALUE \"CompanyName\", x", {.company = "x"}},
+        {"VALUE \"CompanyName\",", {}},
+        {"VALUE CompanyName, \"x\\0\"", {}},
+        {"VALUES \"CompanyName\", \"x\\0\"", {}},
+        {"VALUE \"CompanyName\", \"not ended", {}},
+        {"\tVALUE \"Comments\", \"\\0\"\r\n", {}},
+        {"VALUE \"FileVersion\", \"9.9.9.9\\0\"", {}},
+        {"  fileversion 1, 2 ,3,4", {.version = "1 2 3 4"}},
+        {"FILEVERSION 1,2,3\n", {.version = "1 2 3"}},
+        {"FILEVERSION", {}},
+        {"PRODUCTVERSION 1,2,3,4\nFILEFLAGS 0x0", {}},
+        {"VALUE \"ProductName\", \"one\\0\"\nVALUE \"ProductName\", \"two\\0\"", {.product = "two"}},
+    };
+    for (const auto& row : table) EXPECT_EQ(VERSIONINFOTOFIELDS(row.text), row.fields) << row.text;
+}
+
+TEST(VersionInfo, MissingNumbersAreZero) {
+    for (const auto& [version, numbers] : {std::pair{"", "0,0,0,0"},
+                                           {"1", "1,0,0,0"},
+                                           {"1 2 3", "1,2,3,0"},
+                                           {" 1  2 3 4 ", "1,2,3,4"},
+                                           {"1 2 3 4 5", "1,2,3,4"}}) {
+        const std::string text = FIELDSTOVERSIONINFO("V", {.version = version}, "a");
+        EXPECT_NE(text.find("    FILEVERSION " + std::string(numbers) + "\n"), std::string::npos) << version;
+    }
+}
+
+TEST(VersionInfo, AnyTextComesBackFromAFile) {
+    const TempFolder folder;
+    std::unique_ptr<platform::View> before = platform::useView(platform::makeHeadlessView());
+    const std::string main = folder / "a.cls", rc = folder / "a.rc";
+    ASSERT_TRUE(os::saveFile(main, "Class a").ok());
+    for (const char* const text :
+         {"plain", "\"quoted\"", "a \" b", "\\", "C:\\new\\", "END", "// no comment", "BEGIN",
+          "\xC3\xA4 \xE4 \x80", "a, b", "", " blanks ", "\"", "\\0", "\"\"", "\\\""}) {
+        const VersionFields fields{text, text, text, text, text, text, "1 2 3 4"};
+        EXPECT_TRUE(SAVEVERSIONINFO(main, "Info", fields)) << text;
+        const LoadedVersion loaded = LOADVERSIONINFO(main, "Info");
+        EXPECT_TRUE(loaded.ok && loaded.found) << text;
+        EXPECT_EQ(loaded.fields, fields) << text;
+        EXPECT_EQ(ResourceInfo(rc, "VERSIONINFO", "*").error, "") << text;
+    }
+    EXPECT_EQ(VERSIONINFOTOFIELDS(FIELDSTOVERSIONINFO("V", {.comments = "a\tb\nc"}, "a")).comments, "a b c");
+    platform::useView(std::move(before));
+}
+
+TEST(VersionInfo, ATrailingNullIsTakenOff) {
+    for (const auto& [text, result] : {std::pair{"a\\0", "a"},
+                                       {"a", "a"},
+                                       {"\\0", ""},
+                                       {"", ""},
+                                       {"0", "0"},
+                                       {"a\\0\\0", "a\\0"},
+                                       {"\\0a", "\\0a"}})
+        EXPECT_EQ(REMOVETRAILINGNULL(text), result) << text;
+}
+
+// ---- messages ----
+
+class VersionFile : public testing::Test {
+protected:
+    TempFolder folder;
+    std::vector<std::string> told;
+    std::unique_ptr<platform::View> before;
+    void SetUp() override {
+        before = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
+            told.push_back(question.title + ": " + question.text);
+            return std::string();
+        }));
+    }
+    void TearDown() override {
+        EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
+        platform::useView(std::move(before));
+    }
+    std::string write(const char* name, std::string_view text) {
+        EXPECT_TRUE(os::saveFile(folder / name, text).ok());
+        return folder / name;
+    }
+};
+
+TEST_F(VersionFile, WithoutAMainFileThereAreNone) {
+    for (const std::string& file : {std::string(), folder / "none.cls"}) {
+        told.clear();
+        EXPECT_FALSE(LOADVERSIONINFO(file, "Info").ok);
+        EXPECT_FALSE(SAVEVERSIONINFO(file, "Info", full));
+        ASSERT_EQ(told.size(), 2U);
+        EXPECT_EQ(told[0], "Program Properties: The Program Properties are not available because there is no "
+                           "main file.\nOpen a file in the program window then try again.");
+        EXPECT_EQ(told[1], "Program Properties: The Program Properties cannot be updated because there is no "
+                           "main file.\nOpen a file in the program window then try again.");
+    }
+}
+
+TEST_F(VersionFile, WithoutABlockThereAreNoFields) {
+    const std::string main = write("a.cls", "");
+    EXPECT_TRUE(LOADVERSIONINFO(main, "Info").ok);
+    write("a.rc", "");
+    EXPECT_TRUE(LOADVERSIONINFO(main, "Info").ok);
+    write("a.rc", "Main DIALOG\nEND\n");
+    const LoadedVersion loaded = LOADVERSIONINFO(main, "Info");
+    EXPECT_TRUE(loaded.ok);
+    EXPECT_FALSE(loaded.found);
+    EXPECT_EQ(loaded.fields, VersionFields{});
+    EXPECT_TRUE(LOADVERSIONINFO(write("b.cls", ""), "").ok);
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(VersionFile, ABlockWithAFaultIsTold) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", "Info VERSIONINFO\n    FILEVERSION 1,2,3,4\nBEGIN\n");
+    EXPECT_FALSE(LOADVERSIONINFO(main, "Info").ok);
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_TRUE(told[0].starts_with(
+        "Program Properties: Cannot load the Program Properties. The following error occurred:\n"))
+        << told[0];
+}
+
+TEST_F(VersionFile, ABlockIsReplacedInItsPlace) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", "Main DIALOG\nEND\n" + FIELDSTOVERSIONINFO("Info", {}, "a") + "Other DIALOG\nEND\n");
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "info", full));
+    std::string text;
+    os::readFile(folder / "a.rc", text);
+    EXPECT_EQ(text, "Main DIALOG\nEND\n" + FIELDSTOVERSIONINFO("info", full, "a") + "Other DIALOG\nEND\n");
+}
+
+TEST_F(VersionFile, AFileThatCannotBeWrittenIsTold) {
+    const std::string main = write("a.cls", "");
+    std::filesystem::create_directory(folder / "a.rc");
+    EXPECT_FALSE(SAVEVERSIONINFO(main, "Info", full));
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_TRUE(told[0].starts_with(
+        "Program Properties: Cannot save the Program Properties. The following error occurred:\n"))
+        << told[0];
+}
+
+TEST_F(VersionFile, AResourceFileInUpperCaseIsTheTwin) {
+    const std::string main = write("a.CLS", "");
+    write("a.RC", FIELDSTOVERSIONINFO("Info", full, "a"));
+    EXPECT_EQ(LOADVERSIONINFO(main, "Info").fields, full);
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "Info", full));
+    EXPECT_FALSE(os::infoOf(folder / "a.rc").exists);
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,352 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The ways to bring files to users: every box, in its order, and what is left when something fails.
+#include "library/ship/copyutil.h"
+
+#include "library/system/system.h"
+#include "os/files.h"
+#include "os/process.h"
+#include "platform/model/model.h"
+#include "platform/model/view.h"
+#include "support/errorcell.h"
+#include "support/tempfolder.h"
+
+#include <deque>
+#include <gtest/gtest.h>
+
+namespace tarn {
+namespace {
+
+class ShipCopies : public ::testing::Test {
+protected:
+    TempFolder dir;
+    std::deque<std::string> answers;  // to the questions in turn; closed boxes when none is left
+    std::vector<platform::Question> asked;
+    std::function<void()> meanwhile;  // while a box is open
+
+    void SetUp() override {
+        ClearError();
+        before_ = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
+            asked.push_back(question);
+            if (meanwhile) meanwhile();
+            if (answers.empty()) return std::string();
+            std::string answer = answers.front();
+            answers.pop_front();
+            return answer;
+        }));
+        folder("program"), folder("files"), folder("to");
+        std::string program =
+            dir / "program/ide";  // a name of this program, so that the folder counts as its own
+        std::filesystem::create_symlink(std::filesystem::read_symlink("/proc/self/exe"), program);
+        char* arguments[] = {program.data(), nullptr};
+        os::setCommandLine(1, arguments);
+        std::filesystem::current_path(dir.path());
+        drive = {dir / "to", 1000, 100};
+    }
+    void TearDown() override {
+        std::filesystem::current_path("/");
+        platform::useView(std::move(before_));
+        EXPECT_EQ(takeError(), 0);
+        EXPECT_TRUE(answers.empty());
+    }
+    void folder(const std::string& name) { std::filesystem::create_directory(dir / name); }
+    std::string make(const std::string& name, const std::string& bytes) {
+        EXPECT_TRUE(os::saveFile(dir / name, bytes, os::Durability::Unsynced).ok());
+        return dir / name;
+    }
+    // A line of a list for a new file of that size.
+    std::string file(const std::string& name, std::size_t size) {
+        return make("files/" + name, std::string(size, 'x')) + "\t" + std::to_string(size) + " byte(s)\n";
+    }
+    void tool(const std::string& name, const std::string& script) {
+        make("program/" + name, "#!/bin/sh\n" + script + "\n");
+        std::filesystem::permissions(dir / "program/" + name, std::filesystem::perms::owner_all);
+    }
+    [[nodiscard]] std::string lastText() const { return asked.empty() ? "" : asked.back().text; }
+    [[nodiscard]] std::string listing(const std::string& name) const {
+        return GETDISKFILELIST(dir / name, "*.*");
+    }
+    std::string read(const std::string& name) {
+        std::string bytes;
+        os::readFile(dir / name, bytes);
+        return bytes;
+    }
+
+    FloppyDrive drive;
+    const Object owner;
+
+private:
+    std::unique_ptr<platform::View> before_;
+};
+
+// ---- floppy disks ----
+
+TEST_F(ShipCopies, FloppyDisksAreAskedForOneAfterTheOther) {
+    const std::string files = file("a", 450) + file("b", 500) + file("c", 600) + file("d", 0);
+    answers = {"OK", "OK", "OK", "OK"};
+    meanwhile = [this] {
+        if (asked.size() != 3) return;  // the user changes the disks
+        for (const char* name : {"to/a", "to/b"}) std::filesystem::remove(dir / name);
+    };
+    EXPECT_TRUE(COPYTOFLOPPY(owner, files, drive));
+    ASSERT_EQ(asked.size(), 4U);
+    EXPECT_EQ(asked[0].text, "You need 2 blank floppy disks");
+    EXPECT_EQ(asked[1].text, "Insert floppy disk 1 and click OK, or press Cancel to stop copying.");
+    EXPECT_EQ(asked[1].buttons, (std::vector<std::string>{"OK", "Cancel"}));
+    EXPECT_EQ(asked[2].text, "Insert floppy disk 2 and click OK, or press Cancel to stop copying.");
+    EXPECT_EQ(asked[3].text, "Successfully copied 4 file(s) to 2 floppy disk(s).");
+    EXPECT_EQ(listing("to"), "c\t600\nd\t0\n");
+}
+
+TEST_F(ShipCopies, OneFloppyDiskIsNoPlural) {
+    EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 1), drive)) << "the second box was closed";
+    EXPECT_EQ(asked[0].text, "You need 1 blank floppy disk");
+    EXPECT_EQ(asked.size(), 2U);
+    EXPECT_EQ(listing("to"), "");
+}
+
+TEST_F(ShipCopies, AMissingOrTooLargeFileBlocksTheFloppy) {
+    for (const std::string& files : {file("a", 1) + dir / "none\n", file("a", 1001)}) {
+        EXPECT_FALSE(COPYTOFLOPPY(owner, files, drive));
+        EXPECT_EQ(lastText(),
+                  "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on "
+                  "the disk.\n(the disk size is 1000 bytes)\nTry copying to a Zip file instead.");
+    }
+    EXPECT_EQ(asked.size(), 2U);
+}
+
+TEST_F(ShipCopies, ADiskWithTooLittleRoomIsTold) {
+    make("to/old", std::string(250, 'x'));  // three units
+    answers = {"OK", "OK"};
+    EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 750), drive));
+    EXPECT_EQ(lastText(),
+              "Disk 1 has 700 byte(s) free, but 800 are needed.\nTry again with another floppy disk.");
+    EXPECT_EQ(listing("to"), "old\t250\n");
+    drive.folder = dir / "none";
+    answers = {"OK", "OK"};
+    EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 750), drive));
+    EXPECT_EQ(lastText(),
+              "Disk 1 has 0 byte(s) free, but 800 are needed.\nTry again with another floppy disk.");
+}
+
+TEST_F(ShipCopies, ADiskThatIsNotBlankIsToldBehindTheCopying) {
+    make("to/old", "x");
+    answers = {"OK", "OK"};
+    EXPECT_FALSE(COPYTOFLOPPY(owner, file("a", 10), drive));
+    EXPECT_EQ(lastText(),
+              "After copying files to Disk 1 the files on the disk do not match the file list.\nEither "
+              "some of the files could not be copied, or the disk was not a blank disk.\nTry again with "
+              "another blank floppy disk.");
+    EXPECT_EQ(listing("to"), "a\t10\nold\t1\n") << "what was copied stays";
+}
+
+// ---- a folder ----
+
+TEST_F(ShipCopies, AFolderGetsTheFiles) {
+    EXPECT_TRUE(COPYTOFOLDER(owner, file("a b", 3) + file("c", 0), dir / "to"));
+    EXPECT_EQ(asked.size(), 1U);
+    EXPECT_EQ(lastText(), "Successfully copied 2 file(s) to '" + dir / "to" + "'.");
+    EXPECT_EQ(listing("to"), "a b\t3\nc\t0\n");
+}
+
+TEST_F(ShipCopies, FilesThatAreThereAlreadyAreAskedAbout) {
+    make("to/c", "old");
+    make("to/other", "mine");
+    const std::string files = file("a", 3) + file("c", 1);
+    const std::string question =
+        "The folder '" + dir / "to" +
+        "' already contains the following file(s):\n\n\tc\n\nIf you copy to this folder, the "
+        "file(s) may be overwritten.\nDo you want to continue?";
+    for (const std::string answer : {"Quit", ""}) {
+        answers = {answer};
+        EXPECT_FALSE(COPYTOFOLDER(owner, files, dir / "to"));
+        EXPECT_EQ(lastText(), question);
+        EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Quit", "Continue"}));
+        EXPECT_EQ(listing("to"), "c\t3\nother\t4\n");
+    }
+    answers = {"Continue"};
+    EXPECT_TRUE(COPYTOFOLDER(owner, files, dir / "to"));
+    EXPECT_EQ(listing("to"), "a\t3\nc\t1\nother\t4\n");
+}
+
+TEST_F(ShipCopies, LongListsEndWithMore) {
+    std::string files, shown;
+    for (char c = 'a'; c <= 'z'; ++c) {
+        files += file(std::string(1, c), 1);
+        make(std::string("to/") + c, "old");
+        if (c < 'a' + 19) shown += std::string("\t") + c + "\n";
+    }
+    EXPECT_FALSE(COPYTOFOLDER(owner, files, dir / "to"));
+    EXPECT_NE(lastText().find(":\n\n" + shown + "\t...(more)...\n\nIf"), std::string::npos) << lastText();
+}
+
+TEST_F(ShipCopies, AMissingFileBlocksTheFolderBeforeItIsLookedAt) {
+    make("to/a", "old");
+    EXPECT_FALSE(COPYTOFOLDER(owner, file("a", 1) + dir / "none\n", dir / "to"));
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on the "
+              "disk.\n(the disk size is 600000000 bytes)");
+    EXPECT_EQ(asked.size(), 1U);
+    EXPECT_EQ(read("to/a"), "old");
+}
+
+TEST_F(ShipCopies, MoreThanTheLargestSizeBlocksTheFolder) {
+    const std::string a = make("files/a", ""), b = make("files/b", "");
+    std::filesystem::resize_file(a, 300'000'000);
+    std::filesystem::resize_file(b, 300'000'001);
+    EXPECT_FALSE(COPYTOFOLDER(owner, a + "\n" + b + "\n", dir / "to"));
+    EXPECT_NE(lastText().find("(the disk size is 600000000 bytes)"), std::string::npos) << lastText();
+}
+
+TEST_F(ShipCopies, FilesThatCannotBeCopiedAreListed) {
+    const std::string files = file("a", 1) + file("b", 1);
+    EXPECT_FALSE(COPYTOFOLDER(owner, files, dir / "none"));
+    EXPECT_EQ(lastText(), "The following file(s) could not be copied:\n\n\t" + dir / "files/a" + "\n\t" +
+                              dir / "files/b" +
+                              "\n\nThe file(s) could not be found, or the destination...\n'" + dir / "none" +
+                              "' could not be written.");
+}
+
+// ---- zip files ----
+
+TEST_F(ShipCopies, AZipFileHoldsEveryFileWithoutItsFolder) {
+    answers = {dir / "to/my zip.zip", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("a b.txt", 3) + file("c'd", 0) + file("-e", 5), ""));
+    ASSERT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked[0].kind, platform::Question::Kind::SaveFile);
+    EXPECT_EQ(asked[0].value, dir / "out.zip");
+    EXPECT_EQ(lastText(), "Successfully zipped 3 file(s) to '" + dir / "to/my zip.zip" + "'.");
+    EXPECT_EQ(std::filesystem::is_empty(dir / "to"), false);
+    EXPECT_EQ(listing("to").substr(0, 11), "my zip.zip\t") << listing("to");
+    EXPECT_EQ(STRLINES(listing("to")), 1);
+    EXPECT_TRUE(ISNAMEINLIST(read("unzip.err"), "c'd", 0)) << read("unzip.err");
+}
+
+TEST_F(ShipCopies, NamesOfOtherScriptsAreFoundInTheListing) {
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("\xC3\xA4\xE2\x82\xAC.txt", 3), "")) << read("unzip.err") << lastText();
+}
+
+TEST_F(ShipCopies, ASecondZipReplacesTheFirst) {
+    answers = {dir / "to/a", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("first", 3), dir / "x.zip"));
+    EXPECT_EQ(asked[0].value, dir / "x.zip");
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("second", 3), dir / "x.zip"));
+    EXPECT_FALSE(ISNAMEINLIST(read("unzip.err"), "first", 3)) << read("unzip.err");
+    EXPECT_TRUE(ISNAMEINLIST(read("unzip.err"), "second", 3));
+    EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
+}
+
+TEST_F(ShipCopies, TheZipProgramIsAskedForFirstThenUnzip) {
+    const Variable path("PATH", dir / "none");
+    const std::string missing = dir / "none\n";
+    EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
+    EXPECT_EQ(lastText(),
+              "This command requires the 'zip' program to compress the files.\nHowever the zip program '" +
+                  dir / "program/zip.exe" + "' does not exist.");
+    tool("zip", "exit 0");
+    EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
+    EXPECT_EQ(lastText(),
+              "This command requires the 'unzip' program to test the zipped files.\nHowever the unzip "
+              "program '" +
+                  dir / "program/unzip.exe" + "' does not exist.");
+    tool("unzip.exe", "exit 0");
+    EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the zip "
+              "file.\n(the maximum zip file size is 600000000 bytes)");
+    EXPECT_EQ(asked.size(), 3U);
+}
+
+TEST_F(ShipCopies, AZipThatFailsIsToldAndTheOldOneStays) {
+    make("to/a.zip", "the old one");
+    tool("zip", "echo half > \"$1\"; exit 3");
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_FALSE(COPYTOZIP(owner, file("a", 1) + file("b", 2), ""));
+    EXPECT_EQ(lastText(), "The following file(s) could not be zipped:\n\n\t" + dir / "files/a" + "\n\t" +
+                              dir / "files/b" +
+                              "\n\nThe file(s) could not be found, or the destination...\n'" +
+                              dir / "to/a.zip" + "' could not be written.");
+    EXPECT_EQ(read("to/a.zip"), "the old one");
+    EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
+}
+
+TEST_F(ShipCopies, TheZipProgramGetsACallForEachFile) {
+    tool("zip", "echo \"$*\" >> " + dir / "calls");
+    tool("unzip", "echo \"$*\" >> " + dir / "calls");
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_FALSE(COPYTOZIP(owner, file("a b", 1) + file("c", 2), ""));
+    const std::string made = dir / "to/.a-1.zip";
+    EXPECT_EQ(read("calls"), made + " -j -9 " + dir / "files/a b" + "\n" + made + " -j -9 " +
+                                 dir / "files/c" + "\n-Z -s --t --h " + made + "\n");
+    EXPECT_EQ(read("unzip.err"), "");
+}
+
+TEST_F(ShipCopies, AnOldListingIsNotTakenForTheNewOne) {
+    make("unzip.err", "-rw-r--r--  3.0 unx        1 tx defX 26-Nov-22 16:33 a\n");
+    tool("unzip", "exit 1");
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_FALSE(COPYTOZIP(owner, file("a", 1), ""));
+    EXPECT_EQ(listing("to"), "");
+}
+
+TEST_F(ShipCopies, WithoutAChosenFileNothingIsZipped) {
+    answers = {""};
+    EXPECT_FALSE(COPYTOZIP(owner, file("a", 1), ""));
+    EXPECT_EQ(asked.size(), 1U);
+}
+
+// ---- installers ----
+
+class ShipInstallers : public ShipCopies {
+protected:
+    bool run(const std::string& files) {
+        return COPYTOINSTALLER(owner, "Ann", "(c)", "Product", "Counts", "1.2", "1 2 0 0", "", files,
+                               dir / "files/prog.cls");
+    }
+};
+
+TEST_F(ShipInstallers, TheProgramIsAskedForThenTheFiles) {
+    EXPECT_FALSE(run(dir / "none\n"));
+    EXPECT_EQ(lastText(),
+              "This command requires the 'installer' program to create the installer.\nHowever the "
+              "installer program '" +
+                  dir / "program/iscc.exe" + "' does not exist.");
+    tool("iscc.exe", "exit 0");
+    EXPECT_FALSE(run(dir / "none\n"));
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the "
+              "installer.\n(the maximum size of the files to be installed is 600000000 bytes)");
+    EXPECT_EQ(asked.size(), 2U);
+}
+
+TEST_F(ShipInstallers, TheCompilerGetsTheScriptAndMakesTheFileBesideTheProgram) {
+    tool("iscc.exe", "for a in \"$@\"; do echo \"$a\" >> " + dir / "calls" + "; done; echo made > " +
+                         dir / "files/prog-install.exe");
+    answers = {"Close"};
+    EXPECT_TRUE(run(file("prog.exe", 3) + file("an.ICO", 1)));
+    EXPECT_EQ(read("calls"), dir / "files/prog-install.iss" + "\n/O" + dir / "files" + "\n/Fprog-install\n");
+    EXPECT_EQ(lastText(), "Created '" + dir / "files/prog-install.exe" + "'");
+    EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Close", "Show Script"}));
+    EXPECT_NE(read("files/prog-install.iss")
+                  .find("Source:\"" + dir / "files/an.ICO" +
+                        "\"; DestDir:\"{app}\\\"; DestName:\"mainicon.ico\";\n"),
+              std::string::npos)
+        << "the icon among the files";
+}
+
+TEST_F(ShipInstallers, WithoutANewFileItWasNotCreatedAndTheOldOneStays) {
+    make("files/prog-install.exe", "the old one");
+    tool("iscc.exe", "echo 'x.iss(3) : error : something'; exit 0");
+    answers = {"Close"};
+    EXPECT_FALSE(run(file("prog.exe", 3)));
+    EXPECT_EQ(lastText(),
+              "Could not create '" + dir / "files/prog-install.exe" + "'\n\nx.iss(3) : error : something");
+    EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Close", "Show Script"}));
+    EXPECT_EQ(read("files/prog-install.exe"), "the old one");
+    EXPECT_EQ(GETDISKFILELIST(dir / "files", ".iscc*"), "");
+}
+
+}  // namespace
+}  // namespace tarn
