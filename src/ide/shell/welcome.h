@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The welcome: recent programs, the examples with their pictures, and the ways to begin. It comes by itself at the first
-// start that opens nothing, and at later ones if its box is ticked. Cost: a look at the recent files and the examples.
+// The welcome: recent programs, the examples with their pictures, and the ways to begin. It comes by itself at each
+// start that opens nothing, until its box is unticked. Cost: a look at the recent files and the examples.
 #pragma once
 
 #include "kernel/windows/windowing.h"
