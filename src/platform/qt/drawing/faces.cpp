@@ -15,7 +15,7 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr int Gap = 2;  // pixels between picture and text, and at the edges
+constexpr int Gap = 2;  // pixels between picture and text, and above and below them
 
 class FaceEngine : public QIconEngine {
 public:
@@ -31,11 +31,11 @@ public:
         painter->scale(double(rect.width()) / size_.width(), double(rect.height()) / size_.height());
         painter->setRenderHint(QPainter::SmoothPixmapTransform);
         QFont font = QApplication::font();
-        const QRect room = QRect(QPoint(), size_).adjusted(Gap, Gap, -Gap, -Gap);
+        const QRect room = QRect(QPoint(), size_).adjusted(0, Gap, 0, -Gap);
         const int flags = Qt::AlignHCenter | Qt::AlignBottom | Qt::TextWordWrap;
         // A text that is too wide for the face gets smaller letters.
-        while (font.pointSize() > 6 && textRect(font, room, flags).width() > room.width())
-            font.setPointSize(font.pointSize() - 1);
+        while (font.pointSizeF() > 6 && textRect(font, room, flags).width() > room.width())
+            font.setPointSizeF(font.pointSizeF() - 0.5);
         const int below = text_.isEmpty() ? 0 : textRect(font, room, flags).height() + Gap;
         painter->setFont(font);
         painter->setPen(palette.color(group, QPalette::ButtonText));
