@@ -13,7 +13,8 @@ MODULE("runexe", tarn::TOOL_ONERROR)
 
 namespace tarn {
 
-void RUNEXEFILE(const std::string& exe, int trace, bool singleStep, const std::string& runTo) {
+void RUNEXEFILE(const std::string& title, const std::string& exe, int trace, bool singleStep,
+                const std::string& runTo) {
     FRAME(RUNEXEFILE);
     const std::string ini = GETIDEINIFILE();
     STAMP();
@@ -23,7 +24,7 @@ void RUNEXEFILE(const std::string& exe, int trace, bool singleStep, const std::s
         PROFILESTRPUT(ini, DebugSection, RunToKey, runTo);
     STAMP();
     // A program runs in its own folder, where the files lie that it names without one.
-    RUNPROGRAM("Run-Start", exe, PROFILESTRGET(ini, "ArgumentsDlg", "Edit1"), FILEGETDIR(exe));
+    RUNPROGRAM(title, exe, PROFILESTRGET(ini, "ArgumentsDlg", "Edit1"), FILEGETDIR(exe));
     STAMP();
 }
 

@@ -152,7 +152,7 @@ void RUN_START(const std::string& title, bool debug, const std::string& file) {
     const std::string exe = readyProgram(title, debug, file);
     STAMP();
     if (exe.empty()) return;
-    RUNEXEFILE(exe, trace, debug);
+    RUNEXEFILE(title, exe, trace, debug);
     STAMP();
 }
 
@@ -163,7 +163,7 @@ void RUN_TO_LINE(const std::string& title, const std::string& file, const std::s
     const std::string exe = readyProgram(title, true, file);
     STAMP();
     if (exe.empty()) return;
-    RUNEXEFILE(exe, trace, false, className + " " + STR(line));
+    RUNEXEFILE(title, exe, trace, false, className + " " + STR(line));
     STAMP();
 }
 

@@ -132,14 +132,20 @@ Refusal refusedByDisk(const Wish& wish) {
         return {ClassExtension,
                 "The new class cannot be created, this directory does not exist.\nChoose a directory that "
                 "exists.\n"};
-    if (FileSize(wish.file(ClassExtension)) >= 0)
+    const auto taken = [&wish](std::string_view extension) {
+        return !NAMEINFOLDER(wish.directory, FILEGETFNAME(wish.file(extension))).empty();
+    };
+    if (taken(ClassExtension))
         return {ClassExtension,
                 std::string("The new class cannot be created, this class file already exists.\n") +
                     otherName};
-    if (wish.wantsWindow() && FileSize(wish.file(ResourceExtension)) >= 0)
+    if (wish.wantsWindow() && taken(ResourceExtension))
         return {ResourceExtension,
                 std::string("The new class cannot be created, this dialog file already exists.\n") +
                     otherName};
+    if (ISRESERVEDWORD(wish.name))
+        return {ClassExtension, "The new class cannot be created, its name is a word of the language.\n"
+                                "Choose a different name for the new class.\n"};
     return {};
 }
 

@@ -4,6 +4,7 @@
 #include "ide/build/toolrun.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/textedit.h"
+#include "ide/program/members/messages.h"
 #include "ide/program/progprops.h"
 #include "ide/program/projwindow.h"
 #include "library/system/system.h"
@@ -57,12 +58,13 @@ void PROJECTITEMEDIT(const Object& window) {
     const ProjectRow row = PROJECTITEMINFO(window);
     if (row.row == 0) return Sound();
     STAMP();
-    std::string reason = obstacleOf(row.item);
-    if (reason.empty() && !edit(row.item)) reason = "There is no editor for this type of file.";
+    std::string text;
+    if (const std::string reason = obstacleOf(row.item); !reason.empty())
+        text = FILEMESSAGE(row.item.file, reason, "Cannot edit the following file:");
+    else if (!edit(row.item))
+        text = FILEMESSAGE(row.item.file, "There is no editor for this type of file.");
     STAMP();
-    if (!reason.empty() && IsLoaded(window))
-        MSGBOX(GetCaption(window),
-               "Cannot edit the following file:\n\n\t'" + row.item.file + "'\n\n" + reason);
+    if (!text.empty() && IsLoaded(window)) MSGBOX(GetCaption(window), text);
 }
 
 }  // namespace tarn

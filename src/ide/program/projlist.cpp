@@ -217,26 +217,34 @@ std::string FILEOFRESOURCE(const std::string& file, const std::string& line,
 
 // ---- folders of a program ----
 
+std::string NAMEINFOLDER(std::string_view folder, std::string_view name) {
+    FRAME(NAMEINFOLDER);
+    if (folder.empty() || name.empty()) return {};
+    const std::string exact = FILEADDSEPARATOR(folder) + std::string(name);
+    if (FileSize(exact) >= 0) return std::string(name);
+    std::vector<std::string> names;
+    if (os::files().list(os::native(FILEADDSEPARATOR(folder)), names) != os::FileError::None) return {};
+    const auto found = std::find_if(names.begin(), names.end(),
+                                    [&](const std::string& each) { return STREQUAL(each, name); });
+    return found != names.end() ? *found : std::string();
+}
+
 std::string FOLDERLISTFINDFILE(const std::string& folders, std::string_view file) {
     FRAME(FOLDERLISTFINDFILE);
     const std::string name = FILEGETFNAME(file), lines = folders + "\n";
     std::string found;
     for (int n = 1; n <= STRLINES(lines); ++n) {
         const std::string folder = STRTRIM(STRLINE(lines, n));
-        const std::string path = FILEADDSEPARATOR(folder) + name;
-        if (!folder.empty() && !name.empty() && FileSize(path) >= 0) found += path + "\n";
+        const std::string there = NAMEINFOLDER(folder, name);
+        if (!there.empty()) found += FILEADDSEPARATOR(folder) + there + "\n";
     }
     return found;
 }
 
 bool ISLIBRARYFILE(std::string_view file) {
     FRAME(ISLIBRARYFILE);
-    const std::string folder = FILEADDSEPARATOR(GETINHERITEDLIBPATH());
-    const std::string name = FILEGETFNAME(FILECHANGEEXT(file, ClassExtension));
-    std::vector<std::string> names;
-    if (folder.empty() || os::files().list(os::native(folder), names) != os::FileError::None) return false;
-    return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& each) { return STREQUAL(each, name); });
+    STAMP();
+    return !NAMEINFOLDER(GETINHERITEDLIBPATH(), FILEGETFNAME(FILECHANGEEXT(file, ClassExtension))).empty();
 }
 
 }  // namespace tarn

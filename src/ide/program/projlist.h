@@ -54,7 +54,9 @@ ProjectPlace FINDMAINFILE(const std::vector<std::string>& items, std::string_vie
 std::string FILEOFRESOURCE(const std::string& file, const std::string& line,
                            const PlaceholderFolders& folders);
 
-// Of the folders, one a line, those that hold a file of this name and extension: folder and name, one a line.
+// The name of a file in the folder that is this one in any case; empty if there is none.
+std::string NAMEINFOLDER(std::string_view folder, std::string_view name);
+// Of the folders, one a line, those that hold a file of this name and extension, in any case: folder and name, one a line.
 std::string FOLDERLISTFINDFILE(const std::string& folders, std::string_view file);
 // Whether a class of this name, in any case, lies in the library folder.
 bool ISLIBRARYFILE(std::string_view file);

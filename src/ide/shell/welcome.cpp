@@ -7,6 +7,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "kernel/windows/focus.h"
 #include "library/dialogs/commdlgs_examples.h"
 #include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
@@ -71,6 +72,7 @@ void load(const Object&) {
     fillRecent();
     fillExamples();
     showExample();
+    if (!GetEnabled(part("lstrecent"))) SetFocus(part("btnprogram"));
 }
 
 // ---- events ----

@@ -40,8 +40,10 @@ struct Candidate {
     std::string mainFile;
 };
 
+// A member whose file has gone can leave its group.
 bool isNowhere(const Candidate& one) {
-    return !FILECHK(one.item.file) || (isGroupOfFiles(one.item) && FileSize(one.item.file) < 0);
+    const bool group = isGroupOfFiles(one.item) && one.item.level == 1;
+    return !FILECHK(one.item.file) || (group && FileSize(one.item.file) < 0);
 }
 
 // A class of the library leaves the program, and is not modified itself.

@@ -93,7 +93,7 @@ TEST_F(Output, ShowsTheArgumentsAndTheProgramsFolder) {
     write("prog.exe", "#!/bin/sh\npwd\nprintf '%s\\n' \"$@\"\n");
     std::filesystem::permissions(dir + "prog.exe", std::filesystem::perms(0755));
     PROFILESTRPUT(ini(), "ArgumentsDlg", "Edit1", "one \"two words\"");
-    RUNEXEFILE(dir + "prog.exe", 0, false);
+    RUNEXEFILE("Run-Start", dir + "prog.exe", 0, false);
     ASSERT_TRUE(untilState("Ended"));
     EXPECT_EQ(FILEADDSEPARATOR(STRLINE(text(), 1)), dir);
     EXPECT_EQ(STRLINE(text(), 2) + "|" + STRLINE(text(), 3), "one|two words");

@@ -245,6 +245,26 @@ TEST_F(NewProgramRefused, EachByItsWordsAndInTheirOrder) {
     EXPECT_EQ(lastText(), "'" + path() + ".cls'\n" + libraryWords());
 }
 
+TEST_F(NewProgramRefused, ANameThatIsThereInAnotherCase) {
+    write("work/bookS.rc", "");
+    tryBooks();
+    EXPECT_EQ(lastText(), "'" + path() + ".rc'\n" + DialogThere);
+    write("work/BOOKS.cls", "");
+    tryBooks();
+    EXPECT_EQ(lastText(), "'" + path() + ".cls'\n" + ClassThere);
+    EXPECT_FALSE(has("work/Books.cls"));
+}
+
+TEST_F(NewProgramRefused, AWordOfTheLanguage) {
+    fill({{"Name", "Function"}});
+    newClass();
+    EXPECT_EQ(lastText(),
+              "'" + dir +
+                  "work/Function.cls'\nThe new class cannot be created, its name is a word of the "
+                  "language.\nChoose a different name for the new class.\n");
+    EXPECT_FALSE(has("work/Function.cls"));
+}
+
 TEST_F(NewProgramRefused, AFolderThatGoesMeanwhile) {
     std::filesystem::create_directory(dir + "gone");
     doings.emplace_back([this] {

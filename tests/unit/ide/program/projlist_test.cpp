@@ -324,6 +324,8 @@ TEST_F(ProjList, AFileIsFoundInTheFoldersThatHoldIt) {
     const std::string folders = dir + "one\n" + dir + "two/\n\n" + dir + "gone\n" + dir + "three/";
     EXPECT_EQ(FOLDERLISTFINDFILE(folders, "/else/where/a.cls"), dir + "one/a.cls\n" + dir + "three/a.cls\n");
     EXPECT_EQ(FOLDERLISTFINDFILE(folders, "b.cls"), "");
+    write("two/B.Cls", Class);
+    EXPECT_EQ(FOLDERLISTFINDFILE(folders, "b.cls"), dir + "two/B.Cls\n") << "in any case";
     EXPECT_EQ(FOLDERLISTFINDFILE("", "a.cls"), "");
     EXPECT_EQ(FOLDERLISTFINDFILE(folders, ""), "");
 }

@@ -81,11 +81,21 @@ TEST_F(RemoveItem, WithoutARowItBeeps) {
     EXPECT_EQ(platform::headlessBeeps(), before + 2);
 }
 
-TEST_F(RemoveItem, AFileThatIsNowhere) {
+TEST_F(RemoveItem, AGroupWhoseFileIsNowhere) {
+    UPDATEPROJECTWINDOW(ProjectEditorDlg, mainFile, "1 \"x\" \"BITMAP\" \"x\" \"" + dir + "prog/gone.bmp\"\n",
+                        {});
+    SetListIndex(FINDCONTROL(ProjectEditorDlg, "Iconlist1"), 1);
+    expectRefused(Remove, dir + "prog/gone.bmp",
+                  "The file is not a full path, or it does not exist, or it cannot be found.");
+}
+
+TEST_F(RemoveItem, AMemberWhoseFileHasGoneLeavesItsResourceFile) {
     choose("BITMAP pic", "Included bitmaps");
     std::filesystem::remove(dir + "prog/pic.bmp");
-    expectRefused(Remove, dir + "prog/pic.bmp",
-                  "The file is not a full path, or it does not exist, or it cannot be found.");
+    answerWith("Remove");
+    remove();
+    EXPECT_EQ(told(), std::vector<std::string>{"Removed pic from '" + rcFile() + "'\n"});
+    EXPECT_FALSE(has("BITMAP", "pic"));
 }
 
 TEST_F(RemoveItem, AReadOnlyFileBeforeAnythingElse) {
