@@ -242,6 +242,12 @@ constexpr EventRow events[] = {
     {CLOSE_EVENT, [](int) { return !closes(); }},
 };
 
+// The mouse on a scroll bar is the bar's own, and not of the design below it.
+bool isOfScrollBar(int event, const Object& control) {
+    const bool mouse = event == MOUSEDOWN_EVENT || event == INFO_EVENT || event == DBLCLICK_EVENT;
+    return mouse && (control == DESIGNCONTROL("sclacross") || control == DESIGNCONTROL("scldown"));
+}
+
 const RegisteredWindow registered("DialogDlg", DIALOGDLG);
 
 }  // namespace
@@ -276,9 +282,10 @@ void DIALOGSELECTALL() {
     STAMP();
 }
 
-bool DIALOGDLG(const Object&, int event, const Object&, int parameter) {
+bool DIALOGDLG(const Object&, int event, const Object& control, int parameter) {
     FRAME(DIALOGDLG);
     STAMP();
+    if (isOfScrollBar(event, control)) return false;
     if ((event == KEYPRESS_EVENT || event == MOUSEDOWN_EVENT || event == INFO_EVENT) && !KEEPTYPEDPROPERTY())
         return true;
     STAMP();
