@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 
 MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
@@ -155,12 +156,14 @@ std::string FILECOPYLIST(const std::string& files, const std::string& folder, Co
     FRAME(FILECOPYLIST);
     const std::vector<std::string> paths = pathsOf(files);
     std::string failed;
+    std::set<std::string> names;  // a second file of a name would take the place of the first
     bool goesOn = true;
     std::int64_t done = 0;
     for (const std::string& path : paths) {
         STAMP();
         goesOn = goesOn && (go == nullptr || go(context, done++, static_cast<std::int64_t>(paths.size())));
-        if (goesOn && FILECOPY(path, FILEADDSEPARATOR(folder) + FILEGETFNAME(path))) continue;
+        const bool fresh = names.insert(FILEGETFNAME(path)).second;
+        if (goesOn && fresh && FILECOPY(path, FILEADDSEPARATOR(folder) + FILEGETFNAME(path))) continue;
         ClearError();
         failed += path + "\n";
     }

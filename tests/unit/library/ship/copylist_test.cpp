@@ -108,6 +108,14 @@ TEST_F(CopyLists, CopiesTellWhatWasNotCopiedAndGoOn) {
     EXPECT_EQ(FILECOPYLIST(a + "\n", dir / "nowhere"), a + "\n");
 }
 
+TEST_F(CopyLists, ASecondFileOfANameIsNotCopied) {
+    std::filesystem::create_directory(dir / "sub");
+    std::filesystem::create_directory(dir / "to");
+    const std::string first = make("a", 1), second = make("sub/a", 2);
+    EXPECT_EQ(FILECOPYLIST(first + "\n" + second + "\n", dir / "to"), second + "\n");
+    EXPECT_EQ(GETDISKFILELIST(dir / "to", "*.*"), "a\t1\n");
+}
+
 TEST_F(CopyLists, AStoppedCopyTellsTheRest) {
     const std::string a = make("a", 1), b = make("b", 2);
     std::filesystem::create_directory(dir / "to");
