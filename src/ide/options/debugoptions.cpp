@@ -219,35 +219,25 @@ void accept(const Object& window) {
     SHOWBREAKPOINTS(SDIEdit);
 }
 
+constexpr DialogButton buttons[] = {{"btnadd", add},
+                                    {"btnremove", remove},
+                                    {"btnremoveall", removeAll},
+                                    {"btnrule", changeRule},
+                                    {"btntrace", openTrace}};
 constexpr DialogShape shape{.settings = GETIDEINIFILE,
                             .showHelp = SHOWWINDOWHELP,
                             .load = load,
                             .problem = problem,
-                            .accept = accept};
+                            .accept = accept,
+                            .buttons = buttons};
 const RegisteredWindow registered("DebugOptionsDlg", DEBUGOPTIONSDLG);
 
-constexpr struct {
-    std::string_view control;
-    void (*action)(const Object& window);
-} buttons[] = {{"btnadd", add},
-               {"btnremove", remove},
-               {"btnremoveall", removeAll},
-               {"btnrule", changeRule},
-               {"btntrace", openTrace}};
-
 bool handle(const Object& window, int event, const Object& control, int parameter) {
-    const std::string name = GetName(control);
-    if (event == CHANGE_EVENT && !takeTrace(window, name)) bringUpToDate(window);
+    if (event == CHANGE_EVENT && !takeTrace(window, GetName(control))) bringUpToDate(window);
     if (event == CHANGE_EVENT) return true;
-    if (event == COMMAND_EVENT) {
-        for (const auto& button : buttons) {
-            if (name != button.control) continue;
-            button.action(window);
-            bringUpToDate(window);
-            return true;
-        }
-    }
-    return DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    const bool handled = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    if (handled && event == COMMAND_EVENT && IsLoaded(window)) bringUpToDate(window);
+    return handled;
 }
 
 }  // namespace

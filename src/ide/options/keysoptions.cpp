@@ -129,15 +129,13 @@ void load(const Object& window) {
     bringUpToDate(window);
 }
 
-constexpr DialogShape shape{
-    .showHelp = SHOWWINDOWHELP, .load = load, .accept = [](const Object&) { SAVESHORTCUTS(chosen); }};
-const RegisteredWindow registered("KeysOptionsDlg", KEYSOPTIONSDLG);
-
-constexpr struct {
-    std::string_view control;
-    void (*action)(const Object& window);
-} buttons[] = {
+constexpr DialogButton buttons[] = {
     {"btnassign", assign}, {"btnremove", remove}, {"btnusual", restore}, {"btnallusual", restoreAll}};
+constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP,
+                            .load = load,
+                            .accept = [](const Object&) { SAVESHORTCUTS(chosen); },
+                            .buttons = buttons};
+const RegisteredWindow registered("KeysOptionsDlg", KEYSOPTIONSDLG);
 
 // Return in the field assigns what is in it.
 bool isAssigning(const Object& window, int event, const Object& control, int parameter) {
@@ -148,9 +146,6 @@ bool isAssigning(const Object& window, int event, const Object& control, int par
 bool handle(const Object& window, int event, const Object& control, int parameter) {
     if (isAssigning(window, event, control, parameter)) return assign(window), true;
     if (event == CHANGE_EVENT) return bringUpToDate(window), true;
-    if (event == COMMAND_EVENT)
-        for (const auto& button : buttons)
-            if (GetName(control) == button.control) return button.action(window), true;
     return DIALOGSHAPEEVENT(shape, window, event, control, parameter);
 }
 

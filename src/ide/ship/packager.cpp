@@ -6,6 +6,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "ide/ship/packager_internal.h"
+#include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
 #include "library/system/system.h"
@@ -26,45 +27,39 @@ Object rowsOf(const Object& window) {
 
 constexpr int FaceWidth = 64, FaceHeight = 64;  // pixels
 
-struct Button {
-    std::string_view name, caption, icon;
-    void (*action)(const Object& window);
+struct Face {
+    std::string_view button, caption, icon;
 };
-constexpr Button buttons[] = {
-    {"bitmapbutton1", "Copy to\nfloppy", "disk09.ico", packager::copyToFloppy},
-    {"bitmapbutton2", "Copy to\nfolder", "folder1.ico", packager::copyToFolder},
-    {"bitmapbutton3", "Copy to\nzip file", "zip.ico", packager::copyToZip},
-    {"bitmapbutton4", "Create\ninstaller", "installer1.ico", packager::createInstaller},
-    {"bitmapbutton5", "Help", "help95.ico", SHOWWINDOWHELP},
-    {"bitmapbutton6", "Close\nwindow", "exit3.ico", [](const Object& window) { Unload(window); }},
+constexpr Face faces[] = {
+    {"bitmapbutton1", "Copy to\nfloppy", "disk09.ico"},
+    {"bitmapbutton2", "Copy to\nfolder", "folder1.ico"},
+    {"bitmapbutton3", "Copy to\nzip file", "zip.ico"},
+    {"bitmapbutton4", "Create\ninstaller", "installer1.ico"},
+    {"bitmapbutton5", "Help", "help95.ico"},
+    {"bitmapbutton6", "Close\nwindow", "exit3.ico"},
 };
-
-bool press(const Object& window, const Object& control) {
-    const std::string name = GetName(control);
-    for (const Button& button : buttons) {
-        if (name != button.name) continue;
-        STAMP();
-        button.action(window);
-        return true;
-    }
-    return false;
-}
-
-bool pressKey(const Object& window, int key) {
-    if (key == KEY_ESCAPE) Unload(window);
-    if (key == KEY_F1) SHOWWINDOWHELP(window);
-    return key == KEY_ESCAPE || key == KEY_F1;
-}
+constexpr DialogButton buttons[] = {
+    {"bitmapbutton1", packager::copyToFloppy},
+    {"bitmapbutton2", packager::copyToFolder},
+    {"bitmapbutton3", packager::copyToZip},
+    {"bitmapbutton4", packager::createInstaller},
+};
 
 void load(const Object& window) {
-    for (const Button& button : buttons) {
+    for (const Face& face : faces) {
         const std::string icon =
-            FILEBASENAME(button.icon);  // a resource of this program, which has no extension
-        SetPicture(FINDCONTROL(window, button.name),
-                   PictureName(TBITMAP(FaceWidth, FaceHeight, button.caption, icon)));
+            FILEBASENAME(face.icon);  // a resource of this program, which has no extension
+        SetPicture(FINDCONTROL(window, face.button),
+                   PictureName(TBITMAP(FaceWidth, FaceHeight, face.caption, icon)));
     }
 }
 
+constexpr DialogShape shape{.ok = "",
+                            .cancel = "bitmapbutton6",
+                            .help = "bitmapbutton5",
+                            .showHelp = SHOWWINDOWHELP,
+                            .load = load,
+                            .buttons = buttons};
 const RegisteredWindow registered("PackagerDlg", PACKAGERDLG);
 
 }  // namespace
@@ -87,13 +82,7 @@ void packager::setFiles(const Object& window, const std::string& files) {
 bool PACKAGERDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(PACKAGERDLG);
     STAMP();
-    bool result = true;
-    switch (event) {
-    case LOAD_EVENT: load(window); break;
-    case COMMAND_EVENT: result = press(window, control); break;
-    case KEYPRESS_EVENT: result = pressKey(window, parameter); break;
-    default: result = false;
-    }
+    const bool result = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;
 }

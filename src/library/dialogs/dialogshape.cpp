@@ -34,6 +34,8 @@ void accept(const DialogShape& shape, const Object& window) {
 
 bool press(const DialogShape& shape, const Object& window, std::string_view button) {
     if (button.empty()) return false;
+    for (const DialogButton& own : shape.buttons)
+        if (button == own.name) return own.action(window), true;
     if (button == shape.ok)
         accept(shape, window);
     else if (button == shape.cancel)

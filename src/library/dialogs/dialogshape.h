@@ -14,10 +14,17 @@
 
 #include "kernel/windows/windowing.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace tarn {
+
+// A button beside those that all dialogs have, and what it does.
+struct DialogButton {
+    std::string_view name;
+    void (*action)(const Object& window);
+};
 
 struct DialogShape {
     std::string_view ok = "pushbutton1", cancel = "pushbutton2", help = "pushbutton3";
@@ -35,6 +42,8 @@ struct DialogShape {
     void (*accept)(const Object& window) = nullptr;
     // OK hides the window, so that the caller of its modal Show can read it, and unloads it afterwards.
     bool hides = false;
+    // The dialog's own buttons, which outlive the shape.
+    std::span<const DialogButton> buttons = {};
 };
 
 // True for an event that the shape handles. Errors of what it calls stay in the cell for the caller's stamp.

@@ -103,21 +103,18 @@ void repairAll(const Object& window) {
     DIALOGREDRAW();
 }
 
-constexpr DialogShape shape = {
-    .ok = "", .cancel = "pushbutton1", .help = "pushbutton2", .showHelp = SHOWWINDOWHELP, .load = fill};
+constexpr DialogButton buttons[] = {{"btnshow", show}, {"btnrepair", repair}, {"btnrepairall", repairAll}};
+constexpr DialogShape shape = {.ok = "",
+                               .cancel = "pushbutton1",
+                               .help = "pushbutton2",
+                               .showHelp = SHOWWINDOWHELP,
+                               .load = fill,
+                               .buttons = buttons};
 const RegisteredWindow registered("DlgCheckDlg", DLGCHECKDLG);
-
-constexpr struct {
-    std::string_view control;
-    void (*action)(const Object& window);
-} buttons[] = {{"btnshow", show}, {"btnrepair", repair}, {"btnrepairall", repairAll}};
 
 bool handle(const Object& window, int event, const Object& control, int parameter) {
     if (event == DBLCLICK_EVENT) return show(window), true;
     if (event == CHANGE_EVENT) return bringUpToDate(window), true;
-    if (event == COMMAND_EVENT)
-        for (const auto& button : buttons)
-            if (GetName(control) == button.control) return button.action(window), true;
     return DIALOGSHAPEEVENT(shape, window, event, control, parameter);
 }
 

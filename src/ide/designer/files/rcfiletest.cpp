@@ -7,6 +7,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "kernel/windows/manyfiles.h"
+#include "library/dialogs/dialogshape.h"
 #include "library/system/system.h"
 
 MODULE("toolmenu")
@@ -107,36 +108,16 @@ void RUNTESTS(const Object& window) {
     }
 }
 
-bool pressButton(const Object& window, const std::string& name) {
-    const struct {
-        std::string_view name;
-        void (*action)(const Object& window);
-    } buttons[] = {{"pushbutton1", CHOOSEFILES},
-                   {"pushbutton2", RUNTESTS},
-                   {"pushbutton3", [](const Object& one) { Unload(one); }},
-                   {"pushbutton4", SHOWWINDOWHELP}};
-    for (const auto& button : buttons)
-        if (button.name == name) {
-            button.action(window);
-            return true;
-        }
-    return false;
-}
-
-bool pressKey(const Object& window, int key) {
-    if (key == KEY_ESCAPE) Unload(window);
-    if (key == KEY_F1) SHOWWINDOWHELP(window);
-    return key == KEY_ESCAPE || key == KEY_F1;
-}
+constexpr DialogButton buttons[] = {{"pushbutton1", CHOOSEFILES}, {"pushbutton2", RUNTESTS}};
+constexpr DialogShape shape{
+    .ok = "", .cancel = "pushbutton3", .help = "pushbutton4", .showHelp = SHOWWINDOWHELP, .buttons = buttons};
 
 }  // namespace
 
 bool RCFILETESTDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(RCFILETESTDLG);
     STAMP();
-    bool handled = false;
-    if (event == KEYPRESS_EVENT) handled = pressKey(window, parameter);
-    if (event == COMMAND_EVENT) handled = pressButton(window, GetName(control));
+    const bool handled = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return handled;
 }

@@ -56,6 +56,9 @@ constexpr DialogShape whole{
     .problem = [](const Object&) { return trouble; },
     .accept = [](const Object& window) { happened.push_back("accept " + entered(window)); },
 };
+constexpr DialogButton ownButtons[] = {
+    {"other", [](const Object& window) { happened.push_back("other " + entered(window)); }}};
+constexpr DialogShape withButtons{.buttons = ownButtons};
 constexpr DialogShape bare{};
 constexpr DialogShape hiding{.hides = true};
 const DialogShape* shape = &whole;
@@ -155,6 +158,16 @@ TEST_F(DialogShapes, LeaveOtherButtonsKeysAndEventsToTheDialog) {
     EXPECT_FALSE(key(KEY_UP));
     EXPECT_FALSE(shapeDlg(ShapeDlg, ACTIVATE_EVENT, ShapeDlg, 0));
     EXPECT_FALSE(shapeDlg(ShapeDlg, CLOSE_EVENT, ShapeDlg, 0));
+}
+
+TEST_F(DialogShapes, PressTheDialogsOwnButtonsAndStay) {
+    shape = &withButtons;
+    load();
+    press("other");
+    EXPECT_EQ(happened, std::vector<std::string>{"other first"});
+    EXPECT_TRUE(IsLoaded(ShapeDlg));
+    press("pushbutton2");
+    EXPECT_FALSE(IsLoaded(ShapeDlg));
 }
 
 TEST_F(DialogShapes, NeedNoneOfTheirParts) {
