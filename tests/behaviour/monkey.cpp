@@ -198,7 +198,8 @@ void Monkey::answer() {
         break;
     default: text = file(question->kind == Question::Kind::SaveFile); break;
     }
-    log("answer '" + question->title + "' with '" + text + "'");
+    const bool error = question->title.starts_with("Error ");
+    log("answer '" + question->title + "' with '" + text + "'" + (error ? ": " + question->text : ""));
     answered(question->title, text);
     if (!view().answer(text)) static_cast<void>(view().answer(""));
 }

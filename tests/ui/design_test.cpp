@@ -4,6 +4,7 @@
 #include "ide/designer/drawing/drawing.h"
 #include "kernel/run/errors.h"
 #include "kernel/windows/drawscale.h"
+#include "library/designer/dlgunits.h"
 #include "library/designer/proputil.h"
 #include "os/files.h"
 #include "platform/model/model.h"
@@ -373,6 +374,17 @@ TEST_F(DesignTest, ItHasTheFontOfTheDialog) {
     open(replaced(Resources, "  POSITION=0 0 300 240\n", "  POSITION=0 0 300 240\n" + font));
     run();
     for (const auto& [name, share] : differences()) EXPECT_LT(share, Bound) << name;
+}
+
+TEST_F(DesignTest, ALetterOfTheSmallestFontHasAPixel) {
+    open(replaced(Resources, "  POSITION=0 0 300 240\n", "  POSITION=0 0 300 240\n  FONTSIZE=1\n"));
+    run();
+    SetFontSize(Design, 1);
+    ClearError();
+    EXPECT_EQ(LETTERSIZE(Design).width, 1);
+    EXPECT_GE(PIXELSTORCUNITS(Design, {0, 0, 10, 10}).w, 40);
+    EXPECT_EQ(ErrorCell(), 0);
+    EXPECT_GT(GetPosition(All, CLIENT_UNIT).w, 50) << "of the window that runs";
 }
 
 TEST_F(DesignTest, AWrongControlIsFound) {

@@ -29,7 +29,9 @@ int divided(std::int64_t a, std::int64_t b) {
 LetterSize LETTERSIZE(const Object& window) {
     FRAME(LETTERSIZE);
     STAMP();
-    return {TextWidth(window, letters) / static_cast<int>(letters.size()), TextHeight(window, letters)};
+    const int width = TextWidth(window, letters);
+    const int average = width / static_cast<int>(letters.size());
+    return {width > 0 ? std::max(average, 1) : 0, TextHeight(window, letters)};
 }
 
 Rect RCUNITSTOPIXELS(const LetterSize& letter, const UnitRect& units) {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Resource units and pixels. A horizontal unit is a quarter of the average width, and a vertical one an
-// eighth of the height, of the letters A to Z and a to z in the window's font. Divisions round down.
+// eighth of the height, of the letters A to Z and a to z in the window's font. Divisions round down, but the average
+// letter of the smallest fonts still has a pixel.
 //
 // A size of 0, as of a window that is not loaded, gives 0 and sets 643 unless measuring has set an error.
 // Cost: one measure of a text for each call that takes a window; who converts many places measures once.

@@ -138,12 +138,13 @@ void fill(Control& control, const Object& window, const ObjectTemplate& from) {
     enroll(control);
 }
 
-// Resource units: a quarter of the average character's width, an eighth of its height.
+// Resource units: a quarter of the average character's width, an eighth of its height; at least a pixel each, for
+// the smallest fonts.
 struct Measure {
     int width = 1, height = 1;
     explicit Measure(const Window& window) {
-        width = view().textWidth(window, letters) / static_cast<int>(letters.size());
-        height = view().textHeight(window, letters);
+        width = std::max(view().textWidth(window, letters) / static_cast<int>(letters.size()), 1);
+        height = std::max(view().textHeight(window, letters), 1);
     }
     [[nodiscard]] Rect pixels(const Rect& units) const {
         return {units.x * width / 4, units.y * height / 8, units.w * width / 4, units.h * height / 8};
