@@ -28,7 +28,9 @@ std::string inQuotes(std::string_view text) {
 std::string nextField(std::string_view line, std::size_t& position) {
     const std::string token = NextWord(line, position);
     if (token.size() < 2 || token.front() != '"' || token.back() != '"') return token;
-    return STRREPLACE(std::string_view(token).substr(1, token.size() - 2), "\"\"", "\"");
+    const std::string_view inside = std::string_view(token).substr(1, token.size() - 2);
+    return inside.find('"') == std::string_view::npos ? std::string(inside)
+                                                      : STRREPLACE(inside, "\"\"", "\"");
 }
 
 }  // namespace
@@ -43,6 +45,7 @@ ProjectItem PARSEPROJECTITEM(std::string_view line) {
     for (std::string* field :
          {&item.title, &item.type, &item.name, &item.file, &item.date, &item.picture, &item.openPicture})
         *field = nextField(line, position);
+    if (item.title.find('<') == std::string::npos) return item;
     const std::string mark(1, BOLD_MARK);
     item.title = STRREPLACE(STRREPLACE(item.title, "<B>", mark), "</B>", mark);
     return item;

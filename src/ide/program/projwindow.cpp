@@ -320,12 +320,13 @@ int UPDATEITEMS(const Object& iconlist, const Object& maplist, const Object& dat
     int top = 0, children = 0;
     const int count = GetListCount(datalist);
     for (int number = 1; number <= count; ++number) {
-        const ProjectItem item = itemAt(datalist, number);
-        const bool isTop = item.level == 1;
+        const int level = levelAt(datalist, number);
+        const bool isTop = level == 1;
         if (isTop) ++top;
         const bool chosen = top == place.top, open = chosen && place.sub > 0;
-        if (chosen && item.level == 2) ++children;
+        if (chosen && level == 2) ++children;
         if (!isTop && !open) continue;
+        const ProjectItem item = itemAt(datalist, number);
         AddItem(iconlist, item.title, pictureOf(item, isTop && open));
         AddItem(maplist, STR(number));
     }
