@@ -417,6 +417,27 @@ TEST_F(EditTest, TellsEachTypedCharacterOnce) {
     EXPECT_EQ(changes, 3);
 }
 
+// Where no screen is, and in a window that is not shown.
+TEST_F(EditTest, ChoicesAndTipsMayBeOfferedAnywhere) {
+    const auto offer = [&] {
+        store->setText("wor");
+        store->select(4, 0);
+        area->showChoices("word\nworld\n", 3);
+        area->showCallTip(1, "function word(text: string)", {0, 8});
+        QApplication::processEvents();
+        area->showChoices("", 0);
+        area->showCallTip(0, "", {});
+    };
+    for (const QPoint place : {QPoint(-5000, -5000), QPoint(5000, 5000), QPoint(-550, 20)}) {
+        window.move(place);
+        QApplication::processEvents();
+        offer();
+    }
+    window.hide();
+    offer();
+    EXPECT_EQ(store->text(), "wor");
+}
+
 TEST_F(EditTest, TheModifiedMarkCanBeSetAndTakenOff) {
     store->setText("x");
     store->setModified(true);

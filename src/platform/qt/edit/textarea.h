@@ -197,6 +197,7 @@ private:
 
     // textarea_help.cpp
     int pictureNumber(const std::string& name);
+    bool isOnScreen(long position);
     bool takesChoice();  // false: the word stands there already
     void styleHelp();
     [[nodiscard]] bool wordAt(QPoint at, int& position) const;

@@ -32,8 +32,17 @@ int TextArea::pictureNumber(const std::string& name) {
     return found->second;
 }
 
+// The control looks for the screen on which the word begins, and does not expect that there is none.
+bool TextArea::isOnScreen(long position) {
+    const QPoint place(static_cast<int>(send(SCI_POINTXFROMPOSITION, 0, position)),
+                       static_cast<int>(send(SCI_POINTYFROMPOSITION, 0, position)));
+    return QGuiApplication::screenAt(viewport()->mapToGlobal(place)) != nullptr;
+}
+
 void TextArea::showChoices(std::string_view rows, int typed) {
-    if (rows.empty() || (flags_ & READONLY) != 0) return static_cast<void>(send(SCI_AUTOCCANCEL));
+    const long begin = send(SCI_GETCURRENTPOS) - typed;
+    if (rows.empty() || (flags_ & READONLY) != 0 || !isOnScreen(begin))
+        return static_cast<void>(send(SCI_AUTOCCANCEL));
     std::string list;
     list.reserve(rows.size());
     while (!rows.empty()) {
