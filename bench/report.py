@@ -83,14 +83,14 @@ def main():
         ("condition/integer", None, 100), ("condition/three", None, 200),
         ("values/collapsed", None, 20e6), ("values/expanded", None, 20e6), ("values/page", None, 1e6),
         ("concatKernel/40", "concatStd/40", 0.5), ("concatKernel/4000", "concatStd/4000", None),
-        ("allocateKernel/40", "allocateMalloc/40", None), ("allocateKernel/1000", "allocateMalloc/1000", None),
-        *((f"string{work}Kernel/{n}", f"string{work}Std/{n}", None)
+        ("allocateKernel/40", "allocateMalloc/40", 1.2), ("allocateKernel/1000", "allocateMalloc/1000", None),
+        *((f"string{work}Kernel/{n}", f"string{work}Std/{n}", 1.3 if n == 16 else None)
           for work in ("Assign", "Compare") for n in (16, 256, 65536)),
-        ("listAppendKernel", "listAppendStd", None), ("listGetKernel", "listGetStd", None),
-        *((f"tableFindKernel/{n}", f"tableFind{peer}/{n}", 1.2 if (peer, n) == ("Boost", 100000) else None)
+        ("listAppendKernel", "listAppendStd", 2), ("listGetKernel", "listGetStd", None),
+        *((f"tableFindKernel/{n}", f"tableFind{peer}/{n}", {1000: 3, 100000: 0.5}.get(n) if peer == "Boost" else None)
           for n in (1000, 10000, 100000) for peer in ("Boost", "Map", "Sqlite")),
-        *((f"tableNextKernel/{n}", f"tableNextMap/{n}", None) for n in (1000, 10000, 100000)),
-        *((f"tableAddKernel/{n}/{i}", f"tableAdd{peer}/{n}/{i}", 1.0 if (peer, i) == ("Boost", 5) else None)
+        *((f"tableNextKernel/{n}", f"tableNextMap/{n}", 1.5) for n in (1000, 10000, 100000)),
+        *((f"tableAddKernel/{n}/{i}", f"tableAdd{peer}/{n}/{i}", 1.2 if peer == "Boost" else None)
           for n in (1000, 10000, 100000) for i in (1, 5) for peer in ("Boost", "Sqlite")),
         *((f"tableDeleteKernel/{n}/{i}", f"tableDeleteBoost/{n}/{i}", None) for n in (1000, 100000) for i in (1, 5)),
         ("setUnionKernel/256", "setUnionStd/256", None), ("setUnionKernel/32000", "setUnionStd/32000", None),

@@ -174,6 +174,8 @@ struct KeyField {
     using result_type = std::int32_t;
     std::int32_t operator()(const PlainRow& row) const { return row.keys[N]; }
 };
+using OneIndex = boost::multi_index_container<
+    PlainRow, boost::multi_index::indexed_by<boost::multi_index::ordered_unique<KeyField<0>>>>;
 using FiveIndexes = boost::multi_index_container<
     PlainRow,
     boost::multi_index::indexed_by<
@@ -233,7 +235,7 @@ void tableAddKernel(benchmark::State& state) {
 }
 void tableAddBoost(benchmark::State& state) {
     fillRows(state, [](std::int32_t count, std::int32_t indexes) {
-        AvlSet one;
+        OneIndex one;
         FiveIndexes five;
         for (std::int32_t i = 0; i < count; ++i) {
             if (indexes == 1)
@@ -345,7 +347,7 @@ void tableDeleteKernel(benchmark::State& state) {
 }
 void tableDeleteBoost(benchmark::State& state) {
     const auto count = static_cast<std::int32_t>(state.range(0));
-    AvlSet one;
+    OneIndex one;
     FiveIndexes five;
     for (std::int32_t i = 0; i < count; ++i) {
         if (state.range(1) == 1)
@@ -357,7 +359,7 @@ void tableDeleteBoost(benchmark::State& state) {
     for (auto _ : state) {
         const PlainRow row = plainRow(probe);
         if (state.range(1) == 1) {
-            one.erase(row);
+            one.erase(row.keys[0]);
             one.insert(row);
         } else {
             five.erase(row.keys[0]);

@@ -42,7 +42,14 @@ public:
     [[nodiscard]] Offset child(Offset node, int side) const {
         return ReadAt<Offset>(linkAt(node, side) + offsetof(RecordDescriptor, data));
     }
-    void setChild(Offset node, int side, Offset child) { WriteAt(linkAt(node, side), linkTo(child)); }
+    void setChild(Offset node, int side, Offset child) {
+        char* const link = linkAt(node, side);
+        char* const data = link + offsetof(RecordDescriptor, data);
+        if (child != 0 && ReadAt<Offset>(data) != 0)
+            WriteAt(data, child);  // the links of a tree differ in nothing else
+        else
+            WriteAt(link, linkTo(child));
+    }
     [[nodiscard]] int balance(Offset node) const { return ReadAt<std::int32_t>(At(node) + balanceAt); }
     void setBalance(Offset node, int balance) { WriteAt(At(node) + balanceAt, std::int32_t{balance}); }
     template <class Key>
@@ -101,6 +108,10 @@ bool FindKeys(const KeySearch* searches, std::int32_t count);           // 763
 bool PrepareUnlinkNode(const RecordDescriptor& root, IndexPath& path);  // 763
 void LinkNode(RecordDescriptor& root, const IndexPath& path, const KeyView& key, Offset node);
 void UnlinkNode(RecordDescriptor& root, IndexPath& path);
+
+// How often a tree was changed as such, and not as one of a table: what stands beside the trees of tables is
+// then void.
+inline std::uint64_t PlainTreeChanges = 0;
 
 // ---- whole trees ----
 

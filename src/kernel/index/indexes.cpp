@@ -82,6 +82,7 @@ void IndexClose(const IndexBlock& block) {
 void IndexClear(RecordDescriptor* root, const IndexBlock& block) {
     if (!acceptTree(root, block)) return;
     if (isInFile(block)) return FileIndexClear(block);
+    ++PlainTreeChanges;
     FreeTree(*root);
 }
 
@@ -91,6 +92,7 @@ std::int32_t IndexInsert(RecordDescriptor* root, const IndexBlock& block, const 
     IndexPath path;
     if (!acceptTree(root, block)) return 0;
     if (isInFile(block)) return FileIndexInsert(block, key, row);
+    ++PlainTreeChanges;
     if (!acceptKey(*root, key, view) || !FindKey(*root, view, path)) return 0;
     if (path.found) return ERR_DUPLICATE_FIELDS;
     const Offset node = MakeNode(view, row);
@@ -102,6 +104,7 @@ void IndexDelete(RecordDescriptor* root, const IndexBlock& block, const RecordDe
     IndexPath path;
     if (!acceptTree(root, block)) return;
     if (isInFile(block)) return FileIndexDelete(block, key);
+    ++PlainTreeChanges;
     if (!findPresent(*root, key, path) || !PrepareUnlinkNode(*root, path)) return;
     const FieldKinds kinds = root->kinds;
     const Offset node = path.nodes[path.at];
@@ -114,6 +117,7 @@ void IndexUpdateRow(RecordDescriptor* root, const IndexBlock& block, const Recor
     IndexPath path;
     if (!acceptTree(root, block)) return;
     if (isInFile(block)) return FileIndexUpdateRow(block, key, row);
+    ++PlainTreeChanges;
     if (findPresent(*root, key, path)) SetNodeRow(path.nodes[path.at], row);
 }
 

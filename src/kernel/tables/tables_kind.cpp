@@ -6,6 +6,7 @@
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/table_access.h"
+#include "kernel/tables/table_mirrors.h"
 #include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_ops_internal.h"
@@ -60,7 +61,7 @@ bool MakeTable(TableDescriptor& t, ListDescriptor rows, const KeyMaps& keyMaps, 
 
 void EmptyTable(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
-    for (RecordDescriptor& root : header.roots) FreeTree(root);
+    FreeTableTrees(header);
     EmptyList(header.rows);
     t.count = 0;
 }
@@ -68,7 +69,7 @@ void EmptyTable(TableDescriptor& t) {
 void FreeTable(TableDescriptor& t) {
     if (IsTable(&t)) {
         ReleaseTableIndexes(t);
-        for (RecordDescriptor& root : HeaderOf(t).roots) FreeTree(root);
+        FreeTableTrees(HeaderOf(t));
         FreeValue(At(t.data), KindRecord);
     }
     FreeData(t);
@@ -266,7 +267,7 @@ std::string checkTable(const void* value) {
         wrong = checkIndex(header, i);
         if (!wrong.empty()) wrong = "table index " + std::to_string(i + 1) + ": " + wrong;
     }
-    return wrong;
+    return wrong.empty() ? CheckTableMirrors(HeaderOf(t)) : wrong;
 }
 
 // A table that is held in a file is not touched: its rows are not here.

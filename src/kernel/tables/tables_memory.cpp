@@ -4,6 +4,7 @@
 // of all keys are found, the nodes and the new row are made. Then the trees and the rows change, which needs
 // no memory: so there is nothing to undo.
 #include "kernel/lists/lists.h"
+#include "kernel/tables/table_mirrors.h"
 #include "kernel/tables/tables_ops_internal.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/records.h"
@@ -25,16 +26,15 @@ struct Entry {
 };
 
 // The first half of adding a row: the places of its keys, which nobody has.
-bool findPlaces(const TableHeader& header, const RecordDescriptor& row, Entry (&entries)[MaxIndexes]) {
-    KeySearch searches[MaxIndexes];
+bool findPlaces(const TableHeader& header, const TableTrees& trees, const RecordDescriptor& row,
+                Entry (&entries)[MaxIndexes]) {
+    TreeSearch searches[MaxIndexes];
     const std::int32_t count = IndexesOf(header);
     for (std::int32_t i = 0; i < count; ++i) {
         if (!KeyOfRow(row, header.keyMaps[i], entries[i].key)) return Refuse(ERR_COMPONENT_INVALID);
-        searches[i] = {&header.roots[i], &entries[i].key, &entries[i].path};
+        searches[i] = {trees.at(i), &entries[i].key, &entries[i].path};
     }
-    const bool whole =
-        count == 1 ? FindKey(header.roots[0], entries[0].key, entries[0].path) : FindKeys(searches, count);
-    if (!whole) return false;
+    if (!FindKeys(searches, count)) return false;
     return std::none_of(entries, entries + count, [](const Entry& entry) { return entry.path.found; }) ||
            Refuse(ERR_DUPLICATE_FIELDS);
 }
@@ -56,66 +56,67 @@ bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
 
 // The entry of a row that is in the table. A row has none in an index that could not be built: then `path`
 // has not found it.
-bool findEntry(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
+bool findEntry(const TableHeader& header, const IndexTree& tree, std::int32_t index, std::int32_t number,
+               Entry& entry) {
     const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
     if (!known) return Refuse(ERR_INDEX_TYPE);
-    if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
-    entry.path.found = entry.path.found && NodeRow(entry.path.nodes[entry.path.at]) == number;
+    if (!FindKey(tree, entry.key, entry.path)) return false;
+    entry.path.found = entry.path.found && NodeRow(FoundNode(tree, entry.path)) == number;
     return true;
 }
 
-bool findEntryToUnlink(const TableHeader& header, std::int32_t index, std::int32_t number, Entry& entry) {
-    if (!findEntry(header, index, number, entry)) return false;
-    return !entry.path.found || PrepareUnlinkNode(header.roots[index], entry.path);
+bool findEntryToUnlink(const TableHeader& header, const IndexTree& tree, std::int32_t index,
+                       std::int32_t number, Entry& entry) {
+    if (!findEntry(header, tree, index, number, entry)) return false;
+    return !entry.path.found || PrepareUnlinkNode(tree, entry.path);
 }
 
-void removeEntry(TableHeader& header, std::int32_t index, Entry& entry) {
+void removeEntry(const IndexTree& tree, Entry& entry) {
     if (!entry.path.found) return;
-    const FieldKinds kinds = header.roots[index].kinds;
-    const Offset node = entry.path.nodes[entry.path.at];
-    UnlinkNode(header.roots[index], entry.path);
+    const FieldKinds kinds = tree.root->kinds;
+    const Offset node = FoundNode(tree, entry.path);
+    UnlinkNode(tree, entry.path, entry.key);
     FreeNode(node, kinds);
 }
 
 // Links a node by its own key, under a new number. Fails, for a damaged tree, when the key has no place: the
 // row then has no entry.
-void linkAnew(TableHeader& header, std::int32_t index, Offset node, const FieldKinds& kinds) {
+void linkAnew(TableTrees& trees, std::int32_t index, Offset node, const FieldKinds& kinds) {
     Entry entry;
+    trees.makeWayFor(index, NodeRow(node));
+    const IndexTree tree = trees.at(index);
     entry.key = KeyOfNode(NodeKey(node), kinds);
-    const bool placed = FindKey(header.roots[index], entry.key, entry.path) && !entry.path.found;
-    if (placed) return LinkNode(header.roots[index], entry.path, entry.key, node);
+    const bool placed = FindKey(tree, entry.key, entry.path) && !entry.path.found;
+    if (placed) return LinkNode(tree, entry.path, entry.key, node);
     FreeNode(node, kinds);
     SetError(ERR_INDEX_TYPE);
 }
 
 // Gives row `number` a new number: its node leaves the tree and comes again.
-void renumber(TableHeader& header, std::int32_t index, std::int32_t number, std::int32_t newNumber) {
+void renumber(const TableHeader& header, TableTrees& trees, std::int32_t index, std::int32_t number,
+              std::int32_t newNumber) {
     Entry entry;
-    if (!findEntryToUnlink(header, index, number, entry) || !entry.path.found) return;
-    const FieldKinds kinds = header.roots[index].kinds;
-    const Offset node = entry.path.nodes[entry.path.at];
-    UnlinkNode(header.roots[index], entry.path);
+    const IndexTree tree = trees.at(index);
+    if (!findEntryToUnlink(header, tree, index, number, entry) || !entry.path.found) return;
+    const FieldKinds kinds = tree.root->kinds;
+    const Offset node = FoundNode(tree, entry.path);
+    UnlinkNode(tree, entry.path, entry.key);
     SetNodeRow(node, newNumber);
-    linkAnew(header, index, node, kinds);
+    linkAnew(trees, index, node, kinds);
 }
 
 // ---- finding ----
 
 // The number of a row, by its key or its neighbour's; 0 for none. False for an error.
-bool findRow(const TableHeader& header, std::int32_t indexNumber, const TreeSeek& seek, const KeyView& key,
+bool findRow(const TableHeader& header, const IndexTree& tree, const TreeSeek& seek, const KeyView& key,
              std::int32_t& number) {
-    Offset node = 0;
-    number = 0;
-    if (!SeekNode(header.roots[indexNumber - 1], seek, key, node)) return false;
-    if (node == 0) return true;
-    number = NodeRow(node);
-    return HasRow(header, number) || Refuse(ERR_INDEX_TYPE);
+    if (!SeekRow(tree, seek, key, number)) return false;
+    return number == 0 || HasRow(header, number) || Refuse(ERR_INDEX_TYPE);
 }
 
 // The number of the row that must have this key.
-bool findByKey(const TableHeader& header, std::int32_t indexNumber, const KeyView& key,
-               std::int32_t& number) {
-    return findRow(header, indexNumber, {}, key, number) && (number != 0 || Refuse(ERR_TABLE_NOT_FOUND));
+bool findByKey(const TableHeader& header, const IndexTree& tree, const KeyView& key, std::int32_t& number) {
+    return findRow(header, tree, {}, key, number) && (number != 0 || Refuse(ERR_TABLE_NOT_FOUND));
 }
 
 // ---- updating ----
@@ -126,7 +127,7 @@ struct Change {
     Entry before, after;
 };
 
-bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t number,
+bool prepareChange(const TableHeader& header, const IndexTree& tree, std::int32_t index, std::int32_t number,
                    const RecordDescriptor& row, Change& change) {
     KeyView old;
     const std::int32_t keyMap = header.keyMaps[index];
@@ -134,9 +135,9 @@ bool prepareChange(const TableHeader& header, std::int32_t index, std::int32_t n
         return Refuse(ERR_COMPONENT_INVALID);
     change.differs = CompareKeys(old, change.after.key) != 0;
     if (!change.differs) return true;
-    if (!FindKey(header.roots[index], change.after.key, change.after.path)) return false;
+    if (!FindKey(tree, change.after.key, change.after.path)) return false;
     if (change.after.path.found) return Refuse(ERR_DUPLICATE_FIELDS);
-    return findEntryToUnlink(header, index, number, change.before);
+    return findEntryToUnlink(header, tree, index, number, change.before);
 }
 
 void freeChanges(Change (&changes)[MaxIndexes]) {
@@ -144,10 +145,10 @@ void freeChanges(Change (&changes)[MaxIndexes]) {
 }
 
 // All that an update needs: nodes for the keys that change, and the row.
-bool prepareChanges(const TableHeader& header, std::int32_t number, const RecordDescriptor& row,
-                    Change (&changes)[MaxIndexes], RecordDescriptor& made) {
+bool prepareChanges(const TableHeader& header, const TableTrees& trees, std::int32_t number,
+                    const RecordDescriptor& row, Change (&changes)[MaxIndexes], RecordDescriptor& made) {
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (!prepareChange(header, i, number, row, changes[i])) return false;
+        if (!prepareChange(header, trees.at(i), i, number, row, changes[i])) return false;
     }
     bool good = true;
     for (std::int32_t i = 0; i < IndexesOf(header) && good; ++i) {
@@ -164,25 +165,25 @@ bool prepareChanges(const TableHeader& header, std::int32_t number, const Record
     return good;
 }
 
-void applyChange(TableHeader& header, std::int32_t index, Change& change) {
+void applyChange(TableTrees& trees, std::int32_t index, Change& change) {
     const FieldKinds kinds = NodeKinds(change.after.key);
-    removeEntry(header, index, change.before);
-    linkAnew(header, index, change.after.node, kinds);
+    removeEntry(trees.at(index), change.before);
+    linkAnew(trees, index, change.after.node, kinds);
 }
 
 // ---- rebuilding ----
 
 // 637 for a key that another row has; the rows before are then in the index.
-bool fillIndex(TableHeader& header, std::int32_t index) {
+bool fillIndex(TableHeader& header, const IndexTree& tree, std::int32_t index) {
     for (std::int32_t number = 1; number <= header.rows.count; ++number) {
         Entry entry;
         if (!KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key))
             return Refuse(ERR_COMPONENT_TYPE);
-        if (!FindKey(header.roots[index], entry.key, entry.path)) return false;
+        if (!FindKey(tree, entry.key, entry.path)) return false;
         if (entry.path.found) return Refuse(ERR_UNIQUE_INDEX);
         entry.node = MakeNode(entry.key, number);
         if (entry.node == 0) return false;
-        LinkNode(header.roots[index], entry.path, entry.key, entry.node);
+        LinkNode(tree, entry.path, entry.key, entry.node);
     }
     return true;
 }
@@ -191,10 +192,11 @@ bool fillIndex(TableHeader& header, std::int32_t index) {
 
 bool MemoryTableFind(const TableDescriptor& t, std::int32_t indexNumber, const TreeSeek& seek,
                      const KeyView& key, RecordDescriptor* row, bool& found) {
-    const TableHeader& header = HeaderOf(t);
+    TableHeader& header = HeaderOf(t);
+    const TableTrees trees(header);
     std::int32_t number = 0;
     found = false;
-    if (!findRow(header, indexNumber, seek, key, number)) return false;
+    if (!findRow(header, trees.at(indexNumber - 1), seek, key, number)) return false;
     found = number != 0 && CopyValue(&RowAt(header, number), row, KindRecord);
     return found || number == 0;
 }
@@ -202,12 +204,14 @@ bool MemoryTableFind(const TableDescriptor& t, std::int32_t indexNumber, const T
 bool MemoryTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
     TableHeader& header = HeaderOf(t);
     const std::int32_t count = header.rows.count;
+    TableTrees trees(header, count + 1);
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) trees.makeWayFor(i, count + 1);
     Entry entries[MaxIndexes];
-    if (!findPlaces(header, row, entries) || !makeNodes(entries, count + 1)) return false;
+    if (!findPlaces(header, trees, row, entries) || !makeNodes(entries, count + 1)) return false;
     ListAppend(&row, KindRecord, &header.rows);
     if (header.rows.count == count) return freeNodes(entries), false;
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        LinkNode(header.roots[i], entries[i].path, entries[i].key, entries[i].node);
+        LinkNode(trees.at(i), entries[i].path, entries[i].key, entries[i].node);
     }
     t.count = header.rows.count;
     return true;
@@ -216,13 +220,14 @@ bool MemoryTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
 bool MemoryTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key,
                        const RecordDescriptor& row) {
     TableHeader& header = HeaderOf(t);
+    TableTrees trees(header);
     std::int32_t number = 0;
-    if (!findByKey(header, indexNumber, key, number)) return false;
+    if (!findByKey(header, trees.at(indexNumber - 1), key, number)) return false;
     Change changes[MaxIndexes];
     RecordDescriptor made{};
-    if (!prepareChanges(header, number, row, changes, made)) return false;
+    if (!prepareChanges(header, trees, number, row, changes, made)) return false;
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (changes[i].differs) applyChange(header, i, changes[i]);
+        if (changes[i].differs) applyChange(trees, i, changes[i]);
     }
     std::swap(RowAt(header, number), made);
     FreeValue(&made, KindRecord);
@@ -231,17 +236,18 @@ bool MemoryTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyVi
 
 bool MemoryTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView& key) {
     TableHeader& header = HeaderOf(t);
+    TableTrees trees(header);
     std::int32_t number = 0;
-    if (!findByKey(header, indexNumber, key, number)) return false;
+    if (!findByKey(header, trees.at(indexNumber - 1), key, number)) return false;
     const std::int32_t last = header.rows.count, indexes = IndexesOf(header);
     Entry entries[MaxIndexes], moved;
     for (std::int32_t i = 0; i < indexes; ++i) {
-        if (!findEntryToUnlink(header, i, number, entries[i])) return false;
-        if (number != last && !findEntry(header, i, last, moved)) return false;
+        if (!findEntryToUnlink(header, trees.at(i), i, number, entries[i])) return false;
+        if (number != last && !findEntry(header, trees.at(i), i, last, moved)) return false;
     }
     for (std::int32_t i = 0; i < indexes; ++i) {
-        removeEntry(header, i, entries[i]);
-        if (number != last) renumber(header, i, last, number);
+        removeEntry(trees.at(i), entries[i]);
+        if (number != last) renumber(header, trees, i, last, number);
     }
     std::swap(RowAt(header, number), RowAt(header, last));
     ListRemoveLast(&header.rows);
@@ -251,9 +257,10 @@ bool MemoryTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyVi
 
 bool MemoryTableRebuild(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
-    for (RecordDescriptor& root : header.roots) FreeTree(root);
+    FreeTableTrees(header);
+    const TableTrees trees(header, header.rows.count, true);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (!fillIndex(header, i)) return false;
+        if (!fillIndex(header, trees.at(i), i)) return false;
     }
     return true;
 }

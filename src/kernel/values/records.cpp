@@ -7,6 +7,7 @@
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/record_access_internal.h"
 
+#include <array>
 #include <cstring>
 
 namespace tarn {
@@ -54,6 +55,16 @@ char* exchangeableField(const RecordDescriptor* r, std::int32_t n, const void* v
     return static_cast<char*>(RecordFieldAddress(const_cast<RecordDescriptor*>(r), n));
 }
 
+// The bytes of two fields, by their kinds; a kind that is none ends the record.
+constexpr std::array<std::uint8_t, 256> makePairBytes() {
+    std::array<std::uint8_t, 256> bytes{};
+    const auto sizeOf = [](std::size_t kind) { return kind < KindCount ? KindSize[kind] : 0; };
+    for (std::size_t pair = 16; pair < bytes.size(); ++pair)
+        bytes[pair] = static_cast<std::uint8_t>(sizeOf(pair >> 4U) + sizeOf(pair & 15U));
+    return bytes;
+}
+constexpr std::array<std::uint8_t, 256> pairBytes = makePairBytes();
+
 }  // namespace
 
 // ---- field kinds ----
@@ -80,10 +91,10 @@ std::int32_t FieldCountOf(const FieldKinds& kinds) {
 
 std::int32_t FieldBytesOf(const FieldKinds& kinds) {
     std::int32_t bytes = 0;
-    EachField(kinds, [&](const RecordField& field) {
-        bytes += KindSize[field.kind];
-        return true;
-    });
+    for (const std::uint8_t pair : kinds.nibbles) {
+        bytes += pairBytes[pair];
+        if (pair < 16 || (pair & 15U) == 0) break;
+    }
     return bytes;
 }
 

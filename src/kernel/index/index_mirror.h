@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The mirror of a tree in memory: its links, its balances and the heads of its keys once more, close together,
+// so that a search seldom waits for memory. A table keeps one beside each of its trees; the tree has
+// everything without it, and a table does as well without (table_mirrors.h says when there is one).
+//
+// An entry stands at the number of its node's row, entry 0 is empty:
+//
+//   bits of `links`   0-16  number of the left child, 0 for none
+//                    17-33  of the right child
+//                    34-35  balance + 1
+//                    36-63  node: its offset / 16; 0 for an empty entry
+//
+// Shortcuts lead from the hash of a key to its row. They are made when searches for whole keys ask for them.
+// A line has room for 16; one that is full loses one for each that it gets, so a key without a shortcut is
+// looked for in the tree. An entry of a line: the row below, bits of the hash above, 0 for none.
+//
+// Cost: 16 bytes a row, of shortcuts 5 to 8 more; a search by a shortcut is constant. A mirror that cannot get
+// its memory is dropped without an error.
+#pragma once
+
+#include "kernel/index/index_heads.h"
+#include "kernel/index/index_nodes.h"
+#include "kernel/values/heap.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tarn {
+
+inline constexpr std::uint32_t MirroredRowBits = 17;
+inline constexpr std::int32_t MostMirroredRow = (1 << MirroredRowBits) - 1;
+// Every list of records fits.
+static_assert(MaxBlock / std::int32_t{sizeof(RecordDescriptor)} <= MostMirroredRow);
+
+struct MirrorEntry {
+    std::uint64_t head, links;
+};
+
+// Plain words, which stand in a block of the heap; all zero for a tree without one.
+struct IndexMirror {
+    Offset entries, shortcuts;  // blocks
+    std::int32_t entryCount, lineCount;
+    std::uint32_t root;   // its row
+    std::int32_t missed;  // searches that wanted a shortcut since there are none
+};
+
+// A tree as the operations of a table see it. `mirror` is null when there is none. What changes the tree by
+// other functions than these leaves the mirror behind: IndexInsert, IndexDelete, IndexUpdateRow and IndexClear
+// count themselves in `PlainTreeChanges`.
+struct IndexTree {
+    RecordDescriptor* root = nullptr;
+    IndexMirror* mirror = nullptr;
+};
+
+// Names a node by its row.
+class MirrorTree {
+public:
+    using Ref = std::uint32_t;
+    struct Key {
+        KeyHead head;
+        const KeyView& view;
+    };
+
+    explicit MirrorTree(const IndexTree& index)
+        : mirror_(*index.mirror), entries_(entriesOf(mirror_)), tree_(*index.root) {}
+    MirrorTree(const IndexTree& index, const FieldKinds& nodeKinds, std::int32_t nodeBytes)
+        : mirror_(*index.mirror), entries_(entriesOf(mirror_)), tree_(*index.root, nodeKinds, nodeBytes) {}
+
+    [[nodiscard]] Ref root() const { return mirror_.root; }
+    void setRoot(Ref row) {
+        mirror_.root = row;
+        tree_.setRoot(node(row));
+    }
+    [[nodiscard]] Ref child(Ref row, int side) const { return linkOf(entries_[row].links, side); }
+    void setChild(Ref row, int side, Ref child) {
+        std::uint64_t& links = entries_[row].links;
+        const std::uint32_t at = placeOf(side);
+        links = (links & ~(rowMask << at)) | std::uint64_t{child} << at;
+        tree_.setChild(node(row), side, node(child));
+    }
+    [[nodiscard]] int balance(Ref row) const { return balanceOf(entries_[row].links); }
+    void setBalance(Ref row, int balance) {
+        std::uint64_t& links = entries_[row].links;
+        links = (links & ~(balanceMask << balanceAt)) | static_cast<std::uint64_t>(balance + 1) << balanceAt;
+        tree_.setBalance(node(row), balance);
+    }
+    [[nodiscard]] int order(const Key& key, Ref row) const {
+        const std::uint64_t head = entries_[row].head;
+        if (key.head.bits != head) return key.head.bits < head ? -1 : 1;
+        return key.head.whole ? 0 : AnyKey(key.view)(NodeKey(node(row)));
+    }
+    [[nodiscard]] static bool checking() { return false; }  // with memory checking on there is no mirror
+    [[nodiscard]] static bool dropsChanges() { return false; }
+    [[nodiscard]] static bool sound(Ref) { return true; }
+    void prefetchNode(Ref row) const {
+        const Offset at = node(row);
+        if (at == 0) return;
+        __builtin_prefetch(tarn_heap_base + at);
+        __builtin_prefetch(NodeKey(at));
+    }
+
+    [[nodiscard]] Offset node(Ref row) const { return nodeOf(entries_[row].links); }
+    [[nodiscard]] bool has(Ref row) const { return entries_[row].links != 0; }
+    void enter(Ref row, std::uint64_t head, Offset node) {
+        entries_[row] = {head, std::uint64_t{node / nodeStep} << nodeAt | std::uint64_t{1} << balanceAt};
+    }
+    void leave(Ref row) { entries_[row] = {}; }
+    // The same in the entry alone, for a node that stands in the tree already.
+    void note(Ref row, Ref left, Ref right, int balance) {
+        entries_[row].links |= std::uint64_t{left} | std::uint64_t{right} << MirroredRowBits;
+        entries_[row].links += static_cast<std::uint64_t>(balance) << balanceAt;
+    }
+    [[nodiscard]] std::uint64_t head(Ref row) const { return entries_[row].head; }
+
+private:
+    static constexpr std::uint32_t balanceAt = 2 * MirroredRowBits, nodeAt = balanceAt + 2, nodeStep = 16;
+    static constexpr std::uint64_t rowMask = MostMirroredRow, balanceMask = 3;
+
+    static MirrorEntry* entriesOf(const IndexMirror& mirror) {
+        return reinterpret_cast<MirrorEntry*>(At(mirror.entries));
+    }
+    static constexpr std::uint32_t placeOf(int side) { return side != 0 ? MirroredRowBits : 0; }
+    static Ref linkOf(std::uint64_t links, int side) {
+        return static_cast<Ref>(links >> placeOf(side) & rowMask);
+    }
+    static int balanceOf(std::uint64_t links) {
+        return static_cast<int>(links >> balanceAt & balanceMask) - 1;
+    }
+    static Offset nodeOf(std::uint64_t links) { return static_cast<Offset>(links >> nodeAt) * nodeStep; }
+
+    IndexMirror& mirror_;
+    MirrorEntry* entries_;
+    MemoryTree tree_;
+};
+
+// ---- the mirror's own life; none of these sets an error ----
+
+// True when there is an entry for each row up to this. False: out of memory, as before.
+bool ReserveMirror(IndexMirror& mirror, std::int32_t mostRow);
+void DropMirror(IndexMirror& mirror);   // of any tree, also of one that is gone
+void ClearMirror(IndexMirror& mirror);  // of a tree that is now empty
+// Fills a mirror, which is empty and has room, with what stands in the tree. False for a tree that cannot be
+// mirrored: the mirror is then of no use.
+bool FillMirror(const IndexTree& index);
+// Whether some node has this row's number already.
+bool MirrorHas(const IndexMirror& mirror, std::int32_t row);
+// "" or what is wrong.
+std::string CheckMirror(const IndexTree& index);
+
+// ---- searches and the steps of a change, as in index_nodes.h; all keep the mirror ----
+
+bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path);  // 763
+struct TreeSearch {
+    IndexTree index;
+    const KeyView* key = nullptr;
+    IndexPath* path = nullptr;
+};
+bool FindKeys(const TreeSearch* searches, std::int32_t count);    // 763
+bool PrepareUnlinkNode(const IndexTree& index, IndexPath& path);  // 763
+Offset FoundNode(const IndexTree& index, const IndexPath& path);  // of a path that has found
+void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node);
+void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key);
+// The row of the node that is sought; 0 for none. False: 763.
+bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row);
+void FreeTree(const IndexTree& index);
+
+}  // namespace tarn
