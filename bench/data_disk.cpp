@@ -6,6 +6,7 @@
 #include "data_bench.h"
 
 #include "kernel/index/index_file.h"
+#include "kernel/index/index_tree.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables_file_check.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <leveldb/db.h>
 #include <leveldb/write_batch.h>
@@ -28,7 +30,7 @@ using namespace tarn;
 
 namespace {
 
-constexpr std::int32_t rowFields = 6, mostIndexes = 5;
+constexpr std::int32_t rowFields = 6, mostIndexes = 5, mostChecked = 10000;
 
 // Unique in each field, in an order of its own.
 std::int32_t keyOf(std::int32_t row, std::int32_t field) {
@@ -73,12 +75,14 @@ public:
     [[nodiscard]] bool good() const { return good_ && ErrorCell() == 0; }
     void open() { FileOpen(table_.get(), KindTable, path_); }
     void close() { FileClose(table_.get(), KindTable); }
+    void hold() { TableHold(table_.get()); }
     RebuiltTable rebuild() { return RebuildTableFile(*table_.get(), path_); }
     [[nodiscard]] std::string check() const { return CheckTableFile(*table_.get()); }
 
     bool add(std::int32_t i) {
-        for (std::int32_t field = 0; field < rowFields; ++field)
-            WriteAt(At(row_.get()->data) + 4 * field, fieldOf(i, field));
+        std::int32_t fields[rowFields];
+        for (std::int32_t field = 0; field < rowFields; ++field) fields[field] = fieldOf(i, field);
+        std::memcpy(At(row_.get()->data), fields, sizeof fields);
         TableAdd(table_.get(), 1, row_.get());
         return ErrorCell() == 0;
     }
@@ -121,7 +125,22 @@ std::string rowBytes(std::int32_t rows) {
     return bytes;
 }
 
-// The nodes of an index with the records in the order of the rows, as if they had been added one by one.
+struct IndexNode {
+    std::int32_t row = 0, balance = 0, left = 0, right = 0, key = 0;
+};
+
+void writeIndex(const std::string& path, const std::vector<IndexNode>& nodes, std::int32_t rootNumber) {
+    std::string bytes, root;
+    for (const IndexNode& node : nodes)
+        for (const std::int32_t word : {node.row, node.balance, 0, 0, node.left, node.right, node.key})
+            appendBigEndian(bytes, static_cast<std::uint32_t>(word));
+    writeAt(path, IndexHeaderBytes, bytes);
+    appendBigEndian(root, static_cast<std::uint32_t>(rootNumber));
+    writeAt(path, IndexHeaderBytes - 16, root);
+}
+
+// The nodes of an index whose tree is balanced and whose records stand in the order of the rows: near records are
+// of far keys, and those of the highest levels stand anywhere, which is the worst for whoever reads them.
 class IndexMaker {
 public:
     IndexMaker(std::int32_t rows, std::int32_t field) : nodes_(static_cast<std::size_t>(rows)) {
@@ -129,21 +148,9 @@ public:
         std::sort(order_.begin(), order_.end());
         root_ = link(0, order_.size()).node;
     }
-    void write(const std::string& path) const {
-        std::string bytes;
-        for (const Node& node : nodes_)
-            for (const std::int32_t word : {node.row, node.balance, 0, 0, node.left, node.right, node.key})
-                appendBigEndian(bytes, static_cast<std::uint32_t>(word));
-        writeAt(path, IndexHeaderBytes, bytes);
-        std::string root;
-        appendBigEndian(root, static_cast<std::uint32_t>(root_));
-        writeAt(path, IndexHeaderBytes - 16, root);
-    }
+    void write(const std::string& path) const { writeIndex(path, nodes_, root_); }
 
 private:
-    struct Node {
-        std::int32_t row, balance, left, right, key;
-    };
     struct Tree {
         std::int32_t node = 0, height = 0;
     };
@@ -157,19 +164,79 @@ private:
         return {row, 1 + std::max(left.height, right.height)};
     }
     std::vector<std::pair<std::int32_t, std::int32_t>> order_;
-    std::vector<Node> nodes_;
+    std::vector<IndexNode> nodes_;
     std::int32_t root_ = 0;
 };
 
+// The nodes of an index to which rows were added one by one.
+class IndexGrower {
+public:
+    IndexGrower(std::int32_t rows, std::int32_t field) {
+        nodes_.reserve(static_cast<std::size_t>(rows));
+        for (std::int32_t i = 0; i < rows; ++i) {
+            TreePath<std::int32_t> path;
+            FindPath(*this, keyOf(i, field), path);
+            nodes_.push_back({i + 1, 0, 0, 0, keyOf(i, field)});
+            LinkAt(*this, path, i + 1);
+        }
+    }
+    void write(const std::string& path) const { writeIndex(path, nodes_, root_); }
+
+    // As index_tree.h wants a tree.
+    [[nodiscard]] std::int32_t root() const { return root_; }
+    void setRoot(std::int32_t node) { root_ = node; }
+    [[nodiscard]] std::int32_t child(std::int32_t node, int side) const {
+        return side != 0 ? at(node).right : at(node).left;
+    }
+    void setChild(std::int32_t node, int side, std::int32_t child) {
+        (side != 0 ? at(node).right : at(node).left) = child;
+    }
+    [[nodiscard]] int balance(std::int32_t node) const { return at(node).balance; }
+    void setBalance(std::int32_t node, int balance) { at(node).balance = balance; }
+    [[nodiscard]] int order(std::int32_t key, std::int32_t node) const {
+        return (key > at(node).key) - (key < at(node).key);
+    }
+    [[nodiscard]] static bool checking() { return false; }
+    [[nodiscard]] static bool sound(std::int32_t) { return true; }
+
+private:
+    [[nodiscard]] const IndexNode& at(std::int32_t node) const {
+        return nodes_[static_cast<std::size_t>(node) - 1];
+    }
+    IndexNode& at(std::int32_t node) { return nodes_[static_cast<std::size_t>(node) - 1]; }
+    std::vector<IndexNode> nodes_;
+    std::int32_t root_ = 0;
+};
+
+template <class Maker = IndexMaker>
 std::string makeKernel(std::int32_t rows, std::int32_t indexes, const char* what = "kernel") {
     const std::string path = fileOf(storeName(what, rows, indexes) + ".tab", [=] { return rowBytes(rows); });
     for (std::int32_t n = 1; n <= indexes; ++n) {
         const std::string index = IndexFileName(path, n), name(1, static_cast<char>('a' + n - 1));
         if (!CreateIndexFile(index, path, "key : record\n\t" + name + " : integer\nend record\n")) return {};
-        IndexMaker(rows, n - 1).write(index);
+        Maker(rows, n - 1).write(index);
     }
     return path;
 }
+
+// As the rows added one by one leave them.
+class KernelGrown : public KernelRows {
+public:
+    KernelGrown(std::int32_t rows, std::int32_t indexes)
+        : KernelRows(makeKernel<IndexGrower>(rows, indexes, "grown"), indexes) {
+        open();
+        good_ = rows > mostChecked || check().empty();
+    }
+};
+// The same, held open.
+class KernelHeld : public KernelRows {
+public:
+    KernelHeld(std::int32_t rows, std::int32_t indexes)
+        : KernelRows(makeKernel<IndexGrower>(rows, indexes, "held"), indexes) {
+        open();
+        hold();
+    }
+};
 
 // Indexes as a rebuilding leaves them.
 class KernelRebuilt : public KernelRows {
@@ -183,7 +250,6 @@ public:
 
 KernelRows::KernelRows(std::int32_t rows, std::int32_t indexes)
     : KernelRows(makeKernel(rows, indexes), indexes) {
-    constexpr std::int32_t mostChecked = 10000;
     open();
     good_ = rows > mostChecked || check().empty();
 }
@@ -482,6 +548,21 @@ BENCHMARK(diskFind<KernelRebuilt>)->Name("diskFindRebuilt")->Apply(readingSizes)
 BENCHMARK(diskNext<KernelRebuilt>)->Name("diskNextRebuilt")->Apply(readingSizes);
 BENCHMARK(diskAdd<KernelRebuilt>)->Name("diskAddRebuilt")->Apply(changingSizes);
 EACH_STORE(diskDelete, changingSizes, levelSizes);
+
+void largeOnes(benchmark::internal::Benchmark* b) {
+    b->ArgsProduct({{100000, 1000000}, {1}})->Iterations(readings);
+}
+void largeChanges(benchmark::internal::Benchmark* b) {
+    b->ArgsProduct({{100000, 1000000}, {1, 5}})->Iterations(changes);
+}
+BENCHMARK(diskFind<KernelGrown>)->Name("diskFindGrown")->Apply(largeOnes);
+BENCHMARK(diskFind<KernelHeld>)->Name("diskFindHeld")->Apply(largeOnes);
+BENCHMARK(diskNext<KernelGrown>)->Name("diskNextGrown")->Apply(largeOnes);
+BENCHMARK(diskNext<KernelHeld>)->Name("diskNextHeld")->Apply(largeOnes);
+BENCHMARK(diskAdd<KernelGrown>)->Name("diskAddGrown")->Apply(largeChanges);
+BENCHMARK(diskAdd<KernelHeld>)->Name("diskAddHeld")->Apply(largeChanges);
+BENCHMARK(diskDelete<KernelGrown>)->Name("diskDeleteGrown")->Apply(largeChanges);
+BENCHMARK(diskDelete<KernelHeld>)->Name("diskDeleteHeld")->Apply(largeChanges);
 
 // ---- to the disk ----
 

@@ -42,7 +42,9 @@ struct FileInfo {
     bool writable = false;      // by this user; never a file without any write bit, whoever the user is
     std::int64_t size = 0;      // bytes
     std::int64_t modified = 0;  // nanoseconds since 1970-01-01 UTC
-    std::uint32_t mode = 0;     // permission bits
+    std::int64_t changed =
+        0;                   // likewise; nobody can set it: any change of contents, names or rights moves it
+    std::uint32_t mode = 0;  // permission bits
     std::uint64_t device = 0, inode = 0;  // equal for two names of one file
     std::uint32_t links = 1;              // names of this file (hard links)
     std::uint32_t owner = 0, group = 0;
@@ -74,6 +76,9 @@ public:
     virtual FileError truncate(Handle handle, std::int64_t size) = 0;
     virtual FileError size(Handle handle, std::int64_t& bytes) = 0;
     virtual FileError sync(Handle handle) = 0;
+    // Lets the disk begin with what a `sync` of this file will wait for, so that several files wait together. Only
+    // a hint: promises nothing, and does not wait.
+    virtual void startSync(Handle handle) = 0;
     virtual FileError close(Handle handle) = 0;
     virtual FileError rename(const std::string& from, const std::string& to) = 0;  // replaces `to`
     // The same, but never over something that stands under that name, a link to nowhere too: Exists.
@@ -88,6 +93,8 @@ public:
     virtual FileError link(const std::string& target, const std::string& path) = 0;  // a symbolic link
     // Follows symbolic links. A file that does not exist is no error: `exists` is false. Two system calls.
     virtual FileError info(const std::string& path, FileInfo& info) = 0;
+    // The same of an open file, but for `writable`; `links` is 0 for one that has no name any more. One system call.
+    virtual FileError infoOpen(Handle handle, FileInfo& info) = 0;
     // Names in a folder, sorted by bytes, without "." and "..". Cost: linear, and the sort.
     virtual FileError list(const std::string& path, std::vector<std::string>& names) = 0;
     // The path with all symbolic links followed; a last part that does not exist is kept. A link whose target

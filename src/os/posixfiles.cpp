@@ -95,6 +95,23 @@ private:
     std::string text_;
 };
 
+FileInfo infoIn(const struct stat& status) {
+    FileInfo info;
+    info.exists = true;
+    info.folder = S_ISDIR(status.st_mode);
+    info.special = !info.folder && !S_ISREG(status.st_mode);
+    info.size = status.st_size;
+    info.modified = toNanoseconds(status.st_mtim);
+    info.changed = toNanoseconds(status.st_ctim);
+    info.mode = status.st_mode & 07777U;
+    info.device = status.st_dev;
+    info.inode = status.st_ino;
+    info.links = static_cast<std::uint32_t>(status.st_nlink);
+    info.owner = status.st_uid;
+    info.group = status.st_gid;
+    return info;
+}
+
 int openFlags(OpenMode mode) {
     // Without waiting: a pipe that nobody serves must not hold up the program.
     constexpr int always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
@@ -199,6 +216,8 @@ public:
         return result < 0 && cannotBeSynced() ? FileError::None : writeResult(result);
     }
 
+    void startSync(Handle handle) override { ::sync_file_range(handle, 0, 0, SYNC_FILE_RANGE_WRITE); }
+
     // Never begun again: the descriptor is gone even when a signal came.
     FileError close(Handle handle) override {
         const int result = ::close(handle);
@@ -276,19 +295,16 @@ public:
             return errno == ENOENT || errno == ENOTDIR ? FileError::None : lastError(FileError::ReadFailed);
         }
         const bool writeBits = (status.st_mode & 0222U) != 0 || S_ISDIR(status.st_mode);
-        info.exists = true;
-        info.folder = S_ISDIR(status.st_mode);
-        info.special = !info.folder && !S_ISREG(status.st_mode);
+        info = infoIn(status);
         info.writable = writeBits && ::faccessat(AT_FDCWD, name.c_str(), W_OK, AT_EACCESS) == 0;
-        info.size = status.st_size;
-        info.modified = toNanoseconds(status.st_mtim);
-        info.mode = status.st_mode & 07777U;
-        info.device = status.st_dev;
-        info.inode = status.st_ino;
-        info.links = static_cast<std::uint32_t>(status.st_nlink);
-        info.owner = status.st_uid;
-        info.group = status.st_gid;
         return FileError::None;
+    }
+
+    FileError infoOpen(Handle handle, FileInfo& info) override {
+        struct stat status {};
+        const FileError error = readResult(::fstat(handle, &status));
+        info = error == FileError::None ? infoIn(status) : FileInfo();
+        return error;
     }
 
     FileError list(const std::string& path, std::vector<std::string>& names) override {

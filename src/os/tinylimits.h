@@ -29,10 +29,14 @@ inline constexpr int LongestWait                 = pick(10000,                  
 inline constexpr std::uint64_t LargestReserve    = pick(std::uint64_t{4} << 30,                  std::uint64_t{64} << 20);
 // rows of lists: bytes read or written at a time
 inline constexpr std::size_t RowBlockBytes       = pick<std::size_t>(std::size_t{64} * 1024,     64);
-// index files: bytes read around a node, and looked at without copying; nodes in memory; bytes of keys that are sorted
-// at once, and of nodes that are built at once
+// index files: bytes read around a node, at the front of a file, and looked at without copying; bytes of records that
+// are kept of a file that is held open, and of one that is not; nodes in memory; bytes of keys that are sorted at once,
+// and of nodes that are built at once
 inline constexpr std::int32_t AroundNodeBytes    = pick(2048,                                    48);
+inline constexpr std::int32_t FrontOfIndexBytes  = pick(4096,                                    1300);
 inline constexpr std::int32_t MostPeekBytes      = pick(2048,                                    64);
+inline constexpr std::size_t HeldIndexBytes      = pick<std::size_t>(std::size_t{2} << 20,       400);
+inline constexpr std::size_t KnownIndexBytes     = pick<std::size_t>(std::size_t{1} << 19,       400);
 inline constexpr std::size_t MostIndexNodes      = pick<std::size_t>(512,                        8);
 inline constexpr std::size_t KeySortBytes        = pick<std::size_t>(std::size_t{32} << 20,      256);
 inline constexpr std::size_t BuiltStretchBytes   = pick<std::size_t>(std::size_t{64} << 10,      100);

@@ -107,6 +107,7 @@ struct SteeredFiles::Node {
     int kind = AFile;
     std::uint64_t inode = 0;
     std::uint32_t links = 1;
+    std::int64_t changed = 0;
     State state, lasting;
     bool everSynced = false;
     std::vector<Change> unsynced;
@@ -129,7 +130,7 @@ SteeredFiles::NodePointer SteeredFiles::newNode(int kind, std::uint32_t mode) {
     node->kind = kind;
     node->inode = nextInode_++;
     node->state.mode = mode;
-    node->state.modified = clock().now();
+    touch(*node);
     if (kind != AFile) settle(*node);
     return node;
 }
@@ -210,6 +211,10 @@ bool SteeredFiles::may(const Node& node, std::uint32_t bits) const {
 
 // ---- Preparing and looking
 
+void SteeredFiles::touch(Node& node) {
+    node.state.modified = node.changed = clock().now();
+}
+
 void SteeredFiles::settle(Node& node) {
     node.lasting = node.state;
     node.lastingNames = node.names;
@@ -254,6 +259,7 @@ void SteeredFiles::put(const std::string& path, std::string_view bytes, std::uin
     const NodePointer node = place.node != nullptr ? place.node : newNode(AFile, mode);
     node->state.bytes = bytes;
     node->state.mode = mode;
+    node->changed = clock().now();
     settle(*node);
     place.folder->names[place.name] = place.folder->lastingNames[place.name] = node;
 }
@@ -436,7 +442,7 @@ FileError SteeredFiles::make(const Place& place, const NodePointer& node) {
     if (!may(*place.folder, writeBit)) return FileError::Denied;
     if (freeBytes_ <= 0) return FileError::DiskFull;
     place.folder->names[place.name] = node;
-    place.folder->state.modified = clock().now();
+    touch(*place.folder);
     return FileError::None;
 }
 
@@ -512,7 +518,7 @@ FileError SteeredFiles::write(Handle handle, std::int64_t offset, std::string_vi
     if (!bytes.empty() && end > old.size()) old.resize(end);
     if (!bytes.empty()) old.replace(static_cast<std::size_t>(offset), bytes.size(), bytes);
     file->node->unsynced.push_back({false, static_cast<std::size_t>(offset), std::string(bytes)});
-    file->node->state.modified = clock().now();
+    touch(*file->node);
     if (dying_) throw ProcessDeath{};
     return error;
 }
@@ -526,7 +532,7 @@ FileError SteeredFiles::truncate(Handle handle, std::int64_t size) {
     if (static_cast<std::size_t>(size) < bytes.size()) give(bytes.size() - static_cast<std::size_t>(size));
     bytes.resize(static_cast<std::size_t>(size));
     file->node->unsynced.push_back({true, static_cast<std::size_t>(size), {}});
-    file->node->state.modified = clock().now();
+    touch(*file->node);
     return FileError::None;
 }
 
@@ -584,7 +590,8 @@ FileError SteeredFiles::rename(const std::string& from, const std::string& to) {
     if (made.node != nullptr) unlink(*made.node);
     old.folder->names.erase(old.name);
     made.folder->names[made.name] = old.node;
-    old.folder->state.modified = made.folder->state.modified = clock().now();
+    touch(*old.folder);
+    touch(*made.folder);
     return FileError::None;
 }
 
@@ -596,7 +603,7 @@ FileError SteeredFiles::remove(const std::string& path) {
     if (error != FileError::None) return error;
     if (place.node->kind == AFolder) return FileError::IsFolder;
     place.folder->names.erase(place.name);
-    place.folder->state.modified = clock().now();
+    touch(*place.folder);
     unlink(*place.node);
     return FileError::None;
 }
@@ -641,6 +648,7 @@ FileError SteeredFiles::setMode(const std::string& path, std::uint32_t mode) {
     if (error != FileError::None) return error;
     if (node->state.owner != user) return FileError::Denied;
     node->state.mode = mode & 07777U;
+    node->changed = clock().now();
     if (node->kind == AFolder) node->lasting = node->state;
     return FileError::None;
 }
@@ -665,6 +673,7 @@ FileError SteeredFiles::setModified(const std::string& path, std::int64_t nanose
     if (error != FileError::None) return error;
     if (node->state.owner != user) return FileError::Denied;
     node->state.modified = nanoseconds;
+    node->changed = clock().now();
     return FileError::None;
 }
 
@@ -689,17 +698,33 @@ FileError SteeredFiles::info(const std::string& path, FileInfo& info) {
     const FileError error = findNode(path, node);
     if (error == FileError::NotFound || error == FileError::NotFolder) return FileError::None;
     if (error != FileError::None) return error;
-    info.exists = true;
-    info.folder = node->kind == AFolder;
+    info = infoIn(*node);
     info.writable = may(*node, writeBit);
-    info.size = static_cast<std::int64_t>(node->state.bytes.size());
-    info.modified = node->state.modified;
-    info.mode = node->state.mode;
+    return FileError::None;
+}
+
+FileInfo SteeredFiles::infoIn(const Node& node) {
+    FileInfo info;
+    info.exists = true;
+    info.folder = node.kind == AFolder;
+    info.size = static_cast<std::int64_t>(node.state.bytes.size());
+    info.modified = node.state.modified;
+    info.changed = node.changed;
+    info.mode = node.state.mode;
     info.device = 1;
-    info.inode = node->inode;
-    info.links = node->links;
-    info.owner = node->state.owner;
-    info.group = node->state.group;
+    info.inode = node.inode;
+    info.links = node.links;
+    info.owner = node.state.owner;
+    info.group = node.state.group;
+    return info;
+}
+
+FileError SteeredFiles::infoOpen(Handle handle, FileInfo& info) {
+    info = {};
+    if (dead_) throw ProcessDeath{};
+    const OpenFile* const file = opened(handle);
+    if (file == nullptr) return FileError::ReadFailed;
+    info = infoIn(*file->node);
     return FileError::None;
 }
 

@@ -124,6 +124,7 @@ public:
     FileError truncate(Handle handle, std::int64_t size) override;
     FileError size(Handle handle, std::int64_t& bytes) override;
     FileError sync(Handle handle) override;
+    void startSync(Handle) override {}
     FileError close(Handle handle) override;
     FileError rename(const std::string& from, const std::string& to) override;
     FileError renameNew(const std::string& from, const std::string& to) override;
@@ -136,6 +137,7 @@ public:
     FileError setModified(const std::string& path, std::int64_t nanoseconds) override;
     FileError link(const std::string& target, const std::string& path) override;
     FileError info(const std::string& path, FileInfo& info) override;
+    FileError infoOpen(Handle handle, FileInfo& info) override;
     FileError list(const std::string& path, std::vector<std::string>& names) override;
     FileError resolve(const std::string& path, std::string& resolved) override;
     FileError freeSpace(const std::string& path, std::int64_t& bytes) override;
@@ -160,6 +162,7 @@ private:
     [[nodiscard]] FileError find(const std::string& path, bool followLast, Place& place) const;
     [[nodiscard]] FileError findNode(const std::string& path, NodePointer& node) const;
     [[nodiscard]] FileError findEntry(const std::string& path, Place& place) const;
+    static FileInfo infoIn(const Node& node);
     [[nodiscard]] bool may(const Node& node, std::uint32_t bits) const;
     [[nodiscard]] OpenFile* opened(Handle handle);
     FileError count(FileCall kind, const std::string& text);
@@ -170,6 +173,7 @@ private:
     void unlink(Node& node);
     NodePointer newNode(int kind, std::uint32_t mode);
     Place prepare(const std::string& path);
+    static void touch(Node& node);  // notes the time of a change
     static void settle(Node& node);
     using Forget = std::function<void(Node&)>;
     static void forget(const NodePointer& node, Names names, const Forget& forgetBytes,

@@ -297,6 +297,8 @@ void tarn_table_update(const tarn_record* row, int32_t index, const tarn_record*
 void tarn_table_delete(tarn_table* t, int32_t index, const tarn_record* key);
 void tarn_table_clear(tarn_table* t);
 void tarn_table_rebuild(tarn_table* t);
+void tarn_table_hold(tarn_table* t);
+void tarn_table_release(tarn_table* t);
 int32_t tarn_table_count(const tarn_table* t);
 int32_t tarn_table_index_count(const tarn_table* t);
 int32_t tarn_table_index_for(const tarn_table* t, const tarn_record* key);

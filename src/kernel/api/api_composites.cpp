@@ -251,6 +251,12 @@ void tarn_table_clear(tarn_table* t) {
 void tarn_table_rebuild(tarn_table* t) {
     tarn::TableRebuild(in(t));
 }
+void tarn_table_hold(tarn_table* t) {
+    tarn::TableHold(in(t));
+}
+void tarn_table_release(tarn_table* t) {
+    tarn::TableRelease(in(t));
+}
 int32_t tarn_table_count(const tarn_table* t) {
     return tarn::TableCount(in(t));
 }

@@ -38,11 +38,6 @@ bool isKeptThere() {
     return info.exists && info.device == kept().device && info.inode == kept().inode;
 }
 
-std::int32_t openCode(os::FileError error, os::OpenMode mode) {
-    if (IsMissing(error)) return ERR_FILE_VANISHED;
-    return mode == os::OpenMode::Read ? FileReadCode(error) : FileWriteCode(error);
-}
-
 // Also without a process that could close anything: that of a test that plays a death.
 void closeQuietly(os::Handle handle) noexcept {
     try {
@@ -50,9 +45,14 @@ void closeQuietly(os::Handle handle) noexcept {
     } catch (...) {}
 }
 
+void closeKept() {
+    const os::Handle handle = std::exchange(kept().handle, -1);
+    if (handle >= 0 && kept().system == &os::files()) closeQuietly(handle);
+}
+
 bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std::uint64_t device,
               std::uint64_t inode) noexcept {
-    CloseKeptIndex();
+    closeKept();
     try {
         kept() = {handle, mode, &os::files(), path, device, inode};
     } catch (const std::bad_alloc&) {
@@ -64,28 +64,45 @@ bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std
 }  // namespace
 
 void CloseKeptIndex() {
-    const os::Handle handle = std::exchange(kept().handle, -1);
-    if (handle >= 0 && kept().system == &os::files()) closeQuietly(handle);
+    HeldIndex::letGo();
+    closeKept();
 }
 
 void CloseKeptIndex(std::string_view path) {
-    if (isKept(path)) CloseKeptIndex();
+    HeldIndex::letGo(path);
+    if (isKept(path)) closeKept();
 }
 
 // ---- opening ----
 
-// Takes the file over that is kept, if it serves.
-std::int32_t IndexDisk::adopt() {
+// Takes the file over that is held or kept, if there is one that serves.
+std::int32_t IndexDisk::adopt(std::int64_t& size) {
+    changed_ = false;
+    records_ = nullptr;
+    held_ = HeldIndex::of(path_);
+    if (held_ != nullptr) {
+        const std::int32_t code = held_->take(mode_, handle_, size);
+        if (code != 0) held_ = nullptr;
+        if (code == 0) records_ = &held_->records();
+        return code;
+    }
     keeps_ = isKept(path_) && isKeptThere();
     device_ = keeps_ ? kept().device : 0;
     inode_ = keeps_ ? kept().inode : 0;
+    os::FileError error = os::FileError::None;
     if (keeps_ && (kept().mode == mode_ || kept().mode == os::OpenMode::ReadWrite)) {
         mode_ = kept().mode;
         handle_ = std::exchange(kept().handle, -1);
-        return 0;
+    } else {
+        closeKept();
+        error = os::files().open(path_, mode_, 0, handle_);
     }
-    CloseKeptIndex();
-    return openCode(os::files().open(path_, mode_, 0, handle_), mode_);
+    if (error != os::FileError::None) return IndexOpenCode(error, mode_);
+    os::FileInfo info;
+    error = os::files().infoOpen(handle_, info);
+    size = info.size;
+    if (error == os::FileError::None) records_ = RememberedRecords(info);
+    return FileReadCode(error);
 }
 
 std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
@@ -95,13 +112,13 @@ std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
     peekedAt_ = -aroundBytes - 1;
     ofUse_ = false;
     changes_.clear();
-    if (const std::int32_t code = adopt(); code != 0) return code;
-    const std::int32_t code = FileReadCode(os::files().size(handle_, size_));
+    const std::int32_t code = adopt(size_);
     if (code != 0) close();
     return code;
 }
 
 void IndexDisk::keep() {
+    if (held_ != nullptr) return;
     const os::FileInfo info = os::infoOf(path_);
     keeps_ = info.exists;
     device_ = info.device;
@@ -109,26 +126,41 @@ void IndexDisk::keep() {
 }
 
 std::int32_t IndexDisk::reopen() {
-    if (const std::int32_t code = adopt(); code != 0) return code;
     std::int64_t size = 0;
-    std::int32_t code = FileReadCode(os::files().size(handle_, size));
+    std::int32_t code = adopt(size);
     if (code == 0 && size != size_) code = ERR_INDEX_FILE_SIZE;
     if (code != 0) close();
     return code;
 }
 
 IndexDisk::~IndexDisk() {
-    if (handle_ >= 0 && !(keeps_ && keepOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
+    if (handle_ < 0 || giveBack()) return;
+    if (!(keeps_ && keepOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
+}
+
+// Whether the file was a held one.
+bool IndexDisk::giveBack() noexcept {
+    if (held_ == nullptr) return false;
+    try {
+        std::exchange(held_, nullptr)->giveBack(changed_);
+    } catch (...) {  // the end of the process, in a test
+    }
+    return true;
 }
 
 std::int32_t IndexDisk::close() {
-    inBuffer_ = 0;
+    inBuffer_ = inFront_ = 0;
+    records_ = nullptr;
     const os::Handle handle = std::exchange(handle_, -1);
-    if (handle < 0) return 0;
+    if (handle < 0 || giveBack()) return 0;
     if (keeps_ && keepOpen(handle, mode_, path_, device_, inode_)) return 0;
     if (mode_ != os::OpenMode::Read) return FileWriteCode(os::files().close(handle));
     closeQuietly(handle);
     return 0;
+}
+
+void IndexDisk::useRecords(std::int32_t recordSize, std::int32_t kept) {
+    if (records_ != nullptr) records_->shape(recordSize, kept);
 }
 
 // ---- reading ----
@@ -159,10 +191,28 @@ std::int32_t IndexDisk::fill(std::int64_t offset, std::int32_t count) {
 }
 
 const char* IndexDisk::peek(std::int64_t offset, std::int32_t count, std::int32_t& code) {
-    const bool there = offset >= bufferAt_ && offset + count <= bufferAt_ + inBuffer_;
+    if (const char* const known = peekKnown(offset, count); known != nullptr) return code = 0, known;
+    const bool inFront = offset + count <= inFront_,
+               there = inFront || (offset >= bufferAt_ && offset + count <= bufferAt_ + inBuffer_);
     code = there ? 0 : fill(offset, count);
-    ofUse_ = ofUse_ || (there && offset >= IndexHeaderBytes);
-    return code == 0 ? buffer_ + (offset - bufferAt_) : nullptr;
+    // Of the front the first records tell, which are the highest nodes of an index that was written at once.
+    ofUse_ = ofUse_ || (there && offset >= IndexHeaderBytes && (!inFront || offset + count <= mostPeek));
+    if (code != 0) return nullptr;
+    const char* const bytes = inFront ? front_ + offset : buffer_ + (offset - bufferAt_);
+    if (records_ != nullptr) records_->put(offset, bytes, count);
+    return bytes;
+}
+
+std::int32_t IndexDisk::readFront() {
+    if (!isOpen()) return ERR_FILE_NOT_OPEN;
+    const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(frontBytes, size_));
+    const std::int32_t code = ReadWhole(handle_, 0, front_, static_cast<std::size_t>(count));
+    inFront_ = code == 0 ? count : 0;
+    return code;
+}
+
+const char* IndexDisk::peekKnown(std::int64_t offset, std::int32_t count) {
+    return records_ != nullptr && offset + count <= size_ ? records_->find(offset, count) : nullptr;
 }
 
 // ---- changes ----
@@ -192,11 +242,19 @@ std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::st
     return ReadWhole(handle_, offset, bytes.data(), bytes.size());
 }
 
+// Records of a file that is not held are of no use when it changes.
+void IndexDisk::changing() {
+    inBuffer_ = inFront_ = 0;
+    changed_ = true;
+    if (held_ == nullptr) records_ = nullptr;
+}
+
 std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
     if (const std::int32_t code = note(offset, before); code != 0) return code;
-    inBuffer_ = 0;
+    changing();
     const std::int32_t code = FileWriteCode(os::files().write(handle_, offset, bytes));
+    if (records_ != nullptr) code == 0 ? records_->wrote(offset, bytes) : records_->forget();
     size_ = std::max(size_, offset + static_cast<std::int64_t>(bytes.size()));
     return code;
 }
@@ -218,7 +276,7 @@ std::int32_t IndexDisk::cut(std::int64_t size) {
 
 std::int32_t IndexDisk::cutForGood(std::int64_t size) {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
-    inBuffer_ = 0;
+    changing();
     const std::int32_t code = FileWriteCode(os::files().truncate(handle_, size));
     if (code == 0) size_ = size;
     return code;
@@ -227,6 +285,8 @@ std::int32_t IndexDisk::cutForGood(std::int64_t size) {
 std::int32_t IndexDisk::takeBack() {
     if (!isOpen()) return ERR_FILE_NOT_OPEN;
     std::int32_t first = 0;
+    changing();
+    if (records_ != nullptr) records_->forget();
     const auto keepFirst = [&](os::FileError error) {
         if (first == 0) first = FileWriteCode(error);
     };

@@ -8,9 +8,11 @@
 //
 // One file may be kept open from one operation to the next: it is taken over when it is opened again, given
 // back when that is closed, and closed when another is opened. Its name may have come to stand for another
-// file, as the current folder or the name of a file can change; then the one that is there now is opened.
+// file, as the current folder or the name of a file can change; then the one that is there now is opened. A
+// file that is held (index_filehold.h) is used instead. Records of either kind of file may be in memory, too.
 #pragma once
 
+#include "kernel/index/index_filehold.h"
 #include "os/files.h"
 #include "os/tinylimits.h"
 
@@ -22,13 +24,15 @@
 
 namespace tarn {
 
-// Closes the file that is kept open, if there is one; with a path only if it is that one.
+// Closes the file that is kept open, if there is one, and those that are held; with a path only if it is that
+// one.
 void CloseKeptIndex();
 void CloseKeptIndex(std::string_view path);
 
 class IndexDisk {
 public:
-    static constexpr std::int32_t aroundBytes = limits::AroundNodeBytes, mostPeek = limits::MostPeekBytes;
+    static constexpr std::int32_t aroundBytes = limits::AroundNodeBytes, mostPeek = limits::MostPeekBytes,
+                                  frontBytes = limits::FrontOfIndexBytes;
 
     IndexDisk() {}  // leaves the buffer as it is
     ~IndexDisk();
@@ -48,6 +52,13 @@ public:
     // The same for mostPeek bytes at most: where they stand until the next reading or writing. Null on
     // failure.
     const char* peek(std::int64_t offset, std::int32_t count, std::int32_t& code);
+    // Reads the header and the first records, which are the highest of a tree that grew, and keeps them for this
+    // operation.
+    std::int32_t readFront();
+    // The same without reading; null where that were needed.
+    const char* peekKnown(std::int64_t offset, std::int32_t count);
+    // What is kept in memory: so many bytes of each record.
+    void useRecords(std::int32_t recordSize, std::int32_t kept);
 
     // ---- changes ----
 
@@ -66,14 +77,19 @@ private:
         std::size_t at, size;  // in before_
     };
 
-    std::int32_t adopt();
+    std::int32_t adopt(std::int64_t& size);
+    bool giveBack() noexcept;
     std::int32_t fill(std::int64_t offset, std::int32_t count);
     std::int32_t bytesAt(std::int64_t offset, std::int64_t count, std::string& bytes);
+    void changing();
     std::int32_t note(std::int64_t offset, std::string_view before);
 
     os::Handle handle_ = -1;
     os::OpenMode mode_ = os::OpenMode::Read;
     bool keeps_ = false;
+    HeldIndex* held_ = nullptr;
+    HeldRecords* records_ = nullptr;        // while they are of use
+    bool changed_ = false;                  // since it was opened
     std::uint64_t device_ = 0, inode_ = 0;  // of a file that is kept
     std::string path_;
     std::int64_t size_ = 0, sizeBefore_ = 0;
@@ -82,6 +98,8 @@ private:
     std::int64_t bufferAt_ = 0, peekedAt_ = 0;
     std::int32_t inBuffer_ = 0;
     bool ofUse_ = false;  // the buffer, since it was filled
+    std::int32_t inFront_ = 0;
+    char front_[frontBytes];
     char buffer_[mostPeek + 2 * aroundBytes];
 };
 

@@ -47,12 +47,16 @@ bool FileTree::State::open(const std::string& path, const KeyLayout& keys, os::O
     if (code != 0) return fail(code);
     recordsInFile = IndexRecordsOf(disk.size(), layout.recordSize);
     if (recordsInFile < 0) return recordsInFile = 0, fail(ERR_INDEX_FILE_SIZE);
-    // With the header come the first nodes.
-    const auto ahead = std::min<std::int64_t>(disk.size(), IndexDisk::mostPeek);
-    const char* header = disk.peek(0, static_cast<std::int32_t>(ahead), code);
-    if (header == nullptr) return fail(code);
-    if (WordAt(header) != IndexHeaderBytes) return fail(ERR_INDEX_TYPE);
-    const char* control = disk.peek(IndexControlAt, IndexControlWords * WordBytes, code);
+    disk.useRecords(layout.recordSize, IndexNodeHeadBytes + nearKey);
+    constexpr std::int32_t controlBytes = IndexControlWords * WordBytes;
+    const char* control = disk.peekKnown(IndexControlAt, controlBytes);
+    if (control == nullptr) {
+        code = disk.readFront();
+        const char* const header = code == 0 ? disk.peek(0, WordBytes, code) : nullptr;
+        if (header == nullptr) return fail(code);
+        if (WordAt(header) != IndexHeaderBytes) return fail(ERR_INDEX_TYPE);
+        control = disk.peek(IndexControlAt, controlBytes, code);
+    }
     if (control == nullptr) return fail(code);
     const IndexControl words = ControlAt(control);
     root = rootInFile = words.root;

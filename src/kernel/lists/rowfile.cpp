@@ -75,7 +75,8 @@ bool WriteRow(ListDescriptor& l, std::int32_t position, const void* element) {
 bool AppendRow(ListDescriptor& l, const void* element) {
     if (!hasRoomFor(l, std::int64_t{l.count} + 1)) return false;
     return WithMemory([&] {
-        if (BatchOfRows* const batch = BatchOfRows::of(l)) return batch->append(l, element);
+        BatchOfRows* const batch = BatchOfRows::of(l);
+        if (batch != nullptr && batch->gathers()) return batch->append(l, element);
         RowChange change(l);
         std::string& row = RowBytes();
         if (!change.begin(RowChange::Know::Rows) || !change.file().pack(element, row)) return false;

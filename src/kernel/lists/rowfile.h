@@ -42,6 +42,8 @@ bool OpenRows(ListDescriptor& l, std::string_view fileName, std::string_view typ
 // Cuts off a byte 26 behind the rows of an Xbase file, after all else was accepted. Where the file may not be
 // written it stays; rows that are written later take its place.
 bool CutEndMark(const ListDescriptor& l);
+// Lets the disk begin with what CloseRows will wait for. Sets no error.
+void StartRowSync(const ListDescriptor& l);
 // Syncs and blanks the name, also when the syncing fails. Nothing for a list that is not open.
 bool CloseRows(ListDescriptor& l);
 // The end of a list: as CloseRows, but a scratch file (its extension begins with '~') is deleted, and a file
@@ -65,16 +67,24 @@ std::string CheckRows(const ListDescriptor& l);
 // many rows. Rows that are gathered count and can be read, and are lost when they cannot be written: the
 // append or `finish` that finds out fails, and the count is that of the rows before them.
 //
+// One that shares the handle alone reads each row when it is asked for and writes it when it is given, so that
+// nothing is kept from others; it opens the file for writing where that is allowed. One that holds the file does
+// so for many operations, and opens it anew when it has lost its name.
+//
 // The list stays at its address while the batch lives. A list in memory, or one that is not open, or has a
-// batch, is not touched.
+// batch, is not touched; one that only shares its handle may get one that gathers.
 class RowBatch {
 public:
-    explicit RowBatch(ListDescriptor& l);
+    enum class Use { Gather, ShareHandle, Hold };
+    explicit RowBatch(ListDescriptor& l, Use use = Use::Gather);
     explicit RowBatch(const ListDescriptor& l);  // for reading
-    ~RowBatch();                                 // as finish
+    ~RowBatch();                                 // as finish; one that shares the handle just closes it
     RowBatch(const RowBatch&) = delete;
     RowBatch& operator=(const RowBatch&) = delete;
     bool finish();  // writes what is left, and closes the file
+    // The next change of the list, the last one of an operation, closes the file and counts as failed when that
+    // fails, as without a batch. Nothing for a list that had a batch already.
+    void endWithNext();
 
 private:
     std::unique_ptr<class BatchOfRows> batch_;

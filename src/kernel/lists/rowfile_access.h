@@ -59,6 +59,8 @@ public:
     os::FileError size(std::int64_t& bytes);
     os::FileError readEndMark(std::int64_t size, bool& there) const;  // a last byte 26
     os::FileError sync();
+    // Whether a path still leads to it.
+    [[nodiscard]] bool hasName() const;
 
     // Appends the bytes of an element of the list's shape; 611 when it has another, 658, 802.
     bool pack(const void* element, std::string& bytes) const;
@@ -111,6 +113,7 @@ private:
     ListDescriptor& list_;
     RowFile own_;
     RowFile* file_ = &own_;
+    bool closes_ = true;      // the file, at the end
     std::int64_t size_ = -1;  // unless it is known
     std::int32_t kept_ = 0, firstAdded_ = 0, lastAdded_ = 0;
     bool cut_ = false;
@@ -119,28 +122,40 @@ private:
 // What the operations know of the batch of a list.
 class BatchOfRows {
 public:
-    explicit BatchOfRows(ListDescriptor& l);
+    BatchOfRows(ListDescriptor& l, RowBatch::Use use);
     ~BatchOfRows();
     BatchOfRows(const BatchOfRows&) = delete;
     BatchOfRows& operator=(const BatchOfRows&) = delete;
 
-    static BatchOfRows* of(const ListDescriptor& l);  // null: there is none
+    // The youngest one of the list; null: there is none.
+    static BatchOfRows* of(const ListDescriptor& l);
+    // The same for all of its batches: before another file takes the place of this one, and at the list's end.
+    static bool finishAll(const ListDescriptor& l);
+    static void forgetAll(const ListDescriptor& l);  // their files stay open
+    static void closeForgotten();
+
+    [[nodiscard]] bool gathers() const { return use_ == RowBatch::Use::Gather; }
+    void endWithNext() { endsWithNext_ = true; }
+    [[nodiscard]] bool endsWithNext() const { return endsWithNext_; }
 
     bool read(const ListDescriptor& l, std::int32_t position, void* element);
     bool append(ListDescriptor& l, const void* element);
     bool flush();    // writes what was gathered
     bool prepare();  // flushes, and opens the file for writing
-    void forget();   // drops what was gathered: the list ends. The file is open until it is closed.
+    bool openToRead();
     bool finish();
     [[nodiscard]] RowFile& file() { return file_; }
 
 private:
     [[nodiscard]] std::int32_t written() const { return list_->count - gatheredRows_; }
-    bool openToRead();
+    void forget();  // drops what was gathered: the list ends
+    void lookAgain();
     bool fillBlock(std::int32_t position);
 
     ListDescriptor* list_;
     Offset name_;  // which tells the list
+    RowBatch::Use use_;
+    bool endsWithNext_ = false;
     RowFile file_;
     std::string gathered_, block_;
     std::int32_t gatheredRows_ = 0, blockFirst_ = 0, blockRows_ = 0, lastRead_ = 0;

@@ -2,6 +2,7 @@
 //
 // Batches stand in a chain; there are hardly ever more than two.
 #include "kernel/lists/rowfile_access.h"
+#include "kernel/run/errorcell.h"
 
 #include <algorithm>
 
@@ -13,7 +14,8 @@ BatchOfRows* first = nullptr;
 
 }  // namespace
 
-BatchOfRows::BatchOfRows(ListDescriptor& l) : list_(&l), name_(l.data), next_(first) {
+BatchOfRows::BatchOfRows(ListDescriptor& l, RowBatch::Use use)
+    : list_(&l), name_(l.data), use_(use), next_(first) {
     first = this;
 }
 
@@ -29,10 +31,39 @@ BatchOfRows* BatchOfRows::of(const ListDescriptor& l) {
     return batch;
 }
 
+bool BatchOfRows::finishAll(const ListDescriptor& l) {
+    bool good = true;
+    for (BatchOfRows* batch = first; batch != nullptr; batch = batch->next_) {
+        if (batch->name_ == l.data) good = batch->finish() && good;
+    }
+    return good;
+}
+
+void BatchOfRows::forgetAll(const ListDescriptor& l) {
+    for (BatchOfRows* batch = of(l); batch != nullptr; batch = of(l)) batch->forget();
+}
+
+void BatchOfRows::closeForgotten() {
+    for (BatchOfRows* batch = first; batch != nullptr; batch = batch->next_) {
+        if (batch->name_ == 0) (void)batch->file_.close();
+    }
+}
+
 // ---- reading ----
 
+// A held file may have given way to another.
+void BatchOfRows::lookAgain() {
+    if (use_ == RowBatch::Use::Hold && file_.isOpen() && !file_.hasName()) (void)file_.close();
+}
+
 bool BatchOfRows::openToRead() {
-    return file_.isOpen() || file_.open(*list_, os::OpenMode::Read);
+    lookAgain();
+    if (file_.isOpen()) return true;
+    if (!gathers()) {
+        const ErrorCellAside aside;
+        if (file_.open(*list_, os::OpenMode::ReadWrite)) return true;
+    }
+    return file_.open(*list_, os::OpenMode::Read);
 }
 
 // Rows from `position` on: one, or as many as a block holds when it follows the last that was read.
@@ -53,6 +84,10 @@ bool BatchOfRows::read(const ListDescriptor& l, std::int32_t position, void* ele
         const auto rowBytes = static_cast<std::size_t>(file_.rowBytes());
         return std::string_view(rows).substr(static_cast<std::size_t>(index) * rowBytes, rowBytes);
     };
+    if (!gathers()) {
+        std::string& row = RowBytes();
+        return openToRead() && file_.read(position, 1, row) && file_.unpack(row, element);
+    }
     const std::int32_t before = l.count - gatheredRows_;
     if (position > before) return file_.unpack(rowAt(gathered_, position - before - 1), element);
     if (!openToRead()) return false;
@@ -68,6 +103,7 @@ bool BatchOfRows::read(const ListDescriptor& l, std::int32_t position, void* ele
 bool BatchOfRows::prepare() {
     if (!flush()) return false;
     blockRows_ = 0;
+    lookAgain();
     return file_.canWrite() || file_.open(*list_, os::OpenMode::ReadWrite);
 }
 
@@ -125,21 +161,32 @@ bool BatchOfRows::finish() {
 
 namespace {
 
-std::unique_ptr<BatchOfRows> makeBatch(ListDescriptor& l) {
-    if (RowFileName(l).empty() || BatchOfRows::of(l) != nullptr) return nullptr;
-    return std::unique_ptr<BatchOfRows>(new (std::nothrow) BatchOfRows(l));
+std::unique_ptr<BatchOfRows> makeBatch(ListDescriptor& l, RowBatch::Use use) {
+    if (RowFileName(l).empty()) return nullptr;
+    const BatchOfRows* const there = BatchOfRows::of(l);
+    if (there != nullptr && (there->gathers() || use != RowBatch::Use::Gather)) return nullptr;
+    return std::unique_ptr<BatchOfRows>(new (std::nothrow) BatchOfRows(l, use));
 }
 
 }  // namespace
 
-RowBatch::RowBatch(ListDescriptor& l) : batch_(makeBatch(l)) {}
-RowBatch::RowBatch(const ListDescriptor& l) : batch_(makeBatch(const_cast<ListDescriptor&>(l))) {}
+RowBatch::RowBatch(ListDescriptor& l, Use use) : batch_(makeBatch(l, use)) {}
+RowBatch::RowBatch(const ListDescriptor& l)
+    : batch_(makeBatch(const_cast<ListDescriptor&>(l), Use::Gather)) {}
 
+// What a batch that shares a handle has to write was written.
 RowBatch::~RowBatch() {
     try {
-        finish();
+        if (batch_ != nullptr && !batch_->gathers())
+            (void)batch_->file().close();
+        else
+            finish();
     } catch (...) {  // the end of the process, in a test
     }
+}
+
+void RowBatch::endWithNext() {
+    if (batch_ != nullptr) batch_->endWithNext();
 }
 
 bool RowBatch::finish() {

@@ -118,8 +118,7 @@ bool MakeRowsBeside(const ListDescriptor& l, std::string& name) {
 // Rows that were on the disk give way only to rows that are.
 bool PutRowsInPlace(const std::string& name, ListDescriptor& l, std::int32_t count) {
     return WithMemory([&] {
-        if (BatchOfRows* const batch = BatchOfRows::of(l))
-            if (!batch->finish()) return false;
+        if (!BatchOfRows::finishAll(l)) return false;
         std::string target;
         os::FileError error = l.count > 0 ? syncRows(name) : noError;
         if (error == noError) error = followLink(std::string(RowFileName(l)), target);

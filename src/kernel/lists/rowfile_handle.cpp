@@ -122,6 +122,11 @@ os::FileError RowFile::sync() {
     return os::files().sync(handle_);
 }
 
+bool RowFile::hasName() const {
+    os::FileInfo info;
+    return os::files().infoOpen(handle_, info) == os::FileError::None && info.links != 0;
+}
+
 // Below 0 when there is none that can be.
 os::FileError RowFile::readCount(std::int64_t& count) const {
     StoredCount stored = EncodeCount(format_, 0);
@@ -206,6 +211,7 @@ bool RowChange::begin(Know what) {
     if (batch != nullptr) {
         if (!batch->prepare()) return false;
         file_ = &batch->file();
+        closes_ = batch->endsWithNext();
     } else if (!own_.open(list_, os::OpenMode::ReadWrite)) {
         return false;
     }
@@ -227,7 +233,7 @@ bool RowChange::keep(std::int32_t position) {
 }
 
 bool RowChange::end(os::FileError error, std::int32_t count) {
-    if (error == os::FileError::None && file_ == &own_) error = own_.close();
+    if (error == os::FileError::None && closes_) error = file_->close();
     if (error == os::FileError::None) {
         list_.count = count;
         return true;
@@ -241,7 +247,7 @@ void RowChange::takeBack() {
     const bool good = (file_->isOpen() || file_->open(list_, os::OpenMode::ReadWrite)) && !cut_ &&
                       restoreRows() && file_->writeCount(list_.count) == os::FileError::None;
     if (!good) recount();
-    if (file_ == &own_) own_.close();
+    if (closes_) file_->close();
 }
 
 // Rows behind the count are nobody's, but for what they say to other programs.

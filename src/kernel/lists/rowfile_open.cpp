@@ -6,6 +6,7 @@
 #include "kernel/lists/rowfile_names.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/fileerrors.h"
+#include "os/clock.h"
 
 #include <algorithm>
 #include <utility>
@@ -99,13 +100,35 @@ void blank(ListDescriptor& l) {
     l.count = 0;
 }
 
+// The names in a folder that this program has synced are on the disk as long as none of them has changed, which
+// moves the folder's time. A change so shortly before the sync that another could have the same time does not
+// count as synced.
+struct SyncedFolder {
+    const os::FileSystem* system = nullptr;
+    std::uint64_t device = 0, inode = 0;
+    std::int64_t changed = 0;
+    bool operator==(const SyncedFolder&) const = default;
+};
+
+os::FileError syncFolder(const std::string& path) {
+    constexpr std::int64_t leastAge = 100'000'000;  // nanoseconds; clocks of files tick each 10 ms at least
+    static SyncedFolder last;
+    const os::FileInfo info = os::infoOf(path);
+    const SyncedFolder now{&os::files(), info.device, info.inode, info.changed};
+    if (info.exists && now == last) return noError;
+    const bool aged = info.exists && os::clock().now() - info.changed >= leastAge;
+    const os::FileError error = os::files().syncFolder(path);
+    last = error == noError && aged ? now : SyncedFolder();
+    return error;
+}
+
 bool syncFile(const std::string& path) {
     os::Handle handle = -1;
     os::FileError error = os::files().open(path, os::OpenMode::Read, 0, handle);
     if (error != noError) return RefuseRead(error);
     error = os::files().sync(handle);
     os::files().close(handle);
-    if (error == noError) error = os::files().syncFolder(FolderOfFile(path));
+    if (error == noError) error = syncFolder(FolderOfFile(path));
     return error == noError || RefuseWrite(error);
 }
 
@@ -141,14 +164,18 @@ bool CutEndMark(const ListDescriptor& l) {
     });
 }
 
+void StartRowSync(const ListDescriptor& l) {
+    os::Handle handle = -1;
+    if (os::files().open(std::string(RowFileName(l)), os::OpenMode::Read, 0, handle) != noError) return;
+    os::files().startSync(handle);
+    os::files().close(handle);
+}
+
 bool CloseRows(ListDescriptor& l) {
     if (RowFileName(l).empty()) return true;
     const bool good = WithMemory([&] {
-        bool finished = true;
-        if (BatchOfRows* const batch = BatchOfRows::of(l)) {
-            finished = batch->finish();
-            batch->forget();
-        }
+        const bool finished = BatchOfRows::finishAll(l);
+        BatchOfRows::forgetAll(l);
         return syncFile(std::string(RowFileName(l))) && finished;
     });
     blank(l);
@@ -157,10 +184,9 @@ bool CloseRows(ListDescriptor& l) {
 
 void DropRows(ListDescriptor& l) {
     if (RowFileName(l).empty()) return;
-    BatchOfRows* const batch = BatchOfRows::of(l);
-    if (batch != nullptr) batch->forget();
+    BatchOfRows::forgetAll(l);
     blank(l);
-    if (batch != nullptr) batch->file().close();
+    BatchOfRows::closeForgotten();
 }
 
 bool IsScratchFile(const ListDescriptor& l) {

@@ -5,6 +5,7 @@
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/table_access.h"
 #include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_hold.h"
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_places.h"
@@ -84,8 +85,8 @@ bool openTable(TableDescriptor& t, std::string_view fileName) {
 }
 
 bool closeTable(TableDescriptor& t) {
-    const bool synced = SyncTableIndexes(t), ended = EndKeptRows(t);
-    return CloseRows(HeaderOf(t).rows) && synced && ended;
+    const bool released = ReleaseTableFiles(t), synced = SyncTableIndexes(t), ended = EndKeptRows(t);
+    return CloseRows(HeaderOf(t).rows) && released && synced && ended;
 }
 
 }  // namespace

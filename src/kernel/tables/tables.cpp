@@ -6,6 +6,7 @@
 
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
+#include "kernel/tables/tables_file_hold.h"
 #include "kernel/tables/tables_ops_internal.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/records.h"
@@ -134,6 +135,14 @@ void TableClear(TableDescriptor* t) {
 
 void TableRebuild(TableDescriptor* t) {
     if (AcceptTable(t)) operations(HeaderOf(*t)).rebuild(*t);
+}
+
+void TableHold(TableDescriptor* t) {
+    if (AcceptTable(t)) HoldTableFiles(*t);
+}
+
+void TableRelease(TableDescriptor* t) {
+    if (AcceptTable(t)) ReleaseTableFiles(*t);
 }
 
 void TableRow(const TableDescriptor* t, std::int32_t number, RecordDescriptor* row) {

@@ -76,6 +76,13 @@ void TableClear(TableDescriptor* t);  // the rows stay gone when the files of th
 // the old ones.
 void TableRebuild(TableDescriptor* t);
 
+// Keeps the files of an open table open for the operations that follow, which spares their opening and most
+// reading of indexes. What an operation does, and leaves for others, stays the same; what other programs change
+// meanwhile is noticed as far as sizes and times of files tell it. Until TableRelease, the closing or the end of
+// the table. Nothing for a table in memory, or one that is held. 802.
+void TableHold(TableDescriptor* t);
+void TableRelease(TableDescriptor* t);  // 652 when a file cannot be closed; nothing for one that is not held
+
 std::int32_t TableCount(const TableDescriptor* t);       // rows; 0 and 762 for no table, as below
 std::int32_t TableIndexCount(const TableDescriptor* t);  // 0 to 5
 // The first index whose key fields have the kinds of the key record's; 0 for none.

@@ -131,6 +131,7 @@ bool FileTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView
     const std::int32_t index = indexNumber - 1;
     std::int32_t number = 0;
     IndexChanges changes(t);
+    RowBatch rows(header.rows, RowBatch::Use::ShareHandle);
     ReadCopy old(header);
     FileTree* found = openAtRow(changes, header, index, key, old, number);
     if (found == nullptr) return false;
@@ -143,6 +144,7 @@ bool FileTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyView
     });
     RowGuard guard(t);
     if (!good || !guard.begin(number, 0)) return false;
+    rows.endWithNext();
     const bool replaced = ReplaceRow(header.rows, number, &row);
     if (replaced && changes.commit()) return true;
     if (replaced) WriteRow(header.rows, number, old.get());
@@ -155,6 +157,7 @@ bool FileTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView
     const std::int32_t index = indexNumber - 1, last = header.rows.count;
     std::int32_t number = 0;
     IndexChanges changes(t);
+    RowBatch rows(header.rows, RowBatch::Use::ShareHandle);
     ReadCopy row(header), moved(header);
     FileTree* found = openAtRow(changes, header, index, key, row, number);
     const bool moves = number != last;
@@ -168,6 +171,7 @@ bool FileTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyView
     if (!good || !guard.begin(number, moves ? last : 0)) return false;
     const bool replaced = !moves || ReplaceRow(header.rows, number, moved.get());
     const bool committed = replaced && (!moves || guard.beforeCut()) && changes.commit();
+    rows.endWithNext();
     if (!committed || !RemoveLastRow(header.rows)) {
         if (committed) changes.revert();
         if (moves && replaced) WriteRow(header.rows, number, row.get());

@@ -9,6 +9,7 @@
 #include "kernel/lists/rowformat.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
+#include "kernel/tables/tables_file_hold.h"
 #include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_places.h"
 
@@ -106,14 +107,12 @@ IndexChanges::IndexChanges(const TableDescriptor& t)
     : header_(HeaderOf(t)), file_(RowFileName(HeaderOf(t).rows)) {}
 
 FileTree* IndexChanges::open(std::int32_t index) {
-    if (count_ != 0) trees_[opened_[count_ - 1]].suspend();
     const std::string path = IndexFileName(file_, index + 1);
     if (!trees_[index].open(path, IndexKeyShape(header_, index), os::OpenMode::ReadWrite)) return nullptr;
     opened_[count_++] = index;
     return &trees_[index];
 }
 
-// The file that was opened last is still open: it comes first.
 bool IndexChanges::commit() {
     for (std::int32_t i = count_ - 1; i >= 0; --i) {
         FileTree& tree = trees_[opened_[i]];
@@ -197,6 +196,7 @@ void IndexExchange::drop() {
 }
 
 bool IndexExchange::install(std::int32_t index) {
+    CloseKeptIndex(name(index));
     return os::files().rename(newName(index), name(index)) == os::FileError::None;
 }
 
@@ -275,32 +275,58 @@ bool AcceptTableIndexes(TableDescriptor& t) {
 
 namespace {
 
-std::int32_t syncFile(const std::string& path) {
-    os::Handle handle = -1;
-    const os::FileError opened = os::files().open(path, os::OpenMode::Read, 0, handle);
-    if (opened != os::FileError::None)
-        return IsMissing(opened) ? std::int32_t{ERR_FILE_VANISHED} : FileReadCode(opened);
-    const os::FileError synced = os::files().sync(handle);
-    os::files().close(handle);
-    return FileWriteCode(synced);
-}
+// Files that are brought to the disk together: it begins with all of them before the first is waited for.
+class SyncedFiles {
+public:
+    void start(const std::string& path) {
+        One& one = files_[count_++];
+        one.opened = os::files().open(path, os::OpenMode::Read, 0, one.handle);
+        if (one.opened == os::FileError::None) os::files().startSync(one.handle);
+    }
+    // Closes them all. 0, or the first code.
+    std::int32_t finish() {
+        std::int32_t first = 0;
+        for (std::int32_t i = 0; i < count_; ++i) {
+            const std::int32_t code = finish(files_[i]);
+            if (first == 0) first = code;
+        }
+        count_ = 0;
+        return first;
+    }
+
+private:
+    struct One {
+        os::Handle handle = -1;
+        os::FileError opened = os::FileError::None;
+    };
+    static std::int32_t finish(const One& one) {
+        if (one.opened != os::FileError::None)
+            return IsMissing(one.opened) ? std::int32_t{ERR_FILE_VANISHED} : FileReadCode(one.opened);
+        const os::FileError synced = os::files().sync(one.handle);
+        os::files().close(one.handle);
+        return FileWriteCode(synced);
+    }
+    One files_[MaxIndexes];
+    std::int32_t count_ = 0;
+};
 
 }  // namespace
 
 bool SyncTableIndexes(const TableDescriptor& t) {
     const TableHeader& header = HeaderOf(t);
     const std::string file(RowFileName(header.rows));
-    std::int32_t first = 0;
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        const std::int32_t error = syncFile(IndexFileName(file, i + 1));
-        if (first == 0) first = error;
-    }
-    return first == 0 || Refuse(first);
+    SyncedFiles files;
+    StartRowSync(header.rows);
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) files.start(IndexFileName(file, i + 1));
+    const std::int32_t code = files.finish();
+    return code == 0 || Refuse(code);
 }
 
 void ReleaseTableIndexes(const TableDescriptor& t) {
     const ListDescriptor& rows = HeaderOf(t).rows;
-    if (!IsHeldInFile(rows) || RowFileName(rows).empty()) return;
+    if (!IsHeldInFile(rows)) return;
+    ReleaseTableFiles(t);
+    if (RowFileName(rows).empty()) return;
     WithMemory([&] {
         if (IsScratchFile(rows)) return RemoveIndexFiles(RowFileName(rows)), true;
         if (!os::infoOf(std::string(RowFileName(rows))).exists) return true;

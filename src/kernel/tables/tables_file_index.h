@@ -66,13 +66,12 @@ bool RenumberEntry(FileTree& tree, const KeyView& key, std::int32_t row, std::in
 
 // ---- changes of several indexes ----
 
-// The trees of one operation. Their changes stay in memory until all are made, as one file is open at a time
-// and no file may change unless all can.
+// The trees of one operation. Their changes stay in memory until all are made, as no file may change unless
+// all can. Their files are open until then.
 class IndexChanges {
 public:
     explicit IndexChanges(const TableDescriptor& t);
-    // The tree of an index; each may be opened once, and the one before can then be searched no more. Null
-    // when it cannot be opened.
+    // The tree of an index; each may be opened once. Null when it cannot be opened.
     FileTree* open(std::int32_t index);
     // False, with no file changed, when one of them cannot be written.
     bool commit();

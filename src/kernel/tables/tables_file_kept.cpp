@@ -148,10 +148,13 @@ bool HasKeptRows(const TableDescriptor& t) {
 
 bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
     const ListDescriptor& rows = HeaderOf(table_).rows;
-    RowFile file;
+    BatchOfRows* const batch = BatchOfRows::of(rows);
+    RowFile own;
+    RowFile& file = batch != nullptr ? batch->file() : own;
     KeptFile beside(table_);
     std::string row, entries;
-    if (!file.open(rows, os::OpenMode::Read) || !file.read(number, 1, row)) return false;
+    const bool open = batch != nullptr ? batch->openToRead() : own.open(rows, os::OpenMode::Read);
+    if (!open || !file.read(number, 1, row)) return false;
     rowBytes_ = file.rowBytes();
     const bool opened = beside.open(rowBytes_);
     if (!opened && (HasKeptRows(table_) || !beside.make(std::string(RowFileName(rows)), rowBytes_)))

@@ -48,6 +48,7 @@ public:
     }
     os::FileError size(os::Handle handle, std::int64_t& bytes) override { return next_.size(handle, bytes); }
     os::FileError sync(os::Handle handle) override { return next_.sync(handle); }
+    void startSync(os::Handle handle) override { next_.startSync(handle); }
     os::FileError rename(const std::string& from, const std::string& to) override {
         return next_.rename(from, to);
     }
@@ -72,6 +73,9 @@ public:
     }
     os::FileError info(const std::string& path, os::FileInfo& info) override {
         return next_.info(path, info);
+    }
+    os::FileError infoOpen(os::Handle handle, os::FileInfo& info) override {
+        return next_.infoOpen(handle, info);
     }
     os::FileError list(const std::string& path, std::vector<std::string>& names) override {
         return next_.list(path, names);

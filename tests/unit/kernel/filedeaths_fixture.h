@@ -157,6 +157,8 @@ protected:
             files().afterMachineDeath(ending.names, ending.overwritten);
         else
             files().revive();
+        table = TableValue();
+        takeError();
     }
     // What a new process makes of the files: opened and checked, "" or what is wrong.
     std::string look() {

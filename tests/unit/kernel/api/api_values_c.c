@@ -430,6 +430,8 @@ void api_tables(void) {
     CHECK(number == 9);
     CHECK(tarn_table_find("EQ", &t, 1, &key, &read) == 1);
     tarn_table_rebuild(&t);
+    tarn_table_hold(&t);
+    tarn_table_release(&t);
     tarn_table_delete(&t, 1, &key);
     CHECK(tarn_table_count(&t) == 1);
     tarn_table_clear(&t);
