@@ -3,20 +3,17 @@
 // What 'check' and 'rebuild' make of the files of a table after a death at any call of an operation, on a
 // disk in memory: the commands run in this process.
 #include "tarn_data/commands/commands.h"
+#include "tarn_data/said.h"
 #include "unit/kernel/filedeaths_fixture.h"
 
 #include <iterator>
 
 namespace tarn::datatool {
 
-namespace {
-
 std::string& said() {
     static std::string text;
     return text;
 }
-
-}  // namespace
 
 // What the commands say, as the program has it (tarn_data.cpp).
 int tell(const Problem& problem) {

@@ -192,11 +192,7 @@ TEST_F(Mending, BytesBehindATextAreNoted) {
     std::string table = read("t.bin");
     table[23] = 'x';  // "Bob" and one more
     write("t.bin", table);
-    EXPECT_EQ(tarnData("check t.bin --type=t.type"), Failed);  // the second index has the text without it
-    EXPECT_NE(output.find("note: t.bin: Row 2: there are bytes behind the text of field 'name'."),
-              std::string::npos)
-        << output;
-    std::filesystem::remove(dir / "t.i2");
+    // The second index has the text without it, and that is how texts compare.
     expectNote("t.bin --type=t.type", "t.bin: Row 2: there are bytes behind the text of field 'name'.");
 }
 

@@ -287,4 +287,18 @@ std::string CheckIndexFile(const std::string& path, const KeyView& shape, std::i
     }
 }
 
+bool IsPackedKey(const KeyView& key, std::string_view bytes) {
+    KeyLayout layout;
+    const auto size = static_cast<std::int32_t>(bytes.size());
+    if (!LayoutOfKey(key, layout) || size != layout.recordSize - IndexNodeHeadBytes ||
+        !HasFittingStrings(layout, bytes.data(), size))
+        return false;
+    const char* field = bytes.data();
+    for (std::int32_t i = 0; i < layout.count; ++i) {
+        if (ComparePacked(key.parts[i], layout.fields[i], field) != 0) return false;
+        field += PackedFieldBytes(layout.fields[i]);
+    }
+    return true;
+}
+
 }  // namespace tarn

@@ -21,5 +21,8 @@ namespace tarn {
 using SeenNode = std::function<std::string(std::int32_t row, std::string_view key)>;
 std::string CheckIndexFile(const std::string& path, const KeyView& shape, std::int32_t rows,
                            const SeenNode& seen = {});
+// Whether the key bytes of a node are those of this key, as trees compare: what stands behind the text of a
+// string does not count.
+bool IsPackedKey(const KeyView& key, std::string_view bytes);
 
 }  // namespace tarn

@@ -51,8 +51,8 @@ bool lastUsedRow(RowFile& file, std::int32_t last, std::int32_t& count) {
 // One file of rows while it is mended. The list has its name.
 class RowMending {
 public:
-    RowMending(ListDescriptor& l, std::int32_t rowsBehind, MendedRows& result)
-        : list_(l), path_(RowFileName(l)), rowsBehind_(rowsBehind), result_(result) {}
+    RowMending(ListDescriptor& l, std::int32_t xbaseRows, MendedRows& result)
+        : list_(l), path_(RowFileName(l)), xbaseRows_(xbaseRows), result_(result) {}
     bool run() {
         return file_.open(list_, os::OpenMode::ReadWrite) && look() && settleCount() && writeNote() &&
                cutAndCount();
@@ -63,17 +63,18 @@ private:
     bool settleCount();
     bool writeNote();
     bool cutAndCount();
+    bool endOfFile(std::int64_t& end);
     [[nodiscard]] std::int64_t header() const { return file_.offsetOf(1); }
+    [[nodiscard]] bool isXbase() const { return file_.format() == RowsXbase; }
 
     ListDescriptor& list_;
     std::string path_;
-    std::int32_t rowsBehind_;
+    std::int32_t xbaseRows_;
     MendedRows& result_;
     RowFile file_;
     RowNote note_;
     std::int64_t size_ = 0, end_ = 0;  // of the file; of the rows, with what is torn
     std::int32_t rowsInFile_ = 0, count_ = 0, rowsTaken_ = 0;
-    bool endMark_ = false;  // of an Xbase file; it is let alone
 };
 
 bool RowMending::look() {
@@ -84,9 +85,8 @@ bool RowMending::look() {
     const std::int64_t rows = (end_ - header()) / file_.rowBytes();
     if (rows > std::numeric_limits<std::int32_t>::max()) return Refuse(ERR_FILE_SIZE);
     rowsInFile_ = static_cast<std::int32_t>(rows);
-    if (file_.format() != RowsXbase || size_ != file_.offsetOf(rows + 1) + 1) return true;
-    const os::FileError marked = file_.readEndMark(size_, endMark_);
-    return marked == os::FileError::None || RefuseRead(marked);
+    if (isXbase() && xbaseRows_ >= 0) rowsInFile_ = std::min(rowsInFile_, xbaseRows_);
+    return true;
 }
 
 // Rows that a smaller capacity has no room for stay.
@@ -96,8 +96,10 @@ bool RowMending::settleCount() {
     if (!StoresCount(file_.format())) return true;
     if (!readStoredCount(path_, file_.format(), stored)) return false;
     const bool good = stored >= 0 && stored <= rowsInFile_;
-    if (good) rowsTaken_ = std::clamp(rowsBehind_, 0, rowsInFile_ - static_cast<std::int32_t>(stored));
-    if (good) count_ = static_cast<std::int32_t>(stored) + rowsTaken_;
+    if (good && xbaseRows_ >= 0 && isXbase())
+        rowsTaken_ = rowsInFile_ - static_cast<std::int32_t>(stored);
+    else if (good)
+        count_ = static_cast<std::int32_t>(stored);
     if (!good && file_.format() == RowsFixed && !lastUsedRow(file_, rowsInFile_, count_)) return false;
     if (IsFixedList(list_) && count_ > list_.maxlength) return Refuse(ERR_FIXED_TABLE);
     result_.countSet = !good;
@@ -113,12 +115,23 @@ bool RowMending::writeNote() {
     return error == os::FileError::None || RefuseWrite(error);
 }
 
+// Behind the last row; the mark of the end of an Xbase file stays.
+bool RowMending::endOfFile(std::int64_t& end) {
+    end = file_.offsetOf(std::int64_t{rowsInFile_} + 1);
+    if (!isXbase() || size_ <= end) return true;
+    bool marked = false;
+    const os::FileError error = file_.readEndMark(end + 1, marked);
+    if (marked) ++end;
+    return error == os::FileError::None || RefuseRead(error);
+}
+
 bool RowMending::cutAndCount() {
-    const std::int64_t whole = file_.offsetOf(std::int64_t{rowsInFile_} + 1);
+    std::int64_t whole = 0;
+    if (!endOfFile(whole)) return false;
     os::FileError error = os::FileError::None;
     if (result_.countSet || rowsTaken_ > 0 || size_ < header()) error = file_.writeCount(count_);
     if (error == os::FileError::None) result_.rowsTaken = rowsTaken_;
-    if (error == os::FileError::None && size_ > whole && !endMark_) {
+    if (error == os::FileError::None && size_ > whole) {
         error = file_.cutTo(whole);
         if (error == os::FileError::None) result_.bytesCut = size_ - whole;
     }
@@ -144,11 +157,11 @@ bool acceptMending(const ListDescriptor& l, std::string_view fileName) {
     return acceptFile(fileName);
 }
 
-bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t rowsBehind, MendedRows& result) {
+bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t xbaseRows, MendedRows& result) {
     const bool xbase = RowFormatOf(fileName, l.maxlength) == RowsXbase;
     if (xbase && !AcceptXbaseRows(l)) return false;
     SetRowFileName(l, fileName);
-    const bool good = RowMending(l, rowsBehind, result).run();
+    const bool good = RowMending(l, xbaseRows, result).run();
     SetRowFileName(l, {});
     return good;
 }
@@ -158,7 +171,7 @@ bool mendRows(ListDescriptor& l, std::string_view fileName, std::int32_t rowsBeh
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName) {
     const ErrorCellAside aside;
     MendedRows result;
-    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, 0, result); }))
+    if (!WithMemory([&] { return acceptMending(l, fileName) && mendRows(l, fileName, -1, result); }))
         result.error = ErrorCell();
     return result;
 }
@@ -293,12 +306,12 @@ bool acceptIndexes(const TableDescriptor& t, std::string_view fileName) {
     return acceptFile(fileName) && AcceptIndexKeys(t) && AcceptIndexPlaces(fileName, IndexesOf(HeaderOf(t)));
 }
 
-bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind, RebuiltTable& result) {
+bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t xbaseRows, RebuiltTable& result) {
     if (!IsTable(&t)) return Refuse(ERR_TABLE_TYPE);
     ListDescriptor& rows = HeaderOf(t).rows;
     const std::string text(NarrowText(&HeaderOf(t).typeInfo).view());
     if (!acceptIndexes(t, fileName) || !acceptMending(rows, fileName) || !AcceptTypeText(t, text) ||
-        !mendRows(rows, fileName, rowsBehind, result.mended))
+        !mendRows(rows, fileName, xbaseRows, result.mended))
         return false;
     bool created = false;
     if (!OpenRows(rows, fileName, text, created)) return false;
@@ -312,10 +325,10 @@ bool rebuild(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBeh
 
 }  // namespace
 
-RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind) {
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t xbaseRows) {
     const ErrorCellAside aside;
     RebuiltTable result;
-    if (!WithMemory([&] { return rebuild(t, fileName, rowsBehind, result); }) && !result.stopped)
+    if (!WithMemory([&] { return rebuild(t, fileName, xbaseRows, result); }) && !result.stopped)
         result.error = ErrorCell();
     return result;
 }

@@ -50,7 +50,8 @@ MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
 // last row that is an earlier one again, whole, is dropped: a deletion had moved it; rows that were kept
 // while deletions moved them and are missing come back, behind the others. Other rows with one key stay; the
 // indexes then lack all but the first. When it fails or is stopped the old indexes are as they were.
-// `rowsBehind`: so many whole rows behind those that the header counts are taken in.
-RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t rowsBehind = 0);
+// `xbaseRows`, unless below 0: so many rows an Xbase file shall have, if it is that long; what stands behind
+// them, but for a byte 26, is cut off.
+RebuiltTable RebuildTableFile(TableDescriptor& t, std::string_view fileName, std::int32_t xbaseRows = -1);
 
 }  // namespace tarn

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <unistd.h>
 #include <vector>
 
@@ -23,12 +24,39 @@ Problem unreadable(const std::string& file, os::FileError error) {
             "Look whether you may read it and whether it is still there."};
 }
 
+namespace {
+
+constexpr const char* isLoop = "It is a link that leads back to itself: remove it, or give the file itself.";
+
+// A name that cannot be followed to its end.
+bool isLinkLoop(const std::string& path) {
+    os::FileInfo info;
+    std::error_code code;
+    return os::files().info(path, info) == os::FileError::BadName && std::filesystem::is_symlink(path, code);
+}
+
+}  // namespace
+
 Problem problemOfName(const std::string& file) {
     const os::FileInfo info = os::infoOf(os::native(file));
     const std::string what = fileWord(file) + "cannot be read.";
+    std::error_code code;
+    if (isLinkLoop(os::native(file))) return {what, isLoop};
+    if (!info.exists && std::filesystem::is_symlink(os::native(file), code))
+        return {what, "It is a link to '" + std::filesystem::read_symlink(os::native(file), code).string() +
+                          "', which is not there."};
     if (!info.exists) return {what, "There is no such file: look at its name and folder."};
     if (info.folder) return {what, "It is a folder; give a file in it."};
     if (info.special) return {what, "It is no regular file: write its content to one first."};
+    return {};
+}
+
+Problem problemOfTarget(const std::string& file) {
+    const os::FileInfo info = os::infoOf(os::native(file));
+    const std::string what = fileWord(file) + "cannot be written.";
+    if (isLinkLoop(os::native(file))) return {what, isLoop};
+    if (info.folder) return {what, "It is a folder: give the name of a file in it."};
+    if (info.special) return {what, "It is no regular file: give the name of one."};
     return {};
 }
 

@@ -14,8 +14,10 @@
 
 namespace tarn::datatool {
 
-// What is no regular file, is not there or is empty.
+// Why a file cannot be read, by its name: it is not there, no regular file, or a link that leads nowhere.
 Problem problemOfName(const std::string& file);
+// Why it cannot be written. One that is not there can.
+Problem problemOfTarget(const std::string& file);
 Problem unreadable(const std::string& file, os::FileError error);
 // The beginning of a file, as much as tells text from other things.
 std::string beginningOf(const std::string& file);

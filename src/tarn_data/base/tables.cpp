@@ -22,11 +22,6 @@ std::string untilZero(std::string_view bytes) {
     return std::string(bytes.substr(0, bytes.find('\0')));
 }
 
-// A byte for each field number, the first at the top.
-std::uint32_t fieldOf(std::int32_t keyMap, std::int32_t n) {
-    return static_cast<std::uint32_t>(keyMap) >> (24U - 8U * static_cast<std::uint32_t>(n)) & 255U;
-}
-
 }  // namespace
 
 Problem tableFacts(const std::string& file, const RowType& type, TableFacts& facts) {
@@ -88,16 +83,6 @@ std::int32_t RowBytes::oddText(std::string_view row) const {
         if (field.find_first_not_of('\0', end) != std::string_view::npos) return n;
     }
     return 0;
-}
-
-std::string RowBytes::key(std::string_view row, std::int32_t keyMap) const {
-    std::string bytes;
-    for (std::int32_t i = 0; i < MaxKeyFields; ++i) {
-        const std::size_t n = fieldOf(keyMap, i);
-        if (n == 0 || n >= offsets_.size()) break;
-        bytes += row.substr(offsets_[n - 1], offsets_[n] - offsets_[n - 1]);
-    }
-    return bytes;
 }
 
 // ---- keys ----

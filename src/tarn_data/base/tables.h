@@ -43,8 +43,8 @@ public:
     std::int32_t badField(std::string_view row);
     // The first text, likewise, that has other bytes than 0 behind its end. The row has no bad field.
     [[nodiscard]] std::int32_t oddText(std::string_view row) const;
-    // The key of a row as it stands in an index file.
-    [[nodiscard]] std::string key(std::string_view row, std::int32_t keyMap) const;
+    // The row, until the next is asked for; null when it has a bad field.
+    const RecordDescriptor* record(std::string_view row) { return badField(row) == 0 ? row_.get() : nullptr; }
 
 private:
     RecordValue row_;

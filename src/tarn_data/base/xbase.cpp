@@ -2,6 +2,7 @@
 #include "tarn_data/base/xbase.h"
 
 #include "kernel/run/runtime.h"
+#include "kernel/values/adt.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 namespace tarn::datatool {
 
 namespace {
-
-constexpr char endMark = 26;
 
 constexpr bool isFill(char c) {
     return c == ' ' || c == '\0';
@@ -28,6 +27,19 @@ std::string_view trimmedText(std::string_view field) {
     field = xbaseText(field);
     while (!field.empty() && isFill(field.front())) field.remove_prefix(1);
     return field;
+}
+
+std::string shownText(std::string_view text) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= ' ' && byte != 0x7F)
+            result += c;
+        else
+            result.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 15U]);
+    }
+    return result;
 }
 
 NumberForm numberForm(std::string_view text) {
@@ -75,11 +87,50 @@ Problem XbaseFile::open(const std::string& file) {
     if (problem.any()) return problem;
     const std::int64_t end = note_.offset >= 0 ? note_.offset : file_.size();
     const std::int64_t room = end - header_.headerSize;
-    whole_ = std::max<std::int64_t>(room / header_.recordSize, 0);
-    behind_ = room < 0 ? room : file_.size() - header_.headerSize - whole_ * header_.recordSize;
-    std::string last;
-    if (behind_ == 1 && file_.read(file_.size() - 1, 1, last) && last[0] == endMark) behind_ = 0;
+    behind_ = room;
+    if (room >= 0) countWhole(room);
     return file_.error() == os::FileError::None ? Problem() : unreadable(file, file_.error());
+}
+
+bool XbaseFile::readByte(std::int64_t at, char& byte) {
+    std::string bytes;
+    if (!file_.read(at, 1, bytes) || bytes.empty()) return false;
+    byte = bytes[0];
+    return true;
+}
+
+char XbaseFile::markOf(std::int64_t row) {
+    char mark = 0;
+    readByte(header_.headerSize + (row - 1) * header_.recordSize, mark);
+    return mark;
+}
+
+// A count that is higher than the rows that there is room for tells nothing of where they end: what stands
+// there may be a mark of the end with bytes behind it, as long as rows.
+void XbaseFile::countWhole(std::int64_t room) {
+    const std::int64_t most = room / header_.recordSize, noted = file_.size() - header_.headerSize - room;
+    if (counted() <= most) {
+        whole_ = counted();
+        while (whole_ < most && isXbaseMark(markOf(whole_ + 1))) ++whole_;
+    } else {
+        std::int64_t last = most;
+        while (last > 0 && !isXbaseMark(markOf(last))) --last;
+        whole_ = last < most && markOf(last + 1) == XbaseEndMark ? last : most;
+    }
+    const std::int64_t used = whole_ * header_.recordSize;
+    char next = 0;
+    const bool ended = room > used && readByte(header_.headerSize + used, next) && next == XbaseEndMark;
+    padding_ = ended ? room - used - 1 : 0;
+    behind_ = noted + (ended ? 0 : room - used);
+}
+
+XbaseRecord::XbaseRecord(const XbaseHeader& header, const RowType& type) : header_(header) {
+    AdtInit(row_.get(), type.row.get(), KindRecord);
+}
+
+const RecordDescriptor* XbaseRecord::record(std::string_view row) {
+    const bool read = XbaseReadRow(row, header_, row_.get(), KindRecord, true).errorCode == 0;
+    return read && ErrorCell() == 0 ? row_.get() : nullptr;
 }
 
 void XbaseFile::goToFirst(std::int64_t rows) {

@@ -65,20 +65,20 @@ void checkNote(const std::string& file, const RowNote& note, std::int32_t replac
                                           "noted in part; 'tarn-data rebuild' cuts the note off.");
 }
 
-// Whether each node has the key of its row; "" at the end of a file that cannot be read, which is told
-// elsewhere.
 std::string RowKeys::compare(std::int32_t row, std::string_view key) {
-    const std::int64_t offset = first_ + (std::int64_t{row} - 1) * bytes_;
-    if (!file_.read(offset, static_cast<std::size_t>(bytes_), row_) ||
-        row_.size() != static_cast<std::size_t>(bytes_))
+    const auto bytes = static_cast<std::size_t>(rows_.bytes);
+    if (!steps_.step(rows_.bytes)) return "Stopped.";
+    const bool read = rows_.file.read(rows_.first + (std::int64_t{row} - 1) * rows_.bytes, bytes, row_);
+    const RecordDescriptor* const record = read && row_.size() == bytes ? rows_.record(row_) : nullptr;
+    KeyView own;
+    if (record == nullptr || !KeyOfRow(*record, keyMap_, own))
         return "Row " + std::to_string(row) + " cannot be read.";
-    const std::string wanted = keyOf_(row_);
-    if (wanted == key.substr(0, wanted.size())) return {};
+    if (IsPackedKey(own, key)) return {};
     return "The key of row " + std::to_string(row) + " is not the one that the row has.";
 }
 
-void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, std::int64_t rows,
-                  const IndexCheck& keysOf, Findings& findings) {
+void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, const RowsOfFile& rows,
+                  Findings& findings) {
     for (const IndexBeside& index : indexes) {
         const std::string name = nameOf(file, index.number);
         if (index.file.path.empty() || index.aside) {
@@ -90,8 +90,10 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
             findings.fault(name, index.file.wrong);
             continue;
         }
-        const std::string wrong = CheckIndexFile(os::native(name), index.file.shape(),
-                                                 static_cast<std::int32_t>(rows), keysOf(index.keyMap));
+        RowKeys keys(rows, index.keyMap);
+        const std::string wrong =
+            CheckIndexFile(os::native(name), index.file.shape(), static_cast<std::int32_t>(rows.count),
+                           [&](std::int32_t row, std::string_view key) { return keys.compare(row, key); });
         if (!wrong.empty()) findings.fault(name, wrong);
         if (!index.file.odd.empty()) findings.note(name, index.file.odd);
         const std::string_view base = paths::fileName(file).substr(0, MaxIndexTableName);
@@ -126,7 +128,13 @@ int checkIndex(const std::string& file) {
     if (!index.wrong.empty()) {
         findings.fault(file, index.wrong);
     } else {
-        const std::string wrong = CheckIndexFile(os::native(file), index.shape(), -1);
+        Steps steps(os::sizeOf(os::native(file)));
+        const std::string wrong =
+            CheckIndexFile(os::native(file), index.shape(), -1, [&](std::int32_t, std::string_view key) {
+                const auto bytes = static_cast<std::int64_t>(key.size()) + IndexNodeHeadBytes;
+                return steps.step(bytes) ? std::string() : "Stopped.";
+            });
+        if (stopSignal() != 0) return tell(stoppedProblem());
         if (!index.odd.empty()) findings.note(file, index.odd);
         if (!wrong.empty()) findings.fault(file, wrong);
         contents =
@@ -138,7 +146,9 @@ int checkIndex(const std::string& file) {
 // ---- table files ----
 
 void checkFacts(const std::string& file, const RowType& type, const TableFacts& facts, Findings& findings) {
-    if (facts.behind < 0) return findings.fault(file, "It has no whole header.");
+    if (facts.behind < 0)
+        return findings.fault(file, "It has " + counted(facts.size, "byte") + ", and its header alone has " +
+                                        std::to_string(facts.headerBytes) + ".");
     checkNote(file, facts.note, facts.replacing(), findings);
     if (facts.behind > 0 && facts.note.offset < 0)
         findings.fault(file, "It has " + counted(facts.behind, "byte") + " behind its " +
@@ -147,10 +157,13 @@ void checkFacts(const std::string& file, const RowType& type, const TableFacts& 
     if (facts.counted > facts.whole)
         findings.fault(file, "Its header counts " + counted(facts.counted, "row") + ", and it has " +
                                  std::to_string(facts.whole) + ".");
-    // One that was cleared is no longer than its rows.
-    if (type.capacity != UNBOUNDED && facts.whole > type.capacity)
-        findings.fault(file, "It has room for " + counted(facts.whole, "row") + ", and is declared for " +
-                                 std::to_string(type.capacity) + ".");
+    // One that was cleared is no longer than its rows, and a longer one does no harm.
+    if (type.capacity == UNBOUNDED || facts.whole <= type.capacity) return;
+    const std::string declared = ", and is declared for " + std::to_string(type.capacity) + ".";
+    if (facts.rows() > type.capacity)
+        findings.fault(file, "It has " + counted(facts.rows(), "row") + declared);
+    else
+        findings.note(file, "It has room for " + counted(facts.whole, "row") + declared);
 }
 
 // False: it was stopped, or a row cannot be read.
@@ -209,17 +222,12 @@ int checkTable(const std::string& file, const Arguments& arguments) {
     if (problem.any()) return tell(problem);
     checkRows(file, type, facts, findings);
     FileRows rows;
-    const RowBytes bytes(type);
+    RowBytes bytes(type);
     if (!rows.open(file)) return tell(unreadable(file, rows.error()));
-    checkIndexes(
-        file, indexes, facts.rows(),
-        [&](std::int32_t keyMap) -> SeenNode {
-            const auto keys = std::make_shared<RowKeys>(
-                rows, facts.headerBytes, facts.rowBytes,
-                [&bytes, keyMap](std::string_view row) { return bytes.key(row, keyMap); });
-            return [keys](std::int32_t row, std::string_view key) { return keys->compare(row, key); };
-        },
-        findings);
+    checkIndexes(file, indexes,
+                 {rows, facts.headerBytes, facts.rowBytes, facts.rows(),
+                  [&](std::string_view row) { return bytes.record(row); }},
+                 findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
     checkKept(file, type, indexes, findings);
     const auto count = static_cast<std::int64_t>(indexes.size());

@@ -38,25 +38,28 @@ private:
 // A row that was being written over.
 void checkNote(const std::string& file, const RowNote& note, std::int32_t replacing, Findings& findings);
 
-// The keys of the rows of a file, beside those that nodes have.
+// The rows of a file, and what makes a record of the bytes of one: null for bytes that are none.
+struct RowsOfFile {
+    FileRows& file;
+    std::int64_t first, bytes, count;  // where they begin, the length of each, and their number
+    std::function<const RecordDescriptor*(std::string_view row)> record;
+};
+// The keys of rows, as the kernel compares them, beside those that the nodes of an index have.
 class RowKeys {
 public:
-    using KeyOf = std::function<std::string(std::string_view row)>;
-    RowKeys(FileRows& file, std::int64_t first, std::int64_t bytes, KeyOf keyOf)
-        : file_(file), first_(first), bytes_(bytes), keyOf_(std::move(keyOf)) {}
-    // "" or what is wrong.
+    RowKeys(const RowsOfFile& rows, std::int32_t keyMap)
+        : rows_(rows), keyMap_(keyMap), steps_(rows.count * rows.bytes) {}
+    // "" or what is wrong, or that the user stopped it.
     std::string compare(std::int32_t row, std::string_view key);
 
 private:
-    FileRows& file_;
-    std::int64_t first_, bytes_;
-    KeyOf keyOf_;
+    const RowsOfFile& rows_;
+    std::int32_t keyMap_;
+    Steps steps_;
     std::string row_;
 };
-// What looks at the nodes of an index with that key map.
-using IndexCheck = std::function<SeenNode(std::int32_t keyMap)>;
-void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, std::int64_t rows,
-                  const IndexCheck& keysOf, Findings& findings);
+void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, const RowsOfFile& rows,
+                  Findings& findings);
 
 // The indexes that --keys asks for.
 Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,

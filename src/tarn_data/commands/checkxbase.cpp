@@ -63,20 +63,6 @@ std::string oddCell(char type, std::string_view field) {
     }
 }
 
-// As it can be shown in a line.
-std::string shown(std::string_view text) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= ' ' && byte != 0x7F)
-            result += c;
-        else
-            result.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 15U]);
-    }
-    return result;
-}
-
 // ---- the file ----
 
 class XbaseCheck {
@@ -92,6 +78,9 @@ public:
                 findings_.note(name_, "Field " + nameOf(n) + " is of type " + header_.type[n] +
                                           ", which is not known here.");
         }
+        if (file_.behind() < 0)
+            return findings_.fault(name_, "It has " + bytes(file_.size()) + ", and its header alone has " +
+                                              std::to_string(header_.headerSize) + ".");
         const std::int64_t whole = file_.whole(), counted = file_.counted();
         if (counted != whole)
             findings_.fault(name_, "Its header counts " + std::to_string(counted) +
@@ -99,9 +88,11 @@ public:
                                        std::to_string(whole) + (whole == 1 ? " whole one." : " whole ones."));
         checkNote(name_, file_.note(), file_.replacing(), findings_);
         if (file_.behind() != 0 && file_.note().offset < 0)
-            findings_.fault(name_, "It has " + std::to_string(file_.behind()) +
-                                       (file_.behind() == 1 ? " byte" : " bytes") +
-                                       " behind its whole rows.");
+            findings_.fault(name_, "It has " + bytes(file_.behind()) + " behind its whole rows.");
+        if (file_.padding() != 0 && file_.note().offset < 0)
+            findings_.note(name_, "It has " + bytes(file_.padding()) +
+                                      " behind its mark of the end (a byte 26), which are no rows; a rebuild "
+                                      "cuts them off.");
     }
     void checkRows() {
         Steps steps(file_.whole() * header_.recordSize);
@@ -110,25 +101,18 @@ public:
         for (std::int64_t number = 1; file_.next(row); ++number) {
             if (!steps.step(header_.recordSize)) return;
             if (number == file_.replacing()) row = file_.note().row;
-            if (row[0] != LiveRow && row[0] != DeletedRow)
-                findings_.fault(name_, "Row " + std::to_string(number) + " has '" + shown(row.substr(0, 1)) +
+            if (!isXbaseMark(row[0]))
+                findings_.fault(name_, "Row " + std::to_string(number) + " has '" +
+                                           shownText(row.substr(0, 1)) +
                                            "' where its mark of deletion stands.");
             for (std::int32_t n = 0; n < header_.fieldCount; ++n) checkCell(row, number, n);
         }
         if (file_.error() != os::FileError::None)
             findings_.fault(name_, std::string(os::describe(file_.error())));
     }
-    // The key of a row: its fields as they stand, the first of which is the mark.
-    [[nodiscard]] std::string key(std::string_view row, std::int32_t keyMap) const {
-        std::string bytes;
-        for (auto map = static_cast<std::uint32_t>(keyMap); map != 0; map <<= 8U) {
-            const auto field = static_cast<std::int32_t>(map >> 24U);
-            bytes += field == 1 ? row.substr(0, 1) : file_.field(row, field - 2);
-        }
-        return bytes;
-    }
 
 private:
+    static std::string bytes(std::int64_t n) { return std::to_string(n) + (n == 1 ? " byte" : " bytes"); }
     void checkHead(std::string_view head) {
         constexpr std::size_t part = 32, headAt = 12, fieldAt = 12, fieldEnd = 16, restAt = 18;
         constexpr char terminator = 13;
@@ -137,7 +121,8 @@ private:
         };
         const auto fields = static_cast<std::size_t>(header_.fieldCount);
         if (!isDate(head)) findings_.note(name_, "The date of its last change is none.");
-        if (head.size() <= (fields + 1) * part || head[(fields + 1) * part] != terminator)
+        const bool whole = head.size() == static_cast<std::size_t>(header_.headerSize);
+        if (whole && (head.size() <= (fields + 1) * part || head[(fields + 1) * part] != terminator))
             findings_.fault(name_, "Its list of fields has no end (a byte 13).");
         if (!isZero(headAt, part)) findings_.note(name_, "Reserved bytes of its header are not 0.");
         for (std::size_t n = 1; n <= fields && head.size() >= (n + 1) * part; ++n) {
@@ -155,14 +140,14 @@ private:
         return DateValid(1900 + byte(1), byte(2), byte(3), 0, 0, 0, 0);
     }
     [[nodiscard]] std::string nameOf(std::int32_t n) const {
-        return std::to_string(n + 1) + " ('" + shown(header_.name[n]) + "')";
+        return std::to_string(n + 1) + " ('" + shownText(header_.name[n]) + "')";
     }
     void checkCell(std::string_view row, std::int64_t number, std::int32_t n) {
         const std::string_view field = file_.field(row, n);
         const std::string odd = oddCell(header_.type[n], field);
         if (!odd.empty())
             findings_.note(name_, "Row " + std::to_string(number) + ", field " + nameOf(n) + ": '" +
-                                      shown(xbaseText(field)) + "' " + odd + ".");
+                                      shownText(xbaseText(field)) + "' " + odd + ".");
     }
 
     const std::string& name_;
@@ -170,6 +155,30 @@ private:
     const XbaseHeader& header_;
     Findings& findings_;
 };
+
+// Their number too. Fields of other types have no keys.
+Problem checkXbaseIndexes(const Arguments& arguments, const XbaseFile& xbase, Findings& findings,
+                          std::size_t& count) {
+    const std::string& file = arguments.files[0];
+    RowType type;
+    if (xbaseRowType(file, type).any()) {
+        if (os::infoOf(os::native(IndexFileName(file, 1))).exists)
+            findings.note(file, "Its indexes are not looked at, as not all of its fields are known.");
+        return {};
+    }
+    const std::vector<IndexBeside> indexes = indexesBeside(file, type);
+    count = indexes.size();
+    Problem problem = checkWanted(arguments, type, indexes, findings);
+    FileRows rows;
+    if (problem.any()) return problem;
+    if (!rows.open(file)) return unreadable(file, rows.error());
+    XbaseRecord record(xbase.header(), type);
+    checkIndexes(file, indexes,
+                 {rows, xbase.header().headerSize, xbase.header().recordSize, xbase.rows(),
+                  [&](std::string_view row) { return record.record(row); }},
+                 findings);
+    return {};
+}
 
 }  // namespace
 
@@ -186,29 +195,14 @@ int checkXbase(const Arguments& arguments) {
     XbaseCheck check(file, xbase, findings);
     check.checkHeader();
     check.checkRows();
-    RowType type;
-    std::vector<IndexBeside> indexes;
-    if (!xbaseRowType(file, type).any()) {
-        indexes = indexesBeside(file, type);
-        problem = checkWanted(arguments, type, indexes, findings);
-        if (problem.any()) return tell(problem);
-    }
-    FileRows rows;
-    if (!rows.open(file)) return tell(unreadable(file, rows.error()));
-    checkIndexes(
-        file, indexes, xbase.rows(),
-        [&](std::int32_t keyMap) -> SeenNode {
-            const auto keys = std::make_shared<RowKeys>(
-                rows, xbase.header().headerSize, xbase.header().recordSize,
-                [&check, keyMap](std::string_view row) { return check.key(row, keyMap); });
-            return [keys](std::int32_t row, std::string_view key) { return keys->compare(row, key); };
-        },
-        findings);
+    std::size_t indexes = 0;
+    problem = checkXbaseIndexes(arguments, xbase, findings, indexes);
+    if (problem.any()) return tell(problem);
     if (stopSignal() != 0) return tell(stoppedProblem());
-    const std::size_t count = indexes.size();
     return findings.print(
-        file, std::to_string(xbase.rows()) + (xbase.rows() == 1 ? " row" : " rows") +
-                  (count == 0 ? "" : ", " + std::to_string(count) + (count == 1 ? " index" : " indexes")));
+        file,
+        std::to_string(xbase.rows()) + (xbase.rows() == 1 ? " row" : " rows") +
+            (indexes == 0 ? "" : ", " + std::to_string(indexes) + (indexes == 1 ? " index" : " indexes")));
 }
 
 }  // namespace tarn::datatool

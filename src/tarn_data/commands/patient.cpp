@@ -4,7 +4,6 @@
 #include "kernel/index/index_filecheck.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_kept.h"
-#include "tarn_data/base/xbase.h"
 #include "tarn_data/commands/check_internal.h"
 
 #include <algorithm>
@@ -69,10 +68,11 @@ enum class Witness { None, For, Against };
 Witness askIndex(const Patient& patient, const IndexBeside& index, FileRows& rows) {
     constexpr std::int32_t mostAsked = 1000, leastAgainst = 4, share = 4;
     if (index.keyMap == 0 || index.aside) return Witness::None;
-    const RowBytes bytes(patient.type);
-    RowKeys keys(rows, patient.headerBytes, patient.rowBytes,
-                 [&](std::string_view row) { return bytes.key(row, index.keyMap); });
+    RowBytes bytes(patient.type);
     const std::int64_t last = patient.counted < 0 ? patient.whole : std::min(patient.whole, patient.counted);
+    const RowsOfFile all{rows, patient.headerBytes, patient.rowBytes, last,
+                         [&](std::string_view row) { return bytes.record(row); }};
+    RowKeys keys(all, index.keyMap);
     std::int32_t asked = 0, same = 0;
     const std::string wrong = CheckIndexFile(os::native(index.file.path), index.file.shape(), -1,
                                              [&](std::int32_t row, std::string_view key) -> std::string {
@@ -176,19 +176,6 @@ Problem lookAtTable(const Arguments& arguments, Patient& patient) {
     return problem.any() ? problem : checkRows(patient);
 }
 
-// Rows that have a mark of deletion, behind those that the header counts.
-std::int64_t rowsBehind(XbaseFile& file) {
-    std::int64_t rows = 0;
-    std::string_view row;
-    file.goToFirst(file.whole());
-    for (std::int64_t number = 1; file.next(row); ++number) {
-        if (number <= file.counted()) continue;
-        if (row[0] != LiveRow && row[0] != DeletedRow) break;
-        ++rows;
-    }
-    return rows;
-}
-
 Problem lookAtXbase(Patient& patient) {
     XbaseFile file;
     Problem problem = file.open(patient.file);
@@ -198,12 +185,11 @@ Problem lookAtXbase(Patient& patient) {
     patient.headerBytes = file.header().headerSize;
     patient.counted = file.counted();
     patient.whole = file.whole();
-    patient.behind = file.behind();
-    patient.size = os::sizeOf(os::native(patient.file));
+    patient.behind = file.size() - file.end();
+    patient.size = file.size();
     patient.note = file.note();
     patient.replacing = file.replacing();
-    if (file.counted() < file.whole()) patient.takenIn = rowsBehind(file);
-    return {};
+    return findDamage(file, patient.name, patient.xbase);
 }
 
 // The keys that are asked for, or those of the index files.

@@ -10,6 +10,7 @@
 #include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_mend.h"
 #include "os/paths.h"
+#include "os/savestream.h"
 #include "tarn_data/commands/patient.h"
 
 #include <algorithm>
@@ -33,35 +34,58 @@ std::string tornName(const std::string& file, int number) {
            name.substr(0, std::min(name.size(), longest - suffix.size())) + suffix;
 }
 
-// The rows that will be dropped, then what will be cut off, unless that is a row that was noted and will be
-// written.
-bool readLost(const Patient& patient, FileRows& rows, std::string& bytes) {
-    const auto add = [&](std::int64_t at, std::int64_t count) {
-        std::string more;
-        const bool good = rows.read(at, static_cast<std::size_t>(count), more);
-        bytes += more;
-        return good;
-    };
-    if (!rows.open(patient.file)) return false;
-    for (const std::int64_t row : patient.torn)
-        if (!add(patient.headerBytes + (row - 1) * patient.rowBytes, patient.rowBytes)) return false;
-    return patient.behind <= 0 || patient.replacing != 0 ||
-           add(patient.size - patient.behind, patient.behind);
-}
+// Where bytes that will be gone are copied to, in the end; nothing is made of no bytes.
+class Lost {
+public:
+    Lost(const Patient& patient, const std::string& file) : patient_(patient), to_(os::native(file)) {}
+
+    // The rows that will be dropped, then what will be cut off, unless that is a row that was noted and will
+    // be written.
+    bool copy() {
+        if (!rows_.open(patient_.file)) return false;
+        for (const std::int64_t row : patient_.torn)
+            if (!add(patient_.headerBytes + (row - 1) * patient_.rowBytes, patient_.rowBytes)) return false;
+        return patient_.behind <= 0 || patient_.replacing != 0 ||
+               add(patient_.size - patient_.behind, patient_.behind);
+    }
+    [[nodiscard]] bool any() const { return any_; }
+    [[nodiscard]] os::FileError readError() const { return rows_.error(); }
+    os::SaveResult save() { return to_.finish(); }
+
+private:
+    bool add(std::int64_t at, std::int64_t count) {
+        constexpr std::int64_t step = 1 << 20;
+        std::string bytes;
+        for (; count > 0; at += step, count -= step) {
+            if (!rows_.read(at, static_cast<std::size_t>(std::min(count, step)), bytes)) return false;
+            // What fills up a file behind its mark of the end is nobody's.
+            const bool fill = patient_.xbase.padding > 0 &&
+                              bytes.find_first_not_of(std::string_view("\0\x1A", 2)) == std::string::npos;
+            any_ = any_ || !fill;
+            to_.write(bytes);
+        }
+        return true;
+    }
+
+    const Patient& patient_;
+    FileRows rows_;
+    os::SaveStream to_;
+    bool any_ = false;
+};
 
 Problem keepLost(const Patient& patient, std::string& kept, std::string& shown) {
-    FileRows rows;
-    std::string bytes;
-    if (!readLost(patient, rows, bytes)) return unreadable(patient.name, rows.error());
-    if (bytes.empty()) return {};
     int number = 1;
     const auto isThere = [&](const std::string& file) {
         return os::infoOf(os::native(tornName(file, number))).exists;
     };
     while (isThere(patient.file) || isThere(patient.name)) ++number;
-    kept = tornName(patient.file, number);
+    const std::string name = tornName(patient.file, number);
+    Lost lost(patient, name);
+    if (!lost.copy()) return unreadable(patient.name, lost.readError());
+    if (!lost.any()) return {};
+    kept = name;
     shown = tornName(patient.name, number);
-    const os::SaveResult saved = os::saveFile(os::native(kept), bytes);
+    const os::SaveResult saved = lost.save();
     if (saved.ok()) return {};
     return {"File '" + kept + "' cannot be written: " + std::string(os::describe(saved.error)),
             "What is not a whole row is to be kept there. Nothing was changed."};
@@ -74,18 +98,21 @@ std::string keyOf(const Patient& patient, std::int32_t index) {
 // What was done, a line each.
 std::string report(const Patient& patient, const RebuiltTable& result, const std::string& shown) {
     const MendedRows& mended = result.mended;
-    std::string text;
+    std::string text = damageReport(patient);
     const auto line = [&](const std::string& what) { text += patient.name + ": " + what + "\n"; };
     if (mended.rowWritten != 0)
         line("row " + std::to_string(mended.rowWritten) + " was being replaced: replaced.");
     if (mended.bytesCut > 0 && mended.rowWritten == 0) {
         const bool torn = mended.bytesCut == patient.behind && !shown.empty();
-        line(counted(mended.bytesCut, "byte") + " behind the last whole row cut off" +
+        line(counted(mended.bytesCut, "byte") + " behind the " +
+             (patient.xbase.padding > 0 ? "mark of the end" : "last whole row") + " cut off" +
              (torn ? "; they stand in '" + shown + "'." : "."));
     }
     if (mended.rowsTaken > 0)
         line(counted(mended.rowsTaken, "row") + " behind those that the header counted taken in.");
-    if (mended.countSet)
+    if (mended.countSet && patient.size < patient.headerBytes && patient.xbase.rows < 0)
+        line("its header was not whole: written, for " + counted(mended.rows, "row") + ".");
+    else if (mended.countSet)
         line("the count in the header was " + std::to_string(patient.counted) + ": set to " +
              std::to_string(mended.rows) + ".");
     if (result.rowDropped != 0)
@@ -155,7 +182,7 @@ Problem mend(const Patient& patient, RebuiltTable& result) {
     const std::string file = os::native(patient.file);
     TableValue table;
     const bool made = makeFileTable(patient.type, patient.maps, table);
-    if (made) result = RebuildTableFile(*table.get(), file, static_cast<std::int32_t>(patient.takenIn));
+    if (made) result = RebuildTableFile(*table.get(), file, patient.xbase.rows);
     const std::int32_t code = made ? result.error : ErrorCell();
     ClearError();
     if (result.stopped)
@@ -168,6 +195,8 @@ int rebuildFile(const Patient& patient) {
     RebuiltTable result;
     std::string kept, shown;
     Problem problem = keepLost(patient, kept, shown);
+    if (problem.any()) return tell(problem);
+    problem = mendDamage(patient);
     if (problem.any()) return tell(problem);
     problem = mend(patient, result);
     if (result.mended.bytesCut == 0 && result.rowsTorn == 0 &&
@@ -228,6 +257,10 @@ int rebuild(const Arguments& arguments) {
     if (!xbase && !table) {
         const bool known = DataFormatOf(patient.name) == FormatBinary || isTableByIndex(patient.name);
         if (known) return tell(typeIsMissing(patient.name));
+        if (kind == FileKind::Xbase)
+            return tell({fileWord(patient.name) + "has the form of a dbf file, but not its name.",
+                         "Rename it to one that ends in .dbf, so that tables take it for what it is.",
+                         WrongUsage});
         return tell({fileWord(patient.name) + "is no dbf file or table file.",
                      "--type=FILE says that it is a table file, and what its rows are.", WrongUsage});
     }

@@ -90,6 +90,9 @@ Problem identifyXbase(const Arguments& arguments, Source& source) {
         return {fileWord(source.file) + "counts " + std::to_string(file.counted()) +
                     " rows in its header and has " + std::to_string(file.whole()) + ".",
                 "Take it from a copy, or let 'tarn-data rebuild' set the count to what is there."};
+    if (file.behind() < 0)
+        return {fileWord(source.file) + "ends in its header.",
+                "Take it from a copy, or let 'tarn-data rebuild' complete the header."};
     if (file.replacing() != 0)
         return {fileWord(source.file) + "row " + std::to_string(file.replacing()) +
                     " was being replaced when a process died.",

@@ -154,8 +154,8 @@ Problem chooseLayout(const Layout& layout, Target& target) {
 Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target) {
     target.file = file;
     target.format = DataFormatOf(file);
-    if (os::infoOf(os::native(file)).special)
-        return {fileWord(file) + "cannot be written.", "It is no regular file: give the name of one."};
+    const Problem problem = problemOfTarget(file);
+    if (problem.any()) return problem;
     if (arguments.toTable || target.format == FormatBinary) return chooseTable(arguments, target);
     if (target.format == FormatUnknown)
         return {"'" + file + "' cannot be written: its extension is none of " + DataFormatNames("and") + ".",

@@ -279,10 +279,10 @@ TEST_F(MendedTables, RowsBehindTheCountAreTakenInWhenTheyAreAskedForAndTheFileIs
     std::string index = bytes("p.i1");
     put("p.i1", index.replace(8, 5, "p.xbf"));
     put("p.xbf", file);
-    EXPECT_EQ(RebuildTableFile(*t(), "/d/p.dbf", 2).error, 656);  // refused: the count is as it was
+    EXPECT_EQ(RebuildTableFile(*t(), "/d/p.dbf", 3).error, 656);  // refused: the count is as it was
     EXPECT_EQ(bytes("p.dbf"), file);
     files().remove("/d/p.xbf");
-    for (const auto& [asked, taken] : {std::pair(0, 0), {1, 1}, {2, 2}, {9, 2}, {-1, 0}}) {
+    for (const auto& [asked, taken] : {std::pair(1, 0), {2, 1}, {3, 2}, {9, 2}, {-1, 0}}) {
         put("p.dbf", file);
         const RebuiltTable result = RebuildTableFile(*t(), "/d/p.dbf", asked);
         EXPECT_EQ(result.error, 0);
