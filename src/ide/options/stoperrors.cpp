@@ -6,6 +6,7 @@
 #include "kernel/debug/debugsettings.h"
 #include "kernel/run/errors.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
 
@@ -19,10 +20,6 @@ namespace {
 #define TARN_ERROR_NUMBER(code, name, text) code,
 constexpr int Errors[] = {TARN_ERRORS(TARN_ERROR_NUMBER)};  // in order
 #undef TARN_ERROR_NUMBER
-
-bool isError(int code) {
-    return std::binary_search(std::begin(Errors), std::end(Errors), code);
-}
 
 // The parts of a range between the errors in it.
 void addOthers(const CodeRange& range, std::vector<CodeRange>& others) {

@@ -7,7 +7,7 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr QSize smallest(400, 240);  // that can be worked with
+constexpr QSize smallest(360, 200);  // that can be worked with
 constexpr int gap = 8;
 
 // As near to the place as the room allows.
