@@ -7,6 +7,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "kernel/windows/quietly.h"
 #include "library/settings/profstr.h"
 #include "library/system/piped.h"
 #include "library/system/system.h"
@@ -28,6 +29,7 @@ constexpr std::size_t MuchBytes = std::size_t{1} << 18U;  // in one look
 constexpr std::int64_t Millisecond = 1'000'000;           // nanoseconds
 constexpr std::int64_t ReadTime = 20 * Millisecond;       // of a tick, so that windows stay alive
 constexpr std::int64_t ShowTime = 150 * Millisecond;      // between two looks of the user
+constexpr std::int64_t WaitTime = 3000 * Millisecond;     // of somebody who has started a program
 constexpr std::size_t ReadBytes = std::size_t{1} << 16U, MostInput = 1'000'000;
 
 // ---- what runs ----
@@ -37,6 +39,7 @@ struct Run {
     std::string name, command;
     std::string input;       // what its pipe has not taken yet
     bool inputEnds = false;  // behind that
+    std::int64_t started = 0;
     bool wrote = false;
     bool stopped = false;  // by the user
     bool muted = false;    // the user has closed the window over it
@@ -108,11 +111,21 @@ void turnTo(Run& run) {
     enable(true);
 }
 
-// The user shall see what it has to say.
+// Who has started a program just now, and does nothing else, wants to see what it says and to answer it.
+bool isAwaited(const Run& run) {
+    return !ActiveWindow().empty() && os::clock().steady() - run.started < WaitTime;
+}
+
+// The user shall see what it has to say, and lose neither the focus of what he does meanwhile nor the sight of the
+// debugger's window.
 void comeUp(Run& run) {
     turnTo(run);
     if (std::exchange(run.wrote, true)) return;
-    Show(OutputDlg, false);
+    const bool debugged = ISDEBUGGED(run.child->id());
+    if (!debugged && isAwaited(run))
+        Show(OutputDlg, false);
+    else
+        ShowQuietly(OutputDlg, debugged);
 }
 
 // ---- reading and writing ----
@@ -373,6 +386,7 @@ void RUNPROGRAM(const std::string& title, const std::string& exe, const std::str
     STAMP();
     auto run = std::make_unique<Run>();
     run->child = std::move(child);
+    run->started = os::clock().steady();
     run->name = FILEGETFNAME(exe);
     run->command = arguments.empty() ? exe : exe + " " + arguments;
     // A window that is open leaves what an earlier program wrote.

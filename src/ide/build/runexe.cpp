@@ -4,6 +4,7 @@
 #include "ide/build/output.h"
 #include "ide/build/toolrun.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
 #include "kernel/debug/debugsettings.h"
 #include "kernel/debug/runto.h"
 #include "library/settings/profstr.h"
@@ -13,6 +14,22 @@ MODULE("runexe", tarn::TOOL_ONERROR)
 
 namespace tarn {
 
+namespace {
+
+// Where the Code window stands, for a debugger's window that has no place of its own yet.
+std::string codeWindowPlace() {
+    if (!ISSHOWN(SDIEdit)) return {};
+    const Rect frame = GetPosition(SDIEdit, WINDOW_UNIT);
+    return STR(frame.x) + " " + STR(frame.y) + " " + STR(frame.w) + " " + STR(frame.h);
+}
+
+void put(std::string_view key, const std::string& value) {
+    const std::string ini = GETIDEINIFILE();
+    if (PROFILESTRGET(ini, DebugSection, key) != value) PROFILESTRPUT(ini, DebugSection, key, value);
+}
+
+}  // namespace
+
 void RUNEXEFILE(const std::string& title, const std::string& exe, int trace, bool singleStep,
                 const std::string& runTo) {
     FRAME(RUNEXEFILE);
@@ -20,8 +37,8 @@ void RUNEXEFILE(const std::string& title, const std::string& exe, int trace, boo
     STAMP();
     PROFILESTRPUT(ini, DebugSection, TraceProgramKey, STR(trace));
     PROFILESTRPUT(ini, DebugSection, SingleStepKey, singleStep ? "1" : "0");
-    if (PROFILESTRGET(ini, DebugSection, RunToKey) != runTo)
-        PROFILESTRPUT(ini, DebugSection, RunToKey, runTo);
+    put(RunToKey, runTo);
+    if (PROFILESTRGET(ini, DebugSection, DebugPositionKey).empty()) put(DebugBesideKey, codeWindowPlace());
     STAMP();
     // A program runs in its own folder, where the files lie that it names without one.
     RUNPROGRAM(title, exe, PROFILESTRGET(ini, "ArgumentsDlg", "Edit1"), FILEGETDIR(exe));

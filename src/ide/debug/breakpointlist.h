@@ -27,7 +27,7 @@ std::string FORMATBREAKPOINTS(const std::vector<Breakpoint>& breakpoints);
 
 std::vector<Breakpoint> STOREDBREAKPOINTS();
 void STOREBREAKPOINTS(const std::vector<Breakpoint>& breakpoints);
-// Why a program would not get all of them: it takes 200, from 1024 characters. Empty if it does.
+// Which of them a program would not get, in words: it takes 200, from 1024 characters. Empty if it gets all.
 std::string BREAKPOINTSFAULT(const std::vector<Breakpoint>& breakpoints);
 
 bool ISCLASSNAME(std::string_view word);  // whether a class can have that name

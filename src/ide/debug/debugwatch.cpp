@@ -86,6 +86,12 @@ void FOLLOWPROGRAM(int process, const std::string& name) {
     STAMP();
 }
 
+bool ISDEBUGGED(int process) {
+    FRAME(ISDEBUGGED);
+    STAMP();
+    return find(process) != nullptr;
+}
+
 void FORGETPROGRAM(int process) {
     FRAME(FORGETPROGRAM);
     STAMP();

@@ -13,6 +13,8 @@ namespace tarn {
 
 // Looks at a program that runs; `name` is what the user knows it by.
 void FOLLOWPROGRAM(int process, const std::string& name);
+// Whether it was seen under the debugger, since it was followed.
+bool ISDEBUGGED(int process);
 // It has ended: what it has left in the settings is shown.
 void FORGETPROGRAM(int process);
 // Stops the program under the debugger that was started last of those that run; beeps if there is none.

@@ -5,6 +5,7 @@
 #include "ide/debug/breakpointlist.h"
 #include "ide/debug/codemarks.h"
 #include "ide/debug/ruledlg.h"
+#include "ide/options/stoperrors.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -87,6 +88,7 @@ int FINDBREAKPOINT(const Object& list, const std::string& className, int line) {
 namespace {
 
 std::vector<DebugRule> chosenRules;  // as the user has them so far
+std::string chosenCodes;
 
 const DebugRule* ruleOf(const Breakpoint& one) {
     return FindDebugRule(chosenRules, one.className, one.line);
@@ -99,12 +101,36 @@ void bringUpToDate(const Object& window) {
     SetCaption(in(window, "lblrule"), rule != nullptr ? "Rule: " + FormatRuleParts(*rule) : "");
     for (const std::string_view button : {"btnremove", "btnrule"}) SetEnabled(in(window, button), row > 0);
     SetEnabled(in(window, "btnremoveall"), GetListCount(list) > 0);
+    SetCaption(in(window, "lblerrors"), STOPCODESTEXT(chosenCodes));
+}
+
+constexpr std::string_view inaccurate =
+    "Warning: Breakpoints are not accurate because the debugger is running. \n"
+    "Set the breakpoints using the debugger instead.";
+
+// What the user has to know of the breakpoints in the list.
+void warn(const Object& window) {
+    const std::string fault = BREAKPOINTSFAULT(breakpointsIn(in(window, "lstbreakpoints")));
+    SetCaption(in(window, "lblwarning"), DebuggedProcesses().empty() ? fault : std::string(inaccurate));
 }
 
 // Where the user is, as an answer to start from.
 std::string proposal() {
     const std::string className = IsLoaded(SDIEdit) ? CLASSINWINDOW(SDIEdit) : "";
     return className.empty() ? "" : className + " " + STR(CARETLINE(SDIEdit));
+}
+
+// At the end of the list, unless a program would not take it.
+void append(const Object& window, const Breakpoint& one) {
+    const Object list = in(window, "lstbreakpoints");
+    std::vector<Breakpoint> all = breakpointsIn(list);
+    all.push_back(one);
+    if (const std::string fault = BREAKPOINTSFAULT(all); !fault.empty()) {
+        SetCaption(in(window, "lblwarning"), fault);
+        return Sound();
+    }
+    AddItem(list, itemOf(one));
+    SetListIndex(list, GetListCount(list));
 }
 
 void add(const Object& window) {
@@ -118,11 +144,8 @@ void add(const Object& window) {
             "'" + text +
                 "' is not the name of a class and the number of a line.\nTry, for example, 'Main 10'.");
     const Object list = in(window, "lstbreakpoints");
-    int row = FINDBREAKPOINT(list, one.className, one.line);
-    if (row < 0) {
-        AddItem(list, itemOf(one));
-        row = GetListCount(list);
-    }
+    const int row = FINDBREAKPOINT(list, one.className, one.line);
+    if (row < 0) return append(window, one);
     SetListIndex(list, row);
 }
 
@@ -132,10 +155,12 @@ void remove(const Object& window) {
     if (row < 1) return Sound();
     RemoveItem(list, row);
     if (GetListCount(list) > 0) SetListIndex(list, std::min(row, GetListCount(list)));
+    warn(window);
 }
 
 void removeAll(const Object& window) {
     Clear(in(window, "lstbreakpoints"));
+    warn(window);
 }
 
 void changeRule(const Object& window) {
@@ -146,6 +171,10 @@ void changeRule(const Object& window) {
     const DebugRule* const before = ruleOf(one);
     DebugRule rule = before != nullptr ? *before : DebugRule{one.className, one.line, {}, 0, {}};
     if (RULEDIALOG(rule)) PutDebugRule(chosenRules, rule);
+}
+
+void changeErrors(const Object&) {
+    STOPERRORSDIALOG(chosenCodes);
 }
 
 // ---- trace ----
@@ -192,17 +221,11 @@ void load(const Object& window) {
     SetCaption(in(window, "lstbreakpoints"), "Class\tLine");
     SETBREAKPOINTS(in(window, "lstbreakpoints"), PROFILESTRGET(ini, DebugSection, BreakpointsKey));
     chosenRules = ParseDebugRules(PROFILESTRGET(ini, DebugSection, DebugRulesKey));
-    if (!DebuggedProcesses().empty())
-        SetCaption(in(window, "lblwarning"),
-                   "Warning: Breakpoints are not accurate because the debugger is running. \n"
-                   "Set the breakpoints using the debugger instead.");
+    chosenCodes = PROFILESTRGET(ini, DebugSection, StopCodesKey);
+    warn(window);
     showTraces(window);
     SetListIndex(in(window, "lstbreakpoints"), GetListCount(in(window, "lstbreakpoints")) > 0 ? 1 : 0);
     bringUpToDate(window);
-}
-
-std::string problem(const Object& window) {
-    return BREAKPOINTSFAULT(breakpointsIn(in(window, "lstbreakpoints")));
 }
 
 void accept(const Object& window) {
@@ -212,8 +235,10 @@ void accept(const Object& window) {
         return FINDBREAKPOINT(in(window, "lstbreakpoints"), rule.className, rule.line) < 0;
     });
     const std::string rules = FormatDebugRules(chosenRules);
-    if (PROFILESTRGET(ini, DebugSection, DebugRulesKey) != rules)
-        PROFILESTRPUT(ini, DebugSection, DebugRulesKey, rules);
+    const std::pair<std::string_view, std::string> changed[] = {{DebugRulesKey, rules},
+                                                               {StopCodesKey, chosenCodes}};
+    for (const auto& [key, value] : changed)
+        if (PROFILESTRGET(ini, DebugSection, key) != value) PROFILESTRPUT(ini, DebugSection, key, value);
     const int level = numberOf(GetText(in(window, "Traceide")));
     if (level != GetTraceMode()) SetTraceMode(level);
     SHOWBREAKPOINTS(SDIEdit);
@@ -223,11 +248,11 @@ constexpr DialogButton buttons[] = {{"btnadd", add},
                                     {"btnremove", remove},
                                     {"btnremoveall", removeAll},
                                     {"btnrule", changeRule},
+                                    {"btnerrors", changeErrors},
                                     {"btntrace", openTrace}};
 constexpr DialogShape shape{.settings = GETIDEINIFILE,
                             .showHelp = SHOWWINDOWHELP,
                             .load = load,
-                            .problem = problem,
                             .accept = accept,
                             .buttons = buttons};
 const RegisteredWindow registered("DebugOptionsDlg", DEBUGOPTIONSDLG);

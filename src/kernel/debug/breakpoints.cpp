@@ -63,16 +63,6 @@ std::int32_t sum(std::int32_t a, std::int32_t b) {
     return static_cast<std::int32_t>(std::min<std::int64_t>(exact, std::numeric_limits<std::int32_t>::max()));
 }
 
-void readPosition(std::string_view value, DebugSettings& settings) {
-    Words words(value);
-    std::int32_t numbers[4] = {};
-    for (std::int32_t& number : numbers) readDigits(words.take(), number);
-    settings.left = numbers[0];
-    settings.top = numbers[1];
-    settings.right = sum(numbers[0], numbers[2]);
-    settings.bottom = sum(numbers[1], numbers[3]);
-}
-
 std::int32_t readInteger(const std::string& value) {
     std::int32_t number = 0;
     bool ok = false;
@@ -131,12 +121,24 @@ std::string BreakpointsText(const BreakpointTable* table, const ClassTable* clas
     return text;
 }
 
+DebugSettings ParseDebugPosition(std::string_view value) {
+    Words words(value);
+    std::int32_t numbers[4] = {};
+    for (std::int32_t& number : numbers) readDigits(words.take(), number);
+    DebugSettings settings;
+    settings.left = numbers[0];
+    settings.top = numbers[1];
+    settings.right = sum(numbers[0], numbers[2]);
+    settings.bottom = sum(numbers[1], numbers[3]);
+    return settings;
+}
+
 DebugSettings LoadDebugSettings(std::string_view file, std::string_view section, BreakpointTable* table) {
     if (table != nullptr) *table = {};
     DebugSettings settings;
     if (file.empty() || section.empty()) return settings;
     readBreakpoints(DebugSetting(file, section, BreakpointsKey), table);
-    readPosition(DebugSetting(file, section, DebugPositionKey), settings);
+    settings = ParseDebugPosition(DebugSetting(file, section, DebugPositionKey));
     settings.traceMode = readInteger(DebugSetting(file, section, TraceProgramKey));
     settings.singleStep = readInteger(DebugSetting(file, section, SingleStepKey)) != 0;
     return settings;

@@ -51,5 +51,7 @@ struct DebugSettings {
 };
 // Empties the table and fills it from the file. An empty name of the file or the section gives nothing.
 DebugSettings LoadDebugSettings(std::string_view file, std::string_view section, BreakpointTable* table);
+// The numbers of a value like `_Position`; the rest is as at first. What is no number is 0.
+DebugSettings ParseDebugPosition(std::string_view value);
 
 }  // namespace tarn

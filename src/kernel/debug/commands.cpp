@@ -87,8 +87,8 @@ void runCommand(DebugWindow& window, int number) {
 // ---- a line of the list ----
 
 void showFrame(DebugWindow& window, int line) {
-    const std::int32_t frame = TopRecorded() - line + 1;
-    if (frame < 1) return Beep();
+    const std::int32_t frame = FrameOfStackLine(line);
+    if (frame == 0) return Beep();
     engine.frame = frame;
     ShowCode(window, ClassOf(frame), LineOf(frame));
 }

@@ -21,7 +21,8 @@ inline constexpr std::string_view DebugSection = "debug";
 inline constexpr std::string_view BreakpointsKey = "breakpoints", DebugPositionKey = "_Position",
                                   TraceProgramKey = "TraceProgram", SingleStepKey = "SingleStep";
 // Keys of the debugger's additions.
-inline constexpr std::string_view DebugRulesKey = "Rules", StopCodesKey = "StopCodes", WatchesKey = "Watches";
+inline constexpr std::string_view DebugRulesKey = "Rules", StopCodesKey = "StopCodes", WatchesKey = "Watches",
+                                  DebugBesideKey = "Beside";
 
 // ---- rules of breakpoints ----
 
@@ -56,8 +57,8 @@ void PutDebugRule(std::vector<DebugRule>& rules, const DebugRule& rule);
 
 // ---- errors that stop ----
 
-// With none every error stops. With some those stop, also ones that an `onerror` would take; what the others do is what
-// they do without the debugger, and an error that no `onerror` takes stops always.
+// With none every error stops, and no `onerror` is called. With some those stop, and all errors do what they do without the
+// debugger: they go to their `onerror`, those that stop behind the stop. One that no `onerror` takes stops always.
 struct CodeRange {
     std::int32_t first = 0, last = 0;
     friend bool operator==(const CodeRange&, const CodeRange&) = default;

@@ -45,6 +45,11 @@ platform::DebugPlace placeOf(const DebugSettings& settings) {
     return {settings.left, settings.top, settings.right - settings.left, settings.bottom - settings.top};
 }
 
+// The Code window of the environment, of which the window shall hide nothing.
+platform::DebugPlace besidePlace() {
+    return placeOf(ParseDebugPosition(DebugSetting(engine.settingsFile, DebugSection, DebugBesideKey)));
+}
+
 void loadAdditions() {
     const auto value = [](std::string_view key) {
         return DebugSetting(engine.settingsFile, DebugSection, key);
@@ -68,8 +73,8 @@ void start(std::string_view product, std::string_view version, std::string_view 
     SetTraceMode(settings.traceMode);
     engine.stepFlag = settings.singleStep;
     const RunToPlace first = TakeRunTo(engine.settingsFile);
-    engine.window =
-        platform::StartDebug({}, InactiveDebuggerTitle, Buttons, Icon, OnDebugEvent, placeOf(settings));
+    engine.window = platform::StartDebug({}, InactiveDebuggerTitle, Buttons, Icon, OnDebugEvent,
+                                         placeOf(settings), besidePlace());
     tarn_debugger_window = engine.window;
     if (engine.window == nullptr) return;
     DebugStop = StopIfAsked;
@@ -127,8 +132,28 @@ void classAdded(std::string_view sourcePath, std::string_view className) {
     SettleRunTo(className);
 }
 
-bool takesError(std::int32_t code) {
-    return IsStopCode(engine.stopCodes, code);
+bool hasBreakpoints(std::string_view className) {
+    if (engine.breakpoints == nullptr) return false;
+    const std::span all(engine.breakpoints->entries, static_cast<std::size_t>(engine.breakpoints->count));
+    return std::any_of(all.begin(), all.end(), [className](const BreakpointEntry& entry) {
+        return ascii::equal(entry.className, className.substr(0, MaxName));
+    });
+}
+
+// The user has to know why nothing stops there.
+void classLeftOut(std::string_view className) {
+    if (engine.window == nullptr) return;
+    engine.leftOut.emplace_back(className.substr(0, MaxName));
+    if (!hasBreakpoints(className)) return;
+    os::debugOutput("Breakpoints of " + engine.leftOut.back() + " do not stop: the debugger takes " +
+                    std::to_string(MaxClasses) + " classes.\n");
+    ArmPoints();
+}
+
+// Chosen errors are looked at on their way to the handler; without any choice no handler is called.
+ErrorWay wayOf(std::int32_t code) {
+    if (engine.stopCodes.empty()) return ErrorWay::Stop;
+    return IsStopCode(engine.stopCodes, code) ? ErrorWay::StopThenHandler : ErrorWay::Handler;
 }
 
 }  // namespace
@@ -156,8 +181,8 @@ void EndDebugger() {
 }
 
 void UseDebugger() {
-    UseDebuggerHooks(
-        {debug::start, debug::CloseDebugger, debug::classAdded, debug::takesError, debug::NoteResult});
+    UseDebuggerHooks({debug::start, debug::CloseDebugger, debug::classAdded, debug::classLeftOut, debug::wayOf,
+                      debug::NoteResult});
 }
 
 }  // namespace tarn

@@ -47,6 +47,8 @@ struct Engine {
     std::string shownClass;
     std::int32_t highlighted = 0;  // the line that is marked as the current one; 0: none
     std::int32_t frame = 0;        // the one chosen in the call stack, else the top one; 0: there is none
+    std::vector<std::int32_t> stackFrames;  // by the lines of the call stack; 0: the line is none
+    std::vector<std::string> leftOut;       // classes that found no room in the table of classes
 
     std::vector<DebugRule> rules;
     bool rulesChanged = false;
@@ -56,11 +58,11 @@ struct Engine {
 };
 extern Engine engine;
 
-// ---- frames ----
+// ---- frames, from 1 to FrameCount(): nothing of one that is not recorded ----
 
-std::int32_t TopRecorded();  // the highest frame that is recorded, 0 for none
 std::int32_t LineOf(std::int32_t frame);
-std::string ClassOf(std::int32_t frame);  // empty if it is not recorded
+std::string ClassOf(std::int32_t frame);
+std::string FunctionOf(std::int32_t frame);
 
 // ---- engine.cpp ----
 
@@ -82,6 +84,7 @@ bool IsArmedHere();
 // The look: counts the hit, writes what is to be written, and tells whether to stop. `fault` is why the line's condition
 // could not be read, if so.
 bool StopsHere(std::string& fault);
+bool IsLeftOut(std::string_view className);  // of the table of classes: breakpoints there do nothing
 // Stops at the line once, whether it has a breakpoint or not; an empty class takes that back.
 void RunTo(std::string_view className, std::int32_t line);
 // The class's lines are known now: a line to run to that has no code becomes the next one that has.
@@ -95,6 +98,7 @@ std::string LoadSource(std::string_view className);
 int LineFlags(std::string_view className, std::int32_t line);  // those of its breakpoint
 
 void ShowStack(DebugWindow& window);
+std::int32_t FrameOfStackLine(int line);  // 0: none
 void ShowClasses(DebugWindow& window);
 void ShowInformation(DebugWindow& window);
 void ShowFrameValues(DebugWindow& window);

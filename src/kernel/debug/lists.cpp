@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the debugger's list shows beside sources: the call stack, the classes, information, values and watches.
+// What the debugger's list shows beside sources and the call stack: the classes, information, values and watches.
 #include "kernel/debug/engine_internal.h"
 #include "kernel/debug/expression.h"
 #include "kernel/debug/showvalues.h"
@@ -12,12 +12,12 @@ namespace tarn::debug {
 
 namespace {
 
-std::string stackText() {
-    std::string text;
-    for (std::int32_t frame = TopRecorded(); frame >= 1; --frame)
-        text += ClassOf(frame) + "(" + std::to_string(LineOf(frame)) +
-                "):" + frameStack->frames[frame - 1].functionName() + "()\n";
-    return text;
+std::string leftOutText() {
+    std::string names;
+    for (const std::string& name : engine.leftOut) names += (names.empty() ? "" : ", ") + name;
+    if (names.empty()) return {};
+    return "(Only " + std::to_string(MaxClasses) + " classes can have breakpoints. These cannot: " + names +
+           ")\n";
 }
 
 std::string classesText() {
@@ -33,7 +33,7 @@ std::string classesText() {
             text += " ---not found, should be in: " + path + "---";
         text += "\n";
     }
-    return text;
+    return text + leftOutText();
 }
 
 std::string informationText() {
@@ -64,10 +64,6 @@ void FillList(DebugWindow& window, ListMode mode, const std::string& text) {
     engine.mode = mode;
     engine.shownClass.clear();
     engine.highlighted = 0;
-}
-
-void ShowStack(DebugWindow& window) {
-    FillList(window, ListMode::Stack, stackText());
 }
 
 void ShowClasses(DebugWindow& window) {

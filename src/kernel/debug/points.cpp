@@ -107,6 +107,7 @@ void armBreakpoints() {
     const std::int32_t count = engine.breakpoints != nullptr ? engine.breakpoints->count : 0;
     for (std::int32_t i = 0; i < count; ++i) {
         const BreakpointEntry& entry = engine.breakpoints->entries[i];
+        if (IsLeftOut(entry.className)) continue;
         Point& point = pointAt(entry.className, entry.line);
         point.breakpoint = true;
         const DebugRule* const rule = FindDebugRule(engine.rules, entry.className, entry.line);
@@ -134,6 +135,11 @@ const ArmedClass* armedClassHere() {
 }
 
 }  // namespace
+
+bool IsLeftOut(std::string_view className) {
+    return std::any_of(engine.leftOut.begin(), engine.leftOut.end(),
+                       [className](const std::string& name) { return ascii::equal(name, className); });
+}
 
 void ArmPoints() {
     armed.clear();

@@ -25,6 +25,16 @@ constexpr std::string_view nothingInScope = " Either there are no values in scop
                                             " (To enable debug information, use Tools-Options-Compiler,\n"
                                             "  select Full Debugging, then recompile the file).\n";
 
+// What there is to say if the frame may have more variables than the table of them could take.
+std::string withoutRoom(std::int32_t frame) {
+    if (variablesEndAt == 0 || frame < variablesEndAt) return {};
+    if (frame > MaxFrames)
+        return " (Only the first " + std::to_string(MaxFrames) + " calls have their values here: this one is number " +
+               std::to_string(frame) + ".)\n";
+    return " (The table of values is full: it holds " + std::to_string(MaxVariables) +
+           ", and those of this call may be missing.)\n";
+}
+
 struct Shown {
     std::int32_t frame = 0;
     std::uint64_t function = 0;  // another function at the same depth is another frame
@@ -147,10 +157,10 @@ void ShowValues(platform::DebugWindow& window, std::int32_t frame, bool hex) {
     ValueDump dump = dumpOf(variables, hex);
     shown = {};
     if (dump.text().empty()) {
-        platform::DebugAddstrings(window, nothingInScope);
+        platform::DebugAddstrings(window, std::string(nothingInScope) + withoutRoom(frame));
     } else {
         shown = {frame, functionOf(frame), hex, dump.lines(), std::move(dump.variables())};
-        platform::DebugAddstrings(window, dump.text());
+        platform::DebugAddstrings(window, dump.text() + withoutRoom(frame));
         markLines(window, variables);
     }
     platform::DebugExtent(window);

@@ -85,7 +85,7 @@ int LineFlags(std::string_view className, std::int32_t line) {
 }
 
 void ShowCode(DebugWindow& window, std::string_view className, std::int32_t line) {
-    const std::string top = CurrentClassName();
+    const std::string top = ClassOf(FrameCount());
     const std::string name = className.empty() ? top : std::string(className);
     if (fills(name)) {
         unmark(window);

@@ -27,19 +27,6 @@ DebugWait UseDebugWait(DebugWait wait) {
 
 namespace debug {
 
-std::int32_t TopRecorded() {
-    return std::clamp(FrameCount(), 0, MaxFrames);
-}
-
-std::int32_t LineOf(std::int32_t frame) {
-    if (frame < 1 || frame > TopRecorded()) return 0;
-    return frame == FrameCount() ? tarn_current_line : frameStack->frames[frame - 1].savedLine;
-}
-
-std::string ClassOf(std::int32_t frame) {
-    return frame < 1 || frame > TopRecorded() ? "" : frameStack->frames[frame - 1].className();
-}
-
 namespace {
 
 bool stepEnds() {
@@ -47,21 +34,30 @@ bool stepEnds() {
 }
 
 // "File x, function y, line z"; empty without a frame.
-std::string place() {
-    const FrameRecord* const top = TopFrame();
+std::string placeOf(const FrameRecord* top) {
     if (top == nullptr) return {};
     return std::string("File ") + top->className() + ", function " + top->functionName() + ", line " +
            std::to_string(tarn_current_line);
 }
 
+// Where so many calls are open that the place of the innermost one is none that the run-time tells: the debugger knows it.
+std::string deepPlace() {
+    if (FrameCount() <= MaxFrames) return {};
+    const std::string place = placeOf(FrameAtDepth(FrameCount()));
+    return place + (place.empty() ? "" : ", ") + std::to_string(FrameCount()) + " calls deep";
+}
+
 std::string statusText(const std::string& fault) {
     const std::int32_t code = ErrorCell();
-    std::string text = place();
+    std::string text = placeOf(TopFrame());
     if (code != 0) {
         text = "Error " + std::to_string(code) + ", " + ErrorMessage(code) + (text.empty() ? "" : ", ") +
                text + "\n";
         if (code == ERR_ASSERT) text += AssertText() + "\n";
-    } else if (!engine.result.empty() && FrameCount() < engine.outOf) {
+    }
+    text += deepPlace();
+    if (code != 0) return CutReport(std::move(text));
+    if (!engine.result.empty() && FrameCount() < engine.outOf) {
         text += "\nResult of " + engine.result;
     } else if (!fault.empty()) {
         text += "\n" + fault;
@@ -78,8 +74,9 @@ std::string sourceOf(std::string_view className) {
 }
 
 StopPlace noticedPlace() {
-    const std::string className = CurrentClassName();
-    return {className, CurrentFunctionName(), sourceOf(className), LineOf(FrameCount()), ErrorCell()};
+    const std::int32_t top = FrameCount();
+    const std::string className = ClassOf(top);
+    return {className, FunctionOf(top), sourceOf(className), LineOf(top), ErrorCell()};
 }
 
 // What was stepped out of is left, or the user goes another way from here.
@@ -100,7 +97,7 @@ void stop(DebugWindow& window, const std::string& fault) {
     platform::SetDebugCaption(window, DebuggerTitle);
     platform::SetDebugStatus(window, statusText(fault));
     endStepOut();
-    engine.frame = TopRecorded();
+    engine.frame = FrameCount();
     ShowCode(window, {}, tarn_current_line);
     NoteStopped(noticedPlace());
     debugWait(window);

@@ -9,14 +9,21 @@
 
 namespace tarn {
 
+// What a pending error does at a stamp under the debugger.
+enum class ErrorWay {
+    Handler,          // it goes to the handler of its class, as without a debugger
+    Stop,             // it stops, and the program goes on behind it
+    StopThenHandler,  // it stops, and goes to the handler then
+};
+
 struct DebuggerHooks {
     // At the end of DebugStart in mode 2, when the tables are there.
     void (*start)(std::string_view product, std::string_view version, std::string_view build,
                   std::string_view mainSource) = nullptr;
     void (*end)() = nullptr;  // at the beginning of DebugEnd
     void (*classAdded)(std::string_view sourcePath, std::string_view className) = nullptr;
-    // Whether a pending error stops at once; another one goes to the handler of its class, as without a debugger.
-    bool (*takesError)(std::int32_t code) = nullptr;
+    void (*classLeftOut)(std::string_view className) = nullptr;  // the class table is full
+    ErrorWay (*wayOf)(std::int32_t code) = nullptr;              // null: each one stops
     // At a stamp of line 0, which stands behind the last statement of a function, while there is a debugger window.
     void (*functionEnds)() = nullptr;
 };

@@ -22,8 +22,10 @@ tarn::FrameStack* tarn_quick_frames = nullptr;
 namespace tarn {
 
 FrameStack* frameStack = nullptr;
+DeepFrames* deepFrames = nullptr;
 VariableTable* variableTable = nullptr;
 ClassTable* classTable = nullptr;
+std::int32_t variablesEndAt = 0;
 ThrownPlace lastThrown;
 
 namespace {
@@ -69,15 +71,21 @@ FrameRecord& frameAt(std::int32_t count) {
     return frameStack->frames[count - 1];
 }
 
+// Where a frame of that depth is recorded while it is the top one; null: nowhere.
+FrameRecord* recordAt(std::int32_t depth) {
+    if (recorded(depth)) return &frameAt(depth);
+    return depth > MaxFrames && deepFrames != nullptr ? &deepFrames->frames[depth % MaxDeepFrames] : nullptr;
+}
+
 void lowerCase(char* text) {
     for (; *text != 0; ++text) *text = ascii::lower(*text);
 }
 
 void pushFrame(const char* className, const char* functionName, std::int32_t line) {
-    if (recorded(frameStack->count)) frameAt(frameStack->count).savedLine = tarn_current_line;
-    ++frameStack->count;
-    if (!recorded(frameStack->count)) return;
-    FrameRecord& frame = frameAt(frameStack->count);
+    if (FrameRecord* const caller = recordAt(frameStack->count)) caller->savedLine = tarn_current_line;
+    FrameRecord* const record = recordAt(++frameStack->count);
+    if (record == nullptr) return;
+    FrameRecord& frame = *record;
     frame.literalClass = nullptr;
     CopyName(frame.copiedClass, className);
     CopyName(frame.copiedFunction, functionName);
@@ -85,7 +93,8 @@ void pushFrame(const char* className, const char* functionName, std::int32_t lin
     frame.firstLine = line;
     frame.savedLine = 0;
     frame.debugClass = RuntimeFrame;
-    frame.firstVariable = variableTable != nullptr ? variableTable->count + 1 : 0;
+    const bool hasVariables = variableTable != nullptr && recorded(frameStack->count);
+    frame.firstVariable = hasVariables ? variableTable->count + 1 : 0;
 }
 
 // Drops the variables from number `first` on.
@@ -114,17 +123,17 @@ void FunctionEnter(const char* className, const char* functionName, std::int32_t
 
 void EnterProgramFunction(const char* className, const char* functionName, std::int32_t line) {
     FunctionEnter(className, functionName, line);
-    if (frameStack != nullptr && recorded(frameStack->count)) frameAt(frameStack->count).debugClass = 0;
+    if (frameStack == nullptr) return;
+    if (FrameRecord* const frame = recordAt(frameStack->count)) frame->debugClass = 0;
 }
 
 void FunctionLeave() {
     if (frameStack == nullptr) return;
-    if (recorded(frameStack->count)) {
-        FrameRecord& frame = frameAt(frameStack->count);
-        dropVariables(frame.firstVariable);
-        std::memset(&frame, 0, sizeof frame);
+    if (FrameRecord* const frame = recordAt(frameStack->count)) {
+        dropVariables(frame->firstVariable);
+        std::memset(frame, 0, sizeof *frame);
     }
-    --frameStack->count;
+    if (--frameStack->count < variablesEndAt) variablesEndAt = 0;
     tarn_current_line = 0;
     if (recorded(frameStack->count)) {
         FrameRecord& caller = frameAt(frameStack->count);
@@ -157,6 +166,15 @@ std::string CurrentClassName() {
     return top != nullptr ? top->className() : "";
 }
 
+// A deeper frame has emptied the place when it left, so that what stands there is the frame of this depth.
+FrameRecord* FrameAtDepth(std::int32_t depth) {
+    if (depth < 1 || depth > FrameCount() || (depth > MaxFrames && depth <= FrameCount() - MaxDeepFrames))
+        return nullptr;
+    FrameRecord* const frame = recordAt(depth);
+    const bool gone = depth > MaxFrames && frame != nullptr && frame->className()[0] == 0;
+    return gone ? nullptr : frame;
+}
+
 std::int32_t FrameCount() {
     return frameStack != nullptr ? frameStack->count : 0;
 }
@@ -171,6 +189,7 @@ void DebugStart(std::int32_t mode, std::string_view product, std::string_view ve
     if (mode >= 1) allocateTable(frameStack);
     ChooseFrames();
     if (mode == 2) {
+        allocateTable(deepFrames);
         allocateTable(variableTable);
         allocateTable(classTable);
         if (debuggerHooks.start != nullptr) debuggerHooks.start(product, version, build, mainSource);
@@ -180,8 +199,10 @@ void DebugStart(std::int32_t mode, std::string_view product, std::string_view ve
 void DebugEnd() {
     if (debugMode == 2 && debuggerHooks.end != nullptr) debuggerHooks.end();
     freeTable(frameStack);
+    freeTable(deepFrames);
     freeTable(variableTable);
     freeTable(classTable);
+    variablesEndAt = 0;
     debugMode = 0;
     ChooseFrames();
 }
@@ -204,8 +225,11 @@ std::int32_t DebugMode() {
 }
 
 void RegisterClass(std::string_view sourcePath, std::string_view className) {
-    if (classTable == nullptr || classTable->count >= MaxClasses) return;
-    if (sourcePath.empty() || className.empty()) return;
+    if (classTable == nullptr || sourcePath.empty() || className.empty()) return;
+    if (classTable->count >= MaxClasses) {
+        if (debuggerHooks.classLeftOut != nullptr) debuggerHooks.classLeftOut(className);
+        return;
+    }
     ClassEntry& entry = classTable->entries[classTable->count++];
     entry.className[className.copy(entry.className, MaxName)] = 0;
     entry.sourcePath[sourcePath.copy(entry.sourcePath, MaxSourcePath)] = 0;
@@ -214,10 +238,14 @@ void RegisterClass(std::string_view sourcePath, std::string_view className) {
 
 void RegisterVariable(std::string_view name, char role, std::int32_t kind, void* address) {
     constexpr std::string_view roles = "CINOV";
-    if (variableTable == nullptr || variableTable->count >= MaxVariables) return;
-    if (FrameCount() > MaxFrames) return;  // nobody would drop it when that frame leaves
+    if (variableTable == nullptr) return;
     if (role == 0 || roles.find(role) == std::string_view::npos) return;
     if (kind < 1 || kind > 12 || address == nullptr) return;
+    // Nobody would drop one of a frame beyond MaxFrames when that frame leaves.
+    if (variableTable->count >= MaxVariables || FrameCount() > MaxFrames) {
+        if (variablesEndAt == 0) variablesEndAt = FrameCount();
+        return;
+    }
     VariableEntry& entry = variableTable->entries[variableTable->count++];
     entry.name[name.copy(entry.name, MaxName)] = 0;
     entry.role = role;

@@ -22,6 +22,7 @@ RescueHook rescueHook = nullptr;
 
 bool reporting = false;
 bool reported = false;
+bool seen = false;  // the user has seen the error, which goes to its handler, at a stop of the debugger
 
 // While a handler of compiled code works: the report of the error that it was called with, which is the last error.
 bool handling = false;
@@ -48,32 +49,33 @@ std::string show(const std::string& title, const std::string& buttons) {
     return TheDesktop().box(title, ErrorDetails(), buttons);
 }
 
-bool stopsAt(std::int32_t code) {
-    const auto takes = TheDebuggerHooks().takesError;
-    return debugging() && (takes == nullptr || takes(code));
+ErrorWay wayOf(std::int32_t code) {
+    if (!debugging()) return ErrorWay::Handler;
+    const auto chosen = TheDebuggerHooks().wayOf;
+    return chosen != nullptr ? chosen(code) : ErrorWay::Stop;
 }
 
-// In the debugger the user looks at the place of the error, and the program goes on behind it.
+// In the debugger the user looks at the place of the error.
 void stopForError() {
     const std::int32_t code = tarn_error_cell;
     DebugStop(true);
-    if (code == ERR_OUT_OF_STACK) {  // nothing is left to go on with
-        RescueOnce();
-        Halt();
-    }
-    ContinueAfterError();
+    if (code != ERR_OUT_OF_STACK) return;
+    RescueOnce();  // nothing is left to go on with
+    Halt();
 }
 
 bool inRuntime() {
-    const FrameRecord* const top = TopFrame();
+    const FrameRecord* const top = FrameAtDepth(FrameCount());
     return top != nullptr && top->ofRuntime();
 }
 
 void report(std::int32_t code, ErrorHandler handler) {
-    if (stopsAt(code))
-        stopForError();
-    else
-        (handler != nullptr ? handler : DefaultErrorHandler)(code);
+    const ErrorWay way = wayOf(code);
+    if (way != ErrorWay::Handler) stopForError();
+    if (way == ErrorWay::Stop) return ContinueAfterError();
+    seen = way == ErrorWay::StopThenHandler;
+    (handler != nullptr ? handler : DefaultErrorHandler)(code);
+    seen = false;
 }
 
 // The user's break stops whatever the breakpoints say, once.
@@ -130,6 +132,7 @@ bool BeginHandler() {
         return false;
     }
     handling = true;
+    seen = false;  // what arises from here on is another one
     handledCode = tarn_error_cell;
     handledDetails = ErrorDetails();
     ContinueAfterError();
@@ -142,7 +145,10 @@ void EndHandler() {
 }
 
 void DefaultErrorHandler(std::int32_t code) {
-    if (debugging()) return stopForError();  // no handler of the program has taken it
+    if (debugging() || seen) {  // no handler of the program has taken it
+        if (!std::exchange(seen, false)) stopForError();
+        return ContinueAfterError();
+    }
     {
         const Reporting report;
         if (!report.entered()) return;

@@ -12,6 +12,7 @@
 namespace tarn {
 
 inline constexpr std::int32_t MaxFrames = 500;
+inline constexpr std::int32_t MaxDeepFrames = 400;  // beyond these, which the debugger sees
 inline constexpr std::int32_t MaxVariables = 1000;
 inline constexpr std::int32_t MaxClasses = 200;
 inline constexpr std::size_t MaxName = 40;         // characters of a class, function or variable name
@@ -49,6 +50,11 @@ struct FrameStack {
     FrameRecord frames[MaxFrames];
 };
 
+// The innermost frames above MaxFrames, by their depth: a deeper one takes the place of the one MaxDeepFrames below it.
+struct DeepFrames {
+    FrameRecord frames[MaxDeepFrames];
+};
+
 struct VariableEntry {
     char name[MaxName + 1];
     char role;          // C, I, N, O or V
@@ -73,8 +79,13 @@ struct ClassTable {
 };
 
 extern FrameStack* frameStack;        // null in debug mode 0
+extern DeepFrames* deepFrames;        // null below debug mode 2
 extern VariableTable* variableTable;  // null below debug mode 2
 extern ClassTable* classTable;        // null below debug mode 2
+
+// The depth of the outermost frame of which a variable found no room, because the table was full or the frame is beyond
+// MaxFrames; 0: there is none.
+extern std::int32_t variablesEndAt;
 
 // Where the last exception that has left a function was thrown.
 struct ThrownPlace {
@@ -96,6 +107,9 @@ inline const FrameRecord* TopFrame() {
     if (frameStack == nullptr || frameStack->count < 1 || frameStack->count > MaxFrames) return nullptr;
     return &frameStack->frames[frameStack->count - 1];
 }
+
+// The frame at a depth from 1 to the count, also one above MaxFrames; null if it is not recorded any more.
+FrameRecord* FrameAtDepth(std::int32_t depth);
 
 // Copies at most Size - 1 characters of a NUL-ended text (null: empty) and ends them.
 template <std::size_t Size>

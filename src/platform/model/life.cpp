@@ -9,6 +9,8 @@
 #include "platform/model/access_internal.h"
 #include "platform/model/debugger/debugwindow.h"
 #include "platform/model/debugger/userbreak.h"
+#include "platform/model/showing.h"
+#include "platform/operations/quietly.h"
 #include "platform/text.h"
 
 #include <utility>
@@ -16,6 +18,8 @@
 namespace tarn::platform {
 
 namespace {
+
+Showing showing = Showing::InFront;
 
 constexpr std::string_view version = "1.3", build = "2207";
 constexpr Code resourceFileMissing = 704;
@@ -140,6 +144,21 @@ Answer<int> Show(const Object& object, bool modal) {
     view().show(*window);
     if (windowOfHandle(handle) != nullptr) activate(*window);
     return {newModal ? waitModal(handle) : 0, Ok};
+}
+
+Code ShowQuietly(const Object& object, bool behind) {
+    Window* const window = findWindow(object.owner());
+    if (window == nullptr || object.empty()) return WindowNotLoaded;
+    if (window->shown) return Ok;
+    window->shown = window->visible = true;
+    showing = behind ? Showing::Behind : Showing::Quietly;
+    view().show(*window);
+    showing = Showing::InFront;
+    return Ok;
+}
+
+Showing howToShow() {
+    return showing;
 }
 
 Code Hide(const Object& object) {

@@ -69,9 +69,11 @@ inline constexpr int DebugBreakSignal = SIGURG;
 
 // Makes the window and shows it; null if there is one already. `bitmapNames` has a picture's name on each line, an
 // empty line for a gap; the buttons send 101 and up, a gap takes no number. What `handler` does may start a box or ask
-// for a text, not a second ActivateDebug.
+// for a text, not a second ActivateDebug. A place that is larger than the screen is made to fit. Without a place the view
+// chooses one that leaves `beside` free, if that is told and there is room.
 DebugWindow* StartDebug(const Object& owner, std::string_view caption, std::string_view bitmapNames,
-                        std::string_view iconName, DebugHandler handler, const DebugPlace& place);
+                        std::string_view iconName, DebugHandler handler, const DebugPlace& place,
+                        const DebugPlace& beside = {});
 // Brings the window to the front and returns when the handler has called LeaveDebug. Until then the program's own
 // windows are painted, and take neither keys nor the mouse; their timers rest.
 void ActivateDebug(DebugWindow& window);
@@ -82,7 +84,7 @@ void SetDebugCaption(DebugWindow& window, std::string_view caption);
 std::string GetDebugCaption(const DebugWindow& window);
 void SetDebugStatus(DebugWindow& window, std::string_view text);  // control 302
 std::string GetDebugStatus(const DebugWindow& window);
-DebugPlace GetDebugPlace(const DebugWindow& window);
+DebugPlace GetDebugPlace(const DebugWindow& window);  // where it stands; width 0: it was never on a screen
 void SetDebugTip(DebugWindow& window, std::string_view text);  // shown at the pointer; empty hides it
 
 // ---- the list, control 201 ----

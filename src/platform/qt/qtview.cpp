@@ -6,6 +6,7 @@
 
 #include "platform/model/debugger/debugwindow.h"
 #include "platform/model/model.h"
+#include "platform/model/showing.h"
 #include "platform/qt/windows/frame.h"
 #include "platform/qt/windows/popups.h"
 #include "platform/qt/windows/questions.h"
@@ -106,7 +107,12 @@ void QtView::unload(Window& window) {
 }
 
 void QtView::show(Window& window) {
-    if (Frame* frame = frameOf(window); frame != nullptr) bringUp(*frame);
+    Frame* const frame = frameOf(window);
+    if (frame == nullptr) return;
+    if (howToShow() == Showing::InFront)
+        bringUp(*frame);
+    else
+        frame->showQuietly(howToShow() == Showing::Behind);
 }
 
 // The model counts a window as active from here on; the window system follows in its own time.

@@ -188,13 +188,15 @@ extern tarn_frame_stack* tarn_quick_frames;
 
 extern char* quarn_stack_end; /* the last place from where an error can still be reported; see main() */
 /* Frames beyond 500 are counted and have no names, so the frames above are left first: the one that is found then
-   has its line again. The program ends with the report. */
+   has its line again. The debugger knows the innermost ones. The program ends with the report. */
 static void quarn_stack_is_full(const char* class_name, const char* function_name, int32_t line) {
     int32_t most = 1 << 25;
-    do tarn_leave();
-    while (tarn_current_line == 0 && --most > 0);
-    tarn_leave();
-    tarn_enter(class_name, function_name, line);
+    if (tarn_debugger_window == 0) {
+        do tarn_leave();
+        while (tarn_current_line == 0 && --most > 0);
+        tarn_leave();
+        tarn_enter(class_name, function_name, line);
+    }
     tarn_error_cell = 803;
     tarn_stamp_slow(line, 0, tarn_default_onerror);
 }

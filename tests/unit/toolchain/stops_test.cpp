@@ -111,8 +111,9 @@ const char Errors[] = "1  Tarnwick Class Main\n"
                       "12     var x : integer\n"
                       "13     x := half(0)\n"
                       "14     x := half(5)\n"
-                      "15 end function\n"
-                      "16 End class\n";
+                      "15     PRINT(\"told \" + STR(told))\n"
+                      "16 end function\n"
+                      "17 End class\n";
 
 const char TwoClasses[] = "1  Tarnwick Class Main\n"
                           "2  Uses part\n"
@@ -300,7 +301,10 @@ TEST_F(CompiledStops, AChangedValueHasItsEffect) {
 TEST_F(CompiledStops, ChosenErrorsStopAndOthersReachTheHandler) {
     build(Errors);
     EXPECT_EQ(stopsIn(debugged("StopCodes=601\nbreakpoints=main 14\n", handedIn(""))), "Main14/1");
-    EXPECT_EQ(stopsIn(debugged("StopCodes=643\n", handedIn(""))), "Main5/2");
+    const std::string shown = debugged("StopCodes=643\n", handedIn(""));
+    EXPECT_EQ(stopsIn(shown), "Main5/2");
+    EXPECT_NE(shown.find("told 643"), std::string::npos) << "behind the stop it reaches the handler" << shown;
+    EXPECT_NE(debugged("", "run\nrun\n").find("told 0"), std::string::npos) << "without a choice none does";
 }
 
 TEST_F(CompiledStops, BreakpointsAreSavedAtTheEndAndAtAHalt) {
@@ -313,10 +317,12 @@ TEST_F(CompiledStops, BreakpointsAreSavedAtTheEndAndAtAHalt) {
 
 TEST_F(CompiledStops, BehindAFullStackTheProgramEnds) {
     build(Endless);
-    const std::string shown = debugged("", "run\nrun\nrun\n");
-    EXPECT_NE(shown.find("Error 803, Program ran out of stack space, File Main, function deep, line 2"),
-              std::string::npos)
+    const std::string shown = debugged("", "stack\nrun\nrun\nrun\n");
+    EXPECT_TRUE(std::regex_search(shown, std::regex("Error 803, Program ran out of stack space\nFile Main, function "
+                                                    "deep, line 2, [0-9]{4,} calls deep\n")))
         << shown;
+    EXPECT_NE(shown.find("    1  Main(2):deep()\n"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("    2  Main(3):deep()\n"), std::string::npos) << shown;
 }
 
 TEST_F(CompiledStops, AwayFromItsSourceAProgramRunsAlone) {

@@ -104,14 +104,16 @@ void noteRested(const Object& window, int event) {
 // ---- the window ----
 
 DebugWindow* StartDebug(const Object&, std::string_view caption, std::string_view bitmapNames,
-                        std::string_view iconName, DebugHandler handler, const DebugPlace& place) {
+                        std::string_view iconName, DebugHandler handler, const DebugPlace& place,
+                        const DebugPlace& beside) {
     if (current() != nullptr) return nullptr;
     auto window = std::make_shared<DebugWindow>();
     window->caption = caption;
     window->pictures = linesOf(bitmapNames);
     window->icon = iconName;
     window->handler = std::move(handler);
-    window->place = place;
+    window->wanted = place;
+    window->beside = beside;
     current() = window;
     watchUserBreak(true);
     view().debugChanged(*window, DebugPart::Made);

@@ -51,7 +51,8 @@ public:
     std::string caption, status, tip, icon;
     std::vector<std::string> pictures;  // of the buttons 101 and up; an empty one is a gap
     DebugHandler handler;
-    DebugPlace place;
+    DebugPlace wanted, beside;  // where it shall open
+    DebugPlace place;           // where it stands
     DebugLines lines;
     int selected = 0, top = 1;
     bool scrolls = false;  // the selected line is to be seen

@@ -4,6 +4,7 @@
 #include "platform/operations/system.h"
 #include "platform/qt/debugger/debuglist.h"
 #include "platform/qt/debugger/debugpictures.h"
+#include "platform/qt/debugger/debugplace.h"
 #include "platform/qt/texts.h"
 
 #include <QAction>
@@ -42,6 +43,16 @@ bool isOnScreen(const QRect& frame) {
         const QRect seen = screen->availableGeometry() & title;
         return seen.width() >= 48 && seen.height() >= 12;
     });
+}
+
+QRect rectOf(const DebugPlace& place) {
+    return {place.left, place.top, std::max(place.width, 0), std::max(place.height, 0)};
+}
+
+QRect roomFor(const QRect& frame) {
+    const QScreen* screen = QGuiApplication::screenAt(frame.center());
+    if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+    return screen->availableGeometry();
 }
 
 bool belongsTo(const QWindow* window, const QWindow* owner) {
@@ -270,21 +281,27 @@ void DebugView::showLive(bool live) {
 // ---- showing ----
 
 void DebugView::place() {
-    const DebugPlace& wanted = window_->place;
-    const bool sized = wanted.width > 0 && wanted.height > 0;
-    const QRect frame(wanted.left, wanted.top, wanted.width, wanted.height);
-    resize(sized ? frame.size() : QSize(usualWidth, usualHeight));
-    settled_ = !sized;
-    if (sized && isOnScreen(frame)) move(frame.topLeft());
+    const QSize usual(usualWidth, usualHeight);
+    const QRect kept = rectOf(window_->wanted), beside = rectOf(window_->beside);
+    if (!kept.isEmpty())
+        frame_ = fittedPlace(kept, roomFor(kept));
+    else if (!beside.isEmpty())
+        frame_ = placeBeside(beside, roomFor(beside), usual);
+    resize(frame_.isEmpty() ? usual.boundedTo(roomFor({}).size()) : frame_.size());
+    settled_ = frame_.isEmpty();
+    if (!settled_ && isOnScreen(frame_)) move(frame_.topLeft());
     setAttribute(Qt::WA_ShowWithoutActivating);
     show();
     setAttribute(Qt::WA_ShowWithoutActivating, false);
     // The window system tells the width of the frame in its own time.
     for (const int milliseconds : {60, 250}) QTimer::singleShot(milliseconds, this, [this] { settle(); });
-    QTimer::singleShot(1000, this, [this] {
-        settle();
-        settled_ = true;  // there is no frame
-    });
+    QTimer::singleShot(1000, this, [this] { endSettling(); });
+}
+
+void DebugView::endSettling() {
+    settle();
+    settled_ = true;  // there is no frame
+    notePlace();
 }
 
 // What was kept is the size of the frame.
@@ -293,8 +310,8 @@ void DebugView::settle() {
     const QMargins margins = windowHandle()->frameMargins();
     if (margins.isNull()) return;
     settled_ = true;
-    resize(window_->place.width - margins.left() - margins.right(),
-           window_->place.height - margins.top() - margins.bottom());
+    resize(frame_.width() - margins.left() - margins.right(),
+           frame_.height() - margins.top() - margins.bottom());
 }
 
 void DebugView::notePlace() {
@@ -311,8 +328,8 @@ void DebugView::bringUp() {
     leaveModal();
     if (isMinimized()) showNormal();
     if (!isVisible()) show();
-    if (isActiveWindow()) return;
     raise();
+    if (isActiveWindow()) return;
     activateWindow();
     QApplication::alert(this);  // where the desktop does not let a program push itself forward
 }

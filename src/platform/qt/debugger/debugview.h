@@ -52,6 +52,7 @@ private:
     void place();   // where the program wants it
     void settle();  // once the width of the frame is known
     void notePlace();
+    void endSettling();
     void leaveModal();  // a window of the program that is shown modally does not block this one
 
     DebugWindow* window_;
@@ -61,6 +62,7 @@ private:
     QAction* break_ = nullptr;
     QTimer soon_, running_;
     unsigned parts_ = 0;  // to be refreshed, a bit for each part
+    QRect frame_;  // where it shall stand; empty: wherever the desktop puts it
     bool settled_ = false;
 };
 

@@ -28,6 +28,7 @@ public:
     void apply(Property property);                                    // of the window itself
     void applyTo(Control& control, Property property);                // of one of its controls
     void bringUp();                                                   // shows, raises and activates
+    void showQuietly(bool behind);                                    // without activating
     void menuChanged();                  // items came or went; rebuilt once for a burst
     [[nodiscard]] Rect extents() const;  // see View::frameExtents
     [[nodiscard]] Control* controlOf(const QWidget* widget) const;  // null: the window itself
@@ -41,6 +42,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void open();   // shows, as its state says
+    void begin();  // when it is seen from now on
     void makeControls();
     void makeEditor();
     void nameControls();

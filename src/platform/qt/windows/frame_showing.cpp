@@ -70,29 +70,44 @@ void Frame::applyModality() {
     move(mine.topLeft());
 }
 
+void Frame::open() {
+    const Flag quiet(applying_);
+    const bool first = !isVisible();
+    if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
+        takeMargins(knownMargins(window_->borderStyle), false);
+        if (window_->position != first_) place();
+    }
+    makeEditor();
+    layOut();
+    applyModality();
+    if (window_->state == 1 && first) window_->state = 0;
+    if (isMinimized()) showNormal();
+    if (window_->state == 2 && !capped() && first)
+        showMaximized();
+    else
+        show();
+    seen_ = true;
+    if (window_->state == 2 && capped() && !large_) maximiseWithin();
+}
+
 void Frame::bringUp() {
     const bool first = !isVisible();
-    {
-        const Flag quiet(applying_);
-        if (!seen_ && assumed_ != knownMargins(window_->borderStyle)) {
-            takeMargins(knownMargins(window_->borderStyle), false);
-            if (window_->position != first_) place();
-        }
-        makeEditor();
-        layOut();
-        applyModality();
-        if (window_->state == 1 && first) window_->state = 0;
-        if (isMinimized()) showNormal();
-        if (window_->state == 2 && !capped() && first)
-            showMaximized();
-        else
-            show();
-        seen_ = true;
-        if (window_->state == 2 && capped() && !large_) maximiseWithin();
-    }
+    open();
     raise();
     activateWindow();
-    if (!first) return;
+    if (first) begin();
+}
+
+void Frame::showQuietly(bool behind) {
+    if (isVisible()) return;
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    open();
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
+    if (behind) lower();  // desktops differ in where they put a window that does not ask for the focus
+    begin();
+}
+
+void Frame::begin() {
     nameControls();  // the program may have filled its labels since it loaded the window
     focusFirst();
 }

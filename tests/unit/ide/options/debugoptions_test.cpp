@@ -119,16 +119,53 @@ TEST_F(DebugOptions, OkStoresAndCancelDoesNot) {
     EXPECT_EQ(PROFILESTRGET(ini(), "debug", "breakpoints"), "ide 20");
 }
 
-TEST_F(DebugOptions, MoreThanAProgramTakesIsNotStored) {
+std::string breakpointsUpTo(int count) {
     std::string value = "A";
-    for (int i = 1; i <= 200; i++) value += " " + std::to_string(i);
-    load(value);
+    for (int i = 1; i <= count; i++) value += " " + std::to_string(i);
+    return value;
+}
+
+TEST_F(DebugOptions, ATwoHundredAndFirstIsRefusedWithoutABox) {
+    load(breakpointsUpTo(200));
     answers = {"A 201"};
     press("btnadd");
+    EXPECT_EQ(asked.size(), 1U) << "nothing is asked but the breakpoint itself";
+    EXPECT_EQ(GetListCount(list()), 200);
+    EXPECT_EQ(GetCaption(in("lblwarning")), "A program takes at most 200 breakpoints.");
+    choose("lstbreakpoints", 1);
+    press("btnremove");
+    EXPECT_EQ(GetCaption(in("lblwarning")), "");
     press("pushbutton1");
-    EXPECT_EQ(lastText(), "A program takes at most 200 breakpoints.");
-    EXPECT_TRUE(IsLoaded(DebugOptionsDlg));
-    EXPECT_EQ(PROFILESTRGET(ini(), "debug", "breakpoints"), value);
+    EXPECT_FALSE(IsLoaded(DebugOptionsDlg));
+}
+
+TEST_F(DebugOptions, MoreOfThemInTheSettingsAreToldAndKept) {
+    load(breakpointsUpTo(201));
+    EXPECT_EQ(GetCaption(in("lblwarning")), "A program takes at most 200 breakpoints.");
+    press("pushbutton1");
+    EXPECT_FALSE(IsLoaded(DebugOptionsDlg));
+    EXPECT_EQ(PROFILESTRGET(ini(), "debug", "breakpoints"), breakpointsUpTo(201));
+}
+
+TEST_F(DebugOptions, ErrorsThatStopAreStoredByOk) {
+    PROFILESTRPUT(ini(), "debug", "StopCodes", "601");
+    for (const char* button : {"pushbutton2", "pushbutton1"}) {
+        load();
+        EXPECT_EQ(GetCaption(in("lblerrors")), "1 error stops.");
+        bool done = false;
+        platform::view().setIdle([&done] {
+            const Object errors("StopErrorsDlg");
+            if (!IsLoaded(errors) || std::exchange(done, true)) return;
+            SetText(FINDCONTROL(errors, "edtothers"), "1000");
+            platform::userCommand(*platform::findControl(FINDCONTROL(errors, "pushbutton1")));
+        });
+        press("btnerrors");
+        platform::view().setIdle({});
+        EXPECT_EQ(GetCaption(in("lblerrors")), "1 error stops, and others.");
+        EXPECT_EQ(PROFILESTRGET(ini(), "debug", "StopCodes"), "601");
+        press(button);
+    }
+    EXPECT_EQ(PROFILESTRGET(ini(), "debug", "StopCodes"), "601 1000");
 }
 
 TEST_F(DebugOptions, WarnsWhileAProgramIsUnderTheDebugger) {

@@ -4,6 +4,7 @@
 #include "unit/kernel/debug/debug_fixture.h"
 
 #include "os/files.h"
+#include "platform/model/debugger/debugwindow.h"
 
 namespace tarn {
 namespace {
@@ -48,7 +49,7 @@ TEST_F(Debugger, TheWindowIsInactiveWhileTheProgramRuns) {
 TEST_F(Debugger, TheSettingsSayWhereTheWindowStandsAndWhatIsTraced) {
     settings("_Position=10 20 300 400\r\nTraceProgram=1\r\n");
     start();
-    EXPECT_EQ(platform::GetDebugPlace(window()), (platform::DebugPlace{10, 20, 300, 400}));
+    EXPECT_EQ(window().wanted, (platform::DebugPlace{10, 20, 300, 400}));
     EXPECT_EQ(GetTraceMode(), 1);
     SetTraceMode(0);
 }
@@ -84,6 +85,43 @@ TEST_F(Debugger, WhatIsSavedAtTheEnd) {
     DebugEnd();
     EXPECT_EQ(read("ide.ini"),
               "[Main]\r\nx=1\r\n[debug]\r\nbreakpoints=A 3 7 \r\nSingleStep=0\r\n_Position=1 2 300 400\r\n");
+}
+
+TEST_F(Debugger, ThePlaceIsThatOfTheWindowOnItsScreen) {
+    settings("_Position=1 2 300 400\r\n");
+    start();
+    window().place = {5, -6, 700, 80};
+    DebugEnd();
+    EXPECT_EQ(setting("_Position"), "5 -6 700 80");
+}
+
+TEST_F(Debugger, AtATerminalThePlaceIsLeftAlone) {
+    for (const char* place : {"1 2 300", "x", "", "1 2 300 400 5"}) {
+        settings(std::string("_Position=") + place + "\r\n");
+        start();
+        DebugEnd();
+        EXPECT_EQ(setting("_Position"), place);
+    }
+    settings("_Position=1 2 300 400\r\n");
+    start();
+    settings("_Position=5 6 700 80\r\n");  // another program has ended meanwhile
+    DebugEnd();
+    EXPECT_EQ(setting("_Position"), "5 6 700 80");
+}
+
+TEST_F(Debugger, TheWindowIsToldWhereTheCodeWindowStands) {
+    struct Case {
+        const char* beside;
+        platform::DebugPlace place;
+    };
+    for (const Case& c : {Case{"10 20 800 600", {10, 20, 800, 600}}, Case{"", {}}, Case{"a b c", {}},
+                          Case{"1 2 3", {1, 2, 3, 0}}}) {
+        settings(std::string("Beside=") + c.beside + "\r\n");
+        start();
+        EXPECT_EQ(window().beside, c.place) << c.beside;
+        EXPECT_EQ(window().wanted, platform::DebugPlace());
+        DebugEnd();
+    }
 }
 
 TEST_F(Debugger, BreakpointsThatHaveNotChangedAreNotWritten) {

@@ -42,27 +42,6 @@ TEST_F(DebugLists, TheCallStackIsShownFromTheTop) {
     EXPECT_EQ(stopsText(), "Main7/1 Other33/3");
 }
 
-TEST_F(DebugLists, OfADeepRecursionTheRecordedFramesAreShown) {
-    for (int i = 1; i <= 501; ++i) {
-        stampAt(i + 1000);
-        EnterProgramFunction("Deep", "F", i);
-    }
-    stops().clear();
-    hands().clear();
-    hands().push_back([](platform::DebugWindow& window) {
-        command(window, DEBUG_STACK);
-        EXPECT_EQ(platform::DebugCount(window), 500);
-        EXPECT_EQ(platform::DebugLine(window, 1), "Deep(1501):f()");
-        EXPECT_EQ(platform::DebugLine(window, 500), "Deep(1002):f()");
-        command(window, DEBUG_VALUES);
-    });
-    platform::SetUserBreak(1);
-    stampAt(7);
-    ASSERT_EQ(stops().size(), 1U);
-    EXPECT_EQ(stops()[0].status, "");
-    for (int i = 1; i <= 501; ++i) FunctionLeave();
-}
-
 TEST_F(DebugLists, TheClassesAreShownWithTheirSources) {
     write("one.cls", "x");
     RegisterClass(folder / "one.cls", "One");

@@ -65,6 +65,23 @@ TEST_F(SourceList, ASourceThatGoesWhileItIsShownStaysInTheList) {
     });
 }
 
+TEST_F(SourceList, ASourceThatChangesMeanwhileIsReadWhenItsClassIsShownAgain) {
+    stopAndDo([this](platform::DebugWindow& window) {
+        write("Sums.cls", "new\n");
+        command(window, DEBUG_CODE);
+        EXPECT_EQ(platform::DebugLine(window, 1), "Sums 1");
+        command(window, DEBUG_STACK);
+        command(window, DEBUG_CODE);
+        EXPECT_EQ(listOf(window), "new");
+        EXPECT_EQ(platform::DebugSelected(window), 0) << "the current line is none of the text";
+        platform::DebugSelect(window, 1, true);
+        answers() = {"Yes"};
+        command(window, DEBUG_TOGGLE);
+        EXPECT_EQ(boxes().back(), "Integrated Debugger|No code was generated at line 1 in Sums.\nWould you like to "
+                                  "toggle a breakpoint at line 3 instead?|Yes No");
+    });
+}
+
 TEST_F(SourceList, ASourceBesideTheProgramIsTheSecondPlace) {
     const std::string name = "tarnwick_engine_test";
     const std::string file = os::executableFolder() + name + ".cls";

@@ -3,6 +3,8 @@
 // Stops of random programs, held against the words of the rules; rules of breakpoints; errors that are chosen; limits.
 #include "unit/kernel/debug/written_program.h"
 
+#include "kernel/run/report.h"
+
 #include <random>
 
 namespace tarn {
@@ -143,12 +145,81 @@ TEST_F(StopRules, HitsGoOnCountingWhenAnotherBreakpointIsSet) {
     EXPECT_EQ(stopsText(), "A2/1 A3/1 A3/1 A4/1 A4/1 A4/1");
 }
 
-TEST_F(StopRules, WithChosenErrorsTheOthersGoToTheirHandlers) {
+TEST_F(StopRules, WithChosenErrorsAllGoToTheirHandlersThoseBehindAStop) {
     handled = 0;
     begin("", false, "StopCodes=601 910-920\r\n");
     Program({"A.main@1: h2 !901 h3 !601 h4 !915 h5 !643 h6"}).run();
     EXPECT_EQ(stopsText(), "A3/1 A4/1");
-    EXPECT_EQ(handled, 2);
+    EXPECT_EQ(handled, 4);
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
+TEST_F(StopRules, WithoutAChoiceNoHandlerIsCalled) {
+    handled = 0;
+    begin("", false);
+    Program({"A.main@1: h2 !901 h3 !601 h4"}).run();
+    EXPECT_EQ(stopsText(), "A2/1 A3/1");
+    EXPECT_EQ(handled, 0);
+}
+
+TEST_F(StopRules, AChosenErrorWithoutAHandlerStopsOnce) {
+    begin("", false, "StopCodes=601\r\n");
+    Program({"A.main@1: 2 !601 3 !601 4"}).run();
+    EXPECT_EQ(stopsText(), "A2/1 A3/1");
+    EXPECT_EQ(ErrorCell(), 0);
+    EXPECT_EQ(LastError(), 601);
+}
+
+TEST_F(StopRules, AHandlerThatHandsAChosenErrorOnStopsOnce) {
+    begin("", false, "StopCodes=601\r\n");
+    const Called f("A", "F", 1);
+    stampAt(2);
+    SetError(601);
+    stampAt(3, ReportErrors, [](std::int32_t code) { DefaultErrorHandler(code); });
+    SetError(643);
+    stampAt(4, ReportErrors, [](std::int32_t code) { DefaultErrorHandler(code); });
+    EXPECT_EQ(stopsText(), "A2/1 A3/1");
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
+// The frame of a handler of compiled code.
+void handleWithError(std::int32_t code) {
+    if (!BeginHandler()) return;
+    ++handled;
+    SetError(code + 1);
+    Stamp(50, ReportErrors, handleWithError);
+    EndHandler();
+}
+
+TEST_F(StopRules, AnErrorInAHandlerOfAChosenOneStopsByItself) {
+    struct Case {
+        const char *codes, *stops;
+    };
+    for (const Case& c : {Case{"601", "A2/1 A2/1"}, Case{"601 602", "A2/1 A2/1"}, Case{"602", "A2/1"}}) {
+        handled = 0;
+        begin("", false, std::string("StopCodes=") + c.codes + "\r\n");
+        const Called f("A", "F", 1);
+        stampAt(2);
+        SetError(601);
+        stampAt(3, ReportErrors, handleWithError);
+        EXPECT_EQ(stopsText(), c.stops) << c.codes;
+        EXPECT_EQ(handled, 1) << c.codes;
+        EXPECT_EQ(ErrorCell(), 0);
+        DebugEnd();
+        stops().clear();
+    }
+}
+
+TEST_F(StopRules, AWindowThatIsClosedAtAChosenErrorLeavesItToTheHandler) {
+    handled = 0;
+    begin("", false, "StopCodes=601\r\n");
+    hands() = {[](platform::DebugWindow& window) { event(window, platform::DebugMessage::Close, 0); }};
+    const Called f("A", "F", 1);
+    stampAt(2);
+    SetError(601);
+    stampAt(3, ReportErrors, handler);
+    EXPECT_EQ(handled, 1);
+    EXPECT_EQ(tarn_debugger_window, nullptr);
 }
 
 TEST_F(StopRules, AnErrorThatNoHandlerTakesAlwaysStops) {
