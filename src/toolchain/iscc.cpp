@@ -52,8 +52,8 @@ int main(int argc, char** argv) {
     if (folder.empty()) folder = os::folderOf(script);
     if (name.empty()) name = os::withoutExtension(os::nameOf(script));
     const std::string made = os::joined(os::native(folder), name + ".exe");
-    const std::string report =
-        setup::makeInstaller({script, made, besideTool("tarnwick-setup"), besideTool("tarnwick-ask")});
+    const std::string report = setup::makeInstaller(
+        {script, made, besideTool("tarnwick-setup"), besideTool("tarnwick-ask"), setup::firstProgram()});
     std::fputs(report.empty() ? (made + "\n").c_str() : report.c_str(), stdout);
     return report.empty() ? 0 : Failed;
 }

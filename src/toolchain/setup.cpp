@@ -7,6 +7,8 @@
 //     NAME-install.exe --check
 //     uninstall [--quiet]
 //
+// What stands in front of it in an installer starts it from memory with `--of INSTALLER`: the file that carries it.
+//
 // Without a place the user is asked for it, with --quiet it is the home. The exit code is 0 when all was done, 1 when it
 // could not be done (and then everything is as it was), 2 for arguments that it does not know, 3 when the user left.
 #include "os/instance.h"
@@ -28,7 +30,7 @@ volatile std::sig_atomic_t stopped = 0;
 struct Options {
     bool quiet = false, check = false, understood = true;
     enum class Place { Ask, Home, System, Folder } place = Place::Ask;
-    std::string folder;
+    std::string folder, of;
 };
 
 Options readOptions(const std::vector<std::string>& arguments) {
@@ -42,6 +44,8 @@ Options readOptions(const std::vector<std::string>& arguments) {
             options.check = true;
         else if (word == "--home")
             options.place = Place::Home;
+        else if (word == "--of" && i + 1 < arguments.size())
+            options.of = arguments[++i];
         else if (word == "--system")
             options.place = Place::System;
         else if (word == "--folder" && i + 1 < arguments.size()) {
@@ -163,8 +167,8 @@ int main(int argc, char** argv) {
         return Usage;
     }
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, [](int) { stopped = 1; });
-    std::string self;
-    os::files().resolve(os::executablePath(), self);
+    std::string self = options.of;
+    if (self.empty()) os::files().resolve(os::executablePath(), self);
     setup::Installer installer;
     setup::Layout layout;
     const setup::Whole whole = setup::checkInstaller(self, layout);

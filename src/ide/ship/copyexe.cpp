@@ -8,6 +8,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/ship/packager.h"
+#include "library/ship/ownlibraries.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
@@ -85,7 +86,8 @@ void COPYEXE(const std::string& title, const std::string& mainClass) {
     STAMP();
     if (!stale.files.empty() && !bringUpToDate(title, mainClass)) return;
     STAMP();
-    PACKAGERDIALOG(Main, mainClass, targets.files + GETLIBRARYFILES(targets.files), PackagerText);
+    PACKAGERDIALOG(Main, mainClass, WITHSMALLLIBRARIES(targets.files + GETLIBRARYFILES(targets.files)),
+                   PackagerText);
     STAMP();
 }
 

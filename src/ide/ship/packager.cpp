@@ -38,11 +38,37 @@ constexpr Face faces[] = {
     {"bitmapbutton5", "Help", "help95.ico"},
     {"bitmapbutton6", "Close\nwindow", "exit3.ico"},
 };
+// A row as it is shown: the name and the size of a file.
+std::string rowOf(const std::string& path) {
+    const std::int64_t size = FileSize(path);
+    return FILEGETFNAME(path) + "\t" + (size < 0 ? "(missing)" : std::to_string(size) + " byte(s)");
+}
+
+// Whether the rows no longer tell what is on the disk.
+bool isOutOfDate(const Object& window) {
+    const std::string lines = packager::filesOf(window) + "\n";
+    int row = 0;
+    for (int i = 1; i <= STRLINES(lines); ++i) {
+        const std::string path = COPYPATH(STRLINE(lines, i));
+        if (!path.empty() && GetList(rowsOf(window), ++row) != rowOf(path)) return true;
+    }
+    return false;
+}
+
+// What a command has met, or a build before it has changed, is seen behind it.
+template <void (*command)(const Object&)>
+void doAndLook(const Object& window) {
+    command(window);
+    if (IsLoaded(window) && isOutOfDate(window)) packager::setFiles(window, packager::filesOf(window));
+}
+
 constexpr DialogButton buttons[] = {
-    {"bitmapbutton1", packager::copyToFloppy},
-    {"bitmapbutton2", packager::copyToFolder},
-    {"bitmapbutton3", packager::copyToZip},
-    {"bitmapbutton4", packager::createInstaller},
+    {"bitmapbutton1", doAndLook<packager::copyToFloppy>},
+    {"bitmapbutton2", doAndLook<packager::copyToFolder>},
+    {"bitmapbutton3", doAndLook<packager::copyToZip>},
+    {"bitmapbutton4", doAndLook<packager::createInstaller>},
+    {"pushbutton1", doAndLook<packager::copyToDeb>},
+    {"pushbutton2", doAndLook<packager::proof>},
 };
 
 void load(const Object& window) {
@@ -113,9 +139,7 @@ void LISTBOXADDFILES(const Object& control, const std::string& files) {
         STAMP();
         const std::string path = COPYPATH(STRLINE(lines, i));
         if (path.empty()) continue;
-        const std::int64_t size = FileSize(path);
-        const std::string shown = size < 0 ? "(missing)" : std::to_string(size) + " byte(s)";
-        AddItem(control, FILEGETFNAME(path) + "\t" + shown, size < 0 ? "cross" : "tick");
+        AddItem(control, rowOf(path), FileSize(path) < 0 ? "cross" : "tick");
     }
     STAMP();
 }

@@ -13,29 +13,21 @@
 #include "library/dialogs/versioninfo.h"
 #include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
+#include "library/ship/ownlibraries.h"
 #include "library/system/system.h"
+
+#include <algorithm>
 
 MODULE("progmenu", tarn::TOOL_ONERROR)
 
 namespace tarn {
 namespace {
 
-// The first icon among the resources of the main class, with its path; empty if there is none.
-std::string iconOf(const std::string& mainClass) {
-    const std::string resources = TWINFILE(mainClass, ResourceExtension);
-    if (FileSize(resources) < 1) return {};
-    const std::string icons = ResourceInfo(resources, "ICON", "*").text + "\n";
-    const std::string name = STRTOKEN(STRLINE(icons, 1), 1);
-    if (name.empty()) return {};
-    const std::string file = RESOURCEGETFILENAME(resources, "ICON", name);
-    const std::string path = file.empty() || ISROOTED(file) ? file : FILEGETDIR(mainClass) + file;
-    return STREQUAL(FILEGETEXT(path), EXT_ICO) && FileSize(path) > 0 ? path : std::string();
-}
-
 // What a build has added is handed over too: the first properties of a program make it a file of resources.
 void refreshFiles(const Object& window, const std::string& mainClass) {
     const DependencyList targets = LOADDEPLIST(mainClass, "/ft", true);
-    if (targets.error.empty()) packager::setFiles(window, targets.files + GETLIBRARYFILES(targets.files));
+    if (targets.error.empty())
+        packager::setFiles(window, WITHSMALLLIBRARIES(targets.files + GETLIBRARYFILES(targets.files)));
 }
 
 // False if the build failed.
@@ -49,21 +41,37 @@ bool buildWithProperties(const Object& window, const std::string& mainClass) {
     return ok;
 }
 
-VersionFields fieldsOf(const std::string& mainClass) {
+void makeInstaller(const Object& window, const std::string& mainClass) {
+    constexpr std::string_view extensions[] = {EXT_ICO};
+    const VersionFields fields = packager::versionOf(mainClass);
+    const std::string text = STRWORD(fields.version, 1) + "." + STRWORD(fields.version, 2);
+    STAMP();
+    static_cast<void>(COPYTOINSTALLER(window, fields.company, fields.copyright, fields.product,
+                                      fields.description, text, fields.version,
+                                      packager::iconOf(mainClass, extensions), packager::filesOf(window),
+                                      FILECHANGEEXT(mainClass, EXT_EXE)));
+}
+
+}  // namespace
+
+VersionFields packager::versionOf(const std::string& mainClass) {
     const LoadedVersion loaded = LOADVERSIONINFO(mainClass, FIRSTVERSIONINFO(mainClass));
     return loaded.found ? loaded.fields : VERSIONINFOTOFIELDS(GETDEFAULTVERSIONINFO(FILEBASENAME(mainClass)));
 }
 
-void makeInstaller(const Object& window, const std::string& mainClass) {
-    const VersionFields fields = fieldsOf(mainClass);
-    const std::string text = STRWORD(fields.version, 1) + "." + STRWORD(fields.version, 2);
-    STAMP();
-    static_cast<void>(COPYTOINSTALLER(window, fields.company, fields.copyright, fields.product,
-                                      fields.description, text, fields.version, iconOf(mainClass),
-                                      packager::filesOf(window), FILECHANGEEXT(mainClass, EXT_EXE)));
+std::string packager::iconOf(const std::string& mainClass, std::span<const std::string_view> extensions) {
+    const std::string resources = TWINFILE(mainClass, ResourceExtension);
+    if (FileSize(resources) < 1) return {};
+    const std::string icons = ResourceInfo(resources, "ICON", "*").text + "\n";
+    const std::string name = STRTOKEN(STRLINE(icons, 1), 1);
+    if (name.empty()) return {};
+    const std::string file = RESOURCEGETFILENAME(resources, "ICON", name);
+    const std::string path = file.empty() || ISROOTED(file) ? file : FILEGETDIR(mainClass) + file;
+    const bool fits = std::any_of(extensions.begin(), extensions.end(), [&](std::string_view extension) {
+        return STREQUAL(FILEGETEXT(path), extension);
+    });
+    return fits && FileSize(path) > 0 ? path : std::string();
 }
-
-}  // namespace
 
 void packager::createInstaller(const Object& window) {
     FRAME(PACKAGER_INSTALLER);

@@ -2,6 +2,7 @@
 #include "library/ship/copylist.h"
 
 #include "library/settings/profstr.h"
+#include "library/system/copyfile.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
@@ -163,7 +164,7 @@ std::string FILECOPYLIST(const std::string& files, const std::string& folder, Co
         STAMP();
         goesOn = goesOn && (go == nullptr || go(context, done++, static_cast<std::int64_t>(paths.size())));
         const bool fresh = names.insert(FILEGETFNAME(path)).second;
-        if (goesOn && fresh && FILECOPY(path, FILEADDSEPARATOR(folder) + FILEGETFNAME(path))) continue;
+        if (goesOn && fresh && COPYANYFILE(path, FILEADDSEPARATOR(folder) + FILEGETFNAME(path))) continue;
         ClearError();
         failed += path + "\n";
     }

@@ -5,6 +5,7 @@
 
 #include "library/ship/copyutil_internal.h"
 #include "os/files.h"
+#include "os/paths.h"
 #include "os/process.h"
 
 #include <algorithm>
@@ -59,6 +60,44 @@ std::string outsideTool(std::string_view name) {
     const std::string path = STRREPLACE(os::environment("PATH"), ":", ";");
     const std::string found = FILEFINDPATHNAME(path, name);
     return found.empty() ? FILEFINDPATHNAME(path, FILEBASENAME(name)) : found;
+}
+
+ExecResult runTool(std::string_view name, const std::vector<std::string>& arguments,
+                   const std::string& output, const std::string& folder) {
+    constexpr int Waiting = 0;  // the mode that waits, without a window
+    const ExecResult run = EXEC(outsideTool(name), arguments, Waiting, folder, {{}, output});
+    ClearError();
+    return run;
+}
+
+bool takePlace(const std::string& made, const std::string& file) {
+    os::Handle handle = -1;
+    if (os::files().open(made, os::OpenMode::ReadWrite, 0, handle) != os::FileError::None) return false;
+    const bool synced = os::files().sync(handle) == os::FileError::None;
+    return os::files().close(handle) == os::FileError::None && synced &&
+           os::files().rename(made, file) == os::FileError::None;
+}
+
+namespace {
+
+void removeTree(const std::string& folder) {
+    std::vector<std::string> names;
+    os::files().list(folder, names);
+    for (const std::string& name : names) {
+        const std::string path = os::joined(folder, name);
+        if (os::files().remove(path) != os::FileError::None) removeTree(path);
+    }
+    os::files().removeFolder(folder);
+}
+
+}  // namespace
+
+ScratchFolder::ScratchFolder(const std::string& file)
+    : path_(os::native(FILETEMPNAME(FILEGETDIR(file), "." + FILEBASENAME(file) + "-", ".work"))) {
+    path_ = os::files().makeFolder(path_) == os::FileError::None ? path_ + "/" : std::string();
+}
+ScratchFolder::~ScratchFolder() {
+    if (!path_.empty()) removeTree(path_.substr(0, path_.size() - 1));
 }
 
 bool hasTool(const Object& owner, std::string_view name, const std::string& word,

@@ -10,6 +10,7 @@
 
 #include "kernel/windows/windowing.h"
 #include "library/ship/copylist.h"
+#include "library/ship/debtext.h"
 #include "library/ship/issscript.h"
 
 #include <string>
@@ -31,6 +32,14 @@ bool COPYTOINSTALLER(const Object& owner, const std::string& company, const std:
                      const std::string& product, const std::string& description,
                      const std::string& versionText, const std::string& version, const std::string& iconFile,
                      const std::string& files, const std::string& mainExe);
+
+// Makes a Debian package of the files: all of them in /usr/lib/NAME, a command, an entry for the menu, and what else a package
+// has (debtext.h). `file` is proposed, the user chooses another if he likes. `icon` is a picture of the files' or another one;
+// empty: none. What the program needs of the system is found by the files themselves (debdepends.h). The package takes its
+// place when it is finished, and until then nothing stands there but what stood there before.
+bool COPYTODEB(const Object& owner, const DebFields& fields, const std::string& copyright,
+               const std::string& icon, const std::string& files, const std::string& mainExe,
+               const std::string& file);
 
 // Shows a text that a double click, or Return, copies to the clipboard, and returns when the window is closed. The window
 // `ScriptDlg` is an edit window in the program's resources.

@@ -64,15 +64,6 @@ std::string notIn(const std::string& listing, const CopyList& list) {
     return missing;
 }
 
-// Puts a finished file into the place of the one that was there, on the disk.
-bool takePlace(const std::string& made, const std::string& file) {
-    os::Handle handle = -1;
-    if (os::files().open(made, os::OpenMode::ReadWrite, 0, handle) != os::FileError::None) return false;
-    const bool synced = os::files().sync(handle) == os::FileError::None;
-    return os::files().close(handle) == os::FileError::None && synced &&
-           os::files().rename(made, file) == os::FileError::None;
-}
-
 void tellMissing(const Object& owner, const std::string& missing, const std::string& zipFile) {
     tell(owner,
          "The following file(s) could not be zipped:\n\n" + indented(missing) +

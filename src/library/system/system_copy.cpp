@@ -2,6 +2,7 @@
 //
 // Copies of files. The bytes go through a temporary that takes the destination's place when all of them are
 // there and as many as the source has, so that whatever fails leaves the destination as it was.
+#include "library/system/copyfile.h"
 #include "library/system/files.h"
 
 #include "kernel/run/errors.h"
@@ -125,10 +126,15 @@ bool FILECOPY(const std::string& source, const std::string& dest, bool confirm) 
         if (MsgBox("Copy File", question, "Replace\nCancel") != "Replace") return false;
     }
     STAMP();
-    if (isSameFile(os::native(source), os::native(target))) return true;
-    if (exists && STREQUAL(source, target)) return false;
+    return COPYANYFILE(source, target);
+}
+
+bool COPYANYFILE(const std::string& source, const std::string& dest) {
+    FRAME(COPYANYFILE);
+    if (isSameFile(os::native(source), os::native(dest))) return true;
+    if (STREQUAL(source, dest) && FileSize(dest) >= 0) return false;
     STAMP();
-    return copyFile(source, target);
+    return copyFile(source, dest);
 }
 
 }  // namespace tarn

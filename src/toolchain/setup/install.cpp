@@ -80,7 +80,8 @@ public:
             const std::string failure = (this->*step)();
             if (failure.empty()) continue;
             work_.remove();
-            restoreFolders();
+            removeNotedFolders(places_.app);
+            restorePlace();
             return failure;
         }
         return takePlace();
@@ -108,11 +109,11 @@ private:
     std::string makeWorkFolder() {
         const std::string parent = os::folderOf(places_.app);
         for (const std::string& folder : {parent, places_.menu})
-            for (const std::string& missing : missingFolders(folder)) {
-                const FileError error = os::files().makeFolder(missing);
-                if (error != FileError::None) return failed(missing, error);
-                list_.folders.push_back(missing);
-            }
+            for (const std::string& missing : missingFolders(folder))
+                if (std::find(list_.folders.begin(), list_.folders.end(), missing) == list_.folders.end())
+                    list_.folders.push_back(missing);
+        const std::string failure = makeNotedFolders(places_.app, list_.folders);
+        if (!failure.empty()) return failure;
         std::int64_t free = 0;
         const std::int64_t needed = package_.size() + installer_.layout.program + EntriesRoom;
         if (os::files().freeSpace(parent, free) == FileError::None && free < needed)
@@ -156,15 +157,16 @@ private:
     std::string copyUninstaller() {
         constexpr std::size_t Piece = 64 * 1024;
         const std::string path = work_.fresh() + "/" + std::string(UninstallName);
+        const Layout& layout = installer_.layout;
         NewFile made(path, Executable);
         os::Handle handle = -1;
         FileError error = os::files().open(installer_.file, os::OpenMode::Read, 0, handle);
         if (error != FileError::None) return failed(installer_.file, error);
         std::string piece(Piece, '\0');
-        for (std::int64_t at = 0; at < installer_.layout.program && error == FileError::None;) {
+        for (std::int64_t at = layout.first; at < layout.packageAt() && error == FileError::None;) {
             std::size_t got = 0;
             const auto count =
-                static_cast<std::size_t>(std::min<std::int64_t>(Piece, installer_.layout.program - at));
+                static_cast<std::size_t>(std::min<std::int64_t>(Piece, layout.packageAt() - at));
             error = os::readUpTo(handle, at, piece.data(), count, got);
             if (error == FileError::None && got == 0) error = FileError::ReadFailed;
             if (error == FileError::None && !made.write({piece.data(), got})) error = made.error();
@@ -203,16 +205,17 @@ private:
         if (failure.empty() && !commit()) failure = failed(work_.journal(), FileError::WriteFailed);
         if (failure.empty()) {
             work_.remove();
+            removeNotedFolders(places_.app);  // all of them are in use now
             return {};
         }
         const std::string also = undoUnfinished(places_.app);
-        restoreFolders();
+        restorePlace();
         return also.empty() ? failure : failure + "\n" + also;
     }
 
     // Keeps the entries as they are, and tells what is about to change.
     std::string beginJournal() {
-        Journal journal{before_.name == package_.name, {}, list_.folders};
+        Journal journal{before_.name == package_.name, {}};
         std::vector<std::string> paths = list_.entries;
         for (const std::string& entry : before_.entries)
             if (std::find(paths.begin(), paths.end(), entry) == paths.end()) paths.push_back(entry);
@@ -262,9 +265,7 @@ private:
         return os::files().remove(work_.journal()) == FileError::None;
     }
 
-    void restoreFolders() {
-        for (auto folder = list_.folders.rbegin(); folder != list_.folders.rend(); ++folder)
-            os::files().removeFolder(*folder);
+    void restorePlace() {
         if (wasEmpty_) os::files().makeFolder(places_.app);
     }
 
@@ -298,11 +299,14 @@ std::string installedName(const std::string& app) {
 }
 
 std::string uninstall(const std::string& app, bool& stayed) {
-    const std::string failure = undoUnfinished(app);
     Installed list;
+    const bool wasThere = readInstalled(app, list);
+    const std::string failure = undoUnfinished(app);
     stayed = false;
     if (!failure.empty()) return failure;
-    if (!readInstalled(app, list)) return "There is nothing installed in '" + app + "'.";
+    list = {};
+    if (!readInstalled(app, list))  // a first installation that was not finished is undone by now
+        return wasThere ? std::string() : "There is nothing installed in '" + app + "'.";
     for (const std::string& entry : list.entries) {
         const FileError error = os::files().remove(entry);
         if (error != FileError::None && error != FileError::NotFound) return failed(entry, error);

@@ -11,7 +11,9 @@
 //                   had                 an installation was there before
 //                   entry PATH          a desktop entry that is written or removed
 //                   kept N PATH         the same; its old text is the file `entryN`
-//                   folder PATH         a folder that is made
+//
+// The folders that are made on the way to the places stand in a note of their own, `.NAME.setup.folders`, one a line and then
+// an empty line, in the nearest folder that was there before: they are made ahead of the work folder.
 //
 // A later version takes the place of an earlier one. Files that its program or its user has made stay; a file of the
 // earlier version that was changed stays as NAME.saved.
@@ -45,8 +47,9 @@ std::string install(const Installer& installer, const Places& places, const Goes
 // Undoes what an installation into that folder has left half done. What could not be undone; empty as a rule.
 std::string undoUnfinished(const std::string& app);
 
-// Removes the installation in that folder: its files, its entries, and the folders that were made for it. Files that are
-// not its own stay, and so does the folder then: `stayed`. What went wrong, empty on success; it can be run again.
+// Removes the installation in that folder: its files, its entries, and the folders that were made for it. A first one that
+// was not finished is undone. Files that are not its own stay, and so does the folder then, with a list that names no files:
+// `stayed`. What went wrong, empty on success; it can be run again.
 std::string uninstall(const std::string& app, bool& stayed);
 
 // The name of what is installed there; empty if nothing is.

@@ -105,12 +105,15 @@ private:
 
     std::string write() {
         const Sink all = [this](std::string_view bytes) { return put(bytes); };
-        if (!eachPiece(request_.setupProgram, all) || written_ == 0)
+        Layout layout;
+        put(request_.first);
+        layout.first = written_;
+        if (!eachPiece(request_.setupProgram, all) || written_ == layout.first)
             return fail("the program that installs, '" + request_.setupProgram + "', cannot be read");
-        Layout layout{written_, 0};
+        layout.program = written_ - layout.first;
         const std::string failure = pack(all);
         if (!failure.empty()) return failure;
-        layout.package = written_ - layout.program;
+        layout.package = written_ - layout.packageAt();
         put(trailerOf(layout, sum_));
         const os::SaveResult saved = out_.finish();
         if (!saved.ok())

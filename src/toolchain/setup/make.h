@@ -7,6 +7,7 @@
 #include "toolchain/setup/script.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn::setup {
@@ -17,7 +18,10 @@ struct MakeRequest {
     std::string setupProgram;  // what installs: goes in front of the package
     std::string askProgram =
         {};  // what asks in windows; empty, or without the libraries that it needs: left out
+    std::string_view first = {};  // the bytes of what is started; empty: what installs is started itself
 };
+// The bytes of what is started (first.c), which are built in; empty for a processor that it is not written for.
+std::string_view firstProgram();
 // What is wrong, for the user, one a line with file and line; empty on success. Cost: reads each file twice.
 std::string makeInstaller(const MakeRequest& request);
 

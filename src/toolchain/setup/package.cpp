@@ -10,7 +10,7 @@
 namespace tarn::setup {
 namespace {
 
-constexpr std::string_view FirstLine = "tarnwick setup 1", Magic = "TARNPKG1";
+constexpr std::string_view FirstLine = "tarnwick setup 1", Magic = "TARNPKG2";
 constexpr std::size_t Piece = 256 * 1024;
 
 struct TextField {
@@ -138,8 +138,8 @@ std::string readHead(std::string_view head, Package& package) {
 
 std::string trailerOf(const Layout& layout, std::uint64_t sum) {
     std::string trailer(Magic);
-    trailer += littleEndian(static_cast<std::uint64_t>(layout.program));
-    trailer += littleEndian(static_cast<std::uint64_t>(layout.package));
+    for (const std::int64_t part : {layout.first, layout.program, layout.package})
+        trailer += littleEndian(static_cast<std::uint64_t>(part));
     sum = addToSum(sum, trailer);
     return trailer + littleEndian(sum);
 }
@@ -165,6 +165,22 @@ bool sumOfFirst(os::Handle handle, std::int64_t count, std::uint64_t& sum) {
     return true;
 }
 
+Layout layoutIn(std::string_view trailer) {
+    const auto part = [trailer](std::size_t at) {
+        return static_cast<std::int64_t>(fromLittleEndian(trailer.substr(at)));
+    };
+    return {part(8), part(16), part(24)};
+}
+
+// Whether the parts are those of so many bytes; no sum of them can overflow.
+bool isOf(const Layout& layout, std::int64_t size) {
+    for (const std::int64_t part : {layout.first, layout.program, layout.package}) {
+        if (part < 0 || part > size) return false;
+        size -= part;
+    }
+    return size == 0;
+}
+
 Whole check(os::Handle handle, Layout& layout) {
     std::int64_t size = 0;
     std::array<char, TrailerSize> bytes{};
@@ -176,13 +192,11 @@ Whole check(os::Handle handle, Layout& layout) {
         return Whole::Damaged;
     const std::string_view trailer(bytes.data(), bytes.size());
     if (!trailer.starts_with(Magic)) return Whole::NoPackage;
-    layout.program = static_cast<std::int64_t>(fromLittleEndian(trailer.substr(8)));
-    layout.package = static_cast<std::int64_t>(fromLittleEndian(trailer.substr(16)));
-    const bool fits = layout.program >= 0 && layout.package >= 0 && layout.program <= size &&
-                      layout.package <= size && layout.program + layout.package == size - Trailer;
+    layout = layoutIn(trailer);
     std::uint64_t sum = 0;
     constexpr std::int64_t SumSize = 8;
-    return fits && sumOfFirst(handle, size - SumSize, sum) && sum == fromLittleEndian(trailer.substr(24))
+    return isOf(layout, size - Trailer) && sumOfFirst(handle, size - SumSize, sum) &&
+                   sum == fromLittleEndian(trailer.substr(32))
                ? Whole::Yes
                : Whole::Damaged;
 }

@@ -2,13 +2,16 @@
 //
 // What an installer carries, and how it stands in the one file that it is:
 //
-//     offset         size   meaning
-//     0              n      the program that installs, an executable file by itself
-//     n              m      the package: an xz stream of the head, a line for each fact, and the bytes of the files
-//     n + m          8      "TARNPKG1"
-//     n + m + 8      8      n, the lowest byte first
-//     n + m + 16     8      m
-//     n + m + 24     8      CRC-64 of all that stands before
+//     offset           size   meaning
+//     0                s      what is started, an executable file by itself: it checks the whole and starts what follows from
+//                             memory (first.c); s may be 0, then the next stands at the start and is started
+//     s                n      the program that installs, an executable file by itself
+//     s + n            m      the package: an xz stream of the head, a line for each fact, and the bytes of the files
+//     s + n + m        8      "TARNPKG2"
+//     s + n + m + 8    8      s, the lowest byte first
+//     s + n + m + 16   8      n
+//     s + n + m + 24   8      m
+//     s + n + m + 32   8      CRC-64 of all that stands before
 //
 // The head ends with an empty line; the bytes of its files follow in their order, without anything between:
 //
@@ -69,9 +72,11 @@ std::string readHead(std::string_view head, Package& package);
 // ---- the one file ----
 
 struct Layout {
-    std::int64_t program = 0, package = 0;  // sizes
+    std::int64_t first = 0, program = 0, package = 0;  // sizes
+
+    [[nodiscard]] std::int64_t packageAt() const { return first + program; }
 };
-inline constexpr std::size_t TrailerSize = 32;
+inline constexpr std::size_t TrailerSize = 40;
 std::string trailerOf(const Layout& layout, std::uint64_t sum);
 
 enum class Whole { Yes, NoPackage, Damaged };

@@ -65,8 +65,8 @@ struct Unpacker::Stream {
 };
 
 Unpacker::Unpacker(const std::string& file, const Layout& layout) : stream_(std::make_unique<Stream>()) {
-    stream_->at = layout.program;
-    stream_->end = layout.program + layout.package;
+    stream_->at = layout.packageAt();
+    stream_->end = layout.packageAt() + layout.package;
     broken_ = os::files().open(file, os::OpenMode::Read, 0, stream_->handle) != os::FileError::None ||
               ::lzma_stream_decoder(&stream_->lzma, MostMemory, 0) != LZMA_OK;
 }

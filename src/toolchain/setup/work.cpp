@@ -63,7 +63,6 @@ std::string textOf(const Journal& journal) {
         const Journal::Entry& entry = journal.entries[i];
         text += (entry.kept ? "kept " + std::to_string(i) + " " : std::string("entry ")) + entry.path + "\n";
     }
-    for (const std::string& folder : journal.folders) text += "folder " + folder + "\n";
     return text;
 }
 
@@ -74,13 +73,8 @@ Journal readJournal(const std::string& text) {
         const std::string line = text.substr(at, end - at);
         const std::size_t slash = line.find('/');
         if (line == "had") journal.had = true;
-        if (slash != std::string::npos) {
-            const std::string path = line.substr(slash);
-            if (line.starts_with("folder "))
-                journal.folders.push_back(path);
-            else
-                journal.entries.push_back({path, line.starts_with("kept ")});
-        }
+        if (slash != std::string::npos)
+            journal.entries.push_back({line.substr(slash), line.starts_with("kept ")});
         at = end + 1;
     }
     return journal;
@@ -117,17 +111,6 @@ os::FileError moveStrangersBack(const std::string& from, const Installed& list, 
     return error;
 }
 
-os::FileError removeInstalled(const std::string& app, const Installed& list) {
-    for (const InstalledFile& file : list.files) {
-        const os::FileError error = os::files().remove(app + "/" + file.name);
-        if (error != os::FileError::None && error != os::FileError::NotFound) return error;
-    }
-    os::files().remove(app + "/" + std::string(UninstallName));
-    os::files().remove(app + "/" + std::string(ListName));  // the last, so that it can be done again
-    os::files().removeFolder(app);
-    return os::FileError::None;
-}
-
 // ---- desktop entries ----
 
 namespace {
@@ -152,6 +135,91 @@ os::FileError writeEntry(const std::string& path, std::string_view text, std::ui
     if (error == os::FileError::None) error = os::files().rename(made, path);
     if (error != os::FileError::None) os::files().remove(made);
     return error;
+}
+
+// ---- removing ----
+
+namespace {
+
+constexpr std::uint32_t Plain = 0644;
+
+bool hasStrangers(const std::string& app, const Installed& list) {
+    std::vector<std::string> names;
+    os::files().list(app, names);
+    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return !list.owns(name) && name != os::nameOf(besideEntry(std::string(ListName)));
+    });
+}
+
+}  // namespace
+
+os::FileError removeInstalled(const std::string& app, const Installed& list) {
+    const std::string listFile = app + "/" + std::string(ListName);
+    for (const InstalledFile& file : list.files) {
+        const os::FileError error = os::files().remove(app + "/" + file.name);
+        if (error != os::FileError::None && error != os::FileError::NotFound) return error;
+    }
+    const bool stays = !list.name.empty() && hasStrangers(app, list);
+    if (stays) {
+        const os::FileError error = writeEntry(listFile, textOf({list.name, {}, {}, list.folders}), Plain);
+        if (error != os::FileError::None) return error;
+    }
+    os::files().remove(app + "/" + std::string(UninstallName));
+    if (!stays) os::files().remove(listFile);  // the last, so that it can be done again
+    os::files().removeFolder(app);
+    return os::FileError::None;
+}
+
+// ---- folders ----
+
+namespace {
+
+constexpr const char* NoteEnd = "\n";  // an empty line: a note without it is not ours
+
+std::string noteIn(const std::string& folder, const std::string& app) {
+    return os::joined(folder, "." + os::nameOf(app) + ".setup.folders");
+}
+
+void removeNoted(const std::string& note) {
+    std::string text;
+    os::readFile(note, text);
+    std::vector<std::string> folders;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        if (text[at] == '/') folders.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    if (text.ends_with("\n\n"))
+        for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
+            os::files().removeFolder(*folder);
+    os::files().remove(note);
+}
+
+}  // namespace
+
+std::string makeNotedFolders(const std::string& app, const std::vector<std::string>& folders) {
+    if (folders.empty()) return {};
+    std::string base = os::folderOf(app), text;
+    while (base.size() > 1 && !exists(base)) base = os::folderOf(base);
+    for (const std::string& folder : folders) text += folder + "\n";
+    const std::string note = noteIn(base, app);
+    os::FileError error = writeEntry(note, text + NoteEnd, Plain);
+    std::string path = note;
+    for (auto folder = folders.begin(); error == os::FileError::None && folder != folders.end(); ++folder) {
+        path = *folder;
+        error = os::files().makeFolder(path);
+    }
+    return error == os::FileError::None ? std::string()
+                                        : "'" + path + "': " + std::string(os::describe(error));
+}
+
+void removeNotedFolders(const std::string& app) {
+    for (std::string folder = os::folderOf(app);; folder = os::folderOf(folder)) {
+        const std::string note = noteIn(folder, app);
+        if (exists(besideEntry(note))) os::files().remove(besideEntry(note));
+        if (exists(note)) removeNoted(note);
+        if (folder.size() <= 1) break;
+    }
 }
 
 // ---- undoing ----
@@ -192,7 +260,6 @@ os::FileError undoEntries(const WorkFolder& work, const Journal& journal) {
 
 std::string undoUnfinished(const std::string& app) {
     const WorkFolder work(app);
-    if (!exists(work.path())) return {};
     std::string text;
     if (os::readFile(work.journal(), text) == os::FileError::None) {
         const Journal journal = readJournal(text);
@@ -201,11 +268,10 @@ std::string undoUnfinished(const std::string& app) {
         if (error != os::FileError::None)
             return "An earlier installation was not finished, and it cannot be undone: " +
                    std::string(os::describe(error));
-        for (auto folder = journal.folders.rbegin(); folder != journal.folders.rend(); ++folder)
-            os::files().removeFolder(*folder);
         os::files().remove(work.journal());
     }
     work.remove();
+    removeNotedFolders(app);
     return {};
 }
 

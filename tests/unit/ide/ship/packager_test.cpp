@@ -123,6 +123,64 @@ TEST_F(PackagerTest, EachWayShowsWhatItIsWaitingFor) {
     Unload(PackagerDlg);
 }
 
+TEST_F(PackagerTest, WhatACommandHasMetIsSeenBehindIt) {
+    const std::string file = write("prog.cls", MainClass), exe = write("prog.exe", "program");
+    doings = {[&] {
+        EXPECT_EQ(rows(), "prog.exe\t7 byte(s)\n");
+        std::filesystem::remove(exe);
+        press("bitmapbutton2");
+        EXPECT_EQ(rows(), "prog.exe\t(missing)\n");
+        EXPECT_EQ(platform::findControl(part("iconlist1"))->rows[0].picture, "cross");
+        write("prog.exe", "longer");
+        press("bitmapbutton2");
+        EXPECT_EQ(rows(), "prog.exe\t6 byte(s)\n");
+        press("bitmapbutton6");
+    }};
+    answers = {dir, "OK", ""};
+    PACKAGERDIALOG(Main, file, exe + "\n", "What they are");
+    EXPECT_TRUE(answers.empty());
+}
+
+// ---- a Debian package ----
+
+TEST_F(PackagerTest, WhatAPackageTellsIsProposedByThePropertiesAndKeptBesideTheProgram) {
+    const std::string file = write("Prog.cls", MainClass), kept = dir + "Prog-deb.ini";
+    const Object deb("DebDlg");
+    const auto set = [&](const char* control, const std::string& text) {
+        SetText(FINDCONTROL(deb, control), text);
+    };
+    const auto get = [&](const char* control) { return GetText(FINDCONTROL(deb, control)); };
+    const auto pressIn = [&](const char* control) {
+        platform::userCommand(*platform::findControl(FINDCONTROL(deb, control)));
+    };
+    doings = {[&] {
+                  press("pushbutton1");
+                  press("pushbutton1");
+                  press("bitmapbutton6");
+              },
+              [&] {
+                  EXPECT_EQ(get("edit1"), "prog");
+                  set("edit1", "Wrong Name");
+                  pressIn("pushbutton1");
+                  EXPECT_TRUE(lastText().starts_with("The name of the package")) << lastText();
+                  EXPECT_FALSE(std::filesystem::exists(kept));
+                  set("edit1", "prog"), set("edit2", "1.2"), set("edit3", "Ann <a@b>"),
+                      set("edit4", "greets");
+                  set("edit5", "one\nand\\two");
+                  pressIn("pushbutton1");
+              },
+              [&] {
+                  EXPECT_EQ(get("edit2"), "1.2");
+                  EXPECT_EQ(get("edit4"), "greets");
+                  EXPECT_EQ(get("edit5"), "one\nand\\two");
+                  pressIn("pushbutton2");
+              }};
+    answers = {"OK", "OK"};  // the name is told, and that a file is missing
+    PACKAGERDIALOG(Main, file, dir + "none\n", "What they are");
+    EXPECT_EQ(PROFILESTRGET(kept, "Package", "Maintainer"), "Ann <a@b>");
+    EXPECT_EQ(PROFILESTRGET(ini(), "DebDlg", "Maintainer"), "Ann <a@b>") << "for the next program";
+}
+
 TEST_F(PackagerTest, OnlyFilesOfTheLibraryThatAreMissingInTheListAreAdded) {
     write("libtarnwick.so", "x");
     EXPECT_EQ(GETLIBRARYFILES(""), dir + "libtarnwick.so\n");

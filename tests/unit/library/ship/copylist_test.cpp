@@ -108,6 +108,18 @@ TEST_F(CopyLists, CopiesTellWhatWasNotCopiedAndGoOn) {
     EXPECT_EQ(FILECOPYLIST(a + "\n", dir / "nowhere"), a + "\n");
 }
 
+TEST_F(CopyLists, NamesThatNoClassMayHaveAreCopiedToo) {
+    const std::string folder = dir / "to \"them\"";
+    std::filesystem::create_directory(folder);
+    for (const char* name : {"say \"hi\".txt", "a|b", "what?", "*", "<x>", "\xff\xfe"}) {
+        const std::string file = make(name, 4);
+        EXPECT_EQ(FILECOPYLIST(file + "\n", folder), "") << name;
+        EXPECT_EQ(os::sizeOf(folder + "/" + name), 4) << name;
+        EXPECT_EQ(FILECOPYLIST(file + "\n", folder), "") << name << " again";
+        EXPECT_EQ(FILECOPYLIST(file + "\n", dir.path()), "") << name << " onto itself";
+    }
+}
+
 TEST_F(CopyLists, ASecondFileOfANameIsNotCopied) {
     std::filesystem::create_directory(dir / "sub");
     std::filesystem::create_directory(dir / "to");

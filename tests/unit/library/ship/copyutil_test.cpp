@@ -207,6 +207,13 @@ TEST_F(ShipCopies, FilesThatCannotBeCopiedAreListed) {
                               "' could not be written.");
 }
 
+TEST_F(ShipCopies, AQuoteInANameIsNoReasonToFail) {
+    folder("to/a \"b\"");
+    answers = {"OK"};
+    EXPECT_TRUE(COPYTOFOLDER(owner, file("say \"hi\".txt", 2), dir / "to/a \"b\"")) << lastText();
+    EXPECT_EQ(listing("to/a \"b\""), "say \"hi\".txt\t2\n");
+}
+
 // ---- zip files ----
 
 TEST_F(ShipCopies, AZipFileHoldsEveryFileWithoutItsFolder) {
@@ -346,6 +353,113 @@ TEST_F(ShipInstallers, WithoutANewFileItWasNotCreatedAndTheOldOneStays) {
     EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Close", "Show Script"}));
     EXPECT_EQ(read("files/prog-install.exe"), "the old one");
     EXPECT_EQ(GETDISKFILELIST(dir / "files", ".iscc*"), "");
+}
+
+// ---- Debian packages ----
+
+class ShipDebs : public ShipCopies {
+protected:
+    const DebFields fields{"prog", "1.0", "Ann Bell <ann@example.org>", "says hello", ""};
+    std::string files;
+
+    void SetUp() override {
+        ShipCopies::SetUp();
+        std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");  // linked to the C library alone
+        files = dir / "files/prog.exe" + "\n" + file("a \"b\".txt", 3);
+        make("to/prog.deb", "the old one");
+    }
+    bool run() {
+        return COPYTODEB(owner, fields, "(c) Ann", "", files, dir / "files/prog.exe",
+                         dir / "to/proposed.deb");
+    }
+    // Nothing but what was there before the command.
+    void expectOldOne() {
+        EXPECT_EQ(read("to/prog.deb"), "the old one");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "to"), {}), 1);
+    }
+};
+
+TEST_F(ShipDebs, ThePackageTakesTheChosenPlaceAndTellsWhatItNeeds) {
+    answers = {dir / "to/prog", "OK"};
+    ASSERT_TRUE(run()) << lastText();
+    EXPECT_EQ(asked[0].kind, platform::Question::Kind::SaveFile);
+    EXPECT_EQ(asked[0].value, dir / "to/proposed.deb");
+    EXPECT_TRUE(lastText().starts_with("Created '" + dir / "to/prog.deb" +
+                                       "'\n\nIt needs these packages:\nlibc6 (>= "))
+        << lastText();
+    EXPECT_TRUE(read("to/prog.deb").starts_with("!<arch>\n"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "to"), {}), 1);
+}
+
+TEST_F(ShipDebs, EachToolIsAskedForThenTheFilesThenAName) {
+    const Variable path("PATH", dir / "none");
+    std::string order;
+    files = dir / "none\n";
+    for (const char* name : {"dpkg-deb", "dpkg-query", "dpkg", "objdump", "ldd", "md5sum", "gzip"}) {
+        EXPECT_FALSE(run());
+        EXPECT_TRUE(
+            lastText().starts_with("This command requires the '" + std::string(name) + "' program to "))
+            << lastText();
+        EXPECT_TRUE(lastText().ends_with("\nHowever the " + std::string(name) + " program '" +
+                                         dir / "program/" + name + "' does not exist."));
+        tool(name, "exit 0");
+    }
+    EXPECT_FALSE(run());
+    EXPECT_EQ(lastText(),
+              "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the "
+              "package.\n(the maximum size of the files to be packed is 600000000 bytes)");
+    files = file("a", 1);
+    answers = {""};
+    EXPECT_FALSE(run());
+    EXPECT_EQ(asked.size(), 9U);
+    expectOldOne();
+}
+
+TEST_F(ShipDebs, AToolThatFailsIsToldWithWhatItWroteAndTheOldOneStays) {
+    for (const char* name : {"gzip", "md5sum", "dpkg", "dpkg-deb"}) {
+        tool(name, "echo that went wrong; exit 2");
+        answers = {dir / "to/prog.deb", "OK"};
+        EXPECT_FALSE(run());
+        EXPECT_EQ(lastText(), "Could not create '" + dir / "to/prog.deb" + "'\n\nThe program '" + name +
+                                  "' failed.\nthat went wrong");
+        expectOldOne();
+        std::filesystem::remove(dir / "program" / name);
+    }
+}
+
+TEST_F(ShipDebs, ALibraryThatIsMissingOrOfNoPackageIsTold) {
+    tool("ldd", "echo 'libc.so.6 => not found'");
+    answers = {dir / "to/prog.deb", "OK"};
+    EXPECT_FALSE(run());
+    EXPECT_EQ(lastText(), "Could not create '" + dir / "to/prog.deb" +
+                              "'\n\nThe library 'libc.so.6' was not found on this machine.");
+    tool("ldd", "echo 'libc.so.6 => /own/libc.so.6 (0x0)'");
+    answers = {dir / "to/prog.deb", "OK"};
+    EXPECT_FALSE(run());
+    EXPECT_NE(lastText().find("The library '/own/libc.so.6' is of no package"), std::string::npos)
+        << lastText();
+    expectOldOne();
+}
+
+TEST_F(ShipDebs, AStopInAnyStepLeavesTheOldOneAndSaysNothing) {
+    for (const char* name : {"objdump", "ldd", "dpkg-query", "gzip", "md5sum", "dpkg", "dpkg-deb"}) {
+        tool(name, "sleep 20");
+        platform::view().setIdle([] { platform::pressToolStop(); });
+        answers = {dir / "to/prog.deb"};
+        asked.clear();
+        EXPECT_FALSE(run());
+        EXPECT_EQ(asked.size(), 1U) << name << lastText();
+        platform::view().setIdle({});
+        expectOldOne();
+        std::filesystem::remove(dir / "program" / name);
+    }
+}
+
+TEST_F(ShipDebs, APlaceThatCannotBeWrittenIsTold) {
+    answers = {dir / "none/prog.deb", "OK"};
+    EXPECT_FALSE(run());
+    EXPECT_EQ(lastText(), "Could not create '" + dir / "none/prog.deb" + "'\n\n'" + dir / "none/" +
+                              "' could not be written.");
 }
 
 }  // namespace

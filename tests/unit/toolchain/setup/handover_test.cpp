@@ -1,54 +1,75 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A program that is built, handed over in each way, and run where it has come to, without anything of the build.
+// A program that is built, handed over in each way, and run where it has come to, without anything of the build; and what an
+// installer does as a program, with files that are packed in no time.
 #include "library/ship/copyutil.h"
+#include "library/ship/ownlibraries.h"
 #include "library/system/system.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
 #include "support/toolchain_folder.h"
+#include "toolchain/setup/make.h"
+#include "toolchain/setup/package.h"
 
-#include <fcntl.h>
+#include <limits>
 #include <sys/stat.h>
 
 namespace tarn::toolchain {
 namespace {
 
-class Handover : public ToolchainTest {
+// A home for installations: `/home/o'brien & "x"`, a folder that has to be quoted everywhere.
+class AtHome : public ToolchainTest {
 protected:
-    std::string files;  // the output files, one a line
-    std::string home;
+    std::string home, installer;
 
-    // `/home/o'brien & "x"`: a folder that has to be quoted everywhere.
     void SetUp() override {
         ToolchainTest::SetUp();
         home = dir + "o'brien & \"x\"";
         std::filesystem::create_directories(home + "/Desktop");
+    }
+    // Makes `installer`, of files that stand one a line.
+    void makeInstaller(const std::string& files, const std::string& main) {
+        write("script.iss",
+              CREATEISSSCRIPT("Ann", "(c)", "Words", "Counts words", "1.0", "1 0 0 0", files, main, ""));
+        ASSERT_EQ(run(BINARY_DIR "/iscc.exe",
+                      {dir + "script.iss", "/O" + dir.substr(0, dir.size() - 1), "/Fmade-install"}),
+                  0)
+            << output;
+        installer = dir + "made-install.exe";
+    }
+    int withHome(const std::string& program, std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, program});
+        return run("/usr/bin/env", arguments);
+    }
+    std::unique_ptr<os::Child> startInstaller() {
+        os::StartError error = os::StartError::None;
+        return os::processes().start(
+            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""},
+            error);
+    }
+    std::string allIn(const std::string& folder) {
+        std::string names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+            names += entry.path().string().substr(folder.size()) + "\n";
+        return STRSORT(names);
+    }
+};
+
+class Handover : public AtHome {
+protected:
+    std::string files;           // the output files, one a line
+    std::string told, expected;  // what the program writes where it was built
+
+    void SetUp() override {
+        AtHome::SetUp();
         std::filesystem::copy(SOURCE_DIR "/examples/wordcount", dir + "wordcount");
         ASSERT_EQ(ordo({"-fm", dir + "wordcount/wordcount.cls", "-o" + dir + "ordo.err"}), 0)
             << read("ordo.err");
         ASSERT_EQ(ordo({"-ft", dir + "wordcount/wordcount.cls", "-n", "-o" + dir + "ordo.err"}), 0);
-        files = withoutDebugInformation(read("ordo.err"));
+        files = WITHSMALLLIBRARIES(read("ordo.err"));
         ASSERT_EQ(runAt(dir + "wordcount"), 0) << output;
         expected = output;
         ASSERT_NE(expected, "");
-    }
-
-    std::string expected;  // what the program writes where it was built
-
-    // The same files, but with libraries of the size that is handed over: packing those of a build for development takes
-    // half a minute.
-    std::string withoutDebugInformation(const std::string& list) {
-        std::string lines;
-        std::filesystem::create_directories(dir + "libraries");
-        for (int i = 1; i <= STRLINES(list); ++i) {
-            const std::string file = STRLINE(list, i), small = dir + "libraries/" + FILEGETFNAME(file);
-            const bool library = FILEGETEXT(file) == ".so";
-            if (library) {
-                EXPECT_EQ(run("/usr/bin/strip", {"-g", "-o", small, file}), 0) << output;
-            }
-            lines += (library ? small : file) + "\n";
-        }
-        return lines;
     }
 
     // The program in a folder, with an empty environment.
@@ -77,34 +98,22 @@ protected:
         platform::useView(std::move(before));
         return ok;
     }
-    void makeInstaller() {
-        const std::string main = dir + "wordcount/wordcount.exe";
-        write("wordcount-install.iss",
-              CREATEISSSCRIPT("Ann", "(c)", "Words", "Counts words", "1.0", "1 0 0 0", files, main, ""));
-        ASSERT_EQ(run(BINARY_DIR "/iscc.exe", {dir + "wordcount-install.iss",
-                                               "/O" + dir.substr(0, dir.size() - 1), "/Fwordcount-install"}),
-                  0)
-            << output;
-        installer = dir + "wordcount-install.exe";
-    }
-    int withHome(const std::string& program, std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, program});
-        return run("/usr/bin/env", arguments);
-    }
-    std::string allIn(const std::string& folder) {
-        std::string names;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-            names += entry.path().string().substr(folder.size()) + "\n";
-        return STRSORT(names);
-    }
-
-    std::string told, installer;
 };
 
 TEST_F(Handover, AFolderOfTheOutputFilesRuns) {
     std::filesystem::create_directories(dir + "to");
     EXPECT_TRUE(answering("OK", [&] { return COPYTOFOLDER(Object(), files, dir + "to"); })) << told;
     expectRunsAt(dir + "to");
+}
+
+TEST_F(Handover, TheRunTimeLibraryGoesWithoutWhatADebuggerReads) {
+    for (int i = 1; i <= STRLINES(files); ++i) {
+        const std::string file = STRLINE(files, i), built = BINARY_DIR "/" + FILEGETFNAME(file);
+        if (!ISOWNLIBRARY(file)) continue;
+        EXPECT_TRUE(file.starts_with(dir + "state/")) << file;
+        EXPECT_LT(os::sizeOf(file), os::sizeOf(built));
+    }
+    EXPECT_EQ(WITHSMALLLIBRARIES(read("ordo.err")), files) << "they are made once";
 }
 
 TEST_F(Handover, AZipFileOfTheOutputFilesRuns) {
@@ -115,8 +124,43 @@ TEST_F(Handover, AZipFileOfTheOutputFilesRuns) {
     expectRunsAt(dir + "to");
 }
 
+// Its files have the rights that the system wants, whatever those of the sources are, and belong to its administrator.
+TEST_F(Handover, ADebianPackageOfTheOutputFilesRuns) {
+    const std::string deb = dir + "words.deb", exe = dir + "wordcount/wordcount.exe",
+                      icon = write("i.svg", "<svg/>");
+    const DebFields fields{"wordcount", "1.2", "Ann Bell <ann@example.org>", "counts words", ""};
+    EXPECT_TRUE(answering(deb, [&] { return COPYTODEB(Object(), fields, "(c) Ann", icon, files, exe, ""); }))
+        << told;
+    EXPECT_EQ(told.substr(0, told.find('\n')), "Created '" + deb + "'");
+    ASSERT_EQ(run("/usr/bin/dpkg-deb", {"-I", deb, "control"}), 0) << output;
+    EXPECT_NE(output.find("\nDepends: libc6 (>= "), std::string::npos) << output;
+    EXPECT_NE(output.find(", libstdc++6\n"), std::string::npos) << output;
+    if (os::sizeOf("/usr/bin/lintian") > 0) {
+        EXPECT_EQ(run("/usr/bin/lintian", {"--no-cfg", "--tag-display-limit", "0", deb}), 0) << output;
+        EXPECT_EQ(output, "");
+    }
+    ASSERT_EQ(run("/usr/bin/dpkg-deb", {"-c", deb}), 0) << output;
+    for (const char* line : {"-rwxr-xr-x root/root ", "-rw-r--r-- root/root ", "drwxr-xr-x root/root "})
+        EXPECT_NE(output.find(line), std::string::npos) << line << output;
+    EXPECT_EQ(output.find("rwxrwx"), std::string::npos) << output;
+    ASSERT_EQ(run("/usr/bin/dpkg-deb", {"-x", deb, dir + "to"}), 0) << output;
+    ASSERT_EQ(run("/usr/bin/dpkg-deb", {"-e", deb, dir + "to/DEBIAN"}), 0) << output;
+    ASSERT_EQ(
+        run("/bin/sh",
+            {"-c", "cd to && md5sum --quiet -c DEBIAN/md5sums && rm -r DEBIAN && find . -type f | wc -l"}),
+        0)
+        << output;
+    expectRunsAt(dir + "to/usr/lib/wordcount");
+    for (const char* name :
+         {"applications/wordcount.desktop", "doc/wordcount/copyright", "doc/wordcount/changelog.gz",
+          "man/man1/wordcount.1.gz", "icons/hicolor/scalable/apps/wordcount.svg"})
+        EXPECT_TRUE(exists(std::string("to/usr/share/") + name)) << name;
+    EXPECT_EQ(read("to/usr/bin/wordcount"), "#!/bin/sh\nexec \"/usr/lib/wordcount/wordcount.exe\" \"$@\"\n");
+    EXPECT_EQ(allIn(dir).find(".work"), std::string::npos) << "nothing stays of the making";
+}
+
 TEST_F(Handover, AnInstallerInstallsQuietlyAndItsUninstallerLeavesNothing) {
-    makeInstaller();
+    makeInstaller(files, dir + "wordcount/wordcount.exe");
     ASSERT_EQ(withHome(installer, {"--quiet"}), 0) << output;
     EXPECT_EQ(output, "");
     const std::string app = home + "/.local/opt/wordcount";
@@ -126,84 +170,144 @@ TEST_F(Handover, AnInstallerInstallsQuietlyAndItsUninstallerLeavesNothing) {
     EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
-TEST_F(Handover, AnInstallerTakesAFolderOfTheUsersChoice) {
-    makeInstaller();
-    const std::string app = dir + "my \"own\" place";
-    ASSERT_EQ(withHome(installer, {"--quiet", "--folder", app}), 0) << output;
-    expectRunsAt(app);
-    ASSERT_EQ(withHome(installer, {"--quiet", "--folder", app}), 0) << "again, over itself: " << output;
+// An installer of a program that greets.
+class SmallInstaller : public AtHome {
+protected:
+    void SetUp() override {
+        AtHome::SetUp();
+        const std::string program = write("small/small.exe", "#!/bin/sh\necho greets\n");
+        makeInstaller(program + "\n" + write("small/data.txt", "data") + "\n", program);
+        app = home + "/.local/opt/small";
+    }
+    void expectRunsAt(const std::string& folder) {
+        EXPECT_EQ(run("/usr/bin/env", {"-i", folder + "/small.exe"}), 0) << output;
+        EXPECT_EQ(output, "greets\n");
+    }
+    // It says that it is damaged, and nothing else happens.
+    void expectRefuses(const std::string& name, const std::string& bytes) {
+        write("damaged.exe", bytes);
+        ::chmod((dir + "damaged.exe").c_str(), 0755);
+        EXPECT_EQ(withHome(dir + "damaged.exe", {"--quiet"}), 1) << name;
+        EXPECT_EQ(output, "This installer is damaged or incomplete. Get it again.\n") << name;
+    }
+    std::string app;
+};
+
+TEST_F(SmallInstaller, TakesAFolderOfTheUsersChoice) {
+    const std::string place = dir + "my \"own\" place";
+    ASSERT_EQ(withHome(installer, {"--quiet", "--folder", place}), 0) << output;
+    expectRunsAt(place);
+    ASSERT_EQ(withHome(installer, {"--quiet", "--folder", place}), 0) << "again, over itself: " << output;
+    ASSERT_EQ(withHome(place + "/uninstall", {"--quiet"}), 0) << output;
+    EXPECT_FALSE(std::filesystem::exists(place));
+    EXPECT_EQ(allIn(home), "/Desktop\n");
+}
+
+TEST_F(SmallInstaller, InstallsAgainWhereAnUninstallLeftAFileOfTheUser) {
+    ASSERT_EQ(withHome(installer, {"--quiet"}), 0) << output;
+    ASSERT_TRUE(os::saveFile(app + "/notes.txt", "the user's", os::Durability::Unsynced).ok());
     ASSERT_EQ(withHome(app + "/uninstall", {"--quiet"}), 0) << output;
-    EXPECT_FALSE(std::filesystem::exists(app));
-    EXPECT_EQ(allIn(home), "/Desktop\n");
+    EXPECT_EQ(output, "Files in '" + app + "' that were not installed have stayed.\n");
+    ASSERT_EQ(withHome(installer, {"--quiet"}), 0) << output;
+    expectRunsAt(app);
+    EXPECT_EQ(os::sizeOf(app + "/notes.txt"), 10);
+    std::filesystem::remove(app + "/notes.txt");
+    ASSERT_EQ(withHome(app + "/uninstall", {"--quiet"}), 0) << output;
+    EXPECT_EQ(allIn(home), "/Desktop\n") << "the folders that the first installation has made";
 }
 
-TEST_F(Handover, ADamagedInstallerInstallsNothing) {
-    makeInstaller();
+TEST_F(SmallInstaller, IsStartedByAProgramThatFitsIntoOnePage) {
+    setup::Layout layout;
+    ASSERT_EQ(setup::checkInstaller(installer, layout), setup::Whole::Yes);
+    EXPECT_GT(layout.first, 0);
+    EXPECT_LT(layout.first, 4096);
+    EXPECT_EQ(read("made-install.exe").substr(0, static_cast<std::size_t>(layout.first)),
+              setup::firstProgram());
+}
+
+TEST_F(SmallInstaller, AChangedByteIsToldWhereverItStands) {
     EXPECT_EQ(withHome(installer, {"--check"}), 0) << output;
-    std::string bytes = read("wordcount-install.exe");
-    const std::size_t size = bytes.size();
-    bytes[size - 1000] = static_cast<char>(bytes[size - 1000] ^ 1);
-    const auto refuses = [&](const std::string& name, const std::string& damaged) {
-        write(name, damaged);
-        ::chmod((dir + name).c_str(), 0755);
-        EXPECT_EQ(withHome(dir + name, {"--quiet"}), 1) << name;
-        EXPECT_EQ(output, "This installer is damaged or incomplete. Get it again.\n");
-    };
-    refuses("flipped.exe", bytes);
-    bytes[size - 1000] = static_cast<char>(bytes[size - 1000] ^ 1);
-    refuses("cut.exe", bytes.substr(0, size - 1));
-    refuses("half.exe", bytes.substr(0, size - size / 4));
+    const std::string whole = read("made-install.exe");
+    const std::size_t first = setup::firstProgram().size();
+    std::vector<std::size_t> places = {9, 15, whole.size() - 1, whole.size() - 20, whole.size() - 40};
+    for (std::size_t i = 0; i < 24; ++i) places.push_back(first + i);  // the head of the program
+    for (std::size_t i = 1; i < 24; ++i) places.push_back(first + i * (whole.size() - first) / 24);
+    for (const std::size_t place : places) {
+        std::string bytes = whole;
+        bytes[place] = static_cast<char>(bytes[place] ^ 1);
+        expectRefuses("changed at " + std::to_string(place), bytes);
+    }
     EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
-TEST_F(Handover, QuestionsWithoutAnybodyToAskAreToldAndUnknownOptionsRefused) {
-    makeInstaller();
+TEST_F(SmallInstaller, AShortenedOrLengthenedFileIsToldAsSuch) {
+    const std::string whole = read("made-install.exe");
+    const std::size_t size = whole.size(), first = setup::firstProgram().size();
+    for (const std::size_t left :
+         {first, first + 1, std::size_t{4096}, std::size_t{4097}, std::size_t{100'000}, size / 2,
+          size - size / 4, size - 41, size - 40, size - 1})
+        expectRefuses("cut to " + std::to_string(left), whole.substr(0, left));
+    expectRefuses("with a byte more", whole + "x");
+    EXPECT_EQ(allIn(home), "/Desktop\n");
+}
+
+// The sizes that a file tells of itself are checked before they are used, whatever its sum is.
+TEST_F(SmallInstaller, SizesThatDoNotFitAreRefused) {
+    const std::string whole = read("made-install.exe");
+    const auto size = static_cast<std::int64_t>(whole.size());
+    const std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    for (const setup::Layout& layout :
+         {setup::Layout{0, 0, 0}, setup::Layout{most, 1, size}, setup::Layout{-1, 1, size},
+          setup::Layout{size, size, size}, setup::Layout{1, most, most}, setup::Layout{0, size - 40, -1}}) {
+        const std::string body = whole.substr(0, whole.size() - setup::TrailerSize);
+        expectRefuses(std::to_string(layout.first) + " " + std::to_string(layout.program),
+                      body + setup::trailerOf(layout, setup::addToSum(0, body)));
+    }
+    EXPECT_EQ(allIn(home), "/Desktop\n");
+}
+
+TEST_F(SmallInstaller, ArgumentsReachTheProgramThatInstalls) {
+    EXPECT_EQ(withHome(installer, {"--quite"}), 2);
+    EXPECT_EQ(withHome(installer, {"--folder"}), 2);
+    EXPECT_EQ(withHome(installer, {"--of"}), 2);
+    EXPECT_EQ(withHome(installer, {"--quiet", "--folder", dir + "a b"}), 0) << output;
+    expectRunsAt(dir + "a b");
+}
+
+TEST_F(SmallInstaller, QuestionsWithoutAnybodyToAskAreTold) {
     EXPECT_EQ(withHome(installer, {}), 2);
     EXPECT_EQ(output,
               "There is no screen and no terminal to ask on. Use --home, --system, or --folder FOLDER.\n");
-    EXPECT_EQ(withHome(installer, {"--quite"}), 2);
-    EXPECT_EQ(withHome(installer, {"--folder"}), 2);
     EXPECT_EQ(run("/usr/bin/env", {"-i", installer, "--quiet"}), 1);
     EXPECT_NE(output.find("There is no home folder"), std::string::npos) << output;
     EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
-TEST_F(Handover, AnInstallationThatIsKilledAnywhereIsMadeGoodByTheNext) {
-    makeInstaller();
-    for (int milliseconds = 1; milliseconds < 200; milliseconds += 17) {
-        os::StartError error = os::StartError::None;
-        const auto child = os::processes().start(
-            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""},
-            error);
+TEST_F(SmallInstaller, AnInstallationThatIsKilledAnywhereIsMadeGoodByTheNext) {
+    for (int milliseconds = 1; milliseconds < 60; milliseconds += 6) {
+        const auto child = startInstaller();
         ASSERT_NE(child, nullptr);
         child->wait(milliseconds);
         child->stop(0);
         ASSERT_EQ(withHome(installer, {"--quiet"}), 0) << output;
-        EXPECT_EQ(allIn(home + "/.local/opt").find(".setup"), std::string::npos) << allIn(home);
+        EXPECT_EQ(allIn(home).find(".setup"), std::string::npos) << allIn(home);
+        ASSERT_EQ(withHome(app + "/uninstall", {"--quiet"}), 0) << output;
+        EXPECT_EQ(allIn(home), "/Desktop\n");
     }
-    expectRunsAt(home + "/.local/opt/wordcount");
-    ASSERT_EQ(withHome(home + "/.local/opt/wordcount/uninstall", {"--quiet"}), 0) << output;
-    EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
-TEST_F(Handover, TwoInstallationsAtOnceGoOneAfterTheOther) {
-    makeInstaller();
+TEST_F(SmallInstaller, TwoInstallationsAtOnceGoOneAfterTheOther) {
     std::vector<std::unique_ptr<os::Child>> children;
-    for (int i = 0; i < 2; ++i) {
-        os::StartError error = os::StartError::None;
-        children.push_back(os::processes().start(
-            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""},
-            error));
-    }
+    for (int i = 0; i < 2; ++i) children.push_back(startInstaller());
     for (const auto& child : children) {
+        ASSERT_NE(child, nullptr);
         const os::ExitState state = child->wait(60000);
         EXPECT_TRUE(state.ended && state.code == 0) << state.code;
     }
-    expectRunsAt(home + "/.local/opt/wordcount");
+    expectRunsAt(app);
 }
 
-TEST_F(Handover, OnATerminalItAsksThere) {
-    makeInstaller();
+TEST_F(SmallInstaller, OnATerminalItAsksThere) {
     write("start", "exec env -i HOME=\"$HOME\" XDG_RUNTIME_DIR=\"$XDG_RUNTIME_DIR\" \"$PROGRAM\"\n");
     // What is typed, each line when there was time to ask.
     const auto typing = [this](const std::string& lines, const std::string& program) {
@@ -217,15 +321,14 @@ TEST_F(Handover, OnATerminalItAsksThere) {
     EXPECT_NE(output.find("code 3"), std::string::npos) << output;
     EXPECT_EQ(allIn(home), "/Desktop\n");
     typing("x m", installer);
-    EXPECT_NE(output.find("wordcount was installed in '" + home + "/.local/opt/wordcount'."),
-              std::string::npos)
+    EXPECT_NE(output.find("small was installed in '" + home + "/.local/opt/small'."), std::string::npos)
         << output;
-    typing("r", home + "/.local/opt/wordcount/uninstall");
+    typing("r", home + "/.local/opt/small/uninstall");
     EXPECT_NE(output.find("code 0"), std::string::npos) << output;
     EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
-TEST_F(Handover, AWrongScriptIsToldWithItsLineAndNothingIsMade) {
+TEST_F(AtHome, AWrongScriptIsToldWithItsLineAndNothingIsMade) {
     write("bad.iss", "[Setup]\nAppName=x\nOther=1\n");
     EXPECT_EQ(run(BINARY_DIR "/iscc.exe", {dir + "bad.iss"}), 1);
     EXPECT_EQ(output.substr(0, output.find('\n')),

@@ -42,6 +42,11 @@ Snapshot homeOf(const SteeredFiles& disk) {
     return files;
 }
 
+// What stays beside files of the user.
+constexpr const char* ListOfNoFiles =
+    "tarnwick installed 1\nname prog\nfolder /home/u/.local\nfolder /home/u/.local/opt\n"
+    "folder /home/u/.local/share\nfolder /home/u/.local/share/applications\n";
+
 // The files that only one of them has, or that differ.
 std::string different(const Snapshot& a, const Snapshot& b) {
     std::string text;
@@ -139,8 +144,34 @@ TEST(Install, UninstallKeepsFilesOfTheUser) {
     bool stayed = false;
     EXPECT_EQ(uninstall(places.app, stayed), "");
     EXPECT_TRUE(stayed);
-    EXPECT_EQ(homeOf(machine.disk),
-              (Snapshot{{inApp("notes.txt"), "the user's"}, {inApp("new.txt"), "the user's too"}}));
+    EXPECT_EQ(homeOf(machine.disk), (Snapshot{{inApp("notes.txt"), "the user's"},
+                                              {inApp("new.txt"), "the user's too"},
+                                              {inApp("uninstall.list"), ListOfNoFiles}}));
+}
+
+TEST(Install, WhatAnUninstallLeftIsTakenAgainAndGoesWithTheLastFile) {
+    Machine machine;
+    machine.useFirst();
+    bool stayed = false;
+    ASSERT_EQ(uninstall(places.app, stayed), "");
+    ASSERT_EQ(uninstall(places.app, stayed), "") << "again";
+    EXPECT_TRUE(stayed);
+    ASSERT_EQ(machine.install("second"), "");
+    EXPECT_EQ(machine.disk.contents(inApp("prog.exe")), "second");
+    EXPECT_EQ(machine.disk.contents(inApp("notes.txt")), "the user's");
+    EXPECT_EQ(machine.disk.contents(inApp("new.txt.saved")), "the user's too");
+    os::files().remove(inApp("notes.txt"));
+    os::files().remove(inApp("new.txt.saved"));
+    ASSERT_EQ(uninstall(places.app, stayed), "");
+    EXPECT_FALSE(stayed);
+    EXPECT_FALSE(os::infoOf("/home/u/.local").exists) << "the first installation had made it";
+}
+
+TEST(Install, WhatAnotherProgramsUninstallLeftIsRefused) {
+    Machine machine;
+    machine.disk.put(inApp("notes.txt"), "mine");
+    machine.disk.put(inApp("uninstall.list"), "tarnwick installed 1\nname other\n");
+    EXPECT_EQ(machine.install("first"), "'" + places.app + "' holds another program, 'other'.");
 }
 
 TEST(Install, ALaterVersionTakesThePlaceOfTheFirstAndKeepsWhatTheUserMade) {
@@ -260,11 +291,47 @@ TEST(Install, ADeathAtAnyCallIsUndoneByTheNextRun) {
                        EXPECT_EQ(undoUnfinished(places.app), "");
                        const Snapshot now = homeOf(machine.disk);
                        EXPECT_TRUE(now.empty() || now == whole) << different(whole, now);
+                       EXPECT_TRUE(!now.empty() || !os::infoOf("/home/u/.local").exists) << "its folders";
                        EXPECT_EQ(machine.install("first"), "");
                        EXPECT_EQ(machine.disk.contents(inApp("prog.exe")), "first");
                        EXPECT_FALSE(os::infoOf("/home/u/.local/opt/.prog.setup").exists);
                    });
     EXPECT_GT(calls, 30);
+}
+
+TEST(Install, AnUninstallBehindADeathAtAnyCallLeavesNothing) {
+    atEachCall([](Machine&) {}, [](Machine& machine, int call) { return dies(machine, call, "first"); },
+               [&](Machine& machine) {
+                   if (!machine.disk.has(inApp("uninstall"))) return;  // then nobody can start it
+                   bool stayed = true;
+                   EXPECT_EQ(uninstall(places.app, stayed), "");
+                   EXPECT_FALSE(stayed);
+                   EXPECT_EQ(homeOf(machine.disk), Snapshot());
+                   EXPECT_FALSE(os::infoOf("/home/u/.local").exists);
+               });
+}
+
+TEST(Install, AnUninstallThatDiesAtAnyCallCanBeDoneAgainOrInstalledOver) {
+    for (const bool again : {true, false})
+        atEachCall([](Machine& machine) { machine.useFirst(); },
+                   [](Machine& machine, int call) {
+                       machine.disk.dieAt(call);
+                       bool stayed = false;
+                       try {
+                           static_cast<void>(uninstall(places.app, stayed));
+                       } catch (const os::ProcessDeath&) {}
+                       const bool dead = machine.disk.dead();
+                       machine.disk.revive();
+                       machine.disk.stopFailing();
+                       return dead;
+                   },
+                   [&](Machine& machine) {
+                       bool stayed = false;
+                       EXPECT_EQ(again ? uninstall(places.app, stayed) : machine.install("second"), "");
+                       EXPECT_EQ(machine.disk.contents(inApp("notes.txt")), "the user's");
+                       EXPECT_EQ(machine.disk.has(inApp("prog.exe")), !again);
+                       EXPECT_FALSE(again && machine.disk.has(inApp("uninstall")));
+                   });
 }
 
 TEST(Install, ADeathWhileALaterVersionComesLeavesTheFirstOrTheLater) {

@@ -51,6 +51,18 @@ TEST_F(Packages, AnInstallerIsOneExecutableFileOfTheProgramAndThePackage) {
     EXPECT_EQ(disk.openHandles(), 0);
 }
 
+TEST_F(Packages, WhatIsStartedStandsInFrontOfTheProgramThatInstalls) {
+    ASSERT_EQ(makeInstaller({"/src/script", "/out/a.exe", "/bin/setup", "", "starts it"}), "");
+    EXPECT_TRUE(disk.contents("/out/a.exe").starts_with("starts itthe program that installs"));
+    Layout layout;
+    Installer installer;
+    ASSERT_EQ(checkInstaller("/out/a.exe", layout), Whole::Yes);
+    EXPECT_EQ(layout.first, 9);
+    EXPECT_EQ(layout.packageAt(), 34);
+    EXPECT_EQ(openInstaller("/out/a.exe", layout, installer), "");
+    EXPECT_EQ(installer.package.name, "prog");
+}
+
 TEST_F(Packages, OneFlippedBitAnywhereIsNoticed) {
     ASSERT_EQ(make(), "");
     const std::string whole = disk.contents("/out/a.exe");

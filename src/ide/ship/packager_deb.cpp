@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The button that makes a Debian package. What it asks is kept beside the program, in NAME-deb.ini, as the script of an
+// installer is; the maintainer also in the settings, for the next program.
+#include "ide/build/compiler.h"
+#include "ide/build/toolrun.h"
+#include "ide/shell/idecore.h"
+#include "ide/shell/windows.h"
+#include "ide/shell/windowtable.h"
+#include "ide/ship/packager.h"
+#include "ide/ship/packager_internal.h"
+#include "library/dialogs/dialogshape.h"
+#include "library/settings/profstr.h"
+#include "library/ship/copyutil.h"
+#include "library/system/system.h"
+
+MODULE("progmenu", tarn::TOOL_ONERROR)
+
+namespace tarn {
+namespace {
+
+const Object DebDlg("DebDlg");
+constexpr std::string_view Section = "Package", MaintainerSection = "DebDlg", MaintainerKey = "Maintainer";
+
+struct Field {
+    std::string_view key, control;
+    std::string DebFields::*value;
+};
+constexpr Field fieldTable[] = {{"Name", "edit1", &DebFields::name},
+                                {"Version", "edit2", &DebFields::version},
+                                {"Maintainer", "edit3", &DebFields::maintainer},
+                                {"Summary", "edit4", &DebFields::summary},
+                                {"Description", "edit5", &DebFields::description}};
+
+std::string keptIn(const std::string& mainClass) {
+    return FILEGETDIR(mainClass) + FILEBASENAME(mainClass) + "-deb.ini";
+}
+
+// Lines as one line, and back.
+std::string oneLine(const std::string& text) {
+    return STRREPLACE(STRREPLACE(STRREPLACE(text, "\r", ""), "\\", "\\\\"), "\n", "\\n");
+}
+std::string manyLines(const std::string& text) {
+    std::string lines;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool marked = text[i] == '\\' && i + 1 < text.size();
+        if (marked) ++i;
+        lines += marked && text[i] == 'n' ? '\n' : text[i];
+    }
+    return lines;
+}
+
+// What was kept, else what the properties of the program say.
+DebFields proposed(const std::string& mainClass) {
+    const VersionFields version = packager::versionOf(mainClass);
+    DebFields fields{DEBNAME(FILEBASENAME(mainClass)), DEBVERSION(version.version),
+                     PROFILESTRGET(GETIDEINIFILE(), MaintainerSection, MaintainerKey), version.description,
+                     version.comments};
+    const std::string file = keptIn(mainClass);
+    for (const Field& field : fieldTable)
+        if (const std::string kept = PROFILESTRGET(file, Section, field.key); !kept.empty())
+            fields.*field.value = manyLines(kept);
+    return fields;
+}
+
+void keep(const std::string& mainClass, const DebFields& fields) {
+    for (const Field& field : fieldTable)
+        PROFILESTRPUT(keptIn(mainClass), Section, field.key, oneLine(fields.*field.value));
+    PROFILESTRPUT(GETIDEINIFILE(), MaintainerSection, MaintainerKey, fields.maintainer);
+}
+
+DebFields entered(const Object& window) {
+    DebFields fields;
+    for (const Field& field : fieldTable) {
+        const std::string text = GetText(FINDCONTROL(window, field.control));
+        fields.*field.value = field.value == &DebFields::description ? text : STRTRIM(text);
+    }
+    return fields;
+}
+
+void load(const Object& window) {
+    const DebFields fields = proposed(packager::mainClassOf(PackagerDlg));
+    for (const Field& field : fieldTable) SetText(FINDCONTROL(window, field.control), fields.*field.value);
+}
+
+std::string problem(const Object& window) {
+    return DEBPROBLEM(entered(window));
+}
+
+constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP, .load = load, .problem = problem, .hides = true};
+
+bool debDlg(const Object& window, int event, const Object& control, int parameter) {
+    FRAME(DEBDLG);
+    STAMP();
+    const bool result = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    STAMP();
+    return result;
+}
+const RegisteredWindow registered("DebDlg", debDlg);
+
+// False if the user leaves.
+bool askFields(DebFields& fields) {
+    Load(DebDlg);
+    STAMP();
+    Show(DebDlg, true);
+    const bool ok = IsLoaded(DebDlg);
+    if (ok) {
+        fields = entered(DebDlg);
+        Unload(DebDlg);
+    }
+    STAMP();
+    return ok;
+}
+
+}  // namespace
+
+void packager::copyToDeb(const Object& window) {
+    FRAME(PACKAGER_DEB);
+    STAMP();
+    const std::string mainClass = mainClassOf(window);
+    DebFields fields;
+    if (!askFields(fields)) return;
+    keep(mainClass, fields);
+    STAMP();
+    constexpr std::string_view extensions[] = {".svg", ".png", EXT_ICO};
+    const std::string file = FILEGETDIR(mainClass) + fields.name + "_" + fields.version + ".deb";
+    static_cast<void>(COPYTODEB(window, fields, versionOf(mainClass).copyright, iconOf(mainClass, extensions),
+                                filesOf(window), FILECHANGEEXT(mainClass, EXT_EXE), file));
+    STAMP();
+}
+
+}  // namespace tarn
