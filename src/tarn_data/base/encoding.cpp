@@ -19,7 +19,7 @@ unsigned byteAt(std::string_view text, std::size_t at) {
 
 // ---- UTF-16 without a mark ----
 
-// Of text in Latin letters every second byte is 0, and nearly no other.
+// Of text in Latin letters most of every second byte are 0, and nearly no other.
 EncodingFacts guessWide(std::string_view bytes) {
     constexpr std::size_t least = 4, most = 4096;
     bytes = bytes.substr(0, std::min(most, bytes.size() / 2 * 2));
@@ -27,7 +27,7 @@ EncodingFacts guessWide(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size(); ++i) zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
     const std::size_t pairs = bytes.size() / 2;
     const auto isWide = [&](std::size_t high, std::size_t low) {
-        return pairs >= least && zeros[high] * 4 >= pairs * 3 && zeros[low] * 20 <= pairs;
+        return pairs >= least && zeros[high] * 2 >= pairs && zeros[low] * 20 <= pairs;
     };
     if (isWide(1, 0)) return {Encoding::Utf16Little};
     if (isWide(0, 1)) return {Encoding::Utf16Big};

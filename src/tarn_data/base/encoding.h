@@ -6,7 +6,7 @@
 //
 //   encoding      how it is told                                                     mark
 //   Utf8          nothing else fits, and every byte is UTF-8 (or ASCII)              none, or EF BB BF
-//   Utf16Little   the mark, or: of the first bytes nearly every second one is 0      none, or FF FE
+//   Utf16Little   the mark, or: of the first bytes most of every second are 0         none, or FF FE
 //   Utf16Big      likewise                                                           none, or FE FF
 //   Latin1        a guess: bytes that are no UTF-8, none of them from 80 to 9F       none
 //   Windows1252   a guess: the same, with such bytes, which are letters and marks    none
