@@ -27,7 +27,7 @@ EncodingFacts guessWide(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size(); ++i) zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
     const std::size_t pairs = bytes.size() / 2;
     const auto isWide = [&](std::size_t high, std::size_t low) {
-        return pairs >= least && zeros[high] * 2 >= pairs && zeros[low] * 20 <= pairs;
+        return pairs >= least && zeros[high] * 2 >= pairs && zeros[low] * 8 <= pairs;
     };
     if (isWide(1, 0)) return {Encoding::Utf16Little};
     if (isWide(0, 1)) return {Encoding::Utf16Big};
