@@ -70,8 +70,10 @@ std::string columnsText(const Source& source, const RowsFacts& facts) {
     for (std::size_t n = 0; n < facts.columns.size(); ++n) {
         const ColumnFacts& column = facts.columns[n];
         const bool changed = !column.text && column.type() == CellClass::Text;
-        const std::string own = TypeInfoLine(source.columns, static_cast<std::int32_t>(n + 1));
-        text += RowsAreLines(source.format) || source.text || changed || own.empty() ? column.line() : own;
+        const auto number = static_cast<std::int32_t>(n + 1);
+        const std::string own = TypeInfoLine(source.columns, number);
+        const bool told = !own.empty() && TypeInfoParseLine(own, 1).typeName != UnknownType;
+        text += RowsAreLines(source.format) || source.text || changed || !told ? column.line() : own;
     }
     return text;
 }
@@ -81,9 +83,7 @@ int infoText(const std::string& file, const Arguments& arguments) {
     RowsFacts facts;
     Problem problem = identify(file, arguments, false, source);
     if (problem.any()) return tell(problem);
-    // The rows of a long file of XML are not kept only to be looked at.
-    const bool look = RowsAreLines(source.format) || fitsMemory(source.rowsSeen);
-    if (look) problem = lookAtSource(arguments, source, *cellsOf(source), facts);
+    problem = lookAtSource(arguments, source, *cellsOf(source), facts);
     if (problem.any()) return tell(problem);
     if (facts.columns.size() > std::size_t{MaxTabColumns})
         return tell(tooManyColumns(source, facts.columns.size()));
@@ -91,7 +91,7 @@ int infoText(const std::string& file, const Arguments& arguments) {
     noteTextColumns(source, facts);
     noteRagged(source, facts);
     if (RowsAreLines(source.format)) source.rowsSeen = static_cast<std::int32_t>(facts.rows);
-    const std::string columns = look ? columnsText(source, facts) : source.columns;
+    const std::string columns = columnsText(source, facts);
     std::vector<std::string> headings = columnNames(columns);
     for (std::size_t n = 0; RowsAreLines(source.format) && n < headings.size(); ++n)
         headings[n] = facts.columns[n].name;

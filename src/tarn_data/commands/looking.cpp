@@ -88,7 +88,9 @@ std::vector<std::string> namesOfLanguage(const std::vector<std::string>& heading
 Problem tooManyColumns(const Source& source, std::size_t columns) {
     return {fileWord(source.file) + "has " + std::to_string(columns) + " columns; at most " +
                 std::to_string(MaxTabColumns) + " can be handled.",
-            "Split it into files of fewer columns, or choose another separator with --separator."};
+            IsDelimited(source.format)
+                ? "Split it into files of fewer columns, or choose another separator with --separator."
+                : "Split it into files of fewer columns."};
 }
 
 // ---- notes ----

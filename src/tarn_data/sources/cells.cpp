@@ -17,6 +17,7 @@
 #include "tarn_data/base/xbase.h"
 #include "tarn_data/sources/layout.h"
 #include "tarn_data/sources/load.h"
+#include "tarn_data/sources/xmlcolumns.h"
 
 #include <algorithm>
 #include <charconv>
@@ -94,7 +95,7 @@ std::string_view fieldText(const void* field, Kind kind, bool character, std::st
     return xbaseText({At(array->data), static_cast<std::size_t>(array->size)});
 }
 
-// ---- rows of values: table files, and XML that was loaded ----
+// ---- rows of values: table files ----
 
 class ValueRows : public CellSource {
 public:
@@ -105,8 +106,7 @@ public:
         number_ = 0;
         if (loaded_) return {};
         loaded_ = true;
-        if (source_.format == FormatBinary) return openTableRows(source_, rows_);
-        return loadRows(source_, repairedNames(textColumns(source_.columns)), false, rows_);
+        return openTableRows(source_, rows_);
     }
     bool next(CellRow& row) override {
         if (number_ == 0) {
@@ -129,10 +129,9 @@ private:
         scratch_.resize(static_cast<std::size_t>(fields));
         row.clear();
         for (std::int32_t n = 1; n <= fields; ++n) {
-            const bool character =
-                source_.format == FormatBinary && isCharacter(static_cast<std::size_t>(n - 1));
-            row.push_back({fieldText(RecordFieldAddress(&record, n), FieldKindAt(record.kinds, n), character,
-                                     scratch_[static_cast<std::size_t>(n - 1)]),
+            const auto at = static_cast<std::size_t>(n - 1);
+            row.push_back({fieldText(RecordFieldAddress(&record, n), FieldKindAt(record.kinds, n),
+                                     isCharacter(at), scratch_[at]),
                            false});
         }
     }
@@ -228,6 +227,7 @@ private:
 
 std::unique_ptr<CellSource> plainCells(const Source& source) {
     if (source.format == FormatXbase) return std::make_unique<XbaseRows>(source);
+    if (source.format == FormatXml) return xmlCells(source);
     if (RowsAreLines(source.format)) return std::make_unique<DelimitedReader>(formOf(source));
     return std::make_unique<ValueRows>(source);
 }

@@ -4,8 +4,7 @@
 // as the file holds it, so that nothing is changed because a number could be read out of it. Values become
 // texts that are read back equal: True and False, numbers in their shortest form, what is not there as "".
 //
-// Cost: linear in the file. A source holds a block of it and the row that was given last; XML is loaded as a
-// whole (load.h).
+// Cost: linear in the file. A source holds a block of it and the row that was given last.
 #pragma once
 
 #include "tarn_data/commands/commands.h"

@@ -101,11 +101,8 @@ Problem loadProblem(const Source& source, const DataResult& result, const std::s
     case ERR_BLOCK_TOO_LARGE:
     case ERR_OUT_OF_MEMORY:
         return {what,
-                source.format == FormatXml
-                    ? "The file has more rows than a value in memory holds, and entities of its own, so "
-                      "that the length of its texts is not known ahead; split it, or write them out."
-                    : "The file has more rows than a value in memory holds; split it, or take the first "
-                      "ones with --max-rows."};
+                "The file has more rows than a value in memory holds; split it, or take the first ones with "
+                "--max-rows."};
     case ERR_STRING_CONVERSION:
         return {what, "The row is longer than " + std::to_string(MaxTabLine) +
                           " characters, or a text in it longer than its column is declared."};
@@ -115,26 +112,11 @@ Problem loadProblem(const Source& source, const DataResult& result, const std::s
     }
 }
 
-namespace {
-
-Problem load(const Source& source, const DataOptions& options, Rows& rows, DataResult& result) {
-    const Work work("reading " + source.file);
-    std::string message;
-    result = LoadRows(source.file, source.format, options, source.xmlRows.form, rows.table.get(), message);
-    ClearError();
-    if (result.stopped || stopSignal() != 0) return stoppedProblem();
-    return result.code == 0 ? Problem() : loadProblem(source, result, message);
-}
-
-}  // namespace
-
 Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows) {
     if (source.format == FormatBinary) return loadTable(source, columns, rows);
     Problem problem = makeRowsFor(source, columns, exact, rows);
     if (problem.any()) return problem;
-    if (source.format == FormatXbase) return loadXbase(source, rows);
-    DataResult result;
-    return load(source, source.options, rows, result);
+    return loadXbase(source, rows);
 }
 
 }  // namespace tarn::datatool

@@ -13,6 +13,9 @@ namespace tarn::datatool {
 
 Problem identifyXbase(const Arguments& arguments, Source& source);
 Problem identifyTable(const Arguments& arguments, Source& source);
+// The columns whose type only the cells tell have this word for one.
+inline constexpr std::string_view UnknownType = "undeclared";
+Problem identifyXml(const Arguments& arguments, Source& source);
 // Columns of text without an upper length; all others as they are.
 std::string withoutLengths(std::string_view columns);
 // An empty table without an index, so that every row is taken as it comes. `exact`: strings have the lengths

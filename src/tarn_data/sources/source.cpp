@@ -2,7 +2,6 @@
 //
 // What the file that is read is: its format, its columns, its layout.
 #include "kernel/data/typeinfo/typeinfo.h"
-#include "kernel/data/xml/xml.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/progress.h"
 #include "os/files.h"
@@ -51,13 +50,6 @@ Problem problemOfInfo(const std::string& file, const std::string& message) {
         return {message, adviceFor(file, beginningOf(file))};
     if (message.find("locked") != std::string::npos)
         return {message, "Look whether you may read it, and whether another program has it open."};
-    if (message.find("nested") != std::string::npos)
-        return {message, "Only files of rows with simple columns can be handled."};
-    if (message.find("(Line ") != std::string::npos)
-        return {fileWord(file) + "cannot be read: " + message, "Correct the file at that place."};
-    if (message.starts_with("The type of element "))
-        return {fileWord(file) + "has rows that do not fit each other: " + message,
-                "--text takes every column as text."};
     return {message.find(file) == std::string::npos ? fileWord(file) + "cannot be read: " + message : message,
             "Look whether its rows are what the options say, and whether it holds any."};
 }
@@ -131,65 +123,20 @@ Problem identifyDelimited(const Arguments& arguments, Source& source, const std:
     return problem;
 }
 
-// ---- XML ----
+// ---- other forms ----
 
-Problem checkColumns(const Source& source, const DataFileInfo& info) {
-    if (info.columnsSeen <= MaxTabColumns) return {};
-    return {fileWord(source.file) + "has " + std::to_string(info.columnsSeen) + " columns; at most " +
-                std::to_string(MaxTabColumns) + " can be handled.",
-            "Split it into files of fewer columns."};
-}
-
-// A list of one record looks like a record of one field that is a record. Its columns are those of the row.
-bool isOneRow(const std::string& file, DataFileInfo& info) {
-    std::string text;
-    if (info.format != FormatXml || !XmlRead(file, 0, nullptr, KindNone, &text, MaxTypeInfo).message.empty())
-        return false;
-    if (!TypeInfoIsPath(text, "/record/record") || TypeInfoCountElements(text, 1) != 1) return false;
-    TypeInfoStripOuter(text, MaxTypeInfo);
-    TypeInfoStripOuter(text, MaxTypeInfo);
-    for (std::int32_t n = 1; n <= static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
-         ++n) {
-        if (TypeInfoIndent(text, n) != 0) return false;
-    }
-    info.typeText = TypeInfoFixAny(text);
-    info.columnsSeen = TypeInfoCountElements(info.typeText, 0);
-    info.message.clear();
-    info.xmlRows = {XmlRows::Form::Rows, 2};
-    return true;
-}
-
-// Counts rows, and tells lists of values from lists of records.
-Problem identifyXml(Source& source) {
-    XmlOrder order = XmlCheckOrder(source.file, columnNames(source.columns), source.xmlRows);
-    source.rowsSeen = order.rows;
-    source.longest = std::move(order.longest);
-    return {order.missing.empty() ? order.message : order.missing, order.advice};
-}
-
-// What the kernel tells by the first bytes: XML, and what is no file of rows.
+// What is no file of rows.
 Problem identifyOther(const Arguments& arguments, Source& source) {
     DataOptions options;
     options.maxdatarows = 0;
-    DataFileInfo info = GetDataFileInfo(source.file, &options);
+    const DataFileInfo info = GetDataFileInfo(source.file, &options);
     const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
     const bool delimited = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
     if (unknown && !delimited && !arguments.type.empty()) return identifyTable(arguments, source);
     if (stopSignal() != 0) return stoppedProblem();
-    if (!info.message.empty() && !isOneRow(source.file, info))
-        return problemOfInfo(source.file, info.message);
-    if (info.format != FormatXml)
-        return problemOfInfo(source.file, fileWord(source.file) + "is an unknown file type.");
-    const Problem tooMany = checkColumns(source, info);
-    if (tooMany.any()) return tooMany;
-    source.format = info.format;
-    source.columns = info.typeText;
-    source.xmlRows = info.xmlRows;
-    if (arguments.from.any())
-        return {fileWord(source.file) + "is " + std::string(FactsOf(info.format).word) +
-                    ", which has no separator, header, footer or row limit.",
-                "Leave the options of delimited text away.", WrongUsage};
-    return identifyXml(source);
+    return problemOfInfo(source.file, info.message.empty()
+                                          ? fileWord(source.file) + "is an unknown file type."
+                                          : info.message);
 }
 
 Problem identifyText(const Arguments& arguments, Source& source) {
@@ -197,8 +144,8 @@ Problem identifyText(const Arguments& arguments, Source& source) {
     source.begin = static_cast<std::int64_t>(encodingOfBeginning(beginning).markBytes);
     std::string start = beginning.substr(static_cast<std::size_t>(source.begin), 4);
     start.erase(std::remove(start.begin(), start.end(), '\0'), start.end());  // of UTF-16, too
-    if (beginsAsXml(start) || !isDelimitedText(arguments, source, beginning))
-        return identifyOther(arguments, source);
+    if (beginsAsXml(start)) return identifyXml(arguments, source);
+    if (!isDelimitedText(arguments, source, beginning)) return identifyOther(arguments, source);
     return identifyDelimited(arguments, source, beginning);
 }
 
