@@ -7,11 +7,15 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn::datatool {
 
 Problem identifyXbase(const Arguments& arguments, Source& source);
 Problem identifyTable(const Arguments& arguments, Source& source);
+// The columns whose type only the cells tell have this word for one.
+inline constexpr std::string_view UnknownType = "undeclared";
+Problem identifyXml(const Arguments& arguments, Source& source);
 // Columns of text without an upper length; all others as they are.
 std::string withoutLengths(std::string_view columns);
 // An empty table without an index, so that every row is taken as it comes. `exact`: strings have the lengths
@@ -22,6 +26,10 @@ Problem makeFileRows(std::string_view columns, Rows& rows);
 // As many as a value in memory has.
 bool fitsMemory(std::int64_t rows);
 Problem loadProblem(const Source& source, const DataResult& result, const std::string& message);
+// The rows of a table file where they stand.
+Problem openTableRows(const Source& source, Rows& rows);
+// Which columns of a declaration are single characters.
+std::vector<bool> characterColumns(std::string_view columns);
 Problem loadXbase(const Source& source, Rows& rows);
 Problem loadTable(const Source& source, std::string_view columns, Rows& rows);
 

@@ -186,14 +186,14 @@ bool isOutside(std::int32_t code) {
 
 }  // namespace
 
-void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text) {
+void XmlBindText(XmlPass& pass, XmlTarget target, std::string_view text) {
     if (target.kind != KindString) text = XmlTrimmed(text);
     const bool bound = textBinders[target.kind](target.value, text);
     const std::int32_t code = TakeError();
     if (!bound)
-        XmlReport(reader, AdtConversionError(target.kind), complaintOf(target));
+        XmlReport(pass, AdtConversionError(target.kind), complaintOf(target));
     else if (code != 0)
-        XmlReport(reader, code, ErrorText(code));
+        XmlReport(pass, code, ErrorText(code));
 }
 
 // ---- destinations ----
@@ -264,7 +264,7 @@ XmlTarget XmlChildren::destination() {
     if (target_.kind == KindTable) return placeInTable();
     for (const auto& row : textKinds)
         if (row.kind == target_.kind)
-            XmlReport(reader_, AdtConversionError(row.kind), std::string(row.what).append(insteadOfTags));
+            XmlReport(pass_, AdtConversionError(row.kind), std::string(row.what).append(insteadOfTags));
     return {};
 }
 
@@ -371,7 +371,7 @@ void XmlChildren::report(std::int32_t code, std::int32_t n, std::string_view par
                   " caused a bounds error in the following array: " + std::string(parent) + "[" +
                   boundsText(used ? used_ : array.bounds) + "]";
     }
-    XmlReport(reader_, code, message);
+    XmlReport(pass_, code, message);
 }
 
 void XmlChildren::add(std::int32_t n, std::string_view parent, std::string_view child,
@@ -404,7 +404,7 @@ void XmlChildren::finish() {
         break;
     }
     const std::int32_t code = TakeError();
-    if (code != 0) XmlReport(reader_, code, ErrorText(code));
+    if (code != 0) XmlReport(pass_, code, ErrorText(code));
 }
 
 }  // namespace tarn

@@ -13,12 +13,14 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <vector>
 
 namespace tarn {
 
 namespace {
 
 constexpr std::size_t maxReference = 500;
+constexpr unsigned lastCharacter = 0x10FFFF;
 
 // What a run of text ends at. A line ends in one of these always.
 bool isMark(char c) {
@@ -36,22 +38,35 @@ bool isReferenceDigit(char c) {
     return isByte(static_cast<unsigned char>(c), ByteHexDigit) || c == 'x';
 }
 
-// The low byte of the number; digits that the base does not have end it.
-char byteOf(std::string_view digits) {
+// Digits that the base does not have end the number, and its upper bits are lost: then it is not `exact`.
+unsigned numberOf(std::string_view digits, bool& exact) {
     unsigned base = 10, value = 0;
     if (digits.substr(0, 1) == "x") {
         base = 16;
         digits.remove_prefix(1);
     }
+    exact = !digits.empty();
     for (const char c : digits) {
         const auto digit = static_cast<unsigned>(ascii::hexDigit(c));
+        exact = exact && digit < base && value <= lastCharacter;
         if (digit >= base) break;  // or no digit at all
         value = value * base + digit;
     }
-    return static_cast<char>(value & 255U);
+    return value;
 }
 
-void readCharacter(std::string_view text, XmlReference& reference) {
+// The bytes of a character; 0 for what XML has none of.
+std::size_t putUtf8(unsigned code, std::array<char, 4>& bytes) {
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    if (code == 0 || surrogate || code > lastCharacter) return 0;
+    const std::size_t length = code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
+    constexpr unsigned heads[] = {0, 0, 0xC0, 0xE0, 0xF0};
+    for (std::size_t i = length; i-- > 1; code >>= 6U) bytes[i] = static_cast<char>(0x80U | (code & 0x3FU));
+    bytes[0] = static_cast<char>(heads[length] | code);
+    return length;
+}
+
+void readCharacter(const XmlPass& pass, std::string_view text, XmlReference& reference) {
     std::size_t end = 2;
     while (end < text.size() && end < 2 + maxReference && isReferenceDigit(text[end])) ++end;
     reference.length = end;
@@ -59,16 +74,24 @@ void readCharacter(std::string_view text, XmlReference& reference) {
         reference.message = "Symbol \";\" must occur at end of a character reference";
         return;
     }
-    reference.byte = byteOf(text.substr(2, end - 2));
-    reference.replacement = {&reference.byte, 1};
     ++reference.length;
+    bool exact = false;
+    const unsigned number = numberOf(text.substr(2, end - 2), exact);
+    std::size_t length = 1;
+    if (pass.characters == XmlCharacters::Bytes)
+        reference.character[0] = static_cast<char>(number & 255U);
+    else
+        length = exact ? putUtf8(number, reference.character) : 0;
+    reference.replacement = {reference.character.data(), length};
+    if (length == 0)
+        reference.message = std::string("The character reference ").append(text.substr(0, end + 1)) + " is not allowed";
 }
 
-void readEntity(const XmlReader& reader, std::string_view text, XmlReference& reference) {
+void readEntity(const XmlPass& pass, std::string_view text, XmlReference& reference) {
     std::size_t end = 1;
     while (end < text.size() && XmlIsNamePart(text[end])) ++end;
     const std::string name = std::string(text.substr(0, end)) + ";";
-    if (!EntityFind(reader.tables.entities, name, reference.replacement))
+    if (!EntityFind(pass.tables.entities, name, reference.replacement))
         reference.message = "The entity reference " + name + " is not allowed";
     const bool closed = text.substr(end, 1) == ";";
     if (!closed && reference.message.empty())
@@ -78,56 +101,83 @@ void readEntity(const XmlReader& reader, std::string_view text, XmlReference& re
 
 class Content {
 public:
-    Content(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name)
-        : reader_(reader), target_(target), given_(given), name_(name), nameEnd_(reader.names.size()),
-          text_(reader.text.size()), children_(reader, target) {
-        if (reader.discover) types_.emplace();
+    Content(XmlPass& pass, XmlTarget target, XmlGivenFields& given, std::size_t name)
+        : pass_(pass), target_(target), given_(given), name_(name), nameEnd_(pass.names.size()),
+          text_(pass.text.size()), collects_(pass.events == nullptr), children_(pass, target) {
+        if (pass.discover) types_.emplace();
     }
-    ~Content() { reader_.text.resize(text_); }
+    ~Content() { pass_.text.resize(text_); }
     Content(const Content&) = delete;
     Content& operator=(const Content&) = delete;
 
+    // Of a walk: goes on to behind the end of an element that stands `depth` deep, or of the outermost. False:
+    // that, or what follows cannot be read. `open`: where the names of the open elements begin.
+    bool walk(std::vector<std::size_t>& open, std::size_t depth) {
+        while (!pass_.ended() && !open.empty()) {
+            childEnded_ = childOpened_ = false;
+            nameEnd_ = pass_.names.size();
+            if (step()) {
+                if (childOpened_) open.push_back(nameEnd_);
+                if (childEnded_ && open.size() + 1 == depth) return true;
+            } else if (!pass_.ended()) {
+                if (leave(open) && open.size() + 1 == depth) return true;
+            }
+        }
+        return false;
+    }
+
     bool read(std::string& typeText) {
-        while (!reader_.ended() && step()) {}
-        if (reader_.ended()) return false;
+        while (!pass_.ended() && step()) {}
+        if (pass_.ended()) return false;
         const bool closed = enterEndTag();
         children_.finish();
-        const std::string_view text = std::string_view(reader_.text).substr(text_);
+        const std::string_view text = std::string_view(pass_.text).substr(text_);
         if (given_.unplaced) given_.unplaced = count_ == 0 && XmlIsBlank(text);
         if (target_.takesText()) {
-            XmlBindText(reader_, target_, text);
+            XmlBindText(pass_, target_, text);
         } else if (count_ == 0 && !XmlIsBlank(text)) {
-            given_.giveWay(reader_);
-            if (target_.value != nullptr) XmlNoteLost(reader_, "The text", name());
+            given_.giveWay(pass_);
+            if (target_.value != nullptr) XmlNoteLost(pass_, "The text", name());
         }
         if (types_) typeText = types_->finish(name(), text);
-        return closed || XmlCheck(reader_, {XmlEndTag});
+        return closed || XmlCheck(pass_, {XmlEndTag});
     }
 
 private:
     [[nodiscard]] std::string_view name() const {
-        return std::string_view(reader_.names).substr(name_, nameEnd_ - name_);
+        return std::string_view(pass_.names).substr(name_, nameEnd_ - name_);
     }
 
     // False at the end of the file.
     bool enterEndTag() {
-        if (ScannerRemainder().starts_with("</")) {
-            ScannerSkipBytes(2);
+        if (pass_.scan.remainder().starts_with("</")) {
+            pass_.scan.skipBytes(2);
             return true;
         }
-        XmlNext(reader_);
+        XmlNext(pass_);
         return false;
+    }
+
+    // Of a walk: the innermost element has ended. False: it was the outermost.
+    bool leave(std::vector<std::size_t>& open) {
+        if (enterEndTag() || XmlCheck(pass_, {XmlEndTag})) XmlReadEndTag(pass_, open.back());
+        pass_.events->end();
+        pass_.names.resize(open.back());
+        open.pop_back();
+        if (open.empty()) return false;
+        --pass_.depth;
+        return true;
     }
 
     // A run of text and what stands behind it. False at the end of the content.
     bool step() {
-        const std::string_view rest = ScannerRemainder();
+        const std::string_view rest = pass_.scan.remainder();
         std::size_t length = 0;
         while (!isMark(rest[length])) ++length;
         const auto mark = static_cast<unsigned char>(rest[length]);
         if (mark == LineEnd) {
             append(rest);
-            ScannerSkipBytes(static_cast<std::int32_t>(length));
+            pass_.scan.skipBytes(static_cast<std::int32_t>(length));
             nextLine();
             return true;
         }
@@ -148,7 +198,7 @@ private:
         return true;
     }
     bool ampersand() {
-        if (XmlIsReference(ScannerRemainder()))
+        if (XmlIsReference(pass_.scan.remainder()))
             reference();
         else
             takeBytes(1);
@@ -158,78 +208,93 @@ private:
     // ---- text ----
 
     void append(std::string_view text) {
+        if (pass_.events != nullptr && !text.empty()) pass_.events->text(text);
         if (!collects_) return;
-        const std::size_t room = std::size_t{MaxXmlText} - (reader_.text.size() - text_);
+        const std::size_t room = std::size_t{MaxXmlText} - (pass_.text.size() - text_);
         if (text.size() > room)
-            XmlReport(reader_, ERR_XML_OVERFLOW,
+            XmlReport(pass_, ERR_XML_OVERFLOW,
                       "Character data at this nesting level is too long, max length is " +
                           std::to_string(MaxXmlText));
-        reader_.text.append(text.substr(0, room));
+        pass_.text.append(text.substr(0, room));
     }
     void takeBytes(std::size_t count) {
-        append(ScannerRemainder().substr(0, count));
-        ScannerSkipBytes(static_cast<std::int32_t>(count));
+        append(pass_.scan.remainder().substr(0, count));
+        pass_.scan.skipBytes(static_cast<std::int32_t>(count));
     }
-    void nextLine() { XmlNoteStatus(reader_, ScannerSkipChar()); }
+    void nextLine() { XmlNoteStatus(pass_, pass_.scan.skipChar()); }
 
     void reference() {
         XmlReference reference;
-        XmlReadReference(reader_, ScannerRemainder(), reference);
-        ScannerSkipBytes(static_cast<std::int32_t>(reference.length));
-        if (!reference.message.empty()) XmlReport(reader_, ERR_XML_NOT_WELL_FORMED, reference.message);
+        XmlReadReference(pass_, pass_.scan.remainder(), reference);
+        pass_.scan.skipBytes(static_cast<std::int32_t>(reference.length));
+        if (!reference.message.empty()) XmlReport(pass_, ERR_XML_NOT_WELL_FORMED, reference.message);
         append(reference.replacement);
     }
 
     // ---- marks ----
 
     void markup() {
-        XmlNext(reader_);
-        if (XmlCheck(reader_, {XmlCdata, XmlComment}) && ScannerSymbol() == XmlCdata) takeVerbatim();
+        XmlNext(pass_);
+        if (XmlCheck(pass_, {XmlCdata, XmlComment}) && pass_.scan.symbol() == XmlCdata) takeVerbatim();
     }
     void takeVerbatim() {
         constexpr std::string_view mark = "]]>";
         for (;;) {
-            std::string_view rest = ScannerRemainder();
+            std::string_view rest = pass_.scan.remainder();
             rest = rest.substr(0, rest.find(static_cast<char>(EndOfFileMark)));
             const std::size_t found = rest.find(mark);
             takeBytes(std::min(found, rest.size()));
             if (found != std::string_view::npos)
-                return ScannerSkipBytes(static_cast<std::int32_t>(mark.size()));
-            if (ScannerChar() != LineEnd || reader_.ended()) return;
+                return pass_.scan.skipBytes(static_cast<std::int32_t>(mark.size()));
+            if (pass_.scan.character() != LineEnd || pass_.ended()) return;
             nextLine();
         }
     }
     void instruction() {
-        ScannerSkipBytes(2);
-        XmlSkipPast(reader_, "?>");
+        pass_.scan.skipBytes(2);
+        XmlSkipPast(pass_, "?>");
     }
 
     // ---- children ----
 
     void child() {
-        if (reader_.depth == MaxXmlDepth) {
-            XmlReport(reader_, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
-            reader_.abandoned = true;
+        if (pass_.depth == MaxXmlDepth) {
+            XmlReport(pass_, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
+            pass_.abandoned = true;
             return;
         }
-        const std::int32_t line = ScannerLineNumber();
-        ScannerSkipBytes(1);
+        const std::int32_t line = pass_.scan.lineNumber();
+        pass_.scan.skipBytes(1);
         if (++count_ == 1) firstChild();
-        const XmlTarget destination = children_.destination();
+        const XmlTarget destination = target_.value != nullptr ? children_.destination() : XmlTarget{};
         if (plainChild(destination, line)) return;
+        if (pass_.events != nullptr) return walkedChild();
         XmlElementResult result;
-        ++reader_.depth;
-        XmlElement(reader_, destination, result);
-        --reader_.depth;
-        const std::string_view child = std::string_view(reader_.names).substr(nameEnd_);
-        if (types_) types_->add(reader_, name(), child, line, result);
+        ++pass_.depth;
+        XmlElement(pass_, destination, result);
+        --pass_.depth;
+        const std::string_view child = std::string_view(pass_.names).substr(nameEnd_);
+        if (types_) types_->add(pass_, name(), child, line, result);
         children_.add(count_, name(), child, result.index);
-        reader_.names.resize(nameEnd_);
+        pass_.names.resize(nameEnd_);
+    }
+    // The walk goes on in it.
+    void walkedChild() {
+        XmlElementResult none;
+        XmlGivenFields given;
+        childOpened_ = XmlStartElement(pass_, {}, none, given);
+        childEnded_ = !childOpened_;
+        if (childOpened_) {
+            ++pass_.depth;
+        } else {
+            pass_.events->end();
+            pass_.names.resize(nameEnd_);
+        }
     }
     // A text between its tags in one line, as most children are, goes from the line to its destination.
     bool plainChild(XmlTarget destination, std::int32_t line) {
         if (destination.value != nullptr && !destination.takesText()) return false;
-        const std::string_view rest = ScannerRemainder();
+        const std::string_view rest = pass_.scan.remainder();
         std::size_t length = 1;
         while (XmlIsNamePart(rest[length])) ++length;
         if (rest[length] != '>') return false;
@@ -238,30 +303,38 @@ private:
         while (!isMark(rest[end])) ++end;
         if (!rest.substr(end).starts_with("</") || !rest.substr(end + 2).starts_with(child)) return false;
         if (rest[end + 2 + length] != '>') return false;
-        ScannerSkipBytes(static_cast<std::int32_t>(end + 2));
+        pass_.scan.skipBytes(static_cast<std::int32_t>(end + 2));
         const std::string_view text = rest.substr(length + 1, end - length - 1);
-        if (destination.value != nullptr) XmlBindText(reader_, destination, text);
-        ScannerSkipBytes(static_cast<std::int32_t>(length + 1));
+        if (pass_.events != nullptr) tell(child, line, text);
+        if (destination.value != nullptr) XmlBindText(pass_, destination, text);
+        pass_.scan.skipBytes(static_cast<std::int32_t>(length + 1));
         if (types_) {
             XmlElementResult result;
             result.typeText = DataValueLine(text, child, {}, {});
-            types_->add(reader_, name(), child, line, result);
+            types_->add(pass_, name(), child, line, result);
         }
-        children_.add(count_, name(), child, {});
+        if (target_.value != nullptr) children_.add(count_, name(), child, {});
         return true;
     }
+    void tell(std::string_view child, std::int32_t line, std::string_view text) {
+        pass_.events->start(child, line);
+        if (!text.empty()) pass_.events->text(text);
+        pass_.events->end();
+        childEnded_ = true;
+    }
     void firstChild() {
-        given_.giveWay(reader_);
+        given_.giveWay(pass_);
         collects_ = target_.takesText();
-        if (!collects_) reader_.text.resize(text_);
+        if (!collects_) pass_.text.resize(text_);
     }
 
-    XmlReader& reader_;
+    XmlPass& pass_;
     XmlTarget target_;
     XmlGivenFields& given_;
-    std::size_t name_, nameEnd_, text_;  // in the buffers of the reader
+    std::size_t name_, nameEnd_, text_;  // in the buffers of the pass
     std::int32_t count_ = 0;
-    bool collects_ = true;
+    bool collects_;  // text may be wanted at the end
+    bool childOpened_ = false, childEnded_ = false;  // in the last step of a walk
     XmlChildren children_;
     std::optional<XmlTypes> types_;  // with `discover`
 };
@@ -272,16 +345,21 @@ bool XmlIsReference(std::string_view text) {
     return text.size() > 1 && (text[1] == '#' || XmlIsNameStart(text[1]));
 }
 
-void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReference& reference) {
+void XmlReadReference(const XmlPass& pass, std::string_view text, XmlReference& reference) {
     if (text[1] == '#')
-        readCharacter(text, reference);
+        readCharacter(pass, text, reference);
     else
-        readEntity(reader, text, reference);
+        readEntity(pass, text, reference);
 }
 
-bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+bool XmlWalk(XmlPass& pass, std::vector<std::size_t>& open, std::size_t depth) {
+    XmlGivenFields none;
+    return Content(pass, {}, none, 0).walk(open, depth);
+}
+
+bool XmlContent(XmlPass& pass, XmlTarget target, XmlGivenFields& given, std::size_t name,
                 std::string& typeText) {
-    return Content(reader, target, given, name).read(typeText);
+    return Content(pass, target, given, name).read(typeText);
 }
 
 }  // namespace tarn

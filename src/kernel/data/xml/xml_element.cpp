@@ -17,12 +17,12 @@ namespace {
 
 constexpr std::string_view anyType = " : Any";
 
-bool isSymbol(std::int32_t symbol) {
-    return ScannerSymbol() == symbol;
+bool isSymbol(const XmlPass& pass, std::int32_t symbol) {
+    return pass.scan.symbol() == symbol;
 }
 
 // The text with its references expanded; what has none is not copied.
-std::string_view expand(XmlReader& reader, std::string_view text, std::string& buffer) {
+std::string_view expand(XmlPass& pass, std::string_view text, std::string& buffer) {
     std::size_t mark = text.find('&');
     if (mark == std::string_view::npos) return text;
     buffer.clear();
@@ -31,8 +31,8 @@ std::string_view expand(XmlReader& reader, std::string_view text, std::string& b
         text.remove_prefix(mark);
         XmlReference reference;
         if (XmlIsReference(text)) {
-            XmlReadReference(reader, text, reference);
-            if (!reference.message.empty()) XmlReport(reader, ERR_XML_NOT_WELL_FORMED, reference.message);
+            XmlReadReference(pass, text, reference);
+            if (!reference.message.empty()) XmlReport(pass, ERR_XML_NOT_WELL_FORMED, reference.message);
             buffer.append(reference.replacement);
             text.remove_prefix(reference.length);
         } else {
@@ -51,15 +51,15 @@ bool isConversionError(std::int32_t code) {
 // The attributes of one start tag.
 class Attributes {
 public:
-    Attributes(XmlReader& reader, XmlTarget target, XmlElementResult& result)
-        : reader_(reader), result_(result), fields_(target), hadError_(reader.error.code != 0) {
+    Attributes(XmlPass& pass, XmlTarget target, XmlElementResult& result)
+        : pass_(pass), result_(result), fields_(target), hadError_(pass.error.code != 0) {
         given_.target = target;
-        if (reader.discover) found_.emplace();
+        if (pass.discover) found_.emplace();
     }
 
     void read() {
-        while (isSymbol(XmlName) && !reader_.stopped) readOne();
-        given_.failed = !hadError_ && isConversionError(reader_.error.code);
+        while (isSymbol(pass_, XmlName) && !pass_.stopped) readOne();
+        given_.failed = !hadError_ && isConversionError(pass_.error.code);
     }
     [[nodiscard]] XmlGivenFields& given() { return given_; }
 
@@ -77,40 +77,40 @@ private:
     enum class Meaning { Field, Type, Index };
 
     void readOne() {
-        const std::string_view name = ScannerSymbolStr();
-        const Meaning meaning = ascii::equal(name, "type")    ? Meaning::Type
-                                : ascii::equal(name, "index") ? Meaning::Index
+        name_ = pass_.scan.symbolStr();
+        const Meaning meaning = ascii::equal(name_, "type")    ? Meaning::Type
+                                : ascii::equal(name_, "index") ? Meaning::Index
                                                               : Meaning::Field;
-        if (found_) found_->name = name;
         if (!takePlain(meaning) && !takeScanned(meaning)) return;
-        XmlNext(reader_);
+        XmlNext(pass_);
     }
 
     // A value right behind the name, in this line and without quotes in it, needs no scanning.
     bool takePlain(Meaning meaning) {
-        const std::string_view rest = ScannerRemainder();
+        const std::string_view rest = pass_.scan.remainder();
         if (rest[0] != '=' || (rest[1] != '"' && rest[1] != '\'')) return false;
         std::size_t end = 2;
         while (rest[end] != rest[1] && !isByte(static_cast<unsigned char>(rest[end]), ByteControl)) ++end;
         if (rest[end] != rest[1] || rest[end + 1] == rest[1]) return false;
-        ScannerSkipBytes(static_cast<std::int32_t>(end + 1));
-        take(meaning, expand(reader_, rest.substr(2, end - 2), expanded_));
+        pass_.scan.skipBytes(static_cast<std::int32_t>(end + 1));
+        take(meaning, expand(pass_, rest.substr(2, end - 2), expanded_));
         return true;
     }
     bool takeScanned(Meaning meaning) {
-        XmlNext(reader_);
-        XmlExpect(reader_, XmlEquals);
-        if (!XmlCheck(reader_, {XmlSingleQuoted, XmlDoubleQuoted})) return false;
-        std::string_view value = ScannerSymbolStr();
+        XmlNext(pass_);
+        XmlExpect(pass_, XmlEquals);
+        if (!XmlCheck(pass_, {XmlSingleQuoted, XmlDoubleQuoted})) return false;
+        std::string_view value = pass_.scan.symbolStr();
         value = value.size() < 2 ? std::string_view() : value.substr(1, value.size() - 2);
-        take(meaning, expand(reader_, value, expanded_));
+        take(meaning, expand(pass_, value, expanded_));
         return true;
     }
 
     void take(Meaning meaning, std::string_view value) {
+        if (pass_.events != nullptr) return pass_.events->attribute(name_, value);
         switch (meaning) {
         case Meaning::Type:
-            if (reader_.discover) result_.typeAttribute = value;
+            if (pass_.discover) result_.typeAttribute = value;
             return;
         case Meaning::Index: result_.index = value; return;
         case Meaning::Field: takeField(value);
@@ -122,113 +122,117 @@ private:
         if (given_.target.hasFields()) {
             given_.count = count_;
             const XmlTarget field = fields_.next();
-            if (field.takesText()) XmlBindText(reader_, field, value);
+            if (field.takesText()) XmlBindText(pass_, field, value);
         } else {
             given_.unplaced = given_.target.takesText();
         }
         if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
         if (count_ == 1) found_->firstValue = value;
         XmlAppendDeeper(found_->fields,
-                        DataValueLine(value, found_->name, {}, found_->name + std::string(anyType)));
+                        DataValueLine(value, name_, {}, name_ + std::string(anyType)));
     }
 
     struct Found {
-        std::string name, firstValue, fields;
+        std::string firstValue, fields;
     };
-    XmlReader& reader_;
+    XmlPass& pass_;
     XmlElementResult& result_;
     XmlGivenFields given_;
     XmlFields fields_;
     bool hadError_;
     std::int32_t count_ = 0;
-    std::string expanded_;
+    std::string name_, expanded_;
     std::optional<Found> found_;  // with `discover`
 };
 
-void readStartName(XmlReader& reader) {
-    const bool adjacent = XmlNameFollows();
-    XmlNext(reader);
-    const bool named = XmlCheck(reader, {XmlName});
-    if (!adjacent) XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"<\" and \"Name\"");
+void readStartName(XmlPass& pass) {
+    const bool adjacent = XmlNameFollows(pass);
+    XmlNext(pass);
+    const bool named = XmlCheck(pass, {XmlName});
+    if (!adjacent) XmlReport(pass, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"<\" and \"Name\"");
     if (!named) return;
-    reader.names.append(ScannerSymbolStr());
-    XmlNext(reader);
+    pass.names.append(pass.scan.symbolStr());
+    XmlNext(pass);
 }
 
 // A name and a `>` right behind it, as most start tags are, needs no scanning.
-bool readPlainStart(XmlReader& reader) {
-    const std::string_view rest = ScannerRemainder();
+bool readPlainStart(XmlPass& pass) {
+    const std::string_view rest = pass.scan.remainder();
     if (!XmlIsNameStart(rest[0])) return false;
     std::size_t end = 1;
     while (XmlIsNamePart(rest[end])) ++end;
     if (rest[end] != '>') return false;
-    reader.names.append(rest.substr(0, end));
-    ScannerSkipBytes(static_cast<std::int32_t>(end + 1));
+    pass.names.append(rest.substr(0, end));
+    pass.scan.skipBytes(static_cast<std::int32_t>(end + 1));
     return true;
 }
 
-bool readPlainEnd(std::string_view name) {
-    const std::string_view rest = ScannerRemainder();
+bool readPlainEnd(XmlPass& pass, std::string_view name) {
+    const std::string_view rest = pass.scan.remainder();
     if (name.empty() || !rest.starts_with(name) || rest[name.size()] != '>') return false;
-    ScannerSkipBytes(static_cast<std::int32_t>(name.size() + 1));
+    pass.scan.skipBytes(static_cast<std::int32_t>(name.size() + 1));
     return true;
 }
 
-// From behind `</` to the `>`.
-void readEndTag(XmlReader& reader, std::size_t name) {
-    const std::string_view start = std::string_view(reader.names).substr(name);
-    if (readPlainEnd(start)) return;
-    const bool adjacent = XmlNameFollows();
-    XmlNext(reader);
-    const bool named = XmlCheck(reader, {XmlName});
-    if (!adjacent)
-        XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"</\" and \"Name\"");
-    if (!named) return;
-    if (start != ScannerSymbolStr())
-        XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
-                  "Start tag \"" + std::string(start) + "\" and end tag \"" +
-                      std::string(ScannerSymbolStr()) + "\" are different");
-    XmlNext(reader);
-    XmlCheck(reader, {XmlTagEnd});
-}
-
-void checkTypeText(XmlReader& reader, std::string& text) {
+void checkTypeText(XmlPass& pass, std::string& text) {
     if (text.size() <= std::size_t{MaxXmlTypeText}) return;
     text.resize(std::size_t{MaxXmlTypeText});
-    XmlReport(reader, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
+    XmlReport(pass, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
 }
 
 }  // namespace
 
-void XmlGivenFields::giveWay(XmlReader& reader) {
+void XmlReadEndTag(XmlPass& pass, std::size_t name) {
+    const std::string_view start = std::string_view(pass.names).substr(name);
+    if (readPlainEnd(pass, start)) return;
+    const bool adjacent = XmlNameFollows(pass);
+    XmlNext(pass);
+    const bool named = XmlCheck(pass, {XmlName});
+    if (!adjacent)
+        XmlReport(pass, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"</\" and \"Name\"");
+    if (!named) return;
+    if (start != pass.scan.symbolStr())
+        XmlReport(pass, ERR_XML_NOT_WELL_FORMED,
+                  "Start tag \"" + std::string(start) + "\" and end tag \"" +
+                      std::string(pass.scan.symbolStr()) + "\" are different");
+    XmlNext(pass);
+    XmlCheck(pass, {XmlTagEnd});
+}
+
+void XmlGivenFields::giveWay(XmlPass& pass) {
     if (count == 0) return;
     count = 0;
     AdtClear(target.value, target.kind);
     TakeError();
-    if (failed) reader.error = {};
+    if (failed) pass.error = {};
 }
 
-void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result) {
-    const std::size_t name = reader.names.size();
+bool XmlStartElement(XmlPass& pass, XmlTarget target, XmlElementResult& result, XmlGivenFields& given) {
+    const std::size_t name = pass.names.size();
+    const std::int32_t line = pass.scan.lineNumber();
+    const bool plain = readPlainStart(pass);
+    if (!plain) readStartName(pass);
+    if (pass.events != nullptr) pass.events->start(std::string_view(pass.names).substr(name), line);
+    if (plain) return true;
+    Attributes attributes(pass, target, result);
+    attributes.read();
+    if (pass.discover) result.typeText = attributes.typeText(pass.names.substr(name));
+    given = attributes.given();
+    return XmlCheck(pass, {XmlEmptyEnd, XmlTagEnd}) && isSymbol(pass, XmlTagEnd);
+}
+
+void XmlElement(XmlPass& pass, XmlTarget target, XmlElementResult& result) {
+    const std::size_t name = pass.names.size();
     XmlGivenFields given{target};
-    bool content = readPlainStart(reader);
-    if (!content) {
-        readStartName(reader);
-        Attributes attributes(reader, target, result);
-        attributes.read();
-        if (reader.discover) result.typeText = attributes.typeText(reader.names.substr(name));
-        given = attributes.given();
-        content = XmlCheck(reader, {XmlEmptyEnd, XmlTagEnd}) && isSymbol(XmlTagEnd);
-    }
-    if (content) {
+    if (XmlStartElement(pass, target, result, given)) {
         std::string found;
-        const bool closed = XmlContent(reader, target, given, name, found);
+        const bool closed = XmlContent(pass, target, given, name, found);
         if (!found.empty()) result.typeText = std::move(found);
-        if (reader.ended()) return;
-        if (closed) readEndTag(reader, name);
+        if (pass.ended()) return;
+        if (closed) XmlReadEndTag(pass, name);
     }
-    if (given.unplaced) XmlNoteLost(reader, "The attributes", std::string_view(reader.names).substr(name));
-    checkTypeText(reader, result.typeText);
+    if (given.unplaced) XmlNoteLost(pass, "The attributes", std::string_view(pass.names).substr(name));
+    checkTypeText(pass, result.typeText);
 }
 
 }  // namespace tarn

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/data/xml/xml_entities.h"
 
-#include "kernel/run/errors.h"
-
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -33,10 +31,6 @@ bool standsAt(const EntityTable& table, std::size_t place, std::string_view refe
     return place < static_cast<std::size_t>(table.count) && referenceOf(table.entries[place]) == reference;
 }
 
-void reportHere(ErrorRecord& error, const std::string& message) {
-    ReportError(error, ERR_XML_OVERFLOW, ScannerLineNumber(), ScannerPosition(), message);
-}
-
 }  // namespace
 
 void EntityInit(EntityTable& table) {
@@ -44,25 +38,24 @@ void EntityInit(EntityTable& table) {
         std::string_view reference, character;
     } predefined[] = {{"&amp;", "&"}, {"&lt;", "<"}, {"&gt;", ">"}, {"&apos;", "'"}, {"&quot;", "\""}};
     table.count = 0;
-    ErrorRecord none;
-    for (const auto& entity : predefined) EntityAdd(table, entity.reference, entity.character, none);
+    for (const auto& entity : predefined) EntityAdd(table, entity.reference, entity.character);
 }
 
-void EntityAdd(EntityTable& table, std::string_view reference, std::string_view replacement,
-               ErrorRecord& error) {
+std::string EntityAdd(EntityTable& table, std::string_view reference, std::string_view replacement) {
     const std::size_t place = placeOf(table, reference);
-    if (standsAt(table, place, reference)) return;
+    if (standsAt(table, place, reference)) return {};
     if (table.count == MaxEntities)
-        return reportHere(error, "Too many entities, the maximum number is " + std::to_string(MaxEntities));
+        return "Too many entities, the maximum number is " + std::to_string(MaxEntities);
     if (reference.size() + replacement.size() >= std::size_t{MaxEntityText})
-        return reportHere(error, "Entity and replacement text is too long, max combined length is " +
-                                     std::to_string(MaxEntityText));
+        return "Entity and replacement text is too long, max combined length is " +
+               std::to_string(MaxEntityText);
     Entry* const entry = table.entries.data() + place;
     std::memmove(entry + 1, entry, (static_cast<std::size_t>(table.count) - place) * sizeof(Entry));
     char* at = std::copy(reference.begin(), reference.end(), entry->data());
     *at++ = separator;
     *std::copy(replacement.begin(), replacement.end(), at) = '\0';
     ++table.count;
+    return {};
 }
 
 bool EntityFind(const EntityTable& table, std::string_view reference, std::string_view& replacement) {

@@ -6,10 +6,9 @@
 // Cost: a look is a binary search of at most 100 entries.
 #pragma once
 
-#include "kernel/data/scanner/scanner.h"
-
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -24,10 +23,9 @@ struct EntityTable {
 
 // The five that every file has: &amp; &lt; &gt; &apos; &quot;
 void EntityInit(EntityTable& table);
-// 671, at the place of the scanner, for a full table and for a reference and replacement that reach 500
-// characters. A reference that is there keeps its text, and that is no failure.
-void EntityAdd(EntityTable& table, std::string_view reference, std::string_view replacement,
-               ErrorRecord& error);
+// "", or what is wrong (671): a full table, or a reference and replacement that reach 500 characters. A
+// reference that is there keeps its text, and that is no failure.
+std::string EntityAdd(EntityTable& table, std::string_view reference, std::string_view replacement);
 // False for one that is not there. `replacement` points into the table.
 bool EntityFind(const EntityTable& table, std::string_view reference, std::string_view& replacement);
 

@@ -69,13 +69,13 @@ std::string fieldsOf(std::string text) {
     return text;
 }
 
-XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* table) {
+XmlReadResult loadSingleRecord(XmlReader& reader, const std::string& filename, TableDescriptor* table) {
     RecordValue row;
     XmlReadResult result;
     AdtInit(row.get(), rowShape(table), KindRecord);
     note(result.error, TakeError());
     if (result.error.code != 0) return result;
-    result = ReadXml(filename, row.get(), KindRecord, nullptr, 0);
+    result = reader.read(filename, row.get(), KindRecord, nullptr, 0);
     if (result.stopped) return result;
     Refill refill(table);
     refill.add(row.get(), result.error);
@@ -84,33 +84,34 @@ XmlReadResult loadSingleRecord(const std::string& filename, TableDescriptor* tab
 }
 
 // What the table could not take as it stands, by its structure.
-XmlReadResult loadOtherForm(const std::string& filename, TableDescriptor* table, XmlReadResult direct) {
+XmlReadResult loadOtherForm(XmlReader& reader, const std::string& filename, TableDescriptor* table,
+                            XmlReadResult direct) {
     std::string text;
-    const XmlReadResult found = ReadXml(filename, nullptr, KindNone, &text, MaxTypeInfo);
+    XmlReadResult found = reader.read(filename, nullptr, KindNone, &text, MaxTypeInfo);
     if (found.stopped) return found;
     if (TypeInfoIsPath(text, "/record/list/record") || TypeInfoIsPath(text, "/record/table/record"))
-        return ReadXml(filename, table, KindTable, nullptr, 0, XmlTableForm::RowsInFirst);
+        return XmlReading{reader, filename, nullptr, 0, XmlTableForm::RowsInFirst}.read(table, KindTable);
     const bool single = TypeInfoIsPath(text, "/record") && !TypeInfoIsPath(text, "/record/list") &&
                         !TypeInfoIsPath(text, "/record/table");
     // Names need only be good enough to be repaired: fields are bound in their order.
     if (single && TypeInfoMatchesValue(TypeInfoFixNames(fieldsOf(text), longestName), rowShape(table)) == 0)
-        return loadSingleRecord(filename, table);
+        return loadSingleRecord(reader, filename, table);
     return direct;
 }
 
 // Binds into a copy of the table's shape first: the direct form may not be the one, and a later read may be
 // stopped.
-XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
+XmlReadResult loadTable(XmlReader& reader, const std::string& filename, TableDescriptor* table) {
     FreshValue made(table, KindTable);
     auto* const fresh = static_cast<TableDescriptor*>(made.get());
     XmlReadResult result;
     note(result.error, TakeError());
     if (result.error.code != 0) return result;
-    result = ReadXml(filename, fresh, KindTable, nullptr, 0);
+    result = reader.read(filename, fresh, KindTable, nullptr, 0);
     if (IsFileFailure(result.error.code) || result.stopped) return result;
     const bool fits = result.error.code == 0 && result.lost.code == 0;
     if (!fits && !IsMemoryError(result.error.code))
-        result = loadOtherForm(filename, fresh, std::move(result));
+        result = loadOtherForm(reader, filename, fresh, std::move(result));
     // Rows that came out empty collide, which is not what is wrong.
     const bool nothingElse = result.error.code == 0 || result.error.code == ERR_DUPLICATE_FIELDS;
     if (result.lost.code != 0 && nothingElse) result.error = result.lost;
@@ -126,7 +127,7 @@ XmlReadResult loadTable(const std::string& filename, TableDescriptor* table) {
 
 }  // namespace
 
-XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
+XmlResult XmlReader::load(const std::string& filename, void* value, Kind kind) {
     XmlResult result;
     if (filename.empty()) return result;
     if (value == nullptr) {
@@ -135,13 +136,17 @@ XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
     }
     const ErrorCellAside aside;
     const bool table = kind == KindTable && KindOf(value) == kind && !XmlIsUnopened(value, kind);
-    XmlReadResult read = table ? loadTable(filename, static_cast<TableDescriptor*>(value))
-                               : ReadXml(filename, value, kind, nullptr, 0);
+    XmlReadResult read = table ? loadTable(*this, filename, static_cast<TableDescriptor*>(value))
+                               : this->read(filename, value, kind, nullptr, 0);
     result.error = std::move(read.error);
     result.stopped = read.stopped;
     const bool whole = IsValueKind(kind) && (!IsAdtKind(kind) || KindOf(value) == kind);
     if (whole) result.count = itemsOf(value, kind);
     return result;
+}
+
+XmlResult XmlLoad(const std::string& filename, void* value, Kind kind) {
+    return XmlReaderOfOperations().load(filename, value, kind);
 }
 
 }  // namespace tarn

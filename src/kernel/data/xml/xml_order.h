@@ -33,13 +33,12 @@ struct XmlOrder {
     std::string advice;     // what can be done about either
     std::int32_t rows = 0;  // that are there
     bool stopped = false;   // by progress.h
-    // Of each column: no text in it has more characters. Empty when that cannot be told, because the file
-    // declares entities of its own.
+    // Of each column: the characters of its longest text.
     std::vector<std::int32_t> longest{};
 };
 // Whether every row has its fields in the order of the columns, and all of them. Where only the last ones are
 // missing, the others are still read into their columns. `columns` with names as they are in the file, which
-// must be well-formed. Cost: the file is read into memory.
+// must be well-formed. Cost: the file is read once, a line at a time.
 XmlOrder XmlCheckOrder(const std::string& filename, const std::vector<std::string>& columns,
                        const XmlRows& rows);
 

@@ -9,135 +9,135 @@ namespace tarn {
 
 namespace {
 
-bool isSymbol(std::int32_t symbol) {
-    return ScannerSymbol() == symbol;
+bool isSymbol(const XmlPass& pass, std::int32_t symbol) {
+    return pass.scan.symbol() == symbol;
 }
 
-bool expectString(XmlReader& reader) {
-    if (!XmlCheck(reader, {XmlSingleQuoted, XmlDoubleQuoted})) return false;
-    XmlNext(reader);
+bool expectString(XmlPass& pass) {
+    if (!XmlCheck(pass, {XmlSingleQuoted, XmlDoubleQuoted})) return false;
+    XmlNext(pass);
     return true;
 }
 
 // `<?xml` is the declaration only where its name ends there.
-bool isInstruction() {
-    return isSymbol(XmlInstruction) ||
-           (isSymbol(XmlDeclaration) && XmlIsNamePart(static_cast<char>(ScannerChar())));
+bool isInstruction(const XmlPass& pass) {
+    return isSymbol(pass, XmlInstruction) ||
+           (isSymbol(pass, XmlDeclaration) && XmlIsNamePart(static_cast<char>(pass.scan.character())));
 }
 
-void skipTo(XmlReader& reader, std::string_view mark) {
-    XmlSkipPast(reader, mark);
-    XmlNext(reader);
+void skipTo(XmlPass& pass, std::string_view mark) {
+    XmlSkipPast(pass, mark);
+    XmlNext(pass);
 }
 
-bool skipMisc(XmlReader& reader) {
-    if (isInstruction())
-        skipTo(reader, "?>");
-    else if (isSymbol(XmlComment))
-        XmlNext(reader);
+bool skipMisc(XmlPass& pass) {
+    if (isInstruction(pass))
+        skipTo(pass, "?>");
+    else if (isSymbol(pass, XmlComment))
+        XmlNext(pass);
     else
         return false;
     return true;
 }
 
-void declaration(XmlReader& reader) {
-    XmlNext(reader);
+void declaration(XmlPass& pass) {
+    XmlNext(pass);
     for (const std::int32_t word : {XmlVersion, XmlEncoding, XmlStandalone}) {
-        if (word != XmlVersion && !isSymbol(word)) continue;
-        XmlExpect(reader, word);
-        XmlExpect(reader, XmlEquals);
-        expectString(reader);
+        if (word != XmlVersion && !isSymbol(pass, word)) continue;
+        XmlExpect(pass, word);
+        XmlExpect(pass, XmlEquals);
+        expectString(pass);
     }
-    XmlExpect(reader, XmlInstructionEnd);
+    XmlExpect(pass, XmlInstructionEnd);
 }
 
-void externalId(XmlReader& reader) {
-    const std::int32_t strings = isSymbol(XmlPublic) ? 2 : 1;
-    XmlNext(reader);
-    for (std::int32_t i = 0; i < strings; ++i) expectString(reader);
+void externalId(XmlPass& pass) {
+    const std::int32_t strings = isSymbol(pass, XmlPublic) ? 2 : 1;
+    XmlNext(pass);
+    for (std::int32_t i = 0; i < strings; ++i) expectString(pass);
 }
 
-bool isExternalId() {
-    return isSymbol(XmlSystem) || isSymbol(XmlPublic);
+bool isExternalId(const XmlPass& pass) {
+    return isSymbol(pass, XmlSystem) || isSymbol(pass, XmlPublic);
 }
 
-void parameterReference(XmlReader& reader) {
-    const bool adjacent = XmlNameFollows();
-    XmlNext(reader);
-    const bool named = XmlCheck(reader, {XmlName});
-    if (!adjacent) XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"%\" and \"Name\"");
+void parameterReference(XmlPass& pass) {
+    const bool adjacent = XmlNameFollows(pass);
+    XmlNext(pass);
+    const bool named = XmlCheck(pass, {XmlName});
+    if (!adjacent) XmlReport(pass, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"%\" and \"Name\"");
     if (!named) return;
-    if (ScannerChar() == ';')
-        ScannerSkipBytes(1);
+    if (pass.scan.character() == ';')
+        pass.scan.skipBytes(1);
     else
-        XmlReport(reader, ERR_XML_NOT_WELL_FORMED, "%Name must be followed by \";\"");
-    XmlNext(reader);
+        XmlReport(pass, ERR_XML_NOT_WELL_FORMED, "%Name must be followed by \";\"");
+    XmlNext(pass);
 }
 
 std::string_view withoutQuotes(std::string_view text) {
     return text.size() < 2 ? std::string_view() : text.substr(1, text.size() - 2);
 }
 
-void entity(XmlReader& reader) {
-    XmlNext(reader);
-    XmlCheck(reader, {XmlPercent, XmlName});
-    const bool parameter = isSymbol(XmlPercent);
-    if (parameter) XmlNext(reader);
+void entity(XmlPass& pass) {
+    XmlNext(pass);
+    XmlCheck(pass, {XmlPercent, XmlName});
+    const bool parameter = isSymbol(pass, XmlPercent);
+    if (parameter) XmlNext(pass);
     std::string reference;
-    if (XmlCheck(reader, {XmlName})) {
-        reference = "&" + std::string(ScannerSymbolStr()) + ";";
-        XmlNext(reader);
+    if (XmlCheck(pass, {XmlName})) {
+        reference = "&" + std::string(pass.scan.symbolStr()) + ";";
+        XmlNext(pass);
     }
-    if (isExternalId()) {
-        externalId(reader);
-    } else if (XmlCheck(reader, {XmlSystem, XmlPublic, XmlSingleQuoted, XmlDoubleQuoted})) {
-        const std::string value(withoutQuotes(ScannerSymbolStr()).substr(0, MaxEntityText));
-        XmlNext(reader);
+    if (isExternalId(pass)) {
+        externalId(pass);
+    } else if (XmlCheck(pass, {XmlSystem, XmlPublic, XmlSingleQuoted, XmlDoubleQuoted})) {
+        const std::string value(withoutQuotes(pass.scan.symbolStr()).substr(0, MaxEntityText));
+        XmlNext(pass);
         if (!parameter && !reference.empty())
-            EntityAdd(reader.tables.entities, reference, value, reader.error);
+            XmlReport(pass, ERR_XML_OVERFLOW, EntityAdd(pass.tables.entities, reference, value));
     }
-    if (!parameter && isSymbol(XmlNdata)) {
-        XmlNext(reader);
-        XmlExpect(reader, XmlName);
+    if (!parameter && isSymbol(pass, XmlNdata)) {
+        XmlNext(pass);
+        XmlExpect(pass, XmlName);
     }
-    XmlExpect(reader, XmlTagEnd);
+    XmlExpect(pass, XmlTagEnd);
 }
 
-bool skipDeclaration(XmlReader& reader) {
-    if (isSymbol(XmlPercent))
-        parameterReference(reader);
-    else if (isSymbol(XmlEntity))
-        entity(reader);
-    else if (isSymbol(XmlElementDeclaration) || isSymbol(XmlAttlist) || isSymbol(XmlNotation))
-        skipTo(reader, ">");
+bool skipDeclaration(XmlPass& pass) {
+    if (isSymbol(pass, XmlPercent))
+        parameterReference(pass);
+    else if (isSymbol(pass, XmlEntity))
+        entity(pass);
+    else if (isSymbol(pass, XmlElementDeclaration) || isSymbol(pass, XmlAttlist) || isSymbol(pass, XmlNotation))
+        skipTo(pass, ">");
     else
-        return skipMisc(reader);
+        return skipMisc(pass);
     return true;
 }
 
-void doctype(XmlReader& reader) {
-    XmlNext(reader);
-    XmlExpect(reader, XmlName);
-    if (isExternalId()) externalId(reader);
-    if (isSymbol(XmlOpen)) {
-        XmlNext(reader);
-        while (!reader.stopped && skipDeclaration(reader)) {}
-        XmlExpect(reader, XmlClose);
+void doctype(XmlPass& pass) {
+    XmlNext(pass);
+    XmlExpect(pass, XmlName);
+    if (isExternalId(pass)) externalId(pass);
+    if (isSymbol(pass, XmlOpen)) {
+        XmlNext(pass);
+        while (!pass.stopped && skipDeclaration(pass)) {}
+        XmlExpect(pass, XmlClose);
     }
-    XmlExpect(reader, XmlTagEnd);
+    XmlExpect(pass, XmlTagEnd);
 }
 
 }  // namespace
 
-void XmlMisc(XmlReader& reader) {
-    while (!reader.stopped && skipMisc(reader)) {}
+void XmlMisc(XmlPass& pass) {
+    while (!pass.stopped && skipMisc(pass)) {}
 }
 
-void XmlProlog(XmlReader& reader) {
-    if (isSymbol(XmlDeclaration) && !isInstruction()) declaration(reader);
-    XmlMisc(reader);
-    if (isSymbol(XmlDoctype)) doctype(reader);
-    XmlMisc(reader);
+void XmlProlog(XmlPass& pass) {
+    if (isSymbol(pass, XmlDeclaration) && !isInstruction(pass)) declaration(pass);
+    XmlMisc(pass);
+    if (isSymbol(pass, XmlDoctype)) doctype(pass);
+    XmlMisc(pass);
 }
 
 }  // namespace tarn

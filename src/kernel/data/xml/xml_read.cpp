@@ -1,22 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A whole read, and the steps that the modules of the reader are made of. The data goes into a fresh value of
-// the target's shape, which takes the target's place at the end: a read that is stopped changes nothing.
-#include "kernel/data/elements.h"
+// A whole read. The data goes into a fresh value of the target's shape, which takes the target's place at the
+// end.
 #include "kernel/data/fresh.h"
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/xml/xml_reader_internal.h"
-#include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/tables/tables.h"
-#include "kernel/values/sets.h"
 #include "os/files.h"
 
-#include <cstring>
-#include <memory>
 #include <new>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace tarn {
 
@@ -61,14 +58,6 @@ constexpr std::string_view prologWords[] = {"version", "encoding", "standalone",
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-class OpenScanner {
-public:
-    OpenScanner() = default;
-    ~OpenScanner() { ScannerClose(); }
-    OpenScanner(const OpenScanner&) = delete;
-    OpenScanner& operator=(const OpenScanner&) = delete;
-};
-
 std::int32_t codeOf(os::FileError error) {
     switch (error) {
     case os::FileError::Vanished: return ERR_FILE_VANISHED;
@@ -78,96 +67,142 @@ std::int32_t codeOf(os::FileError error) {
 }
 
 void fillTables(XmlTables& tables) {
+    tables.symbols = {};
     for (const auto& symbol : symbols) SymbolAdd(&tables.symbols, symbol.id, symbol.key, symbol.terminator);
     EntityInit(tables.entities);
 }
 
 // ---- the document ----
 
-void skipByteOrderMark(XmlReader& reader) {
-    if (ScannerLine().substr(0, byteOrderMark.size()) != byteOrderMark) return;
-    for (std::size_t i = 0; i < byteOrderMark.size(); ++i) XmlNext(reader);
+void skipByteOrderMark(XmlPass& pass) {
+    if (pass.scan.line().substr(0, byteOrderMark.size()) != byteOrderMark) return;
+    for (std::size_t i = 0; i < byteOrderMark.size(); ++i) XmlNext(pass);
 }
 
-void checkEnd(XmlReader& reader) {
-    XmlNext(reader);
-    XmlMisc(reader);
-    if (ScannerSymbol() == SymbolEndOfFile) return;
-    std::string found(ScannerSymbolStr());
-    const bool tag = ScannerSymbol() == XmlTag;
-    if (tag) XmlNext(reader);
-    if (!tag || ScannerSymbol() != XmlName)
-        return XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
+void checkEnd(XmlPass& pass) {
+    XmlNext(pass);
+    XmlMisc(pass);
+    if (pass.scan.symbol() == SymbolEndOfFile) return;
+    std::string found(pass.scan.symbolStr());
+    const bool tag = pass.scan.symbol() == XmlTag;
+    if (tag) XmlNext(pass);
+    if (!tag || pass.scan.symbol() != XmlName)
+        return XmlReport(pass, ERR_XML_NOT_WELL_FORMED,
                          "Found unexpected symbol \"" + found + "\" following the final end tag");
-    found = ScannerSymbolStr();
-    XmlReport(reader, ERR_XML_NOT_WELL_FORMED,
+    found = pass.scan.symbolStr();
+    XmlReport(pass, ERR_XML_NOT_WELL_FORMED,
               "Found unexpected element \"" + found +
                   "\" following the final end tag, this may be caused by an XML document with multiple "
                   "elements and no outer element");
 }
 
-void readDocument(XmlReader& reader, XmlTarget target, std::string& typeText) {
-    skipByteOrderMark(reader);
-    XmlProlog(reader);
-    if (reader.stopped) return;
-    if (!XmlCheck(reader, {XmlTag})) return;
-    for (const std::string_view word : prologWords) SymbolRemove(&reader.tables.symbols, word);
-    XmlElementResult root;
-    XmlElement(reader, target, root);
-    typeText = std::move(root.typeText);
-    if (!reader.ended()) checkEnd(reader);
+// Up to the `<` of the outermost element; false when there is none.
+bool readHead(XmlPass& pass) {
+    skipByteOrderMark(pass);
+    XmlProlog(pass);
+    if (pass.stopped || !XmlCheck(pass, {XmlTag})) return false;
+    for (const std::string_view word : prologWords) SymbolRemove(&pass.tables.symbols, word);
+    return true;
 }
 
-void cutTypeText(XmlReader& reader, std::string& typeText, std::int32_t size) {
+void readDocument(XmlPass& pass, XmlTarget target, std::string& typeText) {
+    if (!readHead(pass)) return;
+    XmlElementResult root;
+    XmlElement(pass, target, root);
+    typeText = std::move(root.typeText);
+    if (!pass.ended()) checkEnd(pass);
+}
+
+void cutTypeText(XmlPass& pass, std::string& typeText, std::int32_t size) {
     const std::size_t most = size > 0 ? static_cast<std::size_t>(size - 1) : 0;
     if (typeText.size() <= most) return;
     typeText.resize(most);
-    XmlReport(reader, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
+    XmlReport(pass, ERR_XML_TOO_COMPLEX, "XML file structure is too large or too deeply nested");
 }
 
-XmlReadResult readFile(const std::string& filename, XmlTarget target, std::string* typeText,
-                       std::int32_t typeTextSize, XmlTableForm form) {
+}  // namespace
+
+// ---- the reader ----
+
+struct XmlReader::Work {
+    Scanner scan;
+    XmlTables tables;
+    std::optional<XmlPass> pass;    // the one that goes on
+    std::vector<std::size_t> open;  // of a walk: where the names of the open elements begin in it
+    enum class Place { Head, Content, End } place = Place::Head;  // of a walk
+};
+
+XmlReader::XmlReader() noexcept = default;
+XmlReader::~XmlReader() = default;
+
+// The memory to work in, once.
+bool XmlReader::prepare() {
+    if (work_ == nullptr) work_.reset(new (std::nothrow) Work);
+    return work_ != nullptr;
+}
+
+// Opens the file; nothing is done when there is an error.
+XmlReadResult XmlReading::begin() const {
     XmlReadResult result;
-    if (!ScannerInputFilename().empty()) {
+    if (reader.reading_) {
         result.error = XmlFailure(ERR_FILE_READ, "Only one XML file can be read at a time");
         return result;
     }
     const os::FileInfo info = os::infoOf(os::native(filename));
-    if (info.special) {
-        result.error = XmlFailure(ERR_FILE_READ);
+    if (info.special || !reader.prepare()) {
+        result.error = XmlFailure(info.special ? ERR_FILE_READ : ERR_OUT_OF_MEMORY);
+        result.fileError = info.special ? os::FileError::ReadFailed : os::FileError::None;
         return result;
     }
-    const auto tables = std::make_unique<XmlTables>();
-    fillTables(*tables);
-    XmlReader reader{*tables, typeText != nullptr, form};
-    reader.size = info.size;
-    const OpenScanner open;
-    ScannerReportStatus(ScannerOpen(filename, &tables->symbols, false), reader.error);
-    if (!ScannerInputFilename().empty()) {
+    XmlReader::Work& work = *reader.work_;
+    fillTables(work.tables);
+    XmlPass& pass = work.pass.emplace(
+        XmlPass{work.scan, work.tables, typeText != nullptr, form, events, characters});
+    pass.size = info.size;
+    work.open.clear();
+    work.place = XmlReader::Work::Place::Head;
+    reader.reading_ = true;
+    work.scan.reportStatus(work.scan.open(filename, &work.tables.symbols, false), pass.error);
+    return result;
+}
+
+XmlReadResult XmlReading::end(XmlReader& reader) {
+    XmlPass& pass = *reader.work_->pass;
+    if (pass.memory.code != 0) pass.error = std::move(pass.memory);
+    // What looks like the end of the file may be this.
+    const os::FileError fileError = pass.scan.fileError();
+    if (fileError != os::FileError::None) pass.error = XmlFailure(codeOf(fileError));
+    XmlReadResult result{std::move(pass.error), pass.stopped, std::move(pass.lost), fileError};
+    pass.scan.close();
+    reader.work_->pass.reset();
+    reader.reading_ = false;
+    return result;
+}
+
+XmlReadResult XmlReading::readFile(XmlTarget target) const {
+    const XmlReadResult begun = begin();
+    if (begun.error.code != 0) return begun;
+    XmlPass& pass = *reader.work_->pass;
+    if (pass.scan.isOpen()) {
         std::string found;
-        readDocument(reader, target, found);
-        if (typeText != nullptr && !reader.stopped) {
+        readDocument(pass, target, found);
+        if (typeText != nullptr && !pass.stopped) {
             *typeText = std::move(found);
-            cutTypeText(reader, *typeText, typeTextSize);
+            cutTypeText(pass, *typeText, typeTextSize);
         }
     }
-    const bool lacksMemory = reader.memory.code != 0;
-    if (lacksMemory) reader.error = std::move(reader.memory);
-    // What looks like the end of the file may be this.
-    if (ScannerFileError() != os::FileError::None) reader.error = XmlFailure(codeOf(ScannerFileError()));
-    return {std::move(reader.error), reader.stopped, std::move(reader.lost)};
+    return end(reader);
 }
 
 // A file that could not be read to its end, a user who stops, rows that cannot be written and a table form
 // that the file has not leave the value as it was.
-XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std::string* typeText,
-                        std::int32_t typeTextSize, XmlTableForm form) {
+XmlReadResult XmlReading::readFresh(void* value, Kind kind) const {
     FreshValue fresh(value, kind);
     XmlReadResult result;
     std::int32_t code = TakeError();
     if (code == 0) {
-        result = readFile(filename, {fresh.get(), kind}, typeText, typeTextSize, form);
-        const bool whole = ScannerFileError() == os::FileError::None && !result.stopped;
+        result = readFile({fresh.get(), kind});
+        const bool whole = result.fileError == os::FileError::None && !result.stopped;
         const bool failed = IsFileFailure(result.error.code) || IsMemoryError(result.error.code);
         const bool otherForm = form != XmlTableForm::Rows && result.lost.code != 0;
         if (whole && !failed && !otherForm && !fresh.replaceTarget()) code = TakeError();
@@ -176,101 +211,95 @@ XmlReadResult readFresh(const std::string& filename, void* value, Kind kind, std
     return result;
 }
 
-}  // namespace
-
-// ---- steps ----
-
-ErrorRecord XmlFailure(std::int32_t code, std::string_view message) {
-    return {code, 0, 0, std::string(message.empty() ? std::string_view(ErrorText(code)) : message)};
-}
-
-void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message) {
-    if (IsMemoryError(code))
-        ReportError(reader.memory, code, ScannerLineNumber(), ScannerPosition(), message);
-    ReportError(reader.error, code, ScannerLineNumber(), ScannerPosition(), message);
-}
-
-void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element) {
-    if (reader.lost.code != 0) return;
-    const std::string message = std::string(what).append(" of element '").append(element);
-    ReportError(reader.lost, ERR_XML_DATA, ScannerLineNumber(), ScannerPosition(),
-                message + "' cannot be loaded, fields are expected there");
-}
-
-void XmlNoteFinding(XmlReader& reader, ScanStatus status) {
-    ScannerReportStatus(status, reader.error);
-    const std::int64_t done = ScannerBytesRead();
-    if (done - reader.shown < ProgressStep) return;
-    reader.shown = done;
-    if (!Progress(done, reader.size)) reader.stopped = true;
-}
-
-bool XmlIsUnopened(const void* value, Kind kind) {
-    if (kind != KindList && kind != KindTable) return false;
-    return value != nullptr && KindOf(value) == kind && IsUnopenedFile(value, kind);
-}
-
-void XmlReportSymbol(XmlReader& reader) {
-    OwnedSet none;
-    SetInit(none.get(), 0, MaxSymbols);
-    ScannerCheckSymbol(&reader.tables.symbols, ScannerSymbol(), none.get(), reader.error);
-    TakeError();
-}
-
-bool XmlExpect(XmlReader& reader, std::int32_t symbol) {
-    if (!XmlCheck(reader, {symbol})) return false;
-    XmlNext(reader);
-    return true;
-}
-
-bool XmlNameFollows() {
-    return !isByte(ScannerChar(), ByteBlank) && ScannerChar() != LineEnd;
-}
-
-bool XmlSkipPast(XmlReader& reader, std::string_view mark) {
-    for (;;) {
-        std::string_view rest = ScannerRemainder();
-        rest = rest.substr(0, rest.find(static_cast<char>(EndOfFileMark)));
-        const std::size_t found = rest.find(mark);
-        if (found != std::string_view::npos) {
-            ScannerSkipBytes(static_cast<std::int32_t>(found + mark.size()));
-            return true;
-        }
-        ScannerSkipBytes(static_cast<std::int32_t>(rest.size()));
-        if (ScannerChar() != LineEnd) return false;
-        XmlNoteStatus(reader, ScannerSkipChar());
-        if (reader.stopped) return false;
-    }
-}
-
-// ---- reads ----
-
-XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
-                      std::int32_t typeTextSize, XmlTableForm form) {
+XmlReadResult XmlReading::read(void* value, Kind kind) const {
     XmlReadResult result;
     if (typeText != nullptr) typeText->clear();
     if (filename.empty()) return result;
     const ErrorCellAside aside;
-    if (value != nullptr && !IsValueKind(kind)) {
+    if (value == nullptr) return readFile({});
+    if (!IsValueKind(kind))
         result.error = XmlFailure(ERR_UNIDENTIFIABLE);
-    } else if (XmlIsUnopened(value, kind)) {
+    else if (XmlIsUnopened(value, kind))
         result.error = XmlFailure(ERR_FILE_NOT_OPEN);
-    } else if (value == nullptr) {
-        result = readFile(filename, {}, typeText, typeTextSize, form);
-    } else {
-        result = readFresh(filename, value, kind, typeText, typeTextSize, form);
-    }
+    else
+        result = readFresh(value, kind);
     return result;
+}
+
+XmlReadResult XmlReader::read(const std::string& filename, void* value, Kind kind, std::string* typeText,
+                              std::int32_t typeTextSize) {
+    return XmlReading{*this, filename, typeText, typeTextSize}.read(value, kind);
+}
+
+// ---- walks ----
+
+namespace {
+
+// The start tag of the outermost element. False when nothing follows.
+bool enterDocument(XmlPass& pass, std::vector<std::size_t>& open) {
+    if (!pass.scan.isOpen() || !readHead(pass)) return false;
+    XmlElementResult none;
+    XmlGivenFields given;
+    if (XmlStartElement(pass, {}, none, given)) {
+        open.push_back(0);
+        return true;
+    }
+    pass.events->end();
+    if (!pass.ended()) checkEnd(pass);
+    return false;
+}
+
+}  // namespace
+
+ErrorRecord XmlReader::startWalk(const std::string& filename, XmlEvents& events, XmlCharacters characters) {
+    const ErrorCellAside aside;
+    return XmlReading{*this, filename, nullptr, 0, XmlTableForm::Rows, &events, characters}.begin().error;
+}
+
+bool XmlReader::walkOn(std::int32_t depth) {
+    using Place = Work::Place;
+    if (!reading_ || work_->place == Place::End) return false;
+    const ErrorCellAside aside;
+    XmlPass& pass = *work_->pass;
+    const bool inside = work_->place == Place::Content || enterDocument(pass, work_->open);
+    work_->place = Place::Content;
+    if (inside && XmlWalk(pass, work_->open, static_cast<std::size_t>(depth))) return true;
+    work_->place = Place::End;
+    if (inside && !pass.ended()) checkEnd(pass);
+    return false;
+}
+
+XmlReadResult XmlReader::endWalk() {
+    if (!reading_) return {};
+    const ErrorCellAside aside;
+    return XmlReading::end(*this);
+}
+
+XmlReadResult XmlReader::walk(const std::string& filename, XmlEvents& events, XmlCharacters characters) {
+    XmlReadResult result;
+    if (filename.empty()) return result;
+    result.error = startWalk(filename, events, characters);
+    if (result.error.code != 0) return result;
+    while (walkOn(1)) {}
+    return endWalk();
+}
+
+// ---- the reader of the operations ----
+
+XmlReader& XmlReaderOfOperations() {
+    static XmlReader reader;
+    return reader;
 }
 
 ErrorRecord XmlRead(const std::string& filename, std::int32_t, void* value, Kind kind, std::string* typeText,
                     std::int32_t typeTextSize) {
-    return ReadXml(filename, value, kind, typeText, typeTextSize).error;
+    return XmlReaderOfOperations().read(filename, value, kind, typeText, typeTextSize).error;
 }
 
 XmlStructure XmlDiscover(const std::string& filename, std::int32_t typeTextSize) {
     XmlStructure found;
-    XmlReadResult result = ReadXml(filename, nullptr, KindNone, &found.typeText, typeTextSize);
+    XmlReadResult result =
+        XmlReaderOfOperations().read(filename, nullptr, KindNone, &found.typeText, typeTextSize);
     found.error = std::move(result.error);
     found.stopped = result.stopped;
     return found;

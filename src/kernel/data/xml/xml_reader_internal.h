@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the modules of the XML reader share: the state of the one read that goes on, and the steps that they
-// are made of. The grammar is spread as: xml_prolog.cpp (up to the first element), xml_element.cpp (tags and
+// What the modules of the XML reader share: the state of one read, and the steps that they are made of. The grammar is spread as: xml_prolog.cpp (up to the first element), xml_element.cpp (tags and
 // attributes), xml_content.cpp (what stands between tags); xml_bind.cpp puts data into values and
 // xml_types.cpp makes type information text of the structure.
 //
 // Errors that operations on values leave in the error cell are taken from there into the record at once:
-// `ReadXml` puts the cell aside for the whole read.
+// `XmlReading` puts the cell aside for the whole read.
 #pragma once
 
 #include "kernel/data/scanner/scanner.h"
 #include "kernel/data/scanner/scanner_bytes.h"
 #include "kernel/data/xml/xml.h"
 #include "kernel/data/xml/xml_entities.h"
+#include "kernel/data/xml/xml_reader.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/progress.h"
 #include "kernel/values/adt.h"
@@ -25,6 +25,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 namespace tarn {
 
@@ -82,10 +83,14 @@ struct XmlTables {
     EntityTable entities;
 };
 
-struct XmlReader {
+// One read of one file.
+struct XmlPass {
+    Scanner& scan;
     XmlTables& tables;
     bool discover;  // the structure is wanted
     XmlTableForm form = XmlTableForm::Rows;
+    XmlEvents* events = nullptr;  // of a walk; then there is no value
+    XmlCharacters characters = XmlCharacters::Bytes;
     ErrorRecord error{};
     ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
@@ -142,37 +147,37 @@ struct XmlElementResult {
 // ---- steps (xml_read.cpp) ----
 
 // At the place of the scanner.
-void XmlReport(XmlReader& reader, std::int32_t code, std::string_view message);
+void XmlReport(XmlPass& pass, std::int32_t code, std::string_view message);
 // Without a place; the message is the text of the code when it is empty.
 ErrorRecord XmlFailure(std::int32_t code, std::string_view message = {});
 // What an element holds has no place in the value. That is no error of the read, but a table may be read in
 // another form.
-void XmlNoteLost(XmlReader& reader, std::string_view what, std::string_view element);
+void XmlNoteLost(XmlPass& pass, std::string_view what, std::string_view element);
 // What a move of the scanner found; in a new line it also tells how far the read is, from time to time.
-void XmlNoteFinding(XmlReader& reader, ScanStatus status);
-inline void XmlNoteStatus(XmlReader& reader, ScanStatus status) {
-    const bool far = ScannerBytesRead() - reader.shown >= ProgressStep;
-    if ((status != ScanClean && status != ScanNewLine) || far) XmlNoteFinding(reader, status);
+void XmlNoteFinding(XmlPass& pass, ScanStatus status);
+inline void XmlNoteStatus(XmlPass& pass, ScanStatus status) {
+    const bool far = pass.scan.bytesRead() - pass.shown >= ProgressStep;
+    if ((status != ScanClean && status != ScanNewLine) || far) XmlNoteFinding(pass, status);
 }
-inline void XmlNext(XmlReader& reader) {
-    const ScanStatus status = ScannerNext(&reader.tables.symbols);
-    if (status != ScanClean) XmlNoteStatus(reader, status);
+inline void XmlNext(XmlPass& pass) {
+    const ScanStatus status = pass.scan.next(&pass.tables.symbols);
+    if (status != ScanClean) XmlNoteStatus(pass, status);
 }
-void XmlReportSymbol(XmlReader& reader);
+void XmlReportSymbol(XmlPass& pass);
 // False, and reported, when the symbol is none of these.
-inline bool XmlCheck(XmlReader& reader, std::initializer_list<std::int32_t> allowed) {
-    const std::int32_t found = ScannerSymbol();
+inline bool XmlCheck(XmlPass& pass, std::initializer_list<std::int32_t> allowed) {
+    const std::int32_t found = pass.scan.symbol();
     for (const std::int32_t symbol : allowed)
         if (found == symbol) return true;
-    XmlReportSymbol(reader);
+    XmlReportSymbol(pass);
     return false;
 }
 // Checks the symbol and scans on if it is the one.
-bool XmlExpect(XmlReader& reader, std::int32_t symbol);
+bool XmlExpect(XmlPass& pass, std::int32_t symbol);
 // Before a name is scanned: false when a blank stands there.
-bool XmlNameFollows();
+bool XmlNameFollows(const XmlPass& pass);
 // Passes over everything up to and including `mark`; false at the end of the file.
-bool XmlSkipPast(XmlReader& reader, std::string_view mark);
+bool XmlSkipPast(XmlPass& pass, std::string_view mark);
 // A list or a table that is held in a file and not open.
 bool XmlIsUnopened(const void* value, Kind kind);
 inline bool XmlIsNameStart(char c) {
@@ -194,11 +199,16 @@ inline bool XmlIsBlank(std::string_view text) {
 
 // ---- the grammar ----
 
-void XmlProlog(XmlReader& reader);
+void XmlProlog(XmlPass& pass);
 // Processing instructions and comments. The symbol `<?xml` counts as one where its name goes on.
-void XmlMisc(XmlReader& reader);
-// From behind the `<` to behind the element. The name stays in `reader.names`.
-void XmlElement(XmlReader& reader, XmlTarget target, XmlElementResult& result);
+void XmlMisc(XmlPass& pass);
+struct XmlGivenFields;
+// From behind the `<` to behind the element. The name stays in `pass.names`.
+void XmlElement(XmlPass& pass, XmlTarget target, XmlElementResult& result);
+// Its parts: the start tag, true when content follows; and the end tag, from behind the `</` to the `>`, of
+// the element whose name begins there in `pass.names`.
+bool XmlStartElement(XmlPass& pass, XmlTarget target, XmlElementResult& result, XmlGivenFields& given);
+void XmlReadEndTag(XmlPass& pass, std::size_t name);
 
 // What the attributes of an element gave to its target: they give way to content.
 struct XmlGivenFields {
@@ -206,33 +216,37 @@ struct XmlGivenFields {
     std::int32_t count = 0;
     bool failed = false;    // one of them left the error in the record
     bool unplaced = false;  // there are some, and no record to take them
-    void giveWay(XmlReader& reader);
+    void giveWay(XmlPass& pass);
 };
 // From behind the start tag to behind the `</`; false, and reported, when there is none. `name` begins there
-// in `reader.names`. `typeText` is what the content alone says.
-bool XmlContent(XmlReader& reader, XmlTarget target, XmlGivenFields& given, std::size_t name,
+// in `pass.names`. `typeText` is what the content alone says.
+bool XmlContent(XmlPass& pass, XmlTarget target, XmlGivenFields& given, std::size_t name,
                 std::string& typeText);
+
+// Goes on with a walk to behind the end of an element that stands `depth` deep. False at the end of the
+// outermost, and where what follows cannot be read. `open`: where the names of the open elements begin.
+bool XmlWalk(XmlPass& pass, std::vector<std::size_t>& open, std::size_t depth);
 
 // A reference at the head of a text: '&' and then a name or '#'.
 struct XmlReference {
     std::size_t length = 0;        // of what was read
-    std::string_view replacement;  // points into the table of entities, or to `byte`
+    std::string_view replacement;  // points into the table of entities, or to `character`
     std::string message;           // "" or what is wrong
-    char byte = 0;
+    std::array<char, 4> character{};
 };
 bool XmlIsReference(std::string_view text);
-void XmlReadReference(const XmlReader& reader, std::string_view text, XmlReference& reference);
+void XmlReadReference(const XmlPass& pass, std::string_view text, XmlReference& reference);
 
 // ---- binding (xml_bind.cpp) ----
 
-void XmlBindText(XmlReader& reader, XmlTarget target, std::string_view text);
+void XmlBindText(XmlPass& pass, XmlTarget target, std::string_view text);
 
 // Finds a place for each child of an element, and adds it.
 class XmlChildren {
 public:
-    XmlChildren(XmlReader& reader, XmlTarget target)
-        : reader_(reader), target_(target), fields_(target),
-          form_(reader.depth == 0 ? reader.form : XmlTableForm::Rows) {}
+    XmlChildren(XmlPass& pass, XmlTarget target)
+        : pass_(pass), target_(target), fields_(target),
+          form_(pass.depth == 0 ? pass.form : XmlTableForm::Rows) {}
     ~XmlChildren();
     XmlChildren(const XmlChildren&) = delete;
     XmlChildren& operator=(const XmlChildren&) = delete;
@@ -262,7 +276,7 @@ private:
     std::int32_t addToArray(std::int32_t n, std::string_view index);
     void report(std::int32_t code, std::int32_t n, std::string_view parent, std::string_view child);
 
-    XmlReader& reader_;
+    XmlPass& pass_;
     XmlTarget target_;
     XmlFields fields_;
     XmlTableForm form_;
@@ -280,14 +294,14 @@ private:
 // The type text of an element, child by child. Texts stop growing behind MaxXmlTypeText; the element tells.
 class XmlTypes {
 public:
-    void add(XmlReader& reader, std::string_view parent, std::string_view child, std::int32_t firstLine,
+    void add(XmlPass& pass, std::string_view parent, std::string_view child, std::int32_t firstLine,
              XmlElementResult& result);
     // `text`: the character data, which counts where there are no children.
     std::string finish(std::string_view name, std::string_view text) const;
 
 private:
-    void addField(XmlReader& reader, std::string_view parent, std::string_view child, std::string_view text);
-    void addElement(XmlReader& reader, std::string_view child, std::int32_t firstLine,
+    void addField(XmlPass& pass, std::string_view parent, std::string_view child, std::string_view text);
+    void addElement(XmlPass& pass, std::string_view child, std::int32_t firstLine,
                     const std::string& text);
 
     std::int32_t children_ = 0;
@@ -302,12 +316,26 @@ void XmlAppendDeeper(std::string& to, std::string_view text);
 
 // ---- whole reads (xml_read.cpp) ----
 
-struct XmlReadResult {
-    ErrorRecord error;
-    bool stopped = false;
-    ErrorRecord lost{};
+struct XmlReading {
+    XmlReader& reader;
+    const std::string& filename;
+    std::string* typeText = nullptr;
+    std::int32_t typeTextSize = 0;
+    XmlTableForm form = XmlTableForm::Rows;
+    XmlEvents* events = nullptr;
+    XmlCharacters characters = XmlCharacters::Bytes;
+
+    [[nodiscard]] XmlReadResult read(void* value, Kind kind) const;
+
+    // The parts of a read: the file is opened, unless there is an error; and what the reader has read, closed.
+    [[nodiscard]] XmlReadResult begin() const;
+    static XmlReadResult end(XmlReader& reader);
+
+private:
+    [[nodiscard]] XmlReadResult readFile(XmlTarget target) const;
+    [[nodiscard]] XmlReadResult readFresh(void* value, Kind kind) const;
 };
-XmlReadResult ReadXml(const std::string& filename, void* value, Kind kind, std::string* typeText,
-                      std::int32_t typeTextSize, XmlTableForm form = XmlTableForm::Rows);
+// That of the operations in xml.h.
+XmlReader& XmlReaderOfOperations();
 
 }  // namespace tarn

@@ -47,7 +47,7 @@ XmlResult resultOf(XmlReadResult&& read) {
 
 // Values that stand in attributes are records of one field to the reader.
 XmlResult loadValues(const std::string& filename, TableDescriptor* table) {
-    XmlReadResult read = ReadXml(filename, table, KindTable, nullptr, 0, XmlTableForm::Values);
+    XmlReadResult read = XmlReading{XmlReaderOfOperations(), filename, nullptr, 0, XmlTableForm::Values}.read(table, KindTable);
     if (read.lost.code != 0) return XmlLoad(filename, table, KindTable);
     XmlResult result = resultOf(std::move(read));
     if (!result.stopped) result.count = TableCount(table);
@@ -60,9 +60,10 @@ XmlResult loadSingle(const std::string& filename, TableDescriptor* table) {
     Row row(table);
     note(result, TakeError());
     if (result.error.code != 0) return result;
-    XmlReadResult read = ReadXml(filename, row.get(), KindRecord, nullptr, 0);
+    XmlReader& reader = XmlReaderOfOperations();
+    XmlReadResult read = reader.read(filename, row.get(), KindRecord, nullptr, 0);
     if (read.lost.code != 0 && FieldCountOf(row.get()->kinds) == 1)
-        read = ReadXml(filename, row.field(), row.kind(), nullptr, 0);
+        read = reader.read(filename, row.field(), row.kind(), nullptr, 0);
     result = resultOf(std::move(read));
     if (!result.stopped) row.addTo(table, result);
     return result;

@@ -117,17 +117,17 @@ void XmlAppendDeeper(std::string& to, std::string_view text) {
     }
 }
 
-void XmlTypes::addField(XmlReader& reader, std::string_view parent, std::string_view child,
+void XmlTypes::addField(XmlPass& pass, std::string_view parent, std::string_view child,
                         std::string_view text) {
     if (!names_.insert(ascii::lowered(child)).second)
-        return XmlReport(reader, ERR_XML_DATA,
+        return XmlReport(pass, ERR_XML_DATA,
                          "Element '" + std::string(child) + "' occurred multiple times in the record '" +
                              std::string(parent) + "'");
     if (text_.size() <= most) text_.append(fieldText(child, text));
 }
 
 // One that holds nothing has no text, but its name must be that of the others, too.
-void XmlTypes::addElement(XmlReader& reader, std::string_view child, std::int32_t firstLine,
+void XmlTypes::addElement(XmlPass& pass, std::string_view child, std::int32_t firstLine,
                           const std::string& text) {
     constexpr std::size_t mostSeen = 100;
     if (broken_ || text_.size() > most) return;
@@ -141,17 +141,17 @@ void XmlTypes::addElement(XmlReader& reader, std::string_view child, std::int32_
     }
     broken_ = !report.empty();
     if (broken_) {
-        const std::int32_t line = ScannerLineNumber();
+        const std::int32_t line = pass.scan.lineNumber();
         if (line != firstLine)
             report += ", between line " + std::to_string(firstLine) + " and " + std::to_string(line);
-        return XmlReport(reader, ERR_XML_DATA, report);
+        return XmlReport(pass, ERR_XML_DATA, report);
     }
     text_ = std::move(merged);
     if (seen_.size() == mostSeen) seen_.clear();
     seen_.insert(text);
 }
 
-void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view child, std::int32_t firstLine,
+void XmlTypes::add(XmlPass& pass, std::string_view parent, std::string_view child, std::int32_t firstLine,
                    XmlElementResult& result) {
     if (!result.typeAttribute.empty()) applyTypeAttribute(result.typeText, child, result.typeAttribute);
     ++children_;
@@ -166,9 +166,9 @@ void XmlTypes::add(XmlReader& reader, std::string_view parent, std::string_view 
         names_.insert(ascii::lowered(first_));
     }
     if (list_)
-        addElement(reader, child, firstLine, result.typeText);
+        addElement(pass, child, firstLine, result.typeText);
     else
-        addField(reader, parent, child, result.typeText);
+        addField(pass, parent, child, result.typeText);
 }
 
 std::string XmlTypes::finish(std::string_view name, std::string_view text) const {
