@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace tarn {
 
@@ -147,6 +148,7 @@ void ClearMirror(IndexMirror& mirror) {
     dropShortcuts(mirror);
     std::memset(At(mirror.entries), 0, static_cast<std::size_t>(mirror.entryCount * entryBytes));
     mirror.root = 0;
+    mirror.walk.count = 0;
 }
 
 namespace {
@@ -214,25 +216,74 @@ std::string CheckMirror(const IndexTree& index) {
 
 // ---- searches ----
 
+namespace {
+
+// Where a search in a mirrored tree stands.
+struct Descent {
+    MirrorTree tree;
+    MirrorTree::Key key;
+    IndexPath* path;
+    Ref next;
+    Descent(const IndexTree& index, const KeyView& view, IndexPath& way)
+        : tree(index), key(mirrorKey(view)), path(&way), next(tree.root()) {
+        way.depth = 0;
+        way.found = false;
+    }
+    // False for a tree that is too deep.
+    bool step() {
+        if (path->depth == MaxTreeDepth) return false;
+        next = tree.stepDown(key, *path, next);
+        return true;
+    }
+    [[nodiscard]] bool isPrepared() const { return path->found || PrepareLink(tree, *path); }
+};
+
+}  // namespace
+
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path) {
     if (index.mirror == nullptr) return FindKey(*index.root, key, path);
-    const MirrorTree tree(index);
-    return (FindPath(tree, mirrorKey(key), path) && (path.found || PrepareLink(tree, path))) || damaged();
+    Descent descent(index, key, path);
+    while (descent.next != 0) {
+        if (!descent.step()) return damaged();
+    }
+    return descent.isPrepared() || damaged();
 }
 
+namespace {
+
+// A step in each tree in turn, so that their waits for memory overlap.
+bool findMirrored(const TreeSearch* searches, std::int32_t count) {
+    std::optional<Descent> descents[MaxIndexes];
+    for (std::int32_t i = 0; i < count; ++i)
+        descents[i].emplace(searches[i].index, *searches[i].key, *searches[i].path);
+    for (bool going = true; going;) {
+        going = false;
+        for (std::int32_t i = 0; i < count; ++i) {
+            Descent& descent = *descents[i];
+            if (descent.next == 0) continue;
+            if (!descent.step()) return damaged();
+            going = true;
+        }
+    }
+    return std::all_of(descents, descents + count,
+                       [](const auto& descent) { return descent->isPrepared() || damaged(); });
+}
+
+}  // namespace
+
 bool FindKeys(const TreeSearch* searches, std::int32_t count) {
-    const bool plainOnly = std::none_of(
-        searches, searches + count, [](const TreeSearch& search) { return search.index.mirror != nullptr; });
-    if (plainOnly) {
+    const auto mirrored = [](const TreeSearch& search) { return search.index.mirror != nullptr; };
+    if (count == 1) return FindKey(searches[0].index, *searches[0].key, *searches[0].path);
+    if (std::all_of(searches, searches + count, mirrored)) return findMirrored(searches, count);
+    if (std::none_of(searches, searches + count, mirrored)) {
         KeySearch plain[MaxIndexes];
         for (std::int32_t i = 0; i < count; ++i)
             plain[i] = {searches[i].index.root, searches[i].key, searches[i].path};
         return FindKeys(plain, count);
     }
-    for (std::int32_t i = 0; i < count; ++i) {
-        if (!FindKey(searches[i].index, *searches[i].key, *searches[i].path)) return false;
-    }
-    return true;
+    return std::all_of(searches, searches + count, [](const TreeSearch& search) {
+        return FindKey(search.index, *search.key, *search.path);
+    });
 }
 
 bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row) {
@@ -246,10 +297,9 @@ bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, s
     const MirrorTree tree(index);
     Ref found = 0;
     bool whole = false;
-    if (seek.end != 0)
-        whole = FindEnd(tree, seek.end > 0, found);
-    else if (seek.nearest != 0)
-        whole = FindNearest(tree, seek, mirrorKey(key), found);
+    if (seek.end != 0 || seek.nearest != 0)
+        whole = SeekOnWalk(tree, index.mirror->walk, seek, {seek.end != 0 ? KeyHead() : HeadOfKey(key), key},
+                           found);
     else
         whole = findEqual(index, tree, key, found);
     row = static_cast<std::int32_t>(found);
@@ -278,6 +328,7 @@ void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key,
     tree.enter(row, head.bits, node);
     LinkAt(tree, path, row);
     IndexMirror& mirror = *index.mirror;
+    mirror.walk.count = 0;
     if (mirror.shortcuts == 0) return;
     if (NodeRow(node) > mirror.lineCount * rowsOfLine) return dropShortcuts(mirror);
     Shortcuts(mirror, HashOfKey(key, head)).put(row);
@@ -290,6 +341,7 @@ void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key) {
     if (index.mirror->shortcuts != 0) Shortcuts(*index.mirror, key).forget(row);
     UnlinkAt(tree, path);
     tree.leave(row);
+    index.mirror->walk.count = 0;
 }
 
 void FreeTree(const IndexTree& index) {

@@ -37,12 +37,24 @@ struct MirrorEntry {
     std::uint64_t head, links;
 };
 
+// Where the last search for a neighbour, or for an end, got to, and the rows that come next on its way: a walk
+// through the keys goes from node to node, and the rows can be fetched before they are wanted. Any change of the
+// tree ends it.
+struct TreeWalk {
+    static constexpr std::int32_t mostRows = 4;
+    std::int32_t count;            // of `rows`; 0: no walk
+    int side;                      // 1 upwards
+    std::uint32_t rows[mostRows];  // first the one that was found
+    IndexPath path;                // to the last of them
+};
+
 // Plain words, which stand in a block of the heap; all zero for a tree without one.
 struct IndexMirror {
     Offset entries, shortcuts;  // blocks
     std::int32_t entryCount, lineCount;
     std::uint32_t root;   // its row
     std::int32_t missed;  // searches that wanted a shortcut since there are none
+    TreeWalk walk;
 };
 
 // A tree as the operations of a table see it. `mirror` is null when there is none. What changes the tree by
@@ -90,6 +102,23 @@ public:
         if (key.head.bits != head) return key.head.bits < head ? -1 : 1;
         return key.head.whole ? 0 : AnyKey(key.view)(NodeKey(node(row)));
     }
+    // A step of a search that notes its way, without a jump that depends on what the keys are. 0 at its end.
+    [[nodiscard]] Ref stepDown(const Key& key, IndexPath& path, Ref row) const {
+        const MirrorEntry& entry = entries_[row];
+        int side = key.head.bits > entry.head;
+        path.nodes[path.depth] = row;
+        if (key.head.bits == entry.head) [[unlikely]] {
+            const int order = this->order(key, row);
+            side = order > 0;
+            if (order == 0) {
+                path.found = true;
+                path.at = path.depth;
+                return 0;
+            }
+        }
+        path.sides[path.depth++] = static_cast<std::uint8_t>(side);
+        return linkOf(entry.links, side);
+    }
     [[nodiscard]] static bool checking() { return false; }  // with memory checking on there is no mirror
     [[nodiscard]] static bool dropsChanges() { return false; }
     [[nodiscard]] static bool sound(Ref) { return true; }
@@ -120,7 +149,9 @@ private:
     static MirrorEntry* entriesOf(const IndexMirror& mirror) {
         return reinterpret_cast<MirrorEntry*>(At(mirror.entries));
     }
-    static constexpr std::uint32_t placeOf(int side) { return side != 0 ? MirroredRowBits : 0; }
+    static constexpr std::uint32_t placeOf(int side) {
+        return static_cast<std::uint32_t>(side) * MirroredRowBits;
+    }
     static Ref linkOf(std::uint64_t links, int side) {
         return static_cast<Ref>(links >> placeOf(side) & rowMask);
     }
@@ -164,5 +195,11 @@ void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key);
 // The row of the node that is sought; 0 for none. False: 763.
 bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row);
 void FreeTree(const IndexTree& index);
+
+// ---- walks (index_walk.cpp) ----
+
+// A search for an end or for a neighbour; 0 for none. False: 763.
+bool SeekOnWalk(const MirrorTree& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorTree::Key& key,
+                MirrorTree::Ref& row);
 
 }  // namespace tarn

@@ -159,20 +159,35 @@ void UnlinkNode(RecordDescriptor& root, IndexPath& path) {
 
 // ---- whole trees ----
 
+namespace {
+
+// A word of at most 8 letters as a number, in capitals; what is no such word is 0.
+constexpr std::uint64_t wordNumber(std::string_view word) {
+    std::uint64_t number = 0;
+    if (word.size() > sizeof number || word.find('\0') != std::string_view::npos) return 0;
+    for (const char c : word)
+        number = number << 8U | static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+    return number;
+}
+
+}  // namespace
+
 bool ReadOperator(std::string_view op, TreeSeek& seek) {
     struct Operator {
-        std::string_view name;
+        std::uint64_t name;
         TreeSeek seek;
     };
     static constexpr Operator operators[] = {
-        {"EQ", {0, true, 0}},         {"EQUALS", {0, true, 0}}, {"FIRST", {-1, true, 0}},
-        {"LAST", {1, true, 0}},       {"GE", {0, true, 1}},     {"LE", {0, true, -1}},
-        {"GT", {0, false, 1}},        {"NEXT", {0, false, 1}},  {"LT", {0, false, -1}},
-        {"PREVIOUS", {0, false, -1}},
+        {wordNumber("EQ"), {0, true, 0}},     {wordNumber("EQUALS"), {0, true, 0}},
+        {wordNumber("FIRST"), {-1, true, 0}}, {wordNumber("LAST"), {1, true, 0}},
+        {wordNumber("GE"), {0, true, 1}},     {wordNumber("LE"), {0, true, -1}},
+        {wordNumber("GT"), {0, false, 1}},    {wordNumber("NEXT"), {0, false, 1}},
+        {wordNumber("LT"), {0, false, -1}},   {wordNumber("PREVIOUS"), {0, false, -1}},
     };
-    const auto same = [](char a, char b) { return (b >= 'a' && b <= 'z' ? b - 'a' + 'A' : b) == a; };
+    const std::uint64_t name = wordNumber(op);
+    if (name == 0) return false;
     for (const Operator& known : operators) {
-        if (!std::equal(known.name.begin(), known.name.end(), op.begin(), op.end(), same)) continue;
+        if (known.name != name) continue;
         seek = known.seek;
         return true;
     }

@@ -45,10 +45,12 @@ public:
     void setChild(Offset node, int side, Offset child) {
         char* const link = linkAt(node, side);
         char* const data = link + offsetof(RecordDescriptor, data);
-        if (child != 0 && ReadAt<Offset>(data) != 0)
-            WriteAt(data, child);  // the links of a tree differ in nothing else
-        else
-            WriteAt(link, linkTo(child));
+        // The links of a tree that lead somewhere differ in nothing else.
+        if (child == 0)
+            WriteAt(link, RecordDescriptor{0, TagRecord, 0, {}});
+        else if (ReadAt<Offset>(data) == 0)
+            std::memcpy(link, &link_, sizeof link_);
+        WriteAt(data, child);
     }
     [[nodiscard]] int balance(Offset node) const { return ReadAt<std::int32_t>(At(node) + balanceAt); }
     void setBalance(Offset node, int balance) { WriteAt(At(node) + balanceAt, std::int32_t{balance}); }

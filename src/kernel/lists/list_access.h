@@ -112,6 +112,9 @@ private:
 
 // A copy of `v` with the shape of `like`, to be moved into a slot. False, and nothing allocated, on failure.
 bool MakeElement(char* element, const void* like, const void* v, Kind kind);
+// Moves such a copy behind the last element of a list in memory that has room for it and is not untyped; frees
+// it, with the result false, when memory is short.
+bool AppendElement(ListDescriptor& l, char* element);
 void FreeElements(char* slots, std::int32_t count, Kind kind);  // what is below them
 // A list in memory without its elements; a fixed one keeps them in its slots until those are used again.
 void EmptyList(ListDescriptor& l);

@@ -137,6 +137,12 @@ bool deleteRows(ListDescriptor& l, std::int32_t index, std::int32_t n) {
 
 }  // namespace
 
+bool AppendElement(ListDescriptor& l, char* element) {
+    const std::int32_t count = l.count;
+    insertElement(l, count, element);
+    return l.count > count;
+}
+
 // ---- life ----
 
 void ListInit(ListDescriptor* l, std::int32_t maxlength, const void* prototype, Kind kind, bool inFile) {

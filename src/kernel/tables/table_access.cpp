@@ -24,12 +24,19 @@ bool AcceptTable(const TableDescriptor* t) {
     return !IsHeldInFile(rows) || *At(rows.data) != 0 || Refuse(ERR_FILE_NOT_OPEN);
 }
 
+bool IsPlainRow(const RecordDescriptor* row, const RecordDescriptor& like) {
+    return row != nullptr && row->tag == TagRecord && row->size == like.size && row->data != 0 &&
+           std::memcmp(&row->kinds, &like.kinds, sizeof row->kinds) == 0 && HoldsNumbersOnly(like.kinds);
+}
+
 bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row) {
+    if (IsPlainRow(row, RowShape(header))) return true;
     if (!IsWholeRecord(row)) return Refuse(ERR_COMPONENT_INVALID);
     return SameShape(row, &RowShape(header), KindRecord) || Refuse(ERR_COMPONENT_TYPE);
 }
 
 bool AcceptRowOutput(const TableHeader& header, const RecordDescriptor* row) {
+    if (IsPlainRow(row, RowShape(header))) return true;
     return (row != nullptr && IsZeroRecord(*row)) || AcceptTableRow(header, row);
 }
 
@@ -42,6 +49,11 @@ bool AcceptIndexNumber(const TableHeader& header, std::int32_t indexNumber) {
 }
 
 bool FitsIndex(const TableHeader& header, std::int32_t indexNumber, const KeyView& key) {
+    // All that keys of one field without an array are asked for is their kind.
+    const auto map = static_cast<std::uint32_t>(header.keyMaps[indexNumber - 1]);
+    if (key.count == 1 && map << 8U == 0 && key.parts[0].kind != KindArray)
+        return FieldKindAt(RowShape(header).kinds, static_cast<std::int32_t>(map >> 24U)) ==
+               key.parts[0].kind;
     KeyView shape;
     return KeyOfRow(RowShape(header), header.keyMaps[indexNumber - 1], shape) && SameKeyShape(key, shape);
 }

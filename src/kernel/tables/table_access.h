@@ -52,6 +52,8 @@ bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap);
 
 // A record whose fields are there.
 bool IsWholeRecord(const RecordDescriptor* record);
+// A whole record of numbers alone that has the shape of another, which is whole: nothing but its bytes.
+bool IsPlainRow(const RecordDescriptor* row, const RecordDescriptor& like);
 bool IsZeroRecord(const RecordDescriptor& record);
 bool AcceptTable(const TableDescriptor* t);                                    // 762, 661
 bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row);   // 610, 611

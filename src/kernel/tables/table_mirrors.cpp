@@ -71,7 +71,11 @@ TableMirrors* readyMirrors(TableHeader& header, std::int32_t mostRow, bool atOnc
         mirrors = makeBlock(header);
         if (mirrors == nullptr) return nullptr;
     }
-    if (mirrors->plainChanges != PlainTreeChanges) {
+    const std::int32_t indexes = IndexesOf(header);
+    const bool current = mirrors->plainChanges == PlainTreeChanges;
+    const auto reaches = [=](const IndexMirror& mirror) { return mirror.entryCount > mostRow; };
+    if (current && std::all_of(mirrors->indexes, mirrors->indexes + indexes, reaches)) return mirrors;
+    if (!current) {
         dropAll(*mirrors);
         mirrors->plainChanges = PlainTreeChanges;
     }
@@ -95,6 +99,19 @@ IndexTree TableTrees::at(std::int32_t index) const {
 void TableTrees::makeWayFor(std::int32_t index, std::int32_t row) {
     const IndexTree tree = at(index);
     if (tree.mirror != nullptr && MirrorHas(*tree.mirror, row)) DropMirror(*tree.mirror);
+}
+
+// Of the row that comes next the content: its descriptor was asked for a step before.
+void TableTrees::prefetchWalk(std::int32_t index) const {
+    if (mirrors_ == nullptr) return;
+    const TreeWalk& walk = mirrors_->indexes[index].walk;
+    const auto numberOf = [&](std::int32_t i) {
+        const auto number = i < walk.count ? static_cast<std::int32_t>(walk.rows[i]) : 0;
+        return HasRow(header_, number) ? number : 0;
+    };
+    if (const std::int32_t number = numberOf(3); number != 0) __builtin_prefetch(&RowAt(header_, number));
+    if (const std::int32_t number = numberOf(1); number != 0)
+        __builtin_prefetch(tarn_heap_base + RowAt(header_, number).data);
 }
 
 void FreeTableTrees(TableHeader& header) {

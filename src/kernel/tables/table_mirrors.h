@@ -29,6 +29,9 @@ public:
     // Makes room for a node of that row, which is linked next: the mirror goes if some other node has it.
     void makeWayFor(std::int32_t index, std::int32_t row);
 
+    // Starts to fetch the rows that a walk along the index will come to next.
+    void prefetchWalk(std::int32_t index) const;
+
 private:
     TableHeader& header_;
     TableMirrors* mirrors_;

@@ -10,6 +10,7 @@
 #include "kernel/values/records.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace tarn {
@@ -119,6 +120,26 @@ bool findByKey(const TableHeader& header, const IndexTree& tree, const KeyView& 
     return findRow(header, tree, {}, key, number) && (number != 0 || Refuse(ERR_TABLE_NOT_FOUND));
 }
 
+// ---- rows ----
+
+bool copyRow(const RecordDescriptor& shape, const RecordDescriptor& from, RecordDescriptor* to) {
+    const bool plain = IsPlainRow(to, shape) && from.size == shape.size && from.data != 0;
+    if (!plain) return CopyValue(&from, to, KindRecord);
+    std::memcpy(At(to->data), At(from.data), static_cast<std::size_t>(from.size));
+    return true;
+}
+
+// A row like the others with this one's content, to be moved into the list. False when memory is short.
+bool makeRow(const TableHeader& header, const RecordDescriptor& row, RecordDescriptor& made) {
+    const RecordDescriptor& shape = RowShape(header);
+    if (!IsPlainRow(&row, shape))
+        return MakeElement(reinterpret_cast<char*>(&made), &shape, &row, KindRecord);
+    made = shape;
+    if (!AllocateData(made, shape.size)) return false;
+    std::memcpy(At(made.data), At(row.data), static_cast<std::size_t>(shape.size));
+    return true;
+}
+
 // ---- updating ----
 
 // An index in which an update changes the key.
@@ -156,11 +177,7 @@ bool prepareChanges(const TableHeader& header, const TableTrees& trees, std::int
         changes[i].after.node = MakeNode(changes[i].after.key, number);
         good = changes[i].after.node != 0;
     }
-    good = good && InitValue(&made, &RowShape(header), KindRecord);
-    if (good && !CopyValue(&row, &made, KindRecord)) {
-        FreeValue(&made, KindRecord);
-        good = false;
-    }
+    good = good && makeRow(header, row, made);
     if (!good) freeChanges(changes);
     return good;
 }
@@ -197,19 +214,22 @@ bool MemoryTableFind(const TableDescriptor& t, std::int32_t indexNumber, const T
     std::int32_t number = 0;
     found = false;
     if (!findRow(header, trees.at(indexNumber - 1), seek, key, number)) return false;
-    found = number != 0 && CopyValue(&RowAt(header, number), row, KindRecord);
+    if (seek.nearest != 0) trees.prefetchWalk(indexNumber - 1);
+    found = number != 0 && copyRow(RowShape(header), RowAt(header, number), row);
     return found || number == 0;
 }
 
 bool MemoryTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
     TableHeader& header = HeaderOf(t);
     const std::int32_t count = header.rows.count;
+    if (IsFixedList(header.rows) && count >= header.rows.maxlength) return Refuse(ERR_FIXED_LIST);
     TableTrees trees(header, count + 1);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) trees.makeWayFor(i, count + 1);
     Entry entries[MaxIndexes];
     if (!findPlaces(header, trees, row, entries) || !makeNodes(entries, count + 1)) return false;
-    ListAppend(&row, KindRecord, &header.rows);
-    if (header.rows.count == count) return freeNodes(entries), false;
+    RecordDescriptor made{};
+    if (!makeRow(header, row, made) || !AppendElement(header.rows, reinterpret_cast<char*>(&made)))
+        return freeNodes(entries), false;
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         LinkNode(trees.at(i), entries[i].path, entries[i].key, entries[i].node);
     }

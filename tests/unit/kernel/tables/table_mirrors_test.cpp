@@ -286,10 +286,10 @@ protected:
     // An operation that meets a lack of memory leaves the table and its mirrors as they were, and otherwise did
     // what it does with enough.
     void shortOfMemory(std::mt19937& random) {
-        const Cells added = row(static_cast<int>(random() % 700));
+        const RecordValue added = recordOf(row(static_cast<int>(random() % 700)));
         const std::string before = formOf(*TableRoot(table.get(), 1), TableRoot(table.get(), 1)->data);
         FailAllocation(static_cast<std::int64_t>(random() % 12));
-        TableAdd(table.get(), 1, recordOf(added).get());
+        TableAdd(table.get(), 1, added.get());
         FailAllocation(-1);
         const std::int32_t error = takeError();
         EXPECT_EQ(CheckTableMirrors(header()), "");
@@ -298,7 +298,7 @@ protected:
             return;
         }
         DropTableMirrors(HeaderOf(*twin.get()));
-        TableAdd(twin.get(), 1, recordOf(added).get());
+        TableAdd(twin.get(), 1, added.get());
         EXPECT_EQ(takeError(), error);
     }
 };

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "kernel/index/index_mirror.h"
+
+#include <algorithm>
+
+namespace tarn {
+
+namespace {
+
+using Ref = MirrorTree::Ref;
+
+// Goes on from the path's node to the last one on this side. False: too deep.
+bool goDown(const MirrorTree& tree, IndexPath& path, int side) {
+    for (Ref next = tree.child(path.nodes[path.depth], side); next != 0; next = tree.child(next, side)) {
+        path.sides[path.depth] = static_cast<std::uint8_t>(side);
+        if (++path.depth == MaxTreeDepth) return false;
+        path.nodes[path.depth] = next;
+    }
+    return true;
+}
+
+// From the path's node to its neighbour; `row` is 0 when it has none, and the path then of no use.
+bool goOn(const MirrorTree& tree, IndexPath& path, int side, Ref& row) {
+    row = 0;
+    if (const Ref child = tree.child(path.nodes[path.depth], side); child != 0) {
+        path.sides[path.depth] = static_cast<std::uint8_t>(side);
+        if (++path.depth == MaxTreeDepth) return false;
+        path.nodes[path.depth] = child;
+        if (!goDown(tree, path, 1 - side)) return false;
+    } else {
+        while (path.depth > 0 && path.sides[path.depth - 1] == side) --path.depth;
+        if (path.depth-- == 0) return true;
+    }
+    row = path.nodes[path.depth];
+    return true;
+}
+
+// The way to the nearest key from the root.
+bool findNearest(const MirrorTree& tree, IndexPath& path, const TreeSeek& seek, const MirrorTree::Key& key) {
+    std::int32_t hit = -1;
+    path.depth = 0;
+    for (Ref node = tree.root(); node != 0;) {
+        if (path.depth == MaxTreeDepth) return false;
+        path.nodes[path.depth] = node;
+        const int order = tree.order(key, node);
+        const bool equal = order == 0 && seek.equal;
+        const int side = order != 0 ? order > 0 : seek.nearest > 0;
+        if (equal || SignOf(side) != seek.nearest) hit = path.depth;
+        if (equal) break;
+        path.sides[path.depth++] = static_cast<std::uint8_t>(side);
+        node = tree.child(node, side);
+    }
+    path.depth = hit;
+    return true;
+}
+
+bool findEnd(const MirrorTree& tree, IndexPath& path, int side) {
+    path.depth = tree.root() != 0 ? 0 : -1;
+    path.nodes[0] = tree.root();
+    return path.depth < 0 || goDown(tree, path, side);
+}
+
+// A new walk, to the node of its path, which has a depth below 0 for none.
+void start(TreeWalk& walk, int side) {
+    walk.count = walk.path.depth < 0 ? 0 : 1;
+    walk.side = side;
+    if (walk.count != 0) walk.rows[0] = walk.path.nodes[walk.path.depth];
+}
+
+// The walk goes on by one row, and looks ahead as far as it can.
+bool proceed(const MirrorTree& tree, TreeWalk& walk) {
+    std::copy(walk.rows + 1, walk.rows + walk.count, walk.rows);
+    --walk.count;
+    // A path that is at its end stays there: 0 follows, which ends the walk when its turn comes.
+    while (walk.count < TreeWalk::mostRows && (walk.count == 0 || walk.rows[walk.count - 1] != 0)) {
+        if (!goOn(tree, walk.path, walk.side, walk.rows[walk.count])) return false;
+        ++walk.count;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool SeekOnWalk(const MirrorTree& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorTree::Key& key,
+                Ref& row) {
+    row = 0;
+    const int side = seek.end != 0 ? seek.end < 0 : seek.nearest > 0;
+    const bool goesOn = seek.end == 0 && !seek.equal && walk.count != 0 && walk.side == side &&
+                        walk.rows[0] != 0 && tree.order(key, walk.rows[0]) == 0;
+    if (goesOn) {
+        if (!proceed(tree, walk)) return walk.count = 0, false;
+        row = walk.rows[0];
+        if (row == 0) walk.count = 0;
+        return true;
+    }
+    walk.count = 0;
+    if (!(seek.end != 0 ? findEnd(tree, walk.path, 1 - side) : findNearest(tree, walk.path, seek, key)))
+        return false;
+    start(walk, side);
+    row = walk.count != 0 ? walk.rows[0] : 0;
+    return true;
+}
+
+}  // namespace tarn
