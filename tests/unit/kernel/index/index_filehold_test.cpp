@@ -132,12 +132,15 @@ protected:
         ASSERT_NE(records, nullptr);
         records->shape(recordSize, kept);
         records->put(placeOf(1), recordOf(1).data(), kept);
+        LeaveRecords(records);
     }
     static bool keeps(const os::FileInfo& info) {
         HeldRecords* const records = RememberedRecords(info);
         if (records == nullptr) return false;
         records->shape(recordSize, kept);
-        return records->find(placeOf(1), kept) != nullptr;
+        const bool there = records->find(placeOf(1), kept) != nullptr;
+        LeaveRecords(records);
+        return there;
     }
     os::SteeredClock clock;
     os::Steered steeredClock{clock};
@@ -159,7 +162,9 @@ TEST_F(RememberedTest, AFileThatJustChangedIsNotRemembered) {
     for (const auto& one : cases) {
         os::FileInfo info = fileAt(one.changed);
         info.modified = one.modified;
-        EXPECT_EQ(RememberedRecords(info) != nullptr, one.remembered) << start - one.changed;
+        const HeldRecords* const records = RememberedRecords(info);
+        EXPECT_EQ(records != nullptr, one.remembered) << start - one.changed;
+        LeaveRecords(records);
     }
 }
 
@@ -180,10 +185,23 @@ TEST_F(RememberedTest, RecordsStayUntilTheFileChanges) {
 }
 
 TEST_F(RememberedTest, TheFilesThatWereUsedLastAreRemembered) {
-    for (std::uint64_t inode = 1; inode <= 5; ++inode) keepOne(fileAt(start - 5 * second, inode));
-    for (std::uint64_t inode = 2; inode <= 5; ++inode) EXPECT_TRUE(keeps(fileAt(start - 5 * second, inode)));
-    EXPECT_FALSE(keeps(fileAt(start - 5 * second, 1)));
-    EXPECT_FALSE(keeps(fileAt(start - 5 * second, 2)));
+    constexpr std::uint64_t files = 8;
+    const auto file = [](std::uint64_t inode) { return fileAt(start - 5 * second, inode); };
+    for (std::uint64_t inode = 1; inode <= files + 1; ++inode) keepOne(file(inode));
+    for (std::uint64_t inode = 2; inode <= files + 1; ++inode) EXPECT_TRUE(keeps(file(inode))) << inode;
+    EXPECT_FALSE(keeps(file(1)));
+    EXPECT_FALSE(keeps(file(2)));
+}
+
+TEST_F(RememberedTest, RecordsThatAreInUseDoNotGiveWay) {
+    const auto file = [](std::uint64_t inode) { return fileAt(start - 5 * second, inode); };
+    keepOne(file(1));
+    HeldRecords* const used = RememberedRecords(file(1));
+    for (std::uint64_t inode = 2; inode <= 30; ++inode) keepOne(file(inode));
+    EXPECT_TRUE(keeps(file(1)));
+    EXPECT_EQ(RememberedRecords(fileAt(start - 4 * second, 1)), nullptr);  // it has changed meanwhile
+    LeaveRecords(used);
+    EXPECT_FALSE(keeps(fileAt(start - 4 * second, 1)));
 }
 
 TEST_F(RememberedTest, AnotherFileSystemHasOtherFiles) {
