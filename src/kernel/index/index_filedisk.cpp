@@ -78,7 +78,6 @@ void CloseKeptIndex(std::string_view path) {
 // Takes the file over that is held or kept, if there is one that serves.
 std::int32_t IndexDisk::adopt(std::int64_t& size) {
     changed_ = false;
-    records_ = nullptr;
     held_ = HeldIndex::of(path_);
     if (held_ != nullptr) {
         const std::int32_t code = held_->take(mode_, handle_, size);
@@ -134,8 +133,14 @@ std::int32_t IndexDisk::reopen() {
 }
 
 IndexDisk::~IndexDisk() {
+    leaveRecords();
     if (handle_ < 0 || giveBack()) return;
     if (!(keeps_ && keepOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
+}
+
+void IndexDisk::leaveRecords() noexcept {
+    if (records_ != nullptr && held_ == nullptr) LeaveRecords(records_);
+    records_ = nullptr;
 }
 
 // Whether the file was a held one.
@@ -150,7 +155,7 @@ bool IndexDisk::giveBack() noexcept {
 
 std::int32_t IndexDisk::close() {
     inBuffer_ = inFront_ = 0;
-    records_ = nullptr;
+    leaveRecords();
     const os::Handle handle = std::exchange(handle_, -1);
     if (handle < 0 || giveBack()) return 0;
     if (keeps_ && keepOpen(handle, mode_, path_, device_, inode_)) return 0;
@@ -246,7 +251,7 @@ std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::st
 void IndexDisk::changing() {
     inBuffer_ = inFront_ = 0;
     changed_ = true;
-    if (held_ == nullptr) records_ = nullptr;
+    if (held_ == nullptr) leaveRecords();
 }
 
 std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {

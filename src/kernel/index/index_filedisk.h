@@ -79,6 +79,7 @@ private:
 
     std::int32_t adopt(std::int64_t& size);
     bool giveBack() noexcept;
+    void leaveRecords() noexcept;
     std::int32_t fill(std::int64_t offset, std::int32_t count);
     std::int32_t bytesAt(std::int64_t offset, std::int64_t count, std::string& bytes);
     void changing();

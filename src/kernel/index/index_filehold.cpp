@@ -8,6 +8,7 @@
 #include "os/clock.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <new>
@@ -127,6 +128,7 @@ struct Remembered {
     const os::FileSystem* system = nullptr;
     os::FileInfo info;
     std::uint64_t used = 0;
+    std::int32_t users = 0;  // operations
     HeldRecords records{limits::KnownIndexBytes};
 };
 
@@ -142,28 +144,44 @@ bool isSettled(const os::FileInfo& info) {
     return os::clock().now() - last >= (last % second != 0 ? leastAge : leastCoarseAge);
 }
 
+bool isOf(const Remembered& file, const os::FileInfo& info) {
+    return file.system == &os::files() && file.info.device == info.device && file.info.inode == info.inode;
+}
+
+using RememberedFiles = std::array<Remembered, 8>;  // more than the indexes of a table
+
+RememberedFiles& rememberedFiles() {
+    static RememberedFiles& files = *new RememberedFiles;  // used until the very end
+    return files;
+}
+
 }  // namespace
 
+// In the place that the file has, or in the one that was not used for the longest time.
 HeldRecords* RememberedRecords(const os::FileInfo& info) {
-    constexpr std::size_t mostFiles = 4;
-    static Remembered files[mostFiles];
     static std::uint64_t uses = 0;
     if (!isSettled(info)) return nullptr;
-    Remembered* oldest = files;
-    for (Remembered& file : files) {
-        if (file.used < oldest->used) oldest = &file;
-        if (file.system != &os::files() || file.info.device != info.device || file.info.inode != info.inode)
-            continue;
-        oldest = &file;
-        break;
+    Remembered* place = nullptr;
+    for (Remembered& file : rememberedFiles()) {
+        const bool own = isOf(file, info);
+        if (own || (file.users == 0 && (place == nullptr || file.used < place->used))) place = &file;
+        if (own) break;
     }
-    const bool known = oldest->system == &os::files() && oldest->info.device == info.device &&
-                       oldest->info.inode == info.inode && isSame(oldest->info, info);
-    if (!known) oldest->records.forget();
-    oldest->system = &os::files();
-    oldest->info = info;
-    oldest->used = ++uses;
-    return &oldest->records;
+    if (place == nullptr) return nullptr;
+    if (!isOf(*place, info) || !isSame(place->info, info)) {
+        if (place->users != 0) return nullptr;
+        place->records.forget();
+    }
+    place->system = &os::files();
+    place->info = info;
+    place->used = ++uses;
+    ++place->users;
+    return &place->records;
+}
+
+void LeaveRecords(const HeldRecords* records) {
+    for (Remembered& file : rememberedFiles())
+        if (&file.records == records) --file.users;
 }
 
 // ---- files that are held open ----

@@ -76,6 +76,8 @@ private:
 // Null for a file that was changed so shortly before that another change might have the same time. The records are
 // of use until the file is written.
 HeldRecords* RememberedRecords(const os::FileInfo& info);
+// They are used no more, and may give way to those of another file. Nothing for other records, or null.
+void LeaveRecords(const HeldRecords* records);
 
 class HeldIndex {
 public:

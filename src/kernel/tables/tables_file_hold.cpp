@@ -40,8 +40,9 @@ struct HeldTable {
 
 using HeldTables = std::vector<std::unique_ptr<HeldTable>>;
 
+// Never destroyed, as tables that end with the program are released then.
 HeldTables& heldTables() {
-    static HeldTables tables;
+    static HeldTables& tables = *new HeldTables;
     return tables;
 }
 

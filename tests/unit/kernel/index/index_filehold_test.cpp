@@ -108,7 +108,111 @@ TEST_F(HeldRecordsTest, WhateverIsAskedForIsWhatWasWrittenLast) {
     EXPECT_GT(hits, 1000);
 }
 
-// ---- files ----
+// ---- files that are not open ----
+
+class RememberedTest : public Runtime {
+protected:
+    static constexpr std::int64_t second = 1'000'000'000, start = 1000 * second;
+
+    void SetUp() override {
+        Runtime::SetUp();
+        clock.set(start);
+    }
+    static os::FileInfo fileAt(std::int64_t changed, std::uint64_t inode = 1) {
+        os::FileInfo info;
+        info.exists = true;
+        info.size = 2000;
+        info.device = 1;
+        info.inode = inode;
+        info.modified = info.changed = changed;
+        return info;
+    }
+    static void keepOne(const os::FileInfo& info) {
+        HeldRecords* const records = RememberedRecords(info);
+        ASSERT_NE(records, nullptr);
+        records->shape(recordSize, kept);
+        records->put(placeOf(1), recordOf(1).data(), kept);
+        LeaveRecords(records);
+    }
+    static bool keeps(const os::FileInfo& info) {
+        HeldRecords* const records = RememberedRecords(info);
+        if (records == nullptr) return false;
+        records->shape(recordSize, kept);
+        const bool there = records->find(placeOf(1), kept) != nullptr;
+        LeaveRecords(records);
+        return there;
+    }
+    os::SteeredClock clock;
+    os::Steered steeredClock{clock};
+    os::SteeredFiles disk;
+    os::Steered steered{disk};
+};
+
+TEST_F(RememberedTest, AFileThatJustChangedIsNotRemembered) {
+    constexpr std::int64_t tenth = second / 10;
+    const struct {
+        std::int64_t changed, modified;
+        bool remembered;
+    } cases[] = {
+        {start - tenth, start - second - 1, true},       {start - tenth + 1, start - second - 1, false},
+        {start - second - 1, start - tenth + 1, false},  {start - second - 1, start - second - 1, true},
+        {start - 2 * second, start - 2 * second, false},  // times of whole seconds
+        {start - 3 * second, start - 3 * second, true},  {start + 1, start + 1, false},
+    };
+    for (const auto& one : cases) {
+        os::FileInfo info = fileAt(one.changed);
+        info.modified = one.modified;
+        const HeldRecords* const records = RememberedRecords(info);
+        EXPECT_EQ(records != nullptr, one.remembered) << start - one.changed;
+        LeaveRecords(records);
+    }
+}
+
+TEST_F(RememberedTest, RecordsStayUntilTheFileChanges) {
+    const os::FileInfo info = fileAt(start - 10 * second - 1);
+    keepOne(info);
+    EXPECT_TRUE(keeps(info));
+    for (int which = 0; which < 4; ++which) {
+        keepOne(info);
+        os::FileInfo other = info;
+        if (which == 0) other.size += recordSize;
+        if (which == 1) other.modified += 1;
+        if (which == 2) other.changed += 1;
+        if (which == 3) other.inode += 1;
+        EXPECT_FALSE(keeps(other)) << which;
+        EXPECT_EQ(keeps(info), which == 3) << which;
+    }
+}
+
+TEST_F(RememberedTest, TheFilesThatWereUsedLastAreRemembered) {
+    constexpr std::uint64_t files = 8;
+    const auto file = [](std::uint64_t inode) { return fileAt(start - 5 * second, inode); };
+    for (std::uint64_t inode = 1; inode <= files + 1; ++inode) keepOne(file(inode));
+    for (std::uint64_t inode = 2; inode <= files + 1; ++inode) EXPECT_TRUE(keeps(file(inode))) << inode;
+    EXPECT_FALSE(keeps(file(1)));
+    EXPECT_FALSE(keeps(file(2)));
+}
+
+TEST_F(RememberedTest, RecordsThatAreInUseDoNotGiveWay) {
+    const auto file = [](std::uint64_t inode) { return fileAt(start - 5 * second, inode); };
+    keepOne(file(1));
+    HeldRecords* const used = RememberedRecords(file(1));
+    for (std::uint64_t inode = 2; inode <= 30; ++inode) keepOne(file(inode));
+    EXPECT_TRUE(keeps(file(1)));
+    EXPECT_EQ(RememberedRecords(fileAt(start - 4 * second, 1)), nullptr);  // it has changed meanwhile
+    LeaveRecords(used);
+    EXPECT_FALSE(keeps(fileAt(start - 4 * second, 1)));
+}
+
+TEST_F(RememberedTest, AnotherFileSystemHasOtherFiles) {
+    const os::FileInfo info = fileAt(start - 5 * second);
+    keepOne(info);
+    os::SteeredFiles another;
+    const os::Steered instead(another);
+    EXPECT_FALSE(keeps(info));
+}
+
+// ---- files that are held open ----
 
 class HeldIndexTest : public Runtime {
 protected:
@@ -122,7 +226,9 @@ protected:
         const std::int32_t code = held.take(mode, handle, size);
         if (code != 0) return code;
         EXPECT_EQ(size, static_cast<std::int64_t>(disk.contents(path).size()));
-        if (changes) EXPECT_EQ(disk.write(handle, size, "x"), FileError::None);
+        if (changes) {
+            EXPECT_EQ(disk.write(handle, size, "x"), FileError::None);
+        }
         held.giveBack(changes);
         return 0;
     }
