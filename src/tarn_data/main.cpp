@@ -4,21 +4,38 @@
 // can be done. Exit status: 0 all is well, 1 the data could not be handled or has faults, 2 wrong usage. A
 // file that is converted to is replaced as a whole or stays as it was.
 #include "kernel/run/runtime.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/commands/commands.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 
 namespace tarn::datatool {
 
+namespace {
+
+// Texts of files and of the command line do not reach the terminal as they are; line ends do.
+std::string printable(const std::string& text) {
+    std::string made;
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        made.append(at == 0 ? "" : "\n").append(shown(std::string_view(text).substr(at, end - at)));
+        at = end + 1;
+    }
+    return made;
+}
+
+}  // namespace
+
 int tell(const Problem& problem) {
-    std::fprintf(stderr, "tarn-data: %s\n", problem.what.c_str());
-    if (!problem.next.empty()) std::fprintf(stderr, "%s\n", problem.next.c_str());
+    std::fprintf(stderr, "tarn-data: %s\n", printable(problem.what).c_str());
+    if (!problem.next.empty()) std::fprintf(stderr, "%s\n", printable(problem.next).c_str());
     return problem.status;
 }
 
 void note(const std::string& text) {
-    std::fprintf(stderr, "tarn-data: note: %s\n", text.c_str());
+    std::fprintf(stderr, "tarn-data: note: %s\n", printable(text).c_str());
 }
 
 int print(const std::string& text) {

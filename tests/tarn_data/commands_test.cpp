@@ -34,7 +34,12 @@ TEST_F(TarnData, WrongUsageSaysWhatIsWrongAndHasTheStatusTwo) {
         {"convert missing.csv b", "its extension is none of xml, dbf, csv, tab, txt and bin"},
         {"info --colour a.csv", "There is no option '--colour'."},
         {"info a.csv --header-rows", "The option '--header-rows' needs a value."},
-        {"info a.csv --text=1", "The option '--text' takes no value."},
+        {"info a.csv --plain=1", "The option '--plain' takes no value."},
+        {"info a.csv --text=", "'' cannot be the value of '--text'.\nIt must be the name of a column."},
+        {"info a.csv --text=c", "There is no column 'c' in 'a.csv'.\nIts columns are a, b."},
+        {"convert a.csv b.csv --text=c", "There is no column 'c' in 'a.csv'.\nIts columns are a, b."},
+        {"info a.csv --null=", "'' cannot be the value of '--null'"},
+        {"info a.csv --plain", "'--plain' means nothing to 'info'"},
         {"info a.csv --header-rows=3", "'3' cannot be the value of '--header-rows'.\nIt must be 0, 1 or 2."},
         {"info a.csv --header-rows=", "'' cannot be the value"},
         {"info a.csv --footer-rows=x", "'x' cannot be the value"},
@@ -77,11 +82,9 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
     write("bytes.csv", std::string("\x7F"
                                    "ELF\1\0\0\0",
                                    8));
-    write("mark.csv", "\xEF\xBB\xBF"
-                      "a,b\n1,2\n");
-    write("wide16.csv", std::string("\xFF\xFE"
-                                    "a\0,\0",
-                                    6));
+    write("wide16.xml", std::string("\xFF\xFE"
+                                    "<\0a\0>\0",
+                                    8));
     write("wide.csv", "a" + repeated(",a", 48) + "\n");
     write("gap.csv", "a,b\n1,2\n\n3,4\n");
     write("gaps.csv", "a,b\n1,2\n\n,\n\"\" , \n\n3,\n");
@@ -120,8 +123,8 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
         {"info empty.csv", "File 'empty.csv' is invalid, does not exist or is empty.\nIt is empty"},
         {"info zeros.csv", "is invalid, does not exist or is empty"},
         {"info bytes.csv", "is an unknown file type (first four bytes = 7F 45 4C 46)"},
-        {"info mark.csv", "take its first three bytes off"},
-        {"info wide16.csv", "It is UTF-16 text"},
+        {"info wide16.xml",
+         "It is UTF-16 text. Convert it first: iconv -f UTF-16LE -t UTF-8 'wide16.xml' >'wide16-utf8.xml'"},
         {"info wide.csv", "has 49 columns; at most 48 can be handled"},
         {"convert wide.csv b.xml", "has 49 columns"},
         {"convert --text ragged.csv b.xml", "has 49 columns"},
@@ -134,7 +137,8 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
         {"convert gap.csv b.xml", "row 2 is empty, and row 3 is not.\nTake the empty line out"},
         {"convert gaps.csv b.xml", "row 2 is empty, and row 6 is not.\nTake the empty line out"},
         {"convert long.csv b.xml",
-         "row 1 cannot be read: String type conversion error.\nThe row is longer than"},
+         "Row 1, column 'b' is too long for XML, where a text and a line have at most 32767 bytes."},
+        {"convert --plain long.csv b.csv", "Row 1 would be a line of more than 32767 characters."},
         {"info open.xml", "Start tag \"r\" and end tag \"l\" are different (Line 3, Position"},
         {"info nested.xml", "Column number 2 \"b\" contains a nested record"},
         {"convert short.xml b.csv",
@@ -145,27 +149,23 @@ TEST_F(TarnData, DataThatCannotBeHandledIsToldWithItsPlaceAndTheStatusOne) {
         {"info none.xml", "'none.xml' line 2: the row has no 'a'."},
         {"convert another.xml b.csv", "The name of an element changed, from 'i' to 'j'"},
         {"convert both.xml b.csv", "stands in a row that has data in attributes, too"},
-        {"convert two.csv b.csv", "Row 1, column 'b' holds the separator.\nChoose another separator with "
-                                  "--to-separator, or xml, or write '?'"},
-        {"convert both.csv b.csv", "Row 1, column 'b' holds the separator.\nChoose another separator with "
-                                   "--to-separator, or dbf, or write '?'"},
+        {"convert --plain two.csv b.csv",
+         "Row 1, column 'b' holds the separator.\nChoose another separator with --to-separator, leave "
+         "--plain away, or write '?'"},
         {"convert two.csv b.txt", "There are 2 columns, and lines of text hold one."},
-        {"convert lines.csv b.tab",
-         "Row 1, column 'b' holds a line end.\nWrite xml, which holds it, or '?' instead with --replace."},
-        {"convert feed.csv b.tab", "holds a line end.\nWrite dbf, which holds it, or '?' instead"},
-        {"convert feedlong.csv b.tab", "holds a line end.\nWrite '?' instead with --replace."},
-        {"convert feed.csv b.xml", "holds a control character, which XML cannot hold.\nWrite dbf,"},
-        {"convert zero.csv b.tab", "Row 1, column 'b' holds a zero byte.\nWrite '?' instead with --replace."},
-        {"convert zero.csv b.xml", "holds a control character, which XML cannot hold.\nWrite '?' instead"},
-        {"convert --text zeros.txt b.csv", "Row 2, column 'line' holds a zero byte.\nWrite '?' instead"},
-        {"convert quote.csv b.tab",
-         "Row 1, column 'b' begins with a quote.\nWrite xml, which holds it, or '?' instead"},
-        {"convert sets.tab b.csv", "Column 'b' holds sets"},
-        {"convert latin.csv b.xml", "Row 1, column 'b' holds a byte that XML cannot hold (it is no "
-                                    "UTF-8).\nConvert the file that is read to UTF-8 first, or write '?'"},
+        {"convert --plain lines.csv b.tab",
+         "Row 1, column 'b' holds a line end.\nLeave --plain away, or write '?' instead with --replace."},
+        {"convert --text zeros.txt b.xml", "holds a control character, which XML cannot hold.\nWrite csv,"},
+        {"convert zero.csv b.xml", "holds a control character, which XML cannot hold.\nWrite csv,"},
+        {"convert zero.csv b.dbf", "Row 1, column 'b' holds a zero byte.\nWrite csv, which holds it"},
+        {"convert --plain quote.csv b.tab", "Row 1, column 'b' begins with a quote.\nLeave --plain away"},
+        {"convert latin.csv b.xml",
+         "Row 1, column 'b' holds a byte that XML cannot hold (it is no UTF-8).\nConvert the file that is "
+         "read to UTF-8 first, if this is its encoding: iconv -f ISO-8859-1 -t UTF-8 'latin.csv' "
+         ">'latin-utf8.csv'\nOr write '?'"},
         {"convert control.csv b.xml",
-         "Row 1, column 'b' holds a control character, which XML cannot hold.\nWrite dbf,"},
-        {"convert blank.txt b.csv", "Row 2 is empty, and would be an empty line."},
+         "Row 1, column 'b' holds a control character, which XML cannot hold.\nWrite csv,"},
+        {"convert --plain blank.txt b.csv", "Row 2 is empty, and would be an empty line."},
         {"convert two.csv none/b.xml", "File 'none/b.xml' cannot be written: "},
     };
     for (const char* name : {"b.csv", "b.tab", "b.txt", "b.xml"}) write(name, "as it was");
@@ -214,17 +214,16 @@ TEST_F(TarnData, InfoTellsOfRowsBehindAnEmptyLine) {
     }
 }
 
-TEST_F(TarnData, ZeroBytesOfDelimitedTextAreNoted) {
+TEST_F(TarnData, ZeroBytesOfDelimitedTextStay) {
+    const std::string text("a,b\n1,\"x\0y\"\n2,\"p\0q\"\n", 20);
     write("z.csv", std::string_view("a,b\n1,x\0y\n2,\"p\0q\"\n", 18));
-    const std::string told =
-        "tarn-data: note: File 'z.csv' holds zero bytes. A cell without quotes ends at one.\n";
-    EXPECT_EQ(tarnData("info z.csv"), Well);
-    EXPECT_EQ(errors, told);
-    EXPECT_EQ(tarnData("convert z.csv z.dbf --replace"), Well);
-    EXPECT_EQ(errors, told);
-    write("z.csv", "a,b\n1,x\n");
-    EXPECT_EQ(tarnData("info z.csv"), Well);
-    EXPECT_EQ(errors, "");
+    EXPECT_EQ(tarnData("convert z.csv b.csv"), Well) << errors;
+    EXPECT_EQ(read("b.csv"), text);
+    EXPECT_EQ(tarnData("convert b.csv c.csv"), Well) << errors;
+    EXPECT_EQ(read("c.csv"), text);
+    EXPECT_EQ(tarnData("convert z.csv z.dbf"), Failed);
+    EXPECT_EQ(tarnData("convert z.csv z.dbf --replace && " + program() + " convert z.dbf b.csv"), Well);
+    EXPECT_EQ(read("b.csv"), "a,b\n1,x?y\n2,p?q\n");
 }
 
 // ---- numbers ----
@@ -243,10 +242,9 @@ TEST_F(TarnData, NumbersThatNoRealHoldsStayAsTheyAre) {
             number + " (row 1).\n";
         for (const char* target : {"b.csv", "b.tab", "b.xml", "b.dbf"}) {
             EXPECT_EQ(tarnData(std::string("convert a.csv ") + target), Well) << number << errors;
-            EXPECT_EQ(errors, told);
+            EXPECT_EQ(errors, std::string_view(target) == "b.dbf" ? told : "");
             EXPECT_EQ(tarnData(std::string("convert ") + target + " c.csv"), Well) << number << errors;
-            const bool typed = std::string_view(target) == "b.dbf" || std::string_view(target) == "b.xml";
-            EXPECT_EQ(errors.empty(), typed) << errors;
+            EXPECT_EQ(errors, "");
             EXPECT_EQ(read("c.csv"), text) << target;
         }
         EXPECT_EQ(tarnData("info a.csv"), Well);
@@ -259,8 +257,9 @@ TEST_F(TarnData, NumbersThatNoRealHoldsStayAsTheyAre) {
         EXPECT_EQ(errors, "");
     }
     write("a.xml", "<l><r><id>1</id><n> 9007199254740993 </n></r><r><id>2</id><n/></r></l>");
-    EXPECT_EQ(tarnData("convert a.xml b.csv"), Well) << errors;
+    EXPECT_EQ(tarnData("convert a.xml b.dbf"), Well) << errors;
     EXPECT_NE(errors.find("note: Column 'n' of 'a.xml' is taken as text"), std::string::npos) << errors;
+    EXPECT_EQ(tarnData("convert a.xml b.csv"), Well) << errors;
     EXPECT_NE(read("b.csv").find("9007199254740993"), std::string::npos);
     write("a.xml", "<l><v>1</v><v>12345678901234567890</v></l>");
     EXPECT_EQ(tarnData("convert a.xml b.csv"), Well) << errors;
@@ -270,26 +269,22 @@ TEST_F(TarnData, NumbersThatNoRealHoldsStayAsTheyAre) {
     EXPECT_EQ(read("b.csv"), "a,b\n1,12345678901234567890\n");
 }
 
-TEST_F(TarnData, NumbersThatARealHoldsAreReals) {
-    const Row rows[] = {
-        {"0.12345", "+1.2345000000000000E-0001"},
-        {"1e300", "+1.0000000000000001E+0300"},
-        {"9007199254740992", "+9.0071992547409920E+0015"},
-        {"0.30000000000000004", "+3.0000000000000004E-0001"},
-        {"+3.0000000000000004E-0001", "+3.0000000000000004E-0001"},
-        {"1234567890.123456", "+1.2345678901234560E+0009"},
-        {"00012345678901.5000000000", "+1.2345678901500000E+0010"},
-        {"123456789012345000000000", "+1.2345678901234500E+0023"},
-        {"NULL", "+0.0000000000000000E+0000"},
-        {"null", "+0.0000000000000000E+0000"},
-        {"0.000000000000000000000", "+0.0000000000000000E+0000"},
-        {"-0.00000", "-0.0000000000000000E+0000"},
-    };
-    for (const Row& row : rows) {
-        write("a.csv", std::string("id,n\n1,1e5\n2,") + row.words + "\n");
-        EXPECT_EQ(tarnData("convert a.csv b.csv"), Well) << row.words << errors;
-        EXPECT_EQ(errors, "") << row.words;
-        EXPECT_EQ(read("b.csv"), std::string("id,n\n1,+1.0000000000000000E+0005\n2,") + row.said + "\n");
+TEST_F(TarnData, NumbersThatARealHoldsAreRealsAndStayAsTheyStand) {
+    for (const char* number :
+         {"0.12345", "1e300", "9007199254740992", "0.30000000000000004", "+3.0000000000000004E-0001",
+          "1234567890.123456", "123456789012345000000000", "NULL", "null", "0.000000000000000000000",
+          "-0.00000", ""}) {
+        const std::string text = std::string("id,n\n1,1e5\n2,") + number + "\n";
+        write("a.csv", text);
+        EXPECT_EQ(tarnData("info a.csv"), Well) << number << errors;
+        EXPECT_NE(output.find("\t\tn : real\n"), std::string::npos) << number << output;
+        EXPECT_EQ(errors, "") << number;
+        for (const char* target : {"b.tab", "b.xml"}) {
+            EXPECT_EQ(tarnData(std::string("convert a.csv ") + target), Well) << number << errors;
+            EXPECT_EQ(tarnData(std::string("convert ") + target + " b.csv"), Well) << number << errors;
+            EXPECT_EQ(errors, "") << number;
+            EXPECT_EQ(read("b.csv"), text);
+        }
     }
 }
 
@@ -326,7 +321,9 @@ TEST_F(TarnData, OptionsSayHowTheFileThatIsReadIsLaidOut) {
     EXPECT_EQ(tarnData("convert a.csv b.csv --max-rows 1"), Well) << errors;
     EXPECT_EQ(read("b.csv"), "x,y\n1,2\n");
     EXPECT_EQ(tarnData("convert a.csv b.csv --header-rows 0 --separator '|' --max-rows 1"), Well) << errors;
-    EXPECT_EQ(read("b.csv"), "FIELD1\nx;y\n");
+    EXPECT_EQ(read("b.csv"), "x;y\n");
+    EXPECT_EQ(tarnData("convert a.csv b.csv --header-rows 0 --max-rows 1 --to-header-rows=1"), Well);
+    EXPECT_EQ(read("b.csv"), "FIELD1,FIELD2\nx,y\n");
     EXPECT_EQ(tarnData("convert a.csv b.txt --max-rows=2 --to-separator='\\t' --to-header-rows=2 "
                        "--to-footer-rows=1"),
               Well)
@@ -336,7 +333,7 @@ TEST_F(TarnData, OptionsSayHowTheFileThatIsReadIsLaidOut) {
     EXPECT_EQ(tarnData("convert --text -- -a.csv b.csv"), Well) << errors;
     EXPECT_EQ(read("b.csv"), "a,b\n007,1.50\n");
     EXPECT_EQ(tarnData("convert -- -a.csv b.csv"), Well) << errors;
-    EXPECT_EQ(read("b.csv"), "a,b\n7,1.5000\n");
+    EXPECT_EQ(read("b.csv"), "a,b\n007,1.50\n");
 }
 
 TEST_F(TarnData, EachFormBecomesEachOther) {
@@ -380,7 +377,7 @@ TEST_F(TarnData, XmlOfManyShapesGivesRows) {
 
 TEST_F(TarnData, WhatDoesNotFitIsReplacedWhenThatIsWanted) {
     write("a.csv", "a,b\n1,\"p,q\nr\"\n2,\"\"\"s\"\n");
-    EXPECT_EQ(tarnData("convert --replace a.csv b.csv"), Well) << errors;
+    EXPECT_EQ(tarnData("convert --plain --replace a.csv b.csv"), Well) << errors;
     EXPECT_EQ(read("b.csv"), "a,b\n1,p?q?r\n2,?s\n");
     write("a.csv", "a,b\n1,\x01\xE9t\xC3\xA9\xED\xA0\x80\n");
     EXPECT_EQ(tarnData("convert --replace a.csv b.xml"), Well) << errors;
@@ -396,11 +393,12 @@ TEST_F(TarnData, AFileCanTakeItsOwnPlaceAndIsWrittenThroughALink) {
     write("a.csv", "a b,a-b,9\n1,2,3\n");
     std::filesystem::create_symlink("a.csv", dir / "link.csv");
     EXPECT_EQ(tarnData("convert a.csv link.csv --header-rows=1"), Well) << errors;
-    EXPECT_EQ(read("a.csv"), "a_b,a_b_2,n\n1,2,3\n");
+    EXPECT_EQ(read("a.csv"), "a b,a-b,9\n1,2,3\n");
     EXPECT_TRUE(std::filesystem::is_symlink(dir / "link.csv"));
 }
 
-// Rows that memory has no room for go through a file.
+// Rows go by one at a time; those of XML that memory has no room for through a file. Such texts are compared
+// without a look for what differs, which would take all memory.
 TEST_F(TarnData, MoreRowsThanAValueHoldsAreConverted) {
     std::string text = "id,name\n";
     for (int i = 1; i <= 130000; ++i) text += std::to_string(i) + ",n\n";
@@ -412,12 +410,11 @@ TEST_F(TarnData, MoreRowsThanAValueHoldsAreConverted) {
         EXPECT_EQ(shell(work + "convert " + words + " && ls work"), Well) << words << errors;
         EXPECT_EQ(output, "") << words;
     }
-    EXPECT_EQ(read("b.csv"), text);
-    EXPECT_EQ(read("c.csv"), text);
-    EXPECT_EQ(shell("TMPDIR=/none " + program() + " convert big.csv b.csv"), Failed);
-    EXPECT_NE(errors.find("choose a folder with more room with TMPDIR"), std::string::npos) << errors;
+    EXPECT_TRUE(read("b.csv") == text);
+    EXPECT_TRUE(read("c.csv") == text);
+    EXPECT_EQ(shell("TMPDIR=/none " + program() + " convert big.csv b.csv"), Well) << errors;
     EXPECT_EQ(tarnData("convert big.csv b.csv --max-rows=100000"), Well) << errors;
-    EXPECT_EQ(read("b.csv"), text.substr(0, text.find("100001,")));
+    EXPECT_TRUE(read("b.csv") == text.substr(0, text.find("100001,")));
 }
 
 TEST_F(TarnData, MoreRowsThanAValueHoldsComeFromEveryForm) {
@@ -437,19 +434,19 @@ TEST_F(TarnData, MoreRowsThanAValueHoldsComeFromEveryForm) {
     for (const char* words : {"values.xml b.csv", "values.xml --text b.csv"}) {
         EXPECT_EQ(shell(work + "convert " + words + " && ls work"), Well) << words << errors;
         EXPECT_EQ(output, "") << words;
-        EXPECT_EQ(read("b.csv"), "v\n" + numbers) << words;
+        EXPECT_TRUE(read("b.csv") == "v\n" + numbers) << words;
     }
     for (const char* words : {"inner.xml b.csv", "inner.xml --text b.csv"}) {
         EXPECT_EQ(tarnData(std::string("convert ") + words), Well) << words << errors;
-        EXPECT_EQ(read("b.csv"), "v,w\n" + repeated([](const auto& i) { return i + ",a\n"; })) << words;
+        EXPECT_TRUE(read("b.csv") == "v,w\n" + repeated([](const auto& i) { return i + ",a\n"; })) << words;
     }
-    EXPECT_EQ(tarnData("convert mixed.csv b.xml"), Failed);
-    EXPECT_EQ(tarnData("convert mixed.csv --text b.xml"), Well) << errors;
-    EXPECT_EQ(tarnData("convert b.xml --text --to-separator=\\; b.csv --replace"), Well) << errors;
-    EXPECT_EQ(read("b.csv"), "v;w\ntrue;a,?b\n" + repeated([](const auto& i) { return i + ";\n"; }));
+    EXPECT_EQ(tarnData("convert mixed.csv b.xml"), Well) << errors;
+    EXPECT_EQ(shell("TMPDIR=/none " + program() + " convert b.xml b.csv"), Failed);
+    EXPECT_NE(errors.find("choose a folder with more room with TMPDIR"), std::string::npos) << errors;
+    EXPECT_EQ(tarnData("convert b.xml --to-separator=\\; b.csv"), Well) << errors;
+    EXPECT_TRUE(read("b.csv") == "v;w\ntrue;\"a,\nb\"\n" + repeated([](const auto& i) { return i + ";\n"; }));
     write("entity.xml", "<!DOCTYPE l [<!ENTITY e 'much more'>]>" + read("values.xml"));
-    EXPECT_EQ(tarnData("convert entity.xml b.csv"), Well) << errors;
-    EXPECT_EQ(tarnData("convert entity.xml --text b.csv"), Failed);
+    EXPECT_EQ(tarnData("convert entity.xml b.csv"), Failed);
     EXPECT_NE(errors.find("entities of its own"), std::string::npos) << errors;
 }
 

@@ -6,6 +6,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
 #include "os/paths.h"
+#include "tarn_data/base/shown.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -16,7 +17,7 @@
 namespace tarn::datatool {
 
 std::string fileWord(const std::string& file) {
-    return "File '" + file + "' ";
+    return "File '" + shown(file) + "' ";
 }
 
 Problem unreadable(const std::string& file, os::FileError error) {

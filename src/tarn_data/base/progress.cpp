@@ -4,6 +4,7 @@
 // written, and a target that was not replaced yet stays as it was.
 #include "kernel/run/progress.h"
 #include "tarn_data/base/problem.h"
+#include "tarn_data/base/shown.h"
 
 #include <chrono>
 #include <csignal>
@@ -25,7 +26,7 @@ struct Shown {
     Clock::time_point next;
     bool visible = false;
 };
-Shown shown;
+Shown progress;
 
 void onSignal(int signal) {
     stopRequest = signal;
@@ -34,25 +35,25 @@ void onSignal(int signal) {
 bool show(std::int64_t done, std::int64_t total) {
     if (stopRequest != 0) return false;
     const auto now = Clock::now();
-    if (now < shown.next || ::isatty(STDERR_FILENO) == 0) return true;
+    if (now < progress.next || ::isatty(STDERR_FILENO) == 0) return true;
     const int percent = total > 0 ? static_cast<int>(done < total ? done * 100 / total : 100) : 0;
-    std::fprintf(stderr, "\r\033[K%s: %d %%", shown.what.c_str(), percent);
+    std::fprintf(stderr, "\r\033[K%s: %d %%", progress.what.c_str(), percent);
     std::fflush(stderr);
-    shown.visible = true;
-    shown.next = now + pause;
+    progress.visible = true;
+    progress.next = now + pause;
     return true;
 }
 
 }  // namespace
 
 Work::Work(const std::string& what) {
-    shown = {what, Clock::now() + quiet, false};
+    progress = {shown(what), Clock::now() + quiet, false};
     UseProgress(show);
 }
 
 Work::~Work() {
     UseProgress(nullptr);
-    if (shown.visible) std::fputs("\r\033[K", stderr);
+    if (progress.visible) std::fputs("\r\033[K", stderr);
     std::fflush(stderr);
 }
 

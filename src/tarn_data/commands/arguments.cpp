@@ -66,7 +66,7 @@ bool readKey(const std::string& text, Arguments& into) {
 
 using Take = bool (*)(const std::string& value, Arguments& into);
 struct Option {
-    std::string_view name, value;
+    std::string_view name, value;  // in brackets: it may be left away
     unsigned commands;
     std::string_view about;
     Take take;
@@ -86,8 +86,20 @@ const Option options[] = {
     {"--max-rows", "N", forReading, "read only the first N rows",
      [](const std::string& v, Arguments& a) { return readNumber(v, INT32_MAX, a.from.maxRows); },
      "a number from 0 to 2147483647"},
-    {"--text", "", forReading, "take every column as text, as it stands in the file",
-     [](const std::string&, Arguments& a) { return a.text = true; }, ""},
+    {"--text", "[COLUMN]", forReading,
+     "take every column as text, as it stands in the file; or the one of that name, once for each",
+     [](const std::string& v, Arguments& a) {
+         if (v.empty()) return a.text = true;
+         a.textColumns.push_back(v);
+         return true;
+     },
+     "the name of a column"},
+    {"--null", "TEXT", forReading, "take cells that are this text as empty; once for each such text",
+     [](const std::string& v, Arguments& a) {
+         a.nulls.push_back(v);
+         return !v.empty();
+     },
+     "the text of a cell"},
     {"--deleted", "", ForConvert, "with the rows of a dbf file that are marked as deleted, and their marks",
      [](const std::string&, Arguments& a) { return a.deleted = true; }, ""},
     {"--type", "FILE", forAll, "what a row of a table file is: type information text, or what 'info' printed",
@@ -105,6 +117,9 @@ const Option options[] = {
     {"--to-footer-rows", "N", ForConvert,
      "lines to write behind its rows: 1 is their count, 2 an empty line first",
      [](const std::string& v, Arguments& a) { return margin(v, a.to.footerRows); }, aMargin},
+    {"--plain", "", ForConvert,
+     "write delimited text without quotes, as programs of the system do; what would need them is refused",
+     [](const std::string&, Arguments& a) { return a.plain = true; }, ""},
     {"--replace", "", ForConvert,
      "write '?' for what the other form cannot hold, and cut, instead of refusing",
      [](const std::string&, Arguments& a) { return a.replace = true; }, ""},
@@ -132,18 +147,22 @@ Problem takeOption(const std::vector<std::string>& arguments, std::size_t& i, Ar
     const Option* const option = findOption(name);
     if (option == nullptr) return {"There is no option '" + name + "'.", seeHelp, WrongUsage};
     std::string value;
+    const bool mayLack = option->value.starts_with('[');
     if (option->value.empty()) {
         if (equals != std::string::npos)
             return {"The option '" + name + "' takes no value.", seeHelp, WrongUsage};
     } else if (equals != std::string::npos) {
         value = argument.substr(equals + 1);
+    } else if (mayLack) {
+        value.clear();
     } else if (i + 1 < arguments.size()) {
         value = arguments[++i];
     } else {
         return {"The option '" + name + "' needs a value.", seeHelp, WrongUsage};
     }
     read.given.push_back({name, option->commands});
-    if (option->take(value, read)) return {};
+    const bool lacks = mayLack && equals != std::string::npos && value.empty();
+    if (!lacks && option->take(value, read)) return {};
     return {"'" + value + "' cannot be the value of '" + name + "'.",
             "It must be " + std::string(option->expected) + ".", WrongUsage};
 }
@@ -173,7 +192,10 @@ std::string optionsHelp() {
     std::string text;
     for (const Option& option : options) {
         std::string left = "  " + std::string(option.name);
-        if (!option.value.empty()) left += "=" + std::string(option.value);
+        if (option.value.starts_with('['))
+            left += "[=" + std::string(option.value.substr(1));
+        else if (!option.value.empty())
+            left += "=" + std::string(option.value);
         left.resize(std::max(column, left.size() + 1), ' ');
         text += left + std::string(option.about) + "\n";
     }

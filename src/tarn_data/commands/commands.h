@@ -7,10 +7,17 @@
 //              info             the command of that name; convert, check and rebuild likewise
 //              patient          what is known of a file before it is mended, and whether it may be
 //   sources/   source           what a file is, and its columns
-//              load             its rows as a table of typed values; loadrows likewise
+//              layout           how a delimited file is laid out
+//              delimited        its rows
+//              cells            the rows of any file as texts
+//              columns          what the cells of each column are
 //              digits           numbers that would lose digits on their way
-//   targets/   target           what the other form cannot hold, and the writing; toxbase and totable likewise
+//              load             rows as a table of typed values; loadrows likewise
+//   targets/   target           which form is written, and how
+//              totext           rows of cells as delimited text and lines; toxml, toxbase and totable likewise
 //   base/      files            reading files, and what they are at first sight
+//              encoding         in which encoding a text is
+//              shown            texts of files in messages
 //              rows             tables of rows on their way
 //              xbase            Xbase files as they stand
 //              rowtype          declarations of rows
@@ -25,6 +32,7 @@
 #include "tarn_data/base/rowtype.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,6 +57,9 @@ struct Arguments {
     std::string type;                            // the file with the declaration of a table file's row
     std::vector<std::vector<std::string>> keys;  // the fields of each index
     bool text = false;                           // columns are text, as they stand
+    std::vector<std::string> textColumns;        // those of these names
+    std::vector<std::string> nulls;              // cells that are taken as empty
+    bool plain = false;                          // delimited text is written without quotes
     bool replace = false;                        // what the target cannot hold is replaced
     bool deleted = false;                        // with the rows that are marked as deleted
     bool toTable = false;                        // the target is a table file, whatever its name
@@ -78,16 +89,24 @@ int rebuild(const Arguments& arguments);
 // ---- sources ----
 
 struct Source {
-    std::string file;
+    Source();
+    ~Source();
+    Source(Source&&) = delete;
+    std::string file;   // as it was given
+    std::string path;   // that is read: a copy for text that is not UTF-8
+    std::unique_ptr<WorkFolder> folder;  // that it stands in
+    std::int64_t begin = 0;              // of the text, behind a mark
+    std::vector<std::string> headings;   // delimited: names of the columns as they stand; empty: none
+    std::vector<std::size_t> widths;     // that a line of dashes below them tells
+    std::vector<std::string> nulls;      // cells that are taken as empty
+    bool crlf = false;                   // delimited: lines end with a carriage return and a line feed
     DataFormat format = FormatUnknown;
     DataOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    std::int32_t rowBehind = 0;  // delimited: the first one behind the empty line that ends those seen; or 0
     XmlRows xmlRows;             // XML: which elements are the rows
     std::vector<std::int32_t> longest;   // of each column: characters of its texts; empty: not known
     bool text = false, deleted = false;  // as the arguments say
-    bool willChange = false;             // the rows must be copies in memory
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
 };
@@ -101,19 +120,9 @@ std::string declaration(const std::string& file, std::string_view columns);
 std::string separatorName(std::int32_t separator);
 // Every column as text.
 std::string textColumns(std::string_view columns);
-// The rows of a file with these columns. Strings have no upper length here, unless the rows are those of a
-// table file or go into one (`exact`): memory goes by what they hold.
+// The rows of a file of values or of XML with these columns. Strings have no upper length here, unless the
+// rows are those of a table file or go into one (`exact`): memory goes by what they hold.
 Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows);
-// The columns were found in the rows up to the first empty line. Rows with content behind it would be read by
-// columns that do not know them.
-Problem checkEmptyLine(const Source& source);
-// Columns whose numbers have digits that a real does not hold become text, and a note says so.
-Problem keepDigits(Source& source);
-// The numbers of a source against the fields of the table file that they shall fill, by their place: the
-// first one whose digits its field does not hold.
-Problem checkDigits(const Source& source, const RowType& type);
-// The columns of a file whose types do not fit each other, when they are to be text.
-Problem identifyTexts(Source& source, const DataFileInfo& info);
 
 // ---- targets ----
 
@@ -121,38 +130,16 @@ struct Target {
     std::string file;
     DataFormat format = FormatUnknown;
     DataOptions options;
+    bool plain = false, replace = false;         // as the arguments say
+    std::optional<std::int32_t> headerRows;      // that were asked for
     RowType type;                                // of a table file
     std::vector<std::vector<std::string>> keys;  // of its indexes, if they are given
 };
 // A file that cannot be a target is wrong usage.
 Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target);
-// Finds the first cell that the target cannot hold, or with `replace` changes all of them. May change the
-// names of columns, too.
-Problem fitRows(const Target& target, bool replace, std::string& columns, Rows& rows);
-Problem saveRows(const Target& target, std::string_view columns, Rows& rows);
-
-// ---- Xbase files and table files as targets ----
-
-Problem fitXbase(bool replace, std::string& columns, Rows& rows);
-Problem saveXbase(const Target& target, std::string_view columns, Rows& rows);
 Problem copyXbase(const Source& source, const Target& target);
 // The columns of a source, by name, against those of the table file that they shall fill.
-Problem fitColumns(const Source& source, std::string_view columns, const RowType& type);
+Problem fitColumns(const Source& source, std::vector<std::string> names, const RowType& type);
 Problem saveTable(const Target& target, Rows& rows);
-
-// Lets `fitting` look at each row: its `row` gives what does not fit, and `changed` tells whether it changed
-// the row, which is then kept.
-template <class Fitting>
-Problem fitEachRow(Fitting& fitting, Rows& rows, Problem problem) {
-    rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
-        RecordDescriptor* const row = rows.at(i);
-        if (row != nullptr) problem = fitting.row(row, i);
-        if (fitting.changed() && !problem.any() && ErrorCell() == 0) rows.keep();
-        if (ErrorCell() != 0) problem = {ErrorMessage(ErrorCell()) + ".", ""};
-    }
-    ClearError();
-    return problem;
-}
 
 }  // namespace tarn::datatool

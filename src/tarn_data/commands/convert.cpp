@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rows of one file into another. All of them are read, and looked at, before the target is touched.
+// The rows of one file into another. Cells travel as texts, byte for byte; what they are matters only where
+// the other form has types. The target is touched when all of it is there.
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/index/index_file.h"
 #include "tarn_data/base/files.h"
-#include "tarn_data/commands/commands.h"
+#include "tarn_data/base/shown.h"
+#include "tarn_data/base/tables.h"
+#include "tarn_data/commands/looking.h"
+#include "tarn_data/targets/celltarget.h"
 
 #include <algorithm>
 
@@ -12,26 +16,19 @@ namespace tarn::datatool {
 
 namespace {
 
-// A declaration is that of the source, unless only the target is a table file.
-bool readsTable(const Arguments& arguments, const Target& target) {
-    if (arguments.type.empty()) return false;
-    const std::string& file = arguments.files[0];
-    return target.format != FormatBinary || DataFormatOf(file) == FormatBinary || isTableByIndex(file);
-}
+struct Conversion {
+    const Arguments& arguments;
+    Target target;
+    Source source;
+    TargetColumns columns;
+    std::unique_ptr<CellSource> cells;
+};
 
-// Texts for the characters of fixed width that table files may hold.
-std::string plainColumns(std::string_view columns) {
-    std::string text;
-    const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
-    for (std::int32_t n = 1; n <= lines; ++n) {
-        const TypeInfoElement element = TypeInfoParseLine(columns, n);
-        const bool character = element.typeName == "Tchar";
-        if (TypeInfoKind(element.typeName) != KindArray && !character)
-            text += TypeInfoLine(columns, n);
-        else
-            text += element.name + " : string[" + std::to_string(character ? 1 : element.bounds.ub1) + "]\n";
-    }
-    return text;
+// A declaration is that of the source, unless only the target is a table file.
+bool readsTable(const Conversion& c) {
+    if (c.arguments.type.empty()) return false;
+    const std::string& file = c.arguments.files[0];
+    return c.target.format != FormatBinary || DataFormatOf(file) == FormatBinary || isTableByIndex(file);
 }
 
 Problem checkSimple(const Source& source) {
@@ -51,6 +48,81 @@ Problem checkSimple(const Source& source) {
     return {};
 }
 
+// ---- the steps ----
+
+Problem chooseTargetOf(Conversion& c) {
+    return chooseTarget(c.arguments.files[1], c.arguments, c.target);
+}
+
+Problem identifySource(Conversion& c) {
+    Problem problem = identify(c.arguments.files[0], c.arguments, readsTable(c), c.source);
+    return !problem.any() && c.source.format == FormatBinary ? checkSimple(c.source) : problem;
+}
+
+// Forms that tell the type of a column, or how long it is, need to know all its cells first.
+Problem lookAtCells(Conversion& c) {
+    const bool typed = c.target.format == FormatXml || c.target.format == FormatXbase;
+    const bool needsNames = !RowsAreLines(c.target.format) || c.target.headerRows.value_or(0) > 0;
+    const bool asks =
+        !c.arguments.textColumns.empty() || (needsNames && columnNamesOf(c.source).empty());
+    c.cells = cellsOf(c.source);
+    Problem problem;
+    if (typed || asks) problem = lookAtSource(c.arguments, c.source, *c.cells, c.columns.facts);
+    if (problem.any()) return problem;
+    if (typed || asks) {
+        if (c.columns.facts.gap.any()) return c.columns.facts.gap;
+        for (const ColumnFacts& column : c.columns.facts.columns) c.columns.headings.push_back(column.name);
+    } else {
+        c.columns.headings = columnNamesOf(c.source);
+    }
+    if (typed && c.columns.headings.size() > std::size_t{MaxTabColumns})
+        return tooManyColumns(c.source, c.columns.headings.size());
+    if (c.target.format == FormatXbase) noteTextColumns(c.source, c.columns.facts);
+    return {};
+}
+
+// Names of the language, for those forms that need them. Delimited text keeps the headings.
+Problem nameColumns(Conversion& c) {
+    c.columns.names = namesOfLanguage(c.columns.headings);
+    c.columns.named = c.source.format == FormatText || !RowsAreLines(c.source.format) ||
+                      c.source.options.numheaderrows > 0;
+    if (RowsAreLines(c.target.format) && !c.target.plain) {
+        if (!c.source.headings.empty()) c.columns.headings = c.source.headings;
+        return {};
+    }
+    if (c.target.format == FormatBinary) return fitColumns(c.source, c.columns.names, c.target.type);
+    if (c.columns.named) noteRenamed(c.columns.headings, c.columns.names);
+    return {};
+}
+
+Problem writeRows(Conversion& c) {
+    const std::unique_ptr<CellTarget> target = cellTargetOf(c.source, c.target, c.columns);
+    const Work work("writing " + c.target.file);
+    Problem problem = c.cells->open();
+    RowsFacts widths;
+    CellRow row;
+    std::int64_t rows = 0;
+    widths.usualCells = c.columns.headings.size();
+    if (!problem.any()) problem = target->begin();
+    while (!problem.any() && c.cells->next(row)) {
+        countRagged(row.size(), ++rows, widths);
+        problem = target->put(row, rows);
+    }
+    if (!problem.any()) problem = c.cells->problem().any() ? c.cells->problem() : c.cells->gap();
+    if (!problem.any()) problem = target->finish(rows);
+    if (!problem.any()) noteRagged(c.source, widths);
+    return problem;
+}
+
+// Values of these go as they are: texts could not tell all of them.
+Problem copyValues(Conversion& c) {
+    std::string columns = c.target.type.columns;
+    Problem problem = fitColumns(c.source, columnNames(repairedNames(c.source.columns)), c.target.type);
+    Rows rows;
+    if (!problem.any()) problem = loadRows(c.source, columns, true, rows);
+    return problem.any() ? problem : saveTable(c.target, rows);
+}
+
 void tellWhatIsLeftOut(const Source& source) {
     const auto rows = [](std::int32_t n) { return std::to_string(n) + (n == 1 ? " row" : " rows"); };
     if (source.deletedRows > 0 && !source.deleted)
@@ -61,39 +133,43 @@ void tellWhatIsLeftOut(const Source& source) {
              "' counts left out; 'tarn-data rebuild' takes them in.");
 }
 
-Problem convertRows(const Arguments& arguments, const Target& target, Source& source) {
-    const bool table = target.format == FormatBinary, xbase = target.format == FormatXbase;
-    Problem problem = checkEmptyLine(source);
-    if (!problem.any() && !table) problem = keepDigits(source);
-    std::string columns = source.text ? textColumns(source.columns) : source.columns;
-    if (source.format == FormatBinary && !table && !xbase) columns = plainColumns(columns);
-    columns = repairedNames(columns);
-    if (!problem.any() && table) problem = fitColumns(source, columns, target.type);
-    if (!problem.any() && table) problem = checkDigits(source, target.type);
-    if (table) columns = target.type.columns;
-    Rows rows;
-    if (!problem.any()) problem = loadRows(source, columns, table, rows);
-    if (!problem.any()) problem = fitRows(target, arguments.replace, columns, rows);
-    return problem.any() ? problem : saveRows(target, columns, rows);
+// How a source becomes a target: the first row that fits.
+struct Way {
+    bool (*fits)(const Conversion& c);
+    std::vector<Problem (*)(Conversion&)> steps;
+};
+bool asksForTexts(const Conversion& c) {
+    return c.source.text || !c.arguments.textColumns.empty() || !c.arguments.nulls.empty();
+}
+const Way ways[] = {
+    {[](const Conversion& c) {
+         return c.source.format == FormatXbase && c.target.format == FormatXbase && !asksForTexts(c);
+     },
+     {[](Conversion& c) { return copyXbase(c.source, c.target); }}},
+    {[](const Conversion& c) {
+         return c.target.format == FormatBinary && FactsOf(c.source.format).rows == RowForm::Records &&
+                !asksForTexts(c);
+     },
+     {copyValues}},
+    {[](const Conversion&) { return true; }, {lookAtCells, nameColumns, writeRows}},
+};
+
+Problem takeSteps(Conversion& c, const std::vector<Problem (*)(Conversion&)>& steps) {
+    Problem problem;
+    for (std::size_t n = 0; n < steps.size() && !problem.any(); ++n) problem = steps[n](c);
+    return problem;
 }
 
 }  // namespace
 
 int convert(const Arguments& arguments) {
-    Target target;
-    Problem problem = chooseTarget(arguments.files[1], arguments, target);
+    Conversion c{arguments, {}, {}, {}, {}};
+    Problem problem = takeSteps(c, {chooseTargetOf, identifySource});
     if (problem.any()) return tell(problem);
-    Source source;
-    problem = identify(arguments.files[0], arguments, readsTable(arguments, target), source);
-    // The writers of text and XML take values in memory.
-    const bool byRows = target.format == FormatBinary || target.format == FormatXbase;
-    source.willChange = arguments.replace || !byRows;
-    if (!problem.any() && source.format == FormatBinary) problem = checkSimple(source);
+    const Way& way = *std::find_if(std::begin(ways), std::end(ways), [&](const Way& w) { return w.fits(c); });
+    problem = takeSteps(c, way.steps);
     if (problem.any()) return tell(problem);
-    const bool xbase = source.format == FormatXbase && target.format == FormatXbase && !source.text;
-    problem = xbase ? copyXbase(source, target) : convertRows(arguments, target, source);
-    if (problem.any()) return tell(problem);
-    tellWhatIsLeftOut(source);
+    tellWhatIsLeftOut(c.source);
     return Well;
 }
 

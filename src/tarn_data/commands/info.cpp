@@ -4,9 +4,11 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/tables/tables.h"
 #include "os/paths.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/base/xbase.h"
-#include "tarn_data/commands/commands.h"
+#include "tarn_data/commands/looking.h"
+#include "tarn_data/sources/layout.h"
 #include "tarn_data/sources/load.h"
 
 #include <algorithm>
@@ -18,30 +20,33 @@ namespace {
 constexpr const char* seeCheck = "; 'tarn-data check' tells more";
 
 std::string line(const char* name, const std::string& text) {
-    return std::string(name) + ": " + text + "\n";
+    return std::string(name) + ": " + shown(text) + "\n";
 }
 
-std::string renamedText(std::string_view before, std::string_view repaired) {
-    const std::vector<std::string> from = columnNames(before), to = columnNames(repaired);
+// A heading that is no name stands in quotes.
+std::string renamedText(const std::vector<std::string>& from, const std::vector<std::string>& to) {
     std::string text;
     for (std::size_t i = 0; i < std::min(from.size(), to.size()); ++i) {
-        if (from[i] != to[i]) text += "renamed: " + from[i] + " to " + to[i] + "\n";
+        const bool plain = typeInfoName(from[i]) == from[i] || from[i].starts_with('"');
+        const std::string name = plain ? shown(from[i]) : '"' + shown(from[i]) + '"';
+        if (from[i] != to[i]) text += "renamed: " + name + " to " + to[i] + "\n";
     }
     return text;
 }
 
 // The last lines: default keys and the declaration, with names that the language accepts.
-std::string declared(const std::string& file, const std::string& columns) {
+std::string declared(const std::string& file, const std::string& columns,
+                     const std::vector<std::string>& headings) {
     const std::string repaired = repairedNames(columns), whole = declaration(file, repaired);
     const std::string keys = TypeInfoFieldList(whole).keys.names;
-    return line("default keys", keys.empty() ? "none" : keys) + renamedText(columns, repaired) +
-           "declaration:\n" + whole;
+    return line("default keys", keys.empty() ? "none" : keys) +
+           renamedText(headings, columnNames(repaired)) + "declaration:\n" + whole;
 }
 
 // ---- text and XML ----
 
 std::string rowsText(const Source& source, const Arguments& arguments) {
-    if (source.rowsSeen < 0) return RowsAreLines(source.format) ? "as many as lines" : "not counted";
+    if (source.rowsSeen < 0) return "not counted";
     const bool first = arguments.from.maxRows && source.rowsSeen == *arguments.from.maxRows;
     return std::to_string(source.rowsSeen) + (first ? " (at most as many as --max-rows)" : "");
 }
@@ -59,19 +64,40 @@ std::string formText(const Source& source) {
            rows(source.options.numheaderrows, "header") + rows(source.options.numfooterrows, "footer");
 }
 
+// The lines of the columns as they were declared, but for those whose cells a value would change.
+std::string columnsText(const Source& source, const RowsFacts& facts) {
+    std::string text;
+    for (std::size_t n = 0; n < facts.columns.size(); ++n) {
+        const ColumnFacts& column = facts.columns[n];
+        const bool changed = !column.text && column.type() == CellClass::Text;
+        const std::string own = TypeInfoLine(source.columns, static_cast<std::int32_t>(n + 1));
+        text += RowsAreLines(source.format) || source.text || changed || own.empty() ? column.line() : own;
+    }
+    return text;
+}
+
 int infoText(const std::string& file, const Arguments& arguments) {
     Source source;
+    RowsFacts facts;
     Problem problem = identify(file, arguments, false, source);
-    // The rows of a long file are not kept only to be looked at.
-    const bool look = RowsAreLines(source.format) || fitsMemory(source.rowsSeen);
-    if (!problem.any() && look) problem = keepDigits(source);
     if (problem.any()) return tell(problem);
-    const Problem gap = checkEmptyLine(source);
-    if (gap.any()) note(gap.what + " Only rows ahead of it are counted.");
-    const std::string columns = arguments.text ? textColumns(source.columns) : source.columns;
+    // The rows of a long file of XML are not kept only to be looked at.
+    const bool look = RowsAreLines(source.format) || fitsMemory(source.rowsSeen);
+    if (look) problem = lookAtSource(arguments, source, *cellsOf(source), facts);
+    if (problem.any()) return tell(problem);
+    if (facts.columns.size() > std::size_t{MaxTabColumns})
+        return tell(tooManyColumns(source, facts.columns.size()));
+    if (facts.gap.any()) note(facts.gap.what + " Only rows ahead of it are counted.");
+    noteTextColumns(source, facts);
+    noteRagged(source, facts);
+    if (RowsAreLines(source.format)) source.rowsSeen = static_cast<std::int32_t>(facts.rows);
+    const std::string columns = look ? columnsText(source, facts) : source.columns;
+    std::vector<std::string> headings = columnNames(columns);
+    for (std::size_t n = 0; RowsAreLines(source.format) && n < headings.size(); ++n)
+        headings[n] = facts.columns[n].name;
     return print(line("file", file) + line("type", formText(source)) +
                  line("rows", rowsText(source, arguments)) +
-                 line("columns", std::to_string(columnNames(columns).size())) + declared(file, columns));
+                 line("columns", std::to_string(headings.size())) + declared(file, columns, headings));
 }
 
 // ---- indexes ----
@@ -140,7 +166,7 @@ int infoXbase(const std::string& name) {
     if (problem.any()) return tell(problem);
     return print(line("file", name) + line("type", "Xbase") + line("rows", rows) +
                  line("columns", std::to_string(file.header().fieldCount)) +
-                 indexLines(indexesBeside(name, type), name) + declared(name, type.columns));
+                 indexLines(indexesBeside(name, type), name) + declared(name, type.columns, columnNames(type.columns)));
 }
 
 // ---- table files ----
@@ -162,7 +188,7 @@ int infoTable(const std::string& file, const std::string& typeFile) {
                                     : "table file of at most " + std::to_string(type.capacity) + " rows") +
                  line("rows", rows) + line("record length", std::to_string(facts.rowBytes)) +
                  line("columns", std::to_string(fieldNames(type.columns).size())) +
-                 indexLines(indexesBeside(file, type), file) + declared(file, type.columns));
+                 indexLines(indexesBeside(file, type), file) + declared(file, type.columns, columnNames(type.columns)));
 }
 
 }  // namespace

@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
-#include <optional>
 
 namespace tarn::datatool {
 
@@ -56,26 +55,19 @@ Problem makeFileRows(std::string_view columns, Rows& rows) {
 
 namespace {
 
-// The characters of the longest text of each column; empty when they cannot be told.
-std::vector<std::int32_t> longestOf(const Source& source) {
-    if (!source.longest.empty() || !RowsAreLines(source.format)) return source.longest;
-    return TabMeasure(source.file, source.options).longest;
-}
-
 // Columns of text with the length of their longest text, where they have none of their own; "" when a length
 // cannot be told.
 std::string withLengths(const Source& source, std::string_view columns) {
     std::string text;
-    std::optional<std::vector<std::int32_t>> longest;
     const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
     for (std::int32_t n = 1; n <= lines; ++n) {
         const TypeInfoElement element = TypeInfoParseLine(columns, n);
         const bool open =
             TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
-        if (open && !longest) longest = longestOf(source);
-        if (open && longest->empty() && !RowsAreLines(source.format)) return {};
+        if (open && source.longest.empty()) return {};
         const auto column = static_cast<std::size_t>(n - 1);
-        const std::int32_t length = open && column < longest->size() ? std::max((*longest)[column], 1) : 1;
+        const std::int32_t length =
+            open && column < source.longest.size() ? std::max(source.longest[column], 1) : 1;
         text +=
             open ? element.name + " : string[" + std::to_string(length) + "]\n" : TypeInfoLine(columns, n);
     }
@@ -128,60 +120,19 @@ namespace {
 Problem load(const Source& source, const DataOptions& options, Rows& rows, DataResult& result) {
     const Work work("reading " + source.file);
     std::string message;
-    // Lines, too, go by the options here.
-    const bool lines = FactsOf(source.format).rows == RowForm::Lines;
-    const DataFormat format = lines ? FormatTab : source.format;
-    result = LoadRows(source.file, format, options, source.xmlRows.form, rows.table.get(), message);
+    result = LoadRows(source.file, source.format, options, source.xmlRows.form, rows.table.get(), message);
     ClearError();
     if (result.stopped || stopSignal() != 0) return stoppedProblem();
     return result.code == 0 ? Problem() : loadProblem(source, result, message);
 }
 
-// No row behind the first empty line is looked at: it is blank, as `checkEmptyLine` tells.
-Problem loadDelimited(const Source& source, Rows& rows) {
-    DataResult result;
-    DataOptions options = source.options;
-    if (source.rowsSeen >= 0) options.maxdatarows = source.rowsSeen;
-    return load(source, options, rows, result);
-}
-
 }  // namespace
-
-Problem checkEmptyLine(const Source& source) {
-    if (source.rowBehind == 0) return {};
-    return {rowOf(source, source.rowsSeen + 1) + "is empty, and row " + std::to_string(source.rowBehind) +
-                " is not.",
-            "Take the empty line out, or leave what follows it with --max-rows=" +
-                std::to_string(source.rowsSeen) + " or --footer-rows."};
-}
-
-Problem identifyTexts(Source& source, const DataFileInfo& info) {
-    DataOptions header = source.options;
-    header.maxdatarows = 0;
-    std::string names = TabDiscover(source.file, header, MaxTypeInfo).typeText, all;
-    TypeInfoStripOuter(names, MaxTypeInfo);
-    const std::size_t named = columnNames(names).size();
-    const Work work("reading " + source.file);
-    TabExtent extent = TabMeasure(source.file, source.options);
-    if (extent.stopped || stopSignal() != 0) return stoppedProblem();
-    source.format = info.format;
-    if (extent.code != 0) return loadProblem(source, {extent.code, extent.row}, {});
-    const std::size_t used = std::max(named, extent.longest.size());
-    for (std::size_t n = 1; n <= used; ++n)
-        all += n <= named ? TypeInfoLine(names, static_cast<std::int32_t>(n))
-                          : "FIELD" + std::to_string(n) + " : string\n";
-    source.columns = textColumns(all);
-    source.rowsSeen = extent.rows;
-    source.longest = std::move(extent.longest);
-    return {};
-}
 
 Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows) {
     if (source.format == FormatBinary) return loadTable(source, columns, rows);
     Problem problem = makeRowsFor(source, columns, exact, rows);
     if (problem.any()) return problem;
     if (source.format == FormatXbase) return loadXbase(source, rows);
-    if (IsDelimited(source.format)) return loadDelimited(source, rows);
     DataResult result;
     return load(source, source.options, rows, result);
 }

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn::datatool {
 
@@ -22,6 +23,10 @@ Problem makeFileRows(std::string_view columns, Rows& rows);
 // As many as a value in memory has.
 bool fitsMemory(std::int64_t rows);
 Problem loadProblem(const Source& source, const DataResult& result, const std::string& message);
+// The rows of a table file where they stand.
+Problem openTableRows(const Source& source, Rows& rows);
+// Which columns of a declaration are single characters.
+std::vector<bool> characterColumns(std::string_view columns);
 Problem loadXbase(const Source& source, Rows& rows);
 Problem loadTable(const Source& source, std::string_view columns, Rows& rows);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Rows of Xbase files and of table files, one after another.
+#include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
@@ -10,6 +11,8 @@
 #include "kernel/values/arrays.h"
 #include "kernel/values/records.h"
 #include "kernel/values/strings.h"
+#include "os/text/ascii.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/xbase.h"
 #include "tarn_data/sources/load.h"
 
@@ -40,7 +43,8 @@ public:
         : file_(file), record_(record), marked_(FieldCountOf(record->kinds) > file.header().fieldCount) {}
 
     // 0, or the field of the file, from 1, that its column cannot hold; the error is then set.
-    std::int32_t fill(std::string_view row) {
+    std::int32_t fill(std::string_view row, std::int32_t number) {
+        number_ = number;
         if (marked_) putMark(row[0]);
         for (std::int32_t n = 0; n < file_.header().fieldCount; ++n) {
             const std::int32_t column = n + (marked_ ? 2 : 1);
@@ -49,6 +53,10 @@ public:
         }
         return 0;
     }
+
+    // Fields that hold nothing, and became 0 or False.
+    [[nodiscard]] std::int64_t blanks() const { return blanks_; }
+    [[nodiscard]] std::int32_t firstBlank() const { return firstBlank_; }
 
 private:
     void putMark(char mark) {
@@ -59,7 +67,7 @@ private:
         else
             *static_cast<char*>(field) = FieldKindAt(record_->kinds, 1) == KindEnum ? mark : char{deleted};
     }
-    bool put(std::string_view row, std::int32_t n, void* at, Kind kind) const {
+    bool put(std::string_view row, std::int32_t n, void* at, Kind kind) {
         const XbaseHeader& header = file_.header();
         const std::string_view field = file_.field(row, n);
         if (kind == KindString) {
@@ -67,6 +75,7 @@ private:
             StringAssignView(static_cast<StringDescriptor*>(at), text);
             return ErrorCell() == 0;
         }
+        if (kind < KindString && trimmedText(field).empty() && blanks_++ == 0) firstBlank_ = number_;
         auto position = static_cast<std::size_t>(field.data() - row.data());
         std::int32_t number = n + 1;
         XbaseFault fault;
@@ -78,6 +87,8 @@ private:
     const XbaseFile& file_;
     RecordDescriptor* record_;
     bool marked_;
+    std::int32_t number_ = 0, firstBlank_ = 0;
+    std::int64_t blanks_ = 0;
 };
 
 }  // namespace
@@ -97,7 +108,7 @@ Problem loadXbase(const Source& source, Rows& rows) {
     for (std::int32_t number = 1; file.next(row) && !problem.any(); ++number) {
         if (!steps.step(file.header().recordSize)) return stoppedProblem();
         if (row[0] == DeletedRow && !source.deleted) continue;
-        const std::int32_t field = filling.fill(row);
+        const std::int32_t field = filling.fill(row, number);
         if (field != 0)
             problem = {fileWord(source.file) + "row " + std::to_string(number) + ", field " +
                            std::to_string(field) + " cannot be read: " + ErrorMessage(TakeError()) + ".",
@@ -107,6 +118,10 @@ Problem loadXbase(const Source& source, Rows& rows) {
     }
     if (!problem.any() && file.error() != os::FileError::None)
         problem = unreadable(source.file, file.error());
+    if (!problem.any() && filling.blanks() > 0)
+        note(std::to_string(filling.blanks()) + " blank fields of '" + shown(source.file) +
+             "' become 0 or False (the first in row " + std::to_string(filling.firstBlank()) +
+             "): a table file has no other number for nothing.");
     return problem.any() || rows.endBatch() ? problem : rowProblem(source, 0, TakeError());
 }
 
@@ -169,11 +184,23 @@ bool sameKinds(const RecordDescriptor* a, const RecordDescriptor* b) {
 
 }  // namespace
 
+Problem openTableRows(const Source& source, Rows& rows) {
+    return openTable(source, source.type.columns, rows);
+}
+
+std::vector<bool> characterColumns(std::string_view columns) {
+    std::vector<bool> characters;
+    const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
+    for (std::int32_t n = 1; n <= lines; ++n)
+        characters.push_back(ascii::equal(TypeInfoParseLine(columns, n).typeName, "Tchar"));
+    return characters;
+}
+
 Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
     RecordValue wanted;
     Rows inPlace;
     const bool same = makeRow(columns, wanted) && sameKinds(wanted.get(), source.type.row.get());
-    const bool whole = same && !source.willChange && source.options.maxdatarows < 0;
+    const bool whole = same && source.options.maxdatarows < 0;
     Problem problem = openTable(source, same ? columns : source.type.columns, whole ? rows : inPlace);
     if (problem.any()) return problem;
     if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, TakeError());

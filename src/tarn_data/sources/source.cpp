@@ -5,27 +5,33 @@
 #include "kernel/data/xml/xml.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/progress.h"
-#include "library/data/dbutil.h"
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/text/ascii.h"
+#include "tarn_data/base/encoding.h"
 #include "tarn_data/base/files.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/tables.h"
+#include "tarn_data/sources/layout.h"
 #include "tarn_data/sources/load.h"
 
 #include <algorithm>
 
 namespace tarn::datatool {
 
+Source::Source() = default;
+Source::~Source() = default;
+
 namespace {
 
 // What to do about a file that is none of the known forms.
-std::string adviceFor(const std::string& beginning) {
+std::string adviceFor(const std::string& file, const std::string& beginning) {
+    const EncodingFacts facts = encodingOfBeginning(beginning);
+    if (facts.isUtf16())
+        return "It is UTF-16 text. Convert it first: " + iconvCommand(shown(file), facts.encoding);
     constexpr struct {
         std::string_view bytes, advice;
     } marks[] = {
-        {"\xEF\xBB\xBF", "It begins with a byte order mark: take its first three bytes off."},
-        {"\xFF\xFE", "It is UTF-16 text: convert it to UTF-8 without a byte order mark first."},
-        {"\xFE\xFF", "It is UTF-16 text: convert it to UTF-8 without a byte order mark first."},
         {"\x1F\x8B", "It is compressed: unpack it first (gunzip)."},
         {"PK\3\4", "It is a zip archive or an office document: unpack it, or save it as csv, first."},
     };
@@ -36,42 +42,72 @@ std::string adviceFor(const std::string& beginning) {
            "; --separator=C reads it as delimited text, --type=FILE as a table file.";
 }
 
-bool isTypeConflict(const std::string& message) {
-    return message.starts_with("The type of element ");
-}
-
 Problem problemOfInfo(const std::string& file, const std::string& message) {
     const Problem problem = problemOfName(file);
     if (problem.any()) return {message, problem.next};
     if (os::sizeOf(os::native(file)) == 0)
         return {message, "It is empty; a data file has at least one line."};
     if (message.find("unknown file type") != std::string::npos)
-        return {message, adviceFor(beginningOf(file))};
+        return {message, adviceFor(file, beginningOf(file))};
     if (message.find("locked") != std::string::npos)
         return {message, "Look whether you may read it, and whether another program has it open."};
     if (message.find("nested") != std::string::npos)
         return {message, "Only files of rows with simple columns can be handled."};
     if (message.find("(Line ") != std::string::npos)
         return {fileWord(file) + "cannot be read: " + message, "Correct the file at that place."};
-    if (isTypeConflict(message))
+    if (message.starts_with("The type of element "))
         return {fileWord(file) + "has rows that do not fit each other: " + message,
                 "--text takes every column as text."};
     return {message.find(file) == std::string::npos ? fileWord(file) + "cannot be read: " + message : message,
             "Look whether its rows are what the options say, and whether it holds any."};
 }
 
-// ---- layouts ----
+// ---- delimited text ----
 
-// The layout that is given, and for the rest what the first two lines suggest.
-DataOptions layoutOf(const std::string& file, const Layout& given) {
-    const PossibleFileDetails likely = GETPOSSIBLEFILEDETAILS(file);
-    const std::string separator = GETSEPARATOR(likely.separator);
-    DataOptions options;
-    options.separatorchar = given.separator.value_or(static_cast<unsigned char>(separator[0]));
-    options.numheaderrows = given.headerRows.value_or(likely.headerRows[0] - '0');
-    options.numfooterrows = given.footerRows.value_or(0);
-    options.maxdatarows = given.maxRows.value_or(-1);
-    return options;
+bool beginsAsXml(std::string_view bytes) {
+    constexpr std::string_view marks = "_:!?";
+    return bytes.size() >= 2 && bytes[0] == '<' &&
+           (ascii::isLetter(bytes[1]) || marks.find(bytes[1]) != std::string_view::npos);
+}
+
+// Four bytes that text begins with, or fewer: letters, digits, and what stands between them.
+bool beginsAsText(std::string_view bytes) {
+    constexpr std::string_view marks = "\1\t \",-._\r\n";
+    const std::string_view head = bytes.substr(0, 4);
+    return !head.empty() && std::all_of(head.begin(), head.end(), [&](char c) {
+        return ascii::isLetter(c) || ascii::isDigit(c) || marks.find(c) != std::string_view::npos;
+    });
+}
+
+// What begins like text, or is said to be text and has no zero byte. Other forms are told by their beginning.
+bool isDelimitedText(const Arguments& arguments, const Source& source, const std::string& beginning) {
+    if (encodingOfBeginning(beginning).isUtf16()) return true;
+    const std::string_view text = std::string_view(beginning).substr(static_cast<std::size_t>(source.begin));
+    if (beginsAsText(text)) return true;
+    if (text.empty()) return false;
+    const bool said = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
+    return said && adviceFor(source.file, beginning)[0] != 'I' && text.find('\0') == std::string_view::npos;
+}
+
+// Text of UTF-16 is read from a copy of UTF-8.
+Problem takeEncoding(Source& source, const std::string& beginning) {
+    const EncodingFacts facts = encodingOfBeginning(beginning);
+    source.begin = static_cast<std::int64_t>(facts.markBytes);
+    if (!facts.isUtf16()) return {};
+    source.folder = std::make_unique<WorkFolder>();
+    source.path = source.folder->path() + "/text";
+    source.begin = 0;
+    Problem problem;
+    if (source.folder->error() != os::FileError::None)
+        problem = {fileWord(source.file) + "is UTF-16 text, and there is no folder for a copy of it: " +
+                       std::string(os::describe(source.folder->error())),
+                   "Choose one with TMPDIR, or convert it first: " +
+                       iconvCommand(shown(source.file), facts.encoding)};
+    else
+        problem = writeAsUtf8(source.file, facts, source.path);
+    if (!problem.any())
+        note(fileWord(source.file) + "is UTF-16 text. It is read as UTF-8, and what is written is UTF-8.");
+    return problem;
 }
 
 Problem identifyLines(const Arguments& arguments, Source& source) {
@@ -83,28 +119,25 @@ Problem identifyLines(const Arguments& arguments, Source& source) {
     source.options.numfooterrows = arguments.from.footerRows.value_or(0);
     source.options.maxdatarows = arguments.from.maxRows.value_or(-1);
     source.columns = "line : string\n";
-    return {};
+    source.headings = {"line"};
+    return takeEncoding(source, beginningOf(source.file));
 }
 
-// The rows of text that does not begin like text of the known forms, but is said to be.
-bool discoverAnyway(Source& source, DataFileInfo& info) {
-    const std::string beginning = beginningOf(source.file);
-    const bool otherForm = adviceFor(beginning)[0] == 'I';
-    if (otherForm || beginning.find('\0') != std::string::npos) return false;
-    TabStructure found = TabDiscover(source.file, source.options, MaxTypeInfo);
-    TypeInfoStripOuter(found.typeText, MaxTypeInfo);
-    info = {FormatTab, found.typeText, found.message, {}, source.options, found.rowsSeen, found.columnsSeen};
-    info.rowBehind = found.rowBehind;
-    return true;
+Problem identifyDelimited(const Arguments& arguments, Source& source, const std::string& beginning) {
+    source.format = FormatTab;
+    Problem problem = takeEncoding(source, beginning);
+    if (!problem.any()) problem = findLayout(arguments, source);
+    source.format = source.options.separatorchar == ',' ? FormatComma : FormatTab;
+    return problem;
 }
+
+// ---- XML ----
 
 Problem checkColumns(const Source& source, const DataFileInfo& info) {
     if (info.columnsSeen <= MaxTabColumns) return {};
     return {fileWord(source.file) + "has " + std::to_string(info.columnsSeen) + " columns; at most " +
                 std::to_string(MaxTabColumns) + " can be handled.",
-            IsDelimited(info.format)
-                ? "Split it into files of fewer columns, or choose another separator with --separator."
-                : "Split it into files of fewer columns."};
+            "Split it into files of fewer columns."};
 }
 
 // A list of one record looks like a record of one field that is a record. Its columns are those of the row.
@@ -134,58 +167,48 @@ Problem identifyXml(Source& source) {
     return {order.missing.empty() ? order.message : order.missing, order.advice};
 }
 
-// A cell without quotes ends at such a byte, and what stands behind it is not read.
-void noteZeroBytes(const std::string& file) {
-    constexpr std::size_t blockBytes = std::size_t{1} << 20;
-    FileRows bytes;
-    std::string block;
-    if (!bytes.open(file)) return;
-    Steps steps(bytes.size());
-    for (std::int64_t at = 0; bytes.read(at, blockBytes, block) && !block.empty();) {
-        if (block.find('\0') != std::string::npos)
-            return note(fileWord(file) + "holds zero bytes. A cell without quotes ends at one.");
-        at += static_cast<std::int64_t>(block.size());
-        if (!steps.step(static_cast<std::int64_t>(block.size()))) return;
-    }
-}
-
+// What the kernel tells by the first bytes: XML, and what is no file of rows.
 Problem identifyOther(const Arguments& arguments, Source& source) {
-    const DataFormat byName = DataFormatOf(source.file);
-    source.options = layoutOf(source.file, arguments.from);
-    DataFileInfo info = GetDataFileInfo(source.file, &source.options);
-    const bool delimited = IsDelimited(byName) || arguments.from.separator;
+    DataOptions options;
+    options.maxdatarows = 0;
+    DataFileInfo info = GetDataFileInfo(source.file, &options);
     const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
+    const bool delimited = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
     if (unknown && !delimited && !arguments.type.empty()) return identifyTable(arguments, source);
-    if (unknown && delimited && !discoverAnyway(source, info))
-        return problemOfInfo(source.file, info.message);
     if (stopSignal() != 0) return stoppedProblem();
-    const bool conflict = arguments.text && IsDelimited(info.format) && isTypeConflict(info.message);
-    if (!conflict && !info.message.empty() && !isOneRow(source.file, info))
+    if (!info.message.empty() && !isOneRow(source.file, info))
         return problemOfInfo(source.file, info.message);
+    if (info.format != FormatXml)
+        return problemOfInfo(source.file, fileWord(source.file) + "is an unknown file type.");
     const Problem tooMany = checkColumns(source, info);
     if (tooMany.any()) return tooMany;
-    if (IsDelimited(info.format)) noteZeroBytes(source.file);
-    if (conflict) return identifyTexts(source, info);
     source.format = info.format;
     source.columns = info.typeText;
     source.xmlRows = info.xmlRows;
-    if (IsDelimited(info.format)) {
-        source.rowsSeen = info.rowsSeen;
-        source.rowBehind = info.rowBehind;
-        return {};
-    }
     if (arguments.from.any())
         return {fileWord(source.file) + "is " + std::string(FactsOf(info.format).word) +
                     ", which has no separator, header, footer or row limit.",
                 "Leave the options of delimited text away.", WrongUsage};
-    return info.format == FormatXml ? identifyXml(source) : Problem();
+    return identifyXml(source);
+}
+
+Problem identifyText(const Arguments& arguments, Source& source) {
+    const std::string beginning = beginningOf(source.file);
+    source.begin = static_cast<std::int64_t>(encodingOfBeginning(beginning).markBytes);
+    std::string start = beginning.substr(static_cast<std::size_t>(source.begin), 4);
+    start.erase(std::remove(start.begin(), start.end(), '\0'), start.end());  // of UTF-16, too
+    if (beginsAsXml(start) || !isDelimitedText(arguments, source, beginning))
+        return identifyOther(arguments, source);
+    return identifyDelimited(arguments, source, beginning);
 }
 
 }  // namespace
 
 Problem identify(const std::string& file, const Arguments& arguments, bool isTable, Source& source) {
     source.file = file;
+    source.path = os::native(file);
     source.text = arguments.text;
+    source.nulls = arguments.nulls;
     source.deleted = arguments.deleted;
     const Work work("reading " + file);
     Problem problem = problemOfName(file);
@@ -204,7 +227,7 @@ Problem identify(const std::string& file, const Arguments& arguments, bool isTab
     else if (DataFormatOf(file) == FormatText && !arguments.from.separator)
         problem = identifyLines(arguments, source);
     else
-        problem = identifyOther(arguments, source);
+        problem = identifyText(arguments, source);
     return !problem.any() && stopSignal() != 0 ? stoppedProblem() : problem;
 }
 

@@ -14,19 +14,10 @@ namespace {
 
 // ---- Xbase ----
 
-// The type of a column of numbers: of those that hold all of them without losing a digit, the smallest.
-std::string numberType(const std::vector<bool>& found, std::int32_t decimals, std::int32_t length) {
-    const auto has = [&](NumberForm form) { return found[static_cast<std::size_t>(form)]; };
-    if (has(NumberForm::Real) || has(NumberForm::None)) return "string[" + std::to_string(length) + "]";
-    return has(NumberForm::Fixed) || decimals > 0 ? "fixed" : "integer";
-}
-
-// Reads all rows: how many are deleted, and what the fields of numbers hold.
+// Reads all rows: how many are deleted.
 class XbaseColumns {
 public:
-    XbaseColumns(XbaseFile& file, Source& source)
-        : file_(file), source_(source),
-          forms_(static_cast<std::size_t>(file.header().fieldCount), std::vector<bool>(std::size_t{5})) {}
+    XbaseColumns(XbaseFile& file, Source& source) : file_(file), source_(source) {}
 
     Problem look() {
         std::string_view row;
@@ -38,7 +29,6 @@ public:
             if (row[0] == DeletedRow) ++source_.deletedRows;
             if (row[0] == DeletedRow && !source_.deleted) continue;
             ++source_.rowsSeen;
-            lookAt(row);
         }
         const os::FileError error = file_.error();
         return error == os::FileError::None ? Problem() : unreadable(source_.file, error);
@@ -52,26 +42,17 @@ public:
     }
 
 private:
-    void lookAt(std::string_view row) {
-        for (std::int32_t n = 0; n < file_.header().fieldCount; ++n) {
-            if (file_.header().type[n] != 'N') continue;
-            const NumberForm form = numberForm(trimmedText(file_.field(row, n)));
-            forms_[static_cast<std::size_t>(n)][static_cast<std::size_t>(form)] = true;
-        }
-    }
     [[nodiscard]] std::string typeOf(std::int32_t n) const {
         const XbaseHeader& header = file_.header();
         switch (header.type[n]) {
         case 'L': return "boolean";
-        case 'N':
-            return numberType(forms_[static_cast<std::size_t>(n)], header.decimals[n], header.length[n]);
+        case 'N': return "real";  // or what its digits are found to be
         default: return "string[" + std::to_string(std::max<int>(header.length[n], 1)) + "]";
         }
     }
 
     XbaseFile& file_;
     Source& source_;
-    std::vector<std::vector<bool>> forms_;
 };
 
 }  // namespace

@@ -12,15 +12,23 @@
 #include "kernel/tables/tables_file_index.h"
 #include "kernel/tables/tables_file_mend.h"
 #include "kernel/tables/tables_file_places.h"
+#include "kernel/text/fixed.h"
+#include "kernel/text/numbers.h"
+#include "kernel/values/adt.h"
 #include "kernel/values/records.h"
+#include "kernel/values/sets.h"
+#include "kernel/values/strings.h"
 #include "os/paths.h"
 #include "os/save_parts.h"
 #include "os/text/ascii.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/tables.h"
+#include "tarn_data/sources/digits.h"
 #include "tarn_data/sources/load.h"
-#include "tarn_data/targets/save_internal.h"
+#include "tarn_data/targets/celltarget.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace tarn::datatool {
 
@@ -41,8 +49,8 @@ bool hasNames(const Source& source) {
 
 }  // namespace
 
-Problem fitColumns(const Source& source, std::string_view columns, const RowType& type) {
-    std::vector<std::string> from = columnNames(columns), to = fieldNames(repairedNames(type.columns));
+Problem fitColumns(const Source& source, std::vector<std::string> from, const RowType& type) {
+    std::vector<std::string> to = fieldNames(repairedNames(type.columns));
     const bool marked = source.format == FormatXbase && isDeleteFlag(type.columns);
     if (marked) to.erase(to.begin());
     if (marked && source.deleted) from.erase(from.begin());
@@ -76,7 +84,10 @@ public:
     NewTable(const NewTable&) = delete;
     NewTable& operator=(const NewTable&) = delete;
 
-    Problem fill(Rows& rows);
+    // Rows are added between these two.
+    Problem begin();
+    Problem end();
+    Problem add(const RecordDescriptor* row);
     Problem makeIndexes();
     Problem takePlace();
 
@@ -94,6 +105,7 @@ private:
     const Target& target_;
     os::SaveTarget place_;
     std::string path_;
+    Rows made_;
     std::vector<std::vector<std::string>> keys_;
     std::vector<std::int32_t> maps_;
 };
@@ -111,31 +123,29 @@ bool NewTable::makePath() {
     return os::files().remove(path_) == os::FileError::None;
 }
 
-Problem NewTable::fill(Rows& rows) {
+Problem NewTable::begin() {
     os::FileError error = os::findSaveTarget(os::native(target_.file), place_);
     if (error == os::FileError::None && (place_.info.special || place_.info.links > 1))
         error = os::FileError::Denied;
     if (error != os::FileError::None) return failed(error);
-    Rows made;
-    if (!makePath() || !makeFileTable(target_.type, {}, made.table)) return failed();
-    FileOpen(made.table.get(), KindTable, path_);
-    if (ErrorCell() != 0 || !made.beginBatch()) return failed();
-    const std::int32_t bytes = rowBytes(target_.type);
-    Steps steps(std::int64_t{rows.count()} * bytes);
-    rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count(); ++i) {
-        if (!steps.step(bytes)) return stoppedAhead(target_.file);
-        const RecordDescriptor* const row = rows.at(i);
-        if (row != nullptr && made.add(row)) continue;
-        const bool full = ErrorCell() == ERR_FIXED_LIST || ErrorCell() == ERR_FIXED_TABLE;
-        if (!full) return failed();
-        ClearError();
-        return {"There are " + std::to_string(rows.count()) + " rows, and the table is declared for " +
-                    std::to_string(target_.type.capacity) + ".",
-                "Declare it for more, or without a number."};
-    }
-    const bool written = made.endBatch();
-    FileClose(made.table.get(), KindTable);
+    if (!makePath() || !makeFileTable(target_.type, {}, made_.table)) return failed();
+    FileOpen(made_.table.get(), KindTable, path_);
+    return ErrorCell() != 0 || !made_.beginBatch() ? failed() : Problem();
+}
+
+Problem NewTable::add(const RecordDescriptor* row) {
+    if (row != nullptr && made_.add(row)) return {};
+    const bool full = ErrorCell() == ERR_FIXED_LIST || ErrorCell() == ERR_FIXED_TABLE;
+    if (!full) return failed();
+    ClearError();
+    return {"There are more rows than the " + std::to_string(target_.type.capacity) +
+                " that the table is declared for.",
+            "Declare it for more, or without a number."};
+}
+
+Problem NewTable::end() {
+    const bool written = made_.endBatch();
+    FileClose(made_.table.get(), KindTable);
     return written && ErrorCell() == 0 ? Problem() : failed();
 }
 
@@ -192,15 +202,177 @@ Problem NewTable::takePlace() {
     return {};
 }
 
+Problem finishTable(NewTable& table, Problem problem) {
+    if (!problem.any()) problem = table.end();
+    if (!problem.any()) problem = table.makeIndexes();
+    return problem.any() ? problem : table.takePlace();
+}
+
+// ---- from cells ----
+
+using Fill = bool (*)(std::string_view cell, void* field);
+
+bool fillBoolean(std::string_view cell, void* field) {
+    bool value = false, ok = false;
+    BooleanFromText(cell, value, ok);
+    WriteAt<std::uint8_t>(field, value ? 1 : 0);
+    return ok;
+}
+
+bool fillInteger(std::string_view cell, void* field) {
+    std::int32_t value = 0;
+    std::size_t end = 0;
+    IntegerFromText(cell, value, end);
+    WriteAt(field, value);
+    return end == cell.size() && numberHolds(KindInteger, cell);
+}
+
+bool fillEnum(std::string_view cell, void* field) {
+    std::int32_t value = 0;
+    if (!fillInteger(cell, &value) || value < 0 || value > UINT8_MAX) return false;
+    WriteAt(field, static_cast<std::uint8_t>(value));
+    return true;
+}
+
+bool fillFixed(std::string_view cell, void* field) {
+    Fixed value = 0;
+    bool ok = false;
+    FixedFromText(cell, value, ok);
+    WriteAt(field, value);
+    return ok && numberHolds(KindFixed, cell);
+}
+
+bool fillReal(std::string_view cell, void* field) {
+    double value = 0;
+    bool ok = false;
+    RealFromText(cell, value, ok);
+    WriteAt(field, value);
+    return ok && numberHolds(KindReal, cell);
+}
+
+bool fillString(std::string_view cell, void* field) {
+    StringAssignView(static_cast<StringDescriptor*>(field), cell);
+    return ErrorCell() == 0;
+}
+
+bool fillSet(std::string_view cell, void* field) {
+    std::int32_t position = 1, error = 0;
+    SetFromText(cell, position, static_cast<SetDescriptor*>(field), error);
+    return error == 0 && ErrorCell() == 0 && static_cast<std::size_t>(position) == cell.size() + 1;
+}
+
+bool fillCharacters(std::string_view cell, void* field) {
+    const auto* const array = static_cast<const ArrayDescriptor*>(field);
+    const auto room = static_cast<std::size_t>(array->size);
+    std::memset(At(array->data), cell.empty() ? 0 : ' ', room);
+    std::memcpy(At(array->data), cell.data(), std::min(room, cell.size()));
+    return cell.size() <= room;
+}
+
+constexpr Fill fills[] = {nullptr,  fillBoolean, fillEnum, fillInteger, fillFixed,     fillReal,
+                          fillString, nullptr,   nullptr,  fillSet,     fillCharacters};
+
+class TableTarget : public CellTarget {
+public:
+    TableTarget(const Target& target, const TargetColumns& columns)
+        : target_(target), columns_(columns), table_(target) {}
+
+    Problem begin() override {
+        AdtInit(record_.get(), target_.type.row.get(), KindRecord);
+        const std::size_t fields = static_cast<std::size_t>(FieldCountOf(record_.get()->kinds));
+        nothings_.resize(fields);
+        characters_ = characterColumns(target_.type.columns);
+        return table_.begin();
+    }
+    Problem put(const CellRow& row, std::int64_t number) override {
+        if (row.size() > nothings_.size())
+            return {"Row " + std::to_string(number) + " has " + std::to_string(row.size()) +
+                        " cells, and the declaration " + std::to_string(nothings_.size()) + " columns.",
+                    "Look whether a cell holds the separator without quotes."};
+        for (std::size_t n = 0; n < nothings_.size(); ++n) {
+            Problem problem = fill(n < row.size() ? row[n].text : std::string_view(), number, n);
+            if (problem.any()) return problem;
+        }
+        return table_.add(record_.get());
+    }
+    Problem finish(std::int64_t) override {
+        Problem problem = finishTable(table_, {});
+        for (std::size_t n = 0; n < nothings_.size() && !problem.any(); ++n) {
+            if (nothings_[n].count == 0) continue;
+            note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(nothings_[n].count) +
+                 (nothings_[n].count == 1 ? " cell that holds nothing becomes" : " cells that hold nothing become") +
+                 " 0 or False (the first in row " + std::to_string(nothings_[n].row) +
+                 "): a table file has no other number for nothing.");
+        }
+        return problem;
+    }
+
+private:
+    struct Nothing {
+        std::int64_t count = 0, row = 0;
+    };
+
+    Problem fill(std::string_view cell, std::int64_t number, std::size_t n) {
+        const auto column = static_cast<std::int32_t>(n + 1);
+        const Kind kind = FieldKindAt(record_.get()->kinds, column);
+        void* const field = RecordFieldAddress(record_.get(), column);
+        const bool character = kind == KindEnum && characters_[n];
+        const bool value = kind < KindString && !character;
+        if (character) {
+            *static_cast<char*>(field) = cell.empty() ? ' ' : cell[0];
+            return cell.size() <= 1 ? Problem() : misfit(cell, number, n, kind);
+        }
+        if (value || kind == KindSet) cell = withoutBlanks(cell);
+        if (value && isNothing(cell)) {
+            std::memset(field, 0, static_cast<std::size_t>(KindSize[kind]));
+            if (nothings_[n].count++ == 0) nothings_[n].row = number;
+            return {};
+        }
+        if (kind == KindSet && cell.empty()) {
+            SetClear(static_cast<SetDescriptor*>(field));
+            return {};
+        }
+        const bool known = static_cast<std::size_t>(kind) < std::size(fills) && fills[kind] != nullptr;
+        const bool held = known && fills[kind](cell, field);
+        ClearError();
+        return held ? Problem() : misfit(cell, number, n, kind);
+    }
+    [[nodiscard]] Problem misfit(std::string_view cell, std::int64_t number, std::size_t n, Kind kind) const {
+        const bool text = kind == KindString || kind == KindArray;
+        const std::string next =
+            text ? "Declare the field longer."
+                 : "Declare the field as string, or as a kind that holds every digit; --null='" +
+                       shownCell(cell) + "' takes such cells as empty.";
+        return {cellPlace(number, columns_.headings[n]) + "holds " + shownCell(cell) +
+                    ", which its field in the declaration cannot hold.",
+                next};
+    }
+
+    const Target& target_;
+    const TargetColumns& columns_;
+    NewTable table_;
+    RecordValue record_;
+    std::vector<Nothing> nothings_;
+    std::vector<bool> characters_;
+};
+
 }  // namespace
+
+std::unique_ptr<CellTarget> tableTarget(const Target& target, const TargetColumns& columns) {
+    return std::make_unique<TableTarget>(target, columns);
+}
 
 Problem saveTable(const Target& target, Rows& rows) {
     const Work work("writing " + target.file);
     if (stopSignal() != 0) return stoppedAhead(target.file);
     NewTable table(target);
-    Problem problem = table.fill(rows);
-    if (!problem.any()) problem = table.makeIndexes();
-    return problem.any() ? problem : table.takePlace();
+    Problem problem = table.begin();
+    const std::int32_t bytes = rowBytes(target.type);
+    Steps steps(std::int64_t{rows.count()} * bytes);
+    rows.beginBatch();
+    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i)
+        problem = steps.step(bytes) ? table.add(rows.at(i)) : stoppedAhead(target.file);
+    return finishTable(table, problem);
 }
 
 }  // namespace tarn::datatool

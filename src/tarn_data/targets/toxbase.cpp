@@ -1,231 +1,212 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Rows into Xbase files. Fields of text are as long as the longest text in their column, at most 255; numbers
-// have 4 decimals, or none.
-#include "kernel/data/typeinfo/typeinfo.h"
+// Rows of cells into Xbase files. A column of numbers becomes a field of numbers, which stand in it digit for
+// digit, and nothing as blanks; one of True and False a logical field; all others fields of characters, as
+// long as their longest text, at most 255.
 #include "kernel/data/xbase/xbase.h"
-#include "kernel/run/errors.h"
-#include "kernel/run/fileerrors.h"
-#include "kernel/run/runtime.h"
-#include "kernel/text/fixed.h"
-#include "kernel/values/adt.h"
-#include "kernel/values/records.h"
-#include "kernel/values/strings.h"
 #include "os/text/ascii.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/xbase.h"
-#include "tarn_data/commands/commands.h"
-#include "tarn_data/targets/save_internal.h"
+#include "tarn_data/targets/celltarget.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace tarn::datatool {
 
 namespace {
 
+constexpr char endMark = 26;
 constexpr std::size_t longestName = std::size_t{MaxXbaseFieldName},
                       longestText = std::size_t{MaxXbaseFieldLength};
-constexpr const char* writeOther = "Write xml or csv, which hold it";
 
-std::int32_t linesOf(std::string_view text) {
-    return static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n'));
+// As wide as the fields that programs of the system make for such values.
+constexpr std::size_t integerWidth = 12, numberWidth = 20;
+constexpr std::int32_t numberDecimals = 4;
+
+struct XbaseField {
+    std::string name;
+    char type = 'C';
+    std::size_t length = 1;
+    std::int32_t decimals = 0;
+};
+
+// ---- fields ----
+
+// Room for the digits in front of the point and for those behind it.
+bool numbersFit(const ColumnFacts& column) {
+    const CellClass type = column.type();
+    const bool number = type == CellClass::Integer || type == CellClass::Fixed || type == CellClass::Real;
+    return number && !column.exponents && column.widest <= numberWidth &&
+           column.decimals < static_cast<std::int32_t>(numberWidth) - 2;
 }
 
-bool isDeleteFlag(std::string_view columns) {
-    const TypeInfoElement first = TypeInfoParseLine(columns, 1);
-    return ascii::equal(first.name, "delete_flag") && ascii::equal(first.typeName, "Tchar");
-}
-
-// ---- names ----
-
-std::string withName(std::string_view columns, std::int32_t n, const std::string& name) {
-    const std::string whole = TypeInfoLine(columns, n);
-    return name + whole.substr(TypeInfoName(columns, n).size());
-}
-
-bool isTaken(const std::vector<std::string>& names, const std::string& name) {
-    return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& other) { return ascii::equal(other, name); });
-}
-
-// Names of at most 11 characters, each once. Without `replace` all must be such names as they are.
-Problem fitNames(bool replace, std::string& columns) {
-    std::vector<std::string> names;
-    std::string text;
-    const std::int32_t first = isDeleteFlag(columns) ? 2 : 1;
-    if (first == 2) text = TypeInfoLine(columns, 1);
-    for (std::int32_t n = first; n <= linesOf(columns); ++n) {
-        const std::string name = TypeInfoName(columns, n);
-        std::string cut = name.substr(0, longestName);
-        if (!replace && cut != name)
-            return {"The name of column '" + name + "' is longer than " + std::to_string(longestName) +
-                        " characters, which a dbf file cannot hold.",
-                    "Give it a shorter one in the file that is read, or cut it with --replace."};
-        for (int number = 2; isTaken(names, cut); ++number) {
-            const std::string mark = "_" + std::to_string(number);
-            cut = name.substr(0, longestName - mark.size()) + mark;
-        }
-        names.push_back(cut);
-        text += withName(columns, n, cut);
+XbaseField fieldOf(const ColumnFacts& column) {
+    XbaseField field;
+    field.length = std::clamp<std::size_t>(column.longest, 1, longestText);
+    if (numbersFit(column)) {
+        const bool whole = column.decimals == 0;
+        field.type = 'N';
+        field.length = whole ? std::max(integerWidth, column.widest) : numberWidth;
+        field.decimals = whole ? 0 : std::max(numberDecimals, column.decimals);
+    } else if (column.type() == CellClass::Boolean) {
+        field.type = 'L';
+        field.length = 1;
     }
-    columns = text;
-    return {};
+    return field;
 }
 
-// ---- cells ----
+bool isTaken(const std::vector<XbaseField>& fields, const std::string& name) {
+    return std::any_of(fields.begin(), fields.end(),
+                       [&](const XbaseField& other) { return ascii::equal(other.name, name); });
+}
 
-class XbaseFitting {
+// Names of at most 11 characters, each once.
+std::string shortName(const std::string& name, const std::vector<XbaseField>& fields) {
+    std::string cut = name.substr(0, longestName);
+    for (int number = 2; isTaken(fields, cut); ++number) {
+        const std::string mark = "_" + std::to_string(number);
+        cut = name.substr(0, longestName - mark.size()) + mark;
+    }
+    return cut;
+}
+
+// ---- the header ----
+
+void putNumber(std::string& bytes, std::size_t at, std::size_t size, std::uint64_t number) {
+    for (std::size_t i = 0; i < size; ++i, number >>= 8U) bytes[at + i] = static_cast<char>(number & 0xFFU);
+}
+
+std::string headerOf(const std::vector<XbaseField>& fields, std::int64_t rows) {
+    constexpr std::size_t piece = 32;
+    std::string head(piece * (fields.size() + 1), '\0');
+    std::size_t rowBytes = 1;
+    head.replace(0, 1, 1, '\x03').replace(1, 3, XbaseDateToday());
+    for (std::size_t n = 0; n < fields.size(); ++n) {
+        const std::size_t at = piece * (n + 1);
+        head.replace(at, fields[n].name.size(), fields[n].name);
+        head[at + longestName] = fields[n].type;
+        putNumber(head, at + 16, 1, fields[n].length);
+        putNumber(head, at + 17, 1, static_cast<std::uint64_t>(fields[n].decimals));
+        rowBytes += fields[n].length;
+    }
+    head += '\r';
+    putNumber(head, 4, 4, static_cast<std::uint64_t>(rows));
+    putNumber(head, 8, 2, head.size());
+    putNumber(head, 10, 2, rowBytes);
+    return head;
+}
+
+// ---- rows ----
+
+class XbaseTarget : public CellTarget {
 public:
-    XbaseFitting(bool replace, std::string_view columns)
-        : replace_(replace), names_(columnNames(columns)), lengths_(names_.size(), 1) {}
+    XbaseTarget(const Target& target, const TargetColumns& columns)
+        : target_(target), columns_(columns), out_(target.file) {}
 
-    Problem column(std::int32_t n, Kind kind) const {
-        if (kind <= KindString || kind == KindArray) return {};
-        return {"Column '" + nameOf(n) + "' holds values that a dbf file cannot hold.",
-                std::string(writeOther) + "."};
-    }
-    Problem row(RecordDescriptor* row, std::int32_t number) {
-        changed_ = false;
-        for (std::int32_t n = 1; n <= FieldCountOf(row->kinds); ++n) {
-            void* const field = RecordFieldAddress(row, n);
-            Problem problem = cell(field, FieldKindAt(row->kinds, n), number, n);
-            if (problem.any()) return problem;
+    Problem begin() override {
+        std::string renamed;
+        for (std::size_t n = 0; n < columns_.facts.columns.size(); ++n) {
+            XbaseField field = fieldOf(columns_.facts.columns[n]);
+            field.name = shortName(columns_.names[n], fields_);
+            if (field.name != columns_.names[n])
+                renamed += (renamed.empty() ? "" : ", ") + columns_.names[n] + " to " + field.name;
+            fields_.push_back(field);
+            tellOf(columns_.facts.columns[n], field);
         }
+        if (!renamed.empty())
+            note("Names of fields have at most " + std::to_string(longestName) + " characters: " + renamed + ".");
+        const std::string head = headerOf(fields_, columns_.facts.rows);
+        XbaseHeader header;
+        const std::string wrong = XbaseDecodeHeader(head, header);
+        if (!wrong.empty())
+            return {"'" + shown(target_.file) + "' cannot be written: such a row cannot stand in a dbf file (" + wrong +
+                        ").",
+                    "Write xml or csv."};
+        out_.write(head);
         return {};
     }
-    [[nodiscard]] bool changed() const { return changed_; }  // the row that was looked at last
-    // The columns with the lengths that their texts need.
-    [[nodiscard]] std::string sized(std::string_view columns) const {
-        std::string text;
-        for (std::int32_t n = 1; n <= linesOf(columns); ++n) {
-            const TypeInfoElement element = TypeInfoParseLine(columns, n);
-            const bool string = TypeInfoKind(element.typeName) == KindString;
-            const std::string length = std::to_string(lengths_[static_cast<std::size_t>(n - 1)]);
-            text += string ? element.name + " : string[" + length + "]\n" : TypeInfoLine(columns, n);
+    Problem put(const CellRow& row, std::int64_t number) override {
+        bytes_.assign(1, LiveRow);
+        for (std::size_t n = 0; n < fields_.size(); ++n) {
+            Problem problem = append(n < row.size() ? row[n] : Cell(), fields_[n], number, n);
+            if (problem.any()) return problem;
         }
-        return text;
+        out_.write(bytes_);
+        return {};
+    }
+    Problem finish(std::int64_t rows) override {
+        if (rows != columns_.facts.rows) return changed();
+        out_.write({&endMark, 1});
+        return out_.finish();
     }
 
 private:
-    [[nodiscard]] std::string nameOf(std::int32_t n) const { return names_[static_cast<std::size_t>(n - 1)]; }
-    [[nodiscard]] Problem misfit(std::int32_t number, std::int32_t n, const std::string& why,
-                                 const std::string& next) const {
-        return {"Row " + std::to_string(number) + ", column '" + nameOf(n) + "' " + why + ".", next};
+    // What a field holds in another shape than the cells have.
+    static void tellOf(const ColumnFacts& column, const XbaseField& field) {
+        const std::string start = "Column '" + shown(column.name) + "' ";
+        const auto first = [](const CellExample& e) {
+            return " (the first in row " + std::to_string(e.row) + ").";
+        };
+        const CellClass type = column.type();
+        const bool number = type == CellClass::Integer || type == CellClass::Fixed || type == CellClass::Real;
+        if (number && field.type == 'C')
+            note(start + "is written as text: a dbf file holds no exponents and signs of plus, and at most " +
+                 std::to_string(numberWidth) + " digits.");
+        if (field.type != 'C' && column.nullWords > 0)
+            note(start + "has " + std::to_string(column.nullWords) + " cells of NULL, which are left blank" +
+                 first(column.nullWord));
+        if (field.type == 'C' && column.blankEnds > 0)
+            note(start + "has " + std::to_string(column.blankEnds) +
+                 " texts with blanks at their end, which a dbf file does not keep" + first(column.blankEnd));
+        const CellExample& truth = column.example(CellClass::Boolean);
+        if (field.type == 'L' && truth.text != "True" && truth.text != "False")
+            note(start + "is written as T and F, for True and False, like '" + shownCell(truth.text) + "' in row " +
+                 std::to_string(truth.row) + ".");
     }
-
-    Problem cell(void* field, Kind kind, std::int32_t number, std::int32_t n) {
-        switch (kind) {
-        case KindString: return text(static_cast<StringDescriptor*>(field), number, n);
-        case KindFixed: return amount(ReadAt<Fixed>(field), number, n);
-        case KindReal: return real(static_cast<char*>(field), number, n);
-        default: return {};
+    Problem append(const Cell& cell, const XbaseField& field, std::int64_t number, std::size_t n) {
+        if (field.type == 'C') return appendText(cell.text, field, number, n);
+        const std::string_view text = isNothing(cell.text) ? "" : withoutBlanks(cell.text);
+        if (field.type == 'L') {
+            const bool yes = !text.empty() && (ascii::lower(text[0]) == 't' || ascii::lower(text[0]) == 'y');
+            bytes_ += text.empty() ? ' ' : yes ? 'T' : 'F';
+        } else {
+            if (text.size() > field.length) return changed();
+            bytes_.append(field.length - text.size(), ' ').append(text);
         }
-    }
-    Problem text(StringDescriptor* s, std::int32_t number, std::int32_t n) {
-        std::string_view cell = StringView(s);
-        const bool zero = xbaseText(cell).find('\0') != std::string_view::npos,
-                   tooLong = cell.size() > longestText;
-        if (!replace_ && (zero || tooLong))
-            return misfit(number, n,
-                          zero ? "holds a zero byte"
-                               : "is longer than " + std::to_string(longestText) + " characters",
-                          zero ? "Write '?' instead with --replace."
-                               : std::string(writeOther) + ", or cut it with --replace.");
-        if (zero || tooLong) {
-            std::string fitted(xbaseText(cell).substr(0, longestText));
-            std::replace(fitted.begin(), fitted.end(), '\0', '?');
-            StringAssignView(s, fitted);
-            changed_ = true;
-            cell = StringView(s);
-        }
-        std::size_t& length = lengths_[static_cast<std::size_t>(n - 1)];
-        length = std::max(length, cell.size());
         return {};
     }
-    // 20 characters, of which a point and 4 decimals.
-    Problem amount(Fixed value, std::int32_t number, std::int32_t n) const {
-        constexpr std::size_t width = 20;
-        if (FixedToText(value).size() <= width) return {};
-        return misfit(number, n, "holds a number of more than 20 characters", "--text writes it as text.");
-    }
-    Problem real(char* at, std::int32_t number, std::int32_t n) {
-        constexpr double most = 1e14, decimals = 1e4;  // 15 digits and 4 decimals
-        const auto value = ReadAt<double>(at);
-        if (!std::isfinite(value) || std::fabs(value) >= most)
-            return misfit(number, n, "holds a number that a dbf file cannot hold",
-                          "--text writes it as text.");
-        const double rounded = std::round(value * decimals) / decimals;
-        if (rounded == value) return {};
-        if (!replace_)
-            return misfit(number, n, "holds a number of more than 4 decimals",
-                          "--text writes it as text, --replace rounds it.");
-        WriteAt(at, rounded);
-        changed_ = true;
+    Problem appendText(std::string_view text, const XbaseField& field, std::int64_t number, std::size_t n) {
+        const bool zero = xbaseText(text).find('\0') != std::string_view::npos, tooLong = text.size() > longestText;
+        if (!target_.replace && (zero || tooLong))
+            return {cellPlace(number, columns_.headings[n]) +
+                        (zero ? "holds a zero byte"
+                              : "is longer than " + std::to_string(longestText) + " characters") +
+                        ".",
+                    zero ? "Write csv, which holds it, or '?' instead with --replace."
+                         : "Write xml or csv, which hold it, or cut it with --replace."};
+        std::string_view fitted = text.substr(0, longestText);
+        if (fitted.size() > field.length) return changed();
+        const std::size_t start = bytes_.size();
+        bytes_.append(fitted);
+        if (zero) std::replace(bytes_.begin() + static_cast<std::ptrdiff_t>(start), bytes_.end(), '\0', '?');
+        bytes_.append(field.length - fitted.size(), ' ');
         return {};
     }
+    static Problem changed() {
+        return {"The file that is read was changed meanwhile.", "Start again when nobody writes to it."};
+    }
 
-    bool replace_, changed_ = false;
-    std::vector<std::string> names_;
-    std::vector<std::size_t> lengths_;
+    const Target& target_;
+    const TargetColumns& columns_;
+    OutFile out_;
+    std::vector<XbaseField> fields_;
+    std::string bytes_;
 };
 
 }  // namespace
 
-Problem fitXbase(bool replace, std::string& columns, Rows& rows) {
-    Problem problem = fitNames(replace, columns);
-    XbaseFitting fitting(replace, columns);
-    const RecordDescriptor* const shape = rows.shape();
-    for (std::int32_t n = 1; n <= FieldCountOf(shape->kinds) && !problem.any(); ++n)
-        problem = fitting.column(n, FieldKindAt(shape->kinds, n));
-    problem = fitEachRow(fitting, rows, problem);
-    columns = fitting.sized(columns);
-    return problem;
-}
-
-// ---- writing ----
-
-namespace {
-
-constexpr char endMark = 26;
-
-Problem unrepresentable(const Target& target, const std::string& where) {
-    return {"'" + target.file + "' cannot be written: " + where + "cannot stand in a dbf file.",
-            "Write xml or csv, or every column as text with --text."};
-}
-
-}  // namespace
-
-Problem saveXbase(const Target& target, std::string_view columns, Rows& rows) {
-    RecordValue shape;
-    std::int32_t code = 0;
-    makeRow(columns, shape);
-    const std::string head =
-        XbaseHeaderBytes(shape.get(), KindRecord, columns, static_cast<std::uint32_t>(rows.count()), code);
-    XbaseHeader header;
-    ClearError();
-    if (code != 0 || !XbaseDecodeHeader(head, header).empty()) return unrepresentable(target, "such a row ");
-    // The first column would become the mark, and be none of the file.
-    const bool marked = XbaseHoldsMark(shape.get(), KindRecord, columns);
-    if (marked && !isDeleteFlag(columns)) return unrepresentable(target, "such a row ");
-    const Work work("writing " + target.file);
-    OutFile out(target.file);
-    Steps steps(std::int64_t{rows.count()} * header.recordSize);
-    std::string bytes;
-    out.write(head);
-    rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count() && out.good(); ++i) {
-        if (!steps.step(header.recordSize)) return out.stopped();
-        const RecordDescriptor* const row = rows.at(i);
-        const XbaseFault fault =
-            row != nullptr ? XbaseWriteRow(row, KindRecord, header, bytes, marked) : XbaseFault{1, 1};
-        ClearError();
-        if (fault.errorCode != 0)
-            return unrepresentable(target, "row " + std::to_string(i) + ", field " +
-                                               std::to_string(fault.errorField) + " ");
-        out.write(bytes);
-    }
-    out.write({&endMark, 1});
-    return out.finish();
+std::unique_ptr<CellTarget> xbaseTarget(const Target& target, const TargetColumns& columns) {
+    return std::make_unique<XbaseTarget>(target, columns);
 }
 
 // The header as it stands, and the rows that are taken: types, lengths and decimals of fields stay.

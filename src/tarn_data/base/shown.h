@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Texts of files as messages show them: a terminal must not be told what to do by a name or by a cell.
+// Control characters and bytes that are no UTF-8 stand as \x1B, everything else as it is.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tarn::datatool {
+
+std::string shown(std::string_view text);
+// The beginning of a long cell, and "..." behind it. No character is cut.
+std::string shownCell(std::string_view text);
+
+}  // namespace tarn::datatool

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Rows of cells as XML: an element for each row, in it one for each column, whose attribute tells the type
+// that all cells of the column have. The cells are those of the source, byte for byte.
+#include "kernel/data/datafile.h"
+#include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/xml/xml.h"
+#include "kernel/run/runtime.h"
+#include "kernel/text/dates.h"
+#include "tarn_data/base/encoding.h"
+#include "tarn_data/base/shown.h"
+#include "tarn_data/targets/celltarget.h"
+
+#include <algorithm>
+
+namespace tarn::datatool {
+
+namespace {
+
+constexpr std::string_view lineEnd = "\r\n";
+constexpr std::size_t longestLine = std::size_t{MaxScannerLine} - 1;  // that the reader takes
+
+std::string typeWord(const ColumnFacts& column) {
+    switch (column.type()) {
+    case CellClass::Boolean: return "boolean";
+    case CellClass::Integer: return "integer";
+    case CellClass::Fixed: return "fixed";
+    case CellClass::Real: return "real";
+    case CellClass::Set:
+        return "set[" + std::to_string(column.lower) + ":" + std::to_string(column.upper) + "]";
+    default: return "string";
+    }
+}
+
+class XmlTarget : public CellTarget {
+public:
+    XmlTarget(const Source& source, const Target& target, const TargetColumns& columns)
+        : source_(source), target_(target), columns_(columns), out_(target.file) {
+        for (std::size_t n = 0; n < columns.names.size(); ++n) {
+            const std::string type =
+                n < columns.facts.columns.size() ? typeWord(columns.facts.columns[n]) : "string";
+            starts_.push_back("    <" + columns.names[n] + " type=\"" + type + "\">");
+            ends_.push_back("</" + columns.names[n] + ">" + std::string(lineEnd));
+        }
+    }
+
+    Problem begin() override {
+        char now[DateSize] = "";
+        DateNow(now, DateSize);
+        line(R"(<?xml version="1.0"?>)");
+        line("<!-- \"" + std::string(ProductWord) + " XML file\" \"" + now + "\" -->");
+        line(R"(<data type="table">)");
+        return {};
+    }
+    Problem put(const CellRow& row, std::int64_t number) override {
+        text_ = "  <component type=\"record\">" + std::string(lineEnd);
+        for (std::size_t n = 0; n < starts_.size(); ++n) {
+            cell_ = n < row.size() ? row[n].text : std::string_view();
+            Problem problem = fit(number, n);
+            if (problem.any()) return problem;
+            const std::size_t start = text_.size();
+            text_ += starts_[n];
+            appendEscaped();
+            text_ += ends_[n];
+            problem = fitLines(std::string_view(text_).substr(start), number, n);
+            if (problem.any()) return problem;
+        }
+        out_.write(text_ += "  </component>" + std::string(lineEnd));
+        return {};
+    }
+    Problem finish(std::int64_t) override {
+        line("</data>");
+        return out_.finish();
+    }
+
+private:
+    void line(const std::string& text) { out_.write(text + std::string(lineEnd)); }
+    [[nodiscard]] const std::string& nameOf(std::size_t n) const { return columns_.headings[n]; }
+
+    // A carriage return would be read as a line feed.
+    void appendEscaped() {
+        std::string_view rest = cell_;
+        for (std::size_t at = rest.find('\r'); at != std::string_view::npos; at = rest.find('\r')) {
+            text_.append(XmlEscape(rest.substr(0, at))).append("&#13;");
+            rest.remove_prefix(at + 1);
+        }
+        text_ += XmlEscape(rest);
+    }
+    [[nodiscard]] TextMisfit misfitFrom(std::size_t from) const {
+        TextMisfit misfit = FindMisfit(FormatXml, target_.options, cell_, from);
+        while (misfit.any() && cell_[misfit.at] == '\r')
+            misfit = FindMisfit(FormatXml, target_.options, cell_, misfit.at + 1);
+        return misfit;
+    }
+    Problem fit(std::int64_t number, std::size_t n) {
+        TextMisfit misfit = misfitFrom(0);
+        if (!misfit.any()) return {};
+        if (!target_.replace)
+            return {cellPlace(number, nameOf(n)) + std::string(misfit.why) + ".",
+                    (misfit.way == TextMisfit::Way::OtherEncoding ? otherEncoding()
+                                                                  : "Write csv, which holds it, or ") +
+                        "write '?' instead with --replace."};
+        for (; misfit.any(); misfit = misfitFrom(misfit.at + 1)) cell_[misfit.at] = '?';
+        return {};
+    }
+    [[nodiscard]] std::string otherEncoding() const {
+        EncodingFacts facts;
+        if (findEncoding(source_.file, facts).any() || facts.firstBad < 0) return "Write csv, or ";
+        return "Convert the file that is read to UTF-8 first, if this is its encoding: " +
+               iconvCommand(shown(source_.file), facts.encoding) + "\nOr ";
+    }
+    [[nodiscard]] Problem fitLines(std::string_view lines, std::int64_t number, std::size_t n) const {
+        while (!lines.empty()) {
+            const std::size_t end = std::min(lines.find('\n'), lines.size());
+            if (end > longestLine || cell_.size() > longestLine)
+                return {cellPlace(number, nameOf(n)) + "is too long for XML, where a text and a line have at most " +
+                            std::to_string(longestLine) + " bytes.",
+                        "Write csv, which holds it."};
+            lines.remove_prefix(std::min(end + 1, lines.size()));
+        }
+        return {};
+    }
+
+    const Source& source_;
+    const Target& target_;
+    const TargetColumns& columns_;
+    OutFile out_;
+    std::vector<std::string> starts_, ends_;
+    std::string text_, cell_;
+};
+
+}  // namespace
+
+std::unique_ptr<CellTarget> xmlTarget(const Source& source, const Target& target,
+                                      const TargetColumns& columns) {
+    return std::make_unique<XmlTarget>(source, target, columns);
+}
+
+}  // namespace tarn::datatool
