@@ -29,19 +29,6 @@ std::string_view trimmedText(std::string_view field) {
     return field;
 }
 
-std::string shownText(std::string_view text) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= ' ' && byte != 0x7F)
-            result += c;
-        else
-            result.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 15U]);
-    }
-    return result;
-}
-
 NumberForm numberForm(std::string_view text) {
     constexpr std::size_t mostWhole = 14, fixedDecimals = 4;  // 15 digits may be too many for a fixed number
     if (text.empty()) return NumberForm::Blank;

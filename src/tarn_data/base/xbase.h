@@ -23,7 +23,6 @@ constexpr bool isXbaseMark(char c) {
 // What stands in a field, without what fills it up at its end: blanks, and bytes 0 by some programs.
 std::string_view xbaseText(std::string_view field);
 std::string_view trimmedText(std::string_view field);  // nor blanks at its beginning
-std::string shownText(std::string_view text);          // in a line: bytes that cannot be shown as \x1A
 // What can be made of a number as it stands in a field without losing a digit.
 enum class NumberForm { Blank, Integer, Fixed, Real, None };
 NumberForm numberForm(std::string_view text);

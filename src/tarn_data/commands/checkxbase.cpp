@@ -5,6 +5,7 @@
 #include "kernel/index/index_filecheck.h"
 #include "kernel/text/dates.h"
 #include "os/text/ascii.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/xbase.h"
 #include "tarn_data/commands/check_internal.h"
 #include "tarn_data/commands/commands.h"
@@ -102,8 +103,7 @@ public:
             if (!steps.step(header_.recordSize)) return;
             if (number == file_.replacing()) row = file_.note().row;
             if (!isXbaseMark(row[0]))
-                findings_.fault(name_, "Row " + std::to_string(number) + " has '" +
-                                           shownText(row.substr(0, 1)) +
+                findings_.fault(name_, "Row " + std::to_string(number) + " has '" + shown(row.substr(0, 1)) +
                                            "' where its mark of deletion stands.");
             for (std::int32_t n = 0; n < header_.fieldCount; ++n) checkCell(row, number, n);
         }
@@ -140,14 +140,14 @@ private:
         return DateValid(1900 + byte(1), byte(2), byte(3), 0, 0, 0, 0);
     }
     [[nodiscard]] std::string nameOf(std::int32_t n) const {
-        return std::to_string(n + 1) + " ('" + shownText(header_.name[n]) + "')";
+        return std::to_string(n + 1) + " ('" + shown(header_.name[n]) + "')";
     }
     void checkCell(std::string_view row, std::int64_t number, std::int32_t n) {
         const std::string_view field = file_.field(row, n);
         const std::string odd = oddCell(header_.type[n], field);
         if (!odd.empty())
             findings_.note(name_, "Row " + std::to_string(number) + ", field " + nameOf(n) + ": '" +
-                                      shownText(xbaseText(field)) + "' " + odd + ".");
+                                      shown(xbaseText(field)) + "' " + odd + ".");
     }
 
     const std::string& name_;

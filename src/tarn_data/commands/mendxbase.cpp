@@ -2,6 +2,7 @@
 //
 // What is wrong with an Xbase file that tables do not look at, and what can be done about it: headers that end
 // too soon, lists of fields without an end, marks of deletion that are none.
+#include "tarn_data/base/shown.h"
 #include "tarn_data/commands/patient.h"
 
 #include <algorithm>
@@ -91,7 +92,7 @@ std::string damageReport(const Patient& patient) {
         if (mark.byte == 0)
             ++zeros;
         else
-            line("row " + std::to_string(mark.row) + " had '" + shownText({&mark.byte, 1}) +
+            line("row " + std::to_string(mark.row) + " had '" + shown({&mark.byte, 1}) +
                  "' where its mark of deletion stands: set to a blank, so that the row counts.");
     }
     if (zeros > 0)
