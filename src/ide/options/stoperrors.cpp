@@ -104,6 +104,7 @@ std::string STOPCODESTEXT(const std::string& value) {
     if (ParseStopCodes(value).empty()) return "Every error stops.";
     const StopChoice choice = PARSESTOPCODES(value);
     const int count = static_cast<int>(choice.errors.size());
+    if (count == 0) return "Other codes stop.";
     return STR(count) + (count == 1 ? " error stops" : " errors stop") +
            (choice.others.empty() ? "." : ", and others.");
 }

@@ -89,6 +89,7 @@ TEST_F(StopErrors, AreToldInWords) {
     EXPECT_EQ(STOPCODESTEXT("601"), "1 error stops.");
     EXPECT_EQ(STOPCODESTEXT("601 602"), "2 errors stop.");
     EXPECT_EQ(STOPCODESTEXT("601 1000"), "1 error stops, and others.");
+    EXPECT_EQ(STOPCODESTEXT("1000"), "Other codes stop.");
 }
 
 // ---- the dialog ----
