@@ -30,8 +30,9 @@ TEST_F(DebuggerTest, APlaceLargerThanTheScreenIsMadeToFit) {
         QRect frame;
     };
     const int w = room.width(), h = room.height();
-    for (const Case& c : {Case{{0, 0, 20000, 300}, {0, 0, w, 300}}, Case{{100, 200, 300, 20000}, {100, 0, 300, h}},
-                          Case{{50, 50, 20000, 20000}, room}, Case{{w - 100, 20, 300, 200}, {w - 100, 20, 300, 200}}}) {
+    for (const Case& c :
+         {Case{{0, 0, 20000, 300}, {0, 0, w, 300}}, Case{{100, 200, 400, 20000}, {100, 0, 400, h}},
+          Case{{50, 50, 20000, 20000}, room}, Case{{w - 100, 20, 400, 200}, {w - 100, 20, 400, 200}}}) {
         startAnew(c.wanted);
         QTest::qWait(300);
         EXPECT_EQ(top()->frameGeometry(), c.frame) << c.wanted.left << " " << c.wanted.width;

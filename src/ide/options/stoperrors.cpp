@@ -104,6 +104,7 @@ std::string STOPCODESTEXT(const std::string& value) {
     if (ParseStopCodes(value).empty()) return "Every error stops.";
     const StopChoice choice = PARSESTOPCODES(value);
     const int count = static_cast<int>(choice.errors.size());
+    if (count == 0) return "Other codes stop.";
     return STR(count) + (count == 1 ? " error stops" : " errors stop") +
            (choice.others.empty() ? "." : ", and others.");
 }
@@ -145,7 +146,8 @@ int selected(const Object& window) {
 
 void bringUpToDate(const Object& window) {
     SetEnabled(in(window, "btntoggle"), selected(window) > 0);
-    for (const std::string_view button : {"btnall", "btnnone"}) SetEnabled(in(window, button), !shown.empty());
+    for (const std::string_view button : {"btnall", "btnnone"})
+        SetEnabled(in(window, button), !shown.empty());
     const bool none = !GetChecked(in(window, "chkevery")) && valueIn(window).empty();
     SetCaption(in(window, "lblcount"), none ? "No error is chosen." : STOPCODESTEXT(valueIn(window)));
 }
@@ -195,7 +197,8 @@ std::string problem(const Object& window) {
 
 constexpr DialogButton buttons[] = {
     {"btntoggle", toggle}, {"btnall", chooseShown<true>}, {"btnnone", chooseShown<false>}};
-constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP, .problem = problem, .hides = true, .buttons = buttons};
+constexpr DialogShape shape{
+    .showHelp = SHOWWINDOWHELP, .problem = problem, .hides = true, .buttons = buttons};
 const RegisteredWindow registered("StopErrorsDlg", STOPERRORSDLG);
 
 void show(const std::string& value) {
@@ -211,15 +214,16 @@ void show(const std::string& value) {
 
 bool isToggle(int event, const Object& control, int parameter) {
     if (GetName(control) != "lsterrors") return false;
-    return event == DBLCLICK_EVENT || (event == KEYPRESS_EVENT && (parameter == KEY_RETURN || parameter == ' '));
+    return event == DBLCLICK_EVENT ||
+           (event == KEYPRESS_EVENT && (parameter == KEY_RETURN || parameter == ' '));
 }
 
 bool handle(const Object& window, int event, const Object& control, int parameter) {
     if (event == CHANGE_EVENT && GetName(control) == "edtsearch") fill(window);
     const bool toggles = isToggle(event, control, parameter);
     if (toggles) toggle(window);
-    const bool handled = toggles || event == CHANGE_EVENT ||
-                         DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    const bool handled =
+        toggles || event == CHANGE_EVENT || DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     const bool acts = toggles || event == CHANGE_EVENT || event == COMMAND_EVENT;
     if (acts && IsLoaded(window)) bringUpToDate(window);
     return handled;

@@ -7,7 +7,6 @@ namespace tarn::platform::qt {
 
 namespace {
 
-constexpr QSize smallest(360, 200);  // that can be worked with
 constexpr int gap = 8;
 
 // As near to the place as the room allows.
@@ -25,7 +24,7 @@ QRect fittedPlace(const QRect& wanted, const QRect& room) {
     return movedInto({wanted.topLeft(), size}, room);
 }
 
-QRect placeBeside(const QRect& other, const QRect& room, const QSize& size) {
+QRect placeBeside(const QRect& other, const QRect& room, const QSize& size, const QSize& smallest) {
     const int right = other.right() + 1 + gap, below = other.bottom() + 1 + gap;
     const QRect sides[] = {{right, room.top(), room.right() + 1 - right, room.height()},
                            {room.left(), below, room.width(), room.bottom() + 1 - below},

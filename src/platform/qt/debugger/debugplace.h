@@ -10,8 +10,8 @@ namespace tarn::platform::qt {
 // The rectangle, no larger than the room; one that was larger is moved into it, others may stand out as the user has left
 // them.
 QRect fittedPlace(const QRect& wanted, const QRect& room);
-// A rectangle of that size, or a smaller one, that leaves the other one free: right of it, below, left or above, whatever
-// comes first and is usable. Where nothing is: the lower right corner of the room, with the size.
-QRect placeBeside(const QRect& other, const QRect& room, const QSize& size);
+// A rectangle of that size, or one no smaller than `smallest`, that leaves the other one free: right of it, below, left or
+// above, whatever has room first. Where nothing has: the lower right corner of the room, with the size.
+QRect placeBeside(const QRect& other, const QRect& room, const QSize& size, const QSize& smallest);
 
 }  // namespace tarn::platform::qt

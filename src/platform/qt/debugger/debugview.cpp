@@ -28,8 +28,9 @@ namespace {
 
 constexpr int firstCommand = 101;
 constexpr int usualWidth = 640, usualHeight = 480;
-constexpr int statusLines = 6;     // at most; longer ones scroll
-constexpr int runningAfter = 150;  // milliseconds
+constexpr QSize smallest(360, 200);  // that can be worked with
+constexpr int statusLines = 6;       // at most; longer ones scroll
+constexpr int runningAfter = 150;    // milliseconds
 
 unsigned bit(DebugPart part) {
     return 1U << static_cast<unsigned>(part);
@@ -286,7 +287,7 @@ void DebugView::place() {
     if (!kept.isEmpty())
         frame_ = fittedPlace(kept, roomFor(kept));
     else if (!beside.isEmpty())
-        frame_ = placeBeside(beside, roomFor(beside), usual);
+        frame_ = placeBeside(beside, roomFor(beside), usual, minimumSizeHint().expandedTo(smallest));
     resize(frame_.isEmpty() ? usual.boundedTo(roomFor({}).size()) : frame_.size());
     settled_ = frame_.isEmpty();
     if (!settled_ && isOnScreen(frame_)) move(frame_.topLeft());

@@ -104,6 +104,7 @@ void Frame::showQuietly(bool behind) {
     open();
     setAttribute(Qt::WA_ShowWithoutActivating, false);
     if (behind) lower();  // desktops differ in where they put a window that does not ask for the focus
+    QApplication::alert(this);
     begin();
 }
 

@@ -55,11 +55,12 @@ TEST_F(StopErrors, AreTheSystemsOwnAndOthers) {
         const char *value, *others, *back;
         std::size_t errors;
     };
-    for (const Case& c : {Case{"", "", "", 0}, Case{"601", "", "601", 1}, Case{"601 901-909", "904", "601 901-909", 9},
-                          Case{"900-2000", "900 904 910-921 925-950 961-980 993-2000", "900-2000", 33},
-                          Case{"1000,2000-2099", "1000 2000-2099", "1000 2000-2099", 0},
-                          Case{"604 603 602 601", "", "601-604", 4}, Case{"601 601-602 602", "", "601-602", 2},
-                          Case{"x", "", "", 0}, Case{"2147483647", "2147483647", "2147483647", 0}}) {
+    for (const Case& c :
+         {Case{"", "", "", 0}, Case{"601", "", "601", 1}, Case{"601 901-909", "904", "601 901-909", 9},
+          Case{"900-2000", "900 904 910-921 925-950 961-980 993-2000", "900-2000", 33},
+          Case{"1000,2000-2099", "1000 2000-2099", "1000 2000-2099", 0},
+          Case{"604 603 602 601", "", "601-604", 4}, Case{"601 601-602 602", "", "601-602", 2},
+          Case{"x", "", "", 0}, Case{"2147483647", "2147483647", "2147483647", 0}}) {
         const StopChoice choice = PARSESTOPCODES(c.value);
         EXPECT_EQ(choice.others, c.others) << c.value;
         EXPECT_EQ(choice.errors.size(), c.errors) << c.value;
@@ -68,7 +69,8 @@ TEST_F(StopErrors, AreTheSystemsOwnAndOthers) {
 }
 
 TEST_F(StopErrors, OthersAreCodesAndRanges) {
-    for (const char* text : {"", "1000", "1000 2000-2099", "1000,2000"}) EXPECT_EQ(OTHERCODESFAULT(text), "") << text;
+    for (const char* text : {"", "1000", "1000 2000-2099", "1000,2000"})
+        EXPECT_EQ(OTHERCODESFAULT(text), "") << text;
     for (const char* text : {"x", "1000 -5", "20-10", "1.5", "1000;"})
         EXPECT_NE(OTHERCODESFAULT(text).find("is no code of an error.\nTry, for example, '1000 2000-2099'."),
                   std::string::npos)
@@ -89,6 +91,7 @@ TEST_F(StopErrors, AreToldInWords) {
     EXPECT_EQ(STOPCODESTEXT("601"), "1 error stops.");
     EXPECT_EQ(STOPCODESTEXT("601 602"), "2 errors stop.");
     EXPECT_EQ(STOPCODESTEXT("601 1000"), "1 error stops, and others.");
+    EXPECT_EQ(STOPCODESTEXT("1000"), "Other codes stop.");
 }
 
 // ---- the dialog ----
@@ -164,8 +167,9 @@ TEST_F(StopErrors, NoneAndWhatIsNoCodeAreRefused) {
                               press("btnnone");
                               EXPECT_EQ(GetCaption(in("lblcount")), "No error is chosen.");
                               press(Ok);
-                              EXPECT_EQ(lastText(), "Choose the errors at which the debugger stops, or let it stop at "
-                                                    "every error.");
+                              EXPECT_EQ(lastText(),
+                                        "Choose the errors at which the debugger stops, or let it stop at "
+                                        "every error.");
                               type("edtothers", "1000 x");
                               press(Ok);
                               EXPECT_NE(lastText().find("'x' is no code of an error."), std::string::npos);
