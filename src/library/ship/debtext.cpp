@@ -156,7 +156,8 @@ std::string DEBCOPYRIGHT(const DebFields& fields, const DebProgram& program) {
     FRAME(DEBCOPYRIGHT);
     std::string text =
         fields.name + " " + fields.version + "\n\n" +
-        (program.copyright.empty() ? "Copyright: " + fields.maintainer : program.copyright) +
+        (program.copyright.empty() ? "Copyright (C) " + STRWORD(program.date, 4) + " " + fields.maintainer
+                                   : program.copyright) +
         "\n\nThe run-time library of Tarnwick, libtarnwick.so and libtarnwick-qt.so in " + folderOf(fields) +
         ",\nis under the Apache License, version 2.0: /usr/share/common-licenses/Apache-2.0.\n";
     if (program.editWindow)
