@@ -93,6 +93,19 @@ TEST(DebText, NoLineOfTheManualIsTakenForAnOrder) {
     EXPECT_NE(manual.find("\n\\&.so /etc/passwd\n\\&'x\n.PP\na\\-b \\e c\n"), std::string::npos) << manual;
 }
 
+TEST(DebText, TheFolderOfTheBuildMachineIsTakenFromTheSearchPathAndNothingMoves) {
+    const auto with = [](const std::string& path) {
+        return std::string("\0a\0", 3) + path + std::string("\0b\0", 3);
+    };
+    const std::string cleaned =
+        std::string("\0a\0$ORIGIN", 10) + std::string(7, '\0') + std::string("\0b\0", 3);
+    EXPECT_EQ(WITHOUTBUILDPATH(with("$ORIGIN:/b/bin"), "$ORIGIN:/b/bin"), cleaned);
+    for (const char* path : {"$ORIGIN", "/b/bin:$ORIGIN", "", "$ORIGIN:/other"})
+        EXPECT_EQ(WITHOUTBUILDPATH(with("$ORIGIN:/b/bin"), path), with("$ORIGIN:/b/bin")) << path;
+    const std::string twice = with("$ORIGIN:/b") + with("$ORIGIN:/b");
+    EXPECT_EQ(WITHOUTBUILDPATH(twice, "$ORIGIN:/b"), twice);
+}
+
 // ---- what it depends on ----
 
 TEST(DebDepends, LibrariesAreReadFromWhatObjdumpWrites) {
