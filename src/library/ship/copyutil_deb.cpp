@@ -2,6 +2,7 @@
 //
 // Files into a Debian package. Its tree stands in a folder beside the place of the package, which goes again whatever happens;
 // the package is made there too, and renamed.
+#include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
 #include "library/ship/copyutil_internal.h"
 #include "library/ship/debdepends.h"

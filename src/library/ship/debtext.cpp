@@ -154,10 +154,12 @@ std::string DEBCOMMAND(const DebFields& fields, const DebProgram& program) {
 
 std::string DEBCOPYRIGHT(const DebFields& fields, const DebProgram& program) {
     FRAME(DEBCOPYRIGHT);
+    const bool told = STRLOWER(program.copyright).find("copyright") != std::string::npos;
+    const std::string own = program.copyright.empty()
+                                ? "(C) " + STRWORD(program.date, 4) + " " + fields.maintainer
+                                : program.copyright;
     std::string text =
-        fields.name + " " + fields.version + "\n\n" +
-        (program.copyright.empty() ? "Copyright (C) " + STRWORD(program.date, 4) + " " + fields.maintainer
-                                   : program.copyright) +
+        fields.name + " " + fields.version + "\n\n" + (told ? "" : "Copyright: ") + own +
         "\n\nThe run-time library of Tarnwick, libtarnwick.so and libtarnwick-qt.so in " + folderOf(fields) +
         ",\nis under the Apache License, version 2.0: /usr/share/common-licenses/Apache-2.0.\n";
     if (program.editWindow)

@@ -78,11 +78,13 @@ TEST(DebText, TheEntryStartsTheCommandInATerminalWhereItHasNoWindows) {
 TEST(DebText, TheCopyrightNamesTheLicencesOfWhatGoesAlong) {
     DebProgram program;
     program.date = "Sun, 22 Nov 2026 19:00:00 +0000";
-    EXPECT_NE(DEBCOPYRIGHT(fields, program).find("Copyright (C) 2026 Ann Bell"), std::string::npos);
+    EXPECT_NE(DEBCOPYRIGHT(fields, program).find("Copyright: (C) 2026 Ann Bell"), std::string::npos);
     EXPECT_EQ(DEBCOPYRIGHT(fields, program).find("GPL"), std::string::npos);
     program.copyright = "(c) Ann";
     program.editWindow = true;
-    EXPECT_TRUE(DEBCOPYRIGHT(fields, program).starts_with("a-prog 1.2\n\n(c) Ann\n\n"));
+    EXPECT_TRUE(DEBCOPYRIGHT(fields, program).starts_with("a-prog 1.2\n\nCopyright: (c) Ann\n\n"));
+    program.copyright = "Copyright 2026 Ann";
+    EXPECT_TRUE(DEBCOPYRIGHT(fields, program).starts_with("a-prog 1.2\n\nCopyright 2026 Ann\n\n"));
     EXPECT_NE(DEBCOPYRIGHT(fields, program).find("common-licenses/GPL-3"), std::string::npos);
 }
 
