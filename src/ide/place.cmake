@@ -3,6 +3,7 @@
 foreach(file IN ITEMS mainicon.ico mainicon.svg logo.bmp logo.svg open2.bmp open3.bmp)
   file(COPY_FILE ${SOURCE_DIR}/src/ide/pictures/${file} ${BIN_DIR}/${file} ONLY_IF_DIFFERENT)
 endforeach()
+file(COPY ${SOURCE_DIR}/src/toolchain/proof/tarnwick-proof DESTINATION ${BIN_DIR})
 if(NOT EXISTS ${BIN_DIR}/ide.ini)
   file(COPY_FILE ${SOURCE_DIR}/src/ide/ide.ini ${BIN_DIR}/ide.ini)
 endif()

@@ -2,6 +2,7 @@
 //
 // Files into a Debian package. Its tree stands in a folder beside the place of the package, which goes again whatever happens;
 // the package is made there too, and renamed.
+#include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
 #include "library/ship/copyutil_internal.h"
 #include "library/ship/debdepends.h"
@@ -80,9 +81,9 @@ public:
     // False with a text: it could not be made; without one: the user has stopped it.
     bool run(std::string& problem) {
         using Step = bool (DebMaker::*)();
-        constexpr Step steps[] = {&DebMaker::copyFiles,    &DebMaker::copyIcon, &DebMaker::findDepends,
-                                  &DebMaker::writeTexts,   &DebMaker::compress, &DebMaker::writeSums,
-                                  &DebMaker::writeControl, &DebMaker::pack};
+        constexpr Step steps[] = {&DebMaker::copyFiles,   &DebMaker::cleanProgram, &DebMaker::copyIcon,
+                                  &DebMaker::findDepends, &DebMaker::writeTexts,   &DebMaker::compress,
+                                  &DebMaker::writeSums,   &DebMaker::writeControl, &DebMaker::pack};
         std::int64_t done = 0;
         bool ok = !scratch_.path().empty();
         if (!ok) problem_ = "'" + FILEGETDIR(file_) + "' could not be written.";
@@ -169,6 +170,24 @@ private:
         }
         return true;
     }
+    // Where the libraries stood on this machine is nothing for another one.
+    bool cleanProgram() {
+        const std::string path = tree_ + own() + program_.exe;
+        std::string bytes;
+        if (!LOADFILE(path, bytes) || !bytes.starts_with("\177ELF")) return true;
+        if (!runs("objdump", {"-p", own() + program_.exe})) return false;
+        std::string runpath;
+        for (int i = 1; i <= STRLINES(output_) && runpath.empty(); ++i) {
+            const std::string line = STRLINE(output_, i);
+            if (STRWORD(line, 1) == "RUNPATH")
+                runpath = STRTRIM(line.substr(line.find("RUNPATH") + std::string_view("RUNPATH").size()));
+        }
+        const std::string clean = WITHOUTBUILDPATH(bytes, runpath);
+        if (clean == bytes) return true;
+        return (os::saveFile(path, clean, os::Durability::Unsynced).ok() &&
+                os::files().setMode(path, Program) == os::FileError::None) ||
+               fails("'" + path + "' could not be written.");
+    }
     bool copyIcon() {
         for (const IconPlace& place : iconPlaces) {
             if (!STREQUAL(FILEGETEXT(icon_), place.extension)) continue;
@@ -190,6 +209,7 @@ private:
                put("usr/share/applications/" + fields_.name + ".desktop", DEBENTRY(fields_, program_)) &&
                put(document() + "copyright", DEBCOPYRIGHT(fields_, program_)) &&
                put(document() + "changelog", DEBCHANGES(fields_, program_)) &&
+               put("usr/share/lintian/overrides/" + fields_.name, DEBOVERRIDES(fields_)) &&
                put("usr/share/man/man1/" + fields_.name + ".1", DEBMANUAL(fields_, program_));
     }
     bool compress() {

@@ -154,9 +154,12 @@ std::string DEBCOMMAND(const DebFields& fields, const DebProgram& program) {
 
 std::string DEBCOPYRIGHT(const DebFields& fields, const DebProgram& program) {
     FRAME(DEBCOPYRIGHT);
+    const bool told = STRLOWER(program.copyright).find("copyright") != std::string::npos;
+    const std::string own = program.copyright.empty()
+                                ? "(C) " + STRWORD(program.date, 4) + " " + fields.maintainer
+                                : program.copyright;
     std::string text =
-        fields.name + " " + fields.version + "\n\n" +
-        (program.copyright.empty() ? "Copyright: " + fields.maintainer : program.copyright) +
+        fields.name + " " + fields.version + "\n\n" + (told ? "" : "Copyright: ") + own +
         "\n\nThe run-time library of Tarnwick, libtarnwick.so and libtarnwick-qt.so in " + folderOf(fields) +
         ",\nis under the Apache License, version 2.0: /usr/share/common-licenses/Apache-2.0.\n";
     if (program.editWindow)
@@ -170,6 +173,30 @@ std::string DEBCHANGES(const DebFields& fields, const DebProgram& program) {
     FRAME(DEBCHANGES);
     return fields.name + " (" + fields.version + ") unstable; urgency=medium\n\n  * Version " +
            fields.version + ".\n\n -- " + fields.maintainer + "  " + program.date + "\n";
+}
+
+std::string DEBOVERRIDES(const DebFields& fields) {
+    FRAME(DEBOVERRIDES);
+    std::string text =
+        "# The program is linked to its run-time library alone, which is linked to the C library, and "
+        "stands where the compiler puts it.\n";
+    for (const char* tag : {"program-not-linked-against-libc", "hardening-no-pie", "hardening-no-relro"})
+        text += fields.name + " binary: " + tag + " *\n";
+    return text;
+}
+
+std::string WITHOUTBUILDPATH(std::string bytes, const std::string& runpath) {
+    FRAME(WITHOUTBUILDPATH);
+    constexpr std::string_view Own = "$ORIGIN";
+    const std::string whole = std::string(1, '\0') + runpath + std::string(1, '\0');
+    const std::size_t at = bytes.find(whole);
+    const bool fits = runpath.starts_with(std::string(Own) + ":") && at != std::string::npos &&
+                      bytes.find(whole, at + 1) == std::string::npos;
+    // The text ends where the next folder began, so that nothing moves.
+    if (fits)
+        std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at + 1 + Own.size()),
+                    runpath.size() - Own.size(), '\0');
+    return bytes;
 }
 
 std::string DEBMANUAL(const DebFields& fields, const DebProgram& program) {

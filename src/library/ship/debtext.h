@@ -43,6 +43,11 @@ std::string DEBENTRY(const DebFields& fields, const DebProgram& program);
 std::string DEBCOMMAND(const DebFields& fields, const DebProgram& program);  // the text of /usr/bin/NAME
 std::string DEBCOPYRIGHT(const DebFields& fields, const DebProgram& program);
 std::string DEBCHANGES(const DebFields& fields, const DebProgram& program);
+// What of it lintian is not to tell: what all programs of the compiler are like.
+std::string DEBOVERRIDES(const DebFields& fields);
+// A program's bytes without the folder of the build machine in `runpath`, its search path for libraries as objdump tells it;
+// as they are where that does not stand there once.
+std::string WITHOUTBUILDPATH(std::string bytes, const std::string& runpath);
 std::string DEBMANUAL(const DebFields& fields, const DebProgram& program);
 
 }  // namespace tarn

@@ -423,7 +423,7 @@ TEST_F(ShipDebs, AToolThatFailsIsToldWithWhatItWroteAndTheOldOneStays) {
         EXPECT_EQ(lastText(), "Could not create '" + dir / "to/prog.deb" + "'\n\nThe program '" + name +
                                   "' failed.\nthat went wrong");
         expectOldOne();
-        std::filesystem::remove(dir / "program" / name);
+        std::filesystem::remove(dir / "program/" + name);
     }
 }
 
@@ -451,7 +451,7 @@ TEST_F(ShipDebs, AStopInAnyStepLeavesTheOldOneAndSaysNothing) {
         EXPECT_EQ(asked.size(), 1U) << name << lastText();
         platform::view().setIdle({});
         expectOldOne();
-        std::filesystem::remove(dir / "program" / name);
+        std::filesystem::remove(dir / "program/" + name);
     }
 }
 

@@ -77,11 +77,14 @@ TEST(DebText, TheEntryStartsTheCommandInATerminalWhereItHasNoWindows) {
 
 TEST(DebText, TheCopyrightNamesTheLicencesOfWhatGoesAlong) {
     DebProgram program;
-    EXPECT_NE(DEBCOPYRIGHT(fields, program).find("Copyright: Ann Bell"), std::string::npos);
+    program.date = "Sun, 22 Nov 2026 19:00:00 +0000";
+    EXPECT_NE(DEBCOPYRIGHT(fields, program).find("Copyright: (C) 2026 Ann Bell"), std::string::npos);
     EXPECT_EQ(DEBCOPYRIGHT(fields, program).find("GPL"), std::string::npos);
     program.copyright = "(c) Ann";
     program.editWindow = true;
-    EXPECT_TRUE(DEBCOPYRIGHT(fields, program).starts_with("a-prog 1.2\n\n(c) Ann\n\n"));
+    EXPECT_TRUE(DEBCOPYRIGHT(fields, program).starts_with("a-prog 1.2\n\nCopyright: (c) Ann\n\n"));
+    program.copyright = "Copyright 2026 Ann";
+    EXPECT_TRUE(DEBCOPYRIGHT(fields, program).starts_with("a-prog 1.2\n\nCopyright 2026 Ann\n\n"));
     EXPECT_NE(DEBCOPYRIGHT(fields, program).find("common-licenses/GPL-3"), std::string::npos);
 }
 
@@ -90,6 +93,19 @@ TEST(DebText, NoLineOfTheManualIsTakenForAnOrder) {
     changed.description = ".so /etc/passwd\n'x\n\na-b \\ c";
     const std::string manual = DEBMANUAL(changed, {});
     EXPECT_NE(manual.find("\n\\&.so /etc/passwd\n\\&'x\n.PP\na\\-b \\e c\n"), std::string::npos) << manual;
+}
+
+TEST(DebText, TheFolderOfTheBuildMachineIsTakenFromTheSearchPathAndNothingMoves) {
+    const auto with = [](const std::string& path) {
+        return std::string("\0a\0", 3) + path + std::string("\0b\0", 3);
+    };
+    const std::string cleaned =
+        std::string("\0a\0$ORIGIN", 10) + std::string(7, '\0') + std::string("\0b\0", 3);
+    EXPECT_EQ(WITHOUTBUILDPATH(with("$ORIGIN:/b/bin"), "$ORIGIN:/b/bin"), cleaned);
+    for (const char* path : {"$ORIGIN", "/b/bin:$ORIGIN", "", "$ORIGIN:/other"})
+        EXPECT_EQ(WITHOUTBUILDPATH(with("$ORIGIN:/b/bin"), path), with("$ORIGIN:/b/bin")) << path;
+    const std::string twice = with("$ORIGIN:/b") + with("$ORIGIN:/b");
+    EXPECT_EQ(WITHOUTBUILDPATH(twice, "$ORIGIN:/b"), twice);
 }
 
 // ---- what it depends on ----

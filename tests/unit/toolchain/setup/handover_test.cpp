@@ -129,14 +129,16 @@ TEST_F(Handover, ADebianPackageOfTheOutputFilesRuns) {
     const std::string deb = dir + "words.deb", exe = dir + "wordcount/wordcount.exe",
                       icon = write("i.svg", "<svg/>");
     const DebFields fields{"wordcount", "1.2", "Ann Bell <ann@example.org>", "counts words", ""};
-    EXPECT_TRUE(answering(deb, [&] { return COPYTODEB(Object(), fields, "(c) Ann", icon, files, exe, ""); }))
-        << told;
+    EXPECT_TRUE(answering(deb, [&] {
+        return COPYTODEB(Object(), fields, "(c) 2026 Ann", icon, files, exe, "");
+    })) << told;
     EXPECT_EQ(told.substr(0, told.find('\n')), "Created '" + deb + "'");
     ASSERT_EQ(run("/usr/bin/dpkg-deb", {"-I", deb, "control"}), 0) << output;
     EXPECT_NE(output.find("\nDepends: libc6 (>= "), std::string::npos) << output;
-    EXPECT_NE(output.find(", libstdc++6\n"), std::string::npos) << output;
+    EXPECT_NE(output.find(", libstdc++6"), std::string::npos) << output;
     if (os::sizeOf("/usr/bin/lintian") > 0) {
-        EXPECT_EQ(run("/usr/bin/lintian", {"--no-cfg", "--tag-display-limit", "0", deb}), 0) << output;
+        EXPECT_EQ(run("/usr/bin/lintian", {"--no-cfg", "--allow-root", "--tag-display-limit", "0", deb}), 0)
+            << output;
         EXPECT_EQ(output, "");
     }
     ASSERT_EQ(run("/usr/bin/dpkg-deb", {"-c", deb}), 0) << output;
