@@ -226,6 +226,10 @@ TEST_F(Honest, QuotesThatDoNotCloseAreCharacters) {
         {"a,b\n\"\",x\n", "a,b\n\"\",x\n"},
     };
     for (const auto& c : cases) EXPECT_EQ(convert("a.csv", c.text, "b.csv"), c.rows) << c.text;
+    EXPECT_EQ(errors, "");
+    convert("a.csv", "a,b\nx,1\n\"never,closed\n\"x\"y,z\n", "b.csv");
+    expectNote("Row 2 of 'a.csv' has a cell that begins with a quote and does not end with one, or has single ones "
+               "in it: such cells are taken as they stand, quotes and all.");
 }
 
 TEST_F(Honest, BlocksAndLongCellsHoldTogether) {
@@ -259,6 +263,36 @@ TEST_F(Honest, ManyColumnsGoFromTextToText) {
     EXPECT_EQ(there(text, "tab"), text);
     EXPECT_EQ(tarnData("convert a.csv b.dbf"), Failed);
     EXPECT_NE(errors.find("has 200 columns; at most 48"), std::string::npos) << errors;
+}
+
+TEST_F(Honest, SeparatorsAreToldFromManyLines) {
+    const struct {
+        const char *name, *text, *separator;
+    } cases[] = {
+        {"a.csv", "a;b (x,y);c\n1;2,5;3\n2;3,5;4\n", "';'"},
+        {"a.csv", "when|x\n08:15|1\n09:30|2\n", "'|'"},
+        {"a.tab", "name\tnote\nA, B\tx, y\nC, D\tz, z\n", "\\t"},
+        {"a.tab", "#a comment, with commas,\n# and, more\nx\ty\n1\t2\n", "\\t"},
+        {"a.tab", "\"# a \"\"comment\"\", with commas\"\n\"# and, \"\"more\"\"\"\nx\ty\n1\t2\n", "\\t"},
+        {"a.csv", "a,b\n1,2\n", "','"},
+        {"a.csv", "one\ntwo\n", "','"},
+    };
+    for (const auto& c : cases) {
+        write(c.name, c.text);
+        EXPECT_EQ(tarnData(std::string("info ") + c.name), Well) << c.text << errors;
+        EXPECT_NE(output.find(std::string("separator ") + c.separator + ","), std::string::npos) << c.text << output;
+    }
+}
+
+TEST_F(Honest, WhatInfoPrintsDeclaresATableFile) {
+    for (const char* text : {"a,b\n1,2\n3,4,5\n", "a,b\n1,\n", "first name,end\nx,True\n", "1,2\n3,4\n",
+                             "when,s\n2024-01-05,[1..3]\n"}) {
+        write("a.csv", text);
+        ASSERT_EQ(shell(program() + " info a.csv >t.type && " + program() + " convert a.csv t.bin --type=t.type"),
+                  Well)
+            << text << errors;
+        EXPECT_EQ(tarnData("check t.bin --type=t.type"), Well) << text << output;
+    }
 }
 
 TEST_F(Honest, WhatLooksLikeAMistakeIsHinted) {

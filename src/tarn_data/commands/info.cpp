@@ -89,7 +89,7 @@ int infoText(const std::string& file, const Arguments& arguments) {
         return tell(tooManyColumns(source, facts.columns.size()));
     if (facts.gap.any()) note(facts.gap.what + " Only rows ahead of it are counted.");
     noteTextColumns(source, facts);
-    noteRagged(source, facts);
+    noteOddRows(source, facts);
     if (RowsAreLines(source.format)) source.rowsSeen = static_cast<std::int32_t>(facts.rows);
     const std::string columns = look ? columnsText(source, facts) : source.columns;
     std::vector<std::string> headings = columnNames(columns);

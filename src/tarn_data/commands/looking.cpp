@@ -109,7 +109,11 @@ void noteRenamed(const std::vector<std::string>& from, const std::vector<std::st
     if (!renamed.empty()) note("Columns renamed: " + renamed + ".");
 }
 
-void noteRagged(const Source& source, const RowsFacts& facts) {
+void noteOddRows(const Source& source, const RowsFacts& facts) {
+    if (facts.strayQuote != 0)
+        note("Row " + std::to_string(facts.strayQuote) + " of '" + shown(source.file) +
+             "' has a cell that begins with a quote and does not end with one, or has single ones in it: such cells "
+             "are taken as they stand, quotes and all.");
     if (facts.ragged == 0) return;
     const auto cells = [](std::size_t n) { return std::to_string(n) + (n == 1 ? " cell" : " cells"); };
     note("Row " + std::to_string(facts.firstRagged) + " of '" + shown(source.file) + "' has " +

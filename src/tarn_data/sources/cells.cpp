@@ -213,6 +213,7 @@ public:
         if (!cells_->next(row)) {
             problem_ = cells_->problem();
             gap_ = cells_->gap();
+            strayQuote_ = cells_->strayQuote();
             return false;
         }
         for (Cell& cell : row) {

@@ -219,6 +219,7 @@ Problem lookAtRows(CellSource& cells, const std::vector<std::string>& named, Row
         for (std::size_t n = 0; n < row.size(); ++n) lookAtCell(facts.columns[n], facts.rows, row[n]);
     }
     facts.gap = cells.gap();
+    facts.strayQuote = cells.strayQuote();
     return problem.any() ? problem : cells.problem();
 }
 

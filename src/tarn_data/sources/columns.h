@@ -59,6 +59,7 @@ struct RowsFacts {
     std::int64_t ragged = 0, firstRagged = 0;
     std::size_t raggedCells = 0, usualCells = 0;
     Problem gap;  // an empty line that ended the rows
+    std::int64_t strayQuote = 0;
 };
 
 // Reads all rows. `named` are the names of the columns as they stand in the file; those beyond are FIELDn.
