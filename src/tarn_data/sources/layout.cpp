@@ -90,14 +90,27 @@ bool occurs(const std::vector<std::string_view>& lines, char separator) {
            (lines.size() < 2 || lines[1].find(separator) != std::string_view::npos);
 }
 
+// Of those that give every line as many cells the one that gives most; NUL for none. Times and dates hold
+// colons, so these count only where there is no other.
+char evenSeparator(const std::vector<std::string_view>& lines, const std::string& order) {
+    char found = '\0';
+    std::size_t most = 1;
+    for (const char c : order) {
+        const std::size_t cells = cellsIn(lines[0], c);
+        if (linesOfOneWidth(lines, c) != lines.size() || cells <= most || (c == ':' && found != '\0')) continue;
+        found = c;
+        most = cells;
+    }
+    return found;
+}
+
 // The one that gives every line as many cells; else the first that stands in the first two lines; else the one
 // that does so for most lines.
 char separatorOf(const Source& source, const std::vector<std::string_view>& lines) {
     std::string order = DataFormatOf(source.file) == FormatTab ? "\t,;|~:" : ",;\t|~:";
     if (lines.empty()) return order[0];
-    for (const char c : order) {
-        if (linesOfOneWidth(lines, c) == lines.size()) return c;
-    }
+    const char even = evenSeparator(lines, order);
+    if (even != '\0') return even;
     for (const char c : order) {
         if (occurs(lines, c)) return c;
     }

@@ -102,12 +102,19 @@ def chosen(short):
     return [f for f in files if not kept.update([f[1][-3:]]) and kept[f[1][-3:]] <= SHORT]
 
 
+# Alike messages of many files are one line: what they name of a file is left away.
+def pattern(line):
+    line = re.sub(r"'[^']*'", "'...'", re.sub(r'"[^"]*"', '"..."', line))
+    line = re.sub(r"'\.\.\.' to \w+(, '\.\.\.' to \w+)*", "'...' to ...", line)
+    return re.sub(r'\b\w+ to \w+(, \w+ to \w+)*\.$', '... to ....', re.sub(r'\d+', 'n', line))
+
+
 # A refusal stands behind the notes.
 def told_lines(outcome):
     lines = [line.replace('tarn-data: ', '') for line in outcome.told.split('\n') if line.startswith('tarn-data: ')]
     notes = [line.replace('note: ', '') for line in lines if line.startswith('note: ')]
     wrong = [line for line in lines if not line.startswith('note: ')]
-    return wrong[:1] if outcome.kind == 'refused' else notes or [outcome.told]
+    return [pattern(line) for line in (wrong[:1] if outcome.kind == 'refused' else notes or [outcome.told])]
 
 
 def table(results):
