@@ -87,8 +87,8 @@ Problem lookAtCells(Conversion& c) {
 // Names of the language, for those forms that need them. Delimited text keeps the headings.
 Problem nameColumns(Conversion& c) {
     c.columns.names = namesOfLanguage(c.columns.headings);
-    c.columns.named = c.source.format == FormatText || !RowsAreLines(c.source.format) ||
-                      c.source.options.numheaderrows > 0;
+    c.columns.named =
+        c.source.format == FormatText || !RowsAreLines(c.source.format) || c.source.options.numheaderrows > 0;
     if (RowsAreLines(c.target.format) && !c.target.plain) {
         if (!c.source.headings.empty()) c.columns.headings = c.source.headings;
         return {};

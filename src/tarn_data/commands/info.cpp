@@ -39,8 +39,8 @@ std::string declared(const std::string& file, const std::string& columns,
                      const std::vector<std::string>& headings) {
     const std::string repaired = repairedNames(columns), whole = declaration(file, repaired);
     const std::string keys = TypeInfoFieldList(whole).keys.names;
-    return line("default keys", keys.empty() ? "none" : keys) +
-           renamedText(headings, columnNames(repaired)) + "declaration:\n" + whole;
+    return line("default keys", keys.empty() ? "none" : keys) + renamedText(headings, columnNames(repaired)) +
+           "declaration:\n" + whole;
 }
 
 // ---- text and XML ----
@@ -166,7 +166,8 @@ int infoXbase(const std::string& name) {
     if (problem.any()) return tell(problem);
     return print(line("file", name) + line("type", "Xbase") + line("rows", rows) +
                  line("columns", std::to_string(file.header().fieldCount)) +
-                 indexLines(indexesBeside(name, type), name) + declared(name, type.columns, columnNames(type.columns)));
+                 indexLines(indexesBeside(name, type), name) +
+                 declared(name, type.columns, columnNames(type.columns)));
 }
 
 // ---- table files ----
@@ -188,7 +189,8 @@ int infoTable(const std::string& file, const std::string& typeFile) {
                                     : "table file of at most " + std::to_string(type.capacity) + " rows") +
                  line("rows", rows) + line("record length", std::to_string(facts.rowBytes)) +
                  line("columns", std::to_string(fieldNames(type.columns).size())) +
-                 indexLines(indexesBeside(file, type), file) + declared(file, type.columns, columnNames(type.columns)));
+                 indexLines(indexesBeside(file, type), file) +
+                 declared(file, type.columns, columnNames(type.columns)));
 }
 
 }  // namespace

@@ -169,7 +169,8 @@ public:
         std::string_view bytes;
         do {
             if (!file_->next(bytes))
-                return file_->error() != os::FileError::None && fail(unreadable(source_.file, file_->error()));
+                return file_->error() != os::FileError::None &&
+                       fail(unreadable(source_.file, file_->error()));
             if (!steps_->step(file_->header().recordSize)) return fail(stoppedProblem());
         } while (bytes[0] == DeletedRow && !source_.deleted);
         row.clear();
@@ -186,8 +187,14 @@ private:
         const std::string_view text = trimmedText(field);
         if (type != 'L' || text.size() != 1) return text;
         switch (text[0]) {
-        case 'T': case 't': case 'Y': case 'y': return "True";
-        case 'F': case 'f': case 'N': case 'n': return "False";
+        case 'T':
+        case 't':
+        case 'Y':
+        case 'y': return "True";
+        case 'F':
+        case 'f':
+        case 'N':
+        case 'n': return "False";
         case '?': return "";
         default: return text;
         }

@@ -43,8 +43,7 @@ CellClass classOfText(std::string_view text) {
     case ValueClass::Blank: return CellClass::Nothing;
     case ValueClass::Boolean: return CellClass::Boolean;
     case ValueClass::Integer: return fitsInteger(trimmed) ? CellClass::Integer : CellClass::Real;
-    case ValueClass::Fixed:
-        return decimalsOf(trimmed) > fixedDecimals ? CellClass::Real : CellClass::Fixed;
+    case ValueClass::Fixed: return decimalsOf(trimmed) > fixedDecimals ? CellClass::Real : CellClass::Fixed;
     case ValueClass::Real: return CellClass::Real;
     case ValueClass::Date: return text.size() > longestDate ? CellClass::Text : CellClass::Date;
     case ValueClass::Set: return CellClass::Set;

@@ -97,7 +97,8 @@ char evenSeparator(const std::vector<std::string_view>& lines, const std::string
     std::size_t most = 1;
     for (const char c : order) {
         const std::size_t cells = cellsIn(lines[0], c);
-        if (linesOfOneWidth(lines, c) != lines.size() || cells <= most || (c == ':' && found != '\0')) continue;
+        if (linesOfOneWidth(lines, c) != lines.size() || cells <= most || (c == ':' && found != '\0'))
+            continue;
         found = c;
         most = cells;
     }
@@ -237,7 +238,8 @@ Problem readHeading(Source& source) {
     Problem problem = reader.open();
     CellRow row;
     if (!problem.any() && reader.headers().empty() && !reader.next(row) && !reader.problem().any())
-        problem = {fileWord(source.file) + "holds no rows.", "Look whether there is anything but empty lines in it."};
+        problem = {fileWord(source.file) + "holds no rows.",
+                   "Look whether there is anything but empty lines in it."};
     if (problem.any() || reader.problem().any()) return problem.any() ? problem : reader.problem();
     source.crlf = reader.crlf();
     if (!reader.headers().empty()) source.headings = reader.headers()[0];
@@ -268,7 +270,8 @@ Problem findLayout(const Arguments& arguments, Source& source) {
     if (problem.any()) return problem;
     DataOptions& options = source.options;
     options = {};
-    options.separatorchar = given.separator.value_or(static_cast<unsigned char>(separatorOf(source, sample.lines)));
+    options.separatorchar =
+        given.separator.value_or(static_cast<unsigned char>(separatorOf(source, sample.lines)));
     if (!given.separator && options.separatorchar == ':' && areTimes(sample.lines)) {
         options.separatorchar = ',';
         note("The lines of '" + shown(source.file) +
