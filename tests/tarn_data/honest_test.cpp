@@ -358,6 +358,10 @@ TEST_F(Honest, BytesOfOtherEncodingsStayAndXmlNamesTheCommand) {
     EXPECT_EQ(there(latin, "dbf"), latin);
     EXPECT_EQ(tarnData("convert a.csv b.xml"), Failed);
     EXPECT_NE(errors.find("iconv -f ISO-8859-1 -t UTF-8 'a.csv' >'a-utf8.csv'"), std::string::npos) << errors;
+    infoOf("a,b\nx,y\nx,\xE9t\xE9\n");
+    expectNote(
+        "File 'a.csv' is no UTF-8: the first byte that is not stands in line 3. If it is ISO-8859-1, this "
+        "converts it: iconv -f ISO-8859-1 -t UTF-8 'a.csv' >'a-utf8.csv'");
     write("a.csv", windows);
     EXPECT_EQ(tarnData("convert a.csv b.xml"), Failed);
     EXPECT_NE(errors.find("iconv -f WINDOWS-1252 -t UTF-8"), std::string::npos) << errors;

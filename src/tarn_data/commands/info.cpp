@@ -4,6 +4,7 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/tables/tables.h"
 #include "os/paths.h"
+#include "tarn_data/base/encoding.h"
 #include "tarn_data/base/shown.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/base/xbase.h"
@@ -76,6 +77,18 @@ std::string columnsText(const Source& source, const RowsFacts& facts) {
     return text;
 }
 
+// Bytes go as they are; only who knows the encoding can say what they mean.
+Problem noteEncoding(const Source& source) {
+    const Work work("reading " + source.file);
+    EncodingFacts facts;
+    Problem problem = findEncoding(source.path, facts);
+    if (!problem.any() && facts.firstBad >= 0)
+        note(fileWord(source.file) + "is no UTF-8: the first byte that is not stands in line " +
+             std::to_string(facts.firstBadLine) + ". If it is " + std::string(encodingName(facts.encoding)) +
+             ", this converts it: " + iconvCommand(source.file, facts.encoding));
+    return problem;
+}
+
 int infoText(const std::string& file, const Arguments& arguments) {
     Source source;
     RowsFacts facts;
@@ -84,6 +97,7 @@ int infoText(const std::string& file, const Arguments& arguments) {
     // The rows of a long file of XML are not kept only to be looked at.
     const bool look = RowsAreLines(source.format) || fitsMemory(source.rowsSeen);
     if (look) problem = lookAtSource(arguments, source, *cellsOf(source), facts);
+    if (!problem.any() && RowsAreLines(source.format)) problem = noteEncoding(source);
     if (problem.any()) return tell(problem);
     if (facts.columns.size() > std::size_t{MaxTabColumns})
         return tell(tooManyColumns(source, facts.columns.size()));
