@@ -270,10 +270,9 @@ TEST_F(TarnData, NumbersThatNoRealHoldsStayAsTheyAre) {
 }
 
 TEST_F(TarnData, NumbersThatARealHoldsAreRealsAndStayAsTheyStand) {
-    for (const char* number :
-         {"0.12345", "1e300", "9007199254740992", "0.30000000000000004", "+3.0000000000000004E-0001",
-          "1234567890.123456", "123456789012345000000000", "NULL", "null", "0.000000000000000000000",
-          "-0.00000", ""}) {
+    for (const char* number : {"0.12345", "1e300", "9007199254740992", "0.30000000000000004",
+                               "+3.0000000000000004E-0001", "1234567890.123456", "123456789012345000000000",
+                               "NULL", "null", "0.000000000000000000000", "-0.00000", ""}) {
         const std::string text = std::string("id,n\n1,1e5\n2,") + number + "\n";
         write("a.csv", text);
         EXPECT_EQ(tarnData("info a.csv"), Well) << number << errors;

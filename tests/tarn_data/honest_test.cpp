@@ -68,13 +68,15 @@ TEST_F(Honest, TextFormsGiveEveryCellBackByteForByte) {
 }
 
 TEST_F(Honest, EmptyNumbersOfXbaseStayEmptyAndNullIsNoted) {
-    EXPECT_EQ(there("id,n,ok\n1,,True\n2,5.25,\n3,7,False\n", "dbf"), "id,n,ok\n1,,True\n2,5.25,\n3,7,False\n");
+    EXPECT_EQ(there("id,n,ok\n1,,True\n2,5.25,\n3,7,False\n", "dbf"),
+              "id,n,ok\n1,,True\n2,5.25,\n3,7,False\n");
     EXPECT_EQ(errors, "");
     EXPECT_EQ(there("id,n\n1,5\n2,NULL\n3,null\n", "dbf"), "id,n\n1,5\n2,\n3,\n");
     expectNote("Column 'n' has 2 cells of NULL, which are left blank (the first in row 2).");
     EXPECT_EQ(there("id,s\n1,x \n2,y\n", "dbf"), "id,s\n1,x\n2,y\n");
-    expectNote("Column 's' has 1 texts with blanks at their end, which a dbf file does not keep (the first in "
-               "row 1).");
+    expectNote(
+        "Column 's' has 1 texts with blanks at their end, which a dbf file does not keep (the first in "
+        "row 1).");
     EXPECT_EQ(there("id,ok\n1,yes\n2,no\n", "dbf"), "id,ok\n1,True\n2,False\n");
     expectNote("Column 'ok' is written as T and F, for True and False, like 'yes' in row 1.");
 }
@@ -94,9 +96,10 @@ TEST_F(Honest, TableFilesCountWhatBecomesZero) {
 TEST_F(Honest, TableFilesRefuseWhatAFieldDoesNotHoldByRowAndCell) {
     const struct {
         const char *type, *cell;
-    } cases[] = {{"integer", "x"},  {"integer", "1.5"},  {"integer", "2147483648"}, {"enum", "256"},
-                 {"boolean", "1"},  {"fixed", "0.12345"}, {"real", "n/a"},           {"string[2]", "abc"},
-                 {"Tchars[1:2]", "abc"}, {"set[1:5]", "[9]"}, {"set[1:5]", "x"}};
+    } cases[] = {{"integer", "x"},    {"integer", "1.5"},   {"integer", "2147483648"},
+                 {"enum", "256"},     {"boolean", "1"},     {"fixed", "0.12345"},
+                 {"real", "n/a"},     {"string[2]", "abc"}, {"Tchars[1:2]", "abc"},
+                 {"set[1:5]", "[9]"}, {"set[1:5]", "x"}};
     for (const auto& c : cases) {
         write("t.type", std::string("record\n\tid : integer\n\tn : ") + c.type + "\nend record\n");
         write("a.csv", std::string("id;n\n1;\n2;") + c.cell + "\n");
@@ -226,13 +229,19 @@ TEST_F(Honest, QuotesThatDoNotCloseAreCharacters) {
         {"a,b\n\"\",x\n", "a,b\n\"\",x\n"},
     };
     for (const auto& c : cases) EXPECT_EQ(convert("a.csv", c.text, "b.csv"), c.rows) << c.text;
+    EXPECT_EQ(errors, "");
+    convert("a.csv", "a,b\nx,1\n\"never,closed\n\"x\"y,z\n", "b.csv");
+    expectNote(
+        "Row 2 of 'a.csv' has a cell that begins with a quote and does not end with one, or has single ones "
+        "in it: such cells are taken as they stand, quotes and all.");
 }
 
 TEST_F(Honest, BlocksAndLongCellsHoldTogether) {
     std::string text = "a,b\n", cell;
     for (int i = 0; i < 60000; ++i) cell += "line \"\"" + std::to_string(i) + "\"\"\n";
     for (int i = 0; i < 20000; ++i)
-        text += std::to_string(i) + ",\"x" + std::string(static_cast<std::size_t>(i % 57), 'y') + ",\"\"\r\n\"\n";
+        text +=
+            std::to_string(i) + ",\"x" + std::string(static_cast<std::size_t>(i % 57), 'y') + ",\"\"\r\n\"\n";
     text += "1,\"" + cell.substr(0, 900000) + "\"\n";
     EXPECT_TRUE(convert("a.csv", text, "b.csv") == text);
     EXPECT_TRUE(there(text, "tab") == text);
@@ -261,19 +270,54 @@ TEST_F(Honest, ManyColumnsGoFromTextToText) {
     EXPECT_NE(errors.find("has 200 columns; at most 48"), std::string::npos) << errors;
 }
 
+TEST_F(Honest, SeparatorsAreToldFromManyLines) {
+    const struct {
+        const char *name, *text, *separator;
+    } cases[] = {
+        {"a.csv", "a;b (x,y);c\n1;2,5;3\n2;3,5;4\n", "';'"},
+        {"a.csv", "when|x\n08:15|1\n09:30|2\n", "'|'"},
+        {"a.tab", "name\tnote\nA, B\tx, y\nC, D\tz, z\n", "\\t"},
+        {"a.tab", "#a comment, with commas,\n# and, more\nx\ty\n1\t2\n", "\\t"},
+        {"a.tab", "\"# a \"\"comment\"\", with commas\"\n\"# and, \"\"more\"\"\"\nx\ty\n1\t2\n", "\\t"},
+        {"a.csv", "a,b\n1,2\n", "','"},
+        {"a.csv", "one\ntwo\n", "','"},
+    };
+    for (const auto& c : cases) {
+        write(c.name, c.text);
+        EXPECT_EQ(tarnData(std::string("info ") + c.name), Well) << c.text << errors;
+        EXPECT_NE(output.find(std::string("separator ") + c.separator + ","), std::string::npos)
+            << c.text << output;
+    }
+}
+
+TEST_F(Honest, WhatInfoPrintsDeclaresATableFile) {
+    for (const char* text : {"a,b\n1,2\n3,4,5\n", "a,b\n1,\n", "first name,end\nx,True\n", "1,2\n3,4\n",
+                             "when,s\n2024-01-05,[1..3]\n"}) {
+        write("a.csv", text);
+        ASSERT_EQ(
+            shell(program() + " info a.csv >t.type && " + program() + " convert a.csv t.bin --type=t.type"),
+            Well)
+            << text << errors;
+        EXPECT_EQ(tarnData("check t.bin --type=t.type"), Well) << text << output;
+    }
+}
+
 TEST_F(Honest, WhatLooksLikeAMistakeIsHinted) {
     write("cr.csv", "a,b\r1,2\r");
     EXPECT_EQ(tarnData("info cr.csv"), Failed);
-    EXPECT_EQ(errors, "tarn-data: File 'cr.csv' ends its lines with carriage returns alone.\nMake line feeds of "
-                      "them first: tr '\\r' '\\n' <'cr.csv' >'new-cr.csv'\n");
+    EXPECT_EQ(errors,
+              "tarn-data: File 'cr.csv' ends its lines with carriage returns alone.\nMake line feeds of "
+              "them first: tr '\\r' '\\n' <'cr.csv' >'new-cr.csv'\n");
     const std::string ragged = "a,b\n1,2\n3,4,5\n6\n";
     EXPECT_EQ(convert("a.csv", ragged, "b.csv"), ragged);
-    expectNote("Row 2 of 'a.csv' has 3 cells, and the first line has 2; there are 2 such rows. Look whether a "
-               "cell holds the separator without quotes.");
+    expectNote(
+        "Row 2 of 'a.csv' has 3 cells, and the first line has 2; there are 2 such rows. Look whether a "
+        "cell holds the separator without quotes.");
     EXPECT_EQ(convert("a.csv", "# made today\n# by hand\na,b\n1,2\n", "b.csv"),
               "# made today\n# by hand\na,b\n1,2\n");
-    expectNote("File 'a.csv' begins with 2 lines that '#' begins, read like any other. If these are comments, "
-               "take them out first: grep -v '^#' 'a.csv' >'new-a.csv'");
+    expectNote(
+        "File 'a.csv' begins with 2 lines that '#' begins, read like any other. If these are comments, "
+        "take them out first: grep -v '^#' 'a.csv' >'new-a.csv'");
     EXPECT_EQ(convert("a.csv", "08:15\n09:30\n", "b.csv"), "08:15\n09:30\n");
     expectNote("The lines of 'a.csv' are taken as times, one in each; --separator=: splits them.");
     infoOf("08:15\n09:30\n", "--separator=:");
@@ -297,9 +341,13 @@ TEST_F(Honest, MarksAreTakenOffAndUtf16IsConverted) {
         EXPECT_EQ(read("b.csv"), read("u.csv")) << encoding;
         expectNote("File 'w.csv' is UTF-16 text. It is read as UTF-8, and what is written is UTF-8.");
     }
-    write("w.csv", std::string_view("\xFF\xFE" "a\0,\0b\0\n\0\x00\xDC" "1\0\n\0", 16));
+    write("w.csv", std::string_view("\xFF\xFE"
+                                    "a\0,\0b\0\n\0\x00\xDC"
+                                    "1\0\n\0",
+                                    16));
     EXPECT_EQ(tarnData("convert w.csv b.csv"), Failed);
-    EXPECT_NE(errors.find("is UTF-16 text, but for the bytes at 10, which are no character"), std::string::npos)
+    EXPECT_NE(errors.find("is UTF-16 text, but for the bytes at 10, which are no character"),
+              std::string::npos)
         << errors;
 }
 
@@ -310,6 +358,10 @@ TEST_F(Honest, BytesOfOtherEncodingsStayAndXmlNamesTheCommand) {
     EXPECT_EQ(there(latin, "dbf"), latin);
     EXPECT_EQ(tarnData("convert a.csv b.xml"), Failed);
     EXPECT_NE(errors.find("iconv -f ISO-8859-1 -t UTF-8 'a.csv' >'a-utf8.csv'"), std::string::npos) << errors;
+    infoOf("a,b\nx,y\nx,\xE9t\xE9\n");
+    expectNote(
+        "File 'a.csv' is no UTF-8: the first byte that is not stands in line 3. If it is ISO-8859-1, this "
+        "converts it: iconv -f ISO-8859-1 -t UTF-8 'a.csv' >'a-utf8.csv'");
     write("a.csv", windows);
     EXPECT_EQ(tarnData("convert a.csv b.xml"), Failed);
     EXPECT_NE(errors.find("iconv -f WINDOWS-1252 -t UTF-8"), std::string::npos) << errors;

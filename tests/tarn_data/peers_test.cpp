@@ -164,6 +164,17 @@ TEST_F(Peers, WhatIsWellFormedIsJudgedAsByExpat) {
     EXPECT_EQ(output, expected);
 }
 
+TEST_F(Peers, TheCellsOfRandomRowsAreThoseOfPython) {
+    ASSERT_EQ(python("csv_corpus.py", "write 150"), 0) << errors;
+    ASSERT_EQ(shell("for n in $(seq 0 149); do " + program() + " convert d$n.csv o$n.csv && " + program() +
+                    " convert d$n.csv t$n.tab && " + program() +
+                    " convert t$n.tab --separator='\\t' b$n.csv || exit 1; done"),
+              0)
+        << errors;
+    EXPECT_EQ(python("csv_corpus.py", "compare 150 d o"), 0) << errors;
+    EXPECT_EQ(python("csv_corpus.py", "compare 150 d b"), 0) << errors;
+}
+
 TEST_F(Peers, TheRowsOfRandomDocumentsAreThoseOfExpat) {
     ASSERT_EQ(python("xml_corpus.py", "write 200"), 0) << errors;
     ASSERT_EQ(

@@ -178,9 +178,11 @@ TEST_F(Tables, TheRowsOfATableFileMustFitTheDeclaration) {
         {"convert names.csv t.bin --type=t.type",
          "Column 2 is 'nickname' in 'names.csv' and 'name' in the declaration."},
         {"convert count.csv t.bin --type=t.type", "has 3 columns, and the declaration 2."},
-        {"convert long.csv t.bin --type=t.type", "Row 1, column 'name' holds Annabel, which its field in the declaration cannot hold."},
+        {"convert long.csv t.bin --type=t.type",
+         "Row 1, column 'name' holds Annabel, which its field in the declaration cannot hold."},
         {"convert twice.csv t.bin --type=t.type --keys=id", "Rows 1 and 3 have the same key (id)."},
-        {"convert a.csv t.bin --type=fixed.type", "There are more rows than the 2 that the table is declared for."},
+        {"convert a.csv t.bin --type=fixed.type",
+         "There are more rows than the 2 that the table is declared for."},
     };
     write("t.bin", "as it was");
     for (const Row& row : rows) {

@@ -52,7 +52,8 @@ void tellFailure(const std::string& file, const std::string& message, bool delim
 // What the file is, as far as its first rows tell. False if the user has stopped the look into it.
 bool identify(const std::string& file, DataFileInfo& info) {
     LongWork work("Looking into '" + FILEGETFNAME(file) + "'");
-    info = GetDataFileInfo(file, nullptr);
+    constexpr DataOptions firstRows{0, 0, ',', 100, true};
+    info = GetDataFileInfo(file, &firstRows);
     return !info.stopped && !work.stopped();
 }
 

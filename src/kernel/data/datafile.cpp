@@ -60,6 +60,11 @@ std::string hexPairs(std::string_view bytes) {
     return text;
 }
 
+std::string_view withoutMark(std::string_view start, const DataOptions* options) {
+    const bool skipped = options != nullptr && options->skipMark && start.starts_with(ByteOrderMark);
+    return skipped ? start.substr(ByteOrderMark.size()) : start;
+}
+
 void readFile(const std::string& filename, const DataOptions* options, DataFileInfo& info) {
     std::string start;
     const os::FileError error = readStart(filename, start);
@@ -70,7 +75,8 @@ void readFile(const std::string& filename, const DataOptions* options, DataFileI
             FileWord(filename) + "cannot be opened, it is currently locked by another application.";
     } else if (error != os::FileError::None || nothing) {
         info.message = FileWord(filename) + "is invalid, does not exist or is empty.";
-    } else if (const FormatRow* const format = FormatThatBegins(start); format != nullptr) {
+    } else if (const FormatRow* const format = FormatThatBegins(withoutMark(start, options));
+               format != nullptr) {
         info.format = format->facts.format;
         format->describe(filename, options, info);
     } else {

@@ -36,6 +36,9 @@ struct DataOptions {
     std::int32_t numfooterrows = 0;   // rows behind the data
     std::int32_t separatorchar = 44;  // character code; -1: none, every line is one cell as it stands
     std::int32_t maxdatarows = -1;    // rows to read; -1 for all
+    // Not of the record: a byte order mark of UTF-8 ahead of delimited text is none of it. For those who show
+    // files to the user.
+    bool skipMark = false;
 };
 
 // How rows stand in a file.

@@ -89,6 +89,7 @@ void describeText(const std::string& filename, const DataOptions* options, DataF
     DataOptions firstLine;
     firstLine.numheaderrows = 0;
     firstLine.separatorchar = NoTabSeparator;
+    firstLine.skipMark = options != nullptr && options->skipMark;
     TabReader reader;
     std::string_view line;
     const bool comma = reader.open(filename, firstLine) == 0 && reader.next(line) &&

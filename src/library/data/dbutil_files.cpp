@@ -22,7 +22,7 @@ constexpr char PossibleSeparators[] = {',', ';', ':', '~', '|', '\t'};
 
 // ---- the first two lines ----
 
-// As much of the file as two of the longest lines take.
+// As much of the file as two of the longest lines take, behind a byte order mark.
 std::string readStart(const std::string& filename) {
     std::string bytes;
     os::Handle handle = -1;
@@ -41,6 +41,8 @@ std::string readStart(const std::string& filename) {
     }
     os::files().close(handle);
     bytes.resize(filled);
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (bytes.starts_with(mark)) bytes.erase(0, mark.size());
     return bytes;
 }
 

@@ -126,8 +126,10 @@ DataFileInfo findColumns(const std::string& filename, const DataOptions* options
 DataTable LOADDATATABLE(const std::string& filename, const DataOptions* options, DataFormat format) {
     FRAME(LOADDATATABLE);
     DataTable data;
+    DataOptions shown = options != nullptr ? *options : DataOptions{};
+    shown.skipMark = true;
     STAMP();
-    const DataFileInfo info = findColumns(filename, options, data);
+    const DataFileInfo info = findColumns(filename, options != nullptr ? &shown : nullptr, data);
     if (data.step == DataTable::Step::Done && format == FormatXml) checkOrder(filename, info, data);
     if (data.step != DataTable::Step::Done) return data;
     const std::string columns = TYPEINFOFIXIDENTIFIERS(info.typeText, LongestColumnName);
@@ -143,7 +145,7 @@ DataTable LOADDATATABLE(const std::string& filename, const DataOptions* options,
     if (info.columnsSeen > data.columns)
         addRemark(data, "Only the first " + STR(data.columns) + " of " + STR(info.columnsSeen) +
                             " columns are shown.");
-    readRows(filename, options != nullptr ? *options : DataOptions{}, format, info.xmlRows.form, data);
+    readRows(filename, shown, format, info.xmlRows.form, data);
     return data;
 }
 

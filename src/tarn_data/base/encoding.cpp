@@ -172,8 +172,7 @@ std::string quotedForShell(const std::string& name) {
 
 std::string iconvCommand(const std::string& file, Encoding encoding) {
     const std::string_view extension = paths::extension(file);
-    const std::string made =
-        file.substr(0, file.size() - extension.size()) + "-utf8" + std::string(extension);
+    const std::string made = std::string(paths::stem(file)) + "-utf8" + std::string(extension);
     return "iconv -f " + std::string(encodingName(encoding)) + " -t UTF-8 " + quotedForShell(file) + " >" +
            quotedForShell(made);
 }

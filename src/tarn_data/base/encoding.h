@@ -50,7 +50,7 @@ Problem findEncoding(const std::string& file, EncodingFacts& facts);
 
 // As iconv calls it: "UTF-16LE".
 std::string_view encodingName(Encoding encoding);
-// "iconv -f UTF-16LE -t UTF-8 'a.csv' >'a-utf8.csv'", with names that the shell takes as they are.
+// "iconv -f UTF-16LE -t UTF-8 'd/a.csv' >'a-utf8.csv'", with names that the shell takes as they are.
 std::string iconvCommand(const std::string& file, Encoding encoding);
 
 // Writes a file of UTF-16 as UTF-8 without a mark to `to`, which must not be there. A problem when either

@@ -92,8 +92,8 @@ struct Source {
     Source();
     ~Source();
     Source(Source&&) = delete;
-    std::string file;   // as it was given
-    std::string path;   // that is read: a copy for text that is not UTF-8
+    std::string file;                    // as it was given
+    std::string path;                    // that is read: a copy for text that is not UTF-8
     std::unique_ptr<WorkFolder> folder;  // that it stands in
     std::int64_t begin = 0;              // of the text, behind a mark
     std::vector<std::string> headings;   // delimited: names of the columns as they stand; empty: none
@@ -104,7 +104,7 @@ struct Source {
     DataOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    XmlRows xmlRows;             // XML: which elements are the rows
+    XmlRows xmlRows;                     // XML: which elements are the rows
     std::vector<std::int32_t> longest;   // of each column: characters of its texts; empty: not known
     bool text = false, deleted = false;  // as the arguments say
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken

@@ -63,8 +63,11 @@ Problem identifySource(Conversion& c) {
 Problem lookAtCells(Conversion& c) {
     const bool typed = c.target.format == FormatXml || c.target.format == FormatXbase;
     const bool needsNames = !RowsAreLines(c.target.format) || c.target.headerRows.value_or(0) > 0;
-    const bool asks =
-        !c.arguments.textColumns.empty() || (needsNames && columnNamesOf(c.source).empty());
+    // A declaration may tell of cells that no heading names.
+    const std::size_t named = columnNamesOf(c.source).size();
+    const bool unnamed = c.target.format == FormatBinary && RowsAreLines(c.source.format) &&
+                         named != fieldNames(c.target.type.columns).size();
+    const bool asks = !c.arguments.textColumns.empty() || unnamed || (needsNames && named == 0);
     c.cells = cellsOf(c.source);
     Problem problem;
     if (typed || asks) problem = lookAtSource(c.arguments, c.source, *c.cells, c.columns.facts);
@@ -84,8 +87,8 @@ Problem lookAtCells(Conversion& c) {
 // Names of the language, for those forms that need them. Delimited text keeps the headings.
 Problem nameColumns(Conversion& c) {
     c.columns.names = namesOfLanguage(c.columns.headings);
-    c.columns.named = c.source.format == FormatText || !RowsAreLines(c.source.format) ||
-                      c.source.options.numheaderrows > 0;
+    c.columns.named =
+        c.source.format == FormatText || !RowsAreLines(c.source.format) || c.source.options.numheaderrows > 0;
     if (RowsAreLines(c.target.format) && !c.target.plain) {
         if (!c.source.headings.empty()) c.columns.headings = c.source.headings;
         return {};
@@ -110,7 +113,8 @@ Problem writeRows(Conversion& c) {
     }
     if (!problem.any()) problem = c.cells->problem().any() ? c.cells->problem() : c.cells->gap();
     if (!problem.any()) problem = target->finish(rows);
-    if (!problem.any()) noteRagged(c.source, widths);
+    widths.strayQuote = c.cells->strayQuote();
+    if (!problem.any()) noteOddRows(c.source, widths);
     return problem;
 }
 

@@ -4,6 +4,7 @@
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/tables/tables.h"
 #include "os/paths.h"
+#include "tarn_data/base/encoding.h"
 #include "tarn_data/base/shown.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/base/xbase.h"
@@ -39,8 +40,8 @@ std::string declared(const std::string& file, const std::string& columns,
                      const std::vector<std::string>& headings) {
     const std::string repaired = repairedNames(columns), whole = declaration(file, repaired);
     const std::string keys = TypeInfoFieldList(whole).keys.names;
-    return line("default keys", keys.empty() ? "none" : keys) +
-           renamedText(headings, columnNames(repaired)) + "declaration:\n" + whole;
+    return line("default keys", keys.empty() ? "none" : keys) + renamedText(headings, columnNames(repaired)) +
+           "declaration:\n" + whole;
 }
 
 // ---- text and XML ----
@@ -78,18 +79,31 @@ std::string columnsText(const Source& source, const RowsFacts& facts) {
     return text;
 }
 
+// Bytes go as they are; only who knows the encoding can say what they mean.
+Problem noteEncoding(const Source& source) {
+    const Work work("reading " + source.file);
+    EncodingFacts facts;
+    Problem problem = findEncoding(source.path, facts);
+    if (!problem.any() && facts.firstBad >= 0)
+        note(fileWord(source.file) + "is no UTF-8: the first byte that is not stands in line " +
+             std::to_string(facts.firstBadLine) + ". If it is " + std::string(encodingName(facts.encoding)) +
+             ", this converts it: " + iconvCommand(source.file, facts.encoding));
+    return problem;
+}
+
 int infoText(const std::string& file, const Arguments& arguments) {
     Source source;
     RowsFacts facts;
     Problem problem = identify(file, arguments, false, source);
     if (problem.any()) return tell(problem);
     problem = lookAtSource(arguments, source, *cellsOf(source), facts);
+    if (!problem.any() && RowsAreLines(source.format)) problem = noteEncoding(source);
     if (problem.any()) return tell(problem);
     if (facts.columns.size() > std::size_t{MaxTabColumns})
         return tell(tooManyColumns(source, facts.columns.size()));
     if (facts.gap.any()) note(facts.gap.what + " Only rows ahead of it are counted.");
     noteTextColumns(source, facts);
-    noteRagged(source, facts);
+    noteOddRows(source, facts);
     if (RowsAreLines(source.format)) source.rowsSeen = static_cast<std::int32_t>(facts.rows);
     const std::string columns = columnsText(source, facts);
     std::vector<std::string> headings = columnNames(columns);
@@ -166,7 +180,8 @@ int infoXbase(const std::string& name) {
     if (problem.any()) return tell(problem);
     return print(line("file", name) + line("type", "Xbase") + line("rows", rows) +
                  line("columns", std::to_string(file.header().fieldCount)) +
-                 indexLines(indexesBeside(name, type), name) + declared(name, type.columns, columnNames(type.columns)));
+                 indexLines(indexesBeside(name, type), name) +
+                 declared(name, type.columns, columnNames(type.columns)));
 }
 
 // ---- table files ----
@@ -188,7 +203,8 @@ int infoTable(const std::string& file, const std::string& typeFile) {
                                     : "table file of at most " + std::to_string(type.capacity) + " rows") +
                  line("rows", rows) + line("record length", std::to_string(facts.rowBytes)) +
                  line("columns", std::to_string(fieldNames(type.columns).size())) +
-                 indexLines(indexesBeside(file, type), file) + declared(file, type.columns, columnNames(type.columns)));
+                 indexLines(indexesBeside(file, type), file) +
+                 declared(file, type.columns, columnNames(type.columns)));
 }
 
 }  // namespace

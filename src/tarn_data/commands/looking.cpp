@@ -49,7 +49,8 @@ bool isDeclaredText(const Source& source, std::size_t column) {
     const std::string type =
         TypeInfoParseLine(source.columns, static_cast<std::int32_t>(column + 1)).typeName;
     const auto is = [&](std::string_view word) { return ascii::equal(type, word); };
-    return (TypeInfoKind(type) == KindString && !is("Tdatetime")) || is("Tchars") || is("Tchar") || is("Tdate");
+    return (TypeInfoKind(type) == KindString && !is("Tdatetime")) || is("Tchars") || is("Tchar") ||
+           is("Tdate");
 }
 
 }  // namespace
@@ -99,19 +100,26 @@ void noteTextColumns(const Source& source, const RowsFacts& facts) {
     for (const ColumnFacts& column : facts.columns) {
         const std::string why = whyText(column);
         if (!why.empty())
-            note("Column '" + shown(column.name) + "' of '" + shown(source.file) + "' is taken as text: " + why);
+            note("Column '" + shown(column.name) + "' of '" + shown(source.file) +
+                 "' is taken as text: " + why);
     }
 }
 
 void noteRenamed(const std::vector<std::string>& from, const std::vector<std::string>& to) {
     std::string renamed;
     for (std::size_t n = 0; n < std::min(from.size(), to.size()); ++n) {
-        if (from[n] != to[n]) renamed += (renamed.empty() ? "" : ", ") + ("'" + shown(from[n]) + "' to " + to[n]);
+        if (from[n] != to[n])
+            renamed += (renamed.empty() ? "" : ", ") + ("'" + shown(from[n]) + "' to " + to[n]);
     }
     if (!renamed.empty()) note("Columns renamed: " + renamed + ".");
 }
 
-void noteRagged(const Source& source, const RowsFacts& facts) {
+void noteOddRows(const Source& source, const RowsFacts& facts) {
+    if (facts.strayQuote != 0)
+        note("Row " + std::to_string(facts.strayQuote) + " of '" + shown(source.file) +
+             "' has a cell that begins with a quote and does not end with one, or has single ones in it: "
+             "such cells "
+             "are taken as they stand, quotes and all.");
     if (facts.ragged == 0) return;
     const auto cells = [](std::size_t n) { return std::to_string(n) + (n == 1 ? " cell" : " cells"); };
     note("Row " + std::to_string(facts.firstRagged) + " of '" + shown(source.file) + "' has " +

@@ -21,6 +21,7 @@ Problem tooManyColumns(const Source& source, std::size_t columns);
 
 void noteTextColumns(const Source& source, const RowsFacts& facts);
 void noteRenamed(const std::vector<std::string>& from, const std::vector<std::string>& to);
-void noteRagged(const Source& source, const RowsFacts& facts);
+// Rows of other widths than the first line, and stray quotes.
+void noteOddRows(const Source& source, const RowsFacts& facts);
 
 }  // namespace tarn::datatool

@@ -168,7 +168,8 @@ public:
         std::string_view bytes;
         do {
             if (!file_->next(bytes))
-                return file_->error() != os::FileError::None && fail(unreadable(source_.file, file_->error()));
+                return file_->error() != os::FileError::None &&
+                       fail(unreadable(source_.file, file_->error()));
             if (!steps_->step(file_->header().recordSize)) return fail(stoppedProblem());
         } while (bytes[0] == DeletedRow && !source_.deleted);
         row.clear();
@@ -185,8 +186,14 @@ private:
         const std::string_view text = trimmedText(field);
         if (type != 'L' || text.size() != 1) return text;
         switch (text[0]) {
-        case 'T': case 't': case 'Y': case 'y': return "True";
-        case 'F': case 'f': case 'N': case 'n': return "False";
+        case 'T':
+        case 't':
+        case 'Y':
+        case 'y': return "True";
+        case 'F':
+        case 'f':
+        case 'N':
+        case 'n': return "False";
         case '?': return "";
         default: return text;
         }
@@ -212,6 +219,7 @@ public:
         if (!cells_->next(row)) {
             problem_ = cells_->problem();
             gap_ = cells_->gap();
+            strayQuote_ = cells_->strayQuote();
             return false;
         }
         for (Cell& cell : row) {

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] const Problem& problem() const { return problem_; }
     // Of delimited text: an empty line with rows behind it, where `next` ended.
     [[nodiscard]] const Problem& gap() const { return gap_; }
+    // The first row with a cell that begins with a quote and is none with quotes; 0: none.
+    [[nodiscard]] std::int64_t strayQuote() const { return strayQuote_; }
 
 protected:
     bool fail(Problem problem) {
@@ -45,6 +47,7 @@ protected:
         return false;
     }
     Problem problem_, gap_;
+    std::int64_t strayQuote_ = 0;
 };
 
 // The rows of a source that was identified, with the cells that --null names empty.

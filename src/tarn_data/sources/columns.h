@@ -34,12 +34,12 @@ struct ColumnFacts {
     std::string lossyWhy;                           // "it begins with a zero"
     CellExample nullWord;                           // the first NULL
     std::int64_t nullWords = 0;
-    CellExample blankEnd;                           // the first text with blanks at its end
+    CellExample blankEnd;  // the first text with blanks at its end
     std::int64_t blankEnds = 0;
-    std::size_t longest = 0;       // bytes of a cell
-    std::int32_t decimals = 0;     // of numbers, at most
-    std::size_t widest = 0;        // characters of a number without exponent
-    bool exponents = false;        // or a plus sign, or a point without a digit on each side
+    std::size_t longest = 0;            // bytes of a cell
+    std::int32_t decimals = 0;          // of numbers, at most
+    std::size_t widest = 0;             // characters of a number without exponent
+    bool exponents = false;             // or a plus sign, or a point without a digit on each side
     std::int32_t lower = 0, upper = 0;  // of sets
 
     [[nodiscard]] std::int64_t count(CellClass c) const { return counts[static_cast<std::size_t>(c)]; }
@@ -59,6 +59,7 @@ struct RowsFacts {
     std::int64_t ragged = 0, firstRagged = 0;
     std::size_t raggedCells = 0, usualCells = 0;
     Problem gap;  // an empty line that ended the rows
+    std::int64_t strayQuote = 0;
 };
 
 // Reads all rows. `named` are the names of the columns as they stand in the file; those beyond are FIELDn.

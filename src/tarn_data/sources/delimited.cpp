@@ -32,6 +32,7 @@ Problem DelimitedReader::open() {
     if (!file_->open(form_.file)) return unreadable(form_.name, file_->error());
     steps_ = std::make_unique<Steps>(file_->size());
     problem_ = gap_ = {};
+    strayQuote_ = 0;
     at_ = have_ = 0;
     rows_ = 0;
     offset_ = form_.begin;
@@ -190,6 +191,9 @@ bool DelimitedReader::readRow(CellRow& row) {
         if (!fill()) return false;
     }
     give(row);
+    const auto isStray = [](const Cell& cell) { return !cell.quoted && cell.text.starts_with('"'); };
+    if (strayQuote_ == 0 && form_.separator >= 0 && std::any_of(row.begin(), row.end(), isStray))
+        strayQuote_ = rows_ + 1;
     at_ = rowEnd_;
     return true;
 }

@@ -64,10 +64,10 @@ private:
     std::unique_ptr<FileRows> file_;
     std::unique_ptr<Steps> steps_;
     std::string block_;
-    std::size_t at_ = 0, have_ = 0;       // what is unread in the block
-    std::size_t rowEnd_ = 0;              // behind the line end of the row that was parsed
+    std::size_t at_ = 0, have_ = 0;        // what is unread in the block
+    std::size_t rowEnd_ = 0;               // behind the line end of the row that was parsed
     std::int64_t offset_ = 0, limit_ = 0;  // in the file: behind the block, and where the rows end
-    std::int64_t rows_ = 0;               // that were given
+    std::int64_t rows_ = 0;                // that were given
     std::vector<RawCell> cells_;
     std::vector<std::vector<std::string>> headers_;
     bool framed_ = false, crlf_ = false, firstLine_ = true;

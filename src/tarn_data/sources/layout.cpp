@@ -2,18 +2,20 @@
 #include "tarn_data/sources/layout.h"
 
 #include "library/system/system.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 #include "tarn_data/base/shown.h"
 #include "tarn_data/sources/columns.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace tarn::datatool {
 
 namespace {
 
-constexpr std::size_t sampleBytes = std::size_t{64} * 1024, sampleLines = 20;
+constexpr std::size_t sampleBytes = std::size_t{64} * 1024, sampleLines = 100;
 constexpr std::int32_t sampleRows = 200;
 
 // ---- the first lines ----
@@ -37,7 +39,7 @@ Problem readSample(const Source& source, Sample& sample) {
         std::string_view line = rest.substr(0, end);
         rest.remove_prefix(std::min(end == std::string_view::npos ? end : end + 1, rest.size()));
         if (line.ends_with('\r')) line.remove_suffix(1);
-        if (line.starts_with('#') && sample.lines.empty())
+        if ((line.starts_with('#') || line.starts_with("\"#")) && sample.lines.empty())
             ++sample.comments;
         else if (!line.empty() && !cut)
             sample.lines.push_back(line);
@@ -47,12 +49,16 @@ Problem readSample(const Source& source, Sample& sample) {
     return {};
 }
 
+// "'d/a.csv' >'new-a.csv'", for a command that makes another file.
+std::string inTo(const std::string& file) {
+    return "'" + shown(file) + "' >'new-" + shown(paths::fileName(file)) + "'";
+}
+
 Problem checkLineEnds(const Source& source, const Sample& sample) {
     const std::size_t carriage = sample.bytes.find('\r');
     if (sample.bytes.find('\n') != std::string::npos || carriage >= sample.bytes.size() - 1) return {};
-    const std::string name = shown(source.file);
     return {fileWord(source.file) + "ends its lines with carriage returns alone.",
-            "Make line feeds of them first: tr '\\r' '\\n' <'" + name + "' >'new-" + name + "'"};
+            "Make line feeds of them first: tr '\\r' '\\n' <" + inTo(source.file)};
 }
 
 // ---- the separator ----
@@ -68,11 +74,15 @@ std::size_t cellsIn(std::string_view line, char separator) {
     return cells;
 }
 
-bool separatesAll(const std::vector<std::string_view>& lines, char separator) {
-    const std::size_t cells = cellsIn(lines[0], separator);
-    return cells > 1 && std::all_of(lines.begin(), lines.end(), [&](std::string_view line) {
-               return cellsIn(line, separator) == cells;
-           });
+// How many lines it gives the same number of cells, of those numbers the most frequent.
+std::size_t linesOfOneWidth(const std::vector<std::string_view>& lines, char separator) {
+    std::map<std::size_t, std::size_t> widths;
+    std::size_t most = 0;
+    for (const std::string_view line : lines) {
+        const std::size_t cells = cellsIn(line, separator);
+        if (cells > 1) most = std::max(most, ++widths[cells]);
+    }
+    return most;
 }
 
 bool occurs(const std::vector<std::string_view>& lines, char separator) {
@@ -80,17 +90,35 @@ bool occurs(const std::vector<std::string_view>& lines, char separator) {
            (lines.size() < 2 || lines[1].find(separator) != std::string_view::npos);
 }
 
-// The first that gives every line as many cells, or else that stands in the first two lines.
+// Of those that give every line as many cells the one that gives most; NUL for none. Times and dates hold
+// colons, so these count only where there is no other.
+char evenSeparator(const std::vector<std::string_view>& lines, const std::string& order) {
+    char found = '\0';
+    std::size_t most = 1;
+    for (const char c : order) {
+        const std::size_t cells = cellsIn(lines[0], c);
+        if (linesOfOneWidth(lines, c) != lines.size() || cells <= most || (c == ':' && found != '\0'))
+            continue;
+        found = c;
+        most = cells;
+    }
+    return found;
+}
+
+// The one that gives every line as many cells; else the first that stands in the first two lines; else the one
+// that does so for most lines.
 char separatorOf(const Source& source, const std::vector<std::string_view>& lines) {
     std::string order = DataFormatOf(source.file) == FormatTab ? "\t,;|~:" : ",;\t|~:";
     if (lines.empty()) return order[0];
-    for (const char c : order) {
-        if (separatesAll(lines, c)) return c;
-    }
+    const char even = evenSeparator(lines, order);
+    if (even != '\0') return even;
     for (const char c : order) {
         if (occurs(lines, c)) return c;
     }
-    return order[0] == '\t' ? '\t' : ',';
+    const char nearest = *std::max_element(order.begin(), order.end(), [&](char a, char b) {
+        return linesOfOneWidth(lines, a) < linesOfOneWidth(lines, b);
+    });
+    return linesOfOneWidth(lines, nearest) * 2 > lines.size() ? nearest : order[0];
 }
 
 // 08:15 or 23:59:59, also with a fraction.
@@ -210,7 +238,8 @@ Problem readHeading(Source& source) {
     Problem problem = reader.open();
     CellRow row;
     if (!problem.any() && reader.headers().empty() && !reader.next(row) && !reader.problem().any())
-        problem = {fileWord(source.file) + "holds no rows.", "Look whether there is anything but empty lines in it."};
+        problem = {fileWord(source.file) + "holds no rows.",
+                   "Look whether there is anything but empty lines in it."};
     if (problem.any() || reader.problem().any()) return problem.any() ? problem : reader.problem();
     source.crlf = reader.crlf();
     if (!reader.headers().empty()) source.headings = reader.headers()[0];
@@ -225,11 +254,10 @@ Problem readHeading(Source& source) {
 
 void noteComments(const Source& source, const Sample& sample) {
     if (sample.comments == 0) return;
-    const std::string name = shown(source.file);
     note(fileWord(source.file) + "begins with " +
          (sample.comments == 1 ? "a line" : std::to_string(sample.comments) + " lines") +
-         " that '#' begins, read like any other. If these are comments, take them out first: grep -v '^#' '" +
-         name + "' >'new-" + name + "'");
+         " that '#' begins, read like any other. If these are comments, take them out first: grep -v '^#' " +
+         inTo(source.file));
 }
 
 }  // namespace
@@ -242,7 +270,8 @@ Problem findLayout(const Arguments& arguments, Source& source) {
     if (problem.any()) return problem;
     DataOptions& options = source.options;
     options = {};
-    options.separatorchar = given.separator.value_or(static_cast<unsigned char>(separatorOf(source, sample.lines)));
+    options.separatorchar =
+        given.separator.value_or(static_cast<unsigned char>(separatorOf(source, sample.lines)));
     if (!given.separator && options.separatorchar == ':' && areTimes(sample.lines)) {
         options.separatorchar = ',';
         note("The lines of '" + shown(source.file) +

@@ -269,8 +269,8 @@ bool fillCharacters(std::string_view cell, void* field) {
     return cell.size() <= room;
 }
 
-constexpr Fill fills[] = {nullptr,  fillBoolean, fillEnum, fillInteger, fillFixed,     fillReal,
-                          fillString, nullptr,   nullptr,  fillSet,     fillCharacters};
+constexpr Fill fills[] = {nullptr,    fillBoolean, fillEnum, fillInteger, fillFixed,     fillReal,
+                          fillString, nullptr,     nullptr,  fillSet,     fillCharacters};
 
 class TableTarget : public CellTarget {
 public:
@@ -300,7 +300,8 @@ public:
         for (std::size_t n = 0; n < nothings_.size() && !problem.any(); ++n) {
             if (nothings_[n].count == 0) continue;
             note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(nothings_[n].count) +
-                 (nothings_[n].count == 1 ? " cell that holds nothing becomes" : " cells that hold nothing become") +
+                 (nothings_[n].count == 1 ? " cell that holds nothing becomes"
+                                          : " cells that hold nothing become") +
                  " 0 or False (the first in row " + std::to_string(nothings_[n].row) +
                  "): a table file has no other number for nothing.");
         }

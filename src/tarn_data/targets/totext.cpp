@@ -19,7 +19,9 @@ namespace {
 bool needsQuotes(const Cell& cell, char separator) {
     const std::string_view text = cell.text;
     if (text.empty()) return false;
-    const auto ends = [&](char c) { return c == separator || c == '"' || c == '\n' || c == '\r' || c == '\0'; };
+    const auto ends = [&](char c) {
+        return c == separator || c == '"' || c == '\n' || c == '\r' || c == '\0';
+    };
     if (text.front() == ' ' || text.back() == ' ' || std::any_of(text.begin(), text.end(), ends)) return true;
     return cell.quoted && classOf({text, false}) != CellClass::Text;  // a text that looks like a number
 }
@@ -155,7 +157,8 @@ private:
         const bool separator = misfit.way == TextMisfit::Way::OtherSeparator;
         if (!target_.replace)
             return {cellPlace(number, nameOf(n)) + std::string(misfit.why) + ".",
-                    (separator ? "Choose another separator with --to-separator, leave --plain away, or " : otherForm()) +
+                    (separator ? "Choose another separator with --to-separator, leave --plain away, or "
+                               : otherForm()) +
                         "write '?' instead with --replace."};
         for (; misfit.any(); misfit = FindMisfit(target_.format, target_.options, cell_, misfit.at + 1))
             cell_[misfit.at] = '?';

@@ -114,13 +114,14 @@ public:
             tellOf(columns_.facts.columns[n], field);
         }
         if (!renamed.empty())
-            note("Names of fields have at most " + std::to_string(longestName) + " characters: " + renamed + ".");
+            note("Names of fields have at most " + std::to_string(longestName) + " characters: " + renamed +
+                 ".");
         const std::string head = headerOf(fields_, columns_.facts.rows);
         XbaseHeader header;
         const std::string wrong = XbaseDecodeHeader(head, header);
         if (!wrong.empty())
-            return {"'" + shown(target_.file) + "' cannot be written: such a row cannot stand in a dbf file (" + wrong +
-                        ").",
+            return {"'" + shown(target_.file) +
+                        "' cannot be written: such a row cannot stand in a dbf file (" + wrong + ").",
                     "Write xml or csv."};
         out_.write(head);
         return {};
@@ -160,8 +161,8 @@ private:
                  " texts with blanks at their end, which a dbf file does not keep" + first(column.blankEnd));
         const CellExample& truth = column.example(CellClass::Boolean);
         if (field.type == 'L' && truth.text != "True" && truth.text != "False")
-            note(start + "is written as T and F, for True and False, like '" + shownCell(truth.text) + "' in row " +
-                 std::to_string(truth.row) + ".");
+            note(start + "is written as T and F, for True and False, like '" + shownCell(truth.text) +
+                 "' in row " + std::to_string(truth.row) + ".");
     }
     Problem append(const Cell& cell, const XbaseField& field, std::int64_t number, std::size_t n) {
         if (field.type == 'C') return appendText(cell.text, field, number, n);
@@ -176,7 +177,8 @@ private:
         return {};
     }
     Problem appendText(std::string_view text, const XbaseField& field, std::int64_t number, std::size_t n) {
-        const bool zero = xbaseText(text).find('\0') != std::string_view::npos, tooLong = text.size() > longestText;
+        const bool zero = xbaseText(text).find('\0') != std::string_view::npos,
+                   tooLong = text.size() > longestText;
         if (!target_.replace && (zero || tooLong))
             return {cellPlace(number, columns_.headings[n]) +
                         (zero ? "holds a zero byte"

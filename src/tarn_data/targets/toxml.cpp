@@ -113,7 +113,8 @@ private:
         while (!lines.empty()) {
             const std::size_t end = std::min(lines.find('\n'), lines.size());
             if (end > longestLine || cell_.size() > longestLine)
-                return {cellPlace(number, nameOf(n)) + "is too long for XML, where a text and a line have at most " +
+                return {cellPlace(number, nameOf(n)) +
+                            "is too long for XML, where a text and a line have at most " +
                             std::to_string(longestLine) + " bytes.",
                         "Write csv, which holds it."};
             lines.remove_prefix(std::min(end + 1, lines.size()));

@@ -5,6 +5,7 @@
 // once: a file without any costs one memchr a row.
 #include "kernel/data/tab/tab_rows.h"
 
+#include "kernel/data/formats.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
 #include "kernel/run/progress.h"
@@ -102,6 +103,14 @@ bool TabReader::fill() {
     return true;
 }
 
+std::int32_t TabReader::skipMark() {
+    char start[ByteOrderMark.size()];
+    if (file_.size() < static_cast<std::int64_t>(sizeof start)) return 0;
+    const std::int32_t code = file_.read(0, start, sizeof start);
+    if (code == 0 && std::string_view(start, sizeof start) == ByteOrderMark) base_ = sizeof start;
+    return code;
+}
+
 // Counts lines from the end of the file: the last one may lack its line feed.
 std::int32_t TabReader::findFooters(std::int32_t count) {
     limit_ = file_.size();
@@ -149,7 +158,9 @@ std::int32_t TabReader::open(const std::string& filename, const DataOptions& opt
     try {
         const auto most = std::clamp<std::int64_t>(file_.size(), 1, blockBytes);
         block_.resize(static_cast<std::size_t>(most));
-        code_ = findFooters(options.numfooterrows);
+        code_ = options.skipMark ? skipMark() : 0;
+        if (code_ == 0) code_ = findFooters(options.numfooterrows);
+        limit_ = std::max(limit_, base_);
         if (code_ == 0) readHeaders(options.numheaderrows);
     } catch (const std::bad_alloc&) {
         code_ = ERR_OUT_OF_MEMORY;

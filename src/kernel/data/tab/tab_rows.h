@@ -77,6 +77,7 @@ public:
 
 private:
     bool fill();
+    std::int32_t skipMark();
     std::int32_t findFooters(std::int32_t count);
     void readHeaders(std::int32_t count);
     bool takeLine(bool quotes, std::string_view& row);

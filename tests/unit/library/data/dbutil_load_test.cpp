@@ -9,6 +9,7 @@
 #include "kernel/values/records.h"
 #include "kernel/values/strings.h"
 #include "kernel/values/values.h"
+#include "library/data/dbutil.h"
 #include "library/data/dbutil_grid.h"
 #include "library/data/dbutil_windows.h"
 #include "library/system/system.h"
@@ -83,6 +84,20 @@ TEST_F(LoadTable, DelimitedTextKeepsEveryColumn) {
     EXPECT_EQ(loaded.message, "");
     EXPECT_EQ(loaded.columns, (Names{"id", "end_1", "price___EUR", "order_no"}));
     EXPECT_EQ(loaded.rows, 1);
+}
+
+TEST_F(LoadTable, AByteOrderMarkIsNoTextOfTheFirstCell) {
+    const DataOptions header{1, 0, ',', -1}, footers{0, 2, ',', -1};
+    const std::string mark = "\xEF\xBB\xBF";
+    const Loaded loaded = load("/d/f.csv", mark + "id,name\n1,Ann\n", &header, FormatComma);
+    EXPECT_EQ(loaded.message, "");
+    EXPECT_EQ(loaded.columns, (Names{"id", "name"}));
+    EXPECT_EQ(loaded.rows, 1);
+    EXPECT_EQ(GETPOSSIBLEFILEDETAILS("/d/f.csv").headerRows, "1");
+    files_.put("/d/f.csv", mark + "1\n");
+    EXPECT_EQ(LOADDATATABLE("/d/f.csv", &footers, FormatComma).step, DataTable::Step::Columns);
+    // Programs read it as it stands.
+    EXPECT_NE(GetDataFileInfo("/d/f.csv", &header).message.find("unknown file type"), std::string::npos);
 }
 
 // ---- cells, remarks and failures ----
