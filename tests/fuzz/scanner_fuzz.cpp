@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any table and any bytes: every scan gives a symbol with a text, stays in its line and goes on.
+// Any table and any bytes: every scan gives a symbol with a text, stays in its line and goes on. A second
+// scanner of the same file, moved in between, finds the same.
 //
 // An input is the lines of a table ("key", or "key", a tab and a terminator; the ids are 0 to 5 in turn), a
 // form feed, and the file. A first line "i" ignores case.
@@ -39,8 +40,11 @@ bool write(const std::string& path, const std::string& text) {
     return std::fclose(out) == 0;
 }
 
-void check() {
+void check(const tarn::Scanner& beside) {
     const std::string_view line = tarn::ScannerLine();
+    require(beside.symbol() == tarn::ScannerSymbol() && beside.symbolStr() == tarn::ScannerSymbolStr());
+    require(beside.line() == line && beside.position() == tarn::ScannerPosition());
+    require(beside.previousSymbolStr() == tarn::ScannerPreviousSymbolStr());
     require(tarn::ScannerSymbol() != 0 && !tarn::ScannerSymbolStr().empty());
     require(tarn::ScannerSymbolStr().size() <= tarn::MaxScannerLine);
     require(!line.empty() && line.size() <= tarn::MaxScannerLine);
@@ -61,14 +65,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const tarn::SymbolTable table = readTable(input.substr(0, split));
     const std::string text = input.substr(std::min(split + 1, input.size()));
     if (table.count == 0 || !write(file, text)) return 0;
+    tarn::Scanner beside;
     tarn::ScannerOpen(file, &table, input.starts_with("i\n"));
+    beside.open(file, &table, input.starts_with("i\n"));
     for (std::size_t scans = 0; tarn::ScannerSymbol() != tarn::SymbolEndOfFile; ++scans) {
         require(scans <= text.size() + 1);
-        check();
-        if (scans % 7 == 6) tarn::ScannerSkipChar();
-        tarn::ScannerNext(&table);
+        check(beside);
+        if (scans % 7 == 6) require(tarn::ScannerSkipChar() == beside.skipChar());
+        require(tarn::ScannerNext(&table) == beside.next(&table));
     }
-    check();
+    check(beside);
     tarn::ScannerClose();
     std::remove(file.c_str());
     return 0;

@@ -2,164 +2,132 @@
 #include "kernel/data/scanner/scanner.h"
 
 #include "kernel/data/scanner/scanner_bytes.h"
-#include "kernel/data/scanner/scanner_state_internal.h"
+#include "kernel/data/scanner/scanner_work_internal.h"
 
 #include <algorithm>
-#include <cstring>
+#include <new>
 #include <utility>
 
 namespace tarn {
 
-scanning::Scanner scanning::s;
-
 namespace {
-
-using namespace scanning;
 
 constexpr std::size_t maxFilename = 255;
 
-// Unknown symbols, blanks and line ends never become the previous symbol, and a delimited symbol pushes none
-// there.
-void store() {
-    const bool significant = s.symbol != SymbolUnknown && s.symbol != s.classIds[ClassWhitespace] &&
-                             s.symbol != s.classIds[ClassEol];
-    if (significant && s.terminator.empty()) std::swap(s.previousText, s.symbolText);
-    std::swap(s.symbolText, s.text);
-    s.symbol = s.found;
-}
-
-void clear() {
-    s.lines.close();
-    s.at = s.lines.begin();
-    s.filename.clear();
-    s.ignoreCase = false;
-    s.classIds = noClasses;
-    s.matcher.forget();
-    s.symbol = s.symbolLine = s.openLine = 0;
-    for (Text& text : s.texts) text.clear();
-}
-
-void cacheClasses(const SymbolTable* table) {
-    for (const SymbolClass c : {ClassId, ClassXmlId, ClassMlSqStr, ClassMlDqStr, ClassWhitespace, ClassEol})
-        s.classIds[c] = symbolClassId(table, c);
-}
-
-void copyCut(std::string_view text, char* buffer, std::int32_t size) {
-    if (buffer == nullptr || size < 1) return;
-    const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size - 1));
-    std::memcpy(buffer, text.data(), count);
-    buffer[count] = '\0';
-}
-
-// The byte of the line that many bytes on; 0 behind the line.
-unsigned char byteAhead(std::ptrdiff_t count) {
-    return s.lines.end() - s.at > count ? s.at[count] : '\0';
-}
-
 }  // namespace
 
-ScanStatus ScannerOpen(const std::string& filename, const SymbolTable* table, bool ignoreCase) {
-    if (!s.filename.empty() || filename.empty() || table == nullptr || table->count < 1) return ScanClean;
+Scanner::Scanner() noexcept = default;
+Scanner::~Scanner() = default;
+
+// The memory to work in, once. Without it the scanner stays closed.
+bool Scanner::prepare() {
+    if (work_ != nullptr) return true;
+    work_.reset(new (std::nothrow) ScannerWork);
+    lacksMemory_ = work_ == nullptr;
+    if (lacksMemory_) return false;
+    s_.symbolText.use(work_->texts[0]);
+    s_.previousText.use(work_->texts[1]);
+    s_.text.use(work_->texts[2]);
     clear();
-    if (s.lines.open(filename) != os::FileError::None) return ScanClean;
-    cacheClasses(table);
-    s.filename = filename.substr(0, maxFilename);
-    s.ignoreCase = ignoreCase;
-    nextLine();
-    const bool cut = s.lines.cut();
-    const ScanStatus status = ScannerNext(table);
+    return true;
+}
+
+void Scanner::clear() {
+    if (work_ != nullptr) {
+        work_->lines.close();
+        work_->classIds.fill(SymbolUnknown);
+        work_->matcher.forget();
+        s_.line = work_->lines.begin();
+        s_.end = work_->lines.end();
+    }
+    s_.at = s_.from = s_.line;
+    s_.filename.clear();
+    s_.ignoreCase = false;
+    s_.lineNumber = s_.symbol = s_.symbolLine = s_.openLine = 0;
+    for (ScannerText* const text : {&s_.symbolText, &s_.previousText, &s_.text}) text->clear();
+}
+
+// Unknown symbols, blanks and line ends never become the previous symbol, and a delimited symbol pushes none
+// there.
+void Scanner::store() {
+    const bool significant = s_.symbol != SymbolUnknown && s_.symbol != work_->classIds[ClassWhitespace] &&
+                             s_.symbol != work_->classIds[ClassEol];
+    if (significant && s_.terminator.empty()) std::swap(s_.previousText, s_.symbolText);
+    std::swap(s_.symbolText, s_.text);
+    s_.symbol = s_.found;
+}
+
+ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, bool ignoreCase) {
+    if (isOpen() || filename.empty() || table == nullptr || table->count < 1 || !prepare()) return ScanClean;
+    clear();
+    if (work_->lines.open(filename) != os::FileError::None) return ScanClean;
+    for (const SymbolClass c : {ClassId, ClassXmlId, ClassMlSqStr, ClassMlDqStr, ClassWhitespace, ClassEol})
+        work_->classIds[c] = symbolClassId(table, c);
+    s_.filename = filename.substr(0, maxFilename);
+    s_.ignoreCase = ignoreCase;
+    NextLine(s_, *work_);
+    const bool cut = work_->lines.cut();
+    const ScanStatus status = next(table);
     return status == ScanClean && cut ? ScanLineTooLong : status;
 }
 
-void ScannerClose() {
+void Scanner::close() {
     clear();
 }
 
-ScanStatus ScannerNext(const SymbolTable* table) {
-    const std::int32_t line = s.lines.number();
-    s.table = table;
-    s.status = ScanClean;
-    s.matcher.use(table, s.ignoreCase);
-    do pass();
-    while (s.found == 0);
-    collect();
-    if (s.lines.number() != line) note(ScanNewLine);
-    store();
-    return s.status;
-}
-
-ScanStatus ScannerSkipChar() {
-    const std::int32_t line = s.lines.number();
-    const unsigned char c = ScannerChar();
-    s.status = ScanClean;
-    if (c == LineEnd) {
-        nextLine();
-        if (s.lines.cut()) note(ScanLineTooLong);
-    } else if (c != EndOfFileMark && !s.filename.empty()) {
-        ++s.at;
+ScanStatus Scanner::next(const SymbolTable* table) {
+    const std::int32_t line = s_.lineNumber;
+    if (!prepare()) {
+        s_.symbol = SymbolEndOfFile;
+        return ScanClean;
     }
-    if (s.lines.number() != line) note(ScanNewLine);
-    s.symbol = 0;
-    s.symbolText->clear();
-    return s.status;
+    s_.table = table;
+    s_.status = ScanClean;
+    work_->matcher.use(table, s_.ignoreCase);
+    do TakeSymbol(s_, *work_);
+    while (s_.found == 0);
+    s_.collect();
+    if (s_.lineNumber != line) s_.note(ScanNewLine);
+    store();
+    return s_.status;
 }
 
-void ScannerSkipBytes(std::int32_t count) {
-    const std::ptrdiff_t left = s.lines.end() - s.at - 1;  // the end stays
-    if (left > 0 && count > 0) s.at += std::min<std::ptrdiff_t>(left, count);
-    s.symbol = 0;
-    s.symbolText->clear();
+ScanStatus Scanner::skipChar() {
+    const std::int32_t line = s_.lineNumber;
+    const unsigned char c = character();
+    s_.status = ScanClean;
+    if (c == LineEnd) {
+        NextLine(s_, *work_);
+        if (work_->lines.cut()) s_.note(ScanLineTooLong);
+    } else if (c != EndOfFileMark && isOpen()) {
+        ++s_.at;
+    }
+    if (s_.lineNumber != line) s_.note(ScanNewLine);
+    s_.symbol = 0;
+    s_.symbolText.clear();
+    return s_.status;
 }
 
-std::int32_t ScannerPosition() {
-    return static_cast<std::int32_t>(s.at - s.lines.begin());
+void Scanner::skipBytes(std::int32_t count) {
+    const std::ptrdiff_t left = s_.end - s_.at - 1;  // the end stays
+    if (left > 0 && count > 0) s_.at += std::min<std::ptrdiff_t>(left, count);
+    s_.symbol = 0;
+    s_.symbolText.clear();
 }
-std::int32_t ScannerLineNumber() {
-    return s.lines.number();
+
+std::int64_t Scanner::bytesRead() const {
+    return work_ != nullptr ? work_->lines.bytesRead() : 0;
 }
-std::int32_t ScannerSymbol() {
-    return s.symbol;
+
+os::FileError Scanner::fileError() const {
+    if (lacksMemory_) return os::FileError::ReadFailed;
+    return work_ != nullptr ? work_->lines.error() : os::FileError::None;
 }
-std::int32_t ScannerSymbolLine() {
-    return s.symbolLine;
-}
-std::string_view ScannerInputFilename() {
-    return s.filename;
-}
-std::int64_t ScannerBytesRead() {
-    return s.lines.bytesRead();
-}
-os::FileError ScannerFileError() {
-    return s.lines.error();
-}
-std::string_view ScannerSymbolStr() {
-    return s.symbolText->view();
-}
-std::string_view ScannerPreviousSymbolStr() {
-    return s.previousText->view();
-}
-std::string_view ScannerLine() {
-    return viewOf(s.lines.begin(), s.lines.end());
-}
-std::string_view ScannerRemainder() {
-    return viewOf(s.at, s.lines.end());
-}
-void ScannerLineStr(char* buffer, std::int32_t size) {
-    copyCut(ScannerLine(), buffer, size);
-}
-void ScannerLineRemainder(char* buffer, std::int32_t size) {
-    copyCut(ScannerRemainder(), buffer, size);
-}
-unsigned char ScannerChar() {
-    return byteAhead(0);
-}
-unsigned char ScannerExtraChar() {
-    return byteAhead(1);
-}
-unsigned char ScannerExtraChar2() {
-    for (const unsigned char c : {ScannerChar(), ScannerExtraChar()})
+
+unsigned char Scanner::extraChar2() const {
+    for (const unsigned char c : {character(), extraChar()})
         if (c == '\0' || c == LineEnd || c == EndOfFileMark) return '\0';
-    return byteAhead(2);
+    return s_.byteAhead(2);
 }
 
 }  // namespace tarn

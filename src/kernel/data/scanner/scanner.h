@@ -5,20 +5,25 @@
 // strings, numbers, white space, line ends) and delimited symbols (from a key to its terminator, such as
 // comments).
 //
-// The state is one for the process, so only one file is scanned at a time; a second ScannerOpen does nothing
-// until ScannerClose. Scanning sets no error: it reports through the status and the symbols -1 and -2.
+// A Scanner scans one file; any number of them may be at work, one inside another, and they know nothing of
+// each other. The process has one more, which the operations named Scanner... move. Scanning sets no error: it
+// reports through the status and the symbols -1 and -2.
 //
 // Classes of bytes: everything from 128 on is in none of the named ones and is not a control character (those
 // are below 32, and 127). 10 ends a line, 26 marks the end of the file.
 //
-// Cost: linear in the file, which is read in blocks; nothing is allocated for a symbol.
+// Cost: linear in the file, which is read in blocks; nothing is allocated for a symbol. A scanner takes some
+// 200 KiB when it is opened, and keeps them until its end.
 #pragma once
 
+#include "kernel/data/scanner/scanner_state.h"
 #include "kernel/values/values.h"
 #include "os/files.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -61,53 +66,7 @@ std::int32_t SymbolDisplayName(const SymbolTable* table, std::int32_t id, char* 
 
 // ---- the scanner ----
 
-inline constexpr std::int32_t MaxScannerLine = 32768;  // bytes of a line, with its end
-
-enum ScanStatus : std::int32_t {
-    ScanClean,
-    ScanNewLine,        // the scan passed into another line
-    ScanLineTooLong,    // a line was cut
-    ScanOpenString,     // a string was not terminated
-    ScanOpenDelimited,  // the file ended in a delimited symbol
-};
 inline constexpr std::int32_t SymbolEndOfFile = -1, SymbolUnknown = -2;
-
-// Nothing, with ScanClean, when a file is open, `filename` is empty or the table has no entry. Otherwise
-// reads the first line and scans the first symbol. A file that cannot be opened, or is no regular one (a
-// device need never end a line), leaves the scanner closed: the next scan gives the end of the file.
-ScanStatus ScannerOpen(const std::string& filename, const SymbolTable* table, bool ignoreCase);
-void ScannerClose();
-ScanStatus ScannerNext(const SymbolTable* table);
-// Moves over one byte without scanning; the symbol becomes 0 and its text empty.
-ScanStatus ScannerSkipChar();
-// The same for `count` bytes of the line at once, none of them its end; fewer where the line has fewer.
-void ScannerSkipBytes(std::int32_t count);
-
-std::int32_t ScannerPosition();  // index of the next unread byte of the line, from 0
-std::int32_t ScannerLineNumber();
-std::int32_t ScannerSymbol();
-std::int32_t ScannerSymbolLine();  // where the symbol began
-std::string_view ScannerInputFilename();
-// Bytes of the file that were read so far: how far the reading is.
-std::int64_t ScannerBytesRead();
-// What kept the file from being opened or read to its end, which looks like the end of the file; None while
-// all is well. Kept after ScannerClose, until the next ScannerOpen that clears the state.
-os::FileError ScannerFileError();
-// Valid until the scanner moves.
-std::string_view ScannerSymbolStr();
-std::string_view ScannerPreviousSymbolStr();
-std::string_view ScannerLine();       // with its end; byte 26 alone at the end of the file
-std::string_view ScannerRemainder();  // the line from the position on
-// Copies of the last two, cut to `size` - 1.
-void ScannerLineStr(char* buffer, std::int32_t size);
-void ScannerLineRemainder(char* buffer, std::int32_t size);
-unsigned char ScannerChar();
-unsigned char ScannerExtraChar();
-unsigned char ScannerExtraChar2();
-// The state as eight lines.
-void ScannerDump(char* buffer, std::int32_t size);
-
-// ---- what a read found ----
 
 // The first failure of a read; code 0 while all is well.
 struct ErrorRecord {
@@ -117,8 +76,100 @@ struct ErrorRecord {
 // Keeps what is there; a code of 0 or an empty message changes nothing.
 void ReportError(ErrorRecord& record, std::int32_t code, std::int32_t line, std::int32_t position,
                  std::string_view message);
+
+class Scanner {
+public:
+    Scanner() noexcept;
+    ~Scanner();
+    Scanner(const Scanner&) = delete;
+    Scanner& operator=(const Scanner&) = delete;
+
+    // Nothing, with ScanClean, when a file is open, `filename` is empty or the table has no entry. Otherwise
+    // reads the first line and scans the first symbol. A file that cannot be opened, or is no regular one (a
+    // device need never end a line), and a lack of memory leave the scanner closed: the next scan gives the
+    // end of the file. The table must be there whenever the scanner moves.
+    ScanStatus open(const std::string& filename, const SymbolTable* table, bool ignoreCase);
+    void close();
+    [[nodiscard]] bool isOpen() const { return !s_.filename.empty(); }
+
+    ScanStatus next(const SymbolTable* table);
+    // Moves over one byte without scanning; the symbol becomes 0 and its text empty.
+    ScanStatus skipChar();
+    // The same for `count` bytes of the line at once, none of them its end; fewer where the line has fewer.
+    void skipBytes(std::int32_t count);
+
+    // Index of the next unread byte of the line, from 0.
+    [[nodiscard]] std::int32_t position() const { return static_cast<std::int32_t>(s_.at - s_.line); }
+    [[nodiscard]] std::int32_t lineNumber() const { return s_.lineNumber; }
+    [[nodiscard]] std::int32_t symbol() const { return s_.symbol; }
+    [[nodiscard]] std::int32_t symbolLine() const { return s_.symbolLine; }  // where the symbol began
+    [[nodiscard]] std::string_view inputFilename() const { return s_.filename; }
+    // Bytes of the file that were read so far: how far the reading is.
+    [[nodiscard]] std::int64_t bytesRead() const;
+    // What kept the file from being opened or read to its end, which looks like the end of the file; None
+    // while all is well. Kept after `close`, until the next `open` that clears the state.
+    [[nodiscard]] os::FileError fileError() const;
+
+    // Valid until the scanner moves.
+    [[nodiscard]] std::string_view symbolStr() const { return s_.symbolText.view(); }
+    [[nodiscard]] std::string_view previousSymbolStr() const { return s_.previousText.view(); }
+    // With its end; byte 26 alone at the end of the file.
+    [[nodiscard]] std::string_view line() const { return ScanState::viewOf(s_.line, s_.end); }
+    // The line from the position on.
+    [[nodiscard]] std::string_view remainder() const { return ScanState::viewOf(s_.at, s_.end); }
+
+    [[nodiscard]] unsigned char character() const { return s_.byteAhead(0); }  // at the position
+    [[nodiscard]] unsigned char extraChar() const { return s_.byteAhead(1); }
+    [[nodiscard]] unsigned char extraChar2() const;
+    // The state as eight lines.
+    void dump(char* buffer, std::int32_t size) const;
+
+    // With the place of the scanner.
+    void reportStatus(ScanStatus status, ErrorRecord& record) const;
+    // 672 for a symbol whose id is not in the set, and for every symbol when it is no set.
+    void checkSymbol(const SymbolTable* table, std::int32_t symbol, const SetDescriptor* allowed,
+                     ErrorRecord& record) const;
+
+private:
+    bool prepare();
+    void clear();
+    void store();
+    void reportHere(ErrorRecord& record, std::int32_t code, std::string_view message) const;
+
+    ScanState s_;
+    std::unique_ptr<ScannerWork> work_;  // from the first opening on
+    bool lacksMemory_ = false;
+};
+
+// ---- the scanner of the process ----
+
+// As the members above.
+ScanStatus ScannerOpen(const std::string& filename, const SymbolTable* table, bool ignoreCase);
+void ScannerClose();
+ScanStatus ScannerNext(const SymbolTable* table);
+ScanStatus ScannerSkipChar();
+void ScannerSkipBytes(std::int32_t count);
+
+std::int32_t ScannerPosition();
+std::int32_t ScannerLineNumber();
+std::int32_t ScannerSymbol();
+std::int32_t ScannerSymbolLine();
+std::string_view ScannerInputFilename();
+std::int64_t ScannerBytesRead();
+os::FileError ScannerFileError();
+std::string_view ScannerSymbolStr();
+std::string_view ScannerPreviousSymbolStr();
+std::string_view ScannerLine();
+std::string_view ScannerRemainder();
+// Copies of the last two, cut to `size` - 1.
+void ScannerLineStr(char* buffer, std::int32_t size);
+void ScannerLineRemainder(char* buffer, std::int32_t size);
+unsigned char ScannerChar();
+unsigned char ScannerExtraChar();
+unsigned char ScannerExtraChar2();
+void ScannerDump(char* buffer, std::int32_t size);
+
 void ScannerReportStatus(ScanStatus status, ErrorRecord& record);
-// 672 for a symbol whose id is not in the set, and for every symbol when it is no set.
 void ScannerCheckSymbol(const SymbolTable* table, std::int32_t symbol, const SetDescriptor* allowed,
                         ErrorRecord& record);
 

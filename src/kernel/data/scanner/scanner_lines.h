@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The lines of a file, read in blocks and served from where they were read: nothing is copied but the head of
-// a line that a block cuts in two. Meant for static storage: the buffer is not cleared by the constructor.
+// a line that a block cuts in two. The buffer is large, and not cleared by the constructor.
 #pragma once
 
-#include "kernel/data/scanner/scanner.h"
+#include "kernel/data/scanner/scanner_text.h"
 #include "os/files.h"
 #include "os/tinylimits.h"
 
@@ -14,9 +14,6 @@
 
 namespace tarn {
 
-// Bytes that may be read and written behind every line and text, so that short runs are copied in one step.
-inline constexpr std::size_t ScannerSlack = 16;
-
 // Lines are counted as far as their number can be told.
 constexpr std::int32_t lineNumberAfter(std::int32_t number) {
     return number < INT32_MAX ? number + 1 : number;
@@ -25,6 +22,9 @@ constexpr std::int32_t lineNumberAfter(std::int32_t number) {
 class LineReader {
 public:
     LineReader() { close(); }
+    ~LineReader() { close(); }
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
     os::FileError open(const std::string& path);  // ReadFailed for what is no regular file
     void close();
 

@@ -8,80 +8,116 @@
 // neither is in a class that runs are made of, nor in any key. Taking a byte only moves `at`; the text is
 // copied once, when the symbol is known or the line ends.
 #include "kernel/data/scanner/scanner_bytes.h"
-#include "kernel/data/scanner/scanner_state_internal.h"
+#include "kernel/data/scanner/scanner_work_internal.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace tarn::scanning {
+namespace tarn {
 
 namespace {
 
 constexpr std::string_view endText = "\\x1A", lineEndText = "\\n", untilLineEnd = "##EOL", classMark = "##";
 
-bool isEnabled(SymbolClass symbolClass) {
-    return s.classIds[symbolClass] != SymbolUnknown;
+class Pass {
+public:
+    Pass(ScanState& state, ScannerWork& its) : s(state), work(its) {}
+    void run();
+
+private:
+    [[nodiscard]] bool isEnabled(SymbolClass symbolClass) const;
+    void add(std::string_view text);
+    void replace(std::string_view text);
+    [[nodiscard]] std::string_view taken() const;
+    [[nodiscard]] bool nothingTaken() const;
+    [[nodiscard]] bool isTaken(ByteClass start, ByteClass part) const;
+    [[nodiscard]] bool isIdentifier() const;
+    [[nodiscard]] bool isXmlName() const;
+
+    void takeWhile(ByteClass wanted);
+    void takeUntil(unsigned char stop);
+    void takeLineEnd();
+    SymbolClass takeHexadecimal();
+    SymbolClass takeNumber();
+    bool number();
+    [[nodiscard]] bool isClassName(std::string_view text) const;
+    void ordinarySymbol(std::int32_t id);
+    [[nodiscard]] bool standsHere(std::string_view text) const;
+    void takeDelimited();
+    bool tableSymbol();
+    bool name();
+    void takeString(char quote, bool multiLine);
+    bool string();
+    void controlByte(unsigned char c);
+    void anyByte();
+
+    ScanState& s;
+    ScannerWork& work;
+};
+
+bool Pass::isEnabled(SymbolClass symbolClass) const {
+    return work.classIds[symbolClass] != SymbolUnknown;
 }
 
 // ---- the text ----
 
 // Behind what the text has so far.
-void add(std::string_view text) {
-    collect();
-    s.text->append(text);
+void Pass::add(std::string_view text) {
+    s.collect();
+    s.text.append(text);
 }
 
 // In place of what the text has so far.
-void replace(std::string_view text) {
-    s.text->clear();
-    s.text->append(text);
+void Pass::replace(std::string_view text) {
+    s.text.clear();
+    s.text.append(text);
     s.from = s.at;
 }
 
 // What was taken of this line.
-std::string_view taken() {
-    return viewOf(s.from, s.at);
+std::string_view Pass::taken() const {
+    return ScanState::viewOf(s.from, s.at);
 }
-bool nothingTaken() {
+bool Pass::nothingTaken() const {
     return s.from == s.at;
 }
-bool isTaken(ByteClass start, ByteClass part) {
+bool Pass::isTaken(ByteClass start, ByteClass part) const {
     return !nothingTaken() && isByte(*s.from, start) &&
            std::all_of(s.from + 1, s.at, [=](unsigned char c) { return isByte(c, part); });
 }
-bool isIdentifier() {
+bool Pass::isIdentifier() const {
     return isTaken(ByteIdStart, ByteIdPart);
 }
-bool isXmlName() {
+bool Pass::isXmlName() const {
     return isTaken(ByteXmlStart, ByteXmlPart);
 }
 
 // ---- taking ----
 
-void takeWhile(ByteClass wanted) {
+void Pass::takeWhile(ByteClass wanted) {
     const unsigned char* at = s.at;
     while (isByte(*at, wanted)) ++at;
     s.at = at;
 }
 
 // Takes what is neither `stop` nor a control byte.
-void takeUntil(unsigned char stop) {
+void Pass::takeUntil(unsigned char stop) {
     const unsigned char* at = s.at;
     while (*at != stop && !isByte(*at, ByteControl)) ++at;
     s.at = at;
 }
 
 // Takes the line end and goes on with the next line.
-void takeLineEnd() {
+void Pass::takeLineEnd() {
     ++s.at;
-    collect();
-    nextLine();
-    if (s.lines.cut()) note(ScanLineTooLong);
+    s.collect();
+    NextLine(s, work);
+    if (work.lines.cut()) s.note(ScanLineTooLong);
 }
 
 // ---- numbers ----
 
-SymbolClass takeHexadecimal() {
+SymbolClass Pass::takeHexadecimal() {
     s.at += 2;
     if (!isByte(*s.at, ByteHexDigit)) return ClassNone;
     takeWhile(ByteHexDigit);
@@ -89,7 +125,7 @@ SymbolClass takeHexadecimal() {
     return ClassHex;
 }
 
-SymbolClass takeNumber() {
+SymbolClass Pass::takeNumber() {
     SymbolClass found = ClassInteger;
     takeWhile(ByteDigit);
     if (*s.at == '.' && isByte(s.at[1], ByteDigit)) {
@@ -106,12 +142,12 @@ SymbolClass takeNumber() {
     return ClassReal;
 }
 
-bool number() {
+bool Pass::number() {
     const unsigned char c = *s.at, after = s.at[1];
     if (c == '0' && (after == 'x' || after == 'X')) {
-        s.found = s.matcher.classId(takeHexadecimal());
+        s.found = work.matcher.classId(takeHexadecimal());
     } else if (isByte(c, ByteDigit) || (c == '.' && isByte(after, ByteDigit))) {
-        s.found = s.matcher.classId(takeNumber());
+        s.found = work.matcher.classId(takeNumber());
     } else {
         return false;
     }
@@ -120,31 +156,31 @@ bool number() {
 
 // ---- symbols of the table, and names ----
 
-bool isClassName(std::string_view text) {
+bool Pass::isClassName(std::string_view text) const {
     return text.starts_with(classMark) && SymbolIsClassName(text, s.ignoreCase);
 }
 
 // A keyword that goes on as a name is a name, and the name of a class is not the class.
-void ordinarySymbol(std::int32_t id) {
+void Pass::ordinarySymbol(std::int32_t id) {
     if (isByte(*s.at, ByteIdPart) && isEnabled(ClassId) && isIdentifier()) {
         takeWhile(ByteIdPart);
-        s.found = s.classIds[ClassId];
+        s.found = work.classIds[ClassId];
     } else if (isByte(*s.at, ByteXmlPart) && isEnabled(ClassXmlId) && isXmlName()) {
         takeWhile(ByteXmlPart);
-        s.found = s.classIds[ClassXmlId];
+        s.found = work.classIds[ClassXmlId];
     } else {
         s.found = isClassName(taken()) ? SymbolUnknown : id;
     }
 }
 
-bool standsHere(std::string_view text) {
-    return static_cast<std::size_t>(s.lines.end() - s.at) > text.size() &&
+bool Pass::standsHere(std::string_view text) const {
+    return static_cast<std::size_t>(s.end - s.at) > text.size() &&
            std::memcmp(s.at, text.data(), text.size()) == 0;
 }
 
 // From behind the key up to the terminator. Blanks and control bytes count before the terminator does, so one
 // that begins with them is never met.
-void takeDelimited() {
+void Pass::takeDelimited() {
     const bool lineOnly = s.terminator == untilLineEnd;
     const auto first = static_cast<unsigned char>(s.terminator[0]);
     const unsigned char stop = lineOnly || isByte(first, ByteBlank) ? LineEnd : first;
@@ -156,7 +192,7 @@ void takeDelimited() {
         } else if (*s.at == EndOfFileMark) {
             replace(endText);
             s.openLine = s.symbolLine;
-            return note(ScanOpenDelimited);
+            return s.note(ScanOpenDelimited);
         } else if (isByte(*s.at, ByteControl)) {
             if (!lineOnly) add(s.terminator);
             return;
@@ -169,8 +205,8 @@ void takeDelimited() {
     }
 }
 
-bool tableSymbol() {
-    const SymbolMatch match = s.matcher.longest(s.at);
+bool Pass::tableSymbol() {
+    const SymbolMatch match = work.matcher.longest(s.at);
     s.at += match.length;
     if (!match.found) return false;
     if (match.terminator[0] == '\0') {
@@ -187,17 +223,17 @@ bool tableSymbol() {
 }
 
 // A name, which may have begun as a key.
-bool name() {
+bool Pass::name() {
     const bool begun = !nothingTaken();
     const bool identifier = begun ? isIdentifier() : isByte(*s.at, ByteIdStart);
     const bool xmlName = begun ? isXmlName() : isByte(*s.at, ByteXmlStart);
     if (!identifier && !xmlName) return false;
     if (identifier && isEnabled(ClassId)) {
         takeWhile(ByteIdPart);
-        s.found = s.classIds[ClassId];
+        s.found = work.classIds[ClassId];
     } else if (xmlName && isEnabled(ClassXmlId)) {
         takeWhile(ByteXmlPart);
-        s.found = s.classIds[ClassXmlId];
+        s.found = work.classIds[ClassXmlId];
     } else {
         if (!begun) ++s.at;
         s.found = SymbolUnknown;
@@ -208,7 +244,7 @@ bool name() {
 // ---- strings ----
 
 // From behind the opening quote. What ends a string before its quote is left unread, and the quote added.
-void takeString(char quote, bool multiLine) {
+void Pass::takeString(char quote, bool multiLine) {
     const auto closing = static_cast<unsigned char>(quote);
     for (;;) {
         takeUntil(closing);
@@ -219,26 +255,26 @@ void takeString(char quote, bool multiLine) {
         } else if (*s.at == LineEnd && multiLine) {
             takeLineEnd();
         } else {
-            if (*s.at == LineEnd || *s.at == EndOfFileMark) note(ScanOpenString);
+            if (*s.at == LineEnd || *s.at == EndOfFileMark) s.note(ScanOpenString);
             return add({&quote, 1});
         }
     }
 }
 
-bool string() {
+bool Pass::string() {
     const auto quote = static_cast<char>(*s.at);
     if (!nothingTaken() || (quote != '\'' && quote != '"')) return false;
     const SymbolClass multiLine = quote == '\'' ? ClassMlSqStr : ClassMlDqStr;
     const SymbolClass oneLine = quote == '\'' ? ClassSqStr : ClassDqStr;
     ++s.at;
     takeString(quote, isEnabled(multiLine));
-    s.found = s.matcher.classId(isEnabled(multiLine) ? multiLine : oneLine);
+    s.found = work.matcher.classId(isEnabled(multiLine) ? multiLine : oneLine);
     return true;
 }
 
 // ---- the rest ----
 
-void controlByte(unsigned char c) {
+void Pass::controlByte(unsigned char c) {
     constexpr char digits[] = "0123456789ABCDEF";
     const char text[] = {'\\', 'x', digits[c >> 4], digits[c & 15]};
     ++s.at;
@@ -247,16 +283,16 @@ void controlByte(unsigned char c) {
 }
 
 // What a key began with in vain is dropped: the text is what follows.
-void anyByte() {
+void Pass::anyByte() {
     s.from = s.at;
     const unsigned char c = *s.at;
     if (isByte(c, ByteBlank)) {
         takeWhile(ByteBlank);
-        s.found = s.classIds[ClassWhitespace];
+        s.found = work.classIds[ClassWhitespace];
     } else if (c == LineEnd) {
         takeLineEnd();
         replace(lineEndText);
-        s.found = s.classIds[ClassEol];
+        s.found = work.classIds[ClassEol];
     } else if (c == EndOfFileMark) {
         replace(endText);
         s.found = SymbolEndOfFile;
@@ -273,14 +309,12 @@ bool standsAlone(unsigned char c) {
     return c <= ' ' || c >= 127;
 }
 
-}  // namespace
-
-void pass() {
-    s.symbolLine = s.lines.number();
-    s.text->clear();
+void Pass::run() {
+    s.symbolLine = s.lineNumber;
+    s.text.clear();
     s.terminator = {};
     // Blanks that no one gets to see need no pass of their own.
-    if (s.classIds[ClassWhitespace] == 0) takeWhile(ByteBlank);
+    if (work.classIds[ClassWhitespace] == 0) takeWhile(ByteBlank);
     s.from = s.at;
     if (s.filename.empty()) {
         replace(endText);
@@ -290,4 +324,17 @@ void pass() {
     }
 }
 
-}  // namespace tarn::scanning
+}  // namespace
+
+void NextLine(ScanState& s, ScannerWork& work) {
+    work.lines.next();
+    s.line = s.at = s.from = work.lines.begin();
+    s.end = work.lines.end();
+    s.lineNumber = work.lines.number();
+}
+
+void TakeSymbol(ScanState& s, ScannerWork& work) {
+    Pass(s, work).run();
+}
+
+}  // namespace tarn

@@ -2,7 +2,6 @@
 //
 // What people get to see of a scan: the dump of the state, and the texts of failures.
 #include "kernel/data/scanner/scanner.h"
-#include "kernel/data/scanner/scanner_state_internal.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/sets.h"
 
@@ -67,30 +66,24 @@ private:
     std::array<char, 4> escape_{};
 };
 
-// ---- failures ----
-
-void reportHere(ErrorRecord& record, std::int32_t code, std::string_view message) {
-    ReportError(record, code, ScannerLineNumber(), ScannerPosition(), message);
-}
-
 }  // namespace
 
-void ScannerDump(char* buffer, std::int32_t size) {
+void Scanner::dump(char* buffer, std::int32_t size) const {
     if (buffer == nullptr || size < 1) return;
-    const char next = static_cast<char>(ScannerChar()), afterNext = static_cast<char>(ScannerExtraChar());
-    const std::string number = std::to_string(ScannerLineNumber());
+    const char next = static_cast<char>(character()), afterNext = static_cast<char>(extraChar());
+    const std::string number = std::to_string(s_.lineNumber);
     const struct {
         std::string_view label, value;
         Escapes escapes;
     } lines[] = {
         {"Char = ", {&next, 1}, Escapes::Controls},
         {"ExtraChar = ", {&afterNext, 1}, Escapes::Controls},
-        {"InputFilename = ", ScannerInputFilename(), Escapes::Controls},
+        {"InputFilename = ", s_.filename, Escapes::Controls},
         {"LineNumber = ", number, Escapes::Controls},
-        {"LineStr = ", ScannerLine(), Escapes::All},
-        {"LineRemainder = ", ScannerRemainder(), Escapes::All},
-        {"PreviousSymbolStr = ", ScannerPreviousSymbolStr(), Escapes::Controls},
-        {"SymbolStr = ", ScannerSymbolStr(), Escapes::Controls},
+        {"LineStr = ", line(), Escapes::All},
+        {"LineRemainder = ", remainder(), Escapes::All},
+        {"PreviousSymbolStr = ", previousSymbolStr(), Escapes::Controls},
+        {"SymbolStr = ", symbolStr(), Escapes::Controls},
     };
     Output output(buffer, size);
     for (const auto& line : lines) {
@@ -100,13 +93,19 @@ void ScannerDump(char* buffer, std::int32_t size) {
     }
 }
 
+// ---- failures ----
+
 void ReportError(ErrorRecord& record, std::int32_t code, std::int32_t line, std::int32_t position,
                  std::string_view message) {
     if (record.code != 0 || code == 0 || message.empty()) return;
     record = {code, line, position, std::string(message.substr(0, maxMessage))};
 }
 
-void ScannerReportStatus(ScanStatus status, ErrorRecord& record) {
+void Scanner::reportHere(ErrorRecord& record, std::int32_t code, std::string_view message) const {
+    ReportError(record, code, s_.lineNumber, position(), message);
+}
+
+void Scanner::reportStatus(ScanStatus status, ErrorRecord& record) const {
     switch (status) {
     case ScanClean:
     case ScanNewLine: return;
@@ -116,16 +115,16 @@ void ScannerReportStatus(ScanStatus status, ErrorRecord& record) {
     case ScanOpenString: return reportHere(record, ERR_XML_NOT_WELL_FORMED, "String was not terminated");
     case ScanOpenDelimited:
         return reportHere(record, ERR_XML_NOT_WELL_FORMED,
-                          "Comment which started on line " + std::to_string(scanning::s.openLine) +
+                          "Comment which started on line " + std::to_string(s_.openLine) +
                               " was not terminated");
     }
 }
 
-void ScannerCheckSymbol(const SymbolTable* table, std::int32_t symbol, const SetDescriptor* allowed,
-                        ErrorRecord& record) {
+void Scanner::checkSymbol(const SymbolTable* table, std::int32_t symbol, const SetDescriptor* allowed,
+                          ErrorRecord& record) const {
     if (KindOf(allowed) == KindSet && SetContains(symbol, allowed)) return;
     char name[MaxSymbolKey + 1];
-    std::string_view shown = ScannerSymbolStr().substr(0, MaxSymbolKey);
+    std::string_view shown = symbolStr().substr(0, MaxSymbolKey);
     if (symbol > 0)
         shown = {name, static_cast<std::size_t>(SymbolDisplayName(table, symbol, name, sizeof name))};
     reportHere(record, ERR_XML_NOT_WELL_FORMED, "Symbol \"" + std::string(shown) + "\" is not allowed here");

@@ -53,7 +53,7 @@ const Entries language = {
     {0, "##EOL"},
 };
 
-class Scanner : public ScannerFixture {
+class Scanning : public ScannerFixture {
 protected:
     void SetUp() override {
         ScannerFixture::SetUp();
@@ -69,7 +69,7 @@ protected:
 
 // ---- numbers ----
 
-TEST_F(Scanner, HexadecimalConstants) {
+TEST_F(Scanning, HexadecimalConstants) {
     expectRows({
         {"digits", "0x1fA", {{Hex, "0x1fA"}}},
         {"a capital X and an L", "0X1fL", {{Hex, "0X1fL"}}},
@@ -82,7 +82,7 @@ TEST_F(Scanner, HexadecimalConstants) {
     });
 }
 
-TEST_F(Scanner, DecimalNumbersAreUnsignedAndKeepTheirSpelling) {
+TEST_F(Scanning, DecimalNumbersAreUnsignedAndKeepTheirSpelling) {
     expectRows({
         {"integer", "007", {{Integer, "007"}}},
         {"a point first", ".5", {{Fixed, ".5"}}},
@@ -102,21 +102,21 @@ TEST_F(Scanner, DecimalNumbersAreUnsignedAndKeepTheirSpelling) {
     });
 }
 
-TEST_F(Scanner, NumbersWithoutTheirClassAreUnknown) {
+TEST_F(Scanning, NumbersWithoutTheirClassAreUnknown) {
     table = tableOf({{1, "##UINT"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({{"",
                  "1 1.5 1e5 0x1 2",
                  {{1, "1"}, {Unknown, "1.5"}, {Unknown, "1e5"}, {Unknown, "0x1"}, {1, "2"}}}});
 }
 
-TEST_F(Scanner, AClassWithTheIdZeroIsSkipped) {
+TEST_F(Scanning, AClassWithTheIdZeroIsSkipped) {
     table = tableOf({{0, "##UINT"}, {0, "##ID"}, {0, "##SQSTR"}, {1, "+"}, {0, "##EOL"}});
     expectRows({{"", "12+a'x'+\n+", {{1, "+"}, {1, "+"}, {1, "+", ScanNewLine, 2}}}});
 }
 
 // ---- keywords and names ----
 
-TEST_F(Scanner, KeywordsEndWhereNamesDo) {
+TEST_F(Scanning, KeywordsEndWhereNamesDo) {
     expectRows({
         {"keyword", "end", {{End, "end"}}},
         {"a name that begins with it", "endless", {{Id, "endless"}}},
@@ -128,7 +128,7 @@ TEST_F(Scanner, KeywordsEndWhereNamesDo) {
     });
 }
 
-TEST_F(Scanner, TheLongestSymbolWins) {
+TEST_F(Scanning, TheLongestSymbolWins) {
     expectRows({
         {"", "+ ++ +++", {{Plus, "+"}, {Increment, "++"}, {Increment, "++"}, {Plus, "+"}}},
         {"back to the last that was whole", "<!-x", {{Less, "<"}, {Unknown, "!"}, {Unknown, "-"}, {Id, "x"}}},
@@ -136,7 +136,7 @@ TEST_F(Scanner, TheLongestSymbolWins) {
     });
 }
 
-TEST_F(Scanner, XmlNames) {
+TEST_F(Scanning, XmlNames) {
     table = tableOf({{1, "##XMLID"}, {2, "version"}, {3, "<"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({
         {"all parts", ":a-b.c:1_", {{1, ":a-b.c:1_"}}},
@@ -148,7 +148,7 @@ TEST_F(Scanner, XmlNames) {
     });
 }
 
-TEST_F(Scanner, IdentifiersComeBeforeXmlNames) {
+TEST_F(Scanning, IdentifiersComeBeforeXmlNames) {
     table = tableOf({{1, "##XMLID"}, {2, "##ID"}, {3, "a:c"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({
         {"", "a-b :c", {{2, "a"}, {Unknown, "-"}, {2, "b"}, {1, ":c"}}},
@@ -157,7 +157,7 @@ TEST_F(Scanner, IdentifiersComeBeforeXmlNames) {
     });
 }
 
-TEST_F(Scanner, NamesWithoutTheirClassAreUnknownByteByByte) {
+TEST_F(Scanning, NamesWithoutTheirClassAreUnknownByteByByte) {
     table = tableOf({{1, "end"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({
         {"", "ab", {{Unknown, "a"}, {Unknown, "b"}}},
@@ -169,7 +169,7 @@ TEST_F(Scanner, NamesWithoutTheirClassAreUnknownByteByByte) {
         {{"an XML name where only identifiers are", "a:b", {{Unknown, "a:"}, {2, "b"}, {Unknown, "\\n"}}}});
 }
 
-TEST_F(Scanner, WhatAKeyBeganWithInVainIsDropped) {
+TEST_F(Scanning, WhatAKeyBeganWithInVainIsDropped) {
     table = tableOf(
         {{1, "<!--", "-->"}, {2, "##ID"}, {3, "\"\"\""}, {4, "##DQSTR"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({
@@ -183,7 +183,7 @@ TEST_F(Scanner, WhatAKeyBeganWithInVainIsDropped) {
     });
 }
 
-TEST_F(Scanner, CaseCanBeIgnored) {
+TEST_F(Scanning, CaseCanBeIgnored) {
     table = tableOf({{1, "END"},
                      {2, "REM", "Done"},
                      {3, "##ID"},
@@ -203,7 +203,7 @@ TEST_F(Scanner, CaseCanBeIgnored) {
     EXPECT_EQ(scan("End"), (ScannedList{{3, "End"}}));
 }
 
-TEST_F(Scanner, ANameOfAClassIsNotTheClass) {
+TEST_F(Scanning, ANameOfAClassIsNotTheClass) {
     table = tableOf({{1, "##ID"}, {2, "##OTHER"}, {3, "##UINT"}, {0, "##EOL"}});
     expectRows({
         {"", "##ID", {{Unknown, "##ID"}}},
@@ -214,7 +214,7 @@ TEST_F(Scanner, ANameOfAClassIsNotTheClass) {
 
 // ---- delimited symbols ----
 
-TEST_F(Scanner, DelimitedSymbols) {
+TEST_F(Scanning, DelimitedSymbols) {
     expectRows({
         {"on a line", "<!-- a -->x", {{Comment, "<!-- a -->"}, {Id, "x"}}},
         {"the key is no part of the terminator", "<!-->x-->", {{Comment, "<!-->x-->"}}},
@@ -238,7 +238,7 @@ TEST_F(Scanner, DelimitedSymbols) {
     });
 }
 
-TEST_F(Scanner, DelimitedByTheEndOfTheLine) {
+TEST_F(Scanning, DelimitedByTheEndOfTheLine) {
     expectRows({
         {"", "// a // b\nx", {{LineComment, "// a // b"}, {Id, "x", ScanNewLine, 2}}},
         {"at once", "//\n", {{LineComment, "//"}}},
@@ -252,7 +252,7 @@ TEST_F(Scanner, DelimitedByTheEndOfTheLine) {
     });
 }
 
-TEST_F(Scanner, ATerminatorThatBeginsWithABlankOrAControlByteIsNeverMet) {
+TEST_F(Scanning, ATerminatorThatBeginsWithABlankOrAControlByteIsNeverMet) {
     for (const char* const terminator : {" x", "\tx", "\nx"}) {
         table = tableOf({{1, "(", terminator}, {2, "##ID"}});
         EXPECT_EQ(
@@ -265,12 +265,12 @@ TEST_F(Scanner, ATerminatorThatBeginsWithABlankOrAControlByteIsNeverMet) {
         << "the line end is not in the line";
 }
 
-TEST_F(Scanner, ATerminatorIsDeliveredOnlyWithAKeyThatIsNoPrefix) {
+TEST_F(Scanning, ATerminatorIsDeliveredOnlyWithAKeyThatIsNoPrefix) {
     table = tableOf({{1, "(*", "*)"}, {2, "(*x"}, {3, "##ID"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({{"", "(* a", {{1, "(*"}, {3, "a"}}}, {"", "(*xa", {{2, "(*x"}, {3, "a"}}}});
 }
 
-TEST_F(Scanner, AWordThatDelimitsIsANameWhenItGoesOnAsOne) {
+TEST_F(Scanning, AWordThatDelimitsIsANameWhenItGoesOnAsOne) {
     table = tableOf({{1, "rem", "##EOL"}, {2, "##ID"}, {0, "##WHITESPACE"}, {0, "##EOL"}});
     expectRows({
         {"", "remark x", {{2, "remark"}, {2, "x"}}},
@@ -280,7 +280,7 @@ TEST_F(Scanner, AWordThatDelimitsIsANameWhenItGoesOnAsOne) {
     expectRows({{"XML names do not count", "remark-x", {{1, "remark-x"}}}});
 }
 
-TEST_F(Scanner, ADelimitedSymbolWithTheIdZeroIsSkipped) {
+TEST_F(Scanning, ADelimitedSymbolWithTheIdZeroIsSkipped) {
     table = tableOf({{0, "(*", "*)"}, {1, "##ID"}, {0, "##EOL"}});
     expectRows({{"", "a(* \n *)b", {{1, "a"}, {1, "b", ScanNewLine, 2}}}});
     ASSERT_EQ(open("a(* b"), ScanClean);
@@ -290,7 +290,7 @@ TEST_F(Scanner, ADelimitedSymbolWithTheIdZeroIsSkipped) {
 
 // ---- strings ----
 
-TEST_F(Scanner, Strings) {
+TEST_F(Scanning, Strings) {
     expectRows({
         {"single", "'a b'c", {{SingleString, "'a b'"}, {Id, "c"}}},
         {"empty", "''", {{SingleString, "''"}}},
@@ -313,7 +313,7 @@ TEST_F(Scanner, Strings) {
     });
 }
 
-TEST_F(Scanner, StringsOverLinesWinAndStringsWithoutTheirClassAreUnknown) {
+TEST_F(Scanning, StringsOverLinesWinAndStringsWithoutTheirClassAreUnknown) {
     table = tableOf({{1, "##DQSTR"}, {2, "##MLDQSTR"}, {0, "##EOL"}});
     expectRows({{"both", "\"a\nb\"", {{2, "\"a\nb\"", ScanNewLine}}},
                 {"neither", "'a''b'", {{Unknown, "'a''b'"}}},
@@ -322,14 +322,14 @@ TEST_F(Scanner, StringsOverLinesWinAndStringsWithoutTheirClassAreUnknown) {
     expectRows({{"", "'a\nb'\"c\"", {{1, "'a\nb'", ScanNewLine}, {2, "\"c\"", ScanClean, 2}}}});
 }
 
-TEST_F(Scanner, AQuoteThatIsAKeyBeginsNoString) {
+TEST_F(Scanning, AQuoteThatIsAKeyBeginsNoString) {
     table = tableOf({{1, "'"}, {2, "##SQSTR"}, {3, "##ID"}, {0, "##EOL"}});
     expectRows({{"", "'a'", {{1, "'"}, {3, "a"}, {1, "'"}}}});
 }
 
 // ---- blanks, line ends and other bytes ----
 
-TEST_F(Scanner, BlanksAndLineEndsAreSymbolsWhereTheTableSaysSo) {
+TEST_F(Scanning, BlanksAndLineEndsAreSymbolsWhereTheTableSaysSo) {
     table = tableOf({{1, "##WHITESPACE"}, {2, "##EOL"}});
     expectRows({{"",
                  " \t\n\n ",
@@ -342,7 +342,7 @@ TEST_F(Scanner, BlanksAndLineEndsAreSymbolsWhereTheTableSaysSo) {
     expectRows({{"", "a b\n", {{1, "a"}, {Unknown, " "}, {1, "b"}, {Unknown, "\\n"}}}});
 }
 
-TEST_F(Scanner, BothLineEndsReadAlike) {
+TEST_F(Scanning, BothLineEndsReadAlike) {
     const ScannedList two = {{Id, "a"}, {Id, "b", ScanNewLine, 2}};
     expectRows({
         {"LF", "a\nb\n", two},
@@ -356,7 +356,7 @@ TEST_F(Scanner, BothLineEndsReadAlike) {
     });
 }
 
-TEST_F(Scanner, ControlBytesAreShownAndHighBytesTakenOneByOne) {
+TEST_F(Scanning, ControlBytesAreShownAndHighBytesTakenOneByOne) {
     expectRows({
         {"", std::string("\0\x1F\x7F", 3), {{Unknown, "\\x00"}, {Unknown, "\\x1F"}, {Unknown, "\\x7F"}}},
         {"",
@@ -371,7 +371,7 @@ TEST_F(Scanner, ControlBytesAreShownAndHighBytesTakenOneByOne) {
     }
 }
 
-TEST_F(Scanner, Byte26EndsTheFileWhereverItStands) {
+TEST_F(Scanning, Byte26EndsTheFileWhereverItStands) {
     ASSERT_EQ(open("a\x1A"
                    "b\nc"),
               ScanClean);
@@ -384,7 +384,7 @@ TEST_F(Scanner, Byte26EndsTheFileWhereverItStands) {
     EXPECT_EQ(ScannerExtraChar2(), 0);
 }
 
-TEST_F(Scanner, AnEmptyFileIsAtItsEndAtOnce) {
+TEST_F(Scanning, AnEmptyFileIsAtItsEndAtOnce) {
     EXPECT_EQ(current(open("")), (Scanned{Eof, "\\x1A", ScanClean, 0}));
     EXPECT_EQ(ScannerLine(), "\x1A");
     EXPECT_EQ(ScannerLineNumber(), 0);
@@ -392,7 +392,7 @@ TEST_F(Scanner, AnEmptyFileIsAtItsEndAtOnce) {
     EXPECT_EQ(next(), (Scanned{Eof, "\\x1A", ScanClean, 0}));
 }
 
-TEST_F(Scanner, AtTheEndOfTheFileTheLineIsTheMarkAlone) {
+TEST_F(Scanning, AtTheEndOfTheFileTheLineIsTheMarkAlone) {
     ASSERT_EQ(open("a\nb"), ScanClean);
     EXPECT_EQ(ScannerLine(), "a\n");
     next();
@@ -406,7 +406,7 @@ TEST_F(Scanner, AtTheEndOfTheFileTheLineIsTheMarkAlone) {
 
 // ---- long lines ----
 
-TEST_F(Scanner, LinesOfMoreThanTheLimitAreCut) {
+TEST_F(Scanning, LinesOfMoreThanTheLimitAreCut) {
     for (const char* const lineEnd : {"\n", "\r\n"}) {
         for (const std::size_t length : {32766U, 32767U, 32768U, 32769U, 32770U, 40000U, 65536U, 200000U}) {
             SCOPED_TRACE(length);
@@ -429,7 +429,7 @@ TEST_F(Scanner, LinesOfMoreThanTheLimitAreCut) {
     }
 }
 
-TEST_F(Scanner, LinesAreWholeWhereverABlockOfTheFileEnds) {
+TEST_F(Scanning, LinesAreWholeWhereverABlockOfTheFileEnds) {
     const std::string full(32767, 'x');
     for (const std::size_t before : {32764U, 32765U, 32766U, 32767U}) {
         const std::string first(before, 'y');
@@ -446,20 +446,20 @@ TEST_F(Scanner, LinesAreWholeWhereverABlockOfTheFileEnds) {
     EXPECT_EQ(lines, text.size() / shortLines.size());
 }
 
-TEST_F(Scanner, TheFirstLinesLengthIsReportedUnlessTheScanReportsMore) {
+TEST_F(Scanning, TheFirstLinesLengthIsReportedUnlessTheScanReportsMore) {
     EXPECT_EQ(scan("'a" + std::string(40000, 'x')),
               (ScannedList{{SingleString, "'a" + std::string(32765, 'x') + "'", ScanOpenString}}));
     EXPECT_EQ(scan(std::string(40000, ' ') + "\ny"), (ScannedList{{Id, "y", ScanNewLine, 2}}));
 }
 
-TEST_F(Scanner, ALongLineInASymbolIsReportedFirst) {
+TEST_F(Scanning, ALongLineInASymbolIsReportedFirst) {
     const std::string cut(32767, 'x'), longLine = std::string(40000, 'x') + "\n";
     EXPECT_EQ(scan("<!--\n" + longLine), (ScannedList{{Comment, "\\x1A", ScanLineTooLong}}));
     EXPECT_EQ(scan("\"\n" + longLine + "\""),
               (ScannedList{{DoubleString, ("\"\n" + cut).substr(0, 32768), ScanLineTooLong}}));
 }
 
-TEST_F(Scanner, WhatOverflowsTheTextIsLostWithoutAStatus) {
+TEST_F(Scanning, WhatOverflowsTheTextIsLostWithoutAStatus) {
     const std::string line(20000, 'x');
     const std::string comment = "<!--" + line + "\n" + line + "\n" + line + "-->";
     EXPECT_EQ(scan(comment + "y"),
@@ -472,7 +472,7 @@ TEST_F(Scanner, WhatOverflowsTheTextIsLostWithoutAStatus) {
 
 // ---- moving by bytes ----
 
-TEST_F(Scanner, SkipCharMovesOverOneByte) {
+TEST_F(Scanning, SkipCharMovesOverOneByte) {
     ASSERT_EQ(open("ab\nc"), ScanClean);
     EXPECT_EQ(ScannerPosition(), 2);
     EXPECT_EQ(ScannerChar(), '\n');
@@ -489,7 +489,7 @@ TEST_F(Scanner, SkipCharMovesOverOneByte) {
     EXPECT_EQ(next().symbol, Eof);
 }
 
-TEST_F(Scanner, SkipCharReportsALineThatWasCut) {
+TEST_F(Scanning, SkipCharReportsALineThatWasCut) {
     ASSERT_EQ(open("a\n" + std::string(40000, 'x') + "\nb"), ScanClean);
     EXPECT_EQ(ScannerSkipChar(), ScanLineTooLong);
     for (int i = 0; i < 32767; ++i) EXPECT_EQ(ScannerSkipChar(), ScanClean);
@@ -497,7 +497,7 @@ TEST_F(Scanner, SkipCharReportsALineThatWasCut) {
     EXPECT_EQ(next(), (Scanned{Id, "b", ScanClean, 3}));
 }
 
-TEST_F(Scanner, ScanningGoesOnWhereSkippingEnded) {
+TEST_F(Scanning, ScanningGoesOnWhereSkippingEnded) {
     ASSERT_EQ(open("<a#b>"), ScanClean);
     EXPECT_EQ(ScannerSymbol(), Less);
     ScannerSkipChar();
@@ -506,7 +506,7 @@ TEST_F(Scanner, ScanningGoesOnWhereSkippingEnded) {
     EXPECT_EQ(ScannerPreviousSymbolStr(), "");
 }
 
-TEST_F(Scanner, PeeksDoNotLookBehindTheLine) {
+TEST_F(Scanning, PeeksDoNotLookBehindTheLine) {
     table = tableOf({{1, "a"}});
     const struct {
         std::string input;
@@ -532,7 +532,7 @@ TEST_F(Scanner, PeeksDoNotLookBehindTheLine) {
     }
 }
 
-TEST_F(Scanner, TheLineAndItsRestAreCopiedCut) {
+TEST_F(Scanning, TheLineAndItsRestAreCopiedCut) {
     open("abc <");
     char buffer[6];
     ScannerLineStr(buffer, sizeof buffer);
@@ -552,7 +552,7 @@ TEST_F(Scanner, TheLineAndItsRestAreCopiedCut) {
 
 // ---- the previous symbol ----
 
-TEST_F(Scanner, ThePreviousSymbolIsTheLastThatMatters) {
+TEST_F(Scanning, ThePreviousSymbolIsTheLastThatMatters) {
     table = tableOf({{1, "##ID"}, {2, "##WHITESPACE"}, {3, "##EOL"}, {4, "(*", "*)"}, {5, "+"}});
     open("a b@c\n+(* *)d");
     const std::vector<std::pair<std::string, std::string>> expected = {
@@ -567,7 +567,7 @@ TEST_F(Scanner, ThePreviousSymbolIsTheLastThatMatters) {
 
 // ---- opening and closing ----
 
-TEST_F(Scanner, ASecondOpenDoesNothing) {
+TEST_F(Scanning, ASecondOpenDoesNothing) {
     open("a b");
     disk.put("/data/other.txt", "x");
     EXPECT_EQ(ScannerOpen("/data/other.txt", &table, false), ScanClean);
@@ -577,7 +577,7 @@ TEST_F(Scanner, ASecondOpenDoesNothing) {
     EXPECT_EQ(current(ScannerOpen("/data/other.txt", &table, false)), (Scanned{Id, "x"}));
 }
 
-TEST_F(Scanner, NothingIsOpenedWithoutANameOrATable) {
+TEST_F(Scanning, NothingIsOpenedWithoutANameOrATable) {
     const SymbolTable empty{};
     disk.put(file, "a");
     EXPECT_EQ(ScannerOpen("", &table, false), ScanClean);
@@ -587,7 +587,7 @@ TEST_F(Scanner, NothingIsOpenedWithoutANameOrATable) {
     EXPECT_EQ(disk.openHandles(), 0);
 }
 
-TEST_F(Scanner, AFileThatCannotBeOpenedIsAtItsEnd) {
+TEST_F(Scanning, AFileThatCannotBeOpenedIsAtItsEnd) {
     const struct {
         std::string path;
         os::FileError error;
@@ -608,7 +608,7 @@ TEST_F(Scanner, AFileThatCannotBeOpenedIsAtItsEnd) {
     EXPECT_EQ(ScannerFileError(), os::FileError::None);
 }
 
-TEST_F(Scanner, AFailedReadIsTheEndOfTheFileAndCanBeTold) {
+TEST_F(Scanning, AFailedReadIsTheEndOfTheFileAndCanBeTold) {
     disk.put(file, "a b\nc d" + std::string(100000, '\n') + "e");
     disk.failAt(os::FileCall::Read, 2, os::FileError::ReadFailed);
     EXPECT_EQ(current(ScannerOpen(file, &table, false)), (Scanned{Id, "a"}));
@@ -625,14 +625,14 @@ TEST_F(Scanner, AFailedReadIsTheEndOfTheFileAndCanBeTold) {
     EXPECT_EQ(ScannerFileError(), os::FileError::Vanished);
 }
 
-TEST_F(Scanner, ARealFolderIsNoFile) {
+TEST_F(Scanning, ARealFolderIsNoFile) {
     const os::Steered real(os::realFiles());
     EXPECT_EQ(ScannerOpen("/", &table, false), ScanClean);
     EXPECT_EQ(ScannerFileError(), os::FileError::IsFolder);
     EXPECT_EQ(ScannerInputFilename(), "");
 }
 
-TEST_F(Scanner, ClosingClearsTheState) {
+TEST_F(Scanning, ClosingClearsTheState) {
     open("a b");
     next();
     ScannerClose();
@@ -650,7 +650,7 @@ TEST_F(Scanner, ClosingClearsTheState) {
     EXPECT_EQ(ScannerPosition(), 0);
 }
 
-TEST_F(Scanner, TheNameOfTheFileIsKeptTo255Characters) {
+TEST_F(Scanning, TheNameOfTheFileIsKeptTo255Characters) {
     std::string path = "/data";
     for (int i = 0; i < 30; ++i) path += "/folder/" + std::to_string(i);
     path += "/a.txt";
@@ -661,7 +661,7 @@ TEST_F(Scanner, TheNameOfTheFileIsKeptTo255Characters) {
 
 // ---- a table that changes while a file is scanned ----
 
-TEST_F(Scanner, AKeywordThatWasRemovedIsAName) {
+TEST_F(Scanning, AKeywordThatWasRemovedIsAName) {
     open("end end end");
     EXPECT_EQ(ScannerSymbol(), End);
     SymbolRemove(&table, "end");
@@ -670,7 +670,7 @@ TEST_F(Scanner, AKeywordThatWasRemovedIsAName) {
     EXPECT_EQ(next(), (Scanned{99, "end"}));
 }
 
-TEST_F(Scanner, TheIdsOfSixClassesAreThoseOfTheOpening) {
+TEST_F(Scanning, TheIdsOfSixClassesAreThoseOfTheOpening) {
     open("a 1 b 2");
     SymbolRemove(&table, "##ID");
     SymbolRemove(&table, "##UINT");
@@ -679,7 +679,7 @@ TEST_F(Scanner, TheIdsOfSixClassesAreThoseOfTheOpening) {
     EXPECT_EQ(current(ScannerNext(nullptr)), (Scanned{Unknown, "2"}));
 }
 
-TEST_F(Scanner, AnotherTableCanTakeOver) {
+TEST_F(Scanning, AnotherTableCanTakeOver) {
     SymbolTable other = tableOf({{70, "end"}, {71, "##UINT"}});
     open("end end 1");
     EXPECT_EQ(current(ScannerNext(&other)), (Scanned{70, "end"}));
@@ -688,7 +688,7 @@ TEST_F(Scanner, AnotherTableCanTakeOver) {
 
 // ---- what people see ----
 
-TEST_F(Scanner, TheDumpIsEightLines) {
+TEST_F(Scanning, TheDumpIsEightLines) {
     open("a <\t\"\\\x80\x01\n");
     next();
     char buffer[500];
@@ -711,7 +711,7 @@ TEST_F(Scanner, TheDumpIsEightLines) {
         "LineStr = \\x80 -->\\n\nLineRemainder = \\n\nPreviousSymbolStr = \nSymbolStr = <!-- \\n\x80 -->\n");
 }
 
-TEST_F(Scanner, AStatusBecomesAReport) {
+TEST_F(Scanning, AStatusBecomesAReport) {
     const struct {
         std::int32_t status, code;
         const char* message;
@@ -737,7 +737,7 @@ TEST_F(Scanner, AStatusBecomesAReport) {
     EXPECT_EQ(record.position, 5);
 }
 
-TEST_F(Scanner, OnlyTheFirstErrorIsKept) {
+TEST_F(Scanning, OnlyTheFirstErrorIsKept) {
     ErrorRecord record;
     ReportError(record, 0, 1, 2, "text");
     ReportError(record, 672, 1, 2, "");
@@ -751,7 +751,7 @@ TEST_F(Scanner, OnlyTheFirstErrorIsKept) {
     EXPECT_EQ(record.message, std::string(1024, 'x'));
 }
 
-TEST_F(Scanner, ASymbolOutsideTheSetIsAnError) {
+TEST_F(Scanning, ASymbolOutsideTheSetIsAnError) {
     SetDescriptor allowed;
     SetInit(&allowed, 0, 255);
     SetInclude(Less, &allowed);
