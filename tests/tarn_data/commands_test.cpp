@@ -428,8 +428,8 @@ TEST_F(TarnData, MoreRowsThanAValueHoldsComeFromEveryForm) {
         EXPECT_TRUE(read("b.csv") == "v,w\n" + repeated([](const auto& i) { return i + ",a\n"; })) << words;
     }
     EXPECT_EQ(tarnData("convert mixed.csv b.xml"), Well) << errors;
-    EXPECT_EQ(shell("TMPDIR=/none " + program() + " convert b.xml b.csv"), Failed);
-    EXPECT_NE(errors.find("choose a folder with more room with TMPDIR"), std::string::npos) << errors;
+    // Rows of text go from one file to the other, and need no folder for the work.
+    EXPECT_EQ(shell("TMPDIR=/none " + program() + " convert b.xml c.xml"), Well) << errors;
     EXPECT_EQ(tarnData("convert b.xml --to-separator=\\; b.csv"), Well) << errors;
     EXPECT_TRUE(read("b.csv") == "v;w\ntrue;\"a,\nb\"\n" + repeated([](const auto& i) { return i + ";\n"; }));
     write("entity.xml", "<!DOCTYPE l [<!ENTITY e 'much more'>]>" + read("values.xml"));

@@ -123,7 +123,8 @@ TEST_F(TarnDataXml, TypesThatDifferMakeAColumnOfTexts) {
     EXPECT_EQ(csvOf(text, "--text"), "a\n1\n2024-01-02\nTrue\n");
     for (const char* words : {"convert a.xml b.xml", "convert --text a.xml b.xml"}) {
         EXPECT_EQ(tarnData(words), Well) << errors;
-        EXPECT_NE(read("b.xml").find("<a type=\"string\">2024-01-02</a>"), std::string::npos) << read("b.xml");
+        EXPECT_NE(read("b.xml").find("<a type=\"string\">2024-01-02</a>"), std::string::npos)
+            << read("b.xml");
     }
 }
 
@@ -227,9 +228,10 @@ TEST_F(TarnDataXml, MemoryDoesNotGrowWithTheFile) {
         text += "<row id=\"" + std::to_string(i) + "\"><name lang=\"en\">a name of some length</name><n>" +
                 std::to_string(i % 977) + ".5</n></row>\n";
     write("a.xml", text + "</rows>\n");
-    write("type", "r : record\n\tid : integer\n\tname_lang : string[2]\n\tname : string[30]\n\tn : fixed\nend record\n");
-    for (const char* words : {"a.xml b.csv", "a.xml b.tab", "a.xml b.xml", "a.xml b.dbf", "a.xml b.bin --type=type",
-                              "b.csv c.xml", "b.dbf c.xml", "b.xml c.csv"}) {
+    write("type", "r : record\n\tid : integer\n\tname_lang : string[2]\n\tname : string[30]\n\tn : "
+                  "fixed\nend record\n");
+    for (const char* words : {"a.xml b.csv", "a.xml b.tab", "a.xml b.xml", "a.xml b.dbf",
+                              "a.xml b.bin --type=type", "b.csv c.xml", "b.dbf c.xml", "b.xml c.csv"}) {
         EXPECT_EQ(shell("ulimit -v 200000; " + program() + " convert " + words), Well) << words << errors;
     }
     EXPECT_EQ(read("c.csv"), read("b.csv"));
