@@ -3,7 +3,7 @@
 #include "data_bench.h"
 
 #include "kernel/data/typeinfo/typeinfo.h"
-#include "kernel/data/xml/xml.h"
+#include "kernel/data/xml/xml_reader.h"
 #include "kernel/lists/lists.h"
 
 #include <cstdio>
@@ -48,6 +48,29 @@ void readTable(benchmark::State& state, const std::string& path) {
     setBytes(state, sizeOf(path));
 }
 
+class Counts : public XmlEvents {
+public:
+    void start(std::string_view, std::int32_t) override { ++elements; }
+    void attribute(std::string_view, std::string_view) override {}
+    void text(std::string_view part) override { characters += part.size(); }
+    void end() override {}
+    std::size_t elements = 0, characters = 0;
+};
+
+void walk(benchmark::State& state, const std::string& path) {
+    XmlReader reader;
+    repeat(state, [&] {
+        Counts counts;
+        return reader.walk(path, counts).error.code == 0 && counts.elements > OrderRows;
+    });
+    setBytes(state, sizeOf(path));
+}
+void xmlEventsKernel(benchmark::State& state) {
+    walk(state, ordersXml());
+}
+void xmlAttributeEventsKernel(benchmark::State& state) {
+    walk(state, ordersXmlAttributes());
+}
 void xmlBareKernel(benchmark::State& state) {
     readBare(state, ordersXml());
 }
@@ -134,12 +157,14 @@ void xmlSavePugi(benchmark::State& state) {
 }
 
 BENCHMARK(xmlBareKernel);
+BENCHMARK(xmlEventsKernel);
 BENCHMARK(xmlTypesKernel);
 BENCHMARK(xmlListKernel);
 BENCHMARK(xmlTableKernel)->Arg(0)->Arg(1);
 BENCHMARK(xmlEventsExpat);
 BENCHMARK(xmlTreePugi);
 BENCHMARK(xmlAttributesKernel);
+BENCHMARK(xmlAttributeEventsKernel);
 BENCHMARK(xmlAttributesExpat);
 BENCHMARK(xmlSaveKernel);
 BENCHMARK(xmlSavePugi);

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any bytes: a structure or an error, a value of legal shape, and what was read without an error is saved and
-// read again as the same value.
+// read again as the same value. A walk finds what a read finds, and tells elements one inside another.
 //
 // An input is a declaration of type information text, a form feed, and the file.
 #include "kernel/data/typeinfo/typeinfo.h"
-#include "kernel/data/xml/xml.h"
+#include "kernel/data/xml/xml_reader.h"
+#include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"
 
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -35,6 +37,31 @@ void checkStructure(const std::string& file) {
     require((error.code == 0) == error.message.empty());
     std::size_t position = 0;
     tarn::TypeInfoToValue(text, position, nullptr);
+}
+
+class Depth : public tarn::XmlEvents {
+public:
+    void start(std::string_view, std::int32_t line) override {
+        require(line >= 1);
+        ++open;
+    }
+    void attribute(std::string_view name, std::string_view) override { require(open > 0 && !name.empty()); }
+    void text(std::string_view part) override { require(open > 0 && !part.empty()); }
+    void end() override { require(open-- > 0); }
+    int open = 0;
+};
+
+void checkWalk(const std::string& file) {
+    tarn::XmlReader reader, inTurns;
+    Depth whole, parts;
+    const tarn::ErrorRecord bare = tarn::XmlRead(file, 0, nullptr, tarn::KindNone, nullptr, 0);
+    const tarn::ErrorRecord error = reader.walk(file, whole).error;
+    require(error.code != 0 || whole.open == 0);
+    // A text that is too long for a value is none for a walk.
+    require(bare.code == error.code || bare.code == tarn::ERR_XML_OVERFLOW);
+    require(inTurns.startWalk(file, parts, tarn::XmlCharacters::Utf8).code == 0);
+    while (inTurns.walkOn(2)) require(parts.open == 1);
+    require(inTurns.endWalk().error.code != 0 || parts.open == 0);
 }
 
 // Without the bytes that do not come back from a file, and without the number that equals no number.
@@ -66,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = input.substr(std::min(split + 1, input.size()));
     if (!write(file, text)) return 0;
     checkStructure(file);
+    checkWalk(file);
     char value[tarn::KindSize[tarn::KindArray]] = {};
     std::size_t position = 0;
     const std::int32_t kind = tarn::TypeInfoToValue(input.substr(0, split), position, value);

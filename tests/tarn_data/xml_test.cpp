@@ -123,7 +123,8 @@ TEST_F(TarnDataXml, TypesThatDifferMakeAColumnOfTexts) {
     EXPECT_EQ(csvOf(text, "--text"), "a\n1\n2024-01-02\nTrue\n");
     for (const char* words : {"convert a.xml b.xml", "convert --text a.xml b.xml"}) {
         EXPECT_EQ(tarnData(words), Well) << errors;
-        EXPECT_NE(read("b.xml").find("<a type=\"string\">2024-01-02</a>"), std::string::npos) << read("b.xml");
+        EXPECT_NE(read("b.xml").find("<a type=\"string\">2024-01-02</a>"), std::string::npos)
+            << read("b.xml");
     }
 }
 
@@ -138,21 +139,21 @@ TEST_F(TarnDataXml, TextMakesEveryLeafText) {
 }
 
 TEST_F(TarnDataXml, NumbersStayAsTheyAreWritten) {
-    const std::string csv = "code,n,d,id\n070,1.50,,12345678901234567890\n071,2,0.1,1\n";
-    EXPECT_EQ(csvOf("<l><r><code>070</code><n>1.50</n><d/><id>12345678901234567890</id></r>"
-                    "<r><code>071</code><n>2</n><d>0.1</d><id>1</id></r></l>"),
+    const std::string csv = "num,n,d,id\n070,1.50,,12345678901234567890\n071,2,0.1,1\n";
+    EXPECT_EQ(csvOf("<l><r><num>070</num><n>1.50</n><d/><id>12345678901234567890</id></r>"
+                    "<r><num>071</num><n>2</n><d>0.1</d><id>1</id></r></l>"),
               csv);
     EXPECT_EQ(tarnData("convert a.xml b.xml"), Well) << errors;
-    EXPECT_NE(read("b.xml").find("<code type=\"string\">070</code>"), std::string::npos) << read("b.xml");
+    EXPECT_NE(read("b.xml").find("<num type=\"string\">070</num>"), std::string::npos) << read("b.xml");
     EXPECT_NE(read("b.xml").find(">1.50</n>"), std::string::npos);
     EXPECT_NE(read("b.xml").find("<d type=\"fixed\"></d>"), std::string::npos) << read("b.xml");
     EXPECT_EQ(tarnData("convert b.xml c.csv"), Well) << errors;
     EXPECT_EQ(read("c.csv"), csv);
     EXPECT_EQ(tarnData("info a.xml"), Well);
-    EXPECT_NE(errors.find("note: Column 'code' of 'a.xml' is taken as text: 070 begins with a zero (row 1)."),
+    EXPECT_NE(errors.find("note: Column 'num' of 'a.xml' is taken as text: 070 begins with a zero (row 1)."),
               std::string::npos)
         << errors;
-    EXPECT_NE(output.find("code : string[3]\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("num : string[3]\n"), std::string::npos) << output;
 }
 
 TEST_F(TarnDataXml, EmptyNumbersAreNotedWhereTheTargetHasNothingForThem) {
@@ -227,9 +228,10 @@ TEST_F(TarnDataXml, MemoryDoesNotGrowWithTheFile) {
         text += "<row id=\"" + std::to_string(i) + "\"><name lang=\"en\">a name of some length</name><n>" +
                 std::to_string(i % 977) + ".5</n></row>\n";
     write("a.xml", text + "</rows>\n");
-    write("type", "r : record\n\tid : integer\n\tname_lang : string[2]\n\tname : string[30]\n\tn : fixed\nend record\n");
-    for (const char* words : {"a.xml b.csv", "a.xml b.tab", "a.xml b.xml", "a.xml b.dbf", "a.xml b.bin --type=type",
-                              "b.csv c.xml", "b.dbf c.xml", "b.xml c.csv"}) {
+    write("type", "r : record\n\tid : integer\n\tname_lang : string[2]\n\tname : string[30]\n\tn : "
+                  "fixed\nend record\n");
+    for (const char* words : {"a.xml b.csv", "a.xml b.tab", "a.xml b.xml", "a.xml b.dbf",
+                              "a.xml b.bin --type=type", "b.csv c.xml", "b.dbf c.xml", "b.xml c.csv"}) {
         EXPECT_EQ(shell("ulimit -v 200000; " + program() + " convert " + words), Well) << words << errors;
     }
     EXPECT_EQ(read("c.csv"), read("b.csv"));

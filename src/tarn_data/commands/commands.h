@@ -9,6 +9,7 @@
 //   sources/   source           what a file is, and its columns
 //              layout           how a delimited file is laid out
 //              delimited        its rows
+//              xmlsource        what an XML file is; xmlrows its rows, xmlcolumns its columns, xmlencoding
 //              cells            the rows of any file as texts
 //              columns          what the cells of each column are
 //              digits           numbers that would lose digits on their way
@@ -96,7 +97,7 @@ struct Source {
     std::string path;                    // that is read: a copy for text that is not UTF-8
     std::unique_ptr<WorkFolder> folder;  // that it stands in
     std::int64_t begin = 0;              // of the text, behind a mark
-    std::vector<std::string> headings;   // delimited: names of the columns as they stand; empty: none
+    std::vector<std::string> headings;   // delimited, XML: names of the columns as they stand; empty: none
     std::vector<std::size_t> widths;     // that a line of dashes below them tells
     std::vector<std::string> nulls;      // cells that are taken as empty
     bool crlf = false;                   // delimited: lines end with a carriage return and a line feed

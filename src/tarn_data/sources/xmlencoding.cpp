@@ -130,7 +130,9 @@ std::string_view declaredEncoding(std::string_view beginning) {
     std::string_view rest = beginning.substr(0, beginning.find("?>"));
     rest.remove_prefix(std::min(rest.find(word), rest.size()));
     rest.remove_prefix(std::min(word.size(), rest.size()));
-    const auto skipBlanks = [&] { rest.remove_prefix(std::min(rest.find_first_not_of(blanks), rest.size())); };
+    const auto skipBlanks = [&] {
+        rest.remove_prefix(std::min(rest.find_first_not_of(blanks), rest.size()));
+    };
     skipBlanks();
     if (!rest.starts_with('=')) return {};
     rest.remove_prefix(1);
@@ -157,7 +159,8 @@ Problem takeXmlEncoding(Source& source) {
     source.begin = 0;
     problem = facts.isUtf16() ? writeAsUtf8(source.file, facts, source.path) : copyBytes(source, *encoding);
     if (!problem.any())
-        note(fileWord(source.file) + "is " + name + " text. It is read as UTF-8, and what is written is UTF-8.");
+        note(fileWord(source.file) + "is " + name +
+             " text. It is read as UTF-8, and what is written is UTF-8.");
     return problem;
 }
 

@@ -62,8 +62,8 @@ void XmlRowReader::endFile() {
         problem_ = unreadable(name_, result.fileError);
     } else if (result.error.code != 0) {
         fault(fileWord(name_) + "cannot be read: " + result.error.message + " (Line " +
-                  std::to_string(result.error.line) + ", Position " +
-                  std::to_string(result.error.position) + ")",
+                  std::to_string(result.error.line) + ", Position " + std::to_string(result.error.position) +
+                  ")",
               "Correct the file at that place.");
     }
 }
@@ -98,8 +98,8 @@ void XmlRowReader::start(std::string_view name, std::int32_t line) {
         element_ = name;
         text_.clear();
     } else {
-        fault(fileWord(name_) + "line " + std::to_string(line_) + ": the element '" + element_ +
-                  "' of row " + std::to_string(number_) + " holds other elements.",
+        fault(fileWord(name_) + "line " + std::to_string(line_) + ": the element '" + element_ + "' of row " +
+                  std::to_string(number_) + " holds other elements.",
               "Only rows of simple columns can be converted.");
     }
     hasAttributes_ = false;
@@ -137,7 +137,8 @@ void XmlRowReader::giveAttributes() {
         if (ascii::equal(a->first, "type")) kind = kindOfType(a->second);
     declaredText_ = kind == KindString;
     for (auto a = begin; a != end; ++a) {
-        const bool howToRead = kind != KindNone && (ascii::equal(a->first, "type") || ascii::equal(a->first, "index"));
+        const bool howToRead =
+            kind != KindNone && (ascii::equal(a->first, "type") || ascii::equal(a->first, "index"));
         if (howToRead) continue;
         if (depth_ < rows_.depth)
             note(outerAttributes_, "'" + a->first + "' of '" + element_ + "'");
@@ -155,7 +156,8 @@ void XmlRowReader::text(std::string_view part) {
     else if (depth_ == rows_.depth && !hasElements_)
         rowText_ += part;
     else if (!isBlank(part))
-        note(looseTexts_, depth_ < rows_.depth ? "text around the rows" : "text in row " + std::to_string(number_));
+        note(looseTexts_,
+             depth_ < rows_.depth ? "text around the rows" : "text in row " + std::to_string(number_));
 }
 
 void XmlRowReader::end() {

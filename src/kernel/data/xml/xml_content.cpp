@@ -84,7 +84,8 @@ void readCharacter(const XmlPass& pass, std::string_view text, XmlReference& ref
         length = exact ? putUtf8(number, reference.character) : 0;
     reference.replacement = {reference.character.data(), length};
     if (length == 0)
-        reference.message = std::string("The character reference ").append(text.substr(0, end + 1)) + " is not allowed";
+        reference.message =
+            std::string("The character reference ").append(text.substr(0, end + 1)) + " is not allowed";
 }
 
 void readEntity(const XmlPass& pass, std::string_view text, XmlReference& reference) {
@@ -333,7 +334,7 @@ private:
     XmlGivenFields& given_;
     std::size_t name_, nameEnd_, text_;  // in the buffers of the pass
     std::int32_t count_ = 0;
-    bool collects_;  // text may be wanted at the end
+    bool collects_;                                  // text may be wanted at the end
     bool childOpened_ = false, childEnded_ = false;  // in the last step of a walk
     XmlChildren children_;
     std::optional<XmlTypes> types_;  // with `discover`

@@ -80,7 +80,7 @@ private:
         name_ = pass_.scan.symbolStr();
         const Meaning meaning = ascii::equal(name_, "type")    ? Meaning::Type
                                 : ascii::equal(name_, "index") ? Meaning::Index
-                                                              : Meaning::Field;
+                                                               : Meaning::Field;
         if (!takePlain(meaning) && !takeScanned(meaning)) return;
         XmlNext(pass_);
     }
@@ -128,8 +128,7 @@ private:
         }
         if (!found_ || found_->fields.size() > std::size_t{MaxXmlTypeText}) return;
         if (count_ == 1) found_->firstValue = value;
-        XmlAppendDeeper(found_->fields,
-                        DataValueLine(value, name_, {}, name_ + std::string(anyType)));
+        XmlAppendDeeper(found_->fields, DataValueLine(value, name_, {}, name_ + std::string(anyType)));
     }
 
     struct Found {
@@ -188,8 +187,7 @@ void XmlReadEndTag(XmlPass& pass, std::size_t name) {
     const bool adjacent = XmlNameFollows(pass);
     XmlNext(pass);
     const bool named = XmlCheck(pass, {XmlName});
-    if (!adjacent)
-        XmlReport(pass, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"</\" and \"Name\"");
+    if (!adjacent) XmlReport(pass, ERR_XML_NOT_WELL_FORMED, "No spaces allowed between \"</\" and \"Name\"");
     if (!named) return;
     if (start != pass.scan.symbolStr())
         XmlReport(pass, ERR_XML_NOT_WELL_FORMED,

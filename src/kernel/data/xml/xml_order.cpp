@@ -33,7 +33,8 @@ public:
     }
     // `type` and `index` say how to read an element and are no data.
     void attribute(std::string_view name, std::string_view value) override {
-        if (depth_ != rowDepth_ || faulty() || ascii::equal(name, "type") || ascii::equal(name, "index")) return;
+        if (depth_ != rowDepth_ || faulty() || ascii::equal(name, "type") || ascii::equal(name, "index"))
+            return;
         attributes_.emplace_back(name);
         lengths_.push_back(value.size());
     }

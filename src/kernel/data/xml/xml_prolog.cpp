@@ -108,7 +108,8 @@ bool skipDeclaration(XmlPass& pass) {
         parameterReference(pass);
     else if (isSymbol(pass, XmlEntity))
         entity(pass);
-    else if (isSymbol(pass, XmlElementDeclaration) || isSymbol(pass, XmlAttlist) || isSymbol(pass, XmlNotation))
+    else if (isSymbol(pass, XmlElementDeclaration) || isSymbol(pass, XmlAttlist) ||
+             isSymbol(pass, XmlNotation))
         skipTo(pass, ">");
     else
         return skipMisc(pass);

@@ -156,8 +156,8 @@ XmlReadResult XmlReading::begin() const {
     }
     XmlReader::Work& work = *reader.work_;
     fillTables(work.tables);
-    XmlPass& pass = work.pass.emplace(
-        XmlPass{work.scan, work.tables, typeText != nullptr, form, events, characters});
+    XmlPass& pass =
+        work.pass.emplace(XmlPass{work.scan, work.tables, typeText != nullptr, form, events, characters});
     pass.size = info.size;
     work.open.clear();
     work.place = XmlReader::Work::Place::Head;

@@ -43,9 +43,9 @@ enum class XmlCharacters {
 
 struct XmlReadResult {
     ErrorRecord error;
-    bool stopped = false;                               // by progress.h; a value is as it was
-    ErrorRecord lost{};                                 // the first data that the value has no place for
-    os::FileError fileError = os::FileError::None;      // behind an `error` of 651 to 654
+    bool stopped = false;                           // by progress.h; a value is as it was
+    ErrorRecord lost{};                             // the first data that the value has no place for
+    os::FileError fileError = os::FileError::None;  // behind an `error` of 651 to 654
 };
 
 class XmlReader {

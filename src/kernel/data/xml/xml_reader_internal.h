@@ -301,8 +301,7 @@ public:
 
 private:
     void addField(XmlPass& pass, std::string_view parent, std::string_view child, std::string_view text);
-    void addElement(XmlPass& pass, std::string_view child, std::int32_t firstLine,
-                    const std::string& text);
+    void addElement(XmlPass& pass, std::string_view child, std::int32_t firstLine, const std::string& text);
 
     std::int32_t children_ = 0;
     bool list_ = false, broken_ = false;     // broken: elements of the list differ

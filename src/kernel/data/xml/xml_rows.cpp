@@ -47,7 +47,8 @@ XmlResult resultOf(XmlReadResult&& read) {
 
 // Values that stand in attributes are records of one field to the reader.
 XmlResult loadValues(const std::string& filename, TableDescriptor* table) {
-    XmlReadResult read = XmlReading{XmlReaderOfOperations(), filename, nullptr, 0, XmlTableForm::Values}.read(table, KindTable);
+    XmlReadResult read = XmlReading{XmlReaderOfOperations(), filename, nullptr, 0, XmlTableForm::Values}.read(
+        table, KindTable);
     if (read.lost.code != 0) return XmlLoad(filename, table, KindTable);
     XmlResult result = resultOf(std::move(read));
     if (!result.stopped) result.count = TableCount(table);
