@@ -7,6 +7,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/piped.h"
 #include "library/system/system.h"
@@ -103,7 +104,7 @@ void turnTo(Run& run) {
     }
     c.current = &run;
     c.changed = true;
-    SetCaption(part("label1"), run.command);
+    SetCaption(part("label1"), PLAINCAPTION(run.command));
     showState("Running, process " + STR(run.child->id()));
     enable(true);
 }
