@@ -378,7 +378,7 @@ TEST_F(NewProgram, AnIconMayHaveAnyName) {
         fill({{"Program Icon", dir + "work/" + name}});
         newProgram(true);
         EXPECT_TRUE(asked.empty()) << lastText();
-        EXPECT_EQ(RESOURCEGETFILENAME(dir + "work/App1.rc", "ICON", "ProgramIcon"), dir + "work/" + name)
+        EXPECT_EQ(RESOURCEGETFILENAME(dir + "work/App1.rc", "ICON", "ProgramIcon"), "<RESOURCEDIR>\\work/" + std::string(name))
             << text("work/App1.rc");
         PROJECTCLOSE(ProjectEditorDlg);
         for (const char* const file : {"App1.cls", "App1.rc"}) std::filesystem::remove(dir + "work/" + file);
@@ -566,6 +566,7 @@ protected:
         ClearError();
         disk.setFreeBytes(1'000'000);
         closeAll();
+        SETCURDIR(dir + "work");
         for (const std::string& file : disk.allFiles())
             if (file.starts_with(dir + "work/") || file.find("/changes/") != std::string::npos)
                 disk.remove(file);
@@ -605,7 +606,7 @@ TEST_F(NewMainOnBadDisk, AFailureAtAnyCallLeavesAllOfTheProgramOrNothing) {
                 EXPECT_TRUE(everything() || !asked.empty()) << asks << " " << call;
             }
             EXPECT_FALSE(reached);
-            EXPECT_TRUE(everything());
+            EXPECT_TRUE(everything()) << lastText() << GETCURDIR();
         }
     closeAll();
 }
@@ -629,6 +630,8 @@ TEST_F(NewMainOnBadDisk, AKillAtAnyCallLeavesAllOfTheProgramOrNothingAtTheNextSt
             bool died = true;
             int deaths = 0;
             for (int call = 1; died && call < 400; ++call) {
+                platform::DestroyAllWindows();  // a new process
+                start();
                 begin(asks);
                 died = false;
                 disk.dieAt(call, midway);
@@ -645,7 +648,7 @@ TEST_F(NewMainOnBadDisk, AKillAtAnyCallLeavesAllOfTheProgramOrNothingAtTheNextSt
             }
             EXPECT_FALSE(died);
             EXPECT_GT(deaths, 10);
-            EXPECT_TRUE(everything());
+            EXPECT_TRUE(everything()) << lastText();
         }
     closeAll();
 }
