@@ -18,6 +18,7 @@
 #include <QKeySequence>
 #include <QMouseEvent>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <QWidget>
 
@@ -306,9 +307,26 @@ private:
     }
     static Rect rectOf(const QRect& r) { return {r.x(), r.y(), r.width(), r.height()}; }
 
+    // The window system takes a box that was answered away in its own time; until then the box is what a click would meet.
+    static void waitUntilSeen(const QWidget& widget, const QPoint& at) {
+        const std::string wanted = "WINDOW=" + std::to_string(widget.window()->winId()) + "\n";
+        constexpr int tries = 60;
+        for (int i = 0; i < tries; ++i) {
+            std::FILE* const out = ::popen(
+                ("xdotool mousemove " + text(at) + " getmouselocation --shell 2>/dev/null").c_str(), "r");
+            if (out == nullptr) return;
+            std::string told;
+            for (int c = std::fgetc(out); c != EOF; c = std::fgetc(out)) told += static_cast<char>(c);
+            ::pclose(out);
+            if (told.find(wanted) != std::string::npos) return;
+            QThread::msleep(20);
+        }
+    }
+
     bool press(QWidget& widget, const QPoint& place, int clicks) const {
         if (onScreen_) {
             const QPoint at = widget.mapToGlobal(place);
+            waitUntilSeen(widget, at);
             return std::system(("xdotool mousemove " + std::to_string(at.x()) + " " + std::to_string(at.y()) +
                                 " click --repeat " + std::to_string(std::max(clicks, 1)) + " --delay 40 " +
                                 (clicks > 0 ? "1" : "3"))

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/user_script.h"
 
-#include "os/text/initext.h"
 #include "os/clock.h"
 #include "os/files.h"
+#include "os/text/initext.h"
 #include "platform/model/linemarks.h"
 #include "support/sheet_rows.h"
 
@@ -259,7 +259,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
         w[0] == "mouse")
         return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "edit" || w[0] == "select" || w[0] == "margin") return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
+    if (w[0] == "edit" || w[0] == "select" || w[0] == "margin")
+        return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "strike") return canStrike(w) ? Outcome::Done : Outcome::NotYet;
     if (w[0] == "restart") return Outcome::NotYet;  // the program still runs
@@ -390,9 +391,14 @@ bool isList(const Control& control) {
 
 void UserDriver::set(const Object& object, const std::string& value) {
     Control& control = *findControl(object);
-    if (control.type == Type::Checkbox || control.type == Type::Radiobutton)
-        return userValue(control, std::atoi(value.c_str()));
+    const bool numbered = control.type == Type::Checkbox || control.type == Type::Radiobutton ||
+                          control.type == Type::Scrollbar;
+    if (numbered) return userValue(control, std::atoi(value.c_str()));
     if (isList(control)) return userRow(control, std::atoi(value.c_str()));
+    if (control.text == nullptr) {
+        at_--;
+        return fail("Nothing can be set there.");
+    }
     control.text->setText(value);
     userChange(control);
 }

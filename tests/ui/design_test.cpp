@@ -49,6 +49,9 @@ All DIALOG
     CAPTION="&Name"
   Edit behind 134
     POSITION=252 64 30 12
+  Label alone 135
+    POSITION=150 212 60 10
+    CAPTION="R && &D"
   Label tall 103
     POSITION=150 4 60 30
     CAPTION="A text that is too long for one line of the label"
@@ -367,6 +370,49 @@ TEST_F(DesignTest, InOtherColoursNothingOfTheDesktopsIsLeft) {
         Unload(Design);
         settle();
     }
+}
+
+// The darkest and the lightest grey of a part of a picture.
+std::pair<int, int> greys(const QImage& image, const QRect& part) {
+    std::pair<int, int> found = {255, 0};
+    for (int y = part.top(); y <= part.bottom(); ++y)
+        for (int x = part.left(); x <= part.right(); ++x)
+            found = {std::min(found.first, qGray(image.pixel(x, y))),
+                     std::max(found.second, qGray(image.pixel(x, y)))};
+    return found;
+}
+
+TEST_F(DesignTest, AFilledEllipseLeavesItsCornersFree) {
+    open();
+    run();
+    const Rect place = placeOf(find("ellipse"));
+    for (const QImage& image : {designed(), shot(All)}) {
+        const qreal ratio = image.devicePixelRatio();
+        const auto at = [&](int x, int y) {
+            return image.pixel(int((place.x + x) * ratio), int((place.y + y) * ratio)) & 0xFFFFFF;
+        };
+        EXPECT_EQ(at(place.w / 2, place.h / 2), 0xFFC000U);
+        for (const int x : {1, place.w - 2})
+            for (const int y : {1, place.h - 2})
+                EXPECT_EQ(at(x, y), at(place.w + 2, place.h / 2)) << x << " " << y;
+    }
+}
+
+TEST_F(DesignTest, ARadioButtonHasARingInBothColours) {
+    open();
+    picture.running = true;
+    SETPROPVALUE("VALUE", "0", find("radio"));
+    for (const DrawColours colours : {LIGHT_COLOURS, DARK_COLOURS}) {
+        SetDrawColours(Design, colours);
+        const QImage image = designed();
+        const qreal ratio = image.devicePixelRatio();
+        const Rect place = placeOf(find("radio"));
+        const QRect mark(int(place.x * ratio), int(place.y * ratio), int(place.h * ratio),
+                         int(place.h * ratio));
+        const auto [darkest, lightest] = greys(image, mark);
+        EXPECT_GT(lightest - darkest, 60) << (colours == DARK_COLOURS ? "dark" : "light");
+    }
+    SetDrawColours(Design, DESKTOP_COLOURS);
 }
 
 TEST_F(DesignTest, ItHasTheFontOfTheDialog) {

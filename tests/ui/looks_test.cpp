@@ -11,6 +11,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QImage>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QScrollBar>
@@ -67,6 +68,28 @@ std::string linesThatNeedBothBars() {
     std::string lines = "MULTILINE=1\n    TEXT=\"" + std::string(200, 'w');
     for (int i = 0; i < 60; ++i) lines += "\\nline";
     return lines + "\"";
+}
+
+// The mark of a mnemonic is seen only where it leads to a control.
+TEST_F(LooksTest, ALabelShowsItsCaptionWithoutMarks) {
+    const struct {
+        std::string caption, text, spoken;
+    } cases[] = {{"&Name", "Name", ""},  {"Tom && Ann", "Tom & Ann", "Tom & Ann"},
+                 {"R&D", "RD", ""},      {"a &", "a &", "a &"},
+                 {"Plain", "Plain", ""}, {"&&&x", "&x", "&x"}};
+    for (const auto& c : cases) {
+        const auto* const label = show<QLabel>("LABEL", "CAPTION=\"" + c.caption + "\"");
+        ASSERT_NE(label, nullptr);
+        EXPECT_EQ(label->text().toStdString(), c.text) << c.caption;
+        EXPECT_EQ(label->accessibleName().toStdString(), c.spoken) << c.caption;
+    }
+    const auto* const label =
+        show<QLabel>("LABEL", "CAPTION=\"&A && b\"\n  Edit two 102\n    POSITION=10 50 20 10");
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(label->text().toStdString(), "&A && b") << "the toolkit underlines the A";
+    EXPECT_NE(label->buddy(), nullptr);
+    SetCaption(Object("Looks", 101), "&B");
+    EXPECT_EQ(label->text().toStdString(), "&B");
 }
 
 TEST_F(LooksTest, AControlHasTheScrollBarsThatItNames) {

@@ -123,7 +123,7 @@ bool UPDATEERRORWINDOW(const std::string& compilerDir) {
         if (IsLoaded(ViewDlg)) SetText(ViewDlg, "");
         return true;
     }
-    VIEWDIALOG("View Errors", file, GetFontName(SDIEdit), GetFontSize(SDIEdit));
+    VIEWDIALOG(ErrorsTitle, file, GetFontName(SDIEdit), GetFontSize(SDIEdit));
     return false;
 }
 

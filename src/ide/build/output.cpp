@@ -8,6 +8,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "kernel/windows/quietly.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/piped.h"
 #include "library/system/system.h"
@@ -106,7 +107,7 @@ void turnTo(Run& run) {
     }
     c.current = &run;
     c.changed = true;
-    SetCaption(part("label1"), run.command);
+    SetCaption(part("label1"), PLAINCAPTION(run.command));
     showState("Running, process " + STR(run.child->id()));
     enable(true);
 }

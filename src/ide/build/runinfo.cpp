@@ -8,6 +8,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/source/symbolfiles.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
@@ -87,11 +88,11 @@ void showClasses(const ProgramInfo& info) {
 void fill(const ProgramInfo& info) {
     const std::string exe = FILECHANGEEXT(info.file, ".exe"), rcx = FILECHANGEEXT(info.file, ".rcx");
     showClasses(info);
-    SetCaption(part("lblclassfile"), info.file);
+    SetCaption(part("lblclassfile"), PLAINCAPTION(info.file));
     SetCaption(part("lblclassdetails"), details(info.file, "saved"));
-    SetCaption(part("lblexefile"), exe);
+    SetCaption(part("lblexefile"), PLAINCAPTION(exe));
     SetCaption(part("lblexedetails"), details(exe, "built"));
-    SetCaption(part("lblrcxfile"), info.hasResources ? rcx : "(none required)");
+    SetCaption(part("lblrcxfile"), info.hasResources ? PLAINCAPTION(rcx) : "(none required)");
     SetCaption(part("lblrcxdetails"), info.hasResources ? details(rcx, "built") : "");
     SetCaption(part("lbldebug"), debugStatus(info));
 }

@@ -12,6 +12,7 @@
 namespace tarn {
 
 inline constexpr std::string_view FoundTitle = "Find in Files";
+inline constexpr const char* ErrorsTitle = "View Errors";
 
 bool VIEWDLG(const Object& window, int event, const Object& control, int parameter);
 void VIEWDIALOG(const std::string& title, const std::string& file, const std::string& fontName, int fontSize);

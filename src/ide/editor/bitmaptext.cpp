@@ -7,6 +7,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/source/bmptotxt.h"
 #include "library/system/system.h"
 
@@ -54,7 +55,7 @@ void CONVERTBMPDIALOG(const std::string& file) {
     const bool converted = BMPFILETOTEXT(file, FINDCONTROL(ConvertBmpDlg, "edit1"));
     STAMP();
     if (!converted) return Unload(ConvertBmpDlg);
-    SetCaption(FINDCONTROL(ConvertBmpDlg, "label2"), file);
+    SetCaption(FINDCONTROL(ConvertBmpDlg, "label2"), PLAINCAPTION(file));
     SetEnabled(FINDCONTROL(ConvertBmpDlg, "pushbutton4"), !EDITWNDGETFILENAME(SDIEdit).empty());
     STAMP();
     Show(ConvertBmpDlg, true);

@@ -6,6 +6,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/system.h"
 
 MODULE("textedit")
@@ -30,8 +31,8 @@ void SHOWDIFFERENCE(const Difference& difference) {
     STAMP();
     Load(DifferenceDlg);
     SetCaption(DifferenceDlg, difference.caption);
-    SetCaption(FINDCONTROL(DifferenceDlg, "label1"), difference.heading);
-    SetCaption(FINDCONTROL(DifferenceDlg, "label2"), difference.prompt);
+    SetCaption(FINDCONTROL(DifferenceDlg, "label1"), PLAINCAPTION(difference.heading));
+    SetCaption(FINDCONTROL(DifferenceDlg, "label2"), PLAINCAPTION(difference.prompt));
     STAMP();
     const std::string lines = LINEDIFFERENCE(difference.first, difference.second, most);
     SetText(FINDCONTROL(DifferenceDlg, "edit1"), lines.empty() ? "There is none.\n" : lines);

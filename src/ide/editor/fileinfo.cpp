@@ -5,6 +5,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
@@ -37,7 +38,7 @@ void fillFileInfo(const Object& dialog) {
         {"label12", STR(GetModify(SDIEdit) ? 1 : 0)},
         {"label14", FLAGSTOSTR(GetFlags(SDIEdit))},
     };
-    for (const auto& [label, value] : values) SetCaption(FINDCONTROL(dialog, label), value);
+    for (const auto& [label, value] : values) SetCaption(FINDCONTROL(dialog, label), PLAINCAPTION(value));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "ide/shell/windowtable.h"
 #include "kernel/text/dates.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/system.h"
 #include "library/time/timeutil.h"
 
@@ -119,7 +120,7 @@ bool userAgrees(const std::string& title, const std::string& file, const std::st
                                                          {"lblbackupfile", backup},
                                                          {"lblprompt", promptOf(file, backup)},
                                                          {"lblmoredetails", stepsOf(file, backup, fresh)}};
-    for (const auto& [label, text] : texts) SetCaption(FINDCONTROL(UndoDlg, label), text);
+    for (const auto& [label, text] : texts) SetCaption(FINDCONTROL(UndoDlg, label), PLAINCAPTION(text));
     fitDetails(UndoDlg);
     Show(UndoDlg, true);
     const bool agreed = IsLoaded(UndoDlg);

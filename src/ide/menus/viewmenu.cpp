@@ -51,7 +51,7 @@ void DO_ERRORS() {
     if (IsLoaded(ViewDlg))
         Show(ViewDlg, false);
     else
-        VIEWDIALOG("View Errors", GETCOMPILERMESSAGES(), GetFontName(SDIEdit), GetFontSize(SDIEdit));
+        VIEWDIALOG(ErrorsTitle, GETCOMPILERMESSAGES(), GetFontName(SDIEdit), GetFontSize(SDIEdit));
 }
 
 void DO_PROGRAM_WINDOW(const Object& programLabel) {

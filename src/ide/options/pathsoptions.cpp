@@ -187,8 +187,9 @@ void UPDATEINHERITPATHS(const std::string& title, const std::string& file, bool 
     if (ask && !mayAdd(title, folder)) return;
     STAMP();
     const std::string paths = GETINHERITEDPATHS();
+    // The first folder of the list is the library's: where there is none it stays so.
     PROFILESTRPUT(GETIDEINIFILE(), "PathsOptionsDlg", "Edit1",
-                  paths + (paths.empty() || paths.ends_with(';') ? "" : ";") + folder);
+                  paths + (paths.ends_with(';') ? "" : ";") + folder);
     STAMP();
     REFRESHCOMMANDLINE();
     STAMP();

@@ -9,6 +9,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbolfiles.h"
 #include "library/system/system.h"
@@ -104,7 +105,8 @@ void MOREINFODIALOG(const std::string& line) {
         {"label12", size < 0 ? "(missing)" : std::to_string(size) + " Byte(s)"},
         {"label14", FILETIME(file)},
     };
-    for (const auto& [label, value] : values) SetCaption(FINDCONTROL(MoreInfoDlg, label), value);
+    for (const auto& [label, value] : values)
+        SetCaption(FINDCONTROL(MoreInfoDlg, label), PLAINCAPTION(value));
     STAMP();
     Show(MoreInfoDlg, true);
     STAMP();
@@ -135,9 +137,16 @@ bool findClasses(const std::string& title, const std::string& file, std::string&
     return problem.empty();
 }
 
+// The classes that have changed since they were compiled.
+DependencyList staleClasses(const std::string& file) {
+    DependencyList list = LOADDEPLIST(file, "/fq", true);
+    list.files = REMOVECLASS(list.files, LibraryClass);
+    return list;
+}
+
 // Whether the user takes symbols that may be older than the classes.
 bool acceptsAge(const std::string& title, const std::string& file) {
-    const std::string stale = REMOVECLASS(LOADDEPLIST(file, "/fq", true).files, LibraryClass);
+    const std::string stale = staleClasses(file).files;
     if (stale.empty()) return true;
     const std::string answer = MsgBox(
         title,
@@ -205,7 +214,7 @@ void load(const Object& window) {
     place(window);
     if (!findClasses(title, file, classes) || !acceptsAge(title, file)) return Unload(window);
     const Object list = FINDCONTROL(window, "iconlist1");
-    SetCaption(FINDCONTROL(window, "label1"), "Browse info for '" + file + "'");
+    SetCaption(FINDCONTROL(window, "label1"), PLAINCAPTION("Browse info for '" + file + "'"));
     fillList(list, classes);
     SetCaption(FINDCONTROL(window, "label2"),
                STR(GetListCount(list)) + " line(s), " + STR(STRLINES(classes)) + " class(es)");
@@ -254,6 +263,16 @@ bool BROWSEINFODLG(const Object& window, int event, const Object& control, int p
     }
     STAMP();
     return result;
+}
+
+bool BROWSEINFOISFRESH() {
+    FRAME(BROWSEINFOISFRESH);
+    STAMP();
+    const std::string file = COMPILERGETMAINFILE();
+    if (!ISCLASSFILE(file)) return false;
+    STAMP();
+    const DependencyList stale = staleClasses(file);
+    return stale.error.empty() && stale.files.empty();
 }
 
 void BROWSEINFODIALOG() {

@@ -17,6 +17,8 @@ namespace tarn {
 bool BROWSEINFODLG(const Object& window, int event, const Object& control, int parameter);
 // Shows the symbols of the program anew. What stands in the way is told, and there is no browser then.
 void BROWSEINFODIALOG();
+// Whether it would come without a word: all symbols are there and as new as their classes.
+bool BROWSEINFOISFRESH();
 
 bool MOREINFODLG(const Object& window, int event, const Object& control, int parameter);
 void MOREINFODIALOG(const std::string& line);  // what is known of the symbol of a line

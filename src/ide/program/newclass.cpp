@@ -85,12 +85,19 @@ struct Draft {
     }
 };
 
+// A path as it stands between the quotes of a resource statement. A form of the template would end at its first ")".
+std::string pathText(const std::string& path) {
+    return STRREPLACE(STRREPLACE(path, "\\", "\\\\"), "\"", "\\\"");
+}
+
 TemplateText dialogText(const Draft& draft, const Wish& wish) {
     TemplateParameters list = TEMPLATETOPROPLIST(draft.dialogBody.text);
     const PlaceholderFolders folders{GETRESOURCEDIR(), GETCOMPILERDIR()};
+    const std::string icon = FILEUNRESOLVEPATHS(wish.icon, folders);
     SETPROPVALUE("Name", "Main", list.names, list.values);
     SETPROPVALUE("Caption", "Main", list.names, list.values);
-    SETPROPVALUE("Program Icon", FILEUNRESOLVEPATHS(wish.icon, folders), list.names, list.values);
+    SETPROPVALUE("Program Icon", icon, list.names, list.values);
+    SETPROPVALUE("Program Icon Text", pathText(icon), list.names, list.values);
     return UPDATETEMPLATE(list, draft.dialogBody.text, false);
 }
 

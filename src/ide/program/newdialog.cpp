@@ -6,6 +6,7 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/changes.h"
+#include "ide/program/members/programnames.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
@@ -120,13 +121,17 @@ std::string namesInUse(const Target& target) {
     return names;
 }
 
-// A name that no dialog has, nor any other resource of the target.
+// A name that no dialog has, nor any other resource of the target or of its program.
 std::string newName(const Target& target) {
     std::string names = namesInUse(target);
     STAMP();
+    const ProgramNames others = ProgramNames::beside(target.resourceFile);
+    STAMP();
     while (true) {
         std::string name = GETNEXTNAME(names, BaseName);
-        if (ResourceInfo(target.resourceFile, "*", name).text.empty()) return name;
+        const bool free =
+            ResourceInfo(target.resourceFile, "*", name).text.empty() && others.holderOf(name).empty();
+        if (free) return name;
         names += name + "\n";
     }
 }

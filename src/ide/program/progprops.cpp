@@ -60,7 +60,7 @@ PropertiesResult PROGRAMPROPERTIESDIALOG(const std::string& title, const std::st
                                          const std::string& name) {
     FRAME(PROGRAMPROPERTIESDIALOG);
     STAMP();
-    const LoadedVersion loaded = LOADVERSIONINFO(mainFile, name);
+    const LoadedVersion loaded = LOADVERSIONINFO(mainFile, name, title);
     STAMP();
     if (!loaded.ok) return PropertiesResult::Cancel;
     const VersionFields before =
@@ -71,7 +71,7 @@ PropertiesResult PROGRAMPROPERTIESDIALOG(const std::string& title, const std::st
     STAMP();
     if (after == before) return PropertiesResult::Ok;
     const bool saved =
-        SAVEVERSIONINFO(mainFile, name.empty() ? std::string(DefaultVersionName) : name, after);
+        SAVEVERSIONINFO(mainFile, name.empty() ? std::string(DefaultVersionName) : name, after, title);
     STAMP();
     if (!saved) return PropertiesResult::Ok;
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);

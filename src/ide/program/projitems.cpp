@@ -7,6 +7,7 @@
 #include "ide/program/members/messages.h"
 #include "ide/program/progprops.h"
 #include "ide/program/projwindow.h"
+#include "library/dialogs/versioninfo.h"
 #include "library/system/system.h"
 
 MODULE("projedit", tarn::TOOL_ONERROR)
@@ -40,7 +41,7 @@ bool edit(const ProjectItem& item) {
     if (has(item, ResourceExtension) && item.type == "DIALOG")
         OPENDIALOG(item.file, item.name);
     else if (has(item, ResourceExtension) && item.type == "VERSIONINFO")
-        PROGRAMPROPERTIESDIALOG("Program Properties", item.file, item.name);
+        PROGRAMPROPERTIESDIALOG(ProgramPropertiesTitle, item.file, item.name);
     else if (has(item, ".bmp"))
         paint(item.file);
     else if (has(item, ".txt") || has(item, ClassExtension))

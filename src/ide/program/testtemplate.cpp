@@ -9,6 +9,7 @@
 #include "ide/shell/windowtable.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/source/codewiz.h"
 #include "library/system/system.h"
 
@@ -45,7 +46,7 @@ void showText(const std::string& section, const std::string& text) {
     Load(TemplateTextDlg);
     STAMP();
     if (!IsLoaded(TemplateTextDlg)) return;
-    SetCaption(part("label2"), section);
+    SetCaption(part("label2"), PLAINCAPTION(section));
     SetFontName(part("edit1"), CodeFont);
     SetText(part("edit1"), text);
     SetEnabled(part("pushbutton4"), !EDITWNDGETFILENAME(SDIEdit).empty());

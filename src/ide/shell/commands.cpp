@@ -64,6 +64,11 @@ void chooseWindow(const Fired&) {
     SetCaption(MAINCONTROL("lbllastactive"), "");
 }
 
+void showWelcome(const Fired&) {
+    DO_WELCOME();
+    SetCaption(MAINCONTROL("lbllastactive"), "");
+}
+
 void toggleToolbar(const Fired&) {
     DO_STD_TOOLBAR(Main, MAINCONTROL("codelabel"), MAINCONTROL("view_std_toolbar"));
 }
@@ -195,7 +200,7 @@ constexpr Row rows[] = {
     {"help_compiler_errors", "", [](const Fired&) { DO_COMPILER_ERRORS(); }},
     {"help_run_time_errors", "", [](const Fired&) { DO_RUN_TIME_ERRORS(); }},
     {"help_tech_support", "", [](const Fired&) { DO_TECH_SUPPORT(); }},
-    {"help_welcome", "", [](const Fired&) { DO_WELCOME(); }},
+    {"help_welcome", "", showWelcome},
     {"help_about", "", [](const Fired&) { DO_ABOUT(Main); }},
 };
 

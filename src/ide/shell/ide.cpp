@@ -399,7 +399,10 @@ namespace {
 void activated(int handle) {
     if (!ISSHOWN(Main)) return;  // the splash window, while Main loads, which ends with an update
     const Object window = FindHandle(handle);
-    if (ISSDIWINDOW(window)) SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
+    if (ISSDIWINDOW(window)) {
+        SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
+        CLOSEWELCOME();
+    }
     UPDATEMAINWINDOW();
     if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);
     if (window == ProjectEditorDlg) static_cast<void>(PROJECTCAMEFORWARD(window));

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/shell/session.h"
 
+#include "ide/build/textview.h"
 #include "ide/designer/dlgedit.h"
 #include "ide/designer/files/dlgtest.h"
 #include "ide/editor/textedit.h"
+#include "ide/menus/viewmenu.h"
+#include "ide/program/browseinfo.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
@@ -42,8 +45,9 @@ int number(const std::string& text) {
 }
 
 Session keptSession() {
-    Session session{get("Program"), get("File"), get("Rcfile"), get("Dialog"), get("Active"), {}, {},
-                    get("Folds")};
+    Session session{
+        get("Program"), get("File"),          get("Rcfile"),        get("Dialog"), get("Active"), {}, {},
+        get("Folds"),   get("Errors") == "1", get("Browser") == "1"};
     session.row = {number(get("Top")), number(get("Sub"))};
     const StringPair caret = STRSPLIT(get("Caret"));
     session.selection = {number(caret.left), number(caret.right)};
@@ -105,12 +109,25 @@ void openDialog(const Session& session) {
         OPENDIALOG(session.resourceFile, session.dialog);
 }
 
+void openErrors(const Session& session) {
+    if (session.errors) DO_ERRORS();
+}
+
+// Nothing is asked at a start.
+void openBrowser(const Session& session) {
+    if (session.browser && BROWSEINFOISFRESH()) BROWSEINFODIALOG();
+}
+
 // The one that the user was in comes last: a window manager gives the focus to windows in the order in which they come.
 struct Part {
     const Object& window;
     void (*open)(const Session& session);
 };
-const Part parts[] = {{ProjectEditorDlg, openProgram}, {SDIEdit, openCode}, {DialogDlg, openDialog}};
+const Part parts[] = {{ProjectEditorDlg, openProgram},
+                      {SDIEdit, openCode},
+                      {DialogDlg, openDialog},
+                      {ViewDlg, openErrors},
+                      {BrowseInfoDlg, openBrowser}};
 
 }  // namespace
 
@@ -130,6 +147,9 @@ Session CURRENTSESSION() {
     STAMP();
     session.resourceFile = DIALOGGETFILENAME();
     session.dialog = DIALOGGETDLGNAME();
+    session.errors = ISSHOWN(ViewDlg) && GetCaption(ViewDlg) == ErrorsTitle;
+    session.browser = ISSHOWN(BrowseInfoDlg);
+    STAMP();
     session.active = GetCaption(MAINCONTROL("lbllastactive"));
     return session;
 }
@@ -147,6 +167,8 @@ void KEEPSESSION(const Session& session) {
     put("Folds", session.folds);
     putPath("Rcfile", session.resourceFile);
     put("Dialog", session.dialog);
+    put("Errors", session.errors ? "1" : "0");
+    put("Browser", session.browser ? "1" : "0");
     put("Active", session.active);
     STAMP();
 }

@@ -8,6 +8,8 @@
 //     File       that of the Code window, with Caret, the start and the length of the selection, and Folds, the lines
 //                whose blocks are folded
 //     Rcfile     that of the dialog editor, with Dialog, the name of the dialog
+//     Errors     1: the error window, with the messages of the compiler
+//     Browser    1: the class browser, where the symbols are those of the classes then
 //     Active     the window that the user was in
 //
 // Places and sizes of the windows are their own settings. Cost: that of opening the files.
@@ -25,6 +27,7 @@ struct Session {
     ProjectPlace row;
     Selection selection;
     std::string folds;
+    bool errors = false, browser = false;
 };
 Session CURRENTSESSION();
 void KEEPSESSION(const Session& session);  // nothing if no start wants it

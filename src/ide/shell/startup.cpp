@@ -8,6 +8,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
@@ -26,7 +27,7 @@ Object choices(const Object& window, int which) {
 void restore(const Object& window) {
     SetValue(FINDCONTROL(window, "checkbox1"), 0);
     const std::string last = STRTRIM(PROFILESTRGET(GETIDEINIFILE(), "MRU", "1"));
-    SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : "'" + last + "'");
+    SetCaption(FINDCONTROL(window, "label1"), last.empty() ? "" : PLAINCAPTION("'" + last + "'"));
     const Object first = choices(window, LastProgram);
     if (!last.empty()) return;
     if (Controlselectionpos(first) == LastProgram) SetValue(choices(window, NewTextFile), 1);

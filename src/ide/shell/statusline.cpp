@@ -2,6 +2,7 @@
 #include "ide/shell/statusline.h"
 
 #include "ide/shell/windows.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/system.h"
 
 MODULE("ide")
@@ -28,9 +29,10 @@ void TELLSTATUS(std::string_view text) {
     if (!IsLoaded(Main)) return;
     STAMP();
     const Object label = MAINCONTROL("lblstatus");
-    if (GetCaption(label) == text) return;
+    const std::string caption = PLAINCAPTION(text);
+    if (GetCaption(label) == caption) return;
     widen(label);
-    SetCaption(label, text);
+    SetCaption(label, caption);
     STAMP();
 }
 

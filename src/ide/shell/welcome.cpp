@@ -10,9 +10,12 @@
 #include "kernel/windows/focus.h"
 #include "library/dialogs/commdlgs_examples.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+
+#include <algorithm>
 
 MODULE("ide", tarn::IDE_ONERROR)
 
@@ -20,8 +23,6 @@ namespace tarn {
 namespace {
 
 constexpr int RecentFiles = 5;
-// What the user has chosen, as a named value of the window: the name of a control, and the file that belongs to it.
-constexpr std::string_view ChoiceValue = "choice", FileValue = "file";
 
 Object part(std::string_view name) {
     return FINDCONTROL(WelcomeDlg, name);
@@ -61,12 +62,21 @@ std::string chosenReadme() {
 void showExample() {
     const std::string readme = chosenReadme();
     const ExampleFields fields = readme.empty() ? ExampleFields() : SETEXAMPLEFIELDS(readme, places());
-    SetCaption(part("lbltitle"), fields.title);
-    SetCaption(part("lbltext"), fields.description);
+    SetCaption(part("lbltitle"), PLAINCAPTION(fields.title));
+    SetCaption(part("lbltext"), PLAINCAPTION(fields.description));
     DRAWPICTUREONTOIMAGE(part("image1"), fields.picture);
 }
 
+// It belongs to no window, so it has to say itself that its place is the middle.
+void place() {
+    const Rect screen = ScreenSize(), own = GetPosition(WelcomeDlg, WINDOW_UNIT);
+    SetPosition(WelcomeDlg, WINDOW_UNIT,
+                Rect{screen.x + std::max(0, (screen.w - own.w) / 2),
+                     screen.y + std::max(0, (screen.h - own.h) / 2), own.w, own.h});
+}
+
 void load(const Object&) {
+    place();
     SetFontBold(part("lbltitle"), true);
     SetValue(part("checkbox1"), PROFILESTRGET(GETIDEINIFILE(), "Welcome", "AtStart") == "1" ? 1 : 0);
     fillRecent();
@@ -75,13 +85,29 @@ void load(const Object&) {
     if (!GetEnabled(part("lstrecent"))) SetFocus(part("btnprogram"));
 }
 
-// ---- events ----
+// ---- what can be chosen ----
+
+struct Action {
+    std::string_view choice;
+    void (*run)(const std::string& file);
+};
+constexpr Action actions[] = {
+    {"lstrecent", [](const std::string& file) { DO_OPEN(file, MAINCONTROL("programlabel")); }},
+    {"iconlist1", [](const std::string& file) { OPENEXAMPLE("Welcome", file); }},
+    {"btnprogram",
+     [](const std::string&) { DO_NEW_PROGRAM(MAINCONTROL("programlabel"), MAINCONTROL("codelabel")); }},
+    {"btnopen", [](const std::string&) { DO_OPEN("", MAINCONTROL("programlabel")); }},
+    {"btntour", [](const std::string&) { SHOWHELP("Getting Started"); }},
+};
 
 void choose(std::string_view choice, const std::string& file) {
-    SetArrayValue(WelcomeDlg, ChoiceValue, choice);
-    SetArrayValue(WelcomeDlg, FileValue, file);
-    Hide(WelcomeDlg);
+    Unload(WelcomeDlg);
+    for (const Action& action : actions)
+        if (choice == action.choice) action.run(file);
+    UPDATEMAINWINDOW();
 }
+
+// ---- events ----
 
 // The row of a list; false for any other control.
 bool chooseRow(const std::string& list) {
@@ -100,34 +126,14 @@ bool press(const std::string& control) {
     return own;
 }
 
-constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP, .load = load};
-const RegisteredWindow registered("WelcomeDlg", WELCOMEDLG);
-
-// ---- what was chosen ----
-
-struct Action {
-    std::string_view choice;
-    void (*run)(const std::string& file);
-};
-constexpr Action actions[] = {
-    {"lstrecent", [](const std::string& file) { DO_OPEN(file, MAINCONTROL("programlabel")); }},
-    {"iconlist1", [](const std::string& file) { OPENEXAMPLE("Welcome", file); }},
-    {"btnprogram",
-     [](const std::string&) { DO_NEW_PROGRAM(MAINCONTROL("programlabel"), MAINCONTROL("codelabel")); }},
-    {"btnopen", [](const std::string&) { DO_OPEN("", MAINCONTROL("programlabel")); }},
-    {"btntour", [](const std::string&) { SHOWHELP("Getting Started"); }},
-};
-
-void carryOut(const std::string& choice, const std::string& file) {
-    for (const Action& action : actions)
-        if (choice == action.choice) return action.run(file);
-}
-
 void keepTick(bool ticked) {
     const std::string value = ticked ? "1" : "0";
     if (PROFILESTRGET(GETIDEINIFILE(), "Welcome", "AtStart") != value)
         PROFILESTRPUT(GETIDEINIFILE(), "Welcome", "AtStart", value);
 }
+
+constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP, .load = load};
+const RegisteredWindow registered("WelcomeDlg", WELCOMEDLG);
 
 }  // namespace
 
@@ -155,15 +161,14 @@ void WELCOMEDIALOG() {
     STAMP();
     Load(WelcomeDlg);
     STAMP();
-    Show(WelcomeDlg, true);
+    if (IsLoaded(WelcomeDlg)) Show(WelcomeDlg, false);
     STAMP();
-    if (!IsLoaded(WelcomeDlg)) return;
-    const std::string choice = GetArrayValue(WelcomeDlg, ChoiceValue),
-                      file = GetArrayValue(WelcomeDlg, FileValue);
+}
+
+void CLOSEWELCOME() {
+    FRAME(CLOSEWELCOME);
     STAMP();
-    Unload(WelcomeDlg);
-    STAMP();
-    carryOut(choice, file);
+    if (IsLoaded(WelcomeDlg)) Unload(WelcomeDlg);
     STAMP();
 }
 

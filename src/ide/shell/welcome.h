@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The welcome: recent programs, the examples with their pictures, and the ways to begin. It comes by itself at each
-// start that opens nothing, until its box is unticked. Cost: a look at the recent files and the examples.
+// start that opens nothing, until its box is unticked. It is not modal, since a file may come from a second start of the
+// environment meanwhile, and goes when one of the windows comes up in which the user works. Cost: a look at the recent files
+// and the examples.
 #pragma once
 
 #include "kernel/windows/windowing.h"
@@ -10,8 +12,9 @@ namespace tarn {
 
 inline const Object WelcomeDlg("WelcomeDlg");
 
-// Shows it, and does what the user chooses there.
+// Shows it; what the user chooses there is done then.
 void WELCOMEDIALOG();
+void CLOSEWELCOME();  // if it is there
 // The same if the settings want it (Welcome, AtStart).
 void WELCOMEATSTART();
 bool WELCOMEDLG(const Object& window, int event, const Object& control, int parameter);

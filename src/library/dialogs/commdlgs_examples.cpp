@@ -3,6 +3,7 @@
 
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/values/records.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
@@ -162,8 +163,8 @@ void showExample(const Object& window) {
     const ExampleFields fields =
         readme.empty() ? ExampleFields() : SETEXAMPLEFIELDS(readme, placesOf(window));
     markChosen(part(window, "iconlist1"));
-    SetCaption(part(window, "label1"), fields.title);
-    SetCaption(part(window, "label2"), fields.description);
+    SetCaption(part(window, "label1"), PLAINCAPTION(fields.title));
+    SetCaption(part(window, "label2"), PLAINCAPTION(fields.description));
     DRAWPICTUREONTOIMAGE(part(window, "image1"), fields.picture);
 }
 

@@ -56,6 +56,11 @@ void SETENABLEDRANGE(const Object& window, const Object& first, const Object& la
 
 // ---- places ----
 
+std::string PLAINCAPTION(std::string_view text) {
+    FRAME(PLAINCAPTION);
+    return STRREPLACE(std::string(text), "&", "&&");
+}
+
 void AUTOPOSITION(const Object& control, int x, int y, int w, int h) {
     FRAME(AUTOPOSITION);
     STAMP();

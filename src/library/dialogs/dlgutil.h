@@ -6,6 +6,7 @@
 #include "kernel/windows/windowing.h"
 
 #include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -29,6 +30,9 @@ OtherControl FINDOTHERCONTROL(const std::string& executable, const std::string& 
 // Enables or disables the controls of a dialog from `first` to `last` in the order of its control list: those that the
 // user works with, not labels, groups and pictures. Does nothing unless `window` is a dialog and holds `first`.
 void SETENABLEDRANGE(const Object& window, const Object& first, const Object& last, bool enabled);
+
+// A text as the caption of a label: a single "&" there marks a mnemonic.
+std::string PLAINCAPTION(std::string_view text);
 
 // ---- places of controls, in pixels of their window ----
 

@@ -13,7 +13,6 @@ MODULE("dlgutil")
 namespace tarn {
 namespace {
 
-constexpr const char* Title = "Program Properties";
 constexpr std::string_view NullMark = "\\0";
 
 struct Key {
@@ -134,13 +133,13 @@ std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
 
 namespace {
 
-void tell(const std::string& message) {
-    MsgBox(Title, message, "OK", BoxIcon::Error);
+void tell(const std::string& title, const std::string& message) {
+    MsgBox(title, message, "OK", BoxIcon::Error);
 }
 
-bool isThere(const std::string& mainFile, const std::string& otherwise) {
+bool isThere(const std::string& title, const std::string& mainFile, const std::string& otherwise) {
     if (FileSize(mainFile) >= 0) return true;
-    tell(otherwise);
+    tell(title, otherwise);
     return false;
 }
 
@@ -152,12 +151,14 @@ std::string resourcesOf(const std::string& mainFile) {
 
 }  // namespace
 
-LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& name) {
+LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& name,
+                              const std::string& title) {
     FRAME(LOADVERSIONINFO);
     STAMP();
     LoadedVersion loaded;
-    if (!isThere(mainFile, "The Program Properties are not available because there is no main file.\n"
-                           "Open a file in the program window then try again."))
+    if (!isThere(title, mainFile,
+                 "The Program Properties are not available because there is no main file.\n"
+                 "Open a file in the program window then try again."))
         return loaded;
     const std::string file = resourcesOf(mainFile);
     STAMP();
@@ -165,7 +166,7 @@ LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& na
         FileSize(file) > 0 && !name.empty() ? ResourceInfo(file, "VERSIONINFO", name) : ResourceText();
     STAMP();
     if (!block.error.empty()) {
-        tell("Cannot load the Program Properties. The following error occurred:\n" + block.error);
+        tell(title, "Cannot load the Program Properties. The following error occurred:\n" + block.error);
         return loaded;
     }
     loaded.ok = true;
@@ -174,17 +175,20 @@ LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& na
     return loaded;
 }
 
-bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields) {
+bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields,
+                     const std::string& title) {
     FRAME(SAVEVERSIONINFO);
     STAMP();
-    if (!isThere(mainFile, "The Program Properties cannot be updated because there is no main file.\n"
-                           "Open a file in the program window then try again."))
+    if (!isThere(title, mainFile,
+                 "The Program Properties cannot be updated because there is no main file.\n"
+                 "Open a file in the program window then try again."))
         return false;
     const std::string text = FIELDSTOVERSIONINFO(name, fields, FILEBASENAME(mainFile));
     STAMP();
     const std::string error = ResourceWriteText(resourcesOf(mainFile), text);
     STAMP();
-    if (!error.empty()) tell("Cannot save the Program Properties. The following error occurred:\n" + error);
+    if (!error.empty())
+        tell(title, "Cannot save the Program Properties. The following error occurred:\n" + error);
     return error.empty();
 }
 

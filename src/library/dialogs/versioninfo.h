@@ -17,6 +17,7 @@
 namespace tarn {
 
 inline constexpr std::string_view DefaultVersionName = "VS_VERSION_INFO";
+inline constexpr const char* ProgramPropertiesTitle = "Program Properties";
 
 struct VersionFields {
     std::string comments = {}, company = {}, copyright = {}, trademarks = {}, product = {}, description = {};
@@ -37,9 +38,11 @@ struct LoadedVersion {
     bool ok = false;     // otherwise what is wrong was told
     bool found = false;  // there is a block of that name
 };
-// The block of the resource file beside the main file; no name stands for no block.
-LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& name);
+// The block of the resource file beside the main file; no name stands for no block. `title` is that of the messages.
+LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& name,
+                              const std::string& title = ProgramPropertiesTitle);
 // False, and told, if it could not be written; the file is as it was then.
-bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields);
+bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields,
+                     const std::string& title = ProgramPropertiesTitle);
 
 }  // namespace tarn

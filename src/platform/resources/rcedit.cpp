@@ -314,6 +314,25 @@ const RcStatement* replacedBy(const RcStatement& added, const RcFile& parsed) {
 
 }  // namespace
 
+namespace {
+
+// A file that has no line end yet takes those that come.
+std::string withLineEndsOf(const RcFile& file, std::string_view lines) {
+    if (file.text.find('\n') == std::string::npos) return std::string(lines);
+    std::string text;
+    for (std::size_t at = 0; at < lines.size();) {
+        const std::size_t end = std::min(lines.find('\n', at), lines.size());
+        std::string_view line = lines.substr(at, end - at);
+        if (end < lines.size() && line.ends_with('\r')) line.remove_suffix(1);
+        text += line;
+        if (end < lines.size()) text += file.lineEnd();
+        at = end + 1;
+    }
+    return text;
+}
+
+}  // namespace
+
 std::string addStatement(RcFile& parsed, const std::string& file, const std::string& line) {
     const RcFile added = parseResourceText(line);
     RcFault fault = added.fault;
@@ -327,7 +346,7 @@ std::string addStatement(RcFile& parsed, const std::string& file, const std::str
     if (old != nullptr && !old->fault.empty()) return faultText(file, old->fault);
     if (old == nullptr && statement.kind != RcKind::Define && parsed.find(statement.name) != nullptr)
         return "'" + statement.name + "' is already a name in '" + file + "'.";
-    std::string addition(withoutMark(line));
+    std::string addition = withLineEndsOf(parsed, withoutMark(line));
     if (!addition.ends_with('\n')) addition += parsed.lineEnd();
     std::string text = parsed.text;
     if (old != nullptr) {

@@ -5,6 +5,8 @@
 #include "platform/resources/resource.h"
 
 #include "os/files.h"
+#include "os/paths.h"
+#include "os/text/ascii.h"
 #include "platform/resources/rcedit.h"
 #include "platform/resources/rcx.h"
 
@@ -25,6 +27,11 @@ std::string open(const std::string& file, RcFile& parsed) {
     return parsed.fault.empty() ? "" : faultText(file, parsed.fault);
 }
 
+// A file ".tmp" is read at once and deleted: nobody waits until it is safe on the disk.
+os::Durability durabilityOf(const std::string& file) {
+    return ascii::equal(paths::extension(file), ".tmp") ? os::Durability::Unsynced : os::Durability::Synced;
+}
+
 template <class Edit>
 std::string edit(const std::string& file, Edit change) {
     RcFile parsed;
@@ -32,7 +39,7 @@ std::string edit(const std::string& file, Edit change) {
     const std::string before = parsed.text;
     if (std::string error = change(parsed); !error.empty()) return error;
     if (parsed.text == before) return "";
-    const os::SaveResult saved = os::saveFile(file, parsed.text);
+    const os::SaveResult saved = os::saveFile(file, parsed.text, durabilityOf(file));
     return saved.ok() ? "" : "'" + file + "' cannot be saved. " + std::string(os::describe(saved.error));
 }
 

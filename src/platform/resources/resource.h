@@ -47,7 +47,8 @@ std::string ResourceTypelist(const std::string& type);
 std::string ResourceDelete(const std::string& file, const std::string& name);
 // With the references of this file: menus of windows, pictures of controls, and its symbol.
 std::string ResourceRename(const std::string& file, const std::string& oldName, const std::string& newName);
-// Appends one statement as it is given, or puts it into the place of the one of its name and kind.
+// Appends one statement, or puts it into the place of the one of its name and kind. It is written as it is given, but with
+// the line ends of the file.
 std::string ResourceWriteText(const std::string& file, const std::string& line);
 int ResourceValue(
     const std::string& name);  // a symbol of the application's own resources; 0 if there is none

@@ -56,14 +56,15 @@ DrawColours chosenColours(const Object& window) {
 
 // Around what the preview has beside the picture.
 struct Surroundings {
-    int left, top;      // of the picture
+    int left, top;      // of a picture that is as wide as the window
     int width, height;  // of the window's frame
 };
 
 Surroundings around(const Object& window) {
     const Rect image = GetPosition(imageOf(window), CLIENT_UNIT);
     const Rect outer = GetPosition(window, WINDOW_UNIT), client = GetPosition(window, CLIENT_UNIT);
-    return {image.x, image.y, outer.w - client.w, outer.h - client.h};
+    const Rect first = GetPosition(in(window, "optcolours1"), CLIENT_UNIT);
+    return {first.x, image.y, outer.w - client.w, outer.h - client.h};
 }
 
 // The controls above the picture have room at any size.
@@ -83,7 +84,8 @@ void giveSize(const Object& window, int w, int h) {
     if (at != frame) SetPosition(window, WINDOW_UNIT, at);
 }
 
-// As large as the picture, or as the screen has room for; the rest is behind the scroll bars.
+// As large as the picture, or as the screen has room for; the rest is behind the scroll bars. What is narrower than the window
+// stands in its middle.
 void layOut(const Object& window) {
     const Object image = imageOf(window);
     const Surroundings at = around(window);
@@ -96,7 +98,9 @@ void layOut(const Object& window) {
     const bool wide = place.w < width, high = place.h < height;
     if (high && !wide) place.w = std::min(width + SCROLLBAR_WIDTH, screen.w - at.width - 2 * at.left);
     if (wide && !high) place.h = std::min(height + SCROLLBAR_WIDTH, screen.h - at.height - at.top - at.left);
-    giveSize(window, std::max(place.w + 2 * at.left, leastWidth(window)), at.top + place.h + at.left);
+    const int whole = std::max(place.w + 2 * at.left, leastWidth(window));
+    giveSize(window, whole, at.top + place.h + at.left);
+    place.x = (whole - place.w) / 2;
     SetPosition(image, CLIENT_UNIT, LAYOUTSCROLLBARS(barsOf(window), place, width, height));
 }
 

@@ -76,8 +76,9 @@ void LAYOUTDESIGNVIEW(DesignPicture& picture) {
     if (whole.w <= picture.mostWidth && whole.h <= picture.mostHeight) return UNSCROLLDESIGN();
     moveOntoScreen();
     const Rect client = GetPosition(DialogDlg, CLIENT_UNIT);
-    LAYOUTSCROLLBARS(bars(), {0, 0, client.w, client.h}, whole.w, whole.h);
+    const Rect view = LAYOUTSCROLLBARS(bars(), {0, 0, client.w, client.h}, whole.w, whole.h);
     STAMP();
+    picture.corner = {view.w, view.h, client.w - view.w, client.h - view.h};
 }
 
 void UNSCROLLDESIGN() {

@@ -78,6 +78,16 @@ Rect gridOf(const Painting& p) {
     return step.w > 0 && step.h > 0 ? step : Rect{};
 }
 
+// The window's own ground; a little more than the corner where a pixel of the drawing is several there.
+void drawCorner(const Painting& p) {
+    const Rect& corner = p.picture.corner;
+    if (corner.w <= 0 || corner.h <= 0) return;
+    const int x = UNZOOMEDPIXELS(p.window, corner.x), y = UNZOOMEDPIXELS(p.window, corner.y);
+    DrawControl(p.window, "TYPEOF=Dialog\n", x - p.picture.margin.left, y - p.picture.margin.top,
+                UNZOOMEDPIXELS(p.window, corner.x + corner.w) - x + 1,
+                UNZOOMEDPIXELS(p.window, corner.y + corner.h) - y + 1);
+}
+
 // What a program's window stands on; a design lets its editor's window be seen.
 void drawGround(const Painting& p) {
     if (!p.picture.running) return;
@@ -273,6 +283,7 @@ void DRAWWINDOW(const Object& window, const DesignPicture& picture) {
     drawMenuBar(painting);
     STAMP();
     drawFrame(painting);
+    drawCorner(painting);
     EndGraph(window);
 }
 

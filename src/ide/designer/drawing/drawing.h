@@ -23,8 +23,9 @@ struct DesignPicture {
     std::string grid;  // width and height in resource units; "0 0" draws none
     Margin margin;
     int mode = FULL_FRAME;
-    bool link = false;                           // the window takes the size of the picture
-    int mostWidth = 0, mostHeight = 0;           // of its client area then; 0: no limit
+    bool link = false;                  // the window takes the size of the picture
+    int mostWidth = 0, mostHeight = 0;  // of its client area then; 0: no limit
+    Rect corner;  // pixels of the window that its scroll bars leave free, and nothing shows
     std::string resourceFolder, compilerFolder;  // of pictures' paths
     int selection = 0;                           // as GETCLICKINDEX has it
     std::string resourceFile;                    // that declares pictures by name; empty: they are paths

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/designer/files/dlgcode.h"
 
+#include "ide/editor/lineends.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/shell/windows.h"
 #include "library/settings/profstr.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/files.h"
 
 #include <algorithm>
 #include <array>
@@ -79,6 +81,28 @@ bool asksToRename(const ClassSource& from, const std::string& classFile, const s
                   "Yes\nNo", BoxIcon::Question) == "Yes";
 }
 
+// The class with the function of the new name, and the line ends that it had. The result is an error text.
+std::string RENAMEIN(const ClassSource& from, const std::string& classFile, const std::string& oldName,
+                     const std::string& newName) {
+    FRAME(RENAMEIN);
+    std::string before = from.open ? from.source : "";
+    const os::FileError unread =
+        from.open ? os::FileError::None : os::readFile(os::native(classFile), before);
+    if (unread != os::FileError::None) return std::string(os::describe(unread));
+    std::string text = before;
+    STAMP();
+    std::string error = SYMRENAMEFUNCTION(oldName, newName, FromText, text);
+    STAMP();
+    if (!error.empty()) return error;
+    text = ADOPTLINEENDS(text, before);
+    STAMP();
+    if (from.open) return EDITWNDCHANGETEXT(SDIEdit, text), "";
+    const os::SaveResult saved = os::saveFile(os::native(classFile), text);
+    return saved.ok()
+               ? ""
+               : "The file '" + classFile + "' could not be saved. " + std::string(os::describe(saved.error));
+}
+
 }  // namespace
 
 void SHOWCODEFILE(const std::string& resourceFile, const std::string& objectName, const std::string&,
@@ -105,7 +129,7 @@ void CHECKRENAMEFUNCTION(const std::string& classFile, const std::string& oldNam
     FRAME(CHECKRENAMEFUNCTION);
     STAMP();
     if (oldName.empty() || newName.empty() || !ISCLASSFILE(classFile) || FileSize(classFile) < 0) return;
-    ClassSource from(classFile);
+    const ClassSource from(classFile);
     std::string kind;
     STAMP();
     const bool found = SYMFINDFUNCTION(oldName, from.mode, from.source, kind);
@@ -113,12 +137,9 @@ void CHECKRENAMEFUNCTION(const std::string& classFile, const std::string& oldNam
     if (!found || STRLOWER(kind).find("callback") == std::string::npos) return;
     if (!asksToRename(from, classFile, oldName, newName)) return;
     STAMP();
-    const std::string error = SYMRENAMEFUNCTION(oldName, newName, from.mode, from.source);
+    const std::string error = RENAMEIN(from, classFile, oldName, newName);
     STAMP();
-    if (!error.empty())
-        return MSGBOX(RenameTitle, error + "\nCould not rename " + oldName + " to " + newName + ".");
-    if (from.open) EDITWNDCHANGETEXT(SDIEdit, from.source);
-    STAMP();
+    if (!error.empty()) MSGBOX(RenameTitle, error + "\nCould not rename " + oldName + " to " + newName + ".");
 }
 
 }  // namespace tarn

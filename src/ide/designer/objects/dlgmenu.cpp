@@ -56,6 +56,10 @@ constexpr CommandRow commands[] = {
     {"edit_dialog_lock", switchLock, controlSelected, lockIsOn},
 };
 
+// What needs an open dialog, and no more.
+constexpr std::string_view ofAnyDialog[] = {"edit_dialog_properties", "edit_dialog_duplicate",
+                                            "edit_dialog_changes", "edit_dialog_preview"};
+
 const CommandRow* rowOf(std::string_view item) {
     for (const CommandRow& row : commands)
         if (row.item == item) return &row;
@@ -92,6 +96,7 @@ void UPDATEDIALOGMENU() {
     const bool shown = ISSHOWN(DialogDlg);
     const Object first = MAINCONTROL("edit_dialog_align_left");
     if (first.empty()) return;
+    for (const std::string_view item : ofAnyDialog) SetEnabled(MAINCONTROL(item), shown);
     for (int i = ControlLbound(first); i <= ControlUbound(first); ++i) {
         const Object item = ControlElement(first, i);
         const std::string name = STRLOWER(GetName(item));

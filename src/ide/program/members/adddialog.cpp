@@ -8,6 +8,7 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programchanges.h"
+#include "ide/program/members/programnames.h"
 #include "ide/program/members/windowfunction.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projwindow.h"
@@ -24,6 +25,7 @@ namespace {
 struct Target {
     std::string resourceFile, classFile;  // the class is empty where there is none
     std::string names;                    // of the resources and of the functions, one a line
+    ProgramNames others;                  // of the program's other resource files
 };
 
 std::string headOf(const ResourceChoice& dialog) {
@@ -52,6 +54,8 @@ Target FINDTARGET() {
     std::string text;
     static_cast<void>(ProgramChanges().load(target.classFile, text));
     target.names = RESOURCENAMES(target.resourceFile, "*").text + FUNCTIONNAMES(text);
+    STAMP();
+    target.others = ProgramNames::beside(target.resourceFile);
     return target;
 }
 
@@ -74,8 +78,9 @@ std::string questionFor(const std::string& name, const Target& target) {
                ", as the name is not a valid identifier.\nIt must start with a letter, and contain only "
                "letters, numbers or an underscore.\n" +
                end;
-    if (isIn(target.names, name))
-        return begin + ". The following file (or its class file):\n\n\t'" + target.resourceFile +
+    const std::string holder = isIn(target.names, name) ? target.resourceFile : target.others.holderOf(name);
+    if (!holder.empty())
+        return begin + ". The following file (or its class file):\n\n\t'" + holder +
                "'\n\nalready contains a dialog or function called '" + name + "'. " + end;
     return {};
 }
@@ -98,6 +103,11 @@ struct Copy {
     std::string text, error;
 };
 
+// By resources, wherever in the program.
+std::string takenNames(const Target& target) {
+    return RESOURCENAMES(target.resourceFile, "*").text + target.others.all();
+}
+
 std::string FITCOPY(const std::string& file, const std::string& name, const Target& target) {
     FRAME(FITCOPY);
     STAMP();
@@ -106,7 +116,7 @@ std::string FITCOPY(const std::string& file, const std::string& name, const Targ
     STAMP();
     if (error.empty()) error = FIXPROPERTY_POSITION(file, name);
     STAMP();
-    return error.empty() ? FIXPROPERTY_MENU(file, name, RESOURCENAMES(target.resourceFile, "*").text) : error;
+    return error.empty() ? FIXPROPERTY_MENU(file, name, takenNames(target)) : error;
 }
 
 // The dialog as a resource text of its own that fits the target.

@@ -2,9 +2,8 @@
 #include "ide/program/members/addfile.h"
 
 #include "ide/designer/files/scratch.h"
-#include "ide/editor/lineends.h"
-#include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
+#include "ide/program/members/programnames.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
@@ -103,15 +102,6 @@ std::string statementOf(const std::string& name, const std::string& file) {
            STRREPLACE(STRREPLACE(path, "\\", "\\\\"), "\"", "\\\"") + "\"\n";
 }
 
-// With the line ends of the file.
-std::string WRITESTATEMENT(const std::string& target, const std::string& statement) {
-    FRAME(WRITESTATEMENT);
-    std::string text;
-    STAMP();
-    const std::string error = ProgramChanges().load(target, text);
-    return error.empty() ? ResourceWriteText(target, ADOPTLINEENDS(statement, text)) : error;
-}
-
 }  // namespace
 
 bool ISFILENAMEINRESOURCEFILE(const std::string& resourceFile, const std::string& file) {
@@ -132,7 +122,8 @@ void PROJECTADDFILE(const std::string& title) {
     if (file.empty()) return;
     STAMP();
     const std::string target = GETCURRENTRESOURCE().file;
-    const std::string names = RESOURCENAMES(target, "*").text;
+    STAMP();
+    const std::string names = RESOURCENAMES(target, "*").text + ProgramNames::beside(target).all();
     std::string reason = obstacleOf(file, target);
     STAMP();
     const std::string name = reason.empty() ? freeName(file, names) : "";
@@ -141,7 +132,7 @@ void PROJECTADDFILE(const std::string& title) {
                  STR(MostTries) + ") total.\nChoose another file and try again.";
     if (!reason.empty()) return MSGBOX(title, "The following file:\n\n\t" + file + "\n\n" + reason);
     STAMP();
-    const std::string error = WRITESTATEMENT(target, statementOf(name, file));
+    const std::string error = ResourceWriteText(target, statementOf(name, file));
     STAMP();
     if (!error.empty()) return MSGBOX(title, "Cannot add " + file + " to '" + target + "'\n" + error);
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);

@@ -8,12 +8,14 @@
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
+#include "ide/program/members/programnames.h"
 #include "ide/program/members/windowfunction.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "library/designer/proputil.h"
 #include "library/source/codewiz.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 MODULE("projedit", tarn::PROJECT_ONERROR)
 
@@ -38,6 +40,33 @@ bool isClassName(const std::string& stem) {
     return ISNAME(stem) && STRTOIDENTIFIER(stem, static_cast<int>(MaxIdentifier), "") == stem;
 }
 
+// What a dialog may not be called, since a function of that name is made; empty if it may.
+std::string unfitName(const std::string& dialog) {
+    if (STREQUAL(dialog, "main")) return "The program already has a function called 'main'.";
+    return ISNAME(dialog) ? "" : "Its name is not a valid identifier.";
+}
+
+// The first name of the file that the program cannot have; empty if all are well.
+std::string BADNAME(const std::string& file) {
+    FRAME(BADNAME);
+    STAMP();
+    const std::string dialogs = RESOURCENAMES(file, "DIALOG").text;
+    for (std::string_view rest = dialogs; !rest.empty();) {
+        const std::string dialog(ascii::withoutLineEnd(ascii::takeLine(rest)));
+        const std::string reason = unfitName(dialog);
+        if (!reason.empty()) return "(Dialog " + dialog + ") " + reason;
+    }
+    STAMP();
+    const ProgramNames taken = ProgramNames::ofAll();
+    const std::string names = RESOURCENAMES(file, "*").text;
+    for (std::string_view rest = names; !rest.empty();) {
+        const std::string name(ascii::withoutLineEnd(ascii::takeLine(rest)));
+        const std::string holder = taken.holderOf(name);
+        if (!holder.empty()) return "The name '" + name + "' is already used in '" + holder + "'.";
+    }
+    return {};
+}
+
 // Why the file cannot be added; empty if it can.
 std::string obstacleOf(const NewPair& pair) {
     const std::string& file = pair.resourceFile;
@@ -55,7 +84,8 @@ std::string obstacleOf(const NewPair& pair) {
         return "cannot be added, because a file or a class with the same name already exists.\n"
                "The existing file is in an inherited folder, or in the folder containing the main program.\n"
                "Choose a different class or rename the existing file.";
-    return {};
+    const std::string bad = BADNAME(file);
+    return bad.empty() ? "" : "cannot be added to the program, because of the following error:\n" + bad;
 }
 
 // ---- the class ----
@@ -72,11 +102,9 @@ TemplateText MAKECLASS(const NewPair& pair) {
     SETPROPVALUE("Directory", FILEGETDIR(pair.classFile), list.names, list.values);
     TemplateText made = UPDATETEMPLATE(list, body.text, false);
     STAMP();
-    const std::string plain = made.text, dialogs = RESOURCENAMES(pair.resourceFile, "DIALOG").text;
-    for (int n = 1; n <= STRLINES(dialogs) && made.message.empty(); ++n) {
-        STAMP();
-        made.message = ADDWINDOWFUNCTION(STRLINE(dialogs, n), made.text);
-    }
+    if (!made.message.empty()) return made;
+    const std::string plain = made.text;
+    made.message = ADDWINDOWFUNCTIONS(RESOURCENAMES(pair.resourceFile, "DIALOG").text, made.text);
     made.text = ADOPTLINEENDS(made.text, plain);
     return made;
 }

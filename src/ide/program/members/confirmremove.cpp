@@ -5,6 +5,7 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 
@@ -19,11 +20,6 @@ constexpr const char* RemoveResult = "Remove";
 
 Object part(std::string_view name) {
     return FINDCONTROL(ConfirmRemoveDlg, name);
-}
-
-// A label takes a single "&" for the mark of a mnemonic.
-std::string plain(const std::string& text) {
-    return STRREPLACE(text, "&", "&&");
 }
 
 void load(const Object& window) {
@@ -65,8 +61,8 @@ RemoveChoice CONFIRMREMOVEDIALOG(const std::string& title, const std::string& te
     Load(ConfirmRemoveDlg);
     STAMP();
     if (!IsLoaded(ConfirmRemoveDlg)) return choice;
-    SetCaption(part("label1"), plain(title));
-    SetCaption(part("label2"), plain(text));
+    SetCaption(part("label1"), PLAINCAPTION(title));
+    SetCaption(part("label2"), PLAINCAPTION(text));
     SetCaption(part("lblresult"), "");
     offer("checkbox1", canRemove);
     offer("checkbox2", canDelete);

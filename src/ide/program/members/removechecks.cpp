@@ -24,8 +24,8 @@ bool isOneOf(const std::string& text, std::initializer_list<std::string_view> wo
                        [&](std::string_view word) { return STREQUAL(word, text); });
 }
 
-bool isResourceFile(const ProjectItem& item) {
-    return STREQUAL(FILEGETEXT(item.file), ResourceExtension);
+bool isResourceFile(const std::string& file) {
+    return STREQUAL(FILEGETEXT(file), ResourceExtension);
 }
 
 bool isGroupOfFiles(const ProjectItem& item) {
@@ -38,6 +38,7 @@ struct Candidate {
     ProjectItem item;
     Member member;
     std::string mainFile;
+    std::string changed;  // the file that the removal is to change
 };
 
 // A member whose file has gone can leave its group.
@@ -48,7 +49,7 @@ bool isNowhere(const Candidate& one) {
 
 // A class of the library leaves the program, and is not modified itself.
 bool isReadOnly(const Candidate& one) {
-    const os::FileInfo info = os::infoOf(os::native(one.item.file));
+    const os::FileInfo info = os::infoOf(os::native(one.changed));
     return info.exists && !info.writable && !ISLIBRARYCLASS(one.item);
 }
 
@@ -62,7 +63,7 @@ bool isCore(const Candidate& one) {
 }
 
 bool isOpenResource(const Candidate& one) {
-    return one.item.level == 1 && isResourceFile(one.item) && ISOPENINEDITOR(one.item.file);
+    return one.item.level == 1 && isResourceFile(one.item.file) && ISOPENINEDITOR(one.item.file);
 }
 
 bool isOpenClass(const Candidate& one) {
@@ -96,7 +97,7 @@ constexpr std::array<Check, 8> checks = {{
 
 Member MEMBEROF(const ProjectItem& item) {
     FRAME(MEMBEROF);
-    if (isResourceFile(item)) {
+    if (isResourceFile(item.file)) {
         if (STREQUAL(item.type, "VERSIONINFO")) return Member::VersionInfo;
         if (item.level == 1) return Member::ResourceFile;
         if (STREQUAL(item.type, "DIALOG")) return Member::Dialog;
@@ -120,21 +121,34 @@ bool ISOPENINEDITOR(const std::string& file) {
     return ISINEDITOR(file) || ISSAMEFILE(DIALOGGETFILENAME(), file);
 }
 
-std::string REMOVALMESSAGE(const ProjectItem& item, const std::string& reason) {
+std::string GROUPFILE(const Object& window, const ProjectRow& row) {
+    FRAME(GROUPFILE);
+    STAMP();
+    for (int above = row.row; above > 0; --above) {
+        const ProjectItem item = PROJECTITEMAT(window, above).item;
+        if (item.level == 1) return item.file;
+    }
+    return {};
+}
+
+std::string REMOVALMESSAGE(const std::string& file, const std::string& reason) {
     FRAME(REMOVALMESSAGE);
     STAMP();
-    return FILEMESSAGE(item.file, reason,
-                       isResourceFile(item) ? "Cannot delete from the following file:"
+    return FILEMESSAGE(file, reason,
+                       isResourceFile(file) ? "Cannot delete from the following file:"
                                             : "Cannot remove the following file:");
 }
 
 std::string REMOVALOBSTACLE(const Object& window, const ProjectRow& row) {
     FRAME(REMOVALOBSTACLE);
     STAMP();
-    const Candidate one{row.item, MEMBEROF(row.item), PROJECTGETMAINFILE(window)};
+    const Member member = MEMBEROF(row.item);
+    const Candidate one{row.item, member, PROJECTGETMAINFILE(window),
+                        member == Member::IncludedFile ? GROUPFILE(window, row) : row.item.file};
     for (const Check& check : checks) {
         STAMP();
-        if (check.fails(one)) return REMOVALMESSAGE(one.item, check.reason);
+        if (check.fails(one))
+            return REMOVALMESSAGE(check.fails == isNowhere ? one.item.file : one.changed, check.reason);
     }
     STAMP();
     if (one.member != Member::DataSource) return {};

@@ -18,10 +18,14 @@ bool ISLIBRARYCLASS(const ProjectItem& item);
 // Whether the file stands in the Code window or the dialog editor.
 bool ISOPENINEDITOR(const std::string& file);
 
-// Why the row cannot be removed, as it is shown; empty if it can.
+// The file of the top item to which the row belongs.
+std::string GROUPFILE(const Object& window, const ProjectRow& row);
+
+// Why the row cannot be removed, as it is shown; empty if it can. What is wrong is wrong with the file that the removal is to
+// change: of a file that the program brings along, the resource file that names it.
 std::string REMOVALOBSTACLE(const Object& window, const ProjectRow& row);
-// The same with another reason.
-std::string REMOVALMESSAGE(const ProjectItem& item, const std::string& reason);
+// The same with a reason for a file.
+std::string REMOVALMESSAGE(const std::string& file, const std::string& reason);
 
 inline constexpr const char* OpenInEditor =
     "The file is currently open in an editor.\nPlease close the editor window, then try again.";

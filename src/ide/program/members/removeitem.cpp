@@ -186,7 +186,7 @@ void REMOVECLASS(Removal& removal) {
     if (!choice.remove) return;
     const std::string twin = TWINFILE(item.file, ResourceExtension), users = USERSOF(removal);
     if (choice.alsoDelete && ISOPENINEDITOR(twin)) {
-        removal.error = REMOVALMESSAGE(item, OpenInEditor);
+        removal.error = REMOVALMESSAGE(item.file, OpenInEditor);
         return;
     }
     STAMP();
@@ -200,20 +200,11 @@ void REMOVECLASS(Removal& removal) {
 
 // ---- a file that the program brings along ----
 
-// The resource file of the group in which the row stands.
-std::string resourceFileOf(const Removal& removal) {
-    for (int row = removal.row.row; row > 0; --row) {
-        const ProjectItem item = PROJECTITEMAT(removal.window, row).item;
-        if (item.level == 1) return item.file;
-    }
-    return {};
-}
-
 void REMOVEINCLUDED(Removal& removal) {
     FRAME(REMOVEINCLUDED);
     const ProjectItem& item = removal.item();
     STAMP();
-    const std::string resourceFile = resourceFileOf(removal);
+    const std::string resourceFile = GROUPFILE(removal.window, removal.row);
     const RemoveChoice choice = CONFIRMREMOVEDIALOG("File '" + item.file + "'", DeletionWarning, false, true);
     STAMP();
     if (!choice.remove || !SETTLECODEWINDOW(resourceFile)) return;

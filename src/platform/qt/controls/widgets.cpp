@@ -1,322 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The widgets of controls, a Peer for each kind, in this order: lists and combo boxes, labels, push buttons, bitmap
-// buttons, check boxes and radio buttons, groups, scroll bars, progress bars. At the end stands the table from a type to
-// its Peer. Grids are in gridpeer, shapes, icons and images in picturepeer, edits and edit windows in textpeers.
+// Labels, groups, scroll bars and progress bars, the table from a type to its Peer, and what all controls have in common.
+// Lists and combo boxes are in rowspeers, grids in gridpeer, buttons and marks in buttonpeers, shapes, icons and images in
+// picturepeer, edits and edit windows in textpeers.
 #include "platform/qt/controls/widgets.h"
 
-#include "platform/model/pictures.h"
+#include "platform/qt/controls/buttonpeers.h"
 #include "platform/qt/controls/gridpeer.h"
-#include "platform/qt/controls/markedrows.h"
 #include "platform/qt/controls/picturepeer.h"
-#include "platform/qt/controls/rowsview.h"
+#include "platform/qt/controls/rowspeers.h"
 #include "platform/qt/controls/textpeers.h"
 #include "platform/qt/drawing/paintcanvas.h"
 #include "platform/qt/drawing/palettes.h"
-#include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 
-#include <QAbstractListModel>
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QButtonGroup>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QFrame>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
-#include <QListView>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QTimer>
-#include <QToolButton>
-#include <QVBoxLayout>
 
 #include <algorithm>
-#include <iterator>
-#include <numeric>
 
 namespace tarn::platform::qt {
 
 namespace {
-
-// The rows of a control, read where they stand.
-class RowModel : public QAbstractListModel {
-public:
-    RowModel(Control& control, QObject* parent) : QAbstractListModel(parent), control_(&control) {}
-    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : count_; }
-    QVariant data(const QModelIndex& index, int role) const override {
-        const auto row = static_cast<std::size_t>(index.row());
-        if (!index.isValid() || control_ == nullptr || row >= control_->rows.size()) return {};
-        const std::string& text = control_->rows[row].text;
-        const bool marked =
-            control_->type == Type::Iconlist && text.find(char(BoldMark)) != std::string::npos;
-        if (role == Qt::DisplayRole || role == Qt::EditRole)
-            return marked ? shown(text).remove(QChar(BoldMark)) : shown(text);
-        if (role == MarkedTextRole && marked) return shown(text);
-        if (role == Qt::DecorationRole && !control_->rows[row].picture.empty())
-            return iconOf(control_->rows[row].picture);
-        return {};
-    }
-    // The rows with the longest texts, at most so many.
-    std::vector<int> longest(int most) const {
-        std::vector<int> rows(control_ == nullptr ? 0 : control_->rows.size());
-        std::iota(rows.begin(), rows.end(), 0);
-        const auto middle = rows.begin() + std::min<std::ptrdiff_t>(most, std::ssize(rows));
-        std::nth_element(rows.begin(), middle, rows.end(), [this](int a, int b) {
-            const auto length = [this](int row) {
-                return control_->rows[static_cast<std::size_t>(row)].text.size();
-            };
-            return length(a) > length(b);
-        });
-        rows.erase(middle, rows.end());
-        return rows;
-    }
-    void refresh() {
-        beginResetModel();
-        count_ = static_cast<int>(control_->rows.size());
-        endResetModel();
-    }
-    void detach() {
-        control_ = nullptr;
-        beginResetModel();
-        count_ = 0;
-        endResetModel();
-    }
-
-private:
-    Control* control_;
-    int count_ = 0;
-};
-
-bool isOn(const Control& control) {
-    return control.checked || control.value != 0;
-}
-
-// Finishes a row's choice: reports it only if it is news to the model.
-void reportRow(Control& control, int row) {
-    if (row != control.listIndex) userRow(control, row);
-}
-
-class RowsView : public RowsViewOf<QListView> {
-public:
-    explicit RowsView(QWidget* parent) : RowsViewOf(parent) { setUniformItemSizes(true); }
-};
-
-// Gathers the changes of the rows: a program that adds thousands of them has them measured once.
-class Refresher : public QTimer {
-public:
-    Refresher(QObject* parent, std::function<void()> refresh) : QTimer(parent), refresh_(std::move(refresh)) {
-        setSingleShot(true);
-        setInterval(0);
-        callOnTimeout(this, refresh_);
-    }
-    // A running timer that is started anew costs more than the row.
-    void soon() {
-        if (!isActive()) start();
-    }
-    void now() {
-        if (!isActive()) return;
-        stop();
-        refresh_();
-    }
-
-private:
-    std::function<void()> refresh_;
-};
-
-class RowsPeer : public Peer {
-public:
-    RowsPeer(Control& control, RowsView& list)
-        : Peer(control, list), list_(list), rows_(new RowModel(control, &list)) {
-        list.setModel(rows_);
-        applyBars(list, control);
-        // The bar goes by the widest row, so each of them has to be measured.
-        list.setUniformItemSizes((control.scrollBars & 1) == 0);
-        list.refreshed = [this] { late_->now(); };
-        if (control.type == Type::Iconlist) dressIcons();
-        list.doubleClicked = [this](QPoint at) {
-            at = inWindow(*list_.viewport(), at);
-            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
-        };
-        // The focus alone makes a row current, but only a choice selects it.
-        connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                [this](const QItemSelection& now) {
-                    if (!quiet_ && control_ != nullptr && !now.isEmpty())
-                        reportRow(*control_, now.first().top() + 1);
-                });
-    }
-
-    void apply(Property property) override {
-        if (property == Property::Rows) late_->soon();
-        if (property == Property::ListIndex && !late_->isActive()) choose();
-    }
-
-    void catchUp() override { late_->now(); }
-    void letGo() override {
-        quiet_ = true;
-        late_->stop();
-        rows_->detach();
-    }
-
-private:
-    // A picture that is wider than it is high, such as one that begins with the line of a tree, keeps its proportions.
-    void dressIcons() {
-        auto* const drawing = new MarkedRows(&list_);
-        drawing->longest = [this] { return rows_->longest(Measured); };
-        list_.setIconSize({60, 20});
-        list_.setItemDelegate(drawing);
-        list_.setUniformItemSizes(true);
-    }
-    void choose() {
-        quiet_ = true;
-        const QModelIndex row = rows_->index(control_->listIndex - 1);
-        if (control_->listIndex > 0)
-            list_.setCurrentIndex(row);
-        else
-            list_.selectionModel()->clear();
-        quiet_ = false;
-    }
-    void refreshInPlace() {
-        quiet_ = true;
-        const int top = list_.verticalScrollBar()->value();
-        rows_->refresh();
-        list_.verticalScrollBar()->setValue(top);
-        choose();
-    }
-
-    static constexpr int Measured = 32;  // rows whose width is looked at
-
-    RowsView& list_;
-    RowModel* rows_;
-    Refresher* late_ = new Refresher(this, [this] { refreshInPlace(); });
-    bool quiet_ = false;
-};
-
-// Style 1 is a line with a list to drop down, style 2 the list alone.
-class DropPeer : public Peer {
-public:
-    DropPeer(Control& control, QComboBox& box)
-        : Peer(control, box), box_(box), rows_(new RowModel(control, &box)) {
-        box.setEditable(control.comboStyle != 2);
-        box.setInsertPolicy(QComboBox::NoInsert);
-        box.setModel(rows_);
-        if (box.isEditable()) {
-            box.setCompleter(nullptr);
-            takeStore(control, makeLineStore(*box.lineEdit()));
-            connect(box.lineEdit(), &QLineEdit::textEdited, this, [this] {
-                if (control_ != nullptr) userChange(*control_);
-            });
-        }
-        connect(&box, &QComboBox::activated, this, [this](int row) {
-            if (control_ != nullptr) userRow(*control_, row + 1);
-        });
-    }
-
-    void apply(Property property) override {
-        const QSignalBlocker quiet(&box_);
-        if (property == Property::MaxLength && box_.isEditable())
-            limitLine(*box_.lineEdit(), control_->maxLength);
-        if (property == Property::Rows) refresh();
-        if (property == Property::ListIndex) choose();
-    }
-    void letGo() override {
-        if (box_.isEditable()) giveBackText(*control_);
-        const QSignalBlocker quiet(&box_);
-        rows_->detach();
-    }
-
-private:
-    void refresh() {
-        const QString typed = box_.isEditable() ? box_.lineEdit()->text() : QString();
-        rows_->refresh();
-        choose();
-        if (box_.isEditable()) keepLine(typed);
-    }
-    void choose() {
-        const QString typed = box_.isEditable() ? box_.lineEdit()->text() : QString();
-        box_.setCurrentIndex(control_->listIndex - 1);
-        // The model says itself when a row's text goes into the line.
-        if (box_.isEditable()) keepLine(typed);
-    }
-    void keepLine(const QString& text) {
-        const QSignalBlocker quiet(box_.lineEdit());
-        if (box_.lineEdit()->text() != text) putLine(*box_.lineEdit(), text);
-    }
-
-    QComboBox& box_;
-    RowModel* rows_;
-};
-
-// Style 0: a line above a list that is always there.
-class SimpleComboPeer : public Peer {
-public:
-    SimpleComboPeer(Control& control, QWidget& holder)
-        : Peer(control, holder), line_(new QLineEdit(&holder)), list_(new RowsView(&holder)),
-          rows_(new RowModel(control, &holder)) {
-        auto* layout = new QVBoxLayout(&holder);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->setSpacing(0);
-        layout->addWidget(line_);
-        layout->addWidget(list_);
-        list_->setModel(rows_);
-        list_->refreshed = [this] { late_->now(); };
-        holder.setFocusProxy(line_);
-        takeStore(control, makeLineStore(*line_));
-        connect(line_, &QLineEdit::textEdited, this, [this] {
-            if (control_ != nullptr) userChange(*control_);
-        });
-        list_->doubleClicked = [this](QPoint at) {
-            at = inWindow(*list_->viewport(), at);
-            if (control_ != nullptr) userDoubleClick(*control_, at.x(), at.y());
-        };
-        connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                [this](const QItemSelection& now) {
-                    if (!quiet_ && control_ != nullptr && !now.isEmpty())
-                        reportRow(*control_, now.first().top() + 1);
-                });
-    }
-    void apply(Property property) override {
-        if (property == Property::MaxLength) limitLine(*line_, control_->maxLength);
-        if (property == Property::Rows) late_->soon();
-        if (property == Property::ListIndex && !late_->isActive()) choose();
-    }
-    QWidget* focusWidget() override { return line_; }
-    void catchUp() override { late_->now(); }
-    void letGo() override {
-        giveBackText(*control_);
-        quiet_ = true;
-        late_->stop();
-        rows_->detach();
-    }
-
-private:
-    void choose() {
-        quiet_ = true;
-        if (control_->listIndex > 0)
-            list_->setCurrentIndex(rows_->index(control_->listIndex - 1));
-        else
-            list_->selectionModel()->clear();
-        quiet_ = false;
-    }
-    void refresh() {
-        quiet_ = true;
-        rows_->refresh();
-        choose();
-    }
-
-    QLineEdit* line_;
-    RowsView* list_;
-    RowModel* rows_;
-    Refresher* late_ = new Refresher(this, [this] { refresh(); });
-    bool quiet_ = false;
-};
 
 class LabelPeer : public Peer {
 public:
@@ -339,138 +52,23 @@ private:
         static constexpr Qt::Alignment sides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
         label_.setAlignment(sides[std::clamp(control_->alignment, 0, 2)] |
                             (tall ? Qt::AlignTop : Qt::AlignVCenter));
-        const QString text = shown(control_->caption);
-        const QString fits = tall ? text : shortened(text);
+        // Only a mnemonic that leads somewhere is one.
+        const bool leads = label_.buddy() != nullptr;
+        const QString caption = shown(control_->caption), plain = withoutMnemonic(caption);
+        const QString& text = leads ? caption : plain;
+        const QString fits = tall ? text : shortened(text, leads ? Qt::TextShowMnemonic : 0);
         label_.setText(fits);
-        label_.setAccessibleName(fits != text ? text : QString());  // else its text names it
-        label_.setToolTip(fits != text ? text : shown(control_->hint));
+        const bool named = fits == text && !plain.contains(u'&');
+        label_.setAccessibleName(named ? QString() : plain);  // else its text names it
+        label_.setToolTip(fits != text ? plain : shown(control_->hint));
     }
     // What is too long for the line, as a path may be, loses its middle.
-    [[nodiscard]] QString shortened(const QString& text) const {
+    [[nodiscard]] QString shortened(const QString& text, int flags) const {
         const int room = control_->position.w - 2 * label_.frameWidth();
         if (room <= 0 || text.contains(u'\n')) return text;
-        return label_.fontMetrics().elidedText(text, Qt::ElideMiddle, room, Qt::TextShowMnemonic);
+        return label_.fontMetrics().elidedText(text, Qt::ElideMiddle, room, flags);
     }
     QLabel& label_;
-};
-
-class PushPeer : public Peer {
-public:
-    PushPeer(Control& control, QPushButton& button) : Peer(control, button), button_(button) {
-        button.setAutoDefault(false);
-        button.setDefault(control.isDefault);
-        connect(&button, &QPushButton::clicked, this, [this] {
-            if (control_ != nullptr) userCommand(*control_);
-        });
-    }
-    void apply(Property property) override {
-        if (property == Property::Caption) button_.setText(shown(control_->caption));
-        if (property == Property::Picture) button_.setIcon(iconOf(control_->picture));
-    }
-
-private:
-    QPushButton& button_;
-};
-
-// A picture to press. On a toolbar it is flat and its caption only names it.
-class BitmapButtonPeer : public Peer {
-public:
-    BitmapButtonPeer(Control& control, QToolButton& button, bool flat)
-        : Peer(control, button), button_(button), flat_(flat) {
-        button.setAutoRaise(flat);
-        button.setFocusPolicy(flat ? Qt::TabFocus : Qt::StrongFocus);
-        connect(&button, &QToolButton::clicked, this, [this] {
-            if (control_ != nullptr) userCommand(*control_);
-        });
-    }
-    void apply(Property property) override {
-        if (property == Property::Caption || property == Property::Picture) dress();
-        if (property == Property::Position || property == Property::Picture) sizeIcon();
-    }
-
-private:
-    // A drawn face fills the button; an icon is a square in it.
-    void sizeIcon() {
-        const PictureSource* const source = pictureSource(control_->picture);
-        const QSize room(control_->position.w, control_->position.h);
-        const int side = std::clamp(std::min(room.width(), room.height()) - 10, 16, 48);
-        const bool face = source != nullptr && source->face;
-        button_.setIconSize(face ? (room - QSize(6, 6)).expandedTo({16, 16}) : QSize(side, side));
-    }
-    void dress() {
-        const QIcon icon = iconOf(control_->picture);
-        button_.setIcon(icon);
-        button_.setText(shown(control_->caption));
-        const bool caption = !control_->caption.empty() && !flat_;
-        button_.setToolButtonStyle(icon.isNull() ? Qt::ToolButtonTextOnly
-                                   : caption     ? Qt::ToolButtonTextBesideIcon
-                                                 : Qt::ToolButtonIconOnly);
-    }
-    QToolButton& button_;
-    bool flat_;
-};
-
-class CheckPeer : public Peer {
-public:
-    CheckPeer(Control& control, QAbstractButton& button) : Peer(control, button), button_(button) {
-        if (control.alignment == 0) button.setLayoutDirection(Qt::RightToLeft);
-        connect(&button, &QAbstractButton::clicked, this, [this](bool on) {
-            if (control_ != nullptr) userValue(*control_, on ? 1 : 0);
-            if (control_ != nullptr) apply(Property::Checked);  // the model may have decided otherwise
-        });
-    }
-    void apply(Property property) override {
-        const QSignalBlocker quiet(&button_);
-        if (property == Property::Caption) button_.setText(shown(control_->caption));
-        if (property == Property::Checked || property == Property::Value) button_.setChecked(isOn(*control_));
-    }
-
-private:
-    QAbstractButton& button_;
-};
-
-// Radio buttons of one control array make a group; one without an array stands for itself.
-class RadioPeer : public Peer {
-public:
-    RadioPeer(Control& control, QRadioButton& button) : Peer(control, button), button_(button) {
-        button.setAutoExclusive(false);
-        if (control.alignment == 0) button.setLayoutDirection(Qt::RightToLeft);
-        if (!control.array.empty()) join(button.parentWidget());
-        connect(&button, &QRadioButton::clicked, this, [this] {
-            if (control_ != nullptr && !isOn(*control_)) userValue(*control_, 1);
-            if (control_ != nullptr) settle();
-        });
-    }
-    void apply(Property property) override {
-        if (property == Property::Caption) button_.setText(shown(control_->caption));
-        if (property == Property::Checked || property == Property::Value) settle();
-    }
-
-private:
-    void join(QWidget* parent) {
-        const QString name = QStringLiteral("radio ") + shown(control_->array).toLower();
-        group_ = parent->findChild<QButtonGroup*>(name, Qt::FindDirectChildrenOnly);
-        if (group_ == nullptr) {
-            group_ = new QButtonGroup(parent);
-            group_->setObjectName(name);
-        }
-        group_->addButton(&button_);
-    }
-    // All buttons of the group as the model has them; a group without a set button is possible.
-    void settle() {
-        if (group_ == nullptr) return set(button_, isOn(*control_));
-        group_->setExclusive(false);
-        for (QAbstractButton* button : group_->buttons())
-            if (const auto* peer = dynamic_cast<RadioPeer*>(Peer::of(*button)); peer != nullptr)
-                set(*button, isOn(peer->control()));
-        group_->setExclusive(true);
-    }
-    static void set(QAbstractButton& button, bool on) {
-        const QSignalBlocker quiet(&button);
-        button.setChecked(on);
-    }
-    QRadioButton& button_;
-    QButtonGroup* group_ = nullptr;
 };
 
 class GroupPeer : public Peer {
@@ -547,17 +145,15 @@ Peer* make(Control& control, QWidget* parent, bool flat) {
     case Type::Label: return new LabelPeer(control, *new QLabel(parent));
     case Type::Edit:
         return control.multiline != 0 ? makeLinesPeer(control, parent) : makeLinePeer(control, parent);
-    case Type::Combobox:
-        if (control.comboStyle == 0) return new SimpleComboPeer(control, *new QWidget(parent));
-        return new DropPeer(control, *new QComboBox(parent));
+    case Type::Combobox: return makeComboPeer(control, parent);
     case Type::Iconlist:
         if (control.useTabStops) return makeGridPeer(control, parent);
         [[fallthrough]];
-    case Type::Listbox: return new RowsPeer(control, *new RowsView(parent));
-    case Type::Pushbutton: return new PushPeer(control, *new QPushButton(parent));
-    case Type::Bitmapbutton: return new BitmapButtonPeer(control, *new QToolButton(parent), flat);
-    case Type::Checkbox: return new CheckPeer(control, *new QCheckBox(parent));
-    case Type::Radiobutton: return new RadioPeer(control, *new QRadioButton(parent));
+    case Type::Listbox: return makeRowsPeer(control, parent);
+    case Type::Pushbutton: return makePushPeer(control, parent);
+    case Type::Bitmapbutton: return makeBitmapButtonPeer(control, parent, flat);
+    case Type::Checkbox: return makeCheckPeer(control, parent);
+    case Type::Radiobutton: return makeRadioPeer(control, parent);
     case Type::Groupbox: return new GroupPeer(control, *new QGroupBox(parent));
     case Type::Scrollbar:
         return new ScrollPeer(control,
@@ -660,7 +256,8 @@ void applyColours(QWidget& widget, const Control& control) {
     set(control.backColour, {QPalette::Window, QPalette::Base, QPalette::Button});
     if (control.type == Type::Progressbar) set(control.foreColour, {QPalette::Highlight});
     widget.setPalette(palette);
-    widget.setAutoFillBackground(control.backColour >= 0);
+    // A shape fills itself, and the place around it stays.
+    widget.setAutoFillBackground(control.backColour >= 0 && control.type != Type::Shape);
 }
 
 QRect placeOf(const Control& control, const QWidget& widget) {

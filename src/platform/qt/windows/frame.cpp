@@ -176,8 +176,11 @@ void Frame::nameControls() {
         }
         // A mnemonic of a label leads to the control behind it.
         if (label != nullptr && takesFocus(*control) && label->caption.find('&') != std::string::npos)
-            if (auto* text = qobject_cast<QLabel*>(peerOf(*label)->widget()); text != nullptr)
+            if (auto* text = qobject_cast<QLabel*>(peerOf(*label)->widget());
+                text != nullptr && text->buddy() != peer->focusWidget()) {
                 text->setBuddy(peer->focusWidget());
+                peerOf(*label)->apply(Property::Caption);  // which shows the mnemonic now
+            }
         label = control->type == Type::Label && control->visible ? control.get() : nullptr;
     }
 }

@@ -222,7 +222,18 @@ TEST_F(PathsOptions, OtherFilesAndKnownFoldersAreNotOffered) {
     answers = {"Yes"};
     setIni("Edit1", "");
     UPDATEINHERITPATHS("t", dir + "A.CLS");
-    EXPECT_EQ(stored("Edit1"), dir);
+    EXPECT_EQ(stored("Edit1"), ";" + dir);
+}
+
+TEST_F(PathsOptions, AFolderThatIsAddedNeverBecomesTheLibrary) {
+    for (const char* before : {"", ";"}) {
+        setIni("Edit1", before);
+        UPDATEINHERITPATHS("t", dir + "a.cls", false);
+        EXPECT_EQ(stored("Edit1"), ";" + dir);
+        EXPECT_EQ(GETINHERITEDLIBPATH(), "");
+        EXPECT_EQ(GETINHERITEDPATHSML(), dir + "\n");
+        EXPECT_NE(line().find("/i\";" + dir + "\""), std::string::npos) << line();
+    }
 }
 
 // ---- general ----

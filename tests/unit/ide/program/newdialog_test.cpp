@@ -99,6 +99,16 @@ TEST_F(NewDialog, HasANameThatIsFreeInAllResourceFilesOfTheProgram) {
     EXPECT_EQ(DIALOGGETFILENAME(), dir + "a.rc");
 }
 
+TEST_F(NewDialog, HasANameThatNoResourceOfItsProgramHas) {
+    write("a.cls", Class);
+    write("a.rc", "");
+    write("b.cls", "Tarnwick Class B\nEnd class\n");
+    write("b.rc", "DIALOG1 BITMAP \"x.bmp\"\n");
+    openProgram({"a.cls", "a.rc", "b.cls", "b.rc"});
+    run();
+    EXPECT_EQ(DIALOGGETDLGNAME(), "Dialog2");
+}
+
 TEST_F(NewDialog, HasANameThatNoOtherResourceOfTheFileHas) {
     write("a.cls", Class);
     write("a.rc", "Dialog1 BITMAP \"x.bmp\"\nDialog2 MENU\nEND\n");

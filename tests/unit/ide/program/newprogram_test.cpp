@@ -371,6 +371,20 @@ TEST_F(NewProgram, TheIconIsNamedFromTheResourceFolder) {
         << text("work/App1.rc");
 }
 
+TEST_F(NewProgram, AnIconMayHaveAnyName) {
+    makeTool({"work/App1.cls"});
+    for (const char* const name :
+         {"a (1).ico", "\xC3\xA4.ico", "#1 $x$.ico", "a'b.ico", ").ico", "a\\b.ico"}) {
+        fill({{"Program Icon", dir + "work/" + name}});
+        newProgram(true);
+        EXPECT_TRUE(asked.empty()) << lastText();
+        EXPECT_EQ(RESOURCEGETFILENAME(dir + "work/App1.rc", "ICON", "ProgramIcon"), "<RESOURCEDIR>\\work/" + std::string(name))
+            << text("work/App1.rc");
+        PROJECTCLOSE(ProjectEditorDlg);
+        for (const char* const file : {"App1.cls", "App1.rc"}) std::filesystem::remove(dir + "work/" + file);
+    }
+}
+
 TEST_F(NewProgram, AProgramElsewhereBecomesTheCurrentFolder) {
     std::filesystem::create_directory(dir + "elsewhere");
     makeTool({"elsewhere/Books.cls"});
@@ -536,6 +550,107 @@ TEST_F(NewProgramOnBadDisk, AKillAtAnyCallLeavesNoHalfClassAtTheNextStart) {
         EXPECT_FALSE(died);
         EXPECT_TRUE(classNew());
     }
+}
+
+// A whole new program, with the class and the dialog that are opened then, by the menu (`asks`) and as the start makes it.
+class NewMainOnBadDisk : public NewProgramOnBadDisk {
+protected:
+    std::string stem;
+    void SetUp() override {
+        NewProgramOnBadDisk::SetUp();
+        disk.putFolder(dir + "work", 0777);
+        disk.putOwner(dir + "work", 1000, 1000);
+        stem = dir + "work/App1";
+    }
+    void begin(bool asks) {
+        ClearError();
+        disk.setFreeBytes(1'000'000);
+        closeAll();
+        SETCURDIR(dir + "work");
+        for (const std::string& file : disk.allFiles())
+            if (file.starts_with(dir + "work/") || file.find("/changes/") != std::string::npos)
+                disk.remove(file);
+        asked.clear();
+        doings.clear();
+        if (asks) fill({});
+    }
+    static void closeAll() {
+        for (const Object& window : {DialogDlg, ProjectEditorDlg, PropertiesDlg})
+            if (IsLoaded(window)) {
+                if (window == DialogDlg) DIALOGSETMODIFY(false);
+                Unload(window);
+            }
+        INITFILE(SDIEdit);
+    }
+    // Neither file, or both with all that is in them.
+    [[nodiscard]] bool nothing() { return !disk.has(stem + ".cls") && !disk.has(stem + ".rc"); }
+    [[nodiscard]] bool everything() {
+        return disk.contents(stem + ".cls").starts_with("Tarnwick Class App1\n") &&
+               disk.contents(stem + ".cls").ends_with("End class\n") &&
+               disk.contents(stem + ".rc") == dialogText();
+    }
+};
+
+TEST_F(NewMainOnBadDisk, AFailureAtAnyCallLeavesAllOfTheProgramOrNothing) {
+    for (const bool asks : {false, true})
+        for (const os::FileError error : {os::FileError::WriteFailed, os::FileError::DiskFull}) {
+            bool reached = true;
+            for (int call = 1; reached && call < 400; ++call) {
+                begin(asks);
+                disk.failAt(call, error);
+                newProgram(asks);
+                reached = disk.calls() >= call;
+                disk.stopFailing();
+                static_cast<void>(FINISHCHANGES());
+                EXPECT_TRUE(nothing() || everything()) << asks << " " << call;
+                EXPECT_TRUE(everything() || !asked.empty()) << asks << " " << call;
+            }
+            EXPECT_FALSE(reached);
+            EXPECT_TRUE(everything()) << lastText() << GETCURDIR();
+        }
+    closeAll();
+}
+
+TEST_F(NewMainOnBadDisk, AFullDiskLeavesAllOfTheProgramOrNothing) {
+    for (std::int64_t room = 0; room < 2400; room += 60) {
+        begin(false);
+        disk.setFreeBytes(room);
+        newProgram(false);
+        disk.setFreeBytes(1'000'000);
+        static_cast<void>(FINISHCHANGES());
+        EXPECT_TRUE(nothing() || everything()) << room;
+        EXPECT_TRUE(everything() || !asked.empty()) << room;
+    }
+    closeAll();
+}
+
+TEST_F(NewMainOnBadDisk, AKillAtAnyCallLeavesAllOfTheProgramOrNothingAtTheNextStart) {
+    for (const bool asks : {false, true})
+        for (const bool midway : {false, true}) {
+            bool died = true;
+            int deaths = 0;
+            for (int call = 1; died && call < 400; ++call) {
+                platform::DestroyAllWindows();  // a new process
+                start();
+                begin(asks);
+                died = false;
+                disk.dieAt(call, midway);
+                try {
+                    PROJECTNEWMAIN(ProjectEditorDlg, MAINCONTROL("codelabel"), "New Program", asks);
+                } catch (const os::ProcessDeath&) {
+                    died = true;
+                }
+                disk.revive();
+                ClearError();
+                static_cast<void>(FINISHCHANGES());
+                EXPECT_TRUE(nothing() || everything()) << asks << " " << call;
+                deaths += died ? 1 : 0;
+            }
+            EXPECT_FALSE(died);
+            EXPECT_GT(deaths, 10);
+            EXPECT_TRUE(everything()) << lastText();
+        }
+    closeAll();
 }
 
 TEST_F(NewProgramOnBadDisk, AnUnfinishedChangeIsToldAtTheNextStart) {

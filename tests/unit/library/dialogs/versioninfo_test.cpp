@@ -212,6 +212,35 @@ TEST_F(VersionFile, ABlockIsReplacedInItsPlace) {
     EXPECT_EQ(text, "Main DIALOG\nEND\n" + FIELDSTOVERSIONINFO("info", full, "a") + "Other DIALOG\nEND\n");
 }
 
+TEST_F(VersionFile, TheFileKeepsItsLineEnds) {
+    const std::string main = write("a.cls", "");
+    const auto pairs = [](std::string text) {
+        for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2)
+            text.insert(at, "\r");
+        return text;
+    };
+    const std::string dialog = "Main DIALOG\r\nEND\r\n";
+    for (const std::string& before : {dialog, dialog + pairs(FIELDSTOVERSIONINFO("Info", {}, "a"))}) {
+        write("a.rc", before);
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "Info", full));
+        std::string text;
+        os::readFile(folder / "a.rc", text);
+        EXPECT_EQ(text, dialog + pairs(FIELDSTOVERSIONINFO("Info", full, "a")));
+        EXPECT_EQ(LOADVERSIONINFO(main, "Info").fields, full);
+    }
+}
+
+TEST_F(VersionFile, MessagesHaveTheTitleOfTheirDialog) {
+    EXPECT_FALSE(LOADVERSIONINFO("", "Info", "Program-Edit Program Properties").ok);
+    EXPECT_FALSE(SAVEVERSIONINFO("", "Info", full, "Program-Edit Program Properties"));
+    const std::string main = write("a.cls", "");
+    std::filesystem::create_directory(folder / "a.rc");
+    EXPECT_FALSE(SAVEVERSIONINFO(main, "Info", full, "Program-Edit Program Properties"));
+    ASSERT_EQ(told.size(), 3U);
+    for (const std::string& message : told)
+        EXPECT_TRUE(message.starts_with("Program-Edit Program Properties: ")) << message;
+}
+
 TEST_F(VersionFile, AFileThatCannotBeWrittenIsTold) {
     const std::string main = write("a.cls", "");
     std::filesystem::create_directory(folder / "a.rc");

@@ -406,13 +406,17 @@ TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) 
         block += "            VALUE \"" + std::string(value) + "\"\n";
     block += "        END\n    END\n    BLOCK \"VarFileInfo\"\n    BEGIN\n"
              "        VALUE \"Translation\", 0x809, 1200\n    END\nEND\n";
+    const std::string given = block;
     for (const std::string& eol : {std::string("\n"), std::string("\r\n")}) {
-        std::string before, after;
-        for (const char c : std::string("logo BITMAP \"x\"\n")) before += c == '\n' ? eol : std::string(1, c);
-        for (const char c : std::string("D DIALOG\nLabel a 1\nEND\n"))
-            after += c == '\n' ? eol : std::string(1, c);
+        const auto ended = [&eol](const std::string& lines) {
+            std::string text;
+            for (const char c : lines) text += c == '\n' ? eol : std::string(1, c);
+            return text;
+        };
+        const std::string before = ended("logo BITMAP \"x\"\n"), after = ended("D DIALOG\nLabel a 1\nEND\n");
+        block = ended(given);
         write(rc, before);
-        ASSERT_EQ(ResourceWriteText(rc, block), "");
+        ASSERT_EQ(ResourceWriteText(rc, given), "");
         EXPECT_EQ(read(rc), before + block);
         write(rc, before + block + after);
         EXPECT_EQ(info("VERSIONINFO", "*"), "VS_VERSION_INFO VERSIONINFO\n");
@@ -420,7 +424,7 @@ TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) 
         EXPECT_EQ(info("VERSIONINFO", "vs_version_info"), block);
         EXPECT_EQ(ResourceWrite(objects("D"), {}, rc), "");
         EXPECT_EQ(read(rc), before + block + after);
-        EXPECT_EQ(ResourceWriteText(rc, replaced(block, "1,2,3,4", "5,6,7,8")), "");
+        EXPECT_EQ(ResourceWriteText(rc, replaced(given, "1,2,3,4", "5,6,7,8")), "");
         EXPECT_EQ(read(rc), before + replaced(block, "1,2,3,4", "5,6,7,8") + after);
         EXPECT_EQ(ResourceRename(rc, "VS_VERSION_INFO", "V2"), "");
         EXPECT_EQ(info("VERSIONINFO", "*"), "V2 VERSIONINFO\n");
@@ -439,6 +443,8 @@ TEST_F(ResourceTest, WriteTextWritesExactlyTheLine) {
         {"x BITMAP \"y\"\r\n", "n INCFILE \"z\"", "x BITMAP \"y\"\r\nn INCFILE \"z\"\r\n"},
         {"// a\n\n", "n INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n",
          "// a\n\nn INCFILE \"<RESOURCEDIR>\\\\r.ico\"\n"},
+        {"x BITMAP \"y\"\n", "n INCFILE \"z\"\r\n", "x BITMAP \"y\"\nn INCFILE \"z\"\n"},
+        {"x BITMAP \"y\"\r\n", "// c\nn INCFILE \"z\"\n", "x BITMAP \"y\"\r\n// c\r\nn INCFILE \"z\"\r\n"},
         {"n BITMAP \"old\" // c\nx BITMAP \"y\"\n", "n BITMAP \"z\"\n", "n BITMAP \"z\"\nx BITMAP \"y\"\n"},
     };
     for (const auto& [before, line, after] : cases) {

@@ -52,6 +52,30 @@ TEST_F(Preview, BeepsWithoutADialog) {
     EXPECT_FALSE(IsLoaded(PreviewDlg));
 }
 
+TEST_F(Preview, CanBeChosenOnlyWhileADialogIsOpen) {
+    for (const char* item :
+         {"edit_dialog_preview", "edit_dialog_changes", "edit_dialog_duplicate", "edit_dialog_properties"})
+        EXPECT_FALSE(isEnabled(item)) << item;
+    open();
+    EXPECT_TRUE(isEnabled("edit_dialog_preview"));
+    Unload(DialogDlg);
+    UPDATEMAINWINDOW();
+    EXPECT_FALSE(isEnabled("edit_dialog_preview"));
+}
+
+TEST_F(Preview, StandsInTheMiddleWhereItIsNarrowerThanTheWindow) {
+    open("0 0 20 10");
+    preview([] {
+        for (const char* scale : {"optscale1", "optscale3", "optscale1"}) {
+            choose(scale);
+            const Rect image = place("imgpicture"), client = GetPosition(PreviewDlg, CLIENT_UNIT);
+            EXPECT_GT(image.x, 40);
+            EXPECT_NEAR(image.x, client.w - image.x - image.w, 1);
+        }
+        press("pushbutton1");
+    });
+}
+
 TEST_F(Preview, BeginsWithTheColoursThatTheDesktopLacksAt100) {
     open();
     preview([] {

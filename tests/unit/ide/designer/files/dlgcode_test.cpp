@@ -137,6 +137,26 @@ TEST_F(DialogCode, InTheCodeWindowItFollowsThereAlone) {
     EXPECT_EQ(read(cls), Class);
 }
 
+TEST_F(DialogCode, TheClassKeepsItsLineEnds) {
+    const auto renamed = [](std::string text) {
+        return text.replace(text.find("function D("), 11, "function Fresh(");
+    };
+    const std::string pairs = STRNL2CRNL(Class);
+    for (const std::string& text : {std::string(Class), pairs}) {
+        for (const bool open : {false, true}) {
+            write("a.cls", text);
+            if (open) EDITWNDOPEN(SDIEdit, cls, false, 0);
+            answers = {"Yes"};
+            CHECKRENAMEFUNCTION(cls, "D", "Fresh");
+            const std::string now = open ? GetText(SDIEdit) : read(cls);
+            EXPECT_EQ(now.find("\r\n") != std::string::npos, text == pairs);
+            EXPECT_EQ(STRREPLACE(now, " ", ""), STRREPLACE(renamed(text), " ", ""));
+            if (open) SetModify(SDIEdit, false);
+            EDITWNDCLOSE(SDIEdit, true);
+        }
+    }
+}
+
 TEST_F(DialogCode, NothingIsAskedWhereNoWindowFunctionIs) {
     write("a.cls", Class);
     write("a.txt", Class);

@@ -130,6 +130,27 @@ TEST_F(AddDialog, AFunctionOfTheClassTakesTheNameToo) {
     EXPECT_NE(SYMFINDFUNCTION("Newer", 1, mainFile).bodyStart, 0);
 }
 
+TEST_F(AddDialog, ANameInAnotherResourceFileOfTheProgramIsAskedAbout) {
+    write("prog/shapes.rc", dialog("NEW") + "pic BITMAP \"x.bmp\"\n");
+    open({"main.cls", "main.rc", "shapes.cls", "shapes.rc"});
+    choose("Dialogs");
+    add(source, "New", {"pic", "Free"});
+    ASSERT_EQ(told().size(), 3U);
+    EXPECT_EQ(told()[0], "Dialog New cannot be added. The following file (or its class file):\n\n\t'" + dir +
+                             "prog/shapes.rc'\n\nalready contains a dialog or function called 'New'. Choose "
+                             "another name for the dialog being added.\n");
+    EXPECT_TRUE(told()[1].starts_with("Dialog pic cannot be added. ")) << told()[1];
+    EXPECT_EQ(ResourceInfo(dir + "prog/main.rc", "DIALOG", "*").text, "Ask DIALOG\nFree DIALOG\n");
+}
+
+TEST_F(AddDialog, AFileThatDoesNotBelongToTheProgramHasItsOwnNames) {
+    write("far/own.rc", dialog("X"));
+    SetListIndex(rows(), 0);
+    EDITWNDOPEN(SDIEdit, write("far/own.cls", classText("own")), false, 0);
+    add(write("far/b.rc", dialog("Ask")), "Ask");
+    EXPECT_EQ(ResourceInfo(dir + "far/own.rc", "DIALOG", "*").text, "X DIALOG\nAsk DIALOG\n") << lastText();
+}
+
 TEST_F(AddDialog, AClassInTheCodeWindowIsChangedThereAlone) {
     EDITWNDOPEN(SDIEdit, mainFile, false, 0);
     type("// mine\n");

@@ -43,6 +43,13 @@ TEST_F(AddFile, EachTypeHasItsKind) {
     EXPECT_NE(rc().find("d_txt INCFILE \"" + dir + "far/d.txt\"\n"), std::string::npos) << rc();
 }
 
+TEST_F(AddFile, ItsNameIsFreeInTheWholeProgram) {
+    write("prog/shapes.rc", "A_BMP BITMAP \"x.bmp\"\n");
+    open({"main.cls", "main.rc", "shapes.cls", "shapes.rc"});
+    add(write("far/a.bmp", "x"));
+    EXPECT_EQ(rc(), "// mine\na_bmp1 BITMAP \"" + dir + "far/a.bmp\"\n");
+}
+
 TEST_F(AddFile, AsksWithRowsForAllTypes) {
     add("");
     ASSERT_EQ(asked.size(), 1U);

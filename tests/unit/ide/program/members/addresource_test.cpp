@@ -140,6 +140,39 @@ TEST_F(AddResource, ATemplateThatIsMissingIsTold) {
     }
 }
 
+// What would make a program that does not build is refused, and nothing is changed.
+TEST_F(AddResource, NamesThatTheProgramCannotHaveAreRefused) {
+    write("prog/main.rc", dialog("Ask") + "logo BITMAP \"logo.bmp\"\n");
+    open({"main.cls", "main.rc", "shapes.cls"});
+    const std::string head = "cannot be added to the program, because of the following error:\n",
+                      used = "' is already used in '" + dir + "prog/main.rc'.";
+    const std::pair<std::string, std::string> cases[] = {
+        {dialog("free") + dialog("Main"), "(Dialog Main) The program already has a function called 'main'."},
+        {dialog("table"), "(Dialog table) Its name is not a valid identifier."},
+        {dialog("free") + dialog("ASK"), "The name 'ASK" + used},
+        {dialog("logo"), "The name 'logo" + used},
+        {"Logo BITMAP \"logo.bmp\"\n", "The name 'Logo" + used},
+    };
+    for (const auto& [contents, reason] : cases) {
+        const std::string file = write("far/boxes.rc", contents), before = everything();
+        add(file);
+        EXPECT_EQ(told(),
+                  std::vector<std::string>{"The following file:\n\n\t'" + file + "'\n\n" + head + reason});
+        EXPECT_EQ(everything(), before) << contents;
+    }
+}
+
+TEST_F(AddResource, ADialogNamedLikeAFunctionOfTheTemplateIsRefused) {
+    open();
+    const std::string file = write("prog/boxes.rc", dialog("ask") + dialog("Description")),
+                      before = everything();
+    add(file);
+    EXPECT_EQ(told(),
+              std::vector<std::string>{"Cannot create new class.\nThe class already contains a function "
+                                       "called 'Description'.\n"});
+    EXPECT_EQ(everything(), before);
+}
+
 TEST_F(AddResource, AFileOf255DialogsGetsAllFunctions) {
     open();
     std::string all;

@@ -107,6 +107,8 @@ TEST_F(RemoveItem, AReadOnlyFileBeforeAnythingElse) {
                  {"Dialogs", "", "prog/main.rc", Delete},
                  {"DIALOG Ask", "Dialogs", "prog/main.rc", Delete},
                  {"VERSIONINFO about", "", "prog/main.rc", Delete},
+                 {"INCFILE note", "Included files", "prog/main.rc", Delete},
+                 {"BITMAP pic", "Included bitmaps", "prog/main.rc", Delete},
                  {"INCFILE data", "Included files", "prog/data.xml", Remove}};
     for (const auto& c : cases) {
         choose(c.title, c.group);
@@ -114,6 +116,15 @@ TEST_F(RemoveItem, AReadOnlyFileBeforeAnythingElse) {
         expectRefused(c.headline, dir + c.file, reason);
         std::filesystem::permissions(dir + c.file, std::filesystem::perms(0644));
     }
+}
+
+TEST_F(RemoveItem, AReadOnlyFileThatIsNotChangedItself) {
+    choose("INCFILE note", "Included files");
+    std::filesystem::permissions(dir + "prog/note.txt", std::filesystem::perms(0444));
+    answerWith("Remove");
+    remove();
+    EXPECT_EQ(told(), std::vector<std::string>{"Removed note from '" + rcFile() + "'\n"});
+    EXPECT_TRUE(there("prog/note.txt"));
 }
 
 TEST_F(RemoveItem, TheMainFile) {
