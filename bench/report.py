@@ -119,7 +119,16 @@ def main():
            0.6 if (work, peer, n, i) == ("Add", "SqliteOpened", 100000, 5) else None)
           for work in ("Add", "Delete") for n in (1000, 10000, 100000, 1000000) for i in (1, 5)
           for peer in ("SqliteOpened", "SqliteHeld", "Level")),
-        *((f"diskAddDurable/100000/{i}", f"diskAddSqliteFull/100000/{i}", 1.2 if i == 5 else None) for i in (1, 5)),
+        # As rows that were added one by one leave the indexes; and held open, as the peer is.
+        *((f"disk{work}Grown/{n}/1", f"disk{work}SqliteOpened/{n}/1", 0.2) for work in ("Find", "Next")
+          for n in (100000, 1000000)),
+        *((f"disk{work}Grown/{n}/{i}", f"disk{work}SqliteOpened/{n}/{i}", 1) for work in ("Add", "Delete")
+          for n in (100000, 1000000) for i in (1, 5)),
+        *((f"disk{work}Held/{n}/1", f"disk{work}SqliteHeld/{n}/1", 1) for work in ("Find", "Next")
+          for n in (100000, 1000000)),
+        *((f"disk{work}Held/{n}/{i}", f"disk{work}SqliteHeld/{n}/{i}", 1) for work in ("Add", "Delete")
+          for n in (100000, 1000000) for i in (1, 5)),
+        *((f"diskAddDurable/100000/{i}", f"diskAddSqliteFull/100000/{i}", 1 if i == 5 else None) for i in (1, 5)),
         *((f"diskRebuildKernel/100000/{i}", f"diskRebuildSqlite/100000/{i}", None) for i in (1, 5)),
         *((f"{work}Linear/{n} a MB", f"{work}Linear/1 a MB", 1.5)
           for work in ("xmlBare", "xmlList", "csvList") for n in (10, 100)),

@@ -42,9 +42,9 @@ struct FileInfo {
     bool writable = false;      // by this user; never a file without any write bit, whoever the user is
     std::int64_t size = 0;      // bytes
     std::int64_t modified = 0;  // nanoseconds since 1970-01-01 UTC
-    std::int64_t changed =
-        0;                   // likewise; nobody can set it: any change of contents, names or rights moves it
-    std::uint32_t mode = 0;  // permission bits
+    // Likewise; nobody can set it: any change of contents, names or rights moves it.
+    std::int64_t changed = 0;
+    std::uint32_t mode = 0;               // permission bits
     std::uint64_t device = 0, inode = 0;  // equal for two names of one file
     std::uint32_t links = 1;              // names of this file (hard links)
     std::uint32_t owner = 0, group = 0;

@@ -47,10 +47,6 @@ bool FileTree::close() {
     return false;
 }
 
-void FileTree::suspend() {
-    if (state_ != nullptr) state_->disk.close();
-}
-
 void FileTree::keep() {
     if (isOpen()) state_->disk.keep();
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Lists and tables whose rows stand in a file. The value holds the name of the file; every operation opens
-// it, acts and closes it again, and no lock is held: a file is for one process at a time. The operations on
-// elements and rows are those of lists.h and tables.h.
+// it, acts and closes it again (but for a table that a program holds, tables.h), and no lock is held: a file is
+// for one process at a time. The operations on elements and rows are those of lists.h and tables.h.
 //
 //   number  format  chosen by                            header            count of rows
 //        3  plain   an UNBOUNDED capacity                none              the size by the record length

@@ -63,6 +63,35 @@ bool becomeNobody() {
     return ::setgroups(0, nullptr) == 0 && ::setgid(nobody) == 0 && ::setuid(nobody) == 0;
 }
 
+TEST_F(FilesTest, AnOpenFileTellsWhatItsNameTells) {
+    put("a", "abc", 0640);
+    FileInfo byName, open;
+    Handle handle = -1;
+    ASSERT_EQ(realFiles().open(at("a"), OpenMode::ReadWrite, 0, handle), FileError::None);
+    ASSERT_EQ(realFiles().info(at("a"), byName), FileError::None);
+    ASSERT_EQ(realFiles().infoOpen(handle, open), FileError::None);
+    EXPECT_TRUE(open.exists && !open.folder && !open.special);
+    EXPECT_EQ(open.size, 3);
+    EXPECT_EQ(open.mode, 0640U);
+    EXPECT_EQ(open.links, 1U);
+    EXPECT_EQ(open.modified, byName.modified);
+    EXPECT_EQ(open.changed, byName.changed);
+    EXPECT_TRUE(open.device == byName.device && open.inode == byName.inode);
+    ASSERT_EQ(realFiles().setModified(at("a"), 1'000'000'000), FileError::None);
+    FileInfo later;
+    ASSERT_EQ(realFiles().infoOpen(handle, later), FileError::None);
+    EXPECT_EQ(later.modified, 1'000'000'000);
+    EXPECT_GE(later.changed, open.changed);
+    EXPECT_GT(later.changed, 1'000'000'000);
+    realFiles().startSync(handle);
+    ASSERT_EQ(realFiles().remove(at("a")), FileError::None);
+    ASSERT_EQ(realFiles().infoOpen(handle, later), FileError::None);
+    EXPECT_EQ(later.links, 0U);
+    EXPECT_EQ(realFiles().close(handle), FileError::None);
+    EXPECT_EQ(realFiles().infoOpen(handle, later), FileError::ReadFailed);
+    EXPECT_FALSE(later.exists);
+}
+
 TEST_F(FilesTest, everyErrorHasATextAndNoneHasNot) {
     EXPECT_EQ(describe(FileError::None), "");
     for (int i = 1; i <= static_cast<int>(FileError::WriteFailed); ++i) {

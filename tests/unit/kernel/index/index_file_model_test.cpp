@@ -166,7 +166,9 @@ TEST_F(FileTreeModel, ChangesAreCommittedDroppedOrTakenBackTogether) {
             EXPECT_TRUE(bytes() == before);
             continue;
         }
-        if (choice >= 4) tree.suspend();
+        if (choice >= 4) {
+            ASSERT_TRUE(tree.close());
+        }
         EXPECT_TRUE(tree.commit());
         if (choice == 1 || choice == 4) {
             EXPECT_TRUE(tree.revert());

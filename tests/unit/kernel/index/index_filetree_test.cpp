@@ -132,19 +132,21 @@ TEST_F(FileTrees, RevertingBringsBackEveryByte) {
         },
         [](FileTree& tree) { tree.setRow(tree.root(), 99); },
     };
-    for (const bool suspended : {false, true}) {
+    for (const bool closed : {false, true}) {
         for (const auto& change : changes) {
             FileTree tree;
             ASSERT_TRUE(open(tree));
             change(tree);
-            if (suspended) tree.suspend();
+            if (closed) {
+                EXPECT_TRUE(tree.close());
+            }
             EXPECT_TRUE(tree.commit());
             EXPECT_EQ(check(), "");
             EXPECT_FALSE(bytes() == before);
             EXPECT_TRUE(tree.revert());
             EXPECT_TRUE(bytes() == before);
-            EXPECT_EQ(disk.openHandles(), suspended ? 0 : 1);
-            if (suspended) continue;
+            EXPECT_EQ(disk.openHandles(), closed ? 0 : 1);
+            if (closed) continue;
             EXPECT_EQ(find(tree, {integer(8)}), 8);  // the tree is as the file
             EXPECT_EQ(find(tree, {integer(9)}), 0);
             EXPECT_TRUE(tree.revert());  // nothing more
@@ -153,13 +155,13 @@ TEST_F(FileTrees, RevertingBringsBackEveryByte) {
     }
 }
 
-TEST_F(FileTrees, ASuspendedTreeHasWhatItHasReadAndNoMore) {
+TEST_F(FileTrees, AClosedTreeHasWhatItHasReadAndNoMore) {
     makeIntegers({4, 2, 6, 1, 3, 5, 7});
     const Key six({integer(6)});
     FileTree tree;
     FilePath way;
     ASSERT_TRUE(open(tree) && FindFileKey(tree, six.view, way));
-    tree.suspend();
+    ASSERT_TRUE(tree.close());
     EXPECT_FALSE(tree.isOpen());
     EXPECT_EQ(disk.openHandles(), 0);
     EXPECT_EQ(find(tree, {integer(6)}), 3);
@@ -172,19 +174,19 @@ TEST_F(FileTrees, ASuspendedTreeHasWhatItHasReadAndNoMore) {
     EXPECT_EQ(takeError(), 661);
 }
 
-TEST_F(FileTrees, ASuspendedTreeIsOpenForItsCommitAlone) {
+TEST_F(FileTrees, AClosedTreeIsOpenForItsCommitAlone) {
     makeIntegers({1, 2, 3});
     FileTree tree;
     ASSERT_TRUE(open(tree));
     insert(tree, {integer(4)}, 40);
-    tree.suspend();
+    ASSERT_TRUE(tree.close());
     EXPECT_TRUE(tree.commit());
     EXPECT_EQ(disk.openHandles(), 0);
     EXPECT_EQ(check(), "");
     EXPECT_EQ(records(), 4);
 }
 
-TEST_F(FileTrees, ASuspendedTreeFindsThatItsFileHasChanged) {
+TEST_F(FileTrees, AClosedTreeFindsThatItsFileHasChanged) {
     makeIntegers({1, 2, 3});
     const std::string before = bytes();
     for (const std::int32_t error : {653, 656}) {
@@ -192,7 +194,7 @@ TEST_F(FileTrees, ASuspendedTreeFindsThatItsFileHasChanged) {
         FileTree tree;
         ASSERT_TRUE(open(tree));
         insert(tree, {integer(4)}, 40);
-        tree.suspend();
+        ASSERT_TRUE(tree.close());
         if (error == 656) put(before + std::string(28, 'x'));
         if (error == 653) disk.remove(path);
         EXPECT_FALSE(tree.commit());
@@ -215,7 +217,7 @@ TEST_F(FileTrees, SeveralIndexesChangeInTurnOrNotAtAll) {
             FileTree& tree = all[static_cast<std::size_t>(n)];
             ASSERT_TRUE(tree.open(pathOf(n), Key(shape).view, OpenMode::ReadWrite));
             insert(tree, {integer(10 + n)}, 4);
-            tree.suspend();
+            ASSERT_TRUE(tree.close());
             EXPECT_EQ(disk.openHandles(), 0);
         }
         if (failing < trees) disk.put(pathOf(failing), before, 0444);
@@ -367,14 +369,16 @@ TEST_F(FileTrees, ManyChangesAreWrittenTogether) {
 TEST_F(FileTrees, AClosingThatFailsTakesTheCommitBack) {
     makeIntegers({1, 2, 3});
     const std::string before = bytes();
-    for (const bool suspended : {false, true}) {
+    for (const bool closed : {false, true}) {
         FileTree tree;
         ASSERT_TRUE(open(tree));
         insert(tree, {integer(4)}, 40);
-        if (suspended) tree.suspend();
+        if (closed) {
+            EXPECT_TRUE(tree.close());
+        }
         disk.failAt(FileCall::Close, 1, FileError::DiskFull);
-        EXPECT_NE(tree.commit(), suspended);
-        if (!suspended) {
+        EXPECT_NE(tree.commit(), closed);
+        if (!closed) {
             EXPECT_FALSE(tree.close());
         }
         EXPECT_EQ(takeError(), 654);
