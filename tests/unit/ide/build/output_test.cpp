@@ -100,6 +100,23 @@ TEST_F(Output, ShowsTheArgumentsAndTheProgramsFolder) {
     EXPECT_EQ(GetCaption(part("label1")), dir + "prog.exe one \"two words\"");
 }
 
+TEST_F(Output, TheProgramIsToldWhereTheCodeWindowStands) {
+    write("prog.exe", "#!/bin/sh\n");
+    std::filesystem::permissions(dir + "prog.exe", std::filesystem::perms(0755));
+    const auto beside = [this] {
+        RUNEXEFILE("Run-Start", dir + "prog.exe", 0, true);
+        return PROFILESTRGET(ini(), "debug", "Beside");
+    };
+    Hide(SDIEdit);
+    EXPECT_EQ(beside(), "");
+    SetPosition(SDIEdit, WINDOW_UNIT, {10, 20, 700, 500});
+    Show(SDIEdit, false);
+    EXPECT_EQ(beside(), "10 20 700 500");
+    PROFILESTRPUT(ini(), "debug", "_Position", "1 2 300 400");
+    SetPosition(SDIEdit, WINDOW_UNIT, {30, 40, 700, 500});
+    EXPECT_EQ(beside(), "10 20 700 500") << "the debugger's window has a place of its own";
+}
+
 TEST_F(Output, GoesWhereTheArgumentsSendIt) {
     write("prog.exe", "#!/bin/sh\necho to the file\n");
     std::filesystem::permissions(dir + "prog.exe", std::filesystem::perms(0755));

@@ -52,12 +52,15 @@ protected:
 TEST_F(DebugWatch, TellsThatAProgramRuns) {
     FOLLOWPROGRAM(self, "sums.exe");
     EXPECT_EQ(status(), "") << "it is not under the debugger";
+    EXPECT_FALSE(ISDEBUGGED(self));
     NoteRunning(file);
     FOLLOWPROGRAM(self, "sums.exe");
+    EXPECT_TRUE(ISDEBUGGED(self));
     EXPECT_EQ(status(), "sums.exe runs in the debugger");
     EndStopNotice();
     FORGETPROGRAM(self);
     EXPECT_EQ(status(), "sums.exe has ended");
+    EXPECT_FALSE(ISDEBUGGED(self));
 }
 
 TEST_F(DebugWatch, MarksTheLineOfAStopAndTellsThePlace) {

@@ -100,7 +100,10 @@ TEST_F(DebugWindowTest, KeepsCaptionStatusAndPlace) {
     SetDebugStatus(*window, "one\ntwo");
     EXPECT_EQ(GetDebugCaption(*window), "Integrated Debugger [inactive]");
     EXPECT_EQ(GetDebugStatus(*window), "one\ntwo");
-    EXPECT_EQ(GetDebugPlace(*window), (DebugPlace{10, 20, 300, 200}));
+    EXPECT_EQ(window->wanted, (DebugPlace{10, 20, 300, 200}));
+    EXPECT_EQ(GetDebugPlace(*window), DebugPlace()) << "no view has shown it";
+    window->place = {1, 2, 30, 40};
+    EXPECT_EQ(GetDebugPlace(*window), (DebugPlace{1, 2, 30, 40}));
     EXPECT_EQ(window->pictures, (std::vector<std::string>{"stop", "run", "", "code3"}));
 }
 
