@@ -398,19 +398,21 @@ TEST_F(DesignTest, AFilledEllipseLeavesItsCornersFree) {
     }
 }
 
-TEST_F(DesignTest, ARadioButtonHasARingInBothColours) {
+TEST_F(DesignTest, MarksHaveAnEdgeInBothColours) {
     open();
     picture.running = true;
-    SETPROPVALUE("VALUE", "0", find("radio"));
+    for (const char* const name : {"radio", "check"}) SETPROPVALUE("VALUE", "0", find(name));
     for (const DrawColours colours : {LIGHT_COLOURS, DARK_COLOURS}) {
         SetDrawColours(Design, colours);
         const QImage image = designed();
         const qreal ratio = image.devicePixelRatio();
-        const Rect place = placeOf(find("radio"));
-        const QRect mark(int(place.x * ratio), int(place.y * ratio), int(place.h * ratio),
-                         int(place.h * ratio));
-        const auto [darkest, lightest] = greys(image, mark);
-        EXPECT_GT(lightest - darkest, 60) << (colours == DARK_COLOURS ? "dark" : "light");
+        for (const char* const name : {"radio", "check"}) {
+            const Rect place = placeOf(find(name));
+            const QRect mark(int(place.x * ratio), int(place.y * ratio), int(place.h * ratio),
+                             int(place.h * ratio));
+            const auto [darkest, lightest] = greys(image, mark);
+            EXPECT_GT(lightest - darkest, 60) << name << (colours == DARK_COLOURS ? " dark" : " light");
+        }
     }
     SetDrawColours(Design, DESKTOP_COLOURS);
 }

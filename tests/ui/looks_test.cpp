@@ -74,9 +74,9 @@ std::string linesThatNeedBothBars() {
 TEST_F(LooksTest, ALabelShowsItsCaptionWithoutMarks) {
     const struct {
         std::string caption, text, spoken;
-    } cases[] = {{"&Name", "Name", ""},  {"Tom && Ann", "Tom & Ann", "Tom & Ann"},
-                 {"R&D", "RD", ""},      {"a &", "a &", "a &"},
-                 {"Plain", "Plain", ""}, {"&&&x", "&x", "&x"}};
+    } cases[] = {{"&Name", "Name", ""}, {"Tom && Ann", "Tom & Ann", "Tom & Ann"}, {"R&D", "RD", ""},
+                 {"a &", "a &", "a &"}, {"Tom & Ann", "Tom & Ann", "Tom & Ann"},  {"Plain", "Plain", ""},
+                 {"&&&x", "&x", "&x"}};
     for (const auto& c : cases) {
         const auto* const label = show<QLabel>("LABEL", "CAPTION=\"" + c.caption + "\"");
         ASSERT_NE(label, nullptr);

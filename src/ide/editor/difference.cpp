@@ -32,7 +32,7 @@ void SHOWDIFFERENCE(const Difference& difference) {
     Load(DifferenceDlg);
     SetCaption(DifferenceDlg, difference.caption);
     SetCaption(FINDCONTROL(DifferenceDlg, "label1"), PLAINCAPTION(difference.heading));
-    SetCaption(FINDCONTROL(DifferenceDlg, "label2"), PLAINCAPTION(difference.prompt));
+    SetCaption(FINDCONTROL(DifferenceDlg, "label2"), difference.prompt);
     STAMP();
     const std::string lines = LINEDIFFERENCE(difference.first, difference.second, most);
     SetText(FINDCONTROL(DifferenceDlg, "edit1"), lines.empty() ? "There is none.\n" : lines);

@@ -17,6 +17,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <type_traits>
 
 namespace tarn::platform::qt {
 
@@ -82,6 +83,35 @@ private:
     bool flat_;
 };
 
+// The style "fusion" draws the edge of a mark darker than the ground, which on a dark one cannot be seen.
+void edgeOnDark(QWidget& widget, const QStyleOptionButton& option, bool round) {
+    const QPalette colours = widget.palette();
+    if (!isDark(colours) || widget.style()->name() != QStringLiteral("fusion")) return;
+    const auto element = round ? QStyle::SE_RadioButtonIndicator : QStyle::SE_CheckBoxIndicator;
+    const QRectF mark = widget.style()->subElementRect(element, &option, &widget);
+    const QColor ground = colours.color(QPalette::Window), ink = colours.color(QPalette::WindowText);
+    QPainter painter(&widget);
+    painter.setPen(QColor((ground.red() + ink.red()) / 2, (ground.green() + ink.green()) / 2,
+                          (ground.blue() + ink.blue()) / 2));
+    if (!round) return painter.drawRect(mark.adjusted(0, 0, -1, -1));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.drawEllipse(mark.adjusted(1, 1, -1, -1));
+}
+
+template <class Button>
+class EdgedMark : public Button {
+public:
+    using Button::Button;
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        Button::paintEvent(event);
+        QStyleOptionButton option;
+        this->initStyleOption(&option);
+        edgeOnDark(*this, option, std::is_same_v<Button, QRadioButton>);
+    }
+};
+
 class CheckPeer : public Peer {
 public:
     CheckPeer(Control& control, QAbstractButton& button) : Peer(control, button), button_(button) {
@@ -99,27 +129,6 @@ public:
 
 private:
     QAbstractButton& button_;
-};
-
-// The style "fusion" draws the ring of a radio button darker than the ground, which on a dark one cannot be seen.
-class RingedRadio : public QRadioButton {
-public:
-    using QRadioButton::QRadioButton;
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QRadioButton::paintEvent(event);
-        if (!isDark(palette()) || style()->name() != QStringLiteral("fusion")) return;
-        QStyleOptionButton option;
-        initStyleOption(&option);
-        const QRectF mark = style()->subElementRect(QStyle::SE_RadioButtonIndicator, &option, this);
-        const QColor ground = palette().color(QPalette::Window), ink = palette().color(QPalette::WindowText);
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QColor((ground.red() + ink.red()) / 2, (ground.green() + ink.green()) / 2,
-                              (ground.blue() + ink.blue()) / 2));
-        painter.drawEllipse(mark.adjusted(1, 1, -1, -1));
-    }
 };
 
 // Radio buttons of one control array make a group; one without an array stands for itself.
@@ -177,11 +186,11 @@ Peer* makeBitmapButtonPeer(Control& control, QWidget* parent, bool flat) {
 }
 
 Peer* makeCheckPeer(Control& control, QWidget* parent) {
-    return new CheckPeer(control, *new QCheckBox(parent));
+    return new CheckPeer(control, *new EdgedMark<QCheckBox>(parent));
 }
 
 Peer* makeRadioPeer(Control& control, QWidget* parent) {
-    return new RadioPeer(control, *new RingedRadio(parent));
+    return new RadioPeer(control, *new EdgedMark<QRadioButton>(parent));
 }
 
 }  // namespace tarn::platform::qt

@@ -31,6 +31,17 @@ namespace tarn::platform::qt {
 
 namespace {
 
+// A mark stands before a letter or a digit; "Tom & Ann" has none.
+QString withoutMark(const QString& caption) {
+    QString plain;
+    for (qsizetype i = 0; i < caption.size(); ++i) {
+        const QChar next = i + 1 < caption.size() ? caption[i + 1] : QChar();
+        if (caption[i] == u'&' && (next == u'&' || next.isLetterOrNumber())) ++i;
+        plain += caption[i];
+    }
+    return plain;
+}
+
 class LabelPeer : public Peer {
 public:
     LabelPeer(Control& control, QLabel& label) : Peer(control, label), label_(label) {
@@ -54,7 +65,7 @@ private:
                             (tall ? Qt::AlignTop : Qt::AlignVCenter));
         // Only a mnemonic that leads somewhere is one.
         const bool leads = label_.buddy() != nullptr;
-        const QString caption = shown(control_->caption), plain = withoutMnemonic(caption);
+        const QString caption = shown(control_->caption), plain = withoutMark(caption);
         const QString& text = leads ? caption : plain;
         const QString fits = tall ? text : shortened(text, leads ? Qt::TextShowMnemonic : 0);
         label_.setText(fits);

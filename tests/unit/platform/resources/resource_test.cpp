@@ -421,7 +421,7 @@ TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) 
         write(rc, before + block + after);
         EXPECT_EQ(info("VERSIONINFO", "*"), "VS_VERSION_INFO VERSIONINFO\n");
         EXPECT_EQ(info("*", "*"), "logo\nVS_VERSION_INFO\nD\n");
-        EXPECT_EQ(info("VERSIONINFO", "vs_version_info"), block);
+        EXPECT_EQ(info("VERSIONINFO", "vs_version_info"), given);
         EXPECT_EQ(ResourceWrite(objects("D"), {}, rc), "");
         EXPECT_EQ(read(rc), before + block + after);
         EXPECT_EQ(ResourceWriteText(rc, replaced(given, "1,2,3,4", "5,6,7,8")), "");
