@@ -233,6 +233,7 @@ struct Descent {
     bool step() {
         if (path->depth == MaxTreeDepth) return false;
         next = tree.stepDown(key, *path, next);
+        if (next == 0) tree.prefetchEnd(*path);
         return true;
     }
     [[nodiscard]] bool isPrepared() const { return path->found || PrepareLink(tree, *path); }
@@ -344,18 +345,27 @@ void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key) {
     index.mirror->walk.count = 0;
 }
 
-void FreeTree(const IndexTree& index) {
-    if (index.mirror == nullptr) return FreeTree(*index.root);
-    const MirrorTree tree(index);
-    const FieldKinds kinds = index.root->kinds;
-    constexpr Ref ahead = 8;
-    const auto end = static_cast<Ref>(index.mirror->entryCount);
-    for (Ref row = 1; row < end; ++row) {
-        if (row + ahead < end) tree.prefetchNode(row + ahead);
-        FreeNode(tree.node(row), kinds);
+void FreeTrees(const IndexTree* indexes, std::int32_t count) {
+    constexpr std::int32_t ahead = 6;
+    std::int32_t rows = 0;
+    for (std::int32_t i = 0; i < count; ++i)
+        rows = std::max(rows, indexes[i].mirror != nullptr ? indexes[i].mirror->entryCount : 0);
+    for (std::int32_t row = rows - 1; row > 0; --row) {
+        for (std::int32_t i = count - 1; i >= 0; --i) {
+            if (indexes[i].mirror == nullptr || row >= indexes[i].mirror->entryCount) continue;
+            const MirrorTree tree(indexes[i]);
+            tree.prefetchNode(static_cast<Ref>(std::max(row - ahead, 0)));
+            FreeNode(tree.node(static_cast<Ref>(row)), indexes[i].root->kinds);
+        }
     }
-    ClearMirror(*index.mirror);
-    *index.root = {0, TagRecord, 0, {}};
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (indexes[i].mirror == nullptr) {
+            FreeTree(*indexes[i].root);
+        } else {
+            ClearMirror(*indexes[i].mirror);
+            *indexes[i].root = {0, TagRecord, 0, {}};
+        }
+    }
 }
 
 }  // namespace tarn

@@ -88,8 +88,9 @@ public:
     void setChild(Ref row, int side, Ref child) {
         std::uint64_t& links = entries_[row].links;
         const std::uint32_t at = placeOf(side);
+        // What the node's own link holds is not read: the node may be far.
+        tree_.relink(nodeOf(links), side, node(child), linkOf(links, side) != 0);
         links = (links & ~(rowMask << at)) | std::uint64_t{child} << at;
-        tree_.setChild(node(row), side, node(child));
     }
     [[nodiscard]] int balance(Ref row) const { return balanceOf(entries_[row].links); }
     void setBalance(Ref row, int balance) {
@@ -127,6 +128,12 @@ public:
         if (at == 0) return;
         __builtin_prefetch(tarn_heap_base + at);
         __builtin_prefetch(NodeKey(at));
+    }
+
+    // The same for what linking a node at the end of a path writes to most often: the two nodes above it.
+    void prefetchEnd(const IndexPath& path) const {
+        for (std::int32_t i = path.depth - 1; i >= 0 && i >= path.depth - 2; --i)
+            tree_.prefetchToChange(node(path.nodes[i]), path.sides[i]);
     }
 
     [[nodiscard]] Offset node(Ref row) const { return nodeOf(entries_[row].links); }
@@ -194,7 +201,9 @@ void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key,
 void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key);
 // The row of the node that is sought; 0 for none. False: 763.
 bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row);
-void FreeTree(const IndexTree& index);
+// All trees of a table, row by row from the last one on: what is made next gets the same blocks in the order of
+// their addresses.
+void FreeTrees(const IndexTree* indexes, std::int32_t count);
 
 // ---- walks (index_walk.cpp) ----
 
