@@ -47,8 +47,9 @@ public:
     // links of a tree that do differ in nothing else.
     void relink(Offset node, int side, Offset child, bool led) {
         char* const link = linkAt(node, side);
+        static constexpr RecordDescriptor nowhere{0, TagRecord, 0, {}};
         if (child == 0)
-            WriteAt(link, RecordDescriptor{0, TagRecord, 0, {}});
+            std::memcpy(link, &nowhere, sizeof nowhere);
         else if (!led)
             std::memcpy(link, &link_, sizeof link_);
         WriteAt(link + offsetof(RecordDescriptor, data), child);
