@@ -15,7 +15,7 @@
 // A line has room for 16; one that is full loses one for each that it gets, so a key without a shortcut is
 // looked for in the tree. An entry of a line: the row below, bits of the hash above, 0 for none.
 //
-// Cost: 16 bytes a row, of shortcuts 5 to 8 more; a search by a shortcut is constant. A mirror that cannot get
+// Cost: 16 to 20 bytes a row, shortcuts 5 to 10 more; a search by a shortcut is constant. A mirror that cannot get
 // its memory is dropped without an error.
 #pragma once
 

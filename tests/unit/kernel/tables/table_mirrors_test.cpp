@@ -226,6 +226,25 @@ TEST_F(Mirrors, AWalkThatTurnsOrMeetsAChangeGoesOnFromItsKey) {
     expectTwins();
 }
 
+TEST_F(Mirrors, AWalkSeesWhatChangesAheadOfIt) {
+    make(five);
+    for (int n = 2; n <= 400; n += 2) add(n);
+    Cells at = row(0);
+    for (int step = 0; step < 150; ++step) {
+        find("NEXT", 0, keyOf(0, at));
+        at = cellsOf(out.get(), rowShape);
+        const int n = static_cast<int>(at[0].number);
+        if (step % 4 == 1) remove(0, {integer(n + 2)});
+        if (step % 4 == 2) add(n + 1);
+        if (step % 8 == 3)
+            both([&](TableDescriptor* t) {
+                TableUpdate(recordOf(row(n + 3)).get(), 1, recordOf({integer(n + 2)}).get(), t);
+            });
+        if (step % 50 == 49) both([](TableDescriptor* t) { TableRebuild(t); });
+    }
+    expectTwins();
+}
+
 TEST_F(Mirrors, AKeyThatChangesBehindTheTableIsFoundByTheOldOne) {
     make(five);
     fill(64);
