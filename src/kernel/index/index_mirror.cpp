@@ -7,21 +7,20 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 
 namespace tarn {
 
 namespace {
 
-using Ref = MirrorTree::Ref;
+using Ref = MirrorView::Ref;
 
 bool damaged() {
     SetError(ERR_INDEX_TYPE);
     return false;
 }
 
-MirrorTree::Key mirrorKey(const KeyView& key) {
-    return {HeadOfKey(key), key};
+MirrorView::Key mirrorKey(const KeyView& key) {
+    return {HeadOfKey(key), &key};
 }
 
 // ---- blocks ----
@@ -58,7 +57,7 @@ public:
           mark_(hash << MirroredRowBits), first_(hash >> (32 - MirroredRowBits) & (slotsOfLine - 1)) {}
 
     // The row with this key; 0 for one that has no shortcut.
-    [[nodiscard]] Ref find(const MirrorTree& tree, const MirrorTree::Key& key) const {
+    [[nodiscard]] Ref find(const MirrorView& tree, const MirrorView::Key& key) const {
         for (std::uint32_t i = 0; i < slotsOfLine; ++i) {
             const std::uint32_t differs = line_[slot(i)] ^ mark_;
             if (differs <= MostMirroredRow && differs != 0 && tree.order(key, differs) == 0) return differs;
@@ -92,7 +91,7 @@ void dropShortcuts(IndexMirror& mirror) {
     mirror.lineCount = mirror.missed = 0;
 }
 
-void makeShortcuts(const IndexTree& index, const MirrorTree& tree) {
+void makeShortcuts(const IndexTree& index, const MirrorView& tree) {
     IndexMirror& mirror = *index.mirror;
     mirror.missed = 0;
     const std::int32_t lines = mirror.entryCount / rowsOfNewLine + 1;
@@ -105,9 +104,9 @@ void makeShortcuts(const IndexTree& index, const MirrorTree& tree) {
     }
 }
 
-bool findEqual(const IndexTree& index, const MirrorTree& tree, const KeyView& view, Ref& found) {
+bool findEqual(const IndexTree& index, const MirrorView& tree, const KeyView& view, Ref& found) {
     IndexMirror& mirror = *index.mirror;
-    const MirrorTree::Key key = mirrorKey(view);
+    const MirrorView::Key key = mirrorKey(view);
     if (mirror.shortcuts == 0) {
         if (++mirror.missed >= mirror.entryCount / searchesOfRow) makeShortcuts(index, tree);
         return FindEqual(tree, key, found);
@@ -184,7 +183,7 @@ bool MirrorHas(const IndexMirror& mirror, std::int32_t row) {
 }
 
 std::string CheckMirror(const IndexTree& index) {
-    const MirrorTree mirror(index);
+    const MirrorView mirror(index);
     const MemoryTree tree(*index.root);
     if (mirror.node(mirror.root()) != tree.root()) return "the mirror has another root";
     if (mirror.has(0)) return "the mirror has an entry without a row";
@@ -220,12 +219,16 @@ namespace {
 
 // Where a search in a mirrored tree stands.
 struct Descent {
-    MirrorTree tree;
-    MirrorTree::Key key;
-    IndexPath* path;
-    Ref next;
-    Descent(const IndexTree& index, const KeyView& view, IndexPath& way)
-        : tree(index), key(mirrorKey(view)), path(&way), next(tree.root()) {
+    MirrorView tree;
+    MirrorView::Key key;
+    IndexPath* path = nullptr;
+    Ref next = 0;
+
+    void start(const IndexTree& index, const KeyView& view, IndexPath& way) {
+        tree = MirrorView(index);
+        key = mirrorKey(view);
+        path = &way;
+        next = tree.root();
         way.depth = 0;
         way.found = false;
     }
@@ -233,6 +236,7 @@ struct Descent {
     bool step() {
         if (path->depth == MaxTreeDepth) return false;
         next = tree.stepDown(key, *path, next);
+        if (next == 0) tree.prefetchEnd(*path);
         return true;
     }
     [[nodiscard]] bool isPrepared() const { return path->found || PrepareLink(tree, *path); }
@@ -242,7 +246,8 @@ struct Descent {
 
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path) {
     if (index.mirror == nullptr) return FindKey(*index.root, key, path);
-    Descent descent(index, key, path);
+    Descent descent;
+    descent.start(index, key, path);
     while (descent.next != 0) {
         if (!descent.step()) return damaged();
     }
@@ -253,20 +258,20 @@ namespace {
 
 // A step in each tree in turn, so that their waits for memory overlap.
 bool findMirrored(const TreeSearch* searches, std::int32_t count) {
-    std::optional<Descent> descents[MaxIndexes];
+    Descent descents[MaxIndexes];
     for (std::int32_t i = 0; i < count; ++i)
-        descents[i].emplace(searches[i].index, *searches[i].key, *searches[i].path);
+        descents[i].start(searches[i].index, *searches[i].key, *searches[i].path);
     for (bool going = true; going;) {
         going = false;
         for (std::int32_t i = 0; i < count; ++i) {
-            Descent& descent = *descents[i];
+            Descent& descent = descents[i];
             if (descent.next == 0) continue;
             if (!descent.step()) return damaged();
             going = true;
         }
     }
     return std::all_of(descents, descents + count,
-                       [](const auto& descent) { return descent->isPrepared() || damaged(); });
+                       [](const Descent& descent) { return descent.isPrepared() || damaged(); });
 }
 
 }  // namespace
@@ -294,11 +299,11 @@ bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, s
         row = node != 0 ? NodeRow(node) : 0;
         return true;
     }
-    const MirrorTree tree(index);
+    const MirrorView tree(index);
     Ref found = 0;
     bool whole = false;
     if (seek.end != 0 || seek.nearest != 0)
-        whole = SeekOnWalk(tree, index.mirror->walk, seek, {seek.end != 0 ? KeyHead() : HeadOfKey(key), key},
+        whole = SeekOnWalk(tree, index.mirror->walk, seek, {seek.end != 0 ? KeyHead() : HeadOfKey(key), &key},
                            found);
     else
         whole = findEqual(index, tree, key, found);
@@ -310,12 +315,12 @@ bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, s
 
 bool PrepareUnlinkNode(const IndexTree& index, IndexPath& path) {
     if (index.mirror == nullptr) return PrepareUnlinkNode(*index.root, path);
-    return PrepareUnlink(MirrorTree(index), path) || damaged();
+    return PrepareUnlink(MirrorView(index), path) || damaged();
 }
 
 Offset FoundNode(const IndexTree& index, const IndexPath& path) {
     const Ref found = path.nodes[path.at];
-    return index.mirror == nullptr ? found : MirrorTree(index).node(found);
+    return index.mirror == nullptr ? found : MirrorView(index).node(found);
 }
 
 void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node) {
@@ -344,18 +349,27 @@ void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key) {
     index.mirror->walk.count = 0;
 }
 
-void FreeTree(const IndexTree& index) {
-    if (index.mirror == nullptr) return FreeTree(*index.root);
-    const MirrorTree tree(index);
-    const FieldKinds kinds = index.root->kinds;
-    constexpr Ref ahead = 8;
-    const auto end = static_cast<Ref>(index.mirror->entryCount);
-    for (Ref row = 1; row < end; ++row) {
-        if (row + ahead < end) tree.prefetchNode(row + ahead);
-        FreeNode(tree.node(row), kinds);
+void FreeTrees(const IndexTree* indexes, std::int32_t count) {
+    constexpr std::int32_t ahead = 6;
+    std::int32_t rows = 0;
+    for (std::int32_t i = 0; i < count; ++i)
+        rows = std::max(rows, indexes[i].mirror != nullptr ? indexes[i].mirror->entryCount : 0);
+    for (std::int32_t row = rows - 1; row > 0; --row) {
+        for (std::int32_t i = count - 1; i >= 0; --i) {
+            if (indexes[i].mirror == nullptr || row >= indexes[i].mirror->entryCount) continue;
+            const MirrorView tree(indexes[i]);
+            tree.prefetchNode(static_cast<Ref>(std::max(row - ahead, 0)));
+            FreeNode(tree.node(static_cast<Ref>(row)), indexes[i].root->kinds);
+        }
     }
-    ClearMirror(*index.mirror);
-    *index.root = {0, TagRecord, 0, {}};
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (indexes[i].mirror == nullptr) {
+            FreeTree(*indexes[i].root);
+        } else {
+            ClearMirror(*indexes[i].mirror);
+            *indexes[i].root = {0, TagRecord, 0, {}};
+        }
+    }
 }
 
 }  // namespace tarn

@@ -15,7 +15,7 @@
 // A line has room for 16; one that is full loses one for each that it gets, so a key without a shortcut is
 // looked for in the tree. An entry of a line: the row below, bits of the hash above, 0 for none.
 //
-// Cost: 16 bytes a row, of shortcuts 5 to 8 more; a search by a shortcut is constant. A mirror that cannot get
+// Cost: 16 to 20 bytes a row, shortcuts 5 to 10 more; a search by a shortcut is constant. A mirror that cannot get
 // its memory is dropped without an error.
 #pragma once
 
@@ -65,42 +65,31 @@ struct IndexTree {
     IndexMirror* mirror = nullptr;
 };
 
-// Names a node by its row.
-class MirrorTree {
+// The tree for searches, which names a node by its row.
+class MirrorView {
 public:
     using Ref = std::uint32_t;
     struct Key {
         KeyHead head;
-        const KeyView& view;
+        const KeyView* view = nullptr;
     };
 
-    explicit MirrorTree(const IndexTree& index)
-        : mirror_(*index.mirror), entries_(entriesOf(mirror_)), tree_(*index.root) {}
-    MirrorTree(const IndexTree& index, const FieldKinds& nodeKinds, std::int32_t nodeBytes)
-        : mirror_(*index.mirror), entries_(entriesOf(mirror_)), tree_(*index.root, nodeKinds, nodeBytes) {}
+    MirrorView() = default;  // of nothing
+    explicit MirrorView(const IndexTree& index)
+        : mirror_(index.mirror), entries_(reinterpret_cast<MirrorEntry*>(At(index.mirror->entries))) {}
 
-    [[nodiscard]] Ref root() const { return mirror_.root; }
-    void setRoot(Ref row) {
-        mirror_.root = row;
-        tree_.setRoot(node(row));
-    }
+    [[nodiscard]] Ref root() const { return mirror_->root; }
     [[nodiscard]] Ref child(Ref row, int side) const { return linkOf(entries_[row].links, side); }
-    void setChild(Ref row, int side, Ref child) {
-        std::uint64_t& links = entries_[row].links;
-        const std::uint32_t at = placeOf(side);
-        links = (links & ~(rowMask << at)) | std::uint64_t{child} << at;
-        tree_.setChild(node(row), side, node(child));
+    [[nodiscard]] int balance(Ref row) const {
+        return static_cast<int>(entries_[row].links >> balanceAt & balanceMask) - 1;
     }
-    [[nodiscard]] int balance(Ref row) const { return balanceOf(entries_[row].links); }
-    void setBalance(Ref row, int balance) {
-        std::uint64_t& links = entries_[row].links;
-        links = (links & ~(balanceMask << balanceAt)) | static_cast<std::uint64_t>(balance + 1) << balanceAt;
-        tree_.setBalance(node(row), balance);
-    }
+    [[nodiscard]] Offset node(Ref row) const { return nodeOf(entries_[row].links); }
+    [[nodiscard]] std::uint64_t head(Ref row) const { return entries_[row].head; }
+    [[nodiscard]] bool has(Ref row) const { return entries_[row].links != 0; }
     [[nodiscard]] int order(const Key& key, Ref row) const {
         const std::uint64_t head = entries_[row].head;
         if (key.head.bits != head) return key.head.bits < head ? -1 : 1;
-        return key.head.whole ? 0 : AnyKey(key.view)(NodeKey(node(row)));
+        return key.head.whole ? 0 : AnyKey(*key.view)(NodeKey(node(row)));
     }
     // A step of a search that notes its way, without a jump that depends on what the keys are. 0 at its end.
     [[nodiscard]] Ref stepDown(const Key& key, IndexPath& path, Ref row) const {
@@ -122,46 +111,71 @@ public:
     [[nodiscard]] static bool checking() { return false; }  // with memory checking on there is no mirror
     [[nodiscard]] static bool dropsChanges() { return false; }
     [[nodiscard]] static bool sound(Ref) { return true; }
+
     void prefetchNode(Ref row) const {
         const Offset at = node(row);
         if (at == 0) return;
         __builtin_prefetch(tarn_heap_base + at);
         __builtin_prefetch(NodeKey(at));
     }
-
-    [[nodiscard]] Offset node(Ref row) const { return nodeOf(entries_[row].links); }
-    [[nodiscard]] bool has(Ref row) const { return entries_[row].links != 0; }
-    void enter(Ref row, std::uint64_t head, Offset node) {
-        entries_[row] = {head, std::uint64_t{node / nodeStep} << nodeAt | std::uint64_t{1} << balanceAt};
+    // What linking a node at the end of a path writes to most often: the two nodes above it.
+    void prefetchEnd(const IndexPath& path) const {
+        for (std::int32_t i = path.depth - 1; i >= 0 && i >= path.depth - 2; --i)
+            MemoryTree::prefetchToChange(node(path.nodes[i]), path.sides[i]);
     }
-    void leave(Ref row) { entries_[row] = {}; }
-    // The same in the entry alone, for a node that stands in the tree already.
-    void note(Ref row, Ref left, Ref right, int balance) {
-        entries_[row].links |= std::uint64_t{left} | std::uint64_t{right} << MirroredRowBits;
-        entries_[row].links += static_cast<std::uint64_t>(balance) << balanceAt;
-    }
-    [[nodiscard]] std::uint64_t head(Ref row) const { return entries_[row].head; }
 
-private:
+protected:
     static constexpr std::uint32_t balanceAt = 2 * MirroredRowBits, nodeAt = balanceAt + 2, nodeStep = 16;
     static constexpr std::uint64_t rowMask = MostMirroredRow, balanceMask = 3;
 
-    static MirrorEntry* entriesOf(const IndexMirror& mirror) {
-        return reinterpret_cast<MirrorEntry*>(At(mirror.entries));
-    }
     static constexpr std::uint32_t placeOf(int side) {
         return static_cast<std::uint32_t>(side) * MirroredRowBits;
     }
     static Ref linkOf(std::uint64_t links, int side) {
         return static_cast<Ref>(links >> placeOf(side) & rowMask);
     }
-    static int balanceOf(std::uint64_t links) {
-        return static_cast<int>(links >> balanceAt & balanceMask) - 1;
-    }
     static Offset nodeOf(std::uint64_t links) { return static_cast<Offset>(links >> nodeAt) * nodeStep; }
 
-    IndexMirror& mirror_;
-    MirrorEntry* entries_;
+    IndexMirror* mirror_ = nullptr;
+    MirrorEntry* entries_ = nullptr;
+};
+
+// The same for changes, which go to the nodes too.
+class MirrorTree : public MirrorView {
+public:
+    explicit MirrorTree(const IndexTree& index) : MirrorView(index), tree_(*index.root) {}
+    MirrorTree(const IndexTree& index, const FieldKinds& nodeKinds, std::int32_t nodeBytes)
+        : MirrorView(index), tree_(*index.root, nodeKinds, nodeBytes) {}
+
+    void setRoot(Ref row) {
+        mirror_->root = row;
+        tree_.setRoot(node(row));
+    }
+    void setChild(Ref row, int side, Ref child) {
+        std::uint64_t& links = entries_[row].links;
+        const std::uint32_t at = placeOf(side);
+        // What the node's own link holds is not read: the node may be far.
+        tree_.relink(nodeOf(links), side, node(child), linkOf(links, side) != 0);
+        links = (links & ~(rowMask << at)) | std::uint64_t{child} << at;
+    }
+    void setBalance(Ref row, int balance) {
+        std::uint64_t& links = entries_[row].links;
+        links = (links & ~(balanceMask << balanceAt)) | static_cast<std::uint64_t>(balance + 1) << balanceAt;
+        tree_.setBalance(node(row), balance);
+    }
+
+    // Entries alone.
+    void enter(Ref row, std::uint64_t head, Offset node) {
+        entries_[row] = {head, std::uint64_t{node / nodeStep} << nodeAt | std::uint64_t{1} << balanceAt};
+    }
+    void leave(Ref row) { entries_[row] = {}; }
+    // Of an entry that was just made, for a node that stands in the tree already.
+    void note(Ref row, Ref left, Ref right, int balance) {
+        entries_[row].links |= std::uint64_t{left} | std::uint64_t{right} << MirroredRowBits;
+        entries_[row].links += static_cast<std::uint64_t>(balance) << balanceAt;
+    }
+
+private:
     MemoryTree tree_;
 };
 
@@ -194,12 +208,14 @@ void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key,
 void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key);
 // The row of the node that is sought; 0 for none. False: 763.
 bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row);
-void FreeTree(const IndexTree& index);
+// All trees of a table, row by row from the last one on: what is made next gets the same blocks in the order of
+// their addresses.
+void FreeTrees(const IndexTree* indexes, std::int32_t count);
 
 // ---- walks (index_walk.cpp) ----
 
 // A search for an end or for a neighbour; 0 for none. False: 763.
-bool SeekOnWalk(const MirrorTree& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorTree::Key& key,
-                MirrorTree::Ref& row);
+bool SeekOnWalk(const MirrorView& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorView::Key& key,
+                MirrorView::Ref& row);
 
 }  // namespace tarn

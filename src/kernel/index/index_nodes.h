@@ -42,15 +42,17 @@ public:
     [[nodiscard]] Offset child(Offset node, int side) const {
         return ReadAt<Offset>(linkAt(node, side) + offsetof(RecordDescriptor, data));
     }
-    void setChild(Offset node, int side, Offset child) {
+    void setChild(Offset node, int side, Offset child) { relink(node, side, child, false); }
+    // The same. `led`: the link is known to lead somewhere, and then needs no more than another end, for the
+    // links of a tree that do differ in nothing else.
+    void relink(Offset node, int side, Offset child, bool led) {
         char* const link = linkAt(node, side);
-        char* const data = link + offsetof(RecordDescriptor, data);
-        // The links of a tree that lead somewhere differ in nothing else.
+        static constexpr RecordDescriptor nowhere{0, TagRecord, 0, {}};
         if (child == 0)
-            WriteAt(link, RecordDescriptor{0, TagRecord, 0, {}});
-        else if (ReadAt<Offset>(data) == 0)
+            std::memcpy(link, &nowhere, sizeof nowhere);
+        else if (!led)
             std::memcpy(link, &link_, sizeof link_);
-        WriteAt(data, child);
+        WriteAt(link + offsetof(RecordDescriptor, data), child);
     }
     [[nodiscard]] int balance(Offset node) const { return ReadAt<std::int32_t>(At(node) + balanceAt); }
     void setBalance(Offset node, int balance) { WriteAt(At(node) + balanceAt, std::int32_t{balance}); }
@@ -66,6 +68,10 @@ public:
     void prefetch(Offset node) const {
         __builtin_prefetch(linkAt(node, 0) + offsetof(RecordDescriptor, data));
         __builtin_prefetch(NodeKey(node));
+    }
+    static void prefetchToChange(Offset node, int side) {
+        __builtin_prefetch(At(node) + balanceAt, 1);
+        __builtin_prefetch(linkAt(node, side), 1);
     }
     // Each node is a block of its own.
     [[nodiscard]] std::int64_t most() const { return LiveBlocks(); }

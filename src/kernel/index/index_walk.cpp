@@ -7,10 +7,10 @@ namespace tarn {
 
 namespace {
 
-using Ref = MirrorTree::Ref;
+using Ref = MirrorView::Ref;
 
 // Goes on from the path's node to the last one on this side. False: too deep.
-bool goDown(const MirrorTree& tree, IndexPath& path, int side) {
+bool goDown(const MirrorView& tree, IndexPath& path, int side) {
     for (Ref next = tree.child(path.nodes[path.depth], side); next != 0; next = tree.child(next, side)) {
         path.sides[path.depth] = static_cast<std::uint8_t>(side);
         if (++path.depth == MaxTreeDepth) return false;
@@ -20,7 +20,7 @@ bool goDown(const MirrorTree& tree, IndexPath& path, int side) {
 }
 
 // From the path's node to its neighbour; `row` is 0 when it has none, and the path then of no use.
-bool goOn(const MirrorTree& tree, IndexPath& path, int side, Ref& row) {
+bool goOn(const MirrorView& tree, IndexPath& path, int side, Ref& row) {
     row = 0;
     if (const Ref child = tree.child(path.nodes[path.depth], side); child != 0) {
         path.sides[path.depth] = static_cast<std::uint8_t>(side);
@@ -36,7 +36,7 @@ bool goOn(const MirrorTree& tree, IndexPath& path, int side, Ref& row) {
 }
 
 // The way to the nearest key from the root.
-bool findNearest(const MirrorTree& tree, IndexPath& path, const TreeSeek& seek, const MirrorTree::Key& key) {
+bool findNearest(const MirrorView& tree, IndexPath& path, const TreeSeek& seek, const MirrorView::Key& key) {
     std::int32_t hit = -1;
     path.depth = 0;
     for (Ref node = tree.root(); node != 0;) {
@@ -54,7 +54,7 @@ bool findNearest(const MirrorTree& tree, IndexPath& path, const TreeSeek& seek, 
     return true;
 }
 
-bool findEnd(const MirrorTree& tree, IndexPath& path, int side) {
+bool findEnd(const MirrorView& tree, IndexPath& path, int side) {
     path.depth = tree.root() != 0 ? 0 : -1;
     path.nodes[0] = tree.root();
     return path.depth < 0 || goDown(tree, path, side);
@@ -68,7 +68,7 @@ void start(TreeWalk& walk, int side) {
 }
 
 // The walk goes on by one row, and looks ahead as far as it can.
-bool proceed(const MirrorTree& tree, TreeWalk& walk) {
+bool proceed(const MirrorView& tree, TreeWalk& walk) {
     std::copy(walk.rows + 1, walk.rows + walk.count, walk.rows);
     --walk.count;
     // A path that is at its end stays there: 0 follows, which ends the walk when its turn comes.
@@ -81,7 +81,7 @@ bool proceed(const MirrorTree& tree, TreeWalk& walk) {
 
 }  // namespace
 
-bool SeekOnWalk(const MirrorTree& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorTree::Key& key,
+bool SeekOnWalk(const MirrorView& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorView::Key& key,
                 Ref& row) {
     row = 0;
     const int side = seek.end != 0 ? seek.end < 0 : seek.nearest > 0;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables/table_access.h"
 
-#include "kernel/values/adt_kinds.h"
 #include "kernel/values/records.h"
 
 #include <cstring>
@@ -22,11 +21,6 @@ bool AcceptTable(const TableDescriptor* t) {
     if (!IsTable(t)) return Refuse(ERR_TABLE_TYPE);
     const ListDescriptor& rows = HeaderOf(*t).rows;
     return !IsHeldInFile(rows) || *At(rows.data) != 0 || Refuse(ERR_FILE_NOT_OPEN);
-}
-
-bool IsPlainRow(const RecordDescriptor* row, const RecordDescriptor& like) {
-    return row != nullptr && row->tag == TagRecord && row->size == like.size && row->data != 0 &&
-           std::memcmp(&row->kinds, &like.kinds, sizeof row->kinds) == 0 && HoldsNumbersOnly(like.kinds);
 }
 
 bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row) {

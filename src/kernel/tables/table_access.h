@@ -8,6 +8,7 @@
 #include "kernel/tables/tables.h"
 
 #include <cstddef>
+#include <cstring>
 
 namespace tarn {
 
@@ -53,7 +54,10 @@ bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap);
 // A record whose fields are there.
 bool IsWholeRecord(const RecordDescriptor* record);
 // A whole record of numbers alone that has the shape of another, which is whole: nothing but its bytes.
-bool IsPlainRow(const RecordDescriptor* row, const RecordDescriptor& like);
+inline bool IsPlainRow(const RecordDescriptor* row, const RecordDescriptor& like) {
+    return row != nullptr && row->tag == TagRecord && row->size == like.size && row->data != 0 &&
+           std::memcmp(&row->kinds, &like.kinds, sizeof row->kinds) == 0 && HoldsNumbersOnly(like.kinds);
+}
 bool IsZeroRecord(const RecordDescriptor& record);
 bool AcceptTable(const TableDescriptor* t);                                    // 762, 661
 bool AcceptTableRow(const TableHeader& header, const RecordDescriptor* row);   // 610, 611

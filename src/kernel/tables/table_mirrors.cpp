@@ -117,10 +117,12 @@ void TableTrees::prefetchWalk(std::int32_t index) const {
 void FreeTableTrees(TableHeader& header) {
     TableMirrors* const mirrors = mirrorsOf(header);
     const bool areTrue = mirrors != nullptr && mirrors->plainChanges == PlainTreeChanges;
+    IndexTree trees[MaxIndexes];
     for (std::int32_t i = 0; i < MaxIndexes; ++i) {
         const bool mirrored = areTrue && mirrors->indexes[i].entries != 0;
-        FreeTree({&header.roots[i], mirrored ? &mirrors->indexes[i] : nullptr});
+        trees[i] = {&header.roots[i], mirrored ? &mirrors->indexes[i] : nullptr};
     }
+    FreeTrees(trees, MaxIndexes);
     DropTableMirrors(header);
 }
 

@@ -96,9 +96,12 @@ void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordD
                RecordDescriptor* row) {
     KeyView view;
     bool found = false;
-    const bool good = AcceptTable(t) && AcceptRowOutput(HeaderOf(*t), row) &&
-                      AcceptTableKey(HeaderOf(*t), indexNumber, key, view) &&
-                      operations(HeaderOf(*t)).find(*t, indexNumber, {}, view, row, found);
+    bool good = AcceptTable(t);
+    if (good) {
+        const TableHeader& header = HeaderOf(*t);
+        good = AcceptRowOutput(header, row) && AcceptTableKey(header, indexNumber, key, view) &&
+               operations(header).find(*t, indexNumber, {}, view, row, found);
+    }
     if (good && !found) SetError(ERR_TABLE_NOT_FOUND);
     if (!found) ClearRowOutput(row);
 }

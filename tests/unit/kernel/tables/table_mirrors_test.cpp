@@ -194,6 +194,57 @@ TEST_F(Mirrors, EverySearchFindsWhatTheTreeHolds) {
     expectTwins();
 }
 
+TEST_F(Mirrors, AWalkComesToEveryRowBothWays) {
+    make(five);
+    fill(300);
+    for (int index = 0; index < 5; ++index) {
+        for (const auto& [first, next] : {std::pair("FIRST", "NEXT"), std::pair("LAST", "PREVIOUS")}) {
+            find(first, index, keyOf(index, row(0)));
+            for (int n = 0; n < 301; ++n) find(next, index, keyOf(index, cellsOf(out.get(), rowShape)));
+        }
+    }
+}
+
+TEST_F(Mirrors, AWalkThatTurnsOrMeetsAChangeGoesOnFromItsKey) {
+    make(five);
+    fill(200);
+    std::mt19937 random(11);
+    Cells at = row(100);
+    for (int step = 0; step < 3000 && !HasFailure(); ++step) {
+        const auto choice = static_cast<unsigned>(random() % 40);
+        const int index = static_cast<int>(random() % 50) == 0 ? step % 5 : 1,
+                  n = static_cast<int>(random() % 300);
+        find(choice < 30 ? "NEXT" : choice < 36 ? "PREVIOUS" : "GE", index, keyOf(index, at));
+        if (RecordFieldCount(out.get()) != 0 && takeError() == 0) at = cellsOf(out.get(), rowShape);
+        if (choice == 37) add(n);
+        if (choice == 38) remove(0, {integer(n)});
+        if (choice == 39)
+            both([&](TableDescriptor* t) {
+                TableUpdate(recordOf(row(n)).get(), 2, recordOf(keyOf(1, at)).get(), t);
+            });
+    }
+    expectTwins();
+}
+
+TEST_F(Mirrors, AWalkSeesWhatChangesAheadOfIt) {
+    make(five);
+    for (int n = 2; n <= 400; n += 2) add(n);
+    Cells at = row(0);
+    for (int step = 0; step < 150; ++step) {
+        find("NEXT", 0, keyOf(0, at));
+        at = cellsOf(out.get(), rowShape);
+        const int n = static_cast<int>(at[0].number);
+        if (step % 4 == 1) remove(0, {integer(n + 2)});
+        if (step % 4 == 2) add(n + 1);
+        if (step % 8 == 3)
+            both([&](TableDescriptor* t) {
+                TableUpdate(recordOf(row(n + 3)).get(), 1, recordOf({integer(n + 2)}).get(), t);
+            });
+        if (step % 50 == 49) both([](TableDescriptor* t) { TableRebuild(t); });
+    }
+    expectTwins();
+}
+
 TEST_F(Mirrors, AKeyThatChangesBehindTheTableIsFoundByTheOldOne) {
     make(five);
     fill(64);
