@@ -2,7 +2,10 @@
 //
 // No conversion changes a value in silence: what a file holds comes out as it went in, or a note says what
 // became of it.
+#include "os/text/ascii.h"
 #include "tarn_data/fixture.h"
+
+#include <sstream>
 
 namespace tarn::datatool {
 namespace {
@@ -325,6 +328,31 @@ TEST_F(Honest, WhatLooksLikeAMistakeIsHinted) {
     infoOf("\ta\tb\t\n\t1\t2\t\n");
     expectNote("File 'a.csv' has separators at both ends of its first line: they are taken as a frame");
     EXPECT_NE(output.find("columns: 2\n"), std::string::npos) << output;
+}
+
+// Rows go by one at a time, however many there are.
+TEST_F(Honest, MemoryStaysBounded) {
+    constexpr int rows = 400000, most = 64 * 1024;
+    std::string text = "id,name,price,note\n";
+    for (int i = 1; i <= rows; ++i)
+        text += std::to_string(i) + ",a name of some length," + std::to_string(i % 1000) + ".25,\"a note, y" +
+                std::string(static_cast<std::size_t>(i % 60), 'x') + "\"\n";
+    write("a.csv", text);
+    ASSERT_EQ(tarnData("info a.csv >t.type"), Well) << errors;
+    std::string commands;
+    for (const char* words : {"a.csv b.csv", "a.csv b.tab", "a.csv b.dbf", "b.dbf c.csv", "a.csv b.xml",
+                              "a.csv b.bin --type=t.type", "b.bin d.csv --type=t.type"})
+        commands += " '" + program() + " convert " + words + "'";
+    ASSERT_EQ(python("memory.py", "'" + program() + " info a.csv'" + commands + " >taken"), 0) << errors;
+    std::istringstream taken(read("taken"));
+    int lines = 0;
+    for (std::string line; std::getline(taken, line);) {
+        if (!ascii::isDigit(line[0])) continue;
+        EXPECT_LT(std::stoi(line), most) << line;
+        ++lines;
+    }
+    EXPECT_EQ(lines, 8);
+    for (const char* file : {"b.csv", "c.csv", "d.csv"}) EXPECT_TRUE(read(file) == text) << file;
 }
 
 // ---- encodings ----
