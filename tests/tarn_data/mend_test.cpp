@@ -109,6 +109,24 @@ TEST_F(Mending, TextsOfACodePageAndRowsWithoutAMarkAreNotTakenInSilence) {
     EXPECT_NE(read("d.csv").find("B\xE4r"), std::string::npos);
 }
 
+TEST_F(Mending, MemosAreRefusedAndNamedAsSuch) {
+    std::string file = dbf({" Ann   1.5"});
+    file[32 + 11] = 'M';
+    write("d.dbf", file);
+    EXPECT_EQ(tarnData("convert d.dbf d.csv"), Failed);
+    EXPECT_NE(errors.find("Xbase field number 1 is type M"), std::string::npos) << errors;
+    EXPECT_NE(errors.find("Memos stand in a file of their own, which is not read"), std::string::npos)
+        << errors;
+    EXPECT_FALSE(exists("d.csv"));
+}
+
+TEST_F(Mending, NoDbfFileIsToBeConvertedToAnotherEncodingAsAWhole) {
+    write("d.dbf", dbf({" B\xE4r   1.5"}));
+    EXPECT_EQ(tarnData("convert d.dbf d.xml"), Failed);
+    EXPECT_NE(errors.find("Write csv, and convert that to UTF-8 with iconv"), std::string::npos) << errors;
+    EXPECT_EQ(errors.find("iconv -f"), std::string::npos) << errors;
+}
+
 // Some programs fill files up to whole blocks.
 TEST_F(Mending, WhatStandsBehindTheMarkOfTheEndIsNoRowAndIsCutOff) {
     const std::string whole = dbf({" Ann   1.5", " Bob   2.5"});
