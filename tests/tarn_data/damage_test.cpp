@@ -262,6 +262,7 @@ protected:
             const bool known = !line.starts_with("note: ") ||
                                line.find("bytes behind the text of field") != std::string::npos ||
                                line.find("Reserved bytes of") != std::string::npos ||
+                               line.find("Its texts are in") != std::string::npos ||
                                line.find("The date of its last change is none") != std::string::npos ||
                                line.find(", field ") != std::string::npos ||
                                line.find("It has room for") != std::string::npos;

@@ -8,8 +8,6 @@
 
 #include <iterator>
 
-MODULE("propedit", tarn::DefaultErrorHandler, tarn::LeaveErrors)
-
 namespace tarn {
 namespace {
 

@@ -104,7 +104,7 @@ FileKind kindOf(const std::string& file) {
 bool isTableByIndex(const std::string& file) {
     constexpr std::size_t nameAt = 8, nameEnd = 49;
     const std::string index = IndexFileName(file, 1);
-    if (index == file || !os::infoOf(os::native(index)).exists) return false;
+    if (XbaseFileName(file) || index == file || !os::infoOf(os::native(index)).exists) return false;
     const std::string bytes = beginningOf(index);
     if (!beginsAsIndex(bytes) || bytes.size() < nameEnd) return false;
     const std::string_view name = paths::fileName(file).substr(0, MaxIndexTableName);

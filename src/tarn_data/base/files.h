@@ -26,7 +26,8 @@ std::string beginningOf(const std::string& file);
 enum class FileKind { Other, Index, Xbase };
 FileKind kindOf(const std::string& file);
 bool isIndexName(std::string_view file);  // its extension is one of i1 to i5
-// A file that cannot be told from others by its bytes, but has an index file beside it that names it.
+// A file that cannot be told from others by its bytes, but has an index file beside it that names it. Xbase
+// files can be told.
 bool isTableByIndex(const std::string& file);
 
 // A file that is read from one place on.

@@ -122,9 +122,11 @@ Problem xbaseRowType(const std::string& file, RowType& type) {
     ClearError();
     if (message.empty()) message = "Xbase file has no fields";
     const bool otherType = message.find("not a standard Xbase type") != std::string::npos;
+    const bool memo = message.find(" is type M ") != std::string::npos;
     return {fileWord(file) + "cannot be read: " + message + ".",
-            otherType ? "Known are the types C, D, L and N; write the others as one of these first."
-                      : "'tarn-data check' looks at the rest of it; a header is not mended."};
+            memo ? "Memos stand in a file of their own, which is not read; save the table without them first."
+            : otherType ? "Known are the types C, D, L and N; write the others as one of these first."
+                        : "'tarn-data check' looks at the rest of it; a header is not mended."};
 }
 
 std::int32_t rowBytes(const RowType& type) {

@@ -5,6 +5,7 @@
 #include "kernel/index/index_filecheck.h"
 #include "kernel/text/dates.h"
 #include "os/text/ascii.h"
+#include "tarn_data/base/codepage.h"
 #include "tarn_data/base/shown.h"
 #include "tarn_data/base/xbase.h"
 #include "tarn_data/commands/check_internal.h"
@@ -114,7 +115,7 @@ public:
 private:
     static std::string bytes(std::int64_t n) { return std::to_string(n) + (n == 1 ? " byte" : " bytes"); }
     void checkHead(std::string_view head) {
-        constexpr std::size_t part = 32, headAt = 12, fieldAt = 12, fieldEnd = 16, restAt = 18;
+        constexpr std::size_t part = 32, headAt = 12, pageAt = 29, fieldAt = 12, fieldEnd = 16, restAt = 18;
         constexpr char terminator = 13;
         const auto isZero = [&](std::size_t from, std::size_t to) {
             return head.substr(from, to - from).find_first_not_of('\0') == std::string_view::npos;
@@ -124,7 +125,10 @@ private:
         const bool whole = head.size() == static_cast<std::size_t>(header_.headerSize);
         if (whole && (head.size() <= (fields + 1) * part || head[(fields + 1) * part] != terminator))
             findings_.fault(name_, "Its list of fields has no end (a byte 13).");
-        if (!isZero(headAt, part)) findings_.note(name_, "Reserved bytes of its header are not 0.");
+        const std::string page = codePageOf(head);
+        if (!page.empty()) findings_.note(name_, "Its texts are in " + page + ".");
+        if (!isZero(headAt, pageAt) || !isZero(pageAt + 1, part))
+            findings_.note(name_, "Reserved bytes of its header are not 0.");
         for (std::size_t n = 1; n <= fields && head.size() >= (n + 1) * part; ++n) {
             if (isZero(n * part + fieldAt, n * part + fieldEnd) && isZero(n * part + restAt, (n + 1) * part))
                 continue;

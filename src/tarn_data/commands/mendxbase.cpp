@@ -16,10 +16,9 @@ constexpr char fieldsEnd = 13;
 constexpr std::int64_t descriptorBytes = 32;
 
 // Where marks are odd in rows that do not begin where the header says, data would be overwritten.
-bool mayBeMarks(const XbaseFile& file, std::int64_t odd) {
-    constexpr std::int64_t few = 8, share = 4;
-    const bool fits = file.counted() == file.whole() && file.behind() == 0;
-    return odd * share <= file.rows() || (fits && odd <= few);
+bool mayBeMarks(std::int64_t rows, std::int64_t odd) {
+    constexpr std::int64_t share = 4;
+    return odd * share <= rows;
 }
 
 Problem findMarks(XbaseFile& file, const std::string& name, XbaseDamage& damage) {
@@ -35,7 +34,7 @@ Problem findMarks(XbaseFile& file, const std::string& name, XbaseDamage& damage)
         if (row[0] != 0) ++odd;
     }
     if (file.error() != os::FileError::None) return unreadable(name, file.error());
-    if (mayBeMarks(file, odd)) return {};
+    if (mayBeMarks(rows, odd)) return {};
     return {
         fileWord(name) + std::to_string(odd) + " of its " + std::to_string(rows) +
             " rows have no mark of deletion, so that they may not begin where the header says.",

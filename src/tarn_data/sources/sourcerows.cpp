@@ -2,6 +2,8 @@
 //
 // What Xbase files and table files are as sources.
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "tarn_data/base/codepage.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/base/tables.h"
 #include "tarn_data/base/xbase.h"
 #include "tarn_data/sources/load.h"
@@ -29,8 +31,12 @@ public:
             if (row[0] == DeletedRow) ++source_.deletedRows;
             if (row[0] == DeletedRow && !source_.deleted) continue;
             ++source_.rowsSeen;
+            if (!isXbaseMark(row[0])) ++oddMarks_;
+            foreign_ = foreign_ || std::any_of(row.begin(), row.end(),
+                                               [](char c) { return static_cast<unsigned char>(c) > 127; });
         }
         const os::FileError error = file_.error();
+        if (error == os::FileError::None) tell();
         return error == os::FileError::None ? Problem() : unreadable(source_.file, error);
     }
     // `declared` are the columns of the declaration, the mark of deletion first.
@@ -42,6 +48,17 @@ public:
     }
 
 private:
+    void tell() {
+        std::string head;
+        const std::string page = foreign_ && file_.readHead(head) ? codePageOf(head) : std::string();
+        if (!page.empty())
+            note("The texts of '" + shown(source_.file) + "' are in " + page +
+                 ", as its header says, and are taken byte for byte.");
+        if (oddMarks_ > 0)
+            note(std::to_string(oddMarks_) + (oddMarks_ == 1 ? " row" : " rows") + " of '" +
+                 shown(source_.file) +
+                 "' without a mark of deletion taken, too; 'tarn-data check' tells which.");
+    }
     [[nodiscard]] std::string typeOf(std::int32_t n) const {
         const XbaseHeader& header = file_.header();
         switch (header.type[n]) {
@@ -53,6 +70,8 @@ private:
 
     XbaseFile& file_;
     Source& source_;
+    std::int64_t oddMarks_ = 0;
+    bool foreign_ = false;  // some text is not of ASCII
 };
 
 }  // namespace

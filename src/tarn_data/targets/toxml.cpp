@@ -104,6 +104,8 @@ private:
         return {};
     }
     [[nodiscard]] std::string otherEncoding() const {
+        // The lengths of fields would not be those of the new texts.
+        if (source_.format == FormatXbase) return "Write csv, and convert that to UTF-8 with iconv, or ";
         EncodingFacts facts;
         if (findEncoding(source_.file, facts).any() || facts.firstBad < 0) return "Write csv, or ";
         return "Convert the file that is read to UTF-8 first, if this is its encoding: " +

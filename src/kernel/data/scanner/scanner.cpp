@@ -14,6 +14,16 @@ namespace {
 
 constexpr std::size_t maxFilename = 255;
 
+// Unknown symbols, blanks and line ends never become the previous symbol, and a delimited symbol pushes none
+// there.
+void store(ScanState& s, const ScannerWork& work) {
+    const bool significant = s.symbol != SymbolUnknown && s.symbol != work.classIds[ClassWhitespace] &&
+                             s.symbol != work.classIds[ClassEol];
+    if (significant && s.terminator.empty()) std::swap(s.previousText, s.symbolText);
+    std::swap(s.symbolText, s.text);
+    s.symbol = s.found;
+}
+
 }  // namespace
 
 Scanner::Scanner() noexcept = default;
@@ -25,36 +35,24 @@ bool Scanner::prepare() {
     work_.reset(new (std::nothrow) ScannerWork);
     lacksMemory_ = work_ == nullptr;
     if (lacksMemory_) return false;
-    s_.symbolText.use(work_->texts[0]);
-    s_.previousText.use(work_->texts[1]);
-    s_.text.use(work_->texts[2]);
+    s_.symbolText = &work_->texts[0];
+    s_.previousText = &work_->texts[1];
+    s_.text = &work_->texts[2];
     clear();
     return true;
 }
 
 void Scanner::clear() {
-    if (work_ != nullptr) {
-        work_->lines.close();
-        work_->classIds.fill(SymbolUnknown);
-        work_->matcher.forget();
-        s_.line = work_->lines.begin();
-        s_.end = work_->lines.end();
-    }
-    s_.at = s_.from = s_.line;
+    if (work_ == nullptr) return;
+    work_->lines.close();
+    work_->classIds.fill(SymbolUnknown);
+    work_->matcher.forget();
+    for (ScannerText& text : work_->texts) text.clear();
+    s_.line = s_.at = s_.from = work_->lines.begin();
+    s_.end = work_->lines.end();
     s_.filename.clear();
     s_.ignoreCase = false;
     s_.lineNumber = s_.symbol = s_.symbolLine = s_.openLine = 0;
-    for (ScannerText* const text : {&s_.symbolText, &s_.previousText, &s_.text}) text->clear();
-}
-
-// Unknown symbols, blanks and line ends never become the previous symbol, and a delimited symbol pushes none
-// there.
-void Scanner::store() {
-    const bool significant = s_.symbol != SymbolUnknown && s_.symbol != work_->classIds[ClassWhitespace] &&
-                             s_.symbol != work_->classIds[ClassEol];
-    if (significant && s_.terminator.empty()) std::swap(s_.previousText, s_.symbolText);
-    std::swap(s_.symbolText, s_.text);
-    s_.symbol = s_.found;
 }
 
 ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, bool ignoreCase) {
@@ -76,19 +74,20 @@ void Scanner::close() {
 }
 
 ScanStatus Scanner::next(const SymbolTable* table) {
-    const std::int32_t line = s_.lineNumber;
-    if (!prepare()) {
+    if (work_ == nullptr && !prepare()) [[unlikely]] {
         s_.symbol = SymbolEndOfFile;
         return ScanClean;
     }
+    ScannerWork& work = *work_;
+    const std::int32_t line = s_.lineNumber;
     s_.table = table;
     s_.status = ScanClean;
-    work_->matcher.use(table, s_.ignoreCase);
-    do TakeSymbol(s_, *work_);
+    work.matcher.use(table, s_.ignoreCase);
+    do TakeSymbol(s_, work);
     while (s_.found == 0);
     s_.collect();
     if (s_.lineNumber != line) s_.note(ScanNewLine);
-    store();
+    store(s_, work);
     return s_.status;
 }
 
@@ -104,7 +103,7 @@ ScanStatus Scanner::skipChar() {
     }
     if (s_.lineNumber != line) s_.note(ScanNewLine);
     s_.symbol = 0;
-    s_.symbolText.clear();
+    if (s_.symbolText != nullptr) s_.symbolText->clear();
     return s_.status;
 }
 
@@ -112,7 +111,7 @@ void Scanner::skipBytes(std::int32_t count) {
     const std::ptrdiff_t left = s_.end - s_.at - 1;  // the end stays
     if (left > 0 && count > 0) s_.at += std::min<std::ptrdiff_t>(left, count);
     s_.symbol = 0;
-    s_.symbolText.clear();
+    if (s_.symbolText != nullptr) s_.symbolText->clear();
 }
 
 std::int64_t Scanner::bytesRead() const {

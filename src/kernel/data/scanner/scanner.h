@@ -111,8 +111,8 @@ public:
     [[nodiscard]] os::FileError fileError() const;
 
     // Valid until the scanner moves.
-    [[nodiscard]] std::string_view symbolStr() const { return s_.symbolText.view(); }
-    [[nodiscard]] std::string_view previousSymbolStr() const { return s_.previousText.view(); }
+    [[nodiscard]] std::string_view symbolStr() const { return ScanState::viewOf(s_.symbolText); }
+    [[nodiscard]] std::string_view previousSymbolStr() const { return ScanState::viewOf(s_.previousText); }
     // With its end; byte 26 alone at the end of the file.
     [[nodiscard]] std::string_view line() const { return ScanState::viewOf(s_.line, s_.end); }
     // The line from the position on.
@@ -133,7 +133,6 @@ public:
 private:
     bool prepare();
     void clear();
-    void store();
     void reportHere(ErrorRecord& record, std::int32_t code, std::string_view message) const;
 
     ScanState s_;

@@ -21,7 +21,7 @@ constinit const SymbolMatcher::Columns SymbolMatcher::folded = columnsOf(true);
 
 void SymbolMatcher::build(const SymbolTable* table, bool ignoreCase) {
     table_ = table;
-    changes_ = symbolTableChanges();
+    changes_ = symbolTableChanges;
     ignoreCase_ = ignoreCase;
     columns_ = ignoreCase ? &folded : &exact;
     for (std::size_t c = 0; c < SymbolClassCount; ++c)

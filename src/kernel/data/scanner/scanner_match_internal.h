@@ -25,7 +25,7 @@ class SymbolMatcher {
 public:
     // To be called before each scan.
     void use(const SymbolTable* table, bool ignoreCase) {
-        if (table == table_ && symbolTableChanges() == changes_ && ignoreCase == ignoreCase_) [[likely]]
+        if (table == table_ && symbolTableChanges == changes_ && ignoreCase == ignoreCase_) [[likely]]
             return;
         build(table, ignoreCase);
     }

@@ -64,13 +64,13 @@ bool Pass::isEnabled(SymbolClass symbolClass) const {
 // Behind what the text has so far.
 void Pass::add(std::string_view text) {
     s.collect();
-    s.text.append(text);
+    s.text->append(text);
 }
 
 // In place of what the text has so far.
 void Pass::replace(std::string_view text) {
-    s.text.clear();
-    s.text.append(text);
+    s.text->clear();
+    s.text->append(text);
     s.from = s.at;
 }
 
@@ -311,7 +311,7 @@ bool standsAlone(unsigned char c) {
 
 void Pass::run() {
     s.symbolLine = s.lineNumber;
-    s.text.clear();
+    s.text->clear();
     s.terminator = {};
     // Blanks that no one gets to see need no pass of their own.
     if (work.classIds[ClassWhitespace] == 0) takeWhile(ByteBlank);

@@ -11,9 +11,14 @@ namespace tarn {
 namespace {
 
 // Never ends: a program may end with a file open.
+Scanner* theScanner = nullptr;
+
+[[gnu::noinline]] Scanner& makeScanner() {
+    return *(theScanner = new Scanner);
+}
+
 Scanner& scanner() {
-    static Scanner* const theScanner = new Scanner;
-    return *theScanner;
+    return theScanner != nullptr ? *theScanner : makeScanner();
 }
 
 void copyCut(std::string_view text, char* buffer, std::int32_t size) {

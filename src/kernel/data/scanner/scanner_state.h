@@ -33,18 +33,21 @@ struct ScanState {
     std::int32_t lineNumber = 0;
     std::int32_t symbol = 0, symbolLine = 0;
     std::int32_t openLine = 0;  // where the last delimited symbol began that the file ended in
-    ScannerText symbolText, previousText;
+    ScannerText *symbolText = nullptr, *previousText = nullptr;  // null before the first opening
 
     // Of the scan that goes on. Its text is what stands in `text`, and then the line between `from` and `at`.
     const SymbolTable* table = nullptr;
     ScanStatus status = ScanClean;
     std::int32_t found = 0;
-    ScannerText text;
+    ScannerText* text = nullptr;
     const unsigned char* from = nullptr;
     std::string_view terminator;  // of a delimited symbol, else empty
 
     static std::string_view viewOf(const unsigned char* begin, const unsigned char* behind) {
         return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(behind - begin)};
+    }
+    static std::string_view viewOf(const ScannerText* text) {
+        return text != nullptr ? text->view() : std::string_view();
     }
     // The byte of the line that many bytes on; 0 behind the line.
     [[nodiscard]] unsigned char byteAhead(std::ptrdiff_t count) const {
@@ -55,7 +58,7 @@ struct ScanState {
         if (status == ScanClean) status = finding;
     }
     void collect() {
-        text.appendRun(from, at);
+        text->appendRun(from, at);
         from = at;
     }
 };

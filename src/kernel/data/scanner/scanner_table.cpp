@@ -11,6 +11,8 @@
 
 namespace tarn {
 
+std::uint64_t symbolTableChanges = 0;
+
 namespace {
 
 struct ClassName {
@@ -33,8 +35,6 @@ constexpr ClassName classNames[] = {
 static_assert(std::size(classNames) == SymbolClassCount);
 
 constexpr std::string_view classMark = "##", unknownName = "<Unknown>";
-
-std::uint64_t changes = 0;
 
 // Below 0, 0 or above 0, in the order of bytes.
 int compareKeys(std::string_view a, std::string_view b, bool ignoreCase) {
@@ -121,10 +121,6 @@ std::int32_t symbolClassId(const SymbolTable* table, SymbolClass symbolClass) {
     return entry != nullptr ? entry->id : SymbolUnknown;
 }
 
-std::uint64_t symbolTableChanges() {
-    return changes;
-}
-
 bool SymbolAdd(SymbolTable* table, std::int32_t id, const char* key, const char* terminator) {
     if (table == nullptr || key == nullptr || terminator == nullptr) return false;
     if (id < 0 || !isKey(key) || table->count >= MaxSymbols) return false;
@@ -140,7 +136,7 @@ bool SymbolAdd(SymbolTable* table, std::int32_t id, const char* key, const char*
         ++table->count;
     }
     *at = added;
-    ++changes;
+    ++symbolTableChanges;
     return true;
 }
 
@@ -153,7 +149,7 @@ void SymbolRemove(SymbolTable* table, std::string_view key) {
     std::copy(at + 1, end, at);
     end[-1] = SymbolEntry{};
     --table->count;
-    ++changes;
+    ++symbolTableChanges;
 }
 
 std::int32_t SymbolLookup(const SymbolTable* table, bool ignoreCase, std::string_view key) {

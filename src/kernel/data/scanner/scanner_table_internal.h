@@ -34,7 +34,7 @@ std::string_view symbolClassKey(SymbolClass symbolClass);
 // The id under which the table has a class; SymbolUnknown without one.
 std::int32_t symbolClassId(const SymbolTable* table, SymbolClass symbolClass);
 
-// Grows with every change of any table.
-std::uint64_t symbolTableChanges();
+// Grows with every change of any table. Not seen outside of the library, so that it is reached directly.
+[[gnu::visibility("hidden")]] extern std::uint64_t symbolTableChanges;
 
 }  // namespace tarn

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The text of a symbol: so many bytes, in memory that its owner gives; what does not fit is lost.
+// The text of a symbol: as many bytes as a line has; what does not fit is lost.
 #pragma once
 
 #include <cstddef>
@@ -16,29 +16,26 @@ inline constexpr std::size_t ScannerSlack = 16;
 
 class ScannerText {
 public:
-    static constexpr std::size_t Limit = MaxScannerLine;
-    using Bytes = char[Limit + ScannerSlack];
-
-    void use(Bytes& bytes) { bytes_ = bytes; }
     [[nodiscard]] std::string_view view() const { return {bytes_, length_}; }
     void clear() { length_ = 0; }
     void append(std::string_view text) {
-        text = text.substr(0, Limit - length_);
+        text = text.substr(0, limit - length_);
         std::memcpy(bytes_ + length_, text.data(), text.size());
         length_ += text.size();
     }
     // Of a line, behind which there is slack: nearly all runs are short.
     void appendRun(const unsigned char* from, const unsigned char* end) {
         const auto count = static_cast<std::size_t>(end - from);
-        if (count > ScannerSlack || length_ + count > Limit)
+        if (count > ScannerSlack || length_ + count > limit)
             return append({reinterpret_cast<const char*>(from), count});
         std::memcpy(bytes_ + length_, from, ScannerSlack);
         length_ += count;
     }
 
 private:
-    char* bytes_ = nullptr;
+    static constexpr std::size_t limit = MaxScannerLine;
     std::size_t length_ = 0;
+    char bytes_[limit + ScannerSlack];  // not cleared
 };
 
 }  // namespace tarn

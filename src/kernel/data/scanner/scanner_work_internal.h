@@ -17,7 +17,7 @@ struct ScannerWork {
     LineReader lines;
     SymbolMatcher matcher;
     std::array<std::int32_t, SymbolClassCount> classIds;  // as they were when the file was opened
-    ScannerText::Bytes texts[3];                          // not cleared
+    ScannerText texts[3];
 };
 
 void NextLine(ScanState& s, ScannerWork& work);

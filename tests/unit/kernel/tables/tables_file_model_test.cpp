@@ -11,7 +11,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t mostRows = 150;
-constexpr int stepsOfRun = 15000;
+constexpr int stepsOfRun = 15000, checkedSteps = 1000;
 
 // boolean, enum, integer, fixed, real, text, characters, longer text
 const Cells rowShape = {flag(false), ordinal(0),   integer(0),        fixedNumber(0),
@@ -150,6 +150,7 @@ TEST_P(FileTableModels, TheTableDoesAsItsModelAndAsATableInMemory) {
             change(growing);
         else
             look();
+        if (step <= checkedSteps) expectWhole();  // the indexes, too
         if (step % 150 == 0) expectSame();
         if (step % 500 == 0) turnOver();
         if (HasFailure()) ADD_FAILURE() << "step " << step;
