@@ -222,6 +222,48 @@ TEST_F(TarnDataXml, CharacterReferencesAreCharacters) {
 
 // ---- large files ----
 
+TEST_F(TarnDataXml, HostileSizesAreRefused) {
+    const std::string longText(17 << 20, 'x');
+    std::string lines;
+    for (std::size_t at = 0; at < longText.size(); at += 100) lines += longText.substr(at, 100) + "\n";
+    EXPECT_NE(
+        csvOf("<l><r>" + lines + "</r><r/></l>").find("Character data at this nesting level is too long"),
+        std::string::npos);
+    std::string rows;
+    for (int i = 0; i < 1100; ++i)
+        rows += "<r><a>1</a><b" + std::to_string(i) + ">2</b" + std::to_string(i) + "></r>\n";
+    csvOf("<l>" + rows + "</l>");
+    EXPECT_TRUE(errors.find("there are more than 1000 columns.") != std::string::npos ||
+                errors.find("too large or too deeply nested") != std::string::npos)
+        << errors;
+}
+
+// Whenever the signal comes, the target is the old one or the new one.
+TEST_F(TarnDataXml, AStoppedConversionLeavesTheTargetAsItWas) {
+    std::string text = "<l>\n";
+    for (int i = 1; i <= 60000; ++i) text += "<r><id>" + std::to_string(i) + "</id><n>a name</n></r>\n";
+    write("a.xml", text + "</l>\n");
+    EXPECT_EQ(tarnData("convert a.xml whole.csv"), Well) << errors;
+    int stopped = 0;
+    for (int i = 0; i < 20; ++i) {
+        write("b.csv", "as it was");
+        const std::string delay = "0." + std::to_string(i / 10) + std::to_string(i % 10);
+        const int status = python("interrupt.py", delay + " " + program() + " convert a.xml b.csv");
+        EXPECT_EQ(read("b.csv"), status == Well ? read("whole.csv") : "as it was");
+        if (errors.find("Stopped.") != std::string::npos) ++stopped;
+    }
+    EXPECT_GT(stopped, 0);
+}
+
+TEST_F(TarnDataXml, LongWorkShowsItsProgressOnATerminal) {
+    std::string text = "<l>\n";
+    for (int i = 1; i <= 400000; ++i) text += "<r><id>" + std::to_string(i) + "</id><n>a name</n></r>\n";
+    write("a.xml", text + "</l>\n");
+    EXPECT_EQ(python("terminal.py", program() + " info a.xml"), Well) << errors;
+    EXPECT_NE(output.find("reading a.xml: "), std::string::npos) << output;
+    EXPECT_NE(output.find(" %"), std::string::npos);
+}
+
 TEST_F(TarnDataXml, MemoryDoesNotGrowWithTheFile) {
     std::string text = "<rows>\n";
     for (int i = 1; i <= 150000; ++i)

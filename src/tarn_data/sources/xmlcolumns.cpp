@@ -9,7 +9,7 @@ namespace tarn::datatool {
 
 namespace {
 
-constexpr std::size_t none = static_cast<std::size_t>(-1);
+constexpr std::size_t none = static_cast<std::size_t>(-1), mostColumns = 1000;
 
 // Columns by name. Rows mostly have their cells in the order of the columns.
 class Places {
@@ -69,6 +69,10 @@ public:
             places_.beginRow();
             for (std::size_t n = 0; n < rows_.cells(); ++n)
                 if (!take(rows_.cell(n))) return repeatedCell(source_, rows_, rows_.cell(n).name);
+            if (columns_.names.size() > mostColumns)
+                return {fileWord(source_.file) + "line " + std::to_string(rows_.line()) +
+                            ": there are more than " + std::to_string(mostColumns) + " columns.",
+                        "Look whether its elements are rows."};
         }
         addLeftOut(columns_, rows_.attributes(), "attribute around the rows", "attributes around the rows");
         addLeftOut(columns_, rows_.texts(), "text beside elements", "texts beside elements");

@@ -2,7 +2,7 @@
 //
 // The columns of an XML file: every name that a cell of a row has, in the order in which they stand there. Rows
 // need not have all of them, nor in one order; what is missing is an empty cell. A row that has two cells of one
-// name fits no table.
+// name fits no table, and a file with more than 1000 names is none of rows.
 //
 // Cost: one pass over the file to find the columns, one for each reading of the rows; in memory a row.
 #pragma once

@@ -4,7 +4,8 @@
 // value. The reader does not validate and treats bytes as characters; it is meant for data, not documents.
 // docs/formats/xml.md has the limits and what the writer writes.
 //
-// The file is scanned by the one scanner of the process (scanner.h), so only one is read at a time.
+// The operations here have one reader, so only one of them reads a file at a time; readers that one makes for
+// oneself (xml_reader.h) are free of that.
 //
 // What goes wrong is told in an error record (the first failure, with line and position), never in the error
 // cell, and the read goes on to the end of the file: codes 671 to 674, 981 to 989, 602, 618, 619, 635 and 637

@@ -100,6 +100,25 @@ void readEntity(const XmlPass& pass, std::string_view text, XmlReference& refere
     reference.length = closed ? end + 1 : end;
 }
 
+// An element with a text between its tags, all in one line.
+struct Plain {
+    std::string_view name, text;
+    [[nodiscard]] std::size_t size() const { return 2 * name.size() + text.size() + 4; }  // without the `<`
+};
+
+// At the name of an element.
+bool findPlain(std::string_view rest, Plain& plain) {
+    std::size_t length = 1;
+    while (XmlIsNamePart(rest[length])) ++length;
+    if (rest[length] != '>') return false;
+    plain.name = rest.substr(0, length);
+    std::size_t end = length + 1;
+    while (!isMark(rest[end])) ++end;
+    plain.text = rest.substr(length + 1, end - length - 1);
+    if (rest[end] != '<' || rest[end + 1] != '/') return false;
+    return rest.substr(end + 2).starts_with(plain.name) && rest[end + 2 + length] == '>';
+}
+
 class Content {
 public:
     Content(XmlPass& pass, XmlTarget target, XmlGivenFields& given, std::size_t name)
@@ -265,9 +284,11 @@ private:
             return;
         }
         const std::int32_t line = pass_.scan.lineNumber();
-        pass_.scan.skipBytes(1);
         if (++count_ == 1) firstChild();
-        const XmlTarget destination = target_.value != nullptr ? children_.destination() : XmlTarget{};
+        const bool bare = target_.value == nullptr;
+        if (bare && passPlainChild(line)) return;
+        pass_.scan.skipBytes(1);
+        const XmlTarget destination = bare ? XmlTarget{} : children_.destination();
         if (plainChild(destination, line)) return;
         if (pass_.events != nullptr) return walkedChild();
         XmlElementResult result;
@@ -292,30 +313,33 @@ private:
             pass_.names.resize(nameEnd_);
         }
     }
-    // A text between its tags in one line, as most children are, goes from the line to its destination.
+    // Most children are plain: they go from the line to their destination.
     bool plainChild(XmlTarget destination, std::int32_t line) {
         if (destination.value != nullptr && !destination.takesText()) return false;
-        const std::string_view rest = pass_.scan.remainder();
-        std::size_t length = 1;
-        while (XmlIsNamePart(rest[length])) ++length;
-        if (rest[length] != '>') return false;
-        const std::string_view child = rest.substr(0, length);
-        std::size_t end = length + 1;
-        while (!isMark(rest[end])) ++end;
-        if (!rest.substr(end).starts_with("</") || !rest.substr(end + 2).starts_with(child)) return false;
-        if (rest[end + 2 + length] != '>') return false;
-        pass_.scan.skipBytes(static_cast<std::int32_t>(end + 2));
-        const std::string_view text = rest.substr(length + 1, end - length - 1);
-        if (pass_.events != nullptr) tell(child, line, text);
-        if (destination.value != nullptr) XmlBindText(pass_, destination, text);
-        pass_.scan.skipBytes(static_cast<std::int32_t>(length + 1));
-        if (types_) {
-            XmlElementResult result;
-            result.typeText = DataValueLine(text, child, {}, {});
-            types_->add(pass_, name(), child, line, result);
-        }
-        if (target_.value != nullptr) children_.add(count_, name(), child, {});
+        Plain plain;
+        if (!findPlain(pass_.scan.remainder(), plain)) return false;
+        const std::size_t rest = plain.name.size() + 1;  // of the end tag
+        pass_.scan.skipBytes(static_cast<std::int32_t>(plain.size() - rest));
+        if (destination.value != nullptr) XmlBindText(pass_, destination, plain.text);
+        pass_.scan.skipBytes(static_cast<std::int32_t>(rest));
+        addType(plain, line);
+        children_.add(count_, name(), plain.name, {});
         return true;
+    }
+    // The same where there is no value at all, from the `<` on.
+    bool passPlainChild(std::int32_t line) {
+        Plain plain;
+        if (!findPlain(pass_.scan.remainder().substr(1), plain)) return false;
+        if (pass_.events != nullptr) tell(plain.name, line, plain.text);
+        pass_.scan.skipBytes(static_cast<std::int32_t>(plain.size() + 1));
+        addType(plain, line);
+        return true;
+    }
+    void addType(const Plain& plain, std::int32_t line) {
+        if (!types_) return;
+        XmlElementResult result;
+        result.typeText = DataValueLine(plain.text, plain.name, {}, {});
+        types_->add(pass_, name(), plain.name, line, result);
     }
     void tell(std::string_view child, std::int32_t line, std::string_view text) {
         pass_.events->start(child, line);

@@ -256,9 +256,13 @@ ErrorRecord XmlReader::startWalk(const std::string& filename, XmlEvents& events,
     return XmlReading{*this, filename, nullptr, 0, XmlTableForm::Rows, &events, characters}.begin().error;
 }
 
+bool XmlReader::isWalking() const {
+    return reading_ && work_->pass->events != nullptr;
+}
+
 bool XmlReader::walkOn(std::int32_t depth) {
     using Place = Work::Place;
-    if (!reading_ || work_->place == Place::End) return false;
+    if (!isWalking() || work_->place == Place::End) return false;
     const ErrorCellAside aside;
     XmlPass& pass = *work_->pass;
     const bool inside = work_->place == Place::Content || enterDocument(pass, work_->open);
@@ -270,7 +274,7 @@ bool XmlReader::walkOn(std::int32_t depth) {
 }
 
 XmlReadResult XmlReader::endWalk() {
-    if (!reading_) return {};
+    if (!isWalking()) return {};
     const ErrorCellAside aside;
     return XmlReading::end(*this);
 }

@@ -69,7 +69,7 @@ public:
     // The same in parts. An error: nothing was started. Each `walkOn` goes on to behind the end of an element
     // that stands `depth` deep (the outermost: 1); false at the end of the walk. Between two of them the
     // reader stands in the middle of its file, for as long as is wanted. `endWalk`, which may come early,
-    // closes the file and gives what the whole walk found.
+    // closes the file and gives what the whole walk found. Events must not go on with, or end, their own walk.
     ErrorRecord startWalk(const std::string& filename, XmlEvents& events,
                           XmlCharacters characters = XmlCharacters::Bytes);
     bool walkOn(std::int32_t depth);
@@ -79,6 +79,7 @@ private:
     friend struct XmlReading;
     struct Work;
     bool prepare();
+    [[nodiscard]] bool isWalking() const;
 
     std::unique_ptr<Work> work_;  // from the first file on
     bool reading_ = false;

@@ -201,6 +201,26 @@ TEST_F(XmlReaderTest, TwoFilesAreReadInTurns) {
     EXPECT_EQ(problem(two.endWalk().error), "");
 }
 
+XmlReader* busy = nullptr;
+
+TEST_F(XmlReaderTest, ALoadIsNoWalk) {
+    std::string text = "<l>\n";
+    while (text.size() < std::size_t{2 * ProgressStep})
+        text += "<r><a>1</a></r>\n" + std::string(200, ' ') + "\n";
+    disk.put(file, text + "</l>");
+    XmlReader reader;
+    busy = &reader;
+    UseProgress([](std::int64_t, std::int64_t) {
+        EXPECT_TRUE(busy->isReading());
+        EXPECT_FALSE(busy->walkOn(1));
+        EXPECT_EQ(busy->endWalk().error.code, 0);
+        return true;
+    });
+    std::string structure;
+    EXPECT_EQ(problem(reader.read(file, nullptr, KindNone, &structure, MaxTypeInfo).error), "");
+    EXPECT_EQ(structure.substr(0, 9), "l : list\n");
+}
+
 TEST_F(XmlReaderTest, AWalkLeavesTheErrorCellAsItIsAndIsStoppedByTheUser) {
     std::string text = "<l>\n";
     while (text.size() < std::size_t{2 * ProgressStep}) text += "<r><a>1</a></r>\n";
