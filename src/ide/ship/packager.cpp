@@ -37,6 +37,8 @@ constexpr Face faces[] = {
     {"bitmapbutton4", "Create\ninstaller", "installer1.ico"},
     {"bitmapbutton5", "Help", "help95.ico"},
     {"bitmapbutton6", "Close\nwindow", "exit3.ico"},
+    {"bitmapbutton7", "Copy to\n.deb", "package1.ico"},
+    {"bitmapbutton8", "Proof of\npackage", "proof1.ico"},
 };
 // A row as it is shown: the name and the size of a file.
 std::string rowOf(const std::string& path) {
@@ -67,8 +69,8 @@ constexpr DialogButton buttons[] = {
     {"bitmapbutton2", doAndLook<packager::copyToFolder>},
     {"bitmapbutton3", doAndLook<packager::copyToZip>},
     {"bitmapbutton4", doAndLook<packager::createInstaller>},
-    {"pushbutton1", doAndLook<packager::copyToDeb>},
-    {"pushbutton2", doAndLook<packager::proof>},
+    {"bitmapbutton7", doAndLook<packager::copyToDeb>},
+    {"bitmapbutton8", doAndLook<packager::proof>},
 };
 
 void load(const Object& window) {

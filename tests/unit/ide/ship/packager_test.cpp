@@ -154,8 +154,8 @@ TEST_F(PackagerTest, WhatAPackageTellsIsProposedByThePropertiesAndKeptBesideTheP
         platform::userCommand(*platform::findControl(FINDCONTROL(deb, control)));
     };
     doings = {[&] {
-                  press("pushbutton1");
-                  press("pushbutton1");
+                  press("bitmapbutton7");
+                  press("bitmapbutton7");
                   press("bitmapbutton6");
               },
               [&] {
