@@ -13,8 +13,21 @@ def delimited(name, separator):
         return [row for row in csv.reader(file, delimiter=separator)]
 
 
+# The names of all rows: one that a row adds stands behind the one ahead of it there.
+def merged(rows):
+    names, known = [], set()
+    for row in rows:
+        place = 0
+        for name in row:
+            if name not in known:
+                names.insert(place, name)
+                known.add(name)
+            place = names.index(name) + 1
+    return names
+
+
 # A row is an element in the outermost one, or in the first one inside of it; its cells are its elements, or its
-# attributes.
+# attributes, by their names.
 def marked(name):
     root = xml.etree.ElementTree.parse(name).getroot()
     rows = list(root)
@@ -22,11 +35,11 @@ def marked(name):
         rows = list(rows[0])
     first = rows[0]
     if len(first):
-        names = [cell.tag for cell in first]
-        return [names] + [[cell.text or '' for cell in row] for row in rows]
+        names = merged([cell.tag for cell in row] for row in rows)
+        return [names] + [[row.findtext(n, '') for n in names] for row in rows]
     if 'type' in first.attrib or not first.attrib:
         return [[first.tag]] + [[row.text or ''] for row in rows]
-    names = list(first.attrib)
+    names = merged(row.attrib for row in rows)
     return [names] + [[row.attrib.get(n, '') for n in names] for row in rows]
 
 
