@@ -37,7 +37,7 @@ def marked(name):
     if len(first):
         names = merged([cell.tag for cell in row] for row in rows)
         return [names] + [[row.findtext(n, '') for n in names] for row in rows]
-    if 'type' in first.attrib or not first.attrib:
+    if first.attrib.keys() <= {'type', 'index'}:
         return [[first.tag]] + [[row.text or ''] for row in rows]
     names = merged(row.attrib for row in rows)
     return [names] + [[row.attrib.get(n, '') for n in names] for row in rows]
