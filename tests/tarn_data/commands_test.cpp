@@ -460,7 +460,7 @@ TEST_F(TarnData, AStoppedConversionLeavesTheTargetAsItWas) {
 
 TEST_F(TarnData, LongWorkShowsItsProgressOnATerminalOnly) {
     std::string text = "id,name\n";
-    for (int i = 1; i <= 2000000; ++i) text += std::to_string(i) + ",a name of some length\n";
+    for (int i = 1; i <= 6000000; ++i) text += std::to_string(i) + ",a name of some length\n";
     write("big.csv", text);
     EXPECT_EQ(python("terminal.py", program() + " info big.csv"), Well) << errors;
     EXPECT_NE(output.find("reading big.csv: "), std::string::npos) << output;

@@ -131,6 +131,7 @@ TEST_F(ToolAfterDeaths, CheckTellsWhichRowWasBeingReplacedAndRebuildFinishesIt) 
         EXPECT_NE(said().find("row 2 was being replaced: replaced."), std::string::npos) << said();
         EXPECT_EQ(said().find("cut off"), std::string::npos) << said();
         for (const std::string& name : names()) EXPECT_EQ(name.find(".torn"), std::string::npos);
+        table = closedTable(layout_->maps, layout_->maxlength);
         ASSERT_EQ(open(layout_->file), 0);
         EXPECT_TRUE(sameCells(rows()[1], newRow(60)));
     }

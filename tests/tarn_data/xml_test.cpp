@@ -257,7 +257,7 @@ TEST_F(TarnDataXml, AStoppedConversionLeavesTheTargetAsItWas) {
 
 TEST_F(TarnDataXml, LongWorkShowsItsProgressOnATerminal) {
     std::string text = "<l>\n";
-    for (int i = 1; i <= 400000; ++i) text += "<r><id>" + std::to_string(i) + "</id><n>a name</n></r>\n";
+    for (int i = 1; i <= 1600000; ++i) text += "<r><id>" + std::to_string(i) + "</id><n>a name</n></r>\n";
     write("a.xml", text + "</l>\n");
     EXPECT_EQ(python("terminal.py", program() + " info a.xml"), Well) << errors;
     EXPECT_NE(output.find("reading a.xml: "), std::string::npos) << output;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The packager: the window that hands the output files of a program to its users, on floppy disks, in a folder, in a zip
-// file or as an installer (library/ship/copyutil.h does it). The main class and the list stand in the window.
+// file, as an installer or as a Debian package (library/ship/copyutil.h does it), and proves what was made. The main class and the list stand in the window.
 //
 // The folder that stands for the floppy disk drive is the setting PackagerDlg/FloppyFolder; FloppyCapacity and FloppyUnit
 // are the bytes of a disk and of its allocation unit. Without a folder the user is asked for it, once.

@@ -11,6 +11,7 @@
 //   bool reachable(Ref)               whether a node can stand there
 //   bool sound(Ref)                   whether a node that can be one stands there
 //   int64 most()                      how many nodes there can be
+// `reachable` and `most` only where `checking` can be true.
 //
 // Sides are 0 (left, lower keys) and 1 (right). Functions that give a bool have changed nothing, and found
 // damage (763) when it is false. A change goes in two steps, so that what it needs can be got ready in

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The walk along a mirrored tree, from row to row.
 #include "kernel/index/index_mirror.h"
 
 #include <algorithm>

@@ -46,7 +46,7 @@ struct FrameRecord {
 };
 
 struct FrameStack {
-    std::int32_t count;  // goes on rising above MaxFrames; the frames beyond are not recorded
+    std::int32_t count;  // goes on rising above MaxFrames; the frames beyond are not recorded here
     FrameRecord frames[MaxFrames];
 };
 

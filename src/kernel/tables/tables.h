@@ -25,7 +25,7 @@
 // that is not there or has another key, and the codes of files (651 to 656).
 //
 // Cost: a row by number is constant, by key logarithmic; adding and deleting is logarithmic for each index.
-// In files each operation opens the files that it needs, one after another.
+// In files each operation opens the files that it needs, each once, unless they are held (TableHold).
 #pragma once
 
 #include "kernel/index/indexes.h"

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Brings the output files of a program to its users: on floppy disks, into a folder, into a zip file, or as an installer.
+// Brings the output files of a program to its users: on floppy disks, into a folder, into a zip file, as an installer or as
+// a Debian package.
 // `files` is a list as in copylist.h. Each command asks and tells under the caption of `owner`, shows in its label
 // "lblwait", if it has one, what it is doing, and can be stopped by the user while it works. It stops at its first failure
-// with a box; what stood under the name of a zip file or an installer is kept then. True: all has been done.
+// with a box; what stood under the name of the one file that it makes is kept then. True: all has been done.
 //
 // The programs that they need lie beside this one, else on PATH, as `zip.exe` or `zip`.
 #pragma once

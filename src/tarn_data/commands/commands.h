@@ -5,8 +5,10 @@
 //
 //   commands/  arguments        the command line
 //              info             the command of that name; convert, check and rebuild likewise
+//              looking          what info and convert see of a source before they act, and their notes
+//              checkxbase       check of an Xbase file; mendxbase its rebuild
 //              patient          what is known of a file before it is mended, and whether it may be
-//   sources/   source           what a file is, and its columns
+//   sources/   source           what a file is, and its columns; sourcerows those of Xbase and table files
 //              layout           how a delimited file is laid out
 //              delimited        its rows
 //              xmlsource        what an XML file is; xmlrows its rows, xmlcolumns its columns, xmlencoding
@@ -17,8 +19,10 @@
 //   targets/   target           which form is written, and how
 //              totext           rows of cells as delimited text and lines; toxml, toxbase and totable likewise
 //   base/      files            reading files, and what they are at first sight
-//              encoding         in which encoding a text is
+//              encoding         in which encoding a text is; codepage that of an Xbase file
 //              shown            texts of files in messages
+//              names            names of columns that the language takes
+//              problem          what went wrong, and what to do
 //              rows             tables of rows on their way
 //              xbase            Xbase files as they stand
 //              rowtype          declarations of rows
@@ -106,7 +110,6 @@ struct Source {
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
     XmlRows xmlRows;                     // XML: which elements are the rows
-    std::vector<std::int32_t> longest;   // of each column: characters of its texts; empty: not known
     bool text = false, deleted = false;  // as the arguments say
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
@@ -121,9 +124,8 @@ std::string declaration(const std::string& file, std::string_view columns);
 std::string separatorName(std::int32_t separator);
 // Every column as text.
 std::string textColumns(std::string_view columns);
-// The rows of a file of values or of XML with these columns. Strings have no upper length here, unless the
-// rows are those of a table file or go into one (`exact`): memory goes by what they hold.
-Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows);
+// The rows of an Xbase or table file as those of a table file with these columns.
+Problem loadRows(const Source& source, std::string_view columns, Rows& rows);
 
 // ---- targets ----
 

@@ -123,7 +123,7 @@ Problem copyValues(Conversion& c) {
     std::string columns = c.target.type.columns;
     Problem problem = fitColumns(c.source, columnNames(repairedNames(c.source.columns)), c.target.type);
     Rows rows;
-    if (!problem.any()) problem = loadRows(c.source, columns, true, rows);
+    if (!problem.any()) problem = loadRows(c.source, columns, rows);
     return problem.any() ? problem : saveTable(c.target, rows);
 }
 

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-//
 #include "tarn_data/sources/digits.h"
 
 #include "kernel/text/fixed.h"

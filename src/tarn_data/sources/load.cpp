@@ -55,32 +55,12 @@ Problem makeFileRows(std::string_view columns, Rows& rows) {
 
 namespace {
 
-// Columns of text with the length of their longest text, where they have none of their own; "" when a length
-// cannot be told.
-std::string withLengths(const Source& source, std::string_view columns) {
-    std::string text;
-    const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
-    for (std::int32_t n = 1; n <= lines; ++n) {
-        const TypeInfoElement element = TypeInfoParseLine(columns, n);
-        const bool open =
-            TypeInfoKind(element.typeName) == KindString && element.bounds.lb1 == TypeInfoNoValue;
-        if (open && source.longest.empty()) return {};
-        const auto column = static_cast<std::size_t>(n - 1);
-        const std::int32_t length =
-            open && column < source.longest.size() ? std::max(source.longest[column], 1) : 1;
-        text +=
-            open ? element.name + " : string[" + std::to_string(length) + "]\n" : TypeInfoLine(columns, n);
-    }
-    return text;
-}
-
 // In memory when that has room.
-Problem makeRowsFor(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+Problem makeRowsFor(const Source& source, std::string_view columns, Rows& rows) {
     constexpr std::int64_t leastLine = 2;
     const std::int64_t size = os::sizeOf(os::native(source.file));
     const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
-    const std::string sized = fitsMemory(expected) ? std::string() : withLengths(source, columns);
-    return sized.empty() ? makeRows(columns, exact, rows) : makeFileRows(sized, rows);
+    return fitsMemory(expected) ? makeRows(columns, true, rows) : makeFileRows(columns, rows);
 }
 
 std::string rowOf(const Source& source, std::int32_t row) {
@@ -112,9 +92,9 @@ Problem loadProblem(const Source& source, const DataResult& result, const std::s
     }
 }
 
-Problem loadRows(const Source& source, std::string_view columns, bool exact, Rows& rows) {
+Problem loadRows(const Source& source, std::string_view columns, Rows& rows) {
     if (source.format == FormatBinary) return loadTable(source, columns, rows);
-    Problem problem = makeRowsFor(source, columns, exact, rows);
+    Problem problem = makeRowsFor(source, columns, rows);
     if (problem.any()) return problem;
     return loadXbase(source, rows);
 }

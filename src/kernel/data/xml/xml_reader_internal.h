@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the modules of the XML reader share: the state of one read, and the steps that they are made of. The grammar is spread as: xml_prolog.cpp (up to the first element), xml_element.cpp (tags and
-// attributes), xml_content.cpp (what stands between tags); xml_bind.cpp puts data into values and
+// What the modules of the XML reader share: the state of one read, and the steps that they are made of (xml_steps.cpp).
+// The grammar is spread over xml_prolog.cpp (up to the first element), xml_element.cpp (tags and attributes),
+// xml_content.cpp (what stands between tags) and xml_entities.cpp; xml_bind.cpp puts data into values, and
 // xml_types.cpp makes type information text of the structure.
 //
 // Errors that operations on values leave in the error cell are taken from there into the record at once:
@@ -144,7 +145,7 @@ struct XmlElementResult {
     std::string index;
 };
 
-// ---- steps (xml_read.cpp) ----
+// ---- steps (xml_steps.cpp) ----
 
 // At the place of the scanner.
 void XmlReport(XmlPass& pass, std::int32_t code, std::string_view message);
