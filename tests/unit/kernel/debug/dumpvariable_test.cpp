@@ -4,6 +4,7 @@
 #include "kernel/lists/lists.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/values/strings.h"
+#include "unit/kernel/debug/debuggedvalues.h"
 #include "unit/kernel/debug/shownvalues_fixture.h"
 
 #include <filesystem>
@@ -11,22 +12,9 @@
 #include <string>
 
 using namespace tarn;
+using namespace tarn::debugged;
 
 namespace {
-
-using model::Array;
-using model::List;
-using model::Number;
-using model::Real;
-using model::Record;
-using model::Set;
-using model::Text;
-
-ValueModel characters(std::string_view text) {
-    std::vector<ValueModel> parts;
-    for (const char c : text) parts.push_back(Number(KindEnum, static_cast<unsigned char>(c)));
-    return Array({{1, static_cast<std::int32_t>(text.size())}}, Number(KindEnum, 0), parts);
-}
 
 class DumpedVariable : public FrameValues {
 protected:

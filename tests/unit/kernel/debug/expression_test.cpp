@@ -6,6 +6,7 @@
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/tables.h"
 #include "kernel/values/strings.h"
+#include "unit/kernel/debug/debuggedvalues.h"
 #include "unit/kernel/debug/framevariables_fixture.h"
 
 #include <filesystem>
@@ -13,20 +14,9 @@
 #include <string>
 
 using namespace tarn;
+using namespace tarn::debugged;
 
 namespace {
-
-using model::Array;
-using model::List;
-using model::Number;
-using model::Real;
-using model::Record;
-using model::Set;
-using model::Text;
-
-ValueModel integer(std::int64_t number) {
-    return Number(KindInteger, number);
-}
 
 class Expressions : public FrameValues {
 protected:

@@ -3,13 +3,12 @@
 // Values that tests of the debugger show.
 #pragma once
 
+#include "unit/kernel/debug/debuggedvalues.h"
 #include "unit/kernel/debug/framevariables_fixture.h"
 
 namespace tarn {
 
-inline ValueModel integer(std::int64_t number) {
-    return model::Number(KindInteger, number);
-}
+using debugged::integer;
 inline ValueModel integers(std::int32_t count) {
     std::vector<ValueModel> parts;
     for (std::int32_t i = 1; i <= count; ++i) parts.push_back(integer(i));

@@ -6,6 +6,7 @@
 #include "kernel/tables/tables.h"
 #include "kernel/values/strings.h"
 #include "support/steerable.h"
+#include "unit/kernel/debug/debuggedvalues.h"
 #include "unit/kernel/debug/shownvalues_fixture.h"
 
 #include <algorithm>
@@ -15,22 +16,11 @@
 #include <vector>
 
 using namespace tarn;
+using namespace tarn::debugged;
 using platform::types::DEBUG_CHANGED;
 using platform::types::DebugMarker;
 
 namespace {
-
-using model::Array;
-using model::List;
-using model::Number;
-using model::Record;
-using model::Text;
-
-ValueModel characters(std::string_view text) {
-    std::vector<ValueModel> parts;
-    for (const char c : text) parts.push_back(Number(KindEnum, static_cast<unsigned char>(c)));
-    return Array({{1, static_cast<std::int32_t>(text.size())}}, Number(KindEnum, 0), parts);
-}
 
 class ShownValues : public FrameValues {
 protected:

@@ -3,8 +3,8 @@
 #include "kernel/lists/lists.h"
 #include "kernel/tables/tables.h"
 #include "kernel/values/strings.h"
+#include "unit/kernel/debug/debuggedvalues.h"
 #include "unit/kernel/filelists_fixture.h"
-#include "unit/kernel/values_fixture.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -12,37 +12,17 @@
 #include <vector>
 
 using namespace tarn;
+using namespace tarn::debugged;
 
 namespace {
 
-using model::Array;
-using model::List;
-using model::Number;
-using model::Real;
-using model::Record;
-using model::Set;
-using model::Text;
-
 constexpr std::uint32_t compact = VALUE_BRACES | VALUE_BLANKS;
 
-ValueModel integer(std::int64_t number) {
-    return Number(KindInteger, number);
-}
-ValueModel integers(const std::vector<std::int64_t>& numbers, std::int32_t maxlength = UNBOUNDED) {
-    std::vector<ValueModel> parts;
-    for (const std::int64_t number : numbers) parts.push_back(integer(number));
-    return List(integer(0), parts, maxlength);
-}
 ValueModel array(std::int32_t lower, const std::vector<std::int64_t>& numbers, std::int32_t maxlength = 0) {
     std::vector<ValueModel> parts;
     for (const std::int64_t number : numbers) parts.push_back(integer(number));
     const auto upper = lower + static_cast<std::int32_t>(numbers.size()) - 1;
     return Array({{lower, upper}}, integer(0), parts, maxlength);
-}
-ValueModel characters(std::string_view text, std::int32_t maxlength = 0) {
-    std::vector<ValueModel> parts;
-    for (const char c : text) parts.push_back(Number(KindEnum, static_cast<unsigned char>(c)));
-    return Array({{1, static_cast<std::int32_t>(text.size())}}, Number(KindEnum, 0), parts, maxlength);
 }
 ValueModel unsized(const ValueModel& element) {
     return Array({}, element, {}, DYNAMIC_BOUNDS);

@@ -4,7 +4,7 @@
 #include "kernel/debug/valuetext.h"
 #include "kernel/tables/tables.h"
 #include "kernel/values/strings.h"
-#include "unit/kernel/values_fixture.h"
+#include "unit/kernel/debug/debuggedvalues.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -13,22 +13,12 @@
 #include <vector>
 
 using namespace tarn;
+using namespace tarn::debugged;
 
 namespace {
 
-using model::Array;
-using model::List;
-using model::Number;
-using model::Real;
-using model::Record;
-using model::Set;
-using model::Text;
-
 constexpr std::uint32_t compact = VALUE_BRACES | VALUE_BLANKS;
 
-ValueModel integer(std::int64_t number) {
-    return Number(KindInteger, number);
-}
 class ValueRoundTrip : public Values {};
 
 class RandomValues {

@@ -4,42 +4,22 @@
 #include "kernel/lists/lists.h"
 #include "kernel/tables/tables.h"
 #include "kernel/values/strings.h"
+#include "unit/kernel/debug/debuggedvalues.h"
 #include "unit/kernel/filelists_fixture.h"
-#include "unit/kernel/values_fixture.h"
 
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 using namespace tarn;
+using namespace tarn::debugged;
 
 namespace {
-
-using model::Array;
-using model::List;
-using model::Number;
-using model::Real;
-using model::Record;
-using model::Set;
-using model::Text;
 
 constexpr std::uint32_t braces = VALUE_BRACES, blanks = VALUE_BLANKS, lines = VALUE_NEWLINES,
                         indent = VALUE_INDENT, rows = VALUE_ROWS, chars = VALUE_CHARACTERS,
                         toNul = VALUE_TO_NUL, hex = VALUE_HEX;
 
-ValueModel integer(std::int64_t number) {
-    return Number(KindInteger, number);
-}
-ValueModel integers(const std::vector<std::int64_t>& numbers) {
-    std::vector<ValueModel> parts;
-    for (const std::int64_t number : numbers) parts.push_back(integer(number));
-    return List(integer(0), parts);
-}
-ValueModel characters(std::string_view text) {
-    std::vector<ValueModel> parts;
-    for (const char c : text) parts.push_back(Number(KindEnum, static_cast<unsigned char>(c)));
-    return Array({{1, static_cast<std::int32_t>(text.size())}}, Number(KindEnum, 0), parts);
-}
 std::string textOf(const ValueModel& model, std::uint32_t flags = 0) {
     const OddValue value(model);
     return ValueText(value.at(), model.kind, flags);
