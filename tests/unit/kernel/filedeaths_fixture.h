@@ -102,6 +102,16 @@ protected:
         return all;
     }
 
+    // Each operation by its number on a table of each layout, until one fails.
+    template <class Visit>
+    void eachOperation(Visit visit) {
+        for (const Layout& layout : layouts) {
+            start(layout, 6);
+            const std::size_t count = operations().size();
+            for (std::size_t which = 0; which < count && !HasFailure(); ++which) visit(layout, which);
+        }
+    }
+
     // The operation has either worked or changed nothing.
     void expectDoneOrNot(const Operation& operation, std::int32_t error) {
         Rows after = model_;

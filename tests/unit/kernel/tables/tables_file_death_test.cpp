@@ -18,96 +18,80 @@ using os::FileError;
 // ---- failing ----
 
 TEST_F(TableDeaths, AfterAFailureAtAnyCallTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            for (const FileError failure : {FileError::WriteFailed, FileError::DiskFull, FileError::Denied}) {
-                bool failed = true;
-                for (int call = 1; failed && !HasFailure(); ++call) {
-                    start(layout, 6);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
-                                 std::to_string(call));
-                    files().failAt(call, failure);
-                    const std::int32_t error = operation.run();
-                    failed = files().calls() >= call;
-                    failedCall_ = failed ? files().log()[static_cast<std::size_t>(call) - 1] : "";
-                    files().stopFailing();
-                    EXPECT_TRUE(error == 0 || error == 652 || error == 654) << error;
-                    EXPECT_TRUE(failed || error == 0);
-                    expectDoneOrNot(operation, error);
-                }
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        for (const FileError failure : {FileError::WriteFailed, FileError::DiskFull, FileError::Denied}) {
+            bool failed = true;
+            for (int call = 1; failed && !HasFailure(); ++call) {
+                start(layout, 6);
+                const Operation operation = operations()[which];
+                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
+                             std::to_string(call));
+                files().failAt(call, failure);
+                const std::int32_t error = operation.run();
+                failed = files().calls() >= call;
+                failedCall_ = failed ? files().log()[static_cast<std::size_t>(call) - 1] : "";
+                files().stopFailing();
+                EXPECT_TRUE(error == 0 || error == 652 || error == 654) << error;
+                EXPECT_TRUE(failed || error == 0);
+                expectDoneOrNot(operation, error);
             }
         }
-    }
+    });
 }
 
 TEST_F(TableDeaths, AfterAReadingThatFailsTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            for (const FileCall kind : {FileCall::Read, FileCall::OpenRead}) {
-                int quiet = 0;  // calls behind the last are not there
-                for (int call = 1; quiet < 3 && !HasFailure(); ++call) {
-                    start(layout, 6);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
-                                 std::to_string(call));
-                    files().failAt(kind, call, FileError::ReadFailed);
-                    const std::int32_t error = operation.run();
-                    files().stopFailing();
-                    quiet = error == 0 ? quiet + 1 : 0;
-                    EXPECT_TRUE(error == 0 || error == 651) << error;
-                    expectDoneOrNot(operation, error);
-                }
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        for (const FileCall kind : {FileCall::Read, FileCall::OpenRead}) {
+            int quiet = 0;  // calls behind the last are not there
+            for (int call = 1; quiet < 3 && !HasFailure(); ++call) {
+                start(layout, 6);
+                const Operation operation = operations()[which];
+                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
+                             std::to_string(call));
+                files().failAt(kind, call, FileError::ReadFailed);
+                const std::int32_t error = operation.run();
+                files().stopFailing();
+                quiet = error == 0 ? quiet + 1 : 0;
+                EXPECT_TRUE(error == 0 || error == 651) << error;
+                expectDoneOrNot(operation, error);
             }
         }
-    }
+    });
 }
 
 TEST_F(TableDeaths, OnADiskThatIsFullAtAnyByteTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            std::int32_t error = 654;
-            // Whole index files are made anew by some: not every byte of them.
-            for (int room = 0; error != 0 && !HasFailure(); room += room < 200 ? 1 : 97) {
-                start(layout, 6);
-                const Operation operation = operations()[which];
-                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", bytes " +
-                             std::to_string(room));
-                files().setFreeBytes(room);
-                error = operation.run();
-                files().stopFailing();
-                EXPECT_TRUE(error == 0 || error == 654) << error;
-                expectDoneOrNot(operation, error);
-            }
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        std::int32_t error = 654;
+        // Whole index files are made anew by some: not every byte of them.
+        for (int room = 0; error != 0 && !HasFailure(); room += room < 200 ? 1 : 97) {
+            start(layout, 6);
+            const Operation operation = operations()[which];
+            SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", bytes " +
+                         std::to_string(room));
+            files().setFreeBytes(room);
+            error = operation.run();
+            files().stopFailing();
+            EXPECT_TRUE(error == 0 || error == 654) << error;
+            expectDoneOrNot(operation, error);
         }
-    }
+    });
 }
 
 TEST_F(TableDeaths, AfterALackOfMemoryTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            std::int32_t error = 802;
-            for (int request = 0; error != 0 && !HasFailure(); ++request) {
-                start(layout, 6);
-                const Operation operation = operations()[which];
-                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", request " +
-                             std::to_string(request));
-                FailAllocation(request);
-                error = operation.run();
-                FailAllocation(-1);
-                EXPECT_TRUE(error == 0 || error == 802) << error;
-                expectDoneOrNot(operation, error);
-            }
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        std::int32_t error = 802;
+        for (int request = 0; error != 0 && !HasFailure(); ++request) {
+            start(layout, 6);
+            const Operation operation = operations()[which];
+            SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", request " +
+                         std::to_string(request));
+            FailAllocation(request);
+            error = operation.run();
+            FailAllocation(-1);
+            EXPECT_TRUE(error == 0 || error == 802) << error;
+            expectDoneOrNot(operation, error);
         }
-    }
+    });
 }
 
 TEST_F(TableDeaths, OpeningANewTableThatFailsLeavesNoFiles) {
@@ -138,36 +122,32 @@ TEST_F(TableDeaths, OpeningANewTableThatFailsLeavesNoFiles) {
 // ---- dying ----
 
 TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            for (const Ending& ending : endings) {
-                for (const bool midway : {false, true}) {
-                    bool died = true;
-                    for (int call = 1; died && !HasFailure(); ++call) {
-                        start(layout, 6);
-                        close();
-                        ASSERT_EQ(open(layout.file), 0);
-                        const Operation operation = operations()[which];
-                        SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
-                                     (midway ? ", in call " : ", before call ") + std::to_string(call));
-                        Rows after = model_;
-                        operation.model(after);
-                        died = !dieIn(operation, call, midway);
-                        end(ending);
-                        const bool good = look().empty();
-                        EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
-                        mend();
-                        EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << rows().size();
-                        if (!died && !ending.machine) {
-                            EXPECT_TRUE(good && same(rows(), after));
-                        }
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        for (const Ending& ending : endings) {
+            for (const bool midway : {false, true}) {
+                bool died = true;
+                for (int call = 1; died && !HasFailure(); ++call) {
+                    start(layout, 6);
+                    close();
+                    ASSERT_EQ(open(layout.file), 0);
+                    const Operation operation = operations()[which];
+                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
+                                 (midway ? ", in call " : ", before call ") + std::to_string(call));
+                    Rows after = model_;
+                    operation.model(after);
+                    died = !dieIn(operation, call, midway);
+                    end(ending);
+                    const bool good = look().empty();
+                    EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
+                    mend();
+                    EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << rows().size();
+                    if (!died && !ending.machine) {
+                        EXPECT_TRUE(good && same(rows(), after));
                     }
                 }
             }
         }
-    }
+    });
 }
 
 // It opens as it was or without rows, and needs no mending.

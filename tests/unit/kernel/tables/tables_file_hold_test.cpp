@@ -267,115 +267,98 @@ TEST_F(HeldTables, WhatAnotherProgramChangesIsSeenByOneThatRemembers) {
 // ---- failing and dying ----
 
 TEST_F(HeldTables, AfterAFailureAtAnyCallTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            for (const FileError failure : {FileError::WriteFailed, FileError::DiskFull}) {
-                bool failed = true;
-                for (int call = 1; failed && !HasFailure(); ++call) {
-                    startHeld(layout);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
-                                 std::to_string(call));
-                    files().failAt(call, failure);
-                    const std::int32_t error = operation.run();
-                    failed = files().calls() >= call;
-                    failedCall_ = failed ? files().log()[static_cast<std::size_t>(call) - 1] : "";
-                    files().stopFailing();
-                    EXPECT_TRUE(error == 0 || error == 652 || error == 654) << error;
-                    EXPECT_TRUE(failed || error == 0);
-                    expectWhole();
-                    EXPECT_EQ(release(), 0);
-                    expectDoneOrNot(operation, error);
-                }
-            }
-        }
-    }
-}
-
-TEST_F(HeldTables, AfterAReadingThatFailsTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            for (const FileCall kind : {FileCall::Read, FileCall::OpenRead}) {
-                int quiet = 0;  // calls behind the last are not there
-                for (int call = 1; quiet < 3 && !HasFailure(); ++call) {
-                    startHeld(layout);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
-                                 std::to_string(call));
-                    files().failAt(kind, call, FileError::ReadFailed);
-                    const std::int32_t error = operation.run();
-                    files().stopFailing();
-                    quiet = error == 0 ? quiet + 1 : 0;
-                    EXPECT_TRUE(error == 0 || error == 651) << error;
-                    EXPECT_EQ(release(), 0);
-                    expectDoneOrNot(operation, error);
-                }
-            }
-        }
-    }
-}
-
-TEST_F(HeldTables, OnADiskThatIsFullAtAnyByteTheTableIsAsItWas) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            std::int32_t error = 654;
-            for (std::int64_t free = 0; error != 0 && !HasFailure(); free += 7) {
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        for (const FileError failure : {FileError::WriteFailed, FileError::DiskFull}) {
+            bool failed = true;
+            for (int call = 1; failed && !HasFailure(); ++call) {
                 startHeld(layout);
                 const Operation operation = operations()[which];
-                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", free " +
-                             std::to_string(free));
-                files().setFreeBytes(free);
-                error = operation.run();
+                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
+                             std::to_string(call));
+                files().failAt(call, failure);
+                const std::int32_t error = operation.run();
+                failed = files().calls() >= call;
+                failedCall_ = failed ? files().log()[static_cast<std::size_t>(call) - 1] : "";
                 files().stopFailing();
-                files().setFreeBytes(std::int64_t{1} << 40);
-                EXPECT_TRUE(error == 0 || error == 654 || error == 652) << error;
-                failedCall_.clear();
+                EXPECT_TRUE(error == 0 || error == 652 || error == 654) << error;
+                EXPECT_TRUE(failed || error == 0);
+                expectWhole();
                 EXPECT_EQ(release(), 0);
                 expectDoneOrNot(operation, error);
             }
         }
-    }
+    });
+}
+
+TEST_F(HeldTables, AfterAReadingThatFailsTheTableIsAsItWas) {
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        for (const FileCall kind : {FileCall::Read, FileCall::OpenRead}) {
+            int quiet = 0;  // calls behind the last are not there
+            for (int call = 1; quiet < 3 && !HasFailure(); ++call) {
+                startHeld(layout);
+                const Operation operation = operations()[which];
+                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", call " +
+                             std::to_string(call));
+                files().failAt(kind, call, FileError::ReadFailed);
+                const std::int32_t error = operation.run();
+                files().stopFailing();
+                quiet = error == 0 ? quiet + 1 : 0;
+                EXPECT_TRUE(error == 0 || error == 651) << error;
+                EXPECT_EQ(release(), 0);
+                expectDoneOrNot(operation, error);
+            }
+        }
+    });
+}
+
+TEST_F(HeldTables, OnADiskThatIsFullAtAnyByteTheTableIsAsItWas) {
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        std::int32_t error = 654;
+        for (std::int64_t free = 0; error != 0 && !HasFailure(); free += 7) {
+            startHeld(layout);
+            const Operation operation = operations()[which];
+            SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", free " + std::to_string(free));
+            files().setFreeBytes(free);
+            error = operation.run();
+            files().stopFailing();
+            files().setFreeBytes(std::int64_t{1} << 40);
+            EXPECT_TRUE(error == 0 || error == 654 || error == 652) << error;
+            failedCall_.clear();
+            EXPECT_EQ(release(), 0);
+            expectDoneOrNot(operation, error);
+        }
+    });
 }
 
 TEST_F(HeldTables, AfterADeathAtAnyCallEveryRowComesBack) {
-    for (const Layout& layout : layouts) {
-        start(layout, 6);
-        const std::size_t count = operations().size();
-        for (std::size_t which = 0; which < count; ++which) {
-            for (const Ending& ending : endings) {
-                for (const bool midway : {false, true}) {
-                    bool died = true;
-                    for (int call = 1; died && !HasFailure(); ++call) {
-                        start(layout, 6);
-                        close();
-                        ASSERT_EQ(open(layout.file), 0);
-                        ASSERT_EQ(hold(), 0);
-                        const Operation operation = operations()[which];
-                        SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
-                                     (midway ? ", in call " : ", before call ") + std::to_string(call));
-                        Rows after = model_;
-                        operation.model(after);
-                        died = !dieIn(operation, call, midway);
-                        if (!died) {
-                            files().dieAt(0);
-                            EXPECT_EQ(release(), 0);
-                        }
-                        end(ending);
-                        const bool good = look().empty();
-                        EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
-                        mend();
-                        EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << rows().size();
+    eachOperation([this](const Layout& layout, std::size_t which) {
+        for (const Ending& ending : endings) {
+            for (const bool midway : {false, true}) {
+                bool died = true;
+                for (int call = 1; died && !HasFailure(); ++call) {
+                    start(layout, 6);
+                    close();
+                    ASSERT_EQ(open(layout.file), 0);
+                    ASSERT_EQ(hold(), 0);
+                    const Operation operation = operations()[which];
+                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
+                                 (midway ? ", in call " : ", before call ") + std::to_string(call));
+                    Rows after = model_;
+                    operation.model(after);
+                    died = !dieIn(operation, call, midway);
+                    if (!died) {
+                        files().dieAt(0);
+                        EXPECT_EQ(release(), 0);
                     }
+                    end(ending);
+                    const bool good = look().empty();
+                    EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
+                    mend();
+                    EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << rows().size();
                 }
             }
         }
-    }
+    });
 }
 
 TEST_F(HeldTables, AReleaseThatCannotCloseSaysSo) {
