@@ -211,6 +211,8 @@ TEST_F(TarnData, ZeroBytesOfDelimitedTextStay) {
     EXPECT_EQ(tarnData("convert z.csv z.dbf"), Failed);
     EXPECT_EQ(tarnData("convert z.csv z.dbf --replace && " + program() + " convert z.dbf b.csv"), Well);
     EXPECT_EQ(read("b.csv"), "a,b\n1,x?y\n2,p?q\n");
+    write("end.csv", std::string_view("a,b\n1,x\0\n", 9));
+    EXPECT_EQ(tarnData("convert end.csv z.dbf"), Failed) << "at the end of a text as well";
 }
 
 // ---- numbers ----

@@ -94,6 +94,18 @@ TEST_F(Honest, TableFilesCountWhatBecomesZero) {
     EXPECT_EQ(errors.find("Column 's'"), std::string::npos) << errors;
     ASSERT_EQ(tarnData("convert t.bin b.csv --type=t.type"), Well) << errors;
     EXPECT_EQ(read("b.csv"), "id,n,ok,s\n1,2.5,True,x\n2,0,False,\n3,0,False,NULL\n0,-0.125,True,\n");
+    write("t.type", "record\n\tid : integer\n\tc : set[1:5]\nend record\n");
+    write("a.csv", "id;c\n1;[2]\n2;\n");
+    ASSERT_EQ(tarnData("convert a.csv t.bin --type=t.type"), Well) << errors;
+    expectNote("Column 'c': 1 cell that holds nothing becomes [] (the first in row 2): a table file has no other set");
+}
+
+TEST_F(Honest, ARowOfAnotherLengthIsHeldAgainstTheFirst) {
+    write("a.csv", "a,b\n1,2\n3\n4,5,6\n");
+    for (const char* const target : {"b.csv", "b.xml", "b.dbf"}) {
+        ASSERT_EQ(tarnData("convert a.csv " + std::string(target)), Well) << errors;
+        expectNote("Row 2 of 'a.csv' has 1 cell, and the first line has 2; there are 2 such rows.");
+    }
 }
 
 TEST_F(Honest, TableFilesRefuseWhatAFieldDoesNotHoldByRowAndCell) {

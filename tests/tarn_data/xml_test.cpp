@@ -33,8 +33,14 @@ TEST_F(TarnDataXml, AttributesAreColumnsWhereverTheyStandInARow) {
         {"<l><r a='1' b='2'><c>3</c></r><r a='4' b='5'>\n<c>6</c></r></l>", "a,b,c\n1,2,3\n4,5,6\n"},
         {"<l><r a='1'/><r><a>2</a></r></l>", "a\n1\n2\n"},
         {"<l><r><t type='home'>1</t></r><r><t type='work'>2</t></r></l>", "t_type,t\nhome,1\nwork,2\n"},
-        {"<l><r type='record'><t type='integer'>1</t></r><r type='record'><t type='integer'>2</t></r></l>",
+        {"<l type='table'><r type='record'><t type='integer'>1</t></r>"
+         "<r type='record'><t type='integer'>2</t></r></l>",
          "t\n1\n2\n"},
+        {"<l><f n='a' type='integer' index='1'/><f n='b' type='file' index='2'/></l>",
+         "n,type,index\na,integer,1\nb,file,2\n"},
+        {"<l><r><n type='string'>x</n></r><r><n type='file'>y</n></r></l>", "n_type,n\nstring,x\nfile,y\n"},
+        {"<l><r><a u='1'>  </a><b>x</b></r></l>", "a_u,a,b\n1,\"  \",x\n"},
+        {"<l><r><a u='1'>\n  </a><b>x</b></r></l>", "a_u,b\n1,x\n"},
         {"<r a='1'><b c='2'>3</b></r>", "a,b_c,b\n1,2,3\n"},
         {"<l xmlns='u' xmlns:x='v'><r x:a='1'/><r x:a='2'/></l>", "x:a\n1\n2\n"},
     };

@@ -205,6 +205,7 @@ bool takeTrace(const Object& window, const std::string& name) {
 
 // The editor of that name, or where it is not installed what the desktop has for texts.
 void openTrace(const Object& window) {
+    FRAME(OPENTRACE);
     constexpr int WithoutWaiting = 16 + 1;
     const std::string file = TraceFile();
     if (FileSize(file) < 0) return MSGBOX(GetCaption(window), "The file '" + file + "' does not exist.");
@@ -212,6 +213,7 @@ void openTrace(const Object& window) {
     if (ErrorCell() != ERR_EXEC_NOT_FOUND) return;
     ClearError();
     EXEC("xdg-open", QUOTEARGUMENT(file), WithoutWaiting);
+    STAMP();
 }
 
 // ---- the dialog ----

@@ -6,6 +6,9 @@
 #include "library/ship/copyutil_internal.h"
 #include "os/files.h"
 
+#include <set>
+#include <string>
+
 MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
 namespace tarn {
@@ -59,8 +62,11 @@ std::string listed(const std::string& zipFile) {
 
 std::string notIn(const std::string& listing, const CopyList& list) {
     std::string missing;
-    for (const CopyFile& file : list.files)
-        if (!ISNAMEINLIST(listing, FILEGETFNAME(file.Name), file.Size)) missing += file.Name + "\n";
+    std::set<std::string> names;  // a zip file has no folders, and so no second file of a name
+    for (const CopyFile& file : list.files) {
+        const std::string name = FILEGETFNAME(file.Name);
+        if (!names.insert(name).second || !ISNAMEINLIST(listing, name, file.Size)) missing += file.Name + "\n";
+    }
     return missing;
 }
 

@@ -105,7 +105,8 @@ Problem writeRows(Conversion& c) {
     RowsFacts widths;
     CellRow row;
     std::int64_t rows = 0;
-    widths.usualCells = c.columns.headings.size();
+    const std::size_t first = c.columns.facts.usualCells;
+    widths.usualCells = first != 0 ? first : c.columns.headings.size();
     if (!problem.any()) problem = target->begin();
     while (!problem.any() && c.cells->next(row)) {
         countRagged(row.size(), ++rows, widths);

@@ -17,6 +17,11 @@ bool isBlank(std::string_view text) {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
+// What stands between two tags that say all.
+bool isLayout(std::string_view text) {
+    return text.empty() || (isBlank(text) && text.find('\n') != std::string_view::npos);
+}
+
 // KindNone for a word that names no type of the system.
 std::int32_t kindOfType(std::string_view attribute) {
     const std::string type = TypeInfoParseLine(std::string("x : ").append(attribute), 1).typeName;
@@ -37,7 +42,7 @@ void XmlRowReader::open() {
     problem_ = {};
     depth_ = beside_ = 0;
     number_ = 0;
-    rowsSeen_ = tagOpen_ = false;
+    rowsSeen_ = tagOpen_ = typed_ = false;
     rowName_.clear();
     outerAttributes_ = looseTexts_ = besideRows_ = {};
     const ErrorRecord error = reader_.startWalk(file_, *this, XmlCharacters::Utf8);
@@ -135,6 +140,9 @@ void XmlRowReader::giveAttributes() {
     std::int32_t kind = KindNone;
     for (auto a = begin; a != end && kind == KindNone; ++a)
         if (ascii::equal(a->first, "type")) kind = kindOfType(a->second);
+    // Other files use the words as well: only those of values begin with a type of several values.
+    if (depth_ == 1) typed_ = kind > KindString;
+    if (!typed_) kind = KindNone;
     declaredText_ = kind == KindString;
     for (auto a = begin; a != end; ++a) {
         const bool howToRead =
@@ -163,7 +171,7 @@ void XmlRowReader::text(std::string_view part) {
 void XmlRowReader::end() {
     giveAttributes();
     if (beside_ == 0 && depth_ == rows_.depth) endRow();
-    if (beside_ == 0 && depth_ == rows_.depth + 1 && !(hasAttributes_ && isBlank(text_)))
+    if (beside_ == 0 && depth_ == rows_.depth + 1 && !(hasAttributes_ && isLayout(text_)))
         addCell(element_, {}, text_).declaredText = declaredText_;
     if (beside_ == depth_) beside_ = 0;
     --depth_;

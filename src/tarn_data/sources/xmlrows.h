@@ -99,6 +99,7 @@ private:
     std::vector<std::pair<std::string, std::string>> attributes_;
     std::size_t attributesUsed_ = 0;
     bool tagOpen_ = false;
+    bool typed_ = false;         // the file tells types of the system
     bool declaredText_ = false;  // the element that is open, or the row
 
     XmlLeftOut outerAttributes_, looseTexts_, besideRows_;

@@ -302,8 +302,8 @@ public:
             note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(nothings_[n].count) +
                  (nothings_[n].count == 1 ? " cell that holds nothing becomes"
                                           : " cells that hold nothing become") +
-                 " 0 or False (the first in row " + std::to_string(nothings_[n].row) +
-                 "): a table file has no other number for nothing.");
+                 (isSet(n) ? " []" : " 0 or False") + " (the first in row " + std::to_string(nothings_[n].row) +
+                 "): a table file has no other " + (isSet(n) ? "set" : "number") + " for nothing.");
         }
         return problem;
     }
@@ -313,6 +313,9 @@ private:
         std::int64_t count = 0, row = 0;
     };
 
+    [[nodiscard]] bool isSet(std::size_t n) const {
+        return FieldKindAt(record_.get()->kinds, static_cast<std::int32_t>(n + 1)) == KindSet;
+    }
     Problem fill(std::string_view cell, std::int64_t number, std::size_t n) {
         const auto column = static_cast<std::int32_t>(n + 1);
         const Kind kind = FieldKindAt(record_.get()->kinds, column);
@@ -331,6 +334,7 @@ private:
         }
         if (kind == KindSet && cell.empty()) {
             SetClear(static_cast<SetDescriptor*>(field));
+            if (nothings_[n].count++ == 0) nothings_[n].row = number;
             return {};
         }
         const bool known = static_cast<std::size_t>(kind) < std::size(fills) && fills[kind] != nullptr;

@@ -245,6 +245,17 @@ TEST_F(ShipCopies, ASecondZipReplacesTheFirst) {
     EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
 }
 
+TEST_F(ShipCopies, ASecondFileOfANameIsNotSaidToBeInTheZipFile) {
+    answers = {dir / "to/a.zip", "OK"};
+    for (const char* const folder : {"x", "y"}) std::filesystem::create_directories(dir / "files" / folder);
+    const std::string files = file("x/data.txt", 1) + file("y/data.txt", 1);
+    EXPECT_FALSE(COPYTOZIP(owner, files, ""));
+    EXPECT_NE(lastText().find("could not be zipped"), std::string::npos) << lastText();
+    EXPECT_NE(lastText().find("y/data.txt"), std::string::npos);
+    EXPECT_EQ(lastText().find("x/data.txt"), std::string::npos);
+    EXPECT_EQ(listing("to"), "");
+}
+
 TEST_F(ShipCopies, TheZipProgramIsAskedForFirstThenUnzip) {
     const Variable path("PATH", dir / "none");
     const std::string missing = dir / "none\n";
