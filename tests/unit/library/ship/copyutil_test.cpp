@@ -247,7 +247,7 @@ TEST_F(ShipCopies, ASecondZipReplacesTheFirst) {
 
 TEST_F(ShipCopies, ASecondFileOfANameIsNotSaidToBeInTheZipFile) {
     answers = {dir / "to/a.zip", "OK"};
-    for (const char* const folder : {"x", "y"}) std::filesystem::create_directories(dir / "files" / folder);
+    for (const char* const folder : {"files/x", "files/y"}) std::filesystem::create_directories(dir / folder);
     const std::string files = file("x/data.txt", 1) + file("y/data.txt", 1);
     EXPECT_FALSE(COPYTOZIP(owner, files, ""));
     EXPECT_NE(lastText().find("could not be zipped"), std::string::npos) << lastText();
