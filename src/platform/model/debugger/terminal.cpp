@@ -152,7 +152,10 @@ void listLines(DebugWindow& window, int number) {
     const int from = number > 0 ? number : listed + 1;
     showLines(window, from, from + page - 1);
 }
-void onSelected(DebugWindow& window, DebugMessage message) {
+// On the line of that number, which is then selected; 0: on the selected one.
+void onLine(DebugWindow& window, int number, DebugMessage message) {
+    if (number != 0 && !window.lines.has(number)) return write("There is no such line.\n");
+    if (number != 0) DebugSelect(window, number, true);
     if (window.selected == 0) return write("No line is selected.\n");
     userDebug(window, {message, window.selected, ""});
     if (!window.left) showAround(window);
@@ -163,10 +166,10 @@ void showWords(DebugWindow& window, int number);
 constexpr std::array<Word, 5> words{{
     {"line", "Selects the line of that number; the number alone will do", selectLine},
     {"list", "Twenty lines from that number on, or the next ones", listLines},
-    {"open", "Opens the selected line, as a double click does",
-     [](DebugWindow& window, int) { onSelected(window, DebugMessage::DoubleClick); }},
-    {"edit", "Changes the value of the selected line, or the rule of its breakpoint",
-     [](DebugWindow& window, int) { onSelected(window, DebugMessage::Edit); }},
+    {"open", "Opens the selected line, or that of a number, as a double click does",
+     [](DebugWindow& window, int number) { onLine(window, number, DebugMessage::DoubleClick); }},
+    {"edit", "Changes the value of the selected line, or that of a number, or the rule of its breakpoint",
+     [](DebugWindow& window, int number) { onLine(window, number, DebugMessage::Edit); }},
     {"?", "These words", showWords},
 }};
 

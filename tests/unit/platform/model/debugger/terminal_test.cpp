@@ -145,6 +145,13 @@ TEST_F(TerminalTest, ANumberSelectsALine) {
     EXPECT_TRUE(has(text, "No line is selected.\n"));
 }
 
+TEST_F(TerminalTest, ANumberBehindOpenAndEditIsTheLine) {
+    DebugSelect(*window, 1, true);
+    const std::string text = typed("open 3\nedit 2\nopen 99\nedit 0\nr\n");
+    EXPECT_EQ(done, (Done{"double click 3", "edit 2", "edit 2", "command 102"}));
+    EXPECT_TRUE(has(text, "There is no such line.\n")) << text;
+}
+
 TEST_F(TerminalTest, ALongListIsShownInPieces) {
     std::string lines;
     for (int line = 1; line <= 8000; ++line) lines += "text " + std::to_string(line) + "\n";
