@@ -112,6 +112,17 @@ protected:
         }
     }
 
+    // Runs an operation whose call of that number fails. False when it makes no such call.
+    bool runFailing(const Operation& operation, int call, os::FileError failure, std::int32_t& error) {
+        files().failAt(call, failure);
+        error = operation.run();
+        const bool failed = files().calls() >= call;
+        failedCall_ = failed ? files().log()[static_cast<std::size_t>(call) - 1] : "";
+        files().stopFailing();
+        EXPECT_TRUE(error == 0 || error == 652 || error == 654) << error;
+        EXPECT_TRUE(failed || error == 0);
+        return failed;
+    }
     // The operation has either worked or changed nothing.
     void expectDoneOrNot(const Operation& operation, std::int32_t error) {
         Rows after = model_;
