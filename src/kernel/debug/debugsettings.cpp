@@ -131,7 +131,7 @@ DebugRule ruleIn(std::string_view item) {
 
 bool readRange(std::string_view word, CodeRange& range) {
     const std::size_t dash = word.find('-');
-    if (!readNumber(word.substr(0, dash), range.first)) return false;
+    if (!readNumber(word.substr(0, dash), range.first) || range.first == 0) return false;  // 0 is no error
     range.last = range.first;
     return dash == npos || (readNumber(word.substr(dash + 1), range.last) && range.first <= range.last);
 }

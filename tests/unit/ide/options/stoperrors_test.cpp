@@ -71,7 +71,7 @@ TEST_F(StopErrors, AreTheSystemsOwnAndOthers) {
 TEST_F(StopErrors, OthersAreCodesAndRanges) {
     for (const char* text : {"", "1000", "1000 2000-2099", "1000,2000"})
         EXPECT_EQ(OTHERCODESFAULT(text), "") << text;
-    for (const char* text : {"x", "1000 -5", "20-10", "1.5", "1000;"})
+    for (const char* text : {"x", "1000 -5", "20-10", "0", "1.5", "1000;"})
         EXPECT_NE(OTHERCODESFAULT(text).find("is no code of an error.\nTry, for example, '1000 2000-2099'."),
                   std::string::npos)
             << text;

@@ -132,7 +132,7 @@ TEST(DebugRules, PartsAreWrittenInTheirOrder) {
 // ---- errors that stop, watches ----
 
 TEST(StopCodes, AreNumbersAndRanges) {
-    const std::vector<CodeRange> codes = ParseStopCodes("601, 901-909 x 5-3 7- -8 643");
+    const std::vector<CodeRange> codes = ParseStopCodes("601, 901-909 x 5-3 7- -8 0 0-4 643");
     EXPECT_EQ(codes, (std::vector<CodeRange>{{601, 601}, {901, 909}, {643, 643}}));
     EXPECT_EQ(FormatStopCodes(codes), "601 901-909 643");
     for (const int code : {601, 643, 901, 905, 909}) EXPECT_TRUE(IsStopCode(codes, code)) << code;
