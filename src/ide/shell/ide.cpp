@@ -403,6 +403,7 @@ void activated(int handle) {
         SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
         CLOSEWELCOME();
     }
+    if (window == WelcomeDlg) WELCOMECAMEFORWARD();
     UPDATEMAINWINDOW();
     if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);
     if (window == ProjectEditorDlg) static_cast<void>(PROJECTCAMEFORWARD(window));
