@@ -336,7 +336,8 @@ void DebugView::endSettling() {
     notePlace();
 }
 
-// What was kept is the size of the frame.
+// What was kept is the place and the size of the frame. The toolkit takes the corner for that of the area inside until the
+// window system moves or sizes the window, which it does not for one that cannot become as small as it was kept.
 void DebugView::settle() {
     if (window_ == nullptr || settled_ || windowHandle() == nullptr) return;
     const QMargins margins = windowHandle()->frameMargins();
@@ -344,6 +345,7 @@ void DebugView::settle() {
     settled_ = true;
     resize(frame_.width() - margins.left() - margins.right(),
            frame_.height() - margins.top() - margins.bottom());
+    if (isOnScreen(frame_)) move(frame_.topLeft());
 }
 
 void DebugView::notePlace() {
