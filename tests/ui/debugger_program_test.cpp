@@ -209,17 +209,6 @@ TEST_F(DebuggerTest, EachKeyOfACommandWaitsForTheNextStop) {
     EXPECT_EQ(done, wanted);
 }
 
-TEST_F(DebuggerTest, AKeyThatIsHeldIsNoWishForStopsToCome) {
-    stop({});
-    QTest::qWait(250);
-    for (int i = 0; i < 30; ++i) {
-        QKeyEvent held(QEvent::KeyPress, Qt::Key_F8, Qt::NoModifier, QString(), true);
-        QApplication::sendEvent(list(), &held);
-    }
-    EXPECT_FALSE(leavesByItself(*window));
-    EXPECT_TRUE(done.empty());
-}
-
 TEST_F(DebuggerTest, ABreakForgetsTheKeysBeforeIt) {
     stop({});
     QTest::qWait(250);

@@ -80,7 +80,7 @@ DebugView::DebugView(DebugWindow& window)
     makeActions();
     makeMenu();
     list_->opened = [this](int line) { send(DebugMessage::DoubleClick, line); };
-    list_->openedByKey = [this] { sendTyped(DebugMessage::DoubleClick, 0); };
+    list_->openedByKey = [this] { send(DebugMessage::DoubleClick, 0); };
     list_->typed = [this](const QKeyEvent& key) { return takeEarly(key); };
     // Another line may be selected at the next stop.
     list_->margined = [this](int) {
@@ -212,24 +212,17 @@ void DebugView::send(DebugMessage message, int number, const std::string& text) 
     if (window_ != nullptr) userDebug(*window_, {message, number, text});
 }
 
-// Keys that are held are no wish for stops to come.
-void DebugView::sendTyped(DebugMessage message, int number) {
-    const bool repeats = std::exchange(repeats_, false);
-    if (window_ != nullptr && (!repeats || hearsDebug(*window_))) send(message, number);
-}
-
 void DebugView::makeLive(QAction* action, DebugMessage message, int number) {
-    connect(action, &QAction::triggered, this, [this, message, number] { sendTyped(message, number); });
+    connect(action, &QAction::triggered, this, [this, message, number] { send(message, number); });
     live_.push_back({action, message, number});
 }
 
 bool DebugView::takeEarly(const QKeyEvent& key) {
     if (window_ == nullptr || hearsDebug(*window_)) return false;
-    repeats_ = key.isAutoRepeat();
     const QKeySequence typed(key.keyCombination());
     for (const LiveAction& one : live_) {
         if (one.action->isEnabled() || one.action->shortcut() != typed) continue;
-        sendTyped(one.message, one.number);
+        send(one.message, one.number);
         return true;
     }
     return false;
@@ -315,10 +308,11 @@ void DebugView::showLive(bool live) {
 void DebugView::place() {
     const QSize usual(usualWidth, usualHeight);
     const QRect kept = rectOf(window_->wanted), beside = rectOf(window_->beside);
+    const QSize least = minimumSizeHint();
     if (!kept.isEmpty())
-        frame_ = fittedPlace(kept, roomFor(kept));
+        frame_ = fittedPlace({kept.topLeft(), kept.size().expandedTo(least)}, roomFor(kept));
     else if (!beside.isEmpty())
-        frame_ = placeBeside(beside, roomFor(beside), usual, minimumSizeHint().expandedTo(smallest));
+        frame_ = placeBeside(beside, roomFor(beside), usual, least.expandedTo(smallest));
     resize(frame_.isEmpty() ? usual.boundedTo(roomFor({}).size()) : frame_.size());
     settled_ = frame_.isEmpty();
     if (!settled_ && isOnScreen(frame_)) move(frame_.topLeft());
@@ -376,8 +370,6 @@ void DebugView::leaveModal() {
 
 bool DebugView::event(QEvent* event) {
     if (event->type() == QEvent::WindowBlocked) leaveModal();
-    if (event->type() == QEvent::ShortcutOverride)
-        repeats_ = static_cast<const QKeyEvent*>(event)->isAutoRepeat();
     return QWidget::event(event);
 }
 

@@ -47,7 +47,6 @@ private:
     void makeMenu();
     void makeStatus();
     void send(DebugMessage message, int number, const std::string& text = {});
-    void sendTyped(DebugMessage message, int number);
     void makeLive(QAction* action, DebugMessage message, int number);
     // Takes the key of a command that is not possible now, which belongs to the next stop.
     bool takeEarly(const QKeyEvent& key);
@@ -75,7 +74,6 @@ private:
     unsigned parts_ = 0;  // to be refreshed, a bit for each part
     QRect frame_;         // where it shall stand; empty: wherever the desktop puts it
     bool settled_ = false;
-    bool repeats_ = false;  // the key that is being typed is one that is held
 };
 
 }  // namespace tarn::platform::qt
