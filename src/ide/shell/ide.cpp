@@ -9,6 +9,7 @@
 #include "ide/shell/ide.h"
 
 #include "ide/build/compiler.h"
+#include "ide/build/output.h"
 #include "ide/build/textview.h"
 #include "ide/designer/objects/dlgmenu.h"
 #include "ide/designer/properties/propwindow.h"
@@ -365,6 +366,7 @@ void enableCommands(bool programIsClass, bool codeIsClass) {
     enable("window_dialog", ISSHOWN(DialogDlg));
     enable("window_browser", ISSHOWN(BrowseInfoDlg));
     enable("window_error", ISSHOWN(ViewDlg));
+    enable("window_output", ISSHOWN(OutputDlg));
     SetEnabled(MAINCONTROL("edit_dialog"), ISSHOWN(DialogDlg));
     UPDATEDIALOGMENU();
 }
