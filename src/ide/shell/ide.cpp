@@ -29,7 +29,6 @@
 #include "library/system/system.h"
 #include "os/process.h"
 
-
 MODULE("ide", tarn::IDE_ONERROR)
 
 namespace tarn {

@@ -114,6 +114,21 @@ std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fi
                        valueLine("ProductVersion", version));
 }
 
+namespace {
+
+std::string createdBy() {
+    return "Created by " + std::string(ProductWord) + " ";
+}
+
+}  // namespace
+
+bool ISDEFAULTDESCRIPTION(std::string_view description) {
+    FRAME(ISDEFAULTDESCRIPTION);
+    const std::string start = createdBy();
+    return description.starts_with(start) &&
+           description.find_first_not_of("0123456789.", start.size()) == std::string_view::npos;
+}
+
 std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
     FRAME(GETDEFAULTVERSIONINFO);
     STAMP();
@@ -121,8 +136,7 @@ std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
     const std::string numbers = STRREPLACE(number, ".", " ") + " " + std::string(ProductBuild) + " 0";
     const std::string version = numbersWith(numbers, ".");
     return blockOf(std::string(DefaultVersionName), numbers,
-                   valueLine("CompanyName", "") +
-                       valueLine("FileDescription", "Created by " + std::string(ProductWord) + " " + number) +
+                   valueLine("CompanyName", "") + valueLine("FileDescription", createdBy() + number) +
                        valueLine("FileVersion", version) + valueLine("InternalName", fileStem) +
                        valueLine("OriginalFilename", fileStem) +
                        valueLine("ProductName", fileStem + " Application") +

@@ -31,7 +31,9 @@ VersionFields VERSIONINFOTOFIELDS(std::string_view text);
 std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fields,
                                 const std::string& fileStem);
 std::string GETDEFAULTVERSIONINFO(const std::string& fileStem);  // the block of a new program
-std::string REMOVETRAILINGNULL(std::string_view text);           // without the two characters `\0` at the end
+// Whether a description is that of a new program, made by any version of this system.
+bool ISDEFAULTDESCRIPTION(std::string_view description);
+std::string REMOVETRAILINGNULL(std::string_view text);  // without the two characters `\0` at the end
 
 struct LoadedVersion {
     VersionFields fields;

@@ -171,7 +171,8 @@ std::string FILECOPYLIST(const std::string& files, const std::string& folder, Co
     FRAME(FILECOPYLIST);
     const std::vector<std::string> paths = pathsOf(files);
     std::string failed;
-    std::map<std::string, std::string> copied;  // by the name: a second file would take the place of the first
+    std::map<std::string, std::string>
+        copied;  // by the name: a second file would take the place of the first
     bool goesOn = true;
     std::int64_t done = 0;
     for (const std::string& path : paths) {

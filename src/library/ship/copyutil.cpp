@@ -86,7 +86,8 @@ bool namesDiffer(const Object& owner, const std::string& files) {
     const std::string same = SAMENAMEDFILES(files);
     if (!same.empty())
         tell(owner,
-             "Cannot copy files.\nSome of the files have the same name, and would take each other's place:\n\n" +
+             "Cannot copy files.\nSome of the files have the same name, and would take each other's "
+             "place:\n\n" +
                  indented(same),
              BoxIcon::Error);
     return same.empty();
@@ -94,10 +95,11 @@ bool namesDiffer(const Object& owner, const std::string& files) {
 
 bool isApart(const Object& owner, const CopyList& list, const std::string& made) {
     const os::FileInfo there = os::infoOf(os::native(made));
-    const bool among = there.exists && std::any_of(list.files.begin(), list.files.end(), [&](const CopyFile& file) {
-                           const os::FileInfo one = os::infoOf(os::native(file.Name));
-                           return one.exists && one.device == there.device && one.inode == there.inode;
-                       });
+    const bool among =
+        there.exists && std::any_of(list.files.begin(), list.files.end(), [&](const CopyFile& file) {
+            const os::FileInfo one = os::infoOf(os::native(file.Name));
+            return one.exists && one.device == there.device && one.inode == there.inode;
+        });
     if (among) tell(owner, "Cannot copy files.\n'" + made + "' is one of them.", BoxIcon::Error);
     return !among;
 }

@@ -58,9 +58,9 @@ Made compile(const std::string& script, const std::string& installer) {
 // The script, on the disk; why it is not, else.
 std::string saved(const std::string& script, const std::string& text) {
     const os::SaveResult result = os::saveFile(os::native(script), text);
-    return result.ok()
-               ? std::string()
-               : "The script '" + script + "' could not be written: " + std::string(os::describe(result.error));
+    return result.ok() ? std::string()
+                       : "The script '" + script +
+                             "' could not be written: " + std::string(os::describe(result.error));
 }
 
 void tellMade(const Object& owner, const Made& made, const std::string& installer, const std::string& text) {

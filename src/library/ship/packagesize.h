@@ -7,6 +7,7 @@
 
 namespace tarn {
 
-inline constexpr std::int64_t MaxPackageSize = 600'000'000;  // bytes of all files of a folder, zip file or installer
+inline constexpr std::int64_t MaxPackageSize =
+    600'000'000;  // bytes of all files of a folder, zip file or installer
 
 }  // namespace tarn

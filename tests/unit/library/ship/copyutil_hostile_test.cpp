@@ -120,9 +120,9 @@ TEST_F(ShipHostile, NamesOfAllKindsGoThroughEachWay) {
     std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");
     tool("iscc.exe", "for a; do echo \"$a\" >> " + dir / "calls" +
                          "; done; echo made > \"$(dirname \"$1\")/prog-install.exe\"");
-    const std::string names[] = {"-rf",        " a b ",    "it's",      "say \"hi\"", "$HOME",     "`id`",
-                                 "a;b&c|d",    "[1]*?",    "%s%n",      "#x",         "~",         "\xC3\xA4",
-                                 "\xff\x80\n", "{a}",      "@list",     "a=b",        "(x)",       "!"};
+    const std::string names[] = {"-rf",        " a b ", "it's",  "say \"hi\"", "$HOME", "`id`",
+                                 "a;b&c|d",    "[1]*?", "%s%n",  "#x",         "~",     "\xC3\xA4",
+                                 "\xff\x80\n", "{a}",   "@list", "a=b",        "(x)",   "!"};
     std::string files;
     int count = 0;
     for (std::string name : names) {
@@ -198,8 +198,8 @@ TEST_F(ShipHostile, AFileThatGoesBetweenTheLookAndTheCopyingIsTold) {
     make("files/b", "x");
     answers = {dir / "to/z.zip"};
     EXPECT_FALSE(COPYTOZIP(owner, files, ""));
-    EXPECT_TRUE(lastText().starts_with("The following file(s) could not be zipped:\n\n\t" + dir / "files/b" +
-                                       "\n"))
+    EXPECT_TRUE(
+        lastText().starts_with("The following file(s) could not be zipped:\n\n\t" + dir / "files/b" + "\n"))
         << lastText();
     make("files/b", "x");
     answers = {dir / "to/p.deb"};
@@ -257,7 +257,8 @@ protected:
             for (const std::string name : {"a", "b"}) {
                 const std::string now = disk.contents("/to/" + name);
                 const bool told = lastText().find("/from/" + name + "\n") != std::string::npos;
-                EXPECT_TRUE(now == "new" + name || (told && now == "old" + name)) << call << now << lastText();
+                EXPECT_TRUE(now == "new" + name || (told && now == "old" + name))
+                    << call << now << lastText();
             }
             EXPECT_EQ(disk.allFiles().size(), 4U) << call;
             EXPECT_EQ(disk.openHandles(), 0) << call;
