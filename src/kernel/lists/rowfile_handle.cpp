@@ -137,11 +137,10 @@ os::FileError RowFile::readCount(std::int64_t& count) const {
 }
 
 os::FileError RowFile::readEndMark(std::int64_t size, bool& there) const {
-    constexpr char endMark = 26;
     char last = 0;
     std::size_t got = 0;
     const os::FileError error = os::readUpTo(handle_, size - 1, &last, 1, got);
-    there = got == 1 && last == endMark;
+    there = got == 1 && last == XbaseFileEnd;
     return error;
 }
 

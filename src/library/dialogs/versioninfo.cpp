@@ -126,6 +126,21 @@ std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fi
             versionValueLine("ProductVersion", version));
 }
 
+namespace {
+
+std::string createdBy() {
+    return "Created by " + std::string(ProductWord) + " ";
+}
+
+}  // namespace
+
+bool ISDEFAULTDESCRIPTION(std::string_view description) {
+    FRAME(ISDEFAULTDESCRIPTION);
+    const std::string start = createdBy();
+    return description.starts_with(start) &&
+           description.find_first_not_of("0123456789.", start.size()) == std::string_view::npos;
+}
+
 std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
     FRAME(GETDEFAULTVERSIONINFO);
     STAMP();
@@ -135,7 +150,7 @@ std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
     return blockOf(
         std::string(DefaultVersionName), numbers,
         versionValueLine("CompanyName", "") +
-            versionValueLine("FileDescription", "Created by " + std::string(ProductWord) + " " + number) +
+            versionValueLine("FileDescription", createdBy() + number) +
             versionValueLine("FileVersion", version) + versionValueLine("InternalName", fileStem) +
             versionValueLine("OriginalFilename", fileStem) +
             versionValueLine("ProductName", fileStem + " Application") +

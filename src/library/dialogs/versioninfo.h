@@ -36,6 +36,8 @@ std::string GETDEFAULTVERSIONINFO(const std::string& fileStem);  // the block of
 // change: a text of several languages changes where it is the one that was read.
 std::string CHANGEVERSIONINFO(const std::string& block, const std::string& name, const VersionFields& fields,
                               const std::string& fileStem);
+// Whether a description is that of a new program, made by any version of this system.
+bool ISDEFAULTDESCRIPTION(std::string_view description);
 std::string REMOVETRAILINGNULL(std::string_view text);  // without the two characters `\0` at the end
 
 struct LoadedVersion {

@@ -15,7 +15,6 @@ namespace tarn::datatool {
 
 namespace {
 
-constexpr char endMark = 26;
 constexpr std::size_t longestName = std::size_t{MaxXbaseFieldName},
                       longestText = std::size_t{MaxXbaseFieldLength};
 
@@ -137,7 +136,7 @@ public:
     }
     Problem finish(std::int64_t rows) override {
         if (rows != columns_.facts.rows) return changed();
-        out_.write({&endMark, 1});
+        out_.write({&XbaseFileEnd, 1});
         return out_.finish();
     }
 
@@ -231,7 +230,7 @@ Problem copyXbase(const Source& source, const Target& target) {
         if (row[0] != DeletedRow || source.deleted) out.write(row);
     }
     if (file.error() != os::FileError::None) return unreadable(source.file, file.error());
-    out.write({&endMark, 1});
+    out.write({&XbaseFileEnd, 1});
     return out.finish();
 }
 
