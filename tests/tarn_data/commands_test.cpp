@@ -493,7 +493,7 @@ TEST_F(TarnData, HostileFilesEndInAStatus) {
     write("quote.csv", "a,b\n1,\"" + repeated("x,\n", 100000));
     EXPECT_LE(tarnData("convert --replace quote.csv b.xml"), Failed);
     write("oneline.csv", repeated("x", 1 << 20));
-    EXPECT_EQ(tarnData("convert oneline.csv b.xml --header-rows=0"), Failed);
+    EXPECT_EQ(tarnData("convert oneline.csv b.xml --header-rows=0"), Well) << errors;
 }
 
 }  // namespace

@@ -21,11 +21,11 @@ unsigned byteAt(std::string_view text, std::size_t at) {
 
 // Of text in Latin letters most bytes of some places in each character are 0, and nearly none of the others.
 bool isOfForm(std::string_view bytes, std::string_view zeroAt) {
-    constexpr std::size_t least = 8, most = 4096;
+    constexpr std::size_t least = 4, most = 4096;
     const std::size_t width = zeroAt.size(), characters = std::min(most, bytes.size()) / width;
     std::size_t zeros[4] = {};
     for (std::size_t i = 0; i < characters * width; ++i) zeros[i % width] += bytes[i] == '\0' ? 1U : 0U;
-    bool fits = characters * width >= least;
+    bool fits = characters >= least;
     for (std::size_t i = 0; i < width && fits; ++i)
         fits = zeroAt[i] == '0' ? zeros[i] * 2 >= characters : zeros[i] * 8 <= characters;
     return fits;

@@ -126,7 +126,7 @@ Problem nameColumns(Conversion& c) {
         return {};
     }
     if (c.target.format == FormatBinary) return fitNames(c);
-    if (c.columns.named && !RowsAreLines(c.target.format)) noteRenamed(standing(c), c.columns.names);
+    if (c.columns.named && c.target.format != FormatText) noteRenamed(standing(c), c.columns.names);
     return {};
 }
 
