@@ -55,7 +55,8 @@ def write_delimited(r, path, separator):
             writer.writerow(names)
         for row in rows:
             writer.writerow(row)
-        file.write(r.choice([''] * 9 + ['\x1a']))
+        if heading or rows:
+            file.write(r.choice([''] * 9 + ['\x1a']))
     return (names if heading else None), rows
 
 

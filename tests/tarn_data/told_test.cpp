@@ -200,7 +200,7 @@ TEST_F(Told, ValuesThatComeBackInAnotherFormAreNoted) {
     converted("v.csv v.bin --type=v.type", "v.bin");
     expectNote("Column 'ok': 3 cells come back in another form (the first in row 2: 'yes' as 'True').");
     expectNote("Column 'n': 3 cells come back in another form (the first in row 2: '+7' as '7').");
-    expectNote("Column 'r': 1 cell comes back in another form (the first in row 4: '1.50' as '1.5').");
+    expectNote("Column 'r': 2 cells come back in another form (the first in row 2: '-inf' as '-INF').");
     write("v.csv", "ok,r,n\nTrue,1.5,7\nFalse,-0.25,-3\n");
     EXPECT_EQ(converted("v.csv v.bin --type=v.type && " + program() + " convert v.bin w.csv --type=v.type", "w.csv"),
               read("v.csv"));
@@ -210,6 +210,22 @@ TEST_F(Told, ValuesThatComeBackInAnotherFormAreNoted) {
     expectNote("Column 'ok' is written as T and F, for True and False, like 'yes' in row 2.");
     expectNote("Column 'n' has 1 cells with blanks around what they hold, which a dbf file does not keep (the first in "
                "row 2).");
+}
+
+TEST_F(Told, OneXmlRowOfAttributesIsARow) {
+    write("r.xml", "<l><r a='1' b='x'/></l>");
+    EXPECT_EQ(converted("r.xml b.csv", "b.csv"), "a,b\n1,x\n");
+    write("r.xml", "<l v='2'><r a='1' b='x'/></l>");
+    EXPECT_EQ(converted("r.xml b.csv", "b.csv"), "v,r_a,r_b\n2,1,x\n");
+    write("r.xml", "<p><name lang='en'>Ann</name></p>");
+    EXPECT_EQ(converted("r.xml b.csv", "b.csv"), "name_lang,name\nen,Ann\n");
+}
+
+TEST_F(Told, LinesThatBeginAsAnXbaseFileDoesAreLines) {
+    write("x.txt", "01\n\n-0\n");
+    EXPECT_EQ(converted("x.txt x.xml && " + program() + " convert x.xml y.txt", "y.txt"), read("x.txt"));
+    write("d.txt", dbf({" Ann  " " 1.5"}));
+    EXPECT_EQ(converted("d.txt b.csv", "b.csv"), "NAME,N\nAnn,1.5\n");
 }
 
 // ---- encodings and ends ----

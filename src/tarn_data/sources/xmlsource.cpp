@@ -73,14 +73,25 @@ std::string columnLines(const XmlColumns& columns, const Types& types) {
     return lines;
 }
 
+// The columns of a single row are the attributes of its only element: that is a row of a list, then.
+bool areAttributesOfOne(const XmlColumns& single, const XmlColumns& ofList) {
+    if (single.names.empty() || single.names.size() != ofList.names.size()) return false;
+    const std::size_t longer = single.names[0].size(), shorter = ofList.names[0].size();
+    const std::string prefix = single.names[0].substr(0, longer - std::min(longer, shorter));
+    bool are = prefix.size() > 1 && prefix.ends_with('_');
+    for (std::size_t n = 0; n < single.names.size() && are; ++n) are = single.names[n] == prefix + ofList.names[n];
+    return are;
+}
+
 // A list of one row looks like a row whose fields hold others.
 Problem findColumns(Source& source, XmlColumns& columns) {
     Problem problem = findXmlColumns(source, columns);
-    if (!problem.any() || source.xmlRows.form != XmlRows::Form::Single || stopSignal() != 0) return problem;
+    if (source.xmlRows.form != XmlRows::Form::Single || stopSignal() != 0) return problem;
     const XmlRows single = source.xmlRows;
     XmlColumns ofList;
     source.xmlRows = {XmlRows::Form::Rows, 2};
-    if (!findXmlColumns(source, ofList).any() && ofList.rows == 1) {
+    const bool list = !findXmlColumns(source, ofList).any() && ofList.rows == 1;
+    if (list && (problem.any() || areAttributesOfOne(columns, ofList))) {
         columns = std::move(ofList);
         return {};
     }
