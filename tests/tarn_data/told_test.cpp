@@ -28,7 +28,12 @@ protected:
 // ---- Xbase and table files ----
 
 TEST_F(Told, WhatInfoPrintsOfAnXbaseFileCarriesItsCells) {
-    write("n.dbf", dbf({" Ann  " "-1.5", "*Bob  " " 2.0", " Cy   " "    "}));
+    write("n.dbf", dbf({" Ann  "
+                        "-1.5",
+                        "*Bob  "
+                        " 2.0",
+                        " Cy   "
+                        "    "}));
     ASSERT_EQ(tarnData("info n.dbf >n.type"), Well) << errors;
     converted("n.dbf n.bin --type=n.type", "n.bin");
     expectNote("The marks of deletion of 'n.dbf' become the column 'delete_flag'.");
@@ -39,9 +44,15 @@ TEST_F(Told, WhatInfoPrintsOfAnXbaseFileCarriesItsCells) {
 
 TEST_F(Told, CharactersOfNumbersAndTruthsAreThoseOfXbaseFiles) {
     write("l.type", "record\n\tn : Tnumeric[1:5]\n\tok : Tlogical[1:1]\n\tt : Tchars[1:3]\nend record\n");
-    write("l.bin", "  -12" "T" " x " "     " "?" "abc");
+    write("l.bin", "  -12"
+                   "T"
+                   " x "
+                   "     "
+                   "?"
+                   "abc");
     EXPECT_EQ(converted("l.bin b.csv --type=l.type", "b.csv"), "n,ok,t\n-12,True,\" x\"\n,,abc\n");
-    EXPECT_EQ(converted("b.csv c.bin --type=l.type && " + program() + " convert c.bin c.csv --type=l.type", "c.csv"),
+    EXPECT_EQ(converted("b.csv c.bin --type=l.type && " + program() + " convert c.bin c.csv --type=l.type",
+                        "c.csv"),
               "n,ok,t\n-12,True,\" x\"\n,,abc\n");
     EXPECT_EQ(errors, "");
     write("s.csv", "n,ok,t\n7,maybe,xyz\n");
@@ -54,7 +65,9 @@ TEST_F(Told, FieldsThatNoFieldOfTheDeclarationHoldsAreRefused) {
         write("n.type", "record\n\tNAME : string[5]\n\tN : " + type + "\nend record\n");
         expectFailure("convert n.dbf n.bin --type=n.type", "row 1, field 2 cannot be read");
     };
-    refused(" Ann  " "   x", "real");
+    refused(" Ann  "
+            "   x",
+            "real");
     write("d.csv", "id,n\n1,1.234567\n");
     converted("d.csv d.dbf", "d.dbf");
     write("d.type", "record\n\tid : integer\n\tn : fixed\nend record\n");
@@ -76,13 +89,15 @@ TEST_F(Told, NamesOfXbaseFieldsStayAsTheyStand) {
     write("d.dbf", bytes);
     EXPECT_EQ(converted("d.dbf b.csv", "b.csv"), "delete_flag,b\n1,2\n");
     ASSERT_EQ(tarnData("info d.dbf >d.type"), Well);
-    EXPECT_NE(read("d.type").find("renamed: delete_flag to delete_flag_2\n"), std::string::npos) << read("d.type");
+    EXPECT_NE(read("d.type").find("renamed: delete_flag to delete_flag_2\n"), std::string::npos)
+        << read("d.type");
     converted("d.dbf d.bin --type=d.type", "d.bin");
     expectNote("Columns renamed: 'delete_flag' to delete_flag_2.");
 }
 
 TEST_F(Told, BytesBehindTheRowsOfAnXbaseFileAreTold) {
-    const std::string whole = dbf({" Ann  " " 1.5"});
+    const std::string whole = dbf({" Ann  "
+                                   " 1.5"});
     for (const std::string& end : {"\x1A"s, ""s, std::string(40, '\0'), "\r\n"s}) {
         write("n.dbf", whole + end);
         EXPECT_EQ(converted("n.dbf b.csv", "b.csv"), "NAME,N\nAnn,1.5\n");
@@ -100,9 +115,10 @@ TEST_F(Told, ARowThatIsNoneNamesItsFileAndField) {
                                24));
     write("s.type", "record\n\tid : integer\n\tn : Tchars[1:8]\nend record\n");
     for (const char* target : {"b.csv", "b.xml", "b.dbf", "c.bin"})
-        expectFailure(std::string("convert b.bin ") + target + " --type=b.type",
-                      "File 'b.bin' row 2 cannot be read: its bytes are no value of field 'n'.\nLook whether the "
-                      "declaration is that of its rows; 'tarn-data check' names every such row.");
+        expectFailure(
+            std::string("convert b.bin ") + target + " --type=b.type",
+            "File 'b.bin' row 2 cannot be read: its bytes are no value of field 'n'.\nLook whether the "
+            "declaration is that of its rows; 'tarn-data check' names every such row.");
     EXPECT_FALSE(exists("c.bin"));
 }
 
@@ -111,13 +127,15 @@ TEST_F(Told, IndexFilesOfAnotherTableAreNamed) {
     write("i.csv", "id\n1\n2\n");
     converted("i.csv a.bin --type=i.type --keys=id", "a.bin");
     const std::string index = read("a.i1");
-    expectFailure("convert i.csv a.tabl --type=i.type --to-table --keys=id",
-                  "'a.tabl' cannot have the index file 'a.i1'. It is that of the table file 'a.bin'; of two files "
-                  "whose names differ in their extension alone only one can have indexes.\nChoose another name");
+    expectFailure(
+        "convert i.csv a.tabl --type=i.type --to-table --keys=id",
+        "'a.tabl' cannot have the index file 'a.i1'. It is that of the table file 'a.bin'; of two files "
+        "whose names differ in their extension alone only one can have indexes.\nChoose another name");
     EXPECT_FALSE(exists("a.tabl"));
     converted("i.csv a.tabl --type=i.type --to-table", "a.tabl");
     ASSERT_EQ(tarnData("info a.tabl --type=i.type"), Well) << errors;
-    EXPECT_NE(output.find("index 1: a.i1, cannot be used: It is that of the table file 'a.bin'"), std::string::npos)
+    EXPECT_NE(output.find("index 1: a.i1, cannot be used: It is that of the table file 'a.bin'"),
+              std::string::npos)
         << output;
     ASSERT_EQ(tarnData("check a.tabl --type=i.type"), Well) << output << errors;
     EXPECT_NE(output.find("note: a.i1: It is that of the table file 'a.bin'"), std::string::npos) << output;
@@ -164,7 +182,8 @@ TEST_F(Told, HeadingsWithoutRowsComeBackOrAreTold) {
         EXPECT_EQ(converted("x." + std::string(target) + " y.csv", "y.csv"), "a,b,c\n");
     }
     converted("h.csv h.xml", "h.xml");
-    expectNote("There are no rows, and XML names columns in its rows alone: a, b, c stands nowhere in 'h.xml'.");
+    expectNote(
+        "There are no rows, and XML names columns in its rows alone: a, b, c stands nowhere in 'h.xml'.");
     expectFailure("convert h.csv h.txt", "There are 3 columns, and lines of text hold one.");
     write("h.type", "record\n\ta : integer\n\tb : integer\n\tc : integer\nend record\n");
     EXPECT_EQ(converted("h.csv h.bin --type=h.type", "h.bin"), "");
@@ -178,8 +197,9 @@ TEST_F(Told, HeadingsWithoutRowsComeBackOrAreTold) {
 
 TEST_F(Told, NamesOfXmlBeyondAsciiAreTheFault) {
     const char* const advice = "Names of elements and attributes have the letters A to Z";
-    for (const char* text : {"<l><r><na\xC3\xAFve>1</na\xC3\xAFve></r></l>", "<l>\n<\xC3\xA4>1</\xC3\xA4></l>",
-                             "<\xC3\xA4><r><a>1</a></r></\xC3\xA4>", "<l><r \xC3\xA4='1'/></l>"}) {
+    for (const char* text :
+         {"<l><r><na\xC3\xAFve>1</na\xC3\xAFve></r></l>", "<l>\n<\xC3\xA4>1</\xC3\xA4></l>",
+          "<\xC3\xA4><r><a>1</a></r></\xC3\xA4>", "<l><r \xC3\xA4='1'/></l>"}) {
         write("n.xml", text);
         expectFailure("convert n.xml n.csv", advice);
     }
@@ -202,13 +222,15 @@ TEST_F(Told, ValuesThatComeBackInAnotherFormAreNoted) {
     expectNote("Column 'n': 3 cells come back in another form (the first in row 2: '+7' as '7').");
     expectNote("Column 'r': 2 cells come back in another form (the first in row 2: '-inf' as '-INF').");
     write("v.csv", "ok,r,n\nTrue,1.5,7\nFalse,-0.25,-3\n");
-    EXPECT_EQ(converted("v.csv v.bin --type=v.type && " + program() + " convert v.bin w.csv --type=v.type", "w.csv"),
+    EXPECT_EQ(converted("v.csv v.bin --type=v.type && " + program() + " convert v.bin w.csv --type=v.type",
+                        "w.csv"),
               read("v.csv"));
     EXPECT_EQ(errors, "");
     write("v.csv", "ok,n\nTrue,1\nyes, 2\n");
     converted("v.csv v.dbf", "v.dbf");
     expectNote("Column 'ok' is written as T and F, for True and False, like 'yes' in row 2.");
-    expectNote("Column 'n' has 1 cells with blanks around what they hold, which a dbf file does not keep (the first in "
+    expectNote("Column 'n' has 1 cells with blanks around what they hold, which a dbf file does not keep "
+               "(the first in "
                "row 2).");
 }
 
@@ -224,7 +246,8 @@ TEST_F(Told, OneXmlRowOfAttributesIsARow) {
 TEST_F(Told, LinesThatBeginAsAnXbaseFileDoesAreLines) {
     write("x.txt", "01\n\n-0\n");
     EXPECT_EQ(converted("x.txt x.xml && " + program() + " convert x.xml y.txt", "y.txt"), read("x.txt"));
-    write("d.txt", dbf({" Ann  " " 1.5"}));
+    write("d.txt", dbf({" Ann  "
+                        " 1.5"}));
     EXPECT_EQ(converted("d.txt b.csv", "b.csv"), "NAME,N\nAnn,1.5\n");
 }
 
@@ -236,9 +259,13 @@ TEST_F(Told, Utf32IsRead) {
     write("u.xml", "<l><r><a>\xC3\xA4</a></r><r><a>2</a></r></l>");
     const struct {
         const char *encoding, *mark;
-    } cases[] = {{"UTF-32LE", "\\377\\376\\000\\000"}, {"UTF-32BE", "\\000\\000\\376\\377"}, {"UTF-32LE", ""}, {"UTF-32BE", ""}};
+    } cases[] = {{"UTF-32LE", "\\377\\376\\000\\000"},
+                 {"UTF-32BE", "\\000\\000\\376\\377"},
+                 {"UTF-32LE", ""},
+                 {"UTF-32BE", ""}};
     for (const auto& c : cases) {
-        const std::string iconv = std::string("{ printf '") + c.mark + "'; iconv -f UTF-8 -t " + c.encoding + " ";
+        const std::string iconv =
+            std::string("{ printf '") + c.mark + "'; iconv -f UTF-8 -t " + c.encoding + " ";
         ASSERT_EQ(shell(iconv + "u.csv; } >w.csv; " + iconv + "u.xml; } >w.xml"), 0) << errors;
         EXPECT_EQ(converted("w.csv b.csv", "b.csv"), plain) << c.encoding;
         expectNote("File 'w.csv' is UTF-32 text. It is read as UTF-8, and what is written is UTF-8.");
@@ -254,7 +281,8 @@ TEST_F(Told, WhatStandsBehindTheEndIsTold) {
     const struct {
         std::string text, rows, note;
     } cases[] = {
-        {"a,b\n1,2\n\x1A", "a,b\n1,2\n", "File 'z.csv' ends with 1 byte that mark its end (1A) and are no text: left out."},
+        {"a,b\n1,2\n\x1A", "a,b\n1,2\n",
+         "File 'z.csv' ends with 1 byte that mark its end (1A) and are no text: left out."},
         {"a,b\n1,2\x1A", "a,b\n1,2\n", "File 'z.csv' ends with 1 byte that mark"},
         {"a,b\n1,2\n\x1A\0\0"s, "a,b\n1,2\n", "File 'z.csv' ends with 3 bytes that mark"},
         {"a,b\n1,2\n\n , \n\n", "a,b\n1,2\n",
@@ -284,7 +312,8 @@ TEST_F(Told, XmlTakesLongTextsAndLines) {
     const std::string text = "a,b\n1," + std::string(40000, 'x') + "\n2,y\n";
     write("l.csv", text);
     converted("l.csv l.xml", "l.xml");
-    expectNote("1 cell is longer than the 32767 bytes of a line that programs of the system read in XML (the first in "
+    expectNote("1 cell is longer than the 32767 bytes of a line that programs of the system read in XML (the "
+               "first in "
                "row 1, column 'b').");
     EXPECT_TRUE(converted("l.xml b.csv", "b.csv") == text);
     EXPECT_EQ(errors, "");
@@ -302,7 +331,8 @@ TEST_F(Told, XmlTakesLongTextsAndLines) {
     write("l.xml", "<l><r a='" + std::string(70000, 'x') + "'/><r a='y'/></l>");
     EXPECT_TRUE(converted("l.xml b.csv", "b.csv") == "a\n" + std::string(70000, 'x') + "\ny\n");
     // Of those that hold quotes or line ends, the scanner keeps no more.
-    write("l.xml", "<l><r a='" + std::string(20000, 'x') + "\n" + std::string(20000, 'x') + "'/><r a='y'/></l>");
+    write("l.xml",
+          "<l><r a='" + std::string(20000, 'x') + "\n" + std::string(20000, 'x') + "'/><r a='y'/></l>");
     expectFailure("convert l.xml b.csv", "Attribute is too long, max length is 32768");
     write("l.xml", "<l><v>" + std::string(std::size_t{17} << 20, 'x') + "</v><v/></l>");
     expectFailure("convert l.xml b.csv", "Line too long, max length is 16777216");

@@ -31,8 +31,8 @@ struct DataFileInfo {
     std::string typeText;  // the columns, one per line; "" when there is a message
     std::string message;   // "" or why the file cannot be used
     DataFileFault fault = DataFileFault::None;
-    std::string keys;      // of the default key: the repaired names of its columns with "," between, or ""
-    DataOptions options;   // how a delimited file was read
+    std::string keys;     // of the default key: the repaired names of its columns with "," between, or ""
+    DataOptions options;  // how a delimited file was read
     std::int32_t rowsSeen = 0;     // of a delimited file, as TabDiscover tells them
     std::int32_t columnsSeen = 0;  // as many as the file has; no more than 48 of them are read
     bool stopped = false;          // by progress.h: there are no columns then, and no message

@@ -22,8 +22,10 @@ std::vector<std::string> remarksOnXbase(const std::string& filename, int rows) {
     if (!XbaseReadHeader(filename, header).empty() || std::int64_t{header.records} == rows) return {};
     const std::string counted = "Its header counts " + rowCount(header.records) + ", and ";
     if (std::int64_t{header.records} > rows)
-        return {counted + rowCount(rows) + (rows == 1 ? " is" : " are") + " there: it may have been cut off."};
-    return {counted + rowCount(rows) + (rows == 1 ? " is" : " are") + " shown: the last ones may be no rows."};
+        return {counted + rowCount(rows) + (rows == 1 ? " is" : " are") +
+                " there: it may have been cut off."};
+    return {counted + rowCount(rows) + (rows == 1 ? " is" : " are") +
+            " shown: the last ones may be no rows."};
 }
 
 // What the bytes of a text are, block after block.
@@ -38,18 +40,21 @@ public:
         }
         feeds_ = feeds_ || bytes.find('\n') != std::string_view::npos;
         // One at the end of the file ends nothing that another line would follow.
-        returns_ = returns_ || lastReturn_ || bytes.substr(0, bytes.size() - 1).find('\r') != std::string_view::npos;
+        returns_ =
+            returns_ || lastReturn_ || bytes.substr(0, bytes.size() - 1).find('\r') != std::string_view::npos;
         lastReturn_ = bytes.back() == '\r';
     }
     [[nodiscard]] bool knowsAll() const { return feeds_ && zeroLine_ != 0; }
     [[nodiscard]] std::vector<std::string> remarks() const {
         std::vector<std::string> remarks;
         if (returns_ && !feeds_)
-            remarks.emplace_back("Its lines end with carriage returns alone, which end no line here: all of it is one.");
+            remarks.emplace_back(
+                "Its lines end with carriage returns alone, which end no line here: all of it is one.");
         if (zeroLine_ != 0)
-            remarks.push_back("Line " + std::to_string(zeroLine_) +
-                              " holds a byte 0, at which a cell without quotes ends: what follows in the cell is not "
-                              "shown.");
+            remarks.push_back(
+                "Line " + std::to_string(zeroLine_) +
+                " holds a byte 0, at which a cell without quotes ends: what follows in the cell is not "
+                "shown.");
         return remarks;
     }
 
@@ -62,13 +67,15 @@ std::vector<std::string> remarksOnText(const std::string& filename) {
     constexpr std::size_t blockBytes = std::size_t{256} * 1024;
     os::Handle handle = -1;
     std::int64_t size = 0;
-    if (os::files().open(os::native(filename), os::OpenMode::Read, 0, handle) != os::FileError::None) return {};
+    if (os::files().open(os::native(filename), os::OpenMode::Read, 0, handle) != os::FileError::None)
+        return {};
     os::files().size(handle, size);
     TextLook look;
     std::string block(blockBytes, '\0');
     std::size_t got = 1;
     bool stopped = false;
-    for (std::int64_t at = 0; got != 0 && !stopped && !look.knowsAll(); at += static_cast<std::int64_t>(got)) {
+    for (std::int64_t at = 0; got != 0 && !stopped && !look.knowsAll();
+         at += static_cast<std::int64_t>(got)) {
         if (os::files().read(handle, at, block.data(), block.size(), got) != os::FileError::None) break;
         if (got == 0) break;
         look.take(std::string_view(block).substr(0, got));

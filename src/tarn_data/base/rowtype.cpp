@@ -141,7 +141,7 @@ Problem xbaseRowType(const std::string& file, RowType& type) {
             other == 'M'
                 ? "Memos stand in a file of their own, which is not read; save the table without them first."
             : other != 0 ? "Known are the types C, D, L and N; write the others as one of these first."
-                        : "'tarn-data check' looks at the rest of it; a header is not mended."};
+                         : "'tarn-data check' looks at the rest of it; a header is not mended."};
 }
 
 std::int32_t rowBytes(const RowType& type) {

@@ -141,7 +141,8 @@ void XbaseFile::countWhole(std::int64_t room) {
 bool XbaseFile::hasTextBehindMark() {
     constexpr std::size_t block = 4096;
     std::string bytes;
-    for (std::int64_t at = file_.size() - padding_; at < file_.size(); at += static_cast<std::int64_t>(block)) {
+    for (std::int64_t at = file_.size() - padding_; at < file_.size();
+         at += static_cast<std::int64_t>(block)) {
         if (!file_.read(at, block, bytes)) return true;
         if (bytes.find_first_not_of(std::string_view("\x1A\0 \r\n", 5)) != std::string::npos) return true;
     }

@@ -111,8 +111,7 @@ std::vector<std::string> declaredNames(const Source& source) {
 
 Problem fitNames(Conversion& c) {
     const bool xbase = c.source.format == FormatXbase;
-    Problem problem =
-        fitColumns(c.source, xbase ? declaredNames(c.source) : c.columns.names, c.target.type);
+    Problem problem = fitColumns(c.source, xbase ? declaredNames(c.source) : c.columns.names, c.target.type);
     if (!problem.any()) noteFieldNames(c);
     return problem;
 }
@@ -157,7 +156,8 @@ void noteMarks(const Conversion& c) {
     const std::vector<std::string> fields = fieldNames(c.target.type.columns);
     const std::size_t columns = c.source.headings.size() - (c.source.deleted ? 1 : 0);
     if (c.source.format == FormatXbase && fields.size() > columns)
-        note("The marks of deletion of '" + shown(c.source.file) + "' become the column '" + shown(fields[0]) + "'.");
+        note("The marks of deletion of '" + shown(c.source.file) + "' become the column '" +
+             shown(fields[0]) + "'.");
 }
 
 // Values of these go as they are: texts could not tell all of them.

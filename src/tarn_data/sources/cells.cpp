@@ -121,8 +121,7 @@ public:
         if (number_ >= std::min<std::int64_t>(rows_.count(), mostRows(source_))) return false;
         if (!steps_->step(bytesOfStep)) return fail(stoppedProblem());
         const RecordDescriptor* const record = rows_.at(static_cast<std::int32_t>(++number_));
-        if (record == nullptr)
-            return fail(badRow(source_, static_cast<std::int32_t>(number_), TakeError()));
+        if (record == nullptr) return fail(badRow(source_, static_cast<std::int32_t>(number_), TakeError()));
         give(*record, row);
         return true;
     }

@@ -119,8 +119,9 @@ void lookAtNumber(ColumnFacts& column, std::int64_t row, std::string_view text, 
 
 bool isBlankAround(std::string_view text) {
     constexpr char beyondBlanks = ' ';
-    return !text.empty() && ((text.front() <= beyondBlanks && text.front() > 0) ||
-                             (text.back() <= beyondBlanks && text.back() > 0)) &&
+    return !text.empty() &&
+           ((text.front() <= beyondBlanks && text.front() > 0) ||
+            (text.back() <= beyondBlanks && text.back() > 0)) &&
            withoutBlanks(text).size() != text.size();
 }
 

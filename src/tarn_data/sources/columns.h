@@ -37,7 +37,8 @@ struct ColumnFacts {
     CellExample blankEnd;  // the first text with blanks at its end
     std::int64_t blankEnds = 0;
     CellExample oddTruth;  // the first truth value that is written neither True nor False
-    CellExample blankAround;  // the first cell, of a number or a truth value or of blanks alone, that has blanks around it
+    CellExample
+        blankAround;  // the first cell, of a number or a truth value or of blanks alone, that has blanks around it
     std::int64_t blanksAround = 0;
     std::size_t longest = 0;            // bytes of a cell
     std::int32_t decimals = 0;          // of numbers, at most

@@ -18,9 +18,9 @@ inline constexpr std::string_view UnknownType = "undeclared";
 Problem identifyXml(const Arguments& arguments, Source& source);
 // What a reader of XML has found wrong, with its place, and what can be done about it.
 Problem xmlProblem(const std::string& path, const std::string& shownFile, const ErrorRecord& error);
-inline constexpr const char* AdviceForXmlNames =
-    "Names of elements and attributes have the letters A to Z, digits, '_', '-', '.' and ':' only: give those with "
-    "other letters such names first.";
+inline constexpr const char* AdviceForXmlNames = "Names of elements and attributes have the letters A to Z, "
+                                                 "digits, '_', '-', '.' and ':' only: give those with "
+                                                 "other letters such names first.";
 // Columns of text without an upper length; all others as they are.
 std::string withoutLengths(std::string_view columns);
 // An empty table without an index, so that every row is taken as it comes. `exact`: strings have the lengths

@@ -227,7 +227,8 @@ Problem badRow(const Source& source, std::int32_t number, std::int32_t code) {
     const bool read = known && file.read(at, size, bytes) && bytes.size() == size;
     const std::int32_t field = read ? RowBytes(source.type).badField(bytes) : 0;
     if (field == 0) return rowProblem(source, number, code);
-    return {fileWord(source.file) + "row " + std::to_string(number) + " cannot be read: its bytes are no value of field '" +
+    return {fileWord(source.file) + "row " + std::to_string(number) +
+                " cannot be read: its bytes are no value of field '" +
                 shown(fieldNames(source.type.columns)[static_cast<std::size_t>(field) - 1]) + "'.",
             "Look whether the declaration is that of its rows; 'tarn-data check' names every such row."};
 }

@@ -91,7 +91,8 @@ bool isDelimitedText(const Arguments& arguments, const Source& source, const std
     if (beginsAsText(text)) return true;
     if (text.empty()) return false;
     const bool said = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
-    return said && adviceForOther(source.file, beginning).empty() && text.find('\0') == std::string_view::npos;
+    return said && adviceForOther(source.file, beginning).empty() &&
+           text.find('\0') == std::string_view::npos;
 }
 
 // Some programs end a text with the byte 1A, and fill the file up with it or with zeros.
@@ -121,7 +122,8 @@ Problem takeEncoding(Source& source, const std::string& beginning) {
     source.begin = 0;
     Problem problem;
     if (source.folder->error() != os::FileError::None)
-        problem = {fileWord(source.file) + "is " + facts.wideName() + " text, and there is no folder for a copy of it: " +
+        problem = {fileWord(source.file) + "is " + facts.wideName() +
+                       " text, and there is no folder for a copy of it: " +
                        std::string(os::describe(source.folder->error())),
                    "Choose one with TMPDIR, or convert it first: " +
                        iconvCommand(shown(source.file), facts.encoding)};

@@ -79,7 +79,8 @@ bool areAttributesOfOne(const XmlColumns& single, const XmlColumns& ofList) {
     const std::size_t longer = single.names[0].size(), shorter = ofList.names[0].size();
     const std::string prefix = single.names[0].substr(0, longer - std::min(longer, shorter));
     bool are = prefix.size() > 1 && prefix.ends_with('_');
-    for (std::size_t n = 0; n < single.names.size() && are; ++n) are = single.names[n] == prefix + ofList.names[n];
+    for (std::size_t n = 0; n < single.names.size() && are; ++n)
+        are = single.names[n] == prefix + ofList.names[n];
     return are;
 }
 
@@ -118,7 +119,8 @@ Problem noteBehindEnd(const Source& source) {
         std::size_t from = 0;
         if (mark < 0 && (from = block.find(endMark)) != std::string::npos)
             mark = at + static_cast<std::int64_t>(from);
-        more = mark >= 0 && block.find_first_not_of(std::string_view("\x1A\0 \t\r\n", 6), from) != std::string::npos;
+        more = mark >= 0 &&
+               block.find_first_not_of(std::string_view("\x1A\0 \t\r\n", 6), from) != std::string::npos;
     }
     if (more)
         note("Left out of '" + shown(source.file) + "': " + std::to_string(file.size() - mark - 1) +

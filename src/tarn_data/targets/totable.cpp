@@ -315,8 +315,9 @@ public:
             note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(nothings_[n].count) +
                  (nothings_[n].count == 1 ? " cell that holds nothing becomes"
                                           : " cells that hold nothing become") +
-                 (isSet(n) ? " []" : " 0 or False") + " (the first in row " + std::to_string(nothings_[n].row) +
-                 "): a table file has no other " + (isSet(n) ? "set" : "number") + " for nothing.");
+                 (isSet(n) ? " []" : " 0 or False") + " (the first in row " +
+                 std::to_string(nothings_[n].row) + "): a table file has no other " +
+                 (isSet(n) ? "set" : "number") + " for nothing.");
         }
         return problem;
     }
@@ -345,7 +346,8 @@ private:
         if (other.count == 0) return;
         note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(other.count) +
              (other.count == 1 ? " cell comes" : " cells come") + " back in another form (the first in row " +
-             std::to_string(other.row) + ": '" + shownCell(other.cell) + "' as '" + shownCell(other.value) + "').");
+             std::to_string(other.row) + ": '" + shownCell(other.cell) + "' as '" + shownCell(other.value) +
+             "').");
     }
 
     [[nodiscard]] bool isSet(std::size_t n) const {

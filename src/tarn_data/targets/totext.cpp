@@ -119,8 +119,7 @@ public:
         return {};
     }
     Problem put(const CellRow& row, std::int64_t number) override {
-        if (isLines() && row.size() != 1)
-            return manyColumns(row.size());
+        if (isLines() && row.size() != 1) return manyColumns(row.size());
         line_.clear();
         for (std::size_t n = 0; n < row.size(); ++n) {
             cell_ = row[n].text;

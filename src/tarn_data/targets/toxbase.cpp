@@ -181,8 +181,7 @@ private:
         return {};
     }
     Problem appendText(std::string_view text, const XbaseField& field, std::int64_t number, std::size_t n) {
-        const bool zero = text.find('\0') != std::string_view::npos,
-                   tooLong = text.size() > longestText;
+        const bool zero = text.find('\0') != std::string_view::npos, tooLong = text.size() > longestText;
         if (!target_.replace && (zero || tooLong))
             return {cellPlace(number, columns_.headings[n]) +
                         (zero ? "holds a zero byte"

@@ -19,7 +19,7 @@ namespace tarn::datatool {
 namespace {
 
 constexpr std::string_view lineEnd = "\r\n";
-constexpr std::size_t toldLine = std::size_t{MaxScannerLine} - 1;    // that programs of the system read
+constexpr std::size_t toldLine = std::size_t{MaxScannerLine} - 1;     // that programs of the system read
 constexpr std::size_t longestLine = std::size_t{LongestXmlLine} - 1;  // that this one reads
 
 std::string typeWord(const ColumnFacts& column) {
@@ -75,11 +75,12 @@ public:
         Problem problem = out_.finish();
         if (problem.any()) return problem;
         if (rows == 0 && !columns_.headings.empty())
-            note("There are no rows, and XML names columns in its rows alone: " + shown(joined(columns_.headings)) +
-                 " stands nowhere in '" + shown(target_.file) + "'.");
+            note("There are no rows, and XML names columns in its rows alone: " +
+                 shown(joined(columns_.headings)) + " stands nowhere in '" + shown(target_.file) + "'.");
         if (long_.count > 0)
-            note(std::to_string(long_.count) + (long_.count == 1 ? " cell is" : " cells are") + " longer than the " +
-                 std::to_string(toldLine) + " bytes of a line that programs of the system read in XML (the first in row " +
+            note(std::to_string(long_.count) + (long_.count == 1 ? " cell is" : " cells are") +
+                 " longer than the " + std::to_string(toldLine) +
+                 " bytes of a line that programs of the system read in XML (the first in row " +
                  std::to_string(long_.row) + ", column '" + shown(nameOf(long_.column)) + "').");
         return {};
     }

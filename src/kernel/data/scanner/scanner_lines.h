@@ -48,7 +48,8 @@ public:
 
 private:
     static constexpr std::size_t readSize = limits::ScannerReadBytes;
-    static constexpr std::size_t usualLine = MaxScannerLine, usualRoom = usualLine + 1 + readSize + 1 + ScannerSlack;
+    static constexpr std::size_t usualLine = MaxScannerLine,
+                                 usualRoom = usualLine + 1 + readSize + 1 + ScannerSlack;
 
     bool makeRoom(std::size_t bytes);
     bool fill();

@@ -185,8 +185,9 @@ TEST_F(DataTables, SignsOfAFileThatWasCutOffOrFollowsOtherRulesAreTold) {
     EXPECT_EQ(load("a.csv", "a,b\r1,2\r", &header).remark,
               "Its lines end with carriage returns alone, which end no line here: all of it is one.");
     EXPECT_EQ(load("a.csv", "a,b\r\n1,2\r\n", &header).remark, "");
-    EXPECT_EQ(load("a.csv", std::string("a,b\n1,2\nx\0y,2\n", 13), &header).remark,
-              "Line 3 holds a byte 0, at which a cell without quotes ends: what follows in the cell is not shown.");
+    EXPECT_EQ(
+        load("a.csv", std::string("a,b\n1,2\nx\0y,2\n", 13), &header).remark,
+        "Line 3 holds a byte 0, at which a cell without quotes ends: what follows in the cell is not shown.");
 }
 
 TEST_F(DataTables, XmlOfManyShapesGivesRows) {

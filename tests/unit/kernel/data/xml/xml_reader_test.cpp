@@ -244,8 +244,8 @@ TEST_F(XmlReaderTest, LinesAndTextsOfAnyLengthAreWalkedWhereThatIsWanted) {
     ASSERT_EQ(reader.startWalk(file, told, XmlCharacters::Bytes, XmlLengths::Long).code, 0);
     while (reader.walkOn(1)) {}
     EXPECT_EQ(problem(reader.endWalk().error), "");
-    EXPECT_TRUE(told.seen ==
-                "<a <b \"" + text + "\" > <c d=[" + text + "] > \"\n\" <e@2 > \"" + std::string(50000, ' ') + "\" >");
+    EXPECT_TRUE(told.seen == "<a <b \"" + text + "\" > <c d=[" + text + "] > \"\n\" <e@2 > \"" +
+                                 std::string(50000, ' ') + "\" >");
     std::string structure;
     EXPECT_EQ(problem(reader.discover(file, structure, MaxTypeInfo, XmlLengths::Long).error), "");
     EXPECT_NE(structure.find("b : string[100000]\n"), std::string::npos) << structure;
@@ -256,7 +256,8 @@ TEST_F(XmlReaderTest, LinesAndTextsOfAnyLengthAreWalkedWhereThatIsWanted) {
     while (reader.walkOn(1)) {}
     EXPECT_EQ(problem(reader.endWalk().error), "671 Line too long, max length is 16777216");
     const std::string half(20000, 'x');
-    EXPECT_NE(walked("<a b='" + half + "\n" + half + "'/>").find(" | 671 Attribute is too long, max length is 32768"),
+    EXPECT_NE(walked("<a b='" + half + "\n" + half + "'/>")
+                  .find(" | 671 Attribute is too long, max length is 32768"),
               std::string::npos);
 }
 
