@@ -47,10 +47,11 @@ public:
     }
     [[nodiscard]] const XbaseRows* xbase() const { return xbase_.get(); }
 
-    // The count of rows that the file holds by its own account, and its size. 655 for a size or a count that
-    // no such file has. `trailing` unless null: a byte 26 behind the last row of an Xbase file, which then
-    // does not count in the size.
-    bool measure(std::int32_t& count, std::int64_t& size, bool* trailing = nullptr);
+    // The count of rows that the file holds by its own account, and its size. 655 for a size that no such file has;
+    // then 619 for a count above `most`, and 655 for one of more rows than are there. `trailing` unless null: a byte
+    // 26 behind the last row of an Xbase file, which then does not count in the size.
+    bool measure(std::int32_t& count, std::int64_t& size, bool* trailing = nullptr,
+                 std::int32_t most = INT32_MAX);
     // The rows from `position` on, appended to `bytes`; 651 when one is not there.
     bool read(std::int32_t position, std::int32_t rows, std::string& bytes);
     os::FileError write(std::int64_t position, std::string_view rows);

@@ -144,7 +144,7 @@ os::FileError RowFile::readEndMark(std::int64_t size, bool& there) const {
     return error;
 }
 
-bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
+bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing, std::int32_t most) {
     os::FileError error = this->size(size);
     std::int64_t rows = (size - headerBytes_) / rowBytes_, over = (size - headerBytes_) % rowBytes_;
     std::int64_t stored = rows;
@@ -161,8 +161,9 @@ bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
         }
     }
     if (error != os::FileError::None) return RefuseRead(error);
-    if (over != 0 || stored < 0 || stored > rows || stored > std::numeric_limits<std::int32_t>::max())
-        return Refuse(ERR_FILE_SIZE);
+    if (over != 0 || stored < 0 || stored > INT32_MAX) return Refuse(ERR_FILE_SIZE);
+    if (stored > most) return Refuse(ERR_FIXED_TABLE);
+    if (stored > rows) return Refuse(ERR_FILE_SIZE);
     count = static_cast<std::int32_t>(stored);
     return true;
 }

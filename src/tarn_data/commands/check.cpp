@@ -86,6 +86,10 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
                                              : "It is missing.");
             continue;
         }
+        if (!index.owner.empty()) {
+            findings.note(name, index.file.wrong);
+            continue;
+        }
         if (index.keyMap == 0) {
             findings.fault(name, index.file.wrong);
             continue;
@@ -111,6 +115,8 @@ Problem checkWanted(const Arguments& arguments, const RowType& type, const std::
         const std::string name = nameOf(arguments.files[0], static_cast<std::int32_t>(n) + 1);
         if (n >= indexes.size())
             findings.fault(name, "It is missing.");
+        else if (!indexes[n].owner.empty())
+            findings.fault(name, indexes[n].file.wrong);
         else if (indexes[n].keyMap != 0 && indexes[n].keyMap != maps[n])
             findings.fault(name, "Its key is " + joined(indexes[n].file.fields) + ", and not " +
                                      joined(arguments.keys[n]) + ".");
@@ -230,7 +236,8 @@ int checkTable(const std::string& file, const Arguments& arguments) {
                  findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
     checkKept(file, type, indexes, findings);
-    const auto count = static_cast<std::int64_t>(indexes.size());
+    const auto count = std::count_if(indexes.begin(), indexes.end(),
+                                     [](const IndexBeside& index) { return index.owner.empty(); });
     return findings.print(file, counted(facts.rows(), "row") +
                                     (count == 0   ? ""
                                      : count == 1 ? ", 1 index"

@@ -199,6 +199,7 @@ Problem chooseKeys(const Arguments& arguments, Patient& patient) {
     patient.keys = arguments.keys;
     for (const IndexBeside& index : beside) {
         if (!arguments.keys.empty()) break;
+        if (!index.owner.empty()) continue;
         if (index.keyMap == 0)
             return {"The key of '" + IndexFileName(patient.name, index.number) + "' is not known. " +
                         (index.file.path.empty() ? "It is missing." : index.file.wrong),

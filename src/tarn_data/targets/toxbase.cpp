@@ -158,8 +158,12 @@ private:
         if (field.type == 'C' && column.blankEnds > 0)
             note(start + "has " + std::to_string(column.blankEnds) +
                  " texts with blanks at their end, which a dbf file does not keep" + first(column.blankEnd));
-        const CellExample& truth = column.example(CellClass::Boolean);
-        if (field.type == 'L' && truth.text != "True" && truth.text != "False")
+        if (field.type != 'C' && column.blanksAround > 0)
+            note(start + "has " + std::to_string(column.blanksAround) +
+                 " cells with blanks around what they hold, which a dbf file does not keep" +
+                 first(column.blankAround));
+        const CellExample& truth = column.oddTruth;
+        if (field.type == 'L' && truth.row != 0)
             note(start + "is written as T and F, for True and False, like '" + shownCell(truth.text) +
                  "' in row " + std::to_string(truth.row) + ".");
     }
@@ -176,8 +180,7 @@ private:
         return {};
     }
     Problem appendText(std::string_view text, const XbaseField& field, std::int64_t number, std::size_t n) {
-        const bool zero = text.find('\0') != std::string_view::npos,
-                   tooLong = text.size() > longestText;
+        const bool zero = text.find('\0') != std::string_view::npos, tooLong = text.size() > longestText;
         if (!target_.replace && (zero || tooLong))
             return {cellPlace(number, columns_.headings[n]) +
                         (zero ? "holds a zero byte"

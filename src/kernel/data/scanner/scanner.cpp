@@ -55,10 +55,11 @@ void Scanner::clear() {
     s_.lineNumber = s_.symbol = s_.symbolLine = s_.openLine = 0;
 }
 
-ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, bool ignoreCase) {
+ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, bool ignoreCase,
+                         std::int32_t longestLine) {
     if (isOpen() || filename.empty() || table == nullptr || table->count < 1 || !prepare()) return ScanClean;
     clear();
-    if (work_->lines.open(filename) != os::FileError::None) return ScanClean;
+    if (work_->lines.open(filename, longestLine) != os::FileError::None) return ScanClean;
     for (const SymbolClass c : {ClassId, ClassXmlId, ClassMlSqStr, ClassMlDqStr, ClassWhitespace, ClassEol})
         work_->classIds[c] = symbolClassId(table, c);
     s_.filename = filename.substr(0, maxFilename);

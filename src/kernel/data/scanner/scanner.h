@@ -87,8 +87,10 @@ public:
     // Nothing, with ScanClean, when a file is open, `filename` is empty or the table has no entry. Otherwise
     // reads the first line and scans the first symbol. A file that cannot be opened, or is no regular one (a
     // device need never end a line), and a lack of memory leave the scanner closed: the next scan gives the
-    // end of the file. The table must be there whenever the scanner moves.
-    ScanStatus open(const std::string& filename, const SymbolTable* table, bool ignoreCase);
+    // end of the file. The table must be there whenever the scanner moves. `longestLine`: bytes of a line with its
+    // end; texts of symbols stay as they are limited.
+    ScanStatus open(const std::string& filename, const SymbolTable* table, bool ignoreCase,
+                    std::int32_t longestLine = MaxScannerLine);
     void close();
     [[nodiscard]] bool isOpen() const { return !s_.filename.empty(); }
 

@@ -31,16 +31,6 @@ struct TabStructure {
 // Reads names and types of the columns from the rows up to the first empty line.
 TabStructure TabDiscover(const std::string& filename, const DataOptions& options, std::int32_t typeTextSize);
 
-// How much there is in a file, whatever its cells hold.
-struct TabExtent {
-    std::int32_t code = 0, row = 0;  // the first failure: of the file, or 986 for a row of more than a line
-    std::int32_t rows = 0;           // up to the last one that holds a text
-    std::vector<std::int32_t>
-        longest{};         // of each column that holds one, 48 at most: characters of the longest
-    bool stopped = false;  // by progress.h
-};
-TabExtent TabMeasure(const std::string& filename, const DataOptions& options);
-
 // Gives every cell of the first 48 columns to `visit`, with the numbers of its row and column, from 1, and
 // its text as a string would take it. `rows` of the result are those that were read.
 using TabVisitor = std::function<void(std::int32_t row, std::int32_t column, std::string_view text)>;

@@ -165,6 +165,31 @@ TEST_F(DataTables, RemarksTellRowsOfDelimitedTextAndLinesOfXml) {
                            "Values that could not be read are shown as 0, or cut.");
 }
 
+TEST_F(DataTables, SignsOfAFileThatWasCutOffOrFollowsOtherRulesAreTold) {
+    const auto xbase = [](char counted, const std::string& rows) {
+        std::string head = {3, 126, 11, 22, counted, 0, 0, 0, 65, 0, 4, 0};
+        head.resize(65);
+        head.replace(32, 1, "A");
+        head[43] = 'C';
+        head[48] = 3;
+        head[64] = 13;
+        return head + rows;
+    };
+    EXPECT_EQ(load("a.dbf", xbase(2, " one two\x1A")).remark, "");
+    EXPECT_EQ(load("a.dbf", xbase(3, " one two")).remark,
+              "Its header counts 3 rows, and 2 rows are there: it may have been cut off.");
+    EXPECT_EQ(load("a.dbf", xbase(2, " one tw")).remark,
+              "Its header counts 2 rows, and 1 row is there: it may have been cut off.");
+    EXPECT_EQ(load("a.dbf", xbase(1, " one two")).remark,
+              "Its header counts 1 row, and 2 rows are shown: the last ones may be no rows.");
+    EXPECT_EQ(load("a.csv", "a,b\r1,2\r", &header).remark,
+              "Its lines end with carriage returns alone, which end no line here: all of it is one.");
+    EXPECT_EQ(load("a.csv", "a,b\r\n1,2\r\n", &header).remark, "");
+    EXPECT_EQ(
+        load("a.csv", std::string("a,b\n1,2\nx\0y,2\n", 13), &header).remark,
+        "Line 3 holds a byte 0, at which a cell without quotes ends: what follows in the cell is not shown.");
+}
+
 TEST_F(DataTables, XmlOfManyShapesGivesRows) {
     const struct {
         const char *text, *expected;
