@@ -69,6 +69,7 @@ struct Arguments {
     bool deleted = false;                        // with the rows that are marked as deleted
     bool toTable = false;                        // the target is a table file, whatever its name
     bool dryRun = false;
+    bool progress = false;  // is told where there is no terminal, too
     bool help = false, version = false;
     struct Given {
         std::string option;
@@ -109,8 +110,8 @@ struct Source {
     DataOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    XmlRows xmlRows;                     // XML: which elements are the rows
-    bool text = false, deleted = false;  // as the arguments say
+    XmlRows xmlRows;                                  // XML: which elements are the rows
+    bool text = false, deleted = false;               // as the arguments say
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
 };
