@@ -467,6 +467,12 @@ TEST_F(TarnData, LongWorkShowsItsProgressOnATerminalOnly) {
     EXPECT_NE(output.find(" %"), std::string::npos);
     EXPECT_EQ(tarnData("info big.csv"), Well);
     EXPECT_EQ(errors, "");
+    EXPECT_EQ(python("terminal.py", program() + " info big.csv --progress"), Well) << errors;
+    EXPECT_EQ(output.find("tarn-data: reading"), std::string::npos) << output;
+    EXPECT_EQ(tarnData("info big.csv --progress"), Well);
+    EXPECT_TRUE(errors.starts_with("tarn-data: reading big.csv: ")) << errors;
+    EXPECT_TRUE(errors.ends_with(" %\n")) << errors;
+    EXPECT_EQ(errors.find_first_of("\r\033"), std::string::npos);
 }
 
 TEST_F(TarnData, HostileFilesEndInAStatus) {

@@ -116,10 +116,13 @@ void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable
     }
 }
 
-// The columns; a message in `data` if there are none.
+// The columns; a message in `data` if there are none. Of delimited text the rows tell them that can be shown: a large
+// file need not be read to its end.
 DataFileInfo findColumns(const std::string& filename, const DataOptions* options, DataTable& data) {
     LongWork work("Finding the columns of '" + FILEGETFNAME(filename) + "'");
-    DataFileInfo info = GetDataFileInfo(filename, options);
+    DataOptions shown = options != nullptr ? *options : DataOptions();
+    if (shown.maxdatarows < 0) shown.maxdatarows = MostRows;
+    DataFileInfo info = GetDataFileInfo(filename, options != nullptr ? &shown : nullptr);
     data.step = DataTable::Step::Done;
     if (info.stopped || work.stopped()) {
         data.step = DataTable::Step::Stopped;

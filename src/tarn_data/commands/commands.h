@@ -69,6 +69,7 @@ struct Arguments {
     bool deleted = false;                        // with the rows that are marked as deleted
     bool toTable = false;                        // the target is a table file, whatever its name
     bool dryRun = false;
+    bool progress = false;  // is told where there is no terminal, too
     bool help = false, version = false;
     struct Given {
         std::string option;

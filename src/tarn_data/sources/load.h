@@ -28,8 +28,8 @@ std::string withoutLengths(std::string_view columns);
 Problem makeRows(std::string_view columns, bool exact, Rows& rows);
 // The same in a file of a folder for the work, where all strings need a length.
 Problem makeFileRows(std::string_view columns, Rows& rows);
-// As many as a value in memory has.
-bool fitsMemory(std::int64_t rows);
+// Whether the rows of a source stand in memory on their way: as many as a value has, and in few enough bytes.
+bool fitsMemory(const Source& source, std::string_view columns);
 Problem loadProblem(const Source& source, const DataResult& result, const std::string& message);
 // The rows of a table file where they stand.
 Problem openTableRows(const Source& source, Rows& rows);

@@ -241,7 +241,7 @@ Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
     Problem problem = openTable(source, same ? columns : source.type.columns, whole ? rows : inPlace);
     if (problem.any()) return problem;
     if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, TakeError());
-    problem = fitsMemory(source.rowsSeen) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
+    problem = fitsMemory(source, columns) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
     if (!problem.any() && !rows.beginBatch()) problem = rowProblem(source, 0, TakeError());
     if (!problem.any() && !inPlace.beginBatch()) problem = rowProblem(source, 0, TakeError());
     if (!problem.any()) problem = copyRows(source, inPlace, rows);

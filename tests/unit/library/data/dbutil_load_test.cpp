@@ -57,6 +57,22 @@ protected:
     std::unique_ptr<platform::View> before_;
 };
 
+// What stands behind the rows that are shown is not read: it may be a gigabyte, and may not fit.
+TEST_F(LoadTable, OfALongFileTheFirstRowsTellTheColumns) {
+    constexpr int most = MaxBlock / KindSize[KindRecord];
+    std::string text = "id,name\n";
+    for (int n = 1; n <= most + 1; ++n) text += std::to_string(n) + ",x\n";
+    text += "no number,x\n";
+    const DataOptions options{1, 0, ',', -1, false};
+    files_.put("/d/long.csv", text);
+    const DataTable data = LOADDATATABLE("/d/long.csv", &options, FormatComma);
+    EXPECT_EQ(data.remark, "Only the first 113777 rows are shown, a table in memory holds no more.");
+    EXPECT_EQ(TableCount(data.table.get()), most);
+    const auto* const row = static_cast<const RecordDescriptor*>(ListRef(TableRows(data.table.get()), most));
+    EXPECT_EQ(RecordFieldKind(row, 1), KindInteger);
+    EXPECT_EQ(ReadAt<std::int32_t>(RecordFieldAddress(row, 1)), most);
+}
+
 TEST_F(LoadTable, XmlRowsKeepEveryColumn) {
     const Loaded loaded = load("/d/f.xml",
                                "<rows><r><id>1</id><end>5</end><qty>3</qty></r>"
