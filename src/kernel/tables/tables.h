@@ -93,7 +93,7 @@ void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const R
 // A row by its number; 603 outside 1 to count, with `row` cleared.
 void TableRow(const TableDescriptor* t, std::int32_t number, RecordDescriptor* row);
 
-// The parts of the row header; null for no table.
+// The parts of the row header; null for no table. A tree may get its nodes only when its root is asked for (802: null).
 ListDescriptor* TableRows(TableDescriptor* t);
 const ListDescriptor* TableRows(const TableDescriptor* t);
 RecordDescriptor* TableRoot(TableDescriptor* t, std::int32_t indexNumber);
