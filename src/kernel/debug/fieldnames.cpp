@@ -74,15 +74,6 @@ FieldPlace FindField(std::string_view names, std::string_view field) {
     return found;
 }
 
-std::string_view FieldName(std::string_view names, std::int32_t number) {
-    std::string_view found;
-    eachField(names, [&](std::int32_t at, std::string_view name, std::string_view) {
-        if (at == number) found = name;
-        return at == number;
-    });
-    return found;
-}
-
 std::string_view ElementNames(std::string_view names) {
     const std::size_t length = lengthOf(names);
     return names.starts_with('[') && length > 2 && names[length - 1] == ']' ? names.substr(1, length - 2)

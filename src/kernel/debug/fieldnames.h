@@ -30,8 +30,6 @@ struct FieldPlace {
 };
 // The field of a record by its name, without regard to case.
 FieldPlace FindField(std::string_view names, std::string_view field);
-// The name of a field by its number, from 1; empty if there is none.
-std::string_view FieldName(std::string_view names, std::int32_t number);
 std::string_view ElementNames(std::string_view names);  // of what an array, list or table holds
 
 }  // namespace tarn

@@ -36,14 +36,6 @@ TEST(FieldNames, AreFoundWithoutRegardToCase) {
     }
 }
 
-TEST(FieldNames, AreToldByTheirNumber) {
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 1), "a");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 3), "c");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 4), "");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 0), "");
-    EXPECT_EQ(FieldName("[(a)]", 1), "");
-}
-
 TEST(FieldNames, OfElementsStandInSquareBrackets) {
     EXPECT_EQ(ElementNames("[(a,b)]"), "(a,b)");
     EXPECT_EQ(ElementNames("[[(a)]]"), "[(a)]");
