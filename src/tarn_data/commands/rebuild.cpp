@@ -7,7 +7,7 @@
 #include "kernel/index/index_file.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_mend.h"
 #include "os/paths.h"
 #include "os/savestream.h"
@@ -225,7 +225,7 @@ int rehearse(const Arguments& arguments, bool xbase) {
     patient.name = arguments.files[0];
     WorkFolder folder;
     folder.take(patient.name);
-    folder.take(KeptRowsFileName(patient.name));
+    folder.take(GuardFileName(patient.name));
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
         folder.take(IndexFileName(patient.name, n));
         folder.take(asideName(IndexFileName(patient.name, n)));
