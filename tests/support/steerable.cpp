@@ -366,6 +366,7 @@ void SteeredFiles::forget(const NodePointer& node, Names names, const Forget& fo
     if (std::find(seen.begin(), seen.end(), node.get()) != seen.end()) return;
     seen.push_back(node.get());
     forgetBytes(*node);
+    node->inode = nextInode_++;  // nobody knows a file from before
     if (names == Names::Lost) node->names = node->lastingNames;
     settle(*node);
     for (const auto& [name, child] : node->names) forget(child, names, forgetBytes, seen);
@@ -674,6 +675,17 @@ FileError SteeredFiles::setModified(const std::string& path, std::int64_t nanose
     if (node->state.owner != user) return FileError::Denied;
     node->state.modified = nanoseconds;
     node->changed = clock().now();
+    return FileError::None;
+}
+
+FileError SteeredFiles::setModifiedOpen(Handle handle, std::int64_t nanoseconds) {
+    const OpenFile* const file = opened(handle);
+    const FileError error = count(FileCall::SetModified, "setmodified of an open file");
+    if (error != FileError::None) return error;
+    if (file == nullptr) return FileError::WriteFailed;
+    if (file->node->state.owner != user) return FileError::Denied;
+    file->node->state.modified = nanoseconds;
+    file->node->changed = clock().now();
     return FileError::None;
 }
 

@@ -37,7 +37,6 @@ struct DataFileInfo {
     std::int32_t columnsSeen = 0;  // as many as the file has; no more than 48 of them are read
     bool stopped = false;          // by progress.h: there are no columns then, and no message
     XmlRows xmlRows{};             // which elements of an XML file are the rows
-    std::int32_t rowBehind = 0;    // of a delimited file, as TabDiscover tells it
 };
 // Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
 // most 100 rows.

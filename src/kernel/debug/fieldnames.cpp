@@ -76,15 +76,6 @@ FieldPlace FindField(std::string_view names, std::string_view field) {
     return found;
 }
 
-std::string_view FieldName(std::string_view names, std::int32_t number) {
-    std::string_view found;
-    eachField(names, [&](std::int32_t at, std::string_view name, std::string_view) {
-        if (at == number) found = name;
-        return at == number;
-    });
-    return found;
-}
-
 std::string_view FieldNamesAt(std::string_view names, std::int32_t number) {
     std::string_view found;
     eachField(names, [&](std::int32_t at, std::string_view, std::string_view inner) {

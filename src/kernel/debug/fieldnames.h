@@ -31,10 +31,8 @@ struct FieldPlace {
 };
 // The field of a record by its name, without regard to case.
 FieldPlace FindField(std::string_view names, std::string_view field);
-// The name of a field by its number, from 1; empty if there is none.
-std::string_view FieldName(std::string_view names, std::int32_t number);
-std::string_view FieldNamesAt(std::string_view names,
-                              std::int32_t number);     // those in the value of that field
+// Those in the value of a field, by its number from 1; empty if there is none.
+std::string_view FieldNamesAt(std::string_view names, std::int32_t number);
 std::string_view ElementNames(std::string_view names);  // of what an array, list or table holds
 std::int32_t HighestOrdinal(std::string_view names);    // of an enum; 255 where nothing is said
 

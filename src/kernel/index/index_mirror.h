@@ -243,7 +243,7 @@ bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, s
 // their addresses.
 void FreeTrees(const IndexTree* indexes, std::int32_t count);
 
-// ---- walks (index_walk.cpp) ----
+// ---- walks (index_mirror_walk.cpp) ----
 
 // A search for an end or for a neighbour; 0 for none. False: 763.
 bool SeekOnWalk(const MirrorView& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorView::Key& key,

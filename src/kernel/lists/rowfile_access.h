@@ -82,7 +82,7 @@ private:
 };
 
 // A change of a list and its file: begun, written, ended. When a step of it fails, `end` puts back what was
-// there: the size, the stored count, the row that was kept. The count of the descriptor is then what the file
+// there: the size, the stored count, the row that was copied. The count of the descriptor is then what the file
 // holds.
 class RowChange {
 public:
@@ -95,13 +95,13 @@ public:
     bool begin(Know what);
     [[nodiscard]] RowFile& file() { return *file_; }
     [[nodiscard]] std::int64_t size() const { return size_; }  // without a byte 26; unless nothing is known
-    bool keep(std::int32_t position);  // a row that will be overwritten or cut off; 651
+    bool copyBefore(std::int32_t position);  // a row that will be overwritten or cut off; 651
     // Rows that will be written where none was counted.
     void adding(std::int32_t first, std::int32_t last) {
         firstAdded_ = first;
         lastAdded_ = last;
     }
-    // Rows were cut off that were not kept: there is no way back.
+    // Rows were cut off that were not copied: there is no way back.
     void cut() { cut_ = true; }
     // Ends it with this count, or takes it back when `error` says that it failed, or closing does.
     bool end(os::FileError error, std::int32_t count);
@@ -116,7 +116,7 @@ private:
     RowFile* file_ = &own_;
     bool closes_ = true;      // the file, at the end
     std::int64_t size_ = -1;  // unless it is known
-    std::int32_t kept_ = 0, firstAdded_ = 0, lastAdded_ = 0;
+    std::int32_t copied_ = 0, firstAdded_ = 0, lastAdded_ = 0;
     bool cut_ = false;
 };
 

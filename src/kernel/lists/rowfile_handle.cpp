@@ -197,7 +197,7 @@ void AddEmptyRows(std::string_view name, std::size_t rowBytes, std::int32_t rows
 
 namespace {
 
-std::string& keptBytes() {
+std::string& copiedBytes() {
     static std::string bytes;
     return bytes;
 }
@@ -225,10 +225,10 @@ bool RowChange::begin(Know what) {
     return file_->measure(count, size_, &endMark) && (count == list_.count || Refuse(ERR_FILE_SIZE));
 }
 
-bool RowChange::keep(std::int32_t position) {
-    keptBytes().clear();
-    if (!file_->read(position, 1, keptBytes())) return false;
-    kept_ = position;
+bool RowChange::copyBefore(std::int32_t position) {
+    copiedBytes().clear();
+    if (!file_->read(position, 1, copiedBytes())) return false;
+    copied_ = position;
     return true;
 }
 
@@ -256,7 +256,7 @@ bool RowChange::restoreRows() {
     std::int64_t size = 0;
     const bool grew = size_ >= 0 && (!done(file_->size(size)) || size > size_);
     if (grew && !done(file_->cutTo(size_))) return false;
-    if (kept_ != 0 && !done(file_->write(kept_, keptBytes()))) return false;
+    if (copied_ != 0 && !done(file_->write(copied_, copiedBytes()))) return false;
     std::string& empty = RowBytes();
     AddEmptyRows(RowFileName(list_), static_cast<std::size_t>(file_->rowBytes()), 1, empty);
     for (std::int64_t n = firstAdded_; n != 0 && n <= lastAdded_ && file_->offsetOf(n + 1) <= size_; ++n) {

@@ -92,7 +92,7 @@ void RemoveIndexFiles(std::string_view tableFile) {
     const os::FileInfo rows = os::infoOf(std::string(tableFile));
     const auto remove = [&](const std::string& path) {
         if (isRowFile(path, tableFile, rows) || isIndexOfOther(path, tableFile)) return;
-        CloseKeptIndex(path);
+        LetGoOfIndex(path);
         os::files().remove(path);
     };
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {

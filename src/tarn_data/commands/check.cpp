@@ -7,7 +7,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_check.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "os/paths.h"
 #include "tarn_data/commands/check_internal.h"
 #include "tarn_data/commands/commands.h"
@@ -202,12 +202,12 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
 // Rows that deletions have moved are kept beside until the table is closed.
 void checkKept(const std::string& file, const RowType& type, const std::vector<IndexBeside>& indexes,
                Findings& findings) {
-    const std::string kept = KeptRowsFileName(file);
+    const std::string kept = GuardFileName(file);
     std::vector<std::int32_t> maps;
     for (const IndexBeside& index : indexes) maps.push_back(index.keyMap);
     if (!os::infoOf(os::native(kept)).exists || std::count(maps.begin(), maps.end(), 0) > 0) return;
     TableValue table;
-    if (makeFileTable(type, maps, table) && MissesKeptRows(*table.get(), os::native(file)))
+    if (makeFileTable(type, maps, table) && MissesGuardedRows(*table.get(), os::native(file)))
         findings.fault(file, "A row that a deletion has moved is missing; a rebuild brings it back.");
     else
         findings.note(kept, "It keeps rows that deletions have moved, until the table is closed.");

@@ -7,7 +7,7 @@
 #include "kernel/index/index_file.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_mend.h"
 #include "kernel/tables/tables_file_places.h"
 #include "os/paths.h"
@@ -227,7 +227,7 @@ int rehearse(const Arguments& arguments, bool xbase) {
     patient.name = arguments.files[0];
     WorkFolder folder;
     folder.take(patient.name);
-    folder.take(KeptRowsFileName(patient.name));
+    folder.take(GuardFileName(patient.name));
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
         const std::string index = IndexFileName(patient.name, n);
         if (OwnerOfIndex(os::native(index), os::native(patient.name)).empty()) folder.take(index);

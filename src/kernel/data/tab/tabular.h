@@ -26,7 +26,6 @@ struct TabStructure {
     std::string message;   // "" or what is wrong
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // columns: also those beyond the 48 that are declared
     bool stopped = false;                        // by progress.h: nothing was found, and there is no message
-    std::int32_t rowBehind = 0;  // 0, or the first one that is not blank behind the empty line that ended it
 };
 // Reads names and types of the columns from the rows up to the first empty line.
 TabStructure TabDiscover(const std::string& filename, const DataOptions& options, std::int32_t typeTextSize);

@@ -41,14 +41,6 @@ TEST(FieldNames, AreFoundWithoutRegardToCase) {
     }
 }
 
-TEST(FieldNames, AreToldByTheirNumber) {
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 1), "a");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 3), "c");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 4), "");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 0), "");
-    EXPECT_EQ(FieldName("[(a)]", 1), "");
-}
-
 TEST(FieldNames, ThoseInAFieldAreToldByItsNumber) {
     EXPECT_EQ(FieldNamesAt("(a(x,y),b[(z)],c#3)", 1), "(x,y)");
     EXPECT_EQ(FieldNamesAt("(a(x,y),b[(z)],c#3)", 2), "[(z)]");
