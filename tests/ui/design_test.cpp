@@ -10,6 +10,7 @@
 #include "platform/model/model.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
+#include "ui/shownwindow.h"
 
 #include <gtest/gtest.h>
 
@@ -253,11 +254,7 @@ protected:
     static void settle() {
         for (int i = 0; i < 3; ++i) DoEvents();
     }
-    static QWidget* top(const Object& window) {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName().toStdString() == window.window() && !widget->isHidden()) return widget;
-        return nullptr;
-    }
+    static QWidget* top(const Object& window) { return shownWindow(window.window()); }
     static QImage shot(const Object& window) {
         settle();
         const QImage image = top(window)->grab().toImage().convertToFormat(QImage::Format_RGB32);

@@ -8,6 +8,7 @@
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
+#include "ui/shownwindow.h"
 
 #include <gtest/gtest.h>
 
@@ -93,12 +94,7 @@ protected:
         ASSERT_EQ(Show(window, false).code, Ok);
         DoEvents();
     }
-    static QWidget* frame(const Object& window) {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (widget->objectName().toStdString() == window.window() && widget->isVisible()) return widget;
-        }
-        return nullptr;
-    }
+    static QWidget* frame(const Object& window) { return shownWindow(window.window()); }
 };
 
 TEST_F(LifetimeTest, AFrameOfAnUnloadedWindowHearsNothing) {

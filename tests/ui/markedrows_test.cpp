@@ -5,6 +5,7 @@
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
+#include "ui/shownwindow.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -35,9 +36,7 @@ protected:
         ASSERT_EQ(Load(Form), Ok);
         Show(Form, false);
         DoEvents();
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName() == u"Form" && !widget->isHidden())
-                view = widget->findChild<QAbstractItemView*>();
+        view = shownWindow("Form")->findChild<QAbstractItemView*>();
         ASSERT_NE(view, nullptr);
     }
     void TearDown() override {

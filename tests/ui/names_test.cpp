@@ -6,6 +6,7 @@
 #include "platform/model/model.h"
 #include "platform/windowing.h"
 #include "support/places.h"
+#include "ui/shownwindow.h"
 
 #include <gtest/gtest.h>
 
@@ -72,11 +73,7 @@ protected:
         const auto [place, first] = seen.emplace(letter, control.name);
         EXPECT_TRUE(first) << letter << " leads to " << place->second << " and to " << control.name;
     }
-    QWidget* top() const {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName().toStdString() == GetParam() && widget->isVisible()) return widget;
-        return nullptr;
-    }
+    QWidget* top() const { return shownWindow(GetParam()); }
     static std::string spoken(QWidget* widget) {
         const QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
         return face != nullptr ? face->text(QAccessible::Name).toStdString() : std::string();

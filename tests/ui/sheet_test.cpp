@@ -8,6 +8,7 @@
 #include "platform/model/view.h"
 #include "platform/resources/resource.h"
 #include "support/places.h"
+#include "ui/shownwindow.h"
 
 #include <gtest/gtest.h>
 
@@ -62,15 +63,10 @@ protected:
     }
     int waited = 0;
 
-    static QWidget* top(const char* name) {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName() == QLatin1String(name) && widget->isVisible()) return widget;
-        return nullptr;
-    }
+    static QWidget* top(const char* name) { return shownWindow(name); }
     template <class Widget>
     static Widget* find(const char* window, const char* name) {
-        QWidget* frame = top(window);
-        Widget* found = frame != nullptr ? frame->findChild<Widget*>(QLatin1String(name)) : nullptr;
+        Widget* found = shownWidget<Widget>(window, name);
         EXPECT_NE(found, nullptr) << window << " " << name;
         return found;
     }

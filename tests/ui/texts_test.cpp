@@ -7,6 +7,7 @@
 #include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/tempfolder.h"
+#include "ui/shownwindow.h"
 
 #include <gtest/gtest.h>
 
@@ -96,10 +97,7 @@ protected:
     }
     template <class Widget>
     static Widget* find(const char* name) {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName() == u"Form" && !widget->isHidden())
-                return widget->findChild<Widget*>(QString::fromLatin1(name));
-        return nullptr;
+        return shownWidget<Widget>("Form", name);
     }
     static void type(QWidget* to, const QString& text) {
         for (const QChar c : text) {
@@ -346,9 +344,7 @@ TEST_F(TextsTest, ToolProgressIsNamedAndStopsWithEscAndReturn) {
     for (const int key : {Qt::Key_Escape, Qt::Key_Return}) {
         ShowToolProgress("Building...");
         WaitEvents(400, false);
-        QWidget* window = nullptr;
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName() == u"toolprogress" && widget->isVisible()) window = widget;
+        QWidget* const window = shownWindow("toolprogress");
         ASSERT_NE(window, nullptr);
         EXPECT_EQ(window->windowTitle().toStdString(), "Running ...");
         EXPECT_FALSE(window->findChild<QProgressBar*>()->accessibleName().isEmpty());

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Every source that the walks and the architecture name is there. Run as: cmake -DSOURCE_DIR=... -P docs_test.cmake
+# Every source that the walks and the architecture name is there, and every room is named in the architecture.
+# Run as: cmake -DSOURCE_DIR=... -P docs_test.cmake
 set(faults "")
 set(count 0)
 foreach(page IN ITEMS docs/walks.md docs/architecture.md)
@@ -15,6 +16,31 @@ foreach(page IN ITEMS docs/walks.md docs/architecture.md)
     endforeach()
   endforeach()
 endforeach()
+
+# The rooms: each folder of sources, but those with the build's own small programs. Those of the kernel stand in a table
+# without its name.
+file(READ ${SOURCE_DIR}/docs/architecture.md page)
+file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}/src ${SOURCE_DIR}/src/*.cpp ${SOURCE_DIR}/src/*.rc)
+set(rooms "")
+foreach(source IN LISTS sources)
+  get_filename_component(room ${source} DIRECTORY)
+  list(APPEND rooms "${room}")
+endforeach()
+list(REMOVE_DUPLICATES rooms)
+list(FILTER rooms EXCLUDE REGEX "/tools$")
+foreach(room IN LISTS rooms)
+  string(REGEX REPLACE "^kernel/" "" shown "${room}")
+  string(FIND "${page}" "`${room}`" at)
+  string(FIND "${page}" "`${shown}`" at_shown)
+  if(at LESS 0 AND at_shown LESS 0)
+    list(APPEND faults "docs/architecture.md: the room ${room} is not named")
+  endif()
+endforeach()
+list(LENGTH rooms room_count)
+if(room_count LESS 40)
+  message(FATAL_ERROR "Only ${room_count} rooms were found below ${SOURCE_DIR}/src")
+endif()
+
 if(count LESS 50)
   message(FATAL_ERROR "Only ${count} names of sources were found")
 endif()
@@ -22,4 +48,4 @@ if(faults)
   list(JOIN faults "\n" text)
   message(FATAL_ERROR "${text}")
 endif()
-message(STATUS "${count} names of sources, all there")
+message(STATUS "${count} names of sources, all there; ${room_count} rooms, all named")

@@ -37,11 +37,6 @@ constexpr auto Levels = std::to_array<LevelEntry>({
 constexpr int ComparisonLevel = 2;
 constexpr int TightestLevel = 4;
 
-bool isNumberToken(const Token& token) {
-    return token.kind == TokenKind::Integer || token.kind == TokenKind::Fixed ||
-           token.kind == TokenKind::Real;
-}
-
 }  // namespace
 
 ExpressionPtr Parser::makeExpression(ExpressionKind kind, int line) {

@@ -7,7 +7,9 @@
 //                             the way on behind an error
 //     parser.cpp              the class: its head, what it uses, constants, variables, functions
 //     parser_types.cpp        types as they are written
-//     parser_foreign.cpp      what newcomers bring from other languages: tables of it, and how it is read on
+//     parser_foreign.cpp      what newcomers bring from other languages, and how it is read on: words and statements
+//     parser_foreign_blocks.cpp   ... where blocks begin and end
+//     parser_foreign_names.cpp    ... declarations, heads, types, names
 //     parser_statements.cpp   a function for each; blocks end where a word ends them
 //     parser_expressions.cpp  by levels of operators, loosest first; items, literals
 #pragma once
@@ -27,6 +29,11 @@ namespace tarn::toolchain {
 bool beginsDeclaration(Word word);
 bool endsBlock(Word word);
 bool beginsStatement(Word word);
+
+inline bool isNumberToken(const Token& token) {
+    return token.kind == TokenKind::Integer || token.kind == TokenKind::Fixed ||
+           token.kind == TokenKind::Real;
+}
 
 struct ForeignEnd;
 
@@ -88,6 +95,7 @@ private:
     bool atForeignFunction() const;
     bool foreignDeclaration();
     StatementPtr foreignStatement(bool& taken);
+    bool foreignChange(const Expression& target);
     StatementPtr foreignLoop(int line);
     StatementPtr foreignFor(int line);
     StatementPtr foreignBlock();

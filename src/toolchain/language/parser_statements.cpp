@@ -116,15 +116,7 @@ StatementPtr Parser::itemStatement(int line) {
         result->value = std::move(target);
         return result;
     }
-    const bool signs = isSymbol("+") || isSymbol("-") || isSymbol("*") || isSymbol("/");
-    const bool twice = peek(1).text == here().text && (isSymbol("+") || isSymbol("-"));
-    if (signs && !here().firstOnLine && (twice || peek(1).text == "=")) {
-        const std::string sign(here().text), name = target->name.empty() ? "x" : target->name;
-        const std::string value = twice ? "1" : "...";
-        report(Problem::Foreign, {sign + std::string(peek(1).text),
-                                  "'" + name + " := " + name + " " + sign + " " + value + "'"});
-        return nullptr;
-    }
+    if (foreignChange(*target)) return nullptr;
     auto result = make(StatementKind::Assign, line);
     result->target = std::move(target);
     if (here().told && !here().firstOnLine) {  // one message is enough

@@ -46,6 +46,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    enum Tab { ContentsTab, IndexTab, SearchTab };  // of the side
+
     void makeTools();
     void makeKeys();
     QAction* addTool(QToolBar& bar, const QString& name, const QString& keys, const QString& tip,

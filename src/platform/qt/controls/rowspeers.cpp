@@ -3,7 +3,7 @@
 
 #include "platform/qt/controls/markedrows.h"
 #include "platform/qt/controls/rowsview.h"
-#include "platform/qt/controls/textpeers.h"
+#include "platform/qt/controls/textstores.h"
 #include "platform/qt/drawing/pictures.h"
 #include "platform/qt/texts.h"
 
