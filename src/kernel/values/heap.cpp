@@ -18,7 +18,6 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/values/heap_check.h"
 #include "kernel/values/heap_quick.h"
 #include "os/tinylimits.h"
 
@@ -85,8 +84,6 @@ struct Heap {
     std::uint64_t top = firstBlock;
     Offset free[classCount] = {};
     Offset newest = 0;  // head of the list of guarded blocks
-    Offset patrol = 0;  // the one that the patrol looks at next, 0: the newest
-    std::int64_t looked = 0;
     std::int64_t live = 0;
     std::int64_t failAfter = -1;
     bool checking = false;
@@ -311,7 +308,6 @@ void link(Offset block, std::int32_t size) {
 
 void unlink(Offset block) {
     const Head& head = headOf(block);
-    if (heap.patrol == block) heap.patrol = head.older;
     if (head.newer != 0)
         headOf(head.newer).older = head.older;
     else
@@ -322,62 +318,24 @@ void unlink(Offset block) {
 // A step of the walk from the newest block: false when what stands at `block` is no intact member of the
 // list. The back link is part of that, so a damaged list cannot lead the walk round in a circle.
 bool intact(Offset block, Offset newer) {
-    ++heap.looked;
     if (!mayBeGuarded(block)) return false;
     const Head head = headAt(block);
     return head.guard == headGuard && head.newer == newer;
 }
 
-// Of a block in the list.
-std::int32_t examineMember(Offset block, std::int32_t size) {
-    const Head head = headAt(block);
-    if (head.size != size) return ERR_WRONG_BLOCK_SIZE;
-    if (!sizeInRange(block, size) || head.second != edgeGuard || !tailHolds(block, size))
-        return ERR_BLOCK_OVERWRITTEN;
-    // Taking the block out of the list will write to its older neighbour, so that must be there.
-    const bool linked = head.older == 0 || (mayBeGuarded(head.older) && headAt(head.older).newer == block);
-    return linked ? ERR_NONE : ERR_BLOCK_LIST_CORRUPT;
-}
-
-// Whether the list leads to this block, without the walk to it: its newer neighbour is one and names it.
-bool isMember(Offset block) {
-    if (!mayBeGuarded(block)) return false;
-    const Head head = headAt(block);
-    if (head.guard != headGuard || head.newer == 0 || !mayBeGuarded(head.newer)) return false;
-    const Head newer = headAt(head.newer);
-    return newer.guard == headGuard && newer.older == block;
-}
-
-constexpr int newestSteps = 512, patrolSteps = 64;
-static_assert(newestSteps + patrolSteps <= MostBlocksLookedAt);
-
-// Looks at the next blocks of the list, in turn with other frees. False: one is damaged.
-bool patrol() {
-    for (int i = 0; i < patrolSteps; ++i) {
-        if (heap.patrol == 0) heap.patrol = heap.newest;
-        const Offset newer = mayBeGuarded(heap.patrol) ? headAt(heap.patrol).newer : 0;
-        const bool named = newer == 0 ? heap.patrol == heap.newest
-                                      : mayBeGuarded(newer) && headAt(newer).older == heap.patrol;
-        if (!named || !intact(heap.patrol, newer)) {
-            heap.patrol = 0;
-            return false;
-        }
-        heap.patrol = headAt(heap.patrol).older;
-    }
-    return true;
-}
-
-// 0 when `block` is an undamaged block of `size` bytes, otherwise the error of freeing it. In a long list not all
-// blocks on the way are looked at each time, or freeing them all from the oldest on would take the square of their
-// number: the newest are, and some others in turn, so that damage shows after some frees.
+// 0 when `block` is an undamaged block of `size` bytes, otherwise the error of freeing it.
 std::int32_t examine(Offset block, std::int32_t size) {
     Offset newer = 0;
-    int steps = 0;
     for (Offset at = heap.newest; at != 0; newer = at, at = headAt(at).older) {
-        if (++steps == newestSteps && isMember(block))
-            return patrol() ? examineMember(block, size) : std::int32_t{ERR_BLOCK_LIST_CORRUPT};
         if (!intact(at, newer)) return ERR_BLOCK_LIST_CORRUPT;
-        if (at == block) return examineMember(block, size);
+        if (at != block) continue;
+        const Head head = headAt(at);
+        if (head.size != size) return ERR_WRONG_BLOCK_SIZE;
+        if (!sizeInRange(at, size) || head.second != edgeGuard || !tailHolds(at, size))
+            return ERR_BLOCK_OVERWRITTEN;
+        // Taking the block out of the list will write to its older neighbour, so that must be there.
+        const bool linked = head.older == 0 || (mayBeGuarded(head.older) && headAt(head.older).newer == at);
+        return linked ? ERR_NONE : ERR_BLOCK_LIST_CORRUPT;
     }
     return ERR_NO_SUCH_BLOCK;
 }
@@ -571,10 +529,6 @@ Leaks CountLeaks() {
 
 std::int64_t LiveBlocks() {
     return heap.live;
-}
-
-std::int64_t LookedAtBlocks() {
-    return heap.looked;
 }
 
 void FailAllocation(std::int64_t n) {

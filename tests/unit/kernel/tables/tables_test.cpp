@@ -3,7 +3,6 @@
 
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
-#include "kernel/values/heap_check.h"
 #include "support/errorcell.h"
 #include "unit/kernel/runtime_fixture.h"
 #include "unit/kernel/table_rows.h"
@@ -697,29 +696,6 @@ TEST_F(Tables, UnopenedTablesDoNotCompare) {
     AdtInit(copy.get(), inFile.get(), KindTable);
     EXPECT_EQ(takeError(), 0);
     EXPECT_TRUE(AdtSameShape(inFile.get(), copy.get(), KindTable));
-}
-
-// A walk in which the body changes the row, as a program's `for each` does it.
-TEST_F(Tables, AWalkThatChangesRowsLooksAtNoMoreBlocksInALargerTable) {
-    SetMemoryChecking(true);
-    const auto looksOf = [this](int rows) {
-        make({MakeKeyMap(1)});
-        fill(rows);
-        RecordValue key, found;
-        bool there = false;
-        const std::int64_t before = LookedAtBlocks();
-        TableFind("FIRST", t(), 1, key.get(), found.get(), there);
-        for (int n = 1; n <= rows; ++n) {
-            EXPECT_TRUE(there) << n;
-            TableKeyFromRow(t(), 1, found.get(), key.get());
-            TableUpdate(recordOf(row(n, "changed")).get(), 1, key.get(), t());
-            TableFind("NEXT", t(), 1, key.get(), found.get(), there);
-        }
-        EXPECT_FALSE(there);
-        return (LookedAtBlocks() - before) / rows;
-    };
-    const std::int64_t few = looksOf(1000), many = looksOf(8000);
-    EXPECT_LE(many, 2 * few);
 }
 
 TEST_F(Tables, MemoryCheckingSeesNoFault) {

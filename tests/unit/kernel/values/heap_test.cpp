@@ -5,7 +5,6 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/values/heap_check.h"
 #include "support/errorcell.h"
 
 #include <cstring>
@@ -518,70 +517,6 @@ TEST_F(GuardedHeap, AListThatRunsInACircleEndsTheWalk) {
     std::memset(link, 0, 4);
     Free(older, 10);
     Free(newer, 10);
-}
-
-// Of the blocks from the oldest to the newest.
-std::vector<Offset> manyBlocks(int count) {
-    std::vector<Offset> blocks(static_cast<std::size_t>(count));
-    for (Offset& block : blocks) Allocate(block, 10);
-    return blocks;
-}
-void freeAll(std::vector<Offset>& blocks) {
-    for (auto block = blocks.rbegin(); block != blocks.rend(); ++block)
-        if (*block != 0) Free(*block, 10);
-}
-
-TEST_F(GuardedHeap, AFreeLooksAtSoManyBlocksHoweverManyThereAre) {
-    constexpr int count = 20000;
-    std::vector<Offset> blocks = manyBlocks(count);
-    const std::int64_t before = LookedAtBlocks();
-    for (Offset& block : blocks) Free(block, 10);  // the oldest first
-    EXPECT_EQ(takeError(), 0);
-    EXPECT_LE(LookedAtBlocks() - before, std::int64_t{count} * MostBlocksLookedAt);
-}
-
-TEST_F(GuardedHeap, WrongFreesOfOldBlocksReportAndFreeNothing) {
-    constexpr struct {
-        int place;  // from the block's first byte
-        std::int32_t error;
-    } rows[] = {{10, 825}, {13, 825}, {-4, 825}, {-20, 822}, {-8, 824}, {-12, 822}, {-16, 822}};
-    std::vector<Offset> blocks = manyBlocks(3000);
-    Offset wild = blocks[7] + 4, gone = blocks[20];
-    Free(wild, 10);
-    EXPECT_EQ(takeError(), 823);
-    Free(blocks[7], 9);
-    EXPECT_EQ(takeError(), 824);
-    Free(blocks[20], 10);
-    Free(gone, 10);
-    EXPECT_EQ(takeError(), 823);
-    for (const auto& row : rows) {
-        char* const byte = At(blocks[7]) + row.place;
-        const char was = *byte;
-        *byte = static_cast<char>(was ^ 0x41);
-        Free(blocks[7], 10);
-        EXPECT_EQ(takeError(), row.error) << row.place;
-        *byte = was;
-    }
-    EXPECT_EQ(LiveBlocks(), 2999);
-    freeAll(blocks);
-    EXPECT_EQ(takeError(), 0);
-}
-
-TEST_F(GuardedHeap, DamageInALongListShowsAfterSomeFrees) {
-    constexpr int count = 6000, damaged = 3000;
-    std::vector<Offset> blocks = manyBlocks(count);
-    char* const guard = At(blocks[damaged]) - 20;
-    *guard = '?';
-    int frees = 0;
-    for (int i = 0; i < damaged - 1 && ErrorCell() == 0; ++i) {
-        Free(blocks[static_cast<std::size_t>(i)], 10);
-        ++frees;
-    }
-    EXPECT_EQ(takeError(), 822);
-    EXPECT_LE(frees, count / 50);
-    *guard = 'L';
-    freeAll(blocks);
-    EXPECT_EQ(takeError(), 0);
 }
 
 TEST_F(GuardedHeap, ResizeChecksAsFreeDoes) {
