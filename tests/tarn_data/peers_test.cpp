@@ -184,5 +184,9 @@ TEST_F(Peers, TheRowsOfRandomDocumentsAreThoseOfExpat) {
     EXPECT_EQ(python("xml_random.py", "compare 200"), 0) << errors;
 }
 
+TEST_F(Peers, RandomTablesInEveryFormComeOutOfEveryOtherAsTheyAreOrANoteTells) {
+    EXPECT_EQ(python("all_random.py", "'" + program() + "' 25"), 0) << output << errors;
+}
+
 }  // namespace
 }  // namespace tarn::datatool
