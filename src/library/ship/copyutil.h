@@ -5,6 +5,8 @@
 // `files` is a list as in copylist.h. Each command asks and tells under the caption of `owner`, shows in its label
 // "lblwait", if it has one, what it is doing, and can be stopped by the user while it works. It stops at its first failure
 // with a box; what stood under the name of the one file that it makes is kept then. True: all has been done.
+// Ahead of any copying it refuses, with a box, files that are missing, too large or of one name, a file to be made that is one
+// of them, and links in a folder under the name of a file that lead out of it.
 //
 // The programs that they need lie beside this one, else on PATH, as `zip.exe` or `zip`.
 #pragma once

@@ -129,11 +129,11 @@ void XbaseFile::countWhole(std::int64_t room) {
     } else {
         std::int64_t last = most;
         while (last > 0 && !isXbaseMark(markOf(last))) --last;
-        whole_ = last < most && markOf(last + 1) == XbaseEndMark ? last : most;
+        whole_ = last < most && markOf(last + 1) == XbaseFileEnd ? last : most;
     }
     const std::int64_t used = whole_ * header_.recordSize;
     char next = 0;
-    const bool ended = room > used && readByte(header_.headerSize + used, next) && next == XbaseEndMark;
+    const bool ended = room > used && readByte(header_.headerSize + used, next) && next == XbaseFileEnd;
     padding_ = ended ? room - used - 1 : 0;
     behind_ = noted + (ended ? 0 : room - used);
 }

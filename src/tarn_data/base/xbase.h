@@ -16,7 +16,7 @@
 
 namespace tarn::datatool {
 
-inline constexpr char LiveRow = ' ', DeletedRow = '*', XbaseEndMark = 26;
+inline constexpr char LiveRow = ' ', DeletedRow = '*';
 constexpr bool isXbaseMark(char c) {
     return c == LiveRow || c == DeletedRow;
 }

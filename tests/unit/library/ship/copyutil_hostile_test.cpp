@@ -115,6 +115,22 @@ TEST_F(ShipHostile, NoFileTakesThePlaceOfOneThatIsHandedOver) {
     EXPECT_TRUE(read("files/prog.exe").starts_with("\177ELF"));
 }
 
+TEST_F(ShipHostile, AFolderUnderTheNameOfWhatIsMadeStaysAndIsTold) {
+    std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");
+    folder("to/a.zip"), folder("to/a.deb"), folder("files/prog-install.exe");
+    answers = {dir / "to/a.zip"};
+    EXPECT_FALSE(COPYTOZIP(owner, file("a", 1), ""));
+    EXPECT_TRUE(lastText().ends_with("'" + dir / "to/a.zip" + "' could not be written.")) << lastText();
+    answers = {dir / "to/a.deb"};
+    EXPECT_FALSE(toDeb(dir / "files/prog.exe" + "\n"));
+    EXPECT_TRUE(lastText().ends_with("'" + dir / "to/a.deb" + "' could not be written.")) << lastText();
+    tool("iscc.exe", "echo 'it is a folder'");
+    EXPECT_FALSE(toInstaller(dir / "files/prog.exe" + "\n"));
+    EXPECT_EQ(lastText(), "Could not create '" + dir / "files/prog-install.exe" + "'\n\nit is a folder");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "to"), {}), 2) << "nothing else";
+    EXPECT_TRUE(std::filesystem::is_directory(dir / "to/a.zip"));
+}
+
 // What the names of files and folders may be, for each way.
 TEST_F(ShipHostile, NamesOfAllKindsGoThroughEachWay) {
     std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");
