@@ -20,10 +20,6 @@ bool damaged() {
     return false;
 }
 
-MirrorView::Key mirrorKey(const KeyView& key) {
-    return {HeadOfKey(key), &key};
-}
-
 // ---- blocks ----
 
 constexpr std::int32_t entryBytes = sizeof(MirrorEntry);
@@ -63,12 +59,6 @@ Offset placeOfRow(const IndexTree& index, Ref row) {
     return reinterpret_cast<const RecordDescriptor*>(At(index.rows->data))[row - 1].data;
 }
 
-std::uint32_t hashOfRow(const IndexTree& index, const MirrorView& tree, Ref row) {
-    if (index.isNodeless()) return HashOfWhole(tree.head(row));
-    const KeyView key = KeyOfNode(NodeKey(tree.node(row)), index.root->kinds);
-    return HashOfKey(key, HeadOfKey(key));
-}
-
 void makeShortcuts(const IndexTree& index, const MirrorView& tree) {
     IndexMirror& mirror = *index.mirror;
     mirror.missed = 0;
@@ -77,7 +67,7 @@ void makeShortcuts(const IndexTree& index, const MirrorView& tree) {
     if (mirror.shortcuts == 0) return;
     mirror.lineCount = lines;
     for (Ref row = 1; row < static_cast<Ref>(mirror.entryCount); ++row) {
-        if (tree.has(row)) Shortcuts(mirror, hashOfRow(index, tree, row)).put(row, placeOfRow(index, row));
+        if (tree.has(row)) Shortcuts(mirror, HashOfRow(index, tree, row)).put(row, placeOfRow(index, row));
     }
 }
 
@@ -98,7 +88,7 @@ bool followShortcut(const IndexTree& index, const MirrorView& tree, Shortcuts& l
 
 bool findEqual(const IndexTree& index, const MirrorView& tree, const KeyView& view, Ref& found) {
     IndexMirror& mirror = *index.mirror;
-    const MirrorView::Key key = mirrorKey(view);
+    const MirrorView::Key key = MirrorKeyOf(view);
     if (mirror.shortcuts == 0) {
         if (++mirror.missed >= mirror.entryCount / searchesOfRow) makeShortcuts(index, tree);
         return FindEqual(tree, key, found);
@@ -169,133 +159,8 @@ bool FillMirror(const IndexTree& index) {
     return fillFrom(MemoryTree(*index.root), mirror, *index.mirror, index.root->data, 0, index.mirror->root);
 }
 
-// ---- without nodes ----
-
-namespace {
-
-Offset copyNodes(const MirrorView& tree, Ref row, KeyView& key, MemoryTree& made, bool& good) {
-    if (row == 0) return 0;
-    char fields[sizeof(std::uint64_t)];
-    FieldsOfHead(tree.head(row), key, fields);
-    const Offset node = MakeNode(key, static_cast<std::int32_t>(row));
-    if (node == 0) return good = false, 0;
-    made.setBalance(node, tree.balance(row));
-    for (const int side : {0, 1}) made.setChild(node, side, 0);
-    for (const int side : {0, 1}) {
-        const Offset low = good ? copyNodes(tree, tree.child(row, side), key, made, good) : 0;
-        if (low != 0) made.setChild(node, side, low);
-    }
-    return node;
-}
-
-}  // namespace
-
-void DropNodes(const IndexTree& index, const KeyView& shape) {
-    if (!HeadTellsKey(shape)) return;
-    MirrorTree mirror(index);
-    for (std::int32_t row = index.mirror->entryCount - 1; row > 0; --row) {
-        const Offset node = mirror.node(static_cast<Ref>(row));
-        if (node == 0) continue;
-        FreeNode(node, index.root->kinds);
-        mirror.setNode(static_cast<Ref>(row), 0);
-    }
-    *index.root = {0, TagRecord, 0, {}};
-    index.mirror->nodeless = 1;
-}
-
-bool CopyNodes(const IndexMirror& mirror, const KeyView& shape, RecordDescriptor& root) {
-    IndexMirror words = mirror;
-    const MirrorView tree({&root, &words});
-    KeyView key = shape;
-    MemoryTree made(root, NodeKinds(shape), NodeHeadBytes + KeyBytes(shape), false);
-    bool good = true;
-    root = {0, TagRecord, 0, {}};
-    made.setRoot(copyNodes(tree, tree.root(), key, made, good));
-    if (!good) FreeTree(root);
-    return good;
-}
-
-bool MakeNodes(const IndexTree& index, const KeyView& shape) {
-    if (!CopyNodes(*index.mirror, shape, *index.root)) return false;
-    MirrorTree mirror(index);
-    const MemoryTree tree(*index.root);
-    index.mirror->nodeless = 0;
-    return WalkInOrder(tree, [&](Offset node) {
-        mirror.setNode(static_cast<Ref>(NodeRow(node)), node);
-        return true;
-    });
-}
-
 bool MirrorHas(const IndexMirror& mirror, std::int32_t row) {
     return reinterpret_cast<const MirrorEntry*>(At(mirror.entries))[row].links != 0;
-}
-
-namespace {
-
-// "" or what is wrong with the shortcuts of a mirror that is right.
-std::string checkShortcuts(const IndexTree& index, const MirrorView& tree) {
-    const IndexMirror& mirror = *index.mirror;
-    if (mirror.shortcuts == 0) return {};
-    for (std::int32_t i = 0; i < mirror.lineCount * SlotsOfLine; ++i) {
-        const ShortcutLine& line = LinesOf(mirror)[i / SlotsOfLine];
-        const Ref row = line.rows[i % SlotsOfLine] & MostMirroredRow;
-        if (line.tags[i % SlotsOfLine] == 0) continue;
-        if (row == 0 || row >= static_cast<Ref>(mirror.entryCount) || !tree.has(row))
-            return "a shortcut leads nowhere";
-        const Shortcuts own(mirror, hashOfRow(index, tree, row));
-        if (!own.eachSlot([&](std::int32_t slot) { return own.row(slot) == row; }))
-            return "a shortcut is lost";
-    }
-    return {};
-}
-
-// "" or what is wrong with the tree that a mirror stands for.
-std::string checkNodeless(const IndexTree& index, const MirrorView& mirror, std::int32_t entries) {
-    if (index.root->data != 0) return "a mirror stands for a tree that has nodes";
-    std::int64_t left = entries;
-    std::int32_t nodes = 0, height = 0;
-    Ref before = 0, bad = 0;
-    const bool ordered = WalkInOrder(mirror, mirror.root(), left, 0, [&](Ref row) {
-        const bool follows = before == 0 || mirror.head(before) < mirror.head(row);
-        before = row;
-        ++nodes;
-        return follows && mirror.node(row) == 0;
-    });
-    if (!ordered || nodes != entries) return "the mirror is no tree of its keys";
-    left = entries;
-    if (!MeasureHeight(mirror, mirror.root(), left, 0, height, bad) || bad != 0)
-        return "a balance of the mirror is not that of its subtrees";
-    return {};
-}
-
-// "" or where the mirror and its tree differ.
-std::string checkMirrored(const IndexTree& index, const MirrorView& mirror, std::int32_t entries) {
-    const MemoryTree tree(*index.root);
-    std::int32_t nodes = 0;
-    if (mirror.node(mirror.root()) != tree.root()) return "the mirror has another root";
-    const bool same = WalkInOrder(tree, [&](Offset node) {
-        const auto row = static_cast<Ref>(NodeRow(node));
-        const KeyView key = KeyOfNode(NodeKey(node), tree.kinds());
-        if (++nodes > entries || row >= static_cast<Ref>(index.mirror->entryCount)) return false;
-        return mirror.node(row) == node && mirror.balance(row) == tree.balance(node) &&
-               mirror.order(mirrorKey(key), row) == 0 && mirror.head(row) == HeadOfKey(key).bits &&
-               mirror.node(mirror.child(row, 0)) == tree.child(node, 0) &&
-               mirror.node(mirror.child(row, 1)) == tree.child(node, 1);
-    });
-    return same && nodes == entries ? "" : "the mirror shows another tree";
-}
-
-}  // namespace
-
-std::string CheckMirror(const IndexTree& index) {
-    const MirrorView mirror(index);
-    if (mirror.has(0)) return "the mirror has an entry without a row";
-    std::int32_t entries = 0;
-    for (Ref row = 1; row < static_cast<Ref>(index.mirror->entryCount); ++row)
-        entries += mirror.has(row) ? 1 : 0;
-    const std::string wrong =
-        index.isNodeless() ? checkNodeless(index, mirror, entries) : checkMirrored(index, mirror, entries);
-    return wrong.empty() ? checkShortcuts(index, mirror) : wrong;
 }
 
 // ---- searches ----
@@ -309,9 +174,9 @@ struct Descent {
     IndexPath* path = nullptr;
     Ref next = 0;
 
-    void start(const IndexTree& index, const KeyView& view, IndexPath& way) {
+    void start(const IndexTree& index, const MirrorView::Key& sought, IndexPath& way) {
         tree = MirrorView(index);
-        key = mirrorKey(view);
+        key = sought;
         path = &way;
         next = tree.root();
         way.depth = 0;
@@ -322,6 +187,12 @@ struct Descent {
         if (path->depth == MaxTreeDepth) return false;
         next = tree.stepDown(key, *path, next);
         if (next == 0) tree.prefetchEnd(*path);
+        return true;
+    }
+    bool finish() {
+        while (next != 0) {
+            if (!step()) return false;
+        }
         return true;
     }
     [[nodiscard]] bool isPrepared() const { return path->found || PrepareLink(tree, *path); }
@@ -340,29 +211,31 @@ std::uint32_t FollowShortcut(const IndexTree& index, std::uint64_t head) {
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path) {
     if (index.mirror == nullptr) return FindKey(*index.root, key, path);
     Descent descent;
-    descent.start(index, key, path);
-    while (descent.next != 0) {
-        if (!descent.step()) return damaged();
-    }
-    return descent.isPrepared() || damaged();
+    descent.start(index, MirrorKeyOf(key), path);
+    return (descent.finish() && descent.isPrepared()) || damaged();
 }
 
 namespace {
 
-// A step in each tree in turn, so that their waits for memory overlap.
-bool findMirrored(const TreeSearch* searches, std::int32_t count) {
-    Descent descents[MaxIndexes];
-    for (std::int32_t i = 0; i < count; ++i)
-        descents[i].start(searches[i].index, *searches[i].key, *searches[i].path);
+// A step in each tree in turn, so that their waits for memory overlap. False for one that is too deep.
+bool descend(Descent* descents, std::int32_t count) {
     for (bool going = true; going;) {
         going = false;
         for (std::int32_t i = 0; i < count; ++i) {
             Descent& descent = descents[i];
             if (descent.next == 0) continue;
-            if (!descent.step()) return damaged();
+            if (!descent.step()) return false;
             going = true;
         }
     }
+    return true;
+}
+
+bool findMirrored(const TreeSearch* searches, std::int32_t count) {
+    Descent descents[MaxIndexes];
+    for (std::int32_t i = 0; i < count; ++i)
+        descents[i].start(searches[i].index, MirrorKeyOf(*searches[i].key), *searches[i].path);
+    if (!descend(descents, count)) return damaged();
     return std::all_of(descents, descents + count,
                        [](const Descent& descent) { return descent.isPrepared() || damaged(); });
 }
@@ -382,6 +255,19 @@ bool FindKeys(const TreeSearch* searches, std::int32_t count) {
     return std::all_of(searches, searches + count, [](const TreeSearch& search) {
         return FindKey(search.index, *search.key, *search.path);
     });
+}
+
+bool FindPlaces(const IndexTree* indexes, const std::uint64_t* heads, IndexPath* paths, std::int32_t count) {
+    const auto isPlace = [](const Descent& descent) { return !descent.path->found && descent.isPrepared(); };
+    if (count == 1) {
+        Descent only;
+        only.start(indexes[0], {{heads[0], true}, nullptr}, paths[0]);
+        return only.finish() && isPlace(only);
+    }
+    Descent descents[MaxIndexes];
+    for (std::int32_t i = 0; i < count; ++i)
+        descents[i].start(indexes[i], {{heads[i], true}, nullptr}, paths[i]);
+    return descend(descents, count) && std::all_of(descents, descents + count, isPlace);
 }
 
 bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row) {
@@ -421,6 +307,20 @@ std::int32_t FoundRow(const IndexTree& index, const IndexPath& path) {
     return index.mirror == nullptr ? NodeRow(found) : static_cast<std::int32_t>(found);
 }
 
+namespace {
+
+// What stands beside the tree when a row has been linked.
+template <class Hash>
+void noteLinked(const IndexTree& index, Ref row, const Hash& hash) {
+    IndexMirror& mirror = *index.mirror;
+    mirror.walk.count = 0;
+    if (mirror.shortcuts == 0) return;
+    if (static_cast<std::int32_t>(row) > mirror.lineCount * rowsOfLine) return dropShortcuts(mirror);
+    Shortcuts(mirror, hash()).put(row, placeOfRow(index, row));
+}
+
+}  // namespace
+
 void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node,
               std::int32_t row) {
     if (index.mirror == nullptr) return LinkNode(*index.root, path, key, node);
@@ -431,11 +331,15 @@ void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key,
     const auto entry = static_cast<Ref>(row);
     tree.enter(entry, head.bits, node);
     LinkAt(tree, path, entry);
-    IndexMirror& mirror = *index.mirror;
-    mirror.walk.count = 0;
-    if (mirror.shortcuts == 0) return;
-    if (row > mirror.lineCount * rowsOfLine) return dropShortcuts(mirror);
-    Shortcuts(mirror, HashOfKey(key, head)).put(entry, placeOfRow(index, entry));
+    noteLinked(index, entry, [&] { return HashOfKey(key, head); });
+}
+
+void LinkPlace(const IndexTree& index, const IndexPath& path, std::uint64_t head, std::int32_t row) {
+    MirrorTree tree(index);
+    const auto entry = static_cast<Ref>(row);
+    tree.enter(entry, head, 0);
+    LinkAt(tree, path, entry);
+    noteLinked(index, entry, [&] { return HashOfWhole(head); });
 }
 
 void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key) {

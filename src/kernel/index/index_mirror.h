@@ -58,6 +58,7 @@ struct IndexMirror {
     std::int32_t missed;    // searches that wanted a shortcut since there are none
     std::int32_t nodeless;  // 1: it stands for the tree
     std::int32_t integers;  // 1: each key is one integer
+    std::int32_t keyAt;     // then: where it stands in the content of a row
     TreeWalk walk;
 };
 
@@ -221,6 +222,10 @@ bool MakeNodes(const IndexTree& index, const KeyView& shape);
 // ---- searches and the steps of a change, as in index_nodes.h; all keep the mirror ----
 
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path);  // 763
+// The places of whole keys, given by their heads, in nodeless mirrors; false, without an error, when one of them is
+// there or a tree is damaged.
+bool FindPlaces(const IndexTree* indexes, const std::uint64_t* heads, IndexPath* paths, std::int32_t count);
+void LinkPlace(const IndexTree& index, const IndexPath& path, std::uint64_t head, std::int32_t row);
 // The row of a whole key of which there is a shortcut; 0 for none.
 std::uint32_t FollowShortcut(const IndexTree& index, std::uint64_t head);
 struct TreeSearch {

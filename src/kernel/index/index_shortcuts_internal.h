@@ -99,4 +99,14 @@ private:
     std::uint16_t tag_;
 };
 
+// A key as searches in a mirror take it, and the hash of a row's.
+inline MirrorView::Key MirrorKeyOf(const KeyView& key) {
+    return {HeadOfKey(key), &key};
+}
+inline std::uint32_t HashOfRow(const IndexTree& index, const MirrorView& tree, std::uint32_t row) {
+    if (index.isNodeless()) return HashOfWhole(tree.head(row));
+    const KeyView key = KeyOfNode(NodeKey(tree.node(row)), index.root->kinds);
+    return HashOfKey(key, HeadOfKey(key));
+}
+
 }  // namespace tarn

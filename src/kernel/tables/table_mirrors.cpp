@@ -93,6 +93,7 @@ void complete(TableMirrors& mirrors, TableHeader& header, std::int32_t mostRow, 
         }
         const KeyView shape = keyShape(header, i);
         mirror.integers = shape.count == 1 && shape.parts[0].kind == KindInteger ? 1 : 0;
+        mirror.keyAt = static_cast<std::int32_t>(shape.parts[0].at - At(RowShape(header).data));
         if (!isAskedFor(header)) DropNodes(treeOf(header, mirrors, i), shape);
     }
 }
@@ -145,15 +146,21 @@ bool TableTrees::makeWayFor(std::int32_t index, std::int32_t row) {
 
 namespace {
 
+// A function that does nothing else is otherwise taken for one that does nothing, and left out.
+void fetchSoon(const void* at) {
+    __builtin_prefetch(at);
+    asm volatile("");
+}
+
 // Of the row that comes next the content: its descriptor was asked for a step before.
 void prefetchRows(const TableHeader& header, const TreeWalk& walk) {
     const auto numberOf = [&](std::int32_t i) {
         const auto number = i < walk.count ? static_cast<std::int32_t>(walk.rows[i]) : 0;
         return HasRow(header, number) ? number : 0;
     };
-    if (const std::int32_t number = numberOf(3); number != 0) __builtin_prefetch(&RowAt(header, number));
+    if (const std::int32_t number = numberOf(3); number != 0) fetchSoon(&RowAt(header, number));
     if (const std::int32_t number = numberOf(1); number != 0)
-        __builtin_prefetch(tarn_heap_base + RowAt(header, number).data);
+        fetchSoon(tarn_heap_base + RowAt(header, number).data);
 }
 
 }  // namespace
@@ -186,8 +193,8 @@ IndexMirror* quickMirror(TableHeader& header, std::int32_t indexNumber, const Re
                                                                                                   : nullptr;
 }
 
-std::uint64_t headOf(const RecordDescriptor& key) {
-    return std::uint64_t{ReadAt<std::uint32_t>(At(key.data)) ^ 0x80000000U} << 32U;
+std::uint64_t headOf(const RecordDescriptor& record, std::int32_t at) {
+    return std::uint64_t{ReadAt<std::uint32_t>(tarn_heap_base + record.data + at) ^ 0x80000000U} << 32U;
 }
 
 bool copyNumbers(const TableHeader& header, std::uint32_t number, RecordDescriptor& row) {
@@ -205,7 +212,7 @@ bool ReadQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDesc
     IndexMirror* const mirror = quickMirror(header, indexNumber, key, row);
     if (mirror == nullptr) return false;
     const IndexTree tree{&header.roots[indexNumber - 1], mirror, &header.rows};
-    return copyNumbers(header, FollowShortcut(tree, headOf(*key)), *row);
+    return copyNumbers(header, FollowShortcut(tree, headOf(*key, 0)), *row);
 }
 
 bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
@@ -214,9 +221,63 @@ bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const Record
     if (mirror == nullptr || mirror->walk.count == 0) return false;
     const MirrorView tree({&header.roots[indexNumber - 1], mirror, &header.rows});
     std::uint32_t number = 0;
-    if (!SeekOnWalk(tree, mirror->walk, {0, false, 1}, {{headOf(*key), true}, nullptr}, number)) return false;
+    if (!SeekOnWalk(tree, mirror->walk, {0, false, 1}, {{headOf(*key, 0), true}, nullptr}, number))
+        return false;
     prefetchRows(header, mirror->walk);
     return copyNumbers(header, number, *row);
+}
+
+namespace {
+
+// Whether a mirror alone holds the tree, and has room for this row, which is none of its.
+bool canTake(const IndexMirror& mirror, std::int32_t number) {
+    return mirror.integers != 0 && mirror.nodeless != 0 && mirror.entryCount > number &&
+           !MirrorHas(mirror, number);
+}
+
+// Whether the block of a list of rows holds one more behind those that it has.
+bool hasRoomBehind(const ListDescriptor& rows) {
+    constexpr std::int32_t width = KindSize[KindRecord];
+    if (rows.maxlength != UNBOUNDED || rows.data == 0 || !HeapIsPlain) return false;
+    if (rows.size != rows.count * width || rows.size > MaxBlock - width) return false;
+    return GrowInPlace(rows.data, rows.size, rows.size + width);
+}
+
+// A row of numbers behind the others, in the block of the list; false: 802.
+bool appendNumbers(ListDescriptor& rows, const RecordDescriptor& shape, const RecordDescriptor& row) {
+    RecordDescriptor made = shape;
+    if (!AllocateData(made, shape.size)) return false;
+    MoveBytes(tarn_heap_base + made.data, tarn_heap_base + row.data, static_cast<std::size_t>(shape.size));
+    WriteAt(tarn_heap_base + rows.data + rows.size, made);
+    rows.size += KindSize[KindRecord];
+    ++rows.count;
+    return true;
+}
+
+}  // namespace
+
+bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescriptor* row) {
+    TableHeader& header = HeaderOf(t);
+    TableMirrors* const mirrors = mirrorsOf(header);
+    const RecordDescriptor& shape = RowShape(header);
+    if (mirrors == nullptr || !mirrors->numbers || !isLike(row, shape.size, shape.kinds)) return false;
+    ListDescriptor& rows = header.rows;
+    const std::int32_t count = IndexesOf(header), number = rows.count + 1;
+    if (indexNumber < 1 || indexNumber > count || !hasRoomBehind(rows) || t.maxlength != UNBOUNDED)
+        return false;
+    IndexTree trees[MaxIndexes];
+    std::uint64_t heads[MaxIndexes];
+    IndexPath paths[MaxIndexes];
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (!canTake(mirrors->indexes[i], number)) return false;
+        trees[i] = treeOf(header, *mirrors, i);
+        heads[i] = headOf(*row, mirrors->indexes[i].keyAt);
+    }
+    if (!FindPlaces(trees, heads, paths, count)) return false;
+    if (!appendNumbers(rows, shape, *row)) return true;
+    for (std::int32_t i = 0; i < count; ++i) LinkPlace(trees[i], paths[i], heads[i], number);
+    t.count = rows.count;
+    return true;
 }
 
 void FreeTableTrees(TableHeader& header) {

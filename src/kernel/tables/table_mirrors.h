@@ -51,6 +51,9 @@ bool ReadQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDesc
 bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                      RecordDescriptor* row);
 
+// Likewise for adding a row with such keys alone, when there is room for it. The result may be true with 802 set.
+bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescriptor* row);
+
 // The trees are then empty, and there are no mirrors.
 void FreeTableTrees(TableHeader& header);
 bool DropTableMirrors(TableHeader& header);  // false: 802, and as before

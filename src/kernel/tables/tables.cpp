@@ -96,6 +96,7 @@ void TableInit(TableDescriptor* t, std::int32_t maxlength, const RecordDescripto
 // ---- rows ----
 
 void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* row) {
+    if (IsTable(t) && AddQuickly(*t, indexNumber, row)) return;
     if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     const TableHeader& header = HeaderOf(*t);
     if (t->maxlength != UNBOUNDED && header.rows.count >= t->maxlength) return SetError(ERR_FIXED_TABLE);

@@ -423,8 +423,15 @@ bool allocateQuickly(Offset& block, std::int32_t size) {
     const auto last = static_cast<std::uint32_t>(size) - 1;
     if (last >= smallLimit || !HeapIsPlain) return false;
     const int index = static_cast<int>(last) / smallStep;
-    if (heap.free[index] == 0) return false;
-    block = popFree(index);
+    const std::uint64_t end = heap.top + static_cast<std::uint64_t>(classBytes(index));
+    if (heap.free[index] != 0) {
+        block = popFree(index);
+    } else if (end <= heap.committed) {
+        block = static_cast<Offset>(heap.top);
+        heap.top = end;
+    } else {
+        return false;
+    }
     allow(block, index, size);
     ++heap.live;
     return true;
