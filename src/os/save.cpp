@@ -11,7 +11,9 @@
 
 #include "os/paths.h"
 #include "os/process.h"
+#include "os/tinylimits.h"
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace tarn::os {
@@ -109,50 +111,72 @@ FileError writeRescueName(const std::string& copy, const std::string& path) {
     return written != FileError::None ? written : closed;
 }
 
-void removeRescueCopy(const std::string& copy) {
-    files().remove(copy);
-    files().remove(rescueNameFile(copy));
-}
-
 FileError writeRescueCopy(const SaveTarget& target, std::string_view bytes, Durability durability,
                           std::string& copy) {
-    constexpr std::size_t longestStart = 200;  // leaves room for the rest in a name of 255 bytes
-    const std::string folder = rescueFolder();
-    if (const FileError error = makeFolders(folder, durability); error != FileError::None) return error;
     NewFile made;
-    const std::string start = folder + nameOf(target.path).substr(0, longestStart) + ".";
-    if (const FileError error = makeUniqueFile(start, "", PrivateFileMode, made); error != FileError::None)
-        return error;
-    FileError error = writeRescueName(made.path, target.path);
-    if (error == FileError::None)
-        error = fill(made, bytes, nullptr, durability);
-    else
-        files().close(made.handle);
-    if (error == FileError::None && durability == Durability::Synced) error = files().syncFolder(folder);
+    FileError error = beginRescueCopy(target, durability, made);
+    if (error != FileError::None) return error;
+    error = fill(made, bytes, nullptr, durability);
+    if (error == FileError::None && durability == Durability::Synced)
+        error = files().syncFolder(rescueFolder());
     if (error != FileError::None) removeRescueCopy(made.path);
     copy = made.path;
     return error;
 }
 
+// What is written over a file: bytes in memory, all at once, or those of another file, piece by piece.
+class NewBytes {
+public:
+    explicit NewBytes(std::string_view bytes)
+        : bytes_(bytes), size_(static_cast<std::int64_t>(bytes.size())) {}
+    NewBytes(Handle from, std::int64_t size) : from_(from), size_(size) {}
+
+    [[nodiscard]] std::int64_t size() const { return size_; }
+    // From one place up to another, to the same place of the file.
+    FileError write(Handle handle, std::int64_t begin, std::int64_t end) {
+        if (from_ < 0) return files().write(handle, begin, part(begin, end));
+        FileError error = FileError::None;
+        for (std::int64_t at = begin; at < end && error == FileError::None;) {
+            std::size_t got = 0;
+            piece_.resize(static_cast<std::size_t>(std::min(end - at, mostBytes)));
+            error = readUpTo(from_, at, piece_.data(), piece_.size(), got);
+            if (error == FileError::None && got != piece_.size()) error = FileError::ReadFailed;
+            if (error == FileError::None) error = files().write(handle, at, piece_);
+            at += static_cast<std::int64_t>(got);
+        }
+        return error;
+    }
+
+private:
+    static constexpr auto mostBytes = static_cast<std::int64_t>(limits::SaveStreamBytes);
+
+    [[nodiscard]] std::string_view part(std::int64_t begin, std::int64_t end) const {
+        return bytes_.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+    }
+
+    std::string_view bytes_;
+    Handle from_ = -1;
+    std::int64_t size_;
+    std::string piece_;
+};
+
 // Writes over the open file. `touched` tells whether an old byte may have changed.
-FileError overwrite(Handle handle, std::int64_t oldSize, std::string_view bytes, bool& touched) {
-    const auto size = static_cast<std::int64_t>(bytes.size());
+FileError overwrite(Handle handle, std::int64_t oldSize, NewBytes& bytes, bool& touched) {
+    const std::int64_t size = bytes.size();
     if (size > oldSize) {
-        const auto growth = bytes.substr(static_cast<std::size_t>(oldSize));
-        const FileError error = files().write(handle, oldSize, growth);
+        const FileError error = bytes.write(handle, oldSize, size);
         if (error != FileError::None) {
             touched = files().truncate(handle, oldSize) != FileError::None;
             return error;
         }
-        bytes.remove_suffix(growth.size());
     }
     touched = true;
-    if (const FileError error = files().write(handle, 0, bytes); error != FileError::None) return error;
+    const FileError error = bytes.write(handle, 0, std::min(size, oldSize));
+    if (error != FileError::None) return error;
     return size < oldSize ? files().truncate(handle, size) : FileError::None;
 }
 
-FileError writeTarget(const SaveTarget& target, std::string_view bytes, Durability durability,
-                      bool& touched) {
+FileError writeTarget(const SaveTarget& target, NewBytes& bytes, Durability durability, bool& touched) {
     Handle handle = -1;
     if (const FileError error = files().open(target.path, OpenMode::ReadWrite, 0, handle);
         error != FileError::None) {
@@ -164,12 +188,10 @@ FileError writeTarget(const SaveTarget& target, std::string_view bytes, Durabili
     return error;
 }
 
-SaveResult saveInPlace(const SaveTarget& target, std::string_view bytes, Durability durability) {
+SaveResult writeBehindCopy(const SaveTarget& target, const std::string& copy, NewBytes& bytes,
+                           Durability durability) {
     SaveResult result;
     result.inPlace = true;
-    std::string copy;
-    result.error = writeRescueCopy(target, bytes, durability, copy);
-    if (!result.ok()) return result;
     bool touched = false;
     result.error = writeTarget(target, bytes, durability, touched);
     if (result.ok() || !touched) {
@@ -178,6 +200,14 @@ SaveResult saveInPlace(const SaveTarget& target, std::string_view bytes, Durabil
         result.rescueCopy = copy;
     }
     return result;
+}
+
+SaveResult saveInPlace(const SaveTarget& target, std::string_view bytes, Durability durability) {
+    std::string copy;
+    const FileError error = writeRescueCopy(target, bytes, durability, copy);
+    if (error != FileError::None) return {error, true, {}};
+    NewBytes all(bytes);
+    return writeBehindCopy(target, copy, all, durability);
 }
 
 // A device or a pipe takes the bytes as they come; it has no old contents.
@@ -194,6 +224,38 @@ SaveResult saveToDevice(const SaveTarget& target, std::string_view bytes) {
 }
 
 }  // namespace
+
+void removeRescueCopy(const std::string& copy) {
+    files().remove(copy);
+    files().remove(rescueNameFile(copy));
+}
+
+FileError beginRescueCopy(const SaveTarget& target, Durability durability, NewFile& made) {
+    constexpr std::size_t longestStart = 200;  // leaves room for the rest in a name of 255 bytes
+    const std::string folder = rescueFolder();
+    if (const FileError error = makeFolders(folder, durability); error != FileError::None) return error;
+    const std::string start = folder + nameOf(target.path).substr(0, longestStart) + ".";
+    FileError error = makeUniqueFile(start, "", PrivateFileMode, made);
+    if (error != FileError::None) return error;
+    error = writeRescueName(made.path, target.path);
+    if (error == FileError::None) return error;
+    files().close(made.handle);
+    removeRescueCopy(made.path);
+    return error;
+}
+
+SaveResult saveFromRescueCopy(const SaveTarget& target, const std::string& copy, std::int64_t size,
+                              Durability durability) {
+    Handle from = -1;
+    if (const FileError error = files().open(copy, OpenMode::Read, 0, from); error != FileError::None) {
+        removeRescueCopy(copy);
+        return {error, true, {}};
+    }
+    NewBytes bytes(from, size);
+    SaveResult result = writeBehindCopy(target, copy, bytes, durability);
+    files().close(from);
+    return result;
+}
 
 SaveResult saveFile(const std::string& path, std::string_view bytes, Durability durability) {
     SaveTarget target;

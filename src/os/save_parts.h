@@ -34,4 +34,13 @@ FileError finishFile(Handle handle, Durability durability);
 std::string temporaryStart(const SaveTarget& target);
 inline constexpr const char* TemporaryEnd = ".tmp";
 
+// ---- files that are written in place ----
+
+// The new bytes stand in a copy in the rescue folder first. Makes one, open for writing, with the note of its file.
+FileError beginRescueCopy(const SaveTarget& target, Durability durability, NewFile& made);
+void removeRescueCopy(const std::string& copy);
+// Writes what the copy holds, which is closed and on the disk, over the file. It goes, unless the file may be torn.
+SaveResult saveFromRescueCopy(const SaveTarget& target, const std::string& copy, std::int64_t size,
+                              Durability durability);
+
 }  // namespace tarn::os

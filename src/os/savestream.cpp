@@ -20,7 +20,12 @@ SaveStream::~SaveStream() {
 
 void SaveStream::drop() {
     if (handle_ >= 0) files().close(std::exchange(handle_, -1));
-    if (!temporary_.empty()) files().remove(std::exchange(temporary_, {}));
+    if (temporary_.empty()) return;
+    if (inPlace_)
+        removeRescueCopy(temporary_);
+    else
+        files().remove(temporary_);
+    temporary_.clear();
 }
 
 void SaveStream::write(std::string_view bytes) {
@@ -38,8 +43,9 @@ void SaveStream::write(std::string_view bytes) {
 bool SaveStream::beginTemporary() {
     SaveTarget target;
     error_ = findSaveTarget(path_, target);
-    gathersAll_ = ok() && (target.info.special || target.info.links > 1);
+    gathersAll_ = ok() && target.info.special;
     if (!ok() || gathersAll_) return false;
+    if (target.info.links > 1) return beginInPlace(target);
     replaces_ = target.info.exists;
     NewFile made;
     FileError error = makeUniqueFile(temporaryStart(target), TemporaryEnd,
@@ -52,9 +58,20 @@ bool SaveStream::beginTemporary() {
     }
     if (error == FileError::None) return true;
     drop();
-    gathersAll_ = error == FileError::Denied && replaces_;
-    if (!gathersAll_) error_ = error;
+    if (error == FileError::Denied && replaces_) return beginInPlace(target);
+    error_ = error;
     return false;
+}
+
+bool SaveStream::beginInPlace(const SaveTarget& target) {
+    NewFile made;
+    error_ = beginRescueCopy(target, durability_, made);
+    if (!ok()) return false;
+    inPlace_ = true;
+    handle_ = made.handle;
+    temporary_ = made.path;
+    written_ = started_ = 0;
+    return true;
 }
 
 void SaveStream::put(std::string_view bytes) {
@@ -67,30 +84,50 @@ void SaveStream::put(std::string_view bytes) {
     started_ = written_;
 }
 
-// The file cannot be replaced after all: what was written is read again, to be written over it.
-SaveResult SaveStream::writeInPlace() {
-    gathered_.resize(static_cast<std::size_t>(written_));
-    error_ = files().open(temporary_, OpenMode::Read, 0, handle_);
-    if (!ok()) return {error_, false, {}};
-    std::size_t done = 0, got = 1;
-    while (ok() && done < gathered_.size() && got != 0) {
-        error_ = files().read(handle_, static_cast<std::int64_t>(done), gathered_.data() + done,
-                              gathered_.size() - done, got);
-        done += got;
+// The file cannot be replaced after all: what was written goes to a rescue copy.
+void SaveStream::copyTemporary() {
+    const std::string written = std::exchange(temporary_, {});
+    const std::int64_t size = written_;
+    SaveTarget target;
+    Handle from = -1;
+    error_ = files().open(written, OpenMode::Read, 0, from);
+    if (ok()) error_ = findSaveTarget(path_, target);
+    std::string piece;
+    for (bool begun = ok() && beginInPlace(target); begun && ok() && written_ < size;) {
+        std::size_t got = 0;
+        piece.resize(SaveStreamBytes);
+        error_ = readUpTo(from, written_, piece.data(), piece.size(), got);
+        if (ok() && got == 0) error_ = FileError::ReadFailed;
+        if (ok()) put(std::string_view(piece).substr(0, got));
     }
-    if (ok() && done < gathered_.size()) error_ = FileError::ReadFailed;
-    drop();
-    return ok() ? saveFile(path_, std::exchange(gathered_, {}), durability_) : SaveResult{error_, false, {}};
+    if (from >= 0) files().close(from);
+    files().remove(written);
+}
+
+SaveResult SaveStream::finishInPlace() {
+    SaveTarget target;
+    if (ok()) error_ = finishFile(std::exchange(handle_, -1), durability_);
+    if (ok() && durability_ == Durability::Synced) error_ = files().syncFolder(rescueFolder());
+    if (ok()) error_ = findSaveTarget(path_, target);
+    if (!ok()) {
+        drop();
+        return {error_, true, {}};
+    }
+    return saveFromRescueCopy(target, std::exchange(temporary_, {}), written_, durability_);
 }
 
 SaveResult SaveStream::finish() {
     if (ok() && handle_ < 0) return saveFile(path_, std::exchange(gathered_, {}), durability_);
     if (ok() && !gathered_.empty()) put(gathered_);
+    if (ok() && inPlace_) return finishInPlace();
     if (ok()) {
         error_ = finishFile(std::exchange(handle_, -1), durability_);
         if (ok()) error_ = files().rename(temporary_, target_);
         if (error_ == FileError::NotFound) error_ = FileError::Vanished;
-        if (error_ == FileError::Denied && replaces_) return writeInPlace();
+        if (error_ == FileError::Denied && replaces_) {
+            copyTemporary();
+            return finishInPlace();
+        }
         if (ok()) temporary_.clear();
         if (ok() && durability_ == Durability::Synced) error_ = files().syncFolder(folderOf(target_));
     }

@@ -17,9 +17,11 @@ inline constexpr std::size_t SaveStreamBytes = limits::SaveStreamBytes;
 // Bytes after which the disk begins with what was written.
 inline constexpr std::int64_t SaveStreamAhead = std::int64_t{8 * SaveStreamBytes};
 
+struct SaveTarget;
+
 // Gathers bytes up to a bound, and then writes them to a temporary beside the target. Where no new file can
-// take the place of the old one (saveFile tells where) all of them are gathered, or read again when that
-// shows at the end only. What was not finished is gone, and the file is as it was.
+// take the place of the old one (saveFile tells where) they go to the rescue copy, and from there over the file.
+// For a device or a pipe all are gathered. What was not finished is gone, and the file is as it was.
 class SaveStream {
 public:
     explicit SaveStream(std::string path, Durability durability = Durability::Synced);
@@ -34,16 +36,18 @@ public:
 
 private:
     bool beginTemporary();
+    bool beginInPlace(const SaveTarget& target);
     void put(std::string_view bytes);
     void drop();
-    SaveResult writeInPlace();
+    void copyTemporary();
+    SaveResult finishInPlace();
 
     std::string path_, temporary_, gathered_, target_;
     Durability durability_;
     FileError error_ = FileError::None;
     Handle handle_ = -1;
     std::int64_t written_ = 0, started_ = 0;  // bytes; those that the disk has begun with
-    bool gathersAll_ = false, replaces_ = false;
+    bool gathersAll_ = false, replaces_ = false, inPlace_ = false;
 };
 
 }  // namespace tarn::os

@@ -18,6 +18,7 @@ struct Problem {
 };
 std::string fileWord(const std::string& file);  // "File 'name' "
 Problem stoppedProblem();                       // no file was changed
+Problem changedProblem();                       // the file that is read is another one now
 
 // ---- progress ----
 

@@ -77,6 +77,10 @@ Problem stoppedProblem() {
     return {"Stopped.", "No file was changed."};
 }
 
+Problem changedProblem() {
+    return {"The file that is read was changed meanwhile.", "Start again when nobody writes to it."};
+}
+
 void catchSignals() {
     struct sigaction action {};
     action.sa_handler = onSignal;

@@ -32,6 +32,7 @@
 
 #include "kernel/data/datafile.h"
 #include "kernel/run/runtime.h"
+#include "os/files.h"
 #include "tarn_data/base/names.h"
 #include "tarn_data/base/rows.h"
 #include "tarn_data/base/rowtype.h"
@@ -115,6 +116,8 @@ struct Source {
     bool text = false, deleted = false;               // as the arguments say
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
+    os::FileInfo seen;                                // the file when it was first looked at
+    [[nodiscard]] bool wasChanged() const;            // since then
 };
 // Finds out what a file of rows is: not an index file, and a table file only with a declaration. Extensions
 // decide only between lines and delimited text, and give defaults. `isTable`: the declaration is that of this

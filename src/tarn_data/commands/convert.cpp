@@ -22,6 +22,7 @@ struct Conversion {
     Source source;
     TargetColumns columns;
     std::unique_ptr<CellSource> cells;
+    bool looked = false;  // at all rows, ahead of the reading that is written
 };
 
 // A declaration is that of the source, unless only the target is a table file.
@@ -75,6 +76,7 @@ Problem lookAtCells(Conversion& c) {
     const bool asks = !c.arguments.textColumns.empty() || unnamed || (needsNames && named == 0);
     c.cells = cellsOf(c.source);
     Problem problem;
+    c.looked = typed || asks || !RowsAreLines(c.source.format);
     if (typed || asks) problem = lookAtSource(c.arguments, c.source, *c.cells, c.columns.facts);
     if (problem.any()) return problem;
     if (typed || asks) {
@@ -129,6 +131,14 @@ Problem nameColumns(Conversion& c) {
     return {};
 }
 
+// What was found of the rows need not hold for others. Lines that are read once are what they are.
+Problem checkUnchanged(const Conversion& c) {
+    if (!c.source.wasChanged()) return {};
+    if (c.looked) return changedProblem();
+    note(fileWord(c.source.file) + "was changed while it was read: look whether its last rows are whole.");
+    return {};
+}
+
 Problem writeRows(Conversion& c) {
     const std::unique_ptr<CellTarget> target = cellTargetOf(c.source, c.target, c.columns);
     const Work work("writing " + c.target.file);
@@ -144,6 +154,7 @@ Problem writeRows(Conversion& c) {
         problem = target->put(row, rows);
     }
     if (!problem.any()) problem = c.cells->problem().any() ? c.cells->problem() : c.cells->gap();
+    if (!problem.any()) problem = checkUnchanged(c);
     if (!problem.any()) problem = target->finish(rows);
     widths.strayQuote = c.cells->strayQuote();
     widths.blankLines = c.cells->blankLines();
@@ -167,6 +178,7 @@ Problem copyValues(Conversion& c) {
     Rows rows;
     c.columns.named = true;
     if (!problem.any()) problem = loadRows(c.source, columns, rows);
+    if (!problem.any() && c.source.wasChanged()) problem = changedProblem();
     if (!problem.any()) problem = saveTable(c.source, c.target, rows);
     if (problem.any()) return problem;
     noteFieldNames(c);

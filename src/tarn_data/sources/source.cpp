@@ -21,6 +21,12 @@ namespace tarn::datatool {
 Source::Source() = default;
 Source::~Source() = default;
 
+bool Source::wasChanged() const {
+    const os::FileInfo now = os::infoOf(os::native(file));
+    return now.size != seen.size || now.modified != seen.modified || now.inode != seen.inode ||
+           now.device != seen.device;
+}
+
 namespace {
 
 // What a file is that is none of the known forms, and what to do about it; nothing for what is not known at all.
@@ -189,6 +195,7 @@ Problem identifyText(const Arguments& arguments, Source& source) {
 Problem identify(const std::string& file, const Arguments& arguments, bool isTable, Source& source) {
     source.file = file;
     source.path = os::native(file);
+    source.seen = os::infoOf(source.path);
     source.text = arguments.text;
     source.nulls = arguments.nulls;
     source.deleted = arguments.deleted;

@@ -135,7 +135,7 @@ public:
         return {};
     }
     Problem finish(std::int64_t rows) override {
-        if (rows != columns_.facts.rows) return changed();
+        if (rows != columns_.facts.rows) return changedProblem();
         out_.write({&XbaseFileEnd, 1});
         return out_.finish();
     }
@@ -174,7 +174,7 @@ private:
             const bool yes = !text.empty() && (ascii::lower(text[0]) == 't' || ascii::lower(text[0]) == 'y');
             bytes_ += text.empty() ? ' ' : yes ? 'T' : 'F';
         } else {
-            if (text.size() > field.length) return changed();
+            if (text.size() > field.length) return changedProblem();
             bytes_.append(field.length - text.size(), ' ').append(text);
         }
         return {};
@@ -189,17 +189,13 @@ private:
                     zero ? "Write csv, which holds it, or '?' instead with --replace."
                          : "Write xml or csv, which hold it, or cut it with --replace."};
         std::string_view fitted = text.substr(0, longestText);
-        if (fitted.size() > field.length) return changed();
+        if (fitted.size() > field.length) return changedProblem();
         const std::size_t start = bytes_.size();
         bytes_.append(fitted);
         if (zero) std::replace(bytes_.begin() + static_cast<std::ptrdiff_t>(start), bytes_.end(), '\0', '?');
         bytes_.append(field.length - fitted.size(), ' ');
         return {};
     }
-    static Problem changed() {
-        return {"The file that is read was changed meanwhile.", "Start again when nobody writes to it."};
-    }
-
     const Target& target_;
     const TargetColumns& columns_;
     OutFile out_;
@@ -233,6 +229,7 @@ Problem copyXbase(const Source& source, const Target& target) {
         if (row[0] != DeletedRow || source.deleted) out.write(row);
     }
     if (file.error() != os::FileError::None) return unreadable(source.file, file.error());
+    if (source.wasChanged()) return changedProblem();
     out.write({&XbaseFileEnd, 1});
     return out.finish();
 }

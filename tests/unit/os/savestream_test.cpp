@@ -124,5 +124,47 @@ TEST_F(SaveStreams, AFailureInPlaceTellsWhereTheNewBytesAre) {
     EXPECT_EQ(disk.contents(target), text);
 }
 
+// It may be larger than memory.
+TEST_F(SaveStreams, WhatWillBeWrittenInPlaceStandsInTheRescueFolderMeanwhile) {
+    disk.putHardLink(target, "/home/u/b.csv");
+    {
+        SaveStream stream(target);
+        stream.write(contents());
+        stream.write(contents());
+        std::size_t there = 0;
+        for (const std::string& file : disk.allFiles())
+            if (file.starts_with(rescueFolder())) there = std::max(there, disk.contents(file).size());
+        EXPECT_GE(there + SaveStreamBytes, 2 * contents().size());
+    }
+    EXPECT_EQ(disk.contents(target), "as it was");
+    EXPECT_EQ(disk.allFiles().size(), 2U);
+}
+
+TEST_F(SaveStreams, AFileOfSeveralNamesLosesNothingAtAnyFailureOrDeath) {
+    const std::string text = contents();
+    for (const bool death : {false, true}) {
+        bool ended = false;
+        for (int call = 1; call < 10000 && !ended; ++call) {
+            for (const std::string& file : disk.allFiles()) disk.remove(file);
+            disk.put(target, "as it was", 0640);
+            disk.putHardLink(target, "/home/u/b.csv");
+            if (death)
+                disk.dieAt(call);
+            else
+                disk.failAt(call, FileError::DiskFull);
+            try {
+                ended = save(text).ok() && disk.calls() < call;
+            } catch (const ProcessDeath&) {}
+            disk.revive();
+            disk.stopFailing();
+            const std::string now = disk.contents(target);
+            bool safe = now == "as it was" || now == text;
+            for (const std::string& file : disk.allFiles()) safe = safe || disk.contents(file) == text;
+            EXPECT_TRUE(safe) << call << death;
+        }
+        EXPECT_TRUE(ended);
+    }
+}
+
 }  // namespace
 }  // namespace tarn::os

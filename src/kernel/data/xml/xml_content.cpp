@@ -142,6 +142,8 @@ public:
             } else if (!pass_.ended()) {
                 if (leave(open) && open.size() + 1 == depth) return true;
             }
+            // Most tags end their line: a step less for each.
+            if (pass_.scan.character() == LineEnd && !open.empty() && !pass_.ended()) passLineEnd();
         }
         return false;
     }
@@ -240,6 +242,10 @@ private:
     void takeBytes(std::size_t count) {
         append(pass_.scan.remainder().substr(0, count));
         pass_.scan.skipBytes(static_cast<std::int32_t>(count));
+    }
+    void passLineEnd() {
+        append(pass_.scan.remainder());
+        nextLine();
     }
     void nextLine() { XmlNoteStatus(pass_, pass_.scan.skipChar()); }
 
