@@ -73,6 +73,19 @@ void diskDelete(benchmark::State& state) {
         store.add(row + static_cast<std::int32_t>(i));
     eachTime(state, store.good(), [&] { return store.remove(row++); });
 }
+// Rows from anywhere, of which nothing was used shortly before. Each comes back, which is not timed.
+template <class Store>
+void diskDeleteSpread(benchmark::State& state) {
+    Store& store = storeOf<Store>(state);
+    std::int32_t probe = 0;
+    for (auto _ : state) {
+        probe = nextProbe(probe, static_cast<std::int32_t>(state.range(0)));
+        const bool removed = store.good() && store.remove(probe);
+        state.PauseTiming();
+        if (!removed || !store.add(probe)) return state.SkipWithError("the work was not done");
+        state.ResumeTiming();
+    }
+}
 
 constexpr std::int64_t readings = 1000, changes = 200;
 
@@ -114,6 +127,9 @@ BENCHMARK(diskAdd<KernelGrown>)->Name("diskAddGrown")->Apply(largeChanges);
 BENCHMARK(diskAdd<KernelHeld>)->Name("diskAddHeld")->Apply(largeChanges);
 BENCHMARK(diskDelete<KernelGrown>)->Name("diskDeleteGrown")->Apply(largeChanges);
 BENCHMARK(diskDelete<KernelHeld>)->Name("diskDeleteHeld")->Apply(largeChanges);
+BENCHMARK(diskDeleteSpread<KernelRows>)->Name("diskDeleteSpreadKernel")->Apply(largeChanges);
+BENCHMARK(diskDeleteSpread<KernelGrown>)->Name("diskDeleteSpreadGrown")->Apply(largeChanges);
+BENCHMARK(diskDeleteSpread<SqliteOpened>)->Name("diskDeleteSpreadSqliteOpened")->Apply(largeChanges);
 
 // ---- to the disk ----
 

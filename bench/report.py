@@ -119,6 +119,8 @@ def main():
            0.6 if (work, peer, n, i) == ("Add", "SqliteOpened", 100000, 5) else None)
           for work in ("Add", "Delete") for n in (1000, 10000, 100000, 1000000) for i in (1, 5)
           for peer in ("SqliteOpened", "SqliteHeld", "Level")),
+        *((f"diskDeleteSpread{kind}/{n}/{i}", f"diskDeleteSpreadSqliteOpened/{n}/{i}", 1)
+          for kind in ("Kernel", "Grown") for n in (100000, 1000000) for i in (1, 5)),
         # As rows that were added one by one leave the indexes; and held open, as the peer is.
         *((f"disk{work}Grown/{n}/1", f"disk{work}SqliteOpened/{n}/1", 0.2) for work in ("Find", "Next")
           for n in (100000, 1000000)),

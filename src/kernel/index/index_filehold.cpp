@@ -95,7 +95,7 @@ std::int32_t HeldIndex::take(os::OpenMode& mode, os::Handle& handle, std::int64_
 
 void HeldIndex::giveBack(bool changed) {
     inUse_ = false;
-    if (!changed || handle_ < 0) return;
+    if (!changed || handle_ < 0 || StampFile(handle_, info_)) return;
     if (os::files().infoOpen(handle_, info_) != os::FileError::None) records_.forget();
 }
 

@@ -4,11 +4,11 @@
 // of them. Only the modules of index files include this, and the one of held tables.
 //
 // While a HeldIndex lives, every IndexDisk of its path uses its handle. Nothing is held back: what an operation
-// writes is in the file when it has ended. What another program writes is noticed at the next operation as far as
-// the size and the times of the file tell it, and the remembered records are read again; a file that has lost its
-// name, or was let go, is opened anew.
+// writes is in the file when it has ended. What another program writes is noticed at the next operation, and the
+// remembered records are read again: always where the file takes a stamp, else as far as its size and its times tell it;
+// a file that has lost its name, or was let go, is opened anew.
 //
-// Cost: one look at the file for an operation, and one more for one that changes it.
+// Cost: one look at the file for an operation, and a stamp for one that changes it.
 #pragma once
 
 #include "kernel/index/index_fileremember.h"

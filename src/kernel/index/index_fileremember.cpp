@@ -179,15 +179,14 @@ std::int64_t nextStamp() {
     return last = std::max(os::clock().now(), last + 1) | 1;
 }
 
-// Whether the file took the stamp, and a change of it will show.
-bool stamp(os::Handle handle, os::FileInfo& info) {
+}  // namespace
+
+bool StampFile(os::Handle handle, os::FileInfo& info) {
     const std::int64_t time = nextStamp();
     return os::files().setModifiedOpen(handle, time) == os::FileError::None &&
            os::files().infoOpen(handle, info) == os::FileError::None && info.modified == time &&
            info.changed != time;
 }
-
-}  // namespace
 
 RememberedRecords* RecallRecords(const os::FileInfo& info, bool mayWrite) {
     static std::uint64_t uses = 0;
@@ -208,7 +207,7 @@ RememberedRecords* RecallRecords(const os::FileInfo& info, bool mayWrite) {
 
 void StampRecords(RememberedRecords* records, os::Handle handle) {
     Remembered* const file = fileOf(records);
-    if (file != nullptr) file->lasts = stamp(handle, file->info);
+    if (file != nullptr) file->lasts = StampFile(handle, file->info);
 }
 
 void ChangeRecords(RememberedRecords* records) {

@@ -69,6 +69,9 @@ private:
 // Whether an open file is as it was, as far as its size and its times tell.
 bool IsSameState(const os::FileInfo& a, const os::FileInfo& b);
 
+// Stamps a file that may be written; `info` tells how it is then. False where it takes no stamp.
+bool StampFile(os::Handle handle, os::FileInfo& info);
+
 // The records that are remembered of a file that operations open one by one, and of the few that were used before.
 // `info` tells how the open file is now: what has changed since its records were read has another size or time.
 // Where that is not sure, as the file was changed so shortly before that another change might have the same time, it is

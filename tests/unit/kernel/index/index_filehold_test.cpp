@@ -8,6 +8,7 @@
 namespace tarn {
 namespace {
 
+using os::FileCall;
 using os::FileError;
 using os::OpenMode;
 
@@ -97,6 +98,36 @@ TEST_F(HeldIndexTest, OwnChangesKeepTheRecordsThoseOfOthersDoNot) {
     ASSERT_EQ(disk.open(path, OpenMode::ReadWrite, 0, other), FileError::None);
     ASSERT_EQ(disk.write(other, 0, "H"), FileError::None);
     disk.close(other);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
+    EXPECT_FALSE(remembers(held));
+}
+
+// As on a disk that gives two changes, one soon after the other, the same time.
+TEST_F(HeldIndexTest, AChangeOfAnotherProgramAtTheSameTimeIsNoticed) {
+    os::SteeredClock clock;
+    const os::Steered steeredClock(clock);
+    HeldIndex held(path);
+    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+    rememberOne(held);
+    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
+    EXPECT_TRUE(remembers(held));
+    os::Handle other = -1;
+    ASSERT_EQ(disk.open(path, OpenMode::ReadWrite, 0, other), FileError::None);
+    ASSERT_EQ(disk.write(other, 0, "H"), FileError::None);
+    disk.close(other);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
+    EXPECT_FALSE(remembers(held));
+}
+
+TEST_F(HeldIndexTest, AFileThatTakesNoStampIsKnownByItsSizeAndTimes) {
+    disk.failAlways(FileCall::SetModified, FileError::Denied);
+    HeldIndex held(path);
+    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+    rememberOne(held);
+    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+    EXPECT_TRUE(remembers(held));
+    disk.put(path, "other");
     ASSERT_EQ(use(held, OpenMode::Read), 0);
     EXPECT_FALSE(remembers(held));
 }
