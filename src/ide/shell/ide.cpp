@@ -242,13 +242,7 @@ void goToLastFolder(const std::string& ini) {
     if (wanted && os::infoOf(last).folder) SETCURDIR(last);  // it may have gone since
 }
 
-}  // namespace
-
-void DO_LOAD() {
-    FRAME(DO_LOAD);
-    STAMP();
-    const std::string ini = GETIDEINIFILE();
-    SPLASHDLG_SHOWWITHBUTTONS("");
+void readSettings(const std::string& ini) {
     STAMP();
     checkSettings(ini);
     STAMP();
@@ -257,6 +251,10 @@ void DO_LOAD() {
     PREPARESETTINGS();
     STAMP();
     REFRESHCOMMANDLINE();
+    STAMP();
+}
+
+void prepareMainWindow(const std::string& ini) {
     STAMP();
     Assert(GetName(MAINCONTROL("CodeLabel")) == "codelabel" &&
            GetName(MAINCONTROL("ProgramLabel")) == "programlabel");
@@ -271,11 +269,29 @@ void DO_LOAD() {
     STAMP();
     NOTEUNDOITEMS();
     STAMP();
+}
+
+void prepareCodeWindow() {
+    STAMP();
     Load(SDIEdit);
     STAMP();
     EDITWNDSETMAXSIZE(SDIEdit, Main);
     STAMP();
     EDITWNDSETTIMER(SDIEdit, MAINCONTROL("lblautobackuptimer"), EDITWNDGETINTERVAL());
+    STAMP();
+}
+
+}  // namespace
+
+void DO_LOAD() {
+    FRAME(DO_LOAD);
+    STAMP();
+    const std::string ini = GETIDEINIFILE();
+    SPLASHDLG_SHOWWITHBUTTONS("");
+    STAMP();
+    readSettings(ini);
+    prepareMainWindow(ini);
+    prepareCodeWindow();
     STAMP();
     AppIcon(GETAPPDIR() + std::string(ProductIcon));
     STAMP();
