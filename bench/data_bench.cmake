@@ -8,7 +8,7 @@ if(NOT EXPAT_FOUND OR NOT PUGIXML_FOUND OR NOT SHAPELIB_FOUND OR NOT leveldb_lib
   return()
 endif()
 add_executable(data_bench EXCLUDE_FROM_ALL data_bench.cpp data_xml.cpp data_csv.cpp data_scanner.cpp
-  data_xbase.cpp data_disk.cpp)
+  data_xbase.cpp data_disk.cpp disk_kernel.cpp disk_peers.cpp disk_rows.cpp)
 target_link_libraries(data_bench PRIVATE tarnwick benchmark::benchmark PkgConfig::SQLITE PkgConfig::EXPAT
   PkgConfig::PUGIXML PkgConfig::SHAPELIB ${leveldb_library})
 

@@ -90,6 +90,8 @@ public:
     virtual FileError setMode(const std::string& path, std::uint32_t mode) = 0;
     virtual FileError setOwner(const std::string& path, std::uint32_t owner, std::uint32_t group) = 0;
     virtual FileError setModified(const std::string& path, std::int64_t nanoseconds) = 0;
+    // The same of an open file, whatever its name leads to by now.
+    virtual FileError setModifiedOpen(Handle handle, std::int64_t nanoseconds) = 0;
     virtual FileError link(const std::string& target, const std::string& path) = 0;  // a symbolic link
     // Follows symbolic links. A file that does not exist is no error: `exists` is false. Two system calls.
     virtual FileError info(const std::string& path, FileInfo& info) = 0;

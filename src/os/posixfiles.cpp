@@ -265,6 +265,11 @@ public:
         return changed(path, [&](const char* name) { return ::utimensat(AT_FDCWD, name, times, 0); });
     }
 
+    FileError setModifiedOpen(Handle handle, std::int64_t nanoseconds) override {
+        const timespec times[2] = {{0, UTIME_OMIT}, toTimespec(nanoseconds)};
+        return writeResult(::futimens(handle, times));
+    }
+
     FileError link(const std::string& target, const std::string& path) override {
         const Name to(target);
         if (to.bad()) return FileError::BadName;

@@ -60,7 +60,11 @@ bool SaveStream::beginTemporary() {
 void SaveStream::put(std::string_view bytes) {
     error_ = files().write(handle_, written_, bytes);
     written_ += static_cast<std::int64_t>(bytes.size());
-    if (!ok()) drop();
+    if (!ok()) return drop();
+    // So that the sync at the end, which nothing can interrupt, finds little to wait for.
+    if (durability_ != Durability::Synced || written_ - started_ < SaveStreamAhead) return;
+    files().startSync(handle_);
+    started_ = written_;
 }
 
 // The file cannot be replaced after all: what was written is read again, to be written over it.

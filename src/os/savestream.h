@@ -14,6 +14,8 @@
 namespace tarn::os {
 
 inline constexpr std::size_t SaveStreamBytes = limits::SaveStreamBytes;
+// Bytes after which the disk begins with what was written.
+inline constexpr std::int64_t SaveStreamAhead = std::int64_t{8 * SaveStreamBytes};
 
 // Gathers bytes up to a bound, and then writes them to a temporary beside the target. Where no new file can
 // take the place of the old one (saveFile tells where) all of them are gathered, or read again when that
@@ -40,7 +42,7 @@ private:
     Durability durability_;
     FileError error_ = FileError::None;
     Handle handle_ = -1;
-    std::int64_t written_ = 0;
+    std::int64_t written_ = 0, started_ = 0;  // bytes; those that the disk has begun with
     bool gathersAll_ = false, replaces_ = false;
 };
 

@@ -91,6 +91,7 @@ int run(const std::vector<std::string>& words) {
     if (problem.any()) return tell(problem);
     if (arguments.help) return print(help());
     if (arguments.version) return print(version());
+    if (arguments.progress) showProgressEverywhere();
     if (arguments.command.empty()) return usage("A command is missing.");
     for (const Command& command : commands) {
         if (command.name != arguments.command) continue;

@@ -6,6 +6,10 @@
 //
 // The installer is NAME.exe in FOLDER; without them it has the name of the script, beside it. What is wrong goes to
 // standard output. The exit code is 0 only if the installer was made.
+#include "kernel/windows/windowing.h"
+#include "library/dialogs/versioninfo.h"
+#include "library/settings/profstr.h"
+#include "library/system/system.h"
 #include "os/files.h"
 #include "os/paths.h"
 #include "os/process.h"
@@ -26,6 +30,21 @@ std::string besideTool(const std::string& name) {
     if (os::sizeOf(here) > 0) return here;
     os::files().resolve(os::executablePath(), resolved);
     return os::folderPart(resolved) + name;
+}
+
+// The product of the version block, else the description that the user has given, else the name. A description that nobody has
+// changed tells of this system and not of the program.
+std::string productOf(const setup::Package& package, const std::string& resources) {
+    const std::string blocks =
+        resources.empty() ? std::string() : ResourceInfo(resources, "VERSIONINFO", "*").text;
+    const std::string block = STRTOKEN(STRLINE(blocks + "\n", 1), 1);
+    const std::string product = STRTRIM(
+        block.empty() ? std::string()
+                      : VERSIONINFOTOFIELDS(ResourceInfo(resources, "VERSIONINFO", block).text).product);
+    ClearError();
+    if (!product.empty() && product.find('\n') == std::string::npos) return product;
+    const bool told = !package.title.empty() && !ISDEFAULTDESCRIPTION(package.title);
+    return told ? package.title : package.name;
 }
 
 }  // namespace
@@ -52,8 +71,9 @@ int main(int argc, char** argv) {
     if (folder.empty()) folder = os::folderOf(script);
     if (name.empty()) name = os::withoutExtension(os::nameOf(script));
     const std::string made = os::joined(os::native(folder), name + ".exe");
-    const std::string report = setup::makeInstaller(
-        {script, made, besideTool("tarnwick-setup"), besideTool("tarnwick-ask"), setup::firstProgram()});
+    const std::string report =
+        setup::makeInstaller({script, made, besideTool("tarnwick-setup"), besideTool("tarnwick-ask"),
+                              setup::firstProgram(), productOf});
     std::fputs(report.empty() ? (made + "\n").c_str() : report.c_str(), stdout);
     return report.empty() ? 0 : Failed;
 }

@@ -7,6 +7,8 @@
 //     NAME-install.exe --check
 //     uninstall [--quiet]
 //
+// Any other option is told with those that the program has.
+//
 // What stands in front of it in an installer starts it from memory with `--of INSTALLER`: the file that carries it.
 //
 // Without a place the user is asked for it, with --quiet it is the home. The exit code is 0 when all was done, 1 when it
@@ -16,6 +18,7 @@
 #include "os/process.h"
 #include "toolchain/setup/asking.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 
@@ -48,7 +51,7 @@ Options readOptions(const std::vector<std::string>& arguments) {
             options.of = arguments[++i];
         else if (word == "--system")
             options.place = Place::System;
-        else if (word == "--folder" && i + 1 < arguments.size()) {
+        else if (word == "--folder" && i + 1 < arguments.size() && !arguments[i + 1].empty()) {
             options.place = Place::Folder;
             options.folder = arguments[++i];
         } else
@@ -56,6 +59,11 @@ Options readOptions(const std::vector<std::string>& arguments) {
     }
     if (options.quiet && options.place == Place::Ask) options.place = Place::Home;
     return options;
+}
+
+int usage(const char* options) {
+    std::fprintf(stderr, "options: %s\n", options);
+    return Usage;
 }
 
 // Installations of one user go one after the other: each takes what an earlier one has left for half done. A lock that
@@ -71,13 +79,18 @@ std::string fullPath(const std::string& path) {
     return path.starts_with('/') ? path : os::joined(os::files().currentFolder(), path);
 }
 
+std::string productOf(const setup::Package& package) {
+    if (!package.product.empty()) return package.product;
+    return package.title.empty() ? package.name : package.title;
+}
+
 // False if the user leaves.
 bool askPlace(setup::User& user, const setup::Package& package, Options& options) {
     using Place = Options::Place;
     const std::string home = setup::placesInHome(package).app, system = setup::placesInSystem(package).app;
     const std::string title = "Install " + package.name;
-    const std::string text = "Where shall '" + (package.title.empty() ? package.name : package.title) +
-                             "' be installed?\n\nFor me: " + home + "\nFor everybody: " + system;
+    const std::string text = "Where shall '" + productOf(package) + "' be installed?\n\nFor me: " + home +
+                             "\nFor everybody: " + system;
     constexpr Place places[] = {Place::Home, Place::System, Place::Folder};
     const std::size_t choice =
         user.ask(title, text, {"For &me", "For &everybody", "&Other folder", "&Cancel"});
@@ -131,10 +144,22 @@ int install(const setup::Installer& installer, Options options) {
     return failure.empty() ? Done : Failed;
 }
 
-int uninstall(const std::string& app, const std::string& name, const Options& options) {
-    setup::User user(options.quiet);
+// In a folder that has a list of what was installed, as the program that removes it.
+int uninstall(const std::string& app) {
+    const std::vector<std::string>& words = os::commandLine();
+    const bool quiet = !words.empty();
+    if (std::any_of(words.begin(), words.end(), [](const std::string& word) { return word != "--quiet"; }))
+        return usage("--quiet");
+    const std::string name = setup::installedName(app);
+    setup::User user(quiet);
     const std::string title = "Uninstall " + name;
-    if (!options.quiet) {
+    if (name.empty()) {
+        user.tell("Uninstall", "Nothing can be removed from '" + app +
+                                   "': the list of what was installed, '" + std::string(setup::ListName) +
+                                   "', is missing or damaged.");
+        return Failed;
+    }
+    if (!quiet) {
         user.useWindowsIn(app);
         if (!user.canAsk()) {
             user.tell(title, "There is no screen and no terminal to ask on. Use --quiet.");
@@ -162,19 +187,17 @@ int damaged() {
 int main(int argc, char** argv) {
     os::setCommandLine(argc, argv);
     const Options options = readOptions(os::commandLine());
-    if (!options.understood) {
-        std::fputs("options: --quiet, --home, --system, --folder FOLDER, --check\n", stderr);
-        return Usage;
-    }
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, [](int) { stopped = 1; });
-    std::string self = options.of;
-    if (self.empty()) os::files().resolve(os::executablePath(), self);
+    std::string own;
+    os::files().resolve(os::executablePath(), own);
     setup::Installer installer;
     setup::Layout layout;
+    if (os::nameOf(own) == setup::UninstallName &&
+        setup::checkInstaller(own, layout) == setup::Whole::NoPackage)
+        return uninstall(os::folderOf(own));
+    if (!options.understood) return usage("--quiet, --home, --system, --folder FOLDER, --check");
+    const std::string self = options.of.empty() ? own : options.of;
     const setup::Whole whole = setup::checkInstaller(self, layout);
-    const std::string app = os::folderOf(self), name = setup::installedName(app);
-    if (whole == setup::Whole::NoPackage && !name.empty() && os::nameOf(self) == setup::UninstallName)
-        return options.check ? Done : uninstall(app, name, options);
     if (whole != setup::Whole::Yes || !setup::openInstaller(self, layout, installer).empty())
         return damaged();
     return options.check ? Done : install(installer, options);

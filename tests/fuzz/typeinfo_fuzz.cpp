@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Type information text: any two texts merge, build values that are whole, or nothing, and leak nothing. The
-// two are parted by a line that holds a "%" alone.
+// Type information text: any two texts merge, build values that are whole, or nothing, and leak nothing. What a value
+// was built from fits it. Any line of them, as a value of a data file, gives one line of its own. The two are parted by
+// a line that holds a "%" alone.
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/value_line.h"
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"
 
@@ -59,6 +61,39 @@ void useLines(std::string text) {
     require(ErrorCell() == 0 || ErrorCell() >= 600);
 }
 
+// What a data file may hold is one line, which says what the guess says.
+void declareLines(std::string_view text) {
+    for (int lines = 0; !text.empty() && lines < 40; ++lines) {
+        const std::string_view value = text.substr(0, text.find('\n'));
+        for (const std::string& line : {TypeInfoValueLine(value, "x", "NULL", "x : Any"),
+                                        DataValueLine(value, "x", "NULL", "x : Any")}) {
+            require(line.starts_with("x : ") && line.find('\n') == line.size() - 1);
+            require(TypeInfoParseLine(line, 1).name == "x");
+        }
+        text.remove_prefix(std::min(value.size() + 1, text.size()));
+    }
+}
+
+void compareTexts(const std::string& a, const std::string& b) {
+    const InsertedLines inserted = TypeInfoFindInserted(a, b);
+    require(inserted.inA >= 0 && inserted.inB >= 0);
+    std::string stripped = a;
+    TypeInfoStripOuter(stripped, MaxTypeInfo);
+    require(stripped.size() <= a.size());
+    const TypeInfoElement element = TypeInfoParseLine(a, 1);
+    const std::int32_t found = TypeInfoFindElement(a, element.name, element.indent);
+    require(found <= static_cast<std::int32_t>(std::count(a.begin(), a.end(), '\n')) + 1);
+    TypeInfoCountElements(a, 0);
+    TypeInfoIsPath(a, b.substr(0, 60));
+}
+
+// A record is what its text says, and has the keys that the text has by itself.
+void useRecord(const std::string& text, const RecordDescriptor* record) {
+    const std::string said = TypeInfoFromValue(record, KindRecord, TypeInfoFieldList(text).names);
+    require(said.empty() || TypeInfoMatchesValue(said, record) >= 0);
+    TypeInfoDefaultKeys(record, TypeInfoFieldList(text).names, false);
+}
+
 void buildValues(const std::string& text) {
     ClearError();
     const String source(text);
@@ -79,6 +114,7 @@ void buildValues(const std::string& text) {
     if (table.get()->tag != 0) require(AdtCheck(table.get(), KindTable).empty());
     TypeInfoMatchesValue(text, record.get());
     TypeInfoFromValue(record.get(), KindRecord, text);
+    if (record.get()->tag != 0) useRecord(text, record.get());
     for (std::int32_t index = 1; index <= MaxIndexes; ++index) TypeInfoIndexText(table.get(), index);
 }
 
@@ -96,6 +132,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(merged.empty() || merged.back() == '\n');
     useLines(a);
     repairNames(a);
+    declareLines(a);
+    compareTexts(a, b);
     for (const std::string& each : {a, b, merged}) buildValues(each);
     require(LiveBlocks() == 0);
     return 0;

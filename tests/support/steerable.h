@@ -135,6 +135,7 @@ public:
     FileError setMode(const std::string& path, std::uint32_t mode) override;
     FileError setOwner(const std::string& path, std::uint32_t owner, std::uint32_t group) override;
     FileError setModified(const std::string& path, std::int64_t nanoseconds) override;
+    FileError setModifiedOpen(Handle handle, std::int64_t nanoseconds) override;
     FileError link(const std::string& target, const std::string& path) override;
     FileError info(const std::string& path, FileInfo& info) override;
     FileError infoOpen(Handle handle, FileInfo& info) override;
@@ -176,8 +177,8 @@ private:
     static void touch(Node& node);  // notes the time of a change
     static void settle(Node& node);
     using Forget = std::function<void(Node&)>;
-    static void forget(const NodePointer& node, Names names, const Forget& forgetBytes,
-                       std::vector<const Node*>& seen);
+    void forget(const NodePointer& node, Names names, const Forget& forgetBytes,
+                std::vector<const Node*>& seen);
     void dieAsMachine(Names names, const Forget& forgetBytes);
     void collect(const Node& node, const std::string& path, std::vector<std::string>& paths) const;
 

@@ -252,6 +252,17 @@ FileError SteeredFiles::setModified(const std::string& path, std::int64_t nanose
     return FileError::None;
 }
 
+FileError SteeredFiles::setModifiedOpen(Handle handle, std::int64_t nanoseconds) {
+    const OpenFile* const file = opened(handle);
+    const FileError error = count(FileCall::SetModified, "setmodified of an open file");
+    if (error != FileError::None) return error;
+    if (file == nullptr) return FileError::WriteFailed;
+    if (file->node->state.owner != user) return FileError::Denied;
+    file->node->state.modified = nanoseconds;
+    file->node->changed = clock().now();
+    return FileError::None;
+}
+
 FileError SteeredFiles::link(const std::string& target, const std::string& path) {
     FileError error = count(FileCall::Link, "link " + native(target) + " " + native(path));
     if (error != FileError::None) return error;

@@ -54,6 +54,7 @@ void SteeredFiles::forget(const NodePointer& node, Names names, const Forget& fo
     if (std::find(seen.begin(), seen.end(), node.get()) != seen.end()) return;
     seen.push_back(node.get());
     forgetBytes(*node);
+    node->inode = nextInode_++;  // nobody knows a file from before
     if (names == Names::Lost) node->names = node->lastingNames;
     settle(*node);
     for (const auto& [name, child] : node->names) forget(child, names, forgetBytes, seen);

@@ -97,7 +97,8 @@ TEST_F(Honest, TableFilesCountWhatBecomesZero) {
     write("t.type", "record\n\tid : integer\n\tc : set[1:5]\nend record\n");
     write("a.csv", "id;c\n1;[2]\n2;\n");
     ASSERT_EQ(tarnData("convert a.csv t.bin --type=t.type"), Well) << errors;
-    expectNote("Column 'c': 1 cell that holds nothing becomes [] (the first in row 2): a table file has no other set");
+    expectNote("Column 'c': 1 cell that holds nothing becomes [] (the first in row 2): a table file has no "
+               "other set");
 }
 
 TEST_F(Honest, ARowOfAnotherLengthIsHeldAgainstTheFirst) {
@@ -365,6 +366,31 @@ TEST_F(Honest, MemoryStaysBounded) {
     }
     EXPECT_EQ(lines, 8);
     for (const char* file : {"b.csv", "c.csv", "d.csv"}) EXPECT_TRUE(read(file) == text) << file;
+}
+
+// Few rows of many long fields, whose values would take many times as much in memory as in the file.
+TEST_F(Honest, MemoryStaysBoundedForLongRows) {
+    constexpr int rows = 12000, columns = 48, most = 64 * 1024;
+    std::string text, type = "t : table\n\tr : record\n";
+    for (int n = 1; n <= columns; ++n) {
+        text += (n > 1 ? ",c" : "c") + std::to_string(n);
+        type += "\t\tc" + std::to_string(n) + " : string[90]\n";
+    }
+    text += '\n';
+    for (int i = 1; i <= rows; ++i) {
+        for (int n = 1; n <= columns; ++n)
+            text += (n > 1 ? ",a" : "a") + std::to_string(i) + std::string(60, 'x');
+        text += '\n';
+    }
+    write("a.csv", text);
+    write("t.type", type + "\tend record\nend table\n");
+    std::string commands;
+    for (const char* words : {"a.csv b.dbf", "b.dbf c.bin --type=t.type", "c.bin d.csv --type=t.type"})
+        commands += " '" + program() + " convert " + words + "'";
+    ASSERT_EQ(python("memory.py", commands + " >taken"), 0) << errors;
+    std::istringstream taken(read("taken"));
+    for (std::string line; std::getline(taken, line);) EXPECT_LT(std::stoi(line), most) << line;
+    EXPECT_TRUE(read("d.csv") == text);
 }
 
 // ---- encodings ----

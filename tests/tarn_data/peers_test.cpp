@@ -165,23 +165,23 @@ TEST_F(Peers, WhatIsWellFormedIsJudgedAsByExpat) {
 }
 
 TEST_F(Peers, TheCellsOfRandomRowsAreThoseOfPython) {
-    ASSERT_EQ(python("csv_corpus.py", "write 150"), 0) << errors;
+    ASSERT_EQ(python("csv_random.py", "write 150"), 0) << errors;
     ASSERT_EQ(shell("for n in $(seq 0 149); do " + program() + " convert d$n.csv o$n.csv && " + program() +
                     " convert d$n.csv t$n.tab && " + program() +
                     " convert t$n.tab --separator='\\t' b$n.csv || exit 1; done"),
               0)
         << errors;
-    EXPECT_EQ(python("csv_corpus.py", "compare 150 d o"), 0) << errors;
-    EXPECT_EQ(python("csv_corpus.py", "compare 150 d b"), 0) << errors;
+    EXPECT_EQ(python("csv_random.py", "compare 150 d o"), 0) << errors;
+    EXPECT_EQ(python("csv_random.py", "compare 150 d b"), 0) << errors;
 }
 
 TEST_F(Peers, TheRowsOfRandomDocumentsAreThoseOfExpat) {
-    ASSERT_EQ(python("xml_corpus.py", "write 200"), 0) << errors;
+    ASSERT_EQ(python("xml_random.py", "write 200"), 0) << errors;
     ASSERT_EQ(
         shell("for n in $(seq 0 199); do " + program() + " convert --text d$n.xml o$n.xml || exit 1; done"),
         0)
         << errors;
-    EXPECT_EQ(python("xml_corpus.py", "compare 200"), 0) << errors;
+    EXPECT_EQ(python("xml_random.py", "compare 200"), 0) << errors;
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// debuggee NAME FILE: a program under the debugger, in a process of its own, for tests with real keys. It shows a window
+// debuggee NAME FILE [LEFT TOP WIDTH HEIGHT]: a program under the debugger, in a process of its own, for tests with real keys. It shows a window
 // with its name, and stops at line after line of a text; after a run it works without an event loop until the user breaks
-// in. What its handler hears is written to the file, a line each. It ends by the command to stop.
+// in. What its handler hears is written to the file, a line each. It ends by the command to stop; if it was given a place
+// for its debugger's window, it tells then where that stood.
 #include "os/files.h"
 #include "platform/model/debugger/debugwindow.h"
 #include "platform/resources/resource.h"
@@ -18,7 +19,7 @@ using namespace tarn::platform;
 namespace {
 
 std::FILE* output = nullptr;
-bool runs = false;
+bool runs = false, placed = false;
 
 void note(const std::string& text) {
     std::fprintf(output, "%s\n", text.c_str());
@@ -30,6 +31,10 @@ void hear(DebugWindow& window, const DebugEvent& event) {
     note(names[static_cast<int>(event.message)] + (" " + std::to_string(event.number)));
     if (event.message != DebugMessage::Command) return;
     if (event.number == DEBUG_STOP) {
+        const DebugPlace place = GetDebugPlace(window);
+        if (placed)
+            note("stood " + std::to_string(place.left) + " " + std::to_string(place.top) + " " +
+                 std::to_string(place.width) + " " + std::to_string(place.height));
         EndDebug(&window);
         std::_Exit(0);
     }
@@ -66,13 +71,16 @@ void showForm(const std::string& name, const std::string& folder) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 3) return 2;
+    if (count != 3 && count != 7) return 2;
+    placed = count == 7;
+    const auto number = [&](int i) { return std::atoi(arguments[i]); };
+    const DebugPlace place =
+        placed ? DebugPlace{number(3), number(4), number(5), number(6)} : DebugPlace{300, 200, 500, 300};
     output = std::fopen(arguments[2], "w");
     if (output == nullptr) return 2;
     showForm(arguments[1], arguments[2]);
-    DebugWindow* const window =
-        StartDebug(Object("Form"), "Integrated Debugger [inactive]",
-                   "stop\nrun\nfeet1\nfeet2\nstop2\n\ncode3", "BUG", hear, {300, 200, 500, 300});
+    DebugWindow* const window = StartDebug(Object("Form"), "Integrated Debugger [inactive]",
+                                           "stop\nrun\nfeet1\nfeet2\nstop2\n\ncode3", "BUG", hear, place);
     if (window == nullptr) return 2;
     DebugAddstrings(*window, "first\nsecond\nthird\nfourth\nfifth\nsixth\nseventh\neighth\nninth\n");
     SetDebugNumbers(*window, true);
@@ -85,8 +93,8 @@ int main(int count, char** arguments) {
         ActivateDebug(*window);
         SetDebugFlags(*window, line, 0);
         SetDebugCaption(*window, "Integrated Debugger [inactive]");
-        const DebugPlace place = GetDebugPlace(*window);
-        note("place " + std::to_string(place.width) + " " + std::to_string(place.height));
+        const DebugPlace now = GetDebugPlace(*window);
+        note("place " + std::to_string(now.width) + " " + std::to_string(now.height));
         if (runs) work();
     }
 }

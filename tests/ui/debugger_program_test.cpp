@@ -164,6 +164,71 @@ TEST_F(DebuggerTest, WhileTheProgramRunsOnlyStopAndBreakArePossible) {
     stop({[] { EXPECT_FALSE(button(QStringLiteral("break"))->isChecked()); }});
 }
 
+// Stops until the handler leaves; a stop that nobody leaves ends, too.
+bool leavesByItself(DebugWindow& window) {
+    bool late = false;
+    QTimer guard;
+    guard.setSingleShot(true);
+    QObject::connect(&guard, &QTimer::timeout, [&] { late = true, LeaveDebug(window); });
+    guard.start(300);
+    ActivateDebug(window);
+    return !late;
+}
+
+TEST_F(DebuggerTest, KeysThatAreTypedBetweenStopsAreStepsOfTheNextOnes) {
+    act = [this](const DebugEvent& event) {
+        if (event.number == 104) LeaveDebug(*window);
+    };
+    stop({});
+    for (int i = 0; i < 10; ++i) key(Qt::Key_F8);  // within the moment in which nothing looks disabled
+    QTest::qWait(250);
+    ASSERT_FALSE(button(QStringLiteral("104"))->isEnabled());
+    for (int i = 0; i < 10; ++i) key(Qt::Key_F8);
+    EXPECT_TRUE(done.empty());
+    for (int i = 0; i < 20; ++i) EXPECT_TRUE(leavesByItself(*window)) << i;
+    EXPECT_EQ(done, Done(20, "command 104"));
+    EXPECT_FALSE(leavesByItself(*window)) << "that was all";
+}
+
+TEST_F(DebuggerTest, EachKeyOfACommandWaitsForTheNextStop) {
+    DebugAddstrings(*window, lines(5));
+    stop({});
+    QTest::qWait(250);
+    Done wanted;
+    for (const DebugCommand& command : debugCommands) {
+        if (command.number == DEBUG_STOP) continue;
+        const QKeyCombination keys = QKeySequence(QLatin1String(command.keys))[0];
+        key(keys.key(), keys.keyboardModifiers());
+        wanted.push_back("command " + std::to_string(command.number));
+    }
+    for (const int one : {Qt::Key_F2, Qt::Key_Return, Qt::Key_F1}) key(one);
+    EXPECT_TRUE(done.empty());
+    DebugSelect(*window, 4, true);
+    EXPECT_FALSE(leavesByItself(*window));
+    for (const char* event : {"edit 4", "double click 4", "help 0"}) wanted.emplace_back(event);
+    EXPECT_EQ(done, wanted);
+}
+
+TEST_F(DebuggerTest, ABreakForgetsTheKeysBeforeIt) {
+    stop({});
+    QTest::qWait(250);
+    for (int i = 0; i < 3; ++i) key(Qt::Key_F8);
+    key(Qt::Key_Pause, Qt::ControlModifier);
+    EXPECT_EQ(GetUserBreak(), 1);
+    EXPECT_FALSE(leavesByItself(*window));
+    EXPECT_TRUE(done.empty());
+}
+
+TEST_F(DebuggerTest, TheMouseDoesNothingToTheLinesOfAProgramThatRuns) {
+    DebugAddstrings(*window, lines(5));
+    SetDebugNumbers(*window, true);
+    stop({});
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, at(3, 4));
+    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, at(3, 200));
+    EXPECT_FALSE(leavesByItself(*window));
+    EXPECT_TRUE(done.empty());
+}
+
 TEST_F(DebuggerTest, TheMenuOfTheListHasAllCommandsOnce) {
     QStringList titles;
     for (const QAction* action : list()->actions())

@@ -8,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QApplication>
+#include <QGroupBox>
 #include <QImage>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -90,6 +92,31 @@ TEST_F(LooksTest, ALabelShowsItsCaptionWithoutMarks) {
     EXPECT_NE(label->buddy(), nullptr);
     SetCaption(Object("Looks", 101), "&B");
     EXPECT_EQ(label->text().toStdString(), "&B");
+}
+
+// The toolkit takes every "&" of a caption for a mark: one that marks nothing stands there twice.
+TEST_F(LooksTest, AnAmpersandThatMarksNothingIsShown) {
+    for (const auto& [caption, given] : {std::pair{"a&", "a&&"},
+                                         {"Tom & Ann", "Tom && Ann"},
+                                         {"Tom && Ann", "Tom && Ann"},
+                                         {"&Yes", "&Yes"},
+                                         {"&&&&x&", "&&&&x&&"},
+                                         {"&", "&&"},
+                                         {"R&D", "R&D"}}) {
+        for (const char* type : {"PUSHBUTTON", "CHECKBOX", "RADIOBUTTON"}) {
+            const auto* const button =
+                show<QAbstractButton>(type, "CAPTION=\"" + std::string(caption) + "\"");
+            ASSERT_NE(button, nullptr) << type;
+            EXPECT_EQ(button->text().toStdString(), given) << type;
+        }
+        const auto* const box = show<QGroupBox>("GROUPBOX", "CAPTION=\"" + std::string(caption) + "\"");
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->title().toStdString(), given);
+        const auto* const label = show<QLabel>("LABEL", "CAPTION=\"" + std::string(caption) +
+                                                            "\"\n  Edit two 102\n    POSITION=10 50 20 10");
+        ASSERT_NE(label, nullptr);
+        EXPECT_EQ(label->text().toStdString(), given);
+    }
 }
 
 TEST_F(LooksTest, AControlHasTheScrollBarsThatItNames) {

@@ -12,7 +12,7 @@
 #include "library/system/system.h"
 #include "os/toolresults.h"
 
-MODULE("runmenu", tarn::TOOL_ONERROR)
+MODULE("runmenu", tarn::RESULTS_ONERROR)
 
 namespace tarn {
 namespace {
@@ -35,18 +35,23 @@ bool mayBuildUntitled(const std::string& title, std::string& file) {
     return false;
 }
 
-bool mayBuildOpenFile(const std::string& title) {
+bool isThere(const std::string& title, const std::string& file, std::int64_t least) {
+    if (FileSize(file) >= least) return true;
+    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
+                      "'\n\nis empty or does not exist.");
+    return false;
+}
+
+// The file may have gone from the disk since it was opened.
+bool mayBuildOpenFile(const std::string& title, const std::string& file) {
     SAVEALL();
-    if (!hasUnsavedClass()) return true;
+    if (!hasUnsavedClass()) return isThere(title, file, 0);
     MSGBOX(title, "You must save this class before using '" + title + "'.");
     return false;
 }
 
 bool mayBuildOtherFile(const std::string& title, const std::string& file) {
-    if (FileSize(file) > 0) return true;
-    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
-                      "'\n\nis empty or does not exist.");
-    return false;
+    return isThere(title, file, 1);
 }
 
 bool mayBuild(const std::string& title, std::string& file) {
@@ -55,7 +60,7 @@ bool mayBuild(const std::string& title, std::string& file) {
         SHOWNOCLASSERROR(title, file);
         return false;
     }
-    return isOpenFile(file) ? mayBuildOpenFile(title) : mayBuildOtherFile(title, file);
+    return isOpenFile(file) ? mayBuildOpenFile(title, file) : mayBuildOtherFile(title, file);
 }
 
 bool isMain(const std::string& title, const std::string& file) {

@@ -12,7 +12,7 @@
 
 #include <utility>
 
-MODULE("idecore", tarn::TOOL_ONERROR)
+MODULE("idecore", tarn::RESULTS_ONERROR)
 
 namespace tarn {
 

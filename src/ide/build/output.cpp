@@ -4,6 +4,7 @@
 #include "ide/build/outputtext.h"
 #include "ide/build/toolrun.h"
 #include "ide/debug/debugwatch.h"
+#include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
@@ -127,6 +128,7 @@ void comeUp(Run& run) {
         Show(OutputDlg, false);
     else
         ShowQuietly(OutputDlg, debugged);
+    UPDATEMAINWINDOW();  // the menu leads there now
 }
 
 // ---- reading and writing ----

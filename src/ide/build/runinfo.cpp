@@ -111,16 +111,16 @@ void RUNINFODIALOG() {
     FRAME(RUNINFODIALOG);
     STAMP();
     const std::string file = COMPILERGETMAINFILE();
+    const ProgramInfo info = gather(file);
+    STAMP();
+    if (!info.error.empty())
+        return MSGBOX(Title, "It is not possible to see the program information.\n" + info.error);
     if (!ISMAINCLASS(file))
         return MSGBOX(Title,
                       "File '" + file +
                           "' is not a main class.\nIt is only possible to see program information for a "
                           "main class.");
     STAMP();
-    const ProgramInfo info = gather(file);
-    STAMP();
-    if (!info.error.empty())
-        return MSGBOX(Title, "It is not possible to see the program information.\n" + info.error);
     Load(RunInfoDlg);
     STAMP();
     fill(info);

@@ -5,7 +5,7 @@
 #include "library/system/system.h"
 #include "os/toolresults.h"
 
-MODULE("toolrun", tarn::TOOL_ONERROR)
+MODULE("toolrun", tarn::RESULTS_ONERROR)
 
 namespace tarn {
 namespace {
@@ -16,16 +16,22 @@ std::string nextStep(std::int32_t code) {
                : "";
 }
 
+void tellToolOrFile(std::int32_t code, const std::string& ofFile) {
+    const bool tool = code >= 901 && code <= 909;
+    if (!tool && !ISFILEERROR(code)) return DefaultErrorHandler(code);
+    TELLERROR(code, tool ? "Cannot run external program." + nextStep(code) : ofFile);
+}
+
 }  // namespace
 
 void TOOL_ONERROR(std::int32_t code) {
-    const bool tool = code >= 901 && code <= 909;
-    if (!tool && !ISFILEERROR(code)) return DefaultErrorHandler(code);
-    TELLERROR(code,
-              tool
-                  ? "Cannot run external program." + nextStep(code)
-                  : "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
-                    "compiler file path that you may write.");
+    tellToolOrFile(code, "Check that the file is there, and that you may read and write it.");
+}
+
+void RESULTS_ONERROR(std::int32_t code) {
+    tellToolOrFile(code,
+                   "The results of a tool could not be read or removed. Use Tools-Options-Paths to choose a "
+                   "compiler file path that you may write.");
 }
 
 // ---- names ----

@@ -38,8 +38,10 @@ ToolRun RUNTOOL(const std::string& executable, const std::string& arguments, int
 // What a run says beside the tool's messages; empty if it needs to say nothing.
 std::string RUNFAULT(const ExecResult& run, const std::string& tool, bool hasMessages);
 
-// The error handler of modules that start tools and read what they leave: a tool that cannot be run (901 to 909) and a
-// file that cannot be read or written (651 to 659) are told in a box, and the program goes on.
+// The error handlers of modules that start tools: a tool that cannot be run (901 to 909) and a file that cannot be read or
+// written (651 to 659) are told in a box, and the program goes on. The file is one of the user's for the first, and what a
+// tool leaves for the second.
 void TOOL_ONERROR(std::int32_t code);
+void RESULTS_ONERROR(std::int32_t code);
 
 }  // namespace tarn

@@ -11,14 +11,25 @@
 MODULE("toolmenu", tarn::TOOL_ONERROR)
 
 namespace tarn {
+namespace {
+
+// The next word of the text, which is behind it then; as STRWORD, without going through the words before it again.
+std::string takeWord(std::string_view& text) {
+    const std::string word = STRWORD(text, 1);
+    const int at = STRWORDPOS(text, 1);
+    text.remove_prefix(at == 0 ? text.size() : static_cast<std::size_t>(at) - 1 + word.size());
+    return word;
+}
+
+}  // namespace
 
 std::vector<Breakpoint> PARSEBREAKPOINTS(std::string_view value) {
     FRAME(PARSEBREAKPOINTS);
     std::vector<Breakpoint> found;
     std::string className;
-    const int words = STRWORDCOUNT(value);
-    for (int i = 1; i <= words; i++) {
-        const std::string word = STRWORD(value, i);
+    while (!value.empty()) {
+        const std::string word = takeWord(value);
+        if (word.empty()) break;
         bool whole = false;
         const int line = CVTI(word, whole);
         if (!whole)

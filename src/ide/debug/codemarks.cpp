@@ -16,6 +16,8 @@
 #include "os/files.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <vector>
 
 MODULE("textedit", tarn::TEXTEDIT_ONERROR)
@@ -64,10 +66,12 @@ int currentNow(const Object& window) {
 }
 
 void mark(const Object& window, const std::vector<int>& lines) {
-    const std::vector<DebugRule> rules = storedRules();
+    std::set<int> ruledLines;
+    for (const DebugRule& rule : storedRules())
+        if (STREQUAL(rule.className, shown().className)) ruledLines.insert(rule.line);
     std::vector<LineMark> marks;
     for (std::size_t i = 0; i < lines.size(); i++) {
-        const bool ruled = FindDebugRule(rules, shown().className, shown().stored[i].line) != nullptr;
+        const bool ruled = ruledLines.contains(shown().stored[i].line);
         marks.push_back({lines[i], ruled ? LINEMARK_RULE : LINEMARK_BREAKPOINT});
     }
     if (shown().current > 0) marks.push_back({shown().current, LINEMARK_CURRENT});
@@ -77,12 +81,12 @@ void mark(const Object& window, const std::vector<int>& lines) {
 // The lines of breakpoints that the settings have now: what the window knows stays where its text has taken it.
 std::vector<int> linesOf(const std::vector<Breakpoint>& stored, const std::vector<Breakpoint>& known,
                          const std::vector<int>& knownLines) {
+    std::map<int, int> now;
+    for (std::size_t i = 0; i < known.size(); i++) now.try_emplace(known[i].line, knownLines[i]);
     std::vector<int> lines;
     for (const Breakpoint& one : stored) {
-        const auto found = std::find_if(known.begin(), known.end(),
-                                        [&one](const Breakpoint& other) { return other.line == one.line; });
-        lines.push_back(found == known.end() ? one.line
-                                             : knownLines[static_cast<std::size_t>(found - known.begin())]);
+        const auto found = now.find(one.line);
+        lines.push_back(found == now.end() ? one.line : found->second);
     }
     return lines;
 }
@@ -142,13 +146,13 @@ namespace {
 
 // The rules of breakpoints that have moved, under their new lines; those of breakpoints that have gone are dropped.
 std::vector<DebugRule> movedRules(const std::vector<int>& lines, const std::string& className) {
+    std::map<int, int> moved;
+    for (std::size_t i = 0; i < lines.size(); i++) moved.try_emplace(shown().stored[i].line, lines[i]);
     std::vector<DebugRule> left;
     for (DebugRule& rule : storedRules()) {
-        const auto& stored = shown().stored;
-        const auto owner = std::find_if(stored.begin(), stored.end(),
-                                        [&rule](const Breakpoint& one) { return one.line == rule.line; });
-        if (STREQUAL(rule.className, shown().className) && owner != stored.end()) {
-            rule.line = lines[static_cast<std::size_t>(owner - stored.begin())];
+        const auto owner = moved.find(rule.line);
+        if (STREQUAL(rule.className, shown().className) && owner != moved.end()) {
+            rule.line = owner->second;
             rule.className = className;
         }
         if (rule.line > 0) left.push_back(std::move(rule));
@@ -241,14 +245,14 @@ void dropRule(int line) {
     storeRules(rules);
 }
 
-// True if the settings have them now.
-bool put(const Object& window, const std::vector<int>& lines) {
+// More of them only where they have room; fewer always, since settings may hold too many already.
+void put(const Object& window, const std::vector<int>& lines) {
     const std::vector<Breakpoint> all = withThese(breakpointsAt(lines, shown().className));
-    const std::string fault = BREAKPOINTSFAULT(all);
-    if (!fault.empty()) return refuse(fault), false;
+    const bool grows = all.size() > STOREDBREAKPOINTS().size();
+    const std::string fault = grows ? BREAKPOINTSFAULT(all) : std::string();
+    if (!fault.empty()) return refuse(fault);
     STOREBREAKPOINTS(all);
     SHOWBREAKPOINTS(window);
-    return true;
 }
 
 // The window's breakpoints, with the settings brought after the text; false, with a beep, if it shows no class.

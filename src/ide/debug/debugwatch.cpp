@@ -22,6 +22,7 @@ struct Program {
     int process = 0;
     std::string name;
     StopNotice seen;
+    int stoppedAs = 0;  // the count of all stops that were seen, with this one
 };
 
 // Those that were seen under the debugger, the one that was started last at the end. They cannot stand in a control.
@@ -30,6 +31,7 @@ std::vector<Program>& programs() {
     return all;
 }
 int shownProcess = 0;  // whose line is marked
+int stopsSeen = 0;
 
 Program* find(int process) {
     const auto found = std::find_if(programs().begin(), programs().end(),
@@ -48,10 +50,15 @@ void unmark() {
     MARKCURRENTLINE(SDIEdit, 0);
 }
 
-void showStop(const Program& program) {
+std::string stopText(const Program& program) {
     const StopPlace& place = program.seen.place;
     const std::string why = place.error == 0 ? " is stopped" : " is stopped by error " + STR(place.error);
-    TELLSTATUS(program.name + why + placeText(place));
+    return program.name + why + placeText(place);
+}
+
+void showStop(const Program& program) {
+    const StopPlace& place = program.seen.place;
+    TELLSTATUS(stopText(program));
     unmark();
     if (place.sourcePath.empty() || !EDITWNDFOLLOW(SDIEdit, place.sourcePath, place.line)) return;
     shownProcess = program.process;
@@ -61,6 +68,23 @@ void showStop(const Program& program) {
 void showRunning(const Program& program) {
     TELLSTATUS(program.name + " runs in the debugger");
     if (shownProcess == program.process) unmark();
+}
+
+// The one that stopped last of those that are stopped; null: none is.
+const Program* lastStopped() {
+    const Program* last = nullptr;
+    for (const Program& one : programs())
+        if (one.seen.state == DebugState::Stopped && (last == nullptr || one.stoppedAs > last->stoppedAs))
+            last = &one;
+    return last;
+}
+
+// Nothing of the program that has ended is shown any more: another one may wait for the user.
+void showOther(const std::string& ended) {
+    const Program* const other = lastStopped();
+    if (other == nullptr) return;
+    if (shownProcess == 0) showStop(*other);
+    TELLSTATUS(stopText(*other) + "; " + ended);
 }
 
 void show(const Program& program) {
@@ -81,6 +105,7 @@ void FOLLOWPROGRAM(int process, const std::string& name) {
     if (program == nullptr) program = &programs().emplace_back(Program{process, name, {}});
     if (now == program->seen) return;
     program->seen = now;
+    if (now.state == DebugState::Stopped) program->stoppedAs = ++stopsSeen;
     STAMP();
     show(*program);
     STAMP();
@@ -98,11 +123,14 @@ void FORGETPROGRAM(int process) {
     const Program* const program = find(process);
     if (program == nullptr) return;
     if (shownProcess == process) unmark();
-    TELLSTATUS(program->name + " has ended");
+    const std::string ended = program->name + " has ended";
+    TELLSTATUS(ended);
     std::erase_if(programs(), [process](const Program& one) { return one.process == process; });
     DropStopNotice(process);
     STAMP();
     SHOWBREAKPOINTS(SDIEdit);
+    STAMP();
+    showOther(ended);
     STAMP();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/wndmenu.h"
 
+#include "ide/build/output.h"
 #include "ide/menus/filemenu.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
@@ -113,6 +114,12 @@ void DO_WINDOW_ERROR() {
     FRAME(DO_WINDOW_ERROR);
     STAMP();
     bringForward(ViewDlg);
+}
+
+void DO_WINDOW_OUTPUT() {
+    FRAME(DO_WINDOW_OUTPUT);
+    STAMP();
+    bringForward(OutputDlg);
 }
 
 }  // namespace tarn

@@ -13,5 +13,6 @@ void DO_WINDOW_CODE();
 void DO_WINDOW_DIALOG();
 void DO_WINDOW_BROWSER();
 void DO_WINDOW_ERROR();
+void DO_WINDOW_OUTPUT();
 
 }  // namespace tarn

@@ -16,6 +16,8 @@
 #include "library/system/system.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 #include <vector>
 
 MODULE("toolmenu", tarn::TOOL_ONERROR)
@@ -232,13 +234,16 @@ void load(const Object& window) {
 
 void accept(const Object& window) {
     const std::string ini = GETIDEINIFILE();
-    STOREBREAKPOINTS(breakpointsIn(in(window, "lstbreakpoints")));
-    std::erase_if(chosenRules, [&window](const DebugRule& rule) {
-        return FINDBREAKPOINT(in(window, "lstbreakpoints"), rule.className, rule.line) < 0;
+    const std::vector<Breakpoint> left = breakpointsIn(in(window, "lstbreakpoints"));
+    STOREBREAKPOINTS(left);
+    std::set<std::pair<std::string, int>> places;
+    for (const Breakpoint& one : left) places.emplace(STRUPPER(one.className), one.line);
+    std::erase_if(chosenRules, [&places](const DebugRule& rule) {
+        return !places.contains({STRUPPER(rule.className), rule.line});
     });
     const std::string rules = FormatDebugRules(chosenRules);
     const std::pair<std::string_view, std::string> changed[] = {{DebugRulesKey, rules},
-                                                               {StopCodesKey, chosenCodes}};
+                                                                {StopCodesKey, chosenCodes}};
     for (const auto& [key, value] : changed)
         if (PROFILESTRGET(ini, DebugSection, key) != value) PROFILESTRPUT(ini, DebugSection, key, value);
     const int level = numberOf(GetText(in(window, "Traceide")));
@@ -246,12 +251,9 @@ void accept(const Object& window) {
     SHOWBREAKPOINTS(SDIEdit);
 }
 
-constexpr DialogButton buttons[] = {{"btnadd", add},
-                                    {"btnremove", remove},
-                                    {"btnremoveall", removeAll},
-                                    {"btnrule", changeRule},
-                                    {"btnerrors", changeErrors},
-                                    {"btntrace", openTrace}};
+constexpr DialogButton buttons[] = {
+    {"btnadd", add},         {"btnremove", remove},       {"btnremoveall", removeAll},
+    {"btnrule", changeRule}, {"btnerrors", changeErrors}, {"btntrace", openTrace}};
 constexpr DialogShape shape{.settings = GETIDEINIFILE,
                             .showHelp = SHOWWINDOWHELP,
                             .load = load,

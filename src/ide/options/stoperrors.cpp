@@ -11,6 +11,8 @@
 #include "os/text/ascii.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 MODULE("toolmenu")
 
@@ -21,15 +23,25 @@ namespace {
 constexpr int Errors[] = {TARN_ERRORS(TARN_ERROR_NUMBER)};  // in order
 #undef TARN_ERROR_NUMBER
 
-// The parts of a range between the errors in it.
-void addOthers(const CodeRange& range, std::vector<CodeRange>& others) {
-    int from = range.first;
-    for (const int code : Errors) {
-        if (code < from || code > range.last) continue;
-        if (from < code) others.push_back({from, code - 1});
-        from = code + 1;
+// Whether the range has no codes but those of the system's errors.
+bool isOfErrors(const CodeRange& range) {
+    const auto in = [&range](int code) { return code >= range.first && code <= range.last; };
+    return std::count_if(std::begin(Errors), std::end(Errors), in) ==
+           std::int64_t{range.last} - range.first + 1;
+}
+
+// The parts of the ranges below and above a code.
+std::vector<CodeRange> without(const std::vector<CodeRange>& ranges, int code) {
+    std::vector<CodeRange> rest;
+    for (const CodeRange& range : ranges) {
+        if (code < range.first || code > range.last) {
+            rest.push_back(range);
+            continue;
+        }
+        if (range.first < code) rest.push_back({range.first, code - 1});
+        if (code < range.last) rest.push_back({code + 1, range.last});
     }
-    if (from <= range.last) others.push_back({from, range.last});
+    return rest;
 }
 
 // In order, without doubles, neighbours in one.
@@ -61,7 +73,7 @@ StopChoice PARSESTOPCODES(std::string_view value) {
     for (const int code : Errors)
         if (IsStopCode(ranges, code)) choice.errors.insert(code);
     std::vector<CodeRange> others;
-    for (const CodeRange& range : ranges) addOthers(range, others);
+    std::copy_if(ranges.begin(), ranges.end(), std::back_inserter(others), std::not_fn(isOfErrors));
     choice.others = FormatStopCodes(merged(std::move(others)));
     return choice;
 }
@@ -77,15 +89,10 @@ std::string FORMATSTOPCODES(const StopChoice& choice) {
 std::string OTHERCODESFAULT(std::string_view text) {
     FRAME(OTHERCODESFAULT);
     STAMP();
-    std::string words(text);
-    std::replace(words.begin(), words.end(), ',', ' ');
-    const int count = STRWORDCOUNT(words);
-    for (int i = 1; i <= count; i++) {
-        const std::string word = STRWORD(words, i);
-        if (ParseStopCodes(word).empty())
-            return "'" + word + "' is no code of an error.\nTry, for example, '1000 2000-2099'.";
-    }
-    return {};
+    std::string refused;
+    static_cast<void>(ParseStopCodes(text, refused));
+    if (refused.empty()) return {};
+    return "'" + STRWORD(refused, 1) + "' is no code of an error.\nTry, for example, '1000 2000-2099'.";
 }
 
 std::vector<int> FINDERRORS(std::string_view text) {
@@ -115,7 +122,9 @@ namespace {
 
 const Object StopErrorsDlg("StopErrorsDlg");
 
-std::set<int> chosen;    // as the user has them so far
+std::set<int> chosen;  // in the list, as the user has them so far
+std::vector<CodeRange>
+    written;             // in the field of other codes, where a range may hold errors of the list, too
 std::vector<int> shown;  // the codes of the rows
 
 Object in(const Object& window, std::string_view control) {
@@ -134,8 +143,12 @@ std::string valueIn(const Object& window) {
     return GetChecked(in(window, "chkevery")) ? std::string() : FORMATSTOPCODES(choiceIn(window));
 }
 
+bool stopsAt(int code) {
+    return chosen.contains(code) || (!written.empty() && IsStopCode(written, code));
+}
+
 std::string rowOf(int code) {
-    return std::string(chosen.contains(code) ? "yes" : "") + "\t" + STR(code) + "\t" + ErrorMessage(code);
+    return std::string(stopsAt(code) ? "yes" : "") + "\t" + STR(code) + "\t" + ErrorMessage(code);
 }
 
 // The row of the list; 0 if none is selected.
@@ -163,13 +176,27 @@ void fill(const Object& window) {
     SetListIndex(list, shown.empty() ? 0 : at == shown.end() ? 1 : static_cast<int>(at - shown.begin()) + 1);
 }
 
+// What is no code stays for the user to mend.
+void writeOthers(const Object& window, const std::vector<CodeRange>& others, const std::string& refused) {
+    written = others;
+    SetText(in(window, "edtothers"), STRTRIM(FormatStopCodes(others) + " " + refused));
+}
+
+void takeOut(const Object& window, int code) {
+    chosen.erase(code);
+    if (!stopsAt(code)) return;
+    std::string refused;
+    static_cast<void>(ParseStopCodes(textIn(window, "edtothers"), refused));
+    writeOthers(window, without(written, code), refused);
+}
+
 // Who chooses errors wants to stop at these.
 void choose(const Object& window, int row, bool stops) {
     const int code = shown[static_cast<std::size_t>(row) - 1];
-    if (stops)
+    if (!stops)
+        takeOut(window, code);
+    else if (!stopsAt(code))
         chosen.insert(code);
-    else
-        chosen.erase(code);
     SetChecked(in(window, "chkevery"), false);
     SetList(in(window, "lsterrors"), row, rowOf(code));
 }
@@ -177,7 +204,7 @@ void choose(const Object& window, int row, bool stops) {
 void toggle(const Object& window) {
     const int row = selected(window);
     if (row < 1) return Sound();
-    choose(window, row, !chosen.contains(shown[static_cast<std::size_t>(row) - 1]));
+    choose(window, row, !stopsAt(shown[static_cast<std::size_t>(row) - 1]));
     SetListIndex(in(window, "lsterrors"), row);
 }
 
@@ -206,7 +233,11 @@ void show(const std::string& value) {
     chosen = std::move(choice.errors);
     shown.clear();
     SetCaption(in(StopErrorsDlg, "lsterrors"), "Stops\tError\tText");
-    SetText(in(StopErrorsDlg, "edtothers"), choice.others);
+    std::string refused;
+    static_cast<void>(ParseStopCodes(value, refused));
+    writeOthers(StopErrorsDlg, ParseStopCodes(choice.others), refused);
+    // An error of a range goes with it when the user removes that.
+    if (!written.empty()) std::erase_if(chosen, [](int code) { return IsStopCode(written, code); });
     SetChecked(in(StopErrorsDlg, "chkevery"), ParseStopCodes(value).empty());
     fill(StopErrorsDlg);
     bringUpToDate(StopErrorsDlg);
@@ -218,8 +249,14 @@ bool isToggle(int event, const Object& control, int parameter) {
            (event == KEYPRESS_EVENT && (parameter == KEY_RETURN || parameter == ' '));
 }
 
+// The list goes with the two fields.
+void changed(const Object& window, const std::string& field) {
+    if (field == "edtothers") written = ParseStopCodes(textIn(window, "edtothers"));
+    if (field == "edtsearch" || field == "edtothers") fill(window);
+}
+
 bool handle(const Object& window, int event, const Object& control, int parameter) {
-    if (event == CHANGE_EVENT && GetName(control) == "edtsearch") fill(window);
+    if (event == CHANGE_EVENT) changed(window, GetName(control));
     const bool toggles = isToggle(event, control, parameter);
     if (toggles) toggle(window);
     const bool handled =

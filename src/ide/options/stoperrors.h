@@ -3,7 +3,9 @@
 // The errors at which the debugger stops: the value `StopCodes` of the settings (kernel/debug/debugsettings.h) and the
 // dialog that chooses them. An empty value stands for every error.
 //
-// Reading and writing lose nothing: what the value names beside the errors of the system are codes of programs' own.
+// What the value names beside the errors of the system are codes of programs' own. A range that holds any of those stays
+// one, with the system's errors in it, until the user takes one of them out. What is no code stands in the dialog as it
+// was stored, and has to be mended there before the choice is taken.
 #pragma once
 
 #include "kernel/windows/windowing.h"
@@ -16,8 +18,8 @@
 namespace tarn {
 
 struct StopChoice {
-    std::set<int> errors;  // of the system's table
-    std::string others;    // codes and ranges of codes that are not in that table
+    std::set<int> errors;  // of the system's table, those of the ranges among them
+    std::string others;    // codes that are not in that table, and ranges that hold any
     bool operator==(const StopChoice&) const = default;
 };
 StopChoice PARSESTOPCODES(std::string_view value);

@@ -150,6 +150,10 @@ Refusal refusedByDisk(const Wish& wish) {
         return {ResourceExtension,
                 std::string("The new class cannot be created, this dialog file already exists.\n") +
                     otherName};
+    if (ISCOREFILE(wish.file(ClassExtension)))
+        return {ClassExtension,
+                "The new class cannot be created, its name is that of a core run time library class.\n"
+                "Choose a different name for the new class.\n"};
     if (ISRESERVEDWORD(wish.name))
         return {ClassExtension, "The new class cannot be created, its name is a word of the language.\n"
                                 "Choose a different name for the new class.\n"};
@@ -191,6 +195,7 @@ NewClass askForClass(const std::string& title, const std::string& path, bool non
     Wish wish = draft.wish();
     if (wish.directory.empty()) wish.directory = draft.loaded() ? "" : FILEGETDIR(path);
     if (wish.directory.empty()) return {};
+    if (!ISROOTED(wish.directory)) wish.directory = FILEADDSEPARATOR(GETCURDIR()) + wish.directory;
     if (wish.name.empty()) wish.name = FILEBASENAME(path);
     STAMP();
     if (refuse(title, wish, refusedAlways(draft, wish)) || refuse(title, wish, refusedByDisk(wish)))

@@ -113,7 +113,7 @@ std::string namesInUse(const Target& target) {
     std::string names = ResourceInfo(target.resourceFile, "DIALOG", "*").text;
     if (!ISCLASSFILE(PROJECTGETMAINFILE(ProjectEditorDlg))) return names;
     STAMP();
-    const std::string files = PROJECTGETLIST(ProjectEditorDlg);
+    const std::string files = PROJECTGETFILES(ProjectEditorDlg);
     for (std::string_view rest = files; !rest.empty();) {
         const std::string file(ascii::withoutLineEnd(ascii::takeLine(rest)));
         if (STREQUAL(FILEGETEXT(file), ResourceExtension)) names += ResourceInfo(file, "DIALOG", "*").text;

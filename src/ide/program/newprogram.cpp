@@ -7,6 +7,7 @@
 #include "ide/menus/filemenu.h"
 #include "ide/program/changes.h"
 #include "ide/program/newclass.h"
+#include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
 #include "ide/program/usesclause.h"
 #include "ide/shell/ide.h"
@@ -69,6 +70,10 @@ bool writeClass(const std::string& title, const NewClass& made, const std::strin
     if (!made.resourceFile.empty()) changes.push_back({made.resourceFile, made.resourceText, Kind::Create});
     if (ISCLASSFILE(mainFile)) {
         std::string text;
+        if (!isThere(mainFile))
+            return tell(title, "The new class cannot be added to the Uses clause of '" + mainFile +
+                                   "'.\nThe file was not found."),
+                   false;
         if (!LOADFILE(mainFile, text)) return false;
         const UsesChange uses = CHANGEUSESCLAUSE(text, "ADD", FILEBASENAME(made.classFile));
         if (!uses.error.empty())
@@ -86,7 +91,10 @@ std::string freeProgram() {
     const std::string start = FILEADDSEPARATOR(GETCURDIR()) + ProgramStem;
     std::string file = FILETEMPNAME(FILEADDSEPARATOR(GETCURDIR()), ProgramStem, ClassExtension);
     int number = std::atoi(file.c_str() + start.size());
-    while (isThere(file) || isThere(FILECHANGEEXT(file, ResourceExtension)))
+    const auto taken = [](const std::string& path) {  // in any case, as the make tool finds files
+        return !NAMEINFOLDER(FILEGETDIR(path), FILEGETFNAME(path)).empty();
+    };
+    while (taken(file) || taken(FILECHANGEEXT(file, ResourceExtension)))
         file = start + STR(++number) + std::string(ClassExtension);
     return file;
 }

@@ -7,8 +7,10 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "kernel/windows/resources.h"
+#include "library/designer/propedit.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/dialogs/versioninfo.h"
+#include "library/settings/profstr.h"
 #include "library/system/system.h"
 
 MODULE("dlgutil", tarn::TOOL_ONERROR)
@@ -32,8 +34,36 @@ constexpr Row rows[] = {
     {"VersionNumber", "Integer[1:4]", &VersionFields::version},
 };
 
+constexpr std::string_view VersionOptions = rows[6].options;
+constexpr int MostOfNumber = 65535;  // a number of a version has 16 bits
+
+// ---- the version ----
+
+// The version as the sheet shows it: what is no list of numbers, such as a word that a compiler replaces, is its default.
+std::string shownVersion(const std::string& version) {
+    std::string whole = version;
+    for (int count = STRWORDCOUNT(version); count > 0 && count < 4; ++count) whole += " 0";
+    const ValueCheck check = CHECKVALUE(VersionOptions, whole);
+    return check.message.empty() ? whole : check.fallback;
+}
+
+// Four numbers with one blank between; empty if one of them cannot stand in a version.
+std::string plainVersion(const std::string& version) {
+    std::string plain;
+    std::size_t position = 1;
+    for (int i = 0; i < 4; ++i) {
+        bool ok = false;
+        const int number = CVTI(NextWord(version, position), ok);
+        if (!ok || number < 0 || number > MostOfNumber) return {};
+        plain += (i > 0 ? " " : "") + STR(number);
+    }
+    return plain;
+}
+
+// ---- the sheet ----
+
 // False if the user has left the sheet without OK.
-bool edit(const std::string& title, VersionFields& fields) {
+bool askOnce(const std::string& title, VersionFields& fields) {
     std::string names, options, values;
     for (const Row& row : rows) {
         names += std::string(row.name) + "\n";
@@ -44,6 +74,24 @@ bool edit(const std::string& title, VersionFields& fields) {
     int line = 0;
     for (const Row& row : rows) fields.*row.field = STRLINE(values, ++line);
     return true;
+}
+
+// The same, until the version is one. A version that the user has not touched stays as it is written.
+bool edit(const std::string& title, VersionFields& fields) {
+    const std::string written = fields.version, shown = shownVersion(written);
+    fields.version = shown;
+    while (askOnce(title, fields)) {
+        const std::string version = plainVersion(fields.version);
+        if (fields.version == shown || !version.empty()) {
+            fields.version = fields.version == shown ? written : version;
+            return true;
+        }
+        MSGBOX(title, "There is a problem with the 'VersionNumber' property.\nA list of numbers should be "
+                      "used.\n(4 numbers "
+                      "total, between 0 and " +
+                          STR(MostOfNumber) + ")\n");
+    }
+    return false;
 }
 
 }  // namespace

@@ -244,6 +244,12 @@ std::string FOLDERLISTFINDFILE(const std::string& folders, std::string_view file
     return found;
 }
 
+bool ISCOREFILE(std::string_view file) {
+    FRAME(ISCOREFILE);
+    const std::string name = FILEGETFNAME(file);
+    return STREQUAL(name, "lib.cls") || STREQUAL(name, "system.cls");
+}
+
 bool ISLIBRARYFILE(std::string_view file) {
     FRAME(ISLIBRARYFILE);
     STAMP();

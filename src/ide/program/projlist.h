@@ -60,5 +60,7 @@ std::string NAMEINFOLDER(std::string_view folder, std::string_view name);
 std::string FOLDERLISTFINDFILE(const std::string& folders, std::string_view file);
 // Whether a class of this name, in any case, lies in the library folder.
 bool ISLIBRARYFILE(std::string_view file);
+// Whether the file has the name of one of the classes that every program needs, which no command removes.
+bool ISCOREFILE(std::string_view file);
 
 }  // namespace tarn

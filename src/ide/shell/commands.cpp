@@ -189,6 +189,7 @@ constexpr Row rows[] = {
     {"window_dialog", "", [](const Fired&) { DO_WINDOW_DIALOG(); }},
     {"window_browser", "", [](const Fired&) { DO_WINDOW_BROWSER(); }},
     {"window_error", "", [](const Fired&) { DO_WINDOW_ERROR(); }},
+    {"window_output", "", [](const Fired&) { DO_WINDOW_OUTPUT(); }},
     {"help_filecontents", "", [](const Fired&) { DO_FILECONTENTS(); }},
     {"help_fileindex", "", [](const Fired&) { DO_FILEINDEX(); }},
     {"help_using_help", "", [](const Fired&) { DO_USING_HELP(); }},

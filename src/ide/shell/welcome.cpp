@@ -134,6 +134,7 @@ void keepTick(bool ticked) {
 
 constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP, .load = load};
 const RegisteredWindow registered("WelcomeDlg", WELCOMEDLG);
+bool cameForward = false;  // since it was shown
 
 }  // namespace
 
@@ -159,16 +160,19 @@ bool WELCOMEDLG(const Object& window, int event, const Object& control, int para
 void WELCOMEDIALOG() {
     FRAME(WELCOMEDIALOG);
     STAMP();
+    if (!IsLoaded(WelcomeDlg)) cameForward = false;
     Load(WelcomeDlg);
     STAMP();
     if (IsLoaded(WelcomeDlg)) Show(WelcomeDlg, false);
     STAMP();
 }
 
+void WELCOMECAMEFORWARD() { cameForward = true; }
+
 void CLOSEWELCOME() {
     FRAME(CLOSEWELCOME);
     STAMP();
-    if (IsLoaded(WelcomeDlg)) Unload(WelcomeDlg);
+    if (cameForward && IsLoaded(WelcomeDlg)) Unload(WelcomeDlg);
     STAMP();
 }
 

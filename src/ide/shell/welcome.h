@@ -14,7 +14,10 @@ inline const Object WelcomeDlg("WelcomeDlg");
 
 // Shows it; what the user chooses there is done then.
 void WELCOMEDIALOG();
-void CLOSEWELCOME();  // if it is there
+// It is the active window now.
+void WELCOMECAMEFORWARD();
+// Closes it if it has been active since it was shown: a window manager may tell of another window that was active before.
+void CLOSEWELCOME();
 // The same if the settings want it (Welcome, AtStart).
 void WELCOMEATSTART();
 bool WELCOMEDLG(const Object& window, int event, const Object& control, int parameter);

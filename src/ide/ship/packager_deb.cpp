@@ -36,9 +36,12 @@ std::string keptIn(const std::string& mainClass) {
     return FILEGETDIR(mainClass) + FILEBASENAME(mainClass) + "-deb.ini";
 }
 
-// Lines as one line, and back.
+// Lines as one line, and back. Reading takes a pair of quotes off, so that a text that has one of its own gets another.
 std::string oneLine(const std::string& text) {
-    return STRREPLACE(STRREPLACE(STRREPLACE(text, "\r", ""), "\\", "\\\\"), "\n", "\\n");
+    const std::string line =
+        STRREPLACE(STRREPLACE(STRREPLACE(text, "\r", ""), "\\", "\\\\"), "\n", "\\n");
+    const bool quoted = line.size() > 1 && line.starts_with('"') && line.ends_with('"');
+    return quoted ? STRADDQUOTES(line) : line;
 }
 std::string manyLines(const std::string& text) {
     std::string lines;

@@ -8,7 +8,7 @@
 #include "ide/ship/packager.h"
 #include "ide/ship/packager_internal.h"
 #include "library/settings/profstr.h"
-#include "library/ship/copyutil.h"
+#include "library/ship/outsidetools.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
@@ -20,7 +20,7 @@ namespace {
 
 const Object ProofDlg("ProofDlg");
 constexpr const char* Title = "Proof of Package";
-constexpr int Waiting = 0;  // the mode that waits, without a window
+constexpr std::string_view ProofProgram = "tarnwick-proof";
 
 bool proofDlg(const Object& window, int event, const Object&, int parameter) {
     const bool leaves = event == KEYPRESS_EVENT && (parameter == KEY_ESCAPE || parameter == KEY_RETURN);
@@ -41,19 +41,10 @@ void show(const std::string& text) {
     STAMP();
 }
 
-// What the proof tells; `stopped` by the user.
-std::string reportOf(const std::string& package, bool& stopped) {
-    const std::string output = os::native(FILETEMPNAME(os::runtimeFolder(), "proof-", ".txt"));
-    std::string text;
+ship::ToolRun proofOf(const std::string& package) {
     os::makeFolders(os::runtimeFolder());
-    const ExecResult run = EXEC(FINDTOOL(os::executableFolder() + "tarnwick-proof"),
-                                std::vector<std::string>{package}, Waiting, {}, {{}, output});
-    ClearError();
-    stopped = run.stopped;
-    if (FileSize(output) > 0) LOADFILE(output, text);
-    ClearError();
-    os::files().remove(output);
-    return text;
+    const ship::ScratchFile told(os::runtimeFolder(), "proof-", ".txt");
+    return ship::runTool(ProofProgram, {package}, told.path());
 }
 
 }  // namespace
@@ -61,12 +52,11 @@ std::string reportOf(const std::string& package, bool& stopped) {
 void packager::proof(const Object& window) {
     FRAME(PACKAGER_PROOF);
     STAMP();
-    const std::string program = os::executableFolder() + "tarnwick-proof";
-    if (FINDTOOL(program).empty())
+    if (ship::outsideTool(ProofProgram).empty())
         return MSGBOX(Title,
                       "This command requires the 'proof' program to start the package in an empty system.\n"
                       "However the proof program '" +
-                          program + "' does not exist.");
+                          ship::toolPath(ProofProgram) + "' does not exist.");
     const std::string package =
         OpenFileDialog(Title, FILEGETDIR(mainClassOf(window)),
                        "Packages (*.deb;*.zip;*.exe)|*.deb;*.zip;*.exe|All files (*.*)|*.*|");
@@ -74,11 +64,10 @@ void packager::proof(const Object& window) {
     if (package.empty()) return;
     const Object label = FINDCONTROL(window, "lblwait");
     SetCaption(label, "Please wait, starting the program in an empty system...");
-    bool stopped = false;
-    const std::string text = reportOf(package, stopped);
+    const ship::ToolRun run = proofOf(package);
     if (IsLoaded(window)) SetCaption(label, "");
     STAMP();
-    if (!stopped) show(text);
+    if (!run.stopped) show(run.output);
     STAMP();
 }
 

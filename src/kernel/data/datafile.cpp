@@ -71,15 +71,18 @@ void readFile(const std::string& filename, const DataOptions* options, DataFileI
     const std::string_view head = std::string_view(start).substr(0, FormatHeadBytes);
     const bool nothing = std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; });
     if (isLocked(error)) {
+        info.fault = DataFileFault::Locked;
         info.message =
             FileWord(filename) + "cannot be opened, it is currently locked by another application.";
     } else if (error != os::FileError::None || nothing) {
+        info.fault = DataFileFault::Nothing;
         info.message = FileWord(filename) + "is invalid, does not exist or is empty.";
     } else if (const FormatRow* const format = FormatThatBegins(withoutMark(start, options));
                format != nullptr) {
         info.format = format->facts.format;
         format->describe(filename, options, info);
     } else {
+        info.fault = DataFileFault::Unknown;
         info.message =
             FileWord(filename) + "is an unknown file type (first four bytes = " + hexPairs(head) + ").";
     }
@@ -124,6 +127,7 @@ DataFileInfo identify(const std::string& filename, const DataOptions* options) {
         info.keys = TypeInfoFieldList(asTable(TypeInfoFixNames(info.typeText, longestName))).keys.names;
     else
         info.typeText.clear();
+    if (!info.message.empty() && info.fault == DataFileFault::None) info.fault = DataFileFault::Content;
     return info;
 }
 
@@ -136,6 +140,7 @@ DataFileInfo GetDataFileInfo(const std::string& filename, const DataOptions* opt
     } catch (const std::bad_alloc&) {
         DataFileInfo info;
         info.message = noInformation;
+        info.fault = DataFileFault::Content;
         return info;
     }
 }

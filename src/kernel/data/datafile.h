@@ -8,7 +8,7 @@
 #include "kernel/data/scanner/scanner.h"
 #include "kernel/data/tab/tabular.h"
 #include "kernel/data/textfit.h"
-#include "kernel/data/xml/xml_order.h"
+#include "kernel/data/xml/xml_rows.h"
 #include "kernel/values/values.h"
 
 #include <cstdint>
@@ -17,17 +17,26 @@
 
 namespace tarn {
 
+// What kind of thing a message tells.
+enum class DataFileFault {
+    None,
+    Locked,   // the file is there, and may not be read
+    Nothing,  // it is not there, or holds nothing
+    Unknown,  // it begins as no known format does
+    Content,  // what it holds
+};
+
 struct DataFileInfo {
     DataFormat format = FormatUnknown;
     std::string typeText;  // the columns, one per line; "" when there is a message
     std::string message;   // "" or why the file cannot be used
-    std::string keys;      // of the default key: the repaired names of its columns with "," between, or ""
-    DataOptions options;   // how a delimited file was read
+    DataFileFault fault = DataFileFault::None;
+    std::string keys;     // of the default key: the repaired names of its columns with "," between, or ""
+    DataOptions options;  // how a delimited file was read
     std::int32_t rowsSeen = 0;     // of a delimited file, as TabDiscover tells them
     std::int32_t columnsSeen = 0;  // as many as the file has; no more than 48 of them are read
     bool stopped = false;          // by progress.h: there are no columns then, and no message
     XmlRows xmlRows{};             // which elements of an XML file are the rows
-    std::int32_t rowBehind = 0;    // of a delimited file, as TabDiscover tells it
 };
 // Looks at the first bytes, then at the content. `options`: for delimited text; null for the defaults and at
 // most 100 rows.

@@ -103,7 +103,6 @@ void describeText(const std::string& filename, const DataOptions* options, DataF
     info.stopped = found.stopped;
     info.rowsSeen = found.rowsSeen;
     info.columnsSeen = found.columnsSeen;
-    info.rowBehind = found.rowBehind;
 }
 
 void describeXbase(const std::string& filename, const DataOptions*, DataFileInfo& info) {

@@ -7,8 +7,8 @@
 #include "kernel/run/errors.h"
 #include "kernel/tables/filevalues.h"
 #include "kernel/tables/table_access.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_index.h"
-#include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_places.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/arrays.h"
@@ -40,7 +40,7 @@ bool replaceTable(const TableDescriptor& fresh, TableDescriptor& target, const s
     const std::int32_t count = HeaderOf(fresh).rows.count, indexes = IndexesOf(HeaderOf(target));
     const std::string file(RowFileName(rows));
     IndexExchange exchange(target);
-    if ((rows.count > 0 && !SyncTableIndexes(fresh)) || !EndKeptRows(target) || !exchange.setAside())
+    if ((rows.count > 0 && !SyncTableIndexes(fresh)) || !EndGuard(target) || !exchange.setAside())
         return false;
     if (!PutRowsInPlace(scratch, rows, count)) {
         exchange.putBack();

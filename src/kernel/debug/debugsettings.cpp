@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 
 namespace tarn {
 namespace {
@@ -90,11 +91,11 @@ std::string_view takePart(std::string_view& rest, std::size_t part) {
     std::size_t end = part == Log ? rest.size() : 0;
     bool inside = false;
     while (end < rest.size()) {
-        const bool starts = !inside && (end == 0 || ascii::isBlank(rest[end - 1]));
         const std::size_t stop = std::min(rest.find_first_of(" \t", end), rest.size());
-        if (starts && partOf(rest.substr(end, stop - end)) != Parts) break;
-        inside = inside != (rest[end] == '"');
-        ++end;
+        const std::string_view word = rest.substr(end, stop - end);
+        if (!inside && partOf(word) != Parts) break;
+        inside = inside != (std::count(word.begin(), word.end(), '"') % 2 != 0);
+        end = std::min(stop + 1, rest.size());
     }
     const std::string_view text = platform::trim(rest.substr(0, end));
     rest.remove_prefix(end);
@@ -166,9 +167,16 @@ std::string FormatRuleParts(const DebugRule& rule) {
 
 std::vector<DebugRule> ParseDebugRules(std::string_view value) {
     std::vector<DebugRule> rules;
+    std::unordered_map<std::string, std::size_t> places;  // by class and line
     while (!value.empty()) {
-        const DebugRule rule = ruleIn(takeItem(value));
-        if (!rule.plain()) PutDebugRule(rules, rule);
+        DebugRule rule = ruleIn(takeItem(value));
+        if (rule.plain()) continue;
+        const std::string owner = ascii::uppered(rule.className) + " " + std::to_string(rule.line);
+        const auto [place, isNew] = places.try_emplace(owner, rules.size());
+        if (isNew)
+            rules.push_back(std::move(rule));
+        else
+            rules[place->second] = std::move(rule);
     }
     return rules;
 }
@@ -204,12 +212,22 @@ void PutDebugRule(std::vector<DebugRule>& rules, const DebugRule& rule) {
 // ---- errors that stop, watches ----
 
 std::vector<CodeRange> ParseStopCodes(std::string_view value) {
+    std::string refused;
+    return ParseStopCodes(value, refused);
+}
+
+std::vector<CodeRange> ParseStopCodes(std::string_view value, std::string& refused) {
     std::string words(value);
     std::replace(words.begin(), words.end(), ',', ' ');
     std::vector<CodeRange> codes;
+    refused.clear();
     std::string_view rest = words;
-    for (std::string_view word = takeWord(rest); !word.empty(); word = takeWord(rest))
-        if (CodeRange range; readRange(word, range)) codes.push_back(range);
+    for (std::string_view word = takeWord(rest); !word.empty(); word = takeWord(rest)) {
+        if (CodeRange range; readRange(word, range))
+            codes.push_back(range);
+        else
+            refused.append(refused.empty() ? "" : " ").append(word);
+    }
     return codes;
 }
 

@@ -7,7 +7,7 @@
 // A rule refines one breakpoint, which stands in the value of `breakpoints` as any other; without it the rule rests. A
 // program that knows no rules takes it as a plain breakpoint.
 //
-// Reading never fails: what does not fit the form is left out. No disk but where a file is named; cost: linear.
+// Reading never fails: what does not fit the form is left out. No disk but where a file is named; cost: linear in the text.
 #pragma once
 
 #include <cstdint>
@@ -65,6 +65,8 @@ struct CodeRange {
 };
 // The value of `StopCodes`: "601 901-909", blanks or commas between.
 std::vector<CodeRange> ParseStopCodes(std::string_view value);
+// The same; `refused` has the words that are neither, with blanks between.
+std::vector<CodeRange> ParseStopCodes(std::string_view value, std::string& refused);
 std::string FormatStopCodes(const std::vector<CodeRange>& codes);
 bool IsStopCode(const std::vector<CodeRange>& codes,
                 std::int32_t code);  // true for every code if there are none

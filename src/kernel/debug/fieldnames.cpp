@@ -4,6 +4,7 @@
 #include "os/text/ascii.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace tarn {
 namespace {
@@ -19,6 +20,7 @@ Told told[MaxVariables];
 
 // The length of the names that the text begins with.
 std::size_t lengthOf(std::string_view text) {
+    if (text.starts_with('#')) return std::min(text.find_first_not_of("0123456789", 1), text.size());
     if (text.empty() || (text.front() != '(' && text.front() != '[')) return 0;
     int open = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -34,7 +36,7 @@ void eachField(std::string_view names, Take take) {
     if (!names.starts_with('(')) return;
     names.remove_prefix(1);
     for (std::int32_t number = 1; !names.empty(); ++number) {
-        const std::size_t end = std::min(names.find_first_of("([,)]"), names.size());
+        const std::size_t end = std::min(names.find_first_of("([,)]#"), names.size());
         const std::string_view name = names.substr(0, end);
         names.remove_prefix(end);
         const std::size_t inner = lengthOf(names);
@@ -74,13 +76,21 @@ FieldPlace FindField(std::string_view names, std::string_view field) {
     return found;
 }
 
-std::string_view FieldName(std::string_view names, std::int32_t number) {
+std::string_view FieldNamesAt(std::string_view names, std::int32_t number) {
     std::string_view found;
-    eachField(names, [&](std::int32_t at, std::string_view name, std::string_view) {
-        if (at == number) found = name;
+    eachField(names, [&](std::int32_t at, std::string_view, std::string_view inner) {
+        if (at == number) found = inner;
         return at == number;
     });
     return found;
+}
+
+std::int32_t HighestOrdinal(std::string_view names) {
+    std::int32_t highest = 0;
+    const bool told =
+        names.starts_with('#') &&
+        std::from_chars(names.data() + 1, names.data() + names.size(), highest).ec == std::errc();
+    return told ? std::min(highest, std::int32_t{UINT8_MAX}) : UINT8_MAX;
 }
 
 std::string_view ElementNames(std::string_view names) {

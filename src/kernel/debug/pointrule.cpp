@@ -31,14 +31,30 @@ void PointRule::compile() {
     compileLog();
 }
 
+namespace {
+
+// The "}" behind `from` that stands in no text of the expression, else the first one at all; npos: there is none.
+std::size_t endOfExpression(std::string_view text, std::size_t from) {
+    bool inside = false;
+    for (std::size_t i = from; i < text.size(); ++i) {
+        if (text[i] == '}' && !inside) return i;
+        inside = inside != (text[i] == '"');
+    }
+    return text.find('}', from);
+}
+
+}  // namespace
+
 // "{" begins an expression, which "}" ends; "{{" is the brace itself. One that is not ended is text.
 void PointRule::compileLog() {
     const std::string_view text = rule_.log;
+    const std::size_t lastEnd = text.rfind('}');
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::size_t end = text[i] == '{' ? text.find('}', i) : std::string_view::npos;
+        const bool begins = text[i] == '{' && lastEnd != std::string_view::npos && i < lastEnd;
         if (text.substr(i, 2) == "{{") {
             addText(text[++i]);
-        } else if (end != std::string_view::npos) {
+        } else if (begins) {
+            const std::size_t end = endOfExpression(text, i);
             addExpression(text.substr(i + 1, end - i - 1));
             i = end;
         } else {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Values of the debugger's list one by one: shown as a whole, and changed.
+#include "kernel/debug/fieldnames.h"
 #include "kernel/debug/showvalues.h"
 #include "kernel/debug/showvalues_internal.h"
 #include "kernel/debug/valueelements_internal.h"
@@ -21,7 +22,7 @@ namespace {
 constexpr std::string_view wanted[KindCount] = {
     "",
     "True or False",
-    "a number from 0 to 255",
+    "",  // by how many names it has
     "an integer, in decimal or as 0x and up to eight hexadecimal digits",
     "a number with a point, such as 1.25",
     "a number such as 1.25 or 1.25E10",
@@ -40,34 +41,43 @@ std::string failure() {
     return std::string(unchanged) + ErrorMessage(ErrorCell()) + ".";
 }
 
+std::string wantedText(const ValueMisfit& misfit) {
+    if (misfit.kind == KindEnum) return "a number from 0 to " + std::to_string(misfit.highest);
+    return std::string(wanted[misfit.kind]);
+}
+
 // What is wrong with a text that was refused, in words for the user.
 std::string refusal(const ValueMisfit& misfit) {
     if (ErrorCell() != 0) return failure();
-    std::string text = std::string(unchanged) + "at character " + std::to_string(misfit.position) +
-                       " it takes " + std::string(wanted[misfit.kind]);
+    const std::string place = "at character " + std::to_string(misfit.position);
+    if (!misfit.kept.empty())
+        return std::string(unchanged) + "of the number " + place + ", " + misfit.kept + " would be kept.";
+    std::string text = std::string(unchanged) + place + " it takes " + wantedText(misfit);
     if (misfit.capacity != 0) text += ", of at most " + std::to_string(misfit.capacity) + " characters";
     return text + ".";
 }
 
-std::string changed(std::string_view text, void* at, Kind kind) {
+std::string changed(std::string_view text, void* at, Kind kind, std::string_view names) {
     ValueMisfit misfit;
-    return ValueFromWholeText(text, at, kind, misfit) ? std::string() : refusal(misfit);
+    return ValueFromWholeText(text, at, kind, misfit, names) ? std::string() : refusal(misfit);
 }
 
 // An element that stands in a file is read beside, changed, and put back.
-std::string changeInFile(std::string_view text, ListDescriptor* list, std::int32_t position) {
+std::string changeInFile(std::string_view text, ListDescriptor* list, std::int32_t position,
+                         std::string_view names) {
     const Kind kind = ListElementKind(list);
     ElementBeside element(At(list->prototype), kind);
     ListGet(list, position, element.at(), kind);
     if (ErrorCell() != 0) return failure();
-    const std::string why = changed(text, element.at(), kind);
+    const std::string why = changed(text, element.at(), kind, names);
     if (!why.empty()) return why;
     ListPut(element.at(), kind, position, list);
     return failure();
 }
 
 // The indexes follow a row that is changed.
-std::string changeRow(std::string_view text, TableDescriptor* table, std::int32_t number) {
+std::string changeRow(std::string_view text, TableDescriptor* table, std::int32_t number,
+                      std::string_view names) {
     ListDescriptor* const rows = TableRows(table);
     RecordValue row, key;
     AdtInit(row.get(), At(rows->prototype), KindRecord);
@@ -75,7 +85,7 @@ std::string changeRow(std::string_view text, TableDescriptor* table, std::int32_
     const bool hasIndex = TableIndexCount(table) > 0;
     if (hasIndex) TableKeyFromRow(table, 1, row.get(), key.get());
     if (ErrorCell() != 0) return failure();
-    const std::string why = changed(text, row.get(), KindRecord);
+    const std::string why = changed(text, row.get(), KindRecord, names);
     if (!why.empty()) return why;
     if (hasIndex)
         TableUpdate(row.get(), 1, key.get(), table);
@@ -85,14 +95,17 @@ std::string changeRow(std::string_view text, TableDescriptor* table, std::int32_
 }
 
 std::string changeElement(std::string_view text, const VariableEntry& entry, std::int32_t index) {
+    const std::string_view names = ElementNames(FieldNames(entry));
     if (entry.kind == KindTable)
-        return changeRow(text, static_cast<TableDescriptor*>(entry.address), index + 1);
+        return changeRow(text, static_cast<TableDescriptor*>(entry.address), index + 1, names);
     const auto kind = static_cast<Kind>(entry.kind);
     const bool inFile = ReadAt<DescriptorHead>(entry.address).tag > TagInFile;
-    if (inFile) return changeInFile(text, static_cast<ListDescriptor*>(entry.address), index + 1);
+    if (inFile) return changeInFile(text, static_cast<ListDescriptor*>(entry.address), index + 1, names);
     ValueElements all(entry.address, kind);
     if (index >= all.count()) return std::string(unchanged) + "the element is there no more.";
-    return changed(text, const_cast<void*>(all.at(index)), all.kind(index));
+    const bool isRecord = entry.kind == KindRecord || entry.kind == KindUnion;
+    return changed(text, const_cast<void*>(all.at(index)), all.kind(index),
+                   isRecord ? FieldNamesAt(FieldNames(entry), index + 1) : names);
 }
 
 }  // namespace
@@ -105,8 +118,9 @@ std::string ChangeValue(platform::DebugWindow& window, std::int32_t frame, int l
     if (at.variable->role == in && IsAdtKind(kind))
         return "A parameter of mode in is the value of the caller, and cannot be changed here.";
     const ErrorCellAside aside;
-    std::string why = at.element != ShownLine::NoElement ? changeElement(text, *at.variable, at.element)
-                                                         : changed(text, at.variable->address, kind);
+    std::string why = at.element != ShownLine::NoElement
+                          ? changeElement(text, *at.variable, at.element)
+                          : changed(text, at.variable->address, kind, FieldNames(*at.variable));
     if (why.empty()) ShowValuesAgain(window, frame, ShownInHex());
     return why;
 }

@@ -3,6 +3,8 @@
 
 #include "kernel/data/elements.h"
 #include "kernel/data/fresh.h"
+#include "kernel/debug/exactnumbers.h"
+#include "kernel/debug/fieldnames.h"
 #include "kernel/debug/valueelements_internal.h"
 #include "kernel/debug/valuetext.h"
 #include "kernel/lists/rowformat.h"
@@ -133,13 +135,15 @@ bool ValueReader::integer(std::int32_t& number) {
     return length != 0;
 }
 
-bool ValueReader::ordinal(void* into) {
+bool ValueReader::ordinal(void* into, std::string_view names) {
     const std::size_t start = at_;
+    const std::int32_t highest = HighestOrdinal(names);
     std::int32_t number = 0;
-    if (integer(number) && number >= 0 && number <= UINT8_MAX) {
+    if (integer(number) && number >= 0 && number <= highest) {
         WriteAt(into, static_cast<std::uint8_t>(number));
         return true;
     }
+    highest_ = highest;
     at_ = start;
     return false;
 }
@@ -151,6 +155,8 @@ bool ValueReader::fixed(void* into) {
     bool ok = false;
     FixedFromText(word, number, ok);
     if (!ok) return false;
+    if (exact_ && !KeptByFixed(word)) kept_ = ValueText(&number, KindFixed, 0);
+    if (!kept_.empty()) return false;
     WriteAt(into, number);
     at_ += word.size();
     return true;
@@ -163,6 +169,8 @@ bool ValueReader::real(void* into) {
     bool ok = false;
     RealFromText(word, number, ok);
     if (!ok) return false;
+    if (exact_ && !KeptByReal(word, number)) kept_ = ValueText(&number, KindReal, 0);
+    if (!kept_.empty()) return false;
     WriteAt(into, number);
     at_ += word.size();
     return true;
@@ -192,16 +200,16 @@ bool ValueReader::set(SetDescriptor* into) {
 }
 
 // The innermost value that does not fit is the first that says so.
-bool ValueReader::value(void* into, const void* old, Kind kind) {
+bool ValueReader::value(void* into, const FormerValue& old, Kind kind) {
     const bool read = valueOf(into, old, kind);
     if (!read && wanted_ == KindNone) wanted_ = kind;
     return read;
 }
 
-bool ValueReader::valueOf(void* into, const void* old, Kind kind) {
+bool ValueReader::valueOf(void* into, const FormerValue& old, Kind kind) {
     switch (kind) {
     case KindBoolean: return boolean(into);
-    case KindEnum: return ordinal(into);
+    case KindEnum: return ordinal(into, old.names);
     case KindInteger: {
         std::int32_t number = 0;
         if (!integer(number)) return false;
@@ -214,16 +222,16 @@ bool ValueReader::valueOf(void* into, const void* old, Kind kind) {
     case KindSet: return set(static_cast<SetDescriptor*>(into));
     default: break;
     }
-    if (next() == '"' && takesCharacters(into, old, kind))
-        return characters(static_cast<ArrayDescriptor*>(into), old);
+    if (next() == '"' && takesCharacters(into, old.value, kind))
+        return characters(static_cast<ArrayDescriptor*>(into), old.value);
     return take('{') && composite(into, old, kind, true);
 }
 
-bool ValueReader::outermost(void* into, const void* old, Kind kind) {
+bool ValueReader::outermost(void* into, const FormerValue& old, Kind kind) {
     skipBlanks();
     if (atEnd() || next() == '}') return false;
     const bool bare =
-        IsComposite(kind) && next() != '{' && !(next() == '"' && takesCharacters(into, old, kind));
+        IsComposite(kind) && next() != '{' && !(next() == '"' && takesCharacters(into, old.value, kind));
     return bare ? composite(into, old, kind, false) : value(into, old, kind);
 }
 
@@ -249,12 +257,12 @@ bool ValueReader::elements(bool braced, Read read) {
     }
 }
 
-bool ValueReader::element(void* into, const void* old, Kind kind) {
+bool ValueReader::element(void* into, const FormerValue& old, Kind kind) {
     const bool isEmpty = atEnd() || next() == ',' || next() == '}';
     return isEmpty || value(into, old, kind);
 }
 
-bool ValueReader::composite(void* into, const void* old, Kind kind, bool braced) {
+bool ValueReader::composite(void* into, const FormerValue& old, Kind kind, bool braced) {
     // Without a shape it has no elements.
     if (IsZeroValue(into, kind)) return elements(braced, [](std::int32_t) { return false; });
     switch (kind) {
@@ -262,11 +270,11 @@ bool ValueReader::composite(void* into, const void* old, Kind kind, bool braced)
     case KindUnion: return record(static_cast<RecordDescriptor*>(into), old, braced);
     case KindArray: return array(static_cast<ArrayDescriptor*>(into), old, braced);
     case KindList: return list(static_cast<ListDescriptor*>(into), old, braced);
-    default: return table(static_cast<TableDescriptor*>(into), braced);
+    default: return table(static_cast<TableDescriptor*>(into), old, braced);
     }
 }
 
-bool ValueReader::record(RecordDescriptor* into, const void* old, bool braced) {
+bool ValueReader::record(RecordDescriptor* into, const FormerValue& old, bool braced) {
     const auto kind = into->tag == TagUnion ? KindUnion : KindRecord;
     char* field = At(into->data);
     return elements(braced, [&](std::int32_t i) {
@@ -274,7 +282,7 @@ bool ValueReader::record(RecordDescriptor* into, const void* old, bool braced) {
         if (fieldKind == KindNone) return false;
         char* const at = field;
         field += KindSize[fieldKind];
-        return element(at, elementOf(old, kind, i), fieldKind);
+        return element(at, {elementOf(old.value, kind, i), FieldNamesAt(old.names, i + 1)}, fieldKind);
     });
 }
 
@@ -314,13 +322,15 @@ bool ValueReader::giveBounds(ArrayDescriptor& array, const void* old, std::int64
     return OwnErrors::code() == 0;
 }
 
-bool ValueReader::array(ArrayDescriptor* into, const void* old, bool braced) {
-    if (into->maxlength == DYNAMIC_BOUNDS && !giveBounds(*into, old, countElements(braced))) return false;
+bool ValueReader::array(ArrayDescriptor* into, const FormerValue& old, bool braced) {
+    if (into->maxlength == DYNAMIC_BOUNDS && !giveBounds(*into, old.value, countElements(braced)))
+        return false;
     const auto kind = static_cast<Kind>(into->tag);
     const std::int32_t count = kind == KindNone ? 0 : into->size / KindSize[kind];
     return elements(braced, [&](std::int32_t i) {
         char* const at = At(into->data) + std::int64_t{i} * KindSize[kind];
-        return i < count && element(at, IsAdtKind(kind) ? elementOf(old, KindArray, i) : nullptr, kind);
+        const void* const before = IsAdtKind(kind) ? elementOf(old.value, KindArray, i) : nullptr;
+        return i < count && element(at, {before, ElementNames(old.names)}, kind);
     });
 }
 
@@ -338,25 +348,25 @@ bool ValueReader::characters(ArrayDescriptor* into, const void* old) {
     return false;
 }
 
-bool ValueReader::list(ListDescriptor* into, const void* old, bool braced) {
+bool ValueReader::list(ListDescriptor* into, const FormerValue& old, bool braced) {
     ElementSink sink(*into);
-    const bool hasOld = old != nullptr && !isInFile(old);
+    const bool hasOld = old.value != nullptr && !isInFile(old.value);
     return elements(braced, [&](std::int32_t i) {
         const Kind kind = ListElementKind(into);
         void* const at = kind != KindNone ? sink.next() : nullptr;
-        const void* const before = hasOld && IsAdtKind(kind) ? elementOf(old, KindList, i) : nullptr;
-        return at != nullptr && element(at, before, kind) && sink.add();
+        const void* const before = hasOld && IsAdtKind(kind) ? elementOf(old.value, KindList, i) : nullptr;
+        return at != nullptr && element(at, {before, ElementNames(old.names)}, kind) && sink.add();
     });
 }
 
-bool ValueReader::table(TableDescriptor* into, bool braced) {
+bool ValueReader::table(TableDescriptor* into, const FormerValue& old, bool braced) {
     RecordValue row;
     AdtInit(row.get(), At(TableRows(into)->prototype), KindRecord);
     const std::int32_t index = TableIndexCount(into) > 0 ? 1 : 0;
     return elements(braced, [&](std::int32_t) {
         const std::size_t start = at_;
         AdtClear(row.get(), KindRecord);
-        if (!element(row.get(), nullptr, KindRecord)) return false;
+        if (!element(row.get(), {nullptr, ElementNames(old.names)}, KindRecord)) return false;
         TableAdd(into, index, row.get());
         if (OwnErrors::code() == 0) return true;
         at_ = start;
@@ -370,21 +380,22 @@ namespace {
 
 enum class Behind { Anything, Nothing };
 
-bool readNumber(ValueReader& reader, void* value, Kind kind, Behind behind) {
+bool readNumber(ValueReader& reader, void* value, std::string_view names, Kind kind, Behind behind) {
     char read[sizeof(double)] = {};
-    if (!reader.outermost(read, nullptr, kind)) return false;
+    if (!reader.outermost(read, {nullptr, names}, kind)) return false;
     if (behind == Behind::Nothing && !reader.ends()) return false;
     CopyNumber(read, value, kind);
     return true;
 }
 
-bool readDescriptor(ValueReader& reader, void* value, Kind kind, Behind behind) {
+bool readDescriptor(ValueReader& reader, void* value, std::string_view names, Kind kind, Behind behind) {
     FreshValue fresh(value, kind);
-    if (OwnErrors::code() != 0 || !reader.outermost(fresh.get(), value, kind)) return false;
+    if (OwnErrors::code() != 0 || !reader.outermost(fresh.get(), {value, names}, kind)) return false;
     return (behind == Behind::Anything || reader.ends()) && fresh.replaceTarget();
 }
 
-bool readValue(std::string_view text, void* value, std::int32_t kind, Behind behind, ValueMisfit& misfit) {
+bool readValue(std::string_view text, void* value, std::string_view names, std::int32_t kind, Behind behind,
+               ValueMisfit& misfit) {
     const auto known = static_cast<Kind>(kind);
     std::int32_t& position = misfit.position;
     misfit.kind = kind;
@@ -392,14 +403,16 @@ bool readValue(std::string_view text, void* value, std::int32_t kind, Behind beh
     text = text.substr(0, INT32_MAX - 1);  // positions are integers
     if (position < 1 || static_cast<std::size_t>(position) > text.size() + 1) return false;
     const OwnErrors errors;
-    ValueReader reader(text, static_cast<std::size_t>(position) - 1);
+    ValueReader reader(text, static_cast<std::size_t>(position) - 1, behind == Behind::Nothing);
     const bool read = WithMemory([&] {
-        return IsAdtKind(kind) ? readDescriptor(reader, value, known, behind)
-                               : readNumber(reader, value, known, behind);
+        return IsAdtKind(kind) ? readDescriptor(reader, value, names, known, behind)
+                               : readNumber(reader, value, names, known, behind);
     });
     position = static_cast<std::int32_t>(reader.position()) + 1;
     if (reader.wanted() != KindNone) misfit.kind = reader.wanted();
     misfit.capacity = reader.capacity();
+    misfit.highest = reader.highest();
+    misfit.kept = reader.kept();
     // What does not fit is told by the result.
     const std::int32_t code = OwnErrors::code();
     if (code != ERR_OUT_OF_MEMORY && !IsFileFailure(code)) OwnErrors::forget();
@@ -409,15 +422,17 @@ bool readValue(std::string_view text, void* value, std::int32_t kind, Behind beh
 }  // namespace
 
 bool ValueFromText(std::string_view text, std::int32_t& position, void* value, std::int32_t kind) {
-    ValueMisfit misfit{position};
-    const bool read = readValue(text, value, kind, Behind::Anything, misfit);
+    ValueMisfit misfit;
+    misfit.position = position;
+    const bool read = readValue(text, value, {}, kind, Behind::Anything, misfit);
     position = misfit.position;
     return read;
 }
 
-bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit) {
+bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit,
+                        std::string_view names) {
     misfit = {};
-    return readValue(text, value, kind, Behind::Nothing, misfit);
+    return readValue(text, value, names, kind, Behind::Nothing, misfit);
 }
 
 }  // namespace tarn

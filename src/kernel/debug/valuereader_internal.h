@@ -13,44 +13,51 @@
 
 namespace tarn {
 
+// What is known of the value whose place the one that is read will take.
+struct FormerValue {
+    const void* value = nullptr;  // null: nothing
+    std::string_view names;       // of its fields and of its enums (fieldnames.h); empty: nothing
+};
+
 class ValueReader {
 public:
-    ValueReader(std::string_view text, std::size_t at) : text_(text), at_(at) {}
+    // An `exact` one takes no number that it would have to cut or round.
+    ValueReader(std::string_view text, std::size_t at, bool exact) : text_(text), at_(at), exact_(exact) {}
 
-    // The outermost value into `into`, which is empty; `old` is the value whose place it will take. False if the text
-    // does not fit: it is then at position().
-    bool outermost(void* into, const void* old, Kind kind);
+    // The outermost value into `into`, which is empty. False if the text does not fit: it is then at position().
+    bool outermost(void* into, const FormerValue& old, Kind kind);
     // Whether nothing but blanks follows; the text is behind them then.
     bool ends();
     [[nodiscard]] std::size_t position() const { return at_; }
     // What was wanted there; capacity 0 for what is no string that is too short.
     [[nodiscard]] Kind wanted() const { return wanted_; }
     [[nodiscard]] std::int32_t capacity() const { return capacity_; }
+    [[nodiscard]] std::int32_t highest() const { return highest_; }
+    [[nodiscard]] const std::string& kept() const { return kept_; }
 
 private:
-    // `old` may be null here.
-    bool value(void* into, const void* old, Kind kind);
-    bool valueOf(void* into, const void* old, Kind kind);
+    bool value(void* into, const FormerValue& old, Kind kind);
+    bool valueOf(void* into, const FormerValue& old, Kind kind);
     bool boolean(void* into);
-    bool ordinal(void* into);
+    bool ordinal(void* into, std::string_view names);
     bool integer(std::int32_t& number);
     bool fixed(void* into);
     bool real(void* into);
     bool string(StringDescriptor* into);
     bool set(SetDescriptor* into);
 
-    bool composite(void* into, const void* old, Kind kind, bool braced);
-    bool record(RecordDescriptor* into, const void* old, bool braced);
-    bool array(ArrayDescriptor* into, const void* old, bool braced);
+    bool composite(void* into, const FormerValue& old, Kind kind, bool braced);
+    bool record(RecordDescriptor* into, const FormerValue& old, bool braced);
+    bool array(ArrayDescriptor* into, const FormerValue& old, bool braced);
     bool giveBounds(ArrayDescriptor& array, const void* old, std::int64_t count);
     bool characters(ArrayDescriptor* into, const void* old);
-    bool list(ListDescriptor* into, const void* old, bool braced);
-    bool table(TableDescriptor* into, bool braced);
+    bool list(ListDescriptor* into, const FormerValue& old, bool braced);
+    bool table(TableDescriptor* into, const FormerValue& old, bool braced);
     // Calls `read` with the number of each element, from 0, with the text at it.
     template <class Read>
     bool elements(bool braced, Read read);
     // An element, or its default where there is none.
-    bool element(void* into, const void* old, Kind kind);
+    bool element(void* into, const FormerValue& old, Kind kind);
     [[nodiscard]] std::int64_t countElements(bool braced) const;
     bool quoted(std::string& bytes);
     bool escaped(std::string& bytes);
@@ -65,7 +72,9 @@ private:
     std::string_view text_;
     std::size_t at_;
     Kind wanted_ = KindNone;
-    std::int32_t capacity_ = 0;
+    bool exact_;
+    std::int32_t capacity_ = 0, highest_ = 255;
+    std::string kept_;
 };
 
 }  // namespace tarn

@@ -62,10 +62,15 @@ bool ValueFromText(std::string_view text, std::int32_t& position, void* value, s
 // Where a text does not fit, and what would.
 struct ValueMisfit {
     std::int32_t position = 1;
-    std::int32_t kind = 0;      // of the value, or of the one inside of it, that begins or goes on there
-    std::int32_t capacity = 0;  // of a fixed string for which the text is too long
+    std::int32_t kind = 0;       // of the value, or of the one inside of it, that begins or goes on there
+    std::int32_t capacity = 0;   // of a fixed string for which the text is too long
+    std::int32_t highest = 255;  // of an enum
+    std::string kept;            // of a number that would be cut or rounded: what it would become
 };
-// The same for a text that is one value from its beginning to its end, but for blanks: all else behind it does not fit.
-bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit);
+// The same for a text that is one value from its beginning to its end, but for blanks: all else behind it does not fit. Nor
+// does a number that would be cut or rounded, or an ordinal beyond the names of its enum, as far as `names` tell those
+// (fieldnames.h).
+bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit,
+                        std::string_view names = {});
 
 }  // namespace tarn

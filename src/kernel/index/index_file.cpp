@@ -66,18 +66,6 @@ std::string headerIn(const std::string& path) {
     return disk.read(0, header.data(), IndexHeaderBytes) == 0 ? header : std::string();
 }
 
-// A text in a header, up to its NUL; the last byte of its place is none of it.
-std::string textIn(const std::string& path, std::string_view IndexHeaderTexts::*text) {
-    try {
-        const std::string header = headerIn(path);
-        const std::string_view place = TextsOfIndexHeader(header).*text;
-        return std::string(
-            place.substr(0, std::min(place.find('\0'), std::max<std::size_t>(place.size(), 1) - 1)));
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
-}
-
 // 0, or the code of what failed. `before` becomes the name that stood there.
 std::int32_t writeTableName(const std::string& path, const char* name, char* before) {
     IndexDisk disk;
@@ -156,7 +144,7 @@ std::int32_t IndexRecordSize(const KeyView& key) {
 }
 
 bool CreateIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText) {
-    CloseKeptIndex();
+    LetGoOfIndex();
     NewFile made;
     os::FileError error = os::FileError::None;
     bool memory = true;
@@ -191,7 +179,7 @@ bool CanEmptyIndexFile(const std::string& path) {
 // Cut off first: an index without nodes whose file is too long would pass for whole.
 bool EmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText) {
     const std::string header = headerOf(tableFile, keyText);
-    CloseKeptIndex();
+    LetGoOfIndex();
     os::Handle handle = -1;
     if (os::files().open(path, os::OpenMode::ReadWrite, 0, handle) != os::FileError::None) return false;
     os::FileError error = os::files().truncate(handle, IndexHeaderBytes);
@@ -201,7 +189,7 @@ bool EmptyIndexFile(const std::string& path, std::string_view tableFile, std::st
 }
 
 bool RenameIndexFile(const std::string& from, const std::string& to, std::string_view tableFile) {
-    CloseKeptIndex();
+    LetGoOfIndex();
     char name[MaxIndexTableName + 1], before[MaxIndexTableName + 1];
     putTableName(name, tableFile);
     try {
@@ -216,12 +204,16 @@ bool RenameIndexFile(const std::string& from, const std::string& to, std::string
     }
 }
 
-std::string IndexFileText(const std::string& path) {
-    return textIn(path, &IndexHeaderTexts::keyText);
-}
-
+// The name ends at its NUL; the last byte of its place is none of it.
 std::string IndexTableName(const std::string& path) {
-    return textIn(path, &IndexHeaderTexts::tableName);
+    try {
+        const std::string header = headerIn(path);
+        const std::string_view place = TextsOfIndexHeader(header).tableName;
+        return std::string(
+            place.substr(0, std::min(place.find('\0'), std::max<std::size_t>(place.size(), 1) - 1)));
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
 }
 
 }  // namespace tarn

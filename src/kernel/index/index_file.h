@@ -65,9 +65,7 @@ bool CanEmptyIndexFile(const std::string& path);
 bool EmptyIndexFile(const std::string& path, std::string_view tableFile, std::string_view keyText);
 // Moves an index to the name that belongs to another table file, and writes that file's name into it.
 bool RenameIndexFile(const std::string& from, const std::string& to, std::string_view tableFile);
-// The text at offset 49; empty when the file is no index file.
-std::string IndexFileText(const std::string& path);
-// The name at offset 8; likewise.
+// The name at offset 8; empty when the file is no index file.
 std::string IndexTableName(const std::string& path);
 
 }  // namespace tarn

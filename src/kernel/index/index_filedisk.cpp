@@ -15,7 +15,7 @@ namespace tarn {
 namespace {
 
 // The file that stays open between operations. It is of use to the file system that has opened it alone.
-struct KeptFile {
+struct LeftOpen {
     os::Handle handle = -1;
     os::OpenMode mode = os::OpenMode::Read;
     const os::FileSystem* system = nullptr;
@@ -23,19 +23,19 @@ struct KeptFile {
     std::uint64_t device = 0, inode = 0;
 };
 
-KeptFile& kept() {
-    static KeptFile file;
+LeftOpen& leftOpen() {
+    static LeftOpen file;
     return file;
 }
 
-bool isKept(std::string_view path) {
-    return kept().handle >= 0 && kept().system == &os::files() && kept().path == path;
+bool isLeftOpen(std::string_view path) {
+    return leftOpen().handle >= 0 && leftOpen().system == &os::files() && leftOpen().path == path;
 }
 
 // Whether its name still stands for it.
-bool isKeptThere() {
-    const os::FileInfo info = os::infoOf(kept().path);
-    return info.exists && info.device == kept().device && info.inode == kept().inode;
+bool isStillThere() {
+    const os::FileInfo info = os::infoOf(leftOpen().path);
+    return info.exists && info.device == leftOpen().device && info.inode == leftOpen().inode;
 }
 
 // Also without a process that could close anything: that of a test that plays a death.
@@ -45,16 +45,16 @@ void closeQuietly(os::Handle handle) noexcept {
     } catch (...) {}
 }
 
-void closeKept() {
-    const os::Handle handle = std::exchange(kept().handle, -1);
-    if (handle >= 0 && kept().system == &os::files()) closeQuietly(handle);
+void closeLeftOpen() {
+    const os::Handle handle = std::exchange(leftOpen().handle, -1);
+    if (handle >= 0 && leftOpen().system == &os::files()) closeQuietly(handle);
 }
 
-bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std::uint64_t device,
-              std::uint64_t inode) noexcept {
-    closeKept();
+bool setLeftOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std::uint64_t device,
+                 std::uint64_t inode) noexcept {
+    closeLeftOpen();
     try {
-        kept() = {handle, mode, &os::files(), path, device, inode};
+        leftOpen() = {handle, mode, &os::files(), path, device, inode};
     } catch (const std::bad_alloc&) {
         return false;
     }
@@ -63,19 +63,19 @@ bool keepOpen(os::Handle handle, os::OpenMode mode, const std::string& path, std
 
 }  // namespace
 
-void CloseKeptIndex() {
+void LetGoOfIndex() {
     HeldIndex::letGo();
-    closeKept();
+    closeLeftOpen();
 }
 
-void CloseKeptIndex(std::string_view path) {
+void LetGoOfIndex(std::string_view path) {
     HeldIndex::letGo(path);
-    if (isKept(path)) closeKept();
+    if (isLeftOpen(path)) closeLeftOpen();
 }
 
 // ---- opening ----
 
-// Takes the file over that is held or kept, if there is one that serves.
+// Takes the file over that is held or left open, if there is one that serves.
 std::int32_t IndexDisk::adopt(std::int64_t& size) {
     changed_ = false;
     held_ = HeldIndex::of(path_);
@@ -85,22 +85,20 @@ std::int32_t IndexDisk::adopt(std::int64_t& size) {
         if (code == 0) records_ = &held_->records();
         return code;
     }
-    keeps_ = isKept(path_) && isKeptThere();
-    device_ = keeps_ ? kept().device : 0;
-    inode_ = keeps_ ? kept().inode : 0;
+    staysOpen_ = isLeftOpen(path_) && isStillThere();
+    device_ = staysOpen_ ? leftOpen().device : 0;
+    inode_ = staysOpen_ ? leftOpen().inode : 0;
     os::FileError error = os::FileError::None;
-    if (keeps_ && (kept().mode == mode_ || kept().mode == os::OpenMode::ReadWrite)) {
-        mode_ = kept().mode;
-        handle_ = std::exchange(kept().handle, -1);
+    if (staysOpen_ && (leftOpen().mode == mode_ || leftOpen().mode == os::OpenMode::ReadWrite)) {
+        mode_ = leftOpen().mode;
+        handle_ = std::exchange(leftOpen().handle, -1);
     } else {
-        closeKept();
+        closeLeftOpen();
         error = os::files().open(path_, mode_, 0, handle_);
     }
     if (error != os::FileError::None) return IndexOpenCode(error, mode_);
-    os::FileInfo info;
-    error = os::files().infoOpen(handle_, info);
-    size = info.size;
-    if (error == os::FileError::None) records_ = RememberedRecords(info);
+    error = os::files().infoOpen(handle_, info_);
+    size = info_.size;
     return FileReadCode(error);
 }
 
@@ -116,10 +114,10 @@ std::int32_t IndexDisk::open(const std::string& path, os::OpenMode mode) {
     return code;
 }
 
-void IndexDisk::keep() {
+void IndexDisk::leaveOpen() {
     if (held_ != nullptr) return;
     const os::FileInfo info = os::infoOf(path_);
-    keeps_ = info.exists;
+    staysOpen_ = info.exists;
     device_ = info.device;
     inode_ = info.inode;
 }
@@ -135,7 +133,7 @@ std::int32_t IndexDisk::reopen() {
 IndexDisk::~IndexDisk() {
     leaveRecords();
     if (handle_ < 0 || giveBack()) return;
-    if (!(keeps_ && keepOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
+    if (!(staysOpen_ && setLeftOpen(handle_, mode_, path_, device_, inode_))) closeQuietly(handle_);
 }
 
 void IndexDisk::leaveRecords() noexcept {
@@ -155,17 +153,19 @@ bool IndexDisk::giveBack() noexcept {
 
 std::int32_t IndexDisk::close() {
     inBuffer_ = inFront_ = 0;
+    if (changed_ && held_ == nullptr && records_ != nullptr) StampRecords(records_, handle_);
     leaveRecords();
     const os::Handle handle = std::exchange(handle_, -1);
     if (handle < 0 || giveBack()) return 0;
-    if (keeps_ && keepOpen(handle, mode_, path_, device_, inode_)) return 0;
+    if (staysOpen_ && setLeftOpen(handle, mode_, path_, device_, inode_)) return 0;
     if (mode_ != os::OpenMode::Read) return FileWriteCode(os::files().close(handle));
     closeQuietly(handle);
     return 0;
 }
 
-void IndexDisk::useRecords(std::int32_t recordSize, std::int32_t kept) {
-    if (records_ != nullptr) records_->shape(recordSize, kept);
+void IndexDisk::useRecords(std::int32_t recordSize, std::int32_t nearBytes) {
+    if (held_ == nullptr) records_ = RecallRecords(info_, mode_ == os::OpenMode::ReadWrite);
+    if (records_ != nullptr) records_->shape(recordSize, nearBytes);
 }
 
 // ---- reading ----
@@ -247,11 +247,10 @@ std::int32_t IndexDisk::bytesAt(std::int64_t offset, std::int64_t count, std::st
     return ReadWhole(handle_, offset, bytes.data(), bytes.size());
 }
 
-// Records of a file that is not held are of no use when it changes.
 void IndexDisk::changing() {
     inBuffer_ = inFront_ = 0;
+    if (!changed_ && held_ == nullptr && records_ != nullptr) ChangeRecords(records_);
     changed_ = true;
-    if (held_ == nullptr) leaveRecords();
 }
 
 std::int32_t IndexDisk::write(std::int64_t offset, std::string_view bytes, std::string_view before) {
@@ -292,16 +291,16 @@ std::int32_t IndexDisk::takeBack() {
     std::int32_t first = 0;
     changing();
     if (records_ != nullptr) records_->forget();
-    const auto keepFirst = [&](os::FileError error) {
+    const auto tell = [&](os::FileError error) {
         if (first == 0) first = FileWriteCode(error);
     };
     for (; !changes_.empty(); changes_.pop_back()) {
         const Change& change = changes_.back();
         if (change.size == 0) continue;
-        keepFirst(os::files().write(handle_, change.offset,
-                                    std::string_view(before_).substr(change.at, change.size)));
+        tell(os::files().write(handle_, change.offset,
+                               std::string_view(before_).substr(change.at, change.size)));
     }
-    if (size_ > sizeBefore_) keepFirst(os::files().truncate(handle_, sizeBefore_));
+    if (size_ > sizeBefore_) tell(os::files().truncate(handle_, sizeBefore_));
     size_ = sizeBefore_;
     inBuffer_ = 0;
     return first;

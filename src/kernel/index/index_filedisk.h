@@ -6,7 +6,7 @@
 // Results are error codes, 0 for success: 653 no such file, 651 and 652 it cannot be read or written, 654 the
 // disk is full, 657 a name that is not allowed, 802 memory is short.
 //
-// One file may be kept open from one operation to the next: it is taken over when it is opened again, given
+// One file may be left open from one operation to the next: it is taken over when it is opened again, given
 // back when that is closed, and closed when another is opened. Its name may have come to stand for another
 // file, as the current folder or the name of a file can change; then the one that is there now is opened. A
 // file that is held (index_filehold.h) is used instead. Records of either kind of file may be in memory, too.
@@ -24,10 +24,10 @@
 
 namespace tarn {
 
-// Closes the file that is kept open, if there is one, and those that are held; with a path only if it is that
+// Closes the file that was left open, if there is one, and those that are held; with a path only if it is that
 // one.
-void CloseKeptIndex();
-void CloseKeptIndex(std::string_view path);
+void LetGoOfIndex();
+void LetGoOfIndex(std::string_view path);
 
 class IndexDisk {
 public:
@@ -44,7 +44,7 @@ public:
     std::int32_t reopen();
     [[nodiscard]] bool isOpen() const { return handle_ >= 0; }
     std::int32_t close();
-    void keep();  // open for the next operation, too
+    void leaveOpen();  // open for the next operation, too
 
     [[nodiscard]] std::int64_t size() const { return size_; }
     // Reads `count` bytes; all of them must stand in the file.
@@ -57,8 +57,8 @@ public:
     std::int32_t readFront();
     // The same without reading; null where that were needed.
     const char* peekKnown(std::int64_t offset, std::int32_t count);
-    // What is kept in memory: so many bytes of each record.
-    void useRecords(std::int32_t recordSize, std::int32_t kept);
+    // Of a file that was just opened: so many bytes of each record are remembered, and what was is recalled.
+    void useRecords(std::int32_t recordSize, std::int32_t nearBytes);
 
     // ---- changes ----
 
@@ -87,12 +87,13 @@ private:
 
     os::Handle handle_ = -1;
     os::OpenMode mode_ = os::OpenMode::Read;
-    bool keeps_ = false;
+    bool staysOpen_ = false;
     HeldIndex* held_ = nullptr;
-    HeldRecords* records_ = nullptr;        // while they are of use
+    RememberedRecords* records_ = nullptr;  // while they are of use
     bool changed_ = false;                  // since it was opened
-    std::uint64_t device_ = 0, inode_ = 0;  // of a file that is kept
+    std::uint64_t device_ = 0, inode_ = 0;  // of one that stays open
     std::string path_;
+    os::FileInfo info_;  // when it was opened, unless it is held
     std::int64_t size_ = 0, sizeBefore_ = 0;
     std::vector<Change> changes_;
     std::string before_;

@@ -54,7 +54,7 @@ bool OpenIndexOf(const IndexBlock& block, FileTree& tree) {
 void FileIndexOpen(const IndexBlock& block, const RecordDescriptor* key) {
     FileTree tree;
     KeyView view;
-    if (openFor(block, key, view, tree, os::OpenMode::Read)) tree.keep();
+    if (openFor(block, key, view, tree, os::OpenMode::Read)) tree.leaveOpen();
 }
 
 std::int32_t FileIndexInsert(const IndexBlock& block, const RecordDescriptor* key, std::int32_t row) {

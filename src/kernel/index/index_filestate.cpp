@@ -171,7 +171,7 @@ int FileTree::State::order(const KeyView& key, Ref number) {
     return 0;
 }
 
-// Compares with a field that is not kept in memory as a whole, a stretch at a time.
+// Compares with a field that is not in memory as a whole, a stretch at a time.
 int FileTree::State::orderFar(const KeyPart& part, const IndexKeyField& field, Ref number, std::int32_t at) {
     char bytes[nearBytes];
     const FileNode* const node = load(number);

@@ -57,7 +57,7 @@ struct FileTree::State {
 
     IndexDisk disk;
     KeyLayout layout;
-    std::int32_t nearKey = 0;  // the bytes of a key that are kept with its node
+    std::int32_t nearKey = 0;  // the bytes of a key that stand in memory with its node
     std::int32_t failure = 0;
     std::int32_t records = 0, root = 0, firstFree = 0;
     // The same as they stand in the file, and as they did before the last commit.

@@ -47,8 +47,8 @@ bool FileTree::close() {
     return false;
 }
 
-void FileTree::keep() {
-    if (isOpen()) state_->disk.keep();
+void FileTree::leaveOpen() {
+    if (isOpen()) state_->disk.leaveOpen();
 }
 
 bool FileTree::isOpen() const {

@@ -46,9 +46,9 @@ public:
     // needs the file then fails (661). When closing fails, what was written may not have arrived: the last commit
     // is then taken back.
     bool close();
-    // Leaves the file open, when this tree is closed, for the next one of the same file. One file is kept so
-    // at a time: opening another closes it, and CloseKeptIndex (index_filedisk.h).
-    void keep();
+    // Leaves the file open, when this tree is closed, for the next one of the same file. One file is left so
+    // at a time: opening another closes it, and LetGoOfIndex (index_filedisk.h).
+    void leaveOpen();
     [[nodiscard]] bool isOpen() const;
     // 0, or the error of a read that failed or of damage that was found, which is then set. The tree then
     // looks empty below such a place, so that every search and change comes to its end; what it found does

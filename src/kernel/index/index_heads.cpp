@@ -68,6 +68,31 @@ KeyHead HeadOfFields(const KeyView& key) {
     return head;
 }
 
+bool HeadTellsKey(const KeyView& key) {
+    std::int32_t bytes = 0;
+    for (std::int32_t i = 0; i < key.count; ++i) {
+        if (key.parts[i].kind > KindFixed) return false;
+        bytes += KindSize[key.parts[i].kind];
+    }
+    return bytes != 0 && bytes <= headBytes;
+}
+
+void FieldsOfHead(std::uint64_t head, KeyView& shape, char* fields) {
+    for (std::int32_t i = 0; i < shape.count; ++i) {
+        KeyPart& part = shape.parts[i];
+        part.bytes = KindSize[part.kind];
+        part.at = part.field = fields;
+        if (part.kind == KindInteger)
+            WriteAt(fields, static_cast<std::uint32_t>((head ^ sign) >> 32U));
+        else if (part.kind == KindFixed)
+            WriteAt(fields, head ^ sign);
+        else
+            WriteAt(fields, static_cast<std::uint8_t>(head >> 56U));
+        fields += part.bytes;
+        head = part.bytes < headBytes ? head << static_cast<std::uint32_t>(part.bytes * 8) : 0;
+    }
+}
+
 std::uint32_t HashOfFields(const KeyView& key) {
     std::uint64_t hash = 0;
     for (std::int32_t i = 0; i < key.count; ++i) {

@@ -33,9 +33,17 @@ inline std::uint64_t MixHash(std::uint64_t hash, std::uint64_t bits) {
     hash = (hash ^ bits) * 0x9E3779B97F4A7C15U;
     return hash ^ hash >> 32U;
 }
-inline std::uint32_t HashOfKey(const KeyView& key, const KeyHead& head) {
-    if (!head.whole) return HashOfFields(key);
-    return static_cast<std::uint32_t>(MixHash(MixHash(0, head.bits), 0));
+inline std::uint32_t HashOfWhole(std::uint64_t head) {
+    return static_cast<std::uint32_t>(MixHash(MixHash(0, head), 0));
 }
+inline std::uint32_t HashOfKey(const KeyView& key, const KeyHead& head) {
+    return head.whole ? HashOfWhole(head.bits) : HashOfFields(key);
+}
+
+// Whether keys of these kinds can be made of their heads again: whole numbers, booleans and enums alone.
+bool HeadTellsKey(const KeyView& key);
+// Writes the fields of such a key, whose kinds `shape` has, one behind another to `fields` (at most 8 bytes), and makes
+// `shape` a view of them.
+void FieldsOfHead(std::uint64_t head, KeyView& shape, char* fields);
 
 }  // namespace tarn

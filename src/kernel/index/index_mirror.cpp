@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/index/index_mirror.h"
 
+#include "kernel/index/index_shortcuts_internal.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
@@ -43,65 +44,56 @@ void freeBlock(Offset& block, std::int32_t bytes) {
 
 // ---- shortcuts ----
 
-constexpr std::int32_t slotsOfLine = 16, lineBytes = slotsOfLine * std::int32_t{sizeof(std::uint32_t)};
-// Rows of a line when the shortcuts are made, and the most before they are made anew with more lines.
-constexpr std::int32_t rowsOfNewLine = 8, rowsOfLine = 12;
+// Rows for each line when the shortcuts are made, and the most before they are made anew with more lines.
+constexpr std::int32_t rowsOfNewLine = 3, rowsOfLine = 5;
 constexpr std::int32_t searchesOfRow = 8;  // what making a row's shortcut costs, in searches that it spares
 
-class Shortcuts {
-public:
-    Shortcuts(const IndexMirror& mirror, const KeyView& key)
-        : Shortcuts(mirror, HashOfKey(key, HeadOfKey(key))) {}
-    Shortcuts(const IndexMirror& mirror, std::uint32_t hash)
-        : line_(reinterpret_cast<std::uint32_t*>(At(mirror.shortcuts)) + lineOf(mirror, hash)),
-          mark_(hash << MirroredRowBits), first_(hash >> (32 - MirroredRowBits) & (slotsOfLine - 1)) {}
-
-    // The row with this key; 0 for one that has no shortcut.
-    [[nodiscard]] Ref find(const MirrorView& tree, const MirrorView::Key& key) const {
-        for (std::uint32_t i = 0; i < slotsOfLine; ++i) {
-            const std::uint32_t differs = line_[slot(i)] ^ mark_;
-            if (differs <= MostMirroredRow && differs != 0 && tree.order(key, differs) == 0) return differs;
-        }
-        return 0;
-    }
-    void put(Ref row) {
-        std::uint32_t into = first_;
-        for (std::uint32_t i = 0; i < slotsOfLine; ++i) {
-            if (line_[slot(i)] != 0) continue;
-            into = slot(i);
-            break;
-        }
-        line_[into] = mark_ | row;
-    }
-    void forget(Ref row) { std::replace(line_, line_ + slotsOfLine, mark_ | row, std::uint32_t{0}); }
-
-private:
-    static std::size_t lineOf(const IndexMirror& mirror, std::uint32_t hash) {
-        const auto line = std::uint64_t{hash} * static_cast<std::uint32_t>(mirror.lineCount) >> 32U;
-        return static_cast<std::size_t>(line) * slotsOfLine;
-    }
-    [[nodiscard]] std::uint32_t slot(std::uint32_t i) const { return (first_ + i) % slotsOfLine; }
-
-    std::uint32_t* line_;
-    std::uint32_t mark_, first_;
-};
+std::int32_t blockOfLines(const IndexMirror& mirror) {
+    return BytesOfLines(mirror.lineCount);
+}
 
 void dropShortcuts(IndexMirror& mirror) {
-    freeBlock(mirror.shortcuts, mirror.lineCount * lineBytes);
+    freeBlock(mirror.shortcuts, blockOfLines(mirror));
     mirror.lineCount = mirror.missed = 0;
+}
+
+// Where the content of a row stands; 0 when that is not known.
+Offset placeOfRow(const IndexTree& index, Ref row) {
+    if (index.rows == nullptr || row > static_cast<Ref>(index.rows->count)) return 0;
+    return reinterpret_cast<const RecordDescriptor*>(At(index.rows->data))[row - 1].data;
+}
+
+std::uint32_t hashOfRow(const IndexTree& index, const MirrorView& tree, Ref row) {
+    if (index.isNodeless()) return HashOfWhole(tree.head(row));
+    const KeyView key = KeyOfNode(NodeKey(tree.node(row)), index.root->kinds);
+    return HashOfKey(key, HeadOfKey(key));
 }
 
 void makeShortcuts(const IndexTree& index, const MirrorView& tree) {
     IndexMirror& mirror = *index.mirror;
     mirror.missed = 0;
     const std::int32_t lines = mirror.entryCount / rowsOfNewLine + 1;
-    mirror.shortcuts = allocateQuietly(lines * lineBytes);
+    mirror.shortcuts = allocateQuietly(BytesOfLines(lines));
     if (mirror.shortcuts == 0) return;
     mirror.lineCount = lines;
-    const FieldKinds& kinds = index.root->kinds;
     for (Ref row = 1; row < static_cast<Ref>(mirror.entryCount); ++row) {
-        if (tree.has(row)) Shortcuts(mirror, KeyOfNode(NodeKey(tree.node(row)), kinds)).put(row);
+        if (tree.has(row)) Shortcuts(mirror, hashOfRow(index, tree, row)).put(row, placeOfRow(index, row));
     }
+}
+
+// All that the row is read by starts on its way at once: its entry, its descriptor, its content.
+bool followShortcut(const IndexTree& index, const MirrorView& tree, Shortcuts& line,
+                    const MirrorView::Key& key, Ref& found) {
+    return line.eachSlot([&](std::int32_t slot) {
+        const Ref row = line.row(slot);
+        const Offset place = line.place(slot);
+        __builtin_prefetch(tarn_heap_base + place);
+        const Offset stands = placeOfRow(index, row);
+        if (tree.order(key, row) != 0) return false;
+        if (stands != place) line.set(slot, row, stands);
+        found = row;
+        return true;
+    });
 }
 
 bool findEqual(const IndexTree& index, const MirrorView& tree, const KeyView& view, Ref& found) {
@@ -112,10 +104,9 @@ bool findEqual(const IndexTree& index, const MirrorView& tree, const KeyView& vi
         return FindEqual(tree, key, found);
     }
     Shortcuts line(mirror, HashOfKey(view, key.head));
-    found = line.find(tree, key);
-    if (found != 0) return true;
+    if (followShortcut(index, tree, line, key, found)) return true;
     if (!FindEqual(tree, key, found)) return false;
-    if (found != 0) line.put(found);
+    if (found != 0) line.put(found, placeOfRow(index, found));
     return true;
 }
 
@@ -178,18 +169,110 @@ bool FillMirror(const IndexTree& index) {
     return fillFrom(MemoryTree(*index.root), mirror, *index.mirror, index.root->data, 0, index.mirror->root);
 }
 
+// ---- without nodes ----
+
+namespace {
+
+Offset copyNodes(const MirrorView& tree, Ref row, KeyView& key, MemoryTree& made, bool& good) {
+    if (row == 0) return 0;
+    char fields[sizeof(std::uint64_t)];
+    FieldsOfHead(tree.head(row), key, fields);
+    const Offset node = MakeNode(key, static_cast<std::int32_t>(row));
+    if (node == 0) return good = false, 0;
+    made.setBalance(node, tree.balance(row));
+    for (const int side : {0, 1}) made.setChild(node, side, 0);
+    for (const int side : {0, 1}) {
+        const Offset low = good ? copyNodes(tree, tree.child(row, side), key, made, good) : 0;
+        if (low != 0) made.setChild(node, side, low);
+    }
+    return node;
+}
+
+}  // namespace
+
+void DropNodes(const IndexTree& index, const KeyView& shape) {
+    if (!HeadTellsKey(shape)) return;
+    MirrorTree mirror(index);
+    for (std::int32_t row = index.mirror->entryCount - 1; row > 0; --row) {
+        const Offset node = mirror.node(static_cast<Ref>(row));
+        if (node == 0) continue;
+        FreeNode(node, index.root->kinds);
+        mirror.setNode(static_cast<Ref>(row), 0);
+    }
+    *index.root = {0, TagRecord, 0, {}};
+    index.mirror->nodeless = 1;
+}
+
+bool CopyNodes(const IndexMirror& mirror, const KeyView& shape, RecordDescriptor& root) {
+    IndexMirror words = mirror;
+    const MirrorView tree({&root, &words});
+    KeyView key = shape;
+    MemoryTree made(root, NodeKinds(shape), NodeHeadBytes + KeyBytes(shape), false);
+    bool good = true;
+    root = {0, TagRecord, 0, {}};
+    made.setRoot(copyNodes(tree, tree.root(), key, made, good));
+    if (!good) FreeTree(root);
+    return good;
+}
+
+bool MakeNodes(const IndexTree& index, const KeyView& shape) {
+    if (!CopyNodes(*index.mirror, shape, *index.root)) return false;
+    MirrorTree mirror(index);
+    const MemoryTree tree(*index.root);
+    index.mirror->nodeless = 0;
+    return WalkInOrder(tree, [&](Offset node) {
+        mirror.setNode(static_cast<Ref>(NodeRow(node)), node);
+        return true;
+    });
+}
+
 bool MirrorHas(const IndexMirror& mirror, std::int32_t row) {
     return reinterpret_cast<const MirrorEntry*>(At(mirror.entries))[row].links != 0;
 }
 
-std::string CheckMirror(const IndexTree& index) {
-    const MirrorView mirror(index);
+namespace {
+
+// "" or what is wrong with the shortcuts of a mirror that is right.
+std::string checkShortcuts(const IndexTree& index, const MirrorView& tree) {
+    const IndexMirror& mirror = *index.mirror;
+    if (mirror.shortcuts == 0) return {};
+    for (std::int32_t i = 0; i < mirror.lineCount * SlotsOfLine; ++i) {
+        const ShortcutLine& line = LinesOf(mirror)[i / SlotsOfLine];
+        const Ref row = line.rows[i % SlotsOfLine] & MostMirroredRow;
+        if (line.tags[i % SlotsOfLine] == 0) continue;
+        if (row == 0 || row >= static_cast<Ref>(mirror.entryCount) || !tree.has(row))
+            return "a shortcut leads nowhere";
+        const Shortcuts own(mirror, hashOfRow(index, tree, row));
+        if (!own.eachSlot([&](std::int32_t slot) { return own.row(slot) == row; }))
+            return "a shortcut is lost";
+    }
+    return {};
+}
+
+// "" or what is wrong with the tree that a mirror stands for.
+std::string checkNodeless(const IndexTree& index, const MirrorView& mirror, std::int32_t entries) {
+    if (index.root->data != 0) return "a mirror stands for a tree that has nodes";
+    std::int64_t left = entries;
+    std::int32_t nodes = 0, height = 0;
+    Ref before = 0, bad = 0;
+    const bool ordered = WalkInOrder(mirror, mirror.root(), left, 0, [&](Ref row) {
+        const bool follows = before == 0 || mirror.head(before) < mirror.head(row);
+        before = row;
+        ++nodes;
+        return follows && mirror.node(row) == 0;
+    });
+    if (!ordered || nodes != entries) return "the mirror is no tree of its keys";
+    left = entries;
+    if (!MeasureHeight(mirror, mirror.root(), left, 0, height, bad) || bad != 0)
+        return "a balance of the mirror is not that of its subtrees";
+    return {};
+}
+
+// "" or where the mirror and its tree differ.
+std::string checkMirrored(const IndexTree& index, const MirrorView& mirror, std::int32_t entries) {
     const MemoryTree tree(*index.root);
+    std::int32_t nodes = 0;
     if (mirror.node(mirror.root()) != tree.root()) return "the mirror has another root";
-    if (mirror.has(0)) return "the mirror has an entry without a row";
-    std::int32_t entries = 0, nodes = 0;
-    for (Ref row = 1; row < static_cast<Ref>(index.mirror->entryCount); ++row)
-        entries += mirror.has(row) ? 1 : 0;
     const bool same = WalkInOrder(tree, [&](Offset node) {
         const auto row = static_cast<Ref>(NodeRow(node));
         const KeyView key = KeyOfNode(NodeKey(node), tree.kinds());
@@ -199,18 +282,20 @@ std::string CheckMirror(const IndexTree& index) {
                mirror.node(mirror.child(row, 0)) == tree.child(node, 0) &&
                mirror.node(mirror.child(row, 1)) == tree.child(node, 1);
     });
-    if (!same || nodes != entries) return "the mirror shows another tree";
-    const auto* slots = reinterpret_cast<const std::uint32_t*>(At(index.mirror->shortcuts));
-    const std::int32_t slotCount = index.mirror->lineCount * slotsOfLine;
-    for (std::int32_t i = 0; i < slotCount; ++i) {
-        const Ref row = slots[i] & MostMirroredRow;
-        if (slots[i] == 0) continue;
-        if (row >= static_cast<Ref>(index.mirror->entryCount) || !mirror.has(row))
-            return "a shortcut leads nowhere";
-        const KeyView key = KeyOfNode(NodeKey(mirror.node(row)), tree.kinds());
-        if (Shortcuts(*index.mirror, key).find(mirror, mirrorKey(key)) != row) return "a shortcut is lost";
-    }
-    return {};
+    return same && nodes == entries ? "" : "the mirror shows another tree";
+}
+
+}  // namespace
+
+std::string CheckMirror(const IndexTree& index) {
+    const MirrorView mirror(index);
+    if (mirror.has(0)) return "the mirror has an entry without a row";
+    std::int32_t entries = 0;
+    for (Ref row = 1; row < static_cast<Ref>(index.mirror->entryCount); ++row)
+        entries += mirror.has(row) ? 1 : 0;
+    const std::string wrong =
+        index.isNodeless() ? checkNodeless(index, mirror, entries) : checkMirrored(index, mirror, entries);
+    return wrong.empty() ? checkShortcuts(index, mirror) : wrong;
 }
 
 // ---- searches ----
@@ -243,6 +328,14 @@ struct Descent {
 };
 
 }  // namespace
+
+std::uint32_t FollowShortcut(const IndexTree& index, std::uint64_t head) {
+    if (index.mirror->shortcuts == 0) return 0;
+    Shortcuts line(*index.mirror, HashOfWhole(head));
+    Ref found = 0;
+    followShortcut(index, MirrorView(index), line, {{head, true}, nullptr}, found);
+    return found;
+}
 
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path) {
     if (index.mirror == nullptr) return FindKey(*index.root, key, path);
@@ -323,40 +416,49 @@ Offset FoundNode(const IndexTree& index, const IndexPath& path) {
     return index.mirror == nullptr ? found : MirrorView(index).node(found);
 }
 
-void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node) {
+std::int32_t FoundRow(const IndexTree& index, const IndexPath& path) {
+    const Ref found = path.nodes[path.at];
+    return index.mirror == nullptr ? NodeRow(found) : static_cast<std::int32_t>(found);
+}
+
+void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node,
+              std::int32_t row) {
     if (index.mirror == nullptr) return LinkNode(*index.root, path, key, node);
-    MirrorTree tree = index.root->data != 0
+    MirrorTree tree = index.root->data != 0 || index.isNodeless()
                           ? MirrorTree(index)
                           : MirrorTree(index, NodeKinds(key), NodeHeadBytes + KeyBytes(key));
     const KeyHead head = HeadOfKey(key);
-    const auto row = static_cast<Ref>(NodeRow(node));
-    tree.enter(row, head.bits, node);
-    LinkAt(tree, path, row);
+    const auto entry = static_cast<Ref>(row);
+    tree.enter(entry, head.bits, node);
+    LinkAt(tree, path, entry);
     IndexMirror& mirror = *index.mirror;
     mirror.walk.count = 0;
     if (mirror.shortcuts == 0) return;
-    if (NodeRow(node) > mirror.lineCount * rowsOfLine) return dropShortcuts(mirror);
-    Shortcuts(mirror, HashOfKey(key, head)).put(row);
+    if (row > mirror.lineCount * rowsOfLine) return dropShortcuts(mirror);
+    Shortcuts(mirror, HashOfKey(key, head)).put(entry, placeOfRow(index, entry));
 }
 
 void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key) {
     if (index.mirror == nullptr) return UnlinkNode(*index.root, path);
     MirrorTree tree(index);
     const Ref row = path.nodes[path.at];
-    if (index.mirror->shortcuts != 0) Shortcuts(*index.mirror, key).forget(row);
+    if (index.mirror->shortcuts != 0) Shortcuts(*index.mirror, HashOfKey(key, HeadOfKey(key))).forget(row);
     UnlinkAt(tree, path);
     tree.leave(row);
     index.mirror->walk.count = 0;
 }
 
 void FreeTrees(const IndexTree* indexes, std::int32_t count) {
+    const auto hasNodes = [](const IndexTree& index) {
+        return index.mirror != nullptr && !index.isNodeless();
+    };
     constexpr std::int32_t ahead = 6;
     std::int32_t rows = 0;
     for (std::int32_t i = 0; i < count; ++i)
-        rows = std::max(rows, indexes[i].mirror != nullptr ? indexes[i].mirror->entryCount : 0);
+        rows = std::max(rows, hasNodes(indexes[i]) ? indexes[i].mirror->entryCount : 0);
     for (std::int32_t row = rows - 1; row > 0; --row) {
         for (std::int32_t i = count - 1; i >= 0; --i) {
-            if (indexes[i].mirror == nullptr || row >= indexes[i].mirror->entryCount) continue;
+            if (!hasNodes(indexes[i]) || row >= indexes[i].mirror->entryCount) continue;
             const MirrorView tree(indexes[i]);
             tree.prefetchNode(static_cast<Ref>(std::max(row - ahead, 0)));
             FreeNode(tree.node(static_cast<Ref>(row)), indexes[i].root->kinds);

@@ -4,19 +4,21 @@
 // so that a search seldom waits for memory. A table keeps one beside each of its trees; the tree has
 // everything without it, and a table does as well without (table_mirrors.h says when there is one).
 //
+// A mirror whose heads tell the keys (index_heads.h) can also stand for its tree: the tree has no nodes then, and gets
+// them when somebody asks for it. Such a mirror is called nodeless; its root leads nowhere.
+//
 // An entry stands at the number of its node's row, entry 0 is empty:
 //
 //   bits of `links`   0-16  number of the left child, 0 for none
 //                    17-33  of the right child
 //                    34-35  balance + 1
-//                    36-63  node: its offset / 16; 0 for an empty entry
+//                    36-63  node: its offset / 16; 0 for an empty entry, and for all of a nodeless mirror
 //
-// Shortcuts lead from the hash of a key to its row. They are made when searches for whole keys ask for them.
-// A line has room for 16; one that is full loses one for each that it gets, so a key without a shortcut is
-// looked for in the tree. An entry of a line: the row below, bits of the hash above, 0 for none.
+// Shortcuts lead from the hash of a key to its row (index_shortcuts_internal.h). They are made when searches for whole
+// keys ask for them.
 //
-// Cost: 16 to 20 bytes a row, shortcuts 5 to 10 more; a search by a shortcut is constant. A mirror that cannot get
-// its memory is dropped without an error.
+// Cost: 16 to 20 bytes a row, shortcuts 13 to 21 more; a search by a shortcut is constant. A mirror that cannot get
+// its memory is dropped without an error, unless it is nodeless.
 #pragma once
 
 #include "kernel/index/index_heads.h"
@@ -52,8 +54,10 @@ struct TreeWalk {
 struct IndexMirror {
     Offset entries, shortcuts;  // blocks
     std::int32_t entryCount, lineCount;
-    std::uint32_t root;   // its row
-    std::int32_t missed;  // searches that wanted a shortcut since there are none
+    std::uint32_t root;     // its row
+    std::int32_t missed;    // searches that wanted a shortcut since there are none
+    std::int32_t nodeless;  // 1: it stands for the tree
+    std::int32_t integers;  // 1: each key is one integer
     TreeWalk walk;
 };
 
@@ -63,6 +67,9 @@ struct IndexMirror {
 struct IndexTree {
     RecordDescriptor* root = nullptr;
     IndexMirror* mirror = nullptr;
+    const ListDescriptor* rows = nullptr;  // of the table, where their content stands; for speed alone
+
+    [[nodiscard]] bool isNodeless() const { return mirror != nullptr && mirror->nodeless != 0; }
 };
 
 // The tree for searches, which names a node by its row.
@@ -111,6 +118,7 @@ public:
     [[nodiscard]] static bool checking() { return false; }  // with memory checking on there is no mirror
     [[nodiscard]] static bool dropsChanges() { return false; }
     [[nodiscard]] static bool sound(Ref) { return true; }
+    [[nodiscard]] static bool reachable(Ref) { return true; }
 
     void prefetchNode(Ref row) const {
         const Offset at = node(row);
@@ -120,6 +128,7 @@ public:
     }
     // What linking a node at the end of a path writes to most often: the two nodes above it.
     void prefetchEnd(const IndexPath& path) const {
+        if (mirror_->nodeless != 0) return;
         for (std::int32_t i = path.depth - 1; i >= 0 && i >= path.depth - 2; --i)
             MemoryTree::prefetchToChange(node(path.nodes[i]), path.sides[i]);
     }
@@ -143,25 +152,26 @@ protected:
 // The same for changes, which go to the nodes too.
 class MirrorTree : public MirrorView {
 public:
-    explicit MirrorTree(const IndexTree& index) : MirrorView(index), tree_(*index.root) {}
+    explicit MirrorTree(const IndexTree& index) : MirrorTree(index, index.root->kinds, index.root->size) {}
     MirrorTree(const IndexTree& index, const FieldKinds& nodeKinds, std::int32_t nodeBytes)
-        : MirrorView(index), tree_(*index.root, nodeKinds, nodeBytes) {}
+        : MirrorView(index), tree_(*index.root, nodeKinds, nodeBytes, false),
+          nodeless_(index.mirror->nodeless != 0) {}
 
     void setRoot(Ref row) {
         mirror_->root = row;
-        tree_.setRoot(node(row));
+        if (!nodeless_) tree_.setRoot(node(row));
     }
     void setChild(Ref row, int side, Ref child) {
         std::uint64_t& links = entries_[row].links;
         const std::uint32_t at = placeOf(side);
         // What the node's own link holds is not read: the node may be far.
-        tree_.relink(nodeOf(links), side, node(child), linkOf(links, side) != 0);
+        if (!nodeless_) tree_.relink(nodeOf(links), side, node(child), linkOf(links, side) != 0);
         links = (links & ~(rowMask << at)) | std::uint64_t{child} << at;
     }
     void setBalance(Ref row, int balance) {
         std::uint64_t& links = entries_[row].links;
         links = (links & ~(balanceMask << balanceAt)) | static_cast<std::uint64_t>(balance + 1) << balanceAt;
-        tree_.setBalance(node(row), balance);
+        if (!nodeless_) tree_.setBalance(node(row), balance);
     }
 
     // Entries alone.
@@ -174,9 +184,14 @@ public:
         entries_[row].links |= std::uint64_t{left} | std::uint64_t{right} << MirroredRowBits;
         entries_[row].links += static_cast<std::uint64_t>(balance) << balanceAt;
     }
+    void setNode(Ref row, Offset node) {
+        constexpr std::uint64_t others = (std::uint64_t{1} << nodeAt) - 1;
+        entries_[row].links = (entries_[row].links & others) | std::uint64_t{node / nodeStep} << nodeAt;
+    }
 
 private:
     MemoryTree tree_;
+    bool nodeless_;
 };
 
 // ---- the mirror's own life; none of these sets an error ----
@@ -193,9 +208,21 @@ bool MirrorHas(const IndexMirror& mirror, std::int32_t row);
 // "" or what is wrong.
 std::string CheckMirror(const IndexTree& index);
 
+// ---- mirrors that stand for their trees; `shape` has the kinds of the keys ----
+
+// Lets a mirror that shows its whole tree stand for it, and frees the nodes. Nothing when heads do not tell such keys.
+void DropNodes(const IndexTree& index, const KeyView& shape);
+// Makes the tree that a nodeless mirror stands for below `root`, which need not hold anything valid. False, with `root`
+// empty: 802.
+bool CopyNodes(const IndexMirror& mirror, const KeyView& shape, RecordDescriptor& root);
+// Gives a nodeless mirror's own tree its nodes again: it then is a mirror like others. False: 802, and as before.
+bool MakeNodes(const IndexTree& index, const KeyView& shape);
+
 // ---- searches and the steps of a change, as in index_nodes.h; all keep the mirror ----
 
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path);  // 763
+// The row of a whole key of which there is a shortcut; 0 for none.
+std::uint32_t FollowShortcut(const IndexTree& index, std::uint64_t head);
 struct TreeSearch {
     IndexTree index;
     const KeyView* key = nullptr;
@@ -203,8 +230,12 @@ struct TreeSearch {
 };
 bool FindKeys(const TreeSearch* searches, std::int32_t count);    // 763
 bool PrepareUnlinkNode(const IndexTree& index, IndexPath& path);  // 763
-Offset FoundNode(const IndexTree& index, const IndexPath& path);  // of a path that has found
-void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node);
+// Of a path that has found; 0 for the node of a nodeless mirror.
+Offset FoundNode(const IndexTree& index, const IndexPath& path);
+std::int32_t FoundRow(const IndexTree& index, const IndexPath& path);
+// `row` is that of the node, which is 0 for a nodeless mirror.
+void LinkNode(const IndexTree& index, const IndexPath& path, const KeyView& key, Offset node,
+              std::int32_t row);
 void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key);
 // The row of the node that is sought; 0 for none. False: 763.
 bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, std::int32_t& row);
@@ -212,7 +243,7 @@ bool SeekRow(const IndexTree& index, const TreeSeek& seek, const KeyView& key, s
 // their addresses.
 void FreeTrees(const IndexTree* indexes, std::int32_t count);
 
-// ---- walks (index_walk.cpp) ----
+// ---- walks (index_mirror_walk.cpp) ----
 
 // A search for an end or for a neighbour; 0 for none. False: 763.
 bool SeekOnWalk(const MirrorView& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorView::Key& key,

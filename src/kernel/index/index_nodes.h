@@ -37,6 +37,10 @@ public:
     MemoryTree(RecordDescriptor& root, const FieldKinds& nodeKinds, std::int32_t nodeBytes)
         : root_(root), link_{nodeBytes, TagRecord, 0, nodeKinds}, checking_(MemoryChecking()) {}
 
+    // For one that is not checked, whatever the heap does.
+    MemoryTree(RecordDescriptor& root, const FieldKinds& nodeKinds, std::int32_t nodeBytes, bool checking)
+        : root_(root), link_{nodeBytes, TagRecord, 0, nodeKinds}, checking_(checking) {}
+
     [[nodiscard]] Offset root() const { return root_.data; }
     void setRoot(Offset node) { root_ = linkTo(node); }
     [[nodiscard]] Offset child(Offset node, int side) const {

@@ -76,7 +76,7 @@ void IndexOpen(const RecordDescriptor* root, const IndexBlock& block, const Reco
 }
 
 void IndexClose(const IndexBlock& block) {
-    if (isInFile(block)) CloseKeptIndex(block.fileName);
+    if (isInFile(block)) LetGoOfIndex(block.fileName);
 }
 
 void IndexClear(RecordDescriptor* root, const IndexBlock& block) {

@@ -12,6 +12,7 @@
 #include "kernel/lists/list_access.h"
 #include "kernel/lists/rowformat.h"
 #include "kernel/values/adt_kinds.h"
+#include "kernel/values/heap_quick.h"
 
 #include <algorithm>
 #include <cstring>
@@ -74,6 +75,20 @@ void insertCopy(ListDescriptor& l, std::int32_t index, const void* v, Kind kind)
     if (MakeElement(element.bytes, At(l.prototype), v, kind)) insertElement(l, index, element.bytes);
 }
 
+// A number behind others, in the block that they stand in: what most appends are. False, with nothing changed, for
+// the rest.
+bool appendQuickly(const void* v, Kind kind, ListDescriptor* l) {
+    if (l == nullptr || v == nullptr || l->tag != kind || kind < KindBoolean || kind > KindReal) return false;
+    const std::int32_t size = l->size, width = KindSize[kind];
+    if (l->data == 0 || size < 1 || size > MaxBlock - width) return false;
+    if (std::int64_t{l->count} * width != size) return false;
+    if (l->maxlength != UNBOUNDED || !HeapIsPlain || !GrowInPlace(l->data, size, size + width)) return false;
+    CopyNumber(v, At(l->data) + size, kind);
+    l->size = size + width;
+    ++l->count;
+    return true;
+}
+
 // Removes elements that are there. A fixed list keeps what it needs for later elements: the slots.
 void removeElements(ListDescriptor& l, std::int32_t index, std::int32_t n) {
     const Kind kind = ElementKindOf(l);
@@ -133,6 +148,14 @@ bool deleteRows(ListDescriptor& l, std::int32_t index, std::int32_t n) {
         }
         return beside.takePlace();
     });
+}
+
+[[gnu::noinline]] void appendAny(const void* v, Kind kind, ListDescriptor* l) {
+    if (!AcceptList(l) || !AcceptElement(*l, v, kind)) return;
+    if (!IsHeldInFile(*l)) return insertCopy(*l, l->count, v, kind);
+    if (!hasRoom(*l)) return;
+    const ShapedElement shaped(*l, v, kind);
+    if (shaped.good()) AppendRow(*l, shaped.at());
 }
 
 }  // namespace
@@ -209,11 +232,7 @@ void ListPut(const void* v, Kind kind, std::int32_t position, ListDescriptor* l)
 }
 
 void ListAppend(const void* v, Kind kind, ListDescriptor* l) {
-    if (!AcceptList(l) || !AcceptElement(*l, v, kind)) return;
-    if (!IsHeldInFile(*l)) return insertCopy(*l, l->count, v, kind);
-    if (!hasRoom(*l)) return;
-    const ShapedElement shaped(*l, v, kind);
-    if (shaped.good()) AppendRow(*l, shaped.at());
+    if (!appendQuickly(v, kind, l)) appendAny(v, kind, l);
 }
 
 void* ListAppendEmpty(ListDescriptor* l) {

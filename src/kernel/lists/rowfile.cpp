@@ -65,7 +65,7 @@ bool WriteRow(ListDescriptor& l, std::int32_t position, const void* element) {
     return WithMemory([&] {
         RowChange change(l);
         std::string& row = RowBytes();
-        if (!change.begin(RowChange::Know::Nothing) || !change.keep(position) ||
+        if (!change.begin(RowChange::Know::Nothing) || !change.copyBefore(position) ||
             !change.file().pack(element, row))
             return false;
         return change.end(change.file().write(position, row), l.count);
@@ -92,7 +92,7 @@ bool RemoveLastRow(ListDescriptor& l) {
     return WithMemory([&] {
         RowChange change(l);
         const std::int32_t last = l.count;
-        if (!change.begin(RowChange::Know::Rows) || !change.keep(last)) return false;
+        if (!change.begin(RowChange::Know::Rows) || !change.copyBefore(last)) return false;
         os::FileError error = change.file().writeCount(last - 1);
         if (error == noError && IsFixedList(l)) {
             std::string& empty = RowBytes();

@@ -47,10 +47,11 @@ public:
     }
     [[nodiscard]] const XbaseRows* xbase() const { return xbase_.get(); }
 
-    // The count of rows that the file holds by its own account, and its size. 655 for a size or a count that
-    // no such file has. `trailing` unless null: a byte 26 behind the last row of an Xbase file, which then
-    // does not count in the size.
-    bool measure(std::int32_t& count, std::int64_t& size, bool* trailing = nullptr);
+    // The count of rows that the file holds by its own account, and its size. 655 for a size that no such file has;
+    // then 619 for a count above `most`, and 655 for one of more rows than are there. `trailing` unless null: a byte
+    // 26 behind the last row of an Xbase file, which then does not count in the size.
+    bool measure(std::int32_t& count, std::int64_t& size, bool* trailing = nullptr,
+                 std::int32_t most = INT32_MAX);
     // The rows from `position` on, appended to `bytes`; 651 when one is not there.
     bool read(std::int32_t position, std::int32_t rows, std::string& bytes);
     os::FileError write(std::int64_t position, std::string_view rows);
@@ -81,7 +82,7 @@ private:
 };
 
 // A change of a list and its file: begun, written, ended. When a step of it fails, `end` puts back what was
-// there: the size, the stored count, the row that was kept. The count of the descriptor is then what the file
+// there: the size, the stored count, the row that was copied. The count of the descriptor is then what the file
 // holds.
 class RowChange {
 public:
@@ -94,13 +95,13 @@ public:
     bool begin(Know what);
     [[nodiscard]] RowFile& file() { return *file_; }
     [[nodiscard]] std::int64_t size() const { return size_; }  // without a byte 26; unless nothing is known
-    bool keep(std::int32_t position);  // a row that will be overwritten or cut off; 651
+    bool copyBefore(std::int32_t position);  // a row that will be overwritten or cut off; 651
     // Rows that will be written where none was counted.
     void adding(std::int32_t first, std::int32_t last) {
         firstAdded_ = first;
         lastAdded_ = last;
     }
-    // Rows were cut off that were not kept: there is no way back.
+    // Rows were cut off that were not copied: there is no way back.
     void cut() { cut_ = true; }
     // Ends it with this count, or takes it back when `error` says that it failed, or closing does.
     bool end(os::FileError error, std::int32_t count);
@@ -115,7 +116,7 @@ private:
     RowFile* file_ = &own_;
     bool closes_ = true;      // the file, at the end
     std::int64_t size_ = -1;  // unless it is known
-    std::int32_t kept_ = 0, firstAdded_ = 0, lastAdded_ = 0;
+    std::int32_t copied_ = 0, firstAdded_ = 0, lastAdded_ = 0;
     bool cut_ = false;
 };
 

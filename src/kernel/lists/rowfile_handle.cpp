@@ -137,15 +137,14 @@ os::FileError RowFile::readCount(std::int64_t& count) const {
 }
 
 os::FileError RowFile::readEndMark(std::int64_t size, bool& there) const {
-    constexpr char endMark = 26;
     char last = 0;
     std::size_t got = 0;
     const os::FileError error = os::readUpTo(handle_, size - 1, &last, 1, got);
-    there = got == 1 && last == endMark;
+    there = got == 1 && last == XbaseFileEnd;
     return error;
 }
 
-bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
+bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing, std::int32_t most) {
     os::FileError error = this->size(size);
     std::int64_t rows = (size - headerBytes_) / rowBytes_, over = (size - headerBytes_) % rowBytes_;
     std::int64_t stored = rows;
@@ -162,8 +161,9 @@ bool RowFile::measure(std::int32_t& count, std::int64_t& size, bool* trailing) {
         }
     }
     if (error != os::FileError::None) return RefuseRead(error);
-    if (over != 0 || stored < 0 || stored > rows || stored > std::numeric_limits<std::int32_t>::max())
-        return Refuse(ERR_FILE_SIZE);
+    if (over != 0 || stored < 0 || stored > INT32_MAX) return Refuse(ERR_FILE_SIZE);
+    if (stored > most) return Refuse(ERR_FIXED_TABLE);
+    if (stored > rows) return Refuse(ERR_FILE_SIZE);
     count = static_cast<std::int32_t>(stored);
     return true;
 }
@@ -197,7 +197,7 @@ void AddEmptyRows(std::string_view name, std::size_t rowBytes, std::int32_t rows
 
 namespace {
 
-std::string& keptBytes() {
+std::string& copiedBytes() {
     static std::string bytes;
     return bytes;
 }
@@ -225,10 +225,10 @@ bool RowChange::begin(Know what) {
     return file_->measure(count, size_, &endMark) && (count == list_.count || Refuse(ERR_FILE_SIZE));
 }
 
-bool RowChange::keep(std::int32_t position) {
-    keptBytes().clear();
-    if (!file_->read(position, 1, keptBytes())) return false;
-    kept_ = position;
+bool RowChange::copyBefore(std::int32_t position) {
+    copiedBytes().clear();
+    if (!file_->read(position, 1, copiedBytes())) return false;
+    copied_ = position;
     return true;
 }
 
@@ -256,7 +256,7 @@ bool RowChange::restoreRows() {
     std::int64_t size = 0;
     const bool grew = size_ >= 0 && (!done(file_->size(size)) || size > size_);
     if (grew && !done(file_->cutTo(size_))) return false;
-    if (kept_ != 0 && !done(file_->write(kept_, keptBytes()))) return false;
+    if (copied_ != 0 && !done(file_->write(copied_, copiedBytes()))) return false;
     std::string& empty = RowBytes();
     AddEmptyRows(RowFileName(list_), static_cast<std::size_t>(file_->rowBytes()), 1, empty);
     for (std::int64_t n = firstAdded_; n != 0 && n <= lastAdded_ && file_->offsetOf(n + 1) <= size_; ++n) {

@@ -24,9 +24,9 @@ bool openExisting(ListDescriptor& l) {
     std::int64_t size = 0;
     bool endMark = false;
     if (!file.open(l, os::OpenMode::Read)) return false;
-    if (!file.measure(count, size, &endMark)) return false;
+    const std::int32_t most = IsFixedList(l) ? l.maxlength : INT32_MAX;
+    if (!file.measure(count, size, &endMark, most)) return false;
     if (file.format() == RowsXbase && !file.xbase()->accept(l)) return false;
-    if (IsFixedList(l) && count > l.maxlength) return Refuse(ERR_FIXED_TABLE);
     l.count = count;
     return true;
 }

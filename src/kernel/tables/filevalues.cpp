@@ -5,9 +5,9 @@
 #include "kernel/run/fileerrors.h"
 #include "kernel/tables/table_access.h"
 #include "kernel/tables/tables_file_check.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_hold.h"
 #include "kernel/tables/tables_file_index.h"
-#include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_places.h"
 #include "kernel/values/string_text.h"
 
@@ -60,7 +60,7 @@ bool openIndexes(TableDescriptor& t, bool created) {
     if (!AcceptIndexPlaces(file, IndexesOf(HeaderOf(t)))) return false;
     if (created) RemoveIndexFiles(file);
     if (!(t.count > 0 ? AcceptTableIndexes(t) : StartTableIndexes(t))) return false;
-    return HasAllKeptRows(t) || Refuse(ERR_INDEX_FILE_SIZE);
+    return HasAllGuardedRows(t) || Refuse(ERR_INDEX_FILE_SIZE);
 }
 
 // Where a link led to the name, the file was made where it leads.
@@ -85,7 +85,7 @@ bool openTable(TableDescriptor& t, std::string_view fileName) {
 }
 
 bool closeTable(TableDescriptor& t) {
-    const bool released = ReleaseTableFiles(t), synced = SyncTableIndexes(t), ended = EndKeptRows(t);
+    const bool released = ReleaseTableFiles(t), synced = SyncTableIndexes(t), ended = EndGuard(t);
     return CloseRows(HeaderOf(t).rows) && released && synced && ended;
 }
 

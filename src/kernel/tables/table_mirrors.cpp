@@ -2,7 +2,9 @@
 #include "kernel/tables/table_mirrors.h"
 
 #include "kernel/run/errorcell.h"
-#include "kernel/values/heap.h"
+#include "kernel/run/errors.h"
+#include "kernel/values/adt_kinds.h"
+#include "kernel/values/heap_quick.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,6 +16,7 @@ struct TableMirrors {
     Offset header;               // of the table: tells this block from a word that names nothing
     std::int32_t operations;     // since a mirror was last made or looked for in vain
     std::uint64_t plainChanges;  // PlainTreeChanges when they were last true
+    bool numbers;                // the rows hold nothing else
     IndexMirror indexes[MaxIndexes];
 };
 
@@ -22,8 +25,19 @@ namespace {
 constexpr std::int32_t leastRows = 32;         // a smaller tree is in the processor's cache
 constexpr std::int32_t rowsOfAnOperation = 8;  // how many rows are mirrored for each operation without
 
+constexpr Offset wasAskedFor = 1;  // in the word that names the block
+
+bool isAskedFor(const TableHeader& header) {
+    return (static_cast<Offset>(header.typeInfo.reserved) & wasAskedFor) != 0;
+}
+
+void nameBlock(TableHeader& header, Offset block) {
+    const auto kept = static_cast<Offset>(header.typeInfo.reserved) & wasAskedFor;
+    header.typeInfo.reserved = static_cast<std::int32_t>(block | kept);
+}
+
 TableMirrors* mirrorsOf(const TableHeader& header) {
-    const auto at = static_cast<Offset>(header.typeInfo.reserved);
+    const Offset at = static_cast<Offset>(header.typeInfo.reserved) & ~wasAskedFor;
     if (at == 0) return nullptr;
     auto* const mirrors = reinterpret_cast<TableMirrors*>(At(at));
     return OffsetOf(mirrors) != 0 && mirrors->header == OffsetOf(&header) ? mirrors : nullptr;
@@ -35,13 +49,26 @@ TableMirrors* makeBlock(TableHeader& header) {
     Allocate(block, sizeof(TableMirrors));
     if (block == 0) return nullptr;
     auto* const mirrors = reinterpret_cast<TableMirrors*>(At(block));
-    *mirrors = {OffsetOf(&header), 0, PlainTreeChanges, {}};
-    header.typeInfo.reserved = static_cast<std::int32_t>(block);
+    *mirrors = {OffsetOf(&header), 0, PlainTreeChanges, HoldsNumbersOnly(RowShape(header).kinds), {}};
+    nameBlock(header, block);
     return mirrors;
 }
 
-void dropAll(TableMirrors& mirrors) {
-    for (IndexMirror& mirror : mirrors.indexes) DropMirror(mirror);
+// All that lose nothing with their mirror.
+void dropMirrors(TableMirrors& mirrors) {
+    for (IndexMirror& mirror : mirrors.indexes) {
+        if (mirror.nodeless == 0) DropMirror(mirror);
+    }
+}
+
+KeyView keyShape(const TableHeader& header, std::int32_t index) {
+    KeyView shape;
+    KeyOfRow(RowShape(header), header.keyMaps[index], shape);
+    return shape;
+}
+
+IndexTree treeOf(TableHeader& header, TableMirrors& mirrors, std::int32_t index) {
+    return {&header.roots[index], &mirrors.indexes[index], &header.rows};
 }
 
 bool isMirrored(const TableMirrors& mirrors, std::int32_t indexes) {
@@ -59,12 +86,19 @@ void complete(TableMirrors& mirrors, TableHeader& header, std::int32_t mostRow, 
         IndexMirror& mirror = mirrors.indexes[i];
         if (mirror.entries != 0) continue;
         const bool made = ReserveMirror(mirror, std::max(mostRow, header.rows.count)) &&
-                          FillMirror({&header.roots[i], &mirror});
-        if (!made) DropMirror(mirror);
+                          FillMirror(treeOf(header, mirrors, i));
+        if (!made) {
+            DropMirror(mirror);
+            continue;
+        }
+        const KeyView shape = keyShape(header, i);
+        mirror.integers = shape.count == 1 && shape.parts[0].kind == KindInteger ? 1 : 0;
+        if (!isAskedFor(header)) DropNodes(treeOf(header, mirrors, i), shape);
     }
 }
 
-TableMirrors* readyMirrors(TableHeader& header, std::int32_t mostRow, bool atOnce) {
+// `good` becomes false, with 802 set, when a mirror that the table cannot do without has no room for the row.
+TableMirrors* readyMirrors(TableHeader& header, std::int32_t mostRow, bool atOnce, bool& good) {
     TableMirrors* mirrors = mirrorsOf(header);
     if (mirrors == nullptr) {
         if (header.rows.count < leastRows || MemoryChecking()) return nullptr;
@@ -76,12 +110,16 @@ TableMirrors* readyMirrors(TableHeader& header, std::int32_t mostRow, bool atOnc
     const auto reaches = [=](const IndexMirror& mirror) { return mirror.entryCount > mostRow; };
     if (current && std::all_of(mirrors->indexes, mirrors->indexes + indexes, reaches)) return mirrors;
     if (!current) {
-        dropAll(*mirrors);
+        dropMirrors(*mirrors);
         mirrors->plainChanges = PlainTreeChanges;
     }
     complete(*mirrors, header, mostRow, atOnce);
     for (IndexMirror& mirror : mirrors->indexes) {
-        if (mirror.entries != 0 && !ReserveMirror(mirror, mostRow)) DropMirror(mirror);
+        if (mirror.entries == 0 || ReserveMirror(mirror, mostRow)) continue;
+        if (mirror.nodeless == 0)
+            DropMirror(mirror);
+        else
+            good = Refuse(ERR_OUT_OF_MEMORY);
     }
     return mirrors;
 }
@@ -89,29 +127,96 @@ TableMirrors* readyMirrors(TableHeader& header, std::int32_t mostRow, bool atOnc
 }  // namespace
 
 TableTrees::TableTrees(TableHeader& header, std::int32_t mostRow, bool atOnce)
-    : header_(header), mirrors_(readyMirrors(header, mostRow, atOnce)) {}
+    : header_(header), mirrors_(readyMirrors(header, mostRow, atOnce, good_)) {}
 
 IndexTree TableTrees::at(std::int32_t index) const {
     IndexMirror* const mirror = mirrors_ != nullptr ? &mirrors_->indexes[index] : nullptr;
-    return {&header_.roots[index], mirror != nullptr && mirror->entries != 0 ? mirror : nullptr};
+    return {&header_.roots[index], mirror != nullptr && mirror->entries != 0 ? mirror : nullptr,
+            &header_.rows};
 }
 
-void TableTrees::makeWayFor(std::int32_t index, std::int32_t row) {
+bool TableTrees::makeWayFor(std::int32_t index, std::int32_t row) {
     const IndexTree tree = at(index);
-    if (tree.mirror != nullptr && MirrorHas(*tree.mirror, row)) DropMirror(*tree.mirror);
+    if (tree.mirror == nullptr || !MirrorHas(*tree.mirror, row)) return true;
+    if (tree.isNodeless() && !MakeNodes(tree, keyShape(header_, index))) return false;
+    DropMirror(*tree.mirror);
+    return true;
 }
+
+namespace {
 
 // Of the row that comes next the content: its descriptor was asked for a step before.
-void TableTrees::prefetchWalk(std::int32_t index) const {
-    if (mirrors_ == nullptr) return;
-    const TreeWalk& walk = mirrors_->indexes[index].walk;
+void prefetchRows(const TableHeader& header, const TreeWalk& walk) {
     const auto numberOf = [&](std::int32_t i) {
         const auto number = i < walk.count ? static_cast<std::int32_t>(walk.rows[i]) : 0;
-        return HasRow(header_, number) ? number : 0;
+        return HasRow(header, number) ? number : 0;
     };
-    if (const std::int32_t number = numberOf(3); number != 0) __builtin_prefetch(&RowAt(header_, number));
+    if (const std::int32_t number = numberOf(3); number != 0) __builtin_prefetch(&RowAt(header, number));
     if (const std::int32_t number = numberOf(1); number != 0)
-        __builtin_prefetch(tarn_heap_base + RowAt(header_, number).data);
+        __builtin_prefetch(tarn_heap_base + RowAt(header, number).data);
+}
+
+}  // namespace
+
+void TableTrees::prefetchWalk(std::int32_t index) const {
+    if (mirrors_ != nullptr) prefetchRows(header_, mirrors_->indexes[index].walk);
+}
+
+// ---- the shortest way ----
+
+namespace {
+
+bool isLike(const RecordDescriptor* record, std::int32_t size, const FieldKinds& kinds) {
+    return record != nullptr && record->tag == TagRecord && record->size == size && record->data != 0 &&
+           std::memcmp(&record->kinds, &kinds, sizeof kinds) == 0;
+}
+
+// The mirror that a search can go to at once; null: there is none, or its arguments need a look.
+IndexMirror* quickMirror(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
+                         const RecordDescriptor* row) {
+    static constexpr FieldKinds oneInteger = {{KindInteger << 4}};
+    TableMirrors* const mirrors = mirrorsOf(header);
+    if (mirrors == nullptr || !mirrors->numbers || indexNumber < 1 || indexNumber > MaxIndexes)
+        return nullptr;
+    IndexMirror& mirror = mirrors->indexes[indexNumber - 1];
+    if (mirror.integers == 0 || (mirror.nodeless == 0 && mirrors->plainChanges != PlainTreeChanges))
+        return nullptr;
+    const RecordDescriptor& shape = RowShape(header);
+    return isLike(key, KindSize[KindInteger], oneInteger) && isLike(row, shape.size, shape.kinds) ? &mirror
+                                                                                                  : nullptr;
+}
+
+std::uint64_t headOf(const RecordDescriptor& key) {
+    return std::uint64_t{ReadAt<std::uint32_t>(At(key.data)) ^ 0x80000000U} << 32U;
+}
+
+bool copyNumbers(const TableHeader& header, std::uint32_t number, RecordDescriptor& row) {
+    if (!HasRow(header, static_cast<std::int32_t>(number))) return false;
+    const RecordDescriptor& from = RowAt(header, static_cast<std::int32_t>(number));
+    if (from.size != row.size || from.data == 0) return false;
+    MoveBytes(tarn_heap_base + row.data, tarn_heap_base + from.data, static_cast<std::size_t>(row.size));
+    return true;
+}
+
+}  // namespace
+
+bool ReadQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
+                 RecordDescriptor* row) {
+    IndexMirror* const mirror = quickMirror(header, indexNumber, key, row);
+    if (mirror == nullptr) return false;
+    const IndexTree tree{&header.roots[indexNumber - 1], mirror, &header.rows};
+    return copyNumbers(header, FollowShortcut(tree, headOf(*key)), *row);
+}
+
+bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
+                     RecordDescriptor* row) {
+    IndexMirror* const mirror = quickMirror(header, indexNumber, key, row);
+    if (mirror == nullptr || mirror->walk.count == 0) return false;
+    const MirrorView tree({&header.roots[indexNumber - 1], mirror, &header.rows});
+    std::uint32_t number = 0;
+    if (!SeekOnWalk(tree, mirror->walk, {0, false, 1}, {{headOf(*key), true}, nullptr}, number)) return false;
+    prefetchRows(header, mirror->walk);
+    return copyNumbers(header, number, *row);
 }
 
 void FreeTableTrees(TableHeader& header) {
@@ -119,34 +224,56 @@ void FreeTableTrees(TableHeader& header) {
     const bool areTrue = mirrors != nullptr && mirrors->plainChanges == PlainTreeChanges;
     IndexTree trees[MaxIndexes];
     for (std::int32_t i = 0; i < MaxIndexes; ++i) {
-        const bool mirrored = areTrue && mirrors->indexes[i].entries != 0;
+        const bool mirrored = mirrors != nullptr && mirrors->indexes[i].entries != 0 &&
+                              (areTrue || mirrors->indexes[i].nodeless != 0);
         trees[i] = {&header.roots[i], mirrored ? &mirrors->indexes[i] : nullptr};
     }
     FreeTrees(trees, MaxIndexes);
     DropTableMirrors(header);
 }
 
-void DropTableMirrors(TableHeader& header) {
+bool DropTableMirrors(TableHeader& header) {
     TableMirrors* const mirrors = mirrorsOf(header);
-    auto block = static_cast<Offset>(header.typeInfo.reserved);
-    header.typeInfo.reserved = 0;
-    if (mirrors == nullptr) return;
-    dropAll(*mirrors);
+    for (std::int32_t i = 0; mirrors != nullptr && i < MaxIndexes; ++i) {
+        IndexMirror& mirror = mirrors->indexes[i];
+        if (mirror.nodeless != 0 && !MakeNodes(treeOf(header, *mirrors, i), keyShape(header, i)))
+            return false;
+        DropMirror(mirror);
+    }
+    nameBlock(header, 0);
+    if (mirrors == nullptr) return true;
+    Offset block = OffsetOf(mirrors);
     Free(block, sizeof(TableMirrors));
+    return true;
+}
+
+bool IsNodeless(const TableHeader& header, std::int32_t index) {
+    const TableMirrors* const mirrors = mirrorsOf(header);
+    return mirrors != nullptr && mirrors->indexes[index].nodeless != 0;
+}
+
+bool ShowTableTree(TableHeader& header, std::int32_t index) {
+    header.typeInfo.reserved |= static_cast<std::int32_t>(wasAskedFor);
+    if (!IsNodeless(header, index)) return true;
+    return MakeNodes(treeOf(header, *mirrorsOf(header), index), keyShape(header, index));
+}
+
+bool CopyTableTree(const TableHeader& header, std::int32_t index, RecordDescriptor& root) {
+    if (!IsNodeless(header, index)) return CopyTree(header.roots[index], root);
+    return CopyNodes(mirrorsOf(header)->indexes[index], keyShape(header, index), root);
 }
 
 bool IsMirrored(const TableHeader& header, std::int32_t index) {
     const TableMirrors* const mirrors = mirrorsOf(header);
-    return mirrors != nullptr && mirrors->plainChanges == PlainTreeChanges &&
-           mirrors->indexes[index].entries != 0;
+    return mirrors != nullptr && mirrors->indexes[index].entries != 0 &&
+           (mirrors->plainChanges == PlainTreeChanges || mirrors->indexes[index].nodeless != 0);
 }
 
 std::string CheckTableMirrors(TableHeader& header) {
     TableMirrors* const mirrors = mirrorsOf(header);
-    if (mirrors == nullptr || mirrors->plainChanges != PlainTreeChanges) return {};
-    for (std::int32_t i = 0; i < MaxIndexes; ++i) {
-        if (mirrors->indexes[i].entries == 0) continue;
-        const std::string wrong = CheckMirror({&header.roots[i], &mirrors->indexes[i]});
+    for (std::int32_t i = 0; mirrors != nullptr && i < MaxIndexes; ++i) {
+        if (!IsMirrored(header, i)) continue;
+        const std::string wrong = CheckMirror(treeOf(header, *mirrors, i));
         if (!wrong.empty()) return "table index " + std::to_string(i + 1) + ": " + wrong;
     }
     return {};

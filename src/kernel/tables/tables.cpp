@@ -6,10 +6,13 @@
 
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
+#include "kernel/tables/table_mirrors.h"
 #include "kernel/tables/tables_file_hold.h"
 #include "kernel/tables/tables_ops_internal.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/records.h"
+
+#include <cstring>
 
 namespace tarn {
 
@@ -34,6 +37,14 @@ const TableOperationsOn& operations(const TableHeader& header) {
 }
 
 // ---- finding ----
+
+bool isNext(std::string_view op) {
+    constexpr std::uint32_t next = 0x5458454E, bitsOfSmall = 0x20202020;  // the letters, the first one lowest
+    std::uint32_t word = 0;
+    if (op.size() != sizeof word) return false;
+    std::memcpy(&word, op.data(), sizeof word);
+    return (word & ~bitsOfSmall) == next;
+}
 
 bool find(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
           const RecordDescriptor* key, RecordDescriptor* row) {
@@ -94,6 +105,7 @@ void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescript
 
 void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key,
                RecordDescriptor* row) {
+    if (IsTable(t) && ReadQuickly(HeaderOf(*t), indexNumber, key, row)) return;
     KeyView view;
     bool found = false;
     bool good = AcceptTable(t);
@@ -108,6 +120,8 @@ void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordD
 
 void TableFind(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
                const RecordDescriptor* key, RecordDescriptor* row, bool& found) {
+    found = isNext(op) && IsTable(t) && ReadNextQuickly(HeaderOf(*t), indexNumber, key, row);
+    if (found) return;
     found = find(op, t, indexNumber, key, row);
     if (!found) ClearRowOutput(row);
 }
@@ -202,7 +216,8 @@ ListDescriptor* TableRows(TableDescriptor* t) {
 
 const RecordDescriptor* TableRoot(const TableDescriptor* t, std::int32_t indexNumber) {
     const bool there = IsTable(t) && indexNumber >= 1 && indexNumber <= MaxIndexes;
-    return there ? &HeaderOf(*t).roots[indexNumber - 1] : nullptr;
+    return there && ShowTableTree(HeaderOf(*t), indexNumber - 1) ? &HeaderOf(*t).roots[indexNumber - 1]
+                                                                 : nullptr;
 }
 
 RecordDescriptor* TableRoot(TableDescriptor* t, std::int32_t indexNumber) {

@@ -10,6 +10,9 @@
 //   8..12  integer  the key map of index 1 to 5: up to four row field numbers, the first in the top byte, 0
 //                   behind the last; 0 for no index
 //
+// Beside that, and no part of its value, a table in memory has mirrors of its indexes (table_mirrors.h), which the
+// reserved word of the type text's descriptor in the row header names.
+//
 // The number of a row is its position in the list of rows. It is not stable: the last row fills the place of
 // one that is deleted. Key fields have the kinds 1 to 6 or are arrays of characters (one dimension of enums
 // from 1 on). A key record holds the fields of the key alone, in key order (indexes.h).
@@ -93,7 +96,7 @@ void TableKeyFromRow(const TableDescriptor* t, std::int32_t indexNumber, const R
 // A row by its number; 603 outside 1 to count, with `row` cleared.
 void TableRow(const TableDescriptor* t, std::int32_t number, RecordDescriptor* row);
 
-// The parts of the row header; null for no table.
+// The parts of the row header; null for no table. A tree may get its nodes only when its root is asked for (802: null).
 ListDescriptor* TableRows(TableDescriptor* t);
 const ListDescriptor* TableRows(const TableDescriptor* t);
 RecordDescriptor* TableRoot(TableDescriptor* t, std::int32_t indexNumber);

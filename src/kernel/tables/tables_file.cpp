@@ -8,7 +8,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file_fill.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/owned.h"
 
@@ -199,7 +199,7 @@ bool clearRows(ListDescriptor& rows) {
 // nor made anew, which is told.
 bool FileTableClear(TableDescriptor& t) {
     TableHeader& header = HeaderOf(t);
-    if (!EndKeptRows(t)) return false;
+    if (!EndGuard(t)) return false;
     if (CanEmptyTableIndexes(t)) {
         if (!AcceptIndexPlaces(RowFileName(header.rows), IndexesOf(header)) || !clearRows(header.rows))
             return false;

@@ -12,8 +12,8 @@
 #include "kernel/lists/rowformat.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_index.h"
-#include "kernel/tables/tables_file_kept.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/owned.h"
 
@@ -48,32 +48,32 @@ std::string checkIndex(const TableHeader& header, std::int32_t index, const std:
 
 }  // namespace
 
-bool HasAllKeptRows(const TableDescriptor& t) {
-    if (!HasKeptRows(t)) return true;
+bool HasAllGuardedRows(const TableDescriptor& t) {
+    if (!HasGuardedRows(t)) return true;
     const ErrorCellAside aside;
     const TableHeader& header = HeaderOf(t);
     FileTree tree;
     RecordValue row;
     // The index may be of other rows.
-    const auto isThere = [&](const RecordDescriptor& kept) {
+    const auto isThere = [&](const RecordDescriptor& guarded) {
         KeyView key, own;
         FileTree::Ref node = 0;
-        return KeyOfRow(kept, header.keyMaps[0], key) && FindEqual(tree, key, node) && node != 0 &&
+        return KeyOfRow(guarded, header.keyMaps[0], key) && FindEqual(tree, key, node) && node != 0 &&
                HasRow(header, tree.row(node)) && ReadRow(header.rows, tree.row(node), row.get()) &&
                KeyOfRow(*row.get(), header.keyMaps[0], own) && tree.order(own, node) == 0;
     };
     return InitValue(row.get(), &RowShape(header), KindRecord) &&
            tree.open(IndexFileName(RowFileName(header.rows), 1), IndexKeyShape(header, 0),
                      os::OpenMode::Read) &&
-           EachKeptRow(t, isThere);
+           EachGuardedRow(t, isThere);
 }
 
-bool MissesKeptRows(TableDescriptor& t, std::string_view fileName) {
+bool MissesGuardedRows(TableDescriptor& t, std::string_view fileName) {
     const ErrorCellAside aside;
     ListDescriptor& rows = HeaderOf(t).rows;
     bool created = false, misses = false;
     if (os::infoOf(std::string(fileName)).exists && OpenRows(rows, fileName, {}, created)) {
-        misses = WithMemory([&] { return !HasAllKeptRows(t); });
+        misses = WithMemory([&] { return !HasAllGuardedRows(t); });
         DropRows(rows);
     }
     return misses;
@@ -89,7 +89,8 @@ std::string CheckIndexFiles(const TableDescriptor& t) {
             wrong = checkIndex(header, i, IndexFileName(file, i + 1));
             if (!wrong.empty()) wrong = "table index " + std::to_string(i + 1) + ": " + wrong;
         }
-        if (wrong.empty() && !HasAllKeptRows(t)) wrong = "table: a row that a deletion has moved is missing";
+        if (wrong.empty() && !HasAllGuardedRows(t))
+            wrong = "table: a row that a deletion has moved is missing";
         return true;
     });
     OwnErrors::forget();

@@ -22,11 +22,11 @@ std::string CheckTableFile(const TableDescriptor& t);
 // "" or what is wrong with the indexes of an open table. Sets no error.
 std::string CheckIndexFiles(const TableDescriptor& t);
 
-// Whether all rows that are kept beside an open table (tables_file_kept.h) are found by the first index. Sets
+// Whether all guarded rows of an open table (tables_file_guard.h) are found by the first index. Sets
 // no error.
-bool HasAllKeptRows(const TableDescriptor& t);
-// Whether a table that is held in a file and not open misses rows that were kept while deletions moved them
-// (tables_file_kept.h). No file is changed, and no error set; false for a file that cannot be looked at.
-bool MissesKeptRows(TableDescriptor& t, std::string_view fileName);
+bool HasAllGuardedRows(const TableDescriptor& t);
+// Whether a table that is held in a file and not open misses rows that were guarded while deletions moved them
+// (tables_file_guard.h). No file is changed, and no error set; false for a file that cannot be looked at.
+bool MissesGuardedRows(TableDescriptor& t, std::string_view fileName);
 
 }  // namespace tarn

@@ -4,7 +4,7 @@
 #include "kernel/lists/rowfile.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file_fill.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_ops_internal.h"
 
 namespace tarn {
@@ -52,7 +52,7 @@ bool replaceRows(const TableDescriptor& from, TableDescriptor& to, IndexExchange
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         if (!fillNew(to, source, i, exchange.newName(i))) return false;
     }
-    if (!EndKeptRows(to) || !exchange.setAside()) return false;
+    if (!EndGuard(to) || !exchange.setAside()) return false;
     if (beside.takePlace()) return true;
     exchange.putBack();
     return false;

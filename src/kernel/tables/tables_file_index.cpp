@@ -9,8 +9,8 @@
 #include "kernel/lists/rowformat.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_hold.h"
-#include "kernel/tables/tables_file_kept.h"
 #include "kernel/tables/tables_file_places.h"
 
 namespace tarn {
@@ -169,7 +169,7 @@ bool IndexExchange::setAside() {
         if (os::infoOf(name(i)).folder) return Refuse(FileWriteCode(os::FileError::IsFolder));
     }
     for (; aside_ < count_; ++aside_) {
-        CloseKeptIndex(name(aside_));
+        LetGoOfIndex(name(aside_));
         const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
         there_[aside_] = error == os::FileError::None;
         if (there_[aside_] || IsMissing(error)) continue;
@@ -183,7 +183,7 @@ bool IndexExchange::setAside() {
 void IndexExchange::putBack() {
     for (; aside_ > 0; --aside_) {
         const std::int32_t index = aside_ - 1;
-        CloseKeptIndex(name(index));
+        LetGoOfIndex(name(index));
         if (there_[index])
             os::files().rename(asideName(index), name(index));
         else
@@ -196,7 +196,7 @@ void IndexExchange::drop() {
 }
 
 bool IndexExchange::install(std::int32_t index) {
-    CloseKeptIndex(name(index));
+    LetGoOfIndex(name(index));
     return os::files().rename(newName(index), name(index)) == os::FileError::None;
 }
 
@@ -331,7 +331,7 @@ void ReleaseTableIndexes(const TableDescriptor& t) {
         if (IsScratchFile(rows)) return RemoveIndexFiles(RowFileName(rows)), true;
         if (!os::infoOf(std::string(RowFileName(rows))).exists) return true;
         const bool synced = SyncTableIndexes(t);
-        return EndKeptRows(t) && synced;
+        return EndGuard(t) && synced;
     });
 }
 

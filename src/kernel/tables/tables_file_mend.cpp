@@ -8,7 +8,7 @@
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_fill.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_note.h"
 #include "kernel/tables/tables_file_places.h"
 #include "kernel/tables/tables_ops_internal.h"
@@ -192,7 +192,7 @@ private:
     bool fill(std::int32_t index);
     bool findTorn(std::vector<std::int32_t>& torn);
     bool dropTorn();
-    bool restoreKept();
+    bool restoreGuarded();
     bool isLastAgain(const DuplicateKey& duplicate);
 
     TableDescriptor& table_;
@@ -203,8 +203,8 @@ private:
 
 bool IndexRebuilding::run() {
     IndexExchange exchange(table_);
-    if (!dropTorn() || !exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !restoreKept() ||
-        !SyncTableIndexes(table_) || !EndKeptRows(table_))
+    if (!dropTorn() || !exchange.setAside() || !MakeTableIndexes(table_) || !fillAll() || !restoreGuarded() ||
+        !SyncTableIndexes(table_) || !EndGuard(table_))
         return false;
     exchange.drop();
     exchange.dropNew();
@@ -241,7 +241,7 @@ bool IndexRebuilding::fill(std::int32_t index) {
     return fill.close();
 }
 
-// Where rows are kept the machine may have died: what was left of a note, and bytes that never came, can be
+// Where rows are guarded the machine may have died: what was left of a note, and bytes that never came, can be
 // as long as rows.
 bool IndexRebuilding::findTorn(std::vector<std::int32_t>& torn) {
     ListReader reader(header_.rows);
@@ -259,7 +259,7 @@ bool IndexRebuilding::findTorn(std::vector<std::int32_t>& torn) {
 bool IndexRebuilding::dropTorn() {
     ListDescriptor& rows = header_.rows;
     std::vector<std::int32_t> torn;
-    if (!HasKeptRows(table_)) return true;
+    if (!HasGuardedRows(table_)) return true;
     if (!findTorn(torn)) return false;
     for (; !torn.empty(); torn.pop_back(), ++result_.rowsTorn) {
         RecordValue row;
@@ -275,9 +275,9 @@ bool IndexRebuilding::dropTorn() {
 
 // Rows that deletions had moved, and that are nowhere now. Others are there still, by one of their keys at
 // least.
-bool IndexRebuilding::restoreKept() {
+bool IndexRebuilding::restoreGuarded() {
     table_.count = header_.rows.count;
-    return EachKeptRow(table_, [&](const RecordDescriptor& row) {
+    return EachGuardedRow(table_, [&](const RecordDescriptor& row) {
         const OwnErrors errors;
         if (FileTableAdd(table_, row)) return ++result_.rowsRestored, true;
         const std::int32_t code = OwnErrors::code();

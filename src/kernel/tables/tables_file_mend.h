@@ -34,8 +34,8 @@ struct RebuiltTable {
     MendedRows mended;
     std::int32_t rows = 0;
     std::int32_t rowDropped = 0, sameAs = 0;  // the last row, when it was an earlier one again, or 0
-    std::int32_t rowsRestored = 0;  // that a deletion had moved and that were lost (tables_file_kept.h)
-    std::int32_t rowsTorn = 0;      // dropped, as they could not be read, while rows were kept
+    std::int32_t rowsRestored = 0;  // that a deletion had moved and that were lost (tables_file_guard.h)
+    std::int32_t rowsTorn = 0;      // dropped, as they could not be read, while rows were guarded
     std::int32_t badRow = 0;        // the row that could not be read, or 0
     bool stopped = false;           // by the user (run/progress.h)
     std::vector<DuplicateKey> duplicates;  // the first of them, index after index; none was dropped
@@ -47,7 +47,7 @@ struct RebuiltTable {
 // can count: nothing is changed then. Sets no error, as the next one.
 MendedRows MendRows(ListDescriptor& l, std::string_view fileName);
 // The same for a table (762 for a type text that is not that of its rows), which then gets new indexes. A
-// last row that is an earlier one again, whole, is dropped: a deletion had moved it; rows that were kept
+// last row that is an earlier one again, whole, is dropped: a deletion had moved it; rows that were guarded
 // while deletions moved them and are missing come back, behind the others. Other rows with one key stay; the
 // indexes then lack all but the first. When it fails or is stopped the old indexes are as they were.
 // `xbaseRows`, unless below 0: so many rows an Xbase file shall have, if it is that long; what stands behind

@@ -77,7 +77,7 @@ bool ReplaceRow(ListDescriptor& l, std::int32_t position, const void* element) {
     return WithMemory([&] {
         RowChange change(l);
         std::string row;
-        if (!change.begin(RowChange::Know::Rows) || !change.keep(position) ||
+        if (!change.begin(RowChange::Know::Rows) || !change.copyBefore(position) ||
             !change.file().pack(element, row))
             return false;
         if (row.size() == 1) return change.end(change.file().write(position, row), l.count);

@@ -42,17 +42,21 @@ std::string otherTable(const std::string& indexFile, std::string_view tableFile)
     return isFile(os::infoOf(path)) ? path : std::string();
 }
 
-// An index that names another file but does not belong to it is a copy.
 bool isIndexOfOther(const std::string& path, std::string_view tableFile) {
-    const std::string other = otherTable(path, tableFile);
-    if (other.empty()) return false;
-    const std::string index = IndexFileName(other, path.back() - '0');
-    bool belongs = path == index;
-    for (const std::string_view mark : marks) belongs = belongs || path == MarkedIndexName(index, mark);
-    return belongs;
+    return !OwnerOfIndex(path, tableFile).empty();
 }
 
 }  // namespace
+
+// An index that names another file but does not belong to it is a copy.
+std::string OwnerOfIndex(const std::string& indexFile, std::string_view tableFile) {
+    std::string other = otherTable(indexFile, tableFile);
+    if (other.empty()) return {};
+    const std::string index = IndexFileName(other, indexFile.back() - '0');
+    bool belongs = indexFile == index;
+    for (const std::string_view mark : marks) belongs = belongs || indexFile == MarkedIndexName(index, mark);
+    return belongs ? other : std::string();
+}
 
 bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile) {
     return !otherTable(indexFile, tableFile).empty();
@@ -88,7 +92,7 @@ void RemoveIndexFiles(std::string_view tableFile) {
     const os::FileInfo rows = os::infoOf(std::string(tableFile));
     const auto remove = [&](const std::string& path) {
         if (isRowFile(path, tableFile, rows) || isIndexOfOther(path, tableFile)) return;
-        CloseKeptIndex(path);
+        LetGoOfIndex(path);
         os::files().remove(path);
     };
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {

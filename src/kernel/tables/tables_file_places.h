@@ -19,6 +19,9 @@ namespace tarn {
 bool AcceptIndexPlaces(std::string_view tableFile, std::int32_t indexes);
 // The first of these alone.
 bool AcceptRowPlace(std::string_view tableFile, std::int32_t indexes);
+// The path of another table file, beside this one, that an index file belongs to: it names that file, and has the name
+// of one of its indexes. "" for none.
+std::string OwnerOfIndex(const std::string& indexFile, std::string_view tableFile);
 // Whether an index file names another table file, which stands beside this one.
 bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
 

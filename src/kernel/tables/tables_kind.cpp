@@ -133,7 +133,7 @@ bool fill(TableDescriptor& made, const TableHeader& from) {
     TableHeader& header = HeaderOf(made);
     if (!CopyValue(&from.rows, &header.rows, KindList)) return false;
     for (std::int32_t i = 0; i < MaxIndexes; ++i) {
-        if (!CopyTree(from.roots[i], header.roots[i])) return false;
+        if (!CopyTableTree(from, i, header.roots[i])) return false;
     }
     made.count = header.rows.count;
     return true;
@@ -219,8 +219,7 @@ std::string checkNode(const TableHeader& header, std::int32_t index, Offset node
     return {};
 }
 
-std::string checkIndex(const TableHeader& header, std::int32_t index) {
-    const RecordDescriptor& root = header.roots[index];
+std::string checkTree(const TableHeader& header, std::int32_t index, const RecordDescriptor& root) {
     KeyView shape;
     KeyOfRow(RowShape(header), header.keyMaps[index], shape);
     if (!isLinkOf(root, shape)) return "the root is no link";
@@ -241,6 +240,16 @@ std::string checkIndex(const TableHeader& header, std::int32_t index) {
     Offset bad = 0;
     if (!MeasureHeight(tree, tree.root(), left, 0, height, bad)) return "the links are damaged";
     return bad == 0 ? "" : "a balance is not that of its subtrees";
+}
+
+// A tree without nodes is looked at as it would be shown.
+std::string checkIndex(const TableHeader& header, std::int32_t index) {
+    if (!IsNodeless(header, index)) return checkTree(header, index, header.roots[index]);
+    RecordDescriptor shown{};
+    if (!CopyTableTree(header, index, shown)) return "memory is short";
+    const std::string wrong = checkTree(header, index, shown);
+    FreeTree(shown);
+    return wrong;
 }
 
 std::string checkHeader(const TableDescriptor& t, const TableHeader& header) {

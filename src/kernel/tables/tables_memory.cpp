@@ -44,11 +44,11 @@ void freeNodes(Entry (&entries)[MaxIndexes]) {
     for (Entry& entry : entries) FreeNode(entry.node, NodeKinds(entry.key));
 }
 
-bool makeNodes(Entry (&entries)[MaxIndexes], std::int32_t row) {
-    for (Entry& entry : entries) {
-        if (entry.key.count == 0) continue;
-        entry.node = MakeNode(entry.key, row);
-        if (entry.node != 0) continue;
+bool makeNodes(const TableTrees& trees, Entry (&entries)[MaxIndexes], std::int32_t row) {
+    for (std::int32_t i = 0; i < MaxIndexes && entries[i].key.count != 0; ++i) {
+        if (trees.at(i).isNodeless()) continue;
+        entries[i].node = MakeNode(entries[i].key, row);
+        if (entries[i].node != 0) continue;
         freeNodes(entries);
         return false;
     }
@@ -62,7 +62,7 @@ bool findEntry(const TableHeader& header, const IndexTree& tree, std::int32_t in
     const bool known = KeyOfRow(RowAt(header, number), header.keyMaps[index], entry.key);
     if (!known) return Refuse(ERR_INDEX_TYPE);
     if (!FindKey(tree, entry.key, entry.path)) return false;
-    entry.path.found = entry.path.found && NodeRow(FoundNode(tree, entry.path)) == number;
+    entry.path.found = entry.path.found && FoundRow(tree, entry.path) == number;
     return true;
 }
 
@@ -80,17 +80,22 @@ void removeEntry(const IndexTree& tree, Entry& entry) {
     FreeNode(node, kinds);
 }
 
-// Links a node by its own key, under a new number. Fails, for a damaged tree, when the key has no place: the
-// row then has no entry.
-void linkAnew(TableTrees& trees, std::int32_t index, Offset node, const FieldKinds& kinds) {
-    Entry entry;
-    trees.makeWayFor(index, NodeRow(node));
+// Links a node, if the tree has some, by its key, under a new number. Fails, for a damaged tree, when the key has no
+// place: the row then has no entry.
+void linkAnew(TableTrees& trees, std::int32_t index, Offset node, const KeyView& key, std::int32_t number) {
+    IndexPath path;
+    trees.makeWayFor(index, number);  // cannot fail: readyToLink has been asked
     const IndexTree tree = trees.at(index);
-    entry.key = KeyOfNode(NodeKey(node), kinds);
-    const bool placed = FindKey(tree, entry.key, entry.path) && !entry.path.found;
-    if (placed) return LinkNode(tree, entry.path, entry.key, node);
-    FreeNode(node, kinds);
+    const bool placed = FindKey(tree, key, path) && !path.found;
+    if (placed) return LinkNode(tree, path, key, node, number);
+    FreeNode(node, NodeKinds(key));
     SetError(ERR_INDEX_TYPE);
+}
+
+// Before the first change of an operation that unlinks what `unlinked` has found and then links under `number`: whether
+// that will find the number free, or can make it so without memory.
+bool readyToLink(TableTrees& trees, std::int32_t index, std::int32_t number, const Entry& unlinked) {
+    return unlinked.path.found || trees.makeWayFor(index, number);
 }
 
 // Gives row `number` a new number: its node leaves the tree and comes again.
@@ -99,11 +104,10 @@ void renumber(const TableHeader& header, TableTrees& trees, std::int32_t index, 
     Entry entry;
     const IndexTree tree = trees.at(index);
     if (!findEntryToUnlink(header, tree, index, number, entry) || !entry.path.found) return;
-    const FieldKinds kinds = tree.root->kinds;
     const Offset node = FoundNode(tree, entry.path);
     UnlinkNode(tree, entry.path, entry.key);
-    SetNodeRow(node, newNumber);
-    linkAnew(trees, index, node, kinds);
+    if (node != 0) SetNodeRow(node, newNumber);
+    linkAnew(trees, index, node, entry.key, newNumber);
 }
 
 // ---- finding ----
@@ -166,14 +170,15 @@ void freeChanges(Change (&changes)[MaxIndexes]) {
 }
 
 // All that an update needs: nodes for the keys that change, and the row.
-bool prepareChanges(const TableHeader& header, const TableTrees& trees, std::int32_t number,
+bool prepareChanges(const TableHeader& header, TableTrees& trees, std::int32_t number,
                     const RecordDescriptor& row, Change (&changes)[MaxIndexes], RecordDescriptor& made) {
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         if (!prepareChange(header, trees.at(i), i, number, row, changes[i])) return false;
+        if (changes[i].differs && !readyToLink(trees, i, number, changes[i].before)) return false;
     }
     bool good = true;
     for (std::int32_t i = 0; i < IndexesOf(header) && good; ++i) {
-        if (!changes[i].differs) continue;
+        if (!changes[i].differs || trees.at(i).isNodeless()) continue;
         changes[i].after.node = MakeNode(changes[i].after.key, number);
         good = changes[i].after.node != 0;
     }
@@ -182,10 +187,9 @@ bool prepareChanges(const TableHeader& header, const TableTrees& trees, std::int
     return good;
 }
 
-void applyChange(TableTrees& trees, std::int32_t index, Change& change) {
-    const FieldKinds kinds = NodeKinds(change.after.key);
+void applyChange(TableTrees& trees, std::int32_t index, std::int32_t number, Change& change) {
     removeEntry(trees.at(index), change.before);
-    linkAnew(trees, index, change.after.node, kinds);
+    linkAnew(trees, index, change.after.node, change.after.key, number);
 }
 
 // ---- rebuilding ----
@@ -198,9 +202,9 @@ bool fillIndex(TableHeader& header, const IndexTree& tree, std::int32_t index) {
             return Refuse(ERR_COMPONENT_TYPE);
         if (!FindKey(tree, entry.key, entry.path)) return false;
         if (entry.path.found) return Refuse(ERR_UNIQUE_INDEX);
-        entry.node = MakeNode(entry.key, number);
-        if (entry.node == 0) return false;
-        LinkNode(tree, entry.path, entry.key, entry.node);
+        if (!tree.isNodeless()) entry.node = MakeNode(entry.key, number);
+        if (entry.node == 0 && !tree.isNodeless()) return false;
+        LinkNode(tree, entry.path, entry.key, entry.node, number);
     }
     return true;
 }
@@ -224,14 +228,17 @@ bool MemoryTableAdd(TableDescriptor& t, const RecordDescriptor& row) {
     const std::int32_t count = header.rows.count;
     if (IsFixedList(header.rows) && count >= header.rows.maxlength) return Refuse(ERR_FIXED_LIST);
     TableTrees trees(header, count + 1);
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) trees.makeWayFor(i, count + 1);
+    if (!trees.good()) return false;
+    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
+        if (!trees.makeWayFor(i, count + 1)) return false;
+    }
     Entry entries[MaxIndexes];
-    if (!findPlaces(header, trees, row, entries) || !makeNodes(entries, count + 1)) return false;
+    if (!findPlaces(header, trees, row, entries) || !makeNodes(trees, entries, count + 1)) return false;
     RecordDescriptor made{};
     if (!makeRow(header, row, made) || !AppendElement(header.rows, reinterpret_cast<char*>(&made)))
         return freeNodes(entries), false;
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        LinkNode(trees.at(i), entries[i].path, entries[i].key, entries[i].node);
+        LinkNode(trees.at(i), entries[i].path, entries[i].key, entries[i].node, count + 1);
     }
     t.count = header.rows.count;
     return true;
@@ -247,7 +254,7 @@ bool MemoryTableUpdate(TableDescriptor& t, std::int32_t indexNumber, const KeyVi
     RecordDescriptor made{};
     if (!prepareChanges(header, trees, number, row, changes, made)) return false;
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        if (changes[i].differs) applyChange(trees, i, changes[i]);
+        if (changes[i].differs) applyChange(trees, i, number, changes[i]);
     }
     std::swap(RowAt(header, number), made);
     FreeValue(&made, KindRecord);
@@ -264,6 +271,7 @@ bool MemoryTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyVi
     for (std::int32_t i = 0; i < indexes; ++i) {
         if (!findEntryToUnlink(header, trees.at(i), i, number, entries[i])) return false;
         if (number != last && !findEntry(header, trees.at(i), i, last, moved)) return false;
+        if (number != last && !readyToLink(trees, i, number, entries[i])) return false;
     }
     for (std::int32_t i = 0; i < indexes; ++i) {
         removeEntry(trees.at(i), entries[i]);

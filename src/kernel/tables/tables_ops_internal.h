@@ -5,7 +5,7 @@
 // false when they failed; the error is then set.
 //
 // Of the two kinds of files of a table the rows are those that count: indexes can be made again. An operation
-// looks into all indexes first and keeps their changes in memory, then writes the rows, then the indexes, so
+// looks into all indexes first and leaves their changes in memory, then writes the rows, then the indexes, so
 // that a death in between leaves rows that are whole. Deleting cuts off the last row as its very last step.
 #pragma once
 

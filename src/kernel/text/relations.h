@@ -4,8 +4,6 @@
 // the first two letters does not count. Operators are read here and nowhere else.
 #pragma once
 
-#include "os/text/ascii.h"
-
 #include <cstdint>
 #include <string_view>
 
@@ -22,7 +20,8 @@ enum Relation : std::uint8_t {
 
 constexpr std::uint8_t RelationOf(std::string_view op) {
     constexpr auto key = [](char first, char second) {
-        const auto upper = [](char c) { return static_cast<unsigned char>(ascii::upper(c)); };
+        // All that is a letter of an operator once its bit of small letters is gone is that letter.
+        const auto upper = [](char c) { return static_cast<unsigned char>(c) & 0xDFU; };
         return upper(first) * 256 + upper(second);
     };
     if (op.size() < 2) return RelationNone;

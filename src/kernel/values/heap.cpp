@@ -18,6 +18,7 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
+#include "kernel/values/heap_quick.h"
 #include "os/tinylimits.h"
 
 #include <algorithm>
@@ -26,13 +27,6 @@
 #include <cstring>
 #include <sys/mman.h>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define TARN_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TARN_ASAN 1
-#endif
-#endif
 #ifdef TARN_ASAN
 #include <sanitizer/asan_interface.h>
 #endif
@@ -42,6 +36,8 @@ char* tarn_heap_base = nullptr;
 }
 
 namespace tarn {
+
+bool HeapIsPlain = true;
 
 namespace {
 
@@ -59,7 +55,7 @@ constexpr std::int32_t headBytes = 20, tailBytes = 4;
 static_assert(headBytes + tailBytes == GuardBytes);
 
 // Classes: every 16 bytes up to 256, then four for each doubling.
-constexpr int smallClasses = 16, smallStep = 16, smallLimit = 256;
+constexpr int smallClasses = 16, smallStep = HeapStep, smallLimit = LastHeapStep;
 constexpr int classCount = smallClasses + 14 * 4;
 
 constexpr int classOf(std::int32_t bytes) {
@@ -78,6 +74,9 @@ static_assert(classOf(1) == 0 && classOf(16) == 0 && classOf(17) == 1 && classOf
 static_assert(classBytes(16) == 320 && classOf(320) == 16 && classOf(321) == 17);
 static_assert(classOf(MaxBlock + GuardBytes) < classCount &&
               classBytes(classCount - 1) >= MaxBlock + GuardBytes);
+
+static_assert(InOneHeapClass(1, 16) && !InOneHeapClass(16, 17) && !InOneHeapClass(256, 257));
+static_assert(InOneHeapClass(257, 320) && !InOneHeapClass(320, 321) && !InOneHeapClass(512, 513));
 
 struct Heap {
     std::uint64_t reserved = 0;   // bytes of the range
@@ -187,7 +186,22 @@ Offset takeRaw(std::int32_t bytes) {
     return block;
 }
 
+// At most 64 bytes, from the start of a block: whole steps of it, without a call.
+[[maybe_unused]] void wipeShort(char* bytes, std::int32_t count) {
+    constexpr std::size_t one = smallStep, two = 2 * one;
+    if (count <= smallStep) {
+        std::memset(bytes, 0, one);
+        return;
+    }
+    const int steps = (count + smallStep - 1) / smallStep;
+    std::memset(bytes, 0, two);
+    std::memset(bytes + (steps - 2) * smallStep, 0, two);
+}
+
 void wipe(char* bytes, std::int32_t count) {
+#if !defined(TARNWICK_TINY) && !defined(TARN_ASAN)
+    if (count <= 4 * smallStep) return wipeShort(bytes, count);
+#endif
 #ifdef TARNWICK_TINY
     std::memset(bytes, 0xDD, static_cast<std::size_t>(count));  // so that a use after the free shows
 #else
@@ -207,10 +221,28 @@ void wipe(char* bytes, std::int32_t count) {
 #endif
 }
 
+// Whether a block of class `index` is the last one of the used range. Small ones do not ask for that.
+bool isLast(Offset block, int index) {
+    return block + static_cast<std::uint64_t>(classBytes(index)) == heap.top;
+}
+
 void giveRaw(Offset block, std::int32_t bytes) {
     const int index = classOf(bytes);
     wipe(tarn_heap_base + block, bytes);
-    pushFree(block, index);
+    if (index < smallClasses || !isLast(block, index)) return pushFree(block, index);
+    allow(block, index, 0);
+    heap.top = block;
+}
+
+// Lets the last block of the range grow where it is, from one class to another, when no free block waits for
+// its content: a list that nothing is allocated behind is not copied while it grows.
+bool growLast(Offset block, int index, int larger) {
+    if (heap.free[larger] != 0 || !isLast(block, index)) return false;
+    const std::uint64_t end = block + static_cast<std::uint64_t>(classBytes(larger));
+    if (end > heap.reserved || (end > heap.committed && !commit(end, classBytes(larger) < releaseFrom)))
+        return false;
+    heap.top = end;
+    return true;
 }
 
 // ---- guarded blocks ----
@@ -384,15 +416,41 @@ Offset OffsetOf(const void* address) {
     return static_cast<Offset>(byte - tarn_heap_base);
 }
 
+namespace {
+
+// The short ways of most requests: a small block out of the free ones, and back. False: not one of them.
+bool allocateQuickly(Offset& block, std::int32_t size) {
+    const auto last = static_cast<std::uint32_t>(size) - 1;
+    if (last >= smallLimit || !HeapIsPlain) return false;
+    const int index = static_cast<int>(last) / smallStep;
+    if (heap.free[index] == 0) return false;
+    block = popFree(index);
+    allow(block, index, size);
+    ++heap.live;
+    return true;
+}
+
+bool freeQuickly(Offset& block, std::int32_t size) {
+    const auto last = static_cast<std::uint32_t>(size) - 1;
+    if (last >= smallLimit || heap.checking || plausible(block, size) != ERR_NONE) return false;
+    --heap.live;
+    wipe(tarn_heap_base + block, size);
+    pushFree(block, static_cast<int>(last) / smallStep);
+    block = 0;
+    return true;
+}
+
+}  // namespace
+
 void Allocate(Offset& block, std::int32_t size) {
     block = 0;
-    if (!sizeAllowed(size)) return;
+    if (allocateQuickly(block, size) || !sizeAllowed(size)) return;
     if (!refused()) block = obtain(size);
     if (block == 0) SetError(ERR_OUT_OF_MEMORY);
 }
 
 void Free(Offset& block, std::int32_t size) {
-    if (block == 0 && !heap.checking) return;
+    if (freeQuickly(block, size) || (block == 0 && !heap.checking)) return;
     const std::int32_t error = heap.checking ? examine(block, size) : plausible(block, size);
     if (error != ERR_NONE) [[unlikely]] {
         SetError(error);
@@ -415,7 +473,9 @@ bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
     }
     const bool denied = newSize > oldSize && refused();
     const int extra = heap.checking ? GuardBytes : 0;
-    if (!denied && classOf(oldSize + extra) == classOf(newSize + extra)) {
+    const int oldClass = classOf(oldSize + extra), newClass = classOf(newSize + extra);
+    if (!denied && (oldClass == newClass ||
+                    (oldClass < newClass && !heap.checking && growLast(block, oldClass, newClass)))) {
         resizeInPlace(block, newSize);
         return true;
     }
@@ -443,6 +503,7 @@ bool ResizeInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize) {
 
 void SetMemoryChecking(bool on) {
     if (heap.live == 0) heap.checking = on;
+    HeapIsPlain = !heap.checking && heap.failAfter < 0;
 }
 
 bool MemoryChecking() {
@@ -472,6 +533,7 @@ std::int64_t LiveBlocks() {
 
 void FailAllocation(std::int64_t n) {
     heap.failAfter = n < 0 ? -1 : n;
+    HeapIsPlain = !heap.checking && heap.failAfter < 0;
 }
 
 }  // namespace tarn

@@ -2,6 +2,7 @@
 //
 // What is assigned may lie inside the destination, so bytes are moved, not copied, and a destination is freed
 // only after its new block is complete.
+#include "kernel/values/heap_quick.h"
 #include "kernel/values/string_access_internal.h"
 
 #include <climits>
@@ -23,7 +24,7 @@ void put(char* block, std::int32_t index, const Text& text, std::int32_t count) 
     if (count <= 0) return;
     char* into = block + bytesOf(index);
     if (text.width == CharacterWidth) {
-        if (into != text.bytes) std::memmove(into, text.bytes, bytesOf(count));
+        MoveBytes(into, text.bytes, bytesOf(count));
         return;
     }
     for (std::int32_t i = 0; i < count; ++i) storeCharacter(into + bytesOf(i), characterAt(text, i));
@@ -201,8 +202,8 @@ void StringInit(StringDescriptor* s, std::int32_t maxlength) {
 
 void StringFree(StringDescriptor* s) {
     // One that could not get its block may have any capacity; with a block, what is no string is a set.
-    const bool known = s != nullptr && (s->tag == TagString || s->tag == 0);
-    if (!known || (s->size != 0 && KindOf(s) != KindString)) {
+    const bool known = s != nullptr && (s->tag == TagString || (s->tag == 0 && s->size == 0));
+    if (!known || (s->size != 0 && s->maxlength != UNBOUNDED && s->maxlength < 1)) {
         SetError(ERR_STRING_TYPE);
         return;
     }

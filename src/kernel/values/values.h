@@ -11,7 +11,7 @@
 //        8    4  data
 //       12    4  maxlength (record and union: the first field kinds)
 //
-//   string (24)  16 length in characters, 20 reserved
+//   string (24)  16 length in characters, 20 reserved: in a table the place of its mirrors (tables.h)
 //   list (24)    16 count, 20 prototype
 //   table (24)   16 count, 20 reserved; data is the row header (tables.h)
 //   record,      12 field kinds: 48 nibbles, the first field in the high nibble of the first byte, 0 behind

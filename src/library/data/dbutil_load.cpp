@@ -4,11 +4,13 @@
 #include "library/data/dbutil_windows.h"
 
 #include "kernel/data/typeinfo/typeinfo.h"
+#include "kernel/data/xml/xml_order.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/tables/tables.h"
 #include "library/data/dbutil_grid.h"
+#include "library/data/dbutil_remarks_internal.h"
 #include "library/system/longwork.h"
 #include "library/system/system.h"
 
@@ -89,6 +91,13 @@ void readRows(const std::string& filename, const DataOptions& options, DataForma
     }
 }
 
+void lookForRemarks(const std::string& filename, DataFormat format, DataTable& data) {
+    const int rows = TableCount(data.table.get());
+    if (format == FormatXbase && rows == MostRows) return;  // there are more
+    LongWork work("Looking through '" + FILEGETFNAME(filename) + "'");
+    for (const std::string& remark : detail::remarksOnFile(filename, format, rows)) addRemark(data, remark);
+}
+
 // Rows of XML whose fields do not stand in the places of the columns would be shown under wrong names; those
 // that only end early are shown.
 void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable& data) {
@@ -107,10 +116,13 @@ void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable
     }
 }
 
-// The columns; a message in `data` if there are none.
+// The columns; a message in `data` if there are none. Of delimited text the rows tell them that can be shown: a large
+// file need not be read to its end.
 DataFileInfo findColumns(const std::string& filename, const DataOptions* options, DataTable& data) {
     LongWork work("Finding the columns of '" + FILEGETFNAME(filename) + "'");
-    DataFileInfo info = GetDataFileInfo(filename, options);
+    DataOptions shown = options != nullptr ? *options : DataOptions();
+    if (shown.maxdatarows < 0) shown.maxdatarows = MostRows;
+    DataFileInfo info = GetDataFileInfo(filename, options != nullptr ? &shown : nullptr);
     data.step = DataTable::Step::Done;
     if (info.stopped || work.stopped()) {
         data.step = DataTable::Step::Stopped;
@@ -146,6 +158,7 @@ DataTable LOADDATATABLE(const std::string& filename, const DataOptions* options,
         addRemark(data, "Only the first " + STR(data.columns) + " of " + STR(info.columnsSeen) +
                             " columns are shown.");
     readRows(filename, shown, format, info.xmlRows.form, data);
+    if (data.step == DataTable::Step::Done) lookForRemarks(filename, format, data);
     return data;
 }
 

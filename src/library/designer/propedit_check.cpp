@@ -136,10 +136,13 @@ int countOfNumbers(const Options& options) {
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, most));
 }
 
+// What has no blank between is one word, such as "1-2" and a number with its sign behind another.
 bool isListOfNumbers(const Options& options, std::string_view value) {
     std::size_t at = 1;
-    for (int left = countOfNumbers(options); left > 0; --left)
-        if (!ISDIGITSTR(NextWord(value, at))) return false;
+    for (int left = countOfNumbers(options); left > 0; --left) {
+        if (!detail::decimalOf(NextWord(value, at))) return false;
+        if (at <= value.size() && !ISSPACE(value[at - 1])) return false;
+    }
     return STRTRIM(value.substr(std::min(at - 1, value.size()))).empty();
 }
 

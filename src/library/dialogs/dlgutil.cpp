@@ -4,6 +4,7 @@
 #include "kernel/windows/resources.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
+#include "os/text/ascii.h"
 
 MODULE("dlgutil")
 
@@ -59,6 +60,40 @@ void SETENABLEDRANGE(const Object& window, const Object& first, const Object& la
 std::string PLAINCAPTION(std::string_view text) {
     FRAME(PLAINCAPTION);
     return STRREPLACE(std::string(text), "&", "&&");
+}
+
+namespace {
+
+// Whether the "&" at `at` marks what follows: a letter, which may be one of several bytes, or a digit.
+bool isMark(std::string_view caption, std::size_t at) {
+    if (at + 1 >= caption.size()) return false;
+    const char next = caption[at + 1];
+    return ascii::isLetter(next) || ascii::isDigit(next) || static_cast<unsigned char>(next) >= 0x80;
+}
+
+// The place behind an "&" that is none: two of them are one letter.
+std::size_t behindLetter(std::string_view caption, std::size_t at) {
+    return at + (caption.substr(at, 2) == "&&" ? 2 : 1);
+}
+
+}  // namespace
+
+std::string SHOWNCAPTION(std::string_view caption) {
+    FRAME(SHOWNCAPTION);
+    std::string shown;
+    for (std::size_t at = 0; at < caption.size();) {
+        if (caption[at] != '&' || !isMark(caption, at)) shown += caption[at];
+        at = caption[at] != '&' || isMark(caption, at) ? at + 1 : behindLetter(caption, at);
+    }
+    return shown;
+}
+
+int FINDMNEMONIC(std::string_view caption) {
+    FRAME(FINDMNEMONIC);
+    for (std::size_t at = caption.find('&'); at != std::string_view::npos;
+         at = caption.find('&', behindLetter(caption, at)))
+        if (isMark(caption, at)) return static_cast<int>(at) + 1;
+    return 0;
 }
 
 void AUTOPOSITION(const Object& control, int x, int y, int w, int h) {

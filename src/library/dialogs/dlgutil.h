@@ -33,6 +33,11 @@ void SETENABLEDRANGE(const Object& window, const Object& first, const Object& la
 
 // A text as the caption of a label: a single "&" there marks a mnemonic.
 std::string PLAINCAPTION(std::string_view text);
+// What is shown of a caption: "&" before a letter or a digit marks that and is not seen, "&&" is a "&", and any other "&"
+// stands for itself.
+std::string SHOWNCAPTION(std::string_view caption);
+// The 1-based place of the first "&" that marks a mnemonic; 0 if there is none.
+int FINDMNEMONIC(std::string_view caption);
 
 // ---- places of controls, in pixels of their window ----
 

@@ -2,6 +2,8 @@
 #include "library/dialogs/versioninfo.h"
 
 #include "kernel/windows/resources.h"
+#include "library/dialogs/versioninfo_internal.h"
+#include "library/settings/profstr.h"
 #include "library/system/product.h"
 #include "library/system/system.h"
 #include "os/text/ascii.h"
@@ -11,33 +13,50 @@
 MODULE("dlgutil")
 
 namespace tarn {
-namespace {
+namespace detail {
 
-constexpr std::string_view NullMark = "\\0";
-
-struct Key {
-    std::string_view name;
-    std::string VersionFields::*field;
-};
-constexpr Key keys[] = {
-    {"Comments", &VersionFields::comments},        {"CompanyName", &VersionFields::company},
-    {"LegalCopyright", &VersionFields::copyright}, {"LegalTrademarks", &VersionFields::trademarks},
-    {"ProductName", &VersionFields::product},      {"FileDescription", &VersionFields::description},
-};
-
-// ---- reading ----
-
-std::string plain(const std::string& token) {
+std::string versionText(const std::string& token) {
     return REMOVETRAILINGNULL(STRREPLACE(STRREMOVEQUOTES(token), "\"\"", "\""));
 }
+
+std::string quotedVersionText(const std::string& text, bool null) {
+    std::string value = STRREPLACE(text, "\"", "\"\"");
+    for (char& c : value)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return "\"" + value + std::string(null ? NullMark : "") + "\"";
+}
+
+std::string versionNumbers(const std::string& version, std::string_view separator) {
+    std::string rest = version, text;
+    for (int i = 0; i < 4; ++i) {
+        const StringPair parts = STRSPLIT(rest);
+        text += (i > 0 ? std::string(separator) : "") + (parts.left.empty() ? "0" : parts.left);
+        rest = parts.right;
+    }
+    return text;
+}
+
+std::string versionValueLine(std::string_view key, const std::string& text) {
+    return "            VALUE \"" + std::string(key) + "\", " + quotedVersionText(text, true) + "\n";
+}
+
+}  // namespace detail
+
+namespace {
+
+using detail::versionNumbers;
+using detail::versionValueLine;
+
+// ---- reading ----
 
 void takeValue(std::string_view line, VersionFields& fields) {
     std::array<std::string, 4> tokens;
     std::size_t position = 1;
     for (std::string& token : tokens) token = NextWord(line, position);
     if (!STREQUAL(tokens[0], "VALUE")) return;
-    for (const Key& key : keys)
-        if (STREQUAL(tokens[1], STRADDQUOTES(std::string(key.name)))) fields.*key.field = plain(tokens[3]);
+    for (const detail::VersionKey& key : detail::versionKeys)
+        if (STREQUAL(tokens[1], STRADDQUOTES(std::string(key.name))))
+            fields.*key.field = detail::versionText(tokens[3]);
 }
 
 void takeVersion(std::string_view line, VersionFields& fields) {
@@ -49,27 +68,17 @@ void takeVersion(std::string_view line, VersionFields& fields) {
     fields.version = STRLTRIM(numbers);
 }
 
+// The head of a block may hold the first of its numbers.
+std::string_view behindHead(std::string_view line) {
+    if (!STREQUAL(STRTOKEN(line, 2), "VERSIONINFO")) return line;
+    const int at = STRFIND("FILEVERSION", line);
+    return at > 0 ? line.substr(static_cast<std::size_t>(at) - 1) : "";
+}
+
 // ---- writing ----
 
-std::string numbersWith(const std::string& version, std::string_view separator) {
-    std::string rest = version, text;
-    for (int i = 0; i < 4; ++i) {
-        const StringPair parts = STRSPLIT(rest);
-        text += (i > 0 ? std::string(separator) : "") + (parts.left.empty() ? "0" : parts.left);
-        rest = parts.right;
-    }
-    return text;
-}
-
-std::string valueLine(std::string_view key, const std::string& text) {
-    std::string value = STRREPLACE(text, "\"", "\"\"");
-    for (char& c : value)
-        if (static_cast<unsigned char>(c) < ' ') c = ' ';
-    return "            VALUE \"" + std::string(key) + "\", \"" + value + std::string(NullMark) + "\"\n";
-}
-
 std::string blockOf(const std::string& name, const std::string& version, const std::string& values) {
-    const std::string numbers = numbersWith(version, ",");
+    const std::string numbers = versionNumbers(version, ",");
     return name + " VERSIONINFO\n    FILEVERSION " + numbers + "\n    PRODUCTVERSION " + numbers +
            "\n    FILEFLAGSMASK 0x3f\n    FILEFLAGS 0x0\n    FILEOS 0x10004\n    FILETYPE 0x1\n"
            "    FILESUBTYPE 0x0\nBEGIN\n    BLOCK \"StringFileInfo\"\n    BEGIN\n        BLOCK \"080904b0\"\n"
@@ -83,7 +92,8 @@ std::string blockOf(const std::string& name, const std::string& version, const s
 
 std::string REMOVETRAILINGNULL(std::string_view text) {
     FRAME(REMOVETRAILINGNULL);
-    return std::string(text.ends_with(NullMark) ? text.substr(0, text.size() - NullMark.size()) : text);
+    return std::string(
+        text.ends_with(detail::NullMark) ? text.substr(0, text.size() - detail::NullMark.size()) : text);
 }
 
 VersionFields VERSIONINFOTOFIELDS(std::string_view text) {
@@ -91,7 +101,7 @@ VersionFields VERSIONINFOTOFIELDS(std::string_view text) {
     STAMP();
     VersionFields fields;
     while (!text.empty()) {
-        const std::string line = STRTRIM(ascii::takeLine(text));
+        const std::string line = STRTRIM(behindHead(ascii::takeLine(text)));
         if (STREQUAL(STRLEFT(line, 11), "FILEVERSION"))
             takeVersion(line, fields);
         else
@@ -104,14 +114,31 @@ std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fi
                                 const std::string& fileStem) {
     FRAME(FIELDSTOVERSIONINFO);
     STAMP();
-    const std::string version = numbersWith(fields.version, ".");
-    return blockOf(name, fields.version,
-                   valueLine("Comments", fields.comments) + valueLine("CompanyName", fields.company) +
-                       valueLine("FileDescription", fields.description) + valueLine("FileVersion", version) +
-                       valueLine("InternalName", fileStem) + valueLine("LegalCopyright", fields.copyright) +
-                       valueLine("LegalTrademarks", fields.trademarks) +
-                       valueLine("OriginalFilename", fileStem) + valueLine("ProductName", fields.product) +
-                       valueLine("ProductVersion", version));
+    const std::string version = versionNumbers(fields.version, ".");
+    return blockOf(
+        name, fields.version,
+        versionValueLine("Comments", fields.comments) + versionValueLine("CompanyName", fields.company) +
+            versionValueLine("FileDescription", fields.description) +
+            versionValueLine("FileVersion", version) + versionValueLine("InternalName", fileStem) +
+            versionValueLine("LegalCopyright", fields.copyright) +
+            versionValueLine("LegalTrademarks", fields.trademarks) +
+            versionValueLine("OriginalFilename", fileStem) + versionValueLine("ProductName", fields.product) +
+            versionValueLine("ProductVersion", version));
+}
+
+namespace {
+
+std::string createdBy() {
+    return "Created by " + std::string(ProductWord) + " ";
+}
+
+}  // namespace
+
+bool ISDEFAULTDESCRIPTION(std::string_view description) {
+    FRAME(ISDEFAULTDESCRIPTION);
+    const std::string start = createdBy();
+    return description.starts_with(start) &&
+           description.find_first_not_of("0123456789.", start.size()) == std::string_view::npos;
 }
 
 std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
@@ -119,14 +146,15 @@ std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
     STAMP();
     const std::string number = std::string(ProductVersion);
     const std::string numbers = STRREPLACE(number, ".", " ") + " " + std::string(ProductBuild) + " 0";
-    const std::string version = numbersWith(numbers, ".");
-    return blockOf(std::string(DefaultVersionName), numbers,
-                   valueLine("CompanyName", "") +
-                       valueLine("FileDescription", "Created by " + std::string(ProductWord) + " " + number) +
-                       valueLine("FileVersion", version) + valueLine("InternalName", fileStem) +
-                       valueLine("OriginalFilename", fileStem) +
-                       valueLine("ProductName", fileStem + " Application") +
-                       valueLine("ProductVersion", version));
+    const std::string version = versionNumbers(numbers, ".");
+    return blockOf(
+        std::string(DefaultVersionName), numbers,
+        versionValueLine("CompanyName", "") +
+            versionValueLine("FileDescription", createdBy() + number) +
+            versionValueLine("FileVersion", version) + versionValueLine("InternalName", fileStem) +
+            versionValueLine("OriginalFilename", fileStem) +
+            versionValueLine("ProductName", fileStem + " Application") +
+            versionValueLine("ProductVersion", version));
 }
 
 // ---- files ----
@@ -183,9 +211,13 @@ bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const
                  "The Program Properties cannot be updated because there is no main file.\n"
                  "Open a file in the program window then try again."))
         return false;
-    const std::string text = FIELDSTOVERSIONINFO(name, fields, FILEBASENAME(mainFile));
+    const std::string file = resourcesOf(mainFile), stem = FILEBASENAME(mainFile);
+    const ResourceText old = ResourceInfo(file, "VERSIONINFO", name);
     STAMP();
-    const std::string error = ResourceWriteText(resourcesOf(mainFile), text);
+    const std::string text = old.text.empty() ? FIELDSTOVERSIONINFO(name, fields, stem)
+                                              : CHANGEVERSIONINFO(old.text, name, fields, stem);
+    STAMP();
+    const std::string error = old.error.empty() ? ResourceWriteText(file, text) : old.error;
     STAMP();
     if (!error.empty())
         tell(title, "Cannot save the Program Properties. The following error occurred:\n" + error);

@@ -7,8 +7,9 @@
 //         ...
 //                 VALUE "CompanyName", "Ann & Co.\0"
 //
-// A quote in a text stands there twice. Control characters, which no text of a resource can hold, become blanks. Cost:
-// linear in the text; loading and saving read and write the resource file.
+// Its name may be a number, and other tools write it with languages, flags and comments of their own. A quote in a text
+// stands there twice. Control characters, which no text of a resource can hold, become blanks. Cost: linear in the text;
+// loading and saving read and write the resource file.
 #pragma once
 
 #include <string>
@@ -31,7 +32,13 @@ VersionFields VERSIONINFOTOFIELDS(std::string_view text);
 std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fields,
                                 const std::string& fileStem);
 std::string GETDEFAULTVERSIONINFO(const std::string& fileStem);  // the block of a new program
-std::string REMOVETRAILINGNULL(std::string_view text);           // without the two characters `\0` at the end
+// The block with these fields. One that holds more than a block of this program's keeps it, and all that the fields do not
+// change: a text of several languages changes where it is the one that was read.
+std::string CHANGEVERSIONINFO(const std::string& block, const std::string& name, const VersionFields& fields,
+                              const std::string& fileStem);
+// Whether a description is that of a new program, made by any version of this system.
+bool ISDEFAULTDESCRIPTION(std::string_view description);
+std::string REMOVETRAILINGNULL(std::string_view text);  // without the two characters `\0` at the end
 
 struct LoadedVersion {
     VersionFields fields;
@@ -41,7 +48,7 @@ struct LoadedVersion {
 // The block of the resource file beside the main file; no name stands for no block. `title` is that of the messages.
 LoadedVersion LOADVERSIONINFO(const std::string& mainFile, const std::string& name,
                               const std::string& title = ProgramPropertiesTitle);
-// False, and told, if it could not be written; the file is as it was then.
+// Into the block of that name, or a new one. False, and told, if it could not be written; the file is as it was then.
 bool SAVEVERSIONINFO(const std::string& mainFile, const std::string& name, const VersionFields& fields,
                      const std::string& title = ProgramPropertiesTitle);
 

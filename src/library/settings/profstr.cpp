@@ -7,12 +7,13 @@
 
 #include "kernel/run/errors.h"
 #include "kernel/run/fileerrors.h"
-#include "os/text/initext.h"
+#include "kernel/windows/useracts.h"
 #include "library/settings/profstr_file_internal.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
 #include "os/text/ascii.h"
+#include "os/text/initext.h"
 
 #include <algorithm>
 #include <map>
@@ -68,26 +69,37 @@ std::map<std::string, ProfileOrigin>& origins() {
     return all;
 }
 
-// The failures of one kind that the user knows: the code by the file's name.
-using Told = std::map<std::string, std::int32_t>;
+// The failures of one kind that the user knows, by the file's name.
+struct Knowledge {
+    std::int32_t code = 0;
+    std::uint64_t acts = 0;  // what the user had done by then
+};
+using Told = std::map<std::string, Knowledge>;
 Told toldReads, toldWrites;
 
+enum class Lost { Nothing, Change };
+
+bool isKnown(const Told& told, const std::string& file, std::int32_t code, Lost lost) {
+    const auto known = told.find(file);
+    if (known == told.end() || known->second.code != code) return false;
+    return lost == Lost::Nothing || known->second.acts == userActs();
+}
+
 // Ends a read or a write: behind a failure, what a stamp on its line would do.
-void settle(Told& told, const std::string& file, std::int32_t code, const std::string& advice) {
+void settle(Told& told, const std::string& file, std::int32_t code, const std::string& advice, Lost lost) {
     if (code == 0) {
         if (!told.empty()) told.erase(file);
         return;
     }
     if (ErrorCell() != 0) return;
-    const auto known = told.find(file);
-    failure = {advice, known != told.end() && known->second == code};
+    failure = {advice, isKnown(told, file, code, lost)};
     SetError(code);
     Stamp(0, ReportErrors, settingsError);
     const bool blocked = ErrorCell() == code;  // another report goes on: this one is lost, and may come later
     if (blocked)
         ContinueAfterError();
-    else
-        told[file] = code;
+    else if (!failure.told)
+        told[file] = {code, userActs()};  // what was pressed in the box is no act of its own
 }
 
 std::string readAdvice(const std::string& file) {
@@ -118,7 +130,9 @@ void settingsError(std::int32_t code) {
     ContinueAfterError();
 }
 
-std::string_view readProfile(const std::string& file, bool& readable) {
+namespace {
+
+std::string_view read(const std::string& file, bool& readable, Lost lost) {
     // The room is kept from call to call, so that a read allocates nothing; a huge one is given back. Nothing
     // is asked about the file ahead of the read: the calls to the system are most of what a read costs.
     static std::vector<char> room;
@@ -127,21 +141,31 @@ std::string_view readProfile(const std::string& file, bool& readable) {
     const os::FileError error = file.empty() ? os::FileError::NotFound : readWhole(file, room, size);
     readable = error == os::FileError::None || IsMissing(error);
     if (readable)
-        settle(toldReads, file, 0, {});
+        settle(toldReads, file, 0, {}, lost);
     else
-        settle(toldReads, file, FileReadCode(error), readAdvice(file));
+        settle(toldReads, file, FileReadCode(error), readAdvice(file), lost);
     return {room.data(), error == os::FileError::None ? size : 0};
+}
+
+}  // namespace
+
+std::string_view readProfile(const std::string& file, bool& readable) {
+    return read(file, readable, Lost::Nothing);
 }
 
 bool writeProfile(const std::string& file, std::string_view text) {
     const os::SaveResult result = os::saveFile(file, text, os::Durability::Unsynced);
     settle(toldWrites, file, FileWriteCode(result.error),
-           result.ok() ? std::string() : writeAdvice(file, result));
+           result.ok() ? std::string() : writeAdvice(file, result), Lost::Change);
     return result.ok();
 }
 
+std::string textOf(const std::string& file, bool& readable) {
+    return std::string(read(file, readable, Lost::Change));
+}
+
 std::string textToChange(const std::string& file, bool& readable) {
-    std::string text(readProfile(file, readable));
+    std::string text = textOf(file, readable);
     if (!text.empty() || !readable) return text;
     const auto origin = origins().find(file);
     return origin != origins().end() ? origin->second() : text;
@@ -201,12 +225,13 @@ void PROFILESTRPUT(const std::string& file, std::string_view section, std::strin
     STAMP();
     std::string text = detail::textToChange(file, readable);
     if (!readable) return;
+    const std::string before = text;
     if (key.empty())
         ini::putList(text, section, value);
     else
         ini::put(text, section, key, value);
     STAMP();
-    detail::writeProfile(file, text);
+    if (text != before) detail::writeProfile(file, text);
 }
 
 void PROFILESTRDEL(const std::string& file, std::string_view section, std::string_view key) {
@@ -214,7 +239,7 @@ void PROFILESTRDEL(const std::string& file, std::string_view section, std::strin
     if (file.empty() || section.empty()) return;
     bool readable = false;
     STAMP();
-    std::string text(detail::readProfile(file, readable));
+    std::string text = detail::textOf(file, readable);
     if (!readable || !ini::remove(text, section, key)) return;
     STAMP();
     detail::writeProfile(file, text);

@@ -7,9 +7,9 @@
 // again: one that holds "=" or another character than 33 to 126, or begins with another character than a letter, a digit or "_". A
 // failed write leaves the old file whole.
 //
-// A file that cannot be read or written is told in a box (651 to 654, 657), and the program goes on:
-// LastError has the code then. It is told once for a file and a code until the same file could be read, or
-// written, again.
+// A file that cannot be read or written is told in a box (651 to 654, 657), once for a file and a code until that works again,
+// a change that is lost once for each thing that the user does; the program goes on, and LastError has the code then. A write
+// that would change nothing is none.
 //
 // Cost: one pass over the file per call.
 #pragma once

@@ -10,7 +10,7 @@
 
 #include <algorithm>
 #include <limits>
-#include <set>
+#include <map>
 
 MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
@@ -96,6 +96,20 @@ std::string GETEXTNFILELIST(const std::string& files, std::string_view extension
     return found;
 }
 
+std::string SAMENAMEDFILES(const std::string& files) {
+    FRAME(SAMENAMEDFILES);
+    std::map<std::string, std::vector<std::string>> byName;
+    for (const std::string& path : pathsOf(files)) {
+        std::vector<std::string>& paths = byName[FILEGETFNAME(path)];
+        if (std::find(paths.begin(), paths.end(), path) == paths.end()) paths.push_back(path);
+    }
+    std::string same;
+    for (const auto& [name, paths] : byName)
+        if (paths.size() > 1)
+            for (const std::string& path : paths) same += path + "\n";
+    return same;
+}
+
 bool ISNAMEINLIST(const std::string& text, const std::string& name, std::int64_t size) {
     FRAME(ISNAMEINLIST);
     // -rw-r--r--  3.0 unx     1234 tx defX 26-Nov-22 16:33 the name
@@ -157,14 +171,16 @@ std::string FILECOPYLIST(const std::string& files, const std::string& folder, Co
     FRAME(FILECOPYLIST);
     const std::vector<std::string> paths = pathsOf(files);
     std::string failed;
-    std::set<std::string> names;  // a second file of a name would take the place of the first
+    std::map<std::string, std::string>
+        copied;  // by the name: a second file would take the place of the first
     bool goesOn = true;
     std::int64_t done = 0;
     for (const std::string& path : paths) {
         STAMP();
         goesOn = goesOn && (go == nullptr || go(context, done++, static_cast<std::int64_t>(paths.size())));
-        const bool fresh = names.insert(FILEGETFNAME(path)).second;
-        if (goesOn && fresh && COPYANYFILE(path, FILEADDSEPARATOR(folder) + FILEGETFNAME(path))) continue;
+        const std::string name = FILEGETFNAME(path);
+        const bool mayBe = copied.emplace(name, path).first->second == path;
+        if (goesOn && mayBe && COPYANYFILE(path, FILEADDSEPARATOR(folder) + name)) continue;
         ClearError();
         failed += path + "\n";
     }

@@ -5,15 +5,14 @@
 // not do is in their result.
 #pragma once
 
+#include "library/ship/packagesize.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tarn {
-
-inline constexpr std::int64_t MaxPackageSize =
-    600'000'000;  // bytes of all files of a folder, zip file or installer
 
 struct CopyFile {
     std::string Name;  // the full path
@@ -39,6 +38,8 @@ std::string STRSORT(std::string_view text);   // the lines in the order of their
 std::string STRPLURAL(int count);             // "s", nothing for 1
 std::string GETEXTNFILELIST(const std::string& files,
                             std::string_view extension);  // any case; paths, one a line
+// The paths of the files that have a name in common with another file, one a line, those of one name together.
+std::string SAMENAMEDFILES(const std::string& files);
 // Whether a short listing of a zip file has a line with that size and that name, extension included.
 bool ISNAMEINLIST(const std::string& text, const std::string& name, std::int64_t size);
 
@@ -54,7 +55,7 @@ std::string FILELISTLINES(const std::string& files);
 
 // Whether to go on, asked ahead of each file.
 using CopyProgress = bool (*)(void* context, std::int64_t done, std::int64_t total);
-// Copies the files into the folder; of several of one name only the first. The result are those that were not copied, one
+// Copies the files into the folder; of several of one name only the first, and one that is listed twice once. The result are those that were not copied, one
 // a line; when the work was stopped, all that had not been copied by then.
 std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go = nullptr,
                          void* context = nullptr);

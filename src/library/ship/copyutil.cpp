@@ -50,54 +50,12 @@ bool reported(void* longWork, std::int64_t done, std::int64_t total) {
     return static_cast<LongWork*>(longWork)->go(done, total);
 }
 
-std::string toolPath(std::string_view name) {
-    return os::executableFolder() + std::string(name);
-}
-
-std::string outsideTool(std::string_view name) {
-    const std::string beside = FINDTOOL(toolPath(name));
-    if (!beside.empty()) return beside;
-    const std::string path = STRREPLACE(os::environment("PATH"), ":", ";");
-    const std::string found = FILEFINDPATHNAME(path, name);
-    return found.empty() ? FILEFINDPATHNAME(path, FILEBASENAME(name)) : found;
-}
-
-ExecResult runTool(std::string_view name, const std::vector<std::string>& arguments,
-                   const std::string& output, const std::string& folder) {
-    constexpr int Waiting = 0;  // the mode that waits, without a window
-    const ExecResult run = EXEC(outsideTool(name), arguments, Waiting, folder, {{}, output});
-    ClearError();
-    return run;
-}
-
 bool takePlace(const std::string& made, const std::string& file) {
     os::Handle handle = -1;
     if (os::files().open(made, os::OpenMode::ReadWrite, 0, handle) != os::FileError::None) return false;
     const bool synced = os::files().sync(handle) == os::FileError::None;
     return os::files().close(handle) == os::FileError::None && synced &&
            os::files().rename(made, file) == os::FileError::None;
-}
-
-namespace {
-
-void removeTree(const std::string& folder) {
-    std::vector<std::string> names;
-    os::files().list(folder, names);
-    for (const std::string& name : names) {
-        const std::string path = os::joined(folder, name);
-        if (os::files().remove(path) != os::FileError::None) removeTree(path);
-    }
-    os::files().removeFolder(folder);
-}
-
-}  // namespace
-
-ScratchFolder::ScratchFolder(const std::string& file)
-    : path_(os::native(FILETEMPNAME(FILEGETDIR(file), "." + FILEBASENAME(file) + "-", ".work"))) {
-    path_ = os::files().makeFolder(path_) == os::FileError::None ? path_ + "/" : std::string();
-}
-ScratchFolder::~ScratchFolder() {
-    if (!path_.empty()) removeTree(path_.substr(0, path_.size() - 1));
 }
 
 bool hasTool(const Object& owner, std::string_view name, const std::string& word,
@@ -120,7 +78,30 @@ CopyList checked(const Object& owner, const std::string& files, const std::strin
              "Cannot copy files.\n" + reason + "\n(" + limit + " is " + std::to_string(MaxPackageSize) +
                  " bytes)",
              BoxIcon::Error);
+    if (!namesDiffer(owner, list.paths(1))) list = {-1, {}};
     return list;
+}
+
+bool namesDiffer(const Object& owner, const std::string& files) {
+    const std::string same = SAMENAMEDFILES(files);
+    if (!same.empty())
+        tell(owner,
+             "Cannot copy files.\nSome of the files have the same name, and would take each other's "
+             "place:\n\n" +
+                 indented(same),
+             BoxIcon::Error);
+    return same.empty();
+}
+
+bool isApart(const Object& owner, const CopyList& list, const std::string& made) {
+    const os::FileInfo there = os::infoOf(os::native(made));
+    const bool among =
+        there.exists && std::any_of(list.files.begin(), list.files.end(), [&](const CopyFile& file) {
+            const os::FileInfo one = os::infoOf(os::native(file.Name));
+            return one.exists && one.device == there.device && one.inode == there.inode;
+        });
+    if (among) tell(owner, "Cannot copy files.\n'" + made + "' is one of them.", BoxIcon::Error);
+    return !among;
 }
 
 }  // namespace ship
@@ -212,6 +193,8 @@ bool COPYTOFLOPPY(const Object& owner, const std::string& files, const FloppyDri
              BoxIcon::Error);
         return false;
     }
+    for (int disk = 1; disk <= list.disks(); ++disk)
+        if (!namesDiffer(owner, list.paths(disk))) return false;
     return FloppyCopy(owner, list, drive).run();
 }
 
@@ -227,6 +210,24 @@ std::string namesInBoth(const CopyList& list, const std::string& folder) {
         if (FileSize(FILEADDSEPARATOR(folder) + name) >= 0) names += name + "\n";
     }
     return STRSORT(names);
+}
+
+// Whether nothing is written elsewhere by a link in the folder that has the name of a file. One that leads to a file of the
+// folder itself is written through.
+bool staysInside(const Object& owner, const CopyList& list, const std::string& folder) {
+    std::string inside, names, there;
+    if (os::files().resolve(os::native(folder), inside) != os::FileError::None) return true;
+    for (const CopyFile& file : list.files) {
+        const std::string name = FILEGETFNAME(file.Name);
+        const os::FileError error = os::files().resolve(os::joined(inside, name), there);
+        if (error == os::FileError::None && os::folderOf(there) != inside) names += name + "\n";
+    }
+    if (!names.empty())
+        tell(owner,
+             "Cannot copy files.\nThe folder '" + folder +
+                 "' has links of these names, which lead out of it:\n\n" + indented(names),
+             BoxIcon::Error);
+    return names.empty();
 }
 
 bool mayOverwrite(const Object& owner, const std::string& names, const std::string& folder) {
@@ -245,7 +246,9 @@ bool COPYTOFOLDER(const Object& owner, const std::string& files, const std::stri
     const WaitLabel wait(owner, "Please wait, copying files to a folder...");
     const CopyList list = checked(owner, files, DoNotFit, "the disk size");
     STAMP();
-    if (!list.canBeCopied() || !mayOverwrite(owner, namesInBoth(list, folder), folder)) return false;
+    if (!list.canBeCopied() || !staysInside(owner, list, folder) ||
+        !mayOverwrite(owner, namesInBoth(list, folder), folder))
+        return false;
     std::string failed;
     {
         LongWork work("Please wait, copying files to a folder...");

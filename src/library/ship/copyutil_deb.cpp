@@ -9,6 +9,7 @@
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/paths.h"
+#include "os/programfile.h"
 
 #include <algorithm>
 #include <array>
@@ -108,12 +109,9 @@ private:
         return false;
     }
     bool runs(std::string_view name, const std::vector<std::string>& arguments) {
-        const std::string output = scratch_.path() + "tool.txt";
-        const ExecResult run = runTool(name, arguments, output, tree_);
+        ToolRun run = runTool(name, arguments, scratch_.path() + "tool.txt", tree_);
         stopped_ = stopped_ || run.stopped;
-        output_.clear();
-        if (FileSize(output) > 0) LOADFILE(output, output_);
-        ClearError();
+        output_ = std::move(run.output);
         return (run.started && run.code == 0) || fails("The program '" + std::string(name) + "' failed.\n" +
                                                        STRRTRIMCRLF(LIMITLINES(output_, MostListed)));
     }
@@ -174,7 +172,7 @@ private:
     bool cleanProgram() {
         const std::string path = tree_ + own() + program_.exe;
         std::string bytes;
-        if (!LOADFILE(path, bytes) || !bytes.starts_with("\177ELF")) return true;
+        if (!LOADFILE(path, bytes) || os::programFileOf(bytes) != os::ProgramFile::Elf) return true;
         if (!runs("objdump", {"-p", own() + program_.exe})) return false;
         std::string runpath;
         for (int i = 1; i <= STRLINES(output_) && runpath.empty(); ++i) {
@@ -270,7 +268,7 @@ bool COPYTODEB(const Object& owner, const DebFields& fields, const std::string& 
     if (!list.canBeCopied()) return false;
     const std::string chosen = chosenFile(owner, file);
     STAMP();
-    if (chosen.empty()) return false;
+    if (chosen.empty() || !isApart(owner, list, chosen)) return false;
     const WaitLabel wait(owner, WaitText);
     std::string problem, depends;
     bool ok = false;

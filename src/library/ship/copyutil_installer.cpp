@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::string_view InstallerProgram = "iscc.exe";
 constexpr const char* WaitText = "Please wait, creating the installer...";
-constexpr int Waiting = 0;  // the mode that waits, without a window
 
 const Object ScriptDlg("ScriptDlg");
 
@@ -40,29 +39,28 @@ Seen seen(const std::string& file) {
 
 struct Made {
     bool ok = false, stopped = false;
-    std::string messages;  // of the compiler
+    std::string messages;  // of the compiler, or why it was not run
 };
 
 // The compiler's exit code says nothing here: what counts is whether a file has come.
 Made compile(const std::string& script, const std::string& installer) {
     const LongWork work(WaitText);
     const Seen before = seen(installer);
-    const std::string output = FILETEMPNAME(FILEGETDIR(installer), ".iscc-", ".txt");
-    const std::string folder =
-        STRLEFT(FILEGETDIR(installer), static_cast<int>(FILEGETDIR(installer).size()) - 1);
-    Made made;
-    const ExecResult run =
-        EXEC(outsideTool(InstallerProgram),
-             QUOTEARGUMENT(script) + " /O" + QUOTEARGUMENT(folder.empty() ? "/" : folder) + " /F" +
-                 QUOTEARGUMENT(FILEBASENAME(installer)) + " > " + QUOTEARGUMENT(output),
-             Waiting);
-    ClearError();
-    made.stopped = run.stopped;
-    if (FileSize(output) > 0) LOADFILE(output, made.messages);
-    static_cast<void>(FILEDELETELIST(output));
-    ClearError();
-    made.ok = FileSize(installer) > 0 && seen(installer) != before;
-    return made;
+    const std::string beside = FILEGETDIR(installer);
+    const std::string folder = STRLEFT(beside, static_cast<int>(beside.size()) - 1);
+    const ScratchFile output(beside, ".iscc-", ".txt");
+    const ToolRun run = runTool(
+        InstallerProgram, {script, "/O" + (folder.empty() ? "/" : folder), "/F" + FILEBASENAME(installer)},
+        output.path());
+    return {FileSize(installer) > 0 && seen(installer) != before, run.stopped, run.output};
+}
+
+// The script, on the disk; why it is not, else.
+std::string saved(const std::string& script, const std::string& text) {
+    const os::SaveResult result = os::saveFile(os::native(script), text);
+    return result.ok() ? std::string()
+                       : "The script '" + script +
+                             "' could not be written: " + std::string(os::describe(result.error));
 }
 
 void tellMade(const Object& owner, const Made& made, const std::string& installer, const std::string& text) {
@@ -126,9 +124,9 @@ bool COPYTOINSTALLER(const Object& owner, const std::string& company, const std:
                                              files, exe, iconOf(iconFile, files));
     const std::string stem = FILEGETDIR(exe) + FILEBASENAME(exe) + "-install";
     STAMP();
-    if (!SAVEFILE(stem + ".iss", text)) return false;
-    STAMP();
-    const Made made = compile(stem + ".iss", stem + std::string(EXT_EXE));
+    const std::string unsaved = saved(stem + ".iss", text);
+    const Made made =
+        unsaved.empty() ? compile(stem + ".iss", stem + std::string(EXT_EXE)) : Made{false, false, unsaved};
     STAMP();
     if (made.stopped) return false;
     tellMade(owner, made, stem + std::string(EXT_EXE), text);

@@ -6,8 +6,8 @@
 #include "library/ship/copyutil_internal.h"
 #include "os/files.h"
 
-#include <set>
 #include <string>
+#include <vector>
 
 MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
@@ -20,7 +20,6 @@ namespace {
 constexpr std::string_view ZipProgram = "zip.exe", UnzipProgram = "unzip.exe";
 constexpr const char* Listing = "unzip.err";  // in the current folder
 constexpr const char* WaitText = "Please wait, zipping files...";
-constexpr int Waiting = 0;  // the mode that waits, without a window
 
 bool hasTools(const Object& owner) {
     return hasTool(owner, ZipProgram, "zip", "compress the files.") &&
@@ -37,36 +36,27 @@ std::string chosenFile(const Object& owner, const std::string& proposed) {
 // A call for each file; false if the user has stopped it. A call that fails is seen by the listing.
 bool zip(const CopyList& list, const std::string& zipFile) {
     LongWork work(WaitText);
-    const std::string program = outsideTool(ZipProgram);
     std::int64_t done = 0;
     for (const CopyFile& file : list.files) {
         if (!work.go(done++, static_cast<std::int64_t>(list.files.size()))) return false;
-        const ExecResult run =
-            EXEC(program, QUOTEARGUMENT(zipFile) + " -j -9 " + QUOTEARGUMENT(file.Name), Waiting);
-        ClearError();
-        if (run.stopped) return false;
+        if (runTool(ZipProgram, {zipFile, "-j", "-9", file.Name}).stopped) return false;
     }
     return true;
 }
 
-// A short listing of what the zip file holds.
+// A short listing of what the zip file holds; it stands beside that where the current folder cannot take it.
 std::string listed(const std::string& zipFile) {
-    std::string text;
-    FILEDELETE(Listing);
-    ClearError();
-    EXEC(outsideTool(UnzipProgram), "-Z -s --t --h " + QUOTEARGUMENT(zipFile) + " > " + Listing, Waiting);
-    if (FileSize(Listing) > 0) LOADFILE(Listing, text);
-    ClearError();
-    return text;
+    const std::vector<std::string> arguments = {"-Z", "-s", "--t", "--h", zipFile};
+    const ToolRun run = runTool(UnzipProgram, arguments, Listing);
+    if (run.started) return run.output;
+    const ScratchFile listing(FILEGETDIR(zipFile), ".unzip-", ".err");
+    return runTool(UnzipProgram, arguments, listing.path()).output;
 }
 
 std::string notIn(const std::string& listing, const CopyList& list) {
     std::string missing;
-    std::set<std::string> names;  // a zip file has no folders, and so no second file of a name
-    for (const CopyFile& file : list.files) {
-        const std::string name = FILEGETFNAME(file.Name);
-        if (!names.insert(name).second || !ISNAMEINLIST(listing, name, file.Size)) missing += file.Name + "\n";
-    }
+    for (const CopyFile& file : list.files)
+        if (!ISNAMEINLIST(listing, FILEGETFNAME(file.Name), file.Size)) missing += file.Name + "\n";
     return missing;
 }
 
@@ -78,25 +68,11 @@ void tellMissing(const Object& owner, const std::string& missing, const std::str
          BoxIcon::Error);
 }
 
-// The name under which the zip file is made; nothing is left there when this is gone.
-class Scratch {
-public:
-    explicit Scratch(const std::string& zipFile)
-        : file_(os::native(FILETEMPNAME(FILEGETDIR(zipFile), "." + FILEBASENAME(zipFile) + "-", EXT_ZIP))) {}
-    ~Scratch() { static_cast<void>(FILEDELETELIST(file_)); }
-    Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
-    [[nodiscard]] const std::string& file() const { return file_; }
-
-private:
-    std::string file_;
-};
-
 bool makeZip(const Object& owner, const CopyList& list, const std::string& zipFile) {
-    const Scratch scratch(zipFile);
-    if (!zip(list, scratch.file())) return false;
-    std::string missing = notIn(listed(scratch.file()), list);
-    if (missing.empty() && !takePlace(scratch.file(), os::native(zipFile))) missing = list.paths(1);
+    const ScratchFile scratch(FILEGETDIR(zipFile), "." + FILEBASENAME(zipFile) + "-", EXT_ZIP);
+    if (!zip(list, scratch.path())) return false;
+    std::string missing = notIn(listed(scratch.path()), list);
+    if (missing.empty() && !takePlace(scratch.path(), os::native(zipFile))) missing = list.paths(1);
     if (!missing.empty()) {
         tellMissing(owner, missing, zipFile);
         return false;
@@ -120,7 +96,7 @@ bool COPYTOZIP(const Object& owner, const std::string& files, const std::string&
     if (!list.canBeCopied()) return false;
     const std::string file = chosenFile(owner, zipFile);
     STAMP();
-    if (file.empty()) return false;
+    if (file.empty() || !isApart(owner, list, file)) return false;
     const WaitLabel wait(owner, WaitText);
     return makeZip(owner, list, file);
 }

@@ -3,9 +3,10 @@
 
 #include "library/settings/profstr.h"
 #include "library/ship/copylist.h"
-#include "library/ship/copyutil_internal.h"
+#include "library/ship/outsidetools.h"
 #include "library/system/system.h"
 #include "os/files.h"
+#include "os/programfile.h"
 
 #include <algorithm>
 
@@ -123,7 +124,8 @@ public:
             const std::string path = COPYPATH(STRLINE(files + "\n", i));
             if (path.empty()) continue;
             own_.push_back(FILEGETFNAME(path));
-            if (isLinked(path)) linked_.push_back(os::native(path));
+            const std::string file = os::native(path);
+            if (os::programFileAt(file) == os::ProgramFile::Elf) linked_.push_back(file);
         }
     }
 
@@ -138,26 +140,11 @@ public:
     }
 
 private:
-    static bool isLinked(const std::string& path) {
-        constexpr std::string_view Elf("\177ELF");
-        char bytes[Elf.size()];
-        std::size_t got = 0;
-        os::Handle handle = -1;
-        if (os::files().open(os::native(path), os::OpenMode::Read, 0, handle) != os::FileError::None)
-            return false;
-        os::files().read(handle, 0, bytes, sizeof bytes, got);
-        os::files().close(handle);
-        return std::string_view(bytes, got) == Elf;
-    }
-
     // What a tool writes; that it fails counts by what is missing in it.
     std::string outputOf(const char* tool, NameList arguments) {
-        const ExecResult run = runTool(tool, arguments, output_);
+        const ToolRun run = runTool(tool, arguments, output_);
         found_.stopped = found_.stopped || run.stopped;
-        std::string text;
-        if (FileSize(output_) > 0) LOADFILE(output_, text);
-        ClearError();
-        return text;
+        return run.output;
     }
 
     void findNeeded() {

@@ -2,7 +2,7 @@
 #include "library/ship/ownlibraries.h"
 
 #include "library/ship/copylist.h"
-#include "library/ship/copyutil_internal.h"
+#include "library/ship/outsidetools.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
@@ -16,7 +16,6 @@ using namespace ship;
 namespace {
 
 constexpr const char* StripProgram = "strip";
-constexpr int Waiting = 0;  // the mode that waits, without a window
 
 // Made of that file as it is now: it has its time.
 bool isOf(const std::string& copy, const os::FileInfo& source) {
@@ -25,22 +24,19 @@ bool isOf(const std::string& copy, const os::FileInfo& source) {
 }
 
 // The smaller copy; the file itself where there is none.
-std::string smallCopy(const std::string& file, const std::string& strip) {
+std::string smallCopy(const std::string& file) {
     const os::FileInfo source = os::infoOf(os::native(file));
     const std::string folder = os::stateFolder() + "libraries/", copy = folder + FILEGETFNAME(file);
     if (!source.exists || source.folder || source.size == 0) return file;
     if (isOf(copy, source)) return copy;
     if (os::makeFolders(folder) != os::FileError::None) return file;
-    const std::string made = os::native(FILETEMPNAME(folder, ".strip-", ".tmp"));
-    const ExecResult run =
-        EXEC(strip, std::vector<std::string>{"--strip-unneeded", "-o", made, os::native(file)}, Waiting, {},
-             {{}, "/dev/null"});
-    ClearError();
-    const std::int64_t size = FileSize(made);
-    const bool good = run.started && !run.stopped && run.code == 0 && size > 0 && size < source.size &&
-                      os::files().setModified(made, source.modified) == os::FileError::None &&
-                      os::files().rename(made, copy) == os::FileError::None;
-    if (!good) static_cast<void>(FILEDELETELIST(made));
+    const ScratchFile made(folder, ".strip-", ".tmp");
+    const ToolRun run =
+        runTool(StripProgram, {"--strip-unneeded", "-o", made.path(), os::native(file)}, "/dev/null");
+    const std::int64_t size = FileSize(made.path());
+    const bool good = run.ok() && size > 0 && size < source.size &&
+                      os::files().setModified(made.path(), source.modified) == os::FileError::None &&
+                      os::files().rename(made.path(), copy) == os::FileError::None;
     return good ? copy : file;
 }
 
@@ -54,14 +50,14 @@ bool ISOWNLIBRARY(const std::string& file) {
 
 std::string WITHSMALLLIBRARIES(const std::string& files) {
     FRAME(WITHSMALLLIBRARIES);
-    const std::string strip = outsideTool(StripProgram), lines = files + "\n";
-    if (strip.empty()) return files;
+    const std::string lines = files + "\n";
+    if (outsideTool(StripProgram).empty()) return files;
     std::string result;
     for (int i = 1; i <= STRLINES(lines); ++i) {
         STAMP();
         const std::string line = STRLINE(lines, i), path = COPYPATH(line);
         if (path.empty()) continue;
-        result += (ISOWNLIBRARY(path) ? smallCopy(path, strip) + line.substr(path.size()) : line) + "\n";
+        result += (ISOWNLIBRARY(path) ? smallCopy(path) + line.substr(path.size()) : line) + "\n";
     }
     return result;
 }

@@ -12,6 +12,7 @@
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/process.h"
+#include "os/programfile.h"
 #include "os/text/ascii.h"
 
 #include <algorithm>
@@ -77,19 +78,6 @@ bool holdsNul(const std::vector<std::string>& texts) {
                        [](const std::string& text) { return text.find('\0') != std::string::npos; });
 }
 
-// Whether the file begins as programs and scripts do.
-bool looksLikeProgram(const std::string& path) {
-    constexpr std::string_view Elf("\177ELF"), Script("#!");
-    os::Handle file = -1;
-    if (os::files().open(path, os::OpenMode::Read, 0, file) != os::FileError::None) return false;
-    char bytes[Elf.size()];
-    std::size_t got = 0;
-    os::files().read(file, 0, bytes, sizeof bytes, got);
-    os::files().close(file);
-    const std::string_view start(bytes, got);
-    return start.starts_with(Elf) || start.starts_with(Script);
-}
-
 // False for what no file can be named, wherever it is looked for.
 bool isProgramName(const std::string& program) {
     return !program.empty() && program.size() < PATH_MAX && program.find('\0') == std::string::npos;
@@ -100,7 +88,7 @@ std::int32_t errorCode(os::StartError error, const std::string& program) {
     case os::StartError::None: return 0;
     case os::StartError::NotFound: return ERR_EXEC_NOT_FOUND;
     case os::StartError::NotExecutable:
-        return looksLikeProgram(program) ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
+        return os::programFileAt(program) != os::ProgramFile::None ? ERR_EXEC_PERMISSIONS : ERR_EXEC_FORMAT;
     case os::StartError::BadFormat: return ERR_EXEC_FORMAT;
     case os::StartError::NoMemory: return ERR_EXEC_MEMORY;
     case os::StartError::WontRun: return ERR_EXEC_WONT_RUN;

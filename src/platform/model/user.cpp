@@ -5,6 +5,7 @@
 #include "platform/model/debugger/debugwindow.h"
 #include "platform/model/drawscale.h"
 #include "platform/model/state.h"
+#include "platform/model/useracts.h"
 #include "platform/operations/focus.h"
 
 #include <algorithm>
@@ -12,6 +13,8 @@
 namespace tarn::platform {
 
 namespace {
+
+std::uint64_t acts = 0;
 
 // Whether the user could have done something to the control.
 bool reachable(const Control& control) {
@@ -48,7 +51,15 @@ bool takesReturn(const Window& window, const Control* focus) {
 
 }  // namespace
 
+void noteUserAct() {
+    ++acts;
+}
+std::uint64_t userActs() {
+    return acts;
+}
+
 void userCommand(Control& control) {
+    noteUserAct();
     if (reachable(control)) send(control, COMMAND_EVENT);
 }
 
@@ -60,6 +71,7 @@ void userChange(Control& control) {
 }
 
 void userValue(Control& control, int value) {
+    noteUserAct();
     if (!reachable(control)) return;
     if (control.type == Type::Scrollbar) {
         control.value = std::clamp(value, control.minimum, std::max(control.minimum, control.maximum));
@@ -74,16 +86,19 @@ void userValue(Control& control, int value) {
 }
 
 void userRow(Control& control, int row) {
+    noteUserAct();
     if (!reachable(control) || !hasRows(control.type)) return;
     setRow(control, row);
     send(control, CHANGE_EVENT);
 }
 
 bool userMouseDown(Control& control, int x, int y) {
+    noteUserAct();
     return reachable(control) && send(control, MOUSEDOWN_EVENT, place(control, x, y));
 }
 
 void userDoubleClick(Control& control, int x, int y) {
+    noteUserAct();
     if (reachable(control)) send(control, DBLCLICK_EVENT, place(control, x, y));
 }
 
@@ -92,6 +107,7 @@ void userDrag(Point pressed, Point released) {
 }
 
 bool userKey(Window& window, Control* focus, int key) {
+    noteUserAct();
     if (!isAlive(window) || !takesInput(window)) return false;
     if (focus != nullptr && !isAlive(*focus)) focus = nullptr;
     if (focus != nullptr) userFocus(*focus);
@@ -111,6 +127,7 @@ bool userKey(Window& window, Control* focus, int key) {
 }
 
 void userClose(Window& window) {
+    noteUserAct();
     if (isAlive(window) && takesInput(window)) static_cast<void>(Unload(window.object));
 }
 

@@ -10,9 +10,11 @@
 #include "platform/qt/windows/frame.h"
 #include "platform/qt/windows/menus.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMenuBar>
+#include <QShortcutEvent>
 
 namespace tarn::platform::qt {
 
@@ -47,6 +49,16 @@ Frame* mainFrame() {
     return nullptr;
 }
 
+// The letter of a button presses it at once, so that what is typed fast behind it finds it done, and a second press within
+// the time in which the toolkit would show the first is one of its own.
+bool pressByLetter(QWidget& widget, const QShortcutEvent& letter) {
+    auto* const button = qobject_cast<QAbstractButton*>(&widget);
+    if (button == nullptr || letter.isAmbiguous() || !button->isEnabled()) return false;
+    if (button->isCheckable() && (button->focusPolicy() & Qt::ClickFocus) != 0) button->setFocus();
+    button->click();
+    return true;
+}
+
 bool isKeyField(const Control* control) {
     return control != nullptr && control->type == Type::Edit && (control->flags & KEYFIELD) != 0;
 }
@@ -79,6 +91,7 @@ bool QtView::eventFilter(QObject* receiver, QEvent* event) {
         return true;
     }
     if (hearMouse(*widget, *event) || hearWheel(*widget, *event)) return true;
+    if (type == QEvent::Shortcut) return pressByLetter(*widget, *static_cast<QShortcutEvent*>(event));
     // The focus follows a click in the window system's own time, which may be after the command of a button;
     // the command has to know where its user was.
     if (type == QEvent::MouseButtonPress && over != nullptr) enter(*frameOfWidget(widget));

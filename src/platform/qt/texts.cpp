@@ -57,13 +57,33 @@ int textOffset(std::string_view bytes, int offset) {
     return static_cast<int>(QString::fromUtf8(head.data(), sizeOf(head)).size());
 }
 
-QString withoutMnemonic(const QString& caption) {
-    QString plain;
+namespace {
+
+// The caption with `mark` for each "&" that marks what follows, and `letter` for each that is shown.
+QString withMarks(const QString& caption, QStringView mark, QStringView letter) {
+    QString text;
     for (qsizetype i = 0; i < caption.size(); ++i) {
-        if (caption[i] == u'&' && i + 1 < caption.size()) ++i;
-        plain += caption[i];
+        const QChar next = i + 1 < caption.size() ? caption[i + 1] : QChar();
+        if (caption[i] != u'&') {
+            text += caption[i];
+        } else if (next.isLetterOrNumber()) {
+            text += mark;
+        } else {
+            text += letter;
+            if (next == u'&') ++i;
+        }
     }
-    return plain;
+    return text;
+}
+
+}  // namespace
+
+QString withoutMnemonic(const QString& caption) {
+    return withMarks(caption, u"", u"&");
+}
+
+QString marked(const QString& caption) {
+    return withMarks(caption, u"&", u"&&");
 }
 
 }  // namespace tarn::platform::qt

@@ -27,6 +27,9 @@ std::string bytesOf(const QString& text, std::string_view before = {});
 int byteOffset(const QString& text, int position, std::string_view bytes);
 int textOffset(std::string_view bytes, int offset);
 
-QString withoutMnemonic(const QString& caption);  // "E&xit" gives "Exit", "a && b" gives "a & b"
+// In a caption a "&" before a letter or a digit marks it, and "&&" is a "&". Any other "&" stands for itself, whereas the
+// toolkit takes it for a mark too.
+QString withoutMnemonic(const QString& caption);  // "E&xit" gives "Exit", "a && b" and "a & b" give "a & b"
+QString marked(const QString& caption);           // for the toolkit: "a & b" gives "a && b", "E&xit" itself
 
 }  // namespace tarn::platform::qt

@@ -32,7 +32,7 @@ private:
     void define(const Tokens& tokens);
     void block(const Tokens& tokens, RcKind kind);
     void version(const Tokens& tokens);
-    bool versionBody(RcStatement& statement);
+    bool versionBody(RcStatement& statement, int depth);
     void unknownBlock();
     bool skipToEnd();
     bool fileStatement(const Tokens& tokens);
@@ -112,7 +112,7 @@ void Parser::statement() {
     const bool named = isNamed(tokens), head = named && list.size() == 2 && !tokens.unterminated;
     if (head && isWindowKind(list[1].text)) return block(tokens, RcKind::Window);
     if (head && tokens.word(1, "MENU")) return block(tokens, RcKind::Menu);
-    if (head && tokens.word(1, "VERSIONINFO")) return version(tokens);
+    if (isVersionHead(tokens)) return version(tokens);
     if (named && fileStatement(tokens)) return;
     RcStatement unknown = begin(RcKind::Unknown, list.empty() ? Token() : list[0], "");
     if (named && tokens.unterminated) note(unknown, lineNumber_, "The string does not end on its line.");
@@ -151,21 +151,33 @@ void Parser::unknownBlock() {
     end(std::move(result));
 }
 
-bool Parser::versionBody(RcStatement& statement) {
-    while (nextLine()) {
+// By how much the line of a version block goes deeper.
+int deeper(const Tokens& tokens) {
+    int depth = 0;
+    for (const Token& token : tokens.list) {
+        if (token.kind == TokenKind::String) continue;
+        if (sameText(token.text, "BEGIN") || token.text == "{") ++depth;
+        if (sameText(token.text, "END") || token.text == "}") --depth;
+    }
+    return depth;
+}
+
+// Reads on to the END of the block, whose head goes that deep already. False if it does not come.
+bool Parser::versionBody(RcStatement& statement, int depth) {
+    for (bool begun = depth > 0; !begun || depth > 0;) {
+        if (!nextLine()) return false;
         const Tokens tokens = tokenize(line_, lineBegin_);
         if (opensStatement(tokens)) return unreadLine(), false;
-        if (tokens.word(0, "BEGIN")) return skipToEnd();
-        if (!tokens.word(0, "END")) continue;
-        note(statement, lineNumber_, "There is an END without a BEGIN.");
-        return true;
+        depth += deeper(tokens);
+        begun = begun || depth > 0;
+        if (depth < 0) return note(statement, lineNumber_, "There is an END without a BEGIN."), true;
     }
-    return false;
+    return true;
 }
 
 void Parser::version(const Tokens& tokens) {
     RcStatement result = begin(RcKind::Version, tokens.list[0], tokens.list[1].text);
-    if (!versionBody(result))
+    if (!versionBody(result, deeper(tokens)))
         note(result, result.lineNumber, "The END of the version block '" + result.name + "' is missing.");
     end(std::move(result));
 }

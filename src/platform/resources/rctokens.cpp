@@ -87,12 +87,32 @@ bool isNamed(const Tokens& tokens) {
            isIdentifier(list[0].text);
 }
 
+namespace {
+
+// Whether a word may stand behind VERSIONINFO: an option, the first of the block's numbers, or its begin.
+bool followsVersion(std::string_view word) {
+    constexpr std::string_view words[] = {"FILEVERSION", "PRODUCTVERSION", "FILEFLAGSMASK",
+                                          "FILEFLAGS",   "FILEOS",         "FILETYPE",
+                                          "FILESUBTYPE", "BEGIN",          "{"};
+    return isMemoryOption(word) || std::any_of(std::begin(words), std::end(words),
+                                               [&](std::string_view one) { return sameText(one, word); });
+}
+
+}  // namespace
+
+bool isVersionHead(const Tokens& tokens) {
+    const std::vector<Token>& list = tokens.list;
+    if (!tokens.word(1, "VERSIONINFO") || tokens.unterminated) return false;
+    return list[0].kind == TokenKind::Word && isNumberOrSymbol(list[0].text) &&
+           (list.size() == 2 || followsVersion(list[2].text));
+}
+
 bool opensStatement(const Tokens& tokens) {
     const std::vector<Token>& list = tokens.list;
     if (tokens.word(0, "#define")) return list.size() == 3 && isIdentifier(list[1].text);
+    if (isVersionHead(tokens)) return true;
     if (!isNamed(tokens) || tokens.unterminated) return false;
-    if (list.size() == 2)
-        return isWindowKind(list[1].text) || tokens.word(1, "MENU") || tokens.word(1, "VERSIONINFO");
+    if (list.size() == 2) return isWindowKind(list[1].text) || tokens.word(1, "MENU");
     constexpr std::string_view kinds[] = {"BITMAP", "ICON", "INCFILE", "DBFILE"};
     return list.back().kind == TokenKind::String &&
            std::any_of(std::begin(kinds), std::end(kinds),

@@ -44,6 +44,8 @@ bool isWindowKind(std::string_view word);
 
 // Whether a statement begins with two words, its name and its kind.
 bool isNamed(const Tokens& tokens);
+// name VERSIONINFO, where the name may be a number.
+bool isVersionHead(const Tokens& tokens);
 // Whether the line begins a statement wherever it stands, so that a block above it is over.
 bool opensStatement(const Tokens& tokens);
 

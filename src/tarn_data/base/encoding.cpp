@@ -18,20 +18,31 @@ unsigned byteAt(std::string_view text, std::size_t at) {
     return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
 }
 
-// ---- UTF-16 without a mark ----
+// ---- wide characters without a mark ----
 
-// Of text in Latin letters most of every second byte are 0, and nearly no other.
-EncodingFacts guessWide(std::string_view bytes) {
+// Of text in Latin letters most bytes of some places in each character are 0, and nearly none of the others.
+bool isOfForm(std::string_view bytes, std::string_view zeroAt) {
     constexpr std::size_t least = 4, most = 4096;
-    bytes = bytes.substr(0, std::min(most, bytes.size() / 2 * 2));
-    std::size_t zeros[2] = {};
-    for (std::size_t i = 0; i < bytes.size(); ++i) zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
-    const std::size_t pairs = bytes.size() / 2;
-    const auto isWide = [&](std::size_t high, std::size_t low) {
-        return pairs >= least && zeros[high] * 2 >= pairs && zeros[low] * 8 <= pairs;
-    };
-    if (isWide(1, 0)) return {Encoding::Utf16Little};
-    if (isWide(0, 1)) return {Encoding::Utf16Big};
+    const std::size_t width = zeroAt.size(), characters = std::min(most, bytes.size()) / width;
+    std::size_t zeros[4] = {};
+    for (std::size_t i = 0; i < characters * width; ++i) zeros[i % width] += bytes[i] == '\0' ? 1U : 0U;
+    bool fits = characters >= least;
+    for (std::size_t i = 0; i < width && fits; ++i)
+        fits = zeroAt[i] == '0' ? zeros[i] * 2 >= characters : zeros[i] * 8 <= characters;
+    return fits;
+}
+
+EncodingFacts guessWide(std::string_view bytes) {
+    constexpr struct {
+        std::string_view zeroAt;
+        Encoding encoding;
+    } forms[] = {{"x000", Encoding::Utf32Little},
+                 {"000x", Encoding::Utf32Big},
+                 {"x0", Encoding::Utf16Little},
+                 {"0x", Encoding::Utf16Big}};
+    for (const auto& form : forms) {
+        if (isOfForm(bytes, form.zeroAt)) return {form.encoding};
+    }
     return {};
 }
 
@@ -87,6 +98,9 @@ EncodingFacts encodingOfBeginning(std::string_view bytes) {
         Encoding encoding;
     } marks[] = {
         {"\xEF\xBB\xBF", Encoding::Utf8},
+        // Ahead of that of UTF-16, which it begins with: no text begins with a zero character.
+        {std::string_view("\xFF\xFE\0\0", 4), Encoding::Utf32Little},
+        {std::string_view("\0\0\xFE\xFF", 4), Encoding::Utf32Big},
         {"\xFF\xFE", Encoding::Utf16Little},
         {"\xFE\xFF", Encoding::Utf16Big},
     };
@@ -101,7 +115,7 @@ Problem findEncoding(const std::string& file, EncodingFacts& facts) {
     std::string block, kept;
     Utf8Scan scan;
     facts = encodingOfBeginning(beginningOf(file));
-    if (facts.isUtf16()) return {};
+    if (facts.isWide()) return {};
     if (!rows.open(file)) return unreadable(file, rows.error());
     Steps steps(rows.size());
     for (auto at = static_cast<std::int64_t>(facts.markBytes); at < rows.size();) {
@@ -125,7 +139,8 @@ Problem findEncoding(const std::string& file, EncodingFacts& facts) {
 // ---- what the user can do ----
 
 std::string_view encodingName(Encoding encoding) {
-    constexpr std::string_view names[] = {"UTF-8", "UTF-16LE", "UTF-16BE", "ISO-8859-1", "WINDOWS-1252"};
+    constexpr std::string_view names[] = {"UTF-8",    "UTF-16LE",   "UTF-16BE",    "UTF-32LE",
+                                          "UTF-32BE", "ISO-8859-1", "WINDOWS-1252"};
     return names[static_cast<std::size_t>(encoding)];
 }
 
@@ -150,24 +165,33 @@ std::string iconvCommand(const std::string& file, Encoding encoding) {
 
 namespace {
 
-// Pairs of bytes on their way to UTF-8. A character of two pairs may stand in two blocks.
+// Pairs of bytes, or fours, on their way to UTF-8. A character of two pairs may stand in two blocks.
 class WideText {
 public:
-    explicit WideText(bool little) : little_(little) {}
-    // False: the pair at `bad()`, a byte of these, belongs to no character.
+    explicit WideText(const EncodingFacts& facts)
+        : little_(facts.encoding == Encoding::Utf16Little || facts.encoding == Encoding::Utf32Little),
+          unitBytes_(facts.isUtf32() ? 4 : 2) {}
+    // False: the unit at `bad()`, a byte of these, belongs to no character.
     bool take(std::string_view bytes, std::string& text) {
-        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            const std::uint32_t low = byteAt(bytes, i + (little_ ? 0 : 1)),
-                                high = byteAt(bytes, i + (little_ ? 1 : 0));
+        for (std::size_t i = 0; i + unitBytes_ <= bytes.size(); i += unitBytes_) {
+            std::uint32_t unit = 0;
+            for (std::size_t n = 0; n < unitBytes_; ++n)
+                unit = unit << 8U | byteAt(bytes, little_ ? i + unitBytes_ - 1 - n : i + n);
             bad_ = i;
-            if (!takeUnit(high << 8U | low, text)) return false;
+            if (unitBytes_ == 4 ? !takeCharacter(unit, text) : !takeUnit(unit, text)) return false;
         }
         return true;
     }
     [[nodiscard]] std::size_t bad() const { return bad_; }
+    [[nodiscard]] std::size_t unitBytes() const { return unitBytes_; }
     [[nodiscard]] bool isWhole() const { return first_ == 0; }
 
 private:
+    static bool takeCharacter(std::uint32_t character, std::string& text) {
+        if (character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) return false;
+        utf8::append(text, character);
+        return true;
+    }
     bool takeUnit(std::uint32_t unit, std::string& text) {
         const bool second = unit >= 0xDC00 && unit < 0xE000;
         if (second != (first_ != 0)) return false;
@@ -183,12 +207,13 @@ private:
     }
 
     bool little_;
+    std::size_t unitBytes_;
     std::uint32_t first_ = 0;  // of the two of one character
     std::size_t bad_ = 0;
 };
 
-Problem notWhole(const std::string& file, std::int64_t at) {
-    return {fileWord(file) + "is UTF-16 text, but for the bytes at " + std::to_string(at) +
+Problem notWhole(const std::string& file, const EncodingFacts& facts, std::int64_t at) {
+    return {fileWord(file) + "is " + facts.wideName() + " text, but for the bytes at " + std::to_string(at) +
                 ", which are no character.",
             "Take it from where it came once more; it may have been cut."};
 }
@@ -210,7 +235,7 @@ Problem writeAsUtf8(const std::string& file, const EncodingFacts& facts, const s
     if (!rows.open(file)) return unreadable(file, rows.error());
     os::FileError error = os::files().open(to, os::OpenMode::CreateNew, onlyMine, out.handle);
     Steps steps(rows.size());
-    WideText wide(facts.encoding == Encoding::Utf16Little);
+    WideText wide(facts);
     std::string block, text;
     std::int64_t written = 0;
     for (auto at = static_cast<std::int64_t>(facts.markBytes);
@@ -218,8 +243,9 @@ Problem writeAsUtf8(const std::string& file, const EncodingFacts& facts, const s
         if (!rows.read(at, blockBytes, block)) return unreadable(file, rows.error());
         if (!steps.step(static_cast<std::int64_t>(block.size()))) return stoppedProblem();
         text.clear();
-        if (!wide.take(block, text)) return notWhole(file, at + static_cast<std::int64_t>(wide.bad()));
-        if (block.size() % 2 != 0) return notWhole(file, rows.size() - 1);
+        if (!wide.take(block, text)) return notWhole(file, facts, at + static_cast<std::int64_t>(wide.bad()));
+        const auto over = static_cast<std::int64_t>(block.size() % wide.unitBytes());
+        if (over != 0) return notWhole(file, facts, rows.size() - over);
         error = os::files().write(out.handle, written, text);
         written += static_cast<std::int64_t>(text.size());
     }
@@ -227,7 +253,7 @@ Problem writeAsUtf8(const std::string& file, const EncodingFacts& facts, const s
         return {"'" + to + "' cannot be written: " + std::string(os::describe(error)),
                 "Choose a folder with more room with TMPDIR, or convert the file first: " +
                     iconvCommand(file, facts.encoding)};
-    return wide.isWhole() ? Problem() : notWhole(file, rows.size() - 2);
+    return wide.isWhole() ? Problem() : notWhole(file, facts, rows.size() - 2);
 }
 
 }  // namespace tarn::datatool

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tarn_data/base/files.h"
 
+#include "kernel/data/format.h"
 #include "kernel/data/xbase/xbase.h"
 #include "kernel/index/index_file.h"
 #include "kernel/run/runtime.h"
@@ -87,6 +88,13 @@ bool beginsAsXbase(std::string_view bytes) {
     return month >= 1 && month <= months && day >= 1 && day <= days;
 }
 
+// Lines of digits may begin so, too: what is called a text must have a whole header.
+bool isXbase(const std::string& file, std::string_view bytes) {
+    XbaseHeader header;
+    return beginsAsXbase(bytes) &&
+           (!RowsAreLines(DataFormatOf(file)) || XbaseDecodeHeader(bytes, header).empty());
+}
+
 }  // namespace
 
 bool isIndexName(std::string_view file) {
@@ -98,7 +106,7 @@ bool isIndexName(std::string_view file) {
 FileKind kindOf(const std::string& file) {
     const std::string bytes = beginningOf(file);
     if (beginsAsIndex(bytes)) return FileKind::Index;
-    return XbaseFileName(file) || beginsAsXbase(bytes) ? FileKind::Xbase : FileKind::Other;
+    return XbaseFileName(file) || isXbase(file, bytes) ? FileKind::Xbase : FileKind::Other;
 }
 
 bool isTableByIndex(const std::string& file) {

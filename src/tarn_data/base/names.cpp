@@ -27,7 +27,7 @@ std::string uniqueName(const std::string& name, std::vector<std::string>& taken)
 
 }  // namespace
 
-std::string repairedNames(const std::string& columns) {
+std::string withRepairedNames(const std::string& columns) {
     const std::string repaired = TYPEINFOFIXIDENTIFIERS(columns, longestName);
     std::vector<std::string> taken;
     std::string text;

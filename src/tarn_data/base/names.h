@@ -8,7 +8,7 @@
 namespace tarn::datatool {
 
 // "first name" : ... becomes first_name : ..., and no name stands twice.
-std::string repairedNames(const std::string& columns);
+std::string withRepairedNames(const std::string& columns);
 // What a declaration can be called that stands for a file.
 std::string fileIdentifier(std::string_view name);
 

@@ -21,7 +21,8 @@ Problem stoppedProblem();                       // no file was changed
 
 // ---- progress ----
 
-// For the lifetime of this, the work that is named shows how far it is, and signals stop it.
+// For the lifetime of this, the work that is named shows how far it is, and signals stop it. On a terminal that is a line
+// that changes; elsewhere nothing, or, when it is asked for, a line each second.
 class Work {
 public:
     explicit Work(const std::string& what);
@@ -39,6 +40,7 @@ public:
 private:
     std::int64_t total_, done_ = 0, told_ = 0;
 };
+void showProgressEverywhere();
 void catchSignals();
 // The signal that asked to stop, 0 for none.
 int stopSignal();

@@ -17,7 +17,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr auto quiet = std::chrono::milliseconds(400);  // work that takes less shows nothing
-constexpr auto pause = std::chrono::milliseconds(100);
+constexpr auto pause = std::chrono::milliseconds(100), pauseOfLines = std::chrono::milliseconds(900);
+
+bool everywhere = false;
 
 volatile std::sig_atomic_t stopRequest = 0;
 
@@ -35,12 +37,15 @@ void onSignal(int signal) {
 bool show(std::int64_t done, std::int64_t total) {
     if (stopRequest != 0) return false;
     const auto now = Clock::now();
-    if (now < progress.next || ::isatty(STDERR_FILENO) == 0) return true;
+    if (now < progress.next) return true;
+    const bool terminal = ::isatty(STDERR_FILENO) != 0;
+    if (!terminal && !everywhere) return true;
     const int percent = total > 0 ? static_cast<int>(done < total ? done * 100 / total : 100) : 0;
-    std::fprintf(stderr, "\r\033[K%s: %d %%", progress.what.c_str(), percent);
+    std::fprintf(stderr, terminal ? "\r\033[K%s: %d %%" : "tarn-data: %s: %d %%\n", progress.what.c_str(),
+                 percent);
     std::fflush(stderr);
-    progress.visible = true;
-    progress.next = now + pause;
+    progress.visible = terminal;
+    progress.next = now + (terminal ? pause : pauseOfLines);
     return true;
 }
 
@@ -62,6 +67,10 @@ bool Steps::step(std::int64_t bytes) {
     if (done_ - told_ < ProgressStep) return stopRequest == 0;
     told_ = done_;
     return Progress(done_, total_);
+}
+
+void showProgressEverywhere() {
+    everywhere = true;
 }
 
 Problem stoppedProblem() {

@@ -110,6 +110,21 @@ Problem readRowType(const std::string& file, RowType& type) {
     return checkStorable(file, type);
 }
 
+namespace {
+
+// The type of the first field that has no declaration; 0 for none.
+char firstOtherType(const std::string& file) {
+    XbaseHeader header;
+    const bool read = XbaseReadHeader(os::native(file), header).empty();
+    ClearError();
+    for (std::int32_t n = 0; read && n < header.fieldCount; ++n) {
+        if (std::string_view("CDLN").find(header.type[n]) == std::string_view::npos) return header.type[n];
+    }
+    return 0;
+}
+
+}  // namespace
+
 Problem xbaseRowType(const std::string& file, RowType& type) {
     std::string message;
     std::string text = XbaseTypeInfo(os::native(file), message);
@@ -121,12 +136,12 @@ Problem xbaseRowType(const std::string& file, RowType& type) {
     }
     ClearError();
     if (message.empty()) message = "Xbase file has no fields";
-    const bool otherType = message.find("not a standard Xbase type") != std::string::npos;
-    const bool memo = message.find(" is type M ") != std::string::npos;
+    const char other = firstOtherType(file);
     return {fileWord(file) + "cannot be read: " + message + ".",
-            memo ? "Memos stand in a file of their own, which is not read; save the table without them first."
-            : otherType ? "Known are the types C, D, L and N; write the others as one of these first."
-                        : "'tarn-data check' looks at the rest of it; a header is not mended."};
+            other == 'M'
+                ? "Memos stand in a file of their own, which is not read; save the table without them first."
+            : other != 0 ? "Known are the types C, D, L and N; write the others as one of these first."
+                         : "'tarn-data check' looks at the rest of it; a header is not mended."};
 }
 
 std::int32_t rowBytes(const RowType& type) {

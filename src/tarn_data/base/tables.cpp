@@ -7,8 +7,10 @@
 #include "kernel/lists/packing.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
+#include "kernel/tables/tables_file_places.h"
 #include "kernel/values/adt.h"
 #include "kernel/values/records.h"
+#include "os/paths.h"
 #include "os/text/ascii.h"
 #include "os/text/bigendian.h"
 
@@ -251,6 +253,11 @@ void fitIndex(IndexBeside& beside, const RowType& type) {
 
 }  // namespace
 
+std::string ownedBy(const std::string& owner) {
+    return "It is that of the table file '" + owner +
+           "'; of two files whose names differ in their extension alone only one can have indexes.";
+}
+
 std::vector<IndexBeside> indexesBeside(const std::string& file, const RowType& type) {
     std::vector<IndexBeside> found;
     std::size_t last = 0;
@@ -263,7 +270,11 @@ std::vector<IndexBeside> indexesBeside(const std::string& file, const RowType& t
         if (!isThere(path)) continue;
         last = found.size();
         beside.file = readIndexFile(path);
-        if (beside.file.wrong.empty()) fitIndex(beside, type);
+        beside.owner = paths::fileName(OwnerOfIndex(os::native(path), os::native(file)));
+        if (!beside.owner.empty())
+            beside.file.wrong = ownedBy(beside.owner);
+        else if (beside.file.wrong.empty())
+            fitIndex(beside, type);
     }
     found.resize(last);
     return found;

@@ -81,9 +81,12 @@ struct IndexBeside {
     IndexFile file;           // that there is; with an empty path there is none
     bool aside = false;       // it stepped aside for a new one that was never finished
     std::int32_t keyMap = 0;  // of the row; 0, and file.wrong says why, when it does not fit
+    std::string owner;        // the table file that it belongs to, where that is another one
 };
 // Those of a table file with such rows, by their numbers; none behind the last that is there.
 std::vector<IndexBeside> indexesBeside(const std::string& file, const RowType& type);
+// What is wrong with an index file that belongs to another table file.
+std::string ownedBy(const std::string& owner);
 // "orders.~i1" for "orders.i1".
 std::string asideName(const std::string& indexFile);
 

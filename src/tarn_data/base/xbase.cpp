@@ -29,6 +29,24 @@ std::string_view trimmedText(std::string_view field) {
     return field;
 }
 
+std::string_view xbaseCell(std::string_view field, char type) {
+    if (type == 'C') return xbaseText(field);
+    const std::string_view text = trimmedText(field);
+    if (type != 'L' || text.size() != 1) return text;
+    switch (text[0]) {
+    case 'T':
+    case 't':
+    case 'Y':
+    case 'y': return "True";
+    case 'F':
+    case 'f':
+    case 'N':
+    case 'n': return "False";
+    case '?': return "";
+    default: return text;
+    }
+}
+
 NumberForm numberForm(std::string_view text) {
     constexpr std::size_t mostWhole = 14, fixedDecimals = 4;  // 15 digits may be too many for a fixed number
     if (text.empty()) return NumberForm::Blank;
@@ -54,6 +72,15 @@ NumberForm numberForm(std::string_view text) {
     const bool exact = decimals.substr(std::min(decimals.size(), fixedDecimals)).find_first_not_of('0') ==
                        std::string_view::npos;
     return whole.size() <= mostWhole && exact ? NumberForm::Fixed : NumberForm::Real;
+}
+
+std::vector<std::string> xbaseHeadings(const XbaseHeader& header) {
+    std::vector<std::string> names;
+    for (std::int32_t n = 0; n < header.fieldCount; ++n) {
+        const std::string name(trimmedText(header.name[n]));
+        names.push_back(name.empty() ? "FIELD" + std::to_string(n + 1) : name);
+    }
+    return names;
 }
 
 Problem XbaseFile::open(const std::string& file) {
@@ -109,6 +136,17 @@ void XbaseFile::countWhole(std::int64_t room) {
     const bool ended = room > used && readByte(header_.headerSize + used, next) && next == XbaseEndMark;
     padding_ = ended ? room - used - 1 : 0;
     behind_ = noted + (ended ? 0 : room - used);
+}
+
+bool XbaseFile::hasTextBehindMark() {
+    constexpr std::size_t block = 4096;
+    std::string bytes;
+    for (std::int64_t at = file_.size() - padding_; at < file_.size();
+         at += static_cast<std::int64_t>(block)) {
+        if (!file_.read(at, block, bytes)) return true;
+        if (bytes.find_first_not_of(std::string_view("\x1A\0 \r\n", 5)) != std::string::npos) return true;
+    }
+    return false;
 }
 
 XbaseRecord::XbaseRecord(const XbaseHeader& header, const RowType& type) : header_(header) {

@@ -23,9 +23,15 @@ constexpr bool isXbaseMark(char c) {
 // What stands in a field, without what fills it up at its end: blanks, and bytes 0 by some programs.
 std::string_view xbaseText(std::string_view field);
 std::string_view trimmedText(std::string_view field);  // nor blanks at its beginning
+// The cell that a field of a type is, C or another: True, False and "" for truth values; what is no such value stands as
+// it is.
+std::string_view xbaseCell(std::string_view field, char type);
 // What can be made of a number as it stands in a field without losing a digit.
 enum class NumberForm { Blank, Integer, Fixed, Real, None };
 NumberForm numberForm(std::string_view text);
+
+// The names of the fields as they stand in the file; FIELDn for none.
+std::vector<std::string> xbaseHeadings(const XbaseHeader& header);
 
 class XbaseFile {
 public:
@@ -40,6 +46,8 @@ public:
     [[nodiscard]] std::int64_t behind() const { return behind_; }
     // Bytes behind the mark of the end.
     [[nodiscard]] std::int64_t padding() const { return padding_; }
+    // Whether they are more than what fills a file up.
+    [[nodiscard]] bool hasTextBehindMark();
     // Where the file ends, with the mark of the end.
     [[nodiscard]] std::int64_t end() const {
         return file_.size() - std::max<std::int64_t>(behind_, 0) - padding_;

@@ -7,7 +7,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_check.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "os/paths.h"
 #include "tarn_data/commands/check_internal.h"
 #include "tarn_data/commands/commands.h"
@@ -86,6 +86,10 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
                                              : "It is missing.");
             continue;
         }
+        if (!index.owner.empty()) {
+            findings.note(name, index.file.wrong);
+            continue;
+        }
         if (index.keyMap == 0) {
             findings.fault(name, index.file.wrong);
             continue;
@@ -111,6 +115,8 @@ Problem checkWanted(const Arguments& arguments, const RowType& type, const std::
         const std::string name = nameOf(arguments.files[0], static_cast<std::int32_t>(n) + 1);
         if (n >= indexes.size())
             findings.fault(name, "It is missing.");
+        else if (!indexes[n].owner.empty())
+            findings.fault(name, indexes[n].file.wrong);
         else if (indexes[n].keyMap != 0 && indexes[n].keyMap != maps[n])
             findings.fault(name, "Its key is " + joined(indexes[n].file.fields) + ", and not " +
                                      joined(arguments.keys[n]) + ".");
@@ -196,12 +202,12 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
 // Rows that deletions have moved are kept beside until the table is closed.
 void checkKept(const std::string& file, const RowType& type, const std::vector<IndexBeside>& indexes,
                Findings& findings) {
-    const std::string kept = KeptRowsFileName(file);
+    const std::string kept = GuardFileName(file);
     std::vector<std::int32_t> maps;
     for (const IndexBeside& index : indexes) maps.push_back(index.keyMap);
     if (!os::infoOf(os::native(kept)).exists || std::count(maps.begin(), maps.end(), 0) > 0) return;
     TableValue table;
-    if (makeFileTable(type, maps, table) && MissesKeptRows(*table.get(), os::native(file)))
+    if (makeFileTable(type, maps, table) && MissesGuardedRows(*table.get(), os::native(file)))
         findings.fault(file, "A row that a deletion has moved is missing; a rebuild brings it back.");
     else
         findings.note(kept, "It keeps rows that deletions have moved, until the table is closed.");
@@ -230,7 +236,8 @@ int checkTable(const std::string& file, const Arguments& arguments) {
                  findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
     checkKept(file, type, indexes, findings);
-    const auto count = static_cast<std::int64_t>(indexes.size());
+    const auto count = std::count_if(indexes.begin(), indexes.end(),
+                                     [](const IndexBeside& index) { return index.owner.empty(); });
     return findings.print(file, counted(facts.rows(), "row") +
                                     (count == 0   ? ""
                                      : count == 1 ? ", 1 index"

@@ -8,7 +8,7 @@
 //              looking          what info and convert see of a source before they act, and their notes
 //              checkxbase       check of an Xbase file; mendxbase its rebuild
 //              patient          what is known of a file before it is mended, and whether it may be
-//   sources/   source           what a file is, and its columns; sourcerows those of Xbase and table files
+//   sources/   source           what a file is, and its columns; recordsource those of Xbase and table files
 //              layout           how a delimited file is laid out
 //              delimited        its rows
 //              xmlsource        what an XML file is; xmlrows its rows, xmlcolumns its columns, xmlencoding
@@ -69,6 +69,7 @@ struct Arguments {
     bool deleted = false;                        // with the rows that are marked as deleted
     bool toTable = false;                        // the target is a table file, whatever its name
     bool dryRun = false;
+    bool progress = false;  // is told where there is no terminal, too
     bool help = false, version = false;
     struct Given {
         std::string option;
@@ -101,7 +102,8 @@ struct Source {
     std::string path;                    // that is read: a copy for text that is not UTF-8
     std::unique_ptr<WorkFolder> folder;  // that it stands in
     std::int64_t begin = 0;              // of the text, behind a mark
-    std::vector<std::string> headings;   // delimited, XML: names of the columns as they stand; empty: none
+    std::int64_t endBytes = 0;           // that are no text, at its end
+    std::vector<std::string> headings;   // names of the columns as they stand; empty: none
     std::vector<std::size_t> widths;     // that a line of dashes below them tells
     std::vector<std::string> nulls;      // cells that are taken as empty
     bool crlf = false;                   // delimited: lines end with a carriage return and a line feed
@@ -109,8 +111,8 @@ struct Source {
     DataOptions options;
     std::string columns;  // type information text, a line for each column, names as they are in the file
     std::int32_t rowsSeen = -1;
-    XmlRows xmlRows;                     // XML: which elements are the rows
-    bool text = false, deleted = false;  // as the arguments say
+    XmlRows xmlRows;                                  // XML: which elements are the rows
+    bool text = false, deleted = false;               // as the arguments say
     std::int32_t deletedRows = 0, uncountedRows = 0;  // Xbase: that are not taken
     RowType type;                                     // of a table file
 };
@@ -118,7 +120,7 @@ struct Source {
 // decide only between lines and delimited text, and give defaults. `isTable`: the declaration is that of this
 // file.
 Problem identify(const std::string& file, const Arguments& arguments, bool isTable, Source& source);
-std::vector<std::string> columnNames(std::string_view columns);
+std::vector<std::string> lineNames(std::string_view columns);
 // The whole declaration of the table, named after the file.
 std::string declaration(const std::string& file, std::string_view columns);
 std::string separatorName(std::int32_t separator);
@@ -141,8 +143,9 @@ struct Target {
 // A file that cannot be a target is wrong usage.
 Problem chooseTarget(const std::string& file, const Arguments& arguments, Target& target);
 Problem copyXbase(const Source& source, const Target& target);
-// The columns of a source, by name, against those of the table file that they shall fill.
+// The columns of a source, by names of the language, against those of the table file that they shall fill.
 Problem fitColumns(const Source& source, std::vector<std::string> names, const RowType& type);
-Problem saveTable(const Target& target, Rows& rows);
+// `source`: where the rows are from.
+Problem saveTable(const Source& source, const Target& target, Rows& rows);
 
 }  // namespace tarn::datatool

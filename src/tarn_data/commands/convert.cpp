@@ -48,6 +48,11 @@ Problem checkSimple(const Source& source) {
     return {};
 }
 
+// Lines of text have a name of their own.
+bool isNamed(const Source& source) {
+    return source.format == FormatText || !RowsAreLines(source.format) || source.options.numheaderrows > 0;
+}
+
 // ---- the steps ----
 
 Problem chooseTargetOf(Conversion& c) {
@@ -64,7 +69,7 @@ Problem lookAtCells(Conversion& c) {
     const bool typed = c.target.format == FormatXml || c.target.format == FormatXbase;
     const bool needsNames = !RowsAreLines(c.target.format) || c.target.headerRows.value_or(0) > 0;
     // A declaration may tell of cells that no heading names.
-    const std::size_t named = columnNamesOf(c.source).size();
+    const std::size_t named = namesInSource(c.source).size();
     const bool unnamed = c.target.format == FormatBinary && RowsAreLines(c.source.format) &&
                          named != fieldNames(c.target.type.columns).size();
     const bool asks = !c.arguments.textColumns.empty() || unnamed || (needsNames && named == 0);
@@ -76,7 +81,7 @@ Problem lookAtCells(Conversion& c) {
         if (c.columns.facts.gap.any()) return c.columns.facts.gap;
         for (const ColumnFacts& column : c.columns.facts.columns) c.columns.headings.push_back(column.name);
     } else {
-        c.columns.headings = columnNamesOf(c.source);
+        c.columns.headings = namesInSource(c.source);
     }
     if (typed && c.columns.headings.size() > std::size_t{MaxTabColumns})
         return tooManyColumns(c.source, c.columns.headings.size());
@@ -84,17 +89,43 @@ Problem lookAtCells(Conversion& c) {
     return {};
 }
 
+// The headings as they stand in the source, where it has some.
+std::vector<std::string> standing(const Conversion& c) {
+    std::vector<std::string> names = c.columns.headings;
+    if (names.empty()) names = namesInSource(c.source);
+    for (std::size_t n = 0; n < std::min(names.size(), c.source.headings.size()); ++n)
+        names[n] = c.source.headings[n];
+    return names;
+}
+
+// The names of the declaration are those by which the columns are known from now on.
+void noteFieldNames(const Conversion& c) {
+    std::vector<std::string> names = standing(c), fields = fieldNames(c.target.type.columns);
+    if (names.size() < fields.size()) fields.erase(fields.begin());  // the mark of deletion
+    if (c.columns.named && names.size() == fields.size()) noteRenamed(names, fields);
+}
+
+std::vector<std::string> declaredNames(const Source& source) {
+    return lineNames(withRepairedNames(source.columns));
+}
+
+Problem fitNames(Conversion& c) {
+    const bool xbase = c.source.format == FormatXbase;
+    Problem problem = fitColumns(c.source, xbase ? declaredNames(c.source) : c.columns.names, c.target.type);
+    if (!problem.any()) noteFieldNames(c);
+    return problem;
+}
+
 // Names of the language, for those forms that need them. Delimited text keeps the headings.
 Problem nameColumns(Conversion& c) {
     c.columns.names = namesOfLanguage(c.columns.headings);
-    c.columns.named =
-        c.source.format == FormatText || !RowsAreLines(c.source.format) || c.source.options.numheaderrows > 0;
+    c.columns.named = isNamed(c.source);
     if (RowsAreLines(c.target.format) && !c.target.plain) {
         if (!c.source.headings.empty()) c.columns.headings = c.source.headings;
         return {};
     }
-    if (c.target.format == FormatBinary) return fitColumns(c.source, c.columns.names, c.target.type);
-    if (c.columns.named) noteRenamed(c.columns.headings, c.columns.names);
+    if (c.target.format == FormatBinary) return fitNames(c);
+    if (c.columns.named && c.target.format != FormatText) noteRenamed(standing(c), c.columns.names);
     return {};
 }
 
@@ -115,17 +146,32 @@ Problem writeRows(Conversion& c) {
     if (!problem.any()) problem = c.cells->problem().any() ? c.cells->problem() : c.cells->gap();
     if (!problem.any()) problem = target->finish(rows);
     widths.strayQuote = c.cells->strayQuote();
+    widths.blankLines = c.cells->blankLines();
     if (!problem.any()) noteOddRows(c.source, widths);
     return problem;
+}
+
+// A declaration that begins with the mark of deletion has it as a column, unlike the Xbase file.
+void noteMarks(const Conversion& c) {
+    const std::vector<std::string> fields = fieldNames(c.target.type.columns);
+    const std::size_t columns = c.source.headings.size() - (c.source.deleted ? 1 : 0);
+    if (c.source.format == FormatXbase && fields.size() > columns)
+        note("The marks of deletion of '" + shown(c.source.file) + "' become the column '" +
+             shown(fields[0]) + "'.");
 }
 
 // Values of these go as they are: texts could not tell all of them.
 Problem copyValues(Conversion& c) {
     std::string columns = c.target.type.columns;
-    Problem problem = fitColumns(c.source, columnNames(repairedNames(c.source.columns)), c.target.type);
+    Problem problem = fitColumns(c.source, declaredNames(c.source), c.target.type);
     Rows rows;
+    c.columns.named = true;
     if (!problem.any()) problem = loadRows(c.source, columns, rows);
-    return problem.any() ? problem : saveTable(c.target, rows);
+    if (!problem.any()) problem = saveTable(c.source, c.target, rows);
+    if (problem.any()) return problem;
+    noteFieldNames(c);
+    noteMarks(c);
+    return {};
 }
 
 void tellWhatIsLeftOut(const Source& source) {

@@ -28,7 +28,7 @@ std::string line(const char* name, const std::string& text) {
 std::string renamedText(const std::vector<std::string>& from, const std::vector<std::string>& to) {
     std::string text;
     for (std::size_t i = 0; i < std::min(from.size(), to.size()); ++i) {
-        const bool plain = typeInfoName(from[i]) == from[i] || from[i].starts_with('"');
+        const bool plain = quotedName(from[i]) == from[i] || from[i].starts_with('"');
         const std::string name = plain ? shown(from[i]) : '"' + shown(from[i]) + '"';
         if (from[i] != to[i]) text += "renamed: " + name + " to " + to[i] + "\n";
     }
@@ -38,10 +38,17 @@ std::string renamedText(const std::vector<std::string>& from, const std::vector<
 // The last lines: default keys and the declaration, with names that the language accepts.
 std::string declared(const std::string& file, const std::string& columns,
                      const std::vector<std::string>& headings) {
-    const std::string repaired = repairedNames(columns), whole = declaration(file, repaired);
+    const std::string repaired = withRepairedNames(columns), whole = declaration(file, repaired);
     const std::string keys = TypeInfoFieldList(whole).keys.names;
-    return line("default keys", keys.empty() ? "none" : keys) + renamedText(headings, columnNames(repaired)) +
+    return line("default keys", keys.empty() ? "none" : keys) + renamedText(headings, lineNames(repaired)) +
            "declaration:\n" + whole;
+}
+
+// The fields by the names that stand in the file, the mark of deletion ahead of them.
+std::string declaredXbase(const std::string& file, const XbaseHeader& header, const std::string& columns) {
+    std::vector<std::string> headings = xbaseHeadings(header);
+    headings.insert(headings.begin(), fieldNames(columns)[0]);
+    return declared(file, columns, headings);
 }
 
 // ---- text and XML ----
@@ -106,7 +113,7 @@ int infoText(const std::string& file, const Arguments& arguments) {
     noteOddRows(source, facts);
     if (RowsAreLines(source.format)) source.rowsSeen = static_cast<std::int32_t>(facts.rows);
     const std::string columns = columnsText(source, facts);
-    std::vector<std::string> headings = columnNames(columns);
+    std::vector<std::string> headings = lineNames(columns);
     for (std::size_t n = 0; RowsAreLines(source.format) && n < headings.size(); ++n)
         headings[n] = facts.columns[n].name;
     return print(line("file", file) + line("type", formText(source)) +
@@ -181,7 +188,7 @@ int infoXbase(const std::string& name) {
     return print(line("file", name) + line("type", "Xbase") + line("rows", rows) +
                  line("columns", std::to_string(file.header().fieldCount)) +
                  indexLines(indexesBeside(name, type), name) +
-                 declared(name, type.columns, columnNames(type.columns)));
+                 declaredXbase(name, file.header(), type.columns));
 }
 
 // ---- table files ----
@@ -204,7 +211,7 @@ int infoTable(const std::string& file, const std::string& typeFile) {
                  line("rows", rows) + line("record length", std::to_string(facts.rowBytes)) +
                  line("columns", std::to_string(fieldNames(type.columns).size())) +
                  indexLines(indexesBeside(file, type), file) +
-                 declared(file, type.columns, columnNames(type.columns)));
+                 declared(file, type.columns, lineNames(type.columns)));
 }
 
 }  // namespace

@@ -55,16 +55,17 @@ bool isDeclaredText(const Source& source, std::size_t column) {
 
 }  // namespace
 
-std::vector<std::string> columnNamesOf(const Source& source) {
+std::vector<std::string> namesInSource(const Source& source) {
     if (RowsAreLines(source.format)) return headingNames(source);
+    if (source.format == FormatXbase) return source.headings;
     std::vector<std::string> names;
-    for (const std::string& name : columnNames(source.columns)) names.push_back(withoutQuotes(name));
+    for (const std::string& name : lineNames(source.columns)) names.push_back(withoutQuotes(name));
     return names;
 }
 
 Problem lookAtSource(const Arguments& arguments, const Source& source, CellSource& cells, RowsFacts& facts) {
     const Work work("reading " + source.file);
-    const std::vector<std::string> names = columnNamesOf(source);
+    const std::vector<std::string> names = namesInSource(source);
     for (const std::string& name : names) {
         ColumnFacts& column = facts.columns.emplace_back();
         column.name = name;
@@ -82,8 +83,8 @@ Problem lookAtSource(const Arguments& arguments, const Source& source, CellSourc
 
 std::vector<std::string> namesOfLanguage(const std::vector<std::string>& headings) {
     std::string lines;
-    for (const std::string& heading : headings) lines += typeInfoName(heading) + " : string\n";
-    return columnNames(repairedNames(lines));
+    for (const std::string& heading : headings) lines += quotedName(heading) + " : string\n";
+    return lineNames(withRepairedNames(lines));
 }
 
 Problem tooManyColumns(const Source& source, std::size_t columns) {
@@ -120,6 +121,9 @@ void noteOddRows(const Source& source, const RowsFacts& facts) {
              "' has a cell that begins with a quote and does not end with one, or has single ones in it: "
              "such cells "
              "are taken as they stand, quotes and all.");
+    if (facts.blankLines != 0)
+        note(std::to_string(facts.blankLines) + (facts.blankLines == 1 ? " line" : " lines") + " of '" +
+             shown(source.file) + "' behind an empty one with separators and blanks alone left out.");
     if (facts.ragged == 0) return;
     const auto cells = [](std::size_t n) { return std::to_string(n) + (n == 1 ? " cell" : " cells"); };
     note("Row " + std::to_string(facts.firstRagged) + " of '" + shown(source.file) + "' has " +

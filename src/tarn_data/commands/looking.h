@@ -12,7 +12,7 @@
 namespace tarn::datatool {
 
 // Names of the columns as they stand in the source, as far as it tells them without a look at its rows.
-std::vector<std::string> columnNamesOf(const Source& source);
+std::vector<std::string> namesInSource(const Source& source);
 // Reads all rows, and lets columns be text that the arguments or the source say are.
 Problem lookAtSource(const Arguments& arguments, const Source& source, CellSource& cells, RowsFacts& facts);
 // Names that the language accepts, each once.

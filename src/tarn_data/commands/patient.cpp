@@ -3,7 +3,7 @@
 
 #include "kernel/index/index_filecheck.h"
 #include "kernel/tables/tables.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "tarn_data/commands/check_internal.h"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ Problem checkRows(Patient& patient) {
     constexpr std::int64_t share = 4;
     std::vector<BadRow> bad;
     const std::int64_t last = patient.counted < 0 ? patient.whole : std::min(patient.whole, patient.counted);
-    const bool kept = os::infoOf(os::native(KeptRowsFileName(patient.file))).exists;
+    const bool kept = os::infoOf(os::native(GuardFileName(patient.file))).exists;
     Problem problem = findBadRows(patient, patient.headerBytes, last, kept ? mostTorn + 1 : 1, bad);
     if (problem.any() || bad.empty()) return problem;
     if (kept && bad.size() <= mostTorn && static_cast<std::int64_t>(bad.size()) * share <= last) {
@@ -199,6 +199,7 @@ Problem chooseKeys(const Arguments& arguments, Patient& patient) {
     patient.keys = arguments.keys;
     for (const IndexBeside& index : beside) {
         if (!arguments.keys.empty()) break;
+        if (!index.owner.empty()) continue;
         if (index.keyMap == 0)
             return {"The key of '" + IndexFileName(patient.name, index.number) + "' is not known. " +
                         (index.file.path.empty() ? "It is missing." : index.file.wrong),

@@ -7,8 +7,9 @@
 #include "kernel/index/index_file.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_mend.h"
+#include "kernel/tables/tables_file_places.h"
 #include "os/paths.h"
 #include "os/savestream.h"
 #include "tarn_data/commands/patient.h"
@@ -143,6 +144,7 @@ std::string indexReport(const Patient& patient, std::int32_t rows) {
 void removeOtherIndexes(const Patient& patient) {
     for (std::size_t n = patient.keys.size() + 1; n <= patient.indexesBefore; ++n) {
         const std::string name = IndexFileName(patient.file, static_cast<std::int32_t>(n));
+        if (!OwnerOfIndex(os::native(name), os::native(patient.file)).empty()) continue;
         os::files().remove(os::native(name));
         os::files().remove(os::native(asideName(name)));
     }
@@ -225,10 +227,11 @@ int rehearse(const Arguments& arguments, bool xbase) {
     patient.name = arguments.files[0];
     WorkFolder folder;
     folder.take(patient.name);
-    folder.take(KeptRowsFileName(patient.name));
+    folder.take(GuardFileName(patient.name));
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
-        folder.take(IndexFileName(patient.name, n));
-        folder.take(asideName(IndexFileName(patient.name, n)));
+        const std::string index = IndexFileName(patient.name, n);
+        if (OwnerOfIndex(os::native(index), os::native(patient.name)).empty()) folder.take(index);
+        folder.take(asideName(index));
     }
     if (folder.error() != os::FileError::None)
         return tell({"The files cannot be copied to '" + folder.path() +

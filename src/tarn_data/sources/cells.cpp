@@ -76,14 +76,15 @@ std::string setText(const void* field) {
     return std::string(StringView(text.get()));
 }
 
-// The text of a field; `scratch` holds it where the field itself is none.
-std::string_view fieldText(const void* field, Kind kind, bool character, std::string& scratch) {
+}  // namespace
+
+std::string_view valueText(const void* field, Kind kind, Characters characters, std::string& scratch) {
     const auto kept = [&](std::string text) { return std::string_view(scratch = std::move(text)); };
     switch (kind) {
     case KindString: return StringView(static_cast<const StringDescriptor*>(field));
     case KindBoolean: return kept(BooleanToText(ReadAt<std::uint8_t>(field) != 0));
     case KindEnum:
-        if (character) return trimmedText({static_cast<const char*>(field), 1});
+        if (characters == Characters::One) return trimmedText({static_cast<const char*>(field), 1});
         return kept(std::to_string(ReadAt<std::uint8_t>(field)));
     case KindInteger: return kept(std::to_string(ReadAt<std::int32_t>(field)));
     case KindFixed: return kept(shortestFixed(ReadAt<Fixed>(field)));
@@ -92,8 +93,12 @@ std::string_view fieldText(const void* field, Kind kind, bool character, std::st
     default: break;
     }
     const auto* const array = static_cast<const ArrayDescriptor*>(field);
-    return xbaseText({At(array->data), static_cast<std::size_t>(array->size)});
+    const std::string_view text(At(array->data), static_cast<std::size_t>(array->size));
+    const bool typed = characters == Characters::Number || characters == Characters::Date;
+    return xbaseCell(text, characters == Characters::Logical ? 'L' : typed ? 'N' : 'C');
 }
+
+namespace {
 
 // ---- rows of values: table files ----
 
@@ -116,7 +121,7 @@ public:
         if (number_ >= std::min<std::int64_t>(rows_.count(), mostRows(source_))) return false;
         if (!steps_->step(bytesOfStep)) return fail(stoppedProblem());
         const RecordDescriptor* const record = rows_.at(static_cast<std::int32_t>(++number_));
-        if (record == nullptr) return fail({ErrorMessage(TakeError()) + ".", ""});
+        if (record == nullptr) return fail(badRow(source_, static_cast<std::int32_t>(number_), TakeError()));
         give(*record, row);
         return true;
     }
@@ -130,14 +135,14 @@ private:
         row.clear();
         for (std::int32_t n = 1; n <= fields; ++n) {
             const auto at = static_cast<std::size_t>(n - 1);
-            row.push_back({fieldText(RecordFieldAddress(&record, n), FieldKindAt(record.kinds, n),
-                                     isCharacter(at), scratch_[at]),
+            row.push_back({valueText(RecordFieldAddress(&record, n), FieldKindAt(record.kinds, n),
+                                     charactersOf(at), scratch_[at]),
                            false});
         }
     }
-    bool isCharacter(std::size_t column) {
+    Characters charactersOf(std::size_t column) {
         if (characters_.empty()) characters_ = characterColumns(source_.columns);
-        return column < characters_.size() && characters_[column];
+        return column < characters_.size() ? characters_[column] : Characters::None;
     }
 
     const Source& source_;
@@ -146,7 +151,7 @@ private:
     std::int64_t number_ = 0;
     std::unique_ptr<Steps> steps_;
     std::deque<std::string> scratch_;
-    std::vector<bool> characters_;
+    std::vector<Characters> characters_;
 };
 
 // ---- Xbase ----
@@ -175,30 +180,11 @@ public:
         row.clear();
         if (source_.deleted) row.push_back({bytes[0] == DeletedRow ? "True" : "False", false});
         for (std::int32_t n = 0; n < file_->header().fieldCount; ++n)
-            row.push_back({text(file_->field(bytes, n), file_->header().type[n]), false});
+            row.push_back({xbaseCell(file_->field(bytes, n), file_->header().type[n]), false});
         return true;
     }
 
 private:
-    // What is not known is "", and what is no truth value stands as it is.
-    static std::string_view text(std::string_view field, char type) {
-        if (type == 'C') return xbaseText(field);
-        const std::string_view text = trimmedText(field);
-        if (type != 'L' || text.size() != 1) return text;
-        switch (text[0]) {
-        case 'T':
-        case 't':
-        case 'Y':
-        case 'y': return "True";
-        case 'F':
-        case 'f':
-        case 'N':
-        case 'n': return "False";
-        case '?': return "";
-        default: return text;
-        }
-    }
-
     const Source& source_;
     std::unique_ptr<XbaseFile> file_;
     std::unique_ptr<Steps> steps_;
@@ -220,6 +206,7 @@ public:
             problem_ = cells_->problem();
             gap_ = cells_->gap();
             strayQuote_ = cells_->strayQuote();
+            blankLines_ = cells_->blankLines();
             return false;
         }
         for (Cell& cell : row) {

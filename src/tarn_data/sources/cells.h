@@ -40,6 +40,8 @@ public:
     [[nodiscard]] const Problem& gap() const { return gap_; }
     // The first row with a cell that begins with a quote and is none with quotes; 0: none.
     [[nodiscard]] std::int64_t strayQuote() const { return strayQuote_; }
+    // Of delimited text: lines of separators and blanks alone that stand behind the rows and an empty line.
+    [[nodiscard]] std::int64_t blankLines() const { return blankLines_; }
 
 protected:
     bool fail(Problem problem) {
@@ -47,7 +49,7 @@ protected:
         return false;
     }
     Problem problem_, gap_;
-    std::int64_t strayQuote_ = 0;
+    std::int64_t strayQuote_ = 0, blankLines_ = 0;
 };
 
 // The rows of a source that was identified, with the cells that --null names empty.

@@ -117,6 +117,14 @@ void lookAtNumber(ColumnFacts& column, std::int64_t row, std::string_view text, 
     column.decimals = std::max(column.decimals, static_cast<std::int32_t>(decimalsOf(number)));
 }
 
+bool isBlankAround(std::string_view text) {
+    constexpr char beyondBlanks = ' ';
+    return !text.empty() &&
+           ((text.front() <= beyondBlanks && text.front() > 0) ||
+            (text.back() <= beyondBlanks && text.back() > 0)) &&
+           withoutBlanks(text).size() != text.size();
+}
+
 void lookAtSet(ColumnFacts& column, std::string_view text) {
     const ValueGuess set = TypeInfoGuessValue(text, {});
     const bool first = column.count(CellClass::Set) == 1;
@@ -137,6 +145,10 @@ void lookAtCell(ColumnFacts& column, std::int64_t row, const Cell& cell) {
     const auto n = static_cast<std::size_t>(c);
     ++column.counts[n];
     if (column.examples[n].row == 0) column.examples[n] = {row, std::string(cell.text)};
+    if (c == CellClass::Boolean && column.oddTruth.row == 0 && cell.text != "True" && cell.text != "False")
+        column.oddTruth = {row, std::string(cell.text)};
+    if (c != CellClass::Text && isBlankAround(cell.text) && column.blanksAround++ == 0)
+        column.blankAround = {row, std::string(cell.text)};
     if (isNumber(c)) lookAtNumber(column, row, cell.text, c);
     if (c == CellClass::Set) lookAtSet(column, cell.text);
 }
@@ -169,7 +181,7 @@ CellClass ColumnFacts::type() const {
 }
 
 std::string ColumnFacts::line() const {
-    const std::string start = typeInfoName(name) + " : ";
+    const std::string start = quotedName(name) + " : ";
     switch (type()) {
     case CellClass::Nothing: return start + "Any\n";
     case CellClass::Boolean: return start + "boolean\n";
@@ -231,6 +243,7 @@ Problem lookAtRows(CellSource& cells, const std::vector<std::string>& named, Row
     }
     facts.gap = cells.gap();
     facts.strayQuote = cells.strayQuote();
+    facts.blankLines = cells.blankLines();
     return problem.any() ? problem : cells.problem();
 }
 

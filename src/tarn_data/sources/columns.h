@@ -36,6 +36,10 @@ struct ColumnFacts {
     std::int64_t nullWords = 0;
     CellExample blankEnd;  // the first text with blanks at its end
     std::int64_t blankEnds = 0;
+    CellExample oddTruth;  // the first truth value that is written neither True nor False
+    CellExample
+        blankAround;  // the first cell, of a number or a truth value or of blanks alone, that has blanks around it
+    std::int64_t blanksAround = 0;
     std::size_t longest = 0;            // bytes of a cell
     std::int32_t decimals = 0;          // of numbers, at most
     std::size_t widest = 0;             // characters of a number without exponent
@@ -59,7 +63,7 @@ struct RowsFacts {
     std::int64_t ragged = 0, firstRagged = 0;
     std::size_t raggedCells = 0, usualCells = 0;
     Problem gap;  // an empty line that ended the rows
-    std::int64_t strayQuote = 0;
+    std::int64_t strayQuote = 0, blankLines = 0;
 };
 
 // Reads all rows. `named` are the names of the columns as they stand in the file; those beyond are FIELDn.

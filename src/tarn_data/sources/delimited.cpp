@@ -34,7 +34,7 @@ Problem DelimitedReader::open() {
     problem_ = gap_ = {};
     strayQuote_ = 0;
     at_ = have_ = 0;
-    rows_ = 0;
+    rows_ = blankLines_ = 0;
     offset_ = form_.begin;
     headers_.clear();
     framed_ = false;
@@ -54,7 +54,7 @@ Problem DelimitedReader::open() {
 
 // Counts lines from the end of the file: the last one may lack its line feed.
 Problem DelimitedReader::findFooters() {
-    limit_ = file_->size();
+    limit_ = std::max(form_.begin, file_->size() - form_.endBytes);
     std::int32_t count = form_.footerRows;
     if (count <= 0) return {};
     bool last = true;  // the byte at the end, which ends the last line and separates nothing
@@ -222,7 +222,10 @@ bool DelimitedReader::endAtGap(CellRow& row) {
     const std::int64_t empty = rows_ + 1;
     for (std::int64_t number = empty + 1; (form_.maxRows < 0 || number <= form_.maxRows) && readRow(row);
          ++number) {
-        if (isBlankRow(row)) continue;
+        if (isBlankRow(row)) {
+            blankLines_ += row.size() == 1 && isBare(row[0]) ? 0 : 1;
+            continue;
+        }
         gap_ = {fileWord(form_.name) + "row " + std::to_string(empty) + " is empty, and row " +
                     std::to_string(number) + " is not.",
                 "Take the empty line out, or leave what follows it with --max-rows=" +

@@ -23,6 +23,7 @@ struct DelimitedForm {
     std::string file;  // that is opened
     std::string name;  // that messages tell
     std::int64_t begin = 0;
+    std::int64_t endBytes = 0;     // that are no text, at the end: a mark of it, and what fills the file up
     std::int32_t separator = ',';  // -1: every line is one cell, and quotes are characters
     std::int32_t headerRows = 0, footerRows = 0, maxRows = -1;
 };

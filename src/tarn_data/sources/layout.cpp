@@ -291,6 +291,7 @@ DelimitedForm formOf(const Source& source) {
     form.file = source.path;
     form.name = source.file;
     form.begin = source.begin;
+    form.endBytes = source.endBytes;
     form.separator = IsDelimited(source.format) ? source.options.separatorchar : -1;
     form.headerRows = source.options.numheaderrows;
     form.footerRows = source.options.numfooterrows;
@@ -307,7 +308,7 @@ std::vector<std::string> headingNames(const Source& source) {
     return names;
 }
 
-std::string typeInfoName(std::string_view name) {
+std::string quotedName(std::string_view name) {
     const auto isPart = [](char c) { return ascii::isSymbol(c) || c == '.' || c == ':'; };
     const bool plain = !name.empty() && (ascii::isLetter(name[0]) || name[0] == '_');
     std::string made(name);

@@ -22,6 +22,6 @@ DelimitedForm formOf(const Source& source);
 // The headings without blanks around them; FIELDn where there is none.
 std::vector<std::string> headingNames(const Source& source);
 // A name as type information text holds it, in quotes where it is none of the language.
-std::string typeInfoName(std::string_view name);
+std::string quotedName(std::string_view name);
 
 }  // namespace tarn::datatool

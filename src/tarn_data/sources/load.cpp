@@ -34,8 +34,13 @@ Problem makeRows(std::string_view columns, bool exact, Rows& rows) {
             "--text takes every column as text."};
 }
 
-bool fitsMemory(std::int64_t rows) {
-    return rows <= MaxBlock / KindSize[KindRecord];
+// A field takes its value, and a block for its text that is rounded up.
+bool fitsMemory(const Source& source, std::string_view columns) {
+    constexpr std::int64_t mostBytes = std::int64_t{16} << 20, fieldBytes = 48;
+    const std::int64_t rows = source.rowsSeen, inFile = os::sizeOf(os::native(source.file)),
+                       fields = std::count(columns.begin(), columns.end(), '\n');
+    if (rows < 0 || rows > MaxBlock / KindSize[KindRecord]) return false;
+    return rows * (KindSize[KindRecord] + fields * fieldBytes) + inFile <= mostBytes;
 }
 
 Problem makeFileRows(std::string_view columns, Rows& rows) {
@@ -54,14 +59,6 @@ Problem makeFileRows(std::string_view columns, Rows& rows) {
 }
 
 namespace {
-
-// In memory when that has room.
-Problem makeRowsFor(const Source& source, std::string_view columns, Rows& rows) {
-    constexpr std::int64_t leastLine = 2;
-    const std::int64_t size = os::sizeOf(os::native(source.file));
-    const std::int64_t expected = source.rowsSeen >= 0 ? source.rowsSeen : size / leastLine;
-    return fitsMemory(expected) ? makeRows(columns, true, rows) : makeFileRows(columns, rows);
-}
 
 std::string rowOf(const Source& source, std::int32_t row) {
     return fileWord(source.file) + "row " + std::to_string(row) + " ";
@@ -94,7 +91,8 @@ Problem loadProblem(const Source& source, const DataResult& result, const std::s
 
 Problem loadRows(const Source& source, std::string_view columns, Rows& rows) {
     if (source.format == FormatBinary) return loadTable(source, columns, rows);
-    Problem problem = makeRowsFor(source, columns, rows);
+    Problem problem =
+        fitsMemory(source, columns) ? makeRows(columns, true, rows) : makeFileRows(columns, rows);
     if (problem.any()) return problem;
     return loadXbase(source, rows);
 }

@@ -13,7 +13,9 @@
 #include "kernel/values/strings.h"
 #include "os/text/ascii.h"
 #include "tarn_data/base/shown.h"
+#include "tarn_data/base/tables.h"
 #include "tarn_data/base/xbase.h"
+#include "tarn_data/sources/digits.h"
 #include "tarn_data/sources/load.h"
 
 #include <algorithm>
@@ -71,17 +73,25 @@ private:
         const XbaseHeader& header = file_.header();
         const std::string_view field = file_.field(row, n);
         if (kind == KindString) {
-            const std::string_view text = header.type[n] == 'C' ? xbaseText(field) : trimmedText(field);
-            StringAssignView(static_cast<StringDescriptor*>(at), text);
+            StringAssignView(static_cast<StringDescriptor*>(at),
+                             header.type[n] == 'C' ? xbaseText(field) : trimmedText(field));
             return ErrorCell() == 0;
         }
-        if (kind < KindString && trimmedText(field).empty() && blanks_++ == 0) firstBlank_ = number_;
+        const std::string_view cell = xbaseCell(field, header.type[n]);
+        if (kind < KindString && cell.empty() && blanks_++ == 0) firstBlank_ = number_;
+        if (!isHeld(kind, cell)) return SetError(ERR_COMPONENT_UNREPRESENTABLE), false;
         auto position = static_cast<std::size_t>(field.data() - row.data());
         std::int32_t number = n + 1;
         XbaseFault fault;
         XbaseFromRow(row, position, header, number, at, kind, fault);
         SetError(fault.errorCode);
         return ErrorCell() == 0;
+    }
+
+    // What is neither a truth value nor nothing would become False, and decimals behind the fourth nothing.
+    static bool isHeld(Kind kind, std::string_view cell) {
+        if (kind == KindBoolean) return cell.empty() || cell == "True" || cell == "False";
+        return kind >= KindString || numberHolds(kind, cell);
     }
 
     const XbaseFile& file_;
@@ -143,18 +153,13 @@ Problem openTable(const Source& source, std::string_view columns, Rows& rows) {
     return opened ? Problem() : rowProblem(source, 0, TakeError());
 }
 
-// Characters become a text without the blanks that fill them up; other fields stay what they are.
-void copyField(const void* from, Kind kind, void* to, Kind target) {
-    if (kind == target) {
+// Characters become a text; other fields stay what they are.
+void copyField(const void* from, Kind kind, Characters characters, void* to, Kind target) {
+    std::string scratch;
+    if (kind == target)
         AdtCopy(from, to, kind);
-    } else if (kind == KindEnum) {
-        const std::string_view character(static_cast<const char*>(from), 1);
-        StringAssignView(static_cast<StringDescriptor*>(to), trimmedText(character));
-    } else {
-        const auto* const array = static_cast<const ArrayDescriptor*>(from);
-        const std::string_view text(At(array->data), static_cast<std::size_t>(array->size));
-        StringAssignView(static_cast<StringDescriptor*>(to), xbaseText(text));
-    }
+    else
+        StringAssignView(static_cast<StringDescriptor*>(to), valueText(from, kind, characters, scratch));
 }
 
 Problem copyRows(const Source& source, Rows& from, Rows& rows) {
@@ -163,14 +168,17 @@ Problem copyRows(const Source& source, Rows& from, Rows& rows) {
     AdtInit(record.get(), rows.shape(), KindRecord);
     const std::int32_t fields = FieldCountOf(record.get()->kinds), bytes = rowBytes(source.type);
     const std::int32_t last = std::min(from.count(), mostRows(source));
+    const std::vector<Characters> characters = characterColumns(source.type.columns);
     Steps steps(std::int64_t{last} * bytes);
     for (std::int32_t i = 1; i <= last; ++i) {
         if (!steps.step(bytes)) return stoppedProblem();
         const RecordDescriptor* const row = from.at(i);
-        for (std::int32_t n = 1; row != nullptr && n <= fields; ++n)
+        if (row == nullptr) return badRow(source, i, TakeError());
+        for (std::int32_t n = 1; n <= fields; ++n)
             copyField(RecordFieldAddress(row, n), FieldKindAt(row->kinds, n),
-                      RecordFieldAddress(record.get(), n), FieldKindAt(record.get()->kinds, n));
-        const bool copied = row != nullptr && ErrorCell() == 0 && rows.add(record.get());
+                      characters[static_cast<std::size_t>(n) - 1], RecordFieldAddress(record.get(), n),
+                      FieldKindAt(record.get()->kinds, n));
+        const bool copied = ErrorCell() == 0 && rows.add(record.get());
         if (!copied) return rowProblem(source, i, TakeError());
     }
     return {};
@@ -188,12 +196,41 @@ Problem openTableRows(const Source& source, Rows& rows) {
     return openTable(source, source.type.columns, rows);
 }
 
-std::vector<bool> characterColumns(std::string_view columns) {
-    std::vector<bool> characters;
+std::vector<Characters> characterColumns(std::string_view columns) {
+    constexpr struct {
+        std::string_view word;
+        Characters characters;
+    } words[] = {{"Tchar", Characters::One},
+                 {"Tchars", Characters::Text},
+                 {"Tnumeric", Characters::Number},
+                 {"Tlogical", Characters::Logical},
+                 {"Tdate", Characters::Date}};
+    std::vector<Characters> found;
     const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
-    for (std::int32_t n = 1; n <= lines; ++n)
-        characters.push_back(ascii::equal(TypeInfoParseLine(columns, n).typeName, "Tchar"));
-    return characters;
+    for (std::int32_t n = 1; n <= lines; ++n) {
+        const std::string type = TypeInfoParseLine(columns, n).typeName;
+        const auto* const row = std::find_if(std::begin(words), std::end(words),
+                                             [&](const auto& w) { return ascii::equal(w.word, type); });
+        found.push_back(row != std::end(words) ? row->characters : Characters::None);
+    }
+    return found;
+}
+
+Problem badRow(const Source& source, std::int32_t number, std::int32_t code) {
+    TableFacts facts;
+    FileRows file;
+    std::string bytes;
+    const bool known = code == ERR_FILE_READ && number > 0 &&
+                       !tableFacts(source.file, source.type, facts).any() && file.open(source.file);
+    const std::int64_t at = facts.headerBytes + (std::int64_t{number} - 1) * facts.rowBytes;
+    const auto size = static_cast<std::size_t>(facts.rowBytes);
+    const bool read = known && file.read(at, size, bytes) && bytes.size() == size;
+    const std::int32_t field = read ? RowBytes(source.type).badField(bytes) : 0;
+    if (field == 0) return rowProblem(source, number, code);
+    return {fileWord(source.file) + "row " + std::to_string(number) +
+                " cannot be read: its bytes are no value of field '" +
+                shown(fieldNames(source.type.columns)[static_cast<std::size_t>(field) - 1]) + "'.",
+            "Look whether the declaration is that of its rows; 'tarn-data check' names every such row."};
 }
 
 Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
@@ -204,7 +241,7 @@ Problem loadTable(const Source& source, std::string_view columns, Rows& rows) {
     Problem problem = openTable(source, same ? columns : source.type.columns, whole ? rows : inPlace);
     if (problem.any()) return problem;
     if (whole) return rows.beginBatch() ? Problem() : rowProblem(source, 0, TakeError());
-    problem = fitsMemory(source.rowsSeen) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
+    problem = fitsMemory(source, columns) ? makeRows(columns, false, rows) : makeFileRows(columns, rows);
     if (!problem.any() && !rows.beginBatch()) problem = rowProblem(source, 0, TakeError());
     if (!problem.any() && !inPlace.beginBatch()) problem = rowProblem(source, 0, TakeError());
     if (!problem.any()) problem = copyRows(source, inPlace, rows);

@@ -23,11 +23,12 @@ Source::~Source() = default;
 
 namespace {
 
-// What to do about a file that is none of the known forms.
-std::string adviceFor(const std::string& file, const std::string& beginning) {
+// What a file is that is none of the known forms, and what to do about it; nothing for what is not known at all.
+std::string adviceForOther(const std::string& file, const std::string& beginning) {
     const EncodingFacts facts = encodingOfBeginning(beginning);
-    if (facts.isUtf16())
-        return "It is UTF-16 text. Convert it first: " + iconvCommand(shown(file), facts.encoding);
+    if (facts.isWide())
+        return "It is " + facts.wideName() +
+               " text. Convert it first: " + iconvCommand(shown(file), facts.encoding);
     constexpr struct {
         std::string_view bytes, advice;
     } marks[] = {
@@ -37,21 +38,33 @@ std::string adviceFor(const std::string& file, const std::string& beginning) {
     for (const auto& mark : marks) {
         if (beginning.starts_with(mark.bytes)) return std::string(mark.advice);
     }
+    return {};
+}
+
+std::string adviceForUnknown(const std::string& file) {
+    const std::string beginning = beginningOf(file), advice = adviceForOther(file, beginning);
+    if (!advice.empty()) return advice;
+    const bool markup = beginning.size() > 1 && beginning[0] == '<';
+    if (markup && static_cast<unsigned char>(beginning[1]) >= 0x80) return AdviceForXmlNames;
     return "Known are files of the forms " + DataFormatNames("and") +
            "; --separator=C reads it as delimited text, --type=FILE as a table file.";
 }
 
-Problem problemOfInfo(const std::string& file, const std::string& message) {
+Problem problemOfInfo(const std::string& file, DataFileFault fault, const std::string& message) {
     const Problem problem = problemOfName(file);
     if (problem.any()) return {message, problem.next};
     if (os::sizeOf(os::native(file)) == 0)
         return {message, "It is empty; a data file has at least one line."};
-    if (message.find("unknown file type") != std::string::npos)
-        return {message, adviceFor(file, beginningOf(file))};
-    if (message.find("locked") != std::string::npos)
+    switch (fault) {
+    case DataFileFault::Unknown: return {message, adviceForUnknown(file)};
+    case DataFileFault::Locked:
         return {message, "Look whether you may read it, and whether another program has it open."};
-    return {message.find(file) == std::string::npos ? fileWord(file) + "cannot be read: " + message : message,
-            "Look whether its rows are what the options say, and whether it holds any."};
+    case DataFileFault::Nothing:
+        return {message, "Look whether its rows are what the options say, and whether it holds any."};
+    default:
+        return {fileWord(file) + "cannot be read: " + message,
+                "Look whether its rows are what the options say, and whether it holds any."};
+    }
 }
 
 // ---- delimited text ----
@@ -73,38 +86,59 @@ bool beginsAsText(std::string_view bytes) {
 
 // What begins like text, or is said to be text and has no zero byte. Other forms are told by their beginning.
 bool isDelimitedText(const Arguments& arguments, const Source& source, const std::string& beginning) {
-    if (encodingOfBeginning(beginning).isUtf16()) return true;
+    if (encodingOfBeginning(beginning).isWide()) return true;
     const std::string_view text = std::string_view(beginning).substr(static_cast<std::size_t>(source.begin));
     if (beginsAsText(text)) return true;
     if (text.empty()) return false;
     const bool said = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
-    return said && adviceFor(source.file, beginning)[0] != 'I' && text.find('\0') == std::string_view::npos;
+    return said && adviceForOther(source.file, beginning).empty() &&
+           text.find('\0') == std::string_view::npos;
 }
 
-// Text of UTF-16 is read from a copy of UTF-8.
+// Some programs end a text with the byte 1A, and fill the file up with it or with zeros.
+Problem leaveEndMark(Source& source) {
+    constexpr std::int64_t most = 4096;
+    constexpr std::string_view fill("\x1A\0", 2);
+    FileRows file;
+    std::string end;
+    if (!file.open(source.path)) return unreadable(source.file, file.error());
+    const std::int64_t from = std::max(source.begin, file.size() - most);
+    if (!file.read(from, static_cast<std::size_t>(most), end)) return unreadable(source.file, file.error());
+    const std::size_t text = end.find_last_not_of(fill) + 1, mark = end.find(fill[0], text);
+    if (mark == std::string::npos || from + static_cast<std::int64_t>(mark) == source.begin) return {};
+    source.endBytes = static_cast<std::int64_t>(end.size() - mark);
+    note(fileWord(source.file) + "ends with " + std::to_string(source.endBytes) +
+         (source.endBytes == 1 ? " byte" : " bytes") + " that mark its end (1A) and are no text: left out.");
+    return {};
+}
+
+// Text of UTF-16 and UTF-32 is read from a copy of UTF-8.
 Problem takeEncoding(Source& source, const std::string& beginning) {
     const EncodingFacts facts = encodingOfBeginning(beginning);
     source.begin = static_cast<std::int64_t>(facts.markBytes);
-    if (!facts.isUtf16()) return {};
+    if (!facts.isWide()) return leaveEndMark(source);
     source.folder = std::make_unique<WorkFolder>();
     source.path = source.folder->path() + "/text";
     source.begin = 0;
     Problem problem;
     if (source.folder->error() != os::FileError::None)
-        problem = {fileWord(source.file) + "is UTF-16 text, and there is no folder for a copy of it: " +
+        problem = {fileWord(source.file) + "is " + facts.wideName() +
+                       " text, and there is no folder for a copy of it: " +
                        std::string(os::describe(source.folder->error())),
                    "Choose one with TMPDIR, or convert it first: " +
                        iconvCommand(shown(source.file), facts.encoding)};
     else
         problem = writeAsUtf8(source.file, facts, source.path);
     if (!problem.any())
-        note(fileWord(source.file) + "is UTF-16 text. It is read as UTF-8, and what is written is UTF-8.");
+        note(fileWord(source.file) + "is " + facts.wideName() +
+             " text. It is read as UTF-8, and what is written is UTF-8.");
     return problem;
 }
 
 Problem identifyLines(const Arguments& arguments, Source& source) {
     if (problemOfName(source.file).any() || os::sizeOf(os::native(source.file)) == 0)
-        return problemOfInfo(source.file, fileWord(source.file) + "is invalid, does not exist or is empty.");
+        return problemOfInfo(source.file, DataFileFault::Nothing,
+                             fileWord(source.file) + "is invalid, does not exist or is empty.");
     source.format = FormatText;
     source.options = DefaultDataOptions(FormatText);
     source.options.numheaderrows = arguments.from.headerRows.value_or(0);
@@ -130,20 +164,21 @@ Problem identifyOther(const Arguments& arguments, Source& source) {
     DataOptions options;
     options.maxdatarows = 0;
     const DataFileInfo info = GetDataFileInfo(source.file, &options);
-    const bool unknown = info.message.find("is an unknown file type") != std::string::npos;
+    const bool unknown = info.fault == DataFileFault::Unknown;
     const bool delimited = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
     if (unknown && !delimited && !arguments.type.empty()) return identifyTable(arguments, source);
     if (stopSignal() != 0) return stoppedProblem();
-    return problemOfInfo(source.file, info.message.empty()
-                                          ? fileWord(source.file) + "is an unknown file type."
-                                          : info.message);
+    if (info.message.empty())
+        return problemOfInfo(source.file, DataFileFault::Unknown,
+                             fileWord(source.file) + "is an unknown file type.");
+    return problemOfInfo(source.file, info.fault, info.message);
 }
 
 Problem identifyText(const Arguments& arguments, Source& source) {
     const std::string beginning = beginningOf(source.file);
     source.begin = static_cast<std::int64_t>(encodingOfBeginning(beginning).markBytes);
-    std::string start = beginning.substr(static_cast<std::size_t>(source.begin), 4);
-    start.erase(std::remove(start.begin(), start.end(), '\0'), start.end());  // of UTF-16, too
+    std::string start = beginning.substr(static_cast<std::size_t>(source.begin), 16);
+    start.erase(std::remove(start.begin(), start.end(), '\0'), start.end());  // of wide characters, too
     if (beginsAsXml(start)) return identifyXml(arguments, source);
     if (!isDelimitedText(arguments, source, beginning)) return identifyOther(arguments, source);
     return identifyDelimited(arguments, source, beginning);
@@ -180,7 +215,7 @@ Problem identify(const std::string& file, const Arguments& arguments, bool isTab
 
 // ---- columns ----
 
-std::vector<std::string> columnNames(std::string_view columns) {
+std::vector<std::string> lineNames(std::string_view columns) {
     std::vector<std::string> names;
     const auto lines = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), '\n'));
     for (std::int32_t n = 1; n <= lines; ++n) names.push_back(TypeInfoName(columns, n));

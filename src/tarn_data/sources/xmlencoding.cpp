@@ -58,6 +58,9 @@ constexpr ByteEncoding encodings[] = {
     {"utf-16", {}, nullptr},
     {"utf-16le", {}, nullptr},
     {"utf-16be", {}, nullptr},
+    {"utf-32", {}, nullptr},
+    {"utf-32le", {}, nullptr},
+    {"utf-32be", {}, nullptr},
     {"iso-8859-1", "ISO-8859-1", fromLatin1},
     {"iso_8859-1", "ISO-8859-1", fromLatin1},
     {"latin1", "ISO-8859-1", fromLatin1},
@@ -151,14 +154,14 @@ Problem takeXmlEncoding(Source& source) {
         std::find_if(std::begin(encodings), std::end(encodings),
                      [&](const ByteEncoding& e) { return ascii::equal(e.name, declared); });
     const bool known = encoding != std::end(encodings);
-    if (!facts.isUtf16() && (declared.empty() || (known && encoding->character == nullptr))) return {};
-    if (!facts.isUtf16() && !known) return otherEncoding(source, shown(declared));
-    const std::string name(facts.isUtf16() ? "UTF-16" : encoding->shown);
+    if (!facts.isWide() && (declared.empty() || (known && encoding->character == nullptr))) return {};
+    if (!facts.isWide() && !known) return otherEncoding(source, shown(declared));
+    const std::string name = facts.isWide() ? facts.wideName() : std::string(encoding->shown);
     Problem problem = makeFolder(source, name);
     if (problem.any()) return problem;
     source.path = source.folder->path() + "/text";
     source.begin = 0;
-    problem = facts.isUtf16() ? writeAsUtf8(source.file, facts, source.path) : copyBytes(source, *encoding);
+    problem = facts.isWide() ? writeAsUtf8(source.file, facts, source.path) : copyBytes(source, *encoding);
     if (!problem.any())
         note(fileWord(source.file) + "is " + name +
              " text. It is read as UTF-8, and what is written is UTF-8.");

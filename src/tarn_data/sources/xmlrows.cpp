@@ -6,6 +6,7 @@
 #include "os/text/ascii.h"
 #include "tarn_data/base/files.h"
 #include "tarn_data/commands/commands.h"
+#include "tarn_data/sources/load.h"
 
 #include <algorithm>
 
@@ -45,7 +46,7 @@ void XmlRowReader::open() {
     rowsSeen_ = tagOpen_ = typed_ = false;
     rowName_.clear();
     outerAttributes_ = looseTexts_ = besideRows_ = {};
-    const ErrorRecord error = reader_.startWalk(file_, *this, XmlCharacters::Utf8);
+    const ErrorRecord error = reader_.startWalk(file_, *this, XmlCharacters::Utf8, XmlLengths::Long);
     if (error.code != 0) fault(fileWord(name_) + "cannot be read: " + error.message + ".", "");
 }
 
@@ -66,10 +67,7 @@ void XmlRowReader::endFile() {
     } else if (result.fileError != os::FileError::None) {
         problem_ = unreadable(name_, result.fileError);
     } else if (result.error.code != 0) {
-        fault(fileWord(name_) + "cannot be read: " + result.error.message + " (Line " +
-                  std::to_string(result.error.line) + ", Position " + std::to_string(result.error.position) +
-                  ")",
-              "Correct the file at that place.");
+        problem_ = xmlProblem(file_, name_, result.error);
     }
 }
 

@@ -17,8 +17,8 @@
 // Cost: linear in the file; in memory a line of it, and one row.
 #pragma once
 
-#include "kernel/data/xml/xml_order.h"
 #include "kernel/data/xml/xml_reader.h"
+#include "kernel/data/xml/xml_rows.h"
 #include "tarn_data/base/problem.h"
 
 #include <cstdint>

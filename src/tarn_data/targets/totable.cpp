@@ -5,6 +5,7 @@
 // rows, of one or of the other table, that lack indexes.
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/index/index_file.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/tables/filevalues.h"
@@ -50,7 +51,7 @@ bool hasNames(const Source& source) {
 }  // namespace
 
 Problem fitColumns(const Source& source, std::vector<std::string> from, const RowType& type) {
-    std::vector<std::string> to = fieldNames(repairedNames(type.columns));
+    std::vector<std::string> to = fieldNames(withRepairedNames(type.columns));
     const bool marked = source.format == FormatXbase && isDeleteFlag(type.columns);
     if (marked) to.erase(to.begin());
     if (marked && source.deleted) from.erase(from.begin());
@@ -134,7 +135,7 @@ Problem NewTable::begin() {
 }
 
 Problem NewTable::add(const RecordDescriptor* row) {
-    if (row != nullptr && made_.add(row)) return {};
+    if (made_.add(row)) return {};
     const bool full = ErrorCell() == ERR_FIXED_LIST || ErrorCell() == ERR_FIXED_TABLE;
     if (!full) return failed();
     ClearError();
@@ -152,8 +153,16 @@ Problem NewTable::end() {
 // Those that are asked for, or those of the table that is replaced.
 Problem NewTable::makeIndexes() {
     keys_ = target_.keys;
+    const std::vector<IndexBeside> beside = indexesBeside(place_.path, target_.type);
+    for (std::size_t n = 0; n < std::min(keys_.size(), beside.size()); ++n) {
+        if (beside[n].owner.empty()) continue;
+        return {"'" + shown(target_.file) + "' cannot have the index file '" +
+                    shown(IndexFileName(target_.file, beside[n].number)) + "'. " + beside[n].file.wrong,
+                "Choose another name or folder, or leave --keys away."};
+    }
     if (keys_.empty()) {
-        for (const IndexBeside& index : indexesBeside(place_.path, target_.type)) {
+        for (const IndexBeside& index : beside) {
+            if (!index.owner.empty()) continue;
             if (index.keyMap == 0)
                 return {"The key of index file '" + IndexFileName(target_.file, index.number) +
                             "' does not fit the new rows. " + index.file.wrong,
@@ -281,6 +290,7 @@ public:
         AdtInit(record_.get(), target_.type.row.get(), KindRecord);
         const std::size_t fields = static_cast<std::size_t>(FieldCountOf(record_.get()->kinds));
         nothings_.resize(fields);
+        others_.resize(fields);
         characters_ = characterColumns(target_.type.columns);
         return table_.begin();
     }
@@ -290,37 +300,68 @@ public:
                         " cells, and the declaration " + std::to_string(nothings_.size()) + " columns.",
                     "Look whether a cell holds the separator without quotes."};
         for (std::size_t n = 0; n < nothings_.size(); ++n) {
-            Problem problem = fill(n < row.size() ? row[n].text : std::string_view(), number, n);
+            const std::string_view cell = n < row.size() ? row[n].text : std::string_view();
+            Problem problem = fill(cell, number, n);
             if (problem.any()) return problem;
+            compare(cell, number, n);
         }
         return table_.add(record_.get());
     }
     Problem finish(std::int64_t) override {
         Problem problem = finishTable(table_, {});
         for (std::size_t n = 0; n < nothings_.size() && !problem.any(); ++n) {
+            noteOthers(n);
             if (nothings_[n].count == 0) continue;
             note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(nothings_[n].count) +
                  (nothings_[n].count == 1 ? " cell that holds nothing becomes"
                                           : " cells that hold nothing become") +
-                 (isSet(n) ? " []" : " 0 or False") + " (the first in row " + std::to_string(nothings_[n].row) +
-                 "): a table file has no other " + (isSet(n) ? "set" : "number") + " for nothing.");
+                 (isSet(n) ? " []" : " 0 or False") + " (the first in row " +
+                 std::to_string(nothings_[n].row) + "): a table file has no other " +
+                 (isSet(n) ? "set" : "number") + " for nothing.");
         }
         return problem;
     }
 
 private:
     struct Nothing {
-        std::int64_t count = 0, row = 0;
+        std::int64_t count = 0, row = 0, last = 0;  // the first row, and the last one
     };
+    // Cells that the values give back as other texts.
+    struct Other {
+        std::int64_t count = 0, row = 0;
+        std::string cell, value;
+    };
+
+    void compare(std::string_view cell, std::int64_t number, std::size_t n) {
+        const auto column = static_cast<std::int32_t>(n + 1);
+        const void* const field = RecordFieldAddress(record_.get(), column);
+        const std::string_view value =
+            valueText(field, FieldKindAt(record_.get()->kinds, column), characters_[n], scratch_);
+        if (value == cell || nothings_[n].last == number) return;
+        Other& other = others_[n];
+        if (other.count++ == 0) other = {1, number, std::string(cell), std::string(value)};
+    }
+    void noteOthers(std::size_t n) const {
+        const Other& other = others_[n];
+        if (other.count == 0) return;
+        note("Column '" + shown(columns_.headings[n]) + "': " + std::to_string(other.count) +
+             (other.count == 1 ? " cell comes" : " cells come") + " back in another form (the first in row " +
+             std::to_string(other.row) + ": '" + shownCell(other.cell) + "' as '" + shownCell(other.value) +
+             "').");
+    }
 
     [[nodiscard]] bool isSet(std::size_t n) const {
         return FieldKindAt(record_.get()->kinds, static_cast<std::int32_t>(n + 1)) == KindSet;
+    }
+    void countNothing(std::size_t n, std::int64_t number) {
+        if (nothings_[n].count++ == 0) nothings_[n].row = number;
+        nothings_[n].last = number;
     }
     Problem fill(std::string_view cell, std::int64_t number, std::size_t n) {
         const auto column = static_cast<std::int32_t>(n + 1);
         const Kind kind = FieldKindAt(record_.get()->kinds, column);
         void* const field = RecordFieldAddress(record_.get(), column);
-        const bool character = kind == KindEnum && characters_[n];
+        const bool character = kind == KindEnum && characters_[n] == Characters::One;
         const bool value = kind < KindString && !character;
         if (character) {
             *static_cast<char*>(field) = cell.empty() ? ' ' : cell[0];
@@ -329,18 +370,27 @@ private:
         if (value || kind == KindSet) cell = withoutBlanks(cell);
         if (value && isNothing(cell)) {
             std::memset(field, 0, static_cast<std::size_t>(KindSize[kind]));
-            if (nothings_[n].count++ == 0) nothings_[n].row = number;
+            countNothing(n, number);
             return {};
         }
         if (kind == KindSet && cell.empty()) {
             SetClear(static_cast<SetDescriptor*>(field));
-            if (nothings_[n].count++ == 0) nothings_[n].row = number;
+            countNothing(n, number);
             return {};
         }
+        char truth = 0;
+        if (characters_[n] == Characters::Logical) cell = logicalText(cell, truth);
         const bool known = static_cast<std::size_t>(kind) < std::size(fills) && fills[kind] != nullptr;
         const bool held = known && fills[kind](cell, field);
         ClearError();
         return held ? Problem() : misfit(cell, number, n, kind);
+    }
+    // What a field of the type L holds for a truth value; other texts as they are.
+    static std::string_view logicalText(std::string_view cell, char& letter) {
+        bool value = false, ok = false;
+        BooleanFromText(cell, value, ok);
+        letter = value ? 'T' : 'F';
+        return ok ? std::string_view(&letter, 1) : cell;
     }
     [[nodiscard]] Problem misfit(std::string_view cell, std::int64_t number, std::size_t n, Kind kind) const {
         const bool text = kind == KindString || kind == KindArray;
@@ -358,7 +408,9 @@ private:
     NewTable table_;
     RecordValue record_;
     std::vector<Nothing> nothings_;
-    std::vector<bool> characters_;
+    std::vector<Other> others_;
+    std::vector<Characters> characters_;
+    std::string scratch_;
 };
 
 }  // namespace
@@ -367,7 +419,7 @@ std::unique_ptr<CellTarget> tableTarget(const Target& target, const TargetColumn
     return std::make_unique<TableTarget>(target, columns);
 }
 
-Problem saveTable(const Target& target, Rows& rows) {
+Problem saveTable(const Source& source, const Target& target, Rows& rows) {
     const Work work("writing " + target.file);
     if (stopSignal() != 0) return stoppedAhead(target.file);
     NewTable table(target);
@@ -375,8 +427,13 @@ Problem saveTable(const Target& target, Rows& rows) {
     const std::int32_t bytes = rowBytes(target.type);
     Steps steps(std::int64_t{rows.count()} * bytes);
     rows.beginBatch();
-    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i)
-        problem = steps.step(bytes) ? table.add(rows.at(i)) : stoppedAhead(target.file);
+    for (std::int32_t i = 1; i <= rows.count() && !problem.any(); ++i) {
+        const RecordDescriptor* const row = rows.at(i);
+        if (row == nullptr)
+            problem = badRow(source, i, TakeError());
+        else
+            problem = steps.step(bytes) ? table.add(row) : stoppedAhead(target.file);
+    }
     return finishTable(table, problem);
 }
 

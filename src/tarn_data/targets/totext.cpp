@@ -110,6 +110,7 @@ public:
 
     Problem begin() override {
         const std::int32_t rows = isLines() ? 0 : target_.headerRows.value_or(columns_.named ? 1 : 0);
+        if (isLines() && columns_.headings.size() > 1) return manyColumns(columns_.headings.size());
         std::string line;
         for (const std::string& name : columns_.names) line += (line.empty() ? "" : separator()) + name;
         if (rows > 0) out_.write(line + "\n");
@@ -118,9 +119,7 @@ public:
         return {};
     }
     Problem put(const CellRow& row, std::int64_t number) override {
-        if (isLines() && row.size() != 1)
-            return {"There are " + std::to_string(row.size()) + " columns, and lines of text hold one.",
-                    "--to-separator=C writes '" + target_.file + "' as delimited text."};
+        if (isLines() && row.size() != 1) return manyColumns(row.size());
         line_.clear();
         for (std::size_t n = 0; n < row.size(); ++n) {
             cell_ = row[n].text;
@@ -136,10 +135,21 @@ public:
     Problem finish(std::int64_t rows) override {
         if (target_.options.numfooterrows > 1) out_.write("\n");
         if (target_.options.numfooterrows > 0) out_.write(rowCount(rows) + "\n");
-        return out_.finish();
+        Problem problem = out_.finish();
+        const bool lost = isLines() && columns_.named && columns_.headings.size() == 1;
+        if (!problem.any() && lost && columns_.headings[0] != nameOfLines)
+            note("Lines of text have no heading: '" + shown(columns_.headings[0]) + "' stands nowhere in '" +
+                 shown(target_.file) + "'.");
+        return problem;
     }
 
 private:
+    static constexpr std::string_view nameOfLines = "line";
+
+    [[nodiscard]] Problem manyColumns(std::size_t columns) const {
+        return {"There are " + std::to_string(columns) + " columns, and lines of text hold one.",
+                "--to-separator=C writes '" + target_.file + "' as delimited text."};
+    }
     [[nodiscard]] bool isLines() const { return !IsDelimited(target_.format); }
     [[nodiscard]] std::string separator() const {
         return std::string(1, static_cast<char>(target_.options.separatorchar));

@@ -15,7 +15,6 @@ namespace tarn::datatool {
 
 namespace {
 
-constexpr char endMark = 26;
 constexpr std::size_t longestName = std::size_t{MaxXbaseFieldName},
                       longestText = std::size_t{MaxXbaseFieldLength};
 
@@ -137,7 +136,7 @@ public:
     }
     Problem finish(std::int64_t rows) override {
         if (rows != columns_.facts.rows) return changed();
-        out_.write({&endMark, 1});
+        out_.write({&XbaseFileEnd, 1});
         return out_.finish();
     }
 
@@ -159,8 +158,12 @@ private:
         if (field.type == 'C' && column.blankEnds > 0)
             note(start + "has " + std::to_string(column.blankEnds) +
                  " texts with blanks at their end, which a dbf file does not keep" + first(column.blankEnd));
-        const CellExample& truth = column.example(CellClass::Boolean);
-        if (field.type == 'L' && truth.text != "True" && truth.text != "False")
+        if (field.type != 'C' && column.blanksAround > 0)
+            note(start + "has " + std::to_string(column.blanksAround) +
+                 " cells with blanks around what they hold, which a dbf file does not keep" +
+                 first(column.blankAround));
+        const CellExample& truth = column.oddTruth;
+        if (field.type == 'L' && truth.row != 0)
             note(start + "is written as T and F, for True and False, like '" + shownCell(truth.text) +
                  "' in row " + std::to_string(truth.row) + ".");
     }
@@ -177,8 +180,7 @@ private:
         return {};
     }
     Problem appendText(std::string_view text, const XbaseField& field, std::int64_t number, std::size_t n) {
-        const bool zero = text.find('\0') != std::string_view::npos,
-                   tooLong = text.size() > longestText;
+        const bool zero = text.find('\0') != std::string_view::npos, tooLong = text.size() > longestText;
         if (!target_.replace && (zero || tooLong))
             return {cellPlace(number, columns_.headings[n]) +
                         (zero ? "holds a zero byte"
@@ -231,7 +233,7 @@ Problem copyXbase(const Source& source, const Target& target) {
         if (row[0] != DeletedRow || source.deleted) out.write(row);
     }
     if (file.error() != os::FileError::None) return unreadable(source.file, file.error());
-    out.write({&endMark, 1});
+    out.write({&XbaseFileEnd, 1});
     return out.finish();
 }
 

@@ -4,11 +4,12 @@
 // that all cells of the column have. The cells are those of the source, byte for byte.
 #include "kernel/data/datafile.h"
 #include "kernel/data/typeinfo/typeinfo.h"
-#include "kernel/data/xml/xml.h"
+#include "kernel/data/xml/xml_reader.h"
 #include "kernel/run/runtime.h"
 #include "kernel/text/dates.h"
 #include "tarn_data/base/encoding.h"
 #include "tarn_data/base/shown.h"
+#include "tarn_data/base/tables.h"
 #include "tarn_data/targets/celltarget.h"
 
 #include <algorithm>
@@ -18,7 +19,8 @@ namespace tarn::datatool {
 namespace {
 
 constexpr std::string_view lineEnd = "\r\n";
-constexpr std::size_t longestLine = std::size_t{MaxScannerLine} - 1;  // that the reader takes
+constexpr std::size_t toldLine = std::size_t{MaxScannerLine} - 1;     // that programs of the system read
+constexpr std::size_t longestLine = std::size_t{LongestXmlLine} - 1;  // that this one reads
 
 std::string typeWord(const ColumnFacts& column) {
     switch (column.type()) {
@@ -68,9 +70,19 @@ public:
         out_.write(text_ += "  </component>" + std::string(lineEnd));
         return {};
     }
-    Problem finish(std::int64_t) override {
+    Problem finish(std::int64_t rows) override {
         line("</data>");
-        return out_.finish();
+        Problem problem = out_.finish();
+        if (problem.any()) return problem;
+        if (rows == 0 && !columns_.headings.empty())
+            note("There are no rows, and XML names columns in its rows alone: " +
+                 shown(joined(columns_.headings)) + " stands nowhere in '" + shown(target_.file) + "'.");
+        if (long_.count > 0)
+            note(std::to_string(long_.count) + (long_.count == 1 ? " cell is" : " cells are") +
+                 " longer than the " + std::to_string(toldLine) +
+                 " bytes of a line that programs of the system read in XML (the first in row " +
+                 std::to_string(long_.row) + ", column '" + shown(nameOf(long_.column)) + "').");
+        return {};
     }
 
 private:
@@ -111,9 +123,11 @@ private:
         return "Convert the file that is read to UTF-8 first, if this is its encoding: " +
                iconvCommand(shown(source_.file), facts.encoding) + "\nOr ";
     }
-    [[nodiscard]] Problem fitLines(std::string_view lines, std::int64_t number, std::size_t n) const {
+    [[nodiscard]] Problem fitLines(std::string_view lines, std::int64_t number, std::size_t n) {
+        bool isLong = false;
         while (!lines.empty()) {
             const std::size_t end = std::min(lines.find('\n'), lines.size());
+            isLong = isLong || end > toldLine || cell_.size() > toldLine;
             if (end > longestLine || cell_.size() > longestLine)
                 return {cellPlace(number, nameOf(n)) +
                             "is too long for XML, where a text and a line have at most " +
@@ -121,6 +135,7 @@ private:
                         "Write csv, which holds it."};
             lines.remove_prefix(std::min(end + 1, lines.size()));
         }
+        if (isLong && long_.count++ == 0) long_ = {1, number, n};
         return {};
     }
 
@@ -130,6 +145,10 @@ private:
     OutFile out_;
     std::vector<std::string> starts_, ends_;
     std::string text_, cell_;
+    struct Long {
+        std::int64_t count = 0, row = 0;
+        std::size_t column = 0;
+    } long_;  // cells that need longer lines than programs of the system read
 };
 
 }  // namespace

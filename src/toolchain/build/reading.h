@@ -68,6 +68,9 @@ public:
     os::FileError setModified(const std::string& path, std::int64_t nanoseconds) override {
         return next_.setModified(path, nanoseconds);
     }
+    os::FileError setModifiedOpen(os::Handle handle, std::int64_t nanoseconds) override {
+        return next_.setModifiedOpen(handle, nanoseconds);
+    }
     os::FileError link(const std::string& target, const std::string& path) override {
         return next_.link(target, path);
     }

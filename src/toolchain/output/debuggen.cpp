@@ -8,13 +8,17 @@ namespace {
 
 constexpr std::size_t MostNames =
     4000;  // bytes; records within records have more fields than anybody asks for by name
+constexpr std::int32_t AllOrdinals = 256;
 
 std::string placeOf(const Declaration& item, ExpressionGenerator& out) {
     return (isScalar(item.type->kind) ? "&" : "") + out.place(item);
 }
 
-bool mayHoldFields(Kind kind) {
-    return isRecord(kind) || kind == Kind::Array || kind == Kind::List || kind == Kind::Table;
+bool holdsElements(Kind kind) {
+    return kind == Kind::Array || kind == Kind::List || kind == Kind::Table;
+}
+bool mayHaveNames(Kind kind) {
+    return isRecord(kind) || holdsElements(kind) || kind == Kind::Enum;
 }
 
 void registerVariable(const Declaration& item, char role, ExpressionGenerator& out) {
@@ -23,17 +27,19 @@ void registerVariable(const Declaration& item, char role, ExpressionGenerator& o
     out.line("tarn_register_variable(" + cString(item.name) + ", '" + role + "', " + cKind(kind) + ", " +
              place + ");");
     // Also without names, so that those of a variable that stood there before are gone.
-    if (mayHoldFields(kind))
+    if (mayHaveNames(kind))
         out.line("tarn_name_fields(" + place + ", " + cString(fieldNames(*item.type)) + ");");
 }
 
 // Grows `text` no further than it takes to see that it has become too long.
 void addNames(const Type& type, std::string& text) {
     if (text.size() > MostNames) return;
-    if (type.element != nullptr && mayHoldFields(type.kind)) {
+    if (type.element != nullptr && holdsElements(type.kind)) {
         std::string inner;
         addNames(*type.element, inner);
         if (!inner.empty()) text += "[" + inner + "]";
+    } else if (type.kind == Kind::Enum && type.enumCount < AllOrdinals) {
+        text += "#" + std::to_string(type.enumCount - 1);
     } else if (isRecord(type.kind)) {
         char before = '(';
         for (const Field& field : type.fields) {

@@ -91,7 +91,7 @@ private:
     // ---- before anything is made ----
 
     std::string checkPlace() {
-        if (places_.app.find_first_of("\n\r") != std::string::npos || !places_.app.starts_with('/'))
+        if (places_.app.find_first_of("\n\r\\") != std::string::npos || !places_.app.starts_with('/'))
             return "'" + places_.app + "' is no full path of a folder.";
         const os::FileInfo info = os::infoOf(places_.app);
         if (!info.exists) return {};

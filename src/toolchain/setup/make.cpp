@@ -50,6 +50,7 @@ public:
         for (const ScriptError& error : readScript(text, script_))
             report += errorLine(request_.script, error);
         if (report.empty()) {
+            nameProduct();
             addAsking();
             report = measure();
         }
@@ -58,6 +59,17 @@ public:
 
 private:
     std::string fail(const std::string& text) const { return errorLine(request_.script, {0, text}); }
+
+    void nameProduct() {
+        if (!request_.product) return;
+        Package& package = script_.package;
+        const std::string companion = os::withoutExtension(package.program) + ".rcx";
+        const auto place = std::find_if(package.files.begin(), package.files.end(),
+                                        [&](const PackedFile& file) { return file.name == companion; });
+        const auto source = script_.sources.begin() + (place - package.files.begin());
+        package.product =
+            request_.product(package, source == script_.sources.end() ? std::string() : *source);
+    }
 
     void addAsking() {
         const Package& package = script_.package;

@@ -6,6 +6,7 @@
 
 #include "toolchain/setup/script.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,9 @@ struct MakeRequest {
     std::string askProgram =
         {};  // what asks in windows; empty, or without the libraries that it needs: left out
     std::string_view first = {};  // the bytes of what is started; empty: what installs is started itself
+    // What questions call the program, by the head and the file of its compiled resources (empty: there is none); without it,
+    // or when it tells nothing, they take the title, else the name.
+    std::function<std::string(const Package&, const std::string& resources)> product = {};
 };
 // The bytes of what is started (first.c), which are built in; empty for a processor that it is not written for.
 std::string_view firstProgram();

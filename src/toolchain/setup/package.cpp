@@ -17,8 +17,9 @@ struct TextField {
     std::string_view word;
     std::string Package::*value;
 };
-constexpr std::array<TextField, 6> textFields = {{{"name", &Package::name},
+constexpr std::array<TextField, 7> textFields = {{{"name", &Package::name},
                                                   {"title", &Package::title},
+                                                  {"product", &Package::product},
                                                   {"publisher", &Package::publisher},
                                                   {"copyright", &Package::copyright},
                                                   {"version", &Package::version},

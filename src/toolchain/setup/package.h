@@ -18,6 +18,7 @@
 //     tarnwick setup 1
 //     name wordcount                  the folder's, the menu's and the desktop's name for it
 //     title Counts words
+//     product Word Counter            what questions call it
 //     publisher Ann & Co.
 //     copyright (c) Ann & Co.
 //     version 1.0
@@ -29,6 +30,7 @@
 // whole file in memory.
 #pragma once
 
+#include "library/ship/packagesize.h"
 #include "os/files.h"
 
 #include <cstdint>
@@ -38,7 +40,6 @@
 
 namespace tarn::setup {
 
-inline constexpr std::int64_t MaxPackageSize = 600'000'000;
 inline constexpr std::string_view IconName = "mainicon.ico", UninstallName = "uninstall",
                                   ListName = "uninstall.list", AskName = "tarnwick-ask";
 
@@ -54,7 +55,7 @@ struct Shortcut {
     Kind kind = Kind::Plain;
 };
 struct Package {
-    std::string name, title, publisher, copyright, version, program;
+    std::string name, title, product, publisher, copyright, version, program;
     std::vector<Shortcut> shortcuts;
     std::vector<PackedFile> files;
 

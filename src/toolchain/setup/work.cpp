@@ -18,8 +18,15 @@ os::FileError removeFlat(const std::string& folder) {
     return os::files().removeFolder(folder);
 }
 
+bool isFolder(const std::string& path) {
+    const os::FileInfo info = os::infoOf(path);
+    return info.exists && info.folder;
+}
+
+// A folder under the name of a file is the user's.
 bool isChanged(const std::string& file, const InstalledFile& installed) {
     std::uint64_t sum = 0;
+    if (isFolder(file)) return true;
     return os::sizeOf(file) >= 0 &&
            (os::sizeOf(file) != installed.size || !sumOf(file, sum) || sum != installed.sum);
 }
@@ -147,7 +154,8 @@ bool hasStrangers(const std::string& app, const Installed& list) {
     std::vector<std::string> names;
     os::files().list(app, names);
     return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-        return !list.owns(name) && name != os::nameOf(besideEntry(std::string(ListName)));
+        return (!list.owns(name) || isFolder(app + "/" + name)) &&
+               name != os::nameOf(besideEntry(std::string(ListName)));
     });
 }
 
@@ -156,8 +164,9 @@ bool hasStrangers(const std::string& app, const Installed& list) {
 os::FileError removeInstalled(const std::string& app, const Installed& list) {
     const std::string listFile = app + "/" + std::string(ListName);
     for (const InstalledFile& file : list.files) {
-        const os::FileError error = os::files().remove(app + "/" + file.name);
-        if (error != os::FileError::None && error != os::FileError::NotFound) return error;
+        const std::string path = app + "/" + file.name;
+        const os::FileError error = os::files().remove(path);
+        if (error != os::FileError::None && error != os::FileError::NotFound && !isFolder(path)) return error;
     }
     const bool stays = !list.name.empty() && hasStrangers(app, list);
     if (stays) {

@@ -205,6 +205,20 @@ TEST_F(FilesTest, infoTellsWhatAFileIs) {
     EXPECT_EQ(infoOf(at("f")).modified, -1);
 }
 
+TEST_F(FilesTest, theTimeOfAnOpenFileIsSetWhateverItsNameLeadsTo) {
+    put("f", "12345");
+    Handle handle = -1;
+    ASSERT_EQ(files().open(at("f"), OpenMode::ReadWrite, 0, handle), FileError::None);
+    ASSERT_EQ(files().rename(at("f"), at("g")), FileError::None);
+    put("f", "other");
+    const std::int64_t other = infoOf(at("f")).modified;
+    EXPECT_EQ(files().setModifiedOpen(handle, 1'234'567'890'123'456'789), FileError::None);
+    EXPECT_EQ(infoOf(at("g")).modified, 1'234'567'890'123'456'789);
+    EXPECT_EQ(infoOf(at("f")).modified, other);
+    files().close(handle);
+    EXPECT_EQ(files().setModifiedOpen(-1, 1), FileError::WriteFailed);
+}
+
 TEST_F(FilesTest, namesAreListedByTheirBytes) {
     const std::vector<std::string> expected{".hidden", "B", "a", "a b", "\x80\xff", "\xc3\xa4"};
     for (const std::string& name : expected) put(name, "x");

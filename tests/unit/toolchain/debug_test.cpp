@@ -164,6 +164,21 @@ TEST_F(ForDebugger, VariablesAreToldWithTheirRolesAndKinds) {
                     "register_result 1, &r\n");
 }
 
+TEST_F(ForDebugger, EnumsAreToldByHowManyNamesTheyHave) {
+    const Made made = compiled("Tarnwick Class Main\n"
+                               "type COLOUR : enum (red, green, blue)\n"
+                               "type PAIR : record\n    x : integer\n    c : COLOUR\nend record\n"
+                               "function main()\n"
+                               "    var a : COLOUR\n        b : list of COLOUR\n        c : PAIR\n"
+                               "        d : array[1:3] of PAIR\n        e : enum\n"
+                               "    a := green\n"
+                               "end function\nEnd class\n");
+    ASSERT_TRUE(made.accepted);
+    for (const char* told :
+         {"v_a, \"#2\"", "v_b, \"[#2]\"", "v_c, \"(x,c#2)\"", "v_d, \"[(x,c#2)]\"", "v_e, \"\""})
+        EXPECT_NE(made.text.find(told), std::string::npos) << told;
+}
+
 TEST_F(ForDebugger, InitialValuesShowTheVariablesOfTheClass) {
     const std::string source = inMain("private var level : integer := 3\n", "level := 4");
     const std::string text = compiled(source).text;

@@ -3,6 +3,7 @@
 // The keys of a dialog and its menu: mnemonics, the default button, and the order of Tab.
 #include "ide/designer/check/dlgcheck_internal.h"
 #include "library/designer/propedit.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@
 
 namespace tarn::detail {
 namespace {
-
-constexpr std::size_t npos = std::string::npos;
 
 std::int64_t right(const UnitRect& at) {
     return std::int64_t{at.x} + at.w;
@@ -28,18 +27,10 @@ bool sameLine(const UnitRect& a, const UnitRect& b) {
     return 2 * shared > std::min(a.h, b.h);
 }
 
-// Where the mark of the mnemonic stands; two of them are a character of the caption.
-std::size_t markOf(std::string_view caption) {
-    for (std::size_t at = caption.find('&'); at != npos && at + 1 < caption.size();
-         at = caption.find('&', at + 2))
-        if (caption[at + 1] != '&') return at;
-    return npos;
-}
-
 // In upper case; empty if the caption has none. A letter of several bytes counts by its first.
 std::string keyOf(std::string_view caption) {
-    const std::size_t mark = markOf(caption);
-    return mark == npos ? std::string() : STRUPPER(caption.substr(mark + 1, 1));
+    const auto mark = static_cast<std::size_t>(FINDMNEMONIC(caption));
+    return mark == 0 ? std::string() : STRUPPER(caption.substr(mark, 1));
 }
 
 using Owners = std::map<std::string, const CheckedObject*>;
@@ -47,7 +38,7 @@ using Owners = std::map<std::string, const CheckedObject*>;
 // The caption with the mark before its best free letter: the first of a word, else any; empty if there is none.
 std::string withFreeKey(const std::string& caption, const Owners& owners) {
     std::string plain = caption;
-    if (const std::size_t mark = markOf(plain); mark != npos) plain.erase(mark, 1);
+    if (const int mark = FINDMNEMONIC(plain); mark > 0) plain.erase(static_cast<std::size_t>(mark) - 1, 1);
     // What stands behind a tab tells keys, and is no part of the caption.
     const std::size_t end = std::min(plain.find('\t'), plain.size());
     for (const bool first : {true, false})
@@ -155,7 +146,7 @@ bool wantsKey(const CheckedDialog& dialog, std::size_t n) {
 }
 
 bool isItem(const CheckedObject& item) {
-    return item.caption.find_first_not_of('-') != npos;
+    return item.caption.find_first_not_of('-') != std::string::npos;
 }
 
 }  // namespace

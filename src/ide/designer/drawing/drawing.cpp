@@ -6,6 +6,7 @@
 #include "ide/designer/drawing/dlgzoom.h"
 #include "kernel/windows/drawscale.h"
 #include "library/designer/proputil.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/strings.h"
 
 #include <algorithm>
@@ -187,23 +188,13 @@ void drawCaptionBar(const Painting& p) {
                     GETPROPVALUE(p.dialog, "CAPTION"), 0);
 }
 
-// A caption as it is shown: "&" marks a letter, "&&" is one.
-std::string withoutMarks(std::string_view caption) {
-    std::string out;
-    for (std::size_t i = 0; i < caption.size(); ++i) {
-        if (caption[i] == '&' && ++i == caption.size()) break;
-        out += caption[i];
-    }
-    return out;
-}
-
 std::string menuText(const ObjectArray& menu) {
     if (menu[1].empty()) return "<<No Menuitems>>";
     std::string text;
     for (std::size_t i = 1; i < menu.size() && !menu[i].empty(); ++i) {
         if (GETPROPPOSITION(menu[i]).x != 1) continue;
         if (!text.empty()) text += "  ";
-        text += withoutMarks(GETPROPVALUE(menu[i], "CAPTION"));
+        text += SHOWNCAPTION(GETPROPVALUE(menu[i], "CAPTION"));
     }
     return text;
 }

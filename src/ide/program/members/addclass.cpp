@@ -5,7 +5,9 @@
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
+#include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
+#include "ide/shell/idecore.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
 
@@ -31,6 +33,8 @@ std::string obstacleOf(const std::string& file, const std::string& mainFile, con
             name, "cannot be added, because a file with the same name already exists.\n"
                   "The existing file is in an inherited folder, or in the folder containing the main "
                   "program.\nChoose a different class or rename the existing file.");
+    if (ISCOREFILE(file) && !ISSAMEFILE(FILEGETDIR(file), FILEADDSEPARATOR(GETINHERITEDLIBPATH())))
+        return FILEMESSAGE(file, std::string("cannot be added, because ") + CoreName);
     if (!ISNAME(FILEBASENAME(file)))
         return FILEMESSAGE(file,
                            "cannot be added to the program, as its filename is not a valid class name.\n"

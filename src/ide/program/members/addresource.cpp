@@ -10,6 +10,7 @@
 #include "ide/program/members/programfolders.h"
 #include "ide/program/members/programnames.h"
 #include "ide/program/members/windowfunction.h"
+#include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "library/designer/proputil.h"
@@ -31,7 +32,8 @@ struct NewPair {
 
 // Another file of either name in the folders of the program, or a class beside the resource file.
 bool isTaken(const NewPair& pair) {
-    return FileSize(pair.classFile) >= 0 || FINDINFOLDERS(pair.mainFile, pair.resourceFile).other ||
+    const std::string folder = FILEGETDIR(pair.classFile), name = FILEGETFNAME(pair.classFile);
+    return !NAMEINFOLDER(folder, name).empty() || FINDINFOLDERS(pair.mainFile, pair.resourceFile).other ||
            FINDINFOLDERS(pair.mainFile, pair.classFile).other;
 }
 
@@ -84,6 +86,7 @@ std::string obstacleOf(const NewPair& pair) {
         return "cannot be added, because a file or a class with the same name already exists.\n"
                "The existing file is in an inherited folder, or in the folder containing the main program.\n"
                "Choose a different class or rename the existing file.";
+    if (ISCOREFILE(pair.classFile)) return std::string("cannot be added, because ") + CoreName;
     const std::string bad = BADNAME(file);
     return bad.empty() ? "" : "cannot be added to the program, because of the following error:\n" + bad;
 }

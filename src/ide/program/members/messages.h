@@ -14,6 +14,10 @@ namespace tarn {
 
 inline constexpr const char* UsualHeadline = "The following file:";
 
+// Why no class beside the library's own may be called like one of its core.
+inline constexpr const char* CoreName = "its name is that of a core run time library class.\nMake a copy of "
+                                        "the file with another name and try again.\n";
+
 inline std::string FILEMESSAGE(const std::string& path, const std::string& reason,
                                const std::string& headline = UsualHeadline) {
     return headline + "\n\n\t'" + path + "'\n\n" + reason;

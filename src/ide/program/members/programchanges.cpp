@@ -118,6 +118,9 @@ std::string CHANGEUSES(ProgramChanges& changes, const std::string& classFile, co
     FRAME(CHANGEUSES);
     std::string text;
     STAMP();
+    if (FileSize(classFile) < 0 && !ISINEDITOR(classFile))
+        return "The file '" + classFile + "' was not found.";
+    STAMP();
     if (std::string error = changes.load(classFile, text); !error.empty()) return error;
     const UsesChange change = CHANGEUSESCLAUSE(text, operation, name);
     STAMP();

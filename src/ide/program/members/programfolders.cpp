@@ -34,7 +34,7 @@ bool ISSAMEFILE(const std::string& one, const std::string& other) {
 bool ISINPROGRAM(const std::string& file) {
     FRAME(ISINPROGRAM);
     STAMP();
-    const std::string name = FILEGETFNAME(file), files = PROJECTGETLIST(ProjectEditorDlg);
+    const std::string name = FILEGETFNAME(file), files = PROJECTGETFILES(ProjectEditorDlg);
     for (int n = 1; n <= STRLINES(files); ++n)
         if (STREQUAL(FILEGETFNAME(STRLINE(files, n)), name)) return true;
     return false;

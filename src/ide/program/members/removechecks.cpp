@@ -5,6 +5,7 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programfolders.h"
+#include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
 #include "kernel/windows/resources.h"
@@ -59,7 +60,7 @@ bool isMainFile(const Candidate& one) {
 }
 
 bool isCore(const Candidate& one) {
-    return isOneOf(FILEGETFNAME(one.item.file), {"lib.cls", "system.cls"});
+    return ISCOREFILE(one.item.file);
 }
 
 bool isOpenResource(const Candidate& one) {

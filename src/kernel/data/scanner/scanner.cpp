@@ -14,20 +14,11 @@ namespace {
 
 constexpr std::size_t maxFilename = 255;
 
-// Unknown symbols, blanks and line ends never become the previous symbol, and a delimited symbol pushes none
-// there.
-void store(ScanState& s, const ScannerWork& work) {
-    const bool significant = s.symbol != SymbolUnknown && s.symbol != work.classIds[ClassWhitespace] &&
-                             s.symbol != work.classIds[ClassEol];
-    if (significant && s.terminator.empty()) std::swap(s.previousText, s.symbolText);
-    std::swap(s.symbolText, s.text);
-    s.symbol = s.found;
-}
-
 }  // namespace
 
-Scanner::Scanner() noexcept = default;
-Scanner::~Scanner() = default;
+void Scanner::EndWork::operator()(ScannerWork* work) const {
+    delete work;
+}
 
 // The memory to work in, once. Without it the scanner stays closed.
 bool Scanner::prepare() {
@@ -55,10 +46,11 @@ void Scanner::clear() {
     s_.lineNumber = s_.symbol = s_.symbolLine = s_.openLine = 0;
 }
 
-ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, bool ignoreCase) {
+ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, bool ignoreCase,
+                         std::int32_t longestLine) {
     if (isOpen() || filename.empty() || table == nullptr || table->count < 1 || !prepare()) return ScanClean;
     clear();
-    if (work_->lines.open(filename) != os::FileError::None) return ScanClean;
+    if (work_->lines.open(filename, longestLine) != os::FileError::None) return ScanClean;
     for (const SymbolClass c : {ClassId, ClassXmlId, ClassMlSqStr, ClassMlDqStr, ClassWhitespace, ClassEol})
         work_->classIds[c] = symbolClassId(table, c);
     s_.filename = filename.substr(0, maxFilename);
@@ -71,24 +63,6 @@ ScanStatus Scanner::open(const std::string& filename, const SymbolTable* table, 
 
 void Scanner::close() {
     clear();
-}
-
-ScanStatus Scanner::next(const SymbolTable* table) {
-    if (work_ == nullptr && !prepare()) [[unlikely]] {
-        s_.symbol = SymbolEndOfFile;
-        return ScanClean;
-    }
-    ScannerWork& work = *work_;
-    const std::int32_t line = s_.lineNumber;
-    s_.table = table;
-    s_.status = ScanClean;
-    work.matcher.use(table, s_.ignoreCase);
-    do TakeSymbol(s_, work);
-    while (s_.found == 0);
-    s_.collect();
-    if (s_.lineNumber != line) s_.note(ScanNewLine);
-    store(s_, work);
-    return s_.status;
 }
 
 ScanStatus Scanner::skipChar() {
@@ -105,13 +79,6 @@ ScanStatus Scanner::skipChar() {
     s_.symbol = 0;
     if (s_.symbolText != nullptr) s_.symbolText->clear();
     return s_.status;
-}
-
-void Scanner::skipBytes(std::int32_t count) {
-    const std::ptrdiff_t left = s_.end - s_.at - 1;  // the end stays
-    if (left > 0 && count > 0) s_.at += std::min<std::ptrdiff_t>(left, count);
-    s_.symbol = 0;
-    if (s_.symbolText != nullptr) s_.symbolText->clear();
 }
 
 std::int64_t Scanner::bytesRead() const {

@@ -79,24 +79,32 @@ void ReportError(ErrorRecord& record, std::int32_t code, std::int32_t line, std:
 
 class Scanner {
 public:
-    Scanner() noexcept;
-    ~Scanner();
+    constexpr Scanner() noexcept = default;
+    ~Scanner() = default;
     Scanner(const Scanner&) = delete;
     Scanner& operator=(const Scanner&) = delete;
 
     // Nothing, with ScanClean, when a file is open, `filename` is empty or the table has no entry. Otherwise
     // reads the first line and scans the first symbol. A file that cannot be opened, or is no regular one (a
     // device need never end a line), and a lack of memory leave the scanner closed: the next scan gives the
-    // end of the file. The table must be there whenever the scanner moves.
-    ScanStatus open(const std::string& filename, const SymbolTable* table, bool ignoreCase);
+    // end of the file. The table must be there whenever the scanner moves. `longestLine`: bytes of a line with its
+    // end; texts of symbols stay as they are limited.
+    ScanStatus open(const std::string& filename, const SymbolTable* table, bool ignoreCase,
+                    std::int32_t longestLine = MaxScannerLine);
     void close();
     [[nodiscard]] bool isOpen() const { return !s_.filename.empty(); }
 
     ScanStatus next(const SymbolTable* table);
     // Moves over one byte without scanning; the symbol becomes 0 and its text empty.
     ScanStatus skipChar();
-    // The same for `count` bytes of the line at once, none of them its end; fewer where the line has fewer.
-    void skipBytes(std::int32_t count);
+    // The same for `count` bytes of the line at once, none of them its end; fewer where the line has fewer. In line: who
+    // reads text past the symbols calls it for every piece.
+    void skipBytes(std::int32_t count) {
+        const std::ptrdiff_t left = s_.end - s_.at - 1;  // the end stays
+        if (left > 0 && count > 0) s_.at += left < count ? left : count;
+        s_.symbol = 0;
+        if (s_.symbolText != nullptr) s_.symbolText->clear();
+    }
 
     // Index of the next unread byte of the line, from 0.
     [[nodiscard]] std::int32_t position() const { return static_cast<std::int32_t>(s_.at - s_.line); }
@@ -135,8 +143,12 @@ private:
     void clear();
     void reportHere(ErrorRecord& record, std::int32_t code, std::string_view message) const;
 
+    struct EndWork {
+        void operator()(ScannerWork* work) const;
+    };
+
     ScanState s_;
-    std::unique_ptr<ScannerWork> work_;  // from the first opening on
+    std::unique_ptr<ScannerWork, EndWork> work_;  // from the first opening on
     bool lacksMemory_ = false;
 };
 

@@ -3,7 +3,10 @@
 
 #include "kernel/data/scanner/scanner_bytes.h"
 
+#include <algorithm>
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace tarn {
 
@@ -14,8 +17,9 @@ constexpr char endOfFile[1 + ScannerSlack] = {EndOfFileMark};
 
 }  // namespace
 
-os::FileError LineReader::open(const std::string& path) {
+os::FileError LineReader::open(const std::string& path, std::int32_t longest) {
     close();
+    maxLine_ = static_cast<std::size_t>(longest);
     os::FileInfo info;
     const bool special = os::files().info(path, info) == os::FileError::None && info.special;
     error_ = special ? os::FileError::ReadFailed : os::files().open(path, os::OpenMode::Read, 0, handle_);
@@ -33,11 +37,30 @@ void LineReader::close() {
     line_ = noLine;
     length_ = number_ = 0;
     cut_ = false;
+    maxLine_ = usualLine;
+    room_ = usualRoom;
+    buffer_ = usual_;
+    large_.reset();
+}
+
+// The buffer with what is in it. False, as where the file cannot be read, when there is no memory.
+bool LineReader::makeRoom(std::size_t bytes) {
+    if (bytes <= room_) return true;
+    const std::size_t room = std::max(bytes, 2 * room_);
+    std::unique_ptr<char[]> made(new (std::nothrow) char[room]);
+    ended_ = made == nullptr;
+    if (ended_) error_ = os::FileError::ReadFailed;
+    if (ended_) return false;
+    std::memcpy(made.get(), buffer_, filled_);
+    large_ = std::move(made);
+    buffer_ = large_.get();
+    room_ = room;
+    return true;
 }
 
 // Reads a block behind the first `keep` bytes of the buffer. False at the end.
 bool LineReader::readBehind(std::size_t keep) {
-    if (ended_) return false;
+    if (ended_ || !makeRoom(keep + readSize + 1 + ScannerSlack)) return false;
     std::size_t got = 0;
     error_ = os::files().read(handle_, offset_, buffer_ + keep, readSize, got);
     ended_ = error_ != os::FileError::None || got == 0;
@@ -47,7 +70,7 @@ bool LineReader::readBehind(std::size_t keep) {
     return true;
 }
 
-// At most maxLine + 1 bytes may be waiting.
+// At most maxLine_ + 1 bytes may be waiting.
 bool LineReader::fill() {
     const std::size_t waiting = filled_ - next_;
     std::memmove(buffer_, buffer_ + next_, waiting);
@@ -70,7 +93,7 @@ void LineReader::next() {
             return;
         }
         searched = waiting;
-        if (searched > maxLine + 1) return takeLong();
+        if (searched > maxLine_ + 1) return takeLong();
         if (!fill()) break;
     }
     if (searched == 0) {
@@ -89,8 +112,8 @@ void LineReader::take(std::size_t length) {
 }
 
 void LineReader::setLine(std::size_t length) {
-    cut_ = length >= maxLine;
-    if (cut_) length = maxLine - 1;
+    cut_ = length >= maxLine_;
+    if (cut_) length = maxLine_ - 1;
     buffer_[next_ + length] = LineEnd;
     line_ = buffer_ + next_;
     length_ = static_cast<std::int32_t>(length + 1);
@@ -100,12 +123,12 @@ void LineReader::setLine(std::size_t length) {
 // More is waiting than a line may hold, and its end was not read yet. What lies beyond is read over the same
 // place again and again until the end is found.
 void LineReader::takeLong() {
-    std::memmove(buffer_, buffer_ + next_, maxLine);
+    std::memmove(buffer_, buffer_ + next_, maxLine_);
     next_ = 0;
-    setLine(maxLine);
+    setLine(maxLine_);
     const void* end = nullptr;
-    while (end == nullptr && readBehind(maxLine))
-        end = std::memchr(buffer_ + maxLine, LineEnd, filled_ - maxLine);
+    while (end == nullptr && readBehind(maxLine_))
+        end = std::memchr(buffer_ + maxLine_, LineEnd, filled_ - maxLine_);
     if (end == nullptr) {
         next_ = filled_;
     } else {

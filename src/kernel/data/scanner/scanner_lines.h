@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The lines of a file, read in blocks and served from where they were read: nothing is copied but the head of
-// a line that a block cuts in two. The buffer is large, and not cleared by the constructor.
+// a line that a block cuts in two. The buffer is large, and not cleared by the constructor; only lines longer than
+// usual, where they are asked for, need one that grows with them.
 #pragma once
 
 #include "kernel/data/scanner/scanner_text.h"
@@ -10,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace tarn {
@@ -25,7 +27,8 @@ public:
     ~LineReader() { close(); }
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
-    os::FileError open(const std::string& path);  // ReadFailed for what is no regular file
+    // ReadFailed for what is no regular file. `longest`: bytes of a line with its end.
+    os::FileError open(const std::string& path, std::int32_t longest = MaxScannerLine);
     void close();
 
     // Goes to the next line. Its line end is one byte 10 in place of LF or CR LF, also behind a last line
@@ -38,14 +41,17 @@ public:
     [[nodiscard]] std::int32_t number() const { return number_; }  // stays at the end of the file
     [[nodiscard]] std::int64_t bytesRead() const { return offset_; }
     [[nodiscard]] bool cut() const { return cut_; }  // the line was too long
+    [[nodiscard]] std::int32_t longest() const { return static_cast<std::int32_t>(maxLine_); }
     [[nodiscard]] os::FileError error() const {
         return error_;
     }  // of the opening or of a read; kept by `close`
 
 private:
     static constexpr std::size_t readSize = limits::ScannerReadBytes;
-    static constexpr std::size_t maxLine = MaxScannerLine;
+    static constexpr std::size_t usualLine = MaxScannerLine,
+                                 usualRoom = usualLine + 1 + readSize + 1 + ScannerSlack;
 
+    bool makeRoom(std::size_t bytes);
     bool fill();
     bool readBehind(std::size_t keep);
     void take(std::size_t length);
@@ -60,7 +66,10 @@ private:
     const char* line_ = nullptr;
     std::int32_t length_ = 0, number_ = 0;
     bool cut_ = false;
-    char buffer_[maxLine + 1 + readSize + 1 + ScannerSlack];
+    std::size_t maxLine_ = usualLine, room_ = usualRoom;
+    char* buffer_ = usual_;
+    std::unique_ptr<char[]> large_;
+    char usual_[usualRoom];
 };
 
 }  // namespace tarn

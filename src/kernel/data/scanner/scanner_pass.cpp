@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace tarn {
 
@@ -333,8 +334,37 @@ void NextLine(ScanState& s, ScannerWork& work) {
     s.lineNumber = work.lines.number();
 }
 
-void TakeSymbol(ScanState& s, ScannerWork& work) {
-    Pass(s, work).run();
+namespace {
+
+// Unknown symbols, blanks and line ends never become the previous symbol, and a delimited symbol pushes none
+// there.
+void store(ScanState& s, const ScannerWork& work) {
+    const bool significant = s.symbol != SymbolUnknown && s.symbol != work.classIds[ClassWhitespace] &&
+                             s.symbol != work.classIds[ClassEol];
+    if (significant && s.terminator.empty()) std::swap(s.previousText, s.symbolText);
+    std::swap(s.symbolText, s.text);
+    s.symbol = s.found;
+}
+
+}  // namespace
+
+// Stands here so that a pass is no call.
+ScanStatus Scanner::next(const SymbolTable* table) {
+    if (work_ == nullptr && !prepare()) [[unlikely]] {
+        s_.symbol = SymbolEndOfFile;
+        return ScanClean;
+    }
+    ScannerWork& work = *work_;
+    const std::int32_t line = s_.lineNumber;
+    s_.table = table;
+    s_.status = ScanClean;
+    work.matcher.use(table, s_.ignoreCase);
+    do Pass(s_, work).run();
+    while (s_.found == 0);
+    s_.collect();
+    if (s_.lineNumber != line) s_.note(ScanNewLine);
+    store(s_, work);
+    return s_.status;
 }
 
 }  // namespace tarn

@@ -10,15 +10,16 @@ namespace tarn {
 
 namespace {
 
-// Never ends: a program may end with a file open.
-Scanner* theScanner = nullptr;
-
-[[gnu::noinline]] Scanner& makeScanner() {
-    return *(theScanner = new Scanner);
-}
+// Stands ready from the start, and never ends: a program may end with a file open.
+union Process {
+    constexpr Process() : scanner() {}
+    ~Process() {}
+    Scanner scanner;
+};
+constinit Process process;
 
 Scanner& scanner() {
-    return theScanner != nullptr ? *theScanner : makeScanner();
+    return process.scanner;
 }
 
 void copyCut(std::string_view text, char* buffer, std::int32_t size) {

@@ -2,6 +2,7 @@
 //
 // What people get to see of a scan: the dump of the state, and the texts of failures.
 #include "kernel/data/scanner/scanner.h"
+#include "kernel/data/scanner/scanner_work_internal.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/sets.h"
 
@@ -111,7 +112,8 @@ void Scanner::reportStatus(ScanStatus status, ErrorRecord& record) const {
     case ScanNewLine: return;
     case ScanLineTooLong:
         return reportHere(record, ERR_XML_OVERFLOW,
-                          "Line too long, max length is " + std::to_string(MaxScannerLine));
+                          "Line too long, max length is " +
+                              std::to_string(work_ != nullptr ? work_->lines.longest() : MaxScannerLine));
     case ScanOpenString: return reportHere(record, ERR_XML_NOT_WELL_FORMED, "String was not terminated");
     case ScanOpenDelimited:
         return reportHere(record, ERR_XML_NOT_WELL_FORMED,

@@ -21,7 +21,5 @@ struct ScannerWork {
 };
 
 void NextLine(ScanState& s, ScannerWork& work);
-// Takes one symbol, which is to be passed over if `found` is 0 then.
-void TakeSymbol(ScanState& s, ScannerWork& work);
 
 }  // namespace tarn

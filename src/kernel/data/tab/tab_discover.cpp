@@ -67,17 +67,6 @@ std::size_t cellsLeft(TabCells& cells) {
     return count;
 }
 
-bool isBlankRow(std::string_view row, std::int32_t separator) {
-    TabCells cells(row, separator);
-    while (cells.more()) {
-        const std::string_view cell = cells.next();
-        const bool blank =
-            cells.quoted() ? cell == "\"\"" : cell.find_first_not_of(' ') == std::string_view::npos;
-        if (!blank) return false;
-    }
-    return true;
-}
-
 // What the lines of one column say of its numbers.
 enum class Number { None, Integer, Fixed, Real };
 
@@ -207,21 +196,17 @@ std::string noStructure(const std::string& filename) {
     return "Cannot find the structure of '" + std::string(paths::fileName(filename)) + "', ";
 }
 
-// Reads the rows up to the first empty line. Where two do not fit each other the rest is only counted. The
-// result is the first row behind that line that is not blank, or 0.
-std::int32_t readRows(TabReader& rows, std::int32_t most, Discovery& discovery) {
-    bool fits = true, ended = false;
+// Reads the rows up to the first empty line. Where two do not fit each other the rest is only counted.
+void readRows(TabReader& rows, std::int32_t most, Discovery& discovery) {
+    bool fits = true;
     std::string_view row;
     for (std::int32_t number = 1; (most < 0 || number <= most) && rows.next(row); ++number) {
-        ended = ended || (fits && row.empty());
-        if (ended && !isBlankRow(row, rows.separator())) return number;
-        if (ended) continue;
+        if (fits && row.empty()) return;
         if (fits)
             fits = discovery.addRow(row, rows.separator());
         else
             discovery.countCells(row, rows.separator());
     }
-    return 0;
 }
 
 TabStructure discover(const std::string& filename, const DataOptions& options, std::int32_t typeTextSize) {
@@ -237,7 +222,7 @@ TabStructure discover(const std::string& filename, const DataOptions& options, s
     std::int32_t code = rows.open(filename, options);
     if (code == 0) {
         discovery.readHeader(rows, options.numheaderrows);
-        found.rowBehind = readRows(rows, options.maxdatarows, discovery);
+        readRows(rows, options.maxdatarows, discovery);
         code = rows.code();
     }
     if (code != 0) {

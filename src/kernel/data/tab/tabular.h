@@ -26,20 +26,9 @@ struct TabStructure {
     std::string message;   // "" or what is wrong
     std::int32_t rowsSeen = 0, columnsSeen = 0;  // columns: also those beyond the 48 that are declared
     bool stopped = false;                        // by progress.h: nothing was found, and there is no message
-    std::int32_t rowBehind = 0;  // 0, or the first one that is not blank behind the empty line that ended it
 };
 // Reads names and types of the columns from the rows up to the first empty line.
 TabStructure TabDiscover(const std::string& filename, const DataOptions& options, std::int32_t typeTextSize);
-
-// How much there is in a file, whatever its cells hold.
-struct TabExtent {
-    std::int32_t code = 0, row = 0;  // the first failure: of the file, or 986 for a row of more than a line
-    std::int32_t rows = 0;           // up to the last one that holds a text
-    std::vector<std::int32_t>
-        longest{};         // of each column that holds one, 48 at most: characters of the longest
-    bool stopped = false;  // by progress.h
-};
-TabExtent TabMeasure(const std::string& filename, const DataOptions& options);
 
 // Gives every cell of the first 48 columns to `visit`, with the numbers of its row and column, from 1, and
 // its text as a string would take it. `rows` of the result are those that were read.

@@ -37,6 +37,7 @@
 namespace tarn {
 
 inline constexpr std::int32_t MaxXbaseFields = 48, MaxXbaseFieldName = 11, MaxXbaseFieldLength = 255;
+inline constexpr char XbaseFileEnd = 26;  // may stand behind the last record
 
 struct XbaseHeader {
     std::int32_t headerSize = 0, recordSize = 0, fieldCount = 0;

@@ -16,7 +16,7 @@ namespace tarn {
 
 inline constexpr std::int32_t XbaseStartBytes = 32, XbaseDescriptorBytes = 32;
 inline constexpr std::int32_t MaxXbaseHead = XbaseStartBytes + MaxXbaseFields * XbaseDescriptorBytes;
-inline constexpr char XbaseTerminator = 13, XbaseFileEnd = 26, XbaseLive = ' ', XbaseDeleted = '*';
+inline constexpr char XbaseTerminator = 13, XbaseLive = ' ', XbaseDeleted = '*';
 inline constexpr char XbaseCharacters = 'C', XbaseDate = 'D', XbaseLogical = 'L', XbaseNumber = 'N';
 
 // The line of a declaration that stands for the deletion mark.

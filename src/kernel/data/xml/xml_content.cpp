@@ -227,11 +227,11 @@ private:
     void append(std::string_view text) {
         if (pass_.events != nullptr && !text.empty()) pass_.events->text(text);
         if (!collects_) return;
-        const std::size_t room = std::size_t{MaxXmlText} - (pass_.text.size() - text_);
+        const std::size_t room = static_cast<std::size_t>(pass_.longestText) - (pass_.text.size() - text_);
         if (text.size() > room)
             XmlReport(pass_, ERR_XML_OVERFLOW,
                       "Character data at this nesting level is too long, max length is " +
-                          std::to_string(MaxXmlText));
+                          std::to_string(pass_.longestText));
         pass_.text.append(text.substr(0, room));
     }
     void takeBytes(std::size_t count) {

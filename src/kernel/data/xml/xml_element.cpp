@@ -101,6 +101,9 @@ private:
         XmlExpect(pass_, XmlEquals);
         if (!XmlCheck(pass_, {XmlSingleQuoted, XmlDoubleQuoted})) return false;
         std::string_view value = pass_.scan.symbolStr();
+        if (pass_.events != nullptr && value.size() >= std::size_t{MaxScannerLine})
+            XmlReport(pass_, ERR_XML_OVERFLOW,
+                      "Attribute is too long, max length is " + std::to_string(MaxScannerLine));
         value = value.size() < 2 ? std::string_view() : value.substr(1, value.size() - 2);
         take(meaning, expand(pass_, value, expanded_));
         return true;

@@ -6,8 +6,6 @@
 #include "kernel/data/xml/xml_reader.h"
 #include "os/text/ascii.h"
 
-#include <algorithm>
-
 namespace tarn {
 
 namespace {
@@ -20,9 +18,7 @@ constexpr const char* completeRows =
 class Order : public XmlEvents {
 public:
     Order(const std::string& file, const std::vector<std::string>& columns, const XmlRows& rows)
-        : file_(file), columns_(columns), rowDepth_(rows.depth), whole_(rows.form == XmlRows::Form::Rows) {
-        result.longest.resize(columns.size());
-    }
+        : file_(file), columns_(columns), rowDepth_(rows.depth), whole_(rows.form == XmlRows::Form::Rows) {}
 
     void start(std::string_view name, std::int32_t line) override {
         ++depth_;
@@ -32,17 +28,13 @@ public:
         if (depth_ == rowDepth_ + 1) element(name);
     }
     // `type` and `index` say how to read an element and are no data.
-    void attribute(std::string_view name, std::string_view value) override {
+    void attribute(std::string_view name, std::string_view) override {
         if (depth_ != rowDepth_ || faulty() || ascii::equal(name, "type") || ascii::equal(name, "index"))
             return;
         attributes_.emplace_back(name);
-        lengths_.push_back(value.size());
     }
-    void text(std::string_view part) override {
-        if (depth_ >= rowDepth_) length_ += part.size();
-    }
+    void text(std::string_view) override {}
     void end() override {
-        if (!faulty() && depth_ == rowDepth_ + 1) measure(next_ - 1, length_);
         if (!faulty() && depth_ == rowDepth_) close();
         if (!faulty() && depth_ == rowDepth_) noteMissing();
         --depth_;
@@ -53,16 +45,13 @@ private:
     [[nodiscard]] bool faulty() const { return !result.message.empty(); }
     void open() {
         ++result.rows;
-        next_ = length_ = 0;
+        next_ = 0;
         rowLine_ = line_;
         attributes_.clear();
-        lengths_.clear();
     }
     // The only attribute of a row of one column is the value of the row, whatever its name.
     [[nodiscard]] bool isValue() const { return attributes_.size() == 1 && columns_.size() == 1; }
     void close() {
-        if (next_ == 0) measure(0, length_);
-        for (std::size_t i = 0; i < lengths_.size(); ++i) measure(i, lengths_[i]);
         for (std::size_t i = 0; i < attributes_.size() && !isValue(); ++i)
             if (!field(rowLine_, "attribute", attributes_[i])) return;
     }
@@ -72,13 +61,7 @@ private:
         result.missing = place(rowLine_) + "the row has no '" + columns_[next_] + "'.";
         result.advice = completeRows;
     }
-    void measure(std::size_t column, std::size_t size) {
-        if (column >= columns_.size()) return;
-        const auto length = static_cast<std::int32_t>(std::min(size, std::size_t{INT32_MAX}));
-        result.longest[column] = std::max(result.longest[column], length);
-    }
     void element(std::string_view name) {
-        length_ = 0;
         if (attributes_.empty())
             field(line_, "element", name);
         else
@@ -104,10 +87,8 @@ private:
     std::int32_t rowDepth_, depth_ = 0, line_ = 0;
     bool whole_;                // a row has all columns; the only one of a file has those that it has
     std::size_t next_ = 0;      // column
-    std::size_t length_ = 0;    // of the text of the element, or of the row while it has none
     std::int32_t rowLine_ = 0;  // of the row that is open, as are these
     std::vector<std::string> attributes_;
-    std::vector<std::size_t> lengths_;
 };
 
 }  // namespace

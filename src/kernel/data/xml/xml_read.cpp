@@ -159,10 +159,13 @@ XmlReadResult XmlReading::begin() const {
     XmlPass& pass =
         work.pass.emplace(XmlPass{work.scan, work.tables, typeText != nullptr, form, events, characters});
     pass.size = info.size;
+    const bool longLines = lengths == XmlLengths::Long;
+    if (longLines) pass.longestText = LongestXmlLine;
     work.open.clear();
     work.place = XmlReader::Work::Place::Head;
     reader.reading_ = true;
-    work.scan.reportStatus(work.scan.open(filename, &work.tables.symbols, false), pass.error);
+    const std::int32_t longest = longLines ? LongestXmlLine : MaxScannerLine;
+    work.scan.reportStatus(work.scan.open(filename, &work.tables.symbols, false, longest), pass.error);
     return result;
 }
 
@@ -231,6 +234,13 @@ XmlReadResult XmlReader::read(const std::string& filename, void* value, Kind kin
     return XmlReading{*this, filename, typeText, typeTextSize}.read(value, kind);
 }
 
+XmlReadResult XmlReader::discover(const std::string& filename, std::string& typeText,
+                                  std::int32_t typeTextSize, XmlLengths lengths) {
+    XmlReading reading{*this, filename, &typeText, typeTextSize};
+    reading.lengths = lengths;
+    return reading.read(nullptr, KindNone);
+}
+
 // ---- walks ----
 
 namespace {
@@ -251,9 +261,12 @@ bool enterDocument(XmlPass& pass, std::vector<std::size_t>& open) {
 
 }  // namespace
 
-ErrorRecord XmlReader::startWalk(const std::string& filename, XmlEvents& events, XmlCharacters characters) {
+ErrorRecord XmlReader::startWalk(const std::string& filename, XmlEvents& events, XmlCharacters characters,
+                                 XmlLengths lengths) {
     const ErrorCellAside aside;
-    return XmlReading{*this, filename, nullptr, 0, XmlTableForm::Rows, &events, characters}.begin().error;
+    return XmlReading{*this, filename, nullptr, 0, XmlTableForm::Rows, &events, characters, lengths}
+        .begin()
+        .error;
 }
 
 bool XmlReader::isWalking() const {

@@ -41,6 +41,13 @@ enum class XmlCharacters {
     Utf8,   // the character; 672 for a number that is none
 };
 
+// How long a line of the file, and the text of an element that is looked at for its type, may be.
+enum class XmlLengths {
+    Told,  // 32768 bytes, as programs of the system read them
+    Long,  // LongestXmlLine
+};
+inline constexpr std::int32_t LongestXmlLine = std::int32_t{1} << 24;
+
 struct XmlReadResult {
     ErrorRecord error;
     bool stopped = false;                           // by progress.h; a value is as it was
@@ -60,10 +67,14 @@ public:
     // As XmlRead: `value` and `typeText` may each be null.
     XmlReadResult read(const std::string& filename, void* value, Kind kind, std::string* typeText,
                        std::int32_t typeTextSize);
+    // The structure alone, as XmlDiscover has it, of a file of such lengths.
+    XmlReadResult discover(const std::string& filename, std::string& typeText, std::int32_t typeTextSize,
+                           XmlLengths lengths);
     // As XmlLoad.
     XmlResult load(const std::string& filename, void* value, Kind kind);
     // Tells `events` what stands in the file, to its end. Behind a failure, which the result tells, events are
-    // what was made of the rest; start and end need not match then.
+    // what was made of the rest; start and end need not match then. An attribute that was cut, because it holds
+    // quotes or line ends and is longer than 32768 bytes, is a failure (671).
     XmlReadResult walk(const std::string& filename, XmlEvents& events,
                        XmlCharacters characters = XmlCharacters::Bytes);
     // The same in parts. An error: nothing was started. Each `walkOn` goes on to behind the end of an element
@@ -71,7 +82,8 @@ public:
     // reader stands in the middle of its file, for as long as is wanted. `endWalk`, which may come early,
     // closes the file and gives what the whole walk found. Events must not go on with, or end, their own walk.
     ErrorRecord startWalk(const std::string& filename, XmlEvents& events,
-                          XmlCharacters characters = XmlCharacters::Bytes);
+                          XmlCharacters characters = XmlCharacters::Bytes,
+                          XmlLengths lengths = XmlLengths::Told);
     bool walkOn(std::int32_t depth);
     XmlReadResult endWalk();
 

@@ -92,6 +92,7 @@ struct XmlPass {
     XmlTableForm form = XmlTableForm::Rows;
     XmlEvents* events = nullptr;  // of a walk; then there is no value
     XmlCharacters characters = XmlCharacters::Bytes;
+    std::int32_t longestText = MaxXmlText;
     ErrorRecord error{};
     ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
@@ -324,6 +325,7 @@ struct XmlReading {
     XmlTableForm form = XmlTableForm::Rows;
     XmlEvents* events = nullptr;
     XmlCharacters characters = XmlCharacters::Bytes;
+    XmlLengths lengths = XmlLengths::Told;
 
     [[nodiscard]] XmlReadResult read(void* value, Kind kind) const;
 

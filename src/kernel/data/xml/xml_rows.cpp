@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A single record becomes a row; rows and values in a list go to the table as they are read.
+#include "kernel/data/xml/xml_rows.h"
 #include "kernel/data/typeinfo/typeinfo.h"
-#include "kernel/data/xml/xml_order.h"
 #include "kernel/data/xml/xml_reader_internal.h"
 #include "kernel/lists/lists.h"
 #include "kernel/values/records.h"

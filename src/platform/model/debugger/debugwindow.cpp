@@ -42,9 +42,24 @@ void change(DebugWindow& window, T& field, T value, DebugPart part) {
 }
 
 void handle(DebugWindow& window, const DebugEvent& event) {
+    const bool ofSelected = event.message == DebugMessage::Edit || event.message == DebugMessage::DoubleClick;
+    const bool atSelected = ofSelected && event.number == 0;
+    if (atSelected && window.selected == 0) return;
     window.handling = true;
-    window.handler(window, event);
+    window.handler(window, atSelected ? DebugEvent{event.message, window.selected, event.text} : event);
     window.handling = false;
+}
+
+constexpr std::size_t MostEarly = 1000;  // nobody types so far ahead
+
+bool isTyped(const DebugEvent& event) {
+    switch (event.message) {
+    case DebugMessage::Command:
+    case DebugMessage::Help: return true;
+    case DebugMessage::Edit:
+    case DebugMessage::DoubleClick: return event.number == 0;
+    default: return false;
+    }
 }
 
 }  // namespace
@@ -64,19 +79,27 @@ DebugWindow* debugWindow() {
 void userDebug(DebugWindow& window, const DebugEvent& event) {
     const auto alive = window.shared_from_this();
     const bool ends = event.message == DebugMessage::Command && event.number == DEBUG_STOP;
-    if (!window.handler || window.handling || (!window.stopped && !ends)) return;
-    if (window.stopped && window.left) {
-        if (event.message == DebugMessage::Command) window.early.push_back(event);
-        return;
-    }
-    handle(window, event);
+    if (!window.handler || window.handling) return;
+    if (hearsDebug(window) || (ends && !window.stopped))
+        handle(window, event);
+    else if (isTyped(event) && window.early.size() < MostEarly)
+        window.early.push_back(event);
+}
+
+bool hearsDebug(const DebugWindow& window) {
+    return window.stopped && !window.left;
+}
+
+void userDebugBreak(DebugWindow& window) {
+    window.early.clear();
+    SetUserBreak(1);
 }
 
 void userDebugClose(DebugWindow& window) {
     if (window.stopped)
         userDebug(window, {DebugMessage::Close, 0, ""});
     else
-        SetUserBreak(1);
+        userDebugBreak(window);
 }
 
 // ---- rest ----

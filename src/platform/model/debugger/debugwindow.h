@@ -61,7 +61,7 @@ public:
     bool stopped = false;          // inside ActivateDebug
     bool left = false;             // the handler has left the stop
     bool handling = false;         // the handler runs
-    std::deque<DebugEvent> early;  // commands of the next stop, given while this one was being left
+    std::deque<DebugEvent> early;  // of the next stop, typed before it
 };
 
 }  // namespace types
@@ -69,8 +69,12 @@ public:
 DebugWindow* debugWindow();  // null if there is none
 
 // What the user did. The handler hears of it while the program is stopped, and of DEBUG_STOP always; the window may be
-// gone afterwards. A command given while a stop is being left belongs to the next one.
+// gone afterwards. What can be typed - commands, help, and an edit or a double click with the line 0, which is the one that
+// is selected when the handler hears of it - belongs to the next stop if it comes before that: no key is lost between stops.
 void userDebug(DebugWindow& window, const DebugEvent& event);
+bool hearsDebug(const DebugWindow& window);  // whether the handler hears at once
+// Breaks into the program. What was typed for the next stop is forgotten: the user wants to see where it stands.
+void userDebugBreak(DebugWindow& window);
 // The window's close button: while the program runs, it is broken into.
 void userDebugClose(DebugWindow& window);
 

@@ -37,7 +37,7 @@ public:
         });
     }
     void apply(Property property) override {
-        if (property == Property::Caption) button_.setText(shown(control_->caption));
+        if (property == Property::Caption) button_.setText(marked(shown(control_->caption)));
         if (property == Property::Picture) button_.setIcon(iconOf(control_->picture));
     }
 
@@ -73,7 +73,7 @@ private:
     void dress() {
         const QIcon icon = iconOf(control_->picture);
         button_.setIcon(icon);
-        button_.setText(shown(control_->caption));
+        button_.setText(marked(shown(control_->caption)));
         const bool caption = !control_->caption.empty() && !flat_;
         button_.setToolButtonStyle(icon.isNull() ? Qt::ToolButtonTextOnly
                                    : caption     ? Qt::ToolButtonTextBesideIcon
@@ -123,7 +123,7 @@ public:
     }
     void apply(Property property) override {
         const QSignalBlocker quiet(&button_);
-        if (property == Property::Caption) button_.setText(shown(control_->caption));
+        if (property == Property::Caption) button_.setText(marked(shown(control_->caption)));
         if (property == Property::Checked || property == Property::Value) button_.setChecked(isOn(*control_));
     }
 
@@ -144,7 +144,7 @@ public:
         });
     }
     void apply(Property property) override {
-        if (property == Property::Caption) button_.setText(shown(control_->caption));
+        if (property == Property::Caption) button_.setText(marked(shown(control_->caption)));
         if (property == Property::Checked || property == Property::Value) settle();
     }
 

@@ -31,17 +31,6 @@ namespace tarn::platform::qt {
 
 namespace {
 
-// A mark stands before a letter or a digit; "Tom & Ann" has none.
-QString withoutMark(const QString& caption) {
-    QString plain;
-    for (qsizetype i = 0; i < caption.size(); ++i) {
-        const QChar next = i + 1 < caption.size() ? caption[i + 1] : QChar();
-        if (caption[i] == u'&' && (next == u'&' || next.isLetterOrNumber())) ++i;
-        plain += caption[i];
-    }
-    return plain;
-}
-
 class LabelPeer : public Peer {
 public:
     LabelPeer(Control& control, QLabel& label) : Peer(control, label), label_(label) {
@@ -65,8 +54,8 @@ private:
                             (tall ? Qt::AlignTop : Qt::AlignVCenter));
         // Only a mnemonic that leads somewhere is one.
         const bool leads = label_.buddy() != nullptr;
-        const QString caption = shown(control_->caption), plain = withoutMark(caption);
-        const QString& text = leads ? caption : plain;
+        const QString caption = shown(control_->caption), plain = withoutMnemonic(caption);
+        const QString text = leads ? marked(caption) : plain;
         const QString fits = tall ? text : shortened(text, leads ? Qt::TextShowMnemonic : 0);
         label_.setText(fits);
         const bool named = fits == text && !plain.contains(u'&');
@@ -89,7 +78,7 @@ public:
         box.lower();  // what it frames are its siblings
     }
     void apply(Property property) override {
-        if (property == Property::Caption) box_.setTitle(shown(control_->caption));
+        if (property == Property::Caption) box_.setTitle(marked(shown(control_->caption)));
     }
 
 private:

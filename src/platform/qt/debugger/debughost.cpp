@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/debugger/debughost.h"
 
-#include "platform/operations/system.h"
 #include "platform/qt/debugger/debugview.h"
 
 #include <QApplication>
@@ -132,7 +131,10 @@ void DebugHost::pump() {
 
 bool DebugHost::takes(QObject* receiver, QEvent& event) {
     if (view_ == nullptr) return false;
-    if (!stopped_ && isBreak(event)) return SetUserBreak(1), true;
+    if (!stopped_ && isBreak(event)) {
+        if (DebugWindow* const window = debugWindow()) userDebugBreak(*window);
+        return true;
+    }
     if (!(stopped_ || pumping_) || !isHeard(event.type()) || isOurs(receiver)) return false;
     if (pumping_) return keep(receiver, event);
     if (!receiver->isWidgetType()) return false;  // the widget that it is for will be asked

@@ -180,11 +180,12 @@ bool DebugList::openBy(int key) {
     const bool opens = key == Qt::Key_Return || key == Qt::Key_Enter ||
                        (key == Qt::Key_Right && marker == DebugMarker::Expand) ||
                        (key == Qt::Key_Left && marker == DebugMarker::Collapse);
-    if (opens && opened) opened(line);
+    if (opens && openedByKey) openedByKey();
     return opens;
 }
 
 void DebugList::keyPressEvent(QKeyEvent* event) {
+    if (typed && typed(*event)) return;
     const auto plain = event->modifiers() & ~Qt::KeypadModifier;
     if (plain != Qt::NoModifier || !openBy(event->key())) QListView::keyPressEvent(event);
 }

@@ -18,7 +18,9 @@ class DebugRows;
 class DebugList : public QListView {
 public:
     DebugList(DebugWindow& window, QWidget* parent);
-    std::function<void(int line)> opened;  // a double click, Return, or a click that expands
+    std::function<void(int line)> opened;             // a double click, or a click that expands
+    std::function<void()> openedByKey;                // the selected line
+    std::function<bool(const QKeyEvent& key)> typed;  // true: it goes no further
     std::function<void(int line)>
         margined;  // a click into the margin of numbers and marks; the line is selected
     std::function<void(int line, const std::string& word)> rested;  // the pointer, on a word or on none

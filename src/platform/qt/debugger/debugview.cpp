@@ -80,7 +80,12 @@ DebugView::DebugView(DebugWindow& window)
     makeActions();
     makeMenu();
     list_->opened = [this](int line) { send(DebugMessage::DoubleClick, line); };
-    list_->margined = [this](int) { send(DebugMessage::Command, DEBUG_BREAKPOINT_COMMAND); };
+    list_->openedByKey = [this] { send(DebugMessage::DoubleClick, 0); };
+    list_->typed = [this](const QKeyEvent& key) { return takeEarly(key); };
+    // Another line may be selected at the next stop.
+    list_->margined = [this](int) {
+        if (hearsDebug(*window_)) send(DebugMessage::Command, DEBUG_BREAKPOINT_COMMAND);
+    };
     list_->rested = [this](int line, const std::string& word) { send(DebugMessage::Hover, line, word); };
     soon_.setSingleShot(true);
     running_.setSingleShot(true);
@@ -116,8 +121,10 @@ QAction* DebugView::addCommand(int number, const QString& picture) {
                                        : addKey(tr(known->title), QKeySequence(QLatin1String(known->keys)));
     action->setIcon(debugPicture(picture));
     action->setObjectName(QString::number(number));
-    connect(action, &QAction::triggered, this, [this, number] { send(DebugMessage::Command, number); });
-    if (number != DEBUG_STOP) live_.push_back(action);
+    if (number != DEBUG_STOP)
+        makeLive(action, DebugMessage::Command, number);
+    else
+        connect(action, &QAction::triggered, this, [this] { send(DebugMessage::Command, DEBUG_STOP); });
     return action;
 }
 
@@ -151,7 +158,7 @@ QWidget* DebugView::makeToolbar() {
     break_->setObjectName(QStringLiteral("break"));
     break_->setCheckable(true);  // pressed until the program has come to a statement
     connect(break_, &QAction::triggered, this, [this] {
-        SetUserBreak(1);
+        if (window_ != nullptr) userDebugBreak(*window_);
         break_->setChecked(true);
     });
     addButton(break_);
@@ -166,12 +173,9 @@ void DebugView::makeActions() {
     const auto onKey = [this](const QString& title, const QKeySequence& keys, auto act) {
         QAction* action = addKey(title, keys);
         connect(action, &QAction::triggered, this, act);
-        return action;
     };
-    live_.push_back(onKey(tr("Change the value or the rule"), QKeySequence(Qt::Key_F2), [this] {
-        if (window_ != nullptr && window_->selected > 0) send(DebugMessage::Edit, window_->selected);
-    }));
-    live_.push_back(onKey(tr("Help"), QKeySequence(Qt::Key_F1), [this] { send(DebugMessage::Help, 0); }));
+    makeLive(addKey(tr("Change the value or the rule"), QKeySequence(Qt::Key_F2)), DebugMessage::Edit, 0);
+    makeLive(addKey(tr("Help"), QKeySequence(Qt::Key_F1)), DebugMessage::Help, 0);
     onKey(tr("Copy the line"), QKeySequence(Qt::CTRL | Qt::Key_C), [this] { copy(false); });
     onKey(tr("Copy all"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), [this] { copy(true); });
 }
@@ -206,6 +210,26 @@ void DebugView::copy(bool whole) {
 
 void DebugView::send(DebugMessage message, int number, const std::string& text) {
     if (window_ != nullptr) userDebug(*window_, {message, number, text});
+}
+
+void DebugView::makeLive(QAction* action, DebugMessage message, int number) {
+    connect(action, &QAction::triggered, this, [this, message, number] { send(message, number); });
+    live_.push_back({action, message, number});
+}
+
+bool DebugView::takeEarly(const QKeyEvent& key) {
+    if (window_ == nullptr || hearsDebug(*window_)) return false;
+    const QKeySequence typed(key.keyCombination());
+    for (const LiveAction& one : live_) {
+        if (one.action->isEnabled() || one.action->shortcut() != typed) continue;
+        send(one.message, one.number);
+        return true;
+    }
+    return false;
+}
+
+void DebugView::keyPressEvent(QKeyEvent* event) {
+    if (!takeEarly(*event)) QWidget::keyPressEvent(event);
 }
 
 // ---- what the model has changed ----
@@ -273,7 +297,7 @@ void DebugView::showTip() {
 }
 
 void DebugView::showLive(bool live) {
-    for (QAction* action : live_) action->setEnabled(live);
+    for (const LiveAction& one : live_) one.action->setEnabled(live);
     break_->setEnabled(!live);
     if (live) break_->setChecked(false);
     status_->setEnabled(live);
@@ -284,10 +308,11 @@ void DebugView::showLive(bool live) {
 void DebugView::place() {
     const QSize usual(usualWidth, usualHeight);
     const QRect kept = rectOf(window_->wanted), beside = rectOf(window_->beside);
+    const QSize least = minimumSizeHint();
     if (!kept.isEmpty())
-        frame_ = fittedPlace(kept, roomFor(kept));
+        frame_ = fittedPlace({kept.topLeft(), kept.size().expandedTo(least)}, roomFor(kept));
     else if (!beside.isEmpty())
-        frame_ = placeBeside(beside, roomFor(beside), usual, minimumSizeHint().expandedTo(smallest));
+        frame_ = placeBeside(beside, roomFor(beside), usual, least.expandedTo(smallest));
     resize(frame_.isEmpty() ? usual.boundedTo(roomFor({}).size()) : frame_.size());
     settled_ = frame_.isEmpty();
     if (!settled_ && isOnScreen(frame_)) move(frame_.topLeft());
@@ -305,7 +330,8 @@ void DebugView::endSettling() {
     notePlace();
 }
 
-// What was kept is the size of the frame.
+// What was kept is the place and the size of the frame. The toolkit takes the corner for that of the area inside until the
+// window system moves or sizes the window, which it does not for one that cannot become as small as it was kept.
 void DebugView::settle() {
     if (window_ == nullptr || settled_ || windowHandle() == nullptr) return;
     const QMargins margins = windowHandle()->frameMargins();
@@ -313,6 +339,7 @@ void DebugView::settle() {
     settled_ = true;
     resize(frame_.width() - margins.left() - margins.right(),
            frame_.height() - margins.top() - margins.bottom());
+    if (isOnScreen(frame_)) move(frame_.topLeft());
 }
 
 void DebugView::notePlace() {

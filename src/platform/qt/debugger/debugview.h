@@ -35,6 +35,7 @@ public:
 protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -46,6 +47,9 @@ private:
     void makeMenu();
     void makeStatus();
     void send(DebugMessage message, int number, const std::string& text = {});
+    void makeLive(QAction* action, DebugMessage message, int number);
+    // Takes the key of a command that is not possible now, which belongs to the next stop.
+    bool takeEarly(const QKeyEvent& key);
     void showStatus();
     void showLive(bool live);
     void copy(bool whole);
@@ -58,11 +62,17 @@ private:
     DebugWindow* window_;
     DebugList* list_;
     QPlainTextEdit* status_;
-    std::vector<QAction*> live_;  // what is possible while the program is stopped
+    // What is possible while the program is stopped, and what it tells the model.
+    struct LiveAction {
+        QAction* action;
+        DebugMessage message;
+        int number;
+    };
+    std::vector<LiveAction> live_;
     QAction* break_ = nullptr;
     QTimer soon_, running_;
     unsigned parts_ = 0;  // to be refreshed, a bit for each part
-    QRect frame_;  // where it shall stand; empty: wherever the desktop puts it
+    QRect frame_;         // where it shall stand; empty: wherever the desktop puts it
     bool settled_ = false;
 };
 

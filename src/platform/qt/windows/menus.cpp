@@ -33,7 +33,8 @@ QString menuText(const QAction& action, const QString& caption) {
     const QScreen* screen = QGuiApplication::primaryScreen();
     const int room = screen != nullptr ? screen->availableSize().width() / 2 : 600;
     const QFontMetrics metrics(action.font());
-    if (!isNumbered(caption)) return metrics.elidedText(caption, Qt::ElideMiddle, room, Qt::TextShowMnemonic);
+    if (!isNumbered(caption))
+        return metrics.elidedText(marked(caption), Qt::ElideMiddle, room, Qt::TextShowMnemonic);
     QString name = metrics.elidedText(caption.mid(3), Qt::ElideMiddle, room);
     for (QChar& c : name)
         if (c < u' ') c = u' ';  // a tab would part a shortcut off

@@ -151,7 +151,7 @@ std::string askMessage(const Question& question, QWidget* parent) {
     if (captions.empty()) captions.emplace_back("OK");
     std::string answer;
     for (std::size_t i = 0; i < captions.size(); ++i) {
-        QPushButton* button = addButton(*row, shown(captions[i]), box);
+        QPushButton* button = addButton(*row, marked(shown(captions[i])), box);
         QObject::connect(button, &QPushButton::clicked, &box, [&, i] {
             answer = captions[i];
             box.accept();

@@ -3,6 +3,8 @@
 
 #include "support/ide_fixture.h"
 
+#include <chrono>
+
 namespace tarn {
 namespace {
 
@@ -29,6 +31,15 @@ TEST_F(BreakpointList, IsReadFromWords) {
                           {"ide 10 10", "ide:10 ide:10 "},
                           {"ide 99999999999 7", "99999999999:7 "}})
         EXPECT_EQ(text(PARSEBREAKPOINTS(c.value)), c.list) << c.value;
+}
+
+TEST_F(BreakpointList, TenThousandAreReadAtOnce) {
+    std::vector<Breakpoint> all;
+    for (int i = 1; i <= 10000; i++) all.push_back({i % 2 == 0 ? "ide" : "textedit", i});
+    const std::string value = FORMATBREAKPOINTS(all);
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(text(PARSEBREAKPOINTS(value)), text(all));
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
 }
 
 TEST_F(BreakpointList, BecomesWordsInItsOrder) {

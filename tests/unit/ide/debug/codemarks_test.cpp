@@ -7,6 +7,8 @@
 #include "platform/model/linemarks.h"
 #include "support/ide_fixture.h"
 
+#include <chrono>
+
 namespace tarn {
 namespace {
 
@@ -148,6 +150,37 @@ TEST_F(CodeMarks, AreRefusedWhereAProgramWouldNotTakeThem) {
     EXPECT_EQ(stored(), value);
     EXPECT_EQ(marks(), "");
     EXPECT_EQ(GetCaption(MAINCONTROL("lblstatus")), "A program takes at most 200 breakpoints.");
+}
+
+TEST_F(CodeMarks, OfTooManyEachCanBeTakenAway) {
+    std::string value = "other";
+    for (int i = 1; i <= 10000; i++) value += " " + STR(i);
+    store(value + " SUMS 3 4");
+    open();
+    EXPECT_EQ(marks(), "3 4 ");
+    const auto before = std::chrono::steady_clock::now();
+    TOGGLEBREAKPOINT(SDIEdit, 3);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
+    EXPECT_EQ(marks(), "4 ");
+    EXPECT_EQ(stored(), value + " SUMS 4");
+    TOGGLEBREAKPOINT(SDIEdit, 3);
+    EXPECT_EQ(marks(), "4 ") << "one more has no room";
+    EXPECT_EQ(GetCaption(MAINCONTROL("lblstatus")), "A program takes at most 200 breakpoints.");
+}
+
+TEST_F(CodeMarks, EachChangeThatIsLostIsToldOnce) {
+    open();
+    std::filesystem::permissions(ini(), std::filesystem::perms(0444));
+    for (int change = 1; change <= 3; change++) {
+        asked.clear();
+        answers = {"OK"};
+        platform::userMarginClick(*platform::findControl(SDIEdit), 3);
+        EXPECT_EQ(asked.size(), 1U) << change;
+        EXPECT_EQ(marks(), "");
+    }
+    std::filesystem::permissions(ini(), std::filesystem::perms(0644));
+    platform::userMarginClick(*platform::findControl(SDIEdit), 3);
+    EXPECT_EQ(marks(), "3 ");
 }
 
 TEST_F(CodeMarks, OfSettingsThatCannotBeWrittenAreToldAndNotShown) {

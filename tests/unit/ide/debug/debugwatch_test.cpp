@@ -6,6 +6,7 @@
 #include "ide/debug/codemarks.h"
 #include "kernel/debug/stopnotice.h"
 #include "kernel/windows/linemarks.h"
+#include "os/runtimenotes.h"
 #include "support/ide_fixture.h"
 #include "support/tempfolder.h"
 
@@ -35,6 +36,12 @@ protected:
     void stopAt(const std::string& path, int line, int error = 0) {
         NoteStopped({"Sums", "main", path, line, error});
         FOLLOWPROGRAM(self, "sums.exe");
+    }
+    // Another program, whose note is written in its place.
+    void otherStopsAt(int process, const std::string& path, int line) {
+        os::putNote("debug-" + std::to_string(process), "tarnwick debug 1\nstopped\n1\n\nSums\nmain\n" +
+                                                            path + "\n" + std::to_string(line) + "\n0\n");
+        FOLLOWPROGRAM(process, "p" + std::to_string(process));
     }
     static std::string marks() {
         std::string text;
@@ -130,6 +137,41 @@ TEST_F(DebugWatch, ShowsWhatAProgramHasLeftInTheSettings) {
     EXPECT_EQ(marks(), "");
     FORGETPROGRAM(self);
     EXPECT_EQ(marks(), "3 ");
+}
+
+TEST_F(DebugWatch, ShowsTheStopOfAnotherProgramWhenTheShownOneHasEnded) {
+    constexpr int Second = 99000001, Third = 99000002;
+    otherStopsAt(Second, other, 4);
+    otherStopsAt(Third, file, 2);
+    stopAt(file, 3);
+    EXPECT_EQ(marks(), "3 ");
+    FORGETPROGRAM(self);
+    EXPECT_EQ(marks(), "2 ") << "the one that stopped last";
+    EXPECT_EQ(status(), "p99000002 is stopped in Sums.main, line 2; sums.exe has ended");
+    otherStopsAt(Second, other, 5);
+    EXPECT_EQ(marks(), "5 ");
+    FORGETPROGRAM(Third);
+    EXPECT_EQ(marks(), "5 ") << "it was not shown";
+    EXPECT_EQ(status(), "p99000001 is stopped in Sums.main, line 5; p99000002 has ended");
+    FORGETPROGRAM(Second);
+    EXPECT_EQ(marks(), "");
+    EXPECT_EQ(status(), "p99000001 has ended");
+}
+
+TEST_F(DebugWatch, ShowsNoStopOfAProgramThatHasGoneOn) {
+    constexpr int Second = 99000001;
+    otherStopsAt(Second, other, 4);
+    NoteRunning(file);
+    FOLLOWPROGRAM(self, "sums.exe");
+    otherStopsAt(Second, file, 2);
+    NoteRunning();
+    os::putNote("debug-" + std::to_string(Second),
+                "tarnwick debug 1\nrunning\n2\n\nSums\nmain\n" + file + "\n2\n0\n");
+    FOLLOWPROGRAM(Second, "p");
+    FORGETPROGRAM(self);
+    EXPECT_EQ(marks(), "");
+    EXPECT_EQ(status(), "sums.exe has ended");
+    FORGETPROGRAM(Second);
 }
 
 TEST_F(DebugWatch, DropsWhatAProgramThatWasKilledHasLeft) {

@@ -18,6 +18,53 @@ protected:
     static std::string first(const std::string& text, std::size_t length) { return text.substr(0, length); }
 };
 
+// Captions with every place that a "&" can have.
+constexpr const char* Ampersands[] = {"&",     "&&",     "&&&",   "a&",     "a&&",      "a &", "&a&",
+                                      "&&a&",  "&&&&x&", "a & b", "a && b", "&a && &b", "R&D", "&\xC3\xA4",
+                                      "\xE4&", "& ",     " &",    "\"&\"",  "&&&&&&&&"};
+
+std::string inFile(std::string text) {
+    return STRREPLACE(STRREPLACE(text, "\\", "\\\\"), "\"", "\\\"");
+}
+
+TEST_F(DialogEditor, EveryAmpersandOfALabelComesBack) {
+    std::string controls, items;
+    int n = 0;
+    for (const char* caption : Ampersands) {
+        controls += control("LABEL", "L" + STR(++n), "8 8 40 8", "    CAPTION=\"" + inFile(caption) + "\"\n");
+        items += "  MENUITEM m" + STR(n) + "\n    POSITION=1\n    CAPTION=\"" + inFile(caption) + "\"\n";
+    }
+    const std::string text = dialog(controls, "Dlg", "  MENU=M\n") + "\nM MENU\n" + items + "END\n";
+    open(text);
+    n = 0;
+    for (const char* caption : Ampersands) {
+        EXPECT_EQ(property(++n + 1, "CAPTION"), caption);
+        EXPECT_EQ(GETPROPVALUE(GetList(DESIGNCONTROL("menulist"), n + 1), "CAPTION"), caption);
+    }
+    DIALOGSETMODIFY(true);
+    DIALOGSAVE();
+    EXPECT_EQ(read(file), text);
+    click(15, 16);
+    key(KEY_RIGHT);
+    DIALOGSAVE();
+    EXPECT_NE(read(file), text) << "a label has moved";
+    open(read(file));
+    n = 0;
+    for (const char* caption : Ampersands) EXPECT_EQ(property(++n + 1, "CAPTION"), caption);
+}
+
+TEST_F(DialogEditor, EveryAmpersandThatIsTypedIsSaved) {
+    for (const char* caption : Ampersands) {
+        open(dialog(control("LABEL", "one", "8 8 40 8", "    CAPTION=\"A\"\n")));
+        click(15, 16);
+        edit({{"CAPTION", caption}});
+        EXPECT_EQ(property(2, "CAPTION"), caption);
+        DIALOGSAVE();
+        open(read(file));
+        EXPECT_EQ(property(2, "CAPTION"), caption);
+    }
+}
+
 // ---- opening ----
 
 TEST_F(DialogEditor, OpensADialogIntoItsLists) {

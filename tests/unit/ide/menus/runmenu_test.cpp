@@ -74,6 +74,17 @@ TEST_F(Build, RefusesAnEmptyClassAndOneThatIsNotMain) {
                               "classes.\n\nInstead, compile this class using the 'Run-Compile' command.");
 }
 
+TEST_F(Build, TellsThatTheOpenClassHasGone) {
+    tool("ordo.exe", "");
+    open(main);
+    std::filesystem::remove(main);
+    EXPECT_FALSE(build(main));
+    EXPECT_EQ(asked.back().title, "Run-Quickbuild");
+    EXPECT_EQ(lastText(),
+              "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n'" + main +
+                  "'\n\nis empty or does not exist.");
+}
+
 TEST_F(Build, CallsTheMakeToolAndIsCleanWithoutMessages) {
     tool("ordo.exe", "");
     EXPECT_TRUE(build(main));

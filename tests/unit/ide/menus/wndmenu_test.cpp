@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/wndmenu.h"
 
+#include "ide/build/output.h"
 #include "ide/build/textview.h"
 #include "support/ide_fixture.h"
 
@@ -26,6 +27,23 @@ protected:
         return STR(r.x) + " " + STR(r.y) + " " + STR(r.w) + " " + STR(r.h);
     }
 };
+
+TEST_F(WindowMenu, OutputBringsTheOutputWindowForwardWhenItIsThere) {
+    const Object item = MAINCONTROL("window_output");
+    EXPECT_EQ(GetCaption(item), "&Output");
+    EXPECT_FALSE(GetEnabled(item));
+    DO_WINDOW_OUTPUT();
+    EXPECT_FALSE(IsLoaded(OutputDlg)) << "there is nothing to show";
+    write("p.exe", "#!/bin/sh\necho one\n");
+    std::filesystem::permissions(dir + "p.exe", std::filesystem::perms(0755));
+    RUNPROGRAM("Run-Start", dir + "p.exe", "", dir);
+    for (int waited = 0; !ISSHOWN(OutputDlg) && waited < 1000; waited++) DoEvents(), usleep(10000);
+    ASSERT_TRUE(ISSHOWN(OutputDlg));
+    EXPECT_TRUE(GetEnabled(item)) << "without a command between";
+    Show(SDIEdit, false);
+    DO_WINDOW_OUTPUT();
+    EXPECT_EQ(ActiveWindow(), OutputDlg);
+}
 
 TEST_F(WindowMenu, ArrangeGivesTheCodeWindowAloneTheWholeWorkArea) {
     DO_WINDOW_ARRANGE();

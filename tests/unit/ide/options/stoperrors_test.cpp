@@ -56,8 +56,10 @@ TEST_F(StopErrors, AreTheSystemsOwnAndOthers) {
         std::size_t errors;
     };
     for (const Case& c :
-         {Case{"", "", "", 0}, Case{"601", "", "601", 1}, Case{"601 901-909", "904", "601 901-909", 9},
-          Case{"900-2000", "900 904 910-921 925-950 961-980 993-2000", "900-2000", 33},
+         {Case{"", "", "", 0}, Case{"601", "", "601", 1}, Case{"601 901-909", "901-909", "601 901-909", 9},
+          Case{"900-2000", "900-2000", "900-2000", 33}, Case{"643-650", "643-650", "643-650", 1},
+          Case{"x 643-650 5-3", "643-650", "643-650", 1}, Case{"901-903", "", "901-903", 3},
+          Case{"640-645 643-650", "640-650", "640-650", 3},
           Case{"1000,2000-2099", "1000 2000-2099", "1000 2000-2099", 0},
           Case{"604 603 602 601", "", "601-604", 4}, Case{"601 601-602 602", "", "601-602", 2},
           Case{"x", "", "", 0}, Case{"2147483647", "2147483647", "2147483647", 0}}) {
@@ -147,6 +149,61 @@ TEST_F(StopErrors, ThoseThatAreFoundAreChosenTogether) {
                               press(Ok);
                           }),
               "721 723-724");
+}
+
+TEST_F(StopErrors, ARangeStaysOneUntilAnErrorIsTakenOutOfIt) {
+    EXPECT_EQ(valueBehind("643-650",
+                          [&] {
+                              EXPECT_EQ(GetText(in("edtothers")), "643-650");
+                              type("edtsearch", "643");
+                              EXPECT_EQ(row(1), "yes\t643\tDivision by zero");
+                              press(Ok);
+                          }),
+              "643-650");
+    EXPECT_EQ(valueBehind("643-650",
+                          [&] {
+                              type("edtsearch", "643");
+                              choose(1);
+                              press("btntoggle");
+                              EXPECT_EQ(row(1), "\t643\tDivision by zero");
+                              EXPECT_EQ(GetText(in("edtothers")), "644-650");
+                              press(Ok);
+                          }),
+              "644-650");
+}
+
+TEST_F(StopErrors, OfARangeAreInTheListAsLongAsItIsWritten) {
+    EXPECT_EQ(valueBehind("601 643-650",
+                          [&] {
+                              type("edtsearch", "643");
+                              type("edtothers", "1000");
+                              EXPECT_EQ(row(1), "\t643\tDivision by zero");
+                              type("edtothers", "642-2000");
+                              EXPECT_EQ(row(1), "yes\t643\tDivision by zero");
+                              press("btnall");
+                              type("edtothers", "");
+                              EXPECT_EQ(row(1), "\t643\tDivision by zero") << "the range had it already";
+                              press(Ok);
+                          }),
+              "601");
+}
+
+TEST_F(StopErrors, WhatIsStoredAndNoCodeStandsInTheDialogToBeMended) {
+    EXPECT_EQ(valueBehind("650-643, 601 x 643-650",
+                          [&] {
+                              EXPECT_FALSE(GetChecked(in("chkevery")));
+                              EXPECT_EQ(GetText(in("edtothers")), "643-650 650-643 x");
+                              press(Ok);
+                              EXPECT_NE(lastText().find("'650-643' is no code of an error."),
+                                        std::string::npos);
+                              type("edtsearch", "643");
+                              choose(1);
+                              press("btntoggle");
+                              EXPECT_EQ(GetText(in("edtothers")), "644-650 650-643 x");
+                              type("edtothers", "644-650");
+                              press(Ok);
+                          }),
+              "601 644-650");
 }
 
 TEST_F(StopErrors, EveryErrorIsNoValue) {

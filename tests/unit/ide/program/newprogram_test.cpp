@@ -265,6 +265,24 @@ TEST_F(NewProgramRefused, AWordOfTheLanguage) {
     EXPECT_FALSE(has("work/Function.cls"));
 }
 
+TEST_F(NewProgramRefused, ANameOfTheCoreOfTheLibrary) {
+    for (const std::string name : {"Lib", "SYSTEM", "system", "lIB"}) {
+        fill({{"Name", name}});
+        newClass();
+        EXPECT_EQ(lastText(),
+                  "'" + dir + "work/" + name +
+                      ".cls'\nThe new class cannot be created, its name is that of a core run time library "
+                      "class.\nChoose a different name for the new class.\n");
+        fill({{"Name", name}});
+        newProgram(true);
+        EXPECT_TRUE(lastText().find("core run time library class") != std::string::npos) << lastText();
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(dir + "work"));
+    fill({{"Name", "Library"}});
+    newClass();
+    EXPECT_TRUE(has("work/Library.cls"));
+}
+
 TEST_F(NewProgramRefused, AFolderThatGoesMeanwhile) {
     std::filesystem::create_directory(dir + "gone");
     doings.emplace_back([this] {
@@ -320,13 +338,18 @@ TEST_F(NewProgramRefused, APlainClassNeedsNoResourceFile) {
 TEST_F(NewProgramRefused, ANameThatIsNoneStaysInTheSheet) {
     for (const std::string& name :
          {std::string(), std::string("two words"), std::string("1a"), std::string("a/b"), std::string("a\"b"),
-          std::string("\xC3\xA4"), std::string(41, 'a')}) {
+          std::string("\xC3\xA4"), std::string("a\xE4"), std::string("a\xFF"), std::string(" a"),
+          std::string("a "), std::string("a\tb"), std::string("_a"), std::string("a-b"), std::string("a.b"),
+          std::string("a&b"), std::string(41, 'a')}) {
         asked.clear();
         doings.emplace_back([this, name] {
             SetText(row("Name"), name);
             platform::userCommand(*platform::findControl(FINDCONTROL(PropertiesDlg, "idok")));
             ASSERT_EQ(asked.size(), 1U) << name;
-            EXPECT_TRUE(lastText().find("'Name' property") != std::string::npos) << lastText();
+            EXPECT_EQ(lastText(),
+                      "There is a problem with the 'Name' property.\nA name should be used.\n(consisting of "
+                      "letters, numbers, or '_' with length of 1 to 40)\n")
+                << name;
             platform::userCommand(*platform::findControl(FINDCONTROL(PropertiesDlg, "idcancel")));
         });
         newClass();
@@ -378,7 +401,8 @@ TEST_F(NewProgram, AnIconMayHaveAnyName) {
         fill({{"Program Icon", dir + "work/" + name}});
         newProgram(true);
         EXPECT_TRUE(asked.empty()) << lastText();
-        EXPECT_EQ(RESOURCEGETFILENAME(dir + "work/App1.rc", "ICON", "ProgramIcon"), "<RESOURCEDIR>\\work/" + std::string(name))
+        EXPECT_EQ(RESOURCEGETFILENAME(dir + "work/App1.rc", "ICON", "ProgramIcon"),
+                  "<RESOURCEDIR>\\work/" + std::string(name))
             << text("work/App1.rc");
         PROJECTCLOSE(ProjectEditorDlg);
         for (const char* const file : {"App1.cls", "App1.rc"}) std::filesystem::remove(dir + "work/" + file);
@@ -402,6 +426,34 @@ TEST_F(NewProgram, AFreeNameHasNeitherClassNorResources) {
     makeTool({"work/App5.cls"});
     newProgram(false);
     EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "work/App5.cls");
+}
+
+TEST_F(NewProgram, AFreeNameIsFreeInAnyCase) {
+    write("work/APP1.CLS", "");
+    write("work/app2.RC", "");
+    newProgram(false);
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "work/App3.cls");
+}
+
+TEST_F(NewProgram, AFolderWithoutARootIsOneOfTheCurrentFolder) {
+    std::filesystem::create_directory(dir + "work/sub");
+    fill({{"Name", "Books"}, {"Directory", "sub"}});
+    newClass();
+    EXPECT_TRUE(asked.empty()) << lastText();
+    EXPECT_EQ(EDITWNDGETFILENAME(SDIEdit), dir + "work/sub/Books.cls");
+}
+
+TEST_F(NewProgram, AMainClassThatHasGoneGetsNoNewClass) {
+    write("work/a.cls", Main);
+    openProgram({"work/a.cls"});
+    std::filesystem::remove(dir + "work/a.cls");
+    fill({});
+    newClass();
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(asked[0].title, "New Class");
+    EXPECT_EQ(lastText(), "The new class cannot be added to the Uses clause of '" + dir +
+                              "work/a.cls'.\nThe file was not found.");
+    EXPECT_FALSE(has("work/New1.cls"));
 }
 
 TEST_F(NewProgram, WithoutAskingAnUntouchedProgramServesOnceMore) {

@@ -166,19 +166,42 @@ TEST_F(PackagerTest, WhatAPackageTellsIsProposedByThePropertiesAndKeptBesideTheP
                   EXPECT_FALSE(std::filesystem::exists(kept));
                   set("edit1", "prog"), set("edit2", "1.2"), set("edit3", "Ann <a@b>"),
                       set("edit4", "greets");
-                  set("edit5", "one\nand\\two");
+                  set("edit5", "\"one\nand\\two\"");
                   pressIn("pushbutton1");
               },
               [&] {
                   EXPECT_EQ(get("edit2"), "1.2");
                   EXPECT_EQ(get("edit4"), "greets");
-                  EXPECT_EQ(get("edit5"), "one\nand\\two");
+                  EXPECT_EQ(get("edit5"), "\"one\nand\\two\"");
                   pressIn("pushbutton2");
               }};
     answers = {"OK", "OK"};  // the name is told, and that a file is missing
     PACKAGERDIALOG(Main, file, dir + "none\n", "What they are");
     EXPECT_EQ(PROFILESTRGET(kept, "Package", "Maintainer"), "Ann <a@b>");
     EXPECT_EQ(PROFILESTRGET(ini(), "DebDlg", "Maintainer"), "Ann <a@b>") << "for the next program";
+}
+
+TEST_F(PackagerTest, WhatCannotBeKeptIsToldOnceAndThePackageIsMadeAllTheSame) {
+    const std::string file = write("Prog.cls", MainClass), kept = dir + "Prog-deb.ini";
+    std::filesystem::create_directory(kept);
+    const Object deb("DebDlg");
+    doings = {[&] {
+                  press("bitmapbutton7");
+                  press("bitmapbutton6");
+              },
+              [&] {
+                  SetText(FINDCONTROL(deb, "edit3"), "Ann <a@b>");
+                  platform::userCommand(*platform::findControl(FINDCONTROL(deb, "pushbutton1")));
+              }};
+    answers = {"OK", "OK"};
+    PACKAGERDIALOG(Main, file, dir + "none\n", "What they are");
+    ASSERT_EQ(asked.size(), 2U) << lastText();
+    EXPECT_NE(
+        asked[0].text.find("The settings in '" + kept + "' were not read, and nothing is written there."),
+        std::string::npos)
+        << asked[0].text;
+    EXPECT_TRUE(asked[1].text.starts_with("Cannot copy files.")) << "the file is missing";
+    EXPECT_EQ(PROFILESTRGET(ini(), "DebDlg", "Maintainer"), "Ann <a@b>");
 }
 
 TEST_F(PackagerTest, OnlyFilesOfTheLibraryThatAreMissingInTheListAreAdded) {

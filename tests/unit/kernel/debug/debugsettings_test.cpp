@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <sys/stat.h>
 #include <tuple>
@@ -65,6 +66,28 @@ TEST(DebugRules, OfTwoOfALineTheLaterOneCounts) {
     const std::vector<DebugRule> rules = ParseDebugRules("A 1 if x ; a 1 hits 3 ;");
     ASSERT_EQ(rules.size(), 1U);
     EXPECT_EQ(rules[0], (DebugRule{"a", 1, "", 3, ""}));
+}
+
+TEST(DebugRules, TenThousandAreReadAtOnce) {
+    std::vector<DebugRule> rules;
+    for (int i = 1; i <= 10000; ++i)
+        rules.push_back(
+            {"Class" + std::to_string(i % 50), i, "x > " + std::to_string(i), 3, "line {x} of it"});
+    const std::string value = FormatDebugRules(rules);
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(ParseDebugRules(value), rules);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500))
+        << "some 20 on a quiet machine";
+}
+
+TEST(DebugRules, AHugeTextWithoutBlanksIsReadAtOnce) {
+    const std::string text(1000000, 'x');
+    DebugRule rule;
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(ParseRuleParts("if " + text + " hits 3", rule), "");
+    EXPECT_EQ(rule.condition, text);
+    EXPECT_EQ(rule.hits, 3);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
 }
 
 TEST(DebugRules, AreFoundWithoutRegardToCase) {
@@ -137,6 +160,21 @@ TEST(StopCodes, AreNumbersAndRanges) {
     EXPECT_EQ(FormatStopCodes(codes), "601 901-909 643");
     for (const int code : {601, 643, 901, 905, 909}) EXPECT_TRUE(IsStopCode(codes, code)) << code;
     for (const int code : {0, 600, 602, 900, 910}) EXPECT_FALSE(IsStopCode(codes, code)) << code;
+}
+
+TEST(StopCodes, WhatIsNoneIsToldWordByWord) {
+    struct Case {
+        const char *value, *refused;
+        std::size_t taken;
+    };
+    for (const Case& c : {Case{"", "", 0}, Case{"601 643-650", "", 2}, Case{"643-650", "", 1},
+                          Case{"650-643 601", "650-643", 1}, Case{"643 - 650", "-", 2},
+                          Case{"x,5-3 601,0", "x 5-3 0", 1}, Case{"643-650-660", "643-650-660", 0},
+                          Case{"643-2147483647", "", 1}, Case{"643-2147483648", "643-2147483648", 0}}) {
+        std::string refused = "old";
+        EXPECT_EQ(ParseStopCodes(c.value, refused).size(), c.taken) << c.value;
+        EXPECT_EQ(refused, c.refused) << c.value;
+    }
 }
 
 TEST(StopCodes, NoneMeansAll) {

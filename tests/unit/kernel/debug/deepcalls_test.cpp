@@ -87,7 +87,8 @@ TEST_F(DeepCalls, ShowTheirSourceAndAreToldToOthers) {
         EXPECT_EQ(platform::DebugSelected(window), 5);
         EXPECT_NE(platform::DebugFlags(window, 5) & platform::DEBUG_CURRENT, 0);
         const StopPlace place = ReadStopNotice(::getpid()).place;
-        EXPECT_EQ(place.className + "." + place.functionName + " " + std::to_string(place.line), "Deep.f700 5");
+        EXPECT_EQ(place.className + "." + place.functionName + " " + std::to_string(place.line),
+                  "Deep.f700 5");
         EXPECT_FALSE(place.sourcePath.empty());
     });
 }
@@ -96,24 +97,26 @@ TEST_F(DeepCalls, AreListedFromTheInnermost) {
     enterTo(2000);
     breakAt(7, [](platform::DebugWindow& window) {
         command(window, DEBUG_STACK);
-        ASSERT_EQ(platform::DebugCount(window), 501);
+        ASSERT_EQ(platform::DebugCount(window), 500);
         EXPECT_EQ(platform::DebugLine(window, 1), "Deep(7):f2000()");
         EXPECT_EQ(platform::DebugLine(window, 2), "Deep(2999):f1999()");
         EXPECT_EQ(platform::DebugLine(window, 400), "Deep(2601):f1601()");
-        EXPECT_EQ(platform::DebugLine(window, 401), "(1500 calls are left out here)");
-        EXPECT_EQ(platform::DebugLine(window, 402), "Deep(1100):f100()");
-        EXPECT_EQ(platform::DebugLine(window, 501), "Deep(1001):f1()");
+        EXPECT_EQ(platform::DebugLine(window, 401), "(1501 calls are left out here)");
+        EXPECT_EQ(platform::DebugLine(window, 402), "Deep(1099):f99()");
+        EXPECT_EQ(platform::DebugLine(window, 500), "Deep(1001):f1()");
     });
 }
 
-TEST_F(DeepCalls, NoMoreThanFiveHundredAreListed) {
+TEST_F(DeepCalls, TheirListHasFiveHundredLinesAtMost) {
     struct Case {
         int depth, lines;
         const char* gap;
         int at;
     };
-    for (const Case& c : {Case{500, 500, "", 0}, Case{501, 501, "(1 calls are left out here)", 401},
-                          Case{900, 501, "(400 calls are left out here)", 401}}) {
+    for (const Case& c :
+         {Case{499, 499, "", 0}, Case{500, 500, "", 0}, Case{501, 500, "(2 calls are left out here)", 401},
+          Case{900, 500, "(401 calls are left out here)", 401},
+          Case{901, 500, "(402 calls are left out here)", 401}}) {
         enterTo(c.depth);
         breakAt(7, [&c](platform::DebugWindow& window) {
             command(window, DEBUG_STACK);
@@ -129,9 +132,23 @@ TEST_F(DeepCalls, ThatAreForgottenAreOneLine) {
     breakAt(7, [](platform::DebugWindow& window) {
         EXPECT_EQ(platform::GetDebugStatus(window), "1500 calls deep");
         command(window, DEBUG_STACK);
-        EXPECT_EQ(platform::DebugCount(window), 501);
-        EXPECT_EQ(platform::DebugLine(window, 1), "(1000 calls are left out here)");
-        EXPECT_EQ(platform::DebugLine(window, 2), "Deep(1500):f500()");
+        EXPECT_EQ(platform::DebugCount(window), 500);
+        EXPECT_EQ(platform::DebugLine(window, 1), "(1001 calls are left out here)");
+        EXPECT_EQ(platform::DebugLine(window, 2), "Deep(1499):f499()");
+    });
+}
+
+TEST_F(DeepCalls, ThatWereMadeBehindForgottenOnesAreListedAboveTheOneLine) {
+    enterTo(2000);
+    leaveTo(1500);
+    enterTo(1502);
+    breakAt(7, [](platform::DebugWindow& window) {
+        command(window, DEBUG_STACK);
+        ASSERT_EQ(platform::DebugCount(window), 500);
+        EXPECT_EQ(platform::DebugLine(window, 2), "Deep(2501):f1501()");
+        EXPECT_EQ(platform::DebugLine(window, 3), "(1003 calls are left out here)");
+        EXPECT_EQ(platform::DebugLine(window, 4), "Deep(1497):f497()");
+        EXPECT_EQ(platform::DebugLine(window, 500), "Deep(1001):f1()");
     });
 }
 
@@ -148,7 +165,7 @@ TEST_F(DeepCalls, AreOpenedFromTheList) {
         command(window, DEBUG_STACK);
         log().clear();
         event(window, DebugMessage::DoubleClick, 401);
-        EXPECT_EQ(platform::DebugLine(window, 401), "(1500 calls are left out here)") << "it opens nothing";
+        EXPECT_EQ(platform::DebugLine(window, 401), "(1501 calls are left out here)") << "it opens nothing";
         command(window, DEBUG_VALUES);
         EXPECT_EQ(platform::DebugCount(window), 4);
     });
@@ -205,7 +222,8 @@ TEST_F(DeepCalls, HaveNoValuesAndSaySo) {
 
 TEST_F(DeepCalls, AFullTableOfValuesIsTold) {
     std::int32_t number = 1;
-    constexpr char full[] = " (The table of values is full: it holds 1000, and those of this call may be missing.)";
+    constexpr char full[] =
+        " (The table of values is full: it holds 1000, and those of this call may be missing.)";
     enterTo(1);
     for (int i = 1; i < 1000; ++i) RegisterVariable("n", 'V', 3, &number);
     enterTo(2);

@@ -4,6 +4,7 @@
 // result of what was stepped out of.
 #include "unit/kernel/debug/debug_fixture.h"
 
+#include "kernel/debug/fieldnames.h"
 #include "kernel/debug/results.h"
 #include "kernel/values/values.h"
 #include "platform/model/debugger/debugwindow.h"
@@ -180,6 +181,53 @@ TEST_F(DebugEdits, AValueIsChanged) {
     ASSERT_EQ(boxes().size(), 3U);
     EXPECT_EQ(boxes()[0], "Integrated Debugger|New value of x : Integer:|7");
     EXPECT_TRUE(boxes()[2].ends_with("|OK")) << boxes()[2];
+}
+
+TEST_F(DebugEdits, ANumberThatWouldBeCutOrRoundedIsRefusedWithWhatWouldBeKept) {
+    std::int64_t fixed = 12500;
+    double real = 0.5;
+    answers() = {"1.23456", "", "2.34560", "0.1234567890123456789", "", "1E-400", "", "0.1"};
+    hands().push_back([](platform::DebugWindow& window) {
+        command(window, DEBUG_VALUES);
+        for (const int line : {1, 1, 2, 2, 2}) event(window, DebugMessage::Edit, line);
+    });
+    const Called f("Sums", "F", 1);
+    RegisterVariable("f", 'V', KindFixed, &fixed);
+    RegisterVariable("r", 'V', KindReal, &real);
+    stampAt(5);
+    EXPECT_EQ(fixed, 23456);
+    EXPECT_EQ(real, 0.1);
+    ASSERT_EQ(boxes().size(), 8U);
+    EXPECT_EQ(boxes()[1], "Integrated Debugger|The value was not changed: of the number at character 1, "
+                          "1.2345 would be kept.|OK");
+    EXPECT_EQ(boxes()[4], "Integrated Debugger|The value was not changed: of the number at character 1, "
+                          "+1.2345678901234568E-0001 would be kept.|OK");
+    EXPECT_EQ(boxes()[6], "Integrated Debugger|The value was not changed: of the number at character 1, "
+                          "+0.0000000000000000E+0000 would be kept.|OK");
+}
+
+TEST_F(DebugEdits, AnOrdinalBeyondTheNamesOfAnEnumIsRefused) {
+    std::uint8_t colour = 1, any = 1;
+    answers() = {"3", "", "2", "256", "", "255"};
+    hands().push_back([](platform::DebugWindow& window) {
+        command(window, DEBUG_VALUES);
+        for (const int line : {1, 1, 2, 2}) event(window, DebugMessage::Edit, line);
+    });
+    const Called f("Sums", "F", 1);
+    RegisterVariable("colour", 'V', KindEnum, &colour);
+    NameFields(&colour, "#2");
+    RegisterVariable("any", 'V', KindEnum, &any);
+    NameFields(&any, "");
+    stampAt(5);
+    EXPECT_EQ(colour, 2);
+    EXPECT_EQ(any, 255);
+    ASSERT_EQ(boxes().size(), 6U);
+    EXPECT_EQ(
+        boxes()[1],
+        "Integrated Debugger|The value was not changed: at character 1 it takes a number from 0 to 2.|OK");
+    EXPECT_EQ(
+        boxes()[4],
+        "Integrated Debugger|The value was not changed: at character 1 it takes a number from 0 to 255.|OK");
 }
 
 TEST_F(DebugEdits, TheValuesAreThoseOfTheChosenFrame) {

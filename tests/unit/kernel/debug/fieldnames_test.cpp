@@ -29,6 +29,11 @@ TEST(FieldNames, AreFoundWithoutRegardToCase) {
                           {"", "a", 0, ""},
                           {"[(a)]", "a", 0, ""},
                           {"(a", "a", 1, ""},
+                          {"(a#2,b[#7],c)", "a", 1, "#2"},
+                          {"(a#2,b[#7],c)", "b", 2, "[#7]"},
+                          {"(a#2,b[#7],c)", "c", 3, ""},
+                          {"(a#", "a", 1, "#"},
+                          {"#2", "a", 0, ""},
                           {"(a(b", "b", 0, ""}}) {
         const FieldPlace place = FindField(c.names, c.field);
         EXPECT_EQ(place.number, c.number) << c.names << " " << c.field;
@@ -36,12 +41,20 @@ TEST(FieldNames, AreFoundWithoutRegardToCase) {
     }
 }
 
-TEST(FieldNames, AreToldByTheirNumber) {
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 1), "a");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 3), "c");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 4), "");
-    EXPECT_EQ(FieldName("(a(x,y),b[(z)],c)", 0), "");
-    EXPECT_EQ(FieldName("[(a)]", 1), "");
+TEST(FieldNames, ThoseInAFieldAreToldByItsNumber) {
+    EXPECT_EQ(FieldNamesAt("(a(x,y),b[(z)],c#3)", 1), "(x,y)");
+    EXPECT_EQ(FieldNamesAt("(a(x,y),b[(z)],c#3)", 2), "[(z)]");
+    EXPECT_EQ(FieldNamesAt("(a(x,y),b[(z)],c#3)", 3), "#3");
+    EXPECT_EQ(FieldNamesAt("(a(x,y),b[(z)],c#3)", 4), "");
+    EXPECT_EQ(FieldNamesAt("", 1), "");
+}
+
+TEST(FieldNames, TellTheHighestOrdinalOfAnEnum) {
+    EXPECT_EQ(HighestOrdinal("#0"), 0);
+    EXPECT_EQ(HighestOrdinal("#2"), 2);
+    EXPECT_EQ(HighestOrdinal(ElementNames("[#6]")), 6);
+    for (const char* any : {"", "#", "#x", "(a)", "#255", "#256", "#99999999999"})
+        EXPECT_EQ(HighestOrdinal(any), 255) << any;
 }
 
 TEST(FieldNames, OfElementsStandInSquareBrackets) {

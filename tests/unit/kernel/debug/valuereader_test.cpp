@@ -143,11 +143,12 @@ TEST_F(ValueReading, AWholeTextIsOneValueAlone) {
     } cases[] = {{"5", true, 2}, {" 5 \n", true, 5}, {"5 6", false, 3}, {"5,", false, 2}, {"", false, 1}};
     for (const auto& one : cases) {
         std::int32_t number = 1;
-        ValueMisfit misfit{100, 7, 7};
+        ValueMisfit misfit{100, 7, 7, 1, "old"};
         EXPECT_EQ(ValueFromWholeText(one.text, &number, KindInteger, misfit), one.fits) << one.text;
         EXPECT_EQ(misfit.position, one.position) << one.text;
         EXPECT_EQ(misfit.kind, KindInteger) << one.text;
         EXPECT_EQ(misfit.capacity, 0) << one.text;
+        EXPECT_EQ(misfit.kept, "") << one.text;
         EXPECT_EQ(number, one.fits ? 5 : 1);
     }
     std::int64_t fixed = 1;

@@ -16,6 +16,10 @@ namespace {
 using os::FileCall;
 using os::FileError;
 
+std::string keyTextIn(const std::string& bytes) {
+    return std::string(bytes.substr(IndexTextAt, MaxIndexText + 1).c_str());
+}
+
 // Bytes written as hexadecimal digits, with blanks anywhere.
 std::string hex(std::string_view digits) {
     std::string bytes;
@@ -98,7 +102,7 @@ TEST_F(IndexFiles, ANewFileIsItsHeader) {
     expected += "Index2 : record\n\tid : integer\nend record\n";
     expected.resize(1104);
     EXPECT_TRUE(disk.contents("/d/orders.i2") == expected);
-    EXPECT_EQ(IndexFileText("/d/orders.i2"), "Index2 : record\n\tid : integer\nend record\n");
+    EXPECT_EQ(keyTextIn(disk.contents("/d/orders.i2")), "Index2 : record\n\tid : integer\nend record\n");
 }
 
 TEST_F(IndexFiles, ANewFileTakesThePlaceOfAnOldOne) {
@@ -116,24 +120,24 @@ TEST_F(IndexFiles, LongNamesAreCutAndLongTextsEndBehindALine) {
     text = tenLines + std::string(23, 'b') + "\n";  // as long as it may be
     EXPECT_TRUE(CreateIndexFile(path, "/d/" + std::string(41, 'n'), text));
     EXPECT_EQ(bytes().substr(8, 41), std::string(40, 'n') + '\0');
-    EXPECT_EQ(IndexFileText(path), text);
+    EXPECT_EQ(keyTextIn(bytes()), text);
     EXPECT_EQ(bytes().substr(1073, 7), std::string(7, '\0'));
     EXPECT_TRUE(CreateIndexFile(path, "d\\" + std::string(40, 'n'), tenLines + std::string(24, 'b') + "\n"));
     EXPECT_EQ(bytes().substr(8, 41), std::string(40, 'n') + '\0');
-    EXPECT_EQ(IndexFileText(path), tenLines);
+    EXPECT_EQ(keyTextIn(bytes()), tenLines);
     EXPECT_TRUE(CreateIndexFile(path, "t", std::string(1025, 'c')));
-    EXPECT_EQ(IndexFileText(path), "");
+    EXPECT_EQ(keyTextIn(bytes()), "");
     EXPECT_EQ(bytes().size(), 1104U);
 }
 
-TEST_F(IndexFiles, AFileThatIsNoIndexHasNoText) {
-    EXPECT_EQ(IndexFileText("/d/none"), "");
+TEST_F(IndexFiles, AFileThatIsNoIndexNamesNoTable) {
+    EXPECT_EQ(IndexTableName("/d/none"), "");
     disk.put(path, std::string(1103, 'x'));
-    EXPECT_EQ(IndexFileText(path), "");
+    EXPECT_EQ(IndexTableName(path), "");
     disk.put(path, std::string(1104, 'x'));
-    EXPECT_EQ(IndexFileText(path), "");
+    EXPECT_EQ(IndexTableName(path), "");
     disk.put(path, hex("00000450") + std::string(1100, 'x'));  // without an end
-    EXPECT_EQ(IndexFileText(path), std::string(1024, 'x'));
+    EXPECT_EQ(IndexTableName(path), std::string(40, 'x'));
 }
 
 TEST_F(IndexFiles, NodesStandBehindTheHeaderInTheOrderOfTheirMaking) {
@@ -733,7 +737,8 @@ TEST_F(IndexFiles, WhatChangesIsWrittenOnce) {
     disk.clearLog();
     EXPECT_EQ(insert({integer(5)}, 50), 0);  // 3 sinks, 4 rises, 5 is new
     const std::vector<std::string> expected = {
-        "open /d/t.i1 change", "write 28", "write 24", "write 24", "write 24", "close"};
+        "open /d/t.i1 change",         "write 28", "write 24", "write 24", "write 24",
+        "setmodified of an open file", "close"};
     EXPECT_EQ(disk.log(), expected);
     disk.clearLog();
     EXPECT_EQ(insert({integer(5)}, 50), 635);

@@ -5,7 +5,9 @@
 #include "unit/kernel/runtime_fixture.h"
 
 #include <bit>
+#include <functional>
 #include <limits>
+#include <random>
 
 using namespace tarn;
 
@@ -48,6 +50,39 @@ TEST_F(Heads, AreInTheOrderOfTheKeys) {
     for (const KeyShape& shape : keyShapes) {
         SCOPED_TRACE(shape.name);
         for (int i = 0; i < 3000; ++i) expectTrue(randomKey(shape, random), randomKey(shape, random));
+    }
+}
+
+TEST_F(Heads, TellTheKeysOfWholeNumbers) {
+    std::mt19937_64 random(5);
+    using Make = std::function<Cells(std::int64_t)>;
+    const Make shapes[] = {
+        [](std::int64_t n) { return Cells{integer(static_cast<std::int32_t>(n))}; },
+        [](std::int64_t n) { return Cells{fixedNumber(n)}; },
+        [](std::int64_t n) {
+            return Cells{integer(static_cast<std::int32_t>(n)), integer(static_cast<std::int32_t>(n >> 32))};
+        },
+    };
+    for (const Make& shape : shapes) {
+        for (int i = 0; i < 1000; ++i) {
+            const std::int64_t ends[] = {0, -1, INT32_MIN, INT32_MAX, INT64_MIN, INT64_MAX};
+            const RecordValue key = recordOf(shape(i < 6 ? ends[i] : static_cast<std::int64_t>(random())));
+            KeyView view;
+            ASSERT_TRUE(KeyOfRecord(key.get(), view));
+            ASSERT_TRUE(HeadTellsKey(view));
+            KeyView told = view;
+            char fields[8] = {};
+            FieldsOfHead(HeadOfKey(view).bits, told, fields);
+            ASSERT_EQ(CompareKeys(told, view), 0);
+            ASSERT_EQ(HeadOfKey(told).bits, HeadOfKey(view).bits);
+        }
+    }
+    for (const Cells& other : {Cells{real(1)}, Cells{text("a", 4)}, Cells{fixedNumber(1), integer(1)},
+                               Cells{characters("a", 3)}}) {
+        const RecordValue key = recordOf(other);
+        KeyView view;
+        ASSERT_TRUE(KeyOfRecord(key.get(), view));
+        EXPECT_FALSE(HeadTellsKey(view));
     }
 }
 

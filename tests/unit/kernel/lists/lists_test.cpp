@@ -192,6 +192,47 @@ TEST_F(Lists, AnUnboundedListHasExactlyTheBytesInUse) {
     EXPECT_EQ(check(l), "");
 }
 
+TEST_F(Lists, NumbersOfEveryWidthAreAppendedThroughAllSizesOfBlocks) {
+    SetMemoryChecking(false);
+    for (const Kind kind : {KindBoolean, KindEnum, KindInteger, KindFixed, KindReal}) {
+        ListValue list;
+        ListInit(list.get(), UNBOUNDED, nullptr, kind, false);
+        std::int64_t value = 0;
+        for (std::int32_t n = 1; n <= 3000; ++n) {
+            value = n % 2;
+            ListAppend(&value, kind, list.get());
+            ASSERT_EQ(list.get()->count, n);
+            ASSERT_EQ(list.get()->size, n * KindSize[kind]);
+        }
+        EXPECT_EQ(AdtCheck(list.get(), KindList), "");
+        for (std::int32_t n = 1; n <= 3000; ++n) {
+            value = 0;
+            ListGet(list.get(), n, &value, kind);
+            ASSERT_EQ(value, n % 2);
+        }
+        // What does not fit is told as ever.
+        ListAppend(nullptr, kind, list.get());
+        EXPECT_EQ(takeError(), 610);
+        ListAppend(&value, kind == KindReal ? KindFixed : KindReal, list.get());
+        EXPECT_EQ(takeError(), 611);
+        EXPECT_EQ(list.get()->count, 3000);
+    }
+}
+
+TEST_F(Lists, AnAppendThatTheHeapRefusesChangesNothing) {
+    SetMemoryChecking(false);
+    ListValue list;
+    ListInit(list.get(), UNBOUNDED, nullptr, KindInteger, false);
+    const std::int32_t value = 7;
+    for (int n = 0; n < 3; ++n) ListAppend(&value, KindInteger, list.get());
+    FailAllocation(0);
+    ListAppend(&value, KindInteger, list.get());
+    FailAllocation(-1);
+    EXPECT_EQ(takeError(), 802);
+    EXPECT_EQ(list.get()->count, 3);
+    EXPECT_EQ(list.get()->size, 12);
+}
+
 TEST_F(Lists, AFullFixedListTakesNoMore) {
     ListValue l = numbers({1, 2}, 2);
     const std::string before = bytesOf(l);

@@ -224,6 +224,10 @@ TEST_F(FileValues, SizesAndCountsThatNoFileHasAreRefused) {
         {"/d/a.tab", fromHex("80000000 00000007"), 2, 655},
         {"/d/a.tab", fromHex("00000003 00000007 00000007 00000007"), 2, 619},
         {"/d/a.tab", fromHex("00000003 00000007 00000007 000000"), 2, 655},
+        {"/d/a.tab", fromHex("00000003 00000007 00000007"), 2, 619},
+        {"/d/a.tab", fromHex("00000003"), 2, 619},
+        {"/d/a.tab", fromHex("00000002 00000007"), 2, 655},
+        {"/d/a.tab", fromHex("7FFFFFFF 00000007 00000007"), 2, 619},
     };
     for (const Case& c : cases) {
         files_.put(c.name, c.bytes);

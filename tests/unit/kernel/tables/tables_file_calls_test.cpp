@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What operations on tables in files ask of the disk: as little as what they promise needs.
+#include "os/tinylimits.h"
 #include "unit/kernel/filetables_fixture.h"
 
 #include <algorithm>
@@ -40,6 +41,34 @@ TEST_F(TableCalls, AnOperationOpensEachFileOnce) {
     ASSERT_EQ(remove(1, {integer(2)}), 0);
     EXPECT_EQ(calls("open "), 4);
     EXPECT_EQ(calls("close"), 4);
+    expectWhole();
+}
+
+TEST_F(TableCalls, ASearchBehindAChangeReadsItsRowAlone) {
+    if (limits::Tiny) GTEST_SKIP() << "few records are remembered";
+    make();
+    fill(200);
+    const auto findsByOneReading = [this](int number) {
+        files().failAt(os::FileCall::Read, 2, os::FileError::ReadFailed);
+        EXPECT_EQ(find("EQ", 1, {integer(number)}), number);
+        files().stopFailing();
+    };
+    findsByOneReading(77);
+    ASSERT_EQ(update(1, {integer(4)}, row(400, "n400")), 0);
+    findsByOneReading(400);
+    ASSERT_EQ(remove(2, {text("n9", 8)}), 0);
+    findsByOneReading(200);  // which has moved
+    expectWhole();
+}
+
+// It takes no time of its own from this user.
+TEST_F(TableCalls, AnIndexOfAnotherOwnerIsReadAgain) {
+    make();
+    fill(20);
+    files().put("/d/a.i1", bytes("a.i1"), 0666);
+    files().putOwner("/d/a.i1", 5, 1000);
+    for (int i = 21; i <= 40; ++i) ASSERT_EQ(add(row(i, "n" + std::to_string(i))), 0);
+    EXPECT_EQ(find("EQ", 1, {integer(33)}), 33);
     expectWhole();
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/values/heap.h"
 
+#include "kernel/values/heap_quick.h"
+
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "support/errorcell.h"
@@ -140,6 +142,79 @@ TEST_P(BothHeaps, ResizeInPlaceNeverMoves) {
     EXPECT_FALSE(ResizeInPlace(0, 300, 300));
     Free(block, size);
     EXPECT_EQ(takeError(), 0);
+}
+
+// Blocks of this size until one stands at the end of the used range: the next of another size follows it.
+class HeapEnd : public Heap {
+protected:
+    void TearDown() override {
+        for (auto block = blocks.rbegin(); block != blocks.rend(); ++block) Free(block->first, block->second);
+        Heap::TearDown();
+    }
+    Offset add(std::int32_t size) {
+        blocks.emplace_back(make(size), size);
+        return blocks.back().first;
+    }
+    // A block behind which there is nothing.
+    Offset last(std::int32_t size) {
+        for (Offset before = add(size);; before = blocks.back().first) {
+            if (add(size) - before == static_cast<Offset>(size)) break;
+        }
+        const Offset block = blocks.back().first;
+        blocks.pop_back();
+        return block;
+    }
+    std::vector<std::pair<Offset, std::int32_t>> blocks;
+};
+
+// The sizes are the largest ones of their classes.
+TEST_F(HeapEnd, TheLastBlockGrowsWhereItStandsAndGivesItsRoomBack) {
+    add(1310720);
+    add(2621440);
+    Offset block = last(1048576);
+    const Offset was = block;
+    std::memset(At(block), 7, 1048576);
+    ASSERT_TRUE(Resize(block, 1048576, 1310720));
+    EXPECT_EQ(block, was);
+    EXPECT_EQ(At(block)[1048575], 7);
+    ASSERT_TRUE(Resize(block, 1310720, 2621440));
+    EXPECT_EQ(block, was);
+    Free(block, 2621440);
+    Offset next = 0;
+    while (next < was) next = add(1572864);
+    EXPECT_EQ(next, was);
+    EXPECT_EQ(takeError(), 0);
+}
+
+TEST_F(HeapEnd, ABlockWithAnotherBehindItMoves) {
+    Offset block = last(1048576);
+    const Offset was = block;
+    add(1572864);
+    std::memset(At(block), 7, 1048576);
+    ASSERT_TRUE(Resize(block, 1048576, 1310720));
+    EXPECT_NE(block, was);
+    EXPECT_EQ(At(block)[1048575], 7);
+    Free(block, 1310720);
+}
+
+TEST_F(HeapEnd, AFreeBlockOfTheNewSizeIsTakenFirst) {
+    Offset waiting = last(1310720);
+    add(1572864);
+    Offset block = last(1048576);
+    const Offset was = waiting;
+    Free(waiting, 1310720);
+    ASSERT_TRUE(Resize(block, 1048576, 1310720));
+    EXPECT_EQ(block, was);
+    Free(block, 1310720);
+}
+
+TEST_F(Heap, WhetherTwoSizesHaveOneBlockIsToldWithoutIt) {
+    Offset block = 0;
+    for (std::int32_t size = 1; size < 5000; ++size) {
+        block = make(size);
+        ASSERT_EQ(ResizeInPlace(block, size, size + 1), InOneHeapClass(size, size + 1)) << size;
+        Free(block, InOneHeapClass(size, size + 1) ? size + 1 : size);
+    }
 }
 
 TEST_P(BothHeaps, AFailedResizeLeavesTheBlock) {

@@ -17,6 +17,40 @@ using namespace std::string_view_literals;
 
 namespace {
 
+TEST_F(Strings, TextsOfEveryLengthAreEqualUntilOneCharacterDiffers) {
+    for (std::size_t length = 0; length <= 70; ++length) {
+        std::string bytes;
+        for (std::size_t i = 0; i < length; ++i) bytes += static_cast<char>('a' + i % 26);
+        const String a(bytes), same(bytes);
+        EXPECT_EQ(StringCompareOp("eQ", a.get(), same.get()), 1) << length;
+        EXPECT_EQ(StringCompareOp("NE", a.get(), same.get()), 0) << length;
+        const String longer(bytes + 'x');
+        EXPECT_EQ(StringCompareOp("EQ", a.get(), longer.get()), 0) << length;
+        for (std::size_t i = 0; i < length; ++i) {
+            std::string changed = bytes;
+            changed[i] = '\xFF';
+            const String other(changed);
+            ASSERT_EQ(StringCompareOp("EQ", a.get(), other.get()), 0) << length << " at " << i;
+            ASSERT_EQ(StringCompareOp("NE", a.get(), other.get()), 1) << length << " at " << i;
+        }
+    }
+}
+
+TEST_F(Strings, TextsOfEveryLengthAreAssignedAndJoinedWithNothingBesideThem) {
+    for (std::size_t length = 0; length <= 70; ++length) {
+        const std::string bytes(length, 'q');
+        String from(bytes), to, fixed(100), sum(100);
+        StringAssign(to.get(), from.get());
+        StringAssign(fixed.get(), from.get());
+        StringConcat(from.get(), "!", sum.get());
+        EXPECT_EQ(to.view(), bytes);
+        EXPECT_EQ(fixed.view(), bytes);
+        EXPECT_EQ(sum.view(), bytes + "!");
+        StringAppend(sum.get(), sum.get());
+        EXPECT_EQ(sum.view(), (bytes + "!" + bytes + "!").substr(0, 100));
+    }
+}
+
 TEST_F(Strings, KindSizesAreThoseOfTheDescriptors) {
     constexpr std::int32_t expected[] = {0, 1, 1, 4, 8, 8, 24, 36, 36, 44, 44, 24, 24};
     for (int kind = 0; kind <= 12; ++kind) EXPECT_EQ(KindSize[kind], expected[kind]);

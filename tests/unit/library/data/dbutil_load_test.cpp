@@ -57,6 +57,22 @@ protected:
     std::unique_ptr<platform::View> before_;
 };
 
+// What stands behind the rows that are shown is not read: it may be a gigabyte, and may not fit.
+TEST_F(LoadTable, OfALongFileTheFirstRowsTellTheColumns) {
+    constexpr int most = MaxBlock / KindSize[KindRecord];
+    std::string text = "id,name\n";
+    for (int n = 1; n <= most + 1; ++n) text += std::to_string(n) + ",x\n";
+    text += "no number,x\n";
+    const DataOptions options{1, 0, ',', -1, false};
+    files_.put("/d/long.csv", text);
+    const DataTable data = LOADDATATABLE("/d/long.csv", &options, FormatComma);
+    EXPECT_EQ(data.remark, "Only the first 113777 rows are shown, a table in memory holds no more.");
+    EXPECT_EQ(TableCount(data.table.get()), most);
+    const auto* const row = static_cast<const RecordDescriptor*>(ListRef(TableRows(data.table.get()), most));
+    EXPECT_EQ(RecordFieldKind(row, 1), KindInteger);
+    EXPECT_EQ(ReadAt<std::int32_t>(RecordFieldAddress(row, 1)), most);
+}
+
 TEST_F(LoadTable, XmlRowsKeepEveryColumn) {
     const Loaded loaded = load("/d/f.xml",
                                "<rows><r><id>1</id><end>5</end><qty>3</qty></r>"
@@ -163,6 +179,31 @@ TEST_F(DataTables, RemarksTellRowsOfDelimitedTextAndLinesOfXml) {
     EXPECT_EQ(shown(data), "a b {1|1000/1000}{2|0/1000}");
     EXPECT_EQ(data.remark, "Line 3: Real number expected here\n"
                            "Values that could not be read are shown as 0, or cut.");
+}
+
+TEST_F(DataTables, SignsOfAFileThatWasCutOffOrFollowsOtherRulesAreTold) {
+    const auto xbase = [](char counted, const std::string& rows) {
+        std::string head = {3, 126, 11, 22, counted, 0, 0, 0, 65, 0, 4, 0};
+        head.resize(65);
+        head.replace(32, 1, "A");
+        head[43] = 'C';
+        head[48] = 3;
+        head[64] = 13;
+        return head + rows;
+    };
+    EXPECT_EQ(load("a.dbf", xbase(2, " one two\x1A")).remark, "");
+    EXPECT_EQ(load("a.dbf", xbase(3, " one two")).remark,
+              "Its header counts 3 rows, and 2 rows are there: it may have been cut off.");
+    EXPECT_EQ(load("a.dbf", xbase(2, " one tw")).remark,
+              "Its header counts 2 rows, and 1 row is there: it may have been cut off.");
+    EXPECT_EQ(load("a.dbf", xbase(1, " one two")).remark,
+              "Its header counts 1 row, and 2 rows are shown: the last ones may be no rows.");
+    EXPECT_EQ(load("a.csv", "a,b\r1,2\r", &header).remark,
+              "Its lines end with carriage returns alone, which end no line here: all of it is one.");
+    EXPECT_EQ(load("a.csv", "a,b\r\n1,2\r\n", &header).remark, "");
+    EXPECT_EQ(
+        load("a.csv", std::string("a,b\n1,2\nx\0y,2\n", 13), &header).remark,
+        "Line 3 holds a byte 0, at which a cell without quotes ends: what follows in the cell is not shown.");
 }
 
 TEST_F(DataTables, XmlOfManyShapesGivesRows) {

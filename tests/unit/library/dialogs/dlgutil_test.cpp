@@ -128,5 +128,32 @@ TEST(Dlgutil, ARowIsFoundByItsBeginningOrAsAWhole) {
     platform::useView(std::move(before));
 }
 
+TEST(Dlgutil, ACaptionIsShownWithoutItsMarks) {
+    const struct {
+        const char *caption, *shown;
+        int mnemonic;
+    } cases[] = {{"", "", 0},
+                 {"Plain", "Plain", 0},
+                 {"&File", "File", 1},
+                 {"E&xit", "Exit", 2},
+                 {"a && b", "a & b", 0},
+                 {"a & b", "a & b", 0},
+                 {"a&", "a&", 0},
+                 {"&", "&", 0},
+                 {"&&", "&", 0},
+                 {"&&&", "&&", 0},
+                 {"&&&x", "&x", 3},
+                 {"&&&&x&", "&&x&", 0},
+                 {"a & &b", "a & b", 5},
+                 {"&1 x & y", "1 x & y", 1},
+                 {"&\xC3\xA4", "\xC3\xA4", 1},
+                 {"&.", "&.", 0}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(SHOWNCAPTION(c.caption), c.shown) << c.caption;
+        EXPECT_EQ(FINDMNEMONIC(c.caption), c.mnemonic) << c.caption;
+        EXPECT_EQ(SHOWNCAPTION(PLAINCAPTION(c.caption)), c.caption);
+    }
+}
+
 }  // namespace
 }  // namespace tarn

@@ -5,6 +5,7 @@
 
 #include "kernel/run/runtime.h"
 #include "kernel/windows/resources.h"
+#include "library/system/system.h"
 #include "os/files.h"
 #include "platform/model/view.h"
 #include "support/tempfolder.h"
@@ -210,6 +211,136 @@ TEST_F(VersionFile, ABlockIsReplacedInItsPlace) {
     std::string text;
     os::readFile(folder / "a.rc", text);
     EXPECT_EQ(text, "Main DIALOG\nEND\n" + FIELDSTOVERSIONINFO("info", full, "a") + "Other DIALOG\nEND\n");
+}
+
+// A block as other tools write it.
+constexpr const char* foreign = "1 VERSIONINFO // made by a tool\n"
+                                " FILEVERSION 1, 2, 3, 4\n"
+                                " PRODUCTVERSION 1,2,0,0 // of the suite\n"
+                                " FILEFLAGSMASK VS_FFI_FILEFLAGSMASK\n"
+                                " FILEFLAGS 0x1L\n"
+                                "\n"
+                                "begin\n"
+                                "\tBLOCK \"StringFileInfo\"\n"
+                                "\tBEGIN\n"
+                                "\t\tBLOCK \"040904E4\"\n"
+                                "\t\tBEGIN\n"
+                                "\t\t\tVALUE \"CompanyName\", \"Ann\"\n"
+                                "\t\t\tVALUE \"FileDescription\", \"Reads \" \"mail\\0\"  // joined\n"
+                                "\t\t\tVALUE \"FileVersion\", \"1.2 beta\\0\"\n"
+                                "\t\t\tVALUE \"InternalName\", \"MAILER\\0\"\n"
+                                "\t\t\tVALUE \"PrivateBuild\", \"night\\0\"\n"
+                                "\t\tEND\n"
+                                "\t\tBLOCK \"040704E4\"\n"
+                                "\t\tBEGIN\n"
+                                "\t\t\tVALUE \"CompanyName\", \"Ann\"\n"
+                                "\t\t\tVALUE \"FileDescription\", \"Liest Post\\0\"\n"
+                                "\t\tEND\n"
+                                "\tEND\n"
+                                "end\n";
+
+TEST_F(VersionFile, ABlockOfAnotherToolChangesWhereTheFieldsDo) {
+    const struct {
+        const char* what;
+        std::string VersionFields::*field;
+        const char *value, *from, *to;
+    } cases[] = {
+        {"in all languages that say it", &VersionFields::company, "Bob \"B\"", "\"CompanyName\", \"Ann\"",
+         "\"CompanyName\", \"Bob \"\"B\"\"\""},
+        {"in the language that was read", &VersionFields::description, "Schreibt", "Liest Post", "Schreibt"},
+        {"behind the texts that are there", &VersionFields::comments, "new",
+         "\t\t\tVALUE \"PrivateBuild\", \"night\\0\"\n",
+         "\t\t\tVALUE \"PrivateBuild\", \"night\\0\"\n\t\t\tVALUE \"Comments\", \"new\\0\"\n"},
+    };
+    const std::string main = write("a.cls", ""), before = "Main DIALOG\nEND\n", after = "// behind\n";
+    for (const auto& c : cases) {
+        write("a.rc", before + foreign + after);
+        VersionFields fields = LOADVERSIONINFO(main, "1").fields;
+        fields.*c.field = c.value;
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields)) << c.what;
+        std::string text;
+        os::readFile(folder / "a.rc", text);
+        EXPECT_EQ(text, before + STRREPLACE(foreign, c.from, c.to) + after) << c.what;
+        EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields) << c.what;
+    }
+}
+
+TEST_F(VersionFile, AVersionOfAnotherToolChangesInAllItsPlaces) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", foreign);
+    VersionFields fields = LOADVERSIONINFO(main, "1").fields;
+    EXPECT_EQ(fields, (VersionFields{"", "Ann", "", "", "", "Liest Post", "1 2 3 4"}));
+    fields.version = "5 6 7 8";
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields));
+    std::string text, wanted = foreign;
+    for (const auto& [from, to] : {std::pair{"FILEVERSION 1, 2, 3, 4", "FILEVERSION 5,6,7,8"},
+                                   {"PRODUCTVERSION 1,2,0,0 //", "PRODUCTVERSION 5,6,7,8 //"},
+                                   {"1.2 beta", "5.6.7.8"}})
+        wanted = STRREPLACE(wanted, from, to);
+    os::readFile(folder / "a.rc", text);
+    EXPECT_EQ(text, wanted);
+    EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields);
+}
+
+TEST_F(VersionFile, ABlockOfAnotherToolWithoutTextsOrNumbersGetsThem) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", "1 VERSIONINFO\n  FILEOS 0x4\nBEGIN\nEND\n");
+    VersionFields fields;
+    fields.company = "Ann";
+    fields.version = "1 2 3 4";
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields));
+    EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields);
+    std::string text;
+    os::readFile(folder / "a.rc", text);
+    EXPECT_TRUE(text.starts_with(
+        "1 VERSIONINFO\n    FILEVERSION 1,2,3,4\n  FILEOS 0x4\nBEGIN\n    BLOCK \"StringFileInfo\"\n"))
+        << text;
+    EXPECT_TRUE(text.ends_with("        END\n    END\nEND\n")) << text;
+}
+
+TEST_F(VersionFile, AVersionInTheHeadIsReadAndChangedThere) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", "1 VERSIONINFO FILEVERSION 1,2,3,4 // head\nBEGIN\nEND\n");
+    VersionFields fields = LOADVERSIONINFO(main, "1").fields;
+    EXPECT_EQ(fields.version, "1 2 3 4");
+    fields.version = "5 6 7 8";
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields));
+    std::string text;
+    os::readFile(folder / "a.rc", text);
+    EXPECT_EQ(text, "1 VERSIONINFO FILEVERSION 5,6,7,8 // head\nBEGIN\nEND\n");
+}
+
+TEST_F(VersionFile, ANumberedBlockOfTheUsualTextsIsWrittenAsOurs) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", FIELDSTOVERSIONINFO("1", {}, "other"));
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "1", full));
+    std::string text;
+    os::readFile(folder / "a.rc", text);
+    EXPECT_EQ(text, FIELDSTOVERSIONINFO("1", full, "a"));
+    EXPECT_EQ(CHANGEVERSIONINFO(GETDEFAULTVERSIONINFO("b"), "V", full, "a"),
+              FIELDSTOVERSIONINFO("V", full, "a"));
+}
+
+TEST_F(VersionFile, OfTwoBlocksOneIsChanged) {
+    const std::string main = write("a.cls", ""), other = FIELDSTOVERSIONINFO("1", {}, "a");
+    write("a.rc", other + foreign + FIELDSTOVERSIONINFO("V", {}, "a"));
+    ASSERT_TRUE(SAVEVERSIONINFO(main, "V", full));
+    std::string text;
+    os::readFile(folder / "a.rc", text);
+    EXPECT_EQ(text, other + foreign + FIELDSTOVERSIONINFO("V", full, "a"));
+}
+
+TEST_F(VersionFile, ABlockOfAnotherToolThatIsSavedUnchangedKeepsItsBytes) {
+    const std::string main = write("a.cls", "");
+    std::string crlf;
+    for (const char c : std::string(foreign)) crlf += c == '\n' ? "\r\n" : std::string(1, c);
+    for (const std::string& text : {std::string(foreign), crlf}) {
+        write("a.rc", text);
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "1", LOADVERSIONINFO(main, "1").fields));
+        std::string now;
+        os::readFile(folder / "a.rc", now);
+        EXPECT_EQ(now, text);
+    }
 }
 
 TEST_F(VersionFile, TheFileKeepsItsLineEnds) {

@@ -5,6 +5,7 @@
 #include "library/settings/profstr.h"
 #include "os/files.h"
 #include "os/text/ascii.h"
+#include "platform/model/useracts.h"
 #include "platform/model/view.h"
 #include "support/steerable.h"
 
@@ -329,6 +330,52 @@ TEST_F(Profile, AReadOnlyFileIsToldOnceForAllTheSettingsOfAStart) {
     files.failAlways(os::FileCall::Write, os::FileError::WriteFailed);  // another code
     PROFILESTRPUT(File, "A", "k", "newer");
     EXPECT_EQ(takeTold(), 652);
+}
+
+TEST_F(Profile, AChangeThatIsLostIsToldOnceForEachThingThatTheUserDoes) {
+    for (const bool readable : {true, false}) {
+        files.putFolder("/home/user", 0555);
+        files.put(File, "[A]\r\nk=old\r\n", readable ? 0444 : 0000);
+        for (int act = 0; act < 3; ++act) {
+            platform::noteUserAct();
+            for (const char* key : {"a", "b", "c"}) PROFILESTRPUT(File, "A", key, "new");
+            PROFILESTRDEL(File, "A", "k");
+            PROFILESTRPUT(File, "L", "", "1\n2\n");
+            ASSERT_EQ(asked.size(), 1U) << act;
+            EXPECT_EQ(ErrorCell(), 0);
+            asked.clear();
+            get("A", "k");
+            EXPECT_TRUE(asked.empty()) << "what is only read loses nothing";
+        }
+        platform::noteUserAct();
+        get("A", "k");
+        EXPECT_TRUE(asked.empty());
+        files.putFolder("/home/user", 0755);
+        files.put(File, "[A]\r\nk=old\r\n", 0644);
+        PROFILESTRPUT(File, "A", "k", "new");
+    }
+}
+
+TEST_F(Profile, WhatThePressedButtonOfTheBoxDidIsNoActOfItsOwn) {
+    files.putFolder("/home/user", 0555);
+    files.put(File, "[A]\r\n", 0444);
+    int boxes = 0;
+    const auto own = platform::useView(platform::makeHeadlessView([&boxes](const platform::Question&) {
+        platform::noteUserAct();
+        ++boxes;
+        return "OK";
+    }));
+    platform::noteUserAct();
+    for (const char* key : {"a", "b", "c"}) PROFILESTRPUT(File, "A", key, "new");
+    EXPECT_EQ(boxes, 1);
+}
+
+TEST_F(Profile, AWriteThatChangesNothingIsNone) {
+    start("[A]\r\nk=v\r\n");
+    files.failAlways(os::FileCall::Write, os::FileError::DiskFull);
+    PROFILESTRPUT(File, "A", "k", "v");
+    EXPECT_EQ(takeTold(), 0);
+    files.stopFailing();
 }
 
 TEST_F(Profile, EachFileIsToldForItself) {

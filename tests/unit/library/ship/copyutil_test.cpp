@@ -1,83 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The ways to bring files to users: every box, in its order, and what is left when something fails.
-#include "library/ship/copyutil.h"
-
-#include "library/system/system.h"
-#include "os/files.h"
-#include "os/process.h"
-#include "platform/model/model.h"
-#include "platform/model/view.h"
-#include "support/errorcell.h"
-#include "support/tempfolder.h"
-
-#include <deque>
-#include <gtest/gtest.h>
+#include "support/ship_fixture.h"
 
 namespace tarn {
 namespace {
-
-class ShipCopies : public ::testing::Test {
-protected:
-    TempFolder dir;
-    std::deque<std::string> answers;  // to the questions in turn; closed boxes when none is left
-    std::vector<platform::Question> asked;
-    std::function<void()> meanwhile;  // while a box is open
-
-    void SetUp() override {
-        ClearError();
-        before_ = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
-            asked.push_back(question);
-            if (meanwhile) meanwhile();
-            if (answers.empty()) return std::string();
-            std::string answer = answers.front();
-            answers.pop_front();
-            return answer;
-        }));
-        folder("program"), folder("files"), folder("to");
-        std::string program =
-            dir / "program/ide";  // a name of this program, so that the folder counts as its own
-        std::filesystem::create_symlink(std::filesystem::read_symlink("/proc/self/exe"), program);
-        char* arguments[] = {program.data(), nullptr};
-        os::setCommandLine(1, arguments);
-        std::filesystem::current_path(dir.path());
-        drive = {dir / "to", 1000, 100};
-    }
-    void TearDown() override {
-        std::filesystem::current_path("/");
-        platform::useView(std::move(before_));
-        EXPECT_EQ(takeError(), 0);
-        EXPECT_TRUE(answers.empty());
-    }
-    void folder(const std::string& name) { std::filesystem::create_directory(dir / name); }
-    std::string make(const std::string& name, const std::string& bytes) {
-        EXPECT_TRUE(os::saveFile(dir / name, bytes, os::Durability::Unsynced).ok());
-        return dir / name;
-    }
-    // A line of a list for a new file of that size.
-    std::string file(const std::string& name, std::size_t size) {
-        return make("files/" + name, std::string(size, 'x')) + "\t" + std::to_string(size) + " byte(s)\n";
-    }
-    void tool(const std::string& name, const std::string& script) {
-        make("program/" + name, "#!/bin/sh\n" + script + "\n");
-        std::filesystem::permissions(dir / "program/" + name, std::filesystem::perms::owner_all);
-    }
-    [[nodiscard]] std::string lastText() const { return asked.empty() ? "" : asked.back().text; }
-    [[nodiscard]] std::string listing(const std::string& name) const {
-        return GETDISKFILELIST(dir / name, "*.*");
-    }
-    std::string read(const std::string& name) {
-        std::string bytes;
-        os::readFile(dir / name, bytes);
-        return bytes;
-    }
-
-    FloppyDrive drive;
-    const Object owner;
-
-private:
-    std::unique_ptr<platform::View> before_;
-};
 
 // ---- floppy disks ----
 
@@ -245,17 +172,6 @@ TEST_F(ShipCopies, ASecondZipReplacesTheFirst) {
     EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
 }
 
-TEST_F(ShipCopies, ASecondFileOfANameIsNotSaidToBeInTheZipFile) {
-    answers = {dir / "to/a.zip", "OK"};
-    for (const char* const folder : {"files/x", "files/y"}) std::filesystem::create_directories(dir / folder);
-    const std::string files = file("x/data.txt", 1) + file("y/data.txt", 1);
-    EXPECT_FALSE(COPYTOZIP(owner, files, ""));
-    EXPECT_NE(lastText().find("could not be zipped"), std::string::npos) << lastText();
-    EXPECT_NE(lastText().find("y/data.txt"), std::string::npos);
-    EXPECT_EQ(lastText().find("x/data.txt"), std::string::npos);
-    EXPECT_EQ(listing("to"), "");
-}
-
 TEST_F(ShipCopies, TheZipProgramIsAskedForFirstThenUnzip) {
     const Variable path("PATH", dir / "none");
     const std::string missing = dir / "none\n";
@@ -352,6 +268,20 @@ TEST_F(ShipInstallers, TheCompilerGetsTheScriptAndMakesTheFileBesideTheProgram) 
                         "\"; DestDir:\"{app}\\\"; DestName:\"mainicon.ico\";\n"),
               std::string::npos)
         << "the icon among the files";
+}
+
+TEST_F(ShipInstallers, AScriptThatCannotBeWrittenIsToldAndNothingIsCompiled) {
+    std::filesystem::create_directory(dir / "files/prog-install.iss");
+    tool("iscc.exe", "echo made > " + dir / "files/prog-install.exe");
+    answers = {"Close"};
+    EXPECT_FALSE(run(file("prog.exe", 3)));
+    EXPECT_EQ(ErrorCell(), 0) << "nobody else is to tell it again";
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(lastText(), "Could not create '" + dir / "files/prog-install.exe" + "'\n\nThe script '" +
+                              dir / "files/prog-install.iss" +
+                              "' could not be written: There is a folder of that name.");
+    EXPECT_EQ(asked.back().buttons, (std::vector<std::string>{"Close", "Show Script"}));
+    EXPECT_EQ(read("files/prog-install.exe"), "");
 }
 
 TEST_F(ShipInstallers, WithoutANewFileItWasNotCreatedAndTheOldOneStays) {

@@ -433,6 +433,49 @@ TEST_F(ResourceTest, AVersionBlockOfTheUsualShapeIsKeptListedRenamedAndDeleted) 
     }
 }
 
+TEST_F(ResourceTest, AVersionBlockIsKnownByItsWordWhateverItsNameIs) {
+    const struct {
+        const char *head, *name;
+    } cases[] = {{"1 VERSIONINFO\n", "1"},
+                 {"1 versioninfo\n", "1"},
+                 {"0x10 VersionInfo\n", "0x10"},
+                 {"_v VERSIONINFO\n", "_v"},
+                 {"VS_VERSION_INFO VERSIONINFO // of the program\n", "VS_VERSION_INFO"},
+                 {"  1\tVERSIONINFO\t\n", "1"},
+                 {"1 VERSIONINFO LOADONCALL MOVEABLE\n", "1"},
+                 {"1 VERSIONINFO FILEVERSION 1,0,0,0\n", "1"}};
+    for (const std::string body :
+         {"BEGIN\n  BLOCK \"x\"\n  BEGIN\n  END\nEND\n", "{\n  BLOCK \"x\" {\n  }\n}\n",
+          "FILEVERSION 1,0,0,0\nBEGIN\n  VALUE \"END\", \"}\"\nEND\n"})
+        for (const auto& c : cases) {
+            SCOPED_TRACE(c.head + body);
+            const std::string block = c.head + body, before = "Main DIALOG\nEND\n",
+                              after = "logo BITMAP \"x\"\n";
+            write(rc, before + block + after);
+            EXPECT_EQ(info("*", "*"), "Main\n" + std::string(c.name) + "\nlogo\n");
+            EXPECT_EQ(info("VERSIONINFO", "*"), std::string(c.name) + " VERSIONINFO\n");
+            EXPECT_EQ(info("VERSIONINFO", c.name), block);
+            EXPECT_EQ(ResourceWriteText(rc, std::string(c.name) + " VERSIONINFO\nBEGIN\nEND\n"), "");
+            EXPECT_EQ(read(rc), before + c.name + " VERSIONINFO\nBEGIN\nEND\n" + after);
+            EXPECT_EQ(ResourceDelete(rc, c.name), "");
+            EXPECT_EQ(read(rc), before + after);
+        }
+}
+
+TEST_F(ResourceTest, AVersionBlockEndsTheBlockAboveItThatHasNoEnd) {
+    write(rc, "Main DIALOG\n  CAPTION=\"a\"\n1 VERSIONINFO\nBEGIN\nEND\n");
+    EXPECT_EQ(info("VERSIONINFO", "*"), "1 VERSIONINFO\n");
+}
+
+TEST_F(ResourceTest, ALineThatOnlyNamesAVersionBlockIsNone) {
+    for (const char* line : {"The VERSIONINFO of this program\n", "1 VERSIONINFO \"a.txt\"\n",
+                             "VERSIONINFO\n", "-- VERSIONINFO\n", "\"1\" VERSIONINFO\n"}) {
+        write(rc, line + std::string("Main DIALOG\nEND\n"));
+        EXPECT_EQ(info("VERSIONINFO", "*"), "") << line;
+        EXPECT_EQ(info("*", "*"), "Main\n") << line;
+    }
+}
+
 TEST_F(ResourceTest, WriteTextWritesExactlyTheLine) {
     const struct {
         const char *before, *line, *after;

@@ -2,58 +2,21 @@
 //
 // A program that is built, handed over in each way, and run where it has come to, without anything of the build; and what an
 // installer does as a program, with files that are packed in no time.
+#include "library/dialogs/versioninfo.h"
 #include "library/ship/copyutil.h"
 #include "library/ship/ownlibraries.h"
 #include "library/system/system.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
-#include "support/toolchain_folder.h"
+#include "platform/resources/resource.h"
+#include "support/installer_fixture.h"
 #include "toolchain/setup/make.h"
 #include "toolchain/setup/package.h"
 
 #include <limits>
-#include <sys/stat.h>
 
 namespace tarn::toolchain {
 namespace {
-
-// A home for installations: `/home/o'brien & "x"`, a folder that has to be quoted everywhere.
-class AtHome : public ToolchainTest {
-protected:
-    std::string home, installer;
-
-    void SetUp() override {
-        ToolchainTest::SetUp();
-        home = dir + "o'brien & \"x\"";
-        std::filesystem::create_directories(home + "/Desktop");
-    }
-    // Makes `installer`, of files that stand one a line.
-    void makeInstaller(const std::string& files, const std::string& main) {
-        write("script.iss",
-              CREATEISSSCRIPT("Ann", "(c)", "Words", "Counts words", "1.0", "1 0 0 0", files, main, ""));
-        ASSERT_EQ(run(BINARY_DIR "/iscc.exe",
-                      {dir + "script.iss", "/O" + dir.substr(0, dir.size() - 1), "/Fmade-install"}),
-                  0)
-            << output;
-        installer = dir + "made-install.exe";
-    }
-    int withHome(const std::string& program, std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, program});
-        return run("/usr/bin/env", arguments);
-    }
-    std::unique_ptr<os::Child> startInstaller() {
-        os::StartError error = os::StartError::None;
-        return os::processes().start(
-            {"/usr/bin/env", {"-i", "HOME=" + home, "XDG_RUNTIME_DIR=" + dir, installer, "--quiet"}, dir, ""},
-            error);
-    }
-    std::string allIn(const std::string& folder) {
-        std::string names;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-            names += entry.path().string().substr(folder.size()) + "\n";
-        return STRSORT(names);
-    }
-};
 
 class Handover : public AtHome {
 protected:
@@ -172,29 +135,6 @@ TEST_F(Handover, AnInstallerInstallsQuietlyAndItsUninstallerLeavesNothing) {
     EXPECT_EQ(allIn(home), "/Desktop\n");
 }
 
-// An installer of a program that greets.
-class SmallInstaller : public AtHome {
-protected:
-    void SetUp() override {
-        AtHome::SetUp();
-        const std::string program = write("small/small.exe", "#!/bin/sh\necho greets\n");
-        makeInstaller(program + "\n" + write("small/data.txt", "data") + "\n", program);
-        app = home + "/.local/opt/small";
-    }
-    void expectRunsAt(const std::string& folder) {
-        EXPECT_EQ(run("/usr/bin/env", {"-i", folder + "/small.exe"}), 0) << output;
-        EXPECT_EQ(output, "greets\n");
-    }
-    // It says that it is damaged, and nothing else happens.
-    void expectRefuses(const std::string& name, const std::string& bytes) {
-        write("damaged.exe", bytes);
-        ::chmod((dir + "damaged.exe").c_str(), 0755);
-        EXPECT_EQ(withHome(dir + "damaged.exe", {"--quiet"}), 1) << name;
-        EXPECT_EQ(output, "This installer is damaged or incomplete. Get it again.\n") << name;
-    }
-    std::string app;
-};
-
 TEST_F(SmallInstaller, TakesAFolderOfTheUsersChoice) {
     const std::string place = dir + "my \"own\" place";
     ASSERT_EQ(withHome(installer, {"--quiet", "--folder", place}), 0) << output;
@@ -310,14 +250,6 @@ TEST_F(SmallInstaller, TwoInstallationsAtOnceGoOneAfterTheOther) {
 }
 
 TEST_F(SmallInstaller, OnATerminalItAsksThere) {
-    write("start", "exec env -i HOME=\"$HOME\" XDG_RUNTIME_DIR=\"$XDG_RUNTIME_DIR\" \"$PROGRAM\"\n");
-    // What is typed, each line when there was time to ask.
-    const auto typing = [this](const std::string& lines, const std::string& program) {
-        write("type", "for word in " + lines + "; do sleep 0.5; echo \"$word\"; done; sleep 20\n");
-        return run("/usr/bin/env",
-                   {"HOME=" + home, "XDG_RUNTIME_DIR=" + dir, "PROGRAM=" + program, "sh", "-c",
-                    "sh type | { script -qec 'sh start' /dev/null; echo \"code $?\"; kill 0; }"});
-    };
     typing("c", installer);
     EXPECT_NE(output.find("Where shall 'Counts words' be installed?"), std::string::npos) << output;
     EXPECT_NE(output.find("code 3"), std::string::npos) << output;
@@ -328,6 +260,35 @@ TEST_F(SmallInstaller, OnATerminalItAsksThere) {
     typing("r", home + "/.local/opt/small/uninstall");
     EXPECT_NE(output.find("code 0"), std::string::npos) << output;
     EXPECT_EQ(allIn(home), "/Desktop\n");
+}
+
+// What the question calls the program, by its version block and the description that stands in the script.
+TEST_F(AtHome, TheProductIsNamedByTheVersionBlockElseByTheDescriptionOfTheUser) {
+    const VersionFields plain = VERSIONINFOTOFIELDS(GETDEFAULTVERSIONINFO("small"));
+    const struct {
+        const char *product, *description, *named;
+    } rows[] = {{"Word Counter", plain.description.c_str(), "Word Counter"},
+                {"Word Counter", "Counts words", "Word Counter"},
+                {"", "Counts words", "Counts words"},
+                {"", plain.description.c_str(), "small"},
+                {"", "Created by Tarnwick 1.0", "small"},
+                {nullptr, "Counts words", "Counts words"},
+                {nullptr, plain.description.c_str(), "small"},
+                {nullptr, "", "small"}};
+    const std::string program = write("small/small.exe", "#!/bin/sh\necho greets\n");
+    for (const auto& row : rows) {
+        VersionFields fields = plain;
+        fields.product = row.product != nullptr ? row.product : "";
+        write("small.rc", row.product != nullptr
+                              ? FIELDSTOVERSIONINFO(std::string(DefaultVersionName), fields, "small")
+                              : "");
+        ASSERT_EQ(platform::CompileResources({dir + "small.rc"}, dir + "small/small.rcx"), "");
+        makeInstaller(program + "\n" + dir + "small/small.rcx\n", program, row.description);
+        typing("c", installer);
+        EXPECT_NE(output.find("Where shall '" + std::string(row.named) + "' be installed?"),
+                  std::string::npos)
+            << output;
+    }
 }
 
 TEST_F(AtHome, AWrongScriptIsToldWithItsLineAndNothingIsMade) {

@@ -149,6 +149,30 @@ TEST(Install, UninstallKeepsFilesOfTheUser) {
                                               {inApp("uninstall.list"), ListOfNoFiles}}));
 }
 
+// A folder of the user's under the name of an installed file is his, whatever comes or goes.
+TEST(Install, AFolderInThePlaceOfAFileStaysAndIsNeverInTheWay) {
+    const auto useFolder = [](Machine& machine) {
+        os::files().remove(inApp("data.txt"));
+        machine.disk.put(inApp("data.txt/mine"), "the user's");
+    };
+    Machine machine;
+    ASSERT_EQ(machine.install("first"), "");
+    useFolder(machine);
+    ASSERT_EQ(machine.install("second"), "");
+    EXPECT_EQ(machine.disk.contents(inApp("data.txt")), "as shipped");
+    EXPECT_EQ(machine.disk.contents(inApp("data.txt.saved/mine")), "the user's");
+    EXPECT_FALSE(os::infoOf("/home/u/.local/opt/.prog.setup").exists);
+    useFolder(machine);
+    bool stayed = false;
+    EXPECT_EQ(uninstall(places.app, stayed), "");
+    EXPECT_TRUE(stayed);
+    EXPECT_EQ(homeOf(machine.disk), (Snapshot{{inApp("data.txt/mine"), "the user's"},
+                                              {inApp("data.txt.saved/mine"), "the user's"},
+                                              {inApp("uninstall.list"), ListOfNoFiles}}));
+    EXPECT_EQ(machine.install("first"), "");
+    EXPECT_EQ(machine.disk.contents(inApp("data.txt")), "as shipped");
+}
+
 TEST(Install, WhatAnUninstallLeftIsTakenAgainAndGoesWithTheLastFile) {
     Machine machine;
     machine.useFirst();
@@ -343,6 +367,27 @@ TEST(Install, ADeathWhileALaterVersionComesLeavesTheFirstOrTheLater) {
             before = homeOf(machine.disk);
         },
         [](Machine& machine, int call) { return dies(machine, call, "second"); },
+        [&](Machine& machine) {
+            EXPECT_EQ(undoUnfinished(places.app), "");
+            const Snapshot now = homeOf(machine.disk);
+            EXPECT_TRUE(now == before || now == later) << different(before, now);
+        });
+}
+
+TEST(Install, ADeathWithAFolderInThePlaceOfAFileIsUndoneToo) {
+    Snapshot before;
+    const auto prepare = [&](Machine& machine) {
+        ASSERT_EQ(machine.install("first"), "");
+        os::files().remove(inApp("data.txt"));
+        machine.disk.put(inApp("data.txt/mine"), "the user's");
+        before = homeOf(machine.disk);
+    };
+    Machine whole;
+    prepare(whole);
+    ASSERT_EQ(whole.install("second"), "");
+    const Snapshot later = homeOf(whole.disk);
+    atEachCall(
+        prepare, [](Machine& machine, int call) { return dies(machine, call, "second"); },
         [&](Machine& machine) {
             EXPECT_EQ(undoUnfinished(places.app), "");
             const Snapshot now = homeOf(machine.disk);

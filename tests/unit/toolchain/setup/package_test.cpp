@@ -144,7 +144,7 @@ TEST_F(Packages, WhatAsksInWindowsGoesAlongInFrontWhereItsLibrariesDo) {
 // ---- heads ----
 
 TEST(PackageHead, IsReadAsItWasWritten) {
-    Package package{"prog", "Says  hello", "Ann & Co.", "(c)", "1.0", "prog.exe", {}, {}};
+    Package package{"prog", "Says  hello", "Prog: one", "Ann & Co.", "(c)", "1.0", "prog.exe", {}, {}};
     package.shortcuts = {{Shortcut::Place::Menu, Shortcut::Kind::Icon},
                          {Shortcut::Place::Desktop, Shortcut::Kind::Uninstall}};
     package.files = {{"prog.exe", 3, true}, {" a b ", 600'000'000 - 3, false}};

@@ -468,6 +468,18 @@ TEST_F(Drawing, TheMenuBarShowsTheItemsOfTheFirstLevel) {
     p.menu[2] = item(2, "&Open");
     p.menu[3] = item(1, "Save && &quit");
     EXPECT_EQ(text(), (Calls{"text 17 18 \"File  Save & quit\" Microsoft Sans Serif 8"}));
+    for (const auto& [caption, shown] : {std::pair{"File&", "File&"},
+                                         {"&&&&x&", "&&x&"},
+                                         {"a & b", "a & b"},
+                                         {"&", "&"},
+                                         {"&&", "&"},
+                                         {"R&D", "RD"},
+                                         {"&&&x", "&x"}}) {
+        p.menu[1] = item(1, caption);
+        p.menu[3] = item(2, "Deep");
+        EXPECT_EQ(text(), (Calls{"text 17 18 \"" + std::string(shown) + "\" Microsoft Sans Serif 8"}))
+            << caption;
+    }
     p.menu[1] = p.menu[3] = item(2, "Deep");
     EXPECT_EQ(text(), (Calls{"text 17 18 \"\" Microsoft Sans Serif 8"})) << "an empty bar";
     p.dialog[0] = dialog("");

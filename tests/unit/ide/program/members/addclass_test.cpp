@@ -93,6 +93,43 @@ TEST_F(AddClass, ChecksInItsOrder) {
     }
 }
 
+TEST_F(AddClass, ANameOfTheCoreOfTheLibraryIsThatOfTheLibraryAlone) {
+    open();
+    for (const char* name : {"far/Lib.cls", "far/SYSTEM.cls", "prog/system.cls"}) {
+        const std::string file = write(name, classText("X")), before = everything();
+        add(file);
+        EXPECT_EQ(
+            told(),
+            std::vector<std::string>{form(
+                file,
+                "cannot be added, because its name is that of a core run time library class.\nMake a copy "
+                "of the file with another name and try again.\n")});
+        EXPECT_EQ(everything(), before);
+    }
+    std::filesystem::remove(dir + "prog/system.cls");
+    add(write("lib/Lib.cls", classText("Lib")));
+    EXPECT_EQ(told(), std::vector<std::string>{});
+    EXPECT_EQ(uses("prog/main.cls"), "Shapes Lib");
+}
+
+TEST_F(AddClass, NamesThatNoClauseCanHoldAreRefused) {
+    open();
+    for (const char* name :
+         {"my class", " a", "a ", "\xC3\xA4", "a\xE4", "a\xFF", "a\"b", "a'b", "a&b", "1a", "a.b", "a-b"}) {
+        const std::string file = write("far/" + std::string(name) + ".cls", classText("X")),
+                          before = everything();
+        add(file);
+        EXPECT_EQ(
+            told(),
+            std::vector<std::string>{form(
+                file,
+                "cannot be added to the program, as its filename is not a valid class name.\nMake a copy "
+                "of the file, remove spaces from its name and try again.\n")})
+            << name;
+        EXPECT_EQ(everything(), before);
+    }
+}
+
 TEST_F(AddClass, TheMainClassItselfIsRefusedAsAMainClass) {
     open();
     add(mainFile);

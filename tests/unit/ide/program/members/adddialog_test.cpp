@@ -92,21 +92,21 @@ TEST_F(AddDialog, ANameThatCannotBeIsAskedAboutUntilItCan) {
     choose("Dialogs");
     const std::string end = "Choose another name for the dialog being added.\n",
                       taken = "The following file (or its class file):\n\n\t'" + dir + "prog/main.rc'\n\n";
-    add(source, "main", {"9to5", "my dialog", "loop", "ASK", "Main", "Free"});
+    add(source, "main", {"9to5", "my dialog", "\xC3\xA4", "a\xE4", "loop", "ASK", "Main", " Free "});
     const std::string invalid =
         " cannot be added, as the name is not a valid identifier.\nIt must start with a "
         "letter, and contain only letters, numbers or an underscore.\n" +
         end;
     const std::string reserved =
         " cannot be added, as the program already has a function called 'main'.\n" + end;
-    EXPECT_EQ(told(),
-              (std::vector<std::string>{"Dialog main" + reserved, "Dialog 9to5" + invalid,
-                                        "Dialog my dialog" + invalid, "Dialog loop" + invalid,
-                                        "Dialog ASK cannot be added. " + taken +
-                                            "already contains a dialog or function called "
-                                            "'ASK'. " +
-                                            end,
-                                        "Dialog Main" + reserved, "Added Free from '" + source + "'"}));
+    EXPECT_EQ(told(), (std::vector<std::string>{
+                          "Dialog main" + reserved, "Dialog 9to5" + invalid, "Dialog my dialog" + invalid,
+                          "Dialog \xC3\xA4" + invalid, "Dialog a\xE4" + invalid, "Dialog loop" + invalid,
+                          "Dialog ASK cannot be added. " + taken +
+                              "already contains a dialog or function called "
+                              "'ASK'. " +
+                              end,
+                          "Dialog Main" + reserved, "Added Free from '" + source + "'"}));
     EXPECT_EQ(ResourceInfo(dir + "prog/main.rc", "DIALOG", "*").text, "Ask DIALOG\nFree DIALOG\n");
     EXPECT_NE(SYMFINDFUNCTION("Free", 1, mainFile).bodyStart, 0);
 }

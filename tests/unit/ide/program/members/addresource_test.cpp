@@ -91,6 +91,46 @@ TEST_F(AddResource, ChecksInItsOrder) {
     }
 }
 
+TEST_F(AddResource, AClassBesideTheFileIsOneInAnyCase) {
+    open();
+    write("far/BOXES.Cls", "// all my work\n");
+    const std::string file = write("far/boxes.rc", dialog("D")), before = everything();
+    add(file, {"Update folders"});
+    ASSERT_EQ(told().size(), 1U);
+    EXPECT_TRUE(told()[0].find("because a file or a class with the same name already exists") !=
+                std::string::npos)
+        << told()[0];
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(AddResource, ANameOfTheCoreOfTheLibraryIsRefused) {
+    open();
+    for (const char* name : {"far/Lib.rc", "prog/SYSTEM.rc"}) {
+        const std::string file = write(name, dialog("D")), before = everything();
+        add(file);
+        EXPECT_EQ(told(), std::vector<std::string>{"The following file:\n\n\t'" + file +
+                                                   "'\n\ncannot be added, because its name is that of a core "
+                                                   "run time library class.\nMake a copy of "
+                                                   "the file with another name and try again.\n"});
+        EXPECT_EQ(everything(), before);
+    }
+}
+
+TEST_F(AddResource, NamesWithOtherSignsAreRefused) {
+    open();
+    for (const char* name : {"\xC3\xA4", "a\xE4", "a\xFF", " a", "a ", "a&b", "a\"b", "a.b"}) {
+        const std::string file = write("far/" + std::string(name) + ".rc", dialog("D")),
+                          before = everything();
+        add(file);
+        EXPECT_EQ(told(), std::vector<std::string>{
+                              "The following file:\n\n\t'" + file +
+                              "'\n\ncannot be added to the program, as its filename is not a valid class "
+                              "name.\nMake a copy of "
+                              "the file, remove underscores and spaces from its name and try again.\n"});
+        EXPECT_EQ(everything(), before);
+    }
+}
+
 TEST_F(AddResource, AClassBesideTheFileIsNeverWrittenOver) {
     open();
     for (const char* folder : {"prog/", "far/"}) {

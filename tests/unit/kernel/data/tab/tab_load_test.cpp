@@ -367,30 +367,6 @@ TEST_F(TabLoading, AReadOnlyFileCanBeRead) {
     EXPECT_EQ(Shown(list.get(), KindList), "{5}");
 }
 
-TEST_F(TabLoading, AFileIsMeasuredWhateverItsCellsHold) {
-    const auto measured = [&](const std::string& text, const DataOptions& options) {
-        files_.put("/d/a.csv", text);
-        const TabExtent extent = TabMeasure("/d/a.csv", options);
-        std::string shown = std::to_string(extent.rows) + ":";
-        for (const std::int32_t length : extent.longest) shown += " " + std::to_string(length);
-        return extent.code == 0 ? shown : std::to_string(extent.code) + "@" + std::to_string(extent.row);
-    };
-    EXPECT_EQ(measured("1,abc\n22,\"a\"\"b\"\n,\n", CommaRows), "2: 2 3");
-    EXPECT_EQ(measured("name,x\n1,a  \n,, ,d\n\n  \n", {1, 0, ',', -1}), "2: 1 1 0 1");
-    EXPECT_EQ(measured("a,b\nc\n(2 rows)\n", {0, 1, ',', 1}), "1: 1 1");
-    EXPECT_EQ(measured("a,b\n\"c\n", DefaultDataOptions(1)), "2: 3");
-    EXPECT_EQ(measured("", CommaRows), "0:");
-    EXPECT_EQ(measured("a\n" + std::string(MaxTabLine + 1, 'x') + "\nb\n", CommaRows), "986@2");
-    std::string many = "1";
-    for (std::int32_t n = 2; n <= MaxTabColumns + 2; ++n) many += "," + std::to_string(n);
-    files_.put("/d/a.csv", many + "\n");
-    EXPECT_EQ(TabMeasure("/d/a.csv", CommaRows).longest.size(), std::size_t{MaxTabColumns});
-    EXPECT_EQ(TabMeasure("/d/none.csv", CommaRows).code, 651);
-    files_.failAlways(os::FileCall::Read, os::FileError::ReadFailed);
-    EXPECT_EQ(TabMeasure("/d/a.csv", CommaRows).code, 651);
-    files_.stopFailing();
-}
-
 TEST_F(TabLoading, TheFirstFaultIsNamed) {
     Typed list("x : list\n\ti : integer\nend list\n");
     Typed lists("x : list\n\ty : list\n\t\ti : integer\n\tend list\nend list\n");

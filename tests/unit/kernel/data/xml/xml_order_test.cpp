@@ -90,22 +90,6 @@ TEST_F(XmlOrderTest, ALoneLessThanIsText) {
     EXPECT_EQ(order("<l><r><_a>1</_a><:b/></r></l>", {"_a", ":b"}), "1");
 }
 
-TEST_F(XmlOrderTest, TheLongestTextOfEachColumnIsTold) {
-    const auto longest = [&](const std::string& text, const std::vector<std::string>& columns) {
-        disk.put(file, text);
-        return XmlCheckOrder(file, columns, {}).longest;
-    };
-    using Lengths = std::vector<std::int32_t>;
-    EXPECT_EQ(longest("<l><r><a>1</a><b>22</b></r><r><a>333</a><b/></r></l>", {"a", "b"}), (Lengths{3, 2}));
-    EXPECT_EQ(longest("<l><r a='1' b='22'/><r type='record' a='' b=\"333\"/></l>", {"a", "b"}),
-              (Lengths{1, 3}));
-    EXPECT_EQ(longest("<l><v>1</v><v/><v>a &lt; b</v></l>", {"v"}), Lengths{5});
-    EXPECT_EQ(longest("<l><v>1<!-- one --></v><v><![CDATA[<x>]]></v></l>", {"v"}), Lengths{3});
-    EXPECT_EQ(longest("<l><r a='1'/><r><a>22</a></r></l>", {"a"}), Lengths{2});
-    EXPECT_EQ(longest("<!DOCTYPE l [<!ENTITY e 'much more'>]><l><v>&e;</v></l>", {"v"}), Lengths{9});
-    EXPECT_EQ(longest("<l/>", {"a", "b"}), (Lengths{0, 0}));
-}
-
 TEST_F(XmlOrderTest, RowsOfEveryFormAreLoaded) {
     EXPECT_EQ(rowsOf("<l><r><n>1</n><s>a</s></r><r n='2' s='b'/></l>", two, Form::Rows),
               "|{1,'a'},{2,'b'}| 2");

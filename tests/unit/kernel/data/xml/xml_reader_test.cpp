@@ -234,6 +234,33 @@ TEST_F(XmlReaderTest, AWalkLeavesTheErrorCellAsItIsAndIsStoppedByTheUser) {
     ClearError();
 }
 
+TEST_F(XmlReaderTest, LinesAndTextsOfAnyLengthAreWalkedWhereThatIsWanted) {
+    const std::string text(100000, 'x');
+    disk.put(file, "<a><b>" + text + "</b><c d='" + text + "'/>\n<e/>" + std::string(50000, ' ') + "</a>");
+    XmlReader reader;
+    Told told;
+    EXPECT_EQ(problem(reader.walk(file, told).error), "671 Line too long, max length is 32768");
+    told.seen.clear();
+    ASSERT_EQ(reader.startWalk(file, told, XmlCharacters::Bytes, XmlLengths::Long).code, 0);
+    while (reader.walkOn(1)) {}
+    EXPECT_EQ(problem(reader.endWalk().error), "");
+    EXPECT_TRUE(told.seen == "<a <b \"" + text + "\" > <c d=[" + text + "] > \"\n\" <e@2 > \"" +
+                                 std::string(50000, ' ') + "\" >");
+    std::string structure;
+    EXPECT_EQ(problem(reader.discover(file, structure, MaxTypeInfo, XmlLengths::Long).error), "");
+    EXPECT_NE(structure.find("b : string[100000]\n"), std::string::npos) << structure;
+    EXPECT_EQ(problem(reader.discover(file, structure, MaxTypeInfo, XmlLengths::Told).error),
+              "671 Line too long, max length is 32768");
+    disk.put(file, "<a>" + std::string(std::size_t{LongestXmlLine}, 'x') + "</a>");
+    ASSERT_EQ(reader.startWalk(file, told, XmlCharacters::Bytes, XmlLengths::Long).code, 0);
+    while (reader.walkOn(1)) {}
+    EXPECT_EQ(problem(reader.endWalk().error), "671 Line too long, max length is 16777216");
+    const std::string half(20000, 'x');
+    EXPECT_NE(walked("<a b='" + half + "\n" + half + "'/>")
+                  .find(" | 671 Attribute is too long, max length is 32768"),
+              std::string::npos);
+}
+
 }  // namespace
 
 }  // namespace tarn

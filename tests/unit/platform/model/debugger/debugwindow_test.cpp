@@ -232,6 +232,58 @@ TEST_F(DebugWindowTest, ACommandBehindTheOneThatLeavesBelongsToTheNextStop) {
     EXPECT_TRUE(asked);
 }
 
+TEST_F(DebugWindowTest, WhatIsTypedWhileTheProgramRunsBelongsToTheNextStop) {
+    act = [this](const DebugEvent& event) {
+        if (event.number == 104) LeaveDebug(*window);
+    };
+    DebugAddstrings(*window, "a\nb\nc");
+    DebugSelect(*window, 2, true);
+    for (const int number : {106, 104, 107}) userDebug(*window, command(number));
+    for (const DebugMessage message : {DebugMessage::Edit, DebugMessage::DoubleClick, DebugMessage::Help})
+        userDebug(*window, {message, 0, ""});
+    // The mouse has clicked on what is not there at the next stop.
+    for (const DebugMessage message : {DebugMessage::Edit, DebugMessage::DoubleClick, DebugMessage::Hover})
+        userDebug(*window, {message, 1, ""});
+    EXPECT_TRUE(events.empty());
+    stop([](DebugWindow&) {});
+    EXPECT_EQ(numbers(), (Numbers{106, 104}));
+    DebugSelect(*window, 3, true);
+    stop([](DebugWindow&) {});
+    EXPECT_EQ(numbers(), (Numbers{106, 104, 107, 3, 3, 0})) << "the line that is selected by then";
+}
+
+TEST_F(DebugWindowTest, TwentyStepsThatAreTypedAtOnceAreTwentySteps) {
+    act = [this](const DebugEvent&) { LeaveDebug(*window); };
+    for (int i = 0; i < 7; ++i) userDebug(*window, command(104));
+    int stops = 0;
+    bool asked = false;
+    while (!asked) {
+        ++stops;
+        stop([&](DebugWindow& stopped) {
+            asked = events.size() == 20;
+            if (events.size() == 7)
+                for (int i = 0; i < 13; ++i) userDebug(stopped, command(104));
+        });
+    }
+    EXPECT_EQ(events.size(), 20U);
+    EXPECT_EQ(stops, 21);
+}
+
+TEST_F(DebugWindowTest, ABreakForgetsWhatWasTypedBeforeIt) {
+    for (int i = 0; i < 5; ++i) userDebug(*window, command(104));
+    userDebugBreak(*window);
+    EXPECT_EQ(GetUserBreak(), 1);
+    SetUserBreak(0);
+    userDebug(*window, command(106));
+    stop([](DebugWindow&) {});
+    EXPECT_EQ(numbers(), (Numbers{106}));
+}
+
+TEST_F(DebugWindowTest, KeysThatNobodyWillReadAreForgotten) {
+    for (int i = 0; i < 100000; ++i) userDebug(*window, command(106));
+    EXPECT_LE(window->early.size(), 1000U);
+}
+
 TEST_F(DebugWindowTest, AHandlerIsNotCalledInsideOfItself) {
     act = [this](const DebugEvent& event) {
         if (event.number == 106) userDebug(*window, command(107));

@@ -4,7 +4,7 @@
 // dies, and in whatever order: rows that were synced, and neither deleted nor changed since, come back.
 #include "kernel/lists/rowfile_access.h"
 #include "kernel/tables/tables_file_check.h"
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 #include "kernel/tables/tables_file_mend.h"
 #include "unit/kernel/filetables_fixture.h"
 
@@ -24,7 +24,7 @@ struct Layout {
     const char* name;
     KeyMaps maps;
     std::int32_t maxlength;
-    std::int32_t width;  // of a text in the row: few wide rows are kept at a time
+    std::int32_t width;  // of a text in the row: few wide rows are guarded at a time
 };
 constexpr Layout layouts[] = {
     {"narrow rows", {0x01000000}, UNBOUNDED, 8},
@@ -33,7 +33,7 @@ constexpr Layout layouts[] = {
     {"fixed", {0x01000000}, 40, 8},
 };
 
-class KeptTables : public FileTables {
+class TablesThatMoveRows : public FileTables {
 protected:
     void start(const Layout& layout, int count) {
         newDisk();
@@ -120,11 +120,11 @@ protected:
         }
         // What is left of a change or an addition can look like a row that cannot be read. Where no row was
         // moved, it stays.
-        const bool keeps = files().has("/d/a.~d1");
+        const bool guards = files().has("/d/a.~d1");
         const RebuiltTable result = RebuildTableFile(*t(), "/d/a.tab");
         ++mended_[result.error];
         restored_ += result.rowsRestored;
-        EXPECT_TRUE(result.error == 0 || result.error == 637 || (result.error == 651 && !keeps))
+        EXPECT_TRUE(result.error == 0 || result.error == 637 || (result.error == 651 && !guards))
             << result.error;
         EXPECT_EQ(missing(), Names{});
         if (result.error == 0) {
@@ -156,20 +156,20 @@ protected:
     int restored_ = 0;
 };
 
-TEST_F(KeptTables, RowsThatWereSyncedComeBackWhateverOfTheRestIsOnTheDisk) {
+TEST_F(TablesThatMoveRows, RowsThatWereSyncedComeBackWhateverOfTheRestIsOnTheDisk) {
     for (unsigned seed = 1; seed <= 900 && !HasFailure(); ++seed) sequence(seed);
     EXPECT_GT(restored_, 200);
     EXPECT_GT(mended_[0], 800);
 }
 
 // The same many times more: takes a minute.
-TEST_F(KeptTables, DISABLED_RowsThatWereSyncedComeBackManyTimes) {
+TEST_F(TablesThatMoveRows, DISABLED_RowsThatWereSyncedComeBackManyTimes) {
     for (unsigned seed = 1; seed <= 40000 && !HasFailure(); ++seed) sequence(seed);
     std::printf("whole %d, 637 %d, 651 %d, restored %d\n", mended_[0], mended_[637], mended_[651], restored_);
 }
 
 // Deaths in the middle of an operation, and a process that goes on where another had died.
-TEST_F(KeptTables, TheyComeBackAfterADeathAtAnyCall) {
+TEST_F(TablesThatMoveRows, TheyComeBackAfterADeathAtAnyCall) {
     for (unsigned seed = 1; seed <= 600 && !HasFailure(); ++seed) {
         std::mt19937 random(seed);
         const Layout& layout = layouts[random() % std::size(layouts)];
@@ -197,7 +197,7 @@ TEST_F(KeptTables, TheyComeBackAfterADeathAtAnyCall) {
 
 // ---- the file beside ----
 
-TEST_F(KeptTables, TheFirstRowThatMovesIsKeptAndTheFileIsGoneWhenTheTableIsClosed) {
+TEST_F(TablesThatMoveRows, TheFirstRowThatMovesIsGuardedAndTheFileIsGoneWhenTheTableIsClosed) {
     start(layouts[0], 6);
     removeRow(6);
     EXPECT_EQ(names(), (Names{"a.i1", "a.tab"}));
@@ -211,7 +211,7 @@ TEST_F(KeptTables, TheFirstRowThatMovesIsKeptAndTheFileIsGoneWhenTheTableIsClose
     EXPECT_EQ(names(), (Names{"a.i1", "a.tab"}));
 }
 
-TEST_F(KeptTables, ManyDeletionsWaitForTheDiskOnce) {
+TEST_F(TablesThatMoveRows, ManyDeletionsWaitForTheDiskOnce) {
     start(layouts[0], 500);
     files().clearLog();
     for (int number = 1; number <= 200; ++number) removeRow(number);
@@ -222,7 +222,7 @@ TEST_F(KeptTables, ManyDeletionsWaitForTheDiskOnce) {
               1);
 }
 
-TEST_F(KeptTables, KeptRowsHaveTheRightsOfTheTable) {
+TEST_F(TablesThatMoveRows, GuardedRowsHaveTheRightsOfTheTable) {
     start(layouts[0], 6);
     (void)files().setMode("/d/a.tab", 0600);
     removeRow(2);
@@ -231,7 +231,7 @@ TEST_F(KeptTables, KeptRowsHaveTheRightsOfTheTable) {
     EXPECT_EQ(info.mode, 0600U);
 }
 
-TEST_F(KeptTables, ADeadProcessDeletesForGood) {
+TEST_F(TablesThatMoveRows, ADeadProcessDeletesForGood) {
     start(layouts[0], 6);
     for (const int number : {2, 5, 1}) removeRow(number);
     updateRow(3, 9);
@@ -244,7 +244,7 @@ TEST_F(KeptTables, ADeadProcessDeletesForGood) {
     EXPECT_EQ(names(), (Names{"a.i1", "a.tab"}));
 }
 
-TEST_F(KeptTables, WithoutAFileBesideEachDeletionWaitsForTheDisk) {
+TEST_F(TablesThatMoveRows, WithoutAFileBesideEachDeletionWaitsForTheDisk) {
     start(layouts[0], 9);
     (void)files().makeFolder("/d/a.~d1");
     files().clearLog();
@@ -258,7 +258,7 @@ TEST_F(KeptTables, WithoutAFileBesideEachDeletionWaitsForTheDisk) {
     (void)files().removeFolder("/d/a.~d1");
 }
 
-TEST_F(KeptTables, ADeletionThatFailsIsNotNoted) {
+TEST_F(TablesThatMoveRows, ADeletionThatFailsIsNotNoted) {
     start(layouts[0], 6);
     removeRow(1);
     const std::string noted = bytes("a.~d1");
@@ -278,7 +278,7 @@ TEST_F(KeptTables, ADeletionThatFailsIsNotNoted) {
     lookAndMend();
 }
 
-TEST_F(KeptTables, AFileBesideThatCannotBeReadGivesWayToASync) {
+TEST_F(TablesThatMoveRows, AFileBesideThatCannotBeReadGivesWayToASync) {
     start(layouts[0], 8);
     removeRow(1);
     files().put("/d/a.~d1", "something else");
@@ -291,16 +291,16 @@ TEST_F(KeptTables, AFileBesideThatCannotBeReadGivesWayToASync) {
     EXPECT_EQ(names(), (Names{"a.i1", "a.tab", "a.~d1"}));
 }
 
-TEST_F(KeptTables, OpeningATableThatMissesAKeptRowIsRefused) {
+TEST_F(TablesThatMoveRows, OpeningATableThatMissesAGuardedRowIsRefused) {
     start(layouts[0], 6);
     removeRow(2);  // 6 moves to its place
-    const std::string kept = bytes("a.~d1");
+    const std::string guarded = bytes("a.~d1");
     close();
-    files().put("/d/a.~d1", kept);
+    files().put("/d/a.~d1", guarded);
     ASSERT_EQ(open(), 0);
     removeRow(6);
     close();
-    files().put("/d/a.~d1", kept);
+    files().put("/d/a.~d1", guarded);
     EXPECT_EQ(open(), 656);
     EXPECT_FALSE(FileExists(t(), KindTable));
     const RebuiltTable result = RebuildTableFile(*t(), "/d/a.tab");
@@ -313,17 +313,17 @@ TEST_F(KeptTables, OpeningATableThatMissesAKeptRowIsRefused) {
     expectWhole();
 }
 
-TEST_F(KeptTables, DamageOfTheFileBesideDoesNoHarm) {
+TEST_F(TablesThatMoveRows, DamageOfTheFileBesideDoesNoHarm) {
     std::mt19937 random(3);
     for (int round = 0; round < 300; ++round) {
         start(layouts[0], 8);
         for (const int number : {2, 5, 1}) removeRow(number);
-        std::string kept = bytes("a.~d1");
+        std::string guarded = bytes("a.~d1");
         if (round % 3 == 0)
-            kept.resize(random() % kept.size());
+            guarded.resize(random() % guarded.size());
         else
-            kept[random() % kept.size()] = static_cast<char>(random());
-        files().put("/d/a.~d1", kept);
+            guarded[random() % guarded.size()] = static_cast<char>(random());
+        files().put("/d/a.~d1", guarded);
         if (round % 2 != 0) removeRow(3);
         abandon();
         const RebuiltTable result = RebuildTableFile(*t(), "/d/a.tab");

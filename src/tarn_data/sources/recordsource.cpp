@@ -74,6 +74,14 @@ private:
     bool foreign_ = false;  // some text is not of ASCII
 };
 
+// Bytes that are no rows.
+void noteBehindRows(const Source& source, XbaseFile& file) {
+    const std::int64_t bytes = file.behind() > 0 ? file.behind() : file.padding();
+    if (bytes <= 0 || (file.behind() <= 0 && !file.hasTextBehindMark())) return;
+    note("Left out of '" + shown(source.file) + "': " + std::to_string(bytes) +
+         (bytes == 1 ? " byte" : " bytes") + " behind its rows; 'tarn-data check' tells more.");
+}
+
 }  // namespace
 
 Problem identifyXbase(const Arguments& arguments, Source& source) {
@@ -101,6 +109,9 @@ Problem identifyXbase(const Arguments& arguments, Source& source) {
     source.options.maxdatarows = from.maxRows.value_or(-1);
     source.rowsSeen = 0;
     source.uncountedRows = static_cast<std::int32_t>(file.whole() - file.counted());
+    noteBehindRows(source, file);
+    source.headings = xbaseHeadings(file.header());
+    if (source.deleted) source.headings.insert(source.headings.begin(), "deleted");
     XbaseColumns columns(file, source);
     problem = columns.look();
     source.columns = columns.columns(declared.columns);

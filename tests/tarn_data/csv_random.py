@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # Random rows as python's csv module writes them, in files d0.csv, d1.csv, ..., and whether other files hold the same
 # cells, as that module reads both.
-#   csv_corpus.py write COUNT
-#   csv_corpus.py compare COUNT A B      the cells of A0.csv are those of B0.csv, ...; 1 with the first difference
+#   csv_random.py write COUNT
+#   csv_random.py compare COUNT A B      the cells of A0.csv are those of B0.csv, ...; 1 with the first difference
 import csv
 import random
 import sys

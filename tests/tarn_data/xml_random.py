@@ -2,8 +2,8 @@
 # Random XML documents that hold rows of text, and whether another document holds the same rows, as expat reads
 # both. They keep to what docs/formats/xml.md takes: ASCII names, no carriage returns, character references of one
 # byte, entities whose text is plain.
-#   xml_corpus.py write COUNT            d0.xml, d1.xml, ...
-#   xml_corpus.py compare COUNT          the rows of d0.xml are those of o0.xml, ...; 1 with the first difference
+#   xml_random.py write COUNT            d0.xml, d1.xml, ...
+#   xml_random.py compare COUNT          the rows of d0.xml are those of o0.xml, ...; 1 with the first difference
 import random
 import sys
 import xml.parsers.expat

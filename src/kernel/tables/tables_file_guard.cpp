@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "kernel/tables/tables_file_kept.h"
+#include "kernel/tables/tables_file_guard.h"
 
 #include "kernel/index/index_file.h"
 #include "kernel/lists/rowfile_access.h"
@@ -31,7 +31,7 @@ constexpr std::string_view mark = "\xA7kept\r\n\x1A";
 constexpr std::int64_t rowBytesAt = 8, coveredAt = 12, headerBytes = 16;
 constexpr std::size_t checkBytes = 4;
 constexpr std::int32_t nothing = std::numeric_limits<std::int32_t>::max();  // is covered
-constexpr char keptEntry = 'K', goneEntry = 'G';
+constexpr char guardedEntry = 'K', goneEntry = 'G';
 
 void addEntry(std::string& entries, char what, std::string_view row) {
     const std::size_t at = entries.size();
@@ -41,7 +41,7 @@ void addEntry(std::string& entries, char what, std::string_view row) {
 }
 
 std::string pathBeside(const TableDescriptor& t) {
-    return KeptRowsFileName(RowFileName(HeaderOf(t).rows));
+    return GuardFileName(RowFileName(HeaderOf(t).rows));
 }
 
 // An open file that is closed at the end.
@@ -61,9 +61,9 @@ struct OpenFile {
 
 // ---- the file beside ----
 
-class KeptFile {
+class GuardFile {
 public:
-    explicit KeptFile(const TableDescriptor& t) : path_(pathBeside(t)) {}
+    explicit GuardFile(const TableDescriptor& t) : path_(pathBeside(t)) {}
 
     // False when it is not there or not of such rows.
     bool open(std::int32_t rowBytes);
@@ -99,7 +99,7 @@ private:
     bool made_ = false;
 };
 
-bool KeptFile::open(std::int32_t rowBytes) {
+bool GuardFile::open(std::int32_t rowBytes) {
     char header[headerBytes];
     std::size_t got = 0;
     if (!done(os::files().open(path_, os::OpenMode::ReadWrite, 0, file_.handle)) ||
@@ -112,7 +112,7 @@ bool KeptFile::open(std::int32_t rowBytes) {
            bigendian::at<std::int32_t>(header + rowBytesAt) == rowBytes;
 }
 
-bool KeptFile::make(const std::string& rowFile, std::int32_t rowBytes) {
+bool GuardFile::make(const std::string& rowFile, std::int32_t rowBytes) {
     file_.close();
     made_ = true;
     std::string header(mark);
@@ -134,30 +134,30 @@ bool syncRows(const TableDescriptor& t) {
 
 }  // namespace
 
-std::string KeptRowsFileName(std::string_view tableFile) {
+std::string GuardFileName(std::string_view tableFile) {
     return MarkedIndexName(IndexFileName(tableFile, 1), "~d");
 }
 
-bool HasKeptRows(const TableDescriptor& t) {
+bool HasGuardedRows(const TableDescriptor& t) {
     if (IndexesOf(HeaderOf(t)) == 0) return false;
     const os::FileInfo info = os::infoOf(pathBeside(t));
     return info.exists && !info.folder && !info.special;
 }
 
-// ---- keeping ----
+// ---- guarding ----
 
-bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
+bool RowGuard::guardAndNote(std::int32_t number, std::int32_t moved) {
     const ListDescriptor& rows = HeaderOf(table_).rows;
     BatchOfRows* const batch = BatchOfRows::of(rows);
     RowFile own;
     RowFile& file = batch != nullptr ? batch->file() : own;
-    KeptFile beside(table_);
+    GuardFile beside(table_);
     std::string row, entries;
     const bool open = batch != nullptr ? batch->openToRead() : own.open(rows, os::OpenMode::Read);
     if (!open || !file.read(number, 1, row)) return false;
     rowBytes_ = file.rowBytes();
     const bool opened = beside.open(rowBytes_);
-    if (!opened && (HasKeptRows(table_) || !beside.make(std::string(RowFileName(rows)), rowBytes_)))
+    if (!opened && (HasGuardedRows(table_) || !beside.make(std::string(RowFileName(rows)), rowBytes_)))
         return false;
     if (moved != 0 && moved < beside.covered()) {
         const auto perBlock = static_cast<std::int32_t>(RowBlockBytes / row.size());
@@ -165,7 +165,7 @@ bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
         std::string block;
         if (!file.read(first, moved - first + 1, block)) return false;
         for (std::size_t at = 0; at < block.size(); at += row.size())
-            addEntry(entries, keptEntry, std::string_view(block).substr(at, row.size()));
+            addEntry(entries, guardedEntry, std::string_view(block).substr(at, row.size()));
         if (!beside.append(entries) || !beside.cover(first)) return false;
     }
     sizeBefore_ = beside.size();
@@ -174,34 +174,34 @@ bool RowGuard::keepAndNote(std::int32_t number, std::int32_t moved) {
     return beside.append(entries) && beside.close();
 }
 
-// What cannot be kept is synced, and what was kept then need not be any more.
+// What cannot be guarded is synced, and what was guarded then need not be any more.
 bool RowGuard::begin(std::int32_t number, std::int32_t moved) {
-    if (IsScratchFile(HeaderOf(table_).rows) || (moved == 0 && !HasKeptRows(table_))) return true;
+    if (IsScratchFile(HeaderOf(table_).rows) || (moved == 0 && !HasGuardedRows(table_))) return true;
     const OwnErrors errors;
     if (BatchOfRows* const batch = BatchOfRows::of(HeaderOf(table_).rows))
         if (!batch->flush()) return false;
-    kept_ = WithMemory([&] { return keepAndNote(number, moved); });
+    guarded_ = WithMemory([&] { return guardAndNote(number, moved); });
     OwnErrors::forget();
-    if (kept_) return true;
+    if (guarded_) return true;
     sizeBefore_ = -1;
-    return EndKeptRows(table_);
+    return EndGuard(table_);
 }
 
 bool RowGuard::beforeCut() {
-    return kept_ || syncRows(table_);
+    return guarded_ || syncRows(table_);
 }
 
 void RowGuard::takeBack() {
     if (sizeBefore_ < 0) return;
     const ErrorCellAside aside;
-    KeptFile beside(table_);
+    GuardFile beside(table_);
     if (beside.open(rowBytes_)) beside.cut(sizeBefore_);
 }
 
-// A file that cannot be opened has never come to the disk as a whole; one that is empty keeps nothing, and
+// A file that cannot be opened has never come to the disk as a whole; one that is empty guards nothing, and
 // may stay where it cannot be removed.
-bool EndKeptRows(const TableDescriptor& t) {
-    if (!HasKeptRows(t)) return true;
+bool EndGuard(const TableDescriptor& t) {
+    if (!HasGuardedRows(t)) return true;
     if (!syncRows(t)) return false;
     const std::string path = pathBeside(t);
     OpenFile file;
@@ -219,32 +219,33 @@ bool EndKeptRows(const TableDescriptor& t) {
 
 namespace {
 
-// The rows that entries keep, in their order.
-std::vector<std::string> keptIn(std::string_view entries, std::size_t rowBytes) {
+// The rows that entries guard, in their order.
+std::vector<std::string> guardedIn(std::string_view entries, std::size_t rowBytes) {
     const std::size_t entryBytes = rowBytes + 1 + checkBytes;
     std::vector<std::string> order;
-    std::unordered_set<std::string> kept;
+    std::unordered_set<std::string> guarded;
     for (; entries.size() >= entryBytes; entries.remove_prefix(entryBytes)) {
         const auto check = bigendian::at<std::uint32_t>(entries.data() + rowBytes + 1);
         if (check != Crc32(entries.data(), rowBytes + 1)) continue;
         std::string row(entries.substr(1, rowBytes));
         if (entries.front() == goneEntry)
-            kept.erase(row);
-        else if (entries.front() == keptEntry && kept.insert(row).second)
+            guarded.erase(row);
+        else if (entries.front() == guardedEntry && guarded.insert(row).second)
             order.push_back(std::move(row));
     }
-    std::erase_if(order, [&](const std::string& row) { return kept.erase(row) == 0; });
+    std::erase_if(order, [&](const std::string& row) { return guarded.erase(row) == 0; });
     return order;
 }
 
-bool readKept(const TableDescriptor& t, RowFile& rows, std::vector<std::string>& kept) {
+bool readGuarded(const TableDescriptor& t, RowFile& rows, std::vector<std::string>& guarded) {
     std::string all;
     if (!rows.open(HeaderOf(t).rows, os::OpenMode::Read)) return false;
     const bool read = os::readFile(pathBeside(t), all) == FileError::None &&
                       all.size() >= static_cast<std::size_t>(headerBytes) && all.starts_with(mark) &&
                       bigendian::at<std::int32_t>(all.data() + rowBytesAt) == rows.rowBytes();
     if (read)
-        kept = keptIn(std::string_view(all).substr(headerBytes), static_cast<std::size_t>(rows.rowBytes()));
+        guarded =
+            guardedIn(std::string_view(all).substr(headerBytes), static_cast<std::size_t>(rows.rowBytes()));
     return read;
 }
 
@@ -255,17 +256,17 @@ bool unpackQuietly(const RowFile& rows, const std::string& bytes, RecordDescript
 
 }  // namespace
 
-bool EachKeptRow(const TableDescriptor& t, const std::function<bool(const RecordDescriptor& row)>& see) {
-    if (!HasKeptRows(t)) return true;
+bool EachGuardedRow(const TableDescriptor& t, const std::function<bool(const RecordDescriptor& row)>& see) {
+    if (!HasGuardedRows(t)) return true;
     RowFile rows;
     RecordValue row;
-    std::vector<std::string> kept;
+    std::vector<std::string> guarded;
     {
         const ErrorCellAside aside;
-        if (!InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) || !readKept(t, rows, kept))
+        if (!InitValue(row.get(), &RowShape(HeaderOf(t)), KindRecord) || !readGuarded(t, rows, guarded))
             return true;
     }
-    for (const std::string& bytes : kept) {
+    for (const std::string& bytes : guarded) {
         if (unpackQuietly(rows, bytes, row.get()) && !see(*row.get())) return false;
     }
     return true;
