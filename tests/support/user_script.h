@@ -62,30 +62,13 @@
 
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "support/script_lines.h"
 
-#include <array>
 #include <chrono>
 #include <string>
 #include <vector>
 
 namespace tarn {
-
-struct ScriptLine {
-    int number = 0;
-    std::vector<std::string> words;
-};
-
-struct Script {
-    std::vector<std::string> arguments;                // of the program
-    std::vector<std::array<std::string, 3>> settings;  // section, key, value
-    std::vector<ScriptLine> lines;
-    bool needsRealInput = false;
-    bool needsScreen = false;  // other programs show windows there, too
-    bool hidesScreen = false;
-    std::string error;  // of the script's own text; empty if it is well formed
-};
-Script parseScript(const std::string& text, const std::string& dir, const std::string& profile,
-                   bool realInput);
 
 // What the user does beside the object model: real keys and the mouse, tools and the splash window.
 class Hands {
@@ -158,8 +141,12 @@ private:
     void point(const std::vector<std::string>& words);
     void sheet(const std::string& title, const std::string& file);
     [[nodiscard]] std::string onScreen() const;
+    // The item of Main that a line names: a control, or that element of its array.
+    static platform::Object itemOf(const std::string& name, const std::string& place);
+    static platform::Control* commanded(const std::vector<std::string>& words);
 };
 
 std::string dumpWindow(const platform::Object& window);
+bool isList(const platform::Control& control);  // a list box or a list of icons
 
 }  // namespace tarn

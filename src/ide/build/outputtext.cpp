@@ -1,52 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/build/outputtext.h"
 
+#include "os/text/utf8.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace tarn {
 namespace {
-
-// How many bytes a character of UTF-8 has by its first one; 0 for a byte that begins none.
-std::size_t lengthOf(unsigned char first) {
-    if (first < 0x80) return 1;
-    if (first < 0xC2 || first > 0xF4) return 0;
-    return first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-}
-
-bool isFollowing(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
-
-// Whether the second byte may follow the first: no character is written longer than it must be, none stands for half of a
-// pair, and none is beyond the last.
-bool maySecond(unsigned char first, unsigned char second) {
-    switch (first) {
-    case 0xE0: return second >= 0xA0;
-    case 0xED: return second < 0xA0;
-    case 0xF0: return second >= 0x90;
-    case 0xF4: return second < 0x90;
-    default: return true;
-    }
-}
-
-struct Character {
-    std::size_t bytes;  // 0: more must come to tell
-    bool good;
-};
-
-Character characterAt(std::string_view bytes) {
-    const auto first = static_cast<unsigned char>(bytes[0]);
-    const std::size_t length = lengthOf(first);
-    if (length == 0) return {1, false};
-    for (std::size_t i = 1; i < length; ++i) {
-        if (i == bytes.size()) return {0, false};
-        const bool fits =
-            isFollowing(bytes[i]) && (i > 1 || maySecond(first, static_cast<unsigned char>(bytes[i])));
-        if (!fits) return {i, false};
-    }
-    return {length, true};
-}
 
 std::string asNumbers(std::string_view bytes) {
     constexpr char digits[] = "0123456789ABCDEF";
@@ -76,10 +37,11 @@ void OutputText::add(std::string_view bytes) {
         std::size_t plain = 0;
         while (plain < bytes.size() && plain < LongestLine && isPlain(bytes[plain])) ++plain;
         if (plain == 0) {
-            const Character next = characterAt(bytes);
-            if (next.bytes == 0) break;
+            const utf8::First next = utf8::first(bytes);
+            if (next.kind == utf8::First::Kind::Cut) break;
             plain = next.bytes;
-            addCharacter(next.good ? std::string(bytes.substr(0, plain)) : asNumbers(bytes.substr(0, plain)));
+            const bool good = next.kind == utf8::First::Kind::Character;
+            addCharacter(good ? std::string(bytes.substr(0, plain)) : asNumbers(bytes.substr(0, plain)));
         } else {
             plain = std::min(plain, LongestLine - std::min(open_.size(), LongestLine - 1));
             addCharacter(bytes.substr(0, plain));

@@ -16,7 +16,6 @@ MODULE("textedit", tarn::TEXTEDIT_ONERROR)
 namespace tarn {
 namespace {
 
-constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP};
 const RegisteredWindow registered("ConvertBmpDlg", CONVERTBMPDLG);
 
 std::string literal() {
@@ -31,18 +30,18 @@ void insertAtCaret() {
     SetSelText(SDIEdit, ADOPTLINEENDS(text, GetText(SDIEdit)));
 }
 
+constexpr DialogButton buttons[] = {
+    {"pushbutton1", [](const Object&) { SetText(clipboard, STRNL2CRNL(literal())); }},
+    {"pushbutton4", [](const Object&) { insertAtCaret(); }},
+};
+constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP, .buttons = buttons};
+
 }  // namespace
 
 bool CONVERTBMPDLG(const Object& window, int event, const Object& control, int parameter) {
     FRAME(CONVERTBMPDLG);
     STAMP();
-    const std::string name = event == COMMAND_EVENT ? GetName(control) : "";
-    if (name == "pushbutton1") SetText(clipboard, STRNL2CRNL(literal()));
-    STAMP();
-    if (name == "pushbutton4") insertAtCaret();
-    STAMP();
-    const bool own = name == "pushbutton1" || name == "pushbutton4";
-    const bool result = own || DIALOGSHAPEEVENT(shape, window, event, control, parameter);
+    const bool result = DIALOGSHAPEEVENT(shape, window, event, control, parameter);
     STAMP();
     return result;
 }

@@ -7,6 +7,7 @@
 #include "ide/editor/lineends.h"
 #include "os/clock.h"
 #include "os/text/ascii.h"
+#include "os/text/utf8.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
@@ -72,10 +73,6 @@ bool isAscii(std::string_view text) {
     return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) < 0; });
 }
 
-bool isUtf8Tail(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
-
 // Whether all of the text is sound UTF-8: told by the engine itself, so that both mean the same.
 bool isSoundUtf8(std::string_view text) {
     int error = 0;
@@ -134,7 +131,7 @@ struct RegexSearch::Engine {
         const pcre2_code* const code = codeFor(text);
         if (code == nullptr) return PCRE2_ERROR_NOMATCH;
         if (code == characters.get())
-            while (from < text.size() && isUtf8Tail(text[from])) ++from;
+            while (utf8::isInside(text, from)) ++from;
         return pcre2_match(code, bytesOf(text), text.size(), from, PCRE2_NOTEMPTY | PCRE2_NO_UTF_CHECK,
                            match.get(), context.get());
     }

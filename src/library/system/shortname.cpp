@@ -3,6 +3,7 @@
 
 #include "kernel/run/runtime.h"
 #include "library/system/files.h"
+#include "os/text/utf8.h"
 
 #include <algorithm>
 
@@ -13,19 +14,15 @@ namespace {
 
 constexpr std::string_view Dots = "...";
 
-bool isInside(std::string_view text, std::size_t at) {
-    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;
-}
-
 std::string_view firstOf(std::string_view text, std::size_t count) {
     count = std::min(count, text.size());
-    while (count > 0 && isInside(text, count)) --count;
+    while (count > 0 && utf8::isInside(text, count)) --count;
     return text.substr(0, count);
 }
 
 std::string_view lastOf(std::string_view text, std::size_t count) {
     std::size_t at = text.size() - std::min(count, text.size());
-    while (isInside(text, at)) ++at;
+    while (utf8::isInside(text, at)) ++at;
     return text.substr(at);
 }
 

@@ -3,6 +3,7 @@
 // Drawing on windows, images and printers.
 #include "platform/operations/drawing.h"
 
+#include "os/text/utf8.h"
 #include "platform/model/access_internal.h"
 #include "platform/model/graph_internal.h"
 #include "platform/model/pictures.h"
@@ -65,23 +66,16 @@ std::string withoutTabs(std::string_view line) {
         const std::size_t blanks = c == '\t' ? TabColumns - column % TabColumns : 0;
         out.append(blanks, ' ');
         if (blanks == 0) out += c;
-        const bool follows =
-            (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;  // of a character of several bytes
-        column += blanks != 0 ? blanks : follows ? 0 : 1;
+        column += blanks != 0 ? blanks : utf8::isFollowing(c) ? 0 : 1;
     }
     return out;
-}
-
-// Whether a character of several bytes goes on there.
-bool isInside(std::string_view line, std::size_t at) {
-    return at < line.size() && (static_cast<unsigned char>(line[at]) & 0xC0U) == 0x80U;
 }
 
 // The place, or the start of the character of several bytes that it stands in.
 std::size_t characterStart(std::string_view line, std::size_t at) {
     std::size_t start = at;
-    while (start > 0 && at - start < 3 && isInside(line, start)) --start;
-    return isInside(line, start) ? at : start;
+    while (start > 0 && at - start < 3 && utf8::isInside(line, start)) --start;
+    return utf8::isInside(line, start) ? at : start;
 }
 
 // How many bytes of the line fit into the width; at least one character. Cost: of a line without end only what is near
@@ -100,7 +94,7 @@ std::size_t fitting(const Control& control, std::string_view line, int width) {
     }
     const auto next = [&](std::size_t at) {
         std::size_t end = at + 1;
-        while (end - at < 4 && isInside(line, end)) ++end;
+        while (end - at < 4 && utf8::isInside(line, end)) ++end;
         return end;
     };
     while (next(low) < high) {
@@ -131,7 +125,7 @@ std::string shortened(const Control& control, std::string_view text, int width) 
     std::string out;
     do {
         text.remove_prefix(1);
-        while (isInside(text, 0)) text.remove_prefix(1);
+        while (utf8::isInside(text, 0)) text.remove_prefix(1);
         out = "..." + std::string(text);
     } while (!text.empty() && view().textWidth(control, out) > width);
     return out;

@@ -10,6 +10,7 @@
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/process.h"
+#include "os/text/utf8.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -276,7 +277,7 @@ int Headless::textWidth(const Control&, std::string_view text) {
     for (const char c : text) {
         if (c == '\n')
             letters = 0;
-        else if ((static_cast<unsigned char>(c) & 0xc0U) != 0x80U)
+        else if (!utf8::isFollowing(c))
             ++letters;  // a letter of several bytes is one
         widest = std::max(widest, letters);
     }

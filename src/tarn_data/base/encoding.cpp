@@ -2,6 +2,7 @@
 #include "tarn_data/base/encoding.h"
 
 #include "os/paths.h"
+#include "os/text/utf8.h"
 #include "tarn_data/base/files.h"
 
 #include <algorithm>
@@ -59,7 +60,7 @@ public:
                 line_ += bytes[i++] == '\n' ? 1 : 0;
                 continue;
             }
-            const std::size_t length = utf8Length(bytes, i);
+            const std::size_t length = utf8::lengthOfFirst(bytes.substr(i));
             if (length == 0 && !last && bytes.size() - i < longestCharacter) {
                 kept = bytes.size() - i;
                 return true;
@@ -88,38 +89,6 @@ bool hasHighControls(std::string_view bytes) {
 }
 
 }  // namespace
-
-std::size_t utf8Length(std::string_view text, std::size_t at) {
-    const unsigned first = byteAt(text, at);
-    if (at >= text.size() || (first >= 0x80 && first < 0xC2) || first > 0xF4) return 0;
-    if (first < 0x80) return 1;
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    for (std::size_t n = 1; n < length; ++n) {
-        if ((byteAt(text, at + n) & 0xC0U) != 0x80) return 0;
-    }
-    const unsigned second = byteAt(text, at + 1);
-    const bool tooLong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-    const bool surrogate = first == 0xED && second >= 0xA0, tooHigh = first == 0xF4 && second >= 0x90;
-    return tooLong || surrogate || tooHigh ? 0 : length;
-}
-
-void appendUtf8(std::string& text, std::uint32_t character) {
-    const auto put = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-    const auto rest = [&](std::uint32_t shift) { put(0x80U | (character >> shift & 0x3FU)); };
-    if (character < 0x80) return put(character);
-    if (character < 0x800) {
-        put(0xC0U | character >> 6U);
-        return rest(0);
-    }
-    if (character < 0x10000) {
-        put(0xE0U | character >> 12U);
-    } else {
-        put(0xF0U | character >> 18U);
-        rest(12);
-    }
-    rest(6);
-    rest(0);
-}
 
 // ---- recognising ----
 
@@ -220,19 +189,19 @@ public:
 private:
     static bool takeCharacter(std::uint32_t character, std::string& text) {
         if (character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) return false;
-        appendUtf8(text, character);
+        utf8::append(text, character);
         return true;
     }
     bool takeUnit(std::uint32_t unit, std::string& text) {
         const bool second = unit >= 0xDC00 && unit < 0xE000;
         if (second != (first_ != 0)) return false;
         if (second) {
-            appendUtf8(text, 0x10000 + ((first_ - 0xD800) << 10U) + (unit - 0xDC00));
+            utf8::append(text, 0x10000 + ((first_ - 0xD800) << 10U) + (unit - 0xDC00));
             first_ = 0;
         } else if (unit >= 0xD800 && unit < 0xDC00) {
             first_ = unit;
         } else {
-            appendUtf8(text, unit);
+            utf8::append(text, unit);
         }
         return true;
     }

@@ -65,8 +65,4 @@ std::string iconvCommand(const std::string& file, Encoding encoding);
 // fails, when the user stops it, and when a character is not whole: with the byte that it begins at.
 Problem writeAsUtf8(const std::string& file, const EncodingFacts& facts, const std::string& to);
 
-// The bytes of the UTF-8 character at `at`; 0 for what is none, or not whole.
-std::size_t utf8Length(std::string_view text, std::size_t at);
-void appendUtf8(std::string& text, std::uint32_t character);
-
 }  // namespace tarn::datatool

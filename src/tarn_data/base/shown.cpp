@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tarn_data/base/shown.h"
 
-#include "tarn_data/base/encoding.h"
+#include "os/text/utf8.h"
 
 namespace tarn::datatool {
 
@@ -27,7 +27,7 @@ void appendEscaped(std::string& text, std::string_view bytes) {
 std::string shown(std::string_view text) {
     std::string made;
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = utf8Length(text, i);
+        const std::size_t length = utf8::lengthOfFirst(text.substr(i));
         const std::string_view character = text.substr(i, length == 0 ? 1 : length);
         if (length == 0 || isControl(character))
             appendEscaped(made, character);
@@ -43,7 +43,7 @@ std::string shownCell(std::string_view text) {
     if (text.size() <= most) return shown(text);
     std::size_t end = 0;
     for (std::size_t length = 1; end < most; end += length) {
-        length = utf8Length(text, end);
+        length = utf8::lengthOfFirst(text.substr(end));
         if (length == 0) length = 1;
         if (end + length > most) break;
     }

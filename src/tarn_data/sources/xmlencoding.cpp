@@ -2,6 +2,7 @@
 #include "tarn_data/sources/xmlencoding.h"
 
 #include "os/text/ascii.h"
+#include "os/text/utf8.h"
 #include "tarn_data/base/encoding.h"
 #include "tarn_data/base/files.h"
 #include "tarn_data/base/shown.h"
@@ -106,7 +107,7 @@ Problem copyBytes(const Source& source, const ByteEncoding& encoding) {
         if (block.empty()) return unreadable(source.file, os::FileError::Vanished);
         if (!steps.step(static_cast<std::int64_t>(block.size()))) return stoppedProblem();
         text.clear();
-        for (const char c : block) appendUtf8(text, encoding.character(static_cast<unsigned char>(c)));
+        for (const char c : block) utf8::append(text, encoding.character(static_cast<unsigned char>(c)));
         error = os::files().write(out.handle, written, text);
         written += static_cast<std::int64_t>(text.size());
         at += static_cast<std::int64_t>(block.size());

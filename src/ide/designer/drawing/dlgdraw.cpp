@@ -3,6 +3,7 @@
 
 #include "library/system/strings.h"
 #include "library/system/windows.h"
+#include "os/text/utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -61,7 +62,7 @@ std::string fitting(const Object& window, std::string_view text, int width) {
     std::string out(text);
     while (!text.empty() && TextWidth(window, out) > width) {
         do text.remove_suffix(1);
-        while (!text.empty() && (static_cast<unsigned char>(text.back()) & 0xC0U) == 0x80U);
+        while (!text.empty() && utf8::isFollowing(text.back()));
         out = std::string(text) + "...";
     }
     return out;

@@ -9,6 +9,7 @@
 #include "kernel/data/xml/xml_reader_internal.h"
 #include "kernel/run/errors.h"
 #include "os/text/ascii.h"
+#include "os/text/utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -59,11 +60,7 @@ unsigned numberOf(std::string_view digits, bool& exact) {
 std::size_t putUtf8(unsigned code, std::array<char, 4>& bytes) {
     const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
     if (code == 0 || surrogate || code > lastCharacter) return 0;
-    const std::size_t length = code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-    constexpr unsigned heads[] = {0, 0, 0xC0, 0xE0, 0xF0};
-    for (std::size_t i = length; i-- > 1; code >>= 6U) bytes[i] = static_cast<char>(0x80U | (code & 0x3FU));
-    bytes[0] = static_cast<char>(heads[length] | code);
-    return length;
+    return utf8::put(code, bytes.data());
 }
 
 void readCharacter(const XmlPass& pass, std::string_view text, XmlReference& reference) {

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/edit/rows.h"
 
+#include "os/text/utf8.h"
+
 #include <algorithm>
 
 namespace tarn::platform::qt {
 
 namespace {
 
-bool isContinuation(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
-
 // Where a row of a line ends that begins at `from`: between two characters.
 std::size_t endOfRow(std::string_view line, std::size_t from) {
     if (line.size() - from <= static_cast<std::size_t>(Rows::RowBytes)) return line.size();
     std::size_t end = from + Rows::RowBytes;
-    for (int back = 0; back < 3 && isContinuation(line[end]); ++back) --end;
+    for (int back = 0; back < 3 && utf8::isFollowing(line[end]); ++back) --end;
     return end;
 }
 

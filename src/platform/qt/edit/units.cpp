@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/edit/units.h"
 
+#include "os/text/utf8.h"
+
 #include <cstdint>
 #include <cstring>
 
@@ -13,30 +15,10 @@ struct Unit {
     int bytes = 1, units = 1;
 };
 
-// How many bytes a character takes that begins with this one; 1 if none does.
-int lengthOf(unsigned char first) {
-    if (first < 0xC2 || first > 0xF4) return 1;
-    return first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-}
-
-bool isSound(char32_t code, int bytes) {
-    static constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-    return code >= least[bytes] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-}
-
 Unit unitAt(std::string_view bytes, std::size_t at) {
-    const auto first = static_cast<unsigned char>(bytes[at]);
-    const int count = lengthOf(first);
-    const Unit lone{first, 1, 1};
-    if (count == 1 || at + static_cast<std::size_t>(count) > bytes.size()) return lone;
-    char32_t code = first & (0xFFU >> (count + 1));
-    for (int i = 1; i < count; ++i) {
-        const auto next = static_cast<unsigned char>(bytes[at + static_cast<std::size_t>(i)]);
-        if ((next & 0xC0U) != 0x80U) return lone;
-        code = code << 6 | (next & 0x3FU);
-    }
-    if (!isSound(code, count)) return lone;
-    return {code, count, count == 4 ? 2 : 1};
+    const std::string_view character = bytes.substr(at, utf8::lengthOfFirst(bytes.substr(at)));
+    if (character.empty()) return {static_cast<unsigned char>(bytes[at]), 1, 1};
+    return {utf8::codeOf(character), static_cast<int>(character.size()), character.size() == 4 ? 2 : 1};
 }
 
 // How many ASCII bytes stand at the start, in steps of eight.
