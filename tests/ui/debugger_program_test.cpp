@@ -192,6 +192,7 @@ TEST_F(DebuggerTest, KeysThatAreTypedBetweenStopsAreStepsOfTheNextOnes) {
 
 TEST_F(DebuggerTest, EachKeyOfACommandWaitsForTheNextStop) {
     DebugAddstrings(*window, lines(5));
+    DebugSelect(*window, 2, true);
     stop({});
     QTest::qWait(250);
     Done wanted;

@@ -64,6 +64,11 @@ void chooseWindow(const Fired&) {
     SetCaption(MAINCONTROL("lbllastactive"), "");
 }
 
+void showOutput(const Fired&) {
+    DO_WINDOW_OUTPUT();
+    SetCaption(MAINCONTROL("lbllastactive"), "");
+}
+
 void showWelcome(const Fired&) {
     DO_WELCOME();
     SetCaption(MAINCONTROL("lbllastactive"), "");
@@ -189,7 +194,7 @@ constexpr Row rows[] = {
     {"window_dialog", "", [](const Fired&) { DO_WINDOW_DIALOG(); }},
     {"window_browser", "", [](const Fired&) { DO_WINDOW_BROWSER(); }},
     {"window_error", "", [](const Fired&) { DO_WINDOW_ERROR(); }},
-    {"window_output", "", [](const Fired&) { DO_WINDOW_OUTPUT(); }},
+    {"window_output", "", showOutput},
     {"help_filecontents", "", [](const Fired&) { DO_FILECONTENTS(); }},
     {"help_fileindex", "", [](const Fired&) { DO_FILEINDEX(); }},
     {"help_using_help", "", [](const Fired&) { DO_USING_HELP(); }},

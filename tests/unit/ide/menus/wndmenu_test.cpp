@@ -3,6 +3,7 @@
 
 #include "ide/build/output.h"
 #include "ide/build/textview.h"
+#include "ide/shell/commands.h"
 #include "support/ide_fixture.h"
 
 namespace tarn {
@@ -41,8 +42,8 @@ TEST_F(WindowMenu, OutputBringsTheOutputWindowForwardWhenItIsThere) {
     ASSERT_TRUE(ISSHOWN(OutputDlg));
     EXPECT_TRUE(GetEnabled(item)) << "without a command between";
     Show(SDIEdit, false);
-    DO_WINDOW_OUTPUT();
-    EXPECT_EQ(ActiveWindow(), OutputDlg);
+    DO_COMMAND(item, 1);
+    EXPECT_EQ(ActiveWindow(), OutputDlg) << "the focus does not go back";
 }
 
 TEST_F(WindowMenu, ArrangeGivesTheCodeWindowAloneTheWholeWorkArea) {
