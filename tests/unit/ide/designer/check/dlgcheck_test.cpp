@@ -192,6 +192,15 @@ TEST_F(DialogCheck, TwoRepairsTakeTwoLetters) {
     EXPECT_EQ(GETPROPVALUE(findings[1].repair, "CAPTION"), "S&ame");
 }
 
+TEST_F(DialogCheck, AnAmpersandThatMarksNothingIsNoMnemonic) {
+    const auto findings = find({"Checkbox a 8 8 100 11|CAPTION=\"Tom & Ann\"",
+                                "Checkbox b 8 20 100 11|CAPTION=\"Tea & cake &\"", ok()});
+    ASSERT_EQ(findings.size(), 2u);
+    EXPECT_TRUE(findings[0].text.find("has no mnemonic") != std::string::npos) << findings[0].text;
+    EXPECT_EQ(GETPROPVALUE(findings[0].repair, "CAPTION"), "&Tom & Ann");
+    EXPECT_EQ(GETPROPVALUE(findings[1].repair, "CAPTION"), "Tea & &cake &");
+}
+
 TEST_F(DialogCheck, EachLevelOfTheMenuHasItsOwnMnemonics) {
     const Strings items = {"Menuitem file 1|CAPTION=\"&File\"",        "Menuitem f1 2|CAPTION=\"&First\"",
                            "Menuitem f2 2|CAPTION=\"&Fourth\"",        "Menuitem f3 3|CAPTION=\"&Fifth\"",
