@@ -12,7 +12,7 @@ namespace {
 void checkNames(const tarn::setup::Package& package) {
     for (const tarn::setup::PackedFile& file : package.files)
         if (!tarn::setup::isPlainName(file.name)) std::abort();
-    if (package.size() > tarn::setup::MaxPackageSize) std::abort();
+    if (package.size() > tarn::MaxPackageSize) std::abort();
 }
 
 }  // namespace

@@ -220,6 +220,15 @@ TEST_F(DebuggerTest, ABreakForgetsTheKeysBeforeIt) {
     EXPECT_TRUE(done.empty());
 }
 
+TEST_F(DebuggerTest, WorkInTheProgramsWindowsForgetsTheKeysBeforeIt) {
+    stop({});
+    QTest::qWait(250);
+    for (int i = 0; i < 3; ++i) key(Qt::Key_F8);
+    QTest::keyClick(form(), Qt::Key_A);
+    EXPECT_FALSE(leavesByItself(*window));
+    EXPECT_TRUE(done.empty());
+}
+
 TEST_F(DebuggerTest, TheMouseDoesNothingToTheLinesOfAProgramThatRuns) {
     DebugAddstrings(*window, lines(5));
     SetDebugNumbers(*window, true);

@@ -90,8 +90,12 @@ bool hearsDebug(const DebugWindow& window) {
     return window.stopped && !window.left;
 }
 
-void userDebugBreak(DebugWindow& window) {
+void forgetTyped(DebugWindow& window) {
     window.early.clear();
+}
+
+void userDebugBreak(DebugWindow& window) {
+    forgetTyped(window);
     SetUserBreak(1);
 }
 

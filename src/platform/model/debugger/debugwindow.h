@@ -73,6 +73,8 @@ DebugWindow* debugWindow();  // null if there is none
 // is selected when the handler hears of it - belongs to the next stop if it comes before that: no key is lost between stops.
 void userDebug(DebugWindow& window, const DebugEvent& event);
 bool hearsDebug(const DebugWindow& window);  // whether the handler hears at once
+// The user works in the program's own windows: what was typed before was not meant for a stop that comes of that.
+void forgetTyped(DebugWindow& window);
 // Breaks into the program. What was typed for the next stop is forgotten: the user wants to see where it stands.
 void userDebugBreak(DebugWindow& window);
 // The window's close button: while the program runs, it is broken into.

@@ -47,6 +47,11 @@ bool isHeard(QEvent::Type type) {
     }
 }
 
+// Who works in the program's own windows goes on there.
+bool isAct(QEvent::Type type) {
+    return type == QEvent::KeyPress || type == QEvent::MouseButtonPress || type == QEvent::TouchBegin;
+}
+
 // The window systems of the desktop have a key symbol for it that the toolkit does not name.
 constexpr quint32 breakSymbol = 0xff6b;
 
@@ -135,7 +140,10 @@ bool DebugHost::takes(QObject* receiver, QEvent& event) {
         if (DebugWindow* const window = debugWindow()) userDebugBreak(*window);
         return true;
     }
-    if (!(stopped_ || pumping_) || !isHeard(event.type()) || isOurs(receiver)) return false;
+    if (!isHeard(event.type()) || isOurs(receiver)) return false;
+    if (!stopped_ && event.spontaneous() && isAct(event.type()))
+        if (DebugWindow* const window = debugWindow()) forgetTyped(*window);
+    if (!stopped_ && !pumping_) return false;
     if (pumping_) return keep(receiver, event);
     if (!receiver->isWidgetType()) return false;  // the widget that it is for will be asked
     if (event.type() == QEvent::Close) event.ignore();
