@@ -317,6 +317,22 @@ TEST_F(Tables, RebuildMendsTableFiles) {
     expectWhole("t.bin --type=t.type");
 }
 
+// The one that stepped aside knows the key, and stays until the new one is made.
+TEST_F(Tables, AnIndexThatHasOnlyBegunIsMadeByTheKeyOfTheOneBesideIt) {
+    write("a.csv", "id,name\n1,b\n2,a\n");
+    makeTable();
+    for (const char* begun : {"", "half a header"}) {
+        std::filesystem::rename(dir / "t.i1", dir / "t.~i1");
+        write("t.i1", begun);
+        expectFault("t.bin --type=t.type", "t.i1: It has only begun: the making of a new one did not end.");
+        EXPECT_EQ(tarnData("rebuild t.bin --type=t.type"), Well) << errors;
+        expectWhole("t.bin --type=t.type");
+        EXPECT_FALSE(exists("t.~i1"));
+    }
+    write("t.i1", "");
+    expectFault("t.bin --type=t.type", "t.i1: It does not begin as an index file does.");
+}
+
 // Whenever the death comes, all whole rows are there, and another run ends well.
 TEST_F(Tables, AKilledRebuildCanBeStartedAgain) {
     std::string text = "id,name\n";

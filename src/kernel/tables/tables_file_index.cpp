@@ -161,6 +161,15 @@ std::string IndexExchange::newName(std::int32_t index) const {
     return MarkedIndexName(name(index), "~n");
 }
 
+// A file that a death has left before its first bytes must not take the place of the one that stepped aside for it, which
+// alone knows the key.
+os::FileError IndexExchange::moveAside(std::int32_t index) const {
+    const os::FileInfo begun = os::infoOf(name(index));
+    if (begun.exists && begun.size < IndexHeaderBytes && os::infoOf(asideName(index)).exists)
+        return os::files().remove(name(index));
+    return os::files().rename(name(index), asideName(index));
+}
+
 // A folder stays where it is, as it could not be removed later.
 bool IndexExchange::setAside() {
     aside_ = 0;
@@ -170,7 +179,7 @@ bool IndexExchange::setAside() {
     }
     for (; aside_ < count_; ++aside_) {
         LetGoOfIndex(name(aside_));
-        const os::FileError error = os::files().rename(name(aside_), asideName(aside_));
+        const os::FileError error = moveAside(aside_);
         there_[aside_] = error == os::FileError::None;
         if (there_[aside_] || IsMissing(error)) continue;
         Refuse(FileWriteCode(error));

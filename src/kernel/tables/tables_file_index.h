@@ -107,6 +107,7 @@ public:
 private:
     [[nodiscard]] std::string name(std::int32_t index) const;
     [[nodiscard]] std::string asideName(std::int32_t index) const;
+    [[nodiscard]] os::FileError moveAside(std::int32_t index) const;
 
     std::string file_;
     std::int32_t count_;

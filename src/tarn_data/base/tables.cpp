@@ -265,7 +265,9 @@ std::vector<IndexBeside> indexesBeside(const std::string& file, const RowType& t
         IndexBeside& beside = found.emplace_back();
         std::string path = IndexFileName(file, n);
         beside.number = n;
-        beside.aside = !isThere(path) && isThere(asideName(path));
+        const os::FileInfo own = os::infoOf(os::native(path));
+        beside.begun = own.exists && !own.folder && own.size < IndexHeaderBytes;
+        beside.aside = (!own.exists || beside.begun) && isThere(asideName(path));
         if (beside.aside) path = asideName(path);
         if (!isThere(path)) continue;
         last = found.size();

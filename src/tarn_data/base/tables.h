@@ -80,6 +80,7 @@ struct IndexBeside {
     std::int32_t number = 0;
     IndexFile file;           // that there is; with an empty path there is none
     bool aside = false;       // it stepped aside for a new one that was never finished
+    bool begun = false;       // that new one, or another without a header, is there
     std::int32_t keyMap = 0;  // of the row; 0, and file.wrong says why, when it does not fit
     std::string owner;        // the table file that it belongs to, where that is another one
 };

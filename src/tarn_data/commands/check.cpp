@@ -82,8 +82,8 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
     for (const IndexBeside& index : indexes) {
         const std::string name = nameOf(file, index.number);
         if (index.file.path.empty() || index.aside) {
-            findings.fault(name, index.aside ? "It is missing: the making of a new one did not end."
-                                             : "It is missing.");
+            const std::string state = index.begun ? "It has only begun" : "It is missing";
+            findings.fault(name, state + (index.aside ? ": the making of a new one did not end." : "."));
             continue;
         }
         if (!index.owner.empty()) {

@@ -129,7 +129,7 @@ std::string indexLines(const std::vector<IndexBeside>& indexes, const std::strin
         const std::string name(paths::fileName(IndexFileName(file, index.number)));
         std::string key = "key " + joined(index.file.fields);
         if (index.file.path.empty() || index.aside)
-            key = std::string("missing") + seeCheck;
+            key = std::string(index.begun ? "begun only" : "missing") + seeCheck;
         else if (!index.file.wrong.empty())
             key = "cannot be used: " + index.file.wrong;
         text += line(("index " + std::to_string(index.number)).c_str(), name + ", " + key);

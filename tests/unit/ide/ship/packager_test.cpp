@@ -181,7 +181,7 @@ TEST_F(PackagerTest, WhatAPackageTellsIsProposedByThePropertiesAndKeptBesideTheP
     EXPECT_EQ(PROFILESTRGET(ini(), "DebDlg", "Maintainer"), "Ann <a@b>") << "for the next program";
 }
 
-TEST_F(PackagerTest, WhatCannotBeKeptIsToldOnceAndThePackageIsMadeAllTheSame) {
+TEST_F(PackagerTest, WhatCannotBeKeptIsToldWhenItIsReadAndWhenItIsLost) {
     const std::string file = write("Prog.cls", MainClass), kept = dir + "Prog-deb.ini";
     std::filesystem::create_directory(kept);
     const Object deb("DebDlg");
@@ -193,14 +193,15 @@ TEST_F(PackagerTest, WhatCannotBeKeptIsToldOnceAndThePackageIsMadeAllTheSame) {
                   SetText(FINDCONTROL(deb, "edit3"), "Ann <a@b>");
                   platform::userCommand(*platform::findControl(FINDCONTROL(deb, "pushbutton1")));
               }};
-    answers = {"OK", "OK"};
+    answers = {"OK", "OK", "OK"};
     PACKAGERDIALOG(Main, file, dir + "none\n", "What they are");
-    ASSERT_EQ(asked.size(), 2U) << lastText();
-    EXPECT_NE(
-        asked[0].text.find("The settings in '" + kept + "' were not read, and nothing is written there."),
-        std::string::npos)
-        << asked[0].text;
-    EXPECT_TRUE(asked[1].text.starts_with("Cannot copy files.")) << "the file is missing";
+    ASSERT_EQ(asked.size(), 3U) << lastText();
+    for (const std::size_t i : {0U, 1U})
+        EXPECT_NE(
+            asked[i].text.find("The settings in '" + kept + "' were not read, and nothing is written there."),
+            std::string::npos)
+            << asked[i].text;
+    EXPECT_TRUE(asked[2].text.starts_with("Cannot copy files.")) << "the package is made all the same";
     EXPECT_EQ(PROFILESTRGET(ini(), "DebDlg", "Maintainer"), "Ann <a@b>");
 }
 
