@@ -183,7 +183,7 @@ TEST_F(DebuggerTest, TheWordUnderThePointerIsAskedForAndTheAnswerShown) {
         QApplication::sendEvent(list()->viewport(), &event);
     };
     stop({[&] { rest(3); }, [] { EXPECT_TRUE(QToolTip::isVisible()); },
-          [] { EXPECT_EQ(QToolTip::text().toStdString(), "1 &lt; 2<br>second"); }, [&] { rest(8); },
+          [] { EXPECT_EQ(QToolTip::text().toStdString(), "<qt>1 &lt; 2<br>second</qt>"); }, [&] { rest(8); },
           [&] { rest(12); }, [&] { rest(16); }, [&] { rest(23); }, [&] { rest(60); },
           [this] { SetDebugTip(*window, ""); }});
     EXPECT_EQ(done, (Done{"hover 1 count", "hover 1 row", "hover 1 row.total"}));

@@ -137,13 +137,12 @@ bool ValueReader::integer(std::int32_t& number) {
 
 bool ValueReader::ordinal(void* into, std::string_view names) {
     const std::size_t start = at_;
-    const std::int32_t highest = HighestOrdinal(names);
+    highest_ = HighestOrdinal(names);
     std::int32_t number = 0;
-    if (integer(number) && number >= 0 && number <= highest) {
+    if (integer(number) && number >= 0 && number <= highest_) {
         WriteAt(into, static_cast<std::uint8_t>(number));
         return true;
     }
-    highest_ = highest;
     at_ = start;
     return false;
 }

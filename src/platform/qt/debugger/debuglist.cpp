@@ -116,12 +116,10 @@ void DebugList::resizeEvent(QResizeEvent* event) {
 void DebugList::showTip() {
     if (window_ == nullptr) return;
     const QRect place = visualRect(indexAt(viewport()->mapFromGlobal(pointer_)));
-    if (window_->tip.empty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(pointer_,
-                           shown(window_->tip).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>")),
-                           viewport(), place);
+    if (window_->tip.empty()) return QToolTip::hideText();
+    // The mark in front says that it is rich text: without it the toolkit guesses, and shows "&quot;" for a quote.
+    const QString lines = shown(window_->tip).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
+    QToolTip::showText(pointer_, QStringLiteral("<qt>") + lines + QStringLiteral("</qt>"), viewport(), place);
 }
 
 QString DebugList::selectedText() const {

@@ -208,10 +208,10 @@ TEST_F(DebugEdits, ANumberThatWouldBeCutOrRoundedIsRefusedWithWhatWouldBeKept) {
 
 TEST_F(DebugEdits, AnOrdinalBeyondTheNamesOfAnEnumIsRefused) {
     std::uint8_t colour = 1, any = 1;
-    answers() = {"3", "", "2", "256", "", "255"};
+    answers() = {"3", "", "2", "256", "", "255", "1.0", ""};
     hands().push_back([](platform::DebugWindow& window) {
         command(window, DEBUG_VALUES);
-        for (const int line : {1, 1, 2, 2}) event(window, DebugMessage::Edit, line);
+        for (const int line : {1, 1, 2, 2, 1}) event(window, DebugMessage::Edit, line);
     });
     const Called f("Sums", "F", 1);
     RegisterVariable("colour", 'V', KindEnum, &colour);
@@ -221,10 +221,13 @@ TEST_F(DebugEdits, AnOrdinalBeyondTheNamesOfAnEnumIsRefused) {
     stampAt(5);
     EXPECT_EQ(colour, 2);
     EXPECT_EQ(any, 255);
-    ASSERT_EQ(boxes().size(), 6U);
+    ASSERT_EQ(boxes().size(), 8U);
     EXPECT_EQ(
         boxes()[1],
         "Integrated Debugger|The value was not changed: at character 1 it takes a number from 0 to 2.|OK");
+    EXPECT_EQ(
+        boxes()[7],
+        "Integrated Debugger|The value was not changed: at character 2 it takes a number from 0 to 2.|OK");
     EXPECT_EQ(
         boxes()[4],
         "Integrated Debugger|The value was not changed: at character 1 it takes a number from 0 to 255.|OK");
