@@ -37,7 +37,7 @@ std::uint64_t bitsOfReal(double value) {
 
 Piece pieceOf(const KeyPart& part) {
     switch (part.kind) {
-    case KindInteger: return {std::uint64_t{ReadAt<std::uint32_t>(part.at)} << 32U ^ sign, 4, true};
+    case KindInteger: return {HeadOfInteger(ReadAt<std::int32_t>(part.at)), 4, true};
     case KindFixed: return {ReadAt<std::uint64_t>(part.at) ^ sign, headBytes, true};
     case KindReal: return {bitsOfReal(ReadAt<double>(part.at)), headBytes, true};
     case KindString:  // wide characters are not in the order of their bytes

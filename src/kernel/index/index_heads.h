@@ -20,11 +20,14 @@ struct KeyHead {
     bool whole = false;
 };
 
+// Of a key that is one integer: all that there is of it.
+constexpr std::uint64_t HeadOfInteger(std::int32_t value) {
+    return std::uint64_t{static_cast<std::uint32_t>(value) ^ 0x80000000U} << 32U;
+}
 KeyHead HeadOfFields(const KeyView& key);
 inline KeyHead HeadOfKey(const KeyView& key) {
     if (key.count != 1 || key.parts[0].kind != KindInteger) return HeadOfFields(key);
-    const auto value = ReadAt<std::uint32_t>(key.parts[0].at);
-    return {std::uint64_t{value ^ 0x80000000U} << 32U, true};
+    return {HeadOfInteger(ReadAt<std::int32_t>(key.parts[0].at)), true};
 }
 
 // The same for equal keys, in all its bits.

@@ -79,7 +79,7 @@ bool followShortcut(const IndexTree& index, const MirrorView& tree, Shortcuts& l
         const Offset place = line.place(slot);
         __builtin_prefetch(tarn_heap_base + place);
         const Offset stands = placeOfRow(index, row);
-        if (tree.order(key, row) != 0) return false;
+        if (!tree.has(row) || tree.order(key, row) != 0) return false;
         if (stands != place) line.set(slot, row, stands);
         found = row;
         return true;

@@ -20,9 +20,8 @@ std::string checkShortcuts(const IndexTree& index, const MirrorView& tree) {
         if (line.tags[i % SlotsOfLine] == 0) continue;
         if (row == 0 || row >= static_cast<Ref>(mirror.entryCount) || !tree.has(row))
             return "a shortcut leads nowhere";
-        const Shortcuts own(mirror, HashOfRow(index, tree, row));
-        if (!own.eachSlot([&](std::int32_t slot) { return own.row(slot) == row; }))
-            return "a shortcut is lost";
+        if (!Shortcuts(mirror, HashOfRow(index, tree, row)).isSlotOfHash(line, i % SlotsOfLine))
+            return "a shortcut leads to the row of another key";
     }
     return {};
 }

@@ -5,11 +5,12 @@
 // descriptor and its content together, whose places the line tells.
 //
 //   offset size  line
-//        0   16  tags: 16 bits of the hash for each, 0 for none
+//        0   16  tags: 16 bits of the hash for each, 0 for none, never 1
 //       16   32  rows: its number in bits 0-16; above them the lower 15 bits of where its content is thought to stand
 //       48   16  the upper 13 bits of that (its offset / 16). No more than a hint: 0 for unknown, and it may be out of date
 //
-// A full line loses one for each that it gets: a key without a shortcut is looked for in the tree.
+// A full line loses one for each that it gets: a key without a shortcut is looked for in the tree. A slot without a tag
+// keeps the row that it had, which may be gone or another one by now.
 #pragma once
 
 #include "kernel/index/index_mirror.h"
@@ -45,8 +46,9 @@ public:
         : line_(LinesOf(mirror)[std::uint64_t{hash} * static_cast<std::uint32_t>(mirror.lineCount) >> 32U]),
           tag_(tagOf(hash)) {}
 
-    // Calls `visit` with the slots whose tags are that of the hash, and seldom with another behind one of them, until it
-    // gives true; true then too. Only the row's own key tells whether it is the one.
+    // Calls `visit` with the slots whose tags are that of the hash, until it gives true; true then too. Seldom also with
+    // one behind them whose tag differs in its lowest bit alone, which the borrow from below takes for the same: that is
+    // no empty slot, as there is no tag 1. Only the row's own key tells whether it is the one.
     template <class Visit>
     bool eachSlot(const Visit& visit) const {
         for (std::int32_t half = 0; half < 2; ++half) {
@@ -59,6 +61,9 @@ public:
             }
         }
         return false;
+    }
+    [[nodiscard]] bool isSlotOfHash(const ShortcutLine& line, std::int32_t slot) const {
+        return &line == &line_ && line.tags[slot] == tag_;
     }
     [[nodiscard]] std::uint32_t row(std::int32_t slot) const { return line_.rows[slot] & MostMirroredRow; }
     [[nodiscard]] Offset place(std::int32_t slot) const {
@@ -92,7 +97,7 @@ private:
     // From other bits than the line's number: those are the top ones.
     static std::uint16_t tagOf(std::uint32_t hash) {
         const auto tag = static_cast<std::uint16_t>(hash);
-        return tag != 0 ? tag : std::uint16_t{1};
+        return tag > 1 ? tag : static_cast<std::uint16_t>(tag + 2);
     }
 
     ShortcutLine& line_;

@@ -10,9 +10,9 @@
 #include "kernel/lists/lists.h"
 
 #include "kernel/lists/list_access.h"
+#include "kernel/lists/list_quick.h"
 #include "kernel/lists/rowformat.h"
 #include "kernel/values/adt_kinds.h"
-#include "kernel/values/heap_quick.h"
 
 #include <algorithm>
 #include <cstring>
@@ -79,13 +79,8 @@ void insertCopy(ListDescriptor& l, std::int32_t index, const void* v, Kind kind)
 // the rest.
 bool appendQuickly(const void* v, Kind kind, ListDescriptor* l) {
     if (l == nullptr || v == nullptr || l->tag != kind || kind < KindBoolean || kind > KindReal) return false;
-    const std::int32_t size = l->size, width = KindSize[kind];
-    if (l->data == 0 || size < 1 || size > MaxBlock - width) return false;
-    if (std::int64_t{l->count} * width != size) return false;
-    if (l->maxlength != UNBOUNDED || !HeapIsPlain || !GrowInPlace(l->data, size, size + width)) return false;
-    CopyNumber(v, At(l->data) + size, kind);
-    l->size = size + width;
-    ++l->count;
+    if (!HasRoomBehind(*l, kind)) return false;
+    CopyNumber(v, TakeRoomBehind(*l, kind), kind);
     return true;
 }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/tables/table_mirrors.h"
 
+#include "kernel/lists/list_quick.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/adt_kinds.h"
-#include "kernel/values/heap_quick.h"
+#include "kernel/values/fewbytes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -37,10 +38,13 @@ void nameBlock(TableHeader& header, Offset block) {
 }
 
 TableMirrors* mirrorsOf(const TableHeader& header) {
+    constexpr Offset blockStep = 16;
     const Offset at = static_cast<Offset>(header.typeInfo.reserved) & ~wasAskedFor;
-    if (at == 0) return nullptr;
-    auto* const mirrors = reinterpret_cast<TableMirrors*>(At(at));
-    return OffsetOf(mirrors) != 0 && mirrors->header == OffsetOf(&header) ? mirrors : nullptr;
+    if (at == 0 || at % blockStep != 0) return nullptr;
+    char* const block = At(at);
+    if (OffsetOf(block + sizeof(TableMirrors) - 1) == 0) return nullptr;  // it ends behind the heap
+    auto* const mirrors = reinterpret_cast<TableMirrors*>(block);
+    return mirrors->header == OffsetOf(&header) ? mirrors : nullptr;
 }
 
 TableMirrors* makeBlock(TableHeader& header) {
@@ -138,7 +142,9 @@ IndexTree TableTrees::at(std::int32_t index) const {
 
 bool TableTrees::makeWayFor(std::int32_t index, std::int32_t row) {
     const IndexTree tree = at(index);
-    if (tree.mirror == nullptr || !MirrorHas(*tree.mirror, row)) return true;
+    if (tree.mirror == nullptr) return true;
+    // Rows that lists have appended behind the table have numbers for which no entry was ever asked.
+    if (ReserveMirror(*tree.mirror, row) && !MirrorHas(*tree.mirror, row)) return true;
     if (tree.isNodeless() && !MakeNodes(tree, keyShape(header_, index))) return false;
     DropMirror(*tree.mirror);
     return true;
@@ -152,14 +158,16 @@ void fetchSoon(const void* at) {
     asm volatile("");
 }
 
-// Of the row that comes next the content: its descriptor was asked for a step before.
+// Of the row that comes next the content: its descriptor was asked for some steps before.
+constexpr std::int32_t contentAhead = 1, descriptorAhead = TreeWalk::mostRows - 1;
+static_assert(contentAhead < descriptorAhead);
 void prefetchRows(const TableHeader& header, const TreeWalk& walk) {
     const auto numberOf = [&](std::int32_t i) {
         const auto number = i < walk.count ? static_cast<std::int32_t>(walk.rows[i]) : 0;
         return HasRow(header, number) ? number : 0;
     };
-    if (const std::int32_t number = numberOf(3); number != 0) fetchSoon(&RowAt(header, number));
-    if (const std::int32_t number = numberOf(1); number != 0)
+    if (const std::int32_t number = numberOf(descriptorAhead); number != 0) fetchSoon(&RowAt(header, number));
+    if (const std::int32_t number = numberOf(contentAhead); number != 0)
         fetchSoon(tarn_heap_base + RowAt(header, number).data);
 }
 
@@ -194,7 +202,7 @@ IndexMirror* quickMirror(TableHeader& header, std::int32_t indexNumber, const Re
 }
 
 std::uint64_t headOf(const RecordDescriptor& record, std::int32_t at) {
-    return std::uint64_t{ReadAt<std::uint32_t>(tarn_heap_base + record.data + at) ^ 0x80000000U} << 32U;
+    return HeadOfInteger(ReadAt<std::int32_t>(tarn_heap_base + record.data + at));
 }
 
 bool copyNumbers(const TableHeader& header, std::uint32_t number, RecordDescriptor& row) {
@@ -235,22 +243,12 @@ bool canTake(const IndexMirror& mirror, std::int32_t number) {
            !MirrorHas(mirror, number);
 }
 
-// Whether the block of a list of rows holds one more behind those that it has.
-bool hasRoomBehind(const ListDescriptor& rows) {
-    constexpr std::int32_t width = KindSize[KindRecord];
-    if (rows.maxlength != UNBOUNDED || rows.data == 0 || !HeapIsPlain) return false;
-    if (rows.size != rows.count * width || rows.size > MaxBlock - width) return false;
-    return GrowInPlace(rows.data, rows.size, rows.size + width);
-}
-
 // A row of numbers behind the others, in the block of the list; false: 802.
 bool appendNumbers(ListDescriptor& rows, const RecordDescriptor& shape, const RecordDescriptor& row) {
     RecordDescriptor made = shape;
     if (!AllocateData(made, shape.size)) return false;
     MoveBytes(tarn_heap_base + made.data, tarn_heap_base + row.data, static_cast<std::size_t>(shape.size));
-    WriteAt(tarn_heap_base + rows.data + rows.size, made);
-    rows.size += KindSize[KindRecord];
-    ++rows.count;
+    WriteAt(TakeRoomBehind(rows, KindRecord), made);
     return true;
 }
 
@@ -263,7 +261,8 @@ bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescri
     if (mirrors == nullptr || !mirrors->numbers || !isLike(row, shape.size, shape.kinds)) return false;
     ListDescriptor& rows = header.rows;
     const std::int32_t count = IndexesOf(header), number = rows.count + 1;
-    if (indexNumber < 1 || indexNumber > count || !hasRoomBehind(rows) || t.maxlength != UNBOUNDED)
+    if (indexNumber < 1 || indexNumber > count || t.maxlength != UNBOUNDED ||
+        !HasRoomBehind(rows, KindRecord))
         return false;
     IndexTree trees[MaxIndexes];
     std::uint64_t heads[MaxIndexes];

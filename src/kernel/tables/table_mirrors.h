@@ -31,8 +31,9 @@ public:
     explicit TableTrees(TableHeader& header, std::int32_t mostRow = 0, bool atOnce = false);
     [[nodiscard]] bool good() const { return good_; }  // false: 802, and no such row can be linked
     [[nodiscard]] IndexTree at(std::int32_t index) const;
-    // Makes room for a node of that row, which is linked next: the mirror goes if some other node has it. False: 802.
-    // Asked a second time with no other change, it needs no memory.
+    // Makes room for a node of that row, which is linked next, also one that no entry of the mirror is for: the mirror
+    // goes if some other node has it, or for want of memory. False: 802. Asked a second time with no other change, it
+    // needs no memory.
     bool makeWayFor(std::int32_t index, std::int32_t row);
 
     // Starts to fetch the rows that a walk along the index will come to next.
@@ -44,14 +45,17 @@ private:
     TableMirrors* mirrors_;
 };
 
-// The shortest way of most searches: in rows of numbers alone, for keys that are one integer. False, with nothing
-// done, for all others, and when there is no such row: they go the way of every search.
+// The shortest way of most searches: in rows of numbers alone, for keys that are one integer. False, with neither `row`
+// nor the error cell touched, for all others, and when there is no such row: they go the way of every search. The walk
+// of the index (index_mirror.h) may have moved to the neighbour meanwhile, as far as it goes: every search asks it for
+// its key first.
 bool ReadQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                  RecordDescriptor* row);
 bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                      RecordDescriptor* row);
 
-// Likewise for adding a row with such keys alone, when there is room for it. The result may be true with 802 set.
+// Likewise for adding a row with such keys alone, when there is room for it; false then changes nothing at all. The
+// result may be true with 802 set, and the table as it was.
 bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescriptor* row);
 
 // The trees are then empty, and there are no mirrors.

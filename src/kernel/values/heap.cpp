@@ -1,28 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A block without memory checking is nothing but its bytes: the caller's size says its class. With memory
-// checking:
-//
-//   offset size  guarded block (offsets from the block's start; the caller's bytes begin at 20)
-//        0    4  head guard "LMLM"
-//        4    4  link to the older block: offset of its first byte for the caller, 0 for none
-//        8    4  link to the newer block, likewise
-//       12    4  size that was asked for
-//       16    4  second guard "<><>"
-//       20    n  the caller's bytes
-//     20+n    4  tail guard "<><>"
-//
-// The newest block heads the list. A free block holds the offset of the next free one of its class in its
-// first word.
+// A block without memory checking is nothing but its bytes: the caller's size says its class. With memory checking it
+// has more around them (heap_guards_internal.h), which count for its class. From FirstBlock to `top` the range is blocks
+// without a gap, taken or free; a free one holds the offset of the next of its class in its first word. Behind `top`
+// there is nothing, in pages that are committed already or not: a block that is given back there is no free one.
 #include "kernel/values/heap.h"
 
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
+#include "kernel/values/heap_guards_internal.h"
 #include "kernel/values/heap_quick.h"
 #include "os/tinylimits.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
 #include <sys/mman.h>
@@ -47,12 +37,8 @@ constexpr std::uint64_t smallestReserve = std::uint64_t{16} << 20;
 // large tables most of their address translations.
 constexpr std::uint64_t commitStep = std::uint64_t{1} << 20;
 constexpr std::uint64_t hugePage = std::uint64_t{2} << 20;
-constexpr std::uint64_t firstBlock = 16;  // offset 0 is null
 constexpr std::int32_t pageBytes = 4096;
 constexpr std::int32_t releaseFrom = 1 << 20;  // pages of freed blocks of this size on go back to the system
-
-constexpr std::int32_t headBytes = 20, tailBytes = 4;
-static_assert(headBytes + tailBytes == GuardBytes);
 
 // Classes: every 16 bytes up to 256, then four for each doubling.
 constexpr int smallClasses = 16, smallStep = HeapStep, smallLimit = LastHeapStep;
@@ -69,21 +55,25 @@ constexpr std::int32_t classBytes(int index) {
     const int doubling = (index - smallClasses) / 4 + 8, quarter = (index - smallClasses) % 4;
     return (5 + quarter) << (doubling - 2);
 }
-static_assert(classOf(1) == 0 && classOf(16) == 0 && classOf(17) == 1 && classOf(256) == 15 &&
-              classOf(257) == 16);
-static_assert(classBytes(16) == 320 && classOf(320) == 16 && classOf(321) == 17);
-static_assert(classOf(MaxBlock + GuardBytes) < classCount &&
-              classBytes(classCount - 1) >= MaxBlock + GuardBytes);
-
-static_assert(InOneHeapClass(1, 16) && !InOneHeapClass(16, 17) && !InOneHeapClass(256, 257));
-static_assert(InOneHeapClass(257, 320) && !InOneHeapClass(320, 321) && !InOneHeapClass(512, 513));
+// From the first size of each class to the last one, and between it and the next.
+constexpr bool classesAreRight() {
+    std::int32_t least = 1;
+    for (int index = 0; index < classCount; ++index) {
+        const std::int32_t most = classBytes(index);
+        if (classOf(least) != index || classOf(most) != index || !FitsInItsBlock(least, most)) return false;
+        if (classOf(most + 1) != index + 1 || FitsInItsBlock(most, most + 1)) return false;
+        least = most + 1;
+    }
+    return least > MaxBlock + GuardBytes;
+}
+static_assert(classesAreRight());
 
 struct Heap {
     std::uint64_t reserved = 0;   // bytes of the range
     std::uint64_t committed = 0;  // of them usable
-    std::uint64_t top = firstBlock;
+    std::uint64_t top = FirstBlock;
     Offset free[classCount] = {};
-    Offset newest = 0;  // head of the list of guarded blocks
+    GuardedBlocks guarded;
     std::int64_t live = 0;
     std::int64_t failAfter = -1;
     bool checking = false;
@@ -245,107 +235,17 @@ bool growLast(Offset block, int index, int larger) {
     return true;
 }
 
-// ---- guarded blocks ----
-
-using Guard = std::array<char, 4>;
-constexpr Guard headGuard{'L', 'M', 'L', 'M'}, edgeGuard{'<', '>', '<', '>'};
-
-struct Head {
-    Guard guard;
-    Offset older, newer;
-    std::int32_t size;
-    Guard second;
-};
-static_assert(sizeof(Head) == headBytes);
-
-Head& headOf(Offset block) {
-    return *reinterpret_cast<Head*>(tarn_heap_base + block - headBytes);
-}
-char* tailOf(Offset block, std::int32_t size) {
-    return tarn_heap_base + block + size;
-}
-
-// Reads what stands at an offset, be it a block or not: links that were overwritten lead anywhere in the
-// range.
-#ifdef TARN_ASAN
-template <class Value>
-__attribute__((no_sanitize_address)) Value look(Offset at) {
-    Value copy;
-    const volatile char* from = tarn_heap_base + at;
-    for (std::size_t i = 0; i < sizeof copy; ++i) reinterpret_cast<char*>(&copy)[i] = from[i];
-    return copy;
-}
-#else
-template <class Value>
-Value look(Offset at) {
-    Value value;
-    std::memcpy(&value, tarn_heap_base + at, sizeof value);
-    return value;
-}
-#endif
-Head headAt(Offset block) {
-    return look<Head>(block - headBytes);
-}
-bool tailHolds(Offset block, std::int32_t size) {
-    return look<Guard>(block + static_cast<Offset>(size)) == edgeGuard;
-}
-
-// Can a guarded block start here? Guards against links and pointers that were overwritten.
-bool mayBeGuarded(Offset block) {
-    return block % 4 == 0 && block >= firstBlock + headBytes && block + std::uint64_t{tailBytes} < heap.top;
-}
-
-bool sizeInRange(Offset block, std::int32_t size) {
-    return size >= 1 && size <= MaxBlock && block + static_cast<std::uint64_t>(size) + tailBytes <= heap.top;
-}
-
-void link(Offset block, std::int32_t size) {
-    headOf(block) = {headGuard, heap.newest, 0, size, edgeGuard};
-    std::memcpy(tailOf(block, size), edgeGuard.data(), tailBytes);
-    if (heap.newest != 0) headOf(heap.newest).newer = block;
-    heap.newest = block;
-}
-
-void unlink(Offset block) {
-    const Head& head = headOf(block);
-    if (head.newer != 0)
-        headOf(head.newer).older = head.older;
-    else
-        heap.newest = head.older;
-    if (head.older != 0) headOf(head.older).newer = head.newer;
-}
-
-// A step of the walk from the newest block: false when what stands at `block` is no intact member of the
-// list. The back link is part of that, so a damaged list cannot lead the walk round in a circle.
-bool intact(Offset block, Offset newer) {
-    if (!mayBeGuarded(block)) return false;
-    const Head head = headAt(block);
-    return head.guard == headGuard && head.newer == newer;
-}
-
-// 0 when `block` is an undamaged block of `size` bytes, otherwise the error of freeing it.
-std::int32_t examine(Offset block, std::int32_t size) {
-    Offset newer = 0;
-    for (Offset at = heap.newest; at != 0; newer = at, at = headAt(at).older) {
-        if (!intact(at, newer)) return ERR_BLOCK_LIST_CORRUPT;
-        if (at != block) continue;
-        const Head head = headAt(at);
-        if (head.size != size) return ERR_WRONG_BLOCK_SIZE;
-        if (!sizeInRange(at, size) || head.second != edgeGuard || !tailHolds(at, size))
-            return ERR_BLOCK_OVERWRITTEN;
-        // Taking the block out of the list will write to its older neighbour, so that must be there.
-        const bool linked = head.older == 0 || (mayBeGuarded(head.older) && headAt(head.older).newer == at);
-        return linked ? ERR_NONE : ERR_BLOCK_LIST_CORRUPT;
-    }
-    return ERR_NO_SUCH_BLOCK;
-}
-
 // Without memory checking: what can be told from the numbers alone.
 std::int32_t plausible(Offset block, std::int32_t size) {
-    if (block < firstBlock || block % 16 != 0 || block >= heap.top) return ERR_NO_SUCH_BLOCK;
+    if (block < FirstBlock || block % 16 != 0 || block >= heap.top) return ERR_NO_SUCH_BLOCK;
     if (size < 1 || size > MaxBlock || block + static_cast<std::uint64_t>(size) > heap.top)
         return ERR_WRONG_BLOCK_SIZE;
     return ERR_NONE;
+}
+
+// 0 for a block of `size` bytes, as far as it can be told, otherwise the error of freeing it.
+std::int32_t examine(Offset block, std::int32_t size) {
+    return heap.checking ? heap.guarded.examine(block, size, heap.top) : plausible(block, size);
 }
 
 // ---- requests ----
@@ -367,8 +267,8 @@ Offset obtain(std::int32_t size) {
     Offset block = takeRaw(heap.checking ? size + GuardBytes : size);
     if (block == 0) return 0;
     if (heap.checking) {
-        block += headBytes;
-        link(block, size);
+        block += GuardHeadBytes;
+        heap.guarded.enter(block, size);
     }
     ++heap.live;
     return block;
@@ -377,8 +277,8 @@ Offset obtain(std::int32_t size) {
 void release(Offset block, std::int32_t size) {
     --heap.live;
     if (heap.checking) {
-        unlink(block);
-        giveRaw(block - headBytes, size + GuardBytes);
+        heap.guarded.leave(block);
+        giveRaw(block - GuardHeadBytes, size + GuardBytes);
     } else {
         giveRaw(block, size);
     }
@@ -390,15 +290,14 @@ void resizeInPlace(Offset block, std::int32_t newSize) {
         allow(block, index, newSize);
         return;
     }
-    allow(block - headBytes, index, newSize + GuardBytes);
-    headOf(block).size = newSize;
-    std::memcpy(tailOf(block, newSize), edgeGuard.data(), tailBytes);
+    allow(block - GuardHeadBytes, index, newSize + GuardBytes);
+    GuardedBlocks::resize(block, newSize);
 }
 
 // Leaves a block where it is and frees what it no longer needs: the way to shrink that takes no memory.
 void shrinkInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize) {
     const std::int32_t extra = heap.checking ? GuardBytes : 0;
-    const Offset raw = heap.checking ? block - Offset{headBytes} : block;
+    const Offset raw = heap.checking ? block - GuardHeadBytes : block;
     const int larger = classOf(oldSize + extra), smaller = classOf(newSize + extra);
     const std::int32_t kept = classBytes(smaller), left = classBytes(larger) - kept;
     allow(raw, larger, classBytes(larger));
@@ -458,7 +357,7 @@ void Allocate(Offset& block, std::int32_t size) {
 
 void Free(Offset& block, std::int32_t size) {
     if (freeQuickly(block, size) || (block == 0 && !heap.checking)) return;
-    const std::int32_t error = heap.checking ? examine(block, size) : plausible(block, size);
+    const std::int32_t error = examine(block, size);
     if (error != ERR_NONE) [[unlikely]] {
         SetError(error);
         return;
@@ -473,7 +372,7 @@ bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize) {
         return block != 0;
     }
     if (!sizeAllowed(newSize)) return false;
-    const std::int32_t error = heap.checking ? examine(block, oldSize) : plausible(block, oldSize);
+    const std::int32_t error = examine(block, oldSize);
     if (error != ERR_NONE) [[unlikely]] {
         SetError(error);
         return false;
@@ -518,20 +417,7 @@ bool MemoryChecking() {
 }
 
 Leaks CountLeaks() {
-    Leaks leaks;
-    Offset newer = 0;
-    for (Offset at = heap.newest; at != 0; newer = at, at = headAt(at).older) {
-        const bool whole = intact(at, newer);
-        const std::int32_t size = whole ? headAt(at).size : 0;
-        if (!whole || !sizeInRange(at, size) || !tailHolds(at, size)) {
-            leaks.bytes = -1;
-            return leaks;
-        }
-        leaks.bytes =
-            static_cast<std::int32_t>(std::min<std::int64_t>(INT32_MAX, std::int64_t{leaks.bytes} + size));
-        ++leaks.blocks;
-    }
-    return leaks;
+    return heap.guarded.count(heap.top);
 }
 
 std::int64_t LiveBlocks() {

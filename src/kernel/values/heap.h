@@ -2,14 +2,14 @@
 //
 // The heap of kernel values: one reserved address range of at most 4 GiB, committed as it grows. A block is
 // named by its 32-bit offset into the range (0 is null), so that descriptors keep their exact sizes on a
-// 64-bit machine and a bad reference cannot leave the range. Size-class free lists; a free is O(1); a block
-// grows in place inside its class. With memory checking on every block carries 24 bytes of guards and links,
-// and a free walks the list.
+// 64-bit machine and a bad reference cannot leave the range. Size-class free lists; a free is O(1). A block grows in place
+// inside its class, and the last one of the range over classes, too, when no free block has the new size; with memory
+// checking on, which gives every block 24 bytes of guards and links and lets a free walk their list, inside its class alone.
 //
-// Costs: Allocate and Free some nanoseconds beyond the clearing of the freed bytes; Resize the same, and a
-// copy when the class changes (four classes for each doubling, so growing one byte at a time copies each byte
-// about four times). Memory is kept for later blocks of its class; the pages of large blocks go back to the
-// system when they are freed.
+// Costs: Allocate and Free some nanoseconds beyond the clearing of the freed bytes; Resize the same, and a copy when the
+// class changes and something stands behind the block (four classes for each doubling: growing by single bytes copies each
+// about four times). Freed memory waits for blocks of its class; only the last block of the range, unless it is of 256
+// bytes or fewer, gives its room to any. The pages of large ones go back to the system meanwhile.
 #pragma once
 
 #include <cstdint>
@@ -37,7 +37,7 @@ void Allocate(Offset& block, std::int32_t size);
 // wrong call sets 822 to 825 and frees nothing. Without it, freeing 0 does nothing, and an offset or size
 // that no block can have sets 823 or 824.
 void Free(Offset& block, std::int32_t size);
-// Makes `block` hold `newSize` bytes, the first of them kept; in place when its class allows. A block of 0 is
+// Makes `block` hold `newSize` bytes, the first of them kept; in place where that goes (above). A block of 0 is
 // allocated. On error (as Allocate; with memory checking on also as Free) the block is as it was and the
 // result is false. Shrinking never runs out of memory.
 bool Resize(Offset& block, std::int32_t oldSize, std::int32_t newSize);

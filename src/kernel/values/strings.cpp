@@ -2,7 +2,7 @@
 //
 // What is assigned may lie inside the destination, so bytes are moved, not copied, and a destination is freed
 // only after its new block is complete.
-#include "kernel/values/heap_quick.h"
+#include "kernel/values/fewbytes.h"
 #include "kernel/values/string_access_internal.h"
 
 #include <climits>

@@ -2,7 +2,7 @@
 //
 // Comparing strings, and looking at their characters.
 #include "kernel/text/relations.h"
-#include "kernel/values/heap_quick.h"
+#include "kernel/values/fewbytes.h"
 #include "kernel/values/string_access_internal.h"
 
 namespace tarn {

@@ -6,6 +6,7 @@
 
 #include "kernel/tables/table_mirrors.h"
 
+#include "kernel/index/index_heads.h"
 #include "kernel/lists/lists.h"
 #include "kernel/run/errors.h"
 #include "support/errorcell.h"
@@ -14,6 +15,7 @@
 
 #include <functional>
 #include <random>
+#include <vector>
 
 namespace tarn {
 
@@ -39,12 +41,35 @@ protected:
         ASSERT_EQ(takeError(), 0);
     }
     static Cells row(int n) {
+        if (n == INT32_MIN)  // its keys are zeros
+            return {integer(n),
+                    text("", 12),
+                    fixedNumber(INT64_MIN),
+                    real(n),
+                    characters(std::string(3, '\0'), 3),
+                    text("")};
         return {integer(n),
                 text("n" + std::to_string(n), 12),
                 fixedNumber(n * 10007LL),
                 real(n * 0.5),
                 characters(std::to_string(n % 1000), 3),
                 text(std::string(static_cast<std::size_t>(n % 9), 'p') + std::to_string(n))};
+    }
+    // A number below `count`, and now and then one whose shortcut stands in the first line, as that of INT32_MIN does,
+    // and has a tag close to its.
+    static int drawn(std::mt19937& random, int count) {
+        static const std::vector<int> odd = [] {
+            std::vector<int> found = {INT32_MIN};
+            for (int n = 1000; found.size() < 8; ++n) {
+                const std::uint32_t hash = HashOfWhole(HeadOfInteger(n));
+                if (hash < 1U << 24U && (hash & 0xFFFFU) <= 3) found.push_back(n);
+            }
+            return found;
+        }();
+        const auto choice = static_cast<std::size_t>(random());
+        if (choice % 8 != 0) return static_cast<int>(choice / 8 % static_cast<unsigned>(count));
+        return odd[choice / 8 % 2 *
+                   (choice / 16 % odd.size())];  // that of INT32_MIN more often than the others
     }
     [[nodiscard]] Cells keyOf(int index, const Cells& cells) const {
         Cells key;
@@ -86,6 +111,22 @@ protected:
     }
     void remove(int index, const Cells& key) {
         both([&](TableDescriptor* t) { TableDelete(t, index + 1, recordOf(key).get()); });
+    }
+    // A random operation on both with numbers below `count` and others.
+    void step(std::mt19937& random, bool growing, int count) {
+        static const char* const operators[] = {"EQ", "EQ", "EQ",   "FIRST",   "LAST",
+                                                "GE", "LE", "NEXT", "PREVIOUS"};
+        const int n = drawn(random, count),
+                  index = static_cast<int>(random() % static_cast<unsigned>(TableIndexCount(table.get())));
+        const auto choice = static_cast<unsigned>(random() % 100);
+        const Cells key = keyOf(index, row(n));
+        if (choice < 40) return find(operators[random() % 9], index, key);
+        if (choice < (growing ? 75U : 50U)) return add(n);
+        if (choice < 85) return remove(index, key);
+        const Cells other = row(drawn(random, count));
+        both([&](TableDescriptor* t) {
+            TableUpdate(recordOf(other).get(), index + 1, recordOf(key).get(), t);
+        });
     }
     // Rows and balances in the order of a walk.
     static std::string formOf(const RecordDescriptor& root, Offset node) {

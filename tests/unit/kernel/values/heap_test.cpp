@@ -212,8 +212,8 @@ TEST_F(Heap, WhetherTwoSizesHaveOneBlockIsToldWithoutIt) {
     Offset block = 0;
     for (std::int32_t size = 1; size < 5000; ++size) {
         block = make(size);
-        ASSERT_EQ(ResizeInPlace(block, size, size + 1), InOneHeapClass(size, size + 1)) << size;
-        Free(block, InOneHeapClass(size, size + 1) ? size + 1 : size);
+        ASSERT_EQ(ResizeInPlace(block, size, size + 1), FitsInItsBlock(size, size + 1)) << size;
+        Free(block, FitsInItsBlock(size, size + 1) ? size + 1 : size);
     }
 }
 
@@ -404,16 +404,16 @@ TEST_F(Heap, AFreedBlockKeepsNothingOfItsBytes) {
 
 TEST_F(GuardedHeap, ABlockCostsTwentyFourBytes) {
     std::vector<Offset> kept;
-    Offset a = make(8), b = make(8);               // 8 + 24 is exactly a class of 32
-    while (b - a != 32U && LiveBlocks() < 1000) {  // blocks that tests before have freed may lie anywhere
+    Offset a = make(8), b = make(8);                  // 8 + 24 is exactly a class of 32
+    while (b - a != 32U && LiveBlocks() < 1000000) {  // blocks that tests before have freed may lie anywhere
         kept.push_back(a);
         a = b;
         b = make(8);
     }
     EXPECT_EQ(b - a, 32U);
+    Free(b, 8);  // the newest ones first, which are found at once
     Free(a, 8);
-    Free(b, 8);
-    for (Offset& block : kept) Free(block, 8);
+    for (auto block = kept.rbegin(); block != kept.rend(); ++block) Free(*block, 8);
 }
 
 TEST_F(GuardedHeap, GuardsStandAroundTheBytes) {
