@@ -318,6 +318,12 @@ bool ShowTableTree(TableHeader& header, std::int32_t index) {
     return MakeNodes(treeOf(header, *mirrorsOf(header), index), keyShape(header, index));
 }
 
+bool HideTableTrees(TableHeader& header) {
+    if (!isAskedFor(header)) return false;
+    header.typeInfo.reserved &= ~static_cast<std::int32_t>(wasAskedFor);
+    return true;
+}
+
 bool CopyTableTree(const TableHeader& header, std::int32_t index, RecordDescriptor& root) {
     if (!IsNodeless(header, index)) return CopyTree(header.roots[index], root);
     return CopyNodes(mirrorsOf(header)->indexes[index], keyShape(header, index), root);

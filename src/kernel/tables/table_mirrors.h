@@ -63,6 +63,8 @@ void FreeTableTrees(TableHeader& header);
 bool DropTableMirrors(TableHeader& header);  // false: 802, and as before
 // Gives a tree its nodes for good, if it has none. False: 802.
 bool ShowTableTree(TableHeader& header, std::int32_t index);
+// Lets the trees do without nodes again, when they are made anew. False: they could.
+bool HideTableTrees(TableHeader& header);
 // A copy of a tree with its nodes, into a root that need not hold anything valid; false: 802, 763.
 bool CopyTableTree(const TableHeader& header, std::int32_t index, RecordDescriptor& root);
 bool IsNodeless(const TableHeader& header, std::int32_t index);

@@ -283,14 +283,28 @@ bool MemoryTableDelete(TableDescriptor& t, std::int32_t indexNumber, const KeyVi
     return true;
 }
 
-bool MemoryTableRebuild(TableDescriptor& t) {
-    TableHeader& header = HeaderOf(t);
+namespace {
+
+bool fillIndexes(TableHeader& header) {
     FreeTableTrees(header);
     const TableTrees trees(header, header.rows.count, true);
     for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
         if (!fillIndex(header, trees.at(i), i)) return false;
     }
     return true;
+}
+
+}  // namespace
+
+// Trees that were shown need more memory with their nodes than they had before: where that is short they do without, rather
+// than leave rows out of an index that was whole.
+bool MemoryTableRebuild(TableDescriptor& t) {
+    TableHeader& header = HeaderOf(t);
+    const bool clear = ErrorCell() == 0;
+    if (fillIndexes(header)) return true;
+    if (!clear || ErrorCell() != ERR_OUT_OF_MEMORY || !HideTableTrees(header)) return false;
+    ClearError();
+    return fillIndexes(header);
 }
 
 }  // namespace tarn

@@ -89,6 +89,19 @@ TEST_F(Nodeless, ATreeThatCannotBeShownStaysAsItIs) {
     expectTwins();
 }
 
+TEST_F(Nodeless, ARebuildThatMeetsALackOfMemoryDoesWithoutTheNodesThatWereShown) {
+    make(wholeNumbers);
+    fill(64);
+    for (int n = 0; n < 200; ++n) {
+        ASSERT_NE(TableRoot(table.get(), 2), nullptr);
+        FailAllocation(n);
+        TableRebuild(table.get());
+        FailAllocation(-1);
+        EXPECT_EQ(takeError(), 0) << n;
+        expectTwins();
+    }
+}
+
 TEST_F(Nodeless, ACopyThatMeetsALackOfMemoryLeavesNothing) {
     make(wholeNumbers);
     fill(40);
