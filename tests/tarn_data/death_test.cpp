@@ -141,7 +141,7 @@ TEST_F(ToolAfterDeaths, ARowThatADeletionMovedIsMissedAndBroughtBack) {
     ASSERT_EQ(open(layout_->file), 0);
     ASSERT_EQ(deleting(2).run(), 0);
     run(datatool::check, arguments());
-    EXPECT_NE(said().find("note: /d/a.~d1: It keeps rows that deletions have moved"), std::string::npos)
+    EXPECT_NE(said().find("note: /d/a.~d1: It guards rows that deletions have moved"), std::string::npos)
         << said();
     abandon();
     const std::string torn(rowBytes, '\xFE');

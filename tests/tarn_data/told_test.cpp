@@ -293,6 +293,13 @@ TEST_F(Told, WhatStandsBehindTheEndIsTold) {
         EXPECT_EQ(converted("z.csv b.csv", "b.csv"), c.rows) << c.text;
         expectNote(c.note);
     }
+    for (const std::size_t bytes : {4095U, 4096U, 4097U, 65535U, 65536U, 65537U, 200000U}) {
+        for (const std::string& fill : {std::string(bytes, '\x1A'), "\x1A" + std::string(bytes - 1, '\0')}) {
+            write("z.csv", "a,b\n1,2\n" + fill);
+            EXPECT_EQ(converted("z.csv b.csv", "b.csv"), "a,b\n1,2\n") << bytes;
+            expectNote("File 'z.csv' ends with " + std::to_string(bytes) + " bytes that mark");
+        }
+    }
     write("z.csv", "a,b\n1,2\n\x1A\nx,y\n");
     EXPECT_EQ(converted("z.csv b.csv", "b.csv"), read("z.csv")) << "no end where more follows";
     write("z.txt", "x\ny\n\x1A");

@@ -59,13 +59,19 @@ std::int32_t HeldIndex::close() {
     return mode_ == os::OpenMode::Read ? 0 : code;
 }
 
+void HeldIndex::look(const os::FileInfo& info) {
+    info_ = info;
+    lasts_ = IsSettled(info);
+}
+
 // Whether the handle is still of use; forgets records that may have changed.
 bool HeldIndex::isAsItWas() {
     os::FileInfo info;
     if (handle_ < 0 || system_ != &os::files()) return handle_ = -1, false;
     if (os::files().infoOpen(handle_, info) != os::FileError::None || info.links == 0) return false;
-    if (!IsSameState(info, info_)) records_.forget();
-    info_ = info;
+    if (lasts_ && IsSameState(info, info_)) return true;
+    records_.forget();
+    look(info);
     return true;
 }
 
@@ -79,7 +85,7 @@ std::int32_t HeldIndex::openFile(os::OpenMode mode) {
         error = os::files().open(path_, mode_ = os::OpenMode::Read, 0, handle_);
     os::FileInfo info;
     if (error == os::FileError::None) error = os::files().infoOpen(handle_, info);
-    info_ = info;
+    look(info);
     return IndexOpenCode(error, mode);
 }
 
@@ -95,8 +101,7 @@ std::int32_t HeldIndex::take(os::OpenMode& mode, os::Handle& handle, std::int64_
 
 void HeldIndex::giveBack(bool changed) {
     inUse_ = false;
-    if (!changed || handle_ < 0 || StampFile(handle_, info_)) return;
-    if (os::files().infoOpen(handle_, info_) != os::FileError::None) records_.forget();
+    if (changed && handle_ >= 0) lasts_ = StampFile(handle_, info_);
 }
 
 }  // namespace tarn

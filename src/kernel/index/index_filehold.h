@@ -4,9 +4,10 @@
 // of them. Only the modules of index files include this, and the one of held tables.
 //
 // While a HeldIndex lives, every IndexDisk of its path uses its handle. Nothing is held back: what an operation
-// writes is in the file when it has ended. What another program writes is noticed at the next operation, and the
-// remembered records are read again: always where the file takes a stamp, else as far as its size and its times tell it;
-// a file that has lost its name, or was let go, is opened anew.
+// writes is in the file when it has ended. What another program writes between two operations is noticed at the next
+// one, and the remembered records are read again. They are, too, when such a writing need not show: the file was neither
+// stamped nor unchanged for a while when it was last looked at. A file that has lost its name, or was let go, is opened
+// anew.
 //
 // Cost: one look at the file for an operation, and a stamp for one that changes it.
 #pragma once
@@ -45,6 +46,7 @@ public:
 
 private:
     bool isAsItWas();
+    void look(const os::FileInfo& info);
     std::int32_t openFile(os::OpenMode mode);
 
     std::string path_;
@@ -52,7 +54,8 @@ private:
     os::OpenMode mode_ = os::OpenMode::Read;
     const os::FileSystem* system_ = nullptr;  // which has opened it
     bool inUse_ = false;
-    os::FileInfo info_;  // when the last operation had ended
+    os::FileInfo info_;   // when it was last looked at or stamped
+    bool lasts_ = false;  // any change since then would show
     RememberedRecords records_{limits::HeldIndexBytes};
     HeldIndex* next_;
 };

@@ -130,14 +130,6 @@ struct Remembered {
     RememberedRecords records{limits::RememberedIndexBytes};
 };
 
-// Whether a later change would give the file another time. Times without a part of a second are those of disks that
-// count seconds, or two.
-bool isSettled(const os::FileInfo& info) {
-    constexpr std::int64_t second = 1'000'000'000, leastAge = second / 10, leastCoarseAge = 3 * second;
-    const std::int64_t last = std::max(info.modified, info.changed);
-    return os::clock().now() - last >= (last % second != 0 ? leastAge : leastCoarseAge);
-}
-
 bool isOf(const Remembered& file, const os::FileInfo& info) {
     return file.system == &os::files() && file.info.device == info.device && file.info.inode == info.inode;
 }
@@ -153,6 +145,13 @@ RememberedFiles& rememberedFiles() {
 
 bool IsSameState(const os::FileInfo& a, const os::FileInfo& b) {
     return a.size == b.size && a.modified == b.modified && a.changed == b.changed;
+}
+
+// Times without a part of a second are those of disks that count seconds, or two.
+bool IsSettled(const os::FileInfo& info) {
+    constexpr std::int64_t second = 1'000'000'000, leastAge = second / 10, leastCoarseAge = 3 * second;
+    const std::int64_t last = std::max(info.modified, info.changed);
+    return os::clock().now() - last >= (last % second != 0 ? leastAge : leastCoarseAge);
 }
 
 namespace {
@@ -190,7 +189,7 @@ bool StampFile(os::Handle handle, os::FileInfo& info) {
 
 RememberedRecords* RecallRecords(const os::FileInfo& info, bool mayWrite) {
     static std::uint64_t uses = 0;
-    const bool settled = isSettled(info);
+    const bool settled = IsSettled(info);
     Remembered* const place = placeOf(info);
     if (place == nullptr) return nullptr;
     if (!place->lasts || !isOf(*place, info) || !IsSameState(place->info, info)) {

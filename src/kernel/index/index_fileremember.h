@@ -69,7 +69,11 @@ private:
 // Whether an open file is as it was, as far as its size and its times tell.
 bool IsSameState(const os::FileInfo& a, const os::FileInfo& b);
 
-// Stamps a file that may be written; `info` tells how it is then. False where it takes no stamp.
+// Whether a later change of the file would give it another time, as it has not changed for a while.
+bool IsSettled(const os::FileInfo& info);
+
+// Stamps a file that may be written; `info` tells how it is then. False where it takes no stamp, or another program
+// came between: whether the file changed is not known then.
 bool StampFile(os::Handle handle, os::FileInfo& info);
 
 // The records that are remembered of a file that operations open one by one, and of the few that were used before.

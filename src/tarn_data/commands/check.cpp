@@ -199,18 +199,18 @@ bool checkRows(const std::string& file, const RowType& type, const TableFacts& f
     return good && rows.error() == os::FileError::None;
 }
 
-// Rows that deletions have moved are kept beside until the table is closed.
-void checkKept(const std::string& file, const RowType& type, const std::vector<IndexBeside>& indexes,
-               Findings& findings) {
-    const std::string kept = GuardFileName(file);
+// Rows that deletions move are guarded until the table is closed.
+void checkGuarded(const std::string& file, const RowType& type, const std::vector<IndexBeside>& indexes,
+                  Findings& findings) {
+    const std::string guard = GuardFileName(file);
     std::vector<std::int32_t> maps;
     for (const IndexBeside& index : indexes) maps.push_back(index.keyMap);
-    if (!os::infoOf(os::native(kept)).exists || std::count(maps.begin(), maps.end(), 0) > 0) return;
+    if (!os::infoOf(os::native(guard)).exists || std::count(maps.begin(), maps.end(), 0) > 0) return;
     TableValue table;
     if (makeFileTable(type, maps, table) && MissesGuardedRows(*table.get(), os::native(file)))
         findings.fault(file, "A row that a deletion has moved is missing; a rebuild brings it back.");
     else
-        findings.note(kept, "It keeps rows that deletions have moved, until the table is closed.");
+        findings.note(guard, "It guards rows that deletions have moved, until the table is closed.");
     ClearError();
 }
 
@@ -235,7 +235,7 @@ int checkTable(const std::string& file, const Arguments& arguments) {
                   [&](std::string_view row) { return bytes.record(row); }},
                  findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
-    checkKept(file, type, indexes, findings);
+    checkGuarded(file, type, indexes, findings);
     const auto count = std::count_if(indexes.begin(), indexes.end(),
                                      [](const IndexBeside& index) { return index.owner.empty(); });
     return findings.print(file, counted(facts.rows(), "row") +

@@ -38,17 +38,17 @@ Problem findBadRows(const Patient& patient, std::int64_t first, std::int64_t cou
     return rows.error() == os::FileError::None ? Problem() : unreadable(patient.name, rows.error());
 }
 
-// Where rows were kept while deletions moved them, a death of the machine may have left a few that never
+// Where rows were guarded while deletions moved them, a death of the machine may have left a few that never
 // came to the disk.
 Problem checkRows(Patient& patient) {
     constexpr std::size_t mostTorn = 8;
     constexpr std::int64_t share = 4;
     std::vector<BadRow> bad;
     const std::int64_t last = patient.counted < 0 ? patient.whole : std::min(patient.whole, patient.counted);
-    const bool kept = os::infoOf(os::native(GuardFileName(patient.file))).exists;
-    Problem problem = findBadRows(patient, patient.headerBytes, last, kept ? mostTorn + 1 : 1, bad);
+    const bool guarded = os::infoOf(os::native(GuardFileName(patient.file))).exists;
+    Problem problem = findBadRows(patient, patient.headerBytes, last, guarded ? mostTorn + 1 : 1, bad);
     if (problem.any() || bad.empty()) return problem;
-    if (kept && bad.size() <= mostTorn && static_cast<std::int64_t>(bad.size()) * share <= last) {
+    if (guarded && bad.size() <= mostTorn && static_cast<std::int64_t>(bad.size()) * share <= last) {
         for (const BadRow& row : bad) patient.torn.push_back(row.row);
         return {};
     }

@@ -101,18 +101,32 @@ bool isDelimitedText(const Arguments& arguments, const Source& source, const std
            text.find('\0') == std::string_view::npos;
 }
 
-// Some programs end a text with the byte 1A, and fill the file up with it or with zeros.
-Problem leaveEndMark(Source& source) {
-    constexpr std::int64_t most = 4096;
+// Some programs end a text with the byte 1A, and fill the file up with it or with zeros. Looks for the first 1A behind
+// the text, from the end: `mark` becomes its place, or the size of the file.
+bool findEndMark(FileRows& file, std::int64_t begin, std::int64_t& mark) {
+    constexpr std::int64_t blockBytes = 65536;
     constexpr std::string_view fill("\x1A\0", 2);
+    std::string block;
+    std::size_t text = 0;
+    mark = file.size();
+    for (std::int64_t at = file.size(); text == 0 && at > begin;) {
+        const std::int64_t end = at;
+        at = std::max(begin, end - blockBytes);
+        if (!file.read(at, static_cast<std::size_t>(end - at), block)) return false;
+        text = block.find_last_not_of(fill) + 1;
+        const std::size_t found = block.find(fill[0], text);
+        if (found != std::string::npos) mark = at + static_cast<std::int64_t>(found);
+    }
+    return true;
+}
+
+Problem leaveEndMark(Source& source) {
     FileRows file;
-    std::string end;
-    if (!file.open(source.path)) return unreadable(source.file, file.error());
-    const std::int64_t from = std::max(source.begin, file.size() - most);
-    if (!file.read(from, static_cast<std::size_t>(most), end)) return unreadable(source.file, file.error());
-    const std::size_t text = end.find_last_not_of(fill) + 1, mark = end.find(fill[0], text);
-    if (mark == std::string::npos || from + static_cast<std::int64_t>(mark) == source.begin) return {};
-    source.endBytes = static_cast<std::int64_t>(end.size() - mark);
+    std::int64_t mark = 0;
+    if (!file.open(source.path) || !findEndMark(file, source.begin, mark))
+        return unreadable(source.file, file.error());
+    if (mark == file.size() || mark == source.begin) return {};
+    source.endBytes = file.size() - mark;
     note(fileWord(source.file) + "ends with " + std::to_string(source.endBytes) +
          (source.endBytes == 1 ? " byte" : " bytes") + " that mark its end (1A) and are no text: left out.");
     return {};

@@ -15,10 +15,10 @@ constexpr auto FunctionWords =
     std::to_array<std::string_view>({"def", "func", "fn", "fun", "sub", "proc", "procedure", "method", "void",
                                      "int", "bool", "float", "double"});
 
-struct ForeignDeclaration {
+struct ForeignTexts {
     std::string_view word, here;
 };
-constexpr auto ForeignDeclarations = std::to_array<ForeignDeclaration>({
+constexpr auto ForeignDeclarations = std::to_array<ForeignTexts>({
     {"import", "'Uses' and names of classes behind the name of the class"},
     {"include", "'Uses' and names of classes behind the name of the class"},
     {"using", "'Uses' and names of classes behind the name of the class"},
@@ -31,10 +31,7 @@ constexpr auto ForeignDeclarations = std::to_array<ForeignDeclaration>({
     {"static", "'private'"},
 });
 
-struct ForeignNameEntry {
-    std::string_view name, here;
-};
-constexpr auto ForeignNames = std::to_array<ForeignNameEntry>({
+constexpr auto ForeignNames = std::to_array<ForeignTexts>({
     {"null", "a value of the type, such as \"\", 0 or false"},
     {"nil", "a value of the type, such as \"\", 0 or false"},
     {"none", "a value of the type, such as \"\", 0 or false"},
@@ -97,7 +94,7 @@ bool Parser::foreignDeclaration() {
         ++nested_;
         return true;
     }
-    const ForeignDeclaration* entry = entryOf(ForeignDeclarations, &ForeignDeclaration::word, here().text);
+    const ForeignTexts* entry = entryOf(ForeignDeclarations, &ForeignTexts::word, here().text);
     if (isWord(Word::Uses))
         report(Problem::Misplaced, {here().text, "it follows the name of the class"});
     else if (entry != nullptr)
@@ -227,8 +224,7 @@ ExpressionPtr Parser::foreignName(ExpressionPtr item) {
         root = root->operands[0].get();
     const bool plain =
         (root->kind == ExpressionKind::Name || root->kind == ExpressionKind::Call) && root->qualifier.empty();
-    const ForeignNameEntry* entry =
-        plain ? entryOf(ForeignNames, &ForeignNameEntry::name, root->name) : nullptr;
+    const ForeignTexts* entry = plain ? entryOf(ForeignNames, &ForeignTexts::word, root->name) : nullptr;
     if (entry == nullptr || !tree_->uses.empty() || isDeclared(root->name)) return item;
     reportAt(item->line, Problem::Foreign, {root->name, entry->here});
     toldLine_ = item->line;

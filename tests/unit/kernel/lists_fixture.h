@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tests of lists share. Every list lives and dies under memory checking, so that a leak or a wrong
-// free fails the test.
+// What the tests of lists share.
 #pragma once
 
 #include "kernel/lists/lists.h"
@@ -9,8 +8,7 @@
 #include "kernel/run/runtime.h"
 #include "kernel/values/adt.h"
 #include "kernel/values/records.h"
-#include "support/errorcell.h"
-#include "unit/kernel/runtime_fixture.h"
+#include "unit/kernel/checked_fixture.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -19,20 +17,10 @@
 
 namespace tarn {
 
-class Lists : public Runtime {
+class Lists : public Checked {
 protected:
     using Texts = std::vector<std::string>;
     using Numbers = std::vector<std::int32_t>;
-
-    void SetUp() override {
-        Runtime::SetUp();
-        SetMemoryChecking(true);
-    }
-    void TearDown() override {
-        FailAllocation(-1);
-        EXPECT_EQ(ErrorCell(), 0);
-        Runtime::TearDown();
-    }
 
     static String fixedString(std::int32_t capacity, std::string_view text = {}) {
         String s(capacity);

@@ -7,29 +7,17 @@
 #include "kernel/values/adt.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/sets.h"
-#include "support/errorcell.h"
-#include "unit/kernel/runtime_fixture.h"
+#include "unit/kernel/checked_fixture.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
 
 namespace tarn {
 
-// Every set lives and dies under memory checking, so that a leak or a wrong free fails the test.
-class Sets : public Runtime {
+class Sets : public Checked {
 protected:
     static constexpr std::int32_t lowest = -32768, highest = 32767;
 
-    void SetUp() override {
-        Runtime::SetUp();
-        SetMemoryChecking(true);
-    }
-    void TearDown() override {
-        FailAllocation(-1);
-        EXPECT_EQ(ErrorCell(), 0);
-        EXPECT_EQ(LiveBlocks(), 0);
-        Runtime::TearDown();
-    }
     static OwnedSet dynamic(std::string_view members = "[]") { return made(UNBOUNDED, UNBOUNDED, members); }
     static OwnedSet fixed(std::int32_t lower, std::int32_t upper, std::string_view members = "[]") {
         return made(lower, upper, members);

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Values built from type information text, which live and die under memory checking.
+// Values built from type information text.
 #pragma once
 
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/run/errors.h"
 #include "kernel/values/adt.h"
-#include "support/errorcell.h"
-#include "unit/kernel/runtime_fixture.h"
+#include "unit/kernel/checked_fixture.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -16,7 +15,7 @@
 
 namespace tarn {
 
-class TypeInfoValues : public Runtime {
+class TypeInfoValues : public Checked {
 protected:
     static inline const std::string customers = "cust : table\n"
                                                 "\tTcust : record\n"
@@ -25,15 +24,6 @@ protected:
                                                 "\tend record\n"
                                                 "end table\n";
 
-    void SetUp() override {
-        Runtime::SetUp();
-        SetMemoryChecking(true);
-    }
-    void TearDown() override {
-        FailAllocation(-1);
-        EXPECT_EQ(ErrorCell(), 0);
-        Runtime::TearDown();
-    }
     // Builds the value of the first element and frees it again.
     struct Built {
         std::int32_t kind = 0;

@@ -1,31 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// For tests of values: memory checking is on, and each test ends with a clear cell and an empty heap.
+// For tests of values of any kind.
 #pragma once
 
 #include "kernel/run/errors.h"
 #include "kernel/values/adt.h"
-#include "support/errorcell.h"
 #include "support/value_model.h"
-#include "unit/kernel/runtime_fixture.h"
+#include "unit/kernel/checked_fixture.h"
 
 #include <array>
 
 namespace tarn {
 
-class Values : public Runtime {
-protected:
-    void SetUp() override {
-        Runtime::SetUp();
-        ASSERT_EQ(LiveBlocks(), 0);
-        SetMemoryChecking(true);
-    }
-    void TearDown() override {
-        FailAllocation(-1);
-        EXPECT_EQ(ErrorCell(), 0);
-        Runtime::TearDown();
-    }
-};
+class Values : public Checked {};
 
 // Runs `call` with the n-th request failing, until it succeeds; `after` sees the state after each failure.
 template <class Before, class Call, class After>

@@ -48,9 +48,11 @@ bool LineReader::makeRoom(std::size_t bytes) {
     if (bytes <= room_) return true;
     const std::size_t room = std::max(bytes, 2 * room_);
     std::unique_ptr<char[]> made(new (std::nothrow) char[room]);
-    ended_ = made == nullptr;
-    if (ended_) error_ = os::FileError::ReadFailed;
-    if (ended_) return false;
+    if (made == nullptr) {
+        ended_ = true;
+        error_ = os::FileError::ReadFailed;
+        return false;
+    }
     std::memcpy(made.get(), buffer_, filled_);
     large_ = std::move(made);
     buffer_ = large_.get();
@@ -121,8 +123,9 @@ void LineReader::setLine(std::size_t length) {
 }
 
 // More is waiting than a line may hold, and its end was not read yet. What lies beyond is read over the same
-// place again and again until the end is found.
+// place again and again until the end is found. The room for that comes first: the line must not move.
 void LineReader::takeLong() {
+    (void)makeRoom(maxLine_ + readSize + 1 + ScannerSlack);  // without it nothing more is read
     std::memmove(buffer_, buffer_ + next_, maxLine_);
     next_ = 0;
     setLine(maxLine_);

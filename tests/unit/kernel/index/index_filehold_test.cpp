@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/index/index_filehold.h"
 #include "support/steerable.h"
+#include "unit/kernel/index_records.h"
 #include "unit/kernel/runtime_fixture.h"
 
+#include <functional>
 #include <string>
 
 namespace tarn {
@@ -12,16 +14,18 @@ using os::FileCall;
 using os::FileError;
 using os::OpenMode;
 
-constexpr std::int32_t recordSize = 28, nearBytes = 28;
+constexpr std::int64_t second = 1'000'000'000;
 
-std::string recordOf(std::int32_t number, char version = 'a') {
-    std::string record(recordSize, version);
-    record.replace(0, 8, std::to_string(10000000 + number));
-    return record;
-}
-std::int64_t placeOf(std::int32_t number) {
-    return IndexRecordAt(number, recordSize);
-}
+// A disk where another program may come between a stamp and the look that follows it.
+class SharedFiles : public os::SteeredFiles {
+public:
+    FileError setModifiedOpen(os::Handle handle, std::int64_t nanoseconds) override {
+        const FileError error = SteeredFiles::setModifiedOpen(handle, nanoseconds);
+        if (behindStamp) behindStamp();
+        return error;
+    }
+    std::function<void()> behindStamp;
+};
 
 class HeldIndexTest : public Runtime {
 protected:
@@ -41,6 +45,12 @@ protected:
         held.giveBack(changes);
         return 0;
     }
+    void anotherWrites() {
+        os::Handle other = -1;
+        ASSERT_EQ(disk.open(path, OpenMode::ReadWrite, 0, other), FileError::None);
+        ASSERT_EQ(disk.write(other, 0, "H"), FileError::None);
+        disk.close(other);
+    }
     static bool remembers(HeldIndex& held) {
         held.records().shape(recordSize, nearBytes);
         return held.records().find(placeOf(1), nearBytes) != nullptr;
@@ -51,7 +61,9 @@ protected:
     }
     const std::string path = "/d/t.i1";
     os::Handle handle = -1;
-    os::SteeredFiles disk;
+    os::SteeredClock clock;
+    os::Steered steeredClock{clock};
+    SharedFiles disk;
     os::Steered steered{disk};
 };
 
@@ -87,45 +99,76 @@ TEST_F(HeldIndexTest, StaysOpenUntilItEndsOrIsLetGo) {
     EXPECT_EQ(HeldIndex::of(path), nullptr);
 }
 
+// Without time between two changes it is as on a disk that gives both the same.
 TEST_F(HeldIndexTest, OwnChangesKeepTheRecordsThoseOfOthersDoNot) {
-    HeldIndex held(path);
-    ASSERT_EQ(use(held, OpenMode::ReadWrite), 0);
-    rememberOne(held);
-    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
-    ASSERT_EQ(use(held, OpenMode::Read), 0);
-    EXPECT_TRUE(remembers(held));
-    os::Handle other = -1;
-    ASSERT_EQ(disk.open(path, OpenMode::ReadWrite, 0, other), FileError::None);
-    ASSERT_EQ(disk.write(other, 0, "H"), FileError::None);
-    disk.close(other);
-    ASSERT_EQ(use(held, OpenMode::Read), 0);
-    EXPECT_FALSE(remembers(held));
+    for (const std::int64_t between : {std::int64_t{0}, second}) {
+        SCOPED_TRACE(between);
+        HeldIndex held(path);
+        ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+        rememberOne(held);
+        clock.advance(between);
+        ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+        ASSERT_EQ(use(held, OpenMode::Read), 0);
+        EXPECT_TRUE(remembers(held));
+        clock.advance(between);
+        anotherWrites();
+        ASSERT_EQ(use(held, OpenMode::Read), 0);
+        EXPECT_FALSE(remembers(held));
+    }
 }
 
-// As on a disk that gives two changes, one soon after the other, the same time.
-TEST_F(HeldIndexTest, AChangeOfAnotherProgramAtTheSameTimeIsNoticed) {
-    os::SteeredClock clock;
-    const os::Steered steeredClock(clock);
-    HeldIndex held(path);
-    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
-    rememberOne(held);
-    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
-    ASSERT_EQ(use(held, OpenMode::Read), 0);
-    EXPECT_TRUE(remembers(held));
-    os::Handle other = -1;
-    ASSERT_EQ(disk.open(path, OpenMode::ReadWrite, 0, other), FileError::None);
-    ASSERT_EQ(disk.write(other, 0, "H"), FileError::None);
-    disk.close(other);
-    ASSERT_EQ(use(held, OpenMode::Read), 0);
-    EXPECT_FALSE(remembers(held));
+TEST_F(HeldIndexTest, AChangeBetweenAStampAndItsLookIsNotTakenForAnOwnOne) {
+    for (const std::int64_t wait : {std::int64_t{0}, 10 * second}) {
+        SCOPED_TRACE(wait);
+        HeldIndex held(path);
+        ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+        rememberOne(held);
+        disk.behindStamp = [&] {
+            clock.advance(1);
+            anotherWrites();
+            clock.advance(wait);
+        };
+        ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+        disk.behindStamp = {};
+        ASSERT_EQ(use(held, OpenMode::Read), 0);
+        EXPECT_FALSE(remembers(held));
+    }
 }
 
-TEST_F(HeldIndexTest, AFileThatTakesNoStampIsKnownByItsSizeAndTimes) {
+TEST_F(HeldIndexTest, WhatWasReadOfAFileThatIsNotNewStays) {
+    clock.advance(10 * second);
+    HeldIndex held(path);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
+    rememberOne(held);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
+    EXPECT_TRUE(remembers(held));
+}
+
+// It may have changed again at the same time, to the same size.
+TEST_F(HeldIndexTest, WhatWasReadAtTheTimeOfAChangeIsReadAgain) {
+    for (const std::int64_t wait : {std::int64_t{0}, 10 * second}) {
+        SCOPED_TRACE(wait);
+        HeldIndex held(path);
+        anotherWrites();
+        ASSERT_EQ(use(held, OpenMode::Read), 0);
+        rememberOne(held);
+        anotherWrites();
+        clock.advance(wait);
+        ASSERT_EQ(use(held, OpenMode::Read), 0);
+        EXPECT_FALSE(remembers(held));
+    }
+}
+
+TEST_F(HeldIndexTest, AFileThatTakesNoStampIsKnownByItsSizeAndTimesWhenItIsNotNew) {
     disk.failAlways(FileCall::SetModified, FileError::Denied);
     HeldIndex held(path);
     ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
     rememberOne(held);
-    ASSERT_EQ(use(held, OpenMode::ReadWrite, true), 0);
+    clock.advance(10 * second);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
+    EXPECT_FALSE(remembers(held));
+    rememberOne(held);
+    ASSERT_EQ(use(held, OpenMode::Read), 0);
     EXPECT_TRUE(remembers(held));
     disk.put(path, "other");
     ASSERT_EQ(use(held, OpenMode::Read), 0);

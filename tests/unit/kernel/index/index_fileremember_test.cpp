@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kernel/index/index_fileremember.h"
 #include "support/steerable.h"
+#include "unit/kernel/index_records.h"
 #include "unit/kernel/runtime_fixture.h"
 
 #include <functional>
@@ -12,17 +13,6 @@ namespace tarn {
 namespace {
 
 using os::FileError;
-
-constexpr std::int32_t recordSize = 28, nearBytes = 28;
-
-std::string recordOf(std::int32_t number, char version = 'a') {
-    std::string record(recordSize, version);
-    record.replace(0, 8, std::to_string(10000000 + number));
-    return record;
-}
-std::int64_t placeOf(std::int32_t number) {
-    return IndexRecordAt(number, recordSize);
-}
 
 class RememberedRecordsTest : public ::testing::Test {
 protected:

@@ -3,8 +3,7 @@
 
 #include "kernel/text/fixed.h"
 #include "kernel/values/strings.h"
-#include "support/errorcell.h"
-#include "unit/kernel/runtime_fixture.h"
+#include "unit/kernel/checked_fixture.h"
 
 #include <cmath>
 #include <limits>
@@ -24,17 +23,11 @@ using NumberOf = std::conditional_t<
     std::conditional_t<kind == KindFixed, Fixed,
                        std::conditional_t<kind == KindInteger, std::int32_t, std::uint8_t>>>;
 
-class Convert : public Runtime {
+class Convert : public Checked {
 protected:
-    void SetUp() override {
-        Runtime::SetUp();
-        SetMemoryChecking(true);
-    }
     void TearDown() override {
-        FailAllocation(-1);
         CharacterWidth = 1;
-        EXPECT_EQ(ErrorCell(), 0);
-        Runtime::TearDown();
+        Checked::TearDown();
     }
     // One conversion between numbers, at addresses of no alignment; the target holds 77 before.
     template <Kind from, Kind to>

@@ -36,6 +36,21 @@ TEST_F(Scanning, LinesOfMoreThanTheLimitAreCut) {
     }
 }
 
+TEST_F(Scanning, LongerLinesAreCutWhereTheCallerSays) {
+    for (const std::int32_t longest : {40000, 70000, 150000, 196606, 196607, 300000}) {
+        SCOPED_TRACE(longest);
+        const std::string kept(static_cast<std::size_t>(longest) - 1, 'x');
+        disk.put(file, kept + std::string(300000, 'z') + "\ny\n");
+        Scanner scanner;
+        EXPECT_EQ(scanner.open(file, &table, false, longest), ScanLineTooLong);
+        EXPECT_TRUE(scanner.line() == kept + "\n") << scanner.line().size();
+        scanner.skipBytes(longest);
+        EXPECT_EQ(scanner.next(&table), ScanNewLine);
+        EXPECT_EQ(scanner.line(), "y\n");
+        EXPECT_EQ(scanner.lineNumber(), 2);
+    }
+}
+
 TEST_F(Scanning, LinesAreWholeWhereverABlockOfTheFileEnds) {
     const std::string full(32767, 'x');
     for (const std::size_t before : {32764U, 32765U, 32766U, 32767U}) {
