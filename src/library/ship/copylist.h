@@ -55,8 +55,8 @@ std::string FILELISTLINES(const std::string& files);
 
 // Whether to go on, asked ahead of each file.
 using CopyProgress = bool (*)(void* context, std::int64_t done, std::int64_t total);
-// Copies the files into the folder; of several of one name only the first, and one that is listed twice once. The result are those that were not copied, one
-// a line; when the work was stopped, all that had not been copied by then.
+// Copies the files into the folder; of several of one name only the first, and one that is listed twice once. The
+// result are those that were not copied, one a line; when the work was stopped, all that had not been copied by then.
 std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go = nullptr,
                          void* context = nullptr);
 std::string
