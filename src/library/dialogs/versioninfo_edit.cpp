@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Changing a version block: only the values that differ, each in its place. The block is taken apart once, the changes are
-// gathered, and one pass makes them.
+// Changing a version block: only the values that differ, each in its place. The block is taken apart once, the changes
+// are gathered, and one pass makes them.
 #include "library/dialogs/versioninfo_internal.h"
-#include "library/settings/profstr.h"
 #include "library/system/system.h"
 
 #include <algorithm>
@@ -18,7 +17,7 @@ using detail::VersionNumbers;
 using detail::VersionSpan;
 using detail::VersionValue;
 
-// Whether this program wrote it all, whatever the program was called then: as a block of fields, or as that of a new program.
+// Whether this program wrote it all, for whatever stem: as a block of fields, or as that of a new program.
 bool isOurs(const std::string& block, const detail::VersionParts& parts, const VersionFields& fields) {
     const auto named = std::find_if(parts.values.begin(), parts.values.end(), [](const VersionValue& value) {
         return STREQUAL(value.key, "InternalName");
@@ -36,7 +35,9 @@ bool saysVersion(const std::string& text, const std::string& version) {
     std::string numbers = text;
     std::replace_if(
         numbers.begin(), numbers.end(), [](char c) { return c == '.' || c == ','; }, ' ');
-    return STRTOKENCOUNT(numbers) <= 4 &&
+    std::string rest = numbers;
+    for (int i = 0; i < 4; ++i) rest = STRSPLIT(rest).right;
+    return STRTRIM(rest).empty() &&
            detail::versionNumbers(numbers, ".") == detail::versionNumbers(version, ".");
 }
 
@@ -50,6 +51,7 @@ public:
 
 private:
     void replace(VersionSpan span, std::string text) { edits_.push_back({span, std::move(text)}); }
+    void replaceAll(const std::vector<VersionSpan>& spans, const std::string& text);
     void replaceText(const VersionValue& value, const std::string& text);
     void insertLine(std::size_t behind, const std::string& line);
     void addTexts();
@@ -68,14 +70,20 @@ private:
     std::vector<std::string> added_;  // lines of texts that the block does not have
 };
 
-// Strings that were joined to the first one go, but not what stands between them.
-void Editor::replaceText(const VersionValue& value, const std::string& text) {
-    replace(value.spans.front(), detail::quotedVersionText(text, value.null));
-    for (std::size_t i = 1; i < value.spans.size(); ++i) {
-        const std::size_t before = value.spans[i - 1].end, begin = value.spans[i].begin;
-        const bool blank = block_.find_first_not_of(" \t", before) == begin;
-        replace({blank ? before : begin, value.spans[i].end}, "");
+// The text stands where the first of them stood. The others go, but not the comments between them.
+void Editor::replaceAll(const std::vector<VersionSpan>& spans, const std::string& text) {
+    replace(spans.front(), text);
+    for (std::size_t i = 1; i < spans.size(); ++i) {
+        const std::size_t before = spans[i - 1].end, begin = spans[i].begin;
+        const std::string_view between = std::string_view(block_).substr(before, begin - before);
+        const bool comment = between.find_first_not_of(" \t\r\n") != std::string_view::npos;
+        const std::size_t kept = comment ? between.find_last_not_of(" \t") + 1 : 0;
+        replace({before + kept, spans[i].end}, "");
     }
+}
+
+void Editor::replaceText(const VersionValue& value, const std::string& text) {
+    replaceAll(value.spans, detail::quotedVersionText(text, value.null));
 }
 
 // Where that key says the old text; into a line of its own if none does.
@@ -96,8 +104,9 @@ void Editor::putVersion(const std::string& before, const std::string& after) {
         const bool file = STREQUAL(old.word, "FILEVERSION");
         found = found || file;
         if (!file && !saysVersion(old.text, before)) continue;
-        const bool close = old.span.begin > 0 && static_cast<unsigned char>(block_[old.span.begin - 1]) > ' ';
-        replace(old.span, (close ? " " : "") + numbers);
+        const std::size_t begin = old.spans.front().begin;
+        const bool close = begin > 0 && static_cast<unsigned char>(block_[begin - 1]) > ' ';
+        replaceAll(old.spans, (close ? " " : "") + numbers);
     }
     if (!found) insertLine(parts_.headEnd, "    FILEVERSION " + numbers);
     for (const VersionValue& value : parts_.values)

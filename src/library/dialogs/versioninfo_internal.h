@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The text of a version block taken apart, for its reader and writer (versioninfo.cpp) and its editor
-// (versioninfo_edit.cpp). Words and strings are those of resource files: a word is of letters, digits and "_#-+", a string
-// ends on its line, and a quote in it stands twice or behind a backslash. A backslash stands for itself, and only ahead of a
-// quote for the next character, so that paths are what they seem. Cost: linear in the texts.
+// (versioninfo_edit.cpp). Words and strings are those of resource files: a word is of letters, digits and "_#-+", a
+// string ends on its line, and a quote in it stands twice or behind a backslash. A backslash stands for itself, and
+// only ahead of a quote for the next character, so that paths are what they seem. Cost: linear in the texts.
 #pragma once
 
 #include "library/dialogs/versioninfo.h"
@@ -44,8 +44,8 @@ struct VersionValue {
 
 // FILEVERSION or PRODUCTVERSION and what is behind it, up to the first word that no comma joins to it.
 struct VersionNumbers {
-    std::string word, text;  // `text`: parted by blanks
-    VersionSpan span;        // where there are none, behind the word
+    std::string word, text;          // `text`: parted by blanks
+    std::vector<VersionSpan> spans;  // where there are none, an empty one behind the word
 };
 
 struct VersionParts {

@@ -93,7 +93,7 @@ bool isKeyword(const Token& token) {
                        [&](std::string_view word) { return token.is(word); });
 }
 
-// What a string says: backslashes ahead of a quote are halved, and an odd one, or another quote, makes it part of the text.
+// What a string says: backslashes ahead of a quote are halved; an odd one, or another quote, makes it part of the text.
 std::string plain(std::string_view token) {
     if (!token.starts_with('"')) return std::string(token);
     token = token.substr(1, token.size() - 2);
@@ -185,10 +185,10 @@ bool Reader::belongs(std::size_t i, bool first) const {
 }
 
 void Reader::numbers(std::size_t i) {
-    VersionNumbers numbers{std::string(tokens_[i].text), "", {tokens_[i].span.end, tokens_[i].span.end}};
+    VersionNumbers numbers{std::string(tokens_[i].text), "", {}};
     bool parted = false;
-    std::size_t next = i + 1;
-    for (; belongs(next, next == i + 1); ++next) {
+    for (std::size_t next = i + 1; belongs(next, next == i + 1); ++next) {
+        numbers.spans.push_back(tokens_[next].span);
         if (const bool comma = tokens_[next].is(','); comma || parted) {
             parted = comma;
             if (comma) continue;
@@ -196,7 +196,7 @@ void Reader::numbers(std::size_t i) {
         }
         numbers.text += tokens_[next].text;
     }
-    if (next > i + 1) numbers.span = {tokens_[i + 1].span.begin, tokens_[next - 1].span.end};
+    if (numbers.spans.empty()) numbers.spans.push_back({tokens_[i].span.end, tokens_[i].span.end});
     parts_.numbers.push_back(std::move(numbers));
 }
 

@@ -151,6 +151,13 @@ std::string ended(const std::string& text, bool pairs) {
     return pairs ? STRREPLACE(text, "\n", "\r\n") : text;
 }
 
+// Numbers that take the place of others keep the comments between them.
+std::string newNumbers(const std::string& old) {
+    std::string text = "5,6,7,8";
+    for (std::size_t at = 0; (at = old.find("// next", at)) != std::string::npos; ++at) text += " // next\n";
+    return text;
+}
+
 // Whether the new text is the old one with something put in at one place.
 bool isInsertion(const std::string& before, const std::string& after) {
     if (after.size() < before.size()) return false;
@@ -222,7 +229,7 @@ protected:
         const bool numbered = !fields.version.empty();
         for (Piece& piece : pieces) {
             const bool number = piece.key == "FILEVERSION" || piece.key == "PRODUCTVERSION";
-            if (number && numbered && piece.says == fields.version) piece.written = "5,6,7,8";
+            if (number && numbered && piece.says == fields.version) piece.written = newNumbers(piece.written);
             const bool old =
                 numbered ? piece.says == "1.2.3.4" || piece.says == "1, 2, 3, 4" : piece.says.empty();
             if ((piece.key == "FileVersion" || piece.key == "ProductVersion") && old)

@@ -289,6 +289,7 @@ TEST_F(VersionFile, AVersionChangesWhereTheBlockSaysTheOldOne) {
         {" PRODUCTVERSION 1,2,3,4 // all\n", " PRODUCTVERSION 5,6,7,8 // all\n"},
         {" PRODUCTVERSION 1,2,0,0 // of the suite\n", nullptr},
         {" FILEVERSION 1,2,3,4 PRODUCTVERSION 1,2,3,4\n", " FILEVERSION 5,6,7,8 PRODUCTVERSION 5,6,7,8\n"},
+        {" FILEVERSION 1, 2, // a\n 3, // b\n 4\n", " FILEVERSION 5,6,7,8 // a\n // b\n\n"},
         {" FILEVERSION 1,2,3,4 FILEOS 4\n", " FILEVERSION 5,6,7,8 FILEOS 4\n"}};
     const struct {
         const char *says, *becomes;
@@ -296,7 +297,9 @@ TEST_F(VersionFile, AVersionChangesWhereTheBlockSaysTheOldOne) {
                  {"\"1, 2, 3, 4\"", "\"5.6.7.8\""},
                  {"\"1.2 beta\\0\"", nullptr},
                  {"\"1.2.3.4 beta\\0\"", nullptr},
-                 {"\"1.2\\0\"", nullptr}};
+                 {"\"1.2\\0\"", nullptr},
+                 {"\"1.2.3.4 \xc3\xa4\\0\"", nullptr},
+                 {"\"1.2.3.4\" \"a\\0\"", nullptr}};
     const std::string main = write("a.cls", "");
     for (const char* const key : {"FileVersion", "ProductVersion"})
         for (const auto& numbers : cases)
