@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// debuggee NAME FILE [LEFT TOP WIDTH HEIGHT]: a program under the debugger, in a process of its own, for tests with real keys. It shows a window
-// with its name, and stops at line after line of a text; after a run it works without an event loop until the user breaks
-// in. What its handler hears is written to the file, a line each. It ends by the command to stop; if it was given a place
-// for its debugger's window, it tells then where that stood.
+// debuggee NAME FILE [LEFT TOP WIDTH HEIGHT]: a program under the debugger, in a process of its own, for tests with
+// real keys. It shows a window with its name, and stops at line after line of a text; after a run it works without an
+// event loop until the user breaks in. What its handler hears is written to the file, a line each. It ends by the
+// command to stop; if it was given a place for its debugger's window, it tells then where that stood.
 #include "os/files.h"
 #include "platform/model/debugger/debugwindow.h"
 #include "platform/resources/resource.h"

@@ -6,6 +6,7 @@
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/process.h"
@@ -55,12 +56,6 @@ std::string pathLines(const Object& window) {
 bool isBad(const std::string& path) {
     const std::string folder = FILEADDSEPARATOR(path);
     return folder.size() >= LongPath || DiskSpace(folder) == -1;
-}
-
-std::string indented(const std::string& lines) {
-    std::string text;
-    for (int i = 1; i <= STRLINES(lines); i++) text += "\t" + STRLINE(lines, i) + "\n";
-    return text;
 }
 
 void addDrives(const Object& window) {
@@ -147,7 +142,7 @@ bool CHECKPATHS(const std::string& title, const std::string& paths) {
     Sound();
     return MsgBox(title,
                   "The following path(s) are too long or do not exist:\n" +
-                      indented(LIMITLINES(bad, MostShown)) +
+                      INDENTLINES(LIMITLINES(bad, MostShown)) +
                       "Do you want to save them anyway (OK), or go back and fix them (Cancel)?",
                   "OK\nCancel", BoxIcon::Warning) == "OK";
 }

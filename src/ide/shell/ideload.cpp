@@ -21,6 +21,7 @@
 #include "ide/shell/welcome.h"
 #include "ide/shell/windows.h"
 #include "library/dialogs/commdlgs.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"
@@ -63,12 +64,6 @@ constexpr std::string_view requiredStems[] = {"Hilite",
                                               "Template.TableDeclaration",
                                               "Template.DatabaseDialog"};
 
-std::string indented(const std::string& lines) {
-    std::string result;
-    for (int i = 1; i <= STRLINES(lines); i++) result += "\t" + STRLINE(lines, i) + "\n";
-    return result;
-}
-
 void checkSettings(const std::string& ini) {
     const std::string backup = FILECHANGEEXT(ini, ".bak");
     const std::string missing = CHECKINIFILE(ini);
@@ -76,14 +71,14 @@ void checkSettings(const std::string& ini) {
     const std::string backupLine =
         FileSize(backup) > 0 ? "(There is a backup INI file in '" + backup + "')" : "";
     Sound();
-    const std::string answer =
-        MsgBox("Error",
-               "The INI file '" + ini + "' is missing or invalid.\n" +
-                   "One or more of the following sections are missing:\n\n" + indented(LIMITLINES(missing)) +
-                   "\nThis may prevent the compiler from working, or may cause the IDE\n"
-                   "to run slowly. The INI file should be restored from a backup.\n" +
-                   backupLine,
-               "Halt\nContinue", BoxIcon::Error);
+    const std::string answer = MsgBox(
+        "Error",
+        "The INI file '" + ini + "' is missing or invalid.\n" +
+            "One or more of the following sections are missing:\n\n" + INDENTLINES(LIMITLINES(missing)) +
+            "\nThis may prevent the compiler from working, or may cause the IDE\n"
+            "to run slowly. The INI file should be restored from a backup.\n" +
+            backupLine,
+        "Halt\nContinue", BoxIcon::Error);
     if (answer == "Halt") Halt();
 }
 

@@ -62,6 +62,14 @@ std::string PLAINCAPTION(std::string_view text) {
     return STRREPLACE(std::string(text), "&", "&&");
 }
 
+std::string INDENTLINES(const std::string& lines) {
+    FRAME(INDENTLINES);
+    std::string text;
+    for (std::string_view rest = lines; !rest.empty();)
+        text.append("\t").append(ascii::withoutLineEnd(ascii::takeLine(rest))).append("\n");
+    return text;
+}
+
 namespace {
 
 // Whether the "&" at `at` marks what follows: a letter, which may be one of several bytes, or a digit.

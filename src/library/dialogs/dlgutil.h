@@ -39,6 +39,9 @@ std::string SHOWNCAPTION(std::string_view caption);
 // The 1-based place of the first "&" that marks a mnemonic; 0 if there is none.
 int FINDMNEMONIC(std::string_view caption);
 
+// The lines as a message lists them: each behind a tab, and ended.
+std::string INDENTLINES(const std::string& lines);
+
 // ---- places of controls, in pixels of their window ----
 
 // Where the control lies; each number that is below 0 keeps what it is.

@@ -6,25 +6,11 @@
 #include "library/settings/profstr.h"
 #include "library/system/product.h"
 #include "library/system/system.h"
-#include "os/text/ascii.h"
-
-#include <array>
 
 MODULE("dlgutil")
 
 namespace tarn {
 namespace detail {
-
-std::string versionText(const std::string& token) {
-    return REMOVETRAILINGNULL(STRREPLACE(STRREMOVEQUOTES(token), "\"\"", "\""));
-}
-
-std::string quotedVersionText(const std::string& text, bool null) {
-    std::string value = STRREPLACE(text, "\"", "\"\"");
-    for (char& c : value)
-        if (static_cast<unsigned char>(c) < ' ') c = ' ';
-    return "\"" + value + std::string(null ? NullMark : "") + "\"";
-}
 
 std::string versionNumbers(const std::string& version, std::string_view separator) {
     std::string rest = version, text;
@@ -46,36 +32,6 @@ namespace {
 
 using detail::versionNumbers;
 using detail::versionValueLine;
-
-// ---- reading ----
-
-void takeValue(std::string_view line, VersionFields& fields) {
-    std::array<std::string, 4> tokens;
-    std::size_t position = 1;
-    for (std::string& token : tokens) token = NextWord(line, position);
-    if (!STREQUAL(tokens[0], "VALUE")) return;
-    for (const detail::VersionKey& key : detail::versionKeys)
-        if (STREQUAL(tokens[1], STRADDQUOTES(std::string(key.name))))
-            fields.*key.field = detail::versionText(tokens[3]);
-}
-
-void takeVersion(std::string_view line, VersionFields& fields) {
-    std::size_t position = 1;
-    static_cast<void>(NextWord(line, position));
-    std::string numbers;
-    for (std::string token = NextWord(line, position); !token.empty(); token = NextWord(line, position))
-        if (token != ",") numbers += " " + token;
-    fields.version = STRLTRIM(numbers);
-}
-
-// The head of a block may hold the first of its numbers.
-std::string_view behindHead(std::string_view line) {
-    if (!STREQUAL(STRTOKEN(line, 2), "VERSIONINFO")) return line;
-    const int at = STRFIND("FILEVERSION", line);
-    return at > 0 ? line.substr(static_cast<std::size_t>(at) - 1) : "";
-}
-
-// ---- writing ----
 
 std::string blockOf(const std::string& name, const std::string& version, const std::string& values) {
     const std::string numbers = versionNumbers(version, ",");
@@ -100,13 +56,12 @@ VersionFields VERSIONINFOTOFIELDS(std::string_view text) {
     FRAME(VERSIONINFOTOFIELDS);
     STAMP();
     VersionFields fields;
-    while (!text.empty()) {
-        const std::string line = STRTRIM(behindHead(ascii::takeLine(text)));
-        if (STREQUAL(STRLEFT(line, 11), "FILEVERSION"))
-            takeVersion(line, fields);
-        else
-            takeValue(line, fields);
-    }
+    const detail::VersionParts parts = detail::versionPartsOf(text);
+    for (const detail::VersionNumbers& numbers : parts.numbers)
+        if (STREQUAL(numbers.word, "FILEVERSION")) fields.version = numbers.text;
+    for (const detail::VersionValue& value : parts.values)
+        for (const detail::VersionKey& key : detail::versionKeys)
+            if (STREQUAL(value.key, key.name)) fields.*key.field = value.text;
     return fields;
 }
 
@@ -147,14 +102,13 @@ std::string GETDEFAULTVERSIONINFO(const std::string& fileStem) {
     const std::string number = std::string(ProductVersion);
     const std::string numbers = STRREPLACE(number, ".", " ") + " " + std::string(ProductBuild) + " 0";
     const std::string version = versionNumbers(numbers, ".");
-    return blockOf(
-        std::string(DefaultVersionName), numbers,
-        versionValueLine("CompanyName", "") +
-            versionValueLine("FileDescription", createdBy() + number) +
-            versionValueLine("FileVersion", version) + versionValueLine("InternalName", fileStem) +
-            versionValueLine("OriginalFilename", fileStem) +
-            versionValueLine("ProductName", fileStem + " Application") +
-            versionValueLine("ProductVersion", version));
+    return blockOf(std::string(DefaultVersionName), numbers,
+                   versionValueLine("CompanyName", "") +
+                       versionValueLine("FileDescription", createdBy() + number) +
+                       versionValueLine("FileVersion", version) + versionValueLine("InternalName", fileStem) +
+                       versionValueLine("OriginalFilename", fileStem) +
+                       versionValueLine("ProductName", fileStem + " Application") +
+                       versionValueLine("ProductVersion", version));
 }
 
 // ---- files ----

@@ -8,8 +8,8 @@
 //                 VALUE "CompanyName", "Ann & Co.\0"
 //
 // Its name may be a number, and other tools write it with languages, flags and comments of their own. A quote in a text
-// stands there twice. Control characters, which no text of a resource can hold, become blanks. Cost: linear in the text;
-// loading and saving read and write the resource file.
+// stands there twice, or behind a backslash. Control characters, which no text of a resource can hold, become blanks.
+// Cost: linear in the text; loading and saving read and write the resource file.
 #pragma once
 
 #include <string>
@@ -32,8 +32,9 @@ VersionFields VERSIONINFOTOFIELDS(std::string_view text);
 std::string FIELDSTOVERSIONINFO(const std::string& name, const VersionFields& fields,
                                 const std::string& fileStem);
 std::string GETDEFAULTVERSIONINFO(const std::string& fileStem);  // the block of a new program
-// The block with these fields. One that holds more than a block of this program's keeps it, and all that the fields do not
-// change: a text of several languages changes where it is the one that was read.
+// The block with these fields, which is whole. One that this program wrote, for whatever `fileStem`, is written anew.
+// Any other one keeps all that the fields do not change: a text of several languages changes where it is the one that
+// was read, and another number or text of a version where it says the old one.
 std::string CHANGEVERSIONINFO(const std::string& block, const std::string& name, const VersionFields& fields,
                               const std::string& fileStem);
 // Whether a description is that of a new program, made by any version of this system.

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Changing a version block that another tool or a person wrote: only the values that differ, each in its place.
+// Changing a version block: only the values that differ, each in its place. The block is taken apart once, the changes
+// are gathered, and one pass makes them.
 #include "library/dialogs/versioninfo_internal.h"
 #include "library/system/system.h"
-#include "os/text/ascii.h"
 
 #include <algorithm>
-#include <set>
 #include <vector>
 
 MODULE("dlgutil")
@@ -14,150 +13,168 @@ MODULE("dlgutil")
 namespace tarn {
 namespace {
 
-using Lines = std::vector<std::string>;
+using detail::VersionNumbers;
+using detail::VersionSpan;
+using detail::VersionValue;
 
-Lines linesOf(std::string_view text) {
-    Lines lines;
-    while (!text.empty()) lines.emplace_back(ascii::withoutLineEnd(ascii::takeLine(text)));
-    return lines;
+// Whether this program wrote it all, for whatever stem: as a block of fields, or as that of a new program.
+bool isOurs(const std::string& block, const detail::VersionParts& parts, const VersionFields& fields) {
+    const auto named = std::find_if(parts.values.begin(), parts.values.end(), [](const VersionValue& value) {
+        return STREQUAL(value.key, "InternalName");
+    });
+    if (named == parts.values.end()) return false;
+    std::string text = FIELDSTOVERSIONINFO(parts.name, fields, named->text);
+    if (block == text) return true;
+    for (const char* key : {"Comments", "LegalCopyright", "LegalTrademarks"})
+        text = STRREPLACE(text, detail::versionValueLine(key, ""), "");
+    return block == text;
 }
 
-// A token and where it stands, from 0. Behind the last one, and before a comment, it is empty.
-struct Token {
+// Whether a text is those numbers, parted by points or commas, and nothing else.
+bool saysVersion(const std::string& text, const std::string& version) {
+    std::string numbers = text;
+    std::replace_if(
+        numbers.begin(), numbers.end(), [](char c) { return c == '.' || c == ','; }, ' ');
+    std::string rest = numbers;
+    for (int i = 0; i < 4; ++i) rest = STRSPLIT(rest).right;
+    return STRTRIM(rest).empty() &&
+           detail::versionNumbers(numbers, ".") == detail::versionNumbers(version, ".");
+}
+
+class Editor {
+public:
+    explicit Editor(const std::string& block) : block_(block), parts_(detail::versionPartsOf(block)) {}
+    [[nodiscard]] const detail::VersionParts& parts() const { return parts_; }
+    void putText(std::string_view key, const std::string& before, const std::string& after);
+    void putVersion(const std::string& before, const std::string& after);
+    [[nodiscard]] std::string changed();
+
+private:
+    void replace(VersionSpan span, std::string text) { edits_.push_back({span, std::move(text)}); }
+    void replaceAll(const std::vector<VersionSpan>& spans, const std::string& text);
+    void replaceText(const VersionValue& value, const std::string& text);
+    void insertLine(std::size_t behind, const std::string& line);
+    void addTexts();
+    void addTable();
+    [[nodiscard]] const VersionValue* lastText() const;
+    [[nodiscard]] std::string indentAt(std::size_t at) const;
+    [[nodiscard]] bool endsLine(std::size_t at) const;
+
+    struct Edit {
+        VersionSpan span;
+        std::string text;
+    };
+    const std::string& block_;
+    detail::VersionParts parts_;
+    std::vector<Edit> edits_;
+    std::vector<std::string> added_;  // lines of texts that the block does not have
+};
+
+// The text stands where the first of them stood. The others go, but not the comments between them.
+void Editor::replaceAll(const std::vector<VersionSpan>& spans, const std::string& text) {
+    replace(spans.front(), text);
+    for (std::size_t i = 1; i < spans.size(); ++i) {
+        const std::size_t before = spans[i - 1].end, begin = spans[i].begin;
+        const std::string_view between = std::string_view(block_).substr(before, begin - before);
+        const bool comment = between.find_first_not_of(" \t\r\n") != std::string_view::npos;
+        const std::size_t kept = comment ? between.find_last_not_of(" \t") + 1 : 0;
+        replace({before + kept, spans[i].end}, "");
+    }
+}
+
+void Editor::replaceText(const VersionValue& value, const std::string& text) {
+    replaceAll(value.spans, detail::quotedVersionText(text, value.null));
+}
+
+// Where that key says the old text; into a line of its own if none does.
+void Editor::putText(std::string_view key, const std::string& before, const std::string& after) {
+    bool found = false;
+    for (const VersionValue& value : parts_.values) {
+        if (!STREQUAL(value.key, key) || value.text != before) continue;
+        replaceText(value, after);
+        found = true;
+    }
+    if (!found) added_.push_back(detail::versionValueLine(key, after));
+}
+
+void Editor::putVersion(const std::string& before, const std::string& after) {
+    const std::string numbers = detail::versionNumbers(after, ",");
+    bool found = false;
+    for (const VersionNumbers& old : parts_.numbers) {
+        const bool file = STREQUAL(old.word, "FILEVERSION");
+        found = found || file;
+        if (!file && !saysVersion(old.text, before)) continue;
+        const std::size_t begin = old.spans.front().begin;
+        const bool close = begin > 0 && static_cast<unsigned char>(block_[begin - 1]) > ' ';
+        replaceAll(old.spans, (close ? " " : "") + numbers);
+    }
+    if (!found) insertLine(parts_.headEnd, "    FILEVERSION " + numbers);
+    for (const VersionValue& value : parts_.values)
+        if ((STREQUAL(value.key, "FileVersion") || STREQUAL(value.key, "ProductVersion")) &&
+            value.spans.size() == 1 && saysVersion(value.text, before))
+            replaceText(value, detail::versionNumbers(after, "."));
+}
+
+bool Editor::endsLine(std::size_t at) const {
+    const std::size_t next = std::min(block_.find_first_not_of(" \t\r", at), block_.size());
+    return next == block_.size() || block_[next] == '\n' || block_.compare(next, 2, "//") == 0;
+}
+
+std::string Editor::indentAt(std::size_t at) const {
+    const std::size_t begin = at == 0 ? 0 : block_.rfind('\n', at - 1) + 1;
+    return block_.substr(begin, block_.find_first_not_of(" \t", begin) - begin);
+}
+
+// A line of its own where nothing but a comment follows there, otherwise into the line.
+void Editor::insertLine(std::size_t behind, const std::string& line) {
+    if (!endsLine(behind)) return replace({behind, behind}, " " + STRLTRIM(line));
+    const std::size_t end = block_.find('\n', behind);
+    if (end == std::string::npos) return replace({block_.size(), block_.size()}, "\n" + line);
+    replace({end + 1, end + 1}, line + "\n");
+}
+
+// The last of the first run of texts; null if there are none.
+const VersionValue* Editor::lastText() const {
+    const auto isText = [](const VersionValue& value) { return value.isString; };
+    const auto first = std::find_if(parts_.values.begin(), parts_.values.end(), isText);
+    if (first == parts_.values.end()) return nullptr;
+    const auto behind = std::find_if(first + 1, parts_.values.end(), [&](const VersionValue& value) {
+        return !isText(value) || !value.follows;
+    });
+    return &*(behind - 1);
+}
+
+// Behind the texts that are there, as they are written; where there are none, in a table before the block's last END.
+void Editor::addTexts() {
+    const VersionValue* const last = lastText();
+    if (added_.empty()) return;
+    if (last == nullptr) return addTable();
+    for (const std::string& line : added_)
+        insertLine(last->whole.end, indentAt(last->whole.begin) + STRTRIM(line));
+}
+
+void Editor::addTable() {
+    std::string table =
+        "    BLOCK \"StringFileInfo\"\n    BEGIN\n        BLOCK \"080904b0\"\n        BEGIN\n";
+    for (const std::string& line : added_) table += line;
+    table += "        END\n    END\n";
+    const std::size_t blanks = parts_.close - indentAt(parts_.close).size();
+    const bool alone = blanks == 0 || block_[blanks - 1] == '\n';
+    const std::size_t at = alone ? blanks : parts_.close;
+    replace({at, at}, (alone ? "" : "\n") + table);
+}
+
+std::string Editor::changed() {
+    addTexts();
+    std::stable_sort(edits_.begin(), edits_.end(),
+                     [](const Edit& a, const Edit& b) { return a.span.begin < b.span.begin; });
     std::string text;
-    std::size_t begin = 0, end = 0;
-};
-Token tokenAt(std::string_view line, std::size_t from) {
-    std::size_t position = from + 1;
-    Token token{NextWord(line, position), 0, 0};
-    token.end = std::min(position - 1, line.size());
-    token.begin = token.end - token.text.size();
-    return token;
-}
-
-bool isQuoted(const std::string& text) {
-    return text.starts_with('"');
-}
-
-// VALUE "key", text: the parts of such a line.
-struct Value {
-    bool is = false;
-    std::string key;
-    std::size_t begin = 0, end = 0;  // of the text, with all that is joined to it
-    Token first;
-};
-Value valueIn(std::string_view line) {
-    const Token word = tokenAt(line, 0), key = tokenAt(line, word.end), comma = tokenAt(line, key.end);
-    if (!STREQUAL(word.text, "VALUE") || !isQuoted(key.text) || comma.text != ",") return {};
-    Value value{true, STRREMOVEQUOTES(key.text), 0, 0, tokenAt(line, comma.end)};
-    value.begin = value.first.begin;
-    value.end = value.first.end;
-    for (Token next = tokenAt(line, value.end); isQuoted(next.text); next = tokenAt(line, value.end))
-        value.end = next.end;
-    return value;
-}
-
-// The numbers behind a word, which begins the line or stands in the head of the block.
-struct Numbers {
-    bool is = false;
-    std::size_t begin = 0, end = 0;
-};
-Numbers numbersBehind(std::string_view word, std::string_view line, bool head) {
-    Token token = tokenAt(line, 0);
-    while (head && !token.text.empty() && !STREQUAL(token.text, word)) token = tokenAt(line, token.end);
-    if (!STREQUAL(token.text, word)) return {};
-    Token next = tokenAt(line, token.end);
-    Numbers numbers{true, next.begin, token.end};
-    for (; !next.text.empty(); next = tokenAt(line, next.end)) numbers.end = next.end;
-    numbers.begin = std::min(numbers.begin, numbers.end);
-    return numbers;
-}
-
-// ---- whether there is more in it than this program writes ----
-
-// What a line is, without what it says.
-std::string shapeOf(const std::string& line) {
-    if (const Value value = valueIn(line); value.is && value.end == line.size() && isQuoted(value.first.text))
-        return line.substr(0, value.begin);
-    for (const char* word : {"FILEVERSION", "PRODUCTVERSION"})
-        if (const Numbers numbers = numbersBehind(word, line, false);
-            numbers.is && numbers.end == line.size())
-            return line.substr(0, numbers.begin);
-    return line;
-}
-
-bool holdsMore(const Lines& lines) {
-    std::set<std::string> shapes;
-    for (const std::string& line : linesOf(FIELDSTOVERSIONINFO("V", {}, ""))) shapes.insert(shapeOf(line));
-    const std::string head = lines.empty() ? "" : lines.front();
-    return !STREQUAL(head, tokenAt(head, 0).text + " VERSIONINFO") ||
-           std::any_of(lines.begin() + 1, lines.end(),
-                       [&](const std::string& line) { return !shapes.contains(shapeOf(line)); });
-}
-
-// ---- changes in their places ----
-
-// Puts the text where that key says the old one. False if no line has it so.
-bool putText(Lines& lines, std::string_view key, const std::string& before, const std::string& after) {
-    bool found = false;
-    for (std::string& line : lines) {
-        const Value value = valueIn(line);
-        if (!value.is || !STREQUAL(value.key, key) || detail::versionText(value.first.text) != before)
-            continue;
-        const bool null = STRREMOVEQUOTES(value.first.text).ends_with(detail::NullMark);
-        line.replace(value.begin, value.end - value.begin, detail::quotedVersionText(after, null));
-        found = true;
+    std::size_t at = 0;
+    for (const Edit& edit : edits_) {
+        text.append(block_, at, edit.span.begin - at).append(edit.text);
+        at = edit.span.end;
     }
-    return found;
-}
-
-bool isText(const std::string& line) {
-    const Value value = valueIn(line);
-    return value.is && isQuoted(value.first.text);
-}
-
-// Behind the first run of texts, as they are written there; where there is none, in a table before the block's last END.
-void addText(Lines& lines, std::string_view key, const std::string& text) {
-    const auto first = std::find_if(lines.begin(), lines.end(), isText);
-    const std::string line(ascii::withoutLineEnd(detail::versionValueLine(key, text)));
-    if (first != lines.end()) {
-        const std::string indent = first->substr(0, first->find_first_not_of(" \t"));
-        lines.insert(std::find_if_not(first, lines.end(), isText), indent + STRLTRIM(line));
-        return;
-    }
-    const Lines table = {"    BLOCK \"StringFileInfo\"",
-                         "    BEGIN",
-                         "        BLOCK \"080904b0\"",
-                         "        BEGIN",
-                         line,
-                         "        END",
-                         "    END"};
-    lines.insert(lines.end() - 1, table.begin(), table.end());
-}
-
-// False if there is no such line.
-bool putNumbers(Lines& lines, std::string_view word, const std::string& numbers) {
-    bool found = false;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        const Numbers old = numbersBehind(word, lines[i], i == 0);
-        if (!old.is) continue;
-        const std::string blank = old.begin > 0 && lines[i][old.begin - 1] > ' ' ? " " : "";
-        lines[i].replace(old.begin, old.end - old.begin, blank + numbers);
-        found = true;
-    }
-    return found;
-}
-
-void putVersion(Lines& lines, const std::string& version) {
-    const std::string numbers = detail::versionNumbers(version, ","),
-                      text = detail::versionNumbers(version, ".");
-    if (!putNumbers(lines, "FILEVERSION", numbers))
-        lines.insert(lines.begin() + 1, "    FILEVERSION " + numbers);
-    putNumbers(lines, "PRODUCTVERSION", numbers);
-    for (const char* key : {"FileVersion", "ProductVersion"})
-        for (const std::string& line : Lines(lines))
-            if (const Value value = valueIn(line); value.is && STREQUAL(value.key, key))
-                putText(lines, key, detail::versionText(value.first.text), text);
+    return text.append(block_, at);
 }
 
 }  // namespace
@@ -166,18 +183,16 @@ std::string CHANGEVERSIONINFO(const std::string& block, const std::string& name,
                               const std::string& fileStem) {
     FRAME(CHANGEVERSIONINFO);
     STAMP();
-    Lines lines = linesOf(block);
-    if (lines.empty() || !holdsMore(lines)) return FIELDSTOVERSIONINFO(name, fields, fileStem);
+    Editor editor(block);
     const VersionFields before = VERSIONINFOTOFIELDS(block);
-    for (const detail::VersionKey& key : detail::versionKeys) {
-        const std::string &old = before.*key.field, &text = fields.*key.field;
-        if (text != old && !putText(lines, key.name, old, text)) addText(lines, key.name, text);
-    }
+    if (!editor.parts().closed || isOurs(block, editor.parts(), before))
+        return FIELDSTOVERSIONINFO(name, fields, fileStem);
     STAMP();
-    if (fields.version != before.version) putVersion(lines, fields.version);
-    std::string changed;
-    for (const std::string& line : lines) changed += line + "\n";
-    return changed;
+    for (const detail::VersionKey& key : detail::versionKeys)
+        if (const std::string& text = fields.*key.field; text != before.*key.field)
+            editor.putText(key.name, before.*key.field, text);
+    if (fields.version != before.version) editor.putVersion(before.version, fields.version);
+    return editor.changed();
 }
 
 }  // namespace tarn

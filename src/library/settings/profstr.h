@@ -4,12 +4,12 @@
 // dialog kept in such a file. Every call reads the whole file, and a write saves the whole file; nothing
 // stays open. A missing file reads as empty; one that is there and cannot be read reads as empty and is not
 // written. An empty file name or section makes a write do nothing, and so does a key that could never be found
-// again: one that holds "=" or another character than 33 to 126, or begins with another character than a letter, a digit or "_". A
-// failed write leaves the old file whole.
+// again: one that holds "=" or another character than 33 to 126, or begins with another character than a letter, a
+// digit or "_". A failed write leaves the old file whole.
 //
-// A file that cannot be read or written is told in a box (651 to 654, 657), once for a file and a code until that works again,
-// a change that is lost once for each thing that the user does; the program goes on, and LastError has the code then. A write
-// that would change nothing is none.
+// A file that cannot be read or written is told in a box (651 to 654, 657), once for a file and a code until that works
+// again, a change that is lost once for each thing that the user does; the program goes on, and LastError has the code
+// then. A write that would change nothing is none.
 //
 // Cost: one pass over the file per call.
 #pragma once

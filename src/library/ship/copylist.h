@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Lists of files that are to be copied somewhere. A list is a text with a line for each file: its path, which ends at the
-// first tab, and whatever else stands behind it. Functions that touch the disk leave no error in the cell: what they could
-// not do is in their result.
+// Lists of files that are to be copied somewhere. A list is a text with a line for each file: its path, which ends at
+// the first tab, and whatever else stands behind it. Functions that touch the disk leave no error in the cell: what
+// they could not do is in their result.
 #pragma once
 
 #include "library/ship/packagesize.h"
@@ -45,8 +45,8 @@ bool ISNAMEINLIST(const std::string& text, const std::string& name, std::int64_t
 
 // ---- files ----
 
-// Sizes the files and places them on disks: each on the current one if it fits there, otherwise on the next. One that does
-// not exist, or fits on no disk, makes the whole list empty.
+// Sizes the files and places them on disks: each on the current one if it fits there, otherwise on the next. One that
+// does not exist, or fits on no disk, makes the whole list empty.
 CopyList GETSEGMENTEDFILELIST(const std::string& files, std::int64_t diskSize, std::int64_t allocationUnit);
 // The files of a folder whose names fit the pattern ("*.*": all): name, tab, size, one a line.
 std::string GETDISKFILELIST(const std::string& folder, std::string_view pattern);
@@ -55,8 +55,8 @@ std::string FILELISTLINES(const std::string& files);
 
 // Whether to go on, asked ahead of each file.
 using CopyProgress = bool (*)(void* context, std::int64_t done, std::int64_t total);
-// Copies the files into the folder; of several of one name only the first, and one that is listed twice once. The result are those that were not copied, one
-// a line; when the work was stopped, all that had not been copied by then.
+// Copies the files into the folder; of several of one name only the first, and one that is listed twice once. The
+// result are those that were not copied, one a line; when the work was stopped, all that had not been copied by then.
 std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go = nullptr,
                          void* context = nullptr);
 std::string

@@ -3,6 +3,7 @@
 // What the commands share, and those that copy the files as they are.
 #include "library/ship/copyutil.h"
 
+#include "library/dialogs/dlgutil.h"
 #include "library/ship/copyutil_internal.h"
 #include "os/files.h"
 #include "os/paths.h"
@@ -40,10 +41,7 @@ std::string ask(const Object& owner, const std::string& text, const std::string&
 }
 
 std::string indented(const std::string& lines) {
-    const std::string some = LIMITLINES(lines, MostListed);
-    std::string text;
-    for (int i = 1; i <= STRLINES(some); ++i) text += "\t" + STRLINE(some, i) + "\n";
-    return text;
+    return INDENTLINES(LIMITLINES(lines, MostListed));
 }
 
 bool reported(void* longWork, std::int64_t done, std::int64_t total) {

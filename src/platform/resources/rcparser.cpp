@@ -32,7 +32,7 @@ private:
     void define(const Tokens& tokens);
     void block(const Tokens& tokens, RcKind kind);
     void version(const Tokens& tokens);
-    bool versionBody(RcStatement& statement, int depth);
+    bool versionBody(RcStatement& statement, const Tokens& head);
     void unknownBlock();
     bool skipToEnd();
     bool fileStatement(const Tokens& tokens);
@@ -151,33 +151,36 @@ void Parser::unknownBlock() {
     end(std::move(result));
 }
 
-// By how much the line of a version block goes deeper.
-int deeper(const Tokens& tokens) {
-    int depth = 0;
+// How deep a version block goes behind a line, and whether it has begun. `torn`: it had an END without a BEGIN.
+struct Depth {
+    int now = 0;
+    bool begun = false, torn = false;
+};
+void deepen(const Tokens& tokens, Depth& depth) {
     for (const Token& token : tokens.list) {
         if (token.kind == TokenKind::String) continue;
-        if (sameText(token.text, "BEGIN") || token.text == "{") ++depth;
-        if (sameText(token.text, "END") || token.text == "}") --depth;
+        if (sameText(token.text, "BEGIN") || token.text == "{") ++depth.now, depth.begun = true;
+        if (sameText(token.text, "END") || token.text == "}") --depth.now;
+        depth.torn = depth.torn || depth.now < 0;
     }
-    return depth;
 }
 
-// Reads on to the END of the block, whose head goes that deep already. False if it does not come.
-bool Parser::versionBody(RcStatement& statement, int depth) {
-    for (bool begun = depth > 0; !begun || depth > 0;) {
+// Reads on to the END of the block, whose head has gone that deep. False if it does not come.
+bool Parser::versionBody(RcStatement& statement, const Tokens& head) {
+    Depth depth;
+    for (deepen(head, depth); !depth.torn && (!depth.begun || depth.now > 0);) {
         if (!nextLine()) return false;
         const Tokens tokens = tokenize(line_, lineBegin_);
         if (opensStatement(tokens)) return unreadLine(), false;
-        depth += deeper(tokens);
-        begun = begun || depth > 0;
-        if (depth < 0) return note(statement, lineNumber_, "There is an END without a BEGIN."), true;
+        deepen(tokens, depth);
     }
+    if (depth.torn) note(statement, lineNumber_, "There is an END without a BEGIN.");
     return true;
 }
 
 void Parser::version(const Tokens& tokens) {
     RcStatement result = begin(RcKind::Version, tokens.list[0], tokens.list[1].text);
-    if (!versionBody(result, deeper(tokens)))
+    if (!versionBody(result, tokens))
         note(result, result.lineNumber, "The END of the version block '" + result.name + "' is missing.");
     end(std::move(result));
 }

@@ -155,5 +155,14 @@ TEST(Dlgutil, ACaptionIsShownWithoutItsMarks) {
     }
 }
 
+TEST(DialogTexts, LinesOfAMessageStandBehindATab) {
+    for (const auto& [lines, text] : {std::pair{"", ""},
+                                      {"a", "\ta\n"},
+                                      {"a\n", "\ta\n"},
+                                      {"a\n b", "\ta\n\t b\n"},
+                                      {"a\n\nb\n", "\ta\n\t\n\tb\n"}})
+        EXPECT_EQ(INDENTLINES(lines), text) << lines;
+}
+
 }  // namespace
 }  // namespace tarn

@@ -98,6 +98,21 @@ TEST(VersionInfo, LinesOfAnyFormAreRead) {
         {"FILEVERSION 1,2,3\n", {.version = "1 2 3"}},
         {"FILEVERSION", {}},
         {"PRODUCTVERSION 1,2,3,4\nFILEFLAGS 0x0", {}},
+        {"FILEVERSION 1,0,0,0 BEGIN", {.version = "1 0 0 0"}},
+        {"FILEVERSION 1,0,0,0 PRODUCTVERSION 2,0,0,0", {.version = "1 0 0 0"}},
+        {"PRODUCTVERSION 2,0,0,0 FILEVERSION 1,0,0,0", {.version = "1 0 0 0"}},
+        {"FILEVERSION 1,2,\n 3,4\nFILEOS 4", {.version = "1 2 3 4"}},
+        {"FILEVERSION MAJOR, MINOR // of the head", {.version = "MAJOR MINOR"}},
+        {"FILEVERSION VERSIONINFO FILEVERSION 1,2,3,4 { }", {.version = "1 2 3 4"}},
+        {"1 VERSIONINFO { VALUE \"Comments\", \"x\\0\" VALUE \"CompanyName\", \"y\" }",
+         {.comments = "x", .company = "y"}},
+        {"VALUE \"CompanyName\", \"Ann \\\"X\\\" Co\\0\"", {.company = "Ann \"X\" Co"}},
+        {"VALUE \"CompanyName\", \"Ann \"\"X\"\" Co\\0\"", {.company = "Ann \"X\" Co"}},
+        {"VALUE \"CompanyName\", \"C:\\new\\\\\"", {.company = "C:\\new\\"}},
+        {"VALUE \"CompanyName\",\n\t\"x\\0\"\nVALUE \"Comments\", \"y\"", {.comments = "y", .company = "x"}},
+        {"VALUE \"CompanyName\", // next\n\"x\"", {.company = "x"}},
+        {"VALUE \"CompanyName\",\nEND", {}},
+        {"VALUE \"CompanyName\", \"not ended\n\"x\"", {}},
         {"VALUE \"ProductName\", \"one\\0\"\nVALUE \"ProductName\", \"two\\0\"", {.product = "two"}},
     };
     for (const auto& row : table) EXPECT_EQ(VERSIONINFOTOFIELDS(row.text), row.fields) << row.text;
@@ -265,21 +280,150 @@ TEST_F(VersionFile, ABlockOfAnotherToolChangesWhereTheFieldsDo) {
     }
 }
 
-TEST_F(VersionFile, AVersionOfAnotherToolChangesInAllItsPlaces) {
+TEST_F(VersionFile, AVersionChangesWhereTheBlockSaysTheOldOne) {
+    const struct {
+        const char *says, *becomes;
+    } cases[] = {
+        {" FILEVERSION 1, 2, 3, 4\n", " FILEVERSION 5,6,7,8\n"},
+        {" FILEVERSION 1,2,\n  3,4\n", " FILEVERSION 5,6,7,8\n"},
+        {" PRODUCTVERSION 1,2,3,4 // all\n", " PRODUCTVERSION 5,6,7,8 // all\n"},
+        {" PRODUCTVERSION 1,2,0,0 // of the suite\n", nullptr},
+        {" FILEVERSION 1,2,3,4 PRODUCTVERSION 1,2,3,4\n", " FILEVERSION 5,6,7,8 PRODUCTVERSION 5,6,7,8\n"},
+        {" FILEVERSION 1, 2, // a\n 3, // b\n 4\n", " FILEVERSION 5,6,7,8 // a\n // b\n\n"},
+        {" FILEVERSION 1,2,3,4 FILEOS 4\n", " FILEVERSION 5,6,7,8 FILEOS 4\n"}};
+    const struct {
+        const char *says, *becomes;
+    } texts[] = {{"\"1.2.3.4\\0\"", "\"5.6.7.8\\0\""},
+                 {"\"1, 2, 3, 4\"", "\"5.6.7.8\""},
+                 {"\"1.2 beta\\0\"", nullptr},
+                 {"\"1.2.3.4 beta\\0\"", nullptr},
+                 {"\"1.2\\0\"", nullptr},
+                 {"\"1.2.3.4 \xc3\xa4\\0\"", nullptr},
+                 {"\"1.2.3.4\" \"a\\0\"", nullptr}};
     const std::string main = write("a.cls", "");
-    write("a.rc", foreign);
+    for (const char* const key : {"FileVersion", "ProductVersion"})
+        for (const auto& numbers : cases)
+            for (const auto& text : texts) {
+                const auto block = [&](const char* says, const char* value) {
+                    return "1 VERSIONINFO\n" + std::string(says) +
+                           (std::string(says).find(" FILEV") == std::string::npos ? " FILEVERSION 1,2,3,4\n"
+                                                                                  : "") +
+                           "BEGIN\n VALUE \"" + key + "\", " + value + "\nEND\n";
+                };
+                const std::string before = block(numbers.says, text.says);
+                write("a.rc", before);
+                VersionFields fields = LOADVERSIONINFO(main, "1").fields;
+                EXPECT_EQ(fields.version, "1 2 3 4") << before;
+                fields.version = "5 6 7 8";
+                ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields)) << before;
+                std::string now, wanted = block(numbers.becomes ? numbers.becomes : numbers.says,
+                                                text.becomes ? text.becomes : text.says);
+                wanted = STRREPLACE(wanted, " FILEVERSION 1,2,3,4", " FILEVERSION 5,6,7,8");
+                os::readFile(folder / "a.rc", now);
+                EXPECT_EQ(now, wanted);
+                EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields);
+            }
+}
+
+// A block that this program wrote, with a value of somebody's.
+TEST_F(VersionFile, AValueThatIsNoFieldStaysAsSomebodyWroteIt) {
+    const std::string main = write("shelf.cls", "");
+    VersionFields changed = full;
+    changed.company = "Bob";
+    changed.version = "5 0 0 0";
+    const std::string wanted = FIELDSTOVERSIONINFO("MyInfo", changed, "shelf");
+    const struct {
+        const char *ours, *now, *theirs;
+    } cases[] = {
+        {"PRODUCTVERSION 4,5,6,7", "PRODUCTVERSION 5,0,0,0", "PRODUCTVERSION 4,0,0,0"},
+        {"\"OriginalFilename\", \"shelf", "\"OriginalFilename\", \"shelf",
+         "\"OriginalFilename\", \"shelf.exe"},
+        {"\"InternalName\", \"shelf", "\"InternalName\", \"shelf", "\"InternalName\", \"SHELF-1"},
+        {"\"FileVersion\", \"4.5.6.7", "\"FileVersion\", \"5.0.0.0", "\"FileVersion\", \"4.5 beta"},
+        {"\"ProductVersion\", \"4.5.6.7", "\"ProductVersion\", \"5.0.0.0", "\"ProductVersion\", \"2026"},
+        {"0x809, 1200", "0x809, 1200", "0x409, 1252"},
+        {"FILEFLAGS 0x0", "FILEFLAGS 0x0", "FILEFLAGS 0x2"}};
+    for (const auto& c : cases) {
+        write("shelf.rc", STRREPLACE(block, c.ours, c.theirs));
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "MyInfo", changed));
+        std::string text;
+        os::readFile(folder / "shelf.rc", text);
+        EXPECT_EQ(text, STRREPLACE(wanted, c.now, c.theirs));
+    }
+}
+
+TEST_F(VersionFile, BlocksWhoseWordsShareALineKeepWhatIsThere) {
+    const struct {
+        const char *before, *after;
+    } cases[] = {
+        {"1 VERSIONINFO FILEVERSION 1,0,0,0 BEGIN\n VALUE \"CompanyName\", \"Ann\"\nEND\n",
+         "1 VERSIONINFO FILEVERSION 2,0,0,0 BEGIN\n VALUE \"CompanyName\", \"Bob\"\n VALUE \"Comments\", "
+         "\"new\\0\"\nEND\n"},
+        {"1 VERSIONINFO BEGIN // a\n VALUE \"CompanyName\", \"Ann\" END\n",
+         "1 VERSIONINFO FILEVERSION 2,0,0,0 BEGIN // a\n VALUE \"CompanyName\", \"Bob\" VALUE \"Comments\", "
+         "\"new\\0\" END\n"},
+        {"1 VERSIONINFO FIXED { VALUE \"CompanyName\", \"Ann\" } // b\n",
+         "1 VERSIONINFO FIXED FILEVERSION 2,0,0,0 { VALUE \"CompanyName\", \"Bob\" VALUE \"Comments\", "
+         "\"new\\0\" } // b\n"},
+        {"1 VERSIONINFO // c\n{\n BLOCK \"x\" {\n  VALUE \"CompanyName\", \"Ann\"\n } }\n",
+         "1 VERSIONINFO // c\n    FILEVERSION 2,0,0,0\n{\n BLOCK \"x\" {\n  VALUE \"CompanyName\", \"Bob\"\n"
+         "  VALUE \"Comments\", \"new\\0\"\n } }\n"},
+        {"1 VERSIONINFO\n{ VALUE \"CompanyName\",\n\"An\" // d\n\"n\" // e\n}\n",
+         "1 VERSIONINFO\n    FILEVERSION 2,0,0,0\n{ VALUE \"CompanyName\",\n\"Bob\" // d\n // e\n"
+         "VALUE \"Comments\", \"new\\0\"\n}\n"},
+        {"1 VERSIONINFO\n{ VALUE \"CompanyName\", \"An\" \"n\", 1 }\n",
+         "1 VERSIONINFO\n    FILEVERSION 2,0,0,0\n{ VALUE \"CompanyName\", \"Bob\", 1 VALUE \"Comments\", "
+         "\"new\\0\" }\n"},
+    };
+    const std::string main = write("a.cls", "");
+    for (const auto& c : cases) {
+        write("a.rc", c.before);
+        VersionFields fields = LOADVERSIONINFO(main, "1").fields;
+        fields.company = "Bob";
+        fields.comments = "new";
+        fields.version = "2 0 0 0";
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields)) << c.before;
+        std::string text;
+        os::readFile(folder / "a.rc", text);
+        EXPECT_EQ(text, c.after);
+        EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields) << text;
+    }
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(VersionFile, ABlockOnOneLineWithoutTextsGetsItsTableInside) {
+    const std::string main = write("a.cls", "");
+    const VersionFields fields{.comments = "c", .company = "Ann", .version = "1 2 3 4"};
+    for (const char* const empty :
+         {"1 VERSIONINFO BEGIN END\n", "1 VERSIONINFO { }\n", "1 VERSIONINFO\nBEGIN END // all\n",
+          "1 VERSIONINFO BEGIN\nBLOCK \"VarFileInfo\" BEGIN VALUE \"Translation\", 0x809, 1200 END END\n"}) {
+        const std::string dialog = "Main DIALOG\nEND\n";
+        write("a.rc", empty + dialog);
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields)) << empty;
+        EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields) << empty;
+        std::string text;
+        os::readFile(folder / "a.rc", text);
+        EXPECT_TRUE(text.ends_with("END\n" + dialog) || text.find("}\n" + dialog) != std::string::npos ||
+                    text.find("END // all\n" + dialog) != std::string::npos)
+            << text;
+        EXPECT_EQ(ResourceInfo(folder / "a.rc", "*", "*").text, "1\nMain\n") << text;
+        EXPECT_TRUE(text.starts_with("1 VERSIONINFO FILEVERSION 1,2,3,4 ") ||
+                    text.starts_with("1 VERSIONINFO\n    FILEVERSION 1,2,3,4\n"))
+            << text;
+    }
+}
+
+TEST_F(VersionFile, AQuoteBehindABackslashIsPartOfTheText) {
+    const std::string main = write("a.cls", "");
+    write("a.rc", "1 VERSIONINFO\n FILEOS 4\nBEGIN\n VALUE \"CompanyName\", \"Ann \\\"X\\\" Co\\0\" // c\n"
+                  " VALUE \"Comments\", \"a\"\nEND\n");
     VersionFields fields = LOADVERSIONINFO(main, "1").fields;
-    EXPECT_EQ(fields, (VersionFields{"", "Ann", "", "", "", "Liest Post", "1 2 3 4"}));
-    fields.version = "5 6 7 8";
-    ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields));
-    std::string text, wanted = foreign;
-    for (const auto& [from, to] : {std::pair{"FILEVERSION 1, 2, 3, 4", "FILEVERSION 5,6,7,8"},
-                                   {"PRODUCTVERSION 1,2,0,0 //", "PRODUCTVERSION 5,6,7,8 //"},
-                                   {"1.2 beta", "5.6.7.8"}})
-        wanted = STRREPLACE(wanted, from, to);
-    os::readFile(folder / "a.rc", text);
-    EXPECT_EQ(text, wanted);
-    EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields);
+    EXPECT_EQ(fields.company, "Ann \"X\" Co");
+    for (const char* const text : {"Bob", "\\", "a\\\"b", "\\\\\"", "C:\\", "a\\0", "\"\""}) {
+        fields.company = fields.comments = text;
+        ASSERT_TRUE(SAVEVERSIONINFO(main, "1", fields)) << text;
+        EXPECT_EQ(LOADVERSIONINFO(main, "1").fields, fields) << text;
+    }
 }
 
 TEST_F(VersionFile, ABlockOfAnotherToolWithoutTextsOrNumbersGetsThem) {

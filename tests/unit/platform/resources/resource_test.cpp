@@ -462,6 +462,35 @@ TEST_F(ResourceTest, AVersionBlockIsKnownByItsWordWhateverItsNameIs) {
         }
 }
 
+TEST_F(ResourceTest, AVersionBlockMayBeginAndEndOnOneLine) {
+    for (const std::string block :
+         {"1 VERSIONINFO BEGIN END\n", "1 VERSIONINFO { }\n", "1 VERSIONINFO\nBEGIN END\n",
+          "1 VERSIONINFO\n{ }\n",
+          "1 VERSIONINFO FILEVERSION 1,0,0,0 BEGIN BLOCK \"x\" { VALUE \"a\", \"b\" } END // all\n",
+          "1 VERSIONINFO BEGIN\n BLOCK \"x\" BEGIN END END\n"}) {
+        SCOPED_TRACE(block);
+        const std::string before = "Main DIALOG\nEND\n",
+                          after = "2 VERSIONINFO { }\nlogo BITMAP \"x\"\n// end\nword\n";
+        write(rc, before + block + after);
+        EXPECT_EQ(info("*", "*"), "Main\n1\n2\nlogo\n");
+        EXPECT_EQ(info("VERSIONINFO", "1"), block);
+        EXPECT_EQ(ResourceDelete(rc, "1"), "");
+        EXPECT_EQ(read(rc), before + after);
+    }
+}
+
+TEST_F(ResourceTest, AnEndTooManyOfAVersionBlockIsAFaultWhereverItStands) {
+    for (const char* const block :
+         {"1 VERSIONINFO BEGIN END END\n", "1 VERSIONINFO\nBEGIN\nEND }\n", "1 VERSIONINFO FIXED } {\n"}) {
+        write(rc, block + std::string("Main DIALOG\nEND\n"));
+        EXPECT_NE(
+            platform::ResourceInfo(rc, "VERSIONINFO", "1").error.find("There is an END without a BEGIN."),
+            std::string::npos)
+            << block;
+        EXPECT_EQ(info("*", "*"), "1\nMain\n") << block;
+    }
+}
+
 TEST_F(ResourceTest, AVersionBlockEndsTheBlockAboveItThatHasNoEnd) {
     write(rc, "Main DIALOG\n  CAPTION=\"a\"\n1 VERSIONINFO\nBEGIN\nEND\n");
     EXPECT_EQ(info("VERSIONINFO", "*"), "1 VERSIONINFO\n");
