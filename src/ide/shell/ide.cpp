@@ -30,6 +30,9 @@
 #include "library/system/system.h"
 #include "os/process.h"
 
+#include <algorithm>
+#include <vector>
+
 MODULE("ide", tarn::IDE_ONERROR)
 
 namespace tarn {
@@ -109,15 +112,17 @@ void DO_UNLOAD() {
 
 // ---- bringing the window up to date ----
 
+const std::vector<Object>& SDIWINDOWS() {
+    static const std::vector<Object> windows = {ProjectEditorDlg, SDIEdit, DialogDlg, BrowseInfoDlg, ViewDlg};
+    return windows;
+}
+
 bool ISSDIWINDOW(const Object& window) {
     FRAME(ISSDIWINDOW);
     if (!IsLoaded(window)) return false;
     STAMP();
-    if (!GetVisible(window)) return false;
-    for (const Object& sdi : {ProjectEditorDlg, SDIEdit, DialogDlg, BrowseInfoDlg, ViewDlg}) {
-        if (window == sdi) return true;
-    }
-    return false;
+    const std::vector<Object>& all = SDIWINDOWS();
+    return GetVisible(window) && std::find(all.begin(), all.end(), window) != all.end();
 }
 
 void REACTIVATELASTWINDOW() {
@@ -192,9 +197,8 @@ void activated(int handle) {
     const Object window = FindHandle(handle);
     if (ISSDIWINDOW(window)) {
         SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
-        CLOSEWELCOME();
+        CLOSEWELCOME(window);
     }
-    if (window == WelcomeDlg) WELCOMECAMEFORWARD();
     UPDATEMAINWINDOW();
     if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);
     if (window == ProjectEditorDlg) static_cast<void>(PROJECTCAMEFORWARD(window));

@@ -16,6 +16,8 @@
 #include "library/system/system.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
 
 MODULE("ide", tarn::IDE_ONERROR)
 
@@ -134,7 +136,19 @@ void keepTick(bool ticked) {
 
 constexpr DialogShape shape{.ok = "", .showHelp = SHOWWINDOWHELP, .load = load};
 const RegisteredWindow registered("WelcomeDlg", WELCOMEDLG);
-bool cameForward = false;  // since it was shown
+
+// The windows that were there when it was shown, by their captions.
+std::map<std::string, std::string>& captionsBefore() {
+    static std::map<std::string, std::string> captions;
+    return captions;
+}
+
+void noteWindows() {
+    captionsBefore().clear();
+    for (const Object& window : SDIWINDOWS())
+        if (ISSDIWINDOW(window)) captionsBefore()[GetName(window)] = GetCaption(window);
+}
+
 
 }  // namespace
 
@@ -160,19 +174,20 @@ bool WELCOMEDLG(const Object& window, int event, const Object& control, int para
 void WELCOMEDIALOG() {
     FRAME(WELCOMEDIALOG);
     STAMP();
-    if (!IsLoaded(WelcomeDlg)) cameForward = false;
+    if (!IsLoaded(WelcomeDlg)) noteWindows();
+    STAMP();
     Load(WelcomeDlg);
     STAMP();
     if (IsLoaded(WelcomeDlg)) Show(WelcomeDlg, false);
     STAMP();
 }
 
-void WELCOMECAMEFORWARD() { cameForward = true; }
-
-void CLOSEWELCOME() {
+void CLOSEWELCOME(const Object& window) {
     FRAME(CLOSEWELCOME);
     STAMP();
-    if (cameForward && IsLoaded(WelcomeDlg)) Unload(WelcomeDlg);
+    if (!IsLoaded(WelcomeDlg)) return;
+    const auto before = captionsBefore().find(GetName(window));
+    if (before == captionsBefore().end() || before->second != GetCaption(window)) Unload(WelcomeDlg);
     STAMP();
 }
 

@@ -14,10 +14,9 @@ inline const Object WelcomeDlg("WelcomeDlg");
 
 // Shows it; what the user chooses there is done then.
 void WELCOMEDIALOG();
-// It is the active window now.
-void WELCOMECAMEFORWARD();
-// Closes it if it has been active since it was shown: a window manager may tell of another window that was active before.
-void CLOSEWELCOME();
+// A window in which the user works has come up. The welcome stays for one that was there, with that caption, when it was shown:
+// a window manager may tell late of what came up before.
+void CLOSEWELCOME(const Object& window);
 // The same if the settings want it (Welcome, AtStart).
 void WELCOMEATSTART();
 bool WELCOMEDLG(const Object& window, int event, const Object& control, int parameter);
