@@ -122,6 +122,22 @@ TEST_F(Told, ARowThatIsNoneNamesItsFileAndField) {
     EXPECT_FALSE(exists("c.bin"));
 }
 
+// A separator that is told makes a file text, whatever it begins with: the advice to tell one holds.
+TEST_F(Told, AFileWithAZeroByteIsTextBySeparator) {
+    for (const std::string mark : {";", "|", ":", ","}) {
+        for (const std::string head : {"a", "\"a\"", "\xC3\xA4", "ab cd"}) {
+            const std::string start = head + mark + "b\n1" + mark + "x";
+            write("z.dat", start + std::string("\0y\n", 3));
+            ASSERT_EQ(tarnData("convert z.dat b.csv --header-rows=1 --separator='" + mark + "'"), Well)
+                << start << errors;
+            EXPECT_EQ(read("b.csv"), (head[0] == '"' ? "a" : head) + std::string(",b\n1,\"x\0y\"\n", 11))
+                << start;
+        }
+    }
+    write("z.dat", std::string("PK\3\4;b\0\n", 9));
+    expectFailure("convert z.dat b.csv --separator=';'", "unpack it, or save it as csv, first.");
+}
+
 TEST_F(Told, IndexFilesOfAnotherTableAreNamed) {
     write("i.type", "record\n\tid : integer\nend record\n");
     write("i.csv", "id\n1\n2\n");
