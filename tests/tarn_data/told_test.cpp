@@ -138,6 +138,18 @@ TEST_F(Told, AFileWithAZeroByteIsTextBySeparator) {
     expectFailure("convert z.dat b.csv --separator=';'", "unpack it, or save it as csv, first.");
 }
 
+TEST_F(Told, ADbfFileCountsItsOwnIndexesAlone) {
+    write("i.type", "record\n\tid : integer\n\tn : string[4]\nend record\n");
+    write("a.csv", "id,n\n1,x\n2,y\n");
+    converted("a.csv a.bin --type=i.type --keys=id --keys=n", "a.bin");
+    converted("a.csv a.dbf", "a.dbf");
+    ASSERT_EQ(tarnData("check a.dbf"), Well) << output << errors;
+    EXPECT_NE(output.find("a.i1: It is that of the table file 'a.bin'"), std::string::npos) << output;
+    EXPECT_NE(output.find("a.dbf: whole, 2 rows\n"), std::string::npos) << output;
+    ASSERT_EQ(tarnData("check a.bin --type=i.type"), Well) << output << errors;
+    EXPECT_NE(output.find("a.bin: whole, 2 rows, 2 indexes\n"), std::string::npos) << output;
+}
+
 TEST_F(Told, IndexFilesOfAnotherTableAreNamed) {
     write("i.type", "record\n\tid : integer\nend record\n");
     write("i.csv", "id\n1\n2\n");
