@@ -217,7 +217,7 @@ TEST_F(TarnData, ZeroBytesOfDelimitedTextStay) {
 
 const char* const longNumbers[] = {
     "9007199254740993", "12345678901234567890", "0.1234567890123456789", "-123456789012345678",
-    "1e-400",           "1152921504606846976",  "1.00000000000000000001"};
+    "1e-400",           "1152921504606846977",  "1.00000000000000000001"};
 
 TEST_F(TarnData, NumbersThatNoRealHoldsStayAsTheyAre) {
     for (const std::string number : longNumbers) {

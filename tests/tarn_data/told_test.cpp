@@ -122,6 +122,34 @@ TEST_F(Told, ARowThatIsNoneNamesItsFileAndField) {
     EXPECT_FALSE(exists("c.bin"));
 }
 
+// A separator that is told makes a file text, whatever it begins with: the advice to tell one holds.
+TEST_F(Told, AFileWithAZeroByteIsTextBySeparator) {
+    for (const std::string mark : {";", "|", ":", ","}) {
+        for (const std::string head : {"a", "\"a\"", "\xC3\xA4", "ab cd"}) {
+            const std::string start = head + mark + "b\n1" + mark + "x";
+            write("z.dat", start + std::string("\0y\n", 3));
+            ASSERT_EQ(tarnData("convert z.dat b.csv --header-rows=1 --separator='" + mark + "'"), Well)
+                << start << errors;
+            EXPECT_EQ(read("b.csv"), (head[0] == '"' ? "a" : head) + std::string(",b\n1,\"x\0y\"\n", 11))
+                << start;
+        }
+    }
+    write("z.dat", std::string("PK\3\4;b\0\n", 9));
+    expectFailure("convert z.dat b.csv --separator=';'", "unpack it, or save it as csv, first.");
+}
+
+TEST_F(Told, ADbfFileCountsItsOwnIndexesAlone) {
+    write("i.type", "record\n\tid : integer\n\tn : string[4]\nend record\n");
+    write("a.csv", "id,n\n1,x\n2,y\n");
+    converted("a.csv a.bin --type=i.type --keys=id --keys=n", "a.bin");
+    converted("a.csv a.dbf", "a.dbf");
+    ASSERT_EQ(tarnData("check a.dbf"), Well) << output << errors;
+    EXPECT_NE(output.find("a.i1: It is that of the table file 'a.bin'"), std::string::npos) << output;
+    EXPECT_NE(output.find("a.dbf: whole, 2 rows\n"), std::string::npos) << output;
+    ASSERT_EQ(tarnData("check a.bin --type=i.type"), Well) << output << errors;
+    EXPECT_NE(output.find("a.bin: whole, 2 rows, 2 indexes\n"), std::string::npos) << output;
+}
+
 TEST_F(Told, IndexFilesOfAnotherTableAreNamed) {
     write("i.type", "record\n\tid : integer\nend record\n");
     write("i.csv", "id\n1\n2\n");

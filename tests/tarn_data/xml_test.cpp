@@ -41,6 +41,12 @@ TEST_F(TarnDataXml, AttributesAreColumnsWhereverTheyStandInARow) {
         {"<l><r><n type='string'>x</n></r><r><n type='file'>y</n></r></l>", "n_type,n\nstring,x\nfile,y\n"},
         {"<l><r><a u='1'>  </a><b>x</b></r></l>", "a_u,a,b\n1,\"  \",x\n"},
         {"<l><r><a u='1'>\n  </a><b>x</b></r></l>", "a_u,b\n1,x\n"},
+        // What a reference or a section gives is no layout, however blank it is.
+        {"<l><r><a u='1'>&#10;</a><b>x</b></r></l>", "a_u,a,b\n1,\"\n\",x\n"},
+        {"<l><r><a u='1'>\n&#32;\n</a><b>x</b></r></l>", "a_u,a,b\n1,\"\n \n\",x\n"},
+        {"<l><r><a u='1'><![CDATA[\n]]></a><b>x</b></r></l>", "a_u,a,b\n1,\"\n\",x\n"},
+        {"<l><r><a u='1'>&#10;</a><b v='2'>\n</b></r></l>", "a_u,a,b_v\n1,\"\n\",2\n"},
+        {"<l><v u='1'>&#10;</v><v u='2'>\n</v></l>", "u,v\n1,\"\n\"\n2,\n"},
         {"<r a='1'><b c='2'>3</b></r>", "a,b_c,b\n1,2,3\n"},
         {"<l xmlns='u' xmlns:x='v'><r x:a='1'/><r x:a='2'/></l>", "x:a\n1\n2\n"},
     };

@@ -106,6 +106,13 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
     }
 }
 
+std::string indexCount(const std::vector<IndexBeside>& indexes) {
+    const auto count = std::count_if(indexes.begin(), indexes.end(),
+                                     [](const IndexBeside& index) { return index.owner.empty(); });
+    if (count == 0) return {};
+    return ", " + std::to_string(count) + (count == 1 ? " index" : " indexes");
+}
+
 // Those that a user misses: behind the last that is there, nothing tells of them.
 Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,
                     Findings& findings) {
@@ -236,12 +243,7 @@ int checkTable(const std::string& file, const Arguments& arguments) {
                  findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
     checkGuarded(file, type, indexes, findings);
-    const auto count = std::count_if(indexes.begin(), indexes.end(),
-                                     [](const IndexBeside& index) { return index.owner.empty(); });
-    return findings.print(file, counted(facts.rows(), "row") +
-                                    (count == 0   ? ""
-                                     : count == 1 ? ", 1 index"
-                                                  : ", " + std::to_string(count) + " indexes"));
+    return findings.print(file, counted(facts.rows(), "row") + indexCount(indexes));
 }
 
 }  // namespace

@@ -61,6 +61,9 @@ private:
 void checkIndexes(const std::string& file, const std::vector<IndexBeside>& indexes, const RowsOfFile& rows,
                   Findings& findings);
 
+// ", 2 indexes", behind the rows: those of the file, without such as belong to another one; "" for none.
+std::string indexCount(const std::vector<IndexBeside>& indexes);
+
 // The indexes that --keys asks for.
 Problem checkWanted(const Arguments& arguments, const RowType& type, const std::vector<IndexBeside>& indexes,
                     Findings& findings);

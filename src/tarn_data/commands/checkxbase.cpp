@@ -160,9 +160,9 @@ private:
     Findings& findings_;
 };
 
-// Their number too. Fields of other types have no keys.
+// Their number too, as indexCount has it. Fields of other types have no keys.
 Problem checkXbaseIndexes(const Arguments& arguments, const XbaseFile& xbase, Findings& findings,
-                          std::size_t& count) {
+                          std::string& count) {
     const std::string& file = arguments.files[0];
     RowType type;
     if (xbaseRowType(file, type).any()) {
@@ -171,7 +171,7 @@ Problem checkXbaseIndexes(const Arguments& arguments, const XbaseFile& xbase, Fi
         return {};
     }
     const std::vector<IndexBeside> indexes = indexesBeside(file, type);
-    count = indexes.size();
+    count = indexCount(indexes);
     Problem problem = checkWanted(arguments, type, indexes, findings);
     FileRows rows;
     if (problem.any()) return problem;
@@ -199,14 +199,12 @@ int checkXbase(const Arguments& arguments) {
     XbaseCheck check(file, xbase, findings);
     check.checkHeader();
     check.checkRows();
-    std::size_t indexes = 0;
+    std::string indexes;
     problem = checkXbaseIndexes(arguments, xbase, findings, indexes);
     if (problem.any()) return tell(problem);
     if (stopSignal() != 0) return tell(stoppedProblem());
-    return findings.print(
-        file,
-        std::to_string(xbase.rows()) + (xbase.rows() == 1 ? " row" : " rows") +
-            (indexes == 0 ? "" : ", " + std::to_string(indexes) + (indexes == 1 ? " index" : " indexes")));
+    return findings.print(file,
+                          std::to_string(xbase.rows()) + (xbase.rows() == 1 ? " row" : " rows") + indexes);
 }
 
 }  // namespace tarn::datatool

@@ -74,7 +74,18 @@ bool isNumber(std::string_view text, const Digits& number) {
     return readDigits(text, other) && other == number;
 }
 
-// The shortest text that is read as the same real, or the one with all digits that a real may need.
+// All digits of a real: those of the smallest are the most.
+bool isExactly(double value, const Digits& number) {
+    constexpr int mostDigits = 767, around = 16;  // sign, point and exponent
+    if (number.digits.size() > mostDigits) return false;
+    char exact[mostDigits + around];
+    const auto end =
+        std::to_chars(exact, exact + sizeof exact, value, std::chars_format::scientific, mostDigits - 1);
+    return isNumber({exact, static_cast<std::size_t>(end.ptr - exact)}, number);
+}
+
+// The shortest text that is read as the same real, the one with the digits that any real may need to be told from
+// others, or the one with all digits that it has.
 bool realHolds(std::string_view cell, const Digits& number) {
     constexpr std::size_t anyDigits = 15;  // that many are held, whatever they are
     constexpr std::int64_t anyPoint = 300;
@@ -87,7 +98,8 @@ bool realHolds(std::string_view cell, const Digits& number) {
     const auto end =
         std::to_chars(shortest, shortest + sizeof shortest, value, std::chars_format::scientific);
     const auto size = static_cast<std::size_t>(end.ptr - shortest);
-    return isNumber({shortest, size}, number) || isNumber(RealToText(value, RealTextDecimals), number);
+    return isNumber({shortest, size}, number) || isNumber(RealToText(value, RealTextDecimals), number) ||
+           isExactly(value, number);
 }
 
 bool fixedHolds(std::string_view cell, const Digits& number) {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Numbers whose digits a value does not hold: a real has 15 to 17 of them, and numbers of accounts and of
-// machines have more. The text of a number is compared with the text of the value that it would become.
+// machines have more. The text of a number is compared with the texts of the value that it would become: that of
+// as few digits as are enough, and that of all.
 #pragma once
 
 #include "kernel/values/values.h"

@@ -90,15 +90,15 @@ bool beginsAsText(std::string_view bytes) {
     });
 }
 
-// What begins like text, or is said to be text and has no zero byte. Other forms are told by their beginning.
+// What begins like text, is read by a separator that was told, or is called text and has no zero byte. Other forms
+// are told by their beginning.
 bool isDelimitedText(const Arguments& arguments, const Source& source, const std::string& beginning) {
     if (encodingOfBeginning(beginning).isWide()) return true;
     const std::string_view text = std::string_view(beginning).substr(static_cast<std::size_t>(source.begin));
     if (beginsAsText(text)) return true;
-    if (text.empty()) return false;
-    const bool said = IsDelimited(DataFormatOf(source.file)) || arguments.from.separator;
-    return said && adviceForOther(source.file, beginning).empty() &&
-           text.find('\0') == std::string_view::npos;
+    if (text.empty() || !adviceForOther(source.file, beginning).empty()) return false;
+    if (arguments.from.separator) return true;
+    return IsDelimited(DataFormatOf(source.file)) && text.find('\0') == std::string_view::npos;
 }
 
 // Some programs end a text with the byte 1A, and fill the file up with it or with zeros. Looks for the first 1A behind

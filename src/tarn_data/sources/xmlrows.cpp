@@ -105,7 +105,7 @@ void XmlRowReader::start(std::string_view name, std::int32_t line) {
                   std::to_string(number_) + " holds other elements.",
               "Only rows of simple columns can be converted.");
     }
-    hasAttributes_ = false;
+    hasAttributes_ = givenText_ = false;
     tagOpen_ = true;
 }
 
@@ -166,10 +166,15 @@ void XmlRowReader::text(std::string_view part) {
              depth_ < rows_.depth ? "text around the rows" : "text in row " + std::to_string(number_));
 }
 
+void XmlRowReader::givenText(std::string_view part) {
+    givenText_ = true;
+    text(part);
+}
+
 void XmlRowReader::end() {
     giveAttributes();
     if (beside_ == 0 && depth_ == rows_.depth) endRow();
-    if (beside_ == 0 && depth_ == rows_.depth + 1 && !(hasAttributes_ && isLayout(text_)))
+    if (beside_ == 0 && depth_ == rows_.depth + 1 && (givenText_ || !hasAttributes_ || !isLayout(text_)))
         addCell(element_, {}, text_).declaredText = declaredText_;
     if (beside_ == depth_) beside_ = 0;
     --depth_;
@@ -181,7 +186,7 @@ void XmlRowReader::endRow() {
     if (hasElements_ && !blank) note(looseTexts_, "text in row " + std::to_string(number_));
     if (hasElements_) return;
     const bool value = rows_.form != XmlRows::Form::Rows && !hasAttributes_;
-    if (value || !blank) addCell(rowName_, {}, rowText_).declaredText = declaredText_;
+    if (value || givenText_ || !blank) addCell(rowName_, {}, rowText_).declaredText = declaredText_;
 }
 
 XmlCell& XmlRowReader::addCell(std::string_view name, std::string_view attribute, std::string_view text) {

@@ -7,7 +7,8 @@
 //   </row>                        name       the text of an element
 //   <row>Ann</row>                row        the text of a row without elements
 //
-// An element, or a row, that has attributes and no text has no cell for a text. An attribute `type` that names a
+// An element, or a row, that has attributes and no text has no cell for a text; blanks that lay out the file are no
+// text, those that references and CDATA sections give are one. An attribute `type` that names a
 // type of the system says how to read its element, and so does an `index` beside it: they are no data, nor are
 // declarations of namespaces. Other data that stands around the rows has no place in a table, and is counted.
 //
@@ -68,6 +69,7 @@ private:
     void start(std::string_view name, std::int32_t line) override;
     void attribute(std::string_view name, std::string_view value) override;
     void text(std::string_view part) override;
+    void givenText(std::string_view part) override;
     void end() override;
 
     void startRow(std::string_view name);
@@ -95,6 +97,7 @@ private:
     bool hasElements_ = false;       // the row
     bool hasAttributes_ = false;     // the element that is open, or the row while it has no elements
     std::string text_, rowText_;
+    bool givenText_ = false;  // in the element that is open: a part of its text is no layout
     // Of the start tag that is being told: whether they are data is known at its end.
     std::vector<std::pair<std::string, std::string>> attributes_;
     std::size_t attributesUsed_ = 0;

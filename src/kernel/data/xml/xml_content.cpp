@@ -227,7 +227,7 @@ private:
     // ---- text ----
 
     void append(std::string_view text) {
-        if (pass_.events != nullptr && !text.empty()) pass_.events->text(text);
+        if (pass_.events != nullptr && !text.empty()) tellText(text);
         if (!collects_) return;
         const std::size_t room = static_cast<std::size_t>(pass_.longestText) - (pass_.text.size() - text_);
         if (text.size() > room)
@@ -235,6 +235,12 @@ private:
                       "Character data at this nesting level is too long, max length is " +
                           std::to_string(pass_.longestText));
         pass_.text.append(text.substr(0, room));
+    }
+    void tellText(std::string_view text) {
+        if (isGiven_)
+            pass_.events->givenText(text);
+        else
+            pass_.events->text(text);
     }
     void takeBytes(std::size_t count) {
         append(pass_.scan.remainder().substr(0, count));
@@ -251,14 +257,18 @@ private:
         XmlReadReference(pass_, pass_.scan.remainder(), reference);
         pass_.scan.skipBytes(static_cast<std::int32_t>(reference.length));
         if (!reference.message.empty()) XmlReport(pass_, ERR_XML_NOT_WELL_FORMED, reference.message);
+        isGiven_ = true;
         append(reference.replacement);
+        isGiven_ = false;
     }
 
     // ---- marks ----
 
     void markup() {
         XmlNext(pass_);
-        if (XmlCheck(pass_, {XmlCdata, XmlComment}) && pass_.scan.symbol() == XmlCdata) takeVerbatim();
+        isGiven_ = XmlCheck(pass_, {XmlCdata, XmlComment}) && pass_.scan.symbol() == XmlCdata;
+        if (isGiven_) takeVerbatim();
+        isGiven_ = false;
     }
     void takeVerbatim() {
         constexpr std::string_view mark = "]]>";
@@ -362,6 +372,7 @@ private:
     std::size_t name_, nameEnd_, text_;  // in the buffers of the pass
     std::int32_t count_ = 0;
     bool collects_;                                  // text may be wanted at the end
+    bool isGiven_ = false;                           // the text at hand, by a reference or a section
     bool childOpened_ = false, childEnded_ = false;  // in the last step of a walk
     XmlChildren children_;
     std::optional<XmlTypes> types_;  // with `discover`

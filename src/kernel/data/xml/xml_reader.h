@@ -32,6 +32,8 @@ public:
     // A part of the text of the open element, with references expanded and line ends as one byte 10; what is
     // blank, too. A text may come in any number of parts.
     virtual void text(std::string_view part) = 0;
+    // A part that a reference or a CDATA section gives, which nobody writes to lay out a file.
+    virtual void givenText(std::string_view part) { text(part); }
     virtual void end() = 0;
 };
 
