@@ -103,7 +103,8 @@ bool ADDTOPROGRAM(const std::string& title, const std::string& file, const std::
     if (copies.cancelled || !SETTLECODEWINDOW(mainFile)) return false;
     STAMP();
     ProgramChanges changes;
-    std::string error = CHANGEUSES(changes, mainFile, "ADD", FILEBASENAME(file));
+    std::string error = FileSize(file) < 0 ? "The file '" + file + "' was not found."
+                                           : CHANGEUSES(changes, mainFile, "ADD", FILEBASENAME(file));
     STAMP();
     if (error.empty())
         error = placing == Placing::CopyFile        ? COPYCLASS(changes, copies)

@@ -136,6 +136,8 @@ std::string COPYPAIR(ProgramChanges& changes, const NewPair& pair, const std::st
 std::string MAKECHANGES(const std::string& title, const NewPair& pair, Placing placing) {
     FRAME(MAKECHANGES);
     STAMP();
+    if (FileSize(pair.resourceFile) < 0) return "The file '" + pair.resourceFile + "' was not found.";
+    STAMP();
     const TemplateText made = MAKECLASS(pair);
     STAMP();
     if (!made.message.empty()) return "Cannot create new class.\n" + made.message + "\n";
