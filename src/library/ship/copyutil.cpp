@@ -104,6 +104,21 @@ bool isApart(const Object& owner, const CopyList& list, const std::string& made)
     return !among;
 }
 
+std::string obstacle(const std::string& failed, const std::string& target) {
+    bool noneRead = true;
+    for (int i = 1; i <= STRLINES(failed); ++i) {
+        os::Handle handle = -1;
+        const std::string file = os::native(STRLINE(failed, i));
+        if (os::infoOf(file).special ||
+            os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None)
+            continue;
+        os::files().close(handle);
+        noneRead = false;
+    }
+    return "\nThe file(s) could not be found, or the destination...\n" +
+           (noneRead ? "The file(s) could not be read." : "'" + target + "' could not be written.");
+}
+
 }  // namespace ship
 
 using namespace ship;
@@ -261,9 +276,7 @@ bool COPYTOFOLDER(const Object& owner, const std::string& files, const std::stri
              "Successfully copied " + std::to_string(list.files.size()) + " file(s) to '" + folder + "'.");
     else
         tell(owner,
-             "The following file(s) could not be copied:\n\n" + indented(failed) +
-                 "\nThe file(s) could not be found, or the destination...\n'" + folder +
-                 "' could not be written.",
+             "The following file(s) could not be copied:\n\n" + indented(failed) + obstacle(failed, folder),
              BoxIcon::Error);
     return failed.empty();
 }

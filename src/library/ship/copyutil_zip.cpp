@@ -62,9 +62,7 @@ std::string notIn(const std::string& listing, const CopyList& list) {
 
 void tellMissing(const Object& owner, const std::string& missing, const std::string& zipFile) {
     tell(owner,
-         "The following file(s) could not be zipped:\n\n" + indented(missing) +
-             "\nThe file(s) could not be found, or the destination...\n'" + zipFile +
-             "' could not be written.",
+         "The following file(s) could not be zipped:\n\n" + indented(missing) + obstacle(missing, zipFile),
          BoxIcon::Error);
 }
 

@@ -210,6 +210,7 @@ TEST_F(ShipHostile, AFileThatGoesBetweenTheLookAndTheCopyingIsTold) {
     EXPECT_TRUE(lastText().starts_with("The following file(s) could not be copied:\n\n\t" + dir / "files/b" +
                                        "\n\nThe file(s) could not be found"))
         << lastText();
+    EXPECT_TRUE(lastText().ends_with("destination...\nThe file(s) could not be read.")) << lastText();
     EXPECT_EQ(listing("to"), "a\t1\n");
     make("files/b", "x");
     answers = {dir / "to/z.zip"};
