@@ -93,17 +93,6 @@ bool namesDiffer(const Object& owner, const std::string& files) {
     return same.empty();
 }
 
-bool isApart(const Object& owner, const CopyList& list, const std::string& made) {
-    const os::FileInfo there = os::infoOf(os::native(made));
-    const bool among =
-        there.exists && std::any_of(list.files.begin(), list.files.end(), [&](const CopyFile& file) {
-            const os::FileInfo one = os::infoOf(os::native(file.Name));
-            return one.exists && one.device == there.device && one.inode == there.inode;
-        });
-    if (among) tell(owner, "Cannot copy files.\n'" + made + "' is one of them.", BoxIcon::Error);
-    return !among;
-}
-
 std::string obstacle(const std::string& failed, const std::string& target) {
     bool noneRead = true;
     for (int i = 1; i <= STRLINES(failed); ++i) {
@@ -122,6 +111,19 @@ std::string obstacle(const std::string& failed, const std::string& target) {
 }  // namespace ship
 
 using namespace ship;
+
+bool ISAPART(const Object& owner, const std::string& files, const std::string& made) {
+    FRAME(ISAPART);
+    STAMP();
+    const os::FileInfo there = os::infoOf(os::native(made));
+    bool among = false;
+    for (int i = 1; there.exists && !among && i <= STRLINES(files); ++i) {
+        const os::FileInfo one = os::infoOf(os::native(COPYPATH(STRLINE(files, i))));
+        among = one.exists && one.device == there.device && one.inode == there.inode;
+    }
+    if (among) tell(owner, "Cannot copy files.\n'" + made + "' is one of them.", BoxIcon::Error);
+    return !among;
+}
 
 // ---- floppy disks ----
 

@@ -94,7 +94,7 @@ bool COPYTOZIP(const Object& owner, const std::string& files, const std::string&
     if (!list.canBeCopied()) return false;
     const std::string file = chosenFile(owner, zipFile);
     STAMP();
-    if (file.empty() || !isApart(owner, list, file)) return false;
+    if (file.empty() || !ISAPART(owner, list.paths(1), file)) return false;
     const WaitLabel wait(owner, WaitText);
     return makeZip(owner, list, file);
 }
