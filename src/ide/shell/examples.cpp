@@ -69,6 +69,11 @@ std::string writable(const std::string& title, const std::string& file) {
 // The file to work on, its folder the current one unless a program is open; empty if the user wants nothing.
 std::string enter(const std::string& title, const std::string& example) {
     const bool open = !PROJECTGETMAINFILE().empty();
+    if (FileSize(example) < 0) {
+        MSGBOX(title, "File '" + example + "' was not found.");
+        return {};
+    }
+    STAMP();
     std::string file = writable(title, example);
     STAMP();
     if (!file.empty() && !open) SETCURDIR(FILEGETDIR(file));

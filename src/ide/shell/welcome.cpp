@@ -93,8 +93,15 @@ struct Action {
     std::string_view choice;
     void (*run)(const std::string& file);
 };
+
+// As the menu has it, which tells that a program has gone and takes it off its list.
+void openRecent(const std::string& file) {
+    const Object first = MAINCONTROL("file_mru_1");
+    DO_MRU(first, first, file, MAINCONTROL("programlabel"));
+}
+
 constexpr Action actions[] = {
-    {"lstrecent", [](const std::string& file) { DO_OPEN(file, MAINCONTROL("programlabel")); }},
+    {"lstrecent", openRecent},
     {"iconlist1", [](const std::string& file) { OPENEXAMPLE("Welcome", file); }},
     {"btnprogram",
      [](const std::string&) { DO_NEW_PROGRAM(MAINCONTROL("programlabel"), MAINCONTROL("codelabel")); }},
@@ -148,7 +155,6 @@ void noteWindows() {
     for (const Object& window : SDIWINDOWS())
         if (ISSDIWINDOW(window)) captionsBefore()[GetName(window)] = GetCaption(window);
 }
-
 
 }  // namespace
 

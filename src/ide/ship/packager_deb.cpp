@@ -38,8 +38,7 @@ std::string keptIn(const std::string& mainClass) {
 
 // Lines as one line, and back. Reading takes a pair of quotes off, so that a text that has one of its own gets another.
 std::string oneLine(const std::string& text) {
-    const std::string line =
-        STRREPLACE(STRREPLACE(STRREPLACE(text, "\r", ""), "\\", "\\\\"), "\n", "\\n");
+    const std::string line = STRREPLACE(STRREPLACE(STRREPLACE(text, "\r", ""), "\\", "\\\\"), "\n", "\\n");
     const bool quoted = line.size() > 1 && line.starts_with('"') && line.ends_with('"');
     return quoted ? STRADDQUOTES(line) : line;
 }
@@ -122,7 +121,7 @@ void packager::copyToDeb(const Object& window) {
     STAMP();
     const std::string mainClass = mainClassOf(window);
     DebFields fields;
-    if (!askFields(fields)) return;
+    if (!ISAPART(window, filesOf(window), keptIn(mainClass)) || !askFields(fields)) return;
     keep(mainClass, fields);
     STAMP();
     constexpr std::string_view extensions[] = {".svg", ".png", EXT_ICO};

@@ -91,20 +91,37 @@ bool namesDiffer(const Object& owner, const std::string& files) {
     return same.empty();
 }
 
-bool isApart(const Object& owner, const CopyList& list, const std::string& made) {
-    const os::FileInfo there = os::infoOf(os::native(made));
-    const bool among =
-        there.exists && std::any_of(list.files.begin(), list.files.end(), [&](const CopyFile& file) {
-            const os::FileInfo one = os::infoOf(os::native(file.Name));
-            return one.exists && one.device == there.device && one.inode == there.inode;
-        });
-    if (among) tell(owner, "Cannot copy files.\n'" + made + "' is one of them.", BoxIcon::Error);
-    return !among;
+std::string obstacle(const std::string& failed, const std::string& target) {
+    bool noneRead = true;
+    for (int i = 1; i <= STRLINES(failed); ++i) {
+        os::Handle handle = -1;
+        const std::string file = os::native(STRLINE(failed, i));
+        if (os::infoOf(file).special ||
+            os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None)
+            continue;
+        os::files().close(handle);
+        noneRead = false;
+    }
+    return "\nThe file(s) could not be found, or the destination...\n" +
+           (noneRead ? "The file(s) could not be read." : "'" + target + "' could not be written.");
 }
 
 }  // namespace ship
 
 using namespace ship;
+
+bool ISAPART(const Object& owner, const std::string& files, const std::string& made) {
+    FRAME(ISAPART);
+    STAMP();
+    const os::FileInfo there = os::infoOf(os::native(made));
+    bool among = false;
+    for (int i = 1; there.exists && !among && i <= STRLINES(files); ++i) {
+        const os::FileInfo one = os::infoOf(os::native(COPYPATH(STRLINE(files, i))));
+        among = one.exists && one.device == there.device && one.inode == there.inode;
+    }
+    if (among) tell(owner, "Cannot copy files.\n'" + made + "' is one of them.", BoxIcon::Error);
+    return !among;
+}
 
 // ---- floppy disks ----
 
@@ -259,9 +276,7 @@ bool COPYTOFOLDER(const Object& owner, const std::string& files, const std::stri
              "Successfully copied " + std::to_string(list.files.size()) + " file(s) to '" + folder + "'.");
     else
         tell(owner,
-             "The following file(s) could not be copied:\n\n" + indented(failed) +
-                 "\nThe file(s) could not be found, or the destination...\n'" + folder +
-                 "' could not be written.",
+             "The following file(s) could not be copied:\n\n" + indented(failed) + obstacle(failed, folder),
              BoxIcon::Error);
     return failed.empty();
 }

@@ -44,6 +44,9 @@ bool COPYTODEB(const Object& owner, const DebFields& fields, const std::string& 
                const std::string& icon, const std::string& files, const std::string& mainExe,
                const std::string& file);
 
+// False, and told, if a file that is to be made for the files, or beside what is made of them, is one of them.
+bool ISAPART(const Object& owner, const std::string& files, const std::string& made);
+
 // Shows a text that a double click, or Return, copies to the clipboard, and returns when the window is closed. The window
 // `ScriptDlg` is an edit window in the program's resources.
 void SHOWSCRIPT(const std::string& text);

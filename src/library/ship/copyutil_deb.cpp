@@ -268,7 +268,7 @@ bool COPYTODEB(const Object& owner, const DebFields& fields, const std::string& 
     if (!list.canBeCopied()) return false;
     const std::string chosen = chosenFile(owner, file);
     STAMP();
-    if (chosen.empty() || !isApart(owner, list, chosen)) return false;
+    if (chosen.empty() || !ISAPART(owner, list.paths(1), chosen)) return false;
     const WaitLabel wait(owner, WaitText);
     std::string problem, depends;
     bool ok = false;

@@ -118,11 +118,14 @@ bool COPYTOINSTALLER(const Object& owner, const std::string& company, const std:
         "the maximum size of the files to be installed");
     STAMP();
     if (!list.canBeCopied()) return false;
-    const WaitLabel wait(owner, WaitText);
     const std::string exe = exeOf(mainExe, files);
+    const std::string stem = FILEGETDIR(exe) + FILEBASENAME(exe) + "-install";
+    for (const std::string& made : {stem + ".iss", stem + std::string(EXT_EXE)})
+        if (!ISAPART(owner, list.paths(1), made)) return false;
+    STAMP();
+    const WaitLabel wait(owner, WaitText);
     const std::string text = CREATEISSSCRIPT(company, copyright, product, description, versionText, version,
                                              files, exe, iconOf(iconFile, files));
-    const std::string stem = FILEGETDIR(exe) + FILEBASENAME(exe) + "-install";
     STAMP();
     const std::string unsaved = saved(stem + ".iss", text);
     const Made made =

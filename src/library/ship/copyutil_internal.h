@@ -43,7 +43,7 @@ CopyList checked(const Object& owner, const std::string& files, const std::strin
                  const std::string& limit);
 // False, and told, if files of different paths have one name.
 bool namesDiffer(const Object& owner, const std::string& files);
-// False, and told, if the file that is to be made is one of those that it is made of.
-bool isApart(const Object& owner, const CopyList& list, const std::string& made);
+// The last lines of a box that lists what did not get to its target: what was in the way.
+std::string obstacle(const std::string& failed, const std::string& target);
 
 }  // namespace tarn::ship

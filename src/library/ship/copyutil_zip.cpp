@@ -62,9 +62,7 @@ std::string notIn(const std::string& listing, const CopyList& list) {
 
 void tellMissing(const Object& owner, const std::string& missing, const std::string& zipFile) {
     tell(owner,
-         "The following file(s) could not be zipped:\n\n" + indented(missing) +
-             "\nThe file(s) could not be found, or the destination...\n'" + zipFile +
-             "' could not be written.",
+         "The following file(s) could not be zipped:\n\n" + indented(missing) + obstacle(missing, zipFile),
          BoxIcon::Error);
 }
 
@@ -96,7 +94,7 @@ bool COPYTOZIP(const Object& owner, const std::string& files, const std::string&
     if (!list.canBeCopied()) return false;
     const std::string file = chosenFile(owner, zipFile);
     STAMP();
-    if (file.empty() || !isApart(owner, list, file)) return false;
+    if (file.empty() || !ISAPART(owner, list.paths(1), file)) return false;
     const WaitLabel wait(owner, WaitText);
     return makeZip(owner, list, file);
 }

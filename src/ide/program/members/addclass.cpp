@@ -43,32 +43,38 @@ std::string obstacleOf(const std::string& file, const std::string& mainFile, con
 }
 
 // A copy of the class, with its resource file where it has one, beside the main class.
+struct Copy {
+    std::string source, file;
+    bool replaces = false;  // as the user has said
+};
 struct Copies {
-    std::vector<std::pair<std::string, std::string>> files;  // source and copy
+    std::vector<Copy> files;
     std::string error;
     bool cancelled = false;
 };
 
-// A resource file that is there already goes only if the user says so.
-bool mayReplace(const std::string& file) {
-    if (FileSize(file) < 0) return true;
-    return MSGBOX("Copy File", "'" + file + "' already exists, do you want to replace it?", "Replace\nCancel",
-                  BoxIcon::Question) == "Replace";
+// A file that is there already goes only if the user says so.
+void plan(Copies& copies, const std::string& source, const std::string& folder) {
+    Copy copy{source, folder + FILEGETFNAME(source)};
+    copy.replaces = FileSize(copy.file) >= 0;
+    copies.cancelled =
+        copy.replaces && MSGBOX("Copy File", "'" + copy.file + "' already exists, do you want to replace it?",
+                                "Replace\nCancel", BoxIcon::Question) != "Replace";
+    copies.files.push_back(copy);
 }
 
 Copies planCopies(const std::string& file, const std::string& mainFile) {
     Copies copies;
     const std::string folder = FILEGETDIR(mainFile), twin = TWINFILE(file, ResourceExtension);
-    copies.files.emplace_back(file, folder + FILEGETFNAME(file));
-    if (FileSize(twin) < 0) return copies;
-    copies.files.emplace_back(twin, folder + FILEGETFNAME(twin));
-    copies.cancelled = !mayReplace(copies.files.back().second);
+    plan(copies, file, folder);
+    if (!copies.cancelled && FileSize(twin) >= 0) plan(copies, twin, folder);
     return copies;
 }
 
 std::string addCopies(ProgramChanges& changes, const Copies& copies) {
-    for (const auto& [source, copy] : copies.files)
-        if (std::string error = changes.copy(source, copy); !error.empty()) return error;
+    for (const Copy& copy : copies.files)
+        if (std::string error = changes.copy(copy.source, copy.file, copy.replaces); !error.empty())
+            return error;
     return {};
 }
 
@@ -79,7 +85,7 @@ std::string COPYCLASS(ProgramChanges& changes, const Copies& copies) {
     if (error.empty()) error = changes.commit();
     STAMP();
     if (!error.empty()) return error;
-    for (const auto& [source, copy] : copies.files) KEEPTIME(source, copy);
+    for (const Copy& copy : copies.files) KEEPTIME(copy.source, copy.file);
     return {};
 }
 
@@ -97,7 +103,8 @@ bool ADDTOPROGRAM(const std::string& title, const std::string& file, const std::
     if (copies.cancelled || !SETTLECODEWINDOW(mainFile)) return false;
     STAMP();
     ProgramChanges changes;
-    std::string error = CHANGEUSES(changes, mainFile, "ADD", FILEBASENAME(file));
+    std::string error = FileSize(file) < 0 ? "The file '" + file + "' was not found."
+                                           : CHANGEUSES(changes, mainFile, "ADD", FILEBASENAME(file));
     STAMP();
     if (error.empty())
         error = placing == Placing::CopyFile        ? COPYCLASS(changes, copies)

@@ -124,7 +124,7 @@ std::string COPYPAIR(ProgramChanges& changes, const NewPair& pair, const std::st
     Assert(FileSize(resourceCopy) < 0 && FileSize(classCopy) < 0,
            "'" + resourceCopy + "' and its class should not exist.");
     STAMP();
-    std::string error = changes.copy(pair.resourceFile, resourceCopy);
+    std::string error = changes.copy(pair.resourceFile, resourceCopy, false);
     if (!error.empty()) return error;
     changes.create(classCopy, classText);
     error = changes.commit();
@@ -135,6 +135,8 @@ std::string COPYPAIR(ProgramChanges& changes, const NewPair& pair, const std::st
 
 std::string MAKECHANGES(const std::string& title, const NewPair& pair, Placing placing) {
     FRAME(MAKECHANGES);
+    STAMP();
+    if (FileSize(pair.resourceFile) < 0) return "The file '" + pair.resourceFile + "' was not found.";
     STAMP();
     const TemplateText made = MAKECLASS(pair);
     STAMP();

@@ -76,11 +76,11 @@ void ProgramChanges::remove(const std::string& file) {
     put({file, "", os::FileChange::Kind::Remove});
 }
 
-std::string ProgramChanges::copy(const std::string& source, const std::string& file) {
+std::string ProgramChanges::copy(const std::string& source, const std::string& file, bool replaces) {
     FRAME(ProgramChanges::copy);
     std::string bytes;
     const os::FileError error = os::readFile(source, bytes);
-    const bool isNew = FileSize(file) < 0;
+    const bool isNew = !replaces || FileSize(file) < 0;
     if (error == os::FileError::None)
         put({file, bytes, isNew ? os::FileChange::Kind::Create : os::FileChange::Kind::Write});
     return readError(source, error);

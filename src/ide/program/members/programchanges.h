@@ -27,8 +27,9 @@ public:
     void edit(const std::string& file, const std::string& text);
     void create(const std::string& file, const std::string& text);  // that file must not be there yet
     void remove(const std::string& file);
-    // Another file with the contents that the source has on the disk.
-    [[nodiscard]] std::string copy(const std::string& source, const std::string& file);
+    // Another file with the contents that the source has on the disk. One that stands there already goes if `replaces`; else
+    // the commit fails.
+    [[nodiscard]] std::string copy(const std::string& source, const std::string& file, bool replaces);
 
     // All or nothing.
     [[nodiscard]] std::string commit();

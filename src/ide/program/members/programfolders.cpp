@@ -76,8 +76,9 @@ std::string COMMITWITHFOLDER(ProgramChanges& changes, const std::string& title,
     STAMP();
     UPDATEINHERITPATHS(title, classFile, false);
     STAMP();
-    if (!isInherited(folder)) return "The inherited folder list could not be updated. Nothing was changed.";
-    std::string error = changes.commit();
+    std::string error = isInherited(folder)
+                            ? changes.commit()
+                            : "The inherited folder list could not be updated. Nothing was changed.";
     STAMP();
     if (error.empty() || GETINHERITEDPATHS() == before) return error;
     PROFILESTRPUT(GETIDEINIFILE(), PathsSection, PathsKey, before);

@@ -115,6 +115,17 @@ TEST_F(ShipHostile, NoFileTakesThePlaceOfOneThatIsHandedOver) {
     EXPECT_TRUE(read("files/prog.exe").starts_with("\177ELF"));
 }
 
+TEST_F(ShipHostile, AnInstallerAndItsScriptAreNoFilesThatAreInstalled) {
+    tool("iscc.exe", "echo made > " + dir / "files/prog-install.exe");
+    for (const char* name : {"prog-install.exe", "prog-install.iss"}) {
+        EXPECT_FALSE(toInstaller(file("prog.exe", 3) + file(name, 4)));
+        EXPECT_EQ(lastText(), "Cannot copy files.\n'" + dir / "files/" + name + "' is one of them.");
+        EXPECT_EQ(read(std::string("files/") + name), "xxxx");
+        std::filesystem::remove(dir / "files/" + name);
+    }
+    EXPECT_EQ(listing("files"), "prog.exe\t3\n") << "nothing else was made";
+}
+
 TEST_F(ShipHostile, AFolderUnderTheNameOfWhatIsMadeStaysAndIsTold) {
     std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");
     folder("to/a.zip"), folder("to/a.deb"), folder("files/prog-install.exe");
@@ -210,6 +221,7 @@ TEST_F(ShipHostile, AFileThatGoesBetweenTheLookAndTheCopyingIsTold) {
     EXPECT_TRUE(lastText().starts_with("The following file(s) could not be copied:\n\n\t" + dir / "files/b" +
                                        "\n\nThe file(s) could not be found"))
         << lastText();
+    EXPECT_TRUE(lastText().ends_with("destination...\nThe file(s) could not be read.")) << lastText();
     EXPECT_EQ(listing("to"), "a\t1\n");
     make("files/b", "x");
     answers = {dir / "to/z.zip"};
