@@ -102,10 +102,24 @@ private:
             script_.package.files[i].size = info.size;
             script_.package.files[i].executable = isProgram(script_.sources[i], info);
         }
+        if (report.empty()) report = apart();
         if (report.empty() && script_.package.size() > MaxPackageSize)
             report = fail("the files have " + std::to_string(script_.package.size()) +
                           " bytes; the most is " + std::to_string(MaxPackageSize));
         return report;
+    }
+
+    // The installer takes the place of nothing that it is made of.
+    std::string apart() const {
+        const os::FileInfo there = os::infoOf(request_.made);
+        std::vector<std::string> sources = {request_.script, request_.setupProgram};
+        for (const std::string& source : script_.sources) sources.push_back(os::native(source));
+        for (const std::string& source : sources) {
+            const os::FileInfo one = os::infoOf(source);
+            if (there.exists && one.exists && one.device == there.device && one.inode == there.inode)
+                return fail("'" + request_.made + "' cannot be made of itself");
+        }
+        return {};
     }
 
     bool put(std::string_view bytes) {
@@ -120,7 +134,8 @@ private:
         Layout layout;
         put(request_.first);
         layout.first = written_;
-        if (!eachPiece(request_.setupProgram, all) || written_ == layout.first)
+        const bool read = eachPiece(request_.setupProgram, all) && written_ > layout.first;
+        if (out_.ok() && !read)
             return fail("the program that installs, '" + request_.setupProgram + "', cannot be read");
         layout.program = written_ - layout.first;
         const std::string failure = pack(all);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Installers as files: what they hold, and that no damage goes unnoticed.
+#include "os/savestream.h"
 #include "support/steerable.h"
 #include "toolchain/setup/install.h"
 #include "toolchain/setup/make.h"
@@ -117,6 +118,27 @@ TEST_F(Packages, ThePartsThatItIsMadeOfMustBeThere) {
     EXPECT_EQ(makeInstaller({"/src/script", "/out/a.exe", "/bin/none"}),
               "/src/script(0) : error : the program that installs, '/bin/none', cannot be read\n");
     EXPECT_FALSE(disk.has("/out/a.exe"));
+}
+
+TEST_F(Packages, NothingThatItIsMadeOfIsReplaced) {
+    const auto before = [&] {
+        return disk.contents("/src/prog.exe") + disk.contents("/src/script") + disk.contents("/bin/setup");
+    };
+    const std::string all = before();
+    for (const std::string made : {"/src/prog.exe", "/src/empty", "/src/script", "/bin/setup"}) {
+        EXPECT_EQ(makeInstaller({"/src/script", made, "/bin/setup"}),
+                  "/src/script(0) : error : '" + made + "' cannot be made of itself\n");
+        EXPECT_EQ(before(), all) << made;
+    }
+}
+
+TEST_F(Packages, APlaceThatIsNotThereIsToldAsThat) {
+    for (const std::size_t size : {std::size_t{10}, 3 * os::SaveStreamBytes}) {
+        disk.put("/bin/setup", std::string(size, 's'), 0755);
+        const std::string report = makeInstaller({"/src/script", "/not/there/a.exe", "/bin/setup"});
+        EXPECT_TRUE(report.starts_with("/src/script(0) : error : '/not/there/a.exe' cannot be written: "))
+            << size << report;
+    }
 }
 
 TEST_F(Packages, WhatAsksInWindowsGoesAlongInFrontWhereItsLibrariesDo) {
