@@ -23,8 +23,8 @@ void DO_UNLOAD();
 void UPDATEMAINWINDOW();
 // Moves the focus back to the window named in `lbllastactive`.
 void REACTIVATELASTWINDOW();
-const std::vector<Object>& SDIWINDOWS();  // those in which the user works
-bool ISSDIWINDOW(const Object& window);   // one of them, which is visible
+const std::vector<Object>& SDIWINDOWS();               // those in which the user works
+bool ISSDIWINDOW(const Object& window);                // one of them, which is visible
 std::string CHECKINIFILE(const std::string& iniFile);  // missing sections, one per line
 
 }  // namespace tarn
