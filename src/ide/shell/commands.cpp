@@ -13,6 +13,7 @@
 #include "ide/menus/viewmenu.h"
 #include "ide/menus/wndmenu.h"
 #include "ide/shell/ide.h"
+#include "ide/shell/welcome.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
 
@@ -233,6 +234,8 @@ void DO_COMMAND(const Object& control, int parameter) {
         if (row.handler != nullptr) row.handler(Fired{control, parameter});
         break;
     }
+    STAMP();
+    CLOSEWELCOME();
     STAMP();
     UPDATEMAINWINDOW();
     STAMP();

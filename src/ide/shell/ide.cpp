@@ -197,7 +197,7 @@ void activated(int handle) {
     const Object window = FindHandle(handle);
     if (ISSDIWINDOW(window)) {
         SetCaption(MAINCONTROL("lbllastactive"), GetName(window));
-        CLOSEWELCOME(window);
+        CLOSEWELCOME();
     }
     UPDATEMAINWINDOW();
     if (window == SDIEdit || window == Main) ASKABOUTCHANGEOUTSIDE(SDIEdit);

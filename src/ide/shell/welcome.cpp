@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <vector>
 
 MODULE("ide", tarn::IDE_ONERROR)
 
@@ -150,6 +151,12 @@ std::map<std::string, std::string>& captionsBefore() {
     return captions;
 }
 
+bool isNew(const Object& window) {
+    if (!ISSDIWINDOW(window)) return false;
+    const auto before = captionsBefore().find(GetName(window));
+    return before == captionsBefore().end() || before->second != GetCaption(window);
+}
+
 void noteWindows() {
     captionsBefore().clear();
     for (const Object& window : SDIWINDOWS())
@@ -188,12 +195,12 @@ void WELCOMEDIALOG() {
     STAMP();
 }
 
-void CLOSEWELCOME(const Object& window) {
+void CLOSEWELCOME() {
     FRAME(CLOSEWELCOME);
     STAMP();
     if (!IsLoaded(WelcomeDlg)) return;
-    const auto before = captionsBefore().find(GetName(window));
-    if (before == captionsBefore().end() || before->second != GetCaption(window)) Unload(WelcomeDlg);
+    const std::vector<Object>& windows = SDIWINDOWS();
+    if (std::any_of(windows.begin(), windows.end(), isNew)) Unload(WelcomeDlg);
     STAMP();
 }
 

@@ -14,9 +14,9 @@ inline const Object WelcomeDlg("WelcomeDlg");
 
 // Shows it; what the user chooses there is done then.
 void WELCOMEDIALOG();
-// A window in which the user works has come up. The welcome stays for one that was there, with that caption, when it was shown:
-// a window manager may tell late of what came up before.
-void CLOSEWELCOME(const Object& window);
+// Closes it if a window in which the user works has come up since it was shown, or shows something else: one that was there as it
+// is may be told of late, and closes nothing.
+void CLOSEWELCOME();
 // The same if the settings want it (Welcome, AtStart).
 void WELCOMEATSTART();
 bool WELCOMEDLG(const Object& window, int event, const Object& control, int parameter);
