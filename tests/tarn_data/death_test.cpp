@@ -87,22 +87,12 @@ TEST_F(ToolAfterDeaths, AfterADeathAtAnyCallCheckTellsAndRebuildGivesTheRowsBack
         for (const Ending& ending : endings) {
             const bool extreme = &ending == std::begin(endings) || &ending == std::end(endings) - 1;
             if (!extreme && &layout != &layouts[1]) continue;  // to be quick
-            for (const bool midway : {false, true}) {
-                bool died = true;
-                for (int call = 1; died && !HasFailure(); ++call) {
-                    start(layout, 6);
-                    close();
-                    ASSERT_EQ(open(layout.file), 0);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
-                                 (midway ? ", in call " : ", before call ") + std::to_string(call));
-                    Rows after = model_;
-                    operation.model(after);
-                    died = !dieIn(operation, call, midway);
+            eachDeath(
+                layout, which, ending, [] {},
+                [&](bool, const Rows& after) {
                     end(ending);
                     expectMended(after);
-                }
-            }
+                });
         }
     });
 }

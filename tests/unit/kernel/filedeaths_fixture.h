@@ -171,6 +171,27 @@ protected:
         } catch (const os::ProcessDeath&) {}
         return !files().dead();
     }
+    // An operation on six rows that dies before and in each of its file calls, and lives when none is left. `ready` runs ahead
+    // of it; `ended` gets whether it died and the rows that it was to leave, and ends the process.
+    template <class Ready, class Ended>
+    void eachDeath(const Layout& layout, std::size_t which, const Ending& ending, Ready ready, Ended ended) {
+        for (const bool midway : {false, true}) {
+            bool died = true;
+            for (int call = 1; died && !HasFailure(); ++call) {
+                start(layout, 6);
+                close();
+                ASSERT_EQ(open(layout.file), 0);
+                ready();
+                const Operation operation = operations()[which];
+                SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
+                             (midway ? ", in call " : ", before call ") + std::to_string(call));
+                Rows after = model_;
+                operation.model(after);
+                died = !dieIn(operation, call, midway);
+                ended(died, after);
+            }
+        }
+    }
     void end(const Ending& ending) {
         abandon();
         takeError();

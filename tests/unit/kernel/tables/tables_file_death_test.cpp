@@ -119,18 +119,9 @@ TEST_F(TableDeaths, OpeningANewTableThatFailsLeavesNoFiles) {
 TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
     eachOperation([this](const Layout& layout, std::size_t which) {
         for (const Ending& ending : endings) {
-            for (const bool midway : {false, true}) {
-                bool died = true;
-                for (int call = 1; died && !HasFailure(); ++call) {
-                    start(layout, 6);
-                    close();
-                    ASSERT_EQ(open(layout.file), 0);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
-                                 (midway ? ", in call " : ", before call ") + std::to_string(call));
-                    Rows after = model_;
-                    operation.model(after);
-                    died = !dieIn(operation, call, midway);
+            eachDeath(
+                layout, which, ending, [] {},
+                [&](bool died, const Rows& after) {
                     end(ending);
                     const bool good = look().empty();
                     EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
@@ -139,8 +130,7 @@ TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
                     if (!died && !ending.machine) {
                         EXPECT_TRUE(good && same(rows(), after));
                     }
-                }
-            }
+                });
         }
     });
 }

@@ -328,19 +328,9 @@ TEST_F(HeldTables, OnADiskThatIsFullAtAnyByteTheTableIsAsItWas) {
 TEST_F(HeldTables, AfterADeathAtAnyCallEveryRowComesBack) {
     eachOperation([this](const Layout& layout, std::size_t which) {
         for (const Ending& ending : endings) {
-            for (const bool midway : {false, true}) {
-                bool died = true;
-                for (int call = 1; died && !HasFailure(); ++call) {
-                    start(layout, 6);
-                    close();
-                    ASSERT_EQ(open(layout.file), 0);
-                    ASSERT_EQ(hold(), 0);
-                    const Operation operation = operations()[which];
-                    SCOPED_TRACE(std::string(layout.name) + ", " + operation.name + ", " + ending.name +
-                                 (midway ? ", in call " : ", before call ") + std::to_string(call));
-                    Rows after = model_;
-                    operation.model(after);
-                    died = !dieIn(operation, call, midway);
+            eachDeath(
+                layout, which, ending, [this] { ASSERT_EQ(hold(), 0); },
+                [&](bool died, const Rows& after) {
                     if (!died) {
                         files().dieAt(0);
                         EXPECT_EQ(release(), 0);
@@ -350,8 +340,7 @@ TEST_F(HeldTables, AfterADeathAtAnyCallEveryRowComesBack) {
                     EXPECT_TRUE(!good || same(rows(), model_) || same(rows(), after));
                     mend();
                     EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << rows().size();
-                }
-            }
+                });
         }
     });
 }

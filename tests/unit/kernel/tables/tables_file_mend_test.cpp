@@ -2,9 +2,11 @@
 //
 // What checks and mends the files of tables: torn rows, rows that stand twice, noted rows, wrong counts,
 // indexes of other rows, damaged bytes.
+#include "kernel/tables/tables_file_mend.h"
+
+#include "kernel/index/index_file.h"
 #include "kernel/run/progress.h"
 #include "kernel/tables/tables_file_check.h"
-#include "kernel/tables/tables_file_mend.h"
 #include "kernel/tables/tables_file_note.h"
 #include "unit/kernel/filetables_fixture.h"
 
@@ -176,6 +178,35 @@ TEST_F(MendedTables, FilesOfAnInterruptedExchangeGo) {
     EXPECT_EQ(mend().error, 0);
     EXPECT_EQ(names(), (Names{"a.i1", "a.i2", "a.tab"}));
     expectRows({1, 2, 3});
+}
+
+// A death has left an index without its header, beside the one that stepped aside and alone knows the key.
+TEST_F(MendedTables, TheIndexThatSteppedAsideStaysUntilANewOneHasItsHeader) {
+    const auto knowsKey = [this](const std::string& name) {
+        const Names all = names();
+        return std::find(all.begin(), all.end(), name) != all.end() &&
+               bytes(name).size() >= std::size_t{IndexHeaderBytes};
+    };
+    bool died = true;
+    for (int call = 1; died && !HasFailure(); ++call) {
+        SCOPED_TRACE(call);
+        closedWith(3);
+        put("a.~i1", bytes("a.i1"));
+        put("a.i1", "");
+        files().dieAt(call);
+        try {
+            died = false;
+            EXPECT_EQ(RebuildTableFile(*t(), "/d/a.tab").error, 0);
+        } catch (const os::ProcessDeath&) {
+            died = true;
+            abandon();
+            takeError();
+        }
+        files().revive();
+        EXPECT_TRUE(knowsKey("a.i1") || knowsKey("a.~i1"));
+        EXPECT_EQ(mend().error, 0);
+        EXPECT_EQ(names(), (Names{"a.i1", "a.i2", "a.tab"}));
+    }
 }
 
 TEST_F(MendedTables, ACountThatCannotBeIsSetRight) {
