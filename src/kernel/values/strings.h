@@ -14,6 +14,7 @@
 // appending to it by StringConcat(s, x, s) copies s only when the class of its block changes.
 #pragma once
 
+#include "kernel/values/fewbytes.h"
 #include "kernel/values/values.h"
 
 #include <cstdint>
@@ -82,7 +83,8 @@ void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ig
                    std::int32_t& result);
 // `op`: EQ, NE, GT, LT, GE or LE in any case, read from its first two characters. 1 if it holds; 0 for any
 // other.
-std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a, const StringDescriptor* b);
+inline std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a,
+                                    const StringDescriptor* b);
 std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a, std::string_view b);
 std::int32_t StringCompareOp(std::string_view op, std::string_view a, const StringDescriptor* b);
 std::int32_t StringCompareOp(std::string_view op, std::string_view a, std::string_view b);
@@ -95,6 +97,37 @@ std::int32_t StringLength(const StringDescriptor* s);     // 0, without an error
 std::int32_t StringMaxLength(const StringDescriptor* s);  // likewise
 // The stored bytes (CharacterWidth for each character); valid until the string changes.
 std::string_view StringView(const StringDescriptor* s);
+
+// ---- the short way of comparing ----
+
+namespace strings {
+
+// StringCompareOp of any two strings.
+std::int32_t CompareOp(std::string_view op, const StringDescriptor* a, const StringDescriptor* b);
+
+inline bool IsEqualSign(std::string_view op) {
+    return op.size() == 2 && (op[0] == 'E' || op[0] == 'e') && (op[1] == 'Q' || op[1] == 'q');
+}
+
+// An unbounded string, where a character is a byte.
+inline bool IsPlainText(const StringDescriptor* s) {
+    return s != nullptr && s->tag == TagString && s->maxlength == UNBOUNDED && s->size >= 0 &&
+           static_cast<std::uint32_t>(s->length) <= static_cast<std::uint32_t>(s->size);
+}
+
+}  // namespace strings
+
+// Whether two texts are equal is asked most often, and most of those are unbounded: that goes without a call.
+inline std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a,
+                                    const StringDescriptor* b) {
+    if (!strings::IsEqualSign(op) || CharacterWidth != 1 || !strings::IsPlainText(a) ||
+        !strings::IsPlainText(b))
+        return strings::CompareOp(op, a, b);
+    if (a->length != b->length) return 0;
+    return SameBytes(tarn_heap_base + a->data, tarn_heap_base + b->data, static_cast<std::size_t>(a->length))
+               ? 1
+               : 0;
+}
 
 // ---- the owning type of the modules ----
 

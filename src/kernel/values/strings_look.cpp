@@ -2,7 +2,6 @@
 //
 // Comparing strings, and looking at their characters.
 #include "kernel/text/relations.h"
-#include "kernel/values/fewbytes.h"
 #include "kernel/values/string_access_internal.h"
 
 namespace tarn {
@@ -45,21 +44,6 @@ bool holds(std::string_view op, const Text& a, const Text& b) {
     return RelationHolds(relation, compare(a, b, false));
 }
 
-[[gnu::noinline]] std::int32_t compareOp(std::string_view op, const StringDescriptor* a,
-                                         const StringDescriptor* b) {
-    return accept(a, b) && holds(op, textOf(a), textOf(b)) ? 1 : 0;
-}
-
-bool isEqualSign(std::string_view op) {
-    return op.size() == 2 && (op[0] == 'E' || op[0] == 'e') && (op[1] == 'Q' || op[1] == 'q');
-}
-
-// isString, where a character is a byte.
-bool isNarrow(const StringDescriptor* s) {
-    return s != nullptr && s->tag == TagString && (s->maxlength >= 1 || s->maxlength == UNBOUNDED) &&
-           s->size >= 0 && static_cast<std::uint32_t>(s->length) <= static_cast<std::uint32_t>(s->size);
-}
-
 }  // namespace
 
 void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ignoreCase,
@@ -67,13 +51,8 @@ void StringCompare(const StringDescriptor* a, const StringDescriptor* b, bool ig
     result = accept(a, b) ? compare(textOf(a), textOf(b), ignoreCase) : 0;
 }
 
-// Whether two texts are equal is asked most often, and most of those are short.
-std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a, const StringDescriptor* b) {
-    if (CharacterWidth != 1 || !isEqualSign(op) || !isNarrow(a) || !isNarrow(b)) return compareOp(op, a, b);
-    if (a->length != b->length) return 0;
-    return SameBytes(tarn_heap_base + a->data, tarn_heap_base + b->data, static_cast<std::size_t>(a->length))
-               ? 1
-               : 0;
+std::int32_t strings::CompareOp(std::string_view op, const StringDescriptor* a, const StringDescriptor* b) {
+    return accept(a, b) && holds(op, textOf(a), textOf(b)) ? 1 : 0;
 }
 
 std::int32_t StringCompareOp(std::string_view op, const StringDescriptor* a, std::string_view b) {
