@@ -6,12 +6,14 @@
 #include "data_bench.h"
 #include "disk_kernel.h"
 #include "disk_peers.h"
+#include "kernel/run/errorcell.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace bench {
@@ -20,9 +22,11 @@ namespace {
 
 // ---- operations ----
 
-// Every benchmark of one store uses the same, which is made once and left as it was.
+// Every benchmark of one store uses the same, which is made once and left as it was. Errors of an earlier one are
+// forgotten: only its own rows say so.
 template <class Store>
 Store& storeOf(benchmark::State& state) {
+    tarn::ClearError();
     static std::map<std::pair<std::int64_t, std::int64_t>, std::unique_ptr<Store>> stores;
     auto& store = stores[{state.range(0), state.range(1)}];
     if (store == nullptr)
@@ -37,10 +41,14 @@ std::int32_t nextProbe(std::int32_t probe, std::int32_t count) {
     return (probe + step) % count;
 }
 
+void notDone(benchmark::State& state) {
+    state.SkipWithError(("the work was not done, error " + std::to_string(tarn::TakeError())).c_str());
+}
+
 template <class Work>
 void eachTime(benchmark::State& state, bool good, Work work) {
     for (auto _ : state)
-        if (!good || !work()) return state.SkipWithError("the work was not done");
+        if (!good || !work()) return notDone(state);
 }
 
 template <class Store>
@@ -82,7 +90,7 @@ void diskDeleteSpread(benchmark::State& state) {
         probe = nextProbe(probe, static_cast<std::int32_t>(state.range(0)));
         const bool removed = store.good() && store.remove(probe);
         state.PauseTiming();
-        if (!removed || !store.add(probe)) return state.SkipWithError("the work was not done");
+        if (!removed || !store.add(probe)) return notDone(state);
         state.ResumeTiming();
     }
 }
@@ -177,7 +185,8 @@ std::int64_t statusOf(const std::string& name) {
 void diskMemory(benchmark::State& state) {
     const auto rows = static_cast<std::int32_t>(state.range(0)),
                indexes = static_cast<std::int32_t>(state.range(1));
-    const std::string path = makeKernel(rows, indexes), output = pathOf("memory.txt");
+    const std::string path = makeKernel(rows, indexes, Nodes::Balanced, "memory"),
+                      output = pathOf("memory.txt");
     for (auto _ : state) {
         const double used = runProgram(
             {"/proc/self/exe", diskMemoryOption, path, std::to_string(rows), std::to_string(indexes)}, "",

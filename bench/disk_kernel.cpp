@@ -230,6 +230,12 @@ KernelRebuilt::KernelRebuilt(std::int32_t rows, std::int32_t indexes)
     open();
 }
 
+KernelDurable::KernelDurable(std::int32_t rows, std::int32_t indexes)
+    : KernelRows(makeKernel(rows, indexes, Nodes::Balanced, "durable"), indexes) {
+    open();
+    check(rows);
+}
+
 bool KernelDurable::add(std::int32_t i) {
     const bool good = KernelRows::add(i);
     close();

@@ -58,7 +58,7 @@ struct KernelRebuilt : KernelRows {
 };
 // Brought to the disk after each addition.
 struct KernelDurable : KernelRows {
-    using KernelRows::KernelRows;
+    KernelDurable(std::int32_t rows, std::int32_t indexes);
     bool add(std::int32_t i);
 };
 
