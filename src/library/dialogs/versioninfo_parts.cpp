@@ -7,8 +7,6 @@
 
 #include <algorithm>
 
-MODULE("dlgutil")
-
 namespace tarn::detail {
 namespace {
 

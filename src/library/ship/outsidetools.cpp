@@ -6,8 +6,6 @@
 #include "os/paths.h"
 #include "os/process.h"
 
-MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
-
 namespace tarn::ship {
 
 std::string toolPath(std::string_view name) {

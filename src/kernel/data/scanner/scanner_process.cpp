@@ -16,7 +16,7 @@ union Process {
     ~Process() {}
     Scanner scanner;
 };
-constinit Process process;
+Process process;
 
 Scanner& scanner() {
     return process.scanner;
