@@ -26,6 +26,10 @@ TEST_F(Strings, TextsOfEveryLengthAreEqualUntilOneCharacterDiffers) {
         EXPECT_EQ(StringCompareOp("NE", a.get(), same.get()), 0) << length;
         const String longer(bytes + 'x');
         EXPECT_EQ(StringCompareOp("EQ", a.get(), longer.get()), 0) << length;
+        String fixed(70);
+        fixed.assign(bytes);
+        EXPECT_EQ(StringCompareOp("EQ", fixed.get(), a.get()), 1) << length;
+        EXPECT_EQ(StringCompareOp("EQ", longer.get(), fixed.get()), 0) << length;
         for (std::size_t i = 0; i < length; ++i) {
             std::string changed = bytes;
             changed[i] = '\xFF';
@@ -159,6 +163,8 @@ TEST_F(Strings, NullAndWrongDescriptorsGive756AndNoChange) {
             [&] { EXPECT_EQ(StringGetChar(bad, 1), 0); },
             [&] { EXPECT_FALSE(StringIsNull(bad)); },
             [&] { EXPECT_EQ(StringView(bad), ""); },
+            [&] { EXPECT_EQ(StringCompareOp("EQ", bad, s.get()), 0); },
+            [&] { EXPECT_EQ(StringCompareOp("EQ", s.get(), bad), 0); },
             [&] { EXPECT_EQ(StringCompareOp("NE", bad, s.get()), 0); },
             [&] { EXPECT_EQ(StringCompareOp("NE", s.get(), bad), 0); },
             [&] { EXPECT_EQ(StringCompareOp("NE", bad, "q"sv), 0); },
