@@ -5,6 +5,7 @@
 #include "kernel/data/fresh.h"
 #include "kernel/debug/exactnumbers.h"
 #include "kernel/debug/fieldnames.h"
+#include "kernel/debug/setfaults_internal.h"
 #include "kernel/debug/valueelements_internal.h"
 #include "kernel/debug/valuetext.h"
 #include "kernel/lists/rowformat.h"
@@ -188,10 +189,22 @@ bool ValueReader::string(StringDescriptor* into) {
     return false;
 }
 
+// Leaves the text at what is wrong.
+bool ValueReader::isFaultless(const SetDescriptor& set) {
+    const bool bounded = set.maxlength != DYNAMIC_BOUNDS;
+    const auto fault = FaultOfSet(text_, at_, bounded ? std::int32_t{set.lower} : LowestBound,
+                                  bounded ? std::int32_t{set.upper} : HighestBound);
+    if (!fault) return true;
+    at_ = fault->at;
+    why_ = fault->why;
+    return false;
+}
+
 bool ValueReader::set(SetDescriptor* into) {
     const std::size_t start = at_;
     auto position = static_cast<std::int32_t>(at_ + 1);
     std::int32_t error = 0;
+    if (exact_ && !isFaultless(*into)) return false;
     SetFromText(text_, position, into, error);
     constexpr std::int32_t syntaxError = 1;
     at_ = error == 0 || error == syntaxError ? static_cast<std::size_t>(position) - 1 : start;
@@ -229,8 +242,8 @@ bool ValueReader::valueOf(void* into, const FormerValue& old, Kind kind) {
 bool ValueReader::outermost(void* into, const FormerValue& old, Kind kind) {
     skipBlanks();
     if (atEnd() || next() == '}') return false;
-    const bool bare =
-        IsComposite(kind) && next() != '{' && !(next() == '"' && takesCharacters(into, old.value, kind));
+    const bool bare = !exact_ && IsComposite(kind) && next() != '{' &&
+                      !(next() == '"' && takesCharacters(into, old.value, kind));
     return bare ? composite(into, old, kind, false) : value(into, old, kind);
 }
 
@@ -276,13 +289,16 @@ bool ValueReader::composite(void* into, const FormerValue& old, Kind kind, bool 
 bool ValueReader::record(RecordDescriptor* into, const FormerValue& old, bool braced) {
     const auto kind = into->tag == TagUnion ? KindUnion : KindRecord;
     char* field = At(into->data);
-    return elements(braced, [&](std::int32_t i) {
+    std::int32_t count = 0;
+    const bool all = elements(braced, [&](std::int32_t i) {
+        count = i + 1;
         const Kind fieldKind = FieldKindAt(into->kinds, i + 1);
         if (fieldKind == KindNone) return false;
         char* const at = field;
         field += KindSize[fieldKind];
         return element(at, {elementOf(old.value, kind, i), FieldNamesAt(old.names, i + 1)}, fieldKind);
     });
+    return all && isComplete(count, FieldCountOf(into->kinds), "fields");
 }
 
 // How many elements stand up to the brace that closes, or up to the end. Each is no longer than the text, so that a
@@ -304,7 +320,16 @@ std::int64_t ValueReader::countElements(bool braced) const {
     return any ? count + 1 : 0;
 }
 
-// For a dynamic array. One of more dimensions, or one that is given no elements, has the bounds that it had.
+bool ValueReader::isComplete(std::int32_t read, std::int32_t count, std::string_view elements) {
+    if (!exact_ || read == 0 || read == count) return true;
+    --at_;
+    why_ = "there are " + std::to_string(read) + " of " + std::to_string(count) + ' ' +
+           std::string(elements) +
+           ": write all, or nothing between the commas for those that become 0 or empty";
+    return false;
+}
+
+// For a dynamic array. One of more dimensions has the bounds that it had, and so has one whose text is empty.
 bool ValueReader::giveBounds(ArrayDescriptor& array, const void* old, std::int64_t count) {
     const ArrayDescriptor before =
         old != nullptr && !IsZeroValue(old, KindArray) ? ReadAt<ArrayDescriptor>(old) : array;
@@ -322,15 +347,18 @@ bool ValueReader::giveBounds(ArrayDescriptor& array, const void* old, std::int64
 }
 
 bool ValueReader::array(ArrayDescriptor* into, const FormerValue& old, bool braced) {
-    if (into->maxlength == DYNAMIC_BOUNDS && !giveBounds(*into, old.value, countElements(braced)))
-        return false;
+    const std::int64_t given = into->maxlength == DYNAMIC_BOUNDS ? countElements(braced) : 0;
+    if (given > 0 && !giveBounds(*into, old.value, given)) return false;
     const auto kind = static_cast<Kind>(into->tag);
     const std::int32_t count = kind == KindNone ? 0 : into->size / KindSize[kind];
-    return elements(braced, [&](std::int32_t i) {
+    std::int32_t read = 0;
+    const bool all = elements(braced, [&](std::int32_t i) {
+        read = i + 1;
         char* const at = At(into->data) + std::int64_t{i} * KindSize[kind];
         const void* const before = IsAdtKind(kind) ? elementOf(old.value, KindArray, i) : nullptr;
         return i < count && element(at, {before, ElementNames(old.names)}, kind);
     });
+    return all && isComplete(read, count, "elements");
 }
 
 bool ValueReader::characters(ArrayDescriptor* into, const void* old) {
@@ -412,6 +440,7 @@ bool readValue(std::string_view text, void* value, std::string_view names, std::
     misfit.capacity = reader.capacity();
     misfit.highest = reader.highest();
     misfit.kept = reader.kept();
+    misfit.why = reader.why();
     // What does not fit is told by the result.
     const std::int32_t code = OwnErrors::code();
     if (code != ERR_OUT_OF_MEMORY && !IsFileFailure(code)) OwnErrors::forget();
