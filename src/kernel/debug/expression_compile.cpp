@@ -3,7 +3,7 @@
 // Expressions are read by descent, one function for each level of the grammar, and written as instructions in the order
 // in which they are done. Nothing is looked up: there may be no program yet.
 #include "kernel/debug/expression_internal.h"
-#include "kernel/debug/setfaults_internal.h"
+#include "kernel/debug/setfaults.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/text/numbers.h"
 #include "kernel/values/sets.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "kernel/debug/setfaults_internal.h"
+#include "kernel/debug/setfaults.h"
 
 #include "os/text/ascii.h"
 

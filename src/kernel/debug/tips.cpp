@@ -6,6 +6,7 @@
 #include "kernel/debug/expression.h"
 #include "kernel/debug/framevariables.h"
 #include "kernel/debug/sourcename.h"
+#include "kernel/debug/valuedump_internal.h"
 #include "kernel/run/errorcell.h"
 #include "os/text/ascii.h"
 
@@ -21,8 +22,10 @@ std::string constantTip(const std::string& name) {
     const DeclaredConstant* const constant = FindDeclaredConstant(engine.shownClass, name);
     if (constant == nullptr) return {};
     std::string type = constant->typeName;
+    const bool hex = ascii::equal(type, "integer") && ShowsIntegersInHex();
     if (!type.empty()) type[0] = ascii::upper(type[0]);
-    return name + (type.empty() ? "" : " : ") + type + " = " + std::to_string(constant->value);
+    return name + (type.empty() ? "" : " : ") + type + " = " +
+           OneLineValue(&constant->value, KindInteger, hex);
 }
 
 // The variable that a name begins with, if it is one of the chosen frame: in another function, or another class, the same

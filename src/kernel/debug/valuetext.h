@@ -67,8 +67,8 @@ struct ValueMisfit {
     std::int32_t capacity = 0;   // of a fixed string for which the text is too long
     std::int32_t highest = 255;  // of an enum
     std::string kept;            // of a number that would be cut or rounded: what it would become
-    std::string
-        why{};  // in words that tell what to do, where more is known: goes on behind "at character 3 "
+    // In words that tell what to do, where more is known: goes on behind "at character 3 ".
+    std::string why{};
 };
 // The same for a text that a user has typed, where what is left out may have been forgotten. It is one value from its
 // beginning to its end, but for blanks. Composites have their braces; a record, or an array whose elements do not come and

@@ -83,7 +83,7 @@ TEST_F(DebugTips, TellWhatAConstantIs) {
     hands().push_back([](platform::DebugWindow& window) {
         EXPECT_EQ(tip(window, "c := blue"), "blue : Enum = 2");
         EXPECT_EQ(tip(window, "c := BLUE"), "BLUE : Enum = 2");
-        EXPECT_EQ(tip(window, "if i > limit"), "limit : Integer = 12");
+        EXPECT_EQ(tip(window, "if i > limit"), "limit : Integer = 0x0000000C");
         EXPECT_EQ(tip(window, "s := round"), "round = 0x00000005") << "a variable hides it";
         EXPECT_EQ(tip(window, "s := other.blue"), "");
         EXPECT_EQ(tip(window, "// blue"), "");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What a user types as a value: what is left out by mistake is refused, with what to do about it.
-#include "kernel/debug/setfaults_internal.h"
+#include "kernel/debug/setfaults.h"
 #include "kernel/debug/valuetext.h"
 
 #include "unit/kernel/debug/shownvalues_fixture.h"
