@@ -91,10 +91,6 @@ ValueNote NoteOf(const VariableEntry& entry, const HowShown& how, std::size_t& t
     return note;
 }
 
-bool IsOther(const ValueNote& before, const ValueNote& now) {
-    return before.type != now.type || before.value != now.value;
-}
-
 bool IsOtherElement(const ValueNote& before, const ValueNote& now, std::int32_t element) {
     const auto at = [element](const ValueNote& note) -> const std::uint64_t* {
         const std::int32_t i = element - note.firstElement;

@@ -30,7 +30,6 @@ struct ValueNote {
 // What the variable is now. `text` grows by the characters that were looked at.
 ValueNote NoteOf(const VariableEntry& entry, const HowShown& how, std::size_t& text);
 
-bool IsOther(const ValueNote& before, const ValueNote& now);  // the type or the value
 bool IsOtherElement(const ValueNote& before, const ValueNote& now, std::int32_t element);
 
 // Notes the variables of all calls. What stands in files is read; the error cell stays as it was.
