@@ -235,6 +235,16 @@ BENCHMARK_CAPTURE(values, collapsed, false, false)->Unit(benchmark::kMillisecond
 BENCHMARK_CAPTURE(values, expanded, true, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(values, page, true, true)->Unit(benchmark::kMillisecond);
 
+// What each stop adds when it is left.
+void noted(benchmark::State& state, bool expanded) {
+    const DebuggedFrame frame;
+    tarn::variableTable->entries[2].expanded = expanded;
+    for (auto _ : state) tarn::NoteValues();
+    tarn::ForgetShownValues();
+}
+BENCHMARK_CAPTURE(noted, collapsed, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(noted, expanded, true)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 BENCHMARK_MAIN();

@@ -170,7 +170,7 @@ TEST_F(DebuggerTest, TheLongestLineAnd30PixelsCanBeReachedSideways) {
     EXPECT_NEAR(reach, margin + text + 30, 4);
 }
 
-TEST_F(DebuggerTest, TheWordUnderThePointerIsAskedForAndTheAnswerShown) {
+TEST_F(DebuggerTest, TheLineUpToTheWordUnderThePointerIsToldAndTheAnswerShown) {
     DebugAddstrings(*window, "  count := row.total + 12");
     act = [this](const DebugEvent& event) {
         if (event.message == DebugMessage::Hover) SetDebugTip(*window, "1 < 2\nsecond");
@@ -186,7 +186,7 @@ TEST_F(DebuggerTest, TheWordUnderThePointerIsAskedForAndTheAnswerShown) {
           [] { EXPECT_EQ(QToolTip::text().toStdString(), "<qt>1 &lt; 2<br>second</qt>"); }, [&] { rest(8); },
           [&] { rest(12); }, [&] { rest(16); }, [&] { rest(23); }, [&] { rest(60); },
           [this] { SetDebugTip(*window, ""); }});
-    EXPECT_EQ(done, (Done{"hover 1 count", "hover 1 row", "hover 1 row.total"}));
+    EXPECT_EQ(done, (Done{"hover 1   count", "hover 1   count := row", "hover 1   count := row.total"}));
 }
 
 TEST_F(DebuggerTest, MarksAreDrawnInTheMargin) {

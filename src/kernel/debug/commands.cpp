@@ -2,10 +2,7 @@
 //
 // The commands of the debugger's window, and what else its user does there.
 #include "kernel/debug/engine_internal.h"
-#include "kernel/debug/expression.h"
 #include "kernel/debug/showvalues.h"
-#include "kernel/run/errorcell.h"
-#include "os/text/ascii.h"
 
 namespace tarn {
 
@@ -130,17 +127,6 @@ void edit(DebugWindow& window, int line) {
     Beep();
 }
 
-// The value of what the pointer rests on, if that is one of the chosen frame.
-std::string tipFor(const std::string& text) {
-    if (engine.mode != ListMode::Code || text.empty() || ascii::isDigit(text[0])) return {};
-    const ErrorCellAside aside;
-    std::string error;
-    const auto expression = DebugExpression::compile(text, error);
-    const auto value =
-        expression != nullptr ? expression->value(engine.frame, ShowsIntegersInHex()) : std::nullopt;
-    return value ? text + " = " + *value : "";
-}
-
 void close(DebugWindow& window) {
     engine.leaves = true;
     Leave(window);
@@ -173,7 +159,7 @@ void OnDebugEvent(platform::DebugWindow& window, const platform::DebugEvent& eve
     case DebugMessage::DoubleClick: return debug::doubleClick(window, event.number);
     case DebugMessage::Help: return debug::ShowHelp("Debugger");
     case DebugMessage::Edit: return debug::edit(window, event.number);
-    case DebugMessage::Hover: return platform::SetDebugTip(window, debug::tipFor(event.text));
+    case DebugMessage::Hover: return platform::SetDebugTip(window, debug::TipFor(event.text, event.number));
     case DebugMessage::Close: return debug::close(window);
     }
 }

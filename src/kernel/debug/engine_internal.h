@@ -115,6 +115,9 @@ void EditRule(DebugWindow& window, int line);
 void AskWatch(DebugWindow& window);
 void EditWatch(DebugWindow& window, int line);
 void RemoveWatch(DebugWindow& window, int line);
+// The value of the name that ends where `source` ends, the beginning of that line of the shown class: of a variable of the
+// chosen frame, or a constant. Empty if there is none.
+std::string TipFor(std::string_view source, std::int32_t line);
 void HelpOnError();
 void ShowHelp(const std::string& topic);
 void Beep();

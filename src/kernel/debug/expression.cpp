@@ -47,6 +47,7 @@ std::string textOf(const Operand& value, bool hex) {
 void forgetElements(ExpressionParts& parts) {
     if (!parts.elements.empty()) parts.elements.clear();
     if (!parts.wide.empty()) parts.wide.clear();
+    if (!parts.made.empty()) parts.made.clear();
 }
 
 }  // namespace

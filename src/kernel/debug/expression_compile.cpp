@@ -3,6 +3,7 @@
 // Expressions are read by descent, one function for each level of the grammar, and written as instructions in the order
 // in which they are done. Nothing is looked up: there may be no program yet.
 #include "kernel/debug/expression_internal.h"
+#include "kernel/debug/setfaults.h"
 #include "kernel/run/errorcell.h"
 #include "kernel/text/numbers.h"
 #include "kernel/values/sets.h"
@@ -257,6 +258,10 @@ private:
         SetFromText(text_, position, set.get(), error);
         if (error == 1) at_ = static_cast<std::size_t>(position) - 1;
         if (error != 0) return fail("A set is made of numbers from -32768 to 32767, such as [1, 5..9]");
+        if (const auto fault = FaultOfSet(text_, at_, LowestBound, HighestBound)) {
+            at_ = fault->at;
+            return fail("A set is made of numbers with one comma between two, such as [1, 5..9]");
+        }
         parts_->sets.push_back(std::move(set));
         Operand operand;
         operand.type = Operand::Type::Place;

@@ -82,6 +82,7 @@ struct ExpressionParts {
     std::vector<ExpressionOperand> stack;
     std::deque<ElementBeside> elements;  // read from files, for one evaluation
     std::deque<std::string> wide;        // texts of wide characters, for one evaluation
+    std::deque<OwnedSet> made;           // sets of other sets, for one evaluation
 };
 
 // Why an expression has no value.

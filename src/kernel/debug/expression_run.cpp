@@ -41,6 +41,10 @@ bool isNumber(const Operand& operand) {
     return operand.type == Type::Integer || operand.type == Type::Fixed || operand.type == Type::Real;
 }
 
+bool isSet(const Operand& operand) {
+    return operand.type == Type::Place && operand.kind == KindSet;
+}
+
 // Of two numbers to the wider type of the two.
 void widen(Operand& operand, Type type) {
     if (operand.type == type) return;
@@ -141,7 +145,8 @@ private:
         const std::string_view className = hasFrame ? frameStack->frames[frame_ - 1].className() : "";
         if (hasFrame && name.constantOf != className) {
             name.constantOf = className;
-            name.constant = FindDeclaredConstant(className, name.text);
+            const DeclaredConstant* const found = FindDeclaredConstant(className, name.text);
+            name.constant = found != nullptr ? std::optional(found->value) : std::nullopt;
         }
         if (!hasFrame || !name.constant) return static_cast<void>(fail(Trouble::NoName, name.text));
         *top_ = {};
@@ -304,8 +309,7 @@ private:
             calculate(op, a, b);
     }
     void contains(Operand& a, const Operand& b) {
-        if (a.type != Type::Integer || b.type != Type::Place || b.kind != KindSet)
-            return static_cast<void>(misfit(Op::In));
+        if (a.type != Type::Integer || !isSet(b)) return static_cast<void>(misfit(Op::In));
         const bool isMember =
             SetContains(static_cast<std::int32_t>(a.whole), static_cast<const SetDescriptor*>(b.place));
         setWhole(a, Type::Boolean, isMember ? 1 : 0);
@@ -342,7 +346,21 @@ private:
         return a.kind == KindSet || op <= Op::Different;
     }
 
+    // Of two sets.
+    void combine(Op op, Operand& a, const Operand& b) {
+        static constexpr void (*operations[])(const SetDescriptor*, const SetDescriptor*,
+                                              SetDescriptor*) = {SetUnion, SetDifference, SetIntersect};
+        // What a chain has come to is combined in its place, so that a long one needs no more room.
+        const bool goesOn = !parts_.made.empty() && parts_.made.back().get() == a.place;
+        if (!goesOn) SetInit(parts_.made.emplace_back().get(), UNBOUNDED, UNBOUNDED);
+        SetDescriptor* const result = parts_.made.back().get();
+        operations[static_cast<std::size_t>(op) - static_cast<std::size_t>(Op::Add)](
+            static_cast<const SetDescriptor*>(a.place), static_cast<const SetDescriptor*>(b.place), result);
+        if (ErrorCell() != 0) return static_cast<void>(fail(Trouble::Unreadable));
+        setPlace(a, result, KindSet);
+    }
     void calculate(Op op, Operand& a, Operand& b) {
+        if (isSet(a) && isSet(b) && op <= Op::Multiply) return combine(op, a, b);
         if (!isNumber(a) || !isNumber(b)) return static_cast<void>(misfit(op));
         Type type = std::max(a.type, b.type);
         if (op == Op::Div || op == Op::Mod) {

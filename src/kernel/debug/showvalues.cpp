@@ -4,6 +4,8 @@
 #include "kernel/debug/framevariables.h"
 #include "kernel/debug/showvalues_internal.h"
 #include "kernel/debug/valueelements_internal.h"
+#include "kernel/debug/valuenotes_internal.h"
+#include "kernel/run/errorcell.h"
 #include "kernel/run/errors.h"
 #include "kernel/run/runtime.h"
 #include "kernel/values/strings.h"
@@ -13,7 +15,6 @@
 #include <functional>
 #include <map>
 #include <set>
-#include <utility>
 #include <vector>
 
 namespace tarn {
@@ -29,8 +30,8 @@ constexpr std::string_view nothingInScope = " Either there are no values in scop
 std::string withoutRoom(std::int32_t frame) {
     if (variablesEndAt == 0 || frame < variablesEndAt) return {};
     if (frame > MaxFrames)
-        return " (Only the first " + std::to_string(MaxFrames) + " calls have their values here: this one is number " +
-               std::to_string(frame) + ".)\n";
+        return " (Only the first " + std::to_string(MaxFrames) +
+               " calls have their values here: this one is number " + std::to_string(frame) + ".)\n";
     return " (The table of values is full: it holds " + std::to_string(MaxVariables) +
            ", and those of this call may be missing.)\n";
 }
@@ -40,72 +41,58 @@ struct Shown {
     std::uint64_t function = 0;  // another function at the same depth is another frame
     bool hex = false;
     std::vector<ShownLine> lines;
-    std::vector<ShownVariable> variables;
 };
-Shown shown, noted;
+Shown shown;
 
 // What the user has asked for, by the addresses of the variables.
 std::map<const void*, HowShown> asked;
 
-std::uint64_t functionOf(std::int32_t frame) {
-    const FrameRecord& record = frameStack->frames[frame - 1];
-    return std::hash<std::string>()(std::string(record.className()) + ':' + record.functionName());
-}
-
-HowShown howShown(const VariableEntry& entry) {
-    const auto found = asked.find(entry.address);
-    return found != asked.end() ? found->second : HowShown();
-}
-
-// ---- what has changed ----
-
-const ShownVariable* notedVariable(const ShownVariable& variable) {
-    if (noted.frame != shown.frame || noted.function != shown.function) return nullptr;
-    const auto found =
-        std::find_if(noted.variables.begin(), noted.variables.end(),
-                     [&](const ShownVariable& one) { return one.address == variable.address; });
-    return found != noted.variables.end() ? &*found : nullptr;
-}
-
-bool headChanged(const ShownVariable& before, const ShownVariable& now) {
-    return before.head != now.head || (before.value != 0 && now.value != 0 && before.value != now.value);
-}
-
-bool elementChanged(const ShownVariable& before, const ShownVariable& now, std::int32_t element) {
-    const std::int32_t was = element - before.firstElement, is = element - now.firstElement;
-    if (was < 0 || was >= static_cast<std::int32_t>(before.elements.size())) return false;
-    return before.elements[static_cast<std::size_t>(was)] != now.elements[static_cast<std::size_t>(is)];
-}
-
-bool lineChanged(const ShownLine& line, const ShownVariable* before) {
-    if (before == nullptr || line.element == ShownLine::NoValue) return false;
-    const ShownVariable& now = shown.variables[static_cast<std::size_t>(line.variable)];
-    return line.element == ShownLine::NoElement ? headChanged(*before, now)
-                                                : elementChanged(*before, now, line.element);
-}
-
 // ---- the list ----
 
+void mark(platform::DebugWindow& window, std::size_t index) {
+    platform::SetDebugFlags(window, static_cast<int>(index) + 1, platform::types::DEBUG_CHANGED);
+}
+
+// The lines from `first` on, before `behind`, are the variable's. Of an expanded one the elements tell what has changed; its
+// own line does where none of them can.
+void markChanged(platform::DebugWindow& window, const VariableEntry& entry, std::size_t first,
+                 std::size_t behind) {
+    const ValueNote* const before = NotedValue(shown.frame, entry);
+    if (before == nullptr) return;
+    std::size_t text = 0;
+    const ValueNote now = NoteOf(entry, HowItIsShown(entry), text);
+    bool inElement = false;
+    for (std::size_t i = first; i < behind; ++i) {
+        const std::int32_t element = shown.lines[i].element;
+        if (element < 0 || !IsOtherElement(*before, now, element)) continue;
+        mark(window, i);
+        inElement = true;
+    }
+    if (before->type == now.type && (inElement || before->value == now.value)) return;
+    for (std::size_t i = first; i < behind; ++i)
+        if (shown.lines[i].element == ShownLine::NoElement) mark(window, i);
+}
+
+void markExpandable(platform::DebugWindow& window, const VariableEntry& entry, std::size_t line) {
+    if (!IsExpandable(static_cast<Kind>(entry.kind))) return;
+    platform::SetDebugMarker(window, static_cast<int>(line) + 1,
+                             entry.expanded ? platform::types::DebugMarker::Collapse
+                                            : platform::types::DebugMarker::Expand);
+}
+
 void markLines(platform::DebugWindow& window, const FrameVariables& variables) {
-    std::vector<const ShownVariable*> before;
-    for (const ShownVariable& variable : shown.variables) before.push_back(notedVariable(variable));
-    for (std::size_t i = 0; i < shown.lines.size(); ++i) {
-        const ShownLine& line = shown.lines[i];
-        const int number = static_cast<int>(i) + 1;
-        if (lineChanged(line, before[static_cast<std::size_t>(line.variable)]))
-            platform::SetDebugFlags(window, number, platform::types::DEBUG_CHANGED);
-        if (line.element != ShownLine::NoElement || line.continues) continue;
-        const VariableEntry& entry = variables.first[line.variable];
-        if (IsExpandable(static_cast<Kind>(entry.kind)))
-            platform::SetDebugMarker(window, number,
-                                     entry.expanded ? platform::types::DebugMarker::Collapse
-                                                    : platform::types::DebugMarker::Expand);
+    const ErrorCellAside aside;
+    for (std::size_t first = 0, behind = 0; first < shown.lines.size(); first = behind) {
+        const std::int32_t variable = shown.lines[first].variable;
+        while (behind < shown.lines.size() && shown.lines[behind].variable == variable) ++behind;
+        markExpandable(window, variables.first[variable], first);
+        markChanged(window, variables.first[variable], first, behind);
     }
 }
 
 ValueDump dumpOf(const FrameVariables& variables, bool hex) {
     ValueDump dump(hex, MaxShownText);
-    for (const VariableEntry& entry : variables) dump.add(entry, howShown(entry));
+    for (const VariableEntry& entry : variables) dump.add(entry, HowItIsShown(entry));
     return dump;
 }
 
@@ -130,6 +117,16 @@ VariableEntry* expandableOf(std::string_view text, std::int32_t frame, int line)
 
 }  // namespace
 
+std::uint64_t FunctionOfFrame(std::int32_t frame) {
+    const FrameRecord& record = frameStack->frames[frame - 1];
+    return std::hash<std::string>()(std::string(record.className()) + ':' + record.functionName());
+}
+
+HowShown HowItIsShown(const VariableEntry& entry) {
+    const auto found = asked.find(entry.address);
+    return found != asked.end() ? found->second : HowShown();
+}
+
 void ShowValuesAgain(platform::DebugWindow& window, std::int32_t frame, bool hex) {
     const int selected = platform::DebugSelected(window), top = platform::DebugTop(window);
     ShowValues(window, frame, hex);
@@ -144,7 +141,7 @@ bool ShownInHex() {
 LineValue ValueOfLine(std::int32_t frame, int line) {
     const FrameVariables variables = VariablesOf(frame);
     const bool known = frame == shown.frame && variables.first != nullptr &&
-                       functionOf(frame) == shown.function && line >= 1 &&
+                       FunctionOfFrame(frame) == shown.function && line >= 1 &&
                        static_cast<std::size_t>(line) <= shown.lines.size();
     if (!known) return {};
     const ShownLine& at = shown.lines[static_cast<std::size_t>(line) - 1];
@@ -154,12 +151,12 @@ LineValue ValueOfLine(std::int32_t frame, int line) {
 
 void ShowValues(platform::DebugWindow& window, std::int32_t frame, bool hex) {
     const FrameVariables variables = VariablesOf(frame);
-    ValueDump dump = dumpOf(variables, hex);
+    const ValueDump dump = dumpOf(variables, hex);
     shown = {};
     if (dump.text().empty()) {
         platform::DebugAddstrings(window, std::string(nothingInScope) + withoutRoom(frame));
     } else {
-        shown = {frame, functionOf(frame), hex, dump.lines(), std::move(dump.variables())};
+        shown = {frame, FunctionOfFrame(frame), hex, dump.lines()};
         platform::DebugAddstrings(window, dump.text() + withoutRoom(frame));
         markLines(window, variables);
     }
@@ -184,7 +181,7 @@ void DumpVariable(const VariableEntry& entry, bool hex, void* dest) {
 
 bool ExpandValue(platform::DebugWindow& window, std::int32_t frame, int line, bool hex) {
     const LineValue at = ValueOfLine(frame, line);
-    const bool tellsPage = at.variable != nullptr && !at.isValue() && howShown(*at.variable).page >= 0;
+    const bool tellsPage = at.variable != nullptr && !at.isValue() && HowItIsShown(*at.variable).page >= 0;
     if (tellsPage) return PageValue(window, frame, line, ValuePage::Next, hex);
     VariableEntry* const entry = expandableOf(platform::DebugLine(window, line), frame, line);
     if (entry == nullptr) return false;
@@ -198,7 +195,7 @@ bool PageValue(platform::DebugWindow& window, std::int32_t frame, int line, Valu
     const LineValue at = ValueOfLine(frame, line);
     if (at.variable == nullptr || !IsExpandable(static_cast<Kind>(at.variable->kind))) return false;
     VariableEntry& entry = *const_cast<VariableEntry*>(at.variable);
-    const std::int32_t now = howShown(entry).page,
+    const std::int32_t now = HowItIsShown(entry).page,
                        count = ValueElements(entry.address, static_cast<Kind>(entry.kind)).count();
     const std::int32_t first =
         page == ValuePage::Next ? (now < 0 ? 0 : now + PageElements) : now - PageElements;
@@ -223,13 +220,14 @@ bool ShowWholeValue(platform::DebugWindow& window, std::int32_t frame, int line,
     return false;
 }
 
-void NoteShownValues() {
-    noted = shown;
+void NoteValues() {
+    NoteCalls();
 }
 
 void ForgetShownValues() {
-    shown = noted = {};
+    shown = {};
     asked.clear();
+    ForgetCalls();
 }
 
 }  // namespace tarn

@@ -17,7 +17,8 @@
 //
 // What stands in files is read, so that 653 and the other codes of files may be in the cell afterwards.
 //
-// Cost: linear in the text that is shown. NoteShownValues keeps some bytes for each line.
+// Cost: linear in the text that is shown. NoteValues looks at the first MaxValueText characters of each value of the
+// innermost call, and of its callers while they are not much; of what is expanded, at all that is shown.
 #pragma once
 
 #include "kernel/run/state.h"
@@ -71,9 +72,9 @@ std::string NameOfValue(std::int32_t frame, int line);
 // The value that a line shows as ChangeValue takes it, without the limits but MaxShownText; empty for a line without one.
 std::string WholeValue(std::int32_t frame, int line, bool hex);
 
-// Remembers the values that are shown, so that the next ShowValues marks those that have changed since. Of a value that
-// is too big to be shown the first MaxValueText characters count.
-void NoteShownValues();
+// Remembers the values of all calls, shown or not, so that ShowValues marks those that have changed since: for the end of a
+// stop. Of a value that is too big to be shown the first MaxValueText characters count. The error cell stays as it was.
+void NoteValues();
 
 // Forgets what is shown, noted and paged, for the end of debugging.
 void ForgetShownValues();

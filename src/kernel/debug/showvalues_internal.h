@@ -20,6 +20,12 @@ struct LineValue {
 LineValue ValueOfLine(std::int32_t frame, int line);
 bool ShownInHex();
 
+// What the user has asked for.
+HowShown HowItIsShown(const VariableEntry& entry);
+
+// Of a recorded frame, by its function's name: another function at the same depth is another frame.
+std::uint64_t FunctionOfFrame(std::int32_t frame);
+
 // ShowValues, with the selection and the first seen line as they were.
 void ShowValuesAgain(platform::DebugWindow& window, std::int32_t frame, bool hex);
 

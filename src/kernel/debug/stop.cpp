@@ -101,7 +101,7 @@ void stop(DebugWindow& window, const std::string& fault) {
     ShowCode(window, {}, tarn_current_line);
     NoteStopped(noticedPlace());
     debugWait(window);
-    NoteShownValues();
+    NoteValues();
     engine.stopped = false;
     if (engine.leaves) return CloseDebugger();
     platform::SetDebugCaption(window, InactiveDebuggerTitle);

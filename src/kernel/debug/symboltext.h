@@ -13,6 +13,7 @@ namespace tarn {
 enum SymbolColumn {
     SymbolName = 1,
     SymbolSort = 4,
+    SymbolBodyLine = 6,
     SymbolTypeName = 16,
     SymbolValue = 18,
     SymbolComment = 19

@@ -52,6 +52,7 @@ std::string refusal(const ValueMisfit& misfit) {
     const std::string place = "at character " + std::to_string(misfit.position);
     if (!misfit.kept.empty())
         return std::string(unchanged) + "of the number " + place + ", " + misfit.kept + " would be kept.";
+    if (!misfit.why.empty()) return std::string(unchanged) + place + ' ' + misfit.why + '.';
     std::string text = std::string(unchanged) + place + " it takes " + wantedText(misfit);
     if (misfit.capacity != 0) text += ", of at most " + std::to_string(misfit.capacity) + " characters";
     return text + ".";

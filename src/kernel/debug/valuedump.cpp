@@ -10,7 +10,6 @@
 #include "kernel/values/adt_kinds.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace tarn {
 
@@ -23,10 +22,6 @@ constexpr std::size_t WholeLine = 100;
 constexpr std::string_view typeWords[KindCount] = {"",      "Boolean", "Enum",   "Integer", "Fixed",
                                                    "Real",  "String",  "Record", "Union",   "Set",
                                                    "Array", "List",    "Table"};
-
-std::uint64_t fingerprint(std::string_view text) {
-    return std::hash<std::string_view>()(text) | 1U;  // never 0
-}
 
 std::string boundsText(const ArrayDescriptor& array) {
     std::string text;
@@ -67,11 +62,11 @@ bool isTooBig(std::string_view shown) {
            (shown.size() == MaxShownCharacters + cutMark.size() && shown.ends_with(cutMark));
 }
 
-bool isValue(const void* at, Kind kind) {
+}  // namespace
+
+bool HoldsValue(const void* at, Kind kind) {
     return !IsAdtKind(kind) || IsZeroValue(at, kind) || IsOfKind(at, kind);
 }
-
-}  // namespace
 
 std::string VariableHead(const VariableEntry& entry) {
     return std::string(entry.name) + " : " + typeText(entry.address, static_cast<Kind>(entry.kind));
@@ -82,7 +77,7 @@ std::uint32_t OneLineFlags(bool hex) {
 }
 
 void AppendOneLine(std::string& text, const void* at, Kind kind, bool hex) {
-    if (!isValue(at, kind)) {
+    if (!HoldsValue(at, kind)) {
         text += damaged;
         return;
     }
@@ -103,11 +98,10 @@ void AppendOneLine(std::string& text, const void* at, Kind kind, bool hex) {
 void ValueDump::add(const VariableEntry& entry, const HowShown& how) {
     const auto kind = static_cast<Kind>(entry.kind);
     if (!IsValueKind(kind) || entry.address == nullptr || full()) return;
-    variables_.push_back({entry.address, 0, 0, 0, {}});
-    const std::size_t start = text_.size(), line = lines_.size();
+    ++variables_;
+    const std::size_t line = lines_.size();
     text_ += VariableHead(entry) + " = ";
-    variables_.back().head = fingerprint(std::string_view(text_).substr(start));
-    const bool expanded = entry.expanded && IsExpandable(kind) && isValue(entry.address, kind);
+    const bool expanded = entry.expanded && IsExpandable(kind) && HoldsValue(entry.address, kind);
     if (!expanded) variable(entry.address, kind, how.whole.contains(ShownLine::NoElement));
     endLine(ShownLine::NoElement, lines_.size() > line);
     if (expanded && !full() && !IsZeroValue(entry.address, kind)) elements(entry.address, kind, how);
@@ -117,9 +111,7 @@ void ValueDump::add(const VariableEntry& entry, const HowShown& how) {
 // The value of one that is not expanded.
 void ValueDump::variable(const void* at, Kind kind, bool whole) {
     const std::string shown = OneLineValue(at, kind, hex_);
-    const bool big = isTooBig(shown);
-    variables_.back().value = fingerprint(big ? ValueText(at, kind, OneLineFlags(false)) : shown);
-    if (big && whole)
+    if (whole && isTooBig(shown))
         wholeValue(at, kind, ShownLine::NoElement, {});
     else
         text_ += shown;
@@ -139,9 +131,13 @@ void ValueDump::wholeValue(const void* at, Kind kind, std::int32_t element, std:
     }
 }
 
+ShownLine ValueDump::lineOf(std::int32_t element, bool continues) const {
+    return {variables_ - 1, element, continues};
+}
+
 void ValueDump::endLine(std::int32_t element, bool continues) {
     text_ += '\n';
-    lines_.push_back({static_cast<std::int32_t>(variables_.size()) - 1, element, continues});
+    lines_.push_back(lineOf(element, continues));
 }
 
 void ValueDump::elements(const void* at, Kind kind, const HowShown& how) {
@@ -154,7 +150,6 @@ void ValueDump::elements(const void* at, Kind kind, const HowShown& how) {
                  std::to_string(behind) + " of " + std::to_string(all.count()) + "...}";
         endLine(ShownLine::NoValue);
     }
-    variables_.back().firstElement = first;
     for (std::int32_t i = first; i < behind; ++i) {
         const void* const one = all.at(i);
         const bool shown = element(one, all.kind(i), i, how.whole.contains(i), i + 1 == all.count());
@@ -171,7 +166,6 @@ bool ValueDump::element(const void* at, Kind kind, std::int32_t index, bool whol
     else
         text_ += unreadable;
     const std::string_view shown = std::string_view(text_).substr(start + indent.size());
-    variables_.back().elements.push_back(fingerprint(shown));
     if (whole && isTooBig(shown)) {
         text_.resize(start + indent.size());
         wholeValue(at, kind, index, indent);
@@ -183,7 +177,7 @@ bool ValueDump::element(const void* at, Kind kind, std::int32_t index, bool whol
     lines_.resize(line);
     dropLinesFor(tooBigLine.size());
     text_ += tooBigLine;
-    lines_.push_back({static_cast<std::int32_t>(variables_.size()) - 1, ShownLine::NoValue});
+    lines_.push_back(lineOf(ShownLine::NoValue));
     return false;
 }
 

@@ -28,14 +28,6 @@ struct HowShown {
     std::set<std::int32_t> whole{};  // elements, or NoElement, whose limits do not count
 };
 
-// The fingerprints of what a variable has shown, so that a change is seen.
-struct ShownVariable {
-    const void* address = nullptr;
-    std::uint64_t head = 0, value = 0;  // the second 0 while it is expanded
-    std::int32_t firstElement = 0;
-    std::vector<std::uint64_t> elements;
-};
-
 class ValueDump {
 public:
     ValueDump(bool hex, std::size_t capacity) : hex_(hex), capacity_(capacity) {}
@@ -44,10 +36,10 @@ public:
 
     [[nodiscard]] const std::string& text() const { return text_; }
     [[nodiscard]] const std::vector<ShownLine>& lines() const { return lines_; }
-    std::vector<ShownVariable>& variables() { return variables_; }
 
 private:
     void variable(const void* at, Kind kind, bool whole);
+    [[nodiscard]] ShownLine lineOf(std::int32_t element, bool continues = false) const;
     void elements(const void* at, Kind kind, const HowShown& how);
     bool element(const void* at, Kind kind, std::int32_t index, bool whole, bool last);
     void wholeValue(const void* at, Kind kind, std::int32_t element, std::string_view indent);
@@ -59,11 +51,14 @@ private:
     std::size_t capacity_;
     std::string text_;
     std::vector<ShownLine> lines_;
-    std::vector<ShownVariable> variables_;
+    std::int32_t variables_ = 0;  // that were added
 };
 
 // What stands in front of a variable's value: "x : Integer".
 std::string VariableHead(const VariableEntry& entry);
+
+// A number, or a descriptor that is of its kind or all zero.
+bool HoldsValue(const void* at, Kind kind);
 
 // The flags for values in one line.
 std::uint32_t OneLineFlags(bool hex);

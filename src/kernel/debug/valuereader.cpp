@@ -2,15 +2,13 @@
 #include "kernel/debug/valuereader_internal.h"
 
 #include "kernel/data/elements.h"
-#include "kernel/data/fresh.h"
 #include "kernel/debug/exactnumbers.h"
 #include "kernel/debug/fieldnames.h"
+#include "kernel/debug/setfaults.h"
 #include "kernel/debug/valueelements_internal.h"
 #include "kernel/debug/valuetext.h"
-#include "kernel/lists/rowformat.h"
+#include "kernel/lists/lists.h"
 #include "kernel/run/errorcell.h"
-#include "kernel/run/errors.h"
-#include "kernel/run/fileerrors.h"
 #include "kernel/tables/tables.h"
 #include "kernel/text/fixed.h"
 #include "kernel/text/numbers.h"
@@ -188,10 +186,22 @@ bool ValueReader::string(StringDescriptor* into) {
     return false;
 }
 
+// Leaves the text at what is wrong.
+bool ValueReader::isFaultless(const SetDescriptor& set) {
+    const bool bounded = set.maxlength != DYNAMIC_BOUNDS;
+    const auto fault = FaultOfSet(text_, at_, bounded ? std::int32_t{set.lower} : LowestBound,
+                                  bounded ? std::int32_t{set.upper} : HighestBound);
+    if (!fault) return true;
+    at_ = fault->at;
+    why_ = fault->why;
+    return false;
+}
+
 bool ValueReader::set(SetDescriptor* into) {
     const std::size_t start = at_;
     auto position = static_cast<std::int32_t>(at_ + 1);
     std::int32_t error = 0;
+    if (exact_ && !isFaultless(*into)) return false;
     SetFromText(text_, position, into, error);
     constexpr std::int32_t syntaxError = 1;
     at_ = error == 0 || error == syntaxError ? static_cast<std::size_t>(position) - 1 : start;
@@ -229,8 +239,8 @@ bool ValueReader::valueOf(void* into, const FormerValue& old, Kind kind) {
 bool ValueReader::outermost(void* into, const FormerValue& old, Kind kind) {
     skipBlanks();
     if (atEnd() || next() == '}') return false;
-    const bool bare =
-        IsComposite(kind) && next() != '{' && !(next() == '"' && takesCharacters(into, old.value, kind));
+    const bool bare = !exact_ && IsComposite(kind) && next() != '{' &&
+                      !(next() == '"' && takesCharacters(into, old.value, kind));
     return bare ? composite(into, old, kind, false) : value(into, old, kind);
 }
 
@@ -276,13 +286,16 @@ bool ValueReader::composite(void* into, const FormerValue& old, Kind kind, bool 
 bool ValueReader::record(RecordDescriptor* into, const FormerValue& old, bool braced) {
     const auto kind = into->tag == TagUnion ? KindUnion : KindRecord;
     char* field = At(into->data);
-    return elements(braced, [&](std::int32_t i) {
+    std::int32_t count = 0;
+    const bool all = elements(braced, [&](std::int32_t i) {
+        count = i + 1;
         const Kind fieldKind = FieldKindAt(into->kinds, i + 1);
         if (fieldKind == KindNone) return false;
         char* const at = field;
         field += KindSize[fieldKind];
         return element(at, {elementOf(old.value, kind, i), FieldNamesAt(old.names, i + 1)}, fieldKind);
     });
+    return all && isComplete(count, FieldCountOf(into->kinds), "fields");
 }
 
 // How many elements stand up to the brace that closes, or up to the end. Each is no longer than the text, so that a
@@ -304,7 +317,16 @@ std::int64_t ValueReader::countElements(bool braced) const {
     return any ? count + 1 : 0;
 }
 
-// For a dynamic array. One of more dimensions, or one that is given no elements, has the bounds that it had.
+bool ValueReader::isComplete(std::int32_t read, std::int32_t count, std::string_view elements) {
+    if (!exact_ || read == 0 || read == count) return true;
+    --at_;
+    why_ = "there are " + std::to_string(read) + " of " + std::to_string(count) + ' ' +
+           std::string(elements) +
+           ": write all, or nothing between the commas for those that become 0 or empty";
+    return false;
+}
+
+// For a dynamic array. One of more dimensions has the bounds that it had, and so has one whose text is empty.
 bool ValueReader::giveBounds(ArrayDescriptor& array, const void* old, std::int64_t count) {
     const ArrayDescriptor before =
         old != nullptr && !IsZeroValue(old, KindArray) ? ReadAt<ArrayDescriptor>(old) : array;
@@ -322,15 +344,18 @@ bool ValueReader::giveBounds(ArrayDescriptor& array, const void* old, std::int64
 }
 
 bool ValueReader::array(ArrayDescriptor* into, const FormerValue& old, bool braced) {
-    if (into->maxlength == DYNAMIC_BOUNDS && !giveBounds(*into, old.value, countElements(braced)))
-        return false;
+    const std::int64_t given = into->maxlength == DYNAMIC_BOUNDS ? countElements(braced) : 0;
+    if (given > 0 && !giveBounds(*into, old.value, given)) return false;
     const auto kind = static_cast<Kind>(into->tag);
     const std::int32_t count = kind == KindNone ? 0 : into->size / KindSize[kind];
-    return elements(braced, [&](std::int32_t i) {
+    std::int32_t read = 0;
+    const bool all = elements(braced, [&](std::int32_t i) {
+        read = i + 1;
         char* const at = At(into->data) + std::int64_t{i} * KindSize[kind];
         const void* const before = IsAdtKind(kind) ? elementOf(old.value, KindArray, i) : nullptr;
         return i < count && element(at, {before, ElementNames(old.names)}, kind);
     });
+    return all && isComplete(read, count, "elements");
 }
 
 bool ValueReader::characters(ArrayDescriptor* into, const void* old) {
@@ -371,67 +396,6 @@ bool ValueReader::table(TableDescriptor* into, const FormerValue& old, bool brac
         at_ = start;
         return false;
     });
-}
-
-// ---- the operations ----
-
-namespace {
-
-enum class Behind { Anything, Nothing };
-
-bool readNumber(ValueReader& reader, void* value, std::string_view names, Kind kind, Behind behind) {
-    char read[sizeof(double)] = {};
-    if (!reader.outermost(read, {nullptr, names}, kind)) return false;
-    if (behind == Behind::Nothing && !reader.ends()) return false;
-    CopyNumber(read, value, kind);
-    return true;
-}
-
-bool readDescriptor(ValueReader& reader, void* value, std::string_view names, Kind kind, Behind behind) {
-    FreshValue fresh(value, kind);
-    if (OwnErrors::code() != 0 || !reader.outermost(fresh.get(), {value, names}, kind)) return false;
-    return (behind == Behind::Anything || reader.ends()) && fresh.replaceTarget();
-}
-
-bool readValue(std::string_view text, void* value, std::string_view names, std::int32_t kind, Behind behind,
-               ValueMisfit& misfit) {
-    const auto known = static_cast<Kind>(kind);
-    std::int32_t& position = misfit.position;
-    misfit.kind = kind;
-    if (value == nullptr || !IsValueKind(kind) || !IsOfKind(value, known)) return Refuse(ERR_UNIDENTIFIABLE);
-    text = text.substr(0, INT32_MAX - 1);  // positions are integers
-    if (position < 1 || static_cast<std::size_t>(position) > text.size() + 1) return false;
-    const OwnErrors errors;
-    ValueReader reader(text, static_cast<std::size_t>(position) - 1, behind == Behind::Nothing);
-    const bool read = WithMemory([&] {
-        return IsAdtKind(kind) ? readDescriptor(reader, value, names, known, behind)
-                               : readNumber(reader, value, names, known, behind);
-    });
-    position = static_cast<std::int32_t>(reader.position()) + 1;
-    if (reader.wanted() != KindNone) misfit.kind = reader.wanted();
-    misfit.capacity = reader.capacity();
-    misfit.highest = reader.highest();
-    misfit.kept = reader.kept();
-    // What does not fit is told by the result.
-    const std::int32_t code = OwnErrors::code();
-    if (code != ERR_OUT_OF_MEMORY && !IsFileFailure(code)) OwnErrors::forget();
-    return read;
-}
-
-}  // namespace
-
-bool ValueFromText(std::string_view text, std::int32_t& position, void* value, std::int32_t kind) {
-    ValueMisfit misfit;
-    misfit.position = position;
-    const bool read = readValue(text, value, {}, kind, Behind::Anything, misfit);
-    position = misfit.position;
-    return read;
-}
-
-bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit,
-                        std::string_view names) {
-    misfit = {};
-    return readValue(text, value, names, kind, Behind::Nothing, misfit);
 }
 
 }  // namespace tarn

@@ -21,7 +21,7 @@ struct FormerValue {
 
 class ValueReader {
 public:
-    // An `exact` one takes no number that it would have to cut or round.
+    // An `exact` one takes what ValueFromWholeText takes.
     ValueReader(std::string_view text, std::size_t at, bool exact) : text_(text), at_(at), exact_(exact) {}
 
     // The outermost value into `into`, which is empty. False if the text does not fit: it is then at position().
@@ -34,6 +34,7 @@ public:
     [[nodiscard]] std::int32_t capacity() const { return capacity_; }
     [[nodiscard]] std::int32_t highest() const { return highest_; }
     [[nodiscard]] const std::string& kept() const { return kept_; }
+    [[nodiscard]] const std::string& why() const { return why_; }
 
 private:
     bool value(void* into, const FormerValue& old, Kind kind);
@@ -45,6 +46,7 @@ private:
     bool real(void* into);
     bool string(StringDescriptor* into);
     bool set(SetDescriptor* into);
+    bool isFaultless(const SetDescriptor& set);
 
     bool composite(void* into, const FormerValue& old, Kind kind, bool braced);
     bool record(RecordDescriptor* into, const FormerValue& old, bool braced);
@@ -59,6 +61,8 @@ private:
     // An element, or its default where there is none.
     bool element(void* into, const FormerValue& old, Kind kind);
     [[nodiscard]] std::int64_t countElements(bool braced) const;
+    // Behind the brace that closes, after so many of the elements.
+    bool isComplete(std::int32_t read, std::int32_t count, std::string_view elements);
     bool quoted(std::string& bytes);
     bool escaped(std::string& bytes);
 
@@ -74,7 +78,7 @@ private:
     Kind wanted_ = KindNone;
     bool exact_;
     std::int32_t capacity_ = 0, highest_ = 255;
-    std::string kept_;
+    std::string kept_, why_;
 };
 
 }  // namespace tarn

@@ -52,7 +52,8 @@ std::string ValueText(const void* value, std::int32_t kind, std::uint32_t flags)
 // line ends may stand between, integers in either form, sets with ".." or ':', arrays of characters in either form,
 // booleans also as "Yes" and "No". Composites stand in braces; those of the outermost value may be missing. Elements that
 // are empty, and those that a record or an array has left, get their default: 0, nothing. A dynamic array of one
-// dimension gets as many elements as there are, from the lower bound that it had, or 1.
+// dimension gets as many elements as there are, from the lower bound that it had, or 1; one that gets none, of any
+// dimensions, has no bounds afterwards.
 //
 // False, with the value as it was, if the text does not fit the kind or the value's shape (more elements or characters
 // than it holds, a row whose key is there); `position` is then where it does not. Also with an error in the cell: 764 as
@@ -66,10 +67,13 @@ struct ValueMisfit {
     std::int32_t capacity = 0;   // of a fixed string for which the text is too long
     std::int32_t highest = 255;  // of an enum
     std::string kept;            // of a number that would be cut or rounded: what it would become
+    // In words that tell what to do, where more is known: goes on behind "at character 3 ".
+    std::string why{};
 };
-// The same for a text that is one value from its beginning to its end, but for blanks: all else behind it does not fit. Nor
-// does a number that would be cut or rounded, or an ordinal beyond the names of its enum, as far as `names` tell those
-// (fieldnames.h).
+// The same for a text that a user has typed, where what is left out may have been forgotten. It is one value from its
+// beginning to its end, but for blanks. Composites have their braces; a record, or an array whose elements do not come and
+// go, has as many elements as commas tell, or none at all; a set has no empty members. A number that would be cut or
+// rounded does not fit, nor an ordinal beyond the names of its enum, as far as `names` tell those (fieldnames.h).
 bool ValueFromWholeText(std::string_view text, void* value, std::int32_t kind, ValueMisfit& misfit,
                         std::string_view names = {});
 

@@ -4,6 +4,8 @@
 #include "kernel/debug/engine_internal.h"
 #include "kernel/debug/expression.h"
 
+#include <algorithm>
+
 namespace tarn::debug {
 
 namespace {
@@ -17,9 +19,11 @@ std::string askExpression(const std::string& old) {
     return {};
 }
 
-void change(DebugWindow& window) {
+// They have changed, and this line is to be seen; one behind the last is the last.
+void showChanged(DebugWindow& window, std::size_t line) {
     engine.watchesChanged = true;
     ShowWatches(window);
+    platform::DebugSelect(window, static_cast<int>(std::min(line, engine.watches.size())), true);
 }
 
 bool isWatch(int line) {
@@ -30,9 +34,9 @@ bool isWatch(int line) {
 
 void AskWatch(DebugWindow& window) {
     const std::string text = askExpression({});
-    if (!text.empty()) engine.watches.push_back(text);
-    if (!text.empty()) engine.watchesChanged = true;
-    ShowWatches(window);
+    if (text.empty()) return ShowWatches(window);
+    engine.watches.push_back(text);
+    showChanged(window, engine.watches.size());
 }
 
 void EditWatch(DebugWindow& window, int line) {
@@ -41,7 +45,7 @@ void EditWatch(DebugWindow& window, int line) {
     const std::string text = askExpression(watch);
     if (text.empty() || text == watch) return;
     watch = text;
-    change(window);
+    showChanged(window, static_cast<std::size_t>(line));
 }
 
 void RemoveWatch(DebugWindow& window, int line) {
@@ -49,7 +53,7 @@ void RemoveWatch(DebugWindow& window, int line) {
     const auto at = engine.watches.begin() + (line - 1);
     if (Ask("Do you want to watch '" + *at + "' no more?", "Yes\nNo") != "Yes") return;
     engine.watches.erase(at);
-    change(window);
+    showChanged(window, static_cast<std::size_t>(line));
 }
 
 }  // namespace tarn::debug

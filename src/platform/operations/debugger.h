@@ -39,9 +39,9 @@ enum class DebugMessage {
     Command,      // a button, or its key: `number` is the command's
     DoubleClick,  // on a line of the list, or Return there: `number` is the line
     Help,         // F1, or the window's help
-    Edit,   // F2 on a line: its value, or the rule of its breakpoint, is to be changed: `number` is the line
-    Hover,  // the pointer rests on a line: `number` is it, `text` the word under the pointer, with the names
-            // and dots before it ("a.b" over b). The handler answers by SetDebugTip
+    Edit,  // F2 on a line: its value, or the rule of its breakpoint, is to be changed: `number` is the line
+    Hover,  // the pointer rests on a word of a line: `number` is the line, `text` its beginning up to the end of
+            // the word, as it is shown. The handler answers by SetDebugTip
     Close,  // the user has closed the window
 };
 struct DebugEvent {

@@ -123,10 +123,19 @@ void showLines(const DebugWindow& window, int from, int to) {
     write(text);
 }
 
+// Of a list without a selection, from its top: who asked for it is to know that more follows.
+void showPage(const DebugWindow& window) {
+    showLines(window, window.top, window.top + page - 1);
+    const int more = window.lines.count() - listed;
+    if (more > 0)
+        write("(" + std::to_string(more) +
+              (more == 1 ? " more line: list shows it.)\n" : " more lines: list shows the next ones.)\n"));
+}
+
 void showAround(const DebugWindow& window) {
-    const int selected = std::max(window.selected, window.top);
-    const bool whole = window.lines.count() <= page;
-    showLines(window, whole ? 1 : selected - around, whole ? page : selected + around);
+    if (window.lines.count() <= page) return showLines(window, 1, page);
+    if (window.selected == 0) return showPage(window);
+    showLines(window, window.selected - around, window.selected + around);
 }
 
 void showStop(const DebugWindow& window) {

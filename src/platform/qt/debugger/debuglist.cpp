@@ -154,8 +154,8 @@ DebugList::Part DebugList::partAt(int x) const {
     return x < columns.markers ? Part::Margin : x < columns.text ? Part::Marker : Part::Text;
 }
 
-// The word at that place with the names and dots before it, so that a field comes with its record.
-std::string DebugList::wordAt(int line, int x) const {
+// The text up to the end of the word at that place; empty for a number, and where no word is.
+std::string DebugList::textToWordAt(int line, int x) const {
     if (partAt(x) != Part::Text) return {};
     const QString text = shownDebugLine(window_->lines.text(line));
     const int from = painter_->columns().text - horizontalOffset();
@@ -165,10 +165,8 @@ std::string DebugList::wordAt(int line, int x) const {
     if (at >= text.size() || !isNamePart(text[at])) return {};
     qsizetype start = at, end = at;
     while (end < text.size() && isNamePart(text[end])) ++end;
-    while (start > 0 && (isNamePart(text[start - 1]) || text[start - 1] == u'.')) --start;
-    while (start < at && !text[start].isLetter() && text[start] != u'_') ++start;
-    const bool isName = text[start].isLetter() || text[start] == u'_';
-    return isName ? text.mid(start, end - start).toStdString() : std::string();
+    while (start > 0 && isNamePart(text[start - 1])) --start;
+    return text[start].isDigit() ? std::string() : text.left(end).toStdString();
 }
 
 bool DebugList::openBy(int key) {
@@ -212,11 +210,11 @@ bool DebugList::viewportEvent(QEvent* event) {
     const auto& help = *static_cast<QHelpEvent*>(event);
     const int line = lineAt(help.pos());
     pointer_ = help.globalPos();
-    const std::string word = line > 0 ? wordAt(line, help.pos().x()) : std::string();
-    if (word.empty())
+    const std::string text = line > 0 ? textToWordAt(line, help.pos().x()) : std::string();
+    if (text.empty())
         QToolTip::hideText();
     else if (rested)
-        rested(line, word);
+        rested(line, text);
     return true;
 }
 

@@ -23,7 +23,8 @@ public:
     std::function<bool(const QKeyEvent& key)> typed;  // true: it goes no further
     std::function<void(int line)>
         margined;  // a click into the margin of numbers and marks; the line is selected
-    std::function<void(int line, const std::string& word)> rested;  // the pointer, on a word or on none
+    std::function<void(int line, const std::string& text)>
+        rested;  // the pointer, on the word that ends the text
 
     void release();    // before the model's window goes
     void showLines();  // other lines
@@ -50,7 +51,7 @@ private:
     enum class Part { Margin, Marker, Text };
     [[nodiscard]] int lineAt(const QPoint& place) const;  // 0: none
     [[nodiscard]] Part partAt(int x) const;
-    [[nodiscard]] std::string wordAt(int line, int x) const;
+    [[nodiscard]] std::string textToWordAt(int line, int x) const;
     [[nodiscard]] int selectedLine() const;
     void keepInView();
     bool openBy(int key);  // an arrow that expands or collapses

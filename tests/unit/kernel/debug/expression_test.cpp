@@ -139,6 +139,18 @@ TEST_F(Expressions, HaveTheValuesOfTheLanguage) {
         {"not i = 8", "True"},
         {"b and b and b", "True"},
         {"false or false or b", "True"},
+        // sets of sets
+        {"set + [5, 30]", "[1..3,5,7,30]"},
+        {"set - [2, 7..9]", "[1,3]"},
+        {"set * [2..8]", "[2..3,7]"},
+        {"[1] + [2] * [2] - [1]", "[2]"},
+        {"([1] + [2]) * ([2] + [3])", "[2]"},
+        {"set - set", "[]"},
+        {"[-32768] + [32767]", "[-32768,32767]"},
+        {"2 in set - [2]", "False"},
+        {"set - [7] = [1..3]", "True"},
+        {"[] + [] = []", "True"},
+        {"set", "[1..3,7]"},  // they stay as they were
         // what decides leaves out the rest
         {"false and a[100] = 1", "False"},
         {"true or nothing", "True"},
@@ -177,6 +189,13 @@ TEST_F(Expressions, SayWhyTheyHaveNoValue) {
         {"s + s", "(these values have no +)"},
         {"r div 2", "(these values have no div)"},
         {"-s", "(these values have no -)"},
+        {"set + 5", "(these values have no +)"},
+        {"5 + set", "(these values have no +)"},
+        {"set * l", "(these values have no *)"},
+        {"set - a", "(these values have no -)"},
+        {"set / set", "(these values have no /)"},
+        {"set div set", "(these values have no div)"},
+        {"-set", "(these values have no -)"},
         {"i = s", "(these values have no =)"},
         {"i = b", "(these values have no =)"},
         {"rec < rec", "(these values have no <)"},
@@ -224,6 +243,11 @@ TEST_F(Expressions, SayWhatCannotBeRead) {
         {std::string(100000, '9'), "This number cannot be read, or is too large (at character 1)."},
         {"[1,", "A set is made of numbers from -32768 to 32767, such as [1, 5..9] (at character 4)."},
         {"[40000]", "A set is made of numbers from -32768 to 32767, such as [1, 5..9] (at character 1)."},
+        {"[1,,2]",
+         "A set is made of numbers with one comma between two, such as [1, 5..9] (at character 4)."},
+        {"[1,]", "A set is made of numbers with one comma between two, such as [1, 5..9] (at character 4)."},
+        {"i in [,]",
+         "A set is made of numbers with one comma between two, such as [1, 5..9] (at character 7)."},
         {"#", "A name or a value is expected here (at character 1)."},
         {std::string(100000, '('), "The brackets are nested too deep (at character 101)."},
     };
@@ -242,6 +266,31 @@ TEST_F(Expressions, MayBeLong) {
     EXPECT_EQ(valueOf(sum), "20000");
     EXPECT_EQ(valueOf(std::string(100, '(') + "i" + std::string(100, ')')), "1");
     EXPECT_EQ(valueOf(std::string(100001, '-') + "i"), "-1");
+    std::string sets = "[-32768]";
+    for (int n = 1; n < 2000; ++n) sets += "+[32767]";
+    EXPECT_EQ(valueOf(sets), "[-32768,32767]");
+}
+
+TEST_F(Expressions, OfSetsLackMemoryAndSaySo) {
+    add("set", Set(1, 20, {1, 2}));
+    std::string error;
+    const auto expression = DebugExpression::compile("set + [30] = [1, 2, 30]", error);
+    ASSERT_NE(expression, nullptr) << error;
+    EXPECT_EQ(expression->text(1, false), "True");
+    for (const int request : {0, 1}) {
+        FailAllocation(request);
+        EXPECT_EQ(expression->text(1, false), "(" + ErrorMessage(802) + ")") << request;
+        FailAllocation(-1);
+    }
+    EXPECT_EQ(expression->text(1, false), "True");
+    EXPECT_EQ(takeError(), 0);
+}
+
+TEST_F(Expressions, OfSetsNeedThemToBeThere) {
+    SetDescriptor none{};
+    RegisterVariable("none", 'V', KindSet, &none);
+    EXPECT_EQ(valueOf("none + [1]"), "(this cannot be read)");
+    EXPECT_EQ(valueOf("[1] - none"), "(this cannot be read)");
 }
 
 TEST_F(Expressions, AreShownWithinTheLimits) {

@@ -146,7 +146,7 @@ TEST_F(ShownValues, WhatHasChangedSinceItWasNotedIsMarked) {
     entry(3).expanded = true;
     show();
     EXPECT_EQ(changed(), std::vector<int>());
-    NoteShownValues();
+    NoteValues();
     a = 2;
     const std::int32_t nine = 9;
     ListPut(&nine, KindInteger, 2, static_cast<ListDescriptor*>(list));
@@ -154,14 +154,14 @@ TEST_F(ShownValues, WhatHasChangedSinceItWasNotedIsMarked) {
     EXPECT_EQ(changed(), (std::vector<int>{1, 5}));
     show();
     EXPECT_EQ(changed(), (std::vector<int>{1, 5}));
-    NoteShownValues();
+    NoteValues();
     ListAppend(&nine, KindInteger, static_cast<ListDescriptor*>(list));
     show();
     EXPECT_EQ(changed(), std::vector<int>{3});
     entry(3).expanded = false;
     show();
     EXPECT_EQ(changed(), std::vector<int>{3});
-    NoteShownValues();
+    NoteValues();
     FunctionEnter("Main", "other", 1);
     addInteger("c", 1);
     show(2);
@@ -171,7 +171,7 @@ TEST_F(ShownValues, WhatHasChangedSinceItWasNotedIsMarked) {
 TEST_F(ShownValues, AChangeWithinWhatIsTooBigIsSeen) {
     void* const list = add("list", integers(3000));
     show();
-    NoteShownValues();
+    NoteValues();
     const std::int32_t nine = 9;
     ListPut(&nine, KindInteger, 2999, static_cast<ListDescriptor*>(list));
     EXPECT_EQ(show(), Lines{"list : List (Length=3000) = {...too big...}"});
@@ -238,7 +238,7 @@ TEST_F(ShownValues, ComeWhole) {
     EXPECT_EQ(lines()[27], "   \"b\"");
     EXPECT_TRUE(ShowWholeValue(*window_, 1, 29, false));
     EXPECT_EQ(lines().back(), "   y\"");
-    NoteShownValues();
+    NoteValues();
     EXPECT_EQ(ChangeValue(*window_, 1, 5, "\"short\""), "");
     EXPECT_EQ(lines()[1], "text : String = \"short\"");
     EXPECT_EQ(changed(), std::vector<int>{2});

@@ -168,6 +168,23 @@ TEST_F(TerminalTest, ALongListIsShownInPieces) {
     EXPECT_TRUE(has(text, "text 8000\n"));
 }
 
+TEST_F(TerminalTest, OfALongListWithoutASelectionThereIsAPageAndHowMuchFollows) {
+    act = [this](const DebugEvent& event) {
+        std::string lines;
+        for (int line = 1; line <= event.number - 80; ++line) lines += "text " + std::to_string(line) + "\n";
+        DebugAddstrings(*window, lines);
+    };
+    std::string text = typed("values\nlist\nr\n");  // 27 lines
+    EXPECT_TRUE(has(text, "text 20\n(7 more lines: list shows the next ones.)\ndebug> ")) << text;
+    EXPECT_EQ(text.find("text 21\n"), text.find("debug> ", text.find("more lines")) + 7 + 12) << text;
+    EXPECT_TRUE(has(text, "text 27\ndebug> ")) << text;
+    act = [this](const DebugEvent&) { DebugAddstrings(*window, std::string(21, '\n')); };
+    EXPECT_TRUE(has(typed("values\nr\n"), "(1 more line: list shows it.)\n"));
+    DebugAddstrings(*window, "one");
+    act = [this](const DebugEvent&) { DebugAddstrings(*window, std::string(20, '\n')); };
+    EXPECT_FALSE(has(typed("values\nr\n"), "more line"));
+}
+
 TEST_F(TerminalTest, TheWordsAreTold) {
     const std::string text = typed("?\nr\n");
     for (const DebugCommand& command : debugCommands) EXPECT_TRUE(has(text, command.title)) << command.word;
