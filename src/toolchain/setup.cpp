@@ -65,7 +65,7 @@ std::string noOption(const std::string& word) {
 Options readOptions(const std::vector<std::string>& arguments) {
     using Place = Options::Place;
     Options options;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
+    for (std::size_t i = 0; i < arguments.size() && options.problem.empty(); ++i) {
         const std::string& word = arguments[i];
         const std::string next = i + 1 < arguments.size() ? arguments[i + 1] : std::string();
         if (word == "--quiet")
@@ -81,7 +81,7 @@ Options readOptions(const std::vector<std::string>& arguments) {
         else if (word == "--folder")
             options.folder = arguments[++i];
     }
-    if (options.check && options.place != Place::Ask)
+    if (options.check && options.place != Place::Ask && options.problem.empty())
         options.problem = "--check installs nothing, so it takes no place.";
     if (options.quiet && options.place == Place::Ask) options.place = Place::Home;
     return options;

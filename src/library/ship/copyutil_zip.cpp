@@ -45,18 +45,19 @@ bool zip(const CopyList& list, const std::string& zipFile) {
     return true;
 }
 
-// A short listing of what the zip file holds; it stands in the folder of the work where the current folder cannot take it.
-std::string listed(const std::string& zipFile, const WorkFolder& work) {
-    const std::vector<std::string> arguments = {"-Z", "-s", "--t", "--h", zipFile};
-    const ToolRun run = runTool(UnzipProgram, arguments, Listing);
-    return run.started ? run.output : runTool(UnzipProgram, arguments, work.path() + Listing).output;
-}
-
-std::string notIn(const std::string& listing, const CopyList& list) {
+// The files of which the zip file has no line in its short listing, which is written to a file.
+std::string missingIn(const std::string& zipFile, const CopyList& list, const std::string& listing) {
+    const ToolRun run = runTool(UnzipProgram, {"-Z", "-s", "--t", "--h", zipFile}, listing);
     std::string missing;
     for (const CopyFile& file : list.files)
-        if (!ISNAMEINLIST(listing, FILEGETFNAME(file.Name), file.Size)) missing += file.Name + "\n";
+        if (!ISNAMEINLIST(run.output, FILEGETFNAME(file.Name), file.Size)) missing += file.Name + "\n";
     return missing;
+}
+
+// Where the current folder cannot take the whole listing, which the unzip program does not tell, another place does.
+std::string missingIn(const std::string& zipFile, const CopyList& list, const WorkFolder& work) {
+    const std::string missing = missingIn(zipFile, list, std::string(Listing));
+    return missing.empty() ? missing : missingIn(zipFile, list, work.path() + Listing);
 }
 
 bool makeZip(const Object& owner, const CopyList& list, const std::string& zipFile) {
@@ -66,7 +67,7 @@ bool makeZip(const Object& owner, const CopyList& list, const std::string& zipFi
     if (!work.path().empty()) {
         const std::string made = work.path() + "made.zip";
         if (!zip(list, made)) return false;
-        missing = notIn(listed(made, work), list);
+        missing = missingIn(made, list, work);
         error = missing.empty() ? takePlace(made, os::native(zipFile))
                                 : whyNoneIn(FILEGETDIR(zipFile), list.roundedSize(1));
         if (missing.empty() && error != os::FileError::None) missing = list.paths(1);

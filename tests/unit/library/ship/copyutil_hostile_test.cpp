@@ -287,6 +287,10 @@ TEST_F(ShipHostile, TheListingGoesElsewhereWhereTheCurrentFolderCannotTakeIt) {
     folder("unzip.err");
     answers = {dir / "to/a.zip", "OK"};
     EXPECT_TRUE(COPYTOZIP(owner, file("a", 1), "")) << lastText();
+    std::filesystem::remove(dir / "unzip.err");
+    link("/dev/full", "unzip.err");  // a disk that takes nothing more
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("a", 1), "")) << lastText();
     EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
 }
 

@@ -214,8 +214,10 @@ TEST_F(ShipCopies, TheZipProgramGetsACallForEachFile) {
     answers = {dir / "to/a.zip", "OK"};
     EXPECT_FALSE(COPYTOZIP(owner, file("a b", 1) + file("c", 2), ""));
     const std::string made = dir / "to/.a-1.work/made.zip";
+    const std::string look = "-Z -s --t --h " + made + "\n";
     EXPECT_EQ(read("calls"), made + " -j -9 " + dir / "files/a b" + "\n" + made + " -j -9 " +
-                                 dir / "files/c" + "\n-Z -s --t --h " + made + "\n");
+                                 dir / "files/c" + "\n" + look + look)
+        << "what is missing is looked for twice";
     EXPECT_EQ(read("unzip.err"), "");
 }
 

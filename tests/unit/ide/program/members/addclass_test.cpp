@@ -85,13 +85,13 @@ TEST_F(AddClass, ChecksInItsOrder) {
          "is already part of the program. It cannot be added twice."},
         {"far/my class.cls", classText("My"), "my class.cls", SameName},
         {"far/your class.cls", classText("Your"), dir + "far/your class.cls",
-         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the "
-         "file, "
-         "remove spaces from its name and try again.\n"},
+         "cannot be added to the program, as its filename is not a valid class name.\n" +
+             std::string("It holds a space. " + NameRule) +
+             "\nMake a copy of the file with another name and try again.\n"},
         {"far/loop.cls", classText("Loop"), dir + "far/loop.cls",
-         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the "
-         "file, "
-         "remove spaces from its name and try again.\n"},
+         "cannot be added to the program, as its filename is not a valid class name.\n" +
+             std::string("'loop' is a word of the language.") +
+             "\nMake a copy of the file with another name and try again.\n"},
         {"far/missing.cls", "", dir + "far/missing.cls",
          "cannot be added because it is not a class.\nThe Add Class command only works with classes."},
     };
