@@ -60,27 +60,35 @@ std::string missingIn(const std::string& zipFile, const CopyList& list, const Wo
     return missing.empty() ? missing : missingIn(zipFile, list, work.path() + Listing);
 }
 
-bool makeZip(const Object& owner, const CopyList& list, const std::string& zipFile) {
+struct Zipped {
+    std::string missing;  // what did not get into the zip file, one a line
+    os::FileError error = os::FileError::None;
+    bool stopped = false;
+};
+
+Zipped zipped(const CopyList& list, const std::string& zipFile) {
     const WorkFolder work(zipFile);
-    std::string missing = list.paths(1);
-    os::FileError error = work.error();
-    if (!work.path().empty()) {
-        const std::string made = work.path() + "made.zip";
-        if (!zip(list, made)) return false;
-        missing = missingIn(made, list, work);
-        error = missing.empty() ? takePlace(made, os::native(zipFile))
-                                : whyNoneIn(FILEGETDIR(zipFile), list.roundedSize(1));
-        if (missing.empty() && error != os::FileError::None) missing = list.paths(1);
-    }
-    if (missing.empty())
+    if (work.path().empty()) return {list.paths(1), work.error()};
+    const std::string made = work.path() + "made.zip";
+    if (!zip(list, made)) return {{}, os::FileError::None, true};
+    const std::string missing = missingIn(made, list, work);
+    if (!missing.empty()) return {missing, whyNoneIn(FILEGETDIR(zipFile), list.roundedSize(1))};
+    const os::FileError error = takePlace(made, os::native(zipFile));
+    return {error == os::FileError::None ? std::string() : list.paths(1), error};
+}
+
+bool makeZip(const Object& owner, const CopyList& list, const std::string& zipFile) {
+    const Zipped result = zipped(list, zipFile);
+    if (result.stopped) return false;
+    if (result.missing.empty())
         tell(owner,
              "Successfully zipped " + std::to_string(list.files.size()) + " file(s) to '" + zipFile + "'.");
     else
         tell(owner,
-             "The following file(s) could not be zipped:\n\n" + indented(missing) +
-                 obstacle(missing, zipFile, error),
+             "The following file(s) could not be zipped:\n\n" + indented(result.missing) +
+                 obstacle(result.missing, zipFile, result.error),
              BoxIcon::Error);
-    return missing.empty();
+    return result.missing.empty();
 }
 
 }  // namespace

@@ -208,6 +208,22 @@ TEST_F(ShipCopies, AZipThatFailsIsToldAndTheOldOneStays) {
     EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
 }
 
+TEST_F(ShipCopies, NothingOfTheWorkIsThereAnyMoreWhenItIsToldWhatCameOfIt) {
+    int boxes = 0;
+    meanwhile = [&] {
+        ++boxes;
+        for (const auto& entry : std::filesystem::directory_iterator(dir / "to"))
+            EXPECT_EQ(entry.path().filename(), "a.zip");
+    };
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("a", 1), ""));
+    std::filesystem::remove(dir / "to/a.zip");
+    tool("zip", "echo half > \"$1\"; exit 3");
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_FALSE(COPYTOZIP(owner, file("a", 1), ""));
+    EXPECT_EQ(boxes, 4);
+}
+
 TEST_F(ShipCopies, TheZipProgramGetsACallForEachFile) {
     tool("zip", "echo \"$*\" >> " + dir / "calls");
     tool("unzip", "echo \"$*\" >> " + dir / "calls");
