@@ -91,6 +91,35 @@ TEST_F(WorkFolders, OfALivingProcessStayAndTheNextGetsAnotherName) {
     for (const int end : {told[0], told[1], go[0], go[1]}) ::close(end);
 }
 
+// Each cleans up while the others make theirs; every third one is killed in the middle of its work.
+TEST_F(WorkFolders, ManyAtOnceLeaveEachOtherAlone) {
+    constexpr int Processes = 6, Rounds = 40;
+    const auto work = [this](int process) {
+        for (int round = 0; round < Rounds; ++round) {
+            const WorkFolder own(dir / "to/prog.deb");
+            const std::string file = own.path() + "mine";
+            if (own.path().empty() || !os::saveFile(file, "x", os::Durability::Unsynced).ok()) ::_exit(1);
+            REMOVEDEADWORK(dir / "to");
+            if (os::sizeOf(file) != 1) ::_exit(2);
+            if (process % 3 == 0 && round == Rounds / 2) ::kill(::getpid(), SIGKILL);
+        }
+        ::_exit(0);
+    };
+    std::vector<pid_t> children;
+    for (int process = 0; process < Processes; ++process) {
+        children.push_back(::fork());
+        if (children.back() == 0) work(process);
+    }
+    for (int process = 0; process < Processes; ++process) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(children[static_cast<std::size_t>(process)], &status, 0),
+                  children[static_cast<std::size_t>(process)]);
+        EXPECT_TRUE(process % 3 == 0 ? WIFSIGNALED(status) : status == 0) << process << " " << status;
+    }
+    REMOVEDEADWORK(dir / "to");
+    EXPECT_EQ(names(), "");
+}
+
 TEST_F(WorkFolders, OfADeadProcessGoWithTheNextRunThere) {
     make("files/kept", "far");
     leaveOne();
