@@ -95,6 +95,7 @@ bool WorkFolder::make(const std::string& folder) {
 bool WorkFolder::hold(const std::string& owner) {
     os::Handle handle = -1;
     error_ = os::files().open(owner, os::OpenMode::CreateNew, Private, handle);
+    if (error_ == FileError::NotFound) error_ = FileError::Exists;  // one that cleans up took an empty folder
     if (error_ != FileError::None) return false;
     os::files().close(handle);
     if (held_.take(owner) != Taken::No) return true;
