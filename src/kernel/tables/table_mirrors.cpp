@@ -6,8 +6,11 @@
 #include "kernel/run/errors.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/fewbytes.h"
+#include "kernel/values/heap_look.h"
+#include "kernel/values/heap_quick.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace tarn {
@@ -37,14 +40,18 @@ void nameBlock(TableHeader& header, Offset block) {
     header.typeInfo.reserved = static_cast<std::int32_t>(block | kept);
 }
 
+// A header stands in the heap, whatever else is wrong with it.
+Offset placeOf(const TableHeader& header) {
+    return static_cast<Offset>(reinterpret_cast<const char*>(&header) - tarn_heap_base);
+}
+
 TableMirrors* mirrorsOf(const TableHeader& header) {
     constexpr Offset blockStep = 16;
     const Offset at = static_cast<Offset>(header.typeInfo.reserved) & ~wasAskedFor;
-    if (at == 0 || at % blockStep != 0) return nullptr;
-    char* const block = At(at);
-    if (OffsetOf(block + sizeof(TableMirrors) - 1) == 0) return nullptr;  // it ends behind the heap
-    auto* const mirrors = reinterpret_cast<TableMirrors*>(block);
-    return mirrors->header == OffsetOf(&header) ? mirrors : nullptr;
+    if (at == 0 || at % blockStep != 0 || std::uint64_t{at} + sizeof(TableMirrors) > HeapTop) return nullptr;
+    // What programs have written there may name a block that was freed.
+    const bool own = LookAt<Offset>(at + offsetof(TableMirrors, header)) == placeOf(header);
+    return own ? reinterpret_cast<TableMirrors*>(At(at)) : nullptr;
 }
 
 TableMirrors* makeBlock(TableHeader& header) {
@@ -53,7 +60,7 @@ TableMirrors* makeBlock(TableHeader& header) {
     Allocate(block, sizeof(TableMirrors));
     if (block == 0) return nullptr;
     auto* const mirrors = reinterpret_cast<TableMirrors*>(At(block));
-    *mirrors = {OffsetOf(&header), 0, PlainTreeChanges, HoldsNumbersOnly(RowShape(header).kinds), {}};
+    *mirrors = {placeOf(header), 0, PlainTreeChanges, HoldsNumbersOnly(RowShape(header).kinds), {}};
     nameBlock(header, block);
     return mirrors;
 }
