@@ -45,7 +45,7 @@ struct MirrorEntry {
 struct TreeWalk {
     static constexpr std::uint32_t mostRows = 8, fewRows = 4;  // where few are known, it looks ahead again
     std::uint32_t
-        known;         // rows from the one that was found on, 0 behind the last one of the tree; 0: no walk
+        known;         // rows from the one that was found on, behind the last of the tree a 0; none: no walk
     std::uint32_t at;  // where the one that was found stands in `rows`, a ring
     int side;          // 1 upwards
     std::uint32_t rows[mostRows];
